@@ -1,0 +1,27 @@
+# What our own targets are compiled with. Linked privately, so nothing of it
+# reaches a project that uses the library.
+add_library(vek0_flags INTERFACE)
+if(MSVC)
+  target_compile_options(vek0_flags INTERFACE /W4 /utf-8 /fp:strict $<$<BOOL:${VEK0_WERROR}>:/WX>)
+else()
+  target_compile_options(vek0_flags INTERFACE
+    -Wall -Wextra -Wconversion -Wshadow -Woverloaded-virtual -Wnon-virtual-dtor
+    # A fused multiply-add rounds once where the source rounds twice: results would
+    # differ between ARM and x86, and so would saved drawings.
+    -ffp-contract=off
+    # GCC 12 sees overlaps in std::string that are not there (its bug 105651).
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
+    # Failed checks print paths inside the project, wherever it was built.
+    -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=
+    $<$<BOOL:${VEK0_WERROR}>:-Werror>)
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(i[3-6]86|x86)$")
+    # The old floating point unit keeps extra bits that exact comparisons then see.
+    target_compile_options(vek0_flags INTERFACE -msse2 -mfpmath=sse)
+  endif()
+endif()
+
+if(VEK0_SANITIZE)
+  target_compile_options(vek0_flags INTERFACE
+    -fsanitize=${VEK0_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(vek0_flags INTERFACE -fsanitize=${VEK0_SANITIZE})
+endif()

@@ -1,0 +1,24 @@
+include(CMakePackageConfigHelpers)
+
+set(VEK0_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/vek0core)
+install(TARGETS zim0lang vek0core EXPORT vek0core FILE_SET HEADERS)
+install(EXPORT vek0core NAMESPACE vek0core:: FILE vek0core-targets.cmake
+        DESTINATION ${VEK0_CMAKE_DIR})
+configure_package_config_file(cmake/vek0core-config.cmake.in vek0core-config.cmake
+  INSTALL_DESTINATION ${VEK0_CMAKE_DIR})
+# While the major version is 0, a new minor version may break its users.
+write_basic_package_version_file(vek0core-config-version.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vek0core-config.cmake
+              ${CMAKE_CURRENT_BINARY_DIR}/vek0core-config-version.cmake
+        DESTINATION ${VEK0_CMAKE_DIR})
+
+if(NOT BUILD_SHARED_LIBS)
+  set(VEK0_PC_CFLAGS "-DVEK0_STATIC")
+endif()
+configure_file(cmake/vek0core.pc.in vek0core.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vek0core.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+if(TARGET vek0)
+  install(TARGETS vek0)
+endif()

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <vector>
+
+#include "vek0core/export.h"
+#include "vek0core/geometry/circle.h"
+
+/// Arc in a plane z = constant: a circle and two angles.
+///
+/// Angles are radians, counter-clockwise from the positive x axis, both in
+/// [0, 2*pi) after construction or `set`; who writes the fields directly may store
+/// others. The arc runs counter-clockwise from startAngle to endAngle; equal angles
+/// mean the full turn, never nothing. Comparison is exact.
+class VEK0_API ARC_3D : public CIRCLE_3D {
+ public:
+  ARC_3D() = default;
+  ARC_3D(double cx, double cy, double cz, double r, double start, double end)
+      : CIRCLE_3D(cx, cy, cz, r), startAngle(normal(start)), endAngle(normal(end)) {}
+
+  bool operator==(const ARC_3D& a) const {
+    return CIRCLE_3D::operator==(a) && startAngle == a.startAngle && endAngle == a.endAngle;
+  }
+  bool operator!=(const ARC_3D& a) const { return !(*this == a); }
+
+  using CIRCLE_3D::get;
+  using CIRCLE_3D::set;
+  void get(double& cx, double& cy, double& cz, double& r, double& start, double& end) const {
+    CIRCLE_3D::get(cx, cy, cz, r);
+    start = startAngle;
+    end = endAngle;
+  }
+  void set(double cx, double cy, double cz, double r, double start, double end) {
+    *this = ARC_3D(cx, cy, cz, r, start, end);
+  }
+
+  /// The angle brought into [0, 2*pi) by whole turns: step by step within 64 turns,
+  /// where exact multiples land exactly on 0; by the remainder beyond. A non-finite
+  /// angle gives 0.
+  static double normal(double angleRad);
+
+  /// The arc from p1 through p2 to p3, at the z of p1. It is stored
+  /// counter-clockwise, so its ends are exchanged when the points turn right. False,
+  /// and unchanged, when they lie in line (see `CIRCLE_3D::Create`).
+  bool Create(const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3);
+
+  /// The angles as a sweep: start < end <= start + 2*pi.
+  void getSafeAngles(double& start, double& end) const;
+
+  /// Whether the direction `angleRad` from the centre meets the arc. The ends belong
+  /// to it, with a tolerance of 1e-12 times (1 + the angle).
+  bool angle_in_arc(double angleRad) const;
+
+  void end_points(PNT_3D& ps, PNT_3D& pe) const;
+  /// Exact extents.
+  void calc_bdry(RECT_3D& box) const;
+  /// About the vertical axis through `center`.
+  void rotate(const PNT_3D& center, double angleRad);
+
+  /// Distance from the nearest point of the arc, in the plane.
+  double dist(const PNT_2D& p) const;
+  /// Distance from the nearer end.
+  double dist_endpoints(const PNT_2D& p) const;
+
+  /// Common points, counted as those of the circle that lie on the arc. With at
+  /// least one, the first output holds a valid one.
+  long intersect(const LINE_2D& line, PNT_2D& p1, PNT_2D& p2) const;
+  long intersect(const IMP_LINE_2D& line, PNT_2D& p1, PNT_2D& p2) const;
+  long intersect(const CIRCLE_3D& circle, PNT_2D& p1, PNT_2D& p2) const;
+  long intersect(const ARC_3D& arc, PNT_2D& p1, PNT_2D& p2) const;
+  long intersect(const PAR_LINE_2D& line, double& t1, double& t2) const;
+  long intersect(const LINE_2D& line) const;  ///< the number alone
+
+  double startAngle, endAngle;
+
+ private:
+  bool holds(const PNT_2D& p) const { return angle_in_arc(angle(p)); }
+  long filter(long count, PNT_2D& p1, const PNT_2D& p2) const;
+};
+
+/// The arc of a polyline segment from p0 to p1 whose bulge is the tangent of a quarter
+/// of its angle, positive when it turns left. False, and `arc` unchanged, when the
+/// segment is straight: bulge 0 or not finite, ends that coincide within 1e-12, or a
+/// rise over the chord below 1e-12 of the coordinates, a radius whose square overflows.
+/// The arc is stored counter-clockwise, so a negative bulge exchanges its ends.
+VEK0_API bool createArcFromBulge(const PNT_3D& p0, const PNT_3D& p1, double bulge, ARC_3D& arc);
+
+/// Number of chords that stand for an arc of `angleRad` (its sign does not matter), so
+/// that they leave it by 1e-4 of the radius at most: max(2, ceil(|angle| / (2 * acos(1 -
+/// 1e-4)))), at most 1024. A full turn takes 223.
+VEK0_API int arcChords(double angleRad);
+
+/// Appends the chords of a polyline segment with a bulge to `out`: the points that divide
+/// its arc into `arcChords` equal parts, in order from p0, which is left out, to p1
+/// itself. z goes linearly. A segment that `createArcFromBulge` calls straight adds p1
+/// alone. Inner points lie on the arc within 1e-12 of its radius. Linear in the points.
+VEK0_API void bulgePoints(const PNT_3D& p0, const PNT_3D& p1, double bulge,
+                          std::vector<PNT_3D>& out);

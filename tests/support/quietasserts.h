@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vek0::test {
+
+/// Records failed internal checks instead of ending the process while it lives.
+/// A test that provokes none asserts that `failures()` stays empty.
+class QuietAsserts {
+ public:
+  QuietAsserts();
+  ~QuietAsserts();
+  QuietAsserts(const QuietAsserts&) = delete;
+  QuietAsserts& operator=(const QuietAsserts&) = delete;
+
+  /// The conditions that failed since construction, in order.
+  const std::vector<std::string>& failures() const;
+};
+
+}  // namespace vek0::test
