@@ -11,6 +11,12 @@
 #include "vek0core/geometry/pnt.h"
 #include "vek0core/geometry/rect.h"
 
+#include "vek0core/files/file.h"
+#include "vek0core/files/filememory.h"
+#include "vek0core/files/filestdlib.h"
+#include "vek0core/files/report.h"
+#include "vek0core/files/smartstring.h"
+#include "vek0core/files/textcodec.h"
 
 
 

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "vek0core/export.h"
+#include "zim0lang/casefold.h"
+
+// Numbers in files, for the readers and writers. Nothing here depends on the
+// locale or on the width of long, and every result is the same on every machine.
+namespace vek0::detail {
+
+/// What `parseDouble` found; `value` is 0 when it is not finite.
+struct ParsedDouble {
+  double value;
+  bool finite;  ///< false for "nan", "inf", "1.#QNAN" and their like, and beyond the range
+};
+
+/// The number at the front of the text, correctly rounded. Leading blanks and one
+/// sign are allowed, what follows the number is ignored, a text without a number
+/// is 0, and numbers too small become 0. Hexadecimal forms are not known.
+/// Up to 19 digits that fit 2^53, with a power of ten up to 22, take one exact
+/// multiplication or division; the rest goes through the library.
+VEK0_API ParsedDouble parseDouble(std::string_view text);
+VEK0_API ParsedDouble parseDouble(std::u16string_view text);
+
+/// The whole number at the front of the text, with the same leniency, kept within
+/// 32 bits: what is beyond is the nearest limit.
+VEK0_API std::int32_t parseLong(std::string_view text);
+VEK0_API std::int32_t parseLong(std::u16string_view text);
+
+/// Hexadecimal without a check, modulo 2^64: units up to '9' count from '0', those
+/// above it and below 'G' from 'A' = 10, all others from 'a' = 10. Junk yields junk
+/// on purpose, readers trust handles.
+VEK0_API std::uint64_t parseHex(std::string_view text);
+VEK0_API std::uint64_t parseHex(std::u16string_view text);
+
+// Room that the formatting functions need at `out`; none writes a terminator.
+inline constexpr std::size_t kFixedRoom = 320;    ///< formatFixed
+inline constexpr std::size_t kShortestRoom = 32;  ///< formatShortest
+inline constexpr std::size_t kIntegerRoom = 20;   ///< formatInteger and formatHex
+
+/// Writes `value` with six decimals, rounded half to even from its exact value,
+/// never with an exponent and never as "-0.000000"; numbers that are not finite as
+/// 0. Returns the end of what was written, as do the functions below.
+VEK0_API char* formatFixed(char* out, double value);
+
+/// Writes the fewest digits that read back as exactly `value` (whole numbers show all
+/// of theirs): without an exponent from 1e-5 up to below 1e17, always with a decimal
+/// point or an exponent, so that readers see a real number; 0, negative zero and
+/// numbers that are not finite as "0.0".
+VEK0_API char* formatShortest(char* out, double value);
+
+/// Writes `value` in decimal.
+VEK0_API char* formatInteger(char* out, std::int64_t value);
+
+/// Writes `value` in upper-case hexadecimal without leading zeros.
+VEK0_API char* formatHex(char* out, std::uint64_t value);
+
+/// What stands in for the library's conversion of doubles where it has none (some
+/// compilers for WebAssembly; `VEK0_NO_FLOAT_CHARCONV` forces it): many times slower,
+/// the same values. `token` is one decimal number with nothing around it; false when
+/// its value is beyond the range.
+VEK0_API bool parseDoublePortable(std::string_view token, double& value);
+/// Formats a finite, positive number as `formatShortest` does; one digit more than
+/// the fewest is possible next to powers of two.
+VEK0_API char* formatShortestPortable(char* out, double value);
+/// Formats a finite, positive number as `formatFixed` does.
+VEK0_API char* formatFixedPortable(char* out, double value);
+
+}  // namespace vek0::detail

@@ -1,0 +1,154 @@
+#include "vek0core/files/filestdlib.h"
+
+#include <cstddef>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include "files/linedecoder.h"
+#include "vek0core/assert.h"
+#include "vek0core/files/textcodec.h"
+
+namespace {
+
+constexpr std::size_t kWriteBuffer = std::size_t{64} * 1024;
+
+#ifdef _WIN32
+constexpr CFileStdLib::LineEnd kPlatformLineEnd = CFileStdLib::CrLf;
+#else
+constexpr CFileStdLib::LineEnd kPlatformLineEnd = CFileStdLib::Lf;
+#endif
+
+// Binary in both directions: line ends are our own matter. A zero inside the name
+// would open some other file.
+std::FILE* openStream(const zim::WString& name, bool forReading) {
+  if (name.view().find(zim::Char{0}) != std::u16string_view::npos) return nullptr;
+#ifdef _WIN32
+  return _wfopen(reinterpret_cast<const wchar_t*>(name.c_str()), forReading ? L"rb" : L"wb");
+#else
+  return std::fopen(name.toUtf8().c_str(), forReading ? "rb" : "wb");
+#endif
+}
+
+std::string withCrLf(std::string_view text) {
+  std::string out;
+  out.reserve(text.size() + text.size() / 8);
+  for (const char c : text) {
+    if (c == '\n' && (out.empty() || out.back() != '\r')) out += '\r';
+    out += c;
+  }
+  return out;
+}
+
+}  // namespace
+
+// Reading is not buffered here: blocks go straight to whoever asked for them, and
+// lines have a buffer of their own.
+struct CFileStdLib::Stream {
+  std::FILE* handle;
+  std::unique_ptr<char[]> buffer;
+  std::unique_ptr<vek0::detail::LineDecoder> lines;
+
+  Stream(std::FILE* opened, bool forReading) : handle(opened) {
+    if (!forReading) buffer = std::make_unique<char[]>(kWriteBuffer);
+    std::setvbuf(handle, buffer.get(), buffer ? _IOFBF : _IONBF, buffer ? kWriteBuffer : 0);
+  }
+  Stream(const Stream&) = delete;
+  Stream& operator=(const Stream&) = delete;
+  ~Stream() { close(); }
+
+  void close() {
+    if (handle) std::fclose(handle);
+    handle = nullptr;
+  }
+
+  long readBytes(char* buf, long n) const {
+    if (!handle || n <= 0) return 0;
+    return static_cast<long>(std::fread(buf, 1, static_cast<std::size_t>(n), handle));
+  }
+
+  vek0::detail::LineDecoder& lineDecoder() {
+    if (!lines) {
+      lines = std::make_unique<vek0::detail::LineDecoder>([this](char* buf, long n) {
+        const long got = readBytes(buf, n);
+        return got == 0 && std::ferror(handle) ? vek0::detail::LineReader::kFailed : got;
+      });
+    }
+    return *lines;
+  }
+};
+
+CFileStdLib::CFileStdLib(const zim::WString& name, long mode)
+    : IFile(name, mode), m_lineEnd(kPlatformLineEnd) {}
+
+CFileStdLib::~CFileStdLib() = default;
+
+bool CFileStdLib::open() {
+  close();
+  ZORA_ASSERT(m_mode == kRead || m_mode == kWrite);
+  if (m_mode != kRead && m_mode != kWrite) return false;
+  std::FILE* const handle = openStream(m_name, m_mode == kRead);
+  if (!handle) return false;
+  m_stream = std::make_shared<Stream>(handle, m_mode == kRead);
+  return true;
+}
+
+void CFileStdLib::close() {
+  if (m_stream) m_stream->close();
+  m_stream.reset();
+}
+
+bool CFileStdLib::isOpened() { return m_stream && m_stream->handle; }
+
+bool CFileStdLib::isReading() const { return m_mode == kRead && m_stream && m_stream->handle; }
+
+bool CFileStdLib::isWriting() const { return m_mode == kWrite && m_stream && m_stream->handle; }
+
+long CFileStdLib::read(zim::Char* buf, long n) {
+  if (!isReading() || n <= 0) return -1;
+  const std::size_t count =
+      std::fread(buf, sizeof *buf, static_cast<std::size_t>(n), m_stream->handle);
+  return count ? static_cast<long>(count) : -1;
+}
+
+long CFileStdLib::write(const zim::Char* buf, long n) {
+  if (!isWriting() || n <= 0) return -1;
+  const std::size_t count =
+      std::fwrite(buf, sizeof *buf, static_cast<std::size_t>(n), m_stream->handle);
+  return count ? static_cast<long>(count) : -1;
+}
+
+bool CFileStdLib::readLn(zim::Char* buf, long n) {
+  if (!isReading() || n <= 0) return false;
+  if (m_stream->lineDecoder().readLn(buf, n)) return true;
+  if (!std::ferror(m_stream->handle)) return false;
+  buf[0] = 0;
+  return true;
+}
+
+bool CFileStdLib::writeLn(const zim::Char* text) {
+  std::string bytes;
+  if (text) encodeLine(text, bytes);
+  return writeBytes(bytes.data(), static_cast<long>(bytes.size()));
+}
+
+bool CFileStdLib::fail() {
+  if (!isOpened()) return true;
+  if (m_mode == kWrite) std::fflush(m_stream->handle);
+  return std::ferror(m_stream->handle) != 0;
+}
+
+long CFileStdLib::readBytes(char* buf, long n) {
+  if (!isReading()) return 0;
+  return m_stream->lines ? -1 : m_stream->readBytes(buf, n);
+}
+
+bool CFileStdLib::writeBytes(const char* text, long n) {
+  if (!isWriting() || n < 0) return false;
+  const std::string_view bytes(text, static_cast<std::size_t>(n));
+  if (m_lineEnd == CrLf) {
+    const std::string expanded = withCrLf(bytes);
+    return std::fwrite(expanded.data(), 1, expanded.size(), m_stream->handle) == expanded.size();
+  }
+  return std::fwrite(bytes.data(), 1, bytes.size(), m_stream->handle) == bytes.size();
+}

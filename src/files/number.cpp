@@ -1,0 +1,397 @@
+#include "vek0core/files/number.h"
+
+#include <algorithm>
+#include <array>
+#include <cfloat>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <locale>
+#include <sstream>
+#include <string>
+
+// The library's conversion of doubles, where there is one.
+#if defined(__cpp_lib_to_chars) && !defined(VEK0_NO_FLOAT_CHARCONV)
+#define VEK0_FLOAT_CHARCONV 1
+#else
+#define VEK0_FLOAT_CHARCONV 0
+#endif
+
+namespace vek0::detail {
+namespace {
+
+// Powers of ten that a double holds exactly, and the whole numbers that it does.
+constexpr int kExactPower = 22;
+constexpr double kPowers[kExactPower + 1] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                             1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                             1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr std::uint64_t kExactWhole = std::uint64_t{1} << 53;
+// With wider intermediate results a product would be rounded twice.
+constexpr bool kRoundsOnce = FLT_EVAL_METHOD == 0;
+constexpr int kDigitsIn64 = 19;  // any so many digits fit 64 bits
+
+template <class C>
+bool isBlank(C c) {
+  return c == C(' ') || (c >= C('\t') && c <= C('\r'));
+}
+
+// The digit's value, or something above 9.
+template <class C>
+unsigned digitOf(C c) {
+  return static_cast<unsigned>(std::make_unsigned_t<C>(c)) - unsigned{'0'};
+}
+template <>
+unsigned digitOf(char16_t c) {
+  return unsigned{c} - unsigned{'0'};
+}
+
+template <class C>
+bool isWord(const C* p, const C* end, const char* word) {
+  for (; *word; ++word, ++p) {
+    if (p == end || (*p != C(*word) && *p != C(*word - 'a' + 'A'))) return false;
+  }
+  return true;
+}
+
+// A decimal number without its sign, as it stands in a text.
+template <class C>
+struct Token {
+  const C* begin;
+  const C* end;
+  std::uint64_t digits;  // all digits as one number, right when there are at most 19
+  std::ptrdiff_t count;  // of digits, leading zeros included
+  long exponent;         // of the last digit
+};
+
+// Reads digits while there are any; the number may wrap, the caller counts.
+template <class C>
+const C* takeDigits(const C* p, const C* end, std::uint64_t& number) {
+  for (; p != end; ++p) {
+    const unsigned digit = digitOf(*p);
+    if (digit > 9) break;
+    number = number * 10 + digit;
+  }
+  return p;
+}
+
+// The exponent at p, saturated far beyond any range; 0 and p unmoved when there is
+// no digit in it.
+template <class C>
+long takeExponent(const C*& p, const C* end) {
+  if (p == end || (*p != C('e') && *p != C('E'))) return 0;
+  const C* q = p + 1;
+  const bool negative = q != end && *q == C('-');
+  if (q != end && (*q == C('-') || *q == C('+'))) ++q;
+  if (q == end || digitOf(*q) > 9) return 0;
+  constexpr long kHuge = 100'000'000;
+  long value = 0;
+  for (; q != end && digitOf(*q) <= 9; ++q) {
+    value = std::min(kHuge, value * 10 + static_cast<long>(digitOf(*q)));
+  }
+  p = q;
+  return negative ? -value : value;
+}
+
+template <class C>
+Token<C> takeToken(const C* p, const C* end) {
+  Token<C> token{p, p, 0, 0, 0};
+  const C* whole = p;
+  p = takeDigits(p, end, token.digits);
+  token.count = p - whole;
+  if (p != end && *p == C('.')) {
+    const C* const fraction = ++p;
+    p = takeDigits(p, end, token.digits);
+    token.count += p - fraction;
+    token.exponent = -static_cast<long>(p - fraction);
+  }
+  if (token.count == 0) return token;
+  token.exponent += takeExponent(p, end);
+  token.end = p;
+  return token;
+}
+
+// Whether a token that the library found out of range is too large, not too small.
+bool isTooLarge(std::string_view token) {
+  long place = 0;  // power of ten in front of the first digit that is not 0
+  bool isFraction = false, found = false;
+  const char* p = token.data();
+  const char* const end = p + token.size();
+  for (; p != end && (digitOf(*p) <= 9 || *p == '.'); ++p) {
+    if (*p == '.') {
+      isFraction = true;
+      continue;
+    }
+    found = found || *p != '0';
+    if (found && !isFraction) ++place;
+    if (!found && isFraction) --place;
+  }
+  return place + takeExponent(p, end) > 0;
+}
+
+bool convert(std::string_view token, double& value) {
+#if VEK0_FLOAT_CHARCONV
+  const auto result = std::from_chars(token.data(), token.data() + token.size(), value);
+  if (result.ec == std::errc()) return std::isfinite(value);
+  value = 0;
+  return !isTooLarge(token);
+#else
+  return parseDoublePortable(token, value);
+#endif
+}
+
+ParsedDouble convertToken(const Token<char>& token) {
+  ParsedDouble result{0, true};
+  const auto size = static_cast<std::size_t>(token.end - token.begin);
+  result.finite = convert({token.begin, size}, result.value);
+  return result;
+}
+
+ParsedDouble convertToken(const Token<char16_t>& token) {
+  const std::string narrow(token.begin, token.end);  // ASCII, or it were no token
+  return convertToken(Token<char>{narrow.data(), narrow.data() + narrow.size(), 0, 0, 0});
+}
+
+template <class C>
+ParsedDouble valueOf(const Token<C>& token) {
+  if (token.count <= kDigitsIn64 && token.digits == 0) return {0, true};
+  if (!kRoundsOnce || token.count > kDigitsIn64 || token.digits > kExactWhole ||
+      token.exponent < -kExactPower || token.exponent > kExactPower) {
+    return convertToken(token);
+  }
+  // Both are exact, so the one operation rounds correctly.
+  const auto whole = static_cast<double>(token.digits);
+  return {token.exponent < 0 ? whole / kPowers[-token.exponent] : whole * kPowers[token.exponent],
+          true};
+}
+
+template <class C>
+ParsedDouble parseDoubleOf(std::basic_string_view<C> text) {
+  const C* p = text.data();
+  const C* const end = p + text.size();
+  while (p != end && isBlank(*p)) ++p;
+  if (p == end) return {0, true};
+  const bool negative = *p == C('-');
+  if (negative || *p == C('+')) ++p;
+  const Token<C> token = takeToken(p, end);
+  if (token.count == 0) return {0, !isWord(p, end, "nan") && !isWord(p, end, "inf")};
+  // "1.#QNAN", "1.#INF": how some run-time libraries print what is no number.
+  if (token.end != end && *token.end == C('#') && token.end[-1] == C('.')) return {0, false};
+  ParsedDouble result = valueOf(token);
+  if (!result.finite) result.value = 0;
+  if (negative) result.value = -result.value;
+  return result;
+}
+
+template <class C>
+std::int32_t parseLongOf(std::basic_string_view<C> text) {
+  constexpr std::int64_t kLimit = std::int64_t{1} << 31;
+  const C* p = text.data();
+  const C* const end = p + text.size();
+  while (p != end && isBlank(*p)) ++p;
+  const bool negative = p != end && *p == C('-');
+  if (p != end && (negative || *p == C('+'))) ++p;
+  std::int64_t value = 0;
+  for (; p != end && digitOf(*p) <= 9; ++p) {
+    value = std::min(kLimit, value * 10 + static_cast<std::int64_t>(digitOf(*p)));
+  }
+  return static_cast<std::int32_t>(negative ? -value : std::min(value, kLimit - 1));
+}
+
+template <class C>
+std::uint64_t parseHexOf(std::basic_string_view<C> text) {
+  std::uint64_t value = 0;
+  for (const C c : text) {
+    const auto unit =
+        std::int64_t{static_cast<std::conditional_t<sizeof(C) == 1, unsigned char, C>>(c)};
+    const std::int64_t digit = unit <= '9'  ? unit - '0'
+                               : unit < 'G' ? unit - 'A' + 10
+                                            : unit - 'a' + 10;
+    value = value * 16 + static_cast<std::uint64_t>(digit);
+  }
+  return value;
+}
+
+// Two digits at a time: the writer's cost is formatting.
+constexpr auto kPairs = [] {
+  std::array<char, 200> pairs{};
+  for (std::size_t i = 0; i < 100; ++i) {
+    pairs[2 * i] = static_cast<char>('0' + i / 10);
+    pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+  }
+  return pairs;
+}();
+
+void putPair(char* out, std::uint32_t value) {
+  std::memcpy(out, &kPairs[std::size_t{2} * value], 2);
+}
+
+constexpr std::uint32_t kMillion = 1'000'000;
+constexpr std::size_t kDecimals = 6;
+
+char* putSixDigits(char* out, std::uint32_t value) {
+  putPair(out, value / 10000);
+  putPair(out + 2, value / 100 % 100);
+  putPair(out + 4, value % 100);
+  return out + kDecimals;
+}
+
+char* putText(char* out, std::string_view text) { return out + text.copy(out, text.size()); }
+
+char* putWhole(char* out, std::uint64_t value) {
+  return std::to_chars(out, out + kIntegerRoom, value).ptr;
+}
+
+constexpr double kTwoTo64 = 18446744073709551616.0;
+
+// Millionths of a fraction below 1, rounded half to even. The fraction is taken to
+// 64 binary places; what a tiny one has below them decides only a tie.
+std::uint32_t millionths(double fraction) {
+  const auto bits = static_cast<std::uint64_t>(fraction * kTwoTo64);
+  const bool hasMore = static_cast<double>(bits) / kTwoTo64 != fraction;
+  const std::uint64_t low = (bits & 0xFFFFFFFFu) * kMillion;
+  const std::uint64_t high = (bits >> 32) * kMillion + (low >> 32);
+  auto whole = static_cast<std::uint32_t>(high >> 32);
+  const std::uint64_t rest = (high << 32) | (low & 0xFFFFFFFFu);
+  constexpr std::uint64_t kHalf = std::uint64_t{1} << 63;
+  if (rest > kHalf || (rest == kHalf && (hasMore || whole % 2))) ++whole;
+  return whole;
+}
+
+// A finite number that is not negative.
+char* putFixed(char* out, double value) {
+  if (value >= kTwoTo64) {
+#if VEK0_FLOAT_CHARCONV
+    return std::to_chars(out, out + kFixedRoom, value, std::chars_format::fixed, kDecimals).ptr;
+#else
+    return formatFixedPortable(out, value);
+#endif
+  }
+  auto whole = static_cast<std::uint64_t>(value);
+  std::uint32_t fraction = millionths(value - static_cast<double>(whole));
+  if (fraction == kMillion) {
+    ++whole;
+    fraction = 0;
+  }
+  out = putWhole(out, whole);
+  *out++ = '.';
+  return putSixDigits(out, fraction);
+}
+
+// Below 1e15 a decimal of at most 15 digits stands for one double only, so that the
+// first one that reads back is the shortest.
+constexpr double kFifteenDigits = 1e15;
+constexpr double kLeastPlain = 1e-5;  // smaller ones, and from the next on, have exponents
+constexpr double kLeastHuge = 1e17;
+
+// Most coordinates: whole, or with at most six decimals.
+char* putFewDecimals(char* out, double value) {
+  if (value < kLeastPlain || value >= kFifteenDigits / kMillion) return nullptr;
+  constexpr double kHalf = 0.5;  // a wrong neighbour does not pass the test that follows
+  const auto scaled = static_cast<std::uint64_t>(value * kMillion + kHalf);
+  if (static_cast<double>(scaled) / kMillion != value) return nullptr;
+  out = putWhole(out, scaled / kMillion);
+  *out++ = '.';
+  char* end = putSixDigits(out, static_cast<std::uint32_t>(scaled % kMillion));
+  while (end > out + 1 && end[-1] == '0') --end;
+  return end;
+}
+
+// A finite, positive number.
+char* putShortest(char* out, double value) {
+#if VEK0_FLOAT_CHARCONV
+  const bool plain = value >= kLeastPlain && value < kLeastHuge;
+  char* const end = std::to_chars(out, out + kShortestRoom, value,
+                                  plain ? std::chars_format::fixed : std::chars_format::scientific)
+                        .ptr;
+  const bool isWhole = plain && std::find(out, end, '.') == end;
+  return isWhole ? putText(end, ".0") : end;
+#else
+  return formatShortestPortable(out, value);
+#endif
+}
+
+// The C++ streams keep to the classic locale when told so, everywhere.
+std::string printed(double value, std::ios_base::fmtflags form, int precision) {
+  std::ostringstream stream;
+  stream.imbue(std::locale::classic());
+  stream.setf(form, std::ios_base::floatfield);
+  stream.precision(precision);
+  stream << value;
+  return stream.str();
+}
+
+double readBack(const std::string& text) {
+  double value = 0;
+  parseDoublePortable(text, value);
+  return value;
+}
+
+// "d.ddde-07" as the exponent and the digits of the fewest that read back.
+std::string shortestScientific(double value) {
+  constexpr int kEnough = std::numeric_limits<double>::max_digits10 - 1;
+  std::string text;
+  for (int precision = 0; precision <= kEnough; ++precision) {
+    text = printed(value, std::ios_base::scientific, precision);
+    if (readBack(text) == value) break;
+  }
+  return text;
+}
+
+}  // namespace
+
+ParsedDouble parseDouble(std::string_view text) { return parseDoubleOf(text); }
+ParsedDouble parseDouble(std::u16string_view text) { return parseDoubleOf(text); }
+std::int32_t parseLong(std::string_view text) { return parseLongOf(text); }
+std::int32_t parseLong(std::u16string_view text) { return parseLongOf(text); }
+std::uint64_t parseHex(std::string_view text) { return parseHexOf(text); }
+std::uint64_t parseHex(std::u16string_view text) { return parseHexOf(text); }
+
+char* formatFixed(char* out, double value) {
+  if (!std::isfinite(value)) value = 0;
+  constexpr double kHalfMillionth = 5e-7;  // a little below the half, which rounds to even: 0
+  if (value < -kHalfMillionth) *out++ = '-';
+  return putFixed(out, std::fabs(value));
+}
+
+char* formatShortest(char* out, double value) {
+  if (value == 0 || !std::isfinite(value)) return putText(out, "0.0");
+  if (value < 0) *out++ = '-';
+  const double magnitude = std::fabs(value);
+  if (char* end = putFewDecimals(out, magnitude)) return end;
+  return putShortest(out, magnitude);
+}
+
+char* formatInteger(char* out, std::int64_t value) {
+  return std::to_chars(out, out + kIntegerRoom, value).ptr;
+}
+
+char* formatHex(char* out, std::uint64_t value) {
+  char* const end = std::to_chars(out, out + kIntegerRoom, value, 16).ptr;
+  std::for_each(out, end, [](char& c) { c = c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
+  return end;
+}
+
+bool parseDoublePortable(std::string_view token, double& value) {
+  std::istringstream stream{std::string(token)};
+  stream.imbue(std::locale::classic());
+  if (stream >> value && std::isfinite(value)) return true;
+  value = 0;
+  return !isTooLarge(token);
+}
+
+char* formatFixedPortable(char* out, double value) {
+  return putText(out, printed(value, std::ios_base::fixed, kDecimals));
+}
+
+char* formatShortestPortable(char* out, double value) {
+  const std::string scientific = shortestScientific(value);
+  if (value < kLeastPlain || value >= kLeastHuge) return putText(out, scientific);
+  // The digits after the point that the exponent leaves over.
+  const std::size_t mark = scientific.find('e');
+  const int exponent = static_cast<int>(parseLong(std::string_view(scientific).substr(mark + 1)));
+  const int digits = static_cast<int>(mark) - (mark > 1 ? 2 : 1);
+  return putText(out, printed(value, std::ios_base::fixed, std::max(1, digits - exponent)));
+}
+
+}  // namespace vek0::detail

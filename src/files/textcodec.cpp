@@ -1,0 +1,322 @@
+#include "vek0core/files/textcodec.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <optional>
+
+#include "files/codepages.h"
+#include "vek0core/files/number.h"
+#include "zim0lang/utf8.h"
+
+using vek0::detail::labelOf;
+using vek0::detail::UpperHalf;
+using vek0::detail::upperHalfOf;
+
+namespace {
+
+std::atomic<MultiByteDecoder> g_multiByteDecoder{nullptr};
+
+unsigned char byteOf(char c) { return static_cast<unsigned char>(c); }
+
+bool isAscii(std::string_view bytes) {
+  return std::none_of(bytes.begin(), bytes.end(), [](char c) { return byteOf(c) >= 0x80; });
+}
+
+zim::Char unitOf(char c, const UpperHalf& upper) {
+  const unsigned char byte = byteOf(c);
+  return byte < 0x80 ? zim::Char{byte} : upper[byte - 0x80u];
+}
+
+const UpperHalf& upperHalfOf1252() {
+  static const UpperHalf& half = *upperHalfOf(kCodePage1252);
+  return half;
+}
+
+void decodeSingleByte(std::string_view bytes, const UpperHalf& upper, std::u16string& out) {
+  for (const char c : bytes) out += unitOf(c, upper);
+}
+
+// A malformed byte is taken as 1252: some programs declare UTF-8 and paste other
+// bytes in, and those are Western more often than not.
+void decodeUtf8(std::string_view bytes, std::u16string& out) {
+  while (!bytes.empty()) {
+    const char first = bytes.front();
+    bool valid = true;
+    const char32_t c = zim::takeUtf8(bytes, valid);
+    if (valid) {
+      zim::appendUtf16(out, c);
+    } else {
+      out += unitOf(first, upperHalfOf1252());
+    }
+  }
+}
+
+bool decodeMultiByte(int page, std::string_view bytes, std::u16string& out) {
+  const MultiByteDecoder decoder = g_multiByteDecoder;
+  if (!decoder) return false;
+  const std::size_t before = out.size();
+  if (decoder(page, bytes, out)) return true;
+  out.resize(before);
+  return false;
+}
+
+bool isHighSurrogate(zim::Char c) { return c >= 0xD800 && c < 0xDC00; }
+bool isLowSurrogate(zim::Char c) { return c >= 0xDC00 && c < 0xE000; }
+
+// Letters in lower case and digits; what names are told apart by.
+std::string simplified(std::string_view name) {
+  std::string out;
+  for (const char c : name) {
+    if (c >= 'A' && c <= 'Z') {
+      out += static_cast<char>(c - 'A' + 'a');
+    } else if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9')) {
+      out += c;
+    }
+  }
+  return out;
+}
+
+struct PageName {
+  const char* name;
+  int page;
+};
+
+constexpr PageName kPageNames[] = {
+    {"utf8",      kCodePageUtf8},
+    {"big5",      950          },
+    {"gb2312",    936          },
+    {"gbk",       936          },
+    {"ksc5601",   949          },
+    {"johab",     1361         },
+    {"shiftjis",  932          },
+    {"mac",       10000        },
+    {"macroman",  10000        },
+    {"macintosh", 10000        },
+};
+
+constexpr int kLatinBase = 28590;  // ISO 8859-n is code page 28590 + n
+
+struct PagePrefix {
+  const char* prefix;
+  int base;  // added to the number that follows
+};
+
+constexpr PagePrefix kPagePrefixes[] = {
+    {"ansi",    0         },
+    {"dos",     0         },
+    {"windows", 0         },
+    {"ibm",     0         },
+    {"cp",      0         },
+    {"iso8859", kLatinBase},
+    {"8859",    kLatinBase},
+};
+
+bool isDecimal(std::string_view text) {
+  return !text.empty() &&
+         std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+std::optional<unsigned> hexDigit(zim::Char c) {
+  if (c >= u'0' && c <= u'9') return c - u'0';
+  if (c >= u'A' && c <= u'F') return c - u'A' + 10u;
+  if (c >= u'a' && c <= u'f') return c - u'a' + 10u;
+  return std::nullopt;
+}
+
+std::optional<zim::Char> hexUnit(std::u16string_view text) {
+  if (text.size() < 4) return std::nullopt;
+  unsigned value = 0;
+  for (std::size_t i = 0; i < 4; ++i) {
+    const auto digit = hexDigit(text[i]);
+    if (!digit) return std::nullopt;
+    value = value * 16 + *digit;
+  }
+  return static_cast<zim::Char>(value);
+}
+
+constexpr std::size_t kUnitEscape = 7;       // length of \U+XXXX
+constexpr std::size_t kMultiByteEscape = 8;  // length of \M+nXXXX
+
+// What the escape at the front stands for, appended to `out`; the escape's length,
+// or 0 when there is none.
+std::size_t takeBackslash(std::u16string_view text, std::u16string& out) {
+  if (text.starts_with(u"\\U+")) {
+    const auto unit = hexUnit(text.substr(3));
+    if (unit) out += *unit;
+    return unit ? kUnitEscape : 0;
+  }
+  if (!text.starts_with(u"\\M+") || text.size() < kMultiByteEscape) return 0;
+  constexpr int kPageOfDigit[] = {932, 950, 949, 1361, 936};
+  const unsigned index = text[3] - unsigned{u'1'};
+  const auto code = hexUnit(text.substr(4));
+  if (index >= std::size(kPageOfDigit) || !code) return 0;
+  const char bytes[] = {static_cast<char>(*code >> 8), static_cast<char>(*code & 0xFF)};
+  const std::string_view used(bytes[0] ? bytes : bytes + 1, bytes[0] ? 2 : 1);
+  return decodeMultiByte(kPageOfDigit[index], used, out) ? kMultiByteEscape : 0;
+}
+
+// The same for carets. They stand for the control characters by the letter 64 above.
+std::size_t takeCaret(std::u16string_view text, std::u16string& out) {
+  if (text.size() < 2) return 0;
+  const zim::Char second = text[1];
+  if (second != u' ' && (second < u'@' || second > u'_')) return 0;
+  out += second == u' ' ? u'^' : static_cast<zim::Char>(second - u'@');
+  return 2;
+}
+
+// The byte of a character in 1252; nothing for those that it lacks. Its five
+// undefined bytes count as lacking: other programs need not know them.
+std::optional<char> byteIn1252(zim::Char c) {
+  if (c < 0x80 || (c >= 0xA0 && c <= 0xFF)) return static_cast<char>(c);
+  if (c < 0xA0) return std::nullopt;
+  const UpperHalf& upper = upperHalfOf1252();
+  const auto end = upper.begin() + 0x20;
+  const auto found = std::find(upper.begin(), end, c);
+  if (found == end) return std::nullopt;
+  return static_cast<char>(0x80 + (found - upper.begin()));
+}
+
+void appendUnitEscape(zim::Char c, std::string& out) {
+  char digits[vek0::detail::kIntegerRoom];
+  const auto count = static_cast<std::size_t>(vek0::detail::formatHex(digits, c) - digits);
+  out += "\\U+";
+  out.append(4 - count, '0');
+  out.append(digits, count);
+}
+
+bool isUnpaired(std::u16string_view text, std::size_t i) {
+  if (isHighSurrogate(text[i])) return i + 1 == text.size() || !isLowSurrogate(text[i + 1]);
+  return isLowSurrogate(text[i]) && (i == 0 || !isHighSurrogate(text[i - 1]));
+}
+
+// Appends the unit at i when it means something else in a value than itself.
+bool encodeSpecial(std::u16string_view text, std::size_t i, std::string& out) {
+  const zim::Char c = text[i];
+  if (c < 0x20 || c == u'^') {
+    out += '^';
+    out += c == u'^' ? ' ' : static_cast<char>(c + '@');
+    return true;
+  }
+  std::u16string ignored;
+  if (c != u'\\' || !takeBackslash(text.substr(i), ignored)) return false;
+  appendUnitEscape(c, out);
+  return true;
+}
+
+void encodeWith(std::u16string_view text, bool isValue, bool asciiOnly, std::string& out) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (isValue && encodeSpecial(text, i, out)) continue;
+    const auto byte = byteIn1252(text[i]);
+    if (byte && !(asciiOnly && text[i] >= 0x80)) {
+      out += *byte;
+    } else {
+      appendUnitEscape(isUnpaired(text, i) ? zim::Char{zim::kReplacement} : text[i], out);
+    }
+  }
+}
+
+// Readers take what is valid UTF-8 for that, so 1252 that looks like it is escaped.
+void encode(std::u16string_view text, bool isValue, std::string& out) {
+  const std::size_t start = out.size();
+  encodeWith(text, isValue, false, out);
+  const std::string_view made = std::string_view(out).substr(start);
+  if (isAscii(made) || !zim::isValidUtf8(made)) return;
+  out.resize(start);
+  encodeWith(text, isValue, true, out);
+}
+
+}  // namespace
+
+int codePageFromName(std::string_view name) {
+  const std::string key = simplified(name);
+  for (const PageName& known : kPageNames) {
+    if (key == known.name) return known.page;
+  }
+  for (const PagePrefix& known : kPagePrefixes) {
+    if (!key.starts_with(known.prefix)) continue;
+    const std::string_view number =
+        std::string_view(key).substr(std::string_view(known.prefix).size());
+    if (!isDecimal(number)) continue;
+    const std::int64_t page = std::int64_t{known.base} + vek0::detail::parseLong(number);
+    if (page <= kCodePageUtf8 && labelOf(static_cast<int>(page))) return static_cast<int>(page);
+  }
+  return kCodePageAuto;
+}
+
+int codePageOfDrawing(std::string_view version, std::string_view name) {
+  constexpr std::string_view kFirstUtf8Version = "AC1021";
+  const bool isVersion = version.size() == kFirstUtf8Version.size() && version.starts_with("AC");
+  if (isVersion && version >= kFirstUtf8Version) return kCodePageUtf8;
+  return codePageFromName(name);
+}
+
+MultiByteDecoder setMultiByteDecoder(MultiByteDecoder decoder) {
+  return g_multiByteDecoder.exchange(decoder);
+}
+
+std::string CTextDecoder::getName() const {
+  if (const char* label = labelOf(m_page)) return label;
+  return labelOf(m_sawOther ? kCodePage1252 : kCodePageUtf8);
+}
+
+bool CTextDecoder::isAutoUtf8(std::string_view bytes) {
+  const bool valid = zim::isValidUtf8(bytes);
+  m_sawOther = m_sawOther || !valid;
+  return valid;
+}
+
+void CTextDecoder::decode(std::string_view bytes, std::u16string& out) {
+  out.reserve(out.size() + bytes.size());
+  if (isAscii(bytes)) {
+    out.append(bytes.begin(), bytes.end());
+  } else if (const UpperHalf* upper = upperHalfOf(m_page)) {
+    decodeSingleByte(bytes, *upper, out);
+  } else if (m_page == kCodePageUtf8) {
+    decodeUtf8(bytes, out);
+  } else if (!labelOf(m_page) || !decodeMultiByte(m_page, bytes, out)) {
+    if (isAutoUtf8(bytes)) return decodeUtf8(bytes, out);
+    decodeSingleByte(bytes, upperHalfOf1252(), out);
+  }
+}
+
+std::size_t CTextDecoder::decode(std::string_view bytes, zim::Char* out, std::size_t room) {
+  if (bytes.size() <= room && isAscii(bytes)) {
+    std::copy(bytes.begin(), bytes.end(), out);
+    return bytes.size();
+  }
+  std::u16string text;
+  decode(bytes, text);
+  std::size_t count = std::min(room, text.size());
+  if (count > 0 && count < text.size() && isHighSurrogate(text[count - 1])) --count;
+  std::copy_n(text.data(), count, out);
+  return count;
+}
+
+zim::WString CTextDecoder::decodeText(std::string_view bytes) {
+  std::u16string text;
+  decode(bytes, text);
+  return zim::WString(decodeEscapes(text));
+}
+
+std::u16string decodeEscapes(std::u16string_view text) {
+  std::u16string out;
+  out.reserve(text.size());
+  while (!text.empty()) {
+    const std::size_t plain = std::min(text.find_first_of(u"\\^"), text.size());
+    out += text.substr(0, plain);
+    text.remove_prefix(plain);
+    if (text.empty()) break;
+    std::size_t used = text[0] == u'^' ? takeCaret(text, out) : takeBackslash(text, out);
+    if (used == 0) {
+      out += text[0];
+      used = 1;
+    }
+    text.remove_prefix(used);
+  }
+  return out;
+}
+
+void encodeText(std::u16string_view text, std::string& out) { encode(text, true, out); }
+
+void encodeLine(std::u16string_view text, std::string& out) { encode(text, false, out); }

@@ -1,0 +1,357 @@
+#include "vek0core/files/number.h"
+
+#include <gtest/gtest.h>
+
+#include <charconv>
+#include <clocale>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <locale>
+#include <random>
+#include <string>
+
+namespace vek0::detail {
+namespace {
+
+constexpr unsigned kSeed = 20240607;
+constexpr int kRounds = 20000;
+
+std::u16string widen(const std::string& text) { return {text.begin(), text.end()}; }
+
+std::string fixed(double value) {
+  char buffer[kFixedRoom];
+  return {buffer, formatFixed(buffer, value)};
+}
+
+std::string shortest(double value) {
+  char buffer[kShortestRoom];
+  return {buffer, formatShortest(buffer, value)};
+}
+
+// Any finite double, all exponents alike.
+double anyDouble(std::mt19937_64& random) {
+  for (;;) {
+    const std::uint64_t bits = random();
+    double value;
+    std::memcpy(&value, &bits, sizeof value);
+    if (std::isfinite(value)) return value;
+  }
+}
+
+// A number as drawings hold them: some digits, some of them decimals.
+std::string anyDecimal(std::mt19937_64& random) {
+  std::string text = random() % 2 ? "-" : "";
+  const auto digits = [&](std::uint64_t most) {
+    for (auto left = random() % (most + 1); left > 0; --left) {
+      text += static_cast<char>('0' + random() % 10);
+    }
+  };
+  text += static_cast<char>('0' + random() % 10);
+  digits(random() % 8 ? 6 : 40);
+  if (random() % 4) text += '.', digits(random() % 8 ? 17 : 60);
+  if (random() % 4 == 0) text += 'e' + std::to_string(static_cast<int>(random() % 60) - 30);
+  return text;
+}
+
+TEST(ParseDouble, KnownTexts) {
+  const struct {
+    const char* name;
+    const char* text;
+    double value;
+  } cases[] = {
+      {"whole",                      "12",                       12                    },
+      {"fraction",                   "0.1",                      0.1                   },
+      {"point first",                ".5",                       0.5                   },
+      {"point last",                 "5.",                       5                     },
+      {"plus",                       "+2.5",                     2.5                   },
+      {"blanks and tabs before",     " \t 7",                    7                     },
+      {"junk behind",                "3.5mm",                    3.5                   },
+      {"decimal comma is junk",      "1,5",                      1                     },
+      {"exponent",                   "-1.5E+3",                  -1500                 },
+      {"exponent without digits",    "2e",                       2                     },
+      {"exponent with sign only",    "2e-",                      2                     },
+      {"second point is junk",       "1.2.3",                    1.2                   },
+      {"second sign is junk",        "--1",                      0                     },
+      {"blank after the sign",       "- 1",                      0                     },
+      {"empty",                      "",                         0                     },
+      {"blanks only",                "   ",                      0                     },
+      {"word",                       "LINE",                     0                     },
+      {"point alone",                ".",                        0                     },
+      {"hexadecimal is not known",   "0x1p3",                    0                     },
+      {"zero to a huge power",       "0e99999999999",            0                     },
+      {"too small",                  "1e-400",                   0                     },
+      {"tiny exponent",              "1e-99999999999999999999",  0                     },
+      {"largest",                    "1.7976931348623157e308",   1.7976931348623157e308},
+      {"smallest",                   "5e-324",                   5e-324                },
+      {"tie to even at 2^53 + 1",    "9007199254740993",         9007199254740992.0    },
+      {"above that tie",             "9007199254740993.0000001", 9007199254740994.0    },
+      {"twenty digits",              "12345678901234567890",     12345678901234567890.0},
+      {"many leading zeros",         "0000000000000000000000.5", 0.5                   },
+      {"hash behind a whole number", "1#5",                      1                     },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const ParsedDouble narrow = parseDouble(std::string_view(t.text));
+    EXPECT_EQ(narrow.value, t.value);
+    EXPECT_TRUE(narrow.finite);
+    EXPECT_EQ(parseDouble(widen(t.text)).value, t.value);
+  }
+}
+
+TEST(ParseDouble, WhatIsNoNumberIsNotFinite) {
+  for (const char* text :
+       {"nan", "NaN", "-nan(0x7)", "inf", "-Infinity", " INF", "1.#QNAN", "1.#INF", "-1.#IND00",
+        "1e400", "-1e400", "1e99999999999999999999", "0.001e400",
+        "179769313486231580793728971405303415079934132710037826936173778980444968"
+        "29276475094664901797758720709633028641669288791094655554785194040e200"}) {
+    SCOPED_TRACE(text);
+    const ParsedDouble narrow = parseDouble(std::string_view(text));
+    EXPECT_FALSE(narrow.finite);
+    EXPECT_EQ(narrow.value, 0);
+    EXPECT_FALSE(parseDouble(widen(text)).finite);
+  }
+}
+
+TEST(ParseDouble, AgreesWithTheLibraryOnRandomDecimals) {
+  std::mt19937_64 random(kSeed);
+  for (int i = 0; i < kRounds; ++i) {
+    const std::string text = anyDecimal(random);
+    double expected = 0;
+    std::from_chars(text.data(), text.data() + text.size(), expected);
+    ASSERT_EQ(parseDouble(std::string_view(text)).value, expected) << text << " seed " << kSeed;
+    ASSERT_EQ(parseDouble(widen(text + "x")).value, expected) << text << " seed " << kSeed;
+    const bool negative = text[0] == '-';
+    double portable = 0;
+    ASSERT_TRUE(parseDoublePortable(std::string_view(text).substr(negative), portable)) << text;
+    ASSERT_EQ(negative ? -portable : portable, expected) << text << " seed " << kSeed;
+  }
+}
+
+TEST(ParseDouble, PortableFormKnowsTheRange) {
+  const struct {
+    const char* token;
+    bool inRange;
+  } cases[] = {
+      {"1e400",                false},
+      {"1e-400",               true },
+      {"0.0001e312",           true },
+      {"100000e305",           false},
+      {"1e99999999999999999",  false},
+      {"1e-99999999999999999", true },
+  };
+  for (const auto& t : cases) {
+    double value = 7;
+    EXPECT_EQ(parseDoublePortable(t.token, value), t.inRange) << t.token;
+    EXPECT_LE(value, 1e308) << t.token;
+  }
+}
+
+TEST(ParseLong, LenientAndWithin32Bits) {
+  const struct {
+    const char* name;
+    const char* text;
+    std::int32_t value;
+  } cases[] = {
+      {"blanks before",  "  0",                                 0              },
+      {"junk behind",    "10AB",                                10             },
+      {"junk alone",     "AB",                                  0              },
+      {"negative",       "-7",                                  -7             },
+      {"plus",           "+7",                                  7              },
+      {"stops at point", "62.9",                                62             },
+      {"largest",        "2147483647",                          2147483647     },
+      {"one above it",   "2147483648",                          2147483647     },
+      {"smallest",       "-2147483648",                         -2147483647 - 1},
+      {"one below it",   "-2147483649",                         -2147483647 - 1},
+      {"beyond 64 bits", "99999999999999999999999999999999999", 2147483647     },
+      {"empty",          "",                                    0              },
+  };
+  for (const auto& t : cases) {
+    EXPECT_EQ(parseLong(std::string_view(t.text)), t.value) << t.name;
+    EXPECT_EQ(parseLong(widen(t.text)), t.value) << t.name;
+  }
+}
+
+TEST(ParseHex, AccumulatesUnchecked) {
+  const struct {
+    const char* name;
+    const char* text;
+    std::uint64_t value;
+  } cases[] = {
+      {"upper case",           "1A",                0x1A              },
+      {"lower case",           "1a",                0x1A              },
+      {"full width",           "FFFFFFFFFFFFFFFF",  0xFFFFFFFFFFFFFFFF},
+      {"wraps",                "1FFFFFFFFFFFFFFFF", 0xFFFFFFFFFFFFFFFF},
+      {"junk counts from 'a'", "g",                 16                },
+      {"so does upper junk",   "Z",                 3                 },
+      {"empty",                "",                  0                 },
+  };
+  for (const auto& t : cases) {
+    EXPECT_EQ(parseHex(std::string_view(t.text)), t.value) << t.name;
+    EXPECT_EQ(parseHex(widen(t.text)), t.value) << t.name;
+  }
+}
+
+TEST(FormatFixed, KnownNumbers) {
+  const struct {
+    const char* name;
+    double value;
+    const char* text;
+  } cases[] = {
+      {"zero",                 0,                                        "0.000000"                    },
+      {"negative zero",        -0.0,                                     "0.000000"                    },
+      {"rounds to zero",       -4e-7,                                    "0.000000"                    },
+      {"just rounds away",     -5.1e-7,                                  "-0.000001"                   },
+      {"tie to even below",    0.0078125,                                "0.007812"                    },
+      {"tie to even above",    0.0234375,                                "0.023438"                    },
+      {"carry into the whole", 9.9999999,                                "10.000000"                   },
+      {"carry of a negative",  -0.9999999,                               "-1.000000"                   },
+      {"largest odd whole",    9007199254740991.0,                       "9007199254740991.000000"     },
+      {"never an exponent",    1e20,                                     "100000000000000000000.000000"},
+      {"beyond 64 bits",       -36893488147419103232.0,                  "-36893488147419103232.000000"},
+      {"not a number",         std::nan(""),                             "0.000000"                    },
+      {"infinite",             -std::numeric_limits<double>::infinity(), "0.000000"                    },
+  };
+  for (const auto& t : cases) EXPECT_EQ(fixed(t.value), t.text) << t.name;
+}
+
+TEST(FormatFixed, AgreesWithTheLibrary) {
+  std::mt19937_64 random(kSeed);
+  const auto expected = [](double value) {
+    char buffer[kFixedRoom];
+    const auto end =
+        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, 6).ptr;
+    const std::string text(buffer, end);
+    return text == "-0.000000" ? "0.000000" : text;
+  };
+  for (int i = 0; i < kRounds; ++i) {
+    const double any = anyDouble(random);
+    ASSERT_EQ(fixed(any), expected(any)) << "seed " << kSeed;
+    const double usual = std::uniform_real_distribution<>(-1e4, 1e4)(random);
+    ASSERT_EQ(fixed(usual), expected(usual)) << "seed " << kSeed;
+    // Multiples of 2^-7 are ties at the sixth decimal half of the time.
+    const double tie = std::ldexp(static_cast<double>(random() % 100000), -7);
+    ASSERT_EQ(fixed(tie), expected(tie)) << "seed " << kSeed;
+    const double tiny = std::ldexp(usual, -static_cast<int>(random() % 80));
+    ASSERT_EQ(fixed(tiny), expected(tiny)) << "seed " << kSeed;
+  }
+}
+
+TEST(FormatShortest, KnownNumbers) {
+  const struct {
+    const char* name;
+    double value;
+    const char* text;
+  } cases[] = {
+      {"zero",                    0,                                  "0.0"                    },
+      {"negative zero",           -0.0,                               "0.0"                    },
+      {"whole",                   5,                                  "5.0"                    },
+      {"half",                    -0.5,                               "-0.5"                   },
+      {"few decimals",            19.05,                              "19.05"                  },
+      {"many decimals",           0.1 + 0.2,                          "0.30000000000000004"    },
+      {"smallest plain",          1e-5,                               "0.00001"                },
+      {"below it",                9e-6,                               "9e-06"                  },
+      {"whole beyond six digits", 123456789012.0,                     "123456789012.0"         },
+      {"largest plain",           99999999999999984.0,                "99999999999999984.0"    },
+      {"above it",                1e17,                               "1e+17"                  },
+      {"largest",                 std::numeric_limits<double>::max(), "1.7976931348623157e+308"},
+      {"smallest",                5e-324,                             "5e-324"                 },
+      {"not a number",            std::nan(""),                       "0.0"                    },
+  };
+  for (const auto& t : cases) EXPECT_EQ(shortest(t.value), t.text) << t.name;
+}
+
+void expectShortest(double value) {
+  const std::string text = shortest(value);
+  SCOPED_TRACE(testing::Message() << text << " seed " << kSeed);
+  ASSERT_EQ(parseDouble(std::string_view(text)).value, value);
+  ASSERT_NE(text.find_first_of(".e"), std::string::npos);
+  ASSERT_LE(text.size(), kShortestRoom);
+  if (value == std::trunc(value)) return;  // all digits of whole numbers are shown
+  char buffer[64];
+  const auto end =
+      std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific).ptr;
+  const auto significant = [](std::string_view t) {
+    std::string digits;
+    for (const char c : t.substr(0, t.find('e'))) {
+      if (c >= '0' && c <= '9') digits += c;
+    }
+    digits.erase(0, digits.find_first_not_of('0'));
+    return digits.substr(0, digits.find_last_not_of('0') + 1);
+  };
+  ASSERT_EQ(significant(text), significant({buffer, end}));
+}
+
+TEST(FormatShortest, ReadsBackAndHasTheFewestDigits) {
+  std::mt19937_64 random(kSeed);
+  for (int i = 0; i < kRounds; ++i) {
+    ASSERT_NO_FATAL_FAILURE(expectShortest(anyDouble(random)));
+    ASSERT_NO_FATAL_FAILURE(expectShortest(parseDouble(anyDecimal(random)).value));
+    const double usual = std::uniform_real_distribution<>(0, 1e4)(random);
+    ASSERT_NO_FATAL_FAILURE(expectShortest(usual));
+    ASSERT_NO_FATAL_FAILURE(expectShortest(std::round(usual * 1000) / 1000));
+  }
+}
+
+TEST(FormatPortable, ReadsBackAsTheOtherForms) {
+  std::mt19937_64 random(kSeed);
+  for (int i = 0; i < kRounds / 20; ++i) {
+    const double value = std::ldexp(std::uniform_real_distribution<>(1, 2)(random),
+                                    static_cast<int>(random() % 120) - 60);
+    char buffer[kFixedRoom];
+    const std::string portable(buffer, formatShortestPortable(buffer, value));
+    ASSERT_EQ(parseDouble(std::string_view(portable)).value, value) << portable;
+    ASSERT_NE(portable.find_first_of(".e"), std::string::npos) << portable;
+    ASSERT_EQ(portable.find('e') == std::string::npos, value >= 1e-5 && value < 1e17) << portable;
+    ASSERT_EQ(std::string(buffer, formatFixedPortable(buffer, value)), fixed(value));
+  }
+}
+
+TEST(FormatInteger, LimitsAndHex) {
+  char buffer[kIntegerRoom];
+  const std::int64_t least = std::numeric_limits<std::int64_t>::min();
+  EXPECT_EQ(std::string(buffer, formatInteger(buffer, least)), "-9223372036854775808");
+  EXPECT_EQ(std::string(buffer, formatInteger(buffer, 0)), "0");
+  EXPECT_EQ(std::string(buffer, formatHex(buffer, 0)), "0");
+  EXPECT_EQ(std::string(buffer, formatHex(buffer, 0x1AbCdEf)), "1ABCDEF");
+  EXPECT_EQ(std::string(buffer, formatHex(buffer, ~std::uint64_t{0})), "FFFFFFFFFFFFFFFF");
+}
+
+// A host program that writes decimal commas must not make us write or read them.
+class CommaLocale {
+ public:
+  CommaLocale() : m_before(std::locale::global(std::locale(std::locale(), new Comma))) {
+    for (const char* name : {"de_DE.UTF-8", "it_IT.UTF-8", "de_DE", "German"}) {
+      if (std::setlocale(LC_NUMERIC, name)) break;
+    }
+  }
+  ~CommaLocale() {
+    std::locale::global(m_before);
+    std::setlocale(LC_NUMERIC, "C");
+  }
+
+ private:
+  struct Comma : std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+  };
+  std::locale m_before;
+};
+
+TEST(Numbers, DoNotDependOnTheLocale) {
+  const CommaLocale comma;
+  EXPECT_EQ(fixed(1234567.5), "1234567.500000");
+  EXPECT_EQ(shortest(1234567.5), "1234567.5");
+  EXPECT_EQ(parseDouble(std::string_view("1234.5")).value, 1234.5);
+  EXPECT_EQ(parseDouble(std::string_view("1,5")).value, 1);
+  double value = 0;
+  EXPECT_TRUE(parseDoublePortable("1234.5", value));
+  EXPECT_EQ(value, 1234.5);
+  char buffer[kFixedRoom];
+  EXPECT_EQ(std::string(buffer, formatShortestPortable(buffer, 1234567.5)), "1234567.5");
+  EXPECT_EQ(std::string(buffer, formatFixedPortable(buffer, 1234567.5)), "1234567.500000");
+}
+
+}  // namespace
+}  // namespace vek0::detail
