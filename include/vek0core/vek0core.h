@@ -18,7 +18,22 @@
 #include "vek0core/files/smartstring.h"
 #include "vek0core/files/textcodec.h"
 
+#include "vek0core/tables/colors.h"
+#include "vek0core/tables/font.h"
+#include "vek0core/tables/handle.h"
+#include "vek0core/tables/layer.h"
+#include "vek0core/tables/layertable.h"
+#include "vek0core/tables/ltype.h"
+#include "vek0core/tables/ltypedash.h"
+#include "vek0core/tables/ltypetable.h"
+#include "vek0core/tables/nameditem.h"
+#include "vek0core/tables/style.h"
+#include "vek0core/tables/styletable.h"
+#include "vek0core/tables/text.h"
+#include "vek0core/tables/textcontext.h"
 
+#include "vek0core/polyline/curve.h"
+#include "vek0core/polyline/silhouette.h"
 
 
 

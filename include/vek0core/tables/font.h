@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+#include "vek0core/export.h"
+#include "zim0lang/wstring.h"
+
+/// A host's font. The library knows it by its name and asks it for measures; every
+/// measure has a default, so a font with nothing but a name works.
+///
+/// Measures are in the font's own units; `getHeightUnit` is the one that a text's
+/// height scales to.
+class VEK0_API ICADFont {
+ public:
+  virtual ~ICADFont() = default;
+
+  const zim::WString& getName() const { return m_name; }
+
+  /// Height of capitals. Default 1.0.
+  virtual double getHeightUnit() const;
+  /// Height that middle justification halves. Default: the height unit.
+  virtual double getFullHeight() const;
+  /// How far letters reach below the baseline, positive downwards. Default 1/3.
+  virtual double getDescent() const;
+  /// Width of a string. Default 0.9 a character and twice that for wide East Asian
+  /// ones, a tenth more in bold.
+  virtual double getStringWidth(const zim::WString& text, bool horiz, bool bold, bool italic) const;
+
+ protected:
+  explicit ICADFont(const zim::WString& name) : m_name(name) {}
+  ICADFont(const ICADFont&) = default;
+  ICADFont& operator=(const ICADFont&) = delete;
+
+ private:
+  zim::WString m_name;
+};
+
+/// The measures of `ICADFont`'s defaults, for a style that has no font.
+VEK0_API const ICADFont& defaultFontMetrics();
+
+/// The fonts of the process. It owns them; drawings and styles borrow them, so
+/// `shutdown` comes after the last drawing is gone. Not for concurrent use.
+class VEK0_API CFontTable {
+ public:
+  static CFontTable& getInstance();
+  /// Deletes every font and the table; the next `getInstance` makes a new one.
+  static void shutdown();
+
+  /// Appends and takes over; null is ignored, and so is a font that is there already.
+  void add(ICADFont* font);
+  /// First font added of exactly this name, letter case counting; otherwise the
+  /// default font when `orDefault`, else null.
+  const ICADFont* get(const zim::WString& name, bool orDefault) const;
+  int size() const { return static_cast<int>(m_fonts.size()); }
+  /// Font `i` in order of addition; unchecked.
+  const ICADFont* operator[](int i) const { return m_fonts[static_cast<std::size_t>(i)].get(); }
+
+  /// The font of new drawings' "STANDARD" style; null until a host sets one. Borrowed.
+  const ICADFont* getDefault() const { return m_default; }
+  void setDefault(const ICADFont* font) { m_default = font; }
+
+ private:
+  CFontTable() = default;
+
+  std::vector<std::unique_ptr<ICADFont>> m_fonts;
+  std::unordered_map<zim::WString, const ICADFont*> m_byName;
+  const ICADFont* m_default = nullptr;
+};

@@ -1,0 +1,117 @@
+#pragma once
+
+#include "vek0core/export.h"
+#include "vek0core/tables/nameditem.h"
+
+class CBlockXRef;
+class CLayer;
+class CLayer0;
+class CLayerXRef;
+class CLtype;
+
+/// Told which kind of layer a visited one is.
+class VEK0_API ILayerVisitor {
+ public:
+  virtual ~ILayerVisitor() = default;
+  virtual void visit(CLayerXRef& layer) = 0;
+  virtual void visit(CLayer0& layer) = 0;
+  virtual void visit(CLayer& layer) = 0;
+};
+
+/// Line width of a layer; kept for the host, not interpreted here. 0 is the default.
+enum enumLineWidth { lineWidthDefault = 0 };
+
+/// Snapshot of a layer, for undo. Borrows the linetype.
+class VEK0_API CLayerMemento {
+ public:
+  explicit CLayerMemento(const CLayer& layer);
+
+  const zim::WString& GetName() const { return m_name; }
+  bool operator==(const CLayer& layer) const;
+  bool operator!=(const CLayer& layer) const { return !(*this == layer); }
+
+ private:
+  friend class CLayer;
+  zim::WString m_name;
+  CLtype* m_ltype;
+  long m_flags;
+  short m_color;
+};
+
+/// Layer: default colour and linetype of entities, and whether they are shown and may
+/// be changed.
+///
+/// The linetype is borrowed and may be null. BYLAYER and BYBLOCK say nothing as the
+/// linetype of a layer; whoever draws takes them for Continuous.
+class VEK0_API CLayer : public CNamedItem {
+ public:
+  static constexpr long kFrozen = 0x0001, kLocked = 0x0004, kOff = 0x0080, kPrivate = 0x8000;
+
+  ~CLayer() override = default;
+  /// The name; a layer of an external reference puts the reference's before it.
+  virtual const zim::WString& getFullName() const { return getName(); }
+  using CNamedItem::setFlags;
+  virtual void setFlags(long flags) { CNamedItem::setFlags(flags); }
+  virtual void accept(ILayerVisitor& visitor) { visitor.visit(*this); }
+  virtual bool is0() const { return false; }
+  virtual bool isXRef() const { return false; }
+
+  bool isFrozen() const { return (getFlags() & kFrozen) != 0; }
+  void setFrozen(bool on) { setFlags(kFrozen, on); }
+  bool isLocked() const { return (getFlags() & kLocked) != 0; }
+  void setLocked(bool on) { setFlags(kLocked, on); }
+  bool isOff() const { return (getFlags() & kOff) != 0; }
+  void setOff(bool on) { setFlags(kOff, on); }
+  bool isPrivate() const { return (getFlags() & kPrivate) != 0; }
+  void setPrivate(bool on) { setFlags(kPrivate, on); }
+
+  CLtype* getLtype() const { return m_ltype; }
+  /// Also moves the layer counts of the old and the new linetype, whether or not the
+  /// layer is in a table.
+  void setLtype(CLtype* ltype);
+  short getColor() const { return m_color; }
+  void setColor(short color) { m_color = color; }
+  enumLineWidth getLineWidth() const { return m_lineWidth; }
+  void setLineWidth(enumLineWidth width) { m_lineWidth = width; }
+
+  /// The caller owns the snapshot; null when there is no memory.
+  CLayerMemento* createMemento() const;
+  void setMemento(const CLayerMemento& memento);
+
+ protected:
+  friend class CLayerFactory;
+  CLayer(const zim::WString& name, CLtype* ltype, short color, long flags)
+      : CNamedItem(name, flags), m_ltype(ltype), m_color(color) {}
+  /// Nobody uses the copy, and it is not counted on the linetype.
+  CLayer(const CLayer& src) = default;
+  /// Counts stay, those of the linetypes included.
+  CLayer& operator=(const CLayer& src) = default;
+
+ private:
+  CLtype* m_ltype;
+  short m_color;
+  enumLineWidth m_lineWidth = lineWidthDefault;
+};
+
+/// Layer "0", which every drawing has.
+class VEK0_API CLayer0 : public CLayer {
+ public:
+  void accept(ILayerVisitor& visitor) override { visitor.visit(*this); }
+  bool is0() const override { return true; }
+
+ protected:
+  friend class CData;
+  CLayer0(CLtype* ltype, short color, long flags) : CLayer(u"0", ltype, color, flags) {}
+};
+
+/// Makes layers; the caller owns them until a table takes them. Null when there is no
+/// memory. Counting on the linetype is the table's.
+class VEK0_API CLayerFactory {
+ public:
+  virtual ~CLayerFactory() = default;
+  virtual CLayer* create(const CLayer& src);
+  virtual CLayer* create(const zim::WString& name, CLtype* ltype, short color, long flags);
+  /// A layer of an external reference, for that reference's table.
+  virtual CLayerXRef* createXRef(CBlockXRef& xref, const zim::WString& name, CLtype* ltype,
+                                 short color, long flags);
+};

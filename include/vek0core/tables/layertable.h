@@ -1,0 +1,35 @@
+#pragma once
+
+#include "vek0core/export.h"
+#include "vek0core/tables/layer.h"
+#include "vek0core/tables/nameditem.h"
+
+/// The layers of a drawing. Layer "0" is not in the list and never deleted, but found
+/// by name, before any item of that name. Listed layers count on their linetypes.
+class VEK0_API CLayerTable : public CNamedItemTableImp {
+ public:
+  /// Layer "0" must outlive the table.
+  explicit CLayerTable(CLayer0& layer0) : m_layer0(&layer0) {}
+  /// A view, see `CNamedItemTableImp`; it names the source's layer "0".
+  CLayerTable(const CLayerTable& src) = default;
+  ~CLayerTable() { clearAll(); }
+
+  /// Takes the layer over and counts it on its linetype.
+  void add(CLayer* layer);
+  /// Takes it out; the caller owns it from then on. The linetype counts one layer less
+  /// even when the layer was not in the table.
+  void remove(CLayer* layer);
+  /// "0" exactly gives layer "0"; otherwise the first layer added of that name, letter
+  /// case ignored; null when there is none.
+  CLayer* get(std::u16string_view name) const;
+  /// Layer `i` of the list in order of addition; unchecked.
+  CLayer* operator[](int i) const {
+    return static_cast<CLayer*>(CNamedItemTableImp::operator[](i));
+  }
+  CLayer0* getLayer0() const { return m_layer0; }
+  /// Deletes every listed layer, each of which gives back its count on its linetype.
+  void clearAll();
+
+ private:
+  CLayer0* m_layer0;
+};

@@ -1,0 +1,166 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <limits>
+#include <map>
+#include <memory>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "vek0core/export.h"
+#include "zim0lang/wstring.h"
+
+class CNamedItemTableImp;
+
+namespace vek0::detail {
+class RankTree;
+}
+
+/// Base of linetypes, layers, text styles and blocks: a name, flag bits whose meaning
+/// each kind gives them, and how many entities use the item.
+///
+/// The use count goes down below zero when it is taken down too often: it is a hint
+/// and never a reason to delete. An item knows the table it is in, so that renaming
+/// keeps look-ups right and a deleted item leaves its table.
+class VEK0_API CNamedItem {
+ public:
+  virtual ~CNamedItem();
+
+  /// Equal names, letter case ignored, and equal flags.
+  bool operator==(const CNamedItem& other) const;
+  bool operator!=(const CNamedItem& other) const { return !(*this == other); }
+
+  const zim::WString& getName() const { return m_name; }
+  void setName(const zim::WString& name);
+
+  long getFlags() const { return m_flags; }
+  void setFlags(long flags) { m_flags = flags; }
+  /// Sets the bits of `mask` when `on`, else clears them.
+  void setFlags(long mask, bool on) { m_flags = on ? m_flags | mask : m_flags & ~mask; }
+
+  /// Number of entities that use the item, see above.
+  long getEntities() const { return m_entities; }
+  void addEntity() { ++m_entities; }
+  void decEntity() { --m_entities; }
+  void zeroEntities() { m_entities = 0; }
+
+ protected:
+  CNamedItem(const zim::WString& name, long flags) : m_name(name), m_flags(flags) {}
+  /// Copies name and flags. The copy is in no table and nobody uses it.
+  CNamedItem(const CNamedItem& src) : m_name(src.m_name), m_flags(src.m_flags) {}
+  /// Takes name and flags over; the count and the place in a table stay.
+  CNamedItem& operator=(const CNamedItem& src);
+
+ private:
+  friend class CNamedItemTableImp;
+
+  zim::WString m_name;
+  long m_flags;
+  long m_entities = 0;
+  CNamedItemTableImp* m_table = nullptr;
+  std::size_t m_pos = 0;   // in the table's array
+  std::size_t m_rank = 0;  // of addition: among equal names the lowest is found
+};
+
+/// Ordered table of named items, the base of every table of a drawing.
+///
+/// The table owns its items. Names may repeat: look-up ignores letter case and finds
+/// the item added first. Null, and an item that is in a table already, are not added.
+/// Adding, removing, renaming and look-ups by name cost constant time on average, and so
+/// do look-ups by position; removals in between make those logarithmic for a while.
+///
+/// A copy is a view of its source: it names the same items as the source has at that
+/// moment, owns nothing, cannot be added to or removed from, and is valid while the
+/// source keeps its items and their names.
+class VEK0_API CNamedItemTableImp {
+ public:
+  /// Number of items.
+  int size() const { return static_cast<int>(m_items.size() - m_holes); }
+
+  /// Deletes every item. A view forgets them.
+  void clearAll();
+
+  /// Smallest n >= 1 such that no item is named exactly `prefix` followed by n. Letter
+  /// case counts here, unlike in look-ups, and so does the spelling of the number:
+  /// "A01" does not take 1. The first call for a prefix looks at every item, later
+  /// ones cost constant time.
+  int getProgNum(const zim::WString& prefix) const;
+  /// `prefix` followed by that number.
+  zim::WString GetProgName(const zim::WString& prefix) const;
+
+ protected:
+  CNamedItemTableImp();
+  CNamedItemTableImp(const CNamedItemTableImp& src);
+  CNamedItemTableImp& operator=(const CNamedItemTableImp&) = delete;
+  ~CNamedItemTableImp();
+
+  /// Appends the item, which then belongs to the table.
+  void add(CNamedItem* item);
+  /// Takes the item out; the caller owns it from then on. Others are ignored.
+  void remove(CNamedItem* item);
+  /// First item added whose name equals `name`, letter case ignored; null when none
+  /// does.
+  CNamedItem* get(std::u16string_view name) const;
+  /// Item at a position, unchecked.
+  CNamedItem* operator[](int i) const;
+  /// Whether the item is in this table itself, not in one that it is a view of.
+  bool contains(const CNamedItem* item) const { return item && item->m_table == this; }
+  bool isView() const { return m_isView; }
+
+ private:
+  friend class CNamedItem;
+
+  struct NameHash {
+    using is_transparent = void;
+    std::size_t operator()(std::u16string_view name) const { return zim::hashIgnoreCase(name); }
+  };
+  struct NameEqual {
+    using is_transparent = void;
+    bool operator()(std::u16string_view a, std::u16string_view b) const {
+      return zim::equalsIgnoreCase(a, b);
+    }
+  };
+  using SameName = std::vector<CNamedItem*>;  // in order of addition
+
+  struct ExactHash {
+    using is_transparent = void;
+    std::size_t operator()(std::u16string_view text) const {
+      return std::hash<std::u16string_view>()(text);
+    }
+  };
+  struct ExactEqual {
+    using is_transparent = void;
+    bool operator()(std::u16string_view a, std::u16string_view b) const { return a == b; }
+  };
+  // The numbers that follow one prefix in the names of the table: how many names have
+  // each, and the ranges from 1 on that no name has, first to last.
+  struct Numbers {
+    std::unordered_map<int, int> used;
+    std::map<int, int> free{
+        {1, std::numeric_limits<int>::max()}
+    };
+
+    void take(int number);
+    void give(int number);
+    int smallestFree() const { return free.begin()->first; }
+  };
+
+  using NumberChange = void (Numbers::*)(int);
+
+  void indexName(CNamedItem* item, const zim::WString& name);
+  void unindexName(CNamedItem* item, std::u16string_view name);
+  void rename(CNamedItem* item, const zim::WString& name);
+  void changeNumbers(std::u16string_view name, NumberChange change);
+  void compact() const;
+
+  mutable std::vector<CNamedItem*> m_items;  // null where an item was removed
+  mutable std::size_t m_holes = 0;
+  mutable std::size_t m_lookups = 0;  // through the holes, since they were last closed
+  mutable std::unique_ptr<vek0::detail::RankTree> m_ranks;  // while holes are looked through
+  std::size_t m_nextRank = 0;
+  bool m_isView = false;
+  std::unordered_map<zim::WString, SameName, NameHash, NameEqual> m_byName;
+  mutable std::unordered_map<zim::WString, Numbers, ExactHash, ExactEqual> m_numbers;
+};

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "vek0core/export.h"
+#include "vek0core/tables/nameditem.h"
+#include "vek0core/tables/style.h"
+
+/// The text styles of a drawing. "STANDARD" is there from the beginning, first in the
+/// list, and is an item like any other.
+class VEK0_API CStyleTable : public CNamedItemTableImp {
+ public:
+  /// Makes "STANDARD" with the font table's default font.
+  CStyleTable();
+  /// A view, see `CNamedItemTableImp`.
+  CStyleTable(const CStyleTable& src) = default;
+
+  /// Takes the style over.
+  void add(CStyle* style) { CNamedItemTableImp::add(style); }
+  /// Takes it out; the caller owns it. Without its "STANDARD" the table has none.
+  void remove(CStyle* style);
+  /// First style added of that name, letter case ignored; null when there is none.
+  CStyle* get(std::u16string_view name) const {
+    return static_cast<CStyle*>(CNamedItemTableImp::get(name));
+  }
+  /// Style `i` in order of addition; unchecked.
+  CStyle* operator[](int i) const {
+    return static_cast<CStyle*>(CNamedItemTableImp::operator[](i));
+  }
+  /// The style that the table made, or null after its removal.
+  CStyleStandard* getStyleStandard() const { return m_standard; }
+  void clearAll();
+
+ private:
+  CStyleStandard* m_standard;
+};

@@ -1,0 +1,83 @@
+#include "vek0core/tables/font.h"
+
+#include <algorithm>
+#include <memory>
+#include <mutex>
+
+#include "zim0lang/utf8.h"
+
+namespace {
+
+constexpr double kHeightUnit = 1.0;
+constexpr double kDescent = 1.0 / 3.0;
+constexpr double kAdvance = 0.9;      // of the height unit, a letter
+constexpr double kWideAdvance = 1.8;  // an ideograph, a kana, a Hangul syllable
+constexpr double kBoldFactor = 1.1;
+
+// Characters that take two columns in East Asian text.
+bool isWide(char32_t c) {
+  return (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0xA4CF && c != 0x303F) ||
+         (c >= 0xAC00 && c <= 0xD7A3) || (c >= 0xF900 && c <= 0xFAFF) ||
+         (c >= 0xFE30 && c <= 0xFE6F) || (c >= 0xFF00 && c <= 0xFF60) ||
+         (c >= 0xFFE0 && c <= 0xFFE6) || (c >= 0x20000 && c <= 0x3FFFD);
+}
+
+class DefaultMetrics : public ICADFont {
+ public:
+  DefaultMetrics() : ICADFont(zim::WString()) {}
+};
+
+std::unique_ptr<CFontTable>& instance() {
+  static std::unique_ptr<CFontTable> table;
+  return table;
+}
+
+// Two threads may make their first drawings at the same time.
+std::mutex& instanceMutex() {
+  static std::mutex mutex;
+  return mutex;
+}
+
+}  // namespace
+
+double ICADFont::getHeightUnit() const { return kHeightUnit; }
+double ICADFont::getFullHeight() const { return getHeightUnit(); }
+double ICADFont::getDescent() const { return kDescent; }
+
+double ICADFont::getStringWidth(const zim::WString& text, bool /*horiz*/, bool bold,
+                                bool /*italic*/) const {
+  double width = 0;
+  for (std::u16string_view rest = text; !rest.empty();) {
+    width += isWide(zim::takeUtf16(rest)) ? kWideAdvance : kAdvance;
+  }
+  return bold ? width * kBoldFactor : width;
+}
+
+const ICADFont& defaultFontMetrics() {
+  static const DefaultMetrics metrics;
+  return metrics;
+}
+
+CFontTable& CFontTable::getInstance() {
+  const std::lock_guard lock(instanceMutex());
+  if (!instance()) instance().reset(new CFontTable);
+  return *instance();
+}
+
+void CFontTable::shutdown() {
+  const std::lock_guard lock(instanceMutex());
+  instance().reset();
+}
+
+void CFontTable::add(ICADFont* font) {
+  const auto isSame = [font](const auto& own) { return own.get() == font; };
+  if (!font || std::any_of(m_fonts.begin(), m_fonts.end(), isSame)) return;
+  m_fonts.emplace_back(font);
+  m_byName.try_emplace(font->getName(), font);
+}
+
+const ICADFont* CFontTable::get(const zim::WString& name, bool orDefault) const {
+  const auto found = m_byName.find(name);
+  if (found != m_byName.end()) return found->second;
+  return orDefault ? m_default : nullptr;
+}

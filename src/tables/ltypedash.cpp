@@ -1,0 +1,124 @@
+#include "vek0core/tables/ltypedash.h"
+
+#include <cmath>
+#include <cstddef>
+#include <new>
+
+#include "vek0core/tables/style.h"
+
+namespace {
+
+// Equal elements: the same kind with the same value or text.
+bool sameDash(const ILtypeComplexDash& a, const ILtypeComplexDash& b) {
+  if (a.IsText() != b.IsText() || a.IsDoubleDash() != b.IsDoubleDash()) return false;
+  return a.IsText() ? *a.GetText() == *b.GetText() : a.GetValue() == b.GetValue();
+}
+
+}  // namespace
+
+void CDoubleLtypeComplexDash::GetBdry(RECT_2D& box) const { box.set(0, 0, std::fabs(m_value), 0); }
+
+ILtypeComplexDash* CDoubleLtypeComplexDash::Clone() const {
+  return new (std::nothrow) CDoubleLtypeComplexDash(m_value);
+}
+
+CFontLtypeComplexDash::CFontLtypeComplexDash(const TEXT_3D& text) : m_text(text) {
+  if (CStyle* style = m_text.getStyle()) style->addDash();
+}
+
+CFontLtypeComplexDash::~CFontLtypeComplexDash() {
+  if (CStyle* style = m_text.getStyle()) style->decDash();
+}
+
+ILtypeComplexDash* CFontLtypeComplexDash::Clone() const try {
+  return new (std::nothrow) CFontLtypeComplexDash(m_text);
+} catch (const std::bad_alloc&) {
+  return nullptr;
+}
+
+CLtypeComplexDashSeq::CLtypeComplexDashSeq(const CLtypeComplexDashSeq& src)
+    : m_length(src.m_length) {
+  m_dashes.reserve(src.m_dashes.size());
+  for (const auto& dash : src.m_dashes) {
+    std::unique_ptr<ILtypeComplexDash> copy(dash->Clone());
+    if (!copy) throw std::bad_alloc();
+    m_dashes.push_back(std::move(copy));
+  }
+}
+
+CLtypeComplexDashSeq& CLtypeComplexDashSeq::operator=(const CLtypeComplexDashSeq& src) {
+  CLtypeComplexDashSeq copy(src);
+  m_dashes.swap(copy.m_dashes);
+  m_length = copy.m_length;
+  return *this;
+}
+
+bool CLtypeComplexDashSeq::operator==(const CLtypeComplexDashSeq& other) const {
+  if (m_dashes.size() != other.m_dashes.size() || m_length != other.m_length) return false;
+  for (std::size_t i = 0; i < m_dashes.size(); ++i) {
+    if (!sameDash(*m_dashes[i], *other.m_dashes[i])) return false;
+  }
+  return true;
+}
+
+void CLtypeComplexDashSeq::insert(int pos, std::unique_ptr<ILtypeComplexDash> dash) {
+  const bool atEnd = pos == GetNoDashes();
+  m_dashes.insert(m_dashes.begin() + pos, std::move(dash));
+  if (atEnd) {
+    m_length += std::fabs(m_dashes.back()->GetValue());
+  } else {
+    sumLength();
+  }
+}
+
+void CLtypeComplexDashSeq::InsertDashDouble(int pos, double value) {
+  insert(pos, std::make_unique<CDoubleLtypeComplexDash>(value));
+}
+
+void CLtypeComplexDashSeq::InsertDashText(int pos, const TEXT_3D& text) {
+  insert(pos, std::make_unique<CFontLtypeComplexDash>(text));
+}
+
+void CLtypeComplexDashSeq::RemoveDash(int pos) {
+  m_dashes.erase(m_dashes.begin() + pos);
+  sumLength();
+}
+
+// Summed anew in element order: subtracting what was added drifts, and lengths are
+// compared exactly.
+void CLtypeComplexDashSeq::sumLength() {
+  m_length = 0;
+  for (const auto& dash : m_dashes) m_length += std::fabs(dash->GetValue());
+}
+
+void CLtypeComplexDashSeq::ClearDashes() {
+  m_dashes.clear();
+  m_length = 0;
+}
+
+void CLtypeComplexDashSeq::GetBdry(RECT_2D& box) const {
+  box.initRegion();
+  if (m_dashes.empty()) return;
+  box.set(0, 0, 0, 0);
+  double at = 0;
+  for (const auto& dash : m_dashes) {
+    at += std::fabs(dash->GetValue());
+    if (!dash->IsText()) continue;
+    RECT_2D own;
+    dash->GetBdry(own);
+    own.min.x += at;
+    own.max.x += at;
+    box.updateRegion(own);
+  }
+  if (box.max.x < at) box.max.x = at;
+}
+
+CLtypeComplexDashSeqMemento* CLtypeComplexDashSeq::CreateMemento() const try {
+  return new (std::nothrow) CLtypeComplexDashSeqMemento(*this);
+} catch (const std::bad_alloc&) {
+  return nullptr;
+}
+
+void CLtypeComplexDashSeq::SetMemento(const CLtypeComplexDashSeqMemento* memento) {
+  if (memento) *this = memento->GetDashes();
+}

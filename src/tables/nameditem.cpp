@@ -1,0 +1,223 @@
+#include "vek0core/tables/nameditem.h"
+
+#include <algorithm>
+#include <limits>
+#include <new>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "tables/ranktree.h"
+
+namespace {
+
+constexpr std::size_t kMostDigits = std::numeric_limits<int>::digits10 + 1;
+
+bool isDigit(zim::Char unit) { return unit >= u'0' && unit <= u'9'; }
+
+// The number that these digits spell the way we would write it, if it is one.
+std::optional<int> canonicalNumber(std::u16string_view digits) {
+  if (digits.empty() || digits.size() > kMostDigits || digits[0] == u'0') return std::nullopt;
+  long long value = 0;
+  for (const zim::Char unit : digits) {
+    if (!isDigit(unit)) return std::nullopt;
+    value = value * 10 + (unit - u'0');
+  }
+  if (value > std::numeric_limits<int>::max()) return std::nullopt;
+  return static_cast<int>(value);
+}
+
+zim::WString numbered(const zim::WString& prefix, int number) {
+  return prefix + zim::WString::fromUtf8(std::to_string(number));
+}
+
+}  // namespace
+
+CNamedItem::~CNamedItem() {
+  if (m_table) m_table->remove(this);
+}
+
+bool CNamedItem::operator==(const CNamedItem& other) const {
+  return m_flags == other.m_flags && m_name.EqualsIgnoreCase(other.m_name);
+}
+
+void CNamedItem::setName(const zim::WString& name) {
+  if (m_table)
+    m_table->rename(this, name);
+  else
+    m_name = name;
+}
+
+CNamedItem& CNamedItem::operator=(const CNamedItem& src) {
+  if (this == &src) return *this;
+  setName(src.m_name);
+  m_flags = src.m_flags;
+  return *this;
+}
+
+void CNamedItemTableImp::Numbers::take(int number) {
+  if (++used[number] > 1) return;
+  const auto range = std::prev(free.upper_bound(number));
+  const int last = range->second;
+  if (number < last) free.emplace(number + 1, last);
+  if (range->first < number)
+    range->second = number - 1;
+  else
+    free.erase(range);
+}
+
+void CNamedItemTableImp::Numbers::give(int number) {
+  const auto found = used.find(number);
+  if (found == used.end() || --found->second > 0) return;
+  used.erase(found);
+  int first = number, last = number;
+  const auto next = free.upper_bound(number);
+  if (next != free.begin() && std::prev(next)->second == number - 1) first = std::prev(next)->first;
+  if (next != free.end() && next->first == number + 1) {
+    last = next->second;
+    free.erase(next);
+  }
+  free[first] = last;
+}
+
+CNamedItemTableImp::CNamedItemTableImp() = default;
+
+CNamedItemTableImp::CNamedItemTableImp(const CNamedItemTableImp& src)
+    : m_nextRank(src.m_nextRank), m_isView(true), m_byName(src.m_byName), m_numbers(src.m_numbers) {
+  src.compact();
+  m_items = src.m_items;
+}
+
+CNamedItemTableImp::~CNamedItemTableImp() { CNamedItemTableImp::clearAll(); }
+
+void CNamedItemTableImp::add(CNamedItem* item) {
+  if (!item || item->m_table || m_isView) return;
+  if (m_holes > m_items.size() / 2) compact();
+  if (m_items.size() == m_items.capacity()) {
+    m_items.reserve(m_items.empty() ? 1 : 2 * m_items.size());
+  }
+  // Out of the table meanwhile: should memory run out, it is built anew when needed.
+  std::unique_ptr<vek0::detail::RankTree> ranks = std::move(m_ranks);
+  if (ranks) ranks->append(true);
+  item->m_rank = m_nextRank;
+  indexName(item, item->m_name);
+  changeNumbers(item->m_name, &Numbers::take);
+  ++m_nextRank;
+  item->m_pos = m_items.size();
+  item->m_table = this;
+  m_items.push_back(item);
+  m_ranks = std::move(ranks);
+}
+
+void CNamedItemTableImp::remove(CNamedItem* item) {
+  if (!contains(item)) return;
+  unindexName(item, item->m_name);
+  changeNumbers(item->m_name, &Numbers::give);
+  m_items[item->m_pos] = nullptr;
+  ++m_holes;
+  if (m_ranks) m_ranks->remove(item->m_pos);
+  item->m_table = nullptr;
+}
+
+CNamedItem* CNamedItemTableImp::get(std::u16string_view name) const {
+  const auto found = m_byName.find(name);
+  return found == m_byName.end() ? nullptr : found->second.front();
+}
+
+// Closing the holes at every look-up would make a loop that looks and removes square.
+// So they are looked through until that has cost as much as closing them does.
+CNamedItem* CNamedItemTableImp::operator[](int i) const {
+  const auto rank = static_cast<std::size_t>(i);
+  if (m_holes != 0) {
+    if (m_holes <= m_items.size() / 2 && ++m_lookups <= m_items.size()) {
+      if (!m_ranks) m_ranks = std::make_unique<vek0::detail::RankTree>(m_items);
+      return m_items[m_ranks->select(rank)];
+    }
+    compact();
+  }
+  return m_items[rank];
+}
+
+void CNamedItemTableImp::clearAll() {
+  std::vector<CNamedItem*> items;
+  items.swap(m_items);
+  m_ranks.reset();
+  m_holes = m_lookups = 0;
+  m_byName.clear();
+  m_numbers.clear();
+  if (m_isView) return;
+  // All of them before the first is deleted: none may look for its place any more.
+  for (CNamedItem* item : items) {
+    if (item) item->m_table = nullptr;
+  }
+  for (const CNamedItem* item : items) delete item;
+}
+
+int CNamedItemTableImp::getProgNum(const zim::WString& prefix) const {
+  const auto known = m_numbers.find(prefix);
+  if (known != m_numbers.end()) return known->second.smallestFree();
+  Numbers numbers;
+  for (const CNamedItem* item : m_items) {
+    if (!item) continue;
+    const std::u16string_view name = item->m_name;
+    if (name.substr(0, prefix.Length()) != prefix.view()) continue;
+    if (const auto number = canonicalNumber(name.substr(prefix.Length()))) numbers.take(*number);
+  }
+  return m_numbers.emplace(prefix, std::move(numbers)).first->second.smallestFree();
+}
+
+zim::WString CNamedItemTableImp::GetProgName(const zim::WString& prefix) const {
+  return numbered(prefix, getProgNum(prefix));
+}
+
+void CNamedItemTableImp::indexName(CNamedItem* item, const zim::WString& name) {
+  const auto [entry, isNew] = m_byName.try_emplace(name, 1, item);
+  if (isNew) return;
+  SameName& same = entry->second;
+  const auto before = [](const CNamedItem* a, const CNamedItem* b) {
+    return a->m_rank < b->m_rank;
+  };
+  same.insert(std::upper_bound(same.begin(), same.end(), item, before), item);
+}
+
+void CNamedItemTableImp::unindexName(CNamedItem* item, std::u16string_view name) {
+  const auto found = m_byName.find(name);
+  if (found == m_byName.end()) return;
+  std::erase(found->second, item);
+  if (found->second.empty()) m_byName.erase(found);
+}
+
+void CNamedItemTableImp::rename(CNamedItem* item, const zim::WString& name) {
+  zim::WString given(name);
+  if (!given.EqualsIgnoreCase(item->m_name)) {
+    indexName(item, given);
+    unindexName(item, item->m_name);
+  }
+  changeNumbers(item->m_name, &Numbers::give);
+  changeNumbers(given, &Numbers::take);
+  std::swap(item->m_name, given);
+}
+
+// A name that ends in digits is a prefix and a number in as many ways as it has
+// digits at its end; only prefixes that somebody asked for are kept.
+void CNamedItemTableImp::changeNumbers(std::u16string_view name, NumberChange change) {
+  if (m_numbers.empty()) return;
+  try {
+    for (std::size_t digits = 1; digits <= std::min(kMostDigits, name.size()); ++digits) {
+      const std::size_t at = name.size() - digits;
+      if (!isDigit(name[at])) return;
+      const auto found = m_numbers.find(name.substr(0, at));
+      if (found == m_numbers.end()) continue;
+      if (const auto number = canonicalNumber(name.substr(at))) (found->second.*change)(*number);
+    }
+  } catch (const std::bad_alloc&) {
+    m_numbers.clear();  // they are counted anew when somebody asks
+  }
+}
+
+void CNamedItemTableImp::compact() const {
+  std::erase(m_items, nullptr);
+  for (std::size_t i = 0; i < m_items.size(); ++i) m_items[i]->m_pos = i;
+  m_ranks.reset();
+  m_holes = m_lookups = 0;
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace vek0::detail {
+
+/// Finds the k-th slot in use of an array with holes, in logarithmic time (a Fenwick
+/// tree of counts). Positions and ranks count from 0.
+class RankTree {
+ public:
+  /// Of an array of pointers, in which null is a hole. Linear.
+  template <class T>
+  explicit RankTree(const std::vector<T*>& slots) {
+    m_counts.reserve(slots.size() + 1);
+    m_counts.push_back(0);
+    for (const T* slot : slots) append(slot != nullptr);
+  }
+
+  void append(bool used) {
+    const std::size_t node = m_counts.size();
+    std::size_t count = used ? 1 : 0;
+    for (std::size_t step = 1; step < lowBit(node); step <<= 1) count += m_counts[node - step];
+    m_counts.push_back(count);
+  }
+
+  /// The slot at `position` becomes a hole.
+  void remove(std::size_t position) {
+    for (std::size_t node = position + 1; node < m_counts.size(); node += lowBit(node))
+      --m_counts[node];
+  }
+
+  /// Position of the slot in use before which there are `rank` others; the number of
+  /// slots when there is none.
+  std::size_t select(std::size_t rank) const {
+    std::size_t step = 1;
+    while (2 * step < m_counts.size()) step *= 2;
+    std::size_t position = 0;
+    for (; step != 0; step /= 2) {
+      if (position + step >= m_counts.size() || m_counts[position + step] > rank) continue;
+      position += step;
+      rank -= m_counts[position];
+    }
+    return position;
+  }
+
+ private:
+  static std::size_t lowBit(std::size_t node) { return node & (~node + 1); }
+
+  std::vector<std::size_t> m_counts;  // [n]: slots in use among the lowBit(n) before n
+};
+
+}  // namespace vek0::detail

@@ -1,0 +1,19 @@
+#include "vek0core/tables/styletable.h"
+
+#include "vek0core/tables/font.h"
+
+CStyleTable::CStyleTable()
+    : m_standard(
+          new CStyleStandard(CFontTable::getInstance().getDefault(), 0.0, 1.0, 0.0, 0.2, 0)) {
+  add(m_standard);
+}
+
+void CStyleTable::remove(CStyle* style) {
+  if (contains(style) && style == m_standard) m_standard = nullptr;
+  CNamedItemTableImp::remove(style);
+}
+
+void CStyleTable::clearAll() {
+  m_standard = nullptr;
+  CNamedItemTableImp::clearAll();
+}
