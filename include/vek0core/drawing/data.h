@@ -1,0 +1,185 @@
+#pragma once
+
+#include <memory>
+#include <unordered_map>
+#include <unordered_map>
+
+#include "vek0core/drawing/datavariables.h"
+#include "vek0core/entities/blocktable.h"
+#include "vek0core/entities/blockxref.h"
+#include "vek0core/entities/enttable.h"
+#include "vek0core/export.h"
+#include "vek0core/tables/font.h"
+#include "vek0core/tables/handle.h"
+#include "vek0core/tables/layer.h"
+#include "vek0core/tables/layertable.h"
+#include "vek0core/tables/ltype.h"
+#include "vek0core/tables/ltypetable.h"
+#include "vek0core/tables/style.h"
+#include "vek0core/tables/styletable.h"
+
+class CBlockFactory;
+class CEntFactory;
+
+/// A drawing: its tables, fixed items, variables, and the factories that make what
+/// goes into them. `CDataFactory` makes one, `deleteData` takes it apart; in between
+/// the free functions of functions.h and the tables work on it.
+///
+/// Not to be used from two threads at a time.
+class VEK0_API CData {
+ public:
+  class CLayerIterator;
+  class CLtypeIterator;
+  class CStyleIterator;
+
+  /// Takes the six objects, none of them null, over. To be called by `CDataFactory`; a
+  /// class derived from this one brings its own factories.
+  CData(std::unique_ptr<IHandleGestor> gestor, std::unique_ptr<CLtypeFactory> ltypeFactory,
+        std::unique_ptr<CLayerFactory> layerFactory, std::unique_ptr<CStyleFactory> styleFactory,
+        std::unique_ptr<CBlockFactory> blockFactory, std::unique_ptr<CEntFactory> entFactory);
+
+  /// A view of `src`: tables that name the items of `src` and own none, the same
+  /// handle manager and factories, the same current items. Valid while `src` lives and
+  /// keeps its items. `cloneData` makes a drawing of its own.
+  CData(CData& src);
+  CData& operator=(const CData&) = delete;
+  virtual ~CData();
+
+  const CLtypeContinuous& getLtypeContinuous() const { return m_continuous; }
+  CLtypeContinuous& getLtypeContinuous() { return m_continuous; }
+  const CLtypeByLayer& getLtypeByLayer() const { return m_byLayer; }
+  CLtypeByLayer& getLtypeByLayer() { return m_byLayer; }
+  const CLtypeByBlock& getLtypeByBlock() const { return m_byBlock; }
+  CLtypeByBlock& getLtypeByBlock() { return m_byBlock; }
+  const CLayer0& getLayer0() const { return m_layer0; }
+  CLayer0& getLayer0() { return m_layer0; }
+
+  const CDataVariables& getVars() const { return m_vars; }
+  CDataVariables& getVars() { return m_vars; }
+  IHandleGestor& getHandleGestor() const { return *m_gestor; }
+  const CBlockXRefDepend& getDepend() const { return m_depend; }
+  CBlockXRefDepend& getDepend() { return m_depend; }
+
+  const CLtypeTable& getLtypeTable() const { return m_ltypes; }
+  CLtypeTable& getLtypeTable() { return m_ltypes; }
+  const CLayerTable& getLayerTable() const { return m_layers; }
+  CLayerTable& getLayerTable() { return m_layers; }
+  const CStyleTable& getStyleTable() const { return m_styles; }
+  CStyleTable& getStyleTable() { return m_styles; }
+  const CBlockTable& getBlockTable() const { return m_blocks; }
+  CBlockTable& getBlockTable() { return m_blocks; }
+  const CBlockXRefTable& getBlockXRefTable() const { return m_xrefs; }
+  CBlockXRefTable& getBlockXRefTable() { return m_xrefs; }
+  /// The entities of model space.
+  const CEntTable& getEntTable() const { return m_entities; }
+  CEntTable& getEntTable() { return m_entities; }
+
+  CLtypeFactory& getLtypeFactory() const { return *m_ltypeFactory; }
+  CLayerFactory& getLayerFactory() const { return *m_layerFactory; }
+  CStyleFactory& getStyleFactory() const { return *m_styleFactory; }
+  CBlockFactory& getBlockFactory() const { return *m_blockFactory; }
+  CEntFactory& getEntFactory() const { return *m_entFactory; }
+
+  /// A font of this drawing's own that has this name and the default measures, made on
+  /// the first call for the name: it keeps the name of a font that the process does not
+  /// have. It lives as long as the drawing and those that share its fonts.
+  const ICADFont* needFont(const zim::WString& name);
+  /// Lends the drawing's own fonts to `data` as well, which takes over styles of this
+  /// one and has no fonts of its own yet.
+  void shareFonts(CData& data) const { data.m_fonts = m_fonts; }
+
+ private:
+  using Fonts = std::unordered_map<zim::WString, std::unique_ptr<ICADFont>>;
+
+  std::shared_ptr<Fonts> m_fonts = std::make_shared<Fonts>();  // outlive the styles
+  std::shared_ptr<IHandleGestor> m_gestor;
+  CBlockXRefDepend m_depend;
+  CLtypeContinuous m_continuous;
+  CLtypeByLayer m_byLayer;
+  CLtypeByBlock m_byBlock;
+  CLayer0 m_layer0;
+  CDataVariables m_vars;
+  CStyleTable m_styles;
+  CLtypeTable m_ltypes;
+  CLayerTable m_layers;
+  CBlockXRefTable m_xrefs;
+  CBlockTable m_blocks;
+  CEntTable m_entities;
+  std::shared_ptr<CLtypeFactory> m_ltypeFactory;
+  std::shared_ptr<CLayerFactory> m_layerFactory;
+  std::shared_ptr<CStyleFactory> m_styleFactory;
+  std::shared_ptr<CBlockFactory> m_blockFactory;
+  std::shared_ptr<CEntFactory> m_entFactory;
+};
+
+namespace vek0::detail {
+
+/// Walks fixed items, then a table of the drawing, then the same table of each external
+/// reference. Items added behind the walk are met, removing any ends its validity.
+template <class Item, class Table>
+class ItemWalk {
+ public:
+  /// The current item; null at the end.
+  Item* operator*() const;
+  /// Number of items that the whole walk yields.
+  int size() const;
+
+ protected:
+  using XRefTable = const Table& (CBlockXRef::*)() const;
+
+  ItemWalk(const CData& data, const Table& own, XRefTable ofXRef, bool withXRefs);
+  void addFixed(Item* item) { m_fixed[m_fixedCount++] = item; }
+  /// Steps; stays at the end.
+  void findNext() const;
+
+ private:
+  const Table* table() const;
+  void skipExhausted() const;
+
+  const CBlockXRefTable* m_xrefs;
+  const Table* m_own;
+  XRefTable m_ofXRef;
+  bool m_withXRefs;
+  Item* m_fixed[3] = {};
+  int m_fixedCount = 0;
+  // Where the walk stands: in the fixed items, the own table (-1), reference 0, 1, ...
+  // Mutable because the postfix step of the iterators is const by interface.
+  mutable int m_atFixed = 0;
+  mutable int m_xref = -1;
+  mutable int m_pos = 0;
+};
+
+extern template class VEK0_API ItemWalk<CLayer, CLayerTable>;
+extern template class VEK0_API ItemWalk<CLtype, CLtypeTable>;
+extern template class VEK0_API ItemWalk<CStyle, CStyleTable>;
+
+}  // namespace vek0::detail
+
+/// Layer "0", the listed layers and, if asked for, those of every external reference.
+class VEK0_API CData::CLayerIterator : public vek0::detail::ItemWalk<CLayer, CLayerTable> {
+ public:
+  CLayerIterator(const CData& data, bool withXRefs);
+  CLayerIterator& operator++();
+  /// Steps this iterator itself and answers where it was before.
+  CLayerIterator operator++(int) const;
+};
+
+/// BYLAYER and BYBLOCK if asked for, Continuous, the listed linetypes and, if asked for,
+/// those of every external reference.
+class VEK0_API CData::CLtypeIterator : public vek0::detail::ItemWalk<CLtype, CLtypeTable> {
+ public:
+  CLtypeIterator(const CData& data, bool withXRefs, bool withByLayerByBlock);
+  CLtypeIterator& operator++();
+  /// Steps this iterator itself and answers where it was before.
+  CLtypeIterator operator++(int) const;
+};
+
+/// The text styles, "STANDARD" first, and, if asked for, those of every external
+/// reference.
+class VEK0_API CData::CStyleIterator : public vek0::detail::ItemWalk<CStyle, CStyleTable> {
+ public:
+  CStyleIterator(const CData& data, bool withXRefs);
+  CStyleIterator& operator++();
+  /// Steps this iterator itself and answers where it was before.
+  CStyleIterator operator++(int) const;
+};

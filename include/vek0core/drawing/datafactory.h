@@ -1,0 +1,37 @@
+#pragma once
+
+#include "vek0core/export.h"
+
+class CBlockFactory;
+class CData;
+class CEntFactory;
+class CLayerFactory;
+class CLtypeFactory;
+class CStyleFactory;
+class IHandleGestor;
+
+/// Makes drawings.
+class VEK0_API CDataFactory {
+ public:
+  /// Kept for hosts that manage handles; it does not change what is made.
+  void setHandling(bool handling) { m_handling = handling; }
+  bool isHandling() const { return m_handling; }
+
+  /// A new drawing: linetypes Continuous, BYLAYER and BYBLOCK, layer "0", style
+  /// "STANDARD" with the font table's default font, and the default variables. The
+  /// caller gives it to `deleteData`. Null, and nothing left behind, when there is no
+  /// memory.
+  CData* createData();
+
+ protected:
+  // Each makes one new object, or null when there is no memory.
+  IHandleGestor* doCreateHandleGestor();
+  CLtypeFactory* doCreateLtypeFactory();
+  CLayerFactory* doCreateLayerFactory();
+  CStyleFactory* doCreateStyleFactory();
+  CBlockFactory* doCreateBlockFactory();
+  CEntFactory* doCreateEntFactory();
+
+ private:
+  bool m_handling = false;
+};

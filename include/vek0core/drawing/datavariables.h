@@ -1,0 +1,74 @@
+#pragma once
+
+#include "vek0core/export.h"
+#include "vek0core/geometry/pnt.h"
+
+class CLayer;
+class CLayer0;
+class CLtype;
+class CLtypeByLayer;
+class CStyle;
+
+/// The settings of a drawing that are no table items. Each drawing has one.
+///
+/// Nothing is checked: the upper limit may lie below the lower one, the scale may be 0,
+/// and the items, which are borrowed, may be null. A copy names the same items.
+class VEK0_API CDataVariables {
+ public:
+  /// Upper right corner of the drawing limits. New drawings have an A3 sheet in
+  /// millimetres, 420 by 297.
+  const PNT_2D& getLimMax() const { return m_limMax; }
+  void setLimMax(const PNT_2D& p) { m_limMax = p; }
+  /// Lower left corner of the drawing limits.
+  const PNT_2D& getLimMin() const { return m_limMin; }
+  void setLimMin(const PNT_2D& p) { m_limMin = p; }
+
+  /// Factor that all linetypes are scaled by.
+  double getLtypeScale() const { return m_ltypeScale; }
+  void setLtypeScale(double scale) { m_ltypeScale = scale; }
+  /// Width of new polylines, drawing units.
+  double getPLineWid() const { return m_plineWid; }
+  void setPLineWid(double width) { m_plineWid = width; }
+  /// Direction of angle 0 in the user's terms, radians.
+  double getAngDir() const { return m_angDir; }
+  void setAngDir(double angleRad) { m_angDir = angleRad; }
+
+  /// What new entities get that say nothing else.
+  CLayer* getCurLayer() const { return m_curLayer; }
+  void setCurLayer(CLayer* layer) { m_curLayer = layer; }
+  CLtype* getCurLtype() const { return m_curLtype; }
+  void setCurLtype(CLtype* ltype) { m_curLtype = ltype; }
+  CStyle* getCurStyle() const { return m_curStyle; }
+  void setCurStyle(CStyle* style) { m_curStyle = style; }
+  short getCurColor() const { return m_curColor; }
+  void setCurColor(short color) { m_curColor = color; }
+
+  /// How angles are shown: 0 decimal degrees, 2 gradians, 3 radians.
+  short getAngFormat() const { return m_angFormat; }
+  void setAngFormat(short format) { m_angFormat = format; }
+  bool isOrtho() const { return m_ortho; }
+  void setOrtho(bool on) { m_ortho = on; }
+  /// Whether linetypes run on over the corners of new polylines.
+  bool isPLineGen() const { return m_plineGen; }
+  void setPLineGen(bool on) { m_plineGen = on; }
+  bool isAngClockWise() const { return m_angClockWise; }
+  void setAngClockWise(bool on) { m_angClockWise = on; }
+
+ private:
+  friend class CData;
+  CDataVariables(CLayer0& layer0, CLtypeByLayer& byLayer);
+
+  PNT_2D m_limMax{420.0, 297.0};
+  PNT_2D m_limMin{0.0, 0.0};
+  double m_ltypeScale = 1.0;
+  double m_plineWid = 0.0;
+  double m_angDir = 0.0;
+  CLayer* m_curLayer;
+  CLtype* m_curLtype;
+  CStyle* m_curStyle = nullptr;
+  short m_curColor = 256;
+  short m_angFormat = 0;
+  bool m_ortho = false;
+  bool m_plineGen = false;
+  bool m_angClockWise = false;
+};

@@ -1,0 +1,213 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "vek0core/export.h"
+#include "vek0core/geometry/pnt.h"
+#include "vek0core/geometry/rect.h"
+#include "vek0core/tables/nameditem.h"
+
+class CBlockMemento;
+class CEnt;
+class CEntAttdef;
+class CEntInsertBase;
+class IHandleGestor;
+
+namespace vek0::detail {
+struct BlockGraphItem;
+class RankTree;
+}  // namespace vek0::detail
+
+/// A named group of entities that inserts show.
+///
+/// The block owns its entities and stores them relative to its base point: `add`
+/// moves them there. What an entity's own place says does not fit is ignored: null,
+/// adding what some table or block holds already, removing what this one does not.
+///
+/// Extents cover every entity but the attribute definitions; they are computed when
+/// they are asked for, those of the blocks that this one inserts first, however deep
+/// the nesting. Flag bit 2 is set while the block holds an attribute definition.
+///
+/// `add` and `remove` change neither counts nor the block graph of a table that the
+/// block is in: edits of such a block go through `CBlockTable::Redefine`, or end with
+/// `CBlockTable::updateBlock`.
+class VEK0_API CBlock : public CNamedItem {
+ public:
+  class CAttdefIterator;
+  class CInsertIterator;
+
+  static constexpr long kHasAttdefs = 2;  ///< bit of the flags, see the class
+
+  /// Copies name, base point, flags and the host's words. The copy has no entities,
+  /// hence no flag bit 2, and is in no table.
+  CBlock(const CBlock& src);
+  /// Takes the same over and keeps its own entities.
+  CBlock& operator=(const CBlock& src);
+  /// Deletes the entities. The block leaves the table and graph that it is in.
+  ~CBlock() override;
+
+  /// Takes the entity over: moves it by the negated base point and appends it.
+  virtual void add(CEnt* ent);
+
+  /// Takes the entity out, which the caller owns from then on. It is not moved back:
+  /// to undo, hand it to `restore`, since `add` would move it a second time.
+  /// Constant time on average, and so is the indexed access that follows.
+  virtual void remove(CEnt* ent);
+
+  /// Whether this is a `CBlockXRef`.
+  virtual bool isXRef() const;
+
+  /// Appends an entity that is stored relative to the base point already.
+  void restore(CEnt* ent);
+
+  /// Recomputes the extents over all entities, attribute definitions included, which
+  /// every other way of computing them leaves out.
+  void calcBdry();
+
+  /// Makes the next `getBdry` compute the extents anew, and that of every block that
+  /// inserts this one. To be called after changing an entity in place.
+  void invalidateBdry();
+
+  /// Sets base point and flags, and lets go of the entities, which the caller takes
+  /// over: whoever has no list of them yet makes a memento first.
+  void redefine(const PNT_3D& base, long flags);
+  /// Lets go of all entities without deleting them; leaves the extents empty.
+  void clearEntities();
+  /// Deletes all entities.
+  void disposeEntities();
+
+  std::size_t size() const { return m_entities.size() - m_noHoles; }
+  /// Entity `i` in order of addition; unchecked.
+  CEnt* operator[](unsigned i) { return at(i); }
+  const CEnt* operator[](unsigned i) const { return at(i); }
+
+  const PNT_3D& getPnt() const { return m_base; }
+  /// Relative to the base point; empty for a block that shows nothing.
+  const RECT_3D& getBdry() const;
+  RECT_3D& getBdry();  ///< likewise
+
+  int GetUserType() const { return m_userType; }
+  int GetUserData() const { return m_userData; }
+  void SetUserType(int type) { m_userType = type; }
+  void SetUserData(int data) { m_userData = data; }
+  /// Both of the host's free words at once.
+  void SetUserInfo(int type, int data);
+
+  /// Registers every entity, last to first (`CEnt::addTbls`).
+  void insertBlock(IHandleGestor& gestor) const;
+  /// The inverse of `insertBlock`.
+  void removeBlock(IHandleGestor& gestor) const;
+
+  /// Snapshot of base point, flags and the list of entities. The caller owns it; null
+  /// when there is no memory.
+  CBlockMemento* createMemento() const;
+  /// Restores the snapshot; entities go back unmoved. Those that the block lets go of
+  /// belong to the caller; those that another owner holds meanwhile are left there.
+  /// Counts and block graph stay as they are: see `CBlockTable::setMemento`.
+  void setMemento(const CBlockMemento& memento);
+  bool operator==(const CBlockMemento& memento) const;
+  bool operator!=(const CBlockMemento& memento) const { return !(*this == memento); }
+  using CNamedItem::operator==;
+  using CNamedItem::operator!=;
+
+ protected:
+  friend class CBlockFactory;
+  explicit CBlock(const zim::WString& name);
+  CBlock(const zim::WString& name, const PNT_3D& base, long flags);
+
+  /// Sets the base point and leaves the entities where they are.
+  void setOrigin(const PNT_3D& base) { m_base = base; }
+
+ private:
+  friend class CBlockGraph;
+  friend class CBlockMemento;
+  class BdryWalk;
+
+  CEnt* at(std::size_t i) const;
+  std::size_t firstRaw(std::size_t from) const;
+  void compact() const;
+  void append(CEnt* ent);
+  bool isBdryStale() const { return m_bdryStale || m_noBoxed < m_entities.size(); }
+  void refreshBdry() const;
+  void growBdry();
+  void tellUsers();
+  void dirtyInserts();
+
+  mutable RECT_3D m_bdry;
+  PNT_3D m_base;
+  int m_userType = 0;
+  int m_userData = 0;
+
+  // Removed entities leave holes, so that removal shifts nothing; each entity knows
+  // its index here.
+  mutable std::vector<CEnt*> m_entities;
+  mutable std::size_t m_noHoles = 0;
+  mutable std::size_t m_noLookups = 0;  // through the holes, since the last compaction
+  mutable std::unique_ptr<vek0::detail::RankTree> m_ranks;  // while holes are looked through
+  std::size_t m_noAttdefs = 0;
+
+  // The extents cover the entities before this index, unless they are stale; so
+  // adding one costs nothing until somebody asks.
+  mutable std::size_t m_noBoxed = 0;
+  mutable bool m_bdryStale = false;
+  mutable bool m_bdryBusy = false;  // being computed: an insert of itself stops here
+
+  vek0::detail::BlockGraphItem* m_item = nullptr;  // its place in a table's graph
+};
+
+/// Walks a block's attribute definitions in order. Changing the block ends the walk.
+class VEK0_API CBlock::CAttdefIterator {
+ public:
+  explicit CAttdefIterator(const CBlock& block);
+
+  /// The current one, null at the end.
+  CEntAttdef* operator*() const;
+  CAttdefIterator& operator++();    ///< stays at the end
+  CAttdefIterator operator++(int);  ///< likewise; answers the place before
+
+ private:
+  void skip();
+
+  const CBlock* m_block;
+  std::size_t m_raw = 0;
+};
+
+/// Walks a block's inserts (hatches included) in order, likewise.
+class VEK0_API CBlock::CInsertIterator {
+ public:
+  explicit CInsertIterator(const CBlock& block);
+
+  CEntInsertBase* operator*() const;  ///< null at the end
+  CInsertIterator& operator++();      ///< stays at the end
+  CInsertIterator operator++(int);    ///< likewise; answers the place before
+
+ private:
+  void skip();
+
+  const CBlock* m_block;
+  std::size_t m_raw = 0;
+};
+
+/// Undo snapshot of a block: base point, flags and the list of its entities. It owns
+/// none of them; they must outlive it.
+class VEK0_API CBlockMemento {
+ public:
+  virtual ~CBlockMemento();
+
+  bool operator==(const CBlock& block) const { return block == *this; }
+  bool operator!=(const CBlock& block) const { return block != *this; }
+
+  /// Deletes every entity of the list: for discarding the undo of a redefinition, or
+  /// of a block's creation. The entities must be in no block any more.
+  void destroyEntity();
+
+ private:
+  friend class CBlock;
+  explicit CBlockMemento(const CBlock& block);
+
+  PNT_3D m_base;
+  long m_flags;
+  std::vector<CEnt*> m_entities;
+};

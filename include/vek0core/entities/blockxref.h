@@ -1,0 +1,150 @@
+#pragma once
+
+#include <cstddef>
+#include <list>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "vek0core/entities/block.h"
+#include "vek0core/export.h"
+#include "vek0core/tables/layer.h"
+#include "vek0core/tables/layertable.h"
+#include "vek0core/tables/ltype.h"
+#include "vek0core/tables/ltypetable.h"
+#include "vek0core/tables/nameditem.h"
+#include "vek0core/tables/styletable.h"
+#include "zim0lang/wstring.h"
+
+/// External reference: a block whose content stands in another drawing's file.
+///
+/// Has linetypes, layers and styles of its own; the drawing names them "xref|item".
+/// Its layer "0" and the three fixed linetypes are the drawing's own. Nothing here
+/// opens a file: a host that resolves references fills the block and sets the status.
+/// Until then, and when the file is missing, an insert of it shows nothing.
+///
+/// Entities are kept as they are, not relative to the base point.
+class VEK0_API CBlockXRef : public CBlock {
+ public:
+  enum class Status { unresolved, loaded, missing };
+
+  ~CBlockXRef() override;
+
+  /// Appends without moving the entity.
+  void add(CEnt* ent) override;
+  bool isXRef() const override;
+
+  /// File name of the drawing as the file that refers to it says.
+  const zim::WString& getPath() const { return m_path; }
+  void setPath(const zim::WString& path) { m_path = path; }
+  Status getStatus() const { return m_status; }
+  void setStatus(Status status) { m_status = status; }
+
+  const CLtypeTable& getLtypeTable() const { return m_ltypes; }
+  CLtypeTable& getLtypeTable() { return m_ltypes; }
+  const CLayerTable& getLayerTable() const { return m_layers; }
+  CLayerTable& getLayerTable() { return m_layers; }
+  const CStyleTable& getStyleTable() const { return m_styles; }
+  CStyleTable& getStyleTable() { return m_styles; }
+
+ protected:
+  friend class CBlockFactory;
+  CBlockXRef(CLtypeContinuous& continuous, CLtypeByLayer& byLayer, CLtypeByBlock& byBlock,
+             CLayer0& layer0, const zim::WString& name, const zim::WString& path,
+             const PNT_3D& base, long flags);
+
+  /// See `CBlockFactory::initXRef`.
+  void init(const zim::WString& path, const PNT_3D& base, long flags);
+
+ private:
+  zim::WString m_path;
+  Status m_status = Status::unresolved;
+  CStyleTable m_styles;
+  CLtypeTable m_ltypes;
+  CLayerTable m_layers;
+};
+
+/// Which external references a drawing's inserts use, and how often.
+///
+/// Kept by the inserts while they are registered. The references are in order of their
+/// first use. Every operation costs constant time on average.
+class VEK0_API CBlockXRefDepend {
+ public:
+  using Entry = std::pair<CBlockXRef*, long>;  ///< reference, number of inserts
+
+  CBlockXRefDepend();
+  CBlockXRefDepend(const CBlockXRefDepend& src);
+  CBlockXRefDepend& operator=(const CBlockXRefDepend& src);
+  ~CBlockXRefDepend();
+
+  /// Counts one more insert of the reference; null is ignored.
+  void add(CBlockXRef* xref);
+  /// Counts one less, and forgets the reference after the last; one that was not
+  /// counted is ignored.
+  void remove(CBlockXRef* xref);
+
+  /// Number of inserts counted.
+  long getCount(const CBlockXRef* xref) const;
+  const std::list<Entry>& getList() const { return m_list; }
+  std::size_t size() const { return m_list.size(); }
+
+ private:
+  std::list<Entry> m_list;
+  std::unordered_map<const CBlockXRef*, std::list<Entry>::iterator> m_places;
+};
+
+/// The external references of a drawing, by name.
+class VEK0_API CBlockXRefTable : public CNamedItemTableImp {
+ public:
+  /// Takes the reference over.
+  void add(CBlockXRef* xref);
+  /// Takes it out; the caller owns it from then on.
+  void remove(CBlockXRef* xref);
+  /// First one added of that name, letter case ignored; null when there is none.
+  CBlockXRef* get(std::u16string_view name) const;
+  /// Reference `i` in order of addition; unchecked.
+  CBlockXRef* operator[](int i) const;
+};
+
+/// Layer of an external reference. Its name is the one in the referred drawing; the
+/// full name puts the reference's name and a bar before it. The flag bits 16 (depends
+/// on an external reference) and 32 (resolved) are always set.
+class VEK0_API CLayerXRef : public CLayer {
+ public:
+  const zim::WString& getFullName() const override;
+  using CLayer::setFlags;
+  void setFlags(long flags) override;
+  void accept(ILayerVisitor& visitor) override;
+  bool isXRef() const override { return true; }
+
+  CBlockXRef& getXRef() const { return m_xref; }
+
+ protected:
+  friend class CLayerFactory;
+  CLayerXRef(CBlockXRef& xref, const zim::WString& name, CLtype* ltype, short color, long flags);
+
+ private:
+  CBlockXRef& m_xref;
+  mutable zim::WString m_fullName;  // composed when asked for: either name may change
+};
+
+/// Linetype of an external reference; name and flags as for `CLayerXRef`.
+class VEK0_API CLtypeXRef : public CLtype {
+ public:
+  const zim::WString& getFullName() const override;
+  using CLtype::setFlags;
+  void setFlags(long flags) override;
+  void accept(ILtypeVisitor& visitor) override;
+  bool isXRef() const override { return true; }
+
+  CBlockXRef& getXRef() const { return m_xref; }
+
+ protected:
+  friend class CLtypeFactory;
+  CLtypeXRef(CBlockXRef& xref, const zim::WString& name, const zim::WString& desc,
+             const CLtypeComplexDashSeq& dashes, long flags);
+
+ private:
+  CBlockXRef& m_xref;
+  mutable zim::WString m_fullName;
+};

@@ -1,0 +1,183 @@
+#pragma once
+
+#include <cstddef>
+#include <list>
+
+#include "vek0core/export.h"
+#include "vek0core/geometry/rect.h"
+#include "vek0core/tables/handle.h"
+
+class CBlock;
+class CBlockFactory;
+class CBlockTable;
+class CData;
+class CEntBaseMemento;
+class CEntFactory;
+class CEntInsertBase;
+class CLayer;
+class CLtype;
+class CStyle;
+class IEntDerivedMemento;
+class IEntVisitor;
+
+/// Base of everything that can be drawn: point, line, text, insert and so on.
+///
+/// An entity is made by a `CEntFactory` and then belongs to the caller until a
+/// `CEntTable` or a `CBlock` takes it, and again after it was removed from there.
+/// It knows which of them it is in, so removal costs no search.
+///
+/// Layer, linetype and text style are shared items that count their users. The
+/// counts are taken by `addTbls`, which tables call, not by the constructor; they
+/// say "probably used" and are never a reason to delete anything. Every one of
+/// these pointers may be null; nobody is counted then.
+///
+/// Kinds are told apart by `getType` and by visitors, not by run-time type
+/// information. Coordinates are drawing units, angles radians.
+class VEK0_API CEnt : public IHandleEnt {
+ public:
+  /// Calls the visitor's overload for this object's own class.
+  virtual void accept(IEntVisitor& visitor) = 0;
+
+  /// Releases nothing but the object: references are given back by `removeTbls`.
+  ~CEnt() override;
+
+  /// Registers the entity: reserves its handle, then counts it on its layer and
+  /// its linetype. Kinds with further parts register those too.
+  virtual void addTbls(IHandleGestor& gestor) const;
+
+  /// The inverse of `addTbls`.
+  virtual void removeTbls(IHandleGestor& gestor) const;
+
+  /// Restores the state peculiar to the kind. `memento` must come from the same
+  /// kind of entity; null changes nothing. `data` is the drawing it is in.
+  virtual void setMemento(CData& data, const IEntDerivedMemento* memento) = 0;
+
+  /// Text style; null for every kind that is not a text.
+  virtual CStyle* getStyle() const;
+
+  /// Extents on a display where one pixel measures `pixelSize` drawing units.
+  /// Only inserts of fixed pixel size depend on that size.
+  virtual void GetBdry(double pixelSize, RECT_3D& box) const;
+
+  /// Replaces the text style, for kinds that have one; the others ignore it.
+  virtual void setStyle(CStyle* style);
+
+  /// This entity as an insert (a hatch is one too), or null.
+  virtual CEntInsertBase* getEntInsert();
+  virtual const CEntInsertBase* getEntInsert() const;  ///< likewise
+
+  /// Kind: 1 point, 2 line, 3 circle, 4 arc, 5 polyline, 6 text, 7 attribute
+  /// definition, 8 insert (of an external reference too), 9 attribute, 10 hatch,
+  /// 11 3D face, 12 insert of fixed pixel size.
+  virtual short getType() const = 0;
+
+  /// Recomputes the cached extents from the geometry.
+  virtual void calcBdry() = 0;
+
+  /// Snapshot of the state peculiar to the kind. The caller owns it; null when
+  /// there is no memory.
+  virtual IEntDerivedMemento* createDerivedMemento() const = 0;
+
+  CLayer* getLayer() const { return m_layer; }
+  CLtype* getLtype() const { return m_ltype; }
+  /// Colour number: 0 is BYBLOCK, 256 BYLAYER.
+  short getColor() const { return m_color; }
+  long getUserType() const { return m_userType; }
+  long getUserData() const { return m_userData; }
+
+  /// Cached extents; the empty region for an entity that shows nothing. Kinds that
+  /// put the work off compute them here, so the first call after a change may cost
+  /// a pass over the geometry.
+  const RECT_3D& getBdry() const {
+    if (m_bdryDirty) refreshBdry();
+    return m_bdry;
+  }
+
+  /// Whether it is selected in the table that it is in.
+  bool isSelected() const { return m_selected; }
+
+  /// Moves the count from the present item to the new one, whether or not the
+  /// entity is registered: setting an unregistered entity's layer leaves the counts
+  /// off by one. The setters of linetype and style do the same.
+  void setLayer(CLayer* layer);
+  void setLtype(CLtype* ltype);  ///< see `setLayer`
+  void setColor(short color) { m_color = color; }
+  void setUserType(long type) { m_userType = type; }
+  void setUserData(long data) { m_userData = data; }
+  /// Both of the host's free words at once.
+  void setUserInfo(long type, long data);
+
+  /// Translates the cached extents without looking at the geometry. An empty box
+  /// stays empty, and one that awaits its computation goes on waiting.
+  void moveBdry(const PNT_3D& delta);
+
+  /// Snapshot of layer, linetype and colour. The caller owns it; null when there
+  /// is no memory.
+  CEntBaseMemento* createBaseMemento() const;
+
+  /// Restores layer, linetype and colour and moves the counts as `setLayer` does.
+  void setMemento(const CEntBaseMemento* memento);
+
+  /// Whether the entity is in the state that the memento holds.
+  bool operator==(const CEntBaseMemento& memento) const;
+  bool operator!=(const CEntBaseMemento& memento) const;
+  bool operator==(const IEntDerivedMemento& memento) const;
+  bool operator!=(const IEntDerivedMemento& memento) const;
+
+  CEnt(const CEnt&) = delete;
+  CEnt& operator=(const CEnt&) = delete;
+
+ protected:
+  friend class CEntFactory;
+  friend class CEntTable;
+  friend class CBlock;
+
+  /// Place in a list of entities; what the tables keep in each of their entities.
+  using Node = std::list<CEnt*>::iterator;
+
+  CEnt(long handle, CLayer* layer, CLtype* ltype, short color);
+
+  /// Copies the extents, layer, linetype, colour and user words. The copy is in no
+  /// table, is not selected, and counts nowhere.
+  CEnt(const CEnt& src, long handle);
+
+  /// New heap copy with the given handle; the caller owns it, null when there is no
+  /// memory. The factories and the table are for kinds that own parts.
+  virtual CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
+                      CBlockTable& blockTable, long handle) const = 0;
+
+  /// Stores freshly computed extents; every `calcBdry` ends with it.
+  void setBdry(const RECT_3D& box) {
+    m_bdry = box;
+    m_bdryDirty = false;
+  }
+
+  /// Puts the computation of the extents off until somebody asks for them.
+  void dirtyBdry() { m_bdryDirty = true; }
+  bool isBdryDirty() const { return m_bdryDirty; }
+
+  /// Node in the owning table's selection list; meaningful only while selected.
+  Node getSelectStatus() const { return m_selectStatus; }
+  void setSelectStatus(Node node);
+  /// Forgets the selection without touching any list.
+  void unselect() { m_selected = false; }
+
+ private:
+  void refreshBdry() const;
+
+  RECT_3D m_bdry;
+  Node m_selectStatus;
+  CLayer* m_layer;
+  CLtype* m_ltype;
+  long m_userType = 0;
+  long m_userData = 0;
+  short m_color;
+  bool m_bdryDirty = false;
+  bool m_selected = false;
+
+  // A drawing has millions of entities and removing one may not search: each knows
+  // the table or block that owns it and its place there.
+  const void* m_owner = nullptr;  // CEntTable or CBlock, null while the caller owns it
+  Node m_node;                    // in a table: its list node
+  std::size_t m_pos = 0;  // in a block: its index; in a table: its rank in order of addition
+};

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <array>
+
+#include "vek0core/entities/ent.h"
+#include "vek0core/entities/entmemento.h"
+#include "vek0core/export.h"
+#include "vek0core/geometry/line.h"
+#include "vek0core/geometry/pnt.h"
+
+/// 3D face entity: four corners and a word of flags.
+///
+/// Bits 0 to 3 of the flags make an edge invisible: edge i runs from corner i to
+/// corner i + 1, edge 3 back to corner 0. Bit 7 says that the face is a triangle,
+/// that is, corner 3 equals corner 2 exactly; the setters of those corners keep it
+/// true. Other bits are kept as the constructor got them and mean nothing here.
+///
+/// A corner index outside 0 to 3 is a caller's mistake: it is asserted, and the
+/// nearest corner stands in.
+class VEK0_API CEnt3DFace : public CEnt {
+ public:
+  static constexpr short kType = 11;  ///< what `getType` answers
+
+  void accept(IEntVisitor& visitor) override;
+  using CEnt::setMemento;
+  void setMemento(CData& data, const IEntDerivedMemento* memento) override;
+  short getType() const override { return kType; }
+  void calcBdry() override;
+  IEntDerivedMemento* createDerivedMemento() const override;
+
+  const PNT_3D& getVertex(long i) const;
+  /// Writing through it refreshes neither the extents nor the triangle bit.
+  PNT_3D& getVertex(long i);
+  /// The two ends of edge `i`.
+  void getPoints(long i, PNT_3D& a, PNT_3D& b) const;
+  void getLine(long i, LINE_3D& edge) const;  ///< likewise
+
+  void setVertex(long i, const PNT_3D& pnt);
+  void setVertexes(const PNT_3D& p0, const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3);
+  void setVertexes(const PNT_3D* pnts);  ///< an array of four
+
+  /// The bits of the invisible edges alone, 0 to 15.
+  long getFlags() const { return m_flags & kEdgeBits; }
+  /// Replaces the edge bits, keeps the triangle bit, and clears all others.
+  void setFlags(long flags);
+  /// Whether edge `i` is drawn. An index that names no bit is always visible.
+  bool isEdgeVisib(long i) const;
+  /// An index that names no bit changes nothing.
+  void setEdgeVisib(long i, bool visible);
+
+  bool isTriangular() const { return (m_flags & kTriangleBit) != 0; }
+  /// Makes the face a triangle by moving corner 3 onto corner 2. The extents stay
+  /// as they are, so they are too large when corner 3 alone reached outside.
+  void setTriangular();
+
+ protected:
+  friend class CEntFactory;
+  friend class CEnt3DFaceMemento;
+  CEnt3DFace(long handle, CLayer* layer, CLtype* ltype, short color, const PNT_3D& p0,
+             const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3, long flags);
+  CEnt3DFace(const CEnt3DFace& src, long handle);
+
+  CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
+              CBlockTable& blockTable, long handle) const override;
+
+ private:
+  static constexpr long kEdgeBits = 15;
+  static constexpr long kTriangleBit = 128;
+
+  void setTriangFlag();
+
+  std::array<PNT_3D, 4> m_vertexes;
+  long m_flags;
+};
+
+/// Undo snapshot of a 3D face: its corners and the whole word of flags.
+class VEK0_API CEnt3DFaceMemento final : public IEntDerivedMemento {
+ public:
+  explicit CEnt3DFaceMemento(const CEnt3DFace& face);
+
+  bool operator==(const CEnt& ent) const override;
+  std::size_t size() const override { return sizeof *this; }
+
+ private:
+  friend class CEnt3DFace;
+  std::array<PNT_3D, 4> m_vertexes;
+  long m_flags;
+};

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "vek0core/entities/ent.h"
+#include "vek0core/entities/entmemento.h"
+#include "vek0core/export.h"
+#include "vek0core/geometry/arc.h"
+
+/// Arc entity: a part of a circle in a plane z = constant, counter-clockwise from
+/// its start angle to its end angle, in radians.
+///
+/// Invariant: the cached extents are those of the arc after every setter. Writing
+/// through the reference from `getArc()` breaks that on purpose (the transform
+/// visitors change fields, then refresh once); whoever does it calls `calcBdry()`.
+class VEK0_API CEntArc : public CEnt {
+ public:
+  static constexpr short kType = 4;  ///< what `getType` answers
+
+  void accept(IEntVisitor& visitor) override;
+  using CEnt::setMemento;
+  void setMemento(CData& data, const IEntDerivedMemento* memento) override;
+  short getType() const override { return kType; }
+  void calcBdry() override;
+  IEntDerivedMemento* createDerivedMemento() const override;
+
+  const ARC_3D& getArc() const { return m_arc; }
+  ARC_3D& getArc() { return m_arc; }  ///< see the class about the extents
+  void getArc(double& cx, double& cy, double& cz, double& radius, double& startAngle,
+              double& endAngle) const;
+
+  /// Stores the arc unchanged, angles included: unlike the other form this one
+  /// trusts its caller to mean the angles it passes.
+  void setArc(const ARC_3D& arc);
+  /// Brings both angles into [0, 2*pi) before it stores them.
+  void setArc(double cx, double cy, double cz, double radius, double startAngle, double endAngle);
+
+ protected:
+  friend class CEntFactory;
+  CEntArc(long handle, CLayer* layer, CLtype* ltype, short color, const ARC_3D& arc);
+  CEntArc(const CEntArc& src, long handle);
+
+  CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
+              CBlockTable& blockTable, long handle) const override;
+
+ private:
+  ARC_3D m_arc;
+};
+
+/// Undo snapshot of an arc entity.
+class CEntArcMemento final : public vek0::detail::ValueMemento<CEntArc, ARC_3D, &CEntArc::getArc> {
+ public:
+  using ValueMemento::ValueMemento;
+};

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstddef>
+
+#include "vek0core/entities/enttext.h"
+#include "vek0core/export.h"
+#include "zim0lang/wstring.h"
+
+/// Attribute definition: the text in a block from which the inserts of that block get
+/// their attributes. What it displays is its tag.
+///
+/// It never counts for a block's extents, except in `CBlock::calcBdry`.
+class VEK0_API CEntAttdef : public CEntText {
+ public:
+  static constexpr short kType = 7;  ///< what `getType` answers
+
+  void accept(IEntVisitor& visitor) override;
+  using CEnt::setMemento;
+  void setMemento(CData& data, const IEntDerivedMemento* memento) override;
+  short getType() const override { return kType; }
+  IEntDerivedMemento* createDerivedMemento() const override;
+
+  const zim::WString& getTag() const { return getString(); }
+  void setTag(const zim::WString& tag) { setString(tag); }
+
+  /// What an insert is offered as the attribute's value; changes no extents.
+  const zim::WString& getValue() const { return m_value; }
+  void setValue(const zim::WString& value) { m_value = value; }
+
+  /// What the user is asked when inserting; changes no extents.
+  const zim::WString& getPrompt() const { return m_prompt; }
+  void setPrompt(const zim::WString& prompt) { m_prompt = prompt; }
+
+  /// A word of bits that is kept and handed on, never interpreted.
+  long getFlags() const { return m_flags; }
+  void setFlags(long flags) { m_flags = flags; }
+
+ protected:
+  friend class CEntFactory;
+  /// The string of `text` is the tag.
+  CEntAttdef(long handle, CLayer* layer, CLtype* ltype, short color, const TEXT_3D& text,
+             const zim::WString& value, const zim::WString& prompt, long flags);
+  CEntAttdef(const CEntAttdef& src, long handle);
+
+  CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
+              CBlockTable& blockTable, long handle) const override;
+
+ private:
+  zim::WString m_value;
+  zim::WString m_prompt;
+  long m_flags;
+};
+
+/// Undo snapshot of an attribute definition.
+class VEK0_API CEntAttdefMemento final : public CEntTextMemento {
+ public:
+  explicit CEntAttdefMemento(const CEntAttdef& ent);
+
+  bool operator==(const CEnt& ent) const override;
+  std::size_t size() const override { return sizeof *this; }
+
+ private:
+  friend class CEntAttdef;
+
+  zim::WString m_value;
+  zim::WString m_prompt;
+  long m_flags;
+};

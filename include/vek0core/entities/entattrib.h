@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstddef>
+
+#include "vek0core/entities/enttext.h"
+#include "vek0core/export.h"
+#include "zim0lang/wstring.h"
+
+class CEntAttdef;
+
+/// Attribute: a text that belongs to one insert and fills in one of its block's
+/// attribute definitions. What it displays is its value.
+///
+/// Its text stands in the coordinates of the block and is shown through the insert's
+/// first cell; `transform_attrib_logic_2_phisic` gives it in drawing coordinates.
+class VEK0_API CEntAttrib : public CEntText {
+ public:
+  static constexpr short kType = 9;  ///< what `getType` answers
+
+  void accept(IEntVisitor& visitor) override;
+  using CEnt::setMemento;
+  void setMemento(CData& data, const IEntDerivedMemento* memento) override;
+  short getType() const override { return kType; }
+  IEntDerivedMemento* createDerivedMemento() const override;
+
+  const zim::WString& getValue() const { return getString(); }
+  void setValue(const zim::WString& value) { setString(value); }
+
+  /// Name of the definition that it fills in; changes no extents.
+  const zim::WString& getTag() const { return m_tag; }
+  void setTag(const zim::WString& tag) { m_tag = tag; }
+
+  /// A word of bits that is kept and handed on, never interpreted.
+  long getFlags() const { return m_flags; }
+  void setFlags(long flags) { m_flags = flags; }
+
+ protected:
+  friend class CEntFactory;
+  /// The string of `text` is the value.
+  CEntAttrib(long handle, CLayer* layer, CLtype* ltype, short color, const TEXT_3D& text,
+             const zim::WString& tag, long flags);
+  /// Everything but the value from a definition, whose default value and prompt are
+  /// not carried over; later changes of the definition do not reach the attribute.
+  CEntAttrib(const zim::WString& value, const CEntAttdef& def, long handle);
+  CEntAttrib(const CEntAttrib& src, long handle);
+
+  CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
+              CBlockTable& blockTable, long handle) const override;
+
+ private:
+  zim::WString m_tag;
+  long m_flags;
+};
+
+/// Undo snapshot of an attribute.
+class VEK0_API CEntAttribMemento final : public CEntTextMemento {
+ public:
+  explicit CEntAttribMemento(const CEntAttrib& ent);
+
+  bool operator==(const CEnt& ent) const override;
+  std::size_t size() const override { return sizeof *this; }
+
+  const zim::WString& getTag() const { return m_tag; }
+  long getFlags() const { return m_flags; }
+
+ private:
+  zim::WString m_tag;
+  long m_flags;
+};

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "vek0core/entities/ent.h"
+#include "vek0core/entities/entmemento.h"
+#include "vek0core/export.h"
+#include "vek0core/geometry/circle.h"
+
+/// Circle entity: a circle in a plane z = constant.
+///
+/// Invariant: the cached extents are those of the circle after every setter.
+/// Writing through the reference from `getCircle()` breaks that on purpose (the
+/// transform visitors change fields, then refresh once); whoever does it calls
+/// `calcBdry()`.
+class VEK0_API CEntCircle : public CEnt {
+ public:
+  static constexpr short kType = 3;  ///< what `getType` answers
+
+  void accept(IEntVisitor& visitor) override;
+  using CEnt::setMemento;
+  void setMemento(CData& data, const IEntDerivedMemento* memento) override;
+  short getType() const override { return kType; }
+  void calcBdry() override;
+  IEntDerivedMemento* createDerivedMemento() const override;
+
+  const CIRCLE_3D& getCircle() const { return m_circle; }
+  CIRCLE_3D& getCircle() { return m_circle; }  ///< see the class about the extents
+  void getCircle(double& cx, double& cy, double& cz, double& radius) const;
+
+  /// A radius of zero or less is kept: files contain both, and a drawing loses
+  /// nothing that it was given.
+  void setCircle(const CIRCLE_3D& circle);
+  void setCircle(double cx, double cy, double cz, double radius);  ///< likewise
+
+ protected:
+  friend class CEntFactory;
+  CEntCircle(long handle, CLayer* layer, CLtype* ltype, short color, const CIRCLE_3D& circle);
+  CEntCircle(const CEntCircle& src, long handle);
+
+  CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
+              CBlockTable& blockTable, long handle) const override;
+
+ private:
+  CIRCLE_3D m_circle;
+};
+
+/// Undo snapshot of a circle entity.
+class CEntCircleMemento final
+    : public vek0::detail::ValueMemento<CEntCircle, CIRCLE_3D, &CEntCircle::getCircle> {
+ public:
+  using ValueMemento::ValueMemento;
+};

@@ -1,0 +1,280 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "vek0core/entities/ent.h"
+#include "vek0core/entities/entattrib.h"
+#include "vek0core/entities/entmemento.h"
+#include "vek0core/export.h"
+#include "vek0core/geometry/pnt.h"
+
+class CBlockXRef;
+class CBlockXRefDepend;
+
+namespace vek0::detail {
+class AttribsMemento;
+}
+
+/// Base of everything that shows a block: inserts and hatches.
+///
+/// The block is borrowed, may be null, and counts its inserts as layers count their
+/// entities. The attributes are owned. While the insert is registered (`addTbls`) so
+/// are its attributes, later ones included.
+///
+/// Extents are computed when they are asked for, so that the block may be filled
+/// later; when its content changes after that, `calcBdry()` brings them up to date
+/// (tables of entities and blocks call it for their inserts). They cover all cells of
+/// the array and the attributes. An insert of an empty block, or one whose extents
+/// are not finite, has empty extents.
+class VEK0_API CEntInsertBase : public CEnt {
+ public:
+  ~CEntInsertBase() override;
+  /// Registers the attributes and counts the insert on its block too.
+  void addTbls(IHandleGestor& gestor) const override;
+  void removeTbls(IHandleGestor& gestor) const override;
+  CEntInsertBase* getEntInsert() override { return this; }
+  const CEntInsertBase* getEntInsert() const override { return this; }
+  void calcBdry() override;
+
+  /// Appends an attribute, which the insert then owns. Null is ignored.
+  virtual void add(CEntAttrib* attrib);
+  virtual unsigned GetNoAttribs() const;
+  /// Attribute `i` in order of addition; null for an index outside.
+  virtual CEntAttrib* GetAttrib(unsigned i) const;
+
+  /// Rotation in radians, counter-clockwise.
+  virtual double getRotate() const = 0;
+  /// Insertion point, scales and rotation on a display where one pixel measures
+  /// `pixelSize` drawing units; only inserts of fixed pixel size depend on it.
+  virtual void getInsertParams(double pixelSize, PNT_3D& point, double& sx, double& sy, double& sz,
+                               double& rotation) const = 0;
+  /// Array of copies: columns run along the insert's x axis, rows along y; spacings
+  /// are drawing units and not scaled. Here: a single cell without spacings.
+  virtual void getArray(long& columns, long& rows, double& columnSpacing,
+                        double& rowSpacing) const;
+  /// Whether the x and y scales are exactly equal. Here: yes.
+  virtual bool IsIsotropicXY() const { return true; }
+
+  CBlock* getBlock() const { return m_block; }
+  /// Shows another block. The count moves from the present block to the new one,
+  /// whether or not the insert is registered; the owning block's place in the block
+  /// graph is refreshed by `CBlockTable::updateBlock`.
+  void setBlock(CBlock* block);
+
+ protected:
+  friend class vek0::detail::AttribsMemento;
+
+  CEntInsertBase(long handle, CLayer* layer, CLtype* ltype, short color, CBlock* block);
+  /// A copy whose attributes are made by the factory.
+  CEntInsertBase(IHandleGestor& gestor, CEntFactory& factory, const CEntInsertBase& src,
+                 long handle);
+
+  /// Computes the extents for that pixel size.
+  void DoCalcBdry(double pixelSize, RECT_3D& box) const;
+
+ private:
+  CBlock* m_block;
+  std::vector<std::unique_ptr<CEntAttrib>> m_attribs;
+  mutable IHandleGestor* m_gestor = nullptr;  // set while registered
+};
+
+/// Insert of a block at a point, with scales, a rotation and an array of copies.
+///
+/// Angles are radians; a rotation is kept as it is given. Counts below 1 are kept and
+/// act as 1.
+class VEK0_API CEntInsert : public CEntInsertBase {
+ public:
+  static constexpr short kType = 8;  ///< what `getType` answers
+
+  void accept(IEntVisitor& visitor) override;
+  using CEnt::setMemento;
+  /// Restores placement, block and attributes. With the attribute count of the
+  /// memento the present attributes are kept and reset by position; otherwise those
+  /// that the memento names are reused, missing ones are made, others are deleted.
+  void setMemento(CData& data, const IEntDerivedMemento* memento) override;
+  short getType() const override { return kType; }
+  IEntDerivedMemento* createDerivedMemento() const override;
+
+  double getRotate() const override { return m_rotation; }
+  /// The stored values, whatever the pixel size.
+  void getInsertParams(double pixelSize, PNT_3D& point, double& sx, double& sy, double& sz,
+                       double& rotation) const override;
+  void getArray(long& columns, long& rows, double& columnSpacing,
+                double& rowSpacing) const override;
+  bool IsIsotropicXY() const override { return m_sx == m_sy; }
+
+  const PNT_3D& getPnt() const { return m_pnt; }
+  void setPnt(const PNT_3D& pnt);
+  void getScale(double& sx, double& sy, double& sz) const;
+  void setScale(double sx, double sy, double sz);
+  void setRotate(double rotation);
+  void setArray(long columns, long rows, double columnSpacing, double rowSpacing);
+  void setInsert(const PNT_3D& pnt, double sx, double sy, double sz, double rotation);
+
+ protected:
+  friend class CEntFactory;
+  friend class CEntInsertMemento;
+  CEntInsert(long handle, CLayer* layer, CLtype* ltype, short color, CBlock* block,
+             const PNT_3D& pnt, double sx, double sy, double sz, double rotation, long columns,
+             long rows, double columnSpacing, double rowSpacing);
+  CEntInsert(IHandleGestor& gestor, CEntFactory& factory, const CEntInsert& src, long handle);
+
+  CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
+              CBlockTable& blockTable, long handle) const override;
+
+ private:
+  PNT_3D m_pnt;
+  double m_sx, m_sy, m_sz;
+  double m_rotation;
+  double m_columnSpacing, m_rowSpacing;
+  long m_columns, m_rows;
+};
+
+/// Insert whose block covers a fixed number of pixels on any display.
+///
+/// Its scale is pixels / reference size * size of a pixel, on all axes; a reference
+/// size of 0 gives the scale 0. What it covers in the drawing depends on the display,
+/// so its cached extents are the insertion point alone and `GetBdry` tells the rest.
+class VEK0_API CEntFixedInsert : public CEntInsertBase {
+ public:
+  static constexpr short kType = 12;  ///< what `getType` answers
+
+  void accept(IEntVisitor& visitor) override;
+  using CEnt::setMemento;
+  /// As `CEntInsert::setMemento`.
+  void setMemento(CData& data, const IEntDerivedMemento* memento) override;
+  void GetBdry(double pixelSize, RECT_3D& box) const override;
+  short getType() const override { return kType; }
+  void calcBdry() override;
+  IEntDerivedMemento* createDerivedMemento() const override;
+
+  double getRotate() const override { return m_rotation; }
+  void getInsertParams(double pixelSize, PNT_3D& point, double& sx, double& sy, double& sz,
+                       double& rotation) const override;
+
+  /// Size in drawing units of the block that `GetNoPixel` pixels show.
+  double GetDefArea() const { return m_refSize; }
+  double GetNoPixel() const { return m_pixels; }
+  void setNoPixel(double pixels) { m_pixels = pixels; }
+
+  const PNT_3D& getPnt() const { return m_pnt; }
+  void setPnt(const PNT_3D& pnt);
+  void setRotate(double rotation) { m_rotation = rotation; }
+  void setInsert(const PNT_3D& pnt, double pixels, double rotation);
+
+ protected:
+  friend class CEntFactory;
+  friend class CEntFixedInsertMemento;
+  CEntFixedInsert(long handle, CLayer* layer, CLtype* ltype, short color, CBlock* block,
+                  const PNT_3D& pnt, double refSize, double pixels, double rotation);
+  CEntFixedInsert(IHandleGestor& gestor, CEntFactory& factory, const CEntFixedInsert& src,
+                  long handle);
+
+  CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
+              CBlockTable& blockTable, long handle) const override;
+
+ private:
+  PNT_3D m_pnt;
+  double m_refSize, m_pixels;
+  double m_rotation;
+};
+
+/// Insert of an external reference. While it is registered, the drawing's record of
+/// the external references in use counts it.
+class VEK0_API CEntInsertXRef : public CEntInsert {
+ public:
+  void accept(IEntVisitor& visitor) override;
+  void addTbls(IHandleGestor& gestor) const override;
+  void removeTbls(IHandleGestor& gestor) const override;
+
+  /// The inserted reference; null when the block was replaced by an ordinary one.
+  CBlockXRef* getXRef() const;
+
+ protected:
+  friend class CEntFactory;
+  /// `depend` must outlive the insert.
+  CEntInsertXRef(long handle, CLayer* layer, CLtype* ltype, short color, CBlockXRefDepend& depend,
+                 CBlockXRef* xref, const PNT_3D& pnt, double sx, double sy, double sz,
+                 double rotation, long columns, long rows, double columnSpacing,
+                 double rowSpacing);
+  CEntInsertXRef(IHandleGestor& gestor, CEntFactory& factory, const CEntInsertXRef& src,
+                 long handle);
+
+  CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
+              CBlockTable& blockTable, long handle) const override;
+
+ private:
+  CBlockXRefDepend& m_depend;
+};
+
+namespace vek0::detail {
+
+/// Snapshot of an insert's block and attributes: for every attribute the object, its
+/// layer, linetype and colour, and its memento. The objects are only compared by
+/// address, so they may be deleted meanwhile.
+class AttribsMemento {
+ public:
+  explicit AttribsMemento(const CEntInsertBase& insert);
+
+  bool matches(const CEntInsertBase& insert) const;
+  /// See `CEntInsert::setMemento`.
+  void restore(CData& data, CEntInsertBase& insert) const;
+  /// Bytes beyond the object's own.
+  std::size_t heapSize() const { return m_attribs.size() * sizeof(Entry); }
+
+ private:
+  struct Entry {
+    CEntAttrib* attrib;
+    CLayer* layer;
+    CLtype* ltype;
+    short color;
+    CEntAttribMemento state;
+  };
+
+  static void reset(CData& data, CEntAttrib& attrib, const Entry& entry);
+  static std::unique_ptr<CEntAttrib> remake(CData& data, const Entry& entry);
+  void replaceAll(CData& data, CEntInsertBase& insert) const;
+
+  CBlock* m_block;
+  std::vector<Entry> m_attribs;
+};
+
+}  // namespace vek0::detail
+
+/// Undo snapshot of an insert: placement, array, block and attributes.
+class VEK0_API CEntInsertMemento final : public IEntDerivedMemento {
+ public:
+  explicit CEntInsertMemento(const CEntInsert& ent);
+
+  bool operator==(const CEnt& ent) const override;
+  std::size_t size() const override { return sizeof *this + m_attribs.heapSize(); }
+
+ private:
+  friend class CEntInsert;
+
+  vek0::detail::AttribsMemento m_attribs;
+  PNT_3D m_pnt;
+  double m_sx, m_sy, m_sz;
+  double m_rotation;
+  double m_columnSpacing, m_rowSpacing;
+  long m_columns, m_rows;
+};
+
+/// Undo snapshot of an insert of fixed pixel size, likewise.
+class VEK0_API CEntFixedInsertMemento final : public IEntDerivedMemento {
+ public:
+  explicit CEntFixedInsertMemento(const CEntFixedInsert& ent);
+
+  bool operator==(const CEnt& ent) const override;
+  std::size_t size() const override { return sizeof *this + m_attribs.heapSize(); }
+
+ private:
+  friend class CEntFixedInsert;
+
+  vek0::detail::AttribsMemento m_attribs;
+  PNT_3D m_pnt;
+  double m_refSize, m_pixels;
+  double m_rotation;
+};

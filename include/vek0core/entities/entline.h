@@ -1,0 +1,50 @@
+#pragma once
+
+#include "vek0core/entities/ent.h"
+#include "vek0core/entities/entmemento.h"
+#include "vek0core/export.h"
+#include "vek0core/geometry/line.h"
+
+/// Line entity: a segment in space. A segment of length 0 is legal and kept.
+///
+/// Invariant: the cached extents are those of the segment after every setter.
+/// Writing through the reference from `getLine()` breaks that on purpose (the
+/// transform visitors change fields, then refresh once); whoever does it calls
+/// `calcBdry()`.
+class VEK0_API CEntLine : public CEnt {
+ public:
+  static constexpr short kType = 2;  ///< what `getType` answers
+
+  void accept(IEntVisitor& visitor) override;
+  using CEnt::setMemento;
+  void setMemento(CData& data, const IEntDerivedMemento* memento) override;
+  short getType() const override { return kType; }
+  void calcBdry() override;
+  IEntDerivedMemento* createDerivedMemento() const override;
+
+  const LINE_3D& getLine() const { return m_line; }
+  LINE_3D& getLine() { return m_line; }  ///< see the class about the extents
+  void getLine(double& x1, double& y1, double& z1, double& x2, double& y2, double& z2) const;
+
+  void setLine(const LINE_3D& line);
+  /// Start point, then end point.
+  void setLine(double x1, double y1, double z1, double x2, double y2, double z2);
+
+ protected:
+  friend class CEntFactory;
+  CEntLine(long handle, CLayer* layer, CLtype* ltype, short color, const LINE_3D& line);
+  CEntLine(const CEntLine& src, long handle);
+
+  CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
+              CBlockTable& blockTable, long handle) const override;
+
+ private:
+  LINE_3D m_line;
+};
+
+/// Undo snapshot of a line entity.
+class CEntLineMemento final
+    : public vek0::detail::ValueMemento<CEntLine, LINE_3D, &CEntLine::getLine> {
+ public:
+  using ValueMemento::ValueMemento;
+};

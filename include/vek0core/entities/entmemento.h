@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstddef>
+
+#include "vek0core/entities/ent.h"
+#include "vek0core/export.h"
+
+/// Undo snapshot of what all kinds share: layer, linetype and colour.
+///
+/// Made by `CEnt::createBaseMemento`, applied by `CEnt::setMemento`; the caller owns
+/// it. It counts on nothing: the items it names must outlive it.
+class VEK0_API CEntBaseMemento {
+ public:
+  virtual ~CEntBaseMemento();
+
+  /// Whether the entity has the same layer and linetype objects and the same colour.
+  bool operator==(const CEnt& ent) const;
+  bool operator!=(const CEnt& ent) const;
+
+ private:
+  friend class CEnt;
+  CEntBaseMemento(CLayer* layer, CLtype* ltype, short color);
+
+  CLayer* m_layer;
+  CLtype* m_ltype;
+  short m_color;
+};
+
+/// Undo snapshot of what is peculiar to one kind, one class a kind.
+///
+/// Made by `CEnt::createDerivedMemento`, applied by `CEnt::setMemento` of the same
+/// kind of entity; the caller owns it. Immutable. Layers, styles, blocks and
+/// vertices that it names are not counted and must outlive it.
+class VEK0_API IEntDerivedMemento {
+ public:
+  virtual ~IEntDerivedMemento();
+
+  /// Whether the entity is of this kind and in the state held here.
+  virtual bool operator==(const CEnt& ent) const = 0;
+  virtual bool operator!=(const CEnt& ent) const;
+
+  /// Memento that this one could be merged into; no kind offers one, so null.
+  virtual IEntDerivedMemento* fitMemento(const CEnt& ent);
+
+  /// Memory that it takes in bytes, for a host that limits its undo store.
+  virtual std::size_t size() const = 0;
+};
+
+namespace vek0::detail {
+
+/// Memento of a kind whose whole state is one geometric value that `Get` reads.
+template <class Kind, class Value, const Value& (Kind::*Get)() const>
+class ValueMemento : public IEntDerivedMemento {
+ public:
+  explicit ValueMemento(const Value& value) : m_value(value) {}
+
+  bool operator==(const CEnt& ent) const override {
+    return ent.getType() == Kind::kType && (static_cast<const Kind&>(ent).*Get)() == m_value;
+  }
+  std::size_t size() const override { return sizeof *this; }
+
+  const Value& value() const { return m_value; }
+
+ private:
+  Value m_value;
+};
+
+}  // namespace vek0::detail

@@ -1,0 +1,306 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "vek0core/entities/bulgedchain.h"
+#include "vek0core/entities/ent.h"
+#include "vek0core/entities/entmemento.h"
+#include "vek0core/entities/vertex.h"
+#include "vek0core/export.h"
+#include "vek0core/geometry/line.h"
+#include "vek0core/geometry/pnt.h"
+
+class CEntLine;
+
+/// Polyline entity: a chain of vertices with widths, open or closed, optionally
+/// with a curve generated from control points.
+///
+/// A curve holds two runs of vertices in one list: the control points that the user
+/// placed, then the visible vertices generated from them. A plain polyline has only
+/// visible ones. Vertex indices count through both runs.
+///
+/// Flags: bit 0 closed; bits 1 to 3 (mask 14) the curve: 0 plain, 2 arcs fitted
+/// through the control points, 4 B-spline, 8 Bezier; bit 7 the linetype pattern runs
+/// on along the whole polyline instead of starting anew at each vertex. The degree
+/// is that of the curve, 0 for a plain polyline.
+///
+/// Arcs: a vertex has no bulge. What files give with bulges stands for the chain of
+/// chords along its arcs (see `vek0::detail::BulgedChain`), and every index, count
+/// and point of this interface speaks of that chain. The polyline keeps it packed
+/// until somebody asks for a `CVertex` or edits one among arcs; it is then unpacked
+/// into plain `CVertex` objects, and the arcs are remembered beside them until one of
+/// their vertices is edited. Whether it is packed can be told from no answer.
+///
+/// Extents are computed when they are asked for. Writing one vertex does not refresh
+/// them; whoever does it calls `calcBdry()` or `moveBdry()` afterwards.
+///
+/// Invariant: 0 <= first visible <= number of vertices, and 0 for a plain polyline.
+/// The polyline owns its vertices.
+class VEK0_API CEntPolyline : public CEnt {
+ public:
+  static constexpr short kType = 5;  ///< what `getType` answers
+
+  static constexpr short kClosed = 1;      ///< bit of the flags, see the class
+  static constexpr short kCurveBits = 14;  ///< bits of the flags, see the class
+  static constexpr short kFit = 2;         ///< curve: arcs through the control points
+  static constexpr short kSpline = 4;      ///< curve: B-spline
+  static constexpr short kBezier = 8;      ///< curve: piecewise Bezier
+  static constexpr short kLtGen = 128;     ///< bit of the flags, see the class
+
+  /// What the iterations hand over: point, start and end width of the segment that
+  /// begins there, its bulge, the vertex's handle (0 for generated vertices).
+  using VertexSink = std::function<void(const PNT_3D& pnt, double widthStart, double widthEnd,
+                                        double bulge, long handle)>;
+
+  ~CEntPolyline() override;
+  void accept(IEntVisitor& visitor) override;
+  /// Registers the vertices as well, last to first. A handle manager that manages
+  /// none (`IHandleGestor::handling`) leaves a packed polyline packed.
+  void addTbls(IHandleGestor& gestor) const override;
+  void removeTbls(IHandleGestor& gestor) const override;
+  using CEnt::setMemento;
+  /// Restores shape and vertices. With the vertex count of the memento the present
+  /// vertex objects are kept and reset by position; otherwise those that the memento
+  /// names are reused, missing ones are made, the others are deleted.
+  void setMemento(CData& data, const IEntDerivedMemento* memento) override;
+  short getType() const override { return kType; }
+  /// Box of the visible vertices, or of the outline when the polyline is wide;
+  /// control points never count.
+  void calcBdry() override;
+  IEntDerivedMemento* createDerivedMemento() const override;
+
+  short getFlags() const { return m_flags; }
+  short getDegree() const { return m_degree; }
+  /// Curve bits of the flags; 0 for a plain polyline.
+  short getCurve() const { return static_cast<short>(m_flags & kCurveBits); }
+  bool isClosed() const { return (m_flags & kClosed) != 0; }
+  bool isCurve() const { return getCurve() != 0; }
+  bool IsLtGen() const { return (m_flags & kLtGen) != 0; }
+  void setLtGen(bool on);
+
+  long getNoTotalVertexes() const;
+  long getFirstCtrlPnt() const { return 0; }
+  /// Number of control points; of all vertices for a plain polyline.
+  long getNoCtrlPnts() const;
+  /// One past the last control point, likewise.
+  long getLastCtrlPnt() const { return getNoCtrlPnts(); }
+  long getFirstVisibleVertex() const { return m_firstVisible; }
+  /// One past the last visible vertex.
+  long getLastVisibleVertex() const { return getNoTotalVertexes(); }
+  long getNoVisibleVertexes() const { return getNoTotalVertexes() - m_firstVisible; }
+  /// Never negative.
+  long getNoVisibleSegments() const;
+  /// Vertex indices of the first visible segment. A closed polyline reports its
+  /// closing segment, last vertex to first visible, before all others; (0, 0)
+  /// without vertices.
+  void getFirstVisibileSegmentIndex(long& from, long& to) const;
+  /// Ends of segment `i`, from vertex i to the next. Below the first visible index it
+  /// is the closing segment, from the last vertex to the first visible one; so it is
+  /// from the last vertex on when closed, and a null segment there when open. Without
+  /// vertices both ends are the origin.
+  void getPoints(long i, PNT_3D& a, PNT_3D& b) const;
+  void getLine(long i, LINE_3D& segment) const;  ///< likewise
+
+  /// Vertex `i`, control points included; unpacks. An index outside is a caller's
+  /// mistake: it is asserted, and the nearest vertex, or one at the origin, answers.
+  const CVertex& GetVertex(int i) const;
+  const CVertex& operator[](int i) const { return GetVertex(i); }
+  /// Its point; does not unpack. An index outside is treated as in `GetVertex`.
+  PNT_3D GetVertexPos(int i) const;
+  /// Writes a vertex without refreshing the extents. An arc that it belongs to
+  /// becomes a chain of chords. An index outside changes nothing.
+  void SetVertexPos(int i, const PNT_3D& pnt);
+  void SetVertexWidth(int i, double widthStart, double widthEnd);  ///< likewise
+  /// Adds `delta` to every vertex, control points included, without refreshing the
+  /// extents; arcs stay arcs, and a packed polyline stays packed.
+  void translate(const PNT_3D& delta);
+
+  /// Whether a visible vertex has a width other than 0; control points do not count.
+  bool isWide() const;
+  /// Whether all vertices, control points included, have one and the same width,
+  /// which is then stored in `width`; otherwise, and without vertices, `width` is 0.
+  bool IsWidthConstant(double& width) const;
+  /// Sets both widths of every vertex, control points included.
+  void setWidth(double width);
+
+  /// Appends a vertex; for a curve, a control point, which the caller follows by
+  /// `regen`. The polyline owns it from then on. The forms with a handle manager
+  /// reserve the vertex's handle first.
+  void addVertex(CVertex& vertex);
+  void addVertex(IHandleGestor& gestor, CVertex& vertex);
+  /// Appends a visible vertex, also to a curve, whose extents then are the caller's.
+  void addVisibleVertex(CVertex& vertex);
+  void addVisibleVertex(IHandleGestor& gestor, CVertex& vertex);
+  /// Inserts before vertex `i`, clamped to the list. The first visible index stays
+  /// as it is: see `insertControl`.
+  void insertVertex(CVertex& vertex, long i);
+  void insertVertex(IHandleGestor& gestor, CVertex& vertex, long i);
+  /// Takes vertex `i` out; the caller owns it. Null for an index outside. The first
+  /// visible index stays, unless the list ends before it: see `removeControl`.
+  CVertex* removeVertex(long i);
+  CVertex* removeVertex(IHandleGestor& gestor, long i);
+  /// Inserts a control point before control point `i` of a curve (clamped to them)
+  /// and regenerates the curve; `handles` as in `regen`. In a plain polyline it is
+  /// `insertVertex`.
+  void insertControl(IHandleGestor& gestor, CEntFactory& factory, CVertex& vertex, long i,
+                     bool handles);
+  /// Takes control point `i` out, which the caller owns, and regenerates the curve.
+  /// Null for an index outside. In a plain polyline it is `removeVertex`.
+  CVertex* removeControl(IHandleGestor& gestor, CEntFactory& factory, long i, bool handles);
+  /// Deletes every vertex; the form with a handle manager releases them first.
+  void clearVertex();
+  void clearVertex(IHandleGestor& gestor);
+
+  /// Appends a vertex as files give it; only for a plain polyline. Bulges belong to
+  /// vertices added this way while no `CVertex` was asked for or added: once there
+  /// are vertex objects, one more is appended and its bulge dropped.
+  void addBulgedVertex(const PNT_3D& pnt, double widthStart, double widthEnd, double bulge,
+                       long handle);
+  /// Replaces all vertices of a plain polyline by `count` such ones, in one
+  /// allocation; does nothing for a curve.
+  void setBulgedVertexes(const BULGED_VERTEX* vertexes, std::size_t count);
+  /// Whether a visible segment is known as an arc.
+  bool hasArcRuns() const;
+  /// Hands over the visible vertices, an arc being its start vertex with its bulge.
+  /// In a closed polyline the last one may bear the bulge of the closing segment.
+  /// Does not unpack.
+  void forEachBulged(const VertexSink& sink) const;
+  /// Hands over the visible vertices, arcs as their chords; bulges are all 0. Does
+  /// not unpack.
+  void forEachVisible(const VertexSink& sink) const;
+
+  /// Sets bit 0, if it is clear, and refreshes the curve (`handles` as in `regen`)
+  /// or the extents.
+  void close(IHandleGestor& gestor, CEntFactory& factory, bool handles);
+  /// Clears bit 0 likewise. An arc that closed the polyline becomes chords.
+  void open(IHandleGestor& gestor, CEntFactory& factory, bool handles);
+  /// Changes the curve to `curveType` (0, 2, 4 or 8) of this degree. Type 0 turns
+  /// the control points into the vertices of a plain polyline and deletes the
+  /// generated ones; any other type turns the vertices of a plain polyline into
+  /// control points. Nothing happens when type and degree stay as they are, or when
+  /// a plain polyline stays plain.
+  void gener(IHandleGestor& gestor, CEntFactory& factory, short curveType, short degree,
+             bool releaseHandles);
+  /// Makes the generated vertices the vertices of a plain polyline and deletes the
+  /// control points, without releasing their handles.
+  void Rectify();
+
+  /// Deletes the visible vertices of a curve and generates them anew from the control
+  /// points: new vertices of handle 0, made by the factory. With `handles`, the old
+  /// ones are released and the new ones reserved. A plain polyline is left alone.
+  void regen(IHandleGestor& gestor, CEntFactory& factory, bool handles);
+  /// Appends the generated vertices; `regen` is this after deleting the old ones.
+  void makeCurve(IHandleGestor& gestor, CEntFactory& factory, bool handles);
+  /// How many chords stand for the curve between two control points from the next
+  /// `regen` on; 8 at first, brought into 2 to 64. Fitted arcs follow the rule of all
+  /// arcs instead.
+  void setCurveChords(int chords);
+  /// Points of the curve that the control points describe, in order. A plain
+  /// polyline gives its vertices.
+  void createPartition(std::vector<PNT_3D>& points) const;
+
+ protected:
+  friend class CEntFactory;
+  friend class CEntPolylineMemento;
+
+  /// No vertices; flags and degree as passed.
+  CEntPolyline(long handle, CLayer* layer, CLtype* ltype, short color, short flags, short degree);
+  /// A copy whose vertices are made by the factory and have handle 0. A packed
+  /// polyline is copied packed.
+  CEntPolyline(IHandleGestor& gestor, CEntFactory& factory, const CEntPolyline& src, long handle);
+  /// Two vertices of width 0 at the ends of the line; plain and open.
+  CEntPolyline(IHandleGestor& gestor, CEntFactory& factory, const CEntLine& src, long handle);
+
+  CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
+              CBlockTable& blockTable, long handle) const override;
+
+  /// Deletes the vertex objects, last to first, and leaves the list as it is.
+  void deleteVertex();
+  /// Deletes the visible vertices, releasing their handles when there is a manager,
+  /// and empties the extents.
+  void deleteVertexVisible(IHandleGestor* gestor);
+
+ private:
+  /// An arc among vertex objects: it starts at vertex `first`, runs through `count`
+  /// generated ones and ends at the next, or at vertex 0 where the list ends. A bulge
+  /// of 0 marks a run that one of its vertices' edits has dropped.
+  struct ArcRun {
+    long first;
+    long count;
+    double bulge;
+    bool operator==(const ArcRun&) const = default;
+  };
+  using MementoEntry = std::pair<CVertex*, CVertexMemento>;
+
+  CEntPolyline(const CEntPolyline& src, long handle);  // all but the vertex objects
+  CEntPolyline(const CEnt& src, long handle);          // the part that all kinds have
+
+  bool isPacked() const { return !m_packed.empty(); }
+  void unpack() const;
+  long listSize() const { return static_cast<long>(m_vertexes.size()); }
+  bool isIndex(long i) const { return i >= 0 && i < getNoTotalVertexes(); }
+  long clampedIndex(long i) const;
+  CVertex& at(long i) const;
+  PNT_3D posAt(long i) const;
+  void forEachListed(const VertexSink& sink) const;
+
+  static std::vector<ArcRun> runsOf(const vek0::detail::BulgedChain& chain);
+  const ArcRun* runAt(std::size_t& next, long i) const;
+  bool closesList(const ArcRun& run) const;
+  void dropRunsAt(long i, bool asEnd);
+  void dropClosingRun();
+  void shiftRuns(long from, long by);
+
+  void placeVertex(CVertex& vertex, long i);
+  void releaseFrom(long from, IHandleGestor& gestor) const;
+  void growOrDirtyBdry(const CVertex& vertex);
+  void growBySilhouette(RECT_3D& box) const;
+  vek0::detail::BulgedChain curveChain() const;
+  void emptyBdry();
+  void setClosed(IHandleGestor& gestor, CEntFactory& factory, bool closed, bool handles);
+  void replaceVertexes(IHandleGestor& gestor, CEntFactory& factory,
+                       const std::vector<MementoEntry>& entries);
+
+  // Either the packed chain holds the vertices or the list does, never both. Asking
+  // for a vertex object changes which, hence mutable.
+  mutable std::vector<CVertex*> m_vertexes;
+  mutable std::vector<ArcRun> m_runs;  // ascending, not overlapping
+  mutable vek0::detail::BulgedChain m_packed;
+  long m_firstVisible = 0;
+  short m_flags;
+  short m_degree;
+  unsigned char m_curveChords = 8;
+  // False as long as no vertex with a width was put in: extents then grow by points
+  // alone, without a look at all the other vertices.
+  bool m_maybeWide = false;
+};
+
+/// Undo snapshot of a polyline: extents, shape and, for every vertex in order, the
+/// vertex object and what it held. The vertex objects are only compared by address,
+/// so they may be deleted meanwhile. A packed polyline's snapshot is packed too.
+class VEK0_API CEntPolylineMemento final : public IEntDerivedMemento {
+ public:
+  explicit CEntPolylineMemento(const CEntPolyline& polyline);
+
+  bool operator==(const CEnt& ent) const override;
+  std::size_t size() const override;
+
+ private:
+  friend class CEntPolyline;
+
+  std::vector<CEntPolyline::MementoEntry> entries() const;
+  std::vector<CEntPolyline::ArcRun> arcRuns() const;
+
+  RECT_3D m_bdry;
+  std::vector<CEntPolyline::MementoEntry> m_vertexes;  // empty when packed
+  std::vector<CEntPolyline::ArcRun> m_runs;
+  vek0::detail::BulgedChain m_packed;
+  long m_firstVisible;
+  short m_flags;
+  short m_degree;
+  bool m_maybeWide;
+};

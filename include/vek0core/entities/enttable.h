@@ -1,0 +1,126 @@
+#pragma once
+
+#include <cstddef>
+#include <list>
+#include <memory>
+
+#include "vek0core/entities/ent.h"
+#include "vek0core/export.h"
+#include "vek0core/geometry/rect.h"
+
+class CBlockXRefDepend;
+class IHandleGestor;
+
+/// The entities of a drawing in drawing order, with a selection and cached extents.
+///
+/// The table owns its entities: `clearAll` and the destructor delete them. Each
+/// entity remembers its table, so what does not fit is ignored instead of breaking
+/// a list: null, adding what some table or block holds already, removing or
+/// selecting what another one holds, selecting twice.
+///
+/// A copy of a table is a view: it names the same entities and the same extents,
+/// owns nothing, ignores `add`, `remove` and the selecting operations, and is valid
+/// while the source lives and keeps its entities.
+///
+/// Adding, removing, selecting cost constant time, and so does `get` on average.
+class VEK0_API CEntTable {
+ public:
+  class CEntIterator;
+
+  /// Both arguments must outlive the table.
+  CEntTable(IHandleGestor& gestor, CBlockXRefDepend& depend);
+  /// A view of `src`, see the class.
+  CEntTable(const CEntTable& src);
+  CEntTable& operator=(const CEntTable&) = delete;
+  ~CEntTable();
+
+  /// Takes the entity over, registers it (`CEnt::addTbls`) and appends it. Valid
+  /// extents grow by its box unless its layer is frozen.
+  void add(CEnt* ent);
+
+  /// Unselects the entity, takes it out and unregisters it; the caller owns it from
+  /// then on and may add it again, for instance to undo.
+  void remove(CEnt* ent);
+
+  void select(CEnt* ent);           ///< appends to the selection
+  void unselect(CEnt* ent);         ///< takes out of the selection
+  void select(CEnt* ent, bool on);  ///< `select` or `unselect`
+  void unselectAll();
+
+  /// First entity in table order that has this handle, or null. The first call for
+  /// any handle but 0 builds an index of all entities, which is kept up from then
+  /// on; handle 0, which most entities of a host bear, is searched for.
+  CEnt* get(long handle) const;
+
+  const std::list<CEnt*>& getEntityTbl() const { return m_entities; }
+  /// The selected entities in the order in which they were selected.
+  const std::list<CEnt*>& getSelectedEntityTbl() const { return m_selected; }
+  CBlockXRefDepend& getDepend() const { return m_depend; }
+
+  /// Makes the next `getBdry` compute the extents. To be called after changing an
+  /// entity in place or freezing a layer; a reader calls it before adding many
+  /// entities, whose boxes then are not looked at one by one.
+  void invalidateBdry() const { m_bdryValid = false; }
+
+  /// Union of the entities' extents, those on frozen layers left out (layers that
+  /// are merely off count); empty for an empty table. Linear in the entities after
+  /// a change that touched the border, constant otherwise.
+  const RECT_3D& getBdry() const;
+
+  /// Computes the extents anew, those of the inserts first: a block may have
+  /// changed since they were computed.
+  void recalcBdry() const;
+
+  /// Unregisters and deletes every entity. A view forgets them.
+  void clearAll();
+
+ private:
+  class HandleIndex;
+
+  bool holds(const CEnt* ent) const { return ent != nullptr && ent->m_owner == this; }
+  bool reachesBorder(const CEnt& ent) const;
+
+  CBlockXRefDepend& m_depend;
+  std::list<CEnt*> m_entities;
+  std::list<CEnt*> m_selected;
+  IHandleGestor* m_gestor;
+  mutable RECT_3D m_bdry;
+  mutable bool m_bdryValid = true;
+  bool m_isView = false;
+  std::size_t m_nextRank = 0;
+  mutable std::unique_ptr<HandleIndex> m_index;  // null until a handle is asked for
+};
+
+/// Walks a table's entities, or its selection, in order. Entities may be added
+/// while it walks; the current one may be removed through the iterator alone.
+class VEK0_API CEntTable::CEntIterator {
+ public:
+  /// Over all entities when `all`, else over the selection; on the first one.
+  CEntIterator(CEntTable& table, bool all);
+  virtual ~CEntIterator();
+  CEntIterator(const CEntIterator&) = default;
+  CEntIterator& operator=(const CEntIterator&) = delete;
+
+  /// The current entity, null at the end.
+  CEnt* operator*() const;
+  CEntIterator& operator++();    ///< stays at the end
+  CEntIterator operator++(int);  ///< likewise; answers the place before
+  CEntIterator& operator--();    ///< stays on the first entity
+  CEntIterator operator--(int);  ///< likewise; answers the place before
+
+  /// Whether the walk is past the last entity.
+  bool isLast() const;
+  /// Number of entities in the walked list.
+  long get_no_entities() const;
+
+  /// Takes the current entity out of the walked list and steps to the next: out of
+  /// the table as `CEntTable::remove` does, or only out of the selection.
+  void remove();
+
+ private:
+  std::list<CEnt*>& list() const;
+
+  CEntTable& m_table;
+  bool m_all;
+  std::list<CEnt*>::iterator m_current;
+};

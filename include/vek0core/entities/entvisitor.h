@@ -1,0 +1,108 @@
+#pragma once
+
+#include "vek0core/export.h"
+
+class CEnt;
+class CEnt3DFace;
+class CEntArc;
+class CEntAttdef;
+class CEntAttrib;
+class CEntCircle;
+class CEntFixedInsert;
+class CEntHatch;
+class CEntInsert;
+class CEntInsertBase;
+class CEntInsertXRef;
+class CEntLine;
+class CEntPnt;
+class CEntPolyline;
+class CEntText;
+class CVertex;
+
+/// Work that depends on the kind of an entity, one overload a class. A new kind is
+/// then a compile error wherever it must be known.
+///
+/// Visitors live on the stack and nobody deletes one through this interface, hence
+/// the protected destructor.
+class VEK0_API IEntVisitor {
+ public:
+  virtual void visit(CEntPnt& ent) = 0;
+  virtual void visit(CEntLine& ent) = 0;
+  virtual void visit(CEntCircle& ent) = 0;
+  virtual void visit(CEntArc& ent) = 0;
+  virtual void visit(CEntPolyline& ent) = 0;
+  virtual void visit(CEntText& ent) = 0;
+  virtual void visit(CEntAttdef& ent) = 0;
+  virtual void visit(CEntInsert& ent) = 0;
+  virtual void visit(CEntFixedInsert& ent) = 0;
+  virtual void visit(CEntInsertXRef& ent) = 0;
+  virtual void visit(CEntAttrib& ent) = 0;
+  virtual void visit(CEntHatch& ent) = 0;
+  virtual void visit(CEnt3DFace& ent) = 0;
+  /// A vertex of a polyline; not an entity, so doing nothing is the default.
+  virtual void visit(CVertex& vertex);
+
+ protected:
+  IEntVisitor() = default;
+  IEntVisitor(const IEntVisitor&) = default;
+  IEntVisitor& operator=(const IEntVisitor&) = default;
+  ~IEntVisitor() = default;
+};
+
+/// Ignores every kind. Derive from it only when ignoring what you do not override is
+/// truly right, and bring the hidden overloads back with
+/// `using IEntFooVisitor::visit;`.
+class VEK0_API IEntFooVisitor : public IEntVisitor {
+ public:
+  void visit(CEntPnt& ent) override;
+  void visit(CEntLine& ent) override;
+  void visit(CEntCircle& ent) override;
+  void visit(CEntArc& ent) override;
+  void visit(CEntPolyline& ent) override;
+  void visit(CEntText& ent) override;
+  void visit(CEntAttdef& ent) override;
+  void visit(CEntInsert& ent) override;
+  void visit(CEntFixedInsert& ent) override;
+  void visit(CEntInsertXRef& ent) override;
+  void visit(CEntAttrib& ent) override;
+  void visit(CEntHatch& ent) override;
+  void visit(CEnt3DFace& ent) override;
+  void visit(CVertex& vertex) override;
+
+ protected:
+  IEntFooVisitor() = default;
+  IEntFooVisitor(const IEntFooVisitor&) = default;
+  IEntFooVisitor& operator=(const IEntFooVisitor&) = default;
+  ~IEntFooVisitor() = default;
+};
+
+/// Forwards every kind to the overload of its base class, up to `visit(CEnt&)`,
+/// which does nothing: overriding one overload handles a whole branch. Each step is
+/// a virtual call, so an override at any level is honoured.
+class VEK0_API IEntInheritVisitor : public IEntVisitor {
+ public:
+  void visit(CEntPnt& ent) override;
+  void visit(CEntLine& ent) override;
+  void visit(CEntCircle& ent) override;
+  void visit(CEntArc& ent) override;
+  void visit(CEntPolyline& ent) override;
+  void visit(CEntText& ent) override;
+  void visit(CEntAttdef& ent) override;
+  void visit(CEntInsert& ent) override;
+  void visit(CEntFixedInsert& ent) override;
+  void visit(CEntInsertXRef& ent) override;
+  void visit(CEntAttrib& ent) override;
+  void visit(CEntHatch& ent) override;
+  void visit(CEnt3DFace& ent) override;
+  void visit(CVertex& vertex) override;
+  /// Every insert and hatch that no closer overload handled.
+  virtual void visit(CEntInsertBase& ent);
+  /// Everything that no closer overload handled.
+  virtual void visit(CEnt& ent);
+
+ protected:
+  IEntInheritVisitor() = default;
+  IEntInheritVisitor(const IEntInheritVisitor&) = default;
+  IEntInheritVisitor& operator=(const IEntInheritVisitor&) = default;
+  ~IEntInheritVisitor() = default;
+};

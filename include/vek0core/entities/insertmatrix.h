@@ -1,0 +1,64 @@
+#pragma once
+
+#include "vek0core/export.h"
+#include "vek0core/geometry/pnt.h"
+#include "vek0core/geometry/rect.h"
+
+class CEntInsertBase;
+
+/// Affine placement of a block by an insert: a 2x2 matrix for x and y, a factor for z
+/// and a translation.
+///
+/// A point is taken relative to the block's base point, scaled, turned about z and
+/// moved to the insertion point. The placement is isotropic when its x and y scales
+/// are exactly equal; a common negative scale, half a turn, counts too. Scale and
+/// rotation are then known apart from the matrix, so that circles stay circles.
+/// Angles are radians.
+class VEK0_API CEntInsertMatrix {
+ public:
+  /// The placement that changes nothing.
+  CEntInsertMatrix();
+
+  /// The placement of one cell of an insert's array. Cells are offset along the
+  /// insert's rotated axes by whole spacings, which the scales do not touch. The
+  /// entities of a block are stored relative to its base point already, so the base
+  /// is the origin; those of an external reference are not, and its own base counts.
+  /// `row` and `col` may lie outside the array.
+  CEntInsertMatrix(double pixelSize, const CEntInsertBase& insert, long row, long col);
+
+  void set(const PNT_3D& base, double sx, double sy, double sz, double rotation,
+           const PNT_3D& insertion);
+
+  /// `out` may be `p` itself.
+  void transform(const PNT_3D& p, PNT_3D& out) const;
+  /// Box of the eight mapped corners; an empty box stays empty. `out` may be `box`.
+  void transform(const RECT_3D& box, RECT_3D& out) const;
+  /// Finds the point that is mapped to `p`; false, with `out` untouched, when the
+  /// placement flattens an axis. `out` may be `p` itself.
+  bool invert(const PNT_3D& p, PNT_3D& out) const;
+
+  /// Adds to the translation.
+  void move(const PNT_3D& delta);
+
+  /// This placement after `inner`: places what stands in a block that is inserted in
+  /// a block. Isotropic when both are, with the product of the scales and the sum of
+  /// the rotations.
+  CEntInsertMatrix operator*(const CEntInsertMatrix& inner) const;
+
+  bool IsIsotropicXY() const { return m_isotropic; }
+  /// Common scale of x and y; meaningful only when isotropic.
+  double getScale() const { return m_scale; }
+  /// Rotation of an isotropic placement, not brought into any range.
+  double getRotate() const { return m_rotation; }
+  /// Factor of z.
+  double getScaleZ() const { return m_mz; }
+
+  /// Base point that inserts of the block are placed by, see the constructor.
+  static PNT_3D basePoint(const CEntInsertBase& insert);
+
+ private:
+  double m_m00, m_m01, m_m10, m_m11, m_mz;
+  double m_tx, m_ty, m_tz;
+  bool m_isotropic;
+  double m_scale, m_rotation;
+};

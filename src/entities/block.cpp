@@ -1,0 +1,363 @@
+#include "vek0core/entities/block.h"
+
+#include <algorithm>
+#include <new>
+
+#include "entities/blockgraphitem.h"
+#include "tables/ranktree.h"
+#include "vek0core/entities/blockgraph.h"
+#include "vek0core/entities/entattdef.h"
+#include "vek0core/entities/entinsert.h"
+#include "vek0core/entities/entmovevisitor.h"
+
+using vek0::detail::BlockGraphItem;
+using vek0::detail::RankTree;
+
+namespace {
+
+bool isAttdef(const CEnt& ent) { return ent.getType() == CEntAttdef::kType; }
+
+}  // namespace
+
+// Brings extents up to date, those of inserted blocks first. A recursion would go as
+// deep as blocks are nested, which a file decides.
+class CBlock::BdryWalk {
+ public:
+  ~BdryWalk() {
+    for (const Frame& frame : m_stack) frame.block->m_bdryBusy = false;
+  }
+
+  void run(CBlock& block) {
+    enter(block);
+    while (!m_stack.empty()) {
+      CBlock& top = *m_stack.back().block;
+      if (CBlock* inner = nextStale(m_stack.back())) {
+        enter(*inner);
+      } else {
+        top.growBdry();
+        top.m_bdryBusy = false;
+        m_stack.pop_back();
+      }
+    }
+  }
+
+ private:
+  struct Frame {
+    CBlock* block;
+    std::size_t next;
+  };
+
+  void enter(CBlock& block) {
+    m_stack.push_back({&block, block.m_bdryStale ? 0 : block.m_noBoxed});
+    block.m_bdryBusy = true;
+  }
+
+  static CBlock* nextStale(Frame& frame) {
+    const std::vector<CEnt*>& entities = frame.block->m_entities;
+    while (frame.next < entities.size()) {
+      const CEnt* ent = entities[frame.next++];
+      const CEntInsertBase* insert = ent != nullptr ? ent->getEntInsert() : nullptr;
+      CBlock* inner = insert != nullptr ? insert->getBlock() : nullptr;
+      if (inner != nullptr && inner->isBdryStale() && !inner->m_bdryBusy) return inner;
+    }
+    return nullptr;
+  }
+
+  std::vector<Frame> m_stack;
+};
+
+CBlock::CBlock(const zim::WString& name) : CBlock(name, PNT_3D(0, 0, 0), 0) {}
+
+CBlock::CBlock(const zim::WString& name, const PNT_3D& base, long flags)
+    : CNamedItem(name, flags), m_base(base) {
+  m_bdry.initRegion();
+}
+
+CBlock::CBlock(const CBlock& src) : CBlock(src.getName(), src.m_base, src.getFlags()) {
+  SetUserInfo(src.m_userType, src.m_userData);
+  CNamedItem::setFlags(kHasAttdefs, false);
+}
+
+CBlock& CBlock::operator=(const CBlock& src) {
+  if (this == &src) return *this;
+  setName(src.getName());
+  setFlags(src.getFlags());
+  setFlags(kHasAttdefs, m_noAttdefs != 0);
+  m_base = src.m_base;
+  SetUserInfo(src.m_userType, src.m_userData);
+  return *this;
+}
+
+CBlock::~CBlock() {
+  if (m_item != nullptr) m_item->graph->dropBlock(*this);
+  for (const CEnt* ent : m_entities) delete ent;
+}
+
+void CBlock::add(CEnt* ent) {
+  if (ent == nullptr || ent->m_owner != nullptr) return;
+  if (m_base != PNT_3D(0, 0, 0)) {
+    CEntMoveVisitor mover(-m_base);
+    ent->accept(mover);
+  }
+  append(ent);
+}
+
+void CBlock::restore(CEnt* ent) {
+  if (ent != nullptr && ent->m_owner == nullptr) append(ent);
+}
+
+void CBlock::append(CEnt* ent) {
+  if (m_noHoles > m_entities.size() / 2) compact();
+  const bool wasFresh = !isBdryStale();
+  m_entities.push_back(ent);
+  if (m_ranks) m_ranks->append(true);
+  ent->m_owner = this;
+  ent->m_pos = m_entities.size() - 1;
+  if (isAttdef(*ent)) {
+    ++m_noAttdefs;
+    setFlags(kHasAttdefs, true);
+  }
+  if (wasFresh) tellUsers();
+}
+
+void CBlock::remove(CEnt* ent) {
+  if (ent == nullptr || ent->m_owner != this) return;
+  m_entities[ent->m_pos] = nullptr;
+  ++m_noHoles;
+  if (m_ranks) m_ranks->remove(ent->m_pos);
+  ent->m_owner = nullptr;
+  if (isAttdef(*ent)) --m_noAttdefs;
+  setFlags(kHasAttdefs, m_noAttdefs != 0);
+  invalidateBdry();
+}
+
+bool CBlock::isXRef() const { return false; }
+
+void CBlock::calcBdry() {
+  invalidateBdry();
+  refreshBdry();
+  for (const CEnt* ent : m_entities)
+    if (ent != nullptr && isAttdef(*ent)) m_bdry.updateRegion(ent->getBdry());
+}
+
+void CBlock::invalidateBdry() {
+  const bool wasFresh = !isBdryStale();
+  m_bdryStale = true;
+  if (wasFresh) tellUsers();
+}
+
+void CBlock::redefine(const PNT_3D& base, long flags) {
+  clearEntities();
+  m_base = base;
+  setFlags(flags);
+}
+
+void CBlock::clearEntities() {
+  const bool wasFresh = !isBdryStale();
+  for (CEnt* ent : m_entities)
+    if (ent != nullptr) ent->m_owner = nullptr;
+  m_entities.clear();
+  m_ranks.reset();
+  m_noHoles = m_noLookups = m_noAttdefs = m_noBoxed = 0;
+  setFlags(kHasAttdefs, false);
+  m_bdry.initRegion();
+  m_bdryStale = false;
+  if (wasFresh) tellUsers();
+}
+
+void CBlock::disposeEntities() {
+  for (CEnt*& ent : m_entities) {
+    delete ent;
+    ent = nullptr;
+  }
+  clearEntities();
+}
+
+const RECT_3D& CBlock::getBdry() const {
+  if (isBdryStale() && !m_bdryBusy) refreshBdry();
+  return m_bdry;
+}
+
+RECT_3D& CBlock::getBdry() {
+  if (isBdryStale() && !m_bdryBusy) refreshBdry();
+  return m_bdry;
+}
+
+void CBlock::SetUserInfo(int type, int data) {
+  m_userType = type;
+  m_userData = data;
+}
+
+void CBlock::insertBlock(IHandleGestor& gestor) const {
+  for (auto ent = m_entities.rbegin(); ent != m_entities.rend(); ++ent)
+    if (*ent != nullptr) (*ent)->addTbls(gestor);
+}
+
+void CBlock::removeBlock(IHandleGestor& gestor) const {
+  for (auto ent = m_entities.rbegin(); ent != m_entities.rend(); ++ent)
+    if (*ent != nullptr) (*ent)->removeTbls(gestor);
+}
+
+CBlockMemento* CBlock::createMemento() const {
+  try {
+    return new (std::nothrow) CBlockMemento(*this);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+void CBlock::setMemento(const CBlockMemento& memento) {
+  m_entities.reserve(memento.m_entities.size());  // before anything changes
+  clearEntities();
+  m_base = memento.m_base;
+  for (CEnt* ent : memento.m_entities) restore(ent);
+  setFlags(memento.m_flags);
+}
+
+bool CBlock::operator==(const CBlockMemento& memento) const {
+  if (m_base != memento.m_base || getFlags() != memento.m_flags) return false;
+  compact();
+  return m_entities == memento.m_entities;
+}
+
+// Looking through the holes takes a logarithm, so the array is closed up as soon as
+// that has cost as much as closing it does.
+CEnt* CBlock::at(std::size_t i) const {
+  if (m_noHoles != 0) {
+    if (m_noHoles > m_entities.size() / 2 || ++m_noLookups > m_entities.size()) {
+      compact();
+    } else {
+      if (!m_ranks) m_ranks = std::make_unique<RankTree>(m_entities);
+      return m_entities[m_ranks->select(i)];
+    }
+  }
+  return m_entities[i];
+}
+
+std::size_t CBlock::firstRaw(std::size_t from) const {
+  while (from < m_entities.size() && m_entities[from] == nullptr) ++from;
+  return from;
+}
+
+void CBlock::compact() const {
+  if (m_noHoles == 0) return;
+  std::size_t kept = 0, boxed = 0;
+  for (std::size_t raw = 0; raw < m_entities.size(); ++raw) {
+    CEnt* ent = m_entities[raw];
+    if (ent == nullptr) continue;
+    if (raw < m_noBoxed) ++boxed;
+    ent->m_pos = kept;
+    m_entities[kept++] = ent;
+  }
+  m_entities.resize(kept);
+  m_noBoxed = boxed;
+  m_noHoles = m_noLookups = 0;
+  m_ranks.reset();
+}
+
+void CBlock::refreshBdry() const {
+  // The extents are a cache, and every block is a heap object that is not itself const.
+  BdryWalk().run(const_cast<CBlock&>(*this));
+}
+
+void CBlock::growBdry() {
+  if (m_bdryStale) {
+    m_bdry.initRegion();
+    m_noBoxed = 0;
+  }
+  for (; m_noBoxed < m_entities.size(); ++m_noBoxed) {
+    CEnt* ent = m_entities[m_noBoxed];
+    if (ent == nullptr || isAttdef(*ent)) continue;
+    // The block of an insert may have changed since the insert looked at it.
+    if (ent->getEntInsert() != nullptr) ent->dirtyBdry();
+    m_bdry.updateRegion(ent->getBdry());
+  }
+  m_bdryStale = false;
+}
+
+// Whatever makes a block's extents stale makes those of its users stale as a whole, so
+// the walk ends at such: telling is paid for by the computation that it undoes.
+void CBlock::tellUsers() {
+  if (m_item == nullptr) return;
+  std::vector<const BlockGraphItem*> told{m_item};
+  while (!told.empty()) {
+    const BlockGraphItem* item = told.back();
+    told.pop_back();
+    for (const BlockGraphItem::User& user : item->users) {
+      CBlock& block = *user.item->block;
+      if (block.m_bdryStale) continue;
+      block.m_bdryStale = true;
+      block.dirtyInserts();
+      told.push_back(user.item);
+    }
+  }
+}
+
+void CBlock::dirtyInserts() {
+  for (CEnt* ent : m_entities)
+    if (ent != nullptr && ent->getEntInsert() != nullptr) ent->dirtyBdry();
+}
+
+CBlock::CAttdefIterator::CAttdefIterator(const CBlock& block) : m_block(&block) { skip(); }
+
+CEntAttdef* CBlock::CAttdefIterator::operator*() const {
+  const auto& entities = m_block->m_entities;
+  return m_raw < entities.size() ? static_cast<CEntAttdef*>(entities[m_raw]) : nullptr;
+}
+
+CBlock::CAttdefIterator& CBlock::CAttdefIterator::operator++() {
+  if (m_raw < m_block->m_entities.size()) ++m_raw;
+  skip();
+  return *this;
+}
+
+CBlock::CAttdefIterator CBlock::CAttdefIterator::operator++(int) {
+  CAttdefIterator before = *this;
+  ++*this;
+  return before;
+}
+
+void CBlock::CAttdefIterator::skip() {
+  const auto& entities = m_block->m_entities;
+  m_raw = m_block->firstRaw(m_raw);
+  while (m_raw < entities.size() && !isAttdef(*entities[m_raw])) m_raw = m_block->firstRaw(m_raw + 1);
+}
+
+CBlock::CInsertIterator::CInsertIterator(const CBlock& block) : m_block(&block) { skip(); }
+
+CEntInsertBase* CBlock::CInsertIterator::operator*() const {
+  const auto& entities = m_block->m_entities;
+  return m_raw < entities.size() ? entities[m_raw]->getEntInsert() : nullptr;
+}
+
+CBlock::CInsertIterator& CBlock::CInsertIterator::operator++() {
+  if (m_raw < m_block->m_entities.size()) ++m_raw;
+  skip();
+  return *this;
+}
+
+CBlock::CInsertIterator CBlock::CInsertIterator::operator++(int) {
+  CInsertIterator before = *this;
+  ++*this;
+  return before;
+}
+
+void CBlock::CInsertIterator::skip() {
+  const auto& entities = m_block->m_entities;
+  m_raw = m_block->firstRaw(m_raw);
+  while (m_raw < entities.size() && entities[m_raw]->getEntInsert() == nullptr)
+    m_raw = m_block->firstRaw(m_raw + 1);
+}
+
+CBlockMemento::CBlockMemento(const CBlock& block)
+    : m_base(block.getPnt()), m_flags(block.getFlags()) {
+  block.compact();
+  m_entities = block.m_entities;
+}
+
+CBlockMemento::~CBlockMemento() = default;
+
+void CBlockMemento::destroyEntity() {
+  for (const CEnt* ent : m_entities) delete ent;
+  m_entities.clear();
+}

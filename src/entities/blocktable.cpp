@@ -1,0 +1,106 @@
+#include "vek0core/entities/blocktable.h"
+
+#include <new>
+
+#include "vek0core/entities/block.h"
+#include "vek0core/entities/entinsert.h"
+
+namespace {
+
+std::list<CBlock*> insertedBlocks(const std::list<CEnt*>& entities) {
+  std::list<CBlock*> blocks;
+  for (const CEnt* ent : entities) {
+    const CEntInsertBase* insert = ent != nullptr ? ent->getEntInsert() : nullptr;
+    CBlock* block = insert != nullptr ? insert->getBlock() : nullptr;
+    if (block != nullptr && !block->isXRef()) blocks.push_back(block);
+  }
+  return blocks;
+}
+
+// A deleted block leaves its table and graph by itself.
+class Destroy final : public IBlockOperation {
+ public:
+  int doOperation(CBlock& block) override {
+    delete &block;
+    return ZORA_BLOCK_VISIT_RESULT_SUCCESS;
+  }
+};
+
+}  // namespace
+
+CBlockTable::CBlockTable(IHandleGestor& gestor, CBlockXRefDepend& depend)
+    : m_gestor(gestor), m_depend(depend), m_graph(std::make_shared<CBlockGraph>()) {}
+
+CBlockTable::~CBlockTable() { CBlockTable::clearAll(); }
+
+void CBlockTable::add(CBlock* block) {
+  if (block == nullptr || holds(block)) return;
+  CNamedItemTableImp::add(block);
+  if (!holds(block)) return;
+  block->insertBlock(m_gestor);
+  m_graph->addBlock(*block);
+}
+
+void CBlockTable::remove(CBlock* block) {
+  if (!holds(block)) return;
+  CNamedItemTableImp::remove(block);
+  block->removeBlock(m_gestor);
+  // The graph keeps a block that others insert, but the caller may delete this one.
+  if (m_graph->RemoveBlock(*block) != 0) m_graph->dropBlock(*block);
+}
+
+CBlock* CBlockTable::get(std::u16string_view name) const {
+  return static_cast<CBlock*>(CNamedItemTableImp::get(name));
+}
+
+CBlock* CBlockTable::operator[](int i) const {
+  return static_cast<CBlock*>(CNamedItemTableImp::operator[](i));
+}
+
+bool CBlockTable::canRedefine(CBlock* block, const std::list<CEnt*>& newEntities) const {
+  return block != nullptr && m_graph->canSubstitute(*block, insertedBlocks(newEntities));
+}
+
+int CBlockTable::Redefine(CBlock* block, const PNT_3D& base, long flags,
+                          const std::list<CEnt*>& newEntities) {
+  if (!canRedefine(block, newEntities)) return -1;
+  const bool registered = holds(block);
+  m_graph->doSubstitute(*block, insertedBlocks(newEntities));
+  if (registered) block->removeBlock(m_gestor);
+  block->redefine(base, flags);
+  for (CEnt* ent : newEntities) block->add(ent);
+  if (registered) block->insertBlock(m_gestor);
+  return 0;
+}
+
+void CBlockTable::setMemento(CBlock* block, const CBlockMemento& memento) {
+  if (!holds(block)) return;
+  block->removeBlock(m_gestor);
+  block->setMemento(memento);
+  block->insertBlock(m_gestor);
+  m_graph->updateBlock(*block);
+}
+
+void CBlockTable::updateBlock(CBlock* block) {
+  if (holds(block)) m_graph->updateBlock(*block);
+}
+
+void CBlockTable::recalcBdry() {
+  for (int i = 0; i < size(); ++i) (*this)[i]->invalidateBdry();
+}
+
+void CBlockTable::clearAll() {
+  if (!isView()) {
+    // All of them before the first is destroyed: an insert counts on its block.
+    for (int i = 0; i < size(); ++i) (*this)[i]->removeBlock(m_gestor);
+    Destroy destroy;
+    try {
+      m_graph->VisitDep(destroy);
+    } catch (const std::bad_alloc&) {
+      // Then, as in a cycle, the order is that of the table.
+    }
+  }
+  CNamedItemTableImp::clearAll();
+}
+
+bool CBlockTable::holds(const CBlock* block) const { return contains(block); }

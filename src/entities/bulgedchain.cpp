@@ -1,0 +1,221 @@
+#include "vek0core/entities/bulgedchain.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace vek0::detail {
+namespace {
+
+constexpr double kChordError = 1e-4;  // of the radius, between an arc and its chords
+constexpr double kQuarterTurn = std::numbers::pi / 2;
+// Up to so many chords all of them are looked at for the extents.
+constexpr int kFewChords = 8;
+
+PNT_3D posOf(const BULGED_VERTEX& v) { return PNT_3D(v.x, v.y, v.z); }
+
+// The arc from one given vertex to the next, seen from its start. Nothing here uses
+// the centre: a flat arc has it so far away that the digits of the arc are lost.
+class Arc {
+ public:
+  Arc(const BULGED_VERTEX& from, const BULGED_VERTEX& to)
+      : m_from(from),
+        m_to(to),
+        m_dx(to.x - from.x),
+        m_dy(to.y - from.y),
+        m_angle(4 * std::atan(from.bulge)),
+        // Sine of half the angle, from the half angle's tangent of a half.
+        m_halfSin(2 * from.bulge / (1 + from.bulge * from.bulge)) {}
+
+  bool exists() const {
+    if (m_from.bulge == 0 || (m_dx == 0 && m_dy == 0)) return false;
+    const double reach = std::fabs(m_from.x) + std::fabs(m_from.y) +
+                         2 * std::hypot(m_dx, m_dy) / std::fabs(m_halfSin);
+    return std::isfinite(reach);
+  }
+
+  int chords() const { return chordCount(m_from.bulge); }
+
+  // The point where chord `k` of `n` starts, 0 < k < n: the chord from the start to
+  // it has length 2 r sin(phi / 2) and is turned by half the angle that remains.
+  PNT_3D pntAt(int k, int n) const {
+    const double t = static_cast<double>(k) / n;
+    const double phi = m_angle * t;
+    const double length = std::sin(phi / 2) / m_halfSin;
+    const double turn = (phi - m_angle) / 2;
+    const double c = length * std::cos(turn);
+    const double s = length * std::sin(turn);
+    return PNT_3D(m_from.x + c * m_dx - s * m_dy, m_from.y + s * m_dx + c * m_dy,
+                  std::lerp(m_from.z, m_to.z, t));
+  }
+
+  void growBdry(RECT_3D& box) const {
+    const int n = chords();
+    if (n <= kFewChords) {
+      for (int k = 1; k < n; ++k) box.updateRegion(pntAt(k, n));
+      return;
+    }
+    // Seen from the centre the start lies at `start`; the arc is extreme where the
+    // angle passes a multiple of a quarter turn. With so many chords each spans
+    // some 0.03 radians, so no vertex but the two around can reach as far.
+    const double start =
+        std::atan2(m_dy, m_dx) - m_angle / 2 - std::copysign(kQuarterTurn, m_angle);
+    const double lo = std::min(start, start + m_angle);
+    const double hi = std::max(start, start + m_angle);
+    for (double m = std::ceil(lo / kQuarterTurn); m * kQuarterTurn <= hi; ++m) {
+      const int k = static_cast<int>(std::floor((m * kQuarterTurn - start) / m_angle * n));
+      box.updateRegion(pntAt(std::clamp(k, 1, n - 1), n));
+      box.updateRegion(pntAt(std::clamp(k + 1, 1, n - 1), n));
+    }
+  }
+
+ private:
+  const BULGED_VERTEX& m_from;
+  const BULGED_VERTEX& m_to;
+  double m_dx, m_dy;
+  double m_angle;    // radians, positive counter-clockwise
+  double m_halfSin;  // same sign
+};
+
+double widthAt(const BULGED_VERTEX& v, int k, int n) {
+  return std::lerp(v.widthStart, v.widthEnd, static_cast<double>(k) / n);
+}
+
+// The given vertex, followed by `n` chords.
+ChainVertex givenVertex(const BULGED_VERTEX& v, int n) {
+  return {posOf(v), v.widthStart, widthAt(v, 1, n), v.handle};
+}
+
+ChainVertex chordVertex(const BULGED_VERTEX& v, const Arc& arc, int k, int n) {
+  return {arc.pntAt(k, n), widthAt(v, k, n), widthAt(v, k + 1, n), 0};
+}
+
+}  // namespace
+
+int chordCount(double bulge) {
+  static const double chordAngle = 2 * std::acos(1 - kChordError);
+  const double angle = 4 * std::atan(std::fabs(bulge));
+  return std::max(2, static_cast<int>(std::ceil(angle / chordAngle)));
+}
+
+void BulgedChain::setClosed(bool closed) {
+  m_closed = closed;
+  m_starts.clear();
+}
+
+void BulgedChain::add(const BULGED_VERTEX& vertex) {
+  m_vertexes.push_back(vertex);
+  m_hasBulges |= vertex.bulge != 0;
+  m_starts.clear();
+}
+
+void BulgedChain::assign(const BULGED_VERTEX* vertexes, std::size_t count) {
+  m_vertexes.assign(vertexes, vertexes + count);
+  m_hasBulges = std::any_of(m_vertexes.begin(), m_vertexes.end(),
+                            [](const BULGED_VERTEX& v) { return v.bulge != 0; });
+  m_starts.clear();
+}
+
+void BulgedChain::clear() {
+  std::vector<BULGED_VERTEX>().swap(m_vertexes);
+  std::vector<std::size_t>().swap(m_starts);
+  m_hasBulges = false;
+}
+
+bool BulgedChain::isWide() const {
+  return std::any_of(m_vertexes.begin(), m_vertexes.end(),
+                     [](const BULGED_VERTEX& v) { return v.widthStart != 0 || v.widthEnd != 0; });
+}
+
+const BULGED_VERTEX* BulgedChain::arcEnd(std::size_t i) const {
+  if (m_vertexes[i].bulge == 0) return nullptr;
+  const bool isLast = i + 1 == m_vertexes.size();
+  if (isLast && !m_closed) return nullptr;
+  const BULGED_VERTEX& end = m_vertexes[isLast ? 0 : i + 1];
+  return Arc(m_vertexes[i], end).exists() ? &end : nullptr;
+}
+
+int BulgedChain::chords(std::size_t i) const {
+  return arcEnd(i) == nullptr ? 1 : chordCount(m_vertexes[i].bulge);
+}
+
+double BulgedChain::bulge(std::size_t i) const {
+  return arcEnd(i) == nullptr ? 0 : m_vertexes[i].bulge;
+}
+
+const std::vector<std::size_t>& BulgedChain::starts() const {
+  if (m_starts.empty() && m_hasBulges) {
+    std::vector<std::size_t> starts{0};
+    for (std::size_t i = 0; i < m_vertexes.size(); ++i) {
+      starts.push_back(starts.back() + static_cast<std::size_t>(chords(i)));
+    }
+    m_starts.swap(starts);
+  }
+  return m_starts;
+}
+
+std::size_t BulgedChain::size() const { return m_hasBulges ? starts().back() : m_vertexes.size(); }
+
+ChainVertex BulgedChain::at(std::size_t i) const {
+  if (!m_hasBulges) return givenVertex(m_vertexes[i], 1);
+  const auto& starts = this->starts();
+  const auto next = std::upper_bound(starts.begin(), starts.end(), i);
+  const auto given = static_cast<std::size_t>(next - starts.begin()) - 1;
+  const BULGED_VERTEX& v = m_vertexes[given];
+  const int n = static_cast<int>(*next - starts[given]);
+  const int k = static_cast<int>(i - starts[given]);
+  return k == 0 ? givenVertex(v, n) : chordVertex(v, Arc(v, *arcEnd(given)), k, n);
+}
+
+void BulgedChain::forEach(const Sink& sink) const {
+  for (std::size_t i = 0; i < m_vertexes.size(); ++i) {
+    const BULGED_VERTEX& v = m_vertexes[i];
+    const BULGED_VERTEX* end = arcEnd(i);
+    const int n = end == nullptr ? 1 : chordCount(v.bulge);
+    sink(givenVertex(v, n));
+    if (end == nullptr) continue;
+    const Arc arc(v, *end);
+    for (int k = 1; k < n; ++k) sink(chordVertex(v, arc, k, n));
+  }
+}
+
+void BulgedChain::growBdry(RECT_3D& box) const {
+  for (std::size_t i = 0; i < m_vertexes.size(); ++i) {
+    box.updateRegion(posOf(m_vertexes[i]));
+    if (const BULGED_VERTEX* end = arcEnd(i)) Arc(m_vertexes[i], *end).growBdry(box);
+  }
+}
+
+void BulgedChain::setPos(std::size_t i, const PNT_3D& pnt) {
+  pnt.get(m_vertexes[i].x, m_vertexes[i].y, m_vertexes[i].z);
+}
+
+void BulgedChain::setWidth(std::size_t i, double widthStart, double widthEnd) {
+  m_vertexes[i].widthStart = widthStart;
+  m_vertexes[i].widthEnd = widthEnd;
+}
+
+void BulgedChain::setWidth(double width) {
+  for (std::size_t i = 0; i < m_vertexes.size(); ++i) setWidth(i, width, width);
+}
+
+void BulgedChain::translate(const PNT_3D& delta) {
+  for (std::size_t i = 0; i < m_vertexes.size(); ++i) setPos(i, posOf(m_vertexes[i]) + delta);
+  m_starts.clear();
+}
+
+void BulgedChain::clearHandles() {
+  for (BULGED_VERTEX& v : m_vertexes) v.handle = 0;
+}
+
+bool BulgedChain::operator==(const BulgedChain& other) const {
+  const auto same = [](const BULGED_VERTEX& a, const BULGED_VERTEX& b) {
+    return posOf(a) == posOf(b) && a.widthStart == b.widthStart && a.widthEnd == b.widthEnd &&
+           a.bulge == b.bulge;
+  };
+  return m_closed == other.m_closed &&
+         std::equal(m_vertexes.begin(), m_vertexes.end(), other.m_vertexes.begin(),
+                    other.m_vertexes.end(), same);
+}
+
+}  // namespace vek0::detail

@@ -1,0 +1,108 @@
+#include "vek0core/entities/ent.h"
+
+#include <new>
+
+#include "vek0core/entities/entmemento.h"
+#include "vek0core/tables/layer.h"
+#include "vek0core/tables/ltype.h"
+
+namespace {
+
+// Moves one count from `from` to `to`; null counts nobody.
+template <class Item>
+void moveCount(Item* from, Item* to) {
+  if (from != nullptr) from->decEntity();
+  if (to != nullptr) to->addEntity();
+}
+
+}  // namespace
+
+CEnt::CEnt(long handle, CLayer* layer, CLtype* ltype, short color)
+    : IHandleEnt(handle), m_layer(layer), m_ltype(ltype), m_color(color) {
+  m_bdry.initRegion();
+}
+
+CEnt::CEnt(const CEnt& src, long handle)
+    : IHandleEnt(handle),
+      m_bdry(src.m_bdry),
+      m_layer(src.m_layer),
+      m_ltype(src.m_ltype),
+      m_userType(src.m_userType),
+      m_userData(src.m_userData),
+      m_color(src.m_color),
+      m_bdryDirty(src.m_bdryDirty) {}
+
+CEnt::~CEnt() = default;
+
+void CEnt::addTbls(IHandleGestor& gestor) const {
+  gestor.reserve(this);
+  moveCount<CLayer>(nullptr, m_layer);
+  moveCount<CLtype>(nullptr, m_ltype);
+}
+
+void CEnt::removeTbls(IHandleGestor& gestor) const {
+  gestor.release(GetHandle());
+  moveCount<CLayer>(m_layer, nullptr);
+  moveCount<CLtype>(m_ltype, nullptr);
+}
+
+CStyle* CEnt::getStyle() const { return nullptr; }
+
+void CEnt::GetBdry(double, RECT_3D& box) const { box = getBdry(); }
+
+void CEnt::setStyle(CStyle*) {}
+
+CEntInsertBase* CEnt::getEntInsert() { return nullptr; }
+
+const CEntInsertBase* CEnt::getEntInsert() const { return nullptr; }
+
+void CEnt::setLayer(CLayer* layer) {
+  moveCount(m_layer, layer);
+  m_layer = layer;
+}
+
+void CEnt::setLtype(CLtype* ltype) {
+  moveCount(m_ltype, ltype);
+  m_ltype = ltype;
+}
+
+void CEnt::setUserInfo(long type, long data) {
+  m_userType = type;
+  m_userData = data;
+}
+
+void CEnt::moveBdry(const PNT_3D& delta) {
+  // Moving the two huge corners of an empty box could make it a valid one.
+  if (!m_bdryDirty && m_bdry.validRegion()) m_bdry.move(delta);
+}
+
+CEntBaseMemento* CEnt::createBaseMemento() const {
+  return new (std::nothrow) CEntBaseMemento(m_layer, m_ltype, m_color);
+}
+
+void CEnt::setMemento(const CEntBaseMemento* memento) {
+  if (memento == nullptr) return;
+  setLayer(memento->m_layer);
+  setLtype(memento->m_ltype);
+  setColor(memento->m_color);
+}
+
+bool CEnt::operator==(const CEntBaseMemento& memento) const {
+  return memento.m_ltype == m_ltype && memento.m_layer == m_layer && memento.m_color == m_color;
+}
+
+bool CEnt::operator!=(const CEntBaseMemento& memento) const { return !(*this == memento); }
+
+bool CEnt::operator==(const IEntDerivedMemento& memento) const { return memento.operator==(*this); }
+
+bool CEnt::operator!=(const IEntDerivedMemento& memento) const { return memento.operator!=(*this); }
+
+void CEnt::setSelectStatus(Node node) {
+  m_selectStatus = node;
+  m_selected = true;
+}
+
+void CEnt::refreshBdry() const {
+  // The box is a cache, and every entity is a heap object that is not itself const.
+  const_cast<CEnt*>(this)->calcBdry();
+}

@@ -1,0 +1,45 @@
+#include "vek0core/entities/entattrib.h"
+
+#include "entities/newornull.h"
+#include "vek0core/entities/entattdef.h"
+#include "vek0core/entities/entvisitor.h"
+
+CEntAttrib::CEntAttrib(long handle, CLayer* layer, CLtype* ltype, short color, const TEXT_3D& text,
+                       const zim::WString& tag, long flags)
+    : CEntText(handle, layer, ltype, color, text), m_tag(tag), m_flags(flags) {}
+
+CEntAttrib::CEntAttrib(const zim::WString& value, const CEntAttdef& def, long handle)
+    : CEntText(def, handle), m_tag(def.getTag()), m_flags(def.getFlags()) {
+  setString(value);
+}
+
+CEntAttrib::CEntAttrib(const CEntAttrib& src, long handle)
+    : CEntText(src, handle), m_tag(src.m_tag), m_flags(src.m_flags) {}
+
+void CEntAttrib::accept(IEntVisitor& visitor) { visitor.visit(*this); }
+
+void CEntAttrib::setMemento(CData&, const IEntDerivedMemento* memento) {
+  if (memento == nullptr) return;
+  const auto& state = static_cast<const CEntAttribMemento&>(*memento);
+  restoreText(state.getText());
+  m_tag = state.getTag();
+  m_flags = state.getFlags();
+}
+
+IEntDerivedMemento* CEntAttrib::createDerivedMemento() const {
+  return vek0::detail::newOrNull<CEntAttribMemento>(*this);
+}
+
+CEnt* CEntAttrib::clone(IHandleGestor&, CEntFactory&, CBlockFactory&, CBlockTable&,
+                        long handle) const {
+  return new (std::nothrow) CEntAttrib(*this, handle);
+}
+
+CEntAttribMemento::CEntAttribMemento(const CEntAttrib& ent)
+    : CEntTextMemento(ent), m_tag(ent.getTag()), m_flags(ent.getFlags()) {}
+
+bool CEntAttribMemento::operator==(const CEnt& ent) const {
+  if (ent.getType() != CEntAttrib::kType) return false;
+  const auto& attrib = static_cast<const CEntAttrib&>(ent);
+  return sameText(attrib) && attrib.getTag() == m_tag && attrib.getFlags() == m_flags;
+}

@@ -1,0 +1,413 @@
+#include "vek0core/entities/entinsert.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+#include <unordered_map>
+#include <utility>
+
+#include "entities/newornull.h"
+#include "vek0core/drawing/data.h"
+#include "vek0core/entities/block.h"
+#include "vek0core/entities/blockxref.h"
+#include "vek0core/entities/entfactory.h"
+#include "vek0core/entities/entvisitor.h"
+#include "vek0core/entities/insertmatrix.h"
+
+namespace {
+
+bool isFinite(const PNT_3D& p) {
+  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+}  // namespace
+
+CEntInsertBase::CEntInsertBase(long handle, CLayer* layer, CLtype* ltype, short color,
+                               CBlock* block)
+    : CEnt(handle, layer, ltype, color), m_block(block) {
+  dirtyBdry();
+}
+
+CEntInsertBase::CEntInsertBase(IHandleGestor& gestor, CEntFactory& factory,
+                               const CEntInsertBase& src, long handle)
+    : CEnt(src, handle), m_block(src.m_block) {
+  m_attribs.reserve(src.m_attribs.size());
+  for (const auto& attrib : src.m_attribs) {
+    m_attribs.emplace_back(factory.createEntAttrib(gestor, *attrib));
+    if (!m_attribs.back()) throw std::bad_alloc();
+  }
+}
+
+CEntInsertBase::~CEntInsertBase() = default;
+
+void CEntInsertBase::addTbls(IHandleGestor& gestor) const {
+  CEnt::addTbls(gestor);
+  if (m_block != nullptr) m_block->addEntity();
+  for (const auto& attrib : m_attribs) attrib->addTbls(gestor);
+  m_gestor = &gestor;
+}
+
+void CEntInsertBase::removeTbls(IHandleGestor& gestor) const {
+  m_gestor = nullptr;
+  for (const auto& attrib : m_attribs) attrib->removeTbls(gestor);
+  if (m_block != nullptr) m_block->decEntity();
+  CEnt::removeTbls(gestor);
+}
+
+void CEntInsertBase::calcBdry() {
+  RECT_3D box;
+  DoCalcBdry(1, box);
+  setBdry(box);
+}
+
+void CEntInsertBase::add(CEntAttrib* attrib) {
+  if (attrib == nullptr) return;
+  m_attribs.emplace_back(attrib);
+  if (m_gestor != nullptr) attrib->addTbls(*m_gestor);
+  dirtyBdry();
+}
+
+unsigned CEntInsertBase::GetNoAttribs() const { return static_cast<unsigned>(m_attribs.size()); }
+
+CEntAttrib* CEntInsertBase::GetAttrib(unsigned i) const {
+  return i < m_attribs.size() ? m_attribs[i].get() : nullptr;
+}
+
+void CEntInsertBase::getArray(long& columns, long& rows, double& columnSpacing,
+                              double& rowSpacing) const {
+  columns = rows = 1;
+  columnSpacing = rowSpacing = 0;
+}
+
+void CEntInsertBase::setBlock(CBlock* block) {
+  if (m_block != nullptr) m_block->decEntity();
+  m_block = block;
+  if (m_block != nullptr) m_block->addEntity();
+  dirtyBdry();
+}
+
+void CEntInsertBase::DoCalcBdry(double pixelSize, RECT_3D& box) const {
+  box.initRegion();
+  RECT_3D part;
+  if (m_block != nullptr) {
+    const RECT_3D inner = static_cast<const CBlock&>(*m_block).getBdry();
+    long columns, rows;
+    double columnSpacing, rowSpacing;
+    getArray(columns, rows, columnSpacing, rowSpacing);
+    // A cell's offset is linear in row and column, so the four at the corners of the
+    // array reach as far as all of them.
+    const long lastColumn = std::max(columns, 1L) - 1, lastRow = std::max(rows, 1L) - 1;
+    for (int corner = 0; corner < 4; ++corner) {
+      const long row = (corner & 1) ? lastRow : 0, column = (corner & 2) ? lastColumn : 0;
+      if (corner != 0 && row == 0 && column == 0) continue;
+      CEntInsertMatrix(pixelSize, *this, row, column).transform(inner, part);
+      box.updateRegion(part);
+    }
+  }
+  if (!m_attribs.empty()) {
+    const CEntInsertMatrix matrix(pixelSize, *this, 0, 0);
+    for (const auto& attrib : m_attribs) {
+      matrix.transform(attrib->getBdry(), part);
+      box.updateRegion(part);
+    }
+  }
+  if (!isFinite(box.min) || !isFinite(box.max)) box.initRegion();
+}
+
+CEntInsert::CEntInsert(long handle, CLayer* layer, CLtype* ltype, short color, CBlock* block,
+                       const PNT_3D& pnt, double sx, double sy, double sz, double rotation,
+                       long columns, long rows, double columnSpacing, double rowSpacing)
+    : CEntInsertBase(handle, layer, ltype, color, block),
+      m_pnt(pnt),
+      m_sx(sx),
+      m_sy(sy),
+      m_sz(sz),
+      m_rotation(rotation),
+      m_columnSpacing(columnSpacing),
+      m_rowSpacing(rowSpacing),
+      m_columns(columns),
+      m_rows(rows) {}
+
+CEntInsert::CEntInsert(IHandleGestor& gestor, CEntFactory& factory, const CEntInsert& src,
+                       long handle)
+    : CEntInsertBase(gestor, factory, src, handle),
+      m_pnt(src.m_pnt),
+      m_sx(src.m_sx),
+      m_sy(src.m_sy),
+      m_sz(src.m_sz),
+      m_rotation(src.m_rotation),
+      m_columnSpacing(src.m_columnSpacing),
+      m_rowSpacing(src.m_rowSpacing),
+      m_columns(src.m_columns),
+      m_rows(src.m_rows) {}
+
+void CEntInsert::accept(IEntVisitor& visitor) { visitor.visit(*this); }
+
+void CEntInsert::setMemento(CData& data, const IEntDerivedMemento* memento) {
+  if (memento == nullptr) return;
+  const auto& state = static_cast<const CEntInsertMemento&>(*memento);
+  state.m_attribs.restore(data, *this);
+  setInsert(state.m_pnt, state.m_sx, state.m_sy, state.m_sz, state.m_rotation);
+  setArray(state.m_columns, state.m_rows, state.m_columnSpacing, state.m_rowSpacing);
+}
+
+IEntDerivedMemento* CEntInsert::createDerivedMemento() const {
+  return vek0::detail::newOrNull<CEntInsertMemento>(*this);
+}
+
+void CEntInsert::getInsertParams(double, PNT_3D& point, double& sx, double& sy, double& sz,
+                                 double& rotation) const {
+  point = m_pnt;
+  getScale(sx, sy, sz);
+  rotation = m_rotation;
+}
+
+void CEntInsert::getArray(long& columns, long& rows, double& columnSpacing,
+                          double& rowSpacing) const {
+  columns = m_columns;
+  rows = m_rows;
+  columnSpacing = m_columnSpacing;
+  rowSpacing = m_rowSpacing;
+}
+
+void CEntInsert::setPnt(const PNT_3D& pnt) {
+  m_pnt = pnt;
+  dirtyBdry();
+}
+
+void CEntInsert::getScale(double& sx, double& sy, double& sz) const {
+  sx = m_sx;
+  sy = m_sy;
+  sz = m_sz;
+}
+
+void CEntInsert::setScale(double sx, double sy, double sz) {
+  m_sx = sx;
+  m_sy = sy;
+  m_sz = sz;
+  dirtyBdry();
+}
+
+void CEntInsert::setRotate(double rotation) {
+  m_rotation = rotation;
+  dirtyBdry();
+}
+
+void CEntInsert::setArray(long columns, long rows, double columnSpacing, double rowSpacing) {
+  m_columns = columns;
+  m_rows = rows;
+  m_columnSpacing = columnSpacing;
+  m_rowSpacing = rowSpacing;
+  dirtyBdry();
+}
+
+void CEntInsert::setInsert(const PNT_3D& pnt, double sx, double sy, double sz, double rotation) {
+  m_pnt = pnt;
+  m_rotation = rotation;
+  setScale(sx, sy, sz);
+}
+
+CEnt* CEntInsert::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory&,
+                        CBlockTable&, long handle) const {
+  return new (std::nothrow) CEntInsert(gestor, entFactory, *this, handle);
+}
+
+CEntFixedInsert::CEntFixedInsert(long handle, CLayer* layer, CLtype* ltype, short color,
+                                 CBlock* block, const PNT_3D& pnt, double refSize, double pixels,
+                                 double rotation)
+    : CEntInsertBase(handle, layer, ltype, color, block),
+      m_pnt(pnt),
+      m_refSize(refSize),
+      m_pixels(pixels),
+      m_rotation(rotation) {}
+
+CEntFixedInsert::CEntFixedInsert(IHandleGestor& gestor, CEntFactory& factory,
+                                 const CEntFixedInsert& src, long handle)
+    : CEntInsertBase(gestor, factory, src, handle),
+      m_pnt(src.m_pnt),
+      m_refSize(src.m_refSize),
+      m_pixels(src.m_pixels),
+      m_rotation(src.m_rotation) {}
+
+void CEntFixedInsert::accept(IEntVisitor& visitor) { visitor.visit(*this); }
+
+void CEntFixedInsert::setMemento(CData& data, const IEntDerivedMemento* memento) {
+  if (memento == nullptr) return;
+  const auto& state = static_cast<const CEntFixedInsertMemento&>(*memento);
+  state.m_attribs.restore(data, *this);
+  m_refSize = state.m_refSize;
+  setInsert(state.m_pnt, state.m_pixels, state.m_rotation);
+}
+
+void CEntFixedInsert::GetBdry(double pixelSize, RECT_3D& box) const { DoCalcBdry(pixelSize, box); }
+
+void CEntFixedInsert::calcBdry() {
+  RECT_3D box;
+  m_pnt.calc_bdry(box);
+  setBdry(box);
+}
+
+IEntDerivedMemento* CEntFixedInsert::createDerivedMemento() const {
+  return vek0::detail::newOrNull<CEntFixedInsertMemento>(*this);
+}
+
+void CEntFixedInsert::getInsertParams(double pixelSize, PNT_3D& point, double& sx, double& sy,
+                                      double& sz, double& rotation) const {
+  point = m_pnt;
+  sx = sy = sz = m_refSize == 0 ? 0 : m_pixels / m_refSize * pixelSize;
+  rotation = m_rotation;
+}
+
+void CEntFixedInsert::setPnt(const PNT_3D& pnt) {
+  m_pnt = pnt;
+  dirtyBdry();
+}
+
+void CEntFixedInsert::setInsert(const PNT_3D& pnt, double pixels, double rotation) {
+  m_pixels = pixels;
+  m_rotation = rotation;
+  setPnt(pnt);
+}
+
+CEnt* CEntFixedInsert::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory&,
+                             CBlockTable&, long handle) const {
+  return new (std::nothrow) CEntFixedInsert(gestor, entFactory, *this, handle);
+}
+
+CEntInsertXRef::CEntInsertXRef(long handle, CLayer* layer, CLtype* ltype, short color,
+                               CBlockXRefDepend& depend, CBlockXRef* xref, const PNT_3D& pnt,
+                               double sx, double sy, double sz, double rotation, long columns,
+                               long rows, double columnSpacing, double rowSpacing)
+    : CEntInsert(handle, layer, ltype, color, xref, pnt, sx, sy, sz, rotation, columns, rows,
+                 columnSpacing, rowSpacing),
+      m_depend(depend) {}
+
+CEntInsertXRef::CEntInsertXRef(IHandleGestor& gestor, CEntFactory& factory,
+                               const CEntInsertXRef& src, long handle)
+    : CEntInsert(gestor, factory, src, handle), m_depend(src.m_depend) {}
+
+void CEntInsertXRef::accept(IEntVisitor& visitor) { visitor.visit(*this); }
+
+void CEntInsertXRef::addTbls(IHandleGestor& gestor) const {
+  CEntInsert::addTbls(gestor);
+  m_depend.add(getXRef());
+}
+
+void CEntInsertXRef::removeTbls(IHandleGestor& gestor) const {
+  m_depend.remove(getXRef());
+  CEntInsert::removeTbls(gestor);
+}
+
+CBlockXRef* CEntInsertXRef::getXRef() const {
+  CBlock* block = getBlock();
+  return block != nullptr && block->isXRef() ? static_cast<CBlockXRef*>(block) : nullptr;
+}
+
+CEnt* CEntInsertXRef::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory&,
+                            CBlockTable&, long handle) const {
+  return new (std::nothrow) CEntInsertXRef(gestor, entFactory, *this, handle);
+}
+
+namespace vek0::detail {
+
+AttribsMemento::AttribsMemento(const CEntInsertBase& insert) : m_block(insert.getBlock()) {
+  m_attribs.reserve(insert.m_attribs.size());
+  for (const auto& attrib : insert.m_attribs)
+    m_attribs.push_back({attrib.get(), attrib->getLayer(), attrib->getLtype(), attrib->getColor(),
+                         CEntAttribMemento(*attrib)});
+}
+
+bool AttribsMemento::matches(const CEntInsertBase& insert) const {
+  return insert.getBlock() == m_block &&
+         std::equal(m_attribs.begin(), m_attribs.end(), insert.m_attribs.begin(),
+                    insert.m_attribs.end(), [](const Entry& entry, const auto& attrib) {
+                      return attrib.get() == entry.attrib && attrib->getLayer() == entry.layer &&
+                             attrib->getLtype() == entry.ltype &&
+                             attrib->getColor() == entry.color && entry.state == *attrib;
+                    });
+}
+
+void AttribsMemento::restore(CData& data, CEntInsertBase& insert) const {
+  insert.setBlock(m_block);
+  if (m_attribs.size() != insert.m_attribs.size()) return replaceAll(data, insert);
+  for (std::size_t i = 0; i < m_attribs.size(); ++i)
+    reset(data, *insert.m_attribs[i], m_attribs[i]);
+}
+
+void AttribsMemento::reset(CData& data, CEntAttrib& attrib, const Entry& entry) {
+  attrib.setLayer(entry.layer);
+  attrib.setLtype(entry.ltype);
+  attrib.setColor(entry.color);
+  attrib.setMemento(data, &entry.state);
+}
+
+std::unique_ptr<CEntAttrib> AttribsMemento::remake(CData& data, const Entry& entry) {
+  const CEntAttribMemento& state = entry.state;
+  return std::unique_ptr<CEntAttrib>(data.getEntFactory().createEntAttrib(
+      data.getHandleGestor(), entry.layer, entry.ltype, entry.color, state.getText(),
+      state.getTag(), state.getFlags(), 0));
+}
+
+void AttribsMemento::replaceAll(CData& data, CEntInsertBase& insert) const {
+  std::unordered_map<const CEntAttrib*, std::unique_ptr<CEntAttrib>*> present;
+  for (auto& attrib : insert.m_attribs) present.emplace(attrib.get(), &attrib);
+
+  // Everything that can run out of memory comes before the first change.
+  std::vector<std::unique_ptr<CEntAttrib>> restored;
+  for (const Entry& entry : m_attribs) {
+    const bool reuse = present.count(entry.attrib) != 0;
+    restored.push_back(reuse ? nullptr : remake(data, entry));
+    if (!reuse && !restored.back()) return;
+  }
+
+  for (std::size_t i = 0; i < m_attribs.size(); ++i) {
+    if (!restored[i]) {
+      restored[i] = std::move(*present[m_attribs[i].attrib]);
+      reset(data, *restored[i], m_attribs[i]);
+    } else if (insert.m_gestor != nullptr) {
+      restored[i]->addTbls(*insert.m_gestor);
+    }
+  }
+  insert.m_attribs.swap(restored);
+  if (insert.m_gestor == nullptr) return;
+  for (const auto& attrib : restored)
+    if (attrib) attrib->removeTbls(*insert.m_gestor);
+}
+
+}  // namespace vek0::detail
+
+CEntInsertMemento::CEntInsertMemento(const CEntInsert& ent)
+    : m_attribs(ent),
+      m_pnt(ent.m_pnt),
+      m_sx(ent.m_sx),
+      m_sy(ent.m_sy),
+      m_sz(ent.m_sz),
+      m_rotation(ent.m_rotation),
+      m_columnSpacing(ent.m_columnSpacing),
+      m_rowSpacing(ent.m_rowSpacing),
+      m_columns(ent.m_columns),
+      m_rows(ent.m_rows) {}
+
+bool CEntInsertMemento::operator==(const CEnt& ent) const {
+  if (ent.getType() != CEntInsert::kType) return false;
+  const auto& insert = static_cast<const CEntInsert&>(ent);
+  return insert.m_pnt == m_pnt && insert.m_sx == m_sx && insert.m_sy == m_sy &&
+         insert.m_sz == m_sz && insert.m_rotation == m_rotation &&
+         insert.m_columns == m_columns && insert.m_rows == m_rows &&
+         insert.m_columnSpacing == m_columnSpacing && insert.m_rowSpacing == m_rowSpacing &&
+         m_attribs.matches(insert);
+}
+
+CEntFixedInsertMemento::CEntFixedInsertMemento(const CEntFixedInsert& ent)
+    : m_attribs(ent),
+      m_pnt(ent.m_pnt),
+      m_refSize(ent.m_refSize),
+      m_pixels(ent.m_pixels),
+      m_rotation(ent.m_rotation) {}
+
+bool CEntFixedInsertMemento::operator==(const CEnt& ent) const {
+  if (ent.getType() != CEntFixedInsert::kType) return false;
+  const auto& insert = static_cast<const CEntFixedInsert&>(ent);
+  return insert.m_pnt == m_pnt && insert.m_refSize == m_refSize && insert.m_pixels == m_pixels &&
+         insert.m_rotation == m_rotation && m_attribs.matches(insert);
+}

@@ -1,0 +1,48 @@
+#include "vek0core/entities/entline.h"
+
+#include <new>
+
+#include "vek0core/entities/entvisitor.h"
+
+CEntLine::CEntLine(long handle, CLayer* layer, CLtype* ltype, short color, const LINE_3D& line)
+    : CEnt(handle, layer, ltype, color), m_line(line) {
+  CEntLine::calcBdry();
+}
+
+CEntLine::CEntLine(const CEntLine& src, long handle) : CEnt(src, handle), m_line(src.m_line) {}
+
+void CEntLine::accept(IEntVisitor& visitor) { visitor.visit(*this); }
+
+void CEntLine::setMemento(CData&, const IEntDerivedMemento* memento) {
+  if (memento != nullptr) setLine(static_cast<const CEntLineMemento*>(memento)->value());
+}
+
+void CEntLine::calcBdry() {
+  RECT_3D box;
+  m_line.calc_bdry(box);
+  setBdry(box);
+}
+
+IEntDerivedMemento* CEntLine::createDerivedMemento() const {
+  return new (std::nothrow) CEntLineMemento(m_line);
+}
+
+void CEntLine::setLine(const LINE_3D& line) {
+  m_line = line;
+  calcBdry();
+}
+
+void CEntLine::setLine(double x1, double y1, double z1, double x2, double y2, double z2) {
+  m_line.set(x1, y1, z1, x2, y2, z2);
+  calcBdry();
+}
+
+void CEntLine::getLine(double& x1, double& y1, double& z1, double& x2, double& y2,
+                       double& z2) const {
+  m_line.get(x1, y1, z1, x2, y2, z2);
+}
+
+CEnt* CEntLine::clone(IHandleGestor&, CEntFactory&, CBlockFactory&, CBlockTable&,
+                      long handle) const {
+  return new (std::nothrow) CEntLine(*this, handle);
+}

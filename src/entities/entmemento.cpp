@@ -1,0 +1,16 @@
+#include "vek0core/entities/entmemento.h"
+
+CEntBaseMemento::CEntBaseMemento(CLayer* layer, CLtype* ltype, short color)
+    : m_layer(layer), m_ltype(ltype), m_color(color) {}
+
+CEntBaseMemento::~CEntBaseMemento() = default;
+
+bool CEntBaseMemento::operator==(const CEnt& ent) const { return ent.operator==(*this); }
+
+bool CEntBaseMemento::operator!=(const CEnt& ent) const { return !ent.operator==(*this); }
+
+IEntDerivedMemento::~IEntDerivedMemento() = default;
+
+bool IEntDerivedMemento::operator!=(const CEnt& ent) const { return !operator==(ent); }
+
+IEntDerivedMemento* IEntDerivedMemento::fitMemento(const CEnt&) { return nullptr; }

@@ -1,0 +1,219 @@
+#include "vek0core/entities/enttable.h"
+
+#include <map>
+#include <unordered_map>
+#include <utility>
+
+#include "vek0core/entities/entinsert.h"
+#include "vek0core/tables/layer.h"
+
+namespace {
+
+constexpr long kFrozen = 1;  // flag of a layer
+
+bool isFrozen(const CEnt& ent) {
+  return ent.getLayer() != nullptr && (ent.getLayer()->getFlags() & kFrozen) != 0;
+}
+
+// Whether taking away [lo, hi] can change the extents [min, max] of one axis. On a
+// flat axis it cannot: every box has that same value there, and another box remains
+// because the caller finds this one strictly inside on some axis that is not flat.
+bool reachesEnds(double lo, double hi, double min, double max) {
+  return min != max && (lo <= min || hi >= max);
+}
+
+}  // namespace
+
+/// Entities by handle; among equal handles, which a file may contain any number of,
+/// by their rank in the table.
+class CEntTable::HandleIndex {
+ public:
+  void add(CEnt* ent) {
+    const long handle = ent->GetHandle();
+    if (handle == 0) return;
+    const auto [at, isNew] = m_first.try_emplace(handle, ent);
+    if (!isNew) m_others.emplace(std::make_pair(handle, ent->m_pos), ent);
+  }
+
+  void remove(const CEnt* ent) {
+    const long handle = ent->GetHandle();
+    const auto first = m_first.find(handle);
+    if (first == m_first.end()) return;
+    if (first->second != ent) {
+      m_others.erase({handle, ent->m_pos});
+      return;
+    }
+    const auto next = m_others.lower_bound({handle, 0});
+    if (next == m_others.end() || next->first.first != handle) {
+      m_first.erase(first);
+      return;
+    }
+    first->second = next->second;
+    m_others.erase(next);
+  }
+
+  CEnt* get(long handle) const {
+    const auto first = m_first.find(handle);
+    return first == m_first.end() ? nullptr : first->second;
+  }
+
+ private:
+  std::unordered_map<long, CEnt*> m_first;
+  std::map<std::pair<long, std::size_t>, CEnt*> m_others;
+};
+
+CEntTable::CEntTable(IHandleGestor& gestor, CBlockXRefDepend& depend)
+    : m_depend(depend), m_gestor(&gestor) {
+  m_bdry.initRegion();
+}
+
+CEntTable::CEntTable(const CEntTable& src)
+    : m_depend(src.m_depend),
+      m_entities(src.m_entities),
+      m_selected(src.m_selected),
+      m_gestor(src.m_gestor),
+      m_bdry(src.m_bdry),
+      m_bdryValid(src.m_bdryValid),
+      m_isView(true) {}
+
+CEntTable::~CEntTable() { clearAll(); }
+
+void CEntTable::add(CEnt* ent) {
+  if (ent == nullptr || ent->m_owner != nullptr || m_isView) return;
+  ent->m_node = m_entities.insert(m_entities.end(), ent);
+  ent->m_owner = this;
+  ent->m_pos = m_nextRank++;
+  ent->addTbls(*m_gestor);
+  if (m_index != nullptr) m_index->add(ent);
+  if (m_bdryValid && !isFrozen(*ent)) m_bdry.updateRegion(ent->getBdry());
+}
+
+void CEntTable::remove(CEnt* ent) {
+  if (!holds(ent)) return;
+  unselect(ent);
+  if (m_bdryValid && reachesBorder(*ent)) m_bdryValid = false;
+  if (m_index != nullptr) m_index->remove(ent);
+  m_entities.erase(ent->m_node);
+  ent->m_owner = nullptr;
+  ent->removeTbls(*m_gestor);
+}
+
+// The extents of all entities change by removing one only if its box touches theirs,
+// so a loop that removes and asks does not compute them each time. The box of an
+// insert may be out of date: its block can change after it was added.
+bool CEntTable::reachesBorder(const CEnt& ent) const {
+  if (ent.getEntInsert() != nullptr) return true;
+  const RECT_3D& box = ent.getBdry();
+  if (!box.validRegion()) return false;
+  const PNT_3D& min = m_bdry.min;
+  const PNT_3D& max = m_bdry.max;
+  return min == max || reachesEnds(box.min.x, box.max.x, min.x, max.x) ||
+         reachesEnds(box.min.y, box.max.y, min.y, max.y) ||
+         reachesEnds(box.min.z, box.max.z, min.z, max.z);
+}
+
+void CEntTable::select(CEnt* ent) {
+  if (!holds(ent) || ent->isSelected()) return;
+  ent->setSelectStatus(m_selected.insert(m_selected.end(), ent));
+}
+
+void CEntTable::unselect(CEnt* ent) {
+  if (!holds(ent) || !ent->isSelected()) return;
+  m_selected.erase(ent->getSelectStatus());
+  ent->unselect();
+}
+
+void CEntTable::select(CEnt* ent, bool on) { on ? select(ent) : unselect(ent); }
+
+void CEntTable::unselectAll() {
+  if (m_isView) return;
+  for (CEnt* ent : m_selected) ent->unselect();
+  m_selected.clear();
+}
+
+CEnt* CEntTable::get(long handle) const {
+  if (handle == 0) {
+    for (CEnt* ent : m_entities) {
+      if (ent->GetHandle() == 0) return ent;
+    }
+    return nullptr;
+  }
+  if (m_index == nullptr) {
+    m_index = std::make_unique<HandleIndex>();
+    for (CEnt* ent : m_entities) m_index->add(ent);
+  }
+  return m_index->get(handle);
+}
+
+const RECT_3D& CEntTable::getBdry() const {
+  if (!m_bdryValid) recalcBdry();
+  return m_bdry;
+}
+
+void CEntTable::recalcBdry() const {
+  m_bdry.initRegion();
+  for (CEnt* ent : m_entities) {
+    if (isFrozen(*ent)) continue;
+    if (ent->getEntInsert() != nullptr) ent->calcBdry();
+    m_bdry.updateRegion(ent->getBdry());
+  }
+  m_bdryValid = true;
+}
+
+void CEntTable::clearAll() {
+  unselectAll();
+  m_index.reset();
+  if (!m_isView) {
+    for (CEnt* ent : m_entities) {
+      ent->removeTbls(*m_gestor);
+      delete ent;
+    }
+  }
+  m_entities.clear();
+  m_selected.clear();
+  m_bdry.initRegion();
+  m_bdryValid = true;
+}
+
+CEntTable::CEntIterator::CEntIterator(CEntTable& table, bool all)
+    : m_table(table), m_all(all), m_current(list().begin()) {}
+
+CEntTable::CEntIterator::~CEntIterator() = default;
+
+std::list<CEnt*>& CEntTable::CEntIterator::list() const {
+  return m_all ? m_table.m_entities : m_table.m_selected;
+}
+
+CEnt* CEntTable::CEntIterator::operator*() const { return isLast() ? nullptr : *m_current; }
+
+CEntTable::CEntIterator& CEntTable::CEntIterator::operator++() {
+  if (!isLast()) ++m_current;
+  return *this;
+}
+
+CEntTable::CEntIterator CEntTable::CEntIterator::operator++(int) {
+  CEntIterator before(*this);
+  ++*this;
+  return before;
+}
+
+CEntTable::CEntIterator& CEntTable::CEntIterator::operator--() {
+  if (m_current != list().begin()) --m_current;
+  return *this;
+}
+
+CEntTable::CEntIterator CEntTable::CEntIterator::operator--(int) {
+  CEntIterator before(*this);
+  --*this;
+  return before;
+}
+
+bool CEntTable::CEntIterator::isLast() const { return m_current == list().end(); }
+
+long CEntTable::CEntIterator::get_no_entities() const { return static_cast<long>(list().size()); }
+
+void CEntTable::CEntIterator::remove() {
+  CEnt* ent = **this;
+  ++*this;
+  m_all ? m_table.remove(ent) : m_table.unselect(ent);
+}

@@ -1,0 +1,121 @@
+#include "vek0core/entities/insertstack.h"
+
+#include <gtest/gtest.h>
+
+#include "entities/scene.h"
+#include "vek0core/entities/block.h"
+#include "vek0core/entities/entinsert.h"
+#include "vek0core/tables/layer.h"
+
+namespace {
+
+using vek0::test::Scene;
+
+constexpr short kByBlock = 0, kByLayer = 256;
+
+class InsertStack : public testing::Test {
+ protected:
+  InsertStack() : dashed(makeLtype(u"DASHED")), dotted(makeLtype(u"DOTTED")) {
+    wall = createLayer(u"WALL", dashed, 3);
+    door = createLayer(u"DOOR", dotted, 5);
+  }
+
+  CLtype* makeLtype(const char16_t* name) {
+    double dash = 1;
+    CLtype* ltype = scene.data->getLtypeFactory().create(name, u"", &dash, 1, 0);
+    addLtype(*scene.data, ltype);
+    return ltype;
+  }
+
+  CLayer* createLayer(const char16_t* name, CLtype* ltype, short color) {
+    CLayer* layer = scene.data->getLayerFactory().create(name, ltype, color, 0);
+    addLayer(*scene.data, layer);
+    return layer;
+  }
+
+  std::unique_ptr<CEntInsert> insert(CLayer* layer, CLtype* ltype, short color) {
+    return std::unique_ptr<CEntInsert>(scene.factory.createEntInsert(
+        scene.gestor, layer, ltype, color, nullptr, PNT_3D(0, 0, 0), 1, 1, 1, 0, 1, 1, 0, 0, 0));
+  }
+
+  CLtype* byLayer() { return &scene.data->getLtypeByLayer(); }
+  CLtype* byBlock() { return &scene.data->getLtypeByBlock(); }
+
+  Scene scene;
+  CLtype* dashed;
+  CLtype* dotted;
+  CLayer* wall;
+  CLayer* door;
+};
+
+TEST_F(InsertStack, RemembersTheWayIn) {
+  const auto a = insert(wall, byLayer(), kByLayer), b = insert(door, byLayer(), kByLayer);
+  CEntInsertStack stack(1);
+  EXPECT_EQ(stack.GetBaseInsert(), nullptr);
+  EXPECT_EQ(stack.GetTopMostInsert(), nullptr);
+  stack.Pop();
+  stack.Push(a.get(), 0, 0);
+  stack.Push(b.get(), 0, 0);
+  EXPECT_EQ(stack.GetState().GetNoInsert(), 2);
+  EXPECT_EQ(stack.GetBaseInsert(), a.get());
+  EXPECT_EQ(stack.GetTopMostInsert(), b.get());
+  EXPECT_EQ(stack.GetInsert(2), nullptr);
+  stack.Pop();
+  EXPECT_EQ(stack.GetTopMostInsert(), a.get());
+  EXPECT_EQ(stack.GetCurLayer(), wall);
+  stack.Pop();
+  EXPECT_EQ(stack.GetCurLayer(), nullptr);
+}
+
+TEST_F(InsertStack, TheLayerOfTheInsertCountsUnlessItIsLayer0Inside) {
+  CLayer* zero = scene.layer();
+  const auto onWall = insert(wall, byLayer(), kByLayer), onZero = insert(zero, byLayer(), kByLayer);
+  CEntInsertStack stack(1);
+  stack.Push(onZero.get(), 0, 0);
+  EXPECT_EQ(stack.GetCurLayer(), zero) << "there is none around it";
+  stack.Push(onWall.get(), 0, 0);
+  EXPECT_EQ(stack.GetCurLayer(), wall);
+  stack.Push(onZero.get(), 0, 0);
+  EXPECT_EQ(stack.GetCurLayer(), wall);
+}
+
+TEST_F(InsertStack, ResolvesWhatEntitiesTakeOver) {
+  CLayer* zero = scene.layer();
+  CLayer* circular = createLayer(u"CIRCULAR", byLayer(), 6);
+  const auto plain = insert(wall, byLayer(), kByLayer), coloured = insert(door, dashed, 1),
+             passing = insert(zero, byBlock(), kByBlock);
+  const struct {
+    const char* name;
+    std::vector<const CEntInsertBase*> inserts;
+    CLayer* layer;
+    CLtype* ltype;
+    short color;
+    CLayer* expectLayer;
+    CLtype* expectLtype;  // null is Continuous
+    short expectColor;
+  } cases[] = {
+      {"own values", {}, wall, dotted, 9, wall, dotted, 9},
+      {"by layer", {}, wall, byLayer(), kByLayer, wall, dashed, 3},
+      {"by block without a block", {}, wall, byBlock(), kByBlock, wall, nullptr, 7},
+      {"the layer's linetype refers back", {}, circular, byLayer(), kByLayer, circular, nullptr, 6},
+      {"no layer, no linetype", {}, nullptr, nullptr, kByLayer, nullptr, nullptr, 7},
+      {"layer 0 takes the insert's", {plain.get()}, zero, byLayer(), kByLayer, wall, dashed, 3},
+      {"other layers stay", {plain.get()}, door, byLayer(), kByLayer, door, dotted, 5},
+      {"by block is the insert's layer", {plain.get()}, door, byBlock(), kByBlock, door, dashed, 3},
+      {"by block is the insert's own", {coloured.get()}, zero, byBlock(), kByBlock, door, dashed, 1},
+      {"passed on from further out", {coloured.get(), passing.get()}, zero, byBlock(), kByBlock,
+       door, dashed, 1},
+      {"nobody gives a colour", {passing.get()}, zero, byBlock(), kByBlock, zero, nullptr, 7},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    CEntInsertStack stack(1);
+    for (const CEntInsertBase* entered : t.inserts) stack.Push(entered, 0, 0);
+    const auto ent = insert(t.layer, t.ltype, t.color);
+    EXPECT_EQ(stack.ResolveLayer(*ent), t.expectLayer);
+    EXPECT_EQ(stack.ResolveLtype(*ent), t.expectLtype);
+    EXPECT_EQ(stack.ResolveColor(*ent), t.expectColor);
+  }
+}
+
+}  // namespace

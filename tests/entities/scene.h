@@ -1,0 +1,80 @@
+#pragma once
+
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "vek0core/drawing/data.h"
+#include "vek0core/drawing/datafactory.h"
+#include "vek0core/drawing/functions.h"
+#include "vek0core/entities/entfactory.h"
+#include "vek0core/entities/entline.h"
+#include "vek0core/geometry/line.h"
+#include "vek0core/geometry/pnt.h"
+#include "vek0core/tables/handle.h"
+
+namespace vek0::test {
+
+/// Handle manager that writes down what it is asked; with `manages` it says that it
+/// manages handles.
+class RecordingGestor : public CHandleGestorFoo {
+ public:
+  explicit RecordingGestor(bool manages = false) : m_manages(manages) {}
+  void reserve(const IHandleEnt* ent) override { reserved.push_back(ent->GetHandle()); }
+  void release(long handle) override { released.push_back(handle); }
+  bool handling() const override { return m_manages; }
+
+  std::vector<long> reserved;
+  std::vector<long> released;
+
+ private:
+  bool m_manages;
+};
+
+/// A new drawing with what tests of entities need at hand.
+struct Scene {
+  Scene() : data(CDataFactory().createData()) {}
+  ~Scene() { deleteData(data); }
+  Scene(const Scene&) = delete;
+  Scene& operator=(const Scene&) = delete;
+
+  CLayer* layer() { return &data->getLayer0(); }
+  CLtype* ltype() { return &data->getLtypeContinuous(); }
+
+  CEntLine* line(double x1, double y1, double x2, double y2, long handle = 0) {
+    return factory.createEntLine(gestor, layer(), ltype(), 7, LINE_3D(x1, y1, 0, x2, y2, 0),
+                                 handle);
+  }
+
+  CData* data;
+  RecordingGestor gestor;
+  CEntFactory factory;
+};
+
+/// Points written "x,y x,y ..." or "x,y,z ...".
+inline std::vector<PNT_3D> pts(const std::string& text) {
+  std::vector<PNT_3D> points;
+  std::istringstream words(text);
+  for (std::string word; words >> word;) {
+    std::istringstream numbers(word);
+    double xyz[3] = {0, 0, 0};
+    char comma;
+    for (double& number : xyz) {
+      if (!(numbers >> number)) break;
+      numbers >> comma;
+    }
+    points.emplace_back(xyz[0], xyz[1], xyz[2]);
+  }
+  return points;
+}
+
+}  // namespace vek0::test
+
+/// How failed expectations show these; found by argument-dependent lookup.
+inline std::ostream& operator<<(std::ostream& out, const PNT_3D& p) {
+  return out << '(' << p.x << ", " << p.y << ", " << p.z << ')';
+}
+inline std::ostream& operator<<(std::ostream& out, const RECT_3D& r) {
+  return out << '[' << r.min << ", " << r.max << ']';
+}
