@@ -67,4 +67,11 @@
 #include "vek0core/drawing/datavariables.h"
 #include "vek0core/drawing/functions.h"
 
+#include "vek0core/dxfin/filedxfierror.h"
+#include "vek0core/dxfin/filedxfilexer.h"
+#include "vek0core/dxfin/filedxfiparser.h"
+#include "vek0core/dxfin/filedxfisemantor.h"
+#include "vek0core/dxfin/loaddxf.h"
 
+#include "vek0core/dxfout/nameacadconverter.h"
+#include "vek0core/dxfout/savedxf.h"

@@ -1,0 +1,111 @@
+#pragma once
+
+#include <cstddef>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "vek0core/dxfin/filedxfioptions.h"
+#include "vek0core/dxfin/filedxfisemantor.h"
+
+class CBlockXRef;
+class CData;
+class CEntInsertBase;
+class CFileDXFIError;
+
+/// Everything in which loading into a drawing and importing into one agree.
+///
+/// The drawing and the error record are borrowed and outlive the semantor.
+class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
+ public:
+  IFileDXFIDataSemantor(CData& data, CFileDXFIError* err, const CFileDXFIOptions& options = {});
+
+  void unrecovableError() override {}
+  void transition() override {}
+  CDataVariables* getVars() override;
+
+  /// Fills a layer that an entity brought into being; a declared one wins.
+  void createLayer(const zim::WString& name, CLtype* ltype, short colour, long flags) override;
+  void createLayerXRef(const zim::WString& xref, const zim::WString& name, CLtype* ltype,
+                       short colour, long flags) override;
+  void createLtype(const zim::WString& name, const zim::WString& description,
+                   CLtypeComplexDashSeq& dashes, long flags) override;
+  void createLtypeXRef(const zim::WString& xref, const zim::WString& name,
+                       const zim::WString& description, CLtypeComplexDashSeq& dashes,
+                       long flags) override;
+  void createStyle(const zim::WString& name, const ICADFont* font, double fixedHeight,
+                   double widthScale, double oblique, double lastHeight, long flags) override;
+  /// Fills an external reference that dependent names announced; one with a path
+  /// keeps it.
+  void createBlockXRef(const zim::WString& name, const zim::WString& path, const PNT_3D& base,
+                       long flags) override;
+  CBlock* createBlockHurried(const zim::WString& name, long flags) override;
+
+  void add(CEnt* ent) override;
+  CLtype* getLtype(const zim::WString& name) override;
+  CLtypeByLayer* getLtypeByLayer() override;
+  CLayer* getLayer(const zim::WString& name) override;
+  CStyle* getStyle(const zim::WString& name) override;
+  CStyle* getStyleStandard() override;
+  CBlock* getBlock(const zim::WString& name) override;
+  CBlockFactory& getBlockFactory() override;
+  CBlockTable& getBlockTable() override;
+  CBlockXRefDepend& getDepend() override;
+  IHandleGestor& getHandleGestor() override;
+  CEntFactory& getEntFactory() override;
+  CBlock* findBlock(const zim::WString& name) override;
+  CLayer* createLayerHurried(const zim::WString& name) override;
+  const ICADFont* getFont(const zim::WString& name) override;
+
+ protected:
+  IFileDXFIDataSemantor(const IFileDXFIDataSemantor&) = default;
+
+  CData& data() const { return m_data; }
+
+  /// The external reference of that name; null and error 10 when there is none.
+  CBlockXRef* getXRef(const zim::WString& name);
+  /// Creates the block and moves the entities into it.
+  void createFreshBlock(const zim::WString& name, const PNT_3D& base, long flags,
+                        std::list<CEnt*>& entities);
+  /// Gives an existing block a new definition and deletes the old entities; error 9,
+  /// with the new ones deleted, when it would come to insert itself.
+  void redefineBlock(CBlock& block, const PNT_3D& base, long flags, std::list<CEnt*>& entities);
+  /// Whether an external reference bears the name, which is then error 10.
+  bool isXRefName(const zim::WString& name);
+  /// Whether the block was made for an insert that came before its definition.
+  bool isPlaceholder(const CBlock& block) const;
+  /// The placeholders that were not defined, in the order in which they were made.
+  std::vector<CBlock*> undefinedBlocks() const;
+  /// Settles what only the whole file tells: inserts of external references that
+  /// were declared after them, and extents.
+  void settle();
+  /// Takes a block out of the drawing and deletes it; nothing may insert it.
+  void dropBlock(CBlock& block);
+
+  /// Deletes entities that found no place.
+  static void discard(std::list<CEnt*>& entities);
+  void note(const char* code, const zim::WString& sample) const;
+
+ private:
+  struct Placeholder {
+    CBlock* block;
+    bool defined;
+    CBlockXRef* xref;  // what it turned out to be
+  };
+
+  void fail(int kind) const;
+  CBlockXRef* findXRef(const zim::WString& name) const;
+  CBlockXRef* needXRef(const zim::WString& name);
+  CBlockXRef* addXRef(const zim::WString& name, const zim::WString& path, const PNT_3D& base,
+                      long flags);
+  Placeholder* findPlaceholder(const CBlock& block);
+  bool repoint(CEntInsertBase& insert);
+  void repointInserts();
+
+  CData& m_data;
+  CFileDXFIError* m_err;
+  CFileDXFIOptions m_options;
+  std::unordered_set<const CLayer*> m_hurriedLayers;
+  std::vector<Placeholder> m_placeholders;
+  std::unordered_map<const CBlock*, std::size_t> m_placeholderIndex;
+};

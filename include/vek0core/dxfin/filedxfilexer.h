@@ -1,0 +1,116 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "vek0core/export.h"
+#include "vek0core/files/file.h"
+#include "vek0core/files/smartstring.h"
+#include "vek0core/files/textcodec.h"
+#include "zim0lang/wstring.h"
+
+class CFileDXFIError;
+class CFileReport;
+
+namespace vek0::detail {
+class LineReader;
+}
+
+/// Turns a file into pairs of group code and value.
+///
+/// Errors are recorded, never thrown, and a sentinel is returned: callers test
+/// `HasAnError` before they go on. The file is read from where it stands when
+/// `read` is first called: in blocks of bytes when it offers bytes, else by lines;
+/// both give the same pairs. The value stays bytes until its text is asked for.
+///
+/// A copy goes on in the same file: each pair comes to whoever reads first, and
+/// both keep their current pair.
+class VEK0_API CFileDXFILexer {
+ public:
+  /// Units of the value buffer, terminator included. Of a longer value the first
+  /// 8191 units are kept and the report told ("line cut").
+  static constexpr long kBufferUnits = 8192;
+
+  /// Both are borrowed; the error record may be null, then nobody is told.
+  CFileDXFILexer(IFile& file, CFileDXFIError* err);
+  CFileDXFILexer(const CFileDXFILexer& other);
+  CFileDXFILexer& operator=(const CFileDXFILexer&) = delete;
+  ~CFileDXFILexer();
+
+  /// Reads the next pair that is not a comment (999) and returns its group code,
+  /// which is within 32 bits. Returns -1 with error 5 when the code's line is empty,
+  /// and with error 13 at the end of the file or when reading fails; the value is
+  /// empty then, code and line count stand as far as the pair was read.
+  long read();
+
+  /// The code of the current pair.
+  long getGroupValue() const { return m_group; }
+  /// Lines read so far, comments included.
+  long getLine() const { return m_line; }
+
+  /// The value without trailing blanks, tabs and line end, decoded and otherwise as
+  /// it stands: escapes are kept. Ask anew after every `read`.
+  const SmartString& getString() const;
+
+  /// The value's bytes, trailing blanks gone, in the encoding of the file, or in
+  /// UTF-8 when the file is read by lines or is UTF-16. Valid until the next
+  /// `read`. What keywords and caches compare.
+  std::string_view getBytes() const { return m_value; }
+
+  /// Whether the value is that keyword, which is upper-case ASCII, in any case.
+  bool isKeyword(std::string_view keyword) const;
+
+  /// The value as text: decoded, escapes and carets replaced.
+  zim::WString getText() const;
+
+  /// The value as a number: 0 for junk. An empty value is error 6, a number that is
+  /// not finite error 15; 0 is returned then.
+  double getDouble() const;
+  /// The value as a whole number within 32 bits; -1 with error 6 when it is empty.
+  long getInt() const;
+  /// The value as an unchecked hexadecimal number, modulo the range of `long`; -1
+  /// with error 6 when it is empty.
+  long getHex() const;
+
+  /// How bytes from now on are taken as text: what the header declares. A byte
+  /// order mark at the start of the file wins over it.
+  void setCodePage(int page);
+  /// How bytes were taken as text so far, as "utf-8" or "windows-1252"; "utf-16" of
+  /// a file that is read by lines, whose bytes are not seen here.
+  std::string getEncodingName() const;
+
+  /// Where cut values are reported; null, as at first, for nowhere. Borrowed.
+  void setReport(CFileReport* report) { m_report = report; }
+
+ private:
+  void start();
+  bool readLine(std::string_view& line, bool& whole);
+  bool readLineOfFile(std::string_view& line, bool& whole);
+  bool readCode();
+  bool readValue();
+  long fail();
+  void finishLongValue(bool whole);
+  bool skipRestOfLine();
+  void keepValue() const;
+  bool isNumberMissing() const;
+  void setError(int kind) const;
+
+  IFile& m_file;
+  CFileDXFIError* m_error;
+  CFileReport* m_report = nullptr;
+  std::shared_ptr<vek0::detail::LineReader> m_lines;  // shared with copies
+  bool m_started = false;
+  bool m_byBytes = false;  // known once started
+  mutable CTextDecoder m_decoder;
+
+  long m_line = 0;
+  long m_group = 0;
+  mutable std::string_view m_value;              // into m_lines, or all of m_own's front
+  mutable std::string m_own;                     // the value where m_lines does not keep it
+  std::string m_scratch;                         // by lines: the line just read, as UTF-8
+  mutable std::unique_ptr<zim::Char[]> m_units;  // the value buffer, made when first needed
+  mutable SmartString m_string;
+  mutable bool m_widened = false;  // m_units holds the current value
+};

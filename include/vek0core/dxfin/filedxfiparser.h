@@ -1,0 +1,146 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "vek0core/dxfin/filedxfierror.h"
+#include "vek0core/dxfin/filedxfilexer.h"
+#include "vek0core/dxfin/filedxfioptions.h"
+#include "vek0core/dxfin/filedxfisemantor.h"
+#include "vek0core/export.h"
+#include "zim0lang/wstring.h"
+
+class IFile;
+
+namespace vek0::detail {
+class CFileDXFIVersionLoader;
+}
+
+/// Reads a text DXF file section by section and hands what it understands to a
+/// semantor; what it does not understand it skips.
+///
+/// One parser reads one file once. File, semantor, factory, error record and
+/// report are borrowed. The first error ends the reading.
+class VEK0_API CFileDXFIParser {
+ public:
+  /// A failure as a value, for hosts that want to throw one. The reader itself
+  /// reports through `CFileDXFIError` and throws nothing.
+  class FileDXFException {
+   public:
+    FileDXFException(const zim::WString& file, long number, long line, long param1, long param2)
+        : m_file(file), m_number(number), m_line(line), m_param1(param1), m_param2(param2) {}
+    const zim::WString& getErrorFile() const { return m_file; }
+    long getErrorNumber() const { return m_number; }
+    long getErrorLine() const { return m_line; }
+    long getParam1() const { return m_param1; }
+    long getParam2() const { return m_param2; }
+
+   private:
+    zim::WString m_file;
+    long m_number, m_line, m_param1, m_param2;
+  };
+
+  CFileDXFIParser(IFile& file, IFileDXFISemantor& semantor, CEntFactory& factory,
+                  CFileDXFIError* err, const CFileDXFIOptions& options = {});
+  CFileDXFIParser(const CFileDXFIParser&) = delete;
+  CFileDXFIParser& operator=(const CFileDXFIParser&) = delete;
+  virtual ~CFileDXFIParser();
+
+  /// Opens the file, reads it, closes it. False with no error recorded when it
+  /// cannot be opened, false with one after a failure: the record then holds kind,
+  /// line and file name. Running out of memory is error 1.
+  bool load();
+
+  /// `$ACADVER` as the file gives it; empty when there was none.
+  const zim::WString& getVersionName() const { return m_versionName; }
+  /// How the file's bytes were taken for text.
+  std::string getEncodingName() const { return m_lexer.getEncodingName(); }
+
+ protected:
+  bool doLoad();
+  void readGlobal();
+
+  void readHeader();
+  void readHeaderString(const zim::WString& name, const zim::WString& value);
+  void readHeaderDouble(const zim::WString& name, const double (&value)[3]);
+  void readHeaderLong(const zim::WString& name, long value);
+
+  void readTables();
+  /// Skips a table's own pairs, up to its first entry.
+  void readPreambolo();
+  void readTablesLtype();
+  void readTablesLayer();
+  void readTablesStyle();
+  void readTablesOther();
+
+  void readBlocks();
+  void readEntities();
+  /// Reads one entity record. Null when it gives nothing; the caller owns it. What
+  /// it gives beyond that waits in the version loader.
+  CEnt* readAnEntity();
+  /// Skips the current record.
+  void readEntityOther();
+  void readOtherSection();
+
+  // Shortcuts to the lexer.
+  long read() { return m_lexer.read(); }
+  long getGroupValue() const { return m_lexer.getGroupValue(); }
+  const SmartString& getString() const { return m_lexer.getString(); }
+  double getDouble() const { return m_lexer.getDouble(); }
+  long getInt() const { return m_lexer.getInt(); }
+  long getHex() const { return m_lexer.getHex(); }
+
+ private:
+  struct HeaderValue;
+  struct LayerEntry;
+  struct StyleEntry;
+  struct BlockHeader;
+  class OwnedEntities;
+  using ReadEntry = void (CFileDXFIParser::*)();
+
+  void RealizeVersion();
+  void takeVersion(const zim::WString& name);
+  void takeCodePage();
+  void readHeaderVariable();
+  void collect(long code, HeaderValue& value);
+  void readHeaderValue(const zim::WString& name, const HeaderValue& value);
+  void takeCurrentItems();
+  void readSection();
+  void readTable();
+  void readEntries(std::string_view keyword, ReadEntry readEntry);
+  void readLtypeEntry();
+  void readLayerEntry();
+  void readLayerPair(long code, LayerEntry& layer);
+  void createLayer(const LayerEntry& layer);
+  void readStyleEntry();
+  void readStylePair(long code, StyleEntry& style);
+  double styleNumber(double least, double most, StyleEntry& style);
+  void createStyle(const StyleEntry& style);
+  void readBlock();
+  void readBlockHeader(BlockHeader& block);
+  void readBlockEntities(OwnedEntities& entities);
+  void createBlock(const BlockHeader& block, OwnedEntities& entities);
+  void skipTo(std::string_view keyword);
+
+  bool failed() const { return m_err.HasAnError(); }
+  void fail(CFileDXFIError::TDXFErrors kind) { m_err.SetError(kind); }
+  bool isKeyword(std::string_view keyword) const { return m_lexer.isKeyword(keyword); }
+  /// Reads a pair, which has to be of this group code: else error 13.
+  bool expect(long code);
+  /// Whether the current pair opens a record and no error is recorded: else error 13.
+  bool atRecord();
+
+  IFile& m_file;
+  CFileDXFIError m_ownErr;  // stands in when the caller wants no record
+  CFileDXFIError& m_err;
+  CFileDXFILexer m_lexer;
+  IFileDXFISemantor& m_semantor;
+  CFileDXFIOptions m_options;
+  zim::WString m_curLtype = u"ByLayer", m_curLayer = u"0", m_curStyle = u"Standard";
+  short m_version = 0;  // 0 none seen, 1 R12 ... 4 AC1015
+  zim::WString m_versionName, m_codePageName;
+  CEntFactory& m_factory;
+  std::unique_ptr<vek0::detail::CFileDXFIVersionLoader> m_pACADVersionLoader;
+  long m_faultLine = 0;  // 0: the error is where the lexer stands
+};

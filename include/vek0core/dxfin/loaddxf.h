@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+
+#include "vek0core/dxfin/filedxfioptions.h"
+#include "vek0core/export.h"
+#include "zim0lang/wstring.h"
+
+class CData;
+class CFileDXFIError;
+class IFile;
+
+/// Reads `file` into `data`, which is expected to be new and empty; in any other
+/// drawing the file's definitions replace those of equal names.
+///
+/// The outcome is in `err` (null: nobody wants to know). After an error the
+/// drawing holds what was read until then, in good order. A file that cannot be
+/// opened leaves no error: ask `file.fail()`. Handles are kept. Running out of
+/// memory is error 1. The cost is linear in the file.
+VEK0_API void loadDXF(CData& data, IFile& file, CFileDXFIError* err);
+
+/// Reads `file` into `data` beside what the drawing holds, which wins where names
+/// are equal; anonymous blocks are renamed. Otherwise as `loadDXF`.
+VEK0_API void importDXF(CData& data, IFile& file, CFileDXFIError* err);
+
+/// How a reading ended, and what the file says of itself.
+struct CFileDXFIResult {
+  enum Status { Done, NotOpened, Failed };
+  Status status = NotOpened;
+  zim::WString version;  ///< `$ACADVER` as written, empty when the file has none
+  std::string encoding;  ///< how bytes were taken for text, as "utf-8" or "windows-1252"
+};
+
+/// The same with a report and a policy.
+VEK0_API CFileDXFIResult loadDXF(CData& data, IFile& file, CFileDXFIError* err,
+                                 const CFileDXFIOptions& options);
+VEK0_API CFileDXFIResult importDXF(CData& data, IFile& file, CFileDXFIError* err,
+                                   const CFileDXFIOptions& options);

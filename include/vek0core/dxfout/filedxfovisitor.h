@@ -1,0 +1,98 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "vek0core/entities/entvisitor.h"
+#include "vek0core/export.h"
+
+class CData;
+class CEnt;
+class CFileDXFOWriter;
+class CFileReport;
+class CNameAcadConverter;
+class CStyle;
+class PNT_3D;
+class TEXT_3D;
+
+namespace vek0::detail {
+class SaveFilter;
+class SaveHandles;
+class SavedNames;
+struct SavedVertex;
+}  // namespace vek0::detail
+
+/// Writes entities as DXF records, one `visit` an entity.
+///
+/// Every record begins with its kind, handle, layer, linetype unless it is BYLAYER,
+/// and colour unless it is BYLAYER. Angles are written in degrees. Entities with a
+/// number that is NaN or infinite, and inserts of a block that the drawing does not
+/// have, are left out and reported. `SetACADNameConverter` must be called first.
+class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
+ public:
+  /// Writes through `writer`, which is borrowed as the drawing is, whose blocks are
+  /// looked at once, here. With `flatten` every point is written with Z = 0.
+  CFileDXFOVisitor(const CData& data, CFileDXFOWriter& writer, bool flatten);
+  CFileDXFOVisitor(const CFileDXFOVisitor&) = delete;
+  CFileDXFOVisitor& operator=(const CFileDXFOVisitor&) = delete;
+  ~CFileDXFOVisitor();
+
+  /// Names of layers, linetypes, styles and blocks come from `converter`
+  /// (borrowed). They are encoded on first use and kept.
+  void SetACADNameConverter(CNameAcadConverter* converter);
+  /// Writes bulges instead of chords and exact angles; off at first.
+  void setExchange(bool exchange) { m_exchange = exchange; }
+  /// Where losses are reported; null (at first) for nowhere. Borrowed.
+  void setReport(CFileReport* report) { m_report = report; }
+  /// Gives out the handles of the file (borrowed). Without it (null, at first)
+  /// entities are written with the handles they carry and sequence ends with 0.
+  void setHandles(vek0::detail::SaveHandles* handles) { m_handles = handles; }
+
+  using IEntFooVisitor::visit;  // vertices are written with their polyline
+  void visit(CEntPnt& ent) override;
+  void visit(CEntLine& ent) override;
+  void visit(CEntCircle& ent) override;
+  void visit(CEntArc& ent) override;
+  void visit(CEntPolyline& ent) override;
+  void visit(CEntText& ent) override;
+  void visit(CEntAttdef& ent) override;
+  void visit(CEntInsert& ent) override;
+  void visit(CEntFixedInsert& ent) override;
+  void visit(CEntInsertXRef& ent) override;
+  /// Attributes are written with their insert; a lone one is our own mistake.
+  void visit(CEntAttrib& ent) override;
+  void visit(CEntHatch& ent) override;
+  void visit(CEnt3DFace& ent) override;
+
+ private:
+  /// What a text record holds beside the common properties.
+  struct TextRecord;
+
+  bool isReady() const;
+  void begin(const char* kind, const CEnt& ent);
+  void def_visit(const CEnt& ent);
+  void txt_visit(const TextRecord& text, long stringCode, long verticalCode);
+  void insert_visit(const CEntInsertBase& ent);
+  void attribs_visit(const CEntInsertBase& ent);
+  void attrib_visit(const CEntInsertBase& ent, const CEntAttrib& attrib);
+  void vertex_visit(const CEnt& owner, const vek0::detail::SavedVertex& vertex);
+  void seq_visit(const CEnt& owner);
+  void writePoint(long index, const PNT_3D& pnt);
+  void writeAngle(long code, double angleRad);
+  void writeHandle(long handle);
+  TextRecord placed(const TEXT_3D& text) const;
+  TextRecord placed(const CEntInsertBase& insert, const CEntAttrib& attrib) const;
+  template <class Ent>
+  bool refuses(const Ent& ent, const char* kind);
+  void report(const char* code, const char* kind);
+
+  CFileDXFOWriter& m_writer;
+  std::unique_ptr<vek0::detail::SaveFilter> m_filter;
+  std::vector<const CEntAttrib*> m_sequence;  // attributes of the insert being written
+  bool m_flatten;
+  bool m_exchange = false;
+  CNameAcadConverter* m_pACADNameConverter = nullptr;
+  std::unique_ptr<vek0::detail::SavedNames> m_names;
+  vek0::detail::SaveHandles* m_handles = nullptr;
+  CFileReport* m_report = nullptr;
+};

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "vek0core/export.h"
+
+class CData;
+class CFileReport;
+class IFile;
+
+/// Every point of an entity gets Z = 0; elevations that are plain numbers, radii
+/// and widths stay.
+inline constexpr unsigned kSaveFlatten = 1;
+/// Leaves out the model-space entities on frozen (layer flag 1) or off (128) layers.
+inline constexpr unsigned kSaveVisibleOnly = 2;
+/// Writes the selected entities of model space instead of all of them.
+inline constexpr unsigned kSaveSelectedOnly = 4;
+/// Writes neither HEADER nor TABLES.
+inline constexpr unsigned kSaveNoTables = 8;
+/// The form for other programs: every name unique after conversion (letter case
+/// ignored), an LTYPE count (73) of exactly the dashes that follow and its flags
+/// (70) cut to 7 bits, real numbers as the shortest decimals that read back
+/// exactly, `$CECOLOR` and `$HANDSEED` in the header, a layer on every ENDBLK, and
+/// bulges (42) for the arcs of polylines instead of their chords. Without it the
+/// output has the classic form: six decimals, chords, and names that may coincide
+/// once converted.
+inline constexpr unsigned kSaveExchange = 16;
+
+/// Writes the drawing as a DXF file of version "AC1009" (sections HEADER, TABLES,
+/// BLOCKS, ENTITIES): opens `file`, writes, closes it. `flags` is any sum of the
+/// constants above.
+///
+/// The text is code page 1252 with `\U+XXXX` for other characters and `^J` and the
+/// like for control characters; lines end in LF. Every handle written is non-zero
+/// and unique: things that have none, or one that an earlier thing has, get a free
+/// number in the file. The drawing is not changed.
+///
+/// False when the file cannot be opened, a write fails, memory runs out or blocks
+/// insert each other in a circle; what was written until then stays in the file,
+/// which is closed. One pass, linear in the drawing; memory beside the drawing is
+/// 8 bytes for each handle and 64 KiB.
+VEK0_API bool SaveDXF(const CData& data, IFile& file, unsigned flags);
+
+/// The same, and adds to `report` (may be null) what the file does not hold as the
+/// drawing does:
+///
+///   name changed        a name made valid for the format, or unique
+///   names coincide      two items of a table that became one (classic form only)
+///   entity not finite   an entity with a number that is NaN or infinite is missing
+///   number not finite   such a number of a variable or a table item was replaced
+///   insert without block  an insert whose block the drawing does not have is missing
+///   fixed insert        an insert of fixed pixel size became an ordinary one
+///   color out of range  a colour that the format does not have was replaced
+///   text cut            a text ends at the longest line that readers take
+///   name not dependent  an item flagged as part of an external reference, but not
+///                       named so, lost the flag
+VEK0_API bool SaveDXF(const CData& data, IFile& file, unsigned flags, CFileReport* report);

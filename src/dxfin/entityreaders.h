@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string_view>
+
+#include "dxfin/polylinereader.h"
+#include "dxfin/recordreader.h"
+
+namespace vek0::detail {
+
+/// Which entity kinds a version of the format has.
+enum class EntityKinds { R12, AC1014 };
+
+/// Reads entity records of any kind.
+class EntityReader {
+ public:
+  explicit EntityReader(const ReadContext& context) : records(context) {}
+
+  /// Reads the record on whose group 0 the lexer stands and leaves it on the next
+  /// one. Null when the kind is not read, when the record gave nothing or when an
+  /// error is recorded; further entities of the record are in `records.further`.
+  EntPtr read(EntityKinds kinds);
+
+  RecordReader records;
+  PolylineReader polylines{records};
+};
+
+// One reader a kind. Each starts on the group 0 of its record.
+EntPtr readText(RecordReader& in);
+EntPtr readAttdef(RecordReader& in);
+EntPtr readInsert(RecordReader& in);
+
+/// An attribute in the coordinates of the file, those of the drawing.
+std::unique_ptr<CEntAttrib> readAttrib(RecordReader& in);
+
+}  // namespace vek0::detail

@@ -1,0 +1,309 @@
+#include "vek0core/dxfin/filedxfidatasemantor.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "vek0core/drawing/data.h"
+#include "vek0core/drawing/functions.h"
+#include "vek0core/dxfin/filedxfierror.h"
+#include "vek0core/entities/block.h"
+#include "vek0core/entities/blockfactory.h"
+#include "vek0core/entities/blocktable.h"
+#include "vek0core/entities/blockxref.h"
+#include "vek0core/entities/entinsert.h"
+#include "vek0core/entities/enttable.h"
+#include "vek0core/files/report.h"
+#include "vek0core/tables/font.h"
+
+namespace {
+
+constexpr short kUndeclaredColor = 7;
+
+}  // namespace
+
+IFileDXFIDataSemantor::IFileDXFIDataSemantor(CData& data, CFileDXFIError* err,
+                                             const CFileDXFIOptions& options)
+    : m_data(data), m_err(err), m_options(options) {}
+
+// The report's line: the semantor knows none.
+void IFileDXFIDataSemantor::note(const char* code, const zim::WString& sample) const {
+  if (m_options.report) m_options.report->add(code, 0, sample);
+}
+
+void IFileDXFIDataSemantor::fail(int kind) const {
+  if (m_err) m_err->SetError(static_cast<CFileDXFIError::TDXFErrors>(kind));
+}
+
+CDataVariables* IFileDXFIDataSemantor::getVars() { return &m_data.getVars(); }
+CLtypeByLayer* IFileDXFIDataSemantor::getLtypeByLayer() { return &m_data.getLtypeByLayer(); }
+CStyle* IFileDXFIDataSemantor::getStyleStandard() { return ::getStyleStandard(m_data); }
+CBlockFactory& IFileDXFIDataSemantor::getBlockFactory() { return m_data.getBlockFactory(); }
+CBlockTable& IFileDXFIDataSemantor::getBlockTable() { return m_data.getBlockTable(); }
+CBlockXRefDepend& IFileDXFIDataSemantor::getDepend() { return m_data.getDepend(); }
+IHandleGestor& IFileDXFIDataSemantor::getHandleGestor() { return m_data.getHandleGestor(); }
+CEntFactory& IFileDXFIDataSemantor::getEntFactory() { return m_data.getEntFactory(); }
+void IFileDXFIDataSemantor::add(CEnt* ent) { m_data.getEntTable().add(ent); }
+
+// -- layers, linetypes, styles ---------------------------------------------------
+
+CLayer* IFileDXFIDataSemantor::getLayer(const zim::WString& name) {
+  if (CLayer* layer = m_data.getLayerTable().get(name)) return layer;
+  zim::WString xref, local;
+  CBlockXRef* owner = scomposeName(name, xref, local) ? findXRef(xref) : nullptr;
+  return owner ? owner->getLayerTable().get(local) : nullptr;
+}
+
+CLtype* IFileDXFIDataSemantor::getLtype(const zim::WString& name) {
+  if (CLtype* ltype = m_data.getLtypeTable().get(name)) return ltype;
+  zim::WString xref, local;
+  CBlockXRef* owner = scomposeName(name, xref, local) ? findXRef(xref) : nullptr;
+  return owner ? owner->getLtypeTable().get(local) : nullptr;
+}
+
+CStyle* IFileDXFIDataSemantor::getStyle(const zim::WString& name) {
+  return ::getStyle(m_data, name);
+}
+
+void IFileDXFIDataSemantor::createLayer(const zim::WString& name, CLtype* ltype, short colour,
+                                        long flags) {
+  if (!ltype) ltype = &m_data.getLtypeContinuous();
+  if (CLayer* known = m_data.getLayerTable().get(name)) {
+    if (m_hurriedLayers.erase(known) == 0) return;
+    known->setLtype(ltype);
+    known->setColor(colour);
+    known->setFlags(flags);
+  } else if (CLayer* layer = m_data.getLayerFactory().create(name, ltype, colour, flags)) {
+    m_data.getLayerTable().add(layer);
+  } else {
+    fail(CFileDXFIError::GeneralError);
+  }
+}
+
+void IFileDXFIDataSemantor::createLayerXRef(const zim::WString& xref, const zim::WString& name,
+                                            CLtype* ltype, short colour, long flags) {
+  CBlockXRef* owner = needXRef(xref);
+  if (!owner) return;
+  if (!ltype) ltype = &m_data.getLtypeContinuous();
+  if (CLayer* known = owner->getLayerTable().get(name)) {
+    if (m_hurriedLayers.erase(known) == 0) return;
+    known->setLtype(ltype);
+    known->setColor(colour);
+    known->setFlags(flags);
+  } else if (CLayerXRef* layer =
+                 m_data.getLayerFactory().createXRef(*owner, name, ltype, colour, flags)) {
+    owner->getLayerTable().add(layer);
+  } else {
+    fail(CFileDXFIError::GeneralError);
+  }
+}
+
+CLayer* IFileDXFIDataSemantor::createLayerHurried(const zim::WString& name) {
+  CLtype* continuous = getLtype(u"continuous");
+  zim::WString xref, local;
+  if (scomposeName(name, xref, local))
+    createLayerXRef(xref, local, continuous, kUndeclaredColor, 0);
+  else
+    createLayer(name, continuous, kUndeclaredColor, 0);
+  CLayer* layer = getLayer(name);
+  if (layer) m_hurriedLayers.insert(layer);
+  return layer;
+}
+
+void IFileDXFIDataSemantor::createLtype(const zim::WString& name, const zim::WString& description,
+                                        CLtypeComplexDashSeq& dashes, long flags) {
+  if (m_data.getLtypeTable().get(name)) return;
+  if (CLtype* ltype = m_data.getLtypeFactory().create(name, description, dashes, flags))
+    addLtype(m_data, ltype);
+  else
+    fail(CFileDXFIError::GeneralError);
+}
+
+void IFileDXFIDataSemantor::createLtypeXRef(const zim::WString& xref, const zim::WString& name,
+                                            const zim::WString& description,
+                                            CLtypeComplexDashSeq& dashes, long flags) {
+  CBlockXRef* owner = needXRef(xref);
+  if (!owner || owner->getLtypeTable().get(name)) return;
+  if (CLtypeXRef* ltype =
+          m_data.getLtypeFactory().createXRef(*owner, name, description, dashes, flags))
+    owner->getLtypeTable().add(ltype);
+  else
+    fail(CFileDXFIError::GeneralError);
+}
+
+void IFileDXFIDataSemantor::createStyle(const zim::WString& name, const ICADFont* font,
+                                        double fixedHeight, double widthScale, double oblique,
+                                        double lastHeight, long flags) {
+  if (getStyle(name)) return;
+  if (CStyle* style = m_data.getStyleFactory().create(name, font, fixedHeight, widthScale, oblique,
+                                                      lastHeight, flags))
+    addStyle(m_data, style);
+  else
+    fail(CFileDXFIError::GeneralError);
+}
+
+const ICADFont* IFileDXFIDataSemantor::getFont(const zim::WString& name) {
+  const CFontTable& fonts = CFontTable::getInstance();
+  if (!m_options.policy.keepFontNames) return fonts.get(name, true);
+  if (const ICADFont* font = fonts.get(name, false)) return font;
+  note("font unknown", name);
+  return m_data.needFont(name);
+}
+
+// -- external references -----------------------------------------------------------
+
+CBlockXRef* IFileDXFIDataSemantor::findXRef(const zim::WString& name) const {
+  return m_data.getBlockXRefTable().get(name);
+}
+
+CBlockXRef* IFileDXFIDataSemantor::getXRef(const zim::WString& name) {
+  CBlockXRef* xref = findXRef(name);
+  if (!xref) fail(CFileDXFIError::XRefNotFound);
+  return xref;
+}
+
+CBlockXRef* IFileDXFIDataSemantor::addXRef(const zim::WString& name, const zim::WString& path,
+                                           const PNT_3D& base, long flags) {
+  CBlockXRef* xref = m_data.getBlockFactory().createXRef(
+      m_data.getLtypeContinuous(), m_data.getLtypeByLayer(), m_data.getLtypeByBlock(),
+      m_data.getLayer0(), name, path, base, flags);
+  if (xref)
+    m_data.getBlockXRefTable().add(xref);
+  else
+    fail(CFileDXFIError::GeneralError);
+  return xref;
+}
+
+// Tables come before the blocks that declare what their items depend on.
+CBlockXRef* IFileDXFIDataSemantor::needXRef(const zim::WString& name) {
+  constexpr long xrefBlock = 4;
+  if (CBlockXRef* xref = findXRef(name)) return xref;
+  return addXRef(name, {}, PNT_3D(0, 0, 0), xrefBlock);
+}
+
+void IFileDXFIDataSemantor::createBlockXRef(const zim::WString& name, const zim::WString& path,
+                                            const PNT_3D& base, long flags) {
+  CBlock* block = m_data.getBlockTable().get(name);
+  Placeholder* placeholder = block ? findPlaceholder(*block) : nullptr;
+  if (block && (!placeholder || placeholder->defined)) return fail(CFileDXFIError::XRefNotCreated);
+  CBlockXRef* xref = findXRef(name);
+  if (!xref)
+    xref = addXRef(name, path, base, flags);
+  else if (xref->getPath().empty())
+    m_data.getBlockFactory().initXRef(*xref, path, base, flags);
+  if (placeholder) placeholder->xref = xref;
+}
+
+bool IFileDXFIDataSemantor::isXRefName(const zim::WString& name) {
+  if (!findXRef(name)) return false;
+  fail(CFileDXFIError::XRefNotFound);
+  return true;
+}
+
+// -- blocks ----------------------------------------------------------------------
+
+CBlock* IFileDXFIDataSemantor::getBlock(const zim::WString& name) {
+  CBlock* block = m_data.getBlockTable().get(name);
+  if (!block) fail(CFileDXFIError::BlockNotFound);
+  return block;
+}
+
+CBlock* IFileDXFIDataSemantor::findBlock(const zim::WString& name) {
+  if (CBlockXRef* xref = findXRef(name)) return xref;
+  return m_data.getBlockTable().get(name);
+}
+
+CBlock* IFileDXFIDataSemantor::createBlockHurried(const zim::WString& name, long flags) {
+  CBlock* block = m_data.getBlockFactory().create(name, flags);
+  if (!block) {
+    fail(CFileDXFIError::GeneralError);
+    return nullptr;
+  }
+  m_data.getBlockTable().add(block);
+  m_placeholderIndex.emplace(block, m_placeholders.size());
+  m_placeholders.push_back({block, false, nullptr});
+  return block;
+}
+
+IFileDXFIDataSemantor::Placeholder* IFileDXFIDataSemantor::findPlaceholder(const CBlock& block) {
+  const auto found = m_placeholderIndex.find(&block);
+  return found == m_placeholderIndex.end() ? nullptr : &m_placeholders[found->second];
+}
+
+bool IFileDXFIDataSemantor::isPlaceholder(const CBlock& block) const {
+  return m_placeholderIndex.count(&block) != 0;
+}
+
+void IFileDXFIDataSemantor::createFreshBlock(const zim::WString& name, const PNT_3D& base,
+                                             long flags, std::list<CEnt*>& entities) {
+  std::unique_ptr<CBlock> block(m_data.getBlockFactory().create(name, base, flags));
+  if (!block) {
+    discard(entities);
+    return fail(CFileDXFIError::GeneralError);
+  }
+  for (; !entities.empty(); entities.pop_front()) block->add(entities.front());
+  m_data.getBlockTable().add(block.release());
+}
+
+void IFileDXFIDataSemantor::redefineBlock(CBlock& block, const PNT_3D& base, long flags,
+                                          std::list<CEnt*>& entities) {
+  std::list<CEnt*> fresh;
+  fresh.swap(entities);
+  const std::unique_ptr<CBlockMemento> old(block.createMemento());
+  if (!old || m_data.getBlockTable().Redefine(&block, base, flags, fresh) != 0) {
+    discard(fresh);
+    return fail(old ? CFileDXFIError::BlockNotFound : CFileDXFIError::GeneralError);
+  }
+  old->destroyEntity();
+  if (Placeholder* placeholder = findPlaceholder(block)) placeholder->defined = true;
+}
+
+void IFileDXFIDataSemantor::discard(std::list<CEnt*>& entities) {
+  for (CEnt* ent : entities) delete ent;
+  entities.clear();
+}
+
+std::vector<CBlock*> IFileDXFIDataSemantor::undefinedBlocks() const {
+  std::vector<CBlock*> blocks;
+  for (const Placeholder& placeholder : m_placeholders)
+    if (!placeholder.defined && !placeholder.xref) blocks.push_back(placeholder.block);
+  return blocks;
+}
+
+void IFileDXFIDataSemantor::dropBlock(CBlock& block) {
+  m_placeholderIndex.erase(&block);
+  m_data.getBlockTable().remove(&block);
+  delete &block;
+}
+
+// -- the end of the file -----------------------------------------------------------
+
+void IFileDXFIDataSemantor::settle() {
+  repointInserts();
+  m_data.getBlockTable().recalcBdry();
+  m_data.getEntTable().invalidateBdry();
+}
+
+bool IFileDXFIDataSemantor::repoint(CEntInsertBase& insert) {
+  Placeholder* placeholder = insert.getBlock() ? findPlaceholder(*insert.getBlock()) : nullptr;
+  if (!placeholder || !placeholder->xref) return false;
+  insert.setBlock(placeholder->xref);
+  return true;
+}
+
+// An insert may come before the entry that makes its block an external reference.
+void IFileDXFIDataSemantor::repointInserts() {
+  const auto isXRef = [](const Placeholder& placeholder) { return placeholder.xref != nullptr; };
+  if (std::none_of(m_placeholders.begin(), m_placeholders.end(), isXRef)) return;
+  CBlockTable& blocks = m_data.getBlockTable();
+  for (int i = 0; i < static_cast<int>(blocks.size()); ++i) {
+    bool changed = false;
+    for (CBlock::CInsertIterator insert(*blocks[i]); *insert; ++insert)
+      changed = repoint(**insert) || changed;
+    if (changed) blocks.updateBlock(blocks[i]);
+  }
+  for (CEnt* ent : m_data.getEntTable().getEntityTbl())
+    if (CEntInsertBase* insert = ent->getEntInsert()) repoint(*insert);
+  for (const Placeholder& placeholder : m_placeholders)
+    if (placeholder.xref) dropBlock(*placeholder.block);
+  m_placeholders.clear();
+}

@@ -1,0 +1,544 @@
+#include "vek0core/dxfin/filedxfiparser.h"
+
+#include <limits>
+#include <list>
+#include <new>
+
+#include "dxfin/filedxfiversionloader.h"
+#include "vek0core/assert.h"
+#include "vek0core/drawing/datavariables.h"
+#include "vek0core/drawing/functions.h"
+#include "vek0core/entities/blocktable.h"
+#include "vek0core/files/file.h"
+#include "vek0core/files/number.h"
+#include "vek0core/files/textcodec.h"
+
+using vek0::detail::kRadPerDegree;
+
+namespace {
+
+constexpr long kNewestVersion = 15;  // of "AC1015"
+constexpr long kReferenced = 64;     // bit of code 70 in tables: of no use in memory
+constexpr long kOfXRef = 16;         // likewise: the item belongs to an external reference
+constexpr long kLayerOff = 128;      // our own bit for a colour below 0
+constexpr long kShapeFile = 1;       // STYLE: not a text font
+constexpr long kAnonymous = 1, kXRefBlock = 4;  // BLOCK
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+struct RealVariable {
+  const zim::Char* name;
+  void (*set)(CDataVariables& vars, const double (&value)[3]);
+};
+constexpr RealVariable kRealVariables[] = {
+    {u"$LIMMIN",
+     [](CDataVariables& vars, const double (&v)[3]) { vars.setLimMin(PNT_2D(v[0], v[1])); }},
+    {u"$LIMMAX",
+     [](CDataVariables& vars, const double (&v)[3]) { vars.setLimMax(PNT_2D(v[0], v[1])); }},
+    {u"$LTSCALE", [](CDataVariables& vars, const double (&v)[3]) { vars.setLtypeScale(v[0]); }},
+    {u"$PLINEWID", [](CDataVariables& vars, const double (&v)[3]) { vars.setPLineWid(v[0]); }},
+    {u"$ANGBASE",
+     [](CDataVariables& vars, const double (&v)[3]) { vars.setAngDir(v[0] * kRadPerDegree); }},
+};
+
+void setColor(CDataVariables& vars, long value) {
+  if (value >= 0 && value <= 256) vars.setCurColor(static_cast<short>(value));
+}
+
+// 1 (degrees, minutes, seconds) and 4 (surveyor's units) do not exist here.
+void setAngleUnit(CDataVariables& vars, long value) {
+  const bool fits = value >= std::numeric_limits<short>::min() &&
+                    value <= std::numeric_limits<short>::max();
+  if (fits && value != 1 && value != 4) vars.setAngFormat(static_cast<short>(value));
+}
+
+struct IntegerVariable {
+  const zim::Char* name;
+  void (*set)(CDataVariables& vars, long value);
+};
+constexpr IntegerVariable kIntegerVariables[] = {
+    {u"$CECOLOR",   setColor                                                             },
+    {u"$AUNITS",    setAngleUnit                                                         },
+    {u"$ORTHOMODE", [](CDataVariables& vars, long value) { vars.setOrtho(value != 0); }         },
+    {u"$PLINEGEN",  [](CDataVariables& vars, long value) { vars.setPLineGen(value != 0); }      },
+    {u"$ANGDIR",    [](CDataVariables& vars, long value) { vars.setAngClockWise(value != 0); }  },
+};
+
+template <class Variable, class Value>
+void setVariable(const Variable* variables, std::size_t count, const zim::WString& name,
+                 CDataVariables& vars, const Value& value) {
+  for (std::size_t i = 0; i < count; ++i)
+    if (zim::equalsIgnoreCase(name, variables[i].name)) variables[i].set(vars, value);
+}
+
+// The blocks of the layouts: what they hold is drawn by nobody.
+bool isLayoutName(const zim::WString& name) {
+  if (name.empty()) return false;
+  const std::u16string_view rest = name.view().substr(1);
+  for (const std::u16string_view layout : {u"model_space", u"paper_space"})
+    if (zim::equalsIgnoreCase(rest.substr(0, layout.size()), layout)) return true;
+  return false;
+}
+
+}  // namespace
+
+/// Entities on their way from the file to their block: deleted unless taken.
+class CFileDXFIParser::OwnedEntities {
+ public:
+  OwnedEntities() = default;
+  OwnedEntities(const OwnedEntities&) = delete;
+  OwnedEntities& operator=(const OwnedEntities&) = delete;
+  ~OwnedEntities() {
+    for (CEnt* ent : m_list) delete ent;
+  }
+  void take(vek0::detail::EntPtr ent) {
+    m_list.push_back(ent.get());
+    ent.release();
+  }
+  std::list<CEnt*>& list() { return m_list; }
+
+ private:
+  std::list<CEnt*> m_list;
+};
+
+CFileDXFIParser::CFileDXFIParser(IFile& file, IFileDXFISemantor& semantor, CEntFactory& factory,
+                                 CFileDXFIError* err, const CFileDXFIOptions& options)
+    : m_file(file),
+      m_err(err ? *err : m_ownErr),
+      m_lexer(file, &m_err),
+      m_semantor(semantor),
+      m_options(options),
+      m_factory(factory) {
+  m_lexer.setReport(options.report);
+}
+
+CFileDXFIParser::~CFileDXFIParser() = default;
+
+bool CFileDXFIParser::load() {
+  if (!m_file.open()) return false;
+  const bool done = doLoad();
+  m_file.close();
+  m_semantor.transition();
+  return done && !failed();
+}
+
+bool CFileDXFIParser::doLoad() {
+  try {
+    readGlobal();
+  } catch (const std::bad_alloc&) {
+    fail(CFileDXFIError::GeneralError);
+  }
+  if (!failed()) return true;
+  m_err.SetFileName(m_file.getName());
+  m_err.SetErrorLine(m_faultLine != 0 ? m_faultLine : m_lexer.getLine());
+  m_semantor.unrecovableError();
+  return false;
+}
+
+bool CFileDXFIParser::expect(long code) {
+  const long found = read();
+  if (!failed() && found != code) fail(CFileDXFIError::WrongStructure);
+  return !failed();
+}
+
+bool CFileDXFIParser::atRecord() {
+  if (!failed() && getGroupValue() != 0) fail(CFileDXFIError::WrongStructure);
+  return !failed();
+}
+
+// -- the file ------------------------------------------------------------------
+
+void CFileDXFIParser::readGlobal() {
+  while (expect(0)) {
+    if (isKeyword("EOF")) return takeCurrentItems();
+    if (!isKeyword("SECTION")) return fail(CFileDXFIError::WrongStructure);
+    readSection();
+    if (failed()) return;
+  }
+}
+
+void CFileDXFIParser::readSection() {
+  if (!expect(2)) return;
+  if (isKeyword("HEADER")) return readHeader();
+  if (isKeyword("TABLES")) return readTables();
+  if (isKeyword("BLOCKS")) return readBlocks();
+  if (isKeyword("ENTITIES")) return readEntities();
+  readOtherSection();
+}
+
+void CFileDXFIParser::readOtherSection() { skipTo("ENDSEC"); }
+
+void CFileDXFIParser::skipTo(std::string_view keyword) {
+  do {
+    read();
+  } while (!failed() && (getGroupValue() != 0 || !isKeyword(keyword)));
+}
+
+void CFileDXFIParser::readEntityOther() {
+  do {
+    read();
+  } while (!failed() && getGroupValue() != 0);
+}
+
+// Only at the end of the file do all the tables exist that the names refer to.
+void CFileDXFIParser::takeCurrentItems() {
+  if (!m_semantor.shouldReadHeaders()) return;
+  CDataVariables* vars = m_semantor.getVars();
+  ZORA_ASSERT(vars != nullptr);
+  if (!vars) return;
+  if (CLayer* layer = m_semantor.getLayer(m_curLayer)) vars->setCurLayer(layer);
+  if (CLtype* ltype = m_semantor.getLtype(m_curLtype)) vars->setCurLtype(ltype);
+  if (CStyle* style = m_semantor.getStyle(m_curStyle)) vars->setCurStyle(style);
+}
+
+// -- HEADER --------------------------------------------------------------------
+
+/// What stands after a variable's name. Its kind is that of its last value.
+struct CFileDXFIParser::HeaderValue {
+  enum Kind { None, Text, Real, Integer } kind = None;
+  zim::WString text;
+  double reals[3] = {0, 0, 0};
+  int count = 0;  // of reals
+  long integer = 0;
+};
+
+void CFileDXFIParser::readHeader() {
+  read();
+  while (!failed()) {
+    if (getGroupValue() == 9) {
+      readHeaderVariable();
+    } else if (getGroupValue() != 0) {
+      read();
+    } else {
+      if (!isKeyword("ENDSEC")) fail(CFileDXFIError::WrongStructure);
+      return;
+    }
+  }
+}
+
+void CFileDXFIParser::readHeaderVariable() {
+  const zim::WString name = m_lexer.getText();
+  HeaderValue value;
+  for (;;) {
+    const long code = read();
+    if (failed()) return;
+    if (code == 0 || code == 9) return readHeaderValue(name, value);
+    collect(code, value);
+    if (failed()) return;
+  }
+}
+
+void CFileDXFIParser::collect(long code, HeaderValue& value) {
+  if (code >= 0 && code < 10) {
+    value.kind = HeaderValue::Text;
+    value.text = m_lexer.getText();
+  } else if ((code >= 10 && code < 60) || (code >= 210 && code < 240)) {
+    const double real = getDouble();
+    value.kind = HeaderValue::Real;
+    if (value.count < 3) value.reals[value.count++] = real;
+  } else if (code >= 60 && code < 80) {
+    value.kind = HeaderValue::Integer;
+    value.integer = getInt();
+  }
+}
+
+void CFileDXFIParser::readHeaderValue(const zim::WString& name, const HeaderValue& value) {
+  switch (value.kind) {
+    case HeaderValue::Text: return readHeaderString(name, value.text);
+    case HeaderValue::Real: return readHeaderDouble(name, value.reals);
+    case HeaderValue::Integer: return readHeaderLong(name, value.integer);
+    case HeaderValue::None: return;
+  }
+}
+
+void CFileDXFIParser::readHeaderString(const zim::WString& name, const zim::WString& value) {
+  if (zim::equalsIgnoreCase(name, u"$ACADVER")) return takeVersion(value);
+  if (zim::equalsIgnoreCase(name, u"$DWGCODEPAGE")) {
+    m_codePageName = value;
+    return takeCodePage();
+  }
+  if (!m_semantor.shouldReadHeaders()) return;
+  if (zim::equalsIgnoreCase(name, u"$CELTYPE")) m_curLtype = value;
+  if (zim::equalsIgnoreCase(name, u"$CELAYER")) m_curLayer = value;
+  if (zim::equalsIgnoreCase(name, u"$TEXTSTYLE")) m_curStyle = value;
+}
+
+void CFileDXFIParser::readHeaderDouble(const zim::WString& name, const double (&value)[3]) {
+  if (m_semantor.shouldReadHeaders())
+    setVariable(kRealVariables, std::size(kRealVariables), name, *m_semantor.getVars(), value);
+}
+
+void CFileDXFIParser::readHeaderLong(const zim::WString& name, long value) {
+  if (m_semantor.shouldReadHeaders())
+    setVariable(kIntegerVariables, std::size(kIntegerVariables), name, *m_semantor.getVars(),
+                value);
+}
+
+void CFileDXFIParser::takeVersion(const zim::WString& name) {
+  m_versionName = name;
+  takeCodePage();
+  constexpr const zim::Char* known[] = {u"AC1009", u"AC1012", u"AC1014", u"AC1015"};
+  for (short i = 0; i < 4; ++i)
+    if (name.view() == known[i]) {
+      m_version = static_cast<short>(i + 1);
+      return;
+    }
+  if (name.Length() != 6 || name.view().substr(0, 4) != u"AC10")
+    return fail(CFileDXFIError::OutOfRange);
+  if (vek0::detail::parseLong(name.view().substr(4)) > kNewestVersion)
+    fail(CFileDXFIError::NewerVersion);
+}
+
+void CFileDXFIParser::takeCodePage() {
+  m_lexer.setCodePage(codePageOfDrawing(m_versionName.toUtf8(), m_codePageName.toUtf8()));
+}
+
+// The first section that needs the version settles it.
+void CFileDXFIParser::RealizeVersion() {
+  if (m_pACADVersionLoader) return;
+  m_pACADVersionLoader = vek0::detail::createVersionLoader(
+      m_version, {m_lexer, m_semantor, m_factory, m_err, m_options});
+  if (!m_pACADVersionLoader) fail(CFileDXFIError::NewerVersion);
+}
+
+// -- TABLES --------------------------------------------------------------------
+
+void CFileDXFIParser::readTables() {
+  RealizeVersion();
+  while (!failed()) {
+    read();
+    if (failed()) return fail(CFileDXFIError::WrongStructure);
+    if (isKeyword("ENDSEC")) return;
+    if (!isKeyword("TABLE")) return fail(CFileDXFIError::WrongStructure);
+    readTable();
+  }
+}
+
+void CFileDXFIParser::readTable() {
+  if (!expect(2)) return;
+  if (isKeyword("LTYPE")) return readTablesLtype();
+  if (isKeyword("LAYER")) return readTablesLayer();
+  if (isKeyword("STYLE")) return readTablesStyle();
+  readTablesOther();
+}
+
+void CFileDXFIParser::readTablesLtype() { readEntries("LTYPE", &CFileDXFIParser::readLtypeEntry); }
+void CFileDXFIParser::readTablesLayer() { readEntries("LAYER", &CFileDXFIParser::readLayerEntry); }
+void CFileDXFIParser::readTablesStyle() { readEntries("STYLE", &CFileDXFIParser::readStyleEntry); }
+void CFileDXFIParser::readTablesOther() { skipTo("ENDTAB"); }
+void CFileDXFIParser::readPreambolo() { readEntityOther(); }
+
+void CFileDXFIParser::readEntries(std::string_view keyword, ReadEntry readEntry) {
+  readPreambolo();
+  while (!failed() && !isKeyword("ENDTAB")) {
+    if (!isKeyword(keyword)) return fail(CFileDXFIError::WrongStructure);
+    (this->*readEntry)();
+  }
+}
+
+void CFileDXFIParser::readLtypeEntry() { m_pACADVersionLoader->readLtype(); }
+
+struct CFileDXFIParser::LayerEntry {
+  zim::WString name;
+  CLtype* ltype = nullptr;
+  short colour = 7;
+  bool off = false;
+  long flags = 0;
+};
+
+void CFileDXFIParser::readLayerEntry() {
+  LayerEntry layer;
+  for (;;) {
+    const long code = read();
+    if (failed()) return;
+    if (code == 0) return createLayer(layer);
+    readLayerPair(code, layer);
+    if (failed()) return;
+  }
+}
+
+void CFileDXFIParser::readLayerPair(long code, LayerEntry& layer) {
+  switch (code) {
+    case 2: layer.name = m_lexer.getText(); break;
+    case 6:
+      layer.ltype = m_semantor.getLtype(m_lexer.getText());
+      if (!layer.ltype) fail(CFileDXFIError::LtypeNotFound);
+      break;
+    case 62: {
+      const long colour = getInt();
+      if (failed()) return;
+      if (colour == 0 || colour < -255 || colour > 255) return fail(CFileDXFIError::OutOfRange);
+      layer.off = colour < 0;
+      layer.colour = static_cast<short>(colour < 0 ? -colour : colour);
+      break;
+    }
+    case 70: layer.flags = getInt() & ~kReferenced; break;
+    default: break;
+  }
+}
+
+// Whether a layer is off and its flags come in either order: they are joined here.
+void CFileDXFIParser::createLayer(const LayerEntry& layer) {
+  const long flags = layer.flags | (layer.off ? kLayerOff : 0);
+  if (layer.name.empty()) return fail(CFileDXFIError::WrongStructure);
+  if (layer.name.view() == u"0") return m_semantor.createLayer0(layer.ltype, layer.colour, flags);
+  if ((flags & kOfXRef) == 0)
+    return m_semantor.createLayer(layer.name, layer.ltype, layer.colour, flags);
+  zim::WString xref, local;
+  if (!scomposeName(layer.name, xref, local)) return fail(CFileDXFIError::WrongStructure);
+  m_semantor.createLayerXRef(xref, local, layer.ltype, layer.colour, flags);
+}
+
+struct CFileDXFIParser::StyleEntry {
+  zim::WString name, fontName;
+  double fixedHeight = 0, widthScale = 1, oblique = 0, lastHeight = 0.2;
+  long flags = 0;
+  long fontLine = 0;   // of code 3; 0: there was none
+  long rangeLine = 0;  // of the first number out of range; 0: all are within
+};
+
+void CFileDXFIParser::readStyleEntry() {
+  StyleEntry style;
+  for (;;) {
+    const long code = read();
+    if (failed()) return;
+    if (code == 0) return createStyle(style);
+    readStylePair(code, style);
+    if (failed()) return;
+  }
+}
+
+void CFileDXFIParser::readStylePair(long code, StyleEntry& style) {
+  constexpr double maxOblique = 85;  // degrees
+  switch (code) {
+    case 2: style.name = m_lexer.getText(); break;
+    case 3:
+      style.fontName = m_lexer.getText();
+      style.fontLine = m_lexer.getLine();
+      break;
+    case 40: style.fixedHeight = styleNumber(0, kInfinity, style); break;
+    case 41: style.widthScale = styleNumber(0.01, 100, style); break;
+    case 42: style.lastHeight = styleNumber(0, kInfinity, style); break;
+    case 50: style.oblique = styleNumber(-maxOblique, maxOblique, style) * kRadPerDegree; break;
+    case 70: style.flags = getInt() & ~kReferenced; break;
+    default: break;
+  }
+}
+
+double CFileDXFIParser::styleNumber(double least, double most, StyleEntry& style) {
+  const double number = getDouble();
+  if ((number < least || number > most) && style.rangeLine == 0)
+    style.rangeLine = m_lexer.getLine();
+  return number;
+}
+
+// Entries of shape files are skipped whatever they hold, and the flag that says so
+// may come last: nothing is judged before.
+void CFileDXFIParser::createStyle(const StyleEntry& style) {
+  if ((style.flags & kShapeFile) != 0) return;
+  if (style.rangeLine != 0) {
+    m_faultLine = style.rangeLine;
+    return fail(CFileDXFIError::OutOfRange);
+  }
+  if (style.name.empty() || style.fontLine == 0) return fail(CFileDXFIError::WrongStructure);
+  const ICADFont* font = m_semantor.getFont(style.fontName);
+  if (!font) {
+    m_faultLine = style.fontLine;
+    return fail(CFileDXFIError::FontNotFound);
+  }
+  if (zim::equalsIgnoreCase(style.name, u"STANDARD"))
+    m_semantor.createStyleStandard(font, style.fixedHeight, style.widthScale, style.oblique,
+                                   style.lastHeight, style.flags);
+  else
+    m_semantor.createStyle(style.name, font, style.fixedHeight, style.widthScale, style.oblique,
+                           style.lastHeight, style.flags);
+}
+
+// -- BLOCKS --------------------------------------------------------------------
+
+struct CFileDXFIParser::BlockHeader {
+  zim::WString name, path;
+  double base[3] = {0, 0, 0};
+  long flags = 0;
+};
+
+void CFileDXFIParser::readBlocks() {
+  RealizeVersion();
+  read();
+  while (atRecord() && !isKeyword("ENDSEC")) readBlock();
+  // An insert may have come before its block was filled.
+  if (!failed() && m_pACADVersionLoader->hasReadInsert()) m_semantor.getBlockTable().recalcBdry();
+}
+
+void CFileDXFIParser::readBlock() {
+  BlockHeader block;
+  OwnedEntities entities;
+  readBlockHeader(block);
+  readBlockEntities(entities);
+  if (!failed()) createBlock(block, entities);
+}
+
+void CFileDXFIParser::readBlockHeader(BlockHeader& block) {
+  while (!failed()) {
+    switch (read()) {
+      case 0: return;
+      case 1: block.path = m_lexer.getText(); break;
+      case 2: block.name = m_lexer.getText(); break;
+      case 10: block.base[0] = getDouble(); break;
+      case 20: block.base[1] = getDouble(); break;
+      case 30: block.base[2] = getDouble(); break;
+      case 70: block.flags = getInt(); break;
+      default: break;
+    }
+  }
+}
+
+void CFileDXFIParser::readBlockEntities(OwnedEntities& entities) {
+  while (!failed() && !isKeyword("ENDBLK")) {
+    if (vek0::detail::EntPtr ent{readAnEntity()}) entities.take(std::move(ent));
+    for (vek0::detail::EntPtr& ent : m_pACADVersionLoader->getFurther())
+      entities.take(std::move(ent));
+    m_pACADVersionLoader->getFurther().clear();
+  }
+  if (!failed()) readEntityOther();
+}
+
+void CFileDXFIParser::createBlock(const BlockHeader& block, OwnedEntities& entities) {
+  if (block.name.empty()) return fail(CFileDXFIError::WrongStructure);
+  if (isLayoutName(block.name)) return;
+  const bool anonymous = block.name[0] == u'*';
+  if (anonymous && entities.list().empty() && (block.flags & kAnonymous) == 0) return;
+  const PNT_3D base(block.base[0], block.base[1], block.base[2]);
+  if ((block.flags & kXRefBlock) != 0)
+    m_semantor.createBlockXRef(block.name, block.path, base, block.flags);
+  else
+    m_semantor.createBlock(block.name, base, block.flags, entities.list());
+}
+
+// -- ENTITIES ------------------------------------------------------------------
+
+void CFileDXFIParser::readEntities() {
+  RealizeVersion();
+  read();
+  while (atRecord() && !isKeyword("ENDSEC")) {
+    vek0::detail::EntPtr ent(readAnEntity());
+    if (ent) {
+      m_semantor.add(ent.get());
+      ent.release();
+    }
+    for (vek0::detail::EntPtr& further : m_pACADVersionLoader->getFurther()) {
+      m_semantor.add(further.get());
+      further.release();
+    }
+    m_pACADVersionLoader->getFurther().clear();
+  }
+}
+
+// Neither section nor file can end inside a block or before its ENDSEC.
+CEnt* CFileDXFIParser::readAnEntity() {
+  if (isKeyword("ENDSEC") || isKeyword("EOF")) {
+    fail(CFileDXFIError::WrongStructure);
+    return nullptr;
+  }
+  return m_pACADVersionLoader->readEntity();
+}

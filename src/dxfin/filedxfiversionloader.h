@@ -1,0 +1,63 @@
+#pragma once
+
+#include "dxfin/entityreaders.h"
+#include "dxfin/ltypereader.h"
+
+namespace vek0::detail {
+
+/// Reads what differs between the versions of the format: one class a version.
+class CFileDXFIVersionLoader {
+ public:
+  virtual ~CFileDXFIVersionLoader() = default;
+
+  /// Reads one entry of the LTYPE table, on whose group 0 the lexer stands.
+  virtual void readLtype() = 0;
+  /// Reads one entity likewise. Null when it was skipped or an error is recorded;
+  /// the caller owns it. Further entities of the record are in `getFurther`.
+  virtual CEnt* readEntity() = 0;
+
+  std::vector<EntPtr>& getFurther() { return m_entities.records.further; }
+  /// Whether any insert was read.
+  bool hasReadInsert() const { return m_entities.records.insertRead; }
+
+ protected:
+  CFileDXFIVersionLoader(const ReadContext& context, bool complexDashes)
+      : m_ltypes(context, complexDashes), m_entities(context) {}
+
+  LtypeReader m_ltypes;
+  EntityReader m_entities;
+};
+
+/// R12, and files that name no version.
+class CFileDXFIVersionLoaderR12 : public CFileDXFIVersionLoader {
+ public:
+  explicit CFileDXFIVersionLoaderR12(const ReadContext& context)
+      : CFileDXFIVersionLoader(context, false) {}
+  void readLtype() override { m_ltypes.read(); }
+  CEnt* readEntity() override { return m_entities.read(EntityKinds::R12).release(); }
+};
+
+class CFileDXFIVersionLoaderAC1012 : public CFileDXFIVersionLoaderR12 {
+ public:
+  using CFileDXFIVersionLoaderR12::CFileDXFIVersionLoaderR12;
+};
+
+class CFileDXFIVersionLoaderAC1014 : public CFileDXFIVersionLoader {
+ public:
+  explicit CFileDXFIVersionLoaderAC1014(const ReadContext& context)
+      : CFileDXFIVersionLoader(context, true) {}
+  void readLtype() override { m_ltypes.read(); }
+  CEnt* readEntity() override { return m_entities.read(EntityKinds::AC1014).release(); }
+};
+
+class CFileDXFIVersionLoaderAC1015 : public CFileDXFIVersionLoaderAC1014 {
+ public:
+  using CFileDXFIVersionLoaderAC1014::CFileDXFIVersionLoaderAC1014;
+};
+
+/// The loader of a version number: 0 none named, 1 R12, 2 AC1012, 3 AC1014, 4
+/// AC1015; null for any other.
+std::unique_ptr<CFileDXFIVersionLoader> createVersionLoader(short version,
+                                                            const ReadContext& context);
+
+}  // namespace vek0::detail

@@ -1,0 +1,126 @@
+#include "dxfin/ltypereader.h"
+
+#include "vek0core/drawing/functions.h"
+#include "vek0core/tables/text.h"
+
+namespace vek0::detail {
+namespace {
+
+constexpr long kReferenced = 64, kOfXRef = 16;  // bits of code 70
+constexpr long kAlignment = 65;                 // 'A', the only one there is
+// Code 74.
+constexpr long kPlainDash = 0, kTextDash = 2, kShapeDash = 4;
+
+}  // namespace
+
+struct LtypeReader::Entry {
+  zim::WString name, description;
+  long flags = 0;
+  long announced = -1;  // code 73; -1 as long as it was not seen
+  long dashes = 0;      // codes 49 seen
+  long types = 0;       // codes 74 seen
+  CLtypeComplexDashSeq sequence;
+};
+
+void LtypeReader::read() {
+  Entry entry;
+  for (;;) {
+    const long code = m_context.lexer.read();
+    if (failed()) return;
+    if (code == 0) return create(entry);
+    takePair(code, entry);
+    if (failed()) return;
+  }
+}
+
+void LtypeReader::takePair(long code, Entry& entry) {
+  CFileDXFILexer& lexer = m_context.lexer;
+  switch (code) {
+    case 2: entry.name = lexer.getText(); break;
+    case 3: entry.description = lexer.getText(); break;
+    case 49: takeDash(entry); break;
+    case 70: entry.flags = lexer.getInt() & ~kReferenced; break;
+    case 72:
+      if (lexer.getInt() != kAlignment && !failed()) fail(CFileDXFIError::WrongStructure);
+      break;
+    case 73: takeCount(entry); break;
+    case 74:
+      if (m_complexDashes) takeElementType(entry);
+      break;
+    default: break;
+  }
+}
+
+void LtypeReader::takeCount(Entry& entry) {
+  const long count = m_context.lexer.getInt();
+  if (failed()) return;
+  if (count < 0 || entry.dashes > 0) return fail(CFileDXFIError::WrongStructure);
+  entry.announced = count;
+}
+
+void LtypeReader::takeDash(Entry& entry) {
+  if (entry.dashes >= entry.announced) return fail(CFileDXFIError::WrongStructure);
+  const double length = m_context.lexer.getDouble();
+  if (failed()) return;
+  ++entry.dashes;
+  entry.sequence.AddDashDouble(length);
+}
+
+void LtypeReader::takeElementType(Entry& entry) {
+  const long type = m_context.lexer.getInt();
+  if (failed()) return;
+  if (++entry.types > entry.dashes) return fail(CFileDXFIError::WrongStructure);
+  switch (type) {
+    case kPlainDash: break;
+    case kTextDash: takeText(entry); break;
+    case kShapeDash: skipShape(); break;
+    default: fail(CFileDXFIError::WrongStructure);
+  }
+}
+
+// The text's height is the file's scale as it stands; whoever draws it multiplies it
+// by the style's fixed height.
+void LtypeReader::takeText(Entry& entry) {
+  if (!expect(75) || !expect(340)) return;
+  CTextContext context;
+  context.setWidthScale(1);
+  context.setHeight(expectDouble(46));
+  context.setRotate(expectDouble(50) * kRadPerDegree);
+  const double x = expectDouble(44), y = expectDouble(45);
+  if (!expect(9)) return;
+  context.setString(m_context.lexer.getText());
+  entry.sequence.AddDashText(
+      TEXT_3D(context, m_context.semantor.getStyleStandard(), x, y, 0, 0));
+}
+
+// There are no shapes here: the dash in front keeps the room that one takes.
+void LtypeReader::skipShape() {
+  for (const long code : {75, 340, 46, 50, 44, 45})
+    if (!expect(code)) return;
+  m_context.note("shape dropped", {});
+}
+
+bool LtypeReader::expect(long code) {
+  if (failed()) return false;
+  const long found = m_context.lexer.read();
+  if (!failed() && found != code) fail(CFileDXFIError::InconsistentRecord);
+  return !failed();
+}
+
+double LtypeReader::expectDouble(long code) {
+  return expect(code) ? m_context.lexer.getDouble() : 0;
+}
+
+void LtypeReader::create(Entry& entry) {
+  IFileDXFISemantor& semantor = m_context.semantor;
+  if (entry.name.empty()) return fail(CFileDXFIError::WrongStructure);
+  for (const zim::Char* fixed : {u"continuous", u"byblock", u"bylayer"})
+    if (zim::equalsIgnoreCase(entry.name, fixed)) return;
+  if ((entry.flags & kOfXRef) == 0)
+    return semantor.createLtype(entry.name, entry.description, entry.sequence, entry.flags);
+  zim::WString xref, local;
+  if (!scomposeName(entry.name, xref, local)) return fail(CFileDXFIError::WrongStructure);
+  semantor.createLtypeXRef(xref, local, entry.description, entry.sequence, entry.flags);
+}
+
+}  // namespace vek0::detail

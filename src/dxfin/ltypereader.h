@@ -1,0 +1,41 @@
+#pragma once
+
+#include <memory>
+
+#include "dxfin/recordreader.h"
+#include "vek0core/tables/ltypedash.h"
+
+namespace vek0::detail {
+
+/// Reads the entries of the LTYPE table.
+class LtypeReader {
+ public:
+  /// `complexDashes`: whether dashes may carry texts and shapes, as from AC1014 on.
+  LtypeReader(const ReadContext& context, bool complexDashes)
+      : m_context(context), m_complexDashes(complexDashes) {}
+
+  /// Reads the entry on whose group 0 the lexer stands, leaves it on the next one
+  /// and has the semantor create the linetype.
+  void read();
+
+ private:
+  struct Entry;
+
+  void takePair(long code, Entry& entry);
+  void takeCount(Entry& entry);
+  void takeDash(Entry& entry);
+  void takeElementType(Entry& entry);
+  void takeText(Entry& entry);
+  void skipShape();
+  bool expect(long code);
+  double expectDouble(long code);
+  void create(Entry& entry);
+
+  bool failed() const { return m_context.err.HasAnError(); }
+  void fail(CFileDXFIError::TDXFErrors kind) const { m_context.err.SetError(kind); }
+
+  ReadContext m_context;
+  bool m_complexDashes;
+};
+
+}  // namespace vek0::detail

@@ -1,0 +1,94 @@
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+
+#include "vek0core/geometry/pnt.h"
+#include "zim0lang/wstring.h"
+
+class CLayer;
+class CLtype;
+class CStyle;
+
+namespace vek0::detail {
+
+/// A set of group codes from 0 to 127; others are never in it.
+class CodeSet {
+ public:
+  constexpr CodeSet() = default;
+  constexpr CodeSet(std::initializer_list<long> codes) {
+    for (const long code : codes) add(code);
+  }
+  constexpr bool has(long code) const {
+    return (code & ~127L) == 0 && (m_words[code >> 6] >> (code & 63) & 1) != 0;
+  }
+  /// `code` must lie in 0 to 127.
+  constexpr void add(long code) { m_words[code >> 6] |= std::uint64_t{1} << (code & 63); }
+  constexpr bool covers(const CodeSet& other) const {
+    return (other.m_words[0] & ~m_words[0]) == 0 && (other.m_words[1] & ~m_words[1]) == 0;
+  }
+  /// One bit for each code of `required`, in ascending order: set when it is here.
+  constexpr long bitsOf(const CodeSet& required) const {
+    long bits = 0, next = 1;
+    for (long code = 0; code < 128; ++code) {
+      if (!required.has(code)) continue;
+      if (has(code)) bits |= next;
+      next <<= 1;
+    }
+    return bits;
+  }
+  constexpr CodeSet operator|(const CodeSet& other) const {
+    CodeSet sum = *this;
+    sum.m_words[0] |= other.m_words[0];
+    sum.m_words[1] |= other.m_words[1];
+    return sum;
+  }
+
+ private:
+  std::uint64_t m_words[2] = {0, 0};
+};
+
+/// The pairs of one entity record, reused from record to record: a value is there
+/// when its code was seen, and what an earlier record left is never asked for.
+class Record {
+ public:
+  /// Texts are the codes up to 3, reals those of 10 to 59, integers 60 to 99.
+  static constexpr long kTexts = 4, kReals = 60, kIntegers = 100;
+
+  CodeSet seen;
+  CLayer* layer = nullptr;
+  CLtype* ltype = nullptr;
+  CStyle* style = nullptr;
+  long handle = 0;
+  short color = 256;
+
+  /// Starts a record with the linetype that an entity has when it names none.
+  void start(CLtype* byLayer) {
+    seen = {};
+    layer = nullptr;
+    ltype = byLayer;
+    style = nullptr;
+    handle = 0;
+    color = 256;
+  }
+
+  void setReal(long code, double value) { m_reals[code] = value; }
+  void setInteger(long code, long value) { m_integers[code - kReals] = value; }
+  void setText(long code, zim::WString text) { m_texts[code] = std::move(text); }
+
+  double real(long code, double absent = 0) const { return seen.has(code) ? m_reals[code] : absent; }
+  long integer(long code, long absent = 0) const {
+    return seen.has(code) ? m_integers[code - kReals] : absent;
+  }
+  const zim::WString& text(long code) const { return seen.has(code) ? m_texts[code] : m_empty; }
+  /// The i-th point of the record: codes 10 + i, 20 + i, 30 + i.
+  PNT_3D point(long i) const { return PNT_3D(real(10 + i), real(20 + i), real(30 + i)); }
+
+ private:
+  double m_reals[kReals];
+  long m_integers[kIntegers - kReals];
+  zim::WString m_texts[kTexts];
+  zim::WString m_empty;
+};
+
+}  // namespace vek0::detail

@@ -1,0 +1,143 @@
+#include "dxfin/recordreader.h"
+
+#include <string>
+
+#include "vek0core/files/number.h"
+#include "vek0core/files/report.h"
+#include "vek0core/tables/layer.h"
+#include "vek0core/tables/ltype.h"
+
+namespace vek0::detail {
+namespace {
+
+constexpr long kEmbeddedObject = 101;
+constexpr long kExtrusionZ = 230;  // 1 exactly when the other two are 0
+
+// Codes that change what an entity is or looks like and that a drawing has no
+// place for: thickness, linetype scale, visibility, line weight, true colour, its
+// name, transparency, and other programs' data.
+bool isLoss(long code) {
+  switch (code) {
+    case 39: case 48: case 60: case 370: case 420: case 430: case 440: case 1001:
+      return true;
+    default:
+      return false;
+  }
+}
+
+zim::WString decimal(long value) { return zim::WString::fromUtf8(std::to_string(value)); }
+
+constexpr long kColorByLayer = 256;  // the largest colour number; 0 is BYBLOCK
+
+}  // namespace
+
+void ReadContext::note(const char* code, const zim::WString& sample) const {
+  if (options.report) options.report->add(code, lexer.getLine(), sample);
+}
+
+CLtype* RecordReader::findByLayer() { return m_byLayer = m_context.semantor.getLtypeByLayer(); }
+
+void RecordReader::take(long code) {
+  switch (code) {
+    case 5:
+      if (m_context.semantor.shouldRespectHandles()) m_record.handle = lexer().getHex();
+      break;
+    case 6: return takeLtype();
+    case 7: return takeStyle();
+    case 8: return takeLayer();
+    case 62: return takeColor();
+    default:
+      if (code < Record::kTexts) return m_record.setText(code, lexer().getText());
+      if (code < Record::kReals) return m_record.setReal(code, lexer().getDouble());
+      m_record.setInteger(code, lexer().getInt());
+  }
+}
+
+void RecordReader::takeLayer() {
+  const std::string_view bytes = lexer().getBytes();
+  if (bytes.empty()) return;
+  if ((m_record.layer = m_layers.find(bytes)) != nullptr) return;
+  const zim::WString name = lexer().getText();
+  CLayer* layer = m_context.semantor.getLayer(name);
+  if (!layer) {
+    layer = m_context.semantor.createLayerHurried(name);
+    note("layer undeclared", name);
+  }
+  if (layer) m_record.layer = m_layers.add(bytes, layer);
+}
+
+// An unknown linetype is not remembered: a table that follows may declare it.
+void RecordReader::takeLtype() {
+  const std::string_view bytes = lexer().getBytes();
+  if ((m_record.ltype = m_ltypes.find(bytes)) != nullptr) return;
+  const zim::WString name = lexer().getText();
+  if (CLtype* ltype = m_context.semantor.getLtype(name)) {
+    m_record.ltype = m_ltypes.add(bytes, ltype);
+    return;
+  }
+  m_record.ltype = m_byLayer;
+  note("linetype unknown", name);
+}
+
+void RecordReader::takeStyle() {
+  const std::string_view bytes = lexer().getBytes();
+  if ((m_record.style = m_styles.find(bytes)) != nullptr) return;
+  const zim::WString name = lexer().getText();
+  if (CStyle* style = m_context.semantor.getStyle(name)) {
+    m_record.style = m_styles.add(bytes, style);
+    return;
+  }
+  note("style unknown", name);
+}
+
+void RecordReader::takeColor() {
+  const long color = lexer().getInt();
+  if (failed()) return;
+  if (color < 0 || color > kColorByLayer) return fail(CFileDXFIError::OutOfRange);
+  m_record.color = static_cast<short>(color);
+}
+
+double RecordReader::width() {
+  const double value = lexer().getDouble();
+  if (!failed() && value < 0) fail(CFileDXFIError::OutOfRange);
+  return value;
+}
+
+CBlock* RecordReader::findBlock(std::string_view bytes) {
+  if (CBlock* known = m_blocks.find(bytes)) return known;
+  CBlock* block = m_context.semantor.findBlock(lexer().getText());
+  return block ? m_blocks.add(bytes, block) : nullptr;
+}
+
+// False when the record has nothing more to say: what follows an embedded object
+// belongs to that object and repeats the codes of the entity around it.
+bool RecordReader::leaveOut(long code) {
+  if (code == kEmbeddedObject) {
+    skip();
+    return false;
+  }
+  if (isLoss(code)) {
+    note("code dropped", decimal(code));
+  } else if (code == kExtrusionZ && parseDouble(lexer().getBytes()).value != 1) {
+    note("extrusion ignored");
+  }
+  return true;
+}
+
+bool RecordReader::check(const RecordKind& kind, long missingParam) {
+  if (failed()) return false;
+  if (!m_record.seen.covers(kind.required)) {
+    fail(CFileDXFIError::EntityNotBuilt);
+    m_context.err.SetErrorExtraParam(missingParam, m_record.seen.bitsOf(kind.required));
+    return false;
+  }
+  if (!m_record.layer) fail(CFileDXFIError::WrongStructure);
+  return !failed();
+}
+
+void RecordReader::skip() {
+  while (m_context.lexer.read() != 0 && !failed()) {
+  }
+}
+
+}  // namespace vek0::detail

@@ -1,0 +1,130 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "dxfin/namecache.h"
+#include "dxfin/record.h"
+#include "vek0core/dxfin/filedxfierror.h"
+#include "vek0core/dxfin/filedxfilexer.h"
+#include "vek0core/dxfin/filedxfioptions.h"
+#include "vek0core/dxfin/filedxfisemantor.h"
+#include "vek0core/entities/ent.h"
+#include "vek0core/entities/entfactory.h"
+
+namespace vek0::detail {
+
+/// Degrees of the file to radians of the drawing. The number of digits is part of
+/// the format: what is written back is again the same number of degrees.
+constexpr double kRadPerDegree = 0.01745329251994;
+
+/// What the parser lends to everything that reads records.
+struct ReadContext {
+  CFileDXFILexer& lexer;
+  IFileDXFISemantor& semantor;
+  CEntFactory& factory;
+  CFileDXFIError& err;
+  const CFileDXFIOptions& options;
+
+  /// Adds to the report, if anyone wants one, at the line where the lexer stands.
+  void note(const char* code, const zim::WString& sample) const;
+};
+
+/// Which codes a kind of record reads and which it cannot be built without. The
+/// properties that every entity has (5, 6, 8, 62) are always read.
+struct RecordKind {
+  CodeSet wanted;
+  CodeSet required;
+};
+
+/// Reads one record at a time into a `Record` and resolves the names in it.
+class RecordReader {
+ public:
+  explicit RecordReader(const ReadContext& context) : m_context(context) {}
+
+  /// Reads the pairs up to the next group 0, on which it leaves the lexer. False
+  /// when an error is recorded: of a value, 16 when a required code is missing
+  /// (`missingParam` is its first parameter), 13 when there is no layer.
+  bool read(const RecordKind& kind, long missingParam = 2) {
+    return read(kind, {}, missingParam, [](long) {});
+  }
+  /// The same; pairs whose code is in `own` go to `takeOwn` instead, which reads
+  /// the lexer's value.
+  template <class TakeOwn>
+  bool read(const RecordKind& kind, CodeSet own, long missingParam, const TakeOwn& takeOwn) {
+    m_record.start(m_byLayer ? m_byLayer : findByLayer());
+    const CodeSet wanted = kind.wanted | kCommon;
+    for (;;) {
+      const long code = m_context.lexer.read();
+      if (failed()) return false;
+      if (code == 0) return check(kind, missingParam);
+      if (own.has(code)) {
+        m_record.seen.add(code);
+        takeOwn(code);
+      } else if (wanted.has(code)) {
+        m_record.seen.add(code);
+        take(code);
+      } else if (!leaveOut(code)) {
+        return check(kind, missingParam);
+      }
+      if (failed()) return false;
+    }
+  }
+  /// Skips the current record.
+  void skip();
+
+  const Record& record() const { return m_record; }
+  const ReadContext& context() const { return m_context; }
+  CFileDXFILexer& lexer() const { return m_context.lexer; }
+  CEntFactory& factory() const { return m_context.factory; }
+  IHandleGestor& gestor() const { return m_context.semantor.getHandleGestor(); }
+  bool failed() const { return m_context.err.HasAnError(); }
+  void fail(CFileDXFIError::TDXFErrors kind) const { m_context.err.SetError(kind); }
+  void note(const char* code, const zim::WString& sample = {}) const {
+    m_context.note(code, sample);
+  }
+
+  /// The current value as a width; error 15 when it is negative.
+  double width();
+  void takeWidth(long code) { m_record.setReal(code, width()); }
+
+  /// What a block name shows; null when nothing bears the name yet.
+  CBlock* findBlock(std::string_view bytes);
+
+  /// Takes what the factory gave; null is error 1, out of memory.
+  template <class Ent>
+  std::unique_ptr<Ent> built(Ent* ent) const {
+    if (!ent) fail(CFileDXFIError::GeneralError);
+    return std::unique_ptr<Ent>(ent);
+  }
+
+  /// Entities beyond the first that the current record gave.
+  std::vector<std::unique_ptr<CEnt>> further;
+  /// Whether any insert was read.
+  bool insertRead = false;
+
+ private:
+  static constexpr CodeSet kCommon{5, 6, 8, 62};
+
+  CLtype* findByLayer();
+  void take(long code);
+  void takeLayer();
+  void takeLtype();
+  void takeStyle();
+  void takeColor();
+  bool leaveOut(long code);
+  bool check(const RecordKind& kind, long missingParam);
+
+  ReadContext m_context;
+  Record m_record;
+  CLtype* m_byLayer = nullptr;
+  NameCache<CLayer> m_layers;
+  NameCache<CLtype> m_ltypes;
+  NameCache<CStyle> m_styles;
+  NameCache<CBlock> m_blocks;
+};
+
+using EntPtr = std::unique_ptr<CEnt>;
+
+}  // namespace vek0::detail

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "vek0core/geometry/pnt.h"
+#include "zim0lang/wstring.h"
+
+class CFileDXFOWriter;
+
+namespace vek0::detail {
+
+/// The head of a block definition; `path` is that of an external reference.
+void beginBlock(CFileDXFOWriter& writer, const zim::WString& name, long flags, const PNT_3D& base,
+                const zim::WString& path);
+
+/// Its end, with a layer when other programs are to be pleased.
+void endBlock(CFileDXFOWriter& writer, bool withLayer);
+
+}  // namespace vek0::detail

@@ -1,0 +1,54 @@
+#include "dxfout/exactnumbers.h"
+
+#include <cmath>
+
+namespace vek0::detail {
+namespace {
+
+// The factor of the reader.
+constexpr double kReadRadPerDegree = 0.01745329251994;
+
+// Ten decimals hold what people and programs write; a double of 360 has thirteen.
+constexpr double kDecimals = 1e10;
+
+constexpr int kSteadyDigits = 13;
+
+double roundDecimals(double degrees) { return std::round(degrees * kDecimals) / kDecimals; }
+
+// A number of degrees that reads as exactly `angleRad`, or the quotient if none does.
+double nearestDegrees(double angleRad) {
+  const double quotient = angleRad / kReadRadPerDegree;
+  const double candidates[] = {roundDecimals(quotient), quotient,
+                               std::nextafter(quotient, -HUGE_VAL),
+                               std::nextafter(quotient, HUGE_VAL)};
+  for (const double degrees : candidates) {
+    if (readRadians(degrees) == angleRad) return degrees;
+  }
+  return quotient;
+}
+
+}  // namespace
+
+double readRadians(double degrees) { return degrees * kReadRadPerDegree; }
+
+double exactDegrees(double angleRad) {
+  const double degrees = nearestDegrees(angleRad);
+  const double readBack = readRadians(degrees);
+  return readBack == angleRad ? degrees : nearestDegrees(readBack);
+}
+
+double steady(double value, double magnitude) {
+  // Powers of ten beyond 22 are not exact, and sizes that need them are not drawn.
+  const double digits = kSteadyDigits - 1 - std::floor(std::log10(magnitude));
+  if (!(std::fabs(digits) <= 22)) return value;
+  double scale = 1;
+  for (int i = 0; i < std::fabs(digits); ++i) scale *= 10;
+  return digits < 0 ? std::round(value / scale) * scale : std::round(value * scale) / scale;
+}
+
+double steadyAngle(double angleRad) {
+  const double degrees = roundDecimals(angleRad / kReadRadPerDegree);
+  return readRadians(degrees == 360 ? 0 : degrees);
+}
+
+}  // namespace vek0::detail

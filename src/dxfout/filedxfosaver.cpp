@@ -1,0 +1,374 @@
+#include "vek0core/dxfout/filedxfosaver.h"
+
+#include <cmath>
+#include <new>
+#include <unordered_set>
+
+#include "dxfout/blockrecord.h"
+#include "dxfout/exactnumbers.h"
+#include "dxfout/itemlists.h"
+#include "dxfout/savedcolor.h"
+#include "dxfout/savefilter.h"
+#include "dxfout/savehandles.h"
+#include "vek0core/drawing/data.h"
+#include "vek0core/drawing/functions.h"
+#include "vek0core/dxfout/filedxfoblockwriter.h"
+#include "vek0core/dxfout/savedxf.h"
+#include "vek0core/entities/block.h"
+#include "vek0core/entities/blockxref.h"
+#include "vek0core/entities/entinsert.h"
+#include "vek0core/files/file.h"
+#include "vek0core/files/report.h"
+#include "vek0core/tables/font.h"
+#include "vek0core/tables/layer.h"
+#include "vek0core/tables/ltype.h"
+#include "vek0core/tables/style.h"
+
+namespace {
+
+constexpr long kLayerFrozen = 1, kLayerOff = 128;
+constexpr long kShapeStyle = 1;
+constexpr long kExternal = 4;
+// What a layer's code 70 holds; being off is a negative colour, the rest is ours.
+constexpr long kFlagBits = 0x7F;
+// The letter A: the pattern is fitted to the ends of a line.
+constexpr long kAlignment = 65;
+
+constexpr const zim::Char* kHatchPrefix = u"*PAT";
+
+bool isHatchBlock(const CBlock& block) {
+  return block.getName().view().substr(0, 4) == kHatchPrefix;
+}
+
+/// The blocks that entities of a drawing insert.
+using UsedBlocks = std::unordered_set<const CBlock*>;
+
+void noteUse(const CEnt* ent, UsedBlocks& used) {
+  if (const CEntInsertBase* insert = ent->getEntInsert()) used.insert(insert->getBlock());
+}
+
+// The blocks of hatches that are gone, which nobody would miss and readers only keep.
+UsedBlocks unusedHatchBlocks(const CData& data) {
+  UsedBlocks unused;
+  const auto blocks = vek0::detail::blocksOf(data);
+  for (const CBlock* block : blocks) {
+    if (isHatchBlock(*block)) unused.insert(block);
+  }
+  if (unused.empty()) return unused;
+  UsedBlocks used;
+  for (const CBlock* block : blocks) {
+    for (CBlock::CInsertIterator insert(*block); *insert; ++insert) noteUse(*insert, used);
+  }
+  for (const CEnt* ent : data.getEntTable().getEntityTbl()) noteUse(ent, used);
+  for (const CBlock* block : used) unused.erase(block);
+  return unused;
+}
+
+/// Hands the blocks that are written to another operation.
+class WrittenBlocks final : public IBlockOperation {
+ public:
+  WrittenBlocks(const CData& data, IBlockOperation& op)
+      : m_unused(unusedHatchBlocks(data)), m_op(op) {}
+
+  int doOperation(CBlock& block) override {
+    return m_unused.count(&block) ? ZORA_BLOCK_VISIT_RESULT_SUCCESS : m_op.doOperation(block);
+  }
+
+ private:
+  UsedBlocks m_unused;
+  IBlockOperation& m_op;
+};
+
+/// Shows every entity of a block to a visitor.
+class BlockVisit final : public IBlockOperation {
+ public:
+  explicit BlockVisit(IEntVisitor& visitor) : m_visitor(visitor) {}
+
+  int doOperation(CBlock& block) override {
+    for (unsigned i = 0; i < block.size(); ++i) block[i]->accept(m_visitor);
+    return ZORA_BLOCK_VISIT_RESULT_SUCCESS;
+  }
+
+ private:
+  IEntVisitor& m_visitor;
+};
+
+long countOfDashes(const CLtype& ltype) {
+  const CLtypeComplexDashSeq& dashes = ltype.GetLtypeComplexDashSeq();
+  long count = 0;
+  for (int i = 0; i < dashes.GetNoDashes(); ++i) count += dashes.Get(i)->IsDoubleDash();
+  return count;
+}
+
+}  // namespace
+
+CFileDXFOSaver::CFileDXFOSaver(const CData& data, IFile& file, unsigned flags, CFileReport* report)
+    : m_data(data),
+      m_file(file),
+      m_writer(file),
+      m_visitor(data, m_writer, (flags & kSaveFlatten) != 0),
+      m_converter(data, (flags & kSaveExchange) != 0, report),
+      m_flags(flags),
+      m_report(report),
+      m_handles(std::make_unique<vek0::detail::SaveHandles>()) {
+  m_writer.setExact(isExchange());
+  m_writer.setReport(report);
+  m_visitor.SetACADNameConverter(&m_converter);
+  m_visitor.setExchange(isExchange());
+  m_visitor.setReport(report);
+  m_visitor.setHandles(m_handles.get());
+}
+
+CFileDXFOSaver::~CFileDXFOSaver() = default;
+
+bool CFileDXFOSaver::save() {
+  if (!m_file.open()) return false;
+  bool saved = false;
+  try {
+    saved = dosave();
+  } catch (const std::bad_alloc&) {
+    saved = false;
+  }
+  m_file.close();
+  return saved;
+}
+
+bool CFileDXFOSaver::dosave() {
+  collectHandles();
+  if ((m_flags & kSaveNoTables) == 0) {
+    writeHeaders();
+    if (!sectionDone()) return false;
+    writeTables();
+    if (!sectionDone()) return false;
+  }
+  if (!writeBlocks() || !sectionDone()) return false;
+  writeEntities();
+  if (!sectionDone()) return false;
+  write(0, u"EOF");
+  return sectionDone();
+}
+
+bool CFileDXFOSaver::sectionDone() { return m_writer.flush() && !m_file.fail(); }
+
+void CFileDXFOSaver::collectHandles() {
+  const vek0::detail::SaveFilter filter(m_data);
+  vek0::detail::HandleCollector collector(*m_handles, filter, (m_flags & kSaveFlatten) != 0,
+                                          isExchange());
+  BlockVisit visit(collector);
+  WrittenBlocks written(m_data, visit);
+  // A cycle shows again when the blocks are written.
+  m_data.getBlockTable().getBlockGraph().VisitUndep(written);
+  visitEntities(collector);
+  m_handles->settle();
+}
+
+void CFileDXFOSaver::writeHeaders() {
+  const CDataVariables& vars = m_data.getVars();
+  beginSection(u"HEADER");
+  write(9, u"$ACADVER");
+  write(1, u"AC1009");
+  writeLimit(u"$LIMMIN", vars.getLimMin(), PNT_2D(0, 0));
+  writeLimit(u"$LIMMAX", vars.getLimMax(), PNT_2D(420, 297));
+  writeVariable(u"$LTSCALE", 40, vars.getLtypeScale(), 1);
+  writeCurrentItems();
+  write(9, u"$ORTHOMODE");
+  write(70, vars.isOrtho());
+  write(9, u"$PLINEGEN");
+  write(70, vars.isPLineGen());
+  writeVariable(u"$PLINEWID", 40, vars.getPLineWid(), 0);
+  write(9, u"$AUNITS");
+  write(70, static_cast<long>(vars.getAngFormat()));
+  writeVariable(u"$ANGBASE", 50, degrees(vars.getAngDir()), 0);
+  write(9, u"$ANGDIR");
+  write(70, vars.isAngClockWise());
+  if (isExchange()) {
+    write(9, u"$HANDSEED");
+    writeHex(5, m_handles->seed());
+  }
+  write(0, u"ENDSEC");
+}
+
+void CFileDXFOSaver::writeCurrentItems() {
+  const CDataVariables& vars = m_data.getVars();
+  write(9, u"$TEXTSTYLE");
+  m_writer.writeText(7, m_converter.GetName(vars.getCurStyle()));
+  write(9, u"$CLAYER");
+  m_writer.writeText(8, m_converter.GetName(vars.getCurLayer()));
+  write(9, u"$CELTYPE");
+  m_writer.writeText(6, m_converter.GetName(vars.getCurLtype()));
+  if (!isExchange()) return;
+  const short color = vars.getCurColor();
+  const bool known = vek0::detail::isEntityColor(color);
+  if (!known) report("color out of range", u"$CECOLOR");
+  write(9, u"$CECOLOR");
+  write(62, static_cast<long>(known ? color : vek0::detail::kColorByLayer));
+}
+
+void CFileDXFOSaver::writeVariable(const zim::Char* name, long code, double value,
+                                   double fallback) {
+  write(9, name);
+  write(code, finite(value, fallback, name));
+}
+
+void CFileDXFOSaver::writeLimit(const zim::Char* name, const PNT_2D& limit,
+                                const PNT_2D& fallback) {
+  write(9, name);
+  write(10, finite(limit.x, fallback.x, name));
+  write(20, finite(limit.y, fallback.y, name));
+}
+
+void CFileDXFOSaver::writeTables() {
+  beginSection(u"TABLES");
+  writeLtypes();
+  writeLayers();
+  writeStyles();
+  write(0, u"ENDSEC");
+}
+
+void CFileDXFOSaver::writeLtypes() {
+  const auto ltypes = vek0::detail::ltypesOf(m_data, false);
+  beginTable(u"LTYPE", ltypes.size());
+  for (const CLtype* ltype : ltypes) writeLtype(*ltype);
+  write(0, u"ENDTAB");
+}
+
+void CFileDXFOSaver::writeLtype(const CLtype& ltype) {
+  const zim::WString name = m_converter.GetName(&ltype);
+  const CLtypeComplexDashSeq& dashes = ltype.GetLtypeComplexDashSeq();
+  const long flags = dependentFlags(ltype.getFlags(), name);
+  write(0, u"LTYPE");
+  m_writer.writeText(2, name);
+  write(70, isExchange() ? flags & kFlagBits : flags);
+  m_writer.writeText(3, ltype.getDesc());
+  write(72, kAlignment);
+  // Elements that are no dashes have no form in this version. The classic form
+  // counts them all the same.
+  write(73, isExchange() ? countOfDashes(ltype) : static_cast<long>(dashes.GetNoDashes()));
+  write(40, finite(ltype.getPatternLen(), 0, name));
+  for (int i = 0; i < dashes.GetNoDashes(); ++i) {
+    if (dashes.Get(i)->IsDoubleDash()) write(49, finite(dashes.Get(i)->GetValue(), 0, name));
+  }
+}
+
+void CFileDXFOSaver::writeLayers() {
+  const auto layers = vek0::detail::layersOf(m_data);
+  beginTable(u"LAYER", layers.size());
+  for (const CLayer* layer : layers) writeLayer(*layer);
+  write(0, u"ENDTAB");
+}
+
+void CFileDXFOSaver::writeLayer(const CLayer& layer) {
+  const zim::WString name = m_converter.GetName(&layer);
+  short color = layer.getColor();
+  if (!vek0::detail::isLayerColor(color)) {
+    report("color out of range", name);
+    color = vek0::detail::kColorDefault;
+  }
+  write(0, u"LAYER");
+  m_writer.writeText(2, name);
+  write(70, dependentFlags(layer.getFlags(), name) & kFlagBits);
+  write(62, static_cast<long>(layer.isOff() ? -color : color));
+  m_writer.writeText(6, m_converter.GetName(layer.getLtype()));
+}
+
+void CFileDXFOSaver::writeStyles() {
+  std::vector<const CStyle*> styles;
+  for (const CStyle* style : vek0::detail::stylesOf(m_data)) {
+    if ((style->getFlags() & kShapeStyle) == 0) styles.push_back(style);
+  }
+  beginTable(u"STYLE", styles.size());
+  for (const CStyle* style : styles) writeStyle(*style);
+  write(0, u"ENDTAB");
+}
+
+void CFileDXFOSaver::writeStyle(const CStyle& style) {
+  const zim::WString name = m_converter.GetName(&style);
+  write(0, u"STYLE");
+  m_writer.writeText(2, name);
+  write(70, style.getFlags());
+  write(40, finite(style.getFixedHeight(), 0, name));
+  write(41, finite(style.getWidthScale(), 1, name));
+  write(50, finite(degrees(style.getOblique()), 0, name));
+  write(71, 0L);
+  write(42, finite(style.getLastHeight(), 0.2, name));
+  m_writer.writeText(3, style.getFont() ? style.getFont()->getName() : zim::WString(u"txt"));
+}
+
+bool CFileDXFOSaver::writeBlocks() {
+  beginSection(u"BLOCKS");
+  for (const CBlockXRef* xref : vek0::detail::xrefsOf(m_data)) writeXRef(*xref);
+  CFileDXFOBlockWriter writer(m_writer, m_visitor, m_converter);
+  writer.setExchange(isExchange());
+  WrittenBlocks written(m_data, writer);
+  // Not an assertion: a host can make a block insert itself behind the table's back.
+  const int iResult = m_data.getBlockTable().getBlockGraph().VisitUndep(written);
+  write(0, u"ENDSEC");
+  return iResult == ZORA_BLOCK_VISIT_RESULT_SUCCESS;
+}
+
+void CFileDXFOSaver::writeXRef(const CBlockXRef& xref) {
+  // Its content is not shifted by the base point, so what other programs are told of
+  // it matters.
+  PNT_3D base(0, 0, 0);
+  if (isExchange() && vek0::detail::isFinite(xref.getPnt())) base = xref.getPnt();
+  vek0::detail::beginBlock(m_writer, m_converter.GetName(&xref), xref.getFlags() | kExternal, base,
+                           xref.getPath());
+  vek0::detail::endBlock(m_writer, isExchange());
+}
+
+void CFileDXFOSaver::writeEntities() {
+  beginSection(u"ENTITIES");
+  visitEntities(m_visitor);
+  write(0, u"ENDSEC");
+}
+
+void CFileDXFOSaver::visitEntities(IEntVisitor& visitor) {
+  const CEntTable& table = m_data.getEntTable();
+  const bool selected = (m_flags & kSaveSelectedOnly) != 0;
+  for (CEnt* ent : selected ? table.getSelectedEntityTbl() : table.getEntityTbl()) {
+    if (m_writer.fail()) return;
+    if (isWritten(*ent)) ent->accept(visitor);
+  }
+}
+
+bool CFileDXFOSaver::isWritten(const CEnt& ent) const {
+  if ((m_flags & kSaveVisibleOnly) == 0 || !ent.getLayer()) return true;
+  return (ent.getLayer()->getFlags() & (kLayerFrozen | kLayerOff)) == 0;
+}
+
+void CFileDXFOSaver::beginSection(const zim::Char* name) {
+  write(0, u"SECTION");
+  write(2, name);
+}
+
+void CFileDXFOSaver::beginTable(const zim::Char* name, std::size_t entries) {
+  write(0, u"TABLE");
+  write(2, name);
+  write(70, static_cast<long>(entries));
+}
+
+bool CFileDXFOSaver::isExchange() const { return (m_flags & kSaveExchange) != 0; }
+
+double CFileDXFOSaver::degrees(double angleRad) const {
+  return isExchange() ? vek0::detail::exactDegrees(angleRad)
+                      : vek0::detail::classicDegrees(angleRad);
+}
+
+double CFileDXFOSaver::finite(double value, double fallback, const zim::WString& where) {
+  if (std::isfinite(value)) return value;
+  report("number not finite", where);
+  return fallback;
+}
+
+// Readers split the name of an item with that flag and stop where there is nothing
+// to split.
+long CFileDXFOSaver::dependentFlags(long flags, const zim::WString& name) {
+  zim::WString xref, item;
+  if ((flags & vek0::detail::kDependent) == 0 || scomposeName(name, xref, item)) return flags;
+  report("name not dependent", name);
+  return flags & ~(vek0::detail::kDependent | vek0::detail::kResolved);
+}
+
+void CFileDXFOSaver::report(const char* code, const zim::WString& sample) {
+  if (m_report) m_report->add(code, 0, sample);
+}

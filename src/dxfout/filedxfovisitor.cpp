@@ -1,0 +1,315 @@
+#include "vek0core/dxfout/filedxfovisitor.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "dxfout/exactnumbers.h"
+#include "dxfout/savedcolor.h"
+#include "dxfout/savednames.h"
+#include "dxfout/savedvertexes.h"
+#include "dxfout/savefilter.h"
+#include "dxfout/savehandles.h"
+#include "vek0core/assert.h"
+#include "vek0core/dxfout/filedxfowriter.h"
+#include "vek0core/entities/attribplacement.h"
+#include "vek0core/entities/ent3dface.h"
+#include "vek0core/entities/entarc.h"
+#include "vek0core/entities/entattdef.h"
+#include "vek0core/entities/entattrib.h"
+#include "vek0core/entities/entcircle.h"
+#include "vek0core/entities/entinsert.h"
+#include "vek0core/entities/entline.h"
+#include "vek0core/entities/entpnt.h"
+#include "vek0core/files/report.h"
+#include "vek0core/tables/ltype.h"
+#include "vek0core/tables/text.h"
+
+using vek0::detail::SavedVertex;
+using vek0::detail::steady;
+using vek0::detail::steadyAngle;
+
+namespace {
+
+// Displays are no matter of a file; only inserts of fixed pixel size ask for one.
+constexpr double kPixelSize = 1;
+
+// Code 70 of POLYLINE beside the bits that a drawing has too.
+constexpr long kPolyline3D = 8;
+// Code 75 of POLYLINE.
+constexpr long kQuadratic = 5, kCubic = 6;
+// Code 71 of texts.
+constexpr long kBackward = 2;
+// The codes of the string and of the vertical alignment differ by kind of text.
+constexpr long kTextString = 1, kTagString = 2, kTextVertical = 73, kAttribVertical = 74;
+
+// A placed point is as exact as the largest number that went into it.
+PNT_3D steadyPoint(const PNT_3D& pnt, const CEntInsertBase& insert) {
+  PNT_3D at;
+  double sx, sy, sz, rotationRad;
+  insert.getInsertParams(kPixelSize, at, sx, sy, sz, rotationRad);
+  const double size = std::max({std::fabs(at.x), std::fabs(at.y), std::fabs(at.z), std::fabs(pnt.x),
+                                std::fabs(pnt.y), std::fabs(pnt.z)});
+  return {steady(pnt.x, size), steady(pnt.y, size), steady(pnt.z, size)};
+}
+
+}  // namespace
+
+struct CFileDXFOVisitor::TextRecord {
+  const zim::WString* string;
+  const CStyle* style;
+  PNT_3D base, insertion;
+  double height, widthScale, rotationRad, obliqueRad;
+  long horizontal, vertical;
+};
+
+CFileDXFOVisitor::CFileDXFOVisitor(const CData& data, CFileDXFOWriter& writer, bool flatten)
+    : m_writer(writer),
+      m_filter(std::make_unique<vek0::detail::SaveFilter>(data)),
+      m_flatten(flatten) {}
+
+CFileDXFOVisitor::~CFileDXFOVisitor() = default;
+
+void CFileDXFOVisitor::SetACADNameConverter(CNameAcadConverter* converter) {
+  m_pACADNameConverter = converter;
+  m_names = converter ? std::make_unique<vek0::detail::SavedNames>(*converter) : nullptr;
+}
+
+void CFileDXFOVisitor::visit(CEntPnt& ent) {
+  if (refuses(ent, "POINT")) return;
+  begin("POINT", ent);
+  writePoint(0, ent.getPnt());
+}
+
+void CFileDXFOVisitor::visit(CEntLine& ent) {
+  if (refuses(ent, "LINE")) return;
+  begin("LINE", ent);
+  writePoint(0, ent.getLine().p1);
+  writePoint(1, ent.getLine().p2);
+}
+
+void CFileDXFOVisitor::visit(CEntCircle& ent) {
+  if (refuses(ent, "CIRCLE")) return;
+  begin("CIRCLE", ent);
+  writePoint(0, ent.getCircle());
+  m_writer.write(40, ent.getCircle().radius);
+}
+
+void CFileDXFOVisitor::visit(CEntArc& ent) {
+  if (refuses(ent, "ARC")) return;
+  begin("ARC", ent);
+  writePoint(0, ent.getArc());
+  m_writer.write(40, ent.getArc().radius);
+  writeAngle(50, ent.getArc().startAngle);
+  writeAngle(51, ent.getArc().endAngle);
+}
+
+void CFileDXFOVisitor::visit(CEnt3DFace& ent) {
+  if (refuses(ent, "3DFACE")) return;
+  begin("3DFACE", ent);
+  for (long corner = 0; corner < 4; ++corner) writePoint(corner, ent.getVertex(corner));
+  m_writer.write(70, ent.getFlags());
+}
+
+void CFileDXFOVisitor::visit(CEntText& ent) {
+  if (refuses(ent, "TEXT")) return;
+  begin("TEXT", ent);
+  txt_visit(placed(ent.getText()), kTextString, kTextVertical);
+}
+
+void CFileDXFOVisitor::visit(CEntAttdef& ent) {
+  if (refuses(ent, "ATTDEF")) return;
+  begin("ATTDEF", ent);
+  m_writer.write(70, ent.getFlags());
+  m_writer.writeText(1, ent.getValue());
+  m_writer.writeText(3, ent.getPrompt());
+  txt_visit(placed(ent.getText()), kTagString, kAttribVertical);
+}
+
+// Nothing stands for one yet, so nothing is written.
+void CFileDXFOVisitor::visit(CEntHatch&) {}
+
+void CFileDXFOVisitor::visit(CEntAttrib&) { ZORA_ASSERT(false); }
+
+void CFileDXFOVisitor::visit(CEntInsert& ent) { insert_visit(ent); }
+
+void CFileDXFOVisitor::visit(CEntInsertXRef& ent) { insert_visit(ent); }
+
+void CFileDXFOVisitor::visit(CEntFixedInsert& ent) {
+  insert_visit(ent);
+  report("fixed insert", "INSERT");
+}
+
+void CFileDXFOVisitor::visit(CEntPolyline& ent) {
+  if (!isReady()) return;
+  const auto form = vek0::detail::polylineForm(ent, m_flatten, m_exchange);
+  if (!form.finite) return report(vek0::detail::kNotFinite, "POLYLINE");
+  begin("POLYLINE", ent);
+  writePoint(0, PNT_3D(0, 0, form.elevation));
+  m_writer.write(70, (ent.getFlags() & (CEntPolyline::kClosed | CEntPolyline::kLtGen)) |
+                         form.curve | (form.solid ? kPolyline3D : 0));
+  if (form.curve == CEntPolyline::kSpline)
+    m_writer.write(75, ent.getDegree() == 2 ? kQuadratic : kCubic);
+  m_writer.write(40, form.widthConstant ? form.width : 0.0);
+  m_writer.write(41, form.widthConstant ? form.width : 0.0);
+  m_writer.write(66, 1L);
+  struct {
+    CFileDXFOVisitor& visitor;
+    const CEnt& owner;
+  } run{*this, ent};
+  forEachSaved(ent, form, [&run](const SavedVertex& v) { run.visitor.vertex_visit(run.owner, v); });
+  seq_visit(ent);
+}
+
+bool CFileDXFOVisitor::isReady() const {
+  ZORA_ASSERT(m_pACADNameConverter != NULL);
+  return m_pACADNameConverter != nullptr;
+}
+
+void CFileDXFOVisitor::begin(const char* kind, const CEnt& ent) {
+  m_writer.writeEncoded(0, kind);
+  def_visit(ent);
+}
+
+void CFileDXFOVisitor::def_visit(const CEnt& ent) {
+  writeHandle(ent.GetHandle());
+  m_writer.writeEncoded(8, m_names->layer(ent.getLayer()));
+  if (ent.getLtype() && !ent.getLtype()->isByLayer())
+    m_writer.writeEncoded(6, m_names->ltype(ent.getLtype()));
+  if (ent.getColor() == vek0::detail::kColorByLayer) return;
+  if (!vek0::detail::isEntityColor(ent.getColor())) return report("color out of range", "");
+  m_writer.write(62, static_cast<long>(ent.getColor()));
+}
+
+void CFileDXFOVisitor::txt_visit(const TextRecord& text, long stringCode, long verticalCode) {
+  m_writer.write(40, text.height);
+  m_writer.writeText(stringCode, *text.string);
+  writeAngle(50, text.rotationRad);
+  m_writer.write(41, std::fabs(text.widthScale));
+  writeAngle(51, text.obliqueRad);
+  m_writer.writeEncoded(7, m_names->style(text.style));
+  writePoint(0, text.base);
+  if (text.widthScale < 0) m_writer.write(71, kBackward);
+  m_writer.write(72, text.horizontal);
+  m_writer.write(verticalCode, text.vertical);
+  writePoint(1, text.insertion);
+}
+
+void CFileDXFOVisitor::insert_visit(const CEntInsertBase& ent) {
+  if (refuses(ent, "INSERT")) return;
+  PNT_3D pnt;
+  double sx, sy, sz, rotationRad, columnSpacing, rowSpacing;
+  long columns, rows;
+  ent.getInsertParams(kPixelSize, pnt, sx, sy, sz, rotationRad);
+  ent.getArray(columns, rows, columnSpacing, rowSpacing);
+  begin("INSERT", ent);
+  m_writer.writeEncoded(2, m_names->block(ent.getBlock()));
+  writePoint(0, pnt);
+  m_writer.write(41, sx);
+  m_writer.write(42, sy);
+  m_writer.write(43, sz);
+  writeAngle(50, rotationRad);
+  m_writer.write(70, columns);
+  m_writer.write(71, rows);
+  m_writer.write(44, columnSpacing);
+  m_writer.write(45, rowSpacing);
+  attribs_visit(ent);
+}
+
+void CFileDXFOVisitor::attribs_visit(const CEntInsertBase& ent) {
+  m_sequence.clear();
+  for (unsigned i = 0; i < static_cast<unsigned>(ent.GetNoAttribs()); ++i) {
+    const CEntAttrib* attrib = ent.GetAttrib(i);
+    if (attrib && !refuses(*attrib, "ATTRIB")) m_sequence.push_back(attrib);
+  }
+  if (m_sequence.empty()) return;
+  m_writer.write(66, 1L);
+  for (const CEntAttrib* attrib : m_sequence) attrib_visit(ent, *attrib);
+  seq_visit(ent);
+}
+
+void CFileDXFOVisitor::attrib_visit(const CEntInsertBase& ent, const CEntAttrib& attrib) {
+  begin("ATTRIB", attrib);
+  m_writer.write(70, attrib.getFlags());
+  m_writer.writeText(2, attrib.getTag());
+  txt_visit(placed(ent, attrib), kTextString, kAttribVertical);
+}
+
+void CFileDXFOVisitor::vertex_visit(const CEnt& owner, const SavedVertex& vertex) {
+  m_writer.writeEncoded(0, "VERTEX");
+  writeHandle(vertex.handle);
+  m_writer.writeEncoded(8, m_names->layer(owner.getLayer()));
+  writePoint(0, vertex.pnt);
+  m_writer.write(70, vertex.flags);
+  m_writer.write(40, vertex.widthStart);
+  m_writer.write(41, vertex.widthEnd);
+  if (vertex.bulge != 0) m_writer.write(42, vertex.bulge);
+}
+
+void CFileDXFOVisitor::seq_visit(const CEnt& owner) {
+  m_writer.writeEncoded(0, "SEQEND");
+  m_writer.writeHex(5, m_handles ? m_handles->takeEnd() : 0);
+  m_writer.writeEncoded(8, m_names->layer(owner.getLayer()));
+}
+
+void CFileDXFOVisitor::writePoint(long index, const PNT_3D& pnt) {
+  m_writer.write(10 + index, pnt.x);
+  m_writer.write(20 + index, pnt.y);
+  m_writer.write(30 + index, m_flatten ? 0.0 : pnt.z);
+}
+
+void CFileDXFOVisitor::writeAngle(long code, double angleRad) {
+  m_writer.write(code, m_exchange ? vek0::detail::exactDegrees(angleRad)
+                                  : vek0::detail::classicDegrees(angleRad));
+}
+
+void CFileDXFOVisitor::writeHandle(long handle) {
+  m_writer.writeHex(5, m_handles ? m_handles->take(handle) : handle);
+}
+
+CFileDXFOVisitor::TextRecord CFileDXFOVisitor::placed(const TEXT_3D& text) const {
+  const CTextContext& context = text.getContext();
+  return {kTagString,           kAttribVertical,         &context.getString(),
+          text.getStyle(),      text.getBasePoint(),     text,
+          context.getHeight(),  context.getWidthScale(), context.getRotate(),
+          context.getOblique(), text.getHorizAlign(),    text.getVertAlign()};
+}
+
+// An attribute stands in the coordinates of its block, but in the file in those of
+// the drawing.
+CFileDXFOVisitor::TextRecord CFileDXFOVisitor::placed(const CEntInsertBase& insert,
+                                                      const CEntAttrib& attrib) const {
+  PNT_3D position;
+  double height, widthScale, rotationRad, obliqueRad;
+  transform_attrib_logic_2_phisic(kPixelSize, insert, attrib, position, height, widthScale,
+                                  rotationRad, obliqueRad);
+  if (m_exchange) {
+    position = steadyPoint(position, insert);
+    height = steady(height);
+    widthScale = steady(widthScale);
+    rotationRad = steadyAngle(rotationRad);
+    obliqueRad = steadyAngle(obliqueRad);
+  }
+  TEXT_3D text(attrib.getText());
+  text.set(position.x, position.y, position.z);
+  CTextContext context(text.getContext());
+  context.setHeight(height);
+  context.setWidthScale(widthScale);
+  context.setRotate(rotationRad);
+  context.setOblique(obliqueRad);
+  text.setContext(context);
+  TextRecord record = placed(text);
+  record.string = &attrib.getValue();
+  return record;
+}
+
+template <class Ent>
+bool CFileDXFOVisitor::refuses(const Ent& ent, const char* kind) {
+  if (!isReady()) return true;
+  const char* objection = m_filter->objection(ent);
+  if (objection) report(objection, kind);
+  return objection != nullptr;
+}
+
+void CFileDXFOVisitor::report(const char* code, const char* kind) {
+  if (m_report) m_report->add(code, 0, zim::WString::fromUtf8(kind));
+}

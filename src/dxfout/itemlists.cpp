@@ -1,0 +1,53 @@
+#include "dxfout/itemlists.h"
+
+#include "vek0core/entities/block.h"
+#include "vek0core/entities/blocktable.h"
+#include "vek0core/entities/blockxref.h"
+#include "vek0core/tables/layer.h"
+#include "vek0core/tables/ltype.h"
+#include "vek0core/tables/style.h"
+
+namespace vek0::detail {
+namespace {
+
+template <class Item, class Iterator>
+std::vector<const Item*> walked(Iterator it) {
+  std::vector<const Item*> items;
+  for (; *it; ++it) items.push_back(*it);
+  return items;
+}
+
+template <class Item, class Table>
+std::vector<const Item*> listed(const Table& table) {
+  std::vector<const Item*> items;
+  for (int i = 0; i < static_cast<int>(table.size()); ++i) {
+    if (const Item* item = table[i]) items.push_back(item);
+  }
+  return items;
+}
+
+}  // namespace
+
+std::vector<const CLayer*> layersOf(const CData& data) {
+  return walked<CLayer>(CData::CLayerIterator(data, true));
+}
+
+std::vector<const CLtype*> ltypesOf(const CData& data, bool withByLayerByBlock) {
+  return walked<CLtype>(CData::CLtypeIterator(data, true, withByLayerByBlock));
+}
+
+std::vector<const CStyle*> stylesOf(const CData& data) {
+  return walked<CStyle>(CData::CStyleIterator(data, false));
+}
+
+std::vector<const CBlock*> blocksOf(const CData& data) {
+  return listed<CBlock>(data.getBlockTable());
+}
+
+std::vector<const CBlockXRef*> xrefsOf(const CData& data) {
+  return listed<CBlockXRef>(data.getBlockXRefTable());
+}
+
+bool isDependent(const CNamedItem& item) { return (item.getFlags() & kDependent) != 0; }
+
+}  // namespace vek0::detail

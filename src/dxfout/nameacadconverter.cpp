@@ -1,0 +1,241 @@
+#include "vek0core/dxfout/nameacadconverter.h"
+
+#include <algorithm>
+#include <string>
+#include <unordered_set>
+
+#include "dxfout/itemlists.h"
+#include "vek0core/drawing/data.h"
+#include "vek0core/drawing/functions.h"
+#include "vek0core/entities/block.h"
+#include "vek0core/entities/blockxref.h"
+#include "vek0core/files/report.h"
+#include "vek0core/tables/layer.h"
+#include "vek0core/tables/ltype.h"
+#include "vek0core/tables/style.h"
+
+namespace {
+
+constexpr std::size_t kLongestName = 31;
+// What names that are too long are cut to, with or without a number behind them.
+constexpr std::size_t kCutLength = 30;
+
+struct FoldedHash {
+  std::size_t operator()(const zim::WString& name) const { return zim::hashIgnoreCase(name); }
+};
+struct FoldedEqual {
+  bool operator()(const zim::WString& a, const zim::WString& b) const {
+    return a.EqualsIgnoreCase(b);
+  }
+};
+// Readers look names up without regard to case.
+using FoldedNames = std::unordered_set<zim::WString, FoldedHash, FoldedEqual>;
+
+zim::WString decimal(int value) { return zim::WString::fromUtf8(std::to_string(value)); }
+
+zim::WString part(const zim::WString& name, std::size_t length) {
+  return zim::WString(name.view().substr(0, length));
+}
+
+template <class Item>
+zim::WString nameIn(const std::unordered_map<const Item*, zim::WString>& names, const Item& item,
+                    const zim::WString& own) {
+  const auto found = names.find(&item);
+  return found == names.end() ? own : found->second;
+}
+
+}  // namespace
+
+/// The names of one table while they are converted.
+class CNameAcadConverter::Table {
+ public:
+  Table(const std::vector<Entry>& entries, bool unique) : m_unique(unique) {
+    for (const Entry& entry : entries) m_taken.insert(entry.own);
+  }
+
+  zim::WString convert(const Entry& entry);
+
+ private:
+  zim::WString freeName(const zim::WString& prefix, const zim::WString& corrected);
+  int& tried(const zim::WString& prefix, zim::WString& base, int counter);
+  void skipTried(const zim::WString& prefix, zim::WString& base, int& counter);
+
+  bool m_unique;
+  FoldedNames m_taken;  // the drawing's own names; those given out too when unique
+  FoldedNames m_given;
+  std::unordered_map<zim::WString, zim::WString> m_converted;  // by corrected name, not unique
+  std::unordered_map<zim::WString, int> m_tried;               // see `tried`
+};
+
+zim::WString CNameAcadConverter::Table::convert(const Entry& entry) {
+  zim::WString corrected;
+  const bool valid = IsValidName(entry.name, corrected) && !corrected.empty();
+  if (corrected.empty()) corrected = u"_";
+  const zim::WString full = entry.prefix + corrected.view();
+  if (valid && full == entry.own && (!m_unique || m_given.insert(full).second)) return full;
+  if (!m_unique) {
+    // The names to differ from never change, so equal beginnings end alike.
+    const auto [known, isNew] = m_converted.try_emplace(full);
+    if (isNew) known->second = freeName(entry.prefix, corrected);
+    return known->second;
+  }
+  const zim::WString name = freeName(entry.prefix, corrected);
+  m_taken.insert(name);
+  m_given.insert(name);
+  return name;
+}
+
+zim::WString CNameAcadConverter::Table::freeName(const zim::WString& prefix,
+                                                 const zim::WString& corrected) {
+  zim::WString base = corrected, candidate = prefix + corrected.view();
+  for (int counter = 0; m_taken.count(candidate) != 0;) {
+    if (counter > 0) tried(prefix, base, counter - 1) = counter;
+    skipTried(prefix, base, counter);
+    candidate = prefix + GenerateValidName(base, counter).view();
+  }
+  return candidate;
+}
+
+// All numbers below this one, with as many digits as `counter`, gave taken names
+// behind this base, which is cut as `GenerateValidName` would. A thousand names with
+// one beginning would otherwise try half a million.
+int& CNameAcadConverter::Table::tried(const zim::WString& prefix, zim::WString& base, int counter) {
+  const std::size_t length = GenerateValidName(base, counter).Length();
+  const zim::Char digits[] = {u'|', static_cast<zim::Char>(length - base.Length()), 0};
+  return m_tried[prefix + base.view() + digits];
+}
+
+// Long bases are cut anew where the number gains a digit, so that is as far as one
+// memory reaches.
+void CNameAcadConverter::Table::skipTried(const zim::WString& prefix, zim::WString& base,
+                                          int& counter) {
+  for (int next = tried(prefix, base, counter); next > counter;
+       next = tried(prefix, base, counter)) {
+    counter = next;
+  }
+}
+
+CNameAcadConverter::CNameAcadConverter(const CData& data)
+    : CNameAcadConverter(data, false, nullptr) {}
+
+CNameAcadConverter::CNameAcadConverter(const CData& data, bool unique, CFileReport* report)
+    : m_data(data), m_unique(unique), m_report(report) {
+  Convert();
+}
+
+zim::WString CNameAcadConverter::GetName(const CLayer* layer) const {
+  return layer ? nameIn(m_layers, *layer, layer->getFullName()) : zim::WString(u"0");
+}
+
+zim::WString CNameAcadConverter::GetName(const CLtype* ltype) const {
+  return ltype ? nameIn(m_ltypes, *ltype, ltype->getFullName()) : zim::WString(u"CONTINUOUS");
+}
+
+zim::WString CNameAcadConverter::GetName(const CStyle* style) const {
+  return style ? nameIn(m_styles, *style, style->getName()) : zim::WString(u"STANDARD");
+}
+
+zim::WString CNameAcadConverter::GetName(const CBlock* block) const {
+  return block ? nameIn(m_blocks, *block, block->getName()) : zim::WString();
+}
+
+void CNameAcadConverter::Convert() {
+  ConvertBlocks();
+  ConvertLayers();
+  ConvertLtypes();
+  ConvertStyles();
+}
+
+void CNameAcadConverter::ConvertLayers() {
+  const auto layers = vek0::detail::layersOf(m_data);
+  std::vector<Entry> entries;
+  for (const CLayer* layer : layers)
+    entries.push_back(entry(layer->getFullName(), vek0::detail::isDependent(*layer)));
+  convertTable(layers, entries, m_layers);
+}
+
+void CNameAcadConverter::ConvertLtypes() {
+  const auto ltypes = vek0::detail::ltypesOf(m_data, true);
+  std::vector<Entry> entries;
+  for (const CLtype* ltype : ltypes)
+    entries.push_back(entry(ltype->getFullName(), vek0::detail::isDependent(*ltype)));
+  convertTable(ltypes, entries, m_ltypes);
+}
+
+void CNameAcadConverter::ConvertStyles() {
+  const auto styles = vek0::detail::stylesOf(m_data);
+  std::vector<Entry> entries;
+  for (const CStyle* style : styles)
+    entries.push_back(entry(style->getName(), vek0::detail::isDependent(*style)));
+  convertTable(styles, entries, m_styles);
+}
+
+void CNameAcadConverter::ConvertBlocks() {
+  std::vector<const CBlock*> blocks;
+  std::vector<Entry> entries;
+  const auto add = [&](const CBlock& block, bool dependent) {
+    blocks.push_back(&block);
+    entries.push_back(entry(block.getName(), dependent));
+  };
+  for (const CBlockXRef* xref : vek0::detail::xrefsOf(m_data)) add(*xref, false);
+  for (const CBlock* block : vek0::detail::blocksOf(m_data))
+    add(*block, vek0::detail::isDependent(*block));
+  convertTable(blocks, entries, m_blocks);
+}
+
+bool CNameAcadConverter::IsValidName(const zim::WString& name, zim::WString& corrected) {
+  std::u16string units(name.view());
+  bool valid = true;
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    if (IsValidChar(units[i]) || (i == 0 && units[i] == u'*')) continue;
+    units[i] = u'_';
+    valid = false;
+  }
+  if (units.size() > kLongestName) {
+    units.resize(kCutLength);
+    valid = false;
+  }
+  corrected = zim::WString(units);
+  return valid;
+}
+
+zim::WString CNameAcadConverter::GenerateValidName(zim::WString& base, int& counter) {
+  const zim::WString digits = decimal(counter++);
+  if (base.Length() + digits.Length() > kLongestName)
+    base = part(base, kCutLength - digits.Length());
+  return base + digits.view();
+}
+
+bool CNameAcadConverter::IsValidChar(zim::Char unit) {
+  return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') ||
+         (unit >= u'0' && unit <= u'9') || unit == u'_' || unit == u'-' || unit == u'$';
+}
+
+CNameAcadConverter::Entry CNameAcadConverter::entry(const zim::WString& own, bool dependent) const {
+  zim::WString xref, item;
+  if (!dependent || !scomposeName(own, xref, item)) return {own, zim::WString(), own};
+  zim::WString prefix;
+  if (const CBlock* block = m_data.getBlockXRefTable().get(xref))
+    prefix = GetName(block);
+  else
+    IsValidName(xref, prefix);
+  return {own, prefix + u"|", item};
+}
+
+template <class Item>
+void CNameAcadConverter::convertTable(const std::vector<const Item*>& items,
+                                      const std::vector<Entry>& entries, Names<Item>& names) const {
+  Table table(entries, m_unique);
+  FoldedNames written;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    const zim::WString name = table.convert(entries[i]);
+    if (!written.insert(name).second) report("names coincide", name);
+    if (name == entries[i].own) continue;
+    report("name changed", entries[i].own);
+    names.emplace(items[i], name);
+  }
+}
+
+void CNameAcadConverter::report(const char* code, const zim::WString& sample) const {
+  if (m_report) m_report->add(code, 0, sample);
+}

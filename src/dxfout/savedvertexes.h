@@ -1,0 +1,38 @@
+#pragma once
+
+#include "vek0core/entities/entpolyline.h"
+
+namespace vek0::detail {
+
+/// A vertex as it is written.
+struct SavedVertex {
+  PNT_3D pnt;
+  double widthStart, widthEnd;
+  double bulge;
+  long handle;
+  long flags;  // code 70 of VERTEX
+};
+
+/// How a polyline is written, found in one pass over its vertices.
+struct PolylineForm {
+  bool finite = true;    // every coordinate and width is a number
+  bool solid = false;    // has an extent in z that other programs must know of
+  bool bulges = false;   // arcs are written as one vertex with a bulge
+  bool framed = false;   // control points stand before the visible vertices
+  bool inChain = false;  // control points are visible vertices themselves
+  bool empty = true;     // no vertex is written
+  double elevation = 0;  // z of the first visible vertex
+  bool widthConstant = true;
+  double width = 0;  // of every vertex when constant
+  short curve = 0;   // 0, `kFit` or `kSpline`; other curves are written as plain chains
+};
+
+/// Finds how `ent` is written. `flatten`: points lose their z. `bulges`: arcs may be
+/// written as such, which 3D polylines cannot have.
+PolylineForm polylineForm(const CEntPolyline& ent, bool flatten, bool bulges);
+
+/// Hands every vertex that is written to `sink`, in order. Does not unpack.
+void forEachSaved(const CEntPolyline& ent, const PolylineForm& form,
+                  const std::function<void(const SavedVertex&)>& sink);
+
+}  // namespace vek0::detail

@@ -1,0 +1,211 @@
+#include <gtest/gtest.h>
+
+#include "support/dxftext.h"
+#include "vek0core/entities/ent3dface.h"
+#include "vek0core/entities/entcast.h"
+#include "vek0core/entities/entpolyline.h"
+
+using namespace vek0::test;
+
+namespace {
+
+// A vertex record: "x y" and further pairs.
+std::string vertex(const char* x, const char* y, const char* more = "") {
+  return std::string("|0 VERTEX|8 0|10 ") + x + "|20 " + y + more;
+}
+
+std::string polyline(const std::string& codes, const std::string& vertexes) {
+  return "0 POLYLINE|8 0|66 1" + codes + vertexes + "|0 SEQEND";
+}
+
+const std::string kSquare =
+    vertex("0", "0") + vertex("4", "0") + vertex("4", "4") + vertex("0", "4");
+
+}  // namespace
+
+TEST(ReadPolylines, PlainFlagsAndVertices) {
+  const struct {
+    const char* name;
+    const char* codes;
+    bool closed, ltGen;
+  } cases[] = {
+      {"open",                    "",        false, false},
+      {"closed",                  "|70 1",   true,  false},
+      {"linetype runs on",        "|70 128", false, true },
+      {"3D is a plain chain",     "|70 9",   true,  false},
+      {"bits of later versions",  "|70 256", false, false},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const Loaded got = loadEntities(polyline(t.codes, kSquare));
+    const CEntPolyline* chain = castPolyline(got.only());
+    ASSERT_NE(chain, nullptr);
+    EXPECT_EQ(chain->isClosed(), t.closed);
+    EXPECT_EQ(chain->IsLtGen(), t.ltGen);
+    EXPECT_FALSE(chain->isCurve());
+    ASSERT_EQ(chain->getNoTotalVertexes(), 4);
+    EXPECT_DOUBLE_EQ(chain->GetVertexPos(2).x, 4);
+    EXPECT_DOUBLE_EQ(chain->GetVertexPos(2).y, 4);
+  }
+}
+
+TEST(ReadPolylines, VerticesTakeWhatThePolylineSays) {
+  const Loaded got = loadEntities(polyline(
+      "|30 7|40 1|41 2", vertex("0", "0") + vertex("1", "0", "|30 5|40 3|41 4|5 2A")));
+  const CEntPolyline* chain = castPolyline(got.only());
+  ASSERT_NE(chain, nullptr);
+  EXPECT_DOUBLE_EQ(chain->GetVertex(0).getPnt().z, 7);
+  EXPECT_DOUBLE_EQ(chain->GetVertex(0).GetWidthStart(), 1);
+  EXPECT_DOUBLE_EQ(chain->GetVertex(0).GetWidthEnd(), 2);
+  EXPECT_DOUBLE_EQ(chain->GetVertex(1).getPnt().z, 5);
+  EXPECT_DOUBLE_EQ(chain->GetVertex(1).GetWidthStart(), 3);
+  EXPECT_DOUBLE_EQ(chain->GetVertex(1).GetWidthEnd(), 4);
+  EXPECT_EQ(chain->GetVertex(1).GetHandle(), 0x2A);
+}
+
+TEST(ReadPolylines, NoVertices) {
+  const Loaded got = loadEntities(polyline("", ""));
+  ASSERT_NE(castPolyline(got.only()), nullptr);
+  EXPECT_EQ(castPolyline(got.only())->getNoTotalVertexes(), 0);
+}
+
+// A half circle from (0, 0) to (2, 0), counter-clockwise: it dips to y = -1.
+TEST(ReadPolylines, Bulge) {
+  for (const std::string& text :
+       {entitiesOf("AC1009", polyline("", vertex("0", "0", "|42 1") + vertex("2", "0"))),
+        entitiesOf("AC1014", "0 LWPOLYLINE|8 0|90 2|10 0|20 0|42 1|10 2|20 0")}) {
+    const Loaded got = loadText(text);
+    const CEntPolyline* chain = castPolyline(got.only());
+    ASSERT_NE(chain, nullptr);
+    EXPECT_TRUE(chain->hasArcRuns());
+    EXPECT_NEAR(chain->getBdry().min.y, -1, 1e-3);
+    EXPECT_NEAR(chain->getBdry().max.y, 0, 1e-12);
+  }
+}
+
+TEST(ReadPolylines, Curves) {
+  const std::string controls = vertex("0", "0", "|70 16") + vertex("2", "4", "|70 16") +
+                               vertex("4", "0", "|70 16");
+  const struct {
+    const char* name;
+    std::string text;
+    short curve, degree;
+    long controls, visible;  // visible -1: generated here, more than the controls
+  } cases[] = {
+      {"spline with its frame",
+       polyline("|70 4|75 5",
+                controls + vertex("0", "0", "|70 8") + vertex("2", "2", "|70 8")),
+       4, 2, 3, 2},
+      {"cubic unless said otherwise", polyline("|70 4", controls + vertex("0", "0", "|70 8")), 4, 3,
+       3, 1},
+      {"frame alone", polyline("|70 4|75 6", controls), 4, 3, 3, -1},
+      {"frame not marked",
+       polyline("|70 4|75 6", kSquare + vertex("0", "0", "|70 8") + vertex("2", "2", "|70 8")), 4,
+       3, 4, 2},
+      {"Bezier", polyline("|70 4|75 8", controls + vertex("0", "0", "|70 8")), 8, 3, 3, 1},
+      {"fit runs through its controls",
+       polyline("|70 2", vertex("0", "0") + vertex("1", "1", "|70 1") + vertex("2", "0")), 2, 0, 2,
+       3},
+      {"fit not yet made", polyline("|70 2", kSquare), 2, 0, 4, -1},
+      {"too few controls", polyline("|70 4", vertex("0", "0", "|70 8") + vertex("1", "1", "|70 8")),
+       0, 0, 2, 2},
+      {"no vertices", polyline("|70 4", ""), 0, 0, 0, 0},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const Loaded got = loadEntities(t.text);
+    const CEntPolyline* chain = castPolyline(got.only());
+    ASSERT_NE(chain, nullptr);
+    EXPECT_EQ(chain->getCurve(), t.curve);
+    EXPECT_EQ(chain->getDegree(), t.degree);
+    EXPECT_EQ(chain->getNoCtrlPnts(), t.controls);
+    if (t.visible >= 0)
+      EXPECT_EQ(chain->getNoVisibleVertexes(), t.visible);
+    else
+      EXPECT_GT(chain->getNoVisibleVertexes(), t.controls);
+  }
+}
+
+TEST(ReadPolylines, MeshBecomesFaces) {
+  const std::string grid = vertex("0", "0") + vertex("1", "0") + vertex("2", "0") +
+                           vertex("0", "1") + vertex("1", "1") + vertex("2", "1");
+  const struct {
+    const char* name;
+    std::string text;
+    long faces, incomplete;
+  } cases[] = {
+      {"open",              polyline("|70 16|71 2|72 3", grid),                 2, 0},
+      {"closed across",     polyline("|70 48|71 2|72 3", grid),                 3, 0},
+      {"closed both ways",  polyline("|70 49|71 2|72 3", grid),                 6, 0},
+      {"fewer rows",        polyline("|70 16|71 9|72 3", grid),                 2, 1},
+      {"last row cut",      polyline("|70 16|71 2|72 4", grid),                 0, 2},
+      {"size beyond all",   polyline("|70 16|71 2000000000|72 2000000000", ""), 0, 1},
+      {"size below 0",      polyline("|70 16|71 -1|72 -3", grid),               0, 1},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const Loaded got = loadEntities(t.text);
+    EXPECT_FALSE(got.error.HasAnError());
+    EXPECT_EQ(got.count(11), t.faces);
+    EXPECT_EQ(got.count(5), 0);
+    EXPECT_EQ(got.report.count("mesh incomplete"), t.incomplete);
+  }
+}
+
+TEST(ReadPolylines, SmoothedMeshShowsItsSurface) {
+  std::string vertexes = vertex("9", "9", "|70 80");
+  for (const char* x : {"0", "1", "2", "3"})
+    vertexes += vertex(x, "0", "|70 72") + vertex(x, "1", "|70 72");
+  const Loaded got = loadEntities(polyline("|70 20|71 1|72 1|73 4|74 2|75 6", vertexes));
+  EXPECT_EQ(got.count(11), 3);
+  EXPECT_DOUBLE_EQ(got.data->getEntTable().getBdry().max.x, 3);
+}
+
+TEST(ReadPolylines, PolyfaceBecomesFaces) {
+  std::string vertexes;
+  for (const char* x : {"0", "1", "2", "3"}) vertexes += vertex(x, "5", "|70 192");
+  const auto face = [](const char* corners) {
+    return vertex("0", "0", "|70 128|62 3") + corners;
+  };
+  vertexes += face("|71 1|72 -2|73 3|74 4") + face("|71 1|72 2|73 3") + face("|71 1|72 2") +
+              face("|71 1|72 2|73 9") + face("|71 0|72 0");
+  const Loaded got = loadEntities(polyline("|70 64|71 4|72 5", vertexes));
+  const auto& faces = got.data->getEntTable().getEntityTbl();
+  ASSERT_EQ(faces.size(), 3u);
+  const CEnt3DFace* first = cast3DFace(faces.front());
+  EXPECT_EQ(first->getFlags(), 2);
+  EXPECT_EQ(first->getColor(), 3);
+  EXPECT_DOUBLE_EQ(first->getVertex(3).x, 3);
+  EXPECT_TRUE(cast3DFace(*std::next(faces.begin()))->isTriangular());
+  EXPECT_DOUBLE_EQ(cast3DFace(faces.back())->getVertex(3).x, 1);
+  EXPECT_EQ(got.report.count("mesh incomplete"), 2);
+}
+
+TEST(ReadPolylines, MeshesInsideBlocksGiveTheirFacesToTheBlock) {
+  const std::string grid = vertex("0", "0") + vertex("1", "0") + vertex("0", "1") +
+                           vertex("1", "1") + vertex("0", "2") + vertex("1", "2");
+  const Loaded got = loadText(
+      section("BLOCKS", pairsOf("0 BLOCK|2 A|" + polyline("|70 16|71 3|72 2", grid) +
+                                "|0 ENDBLK")) +
+      dxf());
+  EXPECT_EQ(got.data->getBlockTable().get(u"A")->size(), 2u);
+}
+
+TEST(ReadPolylines, LightPolyline) {
+  const Loaded got = loadText(entitiesOf(
+      "AC1015", "0 LWPOLYLINE|100 AcDbEntity|8 0|90 3|70 129|43 2|10 0|20 1|91 7|10 2|20 3|40 5|"
+                "10 4|20 5|41 6|38 9"));
+  const CEntPolyline* chain = castPolyline(got.only());
+  ASSERT_NE(chain, nullptr);
+  EXPECT_TRUE(chain->isClosed());
+  EXPECT_TRUE(chain->IsLtGen());
+  ASSERT_EQ(chain->getNoTotalVertexes(), 3);
+  const double widths[][2] = {{2, 2}, {5, 2}, {2, 6}};
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_DOUBLE_EQ(chain->GetVertexPos(i).x, 2 * i);
+    EXPECT_DOUBLE_EQ(chain->GetVertexPos(i).y, 2 * i + 1);
+    EXPECT_DOUBLE_EQ(chain->GetVertexPos(i).z, 9);
+    EXPECT_DOUBLE_EQ(chain->GetVertex(i).GetWidthStart(), widths[i][0]);
+    EXPECT_DOUBLE_EQ(chain->GetVertex(i).GetWidthEnd(), widths[i][1]);
+  }
+}

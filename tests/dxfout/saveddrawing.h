@@ -1,0 +1,123 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "support/r12lint.h"
+#include "vek0core/vek0core.h"
+
+namespace vek0::test {
+
+struct DrawingDeleter {
+  void operator()(CData* data) const { deleteData(data); }
+};
+using Drawing = std::unique_ptr<CData, DrawingDeleter>;
+
+/// An empty drawing whose STANDARD style has no font.
+inline Drawing newDrawing() {
+  CDataFactory factory;
+  return Drawing(factory.createData());
+}
+
+/// The drawing as DXF, whatever a lint says of it; empty when saving fails.
+inline std::string savedAnyhow(const CData& data, unsigned flags, CFileReport* report = nullptr) {
+  CFileMemory file(u"out.dxf", IFile::kWrite);
+  return SaveDXF(data, file, flags, report) ? file.bytes() : std::string();
+}
+
+/// The drawing as DXF; the test fails when that does, or when a strict reader could
+/// refuse the file.
+inline std::string saved(const CData& data, unsigned flags, CFileReport* report = nullptr) {
+  const std::string bytes = savedAnyhow(data, flags, report);
+  EXPECT_FALSE(bytes.empty());
+  if (bytes.empty()) return bytes;
+  for (const std::string& complaint : lintR12(bytes, (flags & kSaveExchange) != 0))
+    ADD_FAILURE() << complaint;
+  return bytes;
+}
+
+/// DXF text of pairs written as "code value" with semicolons between: "0 LINE; 8 0".
+inline std::string pairs(std::string_view list) {
+  std::string text;
+  for (std::size_t end = 0; end != std::string_view::npos; list.remove_prefix(end + 2)) {
+    end = list.find("; ");
+    const std::string_view pair = list.substr(0, end);
+    const std::size_t blank = pair.find(' ');
+    const std::string code(pair.substr(0, blank));
+    text += std::string(code.size() < 3 ? 3 - code.size() : 0, ' ') + code + '\n';
+    text += std::string(pair.substr(blank + 1)) + '\n';
+    if (end == std::string_view::npos) break;
+  }
+  return text;
+}
+
+/// What stands in the section between its name and its ENDSEC.
+inline std::string section(const std::string& bytes, const std::string& name) {
+  const std::string head = "  2\n" + name + "\n", tail = "  0\nENDSEC\n";
+  const std::size_t at = bytes.find("  0\nSECTION\n" + head);
+  if (at == std::string::npos) return "no section " + name;
+  const std::size_t from = at + 12 + head.size();
+  return bytes.substr(from, bytes.find(tail, from) - from);
+}
+
+/// Where two files part: the lines about the first that differs; empty when none does.
+inline std::string firstDifference(const std::string& a, const std::string& b) {
+  if (a == b) return {};
+  std::size_t at = 0;
+  while (at < a.size() && at < b.size() && a[at] == b[at]) ++at;
+  const std::size_t from = at > 80 ? at - 80 : 0;
+  return "..." + a.substr(from, 120) + "\n--- against\n..." + b.substr(from, 120);
+}
+
+inline bool contains(const std::string& bytes, const std::string& part) {
+  return bytes.find(part) != std::string::npos;
+}
+
+/// Adds a line from the origin to (1, 2, 3) with that handle.
+inline CEntLine* addLine(CData& data, CLayer* layer, long handle) {
+  CEntLine* line =
+      createEntLine(data, layer, getLtypeByLayer(data), 256, LINE_3D(0, 0, 0, 1, 2, 3), handle);
+  data.getEntTable().add(line);
+  return line;
+}
+
+inline CLayer* addNewLayer(CData& data, const zim::WString& name, long flags = 0) {
+  CLayer* layer = data.getLayerFactory().create(name, &data.getLtypeContinuous(), 7, flags);
+  addLayer(data, layer);
+  return layer;
+}
+
+inline CBlock* addNewBlock(CData& data, const zim::WString& name, long flags = 0) {
+  CBlock* block = data.getBlockFactory().create(name, PNT_3D(0, 0, 0), flags);
+  data.getBlockTable().add(block);
+  return block;
+}
+
+inline CBlockXRef* addNewXRef(CData& data, const zim::WString& name) {
+  CBlockXRef* xref = data.getBlockFactory().createXRef(
+      data.getLtypeContinuous(), data.getLtypeByLayer(), data.getLtypeByBlock(), data.getLayer0(),
+      name, u"C:\\plans\\site.dxf", PNT_3D(1, 2, 3), 4);
+  data.getBlockXRefTable().add(xref);
+  return xref;
+}
+
+/// Makes an insert at (5, 6, 0) that nobody owns yet.
+inline CEntInsert* newInsert(CData& data, CBlock& block, long handle) {
+  return createEntInsert(data, getLayer0(data), getLtypeByLayer(data), 256, block, PNT_3D(5, 6, 0),
+                         1, 1, 1, 0, 1, 1, 0, 0, handle);
+}
+
+inline CTextContext textContext(const zim::WString& string, double height, double rotationRad) {
+  CTextContext context;
+  context.setHeight(height);
+  context.setOblique(0);
+  context.setWidthScale(1);
+  context.setRotate(rotationRad);
+  context.setString(string);
+  return context;
+}
+
+}  // namespace vek0::test

@@ -1,0 +1,116 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "vek0core/drawing/data.h"
+#include "vek0core/drawing/datafactory.h"
+#include "vek0core/drawing/functions.h"
+#include "vek0core/dxfin/filedxfierror.h"
+#include "vek0core/dxfin/loaddxf.h"
+#include "vek0core/files/filememory.h"
+#include "vek0core/files/report.h"
+
+// DXF text in tests is pairs, "code value" each; the helpers add what every file
+// needs around them.
+
+namespace vek0::test {
+
+/// One pair as its two lines. The value is what follows the first blank; a pair
+/// without one has an empty value.
+inline std::string pairText(std::string_view pair) {
+  const std::size_t blank = pair.find(' ');
+  const std::string_view code = pair.substr(0, blank);
+  const std::string_view value =
+      blank == std::string_view::npos ? std::string_view() : pair.substr(blank + 1);
+  return std::string(code) + "\n" + std::string(value) + "\n";
+}
+
+template <class... Pairs>
+std::string pairs(const Pairs&... pair) {
+  return (std::string() + ... + pairText(pair));
+}
+
+/// Pairs given in one text, parted by '|': for tables of cases.
+inline std::string pairsOf(std::string_view list) {
+  std::string text;
+  while (!list.empty()) {
+    const std::size_t bar = list.find('|');
+    text += pairText(list.substr(0, bar));
+    list = bar == std::string_view::npos ? std::string_view() : list.substr(bar + 1);
+  }
+  return text;
+}
+
+/// A whole file: the pairs and the end mark.
+template <class... Pairs>
+std::string dxf(const Pairs&... pair) {
+  return pairs(pair...) + "0\nEOF\n";
+}
+
+inline std::string section(std::string_view name, const std::string& body) {
+  return pairs("0 SECTION") + pairText("2 " + std::string(name)) + body + pairs("0 ENDSEC");
+}
+
+inline std::string table(std::string_view name, const std::string& entries) {
+  return pairs("0 TABLE") + pairText("2 " + std::string(name)) + pairs("70 1") + entries +
+         pairs("0 ENDTAB");
+}
+
+/// HEADER with a version alone.
+inline std::string version(std::string_view name) {
+  return section("HEADER", pairs("9 $ACADVER") + pairText("1 " + std::string(name)));
+}
+
+/// A drawing with what reading a text into it gave.
+struct Loaded {
+  struct Delete {
+    void operator()(CData* data) const { deleteData(data); }
+  };
+
+  std::unique_ptr<CData, Delete> data{CDataFactory().createData()};
+  CFileDXFIError error;
+  CFileReport report;
+  CFileDXFIResult result;
+
+  CData& drawing() const { return *data; }
+  /// Model space entities of one kind, by `CEnt::getType`.
+  long count(short type) const {
+    long n = 0;
+    for (const CEnt* ent : data->getEntTable().getEntityTbl()) n += ent->getType() == type;
+    return n;
+  }
+  /// The only entity of model space, null when there is none or more.
+  CEnt* only() const {
+    const auto& ents = data->getEntTable().getEntityTbl();
+    return ents.size() == 1 ? ents.front() : nullptr;
+  }
+};
+
+inline void loadInto(Loaded& target, const std::string& text, CFileDXFIPolicy policy = {}) {
+  CFileMemory file(u"test.dxf", IFile::kRead, text);
+  target.result = loadDXF(target.drawing(), file, &target.error, {&target.report, policy});
+}
+
+inline Loaded loadText(const std::string& text, CFileDXFIPolicy policy = {}) {
+  Loaded loaded;
+  loadInto(loaded, text, policy);
+  return loaded;
+}
+
+inline void importInto(Loaded& target, const std::string& text, CFileDXFIPolicy policy = {}) {
+  CFileMemory file(u"test.dxf", IFile::kRead, text);
+  target.result = importDXF(target.drawing(), file, &target.error, {&target.report, policy});
+}
+
+/// A file of version `name` with these entity pairs, parted by '|'.
+inline std::string entitiesOf(std::string_view name, std::string_view list) {
+  return version(name) + section("ENTITIES", pairsOf(list)) + dxf();
+}
+
+inline Loaded loadEntities(std::string_view list) {
+  return loadText(entitiesOf("AC1009", list));
+}
+
+}  // namespace vek0::test
