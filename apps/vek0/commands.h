@@ -1,0 +1,36 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+namespace vek0::tool {
+
+/// Exit codes, worst last: with several files the worst one wins.
+enum ExitCode {
+  kAllWell = 0,
+  kDrawingFailed = 1,
+  kWrongUsage = 2,
+  kOutputFailed = 3,
+};
+
+/// What every command shares. One run of the tool has one.
+struct Session {
+  bool quiet = false;
+  int exitCode = kAllWell;
+
+  /// Keeps the worst code seen.
+  void failed(ExitCode code) {
+    if (code > exitCode) exitCode = code;
+  }
+
+  /// Prints "vek0: <message>" to the error stream.
+  static void complain(const std::string& message);
+};
+
+/// Each adds one verb with its options and help; `session` must outlive `app`.
+void addInfoCommand(CLI::App& app, Session& session);
+void addCheckCommand(CLI::App& app, Session& session);
+void addConvertCommand(CLI::App& app, Session& session);
+void addImportCommand(CLI::App& app, Session& session);
+
+}  // namespace vek0::tool

@@ -1,0 +1,68 @@
+#include "drawingfile.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <utility>
+
+#include "paths.h"
+#include "progressfile.h"
+
+namespace vek0::tool {
+namespace {
+
+constexpr long kRead = 1;
+
+std::string readStandardInput() {
+  std::string bytes;
+  char buffer[65536];
+  while (const std::size_t got = std::fread(buffer, 1, sizeof buffer, stdin)) {
+    bytes.append(buffer, got);
+  }
+  return bytes;
+}
+
+std::unique_ptr<IFile> openForReading(const std::string& path, bool quiet) {
+  const zim::WString name = zim::WString::fromUtf8(path);
+  if (path == "-") return std::make_unique<CFileMemory>(name, kRead, readStandardInput());
+  auto file = std::make_unique<CFileStdLib>(name, kRead);
+  if (quiet || !ProgressFile::visible()) return file;
+  std::error_code failure;
+  const auto size = std::filesystem::file_size(toPath(path), failure);
+  if (failure) return file;
+  return std::make_unique<ProgressFile>(std::move(file), static_cast<long long>(size), path);
+}
+
+using Reader = CFileDXFIResult (*)(CData&, IFile&, CFileDXFIError*, const CFileDXFIOptions&);
+
+ReadResult readWith(Reader reader, CData& data, const std::string& path, bool quiet) {
+  ReadResult result;
+  std::error_code ignored;
+  if (std::filesystem::is_directory(toPath(path), ignored)) return result;
+  const std::unique_ptr<IFile> file = openForReading(path, quiet);
+  CFileDXFIOptions options;
+  options.report = &result.report;
+  result.outcome = reader(data, *file, &result.error, options);
+  return result;
+}
+
+}  // namespace
+
+std::string ReadResult::message() const {
+  if (!opened()) return "The file cannot be opened.";
+  return error.HasAnError() ? error.GetFullMessage().toUtf8() : std::string();
+}
+
+Drawing newDrawing() {
+  CDataFactory factory;
+  return Drawing(factory.createData());
+}
+
+ReadResult loadFile(CData& data, const std::string& path, bool quiet) {
+  return readWith(loadDXF, data, path, quiet);
+}
+
+ReadResult importFile(CData& data, const std::string& path, bool quiet) {
+  return readWith(importDXF, data, path, quiet);
+}
+
+}  // namespace vek0::tool

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "vek0core/vek0core.h"
+
+namespace vek0::tool {
+
+struct DrawingDeleter {
+  void operator()(CData* data) const { deleteData(data); }
+};
+using Drawing = std::unique_ptr<CData, DrawingDeleter>;
+
+/// What reading one file gave.
+struct ReadResult {
+  CFileDXFIResult outcome;  ///< how it ended, version and encoding
+  CFileDXFIError error;     ///< without error when the drawing is whole
+  CFileReport report;       ///< what was skipped or repaired on the way
+
+  bool ok() const { return outcome.status == CFileDXFIResult::Done; }
+  bool opened() const { return outcome.status != CFileDXFIResult::NotOpened; }
+  /// One sentence with the line, or an empty text when all is well.
+  std::string message() const;
+};
+
+/// A new, empty drawing.
+Drawing newDrawing();
+
+/// Reads `path` ("-": standard input) into an empty drawing, with a progress bar
+/// for people unless `quiet`.
+ReadResult loadFile(CData& data, const std::string& path, bool quiet);
+
+/// Merges `path` into a drawing that has content.
+ReadResult importFile(CData& data, const std::string& path, bool quiet);
+
+}  // namespace vek0::tool

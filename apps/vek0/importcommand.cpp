@@ -1,0 +1,71 @@
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "commands.h"
+#include "drawingfile.h"
+#include "outputfile.h"
+#include "saving.h"
+
+namespace vek0::tool {
+namespace {
+
+struct Options {
+  std::string base, out;
+  std::vector<std::string> files;
+  SaveOptions save;
+};
+
+// Importing works in place, so a file that breaks off half way would leave half of
+// itself behind: it is read into a drawing of its own first.
+bool canBeLoaded(const std::string& path, bool quiet, std::string& message) {
+  const Drawing trial = newDrawing();
+  const ReadResult result = loadFile(*trial, path, quiet);
+  message = result.message();
+  return result.ok();
+}
+
+void mergeOne(CData& base, const std::string& path, Session& session) {
+  std::string message;
+  const bool good = path == "-" || canBeLoaded(path, session.quiet, message);
+  if (good) message = importFile(base, path, session.quiet).message();
+  if (message.empty()) return;
+  Session::complain(path + ": " + message + (good ? "" : " It is left out."));
+  session.failed(kDrawingFailed);
+}
+
+void run(const Options& options, Session& session) {
+  OutputFile output(options.out, options.save.force);
+  if (!output.error().empty()) {
+    Session::complain(output.error());
+    return session.failed(kOutputFailed);
+  }
+  const Drawing data = newDrawing();
+  const ReadResult result = loadFile(*data, options.base, session.quiet);
+  if (!result.ok()) {
+    Session::complain(options.base + ": " + result.message());
+    return session.failed(kDrawingFailed);
+  }
+  for (const std::string& path : options.files) mergeOne(*data, path, session);
+  save(*data, output, options.save, session);
+}
+
+}  // namespace
+
+void addImportCommand(CLI::App& app, Session& session) {
+  auto options = std::make_shared<Options>();
+  CLI::App* verb = app.add_subcommand("import", "Merge drawings into a base drawing");
+  verb->add_option("BASE", options->base, "Drawing whose definitions win")->required();
+  verb->add_option("FILE", options->files, "Drawings to merge in, in this order")->required();
+  verb->add_option("-o,--output", options->out, "File to write; - is the standard output")
+      ->required();
+  addSaveOptions(*verb, options->save);
+  verb->footer(
+      "Examples:\n"
+      "  vek0 import frame.dxf part1.dxf part2.dxf -o sheet.dxf\n\n"
+      "Layers, linetypes, styles and named blocks of BASE win over those of the same name;\n"
+      "anonymous blocks get fresh names. A file with an error is left out and the others go on.");
+  verb->callback([options, &session] { run(*options, session); });
+}
+
+}  // namespace vek0::tool

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "vek0core/files/file.h"
+
+namespace vek0::tool {
+
+/// Where a command writes its drawing: a file that appears whole or not at all,
+/// or the standard output for "-".
+///
+/// The bytes go to a temporary file beside the target, which `commit` renames.
+/// Without `commit` (and on interruption) the temporary file is removed.
+class OutputFile {
+ public:
+  /// Refuses, with a reason in `error()`, an existing target unless `force`.
+  OutputFile(const std::string& path, bool force);
+  ~OutputFile();
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  /// Empty while all is well.
+  const std::string& error() const { return m_error; }
+
+  /// What to save into; owned by this object.
+  IFile& file() { return *m_file; }
+
+  /// Puts the finished file in its place. False, with `error()`, when that fails.
+  bool commit();
+
+ private:
+  bool writeToStandardOutput();
+
+  std::filesystem::path m_target;
+  std::filesystem::path m_temporary;  // empty for the standard output
+  std::unique_ptr<IFile> m_file;
+  std::string m_error;
+};
+
+}  // namespace vek0::tool

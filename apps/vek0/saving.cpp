@@ -1,0 +1,37 @@
+#include "saving.h"
+
+#include "summary.h"
+
+namespace vek0::tool {
+
+unsigned SaveOptions::flags() const {
+  return (flatten ? kSaveFlatten : 0u) | (visibleOnly ? kSaveVisibleOnly : 0u) |
+         (noTables ? kSaveNoTables : 0u) | (plain ? 0u : kSaveExchange);
+}
+
+void addSaveOptions(CLI::App& verb, SaveOptions& options) {
+  verb.add_flag("--flatten", options.flatten, "Write every point with Z = 0");
+  verb.add_flag("--visible-only", options.visibleOnly,
+                "Leave out entities on layers that are frozen or off");
+  verb.add_flag("--no-tables", options.noTables, "Write blocks and entities only");
+  verb.add_flag("--plain", options.plain,
+                "Write the classic form: six decimals, chords for arcs in polylines");
+  verb.add_flag("-f,--force", options.force, "Replace the output file if it exists");
+}
+
+void save(const CData& data, OutputFile& output, const SaveOptions& options, Session& session) {
+  CFileReport report;
+  if (!SaveDXF(data, output.file(), options.flags(), &report)) {
+    Session::complain("the drawing cannot be written");
+    return session.failed(kOutputFailed);
+  }
+  if (!output.commit()) {
+    Session::complain(output.error());
+    return session.failed(kOutputFailed);
+  }
+  if (!session.quiet && !report.empty()) {
+    Session::complain("not everything could be written as it was:\n" + reportToText(report));
+  }
+}
+
+}  // namespace vek0::tool

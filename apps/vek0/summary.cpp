@@ -1,0 +1,233 @@
+#include "summary.h"
+
+#include <cstdio>
+
+namespace vek0::tool {
+namespace {
+
+enum Kind { kPoint, kLine, kCircle, kArc, kPolyline, kText, kAttdef, kInsert, kAttrib, kHatch, kFace };
+
+// Says of each visited entity which row of the counts it belongs to.
+class KindVisitor final : public IEntVisitor {
+ public:
+  using IEntVisitor::visit;
+  void visit(CEntPnt&) override { kind = kPoint; }
+  void visit(CEntLine&) override { kind = kLine; }
+  void visit(CEntCircle&) override { kind = kCircle; }
+  void visit(CEntArc&) override { kind = kArc; }
+  void visit(CEntPolyline&) override { kind = kPolyline; }
+  void visit(CEntText&) override { kind = kText; }
+  void visit(CEntAttdef&) override { kind = kAttdef; }
+  void visit(CEntInsert&) override { kind = kInsert; }
+  void visit(CEntFixedInsert&) override { kind = kInsert; }
+  void visit(CEntInsertXRef&) override { kind = kInsert; }
+  void visit(CEntAttrib&) override { kind = kAttrib; }
+  void visit(CEntHatch&) override { kind = kHatch; }
+  void visit(CEnt3DFace&) override { kind = kFace; }
+
+  Kind kind = kPoint;
+};
+
+Json pointToJson(const PNT_3D& p) { return Json::array({p.x, p.y, p.z}); }
+
+Json extentsToJson(const CData& data) {
+  const RECT_3D& box = data.getEntTable().getBdry();
+  if (!box.validRegion()) return nullptr;
+  return Json{
+      {"min", pointToJson(box.min)},
+      {"max", pointToJson(box.max)}
+  };
+}
+
+std::string nameOf(const CLtype* ltype) {
+  return ltype ? ltype->getFullName().toUtf8() : std::string("Continuous");
+}
+
+Json layersToJson(const CData& data) {
+  Json layers = Json::array();
+  for (CData::CLayerIterator it(data, true); const CLayer* layer = *it; ++it) {
+    layers.push_back({
+        {"name",     layer->getFullName().toUtf8()},
+        {"color",    layer->getColor()            },
+        {"linetype", nameOf(layer->getLtype())    },
+        {"frozen",   layer->isFrozen()            },
+        {"locked",   layer->isLocked()            },
+        {"off",      layer->isOff()               }
+    });
+  }
+  return layers;
+}
+
+Json ltypesToJson(const CData& data) {
+  Json names = Json::array();
+  for (CData::CLtypeIterator it(data, true, true); const CLtype* ltype = *it; ++it) {
+    names.push_back(nameOf(ltype));
+  }
+  return names;
+}
+
+Json stylesToJson(const CData& data) {
+  Json names = Json::array();
+  for (CData::CStyleIterator it(data, true); const CStyle* style = *it; ++it) {
+    names.push_back(style->getName().toUtf8());
+  }
+  return names;
+}
+
+Json blocksToJson(const CData& data) {
+  Json blocks = Json::array();
+  const CBlockTable& table = data.getBlockTable();
+  for (int i = 0; i < static_cast<int>(table.size()); ++i) {
+    blocks.push_back({
+        {"name",     table[i]->getName().toUtf8()},
+        {"entities", table[i]->size()            }
+    });
+  }
+  return blocks;
+}
+
+// One "name: a, b, c" line, broken off after a screenful of names.
+std::string listLine(const char* title, const std::vector<std::string>& names) {
+  constexpr std::size_t kShown = 20;
+  std::string line = std::string("  ") + title + " (" + std::to_string(names.size()) + "):";
+  for (std::size_t i = 0; i < names.size() && i < kShown; ++i) line += (i ? ", " : " ") + names[i];
+  if (names.size() > kShown) line += ", ...";
+  return line + "\n";
+}
+
+std::vector<std::string> namesIn(const Json& rows) {
+  std::vector<std::string> names;
+  for (const Json& row : rows) {
+    names.push_back(row.is_string() ? row.get<std::string>() : row["name"].get<std::string>());
+  }
+  return names;
+}
+
+std::string layerLines(const Json& layers) {
+  std::string text = "  layers (" + std::to_string(layers.size()) + "):\n";
+  for (const Json& layer : layers) {
+    text += "    " + layer["name"].get<std::string>() + ": color " + layer["color"].dump() +
+            ", linetype " + layer["linetype"].get<std::string>();
+    for (const char* state : {"frozen", "locked", "off"}) {
+      if (layer[state].get<bool>()) text += std::string(", ") + state;
+    }
+    text += "\n";
+  }
+  return text;
+}
+
+std::string number(double value) {
+  const Json json = value;
+  return json.dump();
+}
+
+std::string extentsLine(const CData& data) {
+  const RECT_3D& box = data.getEntTable().getBdry();
+  if (!box.validRegion()) return "  extents: none\n";
+  const auto point = [](const PNT_3D& p) {
+    return "(" + number(p.x) + ", " + number(p.y) + ", " + number(p.z) + ")";
+  };
+  return "  extents: " + point(box.min) + " to " + point(box.max) + "\n";
+}
+
+std::string variableLines(const CData& data) {
+  const CDataVariables& vars = data.getVars();
+  const auto onOff = [](bool on) { return on ? "on" : "off"; };
+  const PNT_2D low = vars.getLimMin(), high = vars.getLimMax();
+  std::string text = "  limits: (" + number(low.x) + ", " + number(low.y) + ") to (" +
+                     number(high.x) + ", " + number(high.y) + ")\n";
+  text += "  linetype scale: " + number(vars.getLtypeScale()) +
+          ", polyline width: " + number(vars.getPLineWid()) +
+          ", polyline linetype generation: " + onOff(vars.isPLineGen()) + "\n";
+  text += "  angles: base " + number(vars.getAngDir() * 57.29577951308233) + " degrees, " +
+          (vars.isAngClockWise() ? "clockwise" : "counter-clockwise") + ", format " +
+          std::to_string(vars.getAngFormat()) + "; ortho " + onOff(vars.isOrtho()) + "\n";
+  text += "  current: layer " + (vars.getCurLayer() ? vars.getCurLayer()->getFullName().toUtf8() : "-") +
+          ", linetype " + nameOf(vars.getCurLtype()) + ", style " +
+          (vars.getCurStyle() ? vars.getCurStyle()->getName().toUtf8() : "-") + ", color " +
+          std::to_string(vars.getCurColor()) + "\n";
+  return text;
+}
+
+}  // namespace
+
+EntityCounts::EntityCounts(CData& data) {
+  KindVisitor visitor;
+  for (CEnt* entity : data.getEntTable().getEntityTbl()) {
+    entity->accept(visitor);
+    ++m_counts[visitor.kind];
+    if (const CEntInsertBase* insert = entity->getEntInsert()) {
+      m_counts[kAttrib] += static_cast<long>(insert->GetNoAttribs());
+    }
+  }
+}
+
+Json EntityCounts::toJson() const {
+  Json counts = Json::object();
+  for (std::size_t i = 0; i < kKinds.size(); ++i) {
+    if (m_counts[i] > 0) counts[kKinds[i]] = m_counts[i];
+  }
+  return counts;
+}
+
+std::string EntityCounts::toText() const {
+  std::string text;
+  for (std::size_t i = 0; i < kKinds.size(); ++i) {
+    if (m_counts[i] == 0) continue;
+    text += (text.empty() ? "" : ", ") + std::to_string(m_counts[i]) + " " + kKinds[i];
+  }
+  return text.empty() ? "none" : text;
+}
+
+Json errorToJson(const ReadResult& result) {
+  if (result.ok()) return nullptr;
+  return Json{
+      {"kind",    static_cast<int>(result.error.GetErrorType())},
+      {"line",    result.error.GetErrorLine()                  },
+      {"message", result.message()                             }
+  };
+}
+
+Json summaryToJson(const std::string& path, CData& data, const ReadResult& result) {
+  return Json{
+      {"file",      path                           },
+      {"ok",        result.ok()                    },
+      {"version",   result.outcome.version.toUtf8()   },
+      {"encoding",  result.outcome.encoding  },
+      {"error",     errorToJson(result)            },
+      {"layers",    layersToJson(data)             },
+      {"linetypes", ltypesToJson(data)             },
+      {"styles",    stylesToJson(data)             },
+      {"blocks",    blocksToJson(data)             },
+      {"entities",  EntityCounts(data).toJson()    },
+      {"extents",   extentsToJson(data)            }
+  };
+}
+
+std::string summaryToText(const std::string& path, CData& data, const ReadResult& result) {
+  const std::string version = result.outcome.version.toUtf8();
+  std::string text = path + "\n  version: " + (version.empty() ? "not stated" : version) +
+                     ", encoding: " + result.outcome.encoding + "\n";
+  text += layerLines(layersToJson(data));
+  text += listLine("linetypes", namesIn(ltypesToJson(data)));
+  text += listLine("text styles", namesIn(stylesToJson(data)));
+  text += listLine("blocks", namesIn(blocksToJson(data)));
+  text += "  entities: " + EntityCounts(data).toText() + "\n";
+  text += extentsLine(data) + variableLines(data);
+  if (!result.report.empty()) text += "  skipped or repaired:\n" + reportToText(result.report);
+  return text;
+}
+
+std::string reportToText(const CFileReport& report) {
+  std::string text;
+  for (const auto& entry : report.entries()) {
+    text += "    " + std::string(entry.code);
+    if (!entry.sample.empty()) text += ": " + entry.sample.toUtf8();
+    text += " (" + std::to_string(entry.count) + (entry.count == 1 ? " time" : " times");
+    if (entry.firstLine > 0) text += ", first at line " + std::to_string(entry.firstLine);
+    text += ")\n";
+  }
+  return text;
+}
+
+}  // namespace vek0::tool

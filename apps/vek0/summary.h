@@ -1,0 +1,45 @@
+#pragma once
+
+#include <array>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "drawingfile.h"
+
+namespace vek0::tool {
+
+using Json = nlohmann::ordered_json;
+
+/// How many entities of each kind a drawing holds in model space; attributes
+/// attached to inserts count as ATTRIB.
+class EntityCounts {
+ public:
+  explicit EntityCounts(CData& data);
+
+  /// {"LINE": n, ...} with the kinds that occur, in the order of `kKinds`.
+  Json toJson() const;
+  /// "12 LINE, 3 CIRCLE", or "none".
+  std::string toText() const;
+
+  static constexpr std::array<const char*, 11> kKinds = {
+      "POINT", "LINE", "CIRCLE", "ARC", "POLYLINE", "TEXT",
+      "ATTDEF", "INSERT", "ATTRIB", "HATCH", "3DFACE"};
+
+ private:
+  std::array<long, kKinds.size()> m_counts{};
+};
+
+/// The error as JSON: null, or {"kind", "line", "message"}. A file that cannot be
+/// opened has kind 0.
+Json errorToJson(const ReadResult& result);
+
+/// Everything `vek0 info --json` prints of one file.
+Json summaryToJson(const std::string& path, CData& data, const ReadResult& result);
+
+/// The same for people, several lines, with the variables and what was skipped.
+std::string summaryToText(const std::string& path, CData& data, const ReadResult& result);
+
+/// "  skipped-entity: MTEXT (3 times, first at line 120)" for each report entry.
+std::string reportToText(const CFileReport& report);
+
+}  // namespace vek0::tool
