@@ -1,0 +1,91 @@
+// Files of other programs: VEK0_CORPUS names a folder that holds them under dxf/.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <vector>
+
+#include "corpus/drawingchecks.h"
+#include "support/r12lint.h"
+
+using namespace vek0::test;
+namespace fs = std::filesystem;
+
+namespace {
+
+std::vector<fs::path> drawingsIn(const fs::path& folder) {
+  std::vector<fs::path> paths;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    if (entry.path().extension() == ".dxf") paths.push_back(entry.path());
+  }
+  std::sort(paths.begin(), paths.end());
+  return paths;
+}
+
+std::vector<fs::path> corpus() {
+  const char* folder = std::getenv("VEK0_CORPUS");
+  return folder ? drawingsIn(fs::path(folder) / "dxf") : std::vector<fs::path>();
+}
+
+// The error kinds that files can cause.
+bool isKnownKind(int kind) {
+  constexpr int kKinds[] = {5, 6, 9, 10, 11, 13, 15, 16, 17, 18, 19, 20};
+  return std::find(std::begin(kKinds), std::end(kKinds), kind) != std::end(kKinds);
+}
+
+long linesOf(const std::string& bytes) {
+  return static_cast<long>(std::count_if(bytes.begin(), bytes.end(),
+                                         [](char c) { return c == '\n' || c == '\r'; }));
+}
+
+void expectRoundTrip(CData& data, unsigned flags) {
+  const std::string first = save(data, flags);
+  ASSERT_FALSE(first.empty());
+  EXPECT_EQ(save(data, flags), first) << "equal input must give equal bytes";
+  Loaded copy = load(first);
+  ASSERT_FALSE(copy.error.HasAnError())
+      << copy.error.GetFullMessage().toUtf8() << " in our own file, flags " << flags;
+  EXPECT_EQ(inconsistency(*copy.drawing), "");
+  if (flags & kSaveExchange) {
+    EXPECT_EQ(save(*copy.drawing, flags), first) << "load, save must give the same file again";
+  }
+}
+
+void checkFile(const fs::path& path) {
+  SCOPED_TRACE(path.filename().string());
+  const std::string bytes = readFile(path.string());
+  Loaded loaded = load(bytes);
+  EXPECT_EQ(inconsistency(*loaded.drawing), "");
+  if (loaded.error.HasAnError()) {
+    EXPECT_TRUE(isKnownKind(loaded.error.GetErrorType())) << loaded.error.GetErrorType();
+    EXPECT_GT(loaded.error.GetErrorLine(), 0);
+    EXPECT_LE(loaded.error.GetErrorLine(), linesOf(bytes) + 1);
+    return;
+  }
+  expectRoundTrip(*loaded.drawing, 0);
+  expectRoundTrip(*loaded.drawing, kSaveExchange);
+  for (const std::string& complaint : lintR12(save(*loaded.drawing, kSaveExchange), true)) {
+    ADD_FAILURE() << complaint;
+  }
+}
+
+}  // namespace
+
+TEST(Corpus, EveryFileGivesAConsistentDrawingAndARoundTripOrAnError) {
+  const auto files = corpus();
+  if (files.empty()) GTEST_SKIP() << "VEK0_CORPUS is not set";
+  for (const fs::path& path : files) checkFile(path);
+}
+
+TEST(Samples, LoadAndGoRound) {
+  const auto files = drawingsIn(VEK0_SAMPLES);
+  ASSERT_GE(files.size(), 3u);
+  for (const fs::path& path : files) {
+    SCOPED_TRACE(path.filename().string());
+    const Loaded loaded = load(readFile(path.string()));
+    EXPECT_FALSE(loaded.error.HasAnError()) << loaded.error.GetFullMessage().toUtf8();
+    checkFile(path);
+  }
+}

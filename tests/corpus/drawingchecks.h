@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "vek0core/vek0core.h"
+
+namespace vek0::test {
+
+struct DrawingDeleter {
+  void operator()(CData* data) const { deleteData(data); }
+};
+using Drawing = std::unique_ptr<CData, DrawingDeleter>;
+
+/// An empty drawing; the first call registers a default font, as hosts do.
+Drawing newDrawing();
+
+/// A drawing and how reading it ended.
+struct Loaded {
+  Drawing drawing;
+  CFileDXFIError error;
+};
+Loaded load(const std::string& bytes);
+
+/// The drawing as DXF; empty when saving fails.
+std::string save(const CData& data, unsigned flags);
+
+/// The whole file; fails the test when it cannot be read.
+std::string readFile(const std::string& path);
+
+/// What is wrong inside a drawing, or an empty text: every entity has a layer and a
+/// linetype of this drawing, use counts are those of a recount, extents are those of
+/// a recalculation and finite, inserts refer to blocks of the table, no block
+/// contains itself.
+std::string inconsistency(CData& data);
+
+}  // namespace vek0::test

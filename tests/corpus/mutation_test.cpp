@@ -1,0 +1,77 @@
+// Broken copies of good files: cut at every byte, or with bytes changed at random.
+// The sanitizer build makes these tests sharp.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <random>
+#include <vector>
+
+#include "corpus/drawingchecks.h"
+#include "support/quietasserts.h"
+
+using namespace vek0::test;
+
+namespace {
+
+std::vector<std::string> samples() {
+  std::vector<std::string> texts;
+  for (const auto& entry : std::filesystem::directory_iterator(VEK0_SAMPLES)) {
+    if (entry.path().extension() == ".dxf") texts.push_back(readFile(entry.path().string()));
+  }
+  return texts;
+}
+
+// One to eight changes of the kinds that broken writers and copies make.
+std::string mutate(std::string text, std::mt19937& random) {
+  const auto below = [&random](std::size_t n) { return n ? random() % n : 0; };
+  for (std::size_t edit = 1 + below(8); edit > 0 && !text.empty(); --edit) {
+    const std::size_t at = below(text.size());
+    const std::size_t length = std::min<std::size_t>(1 + below(60), text.size() - at);
+    switch (below(5)) {
+      case 0: text[at] = static_cast<char>(random()); break;
+      case 1: text.erase(at, length); break;
+      case 2: text.insert(below(text.size()), text.substr(at, length)); break;
+      case 3: text[at] = "0123456789-.eE\n\r"[below(16)]; break;
+      default: text.insert(at, std::to_string(static_cast<int>(random()))); break;
+    }
+  }
+  return text;
+}
+
+void expectConsistent(const std::string& text) {
+  Loaded loaded = load(text);
+  ASSERT_EQ(inconsistency(*loaded.drawing), "");
+  if (loaded.error.HasAnError()) return;
+  Loaded again = load(save(*loaded.drawing, kSaveExchange));
+  ASSERT_FALSE(again.error.HasAnError()) << again.error.GetFullMessage().toUtf8();
+}
+
+}  // namespace
+
+// A copy that stopped half way is the commonest broken file there is.
+TEST(BrokenFiles, EveryTruncationGivesAnErrorOrADrawing) {
+  const QuietAsserts asserts;
+  for (const std::string& whole : samples()) {
+    for (std::size_t n = 0; n <= whole.size(); n += n < 2000 ? 1 : 7) {
+      SCOPED_TRACE(testing::Message() << "first " << n << " bytes");
+      Loaded loaded = load(whole.substr(0, n));
+      ASSERT_EQ(inconsistency(*loaded.drawing), "");
+    }
+  }
+  EXPECT_EQ(asserts.failures(), std::vector<std::string>());
+}
+
+TEST(BrokenFiles, RandomChangesGiveAnErrorOrADrawing) {
+  const QuietAsserts asserts;
+  const auto texts = samples();
+  ASSERT_FALSE(texts.empty());
+  constexpr unsigned kSeed = 7;
+  std::mt19937 random(kSeed);
+  for (int round = 0; round < 3000; ++round) {
+    SCOPED_TRACE(testing::Message() << "seed " << kSeed << ", round " << round);
+    expectConsistent(mutate(texts[random() % texts.size()], random));
+    if (HasFatalFailure()) return;
+  }
+  EXPECT_EQ(asserts.failures(), std::vector<std::string>());
+}

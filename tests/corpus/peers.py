@@ -1,0 +1,134 @@
+#!/usr/bin/env python3
+"""Let other programs read what vek0 writes, and compare.
+
+usage: peers.py VEK0 FOLDER...
+
+Every drawing of the folders (and of $VEK0_CORPUS/dxf) that vek0 loads is converted
+and then
+  - audited by ezdxf, and its entity counts compared with vek0's;
+  - read by GDAL, original and copy, whose flattened geometry must lie within 1e-5 of
+    each other layer by layer (Hausdorff distance).
+Prints one line a fault and a summary; exits with 77 when no judge is installed.
+"""
+import collections
+import json
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+
+WITHIN = 1e-5  # drawing units, relative to coordinates below 1e5
+KINDS = {"POINT", "LINE", "CIRCLE", "ARC", "POLYLINE", "LWPOLYLINE", "TEXT", "INSERT", "3DFACE", "ATTDEF"}
+PYTHON = "/usr/bin/python3" if os.path.exists("/usr/bin/python3") else sys.executable
+
+EZDXF = """
+import collections, json, sys, ezdxf
+from ezdxf import recover
+def read(path):
+    try: return ezdxf.readfile(path), []
+    except Exception: return recover.readfile(path)[0], []
+doc, _ = read(sys.argv[1])
+kinds = collections.Counter(); attribs = 0
+for e in doc.modelspace():
+    kind = e.dxftype()
+    if kind == 'POLYLINE' and (e.is_poly_face_mesh or e.is_polygon_mesh): kind = 'MESH'
+    kinds['POLYLINE' if kind == 'LWPOLYLINE' else kind] += 1
+    if kind == 'INSERT': attribs += len(e.attribs)
+audit = doc.audit()
+print(json.dumps({'kinds': kinds, 'attribs': attribs, 'errors': [e.message for e in audit.errors + audit.fixes]}))
+"""
+
+GDAL = """
+import json, subprocess, sys
+from shapely import wkt
+from shapely.ops import unary_union
+import csv, io, collections
+csv.field_size_limit(1 << 30)
+def layers(path):
+    done = subprocess.run(['ogr2ogr', '-f', 'CSV', '/vsistdout/', path, '-lco', 'GEOMETRY=AS_WKT'],
+                          capture_output=True, text=True, errors='replace', timeout=120)
+    groups = collections.defaultdict(list)
+    for row in csv.DictReader(io.StringIO(done.stdout)):
+        if row.get('WKT') and not row.get('Text'): groups[row['Layer']].append(wkt.loads(row['WKT']))
+    return groups
+a, b = layers(sys.argv[1]), layers(sys.argv[2])
+far, lone = 0.0, []
+key = lambda name: ''.join(c if c.isascii() and (c.isalnum() or c in '_-$*') else '_' for c in name).upper()[:30]
+b = {key(k): v for k, v in b.items()}
+for name, shapes in a.items():
+    other = b.pop(key(name), None)
+    if other is None: lone.append(name); continue
+    try: far = max(far, unary_union(shapes).hausdorff_distance(unary_union(other)))
+    except Exception as problem: lone.append(f'{name}: {problem}')
+print(json.dumps({'far': far, 'lone': lone + ['only in copy: ' + k for k in b]}))
+"""
+
+
+def ask(program, *arguments):
+    try:
+        done = subprocess.run([PYTHON, "-c", program, *map(str, arguments)], capture_output=True, timeout=180)
+        return json.loads(done.stdout) if done.returncode == 0 else None
+    except (subprocess.TimeoutExpired, ValueError):
+        return None
+
+
+def has(module):
+    return subprocess.run([PYTHON, "-c", f"import {module}"], capture_output=True).returncode == 0
+
+
+def ezdxf_faults(info, original, copy):
+    before, after = ask(EZDXF, original), ask(EZDXF, copy)
+    if after is None:
+        return ["ezdxf cannot read the copy"]
+    faults = [f"ezdxf audit: {text}" for text in after["errors"][:3]]
+    ours = dict(info["entities"])
+    attribs = ours.pop("ATTRIB", 0)
+    theirs = {kind: n for kind, n in after["kinds"].items() if kind in KINDS}
+    if ours != theirs or attribs != after["attribs"]:
+        faults.append(f"copy holds {theirs} and {after['attribs']} attributes, vek0 read {ours}, {attribs}")
+    if before is not None:
+        kinds = {k: n for k, n in before["kinds"].items() if k in KINDS}
+        differs = {k: (n, ours.get(k, 0)) for k, n in kinds.items() if ours.get(k, 0) != n}
+        if differs:
+            faults.append(f"ezdxf sees in the original, vek0 reads: {differs}")
+    return faults
+
+
+def gdal_faults(original, copy):
+    got = ask(GDAL, original, copy)
+    if got is None:
+        return []
+    faults = [f"layer without partner: {name}" for name in got["lone"][:3]]
+    if got["far"] > WITHIN:
+        faults.append(f"geometry is {got['far']:.3g} apart")
+    return faults
+
+
+def main():
+    vek0, folders = sys.argv[1], [pathlib.Path(p) for p in sys.argv[2:]]
+    if "VEK0_CORPUS" in os.environ:
+        folders.append(pathlib.Path(os.environ["VEK0_CORPUS"]) / "dxf")
+    judges = {"ezdxf": has("ezdxf"), "gdal": has("shapely") and shutil.which("ogr2ogr")}
+    if not any(judges.values()):
+        sys.exit(77)
+    tally = collections.Counter()
+    with tempfile.TemporaryDirectory() as scratch:
+        for path in sorted(p for folder in folders for p in folder.glob("*.dxf")):
+            info = json.loads(subprocess.run([vek0, "info", "--json", path], capture_output=True).stdout)
+            if not info["ok"]:
+                tally[f"not loaded, error {info['error']['kind']}"] += 1
+                continue
+            copy = pathlib.Path(scratch) / path.name
+            subprocess.run([vek0, "convert", "-q", "-f", path, copy], check=True)
+            faults = ezdxf_faults(info, path, copy) if judges["ezdxf"] else []
+            faults += gdal_faults(path, copy) if judges["gdal"] else []
+            tally["with remarks" if faults else "agreed"] += 1
+            for fault in faults:
+                print(f"{path.name}: {fault}")
+    print(dict(tally))
+    sys.exit(1 if tally["with remarks"] and "--strict" in sys.argv else 0)
+
+
+main()
