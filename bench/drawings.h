@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "vek0core/vek0core.h"
+
+namespace vek0::bench {
+
+struct Deleter {
+  void operator()(CData* data) const { deleteData(data); }
+};
+using Drawing = std::unique_ptr<CData, Deleter>;
+
+/// An empty drawing; a default font is registered once.
+Drawing newDrawing();
+
+/// Text of an R12 drawing with `count` lines over 50 layers, half of the coordinates
+/// on a 0.5 grid and half with 16 digits, as drafted and computed geometry mix.
+std::string lineText(int count);
+
+/// The same with circles, arcs, texts, bulged polylines and inserts of 200 blocks.
+std::string mixedText(int count);
+
+/// `count` / 3 chains of three nested blocks, every chain inserted once: catalogues.
+std::string blockText(int count);
+
+/// `count` layers, each used by one line: wiring catalogues and map exports.
+std::string layerText(int count);
+
+/// Loads `text` into a new drawing; null when that fails.
+Drawing load(const std::string& text);
+
+}  // namespace vek0::bench

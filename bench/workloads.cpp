@@ -1,0 +1,168 @@
+// Named workloads. Growth shows as "items_per_second" that stays level from one size
+// to the next.
+#include <benchmark/benchmark.h>
+
+#include <vector>
+
+#include "drawings.h"
+
+namespace {
+
+using vek0::bench::Drawing;
+
+void loadText(benchmark::State& state, const std::string& text) {
+  for (auto _ : state) {
+    Drawing drawing = vek0::bench::load(text);
+    if (!drawing) return state.SkipWithError("the drawing does not load");
+    state.PauseTiming();
+    drawing.reset();
+    state.ResumeTiming();
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void BM_LoadLines(benchmark::State& state) {
+  loadText(state, vek0::bench::lineText(static_cast<int>(state.range(0))));
+}
+BENCHMARK(BM_LoadLines)->Arg(20000)->Arg(200000)->Unit(benchmark::kMillisecond);
+
+void BM_LoadMixed(benchmark::State& state) {
+  loadText(state, vek0::bench::mixedText(static_cast<int>(state.range(0))));
+}
+BENCHMARK(BM_LoadMixed)->Arg(20000)->Arg(200000)->Unit(benchmark::kMillisecond);
+
+void BM_LoadNestedBlocks(benchmark::State& state) {
+  loadText(state, vek0::bench::blockText(static_cast<int>(state.range(0))));
+}
+BENCHMARK(BM_LoadNestedBlocks)->Arg(20000)->Arg(80000)->Unit(benchmark::kMillisecond);
+
+void BM_LoadLayers(benchmark::State& state) {
+  loadText(state, vek0::bench::layerText(static_cast<int>(state.range(0))));
+}
+BENCHMARK(BM_LoadLayers)->Arg(20000)->Arg(80000)->Unit(benchmark::kMillisecond);
+
+void save(benchmark::State& state, unsigned flags) {
+  const Drawing drawing = vek0::bench::load(vek0::bench::mixedText(static_cast<int>(state.range(0))));
+  std::int64_t bytes = 0;
+  for (auto _ : state) {
+    CFileMemory out(u"bench.dxf", 2);
+    if (!SaveDXF(*drawing, out, flags)) return state.SkipWithError("the drawing does not save");
+    bytes += static_cast<std::int64_t>(out.bytes().size());
+  }
+  state.SetBytesProcessed(bytes);
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void BM_SaveExchange(benchmark::State& state) { save(state, kSaveExchange); }
+BENCHMARK(BM_SaveExchange)->Arg(20000)->Arg(200000)->Unit(benchmark::kMillisecond);
+
+void BM_SavePlain(benchmark::State& state) { save(state, 0); }
+BENCHMARK(BM_SavePlain)->Arg(20000)->Arg(200000)->Unit(benchmark::kMillisecond);
+
+// A drawing of `count` lines with handles 1 to count.
+Drawing lines(int count, std::vector<CEnt*>& entities) {
+  Drawing drawing = vek0::bench::newDrawing();
+  for (int i = 0; i < count; ++i) {
+    entities.push_back(createEntLine(*drawing, LINE_3D(i, 0, 0, i, 1, 0), i + 1));
+    drawing->getEntTable().add(entities.back());
+  }
+  return drawing;
+}
+
+// Editing sessions delete what a selection filter picked: here every second entity.
+void BM_RemoveEverySecond(benchmark::State& state) {
+  const int count = static_cast<int>(state.range(0));
+  for (auto _ : state) {
+    state.PauseTiming();
+    std::vector<CEnt*> entities;
+    const Drawing drawing = lines(count, entities);
+    state.ResumeTiming();
+    for (std::size_t i = 0; i < entities.size(); i += 2) drawing->getEntTable().remove(entities[i]);
+    benchmark::DoNotOptimize(drawing->getEntTable().getBdry());
+    state.PauseTiming();
+    for (std::size_t i = 0; i < entities.size(); i += 2) delete entities[i];
+    state.ResumeTiming();
+  }
+  state.SetItemsProcessed(state.iterations() * count / 2);
+}
+BENCHMARK(BM_RemoveEverySecond)->Arg(20000)->Arg(80000)->Unit(benchmark::kMillisecond);
+
+// The same inside one big block, looking at it after every removal.
+void BM_RemoveFromBlock(benchmark::State& state) {
+  const int count = static_cast<int>(state.range(0));
+  for (auto _ : state) {
+    state.PauseTiming();
+    const Drawing drawing = vek0::bench::newDrawing();
+    CBlock* block = drawing->getBlockFactory().create(u"B", PNT_3D(0, 0, 0), 0);
+    std::vector<CEnt*> entities;
+    for (int i = 0; i < count; ++i) {
+      entities.push_back(createEntLine(*drawing, LINE_3D(i, 0, 0, i, 1, 0), i + 1));
+      block->add(entities.back());
+    }
+    state.ResumeTiming();
+    for (std::size_t i = 0; i < entities.size(); i += 2) block->remove(entities[i]);
+    benchmark::DoNotOptimize(block->size());
+    state.PauseTiming();
+    for (std::size_t i = 0; i < entities.size(); i += 2) delete entities[i];
+    drawing->getBlockTable().add(block);
+    state.ResumeTiming();
+  }
+  state.SetItemsProcessed(state.iterations() * count / 2);
+}
+BENCHMARK(BM_RemoveFromBlock)->Arg(20000)->Arg(80000)->Unit(benchmark::kMillisecond);
+
+void BM_FindHandles(benchmark::State& state) {
+  const int count = static_cast<int>(state.range(0));
+  std::vector<CEnt*> entities;
+  const Drawing drawing = lines(count, entities);
+  for (auto _ : state) {
+    for (long handle = count; handle > 0; --handle) {
+      benchmark::DoNotOptimize(drawing->getEntTable().get(handle));
+    }
+  }
+  state.SetItemsProcessed(state.iterations() * count);
+}
+BENCHMARK(BM_FindHandles)->Arg(20000)->Arg(80000)->Unit(benchmark::kMillisecond);
+
+// Files whose inserts come before their blocks: every block starts as a placeholder.
+void BM_RedefinePlaceholders(benchmark::State& state) {
+  const int count = static_cast<int>(state.range(0));
+  for (auto _ : state) {
+    state.PauseTiming();
+    const Drawing drawing = vek0::bench::newDrawing();
+    CBlockTable& table = drawing->getBlockTable();
+    for (int i = 0; i < count; ++i) {
+      const zim::WString name = zim::WString(u"B") + zim::WString::fromUtf8(std::to_string(i));
+      table.add(drawing->getBlockFactory().create(name, PNT_3D(0, 0, 0), 0));
+    }
+    state.ResumeTiming();
+    for (int i = 0; i < count; ++i) {
+      std::list<CEnt*> content = {createEntLine(*drawing, LINE_3D(0, 0, 0, 1, 1, 0), 0)};
+      if (i > 0) {
+        content.push_back(createEntInsert(*drawing, *table[i - 1], PNT_3D(0, 0, 0), 1, 1, 1, 0, 1, 1,
+                                          0, 0, 0));
+      }
+      table.Redefine(table[i], PNT_3D(0, 0, 0), 0, content);
+    }
+    benchmark::DoNotOptimize(table[count - 1]->getBdry());
+  }
+  state.SetItemsProcessed(state.iterations() * count);
+}
+BENCHMARK(BM_RedefinePlaceholders)->Arg(20000)->Arg(80000)->Unit(benchmark::kMillisecond);
+
+// Numbering the private blocks of hatches.
+void BM_ProgressiveNames(benchmark::State& state) {
+  const int count = static_cast<int>(state.range(0));
+  for (auto _ : state) {
+    const Drawing drawing = vek0::bench::newDrawing();
+    for (int i = 0; i < count; ++i) {
+      const zim::WString name = GetBlockProgressiveName(u"*PAT", drawing->getBlockTable());
+      drawing->getBlockTable().add(drawing->getBlockFactory().create(name, PNT_3D(0, 0, 0), 0));
+    }
+  }
+  state.SetItemsProcessed(state.iterations() * count);
+}
+BENCHMARK(BM_ProgressiveNames)->Arg(20000)->Arg(80000)->Unit(benchmark::kMillisecond);
+
+}  // namespace

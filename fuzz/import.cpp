@@ -1,0 +1,14 @@
+// Imports any bytes into a drawing that has content, twice, so that the names of
+// the second round meet those of the first.
+#include "support.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const auto drawing = vek0::fuzz::newDrawing();
+  for (int round = 0; round < 2; ++round) {
+    CFileMemory file(u"fuzz.dxf", 1, vek0::fuzz::bytes(data, size));
+    CFileDXFIError error;
+    importDXF(*drawing, file, &error);
+  }
+  drawing->getEntTable().getBdry();
+  return 0;
+}

@@ -1,0 +1,31 @@
+// What we write we must read: saves whatever loaded, in both forms, and loads it
+// again. A refusal of our own file is a find.
+#include <cstdlib>
+
+#include "support.h"
+
+namespace {
+
+std::string saved(CData& drawing, unsigned flags) {
+  CFileMemory out(u"out.dxf", 2);
+  return SaveDXF(drawing, out, flags) ? out.bytes() : std::string();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const auto drawing = vek0::fuzz::newDrawing();
+  CFileMemory file(u"fuzz.dxf", 1, vek0::fuzz::bytes(data, size));
+  CFileDXFIError error;
+  loadDXF(*drawing, file, &error);
+  for (const unsigned flags : {0u, 16u}) {
+    const std::string first = saved(*drawing, flags);
+    if (first.empty()) continue;
+    const auto copy = vek0::fuzz::newDrawing();
+    CFileMemory in(u"out.dxf", 1, first);
+    CFileDXFIError again;
+    loadDXF(*copy, in, &again);
+    if (again.HasAnError()) std::abort();
+  }
+  return 0;
+}
