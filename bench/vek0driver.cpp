@@ -72,10 +72,11 @@ class Counter final : public IEntVisitor {
   }
 
   void print() const {
-    std::printf("blocks=%ld points=%ld lines=%ld circles=%ld arcs=%ld texts=%ld attdefs=%ld "
-                "attribs=%ld inserts=%ld polylines=%ld vertices=%ld faces=%ld hatches=%ld\n",
-                blocks, points, lines, circles, arcs, texts, attdefs, attribs, inserts, polylines,
-                vertices, faces, hatches);
+    std::printf(
+        "blocks=%ld points=%ld lines=%ld circles=%ld arcs=%ld texts=%ld attdefs=%ld "
+        "attribs=%ld inserts=%ld polylines=%ld vertices=%ld faces=%ld hatches=%ld\n",
+        blocks, points, lines, circles, arcs, texts, attdefs, attribs, inserts, polylines, vertices,
+        faces, hatches);
   }
 
  private:

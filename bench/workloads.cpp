@@ -43,7 +43,8 @@ void BM_LoadLayers(benchmark::State& state) {
 BENCHMARK(BM_LoadLayers)->Arg(20000)->Arg(80000)->Unit(benchmark::kMillisecond);
 
 void save(benchmark::State& state, unsigned flags) {
-  const Drawing drawing = vek0::bench::load(vek0::bench::mixedText(static_cast<int>(state.range(0))));
+  const Drawing drawing =
+      vek0::bench::load(vek0::bench::mixedText(static_cast<int>(state.range(0))));
   std::int64_t bytes = 0;
   for (auto _ : state) {
     CFileMemory out(u"bench.dxf", 2);
@@ -140,8 +141,8 @@ void BM_RedefinePlaceholders(benchmark::State& state) {
     for (int i = 0; i < count; ++i) {
       std::list<CEnt*> content = {createEntLine(*drawing, LINE_3D(0, 0, 0, 1, 1, 0), 0)};
       if (i > 0) {
-        content.push_back(createEntInsert(*drawing, *table[i - 1], PNT_3D(0, 0, 0), 1, 1, 1, 0, 1, 1,
-                                          0, 0, 0));
+        content.push_back(
+            createEntInsert(*drawing, *table[i - 1], PNT_3D(0, 0, 0), 1, 1, 1, 0, 1, 1, 0, 0, 0));
       }
       table.Redefine(table[i], PNT_3D(0, 0, 0), 0, content);
     }

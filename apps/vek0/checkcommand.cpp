@@ -56,7 +56,8 @@ void run(const Options& options, Session& session) {
 
 void addCheckCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<Options>();
-  CLI::App* verb = app.add_subcommand("check", "Load each drawing and say ok, or what is wrong where");
+  CLI::App* verb =
+      app.add_subcommand("check", "Load each drawing and say ok, or what is wrong where");
   verb->add_option("FILE", options->files, "DXF files; - is the standard input")->required();
   verb->add_flag("--json", options->json, "One JSON object a line and file");
   verb->footer(

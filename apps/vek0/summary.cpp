@@ -5,7 +5,19 @@
 namespace vek0::tool {
 namespace {
 
-enum Kind { kPoint, kLine, kCircle, kArc, kPolyline, kText, kAttdef, kInsert, kAttrib, kHatch, kFace };
+enum Kind {
+  kPoint,
+  kLine,
+  kCircle,
+  kArc,
+  kPolyline,
+  kText,
+  kAttdef,
+  kInsert,
+  kAttrib,
+  kHatch,
+  kFace
+};
 
 // Says of each visited entity which row of the counts it belongs to.
 class KindVisitor final : public IEntVisitor {
@@ -142,8 +154,9 @@ std::string variableLines(const CData& data) {
   text += "  angles: base " + number(vars.getAngDir() * 57.29577951308233) + " degrees, " +
           (vars.isAngClockWise() ? "clockwise" : "counter-clockwise") + ", format " +
           std::to_string(vars.getAngFormat()) + "; ortho " + onOff(vars.isOrtho()) + "\n";
-  text += "  current: layer " + (vars.getCurLayer() ? vars.getCurLayer()->getFullName().toUtf8() : "-") +
-          ", linetype " + nameOf(vars.getCurLtype()) + ", style " +
+  text += "  current: layer " +
+          (vars.getCurLayer() ? vars.getCurLayer()->getFullName().toUtf8() : "-") + ", linetype " +
+          nameOf(vars.getCurLtype()) + ", style " +
           (vars.getCurStyle() ? vars.getCurStyle()->getName().toUtf8() : "-") + ", color " +
           std::to_string(vars.getCurColor()) + "\n";
   return text;
@@ -192,8 +205,8 @@ Json summaryToJson(const std::string& path, CData& data, const ReadResult& resul
   return Json{
       {"file",      path                           },
       {"ok",        result.ok()                    },
-      {"version",   result.outcome.version.toUtf8()   },
-      {"encoding",  result.outcome.encoding  },
+      {"version",   result.outcome.version.toUtf8()},
+      {"encoding",  result.outcome.encoding        },
       {"error",     errorToJson(result)            },
       {"layers",    layersToJson(data)             },
       {"linetypes", ltypesToJson(data)             },

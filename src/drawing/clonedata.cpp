@@ -2,6 +2,7 @@
 #include <memory>
 #include <new>
 #include <unordered_map>
+#include <vector>
 
 #include "vek0core/drawing/datafactory.h"
 #include "vek0core/drawing/functions.h"
@@ -29,7 +30,7 @@ Item* orThrow(Item* item) {
   return item;
 }
 
-// From the items of the source to those of the copy. What the source does not own,
+// From the items of the source to those of the copy. What no table of the source holds,
 // and null, stay as they are.
 class ItemMap {
  public:
@@ -52,11 +53,11 @@ class Cloner final : public IEntVisitor {
  public:
   Cloner(CData& data, const ItemMap& map) : m_data(data), m_map(map) {}
 
-  std::unique_ptr<CEnt> clone(const CEnt& src) {
+  CEnt* clone(const CEnt& src) {
     // Visitors take entities that may be changed; this one only looks.
     const_cast<CEnt&>(src).accept(*this);
-    m_clone->setUserInfo(src.getUserType(), src.getUserData());
-    return std::move(m_clone);
+    if (m_clone) m_clone->setUserInfo(src.getUserType(), src.getUserData());
+    return m_clone.release();
   }
 
   using IEntVisitor::visit;
@@ -83,28 +84,31 @@ class Cloner final : public IEntVisitor {
   void visit(CEntAttrib& e) override { keep(attrib(e).release()); }
   void visit(CEntInsert& e) override {
     const InsertValues v(e);
-    keepInsert(e, createEntInsert(m_data, layer(e), ltype(e), e.getColor(), *m_map(e.getBlock()),
-                                  v.pnt, v.sx, v.sy, v.sz, v.rotation, v.columns, v.rows,
-                                  v.columnSpacing, v.rowSpacing, e.GetHandle()));
+    keepInsert(e, factory().createEntInsert(gestor(), layer(e), ltype(e), e.getColor(),
+                                            m_map(e.getBlock()), v.pnt, v.sx, v.sy, v.sz,
+                                            v.rotation, v.columns, v.rows, v.columnSpacing,
+                                            v.rowSpacing, e.GetHandle()));
   }
   void visit(CEntInsertXRef& e) override {
+    // Pointed to an ordinary block meanwhile, it is no more than an insert.
+    if (!e.getXRef()) return visit(static_cast<CEntInsert&>(e));
     const InsertValues v(e);
-    CBlockXRef* xref = m_map(e.getXRef());
-    keepInsert(e, m_data.getEntFactory().createEntInsertXRef(
-                      m_data.getHandleGestor(), layer(e), ltype(e), e.getColor(),
-                      m_data.getDepend(), xref, v.pnt, v.sx, v.sy, v.sz, v.rotation, v.columns,
-                      v.rows, v.columnSpacing, v.rowSpacing, e.GetHandle()));
+    CBlock* block = m_map(e.getBlock());
+    keepInsert(e, factory().createEntInsertXRef(
+                      gestor(), layer(e), ltype(e), e.getColor(), m_data.getDepend(),
+                      static_cast<CBlockXRef*>(block), v.pnt, v.sx, v.sy, v.sz, v.rotation,
+                      v.columns, v.rows, v.columnSpacing, v.rowSpacing, e.GetHandle()));
   }
   void visit(CEntFixedInsert& e) override {
-    keepInsert(e, createEntFixedInsert(m_data, layer(e), ltype(e), e.getColor(),
-                                       *m_map(e.getBlock()), e.getPnt(), e.GetDefArea(),
-                                       e.GetNoPixel(), e.getRotate(), e.GetHandle()));
+    keepInsert(e, factory().createEntFixedInsert(gestor(), layer(e), ltype(e), e.getColor(),
+                                                 m_map(e.getBlock()), e.getPnt(), e.GetDefArea(),
+                                                 e.GetNoPixel(), e.getRotate(), e.GetHandle()));
   }
   void visit(CEntHatch&) override {}
   void visit(CEnt3DFace& e) override {
-    auto* face = createEnt3DFace(m_data, layer(e), ltype(e), e.getColor(), e.getVertex(0),
-                                 e.getVertex(1), e.getVertex(2), e.getVertex(3), e.getFlags(),
-                                 e.GetHandle());
+    auto* face =
+        createEnt3DFace(m_data, layer(e), ltype(e), e.getColor(), e.getVertex(0), e.getVertex(1),
+                        e.getVertex(2), e.getVertex(3), e.getFlags(), e.GetHandle());
     keep(face);
   }
 
@@ -119,6 +123,8 @@ class Cloner final : public IEntVisitor {
     long columns, rows;
   };
 
+  CEntFactory& factory() const { return m_data.getEntFactory(); }
+  IHandleGestor& gestor() const { return m_data.getHandleGestor(); }
   CLayer* layer(const CEnt& e) const { return m_map(e.getLayer()); }
   CLtype* ltype(const CEnt& e) const { return m_map(e.getLtype()); }
   TEXT_3D text(const CEntText& e) const {
@@ -138,9 +144,9 @@ class Cloner final : public IEntVisitor {
   }
 
   std::unique_ptr<CEntAttrib> attrib(const CEntAttrib& e) const {
-    std::unique_ptr<CEntAttrib> copy(orThrow(m_data.getEntFactory().createEntAttrib(
-        m_data.getHandleGestor(), layer(e), ltype(e), e.getColor(), text(e), e.getTag(),
-        e.getFlags(), e.GetHandle())));
+    std::unique_ptr<CEntAttrib> copy(
+        orThrow(factory().createEntAttrib(gestor(), layer(e), ltype(e), e.getColor(), text(e),
+                                          e.getTag(), e.getFlags(), e.GetHandle())));
     copy->setUserInfo(e.getUserType(), e.getUserData());
     return copy;
   }
@@ -151,13 +157,14 @@ class Cloner final : public IEntVisitor {
 
   // A plain polyline stays as packed as it is; a curve is its frame and what is visible.
   std::unique_ptr<CEntPolyline> polyline(const CEntPolyline& e) const {
-    std::unique_ptr<CEntPolyline> copy(
-        orThrow(createEntPolyline(m_data, layer(e), ltype(e), e.getColor(), e.getFlags(),
-                                  e.getDegree(), e.GetHandle())));
+    std::unique_ptr<CEntPolyline> copy(orThrow(createEntPolyline(
+        m_data, layer(e), ltype(e), e.getColor(), e.getFlags(), e.getDegree(), e.GetHandle())));
     if (!e.isCurve()) {
-      e.forEachBulged([&copy](const PNT_3D& pnt, double ws, double we, double bulge, long handle) {
-        copy->addBulgedVertex(pnt, ws, we, bulge, handle);
+      std::vector<BULGED_VERTEX> vertexes;
+      e.forEachBulged([&](const PNT_3D& pnt, double ws, double we, double bulge, long handle) {
+        vertexes.push_back({pnt.x, pnt.y, pnt.z, ws, we, bulge, handle});
       });
+      copy->setBulgedVertexes(vertexes.data(), vertexes.size());
       return copy;
     }
     for (int i = 0; i < e.getFirstVisibleVertex(); ++i) {
@@ -184,40 +191,57 @@ class DrawingCopy {
     m_src.shareFonts(m_copy);
     copyTables();
     copyBlocks();
-    Cloner cloner(m_copy, m_map);
-    for (const CEnt* ent : m_src.getEntTable().getEntityTbl()) {
-      m_copy.getEntTable().add(cloner.clone(*ent).release());
-    }
+    copyEntities();
     copyVariables();
   }
 
  private:
-  // Styles first, then what names them, and so on.
+  // Styles first, then what names them, and so on; each of the drawing and of all its
+  // external references, which may name items of each other.
   void copyTables() {
     copyStyles(m_src.getStyleTable(), m_copy.getStyleTable());
+    copyXRefs();
     mapFixedItems();
     copyLtypes(m_src.getLtypeTable());
-    copyXRefs();
+    forEachXRef([this](const CBlockXRef& from, CBlockXRef& to) { copyLtypes(from, to); });
     copyLayers(m_src.getLayerTable());
-    copyLayer(m_src.getLayer0(), m_copy.getLayer0());
+    forEachXRef([this](const CBlockXRef& from, CBlockXRef& to) { copyLayers(from, to); });
+    copyLayer(*m_src.getLayerTable().getLayer0(), m_copy.getLayer0());
+  }
+
+  // Hands each external reference that was copied to `each`, together with its copy.
+  template <class Each>
+  void forEachXRef(const Each& each) {
+    const CBlockXRefTable& from = m_src.getBlockXRefTable();
+    for (int i = 0; i < from.size(); ++i) each(*from[i], *m_copy.getBlockXRefTable()[i]);
   }
 
   void mapFixedItems() {
-    m_map.add<CLtype>(m_src.getLtypeTable().getLtypeContinuous(), &m_copy.getLtypeContinuous());
-    m_map.add<CLtype>(m_src.getLtypeTable().getLtypeByLayer(), &m_copy.getLtypeByLayer());
-    m_map.add<CLtype>(m_src.getLtypeTable().getLtypeByBlock(), &m_copy.getLtypeByBlock());
+    const CLtypeTable& ltypes = m_src.getLtypeTable();
+    copyFixed(*ltypes.getLtypeContinuous(), m_copy.getLtypeContinuous());
+    copyFixed(*ltypes.getLtypeByLayer(), m_copy.getLtypeByLayer());
+    copyFixed(*ltypes.getLtypeByBlock(), m_copy.getLtypeByBlock());
     m_map.add<CLayer>(m_src.getLayerTable().getLayer0(), &m_copy.getLayer0());
+  }
+
+  // A host may have given them elements or other descriptions.
+  void copyFixed(const CLtype& from, CLtype& to) {
+    to.setDesc(from.getDesc());
+    to.setFlags(from.getFlags());
+    to.GetDashSeq() = dashes(from);
+    m_map.add(&from, &to);
   }
 
   void copyStyles(const CStyleTable& from, CStyleTable& to) {
     if (!from.getStyleStandard()) removeStandard(to);
     for (int i = 0; i < from.size(); ++i) {
       const CStyle& style = *from[i];
-      CStyle* made = style.isStandard() ? to.getStyleStandard()
-                                        : orThrow(m_copy.getStyleFactory().create(style));
-      if (style.isStandard()) {
+      CStyle* made = nullptr;
+      if (&style == from.getStyleStandard()) {
+        made = to.getStyleStandard();
         made->setMemento(CStyleMemento(style));
       } else {
+        made = orThrow(m_copy.getStyleFactory().create(style));
         to.add(made);
       }
       m_map.add(&style, made);
@@ -281,12 +305,12 @@ class DrawingCopy {
       m_copy.getBlockXRefTable().add(&xref);
       xref.setStatus(from[i]->getStatus());
       m_map.add<CBlock>(from[i], &xref);
-      copyDependents(*from[i], xref);
+      xref.SetUserInfo(from[i]->GetUserType(), from[i]->GetUserData());
+      copyStyles(from[i]->getStyleTable(), xref.getStyleTable());
     }
   }
 
-  void copyDependents(const CBlockXRef& from, CBlockXRef& to) {
-    copyStyles(from.getStyleTable(), to.getStyleTable());
+  void copyLtypes(const CBlockXRef& from, CBlockXRef& to) {
     for (int i = 0; i < from.getLtypeTable().size(); ++i) {
       const CLtype& ltype = *from.getLtypeTable()[i];
       CLtype* made = orThrow(m_copy.getLtypeFactory().createXRef(
@@ -294,6 +318,9 @@ class DrawingCopy {
       to.getLtypeTable().add(made);
       m_map.add(&ltype, made);
     }
+  }
+
+  void copyLayers(const CBlockXRef& from, CBlockXRef& to) {
     for (int i = 0; i < from.getLayerTable().size(); ++i) {
       const CLayer& layer = *from.getLayerTable()[i];
       CLayer* made = orThrow(m_copy.getLayerFactory().createXRef(
@@ -315,18 +342,28 @@ class DrawingCopy {
       m_map.add(from[i], made);
     }
     for (int i = 0; i < from.size(); ++i) fill(*from[i], *m_map(from[i]));
-    const CBlockXRefTable& xrefs = m_src.getBlockXRefTable();
-    for (int i = 0; i < xrefs.size(); ++i) {
-      fill(*xrefs[i], *m_map(static_cast<CBlock*>(xrefs[i])));
-    }
+    forEachXRef([this](const CBlockXRef& xref, CBlockXRef& to) { fill(xref, to); });
   }
 
   void fill(const CBlock& from, CBlock& to) {
     Cloner cloner(m_copy, m_map);
-    for (unsigned i = 0; i < from.size(); ++i) to.restore(cloner.clone(*from[i]).release());
+    for (unsigned i = 0; i < from.size(); ++i) to.restore(cloner.clone(*from[i]));
     if (to.isXRef()) return;
     to.insertBlock(m_copy.getHandleGestor());
     m_copy.getBlockTable().updateBlock(&to);
+  }
+
+  void copyEntities() {
+    Cloner cloner(m_copy, m_map);
+    CEntTable& to = m_copy.getEntTable();
+    to.invalidateBdry();
+    std::unordered_map<const CEnt*, CEnt*> selected;
+    for (const CEnt* ent : m_src.getEntTable().getEntityTbl()) {
+      CEnt* copy = cloner.clone(*ent);
+      to.add(copy);
+      if (ent->isSelected()) selected.emplace(ent, copy);
+    }
+    for (const CEnt* ent : m_src.getEntTable().getSelectedEntityTbl()) to.select(selected[ent]);
   }
 
   void copyVariables() {

@@ -29,8 +29,7 @@ CEntLine* createEntLine(const CData& data, CLayer* layer, CLtype* ltype, short c
                                             handle);
 }
 CEntLine* createEntLine(const CData& data, const LINE_3D& line, long handle) {
-  return createEntLine(data, getCurLayer(data), getCurLtype(data), getCurColor(data), line,
-                       handle);
+  return createEntLine(data, getCurLayer(data), getCurLtype(data), getCurColor(data), line, handle);
 }
 
 CEntCircle* createEntCircle(const CData& data, CLayer* layer, CLtype* ltype, short color,
@@ -74,8 +73,7 @@ CEntText* createEntText(const CData& data, CLayer* layer, CLtype* ltype, short c
                                             handle);
 }
 CEntText* createEntText(const CData& data, const TEXT_3D& text, long handle) {
-  return createEntText(data, getCurLayer(data), getCurLtype(data), getCurColor(data), text,
-                       handle);
+  return createEntText(data, getCurLayer(data), getCurLtype(data), getCurColor(data), text, handle);
 }
 
 CEntAttdef* createEntAttdef(const CData& data, CLayer* layer, CLtype* ltype, short color,
@@ -86,8 +84,8 @@ CEntAttdef* createEntAttdef(const CData& data, CLayer* layer, CLtype* ltype, sho
 }
 CEntAttdef* createEntAttdef(const CData& data, const TEXT_3D& text, const zim::WString& value,
                             const zim::WString& prompt, long flags, long handle) {
-  return createEntAttdef(data, getCurLayer(data), getCurLtype(data), getCurColor(data), text,
-                         value, prompt, flags, handle);
+  return createEntAttdef(data, getCurLayer(data), getCurLtype(data), getCurColor(data), text, value,
+                         prompt, flags, handle);
 }
 
 CEntAttrib* createEntAttrib(const CData& data, const zim::WString& value, const CEntAttdef& def,
@@ -106,9 +104,8 @@ CEntInsert* createEntInsert(const CData& data, CLayer* layer, CLtype* ltype, sho
 CEntInsert* createEntInsert(const CData& data, CBlock& block, const PNT_3D& pnt, double sx,
                             double sy, double sz, double rotation, long columns, long rows,
                             double columnSpacing, double rowSpacing, long handle) {
-  return createEntInsert(data, getCurLayer(data), getCurLtype(data), getCurColor(data), block,
-                         pnt, sx, sy, sz, rotation, columns, rows, columnSpacing, rowSpacing,
-                         handle);
+  return createEntInsert(data, getCurLayer(data), getCurLtype(data), getCurColor(data), block, pnt,
+                         sx, sy, sz, rotation, columns, rows, columnSpacing, rowSpacing, handle);
 }
 
 CEntFixedInsert* createEntFixedInsert(const CData& data, CLayer* layer, CLtype* ltype, short color,
@@ -118,8 +115,7 @@ CEntFixedInsert* createEntFixedInsert(const CData& data, CLayer* layer, CLtype* 
                                                    &block, pnt, refSize, pixels, rotation, handle);
 }
 CEntFixedInsert* createEntFixedInsert(const CData& data, CBlock& block, const PNT_3D& pnt,
-                                      double refSize, double pixels, double rotation,
-                                      long handle) {
+                                      double refSize, double pixels, double rotation, long handle) {
   return createEntFixedInsert(data, getCurLayer(data), getCurLtype(data), getCurColor(data), block,
                               pnt, refSize, pixels, rotation, handle);
 }
@@ -134,21 +130,21 @@ CEntInsertXRef* createEntInsertXRef(CData& data, CLayer* layer, CLtype* ltype, s
 }
 CEntInsertXRef* createEntInsertXRef(const CData& data, CBlockXRefDepend& depend, CBlockXRef& xref,
                                     const PNT_3D& pnt, double sx, double sy, double sz,
-                                    double rotation, long columns, long rows,
-                                    double columnSpacing, double rowSpacing, long handle) {
+                                    double rotation, long columns, long rows, double columnSpacing,
+                                    double rowSpacing, long handle) {
   return data.getEntFactory().createEntInsertXRef(
       data.getHandleGestor(), getCurLayer(data), getCurLtype(data), getCurColor(data), depend,
       &xref, pnt, sx, sy, sz, rotation, columns, rows, columnSpacing, rowSpacing, handle);
 }
 
 CEnt3DFace* createEnt3DFace(const CData& data, CLayer* layer, CLtype* ltype, short color,
-                            const PNT_3D& p0, const PNT_3D& p1, const PNT_3D& p2,
-                            const PNT_3D& p3, long flags, long handle) {
+                            const PNT_3D& p0, const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3,
+                            long flags, long handle) {
   return data.getEntFactory().createEnt3DFace(data.getHandleGestor(), layer, ltype, color, p0, p1,
                                               p2, p3, flags, handle);
 }
-CEnt3DFace* createEnt3DFace(const CData& data, const PNT_3D& p0, const PNT_3D& p1,
-                            const PNT_3D& p2, const PNT_3D& p3, long flags, long handle) {
+CEnt3DFace* createEnt3DFace(const CData& data, const PNT_3D& p0, const PNT_3D& p1, const PNT_3D& p2,
+                            const PNT_3D& p3, long flags, long handle) {
   return createEnt3DFace(data, getCurLayer(data), getCurLtype(data), getCurColor(data), p0, p1, p2,
                          p3, flags, handle);
 }

@@ -46,6 +46,7 @@ CData::~CData() {
   m_layerFactory.reset();
   m_ltypeFactory.reset();
   m_entFactory.reset();
+  if (!isView()) releaseCounts();
   // Users before what they use: entities name blocks, blocks and entities name layers,
   // layers name linetypes, linetypes name styles.
   m_entities.clearAll();
@@ -56,13 +57,23 @@ CData::~CData() {
   m_styles.clearAll();
 }
 
+// A listed layer may name a linetype of an external reference and a layer of the
+// reference a listed one; with styles it is the same. So no order of deletion is right
+// while layers and linetypes still count on what they name.
+void CData::releaseCounts() {
+  for (CLayerIterator it(*this, true); *++it != nullptr;) (*it)->setLtype(nullptr);
+  for (CLtypeIterator it(*this, true, true); *it; ++it) (*it)->ClearDashes();
+}
+
 const ICADFont* CData::needFont(const zim::WString& name) {
-  std::unique_ptr<ICADFont>& font = (*m_fonts)[name];
-  if (!font) font = std::make_unique<NameOnlyFont>(name);
+  std::shared_ptr<const ICADFont>& font = m_fonts[name];
+  if (!font) font = std::make_shared<NameOnlyFont>(name);
   return font.get();
 }
 
 namespace vek0::detail {
+
+std::atomic<long> LivingDrawing::s_count{0};
 
 template <class Item, class Table>
 ItemWalk<Item, Table>::ItemWalk(const CData& data, const Table& own, XRefTable ofXRef,

@@ -4,6 +4,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "vek0core/assert.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/blockxref.h"
 #include "vek0core/entities/entfactory.h"
@@ -38,13 +39,16 @@ class UsedBlocks {
   explicit UsedBlocks(const CData& data) {
     for (const CEnt* ent : data.getEntTable().getEntityTbl()) add(*ent);
     const CBlockTable& blocks = data.getBlockTable();
-    for (int b = 0; b < blocks.size(); ++b) {
-      for (unsigned i = 0; i < blocks[b]->size(); ++i) add(*(*blocks[b])[i]);
-    }
+    for (int i = 0; i < blocks.size(); ++i) addContents(*blocks[i]);
+    const CBlockXRefTable& xrefs = data.getBlockXRefTable();
+    for (int i = 0; i < xrefs.size(); ++i) addContents(*xrefs[i]);
   }
   bool has(const CBlock* block) const { return m_used.count(block) > 0; }
 
  private:
+  void addContents(const CBlock& block) {
+    for (unsigned i = 0; i < block.size(); ++i) add(*block[i]);
+  }
   void add(const CEnt& ent) {
     if (const CEntInsertBase* insert = ent.getEntInsert()) m_used.insert(insert->getBlock());
   }
@@ -56,6 +60,9 @@ class UsedBlocks {
 void initCore() {}
 
 void shutdownCore() {
+#if !defined(NDEBUG)
+  ZORA_ASSERT(vek0::detail::LivingDrawing::count() == 0);
+#endif
   CFontTable::shutdown();
   CColors::shutdown();
 }

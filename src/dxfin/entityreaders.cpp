@@ -10,7 +10,7 @@ namespace vek0::detail {
 namespace {
 
 EntPtr readPoint(RecordReader& in) {
-  static constexpr RecordKind kind{{10, 20, 30}, {8, 10, 20}};
+  static constexpr RecordKind kind({10, 20, 30}, {8, 10, 20});
   if (!in.read(kind)) return nullptr;
   const Record& r = in.record();
   return in.built(
@@ -18,7 +18,7 @@ EntPtr readPoint(RecordReader& in) {
 }
 
 EntPtr readLine(RecordReader& in) {
-  static constexpr RecordKind kind{{10, 20, 30, 11, 21, 31}, {8, 10, 20, 11, 21}};
+  static constexpr RecordKind kind({10, 20, 30, 11, 21, 31}, {8, 10, 20, 11, 21});
   if (!in.read(kind)) return nullptr;
   const Record& r = in.record();
   return in.built(in.factory().createEntLine(in.gestor(), r.layer, r.ltype, r.color,
@@ -26,7 +26,7 @@ EntPtr readLine(RecordReader& in) {
 }
 
 EntPtr readCircle(RecordReader& in) {
-  static constexpr RecordKind kind{{10, 20, 30, 40}, {8, 10, 20, 40}};
+  static constexpr RecordKind kind({10, 20, 30, 40}, {8, 10, 20, 40});
   if (!in.read(kind)) return nullptr;
   const Record& r = in.record();
   const CIRCLE_3D circle(r.real(10), r.real(20), r.real(30), r.real(40));
@@ -35,18 +35,17 @@ EntPtr readCircle(RecordReader& in) {
 }
 
 EntPtr readArc(RecordReader& in) {
-  static constexpr RecordKind kind{{10, 20, 30, 40, 50, 51}, {8, 10, 20, 40, 50, 51}};
+  static constexpr RecordKind kind({10, 20, 30, 40, 50, 51}, {8, 10, 20, 40, 50, 51});
   if (!in.read(kind)) return nullptr;
   const Record& r = in.record();
   const ARC_3D arc(r.real(10), r.real(20), r.real(30), r.real(40), r.real(50) * kRadPerDegree,
                    r.real(51) * kRadPerDegree);
-  return in.built(
-      in.factory().createEntArc(in.gestor(), r.layer, r.ltype, r.color, arc, r.handle));
+  return in.built(in.factory().createEntArc(in.gestor(), r.layer, r.ltype, r.color, arc, r.handle));
 }
 
 EntPtr read3DFace(RecordReader& in) {
-  static constexpr RecordKind kind{{10, 20, 30, 11, 21, 31, 12, 22, 32, 13, 23, 33, 70},
-                                   {8, 10, 20, 11, 21, 12, 22, 13, 23}};
+  static constexpr RecordKind kind({10, 20, 30, 11, 21, 31, 12, 22, 32, 13, 23, 33, 70},
+                                   {8, 10, 20, 11, 21, 12, 22, 13, 23});
   if (!in.read(kind)) return nullptr;
   const Record& r = in.record();
   return in.built(in.factory().createEnt3DFace(in.gestor(), r.layer, r.ltype, r.color, r.point(0),
@@ -90,8 +89,7 @@ const Reader* findReader(const CFileDXFILexer& lexer, EntityKinds kinds) {
 }  // namespace
 
 EntPtr EntityReader::read(EntityKinds kinds) {
-  if (const Reader* reader = findReader(records.lexer(), kinds))
-    return reader->read(*this);
+  if (const Reader* reader = findReader(records.lexer(), kinds)) return reader->read(*this);
   records.note("kind skipped", records.lexer().getText());
   records.skip();
   return nullptr;

@@ -26,49 +26,54 @@ constexpr long kAnonymous = 1, kXRefBlock = 4;  // BLOCK
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-struct RealVariable {
-  const zim::Char* name;
-  void (*set)(CDataVariables& vars, const double (&value)[3]);
-};
-constexpr RealVariable kRealVariables[] = {
-    {u"$LIMMIN",
-     [](CDataVariables& vars, const double (&v)[3]) { vars.setLimMin(PNT_2D(v[0], v[1])); }},
-    {u"$LIMMAX",
-     [](CDataVariables& vars, const double (&v)[3]) { vars.setLimMax(PNT_2D(v[0], v[1])); }},
-    {u"$LTSCALE", [](CDataVariables& vars, const double (&v)[3]) { vars.setLtypeScale(v[0]); }},
-    {u"$PLINEWID", [](CDataVariables& vars, const double (&v)[3]) { vars.setPLineWid(v[0]); }},
-    {u"$ANGBASE",
-     [](CDataVariables& vars, const double (&v)[3]) { vars.setAngDir(v[0] * kRadPerDegree); }},
-};
+using Reals = double[3];
 
-void setColor(CDataVariables& vars, long value) {
+void setLimMin(CDataVariables& vars, const Reals& v) { vars.setLimMin(PNT_2D(v[0], v[1])); }
+void setLimMax(CDataVariables& vars, const Reals& v) { vars.setLimMax(PNT_2D(v[0], v[1])); }
+void setLtypeScale(CDataVariables& vars, const Reals& v) { vars.setLtypeScale(v[0]); }
+void setPLineWid(CDataVariables& vars, const Reals& v) { vars.setPLineWid(v[0]); }
+void setAngDir(CDataVariables& vars, const Reals& v) { vars.setAngDir(v[0] * kRadPerDegree); }
+
+void setColor(CDataVariables& vars, const long& value) {
   if (value >= 0 && value <= 256) vars.setCurColor(static_cast<short>(value));
 }
+void setOrtho(CDataVariables& vars, const long& value) { vars.setOrtho(value != 0); }
+void setPLineGen(CDataVariables& vars, const long& value) { vars.setPLineGen(value != 0); }
+void setClockWise(CDataVariables& vars, const long& value) { vars.setAngClockWise(value != 0); }
 
 // 1 (degrees, minutes, seconds) and 4 (surveyor's units) do not exist here.
-void setAngleUnit(CDataVariables& vars, long value) {
-  const bool fits = value >= std::numeric_limits<short>::min() &&
-                    value <= std::numeric_limits<short>::max();
+void setAngleUnit(CDataVariables& vars, const long& value) {
+  const bool fits =
+      value >= std::numeric_limits<short>::min() && value <= std::numeric_limits<short>::max();
   if (fits && value != 1 && value != 4) vars.setAngFormat(static_cast<short>(value));
 }
 
-struct IntegerVariable {
+template <class Value>
+struct Variable {
   const zim::Char* name;
-  void (*set)(CDataVariables& vars, long value);
-};
-constexpr IntegerVariable kIntegerVariables[] = {
-    {u"$CECOLOR",   setColor                                                             },
-    {u"$AUNITS",    setAngleUnit                                                         },
-    {u"$ORTHOMODE", [](CDataVariables& vars, long value) { vars.setOrtho(value != 0); }         },
-    {u"$PLINEGEN",  [](CDataVariables& vars, long value) { vars.setPLineGen(value != 0); }      },
-    {u"$ANGDIR",    [](CDataVariables& vars, long value) { vars.setAngClockWise(value != 0); }  },
+  void (*set)(CDataVariables& vars, const Value& value);
 };
 
-template <class Variable, class Value>
-void setVariable(const Variable* variables, std::size_t count, const zim::WString& name,
+constexpr Variable<Reals> kRealVariables[] = {
+    {u"$LIMMIN",   setLimMin    },
+    {u"$LIMMAX",   setLimMax    },
+    {u"$LTSCALE",  setLtypeScale},
+    {u"$PLINEWID", setPLineWid  },
+    {u"$ANGBASE",  setAngDir    },
+};
+constexpr Variable<long> kIntegerVariables[] = {
+    {u"$CECOLOR",   setColor    },
+    {u"$AUNITS",    setAngleUnit},
+    {u"$ORTHOMODE", setOrtho    },
+    {u"$PLINEGEN",  setPLineGen },
+    {u"$ANGDIR",    setClockWise},
+};
+
+template <class Value, std::size_t count>
+void setVariable(const Variable<Value> (&variables)[count], const zim::WString& name,
                  CDataVariables& vars, const Value& value) {
-  for (std::size_t i = 0; i < count; ++i)
-    if (zim::equalsIgnoreCase(name, variables[i].name)) variables[i].set(vars, value);
+  for (const Variable<Value>& variable : variables)
+    if (zim::equalsIgnoreCase(name, variable.name)) variable.set(vars, value);
 }
 
 // The blocks of the layouts: what they hold is drawn by nobody.
@@ -92,8 +97,8 @@ class CFileDXFIParser::OwnedEntities {
     for (CEnt* ent : m_list) delete ent;
   }
   void take(vek0::detail::EntPtr ent) {
-    m_list.push_back(ent.get());
-    ent.release();
+    m_list.push_back(nullptr);
+    m_list.back() = ent.release();
   }
   std::list<CEnt*>& list() { return m_list; }
 
@@ -116,6 +121,7 @@ CFileDXFIParser::~CFileDXFIParser() = default;
 
 bool CFileDXFIParser::load() {
   if (!m_file.open()) return false;
+  m_err = CFileDXFIError();
   const bool done = doLoad();
   m_file.close();
   m_semantor.transition();
@@ -244,10 +250,14 @@ void CFileDXFIParser::collect(long code, HeaderValue& value) {
 
 void CFileDXFIParser::readHeaderValue(const zim::WString& name, const HeaderValue& value) {
   switch (value.kind) {
-    case HeaderValue::Text: return readHeaderString(name, value.text);
-    case HeaderValue::Real: return readHeaderDouble(name, value.reals);
-    case HeaderValue::Integer: return readHeaderLong(name, value.integer);
-    case HeaderValue::None: return;
+    case HeaderValue::Text:
+      return readHeaderString(name, value.text);
+    case HeaderValue::Real:
+      return readHeaderDouble(name, value.reals);
+    case HeaderValue::Integer:
+      return readHeaderLong(name, value.integer);
+    case HeaderValue::None:
+      return;
   }
 }
 
@@ -265,13 +275,12 @@ void CFileDXFIParser::readHeaderString(const zim::WString& name, const zim::WStr
 
 void CFileDXFIParser::readHeaderDouble(const zim::WString& name, const double (&value)[3]) {
   if (m_semantor.shouldReadHeaders())
-    setVariable(kRealVariables, std::size(kRealVariables), name, *m_semantor.getVars(), value);
+    setVariable(kRealVariables, name, *m_semantor.getVars(), value);
 }
 
 void CFileDXFIParser::readHeaderLong(const zim::WString& name, long value) {
   if (m_semantor.shouldReadHeaders())
-    setVariable(kIntegerVariables, std::size(kIntegerVariables), name, *m_semantor.getVars(),
-                value);
+    setVariable(kIntegerVariables, name, *m_semantor.getVars(), value);
 }
 
 void CFileDXFIParser::takeVersion(const zim::WString& name) {
@@ -359,7 +368,9 @@ void CFileDXFIParser::readLayerEntry() {
 
 void CFileDXFIParser::readLayerPair(long code, LayerEntry& layer) {
   switch (code) {
-    case 2: layer.name = m_lexer.getText(); break;
+    case 2:
+      layer.name = m_lexer.getText();
+      break;
     case 6:
       layer.ltype = m_semantor.getLtype(m_lexer.getText());
       if (!layer.ltype) fail(CFileDXFIError::LtypeNotFound);
@@ -372,8 +383,11 @@ void CFileDXFIParser::readLayerPair(long code, LayerEntry& layer) {
       layer.colour = static_cast<short>(colour < 0 ? -colour : colour);
       break;
     }
-    case 70: layer.flags = getInt() & ~kReferenced; break;
-    default: break;
+    case 70:
+      layer.flags = getInt() & ~kReferenced;
+      break;
+    default:
+      break;
   }
 }
 
@@ -411,17 +425,30 @@ void CFileDXFIParser::readStyleEntry() {
 void CFileDXFIParser::readStylePair(long code, StyleEntry& style) {
   constexpr double maxOblique = 85;  // degrees
   switch (code) {
-    case 2: style.name = m_lexer.getText(); break;
+    case 2:
+      style.name = m_lexer.getText();
+      break;
     case 3:
       style.fontName = m_lexer.getText();
       style.fontLine = m_lexer.getLine();
       break;
-    case 40: style.fixedHeight = styleNumber(0, kInfinity, style); break;
-    case 41: style.widthScale = styleNumber(0.01, 100, style); break;
-    case 42: style.lastHeight = styleNumber(0, kInfinity, style); break;
-    case 50: style.oblique = styleNumber(-maxOblique, maxOblique, style) * kRadPerDegree; break;
-    case 70: style.flags = getInt() & ~kReferenced; break;
-    default: break;
+    case 40:
+      style.fixedHeight = styleNumber(0, kInfinity, style);
+      break;
+    case 41:
+      style.widthScale = styleNumber(0.01, 100, style);
+      break;
+    case 42:
+      style.lastHeight = styleNumber(0, kInfinity, style);
+      break;
+    case 50:
+      style.oblique = styleNumber(-maxOblique, maxOblique, style) * kRadPerDegree;
+      break;
+    case 70:
+      style.flags = getInt() & ~kReferenced;
+      break;
+    default:
+      break;
   }
 }
 
@@ -481,14 +508,28 @@ void CFileDXFIParser::readBlock() {
 void CFileDXFIParser::readBlockHeader(BlockHeader& block) {
   while (!failed()) {
     switch (read()) {
-      case 0: return;
-      case 1: block.path = m_lexer.getText(); break;
-      case 2: block.name = m_lexer.getText(); break;
-      case 10: block.base[0] = getDouble(); break;
-      case 20: block.base[1] = getDouble(); break;
-      case 30: block.base[2] = getDouble(); break;
-      case 70: block.flags = getInt(); break;
-      default: break;
+      case 0:
+        return;
+      case 1:
+        block.path = m_lexer.getText();
+        break;
+      case 2:
+        block.name = m_lexer.getText();
+        break;
+      case 10:
+        block.base[0] = getDouble();
+        break;
+      case 20:
+        block.base[1] = getDouble();
+        break;
+      case 30:
+        block.base[2] = getDouble();
+        break;
+      case 70:
+        block.flags = getInt();
+        break;
+      default:
+        break;
     }
   }
 }
@@ -521,17 +562,16 @@ void CFileDXFIParser::readEntities() {
   RealizeVersion();
   read();
   while (atRecord() && !isKeyword("ENDSEC")) {
-    vek0::detail::EntPtr ent(readAnEntity());
-    if (ent) {
-      m_semantor.add(ent.get());
-      ent.release();
-    }
-    for (vek0::detail::EntPtr& further : m_pACADVersionLoader->getFurther()) {
-      m_semantor.add(further.get());
-      further.release();
-    }
+    add(vek0::detail::EntPtr(readAnEntity()));
+    for (vek0::detail::EntPtr& ent : m_pACADVersionLoader->getFurther()) add(std::move(ent));
     m_pACADVersionLoader->getFurther().clear();
   }
+}
+
+void CFileDXFIParser::add(std::unique_ptr<CEnt> ent) {
+  if (!ent) return;
+  m_semantor.add(ent.get());
+  static_cast<void>(ent.release());  // not before the drawing has it
 }
 
 // Neither section nor file can end inside a block or before its ENDSEC.

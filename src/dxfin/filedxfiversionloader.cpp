@@ -6,11 +6,16 @@ std::unique_ptr<CFileDXFIVersionLoader> createVersionLoader(short version,
                                                             const ReadContext& context) {
   switch (version) {
     case 0:
-    case 1: return std::make_unique<CFileDXFIVersionLoaderR12>(context);
-    case 2: return std::make_unique<CFileDXFIVersionLoaderAC1012>(context);
-    case 3: return std::make_unique<CFileDXFIVersionLoaderAC1014>(context);
-    case 4: return std::make_unique<CFileDXFIVersionLoaderAC1015>(context);
-    default: return nullptr;
+    case 1:
+      return std::make_unique<CFileDXFIVersionLoaderR12>(context);
+    case 2:
+      return std::make_unique<CFileDXFIVersionLoaderAC1012>(context);
+    case 3:
+      return std::make_unique<CFileDXFIVersionLoaderAC1014>(context);
+    case 4:
+      return std::make_unique<CFileDXFIVersionLoaderAC1015>(context);
+    default:
+      return nullptr;
   }
 }
 

@@ -35,7 +35,7 @@ void readAttribs(RecordReader& in, CEntInsertBase& insert) {
     transform_attrib_phisic_2_logic(1.0, insert, text);
     attrib->setText(text);
     insert.add(attrib.get());
-    attrib.release();
+    static_cast<void>(attrib.release());  // not before the insert has it
   }
   in.skip();
 }
@@ -43,8 +43,8 @@ void readAttribs(RecordReader& in, CEntInsertBase& insert) {
 }  // namespace
 
 EntPtr readInsert(RecordReader& in) {
-  static constexpr RecordKind kind{{2, 10, 20, 30, 41, 42, 43, 50, 44, 45, 70, 71, 66},
-                                   {8, 2, 10, 20}};
+  static constexpr RecordKind kind({2, 10, 20, 30, 41, 42, 43, 50, 44, 45, 70, 71, 66},
+                                   {8, 2, 10, 20});
   CBlock* block = nullptr;
   zim::WString unknownName;
   const auto takeName = [&](long) {

@@ -36,18 +36,29 @@ void LtypeReader::read() {
 void LtypeReader::takePair(long code, Entry& entry) {
   CFileDXFILexer& lexer = m_context.lexer;
   switch (code) {
-    case 2: entry.name = lexer.getText(); break;
-    case 3: entry.description = lexer.getText(); break;
-    case 49: takeDash(entry); break;
-    case 70: entry.flags = lexer.getInt() & ~kReferenced; break;
+    case 2:
+      entry.name = lexer.getText();
+      break;
+    case 3:
+      entry.description = lexer.getText();
+      break;
+    case 49:
+      takeDash(entry);
+      break;
+    case 70:
+      entry.flags = lexer.getInt() & ~kReferenced;
+      break;
     case 72:
       if (lexer.getInt() != kAlignment && !failed()) fail(CFileDXFIError::WrongStructure);
       break;
-    case 73: takeCount(entry); break;
+    case 73:
+      takeCount(entry);
+      break;
     case 74:
       if (m_complexDashes) takeElementType(entry);
       break;
-    default: break;
+    default:
+      break;
   }
 }
 
@@ -71,10 +82,16 @@ void LtypeReader::takeElementType(Entry& entry) {
   if (failed()) return;
   if (++entry.types > entry.dashes) return fail(CFileDXFIError::WrongStructure);
   switch (type) {
-    case kPlainDash: break;
-    case kTextDash: takeText(entry); break;
-    case kShapeDash: skipShape(); break;
-    default: fail(CFileDXFIError::WrongStructure);
+    case kPlainDash:
+      break;
+    case kTextDash:
+      takeText(entry);
+      break;
+    case kShapeDash:
+      skipShape();
+      break;
+    default:
+      fail(CFileDXFIError::WrongStructure);
   }
 }
 
@@ -89,8 +106,7 @@ void LtypeReader::takeText(Entry& entry) {
   const double x = expectDouble(44), y = expectDouble(45);
   if (!expect(9)) return;
   context.setString(m_context.lexer.getText());
-  entry.sequence.AddDashText(
-      TEXT_3D(context, m_context.semantor.getStyleStandard(), x, y, 0, 0));
+  entry.sequence.AddDashText(TEXT_3D(context, m_context.semantor.getStyleStandard(), x, y, 0, 0));
 }
 
 // There are no shapes here: the dash in front keeps the room that one takes.

@@ -1,46 +1,73 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 namespace vek0::detail {
 
 /// Items of a drawing by the bytes of their names in one file. Entities name their
 /// layer in every record, most often the one before it: that costs a comparison,
 /// any other known name one hash, and only a new spelling a text and a look-up in
-/// the drawing. Items must outlive the cache.
+/// the drawing. Items must outlive the cache and are never null.
+///
+/// A table of slots with the names end to end beside it: with tens of thousands of
+/// names, a node for each would be a miss of the processor's cache at every step.
 template <class Item>
 class NameCache {
  public:
   /// Null when the name has not been added.
   Item* find(std::string_view bytes) {
-    if (m_last && bytes == m_lastName) return m_last;
-    const auto found = m_items.find(bytes);
-    return found == m_items.end() ? nullptr : remember(*found);
+    if (m_last < m_slots.size() && bytes == nameOf(m_slots[m_last])) return m_slots[m_last].item;
+    if (m_slots.empty()) return nullptr;
+    m_last = place(bytes, hash(bytes));
+    return m_slots[m_last].item;
   }
+
+  /// Adds a name that `find` has just not found.
   Item* add(std::string_view bytes, Item* item) {
-    return remember(*m_items.insert_or_assign(std::string(bytes), item).first);
+    if (2 * (m_count + 1) > m_slots.size()) grow();
+    const std::size_t code = hash(bytes);
+    m_last = place(bytes, code);
+    m_slots[m_last] = {code, m_names.size(), bytes.size(), item};
+    m_names.append(bytes);
+    ++m_count;
+    return item;
   }
 
  private:
-  struct Hash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view bytes) const {
-      return std::hash<std::string_view>()(bytes);
-    }
+  struct Slot {
+    std::size_t hash, offset, length;
+    Item* item;  // null: free
   };
-  using Map = std::unordered_map<std::string, Item*, Hash, std::equal_to<>>;
 
-  Item* remember(const typename Map::value_type& entry) {
-    m_lastName = entry.first;  // nodes of the map stay where they are
-    return m_last = entry.second;
+  static std::size_t hash(std::string_view bytes) { return std::hash<std::string_view>()(bytes); }
+  std::string_view nameOf(const Slot& slot) const {
+    return std::string_view(m_names.data() + slot.offset, slot.length);
   }
 
-  Map m_items;
-  std::string_view m_lastName;
-  Item* m_last = nullptr;
+  // The slot of that name, or the free one where it belongs.
+  std::size_t place(std::string_view bytes, std::size_t code) const {
+    std::size_t i = code & (m_slots.size() - 1);
+    while (m_slots[i].item && (m_slots[i].hash != code || nameOf(m_slots[i]) != bytes))
+      i = (i + 1) & (m_slots.size() - 1);
+    return i;
+  }
+
+  void grow() {
+    constexpr std::size_t least = 64;  // a power of two, as all sizes
+    std::vector<Slot> old(m_slots.empty() ? least : 2 * m_slots.size());
+    old.swap(m_slots);
+    for (const Slot& slot : old)
+      if (slot.item) m_slots[place(nameOf(slot), slot.hash)] = slot;
+  }
+
+  std::vector<Slot> m_slots;
+  std::string m_names;
+  std::size_t m_count = 0;
+  std::size_t m_last = 0;  // slot of the last name asked for
 };
 
 }  // namespace vek0::detail

@@ -1,8 +1,6 @@
 #include "dxfin/polylinereader.h"
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 
 #include "vek0core/entities/ent3dface.h"
 
@@ -37,14 +35,14 @@ EntPtr PolylineReader::readPolyline() {
 }
 
 bool PolylineReader::readHead() {
-  static constexpr RecordKind kind{{30, 66, 70, 71, 72, 73, 74, 75}, {8, 66}};
+  static constexpr RecordKind kind({30, 66, 70, 71, 72, 73, 74, 75}, {8, 66});
   constexpr long missingParam = 5;
   if (!m_in.read(kind, {40, 41}, missingParam, [&](long code) { m_in.takeWidth(code); }))
     return false;
   const Record& r = m_in.record();
-  m_head = {r.layer,        r.ltype,        r.color,      r.handle,     r.integer(70),
-            r.integer(75),  r.real(30),     r.real(40),   r.real(41),   r.integer(71),
-            r.integer(72),  r.integer(73),  r.integer(74)};
+  m_head = {r.layer,       r.ltype,       r.color,      r.handle,   r.integer(70),
+            r.integer(75), r.real(30),    r.real(40),   r.real(41), r.integer(71),
+            r.integer(72), r.integer(73), r.integer(74)};
   return true;
 }
 
@@ -81,7 +79,7 @@ bool PolylineReader::readVertexes() {
 }
 
 bool PolylineReader::readVertex() {
-  static constexpr RecordKind kind{{10, 20, 30, 42, 70, 71, 72, 73, 74}, {8, 10, 20}};
+  static constexpr RecordKind kind({10, 20, 30, 42, 70, 71, 72, 73, 74}, {8, 10, 20});
   if (!m_in.read(kind, {40, 41}, 2, [&](long code) { m_in.takeWidth(code); })) return false;
   if ((m_in.record().integer(70) & (kFaceRecord | kMeshVertex)) == kFaceRecord)
     keepFace();
@@ -92,17 +90,17 @@ bool PolylineReader::readVertex() {
 
 void PolylineReader::keepFace() {
   const Record& r = m_in.record();
-  m_faces.push_back({{r.integer(71), r.integer(72), r.integer(73), r.integer(74)},
-                     r.layer,
-                     r.ltype,
-                     r.color});
+  Face& face = m_faces.emplace_back();
+  for (long i = 0; i < 4; ++i) face.corner[i] = r.integer(71 + i);
+  face.layer = r.layer;
+  face.ltype = r.ltype;
+  face.color = r.color;
 }
 
 void PolylineReader::keepVertex() {
   const Record& r = m_in.record();
-  m_vertexes.push_back({r.real(10), r.real(20), r.real(30, m_head.z),
-                        r.real(40, m_head.widthStart), r.real(41, m_head.widthEnd), r.real(42),
-                        r.handle});
+  m_vertexes.push_back({r.real(10), r.real(20), r.real(30, m_head.z), r.real(40, m_head.widthStart),
+                        r.real(41, m_head.widthEnd), r.real(42), r.handle});
   m_flags.push_back(r.integer(70));
 }
 
@@ -127,7 +125,8 @@ void PolylineReader::splitCurve(short type, std::vector<BULGED_VERTEX>& controls
                                   [](long flags) { return (flags & kControl) != 0; });
   bool anyGenerated = framed;
   for (std::size_t i = 0; i < m_vertexes.size(); ++i) {
-    const bool isGenerated = (m_flags[i] & (framed ? kControl : generated)) == (framed ? 0 : generated);
+    const bool isGenerated =
+        (m_flags[i] & (framed ? kControl : generated)) == (framed ? 0 : generated);
     anyGenerated = anyGenerated || isGenerated;
     if (!isGenerated) controls.push_back(m_vertexes[i]);
     if (isGenerated || (isFit && !framed)) fitted.push_back(m_vertexes[i]);
@@ -142,8 +141,7 @@ EntPtr PolylineReader::buildCurve(short type, short degree) {
     m_in.note("curve without frame");
     return buildPlain();
   }
-  auto polyline =
-      create(static_cast<short>((m_head.flags & (kClosed | kLtGen)) | type), degree);
+  auto polyline = create(static_cast<short>((m_head.flags & (kClosed | kLtGen)) | type), degree);
   if (!polyline) return nullptr;
   for (const BULGED_VERTEX& v : controls) {
     auto vertex = m_in.built(m_in.factory().createVertex(m_in.gestor(), PNT_3D(v.x, v.y, v.z),
@@ -164,8 +162,8 @@ void PolylineReader::addFitted(CEntPolyline& polyline,
   BulgedChain chain(polyline.isClosed());
   chain.assign(fitted.data(), fitted.size());
   chain.forEach([&](const ChainVertex& v) {
-    auto vertex = m_in.built(m_in.factory().createVertex(m_in.gestor(), v.pnt, v.widthStart,
-                                                         v.widthEnd, v.handle));
+    auto vertex = m_in.built(
+        m_in.factory().createVertex(m_in.gestor(), v.pnt, v.widthStart, v.widthEnd, v.handle));
     if (vertex) polyline.addVisibleVertex(*vertex.release());
   });
   polyline.calcBdry();
@@ -212,8 +210,9 @@ EntPtr PolylineReader::buildPolyface() {
 void PolylineReader::addPolyfaceFace(const Face& face) {
   PNT_3D corners[4];
   for (int i = 0; i < 4; ++i) {
-    const long corner = face.corner[i];
-    const std::size_t index = static_cast<std::size_t>(corner < 0 ? -corner : corner);
+    const auto corner = static_cast<std::size_t>(face.corner[i]);
+    // Negated as a size: the smallest long has no positive counterpart.
+    const std::size_t index = face.corner[i] < 0 ? 0 - corner : corner;
     if (index == 0 && i >= 2) {
       corners[i] = corners[i - 1];
     } else if (index == 0 || index > m_vertexes.size()) {
@@ -246,14 +245,13 @@ EntPtr PolylineReader::firstFace() {
 }
 
 EntPtr PolylineReader::readLwPolyline() {
-  static constexpr RecordKind kind{{38, 43, 70, 90}, {8}};
+  static constexpr RecordKind kind({38, 43, 70, 90}, {8});
   m_vertexes.clear();
   const auto takeOwn = [&](long code) {
     if (code == 43) return m_in.takeWidth(code);
     takeLwVertexPair(code);
   };
-  if (!m_in.read(kind, {10, 20, 40, 41, 42, 43}, 2, takeOwn) || !finishLwPolyline())
-    return nullptr;
+  if (!m_in.read(kind, {10, 20, 40, 41, 42, 43}, 2, takeOwn) || !finishLwPolyline()) return nullptr;
   return buildPlain();
 }
 
@@ -266,10 +264,17 @@ void PolylineReader::takeLwVertexPair(long code) {
   if (m_vertexes.empty()) return m_in.fail(CFileDXFIError::InconsistentRecord);
   BULGED_VERTEX& vertex = m_vertexes.back();
   switch (code) {
-    case 20: vertex.y = m_in.lexer().getDouble(); break;
-    case 40: vertex.widthStart = m_in.width(); break;
-    case 41: vertex.widthEnd = m_in.width(); break;
-    default: vertex.bulge = m_in.lexer().getDouble();
+    case 20:
+      vertex.y = m_in.lexer().getDouble();
+      break;
+    case 40:
+      vertex.widthStart = m_in.width();
+      break;
+    case 41:
+      vertex.widthEnd = m_in.width();
+      break;
+    default:
+      vertex.bulge = m_in.lexer().getDouble();
   }
 }
 

@@ -26,10 +26,10 @@ class PolylineReader {
     CLtype* ltype;
     short color;
     long handle;
-    long flags;     // code 70
-    long surface;   // code 75
+    long flags;    // code 70
+    long surface;  // code 75
     double z, widthStart, widthEnd;
-    long m, n;      // codes 71 and 72: size of a mesh
+    long m, n;        // codes 71 and 72: size of a mesh
     long fitM, fitN;  // codes 73 and 74: size of the mesh smoothed from it
   };
   /// A record of a polyface that names corners of a face: 1 to n, negative where the

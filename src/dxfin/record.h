@@ -76,7 +76,9 @@ class Record {
   void setInteger(long code, long value) { m_integers[code - kReals] = value; }
   void setText(long code, zim::WString text) { m_texts[code] = std::move(text); }
 
-  double real(long code, double absent = 0) const { return seen.has(code) ? m_reals[code] : absent; }
+  double real(long code, double absent = 0) const {
+    return seen.has(code) ? m_reals[code] : absent;
+  }
   long integer(long code, long absent = 0) const {
     return seen.has(code) ? m_integers[code - kReals] : absent;
   }

@@ -18,7 +18,14 @@ constexpr long kExtrusionZ = 230;  // 1 exactly when the other two are 0
 // name, transparency, and other programs' data.
 bool isLoss(long code) {
   switch (code) {
-    case 39: case 48: case 60: case 370: case 420: case 430: case 440: case 1001:
+    case 39:
+    case 48:
+    case 60:
+    case 370:
+    case 420:
+    case 430:
+    case 440:
+    case 1001:
       return true;
     default:
       return false;
@@ -42,10 +49,14 @@ void RecordReader::take(long code) {
     case 5:
       if (m_context.semantor.shouldRespectHandles()) m_record.handle = lexer().getHex();
       break;
-    case 6: return takeLtype();
-    case 7: return takeStyle();
-    case 8: return takeLayer();
-    case 62: return takeColor();
+    case 6:
+      return takeLtype();
+    case 7:
+      return takeStyle();
+    case 8:
+      return takeLayer();
+    case 62:
+      return takeColor();
     default:
       if (code < Record::kTexts) return m_record.setText(code, lexer().getText());
       if (code < Record::kReals) return m_record.setReal(code, lexer().getDouble());

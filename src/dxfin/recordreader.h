@@ -34,6 +34,9 @@ struct ReadContext {
 /// Which codes a kind of record reads and which it cannot be built without. The
 /// properties that every entity has (5, 6, 8, 62) are always read.
 struct RecordKind {
+  constexpr RecordKind(const CodeSet& wantedCodes, const CodeSet& requiredCodes)
+      : wanted(wantedCodes), required(requiredCodes) {}
+
   CodeSet wanted;
   CodeSet required;
 };

@@ -80,7 +80,7 @@ TEXT_3D placedText(RecordReader& in, const zim::WString& string, long verticalCo
 }  // namespace
 
 EntPtr readText(RecordReader& in) {
-  static constexpr RecordKind kind{kTextCodes | CodeSet{73}, {8, 10, 20, 40}};
+  static constexpr RecordKind kind(kTextCodes | CodeSet{73}, {8, 10, 20, 40});
   if (!in.read(kind)) return nullptr;
   const Record& r = in.record();
   return in.built(in.factory().createEntText(in.gestor(), r.layer, r.ltype, r.color,
@@ -88,17 +88,17 @@ EntPtr readText(RecordReader& in) {
 }
 
 EntPtr readAttdef(RecordReader& in) {
-  static constexpr RecordKind kind{kTextCodes | CodeSet{2, 3, 70, 74},
-                                   {8, 10, 20, 40, 1, 2, 3, 70}};
+  static constexpr RecordKind kind(kTextCodes | CodeSet{2, 3, 70, 74},
+                                   {8, 10, 20, 40, 1, 2, 3, 70});
   if (!in.read(kind)) return nullptr;
   const Record& r = in.record();
   return in.built(in.factory().createEntAttdef(in.gestor(), r.layer, r.ltype, r.color,
-                                               placedText(in, r.text(2), 74), r.text(1),
-                                               r.text(3), r.integer(70), r.handle));
+                                               placedText(in, r.text(2), 74), r.text(1), r.text(3),
+                                               r.integer(70), r.handle));
 }
 
 std::unique_ptr<CEntAttrib> readAttrib(RecordReader& in) {
-  static constexpr RecordKind kind{kTextCodes | CodeSet{2, 70, 74}, {8, 10, 20, 40, 1, 2, 70}};
+  static constexpr RecordKind kind(kTextCodes | CodeSet{2, 70, 74}, {8, 10, 20, 40, 1, 2, 70});
   if (!in.read(kind)) return nullptr;
   const Record& r = in.record();
   return in.built(in.factory().createEntAttrib(in.gestor(), r.layer, r.ltype, r.color,

@@ -11,7 +11,8 @@ constexpr double kReadRadPerDegree = 0.01745329251994;
 // Ten decimals hold what people and programs write; a double of 360 has thirteen.
 constexpr double kDecimals = 1e10;
 
-constexpr int kSteadyDigits = 13;
+// A placement and its inverse err by some units of the last, sixteenth digit.
+constexpr int kSteadyDigits = 14;
 
 double roundDecimals(double degrees) { return std::round(degrees * kDecimals) / kDecimals; }
 

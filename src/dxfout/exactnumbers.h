@@ -5,8 +5,8 @@ namespace vek0::detail {
 /// The degrees of the classic form: what anyone would make of the angle.
 constexpr double classicDegrees(double angleRad) { return angleRad * 57.29577951308233; }
 
-/// The degrees that a reader turns into exactly `angleRad`, and among those the
-/// number that is shortest to write. Readers multiply by a factor that is off by
+/// The degrees that a reader turns into exactly `angleRad`, a number of at most ten
+/// decimals if there is one. Readers multiply by a factor that is off by
 /// 2e-13, so dividing by the true one would move every angle each time a drawing is
 /// saved and read. Some angles come out of no number of degrees; the result is
 /// nearest then, and stays what it is from the next reading on.
@@ -15,7 +15,7 @@ double exactDegrees(double angleRad);
 /// What readers make of this many degrees.
 double readRadians(double degrees);
 
-/// `value` rounded to 13 significant digits of `magnitude` (> 0; `value` itself if
+/// `value` rounded to 14 significant digits of `magnitude` (> 0; `value` itself if
 /// not). What went through a placement and back differs in the last bits; this is
 /// how such a number comes out the same each time it is saved.
 double steady(double value, double magnitude);

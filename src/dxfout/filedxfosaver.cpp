@@ -303,6 +303,7 @@ bool CFileDXFOSaver::writeBlocks() {
   // Not an assertion: a host can make a block insert itself behind the table's back.
   const int iResult = m_data.getBlockTable().getBlockGraph().VisitUndep(written);
   write(0, u"ENDSEC");
+  if (iResult != ZORA_BLOCK_VISIT_RESULT_SUCCESS) report("blocks in a circle", zim::WString());
   return iResult == ZORA_BLOCK_VISIT_RESULT_SUCCESS;
 }
 

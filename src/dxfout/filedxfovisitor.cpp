@@ -42,14 +42,20 @@ constexpr long kBackward = 2;
 // The codes of the string and of the vertical alignment differ by kind of text.
 constexpr long kTextString = 1, kTagString = 2, kTextVertical = 73, kAttribVertical = 74;
 
-// A placed point is as exact as the largest number that went into it.
-PNT_3D steadyPoint(const PNT_3D& pnt, const CEntInsertBase& insert) {
-  PNT_3D at;
+double larger(double a, double b) { return std::max(std::fabs(a), std::fabs(b)); }
+
+// A computed point is as exact as the largest number that went into it: its own
+// coordinates, and those of the point that it was placed from. Turning mixes x and y.
+PNT_3D steadyPoint(const PNT_3D& pnt, const PNT_3D& from) {
+  const double size = std::max(larger(pnt.x, pnt.y), larger(from.x, from.y));
+  return {steady(pnt.x, size), steady(pnt.y, size), steady(pnt.z, larger(pnt.z, from.z))};
+}
+
+PNT_3D insertionPoint(const CEntInsertBase& insert) {
+  PNT_3D pnt;
   double sx, sy, sz, rotationRad;
-  insert.getInsertParams(kPixelSize, at, sx, sy, sz, rotationRad);
-  const double size = std::max({std::fabs(at.x), std::fabs(at.y), std::fabs(at.z), std::fabs(pnt.x),
-                                std::fabs(pnt.y), std::fabs(pnt.z)});
-  return {steady(pnt.x, size), steady(pnt.y, size), steady(pnt.z, size)};
+  insert.getInsertParams(kPixelSize, pnt, sx, sy, sz, rotationRad);
+  return pnt;
 }
 
 }  // namespace
@@ -268,10 +274,18 @@ void CFileDXFOVisitor::writeHandle(long handle) {
 
 CFileDXFOVisitor::TextRecord CFileDXFOVisitor::placed(const TEXT_3D& text) const {
   const CTextContext& context = text.getContext();
-  return {kTagString,           kAttribVertical,         &context.getString(),
-          text.getStyle(),      text.getBasePoint(),     text,
-          context.getHeight(),  context.getWidthScale(), context.getRotate(),
-          context.getOblique(), text.getHorizAlign(),    text.getVertAlign()};
+  PNT_3D base = text.getBasePoint();
+  if (m_exchange && text.getAlign() != 0) base = steadyPoint(base, text);
+  return {&context.getString(),
+          text.getStyle(),
+          base,
+          text,
+          context.getHeight(),
+          context.getWidthScale(),
+          context.getRotate(),
+          context.getOblique(),
+          text.getHorizAlign(),
+          text.getVertAlign()};
 }
 
 // An attribute stands in the coordinates of its block, but in the file in those of
@@ -283,7 +297,7 @@ CFileDXFOVisitor::TextRecord CFileDXFOVisitor::placed(const CEntInsertBase& inse
   transform_attrib_logic_2_phisic(kPixelSize, insert, attrib, position, height, widthScale,
                                   rotationRad, obliqueRad);
   if (m_exchange) {
-    position = steadyPoint(position, insert);
+    position = steadyPoint(position, insertionPoint(insert));
     height = steady(height);
     widthScale = steady(widthScale);
     rotationRad = steadyAngle(rotationRad);

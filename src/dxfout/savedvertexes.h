@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "vek0core/entities/entpolyline.h"
 
 namespace vek0::detail {

@@ -26,10 +26,11 @@ SaveHandles::Key SaveHandles::keyOf(long handle) {
 }
 
 void SaveHandles::note(long handle) {
-  if (handle == 0)
+  const Key key = keyOf(handle);
+  if (key == 0)
     ++m_without;
   else
-    m_taken.push_back(keyOf(handle));
+    m_taken.push_back(key);
 }
 
 void SaveHandles::settle() {
@@ -56,9 +57,10 @@ void SaveHandles::findRepeated() {
 }
 
 long SaveHandles::take(long handle) {
-  if (handle == 0) return fresh(m_nextThing);
+  const Key key = keyOf(handle);
+  if (key == 0) return fresh(m_nextThing);
   if (m_repeated.empty()) return handle;
-  const auto repeated = m_repeated.find(keyOf(handle));
+  const auto repeated = m_repeated.find(key);
   if (repeated == m_repeated.end()) return handle;
   if (repeated->second) return fresh(m_nextThing);
   repeated->second = true;

@@ -7,8 +7,6 @@
 
 #include "vek0core/entities/entvisitor.h"
 
-class CEnt;
-
 namespace vek0::detail {
 
 class SaveFilter;

@@ -320,7 +320,8 @@ CBlock::CAttdefIterator CBlock::CAttdefIterator::operator++(int) {
 void CBlock::CAttdefIterator::skip() {
   const auto& entities = m_block->m_entities;
   m_raw = m_block->firstRaw(m_raw);
-  while (m_raw < entities.size() && !isAttdef(*entities[m_raw])) m_raw = m_block->firstRaw(m_raw + 1);
+  while (m_raw < entities.size() && !isAttdef(*entities[m_raw]))
+    m_raw = m_block->firstRaw(m_raw + 1);
 }
 
 CBlock::CInsertIterator::CInsertIterator(const CBlock& block) : m_block(&block) { skip(); }

@@ -119,10 +119,10 @@ void CBlockGraph::dropBlock(CBlock& block) {
 void CBlockGraph::updateBlock(CBlock& block) {
   Item* item = find(block);
   if (item == nullptr) return;
-  std::list<CBlock*> inserted;
+  std::vector<Item*> targets;
+  const unsigned long number = ++m_search;
   for (CBlock::CInsertIterator insert(block); *insert != nullptr && !block.isXRef(); ++insert)
-    inserted.push_back((*insert)->getBlock());
-  std::vector<Item*> targets = itemsOf(inserted);
+    meet((*insert)->getBlock(), number, targets);
   if (reaches(targets, *item)) {
     const auto closesCycle = [&](Item* target) { return reaches({target}, *item); };
     targets.erase(std::remove_if(targets.begin(), targets.end(), closesCycle), targets.end());
@@ -230,16 +230,19 @@ bool CBlockGraph::reaches(const std::vector<Item*>& from, Item& to) const {
   return false;
 }
 
-// Each one once, in order of the first mention.
+// Appends the block's item unless the search of that number has met it already, or the
+// block has no edges.
+void CBlockGraph::meet(const CBlock* block, unsigned long number, std::vector<Item*>& items) const {
+  Item* item = block != nullptr && !block->isXRef() ? find(*block) : nullptr;
+  if (item == nullptr || item->seenDown == number) return;
+  item->seenDown = number;
+  items.push_back(item);
+}
+
 std::vector<CBlockGraph::Item*> CBlockGraph::itemsOf(const std::list<CBlock*>& blocks) const {
   const unsigned long number = ++m_search;
   std::vector<Item*> items;
-  for (const CBlock* block : blocks) {
-    Item* item = block != nullptr && !block->isXRef() ? find(*block) : nullptr;
-    if (item == nullptr || item->seenDown == number) continue;
-    item->seenDown = number;
-    items.push_back(item);
-  }
+  for (const CBlock* block : blocks) meet(block, number, items);
   return items;
 }
 

@@ -16,9 +16,9 @@ const zim::WString& compose(const CBlockXRef& xref, const zim::WString& name,
 
 }  // namespace
 
-CBlockXRef::CBlockXRef(CLtypeContinuous& continuous, CLtypeByLayer& byLayer,
-                       CLtypeByBlock& byBlock, CLayer0& layer0, const zim::WString& name,
-                       const zim::WString& path, const PNT_3D& base, long flags)
+CBlockXRef::CBlockXRef(CLtypeContinuous& continuous, CLtypeByLayer& byLayer, CLtypeByBlock& byBlock,
+                       CLayer0& layer0, const zim::WString& name, const zim::WString& path,
+                       const PNT_3D& base, long flags)
     : CBlock(name, base, flags),
       m_path(path),
       m_ltypes(continuous, byLayer, byBlock),

@@ -4,10 +4,11 @@
 #include <cmath>
 #include <numbers>
 
+#include "vek0core/geometry/arc.h"
+
 namespace vek0::detail {
 namespace {
 
-constexpr double kChordError = 1e-4;  // of the radius, between an arc and its chords
 constexpr double kQuarterTurn = std::numbers::pi / 2;
 // Up to so many chords all of them are looked at for the extents.
 constexpr int kFewChords = 8;
@@ -92,11 +93,7 @@ ChainVertex chordVertex(const BULGED_VERTEX& v, const Arc& arc, int k, int n) {
 
 }  // namespace
 
-int chordCount(double bulge) {
-  static const double chordAngle = 2 * std::acos(1 - kChordError);
-  const double angle = 4 * std::atan(std::fabs(bulge));
-  return std::max(2, static_cast<int>(std::ceil(angle / chordAngle)));
-}
+int chordCount(double bulge) { return arcChords(4 * std::atan(bulge)); }
 
 void BulgedChain::setClosed(bool closed) {
   m_closed = closed;

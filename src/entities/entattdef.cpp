@@ -11,10 +11,7 @@ CEntAttdef::CEntAttdef(long handle, CLayer* layer, CLtype* ltype, short color, c
       m_flags(flags) {}
 
 CEntAttdef::CEntAttdef(const CEntAttdef& src, long handle)
-    : CEntText(src, handle),
-      m_value(src.m_value),
-      m_prompt(src.m_prompt),
-      m_flags(src.m_flags) {}
+    : CEntText(src, handle), m_value(src.m_value), m_prompt(src.m_prompt), m_flags(src.m_flags) {}
 
 void CEntAttdef::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 

@@ -392,10 +392,9 @@ bool CEntInsertMemento::operator==(const CEnt& ent) const {
   if (ent.getType() != CEntInsert::kType) return false;
   const auto& insert = static_cast<const CEntInsert&>(ent);
   return insert.m_pnt == m_pnt && insert.m_sx == m_sx && insert.m_sy == m_sy &&
-         insert.m_sz == m_sz && insert.m_rotation == m_rotation &&
-         insert.m_columns == m_columns && insert.m_rows == m_rows &&
-         insert.m_columnSpacing == m_columnSpacing && insert.m_rowSpacing == m_rowSpacing &&
-         m_attribs.matches(insert);
+         insert.m_sz == m_sz && insert.m_rotation == m_rotation && insert.m_columns == m_columns &&
+         insert.m_rows == m_rows && insert.m_columnSpacing == m_columnSpacing &&
+         insert.m_rowSpacing == m_rowSpacing && m_attribs.matches(insert);
 }
 
 CEntFixedInsertMemento::CEntFixedInsertMemento(const CEntFixedInsert& ent)

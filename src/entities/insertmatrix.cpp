@@ -5,9 +5,7 @@
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/entinsert.h"
 
-CEntInsertMatrix::CEntInsertMatrix() {
-  set(PNT_3D(0, 0, 0), 1, 1, 1, 0, PNT_3D(0, 0, 0));
-}
+CEntInsertMatrix::CEntInsertMatrix() { set(PNT_3D(0, 0, 0), 1, 1, 1, 0, PNT_3D(0, 0, 0)); }
 
 CEntInsertMatrix::CEntInsertMatrix(double pixelSize, const CEntInsertBase& insert, long row,
                                    long col) {

@@ -41,6 +41,25 @@ void halfCircle(const PNT_3D& p0, const PNT_3D& p1, double bulge, ARC_3D& arc) {
 // Multiplies the vector by the complex number c + i*s.
 void turnBy(PNT_2D& v, double c, double s) { v.set(v.x * c - v.y * s, v.x * s + v.y * c); }
 
+// We walk from chord to chord, each turned by `step` from the one before. The centre stays
+// out of it: that of a flat arc is so far away that the arc's digits are lost.
+void appendInnerPoints(const PNT_3D& p0, const PNT_3D& p1, double bulge, std::vector<PNT_3D>& out) {
+  const double angle = 4 * std::atan(bulge);
+  const int n = arcChords(angle);
+  const double step = angle / n, turn = (step - angle) / 2;
+  // Length of each chord, as a share of the way from end to end: sin(step / 2) over
+  // sin(angle / 2), which is 2 / (bulge + 1 / bulge).
+  const double share = std::sin(step / 2) * (bulge + 1 / bulge) / 2;
+  PNT_2D chord(p1.x - p0.x, p1.y - p0.y), way(0, 0);
+  turnBy(chord, share * std::cos(turn), share * std::sin(turn));
+  const double c = std::cos(step), s = std::sin(step);
+  for (int k = 1; k < n; ++k) {
+    way.set(way.x + chord.x, way.y + chord.y);
+    out.emplace_back(p0.x + way.x, p0.y + way.y, p0.z + (p1.z - p0.z) * k / n);
+    turnBy(chord, c, s);
+  }
+}
+
 }  // namespace
 
 // Files say 1e300, where a step of a turn changes nothing and the loops would never
@@ -133,11 +152,7 @@ long ARC_3D::intersect(const CIRCLE_3D& circle, PNT_2D& p1, PNT_2D& p2) const {
 }
 
 long ARC_3D::intersect(const ARC_3D& arc, PNT_2D& p1, PNT_2D& p2) const {
-  const long mine = intersect(static_cast<const CIRCLE_3D&>(arc), p1, p2);
-  if (mine == 0) return 0;
-  // With one point on this arc, both outputs must be that point for the other's turn.
-  if (mine == 1) p2 = p1;
-  return arc.filter(mine, p1, p2);
+  return arc.filter(intersect(static_cast<const CIRCLE_3D&>(arc), p1, p2), p1, p2);
 }
 
 long ARC_3D::intersect(const PAR_LINE_2D& line, double& t1, double& t2) const {
@@ -182,24 +197,8 @@ int arcChords(double angleRad) {
 }
 
 void bulgePoints(const PNT_3D& p0, const PNT_3D& p1, double bulge, std::vector<PNT_3D>& out) {
-  if (!isStraight(p0, p1, bulge)) {
-    const double angle = 4 * std::atan(bulge);
-    const int n = arcChords(angle);
-    const double step = angle / n;
-    // We walk from chord to chord, each turned by `step` from the one before. The centre
-    // stays out of it: that of a flat arc is so far away that the arc's digits are lost.
-    // The first chord has sin(step / 2) / sin(angle / 2) of the whole one's length.
-    const double ratio = std::sin(step / 2) * (bulge + 1 / bulge) / 2;
-    const double turn = (step - angle) / 2;
-    PNT_2D chord(p1.x - p0.x, p1.y - p0.y);
-    turnBy(chord, ratio * std::cos(turn), ratio * std::sin(turn));
-    const double c = std::cos(step), s = std::sin(step);
-    PNT_2D way(0, 0);
-    for (int k = 1; k < n; ++k) {
-      way.set(way.x + chord.x, way.y + chord.y);
-      out.emplace_back(p0.x + way.x, p0.y + way.y, p0.z + (p1.z - p0.z) * k / n);
-      turnBy(chord, c, s);
-    }
-  }
-  out.push_back(p1);
+  // Elements of `out` move when it grows.
+  const PNT_3D from = p0, to = p1;  // NOLINT(performance-unnecessary-copy-initialization)
+  if (!isStraight(from, to, bulge)) appendInnerPoints(from, to, bulge, out);
+  out.push_back(to);
 }

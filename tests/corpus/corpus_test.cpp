@@ -36,8 +36,8 @@ bool isKnownKind(int kind) {
 }
 
 long linesOf(const std::string& bytes) {
-  return static_cast<long>(std::count_if(bytes.begin(), bytes.end(),
-                                         [](char c) { return c == '\n' || c == '\r'; }));
+  return static_cast<long>(
+      std::count_if(bytes.begin(), bytes.end(), [](char c) { return c == '\n' || c == '\r'; }));
 }
 
 void expectRoundTrip(CData& data, unsigned flags) {

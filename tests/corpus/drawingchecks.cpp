@@ -38,8 +38,10 @@ class Recount {
   explicit Recount(CData& data) : m_items(data) {}
 
   void add(CEnt& entity) {
-    if (!m_items.layers.count(entity.getLayer())) m_fault = "an entity's layer is not in the drawing";
-    if (!m_items.ltypes.count(entity.getLtype())) m_fault = "an entity's linetype is not in the drawing";
+    if (!m_items.layers.count(entity.getLayer()))
+      m_fault = "an entity's layer is not in the drawing";
+    if (!m_items.ltypes.count(entity.getLtype()))
+      m_fault = "an entity's linetype is not in the drawing";
     if (entity.getStyle() && !m_items.styles.count(entity.getStyle())) {
       m_fault = "an entity's style is not in the drawing";
     }
@@ -70,7 +72,8 @@ class Recount {
 
  private:
   void addInsert(const CEntInsertBase& insert) {
-    if (!m_items.blocks.count(insert.getBlock())) m_fault = "an insert's block is not in the drawing";
+    if (!m_items.blocks.count(insert.getBlock()))
+      m_fault = "an insert's block is not in the drawing";
     for (unsigned i = 0; i < insert.GetNoAttribs(); ++i) add(*insert.GetAttrib(i));
   }
 
@@ -94,7 +97,7 @@ std::string extentsFault(CData& data) {
   return equal ? "" : "the cached extents are not those of the entities";
 }
 
-class Keep : public IBlockOperation {
+class Keep final : public IBlockOperation {
  public:
   int doOperation(CBlock&) override { return 0; }
 };

@@ -29,11 +29,21 @@ std::string mutate(std::string text, std::mt19937& random) {
     const std::size_t at = below(text.size());
     const std::size_t length = std::min<std::size_t>(1 + below(60), text.size() - at);
     switch (below(5)) {
-      case 0: text[at] = static_cast<char>(random()); break;
-      case 1: text.erase(at, length); break;
-      case 2: text.insert(below(text.size()), text.substr(at, length)); break;
-      case 3: text[at] = "0123456789-.eE\n\r"[below(16)]; break;
-      default: text.insert(at, std::to_string(static_cast<int>(random()))); break;
+      case 0:
+        text[at] = static_cast<char>(random());
+        break;
+      case 1:
+        text.erase(at, length);
+        break;
+      case 2:
+        text.insert(below(text.size()), text.substr(at, length));
+        break;
+      case 3:
+        text[at] = "0123456789-.eE\n\r"[below(16)];
+        break;
+      default:
+        text.insert(at, std::to_string(static_cast<int>(random())));
+        break;
     }
   }
   return text;

@@ -8,7 +8,10 @@ and then
   - audited by ezdxf, and its entity counts compared with vek0's;
   - read by GDAL, original and copy, whose flattened geometry must lie within 1e-5 of
     each other layer by layer (Hausdorff distance).
-Prints one line a fault and a summary; exits with 77 when no judge is installed.
+Geometry is compared where a strict reader reads all of it: files that also hold kinds
+that are skipped, mirrored entities or invisible ones are only counted.
+Prints one line a fault and a summary; fails when there is a fault, exits with 77 when
+no judge is installed.
 """
 import collections
 import json
@@ -19,25 +22,37 @@ import subprocess
 import sys
 import tempfile
 
-WITHIN = 1e-5  # drawing units, relative to coordinates below 1e5
-KINDS = {"POINT", "LINE", "CIRCLE", "ARC", "POLYLINE", "LWPOLYLINE", "TEXT", "INSERT", "3DFACE", "ATTDEF"}
+WITHIN = 1e-5  # drawing units
+KINDS = {"POINT", "LINE", "CIRCLE", "ARC", "POLYLINE", "TEXT", "INSERT", "3DFACE", "ATTDEF"}
 PYTHON = "/usr/bin/python3" if os.path.exists("/usr/bin/python3") else sys.executable
+# What a judge says of sound files: it wants an owner for the SEQEND of an R12 polyline in
+# a block, which R12 has no way to state, and sees text points where only 11 counts.
+HARMLESS = ("Deleted SEQEND",)
 
 EZDXF = """
 import collections, json, sys, ezdxf
 from ezdxf import recover
+READ = set('POINT LINE CIRCLE ARC POLYLINE LWPOLYLINE TEXT INSERT 3DFACE ATTDEF ATTRIB VIEWPORT'.split())
 def read(path):
-    try: return ezdxf.readfile(path), []
-    except Exception: return recover.readfile(path)[0], []
-doc, _ = read(sys.argv[1])
+    try: return ezdxf.readfile(path)
+    except Exception: return recover.readfile(path)[0]
+doc = read(sys.argv[1])
 kinds = collections.Counter(); attribs = 0
 for e in doc.modelspace():
     kind = e.dxftype()
     if kind == 'POLYLINE' and (e.is_poly_face_mesh or e.is_polygon_mesh): kind = 'MESH'
     kinds['POLYLINE' if kind == 'LWPOLYLINE' else kind] += 1
     if kind == 'INSERT': attribs += len(e.attribs)
+def odd(e):
+    if e.dxftype() not in READ: return e.dxftype()
+    if e.dxftype() == 'POLYLINE' and (e.is_poly_face_mesh or e.is_polygon_mesh): return 'mesh'
+    if e.dxf.hasattr('extrusion') and e.dxf.extrusion[2] != 1: return 'extrusion'
+    if e.dxf.hasattr('invisible') and e.dxf.invisible: return 'invisible'
+    if e.dxftype() == 'LWPOLYLINE' and doc.dxfversion < 'AC1014': return 'light polyline in R12'
+every = list(doc.modelspace()) + [e for b in doc.blocks if not b.name.lower()[1:].startswith(('model_space', 'paper_space')) for e in b]
 audit = doc.audit()
-print(json.dumps({'kinds': kinds, 'attribs': attribs, 'errors': [e.message for e in audit.errors + audit.fixes]}))
+print(json.dumps({'kinds': kinds, 'attribs': attribs, 'odd': sorted({odd(e) for e in every} - {None}),
+                  'errors': [e.message for e in audit.errors + audit.fixes]}))
 """
 
 GDAL = """
@@ -78,17 +93,17 @@ def has(module):
     return subprocess.run([PYTHON, "-c", f"import {module}"], capture_output=True).returncode == 0
 
 
-def ezdxf_faults(info, original, copy):
-    before, after = ask(EZDXF, original), ask(EZDXF, copy)
+def ezdxf_faults(info, before, copy):
+    after = ask(EZDXF, copy)
     if after is None:
         return ["ezdxf cannot read the copy"]
-    faults = [f"ezdxf audit: {text}" for text in after["errors"][:3]]
+    faults = [f"ezdxf audit: {text}" for text in after["errors"] if not text.startswith(HARMLESS)][:3]
     ours = dict(info["entities"])
     attribs = ours.pop("ATTRIB", 0)
     theirs = {kind: n for kind, n in after["kinds"].items() if kind in KINDS}
     if ours != theirs or attribs != after["attribs"]:
         faults.append(f"copy holds {theirs} and {after['attribs']} attributes, vek0 read {ours}, {attribs}")
-    if before is not None:
+    if before and not {"mesh", "light polyline in R12"} & set(before["odd"]):
         kinds = {k: n for k, n in before["kinds"].items() if k in KINDS}
         differs = {k: (n, ours.get(k, 0)) for k, n in kinds.items() if ours.get(k, 0) != n}
         if differs:
@@ -99,11 +114,19 @@ def ezdxf_faults(info, original, copy):
 def gdal_faults(original, copy):
     got = ask(GDAL, original, copy)
     if got is None:
-        return []
+        return ["GDAL gives no answer"]
     faults = [f"layer without partner: {name}" for name in got["lone"][:3]]
     if got["far"] > WITHIN:
         faults.append(f"geometry is {got['far']:.3g} apart")
     return faults
+
+
+def judge(path, info, copy, judges):
+    before = ask(EZDXF, path) if judges["ezdxf"] else None
+    faults = ezdxf_faults(info, before, copy) if judges["ezdxf"] else []
+    if not judges["gdal"] or not before or before["odd"]:
+        return faults, "counted"
+    return faults + gdal_faults(path, copy), "counted and measured"
 
 
 def main():
@@ -122,13 +145,12 @@ def main():
                 continue
             copy = pathlib.Path(scratch) / path.name
             subprocess.run([vek0, "convert", "-q", "-f", path, copy], check=True)
-            faults = ezdxf_faults(info, path, copy) if judges["ezdxf"] else []
-            faults += gdal_faults(path, copy) if judges["gdal"] else []
-            tally["with remarks" if faults else "agreed"] += 1
+            faults, depth = judge(path, info, copy, judges)
+            tally["with faults" if faults else depth] += 1
             for fault in faults:
                 print(f"{path.name}: {fault}")
     print(dict(tally))
-    sys.exit(1 if tally["with remarks"] and "--strict" in sys.argv else 0)
+    sys.exit(1 if tally["with faults"] else 0)
 
 
 main()

@@ -68,8 +68,7 @@ TEST(ReadEntities, CircleAndArc) {
 }
 
 TEST(ReadEntities, Face) {
-  const Loaded got =
-      loadEntities("0 3DFACE|8 0|10 0|20 0|11 1|21 0|12 1|22 1|32 5|13 0|23 1|70 5");
+  const Loaded got = loadEntities("0 3DFACE|8 0|10 0|20 0|11 1|21 0|12 1|22 1|32 5|13 0|23 1|70 5");
   CEnt3DFace* face = cast3DFace(got.only());
   ASSERT_NE(face, nullptr);
   EXPECT_POINT(face->getVertex(2), 1, 1, 5);
@@ -78,12 +77,12 @@ TEST(ReadEntities, Face) {
 }
 
 TEST(ReadEntities, CommonProperties) {
-  const Loaded got = loadText(
-      section("TABLES", table("LTYPE", pairs("0 LTYPE", "2 DASHED", "73 1", "49 1")) +
-                            table("LAYER", pairs("0 LAYER", "2 Walls", "62 3"))) +
-      section("ENTITIES", pairsOf("0 POINT|8 WALLS|6 dashed|10 0|20 0|"
-                                  "0 POINT|8 walls|6 NONE|10 0|20 0|62 0")) +
-      dxf());
+  const Loaded got =
+      loadText(section("TABLES", table("LTYPE", pairs("0 LTYPE", "2 DASHED", "73 1", "49 1")) +
+                                     table("LAYER", pairs("0 LAYER", "2 Walls", "62 3"))) +
+               section("ENTITIES", pairsOf("0 POINT|8 WALLS|6 dashed|10 0|20 0|"
+                                           "0 POINT|8 walls|6 NONE|10 0|20 0|62 0")) +
+               dxf());
   const auto& ents = got.data->getEntTable().getEntityTbl();
   ASSERT_EQ(ents.size(), 2u);
   EXPECT_EQ(ents.front()->getLayer(), getLayer(*got.data, u"Walls"));
@@ -109,25 +108,26 @@ TEST(ReadEntities, UndeclaredLayerIsMade) {
 TEST(ReadEntities, SkipsWhatItDoesNotRead) {
   const struct {
     const char* name;
-    std::string text;
-    long lines;  // entities read
+    const char* version;
+    const char* list;
+    std::size_t read;
     long skipped;
   } cases[] = {
-      {"unknown kind",            entitiesOf("AC1009", "0 SPLINE|8 0|40 x|0 POINT|8 0|10 0|20 0"), 1, 1},
-      {"light polyline in R12",   entitiesOf("AC1009", "0 LWPOLYLINE|90 99"),                      0, 1},
-      {"light polyline in R13",   entitiesOf("AC1012", "0 LWPOLYLINE|90 99"),                      0, 1},
-      {"no version means R12",    section("ENTITIES", pairsOf("0 LWPOLYLINE|90 99")) + dxf(),      0, 1},
-      {"old version of no name",  entitiesOf("AC1010", "0 LWPOLYLINE|90 99"),                      0, 1},
-      {"light polyline in R14",   entitiesOf("AC1014", "0 LWPOLYLINE|8 0"),                        1, 0},
-      {"attribute on its own",    entitiesOf("AC1009", "0 ATTRIB|8 0"),                            0, 1},
-      {"unread codes of a point", entitiesOf("AC1009", "0 POINT|8 0|10 0|20 0|50 junk|100 x"),     1, 0},
-      {"embedded object",         entitiesOf("AC1015", "0 POINT|8 0|10 0|20 0|101 x|10 junk|8 "),  1, 0},
+      {"unknown kind",           "AC1009", "0 SPLINE|8 0|40 x|0 POINT|8 0|10 0|20 0", 1, 1},
+      {"light polyline in R12",  "AC1009", "0 LWPOLYLINE|90 99",                      0, 1},
+      {"light polyline in R13",  "AC1012", "0 LWPOLYLINE|90 99",                      0, 1},
+      {"no version means R12",   "",       "0 LWPOLYLINE|90 99",                      0, 1},
+      {"old version of no name", "AC1010", "0 LWPOLYLINE|90 99",                      0, 1},
+      {"light polyline in R14",  "AC1014", "0 LWPOLYLINE|8 0",                        1, 0},
+      {"attribute on its own",   "AC1009", "0 ATTRIB|8 0",                            0, 1},
+      {"codes not read",         "AC1009", "0 POINT|8 0|10 0|20 0|50 junk|100 x",     1, 0},
+      {"embedded object",        "AC1015", "0 POINT|8 0|10 0|20 0|101 x|10 junk|8 ",  1, 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
-    const Loaded got = loadText(t.text);
+    const Loaded got = loadText(entitiesOf(t.version, t.list));
     EXPECT_FALSE(got.error.HasAnError());
-    EXPECT_EQ(static_cast<long>(got.data->getEntTable().getEntityTbl().size()), t.lines);
+    EXPECT_EQ(got.data->getEntTable().getEntityTbl().size(), t.read);
     EXPECT_EQ(got.report.count("kind skipped"), t.skipped);
   }
 }
@@ -149,21 +149,20 @@ TEST(ReadEntities, TextAlignment) {
     long align;
     double x;
   } cases[] = {
-      {"left",                        "",                0,  1},
-      {"second point not used",       "|72 0|11 5|21 2", 0,  1},
-      {"center",                      "|72 1|11 5|21 2", 1,  5},
-      {"right",                       "|72 2|11 5|21 2", 2,  5},
-      {"top left",                    "|73 3|11 5|21 2", 3,  5},
-      {"middle center",               "|72 1|73 2|11 5", 7,  5},
-      {"bottom right",                "|72 2|73 1|11 5", 11, 5},
-      {"middle",                      "|72 4|11 5|21 2", 7,  5},
-      {"second point missing",        "|72 1",           1,  1},
-      {"code of no meaning is left",  "|72 9|11 5",      0,  5},
+      {"left",                       "",                0,  1},
+      {"second point not used",      "|72 0|11 5|21 2", 0,  1},
+      {"center",                     "|72 1|11 5|21 2", 1,  5},
+      {"right",                      "|72 2|11 5|21 2", 2,  5},
+      {"top left",                   "|73 3|11 5|21 2", 3,  5},
+      {"middle center",              "|72 1|73 2|11 5", 7,  5},
+      {"bottom right",               "|72 2|73 1|11 5", 11, 5},
+      {"middle",                     "|72 4|11 5|21 2", 7,  5},
+      {"second point missing",       "|72 1",           1,  1},
+      {"code of no meaning is left", "|72 9|11 5",      0,  5},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
-    const Loaded got =
-        loadEntities(std::string("0 TEXT|8 0|1 abc|10 1|20 2|40 3") + t.codes);
+    const Loaded got = loadEntities(std::string("0 TEXT|8 0|1 abc|10 1|20 2|40 3") + t.codes);
     const CEntText* text = castText(got.only());
     ASSERT_NE(text, nullptr);
     EXPECT_EQ(text->getText().getAlign(), t.align);
@@ -254,8 +253,8 @@ TEST(ReadEntities, InsertDefaultsAndValues) {
     long columns, rows;
     double columnSpacing, rowSpacing;
   } cases[] = {
-      {"nothing said", "",                                                      1, 1, 1, 0,       1, 1, 0, 0},
-      {"all said",     "|41 2|42 3|43 4|50 90|70 2|71 3|44 10|45 20",           2, 3, 4, kPi / 2, 2, 3, 10, 20},
+      {"nothing said", "",                                            1, 1, 1, 0,       1, 1, 0,  0 },
+      {"all said",     "|41 2|42 3|43 4|50 90|70 2|71 3|44 10|45 20", 2, 3, 4, kPi / 2, 2, 3, 10, 20},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -301,9 +300,8 @@ TEST(ReadEntities, AttributesOfAnInsert) {
 }
 
 TEST(ReadEntities, InsertOfAnExternalReference) {
-  const Loaded got =
-      loadText(section("BLOCKS", pairsOf("0 BLOCK|2 X|70 4|1 x.dwg|0 ENDBLK")) +
-               section("ENTITIES", pairsOf("0 INSERT|8 0|2 x|10 1|20 2")) + dxf());
+  const Loaded got = loadText(section("BLOCKS", pairsOf("0 BLOCK|2 X|70 4|1 x.dwg|0 ENDBLK")) +
+                              section("ENTITIES", pairsOf("0 INSERT|8 0|2 x|10 1|20 2")) + dxf());
   ASSERT_NE(got.only(), nullptr);
   const CEntInsertBase* insert = got.only()->getEntInsert();
   ASSERT_TRUE(insert->getBlock()->isXRef());

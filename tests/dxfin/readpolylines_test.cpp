@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "support/dxftext.h"
 #include "vek0core/entities/ent3dface.h"
 #include "vek0core/entities/entcast.h"
@@ -12,6 +14,15 @@ namespace {
 // A vertex record: "x y" and further pairs.
 std::string vertex(const char* x, const char* y, const char* more = "") {
   return std::string("|0 VERTEX|8 0|10 ") + x + "|20 " + y + more;
+}
+
+// Vertex records of "x,y,flags x,y,flags ...".
+std::string flagged(const std::string& list) {
+  std::istringstream in(list);
+  std::string records, x, y, flags;
+  while (std::getline(in >> std::ws, x, ',') && std::getline(in, y, ',') && in >> flags)
+    records += vertex(x.c_str(), y.c_str(), ("|70 " + flags).c_str());
+  return records;
 }
 
 std::string polyline(const std::string& codes, const std::string& vertexes) {
@@ -29,11 +40,11 @@ TEST(ReadPolylines, PlainFlagsAndVertices) {
     const char* codes;
     bool closed, ltGen;
   } cases[] = {
-      {"open",                    "",        false, false},
-      {"closed",                  "|70 1",   true,  false},
-      {"linetype runs on",        "|70 128", false, true },
-      {"3D is a plain chain",     "|70 9",   true,  false},
-      {"bits of later versions",  "|70 256", false, false},
+      {"open",                   "",        false, false},
+      {"closed",                 "|70 1",   true,  false},
+      {"linetype runs on",       "|70 128", false, true },
+      {"3D is a plain chain",    "|70 9",   true,  false},
+      {"bits of later versions", "|70 256", false, false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -50,8 +61,8 @@ TEST(ReadPolylines, PlainFlagsAndVertices) {
 }
 
 TEST(ReadPolylines, VerticesTakeWhatThePolylineSays) {
-  const Loaded got = loadEntities(polyline(
-      "|30 7|40 1|41 2", vertex("0", "0") + vertex("1", "0", "|30 5|40 3|41 4|5 2A")));
+  const Loaded got = loadEntities(
+      polyline("|30 7|40 1|41 2", vertex("0", "0") + vertex("1", "0", "|30 5|40 3|41 4|5 2A")));
   const CEntPolyline* chain = castPolyline(got.only());
   ASSERT_NE(chain, nullptr);
   EXPECT_DOUBLE_EQ(chain->GetVertex(0).getPnt().z, 7);
@@ -84,67 +95,58 @@ TEST(ReadPolylines, Bulge) {
 }
 
 TEST(ReadPolylines, Curves) {
-  const std::string controls = vertex("0", "0", "|70 16") + vertex("2", "4", "|70 16") +
-                               vertex("4", "0", "|70 16");
+  constexpr long made = -1;  // generated here, more than the controls
   const struct {
     const char* name;
-    std::string text;
+    const char* codes;
+    const char* vertexes;
     short curve, degree;
-    long controls, visible;  // visible -1: generated here, more than the controls
+    long controls, visible;
   } cases[] = {
-      {"spline with its frame",
-       polyline("|70 4|75 5",
-                controls + vertex("0", "0", "|70 8") + vertex("2", "2", "|70 8")),
-       4, 2, 3, 2},
-      {"cubic unless said otherwise", polyline("|70 4", controls + vertex("0", "0", "|70 8")), 4, 3,
-       3, 1},
-      {"frame alone", polyline("|70 4|75 6", controls), 4, 3, 3, -1},
-      {"frame not marked",
-       polyline("|70 4|75 6", kSquare + vertex("0", "0", "|70 8") + vertex("2", "2", "|70 8")), 4,
-       3, 4, 2},
-      {"Bezier", polyline("|70 4|75 8", controls + vertex("0", "0", "|70 8")), 8, 3, 3, 1},
-      {"fit runs through its controls",
-       polyline("|70 2", vertex("0", "0") + vertex("1", "1", "|70 1") + vertex("2", "0")), 2, 0, 2,
-       3},
-      {"fit not yet made", polyline("|70 2", kSquare), 2, 0, 4, -1},
-      {"too few controls", polyline("|70 4", vertex("0", "0", "|70 8") + vertex("1", "1", "|70 8")),
-       0, 0, 2, 2},
-      {"no vertices", polyline("|70 4", ""), 0, 0, 0, 0},
+      {"spline and frame",              "|70 4|75 5", "0,0,16 2,4,16 4,0,16 0,0,8 2,2,8", 4, 2, 3, 2   },
+      {"cubic otherwise",               "|70 4",      "0,0,16 2,4,16 4,0,16 0,0,8",       4, 3, 3, 1   },
+      {"frame alone",                   "|70 4|75 6", "0,0,16 2,4,16 4,0,16",             4, 3, 3, made},
+      {"frame not marked",              "|70 4|75 6", "0,0,0 2,4,0 4,0,0 0,0,8 2,2,8",    4, 3, 3, 2   },
+      {"Bezier",                        "|70 4|75 8", "0,0,16 2,4,16 4,0,16 0,0,8",       8, 3, 3, 1   },
+      {"fit goes through its controls", "|70 2",      "0,0,0 1,1,1 2,0,0",                2, 0, 2, 3   },
+      {"fit and frame",                 "|70 2",      "0,0,16 2,0,16 0,0,0 1,1,1 2,0,0",  2, 0, 2, 3   },
+      {"fit not yet made",              "|70 2",      "0,0,0 4,0,0 4,4,0 0,4,0",          2, 0, 4, made},
+      {"too few controls",              "|70 4",      "0,0,8 1,1,8",                      0, 0, 2, 2   },
+      {"no vertices",                   "|70 4",      "",                                 0, 0, 0, 0   },
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
-    const Loaded got = loadEntities(t.text);
+    const Loaded got = loadEntities(polyline(t.codes, flagged(t.vertexes)));
     const CEntPolyline* chain = castPolyline(got.only());
     ASSERT_NE(chain, nullptr);
     EXPECT_EQ(chain->getCurve(), t.curve);
     EXPECT_EQ(chain->getDegree(), t.degree);
     EXPECT_EQ(chain->getNoCtrlPnts(), t.controls);
-    if (t.visible >= 0)
-      EXPECT_EQ(chain->getNoVisibleVertexes(), t.visible);
-    else
+    if (t.visible == made)
       EXPECT_GT(chain->getNoVisibleVertexes(), t.controls);
+    else
+      EXPECT_EQ(chain->getNoVisibleVertexes(), t.visible);
   }
 }
 
 TEST(ReadPolylines, MeshBecomesFaces) {
-  const std::string grid = vertex("0", "0") + vertex("1", "0") + vertex("2", "0") +
-                           vertex("0", "1") + vertex("1", "1") + vertex("2", "1");
   const struct {
     const char* name;
-    std::string text;
+    const char* codes;
     long faces, incomplete;
   } cases[] = {
-      {"open",              polyline("|70 16|71 2|72 3", grid),                 2, 0},
-      {"closed across",     polyline("|70 48|71 2|72 3", grid),                 3, 0},
-      {"closed both ways",  polyline("|70 49|71 2|72 3", grid),                 6, 0},
-      {"fewer rows",        polyline("|70 16|71 9|72 3", grid),                 2, 1},
-      {"last row cut",      polyline("|70 16|71 2|72 4", grid),                 0, 2},
-      {"size beyond all",   polyline("|70 16|71 2000000000|72 2000000000", ""), 0, 1},
-      {"size below 0",      polyline("|70 16|71 -1|72 -3", grid),               0, 1},
+      {"open",             "|70 16|71 2|72 3",                   2, 0},
+      {"closed across",    "|70 48|71 2|72 3",                   3, 0},
+      {"closed both ways", "|70 49|71 2|72 3",                   6, 0},
+      {"fewer rows",       "|70 16|71 9|72 3",                   2, 1},
+      {"last row cut",     "|70 16|71 2|72 4",                   0, 2},
+      {"size beyond all",  "|70 16|71 2000000000|72 2000000000", 0, 1},
+      {"size below 0",     "|70 16|71 -1|72 -3",                 0, 1},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
-    const Loaded got = loadEntities(t.text);
+    const Loaded got =
+        loadEntities(polyline(t.codes, flagged("0,0,64 1,0,64 2,0,64 0,1,64 1,1,64 2,1,64")));
     EXPECT_FALSE(got.error.HasAnError());
     EXPECT_EQ(got.count(11), t.faces);
     EXPECT_EQ(got.count(5), 0);
@@ -164,9 +166,7 @@ TEST(ReadPolylines, SmoothedMeshShowsItsSurface) {
 TEST(ReadPolylines, PolyfaceBecomesFaces) {
   std::string vertexes;
   for (const char* x : {"0", "1", "2", "3"}) vertexes += vertex(x, "5", "|70 192");
-  const auto face = [](const char* corners) {
-    return vertex("0", "0", "|70 128|62 3") + corners;
-  };
+  const auto face = [](const char* corners) { return vertex("0", "0", "|70 128|62 3") + corners; };
   vertexes += face("|71 1|72 -2|73 3|74 4") + face("|71 1|72 2|73 3") + face("|71 1|72 2") +
               face("|71 1|72 2|73 9") + face("|71 0|72 0");
   const Loaded got = loadEntities(polyline("|70 64|71 4|72 5", vertexes));
@@ -182,25 +182,28 @@ TEST(ReadPolylines, PolyfaceBecomesFaces) {
 }
 
 TEST(ReadPolylines, MeshesInsideBlocksGiveTheirFacesToTheBlock) {
-  const std::string grid = vertex("0", "0") + vertex("1", "0") + vertex("0", "1") +
-                           vertex("1", "1") + vertex("0", "2") + vertex("1", "2");
-  const Loaded got = loadText(
-      section("BLOCKS", pairsOf("0 BLOCK|2 A|" + polyline("|70 16|71 3|72 2", grid) +
-                                "|0 ENDBLK")) +
-      dxf());
+  const std::string mesh =
+      polyline("|70 16|71 3|72 2", flagged("0,0,64 1,0,64 0,1,64 1,1,64 0,2,64 1,2,64"));
+  const Loaded got =
+      loadText(section("BLOCKS", pairsOf("0 BLOCK|2 A|" + mesh + "|0 ENDBLK")) + dxf());
   EXPECT_EQ(got.data->getBlockTable().get(u"A")->size(), 2u);
 }
 
 TEST(ReadPolylines, LightPolyline) {
-  const Loaded got = loadText(entitiesOf(
-      "AC1015", "0 LWPOLYLINE|100 AcDbEntity|8 0|90 3|70 129|43 2|10 0|20 1|91 7|10 2|20 3|40 5|"
-                "10 4|20 5|41 6|38 9"));
+  const Loaded got = loadText(
+      entitiesOf("AC1015",
+                 "0 LWPOLYLINE|100 AcDbEntity|8 0|90 3|70 129|43 2|10 0|20 1|91 7|10 2|20 3|40 5|"
+                 "10 4|20 5|41 6|38 9"));
   const CEntPolyline* chain = castPolyline(got.only());
   ASSERT_NE(chain, nullptr);
   EXPECT_TRUE(chain->isClosed());
   EXPECT_TRUE(chain->IsLtGen());
   ASSERT_EQ(chain->getNoTotalVertexes(), 3);
-  const double widths[][2] = {{2, 2}, {5, 2}, {2, 6}};
+  const double widths[][2] = {
+      {2, 2},
+      {5, 2},
+      {2, 6}
+  };
   for (int i = 0; i < 3; ++i) {
     EXPECT_DOUBLE_EQ(chain->GetVertexPos(i).x, 2 * i);
     EXPECT_DOUBLE_EQ(chain->GetVertexPos(i).y, 2 * i + 1);

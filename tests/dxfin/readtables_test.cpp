@@ -28,10 +28,10 @@ class ReadStyles : public testing::Test {
 }  // namespace
 
 TEST(ReadHeader, Variables) {
-  const Loaded got = loadText(
-      header("9 $LIMMIN|10 1|20 2|9 $limmax|10 3|20 4|9 $LTSCALE|40 5|9 $PLINEWID|40 6|"
-             "9 $ANGBASE|50 90|9 $CECOLOR|62 7|9 $ORTHOMODE|70 1|9 $PLINEGEN|70 2|"
-             "9 $ANGDIR|70 1|9 $AUNITS|70 3|9 $UNKNOWN|1 x|10 1|20 2|30 3|210 4|220 5"));
+  const Loaded got =
+      loadText(header("9 $LIMMIN|10 1|20 2|9 $limmax|10 3|20 4|9 $LTSCALE|40 5|9 $PLINEWID|40 6|"
+                      "9 $ANGBASE|50 90|9 $CECOLOR|62 7|9 $ORTHOMODE|70 1|9 $PLINEGEN|70 2|"
+                      "9 $ANGDIR|70 1|9 $AUNITS|70 3|9 $UNKNOWN|1 x|10 1|20 2|30 3|210 4|220 5"));
   ASSERT_FALSE(got.error.HasAnError());
   const CDataVariables& vars = got.data->getVars();
   EXPECT_DOUBLE_EQ(vars.getLimMin().x, 1);
@@ -78,9 +78,9 @@ TEST(ReadHeader, CurrentItemsAreFoundAtTheEnd) {
 }
 
 TEST(ReadHeader, SaysVersionAndEncoding) {
-  const Loaded got = loadText(
-      section("HEADER", pairsOf("9 $ACADVER|1 AC1009|9 $DWGCODEPAGE|3 ansi_1250")) +
-      section("ENTITIES", pairsOf("0 POINT|8 \xBE|10 0|20 0")) + dxf());
+  const Loaded got =
+      loadText(section("HEADER", pairsOf("9 $ACADVER|1 AC1009|9 $DWGCODEPAGE|3 ansi_1250")) +
+               section("ENTITIES", pairsOf("0 POINT|8 \xBE|10 0|20 0")) + dxf());
   EXPECT_EQ(got.result.version, zim::WString(u"AC1009"));
   EXPECT_EQ(got.result.encoding, "windows-1250");
   EXPECT_NE(getLayer(*got.data, u"\u013E"), nullptr);
@@ -94,11 +94,11 @@ TEST(ReadTables, Layers) {
     long flags;
     bool off;
   } cases[] = {
-      {"plain",                    "62 3|70 0",      3, 0,   false},
-      {"off",                      "62 -3|70 0",     3, 128, true },
-      {"off and frozen, any order", "70 1|62 -3",    3, 129, true },
-      {"referenced is not kept",   "62 3|70 68",     3, 4,   false},
-      {"nothing said",             "6 continuous",   7, 0,   false},
+      {"plain",                     "62 3|70 0",    3, 0,   false},
+      {"off",                       "62 -3|70 0",   3, 128, true },
+      {"off and frozen, any order", "70 1|62 -3",   3, 129, true },
+      {"referenced is not kept",    "62 3|70 68",   3, 4,   false},
+      {"nothing said",              "6 continuous", 7, 0,   false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -128,12 +128,12 @@ TEST(ReadTables, TheEntryFillsALayerMadeBefore) {
 }
 
 TEST(ReadTables, SkippedWithoutError) {
-  const Loaded got = loadText(
-      section("CLASSES", pairsOf("0 CLASS|1 x|70 ")) +
-      section("TABLES", table("VPORT", pairsOf("0 VPORT|2 *ACTIVE|40 junk")) +
-                            table("APPID", pairsOf("0 APPID|2 ENDTAB")) +
-                            table("LAYER", pairsOf("0 LAYER|2 A"))) +
-      section("OBJECTS", pairsOf("0 DICTIONARY|1 ENDSEC")) + "999\ncomment\n" + dxf());
+  const Loaded got =
+      loadText(section("CLASSES", pairsOf("0 CLASS|1 x|70 ")) +
+               section("TABLES", table("VPORT", pairsOf("0 VPORT|2 *ACTIVE|40 junk")) +
+                                     table("APPID", pairsOf("0 APPID|2 ENDTAB")) +
+                                     table("LAYER", pairsOf("0 LAYER|2 A"))) +
+               section("OBJECTS", pairsOf("0 DICTIONARY|1 ENDSEC")) + "999\ncomment\n" + dxf());
   EXPECT_FALSE(got.error.HasAnError());
   EXPECT_NE(getLayer(*got.data, u"A"), nullptr);
 }
@@ -147,9 +147,10 @@ TEST(ReadTables, EndMarkAlone) {
 // -- linetypes -----------------------------------------------------------------
 
 TEST(ReadTables, SimpleLtype) {
-  const Loaded got = loadText(tables(
-      "LTYPE", "0 LTYPE|2 DASHDOT|3 __ . __|70 64|72 65|73 4|40 1|49 0.5|49 -0.25|49 0|49 -0.25|"
-               "0 LTYPE|2 DASHDOT|73 0|0 LTYPE|2 ByLayer|73 1|49 1"));
+  const Loaded got = loadText(
+      tables("LTYPE",
+             "0 LTYPE|2 DASHDOT|3 __ . __|70 64|72 65|73 4|40 1|49 0.5|49 -0.25|49 0|49 -0.25|"
+             "0 LTYPE|2 DASHDOT|73 0|0 LTYPE|2 ByLayer|73 1|49 1"));
   ASSERT_FALSE(got.error.HasAnError());
   const CLtype* ltype = getLtype(*got.data, u"dashdot");
   ASSERT_NE(ltype, nullptr);
@@ -194,8 +195,8 @@ TEST(ReadTables, DependentItemsAnnounceTheirReference) {
               table("LTYPE", pairs("0 LTYPE", "2 X|DASH", "70 16", "73 1", "49 1")) +
                   table("LAYER", pairs("0 LAYER", "2 X|WALLS", "6 X|DASH", "62 4", "70 16"))) +
       section("BLOCKS", pairs("0 BLOCK", "2 X", "70 4", "1 plan.dwg", "10 1", "0 ENDBLK")) +
-      section("ENTITIES", pairs("0 POINT", "8 x|walls", "10 0", "20 0", "0 POINT", "8 Y|NEW",
-                                "10 0", "20 0")) +
+      section("ENTITIES",
+              pairs("0 POINT", "8 x|walls", "10 0", "20 0", "0 POINT", "8 Y|NEW", "10 0", "20 0")) +
       dxf();
   for (const bool importing : {false, true}) {
     Loaded got;
@@ -218,10 +219,10 @@ TEST(ReadTables, DependentItemsAnnounceTheirReference) {
 // -- styles ----------------------------------------------------------------------
 
 TEST_F(ReadStyles, ValuesAndStandard) {
-  const Loaded got = loadText(
-      tables("STYLE", "0 STYLE|2 A|3 txt|40 1|41 2|42 3|50 45|70 68|"
-                      "0 STYLE|2 a|3 txt|40 9|0 STYLE|2 standard|3 txt|41 0.5|"
-                      "0 STYLE|2 |3 ltypeshp.shx|40 -1|41 0|70 1"));
+  const Loaded got = loadText(tables("STYLE",
+                                     "0 STYLE|2 A|3 txt|40 1|41 2|42 3|50 45|70 68|"
+                                     "0 STYLE|2 a|3 txt|40 9|0 STYLE|2 standard|3 txt|41 0.5|"
+                                     "0 STYLE|2 |3 ltypeshp.shx|40 -1|41 0|70 1"));
   ASSERT_FALSE(got.error.HasAnError());
   const CStyle* style = getStyle(*got.data, u"A");
   ASSERT_NE(style, nullptr);

@@ -62,19 +62,19 @@ TEST(SaveHandles, RandomHandlesAreUniqueKeptAndStableOnceWritten) {
   for (int round = 0; round < 300; ++round) {
     SCOPED_TRACE(testing::Message() << "round " << round);
     std::vector<long> carried;
-    for (unsigned n = random() % 40; n > 0; --n)
+    for (auto n = random() % 40; n > 0; --n)
       carried.push_back(static_cast<long>(random() % 30));
     const int ends = static_cast<int>(random() % 5);
     const Given given = give(carried, ends);
     std::set<long> seen;
     for (std::size_t i = 0; i < carried.size(); ++i) {
       const bool first = carried[i] != 0 && seen.count(carried[i]) == 0;
-      if (first) EXPECT_EQ(given.things[i], carried[i]);
+      EXPECT_TRUE(!first || given.things[i] == carried[i]);
       EXPECT_TRUE(seen.insert(given.things[i]).second);
     }
     for (const long end : given.ends) EXPECT_TRUE(seen.insert(end).second);
     EXPECT_EQ(seen.count(0), 0u);
-    if (!seen.empty()) EXPECT_LT(*seen.rbegin(), given.seed);
+    EXPECT_TRUE(seen.empty() || *seen.rbegin() < given.seed);
     const Given again = give(given.things, ends);
     EXPECT_EQ(again.things, given.things);
     EXPECT_EQ(again.ends, given.ends);

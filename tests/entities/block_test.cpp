@@ -160,6 +160,16 @@ TEST_F(Block, ExtentsFollowTheBlocksInserted) {
   EXPECT_EQ(a->getBdry(), RECT_3D(0, 0, 0, 10, 14, 0));
 }
 
+// Outside a table nobody knows who inserts a block.
+TEST_F(Block, ComputingAnewLooksAtTheInsertedBlocksAgain) {
+  const std::unique_ptr<CBlock> inner(block("I")), outer(block("O"));
+  outer->add(insert(inner.get()));
+  EXPECT_EQ(outer->getBdry(), kEmpty);
+  inner->add(pnt(3, 4));
+  outer->invalidateBdry();
+  EXPECT_EQ(outer->getBdry(), RECT_3D(3, 4, 0, 3, 4, 0));
+}
+
 TEST_F(Block, RecomputingLeavesDefinitionsOut) {
   CBlock* made = tabled("B");
   made->add(pnt(0, 0));

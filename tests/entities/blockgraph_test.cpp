@@ -170,6 +170,19 @@ TEST_F(BlockGraph, RefusesToRedefineInCircles) {
   EXPECT_FALSE(graph().canSubstitute(*fresh, {a, fresh.get()}));
 }
 
+// The search goes on from both ends, so either may come upon the other.
+TEST_F(BlockGraph, SeesACircleThroughAnyOfMany) {
+  CBlock* used = tabled("USED");
+  Blocks middle;
+  for (int i = 0; i < 12; ++i) middle.push_back(tabled("M" + std::to_string(i), {used}));
+  CBlock* top = tabled("TOP", middle);
+  for (CBlock* block : middle) {
+    EXPECT_FALSE(graph().canSubstitute(*used, {block}));
+    EXPECT_FALSE(graph().canSubstitute(*block, {top}));
+    EXPECT_TRUE(graph().canSubstitute(*block, {middle[0] == block ? middle[1] : middle[0]}));
+  }
+}
+
 TEST_F(BlockGraph, SubstitutesOnlyWhatItMay) {
   CBlock* c = tabled("C");
   CBlock* b = tabled("B", {c});

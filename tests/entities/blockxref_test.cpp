@@ -55,8 +55,7 @@ TEST_F(BlockXRef, ItsFixedItemsAreTheDrawingsOwn) {
 
 TEST_F(BlockXRef, DependentItemsHaveComposedNamesAndTwoFlags) {
   CBlockXRef* made = xref(u"X");
-  CLayerXRef* layer =
-      scene.data->getLayerFactory().createXRef(*made, u"WALL", scene.ltype(), 3, 1);
+  CLayerXRef* layer = scene.data->getLayerFactory().createXRef(*made, u"WALL", scene.ltype(), 3, 1);
   made->getLayerTable().add(layer);
   EXPECT_TRUE(layer->isXRef());
   EXPECT_EQ(layer->getName(), u"WALL");
@@ -67,8 +66,8 @@ TEST_F(BlockXRef, DependentItemsHaveComposedNamesAndTwoFlags) {
   made->setName(u"Y");
   EXPECT_EQ(layer->getFullName(), u"Y|WALL");
 
-  CLtypeXRef* ltype = scene.data->getLtypeFactory().createXRef(*made, u"DASHED", u"- -",
-                                                               CLtypeComplexDashSeq(), 0);
+  CLtypeXRef* ltype =
+      scene.data->getLtypeFactory().createXRef(*made, u"DASHED", u"- -", CLtypeComplexDashSeq(), 0);
   made->getLtypeTable().add(ltype);
   EXPECT_TRUE(ltype->isXRef());
   EXPECT_EQ(ltype->getFullName(), u"Y|DASHED");
@@ -109,8 +108,8 @@ TEST_F(BlockXRef, RegisteredInsertsAreRecorded) {
   EXPECT_EQ(ent->getXRef(), made);
   EXPECT_EQ(depend.size(), 0u);
   scene.data->getEntTable().add(ent);
-  const std::unique_ptr<CEnt> clone(scene.factory.clone(
-      scene.gestor, scene.data->getBlockFactory(), scene.data->getBlockTable(), *ent));
+  const std::unique_ptr<CEnt> clone(scene.factory.clone(scene.gestor, scene.data->getBlockFactory(),
+                                                        scene.data->getBlockTable(), *ent));
   EXPECT_EQ(static_cast<CEntInsertXRef&>(*clone).getXRef(), made);
   EXPECT_EQ(depend.getCount(made), 1);
   clone->addTbls(scene.gestor);

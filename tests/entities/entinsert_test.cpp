@@ -99,9 +99,10 @@ TEST_F(Insert, ExtentsCoverEveryCell) {
   CBlock* shown = square();
   for (int i = 0; i < 300; ++i) {
     SCOPED_TRACE(i);
-    const auto ent = owned(insert(shown, PNT_3D(number(9), number(9), number(9)), number(3),
-                                  number(3), number(9)));
-    const long columns = 1 + static_cast<long>(random() % 4), rows = 1 + static_cast<long>(random() % 4);
+    const auto ent = owned(
+        insert(shown, PNT_3D(number(9), number(9), number(9)), number(3), number(3), number(9)));
+    const long columns = 1 + static_cast<long>(random() % 4),
+               rows = 1 + static_cast<long>(random() % 4);
     ent->setArray(columns, rows, number(5), number(5));
     RECT_3D expected;
     expected.initRegion();
@@ -130,13 +131,13 @@ TEST_F(Insert, ExtentsOfOddInserts) {
     RECT_3D expect;
     bool empty;
   } cases[] = {
-      {"no block",           nullptr,         1,        1,      1,      0,   {},                         true },
-      {"empty block",        tabled("EMPTY"), 1,        5,      5,      9,   {},                         true },
-      {"columns then rows",  shown,           1,        2,      3,      10,  {0, 0, 0, 11, 21, 0},       false},
-      {"no cells act as one", shown,          1,        0,      -7,     10,  {0, 0, 0, 1, 1, 0},         false},
-      {"a billion cells",    shown,           1,        32767,  32767,  1,   {0, 0, 0, 32767, 32767, 0}, false},
-      {"not finite",         shown,           infinite, 1,      1,      0,   {},                         true },
-      {"cells too far away", shown,           1,        32767,  1,      1e305, {},                       true },
+      {"no block",            nullptr,         1,        1,     1,     0,     {},                         true },
+      {"empty block",         tabled("EMPTY"), 1,        5,     5,     9,     {},                         true },
+      {"columns then rows",   shown,           1,        2,     3,     10,    {0, 0, 0, 11, 21, 0},       false},
+      {"no cells act as one", shown,           1,        0,     -7,    10,    {0, 0, 0, 1, 1, 0},         false},
+      {"a billion cells",     shown,           1,        32767, 32767, 1,     {0, 0, 0, 32767, 32767, 0}, false},
+      {"not finite",          shown,           infinite, 1,     1,     0,     {},                         true },
+      {"cells too far away",  shown,           1,        32767, 1,     1e305, {},                         true },
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

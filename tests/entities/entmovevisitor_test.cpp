@@ -33,26 +33,25 @@ TEST_F(MoveVisitor, EveryKindMovesWithItsExtents) {
   shown->add(line(0, 0, 1, 1));
   table.add(shown);
   CEntInsert* turned = insert(shown, PNT_3D(1, 1, 1), 2, 3, 0.5);
-  const std::pair<const char*, CEnt*> kinds[] = {
-      {"point",
-       ents.createEntPnt(gestor, nullptr, nullptr, 256, PNT_3D(1, 2, 3), 0)},
-      {"line", line(1, 2, 3, 4)},
-      {"circle",
-       ents.createEntCircle(gestor, nullptr, nullptr, 256, CIRCLE_3D(1, 2, 3, 4), 0)},
-      {"arc",
-       ents.createEntArc(gestor, nullptr, nullptr, 256, ARC_3D(1, 2, 3, 4, 0, kQuarter), 0)},
-      {"wide polyline with an arc", wide(1)},
-      {"text", ents.createEntText(gestor, nullptr, nullptr, 256, text(u"abc", 1, 2), 0)},
-      {"definition", attdef(u"TAG", 5, 5)},
-      {"attribute", attrib(u"value", 5, 5)},
-      {"insert", turned},
-      {"fixed insert",
-       ents.createEntFixedInsert(gestor, nullptr, nullptr, 256, shown, PNT_3D(1, 2, 3), 1, 1, 0,
-                                 0)},
-      {"triangle",
-       ents.createEnt3DFace(gestor, nullptr, nullptr, 256, PNT_3D(0, 0, 0), PNT_3D(1, 0, 5),
-                            PNT_3D(1, 1, 0), PNT_3D(1, 1, 0), 0, 0)},
-  };
+  const PNT_3D p(1, 2, 3);
+  std::vector<std::pair<const char*, CEnt*>> kinds;
+  kinds.emplace_back("point", ents.createEntPnt(gestor, nullptr, nullptr, 256, p, 0));
+  kinds.emplace_back("line", line(1, 2, 3, 4));
+  kinds.emplace_back("circle",
+                     ents.createEntCircle(gestor, nullptr, nullptr, 256, CIRCLE_3D(1, 2, 3, 4), 0));
+  kinds.emplace_back(
+      "arc", ents.createEntArc(gestor, nullptr, nullptr, 256, ARC_3D(1, 2, 3, 4, 0, kQuarter), 0));
+  kinds.emplace_back("wide polyline with an arc", wide(1));
+  kinds.emplace_back("text",
+                     ents.createEntText(gestor, nullptr, nullptr, 256, text(u"abc", 1, 2), 0));
+  kinds.emplace_back("definition", attdef(u"TAG", 5, 5));
+  kinds.emplace_back("attribute", attrib(u"value", 5, 5));
+  kinds.emplace_back("insert", turned);
+  kinds.emplace_back("fixed insert", ents.createEntFixedInsert(gestor, nullptr, nullptr, 256, shown,
+                                                               p, 1, 1, 0, 0));
+  kinds.emplace_back("triangle",
+                     ents.createEnt3DFace(gestor, nullptr, nullptr, 256, PNT_3D(0, 0, 0),
+                                          PNT_3D(1, 0, 5), PNT_3D(1, 1, 0), PNT_3D(1, 1, 0), 0, 0));
   const PNT_3D delta(10, 20, 30);
   for (const auto& [name, raw] : kinds) {
     SCOPED_TRACE(name);

@@ -103,8 +103,8 @@ TEST_F(TextKinds, MementosHoldWhatTheKindAdds) {
   const std::unique_ptr<CEntAttdef> def(attdef(u"A", 3, 4));
   const Snapshot defBefore(def->createDerivedMemento());
   for (const auto& change : std::vector<std::function<void()>>{
-           [&] { def->setTag(u"B"); }, [&] { def->setValue(u"v"); },
-           [&] { def->setPrompt(u"p"); }, [&] { def->setFlags(8); }}) {
+           [&] { def->setTag(u"B"); }, [&] { def->setValue(u"v"); }, [&] { def->setPrompt(u"p"); },
+           [&] { def->setFlags(8); }}) {
     change();
     EXPECT_FALSE(*def == *defBefore);
     def->setMemento(data(), defBefore.get());

@@ -16,8 +16,8 @@ class InsertMatrix : public testing::Test, protected BlockWorld {
  protected:
   std::unique_ptr<CEntInsert> random(std::mt19937& engine, CBlock* block = nullptr) {
     const auto number = [&] { return std::uniform_real_distribution<double>(-4, 4)(engine); };
-    std::unique_ptr<CEntInsert> made(insert(block, PNT_3D(number(), number(), number()), number(),
-                                            number(), number()));
+    std::unique_ptr<CEntInsert> made(
+        insert(block, PNT_3D(number(), number(), number()), number(), number(), number()));
     made->setArray(3, 2, number(), number());
     return made;
   }
@@ -65,10 +65,10 @@ TEST_F(InsertMatrix, CellsAreOffsetAlongTheTurnedAxes) {
     long row, col;
     PNT_3D expect;
   } cases[] = {
-      {0, 0, PNT_3D(10, 20, 0)         },
-      {0, 1, PNT_3D(10, 120, 0)        },
-      {1, 0, PNT_3D(10 - 1000, 20, 0)  },
-      {2, 1, PNT_3D(10 - 2000, 120, 0) },
+      {0, 0, PNT_3D(10,        20,  0)},
+      {0, 1, PNT_3D(10,        120, 0)},
+      {1, 0, PNT_3D(10 - 1000, 20,  0)},
+      {2, 1, PNT_3D(10 - 2000, 120, 0)},
   };
   for (const auto& t : cases) {
     PNT_3D p(0, 0, 0);

@@ -94,18 +94,25 @@ TEST_F(InsertStack, ResolvesWhatEntitiesTakeOver) {
     CLtype* expectLtype;  // null is Continuous
     short expectColor;
   } cases[] = {
-      {"own values", {}, wall, dotted, 9, wall, dotted, 9},
-      {"by layer", {}, wall, byLayer(), kByLayer, wall, dashed, 3},
-      {"by block without a block", {}, wall, byBlock(), kByBlock, wall, nullptr, 7},
-      {"the layer's linetype refers back", {}, circular, byLayer(), kByLayer, circular, nullptr, 6},
-      {"no layer, no linetype", {}, nullptr, nullptr, kByLayer, nullptr, nullptr, 7},
-      {"layer 0 takes the insert's", {plain.get()}, zero, byLayer(), kByLayer, wall, dashed, 3},
-      {"other layers stay", {plain.get()}, door, byLayer(), kByLayer, door, dotted, 5},
-      {"by block is the insert's layer", {plain.get()}, door, byBlock(), kByBlock, door, dashed, 3},
-      {"by block is the insert's own", {coloured.get()}, zero, byBlock(), kByBlock, door, dashed, 1},
-      {"passed on from further out", {coloured.get(), passing.get()}, zero, byBlock(), kByBlock,
-       door, dashed, 1},
-      {"nobody gives a colour", {passing.get()}, zero, byBlock(), kByBlock, zero, nullptr, 7},
+      {"own values",                       {},              wall,     dotted,    9,        wall,     dotted,  9},
+      {"by layer",                         {},              wall,     byLayer(), kByLayer, wall,     dashed,  3},
+      {"by block without a block",         {},              wall,     byBlock(), kByBlock, wall,     nullptr, 7},
+      {"the layer's linetype refers back", {},              circular, byLayer(), kByLayer, circular, nullptr, 6},
+      {"no layer, no linetype",            {},              nullptr,  nullptr,   kByLayer, nullptr,  nullptr, 7},
+      {"layer 0 takes the insert's",       {plain.get()},   zero,     byLayer(), kByLayer, wall,     dashed,  3},
+      {"other layers stay",                {plain.get()},   door,     byLayer(), kByLayer, door,     dotted,  5},
+      {"by block is the insert's layer",   {plain.get()},   door,     byBlock(), kByBlock, door,     dashed,  3},
+      {"by block is the insert's own",
+       {coloured.get()},
+       zero,                                                          byBlock(),
+       kByBlock,                                                                           door,
+       dashed,                                                                                                1},
+      {"passed on from further out",
+       {coloured.get(), passing.get()},
+       zero,                                                          byBlock(),
+       kByBlock,                                                                           door,
+       dashed,                                                                                                1},
+      {"nobody gives a colour",            {passing.get()}, zero,     byBlock(), kByBlock, zero,     nullptr, 7},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

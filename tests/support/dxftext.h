@@ -66,7 +66,7 @@ inline std::string version(std::string_view name) {
 /// A drawing with what reading a text into it gave.
 struct Loaded {
   struct Delete {
-    void operator()(CData* data) const { deleteData(data); }
+    void operator()(CData* unused) const { deleteData(unused); }
   };
 
   std::unique_ptr<CData, Delete> data{CDataFactory().createData()};
@@ -104,13 +104,12 @@ inline void importInto(Loaded& target, const std::string& text, CFileDXFIPolicy 
   target.result = importDXF(target.drawing(), file, &target.error, {&target.report, policy});
 }
 
-/// A file of version `name` with these entity pairs, parted by '|'.
+/// A file of version `name`, or without one, with these entity pairs, parted by '|'.
 inline std::string entitiesOf(std::string_view name, std::string_view list) {
-  return version(name) + section("ENTITIES", pairsOf(list)) + dxf();
+  const std::string header = name.empty() ? std::string() : version(name);
+  return header + section("ENTITIES", pairsOf(list)) + dxf();
 }
 
-inline Loaded loadEntities(std::string_view list) {
-  return loadText(entitiesOf("AC1009", list));
-}
+inline Loaded loadEntities(std::string_view list) { return loadText(entitiesOf("AC1009", list)); }
 
 }  // namespace vek0::test

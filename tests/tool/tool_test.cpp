@@ -77,15 +77,22 @@ TEST_F(Tool, InfoPrintsOneJsonObjectALine) {
   std::getline(lines, first);
   std::getline(lines, second);
   const Json one = Json::parse(first);
-  EXPECT_EQ(one["entities"], Json({{"LINE", 1}}));
-  EXPECT_EQ(one["extents"], Json({{"min", {1, 2, 0}}, {"max", {4, 6, 0}}}));
+  EXPECT_EQ(one["entities"], Json({
+                                 {"LINE", 1}
+  }));
+  EXPECT_EQ(one["extents"], Json({
+                                {"min", {1, 2, 0}},
+                                {"max", {4, 6, 0}}
+  }));
   EXPECT_EQ(one["error"], nullptr);
-  EXPECT_EQ(one["layers"][1], Json({{"name", "A"},
-                                    {"color", 7},
-                                    {"linetype", "Continuous"},
-                                    {"frozen", false},
-                                    {"locked", false},
-                                    {"off", false}}));
+  EXPECT_EQ(one["layers"][1], Json({
+                                  {"name",     "A"         },
+                                  {"color",    7           },
+                                  {"linetype", "Continuous"},
+                                  {"frozen",   false       },
+                                  {"locked",   false       },
+                                  {"off",      false       }
+  }));
   const Json sample = Json::parse(second);
   EXPECT_EQ(sample["version"], "AC1009");
   EXPECT_EQ(sample["entities"]["INSERT"], 9);
@@ -123,19 +130,19 @@ TEST_F(Tool, ExitCodes) {
     const char* arguments;
     int code;
   } cases[] = {
-      {"help",                       "--help",                              0},
-      {"help of a verb",             "help convert",                        0},
-      {"version",                    "--version",                           0},
-      {"no verb",                    "",                                    2},
-      {"unknown verb",               "infos good.dxf",                      2},
-      {"unknown option",             "info --colour good.dxf",              2},
-      {"missing operand",            "convert good.dxf",                    2},
-      {"drawing with an error",      "convert broken.dxf out.dxf",          1},
-      {"drawing that is not there",  "convert missing.dxf out.dxf",         1},
-      {"output in no folder",        "convert good.dxf nowhere/out.dxf",    3},
-      {"output exists",              "convert good.dxf broken.dxf",         3},
-      {"output is a folder",         "convert -f good.dxf .",               3},
-      {"broken part of an import",   "import good.dxf broken.dxf -o o.dxf", 1},
+      {"help",                      "--help",                              0},
+      {"help of a verb",            "help convert",                        0},
+      {"version",                   "--version",                           0},
+      {"no verb",                   "",                                    2},
+      {"unknown verb",              "infos good.dxf",                      2},
+      {"unknown option",            "info --colour good.dxf",              2},
+      {"missing operand",           "convert good.dxf",                    2},
+      {"drawing with an error",     "convert broken.dxf out.dxf",          1},
+      {"drawing that is not there", "convert missing.dxf out.dxf",         1},
+      {"output in no folder",       "convert good.dxf nowhere/out.dxf",    3},
+      {"output exists",             "convert good.dxf broken.dxf",         3},
+      {"output is a folder",        "convert -f good.dxf .",               3},
+      {"broken part of an import",  "import good.dxf broken.dxf -o o.dxf", 1},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -156,7 +163,8 @@ TEST_F(Tool, ConvertKeepsWhatInfoTells) {
   ASSERT_EQ(run("convert " + kinds + " copy.dxf").code, 0);
   Json before = Json::parse(run("info --json " + kinds).out);
   Json after = Json::parse(run("info --json copy.dxf").out);
-  for (const char* key : {"entities", "extents", "blocks"}) EXPECT_EQ(before[key], after[key]) << key;
+  for (const char* key : {"entities", "extents", "blocks"})
+    EXPECT_EQ(before[key], after[key]) << key;
 }
 
 TEST_F(Tool, StandardStreamsCarryTheSameBytes) {

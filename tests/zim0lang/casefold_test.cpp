@@ -14,22 +14,22 @@ TEST(FoldCase, PairsOfLetters) {
     const char* name;
     char16_t capital, small;
   } cases[] = {
-      {"ascii",               u'A',      u'a'     },
-      {"ascii end",           u'Z',      u'z'     },
-      {"latin 1",             u'\u00C4', u'\u00E4'},
-      {"latin 1 thorn",       u'\u00DE', u'\u00FE'},
-      {"polish",              u'\u0141', u'\u0142'},
-      {"czech",               u'\u017D', u'\u017E'},
-      {"y with diaeresis",    u'\u0178', u'\u00FF'},
-      {"romanian",            u'\u0218', u'\u0219'},
-      {"greek",               u'\u03A9', u'\u03C9'},
-      {"greek with tonos",    u'\u038F', u'\u03CE'},
-      {"final sigma",         u'\u03C2', u'\u03C3'},
-      {"cyrillic",            u'\u0416', u'\u0436'},
-      {"cyrillic io",         u'\u0401', u'\u0451'},
-      {"ukrainian",           u'\u0490', u'\u0491'},
-      {"vietnamese",          u'\u1EA0', u'\u1EA1'},
-      {"full width",          u'\uFF21', u'\uFF41'},
+      {"ascii",            u'A',      u'a'     },
+      {"ascii end",        u'Z',      u'z'     },
+      {"latin 1",          u'\u00C4', u'\u00E4'},
+      {"latin 1 thorn",    u'\u00DE', u'\u00FE'},
+      {"polish",           u'\u0141', u'\u0142'},
+      {"czech",            u'\u017D', u'\u017E'},
+      {"y with diaeresis", u'\u0178', u'\u00FF'},
+      {"romanian",         u'\u0218', u'\u0219'},
+      {"greek",            u'\u03A9', u'\u03C9'},
+      {"greek with tonos", u'\u038F', u'\u03CE'},
+      {"final sigma",      u'\u03C2', u'\u03C3'},
+      {"cyrillic",         u'\u0416', u'\u0436'},
+      {"cyrillic io",      u'\u0401', u'\u0451'},
+      {"ukrainian",        u'\u0490', u'\u0491'},
+      {"vietnamese",       u'\u1EA0', u'\u1EA1'},
+      {"full width",       u'\uFF21', u'\uFF41'},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -60,7 +60,7 @@ TEST(FoldCase, EqualTextsHaveEqualHashesAndCompareAsZero) {
   const std::u16string letters = u"aAbBzZ\u00C4\u00E4\u0416\u0436_1";
   for (int round = 0; round < 2000; ++round) {
     std::u16string a, b;
-    for (unsigned i = random() % 6; i > 0; --i) a += letters[random() % letters.size()];
+    for (auto i = random() % 6; i > 0; --i) a += letters[random() % letters.size()];
     for (const char16_t unit : a) b += random() % 2 ? foldCase(unit) : unit;
     ASSERT_TRUE(zim::equalsIgnoreCase(a, b));
     ASSERT_EQ(zim::hashIgnoreCase(a), zim::hashIgnoreCase(b));

@@ -44,9 +44,9 @@ TEST(StringLoader, AnUnknownIdEmptiesTheText) {
 
 // Every message that the reader and the colour table ask for has a text.
 TEST(StringLoader, NoMessageIsMissing) {
-  for (const long id : {10000, 10001, 10002, 10003, 10004, 10005, 10006, 10007, 10008, 10009,
-                        10020, 10021, 10022, 10023, 10024, 10025, 10026, 10027, 10028, 10029,
-                        10030, 10031, 10032, 10034}) {
+  for (const long id :
+       {10000, 10001, 10002, 10003, 10004, 10005, 10006, 10007, 10008, 10009, 10020, 10021,
+        10022, 10023, 10024, 10025, 10026, 10027, 10028, 10029, 10030, 10031, 10032, 10034}) {
     WString text;
     EXPECT_TRUE(text.LoadStr(id) && !text.empty()) << id;
   }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
-#include <unordered_map>
 #include <unordered_map>
 
 #include "vek0core/drawing/datavariables.h"
@@ -20,6 +20,25 @@
 
 class CBlockFactory;
 class CEntFactory;
+
+namespace vek0::detail {
+
+/// Part of every drawing, so that drawings can be counted: the fonts of the process must
+/// outlive them.
+class VEK0_API LivingDrawing {
+ public:
+  LivingDrawing() { ++s_count; }
+  LivingDrawing(const LivingDrawing&) { ++s_count; }
+  LivingDrawing& operator=(const LivingDrawing&) = default;
+  ~LivingDrawing() { --s_count; }
+
+  static long count() { return s_count; }
+
+ private:
+  static std::atomic<long> s_count;
+};
+
+}  // namespace vek0::detail
 
 /// A drawing: its tables, fixed items, variables, and the factories that make what
 /// goes into them. `CDataFactory` makes one, `deleteData` takes it apart; in between
@@ -84,14 +103,13 @@ class VEK0_API CData {
   /// the first call for the name: it keeps the name of a font that the process does not
   /// have. It lives as long as the drawing and those that share its fonts.
   const ICADFont* needFont(const zim::WString& name);
-  /// Lends the drawing's own fonts to `data` as well, which takes over styles of this
-  /// one and has no fonts of its own yet.
-  void shareFonts(CData& data) const { data.m_fonts = m_fonts; }
+  /// Makes `data`, which takes over styles of this drawing, keep its fonts too.
+  void shareFonts(CData& data) const { data.m_fonts.insert(m_fonts.begin(), m_fonts.end()); }
 
  private:
-  using Fonts = std::unordered_map<zim::WString, std::unique_ptr<ICADFont>>;
+  bool isView() const { return m_layers.getLayer0() != &m_layer0; }
+  void releaseCounts();
 
-  std::shared_ptr<Fonts> m_fonts = std::make_shared<Fonts>();  // outlive the styles
   std::shared_ptr<IHandleGestor> m_gestor;
   CBlockXRefDepend m_depend;
   CLtypeContinuous m_continuous;
@@ -110,6 +128,8 @@ class VEK0_API CData {
   std::shared_ptr<CStyleFactory> m_styleFactory;
   std::shared_ptr<CBlockFactory> m_blockFactory;
   std::shared_ptr<CEntFactory> m_entFactory;
+  std::unordered_map<zim::WString, std::shared_ptr<const ICADFont>> m_fonts;
+  vek0::detail::LivingDrawing m_living;
 };
 
 namespace vek0::detail {

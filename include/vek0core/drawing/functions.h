@@ -32,16 +32,17 @@ class TEXT_3D;
 VEK0_API void initCore();
 
 /// Releases the font table and the colour names of the process. To be called after the
-/// last drawing is gone: drawings name the fonts.
+/// last drawing is gone: drawings name the fonts. Debug builds assert it.
 VEK0_API void shutdownCore();
 
 /// Destroys a drawing with everything in it; null is ignored.
 VEK0_API void deleteData(CData* data);
 
-/// A drawing with the same content: tables, blocks, entities with their handles, fixed
-/// items, variables and current items. Fonts are shared; use counts are those of a
-/// recount. The caller gives it to `deleteData`; null when there is no memory. Linear
-/// in the drawing.
+/// A drawing with the same content: tables, blocks, entities with their handles, selection,
+/// fixed items, variables and current items. Its fonts are the same objects, its use
+/// counts those of a recount. What names items in no table of `data` goes on naming those.
+/// The caller gives it to `deleteData`; null when there is no memory. Linear in the
+/// drawing.
 VEK0_API CData* cloneData(const CData& data);
 
 // --- Current items: read and written as they are, no checks
@@ -139,8 +140,7 @@ VEK0_API CEntArc* createEntArc(const CData& data, const ARC_3D& arc, long handle
 /// An empty polyline. Flags and degree as in `CEntPolyline`.
 VEK0_API CEntPolyline* createEntPolyline(const CData& data, CLayer* layer, CLtype* ltype,
                                          short color, long flags, short degree, long handle);
-VEK0_API CEntPolyline* createEntPolyline(const CData& data, long flags, short degree,
-                                         long handle);
+VEK0_API CEntPolyline* createEntPolyline(const CData& data, long flags, short degree, long handle);
 /// A vertex for a polyline, with the widths at the start and the end of its segment.
 VEK0_API CVertex* createVertex(const CData& data, const PNT_3D& pnt, double widthStart,
                                double widthEnd, long handle);
@@ -165,26 +165,25 @@ VEK0_API CEntInsert* createEntInsert(const CData& data, CLayer* layer, CLtype* l
                                      CBlock& block, const PNT_3D& pnt, double sx, double sy,
                                      double sz, double rotation, long columns, long rows,
                                      double columnSpacing, double rowSpacing, long handle);
-VEK0_API CEntInsert* createEntInsert(const CData& data, CBlock& block, const PNT_3D& pnt,
-                                     double sx, double sy, double sz, double rotation,
-                                     long columns, long rows, double columnSpacing,
-                                     double rowSpacing, long handle);
+VEK0_API CEntInsert* createEntInsert(const CData& data, CBlock& block, const PNT_3D& pnt, double sx,
+                                     double sy, double sz, double rotation, long columns, long rows,
+                                     double columnSpacing, double rowSpacing, long handle);
 
 /// `refSize` drawing units of the block cover `pixels` pixels at every zoom.
 VEK0_API CEntFixedInsert* createEntFixedInsert(const CData& data, CLayer* layer, CLtype* ltype,
                                                short color, CBlock& block, const PNT_3D& pnt,
                                                double refSize, double pixels, double rotation,
                                                long handle);
-VEK0_API CEntFixedInsert* createEntFixedInsert(const CData& data, CBlock& block,
-                                               const PNT_3D& pnt, double refSize, double pixels,
-                                               double rotation, long handle);
+VEK0_API CEntFixedInsert* createEntFixedInsert(const CData& data, CBlock& block, const PNT_3D& pnt,
+                                               double refSize, double pixels, double rotation,
+                                               long handle);
 
 /// Counts on the drawing's own dependency record.
-VEK0_API CEntInsertXRef* createEntInsertXRef(CData& data, CLayer* layer, CLtype* ltype,
-                                             short color, CBlockXRef& xref, const PNT_3D& pnt,
-                                             double sx, double sy, double sz, double rotation,
-                                             long columns, long rows, double columnSpacing,
-                                             double rowSpacing, long handle);
+VEK0_API CEntInsertXRef* createEntInsertXRef(CData& data, CLayer* layer, CLtype* ltype, short color,
+                                             CBlockXRef& xref, const PNT_3D& pnt, double sx,
+                                             double sy, double sz, double rotation, long columns,
+                                             long rows, double columnSpacing, double rowSpacing,
+                                             long handle);
 /// Counts on the given record.
 VEK0_API CEntInsertXRef* createEntInsertXRef(const CData& data, CBlockXRefDepend& depend,
                                              CBlockXRef& xref, const PNT_3D& pnt, double sx,

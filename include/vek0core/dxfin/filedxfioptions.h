@@ -16,8 +16,8 @@ struct CFileDXFIPolicy {
 /// How a file is to be read, beyond what file and drawing say.
 ///
 /// `report` is borrowed, may be null, and receives what the reader skipped,
-/// replaced or approximated, under these codes (the sample is the name or kind at
-/// fault, the line is where the record ended):
+/// replaced or approximated, under these codes. The sample is the name, kind or code
+/// at fault; the line is the last one read by then, 0 for what only the drawing tells.
 ///
 ///   code dropped          a group code that a drawing has no place for
 ///   extrusion ignored     an entity drawn in a plane other than X, Y

@@ -47,9 +47,10 @@ class VEK0_API CFileDXFIParser {
   CFileDXFIParser& operator=(const CFileDXFIParser&) = delete;
   virtual ~CFileDXFIParser();
 
-  /// Opens the file, reads it, closes it. False with no error recorded when it
-  /// cannot be opened, false with one after a failure: the record then holds kind,
-  /// line and file name. Running out of memory is error 1.
+  /// Opens the file, forgets what the error record held, reads, closes the file.
+  /// False without an error when the file cannot be opened, false with one after a
+  /// failure: the record then holds kind, line and file name. Running out of memory
+  /// is error 1.
   bool load();
 
   /// `$ACADVER` as the file gives it; empty when there was none.
@@ -121,6 +122,7 @@ class VEK0_API CFileDXFIParser {
   void readBlockHeader(BlockHeader& block);
   void readBlockEntities(OwnedEntities& entities);
   void createBlock(const BlockHeader& block, OwnedEntities& entities);
+  void add(std::unique_ptr<CEnt> ent);
   void skipTo(std::string_view keyword);
 
   bool failed() const { return m_err.HasAnError(); }

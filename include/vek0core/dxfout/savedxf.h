@@ -35,21 +35,22 @@ inline constexpr unsigned kSaveExchange = 16;
 ///
 /// False when the file cannot be opened, a write fails, memory runs out or blocks
 /// insert each other in a circle; what was written until then stays in the file,
-/// which is closed. One pass, linear in the drawing; memory beside the drawing is
-/// 8 bytes for each handle and 64 KiB.
+/// which is closed. Linear in the drawing; memory beside it is 8 bytes a handle, the
+/// converted names and 64 KiB.
 VEK0_API bool SaveDXF(const CData& data, IFile& file, unsigned flags);
 
 /// The same, and adds to `report` (may be null) what the file does not hold as the
 /// drawing does:
 ///
-///   name changed        a name made valid for the format, or unique
-///   names coincide      two items of a table that became one (classic form only)
-///   entity not finite   an entity with a number that is NaN or infinite is missing
-///   number not finite   such a number of a variable or a table item was replaced
+///   name changed          a name made valid for the format, or unique
+///   names coincide        two items of a table that became one (classic form only)
+///   name not dependent    an item flagged as part of an external reference, but not
+///                         named so, lost the flag
+///   entity not finite     an entity with a number that is NaN or infinite is missing
+///   number not finite     such a number of a variable or a table item was replaced
+///   color out of range    a colour that the format does not have was replaced
 ///   insert without block  an insert whose block the drawing does not have is missing
-///   fixed insert        an insert of fixed pixel size became an ordinary one
-///   color out of range  a colour that the format does not have was replaced
-///   text cut            a text ends at the longest line that readers take
-///   name not dependent  an item flagged as part of an external reference, but not
-///                       named so, lost the flag
+///   fixed insert          an insert of fixed pixel size became an ordinary one
+///   text cut              a text ends at the longest line that readers take
+///   blocks in a circle    blocks insert each other, which is why saving failed
 VEK0_API bool SaveDXF(const CData& data, IFile& file, unsigned flags, CFileReport* report);

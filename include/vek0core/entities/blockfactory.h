@@ -33,6 +33,5 @@ class VEK0_API CBlockFactory {
                                  const zim::WString& path, const PNT_3D& base, long flags);
   /// Fills in what a declaration says about a reference that its dependent layers or
   /// linetypes announced.
-  virtual void initXRef(CBlockXRef& xref, const zim::WString& path, const PNT_3D& base,
-                        long flags);
+  virtual void initXRef(CBlockXRef& xref, const zim::WString& path, const PNT_3D& base, long flags);
 };

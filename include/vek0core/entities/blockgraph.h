@@ -101,6 +101,7 @@ class VEK0_API CBlockGraph {
 
   Item* find(const CBlock& block) const;
   bool reaches(const std::vector<Item*>& from, Item& to) const;
+  void meet(const CBlock* block, unsigned long number, std::vector<Item*>& items) const;
   std::vector<Item*> itemsOf(const std::list<CBlock*>& blocks) const;
   static void setEdges(Item& item, const std::vector<Item*>& targets);
 

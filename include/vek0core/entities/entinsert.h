@@ -26,8 +26,8 @@ class AttribsMemento;
 /// Extents are computed when they are asked for, so that the block may be filled
 /// later; when its content changes after that, `calcBdry()` brings them up to date
 /// (tables of entities and blocks call it for their inserts). They cover all cells of
-/// the array and the attributes. An insert of an empty block, or one whose extents
-/// are not finite, has empty extents.
+/// the array and the attributes; a block that shows nothing adds nothing, and extents
+/// that are not finite are empty.
 class VEK0_API CEntInsertBase : public CEnt {
  public:
   ~CEntInsertBase() override;
@@ -52,8 +52,7 @@ class VEK0_API CEntInsertBase : public CEnt {
                                double& rotation) const = 0;
   /// Array of copies: columns run along the insert's x axis, rows along y; spacings
   /// are drawing units and not scaled. Here: a single cell without spacings.
-  virtual void getArray(long& columns, long& rows, double& columnSpacing,
-                        double& rowSpacing) const;
+  virtual void getArray(long& columns, long& rows, double& columnSpacing, double& rowSpacing) const;
   /// Whether the x and y scales are exactly equal. Here: yes.
   virtual bool IsIsotropicXY() const { return true; }
 
@@ -197,8 +196,7 @@ class VEK0_API CEntInsertXRef : public CEntInsert {
   /// `depend` must outlive the insert.
   CEntInsertXRef(long handle, CLayer* layer, CLtype* ltype, short color, CBlockXRefDepend& depend,
                  CBlockXRef* xref, const PNT_3D& pnt, double sx, double sy, double sz,
-                 double rotation, long columns, long rows, double columnSpacing,
-                 double rowSpacing);
+                 double rotation, long columns, long rows, double columnSpacing, double rowSpacing);
   CEntInsertXRef(IHandleGestor& gestor, CEntFactory& factory, const CEntInsertXRef& src,
                  long handle);
 

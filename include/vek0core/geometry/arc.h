@@ -92,6 +92,7 @@ VEK0_API int arcChords(double angleRad);
 /// Appends the chords of a polyline segment with a bulge to `out`: the points that divide
 /// its arc into `arcChords` equal parts, in order from p0, which is left out, to p1
 /// itself. z goes linearly. A segment that `createArcFromBulge` calls straight adds p1
-/// alone. Inner points lie on the arc within 1e-12 of its radius. Linear in the points.
+/// alone. The other points lie on the arc within 1e-12 of its radius and of their
+/// coordinates. The ends may be elements of `out`. Linear in the points.
 VEK0_API void bulgePoints(const PNT_3D& p0, const PNT_3D& p1, double bulge,
                           std::vector<PNT_3D>& out);

@@ -28,11 +28,11 @@ inline constexpr int kCurveChords = 8;
 /// Any other type, and fewer than three controls, give the controls back. Bulges of the
 /// controls mean nothing to the curves.
 ///
-/// `degree` is brought into 2 to 3, `chords` (for each span between two controls) into 2
-/// to 64. An open curve begins and ends exactly at the outer controls; a closed one does
-/// not repeat its first vertex. Widths run along the curve as they run along the frame.
-/// Linear in controls times chords. Formulas: de Boor, de Casteljau; biarcs with equal
-/// tangent lengths (Bolton 1975).
+/// `degree` is brought into 2 to 3 and below the number of controls, `chords` (for each
+/// span between two controls) into 2 to 64. An open curve begins and ends exactly at the
+/// outer controls; a closed one does not repeat its first vertex. Widths run along the
+/// curve as they run along the frame. Linear in controls times chords. Formulas: de Boor,
+/// de Casteljau; biarcs with equal tangent lengths (Bolton 1975).
 VEK0_API std::vector<CURVE_VERTEX> curveVertexes(const std::vector<CURVE_VERTEX>& controls,
                                                  short curveType, short degree, bool closed,
                                                  int chords = kCurveChords);

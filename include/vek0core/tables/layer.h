@@ -18,8 +18,8 @@ class VEK0_API ILayerVisitor {
   virtual void visit(CLayer& layer) = 0;
 };
 
-/// Line width of a layer; kept for the host, not interpreted here. 0 is the default.
-enum enumLineWidth { lineWidthDefault = 0 };
+/// Line width of a layer: any value of the host's, kept and not interpreted. 0 is the default.
+enum enumLineWidth : int { lineWidthDefault = 0 };
 
 /// Snapshot of a layer, for undo. Borrows the linetype.
 class VEK0_API CLayerMemento {

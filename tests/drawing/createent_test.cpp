@@ -1,0 +1,205 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "drawing/drawings.h"
+
+namespace {
+
+using vek0::test::addedBlock;
+using vek0::test::addedLayer;
+using vek0::test::addedLtype;
+using vek0::test::addedXRef;
+using vek0::test::Drawing;
+using vek0::test::newDrawing;
+
+const PNT_3D kPnt(1, 2, 3);
+
+TEXT_3D someText() { return TEXT_3D(u"text", nullptr, 1, 2, 3, 4, 0, 1, 0, 0); }
+
+// A drawing with things to refer to, and items that are not its current ones.
+struct Scene {
+  Drawing drawing = newDrawing();
+  CData& data = *drawing;
+  CLayer* layer = addedLayer(data, u"explicit");
+  CLtype* ltype = addedLtype(data, u"EXPLICIT");
+  CBlock& block = *addedBlock(data, u"B");
+  CBlockXRef& xref = *addedXRef(data, u"X");
+};
+
+struct Kind {
+  using Create = std::function<CEnt*(Scene&, long handle)>;
+  Kind(const char* ofName, short ofType, Create explicitForm, Create currentForm)
+      : name(ofName),
+        type(ofType),
+        explicitly(std::move(explicitForm)),
+        current(std::move(currentForm)) {}
+
+  const char* name;
+  short type;
+  Create explicitly;
+  Create current;
+};
+
+std::vector<Kind> allKinds() {
+  std::vector<Kind> kinds;
+  kinds.emplace_back(
+      "point", 1,
+      [](Scene& s, long h) { return createEntPnt(s.data, s.layer, s.ltype, 5, kPnt, h); },
+      [](Scene& s, long h) { return createEntPnt(s.data, kPnt, h); });
+  kinds.emplace_back(
+      "line", 2,
+      [](Scene& s, long h) {
+        return createEntLine(s.data, s.layer, s.ltype, 5, LINE_3D(kPnt, kPnt), h);
+      },
+      [](Scene& s, long h) { return createEntLine(s.data, LINE_3D(kPnt, kPnt), h); });
+  kinds.emplace_back(
+      "circle", 3,
+      [](Scene& s, long h) {
+        return createEntCircle(s.data, s.layer, s.ltype, 5, CIRCLE_3D(1, 2, 3, 4), h);
+      },
+      [](Scene& s, long h) { return createEntCircle(s.data, CIRCLE_3D(1, 2, 3, 4), h); });
+  kinds.emplace_back(
+      "arc", 4,
+      [](Scene& s, long h) {
+        return createEntArc(s.data, s.layer, s.ltype, 5, ARC_3D(1, 2, 3, 4, 1, 2), h);
+      },
+      [](Scene& s, long h) { return createEntArc(s.data, ARC_3D(1, 2, 3, 4, 1, 2), h); });
+  kinds.emplace_back(
+      "polyline", 5,
+      [](Scene& s, long h) { return createEntPolyline(s.data, s.layer, s.ltype, 5, 1L, 0, h); },
+      [](Scene& s, long h) { return createEntPolyline(s.data, 1L, 0, h); });
+  kinds.emplace_back(
+      "text", 6,
+      [](Scene& s, long h) { return createEntText(s.data, s.layer, s.ltype, 5, someText(), h); },
+      [](Scene& s, long h) { return createEntText(s.data, someText(), h); });
+  kinds.emplace_back(
+      "attribute definition", 7,
+      [](Scene& s, long h) {
+        return createEntAttdef(s.data, s.layer, s.ltype, 5, someText(), u"value", u"prompt", 8, h);
+      },
+      [](Scene& s, long h) {
+        return createEntAttdef(s.data, someText(), u"value", u"prompt", 8, h);
+      });
+  kinds.emplace_back(
+      "insert", 8,
+      [](Scene& s, long h) {
+        return createEntInsert(s.data, s.layer, s.ltype, 5, s.block, kPnt, 2, 3, 4, 0.5, 6, 7, 8, 9,
+                               h);
+      },
+      [](Scene& s, long h) {
+        return createEntInsert(s.data, s.block, kPnt, 2, 3, 4, 0.5, 6, 7, 8, 9, h);
+      });
+  kinds.emplace_back(
+      "insert of an external reference", 8,
+      [](Scene& s, long h) {
+        return createEntInsertXRef(s.data, s.layer, s.ltype, 5, s.xref, kPnt, 2, 3, 4, 0.5, 6, 7, 8,
+                                   9, h);
+      },
+      [](Scene& s, long h) {
+        return createEntInsertXRef(s.data, s.data.getDepend(), s.xref, kPnt, 2, 3, 4, 0.5, 6, 7, 8,
+                                   9, h);
+      });
+  kinds.emplace_back(
+      "insert of fixed size", 12,
+      [](Scene& s, long h) {
+        return createEntFixedInsert(s.data, s.layer, s.ltype, 5, s.block, kPnt, 2, 3, 0.5, h);
+      },
+      [](Scene& s, long h) { return createEntFixedInsert(s.data, s.block, kPnt, 2, 3, 0.5, h); });
+  kinds.emplace_back(
+      "3D face", 11,
+      [](Scene& s, long h) {
+        return createEnt3DFace(s.data, s.layer, s.ltype, 5, kPnt, kPnt, kPnt, kPnt, 3, h);
+      },
+      [](Scene& s, long h) { return createEnt3DFace(s.data, kPnt, kPnt, kPnt, kPnt, 3, h); });
+  return kinds;
+}
+
+TEST(CreateEnt, TheExplicitFormTakesWhatItIsGiven) {
+  for (const Kind& kind : allKinds()) {
+    SCOPED_TRACE(kind.name);
+    Scene s;
+    const std::unique_ptr<CEnt> ent(kind.explicitly(s, 0x1F));
+    EXPECT_EQ(ent->getType(), kind.type);
+    EXPECT_EQ(ent->getLayer(), s.layer);
+    EXPECT_EQ(ent->getLtype(), s.ltype);
+    EXPECT_EQ(ent->getColor(), 5);
+    EXPECT_EQ(ent->GetHandle(), 0x1F);
+    EXPECT_EQ(s.layer->getEntities(), 0) << "nothing counts before a table takes it";
+  }
+}
+
+TEST(CreateEnt, TheCurrentFormTakesTheCurrentItems) {
+  for (const Kind& kind : allKinds()) {
+    SCOPED_TRACE(kind.name);
+    Scene s;
+    std::unique_ptr<CEnt> ent(kind.current(s, 0));
+    EXPECT_EQ(ent->getType(), kind.type);
+    EXPECT_EQ(ent->getLayer(), getLayer0(s.data));
+    EXPECT_EQ(ent->getLtype(), getLtypeByLayer(s.data));
+    EXPECT_EQ(ent->getColor(), 256);
+    setCurLayer(s.data, s.layer);
+    setCurLtype(s.data, getLtypeByBlock(s.data));
+    setCurColor(s.data, 0);
+    ent.reset(kind.current(s, 0x1F));
+    EXPECT_EQ(ent->getLayer(), s.layer);
+    EXPECT_EQ(ent->getLtype(), getLtypeByBlock(s.data));
+    EXPECT_EQ(ent->getColor(), 0);
+    EXPECT_EQ(ent->GetHandle(), 0x1F);
+  }
+}
+
+TEST(CreateEnt, InsertsPassTheirValuesInOrder) {
+  Scene s;
+  for (const Kind& kind : allKinds()) {
+    if (kind.type != 8) continue;
+    SCOPED_TRACE(kind.name);
+    const std::unique_ptr<CEnt> ent(kind.current(s, 0));
+    PNT_3D pnt;
+    double sx, sy, sz, rotation, columnSpacing, rowSpacing;
+    long columns, rows;
+    ent->getEntInsert()->getInsertParams(1, pnt, sx, sy, sz, rotation);
+    ent->getEntInsert()->getArray(columns, rows, columnSpacing, rowSpacing);
+    EXPECT_TRUE(pnt == kPnt && sx == 2 && sy == 3 && sz == 4 && rotation == 0.5);
+    EXPECT_TRUE(columns == 6 && rows == 7 && columnSpacing == 8 && rowSpacing == 9);
+  }
+}
+
+// The explicit form knows the drawing's record, the current one is handed another.
+TEST(CreateEnt, ReferencesAreCountedOnTheRightRecord) {
+  Scene s;
+  CBlockXRefDepend other;
+  const std::unique_ptr<CEnt> own(
+      createEntInsertXRef(s.data, s.layer, s.ltype, 5, s.xref, kPnt, 1, 1, 1, 0, 1, 1, 0, 0, 0));
+  const std::unique_ptr<CEnt> foreign(
+      createEntInsertXRef(s.data, other, s.xref, kPnt, 1, 1, 1, 0, 1, 1, 0, 0, 0));
+  own->addTbls(s.data.getHandleGestor());
+  EXPECT_EQ(s.data.getDepend().getCount(&s.xref), 1);
+  EXPECT_EQ(other.size(), 0u);
+  foreign->addTbls(s.data.getHandleGestor());
+  EXPECT_EQ(other.getCount(&s.xref), 1);
+  own->removeTbls(s.data.getHandleGestor());
+  foreign->removeTbls(s.data.getHandleGestor());
+  EXPECT_EQ(s.data.getDepend().size(), 0u);
+}
+
+TEST(CreateEnt, AttributesFollowTheirDefinition) {
+  Scene s;
+  const std::unique_ptr<CEntAttdef> def(
+      createEntAttdef(s.data, s.layer, s.ltype, 5, someText(), u"value", u"prompt", 8, 0));
+  const std::unique_ptr<CEntAttrib> attrib(createEntAttrib(s.data, u"mine", *def, 7));
+  EXPECT_EQ(attrib->getValue(), u"mine");
+  EXPECT_EQ(attrib->getTag(), u"text");
+  EXPECT_EQ(attrib->getFlags(), 8);
+  EXPECT_EQ(attrib->getLayer(), s.layer);
+  EXPECT_EQ(attrib->GetHandle(), 7);
+  const std::unique_ptr<CVertex> vertex(createVertex(s.data, kPnt, 1, 2, 9));
+  EXPECT_TRUE(vertex->getPnt() == kPnt);
+  EXPECT_EQ(vertex->GetWidthEnd(), 2);
+  EXPECT_EQ(vertex->GetHandle(), 9);
+}
+
+}  // namespace

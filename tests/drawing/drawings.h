@@ -1,0 +1,90 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "vek0core/vek0core.h"
+
+namespace vek0::test {
+
+struct DrawingDeleter {
+  void operator()(CData* data) const { deleteData(data); }
+};
+using Drawing = std::unique_ptr<CData, DrawingDeleter>;
+
+inline Drawing newDrawing() { return Drawing(CDataFactory().createData()); }
+
+inline CLayer* addedLayer(CData& data, const zim::WString& name, short color = 7, long flags = 0) {
+  addLayer(data, data.getLayerFactory().create(name, &data.getLtypeContinuous(), color, flags));
+  return getLayer(data, name);
+}
+
+inline CLtype* addedLtype(CData& data, const zim::WString& name) {
+  double values[] = {2, -1};
+  addLtype(data, data.getLtypeFactory().create(name, u"_ _", values, 2, 0));
+  return getLtype(data, name);
+}
+
+inline CStyle* addedStyle(CData& data, const zim::WString& name) {
+  addStyle(data, data.getStyleFactory().create(name, nullptr, 2, 1, 0, 0.2, 0));
+  return getStyle(data, name);
+}
+
+/// A block that holds one line.
+inline CBlock* addedBlock(CData& data, const zim::WString& name) {
+  CBlock* block = data.getBlockFactory().create(name, PNT_3D(1, 2, 0), 0);
+  block->add(createEntLine(data, LINE_3D(0, 0, 0, 10, 5, 0), 0));
+  data.getBlockTable().add(block);
+  return block;
+}
+
+inline CBlockXRef* addedXRef(CData& data, const zim::WString& name) {
+  CBlockXRef* xref = data.getBlockFactory().createXRef(
+      data.getLtypeContinuous(), data.getLtypeByLayer(), data.getLtypeByBlock(), data.getLayer0(),
+      name, u"other.dxf", PNT_3D(0, 0, 0), 4);
+  data.getBlockXRefTable().add(xref);
+  return xref;
+}
+
+inline CEntInsert* insertOf(CData& data, CBlock& block, double x, long handle = 0) {
+  return createEntInsert(data, block, PNT_3D(x, 0, 0), 2, 3, 1, 0.5, 2, 3, 20, 30, handle);
+}
+
+inline TEXT_3D dashText(CStyle* style) { return TEXT_3D(u"GAS", style, 0, 0, 0, 1, 0, 1, 0, 0); }
+
+inline CLtype* addedDependentLtype(CData& data, CBlockXRef& xref, const zim::WString& name) {
+  CLtype* ltype = data.getLtypeFactory().createXRef(xref, name, u"", {}, 0);
+  xref.getLtypeTable().add(ltype);
+  return ltype;
+}
+
+inline void addDependentLayer(CData& data, CBlockXRef& xref, const zim::WString& name,
+                              CLtype* ltype) {
+  xref.getLayerTable().add(data.getLayerFactory().createXRef(xref, name, ltype, 1, 0));
+}
+
+/// The drawing and its references "X" and "Y" name linetypes and styles of each other, in
+/// every direction that there is.
+inline void addCrossNames(CData& data) {
+  CBlockXRef& x = *addedXRef(data, u"X");
+  CBlockXRef& y = *addedXRef(data, u"Y");
+  CLtype* own = addedLtype(data, u"OWN");
+  CLtype* ofX = addedDependentLtype(data, x, u"XT");
+  CLtype* ofY = addedDependentLtype(data, y, u"YT");
+  data.getLtypeContinuous().AddDashText(dashText(y.getStyleTable()[0]));
+  own->AddDashText(dashText(y.getStyleTable()[0]));
+  ofX->AddDashText(dashText(addedStyle(data, u"S")));
+  ofY->AddDashText(dashText(x.getStyleTable()[0]));
+  addedLayer(data, u"L")->setLtype(ofX);
+  addDependentLayer(data, x, u"XL", own);
+  addDependentLayer(data, x, u"XL2", ofY);
+  addDependentLayer(data, y, u"YL", ofX);
+}
+
+/// The drawing as other programs would read it.
+inline std::string saved(const CData& data) {
+  CFileMemory file(u"out.dxf", IFile::kWrite);
+  return SaveDXF(data, file, kSaveExchange) ? file.bytes() : std::string();
+}
+
+}  // namespace vek0::test

@@ -1,0 +1,269 @@
+#include "vek0core/geometry/arc.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+
+namespace {
+
+constexpr double kPi = 3.141592653589793;
+constexpr double kTwoPi = 6.283185307179586;
+constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+double degrees(double d) { return d * kPi / 180; }
+
+/// Arc about the origin of radius 1, angles in degrees.
+ARC_3D arcOf(double start, double end) { return {0, 0, 0, 1, degrees(start), degrees(end)}; }
+
+class Randoms {
+ public:
+  explicit Randoms(unsigned seed) : m_random(seed) {}
+  double real(double low, double high) {
+    return std::uniform_real_distribution<double>(low, high)(m_random);
+  }
+  PNT_3D point() { return {real(-9, 9), real(-9, 9), real(-9, 9)}; }
+  ARC_3D arc() {
+    return {real(-9, 9), real(-9, 9), 0, real(0.5, 9), real(0, kTwoPi), real(0, kTwoPi)};
+  }
+
+ private:
+  std::mt19937 m_random;
+};
+
+TEST(Arc, AnglesAreNormalised) {
+  const struct {
+    double given, stored;
+  } cases[] = {
+      {-kPi / 2,    3 * kPi / 2},
+      {5 * kPi / 2, kPi / 2    },
+      {kTwoPi,      0          },
+      {-kTwoPi,     0          },
+      {3 * kTwoPi,  0          },
+      {-1e-17,      0          },
+      {kInf,        0          },
+      {-kInf,       0          },
+      {kNan,        0          },
+      {1.25,        1.25       },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.given);
+    EXPECT_DOUBLE_EQ(ARC_3D(0, 0, 0, 1, t.given, 0).startAngle, t.stored);
+    EXPECT_DOUBLE_EQ(ARC_3D(0, 0, 0, 1, 0, t.given).endAngle, t.stored);
+  }
+}
+
+// A loop of steps would not end here.
+TEST(Arc, HugeAnglesAreNormalisedAtOnce) {
+  for (const double angle : {1e9, -1e9, 1e17, -1e300, std::numeric_limits<double>::max()}) {
+    SCOPED_TRACE(angle);
+    const double a = ARC_3D::normal(angle);
+    EXPECT_GE(a, 0);
+    EXPECT_LT(a, kTwoPi);
+    EXPECT_NEAR(std::sin(a), std::sin(std::fmod(angle, kTwoPi)), 1e-9);
+  }
+}
+
+TEST(Arc, SafeAnglesSweepForward) {
+  double s = 0, e = 0;
+  arcOf(350, 10).getSafeAngles(s, e);
+  EXPECT_DOUBLE_EQ(s, degrees(350));
+  EXPECT_DOUBLE_EQ(e, degrees(370));
+  arcOf(30, 30).getSafeAngles(s, e);
+  EXPECT_DOUBLE_EQ(e - s, kTwoPi);
+  arcOf(30, 40).getSafeAngles(s, e);
+  EXPECT_DOUBLE_EQ(e - s, degrees(10));
+}
+
+TEST(Arc, AnglesInAndOutOfTheSweep) {
+  const struct {
+    const char* name;
+    ARC_3D arc;
+    double angle;
+    bool in;
+  } cases[] = {
+      {"across 0, at 0",                    arcOf(350, 10),  0,                   true },
+      {"across 0, at its end",              arcOf(350, 10),  degrees(10),         true },
+      {"across 0, opposite",                arcOf(350, 10),  degrees(180),        false},
+      {"a turn further",                    arcOf(20,  40),  degrees(390),        true },
+      {"a turn back",                       arcOf(20,  40),  degrees(-330),       true },
+      {"full turn from 0",                  arcOf(0,   0),   degrees(123),        true },
+      {"full turn from 90, before it",      arcOf(90,  90),  degrees(89),         true },
+      {"within the tolerance of the start", arcOf(90,  180), degrees(90) - 2e-12, true },
+      {"outside the tolerance",             arcOf(90,  180), degrees(90) - 3e-12, false},
+      {"starts at 0, just below the turn",  arcOf(0,   90),  kTwoPi - 1e-13,      true },
+      {"starts at 0, too far below",        arcOf(0,   90),  kTwoPi - 1e-11,      false},
+      {"ends at 0, at its end",             arcOf(270, 0),   0,                   true },
+      {"ends at 0, just past it",           arcOf(270, 0),   1e-13,               true },
+      {"ends at 0, too far past",           arcOf(270, 0),   1e-10,               false},
+      {"not a number counts as 0",          arcOf(90,  180), kNan,                false},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    EXPECT_EQ(t.arc.angle_in_arc(t.angle), t.in);
+  }
+}
+
+TEST(Arc, Extents) {
+  const double h = std::sqrt(0.5);
+  const struct {
+    const char* name;
+    ARC_3D arc;
+    RECT_2D box;
+  } cases[] = {
+      {"a quarter",             arcOf(0,   90),  {0, 0, 1, 1}   },
+      {"across 0",              arcOf(315, 45),  {h, -h, 1, h}  },
+      {"across 90",             arcOf(45,  135), {-h, h, h, 1}  },
+      {"across 180",            arcOf(135, 225), {-1, -h, -h, h}},
+      {"across 270",            arcOf(225, 315), {-h, -1, h, -h}},
+      {"all but a quarter",     arcOf(45,  315), {-1, -1, h, 1} },
+      {"three extremes past 0", arcOf(315, 225), {-1, -h, 1, 1} },
+      {"full turn",             arcOf(33,  33),  {-1, -1, 1, 1} },
+      {"full turn from 0",      arcOf(0,   0),   {-1, -1, 1, 1} },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    RECT_3D box;
+    t.arc.calc_bdry(box);
+    EXPECT_NEAR(PNT_2D(box.min).dist(t.box.min), 0, 1e-15);
+    EXPECT_NEAR(PNT_2D(box.max).dist(t.box.max), 0, 1e-15);
+  }
+}
+
+TEST(Arc, ExtentsAreThoseOfManyOfItsPoints) {
+  Randoms random(31);
+  for (int i = 0; i < 300; ++i) {
+    SCOPED_TRACE(testing::Message() << "seed 31, round " << i);
+    const ARC_3D arc = random.arc();
+    RECT_3D box, sampled;
+    arc.calc_bdry(box);
+    sampled.initRegion();
+    double s = 0, e = 0;
+    arc.getSafeAngles(s, e);
+    for (int k = 0; k <= 2000; ++k) sampled.updateRegion(arc.getPntAngle(s + (e - s) * k / 2000));
+    // 2000 steps miss an extreme by r * (pi / 2000)^2 / 2 at most.
+    EXPECT_LT(box.min.dist(sampled.min) + box.max.dist(sampled.max), 1e-4);
+  }
+}
+
+TEST(Arc, RotateTurnsItsEnds) {
+  Randoms random(32);
+  for (int i = 0; i < 300; ++i) {
+    SCOPED_TRACE(testing::Message() << "seed 32, round " << i);
+    ARC_3D arc = random.arc();
+    const PNT_3D center = random.point();
+    const double angle = random.real(-20, 20);
+    PNT_3D ends[2], after[2];
+    arc.end_points(ends[0], ends[1]);
+    arc.rotate(center, angle);
+    arc.end_points(after[0], after[1]);
+    for (int k = 0; k < 2; ++k) {
+      ends[k].rotate(center, angle);
+      EXPECT_LT(ends[k].dist(after[k]), 1e-12 * 100);
+    }
+    EXPECT_EQ(arc.startAngle, ARC_3D::normal(arc.startAngle));
+  }
+}
+
+TEST(Arc, CreatePassesThroughTheMiddleAndIsCounterClockwise) {
+  Randoms random(33);
+  for (int i = 0; i < 500; ++i) {
+    SCOPED_TRACE(testing::Message() << "seed 33, round " << i);
+    const PNT_3D a = random.point(), b = random.point(), c = random.point();
+    ARC_3D arc, back;
+    ASSERT_TRUE(arc.Create(a, b, c));
+    ASSERT_TRUE(back.Create(c, b, a));
+    EXPECT_EQ(arc.z, a.z);
+    EXPECT_TRUE(arc.angle_in_arc(arc.angle(b)));
+    EXPECT_LT(arc.dist(b), 1e-8);
+    EXPECT_LT(arc.dist_endpoints(a) + arc.dist_endpoints(c), 1e-8);
+    EXPECT_NEAR(arc.startAngle, back.startAngle, 1e-8);
+    EXPECT_NEAR(arc.endAngle, back.endAngle, 1e-8);
+  }
+  ARC_3D arc(1, 2, 3, 4, 5, 6);
+  EXPECT_FALSE(arc.Create(PNT_3D(0, 0, 0), PNT_3D(1, 1, 0), PNT_3D(2, 2, 0)));
+  EXPECT_TRUE(arc == ARC_3D(1, 2, 3, 4, 5, 6));
+}
+
+TEST(Arc, DistanceIsThatOfTheNearestPoint) {
+  Randoms random(34);
+  for (int i = 0; i < 200; ++i) {
+    SCOPED_TRACE(testing::Message() << "seed 34, round " << i);
+    const ARC_3D arc = random.arc();
+    const PNT_2D p = random.point();
+    double s = 0, e = 0, nearest = kInf;
+    arc.getSafeAngles(s, e);
+    for (int k = 0; k <= 2000; ++k) {
+      nearest = std::fmin(nearest, p.dist(arc.getPntAngle(s + (e - s) * k / 2000)));
+    }
+    EXPECT_NEAR(arc.dist(p), nearest, 0.03);
+    EXPECT_LE(arc.dist(p), nearest + 1e-9);
+    EXPECT_LE(arc.dist(p), arc.dist_endpoints(p) + 1e-9);
+  }
+}
+
+TEST(Arc, LinesMeetOnlyThePartThatIsThere) {
+  const ARC_3D upper = arcOf(0, 180);
+  const struct {
+    const char* name;
+    LINE_2D line;
+    long count;
+    PNT_2D first;
+  } cases[] = {
+      {"both on the arc",             {-2, 0.6, 2, 0.6},   2, {-0.8, 0.6}},
+      {"upwards, the second counts",  {0, -2, 0, 2},       1, {0, 1}     },
+      {"downwards, the first counts", {0, 2, 0, -2},       1, {0, 1}     },
+      {"both below",                  {-2, -0.6, 2, -0.6}, 0, {0, 0}     },
+      {"through both ends",           {-2, 0, 2, 0},       2, {-1, 0}    },
+      {"touches the top",             {-2, 1, 2, 1},       1, {0, 1}     },
+      {"touches the bottom",          {-2, -1, 2, -1},     0, {0, 0}     },
+      {"misses the circle",           {-2, 3, 2, 3},       0, {0, 0}     },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    PNT_2D p1(0, 0), p2(0, 0);
+    EXPECT_EQ(upper.intersect(t.line, p1, p2), t.count);
+    EXPECT_EQ(upper.intersect(t.line), t.count);
+    if (t.count > 0) {
+      EXPECT_NEAR(p1.dist(t.first), 0, 1e-12);
+    }
+    EXPECT_EQ(upper.intersect(IMP_LINE_2D(t.line), p1, p2), t.count);
+    if (t.count > 0) {
+      EXPECT_NEAR(upper.dist(p1), 0, 1e-12);
+    }
+    double t1 = 0, t2 = 0;
+    EXPECT_EQ(upper.intersect(PAR_LINE_2D(t.line), t1, t2), t.count);
+    PAR_LINE_2D(t.line).calcPt(t1, p1);
+    if (t.count > 0) {
+      EXPECT_NEAR(p1.dist(t.first), 0, 1e-12);
+    }
+  }
+}
+
+TEST(Arc, ArcsMeetInPointsOfBoth) {
+  Randoms random(35);
+  int counts[3] = {};
+  for (int i = 0; i < 3000; ++i) {
+    SCOPED_TRACE(testing::Message() << "seed 35, round " << i);
+    const ARC_3D a = random.arc(), b = random.arc();
+    PNT_2D p1(0, 0), p2(0, 0), q1(0, 0), q2(0, 0);
+    const long count = a.intersect(b, p1, p2);
+    ASSERT_EQ(b.intersect(a, q1, q2), count);
+    ++counts[count];
+    if (count > 0) {
+      EXPECT_LT(a.dist(p1) + b.dist(p1), 1e-8);
+    }
+    if (count == 2) {
+      EXPECT_LT(a.dist(p2) + b.dist(p2), 1e-8);
+    }
+    if (count == 1) {
+      EXPECT_LT(p1.dist(q1), 1e-8);
+    }
+    const long withCircle = a.intersect(static_cast<const CIRCLE_3D&>(b), q1, q2);
+    EXPECT_GE(withCircle, count);
+  }
+  for (const int n : counts) EXPECT_GT(n, 50);
+}
+
+}  // namespace

@@ -1,0 +1,172 @@
+// Polyline segments with a bulge, as arcs and as chords.
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+
+#include "vek0core/geometry/arc.h"
+
+namespace {
+
+constexpr double kPi = 3.141592653589793;
+constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+std::vector<PNT_3D> chordsOf(const PNT_3D& p0, const PNT_3D& p1, double bulge) {
+  std::vector<PNT_3D> points;
+  bulgePoints(p0, p1, bulge, points);
+  return points;
+}
+
+TEST(Bulge, ArcOfASegment) {
+  const double s = std::sqrt(0.5);
+  const struct {
+    const char* name;
+    double bulge;
+    ARC_3D arc;
+  } cases[] = {
+      {"half circle to the right of the way", 1,                {1, 0, 3, 1, kPi, 0}                      },
+      {"half circle to its left",             -1,               {1, 0, 3, 1, 0, kPi}                      },
+      {"quarter turning left",                std::sqrt(2) - 1, {1, 1, 3, 2 * s, kPi * 5 / 4, kPi * 7 / 4}},
+      {"quarter turning right",               1 - std::sqrt(2), {1, -1, 3, 2 * s, kPi / 4, kPi * 3 / 4}   },
+      {"three quarters turning left",         std::sqrt(2) + 1, {1, -1, 3, 2 * s, kPi * 3 / 4, kPi / 4}   },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    ARC_3D arc;
+    ASSERT_TRUE(createArcFromBulge(PNT_3D(0, 0, 2), PNT_3D(2, 0, 4), t.bulge, arc));
+    EXPECT_NEAR(arc.PNT_3D::dist(t.arc.x, t.arc.y, t.arc.z), 0, 1e-15);
+    EXPECT_NEAR(arc.radius, t.arc.radius, 1e-15);
+    EXPECT_NEAR(arc.startAngle, t.arc.startAngle, 1e-14);
+    EXPECT_NEAR(arc.endAngle, t.arc.endAngle, 1e-14);
+  }
+}
+
+TEST(Bulge, StraightSegments) {
+  const struct {
+    const char* name;
+    PNT_3D p0, p1;
+    double bulge;
+  } cases[] = {
+      {"no bulge",                    {0, 0, 0},      {1, 0, 0},     0     },
+      {"not a number",                {0, 0, 0},      {1, 0, 0},     kNan  },
+      {"endless",                     {0, 0, 0},      {1, 0, 0},     -kInf },
+      {"ends coincide",               {5, 5, 0},      {5, 5, 9},     1     },
+      {"ends coincide but for 1e-12", {0, 0, 0},      {1e-12, 0, 0}, 1     },
+      {"rise lost in the numbers",    {1e6, 0, 0},    {1e6, 10, 0},  1e-8  },
+      {"smallest bulge",              {0, 0, 0},      {1e9, 0, 0},   5e-324},
+      {"ends too far apart",          {-1e200, 0, 0}, {1e200, 0, 0}, 0.5   },
+      {"radius too large",            {0, 0, 0},      {1e100, 0, 0}, 1e200 },
+      {"end is not a number",         {0, 0, 0},      {kNan, 0, 0},  1     },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    ARC_3D arc(1, 2, 3, 4, 5, 6);
+    EXPECT_FALSE(createArcFromBulge(t.p0, t.p1, t.bulge, arc));
+    EXPECT_TRUE(arc == ARC_3D(1, 2, 3, 4, 5, 6));
+    EXPECT_EQ(chordsOf(t.p0, t.p1, t.bulge).size(), 1u);
+  }
+}
+
+// From the flattest arc that still is one to almost full circles, in any place and size.
+TEST(Bulge, ArcEndsAtThePointsAndHasTheAngle) {
+  std::mt19937 random(41);
+  std::uniform_real_distribution<double> real(-1, 1);
+  for (int i = 0; i < 2000; ++i) {
+    SCOPED_TRACE(testing::Message() << "seed 41, round " << i);
+    const double size = std::pow(10, 4 * real(random)), bulge = std::pow(10, 2 * real(random));
+    const PNT_3D p0(size * real(random), size * real(random), 0);
+    const PNT_3D p1(size * real(random), size * real(random), 0);
+    ARC_3D left, right;
+    ASSERT_TRUE(createArcFromBulge(p0, p1, bulge, left));
+    ASSERT_TRUE(createArcFromBulge(p0, p1, -bulge, right));
+    const double near = 1e-9 * (left.radius + size);
+    PNT_3D ps, pe;
+    left.end_points(ps, pe);
+    EXPECT_LT(PNT_2D(ps).dist(p0) + PNT_2D(pe).dist(p1), near);
+    right.end_points(ps, pe);
+    EXPECT_LT(PNT_2D(ps).dist(p1) + PNT_2D(pe).dist(p0), near);
+    double s = 0, e = 0;
+    left.getSafeAngles(s, e);
+    EXPECT_NEAR(std::tan((e - s) / 4), bulge, 1e-6 * (1 + bulge * bulge));
+    // Seen from the other end, the same arc has the opposite bulge.
+    ARC_3D back;
+    ASSERT_TRUE(createArcFromBulge(p1, p0, -bulge, back));
+    EXPECT_LT(PNT_2D(left).dist(back), near);
+  }
+}
+
+TEST(ArcChords, CountForAngles) {
+  const struct {
+    const char* name;
+    double angle;
+    int count;
+  } cases[] = {
+      {"nothing",      0,       2   },
+      {"flat",         1e-9,    2   },
+      {"half a turn",  kPi,     112 },
+      {"backwards",    -kPi,    112 },
+      {"full turn",    2 * kPi, 223 },
+      {"many turns",   1000,    1024},
+      {"endless",      kInf,    1024},
+      {"not a number", kNan,    2   },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    EXPECT_EQ(arcChords(t.angle), t.count);
+  }
+  // The promise behind the count: one chord more, and the error is below 1e-4.
+  for (const double angle : {0.5, 1.0, 3.0, 6.0}) {
+    EXPECT_LE(1 - std::cos(angle / arcChords(angle) / 2), 1e-4);
+    EXPECT_GT(1 - std::cos(angle / (arcChords(angle) - 1) / 2), 1e-4);
+  }
+}
+
+// Against the points by their angles from the centre, in long double.
+TEST(BulgePoints, LieOnTheArcAtEqualSteps) {
+  std::mt19937 random(42);
+  std::uniform_real_distribution<double> real(-1, 1);
+  for (int i = 0; i < 1000; ++i) {
+    SCOPED_TRACE(testing::Message() << "seed 42, round " << i);
+    const double size = std::pow(10, 4 * real(random)), sign = real(random) < 0 ? -1 : 1;
+    const double bulge = sign * std::pow(10, 3 * real(random));
+    const PNT_3D p0(size * real(random), size * real(random), real(random));
+    const PNT_3D p1(size * real(random), size * real(random), real(random));
+    const std::vector<PNT_3D> points = chordsOf(p0, p1, bulge);
+    const long double angle = 4 * std::atan(static_cast<long double>(bulge));
+    ASSERT_EQ(points.size(), static_cast<std::size_t>(arcChords(static_cast<double>(angle))));
+    EXPECT_TRUE(points.back() == p1);
+    const long double hx = (static_cast<long double>(p1.x) - p0.x) / 2;
+    const long double hy = (static_cast<long double>(p1.y) - p0.y) / 2;
+    const long double d = (1 / static_cast<long double>(bulge) - bulge) / 2;
+    const long double cx = p0.x + hx - d * hy, cy = p0.y + hy + d * hx;
+    const long double rx = p0.x - cx, ry = p0.y - cy, radius = std::hypot(rx, ry);
+    for (std::size_t k = 0; k + 1 < points.size(); ++k) {
+      const long double share = static_cast<long double>(k + 1) / points.size();
+      const long double c = std::cos(angle * share), s = std::sin(angle * share);
+      const long double error =
+          std::hypot(cx + rx * c - ry * s - points[k].x, cy + rx * s + ry * c - points[k].y);
+      ASSERT_LT(error, 1e-12L * (radius + size)) << "point " << k;
+      EXPECT_NEAR(points[k].z, std::lerp(p0.z, p1.z, static_cast<double>(share)), 1e-15);
+    }
+  }
+}
+
+// An arc of 1e-7 radians has its centre 1e7 chords away; its points must not jump.
+TEST(BulgePoints, FlatArcsKeepTheirDigits) {
+  const std::vector<PNT_3D> points = chordsOf(PNT_3D(0, 0, 0), PNT_3D(2, 0, 0), 2.5e-8);
+  ASSERT_EQ(points.size(), 2u);
+  EXPECT_NEAR(points[0].x, 1, 1e-15);
+  EXPECT_NEAR(points[0].y, -2.5e-8, 1e-22);
+}
+
+TEST(BulgePoints, AppendToWhatIsThere) {
+  std::vector<PNT_3D> points{PNT_3D(0, 0, 0)};
+  bulgePoints(points.back(), PNT_3D(1, 0, 0), 0, points);
+  bulgePoints(points.back(), PNT_3D(2, 0, 0), 1, points);
+  ASSERT_EQ(points.size(), 114u);
+  EXPECT_LT(points[57].y, -0.499);
+}
+
+}  // namespace

@@ -1,0 +1,231 @@
+#include "vek0core/geometry/line.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace {
+
+constexpr double kUntouched = 77;
+
+/// Random points of the plane within 100 units, from a fixed seed.
+class Points {
+ public:
+  explicit Points(unsigned seed) : m_random(seed) {}
+  double real() { return m_real(m_random); }
+  PNT_2D next() { return {real(), real()}; }
+
+ private:
+  std::mt19937 m_random;
+  std::uniform_real_distribution<double> m_real{-100, 100};
+};
+
+TEST(Line, SegmentsMeetWithinTheirEnds) {
+  const struct {
+    const char* name;
+    LINE_2D a, b;
+    bool meet;
+    PNT_2D at;
+  } cases[] = {
+      {"cross",                     {0, 0, 4, 4}, {0, 4, 4, 0},                  true,  {2, 2}                  },
+      {"share an end",              {0, 0, 4, 0}, {4, 0, 4, 9},                  true,  {4, 0}                  },
+      {"end within the other",      {0, 0, 4, 0}, {2, 0, 2, 5},                  true,  {2, 0}                  },
+      {"short of it by 1e-13",      {0, 0, 4, 0}, {2, 1e-13, 2, 5},              true,  {2, 0}                  },
+      {"past the end by 1e-13",     {0, 0, 1, 0}, {1 + 1e-13, -1, 1 + 1e-13, 1}, true,  {1, 0}                  },
+      {"past the end by 1e-9",
+       {0, 0, 1, 0},
+       {1 + 1e-9, -1, 1 + 1e-9, 1},
+       false,                                                                           {kUntouched, kUntouched}},
+      {"lines cross, segments not", {0, 0, 1, 0}, {2, -1, 2, 1},                 false, {kUntouched, kUntouched}},
+      {"parallel",                  {0, 0, 4, 0}, {0, 1, 4, 1},                  false, {kUntouched, kUntouched}},
+      {"overlap",                   {0, 0, 4, 0}, {2, 0, 6, 0},                  false, {kUntouched, kUntouched}},
+      {"in line, share an end",     {0, 0, 4, 0}, {4, 0, 6, 0},                  false, {kUntouched, kUntouched}},
+      {"one is a point",            {0, 0, 4, 0}, {2, 0, 2, 0},                  false, {kUntouched, kUntouched}},
+      {"cross, but in micrometres",
+       {0, 0, 1e-7, 1e-7},
+       {0, 1e-7, 1e-7, 0},
+       false,                                                                           {kUntouched, kUntouched}},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    PNT_2D at(kUntouched, kUntouched);
+    EXPECT_EQ(t.a.intersect(t.b, at), t.meet);
+    EXPECT_EQ(t.b.intersect(t.a), t.meet);
+    EXPECT_NEAR(at.dist(t.at), 0, 2e-13);
+  }
+}
+
+TEST(Line, IntersectionAgreesWithBothImplicitLines) {
+  Points points(5);
+  int met = 0;
+  for (int i = 0; i < 1000; ++i) {
+    SCOPED_TRACE(testing::Message() << "seed 5, round " << i);
+    const LINE_2D a(points.next(), points.next()), b(points.next(), points.next());
+    PNT_2D at(0, 0), ofLines(0, 0);
+    const bool meets = a.intersect(b, at);
+    const bool separated =
+        IMP_LINE_2D(a).sameSide(b.p1, b.p2) || IMP_LINE_2D(b).sameSide(a.p1, a.p2);
+    EXPECT_NE(meets, separated);
+    if (!meets) continue;
+    ++met;
+    EXPECT_NEAR(a.dist(at), 0, 1e-9);
+    EXPECT_NEAR(b.dist(at), 0, 1e-9);
+    EXPECT_TRUE(IMP_LINE_2D(a).intersect(IMP_LINE_2D(b), ofLines));
+    EXPECT_NEAR(at.dist(ofLines), 0, 1e-9);
+  }
+  EXPECT_GT(met, 100);
+}
+
+TEST(Line, DistanceSignComesFromTheLineNotItsDirection) {
+  const LINE_2D line(0, 1, 4, 1), back(4, 1, 0, 1);
+  EXPECT_DOUBLE_EQ(line.dist(PNT_2D(7, 3)), 2);
+  EXPECT_DOUBLE_EQ(back.dist(PNT_2D(7, 3)), 2);
+  EXPECT_DOUBLE_EQ(back.dist(PNT_2D(-7, 0)), -1);
+  EXPECT_EQ(line.dist(PNT_2D(2, 1)), 0);
+  // A point instead of a segment: the plain distance.
+  EXPECT_EQ(LINE_2D(1, 1, 1, 1 + 1e-13).dist(PNT_2D(4, 5)), 5);
+}
+
+TEST(Line, LeftSideInThePlaneTurnsWithTheSegmentAndInSpaceNotWhenVertical) {
+  const PNT_3D left(-1, 5, 0);
+  EXPECT_TRUE(LINE_2D(0, 0, 0, 9).ptLeftSide(left));
+  EXPECT_FALSE(LINE_2D(0, 9, 0, 0).ptLeftSide(left));
+  EXPECT_TRUE(LINE_3D(0, 0, 0, 0, 9, 0).ptLeftSide(left));
+  EXPECT_TRUE(LINE_3D(0, 9, 0, 0, 0, 0).ptLeftSide(left));
+  EXPECT_FALSE(LINE_3D(1e-9, 9, 0, 0, 0, 0).ptLeftSide(left));
+  EXPECT_FALSE(LINE_2D(0, 0, 3, 3).ptLeftSide(PNT_2D(1, 1)));
+}
+
+TEST(Line, SpaceSegmentMovesWithItsEnds) {
+  LINE_3D line(1, 0, 5, 3, 0, 7);
+  PNT_3D middle;
+  line.rotate(PNT_3D(0, 0, 99), 1.5707963267948966);
+  line.move(PNT_3D(1, 1, 1));
+  line.scale(PNT_3D(1, 0, 0), 2);
+  line.ptMedio(middle);
+  EXPECT_NEAR(middle.dist(1, 6, 14), 0, 1e-12);
+  RECT_3D box;
+  line.calc_bdry(box);
+  EXPECT_NEAR(box.min.dist(1, 4, 12) + box.max.dist(1, 8, 16), 0, 1e-12);
+}
+
+TEST(ImpLine, NormalizeFixesTheSigns) {
+  const struct {
+    const char* name;
+    IMP_LINE_2D line, normal;
+  } cases[] = {
+      {"c becomes negative",           {3, 4, 10},  {-0.6, -0.8, -2}},
+      {"c is negative already",        {3, 4, -10}, {0.6, 0.8, -2}  },
+      {"through the origin, b counts", {3, -4, 0},  {-0.6, 0.8, 0}  },
+      {"through the origin, b is 0",   {-5, 0, 0},  {-1, 0, 0}      },
+      {"no direction, stays",          {0, 0, 3},   {0, 0, 3}       },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    IMP_LINE_2D line = t.line;
+    line.normalize();
+    EXPECT_DOUBLE_EQ(line.a, t.normal.a);
+    EXPECT_DOUBLE_EQ(line.b, t.normal.b);
+    EXPECT_DOUBLE_EQ(line.c, t.normal.c);
+  }
+}
+
+TEST(ImpLine, ParallelsAndPerpendicularsKeepTheirPromises) {
+  Points points(9);
+  for (int i = 0; i < 500; ++i) {
+    SCOPED_TRACE(testing::Message() << "seed 9, round " << i);
+    const IMP_LINE_2D line(points.next(), points.next());
+    const PNT_2D p = points.next();
+    const double d = points.real(), length = std::hypot(line.a, line.b);
+    EXPECT_NEAR((IMP_LINE_2D(line, d).eval(p) - line.eval(p)) / length, -d, 1e-9);
+    IMP_LINE_2D across;
+    line.perpend(p, across);
+    EXPECT_NEAR(across.eval(p), 0, 1e-9);
+    EXPECT_NEAR(across.a * line.a + across.b * line.b, 0, 1e-9);
+    PNT_2D unused(0, 0);
+    EXPECT_FALSE(line.intersect(IMP_LINE_2D(line, d), unused));
+    EXPECT_FALSE(line.intersect(line, unused));
+  }
+}
+
+TEST(ImpLine, NoSideForAPointOnTheLine) {
+  const IMP_LINE_2D line(0, 1, -2);
+  EXPECT_TRUE(line.sameSide(PNT_2D(0, 3), PNT_2D(9, 4)));
+  EXPECT_FALSE(line.sameSide(PNT_2D(0, 3), PNT_2D(9, 1)));
+  EXPECT_FALSE(line.sameSide(PNT_2D(0, 2), PNT_2D(9, 2)));
+}
+
+TEST(ParLine, CodesOfCommonPoints) {
+  const PAR_LINE_2D ray(1, 1, 2, 0);
+  double t = kUntouched, u = kUntouched;
+  EXPECT_EQ(ray.intersect(PAR_LINE_2D(5, 1, -4, 0), t, u), 1);
+  EXPECT_EQ(ray.intersect(PAR_LINE_2D(1, 2, 2, 0), t, u), 0);
+  EXPECT_EQ(ray.intersect(IMP_LINE_2D(0, 1, -1), t), 1);
+  EXPECT_EQ(ray.intersect(IMP_LINE_2D(0, 1, -2), t), 0);
+  EXPECT_EQ(t, kUntouched);
+  EXPECT_EQ(u, kUntouched);
+  EXPECT_EQ(ray.intersect(PAR_LINE_2D(5, 0, 0, 4), t, u), 2);
+  EXPECT_EQ(t, 2);
+  EXPECT_EQ(u, 0.25);
+  EXPECT_EQ(ray.intersect(IMP_LINE_2D(1, 0, -7), t), 2);
+  EXPECT_EQ(t, 3);
+}
+
+TEST(ParLine, ParameterOfAPointOrItsProjection) {
+  const struct {
+    const char* name;
+    PAR_LINE_2D line;
+    PNT_2D p;
+    double t;
+  } cases[] = {
+      {"on the line",         {1, 2, 3, 4}, {7, 10}, 2  },
+      {"beside the line",     {0, 0, 2, 2}, {4, 0},  1  },
+      {"vertical, x ignored", {1, 2, 0, 4}, {99, 8}, 1.5},
+      {"level, y ignored",    {1, 2, 5, 0}, {6, 99}, 1  },
+      {"no direction",        {1, 2, 0, 0}, {6, 99}, 0  },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    EXPECT_DOUBLE_EQ(t.line.calcParam(t.p), t.t);
+  }
+  EXPECT_EQ(PAR_LINE_3D(1, 1, 1, 0, 0, 0).calcParam(PNT_3D(5, 5, 5)), 0);
+  EXPECT_DOUBLE_EQ(PAR_LINE_3D(0, 0, 0, 0, 3, 4).calcParam(PNT_3D(7, 6, 8)), 2);
+}
+
+TEST(ParLine, ParameterAndPointUndoEachOther) {
+  Points points(13);
+  for (int i = 0; i < 500; ++i) {
+    SCOPED_TRACE(testing::Message() << "seed 13, round " << i);
+    const PAR_LINE_2D line(points.next(), points.next());
+    const double t = points.real();
+    PNT_2D p(0, 0);
+    line.calcPt(t, p);
+    EXPECT_NEAR(line.calcParam(p), t, 1e-8);
+    EXPECT_NEAR(line.dist(p), 0, 1e-9);
+    const LINE_2D segment(line);
+    EXPECT_NEAR(std::fabs(line.dist(PNT_2D(3, 4))), std::fabs(segment.dist(PNT_2D(3, 4))), 1e-9);
+  }
+}
+
+TEST(ParLine, DistanceIsPositiveOnTheRight) {
+  EXPECT_EQ(PAR_LINE_2D(0, 0, 0, 5).dist(PNT_2D(3, 1)), 3);
+  EXPECT_EQ(PAR_LINE_2D(0, 0, 0, -5).dist(PNT_2D(3, 1)), -3);
+  EXPECT_EQ(PAR_LINE_2D(0, 0, 0, 0).dist(PNT_2D(3, 4)), 5);
+  EXPECT_TRUE(PAR_LINE_2D(0, 0, 0, 5).sameSide(PNT_2D(3, 1), PNT_2D(1, -9)));
+  EXPECT_FALSE(PAR_LINE_2D(0, 0, 0, 5).sameSide(PNT_2D(3, 1), PNT_2D(0, 1)));
+}
+
+TEST(ParLine, DirectionFromAnImplicitLineIsAUnitVectorOrNothing) {
+  const PAR_LINE_2D line(IMP_LINE_2D(3, 4, 9), 1, 2);
+  EXPECT_TRUE(PNT_2D(line.dx, line.dy) == PNT_2D(0.8, -0.6));
+  EXPECT_TRUE(PAR_LINE_2D(IMP_LINE_2D(1e-12, -1e-12, 9), 1, 2).IsNull());
+  PAR_LINE_2D tiny(0, 0, 3e-150, 4e-150);
+  EXPECT_TRUE(tiny.IsNull());
+  tiny.Normalize();
+  EXPECT_DOUBLE_EQ(tiny.length(), 1);
+  PAR_LINE_2D none(1, 1, 0, 0);
+  none.Normalize();
+  EXPECT_TRUE(none.IsNull());
+}
+
+}  // namespace

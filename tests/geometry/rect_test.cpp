@@ -1,0 +1,137 @@
+#include "vek0core/geometry/rect.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+
+namespace {
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+TEST(Rect, EmptyBoxGrowsToItsFirstPoint) {
+  RECT_3D box;
+  box.initRegion();
+  EXPECT_FALSE(box.validRegion());
+  EXPECT_EQ(box.min.z, 1.7e200);
+  EXPECT_EQ(box.max.z, -1.7e200);
+  box.updateRegion(PNT_3D(kNan, kNan, kNan));
+  EXPECT_FALSE(box.validRegion());
+  box.updateRegion(PNT_3D(1, -2, 3));
+  EXPECT_TRUE(box.validRegion());
+  EXPECT_TRUE(box == RECT_3D(1, -2, 3, 1, -2, 3));
+}
+
+TEST(Rect, AnEmptyBoxChangesNoOther) {
+  RECT_3D empty, box(0, 0, 0, 1, 2, 3);
+  empty.initRegion();
+  const RECT_3D before = box;
+  box.updateRegion(empty);
+  EXPECT_TRUE(box == before);
+  empty.updateRegion(box);
+  EXPECT_TRUE(empty == before);
+}
+
+TEST(Rect, ValidityLooksAtXAlone) {
+  RECT_2D box(0, 0, 1, 1);
+  box.min.y = 5;
+  EXPECT_TRUE(box.validRegion());
+  box.min.x = 5;
+  EXPECT_FALSE(box.validRegion());
+}
+
+TEST(Rect, ConstructionOrdersEachAxisAlone) {
+  EXPECT_TRUE(RECT_2D(5, 1, 2, 9) == RECT_2D(2, 9, 5, 1));
+  EXPECT_TRUE(RECT_3D(5, 1, 7, 2, 9, -7).min == PNT_3D(2, 1, -7));
+  EXPECT_TRUE(RECT_3D(5, 1, 7, 2, 9, -7).max == PNT_3D(5, 9, 7));
+}
+
+TEST(Rect, BoxOfPointLists) {
+  const PNT_2D points[] = {
+      {3,  1 },
+      {-1, 4 },
+      {2,  -5}
+  };
+  RECT_2D box;
+  box.set(points, 3);
+  EXPECT_TRUE(box == RECT_2D(-1, -5, 3, 4));
+  box.set(points, 1);
+  EXPECT_TRUE(box == RECT_2D(3, 1, 3, 1));
+  for (const int n : {0, -1}) {
+    box.set(nullptr, n);
+    EXPECT_FALSE(box.validRegion());
+  }
+  const double xs[] = {0, 4, 5, 1}, ys[] = {0, -3, 1, 2}, zs[] = {1, 2, 3, 4};
+  box.set(xs, ys);
+  EXPECT_TRUE(box == RECT_2D(0, -3, 5, 2));
+  RECT_3D solid;
+  solid.set(xs, ys, zs);
+  EXPECT_TRUE(solid == RECT_3D(0, -3, 1, 5, 2, 4));
+}
+
+TEST(Rect, TouchingBoxesIntersect) {
+  const RECT_2D box(0, 0, 4, 4);
+  const struct {
+    const char* name;
+    RECT_2D other;
+    bool meets, contains;
+    RECT_2D common;
+  } cases[] = {
+      {"overlap",      {2, 2, 6, 6},   true, false, {2, 2, 4, 4}},
+      {"within",       {1, 1, 4, 2},   true, true,  {1, 1, 4, 2}},
+      {"around",       {-1, -1, 5, 5}, true, false, {0, 0, 4, 4}},
+      {"shared edge",  {4, 1, 6, 2},   true, false, {4, 1, 4, 2}},
+      {"shared point", {4, 4, 6, 6},   true, false, {4, 4, 4, 4}},
+      {"the same",     {0, 0, 4, 4},   true, true,  {0, 0, 4, 4}},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    RECT_2D common;
+    EXPECT_EQ(box.intersect(t.other), t.meets);
+    EXPECT_EQ(box.intersect(t.other, common), t.meets);
+    EXPECT_TRUE(common == t.common);
+    EXPECT_EQ(box.inside(t.other), t.contains);
+  }
+  RECT_2D apart;
+  EXPECT_FALSE(box.intersect(RECT_2D(5, 0, 6, 4)));
+  EXPECT_FALSE(box.intersect(RECT_2D(5, 0, 6, 4), apart));
+  EXPECT_EQ(apart.min.x, 5);  // written all the same, inverted
+  EXPECT_EQ(apart.max.x, 4);
+}
+
+TEST(Rect, BordersCountAsInside) {
+  EXPECT_TRUE(RECT_2D(0, 0, 1, 1).inside(1, 0));
+  EXPECT_FALSE(RECT_2D(0, 0, 1, 1).inside(std::nextafter(1.0, 2.0), 0));
+  EXPECT_TRUE(RECT_3D(0, 0, 0, 1, 1, 1).inside(PNT_3D(0, 1, 1)));
+  EXPECT_FALSE(RECT_3D(0, 0, 0, 1, 1, 1).inside(PNT_3D(0, 1, -1e-300)));
+}
+
+TEST(Rect, ShrinkUndoesInflate) {
+  RECT_2D box(0, 0, 4, 2);
+  box.inflate(1, 0.5);
+  EXPECT_TRUE(box == RECT_2D(-1, -0.5, 5, 2.5));
+  box.shrink(1, 0.5);
+  EXPECT_TRUE(box == RECT_2D(0, 0, 4, 2));
+}
+
+TEST(Rect, ScaledAndMovedBoxHoldsTheScaledAndMovedPoints) {
+  std::mt19937 random(3);
+  std::uniform_real_distribution<double> real(-10, 10);
+  const auto point = [&] { return PNT_3D(real(random), real(random), real(random)); };
+  for (int i = 0; i < 300; ++i) {
+    SCOPED_TRACE(testing::Message() << "seed 3, round " << i);
+    PNT_3D a = point(), b = point();
+    const PNT_3D center = point(), delta = point();
+    const double factor = real(random);
+    RECT_3D box(a, b);
+    box.scale(center, factor);
+    box.move(delta);
+    for (PNT_3D* p : {&a, &b}) {
+      p->scale(center, factor);
+      p->move(delta);
+    }
+    EXPECT_TRUE(box == RECT_3D(a, b));
+  }
+}
+
+}  // namespace

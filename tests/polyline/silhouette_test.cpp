@@ -1,0 +1,244 @@
+#include "vek0core/polyline/silhouette.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <sstream>
+
+#include "vek0core/geometry/line.h"
+
+namespace {
+
+using Ring = std::vector<PNT_3D>;
+using Wide = std::vector<WIDE_VERTEX>;
+
+/// Points written as "0,0 10,0"; a vertex may add its widths: "0,0,1,2".
+std::vector<std::vector<double>> numbers(const std::string& text) {
+  std::vector<std::vector<double>> out;
+  std::istringstream points(text);
+  for (std::string point; points >> point;) {
+    out.emplace_back();
+    std::istringstream values(point);
+    for (std::string value; std::getline(values, value, ',');)
+      out.back().push_back(std::stod(value));
+  }
+  return out;
+}
+
+/// Vertices of the width `width` where the text gives none.
+Wide wide(const std::string& text, double width) {
+  Wide out;
+  for (const auto& v : numbers(text)) {
+    const bool own = v.size() == 4;
+    out.push_back({PNT_3D(v[0], v[1], 0), own ? v[2] : width, own ? v[3] : width});
+  }
+  return out;
+}
+
+void expectRing(const Ring& got, const std::string& want) {
+  const auto points = numbers(want);
+  ASSERT_EQ(got.size(), points.size());
+  for (std::size_t i = 0; i < got.size(); ++i) {
+    EXPECT_NEAR(got[i].PNT_2D::dist(points[i][0], points[i][1]), 0, 1e-12)
+        << "point " << i << ": " << got[i].x << "," << got[i].y;
+  }
+}
+
+double area(const Ring& ring) {
+  double twice = 0;
+  for (std::size_t i = 0; i < ring.size(); ++i) {
+    const PNT_3D &a = ring[i], &b = ring[(i + 1) % ring.size()];
+    twice += a.x * b.y - a.y * b.x;
+  }
+  return twice / 2;
+}
+
+TEST(Silhouette, Rings) {
+  const struct {
+    const char* name;
+    const char* vertexes;
+    bool closed;
+    std::vector<const char*> rings;
+  } cases[] = {
+      {"a segment",                             "0,0 10,0",                   false, {"0,1 10,1 10,-1 0,-1"}                    },
+      {"a tapered segment",                     "0,0,2,0 10,0",               false, {"0,1 10,0 10,0 0,-1"}                     },
+      {"a corner is mitred",                    "0,0 10,0 10,10",             false, {"0,1 9,1 9,10 11,10 11,-1 0,-1"}          },
+      {"going straight on",                     "0,0 5,0 10,0",               false, {"0,1 5,1 10,1 10,-1 5,-1 0,-1"}           },
+      {"a step in width",                       "0,0,2,2 5,0,4,4 10,0",       false, {"0,1 5,1 5,2 10,2 10,-2 5,-2 5,-1 0,-1"}  },
+      {"turning back",                          "0,0 10,0 5,0",               false, {"0,1 10,1 10,-1 5,-1 5,1 10,1 10,-1 0,-1"}},
+      {"repeated vertices",
+       "0,0 0,0 10,0 10,0 10,10 10,10",                                       false,
+       {"0,1 9,1 9,10 11,10 11,-1 0,-1"}                                                                                        },
+      {"a closed square",
+       "0,0 10,0 10,10 0,10",                                                 true,
+       {"9,1 9,9 1,9 1,1", "11,-1 11,11 -1,11 -1,-1"}                                                                           },
+      {"closed, last vertex repeats the first",
+       "0,0 10,0 10,10 0,10 0,0",                                             true,
+       {"9,1 9,9 1,9 1,1", "11,-1 11,11 -1,11 -1,-1"}                                                                           },
+      {"negative widths count as sizes",        "0,0,-2,-2 10,0",             false, {"0,1 10,1 10,-1 0,-1"}                    },
+      {"no widths",                             "0,0,0,0 10,0,0,0 10,10,0,0", false, {"0,0 10,0 10,10 10,10 10,0 0,0"}          },
+      {"no length",                             "3,3 3,3",                    false, {"3,3 3,3"}                                },
+      {"a closed point",                        "3,3",                        true,  {"3,3"}                                    },
+      {"nothing",                               "",                           true,  {}                                         },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const CPolylineSilhouette silhouette(wide(t.vertexes, 2), t.closed);
+    ASSERT_EQ(silhouette.getNoRuns(), t.rings.size());
+    for (std::size_t i = 0; i < t.rings.size(); ++i) expectRing(silhouette.getRun(i), t.rings[i]);
+  }
+}
+
+// Going straight on, where rounding decides how the sides meet.
+TEST(Silhouette, StraightJointsStayAtTheirVertexes) {
+  for (int degrees = 0; degrees < 360; degrees += 7) {
+    SCOPED_TRACE(degrees);
+    Wide path;
+    for (int i = 0; i < 20; ++i) {
+      PNT_3D at(i * (i + 0.1), 0, 0);
+      at.rotate(PNT_3D(-7, 3, 0), degrees * 3.141592653589793 / 180);
+      path.push_back({at, 2, 2});
+    }
+    const CPolylineSilhouette silhouette(path, false);
+    for (const PNT_3D& p : silhouette.getRun(0)) {
+      double nearest = 1e9;
+      for (const WIDE_VERTEX& v : path) nearest = std::fmin(nearest, p.dist(v.pnt));
+      EXPECT_NEAR(nearest, 1, 1e-6);
+    }
+  }
+}
+
+// The mitre of width 2 reaches 1 / sin(a / 2) out of a corner of angle a: 8 is the limit.
+TEST(Silhouette, SharpCornersAreBevelled) {
+  for (const double degrees : {20.0, 15.0, 14.0, 5.0, 0.1}) {
+    SCOPED_TRACE(degrees);
+    const double a = degrees * 3.141592653589793 / 180;
+    const Wide corner{
+        {PNT_3D(100,               0,                 0), 2, 2},
+        {PNT_3D(0,                 0,                 0), 2, 2},
+        {PNT_3D(100 * std::cos(a), 100 * std::sin(a), 0), 2, 2}
+    };
+    const CPolylineSilhouette silhouette(corner, false);
+    double farthest = 0;
+    for (const PNT_3D& p : silhouette.getRun(0)) {
+      if (p.x < 50) farthest = std::fmax(farthest, p.PNT_2D::dist(0, 0));
+    }
+    const double reach = 1 / std::sin(a / 2);
+    EXPECT_NEAR(farthest, reach <= 8 ? reach : 1, 1e-9);
+  }
+}
+
+TEST(Silhouette, KeepsTheHeightOfItsVertices) {
+  const Wide slope{
+      {PNT_3D(0,  0,  1), 2, 2},
+      {PNT_3D(10, 0,  2), 2, 2},
+      {PNT_3D(10, 10, 3), 2, 2}
+  };
+  const CPolylineSilhouette silhouette(slope, false);
+  const double want[] = {1, 2, 3, 3, 2, 1};
+  for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(silhouette.getRun(0)[i].z, want[i]);
+}
+
+/// A path of gentle turns and constant width.
+Wide gentlePath(std::mt19937& random, std::size_t n, double width) {
+  std::uniform_real_distribution<double> real(-1, 1);
+  Wide path;
+  double x = 0, y = 0, heading = 0;
+  for (std::size_t i = 0; i < n; ++i) {
+    path.push_back({PNT_3D(x, y, 0), width, width});
+    heading += 0.5 * real(random);
+    x += (10 + 3 * real(random)) * std::cos(heading);
+    y += (10 + 3 * real(random)) * std::sin(heading);
+  }
+  return path;
+}
+
+// Mitres take from one side what they give to the other, so the area is width * length.
+TEST(Silhouette, AreaIsWidthTimesLengthAndDirectionDoesNotMatter) {
+  std::mt19937 random(61);
+  for (int round = 0; round < 200; ++round) {
+    SCOPED_TRACE(testing::Message() << "seed 61, round " << round);
+    const Wide path = gentlePath(random, 20, 1.5);
+    double length = 0;
+    for (std::size_t i = 0; i + 1 < path.size(); ++i) length += path[i].pnt.dist(path[i + 1].pnt);
+    const Wide back(path.rbegin(), path.rend());
+    const CPolylineSilhouette there(path, false), again(back, false);
+    EXPECT_NEAR(area(there.getRun(0)), -1.5 * length, 1e-9);
+    EXPECT_NEAR(area(again.getRun(0)), -1.5 * length, 1e-9);
+    // Each side of the outline keeps half the width from its segment's line.
+    const Ring& ring = there.getRun(0);
+    ASSERT_EQ(ring.size(), 2 * path.size());
+    for (std::size_t i = 0; i + 1 < path.size(); ++i) {
+      const LINE_2D line(path[i].pnt, path[i + 1].pnt);
+      for (const std::size_t k : {i, i + 1, ring.size() - 1 - i, ring.size() - 2 - i}) {
+        EXPECT_NEAR(std::fabs(line.dist(ring[k])), 0.75, 1e-9);
+      }
+    }
+  }
+}
+
+TEST(Silhouette, MovesAndTurnsWithThePolyline) {
+  std::mt19937 random(62);
+  std::uniform_real_distribution<double> real(-50, 50);
+  for (int round = 0; round < 300; ++round) {
+    SCOPED_TRACE(testing::Message() << "seed 62, round " << round);
+    Wide path, moved;
+    for (int i = 0; i < 8; ++i) {
+      path.push_back({PNT_3D(real(random), real(random), 0), std::fabs(real(random)) / 5, 3});
+    }
+    const PNT_3D center(real(random), real(random), 0);
+    for (const WIDE_VERTEX& v : path) {
+      moved.push_back(v);
+      moved.back().pnt.rotate(center, 1);
+    }
+    for (const bool closed : {false, true}) {
+      const CPolylineSilhouette before(path, closed), after(moved, closed);
+      ASSERT_EQ(before.getNoRuns(), after.getNoRuns());
+      for (std::size_t r = 0; r < before.getNoRuns(); ++r) {
+        Ring turned = before.getRun(r);
+        ASSERT_EQ(turned.size(), after.getRun(r).size());
+        for (std::size_t i = 0; i < turned.size(); ++i) {
+          turned[i].rotate(center, 1);
+          EXPECT_LT(turned[i].dist(after.getRun(r)[i]), 1e-6);
+        }
+      }
+    }
+  }
+}
+
+TEST(Silhouette, WildInputStaysBoundedAndANumber) {
+  std::mt19937 random(63);
+  std::uniform_real_distribution<double> real(-1, 1);
+  std::uniform_int_distribution<int> exponent(-300, 300), pick(0, 3);
+  for (int round = 0; round < 3000; ++round) {
+    SCOPED_TRACE(testing::Message() << "seed 63, round " << round);
+    const int spread = round % 2 == 0 ? 0 : 300;
+    const auto value = [&] {
+      return real(random) * std::pow(10, std::min(spread, std::max(-spread, exponent(random))));
+    };
+    Wide path;
+    double widest = 0, farthest = 0;
+    for (int i = 0; i < 7; ++i) {
+      const bool repeat = !path.empty() && pick(random) == 0;
+      const PNT_3D at = repeat ? path.back().pnt : PNT_3D(value(), value(), value());
+      path.push_back({at, value(), pick(random) == 0 ? 0 : value()});
+      widest = std::fmax(
+          widest, std::fmax(std::fabs(path.back().widthStart), std::fabs(path.back().widthEnd)));
+      farthest = std::fmax(farthest, std::fmax(std::fabs(at.x), std::fabs(at.y)));
+    }
+    const double limit = (farthest + 4 * widest) * (1 + 1e-9);
+    for (const bool closed : {false, true}) {
+      const CPolylineSilhouette silhouette(path, closed);
+      EXPECT_EQ(silhouette.getNoRuns(), closed ? 2u : 1u);
+      for (std::size_t r = 0; r < silhouette.getNoRuns(); ++r) {
+        for (const PNT_3D& p : silhouette.getRun(r)) {
+          ASSERT_FALSE(std::isnan(p.x) || std::isnan(p.y) || std::isnan(p.z));
+          ASSERT_LE(std::fmax(std::fabs(p.x), std::fabs(p.y)), limit);
+        }
+      }
+    }
+  }
+}
+
+}  // namespace
