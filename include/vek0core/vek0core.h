@@ -67,8 +67,12 @@
 #include "vek0core/drawing/datavariables.h"
 #include "vek0core/drawing/functions.h"
 
+#include "vek0core/dxfin/filedxfidatasemantor.h"
 #include "vek0core/dxfin/filedxfierror.h"
+#include "vek0core/dxfin/filedxfiimportdatasemantor.h"
 #include "vek0core/dxfin/filedxfilexer.h"
+#include "vek0core/dxfin/filedxfiloaddatasemantor.h"
+#include "vek0core/dxfin/filedxfioptions.h"
 #include "vek0core/dxfin/filedxfiparser.h"
 #include "vek0core/dxfin/filedxfisemantor.h"
 #include "vek0core/dxfin/loaddxf.h"

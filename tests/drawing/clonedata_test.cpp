@@ -77,6 +77,7 @@ Drawing everything() {
   layer->setLineWidth(static_cast<enumLineWidth>(2));
   data.getLayer0().setColor(2);
   data.getLtypeContinuous().setDesc(u"solid");
+  data.getLtypeByBlock().setFlags(5);
   getStyleStandard(data)->setWidthScale(0.8);
   setCurLayer(data, layer);
   setCurLtype(data, ltype);
@@ -127,6 +128,7 @@ TEST(CloneData, KeepsWhatAFileDoesNot) {
   EXPECT_EQ(table.getSelectedEntityTbl(), (std::list<CEnt*>{table.get(0x44), table.get(0x42)}));
   EXPECT_EQ(getLayer(data, u"Walls")->getLineWidth(), static_cast<enumLineWidth>(2));
   EXPECT_EQ(data.getLtypeContinuous().getDesc(), u"solid");
+  EXPECT_EQ(data.getLtypeByBlock().getFlags(), 5);
   EXPECT_EQ(getStyleStandard(data)->getWidthScale(), 0.8);
   EXPECT_EQ(getStyleStandard(data)->getLastHeight(), 0.2);
   EXPECT_EQ(getCurLayer(data), getLayer(data, u"Walls"));

@@ -157,14 +157,16 @@ TEST(CreateEnt, InsertsPassTheirValuesInOrder) {
   for (const Kind& kind : allKinds()) {
     if (kind.type != 8) continue;
     SCOPED_TRACE(kind.name);
-    const std::unique_ptr<CEnt> ent(kind.current(s, 0));
-    PNT_3D pnt;
-    double sx, sy, sz, rotation, columnSpacing, rowSpacing;
-    long columns, rows;
-    ent->getEntInsert()->getInsertParams(1, pnt, sx, sy, sz, rotation);
-    ent->getEntInsert()->getArray(columns, rows, columnSpacing, rowSpacing);
-    EXPECT_TRUE(pnt == kPnt && sx == 2 && sy == 3 && sz == 4 && rotation == 0.5);
-    EXPECT_TRUE(columns == 6 && rows == 7 && columnSpacing == 8 && rowSpacing == 9);
+    for (const Kind::Create& form : {kind.explicitly, kind.current}) {
+      const std::unique_ptr<CEnt> ent(form(s, 0));
+      PNT_3D pnt;
+      double sx, sy, sz, rotation, columnSpacing, rowSpacing;
+      long columns, rows;
+      ent->getEntInsert()->getInsertParams(1, pnt, sx, sy, sz, rotation);
+      ent->getEntInsert()->getArray(columns, rows, columnSpacing, rowSpacing);
+      EXPECT_TRUE(pnt == kPnt && sx == 2 && sy == 3 && sz == 4 && rotation == 0.5);
+      EXPECT_TRUE(columns == 6 && rows == 7 && columnSpacing == 8 && rowSpacing == 9);
+    }
   }
 }
 
