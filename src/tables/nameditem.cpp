@@ -99,8 +99,9 @@ void CNamedItemTableImp::add(CNamedItem* item) {
   // Out of the table meanwhile: should memory run out, it is built anew when needed.
   std::unique_ptr<vek0::detail::RankTree> ranks = std::move(m_ranks);
   if (ranks) ranks->append(true);
+  m_byName.reserveOne();
   item->m_rank = m_nextRank;
-  indexName(item, item->m_name);
+  m_byName.insert(item);
   changeNumbers(item->m_name, &Numbers::take);
   ++m_nextRank;
   item->m_pos = m_items.size();
@@ -111,7 +112,7 @@ void CNamedItemTableImp::add(CNamedItem* item) {
 
 void CNamedItemTableImp::remove(CNamedItem* item) {
   if (!contains(item)) return;
-  unindexName(item, item->m_name);
+  m_byName.remove(item);
   changeNumbers(item->m_name, &Numbers::give);
   m_items[item->m_pos] = nullptr;
   ++m_holes;
@@ -119,10 +120,7 @@ void CNamedItemTableImp::remove(CNamedItem* item) {
   item->m_table = nullptr;
 }
 
-CNamedItem* CNamedItemTableImp::get(std::u16string_view name) const {
-  const auto found = m_byName.find(name);
-  return found == m_byName.end() ? nullptr : found->second.front();
-}
+CNamedItem* CNamedItemTableImp::get(std::u16string_view name) const { return m_byName.find(name); }
 
 // Closing the holes at every look-up would make a loop that looks and removes square.
 // So they are looked through until that has cost as much as closing them does.
@@ -170,32 +168,14 @@ zim::WString CNamedItemTableImp::GetProgName(const zim::WString& prefix) const {
   return numbered(prefix, getProgNum(prefix));
 }
 
-void CNamedItemTableImp::indexName(CNamedItem* item, const zim::WString& name) {
-  const auto [entry, isNew] = m_byName.try_emplace(name, 1, item);
-  if (isNew) return;
-  SameName& same = entry->second;
-  const auto before = [](const CNamedItem* a, const CNamedItem* b) {
-    return a->m_rank < b->m_rank;
-  };
-  same.insert(std::upper_bound(same.begin(), same.end(), item, before), item);
-}
-
-void CNamedItemTableImp::unindexName(CNamedItem* item, std::u16string_view name) {
-  const auto found = m_byName.find(name);
-  if (found == m_byName.end()) return;
-  std::erase(found->second, item);
-  if (found->second.empty()) m_byName.erase(found);
-}
-
 void CNamedItemTableImp::rename(CNamedItem* item, const zim::WString& name) {
   zim::WString given(name);
-  if (!given.EqualsIgnoreCase(item->m_name)) {
-    indexName(item, given);
-    unindexName(item, item->m_name);
-  }
+  m_byName.reserveOne();
+  m_byName.remove(item);
   changeNumbers(item->m_name, &Numbers::give);
-  changeNumbers(given, &Numbers::take);
   std::swap(item->m_name, given);
+  changeNumbers(item->m_name, &Numbers::take);
+  m_byName.insert(item);
 }
 
 // A name that ends in digits is a prefix and a number in as many ways as it has

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "vek0core/export.h"
+#include "vek0core/tables/nameindex.h"
 #include "zim0lang/wstring.h"
 
 class CNamedItemTableImp;
@@ -55,13 +56,16 @@ class VEK0_API CNamedItem {
 
  private:
   friend class CNamedItemTableImp;
+  friend class vek0::detail::NameIndex;
 
   zim::WString m_name;
   long m_flags;
   long m_entities = 0;
   CNamedItemTableImp* m_table = nullptr;
-  std::size_t m_pos = 0;   // in the table's array
-  std::size_t m_rank = 0;  // of addition: among equal names the lowest is found
+  std::size_t m_pos = 0;             // in the table's array
+  std::size_t m_rank = 0;            // of addition: among equal names the lowest is found
+  CNamedItem* m_sameNext = nullptr;  // links of the name index
+  CNamedItem* m_samePrev = nullptr;
 };
 
 /// Ordered table of named items, the base of every table of a drawing.
@@ -112,18 +116,6 @@ class VEK0_API CNamedItemTableImp {
  private:
   friend class CNamedItem;
 
-  struct NameHash {
-    using is_transparent = void;
-    std::size_t operator()(std::u16string_view name) const { return zim::hashIgnoreCase(name); }
-  };
-  struct NameEqual {
-    using is_transparent = void;
-    bool operator()(std::u16string_view a, std::u16string_view b) const {
-      return zim::equalsIgnoreCase(a, b);
-    }
-  };
-  using SameName = std::vector<CNamedItem*>;  // in order of addition
-
   struct ExactHash {
     using is_transparent = void;
     std::size_t operator()(std::u16string_view text) const {
@@ -149,8 +141,6 @@ class VEK0_API CNamedItemTableImp {
 
   using NumberChange = void (Numbers::*)(int);
 
-  void indexName(CNamedItem* item, const zim::WString& name);
-  void unindexName(CNamedItem* item, std::u16string_view name);
   void rename(CNamedItem* item, const zim::WString& name);
   void changeNumbers(std::u16string_view name, NumberChange change);
   void compact() const;
@@ -161,6 +151,6 @@ class VEK0_API CNamedItemTableImp {
   mutable std::unique_ptr<vek0::detail::RankTree> m_ranks;  // while holes are looked through
   std::size_t m_nextRank = 0;
   bool m_isView = false;
-  std::unordered_map<zim::WString, SameName, NameHash, NameEqual> m_byName;
+  vek0::detail::NameIndex m_byName;
   mutable std::unordered_map<zim::WString, Numbers, ExactHash, ExactEqual> m_numbers;
 };
