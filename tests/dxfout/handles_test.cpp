@@ -62,8 +62,7 @@ TEST(SaveHandles, RandomHandlesAreUniqueKeptAndStableOnceWritten) {
   for (int round = 0; round < 300; ++round) {
     SCOPED_TRACE(testing::Message() << "round " << round);
     std::vector<long> carried;
-    for (auto n = random() % 40; n > 0; --n)
-      carried.push_back(static_cast<long>(random() % 30));
+    for (auto n = random() % 40; n > 0; --n) carried.push_back(static_cast<long>(random() % 30));
     const int ends = static_cast<int>(random() % 5);
     const Given given = give(carried, ends);
     std::set<long> seen;
