@@ -145,7 +145,7 @@ std::string extentsLine(const CData& data) {
 std::string variableLines(const CData& data) {
   const CDataVariables& vars = data.getVars();
   const auto onOff = [](bool on) { return on ? "on" : "off"; };
-  const PNT_2D low = vars.getLimMin(), high = vars.getLimMax();
+  const PNT_2D &low = vars.getLimMin(), &high = vars.getLimMax();
   std::string text = "  limits: (" + number(low.x) + ", " + number(low.y) + ") to (" +
                      number(high.x) + ", " + number(high.y) + ")\n";
   text += "  linetype scale: " + number(vars.getLtypeScale()) +

@@ -486,7 +486,7 @@ void CEntPolyline::addBulgedVertex(const PNT_3D& pnt, double widthStart, double 
   if (isCurve() || !m_vertexes.empty()) {
     auto vertex = std::make_unique<CVertex>(pnt, widthStart, widthEnd, handle);
     addVisibleVertex(*vertex);
-    vertex.release();
+    static_cast<void>(vertex.release());
     return;
   }
   m_packed.add({pnt.x, pnt.y, pnt.z, widthStart, widthEnd, bulge, handle});
@@ -649,7 +649,7 @@ void CEntPolyline::replaceVertexes(IHandleGestor& gestor, CEntFactory& factory,
     vertex->setMemento(&values);
     list.push_back(vertex);
   }
-  for (auto& vertex : made) vertex.release();
+  for (auto& vertex : made) static_cast<void>(vertex.release());
   m_vertexes.swap(list);
   for (const CVertex* unused : aside) delete unused;
   for (const CVertex* vertex : m_vertexes) gestor.reserve(vertex);
