@@ -15,6 +15,9 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vek0core-config.cmake
 if(NOT BUILD_SHARED_LIBS)
   set(VEK0_PC_CFLAGS "-DVEK0_STATIC")
 endif()
+# The library folder may be one level deep or two (lib/x86_64-linux-gnu).
+file(RELATIVE_PATH VEK0_PC_PREFIX
+     ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/vek0core.pc.in vek0core.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vek0core.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -64,7 +64,8 @@ void addImportCommand(CLI::App& app, Session& session) {
       "Examples:\n"
       "  vek0 import frame.dxf part1.dxf part2.dxf -o sheet.dxf\n\n"
       "Layers, linetypes, styles and named blocks of BASE win over those of the same name;\n"
-      "anonymous blocks get fresh names. A file with an error is left out and the others go on.");
+      "anonymous blocks get fresh names. A file with an error is left out and the others go on\n"
+      "(of the standard input, what came before the error stays).");
   verb->callback([options, &session] { run(*options, session); });
 }
 

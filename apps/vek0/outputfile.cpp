@@ -49,6 +49,10 @@ OutputFile::OutputFile(const std::string& path, bool force) : m_target(toPath(pa
   std::error_code ignored;
   if (std::filesystem::is_directory(m_target, ignored)) {
     m_error = "'" + path + "' is a folder";
+  } else if (std::filesystem::exists(m_target, ignored) &&
+             !std::filesystem::is_regular_file(m_target, ignored)) {
+    // The rename would put a file in the place of the pipe or device.
+    m_error = "'" + path + "' is not a regular file";
   } else if (!force && std::filesystem::exists(m_target, ignored)) {
     m_error = "'" + path + "' exists; -f replaces it";
   }

@@ -24,6 +24,9 @@ class OutputFile {
   /// Empty while all is well.
   const std::string& error() const { return m_error; }
 
+  /// The target as given, for messages.
+  std::string path() const { return m_target.string(); }
+
   /// What to save into; owned by this object.
   IFile& file() { return *m_file; }
 

@@ -22,7 +22,7 @@ void addSaveOptions(CLI::App& verb, SaveOptions& options) {
 void save(const CData& data, OutputFile& output, const SaveOptions& options, Session& session) {
   CFileReport report;
   if (!SaveDXF(data, output.file(), options.flags(), &report)) {
-    Session::complain("the drawing cannot be written");
+    Session::complain("'" + output.path() + "' cannot be written");
     return session.failed(kOutputFailed);
   }
   if (!output.commit()) {

@@ -1,5 +1,6 @@
 #include "summary.h"
 
+#include <cmath>
 #include <cstdio>
 
 namespace vek0::tool {
@@ -42,9 +43,13 @@ class KindVisitor final : public IEntVisitor {
 
 Json pointToJson(const PNT_3D& p) { return Json::array({p.x, p.y, p.z}); }
 
+bool isFinite(const PNT_3D& p) {
+  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
 Json extentsToJson(const CData& data) {
   const RECT_3D& box = data.getEntTable().getBdry();
-  if (!box.validRegion()) return nullptr;
+  if (!box.validRegion() || !isFinite(box.min) || !isFinite(box.max)) return nullptr;
   return Json{
       {"min", pointToJson(box.min)},
       {"max", pointToJson(box.max)}
@@ -80,7 +85,8 @@ Json ltypesToJson(const CData& data) {
 
 Json stylesToJson(const CData& data) {
   Json names = Json::array();
-  for (CData::CStyleIterator it(data, true); const CStyle* style = *it; ++it) {
+  // External references have a "STANDARD" of their own each, which no file names.
+  for (CData::CStyleIterator it(data, false); const CStyle* style = *it; ++it) {
     names.push_back(style->getName().toUtf8());
   }
   return names;

@@ -1,8 +1,8 @@
 #pragma once
 
-// Symbols are hidden by default; what carries VEK0_API is the library's interface.
-// A static build needs no decoration, and consumers of one define VEK0_STATIC
-// through the CMake target.
+/// Symbols are hidden by default; what carries VEK0_API is the library's interface.
+/// A static build needs no decoration, and consumers of one define VEK0_STATIC
+/// through the CMake target.
 #if defined(VEK0_STATIC)
 #define VEK0_API
 #elif defined(_WIN32)

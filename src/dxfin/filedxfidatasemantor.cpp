@@ -177,7 +177,9 @@ CBlockXRef* IFileDXFIDataSemantor::addXRef(const zim::WString& name, const zim::
 CBlockXRef* IFileDXFIDataSemantor::needXRef(const zim::WString& name) {
   constexpr long xrefBlock = 4;
   if (CBlockXRef* xref = findXRef(name)) return xref;
-  return addXRef(name, {}, PNT_3D(0, 0, 0), xrefBlock);
+  CBlockXRef* xref = addXRef(name, {}, PNT_3D(0, 0, 0), xrefBlock);
+  if (xref) m_announcedXRefs.insert(xref);
+  return xref;
 }
 
 void IFileDXFIDataSemantor::createBlockXRef(const zim::WString& name, const zim::WString& path,
@@ -190,11 +192,16 @@ void IFileDXFIDataSemantor::createBlockXRef(const zim::WString& name, const zim:
     xref = addXRef(name, path, base, flags);
   else if (xref->getPath().empty())
     m_data.getBlockFactory().initXRef(*xref, path, base, flags);
+  m_announcedXRefs.erase(xref);
   if (placeholder) placeholder->xref = xref;
 }
 
+bool IFileDXFIDataSemantor::isDeclared(const CBlockXRef* xref) const {
+  return xref && m_announcedXRefs.count(xref) == 0;
+}
+
 bool IFileDXFIDataSemantor::isXRefName(const zim::WString& name) {
-  if (!findXRef(name)) return false;
+  if (!isDeclared(findXRef(name))) return false;
   fail(CFileDXFIError::XRefNotFound);
   return true;
 }
@@ -208,8 +215,8 @@ CBlock* IFileDXFIDataSemantor::getBlock(const zim::WString& name) {
 }
 
 CBlock* IFileDXFIDataSemantor::findBlock(const zim::WString& name) {
-  if (CBlockXRef* xref = findXRef(name)) return xref;
-  return m_data.getBlockTable().get(name);
+  CBlockXRef* xref = findXRef(name);
+  return isDeclared(xref) ? xref : m_data.getBlockTable().get(name);
 }
 
 CBlock* IFileDXFIDataSemantor::createBlockHurried(const zim::WString& name, long flags) {

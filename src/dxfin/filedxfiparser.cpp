@@ -493,8 +493,11 @@ void CFileDXFIParser::readBlocks() {
   RealizeVersion();
   read();
   while (atRecord() && !isKeyword("ENDSEC")) readBlock();
-  // An insert may have come before its block was filled.
-  if (!failed() && m_pACADVersionLoader->hasReadInsert()) m_semantor.getBlockTable().recalcBdry();
+  // An insert may have come before its block was filled. Once is enough: what further
+  // sections of blocks bring is measured at the end, and a file may have thousands.
+  if (failed() || m_blocksMeasured || !m_pACADVersionLoader->hasReadInsert()) return;
+  m_blocksMeasured = true;
+  m_semantor.getBlockTable().recalcBdry();
 }
 
 void CFileDXFIParser::readBlock() {

@@ -157,10 +157,16 @@ EntPtr PolylineReader::buildCurve(short type, short degree) {
 }
 
 // The file's own curve is kept as it is; ours would be another one.
-void PolylineReader::addFitted(CEntPolyline& polyline,
-                               const std::vector<BULGED_VERTEX>& fitted) const {
+void PolylineReader::addFitted(CEntPolyline& polyline, const std::vector<BULGED_VERTEX>& fitted) {
   BulgedChain chain(polyline.isClosed());
   chain.assign(fitted.data(), fitted.size());
+  if (chain.size() - fitted.size() > m_fittedLeft) {
+    m_in.note("arcs straightened");
+    std::vector<BULGED_VERTEX> straight(fitted);
+    for (BULGED_VERTEX& vertex : straight) vertex.bulge = 0;
+    chain.assign(straight.data(), straight.size());
+  }
+  m_fittedLeft -= chain.size() - fitted.size();
   chain.forEach([&](const ChainVertex& v) {
     auto vertex = m_in.built(
         m_in.factory().createVertex(m_in.gestor(), v.pnt, v.widthStart, v.widthEnd, v.handle));

@@ -53,7 +53,7 @@ class PolylineReader {
   EntPtr buildCurve(short type, short degree);
   void splitCurve(short type, std::vector<BULGED_VERTEX>& controls,
                   std::vector<BULGED_VERTEX>& fitted) const;
-  void addFitted(CEntPolyline& polyline, const std::vector<BULGED_VERTEX>& fitted) const;
+  void addFitted(CEntPolyline& polyline, const std::vector<BULGED_VERTEX>& fitted);
   EntPtr buildMesh();
   EntPtr buildPolyface();
   void addPolyfaceFace(const Face& face);
@@ -61,7 +61,6 @@ class PolylineReader {
   EntPtr firstFace();
   PNT_3D at(std::size_t i) const;
 
-  void startLwVertex();
   void takeLwVertexPair(long code);
   bool finishLwPolyline();
 
@@ -71,6 +70,9 @@ class PolylineReader {
   std::vector<long> m_flags;  // code 70 of each
   std::vector<Face> m_faces;
   std::vector<EntPtr> m_built;  // faces made from this record
+  // Vertices that arcs of fitted curves may still become: each is an object, and a few
+  // bytes of a file can ask for 223 of them.
+  std::size_t m_fittedLeft = 2'000'000;
 };
 
 }  // namespace vek0::detail

@@ -16,7 +16,8 @@ double oneTurn(double angleRad) {
   return angleRad >= kTwoPi ? angleRad - kTwoPi : angleRad;
 }
 
-double nonZero(double scale) { return scale == 0 ? 1 : scale; }
+// A scale that cannot be undone is taken for none.
+double nonZero(double scale) { return std::isfinite(1 / scale) ? scale : 1; }
 
 // What the placement asks of an insert, with scales that leave something to invert.
 struct Placement {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "support/dxftext.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/blockxref.h"
@@ -104,6 +106,24 @@ TEST(ReadBlocks, UndefinedBlockIsEmpty) {
   EXPECT_EQ(find(got, u"A")->size(), 0u);
   EXPECT_FALSE(got.data->getEntTable().getBdry().validRegion());
   EXPECT_EQ(got.report.count("block undefined"), 1);
+}
+
+// A layer named "X|L" speaks of a reference X that nobody declares; the block X is the
+// one that the file defines, and it keeps its content.
+TEST(ReadBlocks, ABlockComesBeforeAReferenceThatOnlyALayerNames) {
+  for (std::string text :
+       {blocks(block("X", "0 LINE|8 0|10 0|20 0|11 1|21 1")) +
+            entities("0 POINT|8 X~L|10 0|20 0|" + insertOf("X")),
+        blocks(block("X", "0 LINE|8 X~L|10 0|20 0|11 1|21 1")) + entities(insertOf("X"))}) {
+    std::replace(text.begin(), text.end(), '~', '|');  // which parts pairs in short texts
+    const Loaded got = loadText(text + dxf());
+    ASSERT_FALSE(got.error.HasAnError());
+    const CBlock* own = find(got, u"X");
+    ASSERT_NE(own, nullptr);
+    EXPECT_EQ(own->size(), 1u);
+    EXPECT_EQ(got.data->getEntTable().getEntityTbl().back()->getEntInsert()->getBlock(), own);
+    EXPECT_NE(getLayer(*got.data, u"X|L"), nullptr);
+  }
 }
 
 TEST(ReadBlocks, InsertBeforeItsExternalReference) {

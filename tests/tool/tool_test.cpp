@@ -1,5 +1,6 @@
 // The tool as scripts see it: exit codes, streams, JSON, files on disk.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <cstdio>
@@ -142,8 +143,10 @@ TEST_F(Tool, ExitCodes) {
       {"output in no folder",       "convert good.dxf nowhere/out.dxf",    3},
       {"output exists",             "convert good.dxf broken.dxf",         3},
       {"output is a folder",        "convert -f good.dxf .",               3},
+      {"output is a pipe",          "convert -f good.dxf pipe",            3},
       {"broken part of an import",  "import good.dxf broken.dxf -o o.dxf", 1},
   };
+  ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
     const Outcome got = run(t.arguments);

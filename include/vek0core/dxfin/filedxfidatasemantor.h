@@ -70,7 +70,9 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   /// Gives an existing block a new definition and deletes the old entities; error 9,
   /// with the new ones deleted, when it would come to insert itself.
   void redefineBlock(CBlock& block, const PNT_3D& base, long flags, std::list<CEnt*>& entities);
-  /// Whether an external reference bears the name, which is then error 10.
+  /// Whether a block entry declared the reference, or the drawing had it; false for null.
+  bool isDeclared(const CBlockXRef* xref) const;
+  /// Whether a declared external reference bears the name, which is then error 10.
   bool isXRefName(const zim::WString& name);
   /// Whether the block was made for an insert that came before its definition.
   bool isPlaceholder(const CBlock& block) const;
@@ -106,6 +108,9 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   CFileDXFIError* m_err;
   CFileDXFIOptions m_options;
   std::unordered_set<const CLayer*> m_hurriedLayers;
+  // References that only the names of dependent items speak of. As long as no block
+  // entry declares one, an ordinary block of that name comes first.
+  std::unordered_set<const CBlockXRef*> m_announcedXRefs;
   std::vector<Placeholder> m_placeholders;
   std::unordered_map<const CBlock*, std::size_t> m_placeholderIndex;
 };

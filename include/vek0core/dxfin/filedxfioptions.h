@@ -29,6 +29,7 @@ struct CFileDXFIPolicy {
 ///   text fitted           aligned or fitted text became left text
 ///   mesh as faces         a polygon mesh or polyface became 3D faces
 ///   mesh incomplete       faces whose vertices the file does not hold are missing
+///   arcs straightened     arcs of fitted curves became chords, there were too many
 ///   curve without frame   a curve without control points became a plain polyline
 ///   shape dropped         a linetype element of a shape left its gap only
 ///   block undefined       a block that is inserted and never defined is empty

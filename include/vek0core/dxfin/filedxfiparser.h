@@ -140,6 +140,7 @@ class VEK0_API CFileDXFIParser {
   IFileDXFISemantor& m_semantor;
   CFileDXFIOptions m_options;
   zim::WString m_curLtype = u"ByLayer", m_curLayer = u"0", m_curStyle = u"Standard";
+  bool m_blocksMeasured = false;
   short m_version = 0;  // 0 none seen, 1 R12 ... 4 AC1015
   zim::WString m_versionName, m_codePageName;
   CEntFactory& m_factory;

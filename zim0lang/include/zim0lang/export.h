@@ -1,7 +1,7 @@
 #pragma once
 
-// The string library is linked into vek0core or used on its own; either way its
-// symbols must stay visible when the rest is hidden.
+/// The string library is linked into vek0core or used on its own; either way its
+/// symbols must stay visible when the rest is hidden.
 #if defined(ZIM0LANG_STATIC) || defined(VEK0_STATIC)
 #define ZIM0LANG_API
 #elif defined(_WIN32)
