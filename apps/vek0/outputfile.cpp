@@ -47,6 +47,10 @@ OutputFile::OutputFile(const std::string& path, bool force) : m_target(toPath(pa
     return;
   }
   std::error_code ignored;
+  // A link stays a link: what it points to is replaced.
+  if (std::filesystem::is_symlink(m_target, ignored)) {
+    m_target = std::filesystem::weakly_canonical(m_target, ignored);
+  }
   if (std::filesystem::is_directory(m_target, ignored)) {
     m_error = "'" + path + "' is a folder";
   } else if (std::filesystem::exists(m_target, ignored) &&
@@ -70,6 +74,10 @@ OutputFile::~OutputFile() {
 bool OutputFile::commit() {
   if (m_temporary.empty()) return writeToStandardOutput();
   std::error_code failure;
+  const auto before = std::filesystem::status(m_target, failure);
+  if (std::filesystem::exists(before)) {
+    std::filesystem::permissions(m_temporary, before.permissions(), failure);
+  }
   std::filesystem::rename(m_temporary, m_target, failure);
   if (failure) {
     m_error = "'" + m_target.string() + "' cannot be written: " + failure.message();

@@ -109,11 +109,13 @@ bool RECT_3D::inside(const PNT_3D& p) const {
 }
 
 void RECT_3D::move(const PNT_3D& delta) {
+  if (!validRegion()) return;
   min.move(delta);
   max.move(delta);
 }
 
 void RECT_3D::scale(const PNT_3D& center, double factor) {
+  if (!validRegion()) return;
   min.scale(center, factor);
   max.scale(center, factor);
   if (factor < 0) std::swap(min, max);

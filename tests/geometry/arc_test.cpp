@@ -163,6 +163,7 @@ TEST(Arc, RotateTurnsItsEnds) {
       EXPECT_LT(ends[k].dist(after[k]), 1e-12 * 100);
     }
     EXPECT_EQ(arc.startAngle, ARC_3D::normal(arc.startAngle));
+    EXPECT_EQ(arc.endAngle, ARC_3D::normal(arc.endAngle));
   }
 }
 
@@ -239,6 +240,59 @@ TEST(Arc, LinesMeetOnlyThePartThatIsThere) {
       EXPECT_NEAR(p1.dist(t.first), 0, 1e-12);
     }
   }
+}
+
+/// How often the curve passes through `side` = 0 along the arc, by its points: -1 when a
+/// crossing is too near to an end of the arc, or to another crossing, for that to be known.
+template <class Side>
+int sampledCrossings(const ARC_3D& arc, Side side) {
+  constexpr int kSteps = 2000;
+  double s = 0, e = 0;
+  arc.getSafeAngles(s, e);
+  int count = 0, last = 0;
+  double before = side(arc.getPntAngle(s));
+  for (int k = 1; k <= kSteps; ++k) {
+    const double now = side(arc.getPntAngle(s + (e - s) * k / kSteps));
+    if ((before < 0) != (now < 0)) {
+      if (k < 20 || k > kSteps - 20 || (count > 0 && k < last + 20)) return -1;
+      ++count;
+      last = k;
+    }
+    before = now;
+  }
+  return count;
+}
+
+TEST(Arc, NumberOfCommonPointsIsThatOfSampledSides) {
+  Randoms random(36);
+  int sure = 0, twice = 0;
+  for (int i = 0; i < 1000; ++i) {
+    SCOPED_TRACE(testing::Message() << "seed 36, round " << i);
+    const ARC_3D arc = random.arc(), other = random.arc();
+    const IMP_LINE_2D line(random.point(), random.point());
+    PNT_2D p1(0, 0), p2(0, 0);
+    const bool touches =
+        std::fabs(std::fabs(line.eval(arc)) / std::hypot(line.a, line.b) - arc.radius) < 1e-3;
+    const int ofLine = sampledCrossings(arc, [&](const PNT_2D& p) { return line.eval(p); });
+    if (ofLine >= 0 && !touches) {
+      ++sure;
+      twice += ofLine == 2;
+      EXPECT_EQ(arc.intersect(line, p1, p2), ofLine);
+    }
+    const CIRCLE_3D& circle = other;
+    const double d = arc.PNT_2D::dist(circle);
+    const bool kisses = std::fabs(d - arc.radius - circle.radius) < 1e-3 ||
+                        std::fabs(d - std::fabs(arc.radius - circle.radius)) < 1e-3;
+    const int ofCircle = sampledCrossings(
+        arc, [&](const PNT_2D& p) { return circle.PNT_2D::dist(p) - circle.radius; });
+    if (ofCircle >= 0 && !kisses) {
+      ++sure;
+      twice += ofCircle == 2;
+      EXPECT_EQ(arc.intersect(circle, p1, p2), ofCircle);
+    }
+  }
+  EXPECT_GT(sure, 1000);
+  EXPECT_GT(twice, 100);
 }
 
 TEST(Arc, ArcsMeetInPointsOfBoth) {

@@ -43,6 +43,15 @@ TEST(Bulge, ArcOfASegment) {
   }
 }
 
+// Half circles are common (slots, doughnuts): they come out exact, not nearly.
+TEST(Bulge, HalfCirclesAreExact) {
+  ARC_3D arc;
+  ASSERT_TRUE(createArcFromBulge(PNT_3D(0, 0, 2), PNT_3D(2, 0, 4), 1, arc));
+  EXPECT_TRUE(arc == ARC_3D(1, 0, 3, 1, kPi, 0));
+  ASSERT_TRUE(createArcFromBulge(PNT_3D(0, 0, 2), PNT_3D(2, 0, 4), -1, arc));
+  EXPECT_TRUE(arc == ARC_3D(1, 0, 3, 1, 0, kPi));
+}
+
 TEST(Bulge, StraightSegments) {
   const struct {
     const char* name;
@@ -53,7 +62,7 @@ TEST(Bulge, StraightSegments) {
       {"not a number",                {0, 0, 0},      {1, 0, 0},     kNan  },
       {"endless",                     {0, 0, 0},      {1, 0, 0},     -kInf },
       {"ends coincide",               {5, 5, 0},      {5, 5, 9},     1     },
-      {"ends coincide but for 1e-12", {0, 0, 0},      {1e-12, 0, 0}, 1     },
+      {"ends coincide but for 1e-12", {0, 0, 0},      {1e-12, 0, 0}, 100   },
       {"rise lost in the numbers",    {1e6, 0, 0},    {1e6, 10, 0},  1e-8  },
       {"smallest bulge",              {0, 0, 0},      {1e9, 0, 0},   5e-324},
       {"ends too far apart",          {-1e200, 0, 0}, {1e200, 0, 0}, 0.5   },

@@ -71,6 +71,14 @@ TEST(Circle, TouchingToleranceGrowsWithTheRadius) {
   EXPECT_EQ(large.intersect(IMP_LINE_2D(0, 1, -1e6 - 5e-6), &found.p1, &found.p2), 0);
 }
 
+TEST(Circle, NegativeRadiusMeetsTheSameLines) {
+  const LINE_2D line(-9, 1, 9, 1);
+  Found plus, minus;
+  EXPECT_EQ(CIRCLE_3D(0, 0, 0, 5).intersect(line, &plus.p1, &plus.p2), 2);
+  EXPECT_EQ(CIRCLE_3D(0, 0, 0, -5).intersect(line, &minus.p1, &minus.p2), 2);
+  EXPECT_TRUE(plus.p1 == minus.p1 && plus.p2 == minus.p2);
+}
+
 TEST(Circle, LinePointsLieOnBoth) {
   Randoms random(21);
   int crossings = 0;
@@ -118,6 +126,9 @@ TEST(Circle, LevelAndUprightSegmentsAgreeWithTheGeneralWay) {
     }
   }
   Found touching;
+  EXPECT_EQ(CIRCLE_3D(0, 0, 0, 1).intersect_hor(LINE_2D(1 + 1e-13, 0, 9, 0), &touching.p1,
+                                                &touching.p2),
+            1);
   EXPECT_EQ(CIRCLE_3D(1, 2, 0, 3).intersect_hor(LINE_2D(-9, 5, 9, 5), &touching.p1, &touching.p2),
             1);
   EXPECT_TRUE(touching.p1 == PNT_2D(1, 5) && touching.p2 == touching.p1);
@@ -195,6 +206,7 @@ TEST(Circle, NoCircleThroughPointsInLine) {
       {{0, 0, 0}, {3, 3, 0},     {0, 0, 0}     },
       {{5, 5, 5}, {5, 5, 5},     {5, 5, 5}     },
       {{0, 0, 0}, {1e6, 0, 0},   {2e6, 1e-7, 0}},
+      {{0, 0, 0}, {0, 1e-7, 0},  {1e6, 0, 0}   }, // a corner, but lost in the longest side
       {{0, 0, 0}, {kNan, 0, 0},  {1, 1, 0}     },
       {{0, 0, 0}, {1e200, 0, 0}, {0, 1e200, 0} }, // its squares overflow
   };

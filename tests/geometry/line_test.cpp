@@ -119,6 +119,9 @@ TEST(ImpLine, NormalizeFixesTheSigns) {
       {"through the origin, b counts", {3, -4, 0},  {-0.6, 0.8, 0}  },
       {"through the origin, b is 0",   {-5, 0, 0},  {-1, 0, 0}      },
       {"no direction, stays",          {0, 0, 3},   {0, 0, 3}       },
+      {"nearly through the origin",    {3, 4, 5e-13},   {0.6, 0.8, 1e-13}  },
+      {"so, and b counts",             {3, -4, 5e-13},  {-0.6, 0.8, -1e-13}},
+      {"so, and b is nearly 0",        {1, -5e-13, 0},  {1, -5e-13, 0}     },
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -148,6 +151,36 @@ TEST(ImpLine, ParallelsAndPerpendicularsKeepTheirPromises) {
   }
 }
 
+// The coefficients count as they stand: 1e-12 is far less of a long line than of a short.
+TEST(ImpLine, NearlyEqualLinesDoNotMeet) {
+  const IMP_LINE_2D line(1000, 1000, 5);
+  const struct {
+    const char* name;
+    IMP_LINE_2D a, b;
+    bool meet;
+  } cases[] = {
+      {"the same within 1e-12",           line,      {1000 + 9e-13, 1000, 5 + 9e-13}, false},
+      {"the same but for c",              line,      {1000 + 9e-13, 1000, 6},         true },
+      {"turned by more than that",        line,      {1000 + 9e-12, 1000, 5},         true },
+      {"parallel within the determinant", {1, 0, 0}, {1, 1e-13, 5},                   false},
+      {"short, at right angles",          {1e-7, 0, 0}, {0, 1e-7, 0},                 false},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    PNT_2D at(0, 0);
+    EXPECT_EQ(t.a.intersect(t.b, at), t.meet);
+    EXPECT_EQ(t.b.intersect(t.a, at), t.meet);
+  }
+}
+
+TEST(ImpLine, PerpendicularTurnsClockwise) {
+  IMP_LINE_2D across;
+  IMP_LINE_2D(2, 3, 7).perpend(PNT_2D(5, 11), across);
+  EXPECT_EQ(across.a, 3);
+  EXPECT_EQ(across.b, -2);
+  EXPECT_EQ(across.c, 7);
+}
+
 TEST(ImpLine, NoSideForAPointOnTheLine) {
   const IMP_LINE_2D line(0, 1, -2);
   EXPECT_TRUE(line.sameSide(PNT_2D(0, 3), PNT_2D(9, 4)));
@@ -169,6 +202,13 @@ TEST(ParLine, CodesOfCommonPoints) {
   EXPECT_EQ(u, 0.25);
   EXPECT_EQ(ray.intersect(IMP_LINE_2D(1, 0, -7), t), 2);
   EXPECT_EQ(t, 3);
+  // Zero is compared exactly, so the shortest direction still crosses.
+  const PAR_LINE_2D brief(0, 0, 1e-13, 0);
+  EXPECT_EQ(brief.intersect(IMP_LINE_2D(1, 0, -1), t), 2);
+  EXPECT_DOUBLE_EQ(t, 1e13);
+  EXPECT_EQ(brief.intersect(PAR_LINE_2D(1, 0, 0, 1), t, u), 2);
+  EXPECT_DOUBLE_EQ(t, 1e13);
+  EXPECT_EQ(u, 0);
 }
 
 TEST(ParLine, ParameterOfAPointOrItsProjection) {
@@ -183,6 +223,9 @@ TEST(ParLine, ParameterOfAPointOrItsProjection) {
       {"vertical, x ignored", {1, 2, 0, 4}, {99, 8}, 1.5},
       {"level, y ignored",    {1, 2, 5, 0}, {6, 99}, 1  },
       {"no direction",        {1, 2, 0, 0}, {6, 99}, 0  },
+      // The squares of these directions are 0, and so would be a projection's divisor.
+      {"tiny and level",      {0, 0, 1e-200, 0}, {2e-200, 99}, 2},
+      {"tiny and on it",      {0, 0, 1e-200, 1e-200}, {3e-200, 3e-200}, 3},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -213,6 +256,9 @@ TEST(ParLine, DistanceIsPositiveOnTheRight) {
   EXPECT_EQ(PAR_LINE_2D(0, 0, 0, 0).dist(PNT_2D(3, 4)), 5);
   EXPECT_TRUE(PAR_LINE_2D(0, 0, 0, 5).sameSide(PNT_2D(3, 1), PNT_2D(1, -9)));
   EXPECT_FALSE(PAR_LINE_2D(0, 0, 0, 5).sameSide(PNT_2D(3, 1), PNT_2D(0, 1)));
+  const PAR_LINE_2D slope(4, 6, 1, 2);  // passes (1, 0)
+  EXPECT_TRUE(slope.sameSide(PNT_2D(0, 0), PNT_2D(4, 7)));
+  EXPECT_FALSE(slope.sameSide(PNT_2D(0, 0), PNT_2D(4, 5)));
 }
 
 TEST(ParLine, DirectionFromAnImplicitLineIsAUnitVectorOrNothing) {

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
+#include <cmath>
 #include <limits>
 #include <random>
 #include <type_traits>
@@ -35,6 +37,14 @@ TEST(Pnt, PlaneOperationsOnASpacePointSeeXAndYOnly) {
   EXPECT_EQ(high.dist(PNT_3D(3, 4, 98)), 2);
   EXPECT_TRUE(high == PNT_2D(3, 4));
   EXPECT_TRUE(high - origin == PNT_2D(3, 4));
+  EXPECT_TRUE(high != PNT_2D(3, 5));
+  EXPECT_EQ(PNT_3D(0, 1, 9).angle(PNT_3D(1, 1, -9)), 0);
+  PNT_3D turned = high;
+  turned.rotate(PNT_2D(3, 4), 1);
+  turned.set(5, 6);
+  double x = 0, y = 0;
+  turned.get(x, y);
+  EXPECT_TRUE(turned == PNT_3D(x, y, 100));
 }
 
 TEST(Pnt, AngleLiesInTheFullTurn) {
@@ -112,6 +122,7 @@ TEST(PntsInLine, PlaneMeasuresADistanceAndSpaceDoesNot) {
       {"large bend of short legs", {0, 0, 0}, {1e-4, 0, 0}, {1e-4, 1e-4, 0}, false, true },
       {"far beyond a short leg",   {0, 0, 0}, {1, 0, 0},    {1e3, 1e-5, 0},  false, false},
       {"only z leaves the line",   {0, 0, 0}, {1, 0, 0},    {2, 0, 1},       true,  false},
+      {"z leaves a line along y",  {0, 0, 0}, {0, 1, 0},    {0, 2, 1},       true,  false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

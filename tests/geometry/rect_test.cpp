@@ -32,6 +32,39 @@ TEST(Rect, AnEmptyBoxChangesNoOther) {
   EXPECT_TRUE(empty == before);
 }
 
+TEST(Rect, AnEmptyBoxStaysEmptyWhereverItGoes) {
+  RECT_3D empty;
+  empty.initRegion();
+  const RECT_3D before = empty;
+  for (const double factor : {0.0, 1e-200, -1.0, 1e200}) {
+    SCOPED_TRACE(factor);
+    empty.scale(PNT_3D(1, 2, 3), factor);
+    empty.move(PNT_3D(1e300, 0, -1e300));
+    EXPECT_TRUE(empty == before);
+  }
+}
+
+TEST(Rect, GrownBoxHoldsBothAndNothingMore) {
+  std::mt19937 random(4);
+  std::uniform_real_distribution<double> real(-10, 10);
+  const auto point = [&] { return PNT_3D(real(random), real(random), real(random)); };
+  for (int i = 0; i < 300; ++i) {
+    SCOPED_TRACE(testing::Message() << "seed 4, round " << i);
+    const PNT_3D p[] = {point(), point(), point(), point()};
+    RECT_3D grown(p[0], p[1]), ofPoints(p[0], p[1]);
+    grown.updateRegion(RECT_3D(p[2], p[3]));
+    ofPoints.updateRegion(p[2]);
+    ofPoints.updateRegion(p[3]);
+    EXPECT_TRUE(grown == ofPoints);
+    for (const PNT_3D& q : p) EXPECT_TRUE(grown.inside(q));
+    RECT_2D flat(p[0], p[1]), ofPlanePoints;
+    flat.updateRegion(RECT_2D(p[2], p[3]));
+    const PNT_2D plane[] = {p[0], p[1], p[2], p[3]};
+    ofPlanePoints.set(plane, 4);
+    EXPECT_TRUE(flat == ofPlanePoints);
+  }
+}
+
 TEST(Rect, ValidityLooksAtXAlone) {
   RECT_2D box(0, 0, 1, 1);
   box.min.y = 5;
@@ -92,11 +125,29 @@ TEST(Rect, TouchingBoxesIntersect) {
     EXPECT_TRUE(common == t.common);
     EXPECT_EQ(box.inside(t.other), t.contains);
   }
-  RECT_2D apart;
-  EXPECT_FALSE(box.intersect(RECT_2D(5, 0, 6, 4)));
-  EXPECT_FALSE(box.intersect(RECT_2D(5, 0, 6, 4), apart));
-  EXPECT_EQ(apart.min.x, 5);  // written all the same, inverted
-  EXPECT_EQ(apart.max.x, 4);
+}
+
+TEST(Rect, SeparateBoxesLeaveAnInvertedCommonPart) {
+  const RECT_2D box(0, 0, 4, 4);
+  const struct {
+    const char* name;
+    RECT_2D other;
+    PNT_2D min, max;  // of the common part
+  } cases[] = {
+      {"to the right", {5, 1, 6, 2},   {5, 1}, {4, 2} },
+      {"to the left",  {-2, 1, -1, 2}, {0, 1}, {-1, 2}},
+      {"above",        {1, 5, 2, 6},   {1, 5}, {2, 4} },
+      {"below",        {1, -2, 2, -1}, {1, 0}, {2, -1}},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    RECT_2D common;
+    EXPECT_FALSE(box.intersect(t.other));
+    EXPECT_FALSE(t.other.intersect(box));
+    EXPECT_FALSE(box.intersect(t.other, common));
+    EXPECT_FALSE(box.inside(t.other));
+    EXPECT_TRUE(common.min == t.min && common.max == t.max);
+  }
 }
 
 TEST(Rect, BordersCountAsInside) {
@@ -104,6 +155,7 @@ TEST(Rect, BordersCountAsInside) {
   EXPECT_FALSE(RECT_2D(0, 0, 1, 1).inside(std::nextafter(1.0, 2.0), 0));
   EXPECT_TRUE(RECT_3D(0, 0, 0, 1, 1, 1).inside(PNT_3D(0, 1, 1)));
   EXPECT_FALSE(RECT_3D(0, 0, 0, 1, 1, 1).inside(PNT_3D(0, 1, -1e-300)));
+  EXPECT_FALSE(RECT_3D(0, 0, 0, 1, 1, 1).inside(PNT_3D(0, 1, 1.1)));
 }
 
 TEST(Rect, ShrinkUndoesInflate) {

@@ -95,6 +95,42 @@ TEST(Curve, OpenCurvesKeepTheirEndsExactly) {
   }
 }
 
+TEST(Curve, DegreesBeyondTheLimitsAreTheLimits) {
+  std::mt19937 random(57);
+  const Vertexes controls = randomFrame(random, 7);
+  for (const short type : {kSpline, kBezier}) {
+    for (const short degree : {short{-9}, short{0}, short{1}, short{99}}) {
+      SCOPED_TRACE(testing::Message() << "type " << type << ", degree " << degree);
+      const Vertexes got = curveVertexes(controls, type, degree, false);
+      const Vertexes want = curveVertexes(controls, type, degree < 2 ? 2 : 3, false);
+      ASSERT_EQ(got.size(), want.size());
+      for (std::size_t i = 0; i < got.size(); ++i) expectSame(got[i], want[i], 0);
+    }
+  }
+}
+
+// Splines and Bezier pieces mix their controls with shares between 0 and 1.
+TEST(Curve, SplinesStayInTheBoxOfTheirControls) {
+  std::mt19937 random(58);
+  for (int round = 0; round < 200; ++round) {
+    SCOPED_TRACE(testing::Message() << "seed 58, round " << round);
+    const Vertexes controls = randomFrame(random, 3 + static_cast<std::size_t>(round % 9));
+    RECT_3D box;
+    box.initRegion();
+    for (const CURVE_VERTEX& v : controls) box.updateRegion(pnt(v));
+    box.updateRegion(box.min - PNT_3D(1e-12, 1e-12, 1e-12));
+    box.updateRegion(box.max + PNT_3D(1e-12, 1e-12, 1e-12));
+    for (const short type : {kSpline, kBezier}) {
+      for (const short degree : {short{2}, short{3}}) {
+        for (const CURVE_VERTEX& v : curveVertexes(controls, type, degree, round % 2 == 0)) {
+          ASSERT_TRUE(box.inside(pnt(v)));
+          ASSERT_EQ(v.bulge, 0);
+        }
+      }
+    }
+  }
+}
+
 // With as few controls as the degree allows, a clamped spline is a Bezier piece, whose
 // points follow from the Bernstein polynomials.
 TEST(Curve, SmallestOpenSplineIsABezierPiece) {
@@ -320,6 +356,13 @@ TEST(FitCurve, FlatArcsKeepTheirDigits) {
   }
 }
 
+TEST(FitCurve, GoingBackTheSameWayStaysStraight) {
+  for (const PNT_2D& far : {PNT_2D(10, 0), PNT_2D(0, 10), PNT_2D(-3, -4)}) {
+    const Vertexes curve = curveVertexes(frame({PNT_2D(0, 0), far, PNT_2D(0, 0)}), kFit, 0, false);
+    for (const CURVE_VERTEX& v : curve) EXPECT_NEAR(v.bulge, 0, 1e-12) << far.x << "," << far.y;
+  }
+}
+
 TEST(FitCurve, PathsThatDoubleBackStayNearTheirControls) {
   const std::vector<std::vector<PNT_2D>> cases{
       {{0, 0},   {10, 0},    {5, 0}        },
@@ -360,6 +403,7 @@ TEST(Curve, HugeAndRepeatedControlsGiveFiniteCurves) {
     for (const short type : {kFit, kSpline, kBezier}) {
       for (const CURVE_VERTEX& v : curveVertexes(controls, type, 3, round % 2 == 0)) {
         ASSERT_TRUE(std::isfinite(v.x + v.y + v.z + v.widthStart + v.widthEnd + v.bulge));
+        if (type == kFit) ASSERT_LE(std::fabs(v.bulge), 8);
       }
     }
   }

@@ -5,8 +5,10 @@
 #include <cmath>
 #include <random>
 #include <sstream>
+#include <string>
 
 #include "vek0core/geometry/line.h"
+#include "vek0core/geometry/rect.h"
 
 namespace {
 
@@ -66,6 +68,8 @@ TEST(Silhouette, Rings) {
       {"a corner is mitred",                    "0,0 10,0 10,10",             false, {"0,1 9,1 9,10 11,10 11,-1 0,-1"}          },
       {"going straight on",                     "0,0 5,0 10,0",               false, {"0,1 5,1 10,1 10,-1 5,-1 0,-1"}           },
       {"a step in width",                       "0,0,2,2 5,0,4,4 10,0",       false, {"0,1 5,1 5,2 10,2 10,-2 5,-2 5,-1 0,-1"}  },
+      {"a wide one leaves a narrow one",        "0,0,2,2 100,0,40,40 100,100", false, {"0,1 80,1 80,100 120,100 120,-1 0,-1"}},
+      {"a narrow one leaves a wide one",        "0,0,40,40 100,0,2,2 100,100", false, {"0,20 99,20 99,100 101,100 101,-20 0,-20"}},
       {"turning back",                          "0,0 10,0 5,0",               false, {"0,1 10,1 10,-1 5,-1 5,1 10,1 10,-1 0,-1"}},
       {"repeated vertices",
        "0,0 0,0 10,0 10,0 10,10 10,10",                                       false,
@@ -203,6 +207,26 @@ TEST(Silhouette, MovesAndTurnsWithThePolyline) {
           EXPECT_LT(turned[i].dist(after.getRun(r)[i]), 1e-6);
         }
       }
+    }
+  }
+}
+
+// With one width the corners lie on either side of their vertex, so no vertex sticks out.
+TEST(Silhouette, ExtentsHoldTheChain) {
+  std::mt19937 random(64);
+  std::uniform_real_distribution<double> real(-50, 50);
+  for (int round = 0; round < 500; ++round) {
+    SCOPED_TRACE(testing::Message() << "seed 64, round " << round);
+    Wide path;
+    for (int i = 0; i < 8; ++i) path.push_back({PNT_3D(real(random), real(random), 0), 3, 3});
+    for (const bool closed : {false, true}) {
+      const CPolylineSilhouette silhouette(path, closed);
+      RECT_3D box;
+      box.initRegion();
+      for (std::size_t r = 0; r < silhouette.getNoRuns(); ++r) {
+        for (const PNT_3D& p : silhouette.getRun(r)) box.updateRegion(p);
+      }
+      for (const WIDE_VERTEX& v : path) EXPECT_TRUE(box.inside(v.pnt));
     }
   }
 }

@@ -187,6 +187,17 @@ TEST_F(Tool, SaveOptionsReachTheWriter) {
   EXPECT_EQ(contents(path("b.dxf")).find("$HANDSEED"), std::string::npos);
 }
 
+TEST_F(Tool, ForceKeepsLinksAndPermissions) {
+  write("real.dxf", "old");
+  fs::permissions(path("real.dxf"), fs::perms::owner_read | fs::perms::owner_write);
+  fs::create_symlink("real.dxf", path("link.dxf"));
+  ASSERT_EQ(run("convert -f " + flange + " link.dxf").code, 0);
+  EXPECT_TRUE(fs::is_symlink(path("link.dxf")));
+  EXPECT_NE(contents(path("real.dxf")), "old");
+  EXPECT_EQ(fs::status(path("real.dxf")).permissions(),
+            fs::perms::owner_read | fs::perms::owner_write);
+}
+
 TEST_F(Tool, ForceReplacesAndImportMerges) {
   write("good.dxf", kOneLine);
   write("out.dxf", "old");

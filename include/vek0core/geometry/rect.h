@@ -91,8 +91,10 @@ class VEK0_API RECT_3D {
   void updateRegion(const RECT_3D& r);
   bool inside(const PNT_3D& p) const;
 
+  /// Moves both corners; an empty box stays as it is.
   void move(const PNT_3D& delta);
   /// Scales both corners; a negative factor exchanges them, so min stays the lower.
+  /// An empty box stays as it is: scaled by 0, it would become a point.
   void scale(const PNT_3D& center, double factor);
   void calc_bdry(RECT_3D& out) const { out = *this; }
 
