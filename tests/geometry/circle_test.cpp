@@ -126,9 +126,9 @@ TEST(Circle, LevelAndUprightSegmentsAgreeWithTheGeneralWay) {
     }
   }
   Found touching;
-  EXPECT_EQ(CIRCLE_3D(0, 0, 0, 1).intersect_hor(LINE_2D(1 + 1e-13, 0, 9, 0), &touching.p1,
-                                                &touching.p2),
-            1);
+  EXPECT_EQ(
+      CIRCLE_3D(0, 0, 0, 1).intersect_hor(LINE_2D(1 + 1e-13, 0, 9, 0), &touching.p1, &touching.p2),
+      1);
   EXPECT_EQ(CIRCLE_3D(1, 2, 0, 3).intersect_hor(LINE_2D(-9, 5, 9, 5), &touching.p1, &touching.p2),
             1);
   EXPECT_TRUE(touching.p1 == PNT_2D(1, 5) && touching.p2 == touching.p1);
