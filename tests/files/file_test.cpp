@@ -19,14 +19,18 @@ using std::string_literals::operator""s;
 using zim::Char;
 using zim::WString;
 
-// A path of its own for the running test, gone afterwards.
+// A path of its own for the running test, gone afterwards: tests run side by side.
 class TempFile {
  public:
-  explicit TempFile(const std::string& name = "vek0_file_test.txt")
-      : m_path(testing::TempDir() + name) {}
+  explicit TempFile(const std::string& name = "file.txt")
+      : m_folder(testing::TempDir() + "vek0_" +
+                 testing::UnitTest::GetInstance()->current_test_info()->name()),
+        m_path(m_folder + "/" + name) {
+    std::filesystem::create_directory(m_folder);
+  }
   ~TempFile() {
     std::error_code ignored;
-    std::filesystem::remove(path(), ignored);
+    std::filesystem::remove_all(m_folder, ignored);
   }
   WString name() const { return WString::fromUtf8(m_path); }
   std::filesystem::path path() const { return std::u8string(m_path.begin(), m_path.end()); }
@@ -37,7 +41,7 @@ class TempFile {
   }
 
  private:
-  std::string m_path;
+  std::string m_folder, m_path;
 };
 
 // All lines with a bar between them.
