@@ -6,11 +6,6 @@
 namespace vek0::bench {
 namespace {
 
-class Font : public ICADFont {
- public:
-  Font() : ICADFont(u"txt") {}
-};
-
 // Writes pairs with a fixed seed: the same arguments give the same bytes.
 class Text {
  public:
@@ -103,15 +98,8 @@ void mixedEntity(Text& text) {
 }  // namespace
 
 Drawing newDrawing() {
-  static const bool ready = [] {
-    auto* font = new Font;
-    CFontTable::getInstance().add(font);
-    CFontTable::getInstance().setDefault(font);
-    return true;
-  }();
-  static_cast<void>(ready);
-  CDataFactory factory;
-  return Drawing(factory.createData());
+  CFontTable::getInstance().addPlainDefault();
+  return Drawing(CDataFactory().createData());
 }
 
 std::string lineText(int count) {

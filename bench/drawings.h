@@ -7,10 +7,7 @@
 
 namespace vek0::bench {
 
-struct Deleter {
-  void operator()(CData* data) const { deleteData(data); }
-};
-using Drawing = std::unique_ptr<CData, Deleter>;
+using Drawing = CDataPtr;
 
 /// An empty drawing; a default font is registered once.
 Drawing newDrawing();

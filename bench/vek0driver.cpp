@@ -15,11 +15,6 @@
 
 namespace {
 
-class Font : public ICADFont {
- public:
-  Font() : ICADFont(u"txt") {}
-};
-
 double nowMs() {
   using namespace std::chrono;
   return duration<double, std::milli>(steady_clock::now().time_since_epoch()).count();
@@ -93,11 +88,8 @@ class Counter final : public IEntVisitor {
 
 int main(int argc, char** argv) {
   if (argc < 2) return std::fputs("usage: vek0driver FILE [OUT]\n", stderr), 2;
-  auto font = std::make_unique<Font>();
-  CFontTable::getInstance().setDefault(font.get());
-  CFontTable::getInstance().add(font.release());
-  CDataFactory factory;
-  CData* data = factory.createData();
+  CFontTable::getInstance().addPlainDefault();
+  CData* data = CDataFactory().createData();
 
   const long before = statusKib("VmRSS");
   double start = nowMs();

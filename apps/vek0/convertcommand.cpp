@@ -2,8 +2,6 @@
 #include <string>
 
 #include "commands.h"
-#include "drawingfile.h"
-#include "outputfile.h"
 #include "saving.h"
 
 namespace vek0::tool {
@@ -13,21 +11,6 @@ struct Options {
   std::string in, out;
   SaveOptions save;
 };
-
-void run(const Options& options, Session& session) {
-  OutputFile output(options.out, options.save.force);
-  if (!output.error().empty()) {
-    Session::complain(output.error());
-    return session.failed(kOutputFailed);
-  }
-  const Drawing data = newDrawing();
-  const ReadResult result = loadFile(*data, options.in, session.quiet);
-  if (!result.ok()) {
-    Session::complain(options.in + ": " + result.message());
-    return session.failed(kDrawingFailed);
-  }
-  save(*data, output, options.save, session);
-}
 
 }  // namespace
 
@@ -42,7 +25,9 @@ void addConvertCommand(CLI::App& app, Session& session) {
       "  vek0 convert plan.dxf plan_r12.dxf\n"
       "  vek0 convert --flatten --visible-only - - < in.dxf > out.dxf\n\n"
       "The output appears whole or not at all. Nothing is written for a file with an error.");
-  verb->callback([options, &session] { run(*options, session); });
+  verb->callback([options, &session] {
+    rewrite(options->in, options->out, options->save, session, [](CData&) { return true; });
+  });
 }
 
 }  // namespace vek0::tool

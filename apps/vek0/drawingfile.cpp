@@ -21,9 +21,15 @@ std::string readStandardInput() {
   return bytes;
 }
 
+// Kept, because a drawing may be read twice.
+const std::string& standardInput() {
+  static const std::string bytes = readStandardInput();
+  return bytes;
+}
+
 std::unique_ptr<IFile> openForReading(const std::string& path, bool quiet) {
   const zim::WString name = zim::WString::fromUtf8(path);
-  if (path == "-") return std::make_unique<CFileMemory>(name, kRead, readStandardInput());
+  if (path == "-") return std::make_unique<CFileMemory>(name, kRead, standardInput());
   auto file = std::make_unique<CFileStdLib>(name, kRead);
   if (quiet || !ProgressFile::visible()) return file;
   std::error_code failure;

@@ -7,10 +7,7 @@
 
 namespace vek0::tool {
 
-struct DrawingDeleter {
-  void operator()(CData* data) const { deleteData(data); }
-};
-using Drawing = std::unique_ptr<CData, DrawingDeleter>;
+using Drawing = CDataPtr;
 
 /// What reading one file gave.
 struct ReadResult {

@@ -4,7 +4,6 @@
 
 #include "commands.h"
 #include "drawingfile.h"
-#include "outputfile.h"
 #include "saving.h"
 
 namespace vek0::tool {
@@ -27,7 +26,7 @@ bool canBeLoaded(const std::string& path, bool quiet, std::string& message) {
 
 void mergeOne(CData& base, const std::string& path, Session& session) {
   std::string message;
-  const bool good = path == "-" || canBeLoaded(path, session.quiet, message);
+  const bool good = canBeLoaded(path, session.quiet, message);
   if (good) message = importFile(base, path, session.quiet).message();
   if (message.empty()) return;
   Session::complain(path + ": " + message + (good ? "" : " It is left out."));
@@ -35,19 +34,10 @@ void mergeOne(CData& base, const std::string& path, Session& session) {
 }
 
 void run(const Options& options, Session& session) {
-  OutputFile output(options.out, options.save.force);
-  if (!output.error().empty()) {
-    Session::complain(output.error());
-    return session.failed(kOutputFailed);
-  }
-  const Drawing data = newDrawing();
-  const ReadResult result = loadFile(*data, options.base, session.quiet);
-  if (!result.ok()) {
-    Session::complain(options.base + ": " + result.message());
-    return session.failed(kDrawingFailed);
-  }
-  for (const std::string& path : options.files) mergeOne(*data, path, session);
-  save(*data, output, options.save, session);
+  rewrite(options.base, options.out, options.save, session, [&](CData& base) {
+    for (const std::string& path : options.files) mergeOne(base, path, session);
+    return true;
+  });
 }
 
 }  // namespace
@@ -64,8 +54,7 @@ void addImportCommand(CLI::App& app, Session& session) {
       "Examples:\n"
       "  vek0 import frame.dxf part1.dxf part2.dxf -o sheet.dxf\n\n"
       "Layers, linetypes, styles and named blocks of BASE win over those of the same name;\n"
-      "anonymous blocks get fresh names. A file with an error is left out and the others go on\n"
-      "(of the standard input, what came before the error stays).");
+      "anonymous blocks get fresh names. A file with an error is left out and the others go on.");
   verb->callback([options, &session] { run(*options, session); });
 }
 

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <exception>
 #include <memory>
@@ -18,21 +17,8 @@ void Session::complain(const std::string& message) {
 
 namespace {
 
-// The library needs a font before STYLE tables load. The tool draws nothing, so
-// one with the default metrics is enough.
-class ToolFont : public ICADFont {
- public:
-  ToolFont() : ICADFont(u"txt") {}
-};
-
 void reportAssertion(const char* file, int line, const char* condition) {
   std::fprintf(stderr, "%s:%d assertion failure:\n%s\n", file, line, condition);
-}
-
-void registerDefaultFont() {
-  auto font = std::make_unique<ToolFont>();
-  CFontTable::getInstance().setDefault(font.get());
-  CFontTable::getInstance().add(font.release());
 }
 
 std::size_t editDistance(const std::string& a, const std::string& b) {
@@ -49,16 +35,16 @@ std::size_t editDistance(const std::string& a, const std::string& b) {
   return row.back();
 }
 
-constexpr std::array<const char*, 4> kVerbs = {"info", "check", "convert", "import"};
-
 // Says which verb was probably meant, instead of the parser's list of leftovers.
-bool isUnknownVerb(const std::string& word) {
-  if (word.empty() || word[0] == '-' || word == "help") return false;
-  if (std::find(kVerbs.begin(), kVerbs.end(), word) != kVerbs.end()) return false;
-  const auto* nearest = std::min_element(
-      kVerbs.begin(), kVerbs.end(),
-      [&](const char* a, const char* b) { return editDistance(word, a) < editDistance(word, b); });
-  Session::complain("'" + word + "' is not a command; did you mean '" + *nearest +
+bool isUnknownVerb(const CLI::App& app, const std::string& word) {
+  if (word.empty() || word[0] == '-') return false;
+  const std::vector<const CLI::App*> verbs = app.get_subcommands({});
+  const auto distance = [&](const CLI::App* verb) { return editDistance(word, verb->get_name()); };
+  const CLI::App* nearest = *std::min_element(
+      verbs.begin(), verbs.end(),
+      [&](const CLI::App* a, const CLI::App* b) { return distance(a) < distance(b); });
+  if (nearest->get_name() == word) return false;
+  Session::complain("'" + word + "' is not a command; did you mean '" + nearest->get_name() +
                     "'? See vek0 --help.");
   return true;
 }
@@ -85,11 +71,11 @@ int runTool(int argc, char** argv) {
       "written.");
 
   std::vector<std::string> arguments(argv + 1, argv + argc);
-  if (!arguments.empty() && isUnknownVerb(arguments[0])) return kWrongUsage;
   if (!arguments.empty() && arguments[0] == "help") {
     arguments.erase(arguments.begin());
     arguments.emplace_back("--help");
   }
+  if (!arguments.empty() && isUnknownVerb(app, arguments[0])) return kWrongUsage;
   std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
   try {
     app.parse(arguments);
@@ -108,7 +94,7 @@ int main(int argc, char** argv) {
   try {
     initCore();
     setAssertHandler(vek0::tool::reportAssertion);
-    vek0::tool::registerDefaultFont();
+    CFontTable::getInstance().addPlainDefault();
     const int code = vek0::tool::runTool(argc, argv);
     shutdownCore();
     return code;

@@ -59,6 +59,9 @@ OutputFile::OutputFile(const std::string& path, bool force) : m_target(toPath(pa
     m_error = "'" + path + "' is not a regular file";
   } else if (!force && std::filesystem::exists(m_target, ignored)) {
     m_error = "'" + path + "' exists; -f replaces it";
+  } else if (m_target.has_parent_path() &&
+             !std::filesystem::is_directory(m_target.parent_path(), ignored)) {
+    m_error = "the folder of '" + path + "' does not exist";
   }
   m_temporary = temporaryFor(m_target);
   watchForInterruption(m_temporary.string());

@@ -1,5 +1,7 @@
 #include "saving.h"
 
+#include "drawingfile.h"
+#include "outputfile.h"
 #include "summary.h"
 
 namespace vek0::tool {
@@ -19,6 +21,8 @@ void addSaveOptions(CLI::App& verb, SaveOptions& options) {
   verb.add_flag("-f,--force", options.force, "Replace the output file if it exists");
 }
 
+namespace {
+
 void save(const CData& data, OutputFile& output, const SaveOptions& options, Session& session) {
   CFileReport report;
   if (!SaveDXF(data, output.file(), options.flags(), &report)) {
@@ -32,6 +36,24 @@ void save(const CData& data, OutputFile& output, const SaveOptions& options, Ses
   if (!session.quiet && !report.empty()) {
     Session::complain("not everything could be written as it was:\n" + reportToText(report));
   }
+}
+
+}  // namespace
+
+void rewrite(const std::string& in, const std::string& out, const SaveOptions& options,
+             Session& session, const std::function<bool(CData&)>& change) {
+  OutputFile output(out, options.force);
+  if (!output.error().empty()) {
+    Session::complain(output.error());
+    return session.failed(kOutputFailed);
+  }
+  const Drawing data = newDrawing();
+  const ReadResult result = loadFile(*data, in, session.quiet);
+  if (!result.ok()) {
+    Session::complain(in + ": " + result.message());
+    return session.failed(kDrawingFailed);
+  }
+  if (change(*data)) save(*data, output, options, session);
 }
 
 }  // namespace vek0::tool

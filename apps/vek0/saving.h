@@ -2,8 +2,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include <functional>
+#include <string>
+
 #include "commands.h"
-#include "outputfile.h"
 #include "vek0core/drawing/data.h"
 
 namespace vek0::tool {
@@ -22,8 +24,11 @@ struct SaveOptions {
 
 void addSaveOptions(CLI::App& verb, SaveOptions& options);
 
-/// Saves into `output` and puts it in place; complains and sets the exit code when
-/// that fails, and warns of what could not be written.
-void save(const CData& data, OutputFile& output, const SaveOptions& options, Session& session);
+/// What every command that writes a drawing does: loads `in`, lets `change` work on the
+/// drawing, saves it as `out`. Complains and sets the exit code when one of them fails
+/// (`change` says by its answer whether to go on), and warns of what could not be
+/// written. Nothing is loaded when `out` cannot be written anyway.
+void rewrite(const std::string& in, const std::string& out, const SaveOptions& options,
+             Session& session, const std::function<bool(CData&)>& change);
 
 }  // namespace vek0::tool

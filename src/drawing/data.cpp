@@ -9,12 +9,6 @@ namespace {
 
 constexpr short kLayer0Color = 7;
 
-// A font that the process does not have: a name, and the default measures.
-class NameOnlyFont final : public ICADFont {
- public:
-  explicit NameOnlyFont(const zim::WString& name) : ICADFont(name) {}
-};
-
 }  // namespace
 
 CData::CData(std::unique_ptr<IHandleGestor> gestor, std::unique_ptr<CLtypeFactory> ltypeFactory,
@@ -67,7 +61,7 @@ void CData::releaseCounts() {
 
 const ICADFont* CData::needFont(const zim::WString& name) {
   std::shared_ptr<const ICADFont>& font = m_fonts[name];
-  if (!font) font = std::make_shared<NameOnlyFont>(name);
+  if (!font) font = std::make_shared<CNamedFont>(name);
   return font.get();
 }
 

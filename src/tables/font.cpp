@@ -22,11 +22,6 @@ bool isWide(char32_t c) {
          (c >= 0xFFE0 && c <= 0xFFE6) || (c >= 0x20000 && c <= 0x3FFFD);
 }
 
-class DefaultMetrics : public ICADFont {
- public:
-  DefaultMetrics() : ICADFont(zim::WString()) {}
-};
-
 std::unique_ptr<CFontTable>& instance() {
   static std::unique_ptr<CFontTable> table;
   return table;
@@ -54,7 +49,7 @@ double ICADFont::getStringWidth(const zim::WString& text, bool /*horiz*/, bool b
 }
 
 const ICADFont& defaultFontMetrics() {
-  static const DefaultMetrics metrics;
+  static const CNamedFont metrics{zim::WString()};
   return metrics;
 }
 
@@ -80,4 +75,11 @@ const ICADFont* CFontTable::get(const zim::WString& name, bool orDefault) const 
   const auto found = m_byName.find(name);
   if (found != m_byName.end()) return found->second;
   return orDefault ? m_default : nullptr;
+}
+
+void CFontTable::addPlainDefault() {
+  if (m_default) return;
+  auto font = std::make_unique<CNamedFont>(u"txt");
+  m_default = font.get();
+  add(font.release());
 }

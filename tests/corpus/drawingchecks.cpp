@@ -11,11 +11,6 @@
 namespace vek0::test {
 namespace {
 
-class Font : public ICADFont {
- public:
-  Font() : ICADFont(u"txt") {}
-};
-
 // Every item of the drawing that entities may name.
 struct Items {
   explicit Items(CData& data) {
@@ -105,15 +100,8 @@ class Keep final : public IBlockOperation {
 }  // namespace
 
 Drawing newDrawing() {
-  static const bool ready = [] {
-    auto* font = new Font;
-    CFontTable::getInstance().add(font);
-    CFontTable::getInstance().setDefault(font);
-    return true;
-  }();
-  static_cast<void>(ready);
-  CDataFactory factory;
-  return Drawing(factory.createData());
+  CFontTable::getInstance().addPlainDefault();
+  return Drawing(CDataFactory().createData());
 }
 
 Loaded load(const std::string& bytes) {

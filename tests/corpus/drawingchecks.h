@@ -7,10 +7,7 @@
 
 namespace vek0::test {
 
-struct DrawingDeleter {
-  void operator()(CData* data) const { deleteData(data); }
-};
-using Drawing = std::unique_ptr<CData, DrawingDeleter>;
+using Drawing = CDataPtr;
 
 /// An empty drawing; the first call registers a default font, as hosts do.
 Drawing newDrawing();

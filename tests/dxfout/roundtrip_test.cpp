@@ -11,19 +11,10 @@ using namespace vek0::test;
 
 namespace {
 
-class Font : public ICADFont {
- public:
-  Font() : ICADFont(u"txt") {}
-};
-
 /// Strict reading needs a font for every style.
 class RoundTrip : public testing::Test {
  protected:
-  static void SetUpTestSuite() {
-    auto* font = new Font;
-    CFontTable::getInstance().add(font);
-    CFontTable::getInstance().setDefault(font);
-  }
+  static void SetUpTestSuite() { CFontTable::getInstance().addPlainDefault(); }
   static void TearDownTestSuite() { shutdownCore(); }
 };
 

@@ -11,10 +11,7 @@
 
 namespace vek0::test {
 
-struct DrawingDeleter {
-  void operator()(CData* data) const { deleteData(data); }
-};
-using Drawing = std::unique_ptr<CData, DrawingDeleter>;
+using Drawing = CDataPtr;
 
 /// An empty drawing whose STANDARD style has no font.
 inline Drawing newDrawing() {

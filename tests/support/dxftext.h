@@ -65,11 +65,7 @@ inline std::string version(std::string_view name) {
 
 /// A drawing with what reading a text into it gave.
 struct Loaded {
-  struct Delete {
-    void operator()(CData* unused) const { deleteData(unused); }
-  };
-
-  std::unique_ptr<CData, Delete> data{CDataFactory().createData()};
+  CDataPtr data{CDataFactory().createData()};
   CFileDXFIError error;
   CFileReport report;
   CFileDXFIResult result;

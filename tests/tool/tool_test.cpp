@@ -133,6 +133,7 @@ TEST_F(Tool, ExitCodes) {
   } cases[] = {
       {"help",                      "--help",                              0},
       {"help of a verb",            "help convert",                        0},
+      {"help of no verb",           "help bogus",                          2},
       {"version",                   "--version",                           0},
       {"no verb",                   "",                                    2},
       {"unknown verb",              "infos good.dxf",                      2},
@@ -206,4 +207,10 @@ TEST_F(Tool, ForceReplacesAndImportMerges) {
   EXPECT_EQ(merged["entities"]["LINE"], 4);
   EXPECT_EQ(merged["entities"]["INSERT"], 9);
   EXPECT_EQ(run("check --quiet out.dxf").out, "");
+  write("broken.dxf", kBroken);
+  const Outcome broken = run("import good.dxf - -o two.dxf", "broken.dxf");
+  EXPECT_EQ(broken.code, 1);
+  EXPECT_NE(broken.err.find("left out"), std::string::npos) << broken.err;
+  EXPECT_EQ(run("import good.dxf - -o three.dxf", "good.dxf").code, 0);
+  EXPECT_EQ(Json::parse(run("info --json three.dxf").out)["entities"]["LINE"], 2);
 }

@@ -38,6 +38,12 @@ VEK0_API void shutdownCore();
 /// Destroys a drawing with everything in it; null is ignored.
 VEK0_API void deleteData(CData* data);
 
+struct CDataDeleter {
+  void operator()(CData* data) const { deleteData(data); }
+};
+/// An owner of a drawing.
+using CDataPtr = std::unique_ptr<CData, CDataDeleter>;
+
 /// A drawing with the same content: tables, blocks, entities with their handles, selection,
 /// fixed items, variables and current items. Its fonts are the same objects, its use
 /// counts those of a recount. What names items in no table of `data` goes on naming those.

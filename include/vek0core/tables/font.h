@@ -38,6 +38,13 @@ class VEK0_API ICADFont {
   zim::WString m_name;
 };
 
+/// A font that is a name and the default measures: what a host needs that draws no
+/// texts, and what stands for a font that the process does not have.
+class VEK0_API CNamedFont final : public ICADFont {
+ public:
+  explicit CNamedFont(const zim::WString& name) : ICADFont(name) {}
+};
+
 /// The measures of `ICADFont`'s defaults, for a style that has no font.
 VEK0_API const ICADFont& defaultFontMetrics();
 
@@ -61,6 +68,9 @@ class VEK0_API CFontTable {
   /// The font of new drawings' "STANDARD" style; null until a host sets one. Borrowed.
   const ICADFont* getDefault() const { return m_default; }
   void setDefault(const ICADFont* font) { m_default = font; }
+  /// For hosts without fonts of their own, before they load or make a drawing: a
+  /// default font that has the default measures, unless there is a default already.
+  void addPlainDefault();
 
  private:
   CFontTable() = default;
