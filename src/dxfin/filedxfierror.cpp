@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "vek0core/files/number.h"
+#include "files/number.h"
 
 namespace {
 

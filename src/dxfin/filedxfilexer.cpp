@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "files/linereader.h"
+#include "files/number.h"
 #include "vek0core/dxfin/filedxfierror.h"
-#include "vek0core/files/number.h"
 #include "vek0core/files/report.h"
 #include "zim0lang/utf8.h"
 

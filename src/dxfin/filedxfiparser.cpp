@@ -5,12 +5,12 @@
 #include <new>
 
 #include "dxfin/filedxfiversionloader.h"
+#include "files/number.h"
 #include "vek0core/assert.h"
 #include "vek0core/drawing/datavariables.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/entities/blocktable.h"
 #include "vek0core/files/file.h"
-#include "vek0core/files/number.h"
 #include "vek0core/files/textcodec.h"
 
 using vek0::detail::kRadPerDegree;

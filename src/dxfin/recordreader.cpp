@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "vek0core/files/number.h"
+#include "files/number.h"
 #include "vek0core/files/report.h"
 #include "vek0core/tables/layer.h"
 #include "vek0core/tables/ltype.h"

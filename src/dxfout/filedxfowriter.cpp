@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "files/number.h"
 #include "vek0core/files/file.h"
-#include "vek0core/files/number.h"
 #include "vek0core/files/report.h"
 #include "vek0core/files/textcodec.h"
 

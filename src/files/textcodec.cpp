@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "files/codepages.h"
-#include "vek0core/files/number.h"
+#include "files/number.h"
 #include "zim0lang/utf8.h"
 
 using vek0::detail::labelOf;

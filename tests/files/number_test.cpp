@@ -1,4 +1,4 @@
-#include "vek0core/files/number.h"
+#include "files/number.h"
 
 #include <gtest/gtest.h>
 

@@ -50,7 +50,6 @@ class VEK0_API CFileDXFOWriter {
   /// Whether real numbers are written as the shortest decimals that read back
   /// exactly; off at first.
   void setExact(bool exact) { m_exact = exact; }
-  bool isExact() const { return m_exact; }
 
   /// Where cut texts are reported; null (at first) for nowhere. Borrowed.
   void setReport(CFileReport* report) { m_report = report; }
