@@ -1,12 +1,13 @@
 #include "vek0core/dxfout/filedxfosaver.h"
 
+#include <algorithm>
 #include <cmath>
 #include <new>
-#include <unordered_set>
 
 #include "dxfout/blockrecord.h"
 #include "dxfout/exactnumbers.h"
 #include "dxfout/itemlists.h"
+#include "dxfout/pointerset.h"
 #include "dxfout/savedcolor.h"
 #include "dxfout/savefilter.h"
 #include "dxfout/savehandles.h"
@@ -40,42 +41,42 @@ bool isHatchBlock(const CBlock& block) {
   return block.getName().view().substr(0, 4) == kHatchPrefix;
 }
 
-/// The blocks that entities of a drawing insert.
-using UsedBlocks = std::unordered_set<const CBlock*>;
-
-void noteUse(const CEnt* ent, UsedBlocks& used) {
-  if (const CEntInsertBase* insert = ent->getEntInsert()) used.insert(insert->getBlock());
-}
-
-// The blocks of hatches that are gone, which nobody would miss and readers only keep.
-UsedBlocks unusedHatchBlocks(const CData& data) {
-  UsedBlocks unused;
-  const auto blocks = vek0::detail::blocksOf(data);
-  for (const CBlock* block : blocks) {
-    if (isHatchBlock(*block)) unused.insert(block);
-  }
-  if (unused.empty()) return unused;
-  UsedBlocks used;
-  for (const CBlock* block : blocks) {
-    for (CBlock::CInsertIterator insert(*block); *insert; ++insert) noteUse(*insert, used);
-  }
-  for (const CEnt* ent : data.getEntTable().getEntityTbl()) noteUse(ent, used);
-  for (const CBlock* block : used) unused.erase(block);
-  return unused;
-}
-
-/// Hands the blocks that are written to another operation.
+/// Hands the blocks that are written to another operation: all but those of hatches that
+/// are gone, which nobody would miss and readers only keep.
 class WrittenBlocks final : public IBlockOperation {
  public:
   WrittenBlocks(const CData& data, IBlockOperation& op)
-      : m_unused(unusedHatchBlocks(data)), m_op(op) {}
+      : m_hatchBlocks(hatchBlocksOf(data)), m_used(m_hatchBlocks.size()), m_op(op) {
+    if (!m_hatchBlocks.empty()) noteUses(data);
+  }
 
   int doOperation(CBlock& block) override {
-    return m_unused.count(&block) ? ZORA_BLOCK_VISIT_RESULT_SUCCESS : m_op.doOperation(block);
+    const bool lost = isHatchBlock(block) && !m_used.has(&block);
+    return lost ? ZORA_BLOCK_VISIT_RESULT_SUCCESS : m_op.doOperation(block);
   }
 
  private:
-  UsedBlocks m_unused;
+  static std::vector<const CBlock*> hatchBlocksOf(const CData& data) {
+    std::vector<const CBlock*> blocks = vek0::detail::blocksOf(data);
+    const auto isOther = [](const CBlock* block) { return !isHatchBlock(*block); };
+    blocks.erase(std::remove_if(blocks.begin(), blocks.end(), isOther), blocks.end());
+    return blocks;
+  }
+
+  void noteUses(const CData& data) {
+    vek0::detail::PointerSet all(m_hatchBlocks.size());
+    for (const CBlock* block : m_hatchBlocks) all.insert(block);
+    const auto note = [&](const CEntInsertBase& insert) {
+      if (all.has(insert.getBlock())) m_used.insert(insert.getBlock());
+    };
+    for (const CBlock* block : vek0::detail::blocksOf(data))
+      for (CBlock::CInsertIterator insert(*block); *insert; ++insert) note(**insert);
+    for (const CEnt* ent : data.getEntTable().getEntityTbl())
+      if (const CEntInsertBase* insert = ent->getEntInsert()) note(*insert);
+  }
+
+  std::vector<const CBlock*> m_hatchBlocks;
+  vek0::detail::PointerSet m_used;
   IBlockOperation& m_op;
 };
 

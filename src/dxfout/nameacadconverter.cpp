@@ -1,9 +1,10 @@
 #include "vek0core/dxfout/nameacadconverter.h"
 
 #include <algorithm>
+#include <deque>
 #include <string>
-#include <unordered_set>
 
+#include "dxfout/foldednames.h"
 #include "dxfout/itemlists.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/drawing/functions.h"
@@ -20,17 +21,6 @@ constexpr std::size_t kLongestName = 31;
 // What names that are too long are cut to, with or without a number behind them.
 constexpr std::size_t kCutLength = 30;
 
-struct FoldedHash {
-  std::size_t operator()(const zim::WString& name) const { return zim::hashIgnoreCase(name); }
-};
-struct FoldedEqual {
-  bool operator()(const zim::WString& a, const zim::WString& b) const {
-    return a.EqualsIgnoreCase(b);
-  }
-};
-// Readers look names up without regard to case.
-using FoldedNames = std::unordered_set<zim::WString, FoldedHash, FoldedEqual>;
-
 zim::WString decimal(int value) { return zim::WString::fromUtf8(std::to_string(value)); }
 
 zim::WString part(const zim::WString& name, std::size_t length) {
@@ -46,13 +36,17 @@ zim::WString nameIn(const std::unordered_map<const Item*, zim::WString>& names, 
 
 }  // namespace
 
-/// The names of one table while they are converted.
+/// The names of one table while they are converted. Readers look names up without
+/// regard to case.
 class CNameAcadConverter::Table {
  public:
   Table(const std::vector<Entry>& entries, bool unique) : m_unique(unique) {
     for (const Entry& entry : entries) m_taken.insert(entry.own);
   }
 
+  /// Whether the item keeps its name. To be asked once an item, in table order.
+  bool keeps(const Entry& entry);
+  /// The name of an item that does not.
   zim::WString convert(const Entry& entry);
 
  private:
@@ -61,34 +55,40 @@ class CNameAcadConverter::Table {
   void skipTried(const zim::WString& prefix, zim::WString& base, int& counter);
 
   bool m_unique;
-  FoldedNames m_taken;  // the drawing's own names; those given out too when unique
-  FoldedNames m_given;
+  vek0::detail::FoldedNames m_taken;  // the drawing's own names; those made too when unique
+  vek0::detail::FoldedNames m_given;
+  std::deque<zim::WString> m_made;
   std::unordered_map<zim::WString, zim::WString> m_converted;  // by corrected name, not unique
   std::unordered_map<zim::WString, int> m_tried;               // see `tried`
 };
 
+// A name made for another item differs from all that the drawing has.
+bool CNameAcadConverter::Table::keeps(const Entry& entry) {
+  const std::u16string_view name = entry.name();
+  return !name.empty() && isValid(name) &&
+         entry.prefix == entry.own.view().substr(0, entry.nameAt) &&
+         (!m_unique || m_given.insert(entry.own));
+}
+
 zim::WString CNameAcadConverter::Table::convert(const Entry& entry) {
   zim::WString corrected;
-  const bool valid = IsValidName(entry.name, corrected) && !corrected.empty();
+  IsValidName(zim::WString(entry.name()), corrected);
   if (corrected.empty()) corrected = u"_";
-  const zim::WString full = entry.prefix + corrected.view();
-  if (valid && full == entry.own && (!m_unique || m_given.insert(full).second)) return full;
   if (!m_unique) {
     // The names to differ from never change, so equal beginnings end alike.
-    const auto [known, isNew] = m_converted.try_emplace(full);
+    const auto [known, isNew] = m_converted.try_emplace(entry.prefix + corrected.view());
     if (isNew) known->second = freeName(entry.prefix, corrected);
     return known->second;
   }
-  const zim::WString name = freeName(entry.prefix, corrected);
-  m_taken.insert(name);
-  m_given.insert(name);
-  return name;
+  m_made.push_back(freeName(entry.prefix, corrected));
+  m_taken.insert(m_made.back());
+  return m_made.back();
 }
 
 zim::WString CNameAcadConverter::Table::freeName(const zim::WString& prefix,
                                                  const zim::WString& corrected) {
   zim::WString base = corrected, candidate = prefix + corrected.view();
-  for (int counter = 0; m_taken.count(candidate) != 0;) {
+  for (int counter = 0; m_taken.has(candidate);) {
     if (counter > 0) tried(prefix, base, counter - 1) = counter;
     skipTried(prefix, base, counter);
     candidate = prefix + GenerateValidName(base, counter).view();
@@ -183,6 +183,11 @@ void CNameAcadConverter::ConvertBlocks() {
   convertTable(blocks, entries, m_blocks);
 }
 
+bool CNameAcadConverter::isValid(std::u16string_view name) {
+  const std::u16string_view rest = name.substr(!name.empty() && name[0] == u'*' ? 1 : 0);
+  return name.size() <= kLongestName && std::all_of(rest.begin(), rest.end(), IsValidChar);
+}
+
 bool CNameAcadConverter::IsValidName(const zim::WString& name, zim::WString& corrected) {
   std::u16string units(name.view());
   bool valid = true;
@@ -213,26 +218,27 @@ bool CNameAcadConverter::IsValidChar(zim::Char unit) {
 
 CNameAcadConverter::Entry CNameAcadConverter::entry(const zim::WString& own, bool dependent) const {
   zim::WString xref, item;
-  if (!dependent || !scomposeName(own, xref, item)) return {own, zim::WString(), own};
+  if (!dependent || !scomposeName(own, xref, item)) return {own, zim::WString(), 0};
   zim::WString prefix;
   if (const CBlock* block = m_data.getBlockXRefTable().get(xref))
     prefix = GetName(block);
   else
     IsValidName(xref, prefix);
-  return {own, prefix + u"|", item};
+  return {own, prefix + u"|", xref.Length() + 1};
 }
 
 template <class Item>
 void CNameAcadConverter::convertTable(const std::vector<const Item*>& items,
                                       const std::vector<Entry>& entries, Names<Item>& names) const {
   Table table(entries, m_unique);
-  FoldedNames written;
+  vek0::detail::FoldedNames written;
   for (std::size_t i = 0; i < items.size(); ++i) {
-    const zim::WString name = table.convert(entries[i]);
-    if (!written.insert(name).second) report("names coincide", name);
-    if (name == entries[i].own) continue;
-    report("name changed", entries[i].own);
-    names.emplace(items[i], name);
+    const zim::WString* name = &entries[i].own;
+    if (!table.keeps(entries[i])) {
+      name = &names.emplace(items[i], table.convert(entries[i])).first->second;
+      if (*name != entries[i].own) report("name changed", entries[i].own);
+    }
+    if (!m_unique && !written.insert(*name)) report("names coincide", *name);
   }
 }
 

@@ -1,40 +1,48 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 #include "vek0core/dxfout/nameacadconverter.h"
 #include "vek0core/files/textcodec.h"
 
 namespace vek0::detail {
 
-/// The converted names of one kind of item in the encoding of the file, computed
-/// once an item: a drawing names a few layers a million times. The views stay valid
-/// while this lives.
+/// The converted names of one kind of item in the encoding of the file. Drawings name a
+/// few layers a million times: the names last written are remembered. A view is valid
+/// until the next is asked for.
 template <class Item>
 class EncodedNames {
  public:
-  explicit EncodedNames(const CNameAcadConverter& converter) : m_converter(converter) {}
+  explicit EncodedNames(const CNameAcadConverter& converter)
+      : m_converter(converter), m_slots(kSlots) {}
 
   std::string_view operator()(const Item* item) {
-    // Entities of one layer mostly stand together.
-    if (!m_lastName.data() || item != m_last) m_lastName = find(item);
-    m_last = item;
-    return m_lastName;
+    Slot& slot = m_slots[std::hash<const Item*>()(item) % kSlots];
+    if (!slot.known || slot.item != item) {
+      slot.name.clear();
+      encodeText(m_converter.GetName(item), slot.name);
+      slot.item = item;
+      slot.known = true;
+    }
+    return slot.name;
   }
 
  private:
-  std::string_view find(const Item* item) {
-    const auto [known, isNew] = m_names.try_emplace(item);
-    if (isNew) encodeText(m_converter.GetName(item), known->second);
-    return known->second;
-  }
+  // Prime, since items stand at regular distances. A table that grew with the drawing
+  // would leave the cache.
+  static constexpr std::size_t kSlots = 509;
+
+  struct Slot {
+    const Item* item = nullptr;
+    bool known = false;
+    std::string name;
+  };
 
   const CNameAcadConverter& m_converter;
-  std::unordered_map<const Item*, std::string> m_names;
-  const Item* m_last = nullptr;
-  std::string_view m_lastName;
+  std::vector<Slot> m_slots;
 };
 
 class SavedNames {

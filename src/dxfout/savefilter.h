@@ -1,6 +1,6 @@
 #pragma once
 
-#include <unordered_set>
+#include "dxfout/pointerset.h"
 
 #include "vek0core/geometry/pnt.h"
 
@@ -40,7 +40,7 @@ class SaveFilter {
 
  private:
   // By address alone: an insert may name a block that is gone.
-  std::unordered_set<const CBlock*> m_blocks;
+  PointerSet m_blocks;
 };
 
 inline constexpr const char* kNotFinite = "entity not finite";

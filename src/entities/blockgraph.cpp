@@ -91,6 +91,7 @@ void CBlockGraph::addBlock(CBlock& block) {
   item.block = &block;
   item.graph = this;
   item.place = std::prev(m_items.end());
+  item.rank = --m_firstRank;
   block.m_item = &item;
   updateBlock(block);
 }
@@ -196,10 +197,30 @@ CBlockGraph::Item* CBlockGraph::find(const CBlock& block) const {
   return block.m_item != nullptr && block.m_item->graph == this ? block.m_item : nullptr;
 }
 
+// Whether ranks alone tell that nothing leads from `from` to `to`.
+bool CBlockGraph::isBehind(const std::vector<Item*>& from, const Item& to) const {
+  return m_ranked && std::all_of(from.begin(), from.end(),
+                                 [&](const Item* item) { return item->rank > to.rank; });
+}
+
+// Users before what they insert. Costs a pass over the graph, which searches have to have
+// cost before.
+void CBlockGraph::rankAll() const {
+  Collect collect;
+  m_ranked = VisitUndep(collect) == ZORA_BLOCK_VISIT_RESULT_SUCCESS;
+  m_searched = 0;
+  for (const CBlock* block : collect.blocks) find(*block)->rank = --m_firstRank;
+}
+
+bool CBlockGraph::reaches(const std::vector<Item*>& from, Item& to) const {
+  if (!m_ranked && m_searched > m_items.size()) rankAll();
+  return !isBehind(from, to) && search(from, to);
+}
+
 // Searches downward from `from` and upward from `to` in turn, one edge at a time, so
 // that the smaller side decides the cost: placeholders that files define one by one
 // have either few users or little in them.
-bool CBlockGraph::reaches(const std::vector<Item*>& from, Item& to) const {
+bool CBlockGraph::search(const std::vector<Item*>& from, Item& to) const {
   const unsigned long number = ++m_search;
   Front down, up;
   to.seenUp = number;
@@ -209,7 +230,7 @@ bool CBlockGraph::reaches(const std::vector<Item*>& from, Item& to) const {
     item->seenDown = number;
     down.meet(*item);
   }
-  while (!down.isSpent() && !up.isSpent()) {
+  for (; !down.isSpent() && !up.isSpent(); ++m_searched) {
     const Item& upper = down.current();
     const std::size_t edge = down.step(upper.edges.size());
     Item* target = edge < upper.edges.size() ? upper.edges[edge].target : nullptr;
@@ -230,6 +251,18 @@ bool CBlockGraph::reaches(const std::vector<Item*>& from, Item& to) const {
   return false;
 }
 
+// Keeps ranks true to a new edge where that takes no search: what nobody inserts may be
+// first, what inserts nothing may be last.
+void CBlockGraph::rankEdge(Item& user, Item& target) const {
+  if (!m_ranked || user.rank < target.rank) return;
+  if (user.users.empty())
+    user.rank = --m_firstRank;
+  else if (target.edges.empty())
+    target.rank = ++m_lastRank;
+  else
+    m_ranked = false;
+}
+
 // Appends the block's item unless the search of that number has met it already, or the
 // block has no edges.
 void CBlockGraph::meet(const CBlock* block, unsigned long number, std::vector<Item*>& items) const {
@@ -246,10 +279,11 @@ std::vector<CBlockGraph::Item*> CBlockGraph::itemsOf(const std::list<CBlock*>& b
   return items;
 }
 
-void CBlockGraph::setEdges(Item& item, const std::vector<Item*>& targets) {
+void CBlockGraph::setEdges(Item& item, const std::vector<Item*>& targets) const {
   for (std::size_t i = 0; i < item.edges.size(); ++i) cutEdge(item, i);
   item.edges.clear();
   for (Item* target : targets) {
+    rankEdge(item, *target);
     target->users.push_back({&item, item.edges.size()});
     item.edges.push_back({target, target->users.size() - 1});
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <list>
 #include <memory>
 #include <vector>
@@ -29,6 +30,7 @@ struct BlockGraphItem {
   std::vector<Edge> edges;  // in order of the block's inserts
   std::vector<User> users;  // in no order
   Mark mark = Mark::open;   // of a visit
+  std::int64_t rank = 0;    // see CBlockGraph
   // Numbers of the last searches that met it from above and from below.
   unsigned long seenDown = 0;
   unsigned long seenUp = 0;

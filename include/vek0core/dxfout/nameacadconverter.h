@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -62,6 +64,8 @@ class VEK0_API CNameAcadConverter {
   /// of more than 31 characters cuts `base`, for good, to 30 less the digits.
   static zim::WString GenerateValidName(zim::WString& base, int& counter);
   static bool IsValidChar(zim::Char unit);
+  /// What `IsValidName` answers.
+  static bool isValid(std::u16string_view name);
 
  private:
   template <class Item>
@@ -70,9 +74,11 @@ class VEK0_API CNameAcadConverter {
 
   /// A name to convert: that of an item, in two parts when it depends on a reference.
   struct Entry {
+    std::u16string_view name() const { return own.view().substr(nameAt); }
+
     zim::WString own;
     zim::WString prefix;  // the reference's converted name and '|', or nothing
-    zim::WString name;    // what stands behind the '|' in `own`, or all of it
+    std::size_t nameAt;   // of what stands behind the '|' in `own`; 0 when there is none
   };
 
   Entry entry(const zim::WString& own, bool dependent) const;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <list>
 #include <memory>
 #include <vector>
@@ -59,8 +60,8 @@ class VEK0_API CBlockGraph {
   void dropBlock(CBlock& block);
 
   /// Sets the block's edges anew from its inserts, as `addBlock` does. Linear in the
-  /// block's entities and, for an edge that might close a cycle, in the smaller of the
-  /// two sets of blocks that are to be searched (see `canSubstitute`).
+  /// block's entities and, for an edge against the order of the ranks, in the smaller of
+  /// the two sets of blocks that are to be searched (see `canSubstitute`).
   void updateBlock(CBlock& block);
 
   /// Applies `op` to every block in order of addition, each after all blocks that it
@@ -100,11 +101,21 @@ class VEK0_API CBlockGraph {
   using Item = vek0::detail::BlockGraphItem;
 
   Item* find(const CBlock& block) const;
+  bool isBehind(const std::vector<Item*>& from, const Item& to) const;
+  void rankAll() const;
   bool reaches(const std::vector<Item*>& from, Item& to) const;
+  bool search(const std::vector<Item*>& from, Item& to) const;
+  void rankEdge(Item& user, Item& target) const;
   void meet(const CBlock* block, unsigned long number, std::vector<Item*>& items) const;
   std::vector<Item*> itemsOf(const std::list<CBlock*>& blocks) const;
-  static void setEdges(Item& item, const std::vector<Item*>& targets);
+  void setEdges(Item& item, const std::vector<Item*>& targets) const;
 
   std::list<std::unique_ptr<Item>> m_items;
   mutable unsigned long m_search = 0;  // number of the present search, see BlockGraphItem
+  // While the graph is ranked, the rank of a block is below that of all that it inserts,
+  // so an edge that goes upwards in rank closes no cycle.
+  mutable bool m_ranked = true;
+  mutable std::int64_t m_firstRank = 0;  // no rank is below
+  mutable std::int64_t m_lastRank = 0;   // none is above
+  mutable std::size_t m_searched = 0;    // steps since all were ranked
 };
