@@ -8,7 +8,6 @@ constexpr double kPi = 3.141592653589793;
 constexpr double kTwoPi = 6.283185307179586;
 constexpr double kStepLimit = 64 * kTwoPi;
 constexpr double kEps = 1e-12;
-constexpr double kChordError = 1e-4;  // of the radius, between an arc and its chords
 constexpr double kMaxChords = 1024;
 
 // Within [s, e], with a tolerance that grows with the angles.
@@ -37,6 +36,9 @@ void halfCircle(const PNT_3D& p0, const PNT_3D& p1, double bulge, ARC_3D& arc) {
   const double start = centre.angle(bulge > 0 ? p0 : p1);
   arc.set(centre.x, centre.y, centre.z, centre.PNT_2D::dist(p1), start, start + kPi);
 }
+
+// Angle of the chord that leaves a circle of radius 1 by `error`.
+double chordAngle(double error) { return error > 0 ? 2 * std::acos(1 - std::min(error, 1.0)) : 0; }
 
 // Multiplies the vector by the complex number c + i*s.
 void turnBy(PNT_2D& v, double c, double s) { v.set(v.x * c - v.y * s, v.x * s + v.y * c); }
@@ -190,9 +192,10 @@ bool createArcFromBulge(const PNT_3D& p0, const PNT_3D& p1, double bulge, ARC_3D
   return true;
 }
 
-int arcChords(double angleRad) {
-  static const double chordAngle = 2 * std::acos(1 - kChordError);
-  const double n = std::ceil(std::fabs(angleRad) / chordAngle);
+int arcChords(double angleRad, double chordError) {
+  static const double usual = chordAngle(kArcChordError);
+  const double step = chordError == kArcChordError ? usual : chordAngle(chordError);
+  const double n = std::ceil(std::fabs(angleRad) / step);
   return n > 2 ? static_cast<int>(std::min(n, kMaxChords)) : 2;
 }
 

@@ -84,10 +84,14 @@ class VEK0_API ARC_3D : public CIRCLE_3D {
 /// The arc is stored counter-clockwise, so a negative bulge exchanges its ends.
 VEK0_API bool createArcFromBulge(const PNT_3D& p0, const PNT_3D& p1, double bulge, ARC_3D& arc);
 
+/// How far chords may leave their arc, as a share of the radius, unless told otherwise.
+inline constexpr double kArcChordError = 1e-4;
+
 /// Number of chords that stand for an arc of `angleRad` (its sign does not matter), so
-/// that they leave it by 1e-4 of the radius at most: max(2, ceil(|angle| / (2 * acos(1 -
-/// 1e-4)))), at most 1024. A full turn takes 223.
-VEK0_API int arcChords(double angleRad);
+/// that they leave it by `chordError` of the radius at most: max(2, ceil(|angle| / (2 *
+/// acos(1 - chordError)))), at most 1024. A full turn takes 223 by default. An error of
+/// zero or less, or none that is a number, gives 1024; one above 1 counts as 1.
+VEK0_API int arcChords(double angleRad, double chordError = kArcChordError);
 
 /// Appends the chords of a polyline segment with a bulge to `out`: the points that divide
 /// its arc into `arcChords` equal parts, in order from p0, which is left out, to p1

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cmath>
+
+#include "vek0core/geometry/pnt.h"
+
+namespace vek0::detail {
+
+/// Coordinates beyond it, in drawing units, are refused where squares and products have to
+/// stay finite.
+inline constexpr double kLargestCoordinate = 1e100;
+
+/// Whether all coordinates are finite and within the limit.
+inline bool inReach(const PNT_3D& p) {
+  return std::fabs(p.x) <= kLargestCoordinate && std::fabs(p.y) <= kLargestCoordinate &&
+         std::fabs(p.z) <= kLargestCoordinate;
+}
+
+inline PNT_3D times(const PNT_3D& v, double factor) {
+  return {v.x * factor, v.y * factor, v.z * factor};
+}
+
+inline double dot(const PNT_3D& a, const PNT_3D& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+
+inline double length(const PNT_3D& v) { return std::hypot(v.x, v.y, v.z); }
+
+/// False, and unchanged, when the vector has no length, or one too small to divide by.
+inline bool makeUnit(PNT_3D& v) {
+  const double l = length(v);
+  if (!(l > 0) || !std::isfinite(1 / l)) return false;
+  v = times(v, 1 / l);
+  return true;
+}
+
+}  // namespace vek0::detail
