@@ -7,9 +7,11 @@
 
 #include "vek0core/geometry/arc.h"
 #include "vek0core/geometry/circle.h"
+#include "vek0core/geometry/ellipse.h"
 #include "vek0core/geometry/line.h"
 #include "vek0core/geometry/pnt.h"
 #include "vek0core/geometry/rect.h"
+#include "vek0core/geometry/spline.h"
 
 #include "vek0core/files/file.h"
 #include "vek0core/files/filememory.h"
@@ -35,6 +37,13 @@
 #include "vek0core/polyline/curve.h"
 #include "vek0core/polyline/silhouette.h"
 
+#include "vek0core/hatch/boundary.h"
+#include "vek0core/hatch/catalogue.h"
+#include "vek0core/hatch/fill.h"
+#include "vek0core/hatch/hatchtypetable.h"
+#include "vek0core/hatch/loops.h"
+#include "vek0core/hatch/triangulate.h"
+
 #include "vek0core/entities/attribplacement.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/blockfactory.h"
@@ -49,6 +58,7 @@
 #include "vek0core/entities/entcast.h"
 #include "vek0core/entities/entcircle.h"
 #include "vek0core/entities/entfactory.h"
+#include "vek0core/entities/enthatch.h"
 #include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entmemento.h"

@@ -1,0 +1,501 @@
+#include "vek0core/hatch/loops.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <memory>
+#include <numeric>
+#include <utility>
+
+#include "geometry/vector.h"
+#include "vek0core/geometry/arc.h"
+#include "vek0core/geometry/ellipse.h"
+#include "vek0core/geometry/rect.h"
+
+namespace {
+
+using std::size_t;
+
+constexpr double kJoinTolerance = 1e-6;  // of the loop's size
+constexpr double kReachGrowth = 8;       // from one search for the end across a gap to the next
+constexpr int kMostCandidates = 16;      // compared in one cell
+constexpr size_t kStepsPerPoint = 1000;  // spent on the nesting of rings
+
+bool samePlace(const PNT_2D& a, const PNT_2D& b) { return a == b; }
+
+RECT_2D boxOf(const std::vector<PNT_3D>& points) {
+  RECT_2D box;
+  box.initRegion();
+  for (const PNT_3D& p : points) box.updateRegion(p);
+  return box;
+}
+
+// --- Which end of an edge meets which
+
+// Ends are numbered: 2 * edge where it begins, 2 * edge + 1 where it ends. Joined edges make
+// chains; every chain has two free ends, which know each other.
+class Joints {
+ public:
+  Joints(std::vector<PNT_2D> ends, double tolerance)
+      : m_ends(std::move(ends)), m_tolerance(tolerance), m_mate(m_ends.size(), kFree) {
+    for (size_t e = 0; e < m_ends.size(); ++e) m_far.push_back(e ^ 1);
+  }
+
+  size_t count() const { return m_ends.size(); }
+  size_t freeCount() const { return m_ends.size() - m_joined; }
+  bool hasGaps() const { return m_hasGaps; }
+  bool isFree(size_t end) const { return m_mate[end] == kFree; }
+  const PNT_2D& at(size_t end) const { return m_ends[end]; }
+  size_t mate(size_t end) const { return m_mate[end]; }
+  /// The other free end of a free end's chain.
+  size_t far(size_t end) const { return m_far[end]; }
+  bool isNear(size_t a, size_t b) const { return m_ends[a].dist(m_ends[b]) <= m_tolerance; }
+
+  void join(size_t a, size_t b) {
+    m_hasGaps = m_hasGaps || !isNear(a, b);
+    m_mate[a] = b;
+    m_mate[b] = a;
+    const size_t farA = m_far[a], farB = m_far[b];
+    m_far[farA] = farB;
+    m_far[farB] = farA;
+    m_joined += 2;
+  }
+
+ private:
+  static constexpr size_t kFree = static_cast<size_t>(-1);
+
+  std::vector<PNT_2D> m_ends;
+  double m_tolerance;
+  std::vector<size_t> m_mate, m_far;
+  size_t m_joined = 0;
+  bool m_hasGaps = false;
+};
+
+// The ends that are free, in square cells, sorted by cell: no order of edges and no choice of
+// coordinates makes it slow.
+class FreeEnds {
+ public:
+  FreeEnds(const Joints& joints, const PNT_2D& corner, double cellSize)
+      : m_joints(joints), m_corner(corner), m_cellSize(cellSize) {
+    for (size_t e = 0; e < joints.count(); ++e) {
+      if (joints.isFree(e)) m_slots.push_back({keyOf(joints.at(e), 0, 0), e});
+    }
+    std::sort(m_slots.begin(), m_slots.end());
+    m_next.resize(m_slots.size());
+    std::iota(m_next.begin(), m_next.end(), size_t{1});
+  }
+
+  // The free end nearest to `end` within `reach`, which is at most a cell; `end` when there
+  // is none. The other end of the same chain counts when `ownChain` says so.
+  size_t nearest(size_t end, double reach, bool ownChain) {
+    size_t best = end;
+    double bestDist = reach;
+    const auto look = [&](size_t other) {
+      if (other == end || (!ownChain && other == m_joints.far(end))) return;
+      const double dist = m_joints.at(end).dist(m_joints.at(other));
+      if (dist > bestDist || (dist == bestDist && best != end)) return;
+      best = other;
+      bestDist = dist;
+    };
+    for (int dx = -1; dx <= 1; ++dx) {
+      for (int dy = -1; dy <= 1; ++dy) forEachIn(keyOf(m_joints.at(end), dx, dy), look);
+    }
+    return best;
+  }
+
+ private:
+  using Slot = std::pair<std::uint64_t, size_t>;  // cell, end
+
+  std::uint64_t keyOf(const PNT_2D& p, int dx, int dy) const {
+    const auto column = static_cast<std::int64_t>((p.x - m_corner.x) / m_cellSize) + dx + 1;
+    const auto row = static_cast<std::int64_t>((p.y - m_corner.y) / m_cellSize) + dy + 1;
+    return (static_cast<std::uint64_t>(column) << 32) + static_cast<std::uint64_t>(row);
+  }
+
+  template <class Look>
+  void forEachIn(std::uint64_t key, const Look& look) {
+    const auto first = std::lower_bound(m_slots.begin(), m_slots.end(), Slot{key, 0});
+    size_t i = stillFree(static_cast<size_t>(first - m_slots.begin()));
+    for (int looked = 0; looked < kMostCandidates; ++looked) {
+      if (i >= m_slots.size() || m_slots[i].first != key) return;
+      look(m_slots[i].second);
+      i = stillFree(i + 1);
+    }
+  }
+
+  // The first slot from `i` on whose end is free. The way past the others gets shorter with
+  // every use.
+  size_t stillFree(size_t i) {
+    while (i < m_slots.size() && !m_joints.isFree(m_slots[i].second)) {
+      if (m_next[i] < m_slots.size()) m_next[i] = m_next[m_next[i]];
+      i = m_next[i];
+    }
+    return i;
+  }
+
+  const Joints& m_joints;
+  PNT_2D m_corner;
+  double m_cellSize;
+  std::vector<Slot> m_slots;
+  std::vector<size_t> m_next;
+};
+
+// Most files give the edges in order. The last leads to the first.
+void joinInOrder(Joints& joints) {
+  for (size_t end = 1; end < joints.count(); end += 2) {
+    const size_t next = (end + 1) % joints.count();
+    if (joints.isFree(next) && joints.isNear(end, next)) joints.join(end, next);
+  }
+}
+
+void joinNear(Joints& joints, const PNT_2D& corner, double reach, double cellSize, bool ownChain) {
+  FreeEnds ends(joints, corner, cellSize);
+  for (size_t end = 0; end < joints.count(); ++end) {
+    if (!joints.isFree(end)) continue;
+    const size_t other = ends.nearest(end, reach, ownChain);
+    if (other != end) joints.join(end, other);
+  }
+}
+
+// Makes one ring of all chains that are left.
+void joinRest(Joints& joints) {
+  size_t first = 0;
+  while (first < joints.count() && !joints.isFree(first)) ++first;
+  if (first == joints.count()) return;
+  size_t tail = joints.far(first);
+  for (size_t end = first + 1; end < joints.count(); ++end) {
+    if (!joints.isFree(end) || end == tail) continue;
+    const size_t next = joints.far(end);
+    joints.join(tail, end);
+    tail = next;
+  }
+  joints.join(tail, first);
+}
+
+// Exact meetings come before near ones, so that an end close by does not take the partner
+// of another. Across gaps chains look for other chains; the last one closes on itself.
+void joinAll(Joints& joints, const PNT_2D& corner, double size, double tolerance) {
+  joinInOrder(joints);
+  if (joints.freeCount() > 0 && tolerance > 0) {
+    joinNear(joints, corner, 0, tolerance, true);
+    joinNear(joints, corner, tolerance, tolerance, true);
+    for (double reach = tolerance; joints.freeCount() > 2 && reach < size;) {
+      reach *= kReachGrowth;
+      joinNear(joints, corner, reach, reach, false);
+    }
+  }
+  joinRest(joints);
+}
+
+// --- Rings from joined edges
+
+void appendPoint(const PNT_3D& p, double tolerance, bool isJoint, HATCH_RING& ring) {
+  const bool same = !ring.empty() && (samePlace(ring.back(), p) ||
+                                      (isJoint && ring.back().PNT_2D::dist(p) <= tolerance));
+  if (!same) ring.push_back(p);
+}
+
+void appendEdge(const PNT_3D* points, size_t count, bool forward, double tolerance,
+                HATCH_RING& ring) {
+  for (size_t k = 0; k < count; ++k) {
+    appendPoint(points[forward ? k : count - 1 - k], tolerance, k == 0, ring);
+  }
+}
+
+void closeRing(double tolerance, HATCH_RING& ring) {
+  if (ring.size() > 1 && ring.back().PNT_2D::dist(ring.front()) <= tolerance) ring.pop_back();
+  while (ring.size() > 1 && samePlace(ring.back(), ring.front())) ring.pop_back();
+}
+
+// --- Nesting
+
+// Boxes to be found by what they meet: halved at the middle again and again, across the
+// longer side.
+class BoxTree {
+ public:
+  explicit BoxTree(std::vector<RECT_2D> boxes)
+      : m_boxes(std::move(boxes)), m_order(m_boxes.size()), m_cover(m_boxes.size()) {
+    std::iota(m_order.begin(), m_order.end(), size_t{0});
+    if (!m_boxes.empty()) build(0, m_boxes.size());
+  }
+
+  // Calls `found` with each box that meets `query` until it answers true, which is the
+  // answer then. `steps` grows with the work.
+  template <class Found>
+  bool visit(const RECT_2D& query, size_t& steps, const Found& found) const {
+    return visit(0, m_boxes.size(), query, steps, found);
+  }
+
+ private:
+  static size_t middleOf(size_t low, size_t high) { return low + (high - low) / 2; }
+
+  void build(size_t low, size_t high) {
+    const size_t mid = middleOf(low, high);
+    RECT_2D cover;
+    cover.initRegion();
+    for (size_t i = low; i < high; ++i) cover.updateRegion(m_boxes[m_order[i]]);
+    m_cover[mid] = cover;
+    if (high - low == 1) return;
+    const bool wide = cover.max.x - cover.min.x > cover.max.y - cover.min.y;
+    const auto place = [&](size_t i) {
+      const RECT_2D& b = m_boxes[i];
+      return wide ? b.min.x / 2 + b.max.x / 2 : b.min.y / 2 + b.max.y / 2;
+    };
+    const auto at = [&](size_t i) { return m_order.begin() + static_cast<std::ptrdiff_t>(i); };
+    std::nth_element(at(low), at(mid), at(high),
+                     [&](size_t a, size_t b) { return place(a) < place(b); });
+    if (low < mid) build(low, mid);
+    if (mid + 1 < high) build(mid + 1, high);
+  }
+
+  template <class Found>
+  bool visit(size_t low, size_t high, const RECT_2D& query, size_t& steps,
+             const Found& found) const {
+    if (low >= high) return false;
+    ++steps;
+    const size_t mid = middleOf(low, high);
+    if (!m_cover[mid].intersect(query)) return false;
+    if (m_boxes[m_order[mid]].intersect(query) && found(m_order[mid])) return true;
+    return visit(low, mid, query, steps, found) || visit(mid + 1, high, query, steps, found);
+  }
+
+  std::vector<RECT_2D> m_boxes;
+  std::vector<size_t> m_order;
+  std::vector<RECT_2D> m_cover;  // of the part whose middle this is
+};
+
+const PNT_3D& following(const HATCH_RING& ring, size_t i) {
+  return ring[i + 1 < ring.size() ? i + 1 : 0];
+}
+
+// Where the segment crosses the level y; one that touches it with its upper end, or runs
+// along it, does not. Both ways along the segment give the same x.
+bool crossing(const PNT_2D& a, const PNT_2D& b, double y, double& x) {
+  const PNT_2D &low = a.y < b.y ? a : b, &high = a.y < b.y ? b : a;
+  if (!(low.y <= y && y < high.y)) return false;
+  x = std::lerp(low.x, high.x, (y - low.y) / (high.y - low.y));
+  return true;
+}
+
+// The level midway between two vertexes where the distance from one to the next is largest.
+double clearLevel(const HATCH_RING& ring) {
+  std::vector<double> levels;
+  levels.reserve(ring.size());
+  for (const PNT_3D& p : ring) levels.push_back(p.y);
+  std::sort(levels.begin(), levels.end());
+  size_t best = 1;
+  for (size_t i = 2; i < levels.size(); ++i) {
+    if (levels[i] - levels[i - 1] > levels[best] - levels[best - 1]) best = i;
+  }
+  return levels[best - 1] / 2 + levels[best] / 2;
+}
+
+// A point well inside: vertexes and edges may be shared with other rings.
+PNT_2D insidePoint(const HATCH_RING& ring) {
+  const double y = clearLevel(ring);
+  std::vector<double> xs;
+  for (size_t i = 0; i < ring.size(); ++i) {
+    double x = 0;
+    if (crossing(ring[i], following(ring, i), y, x)) xs.push_back(x);
+  }
+  if (xs.empty()) return ring.front();
+  std::sort(xs.begin(), xs.end());
+  size_t best = 0;
+  for (size_t i = 2; i + 1 < xs.size(); i += 2) {
+    if (xs[i + 1] - xs[i] > xs[best + 1] - xs[best]) best = i;
+  }
+  return {xs[best] / 2 + xs[best + 1] / 2, y};
+}
+
+double areaOf(const HATCH_RING& ring) {
+  if (ring.empty()) return 0;
+  double twice = 0;
+  const PNT_2D origin = ring.front();  // far from zero, products would lose the digits
+  for (size_t i = 0; i < ring.size(); ++i) {
+    const PNT_2D a = ring[i] - origin, b = following(ring, i) - origin;
+    twice += a.x * b.y - b.x * a.y;
+  }
+  return std::fabs(twice) / 2;
+}
+
+std::vector<RECT_2D> edgeBoxes(const HATCH_RING& ring) {
+  std::vector<RECT_2D> boxes;
+  boxes.reserve(ring.size());
+  for (size_t i = 0; i < ring.size(); ++i) boxes.emplace_back(ring[i], following(ring, i));
+  return boxes;
+}
+
+std::vector<RECT_2D> ringBoxes(const std::vector<HATCH_RING>& rings) {
+  std::vector<RECT_2D> boxes;
+  boxes.reserve(rings.size());
+  for (const HATCH_RING& ring : rings) boxes.push_back(boxOf(ring));
+  return boxes;
+}
+
+size_t pointCount(const std::vector<HATCH_RING>& rings) {
+  return std::accumulate(rings.begin(), rings.end(), size_t{0},
+                         [](size_t n, const HATCH_RING& ring) { return n + ring.size(); });
+}
+
+class Nesting {
+ public:
+  explicit Nesting(const std::vector<HATCH_RING>& rings)
+      : m_rings(rings),
+        m_boxes(ringBoxes(rings)),
+        m_tree(m_boxes),
+        m_edges(rings.size()),
+        m_steps(0),
+        m_limit(kStepsPerPoint * pointCount(rings)) {
+    for (const HATCH_RING& ring : rings) m_areas.push_back(areaOf(ring));
+  }
+
+  bool gaveUp() const { return m_steps > m_limit; }
+
+  // Whether more than `depth` rings hold ring i. Not looked into when the limit is reached.
+  bool isDeeperThan(int depth, size_t i) {
+    if (m_rings[i].size() < 3) return false;
+    const PNT_2D p = insidePoint(m_rings[i]);
+    int holders = 0;
+    const auto found = [&](size_t other) {
+      if (other != i && couldHold(other, i) && holds(other, p)) ++holders;
+      return holders > depth || gaveUp();
+    };
+    m_tree.visit(RECT_2D(p, p), m_steps, found);
+    return holders > depth;
+  }
+
+ private:
+  // The inner ring's point may lie in both when the outer one is really the inner: boxes
+  // tell them apart, areas when a ring touches all sides of its box from within.
+  bool couldHold(size_t outer, size_t inner) const {
+    if (!m_boxes[outer].inside(m_boxes[inner])) return false;
+    return m_boxes[outer] != m_boxes[inner] || m_areas[outer] > m_areas[inner];
+  }
+
+  // Counts the edges to the left.
+  bool holds(size_t i, const PNT_2D& p) {
+    const HATCH_RING& ring = m_rings[i];
+    if (!m_edges[i]) m_edges[i] = std::make_unique<BoxTree>(edgeBoxes(ring));
+    bool isIn = false;
+    const auto found = [&](size_t edge) {
+      double x = 0;
+      if (crossing(ring[edge], following(ring, edge), p.y, x) && x < p.x) isIn = !isIn;
+      return gaveUp();
+    };
+    const bool broken = m_edges[i]->visit(RECT_2D(m_boxes[i].min.x, p.y, p.x, p.y), m_steps, found);
+    return isIn && !broken;
+  }
+
+  const std::vector<HATCH_RING>& m_rings;
+  std::vector<RECT_2D> m_boxes;
+  std::vector<double> m_areas;
+  BoxTree m_tree;
+  std::vector<std::unique_ptr<BoxTree>> m_edges;  // made when first asked for
+  size_t m_steps, m_limit;
+};
+
+}  // namespace
+
+bool HatchLoopBuilder::addEdge(size_t first) {
+  const auto from = m_points.begin() + static_cast<std::ptrdiff_t>(first);
+  const size_t count = m_points.size() - first;
+  if (count < 2 || !std::all_of(from, m_points.end(), vek0::detail::inReach)) {
+    m_points.erase(from, m_points.end());
+    return false;
+  }
+  m_edges.push_back({first, count});
+  return true;
+}
+
+bool HatchLoopBuilder::addLine(const PNT_3D& from, const PNT_3D& to) {
+  const size_t first = m_points.size();
+  m_points.push_back(from);
+  m_points.push_back(to);
+  return addEdge(first);
+}
+
+bool HatchLoopBuilder::addArc(const PNT_3D& center, double radius, double start, double end,
+                              bool ccw) {
+  return radius > 0 && addEllipse(center, PNT_3D(radius, 0, 0), 1, start, end, ccw);
+}
+
+bool HatchLoopBuilder::addEllipse(const PNT_3D& center, const PNT_3D& major, double ratio,
+                                  double start, double end, bool ccw) {
+  ELLIPSE_3D ellipse;
+  if (!ellipse.set(center, major, ratio, ccw ? start : -end, ccw ? end : -start)) return false;
+  const size_t first = m_points.size();
+  ellipse.chords(m_points);
+  if (!ccw) std::reverse(m_points.begin() + static_cast<std::ptrdiff_t>(first), m_points.end());
+  return addEdge(first);
+}
+
+bool HatchLoopBuilder::addSpline(const SPLINE_3D& spline) {
+  const size_t first = m_points.size();
+  if (spline.isValid()) {
+    spline.chords(kArcChordError * spline.size(), m_points);
+  } else {
+    spline.controlPolygon(m_points);
+  }
+  return addEdge(first);
+}
+
+bool HatchLoopBuilder::addPolyline(const std::vector<PNT_3D>& points,
+                                   const std::vector<double>& bulges, bool closed) {
+  if (points.empty()) return false;
+  const auto bulge = [&](size_t i) { return i < bulges.size() ? bulges[i] : 0; };
+  const size_t first = m_points.size();
+  m_points.push_back(points[0]);
+  for (size_t i = 1; i < points.size(); ++i) {
+    bulgePoints(points[i - 1], points[i], bulge(i - 1), m_points);
+  }
+  if (closed) bulgePoints(points.back(), points[0], bulge(points.size() - 1), m_points);
+  return addEdge(first);
+}
+
+bool HatchLoopBuilder::build(std::vector<HATCH_RING>& rings) {
+  const RECT_2D box = boxOf(m_points);
+  const double size = std::max(box.max.x - box.min.x, box.max.y - box.min.y);
+  const double tolerance = m_edges.empty() ? 0 : kJoinTolerance * size;
+  std::vector<PNT_2D> ends;
+  ends.reserve(2 * m_edges.size());
+  for (const Edge& e : m_edges) {
+    ends.push_back(m_points[e.first]);
+    ends.push_back(m_points[e.first + e.count - 1]);
+  }
+  Joints joints(std::move(ends), tolerance);
+  joinAll(joints, box.min, size, tolerance);
+
+  std::vector<bool> used(m_edges.size());
+  for (size_t i = 0; i < m_edges.size(); ++i) {
+    HATCH_RING ring;
+    for (size_t end = 2 * i; !used[end / 2]; end = joints.mate(end ^ 1)) {
+      const Edge& e = m_edges[end / 2];
+      used[end / 2] = true;
+      appendEdge(&m_points[e.first], e.count, end % 2 == 0, tolerance, ring);
+    }
+    closeRing(tolerance, ring);
+    if (ring.size() >= 3) rings.push_back(std::move(ring));
+  }
+  m_points.clear();
+  m_edges.clear();
+  return !joints.hasGaps();
+}
+
+bool applyHatchStyle(std::vector<HATCH_RING>& rings, HatchStyle style) {
+  if (style == HatchStyle::kEvenOdd || rings.empty()) return true;
+  const int depth = style == HatchStyle::kOutermost ? 1 : 0;
+  Nesting nesting(rings);
+  std::vector<bool> drop(rings.size());
+  for (size_t i = 0; i < rings.size() && !nesting.gaveUp(); ++i) {
+    drop[i] = nesting.isDeeperThan(depth, i);
+  }
+  size_t kept = 0;
+  for (size_t i = 0; i < rings.size(); ++i) {
+    if (drop[i]) continue;
+    if (kept != i) rings[kept] = std::move(rings[i]);
+    ++kept;
+  }
+  const bool complete = !nesting.gaveUp();
+  rings.resize(kept);
+  return complete;
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <vector>
+
+#include "vek0core/geometry/pnt.h"
+
+namespace vek0::detail {
+
+/// One side of a ring; the points belong to the boundary. Never of length 0 in the plane.
+struct RingEdge {
+  const PNT_3D* from;
+  const PNT_3D* to;
+};
+
+/// The edges of all rings of a boundary, ring after ring, each closed. Empty for rings of
+/// fewer than three different neighbours.
+std::vector<RingEdge> ringEdges(const std::vector<PNT_3D>& boundary);
+
+/// Whether all coordinates of the plane are finite and not beyond 1e150, so that products
+/// of two stay finite, and the first z is finite.
+bool hasUsableCoordinates(const std::vector<PNT_3D>& boundary);
+
+}  // namespace vek0::detail

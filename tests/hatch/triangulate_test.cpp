@@ -1,0 +1,204 @@
+#include "vek0core/hatch/triangulate.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <set>
+
+#include "hatch/areas.h"
+#include "vek0core/hatch/boundary.h"
+
+using vek0::test::AreaMaker;
+using vek0::test::contains;
+using vek0::test::Points;
+using vek0::test::Rings;
+using vek0::test::rings;
+
+namespace {
+
+using Faces = std::vector<HatchFace>;
+
+Faces fill(const Rings& area) {
+  Faces faces;
+  EXPECT_EQ(fillSolid(joinHatchRings(area), 1e6, faces), HatchStatus::Done);
+  return faces;
+}
+
+// Twice the area of a triangle, positive when it turns to the left.
+long double turnOf(const PNT_3D& a, const PNT_3D& b, const PNT_3D& c) {
+  return (static_cast<long double>(b.x) - a.x) * (static_cast<long double>(c.y) - a.y) -
+         (static_cast<long double>(b.y) - a.y) * (static_cast<long double>(c.x) - a.x);
+}
+
+double areaOf(const HatchFace& face) {
+  const auto& p = face.p;
+  return static_cast<double>(turnOf(p[0], p[1], p[2]) + turnOf(p[0], p[2], p[3])) / 2;
+}
+
+double areaOf(const Faces& faces) {
+  double area = 0;
+  for (const HatchFace& face : faces) area += areaOf(face);
+  return area;
+}
+
+bool contains(const HatchFace& face, double x, double y) {
+  return contains(
+      Rings{
+          {face.p, face.p + 4}
+  },
+      x, y);
+}
+
+// The area the slow way: between the heights of all corners and of all crossings, each
+// edge with each, the width of the inside changes evenly.
+double areaOf(const Rings& area) {
+  std::vector<std::pair<PNT_3D, PNT_3D>> edges;
+  for (const Points& ring : area) {
+    for (std::size_t i = 0; i < ring.size(); ++i) {
+      edges.emplace_back(ring[i], ring[(i + 1) % ring.size()]);
+    }
+  }
+  std::set<long double> heights;
+  for (const auto& [a, b] : edges) {
+    heights.insert(a.y);
+    for (const auto& [c, d] : edges) {
+      const long double ac = turnOf(a, b, c), ad = turnOf(a, b, d);
+      if ((ac < 0) != (ad < 0)) heights.insert(c.y + (d.y - c.y) * ac / (ac - ad));
+    }
+  }
+  long double sum = 0;
+  long double low = heights.empty() ? 0 : *heights.begin();
+  for (const long double high : heights) {
+    const long double y = (low + high) / 2;
+    std::vector<long double> cuts;
+    for (const auto& [a, b] : edges) {
+      if ((a.y > y) != (b.y > y)) cuts.push_back(a.x + (b.x - a.x) * (y - a.y) / (b.y - a.y));
+    }
+    std::sort(cuts.begin(), cuts.end());
+    for (std::size_t i = 0; i + 1 < cuts.size(); i += 2) {
+      sum += (cuts[i + 1] - cuts[i]) * (high - low);
+    }
+    low = high;
+  }
+  return static_cast<double>(sum);
+}
+
+// Faces turn to the left, cover the area once and nothing else.
+void expectCovered(const Rings& area, AreaMaker& make) {
+  const Faces faces = fill(area);
+  ASSERT_NEAR(areaOf(faces), areaOf(area), 1e-9) << vek0::test::text(joinHatchRings(area));
+  for (const HatchFace& face : faces) ASSERT_GT(areaOf(face), 0);
+  for (int i = 0; i < 20; ++i) {
+    const double x = make.number(-12, 12), y = make.number(-12, 12);
+    int count = 0;
+    for (const HatchFace& face : faces) count += contains(face, x, y) ? 1 : 0;
+    ASSERT_EQ(count, contains(area, x, y) ? 1 : 0) << x << ',' << y;
+  }
+}
+
+}  // namespace
+
+TEST(FillSolid, Cases) {
+  const struct {
+    const char* name;
+    const char* area;
+    std::size_t faces;
+    double size;
+  } cases[] = {
+      {"nothing",                      "",                                0, 0 },
+      {"two points",                   "0,0 9,9",                         0, 0 },
+      {"square",                       "0,0 4,0 4,4 0,4",                 1, 16},
+      {"whichever way round",          "0,4 4,4 4,0 0,0",                 1, 16},
+      {"points in line",               "0,0 2,0 4,0 4,4 2,4 0,4",         1, 16},
+      {"triangle",                     "0,0 4,0 4,4",                     1, 8 },
+      {"no area",                      "0,0 4,0 2,0",                     0, 0 },
+      {"spike",                        "0,0 4,0 4,4 9,9 4,4 0,4",         1, 16},
+      {"crosses itself",               "0,0 4,4 4,0 0,4",                 4, 8 },
+      {"touches itself",               "0,0 4,4 8,0 8,8 4,4 0,8",         4, 32},
+      {"run twice",                    "0,0 4,0 4,4 0,0 4,0 4,4",         0, 0 },
+      {"hole",                         "0,0 9,0 9,9 0,9/3,3 6,3 6,6 3,6", 4, 72},
+      {"hole that touches the edge",   "0,0 9,0 9,9 0,9/0,3 6,3 6,6 0,6", 3, 63},
+      {"hole that touches the corner", "0,0 9,0 9,9 0,9/0,0 6,3 6,6",     4, 72},
+      {"rings that overlap",           "0,0 6,0 6,6 0,6/3,3 9,3 9,9 3,9", 4, 54},
+      {"star of one line",             "0,-10 6,8 -9,-3 9,-3 -6,8",       7, 0 },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const Faces faces = fill(rings(t.area));
+    EXPECT_EQ(faces.size(), t.faces);
+    EXPECT_NEAR(areaOf(faces), t.size > 0 ? t.size : areaOf(rings(t.area)), 1e-12);
+  }
+}
+
+TEST(FillSolid, TrianglesRepeatTheirThirdCornerAtTheHeightOfTheFirstPoint) {
+  Faces faces;
+  fillSolid(
+      {
+          {0, 0, 7},
+          {4, 0, 8},
+          {4, 4, 9}
+  },
+      10, faces);
+  ASSERT_EQ(faces.size(), 1u);
+  EXPECT_EQ(faces[0].p[3], faces[0].p[2]);
+  for (const PNT_3D& p : faces[0].p) EXPECT_EQ(p.z, 7);
+}
+
+TEST(FillSolid, CoversTheInsideOnce) {
+  for (unsigned seed = 0; seed < 1000; ++seed) {
+    SCOPED_TRACE(seed);
+    AreaMaker make(seed);
+    const Rings area = make.area();
+    expectCovered(area, make);
+    // Turned by quarters, what was upright is level; turned otherwise, nothing fits exactly.
+    expectCovered(vek0::test::turned(area, 1.5707963267948966), make);
+    expectCovered(vek0::test::turned(area, make.number(-3, 3)), make);
+  }
+}
+
+// Hundreds of points on a line that rounding bends, there and back.
+TEST(FillSolid, TakesEdgesThatNearlyCoincide) {
+  for (unsigned seed = 0; seed < 300; ++seed) {
+    SCOPED_TRACE(seed);
+    AreaMaker make(seed);
+    Points ring = {
+        {0,  0, 0},
+        {10, 3, 0},
+        {10, 5, 0}
+    };
+    for (int i = make.whole(2, 60); i > 0; --i) {
+      const double x = make.number(0, 10);
+      ring.emplace_back(x, x * 0.3, 0);
+    }
+    const Rings area = vek0::test::turned({ring}, make.number(-3, 3));
+    ASSERT_NEAR(areaOf(fill(area)), areaOf(area), 1e-9);
+  }
+}
+
+TEST(FillSolid, LimitsWhatCrossingsCost) {
+  AreaMaker make(1);
+  Points ring;
+  for (int i = 0; i < 400; ++i) ring.emplace_back(make.number(0, 10), make.number(0, 10), 0);
+  Faces faces;
+  EXPECT_EQ(fillSolid(ring, 1e6, faces), HatchStatus::Done);
+  EXPECT_GT(faces.size(), 20000u);
+  EXPECT_EQ(fillSolid(ring, 1000, faces), HatchStatus::TooDense);
+  EXPECT_TRUE(faces.empty());
+  EXPECT_EQ(fillSolid(ring, std::nan(""), faces), HatchStatus::TooDense);
+}
+
+TEST(FillSolid, RefusesCoordinatesThatAreNone) {
+  const double inf = std::numeric_limits<double>::infinity();
+  for (const double bad : {inf, -inf, std::nan(""), 1e200}) {
+    Faces faces = fill(rings("0,0 4,0 4,4"));
+    EXPECT_EQ(fillSolid(
+                  {
+                      {0,   0, 0},
+                      {bad, 0, 0},
+                      {4,   4, 0}
+    },
+                  1e6, faces),
+              HatchStatus::BadBoundary);
+    EXPECT_TRUE(faces.empty());
+  }
+}
