@@ -32,5 +32,7 @@ void addInfoCommand(CLI::App& app, Session& session);
 void addCheckCommand(CLI::App& app, Session& session);
 void addConvertCommand(CLI::App& app, Session& session);
 void addImportCommand(CLI::App& app, Session& session);
+void addHatchCommand(CLI::App& app, Session& session);
+void addHatchesCommand(CLI::App& app, Session& session);
 
 }  // namespace vek0::tool

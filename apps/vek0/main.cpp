@@ -66,6 +66,8 @@ int runTool(int argc, char** argv) {
   addCheckCommand(app, session);
   addConvertCommand(app, session);
   addImportCommand(app, session);
+  addHatchCommand(app, session);
+  addHatchesCommand(app, session);
   app.footer(
       "Exit codes: 0 all well, 1 a drawing failed, 2 wrong usage, 3 an output could not be "
       "written.");

@@ -14,6 +14,7 @@
 #include "vek0core/entities/entattrib.h"
 #include "vek0core/entities/entcircle.h"
 #include "vek0core/entities/entfactory.h"
+#include "vek0core/entities/enthatch.h"
 #include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entpnt.h"
@@ -104,7 +105,12 @@ class Cloner final : public IEntVisitor {
                                                  m_map(e.getBlock()), e.getPnt(), e.GetDefArea(),
                                                  e.GetNoPixel(), e.getRotate(), e.GetHandle()));
   }
-  void visit(CEntHatch&) override {}
+  void visit(CEntHatch& e) override {
+    keep(factory().createEntHatch(gestor(), layer(e), ltype(e), e.getColor(), m_map(e.getBlock()),
+                                  m_data.getHatchTypeTable().intern(e.getHatchType()),
+                                  e.getHatchScale(), e.getHatchRotate(), e.getBoundary(),
+                                  e.GetHandle()));
+  }
   void visit(CEnt3DFace& e) override {
     auto* face =
         createEnt3DFace(m_data, layer(e), ltype(e), e.getColor(), e.getVertex(0), e.getVertex(1),

@@ -7,6 +7,7 @@
 #include "vek0core/entities/entattrib.h"
 #include "vek0core/entities/entcircle.h"
 #include "vek0core/entities/entfactory.h"
+#include "vek0core/entities/enthatch.h"
 #include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entpnt.h"
@@ -135,6 +136,23 @@ CEntInsertXRef* createEntInsertXRef(const CData& data, CBlockXRefDepend& depend,
   return data.getEntFactory().createEntInsertXRef(
       data.getHandleGestor(), getCurLayer(data), getCurLtype(data), getCurColor(data), depend,
       &xref, pnt, sx, sy, sz, rotation, columns, rows, columnSpacing, rowSpacing, handle);
+}
+
+CEntHatch* createEntHatch(CData& data, CLayer* layer, CLtype* ltype, short color,
+                          const HATCH_TYPE& type, double scale, double rotate,
+                          const std::vector<PNT_3D>& boundary, long handle) {
+  CBlockTable& blocks = data.getBlockTable();
+  std::unique_ptr<CEntHatch> hatch(data.getEntFactory().createEntHatch(
+      data.getHandleGestor(), layer, ltype, color, getHatchName(blocks), type, scale, rotate,
+      boundary, data, handle));
+  if (!hatch || !hatch->getBlock()) return nullptr;
+  blocks.add(hatch->getBlock());
+  return hatch.release();
+}
+CEntHatch* createEntHatch(CData& data, const HATCH_TYPE& type, double scale, double rotate,
+                          const std::vector<PNT_3D>& boundary, long handle) {
+  return createEntHatch(data, getCurLayer(data), getCurLtype(data), getCurColor(data), type, scale,
+                        rotate, boundary, handle);
 }
 
 CEnt3DFace* createEnt3DFace(const CData& data, CLayer* layer, CLtype* ltype, short color,

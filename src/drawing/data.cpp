@@ -26,7 +26,8 @@ CData::CData(std::unique_ptr<IHandleGestor> gestor, std::unique_ptr<CLtypeFactor
       m_layerFactory(std::move(layerFactory)),
       m_styleFactory(std::move(styleFactory)),
       m_blockFactory(std::move(blockFactory)),
-      m_entFactory(std::move(entFactory)) {
+      m_entFactory(std::move(entFactory)),
+      m_hatchTypes(std::make_shared<CHatchTypeTable>()) {
   m_vars.setCurStyle(m_styles.getStyleStandard());
   // The layer table counts listed layers only.
   m_continuous.addLayer();

@@ -8,6 +8,7 @@
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/blockxref.h"
 #include "vek0core/entities/entfactory.h"
+#include "vek0core/entities/enthatch.h"
 #include "vek0core/entities/entinsert.h"
 #include "vek0core/tables/colors.h"
 #include "vek0core/tables/font.h"
@@ -15,7 +16,6 @@
 namespace {
 
 constexpr short kByBlock = 0, kByLayer = 256, kNoLayerColor = 7;
-constexpr std::u16string_view kHatchPrefix = u"*PAT";
 
 // The item of an external reference that a dependent name names.
 template <class Item, class Table>
@@ -25,13 +25,6 @@ Item* getDependent(const CData& data, const zim::WString& name,
   if (!scomposeName(name, xrefName, itemName)) return nullptr;
   const CBlockXRef* xref = data.getBlockXRefTable().get(xrefName);
   return xref ? (xref->*tableOf)().get(itemName) : nullptr;
-}
-
-bool isHatchBlock(const CBlock& block) {
-  const std::u16string_view name = block.getName();
-  if (name.substr(0, kHatchPrefix.size()) != kHatchPrefix) return false;
-  const std::u16string_view number = name.substr(kHatchPrefix.size());
-  return !number.empty() && number.find_first_not_of(u"0123456789") == std::u16string_view::npos;
 }
 
 class UsedBlocks {
@@ -153,7 +146,7 @@ long purgeHatchBlocks(CData& data) {
   CBlockTable& table = data.getBlockTable();
   std::vector<CBlock*> unused;
   for (int i = 0; i < table.size(); ++i) {
-    if (isHatchBlock(*table[i]) && !used.has(table[i])) unused.push_back(table[i]);
+    if (isHatchName(table[i]->getName()) && !used.has(table[i])) unused.push_back(table[i]);
   }
   for (CBlock* block : unused) {
     table.remove(block);

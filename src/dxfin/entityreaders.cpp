@@ -65,6 +65,7 @@ EntPtr one(EntityReader& reader) {
 }
 EntPtr readPolyline(EntityReader& reader) { return reader.polylines.readPolyline(); }
 EntPtr readLwPolyline(EntityReader& reader) { return reader.polylines.readLwPolyline(); }
+EntPtr readHatch(EntityReader& reader) { return reader.hatches.read(); }
 
 // The commonest first.
 constexpr Reader kReaders[] = {
@@ -77,6 +78,7 @@ constexpr Reader kReaders[] = {
     {"INSERT",     EntityKinds::R12,    one<readInsert>},
     {"POINT",      EntityKinds::R12,    one<readPoint> },
     {"3DFACE",     EntityKinds::R12,    one<read3DFace>},
+    {"HATCH",      EntityKinds::AC1014, readHatch      },
     {"ATTDEF",     EntityKinds::R12,    one<readAttdef>},
 };
 

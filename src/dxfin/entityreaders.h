@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "dxfin/hatchreader.h"
 #include "dxfin/polylinereader.h"
 #include "dxfin/recordreader.h"
 
@@ -22,6 +23,7 @@ class EntityReader {
 
   RecordReader records;
   PolylineReader polylines{records};
+  HatchReader hatches{records};
 };
 
 // One reader a kind. Each starts on the group 0 of its record.

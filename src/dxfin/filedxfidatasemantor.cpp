@@ -10,6 +10,8 @@
 #include "vek0core/entities/blockfactory.h"
 #include "vek0core/entities/blocktable.h"
 #include "vek0core/entities/blockxref.h"
+#include "vek0core/entities/entfactory.h"
+#include "vek0core/entities/enthatch.h"
 #include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/enttable.h"
 #include "vek0core/files/report.h"
@@ -214,7 +216,41 @@ CBlock* IFileDXFIDataSemantor::getBlock(const zim::WString& name) {
   return block;
 }
 
+void IFileDXFIDataSemantor::freeHatchName(const zim::WString& name) {
+  if (m_hatchBlocks.empty()) return;
+  CBlock* block = m_data.getBlockTable().get(name);
+  if (block && m_hatchBlocks.count(block) != 0)
+    block->setName(getHatchName(m_data.getBlockTable()));
+}
+
+// What cannot be generated now keeps what the file says about it.
+CEntHatch* IFileDXFIDataSemantor::createHatch(CLayer* layer, CLtype* ltype, short colour,
+                                              const HATCH_TYPE& type, double scale, double rotate,
+                                              const std::vector<PNT_3D>& boundary, long handle) {
+  constexpr long anonymous = 1;
+  CEntHatch* hatch =
+      createEntHatch(m_data, layer, ltype, colour, type, scale, rotate, boundary, handle);
+  if (!hatch) {
+    CBlockTable& blocks = m_data.getBlockTable();
+    CBlock* block = m_data.getBlockFactory().create(getHatchName(blocks), anonymous);
+    if (block) blocks.add(block);
+    hatch =
+        block ? m_data.getEntFactory().createEntHatch(getHandleGestor(), layer, ltype, colour,
+                                                      block, type, scale, rotate, boundary, handle)
+              : nullptr;
+    note("hatch empty", type.name);
+  }
+  if (hatch)
+    m_hatchBlocks.insert(hatch->getBlock());
+  else
+    fail(CFileDXFIError::GeneralError);
+  return hatch;
+}
+
+CHatchTypeTable& IFileDXFIDataSemantor::getHatchTypeTable() { return m_data.getHatchTypeTable(); }
+
 CBlock* IFileDXFIDataSemantor::findBlock(const zim::WString& name) {
+  freeHatchName(name);
   CBlockXRef* xref = findXRef(name);
   return isDeclared(xref) ? xref : m_data.getBlockTable().get(name);
 }

@@ -32,6 +32,7 @@ void CFileDXFILoadDataSemantor::createStyleStandard(const ICADFont* font, double
 
 void CFileDXFILoadDataSemantor::createBlock(const zim::WString& name, const PNT_3D& base,
                                             long flags, std::list<CEnt*>& entities) {
+  freeHatchName(name);
   if (isXRefName(name)) {
     discard(entities);
   } else if (CBlock* block = getBlockTable().get(name)) {

@@ -1,12 +1,23 @@
 #include "dxfin/entityreaders.h"
+#include "dxfin/hatchdata.h"
 #include "vek0core/entities/attribplacement.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/blockxref.h"
 #include "vek0core/entities/entattrib.h"
+#include "vek0core/entities/enthatch.h"
 #include "vek0core/entities/entinsert.h"
+#include "vek0core/hatch/boundary.h"
 
 namespace vek0::detail {
 namespace {
+
+constexpr long kAnonymous = 1;  // of block flags
+
+void noteDropped(const RecordReader& in) { in.note("code dropped", u"1001"); }
+
+void takeExtended(const RecordReader& in, HatchData& data) {
+  if (!data.take(in.lexer()) && in.lexer().getGroupValue() == 1001) noteDropped(in);
+}
 
 // The first count and spacing are the columns', the second the rows'.
 CEntInsert* createInsert(RecordReader& in, CBlock& block) {
@@ -40,6 +51,33 @@ void readAttribs(RecordReader& in, CEntInsertBase& insert) {
   in.skip();
 }
 
+// The block's name, and extended data.
+struct InsertCodes {
+  static bool has(long code) { return code == 2 || code >= kExtended; }
+  static constexpr long kExtended = 1000;
+};
+
+// Lines are drawn where they belong: the block of a hatch is neither moved nor scaled.
+bool isPlain(const Record& r) {
+  return r.point(0) == PNT_3D(0, 0, 0) && r.real(41, 1) == 1 && r.real(42, 1) == 1 &&
+         r.real(43, 1) == 1 && r.real(50) == 0 && r.integer(70, 1) <= 1 && r.integer(71, 1) <= 1 &&
+         r.integer(66) == 0;
+}
+
+// The hatch that the insert stands for; null when it is no more than an insert. A block
+// is the private one of a single hatch.
+EntPtr readHatch(RecordReader& in, CBlock& block, HatchData& data) {
+  const bool isPrivate = !block.isXRef() && block.getName().view().substr(0, 1) == u"*" &&
+                         in.hatchBlocks.count(&block) == 0;
+  if (!isPrivate || !isPlain(in.record()) || !data.parse(in.context().semantor.getHatchTypeTable()))
+    return nullptr;
+  in.hatchBlocks.insert(&block);
+  const Record& r = in.record();
+  return in.built(in.factory().createEntHatch(in.gestor(), r.layer, r.ltype, r.color, &block,
+                                              *data.type, data.scale, data.angleRad,
+                                              joinHatchRings(data.rings), r.handle));
+}
+
 }  // namespace
 
 EntPtr readInsert(RecordReader& in) {
@@ -47,17 +85,26 @@ EntPtr readInsert(RecordReader& in) {
                                    {8, 2, 10, 20});
   CBlock* block = nullptr;
   zim::WString unknownName;
-  const auto takeName = [&](long) {
+  HatchData hatchData;
+  const auto take = [&](long code) {
+    if (code != 2) return takeExtended(in, hatchData);
     block = in.findBlock(in.lexer().getBytes());
     if (!block) unknownName = in.lexer().getText();
   };
-  if (!in.read(kind, {2}, 2, takeName)) return nullptr;
-  if (!block) block = in.context().semantor.createBlockHurried(unknownName, 0);
+  if (!in.read(kind, InsertCodes(), 2, take)) return nullptr;
+  if (!block)
+    block = in.context().semantor.createBlockHurried(unknownName,
+                                                     hatchData.claimsHatch() ? kAnonymous : 0);
   if (!block) {
     if (!in.failed()) in.fail(CFileDXFIError::BlockNotFound);
     return nullptr;
   }
   in.insertRead = true;
+  if (hatchData.claimsHatch()) {
+    if (EntPtr hatch = readHatch(in, *block, hatchData)) return hatch;
+    if (in.failed()) return nullptr;
+    noteDropped(in);
+  }
   const bool attribsFollow = in.record().integer(66) != 0;
   std::unique_ptr<CEntInsert> insert = in.built(createInsert(in, *block));
   if (insert && attribsFollow) readAttribs(in, *insert);

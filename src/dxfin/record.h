@@ -15,6 +15,8 @@ namespace vek0::detail {
 /// A set of group codes from 0 to 127; others are never in it.
 class CodeSet {
  public:
+  static constexpr long kEnd = 128;
+
   constexpr CodeSet() = default;
   constexpr CodeSet(std::initializer_list<long> codes) {
     for (const long code : codes) add(code);

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "dxfin/namecache.h"
@@ -50,20 +51,21 @@ class RecordReader {
   /// when an error is recorded: of a value, 16 when a required code is missing
   /// (`missingParam` is its first parameter), 13 when there is no layer.
   bool read(const RecordKind& kind, long missingParam = 2) {
-    return read(kind, {}, missingParam, [](long) {});
+    return read(kind, CodeSet(), missingParam, [](long) {});
   }
-  /// The same; pairs whose code is in `own` go to `takeOwn` instead, which reads
-  /// the lexer's value.
-  template <class TakeOwn>
-  bool read(const RecordKind& kind, CodeSet own, long missingParam, const TakeOwn& takeOwn) {
+  /// The same; pairs whose code is in `own` (a `CodeSet` or what answers `has` like one)
+  /// go to `takeOwn` instead, which reads the lexer's value, and further pairs if they
+  /// belong to it.
+  template <class Own = CodeSet, class TakeOwn>
+  bool read(const RecordKind& kind, const Own& own, long missingParam, const TakeOwn& takeOwn) {
     m_record.start(m_byLayer ? m_byLayer : findByLayer());
     const CodeSet wanted = kind.wanted | kCommon;
     for (;;) {
-      const long code = m_context.lexer.read();
+      const long code = next();
       if (failed()) return false;
       if (code == 0) return check(kind, missingParam);
       if (own.has(code)) {
-        m_record.seen.add(code);
+        if (code < CodeSet::kEnd) m_record.seen.add(code);
         takeOwn(code);
       } else if (wanted.has(code)) {
         m_record.seen.add(code);
@@ -74,6 +76,13 @@ class RecordReader {
       if (failed()) return false;
     }
   }
+  /// The code of the next pair, or once more that of the current one after `putBack`.
+  long next() {
+    if (!m_putBack) return m_context.lexer.read();
+    m_putBack = false;
+    return m_context.lexer.getGroupValue();
+  }
+  void putBack() { m_putBack = true; }
   /// Skips the current record.
   void skip();
 
@@ -106,6 +115,8 @@ class RecordReader {
   std::vector<std::unique_ptr<CEnt>> further;
   /// Whether any insert was read.
   bool insertRead = false;
+  /// The blocks that hatches stored as inserts have claimed.
+  std::unordered_set<const CBlock*> hatchBlocks;
 
  private:
   static constexpr CodeSet kCommon{5, 6, 8, 62};
@@ -121,6 +132,7 @@ class RecordReader {
 
   ReadContext m_context;
   Record m_record;
+  bool m_putBack = false;
   CLtype* m_byLayer = nullptr;
   NameCache<CLayer> m_layers;
   NameCache<CLtype> m_ltypes;

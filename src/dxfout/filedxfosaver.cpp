@@ -17,7 +17,7 @@
 #include "vek0core/dxfout/savedxf.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/blockxref.h"
-#include "vek0core/entities/entinsert.h"
+#include "vek0core/entities/enthatch.h"
 #include "vek0core/files/file.h"
 #include "vek0core/files/report.h"
 #include "vek0core/tables/font.h"
@@ -35,12 +35,6 @@ constexpr long kFlagBits = 0x7F;
 // The letter A: the pattern is fitted to the ends of a line.
 constexpr long kAlignment = 65;
 
-constexpr const zim::Char* kHatchPrefix = u"*PAT";
-
-bool isHatchBlock(const CBlock& block) {
-  return block.getName().view().substr(0, 4) == kHatchPrefix;
-}
-
 /// Hands the blocks that are written to another operation: all but those of hatches that
 /// are gone, which nobody would miss and readers only keep.
 class WrittenBlocks final : public IBlockOperation {
@@ -51,14 +45,14 @@ class WrittenBlocks final : public IBlockOperation {
   }
 
   int doOperation(CBlock& block) override {
-    const bool lost = isHatchBlock(block) && !m_used.has(&block);
+    const bool lost = isHatchName(block.getName()) && !m_used.has(&block);
     return lost ? ZORA_BLOCK_VISIT_RESULT_SUCCESS : m_op.doOperation(block);
   }
 
  private:
   static std::vector<const CBlock*> hatchBlocksOf(const CData& data) {
     std::vector<const CBlock*> blocks = vek0::detail::blocksOf(data);
-    const auto isOther = [](const CBlock* block) { return !isHatchBlock(*block); };
+    const auto isOther = [](const CBlock* block) { return !isHatchName(block->getName()); };
     blocks.erase(std::remove_if(blocks.begin(), blocks.end(), isOther), blocks.end());
     return blocks;
   }

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "dxfout/exactnumbers.h"
+#include "dxfout/hatchdata.h"
 #include "dxfout/savedcolor.h"
 #include "dxfout/savednames.h"
 #include "dxfout/savedvertexes.h"
@@ -17,6 +18,7 @@
 #include "vek0core/entities/entattdef.h"
 #include "vek0core/entities/entattrib.h"
 #include "vek0core/entities/entcircle.h"
+#include "vek0core/entities/enthatch.h"
 #include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entpnt.h"
@@ -131,16 +133,27 @@ void CFileDXFOVisitor::visit(CEntAttdef& ent) {
   txt_visit(placed(ent.getText()), kTagString, kAttribVertical);
 }
 
-// Nothing stands for one yet, so nothing is written.
-void CFileDXFOVisitor::visit(CEntHatch&) {}
+// The version has no hatches: an insert of the lines, with what a reader needs to see a
+// hatch in it.
+void CFileDXFOVisitor::visit(CEntHatch& ent) {
+  if (refuses(ent, "HATCH")) return;
+  const long handle = insert_visit(ent);
+  if (!vek0::detail::hasHatchData(ent)) return report("hatch as insert", "HATCH");
+  vek0::detail::writeHatchData(m_writer, ent, handle, m_flatten);
+}
 
 void CFileDXFOVisitor::visit(CEntAttrib&) { ZORA_ASSERT(false); }
 
-void CFileDXFOVisitor::visit(CEntInsert& ent) { insert_visit(ent); }
+void CFileDXFOVisitor::visit(CEntInsert& ent) {
+  if (!refuses(ent, "INSERT")) insert_visit(ent);
+}
 
-void CFileDXFOVisitor::visit(CEntInsertXRef& ent) { insert_visit(ent); }
+void CFileDXFOVisitor::visit(CEntInsertXRef& ent) {
+  if (!refuses(ent, "INSERT")) insert_visit(ent);
+}
 
 void CFileDXFOVisitor::visit(CEntFixedInsert& ent) {
+  if (refuses(ent, "INSERT")) return;
   insert_visit(ent);
   report("fixed insert", "INSERT");
 }
@@ -171,19 +184,22 @@ bool CFileDXFOVisitor::isReady() const {
   return m_pACADNameConverter != nullptr;
 }
 
-void CFileDXFOVisitor::begin(const char* kind, const CEnt& ent) {
+long CFileDXFOVisitor::begin(const char* kind, const CEnt& ent) {
   m_writer.writeEncoded(0, kind);
-  def_visit(ent);
+  return def_visit(ent);
 }
 
-void CFileDXFOVisitor::def_visit(const CEnt& ent) {
-  writeHandle(ent.GetHandle());
+long CFileDXFOVisitor::def_visit(const CEnt& ent) {
+  const long handle = writeHandle(ent.GetHandle());
   m_writer.writeEncoded(8, m_names->layer(ent.getLayer()));
   if (ent.getLtype() && !ent.getLtype()->isByLayer())
     m_writer.writeEncoded(6, m_names->ltype(ent.getLtype()));
-  if (ent.getColor() == vek0::detail::kColorByLayer) return;
-  if (!vek0::detail::isEntityColor(ent.getColor())) return report("color out of range", "");
-  m_writer.write(62, static_cast<long>(ent.getColor()));
+  if (ent.getColor() == vek0::detail::kColorByLayer) return handle;
+  if (vek0::detail::isEntityColor(ent.getColor()))
+    m_writer.write(62, static_cast<long>(ent.getColor()));
+  else
+    report("color out of range", "");
+  return handle;
 }
 
 void CFileDXFOVisitor::txt_visit(const TextRecord& text, long stringCode, long verticalCode) {
@@ -200,14 +216,13 @@ void CFileDXFOVisitor::txt_visit(const TextRecord& text, long stringCode, long v
   writePoint(1, text.insertion);
 }
 
-void CFileDXFOVisitor::insert_visit(const CEntInsertBase& ent) {
-  if (refuses(ent, "INSERT")) return;
+long CFileDXFOVisitor::insert_visit(const CEntInsertBase& ent) {
   PNT_3D pnt;
   double sx, sy, sz, rotationRad, columnSpacing, rowSpacing;
   long columns, rows;
   ent.getInsertParams(kPixelSize, pnt, sx, sy, sz, rotationRad);
   ent.getArray(columns, rows, columnSpacing, rowSpacing);
-  begin("INSERT", ent);
+  const long handle = begin("INSERT", ent);
   m_writer.writeEncoded(2, m_names->block(ent.getBlock()));
   writePoint(0, pnt);
   m_writer.write(41, sx);
@@ -219,6 +234,7 @@ void CFileDXFOVisitor::insert_visit(const CEntInsertBase& ent) {
   m_writer.write(44, columnSpacing);
   m_writer.write(45, rowSpacing);
   attribs_visit(ent);
+  return handle;
 }
 
 void CFileDXFOVisitor::attribs_visit(const CEntInsertBase& ent) {
@@ -268,8 +284,10 @@ void CFileDXFOVisitor::writeAngle(long code, double angleRad) {
                                   : vek0::detail::classicDegrees(angleRad));
 }
 
-void CFileDXFOVisitor::writeHandle(long handle) {
-  m_writer.writeHex(5, m_handles ? m_handles->take(handle) : handle);
+long CFileDXFOVisitor::writeHandle(long handle) {
+  const long written = m_handles ? m_handles->take(handle) : handle;
+  m_writer.writeHex(5, written);
+  return written;
 }
 
 CFileDXFOVisitor::TextRecord CFileDXFOVisitor::placed(const TEXT_3D& text) const {

@@ -9,6 +9,7 @@
 #include "vek0core/entities/entattdef.h"
 #include "vek0core/entities/entattrib.h"
 #include "vek0core/entities/entcircle.h"
+#include "vek0core/entities/enthatch.h"
 #include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entpnt.h"
@@ -101,6 +102,7 @@ void HandleCollector::visit(CEntAttdef& ent) { note(ent); }
 void HandleCollector::visit(CEntInsert& ent) { noteInsert(ent); }
 void HandleCollector::visit(CEntFixedInsert& ent) { noteInsert(ent); }
 void HandleCollector::visit(CEntInsertXRef& ent) { noteInsert(ent); }
+void HandleCollector::visit(CEntHatch& ent) { noteInsert(ent); }
 void HandleCollector::visit(CEnt3DFace& ent) { note(ent); }
 
 void HandleCollector::visit(CEntPolyline& ent) {

@@ -76,6 +76,7 @@ class HandleCollector final : public IEntFooVisitor {
   void visit(CEntInsert& ent) override;
   void visit(CEntFixedInsert& ent) override;
   void visit(CEntInsertXRef& ent) override;
+  void visit(CEntHatch& ent) override;
   void visit(CEnt3DFace& ent) override;
 
  private:

@@ -1,6 +1,7 @@
 #include "vek0core/entities/block.h"
 
 #include <algorithm>
+#include <atomic>
 #include <new>
 
 #include "entities/blockgraphitem.h"
@@ -18,6 +19,11 @@ namespace {
 bool isAttdef(const CEnt& ent) { return ent.getType() == CEntAttdef::kType; }
 
 }  // namespace
+
+std::uint64_t CBlock::nextSerial() {
+  static std::atomic<std::uint64_t> last{0};
+  return ++last;
+}
 
 // Brings extents up to date, those of inserted blocks first. A recursion would go as
 // deep as blocks are nested, which a file decides.

@@ -186,6 +186,13 @@ std::size_t CBlockGraph::getNoUsers(const CBlock& block) const {
   return item != nullptr ? item->users.size() : 0;
 }
 
+std::vector<CBlock*> CBlockGraph::getUsers(const CBlock& block) const {
+  std::vector<CBlock*> blocks;
+  if (const Item* item = find(block))
+    for (const Item::User& user : item->users) blocks.push_back(user.item->block);
+  return blocks;
+}
+
 std::size_t CBlockGraph::size() const { return m_items.size(); }
 
 void CBlockGraph::clearAll() {

@@ -8,6 +8,7 @@
 #include "vek0core/entities/entattdef.h"
 #include "vek0core/entities/entattrib.h"
 #include "vek0core/entities/entcircle.h"
+#include "vek0core/entities/enthatch.h"
 #include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entpnt.h"
@@ -161,6 +162,26 @@ CEntInsertXRef* CEntFactory::createEntInsertXRef(IHandleGestor&, CLayer* layer, 
 
 CEntInsertXRef* CEntFactory::createEntInsertXRef(IHandleGestor& gestor, const CEntInsertXRef& src) {
   return make<CEntInsertXRef>(gestor, *this, src, kCopyHandle);
+}
+
+CEntHatch* CEntFactory::createEntHatch(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,
+                                       CBlock* block, const HATCH_TYPE& type, double scale,
+                                       double rotate, const std::vector<PNT_3D>& boundary,
+                                       long handle) {
+  return make<CEntHatch>(handle, layer, ltype, color, block, type, scale, rotate, boundary);
+}
+
+CEntHatch* CEntFactory::createEntHatch(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,
+                                       const zim::WString& name, const HATCH_TYPE& type,
+                                       double scale, double rotate,
+                                       const std::vector<PNT_3D>& boundary, CData& data,
+                                       long handle) {
+  try {
+    return CEntHatch::Create(handle, layer, ltype, color, name, type, scale, rotate, boundary,
+                             data);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
 }
 
 CEnt3DFace* CEntFactory::createEnt3DFace(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,

@@ -38,6 +38,11 @@ CEntInsertBase::CEntInsertBase(IHandleGestor& gestor, CEntFactory& factory,
   }
 }
 
+CEntInsertBase::CEntInsertBase(const CEntInsertBase& src, CBlock* block, long handle)
+    : CEnt(src, handle), m_block(block) {
+  dirtyBdry();
+}
+
 CEntInsertBase::~CEntInsertBase() = default;
 
 void CEntInsertBase::addTbls(IHandleGestor& gestor) const {
@@ -83,6 +88,12 @@ void CEntInsertBase::setBlock(CBlock* block) {
   if (m_block != nullptr) m_block->decEntity();
   m_block = block;
   if (m_block != nullptr) m_block->addEntity();
+  dirtyBdry();
+}
+
+void CEntInsertBase::replaceBlock(CBlock* block) {
+  if (m_gestor != nullptr) return setBlock(block);
+  m_block = block;
   dirtyBdry();
 }
 

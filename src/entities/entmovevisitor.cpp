@@ -1,10 +1,12 @@
 #include "vek0core/entities/entmovevisitor.h"
 
+#include "vek0core/entities/block.h"
 #include "vek0core/entities/ent3dface.h"
 #include "vek0core/entities/entarc.h"
 #include "vek0core/entities/entattdef.h"
 #include "vek0core/entities/entattrib.h"
 #include "vek0core/entities/entcircle.h"
+#include "vek0core/entities/enthatch.h"
 #include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entpnt.h"
@@ -63,8 +65,14 @@ void CEntMoveVisitor::visit(CEntFixedInsert& ent) { moveInsert(ent, m_delta); }
 
 void CEntMoveVisitor::visit(CEntInsertXRef& ent) { moveInsert(ent, m_delta); }
 
-// There is no hatch yet that could be met.
-void CEntMoveVisitor::visit(CEntHatch&) {}
+void CEntMoveVisitor::visit(CEntHatch& ent) {
+  if (CBlock* block = ent.getBlock()) {
+    for (unsigned i = 0; i < block->size(); ++i) (*block)[i]->accept(*this);
+    block->calcBdry();
+  }
+  for (long i = 0; i < ent.getNoPnts(); ++i) ent.setPnt(i, ent.getPnt(i) + m_delta);
+  ent.calcBdry();
+}
 
 void CEntMoveVisitor::visit(CEnt3DFace& ent) {
   for (long i = 0; i < 4; ++i) ent.getVertex(i).move(m_delta);

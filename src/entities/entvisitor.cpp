@@ -5,6 +5,7 @@
 #include "vek0core/entities/entattdef.h"
 #include "vek0core/entities/entattrib.h"
 #include "vek0core/entities/entcircle.h"
+#include "vek0core/entities/enthatch.h"
 #include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entpnt.h"
@@ -41,7 +42,7 @@ void IEntInheritVisitor::visit(CEntFixedInsert& ent) { visit(static_cast<CEntIns
 void IEntInheritVisitor::visit(CEntInsertXRef& ent) { visit(static_cast<CEntInsert&>(ent)); }
 void IEntInheritVisitor::visit(CEntAttrib& ent) { visit(static_cast<CEntText&>(ent)); }
 // No object of this class can be made yet, so there is none to forward.
-void IEntInheritVisitor::visit(CEntHatch&) {}
+void IEntInheritVisitor::visit(CEntHatch& ent) { visit(static_cast<CEntInsertBase&>(ent)); }
 void IEntInheritVisitor::visit(CEnt3DFace& ent) { visit(static_cast<CEnt&>(ent)); }
 void IEntInheritVisitor::visit(CVertex&) {}
 void IEntInheritVisitor::visit(CEntInsertBase& ent) { visit(static_cast<CEnt&>(ent)); }

@@ -9,6 +9,7 @@
 #include "vek0core/entities/blockxref.h"
 #include "vek0core/entities/enttable.h"
 #include "vek0core/export.h"
+#include "vek0core/hatch/hatchtypetable.h"
 #include "vek0core/tables/font.h"
 #include "vek0core/tables/handle.h"
 #include "vek0core/tables/layer.h"
@@ -99,6 +100,13 @@ class VEK0_API CData {
   CBlockFactory& getBlockFactory() const { return *m_blockFactory; }
   CEntFactory& getEntFactory() const { return *m_entFactory; }
 
+  /// The drawing's own hatch patterns.
+  CHatchTypeTable& getHatchTypeTable() const { return *m_hatchTypes; }
+  /// How many lines and points one hatch may have at most, by an estimate made before
+  /// any is generated; a million at first.
+  double getHatchLimit() const { return m_hatchLimit; }
+  void setHatchLimit(double limit) { m_hatchLimit = limit; }
+
   /// A font of this drawing's own that has this name and the default measures, made on
   /// the first call for the name: it keeps the name of a font that the process does not
   /// have. It lives as long as the drawing and those that share its fonts.
@@ -129,6 +137,8 @@ class VEK0_API CData {
   std::shared_ptr<CBlockFactory> m_blockFactory;
   std::shared_ptr<CEntFactory> m_entFactory;
   std::unordered_map<zim::WString, std::shared_ptr<const ICADFont>> m_fonts;
+  std::shared_ptr<CHatchTypeTable> m_hatchTypes;
+  double m_hatchLimit = 1e6;
   vek0::detail::LivingDrawing m_living;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "vek0core/drawing/data.h"
 #include "vek0core/export.h"
@@ -15,6 +16,7 @@ class CEntAttdef;
 class CEntAttrib;
 class CEntCircle;
 class CEntFixedInsert;
+class CEntHatch;
 class CEntInsert;
 class CEntInsertXRef;
 class CEntLine;
@@ -196,6 +198,16 @@ VEK0_API CEntInsertXRef* createEntInsertXRef(const CData& data, CBlockXRefDepend
                                              double sy, double sz, double rotation, long columns,
                                              long rows, double columnSpacing, double rowSpacing,
                                              long handle);
+
+/// A hatch over a boundary (see `CEntHatch`), with the pattern's scale and its angle in
+/// radians. Its block, named by `getHatchName`, is in the block table. The pattern must
+/// live as long as the drawing: one of the catalogue or of `CData::getHatchTypeTable`.
+/// Null, with nothing left behind, when the lines cannot be generated (`createHatch`).
+VEK0_API CEntHatch* createEntHatch(CData& data, CLayer* layer, CLtype* ltype, short color,
+                                   const HATCH_TYPE& type, double scale, double rotate,
+                                   const std::vector<PNT_3D>& boundary, long handle);
+VEK0_API CEntHatch* createEntHatch(CData& data, const HATCH_TYPE& type, double scale, double rotate,
+                                   const std::vector<PNT_3D>& boundary, long handle);
 
 /// Flags as in `CEnt3DFace`.
 VEK0_API CEnt3DFace* createEnt3DFace(const CData& data, CLayer* layer, CLtype* ltype, short color,

@@ -40,6 +40,10 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   void createBlockXRef(const zim::WString& name, const zim::WString& path, const PNT_3D& base,
                        long flags) override;
   CBlock* createBlockHurried(const zim::WString& name, long flags) override;
+  CEntHatch* createHatch(CLayer* layer, CLtype* ltype, short colour, const HATCH_TYPE& type,
+                         double scale, double rotate, const std::vector<PNT_3D>& boundary,
+                         long handle) override;
+  CHatchTypeTable& getHatchTypeTable() override;
 
   void add(CEnt* ent) override;
   CLtype* getLtype(const zim::WString& name) override;
@@ -84,6 +88,10 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   /// Takes a block out of the drawing and deletes it; nothing may insert it.
   void dropBlock(CBlock& block);
 
+  /// Gives the name up to a block of the file if a hatch read before has taken it for
+  /// its generated lines.
+  void freeHatchName(const zim::WString& name);
+
   /// Deletes entities that found no place.
   static void discard(std::list<CEnt*>& entities);
   void note(const char* code, const zim::WString& sample) const;
@@ -111,6 +119,7 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   // References that only the names of dependent items speak of. As long as no block
   // entry declares one, an ordinary block of that name comes first.
   std::unordered_set<const CBlockXRef*> m_announcedXRefs;
+  std::unordered_set<const CBlock*> m_hatchBlocks;  // generated while reading
   std::vector<Placeholder> m_placeholders;
   std::unordered_map<const CBlock*, std::size_t> m_placeholderIndex;
 };

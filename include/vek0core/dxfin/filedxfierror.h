@@ -29,7 +29,7 @@ class VEK0_API CFileDXFIError {
     LtypeNotFound = 17,       ///< a layer names it
     FontNotFound = 18,        ///< a text style names it
     NewerVersion = 19,        ///< than the reader supports
-    InconsistentRecord = 20,  ///< of a light-weight polyline or a linetype element
+    InconsistentRecord = 20,  ///< of a hatch, a light-weight polyline or a linetype element
   };
 
   /// No error, no file.

@@ -31,6 +31,10 @@ struct CFileDXFIPolicy {
 ///   mesh incomplete       faces whose vertices the file does not hold are missing
 ///   arcs straightened     arcs of fitted curves became chords, there were too many
 ///   curve without frame   a curve without control points became a plain polyline
+///   hatch empty           a hatch's lines could not be generated; its boundary is kept
+///   hatch open            a loop of a hatch was closed by a straight line
+///   hatch islands         too many loops: some inner ones count that should not
+///   hatch dropped         a hatch without a loop that bounds an area
 ///   shape dropped         a linetype element of a shape left its gap only
 ///   block undefined       a block that is inserted and never defined is empty
 ///   block kept            the drawing's block won over the file's

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <list>
+#include <vector>
 
 #include "vek0core/export.h"
 #include "zim0lang/wstring.h"
@@ -12,6 +13,8 @@ class CBlockXRefDepend;
 class CDataVariables;
 class CEnt;
 class CEntFactory;
+class CEntHatch;
+class CHatchTypeTable;
 class CLayer;
 class CLtype;
 class CLtypeByLayer;
@@ -20,6 +23,7 @@ class CStyle;
 class ICADFont;
 class IHandleGestor;
 class PNT_3D;
+struct HATCH_TYPE;
 
 /// What the DXF parser asks of the place that a file is read into ("semantor":
 /// it gives parsed records their meaning). The parser never touches a drawing
@@ -79,6 +83,15 @@ class VEK0_API IFileDXFISemantor {
   /// An empty block for an insert whose block is not defined yet; null when it
   /// cannot be made.
   virtual CBlock* createBlockHurried(const zim::WString& name, long flags) = 0;
+
+  /// A hatch with its generated block, which is in the block table; when the lines
+  /// cannot be generated the block is empty. The caller owns the hatch; null and an
+  /// error recorded when it cannot be made.
+  virtual CEntHatch* createHatch(CLayer* layer, CLtype* ltype, short colour, const HATCH_TYPE& type,
+                                 double scale, double rotate, const std::vector<PNT_3D>& boundary,
+                                 long handle) = 0;
+  /// The drawing's own hatch patterns.
+  virtual CHatchTypeTable& getHatchTypeTable() = 0;
 
   /// Takes an entity of model space.
   virtual void add(CEnt* ent) = 0;

@@ -69,17 +69,17 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   struct TextRecord;
 
   bool isReady() const;
-  void begin(const char* kind, const CEnt& ent);
-  void def_visit(const CEnt& ent);
+  long begin(const char* kind, const CEnt& ent);
+  long def_visit(const CEnt& ent);
   void txt_visit(const TextRecord& text, long stringCode, long verticalCode);
-  void insert_visit(const CEntInsertBase& ent);
+  long insert_visit(const CEntInsertBase& ent);
   void attribs_visit(const CEntInsertBase& ent);
   void attrib_visit(const CEntInsertBase& ent, const CEntAttrib& attrib);
   void vertex_visit(const CEnt& owner, const vek0::detail::SavedVertex& vertex);
   void seq_visit(const CEnt& owner);
   void writePoint(long index, const PNT_3D& pnt);
   void writeAngle(long code, double angleRad);
-  void writeHandle(long handle);
+  long writeHandle(long handle);
   TextRecord placed(const TEXT_3D& text) const;
   TextRecord placed(const CEntInsertBase& insert, const CEntAttrib& attrib) const;
   template <class Ent>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -78,6 +79,9 @@ class VEK0_API CBlock : public CNamedItem {
   /// Deletes all entities.
   void disposeEntities();
 
+  /// A number that no other block of the process has had.
+  std::uint64_t getSerial() const { return m_serial; }
+
   std::size_t size() const { return m_entities.size() - m_noHoles; }
   /// Entity `i` in order of addition; unchecked.
   CEnt* operator[](unsigned i) { return at(i); }
@@ -125,6 +129,7 @@ class VEK0_API CBlock : public CNamedItem {
   friend class CBlockMemento;
   class BdryWalk;
 
+  static std::uint64_t nextSerial();
   CEnt* at(std::size_t i) const;
   std::size_t firstRaw(std::size_t from) const;
   void compact() const;
@@ -135,6 +140,7 @@ class VEK0_API CBlock : public CNamedItem {
   void tellUsers();
   void dirtyInserts();
 
+  const std::uint64_t m_serial = nextSerial();
   mutable RECT_3D m_bdry;
   PNT_3D m_base;
   int m_userType = 0;

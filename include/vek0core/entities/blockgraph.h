@@ -93,6 +93,8 @@ class VEK0_API CBlockGraph {
   std::vector<CBlock*> getEdges(const CBlock& block) const;
   /// Number of blocks that have an edge to `block`.
   std::size_t getNoUsers(const CBlock& block) const;
+  /// These blocks.
+  std::vector<CBlock*> getUsers(const CBlock& block) const;
   std::size_t size() const;
 
   void clearAll();

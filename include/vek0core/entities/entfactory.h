@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "vek0core/export.h"
 #include "zim0lang/wstring.h"
 
@@ -9,6 +11,7 @@ class CBlockFactory;
 class CBlockTable;
 class CBlockXRef;
 class CBlockXRefDepend;
+class CData;
 class CEnt;
 class CEnt3DFace;
 class CEntArc;
@@ -16,6 +19,7 @@ class CEntAttdef;
 class CEntAttrib;
 class CEntCircle;
 class CEntFixedInsert;
+class CEntHatch;
 class CEntInsert;
 class CEntInsertXRef;
 class CEntLine;
@@ -30,6 +34,7 @@ class IHandleGestor;
 class LINE_3D;
 class PNT_3D;
 class TEXT_3D;
+struct HATCH_TYPE;
 
 /// Makes every entity and vertex of a drawing; a host that wants entities of its own
 /// derives a factory and overrides what it replaces.
@@ -114,6 +119,19 @@ class VEK0_API CEntFactory {
                                               long columns, long rows, double columnSpacing,
                                               double rowSpacing, long handle);
   virtual CEntInsertXRef* createEntInsertXRef(IHandleGestor& gestor, const CEntInsertXRef& src);
+
+  /// A hatch that shows `block`, which may be null; `scale` and `rotate` (radians) are
+  /// those of the pattern.
+  virtual CEntHatch* createEntHatch(IHandleGestor& gestor, CLayer* layer, CLtype* ltype,
+                                    short color, CBlock* block, const HATCH_TYPE& type,
+                                    double scale, double rotate,
+                                    const std::vector<PNT_3D>& boundary, long handle);
+  /// A hatch on a new block of that name with the generated lines, which belongs to the
+  /// caller as the hatch does; without a block when they cannot be generated.
+  virtual CEntHatch* createEntHatch(IHandleGestor& gestor, CLayer* layer, CLtype* ltype,
+                                    short color, const zim::WString& name, const HATCH_TYPE& type,
+                                    double scale, double rotate,
+                                    const std::vector<PNT_3D>& boundary, CData& data, long handle);
 
   /// `flags` as in `CEnt3DFace`.
   virtual CEnt3DFace* createEnt3DFace(IHandleGestor& gestor, CLayer* layer, CLtype* ltype,

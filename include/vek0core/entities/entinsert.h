@@ -69,6 +69,11 @@ class VEK0_API CEntInsertBase : public CEnt {
   /// A copy whose attributes are made by the factory.
   CEntInsertBase(IHandleGestor& gestor, CEntFactory& factory, const CEntInsertBase& src,
                  long handle);
+  /// A copy that shows another block and has no attributes.
+  CEntInsertBase(const CEntInsertBase& src, CBlock* block, long handle);
+
+  /// Shows another block; counts move only while the insert is registered.
+  void replaceBlock(CBlock* block);
 
   /// Computes the extents for that pixel size.
   void DoCalcBdry(double pixelSize, RECT_3D& box) const;

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "vek0core/dxfin/filedxfilexer.h"
+#include "vek0core/geometry/pnt.h"
+#include "vek0core/hatch/hatchtypetable.h"
+#include "zim0lang/wstring.h"
+
+namespace vek0::detail {
+
+/// The extended data of an INSERT record, which says that it stands for a hatch.
+///
+/// The layout is the one that `CFileDXFOVisitor` writes; anything else is other
+/// programs' data and leaves the insert what it is.
+class HatchData {
+ public:
+  void clear() {
+    m_pairs.clear();
+    m_state = Empty;
+  }
+  /// Takes the current pair, whose code is 1000 or above; false when it is none of a
+  /// hatch's.
+  bool take(const CFileDXFILexer& lexer);
+
+  /// Whether the data claims to be a hatch.
+  bool claimsHatch() const { return m_pairs.size() > 1; }
+  /// Takes the data apart; false, with all outputs undefined, when it departs from the
+  /// layout anywhere. Patterns that are not in the catalogue go into `types`.
+  bool parse(CHatchTypeTable& types);
+
+  const HATCH_TYPE* type = nullptr;
+  double scale = 1, angleRad = 0;
+  std::vector<std::vector<PNT_3D>> rings;
+
+ private:
+  struct Pair {
+    long code;
+    double real;
+    long integer;
+    zim::WString text;
+  };
+
+  enum State { Empty, Named, Open, Over };
+
+  static State stateAfter(State state, const Pair& pair);
+  bool has(long code) const { return m_next < m_pairs.size() && m_pairs[m_next].code == code; }
+  bool takeText(zim::WString& text);
+  bool takeText(long code, std::u16string_view text);
+  bool takeInteger(long code, long& value);
+  bool takeReal(double& value);
+  bool takePoint(long code, PNT_3D& pnt);
+  bool parseHead(zim::WString& name);
+  bool parseRing(std::vector<PNT_3D>& ring);
+  bool parseFamily(HATCH_LINE& line);
+  bool parseFamilies(std::vector<HATCH_LINE>& lines);
+
+  State m_state = Empty;
+  std::vector<Pair> m_pairs;
+  std::size_t m_next = 0;
+};
+
+}  // namespace vek0::detail

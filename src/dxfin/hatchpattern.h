@@ -1,0 +1,48 @@
+#pragma once
+
+#include <vector>
+
+#include "vek0core/hatch/hatchtypetable.h"
+#include "zim0lang/wstring.h"
+
+namespace vek0::detail {
+
+/// One line of a HATCH record's pattern definition: absolute angle in degrees, base
+/// point and offset in drawing units, scaled and turned, dashes in drawing units.
+struct PatternLine {
+  double angleDeg = 0;
+  double base[2] = {0, 0};
+  double offset[2] = {0, 0};
+  std::vector<double> dashes;
+};
+
+/// What a HATCH record says about its pattern.
+struct PatternRecord {
+  /// Values of code 76.
+  enum Kind : long { UserDefined = 0, Predefined = 1, Custom = 2 };
+
+  zim::WString name;
+  bool solid = false;
+  bool crossed = false;  ///< user-defined: a second family at right angles
+  long kind = Predefined;
+  double scale = 1;  ///< of a user-defined pattern: its spacing
+  double angleRad = 0;
+  std::vector<PatternLine> lines;
+};
+
+/// A pattern as a drawing knows it.
+struct Pattern {
+  const HATCH_TYPE* type;
+  double scale;
+};
+
+/// The pattern that the record speaks of, taken back to the size and angle that it has
+/// by itself.
+///
+/// A catalogue pattern of that name is meant only if it has the same lines, up to one
+/// factor that goes into the scale: files in millimetres carry the inch patterns 25.4
+/// times as large under the same names. Otherwise the record's own lines are kept in
+/// `types`. A name that nothing is known about gives a pattern without lines.
+Pattern findPattern(const PatternRecord& record, CHatchTypeTable& types);
+
+}  // namespace vek0::detail

@@ -1,0 +1,237 @@
+#include "dxfin/hatchreader.h"
+
+#include "vek0core/entities/enthatch.h"
+#include "vek0core/hatch/boundary.h"
+
+namespace vek0::detail {
+namespace {
+
+// The counted groups, by the code of their count.
+constexpr long kPatternLines = 78, kLoops = 91, kSeeds = 98;
+// Kinds of loops and of edges.
+constexpr long kPolylineLoop = 2;
+constexpr long kLine = 1, kArc = 2, kEllipse = 3, kSpline = 4;
+
+}  // namespace
+
+EntPtr HatchReader::read() {
+  static constexpr RecordKind kind({2, 30, 41, 52, 70, 75, 76, 77}, {8});
+  static constexpr CodeSet groups{kPatternLines, kLoops, kSeeds};
+  m_lines.clear();
+  m_rings.clear();
+  if (!m_in.read(kind, groups, 2, [this](long code) { takeGroup(code); })) return nullptr;
+  return build();
+}
+
+void HatchReader::takeGroup(long code) {
+  if (code == kPatternLines) return readPatternLines();
+  if (code == kLoops) return readLoops();
+  readSeeds();
+}
+
+bool HatchReader::expect(long code) {
+  const long found = m_in.next();
+  if (!m_in.failed() && found != code) m_in.fail(CFileDXFIError::InconsistentRecord);
+  return !m_in.failed();
+}
+
+bool HatchReader::takeReal(long code, double& value) {
+  if (!expect(code)) return false;
+  value = m_in.lexer().getDouble();
+  return !m_in.failed();
+}
+
+bool HatchReader::takeInteger(long code, long& value) {
+  if (!expect(code)) return false;
+  value = m_in.lexer().getInt();
+  return !m_in.failed();
+}
+
+bool HatchReader::takePoint(long code, PNT_3D& pnt) {
+  pnt.z = 0;
+  return takeReal(code, pnt.x) && takeReal(code + 10, pnt.y);
+}
+
+// -- pattern -------------------------------------------------------------------
+
+void HatchReader::readPatternLines() {
+  for (long count = m_in.lexer().getInt(); count > 0 && readPatternLine(); --count) {
+  }
+}
+
+bool HatchReader::readPatternLine() {
+  PatternLine line;
+  long noDashes;
+  if (!takeReal(53, line.angleDeg) || !takeReal(43, line.base[0]) || !takeReal(44, line.base[1]) ||
+      !takeReal(45, line.offset[0]) || !takeReal(46, line.offset[1]) || !takeInteger(79, noDashes))
+    return false;
+  for (; noDashes > 0; --noDashes) {
+    line.dashes.push_back(0);
+    if (!takeReal(49, line.dashes.back())) return false;
+  }
+  m_lines.push_back(std::move(line));
+  return true;
+}
+
+// -- boundary ------------------------------------------------------------------
+
+void HatchReader::readLoops() {
+  for (long count = m_in.lexer().getInt(); count > 0; --count) {
+    if (!readLoop()) return;
+    if (!m_loop.empty() && !m_loop.build(m_rings)) m_in.note("hatch open");
+  }
+}
+
+bool HatchReader::readLoop() {
+  long flags, count;
+  if (!takeInteger(92, flags)) return false;
+  if ((flags & kPolylineLoop) != 0) return readPolylineLoop() && skipSources();
+  if (!takeInteger(93, count)) return false;
+  for (; count > 0; --count)
+    if (!readEdge()) return false;
+  return skipSources();
+}
+
+bool HatchReader::readPolylineLoop() {
+  long bulged, closed, count;
+  if (!takeInteger(72, bulged) || !takeInteger(73, closed) || !takeInteger(93, count)) return false;
+  std::vector<PNT_3D> points;
+  std::vector<double> bulges;
+  for (; count > 0; --count) {
+    points.emplace_back();
+    if (!takePoint(10, points.back())) return false;
+    if (bulged == 0) continue;
+    bulges.push_back(0);
+    if (!takeReal(42, bulges.back())) return false;
+  }
+  m_loop.addPolyline(points, bulges, closed != 0);
+  return true;
+}
+
+bool HatchReader::readEdge() {
+  long type;
+  if (!takeInteger(72, type)) return false;
+  switch (type) {
+    case kLine:
+      return readLine();
+    case kArc:
+      return readArc();
+    case kEllipse:
+      return readEllipse();
+    case kSpline:
+      return readSpline();
+    default:
+      m_in.fail(CFileDXFIError::InconsistentRecord);
+      return false;
+  }
+}
+
+bool HatchReader::readLine() {
+  PNT_3D from, to;
+  if (!takePoint(10, from) || !takePoint(11, to)) return false;
+  m_loop.addLine(from, to);
+  return true;
+}
+
+bool HatchReader::readArc() {
+  PNT_3D center;
+  double radius, start, end;
+  long ccw;
+  if (!takePoint(10, center) || !takeReal(40, radius) || !takeReal(50, start) ||
+      !takeReal(51, end) || !takeInteger(73, ccw))
+    return false;
+  m_loop.addArc(center, radius, start * kRadPerDegree, end * kRadPerDegree, ccw != 0);
+  return true;
+}
+
+bool HatchReader::readEllipse() {
+  PNT_3D center, major;
+  double ratio, start, end;
+  long ccw;
+  if (!takePoint(10, center) || !takePoint(11, major) || !takeReal(40, ratio) ||
+      !takeReal(50, start) || !takeReal(51, end) || !takeInteger(73, ccw))
+    return false;
+  m_loop.addEllipse(center, major, ratio, start * kRadPerDegree, end * kRadPerDegree, ccw != 0);
+  return true;
+}
+
+bool HatchReader::readSpline() {
+  SPLINE_3D spline;
+  long degree, rational, periodic, noKnots, noControls;
+  if (!takeInteger(94, degree) || !takeInteger(73, rational) || !takeInteger(74, periodic) ||
+      !takeInteger(95, noKnots) || !takeInteger(96, noControls))
+    return false;
+  spline.degree = static_cast<int>(degree);
+  for (; noKnots > 0; --noKnots) {
+    spline.knots.push_back(0);
+    if (!takeReal(40, spline.knots.back())) return false;
+  }
+  if (!readControls(spline, noControls, rational != 0)) return false;
+  m_loop.addSpline(spline);
+  return true;
+}
+
+bool HatchReader::readControls(SPLINE_3D& spline, long noControls, bool rational) {
+  for (; noControls > 0; --noControls) {
+    spline.controls.emplace_back();
+    if (!takePoint(10, spline.controls.back())) return false;
+    if (!rational) continue;
+    spline.weights.push_back(1);
+    if (!takeReal(42, spline.weights.back())) return false;
+  }
+  return true;
+}
+
+// The entities that the loop was made of; not every program writes their number.
+bool HatchReader::skipSources() {
+  const long code = m_in.next();
+  if (code == 10 || code == 20) m_in.fail(CFileDXFIError::InconsistentRecord);
+  if (code != 97 || m_in.failed()) {
+    m_in.putBack();
+    return !m_in.failed();
+  }
+  for (long count = m_in.lexer().getInt(); count > 0 && !m_in.failed(); --count)
+    if (!expect(330)) return false;
+  return !m_in.failed();
+}
+
+void HatchReader::readSeeds() {
+  PNT_3D seed;
+  for (long count = m_in.lexer().getInt(); count > 0 && takePoint(10, seed); --count) {
+  }
+}
+
+// -- the hatch -----------------------------------------------------------------
+
+PatternRecord HatchReader::patternRecord() const {
+  const Record& r = m_in.record();
+  PatternRecord pattern;
+  pattern.name = r.text(2);
+  pattern.solid = r.integer(70) != 0;
+  pattern.crossed = r.integer(77) != 0;
+  pattern.kind = r.integer(76, PatternRecord::Predefined);
+  if (r.real(41) > 0) pattern.scale = r.real(41);
+  pattern.angleRad = r.real(52) * kRadPerDegree;
+  pattern.lines = m_lines;
+  return pattern;
+}
+
+EntPtr HatchReader::build() {
+  const Record& r = m_in.record();
+  const long style = r.integer(75);
+  if ((style == 1 || style == 2) && !applyHatchStyle(m_rings, static_cast<HatchStyle>(style)))
+    m_in.note("hatch islands");
+  if (m_rings.empty()) {
+    m_in.note("hatch dropped");
+    return nullptr;
+  }
+  for (HATCH_RING& ring : m_rings)
+    for (PNT_3D& pnt : ring) pnt.z = r.real(30);
+  IFileDXFISemantor& semantor = m_in.context().semantor;
+  const PatternRecord record = patternRecord();
+  const Pattern pattern = findPattern(record, semantor.getHatchTypeTable());
+  return EntPtr(semantor.createHatch(r.layer, r.ltype, r.color, *pattern.type, pattern.scale,
+                                     record.angleRad, joinHatchRings(m_rings), r.handle));
+}
+
+}  // namespace vek0::detail

@@ -1,0 +1,134 @@
+#include "dxfout/hatchdata.h"
+
+#include <algorithm>
+#include <limits>
+#include <vector>
+
+#include "dxfout/savefilter.h"
+#include "vek0core/dxfout/filedxfowriter.h"
+#include "vek0core/entities/block.h"
+#include "vek0core/entities/enthatch.h"
+#include "vek0core/entities/entline.h"
+#include "vek0core/hatch/boundary.h"
+#include "vek0core/hatch/catalogue.h"
+
+namespace vek0::detail {
+namespace {
+
+constexpr long kText = 1000, kApplication = 1001, kBrace = 1002;
+constexpr long kPoint = 1010, kDirection = 1011, kReal = 1040;
+constexpr long kShort = 1070, kLong = 1071;
+constexpr long kVersion = 19, kEvenOdd = 0, kPolylineRing = 2;
+
+long shortOf(std::size_t count) {
+  constexpr std::size_t most = std::numeric_limits<std::int16_t>::max();
+  return static_cast<long>(std::min(count, most));
+}
+
+class HatchDataWriter {
+ public:
+  HatchDataWriter(CFileDXFOWriter& writer, const CEntHatch& hatch, bool flatten)
+      : m_writer(writer),
+        m_hatch(hatch),
+        m_flatten(flatten),
+        m_z(flatten ? 0 : hatch.getPnt(0).z) {}
+
+  void write(long handle) {
+    const std::vector<HatchRing> rings = hatchRings(m_hatch.getBoundary());
+    writeHead();
+    text("ASC_BOUNDS");
+    m_writer.write(kShort, shortOf(rings.size() + 1));
+    m_writer.write(kShort, 0L);
+    text("ASC_SEEDPOINT");
+    point(kPoint, seed());
+    text("R14_HATCH_DATA");
+    m_writer.writeHex(kText, handle);
+    point(kPoint, {0, 0, m_z});
+    point(kDirection, {0, 0, 1});
+    m_writer.write(kShort, kEvenOdd);
+    m_writer.write(kLong, static_cast<long>(rings.size()));
+    for (const HatchRing& ring : rings) writeRing(ring);
+    if (getHatch(m_hatch.getHatchType()) < 0) writePatternLines();
+    m_writer.writeEncoded(kBrace, "}");
+  }
+
+ private:
+  void text(const char* value) { m_writer.writeEncoded(kText, value); }
+  void point(long code, const PNT_3D& pnt) {
+    m_writer.write(code, pnt.x);
+    m_writer.write(code + 10, pnt.y);
+    m_writer.write(code + 20, pnt.z);
+  }
+
+  void writeHead() {
+    m_writer.writeEncoded(kApplication, "ACAD");
+    text("HATCH");
+    m_writer.writeEncoded(kBrace, "{");
+    m_writer.write(kShort, kVersion);
+    m_writer.writeText(kText, zim::WString(m_hatch.getHatchType().name));
+    m_writer.write(kReal, m_hatch.getHatchScale());
+    m_writer.write(kReal, m_hatch.getHatchRotate());
+  }
+
+  // A point inside: the middle of the first line, else a vertex.
+  PNT_3D seed() const {
+    PNT_3D pnt = m_hatch.getPnt(0);
+    const CBlock* block = m_hatch.getBlock();
+    if (block && block->size() > 0 && (*block)[0]->getType() == CEntLine::kType) {
+      const LINE_3D& line = static_cast<const CEntLine&>(*(*block)[0]).getLine();
+      pnt.set((line.p1.x + line.p2.x) / 2, (line.p1.y + line.p2.y) / 2, 0);
+    }
+    pnt.z = m_z;
+    return pnt;
+  }
+
+  void writeRing(const HatchRing& ring) {
+    m_writer.write(kShort, kPolylineRing);
+    m_writer.write(kReal, m_z);
+    m_writer.write(kLong, static_cast<long>(ring.count) - 1);
+    for (std::size_t i = ring.first; i < ring.first + ring.count; ++i) {
+      const PNT_3D& pnt = m_hatch.getBoundary()[i];
+      point(kPoint, {pnt.x, pnt.y, m_flatten ? 0 : pnt.z});
+    }
+  }
+
+  void writePatternLines() {
+    const HATCH_TYPE& type = m_hatch.getHatchType();
+    text("PATTERN_LINES");
+    m_writer.write(kLong, static_cast<long>(type.numLines));
+    for (const HATCH_LINE* line = type.lines; line != type.lines + type.numLines; ++line) {
+      m_writer.write(kReal, line->angle);
+      point(kPoint, {line->x0, line->y0, 0});
+      point(kDirection, {line->dx, line->dy, 0});
+      m_writer.write(kShort, static_cast<long>(line->numDash));
+      for (int i = 0; i < line->numDash; ++i) m_writer.write(kReal, line->dash[i]);
+    }
+  }
+
+  CFileDXFOWriter& m_writer;
+  const CEntHatch& m_hatch;
+  bool m_flatten;
+  double m_z;
+};
+
+bool isFiniteLine(const HATCH_LINE& line) {
+  return isFinite(line.angle, 0) && isFinite(line.x0, line.y0) && isFinite(line.dx, line.dy) &&
+         std::all_of(line.dash, line.dash + line.numDash, [](double d) { return isFinite(d, 0); });
+}
+
+}  // namespace
+
+bool hasHatchData(const CEntHatch& hatch) {
+  const std::vector<PNT_3D>& boundary = hatch.getBoundary();
+  const HATCH_TYPE& type = hatch.getHatchType();
+  return boundary.size() >= 3 && isFinite(hatch.getHatchScale(), hatch.getHatchRotate()) &&
+         std::all_of(boundary.begin(), boundary.end(),
+                     [](const PNT_3D& pnt) { return isFinite(pnt); }) &&
+         std::all_of(type.lines, type.lines + type.numLines, isFiniteLine);
+}
+
+void writeHatchData(CFileDXFOWriter& writer, const CEntHatch& hatch, long handle, bool flatten) {
+  HatchDataWriter(writer, hatch, flatten).write(handle);
+}
+
+}  // namespace vek0::detail

@@ -1,0 +1,111 @@
+// From a boundary and a pattern to the block that shows the hatch.
+#include <atomic>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "vek0core/drawing/data.h"
+#include "vek0core/entities/block.h"
+#include "vek0core/entities/blockfactory.h"
+#include "vek0core/entities/blocktable.h"
+#include "vek0core/entities/ent3dface.h"
+#include "vek0core/entities/entfactory.h"
+#include "vek0core/entities/enthatch.h"
+#include "vek0core/entities/entline.h"
+#include "vek0core/entities/entpnt.h"
+#include "vek0core/geometry/line.h"
+#include "vek0core/hatch/fill.h"
+#include "vek0core/hatch/triangulate.h"
+
+namespace {
+
+constexpr long kAnonymous = 1;
+constexpr short kByBlock = 0;
+constexpr long kAllEdgesHidden = 15;
+
+std::atomic<HatchMessageHandler> g_handler{nullptr};
+
+const zim::Char* messageOf(HatchStatus status) {
+  switch (status) {
+    case HatchStatus::BadBoundary:
+      return u"The boundary of the hatch has coordinates that no line can be clipped at.";
+    case HatchStatus::TooDense:
+      return u"The hatch is too dense for its boundary.";
+    default:
+      return u"The hatch's pattern, scale or angle makes no lines.";
+  }
+}
+
+// Puts what a pattern draws into a block.
+class BlockSink final : public IHatchSink {
+ public:
+  BlockSink(CData& data, CBlock& block) : m_data(data), m_block(block) {}
+
+  void line(const PNT_3D& from, const PNT_3D& to) override {
+    keep(factory().createEntLine(gestor(), layer(), ltype(), kByBlock, LINE_3D(from, to), 0));
+  }
+  void dot(const PNT_3D& at) override {
+    keep(factory().createEntPnt(gestor(), layer(), ltype(), kByBlock, at, 0));
+  }
+  void face(const HatchFace& f) {
+    keep(factory().createEnt3DFace(gestor(), layer(), ltype(), kByBlock, f.p[0], f.p[1], f.p[2],
+                                   f.p[3], kAllEdgesHidden, 0));
+  }
+
+ private:
+  CEntFactory& factory() const { return m_data.getEntFactory(); }
+  IHandleGestor& gestor() const { return m_data.getHandleGestor(); }
+  CLayer* layer() const { return &m_data.getLayer0(); }
+  CLtype* ltype() const { return &m_data.getLtypeContinuous(); }
+
+  void keep(CEnt* made) {
+    std::unique_ptr<CEnt> ent(made);
+    if (!ent) throw std::bad_alloc();
+    m_block.restore(ent.get());
+    static_cast<void>(ent.release());  // not before the block has it
+  }
+
+  CData& m_data;
+  CBlock& m_block;
+};
+
+HatchStatus fill(const HATCH_TYPE& type, double scale, double rotate,
+                 const std::vector<PNT_3D>& boundary, CData& data, CBlock& block) {
+  BlockSink sink(data, block);
+  if (!isSolid(type)) return fillHatch(type, scale, rotate, boundary, data.getHatchLimit(), sink);
+  std::vector<HatchFace> faces;
+  const HatchStatus status = fillSolid(boundary, data.getHatchLimit(), faces);
+  for (const HatchFace& face : faces) sink.face(face);
+  return status;
+}
+
+}  // namespace
+
+HatchMessageHandler setHatchMessageHandler(HatchMessageHandler handler) {
+  return g_handler.exchange(handler);
+}
+
+zim::WString getHatchName(const CBlockTable& table) {
+  const zim::WString prefix(u"*PAT");
+  return prefix + zim::WString::fromUtf8(std::to_string(table.getProgNum(prefix)));
+}
+
+bool isHatchName(const zim::WString& name) {
+  const std::u16string_view prefix = u"*PAT", text = name;
+  if (text.substr(0, prefix.size()) != prefix) return false;
+  const std::u16string_view number = text.substr(prefix.size());
+  return !number.empty() && number.find_first_not_of(u"0123456789") == std::u16string_view::npos;
+}
+
+CBlock* createHatch(const zim::WString& name, const HATCH_TYPE& type, double scale, double rotate,
+                    const std::vector<PNT_3D>& boundary, CData& data) {
+  try {
+    std::unique_ptr<CBlock> block(data.getBlockFactory().create(name, PNT_3D(0, 0, 0), kAnonymous));
+    if (!block) return nullptr;
+    const HatchStatus status = fill(type, scale, rotate, boundary, data, *block);
+    if (status == HatchStatus::Done) return block.release();
+    if (const HatchMessageHandler handler = g_handler) handler(type, messageOf(status));
+  } catch (const std::bad_alloc&) {
+  }
+  return nullptr;
+}

@@ -1,0 +1,171 @@
+#include "vek0core/entities/enthatch.h"
+
+#include <utility>
+
+#include "entities/newornull.h"
+#include "vek0core/drawing/data.h"
+#include "vek0core/entities/block.h"
+#include "vek0core/entities/blockfactory.h"
+#include "vek0core/entities/blocktable.h"
+#include "vek0core/entities/entfactory.h"
+#include "vek0core/entities/entvisitor.h"
+#include "vek0core/hatch/boundary.h"
+
+namespace {
+
+constexpr long kAnonymous = 1;
+
+}  // namespace
+
+CEntHatch::CEntHatch(long handle, CLayer* layer, CLtype* ltype, short color, CBlock* block,
+                     const HATCH_TYPE& type, double scale, double rotate,
+                     const std::vector<PNT_3D>& boundary)
+    : CEntInsertBase(handle, layer, ltype, color, block),
+      m_scale(scale),
+      m_rotate(rotate),
+      m_type(&type) {
+  _hatch_compactVertex(boundary, m_boundary);
+}
+
+CEntHatch::CEntHatch(const CEntHatch& src, CBlock* block, long handle)
+    : CEntInsertBase(src, block, handle),
+      m_scale(src.m_scale),
+      m_rotate(src.m_rotate),
+      m_boundary(src.m_boundary),
+      m_type(src.m_type) {}
+
+CEntHatch* CEntHatch::Create(long handle, CLayer* layer, CLtype* ltype, short color,
+                             const zim::WString& name, const HATCH_TYPE& type, double scale,
+                             double rotate, const std::vector<PNT_3D>& boundary, CData& data) {
+  std::unique_ptr<CBlock> block(createHatch(name, type, scale, rotate, boundary, data));
+  std::unique_ptr<CEntHatch> hatch(
+      new CEntHatch(handle, layer, ltype, color, block.get(), type, scale, rotate, boundary));
+  static_cast<void>(block.release());
+  return hatch.release();
+}
+
+void CEntHatch::accept(IEntVisitor& visitor) { visitor.visit(*this); }
+
+void CEntHatch::getInsertParams(double, PNT_3D& point, double& sx, double& sy, double& sz,
+                                double& rotation) const {
+  point.set(0, 0, 0);
+  sx = sy = sz = 1;
+  rotation = 0;
+}
+
+bool CEntHatch::redefine(CData& data, double scale, double rotate, const HATCH_TYPE& type) {
+  if (scale == m_scale && rotate == m_rotate && &type == m_type) return true;
+  return regenerate(data, scale, rotate, type, m_boundary);
+}
+
+bool CEntHatch::regenerate(CData& data, double scale, double rotate, const HATCH_TYPE& type,
+                           const std::vector<PNT_3D>& boundary) {
+  std::unique_ptr<CBlock> fresh(createHatch({}, type, scale, rotate, boundary, data));
+  if (!fresh) return false;
+  CBlockTable& table = data.getBlockTable();
+  CBlock* old = getBlock();
+  std::vector<CBlock*> users;
+  if (old) users = table.getBlockGraph().getUsers(*old);
+  replaceBlock(fresh.get());
+  if (old && old->getEntities() <= 0) {  // else an insert shows it too
+    table.remove(old);
+    delete old;
+  }
+  fresh->setName(getHatchName(table));
+  table.add(fresh.release());
+  for (CBlock* user : users) table.updateBlock(user);
+  m_scale = scale;
+  m_rotate = rotate;
+  m_type = &type;
+  if (&boundary != &m_boundary) m_boundary = boundary;
+  calcBdry();
+  return true;
+}
+
+CEnt* CEntHatch::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
+                       CBlockTable& blockTable, long handle) const {
+  std::unique_ptr<CBlock> block(
+      blockFactory.create(getHatchName(blockTable), PNT_3D(0, 0, 0), kAnonymous));
+  if (!block) return nullptr;
+  if (const CBlock* own = getBlock()) {
+    for (unsigned i = 0; i < static_cast<unsigned>(own->size()); ++i) {
+      std::unique_ptr<CEnt> line(entFactory.clone(gestor, blockFactory, blockTable, *(*own)[i]));
+      if (!line) return nullptr;
+      block->restore(line.release());
+    }
+  }
+  std::unique_ptr<CEntHatch> copy(new CEntHatch(*this, block.get(), handle));
+  blockTable.add(block.get());
+  static_cast<void>(block.release());  // not before the table has it
+  return copy.release();
+}
+
+void CEntHatch::setMemento(CData& data, const IEntDerivedMemento* memento) {
+  const auto* state = dynamic_cast<const CEntHatchMemento*>(memento);
+  if (!state) return;
+  if (!state->showsSameBlock(*this)) {
+    regenerate(data, state->m_scale, state->m_rotate, *state->m_type, state->m_boundary);
+    return;
+  }
+  m_scale = state->m_scale;
+  m_rotate = state->m_rotate;
+  m_type = state->m_type;
+  m_boundary = state->m_boundary;
+  if (CBlock* block = getBlock()) {
+    for (unsigned i = 0; i < state->m_lines.size(); ++i)
+      (*block)[i]->setMemento(data, state->m_lines[i].state.get());
+    block->invalidateBdry();
+  }
+  calcBdry();
+}
+
+IEntDerivedMemento* CEntHatch::createDerivedMemento() const {
+  return vek0::detail::newOrNull<CEntHatchMemento>(*this);
+}
+
+CEntHatchMemento::CEntHatchMemento(const CEntHatch& ent)
+    : m_scale(ent.m_scale),
+      m_rotate(ent.m_rotate),
+      m_type(ent.m_type),
+      m_boundary(ent.m_boundary),
+      m_serial(0) {
+  const CBlock* block = ent.getBlock();
+  if (!block) return;
+  m_serial = block->getSerial();
+  m_lines.reserve(block->size());
+  for (unsigned i = 0; i < static_cast<unsigned>(block->size()); ++i) {
+    const CEnt& line = *(*block)[i];
+    m_lines.push_back(
+        {line.getType(), std::unique_ptr<IEntDerivedMemento>(line.createDerivedMemento())});
+    if (!m_lines.back().state) throw std::bad_alloc();
+  }
+}
+
+CEntHatchMemento::~CEntHatchMemento() = default;
+
+// A pointer would not tell: another block may have come to stand at the same address.
+bool CEntHatchMemento::showsSameBlock(const CEntHatch& hatch) const {
+  const CBlock* block = hatch.getBlock();
+  if (!block) return m_serial == 0;
+  if (block->getSerial() != m_serial || block->size() != m_lines.size()) return false;
+  for (unsigned i = 0; i < m_lines.size(); ++i)
+    if ((*block)[i]->getType() != m_lines[i].type) return false;
+  return true;
+}
+
+bool CEntHatchMemento::operator==(const CEnt& ent) const {
+  if (ent.getType() != CEntHatch::kType) return false;
+  const auto& hatch = static_cast<const CEntHatch&>(ent);
+  if (hatch.m_scale != m_scale || hatch.m_rotate != m_rotate || hatch.m_type != m_type ||
+      hatch.m_boundary != m_boundary || !showsSameBlock(hatch))
+    return false;
+  for (unsigned i = 0; i < m_lines.size(); ++i)
+    if (!(*m_lines[i].state == *(*hatch.getBlock())[i])) return false;
+  return true;
+}
+
+std::size_t CEntHatchMemento::size() const {
+  std::size_t bytes = sizeof *this + m_boundary.size() * sizeof(PNT_3D);
+  for (const Line& line : m_lines) bytes += sizeof line + line.state->size();
+  return bytes;
+}
