@@ -44,6 +44,25 @@ class Text {
     pair(2, block);
     point();
   }
+  // A square of 1.7 by lines 0.125 apart.
+  void hatch(const std::string& layer) {
+    constexpr double side = 1.7;
+    const double x = coordinate(), y = coordinate();
+    entity("HATCH", layer);
+    pair(2, "ANSI31");
+    pair(91, "1");
+    pair(92, "3");
+    pair(72, "0");
+    pair(73, "1");
+    pair(93, "4");
+    for (int corner = 0; corner < 4; ++corner) {
+      real(10, x + (corner == 1 || corner == 2 ? side : 0));
+      real(20, y + (corner >= 2 ? side : 0));
+    }
+    pair(97, "0");
+    pair(76, "1");
+    real(41, 1);
+  }
   void begin(const char* section) {
     pair(0, "SECTION");
     pair(2, section);
@@ -151,6 +170,18 @@ std::string layerText(int count) {
   Text text;
   text.begin("ENTITIES");
   for (int i = 0; i < count; ++i) text.line(layerName(i));
+  text.end();
+  return text.finish();
+}
+
+std::string hatchText(int count) {
+  Text text;
+  text.begin("HEADER");
+  text.pair(9, "$ACADVER");
+  text.pair(1, "AC1015");
+  text.end();
+  text.begin("ENTITIES");
+  for (int i = 0; i < count; ++i) text.hatch(layerName(text.below(50)));
   text.end();
   return text.finish();
 }

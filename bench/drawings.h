@@ -25,6 +25,9 @@ std::string blockText(int count);
 /// `count` layers, each used by one line: wiring catalogues and map exports.
 std::string layerText(int count);
 
+/// `count` hatches of 2000's format, squares of about twenty lines each: land use maps.
+std::string hatchText(int count);
+
 /// Loads `text` into a new drawing; null when that fails.
 Drawing load(const std::string& text);
 

@@ -42,6 +42,11 @@ void BM_LoadLayers(benchmark::State& state) {
 }
 BENCHMARK(BM_LoadLayers)->Arg(20000)->Arg(80000)->Arg(320000)->Unit(benchmark::kMillisecond);
 
+void BM_LoadHatches(benchmark::State& state) {
+  loadText(state, vek0::bench::hatchText(static_cast<int>(state.range(0))));
+}
+BENCHMARK(BM_LoadHatches)->Arg(1000)->Arg(20000)->Unit(benchmark::kMillisecond);
+
 void save(benchmark::State& state, unsigned flags) {
   const Drawing drawing =
       vek0::bench::load(vek0::bench::mixedText(static_cast<int>(state.range(0))));

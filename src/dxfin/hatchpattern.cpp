@@ -127,8 +127,8 @@ Pattern findPattern(const PatternRecord& record, CHatchTypeTable& types) {
     return {named ? named : &types.intern(record.name, {}), record.scale};
   }
   const std::vector<HATCH_LINE> lines = ownLines(record);
-  if (const double factor = named ? factorOf(lines, *named) : 0)
-    return {named, record.scale * factor};
+  const double factor = named ? factorOf(lines, *named) : 0;
+  if (factor > 0) return {named, record.scale * factor};
   return {&types.intern(record.name, lines), record.scale};
 }
 

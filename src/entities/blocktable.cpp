@@ -1,6 +1,7 @@
 #include "vek0core/entities/blocktable.h"
 
 #include <new>
+#include <vector>
 
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/entinsert.h"
@@ -17,14 +18,27 @@ std::list<CBlock*> insertedBlocks(const std::list<CEnt*>& entities) {
   return blocks;
 }
 
-// A deleted block leaves its table and graph by itself.
-class Destroy final : public IBlockOperation {
+class Collect final : public IBlockOperation {
  public:
   int doOperation(CBlock& block) override {
-    delete &block;
+    blocks.push_back(&block);
     return ZORA_BLOCK_VISIT_RESULT_SUCCESS;
   }
+
+  std::vector<CBlock*> blocks;
 };
+
+// The blocks of a graph, users before what they insert; none when there is a circle or
+// no memory.
+std::vector<CBlock*> usersFirst(const CBlockGraph& graph) {
+  Collect collect;
+  try {
+    if (graph.VisitDep(collect) == ZORA_BLOCK_VISIT_RESULT_SUCCESS) return collect.blocks;
+  } catch (const std::bad_alloc&) {
+    // Any order will do then.
+  }
+  return {};
+}
 
 }  // namespace
 
@@ -90,17 +104,19 @@ void CBlockTable::recalcBdry() {
 }
 
 void CBlockTable::clearAll() {
-  if (!isView()) {
-    // All of them before the first is destroyed: an insert counts on its block.
-    for (int i = 0; i < size(); ++i) (*this)[i]->removeBlock(m_gestor);
-    Destroy destroy;
-    try {
-      m_graph->VisitDep(destroy);
-    } catch (const std::bad_alloc&) {
-      // Then, as in a cycle, the order is that of the table.
-    }
-  }
-  CNamedItemTableImp::clearAll();
+  if (isView()) return CNamedItemTableImp::clearAll();
+  // All of them before the first is destroyed: an insert counts on its block.
+  for (int i = 0; i < size(); ++i) (*this)[i]->removeBlock(m_gestor);
+  const std::vector<CBlock*> ordered = usersFirst(*m_graph);
+  // Table and graph let go of all at once: block by block, looking for its name and its
+  // edges, took half of the time of closing a drawing of many blocks.
+  std::vector<CNamedItem*> others = removeAll();
+  if (!ordered.empty())
+    std::erase_if(others,
+                  [&](CNamedItem* b) { return m_graph->contains(*static_cast<CBlock*>(b)); });
+  m_graph->clearAll();
+  for (const CBlock* block : ordered) delete block;
+  for (const CNamedItem* block : others) delete block;
 }
 
 bool CBlockTable::holds(const CBlock* block) const { return contains(block); }

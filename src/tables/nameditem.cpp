@@ -56,10 +56,13 @@ CNamedItem& CNamedItem::operator=(const CNamedItem& src) {
 }
 
 void CNamedItemTableImp::Numbers::take(int number) {
-  if (++used[number] > 1) return;
-  const auto range = std::prev(free.upper_bound(number));
+  auto range = free.upper_bound(number);
+  if (range == free.begin() || (--range)->second < number) {
+    ++repeated[number];
+    return;
+  }
   const int last = range->second;
-  if (number < last) free.emplace(number + 1, last);
+  if (number < last) free.emplace_hint(std::next(range), number + 1, last);
   if (range->first < number)
     range->second = number - 1;
   else
@@ -67,9 +70,10 @@ void CNamedItemTableImp::Numbers::take(int number) {
 }
 
 void CNamedItemTableImp::Numbers::give(int number) {
-  const auto found = used.find(number);
-  if (found == used.end() || --found->second > 0) return;
-  used.erase(found);
+  if (const auto found = repeated.find(number); found != repeated.end()) {
+    if (--found->second == 0) repeated.erase(found);
+    return;
+  }
   int first = number, last = number;
   const auto next = free.upper_bound(number);
   if (next != free.begin() && std::prev(next)->second == number - 1) first = std::prev(next)->first;
@@ -137,18 +141,21 @@ CNamedItem* CNamedItemTableImp::operator[](int i) const {
 }
 
 void CNamedItemTableImp::clearAll() {
+  // None may look for its place any more when the first is deleted.
+  for (const CNamedItem* item : removeAll()) delete item;
+}
+
+std::vector<CNamedItem*> CNamedItemTableImp::removeAll() {
   std::vector<CNamedItem*> items;
   items.swap(m_items);
   m_ranks.reset();
   m_holes = m_lookups = 0;
   m_byName.clear();
   m_numbers.clear();
-  if (m_isView) return;
-  // All of them before the first is deleted: none may look for its place any more.
-  for (CNamedItem* item : items) {
-    if (item) item->m_table = nullptr;
-  }
-  for (const CNamedItem* item : items) delete item;
+  if (m_isView) return {};
+  std::erase(items, nullptr);
+  for (CNamedItem* item : items) item->m_table = nullptr;
+  return items;
 }
 
 int CNamedItemTableImp::getProgNum(const zim::WString& prefix) const {

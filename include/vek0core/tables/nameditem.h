@@ -104,6 +104,9 @@ class VEK0_API CNamedItemTableImp {
   void add(CNamedItem* item);
   /// Takes the item out; the caller owns it from then on. Others are ignored.
   void remove(CNamedItem* item);
+  /// Takes all items out at once, for less than one by one; the caller owns them from
+  /// then on. A view only forgets them and answers none. In order.
+  std::vector<CNamedItem*> removeAll();
   /// First item added whose name equals `name`, letter case ignored; null when none
   /// does.
   CNamedItem* get(std::u16string_view name) const;
@@ -126,10 +129,11 @@ class VEK0_API CNamedItemTableImp {
     using is_transparent = void;
     bool operator()(std::u16string_view a, std::u16string_view b) const { return a == b; }
   };
-  // The numbers that follow one prefix in the names of the table: how many names have
-  // each, and the ranges from 1 on that no name has, first to last.
+  // The numbers that follow one prefix in the names of the table: the ranges from 1 on
+  // that no name has, first to last, and how many names beyond its first each has. Names
+  // seldom repeat, so numbering in sequence allocates nothing here.
   struct Numbers {
-    std::unordered_map<int, int> used;
+    std::unordered_map<int, int> repeated;
     std::map<int, int> free{
         {1, std::numeric_limits<int>::max()}
     };
