@@ -34,5 +34,6 @@ void addConvertCommand(CLI::App& app, Session& session);
 void addImportCommand(CLI::App& app, Session& session);
 void addHatchCommand(CLI::App& app, Session& session);
 void addHatchesCommand(CLI::App& app, Session& session);
+void addLinetypesCommand(CLI::App& app, Session& session);
 
 }  // namespace vek0::tool

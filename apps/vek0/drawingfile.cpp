@@ -27,17 +27,6 @@ const std::string& standardInput() {
   return bytes;
 }
 
-std::unique_ptr<IFile> openForReading(const std::string& path, bool quiet) {
-  const zim::WString name = zim::WString::fromUtf8(path);
-  if (path == "-") return std::make_unique<CFileMemory>(name, kRead, standardInput());
-  auto file = std::make_unique<CFileStdLib>(name, kRead);
-  if (quiet || !ProgressFile::visible()) return file;
-  std::error_code failure;
-  const auto size = std::filesystem::file_size(toPath(path), failure);
-  if (failure) return file;
-  return std::make_unique<ProgressFile>(std::move(file), static_cast<long long>(size), path);
-}
-
 using Reader = CFileDXFIResult (*)(CData&, IFile&, CFileDXFIError*, const CFileDXFIOptions&);
 
 ReadResult readWith(Reader reader, CData& data, const std::string& path, bool quiet) {
@@ -52,6 +41,17 @@ ReadResult readWith(Reader reader, CData& data, const std::string& path, bool qu
 }
 
 }  // namespace
+
+std::unique_ptr<IFile> openForReading(const std::string& path, bool quiet) {
+  const zim::WString name = zim::WString::fromUtf8(path);
+  if (path == "-") return std::make_unique<CFileMemory>(name, kRead, standardInput());
+  auto file = std::make_unique<CFileStdLib>(name, kRead);
+  if (quiet || !ProgressFile::visible()) return file;
+  std::error_code failure;
+  const auto size = std::filesystem::file_size(toPath(path), failure);
+  if (failure) return file;
+  return std::make_unique<ProgressFile>(std::move(file), static_cast<long long>(size), path);
+}
 
 std::string ReadResult::message() const {
   if (!opened()) return "The file cannot be opened.";

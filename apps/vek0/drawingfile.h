@@ -24,6 +24,10 @@ struct ReadResult {
 /// A new, empty drawing.
 Drawing newDrawing();
 
+/// The file `path` ("-": standard input), closed, with a progress bar for people unless
+/// `quiet`.
+std::unique_ptr<IFile> openForReading(const std::string& path, bool quiet);
+
 /// Reads `path` ("-": standard input) into an empty drawing, with a progress bar
 /// for people unless `quiet`.
 ReadResult loadFile(CData& data, const std::string& path, bool quiet);

@@ -68,6 +68,7 @@ int runTool(int argc, char** argv) {
   addImportCommand(app, session);
   addHatchCommand(app, session);
   addHatchesCommand(app, session);
+  addLinetypesCommand(app, session);
   app.footer(
       "Exit codes: 0 all well, 1 a drawing failed, 2 wrong usage, 3 an output could not be "
       "written.");

@@ -29,6 +29,7 @@
 #include "vek0core/tables/ltypedash.h"
 #include "vek0core/tables/ltypetable.h"
 #include "vek0core/tables/nameditem.h"
+#include "vek0core/tables/nameditemtable.h"
 #include "vek0core/tables/style.h"
 #include "vek0core/tables/styletable.h"
 #include "vek0core/tables/text.h"
@@ -89,3 +90,9 @@
 
 #include "vek0core/dxfout/nameacadconverter.h"
 #include "vek0core/dxfout/savedxf.h"
+
+#include "vek0core/ltypefile/addltypes.h"
+#include "vek0core/ltypefile/ltypeloader.h"
+
+#include "vek0core/view/projector.h"
+#include "vek0core/view/wndvpt.h"

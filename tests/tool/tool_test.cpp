@@ -64,6 +64,8 @@ class Tool : public testing::Test {
 };
 
 const char* const kBroken = "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n10\n1\n0\nENDSEC\n0\nEOF\n";
+const char* const kPipes =
+    ";; pipes\n*GAS,gas\nA,1,-.2,[\"GAS\",Signs,S=.1,R=-90,Y=-.05],[BOX,f.shx]\n*DRAIN\nA,2,-1\n";
 const char* const kOneLine =
     "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\nA\n10\n1\n20\n2\n11\n4\n21\n6\n0\nENDSEC\n0\nEOF\n";
 
@@ -126,26 +128,38 @@ TEST_F(Tool, CheckGoesOnAfterAFailureAndSaysWhere) {
 TEST_F(Tool, ExitCodes) {
   write("broken.dxf", kBroken);
   write("good.dxf", kOneLine);
+  write("a.lin", kPipes);
   const struct {
     const char* name;
     const char* arguments;
     int code;
   } cases[] = {
-      {"help",                      "--help",                              0},
-      {"help of a verb",            "help convert",                        0},
-      {"help of no verb",           "help bogus",                          2},
-      {"version",                   "--version",                           0},
-      {"no verb",                   "",                                    2},
-      {"unknown verb",              "infos good.dxf",                      2},
-      {"unknown option",            "info --colour good.dxf",              2},
-      {"missing operand",           "convert good.dxf",                    2},
-      {"drawing with an error",     "convert broken.dxf out.dxf",          1},
-      {"drawing that is not there", "convert missing.dxf out.dxf",         1},
-      {"output in no folder",       "convert good.dxf nowhere/out.dxf",    3},
-      {"output exists",             "convert good.dxf broken.dxf",         3},
-      {"output is a folder",        "convert -f good.dxf .",               3},
-      {"output is a pipe",          "convert -f good.dxf pipe",            3},
-      {"broken part of an import",  "import good.dxf broken.dxf -o o.dxf", 1},
+      {"help",                      "--help",                                           0},
+      {"help of a verb",            "help convert",                                     0},
+      {"help of no verb",           "help bogus",                                       2},
+      {"version",                   "--version",                                        0},
+      {"no verb",                   "",                                                 2},
+      {"unknown verb",              "infos good.dxf",                                   2},
+      {"unknown option",            "info --colour good.dxf",                           2},
+      {"missing operand",           "convert good.dxf",                                 2},
+      {"drawing with an error",     "convert broken.dxf out.dxf",                       1},
+      {"drawing that is not there", "convert missing.dxf out.dxf",                      1},
+      {"output in no folder",       "convert good.dxf nowhere/out.dxf",                 3},
+      {"output exists",             "convert good.dxf broken.dxf",                      3},
+      {"output is a folder",        "convert -f good.dxf .",                            3},
+      {"output is a pipe",          "convert -f good.dxf pipe",                         3},
+      {"broken part of an import",  "import good.dxf broken.dxf -o o.dxf",              1},
+      {"hatch of nothing",          "hatch good.dxf -o out.dxf --closed-polylines",     1},
+      {"hatch without area",        "hatch good.dxf -o out.dxf",                        2},
+      {"hatch of no point",         "hatch good.dxf -o out.dxf --boundary 0,0 a 1,1",   2},
+      {"pattern of no name",        "hatch good.dxf -o out.dxf --pattern NO",           2},
+      {"linetypes not there",       "linetypes a.lin missing.lin",                      1},
+      {"linetypes from a folder",   "linetypes .",                                      1},
+      {"linetypes for a drawing",   "convert --linetypes missing.lin good.dxf out.dxf", 1},
+      {"two files to save",         "linetypes a.lin a.lin --save out.dxf",             2},
+      {"nothing to list",           "linetypes",                                        2},
+      {"saved upon another",        "linetypes a.lin --save broken.dxf",                3},
+      {"saved in no folder",        "linetypes a.lin --save nowhere/o",                 3},
   };
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
   for (const auto& t : cases) {
@@ -213,4 +227,92 @@ TEST_F(Tool, ForceReplacesAndImportMerges) {
   EXPECT_NE(broken.err.find("left out"), std::string::npos) << broken.err;
   EXPECT_EQ(run("import good.dxf - -o three.dxf", "good.dxf").code, 0);
   EXPECT_EQ(Json::parse(run("info --json three.dxf").out)["entities"]["LINE"], 2);
+}
+
+TEST_F(Tool, HatchesAreas) {
+  write("one.dxf", kOneLine);
+  ASSERT_EQ(run("hatch one.dxf -o h.dxf --layer FILL --boundary 0,0 10,0 1e1,-5.5").code, 0);
+  const Json hatched = Json::parse(run("info --json h.dxf").out);
+  EXPECT_EQ(hatched["entities"]["HATCH"], 1);
+  EXPECT_EQ(hatched["layers"].back()["name"], "FILL");
+  EXPECT_EQ(hatched["extents"]["min"][1].get<double>() < -5, true);
+  ASSERT_EQ(run("hatch " + kinds + " -o k.dxf --pattern SOLID --closed-polylines").code, 0);
+  EXPECT_EQ(Json::parse(run("info --json k.dxf").out)["entities"]["HATCH"], 1);
+  const Outcome dense = run("hatch one.dxf -o d.dxf --scale 1e-6 --boundary 0,0 10,0 10,5");
+  EXPECT_EQ(dense.code, 1);
+  EXPECT_NE(dense.err.find("too dense"), std::string::npos) << dense.err;
+  EXPECT_FALSE(fs::exists(path("d.dxf")));
+}
+
+TEST_F(Tool, HatchesListsTheCatalogue) {
+  const Json all = Json::parse(run("hatches --json").out);
+  ASSERT_EQ(all.size(), 68u);
+  EXPECT_EQ(all[1]["name"], "ANSI31");
+  EXPECT_NEAR(all[1]["families"][0]["angle"].get<double>(), 45, 1e-9);
+  EXPECT_NE(run("hatches").out.find("BRICK             3  Brick"), std::string::npos);
+}
+
+TEST_F(Tool, LinetypesListsWhatAFileDefines) {
+  write("pipes.lin", kPipes);
+  const Outcome got = run("linetypes --json pipes.lin missing.lin");
+  EXPECT_EQ(got.code, 1);
+  const Json line = Json::parse(got.out.substr(0, got.out.find('\n')));
+  EXPECT_EQ(line["ok"], true);
+  EXPECT_EQ(line["error"], nullptr);
+  ASSERT_EQ(line["linetypes"].size(), 2u);
+  const Json& gas = line["linetypes"][0];
+  EXPECT_EQ(gas["name"], "GAS");
+  EXPECT_EQ(gas["description"], "gas");
+  EXPECT_EQ(gas["length"], 1.2);
+  ASSERT_EQ(gas["elements"].size(), 3u);
+  EXPECT_EQ(gas["elements"][1], -0.2);
+  EXPECT_EQ(gas["elements"][2], Json({
+                                    {"text",     "GAS"     },
+                                    {"style",    "Signs"   },
+                                    {"scale",    0.1       },
+                                    {"rotation", 270.0     },
+                                    {"offset",   {0, -0.05}}
+  }));
+  EXPECT_EQ(line["report"][0]["code"], "shape-left-out");
+  EXPECT_EQ(line["report"][0]["line"], 3);
+  const Json missing = Json::parse(got.out.substr(got.out.find('\n')));
+  EXPECT_EQ(missing["ok"], false);
+  EXPECT_NE(missing["error"], nullptr);
+
+  const Outcome text = run("linetypes pipes.lin");
+  EXPECT_EQ(text.code, 0);
+  for (const char* word : {"2 linetypes", "DRAIN", "2.0 -1.0", "\"GAS\"", "shape-left-out: BOX"}) {
+    EXPECT_NE(text.out.find(word), std::string::npos) << word;
+  }
+}
+
+TEST_F(Tool, LinetypesSavesWhatItRead) {
+  write("pipes.lin", kPipes);
+  ASSERT_EQ(run("linetypes pipes.lin --save out.lin").code, 0);
+  EXPECT_EQ(contents(path("out.lin")),
+            "*GAS,gas\nA,1.0,-0.2,[\"GAS\",Signs,S=0.100000,R=270.000000,X=0.000000,Y=-0.050000]\n"
+            "*DRAIN,\nA,2.0,-1.0\n");
+  const Outcome piped = run("linetypes - --save -", path("pipes.lin").string());
+  EXPECT_EQ(piped.out, contents(path("out.lin")));
+  EXPECT_EQ(run("linetypes pipes.lin --save out.lin").code, 3);
+  EXPECT_EQ(run("linetypes -q -f out.lin --save out.lin").code, 0);
+  EXPECT_EQ(piped.out, contents(path("out.lin"))) << "a file may be rewritten in its place";
+}
+
+TEST_F(Tool, ConvertAddsLinetypes) {
+  write("pipes.lin", kPipes);
+  write("more.lin", "*Gas,another\nA,9\n*MORE\nA,3\n");
+  write("good.dxf", kOneLine);
+  const Outcome got = run("convert --linetypes pipes.lin --linetypes more.lin good.dxf out.dxf");
+  ASSERT_EQ(got.code, 0) << got.err;
+  EXPECT_NE(got.err.find("shape-left-out"), std::string::npos) << got.err;
+  EXPECT_NE(got.err.find("'Signs'"), std::string::npos) << got.err;
+  const Json line = Json::parse(run("info --json out.dxf").out);
+  std::string names = line["linetypes"].dump();
+  for (const char* name : {"GAS", "DRAIN", "MORE"}) {
+    EXPECT_NE(names.find(name), std::string::npos) << names;
+  }
+  EXPECT_EQ(names.find("Gas"), std::string::npos) << "the first of a name stays";
+  EXPECT_NE(line["styles"].dump().find("Signs", 0), std::string::npos) << line["styles"].dump();
+  EXPECT_EQ(run("convert -q -f --linetypes pipes.lin good.dxf out.dxf").err, "");
 }

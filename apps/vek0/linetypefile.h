@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "commands.h"
+#include "vek0core/vek0core.h"
+
+namespace vek0::tool {
+
+/// Makes the styles that a definition file names and the table lacks, with the default
+/// font: so no text of a linetype loses the name of its style.
+class StyleMaker : public CLtypeLoader::IErrorNotifier {
+ public:
+  StyleMaker(CStyleTable& styles, CStyleFactory& factory) : m_styles(styles), m_factory(factory) {}
+  CStyle* Notify(const zim::WString& styleName) override;
+
+  /// The names of the styles made, in the order of their first use.
+  const std::vector<std::string>& made() const { return m_made; }
+
+ private:
+  CStyleTable& m_styles;
+  CStyleFactory& m_factory;
+  std::vector<std::string> m_made;
+};
+
+/// One sentence about a file that could not be read or written to its end, or an empty
+/// text.
+std::string statusToText(const CLtypeLoader& loader);
+
+/// Adds the linetypes of a definition file to the drawing, and the styles of their texts.
+/// Says what was left out. False, with a complaint and the exit code set, when the file
+/// cannot be read.
+bool addLinetypes(CData& data, const std::string& path, Session& session);
+
+}  // namespace vek0::tool

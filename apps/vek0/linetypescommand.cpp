@@ -1,0 +1,182 @@
+#include <cmath>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "commands.h"
+#include "drawingfile.h"
+#include "linetypefile.h"
+#include "outputfile.h"
+#include "summary.h"
+
+namespace vek0::tool {
+namespace {
+
+constexpr double kDegPerRad = 57.295779513082321;
+
+struct Options {
+  std::vector<std::string> files;
+  std::string saveTo;
+  bool json = false;
+  bool force = false;
+};
+
+// To six decimals, which is what the files carry: the conversion leaves an error.
+double degrees(double angleRad) { return std::round(angleRad * kDegPerRad * 1e6) / 1e6; }
+
+Json elementToJson(const ILtypeComplexDash& dash) {
+  const TEXT_3D* const text = dash.GetText();
+  if (!text) return dash.GetValue();
+  const CStyle* const style = text->getStyle();
+  const CTextContext& context = text->getContext();
+  return {
+      {"text",     context.getString().toUtf8()                     },
+      {"style",    style ? Json(style->getName().toUtf8()) : nullptr},
+      {"scale",    context.getHeight()                              },
+      {"rotation", degrees(context.getRotate())                     },
+      {"offset",   {text->x, text->y}                               }
+  };
+}
+
+Json linetypeToJson(const CLtype& ltype) {
+  Json elements = Json::array();
+  for (int i = 0; i < ltype.getNoDashes(); ++i) elements.push_back(elementToJson(*ltype[i]));
+  return {
+      {"name",        ltype.getName().toUtf8()},
+      {"description", ltype.getDesc().toUtf8()},
+      {"length",      ltype.getPatternLen()   },
+      {"elements",    elements                }
+  };
+}
+
+Json reportToJson(const CFileReport& report) {
+  Json entries = Json::array();
+  for (const auto& entry : report.entries()) {
+    entries.push_back({
+        {"code",   entry.code           },
+        {"line",   entry.firstLine      },
+        {"count",  entry.count          },
+        {"sample", entry.sample.toUtf8()}
+    });
+  }
+  return entries;
+}
+
+void printJson(const std::string& path, const CLtypeLoader& loader) {
+  const std::string problem = statusToText(loader);
+  Json linetypes = Json::array();
+  for (int i = 0; i < loader.GetNoLtype(); ++i) {
+    linetypes.push_back(linetypeToJson(*loader.GetLtypeNo(i)));
+  }
+  const Json line = {
+      {"file",      path                                    },
+      {"ok",        problem.empty()                         },
+      {"error",     problem.empty() ? Json() : Json(problem)},
+      {"linetypes", linetypes                               },
+      {"report",    reportToJson(loader.GetReport())        }
+  };
+  std::printf("%s\n", line.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
+}
+
+// Numbers as JSON writes them: short, and with a point in every locale.
+std::string elementToText(const ILtypeComplexDash& dash) {
+  const TEXT_3D* const text = dash.GetText();
+  if (!text) return Json(dash.GetValue()).dump();
+  return '"' + text->getContext().getString().toUtf8() + '"';
+}
+
+void printText(const std::string& path, const CLtypeLoader& loader) {
+  const std::string problem = statusToText(loader);
+  if (!problem.empty()) {
+    std::printf("%s: error: %s\n", path.c_str(), problem.c_str());
+    return;
+  }
+  std::printf("%s: %d linetypes\n", path.c_str(), loader.GetNoLtype());
+  for (int i = 0; i < loader.GetNoLtype(); ++i) {
+    const CLtype& ltype = *loader.GetLtypeNo(i);
+    std::printf("  %s (%s):", ltype.getName().toUtf8().c_str(), ltype.getDesc().toUtf8().c_str());
+    for (int k = 0; k < ltype.getNoDashes(); ++k) {
+      std::printf(" %s", elementToText(*ltype[k]).c_str());
+    }
+    std::printf("\n");
+  }
+  if (!loader.GetReport().empty()) {
+    std::printf("  skipped or repaired:\n%s", reportToText(loader.GetReport()).c_str());
+  }
+}
+
+void saveTo(const Options& options, CLtypeLoader& loader, Session& session) {
+  OutputFile output(options.saveTo, options.force);
+  if (!output.error().empty()) {
+    Session::complain(output.error());
+    return session.failed(kOutputFailed);
+  }
+  loader.Save(output.file());
+  if (loader.GetStatus() != CLtypeLoader::Done) {
+    Session::complain("'" + output.path() + "' cannot be written");
+    return session.failed(kOutputFailed);
+  }
+  if (!output.commit()) {
+    Session::complain(output.error());
+    return session.failed(kOutputFailed);
+  }
+  if (!session.quiet && !loader.GetReport().empty()) {
+    Session::complain("not everything could be written as it was:\n" +
+                      reportToText(loader.GetReport()));
+  }
+}
+
+// Saved on the standard output, nothing else may stand there.
+bool listsFiles(const Options& options, const Session& session) {
+  return options.saveTo != "-" && (options.json || !session.quiet);
+}
+
+void runFile(const Options& options, const std::string& path, Session& session) {
+  CStyleTable styles;
+  CStyleFactory styleFactory;
+  CLtypeFactory ltypeFactory;
+  StyleMaker maker(styles, styleFactory);
+  CLtypeLoader loader(styles, ltypeFactory);
+  loader.SetNotifier(&maker);
+  loader.Load(*openForReading(path, true));
+  const std::string problem = statusToText(loader);
+  if (listsFiles(options, session)) {
+    options.json ? printJson(path, loader) : printText(path, loader);
+  } else if (!problem.empty()) {
+    Session::complain(path + ": " + problem);
+  }
+  if (!problem.empty()) return session.failed(kDrawingFailed);
+  if (!options.saveTo.empty()) saveTo(options, loader, session);
+}
+
+void run(const Options& options, Session& session) {
+  if (!options.saveTo.empty() && options.files.size() > 1) {
+    Session::complain("--save takes one definition file");
+    return session.failed(kWrongUsage);
+  }
+  for (const std::string& path : options.files) runFile(options, path, session);
+}
+
+}  // namespace
+
+void addLinetypesCommand(CLI::App& app, Session& session) {
+  auto options = std::make_shared<Options>();
+  CLI::App* verb =
+      app.add_subcommand("linetypes", "List and check linetype definition files, or rewrite one");
+  verb->add_option("FILE", options->files, "Definition files (.lin); - is the standard input")
+      ->required();
+  verb->add_flag("--json", options->json, "One JSON object a line and file");
+  verb->add_option("--save", options->saveTo,
+                   "Write the definitions that were read; - is the standard output")
+      ->type_name("OUT");
+  verb->add_flag("-f,--force", options->force, "Replace the output file if it exists");
+  verb->footer(
+      "Examples:\n"
+      "  vek0 linetypes pipes.lin                   the linetypes, and what was not understood\n"
+      "  vek0 linetypes pipes.lin --save clean.lin  the same definitions in the plain form\n\n"
+      "vek0 convert --linetypes adds the linetypes of a file to a drawing.");
+  verb->callback([options, &session] { run(*options, session); });
+}
+
+}  // namespace vek0::tool

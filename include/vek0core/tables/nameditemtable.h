@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string_view>
+
+#include "vek0core/tables/nameditem.h"
+
+/// Table of named items of one kind, for whoever keeps items outside a drawing. `T`
+/// derives from `CNamedItem`.
+///
+/// It owns its items and is not copied: a copy of the base would be a view, and how to
+/// copy an item is the business of the item's factory.
+template <class T>
+class CNamedItemTable : public CNamedItemTableImp {
+ public:
+  CNamedItemTable() = default;
+  CNamedItemTable(const CNamedItemTable&) = delete;
+  CNamedItemTable& operator=(const CNamedItemTable&) = delete;
+
+  /// Takes the item over.
+  void add(T* item) { CNamedItemTableImp::add(item); }
+  /// Takes it out; the caller owns it from then on.
+  void remove(T* item) { CNamedItemTableImp::remove(item); }
+  /// First item added of that name, letter case ignored; null when there is none.
+  T* get(std::u16string_view name) const { return static_cast<T*>(CNamedItemTableImp::get(name)); }
+  /// Item `i` in order of addition; unchecked.
+  T* operator[](int i) const { return static_cast<T*>(CNamedItemTableImp::operator[](i)); }
+};
