@@ -211,7 +211,7 @@ bool CBlockGraph::isBehind(const std::vector<Item*>& from, const Item& to) const
 }
 
 // Users before what they insert. Costs a pass over the graph, which searches have to have
-// cost before.
+// cost before. Only for calls that change the graph: whoever asks may be in a visit.
 void CBlockGraph::rankAll() const {
   Collect collect;
   m_ranked = VisitUndep(collect) == ZORA_BLOCK_VISIT_RESULT_SUCCESS;
@@ -220,7 +220,6 @@ void CBlockGraph::rankAll() const {
 }
 
 bool CBlockGraph::reaches(const std::vector<Item*>& from, Item& to) const {
-  if (!m_ranked && m_searched > m_items.size()) rankAll();
   return !isBehind(from, to) && search(from, to);
 }
 
@@ -287,6 +286,7 @@ std::vector<CBlockGraph::Item*> CBlockGraph::itemsOf(const std::list<CBlock*>& b
 }
 
 void CBlockGraph::setEdges(Item& item, const std::vector<Item*>& targets) const {
+  if (!m_ranked && m_searched > m_items.size()) rankAll();
   for (std::size_t i = 0; i < item.edges.size(); ++i) cutEdge(item, i);
   item.edges.clear();
   for (Item* target : targets) {

@@ -1,6 +1,7 @@
 #include "vek0core/entities/blocktable.h"
 
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "vek0core/entities/block.h"
@@ -33,7 +34,7 @@ class Collect final : public IBlockOperation {
 std::vector<CBlock*> usersFirst(const CBlockGraph& graph) {
   Collect collect;
   try {
-    if (graph.VisitDep(collect) == ZORA_BLOCK_VISIT_RESULT_SUCCESS) return collect.blocks;
+    if (graph.VisitDep(collect) == ZORA_BLOCK_VISIT_RESULT_SUCCESS) return std::move(collect.blocks);
   } catch (const std::bad_alloc&) {
     // Any order will do then.
   }
@@ -109,7 +110,7 @@ void CBlockTable::clearAll() {
   for (int i = 0; i < size(); ++i) (*this)[i]->removeBlock(m_gestor);
   const std::vector<CBlock*> ordered = usersFirst(*m_graph);
   // Table and graph let go of all at once: block by block, looking for its name and its
-  // edges, took half of the time of closing a drawing of many blocks.
+  // edges, took a quarter of the time of closing a drawing of many blocks.
   std::vector<CNamedItem*> others = removeAll();
   if (!ordered.empty())
     std::erase_if(others,

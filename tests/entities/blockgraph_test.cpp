@@ -38,9 +38,8 @@ class NaiveGraph {
   }
 
   bool reaches(CBlock* from, CBlock* to) const {
-    if (from == to) return true;
-    const Blocks& edges = m_edges.at(from);
-    return std::any_of(edges.begin(), edges.end(), [&](CBlock* b) { return reaches(b, to); });
+    std::set<CBlock*> seen;
+    return reaches(from, to, seen);
   }
 
   Blocks visitUndep() const {
@@ -59,6 +58,13 @@ class NaiveGraph {
   }
 
  private:
+  bool reaches(CBlock* from, CBlock* to, std::set<CBlock*>& seen) const {
+    if (from == to) return true;
+    if (!seen.insert(from).second) return false;
+    const Blocks& edges = m_edges.at(from);
+    return std::any_of(edges.begin(), edges.end(), [&](CBlock* b) { return reaches(b, to, seen); });
+  }
+
   void visit(CBlock* block, Blocks& visited) const {
     if (std::find(visited.begin(), visited.end(), block) != visited.end()) return;
     for (CBlock* inner : m_edges.at(block)) visit(inner, visited);
@@ -128,6 +134,51 @@ TEST_F(BlockGraph, RandomEditsGiveWhatSearchingGives) {
     }
     table.clearAll();
     for (const CBlock* block : outside) delete block;
+  }
+}
+
+// Asks of every block, in the middle of a visit, whether it may insert each other.
+class Asking final : public IBlockOperation {
+ public:
+  Asking(const CBlockGraph& graph, const NaiveGraph& naive) : m_graph(graph), m_naive(naive) {}
+
+  int doOperation(CBlock& block) override {
+    blocks.push_back(&block);
+    for (CBlock* other : m_naive.order())
+      EXPECT_EQ(m_graph.canSubstitute(block, {other}), !m_naive.reaches(other, &block));
+    return ZORA_BLOCK_VISIT_RESULT_SUCCESS;
+  }
+
+  Blocks blocks;
+
+ private:
+  const CBlockGraph& m_graph;
+  const NaiveGraph& m_naive;
+};
+
+// Each round goes against the order of the last, so what was first is to be last.
+TEST_F(BlockGraph, AnOrderTurnedOverAndOverStaysFreeOfCircles) {
+  std::mt19937 random(1);
+  NaiveGraph naive;
+  for (int i = 0; i < 24; ++i) naive.set(tabled("B" + std::to_string(i)), {});
+  for (int round = 0; round < 25; ++round) {
+    SCOPED_TRACE(round);
+    Blocks behind = naive.order();
+    std::shuffle(behind.begin(), behind.end(), random);
+    while (!behind.empty()) {
+      CBlock* block = behind.back();
+      behind.pop_back();
+      Blocks inserted;
+      for (int n = 0; n < 2 && !behind.empty(); ++n)
+        inserted.push_back(behind[random() % behind.size()]);
+      const bool allowed = std::none_of(inserted.begin(), inserted.end(),
+                                        [&](CBlock* b) { return naive.reaches(b, block); });
+      EXPECT_EQ(redefine(block, inserts(inserted)), allowed ? 0 : -1);
+      if (allowed) naive.set(block, inserted);
+    }
+    Asking asking(graph(), naive);
+    EXPECT_EQ(graph().VisitUndep(asking), ZORA_BLOCK_VISIT_RESULT_SUCCESS);
+    EXPECT_EQ(asking.blocks, naive.visitUndep());
   }
 }
 
