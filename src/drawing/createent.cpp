@@ -1,4 +1,7 @@
 // The createEnt functions: each forwards to the drawing's entity factory.
+#include <memory>
+
+#include "entities/hatchblock.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/ent3dface.h"
@@ -141,13 +144,13 @@ CEntInsertXRef* createEntInsertXRef(const CData& data, CBlockXRefDepend& depend,
 CEntHatch* createEntHatch(CData& data, CLayer* layer, CLtype* ltype, short color,
                           const HATCH_TYPE& type, double scale, double rotate,
                           const std::vector<PNT_3D>& boundary, long handle) {
-  CBlockTable& blocks = data.getBlockTable();
-  std::unique_ptr<CEntHatch> hatch(data.getEntFactory().createEntHatch(
-      data.getHandleGestor(), layer, ltype, color, getHatchName(blocks), type, scale, rotate,
-      boundary, data, handle));
-  if (!hatch || !hatch->getBlock()) return nullptr;
-  blocks.add(hatch->getBlock());
-  return hatch.release();
+  std::unique_ptr<CBlock> block(createHatch({}, type, scale, rotate, boundary, data));
+  if (!block) return nullptr;
+  std::unique_ptr<CEntHatch> hatch(
+      data.getEntFactory().createEntHatch(data.getHandleGestor(), layer, ltype, color, block.get(),
+                                          type, scale, rotate, boundary, handle));
+  if (!hatch || hatch->getNoPnts() < 3) return nullptr;
+  return vek0::detail::addHatchBlock(data.getBlockTable(), block) ? hatch.release() : nullptr;
 }
 CEntHatch* createEntHatch(CData& data, const HATCH_TYPE& type, double scale, double rotate,
                           const std::vector<PNT_3D>& boundary, long handle) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "entities/hatchblock.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/dxfin/filedxfierror.h"
@@ -20,12 +21,31 @@
 namespace {
 
 constexpr short kUndeclaredColor = 7;
+constexpr double kHatchShare = 5;  // all hatches of a file together, of the limit for one
+
+// Lowers the drawing's limit for a while.
+class HatchLimit {
+ public:
+  HatchLimit(CData& data, double limit) : m_data(data), m_before(data.getHatchLimit()) {
+    data.setHatchLimit(std::min(limit, m_before));
+  }
+  ~HatchLimit() { m_data.setHatchLimit(m_before); }
+  HatchLimit(const HatchLimit&) = delete;
+  HatchLimit& operator=(const HatchLimit&) = delete;
+
+ private:
+  CData& m_data;
+  double m_before;
+};
 
 }  // namespace
 
 IFileDXFIDataSemantor::IFileDXFIDataSemantor(CData& data, CFileDXFIError* err,
                                              const CFileDXFIOptions& options)
-    : m_data(data), m_err(err), m_options(options) {}
+    : m_data(data),
+      m_err(err),
+      m_options(options),
+      m_hatchRoom(kHatchShare * data.getHatchLimit()) {}
 
 // The report's line: the semantor knows none.
 void IFileDXFIDataSemantor::note(const char* code, const zim::WString& sample) const {
@@ -227,24 +247,35 @@ void IFileDXFIDataSemantor::freeHatchName(const zim::WString& name) {
 CEntHatch* IFileDXFIDataSemantor::createHatch(CLayer* layer, CLtype* ltype, short colour,
                                               const HATCH_TYPE& type, double scale, double rotate,
                                               const std::vector<PNT_3D>& boundary, long handle) {
-  constexpr long anonymous = 1;
-  CEntHatch* hatch =
-      createEntHatch(m_data, layer, ltype, colour, type, scale, rotate, boundary, handle);
-  if (!hatch) {
-    CBlockTable& blocks = m_data.getBlockTable();
-    CBlock* block = m_data.getBlockFactory().create(getHatchName(blocks), anonymous);
-    if (block) blocks.add(block);
-    hatch =
-        block ? m_data.getEntFactory().createEntHatch(getHandleGestor(), layer, ltype, colour,
-                                                      block, type, scale, rotate, boundary, handle)
-              : nullptr;
+  std::unique_ptr<CBlock> block = generate(type, scale, rotate, boundary);
+  if (!block) {
     note("hatch empty", type.name);
+    block.reset(getBlockFactory().create({}, CBlock::kAnonymous));
   }
-  if (hatch)
-    m_hatchBlocks.insert(hatch->getBlock());
-  else
+  std::unique_ptr<CEntHatch> hatch(
+      block ? getEntFactory().createEntHatch(getHandleGestor(), layer, ltype, colour, block.get(),
+                                             type, scale, rotate, boundary, handle)
+            : nullptr);
+  if (!hatch || !vek0::detail::addHatchBlock(getBlockTable(), block)) {
     fail(CFileDXFIError::GeneralError);
-  return hatch;
+    return nullptr;
+  }
+  m_hatchBlocks.insert(hatch->getBlock());
+  return hatch.release();
+}
+
+// A few lines of a file can ask for millions, and there can be many such hatches.
+std::unique_ptr<CBlock> IFileDXFIDataSemantor::generate(const HATCH_TYPE& type, double scale,
+                                                        double rotate,
+                                                        const std::vector<PNT_3D>& boundary) {
+  constexpr double cutsPerPiece = 20;  // which take as long as making a piece
+  const double cuts = static_cast<double>(boundary.size()) * type.numLines;
+  if (cuts > m_hatchRoom * cutsPerPiece) return nullptr;
+  m_hatchRoom -= cuts / cutsPerPiece;
+  const HatchLimit limit(m_data, m_hatchRoom);
+  std::unique_ptr<CBlock> block(::createHatch({}, type, scale, rotate, boundary, m_data));
+  if (block) m_hatchRoom -= static_cast<double>(block->size());
+  return block;
 }
 
 CHatchTypeTable& IFileDXFIDataSemantor::getHatchTypeTable() { return m_data.getHatchTypeTable(); }
@@ -322,8 +353,16 @@ void IFileDXFIDataSemantor::dropBlock(CBlock& block) {
 
 void IFileDXFIDataSemantor::settle() {
   repointInserts();
+  dropUnusedHatchBlocks();
   m_data.getBlockTable().recalcBdry();
   m_data.getEntTable().invalidateBdry();
+}
+
+// Of hatches that did not get into the drawing: on paper, or in a block that was refused.
+void IFileDXFIDataSemantor::dropUnusedHatchBlocks() {
+  for (CBlock* block : m_hatchBlocks)
+    if (block->getEntities() == 0) dropBlock(*block);
+  m_hatchBlocks.clear();
 }
 
 bool IFileDXFIDataSemantor::repoint(CEntInsertBase& insert) {

@@ -22,7 +22,7 @@ constexpr long kReferenced = 64;     // bit of code 70 in tables: of no use in m
 constexpr long kOfXRef = 16;         // likewise: the item belongs to an external reference
 constexpr long kLayerOff = 128;      // our own bit for a colour below 0
 constexpr long kShapeFile = 1;       // STYLE: not a text font
-constexpr long kAnonymous = 1, kXRefBlock = 4;  // BLOCK
+constexpr long kXRefBlock = 4;       // of a block's flags
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
@@ -504,7 +504,9 @@ void CFileDXFIParser::readBlock() {
   BlockHeader block;
   OwnedEntities entities;
   readBlockHeader(block);
+  m_pACADVersionLoader->enterBlock(m_semantor.findBlock(block.name));
   readBlockEntities(entities);
+  m_pACADVersionLoader->enterBlock(nullptr);
   if (!failed()) createBlock(block, entities);
 }
 
@@ -551,7 +553,7 @@ void CFileDXFIParser::createBlock(const BlockHeader& block, OwnedEntities& entit
   if (block.name.empty()) return fail(CFileDXFIError::WrongStructure);
   if (isLayoutName(block.name)) return;
   const bool anonymous = block.name[0] == u'*';
-  if (anonymous && entities.list().empty() && (block.flags & kAnonymous) == 0) return;
+  if (anonymous && entities.list().empty() && (block.flags & CBlock::kAnonymous) == 0) return;
   const PNT_3D base(block.base[0], block.base[1], block.base[2]);
   if ((block.flags & kXRefBlock) != 0)
     m_semantor.createBlockXRef(block.name, block.path, base, block.flags);

@@ -19,6 +19,8 @@ class CFileDXFIVersionLoader {
   std::vector<EntPtr>& getFurther() { return m_entities.records.further; }
   /// Whether any insert was read.
   bool hasReadInsert() const { return m_entities.records.insertRead; }
+  /// Tells which block the next entities belong to; null for none, or one that is new.
+  void enterBlock(const CBlock* block) { m_entities.records.owner = block; }
 
  protected:
   CFileDXFIVersionLoader(const ReadContext& context, bool complexDashes)

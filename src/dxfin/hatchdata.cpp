@@ -1,21 +1,28 @@
 #include "dxfin/hatchdata.h"
 
+#include <algorithm>
+
+#include "dxfin/hatchdatalayout.h"
+
 namespace vek0::detail {
+
+using namespace hatchdata;
+
 namespace {
 
-constexpr long kText = 1000, kApplication = 1001, kBrace = 1002;
-constexpr long kPointX = 1010, kDirectionX = 1011, kReal = 1040;
-constexpr long kShort = 1070, kLong = 1071;
+bool isReal(long code) { return code >= kPoint && code < kShort; }
 
-bool isReal(long code) { return code >= 1010 && code < 1070; }
+bool equals(const zim::WString& text, std::string_view ascii) {
+  return std::equal(text.view().begin(), text.view().end(), ascii.begin(), ascii.end());
+}
 
 }  // namespace
 
 // Other programs' data is not looked into: nothing in it can be wrong.
 bool HatchData::take(const CFileDXFILexer& lexer) {
   const long code = lexer.getGroupValue();
-  if (code == kApplication ? m_state != Empty : m_state == Empty) m_state = Over;
-  if (m_state == Over) return false;
+  if (code == kApplication) m_taking = empty() && equals(lexer.getText(), kOwner);
+  if (!m_taking) return false;
   Pair pair{code, 0, 0, {}};
   if (isReal(code))
     pair.real = lexer.getDouble();
@@ -23,24 +30,15 @@ bool HatchData::take(const CFileDXFILexer& lexer) {
     pair.integer = lexer.getInt();
   else
     pair.text = lexer.getText();
-  m_state = stateAfter(m_state, pair);
-  if (m_state != Over) m_pairs.push_back(std::move(pair));
-  return m_state != Over;
+  m_pairs.push_back(std::move(pair));
+  m_taking = m_pairs.size() != 2 || claimsHatch();
+  return m_taking;
 }
 
-HatchData::State HatchData::stateAfter(State state, const Pair& pair) {
-  switch (state) {
-    case Empty:
-      return pair.text == u"ACAD" ? Named : Over;
-    case Named:
-      return pair.code == kText && pair.text == u"HATCH" ? Open : Over;
-    default:
-      return state;
-  }
-}
+bool HatchData::isMark(const Pair& pair) { return pair.code == kText && equals(pair.text, kMark); }
 
-bool HatchData::takeText(long code, std::u16string_view text) {
-  return has(code) && m_pairs[m_next++].text.view() == text;
+bool HatchData::takeText(long code, std::string_view text) {
+  return has(code) && equals(m_pairs[m_next++].text, text);
 }
 
 bool HatchData::takeText(zim::WString& text) {
@@ -53,6 +51,10 @@ bool HatchData::takeInteger(long code, long& value) {
   if (!has(code)) return false;
   value = m_pairs[m_next++].integer;
   return true;
+}
+
+bool HatchData::takeConstant(long code, long value) {
+  return has(code) && m_pairs[m_next++].integer == value;
 }
 
 bool HatchData::takeReal(double& value) {
@@ -75,49 +77,49 @@ bool HatchData::parse(CHatchTypeTable& types) {
   m_next = 0;
   rings.clear();
   zim::WString name;
-  long noRings;
-  if (!parseHead(name) || !takeInteger(kLong, noRings)) return false;
+  long noBounds, noRings;
+  if (!parseHead(name, noBounds) || !takeInteger(kLong, noRings)) return false;
   for (; noRings > 0; --noRings) {
     rings.emplace_back();
     if (!parseRing(rings.back())) return false;
   }
-  type = getHatch(name);
+  const std::size_t bounds = std::min<std::size_t>(rings.size() + 1, kMostShort);
+  if (rings.empty() || noBounds != static_cast<long>(bounds)) return false;
   std::vector<HATCH_LINE> lines;
-  if (has(kText)) {
-    if (!parseFamilies(lines)) return false;
-    type = &types.intern(name, lines);
-  }
-  return takeText(kBrace, u"}") && type != nullptr && !rings.empty();
+  const bool own = has(kText);
+  if (own && !parseFamilies(lines)) return false;
+  if (!takeText(kBrace, kClose) || m_next != m_pairs.size()) return false;
+  type = own ? &types.intern(name, lines) : getHatch(name);
+  return type != nullptr;
 }
 
-bool HatchData::parseHead(zim::WString& name) {
-  long one, zero, evenOdd;
+bool HatchData::parseHead(zim::WString& name, long& noBounds) {
   zim::WString handle;
   PNT_3D seed, elevation, normal;
-  return takeText(kApplication, u"ACAD") && takeText(kText, u"HATCH") && takeText(kBrace, u"{") &&
-         takeInteger(kShort, one) && takeText(name) && takeReal(scale) && takeReal(angleRad) &&
-         takeText(kText, u"ASC_BOUNDS") && takeInteger(kShort, one) && takeInteger(kShort, zero) &&
-         takeText(kText, u"ASC_SEEDPOINT") && takePoint(kPointX, seed) &&
-         takeText(kText, u"R14_HATCH_DATA") && takeText(handle) && takePoint(kPointX, elevation) &&
-         takePoint(kDirectionX, normal) && takeInteger(kShort, evenOdd);
+  return takeText(kApplication, kOwner) && takeText(kText, kMark) && takeText(kBrace, kOpen) &&
+         takeConstant(kShort, kVersion) && takeText(name) && takeReal(scale) &&
+         takeReal(angleRad) && takeText(kText, kBounds) && takeInteger(kShort, noBounds) &&
+         takeConstant(kShort, 0) && takeText(kText, kSeed) && takePoint(kPoint, seed) &&
+         takeText(kText, kRings) && takeText(handle) && takePoint(kPoint, elevation) &&
+         takePoint(kDirection, normal) && takeConstant(kShort, kEvenOdd);
 }
 
 // The count is that of the points behind the first.
 bool HatchData::parseRing(std::vector<PNT_3D>& ring) {
-  long kind, further;
   double elevation;
-  if (!takeInteger(kShort, kind) || !takeReal(elevation) || !takeInteger(kLong, further))
+  long further;
+  if (!takeConstant(kShort, kPolylineRing) || !takeReal(elevation) || !takeInteger(kLong, further))
     return false;
   for (; further >= 0; --further) {
     ring.emplace_back();
-    if (!takePoint(kPointX, ring.back())) return false;
+    if (!takePoint(kPoint, ring.back())) return false;
   }
   return ring.size() >= 3;
 }
 
 bool HatchData::parseFamilies(std::vector<HATCH_LINE>& lines) {
   long noFamilies;
-  if (!takeText(kText, u"PATTERN_LINES") || !takeInteger(kLong, noFamilies)) return false;
+  if (!takeText(kText, kPatternLines) || !takeInteger(kLong, noFamilies)) return false;
   for (; noFamilies > 0; --noFamilies) {
     lines.emplace_back();
     if (!parseFamily(lines.back())) return false;
@@ -129,7 +131,7 @@ bool HatchData::parseFamily(HATCH_LINE& line) {
   constexpr long kMaxDashes = 6;
   PNT_3D base, offset;
   long noDashes;
-  if (!takeReal(line.angle) || !takePoint(kPointX, base) || !takePoint(kDirectionX, offset) ||
+  if (!takeReal(line.angle) || !takePoint(kPoint, base) || !takePoint(kDirection, offset) ||
       !takeInteger(kShort, noDashes) || noDashes < 0 || noDashes > kMaxDashes)
     return false;
   line.x0 = base.x;

@@ -16,16 +16,14 @@ namespace vek0::detail {
 /// programs' data and leaves the insert what it is.
 class HatchData {
  public:
-  void clear() {
-    m_pairs.clear();
-    m_state = Empty;
-  }
   /// Takes the current pair, whose code is 1000 or above; false when it is none of a
   /// hatch's.
   bool take(const CFileDXFILexer& lexer);
 
+  /// Whether nothing was there of what might be a hatch's.
+  bool empty() const { return m_pairs.empty(); }
   /// Whether the data claims to be a hatch.
-  bool claimsHatch() const { return m_pairs.size() > 1; }
+  bool claimsHatch() const { return m_pairs.size() > 1 && isMark(m_pairs[1]); }
   /// Takes the data apart; false, with all outputs undefined, when it departs from the
   /// layout anywhere. Patterns that are not in the catalogue go into `types`.
   bool parse(CHatchTypeTable& types);
@@ -42,21 +40,20 @@ class HatchData {
     zim::WString text;
   };
 
-  enum State { Empty, Named, Open, Over };
-
-  static State stateAfter(State state, const Pair& pair);
+  static bool isMark(const Pair& pair);
   bool has(long code) const { return m_next < m_pairs.size() && m_pairs[m_next].code == code; }
   bool takeText(zim::WString& text);
-  bool takeText(long code, std::u16string_view text);
+  bool takeText(long code, std::string_view text);
   bool takeInteger(long code, long& value);
+  bool takeConstant(long code, long value);
   bool takeReal(double& value);
   bool takePoint(long code, PNT_3D& pnt);
-  bool parseHead(zim::WString& name);
+  bool parseHead(zim::WString& name, long& noBounds);
   bool parseRing(std::vector<PNT_3D>& ring);
   bool parseFamily(HATCH_LINE& line);
   bool parseFamilies(std::vector<HATCH_LINE>& lines);
 
-  State m_state = Empty;
+  bool m_taking = false;
   std::vector<Pair> m_pairs;
   std::size_t m_next = 0;
 };

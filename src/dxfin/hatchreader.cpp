@@ -1,5 +1,7 @@
 #include "dxfin/hatchreader.h"
 
+#include <algorithm>
+
 #include "vek0core/entities/enthatch.h"
 #include "vek0core/hatch/boundary.h"
 
@@ -19,7 +21,12 @@ EntPtr HatchReader::read() {
   static constexpr CodeSet groups{kPatternLines, kLoops, kSeeds};
   m_lines.clear();
   m_rings.clear();
-  if (!m_in.read(kind, groups, 2, [this](long code) { takeGroup(code); })) return nullptr;
+  const std::size_t room = std::min(m_curveRoom, kRecordCurvePoints);
+  m_loop.setCurveRoom(room);
+  const bool complete = m_in.read(kind, groups, 2, [this](long code) { takeGroup(code); });
+  m_curveRoom -= room - m_loop.getCurveRoom();
+  if (!complete) return nullptr;
+  if (m_loop.isCoarse()) m_in.note("hatch coarse");
   return build();
 }
 
@@ -77,8 +84,10 @@ bool HatchReader::readPatternLine() {
 
 void HatchReader::readLoops() {
   for (long count = m_in.lexer().getInt(); count > 0; --count) {
+    m_refused = false;
     if (!readLoop()) return;
-    if (!m_loop.empty() && !m_loop.build(m_rings)) m_in.note("hatch open");
+    const bool closed = m_loop.empty() || m_loop.build(m_rings);
+    if (!closed || m_refused) m_in.note("hatch open");
   }
 }
 
@@ -126,11 +135,16 @@ bool HatchReader::readEdge() {
   }
 }
 
+// An edge that is none leaves a gap.
+bool HatchReader::took(bool added) {
+  m_refused = m_refused || !added;
+  return true;
+}
+
 bool HatchReader::readLine() {
   PNT_3D from, to;
   if (!takePoint(10, from) || !takePoint(11, to)) return false;
-  m_loop.addLine(from, to);
-  return true;
+  return took(m_loop.addLine(from, to));
 }
 
 bool HatchReader::readArc() {
@@ -140,8 +154,7 @@ bool HatchReader::readArc() {
   if (!takePoint(10, center) || !takeReal(40, radius) || !takeReal(50, start) ||
       !takeReal(51, end) || !takeInteger(73, ccw))
     return false;
-  m_loop.addArc(center, radius, start * kRadPerDegree, end * kRadPerDegree, ccw != 0);
-  return true;
+  return took(m_loop.addArc(center, radius, start * kRadPerDegree, end * kRadPerDegree, ccw != 0));
 }
 
 bool HatchReader::readEllipse() {
@@ -151,8 +164,8 @@ bool HatchReader::readEllipse() {
   if (!takePoint(10, center) || !takePoint(11, major) || !takeReal(40, ratio) ||
       !takeReal(50, start) || !takeReal(51, end) || !takeInteger(73, ccw))
     return false;
-  m_loop.addEllipse(center, major, ratio, start * kRadPerDegree, end * kRadPerDegree, ccw != 0);
-  return true;
+  return took(m_loop.addEllipse(center, major, ratio, start * kRadPerDegree, end * kRadPerDegree,
+                                ccw != 0));
 }
 
 bool HatchReader::readSpline() {
@@ -167,8 +180,7 @@ bool HatchReader::readSpline() {
     if (!takeReal(40, spline.knots.back())) return false;
   }
   if (!readControls(spline, noControls, rational != 0)) return false;
-  m_loop.addSpline(spline);
-  return true;
+  return took(m_loop.addSpline(spline));
 }
 
 bool HatchReader::readControls(SPLINE_3D& spline, long noControls, bool rational) {

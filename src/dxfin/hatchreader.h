@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -16,6 +17,10 @@ namespace vek0::detail {
 /// error 20.
 class HatchReader {
  public:
+  /// How many points all curves of boundaries become at most, in a file and in a record:
+  /// a curve takes a line of the file and gives up to a thousand points.
+  static constexpr std::size_t kFileCurvePoints = 10'000'000, kRecordCurvePoints = 1'000'000;
+
   explicit HatchReader(RecordReader& in) : m_in(in) {}
 
   EntPtr read();
@@ -32,6 +37,7 @@ class HatchReader {
   bool readLoop();
   bool readPolylineLoop();
   bool readEdge();
+  bool took(bool added);
   bool readLine();
   bool readArc();
   bool readEllipse();
@@ -46,6 +52,8 @@ class HatchReader {
   std::vector<PatternLine> m_lines;
   std::vector<HATCH_RING> m_rings;
   HatchLoopBuilder m_loop;
+  bool m_refused = false;                      // an edge of the loop
+  std::size_t m_curveRoom = kFileCurvePoints;  // that is left to curves of the file
 };
 
 }  // namespace vek0::detail

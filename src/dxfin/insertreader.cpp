@@ -11,8 +11,6 @@
 namespace vek0::detail {
 namespace {
 
-constexpr long kAnonymous = 1;  // of block flags
-
 void noteDropped(const RecordReader& in) { in.note("code dropped", u"1001"); }
 
 void takeExtended(const RecordReader& in, HatchData& data) {
@@ -64,12 +62,24 @@ bool isPlain(const Record& r) {
          r.integer(66) == 0;
 }
 
-// The hatch that the insert stands for; null when it is no more than an insert. A block
-// is the private one of a single hatch.
+bool holdsHatch(CBlock& block) {
+  for (CBlock::CInsertIterator insert(block); *insert; ++insert)
+    if ((*insert)->getType() == CEntHatch::kType) return true;
+  return false;
+}
+
+// Whether the block can be the private one of a hatch: of a single one, and no hatch within
+// another, since what is done to a hatch is done to all that its block holds.
+bool isFree(const RecordReader& in, CBlock& block) {
+  return !block.isXRef() && block.getName().view().substr(0, 1) == u"*" &&
+         in.hatchBlocks.count(&block) == 0 && in.hatchBlocks.count(in.owner) == 0 &&
+         !holdsHatch(block);
+}
+
+// The hatch that the insert stands for; null when it is no more than an insert.
 EntPtr readHatch(RecordReader& in, CBlock& block, HatchData& data) {
-  const bool isPrivate = !block.isXRef() && block.getName().view().substr(0, 1) == u"*" &&
-                         in.hatchBlocks.count(&block) == 0;
-  if (!isPrivate || !isPlain(in.record()) || !data.parse(in.context().semantor.getHatchTypeTable()))
+  if (!isFree(in, block) || !isPlain(in.record()) ||
+      !data.parse(in.context().semantor.getHatchTypeTable()))
     return nullptr;
   in.hatchBlocks.insert(&block);
   const Record& r = in.record();
@@ -93,14 +103,14 @@ EntPtr readInsert(RecordReader& in) {
   };
   if (!in.read(kind, InsertCodes(), 2, take)) return nullptr;
   if (!block)
-    block = in.context().semantor.createBlockHurried(unknownName,
-                                                     hatchData.claimsHatch() ? kAnonymous : 0);
+    block = in.context().semantor.createBlockHurried(
+        unknownName, hatchData.claimsHatch() ? CBlock::kAnonymous : 0);
   if (!block) {
     if (!in.failed()) in.fail(CFileDXFIError::BlockNotFound);
     return nullptr;
   }
   in.insertRead = true;
-  if (hatchData.claimsHatch()) {
+  if (!hatchData.empty()) {
     if (EntPtr hatch = readHatch(in, *block, hatchData)) return hatch;
     if (in.failed()) return nullptr;
     noteDropped(in);

@@ -115,6 +115,8 @@ class RecordReader {
   std::vector<std::unique_ptr<CEnt>> further;
   /// Whether any insert was read.
   bool insertRead = false;
+  /// The block whose definition is being read, if anything bears its name yet.
+  const CBlock* owner = nullptr;
   /// The blocks that hatches stored as inserts have claimed.
   std::unordered_set<const CBlock*> hatchBlocks;
 

@@ -1,9 +1,9 @@
 #include "dxfout/hatchdata.h"
 
 #include <algorithm>
-#include <limits>
 #include <vector>
 
+#include "dxfin/hatchdatalayout.h"
 #include "dxfout/savefilter.h"
 #include "vek0core/dxfout/filedxfowriter.h"
 #include "vek0core/entities/block.h"
@@ -15,14 +15,10 @@
 namespace vek0::detail {
 namespace {
 
-constexpr long kText = 1000, kApplication = 1001, kBrace = 1002;
-constexpr long kPoint = 1010, kDirection = 1011, kReal = 1040;
-constexpr long kShort = 1070, kLong = 1071;
-constexpr long kVersion = 19, kEvenOdd = 0, kPolylineRing = 2;
+using namespace hatchdata;
 
 long shortOf(std::size_t count) {
-  constexpr std::size_t most = std::numeric_limits<std::int16_t>::max();
-  return static_cast<long>(std::min(count, most));
+  return static_cast<long>(std::min<std::size_t>(count, kMostShort));
 }
 
 class HatchDataWriter {
@@ -36,12 +32,12 @@ class HatchDataWriter {
   void write(long handle) {
     const std::vector<HatchRing> rings = hatchRings(m_hatch.getBoundary());
     writeHead();
-    text("ASC_BOUNDS");
+    text(kBounds);
     m_writer.write(kShort, shortOf(rings.size() + 1));
     m_writer.write(kShort, 0L);
-    text("ASC_SEEDPOINT");
+    text(kSeed);
     point(kPoint, seed());
-    text("R14_HATCH_DATA");
+    text(kRings);
     m_writer.writeHex(kText, handle);
     point(kPoint, {0, 0, m_z});
     point(kDirection, {0, 0, 1});
@@ -49,7 +45,7 @@ class HatchDataWriter {
     m_writer.write(kLong, static_cast<long>(rings.size()));
     for (const HatchRing& ring : rings) writeRing(ring);
     if (getHatch(m_hatch.getHatchType()) < 0) writePatternLines();
-    m_writer.writeEncoded(kBrace, "}");
+    m_writer.writeEncoded(kBrace, kClose);
   }
 
  private:
@@ -61,9 +57,9 @@ class HatchDataWriter {
   }
 
   void writeHead() {
-    m_writer.writeEncoded(kApplication, "ACAD");
-    text("HATCH");
-    m_writer.writeEncoded(kBrace, "{");
+    m_writer.writeEncoded(kApplication, kOwner);
+    text(kMark);
+    m_writer.writeEncoded(kBrace, kOpen);
     m_writer.write(kShort, kVersion);
     m_writer.writeText(kText, zim::WString(m_hatch.getHatchType().name));
     m_writer.write(kReal, m_hatch.getHatchScale());
@@ -94,7 +90,7 @@ class HatchDataWriter {
 
   void writePatternLines() {
     const HATCH_TYPE& type = m_hatch.getHatchType();
-    text("PATTERN_LINES");
+    text(kPatternLines);
     m_writer.write(kLong, static_cast<long>(type.numLines));
     for (const HATCH_LINE* line = type.lines; line != type.lines + type.numLines; ++line) {
       m_writer.write(kReal, line->angle);

@@ -34,7 +34,8 @@ class Collect final : public IBlockOperation {
 std::vector<CBlock*> usersFirst(const CBlockGraph& graph) {
   Collect collect;
   try {
-    if (graph.VisitDep(collect) == ZORA_BLOCK_VISIT_RESULT_SUCCESS) return std::move(collect.blocks);
+    if (graph.VisitDep(collect) == ZORA_BLOCK_VISIT_RESULT_SUCCESS)
+      return std::move(collect.blocks);
   } catch (const std::bad_alloc&) {
     // Any order will do then.
   }

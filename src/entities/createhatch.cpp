@@ -4,6 +4,7 @@
 #include <new>
 #include <string>
 
+#include "entities/hatchblock.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/blockfactory.h"
@@ -19,7 +20,6 @@
 
 namespace {
 
-constexpr long kAnonymous = 1;
 constexpr short kByBlock = 0;
 constexpr long kAllEdgesHidden = 15;
 
@@ -97,10 +97,22 @@ bool isHatchName(const zim::WString& name) {
   return !number.empty() && number.find_first_not_of(u"0123456789") == std::u16string_view::npos;
 }
 
+bool vek0::detail::addHatchBlock(CBlockTable& table, std::unique_ptr<CBlock>& block) {
+  try {
+    block->setName(getHatchName(table));
+    table.add(block.get());
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  static_cast<void>(block.release());  // not before the table has it
+  return true;
+}
+
 CBlock* createHatch(const zim::WString& name, const HATCH_TYPE& type, double scale, double rotate,
                     const std::vector<PNT_3D>& boundary, CData& data) {
   try {
-    std::unique_ptr<CBlock> block(data.getBlockFactory().create(name, PNT_3D(0, 0, 0), kAnonymous));
+    std::unique_ptr<CBlock> block(
+        data.getBlockFactory().create(name, PNT_3D(0, 0, 0), CBlock::kAnonymous));
     if (!block) return nullptr;
     const HatchStatus status = fill(type, scale, rotate, boundary, data, *block);
     if (status == HatchStatus::Done) return block.release();

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "entities/hatchblock.h"
 #include "entities/newornull.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/entities/block.h"
@@ -10,12 +11,6 @@
 #include "vek0core/entities/entfactory.h"
 #include "vek0core/entities/entvisitor.h"
 #include "vek0core/hatch/boundary.h"
-
-namespace {
-
-constexpr long kAnonymous = 1;
-
-}  // namespace
 
 CEntHatch::CEntHatch(long handle, CLayer* layer, CLtype* ltype, short color, CBlock* block,
                      const HATCH_TYPE& type, double scale, double rotate,
@@ -61,52 +56,56 @@ bool CEntHatch::redefine(CData& data, double scale, double rotate, const HATCH_T
 bool CEntHatch::regenerate(CData& data, double scale, double rotate, const HATCH_TYPE& type,
                            const std::vector<PNT_3D>& boundary) {
   std::unique_ptr<CBlock> fresh(createHatch({}, type, scale, rotate, boundary, data));
-  if (!fresh) return false;
-  CBlockTable& table = data.getBlockTable();
-  CBlock* old = getBlock();
+  return fresh && show(data.getBlockTable(), fresh, scale, rotate, type, boundary);
+}
+
+bool CEntHatch::show(CBlockTable& table, std::unique_ptr<CBlock>& fresh, double scale,
+                     double rotate, const HATCH_TYPE& type, std::vector<PNT_3D> boundary) {
+  CBlock* const old = getBlock();
   std::vector<CBlock*> users;
   if (old) users = table.getBlockGraph().getUsers(*old);
-  replaceBlock(fresh.get());
-  if (old && old->getEntities() <= 0) {  // else an insert shows it too
-    table.remove(old);
-    delete old;
+  CBlock* const shown = fresh.get();
+  replaceBlock(shown);
+  const bool unused = old && old->getEntities() <= 0;  // else an insert shows it too
+  if (unused) table.remove(old);
+  if (!vek0::detail::addHatchBlock(table, fresh)) {
+    if (unused) table.add(old);
+    replaceBlock(old);
+    return false;
   }
-  fresh->setName(getHatchName(table));
-  table.add(fresh.release());
-  for (CBlock* user : users) table.updateBlock(user);
+  if (unused) delete old;
+  for (CBlock* user : users) {
+    table.updateBlock(user);
+    user->invalidateBdry();
+  }
   m_scale = scale;
   m_rotate = rotate;
   m_type = &type;
-  if (&boundary != &m_boundary) m_boundary = boundary;
+  m_boundary = std::move(boundary);
   calcBdry();
   return true;
 }
 
 CEnt* CEntHatch::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
                        CBlockTable& blockTable, long handle) const {
-  std::unique_ptr<CBlock> block(
-      blockFactory.create(getHatchName(blockTable), PNT_3D(0, 0, 0), kAnonymous));
+  std::unique_ptr<CBlock> block(blockFactory.create({}, PNT_3D(0, 0, 0), CBlock::kAnonymous));
   if (!block) return nullptr;
   if (const CBlock* own = getBlock()) {
     for (unsigned i = 0; i < static_cast<unsigned>(own->size()); ++i) {
       std::unique_ptr<CEnt> line(entFactory.clone(gestor, blockFactory, blockTable, *(*own)[i]));
       if (!line) return nullptr;
-      block->restore(line.release());
+      block->restore(line.get());
+      static_cast<void>(line.release());  // not before the block has it
     }
   }
   std::unique_ptr<CEntHatch> copy(new CEntHatch(*this, block.get(), handle));
-  blockTable.add(block.get());
-  static_cast<void>(block.release());  // not before the table has it
-  return copy.release();
+  return vek0::detail::addHatchBlock(blockTable, block) ? copy.release() : nullptr;
 }
 
 void CEntHatch::setMemento(CData& data, const IEntDerivedMemento* memento) {
   const auto* state = dynamic_cast<const CEntHatchMemento*>(memento);
   if (!state) return;
-  if (!state->showsSameBlock(*this)) {
-    regenerate(data, state->m_scale, state->m_rotate, *state->m_type, state->m_boundary);
-    return;
-  }
+  if (!state->showsSameBlock(*this)) return restoreLines(data, *state);
   m_scale = state->m_scale;
   m_rotate = state->m_rotate;
   m_type = state->m_type;
@@ -117,6 +116,17 @@ void CEntHatch::setMemento(CData& data, const IEntDerivedMemento* memento) {
     block->invalidateBdry();
   }
   calcBdry();
+}
+
+// A hatch that had no lines may be one that none could be generated for.
+void CEntHatch::restoreLines(CData& data, const CEntHatchMemento& state) {
+  std::unique_ptr<CBlock> block(
+      state.m_lines.empty()
+          ? data.getBlockFactory().create({}, PNT_3D(0, 0, 0), CBlock::kAnonymous)
+          : createHatch({}, *state.m_type, state.m_scale, state.m_rotate, state.m_boundary, data));
+  if (block)
+    show(data.getBlockTable(), block, state.m_scale, state.m_rotate, *state.m_type,
+         state.m_boundary);
 }
 
 IEntDerivedMemento* CEntHatch::createDerivedMemento() const {

@@ -41,7 +41,6 @@ void IEntInheritVisitor::visit(CEntInsert& ent) { visit(static_cast<CEntInsertBa
 void IEntInheritVisitor::visit(CEntFixedInsert& ent) { visit(static_cast<CEntInsertBase&>(ent)); }
 void IEntInheritVisitor::visit(CEntInsertXRef& ent) { visit(static_cast<CEntInsert&>(ent)); }
 void IEntInheritVisitor::visit(CEntAttrib& ent) { visit(static_cast<CEntText&>(ent)); }
-// No object of this class can be made yet, so there is none to forward.
 void IEntInheritVisitor::visit(CEntHatch& ent) { visit(static_cast<CEntInsertBase&>(ent)); }
 void IEntInheritVisitor::visit(CEnt3DFace& ent) { visit(static_cast<CEnt&>(ent)); }
 void IEntInheritVisitor::visit(CVertex&) {}

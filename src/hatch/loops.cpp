@@ -407,6 +407,21 @@ bool HatchLoopBuilder::addEdge(size_t first) {
   return true;
 }
 
+// Keeps every fourth of the points from `first` on when there is no room for all: they
+// stand for a curve that begins before them.
+void HatchLoopBuilder::thinCurve(size_t first) {
+  constexpr size_t few = 4;
+  const size_t count = m_points.size() - first;
+  if (count <= few) return;
+  if (count <= m_curveRoom) {
+    m_curveRoom -= count;
+    return;
+  }
+  for (size_t k = 1; k <= few; ++k) m_points[first + k - 1] = m_points[first + k * count / few - 1];
+  m_points.resize(first + few);
+  m_coarse = true;
+}
+
 bool HatchLoopBuilder::addLine(const PNT_3D& from, const PNT_3D& to) {
   const size_t first = m_points.size();
   m_points.push_back(from);
@@ -425,6 +440,7 @@ bool HatchLoopBuilder::addEllipse(const PNT_3D& center, const PNT_3D& major, dou
   if (!ellipse.set(center, major, ratio, ccw ? start : -end, ccw ? end : -start)) return false;
   const size_t first = m_points.size();
   ellipse.chords(m_points);
+  thinCurve(first + 1);
   if (!ccw) std::reverse(m_points.begin() + static_cast<std::ptrdiff_t>(first), m_points.end());
   return addEdge(first);
 }
@@ -433,6 +449,7 @@ bool HatchLoopBuilder::addSpline(const SPLINE_3D& spline) {
   const size_t first = m_points.size();
   if (spline.isValid()) {
     spline.chords(kArcChordError * spline.size(), m_points);
+    thinCurve(first + 1);
   } else {
     spline.controlPolygon(m_points);
   }
@@ -445,10 +462,12 @@ bool HatchLoopBuilder::addPolyline(const std::vector<PNT_3D>& points,
   const auto bulge = [&](size_t i) { return i < bulges.size() ? bulges[i] : 0; };
   const size_t first = m_points.size();
   m_points.push_back(points[0]);
-  for (size_t i = 1; i < points.size(); ++i) {
-    bulgePoints(points[i - 1], points[i], bulge(i - 1), m_points);
+  const size_t segments = points.size() - (closed ? 0 : 1);
+  for (size_t i = 0; i < segments; ++i) {
+    const size_t begin = m_points.size();
+    bulgePoints(points[i], points[(i + 1) % points.size()], bulge(i), m_points);
+    thinCurve(begin);
   }
-  if (closed) bulgePoints(points.back(), points[0], bulge(points.size() - 1), m_points);
   return addEdge(first);
 }
 

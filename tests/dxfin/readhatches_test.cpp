@@ -205,8 +205,64 @@ TEST(ReadHatches, LossesAreTold) {
   EXPECT_EQ(onlyHatch(dense)->getNoPnts(), 4) << "nothing of what the file said is lost";
   EXPECT_EQ(onlyHatch(dense)->getBlock()->size(), 0u);
   EXPECT_EQ(onlyHatch(dense)->getHatchScale(), 1e-9);
+  const Loaded flat =
+      loadHatch(kHead +
+                "91 1|92 1|93 4|72 1|10 0|20 0|11 9|21 0|72 2|10 9|20 0|40 0|"
+                "50 0|51 90|73 1|72 1|10 9|20 0|11 9|21 9|72 1|10 9|20 9|11 0|21 0|97 0" +
+                kTail);
+  EXPECT_EQ(notes(flat, "hatch open"), 1) << "an edge that is none";
   const Loaded unknown = loadHatch(kHead + "91 1|" + kSquare + "|2 WHAT|76 1");
   EXPECT_EQ(notes(unknown, "hatch empty"), 1);
+}
+
+// A short record can make a million points of curves.
+TEST(ReadHatches, CurvesHaveABound) {
+  const int count = 5000;
+  std::string loop = "92 2|72 1|73 1|93 " + std::to_string(count);
+  for (int i = 0; i < count; ++i)
+    loop += "|10 " + std::to_string(i % 2) + "|20 " + std::to_string(i) + "|42 1e9";
+  const Loaded got = loadHatch(kHead + "2 WHAT|91 1|" + loop + kTail);
+  EXPECT_EQ(notes(got, "hatch coarse"), 1);
+  ASSERT_NE(onlyHatch(got), nullptr);
+  EXPECT_LT(onlyHatch(got)->getNoPnts(), 1'100'000);
+  EXPECT_GT(onlyHatch(got)->getNoPnts(), 900'000);
+}
+
+TEST(ReadHatches, TheLinesOfAFileHaveABound) {
+  const std::string hatch = kHead + "91 1|" + kSquare + kTail + "|";
+  std::string list;
+  for (int i = 0; i < 100; ++i) list += hatch;
+  list.pop_back();
+  CDataPtr data(CDataFactory().createData());
+  data->setHatchLimit(1000);
+  CFileMemory file(u"in.dxf", IFile::kRead, entitiesOf("AC1015", list));
+  CFileDXFIError error;
+  CFileReport report;
+  CFileDXFIOptions options;
+  options.report = &report;
+  loadDXF(*data, file, &error, options);
+  EXPECT_FALSE(error.HasAnError());
+  EXPECT_EQ(data->getHatchLimit(), 1000);
+  std::size_t pieces = 0, empty = 0;
+  for (CEnt* ent : data->getEntTable().getEntityTbl()) {
+    const std::size_t size = castHatch(ent)->getBlock()->size();
+    pieces += size;
+    empty += size == 0 ? 1 : 0;
+  }
+  EXPECT_GT(pieces, 4500u);
+  EXPECT_LE(pieces, 5000u);
+  ASSERT_EQ(report.entries().size(), 1u);
+  EXPECT_EQ(static_cast<std::size_t>(report.entries()[0].count), empty);
+}
+
+TEST(ReadHatches, OnPaperLeaveNothingBehind) {
+  const std::string text = version("AC1015") +
+                           section("BLOCKS", pairsOf("0 BLOCK|2 *Paper_Space|" + kHead + "91 1|" +
+                                                     kSquare + kTail + "|0 ENDBLK|5 9")) +
+                           dxf();
+  const Loaded got = loadText(text);
+  ASSERT_FALSE(got.error.HasAnError()) << got.error.GetErrorLine();
+  EXPECT_EQ(got.data->getBlockTable().size(), 0);
 }
 
 TEST(ReadHatches, OldVersionsSkipThem) {

@@ -121,6 +121,7 @@ TEST_F(Hatches, WhatCannotBeGeneratedChangesNothing) {
   EXPECT_EQ(shown(*hatch), before);
   EXPECT_EQ(hatch->getHatchScale(), 4);
   EXPECT_EQ(createEntHatch(*data, pattern(u"DOTS"), 0.01, 0, kSquare, 0), nullptr);
+  EXPECT_EQ(make({kSquare[0], kSquare[1], kSquare[1], kSquare[0]}), nullptr) << "no area";
   EXPECT_EQ(blocks().size(), 1);
   ASSERT_EQ(told.size(), 4u);
   EXPECT_NE(told[0].find("ANSI31: The hatch is too dense"), std::string::npos) << told[0];
@@ -174,6 +175,29 @@ TEST_F(Hatches, MementosRestoreLinesWhereTheyCan) {
   hatch->setMemento(*data, foreign.get());
   EXPECT_EQ(shown(*hatch), before) << "a memento of another kind is ignored";
   delete point;
+
+  data->setHatchLimit(1);
+  const CBlock* kept = hatch->getBlock();
+  const std::unique_ptr<IEntDerivedMemento> full(hatch->createDerivedMemento());
+  hatch->getBlock()->disposeEntities();
+  hatch->setMemento(*data, full.get());
+  EXPECT_EQ(hatch->getBlock(), kept) << "nothing can be generated";
+  EXPECT_EQ(kept->size(), 0u);
+}
+
+// As one is when the lines that a file asks for were too many.
+TEST_F(Hatches, MementosOfHatchesWithoutLinesRestoreThat) {
+  CEntHatch* hatch = added();
+  hatch->getBlock()->disposeEntities();
+  hatch->setHatchScale(1e-9);
+  const std::unique_ptr<IEntDerivedMemento> memento(hatch->createDerivedMemento());
+  EXPECT_TRUE(hatch->redefine(*data, 4, 0, hatch->getHatchType()));
+  EXPECT_GT(hatch->getBlock()->size(), 0u);
+  hatch->setMemento(*data, memento.get());
+  EXPECT_EQ(hatch->getHatchScale(), 1e-9);
+  EXPECT_EQ(hatch->getBlock()->size(), 0u);
+  EXPECT_EQ(hatch->getBlock()->getEntities(), 1);
+  EXPECT_EQ(blocks().size(), 1);
 }
 
 // A block keeps a list of what it inserts, and a hatch replaces what it shows.
@@ -185,11 +209,13 @@ TEST_F(Hatches, LiveInBlocks) {
   CBlockGraph& graph = blocks().getBlockGraph();
   EXPECT_EQ(graph.getEdges(*block), std::vector<CBlock*>{hatch->getBlock()});
   EXPECT_EQ(hatch->getPnt(0), PNT_3D(-1, -1, 0)) << "moved with the block's base point";
+  EXPECT_GE(static_cast<const CBlock&>(*block).getBdry().min.x, -1 - 1e-9);
   EXPECT_TRUE(hatch->redefine(*data, 1, 0, hatch->getHatchType()));
   EXPECT_EQ(graph.getEdges(*block), std::vector<CBlock*>{hatch->getBlock()});
   EXPECT_EQ(blocks().size(), 2);
   EXPECT_EQ(hatch->getBlock()->getEntities(), 1);
   const RECT_3D box = static_cast<const CBlock&>(*block).getBdry();
+  EXPECT_EQ(box, static_cast<const CBlock&>(*hatch->getBlock()).getBdry()) << "of the new lines";
   EXPECT_GE(box.min.x, -1 - 1e-9);
   EXPECT_LE(box.max.x, 9 + 1e-9);
 }

@@ -163,6 +163,31 @@ TEST(HatchLoopBuilder, BulgesAndLinesThatEncloseNothing) {
   EXPECT_EQ(rings.size(), 1u);
 }
 
+TEST(HatchLoopBuilder, CurvesGetCoarseWhenThereIsNoRoom) {
+  HatchLoopBuilder loop;
+  loop.setCurveRoom(300);
+  std::vector<HATCH_RING> rings;
+  EXPECT_TRUE(loop.addArc({0, 0, 0}, 1, 0, 2 * kPi, true));
+  EXPECT_FALSE(loop.isCoarse());
+  EXPECT_TRUE(loop.addArc({9, 0, 0}, 1, 0, 2 * kPi, false));
+  EXPECT_TRUE(loop.isCoarse());
+  EXPECT_TRUE(loop.addPolyline(
+      {
+          {0, 9, 0},
+          {2, 9, 0}
+  },
+      {1, 1}, true));
+  EXPECT_TRUE(loop.build(rings));
+  ASSERT_EQ(rings.size(), 3u);
+  EXPECT_GT(rings[0].size(), 200u);
+  EXPECT_EQ(rings[1].size(), 4u) << "a square in the circle";
+  EXPECT_EQ(rings[2].size(), 8u);
+  for (const PNT_3D& p : rings[1]) EXPECT_NEAR(p.dist(PNT_3D(9, 0, 0)), 1, 1e-12);
+  for (const PNT_3D& p : rings[2]) EXPECT_NEAR(p.dist(PNT_3D(1, 9, 0)), 1, 1e-12);
+  loop.setCurveRoom(1000);
+  EXPECT_FALSE(loop.isCoarse());
+}
+
 TEST(HatchLoopBuilder, RefusesBrokenEdges) {
   HatchLoopBuilder b;
   EXPECT_FALSE(b.addLine({0, 0, 0}, {kNan, 0, 0}));

@@ -103,7 +103,8 @@ class VEK0_API CData {
   /// The drawing's own hatch patterns.
   CHatchTypeTable& getHatchTypeTable() const { return *m_hatchTypes; }
   /// How many lines and points one hatch may have at most, by an estimate made before
-  /// any is generated; a million at first.
+  /// any is generated; a million at first. All that one file makes the loader generate
+  /// may have five times as many; hatches beyond stay without lines.
   double getHatchLimit() const { return m_hatchLimit; }
   void setHatchLimit(double limit) { m_hatchLimit = limit; }
 

@@ -202,7 +202,8 @@ VEK0_API CEntInsertXRef* createEntInsertXRef(const CData& data, CBlockXRefDepend
 /// A hatch over a boundary (see `CEntHatch`), with the pattern's scale and its angle in
 /// radians. Its block, named by `getHatchName`, is in the block table. The pattern must
 /// live as long as the drawing: one of the catalogue or of `CData::getHatchTypeTable`.
-/// Null, with nothing left behind, when the lines cannot be generated (`createHatch`).
+/// Null, with nothing left behind, when the boundary has fewer than three points or the
+/// lines cannot be generated (`createHatch`).
 VEK0_API CEntHatch* createEntHatch(CData& data, CLayer* layer, CLtype* ltype, short color,
                                    const HATCH_TYPE& type, double scale, double rotate,
                                    const std::vector<PNT_3D>& boundary, long handle);

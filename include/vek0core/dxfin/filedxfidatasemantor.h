@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -109,6 +110,10 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   CBlockXRef* addXRef(const zim::WString& name, const zim::WString& path, const PNT_3D& base,
                       long flags);
   Placeholder* findPlaceholder(const CBlock& block);
+  /// The lines of a hatch; null when there would be too many, or none can be made.
+  std::unique_ptr<CBlock> generate(const HATCH_TYPE& type, double scale, double rotate,
+                                   const std::vector<PNT_3D>& boundary);
+  void dropUnusedHatchBlocks();
   bool repoint(CEntInsertBase& insert);
   void repointInserts();
 
@@ -119,7 +124,8 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   // References that only the names of dependent items speak of. As long as no block
   // entry declares one, an ordinary block of that name comes first.
   std::unordered_set<const CBlockXRef*> m_announcedXRefs;
-  std::unordered_set<const CBlock*> m_hatchBlocks;  // generated while reading
+  std::unordered_set<CBlock*> m_hatchBlocks;  // generated while reading
+  double m_hatchRoom;                         // pieces that further hatches may have
   std::vector<Placeholder> m_placeholders;
   std::unordered_map<const CBlock*, std::size_t> m_placeholderIndex;
 };

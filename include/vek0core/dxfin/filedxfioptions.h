@@ -32,6 +32,7 @@ struct CFileDXFIPolicy {
 ///   arcs straightened     arcs of fitted curves became chords, there were too many
 ///   curve without frame   a curve without control points became a plain polyline
 ///   hatch empty           a hatch's lines could not be generated; its boundary is kept
+///   hatch coarse          curves of a boundary have few chords, there were too many
 ///   hatch open            a loop of a hatch was closed by a straight line
 ///   hatch islands         too many loops: some inner ones count that should not
 ///   hatch dropped         a hatch without a loop that bounds an area

@@ -39,7 +39,9 @@ class VEK0_API CBlock : public CNamedItem {
   class CAttdefIterator;
   class CInsertIterator;
 
-  static constexpr long kHasAttdefs = 2;  ///< bit of the flags, see the class
+  // Bits of the flags.
+  static constexpr long kAnonymous = 1;   ///< private to what inserts it: a hatch, an array
+  static constexpr long kHasAttdefs = 2;  ///< see the class
 
   /// Copies name, base point, flags and the host's words. The copy has no entities,
   /// hence no flag bit 2, and is in no table.

@@ -12,6 +12,7 @@
 
 class CBlockTable;
 class CData;
+class CEntHatchMemento;
 
 /// A hatched area: a boundary, a pattern with its scale and angle, and a private block
 /// with the lines that this gives, which it shows as an insert at the origin would.
@@ -30,7 +31,8 @@ class VEK0_API CEntHatch : public CEntInsertBase {
   using CEnt::setMemento;
   /// Restores scale, angle, pattern and boundary, and the lines: from the memento while
   /// the hatch still shows the block that it showed then with as many entities of the
-  /// same kinds, otherwise by generating them. A memento of another kind is ignored.
+  /// same kinds, otherwise by generating them; nothing changes when they cannot be. A
+  /// memento of another kind is ignored.
   void setMemento(CData& data, const IEntDerivedMemento* memento) override;
   short getType() const override { return kType; }
   IEntDerivedMemento* createDerivedMemento() const override;
@@ -84,6 +86,9 @@ class VEK0_API CEntHatch : public CEntInsertBase {
  private:
   bool regenerate(CData& data, double scale, double rotate, const HATCH_TYPE& type,
                   const std::vector<PNT_3D>& boundary);
+  bool show(CBlockTable& table, std::unique_ptr<CBlock>& fresh, double scale, double rotate,
+            const HATCH_TYPE& type, std::vector<PNT_3D> boundary);
+  void restoreLines(CData& data, const CEntHatchMemento& state);
 
   double m_scale;
   double m_rotate;

@@ -45,6 +45,17 @@ class VEK0_API HatchLoopBuilder {
 
   bool empty() const { return m_edges.empty(); }
 
+  /// How many points the curves of further edges may add, no end of them at first. A
+  /// curve that would add more than is left gets four chords at most.
+  void setCurveRoom(std::size_t points) {
+    m_curveRoom = points;
+    m_coarse = false;
+  }
+  /// What is left of that.
+  std::size_t getCurveRoom() const { return m_curveRoom; }
+  /// Whether that has happened to any curve since `setCurveRoom`.
+  bool isCoarse() const { return m_coarse; }
+
   /// Appends the rings of the loop to `rings`: one, unless edges close among themselves
   /// before all are used; none when fewer than three points differ.
   ///
@@ -62,9 +73,12 @@ class VEK0_API HatchLoopBuilder {
   };
 
   bool addEdge(std::size_t first);
+  void thinCurve(std::size_t first);
 
   std::vector<PNT_3D> m_points;  // of all edges, one after the other
   std::vector<Edge> m_edges;
+  std::size_t m_curveRoom = static_cast<std::size_t>(-1);
+  bool m_coarse = false;
 };
 
 /// How a hatch treats loops within loops.
