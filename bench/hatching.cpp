@@ -1,11 +1,14 @@
-// Filling areas with patterns: one boundary of many edges, and many small ones.
+// Filling areas with patterns: one boundary of many edges, and many small ones; making many
+// hatches in one drawing, and keeping the patterns of many.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
 #include <cstdint>
 #include <vector>
 
+#include "drawings.h"
 #include "vek0core/hatch/fill.h"
+#include "vek0core/hatch/hatchtypetable.h"
 #include "vek0core/hatch/triangulate.h"
 
 namespace {
@@ -92,5 +95,45 @@ void BM_FillSolid(benchmark::State& state) {
   state.counters["faces"] = static_cast<double>(faces.size());
 }
 BENCHMARK(BM_FillSolid)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+// So many hatches of twenty lines each in one drawing: their blocks are numbered, named and
+// registered one after the other.
+void BM_CreateHatches(benchmark::State& state) {
+  const std::vector<PNT_3D> room = {
+      {3, 4,  0},
+      {9, 4,  0},
+      {9, 8,  0},
+      {6, 8,  0},
+      {6, 12, 0},
+      {3, 12, 0}
+  };
+  for (auto _ : state) {
+    state.PauseTiming();
+    vek0::bench::Drawing drawing = vek0::bench::newDrawing();
+    state.ResumeTiming();
+    for (std::int64_t i = 0; i < state.range(0); ++i) {
+      CEntHatch* hatch = createEntHatch(*drawing, *getHatch(1L), 4, 0, room, i + 1);
+      if (!hatch) return state.SkipWithError("the hatch is not made");
+      drawing->getEntTable().add(hatch);
+    }
+    state.PauseTiming();
+    drawing.reset();
+    state.ResumeTiming();
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_CreateHatches)->Arg(1000)->Arg(20000)->Unit(benchmark::kMillisecond);
+
+// Files may give every hatch lines of its own under one name.
+void BM_KeepPatterns(benchmark::State& state) {
+  for (auto _ : state) {
+    CHatchTypeTable table;
+    for (std::int64_t i = 0; i < state.range(0); ++i)
+      benchmark::DoNotOptimize(
+          &table.intern(u"BENCH", {slanted(1 + static_cast<double>(i) * 1e-3, true)}));
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_KeepPatterns)->Arg(1000)->Arg(20000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -10,8 +12,6 @@
 
 namespace vek0::tool {
 namespace {
-
-constexpr double kRadPerDegree = 0.01745329251994;
 
 struct Options {
   std::string in, out, pattern = "ANSI31", layer = "0";
@@ -52,7 +52,6 @@ class OutlineCollector final : public IEntFooVisitor {
     rings.emplace_back();
     polyline.forEachVisible(
         [this](const PNT_3D& pnt, double, double, double, long) { rings.back().push_back(pnt); });
-    if (rings.back().size() < 3) rings.pop_back();
   }
 
   std::vector<HATCH_RING> rings;
@@ -62,6 +61,44 @@ std::vector<HATCH_RING> outlinesOf(const CData& data) {
   OutlineCollector collector;
   for (CEnt* ent : data.getEntTable().getEntityTbl()) ent->accept(collector);
   return collector.rings;
+}
+
+// Whether the ring leaves the line from its first point to the farthest one.
+bool hasWidth(const PNT_3D* ring, std::size_t count) {
+  constexpr double kFlat = 1e-12;  // of that distance
+  const auto distance = [&](const PNT_3D& p) { return std::hypot(p.x - ring->x, p.y - ring->y); };
+  const PNT_3D& far = *std::max_element(ring, ring + count, [&](const PNT_3D& p, const PNT_3D& q) {
+    return distance(p) < distance(q);
+  });
+  const double length = distance(far);
+  const double ux = (far.x - ring->x) / length, uy = (far.y - ring->y) / length;
+  return std::any_of(ring, ring + count, [&](const PNT_3D& p) {
+    return std::fabs(ux * (p.y - ring->y) - uy * (p.x - ring->x)) > kFlat * length;
+  });
+}
+
+bool hasArea(const std::vector<PNT_3D>& boundary) {
+  const std::vector<HatchRing> rings = hatchRings(boundary);
+  return std::any_of(rings.begin(), rings.end(), [&](const HatchRing& ring) {
+    return hasWidth(boundary.data() + ring.first, ring.count);
+  });
+}
+
+// The area to hatch; empty, and complained of, when it is none.
+std::vector<PNT_3D> boundaryOf(const CData& data, const Options& options, Session& session) {
+  std::vector<PNT_3D> boundary =
+      joinHatchRings(options.closedPolylines ? outlinesOf(data) : ringOf(options.boundary));
+  if (hasArea(boundary)) return boundary;
+  if (options.closedPolylines) {
+    Session::complain(options.in + ": there is no closed polyline to hatch");
+    session.failed(kDrawingFailed);
+  } else {
+    Session::complain(
+        "the boundary encloses no area: it needs three different points that are "
+        "not in line");
+    session.failed(kWrongUsage);
+  }
+  return {};
 }
 
 CLayer* needLayer(CData& data, const zim::WString& name) {
@@ -75,13 +112,8 @@ void complainOfHatch(const HATCH_TYPE& type, const zim::WString& message) {
 }
 
 bool hatch(CData& data, const Options& options, Session& session) {
-  const std::vector<HATCH_RING> rings =
-      options.closedPolylines ? outlinesOf(data) : ringOf(options.boundary);
-  if (rings.empty()) {
-    Session::complain(options.in + ": there is no closed polyline to hatch");
-    session.failed(kDrawingFailed);
-    return false;
-  }
+  const std::vector<PNT_3D> boundary = boundaryOf(data, options, session);
+  if (boundary.empty()) return false;
   const zim::WString name = zim::WString::fromUtf8(options.pattern);
   const HATCH_TYPE& type =
       zim::equalsIgnoreCase(name, u"SOLID") ? data.getHatchTypeTable().solid() : *getHatch(name);
@@ -89,7 +121,7 @@ bool hatch(CData& data, const Options& options, Session& session) {
   setHatchMessageHandler(complainOfHatch);
   CEntHatch* made = createEntHatch(data, needLayer(data, zim::WString::fromUtf8(options.layer)),
                                    getLtypeByLayer(data), 256, type, options.scale,
-                                   options.angleDeg * kRadPerDegree, joinHatchRings(rings), 0);
+                                   options.angleDeg * kRadiansPerDegree, boundary, 0);
   if (!made) {
     session.failed(kDrawingFailed);
     return false;

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -5,6 +6,7 @@
 #include <vector>
 
 #include "commands.h"
+#include "vek0core/geometry/angle.h"
 #include "vek0core/hatch/catalogue.h"
 #include "zim0lang/wstring.h"
 
@@ -13,13 +15,14 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr double kDegreesPerRadian = 57.29577951308232;
-
 std::string utf8(const zim::Char* text) { return zim::WString(text).toUtf8(); }
+
+// The catalogue's angles have thirteen decimals; the degrees that they stand for have fewer.
+double degreesOf(double angleRad) { return std::round(angleRad / kRadiansPerDegree * 1e9) / 1e9; }
 
 Json toJson(const HATCH_LINE& line) {
   Json family;
-  family["angle"] = line.angle * kDegreesPerRadian;
+  family["angle"] = degreesOf(line.angle);
   family["base"] = {line.x0, line.y0};
   family["offset"] = {line.dx, line.dy};
   family["dashes"] = std::vector<double>(line.dash, line.dash + line.numDash);

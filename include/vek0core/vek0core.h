@@ -5,6 +5,7 @@
 #include "vek0core/assert.h"
 #include "vek0core/export.h"
 
+#include "vek0core/geometry/angle.h"
 #include "vek0core/geometry/arc.h"
 #include "vek0core/geometry/circle.h"
 #include "vek0core/geometry/ellipse.h"

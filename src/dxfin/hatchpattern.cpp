@@ -3,13 +3,15 @@
 #include <algorithm>
 #include <cmath>
 
-#include "dxfin/recordreader.h"
+#include "vek0core/geometry/angle.h"
 
 namespace vek0::detail {
 namespace {
 
 constexpr int kMaxDashes = 6;
-constexpr double kTolerance = 1e-3;  // files give few digits, and rounded factors
+constexpr double kTolerance = 1e-3;   // files give few digits, and rounded factors
+constexpr double kDegreeSteps = 1e9;  // in a degree
+constexpr double kSizeDigits = 10;    // of a family's size; arithmetic leaves noise at 1e-12
 
 HATCH_LINE lineOf(double angleRad, double x0, double y0, double dx, double dy) {
   return {angleRad, x0, y0, dx, dy, {}, 0};
@@ -67,7 +69,7 @@ std::vector<HATCH_LINE> ownLines(const PatternRecord& record) {
   std::vector<HATCH_LINE> lines;
   const double s = record.scale, back = -record.angleRad;
   for (const PatternLine& from : record.lines) {
-    const double a = from.angleDeg * kRadPerDegree;
+    const double a = from.angleDeg * kRadiansPerDegree;
     const double x0 = (from.base[0] * std::cos(back) - from.base[1] * std::sin(back)) / s;
     const double y0 = (from.base[0] * std::sin(back) + from.base[1] * std::cos(back)) / s;
     const double dx = (from.offset[0] * std::cos(a) + from.offset[1] * std::sin(a)) / s;
@@ -81,7 +83,7 @@ std::vector<HATCH_LINE> ownLines(const PatternRecord& record) {
 
 std::vector<HATCH_LINE> userLines(bool crossed) {
   std::vector<HATCH_LINE> lines{lineOf(0, 0, 0, 0, 1)};
-  if (crossed) lines.push_back(lineOf(90 * kRadPerDegree, 0, 0, 0, 1));
+  if (crossed) lines.push_back(lineOf(90 * kRadiansPerDegree, 0, 0, 0, 1));
   return lines;
 }
 
@@ -93,14 +95,51 @@ double sizeOf(const HATCH_LINE& line) {
   return size;
 }
 
+// Rounds to multiples of 1 / perUnit, also to positive zero. A number that is no finer than
+// that already is kept, and so is one that is none.
+double rounded(double value, double perUnit) {
+  constexpr double kWholeNumbers = 4503599627370496;  // 2^52, beyond which all are whole
+  const double steps = std::round(value * perUnit);
+  return std::fabs(steps) < kWholeNumbers ? steps / perUnit + 0.0 : value;
+}
+
+// Rounds last, for a turn taken off leaves noise as well.
+double roundedAngle(double angleRad) {
+  const double turn = 360, degrees = angleRad / kRadiansPerDegree;
+  const double within = rounded(degrees - turn * std::floor(degrees / turn), kDegreeSteps);
+  return (within < turn ? within : 0) * kRadiansPerDegree;
+}
+
+// Takes off what scaling and turning has left in the last digits: hatches of one pattern,
+// each with a scale and an angle of its own, must find the same one. Steps are powers of ten,
+// which keeps the short decimals of definitions, and change at sizes that are not round.
+HATCH_LINE rounded(HATCH_LINE line) {
+  constexpr double kOffRound = 0.37;
+  const double perUnit =
+      std::pow(10, kSizeDigits - std::floor(std::log10(sizeOf(line)) + kOffRound));
+  if (!std::isnormal(perUnit)) return line;
+  line.angle = roundedAngle(line.angle);
+  for (double* length : {&line.x0, &line.y0, &line.dx, &line.dy})
+    *length = rounded(*length, perUnit);
+  for (double& dash : line.dash) dash = rounded(dash, perUnit);
+  return line;
+}
+
+// Dots at the end of a sequence fall on what begins it; definitions have them or not.
+int noDashes(const HATCH_LINE& line) {
+  int count = line.numDash;
+  while (count > 0 && line.dash[count - 1] == 0) --count;
+  return count;
+}
+
 bool isMultiple(const HATCH_LINE& line, const HATCH_LINE& of, double factor) {
   const double size = sizeOf(of) * factor;
-  const double turns = (line.angle - of.angle) / (360 * kRadPerDegree);
-  if (line.numDash != of.numDash || !isNear(turns, std::round(turns), 1) ||
+  const double turns = (line.angle - of.angle) / (360 * kRadiansPerDegree);
+  if (noDashes(line) != noDashes(of) || !isNear(turns, std::round(turns), 1) ||
       !isNear(line.x0, of.x0 * factor, size) || !isNear(line.y0, of.y0 * factor, size) ||
       !isNear(line.dx, of.dx * factor, size) || !isNear(line.dy, of.dy * factor, size))
     return false;
-  return std::equal(line.dash, line.dash + line.numDash, of.dash, [&](double a, double b) {
+  return std::equal(line.dash, line.dash + noDashes(line), of.dash, [&](double a, double b) {
     return isNear(a, b * factor, size) && (a == 0) == (b == 0);
   });
 }
@@ -126,9 +165,11 @@ Pattern findPattern(const PatternRecord& record, CHatchTypeTable& types) {
       return {&types.intern(record.name, userLines(record.crossed)), record.scale};
     return {named ? named : &types.intern(record.name, {}), record.scale};
   }
-  const std::vector<HATCH_LINE> lines = ownLines(record);
+  std::vector<HATCH_LINE> lines = ownLines(record);
   const double factor = named ? factorOf(lines, *named) : 0;
   if (factor > 0) return {named, record.scale * factor};
+  std::transform(lines.begin(), lines.end(), lines.begin(),
+                 [](const HATCH_LINE& line) { return rounded(line); });
   return {&types.intern(record.name, lines), record.scale};
 }
 

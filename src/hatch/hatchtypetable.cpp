@@ -1,7 +1,11 @@
 #include "vek0core/hatch/hatchtypetable.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstdint>
+#include <functional>
+#include <iterator>
 
 struct CHatchTypeTable::Pattern {
   Pattern(const zim::WString& patternName, const std::vector<HATCH_LINE>& patternLines)
@@ -16,9 +20,36 @@ struct CHatchTypeTable::Pattern {
 
 namespace {
 
-bool isSame(const HATCH_LINE& a, const HATCH_LINE& b) {
-  return a.angle == b.angle && a.x0 == b.x0 && a.y0 == b.y0 && a.dx == b.dx && a.dy == b.dy &&
-         a.numDash == b.numDash && std::equal(a.dash, a.dash + a.numDash, b.dash);
+constexpr std::size_t kMaxDashes = std::size(HATCH_LINE{}.dash);
+
+using LineBits = std::array<std::uint64_t, kMaxDashes + 6>;
+
+// Adding 0 takes the sign from a negative zero.
+std::uint64_t bitsOf(double value) { return std::bit_cast<std::uint64_t>(value + 0.0); }
+
+// What tells lines apart, which what stands behind the last dash does not. Bits instead of
+// values: files can make numbers that are none, and those must not differ from themselves.
+LineBits bitsOf(const HATCH_LINE& line) {
+  LineBits bits = {bitsOf(line.angle), bitsOf(line.x0), bitsOf(line.y0), bitsOf(line.dx),
+                   bitsOf(line.dy)};
+  bits[5] = static_cast<std::uint64_t>(line.numDash);
+  for (std::size_t i = 0; i < kMaxDashes && i < bits[5]; ++i) bits[6 + i] = bitsOf(line.dash[i]);
+  return bits;
+}
+
+bool isSame(const HATCH_LINE& a, const HATCH_LINE& b) { return bitsOf(a) == bitsOf(b); }
+
+// The multiplier is 2^64 by the golden ratio. It carries upwards only, and the low bits of
+// round numbers are all zero, so the upper half is brought down each time.
+std::size_t hashOf(const zim::WString& name, const std::vector<HATCH_LINE>& lines) {
+  std::uint64_t hash = std::hash<zim::WString>()(name);
+  for (const HATCH_LINE& line : lines) {
+    for (const std::uint64_t bits : bitsOf(line)) {
+      hash = (hash ^ bits) * 0x9E3779B97F4A7C15;
+      hash ^= hash >> 32;
+    }
+  }
+  return static_cast<std::size_t>(hash);
 }
 
 }  // namespace
@@ -29,13 +60,15 @@ CHatchTypeTable::~CHatchTypeTable() = default;
 
 const HATCH_TYPE& CHatchTypeTable::intern(const zim::WString& name,
                                           const std::vector<HATCH_LINE>& lines) {
-  const auto [first, last] = m_patterns.equal_range(name);
+  const std::size_t hash = hashOf(name, lines);
+  const auto [first, last] = m_patterns.equal_range(hash);
   const auto known = std::find_if(first, last, [&](const auto& entry) {
-    const std::vector<HATCH_LINE>& own = entry.second->lines;
-    return std::equal(own.begin(), own.end(), lines.begin(), lines.end(), isSame);
+    const Pattern& own = *entry.second;
+    return own.name == name &&
+           std::equal(own.lines.begin(), own.lines.end(), lines.begin(), lines.end(), isSame);
   });
   if (known != last) return known->second->type;
-  return m_patterns.emplace(name, std::make_unique<Pattern>(name, lines))->second->type;
+  return m_patterns.emplace(hash, std::make_unique<Pattern>(name, lines))->second->type;
 }
 
 const HATCH_TYPE& CHatchTypeTable::intern(const HATCH_TYPE& type) {

@@ -66,6 +66,10 @@ class Tool : public testing::Test {
 const char* const kBroken = "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n10\n1\n0\nENDSEC\n0\nEOF\n";
 const char* const kPipes =
     ";; pipes\n*GAS,gas\nA,1,-.2,[\"GAS\",Signs,S=.1,R=-90,Y=-.05],[BOX,f.shx]\n*DRAIN\nA,2,-1\n";
+const char* const kFlatPolyline =
+    "0\nSECTION\n2\nENTITIES\n0\nPOLYLINE\n8\n0\n66\n1\n10\n0\n20\n0\n70\n1\n"
+    "0\nVERTEX\n8\n0\n10\n0\n20\n0\n0\nVERTEX\n8\n0\n10\n1\n20\n1\n"
+    "0\nVERTEX\n8\n0\n10\n3\n20\n3\n0\nSEQEND\n8\n0\n0\nENDSEC\n0\nEOF\n";
 const char* const kOneLine =
     "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\nA\n10\n1\n20\n2\n11\n4\n21\n6\n0\nENDSEC\n0\nEOF\n";
 
@@ -244,11 +248,47 @@ TEST_F(Tool, HatchesAreas) {
   EXPECT_FALSE(fs::exists(path("d.dxf")));
 }
 
+TEST_F(Tool, HatchRefusesBoundariesWithoutArea) {
+  write("one.dxf", kOneLine);
+  const struct {
+    const char* name;
+    const char* points;
+  } cases[] = {
+      {"one point",             "0,0 0,0 0,0"              },
+      {"there and back",        "0,0 1,0 0,0"              },
+      {"there and back, twice", "0,0 1,0 0,0 1,0"          },
+      {"on a line",             "0.1,0.1 0.3,0.3 0.7,0.7"  },
+      {"far away on a line",    "1e200,0 2e200,0 3e200,0"  },
+      {"to and fro on a line",  "0,0 1,2 0,0 2,4 -1,-2 4,8"},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const Outcome got = run(std::string("hatch one.dxf -o h.dxf --boundary ") + t.points);
+    EXPECT_EQ(got.code, 2);
+    EXPECT_NE(got.err.find("encloses no area"), std::string::npos) << got.err;
+    EXPECT_FALSE(fs::exists(path("h.dxf")));
+  }
+  write("flat.dxf", kFlatPolyline);
+  const Outcome flat = run("hatch flat.dxf -o h.dxf --closed-polylines");
+  EXPECT_EQ(flat.code, 1);
+  EXPECT_NE(flat.err.find("no closed polyline to hatch"), std::string::npos) << flat.err;
+  EXPECT_FALSE(fs::exists(path("h.dxf")));
+  // Two triangles on one vertex, of opposite directions: their areas must not cancel.
+  EXPECT_EQ(run("hatch one.dxf -o h.dxf --boundary 0,0 1,0 1,1 0,0 -1,0 -1,1").code, 0);
+}
+
 TEST_F(Tool, HatchesListsTheCatalogue) {
   const Json all = Json::parse(run("hatches --json").out);
   ASSERT_EQ(all.size(), 68u);
   EXPECT_EQ(all[1]["name"], "ANSI31");
-  EXPECT_NEAR(all[1]["families"][0]["angle"].get<double>(), 45, 1e-9);
+  for (const Json& pattern : all) {
+    for (const Json& family : pattern["families"]) {
+      const std::string angle = family["angle"].dump();
+      EXPECT_LE(angle.size(), 14u)
+          << "noise in the degrees of " << pattern["name"] << ": " << angle;
+    }
+  }
+  EXPECT_EQ(all[1]["families"][0]["angle"].dump(), "45.0");
   EXPECT_NE(run("hatches").out.find("BRICK             3  Brick"), std::string::npos);
 }
 

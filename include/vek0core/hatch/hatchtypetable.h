@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -20,10 +21,15 @@ class VEK0_API CHatchTypeTable {
   CHatchTypeTable& operator=(const CHatchTypeTable&) = delete;
   ~CHatchTypeTable();
 
-  /// The pattern of that name (letter case counts) and exactly those lines; copied when
-  /// it is new. Constant time on average, beside the comparison of the lines.
+  /// The pattern of that name (letter case counts) and exactly those lines; copied when it
+  /// is new. Zeros are equal whatever their sign, and not-a-number is equal to itself. Whoever
+  /// computes lines rounds them first, or noise in the last digits makes two patterns of one.
+  ///
+  /// Linear in the length of the name and the number of lines, on average, however many
+  /// patterns of that name the table holds.
   const HATCH_TYPE& intern(const zim::WString& name, const std::vector<HATCH_LINE>& lines);
-  /// The same pattern as `type`: itself when it is in the catalogue.
+  /// The same pattern as `type`: itself when it is in the catalogue, for which the cost is
+  /// constant.
   const HATCH_TYPE& intern(const HATCH_TYPE& type);
   /// The pattern that fills the whole area.
   const HATCH_TYPE& solid() { return intern(kSolid, {}); }
@@ -32,7 +38,7 @@ class VEK0_API CHatchTypeTable {
   static constexpr const zim::Char* kSolid = u"SOLID";
   struct Pattern;
 
-  std::unordered_multimap<zim::WString, std::unique_ptr<Pattern>> m_patterns;
+  std::unordered_multimap<std::size_t, std::unique_ptr<Pattern>> m_patterns;  // by hash
 };
 
 /// Whether the pattern fills the area instead of drawing lines. Other patterns without
