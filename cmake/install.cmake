@@ -1,7 +1,7 @@
 include(CMakePackageConfigHelpers)
 
 set(VEK0_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/vek0core)
-install(TARGETS zim0lang vek0core EXPORT vek0core FILE_SET HEADERS)
+install(TARGETS zim0lang vek0core vek0draw EXPORT vek0core FILE_SET HEADERS)
 install(EXPORT vek0core NAMESPACE vek0core:: FILE vek0core-targets.cmake
         DESTINATION ${VEK0_CMAKE_DIR})
 configure_package_config_file(cmake/vek0core-config.cmake.in vek0core-config.cmake

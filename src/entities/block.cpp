@@ -115,6 +115,7 @@ void CBlock::restore(CEnt* ent) {
 void CBlock::append(CEnt* ent) {
   if (m_noHoles > m_entities.size() / 2) compact();
   const bool wasFresh = !isBdryStale();
+  ++m_edition;
   m_entities.push_back(ent);
   if (m_ranks) m_ranks->append(true);
   ent->m_owner = this;
@@ -148,6 +149,7 @@ void CBlock::calcBdry() {
 
 void CBlock::invalidateBdry() {
   const bool wasFresh = !isBdryStale();
+  ++m_edition;
   m_bdryStale = true;
   if (wasFresh) tellUsers();
 }
@@ -160,6 +162,7 @@ void CBlock::redefine(const PNT_3D& base, long flags) {
 
 void CBlock::clearEntities() {
   const bool wasFresh = !isBdryStale();
+  ++m_edition;
   for (CEnt* ent : m_entities)
     if (ent != nullptr) ent->m_owner = nullptr;
   m_entities.clear();
@@ -292,6 +295,7 @@ void CBlock::tellUsers() {
     for (const BlockGraphItem::User& user : item->users) {
       CBlock& block = *user.item->block;
       if (block.m_bdryStale) continue;
+      ++block.m_edition;
       block.m_bdryStale = true;
       block.dirtyInserts();
       told.push_back(user.item);

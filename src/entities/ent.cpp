@@ -3,6 +3,7 @@
 #include <new>
 
 #include "vek0core/entities/entmemento.h"
+#include "vek0core/entities/enttable.h"
 #include "vek0core/tables/layer.h"
 #include "vek0core/tables/ltype.h"
 
@@ -73,7 +74,9 @@ void CEnt::setUserInfo(long type, long data) {
 
 void CEnt::moveBdry(const PNT_3D& delta) {
   // Moving the two huge corners of an empty box could make it a valid one.
-  if (!m_bdryDirty && m_bdry.validRegion()) m_bdry.move(delta);
+  if (m_bdryDirty || !m_bdry.validRegion()) return;
+  m_bdry.move(delta);
+  if (m_watched) tellWatchers();
 }
 
 CEntBaseMemento* CEnt::createBaseMemento() const {
@@ -101,6 +104,9 @@ void CEnt::setSelectStatus(Node node) {
   m_selectStatus = node;
   m_selected = true;
 }
+
+// Only a table has its entities watched.
+void CEnt::tellWatchers() { static_cast<const CEntTable*>(m_owner)->tellReshaped(*this); }
 
 void CEnt::refreshBdry() const {
   // The box is a cache, and every entity is a heap object that is not itself const.

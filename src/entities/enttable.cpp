@@ -1,5 +1,6 @@
 #include "vek0core/entities/enttable.h"
 
+#include <algorithm>
 #include <map>
 #include <unordered_map>
 #include <utility>
@@ -86,6 +87,8 @@ void CEntTable::add(CEnt* ent) {
   ent->addTbls(*m_gestor);
   if (m_index != nullptr) m_index->add(ent);
   if (m_bdryValid && !isFrozen(*ent)) m_bdry.updateRegion(ent->getBdry());
+  ent->m_watched = !m_watchers.empty();
+  for (IEntTableWatcher* watcher : m_watchers) watcher->added(*ent);
 }
 
 void CEntTable::remove(CEnt* ent) {
@@ -95,7 +98,9 @@ void CEntTable::remove(CEnt* ent) {
   if (m_index != nullptr) m_index->remove(ent);
   m_entities.erase(ent->m_node);
   ent->m_owner = nullptr;
+  ent->m_watched = false;
   ent->removeTbls(*m_gestor);
+  for (IEntTableWatcher* watcher : m_watchers) watcher->removed(*ent);
 }
 
 // The extents of all entities change by removing one only if its box touches theirs,
@@ -163,6 +168,7 @@ void CEntTable::recalcBdry() const {
 void CEntTable::clearAll() {
   unselectAll();
   m_index.reset();
+  for (IEntTableWatcher* watcher : m_watchers) watcher->cleared();
   if (!m_isView) {
     for (CEnt* ent : m_entities) {
       ent->removeTbls(*m_gestor);
@@ -173,6 +179,23 @@ void CEntTable::clearAll() {
   m_selected.clear();
   m_bdry.initRegion();
   m_bdryValid = true;
+}
+
+void CEntTable::watch(IEntTableWatcher& watcher) const {
+  if (m_isView) return;
+  if (m_watchers.empty())
+    for (CEnt* ent : m_entities) ent->m_watched = true;
+  m_watchers.push_back(&watcher);
+}
+
+void CEntTable::unwatch(IEntTableWatcher& watcher) const {
+  m_watchers.erase(std::remove(m_watchers.begin(), m_watchers.end(), &watcher), m_watchers.end());
+  if (!m_watchers.empty() || m_isView) return;
+  for (CEnt* ent : m_entities) ent->m_watched = false;
+}
+
+void CEntTable::tellReshaped(CEnt& ent) const {
+  for (IEntTableWatcher* watcher : m_watchers) watcher->reshaped(ent);
 }
 
 CEntTable::CEntIterator::CEntIterator(CEntTable& table, bool all)

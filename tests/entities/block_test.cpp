@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <random>
 
 #include "entities/blockworld.h"
@@ -255,6 +256,35 @@ TEST_F(Block, ATableRegistersWhatItsBlocksHold) {
   delete made;
   EXPECT_EQ(table.get(u"i"), inner);
   EXPECT_EQ(table.get(u"B"), nullptr);
+}
+
+// Whoever keeps what it has computed of a block asks whether that still holds.
+TEST_F(Block, EveryEditMakesAnEditionOfTheBlockAndOfItsUsers) {
+  CBlock* inner = tabled("I");
+  CBlock* outer = tabled("O", {inner});
+  CBlock* other = tabled("X");
+  CEntPnt* ent = pnt(1, 1);
+  const std::unique_ptr<CBlockMemento> empty(inner->createMemento());
+  const std::function<void()> edits[] = {
+      [&] { inner->add(ent); },
+      [&] { inner->remove(ent); },
+      [&] { inner->restore(ent); },
+      [&] { ent->setPnt(PNT_3D(2, 2, 0)), inner->invalidateBdry(); },
+      [&] { inner->disposeEntities(); },
+      [&] { inner->setMemento(*empty); },
+  };
+  for (const auto& edit : edits) {
+    SCOPED_TRACE(&edit - edits);
+    outer->getBdry();
+    const std::uint64_t before[] = {inner->getEdition(), outer->getEdition(), other->getEdition()};
+    edit();
+    EXPECT_GT(inner->getEdition(), before[0]);
+    EXPECT_GT(outer->getEdition(), before[1]);
+    EXPECT_EQ(other->getEdition(), before[2]);
+    const std::uint64_t edited = outer->getEdition();
+    outer->getBdry();
+    EXPECT_EQ(outer->getEdition(), edited) << "asking is no edit";
+  }
 }
 
 }  // namespace

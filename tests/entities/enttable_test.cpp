@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
+#include <memory>
 #include <random>
 
 #include "entities/scene.h"
@@ -240,6 +242,82 @@ TEST(EntTable, CopyIsAViewThatOwnsNothing) {
   EXPECT_TRUE(ent->isSelected());
   EXPECT_EQ(s.table.getEntityTbl().front(), ent);
   EXPECT_EQ(s.layer()->getEntities(), users);
+}
+
+/// What a watcher can know: the entities by rank, with the extents that it saw last.
+class Mirror : public IEntTableWatcher {
+ public:
+  explicit Mirror(const CEntTable& table) : m_table(table) {
+    for (CEnt* ent : table.getEntityTbl()) added(*ent);
+    table.watch(*this);
+  }
+  ~Mirror() override { m_table.unwatch(*this); }
+
+  void added(CEnt& ent) override { m_boxes[CEntTable::getRank(ent)] = {&ent, ent.getBdry()}; }
+  void removed(CEnt& ent) override { EXPECT_EQ(m_boxes.erase(CEntTable::getRank(ent)), 1U); }
+  void reshaped(CEnt& ent) override { m_told.push_back(CEntTable::getRank(ent)); }
+  void cleared() override { m_boxes.clear(); }
+
+  /// Looks again at what it was told of, then compares everything.
+  void expectInStep() {
+    for (const std::size_t rank : m_told) {
+      const auto at = m_boxes.find(rank);
+      if (at != m_boxes.end()) at->second.second = at->second.first->getBdry();
+    }
+    m_told.clear();
+    ASSERT_EQ(m_boxes.size(), m_table.getEntityTbl().size());
+    auto ours = m_boxes.begin();
+    for (const CEnt* ent : m_table.getEntityTbl()) {
+      EXPECT_EQ(ours->second.first, ent);
+      EXPECT_EQ(ours->second.second, ent->getBdry());
+      ++ours;
+    }
+  }
+
+ private:
+  const CEntTable& m_table;
+  std::map<std::size_t, std::pair<CEnt*, RECT_3D>> m_boxes;
+  std::vector<std::size_t> m_told;
+};
+
+TEST(EntTableWatcher, HearsOfEveryChangeOfExtents) {
+  TableScene s;
+  std::mt19937 random(9);
+  const auto number = [&] { return std::uniform_real_distribution<>(-9, 9)(random); };
+  std::vector<std::unique_ptr<CEnt>> removed;
+  for (int i = 0; i < 10; ++i) s.add(number(), number(), number(), number());
+  auto first = std::make_unique<Mirror>(s.table);
+  Mirror second(s.table);
+  for (int step = 0; step < 3000; ++step) {
+    SCOPED_TRACE(step);
+    const auto& ents = s.table.getEntityTbl();
+    CEnt* ent = ents.empty() ? nullptr
+                             : *std::next(ents.begin(), static_cast<long>(random() % ents.size()));
+    const unsigned what = random() % 8;
+    if (what == 0 || !ent) {
+      s.add(number(), number(), number(), number());
+    } else if (what == 1) {
+      s.table.remove(ent);
+      removed.emplace_back(ent);
+    } else if (what == 2 && !removed.empty()) {
+      s.table.add(removed.back().release());
+      removed.pop_back();
+    } else if (what == 3) {
+      ent->moveBdry(PNT_3D(number(), 0, 0));
+    } else if (what == 4) {
+      ent->calcBdry();
+    } else if (what == 5 && random() % 100 == 0) {
+      removed.clear();
+      s.table.clearAll();
+    } else {
+      static_cast<CEntLine*>(ent)->setLine(LINE_3D(number(), number(), 0, number(), number(), 0));
+    }
+    if (step == 2000) first.reset();
+    if (first && random() % 3 == 0) first->expectInStep();
+    second.expectInStep();
+  }
+  // What left a watched table is watched no more.
+  for (const auto& ent : removed) ent->moveBdry(PNT_3D(1, 1, 1));
 }
 
 TEST(EntIterator, StaysWithinTheList) {

@@ -84,6 +84,11 @@ class VEK0_API CBlock : public CNamedItem {
   /// A number that no other block of the process has had.
   std::uint64_t getSerial() const { return m_serial; }
 
+  /// A number that grows with every change of the block, of its extents and of those of
+  /// the blocks that it inserts, as far as `invalidateBdry` is told; after the last
+  /// `getBdry`, that is. For whoever keeps something that he has computed of the content.
+  std::uint64_t getEdition() const { return m_edition; }
+
   std::size_t size() const { return m_entities.size() - m_noHoles; }
   /// Entity `i` in order of addition; unchecked.
   CEnt* operator[](unsigned i) { return at(i); }
@@ -143,6 +148,7 @@ class VEK0_API CBlock : public CNamedItem {
   void dirtyInserts();
 
   const std::uint64_t m_serial = nextSerial();
+  std::uint64_t m_edition = 0;
   mutable RECT_3D m_bdry;
   PNT_3D m_base;
   int m_userType = 0;

@@ -148,12 +148,18 @@ class VEK0_API CEnt : public IHandleEnt {
 
   /// Stores freshly computed extents; every `calcBdry` ends with it.
   void setBdry(const RECT_3D& box) {
+    const bool isNews = m_watched && !m_bdryDirty && m_bdry != box;
     m_bdry = box;
     m_bdryDirty = false;
+    if (isNews) tellWatchers();
   }
 
   /// Puts the computation of the extents off until somebody asks for them.
-  void dirtyBdry() { m_bdryDirty = true; }
+  void dirtyBdry() {
+    const bool isNews = m_watched && !m_bdryDirty;
+    m_bdryDirty = true;
+    if (isNews) tellWatchers();
+  }
   bool isBdryDirty() const { return m_bdryDirty; }
 
   /// Node in the owning table's selection list; meaningful only while selected.
@@ -164,6 +170,7 @@ class VEK0_API CEnt : public IHandleEnt {
 
  private:
   void refreshBdry() const;
+  void tellWatchers();
 
   RECT_3D m_bdry;
   Node m_selectStatus;
@@ -174,6 +181,7 @@ class VEK0_API CEnt : public IHandleEnt {
   short m_color;
   bool m_bdryDirty = false;
   bool m_selected = false;
+  bool m_watched = false;  // in a table whose watchers hear of changed extents
 
   // A drawing has millions of entities and removing one may not search: each knows
   // the table or block that owns it and its place there.

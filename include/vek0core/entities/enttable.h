@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <list>
 #include <memory>
+#include <vector>
 
 #include "vek0core/entities/ent.h"
 #include "vek0core/export.h"
@@ -10,6 +11,21 @@
 
 class CBlockXRefDepend;
 class IHandleGestor;
+
+/// Hears of what happens to the entities of a table: what keeps an index of them needs.
+class VEK0_API IEntTableWatcher {
+ public:
+  virtual ~IEntTableWatcher() = default;
+  virtual void added(CEnt& ent) = 0;
+  /// The entity is out of the table; its owner may delete it next.
+  virtual void removed(CEnt& ent) = 0;
+  /// The extents have changed, or will be other ones when somebody asks for them. What
+  /// follows until somebody does is not told. Nothing tells of an insert whose block
+  /// changes, until its extents are computed again.
+  virtual void reshaped(CEnt& ent) = 0;
+  /// All entities are about to be deleted.
+  virtual void cleared() = 0;
+};
 
 /// The entities of a drawing in drawing order, with a selection and cached extents.
 ///
@@ -74,9 +90,19 @@ class VEK0_API CEntTable {
   /// Unregisters and deletes every entity. A view forgets them.
   void clearAll();
 
+  /// Tells the watcher, which is borrowed, of all that happens from now on; with the
+  /// first one, linear in the entities. A view has nothing to tell.
+  void watch(IEntTableWatcher& watcher) const;
+  void unwatch(IEntTableWatcher& watcher) const;
+
+  /// A number that grows along the drawing order, for entities of one table.
+  static std::size_t getRank(const CEnt& ent) { return ent.m_pos; }
+
  private:
+  friend class CEnt;
   class HandleIndex;
 
+  void tellReshaped(CEnt& ent) const;
   bool holds(const CEnt* ent) const { return ent != nullptr && ent->m_owner == this; }
   bool reachesBorder(const CEnt& ent) const;
 
@@ -89,6 +115,7 @@ class VEK0_API CEntTable {
   bool m_isView = false;
   std::size_t m_nextRank = 0;
   mutable std::unique_ptr<HandleIndex> m_index;  // null until a handle is asked for
+  mutable std::vector<IEntTableWatcher*> m_watchers;
 };
 
 /// Walks a table's entities, or its selection, in order. Entities may be added

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+
+#include "vek0core/drawing/data.h"
+#include "vek0core/view/projector.h"
+#include "vek0core/view/wndvpt.h"
+#include "vek0draw/painter.h"
+
+/// How a drawing is to be shown.
+struct DRAW_OPTIONS {
+  /// Colour 7 is black or white, whichever is seen on it.
+  RGB_COLOR background{255, 255, 255};
+  /// Everything in the colour that is seen on the background.
+  bool mono = false;
+  /// How far chords may leave their curve, in device units.
+  double chordError = 0.1;
+  /// Linetypes that repeat within a shorter length, device units, are drawn continuous:
+  /// their dashes would run into each other.
+  double finestPattern = 1;
+  /// Layers that are off or frozen are shown too.
+  bool hiddenLayers = false;
+  /// How far the pen reaches beyond the points that the painter is given, device units:
+  /// half the width of the widest stroke.
+  double penReach = 1;
+  /// How many things are emitted, and how many entities looked at, at most; what follows
+  /// is cut.
+  std::size_t limit = 50'000'000;
+};
+
+/// What became of it.
+struct DRAW_RESULT {
+  std::size_t emitted = 0;  ///< strokes, arcs, fills, dots and texts
+  std::size_t looked = 0;   ///< entities looked at, those of blocks as often as they are shown
+  bool cut = false;         ///< the limit was reached, or inserts are nested too deep
+};
+
+/// Emits what the window shows of model space, in drawing order, to the painter: inserts
+/// with all their cells and attributes, linetypes as dashes, widths as fills, texts, hatches.
+/// What the drawing's tables say of layers and colours is looked up, BYLAYER and BYBLOCK
+/// through all levels of nesting.
+///
+/// Entities whose extents lie outside the window cost a comparison (for drawing again and
+/// again, see `CDrawIndex`); cells of an array outside it cost nothing, and neither do
+/// dashes. A window without pixels shows nothing.
+DRAW_RESULT drawData(const CData& data, const IProjector& projector, const CWndVpt& window,
+                     IPainter& painter, const DRAW_OPTIONS& options = {});
+
+/// Extents of what `drawData` would show, in the plane of the view; empty when there is
+/// nothing.
+RECT_2D drawnExtents(const CData& data, const IProjector& projector,
+                     const DRAW_OPTIONS& options = {});
+
+/// The ordinary palette of 255 colours; 7 and anything else outside 1 to 255 is black or
+/// white, whichever is seen on the background.
+RGB_COLOR paletteColor(int index, const RGB_COLOR& background);

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "vek0core/geometry/pnt.h"
+#include "zim0lang/wstring.h"
+
+class ICADFont;
+
+/// A colour as displays know it, 0 to 255 each.
+struct RGB_COLOR {
+  std::uint8_t r = 0, g = 0, b = 0;
+  bool operator==(const RGB_COLOR&) const = default;
+};
+
+/// From one plane to another: x' = a * x + c * y + e, y' = b * x + d * y + f.
+struct AFFINE_2D {
+  double a = 1, b = 0, c = 0, d = 1, e = 0, f = 0;
+
+  PNT_2D apply(double x, double y) const { return PNT_2D(a * x + c * y + e, b * x + d * y + f); }
+};
+
+/// What the next strokes, fills and texts belong to.
+struct DrawItem {
+  RGB_COLOR color;
+  const zim::WString* layer = nullptr;  ///< name of the layer that decides visibility; borrowed
+  long handle = 0;                      ///< of the entity of model space; 0 for none
+};
+
+/// A line of text in one font: the baseline starts at the origin of text space and runs
+/// along its x axis, y grows upwards, and the font's height unit measures
+/// `ICADFont::getHeightUnit`.
+struct DrawText {
+  const zim::WString* string = nullptr;  ///< codes like %%d are decoded already; borrowed
+  const ICADFont* font = nullptr;        ///< null: the default measures
+  bool bold = false, italic = false;
+  AFFINE_2D matrix;  ///< from text space to device space; mirrored for backward texts
+};
+
+/// Takes what a drawing shows, in device coordinates: x to the right and y downwards from
+/// the upper left corner, in pixels or in whatever unit the host chose for its window.
+///
+/// Calls come in drawing order, `begin` before the things that it describes. Points are
+/// finite. What lies outside the window may come or not; painters clip.
+class IPainter {
+ public:
+  virtual ~IPainter() = default;
+
+  virtual void begin(const DrawItem& item) = 0;
+
+  /// A stroke through the points; with `closed`, back to the first too. Two points at
+  /// least.
+  virtual void stroke(const PNT_2D* points, std::size_t count, bool closed) = 0;
+  /// An arc of a circle from `startRad` through `sweepRad` (sign: direction), angles
+  /// measured from the x axis towards the y axis of the device. A painter without arcs
+  /// answers false and is given a stroke instead; the full circle has a sweep of 2 pi.
+  virtual bool arc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
+    static_cast<void>(center), static_cast<void>(radius);
+    static_cast<void>(startRad), static_cast<void>(sweepRad);
+    return false;
+  }
+  /// The inside of the rings, even-odd: `ends[i]` is the index behind the last point of
+  /// ring i.
+  virtual void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings) = 0;
+  /// A point that has no size.
+  virtual void dot(const PNT_2D& at) = 0;
+  virtual void text(const DrawText& text) = 0;
+};

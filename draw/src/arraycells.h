@@ -1,0 +1,35 @@
+#pragma once
+
+#include "vek0core/geometry/pnt.h"
+#include "vek0core/geometry/rect.h"
+
+namespace vek0::detail {
+
+/// From `first` up to and including `last`; empty when that is smaller.
+struct IndexRange {
+  long first = 0, last = -1;
+};
+
+/// The cells of an array that a window meets, found by arithmetic: an array may have
+/// billions of them.
+class ArrayCells {
+ public:
+  /// `cell` is the box of cell (0, 0); the steps go to the next column and the next row.
+  /// All on the device. At least one column and one row.
+  ArrayCells(const RECT_2D& cell, const PNT_2D& columnStep, const PNT_2D& rowStep, long columns,
+             long rows, const RECT_2D& window);
+
+  /// The rows that can have such cells.
+  IndexRange rows() const;
+  /// The cells of a row whose boxes meet the window.
+  IndexRange columns(long row) const;
+
+ private:
+  IndexRange rowsOnLattice() const;
+
+  RECT_2D m_reach;  // of the offsets at which a cell meets the window
+  PNT_2D m_columnStep, m_rowStep;
+  long m_columns, m_rows;
+};
+
+}  // namespace vek0::detail

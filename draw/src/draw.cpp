@@ -1,0 +1,32 @@
+#include "vek0draw/draw.h"
+
+#include <cmath>
+
+#include "vek0core/vek0core.h"
+#include "walker.h"
+
+namespace {
+
+bool isFinite(const PNT_2D& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
+
+}  // namespace
+
+DRAW_RESULT drawData(const CData& data, const IProjector& projector, const CWndVpt& window,
+                     IPainter& painter, const DRAW_OPTIONS& options) {
+  vek0::detail::Walker walker(data, projector, window, painter, options);
+  return walker.run(data.getEntTable().getEntityTbl());
+}
+
+RECT_2D drawnExtents(const CData& data, const IProjector& projector, const DRAW_OPTIONS& options) {
+  RECT_2D all, one;
+  all.initRegion();
+  for (const CEnt* ent : data.getEntTable().getEntityTbl()) {
+    const CLayer* layer = ent->getLayer();
+    if (!options.hiddenLayers && layer && vek0::detail::isHidden(*ent, *layer)) continue;
+    const RECT_3D& box = ent->getBdry();
+    if (!box.validRegion()) continue;
+    projector.to2D(box, one);
+    if (isFinite(one.min) && isFinite(one.max)) all.updateRegion(one);
+  }
+  return all;
+}

@@ -1,0 +1,173 @@
+#include "vek0draw/drawindex.h"
+
+#include <cstdint>
+#include <map>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "blocktrees.h"
+#include "boxtree.h"
+#include "vek0core/vek0core.h"
+#include "walker.h"
+
+using vek0::detail::BlockTrees;
+using vek0::detail::BoxTree;
+using vek0::detail::isPlaced;
+using vek0::detail::Placement;
+using vek0::detail::RankedEnt;
+using vek0::detail::shownBox;
+using vek0::detail::Walker;
+
+namespace {
+
+constexpr std::size_t kMostLoose = 512;  // looked at one by one, by every frame
+
+}  // namespace
+
+// The entities by place. New and changed ones are loose at first. When they are many they
+// become a tree, together with the trees that are not much larger, so that there are few
+// trees and each entity is built into few.
+class CDrawIndex::Entities final : public IEntTableWatcher {
+ public:
+  explicit Entities(const CEntTable& table) : m_table(table) {}
+  ~Entities() override {
+    if (m_isBuilt) m_table.unwatch(*this);
+  }
+
+  void added(CEnt& ent) override {
+    auto& place = ent.getType() == CEntFixedInsert::kType ? m_placeless : m_loose;
+    place.emplace(CEntTable::getRank(ent), &ent);
+  }
+
+  void removed(CEnt& ent) override {
+    m_loose.erase(CEntTable::getRank(ent));
+    m_placeless.erase(CEntTable::getRank(ent));
+    outdate(ent);
+  }
+
+  void reshaped(CEnt& ent) override {
+    if (m_placeless.count(CEntTable::getRank(ent)) != 0) return;
+    outdate(ent);
+    m_loose.emplace(CEntTable::getRank(ent), &ent);
+  }
+
+  void cleared() override {
+    m_trees.clear();
+    m_loose.clear();
+    m_placeless.clear();
+    m_outdated.clear();
+  }
+
+  BlockTrees& blocks() { return m_blocks; }
+
+  /// Brings the trees up to date; may take a while.
+  void prepare() {
+    if (!m_isBuilt) return build();
+    const bool isMostlyOutdated = m_outdated.size() > size() / 2 + kMostLoose;
+    if (m_loose.size() > kMostLoose || isMostlyOutdated) gather(isMostlyOutdated);
+  }
+
+  /// Whether the window shows so much that a walk through all of them is no dearer.
+  bool isAllSeen(const Placement& place, const RECT_2D& window) const {
+    return m_trees.empty() || window.inside(place.apply(m_trees.front().boxes.box()));
+  }
+
+  /// All that the window can show and perhaps more, in drawing order.
+  std::vector<CEnt*> find(const Placement& place, const RECT_2D& window) const {
+    std::vector<RankedEnt> found;
+    const auto meets = [&](const RECT_3D& box) { return place.apply(box).intersect(window); };
+    for (const Tree& tree : m_trees) {
+      tree.boxes.visit(meets, [&](const RankedEnt& entry) {
+        if (isCurrent(tree, entry)) found.push_back(entry);
+      });
+    }
+    for (const auto& [rank, ent] : m_loose) found.push_back({rank, ent});
+    for (const auto& [rank, ent] : m_placeless) found.push_back({rank, ent});
+    return vek0::detail::inOrder(std::move(found));
+  }
+
+ private:
+  // Largest first.
+  struct Tree {
+    BoxTree boxes;
+    std::uint64_t born;
+  };
+  using Items = std::vector<BoxTree::Item>;
+
+  std::size_t size() const {
+    std::size_t all = 0;
+    for (const Tree& tree : m_trees) all += tree.boxes.size();
+    return all;
+  }
+
+  // Whatever the present trees know of the entity, or of one that stood at its address
+  // before, holds no more.
+  void outdate(const CEnt& ent) { m_outdated[&ent] = m_now; }
+
+  bool isCurrent(const Tree& tree, const RankedEnt& entry) const {
+    if (m_outdated.empty()) return true;
+    const auto at = m_outdated.find(entry.ent);
+    return at == m_outdated.end() || tree.born > at->second;
+  }
+
+  void build() {
+    Items items;
+    items.reserve(m_table.getEntityTbl().size());
+    for (CEnt* ent : m_table.getEntityTbl()) take({CEntTable::getRank(*ent), ent}, items);
+    plant(items);
+    m_table.watch(*this);
+    m_isBuilt = true;
+  }
+
+  void gather(bool everything) {
+    Items items;
+    for (const auto& [rank, ent] : m_loose) take({rank, ent}, items);
+    m_loose.clear();
+    while (!m_trees.empty() && (everything || m_trees.back().boxes.size() < 2 * items.size())) {
+      const Tree tree = std::move(m_trees.back());
+      m_trees.pop_back();
+      for (const RankedEnt& entry : tree.boxes.entries())
+        if (isCurrent(tree, entry)) take(entry, items);
+    }
+    if (m_trees.empty()) m_outdated.clear();
+    plant(items);
+  }
+
+  // An empty box is not seen until it is told that it is another one.
+  void take(const RankedEnt& entry, Items& items) {
+    const RECT_3D box = shownBox(*entry.ent, 0);
+    if (!isPlaced(*entry.ent, box))
+      m_placeless.emplace(entry.rank, entry.ent);
+    else if (box.validRegion())
+      items.push_back({entry, box});
+  }
+
+  void plant(const Items& items) {
+    if (!items.empty()) m_trees.push_back({BoxTree(items), ++m_now});
+  }
+
+  const CEntTable& m_table;
+  BlockTrees m_blocks;
+  bool m_isBuilt = false;
+  std::uint64_t m_now = 0;  // number of trees made so far
+  std::vector<Tree> m_trees;
+  std::map<std::size_t, CEnt*> m_loose;      // by rank
+  std::map<std::size_t, CEnt*> m_placeless;  // boxes depend on the pixels, or are none
+  std::unordered_map<const CEnt*, std::uint64_t> m_outdated;  // since that tree
+};
+
+CDrawIndex::CDrawIndex(const CData& data)
+    : m_data(data), m_entities(std::make_unique<Entities>(data.getEntTable())) {}
+
+CDrawIndex::~CDrawIndex() = default;
+
+DRAW_RESULT CDrawIndex::draw(const IProjector& projector, const CWndVpt& window, IPainter& painter,
+                             const DRAW_OPTIONS& options) {
+  Walker walker(m_data, projector, window, painter, options, &m_entities->blocks());
+  if (!walker.hasDevice()) return {};
+  m_entities->prepare();
+  if (m_entities->isAllSeen(walker.placement(), walker.window()))
+    return walker.run(m_data.getEntTable().getEntityTbl());
+  return walker.run(m_entities->find(walker.placement(), walker.window()));
+}

@@ -1,0 +1,69 @@
+#include "emitter.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vek0::detail {
+namespace {
+
+bool isFinite(const PNT_2D& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
+
+bool areFinite(const std::vector<PNT_2D>& points) {
+  return std::all_of(points.begin(), points.end(), isFinite);
+}
+
+// An infinite or missing determinant tells of every other fault too.
+bool isSound(const AFFINE_2D& m) {
+  const double area = m.a * m.d - m.b * m.c;
+  return area != 0 && std::isfinite(area) && isFinite({m.e, m.f});
+}
+
+}  // namespace
+
+void Emitter::begin(const DrawItem& item) {
+  m_item = item;
+  m_isTold = false;
+}
+
+bool Emitter::look() {
+  if (m_result.looked >= m_limit || m_result.emitted >= m_limit) m_result.cut = true;
+  if (!m_result.cut) ++m_result.looked;
+  return m_result.cut;
+}
+
+bool Emitter::admit() {
+  if (m_result.emitted >= m_limit) m_result.cut = true;
+  if (m_result.cut) return false;
+  if (!m_isTold) m_painter.begin(m_item);
+  m_isTold = true;
+  ++m_result.emitted;
+  return true;
+}
+
+void Emitter::stroke(const std::vector<PNT_2D>& points, bool closed) {
+  if (points.size() < 2 || !areFinite(points) || !admit()) return;
+  m_painter.stroke(points.data(), points.size(), closed);
+}
+
+bool Emitter::arc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
+  const bool finite = isFinite(center) && isFinite({radius, startRad}) && std::isfinite(sweepRad);
+  if (!finite || !admit()) return true;
+  if (m_painter.arc(center, radius, startRad, sweepRad)) return true;
+  --m_result.emitted;
+  return false;
+}
+
+void Emitter::fill(const std::vector<PNT_2D>& points, const std::vector<std::size_t>& ends) {
+  if (points.size() < 3 || ends.empty() || !areFinite(points) || !admit()) return;
+  m_painter.fill(points.data(), ends.data(), ends.size());
+}
+
+void Emitter::dot(const PNT_2D& at) {
+  if (isFinite(at) && admit()) m_painter.dot(at);
+}
+
+void Emitter::text(const DrawText& text) {
+  if (isSound(text.matrix) && admit()) m_painter.text(text);
+}
+
+}  // namespace vek0::detail

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "vek0draw/draw.h"
+#include "vek0draw/painter.h"
+
+namespace vek0::detail {
+
+/// Hands to a painter what is finite and within the limit, and keeps the account.
+class Emitter {
+ public:
+  Emitter(IPainter& painter, std::size_t limit) : m_painter(painter), m_limit(limit) {}
+
+  /// What the next things belong to; the painter hears of it with the first of them.
+  void begin(const DrawItem& item);
+
+  void stroke(const std::vector<PNT_2D>& points, bool closed);
+  /// False when the painter has no arcs; then nothing was emitted.
+  bool arc(const PNT_2D& center, double radius, double startRad, double sweepRad);
+  void fill(const std::vector<PNT_2D>& points, const std::vector<std::size_t>& ends);
+  void dot(const PNT_2D& at);
+  /// Text that is flattened to a line is left out.
+  void text(const DrawText& text);
+
+  /// To be called for everything that is looked at, so that blocks that insert nothing a
+  /// million times come to an end as well. True when the limit is reached.
+  bool look();
+  bool isCut() const { return m_result.cut; }
+  void cut() { m_result.cut = true; }
+  const DRAW_RESULT& result() const { return m_result; }
+
+ private:
+  bool admit();
+
+  IPainter& m_painter;
+  std::size_t m_limit;
+  DrawItem m_item;
+  bool m_isTold = false;
+  DRAW_RESULT m_result;
+};
+
+}  // namespace vek0::detail

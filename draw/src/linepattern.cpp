@@ -1,0 +1,189 @@
+#include "linepattern.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "vek0core/tables/style.h"
+
+namespace vek0::detail {
+namespace {
+
+constexpr long kMostDashes = 100000;  // of a stretch; no display shows more of them apart
+
+// A part of the way, by the distances of its ends.
+struct Stretch {
+  double from, to;
+};
+
+// Walks along a chain; the distances asked for never fall.
+class Walk {
+ public:
+  explicit Walk(const PatternWay& way) : m_way(way) {
+    m_drawn.reserve(way.points.size());
+    for (const WIDE_VERTEX& v : way.points) {
+      m_drawn.emplace_back();
+      way.toDrawing.transform(v.pnt, m_drawn.back());
+    }
+    m_at.push_back(0);
+    for (std::size_t i = 1; i < m_drawn.size(); ++i)
+      m_at.push_back(m_at.back() + m_drawn[i].dist(m_drawn[i - 1]));
+  }
+
+  double length() const { return m_at.back(); }
+  double at(std::size_t i) const { return m_at[i]; }
+
+  // In the coordinates of the way.
+  PNT_3D point(double distance) {
+    advance(distance);
+    return between(m_way.points[m_next - 1].pnt, m_way.points[m_next].pnt, share(distance));
+  }
+
+  PNT_3D drawnPoint(double distance) {
+    advance(distance);
+    return between(m_drawn[m_next - 1], m_drawn[m_next], share(distance));
+  }
+
+  double direction() const {
+    const PNT_3D &p = m_drawn[m_next - 1], &q = m_drawn[m_next];
+    return std::atan2(q.y - p.y, q.x - p.x);
+  }
+
+  // The way from one distance to a later one, its vertices included.
+  void piece(const Stretch& s, std::vector<WIDE_VERTEX>& points) {
+    points.clear();
+    advance(s.from);
+    double at = s.from;
+    while (m_next + 1 < m_at.size() && m_at[m_next] < s.to) {
+      points.push_back({point(at), width(at), width(m_at[m_next])});
+      at = m_at[m_next++];
+    }
+    points.push_back({point(at), width(at), width(s.to)});
+    points.push_back({point(s.to), 0, 0});
+  }
+
+ private:
+  static PNT_3D between(const PNT_3D& p, const PNT_3D& q, double t) {
+    return {p.x + t * (q.x - p.x), p.y + t * (q.y - p.y), p.z + t * (q.z - p.z)};
+  }
+  // How much of the segment reached lies before that distance.
+  double share(double distance) const {
+    const double span = m_at[m_next] - m_at[m_next - 1];
+    return span > 0 ? std::min((distance - m_at[m_next - 1]) / span, 1.0) : 0;
+  }
+  double width(double distance) const {
+    const WIDE_VERTEX& v = m_way.points[m_next - 1];
+    return v.widthStart + share(distance) * (v.widthEnd - v.widthStart);
+  }
+  void advance(double distance) {
+    while (m_next + 1 < m_at.size() && m_at[m_next] <= distance) ++m_next;
+  }
+
+  const PatternWay& m_way;
+  std::vector<PNT_3D> m_drawn;  // the points in the drawing
+  std::vector<double> m_at;     // distance of every point, there
+  std::size_t m_next = 1;       // end of the segment reached
+};
+
+// Brings [t0, t1] to the part of a segment that lies between two limits along one axis.
+void clip(double from, double to, double low, double high, double& t0, double& t1) {
+  const double d = to - from;
+  if (d == 0) {
+    if (from < low || from > high) t1 = -1;
+    return;
+  }
+  const double a = (low - from) / d, b = (high - from) / d;
+  t0 = std::max(t0, std::min(a, b));
+  t1 = std::min(t1, std::max(a, b));
+}
+
+// The parts of the way that the window shows. Those of neighbouring segments are one
+// when the corner between them is seen.
+std::vector<Stretch> seenStretches(const PatternWay& way, const Walk& walk) {
+  double widest = 0;
+  for (const WIDE_VERTEX& v : way.points)
+    widest = std::max({widest, std::fabs(v.widthStart), std::fabs(v.widthEnd)});
+  RECT_2D window = way.window;
+  window.inflate(widest * way.toDevice.scale(), widest * way.toDevice.scale());
+  std::vector<Stretch> seen;
+  for (std::size_t i = 1; i < way.points.size(); ++i) {
+    const PNT_2D p = way.toDevice.apply(way.points[i - 1].pnt);
+    const PNT_2D q = way.toDevice.apply(way.points[i].pnt);
+    double t0 = 0, t1 = 1;
+    clip(p.x, q.x, window.min.x, window.max.x, t0, t1);
+    clip(p.y, q.y, window.min.y, window.max.y, t0, t1);
+    if (!(t0 <= t1)) continue;
+    const double span = walk.at(i) - walk.at(i - 1);
+    const double from = walk.at(i - 1) + t0 * span;
+    const double to = t1 < 1 ? walk.at(i - 1) + t1 * span : walk.at(i);
+    if (!seen.empty() && from <= seen.back().to)
+      seen.back().to = to;
+    else
+      seen.push_back({from, to});
+  }
+  return seen;
+}
+
+void layStretch(const CLtypeComplexDashSeq& dashes, double scale, Walk& walk,
+                const Stretch& stretch, IPatternSink& sink) {
+  std::vector<WIDE_VERTEX> piece;
+  const auto lay = [&](const ILtypeComplexDash& dash, double from, double to) {
+    from += stretch.from;
+    to += stretch.from;
+    if (dash.IsText()) {
+      const PNT_3D at = walk.drawnPoint(from);
+      sink.text(placeElement(*dash.GetText(), at, walk.direction(), scale));
+    } else if (dash.GetValue() == 0) {
+      sink.dot(walk.point(from));
+    } else if (dash.GetValue() > 0) {
+      walk.piece({from, to}, piece);
+      sink.dash(piece);
+    }
+  };
+  const double length = stretch.to - stretch.from;
+  if (!(length > 0) || forEachDash(dashes, scale, stretch.from, length, kMostDashes, lay)) return;
+  walk.piece(stretch, piece);
+  sink.dash(piece);
+}
+
+}  // namespace
+
+bool layPattern(const CLtypeComplexDashSeq& dashes, double scale, const PatternWay& way,
+                IPatternSink& sink) {
+  if (way.points.size() < 2) return false;
+  Walk walk(way);
+  const double period = dashes.GetPatternLen() * scale;
+  if (!(walk.length() > 0) || !std::isfinite(walk.length())) return false;
+  if (!(period > 0) || !std::isfinite(period)) return false;
+  for (const Stretch& stretch : seenStretches(way, walk))
+    layStretch(dashes, scale, walk, stretch, sink);
+  return true;
+}
+
+TEXT_3D placeElement(const TEXT_3D& element, const PNT_3D& at, double directionRad, double scale) {
+  const double c = std::cos(directionRad), s = std::sin(directionRad);
+  const CStyle* style = element.getStyle();
+  const double fixed = style ? style->getFixedHeight() : 0;
+  CTextContext context(element.getContext());
+  context.setHeight(context.getHeight() * scale * (fixed > 0 ? fixed : 1));
+  context.setRotate(context.getRotate() + directionRad);
+  TEXT_3D placed(element);
+  placed.setContext(context);
+  placed.set(at.x + scale * (element.x * c - element.y * s),
+             at.y + scale * (element.x * s + element.y * c), at.z);
+  return placed;
+}
+
+double reachOfTexts(const CLtypeComplexDashSeq& dashes, double scale) {
+  double reach = 0;
+  for (int i = 0; i < dashes.GetNoDashes(); ++i) {
+    if (!dashes[i]->IsText()) continue;
+    RECT_2D box;
+    placeElement(*dashes[i]->GetText(), PNT_3D(0, 0, 0), 0, scale).calc_bdry(box);
+    const double x = std::max(std::fabs(box.min.x), std::fabs(box.max.x));
+    const double y = std::max(std::fabs(box.min.y), std::fabs(box.max.y));
+    reach = std::max(reach, std::hypot(x, y));
+  }
+  return reach;
+}
+
+}  // namespace vek0::detail

@@ -1,0 +1,101 @@
+#include "textcodes.h"
+
+#include <string>
+#include <string_view>
+
+namespace vek0::detail {
+namespace {
+
+bool isDigit(zim::Char unit) { return unit >= u'0' && unit <= u'9'; }
+
+class Decoder {
+ public:
+  explicit Decoder(std::u16string_view text) : m_rest(text) {}
+
+  DecodedText run() {
+    while (!m_rest.empty()) step();
+    close(m_under, false);
+    close(m_over, true);
+    m_result.string = zim::WString(m_seen);
+    return std::move(m_result);
+  }
+
+ private:
+  static constexpr std::size_t kNone = std::u16string_view::npos;
+  static constexpr int kFirstPrinted = 32;  // what comes before controls devices
+
+  void step() {
+    if (m_rest.size() > 2 && m_rest.substr(0, 2) == u"%%" && takeCode(m_rest[2])) return;
+    m_seen += m_rest[0];
+    m_rest.remove_prefix(1);
+  }
+
+  bool takeCode(zim::Char code) {
+    switch (code) {
+      case u'd':
+      case u'D':
+        return put(u'\u00B0');
+      case u'p':
+      case u'P':
+        return put(u'\u00B1');
+      case u'c':
+      case u'C':
+        return put(u'\u00D8');
+      case u'%':
+        return put(u'%');
+      case u'u':
+      case u'U':
+        return rule(m_under, false);
+      case u'o':
+      case u'O':
+        return rule(m_over, true);
+      default:
+        return takeNumber();
+    }
+  }
+
+  bool takeNumber() {
+    if (m_rest.size() < 5 || !isDigit(m_rest[2]) || !isDigit(m_rest[3]) || !isDigit(m_rest[4]))
+      return false;
+    const int number = (m_rest[2] - u'0') * 100 + (m_rest[3] - u'0') * 10 + (m_rest[4] - u'0');
+    if (number >= kFirstPrinted) m_seen += static_cast<zim::Char>(number);
+    m_rest.remove_prefix(5);
+    return true;
+  }
+
+  // The code's own character was the third.
+  bool put(zim::Char unit) {
+    m_seen += unit;
+    m_rest.remove_prefix(3);
+    return true;
+  }
+
+  bool rule(std::size_t& since, bool over) {
+    m_rest.remove_prefix(3);
+    if (since == kNone)
+      since = m_seen.size();
+    else
+      close(since, over);
+    return true;
+  }
+
+  void close(std::size_t& since, bool over) {
+    if (since != kNone && since < m_seen.size())
+      m_result.ruled.push_back({since, m_seen.size(), over});
+    since = kNone;
+  }
+
+  std::u16string_view m_rest;
+  std::u16string m_seen;
+  std::size_t m_under = kNone, m_over = kNone;
+  DecodedText m_result;
+};
+
+}  // namespace
+
+DecodedText decodeTextCodes(const zim::WString& text) {
+  if (text.view().find(u"%%") == std::u16string_view::npos) return {text, {}};
+  return Decoder(text).run();
+}
+
+}  // namespace vek0::detail

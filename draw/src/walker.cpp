@@ -1,0 +1,427 @@
+#include "walker.h"
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+
+#include "arraycells.h"
+#include "textcodes.h"
+
+namespace vek0::detail {
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+constexpr int kMostNested = 200;  // inserts within inserts; each takes stack
+constexpr int kMostChords = 4096;
+constexpr long kInvisible = 1;                        // bit of an attribute's flags
+constexpr double kRuleBelow = 0.2, kRuleAbove = 1.2;  // of the height unit
+constexpr double kOverhang = 0.5;                     // of a text's height
+
+bool isText(const CEnt& ent) {
+  const short type = ent.getType();
+  return type == CEntText::kType || type == CEntAttdef::kType || type == CEntAttrib::kType;
+}
+
+bool isFinite(const PNT_3D& p) {
+  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+bool isWide(const WIDE_VERTEX& v) { return v.widthStart != 0 || v.widthEnd != 0; }
+
+// How far the texts of the drawing's linetypes reach from their lines.
+double reachOfLtypes(const CData& data) {
+  double reach = 0;
+  for (CData::CLtypeIterator it(data, true, false); *it; ++it)
+    reach = std::max(reach, reachOfTexts((*it)->GetLtypeComplexDashSeq(),
+                                         std::fabs(data.getVars().getLtypeScale())));
+  return reach;
+}
+
+const ICADFont& fontOf(const CStyle* style) {
+  const ICADFont* font = style ? style->getFont() : nullptr;
+  return font ? *font : defaultFontMetrics();
+}
+
+double heightUnit(const ICADFont& font) {
+  return font.getHeightUnit() > 0 ? font.getHeightUnit() : 1;
+}
+
+}  // namespace
+
+RECT_3D shownBox(const CEnt& ent, double pixelSize) {
+  RECT_3D box = ent.getBdry();
+  if (ent.getType() == CEntFixedInsert::kType) ent.GetBdry(pixelSize, box);
+  if (!isText(ent) || !box.validRegion()) return box;
+  const double more =
+      kOverhang * std::fabs(static_cast<const CEntText&>(ent).getText().getContext().getHeight());
+  return RECT_3D(box.min - PNT_3D(more, more, 0), box.max + PNT_3D(more, more, 0));
+}
+
+bool isPlaced(const CEnt& ent, const RECT_3D& box) {
+  return ent.getType() != CEntFixedInsert::kType && isFinite(box.min) && isFinite(box.max);
+}
+
+bool isHidden(const CEnt& ent, const CLayer& layer) {
+  const bool isInsert = ent.getEntInsert() && ent.getType() != CEntHatch::kType;
+  return layer.isFrozen() || (layer.isOff() && !isInsert);
+}
+
+Walker::Walker(const CData& data, const IProjector& projector, const CWndVpt& window,
+               IPainter& painter, const DRAW_OPTIONS& options, BlockTrees* blocks)
+    : m_data(data),
+      m_options(options),
+      m_blocks(blocks),
+      m_out(painter, options.limit),
+      m_pixelSize(window.GetPixelSize()),
+      m_hasDevice(m_pixelSize > 0),
+      m_drawing(projector, window),
+      m_place(m_drawing),
+      m_stack(m_pixelSize),
+      m_noLayer(u"0") {
+  long width, height;
+  window.get(width, height);
+  m_window.set(0, 0, static_cast<double>(width), static_cast<double>(height));
+  const double reach = options.penReach + reachOfLtypes(data) * m_drawing.scale();
+  m_window.inflate(reach, reach);
+}
+
+// --- What is seen
+
+bool Walker::isShown(const CEnt& ent) const {
+  const CLayer* layer = m_stack.ResolveLayer(ent);
+  return m_options.hiddenLayers || !layer || !isHidden(ent, *layer);
+}
+
+void Walker::draw(CEnt& ent) {
+  if (m_out.look() || !isShown(ent)) return;
+  if (!m_place.apply(shownBox(ent, m_pixelSize)).intersect(m_window)) return;
+  begin(ent);
+  ent.accept(*this);
+}
+
+void Walker::begin(const CEnt& ent) {
+  const CLayer* layer = m_stack.ResolveLayer(ent);
+  m_item.layer = layer ? &layer->getFullName() : &m_noLayer;
+  m_item.color = paletteColor(m_options.mono ? 7 : m_stack.ResolveColor(ent), m_options.background);
+  m_ltype = m_stack.ResolveLtype(ent);
+  m_out.begin(m_item);
+}
+
+// --- Lines
+
+// The pattern that lines have here; null for continuous ones.
+const CLtypeComplexDashSeq* Walker::pattern() const {
+  if (!m_ltype || m_ltype->getNoDashes() == 0) return nullptr;
+  const CLtypeComplexDashSeq& dashes = m_ltype->GetLtypeComplexDashSeq();
+  const double period = dashes.GetPatternLen() * patternScale();
+  return period * m_drawing.scale() > m_options.finestPattern ? &dashes : nullptr;
+}
+
+void Walker::strokeWay(bool closed) {
+  const CLtypeComplexDashSeq* dashes = pattern();
+  if (!dashes) return drawChain(m_way, closed);
+  if (closed && !m_way.empty()) m_way.push_back(m_way.front());
+  const PatternWay way{m_way, m_stack.GetCurMatrix(), m_place, m_window};
+  if (!layPattern(*dashes, patternScale(), way, *this)) drawChain(m_way, false);
+}
+
+// Segments without width are strokes, however wide their neighbours are.
+void Walker::drawChain(const std::vector<WIDE_VERTEX>& points, bool closed) {
+  const auto end = points.end() - (closed || points.empty() ? 0 : 1);
+  const auto wide = std::count_if(points.begin(), end, isWide);
+  if (wide == 0) return stroke(points.data(), points.size(), closed);
+  if (wide == end - points.begin()) return fillOutline(points, closed);
+  std::vector<WIDE_VERTEX> chain(points);
+  if (closed) chain.push_back(points.front());
+  drawMixedChain(std::move(chain));
+}
+
+void Walker::drawMixedChain(std::vector<WIDE_VERTEX> points) {
+  points.back().widthStart = points.back().widthEnd = 0;
+  for (std::size_t first = 0; first + 1 < points.size();) {
+    std::size_t last = first + 1;
+    while (last + 1 < points.size() && isWide(points[last]) == isWide(points[first])) ++last;
+    if (isWide(points[first]))
+      fillOutline({points.begin() + static_cast<std::ptrdiff_t>(first),
+                   points.begin() + static_cast<std::ptrdiff_t>(last + 1)},
+                  false);
+    else
+      stroke(&points[first], last + 1 - first, false);
+    first = last;
+  }
+}
+
+void Walker::stroke(const WIDE_VERTEX* points, std::size_t count, bool closed) {
+  m_device.clear();
+  for (std::size_t i = 0; i < count; ++i) m_device.push_back(m_place.apply(points[i].pnt));
+  m_out.stroke(m_device, closed);
+}
+
+void Walker::fillOutline(const std::vector<WIDE_VERTEX>& points, bool closed) {
+  const CPolylineSilhouette outline(points, closed);
+  m_device.clear();
+  m_ends.clear();
+  for (std::size_t i = 0; i < outline.getNoRuns(); ++i) {
+    for (const PNT_3D& p : outline.getRun(i)) m_device.push_back(m_place.apply(p));
+    m_ends.push_back(m_device.size());
+  }
+  m_out.fill(m_device, m_ends);
+}
+
+void Walker::visit(CEntLine& ent) {
+  m_way.clear();
+  m_way.push_back({ent.getLine().p1, 0, 0});
+  m_way.push_back({ent.getLine().p2, 0, 0});
+  strokeWay(false);
+}
+
+void Walker::visit(CEntPolyline& ent) {
+  if (pattern() && !ent.IsLtGen() && !ent.isCurve()) return strokeSegments(ent);
+  if (!pattern() && ent.hasArcRuns() && !ent.isWide() && m_place.isSimilar())
+    return strokeRuns(ent);
+  m_way.clear();
+  ent.forEachVisible([this](const PNT_3D& p, double start, double end, double, long) {
+    m_way.push_back({p, start, end});
+  });
+  strokeWay(ent.isClosed());
+}
+
+// What is straight in one stroke, the arcs as arcs.
+void Walker::strokeRuns(const CEntPolyline& ent) {
+  std::vector<BULGED_VERTEX> corners;
+  ent.forEachBulged([&](const PNT_3D& p, double, double, double bulge, long) {
+    corners.push_back({p.x, p.y, p.z, 0, 0, bulge, 0});
+  });
+  const std::size_t segments = corners.size() - (ent.isClosed() || corners.empty() ? 0 : 1);
+  std::vector<WIDE_VERTEX> run;
+  for (std::size_t i = 0; i < segments; ++i) {
+    const BULGED_VERTEX &a = corners[i], &b = corners[(i + 1) % corners.size()];
+    const PNT_3D from(a.x, a.y, a.z), to(b.x, b.y, b.z);
+    if (run.empty()) run.push_back({from, 0, 0});
+    if (a.bulge == 0) {
+      run.push_back({to, 0, 0});
+      continue;
+    }
+    stroke(run.data(), run.size(), false);
+    run.clear();
+    drawBulge(from, to, a.bulge);
+  }
+  stroke(run.data(), run.size(), false);
+}
+
+void Walker::drawBulge(const PNT_3D& from, const PNT_3D& to, double bulge) {
+  ARC_3D arc;
+  const bool isLevel = from.z == to.z && createArcFromBulge(from, to, bulge, arc);
+  if (isLevel) {
+    const double start = std::atan2(from.y - arc.y, from.x - arc.x);
+    if (drawTrueArc(arc, arc.radius, start, 4 * std::atan(bulge))) return;
+  }
+  std::vector<PNT_3D> points{from};
+  bulgePoints(from, to, bulge, points);
+  std::vector<WIDE_VERTEX> chords;
+  for (const PNT_3D& p : points) chords.push_back({p, 0, 0});
+  stroke(chords.data(), chords.size(), false);
+}
+
+// Each segment of the file begins its pattern anew; an arc is one segment.
+void Walker::strokeSegments(const CEntPolyline& ent) {
+  std::vector<BULGED_VERTEX> corners;
+  ent.forEachBulged([&](const PNT_3D& p, double start, double end, double bulge, long) {
+    corners.push_back({p.x, p.y, p.z, start, end, bulge, 0});
+  });
+  const std::size_t segments = corners.size() - (ent.isClosed() || corners.empty() ? 0 : 1);
+  std::vector<PNT_3D> chords;
+  for (std::size_t i = 0; i < segments; ++i) {
+    const BULGED_VERTEX &from = corners[i], &to = corners[(i + 1) % corners.size()];
+    chords.assign(1, PNT_3D(from.x, from.y, from.z));
+    bulgePoints(chords[0], PNT_3D(to.x, to.y, to.z), from.bulge, chords);
+    const double count = static_cast<double>(chords.size() - 1);
+    const double growth = (from.widthEnd - from.widthStart) / count;
+    double width = from.widthStart;
+    m_way.clear();
+    for (const PNT_3D& p : chords) {
+      m_way.push_back({p, width, width + growth});
+      width += growth;
+    }
+    strokeWay(false);
+  }
+}
+
+void Walker::visit(CEnt3DFace& ent) {
+  for (long i = 0; i < 4; ++i) {
+    PNT_3D from, to;
+    ent.getPoints(i, from, to);
+    if (!ent.isEdgeVisib(i) || from == to) continue;
+    const WIDE_VERTEX ends[] = {
+        {from, 0, 0},
+        {to,   0, 0}
+    };
+    stroke(ends, 2, false);
+  }
+}
+
+// --- Arcs
+
+void Walker::visit(CEntCircle& ent) {
+  drawArc(ent.getCircle(), ent.getCircle().radius, 0, 2 * kPi);
+}
+
+void Walker::visit(CEntArc& ent) {
+  double start, end;
+  ent.getArc().getSafeAngles(start, end);
+  drawArc(ent.getArc(), ent.getArc().radius, start, end - start);
+}
+
+void Walker::drawArc(const PNT_3D& center, double radius, double start, double sweep) {
+  if (!pattern() && m_place.isSimilar() && drawTrueArc(center, radius, start, sweep)) return;
+  const int chords = chordsOf(std::fabs(radius) * m_place.scale(), sweep);
+  m_way.clear();
+  for (int i = 0; i <= chords; ++i) {
+    const double angle = start + sweep * i / chords;
+    const double x = center.x + radius * std::cos(angle), y = center.y + radius * std::sin(angle);
+    m_way.push_back({PNT_3D(x, y, center.z), 0, 0});
+  }
+  strokeWay(false);
+}
+
+int Walker::chordsOf(double reach, double sweep) const {
+  const double error = std::clamp(m_options.chordError / std::max(reach, 1e-300), 1e-12, 1.0);
+  const double step = 2 * std::acos(1 - error);
+  return static_cast<int>(
+      std::min<double>(std::max(std::ceil(std::fabs(sweep) / step), 4.0), kMostChords));
+}
+
+bool Walker::drawTrueArc(const PNT_3D& center, double radius, double start, double sweep) {
+  const PNT_2D toStart = m_place.direction(radius * std::cos(start), radius * std::sin(start));
+  return m_out.arc(m_place.apply(center), std::hypot(toStart.x, toStart.y),
+                   std::atan2(toStart.y, toStart.x), m_place.mirrors() ? -sweep : sweep);
+}
+
+// --- Texts
+
+void Walker::visit(CEntText& ent) { drawText(ent.getText(), m_place); }
+
+// In a block it is only asked for when the block is inserted.
+void Walker::visit(CEntAttdef& ent) {
+  if (m_stack.GetNoInsert() == 0) drawText(ent.getText(), m_place);
+}
+
+void Walker::visit(CEntAttrib& ent) {
+  if ((ent.getFlags() & kInvisible) == 0) drawText(ent.getText(), m_place);
+}
+
+void Walker::text(const TEXT_3D& element) { drawText(element, m_drawing); }
+
+// It is justified as it is seen, without its codes.
+void Walker::drawText(const TEXT_3D& text, const Placement& place) {
+  CTextContext context = text.getContext();
+  const DecodedText decoded = decodeTextCodes(context.getString());
+  if (decoded.string.empty()) return;
+  context.setString(decoded.string);
+  const CStyle* style = text.getStyle();
+  const TEXT_3D seen(context, text.getStyle(), text.x, text.y, text.z, text.getAlign());
+  const double unit = heightUnit(fontOf(style)), k = context.getHeight() / unit;
+  const double c = std::cos(context.getRotate()) * k, s = std::sin(context.getRotate()) * k;
+  const double slant = std::tan(context.getOblique()), wide = context.getWidthScale();
+  const PNT_2D x = place.direction(c * wide, s * wide);
+  const PNT_2D y = place.direction(slant * c - s, slant * s + c);
+  const PNT_2D base = place.apply(seen.getBasePoint());
+  DrawText run;
+  run.string = &decoded.string;
+  run.font = style ? style->getFont() : nullptr;
+  run.bold = style && style->isBold();
+  run.italic = style && style->isItalic();
+  run.matrix = {x.x, x.y, y.x, y.y, base.x, base.y};
+  m_out.text(run);
+  for (const RuledStretch& ruled : decoded.ruled)
+    drawRule(run, unit, ruled.first, ruled.end, ruled.over);
+}
+
+void Walker::drawRule(const DrawText& run, double unit, std::size_t first, std::size_t end,
+                      bool over) {
+  const ICADFont& font = run.font ? *run.font : defaultFontMetrics();
+  const auto width = [&](std::size_t count) {
+    const zim::WString head(run.string->view().substr(0, count));
+    return font.getStringWidth(head, false, run.bold, run.italic);
+  };
+  const double y = unit * (over ? kRuleAbove : -kRuleBelow);
+  m_device.assign({run.matrix.apply(width(first), y), run.matrix.apply(width(end), y)});
+  m_out.stroke(m_device, false);
+}
+
+// --- Inserts and hatches
+
+// The faces of its block would show seams.
+void Walker::visit(CEntHatch& ent) {
+  if (!isSolid(ent.getHatchType())) return drawInsert(ent);
+  m_device.clear();
+  m_ends.clear();
+  for (const HatchRing& ring : hatchRings(ent.getBoundary())) {
+    for (std::size_t i = 0; i < ring.count; ++i)
+      m_device.push_back(m_place.apply(ent.getBoundary()[ring.first + i]));
+    m_ends.push_back(m_device.size());
+  }
+  m_out.fill(m_device, m_ends);
+}
+
+void Walker::drawInsert(CEntInsertBase& ent) {
+  if (!ent.getBlock()) return;
+  if (m_stack.GetNoInsert() >= kMostNested) return m_out.cut();
+  drawCells(ent);
+  if (ent.GetNoAttribs() == 0) return;
+  enter(ent, 0, 0);
+  for (unsigned i = 0; i < ent.GetNoAttribs(); ++i) draw(*ent.GetAttrib(i));
+  leave();
+}
+
+void Walker::drawCells(CEntInsertBase& ent) {
+  long columns, rows;
+  double columnSpacing, rowSpacing;
+  ent.getArray(columns, rows, columnSpacing, rowSpacing);
+  columns = std::clamp(columns, 1L, static_cast<long>(INT_MAX));
+  rows = std::clamp(rows, 1L, static_cast<long>(INT_MAX));
+  if (columns == 1 && rows == 1) return drawCell(ent, 0, 0);
+  const RECT_2D cell = firstCell(ent);
+  if (!cell.validRegion()) return;
+  const double c = std::cos(ent.getRotate()), s = std::sin(ent.getRotate());
+  const PNT_2D right = m_place.direction(c * columnSpacing, s * columnSpacing);
+  const PNT_2D up = m_place.direction(-s * rowSpacing, c * rowSpacing);
+  const ArrayCells cells(cell, right, up, columns, rows, m_window);
+  const IndexRange seenRows = cells.rows();
+  for (long row = seenRows.first; row <= seenRows.last && !m_out.look(); ++row) {
+    const IndexRange seen = cells.columns(row);
+    for (long column = seen.first; column <= seen.last && !m_out.isCut(); ++column)
+      drawCell(ent, row, column);
+  }
+}
+
+RECT_2D Walker::firstCell(const CEntInsertBase& ent) const {
+  const CEntInsertMatrix matrix(m_pixelSize, ent, 0, 0);
+  const CBlock& block = *ent.getBlock();
+  return m_place.after(matrix).apply(block.getBdry());
+}
+
+void Walker::drawCell(CEntInsertBase& ent, long row, long column) {
+  CBlock& block = *ent.getBlock();
+  enter(ent, row, column);
+  std::vector<CEnt*> seen;
+  if (m_blocks && m_blocks->find(block, m_place, m_window, seen)) {
+    for (auto inner = seen.begin(); inner != seen.end() && !m_out.isCut(); ++inner) draw(**inner);
+  } else {
+    for (std::size_t i = 0; i < block.size() && !m_out.isCut(); ++i)
+      draw(*block[static_cast<unsigned>(i)]);
+  }
+  leave();
+}
+
+void Walker::enter(const CEntInsertBase& ent, long row, long column) {
+  m_stack.Push(&ent, static_cast<int>(row), static_cast<int>(column));
+  m_place = m_drawing.after(m_stack.GetCurMatrix());
+}
+
+void Walker::leave() {
+  m_stack.Pop();
+  m_place = m_stack.GetNoInsert() == 0 ? m_drawing : m_drawing.after(m_stack.GetCurMatrix());
+}
+
+}  // namespace vek0::detail

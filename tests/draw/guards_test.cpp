@@ -1,0 +1,139 @@
+// Numbers and structures that no draughtsman draws.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+
+#include "recorder.h"
+
+using vek0::test::Recorder;
+using vek0::test::Scene;
+using vek0::test::Thing;
+
+namespace {
+
+bool isFinite(const Thing& thing) {
+  for (const PNT_2D& p : thing.points)
+    if (!std::isfinite(p.x) || !std::isfinite(p.y)) return false;
+  return std::isfinite(thing.radius) && std::isfinite(thing.start) && std::isfinite(thing.sweep);
+}
+
+// One of each kind about that point, of that size.
+void addAllKinds(Scene& scene, double at, double size) {
+  const PNT_3D p(at, at, 0), q(at + size, at + size, 0);
+  CLtype* dashed = scene.ltype(u"D", {10, -5});
+  scene.add(createEntPnt(*scene.data, p, 0));
+  scene.add(createEntLine(*scene.data, LINE_3D(p, q), 0))->setLtype(dashed);
+  scene.add(createEntCircle(*scene.data, CIRCLE_3D(at, at, 0, size), 0));
+  scene.add(createEntArc(*scene.data, ARC_3D(at, at, 0, size, 0, 1), 0))->setLtype(dashed);
+  const TEXT_3D text(u"%%uabc", getStyleStandard(*scene.data), at, at, 0, size, 0, 1, 0, 5);
+  scene.add(createEntText(*scene.data, text, 0));
+  scene.add(createEnt3DFace(*scene.data, p, q, PNT_3D(at, at + size, 0), p, 0, 0));
+  const BULGED_VERTEX wide[] = {
+      {p.x, p.y, 0, size, size, 0.5, 0},
+      {q.x, q.y, 0, size, size, 0,   0}
+  };
+  CEntPolyline* polyline = createEntPolyline(*scene.data, 0, 0, 0);
+  polyline->setBulgedVertexes(wide, 2);
+  scene.add(polyline)->setLtype(dashed);
+  CBlock* block = scene.block(u"B", {scene.unit(nullptr, dashed, 1)});
+  scene.add(scene.insert(*block, at, at, size, size));
+}
+
+}  // namespace
+
+TEST(Guards, HugeAndTinyNumbersGiveFinitePoints) {
+  const double ats[] = {0, 500, 1e15, 1e150, 1e300, -1e308};
+  const double sizes[] = {0, 1e-300, 1, 1e20, 1e160, 1e300, -5};
+  for (const double at : ats) {
+    for (const double size : sizes) {
+      SCOPED_TRACE(testing::Message() << at << ' ' << size);
+      Scene scene;
+      addAllKinds(scene, at, size);
+      const double zooms[] = {1, 1e12, 1e-30};
+      for (const double zoom : zooms) {
+        scene.window.zoom(zoom);
+        Recorder recorder;
+        const CParalProjector askew(0.8, -0.3, 0.5, 0.6);
+        drawData(*scene.data, askew, scene.window, recorder);
+        for (const Thing& thing : recorder.things) EXPECT_TRUE(isFinite(thing));
+        const Recorder plan = scene.draw();
+        for (const Thing& thing : plan.things) EXPECT_TRUE(isFinite(thing));
+      }
+    }
+  }
+}
+
+TEST(Guards, AWindowWithoutPixelsShowsNothing) {
+  Scene scene;
+  scene.line(0, 0, 10, 10);
+  const long sizes[] = {-1, 0, 1};
+  for (const long size : sizes) {
+    scene.window = CWndVpt(1);
+    scene.window.resize(size, size);
+    EXPECT_TRUE(scene.draw().things.empty());
+    EXPECT_FALSE(scene.result.cut);
+  }
+}
+
+TEST(Guards, TextsThatAreSeenFromTheirEdgeAreLeftOut) {
+  Scene scene;
+  scene.add(createEntText(*scene.data, TEXT_3D(u"abc", nullptr, 500, 0, 500, 10, 0, 1, 0, 0), 0));
+  Recorder front;
+  drawData(*scene.data, CPVProjector(), scene.window, front);
+  EXPECT_EQ(front.count(Thing::Text), 0U);
+}
+
+TEST(Guards, TheLimitCutsAndTellsSo) {
+  Scene scene;
+  for (int i = 0; i < 10; ++i) scene.line(i, 0, i, 10);
+  const struct {
+    std::size_t limit, emitted;
+    bool cut;
+  } cases[] = {
+      {10, 10, false},
+      {9,  9,  true },
+      {1,  1,  true },
+      {0,  0,  true },
+  };
+  for (const auto& t : cases) {
+    DRAW_OPTIONS options;
+    options.limit = t.limit;
+    EXPECT_EQ(scene.draw(options).things.size(), t.emitted);
+    EXPECT_EQ(scene.result.emitted, t.emitted);
+    EXPECT_EQ(scene.result.cut, t.cut) << t.limit;
+  }
+}
+
+// Thirty levels of two inserts each are a thousand million lines.
+TEST(Guards, NestsThatGrowWithoutBoundsAreCut) {
+  for (const bool isEmpty : {false, true}) {
+    Scene scene;
+    std::vector<CEnt*> ents;
+    if (!isEmpty) ents = {scene.unit(nullptr, nullptr, 1)};
+    CBlock* block = scene.block(u"B", ents);
+    for (int level = 0; level < 30; ++level) {
+      block = scene.block(zim::WString::fromUtf8("B" + std::to_string(level)),
+                          {scene.insert(*block, 0, 0), scene.insert(*block, 1, 1)});
+    }
+    scene.add(scene.insert(*block, 100, 100));
+    DRAW_OPTIONS options;
+    options.limit = 10000;
+    scene.draw(options);
+    EXPECT_EQ(scene.result.cut, !isEmpty);
+    EXPECT_LE(scene.result.looked, 10000U);
+  }
+}
+
+TEST(Guards, TooDeepNestsAreCut) {
+  Scene scene;
+  CBlock* block = scene.block(u"B", {scene.unit(nullptr, nullptr, 1)});
+  for (int level = 0; level < 300; ++level) {
+    block = scene.block(zim::WString::fromUtf8("B" + std::to_string(level)),
+                        {scene.insert(*block, 0, 0)});
+  }
+  scene.add(scene.insert(*block, 100, 100));
+  scene.draw();
+  EXPECT_TRUE(scene.result.cut);
+}

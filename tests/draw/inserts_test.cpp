@@ -1,0 +1,250 @@
+// What entities of blocks take over from the inserts around them.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "recorder.h"
+
+using vek0::test::Recorder;
+using vek0::test::Scene;
+using vek0::test::seen;
+using vek0::test::Thing;
+
+namespace {
+
+constexpr short kByBlock = 0, kByLayer = 256;
+constexpr RGB_COLOR kRed{255, 0, 0}, kYellow{255, 255, 0}, kGreen{0, 255, 0}, kBlue{0, 0, 255},
+    kBlack{0, 0, 0};
+
+// A line in a block in a block. "INNER" is green, "OUTER" blue, "OWN" yellow.
+struct Nest {
+  Nest() {
+    own = scene.layer(u"OWN", 2);
+    inner = scene.layer(u"INNER", 3);
+    outer = scene.layer(u"OUTER", 5);
+  }
+
+  Recorder draw(CLayer* lineLayer, short lineColor, CLayer* innerLayer, short innerColor,
+                CLayer* outerLayer, short outerColor) {
+    CBlock* deep = scene.block(u"DEEP", {scene.unit(lineLayer, nullptr, lineColor)});
+    CEntInsert* held = scene.insert(*deep, 0, 0);
+    held->setLayer(innerLayer);
+    held->setColor(innerColor);
+    CBlock* shallow = scene.block(u"SHALLOW", {held});
+    CEntInsert* shown = scene.add(scene.insert(*shallow, 500, 500));
+    shown->setLayer(outerLayer);
+    shown->setColor(outerColor);
+    return scene.draw();
+  }
+
+  CLayer* layer0() { return &scene.data->getLayer0(); }
+
+  Scene scene;
+  CLayer *own, *inner, *outer;
+};
+
+}  // namespace
+
+TEST(Inserts, ColoursAndLayersComeFromOutside) {
+  enum Which { Zero, Own, Inner, Outer };
+  const struct {
+    const char* name;
+    Which line;
+    short lineColor;
+    Which inner;
+    short innerColor;
+    Which outer;
+    short outerColor;
+    RGB_COLOR color;
+    const char* layer;
+  } cases[] = {
+      {"its own colour",                Zero, 1,        Inner, 3,        Outer, 5,        kRed,    "INNER"},
+      {"its own layer's",               Own,  kByLayer, Inner, 1,        Outer, 1,        kYellow, "OWN"  },
+      {"layer 0 is the insert's layer", Zero, kByLayer, Inner, 1,        Outer, 1,        kGreen,  "INNER"},
+      {"layer 0 twice",                 Zero, kByLayer, Zero,  1,        Outer, 1,        kBlue,   "OUTER"},
+      {"by block",                      Own,  kByBlock, Inner, 1,        Outer, 5,        kRed,    "OWN"  },
+      {"by block, by layer",            Own,  kByBlock, Inner, kByLayer, Outer, 1,        kGreen,  "OWN"  },
+      {"by block twice",                Own,  kByBlock, Inner, kByBlock, Outer, 1,        kRed,    "OWN"  },
+      {"by block twice, by layer",      Own,  kByBlock, Inner, kByBlock, Outer, kByLayer, kBlue,   "OWN"  },
+      {"by block all through",          Own,  kByBlock, Inner, kByBlock, Outer, kByBlock, kBlack,  "OWN"  },
+      {"by block of a by layer on 0",   Zero, kByBlock, Zero,  kByLayer, Outer, 1,        kBlue,   "OUTER"},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    Nest nest;
+    CLayer* layers[] = {nest.layer0(), nest.own, nest.inner, nest.outer};
+    const Recorder drawn = nest.draw(layers[t.line], t.lineColor, layers[t.inner], t.innerColor,
+                                     layers[t.outer], t.outerColor);
+    ASSERT_EQ(drawn.things.size(), 1U);
+    EXPECT_EQ(drawn.things[0].color, t.color);
+    EXPECT_EQ(drawn.things[0].layer, t.layer);
+  }
+}
+
+TEST(Inserts, LayersThatAreOffOrFrozenHide) {
+  constexpr long kOff = CLayer::kOff, kFrozen = CLayer::kFrozen;
+  const struct {
+    const char* name;
+    bool lineOnZero;
+    long own, inner, outer;  // flags of the layers
+    std::size_t shown;
+  } cases[] = {
+      {"all on",                                false, 0,       0,       0,       1},
+      {"its own is off",                        false, kOff,    0,       0,       0},
+      {"its own is frozen",                     false, kFrozen, 0,       0,       0},
+      {"an insert's is off: content stays",     false, 0,       kOff,    kOff,    1},
+      {"an insert's is frozen",                 false, 0,       kFrozen, 0,       0},
+      {"the outer insert's is frozen",          false, 0,       0,       kFrozen, 0},
+      {"content on 0 goes with the insert",     true,  0,       kOff,    0,       0},
+      {"content on 0, outer off, inner is not", true,  0,       0,       kOff,    1},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    Nest nest;
+    nest.own->setFlags(t.own);
+    nest.inner->setFlags(t.inner);
+    nest.outer->setFlags(t.outer);
+    CLayer* line = t.lineOnZero ? nest.layer0() : nest.own;
+    EXPECT_EQ(nest.draw(line, 1, nest.inner, 1, nest.outer, 1).things.size(), t.shown);
+    DRAW_OPTIONS all;
+    all.hiddenLayers = true;
+    EXPECT_EQ(nest.scene.draw(all).things.size(), 1U);
+  }
+}
+
+TEST(Inserts, AHatchHidesWithItsLayer) {
+  Scene scene;
+  const std::vector<PNT_3D> triangle = {
+      {0,   0,   0},
+      {100, 0,   0},
+      {0,   100, 0}
+  };
+  CLayer* layer = scene.layer(u"L");
+  CEntHatch* hatch = scene.add(
+      createEntHatch(*scene.data, layer, nullptr, 256, *getHatch(u"ANSI31"), 100, 0, triangle, 0));
+  EXPECT_FALSE(scene.draw().things.empty());
+  layer->setOff(true);
+  EXPECT_TRUE(scene.draw().things.empty());
+  EXPECT_FALSE(drawnExtents(*scene.data, CPOProjector()).validRegion());
+  hatch->setLayer(&scene.data->getLayer0());
+  EXPECT_FALSE(scene.draw().things.empty());
+}
+
+// Linetypes follow the rules of colours.
+TEST(Inserts, LinetypesComeFromOutside) {
+  enum Which { None, ByLayer, ByBlock, Dashed };
+  const struct {
+    const char* name;
+    Which line, insert;
+    bool layerDashed;
+    bool dashed;
+  } cases[] = {
+      {"its own",              Dashed,  None,    false, true },
+      {"by block",             ByBlock, Dashed,  false, true },
+      {"by block of by layer", ByBlock, ByLayer, true,  true },
+      {"by layer",             ByLayer, None,    true,  true },
+      {"none is by layer",     None,    None,    true,  true },
+      {"by layer, plain",      ByLayer, Dashed,  false, false},
+      {"by block all through", ByBlock, ByBlock, true,  false},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    Scene scene;
+    CLtype* dashed = scene.ltype(u"D", {0.125, -0.125});
+    CLtype* ltypes[] = {nullptr, getLtypeByLayer(*scene.data), getLtypeByBlock(*scene.data),
+                        dashed};
+    scene.window.zoom(100);
+    scene.window.pan(-500, -500);
+    CLayer* layer = scene.layer(u"L");
+    if (t.layerDashed) layer->setLtype(dashed);
+    CBlock* block =
+        scene.block(u"B", {scene.unit(&scene.data->getLayer0(), ltypes[t.line], kByLayer)});
+    CEntInsert* insert = scene.add(scene.insert(*block, 0, 0));
+    insert->setLayer(layer);
+    insert->setLtype(ltypes[t.insert]);
+    EXPECT_EQ(scene.draw().things.size(), t.dashed ? 4U : 1U);
+  }
+}
+
+TEST(Inserts, AttributesShowOnceAndWithTheInsert) {
+  Scene scene;
+  CStyle* style = getStyleStandard(*scene.data);
+  const TEXT_3D place(u"TAG", style, 2, 3, 0, 10, 0, 1, 0, 0);
+  CEntAttdef* def = createEntAttdef(*scene.data, place, u"value", u"", 0, 0);
+  CEntAttdef* secret = createEntAttdef(*scene.data, place, u"value", u"", 1, 0);
+  CBlock* block = scene.block(u"B", {def, secret, scene.unit(nullptr, nullptr, kByBlock)});
+  CEntInsert* insert =
+      createEntInsert(*scene.data, *block, PNT_3D(100, 100, 0), 2, 2, 1, 0, 3, 2, 50, 50, 0);
+  insert->setColor(1);
+  insert->add(createEntAttrib(*scene.data, u"shown", *def, 0));
+  insert->add(createEntAttrib(*scene.data, u"not shown", *secret, 0));
+  insert->GetAttrib(0)->setColor(kByBlock);
+  scene.add(insert);
+  const Recorder drawn = scene.draw();
+  EXPECT_EQ(drawn.count(Thing::Stroke), 6U);
+  ASSERT_EQ(drawn.count(Thing::Text), 1U);
+  const Thing& text = drawn.things.back();
+  EXPECT_EQ(text.string, "shown");
+  EXPECT_EQ(text.color, kRed);
+  EXPECT_LT(text.points[0].dist(seen(104, 106)), 1e-9);
+  EXPECT_NEAR(text.matrix.d, -20, 1e-9);
+}
+
+TEST(Inserts, DefinitionsShowTheirTagOutsideOfBlocksOnly) {
+  Scene scene;
+  const TEXT_3D place(u"TAG", nullptr, 2, 3, 0, 10, 0, 1, 0, 0);
+  scene.add(createEntAttdef(*scene.data, place, u"value", u"", 0, 0));
+  CBlock* block = scene.block(u"B", {createEntAttdef(*scene.data, place, u"value", u"", 0, 0),
+                                     scene.unit(nullptr, nullptr, 1)});
+  scene.add(scene.insert(*block, 100, 100));
+  const Recorder drawn = scene.draw();
+  ASSERT_EQ(drawn.count(Thing::Text), 1U);
+  EXPECT_EQ(drawn.things[0].string, "TAG");
+}
+
+// Drawing a nest of blocks gives what drawing the entities themselves gives that stand
+// where the nested placements put them.
+TEST(Inserts, NestedPlacementsAreTheProductOfTheirs) {
+  std::mt19937 random(8);
+  const auto number = [&](double low, double high) {
+    return std::uniform_real_distribution<>(low, high)(random);
+  };
+  for (int trial = 0; trial < 100; ++trial) {
+    SCOPED_TRACE(trial);
+    Scene scene;
+    CBlock* block = scene.block(u"B0", {scene.unit(nullptr, nullptr, 1)});
+    PNT_3D from(0, 0, 0), to(1, 0, 0);
+    for (int level = 1; level <= 4; ++level) {
+      CEntInsert* insert = scene.insert(*block, number(-20, 20), number(-20, 20), number(0.5, 2),
+                                        number(-2, -0.5), number(0, 6));
+      if (level == 4) insert->setPnt(PNT_3D(500, 500, 0));
+      const CEntInsertMatrix matrix(1, *insert, 0, 0);
+      matrix.transform(from, from);
+      matrix.transform(to, to);
+      if (level == 4) {
+        scene.add(insert);
+      } else {
+        block = scene.block(zim::WString::fromUtf8("B" + std::to_string(level)), {insert});
+      }
+    }
+    const Recorder drawn = scene.draw();
+    ASSERT_EQ(drawn.things.size(), 1U);
+    EXPECT_LT(drawn.things[0].points[0].dist(seen(from.x, from.y)), 1e-6);
+    EXPECT_LT(drawn.things[0].points[1].dist(seen(to.x, to.y)), 1e-6);
+  }
+}
+
+TEST(Inserts, FixedOnesKeepTheirSizeOnTheDisplay) {
+  Scene scene;
+  CBlock* block = scene.block(u"B", {scene.unit(nullptr, nullptr, 1)});
+  scene.add(createEntFixedInsert(*scene.data, *block, PNT_3D(500, 500, 0), 1, 30, 0, 0));
+  const double zooms[] = {1, 0.01, 100};
+  for (const double zoom : zooms) {
+    scene.window.zoom(zoom);
+    const Recorder drawn = scene.draw();
+    ASSERT_EQ(drawn.things.size(), 1U);
+    EXPECT_NEAR(drawn.things[0].points[0].dist(drawn.things[0].points[1]), 30, 1e-6);
+    EXPECT_NEAR(drawn.things[0].points[0].dist(PNT_2D(500, 500)), 0, 1e-6);
+  }
+}

@@ -1,0 +1,149 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "vek0core/vek0core.h"
+#include "vek0draw/draw.h"
+#include "vek0draw/drawindex.h"
+#include "vek0draw/painter.h"
+
+inline std::ostream& operator<<(std::ostream& out, const PNT_2D& p) {
+  return out << '(' << p.x << ", " << p.y << ')';
+}
+
+namespace vek0::test {
+
+/// One thing that a painter was given.
+struct Thing {
+  enum Kind { Stroke, Arc, Fill, Dot, Text } kind;
+  std::vector<PNT_2D> points;     ///< of an arc the centre, of a text the start of its line
+  std::vector<std::size_t> ends;  ///< of the rings of a fill
+  bool closed = false;
+  double radius = 0, start = 0, sweep = 0;
+  std::string string;
+  AFFINE_2D matrix;
+  RGB_COLOR color;
+  std::string layer;
+  long handle = 0;
+
+  bool isSame(const Thing& t) const {
+    return kind == t.kind && points == t.points && ends == t.ends && closed == t.closed &&
+           radius == t.radius && start == t.start && sweep == t.sweep && string == t.string &&
+           color == t.color && layer == t.layer && handle == t.handle;
+  }
+};
+
+/// Writes down what it is given.
+class Recorder : public IPainter {
+ public:
+  explicit Recorder(bool hasArcs = true) : m_hasArcs(hasArcs) {}
+
+  void begin(const DrawItem& item) override { m_item = item; }
+  void stroke(const PNT_2D* points, std::size_t count, bool closed) override {
+    add(Thing::Stroke).points.assign(points, points + count);
+    things.back().closed = closed;
+  }
+  bool arc(const PNT_2D& center, double radius, double start, double sweep) override {
+    if (!m_hasArcs) return false;
+    Thing& thing = add(Thing::Arc);
+    thing.points = {center};
+    thing.radius = radius;
+    thing.start = start;
+    thing.sweep = sweep;
+    return true;
+  }
+  void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings) override {
+    Thing& thing = add(Thing::Fill);
+    thing.ends.assign(ends, ends + rings);
+    thing.points.assign(points, points + thing.ends.back());
+  }
+  void dot(const PNT_2D& at) override { add(Thing::Dot).points = {at}; }
+  void text(const DrawText& text) override {
+    Thing& thing = add(Thing::Text);
+    thing.points = {PNT_2D(text.matrix.e, text.matrix.f)};
+    thing.matrix = text.matrix;
+    thing.string = text.string->toUtf8();
+  }
+
+  std::size_t count(Thing::Kind kind) const {
+    std::size_t n = 0;
+    for (const Thing& thing : things) n += thing.kind == kind;
+    return n;
+  }
+
+  std::vector<Thing> things;
+
+ private:
+  Thing& add(Thing::Kind kind) {
+    things.emplace_back();
+    Thing& thing = things.back();
+    thing.kind = kind;
+    thing.color = m_item.color;
+    thing.layer = m_item.layer->toUtf8();
+    thing.handle = m_item.handle;
+    return thing;
+  }
+
+  bool m_hasArcs;
+  DrawItem m_item;
+};
+
+/// A drawing, and what a window of 1000 by 1000 units shows of it: one pixel a unit, so
+/// that (x, y) is seen at (x, 1000 - y).
+struct Scene {
+  Scene() : data(CDataFactory().createData()), window(1) {
+    window.resize(1001, 1001);
+    window.set(0, 0, 1000, 1000);
+  }
+
+  template <class Ent>
+  Ent* add(Ent* ent) {
+    data->getEntTable().add(ent);
+    return ent;
+  }
+  CEntLine* line(double x1, double y1, double x2, double y2) {
+    return add(createEntLine(*data, LINE_3D(x1, y1, 0, x2, y2, 0), 0));
+  }
+  CLayer* layer(const zim::WString& name, short color = 7, long flags = 0) {
+    addLayer(*data,
+             data->getLayerFactory().create(name, &data->getLtypeContinuous(), color, flags));
+    return getLayer(*data, name);
+  }
+  CLtype* ltype(const zim::WString& name, std::vector<double> dashes) {
+    addLtype(*data, data->getLtypeFactory().create(name, u"", dashes.data(),
+                                                   static_cast<long>(dashes.size()), 0));
+    return getLtype(*data, name);
+  }
+  CBlock* block(const zim::WString& name, const std::vector<CEnt*>& ents) {
+    CBlock* made = data->getBlockFactory().create(name, PNT_3D(0, 0, 0), 0);
+    for (CEnt* ent : ents) made->add(ent);
+    data->getBlockTable().add(made);
+    return made;
+  }
+  CEntInsert* insert(CBlock& of, double x, double y, double sx = 1, double sy = 1,
+                     double rotation = 0) {
+    return createEntInsert(*data, of, PNT_3D(x, y, 0), sx, sy, 1, rotation, 1, 1, 0, 0, 0);
+  }
+  /// A unit line from the block's origin along x, on that layer with those properties.
+  CEntLine* unit(CLayer* layer, CLtype* ltype, short color) {
+    return createEntLine(*data, layer, ltype, color, LINE_3D(0, 0, 0, 1, 0, 0), 0);
+  }
+
+  Recorder draw(const DRAW_OPTIONS& options = {}) {
+    Recorder recorder;
+    result = drawData(*data, CPOProjector(), window, recorder, options);
+    return recorder;
+  }
+
+  CDataPtr data;
+  CWndVpt window;
+  DRAW_RESULT result;
+};
+
+/// Where the window of a scene shows a point.
+inline PNT_2D seen(double x, double y) { return {x, 1000 - y}; }
+
+}  // namespace vek0::test

@@ -1,0 +1,295 @@
+// Kinds of entities, each as a painter gets it.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <utility>
+
+#include "recorder.h"
+
+using vek0::test::Recorder;
+using vek0::test::Scene;
+using vek0::test::seen;
+using vek0::test::Thing;
+
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+
+CEntPolyline* polyline(Scene& scene, bool closed, const std::vector<BULGED_VERTEX>& vertexes) {
+  CEntPolyline* made = createEntPolyline(*scene.data, closed ? 1 : 0, 0, 0);
+  made->setBulgedVertexes(vertexes.data(), vertexes.size());
+  return scene.add(made);
+}
+
+// Twice the area of all rings, signs left.
+double doubleArea(const Thing& fill) {
+  double sum = 0;
+  std::size_t first = 0;
+  for (const std::size_t end : fill.ends) {
+    for (std::size_t i = first; i < end; ++i) {
+      const PNT_2D &p = fill.points[i], &q = fill.points[i + 1 < end ? i + 1 : first];
+      sum += p.x * q.y - q.x * p.y;
+    }
+    first = end;
+  }
+  return sum;
+}
+
+std::vector<PNT_3D> square(double x, double y, double side) {
+  return {
+      {x,        y,        0},
+      {x + side, y,        0},
+      {x + side, y + side, 0},
+      {x,        y + side, 0}
+  };
+}
+
+}  // namespace
+
+TEST(Shapes, PointsAreDotsAndLinesAreStrokes) {
+  Scene scene;
+  scene.add(createEntPnt(*scene.data, PNT_3D(5, 6, 7), 3));
+  scene.line(1, 2, 30, 40);
+  const Recorder drawn = scene.draw();
+  ASSERT_EQ(drawn.things.size(), 2U);
+  EXPECT_EQ(drawn.things[0].kind, Thing::Dot);
+  EXPECT_EQ(drawn.things[0].handle, 3);
+  EXPECT_LT(drawn.things[0].points[0].dist(seen(5, 6)), 1e-9);
+  EXPECT_EQ(drawn.things[1].kind, Thing::Stroke);
+  EXPECT_LT(drawn.things[1].points[1].dist(seen(30, 40)), 1e-9);
+}
+
+// Device angles run clockwise, for y grows downwards there.
+TEST(Shapes, ArcsStartAndEndWhereTheyDo) {
+  const struct {
+    const char* name;
+    double sx, sy, rotation;
+  } cases[] = {
+      {"plain",     1,  1,  0  },
+      {"turned",    1,  1,  0.7},
+      {"mirrored",  -1, 1,  0.3},
+      {"half turn", -2, -2, 0  },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    Scene scene;
+    const ARC_3D arc(0, 0, 0, 50, 0.5, 2.5);
+    CBlock* block = scene.block(u"B", {createEntArc(*scene.data, arc, 0)});
+    CEntInsert* insert = scene.add(scene.insert(*block, 500, 500, t.sx, t.sy, t.rotation));
+    const Recorder drawn = scene.draw();
+    ASSERT_EQ(drawn.things.size(), 1U);
+    const Thing& got = drawn.things[0];
+    ASSERT_EQ(got.kind, Thing::Arc);
+    EXPECT_NEAR(std::fabs(got.sweep), 2, 1e-12);
+    const CEntInsertMatrix matrix(1, *insert, 0, 0);
+    const double shares[] = {0, 0.25, 1};
+    for (const double share : shares) {
+      const double own = 0.5 + 2 * share, device = got.start + got.sweep * share;
+      PNT_3D expected;
+      matrix.transform(PNT_3D(50 * std::cos(own), 50 * std::sin(own), 0), expected);
+      const PNT_2D at(got.points[0].x + got.radius * std::cos(device),
+                      got.points[0].y + got.radius * std::sin(device));
+      EXPECT_LT(at.dist(seen(expected.x, expected.y)), 1e-9);
+    }
+  }
+}
+
+TEST(Shapes, ChordsStayNearTheirCurve) {
+  Scene scene;
+  const CIRCLE_3D circle(0, 0, 0, 100);
+  CBlock* block = scene.block(u"B", {createEntCircle(*scene.data, circle, 0)});
+  scene.add(scene.insert(*block, 500, 500, 3, 1));
+  DRAW_OPTIONS options;
+  options.chordError = 0.25;
+  const Recorder drawn = scene.draw(options);
+  ASSERT_EQ(drawn.things.size(), 1U);
+  const auto& points = drawn.things[0].points;
+  EXPECT_LT(points.size(), 120U);
+  EXPECT_LT(points.front().dist(points.back()), 1e-9);
+  for (std::size_t i = 1; i < points.size(); ++i) {
+    const PNT_2D middle((points[i].x + points[i - 1].x) / 2, (points[i].y + points[i - 1].y) / 2);
+    // In the circle's own measure the chord is as near at least.
+    const double own = std::hypot((middle.x - 500) / 3, middle.y - 500);
+    EXPECT_LE(100 - own, 0.25 + 1e-9);
+  }
+}
+
+TEST(Shapes, APainterWithoutArcsGetsStrokes) {
+  Scene scene;
+  scene.add(createEntCircle(*scene.data, CIRCLE_3D(500, 500, 0, 100), 0));
+  Recorder recorder(false);
+  const DRAW_RESULT result = drawData(*scene.data, CPOProjector(), scene.window, recorder);
+  EXPECT_EQ(recorder.count(Thing::Stroke), 1U);
+  EXPECT_EQ(result.emitted, 1U);
+}
+
+TEST(Shapes, WidthsAreFilled) {
+  Scene scene;
+  polyline(scene, false,
+           {
+               {0,   0,   0, 4, 4, 0, 0},
+               {100, 0,   0, 4, 4, 0, 0},
+               {100, 100, 0, 4, 4, 0, 0}
+  });
+  const Recorder drawn = scene.draw();
+  ASSERT_EQ(drawn.things.size(), 1U);
+  ASSERT_EQ(drawn.things[0].kind, Thing::Fill);
+  EXPECT_NEAR(std::fabs(doubleArea(drawn.things[0])) / 2, 800, 1e-9);
+}
+
+TEST(Shapes, AClosedWideOneIsARing) {
+  Scene scene;
+  polyline(scene, true,
+           {
+               {0,   0,   0, 10, 10, 0, 0},
+               {100, 0,   0, 10, 10, 0, 0},
+               {100, 100, 0, 10, 10, 0, 0},
+               {0,   100, 0, 10, 10, 0, 0}
+  });
+  const Recorder drawn = scene.draw();
+  ASSERT_EQ(drawn.things.size(), 1U);
+  EXPECT_EQ(drawn.things[0].ends.size(), 2U);
+}
+
+// An arrow is often a polyline whose shaft has no width.
+TEST(Shapes, SegmentsWithoutWidthAmongWideOnesAreStrokes) {
+  Scene scene;
+  polyline(scene, false,
+           {
+               {0,   0, 0, 0,  0, 0, 0},
+               {50,  0, 0, 0,  0, 0, 0},
+               {100, 0, 0, 20, 0, 0, 0},
+               {120, 0, 0, 5,  5, 0, 0}
+  });
+  const Recorder drawn = scene.draw();
+  ASSERT_EQ(drawn.things.size(), 2U);
+  EXPECT_EQ(drawn.things[0].kind, Thing::Stroke);
+  EXPECT_EQ(drawn.things[0].points.size(), 3U);
+  ASSERT_EQ(drawn.things[1].kind, Thing::Fill);
+  EXPECT_NEAR(std::fabs(doubleArea(drawn.things[1])) / 2, 200, 1e-9);
+}
+
+// Where a stroke or an arc starts and ends.
+std::pair<PNT_2D, PNT_2D> ends(const Thing& thing) {
+  if (thing.kind != Thing::Arc) return {thing.points.front(), thing.points.back()};
+  const auto at = [&](double angle) {
+    return PNT_2D(thing.points[0].x + thing.radius * std::cos(angle),
+                  thing.points[0].y + thing.radius * std::sin(angle));
+  };
+  return {at(thing.start), at(thing.start + thing.sweep)};
+}
+
+// Straight runs and arcs follow each other from corner to corner, also in a mirror and for
+// painters that have no arcs.
+TEST(Shapes, BulgesAreCurves) {
+  const std::vector<BULGED_VERTEX> way = {
+      {0,  0,  0, 0, 0, 0,    0},
+      {50, 0,  0, 0, 0, 0,    0},
+      {80, 0,  0, 0, 0, 1,    0},
+      {80, 60, 0, 0, 0, -0.4, 0},
+      {0,  60, 0, 0, 0, 0.2,  0}
+  };
+  const PNT_2D corners[] = {
+      {0,  0 },
+      {80, 0 },
+      {80, 60},
+      {0,  60},
+      {0,  0 }
+  };
+  for (const double scale : {1.0, -1.0}) {
+    for (const bool hasArcs : {true, false}) {
+      SCOPED_TRACE(testing::Message() << scale << hasArcs);
+      Scene scene;
+      CEntPolyline* made = createEntPolyline(*scene.data, 1, 0, 0);
+      made->setBulgedVertexes(way.data(), way.size());
+      CBlock* block = scene.block(u"B", {made});
+      scene.add(scene.insert(*block, 500, 500, scale, 1));
+      Recorder drawn(hasArcs);
+      drawData(*scene.data, CPOProjector(), scene.window, drawn);
+      ASSERT_EQ(drawn.things.size(), 4U);
+      EXPECT_EQ(drawn.count(Thing::Arc), hasArcs ? 3U : 0U);
+      for (std::size_t i = 0; i < 4; ++i) {
+        const auto [from, to] = ends(drawn.things[i]);
+        const PNT_2D &a = corners[i], &b = corners[i + 1];
+        EXPECT_LT(from.dist(seen(500 + scale * a.x, 500 + a.y)), 1e-9) << i;
+        EXPECT_LT(to.dist(seen(500 + scale * b.x, 500 + b.y)), 1e-9) << i;
+      }
+      // A half turn to the left of the way up: its middle is 30 to the right.
+      const Thing& half = drawn.things[1];
+      const PNT_2D middle(500 + scale * 80, 1000 - 530);
+      for (const PNT_2D& p : half.points)
+        EXPECT_NEAR(p.dist(middle), hasArcs ? 0 : 30, 1e-9) << "centre, or points of the chords";
+      EXPECT_NEAR(half.sweep, hasArcs ? -kPi * scale : 0, 1e-9);
+    }
+  }
+}
+
+TEST(Shapes, FacesShowTheirVisibleEdges) {
+  const struct {
+    const char* name;
+    long flags;
+    double lastX;  // of the fourth corner; the third has 100
+    std::size_t edges;
+  } cases[] = {
+      {"all",                          0,  0,   4},
+      {"first and third hidden",       5,  0,   2},
+      {"none",                         15, 0,   0},
+      {"a triangle",                   0,  100, 3},
+      {"a triangle without its first", 1,  100, 2},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    Scene scene;
+    scene.add(createEnt3DFace(*scene.data, PNT_3D(0, 0, 0), PNT_3D(100, 0, 0), PNT_3D(100, 100, 0),
+                              PNT_3D(t.lastX, 100, 0), t.flags, 0));
+    EXPECT_EQ(scene.draw().count(Thing::Stroke), t.edges);
+  }
+}
+
+// The faces of its block would leave seams.
+TEST(Shapes, ASolidHatchIsOneFillWithItsHoles) {
+  Scene scene;
+  const std::vector<PNT_3D> rings =
+      joinHatchRings({square(0, 0, 100), square(20, 20, 50), square(30, 30, 10)});
+  CEntHatch* hatch =
+      createEntHatch(*scene.data, scene.data->getHatchTypeTable().solid(), 1, 0, rings, 0);
+  ASSERT_NE(hatch, nullptr);
+  CBlock* block = scene.block(u"B", {hatch});
+  scene.add(scene.insert(*block, 500, 500, 2, 1, kPi / 2));
+  const Recorder drawn = scene.draw();
+  ASSERT_EQ(drawn.things.size(), 1U);
+  const Thing& fill = drawn.things[0];
+  ASSERT_EQ(fill.kind, Thing::Fill);
+  ASSERT_EQ(fill.ends, (std::vector<std::size_t>{4, 8, 12}));
+  RECT_2D box;
+  box.set(fill.points.data(), static_cast<int>(fill.points.size()));
+  EXPECT_LT(box.min.dist(seen(400, 700)), 1e-9);
+  EXPECT_LT(box.max.dist(seen(500, 500)), 1e-9);
+}
+
+TEST(Shapes, APatternHatchShowsItsLinesInItsOwnColour) {
+  Scene scene;
+  CLayer* green = scene.layer(u"GREEN", 3);
+  scene.add(createEntHatch(*scene.data, green, nullptr, 256, *getHatch(u"ANSI31"), 100, 0,
+                           square(0, 0, 100), 7));
+  const Recorder drawn = scene.draw();
+  EXPECT_GT(drawn.count(Thing::Stroke), 5U);
+  EXPECT_EQ(drawn.count(Thing::Stroke), drawn.things.size());
+  for (const Thing& thing : drawn.things) {
+    EXPECT_EQ(thing.color, (RGB_COLOR{0, 255, 0}));
+    EXPECT_EQ(thing.layer, "GREEN");
+    EXPECT_EQ(thing.handle, 7);
+  }
+}
+
+TEST(Shapes, ViewsFromTheSideShowHeights) {
+  Scene scene;
+  scene.add(createEntLine(*scene.data, LINE_3D(10, 500, 20, 30, 600, 40), 0));
+  scene.add(createEntCircle(*scene.data, CIRCLE_3D(500, 500, 300, 100), 0));
+  Recorder front;
+  drawData(*scene.data, CPVProjector(), scene.window, front);
+  ASSERT_EQ(front.things.size(), 2U);
+  EXPECT_LT(front.things[0].points[0].dist(seen(10, 20)), 1e-9);
+  EXPECT_LT(front.things[0].points[1].dist(seen(30, 40)), 1e-9);
+  for (const PNT_2D& p : front.things[1].points) EXPECT_NEAR(p.y, seen(0, 300).y, 1e-9);
+}
