@@ -35,5 +35,6 @@ void addImportCommand(CLI::App& app, Session& session);
 void addHatchCommand(CLI::App& app, Session& session);
 void addHatchesCommand(CLI::App& app, Session& session);
 void addLinetypesCommand(CLI::App& app, Session& session);
+void addRenderCommand(CLI::App& app, Session& session);
 
 }  // namespace vek0::tool

@@ -29,13 +29,15 @@ const std::string& standardInput() {
 
 using Reader = CFileDXFIResult (*)(CData&, IFile&, CFileDXFIError*, const CFileDXFIOptions&);
 
-ReadResult readWith(Reader reader, CData& data, const std::string& path, bool quiet) {
+ReadResult readWith(Reader reader, CData& data, const std::string& path, bool quiet,
+                    const CFileDXFIPolicy& policy) {
   ReadResult result;
   std::error_code ignored;
   if (std::filesystem::is_directory(toPath(path), ignored)) return result;
   const std::unique_ptr<IFile> file = openForReading(path, quiet);
   CFileDXFIOptions options;
   options.report = &result.report;
+  options.policy = policy;
   result.outcome = reader(data, *file, &result.error, options);
   return result;
 }
@@ -63,12 +65,13 @@ Drawing newDrawing() {
   return Drawing(factory.createData());
 }
 
-ReadResult loadFile(CData& data, const std::string& path, bool quiet) {
-  return readWith(loadDXF, data, path, quiet);
+ReadResult loadFile(CData& data, const std::string& path, bool quiet,
+                    const CFileDXFIPolicy& policy) {
+  return readWith(loadDXF, data, path, quiet, policy);
 }
 
 ReadResult importFile(CData& data, const std::string& path, bool quiet) {
-  return readWith(importDXF, data, path, quiet);
+  return readWith(importDXF, data, path, quiet, {});
 }
 
 }  // namespace vek0::tool

@@ -30,7 +30,8 @@ std::unique_ptr<IFile> openForReading(const std::string& path, bool quiet);
 
 /// Reads `path` ("-": standard input) into an empty drawing, with a progress bar
 /// for people unless `quiet`.
-ReadResult loadFile(CData& data, const std::string& path, bool quiet);
+ReadResult loadFile(CData& data, const std::string& path, bool quiet,
+                    const CFileDXFIPolicy& policy = {});
 
 /// Merges `path` into a drawing that has content.
 ReadResult importFile(CData& data, const std::string& path, bool quiet);

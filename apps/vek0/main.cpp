@@ -51,9 +51,10 @@ bool isUnknownVerb(const CLI::App& app, const std::string& word) {
 
 int runTool(int argc, char** argv) {
   CLI::App app{
-      "vek0 reads, describes, merges and writes DXF drawings.\n\n"
+      "vek0 reads, describes, draws, merges and writes DXF drawings.\n\n"
       "Examples:\n"
       "  vek0 info drawing.dxf\n"
+      "  vek0 render drawing.dxf -o drawing.svg\n"
       "  vek0 convert drawing.dxf copy.dxf\n"};
   app.name("vek0");
   app.set_version_flag("--version", std::string("vek0 " VEK0_VERSION));
@@ -69,6 +70,7 @@ int runTool(int argc, char** argv) {
   addHatchCommand(app, session);
   addHatchesCommand(app, session);
   addLinetypesCommand(app, session);
+  addRenderCommand(app, session);
   app.footer(
       "Exit codes: 0 all well, 1 a drawing failed, 2 wrong usage, 3 an output could not be "
       "written.");

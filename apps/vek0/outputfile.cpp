@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <utility>
 
 #include "paths.h"
 #include "vek0core/files/filememory.h"
@@ -41,7 +42,8 @@ std::filesystem::path temporaryFor(const std::filesystem::path& target) {
 
 }  // namespace
 
-OutputFile::OutputFile(const std::string& path, bool force) : m_target(toPath(path)) {
+OutputFile::OutputFile(const std::string& path, bool force, Content content)
+    : m_target(toPath(path)) {
   if (path == "-") {
     m_file = std::make_unique<CFileMemory>(u"-", kWrite);
     return;
@@ -65,7 +67,9 @@ OutputFile::OutputFile(const std::string& path, bool force) : m_target(toPath(pa
   }
   m_temporary = temporaryFor(m_target);
   watchForInterruption(m_temporary.string());
-  m_file = std::make_unique<CFileStdLib>(toName(m_temporary), kWrite);
+  auto file = std::make_unique<CFileStdLib>(toName(m_temporary), kWrite);
+  if (content == Bytes) file->setLineEnd(CFileStdLib::Lf);
+  m_file = std::move(file);
 }
 
 OutputFile::~OutputFile() {

@@ -15,8 +15,11 @@ namespace vek0::tool {
 /// Without `commit` (and on interruption) the temporary file is removed.
 class OutputFile {
  public:
+  /// What line feeds become: the platform's line end in texts, nothing else in bytes.
+  enum Content { Text, Bytes };
+
   /// Refuses, with a reason in `error()`, an existing target unless `force`.
-  OutputFile(const std::string& path, bool force);
+  OutputFile(const std::string& path, bool force, Content content = Text);
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;

@@ -1,77 +1,23 @@
 // The tool as scripts see it: exit codes, streams, JSON, files on disk.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 
-namespace fs = std::filesystem;
+#include "tooltest.h"
+
 using Json = nlohmann::json;
 
 namespace {
 
-struct Outcome {
-  int code = -1;
-  std::string out, err;
-};
-
-std::string contents(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  return bytes.str();
-}
-
-class Tool : public testing::Test {
- protected:
-  void SetUp() override {
-    char name[] = "/tmp/vek0_tool_XXXXXX";
-    ASSERT_NE(mkdtemp(name), nullptr);
-    m_folder = name;
-  }
-  void TearDown() override { fs::remove_all(m_folder); }
-
-  // Runs "vek0 <arguments>" in the scratch folder.
-  Outcome run(const std::string& arguments, const std::string& input = "/dev/null") {
-    const std::string command = "cd '" + m_folder.string() + "' && '" VEK0_TOOL "' " + arguments +
-                                " <" + input + " >.out 2>.err";
-    const int status = std::system(command.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(m_folder / ".out"),
-            contents(m_folder / ".err")};
-  }
-  void write(const std::string& name, const std::string& text) {
-    std::ofstream(m_folder / name, std::ios::binary) << text;
-  }
-  fs::path path(const std::string& name) const { return m_folder / name; }
-  bool leftovers() const {
-    for (const auto& entry : fs::directory_iterator(m_folder)) {
-      if (entry.path().extension() == ".tmp") return true;
-    }
-    return false;
-  }
-
-  const std::string flange = std::string("'") + VEK0_SAMPLES + "/flange.dxf'";
-  const std::string kinds = std::string("'") + VEK0_SAMPLES + "/every_kind_r12.dxf'";
-
- private:
-  fs::path m_folder;
-};
-
-const char* const kBroken = "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n10\n1\n0\nENDSEC\n0\nEOF\n";
 const char* const kPipes =
     ";; pipes\n*GAS,gas\nA,1,-.2,[\"GAS\",Signs,S=.1,R=-90,Y=-.05],[BOX,f.shx]\n*DRAIN\nA,2,-1\n";
 const char* const kFlatPolyline =
     "0\nSECTION\n2\nENTITIES\n0\nPOLYLINE\n8\n0\n66\n1\n10\n0\n20\n0\n70\n1\n"
     "0\nVERTEX\n8\n0\n10\n0\n20\n0\n0\nVERTEX\n8\n0\n10\n1\n20\n1\n"
     "0\nVERTEX\n8\n0\n10\n3\n20\n3\n0\nSEQEND\n8\n0\n0\nENDSEC\n0\nEOF\n";
-const char* const kOneLine =
-    "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\nA\n10\n1\n20\n2\n11\n4\n21\n6\n0\nENDSEC\n0\nEOF\n";
 
 }  // namespace
 

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cairo.h>
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+#include "sheetpainter.h"
+
+namespace vek0::tool {
+
+struct FACE_FILE;
+
+/// Draws a PNG image or one page of PDF, by Cairo. A page has its texts as texts, with
+/// the glyphs that they use embedded, so that they can be searched and copied.
+class CairoPainter final : public SheetPainter {
+ public:
+  enum Kind { Png, Pdf };
+
+  /// `file` is open, and borrowed like `fonts`. An image or page that cannot be made
+  /// shows as a failure of `finish`.
+  CairoPainter(Kind kind, IFile& file, const SHEET& sheet, FontLibrary& fonts);
+
+  /// Why an image of this size is not made, or an empty text.
+  static std::string refusal(const SHEET& sheet);
+
+  void begin(const DrawItem& item) override;
+  bool finish() override;
+
+ protected:
+  void plainStroke(const PNT_2D* points, std::size_t count, bool closed) override;
+  void plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) override;
+  void plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings) override;
+  void plainDot(const PNT_2D& at) override;
+  void plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) override;
+
+ private:
+  struct DestroySurface {
+    void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
+  };
+  struct DestroyContext {
+    void operator()(cairo_t* context) const { cairo_destroy(context); }
+  };
+
+  struct DestroyFont {
+    void operator()(cairo_font_face_t* font) const { cairo_font_face_destroy(font); }
+  };
+  using Font = std::unique_ptr<cairo_font_face_t, DestroyFont>;
+
+  bool showGlyphs(const DrawText& text, const FaceFont& font);
+  cairo_font_face_t* fontOf(const FACE_FILE& file);
+  enum Path { None, Strokes, Fills };  // what the path at hand is to become
+  void startPath(Path path);
+  void countPoints(std::size_t count);
+  void endPath();
+  void addRing(const PNT_2D* points, std::size_t count, bool reversed);
+
+  Kind m_kind;
+  IFile& m_file;
+  std::unique_ptr<cairo_surface_t, DestroySurface> m_surface;
+  std::unique_ptr<cairo_t, DestroyContext> m_context;
+  std::unordered_map<const FACE_FILE*, Font> m_faces;
+  RGB_COLOR m_color;
+  Path m_path = None;
+  std::size_t m_points = 0;  // in the path
+};
+
+}  // namespace vek0::tool

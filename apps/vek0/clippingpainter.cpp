@@ -1,0 +1,125 @@
+#include "clippingpainter.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace vek0::tool {
+namespace {
+
+bool allInside(const RECT_2D& box, const PNT_2D* points, std::size_t count) {
+  return std::all_of(points, points + count, [&](const PNT_2D& p) { return box.inside(p); });
+}
+
+// Narrows [from, to], the part of the segment at + t * step that lies below `limit`.
+bool narrow(double at, double step, double limit, double& from, double& to) {
+  if (step == 0) return at <= limit;
+  const double t = (limit - at) / step;
+  if (step > 0) {
+    to = std::min(to, t);
+  } else {
+    from = std::max(from, t);
+  }
+  return from <= to;
+}
+
+// Keeps what lies on the inner side of one border: `value` grows inwards from 0 on it.
+template <class Value>
+void clipAtBorder(const std::vector<PNT_2D>& in, std::vector<PNT_2D>& out, Value value) {
+  out.clear();
+  for (std::size_t i = 0; i < in.size(); ++i) {
+    const PNT_2D &a = in[i], &b = in[(i + 1) % in.size()];
+    const double va = value(a), vb = value(b);
+    if (va >= 0) out.push_back(a);
+    if ((va >= 0) == (vb >= 0)) continue;
+    const double t = va / (va - vb);
+    out.emplace_back(a.x + t * (b.x - a.x), a.y + t * (b.y - a.y));
+  }
+}
+
+}  // namespace
+
+bool turnsLeft(const PNT_2D* points, std::size_t count) {
+  double area = 0;
+  for (std::size_t i = 2; i < count; ++i) {
+    const PNT_2D &o = points[0], &a = points[i - 1], &b = points[i];
+    area += (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
+  }
+  return area > 0;
+}
+
+bool clipSegment(const RECT_2D& box, PNT_2D& a, PNT_2D& b) {
+  const double dx = b.x - a.x, dy = b.y - a.y;
+  double from = 0, to = 1;
+  if (!narrow(a.x, dx, box.max.x, from, to) || !narrow(-a.x, -dx, -box.min.x, from, to) ||
+      !narrow(a.y, dy, box.max.y, from, to) || !narrow(-a.y, -dy, -box.min.y, from, to)) {
+    return false;
+  }
+  if (to < 1) b.set(a.x + to * dx, a.y + to * dy);
+  if (from > 0) a.set(a.x + from * dx, a.y + from * dy);
+  return true;
+}
+
+void clipRing(const RECT_2D& box, const PNT_2D* points, std::size_t count,
+              std::vector<PNT_2D>& out) {
+  std::vector<PNT_2D> a(points, points + count), b;
+  clipAtBorder(a, b, [&](const PNT_2D& p) { return p.x - box.min.x; });
+  clipAtBorder(b, a, [&](const PNT_2D& p) { return box.max.x - p.x; });
+  clipAtBorder(a, b, [&](const PNT_2D& p) { return p.y - box.min.y; });
+  clipAtBorder(b, a, [&](const PNT_2D& p) { return box.max.y - p.y; });
+  out.insert(out.end(), a.begin(), a.end());
+}
+
+void ClippingPainter::stroke(const PNT_2D* points, std::size_t count, bool closed) {
+  if (count == 0) return;
+  if (allInside(m_box, points, count)) {
+    plainStroke(points, count, closed);
+  } else {
+    strokePieces(points, count, closed);
+  }
+}
+
+void ClippingPainter::strokePieces(const PNT_2D* points, std::size_t count, bool closed) {
+  const std::size_t segments = closed ? count : count - 1;
+  for (std::size_t i = 0; i < segments; ++i) {
+    PNT_2D a = points[i], b = points[(i + 1) % count];
+    if (!clipSegment(m_box, a, b)) continue;
+    if (m_piece.empty() || m_piece.back() != a) {
+      endPiece();
+      m_piece.push_back(a);
+    }
+    m_piece.push_back(b);
+  }
+  endPiece();
+}
+
+void ClippingPainter::endPiece() {
+  if (m_piece.size() > 1) plainStroke(m_piece.data(), m_piece.size(), false);
+  m_piece.clear();
+}
+
+bool ClippingPainter::arc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
+  if (!m_box.inside(center.x - radius, center.y - radius) ||
+      !m_box.inside(center.x + radius, center.y + radius)) {
+    return false;
+  }
+  plainArc(center, radius, startRad, sweepRad);
+  return true;
+}
+
+void ClippingPainter::fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings) {
+  if (rings == 0) return;
+  if (allInside(m_box, points, ends[rings - 1])) return plainFill(points, ends, rings);
+  m_rings.clear();
+  m_ends.clear();
+  for (std::size_t i = 0, start = 0; i < rings; start = ends[i++]) {
+    clipRing(m_box, points + start, ends[i] - start, m_rings);
+    m_ends.push_back(m_rings.size());
+  }
+  if (!m_rings.empty()) plainFill(m_rings.data(), m_ends.data(), m_ends.size());
+}
+
+void ClippingPainter::dot(const PNT_2D& at) {
+  if (m_box.inside(at)) plainDot(at);
+}
+
+}  // namespace vek0::tool

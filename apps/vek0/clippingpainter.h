@@ -1,0 +1,52 @@
+#pragma once
+
+#include <vector>
+
+#include "vek0core/geometry/rect.h"
+#include "vek0draw/painter.h"
+
+namespace vek0::tool {
+
+/// Keeps what lies far off the sheet from a painter, which is then free to count in
+/// small numbers: strokes and fills are clipped to a box three times the sheet's size,
+/// so that no clipped end is seen; arcs that leave the box become strokes.
+class ClippingPainter : public IPainter {
+ public:
+  void stroke(const PNT_2D* points, std::size_t count, bool closed) final;
+  bool arc(const PNT_2D& center, double radius, double startRad, double sweepRad) final;
+  void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings) final;
+  void dot(const PNT_2D& at) final;
+
+ protected:
+  ClippingPainter(double width, double height) : m_box(-width, -height, 2 * width, 2 * height) {}
+
+  const RECT_2D& box() const { return m_box; }
+
+  /// The same as in `IPainter`, with everything inside the box.
+  virtual void plainStroke(const PNT_2D* points, std::size_t count, bool closed) = 0;
+  virtual void plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) = 0;
+  virtual void plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings) = 0;
+  virtual void plainDot(const PNT_2D& at) = 0;
+
+ private:
+  void strokePieces(const PNT_2D* points, std::size_t count, bool closed);
+  void endPiece();
+
+  RECT_2D m_box;
+  std::vector<PNT_2D> m_piece, m_rings;
+  std::vector<std::size_t> m_ends;
+};
+
+/// Whether a ring runs from the x axis towards the y axis around what it encloses. Rings
+/// that all run alike are united by the non-zero rule, wherever they overlap.
+bool turnsLeft(const PNT_2D* points, std::size_t count);
+
+/// Cuts the segment to the box; false when nothing of it lies inside.
+bool clipSegment(const RECT_2D& box, PNT_2D& a, PNT_2D& b);
+
+/// Appends the part of a ring that lies inside the box to `out`; pieces of it are joined
+/// along the box, which leaves the inside right by the even-odd rule.
+void clipRing(const RECT_2D& box, const PNT_2D* points, std::size_t count,
+              std::vector<PNT_2D>& out);
+
+}  // namespace vek0::tool

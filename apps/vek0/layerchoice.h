@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+class CData;
+class CLayer;
+
+namespace vek0::tool {
+
+/// Whether a name fits a pattern, letter case ignored: "*" stands for any text, "?" for
+/// one character. Quadratic at worst.
+bool matchesPattern(std::u16string_view name, std::u16string_view pattern);
+
+/// Which layers of a drawing are shown.
+class LayerChoice {
+ public:
+  /// With names in `shown` only the layers that they match are on, frozen ones thawed;
+  /// those in `hidden` are off in any case. UTF-8, patterns allowed. Layers of external
+  /// references go by "XREF|LAYER".
+  LayerChoice(const CData& data, const std::vector<std::string>& shown,
+              const std::vector<std::string>& hidden);
+
+  /// The names that no layer matched.
+  const std::vector<std::string>& unmatched() const { return m_unmatched; }
+  /// The layers that are neither off nor frozen now.
+  const std::vector<CLayer*>& visible() const { return m_visible; }
+  /// Switches all others of the visible layers off.
+  void showOnly(const CLayer* layer) const;
+
+ private:
+  std::vector<bool> matching(const std::vector<CLayer*>& layers,
+                             const std::vector<std::string>& names);
+
+  std::vector<std::string> m_unmatched;
+  std::vector<CLayer*> m_visible;
+};
+
+}  // namespace vek0::tool

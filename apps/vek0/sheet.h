@@ -1,0 +1,48 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "vek0core/geometry/rect.h"
+#include "vek0draw/painter.h"
+
+namespace vek0::tool {
+
+constexpr double kMmPerInch = 25.4;
+/// Pixels per inch as style sheets count them.
+constexpr double kCssDpi = 96;
+/// Paper is counted in hundredths of a millimetre.
+constexpr double kPaperUnitMm = 0.01;
+
+/// What a picture is drawn on.
+struct SHEET {
+  long width = 0, height = 0;            ///< device units: pixels, or `kPaperUnitMm` on paper
+  double unitMm = kMmPerInch / kCssDpi;  ///< size of a device unit
+  bool paper = false;                    ///< measured in millimetres
+  double lineWidth = 1;                  ///< device units
+  RGB_COLOR background{255, 255, 255};
+  bool transparent = false;  ///< the background is not painted
+  std::string title;         ///< UTF-8
+};
+
+/// A size as people give it.
+struct SHEET_SIZE {
+  double width = 0, height = 0;
+  bool mm = false;  ///< millimetres, else pixels
+};
+
+/// "1600x1200", "297x210mm"; nothing for anything else.
+std::optional<SHEET_SIZE> parseSize(const std::string& text);
+/// "A4" (upright) or "WxH" in millimetres, with or without the unit.
+std::optional<SHEET_SIZE> parsePaper(const std::string& text);
+/// Millimetres on paper for a drawing unit of one millimetre: "1:50" gives 0.02, "2:1"
+/// gives 2, "0.5" gives 0.5.
+std::optional<double> parseScale(const std::string& text);
+/// "x1,y1,x2,y2", two opposite corners.
+std::optional<RECT_2D> parseWindow(const std::string& text);
+/// "#rrggbb", "#rgb" or one of a few names.
+std::optional<RGB_COLOR> parseColor(const std::string& text);
+/// The numbers of "a,b,c"; nothing unless there are `count` of them, all finite.
+bool parseNumbers(const std::string& text, char separator, double* values, std::size_t count);
+
+}  // namespace vek0::tool

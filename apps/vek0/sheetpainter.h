@@ -1,0 +1,38 @@
+#pragma once
+
+#include "clippingpainter.h"
+#include "sheet.h"
+
+class IFile;
+
+namespace vek0::tool {
+
+class FaceFont;
+class FontLibrary;
+
+/// A painter that makes a file. The device coordinates are those of its sheet.
+class SheetPainter : public ClippingPainter {
+ public:
+  /// Writes what is not written yet; false when the file did not take everything. To be
+  /// called once, behind the last stroke. The file stays open.
+  virtual bool finish() = 0;
+
+  void text(const DrawText& text) final;
+
+ protected:
+  /// `fonts` is borrowed.
+  SheetPainter(const SHEET& sheet, FontLibrary& fonts)
+      : ClippingPainter(static_cast<double>(sheet.width), static_cast<double>(sheet.height)),
+        m_fonts(fonts) {}
+
+  /// A text inside the box, in the measures of `font`; `bounds` is about what it covers
+  /// on the device.
+  virtual void plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) = 0;
+
+ private:
+  void fillOutlines(const DrawText& text, const FaceFont& font);
+
+  FontLibrary& m_fonts;
+};
+
+}  // namespace vek0::tool

@@ -1,0 +1,148 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "sheetpainter.h"
+
+namespace vek0::tool {
+
+/// The data of a path, as short as it gets: whole steps of 1/100 device unit, written as
+/// differences.
+class SvgPath {
+ public:
+  /// Begins anew, or goes on where the path is already. A path that comes back to where it
+  /// began is closed.
+  void move(const PNT_2D& to);
+  void line(const PNT_2D& to);
+  /// A curve by its letter ("q", "c"), its control points and its end.
+  void curve(char letter, const PNT_2D* points, std::size_t count);
+  /// An arc of at most half a turn to a point.
+  void arc(double radius, bool clockwise, const PNT_2D& to);
+  void close();
+  void clear() {
+    m_data.clear();
+    m_letter = 0;
+  }
+
+  bool empty() const { return m_data.empty(); }
+  const std::string& data() const { return m_data; }
+
+ private:
+  void add(char letter, std::int64_t number);
+  void add(std::int64_t number);
+  void reached(std::int64_t x, std::int64_t y);
+
+  std::string m_data;
+  char m_letter = 0;              // that the next numbers go on with
+  std::int64_t m_x = 0, m_y = 0;  // where the path is
+  std::int64_t m_startX = 0, m_startY = 0;
+  int m_segments = 0;  // since the start
+};
+
+/// Which group drew where, on a coarse grid over the sheet: tells when grouping by layer
+/// would show a fill above what came behind it, or below what came before it.
+class CoverGrid {
+ public:
+  CoverGrid(double width, double height);
+  void clear();
+  /// Whether an element of a group may join it (groups are numbered in the order in which
+  /// they are written): no fill may end up below or above what it should not.
+  bool admits(const RECT_2D& box, int group, bool isFill);
+  void mark(const RECT_2D& box, int group, bool isFill);
+
+ private:
+  static constexpr int kCells = 32;  // each way
+  struct CELL {
+    int top = -1, topFill = -1;  // last group that drew here, that filled here; -1: none
+  };
+  static int cellOf(double at, double size);
+  template <class Visit>
+  bool allCells(const RECT_2D& box, Visit&& visit);
+
+  double m_width, m_height;
+  std::vector<CELL> m_cells;
+};
+
+/// Writes SVG that people and programs find their way in: one group a layer
+/// (`layer-WALLS`, an Inkscape layer too), the entity's handle as the id of what it
+/// drew (`h1F`), arcs and circles as such, texts as texts or as outlines.
+///
+/// Where a fill covers what another layer drew before, or is covered by what comes
+/// behind it, the order counts more than the grouping: groups are closed and begun again
+/// (`layer-WALLS-2`). The bytes go to the file in blocks.
+class SvgPainter final : public SheetPainter {
+ public:
+  enum Texts { AsText, AsOutlines };
+
+  /// `file` is open, and borrowed like `fonts`.
+  SvgPainter(IFile& file, const SHEET& sheet, FontLibrary& fonts, Texts texts);
+
+  void begin(const DrawItem& item) override;
+  bool finish() override;
+
+ protected:
+  void plainStroke(const PNT_2D* points, std::size_t count, bool closed) override;
+  void plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) override;
+  void plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings) override;
+  void plainDot(const PNT_2D& at) override;
+  void plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) override;
+
+ private:
+  struct Group {
+    std::string layer;  // UTF-8
+    RGB_COLOR color;    // of its first element
+    std::string body;
+  };
+
+  void writeHead(const SHEET& sheet);
+  void write(std::string_view text);
+  void flushGroups();
+  Group& groupOfItem();
+  std::string groupId(const std::string& layer);
+  std::string nextHandleId();
+
+  void reach(const RECT_2D& box, bool isFill);
+  void addElement(std::string_view name, std::string_view rest);
+  void startPath(bool fills);
+  void endPath();
+  static void addRing(SvgPath& path, const PNT_2D* points, std::size_t count, bool reversed);
+  void endEntity();
+  std::string strokeAttribute();
+  std::string fillAttribute() const;
+  std::string textAttributes(const DrawText& text, const FaceFont& font) const;
+
+  IFile& m_file;
+  Texts m_texts;
+  bool m_good = true;
+  std::string m_out;  // not written yet
+
+  CoverGrid m_cover;
+  std::vector<Group> m_groups;                             // not written yet, in their order
+  std::unordered_map<std::string, std::size_t> m_groupOf;  // by the layer
+  std::unordered_set<std::string> m_groupIds;
+  std::size_t m_buffered = 0;               // bytes in the groups
+  std::unordered_map<long, int> m_handles;  // how many ids each has
+
+  // What begin said.
+  zim::WString m_layer;
+  std::string m_layerUtf8;
+  RGB_COLOR m_color;
+  long m_handle = 0;
+  static constexpr std::size_t kNoGroup = static_cast<std::size_t>(-1);
+  std::size_t m_group = kNoGroup;  // of the layer, once it has drawn something
+
+  // The entity at hand: its finished elements, where the id of the first one belongs,
+  // and the strokes or fills that make one path.
+  std::string m_elements;
+  int m_elementCount = 0;
+  std::size_t m_idAt = 0;
+  SvgPath m_path;
+  bool m_pathFills = false;
+};
+
+}  // namespace vek0::tool
