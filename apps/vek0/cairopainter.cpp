@@ -10,6 +10,7 @@
 
 #include "fonts.h"
 #include "vek0core/files/file.h"
+#include "vek0core/geometry/arc.h"
 
 namespace vek0::tool {
 namespace {
@@ -97,6 +98,12 @@ CairoPainter::CairoPainter(Kind kind, IFile& file, const SHEET& sheet, FontLibra
     cairo_paint(context);
   }
   setColor(context, m_color);
+  unsigned char* pixels = kind == Png ? cairo_image_surface_get_data(m_surface.get()) : nullptr;
+  if (!pixels) return;
+  m_lines = std::make_unique<LineRasterizer>(pixels, sheet.width, sheet.height,
+                                             cairo_image_surface_get_stride(m_surface.get()),
+                                             sheet.lineWidth);
+  m_lines->setColor(m_color);
 }
 
 void CairoPainter::begin(const DrawItem& item) {
@@ -104,6 +111,17 @@ void CairoPainter::begin(const DrawItem& item) {
   endPath();
   m_color = item.color;
   setColor(m_context.get(), m_color);
+  if (m_lines) m_lines->setColor(m_color);
+}
+
+// Cairo and the rasterizer take turns at the pixels.
+bool CairoPainter::strokesItself() {
+  if (!m_lines) return false;
+  if (m_path == Pixels) return true;
+  endPath();
+  cairo_surface_flush(m_surface.get());
+  m_path = Pixels;
+  return true;
 }
 
 void CairoPainter::startPath(Path path) {
@@ -119,11 +137,13 @@ void CairoPainter::countPoints(std::size_t count) {
 void CairoPainter::endPath() {
   if (m_path == Strokes) cairo_stroke(m_context.get());
   if (m_path == Fills) cairo_fill(m_context.get());
+  if (m_path == Pixels) cairo_surface_mark_dirty(m_surface.get());
   m_path = None;
   m_points = 0;
 }
 
 void CairoPainter::plainStroke(const PNT_2D* points, std::size_t count, bool closed) {
+  if (strokesItself()) return m_lines->stroke(points, count, closed);
   startPath(Strokes);
   cairo_t* context = m_context.get();
   cairo_move_to(context, points[0].x, points[0].y);
@@ -133,12 +153,26 @@ void CairoPainter::plainStroke(const PNT_2D* points, std::size_t count, bool clo
 }
 
 void CairoPainter::plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
+  if (strokesItself()) return strokeArc(center, radius, startRad, sweepRad);
   constexpr std::size_t kPoints = 8;  // about what an arc costs
   startPath(Strokes);
   cairo_new_sub_path(m_context.get());
   const auto draw = sweepRad < 0 ? cairo_arc_negative : cairo_arc;
   draw(m_context.get(), center.x, center.y, radius, startRad, startRad + sweepRad);
   countPoints(kPoints);
+}
+
+// A tenth of a pixel from the curve is not seen.
+void CairoPainter::strokeArc(const PNT_2D& center, double radius, double startRad,
+                             double sweepRad) {
+  constexpr double kError = 0.1;
+  const int count = arcChords(sweepRad, kError / std::max(radius, kError));
+  m_chords.clear();
+  for (int i = 0; i <= count; ++i) {
+    const double angle = startRad + sweepRad * i / count;
+    m_chords.emplace_back(center.x + radius * std::cos(angle), center.y + radius * std::sin(angle));
+  }
+  m_lines->stroke(m_chords.data(), m_chords.size(), false);
 }
 
 void CairoPainter::addRing(const PNT_2D* points, std::size_t count, bool reversed) {

@@ -5,14 +5,17 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
+#include "linerasterizer.h"
 #include "sheetpainter.h"
 
 namespace vek0::tool {
 
 struct FACE_FILE;
 
-/// Draws a PNG image or one page of PDF, by Cairo. A page has its texts as texts, with
+/// Draws a PNG image or one page of PDF, by Cairo; strokes of an image by a rasterizer of
+/// its own. A page has its texts as texts, with
 /// the glyphs that they use embedded, so that they can be searched and copied.
 class CairoPainter final : public SheetPainter {
  public:
@@ -48,10 +51,12 @@ class CairoPainter final : public SheetPainter {
   };
   using Font = std::unique_ptr<cairo_font_face_t, DestroyFont>;
 
+  bool strokesItself();
   bool showGlyphs(const DrawText& text, const FaceFont& font);
   cairo_font_face_t* fontOf(const FACE_FILE& file);
-  enum Path { None, Strokes, Fills };  // what the path at hand is to become
+  enum Path { None, Strokes, Fills, Pixels };  // what the path at hand is to become
   void startPath(Path path);
+  void strokeArc(const PNT_2D& center, double radius, double startRad, double sweepRad);
   void countPoints(std::size_t count);
   void endPath();
   void addRing(const PNT_2D* points, std::size_t count, bool reversed);
@@ -60,6 +65,8 @@ class CairoPainter final : public SheetPainter {
   IFile& m_file;
   std::unique_ptr<cairo_surface_t, DestroySurface> m_surface;
   std::unique_ptr<cairo_t, DestroyContext> m_context;
+  std::unique_ptr<LineRasterizer> m_lines;  // of an image that could be made
+  std::vector<PNT_2D> m_chords;             // scratch
   std::unordered_map<const FACE_FILE*, Font> m_faces;
   RGB_COLOR m_color;
   Path m_path = None;

@@ -152,6 +152,13 @@ struct Image {
     return result;
   }
 
+  // Pixels that black covers on white, those that it covers in part by their share.
+  double ink() const {
+    double result = 0;
+    for (const auto& [color, number] : colors) result += number * (255 - (color & 255)) / 255.0;
+    return result;
+  }
+
   int width = 0, height = 0;
   std::map<std::uint32_t, int> colors;  // 0xAARRGGBB
 };
@@ -519,6 +526,35 @@ TEST_F(Render, EdgesOfImagesAreSoft) {
   const Image image(path("a.png"));
   EXPECT_GT(image.colors.size(), 16u) << "shades between paper and pen";
   EXPECT_GT(image.count(0xFFFFFFFF), 15000);
+}
+
+// However a line is cut, and whichever way it goes, it is as dark as it is long and wide.
+TEST_F(Render, InkFollowsLengthAndWidth) {
+  const auto inkOf = [&](const std::string& entities, const std::string& options) {
+    write("a.dxf", drawing(entities));
+    EXPECT_EQ(
+        run("render a.dxf -f -o a.png --size 200x200mm --dpi 25.4 --window 0,0,200,200" + options)
+            .code,
+        0);
+    return Image(path("a.png")).ink();
+  };
+  const auto chain = [](double x, double y, int pieces) {
+    std::string text = "0\nPOLYLINE\n8\nA\n66\n1\n";
+    for (int i = 0; i <= pieces; ++i)
+      text += "0\nVERTEX\n8\nA\n10\n" + std::to_string(20 + x * i / pieces) + "\n20\n" +
+              std::to_string(20 + y * i / pieces) + "\n";
+    return text + "0\nSEQEND\n";
+  };
+  for (const auto& [x, y] : {std::pair(150.0, 0.0), std::pair(0.0, 150.0), std::pair(120.0, 90.0),
+                             std::pair(149.0, 9.0), std::pair(9.0, 149.0)}) {
+    for (const double width : {0.5, 1.0, 4.0}) {
+      SCOPED_TRACE(testing::Message() << x << ", " << y << ", width " << width);
+      const std::string option = " --lineweight " + std::to_string(width);
+      const double expected = std::hypot(x, y) * width;
+      EXPECT_NEAR(inkOf(line("A", 20, 20, 20 + x, 20 + y), option), expected, 0.07 * expected + 6);
+      EXPECT_NEAR(inkOf(chain(x, y, 400), option), expected, 0.07 * expected + 6);
+    }
+  }
 }
 
 // Strips side by side, each with soft edges of its own, would let the background through.
