@@ -4,11 +4,11 @@
 #include <cmath>
 
 #include "cairopainter.h"
+#include "vek0core/geometry/angle.h"
 
 namespace vek0::tool {
 namespace {
 
-constexpr double kRadPerDegree = 0.01745329251994;
 constexpr double kImageSide = 1600;  // pixels
 constexpr double kMinImageSide = 200;
 constexpr double kMarginMm = 10, kMarginPixels = 20;
@@ -195,7 +195,7 @@ std::unique_ptr<IProjector> makeProjector(const std::string& text) {
   std::string rest = text;
   double v[4];
   if (takePrefix(rest, "plan:") && parseNumbers(rest, ',', v, 1)) {
-    return std::make_unique<CPORotatedProjector>(v[0] * kRadPerDegree, 0, 0);
+    return std::make_unique<CPORotatedProjector>(v[0] * kRadiansPerDegree, 0, 0);
   }
   if (takePrefix(rest, "parallel:") && parseNumbers(rest, ',', v, 4) &&
       v[0] * v[3] - v[1] * v[2] != 0) {

@@ -38,8 +38,8 @@ EntPtr readArc(RecordReader& in) {
   static constexpr RecordKind kind({10, 20, 30, 40, 50, 51}, {8, 10, 20, 40, 50, 51});
   if (!in.read(kind)) return nullptr;
   const Record& r = in.record();
-  const ARC_3D arc(r.real(10), r.real(20), r.real(30), r.real(40), r.real(50) * kRadPerDegree,
-                   r.real(51) * kRadPerDegree);
+  const ARC_3D arc(r.real(10), r.real(20), r.real(30), r.real(40), r.real(50) * kRadiansPerDegree,
+                   r.real(51) * kRadiansPerDegree);
   return in.built(in.factory().createEntArc(in.gestor(), r.layer, r.ltype, r.color, arc, r.handle));
 }
 

@@ -13,8 +13,6 @@
 #include "vek0core/files/file.h"
 #include "vek0core/files/textcodec.h"
 
-using vek0::detail::kRadPerDegree;
-
 namespace {
 
 constexpr long kNewestVersion = 15;  // of "AC1015"
@@ -32,7 +30,7 @@ void setLimMin(CDataVariables& vars, const Reals& v) { vars.setLimMin(PNT_2D(v[0
 void setLimMax(CDataVariables& vars, const Reals& v) { vars.setLimMax(PNT_2D(v[0], v[1])); }
 void setLtypeScale(CDataVariables& vars, const Reals& v) { vars.setLtypeScale(v[0]); }
 void setPLineWid(CDataVariables& vars, const Reals& v) { vars.setPLineWid(v[0]); }
-void setAngDir(CDataVariables& vars, const Reals& v) { vars.setAngDir(v[0] * kRadPerDegree); }
+void setAngDir(CDataVariables& vars, const Reals& v) { vars.setAngDir(v[0] * kRadiansPerDegree); }
 
 void setColor(CDataVariables& vars, const long& value) {
   if (value >= 0 && value <= 256) vars.setCurColor(static_cast<short>(value));
@@ -442,7 +440,7 @@ void CFileDXFIParser::readStylePair(long code, StyleEntry& style) {
       style.lastHeight = styleNumber(0, kInfinity, style);
       break;
     case 50:
-      style.oblique = styleNumber(-maxOblique, maxOblique, style) * kRadPerDegree;
+      style.oblique = styleNumber(-maxOblique, maxOblique, style) * kRadiansPerDegree;
       break;
     case 70:
       style.flags = getInt() & ~kReferenced;

@@ -154,7 +154,8 @@ bool HatchReader::readArc() {
   if (!takePoint(10, center) || !takeReal(40, radius) || !takeReal(50, start) ||
       !takeReal(51, end) || !takeInteger(73, ccw))
     return false;
-  return took(m_loop.addArc(center, radius, start * kRadPerDegree, end * kRadPerDegree, ccw != 0));
+  return took(
+      m_loop.addArc(center, radius, start * kRadiansPerDegree, end * kRadiansPerDegree, ccw != 0));
 }
 
 bool HatchReader::readEllipse() {
@@ -164,8 +165,8 @@ bool HatchReader::readEllipse() {
   if (!takePoint(10, center) || !takePoint(11, major) || !takeReal(40, ratio) ||
       !takeReal(50, start) || !takeReal(51, end) || !takeInteger(73, ccw))
     return false;
-  return took(m_loop.addEllipse(center, major, ratio, start * kRadPerDegree, end * kRadPerDegree,
-                                ccw != 0));
+  return took(m_loop.addEllipse(center, major, ratio, start * kRadiansPerDegree,
+                                end * kRadiansPerDegree, ccw != 0));
 }
 
 bool HatchReader::readSpline() {
@@ -223,7 +224,7 @@ PatternRecord HatchReader::patternRecord() const {
   pattern.crossed = r.integer(77) != 0;
   pattern.kind = r.integer(76, PatternRecord::Predefined);
   if (r.real(41) > 0) pattern.scale = r.real(41);
-  pattern.angleRad = r.real(52) * kRadPerDegree;
+  pattern.angleRad = r.real(52) * kRadiansPerDegree;
   pattern.lines = m_lines;
   return pattern;
 }

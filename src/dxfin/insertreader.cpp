@@ -21,7 +21,7 @@ void takeExtended(const RecordReader& in, HatchData& data) {
 CEntInsert* createInsert(RecordReader& in, CBlock& block) {
   const Record& r = in.record();
   const double sx = r.real(41, 1), sy = r.real(42, 1), sz = r.real(43, 1);
-  const double rotation = r.real(50) * kRadPerDegree;
+  const double rotation = r.real(50) * kRadiansPerDegree;
   const long columns = r.integer(70, 1), rows = r.integer(71, 1);
   if (block.isXRef())
     return in.factory().createEntInsertXRef(

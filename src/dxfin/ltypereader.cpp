@@ -102,7 +102,7 @@ void LtypeReader::takeText(Entry& entry) {
   CTextContext context;
   context.setWidthScale(1);
   context.setHeight(expectDouble(46));
-  context.setRotate(expectDouble(50) * kRadPerDegree);
+  context.setRotate(expectDouble(50) * kRadiansPerDegree);
   const double x = expectDouble(44), y = expectDouble(45);
   if (!expect(9)) return;
   context.setString(m_context.lexer.getText());

@@ -13,12 +13,9 @@
 #include "vek0core/dxfin/filedxfisemantor.h"
 #include "vek0core/entities/ent.h"
 #include "vek0core/entities/entfactory.h"
+#include "vek0core/geometry/angle.h"
 
 namespace vek0::detail {
-
-/// Degrees of the file to radians of the drawing. The number of digits is part of
-/// the format: what is written back is again the same number of degrees.
-constexpr double kRadPerDegree = 0.01745329251994;
 
 /// What the parser lends to everything that reads records.
 struct ReadContext {

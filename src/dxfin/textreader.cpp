@@ -48,8 +48,8 @@ CTextContext context(const Record& r, const zim::WString& string) {
   CTextContext c;
   c.setHeight(r.real(40));
   c.setWidthScale(r.real(41, 1));
-  c.setOblique(r.real(51) * kRadPerDegree);
-  c.setRotate(r.real(50) * kRadPerDegree);
+  c.setOblique(r.real(51) * kRadiansPerDegree);
+  c.setRotate(r.real(50) * kRadiansPerDegree);
   c.setString(string);
   mirror(r.integer(71), c);
   return c;

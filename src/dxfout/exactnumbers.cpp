@@ -2,11 +2,10 @@
 
 #include <cmath>
 
+#include "vek0core/geometry/angle.h"
+
 namespace vek0::detail {
 namespace {
-
-// The factor of the reader.
-constexpr double kReadRadPerDegree = 0.01745329251994;
 
 // Ten decimals hold what people and programs write; a double of 360 has thirteen.
 constexpr double kDecimals = 1e10;
@@ -18,7 +17,7 @@ double roundDecimals(double degrees) { return std::round(degrees * kDecimals) / 
 
 // A number of degrees that reads as exactly `angleRad`, or the quotient if none does.
 double nearestDegrees(double angleRad) {
-  const double quotient = angleRad / kReadRadPerDegree;
+  const double quotient = angleRad / kRadiansPerDegree;
   const double candidates[] = {roundDecimals(quotient), quotient,
                                std::nextafter(quotient, -HUGE_VAL),
                                std::nextafter(quotient, HUGE_VAL)};
@@ -30,7 +29,7 @@ double nearestDegrees(double angleRad) {
 
 }  // namespace
 
-double readRadians(double degrees) { return degrees * kReadRadPerDegree; }
+double readRadians(double degrees) { return degrees * kRadiansPerDegree; }
 
 double exactDegrees(double angleRad) {
   const double degrees = nearestDegrees(angleRad);
@@ -48,7 +47,7 @@ double steady(double value, double magnitude) {
 }
 
 double steadyAngle(double angleRad) {
-  const double degrees = roundDecimals(angleRad / kReadRadPerDegree);
+  const double degrees = roundDecimals(angleRad / kRadiansPerDegree);
   return readRadians(degrees == 360 ? 0 : degrees);
 }
 

@@ -407,7 +407,7 @@ bool HatchLoopBuilder::addEdge(size_t first) {
   return true;
 }
 
-// Keeps every fourth of the points from `first` on when there is no room for all: they
+// Keeps four of the points from `first` on when there is no room for all: they
 // stand for a curve that begins before them.
 void HatchLoopBuilder::thinCurve(size_t first) {
   constexpr size_t few = 4;

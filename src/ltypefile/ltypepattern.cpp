@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "files/number.h"
+#include "vek0core/geometry/angle.h"
 #include "vek0core/tables/ltype.h"
 #include "vek0core/tables/style.h"
 #include "vek0core/tables/styletable.h"
@@ -11,7 +12,6 @@
 namespace vek0::detail {
 namespace {
 
-constexpr double kRadPerDeg = 0.01745329251994;  // as every reader of these files has it
 constexpr double kTwoPi = 6.283185307179586;
 constexpr double kStepLimitRad = 64 * kTwoPi;
 // What converting and adding a turn may cost, in degrees; far below a written decimal.
@@ -86,7 +86,7 @@ void readParameter(std::u16string_view item, const LtypeReading& reading,
       break;
     case u'R':
     case u'r':
-      parameters.rotation = normalized(readNumber(trimmed(item), reading) * kRadPerDeg);
+      parameters.rotation = normalized(readNumber(trimmed(item), reading) * kRadiansPerDegree);
       break;
     case u'X':
     case u'x':
@@ -254,7 +254,7 @@ std::u16string sixDecimals(double value, CFileReport& report) {
 
 // Degrees come out of the division with an error of their own, which is no rounding.
 std::u16string degrees(double angleRad, CFileReport& report) {
-  const double value = angleRad / kRadPerDeg;
+  const double value = angleRad / kRadiansPerDegree;
   const double whole = std::nearbyint(value * 1e6) / 1e6;
   return sixDecimals(std::fabs(value - whole) < kDegreeError ? whole : value, report);
 }
