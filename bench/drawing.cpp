@@ -18,7 +18,7 @@ class NullPainter : public IPainter {
   void begin(const DrawItem&) override {}
   void stroke(const PNT_2D*, std::size_t, bool) override {}
   bool arc(const PNT_2D&, double, double, double) override { return true; }
-  void fill(const PNT_2D*, const std::size_t*, std::size_t) override {}
+  void fill(const PNT_2D*, const std::size_t*, std::size_t, FillRule) override {}
   void dot(const PNT_2D&) override {}
   void text(const DrawText&) override {}
 };

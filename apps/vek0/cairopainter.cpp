@@ -184,16 +184,17 @@ void CairoPainter::addRing(const PNT_2D* points, std::size_t count, bool reverse
   cairo_close_path(m_context.get());
 }
 
-void CairoPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings) {
-  if (rings == 1) {
+void CairoPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
+                             FillRule rule) {
+  const bool unites = rule == FillRule::NonZero;
+  if (unites)
     startPath(Fills);
-    addRing(points, ends[0], turnsLeft(points, ends[0]));
-    return countPoints(ends[0]);
-  }
-  endPath();
-  for (std::size_t ring = 0, start = 0; ring < rings; start = ends[ring++]) {
-    addRing(points + start, ends[ring] - start, false);
-  }
+  else
+    endPath();
+  const bool reversed = unites && turnLeft(points, ends, rings);
+  for (std::size_t ring = 0, start = 0; ring < rings; start = ends[ring++])
+    addRing(points + start, ends[ring] - start, reversed);
+  if (unites) return countPoints(ends[rings - 1]);
   cairo_set_fill_rule(m_context.get(), CAIRO_FILL_RULE_EVEN_ODD);
   cairo_fill(m_context.get());
   cairo_set_fill_rule(m_context.get(), CAIRO_FILL_RULE_WINDING);

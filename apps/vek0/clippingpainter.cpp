@@ -10,6 +10,23 @@ bool allInside(const RECT_2D& box, const PNT_2D* points, std::size_t count) {
   return std::all_of(points, points + count, [&](const PNT_2D& p) { return box.inside(p); });
 }
 
+// Twice the area of the triangle, positive when it turns from x to y.
+double cross(const PNT_2D& o, const PNT_2D& a, const PNT_2D& b) {
+  return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
+}
+
+// Triangles, and what else has four corners that all turn the same way.
+bool isConvex(const PNT_2D* points, const std::size_t* ends, std::size_t rings) {
+  if (rings != 1 || ends[0] > 4) return false;
+  bool left = false, right = false;
+  for (std::size_t i = 0, n = ends[0]; i < n; ++i) {
+    const double turn = cross(points[i], points[(i + 1) % n], points[(i + 2) % n]);
+    left = left || turn > 0;
+    right = right || turn < 0;
+  }
+  return !(left && right);
+}
+
 // Narrows [from, to], the part of the segment at + t * step that lies below `limit`.
 bool narrow(double at, double step, double limit, double& from, double& to) {
   if (step == 0) return at <= limit;
@@ -38,11 +55,11 @@ void clipAtBorder(const std::vector<PNT_2D>& in, std::vector<PNT_2D>& out, Value
 
 }  // namespace
 
-bool turnsLeft(const PNT_2D* points, std::size_t count) {
+bool turnLeft(const PNT_2D* points, const std::size_t* ends, std::size_t rings) {
   double area = 0;
-  for (std::size_t i = 2; i < count; ++i) {
-    const PNT_2D &o = points[0], &a = points[i - 1], &b = points[i];
-    area += (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
+  for (std::size_t ring = 0, start = 0; ring < rings; start = ends[ring++]) {
+    for (std::size_t i = start + 2; i < ends[ring]; ++i)
+      area += cross(points[start], points[i - 1], points[i]);
   }
   return area > 0;
 }
@@ -106,16 +123,18 @@ bool ClippingPainter::arc(const PNT_2D& center, double radius, double startRad, 
   return true;
 }
 
-void ClippingPainter::fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings) {
+void ClippingPainter::fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
+                           FillRule rule) {
   if (rings == 0) return;
-  if (allInside(m_box, points, ends[rings - 1])) return plainFill(points, ends, rings);
+  if (isConvex(points, ends, rings)) rule = FillRule::NonZero;
+  if (allInside(m_box, points, ends[rings - 1])) return plainFill(points, ends, rings, rule);
   m_rings.clear();
   m_ends.clear();
   for (std::size_t i = 0, start = 0; i < rings; start = ends[i++]) {
     clipRing(m_box, points + start, ends[i] - start, m_rings);
     m_ends.push_back(m_rings.size());
   }
-  if (!m_rings.empty()) plainFill(m_rings.data(), m_ends.data(), m_ends.size());
+  if (!m_rings.empty()) plainFill(m_rings.data(), m_ends.data(), m_ends.size(), rule);
 }
 
 void ClippingPainter::dot(const PNT_2D& at) {

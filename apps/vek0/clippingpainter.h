@@ -14,7 +14,8 @@ class ClippingPainter : public IPainter {
  public:
   void stroke(const PNT_2D* points, std::size_t count, bool closed) final;
   bool arc(const PNT_2D& center, double radius, double startRad, double sweepRad) final;
-  void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings) final;
+  void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
+            FillRule rule) final;
   void dot(const PNT_2D& at) final;
 
  protected:
@@ -22,10 +23,12 @@ class ClippingPainter : public IPainter {
 
   const RECT_2D& box() const { return m_box; }
 
-  /// The same as in `IPainter`, with everything inside the box.
+  /// The same as in `IPainter`, with everything inside the box. Both rules give the same
+  /// for what is convex, and then `rule` is `NonZero` if it has no more than four corners.
   virtual void plainStroke(const PNT_2D* points, std::size_t count, bool closed) = 0;
   virtual void plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) = 0;
-  virtual void plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings) = 0;
+  virtual void plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
+                         FillRule rule) = 0;
   virtual void plainDot(const PNT_2D& at) = 0;
 
  private:
@@ -37,15 +40,15 @@ class ClippingPainter : public IPainter {
   std::vector<std::size_t> m_ends;
 };
 
-/// Whether a ring runs from the x axis towards the y axis around what it encloses. Rings
-/// that all run alike are united by the non-zero rule, wherever they overlap.
-bool turnsLeft(const PNT_2D* points, std::size_t count);
+/// Whether rings, all together, run from the x axis towards the y axis around what they
+/// enclose. Fills that all run alike are united by the non-zero rule, wherever they overlap.
+bool turnLeft(const PNT_2D* points, const std::size_t* ends, std::size_t rings);
 
 /// Cuts the segment to the box; false when nothing of it lies inside.
 bool clipSegment(const RECT_2D& box, PNT_2D& a, PNT_2D& b);
 
 /// Appends the part of a ring that lies inside the box to `out`; pieces of it are joined
-/// along the box, which leaves the inside right by the even-odd rule.
+/// along the box, which leaves the inside right by both rules.
 void clipRing(const RECT_2D& box, const PNT_2D* points, std::size_t count,
               std::vector<PNT_2D>& out);
 

@@ -12,6 +12,7 @@ namespace {
 constexpr double kImageSide = 1600;  // pixels
 constexpr double kMinImageSide = 200;
 constexpr double kMarginMm = 10, kMarginPixels = 20;
+constexpr double kMostMargin = 0.125;  // of a sheet's shorter side, unless it is asked for
 constexpr double kLineMm = 0.25, kLinePixels = 1;
 constexpr SHEET_SIZE kA4{210, 297, true};
 // What readers of PDF take for a side: 200 inches.
@@ -57,10 +58,10 @@ class Layout {
     m_unitMm = options.format == Format::Png ? kMmPerInch / options.dpi
                : m_paper                     ? kPaperUnitMm
                                              : kMmPerInch / kCssDpi;
-    m_margin = margin();
   }
 
   PICTURE make() {
+    m_margin = margin();
     measureSheet();
     PICTURE picture;
     picture.error = refusal();
@@ -81,9 +82,19 @@ class Layout {
   double fromMm(double mm) const { return mm / m_unitMm; }
 
   double margin() const {
-    const double usual = m_options.window ? 0 : m_paper ? kMarginMm : kMarginPixels;
-    const double value = m_options.margin.value_or(usual);
-    return m_paper ? fromMm(value) : value;
+    const auto toUnits = [this](double length) { return m_paper ? fromMm(length) : length; };
+    if (m_options.margin) return toUnits(*m_options.margin);
+    if (m_options.window) return 0;
+    const double usual = toUnits(m_paper ? kMarginMm : kMarginPixels);
+    if (!m_options.size) return usual;
+    const double shorter = std::min(m_options.size->width, m_options.size->height);
+    return std::min(usual, kMostMargin * shorter * sizeFactor(*m_options.size));
+  }
+
+  // Device units of a unit of a size.
+  double sizeFactor(const SHEET_SIZE& size) const {
+    const double pixelMm = kMmPerInch / kCssDpi;
+    return size.mm ? 1 / m_unitMm : m_paper ? pixelMm / m_unitMm : 1;
   }
 
   double lineWidth() const {
@@ -112,8 +123,7 @@ class Layout {
   }
 
   void useSize(const SHEET_SIZE& size, bool turnable) {
-    const double pixelMm = kMmPerInch / kCssDpi;
-    const double factor = size.mm ? 1 / m_unitMm : m_paper ? pixelMm / m_unitMm : 1;
+    const double factor = sizeFactor(size);
     m_width = size.width * factor;
     m_height = size.height * factor;
     if (!turnable && !m_options.landscape) return;

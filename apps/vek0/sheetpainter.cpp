@@ -98,7 +98,7 @@ void SheetPainter::fillOutlines(const DrawText& text, const FaceFont& font) {
   ChordSink sink;
   font.outline(text, sink);
   sink.endRing();
-  fill(sink.points.data(), sink.ends.data(), sink.ends.size());
+  fill(sink.points.data(), sink.ends.data(), sink.ends.size(), FillRule::NonZero);
 }
 
 }  // namespace vek0::tool

@@ -21,7 +21,8 @@ class MeasuringPainter final : public IPainter {
   void stroke(const PNT_2D* points, std::size_t count, bool /*closed*/) override {
     for (std::size_t i = 0; i < count; ++i) m_bounds.updateRegion(points[i]);
   }
-  void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings) override {
+  void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
+            FillRule /*rule*/) override {
     stroke(points, rings > 0 ? ends[rings - 1] : 0, true);
   }
   void dot(const PNT_2D& at) override { m_bounds.updateRegion(at); }
@@ -49,7 +50,7 @@ RECT_2D shownExtents(const CData& data, const IProjector& projector, const DRAW_
   DRAW_OPTIONS plain = options;
   plain.finestPattern = std::numeric_limits<double>::infinity();  // dashes lie on their line
   MeasuringPainter painter;
-  drawData(data, projector, window, painter, plain);
+  if (drawData(data, projector, window, painter, plain).cut) return around;
   const RECT_2D& seen = painter.bounds();
   if (!seen.validRegion()) return seen;
   // The device's y axis points the other way.

@@ -290,7 +290,7 @@ void SvgPainter::writeHead(const SHEET& sheet) {
       "<svg xmlns=\"http://www.w3.org/2000/svg\" "
       "xmlns:inkscape=\"http://www.inkscape.org/namespaces/inkscape\" width=\"" +
       side(sheet.width) + "\" height=\"" + side(sheet.height) + "\" viewBox=\"0 0 " + width + " " +
-      height + "\" fill=\"none\" stroke-width=\"" + lengthText(sheet.lineWidth) +
+      height + "\" fill=\"none\" stroke-width=\"" + factorText(sheet.lineWidth) +
       "\" stroke-linecap=\"round\" stroke-linejoin=\"round\" fill-rule=\"evenodd\">\n";
   if (!sheet.title.empty()) m_out += "<title>" + escaped(sheet.title) + "</title>\n";
   // On a screen lines stay thin when one zooms in; on paper they have their width.
@@ -469,20 +469,22 @@ void SvgPainter::addRing(SvgPath& path, const PNT_2D* points, std::size_t count,
   path.close();
 }
 
-void SvgPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings) {
+void SvgPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
+                           FillRule rule) {
   reach(boxOf(points, ends[rings - 1]), true);
-  if (rings == 1) {
-    // The strips of a solid hatch in one path: as neighbours, each with soft edges, they
-    // would let the background shine through.
+  // The strips of a filled face in one path: as neighbours, each with soft edges, they
+  // would let the background shine through.
+  const bool unites = rule == FillRule::NonZero;
+  if (unites)
     startPath(true);
-    return addRing(m_path, points, ends[0], turnsLeft(points, ends[0]));
-  }
-  endPath();
-  SvgPath path;
-  for (std::size_t ring = 0, start = 0; ring < rings; start = ends[ring++]) {
-    addRing(path, points + start, ends[ring] - start, false);
-  }
-  addElement("path", fillAttribute() + " d=\"" + path.data() + "\"/>");
+  else
+    endPath();
+  SvgPath own;
+  SvgPath& path = unites ? m_path : own;
+  const bool reversed = unites && turnLeft(points, ends, rings);
+  for (std::size_t ring = 0, start = 0; ring < rings; start = ends[ring++])
+    addRing(path, points + start, ends[ring] - start, reversed);
+  if (!unites) addElement("path", fillAttribute() + " d=\"" + path.data() + "\"/>");
 }
 
 // A stroke of no length, which its round caps make visible.

@@ -88,7 +88,8 @@ class SvgPainter final : public SheetPainter {
  protected:
   void plainStroke(const PNT_2D* points, std::size_t count, bool closed) override;
   void plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) override;
-  void plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings) override;
+  void plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
+                 FillRule rule) override;
   void plainDot(const PNT_2D& at) override;
   void plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) override;
 

@@ -6,6 +6,9 @@
 namespace vek0::detail {
 namespace {
 
+constexpr std::size_t kPointsPerLetter = 16;  // about what painting one costs
+constexpr std::size_t kPointsPerArc = 16;
+
 bool isFinite(const PNT_2D& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 
 bool areFinite(const std::vector<PNT_2D>& points) {
@@ -31,6 +34,12 @@ bool Emitter::look() {
   return m_result.cut;
 }
 
+bool Emitter::spend(std::size_t points) {
+  if (points > m_pointsLeft) m_result.cut = true;
+  m_pointsLeft -= std::min(points, m_pointsLeft);
+  return !m_result.cut;
+}
+
 bool Emitter::admit() {
   if (m_result.emitted >= m_limit) m_result.cut = true;
   if (m_result.cut) return false;
@@ -41,29 +50,31 @@ bool Emitter::admit() {
 }
 
 void Emitter::stroke(const std::vector<PNT_2D>& points, bool closed) {
-  if (points.size() < 2 || !areFinite(points) || !admit()) return;
+  if (!spend(points.size()) || points.size() < 2 || !areFinite(points) || !admit()) return;
   m_painter.stroke(points.data(), points.size(), closed);
 }
 
 bool Emitter::arc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
   const bool finite = isFinite(center) && isFinite({radius, startRad}) && std::isfinite(sweepRad);
-  if (!finite || !admit()) return true;
+  if (!spend(kPointsPerArc) || !finite || !admit()) return true;
   if (m_painter.arc(center, radius, startRad, sweepRad)) return true;
   --m_result.emitted;
   return false;
 }
 
-void Emitter::fill(const std::vector<PNT_2D>& points, const std::vector<std::size_t>& ends) {
-  if (points.size() < 3 || ends.empty() || !areFinite(points) || !admit()) return;
-  m_painter.fill(points.data(), ends.data(), ends.size());
+void Emitter::fill(const std::vector<PNT_2D>& points, const std::vector<std::size_t>& ends,
+                   FillRule rule) {
+  if (!spend(points.size()) || points.size() < 3 || !areFinite(points) || !admit()) return;
+  m_painter.fill(points.data(), ends.data(), ends.size(), rule);
 }
 
 void Emitter::dot(const PNT_2D& at) {
-  if (isFinite(at) && admit()) m_painter.dot(at);
+  if (spend(1) && isFinite(at) && admit()) m_painter.dot(at);
 }
 
 void Emitter::text(const DrawText& text) {
-  if (isSound(text.matrix) && admit()) m_painter.text(text);
+  const std::size_t letters = text.string->view().size();
+  if (spend(kPointsPerLetter * letters) && isSound(text.matrix) && admit()) m_painter.text(text);
 }
 
 }  // namespace vek0::detail

@@ -154,8 +154,10 @@ bool layPattern(const CLtypeComplexDashSeq& dashes, double scale, const PatternW
   const double period = dashes.GetPatternLen() * scale;
   if (!(walk.length() > 0) || !std::isfinite(walk.length())) return false;
   if (!(period > 0) || !std::isfinite(period)) return false;
-  for (const Stretch& stretch : seenStretches(way, walk))
+  for (const Stretch& stretch : seenStretches(way, walk)) {
+    if (sink.isFull()) break;
     layStretch(dashes, scale, walk, stretch, sink);
+  }
   return true;
 }
 

@@ -19,6 +19,8 @@ class IPatternSink {
   virtual void dot(const PNT_3D& at) = 0;  ///< likewise
   /// A text of the pattern, placed in the drawing.
   virtual void text(const TEXT_3D& text) = 0;
+  /// Whether it takes no more.
+  virtual bool isFull() const = 0;
 
  protected:
   ~IPatternSink() = default;

@@ -8,6 +8,9 @@ namespace vek0::detail {
 namespace {
 
 constexpr double kSimilar = 1e-9;
+// How far apart the points are by which a map is known. Drawings lie millions of units from
+// their origin; what rounding does to a short step would grow as much.
+constexpr double kStep = 1 << 30;
 
 // Half the extent of a mapped box along one axis.
 double reach(const double (&row)[4], double x, double y, double z) {
@@ -17,32 +20,32 @@ double reach(const double (&row)[4], double x, double y, double z) {
 }  // namespace
 
 Placement::Placement(const IProjector& projector, const CWndVpt& window) {
-  const auto seen = [&](double x, double y, double z) {
+  const auto project = [&](double x, double y, double z) {
     PNT_2D p;
     projector.to2D(PNT_3D(x, y, z), p);
-    return PNT_2D(window.getViewX(p.x), window.getViewY(p.y));
+    return p;
   };
-  const PNT_2D origin = seen(0, 0, 0), x = seen(1, 0, 0), y = seen(0, 1, 0), z = seen(0, 0, 1);
-  const PNT_2D axes[] = {x, y, z};
+  const PNT_2D origin = project(0, 0, 0);
+  const PNT_2D ends[] = {project(kStep, 0, 0), project(0, kStep, 0), project(0, 0, kStep)};
   for (int i = 0; i < 3; ++i) {
-    m_x[i] = axes[i].x - origin.x;
-    m_y[i] = axes[i].y - origin.y;
+    m_x[i] = window.getViewXDistance((ends[i].x - origin.x) / kStep);
+    m_y[i] = -window.getViewYDistance((ends[i].y - origin.y) / kStep);
   }
-  m_x[3] = origin.x;
-  m_y[3] = origin.y;
+  m_x[3] = window.getViewX(origin.x);
+  m_y[3] = window.getViewY(origin.y);
 }
 
 Placement Placement::after(const CEntInsertMatrix& matrix) const {
-  PNT_3D origin, axes[3];
+  PNT_3D origin, ends[3];
   matrix.transform(PNT_3D(0, 0, 0), origin);
-  matrix.transform(PNT_3D(1, 0, 0), axes[0]);
-  matrix.transform(PNT_3D(0, 1, 0), axes[1]);
-  matrix.transform(PNT_3D(0, 0, 1), axes[2]);
+  matrix.transform(PNT_3D(kStep, 0, 0), ends[0]);
+  matrix.transform(PNT_3D(0, kStep, 0), ends[1]);
+  matrix.transform(PNT_3D(0, 0, kStep), ends[2]);
   Placement result;
   for (int i = 0; i < 3; ++i) {
-    const PNT_3D d = axes[i] - origin;
-    result.m_x[i] = m_x[0] * d.x + m_x[1] * d.y + m_x[2] * d.z;
-    result.m_y[i] = m_y[0] * d.x + m_y[1] * d.y + m_y[2] * d.z;
+    const PNT_3D d = ends[i] - origin;
+    result.m_x[i] = (m_x[0] * d.x + m_x[1] * d.y + m_x[2] * d.z) / kStep;
+    result.m_y[i] = (m_y[0] * d.x + m_y[1] * d.y + m_y[2] * d.z) / kStep;
   }
   const PNT_2D moved = apply(origin);
   result.m_x[3] = moved.x;

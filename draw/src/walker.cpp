@@ -71,7 +71,7 @@ Walker::Walker(const CData& data, const IProjector& projector, const CWndVpt& wi
     : m_data(data),
       m_options(options),
       m_blocks(blocks),
-      m_out(painter, options.limit),
+      m_out(painter, options),
       m_pixelSize(window.GetPixelSize()),
       m_hasDevice(m_pixelSize > 0),
       m_drawing(projector, window),
@@ -120,6 +120,7 @@ const CLtypeComplexDashSeq* Walker::pattern() const {
 void Walker::strokeWay(bool closed) {
   const CLtypeComplexDashSeq* dashes = pattern();
   if (!dashes) return drawChain(m_way, closed);
+  if (!m_out.spend(m_way.size())) return;
   if (closed && !m_way.empty()) m_way.push_back(m_way.front());
   const PatternWay way{m_way, m_stack.GetCurMatrix(), m_place, m_window};
   if (!layPattern(*dashes, patternScale(), way, *this)) drawChain(m_way, false);
@@ -158,20 +159,24 @@ void Walker::stroke(const WIDE_VERTEX* points, std::size_t count, bool closed) {
 }
 
 void Walker::fillOutline(const std::vector<WIDE_VERTEX>& points, bool closed) {
-  const CPolylineSilhouette outline(points, closed);
-  m_device.clear();
-  m_ends.clear();
-  for (std::size_t i = 0; i < outline.getNoRuns(); ++i) {
-    for (const PNT_3D& p : outline.getRun(i)) m_device.push_back(m_place.apply(p));
-    m_ends.push_back(m_device.size());
-  }
-  m_out.fill(m_device, m_ends);
+  fill(ribbonRings(points, closed));
+  fill(segmentsOfFolded(points, closed));
 }
 
-void Walker::visit(CEntLine& ent) {
+void Walker::fill(const Rings& rings) {
+  m_device.clear();
+  m_ends.clear();
+  for (const auto& ring : rings) {
+    for (const PNT_3D& p : ring) m_device.push_back(m_place.apply(p));
+    m_ends.push_back(m_device.size());
+  }
+  m_out.fill(m_device, m_ends, FillRule::NonZero);
+}
+
+void Walker::strokeLine(const PNT_3D& from, const PNT_3D& to) {
   m_way.clear();
-  m_way.push_back({ent.getLine().p1, 0, 0});
-  m_way.push_back({ent.getLine().p2, 0, 0});
+  m_way.push_back({from, 0, 0});
+  m_way.push_back({to, 0, 0});
   strokeWay(false);
 }
 
@@ -231,7 +236,7 @@ void Walker::strokeSegments(const CEntPolyline& ent) {
   });
   const std::size_t segments = corners.size() - (ent.isClosed() || corners.empty() ? 0 : 1);
   std::vector<PNT_3D> chords;
-  for (std::size_t i = 0; i < segments; ++i) {
+  for (std::size_t i = 0; i < segments && !m_out.isCut(); ++i) {
     const BULGED_VERTEX &from = corners[i], &to = corners[(i + 1) % corners.size()];
     chords.assign(1, PNT_3D(from.x, from.y, from.z));
     bulgePoints(chords[0], PNT_3D(to.x, to.y, to.z), from.bulge, chords);
@@ -251,12 +256,7 @@ void Walker::visit(CEnt3DFace& ent) {
   for (long i = 0; i < 4; ++i) {
     PNT_3D from, to;
     ent.getPoints(i, from, to);
-    if (!ent.isEdgeVisib(i) || from == to) continue;
-    const WIDE_VERTEX ends[] = {
-        {from, 0, 0},
-        {to,   0, 0}
-    };
-    stroke(ends, 2, false);
+    if (ent.isEdgeVisib(i) && from != to) strokeLine(from, to);
   }
 }
 
@@ -361,7 +361,7 @@ void Walker::visit(CEntHatch& ent) {
       m_device.push_back(m_place.apply(ent.getBoundary()[ring.first + i]));
     m_ends.push_back(m_device.size());
   }
-  m_out.fill(m_device, m_ends);
+  m_out.fill(m_device, m_ends, FillRule::EvenOdd);
 }
 
 void Walker::drawInsert(CEntInsertBase& ent) {
@@ -380,6 +380,9 @@ void Walker::drawCells(CEntInsertBase& ent) {
   ent.getArray(columns, rows, columnSpacing, rowSpacing);
   columns = std::clamp(columns, 1L, static_cast<long>(INT_MAX));
   rows = std::clamp(rows, 1L, static_cast<long>(INT_MAX));
+  // Cells that lie on each other show no more than one.
+  if (columnSpacing == 0) columns = 1;
+  if (rowSpacing == 0) rows = 1;
   if (columns == 1 && rows == 1) return drawCell(ent, 0, 0);
   const RECT_2D cell = firstCell(ent);
   if (!cell.validRegion()) return;

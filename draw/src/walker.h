@@ -7,6 +7,7 @@
 #include "emitter.h"
 #include "linepattern.h"
 #include "placement.h"
+#include "ribbon.h"
 #include "vek0core/vek0core.h"
 #include "vek0draw/draw.h"
 
@@ -54,7 +55,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
 
   using IEntVisitor::visit;
   void visit(CEntPnt& ent) override { dot(ent.getPnt()); }
-  void visit(CEntLine& ent) override;
+  void visit(CEntLine& ent) override { strokeLine(ent.getLine().p1, ent.getLine().p2); }
   void visit(CEntCircle& ent) override;
   void visit(CEntArc& ent) override;
   void visit(CEntPolyline& ent) override;
@@ -80,6 +81,8 @@ class Walker final : public IEntVisitor, private IPatternSink {
   void drawMixedChain(std::vector<WIDE_VERTEX> points);
   void stroke(const WIDE_VERTEX* points, std::size_t count, bool closed);
   void fillOutline(const std::vector<WIDE_VERTEX>& points, bool closed);
+  void fill(const Rings& rings);
+  void strokeLine(const PNT_3D& from, const PNT_3D& to);
   void strokeSegments(const CEntPolyline& ent);
   void strokeRuns(const CEntPolyline& ent);
   void drawBulge(const PNT_3D& from, const PNT_3D& to, double bulge);
@@ -89,6 +92,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
   void dash(const std::vector<WIDE_VERTEX>& points) override { drawChain(points, false); }
   void dot(const PNT_3D& at) override { m_out.dot(m_place.apply(at)); }
   void text(const TEXT_3D& element) override;
+  bool isFull() const override { return m_out.isCut(); }
 
   void drawText(const TEXT_3D& text, const Placement& place);
   void drawRule(const DrawText& run, double unit, std::size_t first, std::size_t end, bool over);

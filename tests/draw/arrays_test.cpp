@@ -40,6 +40,13 @@ TEST(Arrays, EveryCellIsWhereRowAndColumnSay) {
   }
 }
 
+TEST(Arrays, CellsThatLieOnEachOtherAreDrawnOnce) {
+  Scene scene;
+  arrayOf(scene, *unitBlock(scene), 0, 3, 30000, 10, 0);
+  arrayOf(scene, *unitBlock(scene), 0, 30000, 4, 0, 10);
+  EXPECT_EQ(scene.draw().things.size(), 7U);
+}
+
 // A file says a billion as easily as it says ten.
 TEST(Arrays, CellsOutsideTheWindowCostNothing) {
   const struct {

@@ -9,6 +9,7 @@
 
 using vek0::test::Recorder;
 using vek0::test::Scene;
+using vek0::test::seen;
 using vek0::test::Thing;
 
 namespace {
@@ -103,6 +104,56 @@ TEST(Guards, TheLimitCutsAndTellsSo) {
     EXPECT_EQ(scene.draw(options).things.size(), t.emitted);
     EXPECT_EQ(scene.result.emitted, t.emitted);
     EXPECT_EQ(scene.result.cut, t.cut) << t.limit;
+  }
+}
+
+TEST(Guards, PointsAndLettersAreCountedToo) {
+  const struct {
+    const char* name;
+    std::size_t limit;
+    bool cut;
+  } cases[] = {
+      {"enough for all",        1000, false},
+      {"too few for the text",  60,   true },
+      {"too few for the lines", 15,   true },
+  };
+  for (const auto& t : cases) {
+    Scene scene;
+    for (int i = 0; i < 10; ++i) scene.line(i, 0, i, 10);
+    scene.add(createEntText(*scene.data, TEXT_3D(u"abc", nullptr, 5, 5, 0, 10, 0, 1, 0, 0), 0));
+    DRAW_OPTIONS options;
+    options.pointLimit = t.limit;
+    scene.draw(options);
+    EXPECT_EQ(scene.result.cut, t.cut) << t.name;
+  }
+}
+
+// Where maps lie. A pixel here is as wide as the coordinates are exact, times a thousand.
+TEST(Guards, FarFromTheOriginThingsStayWhereTheyAre) {
+  const double far = 5e6, side = 1e-3;
+  const CPOProjector plan;
+  const CPORotatedProjector turned(0.3, 0, 0), turnedHere(0.3, far, far);
+  const CParalProjector askew(0.8, -0.3, 0.5, 0.6);
+  for (const IProjector* projector :
+       std::initializer_list<const IProjector*>{&plan, &turned, &turnedHere, &askew}) {
+    Scene scene;
+    scene.line(far, far, far + side, far + side);
+    // The same line from a block that has such coordinates as well.
+    CBlock* block = scene.block(
+        u"B", {createEntLine(*scene.data, LINE_3D(far, far, 0, far - side, far - side, 0), 0)});
+    scene.add(scene.insert(*block, 2 * far, 2 * far, -1, -1));
+    PNT_2D at, end;
+    projector->to2D(PNT_3D(far, far, 0), at);
+    projector->to2D(PNT_3D(far + side, far + side, 0), end);
+    scene.window.set(at.x, at.y, at.x + side, at.y + side);
+    Recorder drawn;
+    drawData(*scene.data, *projector, scene.window, drawn);
+    ASSERT_EQ(drawn.things.size(), 2U);
+    const PNT_2D expected(scene.window.getViewX(end.x), scene.window.getViewY(end.y));
+    for (const Thing& line : drawn.things) {
+      EXPECT_LT(line.points[0].dist(seen(0, 0)), 0.01);
+      EXPECT_LT(line.points[1].dist(expected), 0.01);
+    }
   }
 }
 

@@ -35,6 +35,30 @@ double doubleArea(const Thing& fill) {
   return sum;
 }
 
+// How often the rings of a fill run around a point.
+int windings(const Thing& fill, const PNT_2D& p) {
+  int turns = 0;
+  std::size_t first = 0;
+  for (const std::size_t end : fill.ends) {
+    for (std::size_t i = first; i < end; ++i) {
+      const PNT_2D &a = fill.points[i], &b = fill.points[i + 1 < end ? i + 1 : first];
+      if ((a.y <= p.y) == (b.y <= p.y)) continue;
+      const double x = a.x + (p.y - a.y) / (b.y - a.y) * (b.x - a.x);
+      if (x > p.x) turns += b.y > a.y ? 1 : -1;
+    }
+    first = end;
+  }
+  return turns;
+}
+
+bool covers(const Recorder& drawn, const PNT_2D& p) {
+  for (const Thing& thing : drawn.things) {
+    const int turns = windings(thing, p);
+    if (thing.rule == FillRule::NonZero ? turns != 0 : turns % 2 != 0) return true;
+  }
+  return false;
+}
+
 std::vector<PNT_3D> square(double x, double y, double side) {
   return {
       {x,        y,        0},
@@ -137,18 +161,42 @@ TEST(Shapes, WidthsAreFilled) {
   EXPECT_NEAR(std::fabs(doubleArea(drawn.things[0])) / 2, 800, 1e-9);
 }
 
-TEST(Shapes, AClosedWideOneIsARing) {
-  Scene scene;
-  polyline(scene, true,
-           {
-               {0,   0,   0, 10, 10, 0, 0},
-               {100, 0,   0, 10, 10, 0, 0},
-               {100, 100, 0, 10, 10, 0, 0},
-               {0,   100, 0, 10, 10, 0, 0}
-  });
-  const Recorder drawn = scene.draw();
-  ASSERT_EQ(drawn.things.size(), 1U);
-  EXPECT_EQ(drawn.things[0].ends.size(), 2U);
+// Those that fold have no room for the corners of their sides.
+TEST(Shapes, WidthsCoverWhatTheirSegmentsDo) {
+  const auto at = [](double x, double y, double width, double bulge = 0) {
+    return BULGED_VERTEX{x, y, 0, width, width, bulge, 0};
+  };
+  const struct {
+    const char* name;
+    bool closed;
+    std::vector<BULGED_VERTEX> way;
+    std::vector<PNT_2D> in, out;
+  } cases[] = {
+      {"a frame",
+       true,
+       {at(100, 100, 10), at(200, 100, 10), at(200, 200, 10), at(100, 200, 10)},
+       {{100, 150}, {204, 204}},
+       {{150, 150}, {206, 150}}},
+      {"one that crosses itself",
+       true,
+       {at(100, 100, 10), at(200, 200, 10), at(200, 100, 10), at(100, 200, 10)},
+       {{150, 150}, {150, 154}, {100, 150}},
+       {{120, 150}, {150, 170}}},
+      {"a disc whose width exceeds it", true, {at(300, 300, 60, 1), at(340, 300, 60, 1)},
+       {{320, 300}, {322, 305}, {320, 349}}, {{320, 352}}},
+      {"a step shorter than it is wide",
+       false,
+       {at(100, 300, 40), at(200, 300, 40), at(200, 305, 40), at(100, 305, 40)},
+       {{150, 290}, {195, 302}, {150, 322}},
+       {{150, 330}}},
+  };
+  for (const auto& t : cases) {
+    Scene scene;
+    polyline(scene, t.closed, t.way);
+    const Recorder drawn = scene.draw();
+    for (const PNT_2D& p : t.in) EXPECT_TRUE(covers(drawn, seen(p.x, p.y))) << t.name << p;
+    for (const PNT_2D& p : t.out) EXPECT_FALSE(covers(drawn, seen(p.x, p.y))) << t.name << p;
+  }
 }
 
 // An arrow is often a polyline whose shaft has no width.
@@ -243,6 +291,9 @@ TEST(Shapes, FacesShowTheirVisibleEdges) {
     scene.add(createEnt3DFace(*scene.data, PNT_3D(0, 0, 0), PNT_3D(100, 0, 0), PNT_3D(100, 100, 0),
                               PNT_3D(t.lastX, 100, 0), t.flags, 0));
     EXPECT_EQ(scene.draw().count(Thing::Stroke), t.edges);
+    if (t.lastX != 0) continue;  // which has a longer edge
+    scene.data->getEntTable().getEntityTbl().front()->setLtype(scene.ltype(u"D", {10, -10}));
+    EXPECT_EQ(scene.draw().count(Thing::Stroke), 5 * t.edges) << "each begins anew";
   }
 }
 

@@ -26,13 +26,15 @@ struct DRAW_OPTIONS {
   /// How many things are emitted, and how many entities looked at, at most; what follows
   /// is cut.
   std::size_t limit = 50'000'000;
+  /// How many points these may have together; a letter counts as a few of them.
+  std::size_t pointLimit = 200'000'000;
 };
 
 /// What became of it.
 struct DRAW_RESULT {
   std::size_t emitted = 0;  ///< strokes, arcs, fills, dots and texts
   std::size_t looked = 0;   ///< entities looked at, those of blocks as often as they are shown
-  bool cut = false;         ///< the limit was reached, or inserts are nested too deep
+  bool cut = false;         ///< a limit was reached, or inserts are nested too deep
 };
 
 /// Emits what the window shows of model space, in drawing order, to the painter: inserts

@@ -39,6 +39,10 @@ struct DrawText {
   AFFINE_2D matrix;  ///< from text space to device space; mirrored for backward texts
 };
 
+/// What the rings of a fill enclose: what they run around an odd number of times, or what
+/// they run around at all, rings that run the other way taken off.
+enum class FillRule { EvenOdd, NonZero };
+
 /// Takes what a drawing shows, in device coordinates: x to the right and y downwards from
 /// the upper left corner, in pixels or in whatever unit the host chose for its window.
 ///
@@ -61,9 +65,9 @@ class IPainter {
     static_cast<void>(startRad), static_cast<void>(sweepRad);
     return false;
   }
-  /// The inside of the rings, even-odd: `ends[i]` is the index behind the last point of
-  /// ring i.
-  virtual void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings) = 0;
+  /// The inside of the rings: `ends[i]` is the index behind the last point of ring i.
+  virtual void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
+                    FillRule rule) = 0;
   /// A point that has no size.
   virtual void dot(const PNT_2D& at) = 0;
   virtual void text(const DrawText& text) = 0;
