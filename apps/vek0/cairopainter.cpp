@@ -200,7 +200,12 @@ void CairoPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std:
   cairo_set_fill_rule(m_context.get(), CAIRO_FILL_RULE_WINDING);
 }
 
-void CairoPainter::plainDot(const PNT_2D& at) { plainStroke(std::array{at, at}.data(), 2, false); }
+// In an image in the middle of its pixel: shared out among four it would hardly be seen.
+void CairoPainter::plainDot(const PNT_2D& at) {
+  PNT_2D dot = at;
+  if (m_kind == Png) dot.set(std::floor(at.x) + 0.5, std::floor(at.y) + 0.5);
+  plainStroke(std::array{dot, dot}.data(), 2, false);
+}
 
 void CairoPainter::plainText(const DrawText& text, const FaceFont& font,
                              const RECT_2D& /*bounds*/) {

@@ -271,6 +271,7 @@ TEST_F(Render, ExitCodes) {
       {"output in no folder",       "good.dxf -o nowhere/b.svg",                    3},
       {"folder that is a file",     "good.dxf --all -o old.svg",                    3},
       {"layer that is not there",   "good.dxf -o c.svg --layers NONE",              0},
+      {"sheet as small as an icon", "good.dxf -o c.png --size 16x16",               0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -455,11 +456,11 @@ TEST_F(Render, LayersAreChosenByNameAndPattern) {
 
 TEST_F(Render, SplitLayersWritesOneAlikePictureALayer) {
   write("a.dxf", drawing(line("A/B", 0, 0, 100, 100) + line("C", 0, 0, 50, 0)));
-  ASSERT_EQ(run("render a.dxf --split-layers -o a.svg --size 140x140").code, 0);
+  ASSERT_EQ(run("render a.dxf --split-layers -o a.svg --size 240x240").code, 0);
   EXPECT_FALSE(fs::exists(path("a.svg")));
   EXPECT_FALSE(fs::exists(path("a-0.svg"))) << "nothing is on layer 0";
   EXPECT_EQ(groups(XmlReader(contents(path("a-A_B.svg")))), "layer-A_B ");
-  EXPECT_NE(contents(path("a-C.svg")).find("M20 120h50"), std::string::npos);
+  EXPECT_NE(contents(path("a-C.svg")).find("M20 220h100"), std::string::npos);
 }
 
 TEST_F(Render, AllGoesOnAfterAFailure) {
@@ -526,6 +527,14 @@ TEST_F(Render, EdgesOfImagesAreSoft) {
   const Image image(path("a.png"));
   EXPECT_GT(image.colors.size(), 16u) << "shades between paper and pen";
   EXPECT_GT(image.count(0xFFFFFFFF), 15000);
+}
+
+TEST_F(Render, DotsAndHairlinesAreSeen) {
+  write("a.dxf", drawing("0\nPOINT\n8\nA\n10\n3.3\n20\n7.8\n" + line("A", 10, 10, 20, 10, "1")));
+  ASSERT_EQ(run("render a.dxf -o a.png --size 100x100 --window 0,0,9,9").code, 0);
+  EXPECT_EQ(Image(path("a.png")).count(0xFF000000), 1) << "a pixel, and nothing pale about it";
+  ASSERT_EQ(run("render a.dxf -o a.svg --lineweight 0.001").code, 0);
+  EXPECT_NE(XmlReader(contents(path("a.svg"))).elements[0].attributes.at("stroke-width"), "0");
 }
 
 // However a line is cut, and whichever way it goes, it is as dark as it is long and wide.
@@ -638,8 +647,8 @@ TEST_F(Render, SaysWhatIsNotShown) {
 // Hidden attributes and layers are not to shrink the picture.
 TEST_F(Render, FitsWhatIsShown) {
   write("a.dxf", drawing(line("A", 0, 0, 100, 100, "1") + line("B", 0, 0, 9000, 9000)));
-  ASSERT_EQ(run("render a.dxf -o a.svg --size 140x140 --hide-layers B").code, 0);
-  EXPECT_EQ(XmlReader(contents(path("a.svg"))).byId("h1")->attributes.at("d"), "M20 120l100-100");
+  ASSERT_EQ(run("render a.dxf -o a.svg --size 240x240 --hide-layers B").code, 0);
+  EXPECT_EQ(XmlReader(contents(path("a.svg"))).byId("h1")->attributes.at("d"), "M20 220l200-200");
 }
 
 TEST_F(Render, WhatLiesFarOffTheWindowIsCutOff) {
