@@ -215,8 +215,10 @@ void SvgPath::curve(char letter, const PNT_2D* points, std::size_t count) {
   }
 }
 
+// Viewers leave out arcs that end where they begin.
 void SvgPath::arc(double radius, bool clockwise, const PNT_2D& to) {
   const std::int64_t x = toSteps(to.x), y = toSteps(to.y), r = toSteps(radius);
+  if (x == m_x && y == m_y) return line(to);
   add('a', r);
   add(r);
   m_data += clockwise ? " 0 0 1" : " 0 0 0";
@@ -445,6 +447,7 @@ void SvgPainter::plainArc(const PNT_2D& center, double radius, double startRad, 
   const auto at = [&](double angle) {
     return PNT_2D(center.x + radius * std::cos(angle), center.y + radius * std::sin(angle));
   };
+  if (toSteps(radius) == 0) return plainDot(center);
   reach(RECT_2D(center.x - radius, center.y - radius, center.x + radius, center.y + radius), false);
   if (std::abs(sweepRad) >= kFullTurn) {
     endPath();

@@ -9,16 +9,21 @@ namespace {
 constexpr std::size_t kPointsPerLetter = 16;  // about what painting one costs
 constexpr std::size_t kPointsPerArc = 16;
 
-bool isFinite(const PNT_2D& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
+// Far off the device, and painters can still multiply what they are given.
+constexpr double kFarthest = 1e150;
 
-bool areFinite(const std::vector<PNT_2D>& points) {
-  return std::all_of(points.begin(), points.end(), isFinite);
+bool isNear(double value) { return std::fabs(value) <= kFarthest; }
+
+bool isNear(const PNT_2D& p) { return isNear(p.x) && isNear(p.y); }
+
+bool areNear(const std::vector<PNT_2D>& points) {
+  return std::all_of(points.begin(), points.end(), [](const PNT_2D& p) { return isNear(p); });
 }
 
 // An infinite or missing determinant tells of every other fault too.
 bool isSound(const AFFINE_2D& m) {
   const double area = m.a * m.d - m.b * m.c;
-  return area != 0 && std::isfinite(area) && isFinite({m.e, m.f});
+  return area != 0 && std::isfinite(area) && isNear({m.e, m.f});
 }
 
 }  // namespace
@@ -50,13 +55,13 @@ bool Emitter::admit() {
 }
 
 void Emitter::stroke(const std::vector<PNT_2D>& points, bool closed) {
-  if (!spend(points.size()) || points.size() < 2 || !areFinite(points) || !admit()) return;
+  if (!spend(points.size()) || points.size() < 2 || !areNear(points) || !admit()) return;
   m_painter.stroke(points.data(), points.size(), closed);
 }
 
 bool Emitter::arc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
-  const bool finite = isFinite(center) && isFinite({radius, startRad}) && std::isfinite(sweepRad);
-  if (!spend(kPointsPerArc) || !finite || !admit()) return true;
+  const bool near = isNear(center) && isNear({radius, startRad}) && isNear(sweepRad);
+  if (!spend(kPointsPerArc) || !near || !admit()) return true;
   if (m_painter.arc(center, radius, startRad, sweepRad)) return true;
   --m_result.emitted;
   return false;
@@ -64,12 +69,12 @@ bool Emitter::arc(const PNT_2D& center, double radius, double startRad, double s
 
 void Emitter::fill(const std::vector<PNT_2D>& points, const std::vector<std::size_t>& ends,
                    FillRule rule) {
-  if (!spend(points.size()) || points.size() < 3 || !areFinite(points) || !admit()) return;
+  if (!spend(points.size()) || points.size() < 3 || !areNear(points) || !admit()) return;
   m_painter.fill(points.data(), ends.data(), ends.size(), rule);
 }
 
 void Emitter::dot(const PNT_2D& at) {
-  if (spend(1) && isFinite(at) && admit()) m_painter.dot(at);
+  if (spend(1) && isNear(at) && admit()) m_painter.dot(at);
 }
 
 void Emitter::text(const DrawText& text) {

@@ -8,7 +8,8 @@
 
 namespace vek0::detail {
 
-/// Hands to a painter what is finite and within the limits, and keeps the account.
+/// Hands to a painter what is not absurdly far away and within the limits, and keeps the
+/// account.
 class Emitter {
  public:
   Emitter(IPainter& painter, const DRAW_OPTIONS& options)

@@ -529,12 +529,17 @@ TEST_F(Render, EdgesOfImagesAreSoft) {
   EXPECT_GT(image.count(0xFFFFFFFF), 15000);
 }
 
-TEST_F(Render, DotsAndHairlinesAreSeen) {
+TEST_F(Render, WhatIsSmallOrThinIsSeen) {
   write("a.dxf", drawing("0\nPOINT\n8\nA\n10\n3.3\n20\n7.8\n" + line("A", 10, 10, 20, 10, "1")));
   ASSERT_EQ(run("render a.dxf -o a.png --size 100x100 --window 0,0,9,9").code, 0);
   EXPECT_EQ(Image(path("a.png")).count(0xFF000000), 1) << "a pixel, and nothing pale about it";
   ASSERT_EQ(run("render a.dxf -o a.svg --lineweight 0.001").code, 0);
   EXPECT_NE(XmlReader(contents(path("a.svg"))).elements[0].attributes.at("stroke-width"), "0");
+  const std::string tiny = "\n8\nA\n10\n5\n20\n5\n40\n1e-5\n50\n0\n51\n90\n";
+  write("b.dxf", drawing("0\nCIRCLE\n5\n1" + tiny + "0\nARC\n5\n2" + tiny));
+  ASSERT_EQ(run("render b.dxf -o b.svg --size 100x100 --window 0,0,10,10").code, 0);
+  const XmlReader dots(contents(path("b.svg")));
+  for (const char* id : {"h1", "h2"}) EXPECT_EQ(dots.byId(id)->attributes.at("d"), "M50 50h0");
 }
 
 // However a line is cut, and whichever way it goes, it is as dark as it is long and wide.

@@ -47,7 +47,7 @@ enum class FillRule { EvenOdd, NonZero };
 /// the upper left corner, in pixels or in whatever unit the host chose for its window.
 ///
 /// Calls come in drawing order, `begin` before the things that it describes. Points are
-/// finite. What lies outside the window may come or not; painters clip.
+/// finite, and so are their squares. What lies outside the window may come or not; painters clip.
 class IPainter {
  public:
   virtual ~IPainter() = default;
