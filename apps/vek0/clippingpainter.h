@@ -14,8 +14,7 @@ class ClippingPainter : public IPainter {
  public:
   void stroke(const PNT_2D* points, std::size_t count, bool closed) final;
   bool arc(const PNT_2D& center, double radius, double startRad, double sweepRad) final;
-  void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
-            FillRule rule) final;
+  void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings, FillRule rule) final;
   void dot(const PNT_2D& at) final;
 
  protected:

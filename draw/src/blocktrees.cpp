@@ -16,8 +16,9 @@ constexpr std::size_t kMostKnown = 1000;  // blocks; some may be gone long since
 bool BlockTrees::find(CBlock& block, const Placement& place, const RECT_2D& window,
                       std::vector<CEnt*>& ents) {
   if (block.size() < kWorthwhile) return false;
+  // From here on the block hears of edits of the blocks that it inserts.
+  if (window.inside(place.apply(block.getBdry()))) return false;
   const Known& tree = known(block);
-  if (tree.boxes.size() == 0 || window.inside(place.apply(tree.boxes.box()))) return false;
   std::vector<RankedEnt> found(tree.placeless);
   tree.boxes.visit([&](const RECT_3D& box) { return place.apply(box).intersect(window); },
                    [&](const RankedEnt& entry) { found.push_back(entry); });
@@ -26,8 +27,6 @@ bool BlockTrees::find(CBlock& block, const Placement& place, const RECT_2D& wind
 }
 
 const BlockTrees::Known& BlockTrees::known(CBlock& block) {
-  // From here on the block hears of edits of the blocks that it inserts.
-  static_cast<const CBlock&>(block).getBdry();
   const auto at = m_blocks.find(block.getSerial());
   if (at != m_blocks.end() && at->second.edition == block.getEdition()) return at->second;
   if (m_blocks.size() >= kMostKnown) m_blocks.clear();

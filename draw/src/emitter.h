@@ -21,8 +21,7 @@ class Emitter {
   void stroke(const std::vector<PNT_2D>& points, bool closed);
   /// False when the painter has no arcs; then nothing was emitted.
   bool arc(const PNT_2D& center, double radius, double startRad, double sweepRad);
-  void fill(const std::vector<PNT_2D>& points, const std::vector<std::size_t>& ends,
-            FillRule rule);
+  void fill(const std::vector<PNT_2D>& points, const std::vector<std::size_t>& ends, FillRule rule);
   void dot(const PNT_2D& at);
   /// Text that is flattened to a line is left out.
   void text(const DrawText& text);

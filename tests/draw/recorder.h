@@ -21,7 +21,7 @@ struct Thing {
   enum Kind { Stroke, Arc, Fill, Dot, Text } kind;
   std::vector<PNT_2D> points;     ///< of an arc the centre, of a text the start of its line
   std::vector<std::size_t> ends;  ///< of the rings of a fill
-  FillRule rule{};               ///< likewise
+  FillRule rule{};                ///< likewise
   bool closed = false;
   double radius = 0, start = 0, sweep = 0;
   std::string string;
@@ -31,9 +31,9 @@ struct Thing {
   long handle = 0;
 
   bool isSame(const Thing& t) const {
-    return kind == t.kind && points == t.points && ends == t.ends && rule == t.rule && closed == t.closed &&
-           radius == t.radius && start == t.start && sweep == t.sweep && string == t.string &&
-           color == t.color && layer == t.layer && handle == t.handle;
+    return kind == t.kind && points == t.points && ends == t.ends && rule == t.rule &&
+           closed == t.closed && radius == t.radius && start == t.start && sweep == t.sweep &&
+           string == t.string && color == t.color && layer == t.layer && handle == t.handle;
   }
 };
 
