@@ -263,13 +263,13 @@ void run(const Options& options, Session& session) {
     Session::complain("the output is to end in .svg, .png or .pdf, or --format says what it is");
     return session.failed(kWrongUsage);
   }
+  if (options.out == "-" && (options.all || options.splitLayers)) {
+    Session::complain("several pictures do not go to the standard output");
+    return session.failed(kWrongUsage);
+  }
   if (options.all) return renderAll(options, *format, session);
   if (options.files.size() > 1) {
     Session::complain("several drawings are rendered with --all, and -o names a folder");
-    return session.failed(kWrongUsage);
-  }
-  if (options.splitLayers && options.out == "-") {
-    Session::complain("--split-layers needs a file name to begin with");
     return session.failed(kWrongUsage);
   }
   Renderer(options, *format, session).render(options.files[0], options.out);

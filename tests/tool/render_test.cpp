@@ -265,6 +265,7 @@ TEST_F(Render, ExitCodes) {
       {"image too large",           "good.dxf -o b.png --size 40000x10",            2},
       {"page too large",            "good.dxf -o b.pdf --scale 1000:1",             2},
       {"several without --all",     "good.dxf good.dxf -o b.svg",                   2},
+      {"a stream for a folder",     "good.dxf --all -o -",                          2},
       {"drawing with an error",     "broken.dxf -o b.svg",                          1},
       {"drawing that is not there", "missing.dxf -o b.svg",                         1},
       {"output exists",             "good.dxf -o old.svg",                          3},
