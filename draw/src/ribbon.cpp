@@ -7,7 +7,10 @@
 namespace vek0::detail {
 namespace {
 
-constexpr double kBevelled = 8;  // tangent of half the turn at corners that have no mitre
+// The sides of a disc that is as wide as it is high meet in its middle, and nothing is lost.
+constexpr double kFolded = 1.01;
+constexpr double kCoarse = 0.25;  // turn of an arc that one segment may stand for, radians
+constexpr double kBevelled = 8;   // tangent of half the turn at corners that have no mitre
 
 struct Segment {
   PNT_3D from, to;
@@ -16,38 +19,67 @@ struct Segment {
   double length;
 };
 
+Segment segment(const PNT_3D& from, const PNT_3D& to, double halfStart, double halfEnd) {
+  const double length = std::hypot(to.x - from.x, to.y - from.y);
+  const PNT_2D way((to.x - from.x) / length, (to.y - from.y) / length);
+  return {from, to, halfStart, halfEnd, way, length};
+}
+
 std::vector<Segment> segmentsOf(const std::vector<WIDE_VERTEX>& points, bool closed) {
   std::vector<Segment> segments;
   for (std::size_t i = 0; i + (closed ? 0 : 1) < points.size(); ++i) {
     const WIDE_VERTEX& v = points[i];
     const PNT_3D& to = points[(i + 1) % points.size()].pnt;
-    const double length = std::hypot(to.x - v.pnt.x, to.y - v.pnt.y);
-    if (!(length > 0) || !std::isfinite(length)) continue;
-    const PNT_2D way((to.x - v.pnt.x) / length, (to.y - v.pnt.y) / length);
-    segments.push_back(
-        {v.pnt, to, std::fabs(v.widthStart) / 2, std::fabs(v.widthEnd) / 2, way, length});
+    const Segment s = segment(v.pnt, to, std::fabs(v.widthStart) / 2, std::fabs(v.widthEnd) / 2);
+    if (s.length > 0 && std::isfinite(s.length)) segments.push_back(s);
   }
   return segments;
 }
 
+double turn(const Segment& a, const Segment& b) {
+  return std::atan2(a.way.x * b.way.y - a.way.y * b.way.x, a.way.x * b.way.x + a.way.y * b.way.y);
+}
+
 // How much a side of that distance loses, or gains, to the corner behind a segment.
 double cutOf(const Segment& a, const Segment& b) {
-  const double along = a.way.x * b.way.x + a.way.y * b.way.y;
-  const double across = a.way.x * b.way.y - a.way.y * b.way.x;
-  const double tangent = across / (1 + along);
+  const double tangent = std::tan(turn(a, b) / 2);
   return std::fabs(tangent) < kBevelled ? tangent : 0;
 }
 
-bool folds(const std::vector<Segment>& segments, bool closed) {
+// The segments that are shorter than what one of their sides loses.
+std::vector<bool> foldedOf(const std::vector<Segment>& segments, bool closed) {
   const std::size_t n = segments.size();
+  std::vector<bool> folded(n);
   for (std::size_t i = 0; i < n; ++i) {
     const Segment& s = segments[i];
     double cut = 0;
     if (closed || i > 0) cut += s.halfStart * cutOf(segments[(i + n - 1) % n], s);
     if (closed || i + 1 < n) cut += s.halfEnd * cutOf(s, segments[(i + 1) % n]);
-    if (std::fabs(cut) > s.length) return true;
+    folded[i] = std::fabs(cut) > kFolded * s.length;
   }
-  return false;
+  return folded;
+}
+
+// The segments that are folded, few longer ones for the chords of an arc, and those beside
+// them, whose corners lie too far back.
+std::vector<Segment> patchesOf(const std::vector<Segment>& segments, bool closed) {
+  const std::vector<bool> folded = foldedOf(segments, closed);
+  const std::size_t n = segments.size();
+  std::vector<Segment> patches;
+  double turned = kCoarse;  // since the last patch began
+  for (std::size_t i = 0; i < n; ++i) {
+    const Segment& s = segments[i];
+    const bool after = folded[(i + n - 1) % n], before = folded[(i + 1) % n];
+    if (i > 0) turned += std::fabs(turn(segments[i - 1], s));
+    if (folded[i] && after && turned < kCoarse) {
+      Segment& last = patches.back();
+      last = segment(last.from, s.to, last.halfStart, s.halfEnd);
+    } else if (folded[i] || after || before) {
+      patches.push_back(s);
+      turned = folded[i] ? 0 : kCoarse;
+    }
+  }
+  return patches;
 }
 
 }  // namespace
@@ -62,11 +94,9 @@ Rings ribbonRings(const std::vector<WIDE_VERTEX>& points, bool closed) {
   return rings;
 }
 
-Rings segmentsOfFolded(const std::vector<WIDE_VERTEX>& points, bool closed) {
-  const std::vector<Segment> segments = segmentsOf(points, closed);
+Rings patchesOfFolds(const std::vector<WIDE_VERTEX>& points, bool closed) {
   Rings rings;
-  if (!folds(segments, closed)) return rings;
-  for (const Segment& s : segments) {
+  for (const Segment& s : patchesOf(segmentsOf(points, closed), closed)) {
     const auto side = [&](const PNT_3D& p, double offset) {
       return PNT_3D(p.x - s.way.y * offset, p.y + s.way.x * offset, p.z);
     };

@@ -13,9 +13,8 @@ using Rings = std::vector<std::vector<PNT_3D>>;
 /// At least one point.
 Rings ribbonRings(const std::vector<WIDE_VERTEX>& points, bool closed);
 
-/// The segments of a chain one by one, if it has one that is too short for the corners of
-/// its sides: there the side runs back and cuts a hole into what the others cover. None
-/// if it has not.
-Rings segmentsOfFolded(const std::vector<WIDE_VERTEX>& points, bool closed);
+/// What a chain covers beside those rings: where a segment is too short for the corners of
+/// its sides, a side runs back and cuts a hole into what the others cover. Mostly nothing.
+Rings patchesOfFolds(const std::vector<WIDE_VERTEX>& points, bool closed);
 
 }  // namespace vek0::detail

@@ -160,7 +160,7 @@ void Walker::stroke(const WIDE_VERTEX* points, std::size_t count, bool closed) {
 
 void Walker::fillOutline(const std::vector<WIDE_VERTEX>& points, bool closed) {
   fill(ribbonRings(points, closed));
-  fill(segmentsOfFolded(points, closed));
+  fill(patchesOfFolds(points, closed));
 }
 
 void Walker::fill(const Rings& rings) {
