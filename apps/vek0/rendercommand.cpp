@@ -105,6 +105,8 @@ class Renderer {
         m_projector(makeProjector(options.view)) {
     m_fonts.registerFonts();
     m_drawOptions.mono = options.mono;
+    // A point of a page takes longer than the others by far.
+    if (format == Format::Pdf) m_drawOptions.pointLimit /= 4;
     m_drawOptions.background = parseColor(options.background).value_or(RGB_COLOR{255, 255, 255});
   }
 

@@ -36,13 +36,15 @@ std::vector<Segment> segmentsOf(const std::vector<WIDE_VERTEX>& points, bool clo
   return segments;
 }
 
-double turn(const Segment& a, const Segment& b) {
-  return std::atan2(a.way.x * b.way.y - a.way.y * b.way.x, a.way.x * b.way.x + a.way.y * b.way.y);
+// Tangent of half the turn from one segment to the next.
+double halfTurn(const Segment& a, const Segment& b) {
+  const double along = a.way.x * b.way.x + a.way.y * b.way.y;
+  return (a.way.x * b.way.y - a.way.y * b.way.x) / (1 + along);
 }
 
-// How much a side of that distance loses, or gains, to the corner behind a segment.
+// How much of a side one unit from the middle is lost, or won, to the corner.
 double cutOf(const Segment& a, const Segment& b) {
-  const double tangent = std::tan(turn(a, b) / 2);
+  const double tangent = halfTurn(a, b);
   return std::fabs(tangent) < kBevelled ? tangent : 0;
 }
 
@@ -70,7 +72,8 @@ std::vector<Segment> patchesOf(const std::vector<Segment>& segments, bool closed
   for (std::size_t i = 0; i < n; ++i) {
     const Segment& s = segments[i];
     const bool after = folded[(i + n - 1) % n], before = folded[(i + 1) % n];
-    if (i > 0) turned += std::fabs(turn(segments[i - 1], s));
+    if (folded[i] && after && i > 0)
+      turned += 2 * std::atan(std::fabs(halfTurn(segments[i - 1], s)));
     if (folded[i] && after && turned < kCoarse) {
       Segment& last = patches.back();
       last = segment(last.from, s.to, last.halfStart, s.halfEnd);

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 #include <utility>
 
 #include "recorder.h"
@@ -172,6 +173,28 @@ TEST(Shapes, WidthsCoverWhatTheirSegmentsDo) {
     const Recorder drawn = scene.draw();
     for (const PNT_2D& p : t.in) EXPECT_TRUE(covers(drawn, seen(p.x, p.y))) << t.name << p;
     for (const PNT_2D& p : t.out) EXPECT_FALSE(covers(drawn, seen(p.x, p.y))) << t.name << p;
+  }
+}
+
+TEST(Shapes, WidthsCoverEverySegmentWhateverItsNeighbours) {
+  std::mt19937 random(5);
+  const auto number = [&](double low, double high) {
+    return std::uniform_real_distribution<>(low, high)(random);
+  };
+  for (int trial = 0; trial < 300; ++trial) {
+    Scene scene;
+    std::vector<BULGED_VERTEX> way;
+    const double width = number(1, 80);
+    for (int i = 0; i < 6; ++i)
+      way.push_back({number(300, 500), number(300, 500), 0, width, width, 0, 0});
+    polyline(scene, trial % 2 != 0, way);
+    const Recorder drawn = scene.draw();
+    for (std::size_t i = 0; i + 1 < way.size(); ++i) {
+      const double dx = way[i + 1].x - way[i].x, dy = way[i + 1].y - way[i].y;
+      const double t = number(0.02, 0.98), side = number(-0.49, 0.49) * width / std::hypot(dx, dy);
+      const PNT_2D p(way[i].x + t * dx - side * dy, way[i].y + t * dy + side * dx);
+      EXPECT_TRUE(covers(drawn, seen(p.x, p.y))) << trial << ' ' << i << p;
+    }
   }
 }
 
