@@ -88,6 +88,7 @@
 #include "vek0core/dxfin/filedxfiparser.h"
 #include "vek0core/dxfin/filedxfisemantor.h"
 #include "vek0core/dxfin/loaddxf.h"
+#include "vek0core/dxfin/reportcodes.h"
 
 #include "vek0core/dxfout/nameacadconverter.h"
 #include "vek0core/dxfout/savedxf.h"

@@ -1,5 +1,7 @@
 #include "dxfin/entityreaders.h"
 
+#include "dxfin/mtextreader.h"
+#include "dxfin/planeplacement.h"
 #include "vek0core/entities/ent3dface.h"
 #include "vek0core/entities/entarc.h"
 #include "vek0core/entities/entcircle.h"
@@ -46,11 +48,14 @@ EntPtr readArc(RecordReader& in) {
 EntPtr read3DFace(RecordReader& in) {
   static constexpr RecordKind kind({10, 20, 30, 11, 21, 31, 12, 22, 32, 13, 23, 33, 70},
                                    {8, 10, 20, 11, 21, 12, 22, 13, 23});
-  if (!in.read(kind)) return nullptr;
+  static constexpr RecordKind kindTolerant(kind.wanted, {10, 20, 11, 21, 12, 22});
+  const RecordKind& asked = in.isTolerant() ? kindTolerant : kind;
+  if (!in.read(asked)) return nullptr;
   const Record& r = in.record();
+  const long fourth = r.seen.has(13) && r.seen.has(23) ? 3 : 2;
   return in.built(in.factory().createEnt3DFace(in.gestor(), r.layer, r.ltype, r.color, r.point(0),
-                                               r.point(1), r.point(2), r.point(3), r.integer(70),
-                                               r.handle));
+                                               r.point(1), r.point(2), r.point(fourth),
+                                               r.integer(70), r.handle));
 }
 
 struct Reader {
@@ -66,21 +71,48 @@ EntPtr one(EntityReader& reader) {
 EntPtr readPolyline(EntityReader& reader) { return reader.polylines.readPolyline(); }
 EntPtr readLwPolyline(EntityReader& reader) { return reader.polylines.readLwPolyline(); }
 EntPtr readHatch(EntityReader& reader) { return reader.hatches.read(); }
+EntPtr readMpolygon(EntityReader& reader) { return reader.hatches.readMpolygon(); }
+template <EntPtr (CurveReader::*readRecord)()>
+EntPtr curve(EntityReader& reader) {
+  return (reader.curves.*readRecord)();
+}
 
 // The commonest first.
 constexpr Reader kReaders[] = {
-    {"LINE",       EntityKinds::R12,    one<readLine>  },
-    {"POLYLINE",   EntityKinds::R12,    readPolyline   },
-    {"LWPOLYLINE", EntityKinds::AC1014, readLwPolyline },
-    {"TEXT",       EntityKinds::R12,    one<readText>  },
-    {"ARC",        EntityKinds::R12,    one<readArc>   },
-    {"CIRCLE",     EntityKinds::R12,    one<readCircle>},
-    {"INSERT",     EntityKinds::R12,    one<readInsert>},
-    {"POINT",      EntityKinds::R12,    one<readPoint> },
-    {"3DFACE",     EntityKinds::R12,    one<read3DFace>},
-    {"HATCH",      EntityKinds::AC1014, readHatch      },
-    {"ATTDEF",     EntityKinds::R12,    one<readAttdef>},
+    {"LINE",                   EntityKinds::R12,    one<readLine>                   },
+    {"POLYLINE",               EntityKinds::R12,    readPolyline                    },
+    {"LWPOLYLINE",             EntityKinds::AC1014, readLwPolyline                  },
+    {"TEXT",                   EntityKinds::R12,    one<readText>                   },
+    {"ARC",                    EntityKinds::R12,    one<readArc>                    },
+    {"CIRCLE",                 EntityKinds::R12,    one<readCircle>                 },
+    {"INSERT",                 EntityKinds::R12,    one<readInsert>                 },
+    {"POINT",                  EntityKinds::R12,    one<readPoint>                  },
+    {"3DFACE",                 EntityKinds::R12,    one<read3DFace>                 },
+    {"HATCH",                  EntityKinds::AC1014, readHatch                       },
+    {"ATTDEF",                 EntityKinds::R12,    one<readAttdef>                 },
+    {"SOLID",                  EntityKinds::All,    one<readSolid>                  },
+    {"SPLINE",                 EntityKinds::All,    curve<&CurveReader::readSpline> },
+    {"ELLIPSE",                EntityKinds::All,    curve<&CurveReader::readEllipse>},
+    {"LEADER",                 EntityKinds::All,    curve<&CurveReader::readLeader> },
+    {"TRACE",                  EntityKinds::All,    one<readSolid>                  },
+    {"MLINE",                  EntityKinds::All,    one<readMultiline>              },
+    {"MESH",                   EntityKinds::All,    one<readSubdivisionMesh>        },
+    {"MPOLYGON",               EntityKinds::All,    readMpolygon                    },
+    {"HELIX",                  EntityKinds::All,    curve<&CurveReader::readHelix>  },
+    {"MTEXT",                  EntityKinds::All,    one<readMText>                  },
+    {"DIMENSION",              EntityKinds::All,    one<readDimension>              },
+    {"MULTILEADER",            EntityKinds::All,    one<readMultileader>            },
+    {"MLEADER",                EntityKinds::All,    one<readMultileader>            },
+    {"TOLERANCE",              EntityKinds::All,    one<readTolerance>              },
+    {"ACAD_TABLE",             EntityKinds::All,    one<readTable>                  },
+    {"ARC_DIMENSION",          EntityKinds::All,    one<readDimension>              },
+    {"LARGE_RADIAL_DIMENSION", EntityKinds::All,    one<readDimension>              },
 };
+
+// What follows an entity that was dropped.
+bool isRemnant(const CFileDXFILexer& lexer) {
+  return lexer.isKeyword("VERTEX") || lexer.isKeyword("ATTRIB") || lexer.isKeyword("SEQEND");
+}
 
 const Reader* findReader(const CFileDXFILexer& lexer, EntityKinds kinds) {
   for (const Reader& reader : kReaders)
@@ -91,10 +123,37 @@ const Reader* findReader(const CFileDXFILexer& lexer, EntityKinds kinds) {
 }  // namespace
 
 EntPtr EntityReader::read(EntityKinds kinds) {
-  if (const Reader* reader = findReader(records.lexer(), kinds)) return reader->read(*this);
-  records.note("kind skipped", records.lexer().getText());
+  if (const Reader* reader = findReader(records.lexer(), kinds)) {
+    records.begin();
+    EntPtr ent = reader->read(*this);
+    if (kinds != EntityKinds::All || records.failed()) return ent;
+    // The readers of kinds that become others have placed them already.
+    const bool inPlane = reader->since != EntityKinds::All;
+    return isLeftOut() ? nullptr : inPlane ? placed(std::move(ent)) : std::move(ent);
+  }
+  if (kinds != EntityKinds::All || !isRemnant(records.lexer()))
+    records.note("kind skipped", records.lexer().getText());
   records.skip();
   return nullptr;
+}
+
+// What stands on a layout's sheet is not in model space, and the other way round. Nothing
+// here can be invisible: what its program hides, the states of a block that is not in, say,
+// would show.
+bool EntityReader::isLeftOut() {
+  const RecordReader::Frame& frame = records.frame();
+  const bool isElsewhere = frame.onPaper != records.context().options.policy.paperSpace;
+  if (!isElsewhere && !frame.isInvisible) return false;
+  records.note(isElsewhere ? "on paper" : "entity invisible");
+  records.further.clear();
+  return true;
+}
+
+EntPtr EntityReader::placed(EntPtr ent) {
+  const PNT_3D& normal = records.frame().normal;
+  if (!ent || normal == PNT_3D(0, 0, 1)) return ent;
+  const PlaneAxes axes(normal);
+  return axes.isWorld() ? std::move(ent) : placeInWorld(records, std::move(ent), axes);
 }
 
 }  // namespace vek0::detail

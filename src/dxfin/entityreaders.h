@@ -2,14 +2,17 @@
 
 #include <string_view>
 
+#include "dxfin/curvereaders.h"
 #include "dxfin/hatchreader.h"
 #include "dxfin/polylinereader.h"
 #include "dxfin/recordreader.h"
+#include "dxfin/shapereaders.h"
 
 namespace vek0::detail {
 
-/// Which entity kinds a version of the format has.
-enum class EntityKinds { R12, AC1014 };
+/// Which entity kinds are read: those that a version of the format has and a drawing too,
+/// or all that can be turned into such.
+enum class EntityKinds { R12, AC1014, All };
 
 /// Reads entity records of any kind.
 class EntityReader {
@@ -24,6 +27,11 @@ class EntityReader {
   RecordReader records;
   PolylineReader polylines{records};
   HatchReader hatches{records};
+  CurveReader curves{records};
+
+ private:
+  bool isLeftOut();
+  EntPtr placed(EntPtr ent);
 };
 
 // One reader a kind. Each starts on the group 0 of its record.

@@ -168,7 +168,7 @@ const ICADFont* IFileDXFIDataSemantor::getFont(const zim::WString& name) {
   if (!m_options.policy.keepFontNames) return fonts.get(name, true);
   if (const ICADFont* font = fonts.get(name, false)) return font;
   note("font unknown", name);
-  return m_data.needFont(name);
+  return m_data.needFont(name.empty() ? zim::WString(u"txt") : name);
 }
 
 // -- external references -----------------------------------------------------------
@@ -318,11 +318,26 @@ void IFileDXFIDataSemantor::createFreshBlock(const zim::WString& name, const PNT
   m_data.getBlockTable().add(block.release());
 }
 
+// Inserts that would make the block a part of itself.
+void IFileDXFIDataSemantor::dropCircles(CBlock& block, std::list<CEnt*>& entities) const {
+  const CBlockGraph& graph = m_data.getBlockTable().getBlockGraph();
+  entities.remove_if([&](CEnt* ent) {
+    const CEntInsertBase* insert = ent->getEntInsert();
+    if (!insert || !insert->getBlock() ||
+        graph.canSubstitute(block, {const_cast<CBlock*>(insert->getBlock())}))
+      return false;
+    note("insert dropped", insert->getBlock()->getName());
+    delete ent;
+    return true;
+  });
+}
+
 void IFileDXFIDataSemantor::redefineBlock(CBlock& block, const PNT_3D& base, long flags,
                                           std::list<CEnt*>& entities) {
   std::list<CEnt*> fresh;
   fresh.swap(entities);
   const std::unique_ptr<CBlockMemento> old(block.createMemento());
+  if (m_options.policy.tolerant) dropCircles(block, fresh);
   if (!old || m_data.getBlockTable().Redefine(&block, base, flags, fresh) != 0) {
     discard(fresh);
     return fail(old ? CFileDXFIError::BlockNotFound : CFileDXFIError::GeneralError);

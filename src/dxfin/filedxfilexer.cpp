@@ -55,6 +55,27 @@ std::size_t bytesOfUnits(std::string_view bytes, std::size_t units) {
   return bytes.size() - rest.size();
 }
 
+constexpr std::size_t kSampleBytes = 40;
+// In the first line of files of the binary form.
+constexpr std::string_view kBinaryMark = " Binary DXF";
+
+std::string_view trimmed(std::string_view line) {
+  const std::string_view text = withoutTrailing(line);
+  return text.substr(std::min(text.find_first_not_of(" \t"), text.size()));
+}
+
+bool isNumber(std::string_view text) {
+  if (!text.empty() && text[0] == '-') text.remove_prefix(1);
+  return !text.empty() && text.size() < 6 &&
+         std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+// Of a line without an end: the end mark may do without.
+bool isCutOff(std::string_view line) {
+  constexpr std::size_t longest = kBlock / 2;  // a longer one may be the first piece of its line
+  return line.size() < longest && trimmed(line) != "EOF";
+}
+
 void assignUtf8(std::u16string_view units, std::string& out) {
   out.clear();
   while (!units.empty()) zim::appendUtf8(out, zim::takeUtf16(units));
@@ -77,6 +98,11 @@ CFileDXFILexer::CFileDXFILexer(const CFileDXFILexer& other)
       m_lines(other.m_lines),
       m_started(other.m_started),
       m_byBytes(other.m_byBytes),
+      m_tolerant(other.m_tolerant),
+      m_pageFixed(other.m_pageFixed),
+      m_stopped(other.m_stopped),
+      m_cut(other.m_cut),
+      m_binary(other.m_binary),
       m_decoder(other.m_decoder),
       m_line(other.m_line),
       m_group(other.m_group),
@@ -88,6 +114,14 @@ CFileDXFILexer::CFileDXFILexer(const CFileDXFILexer& other)
 
 CFileDXFILexer::~CFileDXFILexer() = default;
 
+void CFileDXFILexer::note(const char* code, std::string_view sample) const {
+  if (!m_report) return;
+  CTextDecoder decoder = m_decoder;
+  std::u16string text;
+  decoder.decode(sample, text);
+  m_report->add(code, m_line, text);
+}
+
 void CFileDXFILexer::setError(int kind) const {
   if (m_error) m_error->SetError(static_cast<CFileDXFIError::TDXFErrors>(kind));
 }
@@ -98,8 +132,20 @@ void CFileDXFILexer::start() {
   if (!m_byBytes || m_lines->mark() != LineReader::Mark::None) m_decoder.setPage(kCodePageUtf8);
 }
 
+void CFileDXFILexer::setTolerant() {
+  m_tolerant = true;
+  m_decoder.setSense(true);
+}
+
+void CFileDXFILexer::fixCodePage(int page) {
+  m_decoder.setPage(page);
+  m_decoder.setSense(false);
+  m_pageFixed = true;
+}
+
 void CFileDXFILexer::setCodePage(int page) {
-  const bool isSettled = m_started && (!m_byBytes || m_lines->mark() != LineReader::Mark::None);
+  const bool isMarked = m_started && (!m_byBytes || m_lines->mark() != LineReader::Mark::None);
+  const bool isSettled = m_pageFixed || isMarked;
   if (!isSettled) m_decoder.setPage(page);
 }
 
@@ -118,9 +164,19 @@ std::string CFileDXFILexer::getEncodingName() const {
 long CFileDXFILexer::read() {
   if (!m_started) start();
   do {
-    if (!readCode() || !readValue()) return fail();
+    if (m_stopped) return endFile();
+    if (!readCode() || !readValue()) return m_tolerant ? endFile() : fail();
   } while (m_group == kComment);
   return m_group;
+}
+
+long CFileDXFILexer::endFile() {
+  if (!m_cut && !m_stopped) note("file cut");
+  m_cut = !m_stopped;
+  m_own = "EOF";
+  m_value = m_own;
+  m_widened = false;
+  return m_group = 0;
 }
 
 // The last value went with the block that was left behind.
@@ -161,10 +217,15 @@ bool CFileDXFILexer::readCode() {
   }
   std::string_view line;
   bool whole = false;
-  const bool got = readLine(line, whole);
+  bool got = readLine(line, whole);
+  while (m_tolerant && got && passStrayLine(line)) {
+    if (!whole) skipRestOfLine();
+    got = readLine(line, whole);
+  }
   const std::string_view code = withoutLineEnd(line);
   if (!got || code.empty()) {
-    setError(got ? CFileDXFIError::EmptyGroupCode : CFileDXFIError::WrongStructure);
+    if (!m_tolerant)
+      setError(got ? CFileDXFIError::EmptyGroupCode : CFileDXFIError::WrongStructure);
     return false;
   }
   m_group = vek0::detail::parseLong(code);
@@ -173,13 +234,28 @@ bool CFileDXFILexer::readCode() {
   return true;
 }
 
+// Takes a line out that cannot be a group code: blank, or the rest of a text that its
+// program broke.
+bool CFileDXFILexer::passStrayLine(std::string_view line) {
+  const std::string_view text = trimmed(line);
+  if (isNumber(text)) return false;
+  if (m_line == 0 && text.find(kBinaryMark) != std::string_view::npos) m_binary = true;
+  ++m_line;
+  if (text.empty())
+    note("blank line");
+  else
+    note("stray line", text.substr(0, kSampleBytes));
+  return true;
+}
+
 bool CFileDXFILexer::readValue() {
   std::string_view line;
   bool whole = false;
   if (!readLine(line, whole)) {
-    setError(CFileDXFIError::WrongStructure);
+    if (!m_tolerant) setError(CFileDXFIError::WrongStructure);
     return false;
   }
+  if (m_tolerant && !whole && isCutOff(line)) return false;
   ++m_line;
   if (!m_byBytes) {
     m_own.swap(m_scratch);
@@ -226,8 +302,12 @@ const SmartString& CFileDXFILexer::getString() const {
   return m_string;
 }
 
-bool CFileDXFILexer::isKeyword(std::string_view keyword) const {
-  return std::equal(m_value.begin(), m_value.end(), keyword.begin(), keyword.end(),
+bool CFileDXFILexer::equals(std::string_view keyword) const {
+  std::string_view value = m_value;
+  while (m_tolerant && !value.empty() && (value.front() == ' ' || value.front() == '\t'))
+    value.remove_prefix(1);
+  if (value.size() != keyword.size()) return false;
+  return std::equal(value.begin(), value.end(), keyword.begin(),
                     [](char c, char k) { return (c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c) == k; });
 }
 
@@ -241,6 +321,21 @@ bool CFileDXFILexer::isNumberMissing() const {
 double CFileDXFILexer::getDouble() const {
   if (isNumberMissing()) return 0;
   const vek0::detail::ParsedDouble number = vek0::detail::parseDouble(m_value);
+  if (m_tolerant && number.finite && !number.whole) return repairedDouble();
+  if (!number.finite) setError(CFileDXFIError::OutOfRange);
+  return number.value;
+}
+
+// "1,5" and "1D2" as they are meant.
+double CFileDXFILexer::repairedDouble() const {
+  std::string text(m_value);
+  const bool isForm = text.find_first_of(",Dd") != std::string::npos;
+  for (char& c : text) {
+    if (c == ',') c = '.';
+    if (c == 'D' || c == 'd') c = 'e';
+  }
+  note("number repaired", isForm ? "1,5 or 1D2" : "no number");
+  const vek0::detail::ParsedDouble number = vek0::detail::parseDouble(text);
   if (!number.finite) setError(CFileDXFIError::OutOfRange);
   return number.value;
 }

@@ -1,8 +1,10 @@
 #include "vek0core/dxfin/filedxfiparser.h"
 
+#include <algorithm>
 #include <limits>
 #include <list>
 #include <new>
+#include <utility>
 
 #include "dxfin/filedxfiversionloader.h"
 #include "files/number.h"
@@ -11,6 +13,7 @@
 #include "vek0core/drawing/functions.h"
 #include "vek0core/entities/blocktable.h"
 #include "vek0core/files/file.h"
+#include "vek0core/files/report.h"
 #include "vek0core/files/textcodec.h"
 
 namespace {
@@ -19,8 +22,9 @@ constexpr long kNewestVersion = 15;  // of "AC1015"
 constexpr long kReferenced = 64;     // bit of code 70 in tables: of no use in memory
 constexpr long kOfXRef = 16;         // likewise: the item belongs to an external reference
 constexpr long kLayerOff = 128;      // our own bit for a colour below 0
-constexpr long kShapeFile = 1;       // STYLE: not a text font
-constexpr long kXRefBlock = 4;       // of a block's flags
+constexpr long kWhite = 7;
+constexpr long kShapeFile = 1;  // STYLE: not a text font
+constexpr long kXRefBlock = 4;  // of a block's flags
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
@@ -113,6 +117,8 @@ CFileDXFIParser::CFileDXFIParser(IFile& file, IFileDXFISemantor& semantor, CEntF
       m_options(options),
       m_factory(factory) {
   m_lexer.setReport(options.report);
+  if (isTolerant()) m_lexer.setTolerant();
+  if (options.codePage != kCodePageAuto) m_lexer.fixCodePage(options.codePage);
 }
 
 CFileDXFIParser::~CFileDXFIParser() = default;
@@ -120,7 +126,11 @@ CFileDXFIParser::~CFileDXFIParser() = default;
 bool CFileDXFIParser::load() {
   if (!m_file.open()) return false;
   m_err = CFileDXFIError();
-  const bool done = doLoad();
+  bool done = doLoad();
+  if (m_lexer.isStopped()) {
+    m_err = CFileDXFIError();  // of a section that had no end
+    done = true;
+  }
   m_file.close();
   m_semantor.transition();
   return done && !failed();
@@ -145,7 +155,40 @@ bool CFileDXFIParser::expect(long code) {
   return !failed();
 }
 
+void CFileDXFIParser::note(const char* code, const zim::WString& sample) const {
+  if (m_options.report) m_options.report->add(code, m_lexer.getLine(), sample);
+}
+
+bool CFileDXFIParser::recover(const char* code, const zim::WString& sample) {
+  if (!isTolerant() || !failed() || m_err.GetErrorType() == CFileDXFIError::GeneralError)
+    return false;
+  note(code, sample);
+  m_err = CFileDXFIError();
+  m_faultLine = 0;
+  if (getGroupValue() != 0) readEntityOther();
+  return true;
+}
+
+bool CFileDXFIParser::passRecord() {
+  if (!isTolerant()) return false;
+  note("record skipped", m_lexer.getText());
+  readEntityOther();
+  return true;
+}
+
+bool CFileDXFIParser::atSectionEnd() {
+  if (isKeyword("ENDSEC")) return true;
+  m_pending = isTolerant() && getGroupValue() == 0 && isPending();
+  if (m_pending) note("section cut");
+  return m_pending;
+}
+
+void CFileDXFIParser::nextRecord() {
+  if (!std::exchange(m_pending, false)) read();
+}
+
 bool CFileDXFIParser::atRecord() {
+  if (isTolerant() && getGroupValue() != 0) readEntityOther();
   if (!failed() && getGroupValue() != 0) fail(CFileDXFIError::WrongStructure);
   return !failed();
 }
@@ -153,12 +196,39 @@ bool CFileDXFIParser::atRecord() {
 // -- the file ------------------------------------------------------------------
 
 void CFileDXFIParser::readGlobal() {
-  while (expect(0)) {
-    if (isKeyword("EOF")) return takeCurrentItems();
-    if (!isKeyword("SECTION")) return fail(CFileDXFIError::WrongStructure);
+  while (toSection()) {
+    if (isKeyword("EOF")) return readEnd();
+    m_isDrawing = true;
     readSection();
+    if (recover("section cut", {})) m_pending = true;
     if (failed()) return;
   }
+}
+
+bool CFileDXFIParser::toSection() {
+  nextRecord();
+  if (isTolerant() && !m_isDrawing) readFragment();
+  while (isTolerant() && (getGroupValue() != 0 || !isPending())) passRecord();
+  if (!failed() && (getGroupValue() != 0 || !isPending())) fail(CFileDXFIError::WrongStructure);
+  return !failed();
+}
+
+// Some programs write records of entities alone.
+void CFileDXFIParser::readFragment() {
+  while (!failed() && getGroupValue() == 0 && !isPending()) {
+    RealizeVersion();
+    addEntity();
+  }
+}
+
+// A file of something else has no section either.
+void CFileDXFIParser::readEnd() {
+  if (m_lexer.isBinary()) note("binary file");
+  if (m_lexer.isBinary() || (m_lexer.isCut() && !m_isDrawing))
+    return fail(CFileDXFIError::WrongStructure);
+  if (m_lexer.isEncodingOther()) note("encoding differs", m_codePageName);
+  settleLayers();
+  takeCurrentItems();
 }
 
 void CFileDXFIParser::readSection() {
@@ -167,6 +237,7 @@ void CFileDXFIParser::readSection() {
   if (isKeyword("TABLES")) return readTables();
   if (isKeyword("BLOCKS")) return readBlocks();
   if (isKeyword("ENTITIES")) return readEntities();
+  if (isTolerant() && !isKeyword("CLASSES")) note("section skipped", m_lexer.getText());
   readOtherSection();
 }
 
@@ -175,6 +246,10 @@ void CFileDXFIParser::readOtherSection() { skipTo("ENDSEC"); }
 void CFileDXFIParser::skipTo(std::string_view keyword) {
   do {
     read();
+    if (isTolerant() && getGroupValue() == 0 && (atSectionEnd() || isKeyword("TABLE"))) {
+      m_pending = !isKeyword(keyword);
+      return;
+    }
   } while (!failed() && (getGroupValue() != 0 || !isKeyword(keyword)));
 }
 
@@ -213,9 +288,10 @@ void CFileDXFIParser::readHeader() {
       readHeaderVariable();
     } else if (getGroupValue() != 0) {
       read();
-    } else {
-      if (!isKeyword("ENDSEC")) fail(CFileDXFIError::WrongStructure);
+    } else if (atSectionEnd()) {
       return;
+    } else if (!passRecord()) {
+      return fail(CFileDXFIError::WrongStructure);
     }
   }
 }
@@ -228,8 +304,16 @@ void CFileDXFIParser::readHeaderVariable() {
     if (failed()) return;
     if (code == 0 || code == 9) return readHeaderValue(name, value);
     collect(code, value);
-    if (failed()) return;
+    if (failed()) return dropVariable(name);
   }
+}
+
+void CFileDXFIParser::dropVariable(const zim::WString& name) {
+  const bool recovered = isTolerant() && m_err.GetErrorType() != CFileDXFIError::GeneralError;
+  if (!recovered) return;
+  note("variable dropped", name);
+  m_err = CFileDXFIError();
+  while (getGroupValue() != 0 && getGroupValue() != 9) read();
 }
 
 void CFileDXFIParser::collect(long code, HeaderValue& value) {
@@ -272,11 +356,15 @@ void CFileDXFIParser::readHeaderString(const zim::WString& name, const zim::WStr
 }
 
 void CFileDXFIParser::readHeaderDouble(const zim::WString& name, const double (&value)[3]) {
+  if (zim::equalsIgnoreCase(name, u"$DIMTXT")) m_dimText = value[0];
+  if (zim::equalsIgnoreCase(name, u"$DIMSCALE")) m_dimScale = value[0];
   if (m_semantor.shouldReadHeaders())
     setVariable(kRealVariables, name, *m_semantor.getVars(), value);
 }
 
 void CFileDXFIParser::readHeaderLong(const zim::WString& name, long value) {
+  if (zim::equalsIgnoreCase(name, u"$INSUNITS")) m_units = value;
+  if (zim::equalsIgnoreCase(name, u"$MEASUREMENT")) m_measurement = value;
   if (m_semantor.shouldReadHeaders())
     setVariable(kIntegerVariables, name, *m_semantor.getVars(), value);
 }
@@ -290,6 +378,7 @@ void CFileDXFIParser::takeVersion(const zim::WString& name) {
       m_version = static_cast<short>(i + 1);
       return;
     }
+  if (isTolerant()) return note("version unknown", name);
   if (name.Length() != 6 || name.view().substr(0, 4) != u"AC10")
     return fail(CFileDXFIError::OutOfRange);
   if (vek0::detail::parseLong(name.view().substr(4)) > kNewestVersion)
@@ -303,8 +392,11 @@ void CFileDXFIParser::takeCodePage() {
 // The first section that needs the version settles it.
 void CFileDXFIParser::RealizeVersion() {
   if (m_pACADVersionLoader) return;
+  // A scale of 0 is one that the sheet decides.
+  const double dimText = m_dimText * (m_dimScale > 0 ? m_dimScale : 1);
   m_pACADVersionLoader = vek0::detail::createVersionLoader(
-      m_version, {m_lexer, m_semantor, m_factory, m_err, m_options});
+      m_version, {m_lexer, m_semantor, m_factory, m_err, m_options,
+                  dimText > 0 ? dimText : vek0::detail::kDimensionText});
   if (!m_pACADVersionLoader) fail(CFileDXFIError::NewerVersion);
 }
 
@@ -313,11 +405,16 @@ void CFileDXFIParser::RealizeVersion() {
 void CFileDXFIParser::readTables() {
   RealizeVersion();
   while (!failed()) {
-    read();
+    nextRecord();
     if (failed()) return fail(CFileDXFIError::WrongStructure);
-    if (isKeyword("ENDSEC")) return;
-    if (!isKeyword("TABLE")) return fail(CFileDXFIError::WrongStructure);
-    readTable();
+    if (atSectionEnd()) return;
+    if (isKeyword("TABLE")) {
+      readTable();
+      if (recover("table cut", {})) m_pending = true;
+    } else {
+      m_pending = passRecord();
+      if (!m_pending) fail(CFileDXFIError::WrongStructure);
+    }
   }
 }
 
@@ -338,8 +435,15 @@ void CFileDXFIParser::readPreambolo() { readEntityOther(); }
 void CFileDXFIParser::readEntries(std::string_view keyword, ReadEntry readEntry) {
   readPreambolo();
   while (!failed() && !isKeyword("ENDTAB")) {
-    if (!isKeyword(keyword)) return fail(CFileDXFIError::WrongStructure);
-    (this->*readEntry)();
+    if (isKeyword(keyword)) {
+      (this->*readEntry)();
+      recover("entry dropped", zim::WString::fromUtf8(keyword));
+    } else if (isTolerant() && (isKeyword("TABLE") || isKeyword("ENDSEC") || isPending())) {
+      m_pending = true;
+      return note("table cut", zim::WString::fromUtf8(keyword));
+    } else if (!passRecord()) {
+      return fail(CFileDXFIError::WrongStructure);
+    }
   }
 }
 
@@ -348,6 +452,7 @@ void CFileDXFIParser::readLtypeEntry() { m_pACADVersionLoader->readLtype(); }
 struct CFileDXFIParser::LayerEntry {
   zim::WString name;
   CLtype* ltype = nullptr;
+  zim::WString unknownLtype;  // what stands for it as long as no table has it
   short colour = 7;
   bool off = false;
   long flags = 0;
@@ -371,22 +476,36 @@ void CFileDXFIParser::readLayerPair(long code, LayerEntry& layer) {
       break;
     case 6:
       layer.ltype = m_semantor.getLtype(m_lexer.getText());
-      if (!layer.ltype) fail(CFileDXFIError::LtypeNotFound);
+      if (layer.ltype) break;
+      if (!isTolerant()) return fail(CFileDXFIError::LtypeNotFound);
+      layer.unknownLtype = m_lexer.getText();
       break;
     case 62: {
-      const long colour = getInt();
+      long colour = getInt();
       if (failed()) return;
-      if (colour == 0 || colour < -255 || colour > 255) return fail(CFileDXFIError::OutOfRange);
+      const bool inRange = colour != 0 && colour >= -255 && colour <= 255;
+      if (!inRange && !isTolerant()) return fail(CFileDXFIError::OutOfRange);
+      if (!inRange) {
+        note("color replaced", m_lexer.getText());
+        colour = colour < 0 ? -kWhite : kWhite;
+      }
       layer.off = colour < 0;
       layer.colour = static_cast<short>(colour < 0 ? -colour : colour);
       break;
     }
     case 70:
-      layer.flags = getInt() & ~kReferenced;
+      layer.flags = tableFlags();
       break;
     default:
       break;
   }
+}
+
+long CFileDXFIParser::tableFlags() {
+  const long flags = getInt();
+  if (flags >= 0 || !isTolerant()) return flags & ~kReferenced;
+  note("flags replaced", m_lexer.getText());
+  return 0;
 }
 
 // Whether a layer is off and its flags come in either order: they are joined here.
@@ -394,11 +513,31 @@ void CFileDXFIParser::createLayer(const LayerEntry& layer) {
   const long flags = layer.flags | (layer.off ? kLayerOff : 0);
   if (layer.name.empty()) return fail(CFileDXFIError::WrongStructure);
   if (layer.name.view() == u"0") return m_semantor.createLayer0(layer.ltype, layer.colour, flags);
-  if ((flags & kOfXRef) == 0)
-    return m_semantor.createLayer(layer.name, layer.ltype, layer.colour, flags);
+  if ((flags & kOfXRef) == 0) return createOrdinaryLayer(layer, flags);
   zim::WString xref, local;
-  if (!scomposeName(layer.name, xref, local)) return fail(CFileDXFIError::WrongStructure);
-  m_semantor.createLayerXRef(xref, local, layer.ltype, layer.colour, flags);
+  if (scomposeName(layer.name, xref, local))
+    return m_semantor.createLayerXRef(xref, local, layer.ltype, layer.colour, flags);
+  if (!isTolerant()) return fail(CFileDXFIError::WrongStructure);
+  note("flags replaced", layer.name);
+  createOrdinaryLayer(layer, flags & ~kOfXRef);
+}
+
+void CFileDXFIParser::createOrdinaryLayer(const LayerEntry& layer, long flags) {
+  m_semantor.createLayer(layer.name, layer.ltype, layer.colour, flags);
+  if (layer.unknownLtype.empty()) return;
+  if (CLayer* created = m_semantor.getLayer(layer.name))
+    m_unsettled.push_back({created, layer.unknownLtype});
+}
+
+// The linetypes may have come after the layers.
+void CFileDXFIParser::settleLayers() {
+  for (const auto& [layer, name] : m_unsettled) {
+    if (CLtype* ltype = m_semantor.getLtype(name))
+      layer->setLtype(ltype);
+    else
+      note("linetype unknown", name);
+  }
+  m_unsettled.clear();
 }
 
 struct CFileDXFIParser::StyleEntry {
@@ -443,7 +582,7 @@ void CFileDXFIParser::readStylePair(long code, StyleEntry& style) {
       style.oblique = styleNumber(-maxOblique, maxOblique, style) * kRadiansPerDegree;
       break;
     case 70:
-      style.flags = getInt() & ~kReferenced;
+      style.flags = tableFlags();
       break;
     default:
       break;
@@ -451,7 +590,12 @@ void CFileDXFIParser::readStylePair(long code, StyleEntry& style) {
 }
 
 double CFileDXFIParser::styleNumber(double least, double most, StyleEntry& style) {
-  const double number = getDouble();
+  double number = getDouble();
+  if (isTolerant() && (number < least || number > most)) {
+    note("number replaced", m_lexer.getText());
+    // A width of 0 is what programs write that have none to tell.
+    return number == 0 && least > 0 ? 1 : std::clamp(number, least, most);
+  }
   if ((number < least || number > most) && style.rangeLine == 0)
     style.rangeLine = m_lexer.getLine();
   return number;
@@ -465,7 +609,8 @@ void CFileDXFIParser::createStyle(const StyleEntry& style) {
     m_faultLine = style.rangeLine;
     return fail(CFileDXFIError::OutOfRange);
   }
-  if (style.name.empty() || style.fontLine == 0) return fail(CFileDXFIError::WrongStructure);
+  const bool named = !style.name.empty() && (style.fontLine != 0 || isTolerant());
+  if (!named) return fail(CFileDXFIError::WrongStructure);
   const ICADFont* font = m_semantor.getFont(style.fontName);
   if (!font) {
     m_faultLine = style.fontLine;
@@ -490,7 +635,7 @@ struct CFileDXFIParser::BlockHeader {
 void CFileDXFIParser::readBlocks() {
   RealizeVersion();
   read();
-  while (atRecord() && !isKeyword("ENDSEC")) readBlock();
+  while (atRecord() && !atSectionEnd()) readBlock();
   // An insert may have come before its block was filled. Once is enough: what further
   // sections of blocks bring is measured at the end, and a file may have thousands.
   if (failed() || m_blocksMeasured || !m_pACADVersionLoader->hasReadInsert()) return;
@@ -499,6 +644,7 @@ void CFileDXFIParser::readBlocks() {
 }
 
 void CFileDXFIParser::readBlock() {
+  if (!isKeyword("BLOCK") && passRecord()) return;
   BlockHeader block;
   OwnedEntities entities;
   readBlockHeader(block);
@@ -506,6 +652,7 @@ void CFileDXFIParser::readBlock() {
   readBlockEntities(entities);
   m_pACADVersionLoader->enterBlock(nullptr);
   if (!failed()) createBlock(block, entities);
+  recover("block dropped", block.name);
 }
 
 void CFileDXFIParser::readBlockHeader(BlockHeader& block) {
@@ -538,13 +685,19 @@ void CFileDXFIParser::readBlockHeader(BlockHeader& block) {
 }
 
 void CFileDXFIParser::readBlockEntities(OwnedEntities& entities) {
-  while (!failed() && !isKeyword("ENDBLK")) {
+  while (!failed() && !isKeyword("ENDBLK") && !isBlockCut()) {
     if (vek0::detail::EntPtr ent{readAnEntity()}) entities.take(std::move(ent));
     for (vek0::detail::EntPtr& ent : m_pACADVersionLoader->getFurther())
       entities.take(std::move(ent));
     m_pACADVersionLoader->getFurther().clear();
   }
-  if (!failed()) readEntityOther();
+  if (!failed() && isKeyword("ENDBLK")) readEntityOther();
+}
+
+bool CFileDXFIParser::isBlockCut() {
+  const bool isCut = isTolerant() && (isKeyword("BLOCK") || isKeyword("ENDSEC") || isPending());
+  if (isCut) note("block cut");
+  return isCut;
 }
 
 void CFileDXFIParser::createBlock(const BlockHeader& block, OwnedEntities& entities) {
@@ -564,24 +717,47 @@ void CFileDXFIParser::createBlock(const BlockHeader& block, OwnedEntities& entit
 void CFileDXFIParser::readEntities() {
   RealizeVersion();
   read();
-  while (atRecord() && !isKeyword("ENDSEC")) {
-    add(vek0::detail::EntPtr(readAnEntity()));
-    for (vek0::detail::EntPtr& ent : m_pACADVersionLoader->getFurther()) add(std::move(ent));
-    m_pACADVersionLoader->getFurther().clear();
-  }
+  while (atRecord() && !atSectionEnd()) addEntity();
+}
+
+void CFileDXFIParser::addEntity() {
+  add(vek0::detail::EntPtr(readAnEntity()));
+  for (vek0::detail::EntPtr& ent : m_pACADVersionLoader->getFurther()) add(std::move(ent));
+  m_pACADVersionLoader->getFurther().clear();
 }
 
 void CFileDXFIParser::add(std::unique_ptr<CEnt> ent) {
   if (!ent) return;
+  m_isDrawing = true;
   m_semantor.add(ent.get());
   static_cast<void>(ent.release());  // not before the drawing has it
 }
 
+// Whoever watches is asked every thousand entities.
+bool CFileDXFIParser::isTimeToStop() {
+  constexpr long between = 1000;
+  ++m_entities;
+  m_cancelled = m_cancelled || (m_entities % between == 0 && m_options.progress &&
+                                !m_options.progress(m_lexer.getLine()));
+  const bool tooMany = m_options.maxEntities > 0 && m_entities > m_options.maxEntities;
+  if (!m_cancelled && !tooMany) return false;
+  if (tooMany && !m_cancelled) note("limit reached");
+  m_lexer.stop();
+  readEntityOther();
+  return true;
+}
+
 // Neither section nor file can end inside a block or before its ENDSEC.
 CEnt* CFileDXFIParser::readAnEntity() {
+  if (isTimeToStop()) return nullptr;
   if (isKeyword("ENDSEC") || isKeyword("EOF")) {
     fail(CFileDXFIError::WrongStructure);
     return nullptr;
   }
-  return m_pACADVersionLoader->readEntity();
+  if (!isTolerant()) return m_pACADVersionLoader->readEntity();
+  m_kind = m_lexer.getBytes();
+  CEnt* ent = m_pACADVersionLoader->readEntity();
+  if (failed() && recover("entity dropped", zim::WString::fromUtf8(m_kind)))
+    m_pACADVersionLoader->getFurther().clear();
+  return ent;
 }

@@ -4,6 +4,8 @@ namespace vek0::detail {
 
 std::unique_ptr<CFileDXFIVersionLoader> createVersionLoader(short version,
                                                             const ReadContext& context) {
+  if (context.options.policy.tolerant)
+    return std::make_unique<CFileDXFIVersionLoaderTolerant>(context);
   switch (version) {
     case 0:
     case 1:

@@ -57,6 +57,15 @@ class CFileDXFIVersionLoaderAC1015 : public CFileDXFIVersionLoaderAC1014 {
   using CFileDXFIVersionLoaderAC1014::CFileDXFIVersionLoaderAC1014;
 };
 
+/// Any version, for files that are not taken at their word.
+class CFileDXFIVersionLoaderTolerant : public CFileDXFIVersionLoader {
+ public:
+  explicit CFileDXFIVersionLoaderTolerant(const ReadContext& context)
+      : CFileDXFIVersionLoader(context, true) {}
+  void readLtype() override { m_ltypes.read(); }
+  CEnt* readEntity() override { return m_entities.read(EntityKinds::All).release(); }
+};
+
 /// The loader of a version number: 0 none named, 1 R12, 2 AC1012, 3 AC1014, 4
 /// AC1015; null for any other.
 std::unique_ptr<CFileDXFIVersionLoader> createVersionLoader(short version,

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "dxfin/ocs.h"
+#include "dxfin/replacement.h"
 #include "vek0core/entities/enthatch.h"
 #include "vek0core/hatch/boundary.h"
 
@@ -13,21 +15,53 @@ constexpr long kPatternLines = 78, kLoops = 91, kSeeds = 98;
 // Kinds of loops and of edges.
 constexpr long kPolylineLoop = 2;
 constexpr long kLine = 1, kArc = 2, kEllipse = 3, kSpline = 4;
+// The number of points or of handles that follow, and a handle.
+constexpr long kCount = 97, kSource = 330;
+constexpr long kFitX = 11, kFitY = 21;
+
+bool isFit(long code) { return (code >= kFitX && code <= 13) || (code >= kFitY && code <= 23); }
+
+// The pattern as it is seen from behind.
+void mirror(PatternRecord& pattern) {
+  constexpr double halfTurn = 180;
+  pattern.angleRad = -pattern.angleRad;
+  for (PatternLine& line : pattern.lines) {
+    line.angleDeg = halfTurn - line.angleDeg;
+    line.base[0] = -line.base[0];
+    line.offset[0] = -line.offset[0];
+  }
+}
 
 }  // namespace
 
 EntPtr HatchReader::read() {
-  static constexpr RecordKind kind({2, 30, 41, 52, 70, 75, 76, 77}, {8});
+  m_isMpolygon = false;
+  return readRecord() && finishRings() ? build() : nullptr;
+}
+
+EntPtr HatchReader::readMpolygon() {
+  m_isMpolygon = true;
+  if (!readRecord() || !finishRings()) return nullptr;
+  std::vector<EntPtr> built = buildOutlines();
+  const PatternRecord pattern = patternRecord();
+  if (!m_in.failed() && (pattern.solid || !pattern.lines.empty()))
+    if (EntPtr hatch = build()) built.push_back(std::move(hatch));
+  return handOver(m_in, std::move(built), u"MPOLYGON");
+}
+
+bool HatchReader::readRecord() {
+  static constexpr RecordKind hatch({2, 30, 41, 52, 70, 75, 76, 77}, {8});
+  static constexpr RecordKind mpolygon({2, 30, 41, 52, 71, 75, 76, 77}, {8});
   static constexpr CodeSet groups{kPatternLines, kLoops, kSeeds};
   m_lines.clear();
   m_rings.clear();
   const std::size_t room = std::min(m_curveRoom, kRecordCurvePoints);
   m_loop.setCurveRoom(room);
-  const bool complete = m_in.read(kind, groups, 2, [this](long code) { takeGroup(code); });
+  const bool complete =
+      m_in.read(m_isMpolygon ? mpolygon : hatch, groups, 2, [this](long code) { takeGroup(code); });
   m_curveRoom -= room - m_loop.getCurveRoom();
-  if (!complete) return nullptr;
-  if (m_loop.isCoarse()) m_in.note("hatch coarse");
-  return build();
+  if (complete && m_loop.isCoarse()) m_in.note("hatch coarse");
+  return complete;
 }
 
 void HatchReader::takeGroup(long code) {
@@ -102,8 +136,10 @@ bool HatchReader::readLoop() {
 }
 
 bool HatchReader::readPolylineLoop() {
-  long bulged, closed, count;
-  if (!takeInteger(72, bulged) || !takeInteger(73, closed) || !takeInteger(93, count)) return false;
+  long bulged = 0, closed = 0, count;
+  const bool flags = m_isMpolygon ? takeInteger(73, closed) && takeInteger(72, bulged)
+                                  : takeInteger(72, bulged) && takeInteger(73, closed);
+  if (!flags || !takeInteger(93, count)) return false;
   std::vector<PNT_3D> points;
   std::vector<double> bulges;
   for (; count > 0; --count) {
@@ -181,7 +217,23 @@ bool HatchReader::readSpline() {
     if (!takeReal(40, spline.knots.back())) return false;
   }
   if (!readControls(spline, noControls, rational != 0)) return false;
+  std::vector<PNT_3D> fits;
+  if (m_in.isTolerant() && !readFits(fits)) return false;
+  if (spline.controls.empty()) spline.createFit(fits);
   return took(m_loop.addSpline(spline));
+}
+
+// The points that newer versions tell the curve was fitted to, with its tangents at the ends. What
+// follows the last edge is counted by the same code: handles are taken along.
+bool HatchReader::readFits(std::vector<PNT_3D>& fits) {
+  long code = m_in.next();
+  if (code == kCount)
+    for (code = m_in.next(); isFit(code) || code == kSource; code = m_in.next()) {
+      if (code == kFitX) fits.emplace_back(m_in.lexer().getDouble(), 0, 0);
+      if (code == kFitY && !fits.empty()) fits.back().y = m_in.lexer().getDouble();
+    }
+  m_in.putBack();
+  return !m_in.failed();
 }
 
 bool HatchReader::readControls(SPLINE_3D& spline, long noControls, bool rational) {
@@ -199,12 +251,12 @@ bool HatchReader::readControls(SPLINE_3D& spline, long noControls, bool rational
 bool HatchReader::skipSources() {
   const long code = m_in.next();
   if (code == 10 || code == 20) m_in.fail(CFileDXFIError::InconsistentRecord);
-  if (code != 97 || m_in.failed()) {
+  if (code != kCount || m_in.failed()) {
     m_in.putBack();
     return !m_in.failed();
   }
   for (long count = m_in.lexer().getInt(); count > 0 && !m_in.failed(); --count)
-    if (!expect(330)) return false;
+    if (!expect(kSource)) return false;
   return !m_in.failed();
 }
 
@@ -220,7 +272,7 @@ PatternRecord HatchReader::patternRecord() const {
   const Record& r = m_in.record();
   PatternRecord pattern;
   pattern.name = r.text(2);
-  pattern.solid = r.integer(70) != 0;
+  pattern.solid = r.integer(m_isMpolygon ? 71 : 70) != 0;
   pattern.crossed = r.integer(77) != 0;
   pattern.kind = r.integer(76, PatternRecord::Predefined);
   if (r.real(41) > 0) pattern.scale = r.real(41);
@@ -229,22 +281,47 @@ PatternRecord HatchReader::patternRecord() const {
   return pattern;
 }
 
-EntPtr HatchReader::build() {
+// Lines are drawn flat: in other planes than the world's, at the height of the first point.
+void HatchReader::placeInWorld() {
+  const PlaneAxes axes(m_in.frame().normal);
+  if (axes.isWorld()) return;
+  const double z = axes.toWorld(m_rings.front().front()).z;
+  for (HATCH_RING& ring : m_rings)
+    for (PNT_3D& pnt : ring) {
+      pnt = axes.toWorld(pnt);
+      pnt.z = z;
+    }
+  if (!axes.isMirrored()) m_in.note("extrusion ignored", u"HATCH");
+}
+
+// What is left of the loops, at the height of the hatch; false when nothing is.
+bool HatchReader::finishRings() {
   const Record& r = m_in.record();
   const long style = r.integer(75);
   if ((style == 1 || style == 2) && !applyHatchStyle(m_rings, static_cast<HatchStyle>(style)))
     m_in.note("hatch islands");
-  if (m_rings.empty()) {
-    m_in.note("hatch dropped");
-    return nullptr;
-  }
+  if (m_rings.empty()) m_in.note("hatch dropped");
   for (HATCH_RING& ring : m_rings)
     for (PNT_3D& pnt : ring) pnt.z = r.real(30);
+  if (!m_rings.empty()) placeInWorld();
+  return !m_rings.empty();
+}
+
+EntPtr HatchReader::build() {
+  const Record& r = m_in.record();
   IFileDXFISemantor& semantor = m_in.context().semantor;
-  const PatternRecord record = patternRecord();
+  PatternRecord record = patternRecord();
+  if (PlaneAxes(m_in.frame().normal).isMirrored()) mirror(record);
   const Pattern pattern = findPattern(record, semantor.getHatchTypeTable());
   return EntPtr(semantor.createHatch(r.layer, r.ltype, r.color, *pattern.type, pattern.scale,
                                      record.angleRad, joinHatchRings(m_rings), r.handle));
+}
+
+std::vector<EntPtr> HatchReader::buildOutlines() {
+  std::vector<EntPtr> outlines;
+  for (const HATCH_RING& ring : m_rings)
+    if (EntPtr outline = buildChain(m_in, ring, true, 0)) outlines.push_back(std::move(outline));
+  return outlines;
 }
 
 }  // namespace vek0::detail

@@ -24,8 +24,12 @@ class HatchReader {
   explicit HatchReader(RecordReader& in) : m_in(in) {}
 
   EntPtr read();
+  /// MPOLYGON: the outlines of its rings, as polylines, and the hatch within, if it has a
+  /// fill. Differs from HATCH in the code that says solid and in the order of a loop's flags.
+  EntPtr readMpolygon();
 
  private:
+  bool readRecord();
   void takeGroup(long code);
   bool expect(long code);
   bool takeReal(long code, double& value);
@@ -43,16 +47,21 @@ class HatchReader {
   bool readEllipse();
   bool readSpline();
   bool readControls(SPLINE_3D& spline, long noControls, bool rational);
+  bool readFits(std::vector<PNT_3D>& fits);
   bool skipSources();
   void readSeeds();
   PatternRecord patternRecord() const;
+  void placeInWorld();
+  bool finishRings();
   EntPtr build();
+  std::vector<EntPtr> buildOutlines();
 
   RecordReader& m_in;
   std::vector<PatternLine> m_lines;
   std::vector<HATCH_RING> m_rings;
   HatchLoopBuilder m_loop;
   bool m_refused = false;                      // an edge of the loop
+  bool m_isMpolygon = false;                   // the current record, else it is HATCH
   std::size_t m_curveRoom = kFileCurvePoints;  // that is left to curves of the file
 };
 

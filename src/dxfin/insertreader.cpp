@@ -17,10 +17,18 @@ void takeExtended(const RecordReader& in, HatchData& data) {
   if (!data.take(in.lexer()) && in.lexer().getGroupValue() == 1001) noteDropped(in);
 }
 
+// A scale of 0 shows nothing and cannot be undone: no program means it.
+double scale(const RecordReader& in, long code) {
+  const double value = in.record().real(code, 1);
+  if (value != 0 || !in.isTolerant()) return value;
+  in.note("number replaced", u"0");
+  return 1;
+}
+
 // The first count and spacing are the columns', the second the rows'.
 CEntInsert* createInsert(RecordReader& in, CBlock& block) {
   const Record& r = in.record();
-  const double sx = r.real(41, 1), sy = r.real(42, 1), sz = r.real(43, 1);
+  const double sx = scale(in, 41), sy = scale(in, 42), sz = scale(in, 43);
   const double rotation = r.real(50) * kRadiansPerDegree;
   const long columns = r.integer(70, 1), rows = r.integer(71, 1);
   if (block.isXRef())
@@ -37,7 +45,10 @@ CEntInsert* createInsert(RecordReader& in, CBlock& block) {
 // of the block in the insert.
 void readAttribs(RecordReader& in, CEntInsertBase& insert) {
   while (!in.lexer().isKeyword("SEQEND")) {
-    if (!in.lexer().isKeyword("ATTRIB")) return in.fail(CFileDXFIError::WrongStructure);
+    if (!in.lexer().isKeyword("ATTRIB")) {
+      if (in.isTolerant()) return in.note("sequence cut", u"INSERT");
+      return in.fail(CFileDXFIError::WrongStructure);
+    }
     std::unique_ptr<CEntAttrib> attrib = readAttrib(in);
     if (!attrib) return;
     TEXT_3D text = attrib->getText();
@@ -102,6 +113,10 @@ EntPtr readInsert(RecordReader& in) {
     if (!block) unknownName = in.lexer().getText();
   };
   if (!in.read(kind, InsertCodes(), 2, take)) return nullptr;
+  if (!block && unknownName.empty() && in.isTolerant()) {
+    in.fail(CFileDXFIError::BlockNotFound);
+    return nullptr;
+  }
   if (!block)
     block = in.context().semantor.createBlockHurried(
         unknownName, hatchData.claimsHatch() ? CBlock::kAnonymous : 0);
@@ -115,7 +130,9 @@ EntPtr readInsert(RecordReader& in) {
     if (in.failed()) return nullptr;
     noteDropped(in);
   }
-  const bool attribsFollow = in.record().integer(66) != 0;
+  const bool attribsFollow = in.isTolerant()
+                                 ? in.lexer().isKeyword("ATTRIB") || in.lexer().isKeyword("SEQEND")
+                                 : in.record().integer(66) != 0;
   std::unique_ptr<CEntInsert> insert = in.built(createInsert(in, *block));
   if (insert && attribsFollow) readAttribs(in, *insert);
   if (in.failed()) return nullptr;

@@ -24,7 +24,11 @@ CFileDXFIResult readDXF(CData& data, IFile& file, CFileDXFIError* err,
     const bool done = parser.load();
     result.version = parser.getVersionName();
     result.encoding = parser.getEncodingName();
-    if (done)
+    result.units = parser.getUnits();
+    result.measurement = parser.getMeasurement();
+    if (parser.isCancelled())
+      result.status = CFileDXFIResult::Cancelled;
+    else if (done)
       result.status = CFileDXFIResult::Done;
     else if (record.HasAnError())
       result.status = CFileDXFIResult::Failed;

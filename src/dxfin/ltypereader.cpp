@@ -1,5 +1,7 @@
 #include "dxfin/ltypereader.h"
 
+#include <utility>
+
 #include "vek0core/drawing/functions.h"
 #include "vek0core/tables/text.h"
 
@@ -25,7 +27,7 @@ struct LtypeReader::Entry {
 void LtypeReader::read() {
   Entry entry;
   for (;;) {
-    const long code = m_context.lexer.read();
+    const long code = next();
     if (failed()) return;
     if (code == 0) return create(entry);
     takePair(code, entry);
@@ -47,9 +49,11 @@ void LtypeReader::takePair(long code, Entry& entry) {
       break;
     case 70:
       entry.flags = lexer.getInt() & ~kReferenced;
+      if (isTolerant() && entry.flags < 0) entry.flags = 0;
       break;
     case 72:
-      if (lexer.getInt() != kAlignment && !failed()) fail(CFileDXFIError::WrongStructure);
+      if (!isTolerant() && lexer.getInt() != kAlignment && !failed())
+        fail(CFileDXFIError::WrongStructure);
       break;
     case 73:
       takeCount(entry);
@@ -63,6 +67,7 @@ void LtypeReader::takePair(long code, Entry& entry) {
 }
 
 void LtypeReader::takeCount(Entry& entry) {
+  if (isTolerant()) return;  // the dashes count themselves
   const long count = m_context.lexer.getInt();
   if (failed()) return;
   if (count < 0 || entry.dashes > 0) return fail(CFileDXFIError::WrongStructure);
@@ -70,7 +75,7 @@ void LtypeReader::takeCount(Entry& entry) {
 }
 
 void LtypeReader::takeDash(Entry& entry) {
-  if (entry.dashes >= entry.announced) return fail(CFileDXFIError::WrongStructure);
+  if (!isTolerant() && entry.dashes >= entry.announced) return fail(CFileDXFIError::WrongStructure);
   const double length = m_context.lexer.getDouble();
   if (failed()) return;
   ++entry.dashes;
@@ -80,7 +85,11 @@ void LtypeReader::takeDash(Entry& entry) {
 void LtypeReader::takeElementType(Entry& entry) {
   const long type = m_context.lexer.getInt();
   if (failed()) return;
-  if (++entry.types > entry.dashes) return fail(CFileDXFIError::WrongStructure);
+  if (++entry.types > entry.dashes && !isTolerant()) return fail(CFileDXFIError::WrongStructure);
+  if (isTolerant()) {
+    if ((type & (kTextDash | kShapeDash)) != 0) takeElement(type, entry);
+    return;
+  }
   switch (type) {
     case kPlainDash:
       break;
@@ -93,6 +102,51 @@ void LtypeReader::takeElementType(Entry& entry) {
     default:
       fail(CFileDXFIError::WrongStructure);
   }
+}
+
+// The parts of an element in whatever order, up to the next one; the first bit of its type,
+// an angle that does not turn with the line, has no place here.
+void LtypeReader::takeElement(long type, Entry& entry) {
+  CTextContext context;
+  context.setWidthScale(1);
+  context.setHeight(1);
+  double x = 0, y = 0;
+  bool taken = true;
+  while (taken && !failed()) {
+    CFileDXFILexer& lexer = m_context.lexer;
+    switch (next()) {
+      case 75:
+      case 340:
+        break;
+      case 46:
+        context.setHeight(lexer.getDouble());
+        break;
+      case 50:
+        context.setRotate(lexer.getDouble() * kRadiansPerDegree);
+        break;
+      case 44:
+        x = lexer.getDouble();
+        break;
+      case 45:
+        y = lexer.getDouble();
+        break;
+      case 9:
+        context.setString(lexer.getText());
+        break;
+      default:
+        taken = false;
+    }
+  }
+  m_putBack = true;
+  if (failed()) return;
+  if ((type & kTextDash) != 0)
+    entry.sequence.AddDashText(TEXT_3D(context, m_context.semantor.getStyleStandard(), x, y, 0, 0));
+  else
+    m_context.note("shape dropped", {});
+}
+
+long LtypeReader::next() {
+  return std::exchange(m_putBack, false) ? m_context.lexer.getGroupValue() : m_context.lexer.read();
 }
 
 // The text's height is the file's scale as it stands; whoever draws it multiplies it
@@ -135,6 +189,9 @@ void LtypeReader::create(Entry& entry) {
   if ((entry.flags & kOfXRef) == 0)
     return semantor.createLtype(entry.name, entry.description, entry.sequence, entry.flags);
   zim::WString xref, local;
+  if (isTolerant() && !scomposeName(entry.name, xref, local))
+    return semantor.createLtype(entry.name, entry.description, entry.sequence,
+                                entry.flags & ~kOfXRef);
   if (!scomposeName(entry.name, xref, local)) return fail(CFileDXFIError::WrongStructure);
   semantor.createLtypeXRef(xref, local, entry.description, entry.sequence, entry.flags);
 }

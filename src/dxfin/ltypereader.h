@@ -25,17 +25,21 @@ class LtypeReader {
   void takeCount(Entry& entry);
   void takeDash(Entry& entry);
   void takeElementType(Entry& entry);
+  void takeElement(long type, Entry& entry);
   void takeText(Entry& entry);
+  long next();
   void skipShape();
   bool expect(long code);
   double expectDouble(long code);
   void create(Entry& entry);
 
+  bool isTolerant() const { return m_context.options.policy.tolerant; }
   bool failed() const { return m_context.err.HasAnError(); }
   void fail(CFileDXFIError::TDXFErrors kind) const { m_context.err.SetError(kind); }
 
   ReadContext m_context;
   bool m_complexDashes;
+  bool m_putBack = false;
 };
 
 }  // namespace vek0::detail

@@ -2,14 +2,15 @@
 
 #include <algorithm>
 
+#include "dxfin/planeplacement.h"
 #include "vek0core/entities/ent3dface.h"
 
 namespace vek0::detail {
 namespace {
 
 // Code 70 of POLYLINE and of LWPOLYLINE.
-constexpr long kClosed = 1, kFitted = 2, kSplined = 4, kMesh = 16, kClosedN = 32, kPolyface = 64,
-               kLtGen = 128;
+constexpr long kClosed = 1, kFitted = 2, kSplined = 4, k3D = 8, kMesh = 16, kClosedN = 32,
+               kPolyface = 64, kLtGen = 128;
 // Code 70 of VERTEX.
 constexpr long kFromFit = 1, kFromSpline = 8, kControl = 16, kMeshVertex = 64, kFaceRecord = 128;
 // Code 75 of POLYLINE.
@@ -29,9 +30,21 @@ long hiddenEdge(const long (&corner)[4]) {
 EntPtr PolylineReader::readPolyline() {
   short type = 0, degree = 0;
   if (!readHead() || !curve(type, degree) || !readVertexes()) return nullptr;
+  placeInWorld();
   if ((m_head.flags & kMesh) != 0) return buildMesh();
   if ((m_head.flags & kPolyface) != 0) return buildPolyface();
   return type == 0 ? buildPlain() : buildCurve(type, degree);
+}
+
+// Of a plane polyline alone the vertices are in the coordinates of its plane.
+void PolylineReader::placeInWorld() {
+  const bool isPlane = (m_head.flags & (k3D | kMesh | kPolyface)) == 0;
+  const PlaneAxes axes(m_in.frame().normal);
+  if (!isPlane || axes.isWorld()) return;
+  const std::size_t count = m_vertexes.size();
+  vek0::detail::placeInWorld(m_vertexes, axes, (m_head.flags & kClosed) != 0);
+  // Only fitted curves have arcs, and flags that matter.
+  if (m_vertexes.size() != count) m_flags.assign(m_vertexes.size(), 0);
 }
 
 bool PolylineReader::readHead() {
@@ -51,8 +64,11 @@ bool PolylineReader::readHead() {
 bool PolylineReader::curve(short& type, short& degree) const {
   const long surface = m_head.surface;
   if (surface != kNoSurface && surface != kQuadratic && surface != kCubic && surface != kBezier) {
-    m_in.fail(CFileDXFIError::OutOfRange);
-    return false;
+    if (!m_in.isTolerant()) {
+      m_in.fail(CFileDXFIError::OutOfRange);
+      return false;
+    }
+    m_in.note("number replaced", u"75");
   }
   if ((m_head.flags & kSplined) != 0) {
     type = surface == kBezier ? CEntPolyline::kBezier : CEntPolyline::kSpline;
@@ -69,6 +85,10 @@ bool PolylineReader::readVertexes() {
   m_faces.clear();
   while (!m_in.lexer().isKeyword("SEQEND")) {
     if (!m_in.lexer().isKeyword("VERTEX")) {
+      if (m_in.isTolerant()) {
+        m_in.note("sequence cut", u"POLYLINE");
+        return true;
+      }
       m_in.fail(CFileDXFIError::WrongStructure);
       return false;
     }
@@ -258,6 +278,7 @@ EntPtr PolylineReader::readLwPolyline() {
     takeLwVertexPair(code);
   };
   if (!m_in.read(kind, {10, 20, 40, 41, 42, 43}, 2, takeOwn) || !finishLwPolyline()) return nullptr;
+  placeInWorld();
   return buildPlain();
 }
 
@@ -267,7 +288,10 @@ void PolylineReader::takeLwVertexPair(long code) {
     m_vertexes.push_back({m_in.lexer().getDouble(), 0, 0, kUnset, kUnset, 0, 0});
     return;
   }
-  if (m_vertexes.empty()) return m_in.fail(CFileDXFIError::InconsistentRecord);
+  if (m_vertexes.empty()) {
+    if (!m_in.isTolerant()) m_in.fail(CFileDXFIError::InconsistentRecord);
+    return;
+  }
   BULGED_VERTEX& vertex = m_vertexes.back();
   switch (code) {
     case 20:
@@ -288,7 +312,7 @@ void PolylineReader::takeLwVertexPair(long code) {
 bool PolylineReader::finishLwPolyline() {
   const Record& r = m_in.record();
   const long count = r.integer(90, static_cast<long>(m_vertexes.size()));
-  if (count < 0 || static_cast<std::size_t>(count) != m_vertexes.size()) {
+  if (!m_in.isTolerant() && (count < 0 || static_cast<std::size_t>(count) != m_vertexes.size())) {
     m_in.fail(CFileDXFIError::InconsistentRecord);
     return false;
   }

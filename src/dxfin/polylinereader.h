@@ -42,6 +42,7 @@ class PolylineReader {
   };
 
   bool readHead();
+  void placeInWorld();
   bool readVertexes();
   bool readVertex();
   void keepFace();

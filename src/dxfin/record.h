@@ -63,6 +63,7 @@ class Record {
   CStyle* style = nullptr;
   long handle = 0;
   short color = 256;
+  PNT_3D extrusion = PNT_3D(0, 0, 1);  ///< normal of the plane that the record is drawn in
 
   /// Starts a record with the linetype that an entity has when it names none.
   void start(CLtype* byLayer) {
@@ -72,6 +73,7 @@ class Record {
     style = nullptr;
     handle = 0;
     color = 256;
+    extrusion.set(0, 0, 1);
   }
 
   void setReal(long code, double value) { m_reals[code] = value; }

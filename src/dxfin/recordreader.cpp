@@ -11,6 +11,7 @@ namespace vek0::detail {
 namespace {
 
 constexpr long kEmbeddedObject = 101;
+constexpr long kExtrusionX = 210, kExtrusionY = 220;
 constexpr long kExtrusionZ = 230;  // 1 exactly when the other two are 0
 
 // Codes that change what an entity is or looks like and that a drawing has no
@@ -47,8 +48,7 @@ CLtype* RecordReader::findByLayer() { return m_byLayer = m_context.semantor.getL
 void RecordReader::take(long code) {
   switch (code) {
     case 5:
-      if (m_context.semantor.shouldRespectHandles()) m_record.handle = lexer().getHex();
-      break;
+      return takeHandle();
     case 6:
       return takeLtype();
     case 7:
@@ -62,6 +62,12 @@ void RecordReader::take(long code) {
       if (code < Record::kReals) return m_record.setReal(code, lexer().getDouble());
       m_record.setInteger(code, lexer().getInt());
   }
+}
+
+void RecordReader::takeHandle() {
+  if (!m_context.semantor.shouldRespectHandles()) return;
+  if (isTolerant() && lexer().getBytes().empty()) return note("number replaced");
+  m_record.handle = lexer().getHex();
 }
 
 void RecordReader::takeLayer() {
@@ -104,14 +110,19 @@ void RecordReader::takeStyle() {
 void RecordReader::takeColor() {
   const long color = lexer().getInt();
   if (failed()) return;
-  if (color < 0 || color > kColorByLayer) return fail(CFileDXFIError::OutOfRange);
+  if (color < 0 || color > kColorByLayer) {
+    if (!isTolerant()) return fail(CFileDXFIError::OutOfRange);
+    return note("color replaced", lexer().getText());
+  }
   m_record.color = static_cast<short>(color);
 }
 
 double RecordReader::width() {
   const double value = lexer().getDouble();
-  if (!failed() && value < 0) fail(CFileDXFIError::OutOfRange);
-  return value;
+  if (failed() || value >= 0) return value;
+  if (!isTolerant()) fail(CFileDXFIError::OutOfRange);
+  note("number replaced", lexer().getText());
+  return 0;
 }
 
 CBlock* RecordReader::findBlock(std::string_view bytes) {
@@ -129,6 +140,11 @@ bool RecordReader::leaveOut(long code) {
   }
   if (isLoss(code)) {
     note("code dropped", decimal(code));
+  } else if (isTolerant() && (code == kExtrusionX || code == kExtrusionY || code == kExtrusionZ)) {
+    const double value = lexer().getDouble();
+    (code == kExtrusionX   ? m_record.extrusion.x
+     : code == kExtrusionY ? m_record.extrusion.y
+                           : m_record.extrusion.z) = value;
   } else if (code == kExtrusionZ && parseDouble(lexer().getBytes()).value != 1) {
     note("extrusion ignored");
   }
@@ -137,13 +153,28 @@ bool RecordReader::leaveOut(long code) {
 
 bool RecordReader::check(const RecordKind& kind, long missingParam) {
   if (failed()) return false;
-  if (!m_record.seen.covers(kind.required)) {
+  static constexpr CodeSet spared{1, 2, 3, 8, 66, 70};
+  if (isTolerant()) supply();
+  const CodeSet have = isTolerant() ? m_record.seen | spared : m_record.seen;
+  if (!have.covers(kind.required)) {
     fail(CFileDXFIError::EntityNotBuilt);
     m_context.err.SetErrorExtraParam(missingParam, m_record.seen.bitsOf(kind.required));
     return false;
   }
   if (!m_record.layer) fail(CFileDXFIError::WrongStructure);
   return !failed();
+}
+
+// The layer of a record without one, and what all of its entity is drawn in.
+void RecordReader::supply() {
+  if (!m_record.layer) {
+    const zim::WString zero(u"0");
+    m_record.layer = m_context.semantor.getLayer(zero);
+    note("layer missing");
+  }
+  if (m_frameTaken) return;
+  m_frameTaken = true;
+  m_frame = {m_record.extrusion, m_record.integer(67) != 0, m_record.integer(60) != 0};
 }
 
 void RecordReader::skip() {

@@ -17,6 +17,9 @@
 
 namespace vek0::detail {
 
+/// Height of texts of dimensions where a file tells none.
+constexpr double kDimensionText = 0.18;
+
 /// What the parser lends to everything that reads records.
 struct ReadContext {
   CFileDXFILexer& lexer;
@@ -24,6 +27,7 @@ struct ReadContext {
   CEntFactory& factory;
   CFileDXFIError& err;
   const CFileDXFIOptions& options;
+  double dimensionText = kDimensionText;  ///< height that the header gives texts of dimensions
 
   /// Adds to the report, if anyone wants one, at the line where the lexer stands.
   void note(const char* code, const zim::WString& sample) const;
@@ -56,7 +60,7 @@ class RecordReader {
   template <class Own = CodeSet, class TakeOwn>
   bool read(const RecordKind& kind, const Own& own, long missingParam, const TakeOwn& takeOwn) {
     m_record.start(m_byLayer ? m_byLayer : findByLayer());
-    const CodeSet wanted = kind.wanted | kCommon;
+    const CodeSet wanted = kind.wanted | (isTolerant() ? kCommonTolerant : kCommon);
     for (;;) {
       const long code = next();
       if (failed()) return false;
@@ -80,10 +84,23 @@ class RecordReader {
     return m_context.lexer.getGroupValue();
   }
   void putBack() { m_putBack = true; }
+  /// What holds for an entity as a whole: its first record tells.
+  struct Frame {
+    PNT_3D normal = PNT_3D(0, 0, 1);  ///< of the plane that it is drawn in
+    bool onPaper = false, isInvisible = false;
+  };
+  /// Begins an entity; tolerant reading asks for its frame afterwards.
+  void begin() {
+    m_frameTaken = false;
+    m_frame = {};
+  }
+  const Frame& frame() const { return m_frame; }
+
   /// Skips the current record.
   void skip();
 
   const Record& record() const { return m_record; }
+  bool isTolerant() const { return m_context.options.policy.tolerant; }
   const ReadContext& context() const { return m_context; }
   CFileDXFILexer& lexer() const { return m_context.lexer; }
   CEntFactory& factory() const { return m_context.factory; }
@@ -118,20 +135,24 @@ class RecordReader {
   std::unordered_set<const CBlock*> hatchBlocks;
 
  private:
-  static constexpr CodeSet kCommon{5, 6, 8, 62};
+  static constexpr CodeSet kCommon{5, 6, 8, 62}, kCommonTolerant{5, 6, 8, 60, 62, 67};
 
   CLtype* findByLayer();
   void take(long code);
+  void takeHandle();
   void takeLayer();
   void takeLtype();
   void takeStyle();
   void takeColor();
   bool leaveOut(long code);
   bool check(const RecordKind& kind, long missingParam);
+  void supply();
 
   ReadContext m_context;
   Record m_record;
   bool m_putBack = false;
+  bool m_frameTaken = false;
+  Frame m_frame;
   CLtype* m_byLayer = nullptr;
   NameCache<CLayer> m_layers;
   NameCache<CLtype> m_ltypes;

@@ -4,14 +4,18 @@
 #include "vek0core/entities/entattdef.h"
 #include "vek0core/entities/entattrib.h"
 #include "vek0core/entities/enttext.h"
+#include "vek0core/tables/style.h"
 #include "vek0core/tables/text.h"
 
 namespace vek0::detail {
 namespace {
 
 constexpr CodeSet kTextCodes{1, 7, 10, 20, 30, 11, 21, 31, 40, 41, 50, 51, 71, 72};
+constexpr CodeSet kTextVital{10, 20};
 constexpr double kPi = 3.14159265358979323846;
 
+// Code 70 of attributes.
+constexpr long kInvisibleAttrib = 1;
 // Code 71.
 constexpr long kBackward = 2, kUpsideDown = 4;
 // Code 72 beyond left, centre and right.
@@ -44,9 +48,15 @@ void stretch(long horizontal, const PNT_3D& from, const PNT_3D& to, TEXT_3D& tex
   text.setContext(context);
 }
 
-CTextContext context(const Record& r, const zim::WString& string) {
+CTextContext context(RecordReader& in, const zim::WString& string) {
+  const Record& r = in.record();
   CTextContext c;
   c.setHeight(r.real(40));
+  if (in.isTolerant() && !(c.getHeight() > 0)) {
+    const double fixed = r.style ? r.style->getFixedHeight() : 0;
+    c.setHeight(c.getHeight() < 0 ? -c.getHeight() : fixed > 0 ? fixed : 1);
+    in.note("number replaced", u"40");
+  }
   c.setWidthScale(r.real(41, 1));
   c.setOblique(r.real(51) * kRadiansPerDegree);
   c.setRotate(r.real(50) * kRadiansPerDegree);
@@ -60,7 +70,7 @@ CTextContext context(const Record& r, const zim::WString& string) {
 TEXT_3D placedText(RecordReader& in, const zim::WString& string, long verticalCode) {
   const Record& r = in.record();
   CStyle* style = r.style ? r.style : in.context().semantor.getStyleStandard();
-  CTextContext c = context(r, string);
+  CTextContext c = context(in, string);
   const long horizontal = r.integer(72), vertical = r.integer(verticalCode);
   const bool stretched = horizontal == kAligned || horizontal == kFit;
   // The second point counts for all but left text on its baseline.
@@ -77,11 +87,15 @@ TEXT_3D placedText(RecordReader& in, const zim::WString& string, long verticalCo
   return text;
 }
 
+bool read(RecordReader& in, const RecordKind& kind) {
+  return in.read(in.isTolerant() ? RecordKind(kind.wanted, kTextVital) : kind);
+}
+
 }  // namespace
 
 EntPtr readText(RecordReader& in) {
   static constexpr RecordKind kind(kTextCodes | CodeSet{73}, {8, 10, 20, 40});
-  if (!in.read(kind)) return nullptr;
+  if (!read(in, kind)) return nullptr;
   const Record& r = in.record();
   return in.built(in.factory().createEntText(in.gestor(), r.layer, r.ltype, r.color,
                                              placedText(in, r.text(1), 73), r.handle));
@@ -90,7 +104,7 @@ EntPtr readText(RecordReader& in) {
 EntPtr readAttdef(RecordReader& in) {
   static constexpr RecordKind kind(kTextCodes | CodeSet{2, 3, 70, 74},
                                    {8, 10, 20, 40, 1, 2, 3, 70});
-  if (!in.read(kind)) return nullptr;
+  if (!read(in, kind)) return nullptr;
   const Record& r = in.record();
   return in.built(in.factory().createEntAttdef(in.gestor(), r.layer, r.ltype, r.color,
                                                placedText(in, r.text(2), 74), r.text(1), r.text(3),
@@ -99,11 +113,12 @@ EntPtr readAttdef(RecordReader& in) {
 
 std::unique_ptr<CEntAttrib> readAttrib(RecordReader& in) {
   static constexpr RecordKind kind(kTextCodes | CodeSet{2, 70, 74}, {8, 10, 20, 40, 1, 2, 70});
-  if (!in.read(kind)) return nullptr;
+  if (!read(in, kind)) return nullptr;
   const Record& r = in.record();
+  const long flags = r.integer(70) | (r.integer(60) != 0 ? kInvisibleAttrib : 0);
   return in.built(in.factory().createEntAttrib(in.gestor(), r.layer, r.ltype, r.color,
-                                               placedText(in, r.text(1), 74), r.text(2),
-                                               r.integer(70), r.handle));
+                                               placedText(in, r.text(1), 74), r.text(2), flags,
+                                               r.handle));
 }
 
 }  // namespace vek0::detail

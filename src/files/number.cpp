@@ -178,6 +178,7 @@ ParsedDouble parseDoubleOf(std::basic_string_view<C> text) {
   // "1.#QNAN", "1.#INF": how some run-time libraries print what is no number.
   if (token.end != end && *token.end == C('#') && token.end[-1] == C('.')) return {0, false};
   ParsedDouble result = valueOf(token);
+  result.whole = token.end == end;
   if (!result.finite) result.value = 0;
   if (negative) result.value = -result.value;
   return result;

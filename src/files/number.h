@@ -14,7 +14,8 @@ namespace vek0::detail {
 /// What `parseDouble` found; `value` is 0 when it is not finite.
 struct ParsedDouble {
   double value;
-  bool finite;  ///< false for "nan", "inf", "1.#QNAN" and their like, and beyond the range
+  bool finite;         ///< false for "nan", "inf", "1.#QNAN" and their like, and beyond the range
+  bool whole = false;  ///< the text is that number and nothing behind it
 };
 
 /// The number at the front of the text, correctly rounded. Leading blanks and one

@@ -266,10 +266,23 @@ bool CTextDecoder::isAutoUtf8(std::string_view bytes) {
   return valid;
 }
 
+// Two bytes of a page of two-byte characters are often valid UTF-8 by chance, three hardly.
+bool CTextDecoder::isUtf8Anyway(std::string_view bytes) const {
+  if (!labelOf(m_page) || !zim::isValidUtf8(bytes)) return false;
+  return m_page == kCodePageUtf8 || upperHalfOf(m_page) ||
+         std::any_of(bytes.begin(), bytes.end(), [](char c) { return byteOf(c) >= 0xE0; });
+}
+
 void CTextDecoder::decode(std::string_view bytes, std::u16string& out) {
   out.reserve(out.size() + bytes.size());
   if (isAscii(bytes)) {
     out.append(bytes.begin(), bytes.end());
+    return;
+  }
+  const bool isUtf8 = m_sense && isUtf8Anyway(bytes);
+  if (m_sense && labelOf(m_page) && isUtf8 != (m_page == kCodePageUtf8)) m_differs = true;
+  if (isUtf8) {
+    decodeUtf8(bytes, out);
   } else if (const UpperHalf* upper = upperHalfOf(m_page)) {
     decodeSingleByte(bytes, *upper, out);
   } else if (m_page == kCodePageUtf8) {

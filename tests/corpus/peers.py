@@ -8,8 +8,8 @@ and then
   - audited by ezdxf, and its entity counts compared with vek0's;
   - read by GDAL, original and copy, whose flattened geometry must lie within 1e-5 of
     each other layer by layer (Hausdorff distance).
-Geometry is compared where a strict reader reads all of it: files that also hold kinds
-that are skipped, mirrored entities or invisible ones are only counted.
+Geometry is compared where nothing has to be replaced: files that also hold other kinds,
+mirrored entities or invisible ones are only counted.
 Prints one line a fault and a summary; fails when there is a fault, exits with 77 when
 no judge is installed.
 """
@@ -99,15 +99,18 @@ def ezdxf_faults(info, before, copy):
     if after is None:
         return ["ezdxf cannot read the copy"]
     faults = [f"ezdxf audit: {text}" for text in after["errors"] if not text.startswith(HARMLESS)][:3]
-    ours = dict(info["entities"])
+    ours = collections.Counter(info["entities"])
     attribs = ours.pop("ATTRIB", 0)
+    ours["INSERT"] += ours.pop("HATCH", 0)  # the form that R12 has for a hatch
+    ours = dict(+ours)
     theirs = {kind: n for kind, n in after["kinds"].items() if kind in KINDS}
     if ours != theirs or attribs != after["attribs"]:
         faults.append(f"copy holds {theirs} and {after['attribs']} attributes, vek0 read {ours}, {attribs}")
-    if before and not {"mesh", "light polyline in R12"} & set(before["odd"]):
+    if before:
         kinds = {k: n for k, n in before["kinds"].items() if k in KINDS}
         differs = {k: (n, ours.get(k, 0)) for k, n in kinds.items() if ours.get(k, 0) != n}
-        if differs:
+        # Odd kinds arrive as others, so only their sum can be short.
+        if sum(ours.values()) < sum(kinds.values()) if before["odd"] else differs:
             faults.append(f"ezdxf sees in the original, vek0 reads: {differs}")
     return faults
 

@@ -122,6 +122,23 @@ TEST(ReadBroken, EveryTruncationGivesAnErrorOrADrawing) {
   EXPECT_TRUE(asserts.failures().empty());
 }
 
+TEST(ReadBroken, EveryTruncationGivesTolerantReadersWhatCameBefore) {
+  const QuietAsserts asserts;
+  const std::string& whole = smallDrawing();
+  const std::size_t firstEntity = whole.find("0\nSECTION") + 10;
+  std::size_t entities = 0;
+  for (std::size_t n = 0; n < whole.size(); ++n) {
+    SCOPED_TRACE(testing::Message() << "first " << n << " bytes");
+    const Loaded got = loadText(whole.substr(0, n), CFileDXFIPolicy::forAnyFile());
+    EXPECT_EQ(got.error.HasAnError(), n < firstEntity);
+    expectConsistent(got);
+    EXPECT_GE(got.data->getEntTable().getEntityTbl().size() + 1, entities) << "but for the one cut";
+    entities = std::max(entities, got.data->getEntTable().getEntityTbl().size());
+  }
+  EXPECT_EQ(entities, 8u);
+  EXPECT_TRUE(asserts.failures().empty());
+}
+
 TEST(ReadBroken, EveryFailingReadIsAnError) {
   const QuietAsserts asserts;
   for (const bool bytes : {true, false}) {
@@ -155,8 +172,8 @@ TEST(ReadBroken, ChangedBytes) {
       constexpr std::string_view bytes = "0123456789-.eE \n\r\tAX|*\x80\xFF\x1A";
       text[random() % text.size()] = bytes[random() % bytes.size()];
     }
-    const Loaded loaded = loadText(text);
-    expectConsistent(loaded);
+    for (const CFileDXFIPolicy& policy : {CFileDXFIPolicy(), CFileDXFIPolicy::forAnyFile()})
+      expectConsistent(loadText(text, policy));
     Loaded twice = loadText(texts[round % 3]);
     importInto(twice, text);
     expectConsistent(twice);

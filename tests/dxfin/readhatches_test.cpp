@@ -82,6 +82,28 @@ TEST(ReadHatches, LoopsBecomeRings) {
   }
 }
 
+// Newer versions tell the points that a curve was fitted to, with the code of the number of
+// sources; with no controls they are the curve.
+TEST(ReadHatches, FittedEdges) {
+  const std::string controls = "95 5|96 3|40 0|40 0|40 1|40 2|40 2|10 0|20 0|10 4|20 0|10 4|20 4",
+                    chord = "72 1|10 4|20 4|11 0|21 0", fits = "11 0|21 0|11 4|21 0|11 4|21 4",
+                    spline = "72 4|94 1|73 0|74 0|", first = "92 1|93 2|" + spline,
+                    last = "92 1|93 2|" + chord + "|" + spline;
+  const auto areaOf = [](const std::string& loop) {
+    const Loaded got = loadText(entitiesOf("AC1015", kHead + "91 1|" + loop + kTail),
+                                CFileDXFIPolicy::forAnyFile());
+    const CEntHatch* hatch = onlyHatch(got);
+    const bool good = hatch && notes(got, "hatch open") == 0;
+    return good ? area(*hatch, hatchRings(hatch->getBoundary()).at(0)) : 0;
+  };
+  EXPECT_NEAR(areaOf(first + controls + "|97 0|" + chord + "|97 1|330 1F"), 8, 1e-9) << "none";
+  EXPECT_NEAR(areaOf(last + controls + "|97 0|97 0"), 8, 1e-9) << "none, last of the loop";
+  EXPECT_NEAR(areaOf(last + controls + "|97 2|330 1E|330 1F"), 8, 1e-9) << "sources alone";
+  EXPECT_NEAR(areaOf(first + controls + "|97 3|" + fits + "|12 1|22 0|13 0|23 1|" + chord), 8,
+              1e-9);
+  EXPECT_GT(areaOf(first + "95 0|96 0|97 3|" + fits + "|" + chord + "|97 0"), 8) << "no controls";
+}
+
 TEST(ReadHatches, StylesLeaveOutInnerLoops) {
   const struct {
     const char* style;

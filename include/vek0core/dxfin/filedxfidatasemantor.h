@@ -114,6 +114,7 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   std::unique_ptr<CBlock> generate(const HATCH_TYPE& type, double scale, double rotate,
                                    const std::vector<PNT_3D>& boundary);
   void dropUnusedHatchBlocks();
+  void dropCircles(CBlock& block, std::list<CEnt*>& entities) const;
   bool repoint(CEntInsertBase& insert);
   void repointInserts();
 

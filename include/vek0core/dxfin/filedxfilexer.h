@@ -60,7 +60,12 @@ class VEK0_API CFileDXFILexer {
   std::string_view getBytes() const { return m_value; }
 
   /// Whether the value is that keyword, which is upper-case ASCII, in any case.
-  bool isKeyword(std::string_view keyword) const;
+  bool isKeyword(std::string_view keyword) const {
+    // Most are asked about in vain, which the first letter tells, unless it is indented.
+    constexpr char caseless = '_', blank = ' ';
+    const char first = m_value.empty() ? blank : m_value.front();
+    return (((first ^ keyword.front()) & caseless) == 0 || first <= blank) && equals(keyword);
+  }
 
   /// The value as text: decoded, escapes and carets replaced.
   zim::WString getText() const;
@@ -81,21 +86,46 @@ class VEK0_API CFileDXFILexer {
   /// a file that is read by lines, whose bytes are not seen here.
   std::string getEncodingName() const;
 
+  /// Reads what is written as the encoding says, whatever the file declares.
+  void fixCodePage(int page);
+  /// Whether a text contradicted what the header declares (`setTolerant` alone looks).
+  bool isEncodingOther() const { return m_decoder.differs(); }
+
+  /// Makes the best of a file: lines that cannot be group codes are left out, keywords may
+  /// be indented, numbers may have a decimal comma or an exponent after a D, texts may be
+  /// UTF-8 against what the header says. The end of the file reads as the pair (0, "EOF");
+  /// a value line that lacks its end is left out then, unless it is that very mark. The
+  /// report is told.
+  void setTolerant();
+  /// Reads nothing more: the file ends here, without a word in the report.
+  void stop() { m_stopped = true; }
+  bool isStopped() const { return m_stopped; }
+
+  /// Whether the file ended without its end mark.
+  bool isCut() const { return m_cut; }
+  /// Whether the file is of the binary form, which is not read.
+  bool isBinary() const { return m_binary; }
+
   /// Where cut values are reported; null, as at first, for nowhere. Borrowed.
   void setReport(CFileReport* report) { m_report = report; }
 
  private:
+  bool equals(std::string_view keyword) const;
   void start();
   bool readLine(std::string_view& line, bool& whole);
   bool readLineOfFile(std::string_view& line, bool& whole);
   bool readCode();
   bool readValue();
   long fail();
+  long endFile();
+  bool passStrayLine(std::string_view line);
+  double repairedDouble() const;
   void finishLongValue(bool whole);
   bool skipRestOfLine();
   void keepValue() const;
   bool isNumberMissing() const;
   void setError(int kind) const;
+  void note(const char* code, std::string_view sample = {}) const;
 
   IFile& m_file;
   CFileDXFIError* m_error;
@@ -103,6 +133,11 @@ class VEK0_API CFileDXFILexer {
   std::shared_ptr<vek0::detail::LineReader> m_lines;  // shared with copies
   bool m_started = false;
   bool m_byBytes = false;  // known once started
+  bool m_tolerant = false;
+  bool m_pageFixed = false;
+  bool m_stopped = false;
+  bool m_cut = false;
+  bool m_binary = false;
   mutable CTextDecoder m_decoder;
 
   long m_line = 0;

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <functional>
+
 #include "vek0core/export.h"
+#include "vek0core/files/textcodec.h"
 
 class CFileReport;
 
@@ -11,6 +14,23 @@ struct CFileDXFIPolicy {
   /// not know, so that its name survives saving. Strict: the font table's default
   /// font stands in, and without one the file is refused (error 18).
   bool keepFontNames = false;
+  /// Read what the rules refuse wherever its meaning is plain, turn entity kinds that a
+  /// drawing has no class for into others that look the same, and let a fault cost no more
+  /// than the record or section that it is in. Every such thing is reported.
+  bool tolerant = false;
+  /// How far chords may leave a curve that a drawing has no class for, as a share of the
+  /// curve's size (see `arcChords`).
+  double chordError = 1e-4;
+
+  /// Read the entities of paper space instead of those of model space (tolerant only).
+  bool paperSpace = false;
+
+  /// What a host that opens files of unknown origin wants.
+  static CFileDXFIPolicy forAnyFile() {
+    CFileDXFIPolicy policy;
+    policy.keepFontNames = policy.tolerant = true;
+    return policy;
+  }
 };
 
 /// How a file is to be read, beyond what file and drawing say.
@@ -19,9 +39,11 @@ struct CFileDXFIPolicy {
 /// replaced or approximated, under these codes. The sample is the name, kind or code
 /// at fault; the line is the last one read by then, 0 for what only the drawing tells.
 ///
+///   line cut              the end of a line that is longer than any text can be
 ///   code dropped          a group code that a drawing has no place for
 ///   extrusion ignored     an entity drawn in a plane other than X, Y
 ///   kind skipped          an entity kind that is not read
+///   kind replaced         an entity kind without a class became others that look the same
 ///   layer undeclared      a layer that no table declared was created
 ///   linetype unknown      an entity's linetype became BYLAYER
 ///   style unknown         a text's style became STANDARD
@@ -31,6 +53,15 @@ struct CFileDXFIPolicy {
 ///   mesh incomplete       faces whose vertices the file does not hold are missing
 ///   arcs straightened     arcs of fitted curves became chords, there were too many
 ///   curve without frame   a curve without control points became a plain polyline
+///   curve as frame        a curve without usable knots became its control polygon
+///   curve coarse          a curve has few chords, there were too many
+///   weights ignored       the weights of a curve's control points are no good
+///   arrow dropped         the arrow head of a leader
+///   text empty            a formatted text that shows nothing
+///   text cut              the end of a formatted text that was too long
+///   text code dropped     a font, spacing or colour within a formatted text
+///   dimension drawn       a dimension without a picture: lines and text as far as told
+///   content dropped       the block at the end of a leader
 ///   hatch empty           a hatch's lines could not be generated; its boundary is kept
 ///   hatch coarse          curves of a boundary have few chords, there were too many
 ///   hatch open            a loop of a hatch was closed by a straight line
@@ -40,7 +71,44 @@ struct CFileDXFIPolicy {
 ///   block undefined       a block that is inserted and never defined is empty
 ///   block kept            the drawing's block won over the file's
 ///   block renamed         an anonymous block of the file took a free name
+///
+/// Tolerant reading adds these:
+///
+///   version unknown       another version than the rules know; read by those of the newest
+///   encoding differs      texts contradict the code page that the header declares
+///   section skipped       a section that a drawing has no place for
+///   file cut              the file ends before its end mark
+///   section cut           likewise a section; the sample is empty
+///   table cut             likewise a table
+///   block cut             likewise a block
+///   sequence cut          vertices or attributes that nothing ends
+///   record skipped        a record where none of its kind belongs
+///   stray line            a line where a group code was due
+///   blank line            likewise, with nothing on it
+///   number repaired       "1,5", "1D2", or text where a number was due
+///   number replaced       a value out of range; the nearest that makes sense stands in
+///   color replaced        a colour out of range: 7 of a layer, BYLAYER of an entity
+///   flags replaced        flags that contradict the rest: read as if they were 0
+///   layer missing         an entity that names no layer lies on layer 0
+///   variable dropped      a header variable whose value is none
+///   entry dropped         a table entry that cannot be understood
+///   entity dropped        likewise an entity
+///   block dropped         likewise a block
+///   entity invisible      an entity that is not to be seen is left out
+///   insert dropped        an insert that would make a block a part of itself
+///   curve as polyline     an arc or circle in a plane other than X, Y
+///   on paper              an entity of the space that is not read
+///   binary file           the file is of the binary form, which is not read
+///   limit reached         more entities than were wanted
 struct CFileDXFIOptions {
   CFileReport* report = nullptr;
-  CFileDXFIPolicy policy;
+  CFileDXFIPolicy policy = {};
+  /// How bytes are taken for text whatever the file says; `kCodePageAuto`: as it says.
+  int codePage = kCodePageAuto;
+  /// Called every thousand entities with the number of lines read; false ends the reading,
+  /// and what was read by then stays.
+  std::function<bool(long)> progress = {};
+  /// Entities, those of blocks included, that are read at most; 0 for all. What follows is
+  /// left out and reported.
+  long maxEntities = 0;
 };

@@ -3,6 +3,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "vek0core/dxfin/filedxfierror.h"
 #include "vek0core/dxfin/filedxfilexer.h"
@@ -11,6 +13,7 @@
 #include "vek0core/export.h"
 #include "zim0lang/wstring.h"
 
+class CLayer;
 class IFile;
 
 namespace vek0::detail {
@@ -53,8 +56,13 @@ class VEK0_API CFileDXFIParser {
   /// is error 1.
   bool load();
 
+  /// Whether the host had enough (`CFileDXFIOptions::progress`).
+  bool isCancelled() const { return m_cancelled; }
   /// `$ACADVER` as the file gives it; empty when there was none.
   const zim::WString& getVersionName() const { return m_versionName; }
+  /// `$INSUNITS` and `$MEASUREMENT`; 0 and -1 when the file does not state them.
+  long getUnits() const { return m_units; }
+  long getMeasurement() const { return m_measurement; }
   /// How the file's bytes were taken for text.
   std::string getEncodingName() const { return m_lexer.getEncodingName(); }
 
@@ -109,6 +117,17 @@ class VEK0_API CFileDXFIParser {
   void takeCurrentItems();
   void readSection();
   void readTable();
+  bool toSection();
+  void readFragment();
+  void addEntity();
+  void readEnd();
+  void nextRecord();
+  void dropVariable(const zim::WString& name);
+  long tableFlags();
+  void createOrdinaryLayer(const LayerEntry& layer, long flags);
+  void settleLayers();
+  bool isBlockCut();
+  bool isTimeToStop();
   void readEntries(std::string_view keyword, ReadEntry readEntry);
   void readLtypeEntry();
   void readLayerEntry();
@@ -125,6 +144,19 @@ class VEK0_API CFileDXFIParser {
   void add(std::unique_ptr<CEnt> ent);
   void skipTo(std::string_view keyword);
 
+  bool isTolerant() const { return m_options.policy.tolerant; }
+  /// Under the tolerant policy, turns the error of a record into a note and goes on to the
+  /// next record; false when there was no error, or one that ends the reading.
+  bool recover(const char* code, const zim::WString& sample);
+  /// The same when the policy is tolerant whether or not there is an error: the current
+  /// record does not belong where it stands.
+  bool passRecord();
+  /// Whether the current record ends the section; one that begins the next, or ends the
+  /// file, does so under the tolerant policy and is left for `nextRecord`.
+  bool atSectionEnd();
+  bool isPending() const { return isKeyword("SECTION") || isKeyword("EOF"); }
+  void note(const char* code, const zim::WString& sample = {}) const;
+
   bool failed() const { return m_err.HasAnError(); }
   void fail(CFileDXFIError::TDXFErrors kind) { m_err.SetError(kind); }
   bool isKeyword(std::string_view keyword) const { return m_lexer.isKeyword(keyword); }
@@ -140,8 +172,16 @@ class VEK0_API CFileDXFIParser {
   IFileDXFISemantor& m_semantor;
   CFileDXFIOptions m_options;
   zim::WString m_curLtype = u"ByLayer", m_curLayer = u"0", m_curStyle = u"Standard";
+  double m_dimText = 0, m_dimScale = 1;  // height of texts of dimensions and its scale
   bool m_blocksMeasured = false;
-  short m_version = 0;  // 0 none seen, 1 R12 ... 4 AC1015
+  bool m_pending = false;  // the current record was left for `nextRecord`
+  bool m_isDrawing = false;
+  bool m_cancelled = false;
+  long m_units = 0, m_measurement = -1;
+  long m_entities = 0;                                        // read so far
+  std::string m_kind;                                         // of the entity being read, as bytes
+  std::vector<std::pair<CLayer*, zim::WString>> m_unsettled;  // layers of unknown linetypes
+  short m_version = 0;                                        // 0 none seen, 1 R12 ... 4 AC1015
   zim::WString m_versionName, m_codePageName;
   CEntFactory& m_factory;
   std::unique_ptr<vek0::detail::CFileDXFIVersionLoader> m_pACADVersionLoader;

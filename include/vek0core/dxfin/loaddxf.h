@@ -25,10 +25,12 @@ VEK0_API void importDXF(CData& data, IFile& file, CFileDXFIError* err);
 
 /// How a reading ended, and what the file says of itself.
 struct CFileDXFIResult {
-  enum Status { Done, NotOpened, Failed };
+  enum Status { Done, NotOpened, Failed, Cancelled };
   Status status = NotOpened;
-  zim::WString version;  ///< `$ACADVER` as written, empty when the file has none
-  std::string encoding;  ///< how bytes were taken for text, as "utf-8" or "windows-1252"
+  zim::WString version;   ///< `$ACADVER` as written, empty when the file has none
+  std::string encoding;   ///< how bytes were taken for text, as "utf-8" or "windows-1252"
+  long units = 0;         ///< `$INSUNITS`: 0 not stated, 1 inches, 4 mm, 5 cm, 6 m, ...
+  long measurement = -1;  ///< `$MEASUREMENT`: 0 imperial, 1 metric; -1 not stated
 };
 
 /// The same with a report and a policy.

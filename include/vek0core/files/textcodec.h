@@ -40,6 +40,11 @@ class VEK0_API CTextDecoder {
   int getPage() const { return m_page; }
   /// A page that is not known counts as `kCodePageAuto`.
   void setPage(int page) { m_page = page; }
+  /// Takes texts that are UTF-8 beyond doubt for that, whatever the page says: valid,
+  /// not just ASCII, and for a page of more than one byte with a sequence of three or more.
+  void setSense(bool on) { m_sense = on; }
+  /// Whether, under sense, a text contradicted the page.
+  bool differs() const { return m_differs; }
 
   /// How texts were decoded so far, as "utf-8", "windows-1252", "ibm850",
   /// "iso-8859-1": under `kCodePageAuto` "windows-1252" once a text was not valid
@@ -59,9 +64,12 @@ class VEK0_API CTextDecoder {
 
  private:
   bool isAutoUtf8(std::string_view bytes);
+  bool isUtf8Anyway(std::string_view bytes) const;
 
   int m_page;
   bool m_sawOther = false;  // under kCodePageAuto: a text that was not UTF-8
+  bool m_sense = false;
+  bool m_differs = false;
 };
 
 /// The text with its escapes replaced: `\U+XXXX` by that unit (pairs of them form

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cmath>
+
+#include "vek0core/geometry/pnt.h"
+
+namespace vek0::detail {
+
+/// The plane that a record is drawn in: its axes follow from the normal by the format's
+/// arbitrary axis rule (DXF reference: X = Y axis of the world cross normal where the
+/// normal is within 1/64 of the Z axis in both x and y, else Z axis cross normal).
+class PlaneAxes {
+ public:
+  /// The normal may have any length; one without, or with numbers that are not finite,
+  /// stands for the Z axis.
+  explicit PlaneAxes(const PNT_3D& normal) {
+    const double length = std::hypot(normal.x, normal.y, normal.z);
+    if (!(length > 0) || !std::isfinite(length)) return;
+    z = PNT_3D(normal.x / length, normal.y / length, normal.z / length);
+    constexpr double limit = 1.0 / 64;
+    const bool steep = std::fabs(z.x) < limit && std::fabs(z.y) < limit;
+    x = unit(steep ? PNT_3D(z.z, 0, -z.x) : PNT_3D(-z.y, z.x, 0));
+    y = PNT_3D(z.y * x.z - z.z * x.y, z.z * x.x - z.x * x.z, z.x * x.y - z.y * x.x);
+  }
+
+  /// Whether plane and world are the same.
+  bool isWorld() const { return z.z == 1; }
+  /// Whether the plane is the world's seen from below: x and z are negated.
+  bool isMirrored() const { return z.z == -1; }
+
+  PNT_3D toWorld(const PNT_3D& p) const {
+    return PNT_3D(p.x * x.x + p.y * y.x + p.z * z.x, p.x * x.y + p.y * y.y + p.z * z.y,
+                  p.x * x.z + p.y * y.z + p.z * z.z);
+  }
+
+  PNT_3D x = PNT_3D(1, 0, 0), y = PNT_3D(0, 1, 0), z = PNT_3D(0, 0, 1);
+
+ private:
+  static PNT_3D unit(const PNT_3D& v) {
+    const double length = std::hypot(v.x, v.y, v.z);
+    return PNT_3D(v.x / length, v.y / length, v.z / length);
+  }
+};
+
+}  // namespace vek0::detail

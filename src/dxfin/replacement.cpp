@@ -1,0 +1,61 @@
+#include "dxfin/replacement.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "vek0core/entities/ent3dface.h"
+#include "vek0core/entities/entpolyline.h"
+
+namespace vek0::detail {
+namespace {
+
+bool isFinite(const PNT_3D& p) {
+  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+}  // namespace
+
+EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, bool closed, long handle) {
+  if (!std::all_of(points.begin(), points.end(), isFinite)) {
+    in.fail(CFileDXFIError::InconsistentRecord);
+    return nullptr;
+  }
+  const Record& r = in.record();
+  auto polyline = in.built(in.factory().createEntPolyline(in.gestor(), r.layer, r.ltype, r.color,
+                                                          closed ? CEntPolyline::kClosed : short{0},
+                                                          0, handle));
+  if (!polyline) return nullptr;
+  std::vector<BULGED_VERTEX> vertexes;
+  vertexes.reserve(points.size());
+  for (const PNT_3D& p : points) vertexes.push_back({p.x, p.y, p.z, 0, 0, 0, 0});
+  polyline->setBulgedVertexes(vertexes.data(), vertexes.size());
+  return polyline;
+}
+
+EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges, long handle) {
+  if (!std::all_of(std::begin(corners), std::end(corners), isFinite)) {
+    in.fail(CFileDXFIError::InconsistentRecord);
+    return nullptr;
+  }
+  const Record& r = in.record();
+  return in.built(in.factory().createEnt3DFace(in.gestor(), r.layer, r.ltype, r.color, corners[0],
+                                               corners[1], corners[2], corners[3], hiddenEdges,
+                                               handle));
+}
+
+EntPtr handOver(RecordReader& in, std::vector<EntPtr> built, const zim::WString& kind) {
+  if (!in.failed() && built.empty()) in.fail(CFileDXFIError::InconsistentRecord);
+  if (in.failed()) return nullptr;
+  in.note("kind replaced", kind);
+  for (std::size_t i = 1; i < built.size(); ++i) in.further.push_back(std::move(built[i]));
+  return std::move(built.front());
+}
+
+void takeCoordinate(RecordReader& in, long axis, std::vector<PNT_3D>& points) {
+  const double value = in.lexer().getDouble();
+  if (axis == 0) return points.emplace_back(value, 0, 0), void();
+  if (points.empty()) return in.fail(CFileDXFIError::InconsistentRecord);
+  (axis == 1 ? points.back().y : points.back().z) = value;
+}
+
+}  // namespace vek0::detail

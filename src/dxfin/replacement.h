@@ -1,0 +1,27 @@
+#pragma once
+
+#include <vector>
+
+#include "dxfin/recordreader.h"
+
+namespace vek0::detail {
+
+// Entities that stand for kinds without a class in a drawing. They look as the current
+// record says. Each function gives null, with an error recorded, when a coordinate is not
+// finite or memory is out.
+
+/// Plain polyline through the points; `closed` adds the segment from the last to the first.
+EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, bool closed, long handle);
+
+/// 3D face; bit i of `hiddenEdges` hides the edge that begins at corner i.
+EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges, long handle);
+
+/// Gives the first as the record's entity and leaves the others, in order, as its further
+/// ones, and notes that `kind` was replaced. Nothing at all is error 20.
+EntPtr handOver(RecordReader& in, std::vector<EntPtr> built, const zim::WString& kind);
+
+/// Takes a coordinate of one of many points: an x begins the next point, y and z complete
+/// the last one. `axis` is 0 for x to 2 for z; error 20 when there is no point yet.
+void takeCoordinate(RecordReader& in, long axis, std::vector<PNT_3D>& points);
+
+}  // namespace vek0::detail

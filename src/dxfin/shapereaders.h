@@ -1,0 +1,18 @@
+#pragma once
+
+#include "dxfin/recordreader.h"
+
+namespace vek0::detail {
+
+// Kinds that a drawing has no class for and that consist of straight edges. Each reader
+// starts on the group 0 of its record.
+
+/// SOLID and TRACE, which are the same: a 3D face.
+EntPtr readSolid(RecordReader& in);
+/// MLINE: polylines along each of the parallel lines, one for each piece that it is cut
+/// into; without the ends, fills and colours of its style.
+EntPtr readMultiline(RecordReader& in);
+/// MESH: the faces before subdivision, as 3D faces.
+EntPtr readSubdivisionMesh(RecordReader& in);
+
+}  // namespace vek0::detail
