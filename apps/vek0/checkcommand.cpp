@@ -16,16 +16,17 @@ struct Options {
 
 void printJson(const std::string& path, const ReadResult& result) {
   const Json line = {
-      {"file",  path               },
-      {"ok",    result.ok()        },
-      {"error", errorToJson(result)}
+      {"file",   path                       },
+      {"ok",     result.ok()                },
+      {"error",  errorToJson(result)        },
+      {"report", reportToJson(result.report)}
   };
   std::printf("%s\n", line.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
 }
 
 void printText(const std::string& path, const ReadResult& result) {
   if (result.ok()) {
-    std::printf("%s: ok\n", path.c_str());
+    std::printf("%s: ok\n%s", path.c_str(), reportToText(result.report).c_str());
   } else {
     std::printf("%s: error %d: %s\n", path.c_str(), static_cast<int>(result.error.GetErrorType()),
                 result.message().c_str());
@@ -36,7 +37,7 @@ void run(const Options& options, Session& session) {
   long failures = 0;
   for (const std::string& path : options.files) {
     const Drawing data = newDrawing();
-    const ReadResult result = loadFile(*data, path, session.quiet);
+    const ReadResult result = loadFile(*data, path, session);
     if (!result.ok()) {
       ++failures;
       session.failed(kDrawingFailed);
@@ -63,7 +64,10 @@ void addCheckCommand(CLI::App& app, Session& session) {
   verb->footer(
       "Examples:\n"
       "  vek0 check *.dxf             one line a file; exit code 1 if any fails\n"
-      "  vek0 check --json a.dxf      {\"file\":\"a.dxf\",\"ok\":true,\"error\":null}");
+      "  vek0 check --json a.dxf      "
+      "{\"file\":\"a.dxf\",\"ok\":true,\"error\":null,\"report\":[]}\n\n"
+      "What was repaired, changed or lost on the way stands behind the line of its file. With\n"
+      "--strict a file that breaks a rule fails.");
   verb->callback([options, &session] { run(*options, session); });
 }
 

@@ -13,9 +13,17 @@ enum ExitCode {
   kOutputFailed = 3,
 };
 
+/// How drawings are read.
+struct ReadOptions {
+  bool strict = false;      ///< an error ends the reading, and nothing is repaired
+  bool paperSpace = false;  ///< the sheets instead of the model
+  int codePage = 0;         ///< of texts whatever the file says; 0: as it says
+};
+
 /// What every command shares. One run of the tool has one.
 struct Session {
   bool quiet = false;
+  ReadOptions reading;
   int exitCode = kAllWell;
 
   /// Keeps the worst code seen.

@@ -29,15 +29,18 @@ const std::string& standardInput() {
 
 using Reader = CFileDXFIResult (*)(CData&, IFile&, CFileDXFIError*, const CFileDXFIOptions&);
 
-ReadResult readWith(Reader reader, CData& data, const std::string& path, bool quiet,
-                    const CFileDXFIPolicy& policy) {
+ReadResult readWith(Reader reader, CData& data, const std::string& path, const Session& session,
+                    bool keepFontNames) {
   ReadResult result;
   std::error_code ignored;
   if (std::filesystem::is_directory(toPath(path), ignored)) return result;
-  const std::unique_ptr<IFile> file = openForReading(path, quiet);
+  const std::unique_ptr<IFile> file = openForReading(path, session.quiet);
   CFileDXFIOptions options;
   options.report = &result.report;
-  options.policy = policy;
+  if (!session.reading.strict) options.policy = CFileDXFIPolicy::forAnyFile();
+  options.policy.paperSpace = session.reading.paperSpace;
+  options.codePage = session.reading.codePage;
+  options.policy.keepFontNames |= keepFontNames;
   result.outcome = reader(data, *file, &result.error, options);
   return result;
 }
@@ -65,13 +68,28 @@ Drawing newDrawing() {
   return Drawing(factory.createData());
 }
 
-ReadResult loadFile(CData& data, const std::string& path, bool quiet,
-                    const CFileDXFIPolicy& policy) {
-  return readWith(loadDXF, data, path, quiet, policy);
+ReadResult loadFile(CData& data, const std::string& path, const Session& session,
+                    bool keepFontNames) {
+  return readWith(loadDXF, data, path, session, keepFontNames);
 }
 
-ReadResult importFile(CData& data, const std::string& path, bool quiet) {
-  return readWith(importDXF, data, path, quiet, {});
+ReadResult importFile(CData& data, const std::string& path, const Session& session) {
+  return readWith(importDXF, data, path, session, false);
+}
+
+void addReadOptions(CLI::App& app, ReadOptions& options) {
+  CLI::Option* strict = app.add_flag("--strict", options.strict,
+                                     "Refuse files that break a rule, skip what has no class here");
+  app.add_flag("--paper-space", options.paperSpace, "Read the sheets instead of the model")
+      ->excludes(strict);
+  app.add_option_function<std::string>(
+         "--encoding",
+         [&options](const std::string& name) { options.codePage = codePageFromName(name); },
+         "Encoding of texts whatever the file says: utf-8, windows-1251, cp932, iso-8859-2 ...")
+      ->check([](const std::string& name) {
+        return codePageFromName(name) == kCodePageAuto ? "'" + name + "' is not a known encoding"
+                                                       : std::string();
+      });
 }
 
 }  // namespace vek0::tool

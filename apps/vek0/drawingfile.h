@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "commands.h"
 #include "vek0core/vek0core.h"
 
 namespace vek0::tool {
@@ -28,12 +29,16 @@ Drawing newDrawing();
 /// `quiet`.
 std::unique_ptr<IFile> openForReading(const std::string& path, bool quiet);
 
-/// Reads `path` ("-": standard input) into an empty drawing, with a progress bar
-/// for people unless `quiet`.
-ReadResult loadFile(CData& data, const std::string& path, bool quiet,
-                    const CFileDXFIPolicy& policy = {});
+/// Reads `path` ("-": standard input) into an empty drawing as the session says, with a
+/// progress bar for people unless it is quiet. Tolerant reading keeps the names of fonts
+/// anyway, strict reading with `keepFontNames`.
+ReadResult loadFile(CData& data, const std::string& path, const Session& session,
+                    bool keepFontNames = false);
 
 /// Merges `path` into a drawing that has content.
-ReadResult importFile(CData& data, const std::string& path, bool quiet);
+ReadResult importFile(CData& data, const std::string& path, const Session& session);
+
+/// Adds the options of reading, which every command shares.
+void addReadOptions(CLI::App& app, ReadOptions& options);
 
 }  // namespace vek0::tool

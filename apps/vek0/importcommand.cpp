@@ -17,17 +17,17 @@ struct Options {
 
 // Importing works in place, so a file that breaks off half way would leave half of
 // itself behind: it is read into a drawing of its own first.
-bool canBeLoaded(const std::string& path, bool quiet, std::string& message) {
+bool canBeLoaded(const std::string& path, const Session& session, std::string& message) {
   const Drawing trial = newDrawing();
-  const ReadResult result = loadFile(*trial, path, quiet);
+  const ReadResult result = loadFile(*trial, path, session);
   message = result.message();
   return result.ok();
 }
 
 void mergeOne(CData& base, const std::string& path, Session& session) {
   std::string message;
-  const bool good = canBeLoaded(path, session.quiet, message);
-  if (good) message = importFile(base, path, session.quiet).message();
+  const bool good = canBeLoaded(path, session, message);
+  if (good) message = importFile(base, path, session).message();
   if (message.empty()) return;
   Session::complain(path + ": " + message + (good ? "" : " It is left out."));
   session.failed(kDrawingFailed);

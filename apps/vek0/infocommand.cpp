@@ -16,7 +16,7 @@ struct Options {
 
 void describe(const std::string& path, const Options& options, Session& session) {
   const Drawing data = newDrawing();
-  const ReadResult result = loadFile(*data, path, session.quiet);
+  const ReadResult result = loadFile(*data, path, session);
   if (!result.ok()) session.failed(kDrawingFailed);
   if (options.json) {
     const std::string line =

@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "commands.h"
+#include "drawingfile.h"
+#include "multibyte.h"
 #include "vek0core/vek0core.h"
 
 namespace vek0::tool {
@@ -63,6 +65,7 @@ int runTool(int argc, char** argv) {
   app.fallthrough();
   Session session;
   app.add_flag("-q,--quiet", session.quiet, "Say nothing but errors");
+  addReadOptions(app, session.reading);
   addInfoCommand(app, session);
   addCheckCommand(app, session);
   addConvertCommand(app, session);
@@ -98,6 +101,7 @@ int runTool(int argc, char** argv) {
 int main(int argc, char** argv) {
   try {
     initCore();
+    setMultiByteDecoder(vek0::tool::decodeMultiByte);
     setAssertHandler(vek0::tool::reportAssertion);
     CFontTable::getInstance().addPlainDefault();
     const int code = vek0::tool::runTool(argc, argv);

@@ -113,9 +113,8 @@ class Renderer {
   void render(const std::string& in, const std::string& out) {
     if (!m_options.splitLayers && !isWritable(out)) return;
     const Drawing data = newDrawing();
-    CFileDXFIPolicy policy;
-    policy.keepFontNames = true;  // it is by its name that a font is found
-    const ReadResult result = loadFile(*data, in, m_session.quiet, policy);
+    // It is by its name that a font is found.
+    const ReadResult result = loadFile(*data, in, m_session, true);
     if (!result.ok()) return fail(kDrawingFailed, in + ": " + result.message());
     reportLosses(in, result.report);
     m_fonts.adopt(*data);

@@ -48,11 +48,14 @@ void rewrite(const std::string& in, const std::string& out, const SaveOptions& o
     return session.failed(kOutputFailed);
   }
   const Drawing data = newDrawing();
-  const ReadResult result = loadFile(*data, in, session.quiet);
+  const ReadResult result = loadFile(*data, in, session);
   if (!result.ok()) {
     Session::complain(in + ": " + result.message());
     return session.failed(kDrawingFailed);
   }
+  const std::string losses = lossesToText(result.report);
+  if (!session.quiet && !losses.empty())
+    Session::complain(in + ": what is written will lack or change:\n" + losses);
   if (change(*data)) save(*data, output, options, session);
 }
 

@@ -104,6 +104,20 @@ Json blocksToJson(const CData& data) {
   return blocks;
 }
 
+// The drawing unit by name; null when the file does not state it, or states what is unknown.
+Json unitsOf(const ReadResult& result) {
+  constexpr std::array<const char*, 21> names = {
+      "",         "in", "ft", "mi", "mm",  "cm", "m",  "km", "microinch", "mil", "yd",
+      "angstrom", "nm", "um", "dm", "dam", "hm", "Gm", "au", "ly",        "pc"};
+  const long units = result.outcome.units;
+  if (units <= 0 || units >= static_cast<long>(names.size())) return nullptr;
+  return names[static_cast<std::size_t>(units)];
+}
+
+Json metricOf(const ReadResult& result) {
+  return result.outcome.measurement < 0 ? Json() : Json(result.outcome.measurement == 1);
+}
+
 // One "name: a, b, c" line, broken off after a screenful of names.
 std::string listLine(const char* title, const std::vector<std::string>& names) {
   constexpr std::size_t kShown = 20;
@@ -168,6 +182,28 @@ std::string variableLines(const CData& data) {
   return text;
 }
 
+std::string linesOf(const CFileReport& report, ReportSeverity least) {
+  std::string text;
+  for (const auto& entry : report.entries()) {
+    const ReportSeverity severity = severityOf(entry.code);
+    if (severity < least) continue;
+    text += "    " + std::string(nameOf(severity)) + ": " + entry.code;
+    if (!entry.sample.empty()) text += " '" + entry.sample.toUtf8() + "'";
+    text += " (" + std::to_string(entry.count) + (entry.count == 1 ? " time" : " times");
+    if (entry.firstLine > 0) text += ", first at line " + std::to_string(entry.firstLine);
+    text += ")\n";
+  }
+  return text;
+}
+
+std::string unitsText(const ReadResult& result) {
+  const Json units = unitsOf(result), metric = metricOf(result);
+  std::string text;
+  if (!units.is_null()) text += ", units: " + units.get<std::string>();
+  if (!metric.is_null()) text += metric.get<bool>() ? ", metric" : ", imperial";
+  return text;
+}
+
 }  // namespace
 
 EntityCounts::EntityCounts(CData& data) {
@@ -207,13 +243,30 @@ Json errorToJson(const ReadResult& result) {
   };
 }
 
+Json reportToJson(const CFileReport& report) {
+  Json entries = Json::array();
+  for (const auto& entry : report.entries()) {
+    entries.push_back({
+        {"code",     entry.code                                          },
+        {"severity", nameOf(severityOf(entry.code))                      },
+        {"count",    entry.count                                         },
+        {"line",     entry.firstLine > 0 ? Json(entry.firstLine) : Json()},
+        {"sample",   entry.sample.toUtf8()                               }
+    });
+  }
+  return entries;
+}
+
 Json summaryToJson(const std::string& path, CData& data, const ReadResult& result) {
   return Json{
       {"file",      path                           },
       {"ok",        result.ok()                    },
       {"version",   result.outcome.version.toUtf8()},
       {"encoding",  result.outcome.encoding        },
+      {"units",     unitsOf(result)                },
+      {"metric",    metricOf(result)               },
       {"error",     errorToJson(result)            },
+      {"report",    reportToJson(result.report)    },
       {"layers",    layersToJson(data)             },
       {"linetypes", ltypesToJson(data)             },
       {"styles",    stylesToJson(data)             },
@@ -226,7 +279,7 @@ Json summaryToJson(const std::string& path, CData& data, const ReadResult& resul
 std::string summaryToText(const std::string& path, CData& data, const ReadResult& result) {
   const std::string version = result.outcome.version.toUtf8();
   std::string text = path + "\n  version: " + (version.empty() ? "not stated" : version) +
-                     ", encoding: " + result.outcome.encoding + "\n";
+                     ", encoding: " + result.outcome.encoding + unitsText(result) + "\n";
   text += layerLines(layersToJson(data));
   text += listLine("linetypes", namesIn(ltypesToJson(data)));
   text += listLine("text styles", namesIn(stylesToJson(data)));
@@ -237,16 +290,12 @@ std::string summaryToText(const std::string& path, CData& data, const ReadResult
   return text;
 }
 
+std::string lossesToText(const CFileReport& report) {
+  return linesOf(report, ReportSeverity::Change);
+}
+
 std::string reportToText(const CFileReport& report) {
-  std::string text;
-  for (const auto& entry : report.entries()) {
-    text += "    " + std::string(entry.code);
-    if (!entry.sample.empty()) text += ": " + entry.sample.toUtf8();
-    text += " (" + std::to_string(entry.count) + (entry.count == 1 ? " time" : " times");
-    if (entry.firstLine > 0) text += ", first at line " + std::to_string(entry.firstLine);
-    text += ")\n";
-  }
-  return text;
+  return linesOf(report, ReportSeverity::Note);
 }
 
 }  // namespace vek0::tool

@@ -33,13 +33,19 @@ class EntityCounts {
 /// opened has kind 0.
 Json errorToJson(const ReadResult& result);
 
+/// [{"code", "severity", "count", "line", "sample"}, ...] in the order of the file; line
+/// null for what only the whole file tells.
+Json reportToJson(const CFileReport& report);
+
 /// Everything `vek0 info --json` prints of one file.
 Json summaryToJson(const std::string& path, CData& data, const ReadResult& result);
 
 /// The same for people, several lines, with the variables and what was skipped.
 std::string summaryToText(const std::string& path, CData& data, const ReadResult& result);
 
-/// "  skipped-entity: MTEXT (3 times, first at line 120)" for each report entry.
+/// "    loss: kind skipped 'MTEXT' (3 times, first at line 120)" for each report entry.
 std::string reportToText(const CFileReport& report);
+/// The same of what a drawing lacks that is in the file, or holds as another thing.
+std::string lossesToText(const CFileReport& report);
 
 }  // namespace vek0::tool

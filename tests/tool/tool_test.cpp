@@ -62,17 +62,53 @@ TEST_F(Tool, InfoForPeopleNamesWhatCounts) {
 }
 
 TEST_F(Tool, CheckGoesOnAfterAFailureAndSaysWhere) {
-  write("broken.dxf", kBroken);
+  write("broken.dxf", kOdd);
   write("good.dxf", kOneLine);
-  const Outcome got = run("check broken.dxf missing.dxf good.dxf");
+  const Outcome got = run("check --strict broken.dxf missing.dxf good.dxf");
   EXPECT_EQ(got.code, 1);
   EXPECT_NE(got.out.find("broken.dxf: error 16"), std::string::npos) << got.out;
   EXPECT_NE(got.out.find("missing.dxf: error 0"), std::string::npos) << got.out;
   EXPECT_NE(got.out.find("good.dxf: ok"), std::string::npos) << got.out;
-  const Json line = Json::parse(run("check --json broken.dxf").out);
+  const Json line = Json::parse(run("check --strict --json broken.dxf").out);
   EXPECT_EQ(line["ok"], false);
   EXPECT_EQ(line["error"]["kind"], 16);
   EXPECT_EQ(line["error"]["line"], 12);
+}
+
+TEST_F(Tool, TellsWhatReadingLostAndRepaired) {
+  write("odd.dxf", kOdd);
+  const Json line = Json::parse(run("check --json odd.dxf").out);
+  EXPECT_EQ(line["ok"], true);
+  ASSERT_EQ(line["report"].size(), 2u) << line.dump();
+  EXPECT_EQ(line["report"][0]["code"], "entity dropped");
+  EXPECT_EQ(line["report"][0]["severity"], "loss");
+  EXPECT_EQ(line["report"][0]["sample"], "LINE");
+  EXPECT_EQ(line["report"][0]["line"], 12);
+  EXPECT_EQ(line["report"][1]["severity"], "change");
+  const Outcome converted = run("convert odd.dxf out.dxf");
+  EXPECT_EQ(converted.code, 0);
+  EXPECT_NE(converted.err.find("loss: entity dropped 'LINE' (1 time, first at line 12)"),
+            std::string::npos)
+      << converted.err;
+  EXPECT_EQ(Json::parse(run("info --json out.dxf").out)["entities"]["3DFACE"], 1);
+  EXPECT_EQ(run("convert -q odd.dxf two.dxf").err, "");
+  EXPECT_EQ(run("convert --strict odd.dxf three.dxf").code, 1);
+  EXPECT_FALSE(fs::exists(path("three.dxf")));
+}
+
+TEST_F(Tool, ReadsEncodingsAndUnitsAsTold) {
+  const std::string page = "\xC4\xE3\xBA\xC3";  // "hello" in Chinese, under code page 936
+  write("a.dxf",
+        "0\nSECTION\n2\nHEADER\n9\n$DWGCODEPAGE\n3\nANSI_1252\n9\n$INSUNITS\n70\n4\n0\nENDSEC\n"
+        "0\nSECTION\n2\nENTITIES\n0\nPOINT\n8\n" +
+            page + "\n10\n0\n20\n0\n0\nENDSEC\n0\nEOF\n");
+  const auto layer = [&](const std::string& options) {
+    return Json::parse(run("info --json a.dxf" + options).out)["layers"].back()["name"];
+  };
+  EXPECT_EQ(layer(""), "\xC3\x84\xC3\xA3\xC2\xBA\xC3\x83") << "as declared";
+  EXPECT_EQ(layer(" --encoding gbk"), "\xE4\xBD\xA0\xE5\xA5\xBD");
+  EXPECT_EQ(run("info a.dxf --encoding klingon").code, 2);
+  EXPECT_EQ(Json::parse(run("info --json a.dxf").out)["units"], "mm");
 }
 
 TEST_F(Tool, ExitCodes) {
@@ -267,7 +303,7 @@ TEST_F(Tool, LinetypesListsWhatAFileDefines) {
 
   const Outcome text = run("linetypes pipes.lin");
   EXPECT_EQ(text.code, 0);
-  for (const char* word : {"2 linetypes", "DRAIN", "2.0 -1.0", "\"GAS\"", "shape-left-out: BOX"}) {
+  for (const char* word : {"2 linetypes", "DRAIN", "2.0 -1.0", "\"GAS\"", "shape-left-out 'BOX'"}) {
     EXPECT_NE(text.out.find(word), std::string::npos) << word;
   }
 }

@@ -61,6 +61,10 @@ class Tool : public testing::Test {
   fs::path m_folder;
 };
 
-const char* const kBroken = "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n10\n1\n0\nENDSEC\n0\nEOF\n";
+const char* const kBroken = "This is no drawing.\n";
+// A line without an end, and a curve: what a strict reader refuses and skips.
+const char* const kOdd =
+    "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n10\n1\n0\nSOLID\n8\n0\n10\n0\n20\n0\n11\n1\n21\n0\n"
+    "12\n0\n22\n1\n13\n1\n23\n1\n0\nENDSEC\n0\nEOF\n";
 const char* const kOneLine =
     "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\nA\n10\n1\n20\n2\n11\n4\n21\n6\n0\nENDSEC\n0\nEOF\n";

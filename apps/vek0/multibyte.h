@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace vek0::tool {
+
+/// Decodes the East Asian code pages by the system's converter; see `MultiByteDecoder`.
+/// Bytes that mean nothing become U+FFFD.
+bool decodeMultiByte(int page, std::string_view bytes, std::u16string& out);
+
+}  // namespace vek0::tool
