@@ -7,7 +7,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (int round = 0; round < 2; ++round) {
     CFileMemory file(u"fuzz.dxf", 1, vek0::fuzz::bytes(data, size));
     CFileDXFIError error;
-    importDXF(*drawing, file, &error);
+    CFileReport report;
+    importDXF(*drawing, file, &error, vek0::fuzz::options(report));
   }
   drawing->getEntTable().getBdry();
   return 0;

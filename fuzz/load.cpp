@@ -5,7 +5,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto drawing = vek0::fuzz::newDrawing();
   CFileMemory file(u"fuzz.dxf", 1, vek0::fuzz::bytes(data, size));
   CFileDXFIError error;
-  loadDXF(*drawing, file, &error);
+  CFileReport report;
+  loadDXF(*drawing, file, &error, vek0::fuzz::options(report));
   drawing->getEntTable().getBdry();
   return 0;
 }

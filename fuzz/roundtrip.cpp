@@ -17,7 +17,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto drawing = vek0::fuzz::newDrawing();
   CFileMemory file(u"fuzz.dxf", 1, vek0::fuzz::bytes(data, size));
   CFileDXFIError error;
-  loadDXF(*drawing, file, &error);
+  CFileReport report;
+  loadDXF(*drawing, file, &error, vek0::fuzz::options(report));
   for (const unsigned flags : {0u, 16u}) {
     const std::string first = saved(*drawing, flags);
     if (first.empty()) continue;

@@ -18,6 +18,16 @@ inline Drawing newDrawing() {
   return Drawing(CDataFactory().createData());
 }
 
+/// How the target reads: as the strict reader does, or, built with VEK0_FUZZ_TOLERANT,
+/// as the one that makes the best of any file.
+inline CFileDXFIOptions options(CFileReport& report) {
+#ifdef VEK0_FUZZ_TOLERANT
+  return {&report, CFileDXFIPolicy::forAnyFile()};
+#else
+  return {&report};
+#endif
+}
+
 inline std::string bytes(const std::uint8_t* data, std::size_t size) {
   return std::string(reinterpret_cast<const char*>(data), size);
 }
