@@ -138,6 +138,8 @@ void CBlock::remove(CEnt* ent) {
   invalidateBdry();
 }
 
+bool CBlock::isHeld(const CEnt* ent) { return ent->m_owner != nullptr; }
+
 bool CBlock::isXRef() const { return false; }
 
 void CBlock::calcBdry() {
@@ -369,6 +371,7 @@ CBlockMemento::CBlockMemento(const CBlock& block)
 CBlockMemento::~CBlockMemento() = default;
 
 void CBlockMemento::destroyEntity() {
+  std::erase_if(m_entities, CBlock::isHeld);
   for (const CEnt* ent : m_entities) delete ent;
   m_entities.clear();
 }

@@ -103,7 +103,7 @@ CEnt* CEntHatch::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFac
 }
 
 void CEntHatch::setMemento(CData& data, const IEntDerivedMemento* memento) {
-  const auto* state = dynamic_cast<const CEntHatchMemento*>(memento);
+  const auto* state = vek0::detail::mementoOf<CEntHatch, CEntHatchMemento>(memento);
   if (!state) return;
   if (!state->showsSameBlock(*this)) return restoreLines(data, *state);
   m_scale = state->m_scale;

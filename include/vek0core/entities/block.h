@@ -137,6 +137,7 @@ class VEK0_API CBlock : public CNamedItem {
   class BdryWalk;
 
   static std::uint64_t nextSerial();
+  static bool isHeld(const CEnt* ent);
   CEnt* at(std::size_t i) const;
   std::size_t firstRaw(std::size_t from) const;
   void compact() const;
@@ -213,8 +214,9 @@ class VEK0_API CBlockMemento {
   bool operator==(const CBlock& block) const { return block == *this; }
   bool operator!=(const CBlock& block) const { return block != *this; }
 
-  /// Deletes every entity of the list: for discarding the undo of a redefinition, or
-  /// of a block's creation. The entities must be in no block any more.
+  /// Deletes the entities of the list that no block and no table holds: for discarding
+  /// the undo of a redefinition, or of a block's creation. While the block still has
+  /// them, nothing happens.
   void destroyEntity();
 
  private:

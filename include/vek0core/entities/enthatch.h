@@ -105,6 +105,7 @@ class VEK0_API CEntHatchMemento final : public IEntDerivedMemento {
 
   bool operator==(const CEnt& ent) const override;
   std::size_t size() const override;
+  short getType() const override { return CEntHatch::kType; }
 
  private:
   friend class CEntHatch;

@@ -65,7 +65,8 @@ class VEK0_API CEntPolyline : public CEnt {
   using CEnt::setMemento;
   /// Restores shape and vertices. With the vertex count of the memento the present
   /// vertex objects are kept and reset by position; otherwise those that the memento
-  /// names are reused, missing ones are made, the others are deleted.
+  /// names are reused, missing ones are made with the handles that they had (and 0 where
+  /// a manager books handles), the others are deleted.
   void setMemento(CData& data, const IEntDerivedMemento* memento) override;
   short getType() const override { return kType; }
   /// Box of the visible vertices, or of the outline when the polyline is wide;
@@ -234,7 +235,11 @@ class VEK0_API CEntPolyline : public CEnt {
     double bulge;
     bool operator==(const ArcRun&) const = default;
   };
-  using MementoEntry = std::pair<CVertex*, CVertexMemento>;
+  struct MementoEntry {
+    CVertex* vertex;  // compared by address only
+    long handle;
+    CVertexMemento values;
+  };
 
   CEntPolyline(const CEntPolyline& src, long handle);  // all but the vertex objects
   CEntPolyline(const CEnt& src, long handle);          // the part that all kinds have
@@ -280,7 +285,7 @@ class VEK0_API CEntPolyline : public CEnt {
 };
 
 /// Undo snapshot of a polyline: extents, shape and, for every vertex in order, the
-/// vertex object and what it held. The vertex objects are only compared by address,
+/// vertex object, its handle and what it held. The vertex objects are only compared by address,
 /// so they may be deleted meanwhile. A packed polyline's snapshot is packed too.
 class VEK0_API CEntPolylineMemento final : public IEntDerivedMemento {
  public:
@@ -288,6 +293,7 @@ class VEK0_API CEntPolylineMemento final : public IEntDerivedMemento {
 
   bool operator==(const CEnt& ent) const override;
   std::size_t size() const override;
+  short getType() const override { return CEntPolyline::kType; }
 
  private:
   friend class CEntPolyline;
