@@ -86,6 +86,14 @@ bool CEntHatch::show(CBlockTable& table, std::unique_ptr<CBlock>& fresh, double 
   return true;
 }
 
+void CEntHatch::setShown(CBlock* block, double scale, double rotate, const HATCH_TYPE& type) {
+  replaceBlock(block);
+  m_scale = scale;
+  m_rotate = rotate;
+  m_type = &type;
+  calcBdry();
+}
+
 CEnt* CEntHatch::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
                        CBlockTable& blockTable, long handle) const {
   std::unique_ptr<CBlock> block(blockFactory.create({}, PNT_3D(0, 0, 0), CBlock::kAnonymous));

@@ -1,6 +1,7 @@
 #include "vek0core/entities/entpolyline.h"
 
 #include <algorithm>
+#include <cmath>
 #include <new>
 #include <unordered_set>
 
@@ -297,6 +298,21 @@ void CEntPolyline::SetVertexWidth(int i, double widthStart, double widthEnd) {
 void CEntPolyline::translate(const PNT_3D& delta) {
   m_packed.translate(delta);
   for (CVertex* vertex : m_vertexes) vertex->getPnt().move(delta);
+}
+
+// Bulges are ratios: turning and scaling change neither them nor the number of chords.
+void CEntPolyline::rotate(const PNT_3D& centre, double angleRad) {
+  m_packed.rotate(centre, angleRad);
+  for (CVertex* vertex : m_vertexes) vertex->getPnt().rotate(centre, angleRad);
+}
+
+void CEntPolyline::scale(const PNT_3D& centre, double factor) {
+  m_packed.scale(centre, factor);
+  for (CVertex* vertex : m_vertexes) {
+    vertex->getPnt().scale(centre, factor);
+    vertex->SetWidthStart(vertex->GetWidthStart() * std::fabs(factor));
+    vertex->SetWidthEnd(vertex->GetWidthEnd() * std::fabs(factor));
+  }
 }
 
 bool CEntPolyline::isWide() const {

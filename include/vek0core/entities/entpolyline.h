@@ -119,6 +119,11 @@ class VEK0_API CEntPolyline : public CEnt {
   /// Adds `delta` to every vertex, control points included, without refreshing the
   /// extents; arcs stay arcs, and a packed polyline stays packed.
   void translate(const PNT_3D& delta);
+  /// Turns every vertex about the vertical axis through `centre`, likewise.
+  void rotate(const PNT_3D& centre, double angleRad);
+  /// Scales every vertex about `centre` and the widths by the factor's magnitude,
+  /// likewise. A negative factor is half a turn, which leaves bulges as they are.
+  void scale(const PNT_3D& centre, double factor);
 
   /// Whether a visible vertex has a width other than 0; control points do not count.
   bool isWide() const;
