@@ -374,7 +374,9 @@ void AttribsMemento::replaceAll(CData& data, CEntInsertBase& insert) const {
   // Everything that can run out of memory comes before the first change.
   std::vector<std::unique_ptr<CEntAttrib>> restored;
   for (const Entry& entry : m_attribs) {
-    const bool reuse = present.count(entry.attrib) != 0;
+    // Another one may have come to stand at the address of one that was deleted.
+    const auto found = present.find(entry.attrib);
+    const bool reuse = found != present.end() && found->first->GetHandle() == entry.handle;
     restored.push_back(reuse ? nullptr : remake(data, entry));
     if (!reuse && !restored.back()) return;
   }

@@ -635,12 +635,10 @@ void CEntPolyline::setMemento(CData& data, const IEntDerivedMemento* memento) {
   } else {
     unpack();
     const auto entries = state.entries();
-    if (entries.size() == m_vertexes.size()) {
-      for (std::size_t i = 0; i < entries.size(); ++i)
-        m_vertexes[i]->setMemento(&entries[i].values);
-    } else {
+    if (entries.size() != m_vertexes.size())
       replaceVertexes(data.getHandleGestor(), data.getEntFactory(), entries);
-    }
+    for (std::size_t i = 0; i < entries.size(); ++i)
+      resetVertex(*m_vertexes[i], entries[i], data.getHandleGestor().handling());
     m_runs = state.arcRuns();
   }
   m_firstVisible = state.m_firstVisible;
@@ -649,6 +647,13 @@ void CEntPolyline::setMemento(CData& data, const IEntDerivedMemento* memento) {
   m_maybeWide = state.m_maybeWide;
   m_packed.setClosed(isClosed());
   setBdry(state.m_bdry);
+}
+
+// A booked handle stays with its vertex. Others go with the place: among as many vertices
+// as before there may be different ones.
+void CEntPolyline::resetVertex(CVertex& vertex, const MementoEntry& entry, bool isBooked) {
+  if (!isBooked) vertex = CVertex(vertex, entry.handle);
+  vertex.setMemento(&entry.values);
 }
 
 void CEntPolyline::replaceVertexes(IHandleGestor& gestor, CEntFactory& factory,
@@ -661,11 +666,9 @@ void CEntPolyline::replaceVertexes(IHandleGestor& gestor, CEntFactory& factory,
   for (const MementoEntry& entry : entries) {
     CVertex* vertex = entry.vertex;
     if (aside.erase(vertex) == 0) {
-      const long handle = gestor.handling() ? 0 : entry.handle;
-      vertex = orThrow(factory.createVertex(gestor, PNT_3D(0, 0, 0), 0, 0, handle));
+      vertex = orThrow(factory.createVertex(gestor, PNT_3D(0, 0, 0), 0, 0, 0));
       made.emplace_back(vertex);
     }
-    vertex->setMemento(&entry.values);
     list.push_back(vertex);
   }
   for (auto& vertex : made) static_cast<void>(vertex.release());

@@ -91,7 +91,7 @@ class RandomEditor {
                           m_handle++);
   }
   const HATCH_TYPE& pattern() {
-    return *CHatchCatalogue::getInstance().getHatchType(number(2) == 0 ? u"ANSI31" : u"ANSI37");
+    return *getHatch(zim::WString(number(2) == 0 ? u"ANSI31" : u"ANSI37"));
   }
   CEnt* newEntity() {
     switch (number(10)) {

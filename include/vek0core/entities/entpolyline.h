@@ -65,8 +65,8 @@ class VEK0_API CEntPolyline : public CEnt {
   using CEnt::setMemento;
   /// Restores shape and vertices. With the vertex count of the memento the present
   /// vertex objects are kept and reset by position; otherwise those that the memento
-  /// names are reused, missing ones are made with the handles that they had (and 0 where
-  /// a manager books handles), the others are deleted.
+  /// names are reused, missing ones are made, the others are deleted. Handles come back
+  /// too, unless a manager books them.
   void setMemento(CData& data, const IEntDerivedMemento* memento) override;
   short getType() const override { return kType; }
   /// Box of the visible vertices, or of the outline when the polyline is wide;
@@ -272,6 +272,7 @@ class VEK0_API CEntPolyline : public CEnt {
   vek0::detail::BulgedChain curveChain() const;
   void emptyBdry();
   void setClosed(IHandleGestor& gestor, CEntFactory& factory, bool closed, bool handles);
+  static void resetVertex(CVertex& vertex, const MementoEntry& entry, bool isBooked);
   void replaceVertexes(IHandleGestor& gestor, CEntFactory& factory,
                        const std::vector<MementoEntry>& entries);
 
