@@ -25,6 +25,14 @@ std::size_t bytesOf(const CBlock& block) { return kItemBytes + block.size() * kE
 
 std::size_t bytesOf(const CNamedItem&) { return kItemBytes; }
 
+void countTexts(const CLtype& ltype, bool on) {
+  for (int i = 0; i < ltype.getNoDashes(); ++i) {
+    const TEXT_3D* text = ltype[i]->GetText();
+    CStyle* style = text != nullptr ? text->getStyle() : nullptr;
+    if (style != nullptr) on ? style->addDash() : style->decDash();
+  }
+}
+
 void EntMembership::take(CData& data) {
   CEntTable& table = data.getEntTable();
   m_place = table.getPlace(*m_item);

@@ -35,6 +35,7 @@ class Membership : public UndoAction {
   Membership(Item& item, bool isIn) : m_item(&item), m_isIn(isIn) {}
   virtual void take(CData& data) = 0;
   virtual void put(CData& data) = 0;
+  bool isIn() const { return m_isIn; }
 
   Item* m_item;
 
@@ -70,20 +71,31 @@ class BlockEntMembership final : public Membership<CEnt> {
   std::optional<CBlock::Place> m_place;
 };
 
+/// The texts of a linetype count on their styles as long as they exist. Those of one that
+/// is out of the drawing shall not, except while it is destroyed.
+void countTexts(const CLtype& ltype, bool on);
+inline void countTexts(const CNamedItem&, bool) {}
+
 /// An item of a table.
 template <class Table, class Item>
 class ItemMembership final : public Membership<Item> {
  public:
   ItemMembership(Table& table, Item& item, bool isIn)
       : Membership<Item>(item, isIn), m_table(table) {}
+  ~ItemMembership() override {
+    if (!this->isIn() && m_place) countTexts(*this->m_item, true);
+  }
 
  private:
   void take(CData&) override {
     m_place = m_table.getPlace(*this->m_item);
     m_table.remove(this->m_item);
+    countTexts(*this->m_item, false);
   }
   void put(CData&) override {
-    m_place ? m_table.restore(this->m_item, *m_place) : m_table.add(this->m_item);
+    if (!m_place) return m_table.add(this->m_item);
+    countTexts(*this->m_item, true);
+    m_table.restore(this->m_item, *m_place);
   }
 
   Table& m_table;
