@@ -17,7 +17,8 @@ std::size_t bytesOf(const CEnt& ent) {
     static_cast<const CEntPolyline&>(ent).forEachBulged(
         [&bytes](const PNT_3D&, double, double, double, long) { bytes += sizeof(BULGED_VERTEX); });
   }
-  if (const CEntInsertBase* insert = ent.getEntInsert()) bytes += insert->GetNoAttribs() * kEntBytes;
+  if (const CEntInsertBase* insert = ent.getEntInsert())
+    bytes += insert->GetNoAttribs() * kEntBytes;
   return bytes;
 }
 
@@ -68,8 +69,7 @@ void BlockEntMembership::refresh(CData& data) {
   if (m_item->getEntInsert() != nullptr) data.getBlockTable().updateBlock(&m_block);
 }
 
-ContentExchange::ContentExchange(CBlock& block)
-    : m_block(block), m_memento(block.createMemento()) {
+ContentExchange::ContentExchange(CBlock& block) : m_block(block), m_memento(block.createMemento()) {
   notePresent();
 }
 

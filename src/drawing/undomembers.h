@@ -58,8 +58,7 @@ class EntMembership final : public Membership<CEnt> {
 /// An entity of a block.
 class BlockEntMembership final : public Membership<CEnt> {
  public:
-  BlockEntMembership(CBlock& block, CEnt& ent, bool isIn)
-      : Membership(ent, isIn), m_block(block) {}
+  BlockEntMembership(CBlock& block, CEnt& ent, bool isIn) : Membership(ent, isIn), m_block(block) {}
 
  private:
   void take(CData& data) override;

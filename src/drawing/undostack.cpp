@@ -29,12 +29,10 @@ bool isUsed(const CData& data, const CLayer& layer) {
   return layer.getEntities() > 0 || data.getVars().getCurLayer() == &layer;
 }
 bool isUsed(const CData& data, const CLtype& ltype) {
-  return ltype.getEntities() > 0 || ltype.getLayers() > 0 ||
-         data.getVars().getCurLtype() == &ltype;
+  return ltype.getEntities() > 0 || ltype.getLayers() > 0 || data.getVars().getCurLtype() == &ltype;
 }
 bool isUsed(const CData& data, const CStyle& style) {
-  return style.getEntities() > 0 || style.getDashes() > 0 ||
-         data.getVars().getCurStyle() == &style;
+  return style.getEntities() > 0 || style.getDashes() > 0 || data.getVars().getCurStyle() == &style;
 }
 bool isUsed(const CData&, const CBlock& block) { return block.getEntities() > 0; }
 
@@ -320,9 +318,8 @@ bool CUndoStack::remove(CEnt* ent) {
   if (owner == nullptr && !m_data.getEntTable().contains(ent)) return false;
   const AutoStep step(*this);
   const std::size_t before = actions().size();
-  const bool removed = owner != nullptr
-                           ? perform(newAction<BlockEntMembership>(*owner, *ent, true))
-                           : perform(newAction<EntMembership>(*ent, true));
+  const bool removed = owner != nullptr ? perform(newAction<BlockEntMembership>(*owner, *ent, true))
+                                        : perform(newAction<EntMembership>(*ent, true));
   const CEntHatch* hatch = castHatch(ent);
   if (removed && (hatch == nullptr || takeBlock(hatch->getBlock()))) return true;
   unwind(before);

@@ -95,8 +95,8 @@ const CBlock* CBlockGraph::getNext(const CBlock& block) const {
 void CBlockGraph::addBlock(CBlock& block, const CBlock* next) {
   if (block.m_item != nullptr) return;
   const Item* after = next != nullptr ? find(*next) : nullptr;
-  const auto place = m_items.insert(after != nullptr ? after->place : m_items.end(),
-                                    std::make_unique<Item>());
+  const auto place =
+      m_items.insert(after != nullptr ? after->place : m_items.end(), std::make_unique<Item>());
   Item& item = **place;
   item.block = &block;
   item.graph = this;

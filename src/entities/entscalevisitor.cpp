@@ -105,8 +105,7 @@ void CEntScaleVisitor::visit(CEntInsertXRef& ent) { scaleInsert(ent, m_centre, m
 void CEntScaleVisitor::visit(CEntHatch& ent) {
   vek0::detail::transformHatch(ent, *this, [this](PNT_3D& p) { p.scale(m_centre, m_factor); });
   ent.setHatchScale(ent.getHatchScale() * std::fabs(m_factor));
-  if (isHalfTurned())
-    ent.setHatchRotate(ARC_3D::normal(ent.getHatchRotate() + std::numbers::pi));
+  if (isHalfTurned()) ent.setHatchRotate(ARC_3D::normal(ent.getHatchRotate() + std::numbers::pi));
 }
 
 void CEntScaleVisitor::visit(CEnt3DFace& ent) {

@@ -96,9 +96,8 @@ CEntTable::Place CEntTable::getPlace(const CEnt& ent) const {
 void CEntTable::restore(CEnt* ent, const Place& place) {
   if (ent == nullptr || ent->m_owner != nullptr || m_isView) return;
   const auto next = holds(place.next) ? Node(place.next->m_node) : m_entities.end();
-  const bool fits =
-      (next == m_entities.end() || place.rank < (*next)->m_pos) &&
-      (next == m_entities.begin() || (*std::prev(next))->m_pos < place.rank);
+  const bool fits = (next == m_entities.end() || place.rank < (*next)->m_pos) &&
+                    (next == m_entities.begin() || (*std::prev(next))->m_pos < place.rank);
   if (!fits) return add(ent);
   insert(ent, next, place.rank);
 }

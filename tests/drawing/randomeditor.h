@@ -24,9 +24,7 @@ class RandomEditor {
     m_undo.commit();
   }
 
-  int number(int below) {
-    return static_cast<int>(m_random() % static_cast<unsigned long>(below));
-  }
+  int number(int below) { return static_cast<int>(m_random() % static_cast<unsigned long>(below)); }
 
  private:
   double coordinate() { return number(2001) / 10.0 - 100; }
@@ -65,8 +63,7 @@ class RandomEditor {
   }
 
   CEnt* newPolyline() {
-    CEntPolyline* made =
-        createEntPolyline(m_data, layer(), ltype(), 1, number(2), 0, m_handle++);
+    CEntPolyline* made = createEntPolyline(m_data, layer(), ltype(), 1, number(2), 0, m_handle++);
     for (int i = number(6); i >= 0; --i)
       made->addBulgedVertex(point(), number(2), number(2), number(3) - 1, m_handle++);
     return made;
@@ -95,15 +92,22 @@ class RandomEditor {
   }
   CEnt* newEntity() {
     switch (number(10)) {
-      case 0: return createEntPnt(m_data, layer(), ltype(), 5, point(), m_handle++);
-      case 1: return createEntCircle(m_data, layer(), ltype(), 6, CIRCLE_3D(1, 2, 3, 4), 0);
-      case 2: return createEntArc(m_data, layer(), ltype(), 7, ARC_3D(1, 2, 3, 4, 5, 6), 0);
-      case 3: return newPolyline();
-      case 4: return createEntText(m_data, layer(), ltype(), 8, text(), m_handle++);
+      case 0:
+        return createEntPnt(m_data, layer(), ltype(), 5, point(), m_handle++);
+      case 1:
+        return createEntCircle(m_data, layer(), ltype(), 6, CIRCLE_3D(1, 2, 3, 4), 0);
+      case 2:
+        return createEntArc(m_data, layer(), ltype(), 7, ARC_3D(1, 2, 3, 4, 5, 6), 0);
+      case 3:
+        return newPolyline();
+      case 4:
+        return createEntText(m_data, layer(), ltype(), 8, text(), m_handle++);
       case 5:
         return createEntAttdef(m_data, layer(), ltype(), 9, text(), u"value", u"prompt", 1, 0);
-      case 6: return newInsert();
-      case 7: return newHatch();
+      case 6:
+        return newInsert();
+      case 7:
+        return newHatch();
       case 8:
         return createEnt3DFace(m_data, layer(), ltype(), 10, point(), point(), point(), point(),
                                number(16), m_handle++);
@@ -162,9 +166,15 @@ class RandomEditor {
   void changeVertexes(CEntPolyline& polyline) {
     const long count = polyline.getNoTotalVertexes();
     switch (number(4)) {
-      case 0: polyline.addVertex(*createVertex(m_data, point(), 0, 1, m_handle++)); break;
-      case 1: delete polyline.removeVertex(number(static_cast<int>(count) + 1)); break;
-      case 2: polyline.SetVertexPos(number(static_cast<int>(count) + 1), point()); break;
+      case 0:
+        polyline.addVertex(*createVertex(m_data, point(), 0, 1, m_handle++));
+        break;
+      case 1:
+        delete polyline.removeVertex(number(static_cast<int>(count) + 1));
+        break;
+      case 2:
+        polyline.SetVertexPos(number(static_cast<int>(count) + 1), point());
+        break;
       default:
         polyline.close(m_data.getHandleGestor(), m_data.getEntFactory(), false);
         polyline.gener(m_data.getHandleGestor(), m_data.getEntFactory(),
@@ -190,8 +200,8 @@ class RandomEditor {
         return addOrRemove(m_data.getLtypeFactory().create(name("type"), u"- -", dashes, 2, 0),
                            ltype());
       case 2:
-        return addOrRemove(
-            m_data.getStyleFactory().create(name("style"), nullptr, 0, 1, 0, 0.2, 0), style());
+        return addOrRemove(m_data.getStyleFactory().create(name("style"), nullptr, 0, 1, 0, 0.2, 0),
+                           style());
       default:
         return addOrRemove(m_data.getBlockFactory().create(name("block"), point(), 0), block());
     }
@@ -254,17 +264,27 @@ class RandomEditor {
         if (!isFull) return addEntity();
         [[fallthrough]];
       case 3:
-      case 4: m_undo.remove(anyEntity()); return;
+      case 4:
+        m_undo.remove(anyEntity());
+        return;
       case 5:
-      case 6: return transform();
-      case 7: return setProperties();
+      case 6:
+        return transform();
+      case 7:
+        return setProperties();
       case 8:
-      case 9: return changeKind();
-      case 10: return changeTables();
-      case 11: return changeItem();
-      case 12: return redefineBlock();
-      case 13: return redefineHatch();
-      case 14: return changeVars();
+      case 9:
+        return changeKind();
+      case 10:
+        return changeTables();
+      case 11:
+        return changeItem();
+      case 12:
+        return redefineBlock();
+      case 13:
+        return redefineHatch();
+      case 14:
+        return changeVars();
       default:
         if (number(8) == 0) remap();
     }

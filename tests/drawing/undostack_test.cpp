@@ -78,9 +78,8 @@ class History {
     const auto state = m_states.find(m_undo.getNoUndo());
     if (state == m_states.end()) return;
     const Snapshot now = snapshotOf(m_data);
-    ASSERT_TRUE(now.file == state->second.file)
-        << "after " << state->first << " steps\n"
-        << difference(now.file, state->second.file);
+    ASSERT_TRUE(now.file == state->second.file) << "after " << state->first << " steps\n"
+                                                << difference(now.file, state->second.file);
     ASSERT_EQ(now.counts, state->second.counts) << "after " << state->first << " steps";
   }
   std::size_t size() const { return m_states.size(); }
@@ -143,7 +142,6 @@ TEST(UndoStack, AHundredThousandEditsGoBackAndForth) {
   ASSERT_GT(undo.getNoUndo(), 80000u);
   walkBackAndForth(undo, history);
 }
-
 
 TEST(UndoStack, StepsHaveNamesAndNestAndCountOnlyWithEdits) {
   const Drawing data = newDrawing();
@@ -328,9 +326,8 @@ TEST(UndoStack, AHatchTakesItsBlockAlong) {
   const Drawing data = newDrawing();
   CUndoStack undo(*data);
   const Snapshot empty = snapshotOf(*data);
-  CEntHatch* hatch =
-      createEntHatch(*data, *getHatch(zim::WString(u"ANSI31")), 10, 0,
-                     {PNT_3D(0, 0, 0), PNT_3D(90, 0, 0), PNT_3D(90, 90, 0)}, 0);
+  CEntHatch* hatch = createEntHatch(*data, *getHatch(zim::WString(u"ANSI31")), 10, 0,
+                                    {PNT_3D(0, 0, 0), PNT_3D(90, 0, 0), PNT_3D(90, 90, 0)}, 0);
   EXPECT_TRUE(undo.add(hatch));
   const Snapshot first = snapshotOf(*data);
   EXPECT_TRUE(undo.redefine(*hatch, 20, 1, hatch->getHatchType()));

@@ -111,8 +111,8 @@ TEST(Transforms, WhatIsNoTransformChangesNothing) {
     for (CEntScaleVisitor visitor : {CEntScaleVisitor(p, 0), CEntScaleVisitor(p, inf),
                                      CEntScaleVisitor(p, nan), CEntScaleVisitor(bad, 2)})
       ent->accept(visitor);
-    for (CEntRotateXYVisitor visitor : {CEntRotateXYVisitor(p, -inf), CEntRotateXYVisitor(p, nan),
-                                        CEntRotateXYVisitor(bad, 2)})
+    for (CEntRotateXYVisitor visitor :
+         {CEntRotateXYVisitor(p, -inf), CEntRotateXYVisitor(p, nan), CEntRotateXYVisitor(bad, 2)})
       ent->accept(visitor);
     CEntMoveVisitor mover(bad);
     ent->accept(mover);
@@ -126,10 +126,10 @@ TEST(RotateVisitor, BringsRotationsIntoOneTurn) {
     const char* name;
     double rotation, angle, expected;
   } cases[] = {
-      {"over the turn",               6.0, 0.5,  6.5 - kTwoPi   },
-      {"below zero",                  0.5, -1.0, -0.5 + kTwoPi  },
-      {"inside",                      1.0, 2.0,  3.0            },
-      {"two turns off: one is taken", 1.0, 14.0, 15.0 - kTwoPi  },
+      {"over the turn",               6.0, 0.5,    6.5 - kTwoPi },
+      {"below zero",                  0.5, -1.0,   -0.5 + kTwoPi},
+      {"inside",                      1.0, 2.0,    3.0          },
+      {"two turns off: one is taken", 1.0, 14.0,   15.0 - kTwoPi},
       {"exactly the turn",            0,   kTwoPi, 0            },
   };
   for (const auto& [name, ent] : all.kinds) {

@@ -55,42 +55,41 @@ class EveryKind {
     return made;
   }
   CEntInsert* insert(double sx, double sy, long columns) {
-    CEntInsert* made = createEntInsert(*m_data, *m_block, point(), sx, sy, 1, 6.0, columns, 2,
-                                       3, -4, 0);
+    CEntInsert* made =
+        createEntInsert(*m_data, *m_block, point(), sx, sy, 1, 6.0, columns, 2, 3, -4, 0);
     made->add(m_data->getEntFactory().createEntAttrib(m_data->getHandleGestor(), layer(), ltype(),
                                                       3, text(), u"TAG", 1, 7));
     return made;
   }
+  void put(const char* name, CEnt* ent) { kinds.emplace_back(name, ent); }
   void makeAll() {
     CData& d = *m_data;
-    kinds = {
-        {"point", createEntPnt(d, point(), 0)},
-        {"line", createEntLine(d, LINE_3D(point(), point()), 0)},
-        {"line without length", createEntLine(d, LINE_3D(1, 2, 3, 1, 2, 3), 0)},
-        {"circle", createEntCircle(d, CIRCLE_3D(1, 2, 3, 4), 0)},
-        {"circle of radius 0", createEntCircle(d, CIRCLE_3D(1, 2, 3, 0), 0)},
-        {"circle of negative radius", createEntCircle(d, CIRCLE_3D(1, 2, 3, -4), 0)},
-        {"arc", createEntArc(d, ARC_3D(1, 2, 3, 4, 5, 6), 0)},
-        {"arc over angle 0", createEntArc(d, ARC_3D(1, 2, 3, 4, 6, 1), 0)},
-        {"arc of a full turn", createEntArc(d, ARC_3D(1, 2, 3, 4, 2, 2), 0)},
-        {"polyline", polyline(0, false, 0, 0)},
-        {"closed wide polyline with arcs", polyline(1, false, 0.5, 1)},
-        {"the same, unpacked", polyline(1, true, -0.5, 1)},
-        {"polyline of a half circle", polyline(0, false, 1, 0)},
-        {"polyline without vertices", createEntPolyline(d, 0, 0, 0)},
-        {"spline", curve()},
-        {"text", createEntText(d, text(), 0)},
-        {"attribute definition", createEntAttdef(d, text(), u"value", u"prompt", 3, 0)},
-        {"insert", insert(1, 1, 1)},
-        {"mirrored array of inserts", insert(-2, 3, 3)},
-        {"insert without size", insert(0, 0, 1)},
-        {"fixed insert", createEntFixedInsert(d, *m_block, point(), 10, 50, 1, 0)},
-        {"hatch", createEntHatch(d, *getHatch(zim::WString(u"ANSI31")), 10, 0.5,
-                                 {PNT_3D(0, 0, 0), PNT_3D(50, 0, 0), PNT_3D(50, 50, 0)}, 0)},
-        {"face", createEnt3DFace(d, point(), point(), point(), point(), 5, 0)},
-        {"triangle", createEnt3DFace(d, PNT_3D(0, 0, 0), PNT_3D(1, 0, 5), PNT_3D(1, 1, 0),
-                                     PNT_3D(1, 1, 0), 0, 0)},
-    };
+    put("point", createEntPnt(d, point(), 0));
+    put("line", createEntLine(d, LINE_3D(point(), point()), 0));
+    put("line without length", createEntLine(d, LINE_3D(1, 2, 3, 1, 2, 3), 0));
+    put("circle", createEntCircle(d, CIRCLE_3D(1, 2, 3, 4), 0));
+    put("circle of radius 0", createEntCircle(d, CIRCLE_3D(1, 2, 3, 0), 0));
+    put("circle of negative radius", createEntCircle(d, CIRCLE_3D(1, 2, 3, -4), 0));
+    put("arc", createEntArc(d, ARC_3D(1, 2, 3, 4, 5, 6), 0));
+    put("arc over angle 0", createEntArc(d, ARC_3D(1, 2, 3, 4, 6, 1), 0));
+    put("arc of a full turn", createEntArc(d, ARC_3D(1, 2, 3, 4, 2, 2), 0));
+    put("polyline", polyline(0, false, 0, 0));
+    put("closed wide polyline with arcs", polyline(1, false, 0.5, 1));
+    put("the same, unpacked", polyline(1, true, -0.5, 1));
+    put("polyline of a half circle", polyline(0, false, 1, 0));
+    put("polyline without vertices", createEntPolyline(d, 0, 0, 0));
+    put("spline", curve());
+    put("text", createEntText(d, text(), 0));
+    put("attribute definition", createEntAttdef(d, text(), u"value", u"prompt", 3, 0));
+    put("insert", insert(1, 1, 1));
+    put("mirrored array of inserts", insert(-2, 3, 3));
+    put("insert without size", insert(0, 0, 1));
+    put("fixed insert", createEntFixedInsert(d, *m_block, point(), 10, 50, 1, 0));
+    put("hatch", createEntHatch(d, *getHatch(zim::WString(u"ANSI31")), 10, 0.5,
+                                {PNT_3D(0, 0, 0), PNT_3D(50, 0, 0), PNT_3D(50, 50, 0)}, 0));
+    put("face", createEnt3DFace(d, point(), point(), point(), point(), 5, 0));
+    put("triangle", createEnt3DFace(d, PNT_3D(0, 0, 0), PNT_3D(1, 0, 5), PNT_3D(1, 1, 0),
+                                    PNT_3D(1, 1, 0), 0, 0));
   }
 
   std::mt19937 m_random;
@@ -125,9 +124,8 @@ class ShapeNumbers final : public IEntVisitor {
     e.forEachBulged([this](const PNT_3D& p, double ws, double we, double bulge, long handle) {
       put(p, ws, we, bulge, handle);
     });
-    e.forEachVisible([this](const PNT_3D& p, double ws, double we, double, long) {
-      put(p, ws, we);
-    });
+    e.forEachVisible(
+        [this](const PNT_3D& p, double ws, double we, double, long) { put(p, ws, we); });
   }
   void visit(CEntText& e) override { putText(e.getText()); }
   void visit(CEntAttdef& e) override { putText(e.getText()); }

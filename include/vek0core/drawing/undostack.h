@@ -55,7 +55,8 @@ class VEK0_API CUndoStack {
 
   // --- Steps
 
-  /// Opens a step. Only here memory may run out by an exception. Within an open one it only counts, and the outermost name holds.
+  /// Opens a step. Only here memory may run out by an exception. Within an open one it only counts,
+  /// and the outermost name holds.
   void begin(const zim::WString& name);
   /// Closes the step; the outermost call completes it, forgets what was undone, and drops
   /// the oldest steps beyond the limit. A step without edits is none: then, and for inner
@@ -119,17 +120,16 @@ class VEK0_API CUndoStack {
   /// Adds the item to its table, or takes it out. What is used, by the counts or as current
   /// item, is not taken out, nor are the fixed items.
   bool add(CLayer* layer);
-  bool add(CLtype* ltype);      ///< likewise
-  bool add(CStyle* style);      ///< likewise
-  bool add(CBlock* block);      ///< likewise
-  bool remove(CLayer* layer);   ///< likewise
-  bool remove(CLtype* ltype);   ///< likewise
-  bool remove(CStyle* style);   ///< likewise
-  bool remove(CBlock* block);   ///< likewise
+  bool add(CLtype* ltype);     ///< likewise
+  bool add(CStyle* style);     ///< likewise
+  bool add(CBlock* block);     ///< likewise
+  bool remove(CLayer* layer);  ///< likewise
+  bool remove(CLtype* ltype);  ///< likewise
+  bool remove(CStyle* style);  ///< likewise
+  bool remove(CBlock* block);  ///< likewise
 
   /// `CBlockTable::Redefine` of a block in the table; the old entities are the stack's.
-  bool redefine(CBlock& block, const PNT_3D& base, long flags,
-                const std::list<CEnt*>& newEntities);
+  bool redefine(CBlock& block, const PNT_3D& base, long flags, const std::list<CEnt*>& newEntities);
   /// `CEntHatch::redefine`; the old block is the stack's and comes back as it was.
   bool redefine(CEntHatch& hatch, double scale, double rotate, const HATCH_TYPE& type);
 
