@@ -42,6 +42,11 @@ bool isIdleHatchBlock(const CBlockTable& table, const CBlock* block) {
          block->getEntities() <= 0;
 }
 
+// A set that was large once would cost its size at every `clear`.
+void forgetTargets(std::unordered_set<const void*> (&targets)[2]) {
+  for (auto& part : targets) std::unordered_set<const void*>().swap(part);
+}
+
 bool areFree(const std::list<CEnt*>& entities) {
   return std::none_of(entities.begin(), entities.end(),
                       [](const CEnt* ent) { return ent == nullptr || ent->isHeld(); });
@@ -74,7 +79,7 @@ void CUndoStack::begin(const zim::WString& name) {
 
 bool CUndoStack::commit() {
   if (m_depth == 0 || --m_depth != 0) return false;
-  for (auto& kept : m_kept) kept.clear();
+  forgetTargets(m_kept);
   if (actions().empty()) {
     m_open.clear();
     return false;
@@ -92,7 +97,7 @@ void CUndoStack::rollback() {
   unwind(0);
   m_depth = 0;
   m_open.clear();
-  for (auto& kept : m_kept) kept.clear();
+  forgetTargets(m_kept);
 }
 
 // Takes back what the open step has done since it had `count` actions.
@@ -168,7 +173,7 @@ bool CUndoStack::merge() {
 // small steps joined to a large one must not look at all of that each time.
 void CUndoStack::noteSnapshots(const Step& step) {
   if (m_mergedId == step.id) return;
-  for (auto& merged : m_merged) merged.clear();
+  forgetTargets(m_merged);
   for (const auto& action : step.actions)
     if (const void* target = action->snapshotOf()) m_merged[action->part()].insert(target);
   m_mergedId = step.id;
