@@ -67,6 +67,8 @@
 #include "vek0core/entities/entmovevisitor.h"
 #include "vek0core/entities/entpnt.h"
 #include "vek0core/entities/entpolyline.h"
+#include "vek0core/entities/entrotatexyvisitor.h"
+#include "vek0core/entities/entscalevisitor.h"
 #include "vek0core/entities/enttable.h"
 #include "vek0core/entities/enttext.h"
 #include "vek0core/entities/entvisitor.h"
@@ -78,6 +80,9 @@
 #include "vek0core/drawing/datafactory.h"
 #include "vek0core/drawing/datavariables.h"
 #include "vek0core/drawing/functions.h"
+#include "vek0core/drawing/refcounter.h"
+#include "vek0core/drawing/tableremapper.h"
+#include "vek0core/drawing/undostack.h"
 
 #include "vek0core/dxfin/filedxfidatasemantor.h"
 #include "vek0core/dxfin/filedxfierror.h"

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "entities/blockgraphitem.h"
+#include "tables/holes.h"
 #include "tables/ranktree.h"
 #include "vek0core/entities/blockgraph.h"
 #include "vek0core/entities/entattdef.h"
@@ -15,6 +16,8 @@ using vek0::detail::BlockGraphItem;
 using vek0::detail::RankTree;
 
 namespace {
+
+constexpr std::size_t kLongRun = 64;  // holes that are passed over before they are closed
 
 bool isAttdef(const CEnt& ent) { return ent.getType() == CEntAttdef::kType; }
 
@@ -118,13 +121,41 @@ void CBlock::append(CEnt* ent) {
   ++m_edition;
   m_entities.push_back(ent);
   if (m_ranks) m_ranks->append(true);
-  ent->m_owner = this;
-  ent->m_pos = m_entities.size() - 1;
-  if (isAttdef(*ent)) {
-    ++m_noAttdefs;
-    setFlags(kHasAttdefs, true);
-  }
+  own(*ent, m_entities.size() - 1);
   if (wasFresh) tellUsers();
+}
+
+void CBlock::own(CEnt& ent, std::size_t pos) {
+  ent.m_owner = this;
+  ent.m_inBlock = true;
+  ent.m_pos = pos;
+  if (!isAttdef(ent)) return;
+  ++m_noAttdefs;
+  setFlags(kHasAttdefs, true);
+}
+
+CBlock::Place CBlock::getPlace(const CEnt& ent) const {
+  std::size_t next = firstRaw(ent.m_pos + 1);
+  if (next > ent.m_pos + kLongRun) {
+    compact();
+    next = ent.m_pos + 1;
+  }
+  return {next < m_entities.size() ? m_entities[next] : nullptr};
+}
+
+void CBlock::restore(CEnt* ent, const Place& place) {
+  if (ent == nullptr || ent->m_owner != nullptr) return;
+  const bool isNextHere = place.next != nullptr && place.next->m_owner == this;
+  const std::size_t at = isNextHere ? place.next->m_pos : m_entities.size();
+  const std::size_t before = m_entities.size();
+  const auto moved = [](CEnt& other, std::size_t pos) { other.m_pos = pos; };
+  const std::size_t slot = vek0::detail::holeBefore(m_entities, at, m_noHoles, moved);
+  if (m_entities.size() != before) m_ranks.reset();
+  m_entities[slot] = ent;
+  --m_noHoles;
+  if (m_ranks) m_ranks->fill(slot);
+  own(*ent, slot);
+  invalidateBdry();
 }
 
 void CBlock::remove(CEnt* ent) {
@@ -132,10 +163,15 @@ void CBlock::remove(CEnt* ent) {
   m_entities[ent->m_pos] = nullptr;
   ++m_noHoles;
   if (m_ranks) m_ranks->remove(ent->m_pos);
-  ent->m_owner = nullptr;
+  disown(*ent);
   if (isAttdef(*ent)) --m_noAttdefs;
   setFlags(kHasAttdefs, m_noAttdefs != 0);
   invalidateBdry();
+}
+
+void CBlock::disown(CEnt& ent) {
+  ent.m_owner = nullptr;
+  ent.m_inBlock = false;
 }
 
 bool CBlock::isXRef() const { return false; }
@@ -164,7 +200,7 @@ void CBlock::clearEntities() {
   const bool wasFresh = !isBdryStale();
   ++m_edition;
   for (CEnt* ent : m_entities)
-    if (ent != nullptr) ent->m_owner = nullptr;
+    if (ent != nullptr) disown(*ent);
   m_entities.clear();
   m_ranks.reset();
   m_noHoles = m_noLookups = m_noAttdefs = m_noBoxed = 0;
@@ -244,8 +280,7 @@ CEnt* CBlock::at(std::size_t i) const {
 }
 
 std::size_t CBlock::firstRaw(std::size_t from) const {
-  while (from < m_entities.size() && m_entities[from] == nullptr) ++from;
-  return from;
+  return vek0::detail::firstUsed(m_entities, from);
 }
 
 void CBlock::compact() const {
@@ -369,6 +404,7 @@ CBlockMemento::CBlockMemento(const CBlock& block)
 CBlockMemento::~CBlockMemento() = default;
 
 void CBlockMemento::destroyEntity() {
+  std::erase_if(m_entities, [](const CEnt* ent) { return ent->isHeld(); });
   for (const CEnt* ent : m_entities) delete ent;
   m_entities.clear();
 }

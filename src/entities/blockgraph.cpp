@@ -84,13 +84,23 @@ CBlockGraph::CBlockGraph() = default;
 
 CBlockGraph::~CBlockGraph() = default;
 
-void CBlockGraph::addBlock(CBlock& block) {
+void CBlockGraph::addBlock(CBlock& block) { addBlock(block, nullptr); }
+
+const CBlock* CBlockGraph::getNext(const CBlock& block) const {
+  const Item* item = find(block);
+  if (item == nullptr || std::next(item->place) == m_items.end()) return nullptr;
+  return (*std::next(item->place))->block;
+}
+
+void CBlockGraph::addBlock(CBlock& block, const CBlock* next) {
   if (block.m_item != nullptr) return;
-  m_items.push_back(std::make_unique<Item>());
-  Item& item = *m_items.back();
+  const Item* after = next != nullptr ? find(*next) : nullptr;
+  const auto place =
+      m_items.insert(after != nullptr ? after->place : m_items.end(), std::make_unique<Item>());
+  Item& item = **place;
   item.block = &block;
   item.graph = this;
-  item.place = std::prev(m_items.end());
+  item.place = place;
   item.rank = --m_firstRank;
   block.m_item = &item;
   updateBlock(block);

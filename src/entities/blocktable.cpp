@@ -65,6 +65,19 @@ void CBlockTable::remove(CBlock* block) {
   if (m_graph->RemoveBlock(*block) != 0) m_graph->dropBlock(*block);
 }
 
+CBlockTable::Place CBlockTable::getPlace(const CBlock& block) const {
+  return {CNamedItemTableImp::getPlace(block), m_graph->getNext(block), m_graph->getUsers(block)};
+}
+
+void CBlockTable::restore(CBlock* block, const Place& place) {
+  if (block == nullptr || holds(block)) return;
+  CNamedItemTableImp::restore(block, place.item);
+  if (!holds(block)) return;
+  block->insertBlock(m_gestor);
+  m_graph->addBlock(*block, place.graphNext);
+  for (CBlock* user : place.users) m_graph->updateBlock(*user);
+}
+
 CBlock* CBlockTable::get(std::u16string_view name) const {
   return static_cast<CBlock*>(CNamedItemTableImp::get(name));
 }

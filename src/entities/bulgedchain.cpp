@@ -201,6 +201,26 @@ void BulgedChain::translate(const PNT_3D& delta) {
   m_starts.clear();
 }
 
+void BulgedChain::rotate(const PNT_3D& centre, double angleRad) {
+  for (std::size_t i = 0; i < m_vertexes.size(); ++i) {
+    PNT_3D pnt = posOf(m_vertexes[i]);
+    pnt.rotate(centre, angleRad);
+    setPos(i, pnt);
+  }
+  m_starts.clear();
+}
+
+void BulgedChain::scale(const PNT_3D& centre, double factor) {
+  for (std::size_t i = 0; i < m_vertexes.size(); ++i) {
+    PNT_3D pnt = posOf(m_vertexes[i]);
+    pnt.scale(centre, factor);
+    setPos(i, pnt);
+    setWidth(i, m_vertexes[i].widthStart * std::fabs(factor),
+             m_vertexes[i].widthEnd * std::fabs(factor));
+  }
+  m_starts.clear();
+}
+
 void BulgedChain::clearHandles() {
   for (BULGED_VERTEX& v : m_vertexes) v.handle = 0;
 }

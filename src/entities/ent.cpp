@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "vek0core/entities/block.h"
 #include "vek0core/entities/entmemento.h"
 #include "vek0core/entities/enttable.h"
 #include "vek0core/tables/layer.h"
@@ -45,6 +46,11 @@ void CEnt::removeTbls(IHandleGestor& gestor) const {
   gestor.release(GetHandle());
   moveCount<CLayer>(m_layer, nullptr);
   moveCount<CLtype>(m_ltype, nullptr);
+}
+
+CBlock* CEnt::getOwnerBlock() const {
+  // Stored by the block itself, which is no const object.
+  return m_inBlock ? static_cast<CBlock*>(const_cast<void*>(m_owner)) : nullptr;
 }
 
 CStyle* CEnt::getStyle() const { return nullptr; }

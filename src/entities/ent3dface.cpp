@@ -31,10 +31,10 @@ CEnt3DFace::CEnt3DFace(const CEnt3DFace& src, long handle)
 void CEnt3DFace::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
 void CEnt3DFace::setMemento(CData&, const IEntDerivedMemento* memento) {
-  if (memento == nullptr) return;
-  const auto& face = *static_cast<const CEnt3DFaceMemento*>(memento);
-  m_vertexes = face.m_vertexes;
-  m_flags = face.m_flags;
+  const auto* face = vek0::detail::mementoOf<CEnt3DFace, CEnt3DFaceMemento>(memento);
+  if (face == nullptr) return;
+  m_vertexes = face->m_vertexes;
+  m_flags = face->m_flags;
   calcBdry();
 }
 

@@ -14,7 +14,8 @@ CEntArc::CEntArc(const CEntArc& src, long handle) : CEnt(src, handle), m_arc(src
 void CEntArc::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
 void CEntArc::setMemento(CData&, const IEntDerivedMemento* memento) {
-  if (memento != nullptr) setArc(static_cast<const CEntArcMemento*>(memento)->value());
+  const auto* state = vek0::detail::mementoOf<CEntArc, CEntArcMemento>(memento);
+  if (state != nullptr) setArc(state->value());
 }
 
 void CEntArc::calcBdry() {

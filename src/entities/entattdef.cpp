@@ -16,12 +16,12 @@ CEntAttdef::CEntAttdef(const CEntAttdef& src, long handle)
 void CEntAttdef::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
 void CEntAttdef::setMemento(CData&, const IEntDerivedMemento* memento) {
-  if (memento == nullptr) return;
-  const auto& state = static_cast<const CEntAttdefMemento&>(*memento);
-  restoreText(state.getText());
-  m_value = state.m_value;
-  m_prompt = state.m_prompt;
-  m_flags = state.m_flags;
+  const auto* state = vek0::detail::mementoOf<CEntAttdef, CEntAttdefMemento>(memento);
+  if (state == nullptr) return;
+  restoreText(state->getText());
+  m_value = state->m_value;
+  m_prompt = state->m_prompt;
+  m_flags = state->m_flags;
 }
 
 IEntDerivedMemento* CEntAttdef::createDerivedMemento() const {

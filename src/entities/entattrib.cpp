@@ -19,11 +19,11 @@ CEntAttrib::CEntAttrib(const CEntAttrib& src, long handle)
 void CEntAttrib::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
 void CEntAttrib::setMemento(CData&, const IEntDerivedMemento* memento) {
-  if (memento == nullptr) return;
-  const auto& state = static_cast<const CEntAttribMemento&>(*memento);
-  restoreText(state.getText());
-  m_tag = state.getTag();
-  m_flags = state.getFlags();
+  const auto* state = vek0::detail::mementoOf<CEntAttrib, CEntAttribMemento>(memento);
+  if (state == nullptr) return;
+  restoreText(state->getText());
+  m_tag = state->getTag();
+  m_flags = state->getFlags();
 }
 
 IEntDerivedMemento* CEntAttrib::createDerivedMemento() const {

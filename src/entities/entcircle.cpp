@@ -16,7 +16,8 @@ CEntCircle::CEntCircle(const CEntCircle& src, long handle)
 void CEntCircle::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
 void CEntCircle::setMemento(CData&, const IEntDerivedMemento* memento) {
-  if (memento != nullptr) setCircle(static_cast<const CEntCircleMemento*>(memento)->value());
+  const auto* state = vek0::detail::mementoOf<CEntCircle, CEntCircleMemento>(memento);
+  if (state != nullptr) setCircle(state->value());
 }
 
 void CEntCircle::calcBdry() {

@@ -86,6 +86,14 @@ bool CEntHatch::show(CBlockTable& table, std::unique_ptr<CBlock>& fresh, double 
   return true;
 }
 
+void CEntHatch::setShown(CBlock* block, double scale, double rotate, const HATCH_TYPE& type) {
+  replaceBlock(block);
+  m_scale = scale;
+  m_rotate = rotate;
+  m_type = &type;
+  calcBdry();
+}
+
 CEnt* CEntHatch::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
                        CBlockTable& blockTable, long handle) const {
   std::unique_ptr<CBlock> block(blockFactory.create({}, PNT_3D(0, 0, 0), CBlock::kAnonymous));
@@ -103,7 +111,7 @@ CEnt* CEntHatch::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFac
 }
 
 void CEntHatch::setMemento(CData& data, const IEntDerivedMemento* memento) {
-  const auto* state = dynamic_cast<const CEntHatchMemento*>(memento);
+  const auto* state = vek0::detail::mementoOf<CEntHatch, CEntHatchMemento>(memento);
   if (!state) return;
   if (!state->showsSameBlock(*this)) return restoreLines(data, *state);
   m_scale = state->m_scale;

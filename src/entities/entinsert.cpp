@@ -85,11 +85,15 @@ void CEntInsertBase::getArray(long& columns, long& rows, double& columnSpacing,
 }
 
 void CEntInsertBase::setBlock(CBlock* block) {
+  if (m_gestor != nullptr) countReference(false);
   if (m_block != nullptr) m_block->decEntity();
   m_block = block;
   if (m_block != nullptr) m_block->addEntity();
+  if (m_gestor != nullptr) countReference(true);
   dirtyBdry();
 }
+
+void CEntInsertBase::countReference(bool) const {}
 
 void CEntInsertBase::replaceBlock(CBlock* block) {
   if (m_gestor != nullptr) return setBlock(block);
@@ -155,11 +159,11 @@ CEntInsert::CEntInsert(IHandleGestor& gestor, CEntFactory& factory, const CEntIn
 void CEntInsert::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
 void CEntInsert::setMemento(CData& data, const IEntDerivedMemento* memento) {
-  if (memento == nullptr) return;
-  const auto& state = static_cast<const CEntInsertMemento&>(*memento);
-  state.m_attribs.restore(data, *this);
-  setInsert(state.m_pnt, state.m_sx, state.m_sy, state.m_sz, state.m_rotation);
-  setArray(state.m_columns, state.m_rows, state.m_columnSpacing, state.m_rowSpacing);
+  const auto* state = vek0::detail::mementoOf<CEntInsert, CEntInsertMemento>(memento);
+  if (state == nullptr) return;
+  state->m_attribs.restore(data, *this);
+  setInsert(state->m_pnt, state->m_sx, state->m_sy, state->m_sz, state->m_rotation);
+  setArray(state->m_columns, state->m_rows, state->m_columnSpacing, state->m_rowSpacing);
 }
 
 IEntDerivedMemento* CEntInsert::createDerivedMemento() const {
@@ -243,11 +247,11 @@ CEntFixedInsert::CEntFixedInsert(IHandleGestor& gestor, CEntFactory& factory,
 void CEntFixedInsert::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
 void CEntFixedInsert::setMemento(CData& data, const IEntDerivedMemento* memento) {
-  if (memento == nullptr) return;
-  const auto& state = static_cast<const CEntFixedInsertMemento&>(*memento);
-  state.m_attribs.restore(data, *this);
-  m_refSize = state.m_refSize;
-  setInsert(state.m_pnt, state.m_pixels, state.m_rotation);
+  const auto* state = vek0::detail::mementoOf<CEntFixedInsert, CEntFixedInsertMemento>(memento);
+  if (state == nullptr) return;
+  state->m_attribs.restore(data, *this);
+  m_refSize = state->m_refSize;
+  setInsert(state->m_pnt, state->m_pixels, state->m_rotation);
 }
 
 void CEntFixedInsert::GetBdry(double pixelSize, RECT_3D& box) const { DoCalcBdry(pixelSize, box); }
@@ -301,12 +305,16 @@ void CEntInsertXRef::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
 void CEntInsertXRef::addTbls(IHandleGestor& gestor) const {
   CEntInsert::addTbls(gestor);
-  m_depend.add(getXRef());
+  countReference(true);
 }
 
 void CEntInsertXRef::removeTbls(IHandleGestor& gestor) const {
-  m_depend.remove(getXRef());
+  countReference(false);
   CEntInsert::removeTbls(gestor);
+}
+
+void CEntInsertXRef::countReference(bool on) const {
+  on ? m_depend.add(getXRef()) : m_depend.remove(getXRef());
 }
 
 CBlockXRef* CEntInsertXRef::getXRef() const {
@@ -325,7 +333,7 @@ AttribsMemento::AttribsMemento(const CEntInsertBase& insert) : m_block(insert.ge
   m_attribs.reserve(insert.m_attribs.size());
   for (const auto& attrib : insert.m_attribs)
     m_attribs.push_back({attrib.get(), attrib->getLayer(), attrib->getLtype(), attrib->getColor(),
-                         CEntAttribMemento(*attrib)});
+                         attrib->GetHandle(), CEntAttribMemento(*attrib)});
 }
 
 bool AttribsMemento::matches(const CEntInsertBase& insert) const {
@@ -356,7 +364,7 @@ std::unique_ptr<CEntAttrib> AttribsMemento::remake(CData& data, const Entry& ent
   const CEntAttribMemento& state = entry.state;
   return std::unique_ptr<CEntAttrib>(data.getEntFactory().createEntAttrib(
       data.getHandleGestor(), entry.layer, entry.ltype, entry.color, state.getText(),
-      state.getTag(), state.getFlags(), 0));
+      state.getTag(), state.getFlags(), entry.handle));
 }
 
 void AttribsMemento::replaceAll(CData& data, CEntInsertBase& insert) const {
@@ -366,7 +374,9 @@ void AttribsMemento::replaceAll(CData& data, CEntInsertBase& insert) const {
   // Everything that can run out of memory comes before the first change.
   std::vector<std::unique_ptr<CEntAttrib>> restored;
   for (const Entry& entry : m_attribs) {
-    const bool reuse = present.count(entry.attrib) != 0;
+    // Another one may have come to stand at the address of one that was deleted.
+    const auto found = present.find(entry.attrib);
+    const bool reuse = found != present.end() && found->first->GetHandle() == entry.handle;
     restored.push_back(reuse ? nullptr : remake(data, entry));
     if (!reuse && !restored.back()) return;
   }

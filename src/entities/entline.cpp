@@ -14,7 +14,8 @@ CEntLine::CEntLine(const CEntLine& src, long handle) : CEnt(src, handle), m_line
 void CEntLine::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
 void CEntLine::setMemento(CData&, const IEntDerivedMemento* memento) {
-  if (memento != nullptr) setLine(static_cast<const CEntLineMemento*>(memento)->value());
+  const auto* state = vek0::detail::mementoOf<CEntLine, CEntLineMemento>(memento);
+  if (state != nullptr) setLine(state->value());
 }
 
 void CEntLine::calcBdry() {

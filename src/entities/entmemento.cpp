@@ -14,3 +14,5 @@ IEntDerivedMemento::~IEntDerivedMemento() = default;
 bool IEntDerivedMemento::operator!=(const CEnt& ent) const { return !operator==(ent); }
 
 IEntDerivedMemento* IEntDerivedMemento::fitMemento(const CEnt&) { return nullptr; }
+
+short IEntDerivedMemento::getType() const { return 0; }

@@ -1,12 +1,13 @@
 #include "vek0core/entities/entmovevisitor.h"
 
-#include "vek0core/entities/block.h"
+#include <cmath>
+
+#include "entities/hatchtransform.h"
 #include "vek0core/entities/ent3dface.h"
 #include "vek0core/entities/entarc.h"
 #include "vek0core/entities/entattdef.h"
 #include "vek0core/entities/entattrib.h"
 #include "vek0core/entities/entcircle.h"
-#include "vek0core/entities/enthatch.h"
 #include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entpnt.h"
@@ -27,6 +28,12 @@ void moveInsert(Insert& ent, const PNT_3D& delta) {
 }
 
 }  // namespace
+
+// A move by nothing changes nothing, which is what becomes of one that is no move.
+CEntMoveVisitor::CEntMoveVisitor(const PNT_3D& delta) : m_delta(delta) {
+  if (!std::isfinite(delta.x) || !std::isfinite(delta.y) || !std::isfinite(delta.z))
+    m_delta.set(0, 0, 0);
+}
 
 void CEntMoveVisitor::visit(CEntPnt& ent) {
   ent.getPnt().move(m_delta);
@@ -66,12 +73,7 @@ void CEntMoveVisitor::visit(CEntFixedInsert& ent) { moveInsert(ent, m_delta); }
 void CEntMoveVisitor::visit(CEntInsertXRef& ent) { moveInsert(ent, m_delta); }
 
 void CEntMoveVisitor::visit(CEntHatch& ent) {
-  if (CBlock* block = ent.getBlock()) {
-    for (unsigned i = 0; i < block->size(); ++i) (*block)[i]->accept(*this);
-    block->calcBdry();
-  }
-  for (long i = 0; i < ent.getNoPnts(); ++i) ent.setPnt(i, ent.getPnt(i) + m_delta);
-  ent.calcBdry();
+  vek0::detail::transformHatch(ent, *this, [this](PNT_3D& p) { p.move(m_delta); });
 }
 
 void CEntMoveVisitor::visit(CEnt3DFace& ent) {

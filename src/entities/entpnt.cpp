@@ -14,7 +14,8 @@ CEntPnt::CEntPnt(const CEntPnt& src, long handle) : CEnt(src, handle), m_pnt(src
 void CEntPnt::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
 void CEntPnt::setMemento(CData&, const IEntDerivedMemento* memento) {
-  if (memento != nullptr) setPnt(static_cast<const CEntPntMemento*>(memento)->value());
+  const auto* state = vek0::detail::mementoOf<CEntPnt, CEntPntMemento>(memento);
+  if (state != nullptr) setPnt(state->value());
 }
 
 void CEntPnt::calcBdry() {

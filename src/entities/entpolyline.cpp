@@ -1,9 +1,11 @@
 #include "vek0core/entities/entpolyline.h"
 
 #include <algorithm>
+#include <cmath>
 #include <new>
 #include <unordered_set>
 
+#include "entities/newornull.h"
 #include "vek0core/assert.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/entities/entfactory.h"
@@ -296,6 +298,21 @@ void CEntPolyline::SetVertexWidth(int i, double widthStart, double widthEnd) {
 void CEntPolyline::translate(const PNT_3D& delta) {
   m_packed.translate(delta);
   for (CVertex* vertex : m_vertexes) vertex->getPnt().move(delta);
+}
+
+// Bulges are ratios: turning and scaling change neither them nor the number of chords.
+void CEntPolyline::rotate(const PNT_3D& centre, double angleRad) {
+  m_packed.rotate(centre, angleRad);
+  for (CVertex* vertex : m_vertexes) vertex->getPnt().rotate(centre, angleRad);
+}
+
+void CEntPolyline::scale(const PNT_3D& centre, double factor) {
+  m_packed.scale(centre, factor);
+  for (CVertex* vertex : m_vertexes) {
+    vertex->getPnt().scale(centre, factor);
+    vertex->SetWidthStart(vertex->GetWidthStart() * std::fabs(factor));
+    vertex->SetWidthEnd(vertex->GetWidthEnd() * std::fabs(factor));
+  }
 }
 
 bool CEntPolyline::isWide() const {
@@ -610,19 +627,18 @@ void CEntPolyline::createPartition(std::vector<PNT_3D>& points) const {
 // --- Undo
 
 void CEntPolyline::setMemento(CData& data, const IEntDerivedMemento* memento) {
-  if (memento == nullptr) return;
-  const auto& state = *static_cast<const CEntPolylineMemento*>(memento);
+  const auto* kept = vek0::detail::mementoOf<CEntPolyline, CEntPolylineMemento>(memento);
+  if (kept == nullptr) return;
+  const CEntPolylineMemento& state = *kept;
   if (isPacked() && !state.m_packed.empty()) {
     m_packed = state.m_packed;
   } else {
     unpack();
     const auto entries = state.entries();
-    if (entries.size() == m_vertexes.size()) {
-      for (std::size_t i = 0; i < entries.size(); ++i)
-        m_vertexes[i]->setMemento(&entries[i].second);
-    } else {
+    if (entries.size() != m_vertexes.size())
       replaceVertexes(data.getHandleGestor(), data.getEntFactory(), entries);
-    }
+    for (std::size_t i = 0; i < entries.size(); ++i)
+      resetVertex(*m_vertexes[i], entries[i], data.getHandleGestor().handling());
     m_runs = state.arcRuns();
   }
   m_firstVisible = state.m_firstVisible;
@@ -633,6 +649,13 @@ void CEntPolyline::setMemento(CData& data, const IEntDerivedMemento* memento) {
   setBdry(state.m_bdry);
 }
 
+// A booked handle stays with its vertex. Others go with the place: among as many vertices
+// as before there may be different ones.
+void CEntPolyline::resetVertex(CVertex& vertex, const MementoEntry& entry, bool isBooked) {
+  if (!isBooked) vertex = CVertex(vertex, entry.handle);
+  vertex.setMemento(&entry.values);
+}
+
 void CEntPolyline::replaceVertexes(IHandleGestor& gestor, CEntFactory& factory,
                                    const std::vector<MementoEntry>& entries) {
   releaseFrom(0, gestor);
@@ -640,13 +663,12 @@ void CEntPolyline::replaceVertexes(IHandleGestor& gestor, CEntFactory& factory,
   std::vector<std::unique_ptr<CVertex>> made;
   std::vector<CVertex*> list;
   list.reserve(entries.size());
-  for (const auto& [recorded, values] : entries) {
-    CVertex* vertex = recorded;
-    if (aside.erase(recorded) == 0) {
+  for (const MementoEntry& entry : entries) {
+    CVertex* vertex = entry.vertex;
+    if (aside.erase(vertex) == 0) {
       vertex = orThrow(factory.createVertex(gestor, PNT_3D(0, 0, 0), 0, 0, 0));
       made.emplace_back(vertex);
     }
-    vertex->setMemento(&values);
     list.push_back(vertex);
   }
   for (auto& vertex : made) static_cast<void>(vertex.release());
@@ -656,7 +678,7 @@ void CEntPolyline::replaceVertexes(IHandleGestor& gestor, CEntFactory& factory,
 }
 
 IEntDerivedMemento* CEntPolyline::createDerivedMemento() const {
-  return new (std::nothrow) CEntPolylineMemento(*this);
+  return vek0::detail::newOrNull<CEntPolylineMemento>(*this);
 }
 
 CEntPolylineMemento::CEntPolylineMemento(const CEntPolyline& polyline)
@@ -670,7 +692,8 @@ CEntPolylineMemento::CEntPolylineMemento(const CEntPolyline& polyline)
   std::erase_if(m_runs, [](const auto& run) { return run.bulge == 0; });
   m_vertexes.reserve(polyline.m_vertexes.size());
   for (CVertex* v : polyline.m_vertexes) {
-    m_vertexes.emplace_back(v, CVertexMemento(v->getPnt(), v->GetWidthStart(), v->GetWidthEnd()));
+    m_vertexes.push_back(
+        {v, v->GetHandle(), CVertexMemento(v->getPnt(), v->GetWidthStart(), v->GetWidthEnd())});
   }
 }
 
@@ -680,7 +703,7 @@ std::vector<CEntPolyline::MementoEntry> CEntPolylineMemento::entries() const {
   std::vector<CEntPolyline::MementoEntry> entries;
   entries.reserve(m_packed.size());
   m_packed.forEach([&entries](const ChainVertex& v) {
-    entries.emplace_back(nullptr, CVertexMemento(v.pnt, v.widthStart, v.widthEnd));
+    entries.push_back({nullptr, v.handle, CVertexMemento(v.pnt, v.widthStart, v.widthEnd)});
   });
   return entries;
 }
@@ -692,7 +715,7 @@ bool CEntPolylineMemento::operator==(const CEnt& ent) const {
     return false;
   }
   if (!m_packed.empty() && !now.m_packed.empty()) return now.m_packed == m_packed;
-  const auto sameValues = [](const auto& a, const auto& b) { return a.second == b.second; };
+  const auto sameValues = [](const auto& a, const auto& b) { return a.values == b.values; };
   const auto mine = entries();
   const auto its = now.entries();
   return std::equal(mine.begin(), mine.end(), its.begin(), its.end(), sameValues) &&

@@ -1,6 +1,7 @@
 #include "vek0core/entities/enttable.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <unordered_map>
 #include <utility>
@@ -33,7 +34,9 @@ class CEntTable::HandleIndex {
     const long handle = ent->GetHandle();
     if (handle == 0) return;
     const auto [at, isNew] = m_first.try_emplace(handle, ent);
-    if (!isNew) m_others.emplace(std::make_pair(handle, ent->m_pos), ent);
+    if (isNew) return;
+    if (ent->m_pos < at->second->m_pos) std::swap(ent, at->second);
+    m_others.emplace(std::make_pair(handle, ent->m_pos), ent);
   }
 
   void remove(const CEnt* ent) {
@@ -81,9 +84,28 @@ CEntTable::~CEntTable() { clearAll(); }
 
 void CEntTable::add(CEnt* ent) {
   if (ent == nullptr || ent->m_owner != nullptr || m_isView) return;
-  ent->m_node = m_entities.insert(m_entities.end(), ent);
+  insert(ent, m_entities.end(), m_nextRank);
+  ++m_nextRank;
+}
+
+CEntTable::Place CEntTable::getPlace(const CEnt& ent) const {
+  const auto next = std::next(ent.m_node);
+  return {next != m_entities.end() ? *next : nullptr, ent.m_pos};
+}
+
+void CEntTable::restore(CEnt* ent, const Place& place) {
+  if (ent == nullptr || ent->m_owner != nullptr || m_isView) return;
+  const auto next = holds(place.next) ? Node(place.next->m_node) : m_entities.end();
+  const bool fits = (next == m_entities.end() || place.rank < (*next)->m_pos) &&
+                    (next == m_entities.begin() || (*std::prev(next))->m_pos < place.rank);
+  if (!fits) return add(ent);
+  insert(ent, next, place.rank);
+}
+
+void CEntTable::insert(CEnt* ent, Node before, std::size_t rank) {
+  ent->m_node = m_entities.insert(before, ent);
   ent->m_owner = this;
-  ent->m_pos = m_nextRank++;
+  ent->m_pos = rank;
   ent->addTbls(*m_gestor);
   if (m_index != nullptr) m_index->add(ent);
   if (m_bdryValid && !isFrozen(*ent)) m_bdry.updateRegion(ent->getBdry());

@@ -24,7 +24,8 @@ void CEntText::removeTbls(IHandleGestor& gestor) const {
 }
 
 void CEntText::setMemento(CData&, const IEntDerivedMemento* memento) {
-  if (memento != nullptr) restoreText(static_cast<const CEntTextMemento*>(memento)->getText());
+  const auto* state = vek0::detail::mementoOf<CEntText, CEntTextMemento>(memento);
+  if (state != nullptr) restoreText(state->getText());
 }
 
 CStyle* CEntText::getStyle() const { return m_text.getStyle(); }

@@ -8,11 +8,12 @@ CLayerMemento::CLayerMemento(const CLayer& layer)
     : m_name(layer.getName()),
       m_ltype(layer.getLtype()),
       m_flags(layer.getFlags()),
-      m_color(layer.getColor()) {}
+      m_color(layer.getColor()),
+      m_lineWidth(layer.getLineWidth()) {}
 
 bool CLayerMemento::operator==(const CLayer& layer) const {
   return m_name == layer.getName() && m_ltype == layer.getLtype() && m_flags == layer.getFlags() &&
-         m_color == layer.getColor();
+         m_color == layer.getColor() && m_lineWidth == layer.getLineWidth();
 }
 
 void CLayer::setLtype(CLtype* ltype) {
@@ -32,6 +33,7 @@ void CLayer::setMemento(const CLayerMemento& memento) {
   setFlags(memento.m_flags);
   setLtype(memento.m_ltype);
   m_color = memento.m_color;
+  m_lineWidth = memento.m_lineWidth;
 }
 
 CLayer* CLayerFactory::create(const CLayer& src) try {

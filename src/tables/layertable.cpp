@@ -14,6 +14,12 @@ void CLayerTable::remove(CLayer* layer) {
   if (layer->getLtype()) layer->getLtype()->decLayer();
 }
 
+void CLayerTable::restore(CLayer* layer, const Place& place) {
+  const int before = size();
+  CNamedItemTableImp::restore(layer, place);
+  if (size() > before && layer->getLtype()) layer->getLtype()->addLayer();
+}
+
 CLayer* CLayerTable::get(std::u16string_view name) const {
   if (name == u"0") return m_layer0;
   return static_cast<CLayer*>(CNamedItemTableImp::get(name));

@@ -120,5 +120,36 @@ CLtypeComplexDashSeqMemento* CLtypeComplexDashSeq::CreateMemento() const try {
 }
 
 void CLtypeComplexDashSeq::SetMemento(const CLtypeComplexDashSeqMemento* memento) {
-  if (memento) *this = memento->GetDashes();
+  if (!memento) return;
+  CLtypeComplexDashSeq restored;
+  for (const auto& dash : memento->m_dashes) {
+    if (const TEXT_3D* text = std::get_if<TEXT_3D>(&dash))
+      restored.AddDashText(*text);
+    else
+      restored.AddDashDouble(std::get<double>(dash));
+  }
+  m_dashes.swap(restored.m_dashes);
+  m_length = restored.m_length;
+}
+
+CLtypeComplexDashSeqMemento::CLtypeComplexDashSeqMemento(const CLtypeComplexDashSeq& dashes) {
+  m_dashes.reserve(static_cast<std::size_t>(dashes.GetNoDashes()));
+  for (int i = 0; i < dashes.GetNoDashes(); ++i) {
+    if (const TEXT_3D* text = dashes[i]->GetText())
+      m_dashes.emplace_back(*text);
+    else
+      m_dashes.emplace_back(dashes[i]->GetValue());
+  }
+}
+
+bool CLtypeComplexDashSeqMemento::operator==(const CLtypeComplexDashSeq& dashes) const {
+  if (m_dashes.size() != static_cast<std::size_t>(dashes.GetNoDashes())) return false;
+  for (int i = 0; i < dashes.GetNoDashes(); ++i) {
+    const auto& kept = m_dashes[static_cast<std::size_t>(i)];
+    const TEXT_3D* text = std::get_if<TEXT_3D>(&kept);
+    if ((text != nullptr) != dashes[i]->IsText()) return false;
+    if (text ? *text != *dashes[i]->GetText() : std::get<double>(kept) != dashes[i]->GetValue())
+      return false;
+  }
+  return true;
 }

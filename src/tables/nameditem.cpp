@@ -7,10 +7,12 @@
 #include <string>
 #include <utility>
 
+#include "tables/holes.h"
 #include "tables/ranktree.h"
 
 namespace {
 
+constexpr std::size_t kLongRun = 64;  // holes that are passed over before they are closed
 constexpr std::size_t kMostDigits = std::numeric_limits<int>::digits10 + 1;
 
 bool isDigit(zim::Char unit) { return unit >= u'0' && unit <= u'9'; }
@@ -122,6 +124,38 @@ void CNamedItemTableImp::remove(CNamedItem* item) {
   ++m_holes;
   if (m_ranks) m_ranks->remove(item->m_pos);
   item->m_table = nullptr;
+}
+
+CNamedItemTableImp::Place CNamedItemTableImp::getPlace(const CNamedItem& item) const {
+  std::size_t next = vek0::detail::firstUsed(m_items, item.m_pos + 1);
+  if (next > item.m_pos + kLongRun) {
+    compact();
+    next = item.m_pos + 1;
+  }
+  return {next < m_items.size() ? m_items[next] : nullptr, item.m_rank};
+}
+
+std::size_t CNamedItemTableImp::slotFor(const Place& place) {
+  const std::size_t at = contains(place.next) ? place.next->m_pos : m_items.size();
+  const std::size_t before = m_items.size();
+  const auto moved = [](CNamedItem& item, std::size_t pos) { item.m_pos = pos; };
+  const std::size_t slot = vek0::detail::holeBefore(m_items, at, m_holes, moved);
+  if (m_items.size() != before) m_ranks.reset();
+  return slot;
+}
+
+void CNamedItemTableImp::restore(CNamedItem* item, const Place& place) {
+  if (!item || item->m_table || m_isView) return;
+  m_byName.reserveOne();
+  const std::size_t slot = slotFor(place);
+  item->m_rank = place.rank;
+  m_byName.insert(item);
+  changeNumbers(item->m_name, &Numbers::take);
+  item->m_pos = slot;
+  item->m_table = this;
+  m_items[slot] = item;
+  --m_holes;
+  if (m_ranks) m_ranks->fill(slot);
 }
 
 CNamedItem* CNamedItemTableImp::get(std::u16string_view name) const { return m_byName.find(name); }

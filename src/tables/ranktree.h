@@ -30,6 +30,12 @@ class RankTree {
       --m_counts[node];
   }
 
+  /// The hole at `position` is put to use.
+  void fill(std::size_t position) {
+    for (std::size_t node = position + 1; node < m_counts.size(); node += lowBit(node))
+      ++m_counts[node];
+  }
+
   /// Position of the slot in use before which there are `rank` others; the number of
   /// slots when there is none.
   std::size_t select(std::size_t rank) const {

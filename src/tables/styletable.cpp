@@ -13,6 +13,11 @@ void CStyleTable::remove(CStyle* style) {
   CNamedItemTableImp::remove(style);
 }
 
+void CStyleTable::restore(CStyle* style, const Place& place) {
+  CNamedItemTableImp::restore(style, place);
+  if (contains(style) && style->isStandard()) m_standard = static_cast<CStyleStandard*>(style);
+}
+
 void CStyleTable::clearAll() {
   m_standard = nullptr;
   CNamedItemTableImp::clearAll();

@@ -65,6 +65,18 @@ class VEK0_API CBlock : public CNamedItem {
   /// Appends an entity that is stored relative to the base point already.
   void restore(CEnt* ent);
 
+  /// Where an entity of this block stands: what it takes to put it there again. Constant
+  /// time but for long runs of holes.
+  struct Place {
+    const CEnt* next;  ///< null at the end
+  };
+  Place getPlace(const CEnt& ent) const;
+  /// Puts an entity that was taken out back to where it stood, unmoved. What stood next to
+  /// it has to be back already, as it is when removals are undone last to first; where it
+  /// is not, the entity goes to the end. Costs what `restore` does, unless the block was
+  /// closed up meanwhile: then it is linear once in a while.
+  void restore(CEnt* ent, const Place& place);
+
   /// Recomputes the extents over all entities, attribute definitions included, which
   /// every other way of computing them leaves out.
   void calcBdry();
@@ -137,10 +149,12 @@ class VEK0_API CBlock : public CNamedItem {
   class BdryWalk;
 
   static std::uint64_t nextSerial();
+  static void disown(CEnt& ent);
   CEnt* at(std::size_t i) const;
   std::size_t firstRaw(std::size_t from) const;
   void compact() const;
   void append(CEnt* ent);
+  void own(CEnt& ent, std::size_t pos);
   bool isBdryStale() const { return m_bdryStale || m_noBoxed < m_entities.size(); }
   void refreshBdry() const;
   void growBdry();
@@ -213,8 +227,9 @@ class VEK0_API CBlockMemento {
   bool operator==(const CBlock& block) const { return block == *this; }
   bool operator!=(const CBlock& block) const { return block != *this; }
 
-  /// Deletes every entity of the list: for discarding the undo of a redefinition, or
-  /// of a block's creation. The entities must be in no block any more.
+  /// Deletes the entities of the list that no block and no table holds: for discarding
+  /// the undo of a redefinition, or of a block's creation. While the block still has
+  /// them, nothing happens.
   void destroyEntity();
 
  private:

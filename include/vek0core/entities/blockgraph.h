@@ -51,6 +51,11 @@ class VEK0_API CBlockGraph {
   /// graph already is ignored. Linear in the block's entities.
   void addBlock(CBlock& block);
 
+  /// The same, but before the item of `next`; at the end when that has none.
+  void addBlock(CBlock& block, const CBlock* next);
+  /// The block whose item follows, null at the end and for a block that has none.
+  const CBlock* getNext(const CBlock& block) const;
+
   /// Takes a block out that no other block inserts, and answers 0. Otherwise the block
   /// stays, as the last of the order, and the answer is 1. A block that is not in this
   /// graph answers 0.

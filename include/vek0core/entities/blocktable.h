@@ -3,6 +3,7 @@
 #include <list>
 #include <memory>
 #include <string_view>
+#include <vector>
 
 #include "vek0core/entities/blockgraph.h"
 #include "vek0core/export.h"
@@ -37,6 +38,18 @@ class VEK0_API CBlockTable : public CNamedItemTableImp {
   /// Takes the block out, which the caller owns from then on, also when other blocks
   /// insert it; their inserts then still name it. What is not in the table is ignored.
   virtual void remove(CBlock* block);
+
+  using CNamedItemTableImp::contains;
+  /// Where a block stands in the table and in its graph, and which blocks insert it.
+  struct Place {
+    CNamedItemTableImp::Place item;
+    const CBlock* graphNext;  ///< null at the end
+    std::vector<CBlock*> users;
+  };
+  Place getPlace(const CBlock& block) const;
+  /// Puts a block that was taken out back to where it stood, with the edges of the blocks
+  /// that insert it; see `CNamedItemTableImp::restore`.
+  void restore(CBlock* block, const Place& place);
 
   /// First block added of that name, letter case ignored; null when there is none.
   CBlock* get(std::u16string_view name) const;

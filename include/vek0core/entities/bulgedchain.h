@@ -75,11 +75,14 @@ class VEK0_API BulgedChain {
   /// points, but only those next to an arc's extremes are computed.
   void growBdry(RECT_3D& box) const;
 
-  /// Edits of given vertices. Points may be written only where there are no bulges.
+  /// Edits of given vertices. One point may be written only where there are no bulges.
   void setPos(std::size_t i, const PNT_3D& pnt);
   void setWidth(std::size_t i, double widthStart, double widthEnd);
   void setWidth(double width);
   void translate(const PNT_3D& delta);
+  void rotate(const PNT_3D& centre, double angleRad);
+  /// Points about `centre`, widths by the factor's magnitude.
+  void scale(const PNT_3D& centre, double factor);
   void clearHandles();
 
   /// Same vertices and shape, handles aside.

@@ -93,6 +93,11 @@ class VEK0_API CEnt : public IHandleEnt {
     return m_bdry;
   }
 
+  /// Whether a table or a block owns it.
+  bool isHeld() const { return m_owner != nullptr; }
+  /// The block that owns it, or null.
+  CBlock* getOwnerBlock() const;
+
   /// Whether it is selected in the table that it is in.
   bool isSelected() const { return m_selected; }
 
@@ -181,6 +186,7 @@ class VEK0_API CEnt : public IHandleEnt {
   short m_color;
   bool m_bdryDirty = false;
   bool m_selected = false;
+  bool m_inBlock = false;  // the owner is a block
   bool m_watched = false;  // in a table whose watchers hear of changed extents
 
   // A drawing has millions of entities and removing one may not search: each knows

@@ -80,6 +80,7 @@ class VEK0_API CEnt3DFaceMemento final : public IEntDerivedMemento {
 
   bool operator==(const CEnt& ent) const override;
   std::size_t size() const override { return sizeof *this; }
+  short getType() const override { return CEnt3DFace::kType; }
 
  private:
   friend class CEnt3DFace;

@@ -58,6 +58,7 @@ class VEK0_API CEntAttdefMemento final : public CEntTextMemento {
 
   bool operator==(const CEnt& ent) const override;
   std::size_t size() const override { return sizeof *this; }
+  short getType() const override { return CEntAttdef::kType; }
 
  private:
   friend class CEntAttdef;

@@ -59,6 +59,7 @@ class VEK0_API CEntAttribMemento final : public CEntTextMemento {
 
   bool operator==(const CEnt& ent) const override;
   std::size_t size() const override { return sizeof *this; }
+  short getType() const override { return CEntAttrib::kType; }
 
   const zim::WString& getTag() const { return m_tag; }
   long getFlags() const { return m_flags; }

@@ -62,6 +62,10 @@ class VEK0_API CEntHatch : public CEntInsertBase {
   /// deleted unless something else shows it.
   bool redefine(CData& data, double scale, double rotate, const HATCH_TYPE& type);
 
+  /// Shows that block, with those parameters, and generates nothing: for a host that keeps
+  /// the blocks, to take a `redefine` back. Tables of blocks and graphs are the host's.
+  void setShown(CBlock* block, double scale, double rotate, const HATCH_TYPE& type);
+
  protected:
   friend class CEntFactory;
   friend class CEntHatchMemento;
@@ -105,6 +109,7 @@ class VEK0_API CEntHatchMemento final : public IEntDerivedMemento {
 
   bool operator==(const CEnt& ent) const override;
   std::size_t size() const override;
+  short getType() const override { return CEntHatch::kType; }
 
  private:
   friend class CEntHatch;

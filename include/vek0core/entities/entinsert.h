@@ -72,6 +72,10 @@ class VEK0_API CEntInsertBase : public CEnt {
   /// A copy that shows another block and has no attributes.
   CEntInsertBase(const CEntInsertBase& src, CBlock* block, long handle);
 
+  /// Counts the insert on what is recorded of its block elsewhere, or takes that back:
+  /// told while the insert is registered and the block is the one in question.
+  virtual void countReference(bool on) const;
+
   /// Shows another block; counts move only while the insert is registered.
   void replaceBlock(CBlock* block);
 
@@ -207,6 +211,7 @@ class VEK0_API CEntInsertXRef : public CEntInsert {
 
   CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
               CBlockTable& blockTable, long handle) const override;
+  void countReference(bool on) const override;
 
  private:
   CBlockXRefDepend& m_depend;
@@ -215,7 +220,7 @@ class VEK0_API CEntInsertXRef : public CEntInsert {
 namespace vek0::detail {
 
 /// Snapshot of an insert's block and attributes: for every attribute the object, its
-/// layer, linetype and colour, and its memento. The objects are only compared by
+/// layer, linetype, colour and handle, and its memento. The objects are only compared by
 /// address, so they may be deleted meanwhile.
 class AttribsMemento {
  public:
@@ -233,6 +238,7 @@ class AttribsMemento {
     CLayer* layer;
     CLtype* ltype;
     short color;
+    long handle;
     CEntAttribMemento state;
   };
 
@@ -253,6 +259,7 @@ class VEK0_API CEntInsertMemento final : public IEntDerivedMemento {
 
   bool operator==(const CEnt& ent) const override;
   std::size_t size() const override { return sizeof *this + m_attribs.heapSize(); }
+  short getType() const override { return CEntInsert::kType; }
 
  private:
   friend class CEntInsert;
@@ -272,6 +279,7 @@ class VEK0_API CEntFixedInsertMemento final : public IEntDerivedMemento {
 
   bool operator==(const CEnt& ent) const override;
   std::size_t size() const override { return sizeof *this + m_attribs.heapSize(); }
+  short getType() const override { return CEntFixedInsert::kType; }
 
  private:
   friend class CEntFixedInsert;

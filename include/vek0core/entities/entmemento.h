@@ -29,8 +29,8 @@ class VEK0_API CEntBaseMemento {
 /// Undo snapshot of what is peculiar to one kind, one class a kind.
 ///
 /// Made by `CEnt::createDerivedMemento`, applied by `CEnt::setMemento` of the same
-/// kind of entity; the caller owns it. Immutable. Layers, styles, blocks and
-/// vertices that it names are not counted and must outlive it.
+/// kind of entity, while the others ignore it; the caller owns it. Immutable. Layers,
+/// styles and blocks that it names are not counted and must outlive it.
 class VEK0_API IEntDerivedMemento {
  public:
   virtual ~IEntDerivedMemento();
@@ -44,9 +44,22 @@ class VEK0_API IEntDerivedMemento {
 
   /// Memory that it takes in bytes, for a host that limits its undo store.
   virtual std::size_t size() const = 0;
+
+  /// The kind whose memento this is, as `CEnt::getType` tells it. A memento that says
+  /// 0, as one of a host's own does here, is no kind's.
+  virtual short getType() const;
 };
 
 namespace vek0::detail {
+
+/// The memento as the class that entities of `Kind` make; null when it is another
+/// kind's, or null. Kinds restore themselves from a pointer to the common base, and a
+/// host may mix its mementos up.
+template <class Kind, class Memento>
+const Memento* mementoOf(const IEntDerivedMemento* memento) {
+  const bool fits = memento != nullptr && memento->getType() == Kind::kType;
+  return fits ? static_cast<const Memento*>(memento) : nullptr;
+}
 
 /// Memento of a kind whose whole state is one geometric value that `Get` reads.
 template <class Kind, class Value, const Value& (Kind::*Get)() const>
@@ -58,6 +71,7 @@ class ValueMemento : public IEntDerivedMemento {
     return ent.getType() == Kind::kType && (static_cast<const Kind&>(ent).*Get)() == m_value;
   }
   std::size_t size() const override { return sizeof *this; }
+  short getType() const override { return Kind::kType; }
 
   const Value& value() const { return m_value; }
 

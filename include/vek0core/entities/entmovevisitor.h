@@ -8,10 +8,10 @@
 ///
 /// Extents are moved along instead of computed anew where that is exact, which keeps
 /// moving wide polylines and texts cheap. A polyline's arcs stay arcs. A `CVertex`
-/// alone is not moved.
+/// alone is not moved. A vector that is not finite moves nothing.
 class VEK0_API CEntMoveVisitor final : public IEntVisitor {
  public:
-  explicit CEntMoveVisitor(const PNT_3D& delta) : m_delta(delta) {}
+  explicit CEntMoveVisitor(const PNT_3D& delta);
 
   using IEntVisitor::visit;
   void visit(CEntPnt& ent) override;

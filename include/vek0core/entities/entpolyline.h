@@ -65,7 +65,8 @@ class VEK0_API CEntPolyline : public CEnt {
   using CEnt::setMemento;
   /// Restores shape and vertices. With the vertex count of the memento the present
   /// vertex objects are kept and reset by position; otherwise those that the memento
-  /// names are reused, missing ones are made, the others are deleted.
+  /// names are reused, missing ones are made, the others are deleted. Handles come back
+  /// too, unless a manager books them.
   void setMemento(CData& data, const IEntDerivedMemento* memento) override;
   short getType() const override { return kType; }
   /// Box of the visible vertices, or of the outline when the polyline is wide;
@@ -118,6 +119,11 @@ class VEK0_API CEntPolyline : public CEnt {
   /// Adds `delta` to every vertex, control points included, without refreshing the
   /// extents; arcs stay arcs, and a packed polyline stays packed.
   void translate(const PNT_3D& delta);
+  /// Turns every vertex about the vertical axis through `centre`, likewise.
+  void rotate(const PNT_3D& centre, double angleRad);
+  /// Scales every vertex about `centre` and the widths by the factor's magnitude,
+  /// likewise. A negative factor is half a turn, which leaves bulges as they are.
+  void scale(const PNT_3D& centre, double factor);
 
   /// Whether a visible vertex has a width other than 0; control points do not count.
   bool isWide() const;
@@ -234,7 +240,11 @@ class VEK0_API CEntPolyline : public CEnt {
     double bulge;
     bool operator==(const ArcRun&) const = default;
   };
-  using MementoEntry = std::pair<CVertex*, CVertexMemento>;
+  struct MementoEntry {
+    CVertex* vertex;  // compared by address only
+    long handle;
+    CVertexMemento values;
+  };
 
   CEntPolyline(const CEntPolyline& src, long handle);  // all but the vertex objects
   CEntPolyline(const CEnt& src, long handle);          // the part that all kinds have
@@ -262,6 +272,7 @@ class VEK0_API CEntPolyline : public CEnt {
   vek0::detail::BulgedChain curveChain() const;
   void emptyBdry();
   void setClosed(IHandleGestor& gestor, CEntFactory& factory, bool closed, bool handles);
+  static void resetVertex(CVertex& vertex, const MementoEntry& entry, bool isBooked);
   void replaceVertexes(IHandleGestor& gestor, CEntFactory& factory,
                        const std::vector<MementoEntry>& entries);
 
@@ -280,7 +291,7 @@ class VEK0_API CEntPolyline : public CEnt {
 };
 
 /// Undo snapshot of a polyline: extents, shape and, for every vertex in order, the
-/// vertex object and what it held. The vertex objects are only compared by address,
+/// vertex object, its handle and what it held. The vertex objects are only compared by address,
 /// so they may be deleted meanwhile. A packed polyline's snapshot is packed too.
 class VEK0_API CEntPolylineMemento final : public IEntDerivedMemento {
  public:
@@ -288,6 +299,7 @@ class VEK0_API CEntPolylineMemento final : public IEntDerivedMemento {
 
   bool operator==(const CEnt& ent) const override;
   std::size_t size() const override;
+  short getType() const override { return CEntPolyline::kType; }
 
  private:
   friend class CEntPolyline;

@@ -58,6 +58,21 @@ class VEK0_API CEntTable {
   /// then on and may add it again, for instance to undo.
   void remove(CEnt* ent);
 
+  /// Where an entity stands: what it takes to put it there again.
+  struct Place {
+    const CEnt* next;  ///< null at the end
+    std::size_t rank;  ///< see `getRank`
+  };
+  /// Where an entity of this table stands.
+  Place getPlace(const CEnt& ent) const;
+  /// As `add`, but puts an entity that was removed back to where it stood, with the rank
+  /// that it had. What stood next to it has to be back already, as it is when removals are
+  /// undone last to first; where it is not, the entity is appended.
+  void restore(CEnt* ent, const Place& place);
+
+  /// Whether the entity is in this table.
+  bool contains(const CEnt* ent) const { return holds(ent); }
+
   void select(CEnt* ent);           ///< appends to the selection
   void unselect(CEnt* ent);         ///< takes out of the selection
   void select(CEnt* ent, bool on);  ///< `select` or `unselect`
@@ -102,6 +117,9 @@ class VEK0_API CEntTable {
   friend class CEnt;
   class HandleIndex;
 
+  using Node = std::list<CEnt*>::iterator;
+
+  void insert(CEnt* ent, Node before, std::size_t rank);
   void tellReshaped(CEnt& ent) const;
   bool holds(const CEnt* ent) const { return ent != nullptr && ent->m_owner == this; }
   bool reachesBorder(const CEnt& ent) const;

@@ -64,6 +64,7 @@ class VEK0_API CEntTextMemento : public IEntDerivedMemento {
 
   bool operator==(const CEnt& ent) const override;
   std::size_t size() const override { return sizeof *this; }
+  short getType() const override { return CEntText::kType; }
 
   const TEXT_3D& getText() const { return m_text; }
 

@@ -21,7 +21,8 @@ class VEK0_API ILayerVisitor {
 /// Line width of a layer: any value of the host's, kept and not interpreted. 0 is the default.
 enum enumLineWidth : int { lineWidthDefault = 0 };
 
-/// Snapshot of a layer, for undo. Borrows the linetype.
+/// Snapshot of a layer, for undo: name, linetype, flags, colour and line width. Borrows the
+/// linetype.
 class VEK0_API CLayerMemento {
  public:
   explicit CLayerMemento(const CLayer& layer);
@@ -36,6 +37,7 @@ class VEK0_API CLayerMemento {
   CLtype* m_ltype;
   long m_flags;
   short m_color;
+  enumLineWidth m_lineWidth;
 };
 
 /// Layer: default colour and linetype of entities, and whether they are shown and may

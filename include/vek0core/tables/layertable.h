@@ -8,6 +8,8 @@
 /// by name, before any item of that name. Listed layers count on their linetypes.
 class VEK0_API CLayerTable : public CNamedItemTableImp {
  public:
+  using CNamedItemTableImp::contains;
+  using CNamedItemTableImp::getPlace;
   /// Layer "0" must outlive the table.
   explicit CLayerTable(CLayer0& layer0) : m_layer0(&layer0) {}
   /// A view, see `CNamedItemTableImp`; it names the source's layer "0".
@@ -19,6 +21,8 @@ class VEK0_API CLayerTable : public CNamedItemTableImp {
   /// Takes it out; the caller owns it from then on. The linetype counts one layer less
   /// even when the layer was not in the table.
   void remove(CLayer* layer);
+  /// Puts a layer back to where it stood (`getPlace`), as if it had never been removed.
+  void restore(CLayer* layer, const Place& place);
   /// "0" exactly gives layer "0"; otherwise the first layer added of that name, letter
   /// case ignored; null when there is none.
   CLayer* get(std::u16string_view name) const;

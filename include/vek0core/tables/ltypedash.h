@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstddef>
 #include <memory>
+#include <variant>
 #include <vector>
 
 #include "vek0core/export.h"
@@ -102,16 +103,17 @@ class VEK0_API CLtypeComplexDashSeq {
   double m_length = 0;
 };
 
-/// Snapshot of a sequence, for undo.
+/// Snapshot of a sequence, for undo. Unlike the elements themselves it does not count on
+/// the styles of its texts, and may outlive them as long as it is not applied.
 class VEK0_API CLtypeComplexDashSeqMemento {
  public:
-  explicit CLtypeComplexDashSeqMemento(const CLtypeComplexDashSeq& dashes) : m_dashes(dashes) {}
-  bool operator==(const CLtypeComplexDashSeq& dashes) const { return m_dashes == dashes; }
-  bool operator!=(const CLtypeComplexDashSeq& dashes) const { return m_dashes != dashes; }
-  const CLtypeComplexDashSeq& GetDashes() const { return m_dashes; }
+  explicit CLtypeComplexDashSeqMemento(const CLtypeComplexDashSeq& dashes);
+  bool operator==(const CLtypeComplexDashSeq& dashes) const;
+  bool operator!=(const CLtypeComplexDashSeq& dashes) const { return !(*this == dashes); }
 
  private:
-  CLtypeComplexDashSeq m_dashes;
+  friend class CLtypeComplexDashSeq;
+  std::vector<std::variant<double, TEXT_3D>> m_dashes;  // lengths and texts
 };
 
 /// Lays the pattern along a way of `length`, from `phase` of it on (both drawing units,

@@ -8,6 +8,8 @@
 /// deleted, but found by name, before any item of the same name.
 class VEK0_API CLtypeTable : public CNamedItemTableImp {
  public:
+  using CNamedItemTableImp::contains;
+  using CNamedItemTableImp::getPlace;
   /// The fixed linetypes must outlive the table.
   CLtypeTable(CLtypeContinuous& continuous, CLtypeByLayer& byLayer, CLtypeByBlock& byBlock)
       : m_continuous(&continuous), m_byLayer(&byLayer), m_byBlock(&byBlock) {}
@@ -18,6 +20,8 @@ class VEK0_API CLtypeTable : public CNamedItemTableImp {
   void add(CLtype* ltype) { CNamedItemTableImp::add(ltype); }
   /// Takes it out; the caller owns it from then on.
   void remove(CLtype* ltype) { CNamedItemTableImp::remove(ltype); }
+  /// Puts a linetype back to where it stood (`getPlace`).
+  void restore(CLtype* ltype, const Place& place) { CNamedItemTableImp::restore(ltype, place); }
   /// The linetype of that name, letter case ignored; null when there is none.
   CLtype* get(std::u16string_view name) const;
   /// Linetype `i` of the list in order of addition; unchecked.

@@ -41,6 +41,9 @@ class VEK0_API CNamedItem {
   /// Sets the bits of `mask` when `on`, else clears them.
   void setFlags(long mask, bool on) { m_flags = on ? m_flags | mask : m_flags & ~mask; }
 
+  /// Whether a table owns it.
+  bool isHeld() const { return m_table != nullptr; }
+
   /// Number of entities that use the item, see above.
   long getEntities() const { return m_entities; }
   void addEntity() { ++m_entities; }
@@ -80,6 +83,12 @@ class VEK0_API CNamedItem {
 /// source keeps its items and their names.
 class VEK0_API CNamedItemTableImp {
  public:
+  /// Where an item stands in its table: what it takes to put it there again.
+  struct Place {
+    const CNamedItem* next;  ///< null at the end
+    std::size_t rank;        ///< of addition
+  };
+
   /// Number of items.
   int size() const { return static_cast<int>(m_items.size() - m_holes); }
 
@@ -104,6 +113,13 @@ class VEK0_API CNamedItemTableImp {
   void add(CNamedItem* item);
   /// Takes the item out; the caller owns it from then on. Others are ignored.
   void remove(CNamedItem* item);
+  /// Where an item of this table stands. Constant time but for long runs of holes.
+  Place getPlace(const CNamedItem& item) const;
+  /// Puts an item that was taken out back to where it stood, so that order and look-ups
+  /// are as before. What stood next to it has to be back already, as it is when removals
+  /// are undone last to first; where it is not, the item goes to the end. Costs what `add`
+  /// does, unless the table was closed up meanwhile: then it is linear once in a while.
+  void restore(CNamedItem* item, const Place& place);
   /// Takes all items out at once, for less than one by one; the caller owns them from
   /// then on. A view only forgets them and answers none. In order.
   std::vector<CNamedItem*> removeAll();
@@ -148,6 +164,7 @@ class VEK0_API CNamedItemTableImp {
   void rename(CNamedItem* item, const zim::WString& name);
   void changeNumbers(std::u16string_view name, NumberChange change);
   void compact() const;
+  std::size_t slotFor(const Place& place);
 
   mutable std::vector<CNamedItem*> m_items;  // null where an item was removed
   mutable std::size_t m_holes = 0;

@@ -8,6 +8,8 @@
 /// list, and is an item like any other.
 class VEK0_API CStyleTable : public CNamedItemTableImp {
  public:
+  using CNamedItemTableImp::contains;
+  using CNamedItemTableImp::getPlace;
   /// Makes "STANDARD" with the font table's default font.
   CStyleTable();
   /// A view, see `CNamedItemTableImp`.
@@ -17,6 +19,8 @@ class VEK0_API CStyleTable : public CNamedItemTableImp {
   void add(CStyle* style) { CNamedItemTableImp::add(style); }
   /// Takes it out; the caller owns it. Without its "STANDARD" the table has none.
   void remove(CStyle* style);
+  /// Puts a style back to where it stood (`getPlace`); "STANDARD" is that again.
+  void restore(CStyle* style, const Place& place);
   /// First style added of that name, letter case ignored; null when there is none.
   CStyle* get(std::u16string_view name) const {
     return static_cast<CStyle*>(CNamedItemTableImp::get(name));

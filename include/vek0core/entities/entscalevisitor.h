@@ -1,0 +1,40 @@
+#pragma once
+
+#include "vek0core/entities/entvisitor.h"
+#include "vek0core/export.h"
+#include "vek0core/geometry/pnt.h"
+
+/// Scales the entities that accept it about a centre, all three axes alike.
+///
+/// A negative factor is its magnitude and, seen from above, half a turn: radii, widths,
+/// heights and pattern scales are multiplied by the magnitude, the angles of texts, arcs
+/// and hatch patterns gain pi, and inserts take the signed factor, which is the same. The
+/// spacings of an insert's array are multiplied too, since the insert's own scales do not
+/// reach them. Attributes stand in the block's coordinates and are left alone; a hatch
+/// scales with the lines that it shows. A factor of 0, which nothing could undo, and a
+/// centre or factor that is not finite scale nothing. A `CVertex` alone is not scaled.
+class VEK0_API CEntScaleVisitor final : public IEntVisitor {
+ public:
+  CEntScaleVisitor(const PNT_3D& centre, double factor);
+
+  using IEntVisitor::visit;
+  void visit(CEntPnt& ent) override;
+  void visit(CEntLine& ent) override;
+  void visit(CEntCircle& ent) override;
+  void visit(CEntArc& ent) override;
+  void visit(CEntPolyline& ent) override;
+  void visit(CEntText& ent) override;
+  void visit(CEntAttdef& ent) override;
+  void visit(CEntInsert& ent) override;
+  void visit(CEntFixedInsert& ent) override;
+  void visit(CEntInsertXRef& ent) override;
+  void visit(CEntAttrib& ent) override;
+  void visit(CEntHatch& ent) override;
+  void visit(CEnt3DFace& ent) override;
+
+ private:
+  bool isHalfTurned() const { return m_factor < 0; }
+
+  PNT_3D m_centre;
+  double m_factor;
+};

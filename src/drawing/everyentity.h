@@ -1,0 +1,44 @@
+#pragma once
+
+#include "vek0core/drawing/data.h"
+#include "vek0core/entities/block.h"
+#include "vek0core/entities/entattrib.h"
+#include "vek0core/entities/entinsert.h"
+
+namespace vek0::detail {
+
+/// Hands every entity of the drawing to `each`, which answers whether to go on: those of
+/// blocks first, those of external references if asked for, then model space. Answers
+/// whether it came to the end. Attributes come with their inserts.
+template <class Each>
+bool forEveryEntity(CData& data, bool withXRefs, const Each& each) {
+  const auto walk = [&each](CBlock& block) {
+    for (unsigned i = 0; i < block.size(); ++i)
+      if (!each(*block[i])) return false;
+    return true;
+  };
+  for (int i = 0; i < data.getBlockTable().size(); ++i)
+    if (!walk(*data.getBlockTable()[i])) return false;
+  for (int i = 0; withXRefs && i < data.getBlockXRefTable().size(); ++i)
+    if (!walk(*data.getBlockXRefTable()[i])) return false;
+  for (CEnt* ent : data.getEntTable().getEntityTbl())
+    if (!each(*ent)) return false;
+  return true;
+}
+
+/// Hands the attributes of an insert to `each`; other entities have none.
+template <class Each>
+void forEveryAttrib(CEnt& ent, const Each& each) {
+  CEntInsertBase* insert = ent.getEntInsert();
+  for (unsigned i = 0; insert != nullptr && i < insert->GetNoAttribs(); ++i)
+    each(*insert->GetAttrib(i));
+}
+
+/// Brings extents up to date that depend on this entity's.
+inline void spreadBdry(CData& data, CEnt& ent) {
+  ent.calcBdry();
+  if (CBlock* block = ent.getOwnerBlock()) block->invalidateBdry();
+  data.getEntTable().invalidateBdry();
+}
+
+}  // namespace vek0::detail

@@ -1,0 +1,129 @@
+#include "vek0core/drawing/tableremapper.h"
+
+#include <optional>
+
+#include "drawing/everyentity.h"
+#include "drawing/uncountededit.h"
+#include "vek0core/drawing/data.h"
+#include "vek0core/drawing/undostack.h"
+
+using vek0::detail::UncountedEdit;
+
+namespace {
+
+// What stands for the item; null when nothing does, or the item itself.
+template <class Item>
+Item* replacementOf(const std::map<Item*, Item*>& map, Item* item) {
+  const auto found = map.find(item);
+  return item == nullptr || found == map.end() || found->second == item ? nullptr : found->second;
+}
+
+}  // namespace
+
+CTableRemapper::CTableRemapper(CData& data, bool withXRefs)
+    : m_data(data), m_withXRefs(withXRefs) {}
+
+void CTableRemapper::Remap() { remapAll(nullptr); }
+
+bool CTableRemapper::Remap(CUndoStack& undo) {
+  const bool isOwnStep = !undo.isOpen();
+  undo.begin({});
+  const bool done = remapAll(&undo);
+  if (!done && isOwnStep)
+    undo.rollback();
+  else
+    undo.commit();
+  return done;
+}
+
+bool CTableRemapper::remapAll(CUndoStack* undo) {
+  return remapLtypes(undo) && remapLayers(undo) && remapEntities(undo) && remapCurrent(undo);
+}
+
+bool CTableRemapper::remapLtypes(CUndoStack* undo) {
+  for (CData::CLtypeIterator ltype(m_data, m_withXRefs, false); *ltype != nullptr; ++ltype)
+    if (!remapTexts(**ltype, undo)) return false;
+  return true;
+}
+
+bool CTableRemapper::remapTexts(CLtype& ltype, CUndoStack* undo) {
+  CLtypeComplexDashSeq& dashes = ltype.GetDashSeq();
+  for (int i = 0; i < dashes.GetNoDashes(); ++i) {
+    const TEXT_3D* old = dashes[i]->GetText();
+    CStyle* style = old != nullptr ? replacementOf(m_styles, old->getStyle()) : nullptr;
+    if (style == nullptr) continue;
+    if (undo != nullptr && !undo->keep(ltype)) return false;
+    TEXT_3D text(*old);
+    text.setStyle(style);
+    dashes.RemoveDash(i);
+    dashes.InsertDashText(i, text);
+  }
+  return true;
+}
+
+bool CTableRemapper::remapLayers(CUndoStack* undo) {
+  for (CData::CLayerIterator layer(m_data, m_withXRefs); *layer != nullptr; ++layer) {
+    CLtype* ltype = replacementOf(m_ltypes, (*layer)->getLtype());
+    if (ltype == nullptr) continue;
+    if (undo != nullptr && !undo->keep(**layer)) return false;
+    (*layer)->setLtype(ltype);
+  }
+  return true;
+}
+
+bool CTableRemapper::remapEntities(CUndoStack* undo) {
+  return vek0::detail::forEveryEntity(m_data, m_withXRefs,
+                                      [&](CEnt& ent) { return remapEnt(ent, undo); });
+}
+
+bool CTableRemapper::remapEnt(CEnt& ent, CUndoStack* undo) {
+  const auto hasStyle = [this](const CEnt& e) {
+    return replacementOf(m_styles, e.getStyle()) != nullptr;
+  };
+  const auto hasItem = [this](const CEnt& e) {
+    return replacementOf(m_layers, e.getLayer()) != nullptr ||
+           replacementOf(m_ltypes, e.getLtype()) != nullptr;
+  };
+  bool ofAttribs = false, restyled = hasStyle(ent);
+  vek0::detail::forEveryAttrib(ent, [&](CEntAttrib& attrib) {
+    restyled = restyled || hasStyle(attrib);
+    ofAttribs = ofAttribs || hasStyle(attrib) || hasItem(attrib);
+  });
+  const bool properties = hasItem(ent), geometry = restyled || ofAttribs;
+  if (!properties && !geometry) return true;
+  if (undo != nullptr && properties && !undo->keepProperties(ent)) return false;
+  if (undo != nullptr && geometry && !undo->keepGeometry(ent)) return false;
+
+  replace(ent);
+  const bool uncounted = UncountedEdit::isFor(ent.getOwnerBlock());
+  vek0::detail::forEveryAttrib(ent, [&](CEntAttrib& attrib) {
+    std::optional<UncountedEdit> edit;
+    if (uncounted) edit.emplace(attrib);
+    replace(attrib);
+  });
+  // A frozen layer hides what it holds from the extents, a font makes texts wider.
+  m_data.getEntTable().invalidateBdry();
+  if (restyled) vek0::detail::spreadBdry(m_data, ent);
+  return true;
+}
+
+void CTableRemapper::replace(CEnt& ent) {
+  std::optional<UncountedEdit> edit;
+  if (UncountedEdit::isFor(ent.getOwnerBlock())) edit.emplace(ent);
+  if (CLayer* layer = replacementOf(m_layers, ent.getLayer())) ent.setLayer(layer);
+  if (CLtype* ltype = replacementOf(m_ltypes, ent.getLtype())) ent.setLtype(ltype);
+  if (CStyle* style = replacementOf(m_styles, ent.getStyle())) ent.setStyle(style);
+}
+
+bool CTableRemapper::remapCurrent(CUndoStack* undo) {
+  CDataVariables& vars = m_data.getVars();
+  CLayer* layer = replacementOf(m_layers, vars.getCurLayer());
+  CLtype* ltype = replacementOf(m_ltypes, vars.getCurLtype());
+  CStyle* style = replacementOf(m_styles, vars.getCurStyle());
+  if (layer == nullptr && ltype == nullptr && style == nullptr) return true;
+  if (undo != nullptr && !undo->keepVars()) return false;
+  if (layer != nullptr) vars.setCurLayer(layer);
+  if (ltype != nullptr) vars.setCurLtype(ltype);
+  if (style != nullptr) vars.setCurStyle(style);
+  return true;
+}

@@ -1,0 +1,142 @@
+#pragma once
+
+// What comes into a drawing and goes out of it. While it is out, the action owns it.
+
+#include <optional>
+#include <vector>
+
+#include "drawing/undoaction.h"
+#include "vek0core/drawing/data.h"
+#include "vek0core/entities/block.h"
+
+namespace vek0::detail {
+
+/// Bytes of an entity with its vertices or attributes, roughly.
+std::size_t bytesOf(const CEnt& ent);
+std::size_t bytesOf(const CBlock& block);
+std::size_t bytesOf(const CNamedItem& item);
+
+/// Something that is in or out; `Member` owns it while it is out.
+template <class Item>
+class Membership : public UndoAction {
+ public:
+  ~Membership() override {
+    if (!m_isIn) delete m_item;
+  }
+  bool swap(CData& data) final {
+    m_isIn ? take(data) : put(data);
+    m_isIn = !m_isIn;
+    return true;
+  }
+  void letGo() final { m_isIn = true; }
+  std::size_t size() const override { return sizeof *this + (m_isIn ? 0 : bytesOf(*m_item)); }
+
+ protected:
+  Membership(Item& item, bool isIn) : m_item(&item), m_isIn(isIn) {}
+  virtual void take(CData& data) = 0;
+  virtual void put(CData& data) = 0;
+  bool isIn() const { return m_isIn; }
+
+  Item* m_item;
+
+ private:
+  bool m_isIn;
+};
+
+/// An entity of model space.
+class EntMembership final : public Membership<CEnt> {
+ public:
+  EntMembership(CEnt& ent, bool isIn) : Membership(ent, isIn) {}
+
+ private:
+  void take(CData& data) override;
+  void put(CData& data) override;
+
+  std::optional<CEntTable::Place> m_place;  // none before the first time
+};
+
+/// An entity of a block.
+class BlockEntMembership final : public Membership<CEnt> {
+ public:
+  BlockEntMembership(CBlock& block, CEnt& ent, bool isIn) : Membership(ent, isIn), m_block(block) {}
+
+ private:
+  void take(CData& data) override;
+  void put(CData& data) override;
+  bool isRegistered(const CData& data) const;
+  void refresh(CData& data);
+
+  CBlock& m_block;
+  std::optional<CBlock::Place> m_place;
+};
+
+/// The texts of a linetype count on their styles as long as they exist. Those of one that
+/// is out of the drawing shall not, except while it is destroyed.
+void countTexts(const CLtype& ltype, bool on);
+inline void countTexts(const CNamedItem&, bool) {}
+
+/// An item of a table.
+template <class Table, class Item>
+class ItemMembership final : public Membership<Item> {
+ public:
+  ItemMembership(Table& table, Item& item, bool isIn)
+      : Membership<Item>(item, isIn), m_table(table) {}
+  ~ItemMembership() override {
+    if (!this->isIn() && m_place) countTexts(*this->m_item, true);
+  }
+
+ private:
+  void take(CData&) override {
+    m_place = m_table.getPlace(*this->m_item);
+    m_table.remove(this->m_item);
+    countTexts(*this->m_item, false);
+  }
+  void put(CData&) override {
+    if (!m_place) return m_table.add(this->m_item);
+    countTexts(*this->m_item, true);
+    m_table.restore(this->m_item, *m_place);
+  }
+
+  Table& m_table;
+  std::optional<typename Table::Place> m_place;
+};
+
+/// The content of a block, redefined.
+class ContentExchange final : public UndoAction {
+ public:
+  /// To be made before the redefinition; `old` is what the block has then.
+  explicit ContentExchange(CBlock& block);
+  ~ContentExchange() override;
+  bool isValid() const { return m_memento != nullptr; }
+  bool swap(CData& data) override;
+  std::size_t size() const override;
+  void letGo() override { m_owned.clear(); }
+  /// After the redefinition: what the block had is this action's.
+  void adopt() { m_owned.swap(m_present); }
+
+ private:
+  void notePresent();
+
+  CBlock& m_block;
+  std::unique_ptr<CBlockMemento> m_memento;
+  std::vector<CEnt*> m_present;  // what the block has, until it has something else
+  std::vector<CEnt*> m_owned;
+};
+
+/// The block that a hatch shows, with its parameters.
+class HatchExchange final : public UndoAction {
+ public:
+  HatchExchange(CEntHatch& hatch, CBlock* block, double scale, double rotate,
+                const HATCH_TYPE& type)
+      : m_hatch(hatch), m_block(block), m_scale(scale), m_rotate(rotate), m_type(&type) {}
+  bool swap(CData& data) override;
+  std::size_t size() const override { return sizeof *this; }
+
+ private:
+  CEntHatch& m_hatch;
+  CBlock* m_block;
+  double m_scale, m_rotate;
+  const HATCH_TYPE* m_type;
+};
+
+}  // namespace vek0::detail

@@ -1,0 +1,99 @@
+#pragma once
+
+// Snapshots of what a host changes in place. Undoing exchanges the snapshot for one of the
+// present state, so an edit has one of them at a time.
+
+#include <memory>
+
+#include "drawing/undoaction.h"
+#include "vek0core/drawing/datavariables.h"
+#include "vek0core/entities/block.h"
+#include "vek0core/entities/entmemento.h"
+
+namespace vek0::detail {
+
+/// Layer, linetype and colour of an entity.
+class PropertiesSnapshot final : public UndoAction {
+ public:
+  static constexpr int kPart = 0;
+
+  explicit PropertiesSnapshot(CEnt& ent) : m_ent(ent), m_memento(ent.createBaseMemento()) {}
+  bool isValid() const { return m_memento != nullptr; }
+  bool swap(CData& data) override;
+  std::size_t size() const override { return sizeof *this + sizeof *m_memento; }
+  const void* snapshotOf() const override { return &m_ent; }
+
+ private:
+  CEnt& m_ent;
+  std::unique_ptr<CEntBaseMemento> m_memento;
+};
+
+/// What is peculiar to an entity's kind.
+class GeometrySnapshot final : public UndoAction {
+ public:
+  static constexpr int kPart = 1;
+
+  explicit GeometrySnapshot(CEnt& ent) : m_ent(ent), m_memento(ent.createDerivedMemento()) {}
+  bool isValid() const { return m_memento != nullptr; }
+  bool swap(CData& data) override;
+  std::size_t size() const override { return sizeof *this + m_memento->size(); }
+  const void* snapshotOf() const override;
+  int part() const override { return kPart; }
+
+ private:
+  CEnt& m_ent;
+  std::unique_ptr<IEntDerivedMemento> m_memento;
+};
+
+/// A table item.
+template <class Item, class Memento>
+class ItemSnapshot final : public UndoAction {
+ public:
+  static constexpr int kPart = 0;
+
+  explicit ItemSnapshot(Item& item) : m_item(item), m_memento(item.createMemento()) {}
+  bool isValid() const { return m_memento != nullptr; }
+  bool swap(CData& data) override;
+  std::size_t size() const override;
+  const void* snapshotOf() const override { return &m_item; }
+
+ private:
+  Item& m_item;
+  std::unique_ptr<Memento> m_memento;
+};
+
+/// What a block's memento does not hold of a block's head: name, flags, words of the host.
+class BlockHeadSnapshot final : public UndoAction {
+ public:
+  static constexpr int kPart = 0;
+
+  explicit BlockHeadSnapshot(CBlock& block);
+  bool isValid() const { return true; }
+  bool swap(CData& data) override;
+  std::size_t size() const override;
+  const void* snapshotOf() const override { return &m_block; }
+
+ private:
+  CBlock& m_block;
+  zim::WString m_name;
+  long m_flags;
+  int m_userType, m_userData;
+};
+
+/// The variables, current items included.
+class VarsSnapshot final : public UndoAction {
+ public:
+  static constexpr int kPart = 0;
+
+  explicit VarsSnapshot(CDataVariables& vars) : m_vars(vars), m_kept(vars) {}
+  bool isValid() const { return true; }
+  bool swap(CData& data) override;
+  std::size_t size() const override { return sizeof *this; }
+  const void* snapshotOf() const override { return &m_vars; }
+
+ private:
+  CDataVariables& m_vars;
+  CDataVariables m_kept;
+};
+
+}  // namespace vek0::detail

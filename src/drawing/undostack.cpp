@@ -1,0 +1,417 @@
+#include "vek0core/drawing/undostack.h"
+
+#include <algorithm>
+#include <iterator>
+#include <new>
+#include <utility>
+
+#include "drawing/undomembers.h"
+#include "drawing/undosnapshots.h"
+#include "vek0core/entities/entcast.h"
+#include "vek0core/entities/enthatch.h"
+
+using vek0::detail::BlockEntMembership;
+using vek0::detail::BlockHeadSnapshot;
+using vek0::detail::ContentExchange;
+using vek0::detail::EntMembership;
+using vek0::detail::GeometrySnapshot;
+using vek0::detail::HatchExchange;
+using vek0::detail::ItemMembership;
+using vek0::detail::ItemSnapshot;
+using vek0::detail::PropertiesSnapshot;
+using vek0::detail::VarsSnapshot;
+
+namespace {
+
+constexpr std::size_t kAllocatorBytes = 16;  // what a heap object takes beside itself
+
+bool isUsed(const CData& data, const CLayer& layer) {
+  return layer.getEntities() > 0 || data.getVars().getCurLayer() == &layer;
+}
+bool isUsed(const CData& data, const CLtype& ltype) {
+  return ltype.getEntities() > 0 || ltype.getLayers() > 0 || data.getVars().getCurLtype() == &ltype;
+}
+bool isUsed(const CData& data, const CStyle& style) {
+  return style.getEntities() > 0 || style.getDashes() > 0 || data.getVars().getCurStyle() == &style;
+}
+bool isUsed(const CData&, const CBlock& block) { return block.getEntities() > 0; }
+
+// Whether the block is there for one hatch and nothing shows it at present.
+bool isIdleHatchBlock(const CBlockTable& table, const CBlock* block) {
+  return block != nullptr && table.contains(block) && isHatchName(block->getName()) &&
+         block->getEntities() <= 0;
+}
+
+// A set that was large once would cost its size at every `clear`.
+void forgetTargets(std::unordered_set<const void*> (&targets)[2]) {
+  for (auto& part : targets) std::unordered_set<const void*>().swap(part);
+}
+
+bool areFree(const std::list<CEnt*>& entities) {
+  return std::none_of(entities.begin(), entities.end(),
+                      [](const CEnt* ent) { return ent == nullptr || ent->isHeld(); });
+}
+
+}  // namespace
+
+// An edit outside a step is a step of its own.
+class CUndoStack::AutoStep {
+ public:
+  explicit AutoStep(CUndoStack& stack) : m_stack(stack) { m_stack.begin({}); }
+  AutoStep(const AutoStep&) = delete;
+  AutoStep& operator=(const AutoStep&) = delete;
+  ~AutoStep() { m_stack.commit(); }
+
+ private:
+  CUndoStack& m_stack;
+};
+
+CUndoStack::CUndoStack(CData& data, std::size_t limit) : m_data(data), m_limit(limit) {}
+
+CUndoStack::~CUndoStack() { clear(); }
+
+// --- Steps
+
+void CUndoStack::begin(const zim::WString& name) {
+  if (m_depth == 0) m_open.emplace_back().name = name;
+  ++m_depth;
+}
+
+bool CUndoStack::commit() {
+  if (m_depth == 0 || --m_depth != 0) return false;
+  forgetTargets(m_kept);
+  if (actions().empty()) {
+    m_open.clear();
+    return false;
+  }
+  forgetUndone();
+  m_open.front().id = ++m_lastId;
+  m_done.splice(m_done.end(), m_open);
+  measure(m_done.back());
+  trim();
+  return true;
+}
+
+void CUndoStack::rollback() {
+  if (m_depth == 0) return;
+  unwind(0);
+  m_depth = 0;
+  m_open.clear();
+  forgetTargets(m_kept);
+}
+
+// Takes back what the open step has done since it had `count` actions.
+void CUndoStack::unwind(std::size_t count) {
+  for (; actions().size() > count; actions().pop_back()) swapOne(*actions().back());
+}
+
+bool CUndoStack::undo() {
+  if (m_depth != 0 || m_done.empty() || !swapAll(m_done.back(), false)) return false;
+  m_undone.splice(m_undone.end(), m_done, std::prev(m_done.end()));
+  measure(m_undone.back());
+  return true;
+}
+
+bool CUndoStack::redo() {
+  if (m_depth != 0 || m_undone.empty() || !swapAll(m_undone.back(), true)) return false;
+  m_done.splice(m_done.end(), m_undone, std::prev(m_undone.end()));
+  measure(m_done.back());
+  return true;
+}
+
+// All of a step or nothing: what was done before a failure is turned back.
+bool CUndoStack::swapAll(Step& step, bool forward) {
+  const std::size_t count = step.actions.size();
+  const auto action = [&](std::size_t i) -> Action& {
+    return *step.actions[forward ? i : count - 1 - i];
+  };
+  for (std::size_t i = 0; i < count; ++i) {
+    if (swapOne(action(i))) continue;
+    while (i > 0) swapOne(action(--i));
+    return false;
+  }
+  return true;
+}
+
+bool CUndoStack::swapOne(Action& action) {
+  try {
+    return action.swap(m_data);
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
+bool CUndoStack::merge() {
+  if (m_depth != 0 || m_done.size() < 2) return false;
+  Step& into = *std::prev(m_done.end(), 2);
+  Step& from = m_done.back();
+  std::vector<bool> isNews;
+  try {
+    noteSnapshots(into);
+    into.actions.reserve(into.actions.size() + from.actions.size());
+    for (const auto& action : from.actions) {
+      const void* target = action->snapshotOf();
+      isNews.push_back(target == nullptr || m_merged[action->part()].insert(target).second);
+    }
+  } catch (const std::bad_alloc&) {
+    m_mergedId = 0;
+    return false;
+  }
+  m_bytes -= from.bytes;
+  for (std::size_t i = 0; i < isNews.size(); ++i) {
+    // The older snapshot of the two is the one to go back to.
+    if (!isNews[i]) continue;
+    into.bytes += bytesOf(*from.actions[i]);
+    m_bytes += bytesOf(*from.actions[i]);
+    into.actions.push_back(std::move(from.actions[i]));
+  }
+  m_done.pop_back();
+  return true;
+}
+
+// Which things the step has snapshots of. Kept from one merge to the next: a long row of
+// small steps joined to a large one must not look at all of that each time.
+void CUndoStack::noteSnapshots(const Step& step) {
+  if (m_mergedId == step.id) return;
+  forgetTargets(m_merged);
+  for (const auto& action : step.actions)
+    if (const void* target = action->snapshotOf()) m_merged[action->part()].insert(target);
+  m_mergedId = step.id;
+}
+
+void CUndoStack::clear() {
+  rollback();
+  forgetUndone();
+  while (!m_done.empty()) dropOldest();
+  m_mergedId = 0;
+}
+
+const zim::WString& CUndoStack::getUndoName() const {
+  return m_done.empty() ? m_noName : m_done.back().name;
+}
+
+const zim::WString& CUndoStack::getRedoName() const {
+  return m_undone.empty() ? m_noName : m_undone.back().name;
+}
+
+void CUndoStack::setLimit(std::size_t bytes) {
+  m_limit = bytes;
+  if (m_depth == 0) trim();
+}
+
+std::size_t CUndoStack::bytesOf(const Action& action) {
+  return action.size() + sizeof(std::unique_ptr<Action>) + kAllocatorBytes;
+}
+
+void CUndoStack::measure(Step& step) {
+  m_bytes -= step.bytes;
+  step.bytes = sizeof step;
+  for (const auto& action : step.actions) step.bytes += bytesOf(*action);
+  m_bytes += step.bytes;
+}
+
+void CUndoStack::trim() {
+  while (m_bytes > m_limit && m_done.size() > 1) dropOldest();
+}
+
+// What an action owns is named only by what went before it: in done steps by things that
+// were removed earlier, in undone ones by things that were added later. Those go first.
+void CUndoStack::dropOldest() {
+  Step& step = m_done.front();
+  m_bytes -= step.bytes;
+  for (auto& action : step.actions) action.reset();
+  m_done.pop_front();
+}
+
+void CUndoStack::forgetUndone() {
+  for (Step& step : m_undone) {
+    m_bytes -= step.bytes;
+    while (!step.actions.empty()) step.actions.pop_back();
+  }
+  m_undone.clear();
+}
+
+// Adds an action whose edit is made, or is about to be made by the host.
+bool CUndoStack::record(std::unique_ptr<Action> action) {
+  if (!action) return false;
+  const AutoStep step(*this);
+  try {
+    actions().push_back(nullptr);
+  } catch (const std::bad_alloc&) {
+    action->letGo();
+    return false;
+  }
+  actions().back() = std::move(action);
+  return true;
+}
+
+// Makes an edit, by doing for the first time what redoing does.
+bool CUndoStack::perform(std::unique_ptr<Action> action) {
+  const AutoStep step(*this);
+  Action* const edit = action.get();
+  if (!record(std::move(action))) return false;
+  if (swapOne(*edit)) return true;
+  edit->letGo();
+  actions().pop_back();
+  return false;
+}
+
+// --- Before a change in place
+
+template <class Snapshot, class Target>
+bool CUndoStack::keepOnce(Target& target) {
+  const AutoStep step(*this);
+  auto& kept = m_kept[Snapshot::kPart];
+  if (kept.count(&target) != 0) return true;
+  try {
+    auto snapshot = std::make_unique<Snapshot>(target);
+    const void* id = snapshot->snapshotOf();
+    if (!snapshot->isValid() || !record(std::move(snapshot))) return false;
+    if (id != nullptr) kept.insert(id);
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
+bool CUndoStack::keep(CEnt& ent) {
+  const AutoStep step(*this);
+  return keepProperties(ent) && keepGeometry(ent);
+}
+
+bool CUndoStack::keepProperties(CEnt& ent) { return keepOnce<PropertiesSnapshot>(ent); }
+bool CUndoStack::keepGeometry(CEnt& ent) { return keepOnce<GeometrySnapshot>(ent); }
+bool CUndoStack::keep(CLayer& layer) {
+  return keepOnce<ItemSnapshot<CLayer, CLayerMemento>>(layer);
+}
+bool CUndoStack::keep(CLtype& ltype) {
+  return keepOnce<ItemSnapshot<CLtype, CLtypeMemento>>(ltype);
+}
+bool CUndoStack::keep(CStyle& style) {
+  return keepOnce<ItemSnapshot<CStyle, CStyleMemento>>(style);
+}
+bool CUndoStack::keep(CBlock& block) { return keepOnce<BlockHeadSnapshot>(block); }
+bool CUndoStack::keepVars() { return keepOnce<VarsSnapshot>(m_data.getVars()); }
+
+// --- Adding, removing, redefining
+
+bool CUndoStack::add(CEnt* ent) {
+  if (ent == nullptr || ent->isHeld()) return false;
+  const AutoStep step(*this);
+  const std::size_t before = actions().size();
+  if (bringBlock(*ent) && perform(newAction<EntMembership>(*ent, false))) return true;
+  forget(before);
+  return false;
+}
+
+bool CUndoStack::add(CBlock& block, CEnt* ent) {
+  if (ent == nullptr || ent->isHeld()) return false;
+  const CBlockGraph& graph = m_data.getBlockTable().getBlockGraph();
+  const CEntInsertBase* insert = ent->getEntInsert();
+  CBlock* inner = insert != nullptr ? insert->getBlock() : nullptr;
+  if (inner != nullptr && !graph.canSubstitute(block, {inner})) return false;
+  const AutoStep step(*this);
+  const std::size_t before = actions().size();
+  if (bringBlock(*ent) && perform(newAction<BlockEntMembership>(block, *ent, false))) return true;
+  forget(before);
+  return false;
+}
+
+bool CUndoStack::remove(CEnt* ent) {
+  if (ent == nullptr) return false;
+  CBlock* owner = ent->getOwnerBlock();
+  if (owner == nullptr && !m_data.getEntTable().contains(ent)) return false;
+  const AutoStep step(*this);
+  const std::size_t before = actions().size();
+  const bool removed = owner != nullptr ? perform(newAction<BlockEntMembership>(*owner, *ent, true))
+                                        : perform(newAction<EntMembership>(*ent, true));
+  const CEntHatch* hatch = castHatch(ent);
+  if (removed && (hatch == nullptr || takeBlock(hatch->getBlock()))) return true;
+  unwind(before);
+  return false;
+}
+
+// The block of a hatch that is about to be added went into the table when the hatch was
+// made: from now on it comes and goes with the hatch.
+bool CUndoStack::bringBlock(CEnt& ent) {
+  CBlockTable& table = m_data.getBlockTable();
+  const CEntHatch* hatch = castHatch(&ent);
+  CBlock* block = hatch != nullptr ? hatch->getBlock() : nullptr;
+  if (!isIdleHatchBlock(table, block)) return true;
+  return record(newAction<ItemMembership<CBlockTable, CBlock>>(table, *block, true));
+}
+
+bool CUndoStack::takeBlock(CBlock* block) {
+  return !isIdleHatchBlock(m_data.getBlockTable(), block) || remove(block);
+}
+
+// Drops actions that no edit belongs to, and what they own is not theirs.
+void CUndoStack::forget(std::size_t count) {
+  for (; actions().size() > count; actions().pop_back()) actions().back()->letGo();
+}
+
+template <class Made, class... Args>
+std::unique_ptr<Made> CUndoStack::newAction(Args&&... args) {
+  return std::unique_ptr<Made>(new (std::nothrow) Made(std::forward<Args>(args)...));
+}
+
+template <class Table, class Item>
+bool CUndoStack::addItem(Table& table, Item* item) {
+  if (item == nullptr || item->isHeld()) return false;
+  return perform(newAction<ItemMembership<Table, Item>>(table, *item, false));
+}
+
+template <class Table, class Item>
+bool CUndoStack::removeItem(Table& table, Item* item) {
+  if (item == nullptr || !table.contains(item) || isUsed(m_data, *item)) return false;
+  return perform(newAction<ItemMembership<Table, Item>>(table, *item, true));
+}
+
+bool CUndoStack::add(CLayer* layer) { return addItem(m_data.getLayerTable(), layer); }
+bool CUndoStack::add(CLtype* ltype) { return addItem(m_data.getLtypeTable(), ltype); }
+bool CUndoStack::add(CStyle* style) { return addItem(m_data.getStyleTable(), style); }
+bool CUndoStack::add(CBlock* block) { return addItem(m_data.getBlockTable(), block); }
+bool CUndoStack::remove(CLayer* layer) { return removeItem(m_data.getLayerTable(), layer); }
+bool CUndoStack::remove(CLtype* ltype) { return removeItem(m_data.getLtypeTable(), ltype); }
+bool CUndoStack::remove(CStyle* style) { return removeItem(m_data.getStyleTable(), style); }
+bool CUndoStack::remove(CBlock* block) { return removeItem(m_data.getBlockTable(), block); }
+
+bool CUndoStack::redefine(CBlock& block, const PNT_3D& base, long flags,
+                          const std::list<CEnt*>& newEntities) {
+  CBlockTable& table = m_data.getBlockTable();
+  if (!table.contains(&block) || !areFree(newEntities)) return false;
+  if (!table.canRedefine(&block, newEntities)) return false;
+  const AutoStep step(*this);
+  auto exchange = newAction<ContentExchange>(block);
+  if (!exchange || !exchange->isValid()) return false;
+  ContentExchange& made = *exchange;
+  if (!record(std::move(exchange))) return false;
+  table.Redefine(&block, base, flags, newEntities);
+  made.adopt();
+  m_data.getEntTable().invalidateBdry();
+  return true;
+}
+
+bool CUndoStack::redefine(CEntHatch& hatch, double scale, double rotate, const HATCH_TYPE& type) {
+  if (scale == hatch.getHatchScale() && rotate == hatch.getHatchRotate() &&
+      &type == &hatch.getHatchType())
+    return true;
+  CBlockTable& table = m_data.getBlockTable();
+  std::unique_ptr<CBlock> fresh(createHatch({}, type, scale, rotate, hatch.getBoundary(), m_data));
+  if (!fresh) return false;
+  const AutoStep step(*this);
+  const std::size_t before = actions().size();
+  CBlock* const old = hatch.getBlock();
+  // The old block goes first, so that its number is free for the new one.
+  if (perform(newAction<HatchExchange>(hatch, fresh.get(), scale, rotate, type)) &&
+      takeBlock(old)) {
+    fresh->setName(getHatchName(table));
+    if (add(fresh.get())) {
+      static_cast<void>(fresh.release());
+      if (CBlock* owner = hatch.getOwnerBlock()) table.updateBlock(owner);
+      return true;
+    }
+  }
+  unwind(before);
+  return false;
+}

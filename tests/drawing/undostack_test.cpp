@@ -1,0 +1,361 @@
+#include "vek0core/drawing/undostack.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <list>
+#include <map>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "drawing/drawings.h"
+#include "drawing/randomeditor.h"
+#include "vek0core/vek0core.h"
+
+namespace {
+
+using vek0::test::addedBlock;
+using vek0::test::addedLayer;
+using vek0::test::Drawing;
+using vek0::test::insertOf;
+using vek0::test::newDrawing;
+using vek0::test::RandomEditor;
+using vek0::test::saved;
+
+CEntLine* newLine(CData& data, CLayer* layer = nullptr) {
+  return createEntLine(data, layer ? layer : getCurLayer(data), getCurLtype(data), 256,
+                       LINE_3D(0, 0, 0, 1, 2, 3), 0);
+}
+
+// Every use count of the drawing, by table and position.
+std::string countsOf(const CData& data) {
+  std::string out;
+  const auto write = [&out](const char* kind, long first, long second) {
+    out += std::string(kind) + std::to_string(first) + "/" + std::to_string(second) + " ";
+  };
+  for (CData::CLayerIterator i(data, true); *i != nullptr; ++i)
+    write("layer", (*i)->getEntities(), 0);
+  for (CData::CLtypeIterator i(data, true, true); *i != nullptr; ++i)
+    write("ltype", (*i)->getEntities(), (*i)->getLayers());
+  for (CData::CStyleIterator i(data, true); *i != nullptr; ++i)
+    write("style", (*i)->getEntities(), (*i)->getDashes());
+  for (int i = 0; i < data.getBlockTable().size(); ++i)
+    write("block", data.getBlockTable()[i]->getEntities(), 0);
+  return out;
+}
+
+// A copy is counted afresh.
+std::string recountOf(const CData& data) {
+  const CDataPtr copy(cloneData(data));
+  return countsOf(*copy);
+}
+
+struct Snapshot {
+  std::string file, counts;
+  bool operator==(const Snapshot&) const = default;
+};
+
+Snapshot snapshotOf(const CData& data) {
+  data.getEntTable().invalidateBdry();
+  return {saved(data), countsOf(data)};
+}
+
+// What a drawing was after so many steps.
+class History {
+ public:
+  History(const CData& data, const CUndoStack& undo) : m_data(data), m_undo(undo) {}
+
+  void note(bool isKept) {
+    const std::size_t now = m_undo.getNoUndo();
+    m_states.erase(m_states.lower_bound(now), m_states.end());
+    if (!isKept) return;
+    m_states.emplace(now, snapshotOf(m_data));
+    ASSERT_EQ(countsOf(m_data), recountOf(m_data)) << "after " << now << " steps";
+  }
+  void check() const {
+    const auto state = m_states.find(m_undo.getNoUndo());
+    if (state == m_states.end()) return;
+    const Snapshot now = snapshotOf(m_data);
+    ASSERT_TRUE(now.file == state->second.file) << "after " << state->first << " steps\n"
+                                                << difference(now.file, state->second.file);
+    ASSERT_EQ(now.counts, state->second.counts) << "after " << state->first << " steps";
+  }
+  std::size_t size() const { return m_states.size(); }
+
+ private:
+  static std::string difference(const std::string& a, const std::string& b) {
+    std::size_t at = 0;
+    while (at < a.size() && at < b.size() && a[at] == b[at]) ++at;
+    const std::size_t from = at > 100 ? at - 100 : 0;
+    return a.substr(from, 160) + "\n--- against\n" + b.substr(from, 160);
+  }
+
+  const CData& m_data;
+  const CUndoStack& m_undo;
+  std::map<std::size_t, Snapshot> m_states;
+};
+
+void walkBackAndForth(CUndoStack& undo, const History& history) {
+  while (undo.undo()) ASSERT_NO_FATAL_FAILURE(history.check());
+  EXPECT_EQ(undo.getNoUndo(), 0u);
+  while (undo.redo()) ASSERT_NO_FATAL_FAILURE(history.check());
+  EXPECT_EQ(undo.getNoRedo(), 0u);
+}
+
+TEST(UndoStack, EveryStateComesBackFromAnyOther) {
+  for (unsigned seed = 1; seed <= 12; ++seed) {
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    const Drawing data = newDrawing();
+    CUndoStack undo(*data, ~std::size_t{0});
+    RandomEditor editor(*data, undo, seed);
+    History history(*data, undo);
+    ASSERT_NO_FATAL_FAILURE(history.note(true));
+    for (int i = 0; i < 150; ++i) {
+      editor.edit();
+      ASSERT_NO_FATAL_FAILURE(history.note(true));
+      if (editor.number(10) == 0 && undo.merge()) {
+        ASSERT_NO_FATAL_FAILURE(history.note(true));
+      }
+      if (editor.number(10) != 0) continue;
+      for (int back = editor.number(6); back > 0 && undo.undo(); --back)
+        ASSERT_NO_FATAL_FAILURE(history.check());
+      for (int forth = editor.number(6); forth > 0 && undo.redo(); --forth)
+        ASSERT_NO_FATAL_FAILURE(history.check());
+    }
+    ASSERT_GT(history.size(), 50u);
+    ASSERT_NO_FATAL_FAILURE(walkBackAndForth(undo, history));
+  }
+}
+
+TEST(UndoStack, AHundredThousandEditsGoBackAndForth) {
+  const Drawing data = newDrawing();
+  CUndoStack undo(*data, ~std::size_t{0});
+  RandomEditor editor(*data, undo, 20261121);
+  History history(*data, undo);
+  ASSERT_NO_FATAL_FAILURE(history.note(true));
+  for (int i = 1; i <= 100000; ++i) {
+    editor.edit();
+    ASSERT_NO_FATAL_FAILURE(history.note(i % 1000 == 0));
+  }
+  ASSERT_GT(undo.getNoUndo(), 80000u);
+  walkBackAndForth(undo, history);
+}
+
+TEST(UndoStack, StepsHaveNamesAndNestAndCountOnlyWithEdits) {
+  const Drawing data = newDrawing();
+  CUndoStack undo(*data);
+  undo.begin(u"empty");
+  EXPECT_FALSE(undo.commit());
+  EXPECT_FALSE(undo.undo());
+  undo.begin(u"outer");
+  undo.begin(u"inner");
+  EXPECT_TRUE(undo.add(newLine(*data)));
+  EXPECT_FALSE(undo.commit());
+  EXPECT_FALSE(undo.undo()) << "within an open step";
+  EXPECT_TRUE(undo.commit());
+  EXPECT_FALSE(undo.commit()) << "without an open step";
+  EXPECT_EQ(undo.getUndoName(), zim::WString(u"outer"));
+  EXPECT_TRUE(undo.add(newLine(*data)));
+  EXPECT_EQ(undo.getUndoName(), zim::WString());
+  EXPECT_EQ(undo.getNoUndo(), 2u);
+  EXPECT_TRUE(undo.undo());
+  EXPECT_TRUE(undo.undo());
+  EXPECT_FALSE(undo.undo());
+  EXPECT_EQ(undo.getRedoName(), zim::WString(u"outer"));
+  EXPECT_TRUE(data->getEntTable().getEntityTbl().empty());
+  EXPECT_TRUE(undo.add(newLine(*data)));
+  EXPECT_FALSE(undo.redo()) << "a new edit ends what could be done again";
+}
+
+TEST(UndoStack, RollbackTakesTheWholeStepBack) {
+  const Drawing data = newDrawing();
+  CUndoStack undo(*data);
+  CEntLine* line = newLine(*data);
+  undo.add(line);
+  const Snapshot before = snapshotOf(*data);
+  undo.begin(u"dragging");
+  undo.keep(*line);
+  line->setColor(3);
+  undo.begin(u"inner");
+  undo.add(newLine(*data));
+  undo.remove(line);
+  undo.rollback();
+  EXPECT_FALSE(undo.isOpen());
+  EXPECT_EQ(snapshotOf(*data), before);
+  EXPECT_EQ(undo.getNoUndo(), 1u);
+}
+
+// The second entity from the front has to come back between its neighbours.
+TEST(UndoStack, TheOrderOfDrawingComesBack) {
+  const Drawing data = newDrawing();
+  CUndoStack undo(*data);
+  std::vector<CEnt*> lines;
+  for (int i = 0; i < 100; ++i) undo.add(lines.emplace_back(newLine(*data)));
+  const std::list<CEnt*> before = data->getEntTable().getEntityTbl();
+  std::vector<std::size_t> ranks;
+  for (const CEnt* line : lines) ranks.push_back(CEntTable::getRank(*line));
+  std::mt19937 random(1);
+  std::shuffle(lines.begin(), lines.end(), random);
+  for (CEnt* line : lines) undo.remove(line);
+  for (std::size_t i = 0; i < lines.size(); ++i) undo.undo();
+  EXPECT_EQ(data->getEntTable().getEntityTbl(), before);
+  std::vector<std::size_t> back;
+  for (const CEnt* line : before) back.push_back(CEntTable::getRank(*line));
+  EXPECT_EQ(back, ranks);
+}
+
+TEST(UndoStack, WhatTheDrawingUsesIsNotRemoved) {
+  const Drawing data = newDrawing();
+  CUndoStack undo(*data);
+  CLayer* used = addedLayer(*data, u"used");
+  CLayer* current = addedLayer(*data, u"current");
+  CLayer* idle = addedLayer(*data, u"idle");
+  CBlock* shown = addedBlock(*data, u"shown");
+  setCurLayer(*data, current);
+  data->getEntTable().add(newLine(*data, used));
+  data->getEntTable().add(insertOf(*data, *shown, 1));
+  EXPECT_FALSE(undo.remove(used));
+  EXPECT_FALSE(undo.remove(current));
+  EXPECT_FALSE(undo.remove(&data->getLayer0()));
+  EXPECT_FALSE(undo.remove(&data->getLtypeContinuous()));
+  EXPECT_FALSE(undo.remove(shown));
+  EXPECT_TRUE(undo.remove(idle));
+  EXPECT_EQ(getLayer(*data, u"idle"), nullptr);
+  EXPECT_EQ(undo.getNoUndo(), 1u);
+  EXPECT_TRUE(undo.undo());
+  EXPECT_EQ(getLayer(*data, u"idle"), idle);
+}
+
+// The step before names the layer, so it may not be deleted with what removed it.
+TEST(UndoStack, ARemovedLayerAndBlockOutliveTheStepsThatNameThem) {
+  const Drawing data = newDrawing();
+  CUndoStack undo(*data);
+  CLayer* layer = addedLayer(*data, u"going");
+  CBlock* block = addedBlock(*data, u"going");
+  CEntLine* line = newLine(*data, layer);
+  CEntInsert* insert = insertOf(*data, *block, 1);
+  data->getEntTable().add(line);
+  data->getEntTable().add(insert);
+  const Snapshot before = snapshotOf(*data);
+  undo.begin(u"purge");
+  undo.keep(*line);
+  line->setLayer(&data->getLayer0());
+  EXPECT_TRUE(undo.remove(insert));
+  EXPECT_TRUE(undo.remove(block));
+  EXPECT_TRUE(undo.remove(layer));
+  undo.commit();
+  const Snapshot after = snapshotOf(*data);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_TRUE(undo.undo());
+    EXPECT_EQ(snapshotOf(*data), before);
+    EXPECT_TRUE(undo.redo());
+    EXPECT_EQ(snapshotOf(*data), after);
+  }
+  undo.clear();
+  EXPECT_EQ(snapshotOf(*data), after);
+}
+
+TEST(UndoStack, ABlockIsNotMadeToInsertItself) {
+  const Drawing data = newDrawing();
+  CUndoStack undo(*data);
+  CBlock* inner = addedBlock(*data, u"inner");
+  CBlock* outer = addedBlock(*data, u"outer");
+  EXPECT_TRUE(undo.add(*outer, insertOf(*data, *inner, 1)));
+  const std::unique_ptr<CEntInsert> circular(insertOf(*data, *outer, 1));
+  EXPECT_FALSE(undo.add(*inner, circular.get()));
+  EXPECT_FALSE(undo.redefine(*inner, PNT_3D(0, 0, 0), 0, {circular.get()}));
+  EXPECT_FALSE(circular->isHeld());
+  EXPECT_TRUE(undo.undo());
+  EXPECT_EQ(data->getBlockTable().getBlockGraph().getNoUsers(*inner), 0u);
+  EXPECT_TRUE(undo.redo());
+  EXPECT_EQ(data->getBlockTable().getBlockGraph().getNoUsers(*inner), 1u);
+}
+
+TEST(UndoStack, OldStepsGoBeyondTheLimitAndTheLastOneStays) {
+  const Drawing data = newDrawing();
+  CUndoStack undo(*data, 4000);
+  CEntLine* line = newLine(*data);
+  data->getEntTable().add(line);
+  for (int i = 0; i < 1000; ++i) {
+    undo.keep(*line);
+    line->setColor(static_cast<short>(i));
+    EXPECT_LE(undo.size(), 4000u);
+  }
+  EXPECT_GT(undo.getNoUndo(), 5u);
+  const std::size_t left = undo.getNoUndo();
+  for (std::size_t i = 0; i < left; ++i) EXPECT_TRUE(undo.undo());
+  EXPECT_EQ(line->getColor(), static_cast<short>(999 - left));
+  undo.setLimit(0);
+  EXPECT_TRUE(undo.remove(line));
+  EXPECT_EQ(undo.getNoUndo(), 1u);
+  EXPECT_TRUE(undo.undo());
+  undo.clear();
+  EXPECT_EQ(undo.size(), 0u);
+}
+
+// A drag is a thousand edits; joined they take what one takes, and go back in one.
+TEST(UndoStack, MergedStepsKeepTheOldestSnapshot) {
+  const Drawing data = newDrawing();
+  CUndoStack undo(*data);
+  CEntLine* line = newLine(*data);
+  data->getEntTable().add(line);
+  const LINE_3D start = line->getLine();
+  CEntMoveVisitor mover(PNT_3D(1, 0, 0));
+  std::size_t once = 0;
+  for (int i = 0; i < 1000; ++i) {
+    undo.begin(i == 0 ? u"drag" : u"");
+    undo.keepGeometry(*line);
+    line->accept(mover);
+    undo.commit();
+    if (i == 0) once = undo.size();
+    if (i > 0) EXPECT_TRUE(undo.merge());
+  }
+  EXPECT_EQ(undo.size(), once);
+  EXPECT_EQ(undo.getUndoName(), zim::WString(u"drag"));
+  const LINE_3D end = line->getLine();
+  EXPECT_TRUE(undo.undo());
+  EXPECT_EQ(line->getLine(), start);
+  EXPECT_TRUE(undo.redo());
+  EXPECT_EQ(line->getLine(), end);
+  EXPECT_FALSE(undo.merge()) << "nothing before it";
+}
+
+TEST(UndoStack, AHatchTakesItsBlockAlong) {
+  const Drawing data = newDrawing();
+  CUndoStack undo(*data);
+  const Snapshot empty = snapshotOf(*data);
+  CEntHatch* hatch = createEntHatch(*data, *getHatch(zim::WString(u"ANSI31")), 10, 0,
+                                    {PNT_3D(0, 0, 0), PNT_3D(90, 0, 0), PNT_3D(90, 90, 0)}, 0);
+  EXPECT_TRUE(undo.add(hatch));
+  const Snapshot first = snapshotOf(*data);
+  EXPECT_TRUE(undo.redefine(*hatch, 20, 1, hatch->getHatchType()));
+  EXPECT_EQ(data->getBlockTable().size(), 1);
+  const Snapshot second = snapshotOf(*data);
+  EXPECT_NE(second, first);
+  EXPECT_TRUE(undo.remove(hatch));
+  EXPECT_EQ(data->getBlockTable().size(), 0);
+  EXPECT_TRUE(undo.undo());
+  EXPECT_EQ(snapshotOf(*data), second);
+  EXPECT_TRUE(undo.undo());
+  EXPECT_EQ(snapshotOf(*data), first);
+  EXPECT_TRUE(undo.undo());
+  EXPECT_EQ(snapshotOf(*data), empty);
+}
+
+TEST(UndoStack, WhatCannotBeAddedStaysTheCallers) {
+  const Drawing data = newDrawing();
+  CUndoStack undo(*data);
+  CEntLine* line = newLine(*data);
+  data->getEntTable().add(line);
+  EXPECT_FALSE(undo.add(line));
+  EXPECT_FALSE(undo.add(static_cast<CEnt*>(nullptr)));
+  EXPECT_FALSE(undo.remove(static_cast<CEnt*>(nullptr)));
+  EXPECT_FALSE(undo.add(addedLayer(*data, u"L")));
+  const std::unique_ptr<CEntLine> loose(newLine(*data));
+  EXPECT_FALSE(undo.remove(loose.get()));
+  EXPECT_EQ(undo.getNoUndo(), 0u);
+}
+
+}  // namespace

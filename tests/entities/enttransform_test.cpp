@@ -1,0 +1,188 @@
+// Laws that hold for all three transform visitors, kind by kind.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "entities/everykind.h"
+#include "vek0core/vek0core.h"
+
+namespace {
+
+using vek0::test::EveryKind;
+using vek0::test::ShapeNumbers;
+
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kTwoPi = 6.283185307179586;
+
+void expectNear(const std::vector<double>& a, const std::vector<double>& b, double within) {
+  ASSERT_EQ(a.size(), b.size());
+  for (std::size_t i = 0; i < a.size(); ++i) EXPECT_NEAR(a[i], b[i], within) << "number " << i;
+}
+
+void expectNear(const RECT_3D& a, const RECT_3D& b, double within) {
+  EXPECT_EQ(a.validRegion(), b.validRegion());
+  if (!a.validRegion() || !b.validRegion()) return;
+  EXPECT_LT(a.min.dist(b.min), within);
+  EXPECT_LT(a.max.dist(b.max), within);
+}
+
+// The two ways to the extents agree: what the visitor left and what the shape says.
+void expectFreshBdry(CEnt& ent) {
+  const RECT_3D cached = ent.getBdry();
+  ent.calcBdry();
+  expectNear(cached, ent.getBdry(), 1e-9);
+}
+
+template <class There, class Back>
+void expectGivesBack(EveryKind& all, There there, Back back) {
+  for (const auto& [name, ent] : all.kinds) {
+    SCOPED_TRACE(name);
+    const std::vector<double> before = ShapeNumbers::of(*ent);
+    const RECT_3D box = ent->getBdry();
+    ent->accept(there);
+    expectFreshBdry(*ent);
+    ent->accept(back);
+    expectFreshBdry(*ent);
+    expectNear(ShapeNumbers::of(*ent), before, 1e-9);
+    expectNear(ent->getBdry(), box, 1e-9);
+  }
+}
+
+TEST(Transforms, TheInverseGivesEveryKindBack) {
+  for (unsigned seed = 1; seed <= 6; ++seed) {
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    EveryKind all(seed);
+    const PNT_3D p = all.point();
+    expectGivesBack(all, CEntMoveVisitor(p), CEntMoveVisitor(-p));
+    const double angle = all.number() / 16;
+    expectGivesBack(all, CEntRotateXYVisitor(p, angle), CEntRotateXYVisitor(p, -angle));
+    for (const double factor : {3.0, 0.25, -1.0, -0.5})
+      expectGivesBack(all, CEntScaleVisitor(p, factor), CEntScaleVisitor(p, 1 / factor));
+  }
+}
+
+// Seen from above, a negative factor is its magnitude and half a turn.
+TEST(Transforms, ANegativeFactorIsAHalfTurn) {
+  for (unsigned seed = 1; seed <= 5; ++seed) {
+    EveryKind scaled(seed), turned(seed);
+    CEntScaleVisitor negative(PNT_3D(7, 8, 0), -2), positive(PNT_3D(7, 8, 0), 2);
+    CEntRotateXYVisitor half(PNT_3D(7, 8, 0), kPi);
+    for (std::size_t i = 0; i < scaled.kinds.size(); ++i) {
+      CEnt &a = *scaled.kinds[i].second, &b = *turned.kinds[i].second;
+      SCOPED_TRACE(scaled.kinds[i].first);
+      a.accept(negative);
+      b.accept(positive);
+      b.accept(half);
+      if (a.getType() == CEntFixedInsert::kType) continue;
+      const RECT_3D boxA = a.getBdry(), boxB = b.getBdry();
+      ASSERT_EQ(boxA.validRegion(), boxB.validRegion());
+      if (!boxA.validRegion()) continue;
+      EXPECT_LT(std::hypot(boxA.min.x - boxB.min.x, boxA.min.y - boxB.min.y), 1e-9);
+      EXPECT_LT(std::hypot(boxA.max.x - boxB.max.x, boxA.max.y - boxB.max.y), 1e-9);
+    }
+  }
+}
+
+// What an insert shows has to scale with it, array and all.
+TEST(Transforms, ExtentsScaleWithTheFactor) {
+  EveryKind all;
+  CEntScaleVisitor scaler(PNT_3D(0, 0, 0), 3);
+  for (const auto& [name, ent] : all.kinds) {
+    SCOPED_TRACE(name);
+    const RECT_3D before = ent->getBdry();
+    ent->accept(scaler);
+    if (!before.validRegion()) continue;
+    const PNT_3D min(3 * before.min.x, 3 * before.min.y, 3 * before.min.z);
+    EXPECT_LT(ent->getBdry().min.dist(min), 1e-9);
+    EXPECT_NEAR(ent->getBdry().max.x, 3 * before.max.x, 1e-9);
+  }
+}
+
+TEST(Transforms, WhatIsNoTransformChangesNothing) {
+  constexpr double inf = std::numeric_limits<double>::infinity();
+  constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+  EveryKind all;
+  const PNT_3D p(1, 2, 3), bad(1, nan, 3);
+  for (const auto& [name, ent] : all.kinds) {
+    SCOPED_TRACE(name);
+    const std::vector<double> before = ShapeNumbers::of(*ent);
+    for (CEntScaleVisitor visitor : {CEntScaleVisitor(p, 0), CEntScaleVisitor(p, inf),
+                                     CEntScaleVisitor(p, nan), CEntScaleVisitor(bad, 2)})
+      ent->accept(visitor);
+    for (CEntRotateXYVisitor visitor :
+         {CEntRotateXYVisitor(p, -inf), CEntRotateXYVisitor(p, nan), CEntRotateXYVisitor(bad, 2)})
+      ent->accept(visitor);
+    CEntMoveVisitor mover(bad);
+    ent->accept(mover);
+    EXPECT_EQ(ShapeNumbers::of(*ent), before);
+  }
+}
+
+TEST(RotateVisitor, BringsRotationsIntoOneTurn) {
+  EveryKind all;
+  const struct {
+    const char* name;
+    double rotation, angle, expected;
+  } cases[] = {
+      {"over the turn",               6.0, 0.5,    6.5 - kTwoPi },
+      {"below zero",                  0.5, -1.0,   -0.5 + kTwoPi},
+      {"inside",                      1.0, 2.0,    3.0          },
+      {"two turns off: one is taken", 1.0, 14.0,   15.0 - kTwoPi},
+      {"exactly the turn",            0,   kTwoPi, 0            },
+  };
+  for (const auto& [name, ent] : all.kinds) {
+    auto* insert = ent->getType() == CEntInsert::kType ? static_cast<CEntInsert*>(ent) : nullptr;
+    for (const auto& t : cases) {
+      if (insert == nullptr) continue;
+      SCOPED_TRACE(t.name);
+      insert->setRotate(t.rotation);
+      CEntRotateXYVisitor turner(PNT_3D(0, 0, 0), t.angle);
+      insert->accept(turner);
+      EXPECT_EQ(insert->getRotate(), t.expected);
+    }
+    if (CEntHatch* hatch = castHatch(ent)) {
+      for (const double angle : {-3 * kPi, 100.0, 1e300}) {
+        CEntRotateXYVisitor turner(PNT_3D(0, 0, 0), angle);
+        hatch->accept(turner);
+        EXPECT_GE(hatch->getHatchRotate(), 0);
+        EXPECT_LT(hatch->getHatchRotate(), kTwoPi);
+      }
+    }
+  }
+}
+
+TEST(ScaleVisitor, ScalesWidthsAndLeavesArcsArcs) {
+  EveryKind all;
+  CEntPolyline* polyline = createEntPolyline(all.data(), 0, 0, 0);
+  all.data().getEntTable().add(polyline);
+  for (const bool isUnpacked : {false, true}) {
+    const BULGED_VERTEX vertexes[] = {
+        {0, 0, 0, 1, 2, 1, 0},
+        {4, 0, 0, 0, 0, 0, 0}
+    };
+    polyline->setBulgedVertexes(vertexes, 2);
+    if (isUnpacked) polyline->GetVertex(0);
+    CEntScaleVisitor scaler(PNT_3D(0, 0, 0), -3);
+    polyline->accept(scaler);
+    EXPECT_TRUE(polyline->hasArcRuns());
+    std::vector<double> seen;
+    polyline->forEachBulged([&seen](const PNT_3D& p, double ws, double we, double bulge, long) {
+      seen.insert(seen.end(), {p.x, ws, we, bulge});
+    });
+    EXPECT_EQ(seen, (std::vector<double>{-0.0, 3, 6, 1, -12, 0, 0, 0}));
+  }
+}
+
+// The vertex is part of a polyline, which is what is moved, turned and scaled.
+TEST(Transforms, AVertexAloneIsLeftAlone) {
+  CVertex vertex(PNT_3D(1, 2, 3), 4, 5, 0);
+  CEntRotateXYVisitor turner(PNT_3D(0, 0, 0), 1);
+  CEntScaleVisitor scaler(PNT_3D(0, 0, 0), 2);
+  vertex.accept(turner);
+  vertex.accept(scaler);
+  EXPECT_TRUE(CVertexMemento(PNT_3D(1, 2, 3), 4, 5) == vertex);
+}
+
+}  // namespace
