@@ -169,7 +169,7 @@ TEST(OffsetPeer, BothSidesOfAChainAreTheBorderOfItsBuffer) {
 
 TEST(OffsetPeer, WalksOnALatticeToo) {
   std::mt19937 random(3);
-  for (int round = 0; round < 200; ++round) {
+  for (int round = 0; round < 60; ++round) {
     SCOPED_TRACE(round);
     const std::vector<PNT_3D> chain = latticeWalk(random);
     for (const double dist : {0.3, 0.45, 0.7, 1.3}) {
