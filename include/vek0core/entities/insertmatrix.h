@@ -37,6 +37,12 @@ class VEK0_API CEntInsertMatrix {
   /// placement flattens an axis. `out` may be `p` itself.
   bool invert(const PNT_3D& p, PNT_3D& out) const;
 
+  /// The images of the unit vectors of x and y, translation aside.
+  void getAxes(PNT_2D& x, PNT_2D& y) const {
+    x.set(m_m00, m_m10);
+    y.set(m_m01, m_m11);
+  }
+
   /// Adds to the translation.
   void move(const PNT_3D& delta);
 

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <memory>
+
+#include "vek0core/entities/entvisitor.h"
+#include "vek0core/export.h"
+#include "vek0core/tables/handle.h"
+
+class CEnt;
+class CEntFactory;
+
+namespace vek0::detail {
+class OpenChain;
+}
+
+/// Lengthens an open polyline by what it visits: lines, arcs and open polylines of which
+/// one end lies at one of its own, within a tolerance. They are appended there, reversed
+/// where need be, with the widths that they have. Visited entities stay as they are.
+///
+/// The polyline keeps its layer, linetype and colour. Where an end lies at both of its own,
+/// the later one counts. `finish` writes the vertices; until then the polyline is as it
+/// was. For many entities in no order, see `joinEnts`.
+class VEK0_API CEntPolyAdderVisitor final : public IEntVisitor {
+ public:
+  /// `polyline` must be plain (`Rectify` makes it so) and open, or nothing will be added.
+  /// `tolerance` in drawing units, 0 or more.
+  CEntPolyAdderVisitor(CEntPolyline& polyline, double tolerance);
+  ~CEntPolyAdderVisitor();
+  CEntPolyAdderVisitor(const CEntPolyAdderVisitor&) = delete;
+  CEntPolyAdderVisitor& operator=(const CEntPolyAdderVisitor&) = delete;
+
+  /// Whether the entity visited last was appended.
+  bool isAdded() const { return m_isAdded; }
+  /// Writes the vertices, which get handle 0, and closes the polyline when its ends meet.
+  /// Answers whether it is closed now. Does nothing when nothing was appended.
+  bool finish(IHandleGestor& gestor, CEntFactory& factory);
+
+  using IEntVisitor::visit;
+  void visit(CEntPnt& ent) override;
+  void visit(CEntLine& ent) override;
+  void visit(CEntCircle& ent) override;
+  void visit(CEntArc& ent) override;
+  void visit(CEntPolyline& ent) override;
+  void visit(CEntText& ent) override;
+  void visit(CEntAttdef& ent) override;
+  void visit(CEntInsert& ent) override;
+  void visit(CEntFixedInsert& ent) override;
+  void visit(CEntInsertXRef& ent) override;
+  void visit(CEntAttrib& ent) override;
+  void visit(CEntHatch& ent) override;
+  void visit(CEnt3DFace& ent) override;
+
+ private:
+  bool add(const CEnt& ent);
+
+  CEntPolyline& m_polyline;
+  double m_tolerance;
+  std::unique_ptr<vek0::detail::OpenChain> m_chain;  // null: nothing can be added
+  bool m_isAdded = false;
+  bool m_isChanged = false;
+};

@@ -1,0 +1,86 @@
+#include "vek0core/entities/entpath.h"
+
+#include <cmath>
+#include <vector>
+
+#include "vek0core/entities/entarc.h"
+#include "vek0core/entities/entcircle.h"
+#include "vek0core/entities/entfactory.h"
+#include "vek0core/entities/entline.h"
+#include "vek0core/entities/entpolyline.h"
+
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+
+bool pathOf(const CEntPolyline& ent, PATH_3D& out) {
+  std::vector<PNT_3D> points;
+  std::vector<double> bulges;
+  ent.forEachBulged([&](const PNT_3D& p, double, double, double bulge, long) {
+    points.push_back(p);
+    bulges.push_back(bulge);
+  });
+  if (points.size() < 2) return false;
+  out = PATH_3D(points, bulges, ent.isClosed());
+  return true;
+}
+
+// A turn of more than half is two arcs: the bulge of a nearly full one has no digits left.
+void addVertexes(const EDGE_3D& edge, std::vector<BULGED_VERTEX>& out) {
+  if (std::fabs(edge.sweep) > kPi) {
+    addVertexes(edge.part(0, 0.5), out);
+    addVertexes(edge.part(0.5, 1), out);
+    return;
+  }
+  out.push_back({edge.p1.x, edge.p1.y, edge.p1.z, 0, 0, edge.bulge(), 0});
+}
+
+CEnt* createPolyline(IHandleGestor& gestor, CEntFactory& factory, const PATH_3D& path,
+                     const CEnt& like) {
+  std::vector<BULGED_VERTEX> vertexes;
+  for (const EDGE_3D& edge : path.edges) addVertexes(edge, vertexes);
+  const PNT_3D end = path.end();
+  if (!path.closed) vertexes.push_back({end.x, end.y, end.z, 0, 0, 0, 0});
+  const short flags = path.closed ? CEntPolyline::kClosed : short{0};
+  CEntPolyline* made = factory.createEntPolyline(gestor, like.getLayer(), like.getLtype(),
+                                                 like.getColor(), flags, 0, 0);
+  if (made) made->setBulgedVertexes(vertexes.data(), vertexes.size());
+  return made;
+}
+
+}  // namespace
+
+bool getEntPath(const CEnt& ent, PATH_3D& out) {
+  switch (ent.getType()) {
+    case CEntLine::kType:
+      out = PATH_3D(static_cast<const CEntLine&>(ent).getLine());
+      return true;
+    case CEntCircle::kType:
+      out = PATH_3D(static_cast<const CEntCircle&>(ent).getCircle());
+      return true;
+    case CEntArc::kType:
+      out = PATH_3D(static_cast<const CEntArc&>(ent).getArc());
+      return true;
+    case CEntPolyline::kType:
+      return pathOf(static_cast<const CEntPolyline&>(ent), out);
+    default:
+      return false;
+  }
+}
+
+CEnt* createEntFromPath(IHandleGestor& gestor, CEntFactory& factory, const PATH_3D& path,
+                        const CEnt& like) {
+  if (path.empty()) return nullptr;
+  const EDGE_3D& edge = path.edges.front();
+  if (path.edges.size() > 1 || (edge.isArc() && edge.p1.z != edge.p2.z))
+    return createPolyline(gestor, factory, path, like);
+  CLayer* layer = like.getLayer();
+  CLtype* ltype = like.getLtype();
+  const short color = like.getColor();
+  if (!edge.isArc())
+    return factory.createEntLine(gestor, layer, ltype, color, LINE_3D(edge.p1, edge.p2), 0);
+  const ARC_3D arc = edge.toArc();
+  if (arc.startAngle == arc.endAngle)
+    return factory.createEntCircle(gestor, layer, ltype, color, arc, 0);
+  return factory.createEntArc(gestor, layer, ltype, color, arc, 0);
+}

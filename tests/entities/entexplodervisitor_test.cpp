@@ -1,0 +1,283 @@
+#include "vek0core/entities/entexplodervisitor.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+#include <random>
+
+#include "entities/scene.h"
+#include "vek0core/entities/block.h"
+#include "vek0core/entities/blockfactory.h"
+#include "vek0core/entities/entarc.h"
+#include "vek0core/entities/entcircle.h"
+#include "vek0core/entities/enthatch.h"
+#include "vek0core/entities/entinsert.h"
+#include "vek0core/entities/entpath.h"
+#include "vek0core/entities/entpolyline.h"
+#include "vek0core/entities/enttext.h"
+#include "vek0core/entities/insertmatrix.h"
+#include "vek0core/entities/transformtext.h"
+
+namespace {
+
+using vek0::test::Scene;
+using Ents = std::vector<std::unique_ptr<CEnt>>;
+
+constexpr double kPi = 3.14159265358979323846;
+
+class Explode : public testing::Test, protected Scene {
+ protected:
+  Explode() : byBlock(&data->getLtypeByBlock()) {
+    made = std::make_unique<CEntExploderVisitor>(data->getHandleGestor(), data->getEntFactory(),
+                                                 data->getBlockFactory(), data->getBlockTable());
+  }
+  ~Explode() {
+    for (CEnt* ent : owned) delete ent;
+    made.reset();
+  }
+
+  Ents& explode(CEnt& ent) {
+    made->getEnts().clear();
+    ent.accept(*made);
+    return made->getEnts();
+  }
+
+  CBlock* block(const char* name, const std::vector<CEnt*>& ents) {
+    CBlock* b = data->getBlockFactory().create(zim::WString::fromUtf8(name), PNT_3D(0, 0, 0), 0);
+    for (CEnt* ent : ents) b->add(ent);
+    data->getBlockTable().add(b);
+    return b;
+  }
+
+  CEntInsert* insert(CBlock* b, const PNT_3D& at, double sx, double sy, double rotation,
+                     long columns = 1, long rows = 1) {
+    return createEntInsert(*data, layer(), ltype(), 3, *b, at, sx, sy, 1, rotation, columns, rows,
+                           10, 20, 0);
+  }
+  CEntInsert* keptInsert(CBlock* b, const PNT_3D& at, double sx, double sy, double rotation,
+                         long columns = 1, long rows = 1) {
+    owned.push_back(insert(b, at, sx, sy, rotation, columns, rows));
+    return static_cast<CEntInsert*>(owned.back());
+  }
+
+  CEntCircle* circle(double x, double y, double r) {
+    return createEntCircle(*data, layer(), ltype(), 256, CIRCLE_3D(x, y, 0, r), 0);
+  }
+  CEntArc* arc(double x, double y, double r, double from, double to) {
+    return createEntArc(*data, layer(), ltype(), 256, ARC_3D(x, y, 0, r, from, to), 0);
+  }
+  CEntPolyline* polyline(bool closed, const std::vector<BULGED_VERTEX>& vertexes) {
+    CEntPolyline* p = createEntPolyline(*data, layer(), ltype(), 5, closed ? 1 : 0, 0, 0);
+    p->setBulgedVertexes(vertexes.data(), vertexes.size());
+    return p;
+  }
+
+  CLtype* byBlock;
+  std::unique_ptr<CEntExploderVisitor> made;
+  std::vector<CEnt*> owned;
+};
+
+TEST_F(Explode, PolylinesGiveTheirSegments) {
+  CEntPolyline* p = polyline(true, {
+                                       {0, 0, 1, 2, 2, 0, 0},
+                                       {4, 0, 1, 0, 0, 1, 0},
+                                       {4, 2, 1, 0, 0, 0, 0},
+                                       {0, 2, 1, 0, 0, 0, 0}
+  });
+  owned.push_back(p);
+  const Ents& ents = explode(*p);
+  ASSERT_EQ(ents.size(), 4u);
+  const short kinds[] = {CEntLine::kType, CEntArc::kType, CEntLine::kType, CEntLine::kType};
+  for (std::size_t i = 0; i < 4; ++i) {
+    EXPECT_EQ(ents[i]->getType(), kinds[i]);
+    EXPECT_EQ(ents[i]->getColor(), 5);
+    EXPECT_EQ(ents[i]->getLayer(), layer());
+  }
+  EXPECT_TRUE(static_cast<CEntLine&>(*ents[3]).getLine() == LINE_3D(0, 2, 1, 0, 0, 1));
+  const ARC_3D& turn = static_cast<CEntArc&>(*ents[1]).getArc();
+  EXPECT_NEAR(turn.PNT_3D::dist(PNT_3D(4, 1, 1)), 0, 1e-12);
+  EXPECT_NEAR(turn.radius, 1, 1e-12);
+  EXPECT_EQ(p->getNoTotalVertexes(), 4 + arcChords(kPi) - 1);
+}
+
+TEST_F(Explode, KindsWithoutPartsGiveNothing) {
+  for (CEnt* ent : std::vector<CEnt*>{line(0, 0, 1, 1), circle(0, 0, 1), arc(0, 0, 1, 0, 1)}) {
+    owned.push_back(ent);
+    EXPECT_TRUE(explode(*ent).empty());
+    EXPECT_FALSE(made->isRefused());
+  }
+}
+
+TEST_F(Explode, InsertsKeepLayersAndLendWhatIsByBlock) {
+  CLayer* own = data->getLayerFactory().create(u"OWN", layer()->getLtype(), 3, 0);
+  data->getLayerTable().add(own);
+  CEntLine* a = createEntLine(*data, own, byBlock, 0, LINE_3D(0, 0, 0, 1, 0, 0), 0);
+  CEntLine* b = createEntLine(*data, own, ltype(), 9, LINE_3D(0, 0, 0, 0, 1, 0), 0);
+  CEntInsert* ins = keptInsert(block("B", {a, b}), PNT_3D(100, 0, 5), 2, 2, kPi / 2, 2, 3);
+  const long before = own->getEntities();
+  const Ents& ents = explode(*ins);
+  ASSERT_EQ(ents.size(), 12u);
+  EXPECT_EQ(ents[0]->getLayer(), own);
+  EXPECT_EQ(ents[0]->getColor(), 3);
+  EXPECT_EQ(ents[0]->getLtype(), ltype());
+  EXPECT_EQ(ents[1]->getColor(), 9);
+  EXPECT_EQ(own->getEntities(), before);
+  const LINE_3D& first = static_cast<CEntLine&>(*ents[0]).getLine();
+  EXPECT_NEAR(first.p2.dist(PNT_3D(100, 2, 5)), 0, 1e-12);
+  // The last cell is one column up and two rows to the left.
+  const LINE_3D& last = static_cast<CEntLine&>(*ents[10]).getLine();
+  EXPECT_NEAR(last.p1.dist(PNT_3D(60, 10, 5)), 0, 1e-12);
+}
+
+// Whatever the placement, the pieces lie where the insert shows them.
+TEST_F(Explode, WhatIsShownStaysWhereItIs) {
+  const struct {
+    const char* name;
+    double sx, sy;
+    short circle, arc;
+  } cases[] = {
+      {"turned and scaled", 3,  3,  CEntCircle::kType,   CEntArc::kType     },
+      {"half a turn",       -2, -2, CEntCircle::kType,   CEntArc::kType     },
+      {"mirrored",          -2, 2,  CEntCircle::kType,   CEntArc::kType     },
+      {"unequal scales",    3,  1,  CEntPolyline::kType, CEntPolyline::kType},
+      {"flattened",         3,  0,  CEntPolyline::kType, CEntPolyline::kType},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    const std::vector<BULGED_VERTEX> chain{
+        {0, 0, 0, 1, 2, 0.5, 0},
+        {4, 1, 0, 0, 0, -1,  0},
+        {5, 5, 0, 0, 0, 0,   0}
+    };
+    CBlock* b = block(c.name, {circle(1, 2, 3), arc(4, 1, 2, 0.5, 2.5), polyline(false, chain)});
+    CEntInsert* ins = keptInsert(b, PNT_3D(7, 8, 9), c.sx, c.sy, 0.7);
+    const Ents& ents = explode(*ins);
+    ASSERT_EQ(ents.size(), 3u);
+    EXPECT_EQ(ents[0]->getType(), c.circle);
+    EXPECT_EQ(ents[1]->getType(), c.arc);
+    EXPECT_EQ(ents[2]->getType(), CEntPolyline::kType);
+    const CEntInsertMatrix matrix(1, *ins, 0, 0);
+    for (unsigned i = 0; i < 3; ++i) {
+      PATH_3D inside, outside;
+      ASSERT_TRUE(getEntPath(*(*b)[i], inside));
+      ASSERT_TRUE(getEntPath(*ents[i], outside));
+      for (const EDGE_3D& edge : inside.edges) {
+        for (const double t : {0.0, 0.3, 0.8, 1.0}) {
+          PNT_3D p;
+          matrix.transform(edge.at(t), p);
+          std::size_t at;
+          double u;
+          outside.nearest(p, at, u);
+          EXPECT_LE(outside.edges[at].at(u).PNT_2D::dist(p), 2e-3);
+        }
+      }
+    }
+  }
+}
+
+TEST_F(Explode, NestedInsertsStayInsertsUnlessTheyWouldShear) {
+  CBlock* inner = block("INNER", {line(0, 0, 1, 0), line(0, 0, 0, 1)});
+  CEntInsert* square = insert(inner, PNT_3D(1, 1, 0), 2, 3, kPi / 2, 2, 2);
+  CEntInsert* askew = insert(inner, PNT_3D(1, 1, 0), 2, 3, 0.4, 2, 2);
+  const CEntInsertMatrix cell(1, *square, 1, 1);
+  CEntInsert* ins = keptInsert(block("OUTER", {square, askew}), PNT_3D(5, 5, 0), -4, 1, 0.3);
+  const Ents& ents = explode(*ins);
+  ASSERT_EQ(ents.size(), 9u);
+  ASSERT_EQ(ents[0]->getType(), CEntInsert::kType);
+  EXPECT_EQ(ents[1]->getType(), CEntLine::kType);
+  const CEntInsertMatrix whole = CEntInsertMatrix(1, *ins, 0, 0) * cell;
+  const CEntInsertMatrix placed(1, static_cast<CEntInsert&>(*ents[0]), 1, 1);
+  for (const PNT_3D& p : {PNT_3D(0, 0, 0), PNT_3D(1, 0, 0), PNT_3D(0, 1, 0)}) {
+    PNT_3D a, b;
+    whole.transform(p, a);
+    placed.transform(p, b);
+    EXPECT_NEAR(a.dist(b), 0, 1e-12);
+  }
+}
+
+TEST_F(Explode, AttributesBecomeTexts) {
+  const TEXT_3D text(u"value", nullptr, 1, 2, 0, 3, 0, 1, 0.25, 0);
+  CEntInsert* ins = keptInsert(block("B", {}), PNT_3D(10, 0, 0), 2, 2, 0.5);
+  IHandleGestor& handles = data->getHandleGestor();
+  ins->add(data->getEntFactory().createEntAttrib(handles, layer(), ltype(), 0, text, u"TAG", 0, 0));
+  ins->add(data->getEntFactory().createEntAttrib(handles, layer(), ltype(), 0, text, u"TAG", 1, 0));
+  const Ents& ents = explode(*ins);
+  ASSERT_EQ(ents.size(), 1u);
+  ASSERT_EQ(ents[0]->getType(), CEntText::kType);
+  const TEXT_3D& shown = static_cast<CEntText&>(*ents[0]).getText();
+  EXPECT_TRUE(shown.getContext().getString().Equals(u"value"));
+  EXPECT_DOUBLE_EQ(shown.getContext().getHeight(), 6);
+  EXPECT_DOUBLE_EQ(shown.getContext().getRotate(), 0.75);
+  EXPECT_EQ(ents[0]->getColor(), 3);
+}
+
+TEST_F(Explode, HatchesGiveLinesAndStayHatchesInBlocks) {
+  const std::vector<PNT_3D> ring = vek0::test::pts("0,0 10,0 10,10 0,10");
+  CEntHatch* hatch =
+      createEntHatch(*data, layer(), ltype(), 4, *getHatch(u"ANSI31"), 8, 0, ring, 0);
+  ASSERT_NE(hatch, nullptr);
+  const std::size_t lines = hatch->getBlock()->size();
+  EXPECT_EQ(explode(*hatch).size(), lines);
+  EXPECT_EQ(made->getEnts()[0]->getColor(), 4);
+  CBlock* b = block("B", {hatch});
+  const Ents& kept = explode(*keptInsert(b, PNT_3D(5, 0, 0), 2, 2, 0.5));
+  ASSERT_EQ(kept.size(), 1u);
+  ASSERT_EQ(kept[0]->getType(), CEntHatch::kType);
+  const CEntHatch& copy = static_cast<CEntHatch&>(*kept[0]);
+  EXPECT_EQ(copy.getBlock()->size(), lines);
+  EXPECT_DOUBLE_EQ(copy.getHatchScale(), 16);
+  EXPECT_DOUBLE_EQ(copy.getHatchRotate(), 0.5);
+  EXPECT_NE(copy.getBlock(), hatch->getBlock());
+  EXPECT_EQ(explode(*keptInsert(b, PNT_3D(5, 0, 0), 2, 3, 0.5)).size(), lines);
+  purgeHatchBlocks(*data);
+}
+
+TEST_F(Explode, ArraysAndNestingBeyondTheLimitAreRefused) {
+  CBlock* b = block("B", {line(0, 0, 1, 0)});
+  EXPECT_TRUE(explode(*keptInsert(b, PNT_3D(0, 0, 0), 1, 1, 0, 2000000000, 2000000000)).empty());
+  EXPECT_TRUE(made->isRefused());
+  EXPECT_EQ(explode(*keptInsert(b, PNT_3D(0, 0, 0), 1, 1, 0, -5, 3)).size(), 3u);
+  EXPECT_FALSE(made->isRefused());
+  // Every level shows the next ten times, all of them sheared: ten to the thirtieth.
+  for (int level = 0; level < 30; ++level) {
+    std::vector<CEnt*> ten;
+    for (int i = 0; i < 10; ++i) ten.push_back(insert(b, PNT_3D(i, 0, 0), 1, 2, 0.3 + i));
+    b = block(("L" + std::to_string(level)).c_str(), ten);
+  }
+  const std::size_t blocks = static_cast<std::size_t>(data->getBlockTable().size());
+  EXPECT_TRUE(explode(*keptInsert(b, PNT_3D(0, 0, 0), 1, 3, 0.2)).empty());
+  EXPECT_TRUE(made->isRefused());
+  EXPECT_EQ(static_cast<std::size_t>(data->getBlockTable().size()), blocks);
+}
+
+// The corners of the text's box go where the matrix puts them.
+TEST(TransformText, BoxesFollowTheMatrix) {
+  std::mt19937 random(1);
+  std::uniform_real_distribution<double> number(-3, 3), angle(-0.5, 0.5);
+  for (int round = 0; round < 500; ++round) {
+    SCOPED_TRACE(round);
+    const double width = round % 3 == 0 ? -0.8 : 1.5;
+    TEXT_3D text(u"abc", nullptr, number(random), number(random), 0, 2, angle(random), width,
+                 number(random), 0);
+    CEntInsertMatrix outer, inner;
+    outer.set(PNT_3D(0, 0, 0), number(random), number(random), 1, number(random), PNT_3D(1, 2, 3));
+    inner.set(PNT_3D(0, 0, 0), number(random), number(random), 1, number(random), PNT_3D(4, 5, 6));
+    const CEntInsertMatrix matrix = round % 2 == 0 ? outer : outer * inner;
+    PNT_3D before[4], after[4];
+    text.getExtremes(before);
+    transform_text(matrix, text);
+    text.getExtremes(after);
+    // A mirrored text is written backward from the same corner; both start at the left.
+    for (int i = 0; i < 4; ++i) {
+      PNT_3D expected;
+      matrix.transform(before[i], expected);
+      double least = 1e300;
+      for (const PNT_3D& p : after) least = std::min(least, p.PNT_2D::dist(expected));
+      EXPECT_NEAR(least, 0, 1e-9);
+    }
+    EXPECT_TRUE(text.getContext().getRotate() >= 0 && text.getContext().getRotate() < 2 * kPi);
+  }
+}
+
+}  // namespace
