@@ -177,7 +177,7 @@ void addHatchCommand(CLI::App& app, Session& session) {
       "hatch when it is read again.");
   verb->callback([options, &session] {
     rewrite(options->in, options->out, options->save, session,
-            [&](CData& data) { return hatch(data, *options, session); });
+            [&](CData& data, const ReadResult&) { return hatch(data, *options, session); });
   });
 }
 

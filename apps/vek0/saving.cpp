@@ -41,7 +41,7 @@ void save(const CData& data, OutputFile& output, const SaveOptions& options, Ses
 }  // namespace
 
 void rewrite(const std::string& in, const std::string& out, const SaveOptions& options,
-             Session& session, const std::function<bool(CData&)>& change) {
+             Session& session, const std::function<bool(CData&, const ReadResult&)>& change) {
   OutputFile output(out, options.force);
   if (!output.error().empty()) {
     Session::complain(output.error());
@@ -56,7 +56,7 @@ void rewrite(const std::string& in, const std::string& out, const SaveOptions& o
   const std::string losses = lossesToText(result.report);
   if (!session.quiet && !losses.empty())
     Session::complain(in + ": what is written will lack or change:\n" + losses);
-  if (change(*data)) save(*data, output, options, session);
+  if (change(*data, result)) save(*data, output, options, session);
 }
 
 }  // namespace vek0::tool

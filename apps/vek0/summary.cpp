@@ -3,6 +3,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "units.h"
+
 namespace vek0::tool {
 namespace {
 
@@ -104,14 +106,9 @@ Json blocksToJson(const CData& data) {
   return blocks;
 }
 
-// The drawing unit by name; null when the file does not state it, or states what is unknown.
 Json unitsOf(const ReadResult& result) {
-  constexpr std::array<const char*, 21> names = {
-      "",         "in", "ft", "mi", "mm",  "cm", "m",  "km", "microinch", "mil", "yd",
-      "angstrom", "nm", "um", "dm", "dam", "hm", "Gm", "au", "ly",        "pc"};
-  const long units = result.outcome.units;
-  if (units <= 0 || units >= static_cast<long>(names.size())) return nullptr;
-  return names[static_cast<std::size_t>(units)];
+  const char* name = unitName(result.outcome.units);
+  return name ? Json(name) : Json();
 }
 
 Json metricOf(const ReadResult& result) {

@@ -321,6 +321,38 @@ TEST_F(Tool, LinetypesSavesWhatItRead) {
   EXPECT_EQ(piped.out, contents(path("out.lin"))) << "a file may be rewritten in its place";
 }
 
+TEST_F(Tool, ConvertScalesToAUnit) {
+  write("bare.dxf", kOneLine);
+  write("inches.dxf",
+        std::string("0\nSECTION\n2\nHEADER\n9\n$INSUNITS\n70\n1\n9\n$LTSCALE\n40\n2\n0\nENDSEC\n") +
+            kOneLine);
+  const struct {
+    const char* options;
+    double factor;
+  } cases[] = {
+      {"--to-units mm inches.dxf",                25.4      },
+      {"--to-units in inches.dxf",                1         },
+      {"--to-units ft inches.dxf",                1.0 / 12  },
+      {"--to-units mm --from-units m inches.dxf", 1000      },
+      {"--to-units in --from-units mm bare.dxf",  1.0 / 25.4},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.options);
+    ASSERT_EQ(run(std::string("convert -f ") + t.options + " out.dxf").code, 0);
+    const Json box = Json::parse(run("info --json out.dxf").out)["extents"];
+    EXPECT_NEAR(box["min"][0].get<double>(), 1 * t.factor, 1e-9 * t.factor);
+    EXPECT_NEAR(box["max"][1].get<double>(), 6 * t.factor, 1e-9 * t.factor);
+  }
+  ASSERT_EQ(run("convert -f --to-units mm inches.dxf out.dxf").code, 0);
+  EXPECT_NE(contents(path("out.dxf")).find("$LTSCALE\n 40\n50.8\n"), std::string::npos);
+  const Outcome unknown = run("convert -f --to-units mm bare.dxf none.dxf");
+  EXPECT_EQ(unknown.code, 1);
+  EXPECT_NE(unknown.err.find("--from-units"), std::string::npos) << unknown.err;
+  EXPECT_FALSE(fs::exists(path("none.dxf")));
+  EXPECT_EQ(run("convert -f --to-units furlong inches.dxf out.dxf").code, 2);
+  EXPECT_EQ(run("convert -f --from-units mm inches.dxf out.dxf").code, 2);
+}
+
 TEST_F(Tool, ConvertAddsLinetypes) {
   write("pipes.lin", kPipes);
   write("more.lin", "*Gas,another\nA,9\n*MORE\nA,3\n");
