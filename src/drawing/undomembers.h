@@ -93,8 +93,8 @@ class ItemMembership final : public Membership<Item> {
   }
   void put(CData&) override {
     if (!m_place) return m_table.add(this->m_item);
-    countTexts(*this->m_item, true);
     m_table.restore(this->m_item, *m_place);
+    countTexts(*this->m_item, true);
   }
 
   Table& m_table;

@@ -7,6 +7,7 @@
 
 #include "drawing/undomembers.h"
 #include "drawing/undosnapshots.h"
+#include "entities/newornull.h"
 #include "vek0core/entities/entcast.h"
 #include "vek0core/entities/enthatch.h"
 
@@ -352,7 +353,7 @@ void CUndoStack::forget(std::size_t count) {
 
 template <class Made, class... Args>
 std::unique_ptr<Made> CUndoStack::newAction(Args&&... args) {
-  return std::unique_ptr<Made>(new (std::nothrow) Made(std::forward<Args>(args)...));
+  return std::unique_ptr<Made>(vek0::detail::newOrNull<Made>(std::forward<Args>(args)...));
 }
 
 template <class Table, class Item>
@@ -402,16 +403,24 @@ bool CUndoStack::redefine(CEntHatch& hatch, double scale, double rotate, const H
   const AutoStep step(*this);
   const std::size_t before = actions().size();
   CBlock* const old = hatch.getBlock();
-  // The old block goes first, so that its number is free for the new one.
-  if (perform(newAction<HatchExchange>(hatch, fresh.get(), scale, rotate, type)) &&
-      takeBlock(old)) {
-    fresh->setName(getHatchName(table));
-    if (add(fresh.get())) {
-      static_cast<void>(fresh.release());
-      if (CBlock* owner = hatch.getOwnerBlock()) table.updateBlock(owner);
-      return true;
-    }
+  if (!perform(newAction<HatchExchange>(hatch, fresh.get(), scale, rotate, type))) return false;
+  if (!exchangeBlocks(old, fresh)) {
+    unwind(before);
+    return false;
   }
-  unwind(before);
-  return false;
+  if (CBlock* owner = hatch.getOwnerBlock()) table.updateBlock(owner);
+  return true;
+}
+
+// The old block goes first, so that its number is free for the new one.
+bool CUndoStack::exchangeBlocks(CBlock* old, std::unique_ptr<CBlock>& fresh) {
+  try {
+    if (!takeBlock(old)) return false;
+    fresh->setName(getHatchName(m_data.getBlockTable()));
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  if (!add(fresh.get())) return false;
+  static_cast<void>(fresh.release());
+  return true;
 }

@@ -1,8 +1,10 @@
 #include "vek0core/entities/entpath.h"
 
 #include <cmath>
+#include <numbers>
 #include <vector>
 
+#include "entities/edgevertexes.h"
 #include "vek0core/entities/entarc.h"
 #include "vek0core/entities/entcircle.h"
 #include "vek0core/entities/entfactory.h"
@@ -10,8 +12,6 @@
 #include "vek0core/entities/entpolyline.h"
 
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
 
 bool pathOf(const CEntPolyline& ent, PATH_3D& out) {
   std::vector<PNT_3D> points;
@@ -25,22 +25,11 @@ bool pathOf(const CEntPolyline& ent, PATH_3D& out) {
   return true;
 }
 
-// A turn of more than half is two arcs: the bulge of a nearly full one has no digits left.
-void addVertexes(const EDGE_3D& edge, std::vector<BULGED_VERTEX>& out) {
-  if (std::fabs(edge.sweep) > kPi) {
-    addVertexes(edge.part(0, 0.5), out);
-    addVertexes(edge.part(0.5, 1), out);
-    return;
-  }
-  out.push_back({edge.p1.x, edge.p1.y, edge.p1.z, 0, 0, edge.bulge(), 0});
-}
-
 CEnt* createPolyline(IHandleGestor& gestor, CEntFactory& factory, const PATH_3D& path,
                      const CEnt& like) {
   std::vector<BULGED_VERTEX> vertexes;
-  for (const EDGE_3D& edge : path.edges) addVertexes(edge, vertexes);
-  const PNT_3D end = path.end();
-  if (!path.closed) vertexes.push_back({end.x, end.y, end.z, 0, 0, 0, 0});
+  for (const EDGE_3D& edge : path.edges) vek0::detail::addVertexes(edge, vertexes);
+  if (!path.closed) vertexes.push_back(vek0::detail::vertexAt(path.end(), 0));
   const short flags = path.closed ? CEntPolyline::kClosed : short{0};
   CEntPolyline* made = factory.createEntPolyline(gestor, like.getLayer(), like.getLtype(),
                                                  like.getColor(), flags, 0, 0);
@@ -77,10 +66,11 @@ CEnt* createEntFromPath(IHandleGestor& gestor, CEntFactory& factory, const PATH_
   CLayer* layer = like.getLayer();
   CLtype* ltype = like.getLtype();
   const short color = like.getColor();
-  if (!edge.isArc())
-    return factory.createEntLine(gestor, layer, ltype, color, LINE_3D(edge.p1, edge.p2), 0);
   const ARC_3D arc = edge.toArc();
-  if (arc.startAngle == arc.endAngle)
-    return factory.createEntCircle(gestor, layer, ltype, color, arc, 0);
+  const bool isFull = arc.startAngle == arc.endAngle;
+  // An arc too short for angles to tell its ends apart would be taken for a circle.
+  if (!edge.isArc() || (isFull && std::fabs(edge.sweep) < std::numbers::pi))
+    return factory.createEntLine(gestor, layer, ltype, color, LINE_3D(edge.p1, edge.p2), 0);
+  if (isFull) return factory.createEntCircle(gestor, layer, ltype, color, arc, 0);
   return factory.createEntArc(gestor, layer, ltype, color, arc, 0);
 }

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "entities/hatchblock.h"
+#include "geometry/vector.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/blockfactory.h"
 #include "vek0core/entities/blocktable.h"
@@ -32,8 +34,6 @@ constexpr int kMostNested = 200;
 constexpr long kInvisible = 1;  // bit of an attribute's flags
 constexpr short kByBlock = 0;   // colour number
 
-double dot(const PNT_2D& a, const PNT_2D& b) { return a.x * b.x + a.y * b.y; }
-
 }  // namespace
 
 bool EntMaker::spend(double units) {
@@ -43,8 +43,11 @@ bool EntMaker::spend(double units) {
 }
 
 void EntMaker::take(CEnt* ent) {
-  if (!ent) isRefused = true;
-  if (ent) made.emplace_back(ent);
+  std::unique_ptr<CEnt> owned(ent);
+  if (owned)
+    made.push_back(std::move(owned));
+  else
+    isRefused = true;
 }
 
 EntPlacer::EntPlacer(EntMaker& maker, const CEntInsertMatrix& matrix, const BlockLook* look,

@@ -19,10 +19,11 @@ namespace {
 
 constexpr double kTwoPi = 2 * std::numbers::pi;
 
-// One turn at most: a rotation far outside was stored by somebody who meant it.
+// One turn at most: a rotation far outside was stored by somebody who meant it. What is
+// just below 0 becomes the full turn by rounding, and then 0.
 double oneTurn(double angleRad) {
-  if (angleRad < 0) return angleRad + kTwoPi;
-  return angleRad >= kTwoPi ? angleRad - kTwoPi : angleRad;
+  const double turned = angleRad < 0 ? angleRad + kTwoPi : angleRad;
+  return turned >= kTwoPi ? turned - kTwoPi : turned;
 }
 
 void rotateText(CEntText& ent, const PNT_3D& centre, double angle) {

@@ -1,18 +1,12 @@
 #include "entities/openchain.h"
 
-#include <cmath>
-
+#include "entities/edgevertexes.h"
 #include "vek0core/entities/entarc.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entpolyline.h"
-#include "vek0core/geometry/edge.h"
 
 namespace vek0::detail {
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
-
-BULGED_VERTEX vertexAt(const PNT_3D& p, double bulge) { return {p.x, p.y, p.z, 0, 0, bulge, 0}; }
 
 // The segment that begins at `to` and comes back to `from`, as it ran the other way.
 BULGED_VERTEX turnedBack(const BULGED_VERTEX& to, const BULGED_VERTEX& from) {
@@ -33,11 +27,7 @@ bool OpenChain::take(const CEnt& ent, double tolerance) {
     m_vertexes = {vertexAt(line.p1, 0), vertexAt(line.p2, 0)};
   } else if (ent.getType() == CEntArc::kType) {
     const EDGE_3D arc(static_cast<const CEntArc&>(ent).getArc());
-    // The bulge of a nearly full turn has no digits left.
-    const bool isTwo = arc.sweep > kPi;
-    const double bulge = std::tan(arc.sweep / (isTwo ? 8 : 4));
-    m_vertexes.push_back(vertexAt(arc.p1, bulge));
-    if (isTwo) m_vertexes.push_back(vertexAt(arc.at(0.5), bulge));
+    addVertexes(arc, m_vertexes);
     m_vertexes.push_back(vertexAt(arc.p2, 0));
   } else if (ent.getType() == CEntPolyline::kType) {
     const auto& polyline = static_cast<const CEntPolyline&>(ent);

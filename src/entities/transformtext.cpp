@@ -2,13 +2,14 @@
 
 #include <cmath>
 
+#include "geometry/vector.h"
 #include "vek0core/entities/insertmatrix.h"
 #include "vek0core/geometry/arc.h"
 
 namespace {
 
-double dot(const PNT_2D& a, const PNT_2D& b) { return a.x * b.x + a.y * b.y; }
-double cross(const PNT_2D& a, const PNT_2D& b) { return a.x * b.y - a.y * b.x; }
+using vek0::detail::cross;
+using vek0::detail::dot;
 
 // Turned and scaled alike along both axes, and exactly so: nothing else is rounded then.
 bool isPlain(const PNT_2D& x, const PNT_2D& y) { return y.x == -x.y && y.y == x.x; }

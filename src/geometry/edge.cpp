@@ -3,7 +3,12 @@
 #include <algorithm>
 #include <cmath>
 
+#include "geometry/vector.h"
+
 namespace {
+
+using vek0::detail::cross;
+using vek0::detail::dot;
 
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kTwoPi = 2 * kPi;
@@ -14,9 +19,6 @@ PNT_2D around(const PNT_2D& center, double radius, double angle) {
 }
 
 PNT_3D lifted(const PNT_2D& p, double z) { return {p.x, p.y, z}; }
-
-double dot(const PNT_2D& a, const PNT_2D& b) { return a.x * b.x + a.y * b.y; }
-double cross(const PNT_2D& a, const PNT_2D& b) { return a.x * b.y - a.y * b.x; }
 
 double shareOf(double angle, const EDGE_3D& edge) { return angle / edge.sweep; }
 
@@ -120,7 +122,6 @@ EDGE_3D::EDGE_3D(const PNT_2D& centre, double r, double start, double turn, doub
 EDGE_3D::EDGE_3D(const ARC_3D& arc) {
   double start, end;
   arc.getSafeAngles(start, end);
-  if (arc.startAngle == arc.endAngle) end = start + kTwoPi;
   const double turned = arc.radius < 0 ? kPi : 0;
   const double turn = arc.startAngle == arc.endAngle ? kTwoPi : end - start;
   *this = EDGE_3D(PNT_2D(arc.x, arc.y), std::fabs(arc.radius), start + turned, turn, arc.z, arc.z);

@@ -5,9 +5,13 @@
 #include <limits>
 #include <tuple>
 
+#include "geometry/vector.h"
 #include "vek0core/geometry/constructions.h"
 
 namespace {
+
+using vek0::detail::cross;
+using vek0::detail::dot;
 
 constexpr double kTwoPi = 6.283185307179586;
 constexpr int kMostMarks = 1000000;
@@ -42,7 +46,7 @@ bool isFullTurn(const EDGE_3D& edge) { return std::fabs(edge.sweep) >= kTwoPi; }
 
 // The parameter at which the edge's end meets a bound first; infinite when it does not.
 double firstBeyond(const EDGE_3D& edge, const std::vector<PATH_3D>& bounds) {
-  const double tolerance = toleranceAt(edge), length = edge.length();
+  const double tolerance = toleranceAt(edge), slack = tolerance / edge.length();
   const double turn = edge.isArc() ? kTwoPi / std::fabs(edge.sweep) : 0;
   double best = std::numeric_limits<double>::infinity();
   std::vector<EDGE_CROSSING> found;
@@ -52,22 +56,31 @@ double firstBeyond(const EDGE_3D& edge, const std::vector<PATH_3D>& bounds) {
       edge.intersect(other, found, tolerance, true);
       for (const EDGE_CROSSING& c : found) {
         if (other.dist(c.pnt) > 4 * tolerance) continue;
-        const double t = turn > 0 && c.t <= 1 + tolerance / length ? c.t + turn : c.t;
-        if (t > 1 + tolerance / length && (turn == 0 || t < turn)) best = std::min(best, t);
+        const double t = turn > 0 && c.t <= 1 + slack ? c.t + turn : c.t;
+        if (t > 1 + slack && (turn == 0 || t < turn - slack)) best = std::min(best, t);
       }
     }
   }
   return best;
 }
 
-// The edge with the place `t` as its end on the side away from the pick, and the direction
-// in which it would go on there.
-EDGE_3D keptSide(const EDGE_3D& edge, double t, const PNT_2D& pick, PNT_2D& onwards) {
-  onwards = edge.direction(t);
+// The side of the pick of an edge that ends at the place `t`.
+EDGE_3D sideOf(const EDGE_3D& edge, double t, const PNT_2D& pick) {
   if (isFullTurn(edge)) return edge;
-  if (edge.nearest(pick) < t) return edge.part(0, t);
-  onwards = -onwards;
-  return edge.part(t, 1);
+  return edge.nearest(pick) < t ? edge.part(0, t) : edge.part(t, 1);
+}
+
+// The side of an edge that comes to the place `t` on the way `onwards`. False when nothing
+// of the edge lies there.
+bool comingTo(const EDGE_3D& edge, double t, const PNT_2D& onwards, EDGE_3D& out) {
+  const bool isBefore = dot(edge.direction(t), onwards) > 0;
+  const double turn = edge.isArc() ? kTwoPi / std::fabs(edge.sweep) : 0;
+  if (isBefore && t <= 0) t += turn;
+  if (!isBefore && t >= 1) t -= turn;
+  if (isBefore ? !(t > 0) : !(t < 1)) return false;
+  out = isBefore ? edge.part(0, t) : edge.part(t, 1);
+  if (isFullTurn(edge)) out = edge;
+  return true;
 }
 
 bool meetingPoint(const EDGE_3D& a, const EDGE_3D& b, const PNT_2D& pickA, const PNT_2D& pickB,
@@ -84,17 +97,22 @@ bool meetingPoint(const EDGE_3D& a, const EDGE_3D& b, const PNT_2D& pickA, const
   return std::isfinite(least);
 }
 
+bool meetEdges(const EDGE_3D& a, const EDGE_3D& b, const PNT_2D& pickA, const PNT_2D& pickB,
+               EDGE_JOINT& out) {
+  EDGE_CROSSING at;
+  if (!meetingPoint(a, b, pickA, pickB, at)) return false;
+  const double u = b.paramOf(at.pnt);
+  out = {sideOf(a, at.t, pickA), sideOf(b, u, pickB), EDGE_3D(at.pnt, at.pnt)};
+  return true;
+}
+
 bool isFine(const EDGE_3D& edge) { return PATH_3D(edge).isFinite() && edge.length() > 0; }
 
-EDGE_3D arcBetween(const CIRCLE_3D& circle, const PNT_3D& from, const PNT_3D& to,
-                   const PNT_2D& onwards) {
-  const double start = circle.angle(from);
-  double sweep = circle.angle(to) - start;
-  const PNT_2D left(-(from.y - circle.y), from.x - circle.x);
-  const bool isLeft = left.x * onwards.x + left.y * onwards.y > 0;
-  if (isLeft && sweep < 0) sweep += kTwoPi;
-  if (!isLeft && sweep > 0) sweep -= kTwoPi;
-  EDGE_3D arc(circle, circle.radius, start, sweep, from.z, to.z);
+// The shorter of the two ways round.
+EDGE_3D arcBetween(const CIRCLE_3D& circle, const PNT_3D& from, const PNT_3D& to) {
+  const PNT_2D a = from - circle, b = to - circle;
+  EDGE_3D arc(circle, circle.radius, circle.angle(from), std::atan2(cross(a, b), dot(a, b)), from.z,
+              to.z);
   arc.p1 = from;
   arc.p2 = to;
   return arc;
@@ -131,8 +149,8 @@ int cutCorners(PATH_3D& path, Reach reach, Joint joint) {
   for (std::size_t i = 0; i < n; ++i) {
     const EDGE_3D edge = cut(i);
     if (isCut[i]) {
-      const EDGE_3D before = cut((i + n - 1) % n);
-      out.push_back(joint(before, edge));
+      const std::size_t before = (i + n - 1) % n;
+      out.push_back(joint(cut(before).p2, edge.p1, path.edges[before], path.edges[i]));
     }
     if (edge.length() > toleranceAt(edge)) out.push_back(edge);
   }
@@ -193,21 +211,16 @@ bool extendPath(PATH_3D& path, const std::vector<PATH_3D>& bounds, const PNT_2D&
 bool filletEdges(const EDGE_3D& a, const EDGE_3D& b, double radius, const PNT_2D& pickA,
                  const PNT_2D& pickB, EDGE_JOINT& out) {
   if (!isFine(a) || !isFine(b) || !(radius >= 0)) return false;
-  PNT_2D onA(0, 0), onB(0, 0), onwards(0, 0), ignored(0, 0);
+  if (radius == 0) return meetEdges(a, b, pickA, pickB, out);
+  PNT_2D onA(0, 0), onB(0, 0);
   CIRCLE_3D circle(0, 0, 0, 0);
-  if (radius == 0) {
-    EDGE_CROSSING at;
-    if (!meetingPoint(a, b, pickA, pickB, at)) return false;
-    onA = onB = at.pnt;
-  } else if (!CreateCircle(a, b, radius, pickA, pickB, circle, &onA, &onB)) {
-    return false;
-  }
+  if (!CreateCircle(a, b, radius, pickA, pickB, circle, &onA, &onB)) return false;
   const double t = a.paramOf(onA), u = b.paramOf(onB);
   EDGE_JOINT made;
-  made.first = keptSide(a, t, pickA, onwards);
-  made.second = keptSide(b, u, pickB, ignored);
-  const PNT_3D from = a.at(t), to = b.at(u);
-  made.joint = radius == 0 ? EDGE_3D(from, from) : arcBetween(circle, from, to, onwards);
+  made.joint = arcBetween(circle, a.at(t), b.at(u));
+  // The arc tells which sides remain, not the picks: those may lie on what is cut off.
+  if (!comingTo(a, t, made.joint.direction(0), made.first)) return false;
+  if (!comingTo(b, u, -made.joint.direction(1), made.second)) return false;
   out = made;
   return true;
 }
@@ -219,18 +232,21 @@ bool chamferEdges(const EDGE_3D& a, const EDGE_3D& b, double distA, double distB
       !meetingPoint(a, b, pickA, pickB, at))
     return false;
   // Towards the end that remains, and not past it.
-  const auto back = [](const EDGE_3D& edge, double t, double dist, const PNT_2D& pick, double& to) {
-    const double share = dist / edge.length();
+  const auto cutBack = [](const EDGE_3D& edge, double t, double dist, const PNT_2D& pick,
+                          EDGE_3D& kept, PNT_3D& end) {
     const bool isBefore = edge.nearest(pick) < t;
-    to = isBefore ? t - share : t + share;
+    const double to = t + (isBefore ? -dist : dist) / edge.length();
+    kept = isBefore ? edge.part(0, to) : edge.part(to, 1);
+    end = edge.at(to);
     return isBefore ? to >= 0 : to <= 1;
   };
-  double t, u;
-  if (!back(a, at.t, distA, pickA, t) || !back(b, at.u, distB, pickB, u)) return false;
-  const bool firstPart = a.nearest(pickA) < at.t, secondPart = b.nearest(pickB) < at.u;
-  out.first = firstPart ? a.part(0, t) : a.part(t, 1);
-  out.second = secondPart ? b.part(0, u) : b.part(u, 1);
-  out.joint = EDGE_3D(a.at(t), b.at(u));
+  EDGE_JOINT made;
+  PNT_3D from, to;
+  if (!cutBack(a, at.t, distA, pickA, made.first, from) ||
+      !cutBack(b, at.u, distB, pickB, made.second, to))
+    return false;
+  made.joint = EDGE_3D(from, to);
+  out = made;
   return true;
 }
 
@@ -238,28 +254,30 @@ int filletPath(PATH_3D& path, double radius) {
   if (!(radius > 0) || !path.isFinite()) return 0;
   const auto reach = [&](const EDGE_3D& a, const EDGE_3D& b, double& before, double& after) {
     const PNT_2D u = a.direction(1), v = b.direction(0);
-    const double turn = std::atan2(u.x * v.y - u.y * v.x, u.x * v.x + u.y * v.y);
+    const double turn = std::atan2(cross(u, v), dot(u, v));
     before = after = radius * std::fabs(std::tan(turn / 2));
     return before > kStraightOn * radius;
   };
-  return cutCorners(path, reach, [&](const EDGE_3D& a, const EDGE_3D& b) {
-    const PNT_2D u = a.direction(1), v = b.direction(0);
-    const double side = u.x * v.y - u.y * v.x > 0 ? 1 : -1;
-    const CIRCLE_3D circle(a.p2.x - side * radius * u.y, a.p2.y + side * radius * u.x, 0, radius);
-    return arcBetween(circle, a.p2, b.p1, u);
-  });
+  // Directions are those of the whole edges: nothing may remain of one between two arcs.
+  const auto arc = [&](const PNT_3D& p, const PNT_3D& q, const EDGE_3D& a, const EDGE_3D& b) {
+    const PNT_2D u = a.direction(1);
+    const double side = cross(u, b.direction(0)) > 0 ? radius : -radius;
+    return arcBetween(CIRCLE_3D(p.x - side * u.y, p.y + side * u.x, 0, radius), p, q);
+  };
+  return cutCorners(path, reach, arc);
 }
 
 int chamferPath(PATH_3D& path, double dist1, double dist2) {
   if (!(dist1 >= 0) || !(dist2 >= 0) || !(dist1 + dist2 > 0) || !path.isFinite()) return 0;
   const auto reach = [&](const EDGE_3D& a, const EDGE_3D& b, double& before, double& after) {
-    const PNT_2D u = a.direction(1), v = b.direction(0);
     before = dist1;
     after = dist2;
-    return u.x * v.y - u.y * v.x != 0;
+    return cross(a.direction(1), b.direction(0)) != 0;
   };
-  return cutCorners(path, reach,
-                    [](const EDGE_3D& a, const EDGE_3D& b) { return EDGE_3D(a.p2, b.p1); });
+  const auto bevel = [](const PNT_3D& p, const PNT_3D& q, const EDGE_3D&, const EDGE_3D&) {
+    return EDGE_3D(p, q);
+  };
+  return cutCorners(path, reach, bevel);
 }
 
 bool dividePath(const PATH_3D& path, int count, std::vector<PNT_3D>& out) {

@@ -37,13 +37,19 @@ bool comesFirst(const PATH_CROSSING& a, const PATH_CROSSING& b) {
   return std::tie(a.edge1, a.t, a.edge2, a.u) < std::tie(b.edge1, b.t, b.edge2, b.u);
 }
 
-// A point where edges join is found once an edge.
-void dropRepeated(std::vector<PATH_CROSSING>& found, double tolerance) {
-  std::sort(found.begin(), found.end(), comesFirst);
-  const auto same = [&](const PATH_CROSSING& a, const PATH_CROSSING& b) {
-    return a.pnt.PNT_2D::dist(b.pnt) <= 4 * tolerance;
-  };
-  found.erase(std::unique(found.begin(), found.end(), same), found.end());
+bool isAtStart(const PATH_CROSSING& c) { return c.edge1 == 0 && c.t == 0; }
+
+bool isSame(const PATH_CROSSING& a, const PATH_CROSSING& b, double tolerance) {
+  return a.pnt.PNT_2D::dist(b.pnt) <= 4 * tolerance;
+}
+
+// Whether the way along the path from a to b is as short, too.
+bool isSamePass(const PATH_3D& path, const PATH_CROSSING& a, const PATH_CROSSING& b,
+                double tolerance) {
+  double way = b.t * path.edges[b.edge1].length() - a.t * path.edges[a.edge1].length();
+  for (std::size_t i = a.edge1; i < b.edge1 && way <= 4 * tolerance; ++i)
+    way += path.edges[i].length();
+  return way <= 4 * tolerance;
 }
 
 // Whether the point is where the second edge takes over from the first.
@@ -133,6 +139,11 @@ PATH_3D PATH_3D::part(std::size_t edge1, double t1, std::size_t edge2, double t2
     add(edge1, t1, t2);
     return cut;
   }
+  if (edges.size() == 1) {
+    // One arc through the beginning of a circle.
+    cut.edges.push_back(edges[0].part(t1, 1 + t2));
+    return cut;
+  }
   add(edge1, t1, 1);
   for (std::size_t i = (edge1 + 1) % edges.size(); i != edge2; i = (i + 1) % edges.size())
     add(i, 0, 1);
@@ -156,7 +167,16 @@ std::vector<PATH_CROSSING> intersectPaths(const PATH_3D& a, const PATH_3D& b) {
       return true;
     });
   }
-  dropRepeated(found, tolerance);
+  // A point where edges join is found once an edge.
+  std::sort(found.begin(), found.end(), comesFirst);
+  const auto repeats = [&](const PATH_CROSSING& c, const PATH_CROSSING& d) {
+    return isSame(c, d, tolerance) && isSamePass(a, c, d, tolerance);
+  };
+  found.erase(std::unique(found.begin(), found.end(), repeats), found.end());
+  // A closed path ends where it began.
+  if (a.closed && found.size() > 1 && isAtStart(found.front()) &&
+      found.back().edge1 + 1 == a.edges.size() && found.back().t == 1)
+    found.pop_back();
   return found;
 }
 
@@ -177,6 +197,14 @@ std::vector<PATH_CROSSING> selfIntersections(const PATH_3D& path) {
       return true;
     });
   }
-  dropRepeated(found, tolerance);
+  std::sort(found.begin(), found.end(), comesFirst);
+  const auto repeats = [&](const PATH_CROSSING& c, const PATH_CROSSING& d) {
+    return isSame(c, d, tolerance);
+  };
+  found.erase(std::unique(found.begin(), found.end(), repeats), found.end());
+  if (path.closed && !found.empty() && isAtStart(found.front())) {
+    const std::size_t last = path.edges.size() - 1;
+    std::erase_if(found, [last](const PATH_CROSSING& c) { return c.edge2 == last && c.u == 1; });
+  }
   return found;
 }

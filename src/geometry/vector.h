@@ -22,6 +22,9 @@ inline PNT_3D times(const PNT_3D& v, double factor) {
 
 inline double dot(const PNT_3D& a, const PNT_3D& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 
+inline double dot(const PNT_2D& a, const PNT_2D& b) { return a.x * b.x + a.y * b.y; }
+inline double cross(const PNT_2D& a, const PNT_2D& b) { return a.x * b.y - a.y * b.x; }
+
 inline double length(const PNT_3D& v) { return std::hypot(v.x, v.y, v.z); }
 
 /// False, and unchanged, when the vector has no length, or one too small to divide by.

@@ -5,6 +5,7 @@
 
 #include "geometry/boxindex.h"
 #include "geometry/pointgrid.h"
+#include "geometry/vector.h"
 #include "polyline/offsetzone.h"
 #include "vek0core/polyline/offset.h"
 
@@ -27,8 +28,6 @@ constexpr double kMostTests = 4e8;
 constexpr std::size_t kNearby = 4;  // edges to either side that are looked at first
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
-double dot(const PNT_2D& a, const PNT_2D& b) { return a.x * b.x + a.y * b.y; }
-double cross(const PNT_2D& a, const PNT_2D& b) { return a.x * b.y - a.y * b.x; }
 PNT_2D rightOf(const PNT_2D& d) { return {d.y, -d.x}; }
 PNT_2D times(const PNT_2D& d, double k) { return {d.x * k, d.y * k}; }
 PNT_3D shifted(const PNT_3D& p, const PNT_2D& by) { return {p.x + by.x, p.y + by.y, p.z}; }

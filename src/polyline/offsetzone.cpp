@@ -4,15 +4,14 @@
 #include <cmath>
 #include <limits>
 
+#include "geometry/vector.h"
+
 namespace vek0::detail {
 namespace {
 
 constexpr double kTwoPi = 6.283185307179586;
 constexpr double kEndShare = 1e-12;  // of an edge, beyond its ends: neighbours leave no seam
 constexpr double kOutside = -std::numeric_limits<double>::infinity();
-
-double dot(const PNT_2D& a, const PNT_2D& b) { return a.x * b.x + a.y * b.y; }
-double cross(const PNT_2D& a, const PNT_2D& b) { return a.x * b.y - a.y * b.x; }
 
 double turned(double angle) {
   const double a = std::fmod(angle, kTwoPi);

@@ -245,6 +245,9 @@ TEST_F(Explode, ArraysAndNestingBeyondTheLimitAreRefused) {
     for (int i = 0; i < 10; ++i) ten.push_back(insert(b, PNT_3D(i, 0, 0), 1, 2, 0.3 + i));
     b = block(("L" + std::to_string(level)).c_str(), ten);
   }
+  made = std::make_unique<CEntExploderVisitor>(data->getHandleGestor(), data->getEntFactory(),
+                                               data->getBlockFactory(), data->getBlockTable(), 1,
+                                               100000);
   const std::size_t blocks = static_cast<std::size_t>(data->getBlockTable().size());
   EXPECT_TRUE(explode(*keptInsert(b, PNT_3D(0, 0, 0), 1, 3, 0.2)).empty());
   EXPECT_TRUE(made->isRefused());

@@ -131,6 +131,7 @@ TEST(RotateVisitor, BringsRotationsIntoOneTurn) {
       {"inside",                      1.0, 2.0,    3.0          },
       {"two turns off: one is taken", 1.0, 14.0,   15.0 - kTwoPi},
       {"exactly the turn",            0,   kTwoPi, 0            },
+      {"just below zero",             0,   -1e-17, 0            },
   };
   for (const auto& [name, ent] : all.kinds) {
     auto* insert = ent->getType() == CEntInsert::kType ? static_cast<CEntInsert*>(ent) : nullptr;

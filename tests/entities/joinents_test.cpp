@@ -10,6 +10,7 @@
 
 #include "entities/scene.h"
 #include "vek0core/entities/entarc.h"
+#include "vek0core/entities/entcircle.h"
 #include "vek0core/entities/entexplodervisitor.h"
 #include "vek0core/entities/entpath.h"
 #include "vek0core/entities/entpolyaddervisitor.h"
@@ -73,6 +74,25 @@ TEST_F(Join, EitherEndEitherWay) {
   for (int i = 0; i < 5; ++i) EXPECT_EQ(p.GetVertexPos(i).x, xs[i]);
   const std::vector<const CEnt*> parts{ents[3], ents[2], ents[0], ents[1]};
   EXPECT_EQ(made[0].parts, parts);
+}
+
+// Angles that are equal mean the full turn.
+TEST_F(Join, AnArcWithoutLengthIsNotTakenForACircle) {
+  const struct {
+    double sweep;
+    short kind;
+  } cases[] = {
+      {1e-17,    CEntLine::kType  },
+      {1,        CEntArc::kType   },
+      {2 * kPi,  CEntCircle::kType},
+      {-2 * kPi, CEntCircle::kType},
+  };
+  const CEnt& like = *segment(PNT_3D(0, 0, 0), PNT_3D(1, 0, 0));
+  for (const auto& c : cases) {
+    const PATH_3D path(EDGE_3D(PNT_2D(0, 0), 2, 1, c.sweep, 0, 0));
+    ents.push_back(createEntFromPath(gestor, factory, path, like));
+    EXPECT_EQ(ents.back()->getType(), c.kind) << c.sweep;
+  }
 }
 
 TEST_F(Join, ArcsStayArcsAndRingsClose) {

@@ -52,6 +52,7 @@ TEST(Edits, TrimOfACircleLeavesAnArc) {
     std::vector<PATH_3D> left;
     ASSERT_TRUE(trimPath(PATH_3D(circle), {line(1, -9, 1, 9)}, PNT_2D(1 + 3 * side, 1), left));
     ASSERT_EQ(left.size(), 1u);
+    EXPECT_EQ(left[0].edges.size(), 1u) << "an arc, through the circle's beginning too";
     EXPECT_NEAR(left[0].length(), 3 * kPi, 1e-12);
     for (const EDGE_3D& edge : left[0].edges) {
       EXPECT_EQ(edge.radius, 3);
@@ -84,6 +85,10 @@ TEST(Edits, ExtendedArcsStayOnTheirCircle) {
   EXPECT_NEAR(path.start().PNT_2D::dist(0, -2), 0, 1e-12);
   EXPECT_NEAR(path.length(), 3 * kPi, 1e-12);
   EXPECT_FALSE(extendPath(path, {line(9, 9, 10, 10)}, PNT_2D(2, 0)));
+  PATH_3D quarter(ARC_3D(1e6, 1, 0, 3, 0.7, 2));
+  const PNT_3D start = quarter.start();
+  EXPECT_FALSE(extendPath(quarter, {PATH_3D(LINE_3D(PNT_3D(1e6, 1, 0), start))}, quarter.end()))
+      << "its own beginning is no bound";
 }
 
 // Whatever the edges: the joint begins and ends on them and goes on in their direction.
@@ -107,11 +112,28 @@ TEST(Edits, FilletsAreTangent) {
       EXPECT_NEAR(kept.at(t).PNT_2D::dist(p), 0, 1e-8);
       const PNT_2D d = kept.direction(t);
       EXPECT_NEAR(d.x * way.y - d.y * way.x, 0, 1e-5);
+      EXPECT_GT((d.x * way.x + d.y * way.y) * (t - 0.5), 0) << "turns back";
     };
     touches(joint.first, joint.joint.p1, joint.joint.direction(0));
-    touches(joint.second, joint.joint.p2, joint.joint.direction(1));
+    touches(joint.second, joint.joint.p2, -joint.joint.direction(1));
   }
   EXPECT_GT(made, 500);
+}
+
+// Wherever on its side of the corner the pick is; and an arc beyond an edge does not fit.
+TEST(Edits, FilletsCutTheCornerOff) {
+  const EDGE_3D x(PNT_3D(0, 0, 0), PNT_3D(10, 0, 0)), y(PNT_3D(0, 10, 0), PNT_3D(0, 0, 0));
+  for (const double pick : {0.5, 1.9, 2.1, 9.0}) {
+    SCOPED_TRACE(pick);
+    EDGE_JOINT made;
+    ASSERT_TRUE(filletEdges(x, y, 2, PNT_2D(pick, 0), PNT_2D(0, pick), made));
+    EXPECT_NEAR(made.first.p1.PNT_2D::dist(2, 0), 0, 1e-12);
+    EXPECT_TRUE(made.first.p2 == x.p2);
+    EXPECT_TRUE(made.second.p1 == y.p1);
+    EXPECT_NEAR(made.second.p2.PNT_2D::dist(0, 2), 0, 1e-12);
+    EXPECT_NEAR(made.joint.length(), kPi, 1e-12);
+    EXPECT_FALSE(filletEdges(x, y, 11, PNT_2D(pick, 0), PNT_2D(0, pick), made));
+  }
 }
 
 TEST(Edits, FilletAndChamferOfACorner) {
@@ -141,6 +163,11 @@ TEST(Edits, CornersOfAPathAreCutWhereThereIsRoom) {
   EXPECT_TRUE(path.closed && path.start().PNT_2D::dist(path.end()) < 1e-12);
   path = square(10);
   EXPECT_EQ(filletPath(path, 6), 2);
+  for (const double side : {2.0, 3e6 / 7}) {
+    path = square(side);
+    EXPECT_EQ(filletPath(path, side / 2), 4) << "a circle remains";
+    EXPECT_NEAR(path.area() / (side * side), kPi / 4, 1e-9);
+  }
   path = square(10);
   EXPECT_EQ(chamferPath(path, 1, 2), 4);
   EXPECT_NEAR(path.area(), 96, 1e-12);

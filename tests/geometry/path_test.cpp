@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -76,6 +77,21 @@ TEST(Path, MeetsItselfWhereItCrosses) {
   const PATH_3D square({PNT_3D(0, 0, 0), PNT_3D(4, 0, 0), PNT_3D(4, 4, 0), PNT_3D(0, 4, 0)}, {},
                        true);
   EXPECT_TRUE(selfIntersections(square).empty());
+}
+
+// A corner lies on two edges, and the one where a closed path begins on the first and last.
+TEST(Path, CornersCountOnceWhereverThePathBegins) {
+  PATH_3D path(
+      {PNT_3D(0, 0, 0), PNT_3D(4, 0, 0), PNT_3D(4, 4, 0), PNT_3D(-4, -4, 0), PNT_3D(-4, 0, 0)}, {},
+      true);
+  const PATH_3D upright(LINE_3D(0, -9, 0, 0, 9, 0));
+  for (std::size_t turn = 0; turn < path.edges.size(); ++turn) {
+    SCOPED_TRACE(turn);
+    EXPECT_EQ(selfIntersections(path).size(), 1u);
+    EXPECT_EQ(intersectPaths(upright, path).size(), 1u);
+    EXPECT_EQ(intersectPaths(path, upright).size(), 2u) << "passed twice";
+    std::rotate(path.edges.begin(), path.edges.begin() + 1, path.edges.end());
+  }
 }
 
 TEST(Path, NumbersThatAreNoneHaveNoCrossings) {

@@ -167,6 +167,7 @@ class VEK0_API CUndoStack {
   void forgetUndone();
   bool bringBlock(CEnt& ent);
   bool takeBlock(CBlock* block);
+  bool exchangeBlocks(CBlock* old, std::unique_ptr<CBlock>& fresh);
 
   CData& m_data;
   std::size_t m_limit;

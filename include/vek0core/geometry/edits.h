@@ -25,10 +25,11 @@ struct EDGE_JOINT {
   EDGE_3D first, second, joint;
 };
 
-/// Rounds the corner of two edges with an arc; with radius 0 they simply meet, and the
-/// joint has no length. Of each edge the side of its pick remains, of a full circle all.
-/// Where several arcs fit, that nearest to the picks is taken. False for parallel lines,
-/// and where nothing fits.
+/// Rounds the corner of two edges with an arc of less than half a turn, that whose contacts
+/// are nearest to the picks. Of each edge the side remains that the arc goes on into, of a
+/// full circle all; false when an edge has nothing there, and for parallel lines. With
+/// radius 0 the edges simply meet, the joint has no length, and the sides of the picks
+/// remain.
 VEK0_API bool filletEdges(const EDGE_3D& a, const EDGE_3D& b, double radius, const PNT_2D& pickA,
                           const PNT_2D& pickB, EDGE_JOINT& out);
 /// Cuts off the corner of two straight edges, `distA` and `distB` (0 or more) from where

@@ -54,8 +54,8 @@ class VEK0_API PATH_3D {
 /// How near a point has to be to count as touching, as a share of the coordinates.
 inline constexpr double kTouchShare = 1e-12;
 
-/// The common points of two paths, in order along the first; neighbours that are the same
-/// place count once. Near-linear in edges and points.
+/// The common points of two paths, in order along the first, which has each once, a joint of
+/// edges included; a point that it passes twice counts twice. Near-linear in edges and points.
 VEK0_API std::vector<PATH_CROSSING> intersectPaths(const PATH_3D& a, const PATH_3D& b);
 
 /// The points where a path meets itself, other than where neighbouring edges join. Each
