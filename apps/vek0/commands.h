@@ -40,6 +40,7 @@ void addInfoCommand(CLI::App& app, Session& session);
 void addCheckCommand(CLI::App& app, Session& session);
 void addConvertCommand(CLI::App& app, Session& session);
 void addImportCommand(CLI::App& app, Session& session);
+void addEditCommand(CLI::App& app, Session& session);
 void addHatchCommand(CLI::App& app, Session& session);
 void addHatchesCommand(CLI::App& app, Session& session);
 void addLinetypesCommand(CLI::App& app, Session& session);

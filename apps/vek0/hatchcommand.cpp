@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <memory>
@@ -8,6 +7,7 @@
 
 #include "commands.h"
 #include "saving.h"
+#include "stepvalues.h"
 #include "vek0core/vek0core.h"
 
 namespace vek0::tool {
@@ -21,20 +21,12 @@ struct Options {
   SaveOptions save;
 };
 
-bool parseNumber(const char*& at, const char* end, double& value) {
-  const auto [next, failure] = std::from_chars(at, end, value);
-  if (failure != std::errc() || !std::isfinite(value)) return false;
-  at = next;
-  return true;
-}
-
 // "x,y"; an error text or nothing, as the argument parser wants it.
 std::string checkPoint(const std::string& text, PNT_3D& pnt) {
-  const char *at = text.data(), *end = at + text.size();
-  pnt.set(0, 0, 0);
-  const bool good = parseNumber(at, end, pnt.x) && at != end && *at++ == ',' &&
-                    parseNumber(at, end, pnt.y) && at == end;
-  return good ? std::string() : "'" + text + "' is not a point like 12.5,-3";
+  const auto numbers = numbersIn(text);
+  if (!numbers || numbers->size() != 2) return "'" + text + "' is not a point like 12.5,-3";
+  pnt.set((*numbers)[0], (*numbers)[1], 0);
+  return {};
 }
 
 std::vector<HATCH_RING> ringOf(const std::vector<std::string>& points) {

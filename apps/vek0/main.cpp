@@ -53,7 +53,7 @@ bool isUnknownVerb(const CLI::App& app, const std::string& word) {
 
 int runTool(int argc, char** argv) {
   CLI::App app{
-      "vek0 reads, describes, draws, merges and writes DXF drawings.\n\n"
+      "vek0 reads, describes, draws, edits, merges and writes DXF drawings.\n\n"
       "Examples:\n"
       "  vek0 info drawing.dxf\n"
       "  vek0 render drawing.dxf -o drawing.svg\n"
@@ -70,6 +70,7 @@ int runTool(int argc, char** argv) {
   addCheckCommand(app, session);
   addConvertCommand(app, session);
   addImportCommand(app, session);
+  addEditCommand(app, session);
   addHatchCommand(app, session);
   addHatchesCommand(app, session);
   addLinetypesCommand(app, session);

@@ -231,6 +231,12 @@ std::string EntityCounts::toText() const {
   return text.empty() ? "none" : text;
 }
 
+std::string kindNameOf(CEnt& ent) {
+  KindVisitor visitor;
+  ent.accept(visitor);
+  return EntityCounts::kKinds[visitor.kind];
+}
+
 Json errorToJson(const ReadResult& result) {
   if (result.ok()) return nullptr;
   return Json{

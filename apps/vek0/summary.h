@@ -29,6 +29,9 @@ class EntityCounts {
   std::array<long, kKinds.size()> m_counts{};
 };
 
+/// What an entity counts as, one of `EntityCounts::kKinds`.
+std::string kindNameOf(CEnt& ent);
+
 /// The error as JSON: null, or {"kind", "line", "message"}. A file that cannot be
 /// opened has kind 0.
 Json errorToJson(const ReadResult& result);

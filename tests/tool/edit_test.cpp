@@ -1,0 +1,296 @@
+// Edits as scripts make them: what steps do, in which order, and what they refuse.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "tooltest.h"
+
+using Json = nlohmann::json;
+
+namespace {
+
+// "0 LINE|8 A" as pairs on two lines each.
+std::string pairs(const std::string& text) {
+  std::string lines;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t end = std::min(text.find('|', at), text.size()), gap = text.find(' ', at);
+    lines += text.substr(at, gap - at) + "\n" + text.substr(gap + 1, end - gap - 1) + "\n";
+    at = end + 1;
+  }
+  return lines;
+}
+
+// Two walls that meet at (10,0) on layers of their own, a circle on a layer with a comma in
+// its name, a closed square that runs clockwise, a block inserted once, and what nobody uses.
+const std::string kPlan = pairs(
+    "0 SECTION|2 TABLES|"
+    "0 TABLE|2 LTYPE|70 2|0 LTYPE|2 USED|70 0|3 |72 65|73 2|40 2|49 1|49 -1|"
+    "0 LTYPE|2 SPARE|70 0|3 |72 65|73 2|40 2|49 1|49 -1|0 ENDTAB|"
+    "0 TABLE|2 LAYER|70 5|0 LAYER|2 WALL1|70 0|62 1|6 USED|0 LAYER|2 WALL2|70 0|62 2|6 CONTINUOUS|"
+    "0 LAYER|2 A,B|70 0|62 3|6 CONTINUOUS|0 LAYER|2 AREA|70 0|62 4|6 CONTINUOUS|"
+    "0 LAYER|2 SPARE|70 0|62 5|6 SPARE|0 ENDTAB|"
+    "0 TABLE|2 STYLE|70 1|0 STYLE|2 SPARE|70 0|40 0|41 1|50 0|71 0|42 1|3 txt|4 |0 ENDTAB|"
+    "0 ENDSEC|0 SECTION|2 BLOCKS|"
+    "0 BLOCK|8 0|2 PART|70 0|10 0|20 0|0 LINE|8 0|10 0|20 0|11 1|21 0|0 POINT|8 0|10 2|20 0|0 "
+    "ENDBLK|"
+    "0 BLOCK|8 0|2 INNER|70 0|10 0|20 0|0 POINT|8 0|10 0|20 0|0 ENDBLK|"
+    "0 BLOCK|8 0|2 OUTER|70 0|10 0|20 0|0 INSERT|8 0|2 INNER|10 0|20 0|0 ENDBLK|"
+    "0 ENDSEC|0 SECTION|2 ENTITIES|"
+    "0 LINE|8 WALL1|10 0|20 0|11 10|21 0|0 LINE|8 WALL2|10 10|20 5|11 10|21 0|"
+    "0 CIRCLE|8 A,B|10 50|20 50|40 5|"
+    "0 POLYLINE|8 AREA|66 1|70 1|0 VERTEX|8 AREA|10 0|20 20|0 VERTEX|8 AREA|10 0|20 30|"
+    "0 VERTEX|8 AREA|10 10|20 30|0 VERTEX|8 AREA|10 10|20 20|0 SEQEND|"
+    "0 INSERT|8 WALL1|2 PART|10 100|20 0|70 3|44 10|0 ENDSEC|0 EOF");
+
+class Edit : public Tool {
+ protected:
+  void SetUp() override {
+    Tool::SetUp();
+    write("plan.dxf", kPlan);
+  }
+
+  Outcome edit(const std::string& steps) { return run("edit -f plan.dxf -o out.dxf " + steps); }
+  Json info() { return Json::parse(run("info --json out.dxf").out); }
+  std::vector<std::string> namesOf(const Json& items) {
+    std::vector<std::string> names;
+    for (const Json& item : items)
+      names.push_back(item.is_string() ? item.get<std::string>() : item["name"].get<std::string>());
+    return names;
+  }
+  bool has(const std::vector<std::string>& names, const std::string& name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+  }
+};
+
+}  // namespace
+
+TEST_F(Edit, SelectsByLayerKindAndWindow) {
+  const struct {
+    const char* select;
+    int count;  // 0: fails
+  } cases[] = {
+      {"all",                            5},
+      {"layer=WALL1",                    2},
+      {"layer=wall?",                    3},
+      {"layer=WALL1,WALL2,kind=LINE",    2},
+      {"kind=line,circle",               3},
+      {"kind=Line,layer=WALL2",          1},
+      {"\"layer=\\\"A,B\\\"\"",          1},
+      {"'layer=\"A,B\",AREA'",           2},
+      {"layer=A*",                       2},
+      {"window=0,0,10,30",               3},
+      {"window=10,30,0,0,kind=polyline", 1},
+      {"window=0,0,9.99,30",             0},
+      {"window=44.9,44,55,55.1,layer=*", 1},
+      {"layer=A,B",                      0},
+      {"layer=WALL1,kind=circle",        0},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.select);
+    const Outcome got = edit(std::string("--select ") + t.select + " --set-color red");
+    ASSERT_EQ(got.code, t.count == 0 ? 1 : 0) << got.err;
+    if (t.count == 0) continue;
+    const std::string number = std::to_string(t.count) + (t.count == 1 ? " entity" : " entities");
+    EXPECT_NE(got.err.find(": " + number + " selected\n"), std::string::npos) << got.err;
+    EXPECT_NE(got.err.find(": " + number + " colored red\n"), std::string::npos) << got.err;
+  }
+}
+
+TEST_F(Edit, TransformsWhatIsSelectedInTheOrderGiven) {
+  const std::string wall = "--select layer=WALL1,kind=line ";  // from 0,0 to 10,0
+  const std::string alone = " --select layer=WALL2,AREA,A?B --delete --select kind=insert --delete";
+  const struct {
+    const char* name;
+    const char* steps;
+    std::vector<double> min, max;
+  } cases[] = {
+      {"moved",                 "--move -5,3",                               {-5, 3, 0},   {5, 3, 0}   },
+      {"moved in space",        "--move 0,0,7",                              {0, 0, 7},    {10, 0, 7}  },
+      {"moved then turned",     "--move 10,0 --rotate 180@0,0",              {-20, 0, 0},  {-10, 0, 0} },
+      {"turned then moved",     "--rotate 180@0,0 --move 10,0",              {0, 0, 0},    {10, 0, 0}  },
+      {"scaled about a point",  "--scale 2@10,1",                            {-10, -1, 0}, {10, -1, 0} },
+      {"scaled by less than 0", "--scale -1@0,2",                            {-10, 4, 0},  {0, 4, 0}   },
+      {"values after signs",    "--move=1,1 --scale=0.5@0,0",                {.5, .5, 0},  {5.5, .5, 0}},
+      {"selected anew",         "--move 1,0 --select layer=AREA --move 5,5", {1, 0, 0},    {11, 0, 0}  },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const Outcome got = edit(wall + t.steps + alone);
+    ASSERT_EQ(got.code, 0) << got.err;
+    const Json extents = info()["extents"];
+    for (std::size_t i = 0; i < 3; ++i) {
+      EXPECT_NEAR(extents["min"][i].get<double>(), t.min[i], 1e-12) << i;
+      EXPECT_NEAR(extents["max"][i].get<double>(), t.max[i], 1e-12) << i;
+    }
+  }
+}
+
+TEST_F(Edit, CurvesComeApartTogetherAndBesides) {
+  const struct {
+    const char* name;
+    const char* steps;
+    Json entities;
+  } cases[] = {
+      {"insert with an array",
+       "--select kind=insert --explode",                                    {{"POINT", 3}, {"LINE", 5}, {"CIRCLE", 1}, {"POLYLINE", 1}} },
+      {"polyline",                         "--select layer=AREA --explode", {{"LINE", 6}, {"CIRCLE", 1}, {"INSERT", 1}}                 },
+      {"all that comes apart",             "--explode",                     {{"POINT", 3}, {"LINE", 9}, {"CIRCLE", 1}}                  },
+      {"walls that meet",                  "--join auto",                   {{"CIRCLE", 1}, {"POLYLINE", 2}, {"INSERT", 1}}             },
+      {"apart and together",
+       "--select layer=AREA --explode --join 1e-6",                         {{"LINE", 2}, {"CIRCLE", 1}, {"POLYLINE", 1}, {"INSERT", 1}}},
+      {"what was joined is selected",
+       "--select layer=WALL?,kind=line --join 0 --delete",                  {{"CIRCLE", 1}, {"POLYLINE", 1}, {"INSERT", 1}}             },
+      {"parallels of all curves",
+       "--offset 1",                                                        {{"LINE", 4}, {"CIRCLE", 2}, {"POLYLINE", 2}, {"INSERT", 1}}},
+      {"parallels are selected",
+       "--offset 1 --delete",                                               {{"LINE", 2}, {"CIRCLE", 1}, {"POLYLINE", 1}, {"INSERT", 1}}},
+      {"a circle has no inside that deep",
+       "--select kind=circle --offset -6",                                  {{"LINE", 2}, {"CIRCLE", 1}, {"POLYLINE", 1}, {"INSERT", 1}}},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const Outcome got = edit(t.steps);
+    ASSERT_EQ(got.code, 0) << got.err;
+    EXPECT_EQ(info()["entities"], t.entities) << got.err;
+  }
+}
+
+// The square of the plan runs clockwise, and the circle the other way.
+TEST_F(Edit, ParallelsOfClosedCurvesAreOutsideForMoreThanNothing) {
+  const struct {
+    const char* offset;
+    double side;  // of the parallel
+  } cases[] = {
+      {"1",        12},
+      {"-1",       8 },
+      {"1,mitre",  12},
+      {"-2,bevel", 6 },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.offset);
+    const std::string rest = " --move 1000,0 --select window=-100,-100,500,500 --delete";
+    ASSERT_EQ(edit(std::string("--select layer=AREA --offset ") + t.offset + rest).code, 0);
+    const Json box = info()["extents"];
+    EXPECT_NEAR(box["max"][0].get<double>() - box["min"][0].get<double>(), t.side, 1e-9);
+  }
+}
+
+TEST_F(Edit, PropertiesAndNames) {
+  ASSERT_EQ(edit("--select kind=line --set-layer NEW --set-linetype SPARE --set-color 40 "
+                 "--select layer=NEW --delete")
+                .code,
+            0);
+  EXPECT_FALSE(info()["entities"].contains("LINE"));
+  EXPECT_TRUE(has(namesOf(info()["layers"]), "NEW"));
+
+  const Outcome got = edit("--remap-layer 'WALL*=WALLS' --remap-linetype USED=SPARE --purge");
+  ASSERT_EQ(got.code, 0) << got.err;
+  EXPECT_NE(got.err.find("2 layers replaced by WALLS in 3 entities"), std::string::npos) << got.err;
+  const Json after = info();
+  EXPECT_EQ(namesOf(after["layers"]), (std::vector<std::string>{"0", "A_B", "AREA", "WALLS"}))
+      << "the comma is none of R12";
+  EXPECT_EQ(after["layers"].back()["color"], 1) << "made like the first that it replaces";
+  EXPECT_EQ(after["layers"].back()["linetype"], "SPARE");
+  EXPECT_FALSE(has(namesOf(after["linetypes"]), "USED"));
+
+  const std::string all = edit("--remap-linetype '*=USED'").err;
+  EXPECT_NE(all.find(": 2 linetypes replaced by USED in 0 entities"), std::string::npos)
+      << "not BYLAYER, which all entities have: " << all;
+  const std::string named = edit("--remap-linetype BYLAYER=USED").err;
+  EXPECT_NE(named.find(": 1 linetype replaced by USED in 9 entities"), std::string::npos) << named;
+}
+
+TEST_F(Edit, PurgeTakesWhatNothingUsesAndNoMore) {
+  const Outcome got = edit("--purge");
+  ASSERT_EQ(got.code, 0) << got.err;
+  EXPECT_NE(got.err.find("2 blocks, 1 layer, 1 linetype and 1 text style removed"),
+            std::string::npos)
+      << got.err;
+  const Json after = info();
+  EXPECT_EQ(namesOf(after["blocks"]), std::vector<std::string>{"PART"});
+  EXPECT_TRUE(has(namesOf(after["linetypes"]), "USED"));
+  ASSERT_EQ(edit("--select kind=insert --delete --purge").code, 0);
+  EXPECT_TRUE(info()["blocks"].empty());
+}
+
+TEST_F(Edit, WrongStepsAreRefusedAndNothingIsWritten) {
+  const struct {
+    const char* steps;
+    int code;
+    const char* said;
+  } cases[] = {
+      {"",                                     2, "there is nothing to do"                },
+      {"--undo-check",                         2, "there is nothing to do"                },
+      {"--move 1",                             2, "is not a vector"                       },
+      {"--move 1,2,3,4",                       2, "is not a vector"                       },
+      {"--move 1,inf",                         2, "is not a vector"                       },
+      {"--rotate 90",                          2, "is not an angle and a point"           },
+      {"--rotate 90@1",                        2, "is not an angle and a point"           },
+      {"--scale 0@1,1",                        2, "a factor of 0"                         },
+      {"--scale 2",                            2, "is not a factor and a point"           },
+      {"--join -1",                            2, "is not a tolerance"                    },
+      {"--offset 0",                           2, "the curve itself"                      },
+      {"--offset 1,sharp",                     2, "is not a distance"                     },
+      {"--set-color 257",                      2, "is not a color"                        },
+      {"--set-color blu",                      2, "is not a color"                        },
+      {"--select kind=lines",                  2, "'lines' is not a kind"                 },
+      {"--select window=0,0,1",                2, "is not a window"                       },
+      {"--select color=3",                     2, "'color=3' is not all"                  },
+      {"--select WALL1",                       2, "'WALL1' is not all"                    },
+      {"--select layer=",                      2, "a value is missing"                    },
+      {"--select 'layer=\"A'",                 2, "a quote is not closed"                 },
+      {"--remap-layer WALL1",                  2, "is not OLD=NEW"                        },
+      {"--remap-layer =WALL1",                 2, "is not OLD=NEW"                        },
+      {"--select layer=DOOR --delete",         1, "--select layer=DOOR: no layer is named"},
+      {"--select kind=text --delete",          1, "nothing fits"                          },
+      {"--delete --move 1,1",                  1, "--move 1,1: nothing is selected"       },
+      {"--set-linetype DOTS",                  1, "there is no linetype DOTS"             },
+      {"--set-layer XREF@A --set-layer 'X|A'", 1, "there is no layer X|A"                 },
+      {"--remap-layer DOOR=WALL1",             1, "there is no layer DOOR"                },
+      {"--remap-layer WALL1=wall1",            1, "there is no layer WALL1 to replace"    },
+      {"--remap-linetype USED=DOTS",           1, "there is no linetype DOTS"             },
+      {"--remap-style SPARE=ROMANS",           1, "there is no text style ROMANS"         },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.steps);
+    const Outcome got = edit(t.steps);
+    EXPECT_EQ(got.code, t.code);
+    EXPECT_NE(got.err.find(t.said), std::string::npos) << got.err;
+    EXPECT_FALSE(fs::exists(path("out.dxf")));
+  }
+}
+
+TEST_F(Edit, QuietSaysNothingButErrors) {
+  EXPECT_EQ(edit("-q --move 1,1 --undo-check").err, "");
+  EXPECT_NE(edit("-q --set-linetype DOTS").err, "");
+}
+
+TEST_F(Edit, UndoCheckHoldsForEveryKindAndStepAndChangesNothing) {
+  const std::string steps =
+      " --move 3,-2,1 --rotate 33@5,5 --scale -1.5@1,2 --set-layer NEW --set-color 9 --explode "
+      "--explode --join auto --select kind=polyline,line,arc,circle --offset 0.5 --set-layer PAR "
+      "--select layer=PAR --delete --remap-layer '*E*=0' --purge";
+  const std::string remaps = " --remap-linetype '*=Continuous' --remap-style '*=STANDARD'";
+  const struct {
+    std::string in, steps;
+  } cases[] = {
+      {flange,                                                   remaps + steps},
+      {kinds,                                                    remaps + steps},
+      {"plan.dxf",                                               remaps + steps},
+      {std::string("'") + VEK0_SAMPLES + "/hatches_ac1015.dxf'", steps         },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.in);
+    const Outcome plain = run("edit -f " + t.in + " -o one.dxf" + t.steps);
+    ASSERT_EQ(plain.code, 0) << plain.err;
+    const Outcome got = run("edit -f " + t.in + " -o two.dxf --undo-check" + t.steps);
+    ASSERT_EQ(got.code, 0) << got.err;
+    EXPECT_NE(got.err.find("undone, which gave the drawing back, and done again"),
+              std::string::npos)
+        << got.err;
+    EXPECT_EQ(contents(path("one.dxf")), contents(path("two.dxf")));
+  }
+}
