@@ -114,7 +114,7 @@ TEST(Constructions, TangentsFromAPointAreSquareToTheRadius) {
       EXPECT_NEAR((t[i].x - p.x) * (t[i].x - circle.x) + (t[i].y - p.y) * (t[i].y - circle.y), 0,
                   1e-10);
     }
-    if (count == 2) EXPECT_TRUE(LINE_2D(p, circle).ptLeftSide(t[0]));
+    EXPECT_TRUE(count != 2 || LINE_2D(p, circle).ptLeftSide(t[0]));
   }
   PNT_2D t1(0, 0), t2(0, 0);
   EXPECT_EQ(pntTang(PNT_2D(0, 2), ARC_3D(0, 0, 0, 1, 0, kPi / 2), t1, t2), 1);

@@ -47,7 +47,7 @@ void expectConnected(const PATH_3D& path) {
   ASSERT_FALSE(path.empty());
   for (std::size_t i = 0; i + 1 < path.edges.size(); ++i)
     EXPECT_TRUE(path.edges[i].p2 == path.edges[i + 1].p1);
-  if (path.closed) EXPECT_TRUE(path.start() == path.end());
+  EXPECT_TRUE(!path.closed || path.start() == path.end());
   for (const EDGE_3D& edge : path.edges) {
     if (!edge.isArc()) continue;
     EXPECT_NEAR(edge.center.dist(edge.p1), edge.radius, 1e-6 * edge.radius);
