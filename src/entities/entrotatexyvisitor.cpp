@@ -1,9 +1,9 @@
 #include "vek0core/entities/entrotatexyvisitor.h"
 
 #include <cmath>
-#include <numbers>
 
 #include "entities/hatchtransform.h"
+#include "entities/oneturn.h"
 #include "vek0core/entities/ent3dface.h"
 #include "vek0core/entities/entarc.h"
 #include "vek0core/entities/entattdef.h"
@@ -17,14 +17,7 @@
 
 namespace {
 
-constexpr double kTwoPi = 2 * std::numbers::pi;
-
-// One turn at most: a rotation far outside was stored by somebody who meant it. What is
-// just below 0 becomes the full turn by rounding, and then 0.
-double oneTurn(double angleRad) {
-  const double turned = angleRad < 0 ? angleRad + kTwoPi : angleRad;
-  return turned >= kTwoPi ? turned - kTwoPi : turned;
-}
+using vek0::detail::oneTurn;
 
 void rotateText(CEntText& ent, const PNT_3D& centre, double angle) {
   ent.getText().rotate(centre, angle);
