@@ -148,9 +148,13 @@ void CBlock::restore(CEnt* ent, const Place& place) {
   const bool isNextHere = place.next != nullptr && place.next->m_owner == this;
   const std::size_t at = isNextHere ? place.next->m_pos : m_entities.size();
   const std::size_t before = m_entities.size();
-  const auto moved = [](CEnt& other, std::size_t pos) { other.m_pos = pos; };
+  bool isMoved = false;
+  const auto moved = [&isMoved](CEnt& other, std::size_t pos) {
+    other.m_pos = pos;
+    isMoved = true;
+  };
   const std::size_t slot = vek0::detail::holeBefore(m_entities, at, m_noHoles, moved);
-  if (m_entities.size() != before) m_ranks.reset();
+  if (isMoved || m_entities.size() != before) m_ranks.reset();
   m_entities[slot] = ent;
   --m_noHoles;
   if (m_ranks) m_ranks->fill(slot);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -12,20 +13,68 @@ std::size_t firstUsed(const std::vector<T*>& slots, std::size_t from) {
   return from;
 }
 
+/// Spreads what stands in [first, last) evenly, with a hole before slot `at`, which is in use;
+/// answers the place of the hole. There must be one in the range.
+template <class T, class Moved>
+std::size_t spreadAround(std::vector<T*>& slots, std::size_t first, std::size_t last,
+                         std::size_t at, const Moved& moved) {
+  std::size_t packed = last, next = last;
+  for (std::size_t i = last; i-- > first;) {
+    T* const item = slots[i];
+    if (item == nullptr) continue;
+    slots[i] = nullptr;
+    slots[--packed] = item;
+    if (i == at) next = packed;
+  }
+  const std::size_t count = last - packed + 1, width = last - first;
+  std::size_t hole = first, placed = 0;
+  // No slot is behind that of the packed item, so that none is overwritten.
+  for (std::size_t i = packed; i < last; ++i) {
+    if (i == next) hole = first + placed++ * width / count;
+    T* const item = slots[i];
+    const std::size_t to = first + placed++ * width / count;
+    slots[i] = nullptr;
+    slots[to] = item;
+    moved(*item, to);
+  }
+  return hole;
+}
+
 /// Position of a hole right before `at`, where something may go that has to stand between
 /// what is on both sides. There is one wherever something was taken out and the array was
-/// not closed up since. Otherwise some are made, as many as make a run of such requests
-/// cheap; `moved` hears of everything that has a new position, and `holes` is kept true.
+/// not closed up since. Otherwise what stands near is spread, over as little as has room:
+/// the wider the range, the sparser it has to be, which makes requests in any order cost the
+/// square of the logarithm of the size on average. `moved` hears of everything that has a
+/// new position, and `holes` is kept true. The array grows to half as much again as is in
+/// use, if it has to grow at all.
 template <class T, class Moved>
 std::size_t holeBefore(std::vector<T*>& slots, std::size_t at, std::size_t& holes,
                        const Moved& moved) {
   if (at > 0 && slots[at - 1] == nullptr) return at - 1;
-  const std::size_t gap = at == slots.size() ? 1 : 1 + slots.size() / 16;
-  slots.insert(slots.begin() + static_cast<std::ptrdiff_t>(at), gap, nullptr);
-  holes += gap;
-  for (std::size_t i = at + gap; i < slots.size(); ++i)
-    if (slots[i] != nullptr) moved(*slots[i], i);
-  return at + gap - 1;
+  if (at == slots.size()) {
+    slots.push_back(nullptr);
+    ++holes;
+    return at;
+  }
+  constexpr std::size_t kLeast = 16;
+  constexpr double kDensestAll = 0.75;  // share in use of the whole array, 1 of the least range
+  double levels = 1, level = 0;
+  for (std::size_t width = kLeast; width < slots.size(); width *= 2) ++levels;
+  for (std::size_t width = kLeast; width < slots.size(); width *= 2, ++level) {
+    const std::size_t first = at / width * width, last = std::min(first + width, slots.size());
+    const auto free = std::count(slots.begin() + static_cast<std::ptrdiff_t>(first),
+                                 slots.begin() + static_cast<std::ptrdiff_t>(last), nullptr);
+    const double sparsest = (1 - kDensestAll) * level / levels * static_cast<double>(last - first);
+    if (free > 0 && static_cast<double>(free - 1) >= sparsest)
+      return spreadAround(slots, first, last, at, moved);
+  }
+  const std::size_t used = slots.size() - holes + 1;
+  if (static_cast<double>(used) > kDensestAll * static_cast<double>(slots.size())) {
+    const std::size_t more = used + used / 2 + 1 - slots.size();
+    slots.insert(slots.end(), more, nullptr);
+    holes += more;
+  }
+  return spreadAround(slots, 0, slots.size(), at, moved);
 }
 
 }  // namespace vek0::detail

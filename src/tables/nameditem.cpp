@@ -138,9 +138,13 @@ CNamedItemTableImp::Place CNamedItemTableImp::getPlace(const CNamedItem& item) c
 std::size_t CNamedItemTableImp::slotFor(const Place& place) {
   const std::size_t at = contains(place.next) ? place.next->m_pos : m_items.size();
   const std::size_t before = m_items.size();
-  const auto moved = [](CNamedItem& item, std::size_t pos) { item.m_pos = pos; };
+  bool isMoved = false;
+  const auto moved = [&isMoved](CNamedItem& item, std::size_t pos) {
+    item.m_pos = pos;
+    isMoved = true;
+  };
   const std::size_t slot = vek0::detail::holeBefore(m_items, at, m_holes, moved);
-  if (m_items.size() != before) m_ranks.reset();
+  if (isMoved || m_items.size() != before) m_ranks.reset();
   return slot;
 }
 

@@ -233,6 +233,18 @@ TEST_F(Explode, HatchesGiveLinesAndStayHatchesInBlocks) {
   purgeHatchBlocks(*data);
 }
 
+TEST_F(Explode, SolidHatchesHaveNoLinesToGive) {
+  const std::vector<PNT_3D> ring = vek0::test::pts("0,0 10,0 10,10 0,10");
+  CEntHatch* hatch =
+      createEntHatch(*data, layer(), ltype(), 4, data->getHatchTypeTable().solid(), 1, 0, ring, 0);
+  ASSERT_NE(hatch, nullptr);
+  EXPECT_GT(hatch->getBlock()->size(), 0u);
+  EXPECT_TRUE(explode(*hatch).empty());
+  EXPECT_FALSE(made->isRefused());
+  delete hatch;
+  purgeHatchBlocks(*data);
+}
+
 TEST_F(Explode, ArraysAndNestingBeyondTheLimitAreRefused) {
   CBlock* b = block("B", {line(0, 0, 1, 0)});
   EXPECT_TRUE(explode(*keptInsert(b, PNT_3D(0, 0, 0), 1, 1, 0, 2000000000, 2000000000)).empty());

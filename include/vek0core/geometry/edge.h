@@ -69,7 +69,7 @@ class VEK0_API EDGE_3D {
                  bool carriers = false) const;
 
   PNT_3D p1, p2;
-  PNT_2D center;
+  PNT_2D center{0, 0};
   double radius = 0;
   double startAngle = 0;  ///< of p1 seen from the centre
   double sweep = 0;

@@ -1,0 +1,130 @@
+// Putting things back between their old neighbours, in arrays that were closed up meanwhile.
+#include "tables/holes.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <random>
+#include <vector>
+
+namespace {
+
+// Numbered things in an array with holes; each knows its position, as users of the array do.
+class Shelf {
+ public:
+  explicit Shelf(std::size_t count) : m_things(count) {
+    for (std::size_t i = 0; i < count; ++i) m_things[i] = {i, i};
+    for (Thing& thing : m_things) m_slots.push_back(&thing);
+  }
+
+  void remove(std::size_t number) {
+    m_slots[m_things[number].pos] = nullptr;
+    ++m_holes;
+  }
+  // Before the next of the numbers that is there.
+  void restore(std::size_t number, const std::vector<bool>& isThere) {
+    std::size_t next = number + 1;
+    while (next < m_things.size() && !isThere[next]) ++next;
+    const std::size_t at = next < m_things.size() ? m_things[next].pos : m_slots.size();
+    const std::size_t slot =
+        vek0::detail::holeBefore(m_slots, at, m_holes, [this](Thing& thing, std::size_t pos) {
+          thing.pos = pos;
+          ++m_moves;
+        });
+    ASSERT_EQ(m_slots[slot], nullptr);
+    m_slots[slot] = &m_things[number];
+    m_things[number].pos = slot;
+    --m_holes;
+  }
+  void closeUp() {
+    m_slots.erase(std::remove(m_slots.begin(), m_slots.end(), nullptr), m_slots.end());
+    for (std::size_t i = 0; i < m_slots.size(); ++i) m_slots[i]->pos = i;
+    m_holes = 0;
+  }
+
+  // Whether numbers rise, positions are true and the holes are counted.
+  bool isSound() const {
+    std::vector<std::size_t> numbers;
+    for (std::size_t i = 0; i < m_slots.size(); ++i) {
+      if (m_slots[i] == nullptr) continue;
+      if (m_slots[i]->pos != i) return false;
+      numbers.push_back(m_slots[i]->number);
+    }
+    return std::is_sorted(numbers.begin(), numbers.end()) &&
+           numbers.size() + m_holes == m_slots.size();
+  }
+  std::size_t size() const { return m_slots.size(); }
+  std::size_t moves() const { return m_moves; }
+
+ private:
+  struct Thing {
+    std::size_t number, pos;
+  };
+  std::vector<Thing> m_things;
+  std::vector<Thing*> m_slots;
+  std::size_t m_holes = 0, m_moves = 0;
+};
+
+std::vector<std::size_t> shuffled(std::size_t count, unsigned seed) {
+  std::vector<std::size_t> order(count);
+  for (std::size_t i = 0; i < count; ++i) order[i] = i;
+  std::shuffle(order.begin(), order.end(), std::mt19937(seed));
+  return order;
+}
+
+}  // namespace
+
+TEST(HoleBefore, KeepsOrderAndCountWhateverComesBack) {
+  for (unsigned seed = 0; seed < 200; ++seed) {
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    std::mt19937 random(seed);
+    const std::size_t count = 1 + random() % 150;
+    Shelf shelf(count);
+    std::vector<bool> isThere(count, true);
+    for (int i = 0; i < 600; ++i) {
+      const std::size_t number = random() % count;
+      if (isThere[number])
+        shelf.remove(number);
+      else
+        shelf.restore(number, isThere);
+      isThere[number] = !isThere[number];
+      if (random() % 20 == 0) shelf.closeUp();
+      ASSERT_TRUE(shelf.isSound());
+    }
+  }
+}
+
+// Nearly everything goes, the array is closed up, and all comes back. It used to grow by a
+// share of itself, holes included, for every thing that came back elsewhere.
+TEST(HoleBefore, GrowsAndMovesWithWhatIsInUse) {
+  constexpr std::size_t kCount = 20000;
+  std::vector<std::size_t> forwards(kCount);
+  for (std::size_t i = 0; i < kCount; ++i) forwards[i] = i;
+  const std::vector<std::size_t> backwards(forwards.rbegin(), forwards.rend());
+  const struct {
+    const char* name;
+    std::vector<std::size_t> order;
+  } cases[] = {
+      {"in no order", shuffled(kCount, 1)},
+      {"forwards",             forwards                  },
+      {"backwards",             backwards},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    Shelf shelf(kCount);
+    std::vector<bool> isThere(kCount, false);
+    isThere[kCount / 2] = true;
+    for (const std::size_t number : t.order)
+      if (!isThere[number]) shelf.remove(number);
+    shelf.closeUp();
+    for (const std::size_t number : t.order) {
+      if (isThere[number]) continue;
+      shelf.restore(number, isThere);
+      isThere[number] = true;
+    }
+    EXPECT_TRUE(shelf.isSound());
+    EXPECT_LE(shelf.size(), 2 * kCount);
+    EXPECT_LE(shelf.moves(), 200 * kCount) << "the square of the logarithm is 205";
+  }
+}
