@@ -134,7 +134,7 @@ TEST(CalcParalLine, GoesOnWhereANewPassWouldComeAgain) {
     SCOPED_TRACE(round);
     std::vector<PNT_2D> points;
     const bool onLattice = round % 4 == 0;
-    for (unsigned n = random() % 12; n-- > 0;) {
+    for (auto n = random() % 12; n-- > 0;) {
       const double x = place(random), y = place(random);
       points.emplace_back(onLattice ? std::round(x / 4) : x, onLattice ? std::round(y / 4) : y);
     }

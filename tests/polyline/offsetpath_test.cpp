@@ -135,7 +135,7 @@ PATH_3D randomChain(std::mt19937& random, bool closed) {
   std::uniform_real_distribution<double> place(-10, 10), bulge(-1.5, 1.5);
   std::vector<PNT_3D> points;
   std::vector<double> bulges;
-  for (unsigned n = 2 + random() % 12; n-- > 0;) {
+  for (auto n = 2 + random() % 12; n-- > 0;) {
     points.emplace_back(place(random), place(random), 0);
     bulges.push_back(random() % 3 == 0 ? bulge(random) : 0);
   }
