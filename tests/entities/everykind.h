@@ -119,7 +119,7 @@ class ShapeNumbers final : public IEntVisitor {
     putAngle(e.getArc().endAngle);
   }
   void visit(CEntPolyline& e) override {
-    put(e.getNoTotalVertexes());
+    put(static_cast<double>(e.getNoTotalVertexes()));
     for (int i = 0; i < e.getFirstVisibleVertex(); ++i) put(e.GetVertexPos(i));
     e.forEachBulged([this](const PNT_3D& p, double ws, double we, double bulge, long handle) {
       put(p, ws, we, bulge, handle);
@@ -153,7 +153,7 @@ class ShapeNumbers final : public IEntVisitor {
   }
   void visit(CEnt3DFace& e) override {
     for (long i = 0; i < 4; ++i) put(e.getVertex(i));
-    put(e.getFlags(), e.isTriangular());
+    put(static_cast<double>(e.getFlags()), e.isTriangular());
   }
 
  private:

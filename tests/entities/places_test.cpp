@@ -31,7 +31,9 @@ class PlacesTrial {
       const int count = static_cast<int>(m_random() % 30);
       for (int i = 0; i < count && !m_expected.empty(); ++i) takeOne(i % 3 == 0);
       // Looking at everything makes the owner close up now and then.
-      if (m_random() % 2 == 0) ASSERT_EQ(read(), m_expected);
+      if (m_random() % 2 == 0) {
+        ASSERT_EQ(read(), m_expected);
+      }
       while (!m_out.empty()) putBack();
       ASSERT_EQ(m_expected, before);
       ASSERT_EQ(read(), m_expected) << "round " << round;
