@@ -254,7 +254,8 @@ EntPtr readDimension(RecordReader& in) {
     picture.take(in);
   };
   if (!in.read(kind, {1, 2}, 2, take)) return nullptr;
-  if (!picture.name.empty()) {
+  const bool isShown = picture.block || (!picture.name.empty() && !in.blocksRead);
+  if (isShown) {
     // A copy of a dimension shares the picture of the first one, moved.
     const PNT_3D at = PlaneAxes(in.record().extrusion).toWorld(in.record().point(2));
     return insertPicture(in, picture, at, 0, name);

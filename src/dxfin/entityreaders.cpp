@@ -53,6 +53,7 @@ EntPtr read3DFace(RecordReader& in) {
   if (!in.read(asked)) return nullptr;
   const Record& r = in.record();
   const long fourth = r.seen.has(13) && r.seen.has(23) ? 3 : 2;
+  if (fourth == 2) in.note("code missing");
   return in.built(in.factory().createEnt3DFace(in.gestor(), r.layer, r.ltype, r.color, r.point(0),
                                                r.point(1), r.point(2), r.point(fourth),
                                                r.integer(70), r.handle));
@@ -109,9 +110,13 @@ constexpr Reader kReaders[] = {
     {"LARGE_RADIAL_DIMENSION", EntityKinds::All,    one<readDimension>              },
 };
 
-// What follows an entity that was dropped.
-bool isRemnant(const CFileDXFILexer& lexer) {
-  return lexer.isKeyword("VERTEX") || lexer.isKeyword("ATTRIB") || lexer.isKeyword("SEQEND");
+// What a record that is not read is in the report; null when nothing is lost with it. Parts
+// follow an entity that was dropped.
+const char* lossOf(const CFileDXFILexer& lexer, EntityKinds kinds) {
+  if (kinds != EntityKinds::All) return "kind skipped";
+  if (lexer.isKeyword("SEQEND")) return nullptr;
+  const bool isPart = lexer.isKeyword("VERTEX") || lexer.isKeyword("ATTRIB");
+  return isPart ? "record skipped" : "kind skipped";
 }
 
 const Reader* findReader(const CFileDXFILexer& lexer, EntityKinds kinds) {
@@ -131,18 +136,19 @@ EntPtr EntityReader::read(EntityKinds kinds) {
     const bool inPlane = reader->since != EntityKinds::All;
     return isLeftOut() ? nullptr : inPlane ? placed(std::move(ent)) : std::move(ent);
   }
-  if (kinds != EntityKinds::All || !isRemnant(records.lexer()))
-    records.note("kind skipped", records.lexer().getText());
+  if (const char* loss = lossOf(records.lexer(), kinds))
+    records.note(loss, records.lexer().getText());
   records.skip();
   return nullptr;
 }
 
-// What stands on a layout's sheet is not in model space, and the other way round. Nothing
-// here can be invisible: what its program hides, the states of a block that is not in, say,
-// would show.
+// What stands on a layout's sheet is not in model space, and the other way round; blocks
+// belong to both, whatever their entities say. Nothing here can be invisible: what its program
+// hides, the states of a block that is not in, say, would show.
 bool EntityReader::isLeftOut() {
   const RecordReader::Frame& frame = records.frame();
-  const bool isElsewhere = frame.onPaper != records.context().options.policy.paperSpace;
+  const bool isElsewhere =
+      !records.inBlock && frame.onPaper != records.context().options.policy.paperSpace;
   if (!isElsewhere && !frame.isInvisible) return false;
   records.note(isElsewhere ? "on paper" : "entity invisible");
   records.further.clear();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <unordered_map>
 
 #include "entities/hatchblock.h"
 #include "vek0core/drawing/data.h"
@@ -318,14 +319,20 @@ void IFileDXFIDataSemantor::createFreshBlock(const zim::WString& name, const PNT
   m_data.getBlockTable().add(block.release());
 }
 
-// Inserts that would make the block a part of itself.
+// Inserts that would make the block a part of itself. Each block is asked about once, and
+// none when all of them together do no harm.
 void IFileDXFIDataSemantor::dropCircles(CBlock& block, std::list<CEnt*>& entities) const {
-  const CBlockGraph& graph = m_data.getBlockTable().getBlockGraph();
+  const CBlockTable& blocks = m_data.getBlockTable();
+  if (blocks.canRedefine(&block, entities)) return;
+  std::unordered_map<CBlock*, bool> circles;
+  const auto isCircle = [&](CBlock* inserted) {
+    const auto [known, isNew] = circles.try_emplace(inserted, false);
+    if (isNew) known->second = !blocks.getBlockGraph().canSubstitute(block, {inserted});
+    return known->second;
+  };
   entities.remove_if([&](CEnt* ent) {
     const CEntInsertBase* insert = ent->getEntInsert();
-    if (!insert || !insert->getBlock() ||
-        graph.canSubstitute(block, {const_cast<CBlock*>(insert->getBlock())}))
-      return false;
+    if (!insert || !insert->getBlock() || !isCircle(insert->getBlock())) return false;
     note("insert dropped", insert->getBlock()->getName());
     delete ent;
     return true;

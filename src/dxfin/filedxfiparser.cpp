@@ -78,13 +78,16 @@ void setVariable(const Variable<Value> (&variables)[count], const zim::WString& 
     if (zim::equalsIgnoreCase(name, variable.name)) variable.set(vars, value);
 }
 
-// The blocks of the layouts: what they hold is drawn by nobody.
+// Names of the blocks of the layouts, but for their first letter: what they hold is drawn by
+// nobody.
+constexpr std::u16string_view kModelName = u"model_space", kPaperName = u"paper_space";
+
+bool isLayout(const zim::WString& name, std::u16string_view layout) {
+  return !name.empty() && zim::equalsIgnoreCase(name.view().substr(1, layout.size()), layout);
+}
+
 bool isLayoutName(const zim::WString& name) {
-  if (name.empty()) return false;
-  const std::u16string_view rest = name.view().substr(1);
-  for (const std::u16string_view layout : {u"model_space", u"paper_space"})
-    if (zim::equalsIgnoreCase(rest.substr(0, layout.size()), layout)) return true;
-  return false;
+  return isLayout(name, kModelName) || isLayout(name, kPaperName);
 }
 
 }  // namespace
@@ -126,11 +129,7 @@ CFileDXFIParser::~CFileDXFIParser() = default;
 bool CFileDXFIParser::load() {
   if (!m_file.open()) return false;
   m_err = CFileDXFIError();
-  bool done = doLoad();
-  if (m_lexer.isStopped()) {
-    m_err = CFileDXFIError();  // of a section that had no end
-    done = true;
-  }
+  const bool done = doLoad();
   m_file.close();
   m_semantor.transition();
   return done && !failed();
@@ -159,12 +158,17 @@ void CFileDXFIParser::note(const char* code, const zim::WString& sample) const {
   if (m_options.report) m_options.report->add(code, m_lexer.getLine(), sample);
 }
 
-bool CFileDXFIParser::recover(const char* code, const zim::WString& sample) {
+bool CFileDXFIParser::forgive(const char* code, const zim::WString& sample) {
   if (!isTolerant() || !failed() || m_err.GetErrorType() == CFileDXFIError::GeneralError)
     return false;
   note(code, sample);
   m_err = CFileDXFIError();
   m_faultLine = 0;
+  return true;
+}
+
+bool CFileDXFIParser::recover(const char* code, const zim::WString& sample) {
+  if (!forgive(code, sample)) return false;
   if (getGroupValue() != 0) readEntityOther();
   return true;
 }
@@ -177,7 +181,7 @@ bool CFileDXFIParser::passRecord() {
 }
 
 bool CFileDXFIParser::atSectionEnd() {
-  if (isKeyword("ENDSEC")) return true;
+  if (isKeyword("ENDSEC") || m_lexer.isStopped()) return true;
   m_pending = isTolerant() && getGroupValue() == 0 && isPending();
   if (m_pending) note("section cut");
   return m_pending;
@@ -208,16 +212,30 @@ void CFileDXFIParser::readGlobal() {
 bool CFileDXFIParser::toSection() {
   nextRecord();
   if (isTolerant() && !m_isDrawing) readFragment();
-  while (isTolerant() && (getGroupValue() != 0 || !isPending())) passRecord();
-  if (!failed() && (getGroupValue() != 0 || !isPending())) fail(CFileDXFIError::WrongStructure);
+  while (isTolerant() && !isSectionOrEnd()) {
+    if (getGroupValue() == 0) note("record skipped", m_lexer.getText());
+    read();
+  }
+  if (!failed() && !isSectionOrEnd()) fail(CFileDXFIError::WrongStructure);
   return !failed();
 }
 
-// Some programs write records of entities alone.
+// The line that begins a section may be broken: its name tells as well.
+bool CFileDXFIParser::isSectionOrEnd() const {
+  if (getGroupValue() == 0) return isPending();
+  return isTolerant() && getGroupValue() == 2 && findSection() != nullptr;
+}
+
+// Some programs write records of entities alone, and files lose their front.
 void CFileDXFIParser::readFragment() {
-  while (!failed() && getGroupValue() == 0 && !isPending()) {
+  while (!failed() && !isSectionOrEnd() && !isKeyword("ENDSEC")) {
     RealizeVersion();
-    addEntity();
+    if (getGroupValue() != 0)
+      read();
+    else if (isKeyword("BLOCK"))
+      readBlock();
+    else
+      addEntity();
   }
 }
 
@@ -231,12 +249,17 @@ void CFileDXFIParser::readEnd() {
   takeCurrentItems();
 }
 
+CFileDXFIParser::ReadSection CFileDXFIParser::findSection() const {
+  if (isKeyword("HEADER")) return &CFileDXFIParser::readHeader;
+  if (isKeyword("TABLES")) return &CFileDXFIParser::readTables;
+  if (isKeyword("BLOCKS")) return &CFileDXFIParser::readBlocks;
+  if (isKeyword("ENTITIES")) return &CFileDXFIParser::readEntities;
+  return nullptr;
+}
+
 void CFileDXFIParser::readSection() {
-  if (!expect(2)) return;
-  if (isKeyword("HEADER")) return readHeader();
-  if (isKeyword("TABLES")) return readTables();
-  if (isKeyword("BLOCKS")) return readBlocks();
-  if (isKeyword("ENTITIES")) return readEntities();
+  if (getGroupValue() != 2 && !expect(2)) return;
+  if (const ReadSection readKnown = findSection()) return (this->*readKnown)();
   if (isTolerant() && !isKeyword("CLASSES")) note("section skipped", m_lexer.getText());
   readOtherSection();
 }
@@ -309,10 +332,7 @@ void CFileDXFIParser::readHeaderVariable() {
 }
 
 void CFileDXFIParser::dropVariable(const zim::WString& name) {
-  const bool recovered = isTolerant() && m_err.GetErrorType() != CFileDXFIError::GeneralError;
-  if (!recovered) return;
-  note("variable dropped", name);
-  m_err = CFileDXFIError();
+  if (!forgive("variable dropped", name)) return;
   while (getGroupValue() != 0 && getGroupValue() != 9) read();
 }
 
@@ -386,7 +406,8 @@ void CFileDXFIParser::takeVersion(const zim::WString& name) {
 }
 
 void CFileDXFIParser::takeCodePage() {
-  m_lexer.setCodePage(codePageOfDrawing(m_versionName.toUtf8(), m_codePageName.toUtf8()));
+  const std::string name = m_codePageName.toUtf8();
+  m_lexer.setCodePage(codePageOfDrawing(m_versionName.toUtf8(), name), codePageFromName(name));
 }
 
 // The first section that needs the version settles it.
@@ -452,7 +473,7 @@ void CFileDXFIParser::readLtypeEntry() { m_pACADVersionLoader->readLtype(); }
 struct CFileDXFIParser::LayerEntry {
   zim::WString name;
   CLtype* ltype = nullptr;
-  zim::WString unknownLtype;  // what stands for it as long as no table has it
+  zim::WString unknownLtype;  // for which ltype stands in until a table has it
   short colour = 7;
   bool off = false;
   long flags = 0;
@@ -479,6 +500,7 @@ void CFileDXFIParser::readLayerPair(long code, LayerEntry& layer) {
       if (layer.ltype) break;
       if (!isTolerant()) return fail(CFileDXFIError::LtypeNotFound);
       layer.unknownLtype = m_lexer.getText();
+      layer.ltype = m_semantor.getLtypeByLayer();  // which no layer has
       break;
     case 62: {
       long colour = getInt();
@@ -494,39 +516,42 @@ void CFileDXFIParser::readLayerPair(long code, LayerEntry& layer) {
       break;
     }
     case 70:
-      layer.flags = tableFlags();
+      layer.flags = readFlags() & ~kReferenced;
       break;
     default:
       break;
   }
 }
 
-long CFileDXFIParser::tableFlags() {
+long CFileDXFIParser::readFlags() {
   const long flags = getInt();
-  if (flags >= 0 || !isTolerant()) return flags & ~kReferenced;
+  if (flags >= 0 || failed() || !isTolerant()) return flags;
   note("flags replaced", m_lexer.getText());
   return 0;
 }
 
-// Whether a layer is off and its flags come in either order: they are joined here.
+// Whether the layer took what the entry says, or was there before, the stand-in tells.
 void CFileDXFIParser::createLayer(const LayerEntry& layer) {
+  placeLayer(layer);
+  CLayer* made = failed() || layer.unknownLtype.empty() ? nullptr : m_semantor.getLayer(layer.name);
+  if (!made || made->getLtype() != layer.ltype) return;
+  made->setLtype(m_semantor.getLtype(u"Continuous"));
+  m_unsettled.push_back({made, layer.unknownLtype});
+}
+
+// Whether a layer is off and its flags come in either order: they are joined here.
+void CFileDXFIParser::placeLayer(const LayerEntry& layer) {
   const long flags = layer.flags | (layer.off ? kLayerOff : 0);
   if (layer.name.empty()) return fail(CFileDXFIError::WrongStructure);
   if (layer.name.view() == u"0") return m_semantor.createLayer0(layer.ltype, layer.colour, flags);
-  if ((flags & kOfXRef) == 0) return createOrdinaryLayer(layer, flags);
+  if ((flags & kOfXRef) == 0)
+    return m_semantor.createLayer(layer.name, layer.ltype, layer.colour, flags);
   zim::WString xref, local;
   if (scomposeName(layer.name, xref, local))
     return m_semantor.createLayerXRef(xref, local, layer.ltype, layer.colour, flags);
   if (!isTolerant()) return fail(CFileDXFIError::WrongStructure);
   note("flags replaced", layer.name);
-  createOrdinaryLayer(layer, flags & ~kOfXRef);
-}
-
-void CFileDXFIParser::createOrdinaryLayer(const LayerEntry& layer, long flags) {
-  m_semantor.createLayer(layer.name, layer.ltype, layer.colour, flags);
-  if (layer.unknownLtype.empty()) return;
-  if (CLayer* created = m_semantor.getLayer(layer.name))
-    m_unsettled.push_back({created, layer.unknownLtype});
+  m_semantor.createLayer(layer.name, layer.ltype, layer.colour, flags & ~kOfXRef);
 }
 
 // The linetypes may have come after the layers.
@@ -582,7 +607,7 @@ void CFileDXFIParser::readStylePair(long code, StyleEntry& style) {
       style.oblique = styleNumber(-maxOblique, maxOblique, style) * kRadiansPerDegree;
       break;
     case 70:
-      style.flags = tableFlags();
+      style.flags = readFlags() & ~kReferenced;
       break;
     default:
       break;
@@ -636,6 +661,7 @@ void CFileDXFIParser::readBlocks() {
   RealizeVersion();
   read();
   while (atRecord() && !atSectionEnd()) readBlock();
+  m_pACADVersionLoader->endBlocks();
   // An insert may have come before its block was filled. Once is enough: what further
   // sections of blocks bring is measured at the end, and a file may have thousands.
   if (failed() || m_blocksMeasured || !m_pACADVersionLoader->hasReadInsert()) return;
@@ -650,7 +676,7 @@ void CFileDXFIParser::readBlock() {
   readBlockHeader(block);
   m_pACADVersionLoader->enterBlock(m_semantor.findBlock(block.name));
   readBlockEntities(entities);
-  m_pACADVersionLoader->enterBlock(nullptr);
+  m_pACADVersionLoader->leaveBlock();
   if (!failed()) createBlock(block, entities);
   recover("block dropped", block.name);
 }
@@ -676,11 +702,12 @@ void CFileDXFIParser::readBlockHeader(BlockHeader& block) {
         block.base[2] = getDouble();
         break;
       case 70:
-        block.flags = getInt();
+        block.flags = readFlags();
         break;
       default:
         break;
     }
+    forgive("number replaced", m_lexer.getText());
   }
 }
 
@@ -695,6 +722,7 @@ void CFileDXFIParser::readBlockEntities(OwnedEntities& entities) {
 }
 
 bool CFileDXFIParser::isBlockCut() {
+  if (m_lexer.isStopped()) return true;
   const bool isCut = isTolerant() && (isKeyword("BLOCK") || isKeyword("ENDSEC") || isPending());
   if (isCut) note("block cut");
   return isCut;
@@ -702,7 +730,11 @@ bool CFileDXFIParser::isBlockCut() {
 
 void CFileDXFIParser::createBlock(const BlockHeader& block, OwnedEntities& entities) {
   if (block.name.empty()) return fail(CFileDXFIError::WrongStructure);
-  if (isLayoutName(block.name)) return;
+  if (isLayoutName(block.name)) {
+    const bool isLost = isTolerant() && !entities.list().empty();
+    if (isLost) note(isLayout(block.name, kPaperName) ? "on paper" : "block dropped", block.name);
+    return;
+  }
   const bool anonymous = block.name[0] == u'*';
   if (anonymous && entities.list().empty() && (block.flags & CBlock::kAnonymous) == 0) return;
   const PNT_3D base(block.base[0], block.base[1], block.base[2]);

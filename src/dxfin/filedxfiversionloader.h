@@ -19,8 +19,17 @@ class CFileDXFIVersionLoader {
   std::vector<EntPtr>& getFurther() { return m_entities.records.further; }
   /// Whether any insert was read.
   bool hasReadInsert() const { return m_entities.records.insertRead; }
-  /// Tells which block the next entities belong to; null for none, or one that is new.
-  void enterBlock(const CBlock* block) { m_entities.records.owner = block; }
+  /// Tells that the next entities belong to a block; null when it is new.
+  void enterBlock(const CBlock* block) {
+    m_entities.records.inBlock = true;
+    m_entities.records.owner = block;
+  }
+  void leaveBlock() {
+    m_entities.records.inBlock = false;
+    m_entities.records.owner = nullptr;
+  }
+  /// Tells that a section of blocks is over.
+  void endBlocks() { m_entities.records.blocksRead = true; }
 
  protected:
   CFileDXFIVersionLoader(const ReadContext& context, bool complexDashes)

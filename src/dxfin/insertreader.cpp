@@ -50,7 +50,10 @@ void readAttribs(RecordReader& in, CEntInsertBase& insert) {
       return in.fail(CFileDXFIError::WrongStructure);
     }
     std::unique_ptr<CEntAttrib> attrib = readAttrib(in);
-    if (!attrib) return;
+    if (!attrib) {
+      if (!in.recover(u"ATTRIB")) return;
+      continue;
+    }
     TEXT_3D text = attrib->getText();
     transform_attrib_phisic_2_logic(1.0, insert, text);
     attrib->setText(text);

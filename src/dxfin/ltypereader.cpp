@@ -1,5 +1,6 @@
 #include "dxfin/ltypereader.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "vek0core/drawing/functions.h"
@@ -26,6 +27,7 @@ struct LtypeReader::Entry {
 
 void LtypeReader::read() {
   Entry entry;
+  m_putBack = false;
   for (;;) {
     const long code = next();
     if (failed()) return;
@@ -48,12 +50,10 @@ void LtypeReader::takePair(long code, Entry& entry) {
       takeDash(entry);
       break;
     case 70:
-      entry.flags = lexer.getInt() & ~kReferenced;
-      if (isTolerant() && entry.flags < 0) entry.flags = 0;
+      takeFlags(entry);
       break;
     case 72:
-      if (!isTolerant() && lexer.getInt() != kAlignment && !failed())
-        fail(CFileDXFIError::WrongStructure);
+      takeAlignment();
       break;
     case 73:
       takeCount(entry);
@@ -66,10 +66,33 @@ void LtypeReader::takePair(long code, Entry& entry) {
   }
 }
 
+void LtypeReader::takeFlags(Entry& entry) {
+  entry.flags = m_context.lexer.getInt() & ~kReferenced;
+  if (!isTolerant() || entry.flags >= 0) return;
+  m_context.note("flags replaced", m_context.lexer.getText());
+  entry.flags = 0;
+}
+
+void LtypeReader::takeAlignment() {
+  const long alignment = integer();
+  if (failed() || alignment == kAlignment) return;
+  if (!isTolerant()) return fail(CFileDXFIError::WrongStructure);
+  m_context.note("number replaced", u"72");
+}
+
+// Dashes can be counted: nothing need be dropped where no number tells.
+long LtypeReader::integer() const {
+  const bool isMissing = isTolerant() && m_context.lexer.getBytes().empty();
+  return isMissing ? -1 : m_context.lexer.getInt();
+}
+
 void LtypeReader::takeCount(Entry& entry) {
-  if (isTolerant()) return;  // the dashes count themselves
-  const long count = m_context.lexer.getInt();
+  const long count = integer();
   if (failed()) return;
+  if (isTolerant()) {
+    entry.announced = count;
+    return;
+  }
   if (count < 0 || entry.dashes > 0) return fail(CFileDXFIError::WrongStructure);
   entry.announced = count;
 }
@@ -186,14 +209,16 @@ void LtypeReader::create(Entry& entry) {
   if (entry.name.empty()) return fail(CFileDXFIError::WrongStructure);
   for (const zim::Char* fixed : {u"continuous", u"byblock", u"bylayer"})
     if (zim::equalsIgnoreCase(entry.name, fixed)) return;
+  if (isTolerant() && std::max(entry.announced, 0L) != entry.dashes)
+    m_context.note("number replaced", u"73");
   if ((entry.flags & kOfXRef) == 0)
     return semantor.createLtype(entry.name, entry.description, entry.sequence, entry.flags);
   zim::WString xref, local;
-  if (isTolerant() && !scomposeName(entry.name, xref, local))
-    return semantor.createLtype(entry.name, entry.description, entry.sequence,
-                                entry.flags & ~kOfXRef);
-  if (!scomposeName(entry.name, xref, local)) return fail(CFileDXFIError::WrongStructure);
-  semantor.createLtypeXRef(xref, local, entry.description, entry.sequence, entry.flags);
+  if (scomposeName(entry.name, xref, local))
+    return semantor.createLtypeXRef(xref, local, entry.description, entry.sequence, entry.flags);
+  if (!isTolerant()) return fail(CFileDXFIError::WrongStructure);
+  m_context.note("flags replaced", entry.name);
+  semantor.createLtype(entry.name, entry.description, entry.sequence, entry.flags & ~kOfXRef);
 }
 
 }  // namespace vek0::detail

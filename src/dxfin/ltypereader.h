@@ -22,7 +22,10 @@ class LtypeReader {
   struct Entry;
 
   void takePair(long code, Entry& entry);
+  void takeFlags(Entry& entry);
+  void takeAlignment();
   void takeCount(Entry& entry);
+  long integer() const;
   void takeDash(Entry& entry);
   void takeElementType(Entry& entry);
   void takeElement(long type, Entry& entry);

@@ -32,6 +32,7 @@ constexpr Code kCodes[] = {
     {"color replaced",      kRepair},
     {"flags replaced",      kRepair},
     {"layer missing",       kRepair},
+    {"code missing",        kRepair},
     {"hatch open",          kRepair},
     {"curve without frame", kRepair},
     {"text fitted",         kChange},

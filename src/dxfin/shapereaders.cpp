@@ -131,7 +131,7 @@ class Faces {
         m_in.note("mesh incomplete");
         break;
       }
-      addPolygon(&m_list[i], static_cast<std::size_t>(corners));
+      addPolygon(m_list.data() + i, static_cast<std::size_t>(corners));
       i += static_cast<std::size_t>(corners);
     }
     return std::move(m_built);

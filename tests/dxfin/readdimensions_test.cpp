@@ -161,8 +161,19 @@ TEST(ReadDimensions, WithoutSenseAreNoHarm) {
   EXPECT_EQ(loadDimension("70 0").drawing().getEntTable().getEntityTbl().size(), 1u) << "a text";
   const Loaded table = loadAny(section("ENTITIES", pairsOf("0 ACAD_TABLE|8 0|10 0|20 0")));
   EXPECT_EQ(table.report.count("kind skipped"), 1);
-  const Loaded undefined = loadDimension("2 *D7|70 0");
-  EXPECT_EQ(undefined.report.count("block undefined"), 1);
+}
+
+// A picture may come after the dimension, but not after all blocks.
+TEST(ReadDimensions, AreDrawnWhereTheirPictureIsMissing) {
+  const std::string dimension = "0 DIMENSION|8 0|2 *D7|70 0|10 9|20 5|13 0|23 0|14 9|24 1";
+  const std::string entities = section("ENTITIES", pairsOf(dimension));
+  const Loaded never = loadAny(blockOf("*D1") + entities),
+               late = loadAny(entities + blockOf("*D7"));
+  EXPECT_EQ(never.report.count("dimension drawn"), 1);
+  EXPECT_NE(textOf(never), nullptr);
+  ASSERT_NE(late.only(), nullptr);
+  ASSERT_NE(late.only()->getEntInsert(), nullptr);
+  EXPECT_EQ(late.only()->getEntInsert()->getBlock()->size(), 1u);
 }
 
 TEST(ReadDimensions, StrictReadingSkipsThem) {

@@ -20,6 +20,12 @@ Loaded loadAnyEntities(std::string_view list) { return loadAny(entitiesOf("AC101
 
 const std::string kLine = "0 LINE|8 A|10 0|20 0|11 1|21 1";
 
+std::string manyLines(int count) {
+  std::string list = kLine;
+  while (--count > 0) list += "|" + kLine;
+  return list;
+}
+
 RECT_3D extents(const Loaded& got) { return got.data->getEntTable().getBdry(); }
 
 void expectBox(const RECT_3D& box, double x0, double y0, double x1, double y1) {
@@ -102,6 +108,23 @@ TEST(Tolerant, WhatIsRefusedIsRepairedAndTold) {
   expectRepaired("no number", entities("0 CIRCLE|8 A|10 0|20 0|40 1e999|" + kLine),
                  "entity dropped");
   expectRepaired("indented keywords", indented + dxf(), nullptr);
+  expectRepaired("front lost", line + pairsOf("0 ENDSEC") + section("OBJECTS", "") + dxf(),
+                 "record skipped");
+  expectRepaired("front lost within a record", "20\n5\n" + line + pairsOf("0 ENDSEC") + dxf(),
+                 "record skipped");
+  expectRepaired("begin of a section broken",
+                 header + "what\nSECTION\n2\nENTITIES\n" + line + dxf(), "stray line");
+  expectRepaired("SECTION misspelt", header + pairsOf("0 SECTOIN|2 ENTITIES|" + kLine) + dxf(),
+                 "record skipped");
+  expectRepaired("linetype numbers", entry("LTYPE", "0 LTYPE|2 D|72 0|73 9|49 1"),
+                 "number replaced");
+  expectRepaired("linetype flags", entry("LTYPE", "0 LTYPE|2 D|70 -1|72 65|73 0"),
+                 "flags replaced");
+  expectRepaired("flags of references", entry("LTYPE", "0 LTYPE|2 D|70 16|72 65|73 0"),
+                 "flags replaced");
+  expectRepaired("number of nothing", entities(kLine + "|62 "), "number replaced");
+  expectRepaired("three corners", entities("0 3DFACE|8 A|10 0|20 0|11 1|21 0|12 1|22 1|" + kLine),
+                 "code missing");
 }
 
 TEST(Tolerant, WhatIsNoDrawingIsRefused) {
@@ -135,6 +158,12 @@ TEST(Tolerant, PolylinesTakeWhatThereIs) {
        "0 POLYLINE|8 A|66 1|70 4|75 3|0 VERTEX|8 A|10 0|20 0|70 16|0 VERTEX|8 A|10 4|20 0|70 16|0 "
        "SEQEND",                                                                                          4},
       {"wrong count",            "0 LWPOLYLINE|8 A|90 7|10 0|20 0|10 4|20 0",                             4},
+      {"broken vertex",
+       "0 POLYLINE|8 A|66 1|0 VERTEX|8 A|10 0|20 0|0 VERTEX|8 A|10 nan|20 0|0 VERTEX|8 A|10 4|20 "
+       "0|0 "
+       "SEQEND",                                                                                          4},
+      {"negative flags",
+       "0 POLYLINE|8 A|66 1|70 -1|0 VERTEX|8 A|10 0|20 0|70 -1|0 VERTEX|8 A|10 4|20 0|0 SEQEND",          4},
       {"negative width",         "0 LWPOLYLINE|8 A|90 2|43 -1|10 0|20 0|10 4|20 0",                       4},
   };
   for (const auto& t : cases) {
@@ -144,6 +173,20 @@ TEST(Tolerant, PolylinesTakeWhatThereIs) {
     EXPECT_EQ(got.count(CEntPnt::kType), 1);
     EXPECT_NEAR(got.data->getEntTable().getEntityTbl().front()->getBdry().max.x, t.x, 1e-9);
   }
+}
+
+// Faces count the vertices: those of a broken one are missing, the others as they were.
+TEST(Tolerant, SurfacesSpareABrokenVertex) {
+  const auto vertex = [](const char* x, const char* y) {
+    return std::string("|0 VERTEX|8 A|70 192|10 ") + x + "|20 " + y;
+  };
+  const Loaded got = loadAnyEntities("0 POLYLINE|8 A|66 1|70 64" + vertex("nan", "0") +
+                                     vertex("1", "0") + vertex("1", "1") + vertex("0", "1") +
+                                     "|0 VERTEX|8 A|70 128|10 0|20 0|71 1|72 2|73 3" +
+                                     "|0 VERTEX|8 A|70 128|10 0|20 0|71 2|72 3|73 4|0 SEQEND");
+  EXPECT_EQ(got.count(CEnt3DFace::kType), 1);
+  expectBox(extents(got), 0, 0, 1, 1);
+  EXPECT_EQ(got.report.count("mesh incomplete"), 1);
 }
 
 TEST(Tolerant, InsertsTakeWhatThereIs) {
@@ -161,7 +204,35 @@ TEST(Tolerant, InsertsTakeWhatThereIs) {
     ASSERT_EQ(got.count(CEntInsert::kType), 1);
     EXPECT_EQ(got.only()->getEntInsert()->GetNoAttribs(), 1u);
   }
+  const Loaded broken =
+      load(insert + "|66 1|0 ATTRIB|8 A|10 nan|20 0|40 1|2 T|" + attrib + "|0 SEQEND");
+  ASSERT_EQ(broken.count(CEntInsert::kType), 1);
+  EXPECT_EQ(broken.only()->getEntInsert()->GetNoAttribs(), 1u);
+  EXPECT_EQ(broken.report.count("entity dropped"), 1);
   EXPECT_EQ(load("0 INSERT|8 A|10 0|20 0|" + kLine).count(CEntInsert::kType), 0) << "of nothing";
+}
+
+TEST(Tolerant, BlocksTakeWhatThereIs) {
+  const struct {
+    const char* name;
+    const char* head;
+    const char* code;
+  } cases[] = {
+      {"no number",       "0 BLOCK|2 B|10 nan|20 0|",           "number replaced"},
+      {"nothing",         "0 BLOCK|2 B|10 0|20 |",              "number replaced"},
+      {"negative flags",  "0 BLOCK|2 B|70 -1|10 0|20 0|",       "flags replaced" },
+      {"that of a model", "0 BLOCK|2 *Model_Space|10 0|20 0|",  "block dropped"  },
+      {"that of a sheet", "0 BLOCK|2 *Paper_Space3|10 0|20 0|", "on paper"       },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const Loaded got = loadAny(section("BLOCKS", pairsOf(t.head + kLine + "|0 ENDBLK")) + dxf());
+    EXPECT_EQ(got.result.status, CFileDXFIResult::Done);
+    EXPECT_EQ(got.report.count(t.code), 1);
+    const bool isLayout = std::string_view(t.head).find('*') != std::string_view::npos;
+    const CBlock* block = got.data->getBlockTable().get(u"B");
+    EXPECT_EQ(block ? block->size() : 0, isLayout ? 0u : 1u);
+  }
 }
 
 TEST(Tolerant, LinetypesTakeWhatThereIs) {
@@ -179,6 +250,54 @@ TEST(Tolerant, LinetypesTakeWhatThereIs) {
   EXPECT_EQ(got.data->getLayerTable().get(u"A")->getLtype(), ltype) << "layers came first";
   EXPECT_EQ(got.report.count("shape dropped"), 1);
   EXPECT_EQ(got.report.count("linetype unknown"), 0);
+}
+
+// Linetypes may come after the layers that name them, but a layer that is there already
+// keeps its own.
+TEST(Tolerant, LayersWaitForTheirLinetypes) {
+  const std::string later = table("LTYPE", pairsOf("0 LTYPE|2 D|70 0|72 65|73 1|49 1"));
+  const auto tables = [&](const char* layers) {
+    return section("TABLES", table("LAYER", pairsOf(layers)) + later) + dxf();
+  };
+  Loaded got = loadAny(tables("0 LAYER|2 0|62 1|6 D|0 LAYER|2 A|62 1|0 LAYER|2 A|62 2|6 D"));
+  const CLtype* dashes = got.data->getLtypeTable().get(u"D");
+  ASSERT_NE(dashes, nullptr);
+  EXPECT_EQ(got.data->getLayer0().getLtype(), dashes);
+  EXPECT_EQ(got.data->getLayerTable().get(u"A")->getLtype(), &got.data->getLtypeContinuous());
+  importInto(got, tables("0 LAYER|2 A|62 3|6 D|0 LAYER|2 B|62 3|6 D|0 LAYER|2 C|6 NONE"),
+             CFileDXFIPolicy::forAnyFile());
+  EXPECT_EQ(got.data->getLayerTable().get(u"A")->getLtype(), &got.data->getLtypeContinuous());
+  EXPECT_EQ(got.data->getLayerTable().get(u"B")->getLtype(), dashes);
+  EXPECT_EQ(got.data->getLayerTable().get(u"C")->getLtype(), &got.data->getLtypeContinuous());
+  EXPECT_EQ(got.report.count("linetype unknown"), 1);
+}
+
+// What is asked for ends the reading without an error under either policy, in a block as well.
+TEST(Tolerant, ReadingEndsWhereTheHostSays) {
+  const std::string block =
+      section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|" + kLine + "|" + kLine + "|0 ENDBLK"));
+  const std::string text = block + section("ENTITIES", pairsOf(kLine + "|" + kLine)) + dxf();
+  for (const CFileDXFIPolicy& policy : {CFileDXFIPolicy(), CFileDXFIPolicy::forAnyFile()}) {
+    for (const long most : {1L, 3L}) {
+      Loaded got;
+      CFileMemory file(u"in.dxf", IFile::kRead, text);
+      CFileDXFIOptions options{&got.report, policy};
+      options.maxEntities = most;
+      got.result = loadDXF(got.drawing(), file, &got.error, options);
+      EXPECT_EQ(got.result.status, CFileDXFIResult::Done);
+      EXPECT_EQ(got.count(CEntLine::kType), most == 3 ? 1 : 0);
+      EXPECT_EQ(got.report.count("limit reached"), 1);
+      EXPECT_EQ(got.report.count("section cut") + got.report.count("block cut"), 0);
+    }
+    Loaded got;
+    CFileMemory file(u"in.dxf", IFile::kRead,
+                     section("ENTITIES", pairsOf(manyLines(2500))) + dxf());
+    CFileDXFIOptions options{&got.report, policy};
+    options.progress = [](long line) { return line < 20000; };
+    got.result = loadDXF(got.drawing(), file, &got.error, options);
+    EXPECT_EQ(got.result.status, CFileDXFIResult::Cancelled);
+    EXPECT_EQ(got.count(CEntLine::kType), 1999);
+  }
 }
 
 // What nothing is wrong with is the same drawing under both policies, to the last byte.
@@ -223,17 +342,21 @@ TEST(Tolerant, EntitiesSeenFromBelowAreMirrored) {
   };
   const std::string block =
       section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|0 LINE|8 0|10 0|20 0|11 1|21 0.5|0 ENDBLK"));
+  // What is all but the world's plane seen from below looks all but the same.
   for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    std::string list = t.list;
-    if (list.find("230") == std::string::npos) list += "|210 0|220 0|230 -1";
-    const Loaded got = loadAny(block + section("ENTITIES", pairsOf(list)) + dxf());
-    ASSERT_NE(got.only(), nullptr);
-    const RECT_3D box = got.only()->getBdry();
-    EXPECT_NEAR(box.min.x, t.x0, 1e-3);
-    EXPECT_NEAR(box.min.y, t.y0, 1e-3);
-    EXPECT_NEAR(box.max.x, t.x1, 1e-3);
-    EXPECT_NEAR(box.max.y, t.y1, 1e-3);
+    for (const char* tilt : {"0", "0.0001"}) {
+      SCOPED_TRACE(t.name + std::string(", tilted by ") + tilt);
+      std::string list = t.list;
+      if (list.find("230") == std::string::npos)
+        list += std::string("|210 ") + tilt + "|220 0|230 -1";
+      const Loaded got = loadAny(block + section("ENTITIES", pairsOf(list)) + dxf());
+      ASSERT_NE(got.only(), nullptr);
+      const RECT_3D box = got.only()->getBdry();
+      EXPECT_NEAR(box.min.x, t.x0, 1e-3);
+      EXPECT_NEAR(box.min.y, t.y0, 1e-3);
+      EXPECT_NEAR(box.max.x, t.x1, 1e-3);
+      EXPECT_NEAR(box.max.y, t.y1, 1e-3);
+    }
   }
 }
 
@@ -309,6 +432,20 @@ TEST(Tolerant, WhatIsInvisibleStaysSo) {
   EXPECT_EQ(with.GetAttrib(1)->getFlags(), 0);
 }
 
+// The entities of a block are those of both spaces.
+TEST(Tolerant, BlocksAreReadForPaperToo) {
+  const std::string text = section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|" + kLine + "|67 1|" +
+                                                     kLine + "|0 ENDBLK")) +
+                           section("ENTITIES", pairsOf("0 INSERT|8 A|67 1|2 B|10 0|20 0")) + dxf();
+  for (const bool paper : {false, true}) {
+    CFileDXFIPolicy policy = CFileDXFIPolicy::forAnyFile();
+    policy.paperSpace = paper;
+    const Loaded got = loadText(text, policy);
+    EXPECT_EQ(got.data->getBlockTable().get(u"B")->size(), 2u);
+    EXPECT_EQ(got.count(CEntInsert::kType), paper ? 1 : 0);
+  }
+}
+
 TEST(Tolerant, EncodingsAreNotTakenAtTheirWord) {
   const auto named = [](const char* version, const char* page, const std::string& layer) {
     return section("HEADER", pairs("9 $ACADVER") + pairText(std::string("1 ") + version) +
@@ -319,20 +456,28 @@ TEST(Tolerant, EncodingsAreNotTakenAtTheirWord) {
     const char *name, *version, *page;
     std::string bytes;
     const zim::Char* layer;
+    const char* encoding;
     long told;
   } cases[] = {
-      {"as declared",                   "AC1015", "ANSI_1252", "caf\xE9",          u"café", 0},
-      {"UTF-8 against the page",        "AC1015", "ANSI_1252", "caf\xC3\xA9",      u"café", 1},
-      {"UTF-8 against a Cyrillic page", "AC1015", "ANSI_1251", "\xD0\xB4\xD0\xB0", u"да",  1},
-      {"Cyrillic",                      "AC1015", "ANSI_1251", "\xE4\xE0",         u"да",  0},
-      {"UTF-8",                         "AC1021", "ANSI_1252", "caf\xC3\xA9",      u"café", 0},
-      {"not the UTF-8 of the version",  "AC1021", "ANSI_1252", "caf\xE9",          u"café", 1},
+      {"as declared",                   "AC1015", "ANSI_1252", "caf\xE9",          u"café",   "windows-1252", 0},
+      {"UTF-8 against the page",        "AC1015", "ANSI_1252", "caf\xC3\xA9",      u"café",   "utf-8",        1},
+      {"UTF-8 against a Cyrillic page", "AC1015", "ANSI_1251", "\xD0\xB4\xD0\xB0", u"да",    "utf-8",
+       1                                                                                                        },
+      {"Cyrillic",                      "AC1015", "ANSI_1251", "\xE4\xE0",         u"да",    "windows-1251", 0},
+      {"UTF-8",                         "AC1021", "ANSI_1252", "caf\xC3\xA9",      u"café",   "utf-8",        0},
+      {"not the UTF-8 of the version",  "AC1021", "ANSI_1252", "caf\xE9",          u"café",   "windows-1252",
+       1                                                                                                        },
+      {"Cyrillic instead of UTF-8",     "AC1021", "ANSI_1251", "\xE4\xE0",         u"да",    "windows-1251", 1},
+      {"UTF-8 and a broken byte",       "AC1021", "ANSI_1252", "\xD0\xB4 \xE9 x",  u"д é x",
+       "windows-1252",                                                                                         1},
+      {"UTF-8 without its end",         "AC1021", "ANSI_1251", "\xD0\xB4\xD0",     u"дÐ",    "utf-8",        0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
     const Loaded got = loadAny(named(t.version, t.page, t.bytes));
     EXPECT_NE(got.data->getLayerTable().get(t.layer), nullptr);
     EXPECT_EQ(got.report.count("encoding differs"), t.told);
+    EXPECT_EQ(got.result.encoding, t.encoding);
   }
   CFileMemory file(u"in.dxf", IFile::kRead, named("AC1021", "ANSI_1252", "\xE4\xE0"));
   CFileDXFIOptions options;

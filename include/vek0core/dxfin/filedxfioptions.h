@@ -90,6 +90,7 @@ struct CFileDXFIPolicy {
 ///   color replaced        a colour out of range: 7 of a layer, BYLAYER of an entity
 ///   flags replaced        flags that contradict the rest: read as if they were 0
 ///   layer missing         an entity that names no layer lies on layer 0
+///   code missing          a record lacks a code that it should have and can do without
 ///   variable dropped      a header variable whose value is none
 ///   entry dropped         a table entry that cannot be understood
 ///   entity dropped        likewise an entity

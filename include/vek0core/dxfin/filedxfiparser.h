@@ -107,6 +107,7 @@ class VEK0_API CFileDXFIParser {
   struct BlockHeader;
   class OwnedEntities;
   using ReadEntry = void (CFileDXFIParser::*)();
+  using ReadSection = void (CFileDXFIParser::*)();
 
   void RealizeVersion();
   void takeVersion(const zim::WString& name);
@@ -118,13 +119,15 @@ class VEK0_API CFileDXFIParser {
   void readSection();
   void readTable();
   bool toSection();
+  bool isSectionOrEnd() const;
+  ReadSection findSection() const;
   void readFragment();
   void addEntity();
   void readEnd();
   void nextRecord();
   void dropVariable(const zim::WString& name);
-  long tableFlags();
-  void createOrdinaryLayer(const LayerEntry& layer, long flags);
+  long readFlags();
+  void placeLayer(const LayerEntry& layer);
   void settleLayers();
   bool isBlockCut();
   bool isTimeToStop();
@@ -145,8 +148,10 @@ class VEK0_API CFileDXFIParser {
   void skipTo(std::string_view keyword);
 
   bool isTolerant() const { return m_options.policy.tolerant; }
-  /// Under the tolerant policy, turns the error of a record into a note and goes on to the
-  /// next record; false when there was no error, or one that ends the reading.
+  /// Under the tolerant policy, turns an error into a note; false when there was none, or one
+  /// that ends the reading.
+  bool forgive(const char* code, const zim::WString& sample);
+  /// The same for the error of a record; goes on to the next record.
   bool recover(const char* code, const zim::WString& sample);
   /// The same when the policy is tolerant whether or not there is an error: the current
   /// record does not belong where it stands.
