@@ -165,7 +165,7 @@ long CFileDXFILexer::read() {
   if (!m_started) start();
   do {
     if (m_stopped) return endFile();
-    if (!readCode() || !readValue()) return m_tolerant ? endFile() : fail();
+    if (!readCode() || !readValue() || !alignPair()) return m_tolerant ? endFile() : fail();
   } while (m_group == kComment);
   return m_group;
 }
@@ -265,6 +265,17 @@ bool CFileDXFILexer::readValue() {
   m_widened = false;
   if (!whole || m_value.size() > kMostUnits) finishLongValue(whole);
   if (m_lines.use_count() > 1) keepValue();
+  return true;
+}
+
+// What stands behind the code 0 is a keyword: where a number does, a line is missing, the 0
+// was a value, and the number is the next code.
+bool CFileDXFILexer::alignPair() {
+  while (m_tolerant && m_group == 0 && isNumber(trimmed(m_value))) {
+    note("stray line", "0");
+    m_group = vek0::detail::parseLong(m_value);
+    if (!readValue()) return false;
+  }
   return true;
 }
 

@@ -260,8 +260,14 @@ CFileDXFIParser::ReadSection CFileDXFIParser::findSection() const {
 void CFileDXFIParser::readSection() {
   if (getGroupValue() != 2 && !expect(2)) return;
   if (const ReadSection readKnown = findSection()) return (this->*readKnown)();
-  if (isTolerant() && !isKeyword("CLASSES")) note("section skipped", m_lexer.getText());
+  if (isTolerant() && !isKeyword("CLASSES")) noteSection();
   readOtherSection();
+}
+
+// What a section of an unknown name holds may be a part of the drawing.
+void CFileDXFIParser::noteSection() {
+  const bool isKnown = isKeyword("OBJECTS") || isKeyword("THUMBNAILIMAGE") || isKeyword("ACDSDATA");
+  note(isKnown ? "section skipped" : "section unknown", m_lexer.getText());
 }
 
 void CFileDXFIParser::readOtherSection() { skipTo("ENDSEC"); }

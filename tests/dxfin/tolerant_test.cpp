@@ -116,6 +116,9 @@ TEST(Tolerant, WhatIsRefusedIsRepairedAndTold) {
                  header + "what\nSECTION\n2\nENTITIES\n" + line + dxf(), "stray line");
   expectRepaired("SECTION misspelt", header + pairsOf("0 SECTOIN|2 ENTITIES|" + kLine) + dxf(),
                  "record skipped");
+  expectRepaired("code missing before a 0",
+                 open + pairsOf("0 LINE|8 A|10 5") + "0\n30\n5\n11\n9\n" + line + dxf(),
+                 "stray line");
   expectRepaired("linetype numbers", entry("LTYPE", "0 LTYPE|2 D|72 0|73 9|49 1"),
                  "number replaced");
   expectRepaired("linetype flags", entry("LTYPE", "0 LTYPE|2 D|70 -1|72 65|73 0"),
@@ -125,6 +128,15 @@ TEST(Tolerant, WhatIsRefusedIsRepairedAndTold) {
   expectRepaired("number of nothing", entities(kLine + "|62 "), "number replaced");
   expectRepaired("three corners", entities("0 3DFACE|8 A|10 0|20 0|11 1|21 0|12 1|22 1|" + kLine),
                  "code missing");
+}
+
+TEST(Tolerant, SectionsThatAreLeftOutAreTold) {
+  for (const auto& [name, code] :
+       {std::pair("OBJECTS", "section skipped"), std::pair("ENTITES", "section unknown")}) {
+    const Loaded got = loadAny(section(name, pairsOf(kLine)) + dxf());
+    EXPECT_EQ(got.report.count(code), 1) << name;
+    EXPECT_EQ(severityOf(code), name[0] == 'O' ? ReportSeverity::Note : ReportSeverity::Loss);
+  }
 }
 
 TEST(Tolerant, WhatIsNoDrawingIsRefused) {

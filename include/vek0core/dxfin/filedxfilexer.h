@@ -120,6 +120,7 @@ class VEK0_API CFileDXFILexer {
   long endFile();
   bool passStrayLine(std::string_view line);
   double repairedDouble() const;
+  bool alignPair();
   void finishLongValue(bool whole);
   bool skipRestOfLine();
   void keepValue() const;

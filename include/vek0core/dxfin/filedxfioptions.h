@@ -77,6 +77,7 @@ struct CFileDXFIPolicy {
 ///   version unknown       another version than the rules know; read by those of the newest
 ///   encoding differs      texts contradict the code page that the header declares
 ///   section skipped       a section that a drawing has no place for
+///   section unknown       likewise a section of a name that the format does not have
 ///   file cut              the file ends before its end mark
 ///   section cut           likewise a section; the sample is empty
 ///   table cut             likewise a table

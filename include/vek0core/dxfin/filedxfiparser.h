@@ -117,6 +117,7 @@ class VEK0_API CFileDXFIParser {
   void readHeaderValue(const zim::WString& name, const HeaderValue& value);
   void takeCurrentItems();
   void readSection();
+  void noteSection();
   void readTable();
   bool toSection();
   bool isSectionOrEnd() const;
