@@ -70,6 +70,12 @@ bool isNumber(std::string_view text) {
          std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
+// Whether the values of a group code are real numbers.
+bool isReal(long code) {
+  return (code >= 10 && code <= 59) || (code >= 110 && code <= 149) ||
+         (code >= 210 && code <= 239) || (code >= 1010 && code <= 1059);
+}
+
 // Of a line without an end: the end mark may do without.
 bool isCutOff(std::string_view line) {
   constexpr std::size_t longest = kBlock / 2;  // a longer one may be the first piece of its line
@@ -269,10 +275,20 @@ bool CFileDXFILexer::readValue() {
 }
 
 // What stands behind the code 0 is a keyword: where a number does, a line is missing, the 0
-// was a value, and the number is the next code.
+// was a value, and the number is the next code. Where a number is due behind a blank line, it
+// is the next line, or missing when that is a code.
 bool CFileDXFILexer::alignPair() {
-  while (m_tolerant && m_group == 0 && isNumber(trimmed(m_value))) {
-    note("stray line", "0");
+  while (m_tolerant) {
+    if (m_group == 0 && isNumber(trimmed(m_value))) {
+      note("stray line", "0");
+    } else if (m_value.empty() && isReal(m_group)) {
+      if (!readValue()) return false;
+      const bool isCode = isNumber(trimmed(m_value));
+      note(isCode ? "number replaced" : "blank line");
+      if (!isCode) continue;
+    } else {
+      return true;
+    }
     m_group = vek0::detail::parseLong(m_value);
     if (!readValue()) return false;
   }

@@ -116,6 +116,12 @@ TEST(Tolerant, WhatIsRefusedIsRepairedAndTold) {
                  header + "what\nSECTION\n2\nENTITIES\n" + line + dxf(), "stray line");
   expectRepaired("SECTION misspelt", header + pairsOf("0 SECTOIN|2 ENTITIES|" + kLine) + dxf(),
                  "record skipped");
+  expectRepaired("blank before a number",
+                 open + pairsOf("0 LINE|8 A|10 ") + "\n0.0\n20\n0\n11\n1\n21\n1.0\n" +
+                     pairsOf("0 ENDSEC") + dxf(),
+                 "blank line");
+  expectRepaired("number missing", entities("0 CIRCLE|8 A|10 |20 1|40 1|" + kLine),
+                 "number replaced");
   expectRepaired("code missing before a 0",
                  open + pairsOf("0 LINE|8 A|10 5") + "0\n30\n5\n11\n9\n" + line + dxf(),
                  "stray line");
