@@ -149,7 +149,8 @@ void CFileDXFILexer::fixCodePage(int page) {
   m_pageFixed = true;
 }
 
-void CFileDXFILexer::setCodePage(int page) {
+void CFileDXFILexer::setCodePage(int page, int otherPage) {
+  m_decoder.setOtherPage(otherPage);
   const bool isMarked = m_started && (!m_byBytes || m_lines->mark() != LineReader::Mark::None);
   const bool isSettled = m_pageFixed || isMarked;
   if (!isSettled) m_decoder.setPage(page);

@@ -226,6 +226,16 @@ void encode(std::u16string_view text, bool isValue, std::string& out) {
   encodeWith(text, isValue, true, out);
 }
 
+// Whether the bytes are UTF-8 whose last character lacks its end: some programs cut by bytes.
+bool isCutUtf8(std::string_view bytes) {
+  for (std::size_t cut = 1; cut < 4 && cut < bytes.size(); ++cut) {
+    const std::string_view front = bytes.substr(0, bytes.size() - cut);
+    if (byteOf(bytes[front.size()]) < 0x80) return false;
+    if (zim::isValidUtf8(front)) return !isAscii(front);
+  }
+  return false;
+}
+
 }  // namespace
 
 int codePageFromName(std::string_view name) {
@@ -256,7 +266,7 @@ MultiByteDecoder setMultiByteDecoder(MultiByteDecoder decoder) {
 }
 
 std::string CTextDecoder::getName() const {
-  if (const char* label = labelOf(m_page)) return label;
+  if (const char* label = labelOf(differs() ? m_found : m_page)) return label;
   return labelOf(m_sawOther ? kCodePage1252 : kCodePageUtf8);
 }
 
@@ -268,9 +278,21 @@ bool CTextDecoder::isAutoUtf8(std::string_view bytes) {
 
 // Two bytes of a page of two-byte characters are often valid UTF-8 by chance, three hardly.
 bool CTextDecoder::isUtf8Anyway(std::string_view bytes) const {
-  if (!labelOf(m_page) || !zim::isValidUtf8(bytes)) return false;
-  return m_page == kCodePageUtf8 || upperHalfOf(m_page) ||
-         std::any_of(bytes.begin(), bytes.end(), [](char c) { return byteOf(c) >= 0xE0; });
+  if (!zim::isValidUtf8(bytes)) return false;
+  const auto beginsThree = [](char c) { return byteOf(c) >= 0xE0; };
+  return upperHalfOf(m_page) || std::any_of(bytes.begin(), bytes.end(), beginsThree);
+}
+
+// The page that a text is in, which is not just ASCII.
+int CTextDecoder::pageOf(std::string_view bytes) {
+  if (!m_sense || !labelOf(m_page)) return m_page;
+  const bool isUtf8 = m_page == kCodePageUtf8 ? zim::isValidUtf8(bytes) : isUtf8Anyway(bytes);
+  if (isUtf8 == (m_page == kCodePageUtf8)) return m_page;
+  if (!isUtf8 && isCutUtf8(bytes)) return m_page;
+  const bool hasOther = labelOf(m_otherPage) && m_otherPage != kCodePageUtf8;
+  m_found = isUtf8 ? kCodePageUtf8 : hasOther ? m_otherPage : kCodePage1252;
+  // Reading UTF-8 takes what is none for 1252, byte by byte.
+  return m_found == kCodePage1252 ? m_page : m_found;
 }
 
 void CTextDecoder::decode(std::string_view bytes, std::u16string& out) {
@@ -279,15 +301,12 @@ void CTextDecoder::decode(std::string_view bytes, std::u16string& out) {
     out.append(bytes.begin(), bytes.end());
     return;
   }
-  const bool isUtf8 = m_sense && isUtf8Anyway(bytes);
-  if (m_sense && labelOf(m_page) && isUtf8 != (m_page == kCodePageUtf8)) m_differs = true;
-  if (isUtf8) {
+  const int page = pageOf(bytes);
+  if (page == kCodePageUtf8) {
     decodeUtf8(bytes, out);
-  } else if (const UpperHalf* upper = upperHalfOf(m_page)) {
+  } else if (const UpperHalf* upper = upperHalfOf(page)) {
     decodeSingleByte(bytes, *upper, out);
-  } else if (m_page == kCodePageUtf8) {
-    decodeUtf8(bytes, out);
-  } else if (!labelOf(m_page) || !decodeMultiByte(m_page, bytes, out)) {
+  } else if (!labelOf(page) || !decodeMultiByte(page, bytes, out)) {
     if (isAutoUtf8(bytes)) return decodeUtf8(bytes, out);
     decodeSingleByte(bytes, upperHalfOf1252(), out);
   }

@@ -80,8 +80,9 @@ class VEK0_API CFileDXFILexer {
   long getHex() const;
 
   /// How bytes from now on are taken as text: what the header declares. A byte
-  /// order mark at the start of the file wins over it.
-  void setCodePage(int page);
+  /// order mark at the start of the file wins over it. Texts that turn out not to be UTF-8
+  /// against the page are of the other one (`setTolerant` alone looks).
+  void setCodePage(int page, int otherPage = kCodePageAuto);
   /// How bytes were taken as text so far, as "utf-8" or "windows-1252"; "utf-16" of
   /// a file that is read by lines, whose bytes are not seen here.
   std::string getEncodingName() const;

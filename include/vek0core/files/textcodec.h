@@ -42,13 +42,16 @@ class VEK0_API CTextDecoder {
   void setPage(int page) { m_page = page; }
   /// Takes texts that are UTF-8 beyond doubt for that, whatever the page says: valid,
   /// not just ASCII, and for a page of more than one byte with a sequence of three or more.
+  /// Texts that are not UTF-8 against a page that says so are of the other page, 1252 when
+  /// there is none, unless no more than their end is missing.
   void setSense(bool on) { m_sense = on; }
+  void setOtherPage(int page) { m_otherPage = page; }
   /// Whether, under sense, a text contradicted the page.
-  bool differs() const { return m_differs; }
+  bool differs() const { return m_found != kCodePageAuto; }
 
   /// How texts were decoded so far, as "utf-8", "windows-1252", "ibm850",
   /// "iso-8859-1": under `kCodePageAuto` "windows-1252" once a text was not valid
-  /// UTF-8.
+  /// UTF-8; under sense what contradicted the page last.
   std::string getName() const;
 
   /// Appends the text of `bytes` to `out`. Never fails: bytes that mean nothing in
@@ -65,11 +68,13 @@ class VEK0_API CTextDecoder {
  private:
   bool isAutoUtf8(std::string_view bytes);
   bool isUtf8Anyway(std::string_view bytes) const;
+  int pageOf(std::string_view bytes);
 
   int m_page;
   bool m_sawOther = false;  // under kCodePageAuto: a text that was not UTF-8
   bool m_sense = false;
-  bool m_differs = false;
+  int m_otherPage = kCodePageAuto;
+  int m_found = kCodePageAuto;  // the page of the last text that contradicted m_page
 };
 
 /// The text with its escapes replaced: `\U+XXXX` by that unit (pairs of them form
