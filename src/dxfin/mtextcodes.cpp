@@ -95,6 +95,7 @@ class Cursor {
 class Decoder {
  public:
   Decoder(std::u16string_view text, const MTextFormat& base) : m_in(text), m_base(base) {
+    m_behindArguments = text.size() - (text.rfind(u';') + 1);  // npos + 1 is 0
     m_content.formats.push_back(base);
     m_content.paragraphs.emplace_back();
   }
@@ -136,8 +137,10 @@ class Decoder {
   void change(const MTextFormat& format);
   const MTextFormat& format() const { return m_content.formats[m_look.format]; }
   void drop(std::u16string_view code);
+  bool hasArgument() const { return m_in.rest().size() > m_behindArguments; }
 
   Cursor m_in;
+  std::size_t m_behindArguments;  // units behind the last semicolon
   MTextFormat m_base;
   MTextContent m_content;
   Look m_look;
@@ -325,7 +328,7 @@ void Decoder::tracking() {
 }
 
 void Decoder::font() {
-  if (m_in.rest().find(u';') == std::u16string_view::npos) return;
+  if (!hasArgument()) return;
   const std::u16string_view argument = m_in.takeArgument();
   const std::u16string_view name =
       argument.substr(0, std::min(argument.find(u'|'), argument.size()));
@@ -373,7 +376,7 @@ void Decoder::stack() {
 
 // "\pxi1,l2,r0,qc,t4,8;": letters with numbers, '*' instead of a number takes back.
 void Decoder::paragraph() {
-  if (m_in.rest().find(u';') == std::u16string_view::npos) return;
+  if (!hasArgument()) return;
   Cursor in(m_in.takeArgument());
   MTextParagraph paragraph = m_content.paragraphs.back();
   while (!in.empty()) {

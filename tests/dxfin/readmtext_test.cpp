@@ -303,6 +303,9 @@ TEST(ReadMText, AreBounded) {
   std::string deep = "0 MTEXT|8 0|10 0|20 0|40 1";
   for (int i = 0; i < 100; ++i) deep += "|3 " + std::string(1000, i < 50 ? '{' : '}');
   EXPECT_EQ(shown(loadAny(deep + "|1 b")), "b");
+  std::string endless = "0 MTEXT|8 0|10 0|20 0|40 1";  // arguments that nothing ends
+  for (int i = 0; i < 1000; ++i) endless += "|3 \\f\\p" + lines;
+  EXPECT_EQ(textsOf(loadAny(endless + "|1 b")).size(), 10'000u);
 }
 
 // Any text whatever gives a drawing, and never more runs than letters.
