@@ -134,14 +134,10 @@ void CurveReader::addChords() {
 
 void CurveReader::keepWithinRoom() {
   constexpr std::size_t few = 8;
-  if (m_chain.size() <= m_room || m_chain.size() <= few + 1) {
-    m_room -= std::min(m_room, m_chain.size());
-    return;
-  }
+  if (m_chain.size() <= few + 1 || m_in.takeCurveRoom(m_chain.size())) return;
   const std::size_t last = m_chain.size() - 1;
   for (std::size_t i = 1; i <= few; ++i) m_chain[i] = m_chain[i * last / few];
   m_chain.resize(few + 1);
-  m_in.note("curve coarse");
 }
 
 EntPtr CurveReader::finish(bool closed, const zim::WString& kind) {

@@ -15,12 +15,7 @@ namespace vek0::detail {
 /// of half the longest side of the controls' box of a spline. Its buffers serve curve after curve.
 class CurveReader {
  public:
-  /// How many points all curves of a file become at most: an ellipse takes a few lines of
-  /// it and gives up to a thousand. Curves beyond that have few chords.
-  static constexpr std::size_t kFilePoints = 10'000'000;
-
-  /// `room` is how many points they become here.
-  explicit CurveReader(RecordReader& in, std::size_t room = kFilePoints) : m_in(in), m_room(room) {}
+  explicit CurveReader(RecordReader& in) : m_in(in) {}
 
   EntPtr readEllipse();
   EntPtr readSpline();
@@ -40,7 +35,6 @@ class CurveReader {
   double chordError() const;
 
   RecordReader& m_in;
-  std::size_t m_room;
   SPLINE_3D m_spline;
   std::vector<PNT_3D> m_fits;   // points that the curve passes through
   std::vector<PNT_3D> m_chain;  // points of the polyline

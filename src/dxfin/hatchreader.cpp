@@ -311,7 +311,7 @@ EntPtr HatchReader::build() {
   const Record& r = m_in.record();
   IFileDXFISemantor& semantor = m_in.context().semantor;
   PatternRecord record = patternRecord();
-  if (PlaneAxes(m_in.frame().normal).isMirrored()) mirror(record);
+  if (PlaneAxes(m_in.frame().normal).isFromBelow()) mirror(record);
   const Pattern pattern = findPattern(record, semantor.getHatchTypeTable());
   return EntPtr(semantor.createHatch(r.layer, r.ltype, r.color, *pattern.type, pattern.scale,
                                      record.angleRad, joinHatchRings(m_rings), r.handle));

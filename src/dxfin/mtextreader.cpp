@@ -25,7 +25,7 @@ class TextPlane {
   TextPlane(const PNT_3D& normal, const PNT_3D& direction) {
     const PlaneAxes axes(normal);
     m_isFlat = !axes.isWorld() && !axes.isMirrored();
-    m_isMirrored = axes.isMirrored();
+    m_isMirrored = axes.isFromBelow();
     const PNT_3D& along = length(direction) > 0 ? direction : axes.x;
     const double angle = std::atan2(along.y, along.x);
     m_x = PNT_2D(std::cos(angle), std::sin(angle));

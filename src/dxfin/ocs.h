@@ -28,6 +28,9 @@ class PlaneAxes {
   /// Whether the plane is the world's seen from below: x and z are negated.
   bool isMirrored() const { return z.z == -1; }
 
+  /// Whether the plane shows its back to whoever looks at the world from above.
+  bool isFromBelow() const { return z.z < 0; }
+
   PNT_3D toWorld(const PNT_3D& p) const {
     return PNT_3D(p.x * x.x + p.y * y.x + p.z * z.x, p.x * x.y + p.y * y.y + p.z * z.y,
                   p.x * x.z + p.y * y.z + p.z * z.z);

@@ -16,7 +16,9 @@ constexpr double kPi = 3.14159265358979323846;
 
 EntPtr chordsOf(RecordReader& in, const CIRCLE_3D& circle, double start, double sweep, bool closed,
                 const PlaneAxes& axes) {
-  const int count = arcChords(sweep, in.context().options.policy.chordError);
+  constexpr int few = 8;
+  int count = arcChords(sweep, in.context().options.policy.chordError);
+  if (count > few && !in.takeCurveRoom(static_cast<std::size_t>(count))) count = few;
   std::vector<BULGED_VERTEX> vertexes;
   for (int i = 0; i < (closed ? count : count + 1); ++i) {
     const double angle = start + sweep * i / count;
@@ -52,10 +54,12 @@ EntPtr placeArc(RecordReader& in, EntPtr ent, const PlaneAxes& axes) {
   return chordsOf(in, a, start, end - start, false, axes);
 }
 
-// The direction of the world nearest to that of the plane.
+// The rotation that comes nearest to one in the plane. What is seen from below is mirrored in
+// its own x besides.
 double flatAngle(const PlaneAxes& axes, double angle) {
+  if (axes.isMirrored()) return -angle;
   const PNT_3D way = axes.toWorld(PNT_3D(std::cos(angle), std::sin(angle), 0));
-  return std::atan2(way.y, way.x);
+  return axes.isFromBelow() ? std::atan2(-way.y, -way.x) : std::atan2(way.y, way.x);
 }
 
 EntPtr placeText(RecordReader& in, EntPtr ent, const PlaneAxes& axes) {
@@ -63,14 +67,12 @@ EntPtr placeText(RecordReader& in, EntPtr ent, const PlaneAxes& axes) {
   TEXT_3D text(owner.getText());
   CTextContext context(text.getContext());
   text.PNT_3D::operator=(axes.toWorld(text));
-  if (axes.isMirrored()) {
-    context.setRotate(-context.getRotate());
+  context.setRotate(flatAngle(axes, context.getRotate()));
+  if (axes.isFromBelow()) {
     context.setWidthScale(-context.getWidthScale());
     context.setOblique(-context.getOblique());
-  } else {
-    context.setRotate(flatAngle(axes, context.getRotate()));
-    in.note("extrusion ignored", u"TEXT");
   }
+  if (!axes.isMirrored()) in.note("extrusion ignored", u"TEXT");
   text.setContext(context);
   owner.setText(text);
   return ent;
@@ -81,16 +83,15 @@ EntPtr placeInsert(RecordReader& in, EntPtr ent, const PlaneAxes& axes) {
   PNT_3D at;
   double sx, sy, sz, rotation;
   insert.getInsertParams(1, at, sx, sy, sz, rotation);
-  if (axes.isMirrored()) {
+  const double side = axes.isFromBelow() ? -1 : 1;
+  if (axes.isFromBelow()) {
     long columns, rows;
     double columnSpacing, rowSpacing;
     insert.getArray(columns, rows, columnSpacing, rowSpacing);
     insert.setArray(columns, rows, -columnSpacing, rowSpacing);
-    insert.setInsert(axes.toWorld(at), -sx, sy, -sz, -rotation);
-  } else {
-    insert.setInsert(axes.toWorld(at), sx, sy, sz, flatAngle(axes, rotation));
-    in.note("extrusion ignored", u"INSERT");
   }
+  insert.setInsert(axes.toWorld(at), side * sx, sy, side * sz, flatAngle(axes, rotation));
+  if (!axes.isMirrored()) in.note("extrusion ignored", u"INSERT");
   return ent;
 }
 
@@ -112,7 +113,8 @@ EntPtr placeInWorld(RecordReader& in, EntPtr ent, const PlaneAxes& axes) {
   }
 }
 
-void placeInWorld(std::vector<BULGED_VERTEX>& vertexes, const PlaneAxes& axes, bool closed) {
+void placeInWorld(RecordReader& in, std::vector<BULGED_VERTEX>& vertexes, const PlaneAxes& axes,
+                  bool closed) {
   if (axes.isMirrored()) {
     for (BULGED_VERTEX& v : vertexes) {
       v.x = -v.x;
@@ -128,6 +130,7 @@ void placeInWorld(std::vector<BULGED_VERTEX>& vertexes, const PlaneAxes& axes, b
     if (from.bulge != 0 && (closed || i + 1 < vertexes.size())) {
       bulgePoints(points[0], PNT_3D(to.x, to.y, to.z), from.bulge, points);
       points.pop_back();  // which is the next vertex
+      if (!in.takeCurveRoom(points.size())) points.resize(1);
     }
     for (std::size_t k = 0; k < points.size(); ++k) {
       const double t = static_cast<double>(k) / static_cast<double>(points.size());

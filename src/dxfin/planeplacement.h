@@ -10,13 +10,14 @@
 namespace vek0::detail {
 
 /// Puts a circle, arc, text or insert that was read in the coordinates of its plane into
-/// those of the world. Seen from below, all of them stay what they are, mirrored; in any
-/// other plane circles and arcs become polylines, texts and inserts lie flat at their
-/// point, which is reported. Other kinds are given back as they are.
+/// those of the world. In the world's plane seen from below, all of them stay what they are,
+/// mirrored; in any other plane circles and arcs become polylines, texts and inserts lie flat
+/// at their point, which is reported. Other kinds are given back as they are.
 EntPtr placeInWorld(RecordReader& in, EntPtr ent, const PlaneAxes& axes);
 
 /// The same for the vertices of a plane polyline; in a plane that is not seen from above
 /// or below, arcs become chords.
-void placeInWorld(std::vector<BULGED_VERTEX>& vertexes, const PlaneAxes& axes, bool closed);
+void placeInWorld(RecordReader& in, std::vector<BULGED_VERTEX>& vertexes, const PlaneAxes& axes,
+                  bool closed);
 
 }  // namespace vek0::detail

@@ -1,6 +1,9 @@
 #include "dxfin/polylinereader.h"
 
 #include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <limits>
 
 #include "dxfin/planeplacement.h"
 #include "vek0core/entities/ent3dface.h"
@@ -17,6 +20,11 @@ constexpr long kFromFit = 1, kFromSpline = 8, kControl = 16, kMeshVertex = 64, k
 constexpr long kNoSurface = 0, kQuadratic = 5, kCubic = 6, kBezier = 8;
 
 constexpr double kUnset = -1;  // a width that the record leaves to the polyline
+
+// Where a vertex is that could not be read.
+constexpr double kNowhere = std::numeric_limits<double>::quiet_NaN();
+
+bool isSomewhere(const PNT_3D& p) { return !std::isnan(p.x); }
 
 long hiddenEdge(const long (&corner)[4]) {
   long hidden = 0;
@@ -42,7 +50,7 @@ void PolylineReader::placeInWorld() {
   const PlaneAxes axes(m_in.frame().normal);
   if (!isPlane || axes.isWorld()) return;
   const std::size_t count = m_vertexes.size();
-  vek0::detail::placeInWorld(m_vertexes, axes, (m_head.flags & kClosed) != 0);
+  vek0::detail::placeInWorld(m_in, m_vertexes, axes, (m_head.flags & kClosed) != 0);
   // Only fitted curves have arcs, and flags that matter.
   if (m_vertexes.size() != count) m_flags.assign(m_vertexes.size(), 0);
 }
@@ -92,10 +100,19 @@ bool PolylineReader::readVertexes() {
       m_in.fail(CFileDXFIError::WrongStructure);
       return false;
     }
-    if (!readVertex()) return false;
+    if (!readVertex() && !spareVertex()) return false;
   }
   m_in.skip();
   return !m_in.failed();
+}
+
+// The faces of surfaces count the vertices: there one that is left out keeps its number.
+bool PolylineReader::spareVertex() {
+  if (!m_in.recover(u"VERTEX")) return false;
+  if ((m_head.flags & (kMesh | kPolyface)) == 0) return true;
+  m_vertexes.push_back({kNowhere, kNowhere, kNowhere, 0, 0, 0, 0});
+  m_flags.push_back(0);
+  return true;
 }
 
 bool PolylineReader::readVertex() {
@@ -252,6 +269,8 @@ void PolylineReader::addPolyfaceFace(const Face& face) {
 }
 
 void PolylineReader::addFace(const Face& look, const PNT_3D (&corners)[4], long hiddenEdges) {
+  if (!std::all_of(std::begin(corners), std::end(corners), isSomewhere))
+    return m_in.note("mesh incomplete");
   if (EntPtr face = m_in.built(m_in.factory().createEnt3DFace(
           m_in.gestor(), look.layer, look.ltype, look.color, corners[0], corners[1], corners[2],
           corners[3], hiddenEdges, 0)))
@@ -312,9 +331,12 @@ void PolylineReader::takeLwVertexPair(long code) {
 bool PolylineReader::finishLwPolyline() {
   const Record& r = m_in.record();
   const long count = r.integer(90, static_cast<long>(m_vertexes.size()));
-  if (!m_in.isTolerant() && (count < 0 || static_cast<std::size_t>(count) != m_vertexes.size())) {
-    m_in.fail(CFileDXFIError::InconsistentRecord);
-    return false;
+  if (count < 0 || static_cast<std::size_t>(count) != m_vertexes.size()) {
+    if (!m_in.isTolerant()) {
+      m_in.fail(CFileDXFIError::InconsistentRecord);
+      return false;
+    }
+    m_in.note("number replaced", u"90");
   }
   m_head = {r.layer, r.ltype, r.color, r.handle, r.integer(70), 0, 0, 0, 0, 0, 0, 0, 0};
   const double z = r.real(38), width = r.real(43);

@@ -44,6 +44,7 @@ class PolylineReader {
   bool readHead();
   void placeInWorld();
   bool readVertexes();
+  bool spareVertex();
   bool readVertex();
   void keepFace();
   void keepVertex();

@@ -10,7 +10,7 @@
 namespace vek0::detail {
 namespace {
 
-constexpr long kEmbeddedObject = 101;
+constexpr long kLayer = 8, kEmbeddedObject = 101;
 constexpr long kExtrusionX = 210, kExtrusionY = 220;
 constexpr long kExtrusionZ = 230;  // 1 exactly when the other two are 0
 
@@ -45,6 +45,25 @@ void ReadContext::note(const char* code, const zim::WString& sample) const {
 
 CLtype* RecordReader::findByLayer() { return m_byLayer = m_context.semantor.getLtypeByLayer(); }
 
+// A number that is not there is as good as a code that is not.
+void RecordReader::takeWanted(long code) {
+  constexpr long firstNumber = 10;
+  if (code >= firstNumber && isTolerant() && lexer().getBytes().empty())
+    return note("number replaced", decimal(code));
+  m_record.seen.add(code);
+  take(code);
+}
+
+void RecordReader::takeInteger(long code) {
+  constexpr long flags = 70;
+  long value = lexer().getInt();
+  if (code == flags && value < 0 && isTolerant()) {
+    note("flags replaced", decimal(value));
+    value = 0;
+  }
+  m_record.setInteger(code, value);
+}
+
 void RecordReader::take(long code) {
   switch (code) {
     case 5:
@@ -60,7 +79,7 @@ void RecordReader::take(long code) {
     default:
       if (code < Record::kTexts) return m_record.setText(code, lexer().getText());
       if (code < Record::kReals) return m_record.setReal(code, lexer().getDouble());
-      m_record.setInteger(code, lexer().getInt());
+      takeInteger(code);
   }
 }
 
@@ -161,6 +180,7 @@ bool RecordReader::check(const RecordKind& kind, long missingParam) {
     m_context.err.SetErrorExtraParam(missingParam, m_record.seen.bitsOf(kind.required));
     return false;
   }
+  if (!(m_record.seen | CodeSet{kLayer}).covers(kind.required)) note("code missing");
   if (!m_record.layer) fail(CFileDXFIError::WrongStructure);
   return !failed();
 }
@@ -175,6 +195,23 @@ void RecordReader::supply() {
   if (m_frameTaken) return;
   m_frameTaken = true;
   m_frame = {m_record.extrusion, m_record.integer(67) != 0, m_record.integer(60) != 0};
+}
+
+bool RecordReader::takeCurveRoom(std::size_t points) {
+  const bool fits = points <= curveRoom;
+  if (fits)
+    curveRoom -= points;
+  else
+    note("curve coarse");
+  return fits;
+}
+
+bool RecordReader::recover(const zim::WString& kind) {
+  if (!isTolerant() || m_context.err.GetErrorType() == CFileDXFIError::GeneralError) return false;
+  note("entity dropped", kind);
+  m_context.err = CFileDXFIError();
+  if (lexer().getGroupValue() != 0) skip();
+  return true;
 }
 
 void RecordReader::skip() {

@@ -69,8 +69,7 @@ class RecordReader {
         if (code < CodeSet::kEnd) m_record.seen.add(code);
         takeOwn(code);
       } else if (wanted.has(code)) {
-        m_record.seen.add(code);
-        take(code);
+        takeWanted(code);
       } else if (!leaveOut(code)) {
         return check(kind, missingParam);
       }
@@ -91,6 +90,7 @@ class RecordReader {
   };
   /// Begins an entity; tolerant reading asks for its frame afterwards.
   void begin() {
+    m_putBack = false;
     m_frameTaken = false;
     m_frame = {};
   }
@@ -98,6 +98,9 @@ class RecordReader {
 
   /// Skips the current record.
   void skip();
+  /// Turns the error of a record that its entity can do without, a `kind`, into a note and
+  /// goes on to the next record. False when the reading is strict or the error ends it.
+  bool recover(const zim::WString& kind);
 
   const Record& record() const { return m_record; }
   bool isTolerant() const { return m_context.options.policy.tolerant; }
@@ -127,10 +130,20 @@ class RecordReader {
 
   /// Entities beyond the first that the current record gave.
   std::vector<std::unique_ptr<CEnt>> further;
+  /// How many points the curves of a file become at most that a drawing has no class for: a
+  /// few lines of it can ask for a thousand. Those beyond have few chords.
+  static constexpr std::size_t kCurvePoints = 10'000'000;
+  std::size_t curveRoom = kCurvePoints;
+  /// Takes room for the points of a curve; false, and noted, when there is not enough.
+  bool takeCurveRoom(std::size_t points);
   /// Whether any insert was read.
   bool insertRead = false;
-  /// The block whose definition is being read, if anything bears its name yet.
+  /// Whether the definition of a block is being read, and the block, if anything bears its
+  /// name yet.
+  bool inBlock = false;
   const CBlock* owner = nullptr;
+  /// Whether the blocks of the file have been read: what is not defined by now hardly will be.
+  bool blocksRead = false;
   /// The blocks that hatches stored as inserts have claimed.
   std::unordered_set<const CBlock*> hatchBlocks;
 
@@ -138,7 +151,9 @@ class RecordReader {
   static constexpr CodeSet kCommon{5, 6, 8, 62}, kCommonTolerant{5, 6, 8, 60, 62, 67};
 
   CLtype* findByLayer();
+  void takeWanted(long code);
   void take(long code);
+  void takeInteger(long code);
   void takeHandle();
   void takeLayer();
   void takeLtype();

@@ -341,7 +341,8 @@ TEST(ReadCurves, TheCurvesOfAFileHaveABound) {
   CFileDXFILexer lexer(file, &target.error);
   vek0::detail::RecordReader records(
       {lexer, semantor, target.drawing().getEntFactory(), target.error, options});
-  vek0::detail::CurveReader curves(records, 150);
+  records.curveRoom = 150;
+  vek0::detail::CurveReader curves(records);
   ASSERT_TRUE(file.open());
   lexer.read();
   const vek0::detail::EntPtr fine = curves.readEllipse(), coarse = curves.readEllipse();
