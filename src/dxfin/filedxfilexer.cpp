@@ -279,7 +279,8 @@ bool CFileDXFILexer::readValue() {
 // was a value, and the number is the next code. Where a number is due behind a blank line, it
 // is the next line, or missing when that is a code.
 bool CFileDXFILexer::alignPair() {
-  while (m_tolerant) {
+  const bool isUsual = !m_value.empty() && (m_group != 0 || m_value.front() >= 'A');
+  while (m_tolerant && !isUsual) {
     if (m_group == 0 && isNumber(trimmed(m_value))) {
       note("stray line", "0");
     } else if (m_value.empty() && isReal(m_group)) {
