@@ -172,7 +172,8 @@ long CFileDXFILexer::read() {
   if (!m_started) start();
   do {
     if (m_stopped) return endFile();
-    if (!readCode() || !readValue() || !alignPair()) return m_tolerant ? endFile() : fail();
+    if (!readCode() || !readValue() || (m_tolerant && !alignPair()))
+      return m_tolerant ? endFile() : fail();
   } while (m_group == kComment);
   return m_group;
 }
@@ -280,7 +281,7 @@ bool CFileDXFILexer::readValue() {
 // is the next line, or missing when that is a code.
 bool CFileDXFILexer::alignPair() {
   const bool isUsual = !m_value.empty() && (m_group != 0 || m_value.front() >= 'A');
-  while (m_tolerant && !isUsual) {
+  while (!isUsual) {
     if (m_group == 0 && isNumber(trimmed(m_value))) {
       note("stray line", "0");
     } else if (m_value.empty() && isReal(m_group)) {

@@ -713,7 +713,7 @@ void CFileDXFIParser::readBlockHeader(BlockHeader& block) {
       default:
         break;
     }
-    forgive("number replaced", m_lexer.getText());
+    if (failed()) forgive("number replaced", m_lexer.getText());
   }
 }
 
