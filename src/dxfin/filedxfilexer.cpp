@@ -172,8 +172,9 @@ long CFileDXFILexer::read() {
   if (!m_started) start();
   do {
     if (m_stopped) return endFile();
-    if (!readCode() || !readValue() || (m_tolerant && !alignPair()))
-      return m_tolerant ? endFile() : fail();
+    if (!readCode() || !readValue()) return m_tolerant ? endFile() : fail();
+    const bool isUsual = !m_value.empty() && (m_group != 0 || m_value.front() >= 'A');
+    if (m_tolerant && !isUsual && !alignPair()) return endFile();
   } while (m_group == kComment);
   return m_group;
 }
@@ -280,8 +281,7 @@ bool CFileDXFILexer::readValue() {
 // was a value, and the number is the next code. Where a number is due behind a blank line, it
 // is the next line, or missing when that is a code.
 bool CFileDXFILexer::alignPair() {
-  const bool isUsual = !m_value.empty() && (m_group != 0 || m_value.front() >= 'A');
-  while (!isUsual) {
+  for (;;) {
     if (m_group == 0 && isNumber(trimmed(m_value))) {
       note("stray line", "0");
     } else if (m_value.empty() && isReal(m_group)) {
@@ -295,7 +295,6 @@ bool CFileDXFILexer::alignPair() {
     m_group = vek0::detail::parseLong(m_value);
     if (!readValue()) return false;
   }
-  return true;
 }
 
 void CFileDXFILexer::finishLongValue(bool whole) {
