@@ -1,50 +1,14 @@
 // Offsets any path to either side and takes what comes out apart: it must be finite, and
 // its edges must follow each other.
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
 #include <vector>
 
+#include "input.h"
 #include "vek0core/polyline/offset.h"
 
-namespace {
-
-void require(bool condition) {
-  if (!condition) std::abort();
-}
-
-// Takes numbers from the input until it is used up; then all are 0.
-class Input {
- public:
-  Input(const std::uint8_t* data, std::size_t size) : m_data(data), m_size(size) {}
-
-  bool isEmpty() const { return m_size == 0; }
-
-  int byte() {
-    if (m_size == 0) return 0;
-    --m_size;
-    return *m_data++;
-  }
-
-  // Small numbers meet each other; any bits are the rest.
-  double number() {
-    const int kind = byte();
-    if (kind < 230) return (kind - 115) / 4.0;
-    std::uint8_t bits[sizeof(double)];
-    for (std::uint8_t& b : bits) b = static_cast<std::uint8_t>(byte());
-    double value;
-    std::memcpy(&value, bits, sizeof value);
-    return value;
-  }
-
- private:
-  const std::uint8_t* m_data;
-  std::size_t m_size;
-};
-
-}  // namespace
+using vek0::fuzz::Input;
+using vek0::fuzz::require;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   Input input(data, size);

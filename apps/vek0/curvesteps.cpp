@@ -2,8 +2,8 @@
 #include <optional>
 #include <unordered_set>
 
+#include "argumentvalues.h"
 #include "editsteps.h"
-#include "stepvalues.h"
 
 namespace vek0::tool {
 namespace {

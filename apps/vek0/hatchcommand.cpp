@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "argumentvalues.h"
 #include "commands.h"
 #include "saving.h"
-#include "stepvalues.h"
 #include "vek0core/vek0core.h"
 
 namespace vek0::tool {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "argumentvalues.h"
 #include "cairopainter.h"
 #include "vek0core/geometry/angle.h"
 

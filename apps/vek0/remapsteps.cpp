@@ -1,8 +1,8 @@
 #include <algorithm>
 
+#include "argumentvalues.h"
 #include "editsteps.h"
 #include "layerchoice.h"
-#include "stepvalues.h"
 
 namespace vek0::tool {
 namespace {

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "argumentvalues.h"
 #include "cairopainter.h"
 #include "commands.h"
 #include "drawingfile.h"

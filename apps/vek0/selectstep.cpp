@@ -3,9 +3,9 @@
 #include <optional>
 #include <unordered_set>
 
+#include "argumentvalues.h"
 #include "editsteps.h"
 #include "layerchoice.h"
-#include "stepvalues.h"
 #include "summary.h"
 
 namespace vek0::tool {

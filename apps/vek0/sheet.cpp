@@ -4,15 +4,10 @@
 #include <cmath>
 #include <cstdint>
 
+#include "argumentvalues.h"
+
 namespace vek0::tool {
 namespace {
-
-bool takeNumber(const char*& at, const char* end, double& value) {
-  const auto [next, failure] = std::from_chars(at, end, value);
-  if (failure != std::errc() || !std::isfinite(value)) return false;
-  at = next;
-  return true;
-}
 
 bool isSize(const double* sides) { return sides[0] > 0 && sides[1] > 0; }
 
@@ -39,15 +34,6 @@ constexpr struct {
 };
 
 }  // namespace
-
-bool parseNumbers(const std::string& text, char separator, double* values, std::size_t count) {
-  const char *at = text.data(), *end = at + text.size();
-  for (std::size_t i = 0; i < count; ++i) {
-    if (i > 0 && (at == end || *at++ != separator)) return false;
-    if (!takeNumber(at, end, values[i])) return false;
-  }
-  return at == end;
-}
 
 std::optional<SHEET_SIZE> parseSize(const std::string& text) {
   const bool mm = endsWith(text, "mm", 2), px = endsWith(text, "px", 2);

@@ -42,7 +42,5 @@ std::optional<double> parseScale(const std::string& text);
 std::optional<RECT_2D> parseWindow(const std::string& text);
 /// "#rrggbb", "#rgb" or one of a few names.
 std::optional<RGB_COLOR> parseColor(const std::string& text);
-/// The numbers of "a,b,c"; nothing unless there are `count` of them, all finite.
-bool parseNumbers(const std::string& text, char separator, double* values, std::size_t count);
 
 }  // namespace vek0::tool

@@ -2,8 +2,8 @@
 #include <numbers>
 #include <optional>
 
+#include "argumentvalues.h"
 #include "editsteps.h"
-#include "stepvalues.h"
 
 namespace vek0::tool {
 namespace {

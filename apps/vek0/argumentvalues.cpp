@@ -1,12 +1,13 @@
-#include "stepvalues.h"
+#include "argumentvalues.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
 
 namespace vek0::tool {
 
-std::optional<std::vector<double>> numbersIn(std::string_view text) {
+std::optional<std::vector<double>> numbersIn(std::string_view text, char separator) {
   std::vector<double> numbers;
   const char *at = text.data(), *end = at + text.size();
   while (true) {
@@ -15,9 +16,16 @@ std::optional<std::vector<double>> numbersIn(std::string_view text) {
     if (failure != std::errc() || !std::isfinite(value)) return std::nullopt;
     numbers.push_back(value);
     if (next == end) return numbers;
-    if (*next != ',') return std::nullopt;
+    if (*next != separator) return std::nullopt;
     at = next + 1;
   }
+}
+
+bool parseNumbers(std::string_view text, char separator, double* values, std::size_t count) {
+  const auto numbers = numbersIn(text, separator);
+  if (!numbers || numbers->size() != count) return false;
+  std::copy(numbers->begin(), numbers->end(), values);
+  return true;
 }
 
 std::optional<std::vector<std::string>> splitUnquoted(std::string_view text, char at) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,7 +10,10 @@ namespace vek0::tool {
 
 /// The finite numbers of "1,2.5,-3e2"; nothing when anything else is there. The point is the
 /// decimal one whatever the locale.
-std::optional<std::vector<double>> numbersIn(std::string_view text);
+std::optional<std::vector<double>> numbersIn(std::string_view text, char separator = ',');
+
+/// Whether the text is `count` such numbers, which are then in `values`.
+bool parseNumbers(std::string_view text, char separator, double* values, std::size_t count);
 
 /// Cuts a text at a character, but not inside "double quotes", which stay where they are;
 /// nothing when one is not closed. One part at least.
