@@ -19,6 +19,7 @@ using vek0::detail::GeometrySnapshot;
 using vek0::detail::HatchExchange;
 using vek0::detail::ItemMembership;
 using vek0::detail::ItemSnapshot;
+using vek0::detail::PointerSet;
 using vek0::detail::PropertiesSnapshot;
 using vek0::detail::VarsSnapshot;
 
@@ -43,9 +44,8 @@ bool isIdleHatchBlock(const CBlockTable& table, const CBlock* block) {
          block->getEntities() <= 0;
 }
 
-// A set that was large once would cost its size at every `clear`.
-void forgetTargets(std::unordered_set<const void*> (&targets)[2]) {
-  for (auto& part : targets) std::unordered_set<const void*>().swap(part);
+void forgetTargets(PointerSet (&targets)[2]) {
+  for (PointerSet& part : targets) part.clear();
 }
 
 bool areFree(const std::list<CEnt*>& entities) {
@@ -152,7 +152,7 @@ bool CUndoStack::merge() {
     into.actions.reserve(into.actions.size() + from.actions.size());
     for (const auto& action : from.actions) {
       const void* target = action->snapshotOf();
-      isNews.push_back(target == nullptr || m_merged[action->part()].insert(target).second);
+      isNews.push_back(target == nullptr || m_merged[action->part()].insert(target));
     }
   } catch (const std::bad_alloc&) {
     m_mergedId = 0;
@@ -263,12 +263,12 @@ template <class Snapshot, class Target>
 bool CUndoStack::keepOnce(Target& target) {
   const AutoStep step(*this);
   auto& kept = m_kept[Snapshot::kPart];
-  if (kept.count(&target) != 0) return true;
+  if (kept.contains(&target)) return true;
   try {
     auto snapshot = std::make_unique<Snapshot>(target);
     const void* id = snapshot->snapshotOf();
     if (!snapshot->isValid() || !record(std::move(snapshot))) return false;
-    if (id != nullptr) kept.insert(id);
+    kept.insert(id);
     return true;
   } catch (const std::bad_alloc&) {
     return false;

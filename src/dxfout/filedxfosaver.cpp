@@ -7,7 +7,6 @@
 #include "dxfout/blockrecord.h"
 #include "dxfout/exactnumbers.h"
 #include "dxfout/itemlists.h"
-#include "dxfout/pointerset.h"
 #include "dxfout/savedcolor.h"
 #include "dxfout/savefilter.h"
 #include "dxfout/savehandles.h"
@@ -40,12 +39,12 @@ constexpr long kAlignment = 65;
 class WrittenBlocks final : public IBlockOperation {
  public:
   WrittenBlocks(const CData& data, IBlockOperation& op)
-      : m_hatchBlocks(hatchBlocksOf(data)), m_used(m_hatchBlocks.size()), m_op(op) {
+      : m_hatchBlocks(hatchBlocksOf(data)), m_op(op) {
     if (!m_hatchBlocks.empty()) noteUses(data);
   }
 
   int doOperation(CBlock& block) override {
-    const bool lost = isHatchName(block.getName()) && !m_used.has(&block);
+    const bool lost = isHatchName(block.getName()) && !m_used.contains(&block);
     return lost ? ZORA_BLOCK_VISIT_RESULT_SUCCESS : m_op.doOperation(block);
   }
 
@@ -58,10 +57,10 @@ class WrittenBlocks final : public IBlockOperation {
   }
 
   void noteUses(const CData& data) {
-    vek0::detail::PointerSet all(m_hatchBlocks.size());
+    vek0::detail::PointerSet all;
     for (const CBlock* block : m_hatchBlocks) all.insert(block);
     const auto note = [&](const CEntInsertBase& insert) {
-      if (all.has(insert.getBlock())) m_used.insert(insert.getBlock());
+      if (all.contains(insert.getBlock())) m_used.insert(insert.getBlock());
     };
     for (const CBlock* block : vek0::detail::blocksOf(data))
       for (CBlock::CInsertIterator insert(*block); *insert; ++insert) note(**insert);

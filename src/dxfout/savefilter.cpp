@@ -21,9 +21,7 @@ const char* objectionUnless(bool finite) { return finite ? nullptr : kNotFinite;
 
 }  // namespace
 
-SaveFilter::SaveFilter(const CData& data)
-    : m_blocks(static_cast<std::size_t>(data.getBlockTable().size()) +
-               static_cast<std::size_t>(data.getBlockXRefTable().size())) {
+SaveFilter::SaveFilter(const CData& data) {
   for (const CBlock* block : blocksOf(data)) m_blocks.insert(block);
   for (const CBlock* xref : xrefsOf(data)) m_blocks.insert(xref);
 }
@@ -59,7 +57,7 @@ const char* SaveFilter::objection(const CEntText& ent) const {
 }
 
 const char* SaveFilter::objection(const CEntInsertBase& ent) const {
-  if (!m_blocks.has(ent.getBlock())) return "insert without block";
+  if (!m_blocks.contains(ent.getBlock())) return "insert without block";
   PNT_3D pnt;
   double sx, sy, sz, rotationRad, columnSpacing, rowSpacing;
   long columns, rows;

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "dxfout/pointerset.h"
-
+#include "vek0core/drawing/pointerset.h"
 #include "vek0core/geometry/pnt.h"
 
 class CBlock;

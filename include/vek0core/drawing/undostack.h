@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <list>
 #include <memory>
-#include <unordered_set>
 #include <vector>
 
+#include "vek0core/drawing/pointerset.h"
 #include "vek0core/export.h"
 #include "zim0lang/wstring.h"
 
@@ -142,7 +142,7 @@ class VEK0_API CUndoStack {
     unsigned long id = 0;
   };
   class AutoStep;
-  using Targets = std::unordered_set<const void*>[2];  // by part, see UndoAction
+  using Targets = vek0::detail::PointerSet[2];  // by part, see UndoAction
 
   bool record(std::unique_ptr<Action> action);
   bool perform(std::unique_ptr<Action> action);

@@ -1,0 +1,53 @@
+#include "vek0core/drawing/pointerset.h"
+
+#include <cstdint>
+#include <utility>
+
+namespace vek0::detail {
+namespace {
+
+constexpr std::size_t kFewest = 16;
+constexpr int kShiftOfFewest = 64 - 4;
+
+// Addresses stand at even distances. Multiplied by 2^64 over the golden ratio, the upper bits
+// spread evenly whatever the distance is.
+std::uint64_t hashOf(const void* pointer) {
+  return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pointer)) *
+         0x9E3779B97F4A7C15u;
+}
+
+}  // namespace
+
+// The slot of the pointer, or the free one where it would stand.
+std::size_t PointerSet::locate(const void* pointer) const {
+  auto slot = static_cast<std::size_t>(hashOf(pointer) >> m_shift);
+  while (m_slots[slot] != nullptr && m_slots[slot] != pointer)
+    slot = (slot + 1) & (m_slots.size() - 1);
+  return slot;
+}
+
+bool PointerSet::contains(const void* pointer) const {
+  return pointer != nullptr && m_used > 0 && m_slots[locate(pointer)] != nullptr;
+}
+
+bool PointerSet::insert(const void* pointer) {
+  if (pointer == nullptr || contains(pointer)) return false;
+  if (2 * (m_used + 1) > m_slots.size()) grow();
+  m_slots[locate(pointer)] = pointer;
+  ++m_used;
+  return true;
+}
+
+void PointerSet::grow() {
+  PointerSet larger;
+  larger.m_slots.resize(m_slots.empty() ? kFewest : 2 * m_slots.size());
+  larger.m_shift = m_slots.empty() ? kShiftOfFewest : m_shift - 1;
+  larger.m_used = m_used;
+  for (const void* pointer : m_slots)
+    if (pointer != nullptr) larger.m_slots[larger.locate(pointer)] = pointer;
+  *this = std::move(larger);
+}
+
+void PointerSet::clear() { *this = PointerSet(); }
+
+}  // namespace vek0::detail
