@@ -1,5 +1,6 @@
 #include "vek0core/entities/entexplodervisitor.h"
 
+#include <iterator>
 #include <new>
 
 #include "entities/entplacer.h"
@@ -87,13 +88,16 @@ void CEntExploderVisitor::collect(Fill fill) {
   EntMaker maker{m_gestor, m_entFactory, m_blockFactory, m_blockTable, m_pixelSize, m_limit, {}};
   try {
     fill(maker);
-    m_ents.reserve(m_ents.size() + maker.made.size());
+    // At the end, where vectors grow by shares: reserving would move all of them each time.
+    if (!maker.isRefused)
+      m_ents.insert(m_ents.end(), std::make_move_iterator(maker.made.begin()),
+                    std::make_move_iterator(maker.made.end()));
   } catch (const std::bad_alloc&) {
     maker.isRefused = true;
   }
   m_isRefused = maker.isRefused;
   if (m_isRefused) return dropHatchBlocks(maker);
-  for (std::unique_ptr<CEnt>& ent : maker.made) m_ents.push_back(std::move(ent));
+  m_limit -= maker.cost;
 }
 
 void CEntExploderVisitor::visit(CEntPolyline& ent) {

@@ -266,6 +266,18 @@ TEST_F(Explode, ArraysAndNestingBeyondTheLimitAreRefused) {
   EXPECT_EQ(static_cast<std::size_t>(data->getBlockTable().size()), blocks);
 }
 
+TEST_F(Explode, TheLimitIsThatOfAllThatIsGiven) {
+  CEntInsert* four = keptInsert(block("B", {line(0, 0, 1, 0)}), PNT_3D(0, 0, 0), 1, 1, 0, 2, 2);
+  made =
+      std::make_unique<CEntExploderVisitor>(data->getHandleGestor(), data->getEntFactory(),
+                                            data->getBlockFactory(), data->getBlockTable(), 1, 10);
+  for (const bool isRefused : {false, false, true}) {
+    four->accept(*made);
+    EXPECT_EQ(made->isRefused(), isRefused);
+    made->getEnts().clear();
+  }
+}
+
 // The corners of the text's box go where the matrix puts them.
 TEST(TransformText, BoxesFollowTheMatrix) {
   std::mt19937 random(1);

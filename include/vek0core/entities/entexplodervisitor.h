@@ -27,9 +27,9 @@ class CLayer;
 /// - A hatch gives its lines, on its own layer; a solid one, which has none, nothing.
 /// - All others, inserts of external references too, give nothing.
 ///
-/// An insert or hatch that would give more than the limit, counted in entities and in the
-/// vertices of polylines, gives nothing at all, however large its array claims to be. So
-/// does one that would shear an external reference, or 200 levels of nested inserts.
+/// An entity with which the visitor would have given more than the limit, counted in entities
+/// and in the vertices of polylines, gives nothing at all, however large its array claims to
+/// be. So does an insert that would shear an external reference, or 200 levels of inserts.
 class VEK0_API CEntExploderVisitor final : public IEntVisitor {
  public:
   static constexpr long kLimit = 4000000;
@@ -39,9 +39,10 @@ class VEK0_API CEntExploderVisitor final : public IEntVisitor {
   CEntExploderVisitor(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
                       CBlockTable& blockTable, double pixelSize = 1, long limit = kLimit);
 
-  /// What the entities visited so far have given, in order. In no table, of handle 0.
+  /// What the entities visited so far have given, in order. In no table, of handle 0. Yours
+  /// to take out between visits.
   std::vector<std::unique_ptr<CEnt>>& getEnts() { return m_ents; }
-  /// Whether the entity visited last has been refused for the limit or want of memory.
+  /// Whether the entity visited last has been refused, as told above or for want of memory.
   bool isRefused() const { return m_isRefused; }
 
   using IEntVisitor::visit;
@@ -69,7 +70,7 @@ class VEK0_API CEntExploderVisitor final : public IEntVisitor {
   CBlockFactory& m_blockFactory;
   CBlockTable& m_blockTable;
   double m_pixelSize;
-  long m_limit;
+  long m_limit;  // what may still be given
   std::vector<std::unique_ptr<CEnt>> m_ents;
   bool m_isRefused = false;
 };
