@@ -1,6 +1,7 @@
 #include "vek0core/entities/entrotatexyvisitor.h"
 
 #include <cmath>
+#include <numbers>
 
 #include "entities/hatchtransform.h"
 #include "entities/oneturn.h"
@@ -14,22 +15,17 @@
 #include "vek0core/entities/entpnt.h"
 #include "vek0core/entities/entpolyline.h"
 #include "vek0core/entities/enttext.h"
-
-namespace {
+#include "vek0core/geometry/angle.h"
 
 using vek0::detail::oneTurn;
 
-void rotateText(CEntText& ent, const PNT_3D& centre, double angle) {
-  ent.getText().rotate(centre, angle);
-  ent.calcBdry();
-}
+namespace {
 
-template <class Insert>
-void rotateInsert(Insert& ent, const PNT_3D& centre, double angle) {
-  PNT_3D pnt = ent.getPnt();
-  pnt.rotate(centre, angle);
-  ent.setRotate(oneTurn(ent.getRotate() + angle));
-  ent.setPnt(pnt);
+// Ten decimals of a degree are as many as anybody writes; sums err by some last bits.
+double withoutNoise(double degrees) {
+  constexpr double kDecimals = 1e10, kNoise = 1e-12;
+  const double nearest = std::round(degrees * kDecimals) / kDecimals;
+  return std::fabs(nearest - degrees) < kNoise ? nearest : degrees;
 }
 
 }  // namespace
@@ -41,6 +37,45 @@ CEntRotateXYVisitor::CEntRotateXYVisitor(const PNT_3D& centre, double angle)
     m_centre.set(0, 0, 0);
     m_angle = 0;
   }
+}
+
+CEntRotateXYVisitor CEntRotateXYVisitor::byDegrees(const PNT_3D& centre, double degrees) {
+  const double rest = std::fmod(degrees, 360.0);
+  CEntRotateXYVisitor visitor(centre, rest * std::numbers::pi / 180);
+  if (visitor.m_angle != 0) visitor.m_degrees = rest;
+  return visitor;
+}
+
+double CEntRotateXYVisitor::degreesFrom(double stated) const {
+  return withoutNoise(stated / kRadiansPerDegree + m_degrees);
+}
+
+double CEntRotateXYVisitor::turned(double stated) const {
+  return oneTurn(degreesFrom(stated), 360) * kRadiansPerDegree;
+}
+
+double CEntRotateXYVisitor::normalTurned(double stated) const {
+  return m_degrees != 0 ? turned(ARC_3D::normal(stated)) : ARC_3D::normal(stated + m_angle);
+}
+
+void CEntRotateXYVisitor::rotateText(CEntText& ent) const {
+  TEXT_3D& text = ent.getText();
+  const double before = text.getContext().getRotate();
+  text.rotate(m_centre, m_angle);
+  if (m_degrees != 0) {
+    CTextContext context(text.getContext());
+    context.setRotate(degreesFrom(before) * kRadiansPerDegree);
+    text.setContext(context);
+  }
+  ent.calcBdry();
+}
+
+template <class Insert>
+void CEntRotateXYVisitor::rotateInsert(Insert& ent) const {
+  PNT_3D pnt = ent.getPnt();
+  pnt.rotate(m_centre, m_angle);
+  ent.setRotate(m_degrees != 0 ? turned(ent.getRotate()) : oneTurn(ent.getRotate() + m_angle));
+  ent.setPnt(pnt);
 }
 
 void CEntRotateXYVisitor::visit(CEntPnt& ent) {
@@ -59,7 +94,10 @@ void CEntRotateXYVisitor::visit(CEntCircle& ent) {
 }
 
 void CEntRotateXYVisitor::visit(CEntArc& ent) {
-  ent.getArc().rotate(m_centre, m_angle);
+  ARC_3D& arc = ent.getArc();
+  arc.CIRCLE_3D::rotate(m_centre, m_angle);
+  arc.startAngle = normalTurned(arc.startAngle);
+  arc.endAngle = normalTurned(arc.endAngle);
   ent.calcBdry();
 }
 
@@ -68,21 +106,21 @@ void CEntRotateXYVisitor::visit(CEntPolyline& ent) {
   ent.calcBdry();
 }
 
-void CEntRotateXYVisitor::visit(CEntText& ent) { rotateText(ent, m_centre, m_angle); }
+void CEntRotateXYVisitor::visit(CEntText& ent) { rotateText(ent); }
 
-void CEntRotateXYVisitor::visit(CEntAttdef& ent) { rotateText(ent, m_centre, m_angle); }
+void CEntRotateXYVisitor::visit(CEntAttdef& ent) { rotateText(ent); }
 
-void CEntRotateXYVisitor::visit(CEntAttrib& ent) { rotateText(ent, m_centre, m_angle); }
+void CEntRotateXYVisitor::visit(CEntAttrib& ent) { rotateText(ent); }
 
-void CEntRotateXYVisitor::visit(CEntInsert& ent) { rotateInsert(ent, m_centre, m_angle); }
+void CEntRotateXYVisitor::visit(CEntInsert& ent) { rotateInsert(ent); }
 
-void CEntRotateXYVisitor::visit(CEntFixedInsert& ent) { rotateInsert(ent, m_centre, m_angle); }
+void CEntRotateXYVisitor::visit(CEntFixedInsert& ent) { rotateInsert(ent); }
 
-void CEntRotateXYVisitor::visit(CEntInsertXRef& ent) { rotateInsert(ent, m_centre, m_angle); }
+void CEntRotateXYVisitor::visit(CEntInsertXRef& ent) { rotateInsert(ent); }
 
 void CEntRotateXYVisitor::visit(CEntHatch& ent) {
   vek0::detail::transformHatch(ent, *this, [this](PNT_3D& p) { p.rotate(m_centre, m_angle); });
-  ent.setHatchRotate(ARC_3D::normal(ent.getHatchRotate() + m_angle));
+  ent.setHatchRotate(normalTurned(ent.getHatchRotate()));
 }
 
 void CEntRotateXYVisitor::visit(CEnt3DFace& ent) {

@@ -154,6 +154,60 @@ TEST(RotateVisitor, BringsRotationsIntoOneTurn) {
   }
 }
 
+// What was read as whole degrees is whole degrees again, and lies where it belongs.
+TEST(RotateVisitor, ByDegreesAddsDegreesAsFilesHaveThem) {
+  const struct {
+    double before, by, after;
+  } cases[] = {
+      {0,   90,   90 },
+      {90,  90,   180},
+      {0,   -90,  270},
+      {350, 90,   80 },
+      {0,   33,   33 },
+      {10,  90,   100},
+      {270, 90,   0  },
+      {45,  720,  45 },
+      {10,  1e17, 290}, // 1e17 is 280 more than whole
+  // turns
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(testing::Message() << t.before << " by " << t.by);
+    EveryKind all;
+    const double before = t.before * kRadiansPerDegree, after = t.after * kRadiansPerDegree;
+    CEntRotateXYVisitor turner = CEntRotateXYVisitor::byDegrees(PNT_3D(1e6, 2e6, 0), t.by);
+    for (const auto& [name, ent] : all.kinds) {
+      SCOPED_TRACE(name);
+      if (auto* insert =
+              ent->getType() == CEntInsert::kType ? static_cast<CEntInsert*>(ent) : nullptr) {
+        insert->setRotate(before);
+        insert->setPnt(PNT_3D(1e6 + 1000, 2e6, 0));
+        insert->accept(turner);
+        EXPECT_EQ(insert->getRotate(), after);
+        const double turned = std::remainder(t.by, 360) * kPi / 180;
+        EXPECT_NEAR(insert->getPnt().x, 1e6 + 1000 * std::cos(turned), 1e-9);
+        EXPECT_NEAR(insert->getPnt().y, 2e6 + 1000 * std::sin(turned), 1e-9);
+      } else if (ent->getType() == CEntArc::kType) {
+        ARC_3D& arc = static_cast<CEntArc*>(ent)->getArc();
+        arc.startAngle = before;
+        ent->accept(turner);
+        EXPECT_EQ(arc.startAngle, after);
+      } else if (CEntHatch* hatch = castHatch(ent)) {
+        hatch->setHatchRotate(before);
+        hatch->accept(turner);
+        EXPECT_EQ(hatch->getHatchRotate(), after);
+      } else if (ent->getType() == CEntText::kType) {
+        TEXT_3D& text = static_cast<CEntText*>(ent)->getText();
+        CTextContext context(text.getContext());
+        context.setRotate(before);
+        text.setContext(context);
+        ent->accept(turner);
+        EXPECT_EQ(text.getContext().getRotate(),
+                  (t.before + std::fmod(t.by, 360)) * kRadiansPerDegree);
+      }
+    }
+  }
+}
+
 TEST(ScaleVisitor, ScalesWidthsAndLeavesArcsArcs) {
   EveryKind all;
   CEntPolyline* polyline = createEntPolyline(all.data(), 0, 0, 0);

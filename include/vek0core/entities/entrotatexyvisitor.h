@@ -16,6 +16,11 @@ class VEK0_API CEntRotateXYVisitor final : public IEntVisitor {
  public:
   /// The angle is in radians, counter-clockwise.
   CEntRotateXYVisitor(const PNT_3D& centre, double angle);
+  /// Turns by degrees, whole turns left out. Points turn by just that angle. What files state
+  /// in degrees (rotations of texts, inserts and patterns, ends of arcs) gains as many of
+  /// `kRadiansPerDegree`, and a full turn is 360 of these: what stood at 0 is written as 90
+  /// after a quarter turn, not as 90.00000000002.
+  static CEntRotateXYVisitor byDegrees(const PNT_3D& centre, double degrees);
 
   using IEntVisitor::visit;
   void visit(CEntPnt& ent) override;
@@ -33,6 +38,14 @@ class VEK0_API CEntRotateXYVisitor final : public IEntVisitor {
   void visit(CEnt3DFace& ent) override;
 
  private:
+  void rotateText(CEntText& ent) const;
+  template <class Insert>
+  void rotateInsert(Insert& ent) const;
+  double degreesFrom(double stated) const;
+  double turned(double stated) const;
+  double normalTurned(double stated) const;
+
   PNT_3D m_centre;
   double m_angle;
+  double m_degrees = 0;  // other than 0: what stated angles gain
 };
