@@ -9,6 +9,7 @@
 #include "commands.h"
 #include "editsteps.h"
 #include "saving.h"
+#include "undocheck.h"
 
 namespace vek0::tool {
 namespace {
@@ -56,27 +57,9 @@ bool runSteps(Editing& editing, const std::vector<NamedStep>& steps, Session& se
   return true;
 }
 
-// The whole drawing as a file has it.
-std::string bytesOf(const CData& data) {
-  CFileMemory file(u"memory", 2);
-  return SaveDXF(data, file, kSaveExchange) ? file.bytes() : std::string();
-}
-
-// Goes back and forth through the whole stack. Answers what is not as it was.
-std::string checkUndo(Editing& editing, const std::string& before) {
-  const std::string after = bytesOf(editing.data);
-  if (before.empty() || after.empty()) return "the drawing cannot be written for the comparison";
-  while (editing.undo.getNoUndo() > 0)
-    if (!editing.undo.undo()) return "a step cannot be undone";
-  if (bytesOf(editing.data) != before) return "undoing did not give the drawing back";
-  while (editing.undo.getNoRedo() > 0)
-    if (!editing.undo.redo()) return "a step cannot be done again";
-  return bytesOf(editing.data) == after ? "" : "doing it all again gave another drawing";
-}
-
 bool passesUndoCheck(Editing& editing, const std::string& before, Session& session) {
   const std::size_t count = editing.undo.getNoUndo(), bytes = editing.undo.size();
-  const std::string problem = checkUndo(editing, before);
+  const std::string problem = checkUndo(editing.data, editing.undo, before);
   if (!problem.empty()) {
     Session::complain("undo check: " + problem);
     session.failed(kDrawingFailed);
