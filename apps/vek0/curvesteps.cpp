@@ -22,22 +22,18 @@ bool take(Editing& editing, std::unique_ptr<CEnt> made, std::vector<CEnt*>& chos
   return true;
 }
 
-CEntExploderVisitor exploderOf(CData& data, long limit) {
-  return CEntExploderVisitor(data.getHandleGestor(), data.getEntFactory(), data.getBlockFactory(),
-                             data.getBlockTable(), 1, limit);
-}
-
 StepOutcome explode(Editing& editing) {
+  CData& data = editing.data;
+  CEntExploderVisitor exploder(data.getHandleGestor(), data.getEntFactory(), data.getBlockFactory(),
+                               data.getBlockTable());
   std::vector<CEnt*> chosen;
   std::size_t exploded = 0, parts = 0;
   for (CEnt* ent : editing.chosen) {
-    // One array is bounded by the exploder; all of them together are here.
-    CEntExploderVisitor exploder =
-        exploderOf(editing.data, CEntExploderVisitor::kLimit - static_cast<long>(parts));
     ent->accept(exploder);
     if (exploder.isRefused())
       return StepOutcome::failed("more than " + std::to_string(CEntExploderVisitor::kLimit) +
-                                 " entities would come of it");
+                                 " entities and vertices would come of it, an external "
+                                 "reference would be sheared, or memory ran out");
     if (exploder.getEnts().empty()) {
       chosen.push_back(ent);
       continue;
@@ -46,6 +42,7 @@ StepOutcome explode(Editing& editing) {
     parts += exploder.getEnts().size();
     for (auto& part : exploder.getEnts())
       if (!take(editing, std::move(part), chosen)) return StepOutcome::noMemory();
+    exploder.getEnts().clear();
     if (!editing.undo.remove(ent)) return StepOutcome::noMemory();
   }
   const std::size_t left = editing.chosen.size() - exploded;

@@ -87,7 +87,8 @@ void addStepOptions(CLI::App& verb, Options& options) {
   for (const StepKind& kind : stepKinds()) {
     CLI::Option* option = nullptr;
     if (kind.value == nullptr) {
-      option = verb.add_flag(kind.option, kind.help);
+      // "--delete=no" must not delete.
+      option = verb.add_flag(kind.option, kind.help)->disable_flag_override();
     } else {
       const auto check = [read = kind.read](const std::string& text) {
         EditStep ignored;

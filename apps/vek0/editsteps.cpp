@@ -1,5 +1,7 @@
 #include "editsteps.h"
 
+#include "layerchoice.h"
+
 namespace vek0::tool {
 
 const std::vector<StepKind>& stepKinds() {
@@ -46,7 +48,7 @@ CLayer* needLayer(Editing& editing, const zim::WString& name, const CLayer* mode
   CData& data = editing.data;
   if (CLayer* layer = getLayer(data, name)) return layer;
   zim::WString xref, item;
-  if (scomposeName(name, xref, item)) return nullptr;
+  if (scomposeName(name, xref, item) || isPattern(name)) return nullptr;
   CLtype* ltype = model != nullptr ? model->getLtype() : &data.getLtypeContinuous();
   CLayer* layer = data.getLayerFactory().create(name, ltype, model ? model->getColor() : short{7},
                                                 model ? model->getFlags() : 0);

@@ -53,8 +53,8 @@ std::string readPurge(const std::string& text, EditStep& step);  ///< without a 
 EditStep onChosen(EditStep work);
 
 /// The layer of that name; a new one like `model`, or of colour 7 when that is null, when
-/// there is none. Null without memory, and for a layer of an external reference that does
-/// not exist: only the reference could make it.
+/// there is none. Null without memory, for a pattern, and for a layer of an external
+/// reference that does not exist: only the reference could make it.
 CLayer* needLayer(Editing& editing, const zim::WString& name, const CLayer* model);
 
 }  // namespace vek0::tool

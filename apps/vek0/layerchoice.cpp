@@ -26,6 +26,8 @@ bool matchesPattern(std::u16string_view name, std::u16string_view pattern) {
   return pattern.find_first_not_of(u'*', p) == pattern.npos;
 }
 
+bool isPattern(std::u16string_view name) { return name.find_first_of(u"*?") != name.npos; }
+
 LayerChoice::LayerChoice(const CData& data, const std::vector<std::string>& shown,
                          const std::vector<std::string>& hidden) {
   std::vector<CLayer*> layers;

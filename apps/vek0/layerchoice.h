@@ -12,6 +12,8 @@ namespace vek0::tool {
 /// Whether a name fits a pattern, letter case ignored: "*" stands for any text, "?" for
 /// one character. Quadratic at worst.
 bool matchesPattern(std::u16string_view name, std::u16string_view pattern);
+/// Whether it holds one of these, so that it may mean several names.
+bool isPattern(std::u16string_view name);
 
 /// Which layers of a drawing are shown.
 class LayerChoice {

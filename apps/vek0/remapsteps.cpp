@@ -51,9 +51,7 @@ StepOutcome unknown(const char* what, const std::string& name) {
 }
 
 StepOutcome nothingToReplace(const char* what, const Names& names) {
-  StepOutcome outcome = unknown(what, names.from);
-  outcome.text += " to replace";
-  return outcome;
+  return unknown(what, names.from + " other than " + names.to);
 }
 
 // Without the replacement itself, which a pattern may match as well.
@@ -75,6 +73,13 @@ StepOutcome remapLayers(Editing& editing, const Names& names) {
   return to ? remap(editing, from, *to, "layer", "layers") : unknown("layer", names.to);
 }
 
+// A layer that has one of the linetypes, or null.
+const CLayer* layerWith(const std::vector<CLtype*>& ltypes, const CData& data) {
+  for (CData::CLayerIterator it(data, false); const CLayer* layer = *it; ++it)
+    if (std::find(ltypes.begin(), ltypes.end(), layer->getLtype()) != ltypes.end()) return layer;
+  return nullptr;
+}
+
 // A pattern leaves BYLAYER and BYBLOCK alone: they say where the linetype comes from.
 StepOutcome remapLtypes(Editing& editing, const Names& names) {
   const CData& data = editing.data;
@@ -84,6 +89,13 @@ StepOutcome remapLtypes(Editing& editing, const Names& names) {
   const auto from =
       without(matching(exact, CData::CLtypeIterator(data, true, false), names.from), to);
   if (from.empty()) return nothingToReplace("linetype", names);
+  if (to->isByLayer() || to->isByBlock()) {
+    const CLayer* layer = layerWith(from, data);
+    if (layer != nullptr)
+      return StepOutcome::failed("layer " + layer->getFullName().toUtf8() + " has linetype " +
+                                 layer->getLtype()->getFullName().toUtf8() +
+                                 ", and no layer can have " + to->getFullName().toUtf8());
+  }
   return remap(editing, from, *to, "linetype", "linetypes");
 }
 

@@ -43,12 +43,14 @@ std::string sortValues(const std::string& text, Criteria& criteria) {
 
 std::string checkKind(std::string& kind) {
   const zim::WString wide = zim::WString::fromUtf8(kind);
+  std::string all;
   for (const char* known : EntityCounts::kKinds) {
+    all += (all.empty() ? "" : ", ") + std::string(known);
     if (!zim::equalsIgnoreCase(wide, zim::WString::fromUtf8(known))) continue;
     kind = known;
     return {};
   }
-  return "'" + kind + "' is not a kind like line, arc or insert";
+  return "'" + kind + "' is none of " + all;
 }
 
 std::string readWindow(Criteria& criteria) {

@@ -1,5 +1,5 @@
+#include <cmath>
 #include <cstddef>
-#include <numbers>
 #include <optional>
 
 #include "argumentvalues.h"
@@ -8,13 +8,24 @@
 namespace vek0::tool {
 namespace {
 
+bool isFinite(const RECT_3D& box) {
+  for (const PNT_3D& corner : {box.min, box.max})
+    if (!std::isfinite(corner.x) || !std::isfinite(corner.y) || !std::isfinite(corner.z))
+      return false;
+  return true;
+}
+
 template <class Visitor>
 EditStep transformStep(Visitor visitor, const char* done) {
   return onChosen([visitor, done](Editing& editing) {
     Visitor transform = visitor;
     for (CEnt* ent : editing.chosen) {
       if (!editing.undo.keepGeometry(*ent)) return StepOutcome::noMemory();
+      // Files hold numbers whose extents are beyond all; these may stay.
+      const bool wasFinite = isFinite(ent->getBdry());
       ent->accept(transform);
+      if (wasFinite && !isFinite(ent->getBdry()))
+        return StepOutcome::failed("coordinates would become too large for numbers");
     }
     editing.data.getEntTable().invalidateBdry();
     return StepOutcome::done(countedEntities(editing.chosen.size()) + done);
@@ -50,9 +61,7 @@ std::string readMove(const std::string& text, EditStep& step) {
 std::string readRotate(const std::string& text, EditStep& step) {
   const auto value = readNumberAtPoint(text);
   if (!value) return "'" + text + "' is not an angle and a point like 90@10,5";
-  // Not by the constant that angles are read with: it is too short for far away coordinates.
-  const double angle = value->number * std::numbers::pi / 180;
-  step = transformStep(CEntRotateXYVisitor(value->centre, angle), " rotated");
+  step = transformStep(CEntRotateXYVisitor::byDegrees(value->centre, value->number), " rotated");
   return {};
 }
 

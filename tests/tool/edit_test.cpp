@@ -216,6 +216,25 @@ TEST_F(Edit, PurgeTakesWhatNothingUsesAndNoMore) {
   EXPECT_TRUE(info()["blocks"].empty());
 }
 
+// As whole degrees, and where two quarter turns are a half.
+TEST_F(Edit, TurnedTextsHaveTheDegreesThatWereAskedFor) {
+  write("text.dxf", pairs("0 SECTION|2 ENTITIES|0 TEXT|8 0|10 1000|20 0|40 1|50 30|1 A|"
+                          "0 ARC|8 0|10 0|20 0|40 1|50 350|51 20|0 ENDSEC|0 EOF"));
+  const Outcome got = run("edit text.dxf -o - --rotate 90@0,0 --rotate 33@0,0 --rotate -363@0,0");
+  ASSERT_EQ(got.code, 0) << got.err;
+  EXPECT_NE(got.out.find(" 50\n150.0\n"), std::string::npos) << got.out;
+  EXPECT_NE(got.out.find(" 50\n110.0\n"), std::string::npos) << got.out;
+  EXPECT_NE(got.out.find(" 51\n140.0\n"), std::string::npos) << got.out;
+}
+
+TEST_F(Edit, WhatIsBeyondNumbersAlreadyDoesNotStopOthers) {
+  write("far.dxf", pairs("0 SECTION|2 ENTITIES|0 CIRCLE|8 0|10 1e308|20 0|40 1e308|"
+                         "0 LINE|8 0|10 0|20 0|11 1|21 1|0 ENDSEC|0 EOF"));
+  const Outcome got = run("edit far.dxf -o - --move 1,1 --undo-check");
+  EXPECT_EQ(got.code, 0) << got.err;
+  EXPECT_NE(got.out.find(" 11\n2.0\n"), std::string::npos) << got.out;
+}
+
 TEST_F(Edit, WrongStepsAreRefusedAndNothingIsWritten) {
   const struct {
     const char* steps;
@@ -236,7 +255,7 @@ TEST_F(Edit, WrongStepsAreRefusedAndNothingIsWritten) {
       {"--offset 1,sharp",                     2, "is not a distance"                     },
       {"--set-color 257",                      2, "is not a color"                        },
       {"--set-color blu",                      2, "is not a color"                        },
-      {"--select kind=lines",                  2, "'lines' is not a kind"                 },
+      {"--select kind=lines",                  2, "'lines' is none of POINT, LINE"        },
       {"--select window=0,0,1",                2, "is not a window"                       },
       {"--select color=3",                     2, "'color=3' is not all"                  },
       {"--select WALL1",                       2, "'WALL1' is not all"                    },
@@ -250,7 +269,14 @@ TEST_F(Edit, WrongStepsAreRefusedAndNothingIsWritten) {
       {"--set-linetype DOTS",                  1, "there is no linetype DOTS"             },
       {"--set-layer XREF@A --set-layer 'X|A'", 1, "there is no layer X|A"                 },
       {"--remap-layer DOOR=WALL1",             1, "there is no layer DOOR"                },
-      {"--remap-layer WALL1=wall1",            1, "there is no layer WALL1 to replace"    },
+      {"--remap-layer WALL1=wall1",            1, "no layer WALL1 other than wall1"       },
+      {"--remap-layer 'WALL*=NEW*'",           1, "there is no layer NEW*"                },
+      {"--set-layer 'WALL?'",                  1, "there is no layer WALL?"               },
+      {"--remap-linetype USED=BYLAYER",        1, "layer WALL1 has linetype USED"         },
+      {"--remap-linetype '*=BYBLOCK'",         1, "no layer can have BYBLOCK"             },
+      {"--move 1e308,0 --move 1e308,0",        1, "too large for numbers"                 },
+      {"--scale 1e308@0,0",                    1, "too large for numbers"                 },
+      {"--delete=no",                          2, "disallowed flag"                       },
       {"--remap-linetype USED=DOTS",           1, "there is no linetype DOTS"             },
       {"--remap-style SPARE=ROMANS",           1, "there is no text style ROMANS"         },
   };
@@ -261,6 +287,25 @@ TEST_F(Edit, WrongStepsAreRefusedAndNothingIsWritten) {
     EXPECT_NE(got.err.find(t.said), std::string::npos) << got.err;
     EXPECT_FALSE(fs::exists(path("out.dxf")));
   }
+}
+
+TEST_F(Edit, ExplodingKeepsExternalReferencesOrSaysThatItCannot) {
+  const std::string drawing =
+      "0 SECTION|2 BLOCKS|0 BLOCK|8 0|2 PLAN|70 4|10 0|20 0|1 other.dxf|0 ENDBLK|"
+      "0 BLOCK|8 0|2 B|70 0|10 0|20 0|0 INSERT|8 0|2 PLAN|10 1|20 1|50 30|0 ENDBLK|"
+      "0 ENDSEC|0 SECTION|2 ENTITIES|0 INSERT|8 0|2 B|10 0|20 0|42 ";
+  write("even.dxf", pairs(drawing + "1|0 ENDSEC|0 EOF"));
+  write("sheared.dxf", pairs(drawing + "2|0 ENDSEC|0 EOF"));
+  const Outcome even = run("edit even.dxf -o - --explode --explode --undo-check");
+  EXPECT_EQ(even.code, 0);
+  EXPECT_NE(even.err.find(" 1 entity exploded into 1\n"), std::string::npos) << even.err;
+  EXPECT_NE(even.err.find(" 0 entities exploded into 0, 1 entity passed over\n"), std::string::npos)
+      << even.err;
+  const Outcome sheared = run("edit sheared.dxf -o - --explode");
+  EXPECT_EQ(sheared.code, 1);
+  EXPECT_NE(sheared.err.find("external reference would be sheared"), std::string::npos)
+      << sheared.err;
+  EXPECT_EQ(sheared.out, "");
 }
 
 TEST_F(Edit, QuietSaysNothingButErrors) {
