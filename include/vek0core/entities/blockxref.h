@@ -2,9 +2,12 @@
 
 #include <cstddef>
 #include <list>
+#include <memory>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "vek0core/entities/block.h"
 #include "vek0core/export.h"
@@ -20,13 +23,24 @@
 ///
 /// Has linetypes, layers and styles of its own; the drawing names them "xref|item".
 /// Its layer "0" and the three fixed linetypes are the drawing's own. Nothing here
-/// opens a file: a host that resolves references fills the block and sets the status.
-/// Until then, and when the file is missing, an insert of it shows nothing.
+/// opens a file: `resolveXRefs` fills the block and sets the status. Until then, and when
+/// the file cannot be read, an insert of it shows nothing.
 ///
-/// Entities are kept as they are, not relative to the base point.
+/// The content belongs to the other drawing: entities, and blocks that only they insert. It
+/// is not to be edited, is not saved, and counts nowhere. Entities are kept as they are, not
+/// relative to the base point.
 class VEK0_API CBlockXRef : public CBlock {
  public:
-  enum class Status { unresolved, loaded, missing };
+  enum class Status {
+    unresolved,  ///< nobody has looked yet
+    loaded,
+    missing,  ///< there is no such file
+    broken,   ///< the file is there, and is no drawing that can be read
+    refused,  ///< a circle, nested too deep, or where the host allows no file
+  };
+
+  // A bit of the flags.
+  static constexpr long kOverlay = 8;  ///< not shown where the drawing is itself referred to
 
   ~CBlockXRef() override;
 
@@ -39,6 +53,16 @@ class VEK0_API CBlockXRef : public CBlock {
   void setPath(const zim::WString& path) { m_path = path; }
   Status getStatus() const { return m_status; }
   void setStatus(Status status) { m_status = status; }
+  bool isOverlay() const { return (getFlags() & kOverlay) != 0; }
+
+  /// Point of the content that comes to lie on the insertion points: the base point, or
+  /// where that is the origin, the one that the other drawing states for itself.
+  const PNT_3D& getContentBase() const;
+  /// The other drawing's own base point.
+  void setOwnBase(const PNT_3D& base) { m_ownBase = base; }
+  /// File that the content was read from, as the resolver names it; empty before.
+  const zim::WString& getFile() const { return m_file; }
+  void setFile(const zim::WString& file) { m_file = file; }
 
   const CLtypeTable& getLtypeTable() const { return m_ltypes; }
   CLtypeTable& getLtypeTable() { return m_ltypes; }
@@ -46,6 +70,18 @@ class VEK0_API CBlockXRef : public CBlock {
   CLayerTable& getLayerTable() { return m_layers; }
   const CStyleTable& getStyleTable() const { return m_styles; }
   CStyleTable& getStyleTable() { return m_styles; }
+
+  using Blocks = std::vector<std::unique_ptr<CBlock>>;
+  /// The blocks of the content, each after those that it inserts.
+  const Blocks& getBlocks() const { return m_blocks; }
+  /// Gives the reference another content, which it takes over; what it had is deleted.
+  void setContent(std::vector<std::unique_ptr<CEnt>> entities, Blocks blocks);
+
+  /// Takes an item out of its table, and keeps it as long as itself: undo steps of the
+  /// drawing may name it.
+  void retire(CLayer* layer);
+  void retire(CLtype* ltype);  ///< likewise
+  void retire(CStyle* style);  ///< likewise
 
  protected:
   friend class CBlockFactory;
@@ -57,11 +93,16 @@ class VEK0_API CBlockXRef : public CBlock {
   void init(const zim::WString& path, const PNT_3D& base, long flags);
 
  private:
-  zim::WString m_path;
+  zim::WString m_path, m_file;
   Status m_status = Status::unresolved;
+  PNT_3D m_ownBase{0, 0, 0};
+  // What names comes after what is named.
+  std::vector<std::unique_ptr<CNamedItem>> m_retiredStyles, m_retiredLtypes;
   CStyleTable m_styles;
   CLtypeTable m_ltypes;
+  std::vector<std::unique_ptr<CNamedItem>> m_retiredLayers;
   CLayerTable m_layers;
+  Blocks m_blocks;
 };
 
 /// Which external references a drawing's inserts use, and how often.
@@ -119,12 +160,25 @@ class VEK0_API CLayerXRef : public CLayer {
 
   CBlockXRef& getXRef() const { return m_xref; }
 
+  /// What the other drawing says of the layer. Linetype, colour, line width and visibility
+  /// become that, but for what has been changed since the other drawing spoke last. The
+  /// first time what the layer has holds.
+  void follow(CLtype* ltype, short color, long flags, enumLineWidth width);
+
  protected:
   friend class CLayerFactory;
   CLayerXRef(CBlockXRef& xref, const zim::WString& name, CLtype* ltype, short color, long flags);
 
  private:
+  struct Look {
+    CLtype* ltype;
+    short color;
+    long flags;
+    enumLineWidth width;
+  };
+
   CBlockXRef& m_xref;
+  std::optional<Look> m_told;       // by the other drawing
   mutable zim::WString m_fullName;  // composed when asked for: either name may change
 };
 
