@@ -105,6 +105,9 @@
 #include "vek0core/dxfin/loaddxf.h"
 #include "vek0core/dxfin/reportcodes.h"
 
+#include "vek0core/xref/xrefresolver.h"
+#include "vek0core/xref/xrefs.h"
+
 #include "vek0core/dxfout/nameacadconverter.h"
 #include "vek0core/dxfout/savedxf.h"
 

@@ -6,8 +6,8 @@ import pathlib
 import re
 import sys
 
-ROOMS = ["geometry", "files", "tables", "polyline", "hatch", "entities", "drawing", "dxfin", "dxfout",
-         "ltypefile", "view"]
+ROOMS = ["geometry", "files", "tables", "polyline", "hatch", "entities", "drawing", "dxfin", "xref",
+         "dxfout", "ltypefile", "view"]
 # Sources that reach up on purpose: a memento is restored with the drawing's own
 # factories, which the fixed interface hands in as the whole drawing.
 CLIMBERS = {"src/entities/createhatch.cpp", "src/entities/enthatch.cpp", "src/entities/entinsert.cpp", "src/entities/entpolyline.cpp"}

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <vector>
 
 #include "vek0core/export.h"
 #include "zim0lang/wstring.h"
@@ -44,14 +43,21 @@ class VEK0_API IXRefResolver {
 ///
 /// Either kind of slash separates folders, and a drive letter is passed over where the
 /// platform has none. Where a name is not found as it stands, letter case is ignored; where
-/// it ends in ".dwg", which is not read, the same name ending in ".dxf" is looked for.
+/// it ends in ".dwg", which is not read, the same name ending in ".dxf" is looked for before
+/// it, and where it ends in nothing, behind it.
 ///
 /// A file has to lie, links resolved, in or below the folder of the host's drawing, a search
-/// folder or an allowed folder; what is elsewhere is forbidden.
+/// folder or an allowed folder; what is elsewhere is forbidden. Nothing but plain files is
+/// opened, so nothing waits for the other end of a pipe.
+///
+/// Names of files are absolute paths without links. Folders in which letter case mattered are
+/// kept in memory, and listed again when they have changed.
 class VEK0_API CXRefFolders final : public IXRefResolver {
  public:
-  /// `drawing` is the host's file, which need not exist yet.
+  /// `drawing` is the host's file, which need not exist yet; empty when there is none, and
+  /// then no folder goes with it.
   explicit CXRefFolders(const zim::WString& drawing);
+  ~CXRefFolders() override;
 
   /// Folders that do not exist are ignored.
   void addSearchFolder(const zim::WString& folder);
@@ -62,10 +68,12 @@ class VEK0_API CXRefFolders final : public IXRefResolver {
 
   Found find(const zim::WString& path, const zim::WString& from, zim::WString& file) override;
   std::unique_ptr<IFile> open(const zim::WString& file) override;
+  /// Made of the size and the time of the last change, as finely as the platform keeps it.
   zim::WString getState(const zim::WString& file) override;
 
  private:
+  struct Folders;
+
   zim::WString m_drawing;
-  std::vector<zim::WString> m_searched;
-  std::vector<zim::WString> m_allowed;
+  std::unique_ptr<Folders> m_folders;
 };

@@ -1,0 +1,231 @@
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <unordered_map>
+#include <vector>
+
+#include "vek0core/files/filestdlib.h"
+#include "vek0core/xref/xrefresolver.h"
+#include "zim0lang/casefold.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Longer paths are no paths: platforms refuse them, after having looked at every part.
+constexpr std::size_t kMaxPath = 4096;
+
+// Within this time of a change a folder may change again and keep the same time.
+constexpr std::chrono::seconds kCoarsestTime{2};
+
+fs::path pathOf(const zim::WString& text) {
+  const std::string utf8 = text.toUtf8();
+  return fs::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+zim::WString textOf(const fs::path& path) {
+  const std::u8string utf8 = path.u8string();
+  return zim::WString::fromUtf8(std::string(utf8.begin(), utf8.end()));
+}
+
+// Names of some platforms are any bytes; as text such a one would be the name of another file.
+bool hasText(const fs::path& path) { return pathOf(textOf(path)) == path; }
+
+bool canBePath(const zim::WString& text) {
+  return !text.empty() && text.Length() <= kMaxPath &&
+         text.view().find(zim::Char{0}) == std::u16string_view::npos &&
+         zim::WString::fromUtf8(text.toUtf8()) == text;
+}
+
+bool isDriveLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+
+// A path that may have been written on another platform, without "." and needless "..".
+fs::path platformPath(const zim::WString& path) {
+  std::string text = path.toUtf8();
+  std::replace(text.begin(), text.end(), '\\', '/');
+  static const bool hasDrives = fs::path("C:").has_root_name();
+  if (!hasDrives && text.size() > 1 && text[1] == ':' && isDriveLetter(text[0])) text.erase(0, 2);
+  return fs::path(std::u8string(text.begin(), text.end())).lexically_normal();
+}
+
+// The paths that may be meant, likeliest first.
+std::vector<fs::path> spellingsOf(const fs::path& path) {
+  fs::path asDxf = path;
+  asDxf.replace_extension(".dxf");
+  if (textOf(path.extension()).EqualsIgnoreCase(u".dwg")) return {asDxf, path};
+  if (path.has_extension() || !path.has_filename() || path.filename() == "..") return {path};
+  return {path, asDxf};
+}
+
+bool isWithin(const fs::path& path, const fs::path& folder) {
+  return std::mismatch(folder.begin(), folder.end(), path.begin(), path.end()).first ==
+         folder.end();
+}
+
+std::u16string folded(std::u16string_view text) {
+  std::u16string result(text);
+  std::transform(result.begin(), result.end(), result.begin(), zim::foldCase);
+  return result;
+}
+
+// The names in a folder. Of names that differ in letter case alone, the first in the order of
+// their units counts, whatever the order in which the platform tells them.
+struct Listing {
+  std::unordered_map<std::u16string, fs::path> names;  // by the folded one
+  fs::file_time_type changed;
+  bool isLasting = false;  // as long as the folder has not changed
+
+  void read(const fs::path& folder) {
+    names.clear();
+    std::error_code failure;
+    for (fs::directory_iterator it(folder, failure), end; !failure && it != end;
+         it.increment(failure)) {
+      const fs::path name = it->path().filename();
+      if (!hasText(name)) continue;
+      const auto [at, isNew] = names.emplace(folded(textOf(name)), name);
+      if (!isNew && name < at->second) at->second = name;
+    }
+  }
+};
+
+}  // namespace
+
+IXRefResolver::~IXRefResolver() = default;
+
+struct CXRefFolders::Folders {
+  std::vector<fs::path> searched, allowed;  // links resolved; what is searched is allowed too
+  std::unordered_map<std::u16string, Listing> listings;
+
+  bool isAllowed(const fs::path& path) const {
+    return std::any_of(allowed.begin(), allowed.end(),
+                       [&](const fs::path& folder) { return isWithin(path, folder); });
+  }
+
+  // Even asking whether another computer has a file tells it who asks.
+  bool mayAsk(const fs::path& path) const {
+    const zim::WString root = textOf(path.root_name());
+    return root.empty() || std::any_of(allowed.begin(), allowed.end(), [&](const fs::path& folder) {
+             return textOf(folder.root_name()).EqualsIgnoreCase(root);
+           });
+  }
+
+  const Listing& list(const fs::path& folder) {
+    Listing& listing = listings[std::u16string(textOf(folder).view())];
+    std::error_code failure;
+    const fs::file_time_type changed = fs::last_write_time(folder, failure);
+    if (listing.isLasting && listing.changed == changed) return listing;
+    listing.changed = changed;
+    listing.isLasting = !failure && fs::file_time_type::clock::now() - changed > kCoarsestTime;
+    listing.read(folder);
+    return listing;
+  }
+
+  // What a folder holds under that name in other letters; empty when there is nothing.
+  fs::path alikeIn(const fs::path& folder, const fs::path& name) {
+    std::error_code failure;
+    const fs::path real = fs::canonical(folder, failure);
+    if (failure || !isAllowed(real)) return {};
+    const Listing& listing = list(real);
+    const auto at = listing.names.find(folded(textOf(name)));
+    return at == listing.names.end() ? fs::path() : at->second;
+  }
+
+  // Goes down the path part by part, so that a wrong one costs no more than those before it.
+  fs::path follow(const fs::path& path) {
+    fs::path there = path.root_path();
+    std::error_code failure;
+    for (fs::path part : path.relative_path()) {
+      if (part.empty()) continue;  // behind a slash at the end
+      if (!fs::exists(fs::symlink_status(there / part, failure))) part = alikeIn(there, part);
+      if (part.empty()) return part;
+      there /= part;
+    }
+    return there;
+  }
+
+  Found look(const fs::path& path, zim::WString& file) {
+    if (!path.is_absolute()) return Found::Missing;
+    if (!mayAsk(path)) return Found::Forbidden;
+    std::error_code failure;
+    const fs::path real = fs::canonical(follow(path), failure);
+    if (failure || !hasText(real)) return Found::Missing;
+    if (!fs::is_regular_file(real, failure)) return Found::NotAFile;
+    if (!isAllowed(real)) return Found::Forbidden;
+    file = textOf(real);
+    return Found::Yes;
+  }
+
+  // In the folder, or wherever the path says if it is absolute; then by the bare name.
+  Found lookFrom(const fs::path& folder, const fs::path& path, zim::WString& file) {
+    const Found found = look((folder / path).lexically_normal(), file);
+    if (found == Found::Yes || !path.has_filename()) return found;
+    const Found byName = look(folder / path.filename(), file);
+    return byName == Found::Yes ? byName : std::max(found, byName);
+  }
+};
+
+// Later answers tell people more than earlier ones do, where a path fails in several ways.
+static_assert(IXRefResolver::Found::Missing < IXRefResolver::Found::NotAFile &&
+              IXRefResolver::Found::NotAFile < IXRefResolver::Found::Forbidden);
+
+CXRefFolders::CXRefFolders(const zim::WString& drawing) : m_folders(std::make_unique<Folders>()) {
+  if (!canBePath(drawing)) return;
+  std::error_code failure;
+  const fs::path path = fs::weakly_canonical(fs::absolute(pathOf(drawing), failure), failure);
+  if (failure || !hasText(path)) return;
+  m_drawing = textOf(path);
+  m_folders->allowed.push_back(path.parent_path());
+}
+
+CXRefFolders::~CXRefFolders() = default;
+
+void CXRefFolders::addSearchFolder(const zim::WString& folder) {
+  const std::size_t before = m_folders->allowed.size();
+  allowFolder(folder);
+  if (m_folders->allowed.size() > before) m_folders->searched.push_back(m_folders->allowed.back());
+}
+
+void CXRefFolders::allowFolder(const zim::WString& folder) {
+  if (!canBePath(folder)) return;
+  std::error_code failure;
+  const fs::path path = fs::canonical(pathOf(folder), failure);
+  if (!failure && fs::is_directory(path, failure)) m_folders->allowed.push_back(path);
+}
+
+IXRefResolver::Found CXRefFolders::find(const zim::WString& path, const zim::WString& from,
+                                        zim::WString& file) {
+  if (!canBePath(path)) return Found::Missing;
+  std::vector<fs::path> places{pathOf(from).parent_path()};
+  places.insert(places.end(), m_folders->searched.begin(), m_folders->searched.end());
+  Found best = Found::Missing;
+  for (const fs::path& spelling : spellingsOf(platformPath(path))) {
+    for (const fs::path& place : places) {
+      const Found found = m_folders->lookFrom(place, spelling, file);
+      if (found == Found::Yes) return found;
+      best = std::max(best, found);
+    }
+  }
+  return best;
+}
+
+std::unique_ptr<IFile> CXRefFolders::open(const zim::WString& file) {
+  if (!canBePath(file)) return nullptr;
+  // What was found may have become a link or a pipe since.
+  zim::WString now;
+  if (m_folders->look(pathOf(file), now) != Found::Yes || now != file) return nullptr;
+  return std::make_unique<CFileStdLib>(file, IFile::kRead);
+}
+
+zim::WString CXRefFolders::getState(const zim::WString& file) {
+  if (!canBePath(file)) return {};
+  std::error_code failure;
+  const auto size = fs::file_size(pathOf(file), failure);
+  if (failure) return {};
+  const auto changed = fs::last_write_time(pathOf(file), failure);
+  if (failure) return {};
+  return zim::WString::fromUtf8(std::to_string(size) + " " +
+                                std::to_string(changed.time_since_epoch().count()));
+}
