@@ -19,8 +19,12 @@ bool forEveryEntity(CData& data, bool withXRefs, const Each& each) {
   };
   for (int i = 0; i < data.getBlockTable().size(); ++i)
     if (!walk(*data.getBlockTable()[i])) return false;
-  for (int i = 0; withXRefs && i < data.getBlockXRefTable().size(); ++i)
-    if (!walk(*data.getBlockXRefTable()[i])) return false;
+  for (int i = 0; withXRefs && i < data.getBlockXRefTable().size(); ++i) {
+    CBlockXRef& xref = *data.getBlockXRefTable()[i];
+    for (const auto& block : xref.getBlocks())
+      if (!walk(*block)) return false;
+    if (!walk(xref)) return false;
+  }
   for (CEnt* ent : data.getEntTable().getEntityTbl())
     if (!each(*ent)) return false;
   return true;

@@ -23,7 +23,9 @@ class UncountedEdit {
   }
 
   /// Whether that is what an entity of this owner needs.
-  static bool isFor(const CBlock* owner) { return owner != nullptr && owner->isXRef(); }
+  static bool isFor(const CBlock* owner) {
+    return owner != nullptr && (owner->isXRef() || owner->getContentOf() != nullptr);
+  }
 
  private:
   static void takeBack(CNamedItem* from, CNamedItem* to) {

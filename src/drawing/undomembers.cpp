@@ -24,14 +24,28 @@ std::size_t bytesOf(const CEnt& ent) {
 
 std::size_t bytesOf(const CBlock& block) { return kItemBytes + block.size() * kEntBytes; }
 
+std::size_t bytesOf(const CBlockXRef& xref) {
+  std::size_t bytes = bytesOf(static_cast<const CBlock&>(xref));
+  for (const auto& block : xref.getBlocks()) bytes += bytesOf(*block);
+  const int items = xref.getLayerTable().size() + xref.getLtypeTable().size();
+  return bytes + static_cast<std::size_t>(items) * kItemBytes;
+}
+
 std::size_t bytesOf(const CNamedItem&) { return kItemBytes; }
 
-void countTexts(const CLtype& ltype, bool on) {
+void countUses(const CLtype& ltype, bool on) {
   for (int i = 0; i < ltype.getNoDashes(); ++i) {
     const TEXT_3D* text = ltype[i]->GetText();
     CStyle* style = text != nullptr ? text->getStyle() : nullptr;
     if (style != nullptr) on ? style->addDash() : style->decDash();
   }
+}
+
+void countUses(const CBlockXRef& xref, bool on) {
+  for (int i = 0; i < xref.getLayerTable().size(); ++i)
+    if (CLtype* ltype = xref.getLayerTable()[i]->getLtype())
+      on ? ltype->addLayer() : ltype->decLayer();
+  for (int i = 0; i < xref.getLtypeTable().size(); ++i) countUses(*xref.getLtypeTable()[i], on);
 }
 
 void EntMembership::take(CData& data) {

@@ -14,6 +14,7 @@ namespace vek0::detail {
 /// Bytes of an entity with its vertices or attributes, roughly.
 std::size_t bytesOf(const CEnt& ent);
 std::size_t bytesOf(const CBlock& block);
+std::size_t bytesOf(const CBlockXRef& xref);
 std::size_t bytesOf(const CNamedItem& item);
 
 /// Something that is in or out; `Member` owns it while it is out.
@@ -70,10 +71,12 @@ class BlockEntMembership final : public Membership<CEnt> {
   std::optional<CBlock::Place> m_place;
 };
 
-/// The texts of a linetype count on their styles as long as they exist. Those of one that
-/// is out of the drawing shall not, except while it is destroyed.
-void countTexts(const CLtype& ltype, bool on);
-inline void countTexts(const CNamedItem&, bool) {}
+/// The texts of a linetype count on their styles as long as they exist, the layers of a
+/// reference on their linetypes. Those of one that is out of the drawing shall not, except
+/// while it is destroyed.
+void countUses(const CLtype& ltype, bool on);
+void countUses(const CBlockXRef& xref, bool on);
+inline void countUses(const CNamedItem&, bool) {}
 
 /// An item of a table.
 template <class Table, class Item>
@@ -82,19 +85,19 @@ class ItemMembership final : public Membership<Item> {
   ItemMembership(Table& table, Item& item, bool isIn)
       : Membership<Item>(item, isIn), m_table(table) {}
   ~ItemMembership() override {
-    if (!this->isIn() && m_place) countTexts(*this->m_item, true);
+    if (!this->isIn() && m_place) countUses(*this->m_item, true);
   }
 
  private:
   void take(CData&) override {
     m_place = m_table.getPlace(*this->m_item);
     m_table.remove(this->m_item);
-    countTexts(*this->m_item, false);
+    countUses(*this->m_item, false);
   }
   void put(CData&) override {
     if (!m_place) return m_table.add(this->m_item);
     m_table.restore(this->m_item, *m_place);
-    countTexts(*this->m_item, true);
+    countUses(*this->m_item, true);
   }
 
   Table& m_table;

@@ -102,7 +102,9 @@ BlockHeadSnapshot::BlockHeadSnapshot(CBlock& block)
       m_name(block.getName()),
       m_flags(block.getFlags()),
       m_userType(block.GetUserType()),
-      m_userData(block.GetUserData()) {}
+      m_userData(block.GetUserData()) {
+  if (block.isXRef()) m_path = static_cast<CBlockXRef&>(block).getPath();
+}
 
 bool BlockHeadSnapshot::swap(CData&) {
   BlockHeadSnapshot present(m_block);
@@ -112,14 +114,18 @@ bool BlockHeadSnapshot::swap(CData&) {
   m_block.setFlags(m_flags);
   m_block.setFlags(CBlock::kHasAttdefs, hasAttdefs);
   m_block.SetUserInfo(m_userType, m_userData);
+  if (m_block.isXRef()) static_cast<CBlockXRef&>(m_block).setPath(m_path);
   std::swap(m_name, present.m_name);
+  std::swap(m_path, present.m_path);
   m_flags = present.m_flags;
   m_userType = present.m_userType;
   m_userData = present.m_userData;
   return true;
 }
 
-std::size_t BlockHeadSnapshot::size() const { return sizeof *this + textBytes(m_name); }
+std::size_t BlockHeadSnapshot::size() const {
+  return sizeof *this + textBytes(m_name) + textBytes(m_path);
+}
 
 bool VarsSnapshot::swap(CData&) {
   std::swap(m_vars, m_kept);

@@ -75,7 +75,7 @@ class BlockHeadSnapshot final : public UndoAction {
 
  private:
   CBlock& m_block;
-  zim::WString m_name;
+  zim::WString m_name, m_path;
   long m_flags;
   int m_userType, m_userData;
 };

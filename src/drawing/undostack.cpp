@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <iterator>
 #include <new>
+#include <unordered_map>
 #include <utility>
 
 #include "drawing/undomembers.h"
 #include "drawing/undosnapshots.h"
 #include "entities/newornull.h"
+#include "vek0core/drawing/functions.h"
 #include "vek0core/entities/entcast.h"
 #include "vek0core/entities/enthatch.h"
 
@@ -37,6 +39,32 @@ bool isUsed(const CData& data, const CStyle& style) {
   return style.getEntities() > 0 || style.getDashes() > 0 || data.getVars().getCurStyle() == &style;
 }
 bool isUsed(const CData&, const CBlock& block) { return block.getEntities() > 0; }
+
+// Whether an item of the drawing names one of the reference, or another reference shows it.
+bool isUsed(const CData& data, const CBlockXRef& xref) {
+  if (xref.getEntities() > 0) return true;
+  std::unordered_map<const void*, long> own;  // uses of one dependent item by another
+  for (int i = 0; i < xref.getLayerTable().size(); ++i) ++own[xref.getLayerTable()[i]->getLtype()];
+  for (int i = 0; i < xref.getLtypeTable().size(); ++i) {
+    const CLtype& ltype = *xref.getLtypeTable()[i];
+    for (int j = 0; j < ltype.getNoDashes(); ++j)
+      if (const TEXT_3D* text = ltype.GetDash(j)->GetText()) ++own[text->getStyle()];
+  }
+  const CDataVariables& vars = data.getVars();
+  for (int i = 0; i < xref.getLayerTable().size(); ++i)
+    if (isUsed(data, *xref.getLayerTable()[i])) return true;
+  for (int i = 0; i < xref.getLtypeTable().size(); ++i) {
+    const CLtype* ltype = xref.getLtypeTable()[i];
+    if (ltype->getEntities() > 0 || ltype->getLayers() > own[ltype]) return true;
+    if (vars.getCurLtype() == ltype) return true;
+  }
+  for (int i = 0; i < xref.getStyleTable().size(); ++i) {
+    const CStyle* style = xref.getStyleTable()[i];
+    if (style->getEntities() > 0 || style->getDashes() > own[style]) return true;
+    if (vars.getCurStyle() == style) return true;
+  }
+  return isNestedXRef(data, xref);
+}
 
 // Whether the block is there for one hatch and nothing shows it at present.
 bool isIdleHatchBlock(const CBlockTable& table, const CBlock* block) {
@@ -376,6 +404,8 @@ bool CUndoStack::remove(CLayer* layer) { return removeItem(m_data.getLayerTable(
 bool CUndoStack::remove(CLtype* ltype) { return removeItem(m_data.getLtypeTable(), ltype); }
 bool CUndoStack::remove(CStyle* style) { return removeItem(m_data.getStyleTable(), style); }
 bool CUndoStack::remove(CBlock* block) { return removeItem(m_data.getBlockTable(), block); }
+bool CUndoStack::remove(CBlockXRef* xref) { return removeItem(m_data.getBlockXRefTable(), xref); }
+bool CUndoStack::add(CBlockXRef* xref) { return addItem(m_data.getBlockXRefTable(), xref); }
 
 bool CUndoStack::redefine(CBlock& block, const PNT_3D& base, long flags,
                           const std::list<CEnt*>& newEntities) {

@@ -384,6 +384,8 @@ void CFileDXFIParser::readHeaderString(const zim::WString& name, const zim::WStr
 void CFileDXFIParser::readHeaderDouble(const zim::WString& name, const double (&value)[3]) {
   if (zim::equalsIgnoreCase(name, u"$DIMTXT")) m_dimText = value[0];
   if (zim::equalsIgnoreCase(name, u"$DIMSCALE")) m_dimScale = value[0];
+  if (zim::equalsIgnoreCase(name, u"$INSBASE"))
+    m_insertionBase = PNT_3D(value[0], value[1], value[2]);
   if (m_semantor.shouldReadHeaders())
     setVariable(kRealVariables, name, *m_semantor.getVars(), value);
 }

@@ -26,6 +26,7 @@ CFileDXFIResult readDXF(CData& data, IFile& file, CFileDXFIError* err,
     result.encoding = parser.getEncodingName();
     result.units = parser.getUnits();
     result.measurement = parser.getMeasurement();
+    result.insertionBase = parser.getInsertionBase();
     if (parser.isCancelled())
       result.status = CFileDXFIResult::Cancelled;
     else if (done)

@@ -1,6 +1,9 @@
 #include "vek0core/entities/blockxref.h"
 
 #include <new>
+#include <utility>
+
+#include "vek0core/entities/entinsert.h"
 
 namespace {
 
@@ -12,6 +15,14 @@ const zim::WString& compose(const CBlockXRef& xref, const zim::WString& name,
   fullName += u"|";
   fullName += name;
   return fullName;
+}
+
+// Takes an item out of the table and keeps it.
+template <class Table, class Item>
+void retireFrom(Table& table, std::vector<std::unique_ptr<CNamedItem>>& retired, Item* item) {
+  retired.emplace_back();  // first: this alone can fail
+  table.remove(item);
+  retired.back().reset(item);
 }
 
 }  // namespace
@@ -29,6 +40,42 @@ CBlockXRef::~CBlockXRef() = default;
 void CBlockXRef::add(CEnt* ent) { restore(ent); }
 
 bool CBlockXRef::isXRef() const { return true; }
+
+const PNT_3D& CBlockXRef::getContentBase() const {
+  return getPnt() != PNT_3D(0, 0, 0) ? getPnt() : m_ownBase;
+}
+
+void CBlockXRef::setContent(std::vector<std::unique_ptr<CEnt>> entities, Blocks blocks) {
+  disposeEntities();
+  m_blocks = std::move(blocks);
+  for (const std::unique_ptr<CBlock>& block : m_blocks) block->m_contentOf = this;
+  for (std::unique_ptr<CEnt>& ent : entities) restore(ent.release());
+  invalidateBdry();
+  m_nested.clear();
+  std::unordered_set<const CBlock*> seen;
+  noteNested(*this, seen);
+  for (const std::unique_ptr<CBlock>& block : m_blocks) noteNested(*block, seen);
+}
+
+void CBlockXRef::noteNested(const CBlock& block, std::unordered_set<const CBlock*>& seen) {
+  for (CInsertIterator insert(block); *insert != nullptr; ++insert) {
+    CBlock* shown = (*insert)->getBlock();
+    if (shown == nullptr || !shown->isXRef() || !seen.insert(shown).second) continue;
+    m_nested.push_back(static_cast<CBlockXRef*>(shown));
+  }
+}
+
+void CBlockXRef::retire(CLayer* layer) {
+  layer->setLtype(nullptr);
+  retireFrom(m_layers, m_retiredLayers, layer);
+}
+
+void CBlockXRef::retire(CLtype* ltype) {
+  retireFrom(m_ltypes, m_retiredLtypes, ltype);
+  ltype->ClearDashes();
+}
+
+void CBlockXRef::retire(CStyle* style) { retireFrom(m_styles, m_retiredStyles, style); }
 
 void CBlockXRef::init(const zim::WString& path, const PNT_3D& base, long flags) {
   m_path = path;
@@ -78,6 +125,10 @@ void CBlockXRefTable::add(CBlockXRef* xref) { CNamedItemTableImp::add(xref); }
 
 void CBlockXRefTable::remove(CBlockXRef* xref) { CNamedItemTableImp::remove(xref); }
 
+void CBlockXRefTable::restore(CBlockXRef* xref, const Place& place) {
+  CNamedItemTableImp::restore(xref, place);
+}
+
 CBlockXRef* CBlockXRefTable::get(std::u16string_view name) const {
   return static_cast<CBlockXRef*>(CNamedItemTableImp::get(name));
 }
@@ -95,6 +146,17 @@ const zim::WString& CLayerXRef::getFullName() const {
 }
 
 void CLayerXRef::setFlags(long flags) { CLayer::setFlags(flags | kDependent | kResolved); }
+
+void CLayerXRef::follow(const Look& look) {
+  if (m_told) {
+    if (getLtype() == m_told->ltype) setLtype(look.ltype);
+    if (getColor() == m_told->color) setColor(look.color);
+    if (getLineWidth() == m_told->width) setLineWidth(look.width);
+    for (const long bit : {kFrozen, kLocked, kOff})
+      if (((getFlags() ^ m_told->flags) & bit) == 0) setFlags(bit, (look.flags & bit) != 0);
+  }
+  m_told = look;
+}
 
 void CLayerXRef::accept(ILayerVisitor& visitor) { visitor.visit(*this); }
 

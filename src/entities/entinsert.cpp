@@ -301,7 +301,10 @@ CEntInsertXRef::CEntInsertXRef(IHandleGestor& gestor, CEntFactory& factory,
                                const CEntInsertXRef& src, long handle)
     : CEntInsert(gestor, factory, src, handle), m_depend(src.m_depend) {}
 
-void CEntInsertXRef::accept(IEntVisitor& visitor) { visitor.visit(*this); }
+void CEntInsertXRef::accept(IEntVisitor& visitor) {
+  // Pointed to an ordinary block meanwhile, it is no more than an insert.
+  getXRef() != nullptr ? visitor.visit(*this) : CEntInsert::accept(visitor);
+}
 
 void CEntInsertXRef::addTbls(IHandleGestor& gestor) const {
   CEntInsert::addTbls(gestor);

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "vek0core/entities/block.h"
+#include "vek0core/entities/blockxref.h"
 #include "vek0core/entities/entinsert.h"
 
 CEntInsertMatrix::CEntInsertMatrix() { set(PNT_3D(0, 0, 0), 1, 1, 1, 0, PNT_3D(0, 0, 0)); }
@@ -91,5 +91,6 @@ CEntInsertMatrix CEntInsertMatrix::operator*(const CEntInsertMatrix& inner) cons
 
 PNT_3D CEntInsertMatrix::basePoint(const CEntInsertBase& insert) {
   const CBlock* block = insert.getBlock();
-  return block != nullptr && block->isXRef() ? block->getPnt() : PNT_3D(0, 0, 0);
+  if (block == nullptr || !block->isXRef()) return PNT_3D(0, 0, 0);
+  return static_cast<const CBlockXRef*>(block)->getContentBase();
 }

@@ -87,4 +87,27 @@ inline std::string saved(const CData& data) {
   return SaveDXF(data, file, kSaveExchange) ? file.bytes() : std::string();
 }
 
+/// Every use count of the drawing, by table and position.
+inline std::string countsOf(const CData& data) {
+  std::string out;
+  const auto write = [&out](const char* kind, long first, long second) {
+    out += std::string(kind) + std::to_string(first) + "/" + std::to_string(second) + " ";
+  };
+  for (CData::CLayerIterator i(data, true); *i != nullptr; ++i)
+    write("layer", (*i)->getEntities(), 0);
+  for (CData::CLtypeIterator i(data, true, true); *i != nullptr; ++i)
+    write("ltype", (*i)->getEntities(), (*i)->getLayers());
+  for (CData::CStyleIterator i(data, true); *i != nullptr; ++i)
+    write("style", (*i)->getEntities(), (*i)->getDashes());
+  for (int i = 0; i < data.getBlockTable().size(); ++i)
+    write("block", data.getBlockTable()[i]->getEntities(), 0);
+  return out;
+}
+
+/// A copy is counted afresh.
+inline std::string recountOf(const CData& data) {
+  const CDataPtr copy(cloneData(data));
+  return countsOf(*copy);
+}
+
 }  // namespace vek0::test

@@ -19,38 +19,17 @@ namespace {
 
 using vek0::test::addedBlock;
 using vek0::test::addedLayer;
+using vek0::test::countsOf;
 using vek0::test::Drawing;
 using vek0::test::insertOf;
 using vek0::test::newDrawing;
 using vek0::test::RandomEditor;
+using vek0::test::recountOf;
 using vek0::test::saved;
 
 CEntLine* newLine(CData& data, CLayer* layer = nullptr) {
   return createEntLine(data, layer ? layer : getCurLayer(data), getCurLtype(data), 256,
                        LINE_3D(0, 0, 0, 1, 2, 3), 0);
-}
-
-// Every use count of the drawing, by table and position.
-std::string countsOf(const CData& data) {
-  std::string out;
-  const auto write = [&out](const char* kind, long first, long second) {
-    out += std::string(kind) + std::to_string(first) + "/" + std::to_string(second) + " ";
-  };
-  for (CData::CLayerIterator i(data, true); *i != nullptr; ++i)
-    write("layer", (*i)->getEntities(), 0);
-  for (CData::CLtypeIterator i(data, true, true); *i != nullptr; ++i)
-    write("ltype", (*i)->getEntities(), (*i)->getLayers());
-  for (CData::CStyleIterator i(data, true); *i != nullptr; ++i)
-    write("style", (*i)->getEntities(), (*i)->getDashes());
-  for (int i = 0; i < data.getBlockTable().size(); ++i)
-    write("block", data.getBlockTable()[i]->getEntities(), 0);
-  return out;
-}
-
-// A copy is counted afresh.
-std::string recountOf(const CData& data) {
-  const CDataPtr copy(cloneData(data));
-  return countsOf(*copy);
 }
 
 struct Snapshot {

@@ -10,6 +10,7 @@
 #include "zim0lang/wstring.h"
 
 class CBlock;
+class CBlockXRef;
 class CData;
 class CEnt;
 class CEntHatch;
@@ -99,8 +100,8 @@ class VEK0_API CUndoStack {
   bool keep(CLayer& layer);
   bool keep(CLtype& ltype);
   bool keep(CStyle& style);
-  /// Before a change of a block's name, flags or words of the host; for its base point and
-  /// content there are `redefine` and the edits of single entities.
+  /// Before a change of a block's name, flags or words of the host, or of a reference's
+  /// path; for base point and content there are `redefine` and the edits of single entities.
   bool keep(CBlock& block);
   /// Before a change of variables or current items.
   bool keepVars();
@@ -127,6 +128,10 @@ class VEK0_API CUndoStack {
   bool remove(CLtype* ltype);  ///< likewise
   bool remove(CStyle* style);  ///< likewise
   bool remove(CBlock* block);  ///< likewise
+  /// Likewise; what another reference shows, or whose dependent items are used, is not
+  /// taken out. Linear in the references and the items.
+  bool remove(CBlockXRef* xref);
+  bool add(CBlockXRef* xref);  ///< likewise
 
   /// `CBlockTable::Redefine` of a block in the table; the old entities are the stack's.
   bool redefine(CBlock& block, const PNT_3D& base, long flags, const std::list<CEnt*>& newEntities);

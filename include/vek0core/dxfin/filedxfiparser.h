@@ -11,6 +11,7 @@
 #include "vek0core/dxfin/filedxfioptions.h"
 #include "vek0core/dxfin/filedxfisemantor.h"
 #include "vek0core/export.h"
+#include "vek0core/geometry/pnt.h"
 #include "zim0lang/wstring.h"
 
 class CLayer;
@@ -63,6 +64,8 @@ class VEK0_API CFileDXFIParser {
   /// `$INSUNITS` and `$MEASUREMENT`; 0 and -1 when the file does not state them.
   long getUnits() const { return m_units; }
   long getMeasurement() const { return m_measurement; }
+  /// `$INSBASE`; the origin when the file does not state it.
+  const PNT_3D& getInsertionBase() const { return m_insertionBase; }
   /// How the file's bytes were taken for text.
   std::string getEncodingName() const { return m_lexer.getEncodingName(); }
 
@@ -184,6 +187,7 @@ class VEK0_API CFileDXFIParser {
   bool m_isDrawing = false;
   bool m_cancelled = false;
   long m_units = 0, m_measurement = -1;
+  PNT_3D m_insertionBase{0, 0, 0};
   long m_entities = 0;                                        // read so far
   std::string m_kind;                                         // of the entity being read, as bytes
   std::vector<std::pair<CLayer*, zim::WString>> m_unsettled;  // layers of unknown linetypes

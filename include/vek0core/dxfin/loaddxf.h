@@ -4,6 +4,7 @@
 
 #include "vek0core/dxfin/filedxfioptions.h"
 #include "vek0core/export.h"
+#include "vek0core/geometry/pnt.h"
 #include "zim0lang/wstring.h"
 
 class CData;
@@ -27,10 +28,11 @@ VEK0_API void importDXF(CData& data, IFile& file, CFileDXFIError* err);
 struct CFileDXFIResult {
   enum Status { Done, NotOpened, Failed, Cancelled };
   Status status = NotOpened;
-  zim::WString version;   ///< `$ACADVER` as written, empty when the file has none
-  std::string encoding;   ///< how bytes were taken for text, as "utf-8" or "windows-1252"
-  long units = 0;         ///< `$INSUNITS`: 0 not stated, 1 inches, 4 mm, 5 cm, 6 m, ...
-  long measurement = -1;  ///< `$MEASUREMENT`: 0 imperial, 1 metric; -1 not stated
+  zim::WString version;           ///< `$ACADVER` as written, empty when the file has none
+  std::string encoding;           ///< how bytes were taken for text, as "utf-8" or "windows-1252"
+  long units = 0;                 ///< `$INSUNITS`: 0 not stated, 1 inches, 4 mm, 5 cm, 6 m, ...
+  long measurement = -1;          ///< `$MEASUREMENT`: 0 imperial, 1 metric; -1 not stated
+  PNT_3D insertionBase{0, 0, 0};  ///< `$INSBASE`: point to insert the drawing by
 };
 
 /// The same with a report and a policy.

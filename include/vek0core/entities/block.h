@@ -11,6 +11,7 @@
 #include "vek0core/tables/nameditem.h"
 
 class CBlockMemento;
+class CBlockXRef;
 class CEnt;
 class CEntAttdef;
 class CEntInsertBase;
@@ -61,6 +62,8 @@ class VEK0_API CBlock : public CNamedItem {
 
   /// Whether this is a `CBlockXRef`.
   virtual bool isXRef() const;
+  /// The external reference whose content this block is a part of; null in the drawing.
+  const CBlockXRef* getContentOf() const { return m_contentOf; }
 
   /// Appends an entity that is stored relative to the base point already.
   void restore(CEnt* ent);
@@ -146,6 +149,7 @@ class VEK0_API CBlock : public CNamedItem {
  private:
   friend class CBlockGraph;
   friend class CBlockMemento;
+  friend class CBlockXRef;
   class BdryWalk;
 
   static std::uint64_t nextSerial();
@@ -183,6 +187,7 @@ class VEK0_API CBlock : public CNamedItem {
   mutable bool m_bdryBusy = false;  // being computed: an insert of itself stops here
 
   vek0::detail::BlockGraphItem* m_item = nullptr;  // its place in a table's graph
+  const CBlockXRef* m_contentOf = nullptr;
 };
 
 /// Walks a block's attribute definitions in order. Changing the block ends the walk.

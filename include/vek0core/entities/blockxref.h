@@ -6,6 +6,7 @@
 #include <optional>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -59,6 +60,7 @@ class VEK0_API CBlockXRef : public CBlock {
   /// where that is the origin, the one that the other drawing states for itself.
   const PNT_3D& getContentBase() const;
   /// The other drawing's own base point.
+  const PNT_3D& getOwnBase() const { return m_ownBase; }
   void setOwnBase(const PNT_3D& base) { m_ownBase = base; }
   /// File that the content was read from, as the resolver names it; empty before.
   const zim::WString& getFile() const { return m_file; }
@@ -74,11 +76,13 @@ class VEK0_API CBlockXRef : public CBlock {
   using Blocks = std::vector<std::unique_ptr<CBlock>>;
   /// The blocks of the content, each after those that it inserts.
   const Blocks& getBlocks() const { return m_blocks; }
+  /// The references that the content shows, each once.
+  const std::vector<CBlockXRef*>& getNested() const { return m_nested; }
   /// Gives the reference another content, which it takes over; what it had is deleted.
   void setContent(std::vector<std::unique_ptr<CEnt>> entities, Blocks blocks);
 
-  /// Takes an item out of its table, and keeps it as long as itself: undo steps of the
-  /// drawing may name it.
+  /// Takes an item out of its table and keeps it as long as itself, since undo steps of the
+  /// drawing may name it. A layer loses its linetype, a linetype its texts.
   void retire(CLayer* layer);
   void retire(CLtype* ltype);  ///< likewise
   void retire(CStyle* style);  ///< likewise
@@ -93,16 +97,21 @@ class VEK0_API CBlockXRef : public CBlock {
   void init(const zim::WString& path, const PNT_3D& base, long flags);
 
  private:
+  void noteNested(const CBlock& block, std::unordered_set<const CBlock*>& seen);
+
   zim::WString m_path, m_file;
   Status m_status = Status::unresolved;
   PNT_3D m_ownBase{0, 0, 0};
-  // What names comes after what is named.
-  std::vector<std::unique_ptr<CNamedItem>> m_retiredStyles, m_retiredLtypes;
+  // What names comes after what is named, so that it goes first.
+  using Retired = std::vector<std::unique_ptr<CNamedItem>>;
+  Retired m_retiredStyles;
   CStyleTable m_styles;
+  Retired m_retiredLtypes;
   CLtypeTable m_ltypes;
-  std::vector<std::unique_ptr<CNamedItem>> m_retiredLayers;
+  Retired m_retiredLayers;
   CLayerTable m_layers;
   Blocks m_blocks;
+  std::vector<CBlockXRef*> m_nested;
 };
 
 /// Which external references a drawing's inserts use, and how often.
@@ -137,10 +146,15 @@ class VEK0_API CBlockXRefDepend {
 /// The external references of a drawing, by name.
 class VEK0_API CBlockXRefTable : public CNamedItemTableImp {
  public:
+  using CNamedItemTableImp::contains;
+  using CNamedItemTableImp::getPlace;
+
   /// Takes the reference over.
   void add(CBlockXRef* xref);
   /// Takes it out; the caller owns it from then on.
   void remove(CBlockXRef* xref);
+  /// Puts a reference back to where it stood (`getPlace`).
+  void restore(CBlockXRef* xref, const Place& place);
   /// First one added of that name, letter case ignored; null when there is none.
   CBlockXRef* get(std::u16string_view name) const;
   /// Reference `i` in order of addition; unchecked.
@@ -163,22 +177,23 @@ class VEK0_API CLayerXRef : public CLayer {
   /// What the other drawing says of the layer. Linetype, colour, line width and visibility
   /// become that, but for what has been changed since the other drawing spoke last. The
   /// first time what the layer has holds.
-  void follow(CLtype* ltype, short color, long flags, enumLineWidth width);
-
- protected:
-  friend class CLayerFactory;
-  CLayerXRef(CBlockXRef& xref, const zim::WString& name, CLtype* ltype, short color, long flags);
-
- private:
   struct Look {
     CLtype* ltype;
     short color;
     long flags;
     enumLineWidth width;
   };
+  void follow(const Look& look);
+  /// What the other drawing said last.
+  const std::optional<Look>& getTold() const { return m_told; }
 
+ protected:
+  friend class CLayerFactory;
+  CLayerXRef(CBlockXRef& xref, const zim::WString& name, CLtype* ltype, short color, long flags);
+
+ private:
   CBlockXRef& m_xref;
-  std::optional<Look> m_told;       // by the other drawing
+  std::optional<Look> m_told;
   mutable zim::WString m_fullName;  // composed when asked for: either name may change
 };
 

@@ -193,6 +193,7 @@ class VEK0_API CEntFixedInsert : public CEntInsertBase {
 /// the external references in use counts it.
 class VEK0_API CEntInsertXRef : public CEntInsert {
  public:
+  /// As an ordinary insert when the block is one.
   void accept(IEntVisitor& visitor) override;
   void addTbls(IHandleGestor& gestor) const override;
   void removeTbls(IHandleGestor& gestor) const override;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <vector>
 
 #include "vek0core/dxfin/loaddxf.h"
 #include "vek0core/export.h"
@@ -67,26 +66,21 @@ VEK0_API bool resolveXRef(CData& data, CBlockXRef& xref, IXRefResolver& resolver
 VEK0_API CBlockXRef* attachXRef(CData& data, CUndoStack& undo, const zim::WString& name,
                                 const zim::WString& path, const PNT_3D& base, bool overlay);
 
-/// Removes a reference with its inserts, the references that only it showed, and its
-/// dependent items: what the drawing has on them goes to layer "0", Continuous, BYLAYER or
-/// STANDARD. One step. False, with nothing changed, when another reference shows it, or
-/// when memory ends.
+/// Removes a reference with its inserts, the references that only it showed, and the
+/// dependent items of both: what the drawing has on them goes to layer "0", Continuous or
+/// STANDARD. One step. False, with nothing changed, when another reference shows it; also
+/// when memory ends, and if the step was open before, what was done until then stays in it.
 VEK0_API bool detachXRef(CData& data, CUndoStack& undo, CBlockXRef& xref);
 
 /// Makes what a loaded reference shows the drawing's own: a block of the reference's name
 /// in its place, and its items as "xref$0$item", the 0 counted up where a name is taken. What
 /// nested references show becomes blocks likewise, "xref$0$nested"; those that are not
-/// loaded stay references. One step; the reference is detached then.
+/// loaded stay references. What the drawing has on dependent items follows. One step; the
+/// reference is out of the drawing then, and references that only it showed are.
 ///
-/// Null, with nothing changed, when it is not loaded, another reference shows it, or memory
-/// ends.
+/// Null, with nothing changed, when it is not loaded or another reference shows it; also
+/// when memory ends, as for `detachXRef`.
 VEK0_API CBlock* bindXRef(CData& data, CUndoStack& undo, CBlockXRef& xref);
 
 /// Gives a reference another path. What it shows stays until it is resolved again.
 VEK0_API bool setXRefPath(CUndoStack& undo, CBlockXRef& xref, const zim::WString& path);
-
-/// The references that this one shows, each once; in the order of their first insert.
-VEK0_API std::vector<CBlockXRef*> nestedXRefs(const CBlockXRef& xref);
-
-/// Whether another reference shows this one, so that it comes and goes with that.
-VEK0_API bool isNestedXRef(const CData& data, const CBlockXRef& xref);

@@ -1,0 +1,185 @@
+#include "drawing/entcloner.h"
+
+#include <utility>
+#include <vector>
+
+#include "vek0core/drawing/functions.h"
+#include "vek0core/entities/block.h"
+#include "vek0core/entities/ent3dface.h"
+#include "vek0core/entities/entarc.h"
+#include "vek0core/entities/entattdef.h"
+#include "vek0core/entities/entattrib.h"
+#include "vek0core/entities/entcircle.h"
+#include "vek0core/entities/entfactory.h"
+#include "vek0core/entities/enthatch.h"
+#include "vek0core/entities/entinsert.h"
+#include "vek0core/entities/entline.h"
+#include "vek0core/entities/entpnt.h"
+#include "vek0core/entities/entpolyline.h"
+#include "vek0core/entities/enttext.h"
+#include "vek0core/entities/entvisitor.h"
+#include "vek0core/entities/vertex.h"
+
+namespace vek0::detail {
+namespace {
+
+// Makes in the copy what it visits in the source.
+class EntCloner final : public IEntVisitor {
+ public:
+  EntCloner(CData& data, const ItemMap& map) : m_data(data), m_map(map) {}
+
+  std::unique_ptr<CEnt> clone(const CEnt& src) {
+    // Visitors take entities that may be changed; this one only looks.
+    const_cast<CEnt&>(src).accept(*this);
+    if (m_clone) m_clone->setUserInfo(src.getUserType(), src.getUserData());
+    return std::move(m_clone);
+  }
+
+  using IEntVisitor::visit;
+  void visit(CEntPnt& e) override {
+    keep(createEntPnt(m_data, layer(e), ltype(e), e.getColor(), e.getPnt(), e.GetHandle()));
+  }
+  void visit(CEntLine& e) override {
+    keep(createEntLine(m_data, layer(e), ltype(e), e.getColor(), e.getLine(), e.GetHandle()));
+  }
+  void visit(CEntCircle& e) override {
+    keep(createEntCircle(m_data, layer(e), ltype(e), e.getColor(), e.getCircle(), e.GetHandle()));
+  }
+  void visit(CEntArc& e) override {
+    keep(createEntArc(m_data, layer(e), ltype(e), e.getColor(), e.getArc(), e.GetHandle()));
+  }
+  void visit(CEntPolyline& e) override { keep(polyline(e).release()); }
+  void visit(CEntText& e) override {
+    keep(createEntText(m_data, layer(e), ltype(e), e.getColor(), text(e), e.GetHandle()));
+  }
+  void visit(CEntAttdef& e) override {
+    keep(createEntAttdef(m_data, layer(e), ltype(e), e.getColor(), text(e), e.getValue(),
+                         e.getPrompt(), e.getFlags(), e.GetHandle()));
+  }
+  void visit(CEntAttrib& e) override { keep(attrib(e).release()); }
+  void visit(CEntInsert& e) override {
+    CBlock* block = m_map(e.getBlock());
+    const InsertValues v(e);
+    if (block != nullptr && block->isXRef())
+      keepInsert(e, factory().createEntInsertXRef(
+                        gestor(), layer(e), ltype(e), e.getColor(), m_data.getDepend(),
+                        static_cast<CBlockXRef*>(block), v.pnt, v.sx, v.sy, v.sz, v.rotation,
+                        v.columns, v.rows, v.columnSpacing, v.rowSpacing, e.GetHandle()));
+    else
+      keepInsert(e,
+                 factory().createEntInsert(gestor(), layer(e), ltype(e), e.getColor(), block, v.pnt,
+                                           v.sx, v.sy, v.sz, v.rotation, v.columns, v.rows,
+                                           v.columnSpacing, v.rowSpacing, e.GetHandle()));
+  }
+  void visit(CEntInsertXRef& e) override { visit(static_cast<CEntInsert&>(e)); }
+  void visit(CEntFixedInsert& e) override {
+    keepInsert(e, factory().createEntFixedInsert(gestor(), layer(e), ltype(e), e.getColor(),
+                                                 m_map(e.getBlock()), e.getPnt(), e.GetDefArea(),
+                                                 e.GetNoPixel(), e.getRotate(), e.GetHandle()));
+  }
+  void visit(CEntHatch& e) override {
+    keep(factory().createEntHatch(gestor(), layer(e), ltype(e), e.getColor(), m_map(e.getBlock()),
+                                  m_data.getHatchTypeTable().intern(e.getHatchType()),
+                                  e.getHatchScale(), e.getHatchRotate(), e.getBoundary(),
+                                  e.GetHandle()));
+  }
+  void visit(CEnt3DFace& e) override {
+    auto* face =
+        createEnt3DFace(m_data, layer(e), ltype(e), e.getColor(), e.getVertex(0), e.getVertex(1),
+                        e.getVertex(2), e.getVertex(3), e.getFlags(), e.GetHandle());
+    keep(face);
+  }
+
+ private:
+  struct InsertValues {
+    explicit InsertValues(const CEntInsert& e) : pnt(e.getPnt()), rotation(e.getRotate()) {
+      e.getScale(sx, sy, sz);
+      e.getArray(columns, rows, columnSpacing, rowSpacing);
+    }
+    PNT_3D pnt;
+    double sx, sy, sz, rotation, columnSpacing, rowSpacing;
+    long columns, rows;
+  };
+
+  CEntFactory& factory() const { return m_data.getEntFactory(); }
+  IHandleGestor& gestor() const { return m_data.getHandleGestor(); }
+  CLayer* layer(const CEnt& e) const { return m_map(e.getLayer()); }
+  CLtype* ltype(const CEnt& e) const { return m_map(e.getLtype()); }
+  TEXT_3D text(const CEntText& e) const {
+    TEXT_3D copy(e.getText());
+    copy.setStyle(m_map(copy.getStyle()));
+    return copy;
+  }
+  void keep(CEnt* ent) { m_clone.reset(orThrow(ent)); }
+
+  template <class Insert>
+  void keepInsert(const CEntInsertBase& src, Insert* made) {
+    std::unique_ptr<Insert> insert(orThrow(made));
+    for (unsigned i = 0; i < src.GetNoAttribs(); ++i) {
+      insert->add(attrib(*src.GetAttrib(i)).release());
+    }
+    keep(insert.release());
+  }
+
+  std::unique_ptr<CEntAttrib> attrib(const CEntAttrib& e) const {
+    std::unique_ptr<CEntAttrib> copy(
+        orThrow(factory().createEntAttrib(gestor(), layer(e), ltype(e), e.getColor(), text(e),
+                                          e.getTag(), e.getFlags(), e.GetHandle())));
+    copy->setUserInfo(e.getUserType(), e.getUserData());
+    return copy;
+  }
+
+  CVertex& vertex(const PNT_3D& pnt, double widthStart, double widthEnd, long handle) const {
+    return *orThrow(createVertex(m_data, pnt, widthStart, widthEnd, handle));
+  }
+
+  // A plain polyline stays as packed as it is; a curve is its frame and what is visible.
+  std::unique_ptr<CEntPolyline> polyline(const CEntPolyline& e) const {
+    std::unique_ptr<CEntPolyline> copy(orThrow(createEntPolyline(
+        m_data, layer(e), ltype(e), e.getColor(), e.getFlags(), e.getDegree(), e.GetHandle())));
+    if (!e.isCurve()) {
+      std::vector<BULGED_VERTEX> vertexes;
+      e.forEachBulged([&](const PNT_3D& pnt, double ws, double we, double bulge, long handle) {
+        vertexes.push_back({pnt.x, pnt.y, pnt.z, ws, we, bulge, handle});
+      });
+      copy->setBulgedVertexes(vertexes.data(), vertexes.size());
+      return copy;
+    }
+    for (int i = 0; i < e.getFirstVisibleVertex(); ++i) {
+      const CVertex& v = e.GetVertex(i);
+      copy->addVertex(vertex(v.getPnt(), v.GetWidthStart(), v.GetWidthEnd(), v.GetHandle()));
+    }
+    e.forEachVisible([&](const PNT_3D& pnt, double ws, double we, double, long handle) {
+      copy->addVisibleVertex(vertex(pnt, ws, we, handle));
+    });
+    copy->calcBdry();
+    return copy;
+  }
+
+  CData& m_data;
+  const ItemMap& m_map;
+  std::unique_ptr<CEnt> m_clone;
+};
+
+}  // namespace
+
+std::unique_ptr<CEnt> cloneOnto(CData& data, const ItemMap& map, const CEnt& src) {
+  return EntCloner(data, map).clone(src);
+}
+
+CLtypeComplexDashSeq cloneDashes(const CLtype& ltype, const ItemMap& map) {
+  CLtypeComplexDashSeq copy;
+  for (int i = 0; i < ltype.getNoDashes(); ++i) {
+    const ILtypeComplexDash& dash = *ltype.GetDash(i);
+    if (!dash.IsText()) {
+      copy.AddDashDouble(dash.GetValue());
+      continue;
+    }
+    TEXT_3D text(*dash.GetText());
+    text.setStyle(map(text.getStyle()));
+    copy.AddDashText(text);
+  }
+  return copy;
+}
+
+}  // namespace vek0::detail

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <memory>
+#include <new>
+#include <unordered_map>
+
+#include "vek0core/drawing/data.h"
+
+class CEnt;
+
+namespace vek0::detail {
+
+template <class Item>
+Item* orThrow(Item* item) {
+  if (!item) throw std::bad_alloc();
+  return item;
+}
+
+/// From items to those that stand for them in another drawing, or elsewhere in the same
+/// one. What has none, and null, stand for themselves.
+class ItemMap {
+ public:
+  template <class Item>
+  void add(const Item* from, Item* to) {
+    m_items.insert_or_assign(from, to);
+  }
+  template <class Item>
+  Item* operator()(Item* from) const {
+    const auto found = m_items.find(from);
+    return found == m_items.end() ? from : static_cast<Item*>(found->second);
+  }
+
+ private:
+  std::unordered_map<const void*, void*> m_items;
+};
+
+/// A copy for `data`, in no table, on the items that stand for those of `src`: an insert
+/// becomes one of an external reference or an ordinary one as its new block is. Keeps the
+/// handle. Throws `std::bad_alloc`.
+std::unique_ptr<CEnt> cloneOnto(CData& data, const ItemMap& map, const CEnt& src);
+
+/// The elements of a linetype, with the styles that stand for theirs.
+CLtypeComplexDashSeq cloneDashes(const CLtype& ltype, const ItemMap& map);
+
+}  // namespace vek0::detail

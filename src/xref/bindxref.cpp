@@ -1,0 +1,194 @@
+// Making what a reference shows the drawing's own.
+#include <memory>
+#include <new>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "drawing/entcloner.h"
+#include "drawing/everyentity.h"
+#include "vek0core/drawing/functions.h"
+#include "vek0core/drawing/tableremapper.h"
+#include "vek0core/entities/blockfactory.h"
+#include "vek0core/entities/enthatch.h"
+#include "vek0core/xref/xrefs.h"
+#include "xref/xrefedit.h"
+
+namespace {
+
+using vek0::detail::cloneDashes;
+using vek0::detail::cloneOnto;
+using vek0::detail::EditStep;
+using vek0::detail::orThrow;
+
+constexpr long kDependent = 16, kResolved = 32;  // flag bits of dependent items
+
+// "xref$0$item", or with the smallest other number that no item of the table has.
+template <class Table>
+zim::WString boundName(const Table& table, const zim::WString& xref, const zim::WString& item) {
+  for (long n = 0;; ++n) {
+    zim::WString name = xref + u"$" + zim::WString::fromUtf8(std::to_string(n)) + u"$" + item;
+    if (table.get(name) == nullptr) return name;
+  }
+}
+
+bool isLoaded(const CBlockXRef& xref) { return xref.getStatus() == CBlockXRef::Status::loaded; }
+
+// Throws `std::bad_alloc` where an edit cannot be made.
+class Binder {
+ public:
+  Binder(CData& data, CUndoStack& undo) : m_data(data), m_undo(undo) {}
+
+  CBlock& bind(CBlockXRef& xref) {
+    const std::vector<Nesting> order = nestedFirst(xref);
+    for (const Nesting& nesting : order) {
+      const zim::WString& name = nesting.xref->getName();
+      bindOne(*nesting.xref,
+              nesting.shownBy == nullptr
+                  ? name
+                  : boundName(m_data.getBlockTable(), nesting.shownBy->getName(), name));
+    }
+    return *m_map(static_cast<CBlock*>(&xref));
+  }
+
+  void repoint(CEnt& ent, CBlock& block) {
+    if (!m_undo.keep(ent)) throw std::bad_alloc();
+    ent.getEntInsert()->setBlock(&block);
+    if (CBlock* owner = ent.getOwnerBlock()) m_data.getBlockTable().updateBlock(owner);
+    vek0::detail::spreadBdry(m_data, ent);
+  }
+
+  // What the drawing has on items of a reference goes to what stands for them.
+  void leaveItems(const CBlockXRef& xref, CTableRemapper& items) const {
+    for (int i = 0; i < xref.getLayerTable().size(); ++i)
+      items.ChangeInto(xref.getLayerTable()[i], m_map(xref.getLayerTable()[i]));
+    for (int i = 0; i < xref.getLtypeTable().size(); ++i)
+      items.ChangeInto(xref.getLtypeTable()[i], m_map(xref.getLtypeTable()[i]));
+    for (int i = 0; i < xref.getStyleTable().size(); ++i)
+      items.ChangeInto(xref.getStyleTable()[i], m_map(xref.getStyleTable()[i]));
+  }
+
+ private:
+  struct Nesting {
+    CBlockXRef* xref;
+    const CBlockXRef* shownBy;  // the first that does; null for the outermost
+    std::size_t next = 0;
+  };
+
+  // A loaded reference and the loaded ones that it shows, each after those that it shows.
+  // They can be nested deeper than a recursion may go.
+  static std::vector<Nesting> nestedFirst(CBlockXRef& xref) {
+    std::vector<Nesting> order, open{
+                                    {&xref, nullptr}
+    };
+    std::unordered_set<const CBlockXRef*> met{&xref};
+    while (!open.empty()) {
+      Nesting& top = open.back();
+      if (top.next == top.xref->getNested().size()) {
+        order.push_back(top);
+        open.pop_back();
+        continue;
+      }
+      CBlockXRef* nested = top.xref->getNested()[top.next++];
+      if (isLoaded(*nested) && met.insert(nested).second) open.push_back({nested, top.xref});
+    }
+    return order;
+  }
+
+  void bindOne(const CBlockXRef& xref, const zim::WString& blockName) {
+    bindStyles(xref);
+    bindLtypes(xref);
+    bindLayers(xref);
+    for (const auto& block : xref.getBlocks())
+      bindBlock(*block, innerName(xref, block->getName()), block->getPnt());
+    bindBlock(xref, blockName, xref.getContentBase());
+  }
+
+  template <class Item>
+  Item& added(Item* made) {
+    std::unique_ptr<Item> item(orThrow(made));
+    if (!m_undo.add(item.get())) throw std::bad_alloc();
+    return *item.release();
+  }
+
+  void bindStyles(const CBlockXRef& xref) {
+    const CStyleTable& table = xref.getStyleTable();
+    for (int i = 0; i < table.size(); ++i) {
+      CStyle* own = getStyleStandard(m_data);
+      if (table[i] != table.getStyleStandard() || CStyleMemento(*own) != *table[i]) {
+        std::unique_ptr<CStyle> copy(orThrow(m_data.getStyleFactory().create(*table[i])));
+        copy->setName(boundName(m_data.getStyleTable(), xref.getName(), table[i]->getName()));
+        own = &added(copy.release());
+      }
+      m_map.add(table[i], own);
+    }
+  }
+
+  void bindLtypes(const CBlockXRef& xref) {
+    const CLtypeTable& table = xref.getLtypeTable();
+    for (int i = 0; i < table.size(); ++i) {
+      const CLtype& ltype = *table[i];
+      const zim::WString name = boundName(m_data.getLtypeTable(), xref.getName(), ltype.getName());
+      m_map.add(table[i], &added(m_data.getLtypeFactory().create(
+                              name, ltype.getDesc(), cloneDashes(ltype, m_map), ownFlags(ltype))));
+    }
+  }
+
+  void bindLayers(const CBlockXRef& xref) {
+    const CLayerTable& table = xref.getLayerTable();
+    for (int i = 0; i < table.size(); ++i) {
+      const CLayer& layer = *table[i];
+      const zim::WString name = boundName(m_data.getLayerTable(), xref.getName(), layer.getName());
+      CLayer& made = added(m_data.getLayerFactory().create(name, m_map(layer.getLtype()),
+                                                           layer.getColor(), ownFlags(layer)));
+      made.setLineWidth(layer.getLineWidth());
+      m_map.add(table[i], &made);
+    }
+  }
+
+  static long ownFlags(const CNamedItem& item) {
+    return item.getFlags() & ~(kDependent | kResolved);
+  }
+
+  zim::WString innerName(const CBlockXRef& xref, const zim::WString& name) const {
+    const CBlockTable& table = m_data.getBlockTable();
+    if (isHatchName(name)) return getHatchName(table);
+    if (name.view().substr(0, 1) != u"*") return boundName(table, xref.getName(), name);
+    return GetBlockProgressiveName(
+        name.Length() > 1 ? zim::WString(name.view().substr(0, 2)) : u"*U", table);
+  }
+
+  void bindBlock(const CBlock& from, const zim::WString& name, const PNT_3D& base) {
+    std::unique_ptr<CBlock> block(orThrow(m_data.getBlockFactory().create(
+        name, base, from.isXRef() ? 0 : from.getFlags() & ~CBlock::kHasAttdefs)));
+    for (unsigned i = 0; i < from.size(); ++i) {
+      std::unique_ptr<CEnt> copy = cloneOnto(m_data, m_map, *from[i]);
+      from.isXRef() ? block->add(copy.get()) : block->restore(copy.get());
+      static_cast<void>(copy.release());
+    }
+    m_map.add<CBlock>(&from, &added(block.release()));
+  }
+
+  CData& m_data;
+  CUndoStack& m_undo;
+  vek0::detail::ItemMap m_map;
+};
+
+}  // namespace
+
+CBlock* bindXRef(CData& data, CUndoStack& undo, CBlockXRef& xref) try {
+  if (!data.getBlockXRefTable().contains(&xref) || !isLoaded(xref) || isNestedXRef(data, xref))
+    return nullptr;
+  EditStep step(undo);
+  Binder binder(data, undo);
+  CBlock& block = binder.bind(xref);
+  for (CEnt* insert : vek0::detail::insertsOf(data, xref)) binder.repoint(*insert, block);
+  const std::vector<CBlockXRef*> going = vek0::detail::shownOnlyBy(data, xref);
+  CTableRemapper items(data, false);
+  for (const CBlockXRef* gone : going) binder.leaveItems(*gone, items);
+  if (!items.Remap(undo) || !vek0::detail::removeXRefs(data, undo, going)) return nullptr;
+  step.done();
+  return &block;
+} catch (const std::bad_alloc&) {
+  return nullptr;
+}

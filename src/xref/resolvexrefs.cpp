@@ -1,0 +1,311 @@
+// Reading what references refer to.
+#include <algorithm>
+#include <deque>
+#include <memory>
+#include <new>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "vek0core/drawing/datafactory.h"
+#include "vek0core/drawing/functions.h"
+#include "vek0core/dxfin/filedxfierror.h"
+#include "vek0core/entities/blockfactory.h"
+#include "vek0core/files/file.h"
+#include "vek0core/files/report.h"
+#include "vek0core/xref/xrefresolver.h"
+#include "vek0core/xref/xrefs.h"
+#include "xref/xrefcontent.h"
+#include "xref/xrefedit.h"
+
+namespace {
+
+using Found = IXRefResolver::Found;
+using Status = CBlockXRef::Status;
+using vek0::detail::orThrow;
+using vek0::detail::XRefContent;
+
+constexpr int kReadings = 3;  // of a file that is written meanwhile
+
+// Which drawings refer to which, by file.
+class FileGraph {
+ public:
+  void add(const zim::WString& from, const zim::WString& to) { m_edges[from].push_back(to); }
+
+  bool leads(const zim::WString& from, const zim::WString& to) const {
+    std::unordered_set<zim::WString> met{from};
+    std::vector<zim::WString> open{from};
+    while (!open.empty()) {
+      const zim::WString file = open.back();
+      open.pop_back();
+      if (file == to) return true;
+      const auto edges = m_edges.find(file);
+      if (edges == m_edges.end()) continue;
+      for (const zim::WString& next : edges->second)
+        if (met.insert(next).second) open.push_back(next);
+    }
+    return false;
+  }
+
+ private:
+  std::unordered_map<zim::WString, std::vector<zim::WString>> m_edges;
+};
+
+class Resolving {
+ public:
+  Resolving(CData& data, IXRefResolver& resolver, const CXRefOptions& options)
+      : m_data(data), m_resolver(resolver), m_options(options) {
+    m_options.reading.policy.paperSpace = false;
+  }
+
+  void resolveAll() {
+    const std::vector<CBlockXRef*> xrefs = listed();
+    // What the drawing itself shows has the first say in names; what is left is shown by
+    // nothing, unless one of these turns out to show it.
+    for (CBlockXRef* xref : xrefs)
+      if (xref->getEntities() > 0) schedule(*xref);
+    run();
+    for (CBlockXRef* xref : xrefs)
+      if (!isKnown(*xref)) schedule(*xref);
+    run();
+    settle();
+  }
+
+  void resolveOne(CBlockXRef& one) {
+    const std::unordered_set<const CBlockXRef*> anew = shownBy(one);
+    for (const CBlockXRef* xref : listed())
+      for (const CBlockXRef* nested : xref->getNested())
+        if (anew.count(xref) == 0) m_graph.add(xref->getFile(), nested->getFile());
+    schedule(one);
+    run();
+    settle();
+  }
+
+ private:
+  struct Place {
+    Found found;
+    zim::WString file;
+  };
+  struct Job {
+    CBlockXRef* xref;
+    Place place;
+    int depth;
+  };
+
+  std::vector<CBlockXRef*> listed() const {
+    std::vector<CBlockXRef*> xrefs;
+    const CBlockXRefTable& table = m_data.getBlockXRefTable();
+    for (int i = 0; i < table.size(); ++i) xrefs.push_back(table[i]);
+    return xrefs;
+  }
+
+  // The reference and all that it shows.
+  static std::unordered_set<const CBlockXRef*> shownBy(const CBlockXRef& xref) {
+    std::unordered_set<const CBlockXRef*> shown{&xref};
+    std::vector<const CBlockXRef*> open{&xref};
+    while (!open.empty()) {
+      const CBlockXRef* top = open.back();
+      open.pop_back();
+      for (const CBlockXRef* nested : top->getNested())
+        if (shown.insert(nested).second) open.push_back(nested);
+    }
+    return shown;
+  }
+
+  bool isKnown(const CBlockXRef& xref) const { return m_files.count(&xref) != 0; }
+
+  Place find(const zim::WString& path, const zim::WString& from) {
+    Place place{Found::Missing, {}};
+    place.found = m_resolver.find(path, from, place.file);
+    return place;
+  }
+
+  void schedule(CBlockXRef& xref) { schedule(xref, find(xref.getPath(), m_options.drawing), 1); }
+
+  void schedule(CBlockXRef& xref, Place place, int depth) {
+    if (m_files.emplace(&xref, place.file).second)
+      m_jobs.push_back({&xref, std::move(place), depth});
+  }
+
+  void run() {
+    for (; !m_jobs.empty() && !m_isCancelled; m_jobs.pop_front()) {
+      const Job& job = m_jobs.front();
+      job.xref->setFile(job.place.file);
+      if (const char* fault = resolve(job)) note(fault, *job.xref, {});
+      if (job.xref->getStatus() != Status::loaded) job.xref->setContent({}, {});
+    }
+  }
+
+  // Sets the status; answers what is wrong, null if nothing is.
+  const char* resolve(const Job& job) {
+    CBlockXRef& xref = *job.xref;
+    if (job.place.found != Found::Yes) xref.setStatus(Status::refused);
+    switch (job.place.found) {
+      case Found::Missing:
+        xref.setStatus(Status::missing);
+        return "reference missing";
+      case Found::NotAFile:
+        return "reference no file";
+      case Found::Forbidden:
+        return "reference forbidden";
+      case Found::Yes:
+        break;
+    }
+    if (job.place.file != m_options.drawing) return read(job);
+    xref.setStatus(Status::refused);
+    return "reference circular";
+  }
+
+  const char* read(const Job& job) {
+    const Status before = job.xref->getStatus();
+    job.xref->setStatus(Status::broken);
+    for (int reading = 0; reading < kReadings; ++reading) {
+      const zim::WString state = m_resolver.getState(job.place.file);
+      const CDataPtr drawing(CDataFactory().createData());
+      const std::unique_ptr<IFile> file = m_resolver.open(job.place.file);
+      if (!drawing || !file) return "reference broken";
+      CFileReport report;
+      m_options.reading.report = &report;
+      CFileDXFIError error;
+      const CFileDXFIResult result = loadDXF(*drawing, *file, &error, m_options.reading);
+      if (m_resolver.getState(job.place.file) != state) continue;
+      if (m_options.onRead) m_options.onRead(*job.xref, result, report);
+      m_isCancelled = result.status == CFileDXFIResult::Cancelled;
+      if (m_isCancelled) job.xref->setStatus(before);
+      if (result.status == CFileDXFIResult::Done) take(job, result, *drawing);
+      return job.xref->getStatus() == Status::broken ? "reference broken" : nullptr;
+    }
+    return "reference changing";
+  }
+
+  void take(const Job& job, const CFileDXFIResult& result, const CData& drawing) {
+    XRefContent content(m_data, *job.xref, drawing);
+    const CBlockXRefTable& nested = drawing.getBlockXRefTable();
+    for (int i = 0; i < nested.size(); ++i)
+      content.stand(*nested[i], isShown(*nested[i], job) ? standIn(*nested[i], job) : nullptr);
+    content.adopt();
+    job.xref->setOwnBase(result.insertionBase);
+    job.xref->setStatus(Status::loaded);
+  }
+
+  bool isShown(const CBlockXRef& nested, const Job& job) {
+    if (nested.getEntities() <= 0) return false;
+    if (nested.isOverlay()) note("reference overlaid", nested, job.xref->getName());
+    return !nested.isOverlay();
+  }
+
+  // The drawing's reference for one of a drawing that it refers to; null where it would
+  // close a circle or go too deep.
+  CBlockXRef* standIn(const CBlockXRef& nested, const Job& job) {
+    if (job.depth >= kMaxXRefDepth) {
+      note("reference too deep", nested, job.xref->getName());
+      return nullptr;
+    }
+    Place place = find(nested.getPath(), job.place.file);
+    if (place.found == Found::Yes &&
+        (place.file == m_options.drawing || m_graph.leads(place.file, job.place.file))) {
+      note("reference circular", nested, job.xref->getName());
+      return nullptr;
+    }
+    if (place.found == Found::Yes) m_graph.add(job.place.file, place.file);
+    CBlockXRef& xref = named(nested, place, job);
+    schedule(xref, std::move(place), job.depth + 1);
+    return &xref;
+  }
+
+  // The reference of that file that has the name, or the name with a number if another
+  // file has it.
+  CBlockXRef& named(const CBlockXRef& nested, const Place& place, const Job& job) {
+    zim::WString name = nested.getName();
+    for (long n = 1;; ++n) {
+      CBlockXRef* xref = m_data.getBlockXRefTable().get(name);
+      if (xref != nullptr && isFor(*xref, nested, place, job)) return *xref;
+      if (xref == nullptr && m_data.getBlockTable().get(name) == nullptr) break;
+      name = nested.getName() + u"$" + zim::WString::fromUtf8(std::to_string(n));
+    }
+    if (name != nested.getName()) note("reference renamed", nested, job.xref->getName());
+    CBlockXRef* xref = orThrow(m_data.getBlockFactory().createXRef(
+        m_data.getLtypeContinuous(), m_data.getLtypeByLayer(), m_data.getLtypeByBlock(),
+        m_data.getLayer0(), name, nested.getPath(), nested.getPnt(), nested.getFlags()));
+    m_data.getBlockXRefTable().add(xref);
+    return *xref;
+  }
+
+  // Whether a reference of the drawing is the one that the job's drawing means by `nested`.
+  // One that only an earlier reading of that drawing has shown is given to it.
+  bool isFor(CBlockXRef& xref, const CBlockXRef& nested, const Place& place, const Job& job) {
+    const auto known = m_files.find(&xref);
+    const zim::WString& file = known != m_files.end() ? known->second : xref.getFile();
+    if (!file.empty() && file == place.file) return true;
+    const bool isTaken = known != m_files.end() || xref.getEntities() > 0;
+    if (xref.getPath() == nested.getPath() && (!isTaken || file.empty())) return true;
+    if (isTaken || !isFree(xref, *job.xref)) return false;
+    xref.setPath(nested.getPath());
+    return true;
+  }
+
+  // Whether nothing but this reader shows the reference, or could.
+  bool isFree(const CBlockXRef& xref, const CBlockXRef& reader) {
+    const std::vector<CBlockXRef*>& shown = reader.getNested();
+    if (std::find(shown.begin(), shown.end(), &xref) != shown.end())
+      return vek0::detail::countShows(m_data)[&xref] == 1;
+    return !isNestedXRef(m_data, xref) &&
+           find(xref.getPath(), m_options.drawing).found == Found::Missing;
+  }
+
+  // `reader`: name of the reference whose drawing has this one; empty for the drawing.
+  void note(const char* code, const CBlockXRef& xref, const zim::WString& reader) {
+    if (!m_options.report) return;
+    const zim::WString prefix = reader.empty() ? reader : reader + u"|";
+    m_options.report->add(code, 0, prefix + xref.getName() + u": " + xref.getPath());
+  }
+
+  // What changed may be inside of anything.
+  void settle() {
+    const CBlockXRefTable& xrefs = m_data.getBlockXRefTable();
+    for (int i = 0; i < xrefs.size(); ++i) {
+      for (const auto& block : xrefs[i]->getBlocks()) block->invalidateBdry();
+      xrefs[i]->invalidateBdry();
+    }
+    m_data.getBlockTable().recalcBdry();
+    m_data.getEntTable().invalidateBdry();
+  }
+
+  CData& m_data;
+  IXRefResolver& m_resolver;
+  CXRefOptions m_options;
+  FileGraph m_graph;
+  std::deque<Job> m_jobs;
+  std::unordered_map<const CBlockXRef*, zim::WString> m_files;  // of the references met so far
+  bool m_isCancelled = false;
+};
+
+int countUnresolved(const CData& data) {
+  int count = 0;
+  const CBlockXRefTable& xrefs = data.getBlockXRefTable();
+  for (int i = 0; i < xrefs.size(); ++i)
+    if (xrefs[i]->getStatus() != Status::loaded) ++count;
+  return count;
+}
+
+}  // namespace
+
+int resolveXRefs(CData& data, IXRefResolver& resolver, const CXRefOptions& options) {
+  try {
+    Resolving(data, resolver, options).resolveAll();
+  } catch (const std::bad_alloc&) {
+    // What was read by then stays; the others stay as they are.
+  }
+  return countUnresolved(data);
+}
+
+bool resolveXRef(CData& data, CBlockXRef& xref, IXRefResolver& resolver,
+                 const CXRefOptions& options) {
+  try {
+    Resolving(data, resolver, options).resolveOne(xref);
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  return xref.getStatus() == Status::loaded;
+}

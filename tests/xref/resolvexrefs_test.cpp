@@ -1,0 +1,324 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "xref/referred.h"
+
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::SizeIs;
+using vek0::test::countsOf;
+using vek0::test::drawingOf;
+using vek0::test::insertAt;
+using vek0::test::layerEntry;
+using vek0::test::linesShown;
+using vek0::test::lineTo;
+using vek0::test::recountOf;
+using vek0::test::referenceTo;
+using vek0::test::saved;
+using vek0::test::Sheet;
+using vek0::test::siteSheet;
+using Status = CBlockXRef::Status;
+
+TEST(ResolveXRefs, ShowsWhatDrawingsAndTheirReferencesHold) {
+  Sheet sheet = siteSheet();
+  EXPECT_THAT(linesShown(sheet.data()), SizeIs(1));
+  ASSERT_EQ(sheet.resolve(), 0) << sheet.reported();
+  EXPECT_EQ(sheet.reported(), "");
+  EXPECT_EQ(sheet.xref(u"HOUSE")->getFile(), u"house.dxf");
+  EXPECT_THAT(sheet.xref(u"HOUSE")->getNested(), ElementsAre(sheet.xref(u"FURNITURE")));
+
+  const std::vector<std::string> lines = linesShown(sheet.data());
+  EXPECT_THAT(lines, SizeIs(2 * 6 + 1));
+  const auto line = [](const char* ends, int color) {
+    return std::string(ends) + "color " + std::to_string(color) + " dashes 0";
+  };
+  // The sheet's colour of the dependent layer, layer 0 as the insert, BYBLOCK, nested layers.
+  EXPECT_THAT(lines, Contains(line("100.000000 0.000000 110.000000 0.000000 ", 6)));
+  EXPECT_THAT(lines, Contains(line("100.000000 0.000000 100.000000 10.000000 ", 2)));
+  EXPECT_THAT(lines, Contains(line("105.000000 0.000000 105.000000 4.000000 ", 1)));
+  EXPECT_THAT(lines, Contains(line("102.000000 0.000000 103.000000 1.000000 ", 3)));
+  EXPECT_THAT(lines, Contains(line("102.000000 0.000000 104.000000 0.000000 ", 4)));
+  const RECT_3D& box = sheet.data().getEntTable().getBdry();
+  EXPECT_DOUBLE_EQ(box.min.x, 0);
+  EXPECT_DOUBLE_EQ(box.max.x, 300);
+  EXPECT_NEAR(box.max.y, 10, 1e-9);
+}
+
+TEST(ResolveXRefs, LeavesTheDrawingItsOwn) {
+  Sheet sheet = siteSheet();
+  const std::size_t entities = sheet.data().getEntTable().getEntityTbl().size();
+  sheet.resolve();
+  EXPECT_EQ(sheet.data().getEntTable().getEntityTbl().size(), entities);
+  EXPECT_EQ(sheet.data().getBlockTable().size(), 0);
+  EXPECT_EQ(countsOf(sheet.data()), recountOf(sheet.data()));
+  EXPECT_EQ(sheet.data().getLayer0().getEntities(), 0);
+  const std::string file = saved(sheet.data());
+  EXPECT_EQ(file.find("DOOR"), std::string::npos);
+  EXPECT_NE(file.find("FURNITURE|WOOD"), std::string::npos);
+
+  // A copy shows the same, and what it saves is the same.
+  const CDataPtr copy(cloneData(sheet.data()));
+  EXPECT_EQ(linesShown(*copy), linesShown(sheet.data()));
+  EXPECT_EQ(saved(*copy), file);
+}
+
+TEST(ResolveXRefs, ReadsBackWhatItSaved) {
+  Sheet sheet = siteSheet();
+  sheet.resolve();
+  const std::vector<std::string> lines = linesShown(sheet.data());
+  sheet.drawings.files["sheet.dxf"] = saved(sheet.data());
+  sheet.load();
+  EXPECT_EQ(saved(sheet.data()), sheet.drawings.files["sheet.dxf"]);
+  EXPECT_EQ(sheet.resolve(), 0);
+  EXPECT_EQ(linesShown(sheet.data()), lines);
+  EXPECT_EQ(saved(sheet.data()), sheet.drawings.files["sheet.dxf"]);
+}
+
+TEST(ResolveXRefs, ReadingAnewWithoutAChangeChangesNothing) {
+  Sheet sheet = siteSheet();
+  sheet.resolve();
+  const std::string file = saved(sheet.data());
+  const std::vector<std::string> lines = linesShown(sheet.data());
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(sheet.resolve(), 0);
+    EXPECT_TRUE(resolveXRef(sheet.data(), *sheet.xref(u"HOUSE"), sheet.drawings, sheet.options()));
+    EXPECT_EQ(saved(sheet.data()), file);
+    EXPECT_EQ(linesShown(sheet.data()), lines);
+  }
+  EXPECT_EQ(countsOf(sheet.data()), recountOf(sheet.data()));
+}
+
+TEST(ResolveXRefs, FollowsTheFileButForWhatTheDrawingChanged) {
+  Sheet sheet = siteSheet();
+  sheet.resolve();
+  CBlockXRef& house = *sheet.xref(u"HOUSE");
+  const auto layer = [&](std::u16string_view name) { return house.getLayerTable().get(name); };
+  layer(u"FURN")->setFrozen(true);
+  CLayer* wall = layer(u"WALL");
+  sheet.drawings.files["house.dxf"] =
+      drawingOf(layerEntry("WALL", 8) + layerEntry("FURN", 9) + layerEntry("ROOF", 1), "",
+                lineTo(20, 0, "ROOF"));
+  sheet.resolve();
+  EXPECT_EQ(linesShown(sheet.data()).size(), 2u + 1);
+  EXPECT_EQ(layer(u"WALL"), wall);
+  EXPECT_EQ(wall->getColor(), 6);  // the sheet's own when it was read
+  EXPECT_EQ(layer(u"FURN")->getColor(), 9);
+  EXPECT_TRUE(layer(u"FURN")->isFrozen());
+
+  // What is gone goes, but for what the drawing uses.
+  CData& data = sheet.data();
+  data.getEntTable().add(
+      createEntLine(data, wall, &data.getLtypeByLayer(), 256, LINE_3D(0, 0, 0, 1, 1, 0), 0));
+  sheet.drawings.files["house.dxf"] = drawingOf(layerEntry("ROOF", 4), "", lineTo(20, 0, "ROOF"));
+  sheet.resolve();
+  EXPECT_EQ(layer(u"WALL"), wall);
+  EXPECT_EQ(layer(u"FURN"), nullptr);
+  EXPECT_EQ(layer(u"ROOF")->getColor(), 4);
+  EXPECT_EQ(countsOf(data), recountOf(data));
+}
+
+TEST(ResolveXRefs, BasePointsAreThoseOfTheReferenceOrOfItsDrawing) {
+  for (const bool ownBase : {false, true}) {
+    Sheet sheet = siteSheet();
+    sheet.drawings.files["house.dxf"] =
+        vek0::test::section("HEADER", vek0::test::pairs("9 $INSBASE", "10 7", "20 0", "30 0")) +
+        drawingOf("", "", lineTo(20, 0));
+    sheet.drawings.files["sheet.dxf"] = drawingOf("", "", "");
+    sheet.load();
+    CUndoStack undo(sheet.data());
+    CBlockXRef* xref = attachXRef(sheet.data(), undo, u"HOUSE", u"house.dxf",
+                                  PNT_3D(ownBase ? 5 : 0, 0, 0), false);
+    undo.add(createEntInsertXRef(sheet.data(), sheet.data().getDepend(), *xref, PNT_3D(100, 0, 0),
+                                 1, 1, 1, 0, 1, 1, 0, 0, 0));
+    sheet.resolve();
+    EXPECT_DOUBLE_EQ(sheet.data().getEntTable().getBdry().min.x, ownBase ? 95 : 93);
+  }
+}
+
+struct Refusal {
+  const char* title;
+  const char* path;
+  const char* file;  // what is there
+  Status status;
+  const char* reported;
+};
+
+TEST(ResolveXRefs, SaysWhyAReferenceShowsNothing) {
+  const Refusal kRefusals[] = {
+      {"missing",   "gone.dxf",   nullptr,            Status::missing, "reference missing"  },
+      {"no path",   "",           nullptr,            Status::missing, "reference missing"  },
+      {"forbidden", "secret.dxf", nullptr,            Status::refused, "reference forbidden"},
+      {"folder",    "folder",     nullptr,            Status::refused, "reference no file"  },
+      {"itself",    "sheet.dxf",  nullptr,            Status::refused, "reference circular" },
+      {"no DXF",    "broken.dxf", "Once upon a time", Status::broken,  "reference broken"   },
+      {"empty",     "broken.dxf", "",                 Status::broken,  "reference broken"   },
+  };
+  for (const Refusal& refusal : kRefusals) {
+    SCOPED_TRACE(refusal.title);
+    Sheet sheet;
+    if (refusal.file) sheet.drawings.files[refusal.path] = refusal.file;
+    sheet.drawings.files["sheet.dxf"] =
+        drawingOf("", referenceTo("R", refusal.path), insertAt("R", 5) + lineTo(1, 1));
+    sheet.load();
+    const std::string before = saved(sheet.data());
+    EXPECT_EQ(sheet.resolve(), 1);
+    EXPECT_EQ(sheet.xref(u"R")->getStatus(), refusal.status);
+    EXPECT_EQ(sheet.reported(), std::string(refusal.reported) + " R: " + refusal.path);
+    EXPECT_THAT(linesShown(sheet.data()), SizeIs(1));
+    EXPECT_EQ(saved(sheet.data()), before);
+  }
+}
+
+TEST(ResolveXRefs, AReferenceThatIsLostShowsNothingAndComesBack) {
+  Sheet sheet = siteSheet();
+  sheet.resolve();
+  const std::vector<std::string> lines = linesShown(sheet.data());
+  const std::string house = sheet.drawings.files["house.dxf"];
+  sheet.drawings.files.erase("house.dxf");
+  EXPECT_EQ(sheet.resolve(), 1);
+  EXPECT_THAT(linesShown(sheet.data()), SizeIs(1));
+  EXPECT_NE(getLayer(sheet.data(), u"HOUSE|WALL"), nullptr);
+  sheet.drawings.files["house.dxf"] = house;
+  EXPECT_EQ(sheet.resolve(), 0);
+  EXPECT_EQ(linesShown(sheet.data()), lines);
+}
+
+TEST(ResolveXRefs, ReadsAFileThatChangesAgainAndGivesUpOnOneThatKeepsChanging) {
+  for (const int changes : {1, 100}) {
+    Sheet sheet = siteSheet();
+    sheet.drawings.files["sheet.dxf"] =
+        drawingOf("", referenceTo("F", "furniture.dxf"), insertAt("F", 0));
+    sheet.load();
+    sheet.drawings.changes = changes;
+    EXPECT_EQ(sheet.resolve(), changes == 1 ? 0 : 1);
+    EXPECT_EQ(sheet.reported(), changes == 1 ? "" : "reference changing F: furniture.dxf");
+  }
+}
+
+TEST(ResolveXRefs, BreaksCirclesWhereTheyClose) {
+  Sheet sheet;
+  const auto refers = [](const std::string& to, double x) {
+    return drawingOf("", referenceTo("N" + to, to + ".dxf"), lineTo(x, 0) + insertAt("N" + to, x));
+  };
+  sheet.drawings.files["a.dxf"] = refers("b", 1);
+  sheet.drawings.files["b.dxf"] = refers("c", 2);
+  sheet.drawings.files["c.dxf"] = refers("a", 3);
+  sheet.drawings.files["self.dxf"] = refers("self", 4);
+  sheet.drawings.files["back.dxf"] = refers("sheet", 5);
+  sheet.drawings.files["sheet.dxf"] = drawingOf(
+      "", referenceTo("A", "a.dxf") + referenceTo("S", "self.dxf") + referenceTo("B", "back.dxf"),
+      insertAt("A", 0) + insertAt("S", 0) + insertAt("B", 0));
+  sheet.load();
+  EXPECT_EQ(sheet.resolve(), 0);
+  EXPECT_EQ(sheet.reported(),
+            "reference circular S|Nself: self.dxf; reference circular B|Nsheet: sheet.dxf; "
+            "reference circular Nc|Na: a.dxf");
+  EXPECT_THAT(linesShown(sheet.data()), SizeIs(5));
+  EXPECT_EQ(saved(*CDataPtr(cloneData(sheet.data()))), saved(sheet.data()));
+}
+
+TEST(ResolveXRefs, StopsAtADepth) {
+  Sheet sheet;
+  const int length = 1000;
+  for (int i = 0; i < length; ++i) {
+    const std::string next = "d" + std::to_string(i + 1);
+    sheet.drawings.files["d" + std::to_string(i) + ".dxf"] =
+        drawingOf("", referenceTo(next, next + ".dxf"), lineTo(i, 0) + insertAt(next, 0));
+  }
+  sheet.drawings.files["sheet.dxf"] = drawingOf("", referenceTo("d0", "d0.dxf"), insertAt("d0", 0));
+  sheet.load();
+  EXPECT_EQ(sheet.resolve(), 0);
+  EXPECT_EQ(sheet.reported(), "reference too deep d99|d100: d100.dxf");
+  EXPECT_THAT(linesShown(sheet.data()), SizeIs(kMaxXRefDepth));
+}
+
+TEST(ResolveXRefs, OverlaysAreShownByTheirOwnDrawingAlone) {
+  Sheet sheet = siteSheet();
+  std::string& house = sheet.drawings.files["house.dxf"];
+  house = drawingOf("", referenceTo("FURNITURE", "furniture.dxf", 12), insertAt("FURNITURE", 0));
+  EXPECT_EQ(sheet.resolve(), 0);
+  EXPECT_EQ(sheet.reported(), "reference overlaid HOUSE|FURNITURE: furniture.dxf");
+  EXPECT_THAT(linesShown(sheet.data()), SizeIs(1));
+
+  sheet.drawings.files["sheet.dxf"] = house;
+  sheet.load();
+  EXPECT_EQ(sheet.resolve(), 0);
+  EXPECT_THAT(linesShown(sheet.data()), SizeIs(2));
+  EXPECT_TRUE(sheet.xref(u"FURNITURE")->isOverlay());
+}
+
+TEST(ResolveXRefs, TwoDrawingsOfOneNameAreTwoReferences) {
+  Sheet sheet;
+  const auto withPart = [](const std::string& path) {
+    return drawingOf("", referenceTo("PART", path), insertAt("PART", 0));
+  };
+  sheet.drawings.files["p1.dxf"] = drawingOf("", "", lineTo(1, 0));
+  sheet.drawings.files["p2.dxf"] = drawingOf("", "", lineTo(2, 0));
+  sheet.drawings.files["a.dxf"] = withPart("p1.dxf");
+  sheet.drawings.files["b.dxf"] = withPart("p2.dxf");
+  sheet.drawings.files["c.dxf"] = withPart("p1.dxf");
+  std::string blocks, inserts;
+  for (const std::string name : {"a", "b", "c"}) {
+    blocks += referenceTo(name, name + ".dxf");
+    inserts += insertAt(name, 0);
+  }
+  sheet.drawings.files["sheet.dxf"] = drawingOf("", blocks, inserts);
+  sheet.load();
+  EXPECT_EQ(sheet.resolve(), 0);
+  EXPECT_EQ(sheet.reported(), "reference renamed b|PART: p2.dxf");
+  EXPECT_EQ(sheet.data().getBlockXRefTable().size(), 5);
+  EXPECT_EQ(sheet.xref(u"a")->getNested(), sheet.xref(u"c")->getNested());
+  const std::vector<std::string> lines = linesShown(sheet.data());
+
+  // The same after saving, reading, and resolving again.
+  const std::string file = saved(sheet.data());
+  sheet.drawings.files["sheet.dxf"] = file;
+  sheet.load();
+  EXPECT_EQ(sheet.resolve(), 0);
+  EXPECT_EQ(linesShown(sheet.data()), lines);
+  EXPECT_EQ(saved(sheet.data()), file);
+}
+
+// The path of a nested reference changes in the drawing that has it: no trace of the old one.
+TEST(ResolveXRefs, ANestedReferenceFollowsItsDrawing) {
+  Sheet sheet = siteSheet();
+  sheet.resolve();
+  std::string& house = sheet.drawings.files["house.dxf"];
+  house.replace(house.find("furniture.dxf"), 13, "garden.dxf");
+  sheet.drawings.files["garden.dxf"] = drawingOf("", "", lineTo(7, 7));
+  EXPECT_EQ(sheet.resolve(), 0);
+  EXPECT_EQ(sheet.reported(), "");
+  EXPECT_EQ(sheet.data().getBlockXRefTable().size(), 2);
+  EXPECT_EQ(sheet.xref(u"FURNITURE")->getPath(), u"garden.dxf");
+  EXPECT_EQ(getLayer(sheet.data(), u"FURNITURE|WOOD"), nullptr);
+}
+
+TEST(ResolveXRefs, ACancelledReadingLeavesWhatWasThere) {
+  Sheet sheet = siteSheet();
+  sheet.resolve();
+  const std::vector<std::string> lines = linesShown(sheet.data());
+  std::string many;
+  for (int i = 0; i < 3000; ++i) many += lineTo(i, i);
+  sheet.drawings.files["house.dxf"] = drawingOf("", "", many);
+  CXRefOptions options = sheet.options();
+  options.reading.progress = [](long) { return false; };
+  EXPECT_EQ(resolveXRefs(sheet.data(), sheet.drawings, options), 0);
+  EXPECT_EQ(linesShown(sheet.data()), lines);
+}
+
+TEST(ResolveXRefs, TellsWhatEveryDrawingLost) {
+  Sheet sheet = siteSheet();
+  std::string& furniture = sheet.drawings.files["furniture.dxf"];
+  furniture.insert(furniture.find("0\nENDSEC\n0\nEOF"), "0\nACIS\n8\n0\n");
+  CXRefOptions options = sheet.options();
+  std::vector<std::string> told;
+  options.onRead = [&](const CBlockXRef& xref, const CFileDXFIResult&, const CFileReport& report) {
+    told.push_back(xref.getName().toUtf8() + " " + std::to_string(report.count("kind skipped")));
+  };
+  resolveXRefs(sheet.data(), sheet.drawings, options);
+  EXPECT_THAT(told, ElementsAre("HOUSE 0", "FURNITURE 1"));
+}
+
+}  // namespace
