@@ -1,6 +1,5 @@
 #include "vek0core/drawing/functions.h"
 
-#include <algorithm>
 #include <string_view>
 #include <unordered_set>
 #include <vector>
@@ -123,15 +122,6 @@ short getColor(short color, const CLayer* layer, short blockColor) {
 
 zim::WString GetBlockProgressiveName(const zim::WString& prefix, const CBlockTable& table) {
   return table.GetProgName(prefix);
-}
-
-bool isNestedXRef(const CData& data, const CBlockXRef& xref) {
-  const CBlockXRefTable& xrefs = data.getBlockXRefTable();
-  for (int i = 0; i < xrefs.size(); ++i) {
-    const std::vector<CBlockXRef*>& nested = xrefs[i]->getNested();
-    if (std::find(nested.begin(), nested.end(), &xref) != nested.end()) return true;
-  }
-  return false;
 }
 
 bool scomposeName(const zim::WString& full, zim::WString& xrefName, zim::WString& itemName) {

@@ -9,7 +9,6 @@
 #include "drawing/undomembers.h"
 #include "drawing/undosnapshots.h"
 #include "entities/newornull.h"
-#include "vek0core/drawing/functions.h"
 #include "vek0core/entities/entcast.h"
 #include "vek0core/entities/enthatch.h"
 
@@ -42,7 +41,7 @@ bool isUsed(const CData&, const CBlock& block) { return block.getEntities() > 0;
 
 // Whether an item of the drawing names one of the reference, or another reference shows it.
 bool isUsed(const CData& data, const CBlockXRef& xref) {
-  if (xref.getEntities() > 0) return true;
+  if (xref.getEntities() > 0 || xref.getShows() > 0) return true;
   std::unordered_map<const void*, long> own;  // uses of one dependent item by another
   for (int i = 0; i < xref.getLayerTable().size(); ++i) ++own[xref.getLayerTable()[i]->getLtype()];
   for (int i = 0; i < xref.getLtypeTable().size(); ++i) {
@@ -63,7 +62,7 @@ bool isUsed(const CData& data, const CBlockXRef& xref) {
     if (style->getEntities() > 0 || style->getDashes() > own[style]) return true;
     if (vars.getCurStyle() == style) return true;
   }
-  return isNestedXRef(data, xref);
+  return false;
 }
 
 // Whether the block is there for one hatch and nothing shows it at present.

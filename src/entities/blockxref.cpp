@@ -46,6 +46,7 @@ const PNT_3D& CBlockXRef::getContentBase() const {
 }
 
 void CBlockXRef::setContent(std::vector<std::unique_ptr<CEnt>> entities, Blocks blocks) {
+  if (isHeld()) countNested(-1);
   disposeEntities();
   m_blocks = std::move(blocks);
   for (const std::unique_ptr<CBlock>& block : m_blocks) block->m_contentOf = this;
@@ -55,6 +56,12 @@ void CBlockXRef::setContent(std::vector<std::unique_ptr<CEnt>> entities, Blocks 
   std::unordered_set<const CBlock*> seen;
   noteNested(*this, seen);
   for (const std::unique_ptr<CBlock>& block : m_blocks) noteNested(*block, seen);
+  if (isHeld()) countNested(1);
+}
+
+// What is out of the drawing shows nothing.
+void CBlockXRef::countNested(long by) {
+  for (CBlockXRef* nested : m_nested) nested->m_shows += by;
 }
 
 void CBlockXRef::noteNested(const CBlock& block, std::unordered_set<const CBlock*>& seen) {
@@ -121,12 +128,22 @@ long CBlockXRefDepend::getCount(const CBlockXRef* xref) const {
   return place != m_places.end() ? place->second->second : 0;
 }
 
-void CBlockXRefTable::add(CBlockXRef* xref) { CNamedItemTableImp::add(xref); }
+void CBlockXRefTable::add(CBlockXRef* xref) {
+  if (xref == nullptr || xref->isHeld()) return;
+  CNamedItemTableImp::add(xref);
+  xref->countNested(1);
+}
 
-void CBlockXRefTable::remove(CBlockXRef* xref) { CNamedItemTableImp::remove(xref); }
+void CBlockXRefTable::remove(CBlockXRef* xref) {
+  if (!contains(xref)) return;
+  CNamedItemTableImp::remove(xref);
+  xref->countNested(-1);
+}
 
 void CBlockXRefTable::restore(CBlockXRef* xref, const Place& place) {
+  if (xref == nullptr || xref->isHeld()) return;
   CNamedItemTableImp::restore(xref, place);
+  xref->countNested(1);
 }
 
 CBlockXRef* CBlockXRefTable::get(std::u16string_view name) const {

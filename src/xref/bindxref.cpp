@@ -1,4 +1,5 @@
 // Making what a reference shows the drawing's own.
+#include <algorithm>
 #include <memory>
 #include <new>
 #include <string>
@@ -16,10 +17,12 @@
 
 namespace {
 
+using vek0::detail::areOutermost;
 using vek0::detail::cloneDashes;
 using vek0::detail::cloneOnto;
 using vek0::detail::EditStep;
 using vek0::detail::orThrow;
+using vek0::detail::XRefs;
 
 constexpr long kDependent = 16, kResolved = 32;  // flag bits of dependent items
 
@@ -39,23 +42,27 @@ class Binder {
  public:
   Binder(CData& data, CUndoStack& undo) : m_data(data), m_undo(undo) {}
 
-  CBlock& bind(CBlockXRef& xref) {
-    const std::vector<Nesting> order = nestedFirst(xref);
-    for (const Nesting& nesting : order) {
+  void bind(const XRefs& xrefs) {
+    const std::unordered_set<const CBlockXRef*> asked(xrefs.begin(), xrefs.end());
+    for (const Nesting& nesting : nestedFirst(xrefs)) {
       const zim::WString& name = nesting.xref->getName();
-      bindOne(*nesting.xref,
-              nesting.shownBy == nullptr
-                  ? name
-                  : boundName(m_data.getBlockTable(), nesting.shownBy->getName(), name));
+      const bool keepsName = asked.count(nesting.xref) != 0;
+      bindOne(
+          *nesting.xref,
+          keepsName ? name : boundName(m_data.getBlockTable(), nesting.shownBy->getName(), name));
     }
-    return *m_map(static_cast<CBlock*>(&xref));
   }
 
-  void repoint(CEnt& ent, CBlock& block) {
-    if (!m_undo.keep(ent)) throw std::bad_alloc();
-    ent.getEntInsert()->setBlock(&block);
-    if (CBlock* owner = ent.getOwnerBlock()) m_data.getBlockTable().updateBlock(owner);
-    vek0::detail::spreadBdry(m_data, ent);
+  void repoint(const std::vector<CEnt*>& inserts) {
+    std::unordered_set<CBlock*> owners;
+    for (CEnt* ent : inserts) {
+      if (!m_undo.keep(*ent)) throw std::bad_alloc();
+      CEntInsertBase& insert = *ent->getEntInsert();
+      insert.setBlock(m_map(insert.getBlock()));
+      if (CBlock* owner = ent->getOwnerBlock()) owners.insert(owner);
+      vek0::detail::spreadBdry(m_data, *ent);
+    }
+    for (CBlock* owner : owners) m_data.getBlockTable().updateBlock(owner);
   }
 
   // What the drawing has on items of a reference goes to what stands for them.
@@ -75,22 +82,25 @@ class Binder {
     std::size_t next = 0;
   };
 
-  // A loaded reference and the loaded ones that it shows, each after those that it shows.
+  // Loaded references and the loaded ones that they show, each after those that it shows.
   // They can be nested deeper than a recursion may go.
-  static std::vector<Nesting> nestedFirst(CBlockXRef& xref) {
-    std::vector<Nesting> order, open{
-                                    {&xref, nullptr}
+  static std::vector<Nesting> nestedFirst(const XRefs& xrefs) {
+    std::vector<Nesting> order, open;
+    std::unordered_set<const CBlockXRef*> met;
+    const auto enter = [&](CBlockXRef* xref, const CBlockXRef* shownBy) {
+      if (isLoaded(*xref) && met.insert(xref).second) open.push_back({xref, shownBy});
     };
-    std::unordered_set<const CBlockXRef*> met{&xref};
-    while (!open.empty()) {
-      Nesting& top = open.back();
-      if (top.next == top.xref->getNested().size()) {
-        order.push_back(top);
-        open.pop_back();
-        continue;
+    for (CBlockXRef* outermost : xrefs) {
+      enter(outermost, nullptr);
+      while (!open.empty()) {
+        Nesting& top = open.back();
+        if (top.next < top.xref->getNested().size()) {
+          enter(top.xref->getNested()[top.next++], top.xref);
+        } else {
+          order.push_back(top);
+          open.pop_back();
+        }
       }
-      CBlockXRef* nested = top.xref->getNested()[top.next++];
-      if (isLoaded(*nested) && met.insert(nested).second) open.push_back({nested, top.xref});
     }
     return order;
   }
@@ -176,19 +186,22 @@ class Binder {
 
 }  // namespace
 
-CBlock* bindXRef(CData& data, CUndoStack& undo, CBlockXRef& xref) try {
-  if (!data.getBlockXRefTable().contains(&xref) || !isLoaded(xref) || isNestedXRef(data, xref))
-    return nullptr;
+CBlock* bindXRef(CData& data, CUndoStack& undo, CBlockXRef& xref) {
+  const zim::WString name = xref.getName();
+  return bindXRefs(data, undo, {&xref}) ? data.getBlockTable().get(name) : nullptr;
+}
+
+bool bindXRefs(CData& data, CUndoStack& undo, const std::vector<CBlockXRef*>& xrefs) try {
+  const auto loaded = [](const CBlockXRef* xref) { return isLoaded(*xref); };
+  if (!std::all_of(xrefs.begin(), xrefs.end(), loaded) || !areOutermost(data, xrefs)) return false;
   EditStep step(undo);
   Binder binder(data, undo);
-  CBlock& block = binder.bind(xref);
-  for (CEnt* insert : vek0::detail::insertsOf(data, xref)) binder.repoint(*insert, block);
-  const std::vector<CBlockXRef*> going = vek0::detail::shownOnlyBy(data, xref);
+  binder.bind(xrefs);
+  binder.repoint(vek0::detail::insertsOf(data, xrefs));
+  const XRefs going = vek0::detail::shownOnlyBy(xrefs);
   CTableRemapper items(data, false);
   for (const CBlockXRef* gone : going) binder.leaveItems(*gone, items);
-  if (!items.Remap(undo) || !vek0::detail::removeXRefs(data, undo, going)) return nullptr;
-  step.done();
-  return &block;
+  return items.Remap(undo) && vek0::detail::removeXRefs(data, undo, going) && step.done();
 } catch (const std::bad_alloc&) {
-  return nullptr;
+  return false;
 }

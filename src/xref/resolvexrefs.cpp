@@ -17,7 +17,6 @@
 #include "vek0core/xref/xrefresolver.h"
 #include "vek0core/xref/xrefs.h"
 #include "xref/xrefcontent.h"
-#include "xref/xrefedit.h"
 
 namespace {
 
@@ -248,10 +247,8 @@ class Resolving {
   // Whether nothing but this reader shows the reference, or could.
   bool isFree(const CBlockXRef& xref, const CBlockXRef& reader) {
     const std::vector<CBlockXRef*>& shown = reader.getNested();
-    if (std::find(shown.begin(), shown.end(), &xref) != shown.end())
-      return vek0::detail::countShows(m_data)[&xref] == 1;
-    return !isNestedXRef(m_data, xref) &&
-           find(xref.getPath(), m_options.drawing).found == Found::Missing;
+    if (std::find(shown.begin(), shown.end(), &xref) != shown.end()) return xref.getShows() == 1;
+    return xref.getShows() == 0 && find(xref.getPath(), m_options.drawing).found == Found::Missing;
   }
 
   // `reader`: name of the reference whose drawing has this one; empty for the drawing.

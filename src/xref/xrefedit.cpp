@@ -18,35 +18,43 @@ const CBlockXRef* ownerOf(const CData& data, const CStyle& style) {
 
 }  // namespace
 
-std::vector<CEnt*> insertsOf(CData& data, const CBlockXRef& xref) {
+std::vector<CEnt*> insertsOf(CData& data, const XRefs& xrefs) {
+  std::unordered_set<const CBlock*> inserted;
+  for (const CBlockXRef* xref : xrefs)
+    if (xref->getEntities() > 0) inserted.insert(xref);
   std::vector<CEnt*> inserts;
-  if (xref.getEntities() <= 0) return inserts;
+  if (inserted.empty()) return inserts;
   forEveryEntity(data, false, [&](CEnt& ent) {
     const CEntInsertBase* insert = ent.getEntInsert();
-    if (insert != nullptr && insert->getBlock() == &xref) inserts.push_back(&ent);
+    if (insert != nullptr && inserted.count(insert->getBlock()) != 0) inserts.push_back(&ent);
     return true;
   });
   return inserts;
 }
 
-std::unordered_map<const CBlockXRef*, int> countShows(const CData& data) {
-  std::unordered_map<const CBlockXRef*, int> shows;
-  const CBlockXRefTable& xrefs = data.getBlockXRefTable();
-  for (int i = 0; i < xrefs.size(); ++i)
-    for (const CBlockXRef* nested : xrefs[i]->getNested()) ++shows[nested];
-  return shows;
-}
-
-std::vector<CBlockXRef*> shownOnlyBy(const CData& data, CBlockXRef& xref) {
-  std::unordered_map<const CBlockXRef*, int> shows = countShows(data);
-  std::vector<CBlockXRef*> going{&xref};
+XRefs shownOnlyBy(const XRefs& xrefs) {
+  const std::unordered_set<const CBlockXRef*> asked(xrefs.begin(), xrefs.end());
+  std::unordered_map<const CBlockXRef*, long> passed;  // of the references that show it
+  XRefs going;
+  for (CBlockXRef* xref : xrefs)
+    if (xref->getShows() == 0) going.push_back(xref);
   for (std::size_t i = 0; i < going.size(); ++i)
     for (CBlockXRef* nested : going[i]->getNested())
-      if (--shows[nested] == 0 && nested->getEntities() <= 0) going.push_back(nested);
+      if (++passed[nested] == nested->getShows() &&
+          (asked.count(nested) != 0 || nested->getEntities() <= 0))
+        going.push_back(nested);
   return going;
 }
 
-bool removeXRefs(CData& data, CUndoStack& undo, const std::vector<CBlockXRef*>& going) {
+bool areOutermost(const CData& data, const XRefs& xrefs) {
+  const XRefs going = shownOnlyBy(xrefs);
+  const std::unordered_set<const CBlockXRef*> gone(going.begin(), going.end());
+  return std::all_of(xrefs.begin(), xrefs.end(), [&](const CBlockXRef* xref) {
+    return data.getBlockXRefTable().contains(xref) && gone.count(xref) != 0;
+  });
+}
+
+bool removeXRefs(CData& data, CUndoStack& undo, const XRefs& going) {
   const std::unordered_set<const CBlockXRef*> owners(going.begin(), going.end());
   std::vector<CStyle*> named;
   for (CData::CStyleIterator style(data, false); *style != nullptr; ++style)

@@ -2,7 +2,6 @@
 
 // What detaching and binding have in common.
 
-#include <unordered_map>
 #include <vector>
 
 #include "vek0core/drawing/undostack.h"
@@ -30,18 +29,20 @@ class EditStep {
   bool m_isDone = false;
 };
 
-/// The inserts of a reference in model space and in the drawing's blocks.
-std::vector<CEnt*> insertsOf(CData& data, const CBlockXRef& xref);
+using XRefs = std::vector<CBlockXRef*>;
 
-/// How many references of the drawing show each; those that none does are missing.
-std::unordered_map<const CBlockXRef*, int> countShows(const CData& data);
+/// The inserts of references in model space and in the drawing's blocks.
+std::vector<CEnt*> insertsOf(CData& data, const XRefs& xrefs);
 
-/// The reference, and those that nothing shows once it is gone and its inserts are: each
-/// after those that show it.
-std::vector<CBlockXRef*> shownOnlyBy(const CData& data, CBlockXRef& xref);
+/// The references, and those that nothing shows once they and their inserts are gone: each
+/// after those that show it. Those that others show are missing.
+XRefs shownOnlyBy(const XRefs& xrefs);
+
+/// Whether all are in the drawing and nothing but others of them shows them.
+bool areOutermost(const CData& data, const XRefs& xrefs);
 
 /// Takes references out, in that order, with text styles that are named after them. Those
 /// that are still used stay.
-bool removeXRefs(CData& data, CUndoStack& undo, const std::vector<CBlockXRef*>& going);
+bool removeXRefs(CData& data, CUndoStack& undo, const XRefs& going);
 
 }  // namespace vek0::detail

@@ -15,8 +15,11 @@
 
 namespace {
 
+using vek0::detail::areOutermost;
 using vek0::detail::EditStep;
 using vek0::detail::insertsOf;
+using vek0::detail::removeXRefs;
+using vek0::detail::shownOnlyBy;
 
 bool isFree(const CData& data, const zim::WString& name) {
   return !name.empty() && name.view().find(u'|') == std::u16string_view::npos &&
@@ -44,15 +47,19 @@ CBlockXRef* attachXRef(CData& data, CUndoStack& undo, const zim::WString& name,
   return xref && undo.add(xref.get()) ? xref.release() : nullptr;
 }
 
-bool detachXRef(CData& data, CUndoStack& undo, CBlockXRef& xref) try {
-  if (!data.getBlockXRefTable().contains(&xref) || isNestedXRef(data, xref)) return false;
+bool detachXRef(CData& data, CUndoStack& undo, CBlockXRef& xref) {
+  return detachXRefs(data, undo, {&xref});
+}
+
+bool detachXRefs(CData& data, CUndoStack& undo, const std::vector<CBlockXRef*>& xrefs) try {
+  if (!areOutermost(data, xrefs)) return false;
   EditStep step(undo);
-  for (CEnt* insert : insertsOf(data, xref))
+  for (CEnt* insert : insertsOf(data, xrefs))
     if (!undo.remove(insert)) return false;
-  const std::vector<CBlockXRef*> going = vek0::detail::shownOnlyBy(data, xref);
+  const std::vector<CBlockXRef*> going = shownOnlyBy(xrefs);
   CTableRemapper items(data, false);
   for (CBlockXRef* gone : going) leaveItems(data, *gone, items);
-  return items.Remap(undo) && vek0::detail::removeXRefs(data, undo, going) && step.done();
+  return items.Remap(undo) && removeXRefs(data, undo, going) && step.done();
 } catch (const std::bad_alloc&) {
   return false;
 }

@@ -1,13 +1,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <random>
 
 #include "xref/referred.h"
 
 namespace {
 
-using testing::IsEmpty;
 using testing::SizeIs;
 using vek0::test::countsOf;
 using vek0::test::drawingOf;
@@ -139,6 +141,20 @@ TEST(DetachXRef, LeavesNoNameAndNoCount) {
   }
 }
 
+TEST(DetachXRefs, AllOrNone) {
+  Sheet sheet = siteSheet();
+  sheet.resolve();
+  CData& data = sheet.data();
+  CUndoStack undo(data);
+  const State before = stateOf(data);
+  EXPECT_FALSE(detachXRefs(data, undo, {sheet.xref(u"FURNITURE")}));
+  EXPECT_TRUE(stateOf(data) == before);
+  EXPECT_TRUE(detachXRefs(data, undo, {sheet.xref(u"FURNITURE"), sheet.xref(u"HOUSE")}));
+  EXPECT_EQ(data.getBlockXRefTable().size(), 0);
+  EXPECT_TRUE(undo.undo());
+  EXPECT_TRUE(stateOf(data) == before);
+}
+
 TEST(DetachXRef, KeepsWhatOthersShow) {
   Sheet sheet = siteSheet();
   sheet.drawings.files["garden.dxf"] =
@@ -230,6 +246,36 @@ TEST(BindXRef, LeavesReferencesThatAreNotLoaded) {
   EXPECT_TRUE(stateOf(data) == before);
 }
 
+// What lines do not tell: fills and their private blocks, texts in their styles, attributes,
+// dashes with texts.
+TEST(BindXRef, TakesEveryKindAlong) {
+  std::ifstream in(std::string(VEK0_SAMPLES) + "/hatches_ac1015.dxf", std::ios::binary);
+  std::ifstream kinds(std::string(VEK0_SAMPLES) + "/every_kind_r12.dxf", std::ios::binary);
+  Sheet sheet;
+  sheet.drawings.files["hatches.dxf"].assign(std::istreambuf_iterator<char>(in), {});
+  sheet.drawings.files["kinds.dxf"].assign(std::istreambuf_iterator<char>(kinds), {});
+  sheet.drawings.files["sheet.dxf"] =
+      drawingOf("", referenceTo("H", "hatches.dxf") + referenceTo("K", "kinds.dxf"),
+                insertAt("H", 0) + insertAt("K", 500));
+  sheet.load();
+  CData& data = sheet.data();
+  ASSERT_EQ(sheet.resolve(), 0) << sheet.reported();
+  const RECT_3D box = data.getEntTable().getBdry();
+  const Lines lines = linesShown(data);
+  CUndoStack undo(data);
+  std::vector<CBlockXRef*> both{sheet.xref(u"H"), sheet.xref(u"K")};
+  expectTurnsBack(data, undo, [&] { EXPECT_TRUE(bindXRefs(data, undo, both)); });
+  EXPECT_EQ(linesShown(data), lines);
+  data.getEntTable().invalidateBdry();
+  EXPECT_TRUE(data.getEntTable().getBdry() == box);
+  EXPECT_NE(data.getBlockTable().get(u"*PAT1"), nullptr);
+
+  // What is saved reads back as the same.
+  const vek0::test::Loaded again = vek0::test::loadText(saved(data), CFileDXFIPolicy::forAnyFile());
+  EXPECT_EQ(again.result.status, CFileDXFIResult::Done);
+  EXPECT_THAT(linesShown(*again.data), SizeIs(lines.size()));
+}
+
 // Drawings that refer to one another at random, circles included.
 std::string randomDrawing(std::mt19937& random, int drawings, int self) {
   const auto pick = [&random](int n) {
@@ -278,13 +324,13 @@ TEST(BindXRef, BindingEverythingAndExplodingItShowsTheSame) {
     EXPECT_TRUE(stateOf(data) == before);
 
     CUndoStack undo(data);
-    undo.begin(u"bind all");
-    for (bool found = true; found;) {
-      found = false;
-      for (int i = 0; i < data.getBlockXRefTable().size() && !found; ++i)
-        found = bindXRef(data, undo, *data.getBlockXRefTable()[i]) != nullptr;
+    std::vector<CBlockXRef*> loaded;
+    for (int i = 0; i < data.getBlockXRefTable().size(); ++i) {
+      CBlockXRef* xref = data.getBlockXRefTable()[i];
+      if (xref->getStatus() == CBlockXRef::Status::loaded) loaded.push_back(xref);
     }
-    undo.commit();
+    std::shuffle(loaded.begin(), loaded.end(), random);
+    ASSERT_TRUE(bindXRefs(data, undo, loaded));
     EXPECT_EQ(linesShown(data), before.lines);
     EXPECT_EQ(countsOf(data), recountOf(data));
     for (int i = 0; i < data.getBlockXRefTable().size(); ++i)

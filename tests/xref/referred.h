@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "drawing/drawings.h"
 #include "support/dxftext.h"
 #include "vek0core/vek0core.h"

@@ -308,6 +308,40 @@ TEST(ResolveXRefs, ACancelledReadingLeavesWhatWasThere) {
   EXPECT_EQ(linesShown(sheet.data()), lines);
 }
 
+// Replacing a dependent layer leaves none of the content on the old one.
+TEST(TableRemapper, ReachesIntoReferences) {
+  Sheet sheet = siteSheet();
+  sheet.resolve();
+  CData& data = sheet.data();
+  CLayer* wall = getLayer(data, u"HOUSE|WALL");
+  CUndoStack undo(data);
+  CTableRemapper remapper(data, true);
+  remapper.ChangeInto(wall, getLayer(data, u"SITE"));
+  const std::vector<std::string> before = linesShown(data);
+  ASSERT_TRUE(remapper.Remap(undo));
+  for (const std::string& line : linesShown(data))
+    EXPECT_EQ(line.find("color 6"), std::string::npos) << line;
+  EXPECT_EQ(countsOf(data), recountOf(data));
+  ASSERT_TRUE(undo.undo());
+  EXPECT_EQ(linesShown(data), before);
+  EXPECT_EQ(countsOf(data), recountOf(data));
+}
+
+TEST(ImportDXF, BringsReferencesAlong) {
+  Sheet sheet = siteSheet();
+  sheet.resolve();
+  CFileMemory again(u"sheet.dxf", IFile::kRead, sheet.drawings.files["sheet.dxf"]);
+  importDXF(sheet.data(), again, nullptr);
+  EXPECT_EQ(sheet.data().getBlockXRefTable().size(), 2);
+  EXPECT_THAT(linesShown(sheet.data()), SizeIs(2 * (2 * 6 + 1)));
+  EXPECT_EQ(countsOf(sheet.data()), recountOf(sheet.data()));
+  vek0::test::Loaded other;
+  again = CFileMemory(u"sheet.dxf", IFile::kRead, sheet.drawings.files["sheet.dxf"]);
+  importDXF(other.drawing(), again, nullptr);
+  resolveXRefs(other.drawing(), sheet.drawings, sheet.options());
+  EXPECT_THAT(linesShown(other.drawing()), SizeIs(2 * 6 + 1));
+}
+
 TEST(ResolveXRefs, TellsWhatEveryDrawingLost) {
   Sheet sheet = siteSheet();
   std::string& furniture = sheet.drawings.files["furniture.dxf"];

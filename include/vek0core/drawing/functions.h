@@ -114,10 +114,6 @@ VEK0_API zim::WString GetBlockProgressiveName(const zim::WString& prefix, const 
 VEK0_API bool scomposeName(const zim::WString& full, zim::WString& xrefName,
                            zim::WString& itemName);
 
-/// Whether another reference of the drawing shows this one, so that it comes and goes with
-/// that. Linear in the number of references.
-VEK0_API bool isNestedXRef(const CData& data, const CBlockXRef& xref);
-
 VEK0_API IHandleGestor& getHandleGestor(const CData& data);
 
 /// A copy of the entity, with handle 0 and in no table; null when there is no memory.

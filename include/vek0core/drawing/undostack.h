@@ -129,7 +129,7 @@ class VEK0_API CUndoStack {
   bool remove(CStyle* style);  ///< likewise
   bool remove(CBlock* block);  ///< likewise
   /// Likewise; what another reference shows, or whose dependent items are used, is not
-  /// taken out. Linear in the references and the items.
+  /// taken out. Linear in the items.
   bool remove(CBlockXRef* xref);
   bool add(CBlockXRef* xref);  ///< likewise
 

@@ -78,6 +78,8 @@ class VEK0_API CBlockXRef : public CBlock {
   const Blocks& getBlocks() const { return m_blocks; }
   /// The references that the content shows, each once.
   const std::vector<CBlockXRef*>& getNested() const { return m_nested; }
+  /// How many references of the drawing show this one in their content.
+  long getShows() const { return m_shows; }
   /// Gives the reference another content, which it takes over; what it had is deleted.
   void setContent(std::vector<std::unique_ptr<CEnt>> entities, Blocks blocks);
 
@@ -97,7 +99,9 @@ class VEK0_API CBlockXRef : public CBlock {
   void init(const zim::WString& path, const PNT_3D& base, long flags);
 
  private:
+  friend class CBlockXRefTable;
   void noteNested(const CBlock& block, std::unordered_set<const CBlock*>& seen);
+  void countNested(long by);
 
   zim::WString m_path, m_file;
   Status m_status = Status::unresolved;
@@ -112,6 +116,7 @@ class VEK0_API CBlockXRef : public CBlock {
   CLayerTable m_layers;
   Blocks m_blocks;
   std::vector<CBlockXRef*> m_nested;
+  long m_shows = 0;
 };
 
 /// Which external references a drawing's inserts use, and how often.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 
 #include "vek0core/dxfin/loaddxf.h"
 #include "vek0core/export.h"
@@ -71,6 +72,8 @@ VEK0_API CBlockXRef* attachXRef(CData& data, CUndoStack& undo, const zim::WStrin
 /// STANDARD. One step. False, with nothing changed, when another reference shows it; also
 /// when memory ends, and if the step was open before, what was done until then stays in it.
 VEK0_API bool detachXRef(CData& data, CUndoStack& undo, CBlockXRef& xref);
+/// Several at once, which takes no longer than one; all or none. They may show each other.
+VEK0_API bool detachXRefs(CData& data, CUndoStack& undo, const std::vector<CBlockXRef*>& xrefs);
 
 /// Makes what a loaded reference shows the drawing's own: a block of the reference's name
 /// in its place, and its items as "xref$0$item", the 0 counted up where a name is taken. What
@@ -81,6 +84,8 @@ VEK0_API bool detachXRef(CData& data, CUndoStack& undo, CBlockXRef& xref);
 /// Null, with nothing changed, when it is not loaded or another reference shows it; also
 /// when memory ends, as for `detachXRef`.
 VEK0_API CBlock* bindXRef(CData& data, CUndoStack& undo, CBlockXRef& xref);
+/// Several at once, likewise; each becomes a block of its own name.
+VEK0_API bool bindXRefs(CData& data, CUndoStack& undo, const std::vector<CBlockXRef*>& xrefs);
 
 /// Gives a reference another path. What it shows stays until it is resolved again.
 VEK0_API bool setXRefPath(CUndoStack& undo, CBlockXRef& xref, const zim::WString& path);
