@@ -266,7 +266,7 @@ class Resolving {
       xrefs[i]->invalidateBdry();
     }
     m_data.getBlockTable().recalcBdry();
-    m_data.getEntTable().invalidateBdry();
+    m_data.getEntTable().recalcBdry();
   }
 
   CData& m_data;

@@ -1,0 +1,58 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "recorder.h"
+#include "vek0draw/drawindex.h"
+#include "xref/referred.h"
+
+using vek0::test::drawingOf;
+using vek0::test::layerEntry;
+using vek0::test::lineTo;
+using vek0::test::Recorder;
+
+namespace {
+
+// A frame of the index, which has to be what a full walk draws.
+std::size_t shownBy(CDrawIndex& index, const CData& data) {
+  CWndVpt window(1);
+  window.resize(501, 501);
+  window.set(-100, -100, 400, 400);
+  Recorder indexed, walked;
+  index.draw(CPOProjector(), window, indexed);
+  drawData(data, CPOProjector(), window, walked);
+  EXPECT_EQ(indexed.things.size(), walked.things.size());
+  for (std::size_t i = 0; i < std::min(indexed.things.size(), walked.things.size()); ++i)
+    EXPECT_TRUE(indexed.things[i].isSame(walked.things[i])) << i;
+  return walked.things.size();
+}
+
+}  // namespace
+
+// An index that lives through the whole life of a reference.
+TEST(DrawIndex, FollowsReferences) {
+  vek0::test::Sheet sheet = vek0::test::siteSheet();
+  CData& data = sheet.data();
+  CDrawIndex index(data);
+  EXPECT_EQ(shownBy(index, data), 1u);
+  sheet.resolve();
+  EXPECT_EQ(shownBy(index, data), 13u);
+  getLayer(data, u"FURNITURE|WOOD")->setOff(true);
+  EXPECT_EQ(shownBy(index, data), 11u);
+
+  std::string many;
+  for (int i = 0; i < 300; ++i) many += lineTo(i, 100, "WOOD");
+  sheet.drawings.files["furniture.dxf"] = drawingOf(layerEntry("WOOD", 3), "", many);
+  sheet.resolve();
+  EXPECT_EQ(shownBy(index, data), 9u);
+  getLayer(data, u"FURNITURE|WOOD")->setOff(false);
+  EXPECT_EQ(shownBy(index, data), 609u);
+
+  CUndoStack undo(data);
+  ASSERT_NE(bindXRef(data, undo, *sheet.xref(u"HOUSE")), nullptr);
+  EXPECT_EQ(shownBy(index, data), 609u);
+  undo.undo();
+  EXPECT_EQ(shownBy(index, data), 609u);
+  ASSERT_TRUE(detachXRef(data, undo, *sheet.xref(u"HOUSE")));
+  EXPECT_EQ(shownBy(index, data), 1u);
+}
