@@ -30,7 +30,22 @@ constexpr int kReadings = 3;  // of a file that is written meanwhile
 // Which drawings refer to which, by file.
 class FileGraph {
  public:
-  void add(const zim::WString& from, const zim::WString& to) { m_edges[from].push_back(to); }
+  // Notes that one refers to the other. Where that closes a circle, or nests drawings too
+  // deep by any way from the outermost, answers what is wrong, and nothing is noted.
+  const char* add(const zim::WString& from, const zim::WString& to) {
+    if (leads(to, from)) return "reference circular";
+    if (!sink(to, levelOf(from) + 1)) return "reference too deep";
+    m_nodes[from].refersTo.push_back(to);
+    return nullptr;
+  }
+
+ private:
+  struct Node {
+    int level = 1;  // the most drawings that are around it
+    std::vector<zim::WString> refersTo;
+  };
+
+  int levelOf(const zim::WString& file) { return m_nodes[file].level; }
 
   bool leads(const zim::WString& from, const zim::WString& to) const {
     std::unordered_set<zim::WString> met{from};
@@ -39,16 +54,37 @@ class FileGraph {
       const zim::WString file = open.back();
       open.pop_back();
       if (file == to) return true;
-      const auto edges = m_edges.find(file);
-      if (edges == m_edges.end()) continue;
-      for (const zim::WString& next : edges->second)
+      const auto node = m_nodes.find(file);
+      if (node == m_nodes.end()) continue;
+      for (const zim::WString& next : node->second.refersTo)
         if (met.insert(next).second) open.push_back(next);
     }
     return false;
   }
 
- private:
-  std::unordered_map<zim::WString, std::vector<zim::WString>> m_edges;
+  // Brings a drawing to that level at least, and what it refers to below; all or nothing.
+  bool sink(const zim::WString& file, int level) {
+    std::vector<std::pair<Node*, int>> before;
+    std::vector<std::pair<zim::WString, int>> open{
+        {file, level}
+    };
+    while (!open.empty()) {
+      const auto [top, least] = open.back();
+      open.pop_back();
+      if (least > kMaxXRefDepth) {
+        for (std::size_t i = before.size(); i-- > 0;) before[i].first->level = before[i].second;
+        return false;
+      }
+      Node& node = m_nodes[top];
+      if (node.level >= least) continue;
+      before.emplace_back(&node, node.level);
+      node.level = least;
+      for (const zim::WString& next : node.refersTo) open.emplace_back(next, least + 1);
+    }
+    return true;
+  }
+
+  std::unordered_map<zim::WString, Node> m_nodes;
 };
 
 class Resolving {
@@ -89,7 +125,6 @@ class Resolving {
   struct Job {
     CBlockXRef* xref;
     Place place;
-    int depth;
   };
 
   std::vector<CBlockXRef*> listed() const {
@@ -120,11 +155,10 @@ class Resolving {
     return place;
   }
 
-  void schedule(CBlockXRef& xref) { schedule(xref, find(xref.getPath(), m_options.drawing), 1); }
+  void schedule(CBlockXRef& xref) { schedule(xref, find(xref.getPath(), m_options.drawing)); }
 
-  void schedule(CBlockXRef& xref, Place place, int depth) {
-    if (m_files.emplace(&xref, place.file).second)
-      m_jobs.push_back({&xref, std::move(place), depth});
+  void schedule(CBlockXRef& xref, Place place) {
+    if (m_files.emplace(&xref, place.file).second) m_jobs.push_back({&xref, std::move(place)});
   }
 
   void run() {
@@ -197,19 +231,17 @@ class Resolving {
   // The drawing's reference for one of a drawing that it refers to; null where it would
   // close a circle or go too deep.
   CBlockXRef* standIn(const CBlockXRef& nested, const Job& job) {
-    if (job.depth >= kMaxXRefDepth) {
-      note("reference too deep", nested, job.xref->getName());
-      return nullptr;
-    }
     Place place = find(nested.getPath(), job.place.file);
-    if (place.found == Found::Yes &&
-        (place.file == m_options.drawing || m_graph.leads(place.file, job.place.file))) {
-      note("reference circular", nested, job.xref->getName());
+    const char* fault = nullptr;
+    if (place.found == Found::Yes)
+      fault = place.file == m_options.drawing ? "reference circular"
+                                              : m_graph.add(job.place.file, place.file);
+    if (fault) {
+      note(fault, nested, job.xref->getName());
       return nullptr;
     }
-    if (place.found == Found::Yes) m_graph.add(job.place.file, place.file);
     CBlockXRef& xref = named(nested, place, job);
-    schedule(xref, std::move(place), job.depth + 1);
+    schedule(xref, std::move(place));
     return &xref;
   }
 

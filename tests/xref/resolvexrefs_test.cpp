@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <set>
+
 #include "xref/referred.h"
 
 namespace {
@@ -20,6 +23,18 @@ using vek0::test::saved;
 using vek0::test::Sheet;
 using vek0::test::siteSheet;
 using Status = CBlockXRef::Status;
+
+// How many references are within one another at most.
+int depthOf(const std::vector<CBlockXRef*>& xrefs) {
+  int depth = 0;
+  for (std::vector<CBlockXRef*> level = xrefs; !level.empty() && depth < 1000; ++depth) {
+    std::set<CBlockXRef*> next;
+    for (const CBlockXRef* xref : level)
+      next.insert(xref->getNested().begin(), xref->getNested().end());
+    level.assign(next.begin(), next.end());
+  }
+  return depth;
+}
 
 TEST(ResolveXRefs, ShowsWhatDrawingsAndTheirReferencesHold) {
   Sheet sheet = siteSheet();
@@ -219,19 +234,37 @@ TEST(ResolveXRefs, BreaksCirclesWhereTheyClose) {
   EXPECT_EQ(saved(*CDataPtr(cloneData(sheet.data()))), saved(sheet.data()));
 }
 
+// A chain of drawings, of which the sheet shows the first, or all, from either end.
 TEST(ResolveXRefs, StopsAtADepth) {
-  Sheet sheet;
-  const int length = 1000;
-  for (int i = 0; i < length; ++i) {
-    const std::string next = "d" + std::to_string(i + 1);
-    sheet.drawings.files["d" + std::to_string(i) + ".dxf"] =
-        drawingOf("", referenceTo(next, next + ".dxf"), lineTo(i, 0) + insertAt(next, 0));
+  for (const int shown : {1, 300, -300}) {
+    SCOPED_TRACE(shown);
+    Sheet sheet;
+    const auto name = [](int i) { return "d" + std::to_string(i); };
+    for (int i = 0; i < 300; ++i)
+      sheet.drawings.files[name(i) + ".dxf"] =
+          drawingOf("", referenceTo(name(i + 1), name(i + 1) + ".dxf"),
+                    lineTo(i, 0) + insertAt(name(i + 1), 0));
+    sheet.drawings.files["d300.dxf"] = drawingOf("", "", "");
+    std::string blocks, inserts;
+    for (int i = 0; i < std::abs(shown); ++i) {
+      const std::string each = name(shown > 0 ? i : 299 - i);
+      blocks += referenceTo(each, each + ".dxf");
+      inserts += insertAt(each, 0);
+    }
+    sheet.drawings.files["sheet.dxf"] = drawingOf("", blocks, inserts);
+    sheet.load();
+    EXPECT_EQ(sheet.resolve(), 0);
+    EXPECT_GT(sheet.report.count("reference too deep"), 0);
+    EXPECT_EQ(sheet.report.count("reference circular"), 0);
+    std::vector<CBlockXRef*> all;
+    for (int i = 0; i < sheet.data().getBlockXRefTable().size(); ++i)
+      all.push_back(sheet.data().getBlockXRefTable()[i]);
+    EXPECT_LE(depthOf(all), kMaxXRefDepth);
+    if (shown == 1) {
+      EXPECT_EQ(sheet.reported(), "reference too deep d99|d100: d100.dxf");
+      EXPECT_THAT(linesShown(sheet.data()), SizeIs(kMaxXRefDepth));
+    }
   }
-  sheet.drawings.files["sheet.dxf"] = drawingOf("", referenceTo("d0", "d0.dxf"), insertAt("d0", 0));
-  sheet.load();
-  EXPECT_EQ(sheet.resolve(), 0);
-  EXPECT_EQ(sheet.reported(), "reference too deep d99|d100: d100.dxf");
-  EXPECT_THAT(linesShown(sheet.data()), SizeIs(kMaxXRefDepth));
 }
 
 TEST(ResolveXRefs, OverlaysAreShownByTheirOwnDrawingAlone) {

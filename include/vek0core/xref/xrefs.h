@@ -15,7 +15,7 @@ class CUndoStack;
 class IXRefResolver;
 class PNT_3D;
 
-/// External references nested deeper than this stay unresolved.
+/// External references nested deeper than this are left out.
 constexpr int kMaxXRefDepth = 100;
 
 /// How references are resolved. The report is borrowed, may be null, and receives these
