@@ -44,8 +44,9 @@ struct CXRefOptions {
 /// Reads what the drawing's references refer to, and what that refers to in turn, anew.
 ///
 /// Nested references become references of the drawing: one for each file, renamed where
-/// two have one name. A circle is broken where it would close. What cannot be read stays a
-/// reference that shows nothing, with its path and inserts; its status says why.
+/// two have one name. A circle is broken where it would close, and what is nested too deep
+/// is left out. What cannot be read stays a reference that shows nothing, with its path and
+/// inserts; its status says why.
 ///
 /// Entities follow the file. So do dependent layers, but for the colour and the visibility
 /// that the drawing has given them since; items that the file has no more go unless the
