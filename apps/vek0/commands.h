@@ -45,5 +45,6 @@ void addHatchCommand(CLI::App& app, Session& session);
 void addHatchesCommand(CLI::App& app, Session& session);
 void addLinetypesCommand(CLI::App& app, Session& session);
 void addRenderCommand(CLI::App& app, Session& session);
+void addXrefsCommand(CLI::App& app, Session& session);
 
 }  // namespace vek0::tool

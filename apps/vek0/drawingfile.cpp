@@ -35,11 +35,8 @@ ReadResult readWith(Reader reader, CData& data, const std::string& path, const S
   std::error_code ignored;
   if (std::filesystem::is_directory(toPath(path), ignored)) return result;
   const std::unique_ptr<IFile> file = openForReading(path, session.quiet);
-  CFileDXFIOptions options;
+  CFileDXFIOptions options = readingOptions(session);
   options.report = &result.report;
-  if (!session.reading.strict) options.policy = CFileDXFIPolicy::forAnyFile();
-  options.policy.paperSpace = session.reading.paperSpace;
-  options.codePage = session.reading.codePage;
   options.policy.keepFontNames |= keepFontNames;
   result.outcome = reader(data, *file, &result.error, options);
   return result;
@@ -61,6 +58,14 @@ std::unique_ptr<IFile> openForReading(const std::string& path, bool quiet) {
 std::string ReadResult::message() const {
   if (!opened()) return "The file cannot be opened.";
   return error.HasAnError() ? error.GetFullMessage().toUtf8() : std::string();
+}
+
+CFileDXFIOptions readingOptions(const Session& session) {
+  CFileDXFIOptions options;
+  if (!session.reading.strict) options.policy = CFileDXFIPolicy::forAnyFile();
+  options.policy.paperSpace = session.reading.paperSpace;
+  options.codePage = session.reading.codePage;
+  return options;
 }
 
 Drawing newDrawing() {

@@ -35,6 +35,9 @@ std::unique_ptr<IFile> openForReading(const std::string& path, bool quiet);
 ReadResult loadFile(CData& data, const std::string& path, const Session& session,
                     bool keepFontNames = false);
 
+/// How the session wants drawings to be read; without a report.
+CFileDXFIOptions readingOptions(const Session& session);
+
 /// Merges `path` into a drawing that has content.
 ReadResult importFile(CData& data, const std::string& path, const Session& session);
 

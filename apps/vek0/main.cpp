@@ -75,6 +75,7 @@ int runTool(int argc, char** argv) {
   addHatchesCommand(app, session);
   addLinetypesCommand(app, session);
   addRenderCommand(app, session);
+  addXrefsCommand(app, session);
   app.footer(
       "Exit codes: 0 all well, 1 a drawing failed, 2 wrong usage, 3 an output could not be "
       "written.");

@@ -17,6 +17,7 @@
 #include "outputfile.h"
 #include "paths.h"
 #include "picture.h"
+#include "references.h"
 #include "shownextents.h"
 #include "svgpainter.h"
 #include "vek0core/view/wndvpt.h"
@@ -34,6 +35,8 @@ struct Options {
   double dpi = 150;
   bool portrait = false, landscape = false, mono = false;
   bool all = false, splitLayers = false, force = false;
+  bool withReferences = true;
+  ReferenceOptions references;
 };
 
 constexpr const char* kNoBackground = "none";
@@ -118,6 +121,7 @@ class Renderer {
     const ReadResult result = loadFile(*data, in, m_session, true);
     if (!result.ok()) return fail(kDrawingFailed, in + ": " + result.message());
     reportLosses(in, result.report);
+    if (m_options.withReferences) readReferences(*data, in);
     m_fonts.adopt(*data);
     const LayerChoice layers(*data, m_options.layers, m_options.hiddenLayers);
     for (const std::string& name : layers.unmatched()) warn(in + ": no layer is named " + name);
@@ -146,6 +150,14 @@ class Renderer {
       warn(in + ": " + std::to_string(count) +
            " entities may be misplaced, their extrusion is not read yet");
     }
+  }
+
+  void readReferences(CData& data, const std::string& in) const {
+    ReferenceReader reader(in, m_options.references, m_session);
+    reader.resolve(data);
+    if (reader.failures() > 0)
+      warn(in + ": not every reference is shown:\n" + reader.failuresToText());
+    for (const auto& [name, report] : reader.readings()) reportLosses(name, report);
   }
 
   // Asked before the drawing is read, which may take its time.
@@ -352,6 +364,9 @@ void addRenderCommand(CLI::App& app, Session& session) {
   addSheetOptions(*verb, *options);
   addViewOptions(*verb, *options);
   addLookOptions(*verb, *options);
+  verb->add_flag("--with-xrefs,!--no-xrefs", options->withReferences,
+                 "Whether to show the drawings that IN refers to, as far as they are found (yes)");
+  addReferenceOptions(*verb, options->references);
   verb->add_flag("--all", options->all, "Render every IN into the folder given by -o");
   verb->add_flag("--split-layers", options->splitLayers,
                  "One picture a layer: OUT-LAYER.svg and so on, all of the same place");
@@ -362,6 +377,7 @@ void addRenderCommand(CLI::App& app, Session& session) {
       "  vek0 render plan.dxf -o plan.pdf --paper A3 --scale 1:50\n"
       "  vek0 render plan.dxf -o plan.png --size 1920x1080 --background black\n"
       "  vek0 render plan.dxf -o part.svg --window 0,0,500,300 --layers WALLS 'DOOR*'\n"
+      "  vek0 render site.dxf -o site.svg --search /library\n"
       "  vek0 render *.dxf --all --format png -o pictures\n\n"
       "The output appears whole or not at all.");
   verb->callback([options, &session] { run(*options, session); });

@@ -106,6 +106,19 @@ Json blocksToJson(const CData& data) {
   return blocks;
 }
 
+Json referencesToJson(const CData& data) {
+  Json references = Json::array();
+  const CBlockXRefTable& table = data.getBlockXRefTable();
+  for (int i = 0; i < table.size(); ++i) {
+    references.push_back({
+        {"name",    table[i]->getName().toUtf8()},
+        {"path",    table[i]->getPath().toUtf8()},
+        {"overlay", table[i]->isOverlay()       }
+    });
+  }
+  return references;
+}
+
 Json unitsOf(const ReadResult& result) {
   const char* name = unitName(result.outcome.units);
   return name ? Json(name) : Json();
@@ -141,6 +154,16 @@ std::string layerLines(const Json& layers) {
       if (layer[state].get<bool>()) text += std::string(", ") + state;
     }
     text += "\n";
+  }
+  return text;
+}
+
+std::string referenceLines(const Json& references) {
+  std::string text = "  external references (" + std::to_string(references.size()) + "):\n";
+  for (const Json& reference : references) {
+    text += "    " + reference["name"].get<std::string>() + ": " +
+            reference["path"].get<std::string>() +
+            (reference["overlay"].get<bool>() ? ", overlay\n" : "\n");
   }
   return text;
 }
@@ -262,20 +285,21 @@ Json reportToJson(const CFileReport& report) {
 
 Json summaryToJson(const std::string& path, CData& data, const ReadResult& result) {
   return Json{
-      {"file",      path                           },
-      {"ok",        result.ok()                    },
-      {"version",   result.outcome.version.toUtf8()},
-      {"encoding",  result.outcome.encoding        },
-      {"units",     unitsOf(result)                },
-      {"metric",    metricOf(result)               },
-      {"error",     errorToJson(result)            },
-      {"report",    reportToJson(result.report)    },
-      {"layers",    layersToJson(data)             },
-      {"linetypes", ltypesToJson(data)             },
-      {"styles",    stylesToJson(data)             },
-      {"blocks",    blocksToJson(data)             },
-      {"entities",  EntityCounts(data).toJson()    },
-      {"extents",   extentsToJson(data)            }
+      {"file",       path                           },
+      {"ok",         result.ok()                    },
+      {"version",    result.outcome.version.toUtf8()},
+      {"encoding",   result.outcome.encoding        },
+      {"units",      unitsOf(result)                },
+      {"metric",     metricOf(result)               },
+      {"error",      errorToJson(result)            },
+      {"report",     reportToJson(result.report)    },
+      {"layers",     layersToJson(data)             },
+      {"linetypes",  ltypesToJson(data)             },
+      {"styles",     stylesToJson(data)             },
+      {"blocks",     blocksToJson(data)             },
+      {"references", referencesToJson(data)         },
+      {"entities",   EntityCounts(data).toJson()    },
+      {"extents",    extentsToJson(data)            }
   };
 }
 
@@ -287,6 +311,8 @@ std::string summaryToText(const std::string& path, CData& data, const ReadResult
   text += listLine("linetypes", namesIn(ltypesToJson(data)));
   text += listLine("text styles", namesIn(stylesToJson(data)));
   text += listLine("blocks", namesIn(blocksToJson(data)));
+  const Json references = referencesToJson(data);
+  if (!references.empty()) text += referenceLines(references);
   text += "  entities: " + EntityCounts(data).toText() + "\n";
   text += extentsLine(data) + variableLines(data);
   if (!result.report.empty()) text += "  skipped or repaired:\n" + reportToText(result.report);

@@ -1,0 +1,227 @@
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "commands.h"
+#include "editing.h"
+#include "references.h"
+#include "summary.h"
+#include "xrefsteps.h"
+
+namespace vek0::tool {
+namespace {
+
+struct Options {
+  std::vector<std::string> files;
+  bool json = false;
+  ReferenceOptions references;
+};
+
+// A drawing with everything that could be read of what it refers to.
+struct Resolved {
+  Resolved(const std::string& name, const Options& options, Session& session)
+      : path(name),
+        data(newDrawing()),
+        reading(loadFile(*data, name, session)),
+        reader(name, options.references, session) {
+    if (reading.ok())
+      reader.resolve(*data);
+    else
+      session.failed(kDrawingFailed);
+  }
+
+  const std::string path;
+  const Drawing data;
+  const ReadResult reading;
+  ReferenceReader reader;
+};
+
+using Show = void (*)(const Resolved& drawing, const Options& options, Session& session);
+
+void print(const Json& line) {
+  std::printf("%s\n", line.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
+}
+
+// What is told of the references on the standard output, what went wrong with them on the other.
+void complain(const Resolved& drawing, const Session& session) {
+  if (!session.quiet && drawing.reader.failures() > 0)
+    Session::complain(drawing.path + ": not every reference is shown:\n" +
+                      drawing.reader.failuresToText());
+}
+
+Json toJson(const CBlockXRef& xref, const CData& data) {
+  return Json{
+      {"name",    xref.getName().toUtf8()                                        },
+      {"path",    xref.getPath().toUtf8()                                        },
+      {"overlay", xref.isOverlay()                                               },
+      {"status",  nameOf(xref.getStatus())                                       },
+      {"file",    xref.getFile().empty() ? Json() : Json(xref.getFile().toUtf8())},
+      {"inserts", data.getDepend().getCount(&xref)                               }
+  };
+}
+
+Json head(const Resolved& drawing, bool ok) {
+  return Json{
+      {"file",  drawing.path                },
+      {"ok",    ok                          },
+      {"error", errorToJson(drawing.reading)}
+  };
+}
+
+void printListJson(const Resolved& drawing, bool ok) {
+  Json line = head(drawing, ok), rows = Json::array();
+  for (const CBlockXRef* xref : References(*drawing.data).all) {
+    Json row = toJson(*xref, *drawing.data), shown = Json::array();
+    for (const CBlockXRef* nested : xref->getNested()) shown.push_back(nested->getName().toUtf8());
+    row["shows"] = std::move(shown);
+    rows.push_back(std::move(row));
+  }
+  line["references"] = std::move(rows);
+  line["report"] = reportToJson(drawing.reader.report());
+  print(line);
+}
+
+std::string countedReferences(std::size_t count) {
+  return counted(count, "reference", "references");
+}
+
+void list(const Resolved& drawing, const Options& options, Session& session) {
+  if (options.json) return printListJson(drawing, drawing.reading.ok());
+  const References references(*drawing.data);
+  std::printf("%s: %s\n", drawing.path.c_str(), countedReferences(references.all.size()).c_str());
+  for (const CBlockXRef* xref : references.all) {
+    const long inserts = drawing.data->getDepend().getCount(xref);
+    std::printf("  %s: %s, %s\n", toText(*xref).c_str(), nameOf(xref->getStatus()),
+                counted(static_cast<std::size_t>(inserts), "insert", "inserts").c_str());
+  }
+  complain(drawing, session);
+}
+
+// Walks a drawing's references and those within them. One that several show is entered
+// once: diamonds upon diamonds have more ways through them than anybody can print.
+class Tree {
+ public:
+  explicit Tree(const Resolved& drawing) : m_drawing(drawing) {}
+
+  void printText() {
+    std::printf("%s\n", m_drawing.path.c_str());
+    for (const CBlockXRef* xref : References(*m_drawing.data).own) printText(*xref, 1);
+  }
+
+  void printJson() {
+    Json line = head(m_drawing, m_drawing.reading.ok());
+    line["references"] = rows(References(*m_drawing.data).own);
+    line["report"] = reportToJson(m_drawing.reader.report());
+    print(line);
+  }
+
+ private:
+  // How deep this goes is bounded by `kMaxXRefDepth`.
+  void printText(const CBlockXRef& xref, int depth) {
+    const bool isNew = m_seen.insert(&xref).second, isLoaded = xref.getStatus() == Status::loaded;
+    std::printf("%*s%s", 2 * depth, "", toText(xref).c_str());
+    if (!isLoaded) std::printf(": %s", nameOf(xref.getStatus()));
+    const bool isRepeated = !isNew && !xref.getNested().empty();
+    std::printf(isRepeated ? ", see above\n" : "\n");
+    if (isRepeated) return;
+    for (const CBlockXRef* nested : xref.getNested()) printText(*nested, depth + 1);
+  }
+
+  Json rows(const std::vector<CBlockXRef*>& xrefs) {
+    Json all = Json::array();
+    for (const CBlockXRef* xref : xrefs) {
+      Json row = toJson(*xref, *m_drawing.data);
+      const bool isNew = m_seen.insert(xref).second;
+      row["repeated"] = !isNew;
+      row["references"] = isNew ? rows(xref->getNested()) : Json::array();
+      all.push_back(std::move(row));
+    }
+    return all;
+  }
+
+  using Status = CBlockXRef::Status;
+  const Resolved& m_drawing;
+  std::unordered_set<const CBlockXRef*> m_seen;
+};
+
+void tree(const Resolved& drawing, const Options& options, Session& session) {
+  if (options.json) return Tree(drawing).printJson();
+  Tree(drawing).printText();
+  complain(drawing, session);
+}
+
+void check(const Resolved& drawing, const Options& options, Session& session) {
+  const long failures = drawing.reader.failures();
+  if (failures > 0) session.failed(kDrawingFailed);
+  if (options.json) return printListJson(drawing, drawing.reading.ok() && failures == 0);
+  if (session.quiet && failures == 0) return;
+  const std::string all = countedReferences(References(*drawing.data).all.size());
+  if (failures == 0) {
+    std::printf("%s: ok, %s\n", drawing.path.c_str(), all.c_str());
+  } else {
+    std::printf("%s: %s, %ld cannot be shown\n", drawing.path.c_str(), all.c_str(), failures);
+  }
+  std::printf("%s", reportToText(drawing.reader.report()).c_str());
+  for (const auto& [name, report] : drawing.reader.readings()) {
+    const std::string losses = lossesToText(report);
+    if (!losses.empty()) std::printf("  %s:\n%s", name.c_str(), losses.c_str());
+  }
+}
+
+void run(const Options& options, Show show, Session& session) {
+  for (const std::string& path : options.files) {
+    const Resolved drawing(path, options, session);
+    if (!drawing.reading.ok() && !options.json) {
+      Session::complain(path + ": " + drawing.reading.message());
+    } else {
+      show(drawing, options, session);
+    }
+  }
+}
+
+void addReading(CLI::App& group, const char* name, const char* help, const char* footer, Show show,
+                Session& session) {
+  auto options = std::make_shared<Options>();
+  CLI::App* verb = group.add_subcommand(name, help);
+  verb->add_option("FILE", options->files, "DXF files; - is the standard input")->required();
+  verb->add_flag("--json", options->json, "One JSON object a line and file");
+  addReferenceOptions(*verb, options->references);
+  verb->footer(footer);
+  verb->callback([options, show, &session] { run(*options, show, session); });
+}
+
+}  // namespace
+
+void addXrefsCommand(CLI::App& app, Session& session) {
+  CLI::App* group =
+      app.add_subcommand("xrefs", "Tell and change what drawings a drawing refers to");
+  group->require_subcommand(1);
+  addReading(*group, "list", "List the references, nested ones too, and what became of each",
+             "Examples:\n"
+             "  vek0 xrefs list site.dxf\n"
+             "  vek0 xrefs list --json --search /library *.dxf | jq -r '.references[].file'",
+             list, session);
+  addReading(*group, "tree", "Show which drawing refers to which",
+             "Examples:\n"
+             "  vek0 xrefs tree site.dxf",
+             tree, session);
+  addReading(*group, "check", "Say ok, or which references cannot be shown and why",
+             "Examples:\n"
+             "  vek0 xrefs check *.dxf       one line a file; exit code 1 if a reference fails\n"
+             "  vek0 xrefs check site.dxf --search /library --allow /projects",
+             check, session);
+  addXrefSteps(*group, session);
+  group->footer(
+      "Examples:\n"
+      "  vek0 xrefs tree site.dxf\n"
+      "  vek0 xrefs bind site.dxf --all -o whole.dxf\n\n"
+      "A file is looked for as the path says, seen from the drawing that holds the reference, "
+      "then\n"
+      "by its bare name in that drawing's folder, then in each folder given by --search. It must\n"
+      "lie in or below the folder of FILE, or a folder given by --search or --allow.");
+}
+
+}  // namespace vek0::tool
