@@ -17,6 +17,8 @@ constexpr auto kNote = ReportSeverity::Note, kRepair = ReportSeverity::Repair,
 constexpr Code kCodes[] = {
     {"block renamed",       kNote  },
     {"section skipped",     kNote  },
+    {"reference overlaid",  kNote  },
+    {"reference renamed",   kNote  },
     {"on paper",            kNote  },
     {"layer undeclared",    kRepair},
     {"style unknown",       kRepair},

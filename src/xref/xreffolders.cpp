@@ -161,7 +161,7 @@ struct CXRefFolders::Folders {
   // In the folder, or wherever the path says if it is absolute; then by the bare name.
   Found lookFrom(const fs::path& folder, const fs::path& path, zim::WString& file) {
     const Found found = look((folder / path).lexically_normal(), file);
-    if (found == Found::Yes || !path.has_filename()) return found;
+    if (found == Found::Yes || !path.has_filename() || path == path.filename()) return found;
     const Found byName = look(folder / path.filename(), file);
     return byName == Found::Yes ? byName : std::max(found, byName);
   }

@@ -12,8 +12,8 @@ enum class ReportSeverity {
   Loss,    ///< something that the file holds is not in the drawing, nor in what is saved of it
 };
 
-/// The severity of a code that reading notes (see `CFileDXFIOptions`); `Loss` for codes that
-/// are not known.
+/// The severity of a code that reading notes (see `CFileDXFIOptions` and `CXRefOptions`); `Loss`
+/// for codes that are not known.
 VEK0_API ReportSeverity severityOf(std::string_view code);
 
 /// "note", "repair", "change" or "loss".
