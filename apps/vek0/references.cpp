@@ -54,12 +54,9 @@ std::string ReferenceReader::failuresToText() const { return lossesToText(m_repo
 
 References::References(const CData& data) {
   const CBlockXRefTable& table = data.getBlockXRefTable();
-  for (int i = 0; i < table.size(); ++i) {
-    all.push_back(table[i]);
-    nested.insert(table[i]->getNested().begin(), table[i]->getNested().end());
-  }
+  for (int i = 0; i < table.size(); ++i) all.push_back(table[i]);
   for (CBlockXRef* xref : all)
-    if (!isNested(*xref) || data.getDepend().getCount(xref) > 0) own.push_back(xref);
+    if (xref->getShows() == 0 || data.getDepend().getCount(xref) > 0) own.push_back(xref);
 }
 
 const char* nameOf(CBlockXRef::Status status) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -53,10 +52,7 @@ class ReferenceReader {
 struct References {
   explicit References(const CData& data);
 
-  bool isNested(const CBlockXRef& xref) const { return nested.count(&xref) != 0; }
-
   std::vector<CBlockXRef*> all;
-  std::unordered_set<const CBlockXRef*> nested;  ///< shown by others
   /// Those that the drawing itself refers to: that it inserts, or that no other one shows.
   std::vector<CBlockXRef*> own;
 };

@@ -1,7 +1,6 @@
 #include "xrefsteps.h"
 
 #include <algorithm>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -58,16 +57,14 @@ class Work {
       if (xref->getStatus() != CBlockXRef::Status::loaded)
         return fail(toText(*xref) + " is " + nameOf(xref->getStatus()) + " and cannot be bound");
     }
-    return each(*chosen, "bound",
-                [&](CBlockXRef& xref) { return bindXRef(m_data, m_undo, xref) != nullptr; });
+    return edit(*chosen, "bound", bindXRefs);
   }
 
   // Read first, so that what only these references show goes with them.
   bool detach(const Options& options) {
     m_reader.resolve(m_data);
     const auto chosen = choose(options);
-    return chosen && each(*chosen, "detached",
-                          [&](CBlockXRef& xref) { return detachXRef(m_data, m_undo, xref); });
+    return chosen && edit(*chosen, "detached", detachXRefs);
   }
 
   bool repath(const RepathOptions& options) {
@@ -125,8 +122,7 @@ class Work {
     if (CBlockXRef* exact = m_data.getBlockXRefTable().get(wanted)) return {exact};
     std::vector<CBlockXRef*> found;
     for (CBlockXRef* xref : references.all)
-      if (!references.isNested(*xref) && matchesPattern(xref->getName(), wanted))
-        found.push_back(xref);
+      if (xref->getShows() == 0 && matchesPattern(xref->getName(), wanted)) found.push_back(xref);
     return found;
   }
 
@@ -141,7 +137,7 @@ class Work {
       const std::vector<CBlockXRef*> found = matching(references, name);
       if (found.empty()) isGood = fail("there is no reference " + name);
       for (CBlockXRef* xref : found) {
-        if (references.isNested(*xref))
+        if (xref->getShows() > 0)
           isGood =
               fail(toText(*xref) + " is shown by another reference, and comes and goes with it");
         if (seen.insert(xref).second) chosen.push_back(xref);
@@ -151,14 +147,14 @@ class Work {
     return chosen;
   }
 
-  bool each(const std::vector<CBlockXRef*>& chosen, const char* done,
-            const std::function<bool(CBlockXRef&)>& work) {
-    for (CBlockXRef* xref : chosen) {
-      const std::string name = toText(*xref);
-      if (!work(*xref)) return fail(name + " cannot be " + done + ", there is not enough memory");
-      say(name + ": " + done);
-    }
-    if (chosen.empty()) say("there is no reference");
+  using Edit = bool (*)(CData& data, CUndoStack& undo, const std::vector<CBlockXRef*>& xrefs);
+
+  bool edit(const std::vector<CBlockXRef*>& chosen, const char* done, Edit work) {
+    std::vector<std::string> names;
+    for (const CBlockXRef* xref : chosen) names.push_back(toText(*xref));
+    if (!work(m_data, m_undo, chosen)) return fail("there is not enough memory");
+    for (const std::string& name : names) say(name + ": " + done);
+    if (names.empty()) say("there is no reference");
     return true;
   }
 
