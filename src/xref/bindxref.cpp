@@ -75,6 +75,8 @@ class Binder {
       items.ChangeInto(xref.getStyleTable()[i], m_map(xref.getStyleTable()[i]));
   }
 
+  CLtype* ltypeFor(CLtype* ltype) const { return m_map(ltype); }
+
  private:
   struct Nesting {
     CBlockXRef* xref;
@@ -201,7 +203,9 @@ bool bindXRefs(CData& data, CUndoStack& undo, const std::vector<CBlockXRef*>& xr
   const XRefs going = vek0::detail::shownOnlyBy(xrefs);
   CTableRemapper items(data, false);
   for (const CBlockXRef* gone : going) binder.leaveItems(*gone, items);
-  return items.Remap(undo) && vek0::detail::removeXRefs(data, undo, going) && step.done();
+  const auto bound = [&binder](CLtype* ltype) { return binder.ltypeFor(ltype); };
+  return items.Remap(undo) && vek0::detail::leaveLtypes(data, undo, going, bound) &&
+         vek0::detail::removeXRefs(data, undo, going) && step.done();
 } catch (const std::bad_alloc&) {
   return false;
 }

@@ -33,11 +33,11 @@ std::vector<CEnt*> insertsOf(CData& data, const XRefs& xrefs) {
 }
 
 XRefs shownOnlyBy(const XRefs& xrefs) {
-  const std::unordered_set<const CBlockXRef*> asked(xrefs.begin(), xrefs.end());
+  std::unordered_set<const CBlockXRef*> asked;
   std::unordered_map<const CBlockXRef*, long> passed;  // of the references that show it
   XRefs going;
   for (CBlockXRef* xref : xrefs)
-    if (xref->getShows() == 0) going.push_back(xref);
+    if (asked.insert(xref).second && xref->getShows() == 0) going.push_back(xref);
   for (std::size_t i = 0; i < going.size(); ++i)
     for (CBlockXRef* nested : going[i]->getNested())
       if (++passed[nested] == nested->getShows() &&
@@ -52,6 +52,21 @@ bool areOutermost(const CData& data, const XRefs& xrefs) {
   return std::all_of(xrefs.begin(), xrefs.end(), [&](const CBlockXRef* xref) {
     return data.getBlockXRefTable().contains(xref) && gone.count(xref) != 0;
   });
+}
+
+bool leaveLtypes(CData& data, CUndoStack& undo, const XRefs& going,
+                 const std::function<CLtype*(CLtype*)>& standIn) {
+  const std::unordered_set<const CBlockXRef*> owners(going.begin(), going.end());
+  const auto isTheirs = [&owners](const auto& item) { return owners.count(&item.getXRef()) != 0; };
+  for (CData::CLayerIterator layer(data, true); *layer != nullptr; ++layer) {
+    CLtype* ltype = (*layer)->getLtype();
+    if (!(*layer)->isXRef() || isTheirs(static_cast<const CLayerXRef&>(**layer))) continue;
+    if (ltype == nullptr || !ltype->isXRef() || !isTheirs(static_cast<const CLtypeXRef&>(*ltype)))
+      continue;
+    if (!undo.keep(**layer)) return false;
+    (*layer)->setLtype(standIn(ltype));
+  }
+  return true;
 }
 
 bool removeXRefs(CData& data, CUndoStack& undo, const XRefs& going) {

@@ -2,6 +2,7 @@
 
 // What detaching and binding have in common.
 
+#include <functional>
 #include <vector>
 
 #include "vek0core/drawing/undostack.h"
@@ -9,6 +10,7 @@
 class CBlockXRef;
 class CData;
 class CEnt;
+class CLtype;
 
 namespace vek0::detail {
 
@@ -40,6 +42,11 @@ XRefs shownOnlyBy(const XRefs& xrefs);
 
 /// Whether all are in the drawing and nothing but others of them shows them.
 bool areOutermost(const CData& data, const XRefs& xrefs);
+
+/// Puts layers of other references, which a host may have given linetypes of these, on what
+/// stands for those. False when memory ends.
+bool leaveLtypes(CData& data, CUndoStack& undo, const XRefs& going,
+                 const std::function<CLtype*(CLtype*)>& standIn);
 
 /// Takes references out, in that order, with text styles that are named after them. Those
 /// that are still used stay.

@@ -18,11 +18,13 @@ namespace {
 using vek0::detail::areOutermost;
 using vek0::detail::EditStep;
 using vek0::detail::insertsOf;
+using vek0::detail::leaveLtypes;
 using vek0::detail::removeXRefs;
 using vek0::detail::shownOnlyBy;
 
+// Names with an asterisk are those of blocks that a program made.
 bool isFree(const CData& data, const zim::WString& name) {
-  return !name.empty() && name.view().find(u'|') == std::u16string_view::npos &&
+  return !name.empty() && name[0] != u'*' && name.view().find(u'|') == std::u16string_view::npos &&
          data.getBlockTable().get(name) == nullptr && data.getBlockXRefTable().get(name) == nullptr;
 }
 
@@ -59,7 +61,9 @@ bool detachXRefs(CData& data, CUndoStack& undo, const std::vector<CBlockXRef*>& 
   const std::vector<CBlockXRef*> going = shownOnlyBy(xrefs);
   CTableRemapper items(data, false);
   for (CBlockXRef* gone : going) leaveItems(data, *gone, items);
-  return items.Remap(undo) && removeXRefs(data, undo, going) && step.done();
+  const auto continuous = [&data](CLtype*) { return &data.getLtypeContinuous(); };
+  return items.Remap(undo) && leaveLtypes(data, undo, going, continuous) &&
+         removeXRefs(data, undo, going) && step.done();
 } catch (const std::bad_alloc&) {
   return false;
 }

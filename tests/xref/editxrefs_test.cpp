@@ -83,7 +83,7 @@ TEST(AttachXRef, RefusesNamesThatAreTakenOrNone) {
   CData& data = sheet.data();
   vek0::test::addedBlock(data, u"BLOCK");
   CUndoStack undo(data);
-  for (const char16_t* name : {u"", u"A|B", u"house", u"Block"})
+  for (const char16_t* name : {u"", u"A|B", u"*U1", u"house", u"Block"})
     EXPECT_EQ(attachXRef(data, undo, name, u"p.dxf", PNT_3D(0, 0, 0), false), nullptr);
   EXPECT_EQ(undo.getNoUndo(), 0u);
   expectTurnsBack(data, undo, [&] {
@@ -207,7 +207,9 @@ TEST(BindXRef, MakesWhatIsShownTheDrawingsOwn) {
       EXPECT_NE(data.getBlockTable().get(name), nullptr);
     EXPECT_EQ(getLayer(data, u"HOUSE$0$WALL")->getColor(), 6);
     EXPECT_NE(getLayer(data, u"FURNITURE$0$WOOD"), nullptr);
-    if (used) EXPECT_EQ(getCurLayer(data), getLayer(data, u"HOUSE$0$WALL"));
+    if (used) {
+      EXPECT_EQ(getCurLayer(data), getLayer(data, u"HOUSE$0$WALL"));
+    }
     EXPECT_EQ(saved(data).find('|'), std::string::npos);
 
     undo.clear();
