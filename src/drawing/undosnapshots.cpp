@@ -50,7 +50,19 @@ std::size_t heapBytes(const CLtype& ltype) {
 
 }  // namespace
 
+ContentMark::ContentMark(const CEnt& ent) : m_xref(nullptr), m_noContents(0) {
+  const CBlock* owner = ent.getOwnerBlock();
+  if (owner == nullptr) return;
+  m_xref = owner->isXRef() ? static_cast<const CBlockXRef*>(owner) : owner->getContentOf();
+  if (m_xref != nullptr) m_noContents = m_xref->getNoContents();
+}
+
+bool ContentMark::isGone() const {
+  return m_xref != nullptr && m_xref->getNoContents() != m_noContents;
+}
+
 bool PropertiesSnapshot::swap(CData& data) {
+  if (m_mark.isGone()) return true;
   std::unique_ptr<CEntBaseMemento> present(m_ent.createBaseMemento());
   if (present == nullptr) return false;
   std::optional<UncountedEdit> edit;
@@ -62,6 +74,7 @@ bool PropertiesSnapshot::swap(CData& data) {
 }
 
 bool GeometrySnapshot::swap(CData& data) {
+  if (m_mark.isGone()) return true;
   std::unique_ptr<IEntDerivedMemento> present(m_ent.createDerivedMemento());
   if (present == nullptr) return false;
   std::optional<UncountedEdit> edit;
@@ -75,7 +88,7 @@ bool GeometrySnapshot::swap(CData& data) {
 // A hatch's snapshot holds for the block that the hatch shows, and another action of the
 // same step may have changed that.
 const void* GeometrySnapshot::snapshotOf() const {
-  return m_ent.getType() == CEntHatch::kType ? nullptr : &m_ent;
+  return m_mark.isGone() || m_ent.getType() == CEntHatch::kType ? nullptr : &m_ent;
 }
 
 template <class Item, class Memento>

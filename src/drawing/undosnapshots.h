@@ -10,21 +10,37 @@
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/entmemento.h"
 
+class CBlockXRef;
+
 namespace vek0::detail {
+
+/// Whether a reference that an entity is in has been given other content since: the entity is
+/// gone then, and so is what there was to take back.
+class ContentMark {
+ public:
+  explicit ContentMark(const CEnt& ent);
+  bool isGone() const;
+
+ private:
+  const CBlockXRef* m_xref;  // null in the drawing's own content
+  unsigned long m_noContents;
+};
 
 /// Layer, linetype and colour of an entity.
 class PropertiesSnapshot final : public UndoAction {
  public:
   static constexpr int kPart = 0;
 
-  explicit PropertiesSnapshot(CEnt& ent) : m_ent(ent), m_memento(ent.createBaseMemento()) {}
+  explicit PropertiesSnapshot(CEnt& ent)
+      : m_ent(ent), m_mark(ent), m_memento(ent.createBaseMemento()) {}
   bool isValid() const { return m_memento != nullptr; }
   bool swap(CData& data) override;
   std::size_t size() const override { return sizeof *this + sizeof *m_memento; }
-  const void* snapshotOf() const override { return &m_ent; }
+  const void* snapshotOf() const override { return m_mark.isGone() ? nullptr : &m_ent; }
 
  private:
   CEnt& m_ent;
+  ContentMark m_mark;
   std::unique_ptr<CEntBaseMemento> m_memento;
 };
 
@@ -33,7 +49,8 @@ class GeometrySnapshot final : public UndoAction {
  public:
   static constexpr int kPart = 1;
 
-  explicit GeometrySnapshot(CEnt& ent) : m_ent(ent), m_memento(ent.createDerivedMemento()) {}
+  explicit GeometrySnapshot(CEnt& ent)
+      : m_ent(ent), m_mark(ent), m_memento(ent.createDerivedMemento()) {}
   bool isValid() const { return m_memento != nullptr; }
   bool swap(CData& data) override;
   std::size_t size() const override { return sizeof *this + m_memento->size(); }
@@ -42,6 +59,7 @@ class GeometrySnapshot final : public UndoAction {
 
  private:
   CEnt& m_ent;
+  ContentMark m_mark;
   std::unique_ptr<IEntDerivedMemento> m_memento;
 };
 

@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "drawing/itemuse.h"
 #include "drawing/undomembers.h"
 #include "drawing/undosnapshots.h"
 #include "entities/newornull.h"
@@ -28,15 +29,7 @@ namespace {
 
 constexpr std::size_t kAllocatorBytes = 16;  // what a heap object takes beside itself
 
-bool isUsed(const CData& data, const CLayer& layer) {
-  return layer.getEntities() > 0 || data.getVars().getCurLayer() == &layer;
-}
-bool isUsed(const CData& data, const CLtype& ltype) {
-  return ltype.getEntities() > 0 || ltype.getLayers() > 0 || data.getVars().getCurLtype() == &ltype;
-}
-bool isUsed(const CData& data, const CStyle& style) {
-  return style.getEntities() > 0 || style.getDashes() > 0 || data.getVars().getCurStyle() == &style;
-}
+using vek0::detail::isUsed;
 bool isUsed(const CData&, const CBlock& block) { return block.getEntities() > 0; }
 
 // Whether an item of the drawing names one of the reference, or another reference shows it.
@@ -69,6 +62,21 @@ bool isUsed(const CData& data, const CBlockXRef& xref) {
 bool isIdleHatchBlock(const CBlockTable& table, const CBlock* block) {
   return block != nullptr && table.contains(block) && isHatchName(block->getName()) &&
          block->getEntities() <= 0;
+}
+
+// Steps may bring back what names items that references have retired meanwhile.
+void reinstateUsed(CData& data) try {
+  for (int i = 0; i < data.getBlockXRefTable().size(); ++i)
+    data.getBlockXRefTable()[i]->reinstate([&](const auto& item) { return isUsed(data, item); });
+} catch (const std::bad_alloc&) {
+  // The next step does it.
+}
+
+// What a reference shows is read anew: edits of it would have nothing to go back to.
+bool isContent(const CBlock* block) {
+  if (block == nullptr || block->getContentOf() != nullptr) return block != nullptr;
+  return block->isXRef() &&
+         static_cast<const CBlockXRef*>(block)->getStatus() == CBlockXRef::Status::loaded;
 }
 
 void forgetTargets(PointerSet (&targets)[2]) {
@@ -123,6 +131,7 @@ bool CUndoStack::commit() {
 void CUndoStack::rollback() {
   if (m_depth == 0) return;
   unwind(0);
+  reinstateUsed(m_data);
   m_depth = 0;
   m_open.clear();
   forgetTargets(m_kept);
@@ -135,6 +144,7 @@ void CUndoStack::unwind(std::size_t count) {
 
 bool CUndoStack::undo() {
   if (m_depth != 0 || m_done.empty() || !swapAll(m_done.back(), false)) return false;
+  reinstateUsed(m_data);
   m_undone.splice(m_undone.end(), m_done, std::prev(m_done.end()));
   measure(m_undone.back());
   return true;
@@ -142,6 +152,7 @@ bool CUndoStack::undo() {
 
 bool CUndoStack::redo() {
   if (m_depth != 0 || m_undone.empty() || !swapAll(m_undone.back(), true)) return false;
+  reinstateUsed(m_data);
   m_done.splice(m_done.end(), m_undone, std::prev(m_undone.end()));
   measure(m_done.back());
   return true;
@@ -333,7 +344,7 @@ bool CUndoStack::add(CEnt* ent) {
 }
 
 bool CUndoStack::add(CBlock& block, CEnt* ent) {
-  if (ent == nullptr || ent->isHeld()) return false;
+  if (ent == nullptr || ent->isHeld() || isContent(&block)) return false;
   const CBlockGraph& graph = m_data.getBlockTable().getBlockGraph();
   const CEntInsertBase* insert = ent->getEntInsert();
   CBlock* inner = insert != nullptr ? insert->getBlock() : nullptr;
@@ -348,7 +359,7 @@ bool CUndoStack::add(CBlock& block, CEnt* ent) {
 bool CUndoStack::remove(CEnt* ent) {
   if (ent == nullptr) return false;
   CBlock* owner = ent->getOwnerBlock();
-  if (owner == nullptr && !m_data.getEntTable().contains(ent)) return false;
+  if (owner == nullptr ? !m_data.getEntTable().contains(ent) : isContent(owner)) return false;
   const AutoStep step(*this);
   const std::size_t before = actions().size();
   const bool removed = owner != nullptr ? perform(newAction<BlockEntMembership>(*owner, *ent, true))

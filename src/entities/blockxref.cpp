@@ -19,7 +19,7 @@ const zim::WString& compose(const CBlockXRef& xref, const zim::WString& name,
 
 // Takes an item out of the table and keeps it.
 template <class Table, class Item>
-void retireFrom(Table& table, std::vector<std::unique_ptr<CNamedItem>>& retired, Item* item) {
+void retireFrom(Table& table, std::vector<std::unique_ptr<Item>>& retired, Item* item) {
   retired.emplace_back();  // first: this alone can fail
   table.remove(item);
   retired.back().reset(item);
@@ -47,6 +47,7 @@ const PNT_3D& CBlockXRef::getContentBase() const {
 
 void CBlockXRef::setContent(std::vector<std::unique_ptr<CEnt>> entities, Blocks blocks) {
   if (isHeld()) countNested(-1);
+  ++m_noContents;
   disposeEntities();
   m_blocks = std::move(blocks);
   for (const std::unique_ptr<CBlock>& block : m_blocks) block->m_contentOf = this;
@@ -73,16 +74,28 @@ void CBlockXRef::noteNested(const CBlock& block, std::unordered_set<const CBlock
 }
 
 void CBlockXRef::retire(CLayer* layer) {
-  layer->setLtype(nullptr);
+  strip(*layer);
   retireFrom(m_layers, m_retiredLayers, layer);
 }
 
 void CBlockXRef::retire(CLtype* ltype) {
   retireFrom(m_ltypes, m_retiredLtypes, ltype);
-  ltype->ClearDashes();
+  strip(*ltype);
 }
 
 void CBlockXRef::retire(CStyle* style) { retireFrom(m_styles, m_retiredStyles, style); }
+
+// The table counts the layer on its linetype from then on.
+void CBlockXRef::putBack(CLayer& layer) {
+  CLtype* ltype = layer.getLtype();
+  strip(layer);
+  m_layers.add(&layer);
+  layer.setLtype(ltype != nullptr ? ltype : m_ltypes.getLtypeContinuous());
+  if (ltype != nullptr || !layer.isXRef()) return;
+  // That is not the host's wish: the layer follows its file when it is in there again.
+  std::optional<CLayerXRef::Look>& told = static_cast<CLayerXRef&>(layer).m_told;
+  if (told) told->ltype = layer.getLtype();
+}
 
 void CBlockXRef::init(const zim::WString& path, const PNT_3D& base, long flags) {
   m_path = path;

@@ -33,53 +33,53 @@ class FileGraph {
   // Notes that one refers to the other. Where that closes a circle, or nests drawings too
   // deep by any way from the outermost, answers what is wrong, and nothing is noted.
   const char* add(const zim::WString& from, const zim::WString& to) {
-    if (leads(to, from)) return "reference circular";
-    if (!sink(to, levelOf(from) + 1)) return "reference too deep";
-    m_nodes[from].refersTo.push_back(to);
+    Node& outer = m_nodes[from];
+    Node& inner = m_nodes[to];
+    if (leads(inner, outer)) return "reference circular";
+    if (!sink(inner, outer.level + 1)) return "reference too deep";
+    outer.refersTo.push_back(&inner);
     return nullptr;
   }
 
  private:
   struct Node {
     int level = 1;  // the most drawings that are around it
-    std::vector<zim::WString> refersTo;
+    std::vector<Node*> refersTo;
   };
 
-  int levelOf(const zim::WString& file) { return m_nodes[file].level; }
-
-  bool leads(const zim::WString& from, const zim::WString& to) const {
-    std::unordered_set<zim::WString> met{from};
-    std::vector<zim::WString> open{from};
+  // Levels rise on the way, so nothing leads on from as low as the end: without that every
+  // drawing that shows one of many references would walk through all of them.
+  static bool leads(const Node& from, const Node& to) {
+    std::unordered_set<const Node*> met{&from};
+    std::vector<const Node*> open{&from};
     while (!open.empty()) {
-      const zim::WString file = open.back();
+      const Node* node = open.back();
       open.pop_back();
-      if (file == to) return true;
-      const auto node = m_nodes.find(file);
-      if (node == m_nodes.end()) continue;
-      for (const zim::WString& next : node->second.refersTo)
+      if (node == &to) return true;
+      if (node->level >= to.level) continue;
+      for (const Node* next : node->refersTo)
         if (met.insert(next).second) open.push_back(next);
     }
     return false;
   }
 
   // Brings a drawing to that level at least, and what it refers to below; all or nothing.
-  bool sink(const zim::WString& file, int level) {
+  static bool sink(Node& top, int level) {
     std::vector<std::pair<Node*, int>> before;
-    std::vector<std::pair<zim::WString, int>> open{
-        {file, level}
+    std::vector<std::pair<Node*, int>> open{
+        {&top, level}
     };
     while (!open.empty()) {
-      const auto [top, least] = open.back();
+      const auto [node, least] = open.back();
       open.pop_back();
       if (least > kMaxXRefDepth) {
         for (std::size_t i = before.size(); i-- > 0;) before[i].first->level = before[i].second;
         return false;
       }
-      Node& node = m_nodes[top];
-      if (node.level >= least) continue;
-      before.emplace_back(&node, node.level);
-      node.level = least;
-      for (const zim::WString& next : node.refersTo) open.emplace_back(next, least + 1);
+      if (node->level >= least) continue;
+      before.emplace_back(node, node->level);
+      node->level = least;
+      for (Node* next : node->refersTo) open.emplace_back(next, least + 1);
     }
     return true;
   }
@@ -109,9 +109,8 @@ class Resolving {
 
   void resolveOne(CBlockXRef& one) {
     const std::unordered_set<const CBlockXRef*> anew = shownBy(one);
-    for (const CBlockXRef* xref : listed())
-      for (const CBlockXRef* nested : xref->getNested())
-        if (anew.count(xref) == 0) m_graph.add(xref->getFile(), nested->getFile());
+    for (CBlockXRef* xref : listed())
+      if (anew.count(xref) == 0) noteStaying(*xref);
     schedule(one);
     run();
     settle();
@@ -132,6 +131,12 @@ class Resolving {
     const CBlockXRefTable& table = m_data.getBlockXRefTable();
     for (int i = 0; i < table.size(); ++i) xrefs.push_back(table[i]);
     return xrefs;
+  }
+
+  void noteStaying(CBlockXRef& xref) {
+    for (const CBlockXRef* nested : xref.getNested())
+      m_graph.add(xref.getFile(), nested->getFile());
+    if (!xref.getNested().empty()) vek0::detail::noteItems(xref, m_present);
   }
 
   // The reference and all that it shows.
@@ -185,14 +190,17 @@ class Resolving {
       case Found::Yes:
         break;
     }
-    if (job.place.file != m_options.drawing) return read(job);
-    xref.setStatus(Status::refused);
-    return "reference circular";
+    if (job.place.file == m_options.drawing) {
+      xref.setStatus(Status::refused);
+      return "reference circular";
+    }
+    const char* fault = read(job);
+    if (fault) xref.setStatus(Status::broken);
+    return fault;
   }
 
+  // What is wrong; null also for what is cancelled, which is left as it was.
   const char* read(const Job& job) {
-    const Status before = job.xref->getStatus();
-    job.xref->setStatus(Status::broken);
     for (int reading = 0; reading < kReadings; ++reading) {
       const zim::WString state = m_resolver.getState(job.place.file);
       const CDataPtr drawing(CDataFactory().createData());
@@ -205,19 +213,19 @@ class Resolving {
       if (m_resolver.getState(job.place.file) != state) continue;
       if (m_options.onRead) m_options.onRead(*job.xref, result, report);
       m_isCancelled = result.status == CFileDXFIResult::Cancelled;
-      if (m_isCancelled) job.xref->setStatus(before);
       if (result.status == CFileDXFIResult::Done) take(job, result, *drawing);
-      return job.xref->getStatus() == Status::broken ? "reference broken" : nullptr;
+      return m_isCancelled || result.status == CFileDXFIResult::Done ? nullptr : "reference broken";
     }
     return "reference changing";
   }
 
   void take(const Job& job, const CFileDXFIResult& result, const CData& drawing) {
-    XRefContent content(m_data, *job.xref, drawing);
+    XRefContent content(m_data, *job.xref, drawing, m_present);
     const CBlockXRefTable& nested = drawing.getBlockXRefTable();
     for (int i = 0; i < nested.size(); ++i)
       content.stand(*nested[i], isShown(*nested[i], job) ? standIn(*nested[i], job) : nullptr);
     content.adopt();
+    m_read.push_back(job.xref);
     job.xref->setOwnBase(result.insertionBase);
     job.xref->setStatus(Status::loaded);
   }
@@ -268,11 +276,13 @@ class Resolving {
   bool isFor(CBlockXRef& xref, const CBlockXRef& nested, const Place& place, const Job& job) {
     const auto known = m_files.find(&xref);
     const zim::WString& file = known != m_files.end() ? known->second : xref.getFile();
-    if (!file.empty() && file == place.file) return true;
     const bool isTaken = known != m_files.end() || xref.getEntities() > 0;
-    if (xref.getPath() == nested.getPath() && (!isTaken || file.empty())) return true;
+    if (xref.getPnt() == nested.getPnt()) {
+      if (!file.empty() && file == place.file) return true;
+      if (xref.getPath() == nested.getPath() && (!isTaken || file.empty())) return true;
+    }
     if (isTaken || !isFree(xref, *job.xref)) return false;
-    xref.setPath(nested.getPath());
+    m_data.getBlockFactory().initXRef(xref, nested.getPath(), nested.getPnt(), xref.getFlags());
     return true;
   }
 
@@ -290,8 +300,11 @@ class Resolving {
     m_options.report->add(code, 0, prefix + xref.getName() + u": " + xref.getPath());
   }
 
-  // What changed may be inside of anything.
+  // What changed may be inside of anything. Nothing goes where reading was cancelled: what was
+  // not read anew may be on it.
   void settle() {
+    for (CBlockXRef* xref : m_read)
+      if (!m_isCancelled) vek0::detail::retireOthers(m_data, *xref, m_present);
     const CBlockXRefTable& xrefs = m_data.getBlockXRefTable();
     for (int i = 0; i < xrefs.size(); ++i) {
       for (const auto& block : xrefs[i]->getBlocks()) block->invalidateBdry();
@@ -307,6 +320,8 @@ class Resolving {
   FileGraph m_graph;
   std::deque<Job> m_jobs;
   std::unordered_map<const CBlockXRef*, zim::WString> m_files;  // of the references met so far
+  std::vector<CBlockXRef*> m_read;
+  vek0::detail::Items m_present;  // what the content of references is on
   bool m_isCancelled = false;
 };
 
@@ -331,6 +346,7 @@ int resolveXRefs(CData& data, IXRefResolver& resolver, const CXRefOptions& optio
 
 bool resolveXRef(CData& data, CBlockXRef& xref, IXRefResolver& resolver,
                  const CXRefOptions& options) {
+  if (!data.getBlockXRefTable().contains(&xref)) return false;
   try {
     Resolving(data, resolver, options).resolveOne(xref);
   } catch (const std::bad_alloc&) {

@@ -3,6 +3,8 @@
 #include <utility>
 #include <vector>
 
+#include "drawing/everyentity.h"
+#include "drawing/itemuse.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/blockfactory.h"
 #include "vek0core/entities/blockgraph.h"
@@ -29,8 +31,34 @@ void retireUnless(CBlockXRef& xref, const Table& table, const Unused& isKept) {
 
 }  // namespace
 
-XRefContent::XRefContent(CData& data, CBlockXRef& xref, const CData& src)
-    : m_data(data), m_xref(xref), m_src(src) {
+void noteItems(CBlockXRef& xref, Items& items) {
+  const auto noteEnt = [&items](const CEnt& ent) {
+    items.insert(ent.getLayer());
+    items.insert(ent.getLtype());
+  };
+  const auto note = [&](CBlock& block) {
+    for (unsigned i = 0; i < block.size(); ++i) {
+      noteEnt(*block[i]);
+      forEveryAttrib(*block[i], noteEnt);
+    }
+  };
+  note(xref);
+  for (const auto& block : xref.getBlocks()) note(*block);
+}
+
+void retireOthers(const CData& data, CBlockXRef& xref, const Items& items) {
+  const auto isKept = [&](const auto& item) {
+    return items.count(&item) != 0 || isUsed(data, item);
+  };
+  retireUnless(xref, xref.getLayerTable(), isKept);
+  retireUnless(xref, xref.getLtypeTable(), isKept);
+  retireUnless(xref, xref.getStyleTable(),
+               [&](const CStyle& style) { return isKept(style) || style.isStandard(); });
+}
+
+XRefContent::XRefContent(CData& data, CBlockXRef& xref, const CData& src, Items& present)
+    : m_data(data), m_xref(xref), m_src(src), m_present(present) {
+  xref.reinstate([](const CNamedItem&) { return true; });  // to be found again by name
   adoptFixed();
   adoptStyles();
 }
@@ -90,29 +118,31 @@ void XRefContent::adoptItem(const CLayer& from, CBlockXRef& to, const zim::WStri
   m_present.insert(layer);
 }
 
-// A drawing may put entities of its own on items of what it refers to. Where that is left
-// out they find these items here, named as if it were bound.
 void XRefContent::stand(const CBlockXRef& nested, CBlockXRef* here) {
   m_map.add<CBlock>(&nested, here);
-  const zim::WString prefix = here != nullptr ? zim::WString() : nested.getName() + u"$0$";
-  CBlockXRef& to = here != nullptr ? *here : m_xref;
-  for (int i = 0; i < nested.getLtypeTable().size(); ++i) {
-    const CLtype& ltype = *nested.getLtypeTable()[i];
-    if (ltype.getEntities() + ltype.getLayers() > 0) adoptItem(ltype, to, prefix + ltype.getName());
-  }
-  for (int i = 0; i < nested.getLayerTable().size(); ++i) {
-    const CLayer& layer = *nested.getLayerTable()[i];
-    if (layer.getEntities() > 0) adoptItem(layer, to, prefix + layer.getName());
+  m_nested.emplace_back(&nested, here);
+}
+
+// A drawing may put entities of its own on items of what it refers to. Where that is left
+// out they find these items here, named as if it were bound.
+template <class Table>
+void XRefContent::adoptItems(const Table& (CData::*own)() const,
+                             const Table& (CBlockXRef::*dependent)() const) {
+  const Table& table = (m_src.*own)();
+  for (int i = 0; i < table.size(); ++i) adoptItem(*table[i], m_xref, table[i]->getName());
+  for (const auto& [nested, here] : m_nested) {
+    const Table& items = (nested->*dependent)();
+    const zim::WString prefix = here != nullptr ? zim::WString() : nested->getName() + u"$0$";
+    for (int i = 0; i < items.size(); ++i)
+      if (isUsed(m_src, *items[i]))
+        adoptItem(*items[i], here != nullptr ? *here : m_xref, prefix + items[i]->getName());
   }
 }
 
 void XRefContent::adopt() {
-  const CLtypeTable& ltypes = m_src.getLtypeTable();
-  for (int i = 0; i < ltypes.size(); ++i) adoptItem(*ltypes[i], m_xref, ltypes[i]->getName());
-  const CLayerTable& layers = m_src.getLayerTable();
-  for (int i = 0; i < layers.size(); ++i) adoptItem(*layers[i], m_xref, layers[i]->getName());
+  adoptItems<CLtypeTable>(&CData::getLtypeTable, &CBlockXRef::getLtypeTable);
+  adoptItems<CLayerTable>(&CData::getLayerTable, &CBlockXRef::getLayerTable);
   fill();
-  retireOthers();
 }
 
 bool XRefContent::isShown(const CEnt& ent) const {
@@ -135,23 +165,6 @@ void XRefContent::fill() {
   for (const CEnt* ent : m_src.getEntTable().getEntityTbl())
     if (isShown(*ent)) entities.push_back(cloneOnto(m_data, m_map, *ent));
   m_xref.setContent(std::move(entities), std::move(blocks));
-}
-
-// What the drawing itself has on an item keeps it.
-void XRefContent::retireOthers() {
-  const auto isCurrent = [this](const CNamedItem* item) {
-    const CDataVariables& vars = m_data.getVars();
-    return item == vars.getCurLayer() || item == vars.getCurLtype() || item == vars.getCurStyle();
-  };
-  const auto isKept = [&](const CNamedItem& item) {
-    return m_present.count(&item) != 0 || item.getEntities() > 0 || isCurrent(&item);
-  };
-  retireUnless(m_xref, m_xref.getLayerTable(), isKept);
-  retireUnless(m_xref, m_xref.getLtypeTable(),
-               [&](const CLtype& item) { return isKept(item) || item.getLayers() > 0; });
-  retireUnless(m_xref, m_xref.getStyleTable(), [&](const CStyle& item) {
-    return isKept(item) || item.getDashes() > 0 || item.isStandard();
-  });
 }
 
 }  // namespace vek0::detail

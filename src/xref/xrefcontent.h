@@ -1,20 +1,33 @@
 #pragma once
 
 #include <unordered_set>
+#include <utility>
+#include <vector>
 
 #include "drawing/entcloner.h"
 
 class CBlockXRef;
+class CNamedItem;
 
 namespace vek0::detail {
+
+using Items = std::unordered_set<const CNamedItem*>;
+
+/// Adds the layers and linetypes that what a reference shows is on.
+void noteItems(CBlockXRef& xref, Items& items);
+/// Takes out of a reference what is not among these and the drawing does not use.
+void retireOthers(const CData& data, CBlockXRef& xref, const Items& items);
 
 /// Makes what another drawing holds the content of a reference: its model space and blocks,
 /// on dependent layers, linetypes and styles.
 ///
-/// Throws `std::bad_alloc`; the reference then has the content that it had.
+/// Throws `std::bad_alloc`; the reference then has the content that it had. Items that its
+/// content had before and has no more are left to `retireOthers`: other references may have
+/// content on them.
 class XRefContent {
  public:
-  XRefContent(CData& data, CBlockXRef& xref, const CData& src);
+  /// `present` receives the items that the content is on, of whichever reference.
+  XRefContent(CData& data, CBlockXRef& xref, const CData& src, Items& present);
 
   /// What inserts of a reference of the other drawing show here; null: they are left out.
   /// To be called for every such reference before `adopt`.
@@ -24,17 +37,20 @@ class XRefContent {
  private:
   void adoptFixed();
   void adoptStyles();
+  template <class Table>
+  void adoptItems(const Table& (CData::*own)() const,
+                  const Table& (CBlockXRef::*dependent)() const);
   void adoptItem(const CLtype& from, CBlockXRef& to, const zim::WString& name);
   void adoptItem(const CLayer& from, CBlockXRef& to, const zim::WString& name);
   void fill();
   bool isShown(const CEnt& ent) const;
-  void retireOthers();
 
   CData& m_data;
   CBlockXRef& m_xref;
   const CData& m_src;
   ItemMap m_map;
-  std::unordered_set<const CNamedItem*> m_present;  // items of the reference that stay
+  Items& m_present;
+  std::vector<std::pair<const CBlockXRef*, CBlockXRef*>> m_nested;  // there and here, or null
 };
 
 }  // namespace vek0::detail

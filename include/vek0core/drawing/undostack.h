@@ -112,10 +112,11 @@ class VEK0_API CUndoStack {
   /// it and put into the table.
   bool add(CEnt* ent);
   /// Takes the entity out of model space, or out of the block that it is in. A hatch takes
-  /// its block along unless something else shows it.
+  /// its block along unless something else shows it. False for what a loaded reference shows,
+  /// which is read anew and belongs to another drawing.
   bool remove(CEnt* ent);
   /// Adds the entity to a block as `CBlock::add` does. False when the block would come to
-  /// insert itself.
+  /// insert itself, or is what a loaded reference shows.
   bool add(CBlock& block, CEnt* ent);
 
   /// Adds the item to its table, or takes it out. What is used, by the counts or as current

@@ -88,6 +88,17 @@ class VEK0_API CBlockXRef : public CBlock {
   void retire(CLayer* layer);
   void retire(CLtype* ltype);  ///< likewise
   void retire(CStyle* style);  ///< likewise
+  /// Puts the retired items for which `isWanted(item)` holds back into their tables, layers on
+  /// Continuous unless something gave them a linetype meanwhile. The others lose such again.
+  template <class IsWanted>
+  void reinstate(const IsWanted& isWanted) {
+    reinstate(m_retiredLayers, isWanted);
+    reinstate(m_retiredLtypes, isWanted);
+    reinstate(m_retiredStyles, isWanted);
+  }
+
+  /// How often it was given content: what changed since is gone with what it changed.
+  unsigned long getNoContents() const { return m_noContents; }
 
  protected:
   friend class CBlockFactory;
@@ -100,6 +111,26 @@ class VEK0_API CBlockXRef : public CBlock {
 
  private:
   friend class CBlockXRefTable;
+  template <class Item, class IsWanted>
+  void reinstate(std::vector<std::unique_ptr<Item>>& retired, const IsWanted& isWanted) {
+    for (std::unique_ptr<Item>& item : retired) {
+      if (item == nullptr) continue;  // memory ended here the last time
+      if (!isWanted(*item)) {
+        strip(*item);
+        continue;
+      }
+      putBack(*item);
+      static_cast<void>(item.release());
+    }
+    std::erase(retired, nullptr);
+  }
+  // What a retired item names it must not count on.
+  static void strip(CLayer& layer) { layer.setLtype(nullptr); }
+  static void strip(CLtype& ltype) { ltype.ClearDashes(); }
+  static void strip(CStyle&) {}
+  void putBack(CLayer& layer);
+  void putBack(CLtype& ltype) { m_ltypes.add(&ltype); }
+  void putBack(CStyle& style) { m_styles.add(&style); }
   void noteNested(const CBlock& block, std::unordered_set<const CBlock*>& seen);
   void countNested(long by);
 
@@ -107,16 +138,18 @@ class VEK0_API CBlockXRef : public CBlock {
   Status m_status = Status::unresolved;
   PNT_3D m_ownBase{0, 0, 0};
   // What names comes after what is named, so that it goes first.
-  using Retired = std::vector<std::unique_ptr<CNamedItem>>;
-  Retired m_retiredStyles;
+  template <class Item>
+  using Retired = std::vector<std::unique_ptr<Item>>;
+  Retired<CStyle> m_retiredStyles;
   CStyleTable m_styles;
-  Retired m_retiredLtypes;
+  Retired<CLtype> m_retiredLtypes;
   CLtypeTable m_ltypes;
-  Retired m_retiredLayers;
+  Retired<CLayer> m_retiredLayers;
   CLayerTable m_layers;
   Blocks m_blocks;
   std::vector<CBlockXRef*> m_nested;
   long m_shows = 0;
+  unsigned long m_noContents = 0;
 };
 
 /// Which external references a drawing's inserts use, and how often.
@@ -194,6 +227,7 @@ class VEK0_API CLayerXRef : public CLayer {
 
  protected:
   friend class CLayerFactory;
+  friend class CBlockXRef;
   CLayerXRef(CBlockXRef& xref, const zim::WString& name, CLtype* ltype, short color, long flags);
 
  private:

@@ -55,7 +55,8 @@ struct CXRefOptions {
 /// Answers how many references are not loaded afterwards. Linear in what is read.
 VEK0_API int resolveXRefs(CData& data, IXRefResolver& resolver, const CXRefOptions& options);
 
-/// The same for one reference of the drawing and what it refers to.
+/// The same for one reference of the drawing and what it refers to; answers whether it is
+/// loaded. False for one that is not in the drawing.
 VEK0_API bool resolveXRef(CData& data, CBlockXRef& xref, IXRefResolver& resolver,
                           const CXRefOptions& options);
 
@@ -63,8 +64,8 @@ VEK0_API bool resolveXRef(CData& data, CBlockXRef& xref, IXRefResolver& resolver
 /// drawing comes to lie on the insertion points; at the origin, the base point that the
 /// drawing itself states does. An overlay is not shown by drawings that refer to this one.
 ///
-/// Null, with nothing changed, where the name is empty, has a bar in it or is the name of a
-/// block or reference already, and when memory ends.
+/// Null, with nothing changed, where the name is empty, begins with an asterisk, has a bar in it
+/// or is the name of a block or reference already, and when memory ends.
 VEK0_API CBlockXRef* attachXRef(CData& data, CUndoStack& undo, const zim::WString& name,
                                 const zim::WString& path, const PNT_3D& base, bool overlay);
 
