@@ -10,10 +10,19 @@
 namespace vek0::detail {
 namespace {
 
-// The reference that a text style's name says it belongs to.
-const CBlockXRef* ownerOf(const CData& data, const CStyle& style) {
-  zim::WString xref, item;
-  return scomposeName(style.getName(), xref, item) ? data.getBlockXRefTable().get(xref) : nullptr;
+// The reference that the name of a text style or block says it belongs to.
+const CBlockXRef* ownerOf(const CData& data, const CNamedItem& item) {
+  zim::WString xref, rest;
+  return scomposeName(item.getName(), xref, rest) ? data.getBlockXRefTable().get(xref) : nullptr;
+}
+
+template <class Table>
+auto namedAfter(const CData& data, const Table& table, const XRefs& xrefs) {
+  const std::unordered_set<const CBlockXRef*> owners(xrefs.begin(), xrefs.end());
+  std::vector<decltype(table[0])> items;
+  for (int i = 0; i < table.size(); ++i)
+    if (owners.count(ownerOf(data, *table[i])) != 0) items.push_back(table[i]);
+  return items;
 }
 
 }  // namespace
@@ -70,11 +79,8 @@ bool leaveLtypes(CData& data, CUndoStack& undo, const XRefs& going,
 }
 
 bool removeXRefs(CData& data, CUndoStack& undo, const XRefs& going) {
-  const std::unordered_set<const CBlockXRef*> owners(going.begin(), going.end());
-  std::vector<CStyle*> named;
-  for (CData::CStyleIterator style(data, false); *style != nullptr; ++style)
-    if (owners.count(ownerOf(data, **style)) != 0) named.push_back(*style);
-  for (CStyle* style : named) undo.remove(style);
+  for (CStyle* style : namedAfter(data, data.getStyleTable(), going)) undo.remove(style);
+  for (CBlock* block : namedAfter(data, data.getBlockTable(), going)) undo.remove(block);
   for (CBlockXRef* xref : going)
     if (!undo.remove(xref)) return false;
   return true;

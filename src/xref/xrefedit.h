@@ -48,8 +48,8 @@ bool areOutermost(const CData& data, const XRefs& xrefs);
 bool leaveLtypes(CData& data, CUndoStack& undo, const XRefs& going,
                  const std::function<CLtype*(CLtype*)>& standIn);
 
-/// Takes references out, in that order, with text styles that are named after them. Those
-/// that are still used stay.
+/// Takes references out, in that order, with text styles and blocks that are named after them.
+/// Those that are still used stay.
 bool removeXRefs(CData& data, CUndoStack& undo, const XRefs& going);
 
 }  // namespace vek0::detail

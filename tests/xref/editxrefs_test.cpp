@@ -118,6 +118,7 @@ void useItemsOf(CData& data, CBlockXRef& xref) {
   vek0::test::addedLayer(data, u"DASHES")->setLtype(dashed);
   vek0::test::addedLtype(data, u"TEXTS")->AddDashText(vek0::test::dashText(style));
   vek0::test::addedStyle(data, xref.getName() + u"|NOTES");
+  vek0::test::addedBlock(data, xref.getName() + u"|DOOR");  // as other programs list them
   setCurLayer(data, wall);
   setCurLtype(data, dashed);
 }
