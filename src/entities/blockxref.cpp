@@ -1,6 +1,7 @@
 #include "vek0core/entities/blockxref.h"
 
 #include <new>
+#include <unordered_set>
 #include <utility>
 
 #include "vek0core/entities/entinsert.h"
@@ -25,6 +26,22 @@ void retireFrom(Table& table, std::vector<std::unique_ptr<Item>>& retired, Item*
   retired.back().reset(item);
 }
 
+std::vector<CBlockXRef*> shownBy(const std::vector<std::unique_ptr<CEnt>>& entities,
+                                 const CBlockXRef::Blocks& blocks) {
+  std::vector<CBlockXRef*> nested;
+  std::unordered_set<const CBlock*> seen;
+  const auto note = [&](const CEnt& ent) {
+    const CEntInsertBase* insert = ent.getEntInsert();
+    CBlock* shown = insert != nullptr ? insert->getBlock() : nullptr;
+    if (shown != nullptr && shown->isXRef() && seen.insert(shown).second)
+      nested.push_back(static_cast<CBlockXRef*>(shown));
+  };
+  for (const std::unique_ptr<CEnt>& ent : entities) note(*ent);
+  for (const std::unique_ptr<CBlock>& block : blocks)
+    for (unsigned i = 0; i < block->size(); ++i) note(*(*block)[i]);
+  return nested;
+}
+
 }  // namespace
 
 CBlockXRef::CBlockXRef(CLtypeContinuous& continuous, CLtypeByLayer& byLayer, CLtypeByBlock& byBlock,
@@ -46,31 +63,24 @@ const PNT_3D& CBlockXRef::getContentBase() const {
 }
 
 void CBlockXRef::setContent(std::vector<std::unique_ptr<CEnt>> entities, Blocks blocks) {
+  std::vector<CBlockXRef*> nested = shownBy(entities, blocks);  // first: what follows counts
   if (isHeld()) countNested(-1);
+  m_nested = std::move(nested);
+  if (isHeld()) countNested(1);
   ++m_noContents;
   disposeEntities();
   m_blocks = std::move(blocks);
   for (const std::unique_ptr<CBlock>& block : m_blocks) block->m_contentOf = this;
-  for (std::unique_ptr<CEnt>& ent : entities) restore(ent.release());
+  for (std::unique_ptr<CEnt>& ent : entities) {
+    restore(ent.get());
+    static_cast<void>(ent.release());
+  }
   invalidateBdry();
-  m_nested.clear();
-  std::unordered_set<const CBlock*> seen;
-  noteNested(*this, seen);
-  for (const std::unique_ptr<CBlock>& block : m_blocks) noteNested(*block, seen);
-  if (isHeld()) countNested(1);
 }
 
 // What is out of the drawing shows nothing.
 void CBlockXRef::countNested(long by) {
   for (CBlockXRef* nested : m_nested) nested->m_shows += by;
-}
-
-void CBlockXRef::noteNested(const CBlock& block, std::unordered_set<const CBlock*>& seen) {
-  for (CInsertIterator insert(block); *insert != nullptr; ++insert) {
-    CBlock* shown = (*insert)->getBlock();
-    if (shown == nullptr || !shown->isXRef() || !seen.insert(shown).second) continue;
-    m_nested.push_back(static_cast<CBlockXRef*>(shown));
-  }
 }
 
 void CBlockXRef::retire(CLayer* layer) {

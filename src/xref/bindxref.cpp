@@ -188,9 +188,11 @@ class Binder {
 
 }  // namespace
 
-CBlock* bindXRef(CData& data, CUndoStack& undo, CBlockXRef& xref) {
+CBlock* bindXRef(CData& data, CUndoStack& undo, CBlockXRef& xref) try {
   const zim::WString name = xref.getName();
   return bindXRefs(data, undo, {&xref}) ? data.getBlockTable().get(name) : nullptr;
+} catch (const std::bad_alloc&) {
+  return nullptr;
 }
 
 bool bindXRefs(CData& data, CUndoStack& undo, const std::vector<CBlockXRef*>& xrefs) try {

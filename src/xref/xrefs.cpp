@@ -49,8 +49,10 @@ CBlockXRef* attachXRef(CData& data, CUndoStack& undo, const zim::WString& name,
   return xref && undo.add(xref.get()) ? xref.release() : nullptr;
 }
 
-bool detachXRef(CData& data, CUndoStack& undo, CBlockXRef& xref) {
+bool detachXRef(CData& data, CUndoStack& undo, CBlockXRef& xref) try {
   return detachXRefs(data, undo, {&xref});
+} catch (const std::bad_alloc&) {
+  return false;
 }
 
 bool detachXRefs(CData& data, CUndoStack& undo, const std::vector<CBlockXRef*>& xrefs) try {

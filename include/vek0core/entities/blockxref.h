@@ -6,7 +6,6 @@
 #include <optional>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -131,7 +130,6 @@ class VEK0_API CBlockXRef : public CBlock {
   void putBack(CLayer& layer);
   void putBack(CLtype& ltype) { m_ltypes.add(&ltype); }
   void putBack(CStyle& style) { m_styles.add(&style); }
-  void noteNested(const CBlock& block, std::unordered_set<const CBlock*>& seen);
   void countNested(long by);
 
   zim::WString m_path, m_file;
