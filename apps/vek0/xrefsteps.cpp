@@ -77,7 +77,9 @@ class Work {
     CBlockXRef* xref = attachXRef(m_data, m_undo, name, zim::WString::fromUtf8(options.path),
                                   PNT_3D(0, 0, 0), options.overlay);
     if (xref == nullptr)
-      return fail("'" + stem + "' cannot be a reference's name here: it is taken, or has a bar");
+      return fail("'" + stem +
+                  "' cannot be a reference's name here: it is taken, has a bar, "
+                  "or begins with an asterisk");
     if (!insert(*xref, options)) return fail("there is not enough memory");
     if (m_reader.resolve(m_data, *xref)) say(toText(*xref) + ": attached");
     tellFailures();

@@ -29,7 +29,7 @@ constexpr int kMaxXRefDepth = 100;
 ///   reference circular   a drawing refers to itself, directly or through others
 ///   reference too deep   more than `kMaxXRefDepth` drawings refer to one another
 ///   reference overlaid   an overlay of a referred drawing, which only that drawing shows
-///   reference renamed    two drawings of one name are referred to by others
+///   reference renamed    others refer to two drawings, or two points of one, by one name
 struct CXRefOptions {
   /// How the drawings are read; its report is not used.
   CFileDXFIOptions reading = {};
@@ -43,10 +43,10 @@ struct CXRefOptions {
 
 /// Reads what the drawing's references refer to, and what that refers to in turn, anew.
 ///
-/// Nested references become references of the drawing: one for each file, renamed where
-/// two have one name. A circle is broken where it would close, and what is nested too deep
-/// is left out. What cannot be read stays a reference that shows nothing, with its path and
-/// inserts; its status says why.
+/// Nested references become references of the drawing: one for each file and base point that
+/// go by one name, renamed where several do. A circle is broken where it would close, and what is
+/// nested too deep is left out. What cannot be read stays a reference that shows nothing, with its
+/// path and inserts; its status says why.
 ///
 /// Entities follow the file. So do dependent layers, but for the colour and the visibility
 /// that the drawing has given them since; items that the file has no more go unless the
