@@ -35,7 +35,7 @@ struct RepathOptions : Options {
 };
 
 struct AttachOptions : Options {
-  std::string name, path, at = "0,0", scale = "1", rotate = "0";
+  std::string name, path, at = "0,0", base = "0,0", scale = "1", rotate = "0";
   bool overlay = false;
 };
 
@@ -75,7 +75,7 @@ class Work {
     const std::string stem = options.name.empty() ? stemOf(options.path) : options.name;
     const zim::WString name = zim::WString::fromUtf8(stem);
     CBlockXRef* xref = attachXRef(m_data, m_undo, name, zim::WString::fromUtf8(options.path),
-                                  PNT_3D(0, 0, 0), options.overlay);
+                                  pointIn(options.base), options.overlay);
     if (xref == nullptr)
       return fail("'" + stem +
                   "' cannot be a reference's name here: it is taken, has a bar, "
@@ -205,15 +205,19 @@ class Work {
     return std::string(stem.begin(), stem.end());
   }
 
+  static PNT_3D pointIn(const std::string& text) {
+    const std::vector<double> numbers = *numbersIn(text);
+    return PNT_3D(numbers[0], numbers[1], numbers.size() > 2 ? numbers[2] : 0);
+  }
+
   bool insert(CBlockXRef& xref, const AttachOptions& options) {
-    const std::vector<double> at = *numbersIn(options.at), scale = *numbersIn(options.scale);
-    const PNT_3D pnt(at[0], at[1], at.size() > 2 ? at[2] : 0);
+    const std::vector<double> scale = *numbersIn(options.scale);
     const double all = scale[0], sy = scale.size() > 1 ? scale[1] : all,
                  sz = scale.size() > 2 ? scale[2] : all;
     const double rotation = numbersIn(options.rotate)->front() * kRadiansPerDegree;
     std::unique_ptr<CEntInsertXRef> made(
         createEntInsertXRef(m_data, getCurLayer(m_data), getCurLtype(m_data), getCurColor(m_data),
-                            xref, pnt, all, sy, sz, rotation, 1, 1, 0, 0, 0));
+                            xref, pointIn(options.at), all, sy, sz, rotation, 1, 1, 0, 0, 0));
     if (!made || !m_undo.add(made.get())) return false;
     made.release();
     return true;
@@ -335,6 +339,11 @@ void addAttach(CLI::App& group, Session& session) {
   verb->add_option("--path", options->path, "Drawing to refer to, as seen from FILE")->required();
   verb->add_option("--name", options->name, "Name of the reference; the file's if not given");
   verb->add_option("--at", options->at, "Insertion point")
+      ->type_name("X,Y[,Z]")
+      ->check(areNumbers(2, 3, "a point like 100,50"));
+  verb->add_option("--base", options->base,
+                   "Point of the other drawing that comes to lie there; at 0,0 the one that it "
+                   "states itself")
       ->type_name("X,Y[,Z]")
       ->check(areNumbers(2, 3, "a point like 100,50"));
   verb->add_option("--scale", options->scale, "Scale, for all axes or each")

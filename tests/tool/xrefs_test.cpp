@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tooltest.h"
+#include "vek0core/geometry/pnt.h"
 
 using Json = nlohmann::json;
 
@@ -296,19 +297,29 @@ TEST_F(Xrefs, RepathChangesPathsAndNothingElse) {
 
 TEST_F(Xrefs, AttachedDrawingIsShownWhereItWasPut) {
   write("plan.dxf", drawing({}));
-  const Outcome got = run(
-      "xrefs attach plan.dxf --path library/tree.dxf --at 100,50 --scale 2 --rotate 90 -o out.dxf");
+  const std::string attach =
+      "xrefs attach plan.dxf --path library/tree.dxf --at 100,50 --scale 2 "
+      "--rotate 90 ";
+  const Outcome got = run(attach + "-o out.dxf");
   ASSERT_EQ(got.code, 0) << got.err;
   const Json out = info("out.dxf");
   EXPECT_EQ(out["references"], Json::parse("[{\"name\":\"tree\",\"path\":\"library/tree.dxf\","
                                            "\"overlay\":false}]"));
   EXPECT_EQ(out["entities"]["INSERT"], 1);
-  // The tree's line runs from 0,0 to 10,5: turned and doubled, from 100,50 to 90,70.
-  ASSERT_EQ(run("xrefs bind out.dxf tree -o bound.dxf").code, 0);
-  const Json box = info("bound.dxf")["extents"];
-  EXPECT_EQ(box["min"], Json({0, 0, 0}));
-  EXPECT_NEAR(box["max"][0].get<double>(), 100, 1e-9);
-  EXPECT_NEAR(box["max"][1].get<double>(), 70, 1e-9);
+  // The tree's line runs from 0,0 to 10,5: turned and doubled, from 100,50 to 90,70; put there
+  // by its end, from 110,30 to 100,50.
+  ASSERT_EQ(run(attach + "--base 10,5 -o based.dxf").code, 0);
+  const std::pair<const char*, PNT_2D> kExpected[] = {
+      {"out.dxf",   PNT_2D(100, 70)},
+      {"based.dxf", PNT_2D(110, 50)},
+  };
+  for (const auto& [file, max] : kExpected) {
+    ASSERT_EQ(run(std::string("xrefs bind ") + file + " tree -f -o bound.dxf").code, 0);
+    const Json box = info("bound.dxf")["extents"];
+    EXPECT_EQ(box["min"], Json({0, 0, 0}));
+    EXPECT_NEAR(box["max"][0].get<double>(), max.x, 1e-9);
+    EXPECT_NEAR(box["max"][1].get<double>(), max.y, 1e-9);
+  }
   EXPECT_EQ(run("xrefs attach out.dxf --path tree.dxf -o again.dxf").code, 1)
       << "the name is taken";
   EXPECT_EQ(run("xrefs attach plan.dxf --path lost.dxf --overlay -o lost.dxf").code, 0);
