@@ -71,8 +71,13 @@ void XRefContent::adoptFixed() {
   m_map.add<CLayer>(m_src.getLayerTable().getLayer0(), &m_data.getLayer0());
 }
 
+// A font that only the other drawing has goes with it.
+const ICADFont* XRefContent::fontHere(const ICADFont* font) {
+  if (font == nullptr || CFontTable::getInstance().get(font->getName(), false) == font) return font;
+  return m_data.needFont(font->getName());
+}
+
 void XRefContent::adoptStyles() {
-  m_src.shareFonts(m_data);
   const CStyleTable& from = m_src.getStyleTable();
   CStyleTable& to = m_xref.getStyleTable();
   for (int i = 0; i < from.size(); ++i) {
@@ -83,6 +88,7 @@ void XRefContent::adoptStyles() {
       style = orThrow(m_data.getStyleFactory().create(*from[i]));
       to.add(style);
     }
+    style->setFont(fontHere(from[i]->getFont()));
     m_map.add(from[i], style);
     m_present.insert(style);
   }

@@ -8,6 +8,7 @@
 
 class CBlockXRef;
 class CNamedItem;
+class ICADFont;
 
 namespace vek0::detail {
 
@@ -37,6 +38,7 @@ class XRefContent {
  private:
   void adoptFixed();
   void adoptStyles();
+  const ICADFont* fontHere(const ICADFont* font);
   template <class Table>
   void adoptItems(const Table& (CData::*own)() const,
                   const Table& (CBlockXRef::*dependent)() const);

@@ -341,6 +341,27 @@ TEST(ResolveXRefs, ACancelledReadingLeavesWhatWasThere) {
   EXPECT_EQ(linesShown(sheet.data()), lines);
 }
 
+// Fonts that nobody has belong to drawings, and the one that was read is gone afterwards.
+TEST(ResolveXRefs, FontsOutliveTheDrawingsThatNameThem) {
+  const std::string styled =
+      vek0::test::section(
+          "TABLES",
+          vek0::test::table("STYLE", vek0::test::pairs("0 STYLE", "2 STANDARD", "70 0", "40 0",
+                                                       "41 1", "50 0", "3 unheard.shx"))) +
+      vek0::test::section("BLOCKS", referenceTo("R", "r.dxf"));
+  Sheet sheet;
+  sheet.drawings.files["r.dxf"] = styled + drawingOf("", "", lineTo(1, 1));
+  sheet.drawings.files["sheet.dxf"] =
+      styled + vek0::test::section("ENTITIES", insertAt("R", 0)) + vek0::test::dxf();
+  sheet.load();
+  for (int i = 0; i < 2; ++i) ASSERT_EQ(sheet.resolve(), 0);
+  const ICADFont* font = sheet.data().getStyleTable().getStyleStandard()->getFont();
+  EXPECT_EQ(sheet.xref(u"R")->getStyleTable().getStyleStandard()->getFont(), font);
+  CUndoStack undo(sheet.data());
+  EXPECT_NE(bindXRef(sheet.data(), undo, *sheet.xref(u"R")), nullptr);
+  EXPECT_NE(saved(sheet.data()).find("unheard.shx"), std::string::npos);
+}
+
 // Replacing a dependent layer leaves none of the content on the old one.
 TEST(TableRemapper, ReachesIntoReferences) {
   Sheet sheet = siteSheet();
