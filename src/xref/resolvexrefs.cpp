@@ -11,7 +11,9 @@
 #include "vek0core/drawing/datafactory.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/dxfin/filedxfierror.h"
+#include "vek0core/entities/block.h"
 #include "vek0core/entities/blockfactory.h"
+#include "vek0core/entities/enthatch.h"
 #include "vek0core/files/file.h"
 #include "vek0core/files/report.h"
 #include "vek0core/xref/xrefresolver.h"
@@ -26,6 +28,27 @@ using vek0::detail::orThrow;
 using vek0::detail::XRefContent;
 
 constexpr int kReadings = 3;  // of a file that is written meanwhile
+
+// One drawing can make others many times its size: by names that lead to one file again and
+// again, and by files of many hatches.
+constexpr long kMostRepeated = 4000000;  // entities of files that were read before
+constexpr double kHatchShares = 10;      // of what one hatch of the drawing may have
+
+long countEntities(const CData& drawing) {
+  auto count = static_cast<long>(drawing.getEntTable().getEntityTbl().size());
+  for (int i = 0; i < drawing.getBlockTable().size(); ++i)
+    count += static_cast<long>(drawing.getBlockTable()[i]->size());
+  return count;
+}
+
+double countHatchLines(const CData& drawing) {
+  double count = 0;
+  for (int i = 0; i < drawing.getBlockTable().size(); ++i) {
+    const CBlock& block = *drawing.getBlockTable()[i];
+    if (isHatchName(block.getName())) count += static_cast<double>(block.size());
+  }
+  return count;
+}
 
 // Which drawings refer to which, by file.
 class FileGraph {
@@ -194,9 +217,18 @@ class Resolving {
       xref.setStatus(Status::refused);
       return "reference circular";
     }
-    const char* fault = read(job);
+    const char* fault = isRepeated(job.place.file) ? "reference repeated" : read(job);
     if (fault) xref.setStatus(Status::broken);
     return fault;
+  }
+
+  // Whether reading the file once more would be too much.
+  bool isRepeated(const zim::WString& file) {
+    const auto known = m_sizes.find(file);
+    if (known == m_sizes.end()) return false;
+    if (known->second > m_repeatsLeft) return true;
+    m_repeatsLeft -= known->second;
+    return false;
   }
 
   // What is wrong; null also for what is cancelled, which is left as it was.
@@ -206,6 +238,8 @@ class Resolving {
       const CDataPtr drawing(CDataFactory().createData());
       const std::unique_ptr<IFile> file = m_resolver.open(job.place.file);
       if (!drawing || !file) return "reference broken";
+      // All hatches of a drawing together may have five times as many lines as one.
+      drawing->setHatchLimit(std::min(m_data.getHatchLimit(), m_hatchLinesLeft / 5));
       CFileReport report;
       m_options.reading.report = &report;
       CFileDXFIError error;
@@ -226,6 +260,8 @@ class Resolving {
       content.stand(*nested[i], isShown(*nested[i], job) ? standIn(*nested[i], job) : nullptr);
     content.adopt();
     m_read.push_back(job.xref);
+    m_sizes[job.place.file] = countEntities(drawing);
+    m_hatchLinesLeft = std::max(0.0, m_hatchLinesLeft - countHatchLines(drawing));
     job.xref->setOwnBase(result.insertionBase);
     job.xref->setStatus(Status::loaded);
   }
@@ -321,7 +357,10 @@ class Resolving {
   std::deque<Job> m_jobs;
   std::unordered_map<const CBlockXRef*, zim::WString> m_files;  // of the references met so far
   std::vector<CBlockXRef*> m_read;
-  vek0::detail::Items m_present;  // what the content of references is on
+  vek0::detail::Items m_present;                   // what the content of references is on
+  std::unordered_map<zim::WString, long> m_sizes;  // entities, by file
+  long m_repeatsLeft = kMostRepeated;
+  double m_hatchLinesLeft = kHatchShares * m_data.getHatchLimit();
   bool m_isCancelled = false;
 };
 

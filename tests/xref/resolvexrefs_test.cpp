@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <set>
 
 #include "xref/referred.h"
@@ -360,6 +362,35 @@ TEST(ResolveXRefs, FontsOutliveTheDrawingsThatNameThem) {
   CUndoStack undo(sheet.data());
   EXPECT_NE(bindXRef(sheet.data(), undo, *sheet.xref(u"R")), nullptr);
   EXPECT_NE(saved(sheet.data()).find("unheard.shx"), std::string::npos);
+}
+
+// A sheet with many names for one drawing of many hatches: the first ones have their lines,
+// and all of them their entities.
+TEST(ResolveXRefs, HatchesOfAllDrawingsTogetherAreBounded) {
+  std::ifstream in(std::string(VEK0_SAMPLES) + "/hatches_ac1015.dxf", std::ios::binary);
+  Sheet sheet;
+  sheet.drawings.files["h.dxf"].assign(std::istreambuf_iterator<char>(in), {});
+  std::string blocks, inserts;
+  for (int i = 0; i < 40; ++i) {
+    blocks += referenceTo("R" + std::to_string(i), "h.dxf");
+    inserts += insertAt("R" + std::to_string(i), 0);
+  }
+  sheet.drawings.files["sheet.dxf"] = drawingOf("", blocks, inserts);
+  sheet.load();
+  sheet.data().setHatchLimit(500);
+  EXPECT_EQ(sheet.resolve(), 0);
+  const auto linesOf = [&](int i) {
+    std::size_t lines = 0;
+    for (const auto& block : sheet.data().getBlockXRefTable()[i]->getBlocks())
+      if (isHatchName(block->getName())) lines += block->size();
+    return lines;
+  };
+  std::size_t all = 0;
+  for (int i = 0; i < 40; ++i) all += linesOf(i);
+  EXPECT_GT(linesOf(0), 100u);
+  EXPECT_EQ(linesOf(39), 0u);
+  EXPECT_LE(all, 10u * 500u);
+  EXPECT_EQ(sheet.xref(u"R0")->size(), sheet.xref(u"R39")->size());
 }
 
 // Replacing a dependent layer leaves none of the content on the old one.

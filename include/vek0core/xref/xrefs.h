@@ -28,6 +28,7 @@ constexpr int kMaxXRefDepth = 100;
 ///   reference changing   the file was written while it was read
 ///   reference circular   a drawing refers to itself, directly or through others
 ///   reference too deep   more than `kMaxXRefDepth` drawings refer to one another
+///   reference repeated   names lead to one file so often that memory would end
 ///   reference overlaid   an overlay of a referred drawing, which only that drawing shows
 ///   reference renamed    others refer to two drawings, or two points of one, by one name
 struct CXRefOptions {
@@ -51,6 +52,9 @@ struct CXRefOptions {
 /// Entities follow the file. So do dependent layers, but for the colour and the visibility
 /// that the drawing has given them since; items that the file has no more go unless the
 /// drawing uses them. Steps of an undo stack stay valid: this is no edit, and is not undone.
+///
+/// All drawings together may have ten times as many lines of hatches as one hatch may have
+/// (`CData::getHatchLimit`); hatches beyond keep their boundaries.
 ///
 /// Answers how many references are not loaded afterwards. Linear in what is read.
 VEK0_API int resolveXRefs(CData& data, IXRefResolver& resolver, const CXRefOptions& options);
