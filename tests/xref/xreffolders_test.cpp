@@ -28,13 +28,13 @@ class XRefFolders : public testing::Test {
          {"job/site.dxf", "job/house.dxf", "job/Parts/Door.dxf", "job/Parts/site.dxf",
           "job/shed.dwg", "job/shed.dxf", "job/old.dwg", "job/bare", "job/Grün.dxf",
           "lib/house.dxf", "lib/tree.dxf", "lib/deep/old.dxf", "lib/deep/palm.dxf",
-          "shared/fence.dxf", "shared/wall.dxf", "else/secret.dxf", "else/tree.dxf"}) {
+          "library/fence.dxf", "library/wall.dxf", "else/secret.dxf", "else/tree.dxf"}) {
       make(file);
     }
     fs::create_directories(m_root / "job/folder.dxf");
     fs::create_symlink("Parts/Door.dxf", m_root / "job/within.dxf");
     fs::create_symlink("../else/secret.dxf", m_root / "job/leak.dxf");
-    fs::create_symlink("../shared/wall.dxf", m_root / "job/wall.dxf");
+    fs::create_symlink("../library/wall.dxf", m_root / "job/wall.dxf");
     fs::create_symlink("../else", m_root / "job/tunnel");
     fs::create_symlink("nowhere.dxf", m_root / "job/dangling.dxf");
     fs::create_symlink("loop.dxf", m_root / "job/loop.dxf");
@@ -77,7 +77,7 @@ TEST_F(XRefFolders, WhatPathsLeadTo) {
   folders.addSearchFolder(at("lib/deep"));
   folders.addSearchFolder(at("no/such/folder"));
   folders.addSearchFolder(at("lib/tree.dxf"));
-  folders.allowFolder(at("shared"));
+  folders.allowFolder(at("library"));
   const std::string root = m_root.string();
   const std::string tooLongName = std::string(300, 'a') + ".dxf";
   const std::string tooLong = std::string(5000, 'a') + "/house.dxf";
@@ -99,7 +99,7 @@ TEST_F(XRefFolders, WhatPathsLeadTo) {
       {"by the bare name beside the drawing",            "plans/house.dxf",                            "job/house.dxf"     },
       {"by the bare name in a search folder",            "plans/tree.dxf",                             "lib/tree.dxf"      },
       {"absolute",                                       root + "/lib/tree.dxf",                       "lib/tree.dxf"      },
-      {"absolute in an allowed folder",                  root + "/shared/wall.dxf",                    "shared/wall.dxf"   },
+      {"absolute in an allowed folder",                  root + "/library/wall.dxf",                   "library/wall.dxf"  },
       {"allowed is not searched",                        "fence.dxf",                                  "missing"           },
       {"absolute from another machine",                  "/home/ann/house.dxf",                        "job/house.dxf"     },
       {"backslashes",                                    "Parts\\Door.dxf",                            "job/Parts/Door.dxf"},
@@ -120,7 +120,7 @@ TEST_F(XRefFolders, WhatPathsLeadTo) {
       {"without an ending in the file either",           "bare",                                       "job/bare"          },
       {"with another ending",                            "house.txt",                                  "missing"           },
       {"a link that stays inside",                       "within.dxf",                                 "job/Parts/Door.dxf"},
-      {"a link to an allowed folder",                    "wall.dxf",                                   "shared/wall.dxf"   },
+      {"a link to an allowed folder",                    "wall.dxf",                                   "library/wall.dxf"  },
       {"a link that leads out",                          "leak.dxf",                                   "forbidden"         },
       {"through a folder that is a link",                "tunnel/secret.dxf",                          "forbidden"         },
       {"out, by the letter case of what lies there",     "tunnel/SECRET.dxf",                          "missing"           },
