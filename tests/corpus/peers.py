@@ -47,7 +47,8 @@ def read(path):
 doc = read(sys.argv[1])
 kinds = collections.Counter(); attribs = 0
 for e in doc.modelspace():
-    if e.dxf.hasattr('invisible') and e.dxf.invisible: continue
+    # Of faces that attribute is their hidden edges.
+    if e.dxftype() != '3DFACE' and e.dxf.hasattr('invisible') and e.dxf.invisible: continue
     kind = e.dxftype()
     if kind == 'POLYLINE' and (e.is_poly_face_mesh or e.is_polygon_mesh): kind = 'MESH'
     kinds['POLYLINE' if kind == 'LWPOLYLINE' else kind] += 1
