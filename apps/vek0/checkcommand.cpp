@@ -9,7 +9,7 @@
 namespace vek0::tool {
 namespace {
 
-struct Options {
+struct CheckOptions {
   std::vector<std::string> files;
   bool json = false;
 };
@@ -33,7 +33,7 @@ void printText(const std::string& path, const ReadResult& result) {
   }
 }
 
-void run(const Options& options, Session& session) {
+void run(const CheckOptions& options, Session& session) {
   long failures = 0;
   for (const std::string& path : options.files) {
     const Drawing data = newDrawing();
@@ -56,7 +56,7 @@ void run(const Options& options, Session& session) {
 }  // namespace
 
 void addCheckCommand(CLI::App& app, Session& session) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<CheckOptions>();
   CLI::App* verb =
       app.add_subcommand("check", "Load each drawing and say ok, or what is wrong where");
   verb->add_option("FILE", options->files, "DXF files; - is the standard input")->required();

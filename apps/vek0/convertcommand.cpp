@@ -11,20 +11,20 @@
 namespace vek0::tool {
 namespace {
 
-struct Options {
+struct ConvertOptions {
   std::string in, out;
   std::vector<std::string> linetypes;
   std::string toUnits, fromUnits;
   SaveOptions save;
 };
 
-bool addAllLinetypes(CData& data, const Options& options, Session& session) {
+bool addAllLinetypes(CData& data, const ConvertOptions& options, Session& session) {
   return std::all_of(options.linetypes.begin(), options.linetypes.end(),
                      [&](const std::string& path) { return addLinetypes(data, path, session); });
 }
 
 // What a file says of its unit is often wrong, so that `--from-units` goes before it.
-bool changeUnits(CData& data, const Options& options, long stated, Session& session) {
+bool changeUnits(CData& data, const ConvertOptions& options, long stated, Session& session) {
   if (options.toUnits.empty()) return true;
   const char* name = unitName(stated);
   const auto from = unitInMetres(!options.fromUnits.empty() ? options.fromUnits : name ? name : "");
@@ -40,7 +40,7 @@ bool changeUnits(CData& data, const Options& options, long stated, Session& sess
 }  // namespace
 
 void addConvertCommand(CLI::App& app, Session& session) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<ConvertOptions>();
   CLI::App* verb = app.add_subcommand("convert", "Load a drawing and save it as DXF R12");
   verb->add_option("IN", options->in, "DXF file; - is the standard input")->required();
   verb->add_option("OUT", options->out, "File to write; - is the standard output")->required();

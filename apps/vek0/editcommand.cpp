@@ -19,7 +19,7 @@ struct NamedStep {
   EditStep work;
 };
 
-struct Options {
+struct EditOptions {
   std::string in, out;
   std::map<std::string, std::vector<std::string>> values;  // by option, in order
   bool undoCheck = false;
@@ -27,7 +27,7 @@ struct Options {
 };
 
 // Finds the steps in the order of the command line, in which their values are not kept.
-std::vector<NamedStep> stepsInOrder(const CLI::App& verb, const Options& options) {
+std::vector<NamedStep> stepsInOrder(const CLI::App& verb, const EditOptions& options) {
   std::vector<NamedStep> steps;
   std::map<std::string, std::size_t> taken;
   for (const CLI::Option* option : verb.parse_order()) {
@@ -83,7 +83,7 @@ bool edit(CData& data, const std::vector<NamedStep>& steps, bool undoCheck, Sess
          (!undoCheck || passesUndoCheck(editing, before, session));
 }
 
-void addStepOptions(CLI::App& verb, Options& options) {
+void addStepOptions(CLI::App& verb, EditOptions& options) {
   for (const StepKind& kind : stepKinds()) {
     CLI::Option* option = nullptr;
     if (kind.value == nullptr) {
@@ -106,7 +106,7 @@ void addStepOptions(CLI::App& verb, Options& options) {
 }  // namespace
 
 void addEditCommand(CLI::App& app, Session& session) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<EditOptions>();
   CLI::App* verb = app.add_subcommand("edit", "Change a drawing step by step");
   verb->add_option("IN", options->in, "DXF file; - is the standard input")->required();
   verb->add_option("-o,--output", options->out, "File to write; - is the standard output")

@@ -13,7 +13,7 @@
 namespace vek0::tool {
 namespace {
 
-struct Options {
+struct HatchOptions {
   std::string in, out, pattern = "ANSI31", layer = "0";
   double scale = 1, angleDeg = 0, limit = 1e6;
   std::vector<std::string> boundary;
@@ -77,7 +77,7 @@ bool hasArea(const std::vector<PNT_3D>& boundary) {
 }
 
 // The area to hatch; empty, and complained of, when it is none.
-std::vector<PNT_3D> boundaryOf(const CData& data, const Options& options, Session& session) {
+std::vector<PNT_3D> boundaryOf(const CData& data, const HatchOptions& options, Session& session) {
   std::vector<PNT_3D> boundary =
       joinHatchRings(options.closedPolylines ? outlinesOf(data) : ringOf(options.boundary));
   if (hasArea(boundary)) return boundary;
@@ -103,7 +103,7 @@ void complainOfHatch(const HATCH_TYPE& type, const zim::WString& message) {
   Session::complain(zim::WString(type.name).toUtf8() + ": " + message.toUtf8());
 }
 
-bool hatch(CData& data, const Options& options, Session& session) {
+bool hatch(CData& data, const HatchOptions& options, Session& session) {
   const std::vector<PNT_3D> boundary = boundaryOf(data, options, session);
   if (boundary.empty()) return false;
   const zim::WString name = zim::WString::fromUtf8(options.pattern);
@@ -131,7 +131,7 @@ std::string checkPattern(const std::string& name) {
 }  // namespace
 
 void addHatchCommand(CLI::App& app, Session& session) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<HatchOptions>();
   CLI::App* verb = app.add_subcommand("hatch", "Hatch an area of a drawing");
   verb->add_option("IN", options->in, "DXF file; - is the standard input")->required();
   verb->add_option("-o,--output", options->out, "File to write; - is the standard output")

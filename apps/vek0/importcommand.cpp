@@ -9,7 +9,7 @@
 namespace vek0::tool {
 namespace {
 
-struct Options {
+struct ImportOptions {
   std::string base, out;
   std::vector<std::string> files;
   SaveOptions save;
@@ -33,7 +33,7 @@ void mergeOne(CData& base, const std::string& path, Session& session) {
   session.failed(kDrawingFailed);
 }
 
-void run(const Options& options, Session& session) {
+void run(const ImportOptions& options, Session& session) {
   rewrite(options.base, options.out, options.save, session, [&](CData& base, const ReadResult&) {
     for (const std::string& path : options.files) mergeOne(base, path, session);
     return true;
@@ -43,7 +43,7 @@ void run(const Options& options, Session& session) {
 }  // namespace
 
 void addImportCommand(CLI::App& app, Session& session) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<ImportOptions>();
   CLI::App* verb = app.add_subcommand("import", "Merge drawings into a base drawing");
   verb->add_option("BASE", options->base, "Drawing whose definitions win")->required();
   verb->add_option("FILE", options->files, "Drawings to merge in, in this order")->required();

@@ -9,12 +9,12 @@
 namespace vek0::tool {
 namespace {
 
-struct Options {
+struct InfoOptions {
   std::vector<std::string> files;
   bool json = false;
 };
 
-void describe(const std::string& path, const Options& options, Session& session) {
+void describe(const std::string& path, const InfoOptions& options, Session& session) {
   const Drawing data = newDrawing();
   const ReadResult result = loadFile(*data, path, session);
   if (!result.ok()) session.failed(kDrawingFailed);
@@ -31,7 +31,7 @@ void describe(const std::string& path, const Options& options, Session& session)
 }  // namespace
 
 void addInfoCommand(CLI::App& app, Session& session) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<InfoOptions>();
   CLI::App* verb = app.add_subcommand(
       "info", "Tell what drawings hold: version, tables, blocks, entities, extents, variables");
   verb->add_option("FILE", options->files, "DXF files; - is the standard input")->required();

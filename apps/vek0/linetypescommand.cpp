@@ -15,7 +15,7 @@ namespace {
 
 constexpr double kDegPerRad = 57.295779513082321;
 
-struct Options {
+struct LinetypesOptions {
   std::vector<std::string> files;
   std::string saveTo;
   bool json = false;
@@ -106,7 +106,7 @@ void printText(const std::string& path, const CLtypeLoader& loader) {
   }
 }
 
-void saveTo(const Options& options, CLtypeLoader& loader, Session& session) {
+void saveTo(const LinetypesOptions& options, CLtypeLoader& loader, Session& session) {
   OutputFile output(options.saveTo, options.force);
   if (!output.error().empty()) {
     Session::complain(output.error());
@@ -128,11 +128,11 @@ void saveTo(const Options& options, CLtypeLoader& loader, Session& session) {
 }
 
 // Saved on the standard output, nothing else may stand there.
-bool listsFiles(const Options& options, const Session& session) {
+bool listsFiles(const LinetypesOptions& options, const Session& session) {
   return options.saveTo != "-" && (options.json || !session.quiet);
 }
 
-void runFile(const Options& options, const std::string& path, Session& session) {
+void runFile(const LinetypesOptions& options, const std::string& path, Session& session) {
   CStyleTable styles;
   CStyleFactory styleFactory;
   CLtypeFactory ltypeFactory;
@@ -150,7 +150,7 @@ void runFile(const Options& options, const std::string& path, Session& session) 
   if (!options.saveTo.empty()) saveTo(options, loader, session);
 }
 
-void run(const Options& options, Session& session) {
+void run(const LinetypesOptions& options, Session& session) {
   if (!options.saveTo.empty() && options.files.size() > 1) {
     Session::complain("--save takes one definition file");
     return session.failed(kWrongUsage);
@@ -161,7 +161,7 @@ void run(const Options& options, Session& session) {
 }  // namespace
 
 void addLinetypesCommand(CLI::App& app, Session& session) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<LinetypesOptions>();
   CLI::App* verb =
       app.add_subcommand("linetypes", "List and check linetype definition files, or rewrite one");
   verb->add_option("FILE", options->files, "Definition files (.lin); - is the standard input")

@@ -10,7 +10,7 @@
 namespace vek0::tool {
 namespace {
 
-const char* nameOf(int page) {
+const char* pageName(int page) {
   switch (page) {
     case 932:
       return "CP932";
@@ -36,7 +36,7 @@ using Converter = std::unique_ptr<std::remove_pointer_t<iconv_t>, Closer>;
 iconv_t converterOf(int page) {
   thread_local std::map<int, Converter> converters;
   const auto [place, isNew] = converters.try_emplace(page);
-  const char* name = nameOf(page);
+  const char* name = pageName(page);
   if (isNew && name) {
     const iconv_t opened = iconv_open("UTF-16LE", name);
     if (opened != reinterpret_cast<iconv_t>(-1)) place->second.reset(opened);

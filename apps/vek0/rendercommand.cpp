@@ -26,7 +26,7 @@
 namespace vek0::tool {
 namespace {
 
-struct Options {
+struct RenderOptions {
   std::vector<std::string> files;
   std::string out, format, size, paper, scale, window, view = "plan", background = "white";
   std::string unit = "mm", texts = "text";
@@ -62,7 +62,7 @@ double unitInMm(const std::string& unit) {
   return unit == "m" ? 1000 : unit == "cm" ? 10 : unit == "in" ? kMmPerInch : 1;
 }
 
-PICTURE_OPTIONS pictureOptions(const Options& options, Format format) {
+PICTURE_OPTIONS pictureOptions(const RenderOptions& options, Format format) {
   PICTURE_OPTIONS result;
   result.format = format;
   result.size = options.paper.empty() ? parseSize(options.size) : parsePaper(options.paper);
@@ -77,7 +77,7 @@ PICTURE_OPTIONS pictureOptions(const Options& options, Format format) {
   return result;
 }
 
-std::unique_ptr<SheetPainter> makePainter(const Options& options, Format format, IFile& file,
+std::unique_ptr<SheetPainter> makePainter(const RenderOptions& options, Format format, IFile& file,
                                           const SHEET& sheet, FontLibrary& fonts) {
   if (format != Format::Svg) {
     const auto kind = format == Format::Png ? CairoPainter::Png : CairoPainter::Pdf;
@@ -102,7 +102,7 @@ std::string missingFrom(const CFileReport& report) {
 // Renders drawings one after the other; complains and sets the exit code when one fails.
 class Renderer {
  public:
-  Renderer(const Options& options, Format format, Session& session)
+  Renderer(const RenderOptions& options, Format format, Session& session)
       : m_options(options),
         m_format(format),
         m_session(session),
@@ -239,7 +239,7 @@ class Renderer {
     return name;
   }
 
-  const Options& m_options;
+  const RenderOptions& m_options;
   const Format m_format;
   Session& m_session;
   FontLibrary m_fonts;
@@ -247,7 +247,7 @@ class Renderer {
   DRAW_OPTIONS m_drawOptions;
 };
 
-void renderAll(const Options& options, Format format, Session& session) {
+void renderAll(const RenderOptions& options, Format format, Session& session) {
   const std::filesystem::path folder = toPath(options.out);
   std::error_code failure;
   std::filesystem::create_directories(folder, failure);
@@ -270,7 +270,7 @@ void renderAll(const Options& options, Format format, Session& session) {
   }
 }
 
-void run(const Options& options, Session& session) {
+void run(const RenderOptions& options, Session& session) {
   std::optional<Format> format = formatOf(options.format.empty() ? options.out : options.format);
   if (!format && options.all) format = Format::Svg;
   if (!format) {
@@ -289,7 +289,7 @@ void run(const Options& options, Session& session) {
   Renderer(options, *format, session).render(options.files[0], options.out);
 }
 
-void addSheetOptions(CLI::App& verb, Options& options) {
+void addSheetOptions(CLI::App& verb, RenderOptions& options) {
   CLI::Option* size =
       verb.add_option("--size", options.size, "Size of the picture: 1600x1200 pixels or 297x210mm");
   size->type_name("WxH")->check(isA("a size like 800x600 or 120x80mm", parseSize));
@@ -315,7 +315,7 @@ void addSheetOptions(CLI::App& verb, Options& options) {
       ->capture_default_str();
 }
 
-void addViewOptions(CLI::App& verb, Options& options) {
+void addViewOptions(CLI::App& verb, RenderOptions& options) {
   verb.add_option("--window", options.window, "Part to show, in drawing units of the view")
       ->type_name("X1,Y1,X2,Y2")
       ->check(isA("a window like 0,0,100,50", parseWindow));
@@ -330,7 +330,7 @@ void addViewOptions(CLI::App& verb, Options& options) {
       ->type_name("NAME");
 }
 
-void addLookOptions(CLI::App& verb, Options& options) {
+void addLookOptions(CLI::App& verb, RenderOptions& options) {
   verb.add_option("--background", options.background, "Color name, #rrggbb, or none")
       ->type_name("COLOR")
       ->check(
@@ -349,7 +349,7 @@ void addLookOptions(CLI::App& verb, Options& options) {
 }  // namespace
 
 void addRenderCommand(CLI::App& app, Session& session) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<RenderOptions>();
   CLI::App* verb = app.add_subcommand("render", "Draw a drawing as SVG, PNG or PDF");
   verb->add_option("IN", options->files, "DXF files; - is the standard input")
       ->type_name("")

@@ -58,7 +58,7 @@ Json extentsToJson(const CData& data) {
   };
 }
 
-std::string nameOf(const CLtype* ltype) {
+std::string ltypeName(const CLtype* ltype) {
   return ltype ? ltype->getFullName().toUtf8() : std::string("Continuous");
 }
 
@@ -68,7 +68,7 @@ Json layersToJson(const CData& data) {
     layers.push_back({
         {"name",     layer->getFullName().toUtf8()},
         {"color",    layer->getColor()            },
-        {"linetype", nameOf(layer->getLtype())    },
+        {"linetype", ltypeName(layer->getLtype()) },
         {"frozen",   layer->isFrozen()            },
         {"locked",   layer->isLocked()            },
         {"off",      layer->isOff()               }
@@ -80,7 +80,7 @@ Json layersToJson(const CData& data) {
 Json ltypesToJson(const CData& data) {
   Json names = Json::array();
   for (CData::CLtypeIterator it(data, true, true); const CLtype* ltype = *it; ++it) {
-    names.push_back(nameOf(ltype));
+    names.push_back(ltypeName(ltype));
   }
   return names;
 }
@@ -196,7 +196,7 @@ std::string variableLines(const CData& data) {
           std::to_string(vars.getAngFormat()) + "; ortho " + onOff(vars.isOrtho()) + "\n";
   text += "  current: layer " +
           (vars.getCurLayer() ? vars.getCurLayer()->getFullName().toUtf8() : "-") + ", linetype " +
-          nameOf(vars.getCurLtype()) + ", style " +
+          ltypeName(vars.getCurLtype()) + ", style " +
           (vars.getCurStyle() ? vars.getCurStyle()->getName().toUtf8() : "-") + ", color " +
           std::to_string(vars.getCurColor()) + "\n";
   return text;

@@ -14,7 +14,7 @@
 namespace vek0::tool {
 namespace {
 
-struct Options {
+struct XrefsOptions {
   std::vector<std::string> files;
   bool json = false;
   ReferenceOptions references;
@@ -22,7 +22,7 @@ struct Options {
 
 // A drawing with everything that could be read of what it refers to.
 struct Resolved {
-  Resolved(const std::string& name, const Options& options, Session& session)
+  Resolved(const std::string& name, const XrefsOptions& options, Session& session)
       : path(name),
         data(newDrawing()),
         reading(loadFile(*data, name, session)),
@@ -39,7 +39,7 @@ struct Resolved {
   ReferenceReader reader;
 };
 
-using Show = void (*)(const Resolved& drawing, const Options& options, Session& session);
+using Show = void (*)(const Resolved& drawing, const XrefsOptions& options, Session& session);
 
 void print(const Json& line) {
   std::printf("%s\n", line.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
@@ -88,7 +88,7 @@ std::string countedReferences(std::size_t count) {
   return counted(count, "reference", "references");
 }
 
-void list(const Resolved& drawing, const Options& options, Session& session) {
+void list(const Resolved& drawing, const XrefsOptions& options, Session& session) {
   if (options.json) return printListJson(drawing, drawing.reading.ok());
   const References references(*drawing.data);
   std::printf("%s: %s\n", drawing.path.c_str(), countedReferences(references.all.size()).c_str());
@@ -147,13 +147,13 @@ class Tree {
   std::unordered_set<const CBlockXRef*> m_seen;
 };
 
-void tree(const Resolved& drawing, const Options& options, Session& session) {
+void tree(const Resolved& drawing, const XrefsOptions& options, Session& session) {
   if (options.json) return Tree(drawing).printJson();
   Tree(drawing).printText();
   complain(drawing, session);
 }
 
-void check(const Resolved& drawing, const Options& options, Session& session) {
+void check(const Resolved& drawing, const XrefsOptions& options, Session& session) {
   const long failures = drawing.reader.failures();
   if (failures > 0) session.failed(kDrawingFailed);
   if (options.json) return printListJson(drawing, drawing.reading.ok() && failures == 0);
@@ -171,7 +171,7 @@ void check(const Resolved& drawing, const Options& options, Session& session) {
   }
 }
 
-void run(const Options& options, Show show, Session& session) {
+void run(const XrefsOptions& options, Show show, Session& session) {
   for (const std::string& path : options.files) {
     const Resolved drawing(path, options, session);
     if (!drawing.reading.ok() && !options.json) {
@@ -184,7 +184,7 @@ void run(const Options& options, Show show, Session& session) {
 
 void addReading(CLI::App& group, const char* name, const char* help, const char* footer, Show show,
                 Session& session) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<XrefsOptions>();
   CLI::App* verb = group.add_subcommand(name, help);
   verb->add_option("FILE", options->files, "DXF files; - is the standard input")->required();
   verb->add_flag("--json", options->json, "One JSON object a line and file");

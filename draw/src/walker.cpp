@@ -10,7 +10,6 @@
 namespace vek0::detail {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 constexpr int kMostNested = 200;  // inserts within inserts; each takes stack
 constexpr int kMostChords = 4096;
 constexpr long kInvisible = 1;                        // bit of an attribute's flags

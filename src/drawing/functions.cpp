@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr short kByBlock = 0, kByLayer = 256, kNoLayerColor = 7;
+constexpr short kNoLayerColor = 7;
 
 // The item of an external reference that a dependent name names.
 template <class Item, class Table>
@@ -115,8 +115,8 @@ double getLtypeScale(const CData& data) { return data.getVars().getLtypeScale();
 void setLtypeScale(CData& data, double scale) { data.getVars().setLtypeScale(scale); }
 
 short getColor(short color, const CLayer* layer, short blockColor) {
-  if (color == kByBlock) return blockColor;
-  if (color != kByLayer) return color;
+  if (color == kColorByBlock) return blockColor;
+  if (color != kColorByLayer) return color;
   return layer ? layer->getColor() : kNoLayerColor;
 }
 

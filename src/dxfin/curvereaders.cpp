@@ -5,15 +5,15 @@
 
 #include "dxfin/ocs.h"
 #include "dxfin/replacement.h"
+#include "vek0core/geometry/angle.h"
 #include "vek0core/geometry/ellipse.h"
 
 namespace vek0::detail {
 namespace {
 
-constexpr double kTwoPi = 6.283185307179586;
 constexpr double kFlattest = 1e-6;  // smallest ratio of axes that the format knows
 // Code 70 of SPLINE.
-constexpr long kClosed = 1, kPeriodic = 2;
+constexpr long kSplineClosed = 1, kPeriodic = 2;
 constexpr long kSubclass = 100;
 constexpr long kSplinePath = 1;  // code 72 of LEADER
 
@@ -93,7 +93,7 @@ void CurveReader::takeSplinePair(long code) {
 // Controls are the curve; the points that it was fitted to matter without them only.
 EntPtr CurveReader::buildSpline(const zim::WString& kind) {
   const Record& r = m_in.record();
-  const bool closed = (r.integer(70) & (kClosed | kPeriodic)) != 0;
+  const bool closed = (r.integer(70) & (kSplineClosed | kPeriodic)) != 0;
   m_spline.degree = static_cast<int>(r.integer(71, 3));
   m_chain.clear();
   if (m_spline.controls.size() >= 2 || !fit(closed)) addChords();

@@ -9,11 +9,10 @@
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/entline.h"
+#include "vek0core/geometry/angle.h"
 
 namespace vek0::detail {
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
 
 // Code 70, without the bits above.
 enum Type {

@@ -11,7 +11,7 @@ namespace vek0::detail {
 namespace {
 
 // The counted groups, by the code of their count.
-constexpr long kPatternLines = 78, kLoops = 91, kSeeds = 98;
+constexpr long kPatternLineCount = 78, kLoopCount = 91, kSeedCount = 98;
 // Kinds of loops and of edges.
 constexpr long kPolylineLoop = 2;
 constexpr long kLine = 1, kArc = 2, kEllipse = 3, kSpline = 4;
@@ -52,7 +52,7 @@ EntPtr HatchReader::readMpolygon() {
 bool HatchReader::readRecord() {
   static constexpr RecordKind hatch({2, 30, 41, 52, 70, 75, 76, 77}, {8});
   static constexpr RecordKind mpolygon({2, 30, 41, 52, 71, 75, 76, 77}, {8});
-  static constexpr CodeSet groups{kPatternLines, kLoops, kSeeds};
+  static constexpr CodeSet groups{kPatternLineCount, kLoopCount, kSeedCount};
   m_lines.clear();
   m_rings.clear();
   const std::size_t room = std::min(m_curveRoom, kRecordCurvePoints);
@@ -65,8 +65,8 @@ bool HatchReader::readRecord() {
 }
 
 void HatchReader::takeGroup(long code) {
-  if (code == kPatternLines) return readPatternLines();
-  if (code == kLoops) return readLoops();
+  if (code == kPatternLineCount) return readPatternLines();
+  if (code == kLoopCount) return readLoops();
   readSeeds();
 }
 

@@ -8,11 +8,10 @@
 #include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/entpolyline.h"
 #include "vek0core/entities/enttext.h"
+#include "vek0core/geometry/angle.h"
 
 namespace vek0::detail {
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
 
 EntPtr chordsOf(RecordReader& in, const CIRCLE_3D& circle, double start, double sweep, bool closed,
                 const PlaneAxes& axes) {

@@ -1,5 +1,7 @@
 #include "dxfin/recordreader.h"
 
+#include "vek0core/tables/colors.h"
+
 #include <string>
 
 #include "files/number.h"
@@ -34,8 +36,6 @@ bool isLoss(long code) {
 }
 
 zim::WString decimal(long value) { return zim::WString::fromUtf8(std::to_string(value)); }
-
-constexpr long kColorByLayer = 256;  // the largest colour number; 0 is BYBLOCK
 
 }  // namespace
 

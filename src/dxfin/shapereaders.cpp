@@ -9,7 +9,7 @@
 namespace vek0::detail {
 namespace {
 
-constexpr long kClosed = 2;  // code 71 of MLINE
+constexpr long kMlineClosed = 2;  // code 71 of MLINE
 
 using Chain = std::vector<PNT_3D>;
 
@@ -191,7 +191,7 @@ EntPtr readMultiline(RecordReader& in) {
   Multiline multiline(in);
   const auto takeOwn = [&](long code) { multiline.take(code); };
   if (!in.read(kind, {11, 21, 31, 12, 22, 32, 13, 23, 33, 41, 74}, 2, takeOwn)) return nullptr;
-  const bool closed = (in.record().integer(71) & kClosed) != 0;
+  const bool closed = (in.record().integer(71) & kMlineClosed) != 0;
   std::vector<EntPtr> built;
   for (const ParallelLine& line : multiline.lines()) {
     for (Chain& chain : line.pieces(closed)) {

@@ -4,6 +4,7 @@
 #include "vek0core/entities/entattdef.h"
 #include "vek0core/entities/entattrib.h"
 #include "vek0core/entities/enttext.h"
+#include "vek0core/geometry/angle.h"
 #include "vek0core/tables/style.h"
 #include "vek0core/tables/text.h"
 
@@ -12,7 +13,6 @@ namespace {
 
 constexpr CodeSet kTextCodes{1, 7, 10, 20, 30, 11, 21, 31, 40, 41, 50, 51, 71, 72};
 constexpr CodeSet kTextVital{10, 20};
-constexpr double kPi = 3.14159265358979323846;
 
 // Code 70 of attributes.
 constexpr long kInvisibleAttrib = 1;

@@ -7,6 +7,9 @@ class CFileDXFOWriter;
 
 namespace vek0::detail {
 
+/// Bit of a block's flags: an external reference.
+inline constexpr long kExternal = 4;
+
 /// The head of a block definition; `path` is that of an external reference.
 void beginBlock(CFileDXFOWriter& writer, const zim::WString& name, long flags, const PNT_3D& base,
                 const zim::WString& path);

@@ -10,11 +10,10 @@
 namespace {
 
 // Code 70 of BLOCK.
-constexpr long kExternal = 4;
 
 long flagsOf(const CBlock& block, bool exchange) {
   // Readers would look for a file behind a block that says it is external.
-  const long flags = block.getFlags() & ~kExternal;
+  const long flags = block.getFlags() & ~vek0::detail::kExternal;
   // And they drop an empty block with such a name that does not say it is private.
   return exchange && block.getName()[0] == u'*' ? flags | CBlock::kAnonymous : flags;
 }

@@ -28,7 +28,6 @@ namespace {
 
 constexpr long kLayerFrozen = 1, kLayerOff = 128;
 constexpr long kShapeStyle = 1;
-constexpr long kExternal = 4;
 // What a layer's code 70 holds; being off is a negative colour, the rest is ours.
 constexpr long kFlagBits = 0x7F;
 // The letter A: the pattern is fitted to the ends of a line.
@@ -195,7 +194,7 @@ void CFileDXFOSaver::writeCurrentItems() {
   const bool known = vek0::detail::isEntityColor(color);
   if (!known) report("color out of range", u"$CECOLOR");
   write(9, u"$CECOLOR");
-  write(62, static_cast<long>(known ? color : vek0::detail::kColorByLayer));
+  write(62, static_cast<long>(known ? color : kColorByLayer));
 }
 
 void CFileDXFOSaver::writeVariable(const zim::Char* name, long code, double value,
@@ -306,8 +305,8 @@ void CFileDXFOSaver::writeXRef(const CBlockXRef& xref) {
   // it matters.
   PNT_3D base(0, 0, 0);
   if (isExchange() && vek0::detail::isFinite(xref.getPnt())) base = xref.getPnt();
-  vek0::detail::beginBlock(m_writer, m_converter.GetName(&xref), xref.getFlags() | kExternal, base,
-                           xref.getPath());
+  vek0::detail::beginBlock(m_writer, m_converter.GetName(&xref),
+                           xref.getFlags() | vek0::detail::kExternal, base, xref.getPath());
   vek0::detail::endBlock(m_writer, isExchange());
 }
 

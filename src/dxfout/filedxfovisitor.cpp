@@ -194,7 +194,7 @@ long CFileDXFOVisitor::def_visit(const CEnt& ent) {
   m_writer.writeEncoded(8, m_names->layer(ent.getLayer()));
   if (ent.getLtype() && !ent.getLtype()->isByLayer())
     m_writer.writeEncoded(6, m_names->ltype(ent.getLtype()));
-  if (ent.getColor() == vek0::detail::kColorByLayer) return handle;
+  if (ent.getColor() == kColorByLayer) return handle;
   if (vek0::detail::isEntityColor(ent.getColor()))
     m_writer.write(62, static_cast<long>(ent.getColor()));
   else

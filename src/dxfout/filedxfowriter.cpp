@@ -1,5 +1,7 @@
 #include "vek0core/dxfout/filedxfowriter.h"
 
+#include "files/surrogates.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -42,8 +44,6 @@ constexpr auto kGroupLines = [] {
     lines[static_cast<std::size_t>(code)] = groupLine(code);
   return lines;
 }();
-
-constexpr bool isHighSurrogate(zim::Char unit) { return (unit & 0xFC00) == 0xD800; }
 
 // What `encodeText` would copy as it stands.
 bool isPlain(std::u16string_view text) {
@@ -114,7 +114,7 @@ std::string_view CFileDXFOWriter::encoded(std::u16string_view text) {
   std::size_t keep = std::min(text.size(), kLongestValue);
   bool cut = keep < text.size();
   for (;;) {
-    if (keep < text.size() && isHighSurrogate(text[keep - 1])) --keep;
+    if (keep < text.size() && vek0::detail::isHighSurrogate(text[keep - 1])) --keep;
     m_text.clear();
     encodeText(text.substr(0, keep), m_text);
     if (m_text.size() <= kLongestValue) break;

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "vek0core/tables/colors.h"
+
 namespace vek0::detail {
 
-inline constexpr short kColorByLayer = 256;
 /// What stands in for a layer's colour that is none: the colour of layer "0".
 inline constexpr short kColorDefault = 7;
 

@@ -1,5 +1,7 @@
 #include "vek0core/entities/blockgraph.h"
 
+#include "entities/collectblocks.h"
+
 #include <algorithm>
 
 #include "entities/blockgraphitem.h"
@@ -42,16 +44,6 @@ class Front {
  private:
   std::vector<Item*> m_items;
   std::size_t m_item = 0, m_neighbour = 0;
-};
-
-class Collect final : public IBlockOperation {
- public:
-  int doOperation(CBlock& block) override {
-    blocks.push_back(&block);
-    return ZORA_BLOCK_VISIT_RESULT_SUCCESS;
-  }
-
-  std::vector<CBlock*> blocks;
 };
 
 // An item that a visit has entered, and how many of its edges it has followed.
@@ -157,7 +149,7 @@ int CBlockGraph::VisitUndep(IBlockOperation& op) const {
 }
 
 int CBlockGraph::VisitDep(IBlockOperation& op) const {
-  Collect collect;
+  vek0::detail::CollectBlocks collect;
   int result = VisitUndep(collect);
   for (auto block = collect.blocks.rbegin();
        result == ZORA_BLOCK_VISIT_RESULT_SUCCESS && block != collect.blocks.rend(); ++block)
@@ -223,7 +215,7 @@ bool CBlockGraph::isBehind(const std::vector<Item*>& from, const Item& to) const
 // Users before what they insert. Costs a pass over the graph, which searches have to have
 // cost before. Only for calls that change the graph: whoever asks may be in a visit.
 void CBlockGraph::rankAll() const {
-  Collect collect;
+  vek0::detail::CollectBlocks collect;
   m_ranked = VisitUndep(collect) == ZORA_BLOCK_VISIT_RESULT_SUCCESS;
   m_searched = 0;
   for (const CBlock* block : collect.blocks) find(*block)->rank = --m_firstRank;

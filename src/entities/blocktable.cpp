@@ -1,5 +1,7 @@
 #include "vek0core/entities/blocktable.h"
 
+#include "entities/collectblocks.h"
+
 #include <new>
 #include <utility>
 #include <vector>
@@ -19,20 +21,10 @@ std::list<CBlock*> insertedBlocks(const std::list<CEnt*>& entities) {
   return blocks;
 }
 
-class Collect final : public IBlockOperation {
- public:
-  int doOperation(CBlock& block) override {
-    blocks.push_back(&block);
-    return ZORA_BLOCK_VISIT_RESULT_SUCCESS;
-  }
-
-  std::vector<CBlock*> blocks;
-};
-
 // The blocks of a graph, users before what they insert; none when there is a circle or
 // no memory.
 std::vector<CBlock*> usersFirst(const CBlockGraph& graph) {
-  Collect collect;
+  vek0::detail::CollectBlocks collect;
   try {
     if (graph.VisitDep(collect) == ZORA_BLOCK_VISIT_RESULT_SUCCESS)
       return std::move(collect.blocks);

@@ -4,6 +4,8 @@
 #include <new>
 #include <string>
 
+#include "vek0core/tables/colors.h"
+
 #include "entities/hatchblock.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/entities/block.h"
@@ -20,7 +22,6 @@
 
 namespace {
 
-constexpr short kByBlock = 0;
 constexpr long kAllEdgesHidden = 15;
 
 std::atomic<HatchMessageHandler> g_handler{nullptr};
@@ -42,14 +43,14 @@ class BlockSink final : public IHatchSink {
   BlockSink(CData& data, CBlock& block) : m_data(data), m_block(block) {}
 
   void line(const PNT_3D& from, const PNT_3D& to) override {
-    keep(factory().createEntLine(gestor(), layer(), ltype(), kByBlock, LINE_3D(from, to), 0));
+    keep(factory().createEntLine(gestor(), layer(), ltype(), kColorByBlock, LINE_3D(from, to), 0));
   }
   void dot(const PNT_3D& at) override {
-    keep(factory().createEntPnt(gestor(), layer(), ltype(), kByBlock, at, 0));
+    keep(factory().createEntPnt(gestor(), layer(), ltype(), kColorByBlock, at, 0));
   }
   void face(const HatchFace& f) {
-    keep(factory().createEnt3DFace(gestor(), layer(), ltype(), kByBlock, f.p[0], f.p[1], f.p[2],
-                                   f.p[3], kAllEdgesHidden, 0));
+    keep(factory().createEnt3DFace(gestor(), layer(), ltype(), kColorByBlock, f.p[0], f.p[1],
+                                   f.p[2], f.p[3], kAllEdgesHidden, 0));
   }
 
  private:

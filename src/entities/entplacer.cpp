@@ -1,5 +1,7 @@
 #include "entities/entplacer.h"
 
+#include "vek0core/tables/colors.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -22,17 +24,16 @@
 #include "vek0core/entities/entpolyline.h"
 #include "vek0core/entities/enttext.h"
 #include "vek0core/entities/transformtext.h"
+#include "vek0core/geometry/angle.h"
 #include "vek0core/geometry/edge.h"
 #include "vek0core/tables/ltype.h"
 
 namespace vek0::detail {
 namespace {
 
-constexpr double kTwoPi = 6.283185307179586;
 constexpr double kSquare = 1e-12;  // share by which axes may be off square or of equal length
 constexpr int kMostNested = 200;
 constexpr long kInvisible = 1;  // bit of an attribute's flags
-constexpr short kByBlock = 0;   // colour number
 
 }  // namespace
 
@@ -83,7 +84,7 @@ CLtype* EntPlacer::ltypeOf(const CEnt& ent) const {
 }
 
 short EntPlacer::colorOf(const CEnt& ent) const {
-  return m_look && ent.getColor() == kByBlock ? m_look->color : ent.getColor();
+  return m_look && ent.getColor() == kColorByBlock ? m_look->color : ent.getColor();
 }
 
 void EntPlacer::take(CEnt* made, const CEnt& src) {

@@ -1,13 +1,14 @@
 #include "vek0core/entities/insertstack.h"
 
+#include "vek0core/tables/colors.h"
+
 #include "vek0core/entities/entinsert.h"
 #include "vek0core/tables/layer.h"
 #include "vek0core/tables/ltype.h"
 
 namespace {
 
-constexpr short kByBlock = 0, kByLayer = 256;  // colour numbers
-constexpr short kNoColor = 7;                  // shown where nothing else is known
+constexpr short kNoColor = 7;  // shown where nothing else is known
 constexpr std::size_t kUsualDepth = 10;
 
 // A layer's own linetype cannot be taken from a layer or a block.
@@ -29,8 +30,8 @@ CLayer* CEntInsertStackState::ResolveLayer(const CEnt& ent) const {
 }
 
 short CEntInsertStackState::ResolveColor(const CEnt& ent) const {
-  if (ent.getColor() == kByBlock) return m_color;
-  if (ent.getColor() != kByLayer) return ent.getColor();
+  if (ent.getColor() == kColorByBlock) return m_color;
+  if (ent.getColor() != kColorByLayer) return ent.getColor();
   const CLayer* layer = ResolveLayer(ent);
   return layer != nullptr ? layer->getColor() : kNoColor;
 }

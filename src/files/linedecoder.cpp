@@ -1,5 +1,7 @@
 #include "files/linedecoder.h"
 
+#include "files/surrogates.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -7,8 +9,6 @@ namespace vek0::detail {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{64} * 1024;
-
-bool isHighSurrogate(zim::Char unit) { return unit >= 0xD800 && unit < 0xDC00; }
 
 }  // namespace
 

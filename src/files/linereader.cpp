@@ -1,5 +1,7 @@
 #include "files/linereader.h"
 
+#include "files/surrogates.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -61,8 +63,6 @@ std::u16string unitsOf(std::string_view bytes, bool littleEndian) {
   }
   return units;
 }
-
-bool isHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 
 }  // namespace
 

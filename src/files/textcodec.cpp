@@ -1,5 +1,7 @@
 #include "vek0core/files/textcodec.h"
 
+#include "files/surrogates.h"
+
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
@@ -60,9 +62,6 @@ bool decodeMultiByte(int page, std::string_view bytes, std::u16string& out) {
   out.resize(before);
   return false;
 }
-
-bool isHighSurrogate(zim::Char c) { return c >= 0xD800 && c < 0xDC00; }
-bool isLowSurrogate(zim::Char c) { return c >= 0xDC00 && c < 0xE000; }
 
 // Letters in lower case and digits; what names are told apart by.
 std::string simplified(std::string_view name) {
@@ -186,8 +185,10 @@ void appendUnitEscape(zim::Char c, std::string& out) {
 }
 
 bool isUnpaired(std::u16string_view text, std::size_t i) {
-  if (isHighSurrogate(text[i])) return i + 1 == text.size() || !isLowSurrogate(text[i + 1]);
-  return isLowSurrogate(text[i]) && (i == 0 || !isHighSurrogate(text[i - 1]));
+  if (vek0::detail::isHighSurrogate(text[i]))
+    return i + 1 == text.size() || !vek0::detail::isLowSurrogate(text[i + 1]);
+  return vek0::detail::isLowSurrogate(text[i]) &&
+         (i == 0 || !vek0::detail::isHighSurrogate(text[i - 1]));
 }
 
 // Appends the unit at i when it means something else in a value than itself.
@@ -320,7 +321,7 @@ std::size_t CTextDecoder::decode(std::string_view bytes, zim::Char* out, std::si
   std::u16string text;
   decode(bytes, text);
   std::size_t count = std::min(room, text.size());
-  if (count > 0 && count < text.size() && isHighSurrogate(text[count - 1])) --count;
+  if (count > 0 && count < text.size() && vek0::detail::isHighSurrogate(text[count - 1])) --count;
   std::copy_n(text.data(), count, out);
   return count;
 }

@@ -1,18 +1,20 @@
 #include "vek0core/geometry/arc.h"
+#include "vek0core/geometry/angle.h"
 
 #include <algorithm>
 
+using vek0::detail::kPi;
+using vek0::detail::kTwoPi;
+
 namespace {
 
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 6.283185307179586;
 constexpr double kStepLimit = 64 * kTwoPi;
-constexpr double kEps = 1e-12;
+constexpr double kAngleEps = 1e-12;
 constexpr double kMaxChords = 1024;
 
 // Within [s, e], with a tolerance that grows with the angles.
 bool between(double s, double a, double e) {
-  return s - (s + 1) * kEps <= a && a <= e + (e + 1) * kEps;
+  return s - (s + 1) * kAngleEps <= a && a <= e + (e + 1) * kAngleEps;
 }
 
 // Whether a sweep from s to e passes the direction `at`, in this turn or the next.
@@ -25,10 +27,10 @@ double largestCoordinate(const PNT_3D& a, const PNT_3D& b) {
 bool isStraight(const PNT_3D& p0, const PNT_3D& p1, double bulge) {
   if (bulge == 0 || !std::isfinite(bulge)) return true;
   const double h = p0.PNT_2D::dist(p1) / 2;
-  if (!(h > kEps)) return true;
+  if (!(h > kAngleEps)) return true;
   const double radius = h / 2 * (std::fabs(bulge) + 1 / std::fabs(bulge));
   if (!std::isfinite(radius * radius)) return true;
-  return std::fabs(bulge) * h < kEps * (1 + largestCoordinate(p0, p1));
+  return std::fabs(bulge) * h < kAngleEps * (1 + largestCoordinate(p0, p1));
 }
 
 void halfCircle(const PNT_3D& p0, const PNT_3D& p1, double bulge, ARC_3D& arc) {
@@ -96,7 +98,7 @@ bool ARC_3D::angle_in_arc(double angleRad) const {
   if (between(s, a, e)) return true;
   // The next turn, for arcs that reach or cross angle 0, and the turn before, for
   // angles a rounding error short of the full turn.
-  return (e >= kTwoPi - (kTwoPi + 1) * kEps && between(s, a + kTwoPi, e)) ||
+  return (e >= kTwoPi - (kTwoPi + 1) * kAngleEps && between(s, a + kTwoPi, e)) ||
          between(s, a - kTwoPi, e);
 }
 

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "geometry/vector.h"
+
+using vek0::detail::touchTolerance;
+
 namespace {
 
-constexpr double kEps = 1e-12;  // of a distance, relative to radii above 1
-
-double touchTolerance(double radius) { return kEps * std::max(1.0, std::fabs(radius)); }
+constexpr double kParamEps = 1e-12;  // of the parameter along a segment
 
 long give(const PNT_2D& a, const PNT_2D& b, long count, PNT_2D* p1, PNT_2D* p2) {
   *p1 = a;
@@ -27,8 +29,8 @@ double halfChord(double radius, double distance) {
 
 // Ends of a segment count, the parameter within 1e-12 of them.
 bool onSegment(double& t) {
-  if (std::fabs(t) <= kEps) t = 0;
-  if (std::fabs(t - 1) <= 2 * kEps) t = 1;
+  if (std::fabs(t) <= kParamEps) t = 0;
+  if (std::fabs(t - 1) <= 2 * kParamEps) t = 1;
   return t >= 0 && t <= 1;
 }
 
@@ -37,7 +39,7 @@ bool circumcentre(const PNT_2D& a, const PNT_2D& b, PNT_2D& centre) {
   const double cross = a.x * b.y - a.y * b.x;
   const double aa = a.x * a.x + a.y * a.y, bb = b.x * b.x + b.y * b.y;
   const double longest = std::max({aa, bb, a.dist_square(b)});
-  if (!(std::fabs(cross) > kEps * longest)) return false;
+  if (!(std::fabs(cross) > kParamEps * longest)) return false;
   centre.set((aa * b.y - bb * a.y) / (2 * cross), (bb * a.x - aa * b.x) / (2 * cross));
   return std::isfinite(centre.x) && std::isfinite(centre.y);
 }
@@ -127,7 +129,7 @@ long CIRCLE_3D::intersect_hor(const LINE_2D& line, PNT_2D* p1, PNT_2D* p2) const
   const double half = halfChord(radius, line.p1.y - y);
   if (half < 0) return 0;
   const double low = std::min(line.p1.x, line.p2.x), high = std::max(line.p1.x, line.p2.x);
-  const double reach = kEps * (1 + std::fabs(high - low));
+  const double reach = kParamEps * (1 + std::fabs(high - low));
   PNT_2D found[2];
   long kept = 0;
   for (const double at : {x - half, x + half}) {

@@ -5,11 +5,11 @@
 #include <limits>
 #include <vector>
 
+#include "geometry/vector.h"
+
+using vek0::detail::touchTolerance;
+
 namespace {
-
-constexpr double kEps = 1e-12;  // of a distance, relative to radii above 1
-
-double touchTolerance(double radius) { return kEps * std::max(1.0, radius); }
 
 bool isFine(const PNT_2D& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 

@@ -1,17 +1,19 @@
 #include "vek0core/geometry/edge.h"
+#include "vek0core/geometry/angle.h"
 
 #include <algorithm>
 #include <cmath>
 
 #include "geometry/vector.h"
 
+using vek0::detail::kPi;
+using vek0::detail::kTwoPi;
+
 namespace {
 
 using vek0::detail::cross;
 using vek0::detail::dot;
 
-constexpr double kPi = 3.14159265358979323846;
-constexpr double kTwoPi = 2 * kPi;
 constexpr double kParallel = 1e-12;  // sine of the angle between straight edges
 
 PNT_2D around(const PNT_2D& center, double radius, double angle) {

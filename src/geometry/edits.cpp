@@ -1,4 +1,5 @@
 #include "vek0core/geometry/edits.h"
+#include "vek0core/geometry/angle.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,12 +9,13 @@
 #include "geometry/vector.h"
 #include "vek0core/geometry/constructions.h"
 
+using vek0::detail::kTwoPi;
+
 namespace {
 
 using vek0::detail::cross;
 using vek0::detail::dot;
 
-constexpr double kTwoPi = 6.283185307179586;
 constexpr int kMostMarks = 1000000;
 constexpr double kStraightOn = 1e-9;  // radians
 constexpr double kSteps = 1e-9;       // share of a step that a sum of lengths may be off

@@ -1,4 +1,5 @@
 #include "vek0core/geometry/ellipse.h"
+#include "vek0core/geometry/angle.h"
 
 #include <cmath>
 
@@ -8,10 +9,11 @@ using vek0::detail::inReach;
 using vek0::detail::makeUnit;
 using vek0::detail::times;
 
+using vek0::detail::kPi;
+using vek0::detail::kTwoPi;
+
 namespace {
 
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 6.283185307179586;
 // Radians that may be missing from a full turn, and that may be too much: files round
 // 2 * pi to a few digits, often upwards.
 constexpr double kTurnShort = 1e-9, kTurnOver = 1e-4;

@@ -2,16 +2,16 @@
 
 namespace {
 
-constexpr double kEps = 1e-12;  // "zero" for differences, coefficients and determinants
+constexpr double kZero = 1e-12;  // "zero" for differences, coefficients and determinants
 
-bool isZero(double v) { return std::fabs(v) <= kEps; }
+bool isZero(double v) { return std::fabs(v) <= kZero; }
 
 bool sameSign(double u, double v) { return (u < 0 && v < 0) || (u > 0 && v > 0); }
 
 // Ends of a segment are met when the parameter is this near to them.
 double snap(double t) {
   if (isZero(t)) return 0;
-  return std::fabs(t - 1) <= 2 * kEps ? 1 : t;
+  return std::fabs(t - 1) <= 2 * kZero ? 1 : t;
 }
 
 bool onSegment(double t) { return t >= 0 && t <= 1; }
@@ -85,7 +85,7 @@ void IMP_LINE_2D::normalize() {
   const double length = std::sqrt(a * a + b * b);
   if (length == 0) return;
   double k = 1 / length;
-  if (c > kEps || (isZero(c) && b < -kEps)) k = -k;
+  if (c > kZero || (isZero(c) && b < -kZero)) k = -k;
   a *= k;
   b *= k;
   c *= k;

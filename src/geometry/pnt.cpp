@@ -1,12 +1,14 @@
 #include "vek0core/geometry/pnt.h"
+#include "vek0core/geometry/angle.h"
 
 #include <limits>
 
 #include "vek0core/geometry/rect.h"
 
+using vek0::detail::kTwoPi;
+
 namespace {
 
-constexpr double kTwoPi = 6.283185307179586;
 constexpr double kInLine = 1e-6;  // drawing units in the plane, components in space
 
 // Not-a-number has no nearest integer, and what lies beyond `int` must not wrap:

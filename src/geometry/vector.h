@@ -1,10 +1,14 @@
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 
 #include "vek0core/geometry/pnt.h"
 
 namespace vek0::detail {
+
+/// How near two distances to a circle's centre are when they count as touching.
+inline double touchTolerance(double radius) { return 1e-12 * std::max(1.0, std::fabs(radius)); }
 
 /// Coordinates beyond it, in drawing units, are refused where squares and products have to
 /// stay finite.

@@ -12,7 +12,6 @@
 namespace vek0::detail {
 namespace {
 
-constexpr double kTwoPi = 6.283185307179586;
 constexpr double kStepLimitRad = 64 * kTwoPi;
 // What converting and adding a turn may cost, in degrees; far below a written decimal.
 constexpr double kDegreeError = 1e-8;

@@ -7,6 +7,7 @@
 #include "geometry/pointgrid.h"
 #include "geometry/vector.h"
 #include "polyline/offsetzone.h"
+#include "vek0core/geometry/angle.h"
 #include "vek0core/polyline/offset.h"
 
 // Every edge and every outer corner has its own parallel. From each we take away what lies
@@ -17,7 +18,6 @@
 namespace vek0::detail {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 constexpr double kDepth = 1e-12;      // share of the distance that counts as too near
 constexpr double kShortest = 1e-8;    // share of it that the shortest piece measures
 constexpr double kRounding = 4e-15;   // of the path's size

@@ -5,11 +5,11 @@
 #include <limits>
 
 #include "geometry/vector.h"
+#include "vek0core/geometry/angle.h"
 
 namespace vek0::detail {
 namespace {
 
-constexpr double kTwoPi = 6.283185307179586;
 constexpr double kEndShare = 1e-12;  // of an edge, beyond its ends: neighbours leave no seam
 constexpr double kOutside = -std::numeric_limits<double>::infinity();
 

@@ -22,13 +22,13 @@ bool isWide(char32_t c) {
          (c >= 0xFFE0 && c <= 0xFFE6) || (c >= 0x20000 && c <= 0x3FFFD);
 }
 
-std::unique_ptr<CFontTable>& instance() {
+std::unique_ptr<CFontTable>& fonts() {
   static std::unique_ptr<CFontTable> table;
   return table;
 }
 
 // Two threads may make their first drawings at the same time.
-std::mutex& instanceMutex() {
+std::mutex& fontsMutex() {
   static std::mutex mutex;
   return mutex;
 }
@@ -54,14 +54,14 @@ const ICADFont& defaultFontMetrics() {
 }
 
 CFontTable& CFontTable::getInstance() {
-  const std::lock_guard lock(instanceMutex());
-  if (!instance()) instance().reset(new CFontTable);
-  return *instance();
+  const std::lock_guard lock(fontsMutex());
+  if (!fonts()) fonts().reset(new CFontTable);
+  return *fonts();
 }
 
 void CFontTable::shutdown() {
-  const std::lock_guard lock(instanceMutex());
-  instance().reset();
+  const std::lock_guard lock(fontsMutex());
+  fonts().reset();
 }
 
 void CFontTable::add(ICADFont* font) {

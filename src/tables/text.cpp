@@ -1,4 +1,5 @@
 #include "vek0core/tables/text.h"
+#include "vek0core/geometry/angle.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,9 +7,9 @@
 #include "vek0core/tables/font.h"
 #include "vek0core/tables/style.h"
 
-namespace {
+using vek0::detail::kPi;
 
-constexpr double kPi = 3.141592653589793;
+namespace {
 
 constexpr long s_hAlign[TEXT_3D::kJustifications] = {0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2};
 constexpr long s_vAlign[TEXT_3D::kJustifications] = {0, 0, 0, 3, 3, 3, 2, 2, 2, 1, 1, 1};

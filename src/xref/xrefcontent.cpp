@@ -1,5 +1,7 @@
 #include "xref/xrefcontent.h"
 
+#include "entities/collectblocks.h"
+
 #include <utility>
 #include <vector>
 
@@ -13,15 +15,6 @@
 
 namespace vek0::detail {
 namespace {
-
-class CollectBlocks final : public IBlockOperation {
- public:
-  int doOperation(CBlock& block) override {
-    blocks.push_back(&block);
-    return ZORA_BLOCK_VISIT_RESULT_SUCCESS;
-  }
-  std::vector<const CBlock*> blocks;
-};
 
 template <class Table, class Unused>
 void retireUnless(CBlockXRef& xref, const Table& table, const Unused& isKept) {

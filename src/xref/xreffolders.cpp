@@ -71,31 +71,31 @@ std::u16string folded(std::u16string_view text) {
   return result;
 }
 
-// The names in a folder. Of names that differ in letter case alone, the first in the order of
-// their units counts, whatever the order in which the platform tells them.
-struct Listing {
-  std::unordered_map<std::u16string, fs::path> names;  // by the folded one
-  fs::file_time_type changed;
-  bool isLasting = false;  // as long as the folder has not changed
-
-  void read(const fs::path& folder) {
-    names.clear();
-    std::error_code failure;
-    for (fs::directory_iterator it(folder, failure), end; !failure && it != end;
-         it.increment(failure)) {
-      const fs::path name = it->path().filename();
-      if (!hasText(name)) continue;
-      const auto [at, isNew] = names.emplace(folded(textOf(name)), name);
-      if (!isNew && name < at->second) at->second = name;
-    }
-  }
-};
-
 }  // namespace
 
 IXRefResolver::~IXRefResolver() = default;
 
 struct CXRefFolders::Folders {
+  // The names in a folder. Of names that differ in letter case alone, the first in the order of
+  // their units counts, whatever the order in which the platform tells them.
+  struct Listing {
+    std::unordered_map<std::u16string, fs::path> names;  // by the folded one
+    fs::file_time_type changed;
+    bool isLasting = false;  // as long as the folder has not changed
+
+    void read(const fs::path& folder) {
+      names.clear();
+      std::error_code failure;
+      for (fs::directory_iterator it(folder, failure), end; !failure && it != end;
+           it.increment(failure)) {
+        const fs::path name = it->path().filename();
+        if (!hasText(name)) continue;
+        const auto [at, isNew] = names.emplace(folded(textOf(name)), name);
+        if (!isNew && name < at->second) at->second = name;
+      }
+    }
+  };
+
   std::vector<fs::path> searched, allowed;  // links resolved; what is searched is allowed too
   std::unordered_map<std::u16string, Listing> listings;
 

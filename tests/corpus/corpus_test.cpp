@@ -9,6 +9,7 @@
 
 #include "corpus/drawingchecks.h"
 #include "support/r12lint.h"
+#include "support/samples.h"
 
 using namespace vek0::test;
 namespace fs = std::filesystem;
@@ -80,7 +81,7 @@ TEST(Corpus, EveryFileGivesAConsistentDrawingAndARoundTripOrAnError) {
 }
 
 TEST(Samples, LoadAndGoRound) {
-  const auto files = drawingsIn(VEK0_SAMPLES);
+  const auto files = drawingsIn(vek0::test::samplePath());
   ASSERT_GE(files.size(), 3u);
   for (const fs::path& path : files) {
     SCOPED_TRACE(path.filename().string());

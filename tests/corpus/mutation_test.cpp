@@ -9,6 +9,7 @@
 
 #include "corpus/drawingchecks.h"
 #include "support/quietasserts.h"
+#include "support/samples.h"
 
 using namespace vek0::test;
 
@@ -16,7 +17,7 @@ namespace {
 
 std::vector<std::string> samples() {
   std::vector<std::string> texts;
-  for (const auto& entry : std::filesystem::directory_iterator(VEK0_SAMPLES)) {
+  for (const auto& entry : std::filesystem::directory_iterator(vek0::test::samplePath())) {
     if (entry.path().extension() == ".dxf") texts.push_back(readFile(entry.path().string()));
   }
   return texts;

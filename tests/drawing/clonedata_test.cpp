@@ -4,6 +4,7 @@
 #include <string>
 
 #include "drawing/drawings.h"
+#include "support/samples.h"
 
 namespace {
 
@@ -225,7 +226,7 @@ TEST(CloneData, SurvivesGapsAndStrangers) {
 TEST(CloneData, SampleDrawingsSaveToTheSameFile) {
   for (const char* name : {"every_kind_r12.dxf", "flange.dxf", "room_ac1015.dxf"}) {
     SCOPED_TRACE(name);
-    const std::string path = std::string(VEK0_SAMPLES) + "/" + name;
+    const std::string path = vek0::test::samplePath(name);
     CFileStdLib file(zim::WString::fromUtf8(path), IFile::kRead);
     Drawing source = newDrawing();
     CFileDXFIOptions options;

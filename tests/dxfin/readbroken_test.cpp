@@ -7,6 +7,7 @@
 
 #include "support/dxftext.h"
 #include "support/quietasserts.h"
+#include "support/samples.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/entinsert.h"
 
@@ -15,7 +16,7 @@ using namespace vek0::test;
 namespace {
 
 std::string readSample(const char* name) {
-  std::ifstream in(std::string(VEK0_SAMPLES "/") + name, std::ios::binary);
+  std::ifstream in(vek0::test::samplePath(name), std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), {});
 }
 

@@ -7,6 +7,7 @@
 #include <random>
 
 #include "support/dxftext.h"
+#include "support/samples.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/entcast.h"
 #include "vek0core/vek0core.h"
@@ -323,7 +324,7 @@ TEST(Tolerant, CleanFilesAreReadAsEver) {
   CFontTable::getInstance().addPlainDefault();
   for (const char* name : {"flange.dxf", "every_kind_r12.dxf", "hatches_ac1015.dxf"}) {
     SCOPED_TRACE(name);
-    std::ifstream in(std::string(VEK0_SAMPLES "/") + name, std::ios::binary);
+    std::ifstream in(vek0::test::samplePath(name), std::ios::binary);
     std::string text(std::istreambuf_iterator<char>(in), {});
     const std::string unknownFont = "romans";  // the strict reader forgets its name
     for (std::size_t i = 0; (i = text.find(unknownFont, i)) != std::string::npos;)

@@ -8,6 +8,7 @@
 
 #include "ltypefile/isoltypes.h"
 #include "ltypefile/loading.h"
+#include "support/samples.h"
 
 namespace {
 
@@ -62,7 +63,7 @@ TEST(AddIsoLtypes, AddsThemOnceAndOnlyWhenAsked) {
 }
 
 TEST(AddIsoLtypes, TheFileIsWhatTheFunctionAdds) {
-  std::ifstream in(VEK0_SAMPLES "/iso.lin", std::ios::binary);
+  std::ifstream in(vek0::test::samplePath("iso.lin"), std::ios::binary);
   std::ostringstream bytes;
   bytes << in.rdbuf();
   EXPECT_EQ(bytes.str(), vek0::detail::kIsoLtypes);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "support/samples.h"
 #include "tooltest.h"
 
 using Json = nlohmann::json;
@@ -322,10 +323,10 @@ TEST_F(Edit, UndoCheckHoldsForEveryKindAndStepAndChangesNothing) {
   const struct {
     std::string in, steps;
   } cases[] = {
-      {flange,                                                   remaps + steps},
-      {kinds,                                                    remaps + steps},
-      {"plan.dxf",                                               remaps + steps},
-      {std::string("'") + VEK0_SAMPLES + "/hatches_ac1015.dxf'", steps         },
+      {flange,                                         remaps + steps},
+      {kinds,                                          remaps + steps},
+      {"plan.dxf",                                     remaps + steps},
+      {vek0::test::quotedSample("hatches_ac1015.dxf"), steps         },
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.in);

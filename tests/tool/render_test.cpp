@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/samples.h"
 #include "tooltest.h"
 
 namespace {
@@ -348,7 +349,7 @@ TEST_F(Render, SamplesAreWellFormedInEveryForm) {
          {"", "--text outlines", "--mono --background '#102030'", "--paper A3 --scale 1:2",
           "--view parallel:1,0,0.5,0.5", "--window 0,0,1,1", "--view front", "--split-layers"}) {
       SCOPED_TRACE(std::string(name) + " " + options);
-      const std::string file = std::string("'") + VEK0_SAMPLES + "/" + name + ".dxf'";
+      const std::string file = vek0::test::quotedSample(name + std::string(".dxf"));
       const Outcome got = run("render -q " + file + " -f -o a.svg " + options);
       ASSERT_EQ(got.code, 0) << got.err;
       const std::string svg = contents(path("a.svg"));
@@ -574,7 +575,7 @@ TEST_F(Render, InkFollowsLengthAndWidth) {
 
 // Strips side by side, each with soft edges of its own, would let the background through.
 TEST_F(Render, SolidHatchesHaveNoSeams) {
-  const std::string hatches = std::string("'") + VEK0_SAMPLES + "/hatches_ac1015.dxf'";
+  const std::string hatches = vek0::test::quotedSample("hatches_ac1015.dxf");
   ASSERT_EQ(run("render -q " + hatches + " -o a.png --size 900x900 --layers HATCH").code, 0);
   const Image image(path("a.png"));
   constexpr std::uint32_t kGreenBlue = 0xFFFF;

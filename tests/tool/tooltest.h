@@ -10,6 +10,8 @@
 #include <sstream>
 #include <string>
 
+#include "support/samples.h"
+
 namespace fs = std::filesystem;
 
 /// What a run of the tool left behind.
@@ -54,8 +56,8 @@ class Tool : public testing::Test {
     return false;
   }
 
-  const std::string flange = std::string("'") + VEK0_SAMPLES + "/flange.dxf'";
-  const std::string kinds = std::string("'") + VEK0_SAMPLES + "/every_kind_r12.dxf'";
+  const std::string flange = vek0::test::quotedSample("flange.dxf");
+  const std::string kinds = vek0::test::quotedSample("every_kind_r12.dxf");
 
  private:
   fs::path m_folder;

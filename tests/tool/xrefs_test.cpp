@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/samples.h"
 #include "tooltest.h"
 #include "vek0core/geometry/pnt.h"
 
@@ -346,7 +347,7 @@ TEST_F(Xrefs, InfoListsReferencesWithoutLookingForThem) {
 }
 
 TEST_F(Xrefs, TheSampleResolves) {
-  const std::string site = std::string("'") + VEK0_SAMPLES + "/site.dxf'";
+  const std::string site = vek0::test::quotedSample("site.dxf");
   const Outcome strict = run("--strict xrefs check " + site);
   EXPECT_EQ(strict.code, 0) << strict.out << strict.err;
   EXPECT_TRUE(has(strict.out, "ok, 3 references\n")) << strict.out;

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <random>
 
+#include "support/samples.h"
 #include "xref/referred.h"
 
 namespace {
@@ -252,8 +253,8 @@ TEST(BindXRef, LeavesReferencesThatAreNotLoaded) {
 // What lines do not tell: fills and their private blocks, texts in their styles, attributes,
 // dashes with texts.
 TEST(BindXRef, TakesEveryKindAlong) {
-  std::ifstream in(std::string(VEK0_SAMPLES) + "/hatches_ac1015.dxf", std::ios::binary);
-  std::ifstream kinds(std::string(VEK0_SAMPLES) + "/every_kind_r12.dxf", std::ios::binary);
+  std::ifstream in(vek0::test::samplePath("hatches_ac1015.dxf"), std::ios::binary);
+  std::ifstream kinds(vek0::test::samplePath("every_kind_r12.dxf"), std::ios::binary);
   Sheet sheet;
   sheet.drawings.files["hatches.dxf"].assign(std::istreambuf_iterator<char>(in), {});
   sheet.drawings.files["kinds.dxf"].assign(std::istreambuf_iterator<char>(kinds), {});

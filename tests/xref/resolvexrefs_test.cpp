@@ -6,6 +6,7 @@
 #include <iterator>
 #include <set>
 
+#include "support/samples.h"
 #include "xref/referred.h"
 
 namespace {
@@ -367,7 +368,7 @@ TEST(ResolveXRefs, FontsOutliveTheDrawingsThatNameThem) {
 // A sheet with many names for one drawing of many hatches: the first ones have their lines,
 // and all of them their entities.
 TEST(ResolveXRefs, HatchesOfAllDrawingsTogetherAreBounded) {
-  std::ifstream in(std::string(VEK0_SAMPLES) + "/hatches_ac1015.dxf", std::ios::binary);
+  std::ifstream in(vek0::test::samplePath("hatches_ac1015.dxf"), std::ios::binary);
   Sheet sheet;
   sheet.drawings.files["h.dxf"].assign(std::istreambuf_iterator<char>(in), {});
   std::string blocks, inserts;

@@ -5,6 +5,9 @@
 #include "vek0core/export.h"
 #include "zim0lang/wstring.h"
 
+/// Colour numbers with a meaning of their own.
+inline constexpr short kColorByBlock = 0, kColorByLayer = 256;
+
 /// Display names of colour numbers: 0 is BYBLOCK, 1 to 255 the colour index, 256
 /// BYLAYER. Those of 0 to 7 and 256 come from the message texts, the others are the
 /// number in decimal.

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+namespace vek0::test {
+
+/// Path of a file in the folder of sample drawings; of the folder itself without a name.
+std::string samplePath(const std::string& name = {});
+
+/// The same in quotes, for a command line.
+inline std::string quotedSample(const std::string& name) { return "'" + samplePath(name) + "'"; }
+
+}  // namespace vek0::test
