@@ -157,16 +157,16 @@ void Walker::stroke(const WIDE_VERTEX* points, std::size_t count, bool closed) {
   m_out.stroke(m_device, closed);
 }
 
+// What lies between the sides of a closed chain is what one of them encloses more than the
+// other.
 void Walker::fillOutline(const std::vector<WIDE_VERTEX>& points, bool closed) {
-  fill(ribbonRings(points, closed));
-  fill(patchesOfFolds(points, closed));
-}
-
-void Walker::fill(const Rings& rings) {
+  const CPolylineSilhouette outline(points, closed);
   m_device.clear();
   m_ends.clear();
-  for (const auto& ring : rings) {
-    for (const PNT_3D& p : ring) m_device.push_back(m_place.apply(p));
+  for (std::size_t i = 0; i < outline.getNoRuns(); ++i) {
+    const auto start = static_cast<std::ptrdiff_t>(m_device.size());
+    for (const PNT_3D& p : outline.getRun(i)) m_device.push_back(m_place.apply(p));
+    if (i > 0) std::reverse(m_device.begin() + start, m_device.end());
     m_ends.push_back(m_device.size());
   }
   m_out.fill(m_device, m_ends, FillRule::NonZero);

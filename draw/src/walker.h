@@ -7,7 +7,6 @@
 #include "emitter.h"
 #include "linepattern.h"
 #include "placement.h"
-#include "ribbon.h"
 #include "vek0core/vek0core.h"
 #include "vek0draw/draw.h"
 
@@ -81,7 +80,6 @@ class Walker final : public IEntVisitor, private IPatternSink {
   void drawMixedChain(std::vector<WIDE_VERTEX> points);
   void stroke(const WIDE_VERTEX* points, std::size_t count, bool closed);
   void fillOutline(const std::vector<WIDE_VERTEX>& points, bool closed);
-  void fill(const Rings& rings);
   void strokeLine(const PNT_3D& from, const PNT_3D& to);
   void strokeSegments(const CEntPolyline& ent);
   void strokeRuns(const CEntPolyline& ent);

@@ -2,25 +2,39 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
+
+#include "vek0core/geometry/rect.h"
 
 namespace {
 
-constexpr double kMitreLimit = 4;   // widths from the vertex to the corner
-constexpr double kParallel = 1e-9;  // sine of the angle below which sides do not meet
+constexpr double kMitreLimit = 4;    // widths from the vertex to the corner
+constexpr double kParallel = 1e-9;   // sine of the angle below which sides do not meet
+constexpr double kSameWidth = 1e-9;  // share of a width that rounding may make of a joint
 constexpr double kLeft = 1, kRight = -1;
 
-// A segment with length: its ends, half widths there, and the unit vector to its left.
+double cross(const PNT_2D& a, const PNT_2D& b) { return a.x * b.y - a.y * b.x; }
+
+// A segment with length: its ends, half widths there, its length and direction.
 struct Segment {
   PNT_3D from, to;
   double halfStart, halfEnd;
-  double nx, ny;
+  double length;
+  PNT_2D way;  // of length 1
 
   PNT_3D start(double side) const { return offset(from, side * halfStart); }
   PNT_3D end(double side) const { return offset(to, side * halfEnd); }
+  /// Whether its body, ends and sides included, holds the point.
+  bool holds(const PNT_3D& p) const {
+    const PNT_2D d(p.x - from.x, p.y - from.y);
+    const double along = (d.x * way.x + d.y * way.y) / length;
+    const double half = halfStart + along * (halfEnd - halfStart);
+    return along >= 0 && along <= 1 && std::fabs(cross(way, d)) <= half;
+  }
 
  private:
-  PNT_3D offset(const PNT_3D& p, double d) const { return {p.x + nx * d, p.y + ny * d, p.z}; }
+  PNT_3D offset(const PNT_3D& p, double d) const { return {p.x - way.y * d, p.y + way.x * d, p.z}; }
 };
 
 std::vector<Segment> segmentsOf(const std::vector<WIDE_VERTEX>& vertexes, bool closed) {
@@ -31,44 +45,115 @@ std::vector<Segment> segmentsOf(const std::vector<WIDE_VERTEX>& vertexes, bool c
     const PNT_3D& to = vertexes[(i + 1) % n].pnt;
     const double length = std::hypot(to.x - v.pnt.x, to.y - v.pnt.y);
     if (!(length > 0) || !std::isfinite(length)) continue;
-    segments.push_back({v.pnt, to, std::fabs(v.widthStart) / 2, std::fabs(v.widthEnd) / 2,
-                        -(to.y - v.pnt.y) / length, (to.x - v.pnt.x) / length});
+    segments.push_back({v.pnt, to, std::fabs(v.widthStart) / 2, std::fabs(v.widthEnd) / 2, length,
+                        PNT_2D((to.x - v.pnt.x) / length, (to.y - v.pnt.y) / length)});
   }
   return segments;
 }
 
-// Where the sides of two neighbours meet; false when they run alike or the corner
-// would lie too far out.
-bool mitre(const Segment& a, const Segment& b, double side, PNT_3D& corner) {
-  const PNT_3D a0 = a.start(side), a1 = a.end(side), b0 = b.start(side), b1 = b.end(side);
-  const double ax = a1.x - a0.x, ay = a1.y - a0.y, bx = b1.x - b0.x, by = b1.y - b0.y;
-  const double cross = ax * by - ay * bx;
-  if (!(std::fabs(cross) > kParallel * std::hypot(ax, ay) * std::hypot(bx, by))) return false;
-  const double t = ((b0.x - a0.x) * by - (b0.y - a0.y) * bx) / cross;
-  corner.set(a0.x + t * ax, a0.y + t * ay, b.from.z);
-  const double reach = kMitreLimit * 2 * std::max(a.halfEnd, b.halfStart);
-  return corner.PNT_2D::dist(b.from) <= reach;
+// Where the lines through the sides of two neighbours cross, how far along each side (0 at
+// its start, 1 at its end), and to which side they turn there.
+struct Crossing {
+  PNT_3D at;
+  double along, alongNext;
+  double turn;
+};
+
+bool sidesCross(const Segment& a, const Segment& b, double side, Crossing& crossing) {
+  const PNT_3D a0 = a.start(side), b0 = b.start(side);
+  const PNT_2D da = a.end(side) - a0, db = b.end(side) - b0, between = b0 - a0;
+  const double sine = cross(da, db);
+  if (!(std::fabs(sine) > kParallel * std::hypot(da.x, da.y) * std::hypot(db.x, db.y)))
+    return false;
+  crossing.along = cross(between, db) / sine;
+  crossing.alongNext = cross(between, da) / sine;
+  crossing.turn = sine > 0 ? kLeft : kRight;
+  crossing.at.set(a0.x + crossing.along * da.x, a0.y + crossing.along * da.y, b.from.z);
+  return true;
 }
 
-void appendJoint(const Segment& a, const Segment& b, double side, std::vector<PNT_3D>& ring) {
-  PNT_3D corner(0, 0, 0);
-  if (mitre(a, b, side, corner)) {
-    ring.push_back(corner);
-    return;
+// The side that a turn runs around, which is the longer one there; 0 for neither.
+double outerSide(const Segment& a, const Segment& b) {
+  const double turn = cross(a.way, b.way);
+  if (turn == 0) return 0;
+  return turn > 0 ? kRight : kLeft;
+}
+
+bool isSameWidth(const Segment& a, const Segment& b) {
+  const double wider = std::max(a.halfEnd, b.halfStart);
+  return std::fabs(a.halfEnd - b.halfStart) <= kSameWidth * wider;
+}
+
+// The corner around which the outer side of a turn runs; false when it lies in one of the
+// bodies, where it would cut off the other, or too far out.
+bool mitre(const Segment& a, const Segment& b, PNT_3D& corner) {
+  const double side = outerSide(a, b);
+  Crossing crossing;
+  if (!sidesCross(a, b, side, crossing)) return false;
+  corner = crossing.at;
+  const bool isOutside = crossing.along >= 1 && crossing.alongNext <= 0 && crossing.turn == -side;
+  return isOutside && corner.PNT_2D::dist(b.from) <= kMitreLimit * 2 * a.halfEnd;
+}
+
+// The corner at which the inner side of a turn can change from one body to the other: what
+// it leaves out between itself and the vertex lies in both.
+bool innerCorner(const Segment& a, const Segment& b, PNT_3D& corner) {
+  const double side = -outerSide(a, b);
+  Crossing crossing;
+  if (side == 0 || !sidesCross(a, b, side, crossing)) return false;
+  corner = crossing.at;
+  return crossing.along >= 0 && crossing.along <= 1 && crossing.alongNext >= 0 &&
+         crossing.alongNext <= 1 && a.holds(b.start(side)) && b.holds(a.end(side));
+}
+
+// A place that k inner corners leave out lies in k + 1 bodies, and one remains; but in k of
+// them where the joints are all of a ring. Whether those may have a place in common.
+bool mayLeaveOutAlike(const std::vector<Segment>& segments) {
+  constexpr double all = std::numeric_limits<double>::infinity();
+  RECT_2D common(-all, -all, all, all);
+  for (std::size_t i = 0; i < segments.size(); ++i) {
+    const Segment &a = segments[i], &b = segments[(i + 1) % segments.size()];
+    PNT_3D corner;
+    if (!innerCorner(a, b, corner)) return false;
+    const double side = -outerSide(a, b);
+    const PNT_2D leftOut[] = {corner, a.end(side), b.from, b.start(side)};
+    RECT_2D box;
+    box.set(leftOut, 4);
+    if (!RECT_2D(common).intersect(box, common)) return false;
   }
-  ring.push_back(a.end(side));
-  if (b.start(side) != a.end(side)) ring.push_back(b.start(side));
+  return true;
+}
+
+// Each way is right by the non-zero rule. By way of the vertex is the plainest: the outline
+// is the sum of the bodies then, which all turn the same way.
+void appendJoint(const Segment& a, const Segment& b, double side, bool isPlain,
+                 std::vector<PNT_3D>& ring) {
+  const PNT_3D end = a.end(side), start = b.start(side);
+  ring.push_back(end);
+  if (end.PNT_2D::dist(start) <= kSameWidth * std::max(a.halfEnd, b.halfStart)) return;
+  const double outer = outerSide(a, b);
+  PNT_3D corner;
+  if (side == -outer && !isPlain && innerCorner(a, b, corner)) {
+    ring.back() = corner;
+  } else if (side == outer && isSameWidth(a, b)) {
+    if (mitre(a, b, corner))
+      ring.back() = corner;
+    else
+      ring.push_back(start);
+  } else {
+    ring.push_back(b.from);
+    ring.push_back(start);
+  }
 }
 
 std::vector<PNT_3D> sideOf(const std::vector<Segment>& segments, bool closed, double side) {
   std::vector<PNT_3D> points;
   points.reserve(segments.size() + 2);
   if (!closed) points.push_back(segments.front().start(side));
-  for (std::size_t i = 0; i + 1 < segments.size(); ++i) {
-    appendJoint(segments[i], segments[i + 1], side, points);
-  }
+  for (std::size_t i = 0; i + 1 < segments.size(); ++i)
+    appendJoint(segments[i], segments[i + 1], side, false, points);
   if (closed) {
-    appendJoint(segments.back(), segments.front(), side, points);
+    appendJoint(segments.back(), segments.front(), side, mayLeaveOutAlike(segments), points);
   } else {
     points.push_back(segments.back().end(side));
   }

@@ -187,11 +187,14 @@ TEST(Shapes, WidthsCoverEverySegmentWhateverItsNeighbours) {
     const double width = number(1, 80);
     for (int i = 0; i < 6; ++i)
       way.push_back({number(300, 500), number(300, 500), 0, width, width, 0, 0});
+    if (trial % 3 == 0) way[2].widthEnd = number(1, 80);
     polyline(scene, trial % 2 != 0, way);
     const Recorder drawn = scene.draw();
     for (std::size_t i = 0; i + 1 < way.size(); ++i) {
       const double dx = way[i + 1].x - way[i].x, dy = way[i + 1].y - way[i].y;
-      const double t = number(0.02, 0.98), side = number(-0.49, 0.49) * width / std::hypot(dx, dy);
+      const double t = number(0.02, 0.98);
+      const double wide = way[i].widthStart + t * (way[i].widthEnd - way[i].widthStart);
+      const double side = number(-0.49, 0.49) * wide / std::hypot(dx, dy);
       const PNT_2D p(way[i].x + t * dx - side * dy, way[i].y + t * dy + side * dx);
       EXPECT_TRUE(covers(drawn, seen(p.x, p.y))) << trial << ' ' << i << p;
     }

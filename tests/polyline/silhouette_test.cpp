@@ -63,32 +63,36 @@ TEST(Silhouette, Rings) {
     bool closed;
     std::vector<const char*> rings;
   } cases[] = {
-      {"a segment",                             "0,0 10,0",                   false, {"0,1 10,1 10,-1 0,-1"}                    },
-      {"a tapered segment",                     "0,0,2,0 10,0",               false, {"0,1 10,0 10,0 0,-1"}                     },
-      {"a corner is mitred",                    "0,0 10,0 10,10",             false, {"0,1 9,1 9,10 11,10 11,-1 0,-1"}          },
-      {"going straight on",                     "0,0 5,0 10,0",               false, {"0,1 5,1 10,1 10,-1 5,-1 0,-1"}           },
-      {"a step in width",                       "0,0,2,2 5,0,4,4 10,0",       false, {"0,1 5,1 5,2 10,2 10,-2 5,-2 5,-1 0,-1"}  },
+      {"a segment",                             "0,0 10,0",                   false, {"0,1 10,1 10,-1 0,-1"}          },
+      {"a tapered segment",                     "0,0,2,0 10,0",               false, {"0,1 10,0 10,0 0,-1"}           },
+      {"a corner is mitred",                    "0,0 10,0 10,10",             false, {"0,1 9,1 9,10 11,10 11,-1 0,-1"}},
+      {"going straight on",                     "0,0 5,0 10,0",               false, {"0,1 5,1 10,1 10,-1 5,-1 0,-1"} },
+      {"a step in width",
+       "0,0,2,2 5,0,4,4 10,0",                                                false,
+       {"0,1 5,1 5,0 5,2 10,2 10,-2 5,-2 5,0 5,-1 0,-1"}                                                              },
       {"a wide one leaves a narrow one",
        "0,0,2,2 100,0,40,40 100,100",                                         false,
-       {"0,1 80,1 80,100 120,100 120,-1 0,-1"}                                                                                  },
+       {"0,1 80,1 80,100 120,100 120,0 100,0 100,-1 0,-1"}                                                            },
       {"a narrow one leaves a wide one",
        "0,0,40,40 100,0,2,2 100,100",                                         false,
-       {"0,20 99,20 99,100 101,100 101,-20 0,-20"}                                                                              },
-      {"turning back",                          "0,0 10,0 5,0",               false, {"0,1 10,1 10,-1 5,-1 5,1 10,1 10,-1 0,-1"}},
+       {"0,20 99,20 99,100 101,100 101,0 100,0 100,-20 0,-20"}                                                        },
+      {"turning back",
+       "0,0 10,0 5,0",                                                        false,
+       {"0,1 10,1 10,0 10,-1 5,-1 5,1 10,1 10,0 10,-1 0,-1"}                                                          },
       {"repeated vertices",
        "0,0 0,0 10,0 10,0 10,10 10,10",                                       false,
-       {"0,1 9,1 9,10 11,10 11,-1 0,-1"}                                                                                        },
+       {"0,1 9,1 9,10 11,10 11,-1 0,-1"}                                                                              },
       {"a closed square",
        "0,0 10,0 10,10 0,10",                                                 true,
-       {"9,1 9,9 1,9 1,1", "11,-1 11,11 -1,11 -1,-1"}                                                                           },
+       {"9,1 9,9 1,9 1,1", "11,-1 11,11 -1,11 -1,-1"}                                                                 },
       {"closed, last vertex repeats the first",
        "0,0 10,0 10,10 0,10 0,0",                                             true,
-       {"9,1 9,9 1,9 1,1", "11,-1 11,11 -1,11 -1,-1"}                                                                           },
-      {"negative widths count as sizes",        "0,0,-2,-2 10,0",             false, {"0,1 10,1 10,-1 0,-1"}                    },
-      {"no widths",                             "0,0,0,0 10,0,0,0 10,10,0,0", false, {"0,0 10,0 10,10 10,10 10,0 0,0"}          },
-      {"no length",                             "3,3 3,3",                    false, {"3,3 3,3"}                                },
-      {"a closed point",                        "3,3",                        true,  {"3,3"}                                    },
-      {"nothing",                               "",                           true,  {}                                         },
+       {"9,1 9,9 1,9 1,1", "11,-1 11,11 -1,11 -1,-1"}                                                                 },
+      {"negative widths count as sizes",        "0,0,-2,-2 10,0",             false, {"0,1 10,1 10,-1 0,-1"}          },
+      {"no widths",                             "0,0,0,0 10,0,0,0 10,10,0,0", false, {"0,0 10,0 10,10 10,10 10,0 0,0"}},
+      {"no length",                             "3,3 3,3",                    false, {"3,3 3,3"}                      },
+      {"a closed point",                        "3,3",                        true,  {"3,3"}                          },
+      {"nothing",                               "",                           true,  {}                               },
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -130,7 +134,7 @@ TEST(Silhouette, SharpCornersAreBevelled) {
     const CPolylineSilhouette silhouette(corner, false);
     double farthest = 0;
     for (const PNT_3D& p : silhouette.getRun(0)) {
-      if (p.x < 50) farthest = std::fmax(farthest, p.PNT_2D::dist(0, 0));
+      if (p.x < 2) farthest = std::fmax(farthest, p.PNT_2D::dist(0, 0));
     }
     const double reach = 1 / std::sin(a / 2);
     EXPECT_NEAR(farthest, reach <= 8 ? reach : 1, 1e-9);
@@ -215,23 +219,72 @@ TEST(Silhouette, MovesAndTurnsWithThePolyline) {
   }
 }
 
-// With one width the corners lie on either side of their vertex, so no vertex sticks out.
-TEST(Silhouette, ExtentsHoldTheChain) {
-  std::mt19937 random(64);
-  std::uniform_real_distribution<double> real(-50, 50);
-  for (int round = 0; round < 500; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed 64, round " << round);
-    Wide path;
-    for (int i = 0; i < 8; ++i) path.push_back({PNT_3D(real(random), real(random), 0), 3, 3});
-    for (const bool closed : {false, true}) {
-      const CPolylineSilhouette silhouette(path, closed);
-      RECT_3D box;
-      box.initRegion();
-      for (std::size_t r = 0; r < silhouette.getNoRuns(); ++r) {
-        for (const PNT_3D& p : silhouette.getRun(r)) box.updateRegion(p);
-      }
-      for (const WIDE_VERTEX& v : path) EXPECT_TRUE(box.inside(v.pnt));
+// How often the rings run around a point.
+int windings(const CPolylineSilhouette& silhouette, const PNT_2D& p) {
+  int turns = 0;
+  for (std::size_t r = 0; r < silhouette.getNoRuns(); ++r) {
+    const Ring& ring = silhouette.getRun(r);
+    for (std::size_t i = 0; i < ring.size(); ++i) {
+      const PNT_3D &a = ring[i], &b = ring[(i + 1) % ring.size()];
+      if ((a.y <= p.y) == (b.y <= p.y)) continue;
+      if (a.x + (p.y - a.y) / (b.y - a.y) * (b.x - a.x) > p.x)
+        turns += (b.y > a.y) == (r == 0) ? 1 : -1;
     }
+  }
+  return turns;
+}
+
+// The part of a segment at `along` of its length, `across` of its half width to the left.
+PNT_2D bodyPoint(const Wide& path, std::size_t i, double along, double across) {
+  const PNT_3D &from = path[i].pnt, &to = path[(i + 1) % path.size()].pnt;
+  const double half = (path[i].widthStart * (1 - along) + path[i].widthEnd * along) / 2;
+  const double k = across * half / from.dist(to);
+  return {from.x + along * (to.x - from.x) - k * (to.y - from.y),
+          from.y + along * (to.y - from.y) + k * (to.x - from.x)};
+}
+
+bool isInBody(const Wide& path, std::size_t i, const PNT_2D& p) {
+  const PNT_3D &from = path[i].pnt, way = path[(i + 1) % path.size()].pnt - from;
+  const double length = std::hypot(way.x, way.y), dx = p.x - from.x, dy = p.y - from.y;
+  const double along = (dx * way.x + dy * way.y) / length / length;
+  const double half = (path[i].widthStart * (1 - along) + path[i].widthEnd * along) / 2;
+  return along >= 0 && along <= 1 && std::fabs(dx * way.y - dy * way.x) <= half * length;
+}
+
+// What a chain of constant width, of tapers, or of jumps draws lies within its outline, and
+// that within its extents. Nothing joins bodies where the width jumps.
+TEST(Silhouette, HoldsWhatIsDrawn) {
+  std::mt19937 random(64);
+  std::uniform_real_distribution<double> real(-50, 50), share(0.001, 0.999);
+  for (int round = 0; round < 3000; ++round) {
+    SCOPED_TRACE(testing::Message() << "seed 64, round " << round);
+    const bool closed = round % 2 == 0, jumps = round % 3 == 0, tapers = round % 3 == 1;
+    Wide path;
+    for (int i = 0; i < 3 + round % 5; ++i) {
+      const double own = std::fabs(real(random)), before = i > 0 ? path.back().widthEnd : 20;
+      path.push_back({PNT_3D(real(random), real(random), 0), jumps ? own : before,
+                      jumps || tapers ? std::fabs(real(random)) : before});
+    }
+    if (tapers && closed) path.back().widthEnd = path.front().widthStart;
+    const CPolylineSilhouette silhouette(path, closed);
+    RECT_2D box;
+    box.initRegion();
+    for (std::size_t r = 0; r < silhouette.getNoRuns(); ++r)
+      for (const PNT_3D& p : silhouette.getRun(r)) box.updateRegion(p);
+    box.inflate(1e-9, 1e-9);
+    const std::size_t segments = path.size() - (closed ? 0 : 1);
+    for (std::size_t i = 0; i < segments; ++i) {
+      for (const double end : {0, 1})
+        for (const double side : {-1, 1})
+          EXPECT_TRUE(box.inside(bodyPoint(path, i, end, side))) << i;
+      const PNT_2D within = bodyPoint(path, i, share(random), 2 * share(random) - 1);
+      EXPECT_NE(windings(silhouette, within), 0) << i;
+    }
+    const PNT_2D anywhere(real(random), real(random));
+    std::size_t bodies = 0;
+    for (std::size_t i = 0; i < segments; ++i) bodies += isInBody(path, i, anywhere);
+    EXPECT_TRUE(windings(silhouette, anywhere) != 0 || bodies == 0);
+    EXPECT_TRUE(windings(silhouette, anywhere) == 0 || bodies > 0 || !jumps);
   }
 }
 

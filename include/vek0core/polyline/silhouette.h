@@ -15,12 +15,17 @@ struct WIDE_VERTEX {
 
 /// Outline of a polyline that has widths.
 ///
-/// Each segment is a quadrilateral with half its widths to either side. Neighbours
-/// meet where their sides do, as long as that point lies within four widths of the
-/// vertex; sharper corners are bevelled. Segments without length are left out. An open
-/// polyline has one ring (left side there, right side back), a closed one two (the
-/// left side, then the right). A polyline without any length has one ring of its
-/// vertices; one without vertices has none.
+/// Each segment is a quadrilateral with half its widths to either side: its body. The rings
+/// run around the bodies and around what joins them, so that everything within is what they
+/// run around at all (the non-zero rule); by their box nothing sticks out. Where the
+/// width does not change, the outer sides of a turn meet in a mitre as long as that point
+/// lies outside of both bodies and within four widths of the vertex; sharper corners are
+/// bevelled. Where the width jumps, bodies end square and nothing joins them.
+///
+/// Segments without length are left out. An open polyline has one ring (left side there,
+/// right side back), a closed one two (the left side, then the right, whose inside is taken
+/// off when it is turned round). A polyline without any length has one ring of its vertices;
+/// one without vertices has none.
 class VEK0_API CPolylineSilhouette {
  public:
   /// Linear in the number of vertices, which must be finite.
