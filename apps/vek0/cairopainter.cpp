@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numbers>
 #include <vector>
 
 #include "fonts.h"
@@ -201,10 +202,23 @@ void CairoPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std:
 }
 
 // In an image in the middle of its pixel: shared out among four it would hardly be seen.
+PNT_2D CairoPainter::pixelOf(const PNT_2D& at) const {
+  return m_kind == Png ? PNT_2D(std::floor(at.x) + 0.5, std::floor(at.y) + 0.5) : at;
+}
+
 void CairoPainter::plainDot(const PNT_2D& at) {
-  PNT_2D dot = at;
-  if (m_kind == Png) dot.set(std::floor(at.x) + 0.5, std::floor(at.y) + 0.5);
+  const PNT_2D dot = pixelOf(at);
   plainStroke(std::array{dot, dot}.data(), 2, false);
+}
+
+void CairoPainter::plainDisc(const PNT_2D& center, double diameter) {
+  if (strokesItself()) return m_lines->disc(pixelOf(center), diameter);
+  constexpr std::size_t kPoints = 8;  // about what it costs
+  startPath(Fills);
+  cairo_new_sub_path(m_context.get());
+  cairo_arc(m_context.get(), center.x, center.y, diameter / 2, 0, 2 * std::numbers::pi);
+  cairo_close_path(m_context.get());
+  countPoints(kPoints);
 }
 
 void CairoPainter::plainText(const DrawText& text, const FaceFont& font,

@@ -37,6 +37,7 @@ class CairoPainter final : public SheetPainter {
   void plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
                  FillRule rule) override;
   void plainDot(const PNT_2D& at) override;
+  void plainDisc(const PNT_2D& center, double diameter) override;
   void plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) override;
 
  private:
@@ -52,6 +53,7 @@ class CairoPainter final : public SheetPainter {
   };
   using Font = std::unique_ptr<cairo_font_face_t, DestroyFont>;
 
+  PNT_2D pixelOf(const PNT_2D& at) const;
   bool strokesItself();
   bool showGlyphs(const DrawText& text, const FaceFont& font);
   cairo_font_face_t* fontOf(const FACE_FILE& file);

@@ -141,4 +141,8 @@ void ClippingPainter::dot(const PNT_2D& at) {
   if (m_box.inside(at)) plainDot(at);
 }
 
+void ClippingPainter::disc(const PNT_2D& center, double diameter) {
+  if (m_box.inside(center)) plainDisc(center, diameter);
+}
+
 }  // namespace vek0::tool

@@ -16,6 +16,7 @@ class ClippingPainter : public IPainter {
   bool arc(const PNT_2D& center, double radius, double startRad, double sweepRad) final;
   void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings, FillRule rule) final;
   void dot(const PNT_2D& at) final;
+  void disc(const PNT_2D& center, double diameter) final;
 
  protected:
   ClippingPainter(double width, double height) : m_box(-width, -height, 2 * width, 2 * height) {}
@@ -29,6 +30,7 @@ class ClippingPainter : public IPainter {
   virtual void plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
                          FillRule rule) = 0;
   virtual void plainDot(const PNT_2D& at) = 0;
+  virtual void plainDisc(const PNT_2D& center, double diameter) = 0;
 
  private:
   void strokePieces(const PNT_2D* points, std::size_t count, bool closed);

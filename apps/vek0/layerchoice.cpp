@@ -1,5 +1,7 @@
 #include "layerchoice.h"
 
+#include <algorithm>
+
 #include "vek0core/drawing/data.h"
 #include "zim0lang/casefold.h"
 
@@ -28,15 +30,28 @@ bool matchesPattern(std::u16string_view name, std::u16string_view pattern) {
 
 bool isPattern(std::u16string_view name) { return name.find_first_of(u"*?") != name.npos; }
 
+namespace {
+
+bool isUnprinted(const CLayer& layer) {
+  const zim::WString& name = layer.getFullName();
+  return matchesPattern(name, u"defpoints") || matchesPattern(name, u"*|defpoints");
+}
+
+}  // namespace
+
 LayerChoice::LayerChoice(const CData& data, const std::vector<std::string>& shown,
                          const std::vector<std::string>& hidden) {
   std::vector<CLayer*> layers;
   for (CData::CLayerIterator it(data, true); CLayer* layer = *it; ++it) layers.push_back(layer);
   const std::vector<bool> isShown = matching(layers, shown), isHidden = matching(layers, hidden);
+  m_showsNone = !shown.empty() && std::find(isShown.begin(), isShown.end(), true) == isShown.end();
   for (std::size_t i = 0; i < layers.size(); ++i) {
     if (!shown.empty()) {
       layers[i]->setOff(!isShown[i]);
       if (isShown[i]) layers[i]->setFrozen(false);
+    } else if (isUnprinted(*layers[i])) {
+      m_hidesUnprinted = m_hidesUnprinted || layers[i]->getEntities() > 0;
+      layers[i]->setOff(true);
     }
     if (isHidden[i]) layers[i]->setOff(true);
     if (!layers[i]->isOff() && !layers[i]->isFrozen()) m_visible.push_back(layers[i]);

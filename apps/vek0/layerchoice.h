@@ -20,10 +20,15 @@ class LayerChoice {
  public:
   /// With names in `shown` only the layers that they match are on, frozen ones thawed;
   /// those in `hidden` are off in any case. UTF-8, patterns allowed. Layers of external
-  /// references go by "XREF|LAYER".
+  /// references go by "XREF|LAYER". Layer Defpoints, which is never printed, is off unless a
+  /// name in `shown` matches it.
   LayerChoice(const CData& data, const std::vector<std::string>& shown,
               const std::vector<std::string>& hidden);
 
+  /// Whether no layer matched any of the names in `shown`.
+  bool showsNone() const { return m_showsNone; }
+  /// Whether layer Defpoints was switched off although there are entities on it.
+  bool hidesUnprinted() const { return m_hidesUnprinted; }
   /// The names that no layer matched.
   const std::vector<std::string>& unmatched() const { return m_unmatched; }
   /// The layers that are neither off nor frozen now.
@@ -35,6 +40,7 @@ class LayerChoice {
   std::vector<bool> matching(const std::vector<CLayer*>& layers,
                              const std::vector<std::string>& names);
 
+  bool m_showsNone = false, m_hidesUnprinted = false;
   std::vector<std::string> m_unmatched;
   std::vector<CLayer*> m_visible;
 };

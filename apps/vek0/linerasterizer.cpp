@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace vek0::tool {
 namespace {
@@ -28,9 +29,11 @@ LineRasterizer::LineRasterizer(unsigned char* pixels, long width, long height,
       m_width(width),
       m_height(height),
       m_stride(stride),
-      m_reach(std::max(lineWidth, 1.0) / 2 + 0.5),
+      m_reach(reachOf(lineWidth)),
       m_strength(kFull * std::min(lineWidth, 1.0)),
       m_mask(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) {}
+
+double LineRasterizer::reachOf(double width) { return std::max(width, 1.0) / 2 + 0.5; }
 
 void LineRasterizer::setColor(const RGB_COLOR& color) {
   constexpr std::uint32_t opaque = 255;
@@ -70,6 +73,15 @@ void LineRasterizer::stroke(const PNT_2D* points, std::size_t count, bool closed
   for (std::size_t i = 1; i < count; ++i) forEachPixel(points[i - 1], points[i], keep);
   if (closed) forEachPixel(points[count - 1], points[0], keep);
   blend();
+}
+
+// A stroke of no length is a disc as wide as its line.
+void LineRasterizer::disc(const PNT_2D& center, double diameter) {
+  const double reach = std::exchange(m_reach, reachOf(diameter));
+  const double strength = std::exchange(m_strength, double{kFull});
+  stroke(&center, 1, false);
+  m_reach = reach;
+  m_strength = strength;
 }
 
 template <class Cover>

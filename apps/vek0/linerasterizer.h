@@ -24,8 +24,11 @@ class LineRasterizer {
   /// Draws the chain; a point, when all are one. Coordinates are in pixels and finite, and
   /// may lie outside. The cost follows the pixels that are touched.
   void stroke(const PNT_2D* points, std::size_t count, bool closed);
+  /// Fills a circle, in the same way.
+  void disc(const PNT_2D& center, double diameter);
 
  private:
+  static double reachOf(double width);
   /// What all rows of a segment have in common. A row's pixels are within `half` of the
   /// line, which goes on by `slope` from row to row, and between `low` and `high`.
   struct Segment {

@@ -20,6 +20,7 @@
 #include "references.h"
 #include "shownextents.h"
 #include "svgpainter.h"
+#include "units.h"
 #include "vek0core/view/wndvpt.h"
 #include "vek0draw/draw.h"
 
@@ -29,7 +30,7 @@ namespace {
 struct RenderOptions {
   std::vector<std::string> files;
   std::string out, format, size, paper, scale, window, view = "plan", background = "white";
-  std::string unit = "mm", texts = "text";
+  std::string unit, texts = "text";
   std::vector<std::string> layers, hiddenLayers;
   std::optional<double> margin, lineWidth;
   double dpi = 150;
@@ -40,6 +41,7 @@ struct RenderOptions {
 };
 
 constexpr const char* kNoBackground = "none";
+constexpr double kLeastPointPixels = 3;  // or points would hardly be seen
 
 // What an argument must be: what `parse` takes.
 template <class Parse>
@@ -58,18 +60,31 @@ CLI::Validator isNumber(double least, double most, const std::string& bounds) {
   });
 }
 
-double unitInMm(const std::string& unit) {
-  return unit == "m" ? 1000 : unit == "cm" ? 10 : unit == "in" ? kMmPerInch : 1;
+// What is wrong with a scale, or an empty text.
+std::string scaleComplaint(const std::string& text) {
+  double number;
+  if (parseScale(text)) return {};
+  if (!parseNumbers(text, ':', &number, 1)) return "'" + text + "' is not a scale like 1:50";
+  return "'" + text + "' can mean two scales: say 1:" + text + " or " + text + ":1";
 }
 
-PICTURE_OPTIONS pictureOptions(const RenderOptions& options, Format format) {
+// What a drawing unit is: as the options say, else as the file does, else a millimetre.
+std::string unitOf(const RenderOptions& options, const ReadResult& result) {
+  const char* stated = unitName(result.outcome.units);
+  if (!options.unit.empty()) return options.unit;
+  return stated ? stated : "mm";
+}
+
+PICTURE_OPTIONS pictureOptions(const RenderOptions& options, Format format,
+                               const std::string& unit) {
+  constexpr double mmPerMetre = 1000;
   PICTURE_OPTIONS result;
   result.format = format;
   result.size = options.paper.empty() ? parseSize(options.size) : parsePaper(options.paper);
   result.turnable = !options.paper.empty();
   if (options.portrait || options.landscape) result.landscape = options.landscape;
   result.scale = parseScale(options.scale);
-  result.unitMm = unitInMm(options.unit);
+  result.unitMm = unitInMetres(unit).value_or(1 / mmPerMetre) * mmPerMetre;
   result.window = parseWindow(options.window);
   result.margin = options.margin;
   result.lineWidth = options.lineWidth;
@@ -99,6 +114,32 @@ std::string missingFrom(const CFileReport& report) {
   return kinds;
 }
 
+long countOnPaper(const CFileReport& report) {
+  long count = 0;
+  for (const CFileReport::Entry& entry : report.entries())
+    if (entry.code == std::string_view("on paper") && entry.sample.empty()) count += entry.count;
+  return count;
+}
+
+// Where what could be shown is instead; empty when nobody knows.
+std::string whyNothing(const CFileReport& report, bool onPaper, const LayerChoice& layers) {
+  if (const long elsewhere = countOnPaper(report)) {
+    const std::string all =
+        ": " + std::to_string(elsewhere) + (elsewhere == 1 ? " entity is " : " entities are ");
+    return all + (onPaper ? "in model space, which is shown without --paper-space"
+                          : "on a sheet, which --paper-space shows");
+  }
+  return layers.hidesUnprinted()
+             ? ": layer Defpoints is not printed; --layers Defpoints shows it all the same"
+             : "";
+}
+
+std::string joined(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+  return text;
+}
+
 // Renders drawings one after the other; complains and sets the exit code when one fails.
 class Renderer {
  public:
@@ -124,8 +165,10 @@ class Renderer {
     if (m_options.withReferences) readReferences(*data, in);
     m_fonts.adopt(*data);
     const LayerChoice layers(*data, m_options.layers, m_options.hiddenLayers);
+    if (layers.showsNone())
+      return fail(kDrawingFailed, in + ": no layer is named " + joined(m_options.layers));
     for (const std::string& name : layers.unmatched()) warn(in + ": no layer is named " + name);
-    const PICTURE picture = layOutDrawing(*data, in);
+    const PICTURE picture = layOutDrawing(*data, in, result, layers);
     if (!picture.error.empty()) return fail(kWrongUsage, in + ": " + picture.error);
     if (m_options.splitLayers) {
       renderLayers(*data, layers, picture, out);
@@ -167,10 +210,16 @@ class Renderer {
     return output.error().empty();
   }
 
-  PICTURE layOutDrawing(const CData& data, const std::string& in) {
+  PICTURE layOutDrawing(const CData& data, const std::string& in, const ReadResult& result,
+                        const LayerChoice& layers) {
     const RECT_2D extents = shownExtents(data, *m_projector, m_drawOptions);
-    if (!extents.validRegion()) warn(in + ": there is nothing to show");
-    PICTURE picture = layOut(pictureOptions(m_options, m_format), extents);
+    if (!extents.validRegion())
+      warn(in + ": there is nothing to show" +
+           whyNothing(result.report, m_session.reading.paperSpace, layers));
+    const std::string drawingUnit = unitOf(m_options, result);
+    PICTURE picture = layOut(pictureOptions(m_options, m_format, drawingUnit), extents);
+    if (!picture.error.empty() && !m_options.scale.empty() && m_options.unit.empty())
+      picture.error += "; a drawing unit is taken for 1 " + drawingUnit + ", --unit says otherwise";
     picture.sheet.background = m_drawOptions.background;
     picture.sheet.transparent = m_options.background == kNoBackground;
     if (in != "-") picture.sheet.title = fileTitle(in);
@@ -178,6 +227,8 @@ class Renderer {
     const double line = picture.sheet.lineWidth, unit = picture.sheet.unitMm;
     m_drawOptions.chordError = picture.sheet.paper ? 0.02 / unit : 0.1;
     m_drawOptions.penReach = std::max(1.0, line);
+    const double pixel = picture.sheet.paper ? kMmPerInch / kCssDpi / unit : 1;
+    m_drawOptions.leastPoint = std::max(kLeastPointPixels * pixel, line);
     m_drawOptions.finestPattern = std::max(picture.sheet.paper ? 0.2 / unit : 1, 2 * line);
     if (picture.error.empty() && picture.overflows) {
       warn(in + ": at this scale the drawing is larger than the sheet");
@@ -301,10 +352,12 @@ void addSheetOptions(CLI::App& verb, RenderOptions& options) {
   verb.add_flag("--landscape", options.landscape, "The paper lies")->excludes(portrait);
   verb.add_option("--scale", options.scale, "Scale on paper, like 1:50; the default fits the sheet")
       ->type_name("1:N")
-      ->check(isA("a scale like 1:50", parseScale));
-  verb.add_option("--unit", options.unit, "What a drawing unit is, for --scale")
-      ->check(CLI::IsMember({"mm", "cm", "m", "in"}))
-      ->capture_default_str();
+      ->check(CLI::Validator([](const std::string& text) { return scaleComplaint(text); }, ""));
+  verb.add_option("--unit", options.unit,
+                  "What a drawing unit is, for --scale: mm, cm, m, in, ft ...; the default is "
+                  "what the file states, else mm")
+      ->type_name("UNIT")
+      ->check(isA("a unit like mm, cm, m, in or ft", unitInMetres));
   verb.add_option("--margin", options.margin,
                   "Free border when fitting, in mm on paper, else pixels")
       ->type_name("LENGTH")

@@ -61,8 +61,7 @@ std::optional<SHEET_SIZE> parsePaper(const std::string& text) {
 
 std::optional<double> parseScale(const std::string& text) {
   double parts[2] = {1, 1};
-  const bool good = text.find(':') == std::string::npos ? parseNumbers(text, ':', parts, 1)
-                                                        : parseNumbers(text, ':', parts, 2);
+  const bool good = parseNumbers(text, ':', parts, 2);
   const double scale = parts[0] / parts[1];
   if (!good || !isSize(parts) || !std::isfinite(scale) || scale <= 0) return std::nullopt;
   return scale;

@@ -36,7 +36,7 @@ std::optional<SHEET_SIZE> parseSize(const std::string& text);
 /// "A4" (upright) or "WxH" in millimetres, with or without the unit.
 std::optional<SHEET_SIZE> parsePaper(const std::string& text);
 /// Millimetres on paper for a drawing unit of one millimetre: "1:50" gives 0.02, "2:1"
-/// gives 2, "0.5" gives 0.5.
+/// gives 2. A single number is none: people mean either by it.
 std::optional<double> parseScale(const std::string& text);
 /// "x1,y1,x2,y2", two opposite corners.
 std::optional<RECT_2D> parseWindow(const std::string& text);

@@ -493,6 +493,14 @@ void SvgPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std::s
 // A stroke of no length, which its round caps make visible.
 void SvgPainter::plainDot(const PNT_2D& at) { plainStroke(std::array{at, at}.data(), 2, false); }
 
+void SvgPainter::plainDisc(const PNT_2D& center, double diameter) {
+  const double r = diameter / 2;
+  reach(RECT_2D(center.x - r, center.y - r, center.x + r, center.y + r), true);
+  endPath();
+  addElement("circle", fillAttribute() + " cx=\"" + lengthText(center.x) + "\" cy=\"" +
+                           lengthText(center.y) + "\" r=\"" + lengthText(r) + "\"/>");
+}
+
 void SvgPainter::plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) {
   reach(bounds, false);
   endPath();

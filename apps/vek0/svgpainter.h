@@ -91,6 +91,7 @@ class SvgPainter final : public SheetPainter {
   void plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
                  FillRule rule) override;
   void plainDot(const PNT_2D& at) override;
+  void plainDisc(const PNT_2D& center, double diameter) override;
   void plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) override;
 
  private:

@@ -49,6 +49,7 @@ void scaleVariables(CDataVariables& variables, double factor) {
   variables.setLimMax(PNT_2D(max.x * factor, max.y * factor));
   variables.setLtypeScale(variables.getLtypeScale() * factor);
   variables.setPLineWid(variables.getPLineWid() * factor);
+  if (variables.getPointSize() > 0) variables.setPointSize(variables.getPointSize() * factor);
 }
 
 }  // namespace

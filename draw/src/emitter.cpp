@@ -77,6 +77,10 @@ void Emitter::dot(const PNT_2D& at) {
   if (spend(1) && isNear(at) && admit()) m_painter.dot(at);
 }
 
+void Emitter::disc(const PNT_2D& center, double diameter) {
+  if (spend(1) && isNear(center) && admit()) m_painter.disc(center, diameter);
+}
+
 void Emitter::text(const DrawText& text) {
   const std::size_t letters = text.string->view().size();
   if (spend(kPointsPerLetter * letters) && isSound(text.matrix) && admit()) m_painter.text(text);

@@ -23,6 +23,7 @@ class Emitter {
   bool arc(const PNT_2D& center, double radius, double startRad, double sweepRad);
   void fill(const std::vector<PNT_2D>& points, const std::vector<std::size_t>& ends, FillRule rule);
   void dot(const PNT_2D& at);
+  void disc(const PNT_2D& center, double diameter);
   /// Text that is flattened to a line is left out.
   void text(const DrawText& text);
 

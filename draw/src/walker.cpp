@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kMostNested = 200;  // inserts within inserts; each takes stack
 constexpr int kMostChords = 4096;
-constexpr long kInvisible = 1;                        // bit of an attribute's flags
+constexpr long kInvisible = 1;                        // bit of the flags of attributes
 constexpr double kRuleBelow = 0.2, kRuleAbove = 1.2;  // of the height unit
 constexpr double kOverhang = 0.5;                     // of a text's height
 
@@ -43,6 +43,17 @@ const ICADFont& fontOf(const CStyle* style) {
 
 double heightUnit(const ICADFont& font) {
   return font.getHeightUnit() > 0 ? font.getHeightUnit() : 1;
+}
+
+// Programs draw a dimension's own points on the screen alone.
+bool definesDimension(const CBlock* block) {
+  if (!block) return false;
+  const std::u16string_view name = block->getName().view();
+  return name.size() > 2 && name.substr(0, 2) == u"*D" && name[2] >= u'0' && name[2] <= u'9';
+}
+
+double heightOf(const CWndVpt& window) {
+  return window.getViewYDistance(window.getWindow().max.y - window.getWindow().min.y);
 }
 
 }  // namespace
@@ -76,11 +87,13 @@ Walker::Walker(const CData& data, const IProjector& projector, const CWndVpt& wi
       m_drawing(projector, window),
       m_place(m_drawing),
       m_stack(m_pixelSize),
+      m_points(data.getVars(), m_drawing.scale(), heightOf(window), options.leastPoint),
       m_noLayer(u"0") {
   long width, height;
   window.get(width, height);
   m_window.set(0, 0, static_cast<double>(width), static_cast<double>(height));
-  const double reach = options.penReach + reachOfLtypes(data) * m_drawing.scale();
+  const double reach =
+      options.penReach + std::max(reachOfLtypes(data) * m_drawing.scale(), m_points.reach());
   m_window.inflate(reach, reach);
 }
 
@@ -104,6 +117,16 @@ void Walker::begin(const CEnt& ent) {
   m_item.color = paletteColor(m_options.mono ? 7 : m_stack.ResolveColor(ent), m_options.background);
   m_ltype = m_stack.ResolveLtype(ent);
   m_out.begin(m_item);
+}
+
+// --- Points
+
+// Those of a hatch are the dots of its pattern.
+void Walker::visit(CEntPnt& ent) {
+  const CEntInsertBase* insert = m_stack.GetTopMostInsert();
+  if (insert && insert->getType() == CEntHatch::kType) return dot(ent.getPnt());
+  if (insert && definesDimension(insert->getBlock())) return;
+  m_points.draw(m_place.apply(ent.getPnt()), m_out);
 }
 
 // --- Lines
@@ -302,7 +325,8 @@ void Walker::visit(CEntText& ent) { drawText(ent.getText(), m_place); }
 
 // In a block it is only asked for when the block is inserted.
 void Walker::visit(CEntAttdef& ent) {
-  if (m_stack.GetNoInsert() == 0) drawText(ent.getText(), m_place);
+  if (m_stack.GetNoInsert() == 0 && (ent.getFlags() & kInvisible) == 0)
+    drawText(ent.getText(), m_place);
 }
 
 void Walker::visit(CEntAttrib& ent) {

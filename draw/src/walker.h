@@ -7,6 +7,7 @@
 #include "emitter.h"
 #include "linepattern.h"
 #include "placement.h"
+#include "pointfigure.h"
 #include "vek0core/vek0core.h"
 #include "vek0draw/draw.h"
 
@@ -53,7 +54,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
   }
 
   using IEntVisitor::visit;
-  void visit(CEntPnt& ent) override { dot(ent.getPnt()); }
+  void visit(CEntPnt& ent) override;
   void visit(CEntLine& ent) override { strokeLine(ent.getLine().p1, ent.getLine().p2); }
   void visit(CEntCircle& ent) override;
   void visit(CEntArc& ent) override;
@@ -112,6 +113,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
   const Placement m_drawing;  // from the drawing to the device
   Placement m_place;          // from the innermost block to the device
   CEntInsertStack m_stack;
+  const PointFigure m_points;
   const zim::WString m_noLayer;
 
   DrawItem m_item;                  // of the entity being drawn

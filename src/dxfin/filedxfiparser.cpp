@@ -71,6 +71,19 @@ constexpr Variable<long> kIntegerVariables[] = {
     {u"$ANGDIR",    setClockWise},
 };
 
+// What only tolerant reading knows.
+void setPointSize(CDataVariables& vars, const Reals& v) { vars.setPointSize(v[0]); }
+void setPointMode(CDataVariables& vars, const long& value) {
+  constexpr long most = 127;  // all bits that mean anything
+  if (value >= 0 && value <= most) vars.setPointMode(static_cast<short>(value));
+}
+constexpr Variable<Reals> kFurtherReals[] = {
+    {u"$PDSIZE", setPointSize}
+};
+constexpr Variable<long> kFurtherIntegers[] = {
+    {u"$PDMODE", setPointMode}
+};
+
 template <class Value, std::size_t count>
 void setVariable(const Variable<Value> (&variables)[count], const zim::WString& name,
                  CDataVariables& vars, const Value& value) {
@@ -386,15 +399,17 @@ void CFileDXFIParser::readHeaderDouble(const zim::WString& name, const double (&
   if (zim::equalsIgnoreCase(name, u"$DIMSCALE")) m_dimScale = value[0];
   if (zim::equalsIgnoreCase(name, u"$INSBASE"))
     m_insertionBase = PNT_3D(value[0], value[1], value[2]);
-  if (m_semantor.shouldReadHeaders())
-    setVariable(kRealVariables, name, *m_semantor.getVars(), value);
+  if (!m_semantor.shouldReadHeaders()) return;
+  setVariable(kRealVariables, name, *m_semantor.getVars(), value);
+  if (isTolerant()) setVariable(kFurtherReals, name, *m_semantor.getVars(), value);
 }
 
 void CFileDXFIParser::readHeaderLong(const zim::WString& name, long value) {
   if (zim::equalsIgnoreCase(name, u"$INSUNITS")) m_units = value;
   if (zim::equalsIgnoreCase(name, u"$MEASUREMENT")) m_measurement = value;
-  if (m_semantor.shouldReadHeaders())
-    setVariable(kIntegerVariables, name, *m_semantor.getVars(), value);
+  if (!m_semantor.shouldReadHeaders()) return;
+  setVariable(kIntegerVariables, name, *m_semantor.getVars(), value);
+  if (isTolerant()) setVariable(kFurtherIntegers, name, *m_semantor.getVars(), value);
 }
 
 void CFileDXFIParser::takeVersion(const zim::WString& name) {

@@ -175,6 +175,9 @@ void CFileDXFOSaver::writeHeaders() {
   write(9, u"$ANGDIR");
   write(70, vars.isAngClockWise());
   if (isExchange()) {
+    write(9, u"$PDMODE");
+    write(70, static_cast<long>(vars.getPointMode()));
+    writeVariable(u"$PDSIZE", 40, vars.getPointSize(), 0);
     write(9, u"$HANDSEED");
     writeHex(5, m_handles->seed());
   }

@@ -191,10 +191,11 @@ TEST(Inserts, AttributesShowOnceAndWithTheInsert) {
   EXPECT_NEAR(text.matrix.d, -20, 1e-9);
 }
 
-TEST(Inserts, DefinitionsShowTheirTagOutsideOfBlocksOnly) {
+TEST(Inserts, VisibleDefinitionsShowTheirTagOutsideOfBlocksOnly) {
   Scene scene;
   const TEXT_3D place(u"TAG", nullptr, 2, 3, 0, 10, 0, 1, 0, 0);
   scene.add(createEntAttdef(*scene.data, place, u"value", u"", 0, 0));
+  scene.add(createEntAttdef(*scene.data, place, u"value", u"", 1, 0));
   CBlock* block = scene.block(u"B", {createEntAttdef(*scene.data, place, u"value", u"", 0, 0),
                                      scene.unit(nullptr, nullptr, 1)});
   scene.add(scene.insert(*block, 100, 100));

@@ -64,6 +64,10 @@ class Recorder : public IPainter {
     thing.points.assign(points, points + thing.ends.back());
   }
   void dot(const PNT_2D& at) override { add(Thing::Dot).points = {at}; }
+  void disc(const PNT_2D& center, double diameter) override {
+    dot(center);
+    things.back().radius = diameter / 2;
+  }
   void text(const DrawText& text) override {
     Thing& thing = add(Thing::Text);
     thing.points = {PNT_2D(text.matrix.e, text.matrix.f)};

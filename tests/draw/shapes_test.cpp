@@ -84,6 +84,59 @@ TEST(Shapes, PointsAreDotsAndLinesAreStrokes) {
   EXPECT_LT(drawn.things[1].points[1].dist(seen(30, 40)), 1e-9);
 }
 
+// A size of 0 is 5 percent of the window, one below 0 as many as it says.
+TEST(Shapes, PointsLookAsTheDrawingSays) {
+  const struct {
+    const char* name;
+    short mode;
+    double size;
+    std::size_t dots, strokes, arcs;
+    double reach;  // up from the point
+  } cases[] = {
+      {"a dot",                    0,  40,  1, 0, 0, 1.5},
+      {"nothing",                  1,  40,  0, 0, 0, 0  },
+      {"a plus",                   2,  40,  0, 2, 0, 40 },
+      {"a cross",                  3,  -2,  0, 2, 0, 20 },
+      {"an upward stroke",         4,  0,   0, 1, 0, 25 },
+      {"a circle around a dot",    32, 0,   1, 0, 1, 25 },
+      {"a square",                 65, 40,  0, 1, 0, 20 },
+      {"all of it",                99, 40,  0, 3, 1, 40 },
+      {"too small to be seen",     33, .01, 0, 0, 1, 1.5},
+      {"a mode that is not known", 7,  40,  1, 0, 0, 1.5},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    Scene scene;
+    scene.data->getVars().setPointMode(t.mode);
+    scene.data->getVars().setPointSize(t.size);
+    scene.add(createEntPnt(*scene.data, PNT_3D(500, 500, 0), 0));
+    scene.add(createEntPnt(*scene.data, PNT_3D(500, -1, 0), 0));
+    const Recorder drawn = scene.draw();
+    const std::size_t seenTwice = t.reach > 1 ? 2 : 1;
+    EXPECT_EQ(drawn.count(Thing::Dot), t.dots * seenTwice) << "also at the window's border";
+    EXPECT_EQ(drawn.count(Thing::Stroke), t.strokes * seenTwice);
+    EXPECT_EQ(drawn.count(Thing::Arc), t.arcs * seenTwice);
+    double reach = 0;
+    for (const Thing& thing : drawn.things)
+      for (const PNT_2D& p : thing.points) reach = std::max(reach, 500 - p.y + thing.radius);
+    EXPECT_NEAR(reach, t.reach, 1e-9);
+  }
+}
+
+// Those of patterns are dots without a size, those of dimensions belong to the screen.
+TEST(Shapes, PointsThatAreNoEntitiesOfTheirOwn) {
+  Scene scene;
+  scene.data->getVars().setPointMode(3);
+  CBlock* picture = scene.block(u"*D1", {createEntPnt(*scene.data, PNT_3D(0, 0, 0), 0)});
+  scene.add(scene.insert(*picture, 500, 500));
+  EXPECT_TRUE(scene.draw().things.empty());
+  scene.add(createEntHatch(*scene.data, *getHatch(u"DOTS"), 100, 0, square(0, 0, 100), 7));
+  const Recorder drawn = scene.draw();
+  EXPECT_GT(drawn.count(Thing::Dot), 3U);
+  EXPECT_EQ(drawn.count(Thing::Dot), drawn.things.size());
+  EXPECT_EQ(drawn.things[0].radius, 0);
+}
+
 // Device angles run clockwise, for y grows downwards there.
 TEST(Shapes, ArcsStartAndEndWhereTheyDo) {
   const struct {

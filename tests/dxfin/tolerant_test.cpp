@@ -43,6 +43,17 @@ std::string saved(const Loaded& got) {
 
 }  // namespace
 
+TEST(Tolerant, ReadsHowPointsLookAndSavesIt) {
+  const std::string text =
+      section("HEADER", pairsOf("9 $PDMODE|70 34|9 $PDSIZE|40 -3|9 $PDMODE|70 128")) + dxf();
+  const Loaded got = loadAny(text), again = loadAny(saved(got));
+  for (const Loaded* each : {&got, &again}) {
+    EXPECT_EQ(each->data->getVars().getPointMode(), 34);
+    EXPECT_EQ(each->data->getVars().getPointSize(), -3);
+  }
+  EXPECT_EQ(loadText(text).data->getVars().getPointMode(), 0) << "strict";
+}
+
 // Each text is refused by the strict reader, or read otherwise; the line in model space
 // survives.
 TEST(Tolerant, WhatIsRefusedIsRepairedAndTold) {

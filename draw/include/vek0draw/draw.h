@@ -23,6 +23,8 @@ struct DRAW_OPTIONS {
   /// How far the pen reaches beyond the points that the painter is given, device units:
   /// half the width of the widest stroke.
   double penReach = 1;
+  /// How wide points are at least, device units: three pixels of a screen.
+  double leastPoint = 3;
   /// How many things are emitted, and how many entities looked at, at most; what follows
   /// is cut.
   std::size_t limit = 50'000'000;

@@ -70,5 +70,7 @@ class IPainter {
                     FillRule rule) = 0;
   /// A point that has no size.
   virtual void dot(const PNT_2D& at) = 0;
+  /// A filled circle, for a point entity. Here: a fill of sixteen corners.
+  virtual void disc(const PNT_2D& center, double diameter);
   virtual void text(const DrawText& text) = 0;
 };

@@ -54,6 +54,15 @@ class VEK0_API CDataVariables {
   bool isAngClockWise() const { return m_angClockWise; }
   void setAngClockWise(bool on) { m_angClockWise = on; }
 
+  /// How points look (`$PDMODE`): 0 a dot, 1 nothing, 2 a plus, 3 a cross, 4 an upward
+  /// stroke; 32 more adds a circle, 64 more a square.
+  short getPointMode() const { return m_pointMode; }
+  void setPointMode(short mode) { m_pointMode = mode; }
+  /// How wide that is (`$PDSIZE`): drawing units; below 0 percent of the height of the
+  /// view; 0 stands for 5 percent.
+  double getPointSize() const { return m_pointSize; }
+  void setPointSize(double size) { m_pointSize = size; }
+
  private:
   friend class CData;
   CDataVariables(CLayer0& layer0, CLtypeByLayer& byLayer);
@@ -71,4 +80,6 @@ class VEK0_API CDataVariables {
   bool m_ortho = false;
   bool m_plineGen = false;
   bool m_angClockWise = false;
+  short m_pointMode = 0;
+  double m_pointSize = 0.0;
 };
