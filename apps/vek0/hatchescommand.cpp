@@ -1,19 +1,17 @@
 #include <cmath>
 #include <cstdio>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "commands.h"
+#include "summary.h"
 #include "vek0core/geometry/angle.h"
 #include "vek0core/hatch/catalogue.h"
 #include "zim0lang/wstring.h"
 
 namespace vek0::tool {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 std::string utf8(const zim::Char* text) { return zim::WString(text).toUtf8(); }
 

@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
 constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
@@ -125,7 +124,7 @@ TEST(Spline, NumbersThatAreNoneAreNotValid) {
   const SPLINE_3D good = spline(2, random.points(3), clamped(2, 1), {1, 1, 1});
   ASSERT_TRUE(good.isValid());
   for (const double bad : {kNan, kInf, -kInf}) {
-    for (const std::size_t i : {0, 1, 2}) {
+    for (std::size_t i = 0; i < 3; ++i) {
       SPLINE_3D knot = good, weight = good, x = good, z = good;
       knot.knots[2 * i] = weight.weights[i] = x.controls[i].x = z.controls[i].z = bad;
       EXPECT_FALSE(knot.isValid() || weight.isValid() || x.isValid() || z.isValid());

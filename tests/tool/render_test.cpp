@@ -156,7 +156,8 @@ struct Image {
   // Pixels that black covers on white, those that it covers in part by their share.
   double ink() const {
     double result = 0;
-    for (const auto& [color, number] : colors) result += number * (255 - (color & 255)) / 255.0;
+    for (const auto& [color, number] : colors)
+      result += number * (255 - static_cast<int>(color & 255)) / 255.0;
     return result;
   }
 
