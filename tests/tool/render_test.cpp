@@ -663,10 +663,10 @@ TEST_F(Render, SaysWhatIsNotShown) {
 TEST_F(Render, FitsWhatIsShown) {
   write("a.dxf", drawing(line("A", 0, 0, 100, 100, "1") + line("B", 0, 0, 9000, 9000) +
                          line("DEFPOINTS", 0, 0, 9e9, 9e9) +
-                         "0\nARC\n8\nA\n10\n50\n20\n50\n40\n50\n50\n1\n51\n359\n"
+                         "0\nARC\n8\nA\n10\n50\n20\n50\n40\n100\n50\n20\n51\n19\n"
                          "0\nATTDEF\n8\nA\n10\n9e9\n20\n0\n40\n5\n1\nv\n2\nTAG\n3\n?\n70\n1\n"));
   ASSERT_EQ(run("render a.dxf -o a.svg --size 240x240 --hide-layers B").code, 0);
-  EXPECT_EQ(XmlReader(contents(path("a.svg"))).byId("h1")->attributes.at("d"), "M20 220l200-200");
+  EXPECT_EQ(XmlReader(contents(path("a.svg"))).byId("h1")->attributes.at("d"), "M70 170l100-100");
 }
 
 TEST_F(Render, WhatLiesFarOffTheWindowIsCutOff) {
