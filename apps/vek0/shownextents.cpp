@@ -13,7 +13,7 @@ constexpr long kDeviceSide = 2001;
 // Of the device's side: what is smaller is looked at again, from nearer by. Hidden things far
 // off would otherwise leave it with few chords.
 constexpr double kFar = 0.25;
-constexpr int kMostLooks = 3;
+constexpr int kMostLooks = 6;
 
 // Unites what it is given. Arcs come as strokes, which know where an arc bulges to.
 class MeasuringPainter final : public IPainter {
