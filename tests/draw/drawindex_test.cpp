@@ -6,6 +6,7 @@
 #include <cmath>
 #include <memory>
 #include <random>
+#include <vector>
 
 #include "recorder.h"
 
@@ -197,11 +198,20 @@ std::unique_ptr<IProjector> anyView(Draughtsman& author) {
   }
 }
 
-// Whether a stroke or the area of a fill's box comes into the window.
+// Whether the box of a stroke, an arc or a fill comes into the window.
 bool isNear(const Thing& thing, const RECT_2D& window) {
+  std::vector<PNT_2D> points = thing.points;
+  if (thing.kind == Thing::Arc) {
+    constexpr int steps = 64;
+    for (int i = 0; i <= steps; ++i) {
+      const double angle = thing.start + thing.sweep * i / steps;
+      points.emplace_back(thing.points[0].x + thing.radius * std::cos(angle),
+                          thing.points[0].y + thing.radius * std::sin(angle));
+    }
+    points.erase(points.begin());
+  }
   RECT_2D box;
-  box.set(thing.points.data(), static_cast<int>(thing.points.size()));
-  if (thing.kind == Thing::Arc) box.inflate(thing.radius, thing.radius);
+  box.set(points.data(), static_cast<int>(points.size()));
   return thing.kind != Thing::Text && box.intersect(window);
 }
 
