@@ -268,20 +268,18 @@ void CFileDXFOSaver::writeLayer(const CLayer& layer) {
 }
 
 void CFileDXFOSaver::writeStyles() {
-  std::vector<const CStyle*> styles;
-  for (const CStyle* style : vek0::detail::stylesOf(m_data)) {
-    if ((style->getFlags() & kShapeStyle) == 0) styles.push_back(style);
-  }
+  std::vector<vek0::detail::ListedStyle> styles = vek0::detail::stylesOf(m_data);
+  std::erase_if(styles, [](const auto& listed) { return (listed.flags & kShapeStyle) != 0; });
   beginTable(u"STYLE", styles.size());
-  for (const CStyle* style : styles) writeStyle(*style);
+  for (const auto& [style, name, flags] : styles) writeStyle(*style, flags);
   write(0, u"ENDTAB");
 }
 
-void CFileDXFOSaver::writeStyle(const CStyle& style) {
+void CFileDXFOSaver::writeStyle(const CStyle& style, long flags) {
   const zim::WString name = m_converter.GetName(&style);
   write(0, u"STYLE");
   m_writer.writeText(2, name);
-  write(70, style.getFlags());
+  write(70, flags);
   write(40, finite(style.getFixedHeight(), 0, name));
   write(41, finite(style.getWidthScale(), 1, name));
   write(50, finite(degrees(style.getOblique()), 0, name));

@@ -36,8 +36,19 @@ std::vector<const CLtype*> ltypesOf(const CData& data, bool withByLayerByBlock) 
   return walked<CLtype>(CData::CLtypeIterator(data, true, withByLayerByBlock));
 }
 
-std::vector<const CStyle*> stylesOf(const CData& data) {
-  return walked<CStyle>(CData::CStyleIterator(data, false));
+std::vector<ListedStyle> stylesOf(const CData& data) {
+  std::vector<ListedStyle> styles;
+  for (CData::CStyleIterator style(data, false); *style; ++style)
+    styles.push_back({*style, (*style)->getName(), (*style)->getFlags()});
+  for (const CBlockXRef* xref : xrefsOf(data)) {
+    for (const CStyle* style : listed<CStyle>(xref->getStyleTable())) {
+      // What the reference shows counts nowhere.
+      if (style->getEntities() == 0 && data.getVars().getCurStyle() != style) continue;
+      styles.push_back({style, xref->getName() + u"|" + style->getName().view(),
+                        style->getFlags() | kDependent | kResolved});
+    }
+  }
+  return styles;
 }
 
 std::vector<const CBlock*> blocksOf(const CData& data) {

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "tables/itemflags.h"
 #include "vek0core/drawing/data.h"
 
 class CBlock;
@@ -18,13 +19,16 @@ namespace vek0::detail {
 std::vector<const CLayer*> layersOf(const CData& data);
 /// Linetypes likewise; BYLAYER and BYBLOCK only on request: a file never lists them.
 std::vector<const CLtype*> ltypesOf(const CData& data, bool withByLayerByBlock);
-/// The drawing's own styles: nothing names those of external references.
-std::vector<const CStyle*> stylesOf(const CData& data);
+/// A style under the name and with the flags that it has outside of its external reference.
+struct ListedStyle {
+  const CStyle* style;
+  zim::WString name;
+  long flags;
+};
+/// The drawing's own styles, then those of external references that its own things are in.
+std::vector<ListedStyle> stylesOf(const CData& data);
 std::vector<const CBlock*> blocksOf(const CData& data);
 std::vector<const CBlockXRef*> xrefsOf(const CData& data);
-
-/// Flag bits of an item that came with an external reference.
-inline constexpr long kDependent = 16, kResolved = 32;
 
 /// Whether the item is flagged as one of an external reference, which is what
 /// readers go by.

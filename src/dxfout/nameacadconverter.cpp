@@ -163,11 +163,15 @@ void CNameAcadConverter::ConvertLtypes() {
 }
 
 void CNameAcadConverter::ConvertStyles() {
-  const auto styles = vek0::detail::stylesOf(m_data);
+  std::vector<const CStyle*> styles;
   std::vector<Entry> entries;
-  for (const CStyle* style : styles)
-    entries.push_back(entry(style->getName(), vek0::detail::isDependent(*style)));
+  for (const vek0::detail::ListedStyle& listed : vek0::detail::stylesOf(m_data)) {
+    styles.push_back(listed.style);
+    entries.push_back(entry(listed.name, (listed.flags & vek0::detail::kDependent) != 0));
+  }
   convertTable(styles, entries, m_styles);
+  for (std::size_t i = 0; i < styles.size(); ++i)
+    if (styles[i]->getName() != entries[i].own) m_styles.try_emplace(styles[i], entries[i].own);
 }
 
 void CNameAcadConverter::ConvertBlocks() {

@@ -4,11 +4,13 @@
 #include <unordered_set>
 #include <utility>
 
+#include "tables/itemflags.h"
 #include "vek0core/entities/entinsert.h"
 
 namespace {
 
-constexpr long kDependent = 16, kResolved = 32;  // flag bits of dependent items
+using vek0::detail::kDependent;
+using vek0::detail::kResolved;
 
 const zim::WString& compose(const CBlockXRef& xref, const zim::WString& name,
                             zim::WString& fullName) {

@@ -3,11 +3,14 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 #include "drawing/entcloner.h"
 #include "drawing/everyentity.h"
+#include "tables/itemflags.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/drawing/tableremapper.h"
 #include "vek0core/entities/blockfactory.h"
@@ -21,10 +24,10 @@ using vek0::detail::areOutermost;
 using vek0::detail::cloneDashes;
 using vek0::detail::cloneOnto;
 using vek0::detail::EditStep;
+using vek0::detail::kDependent;
+using vek0::detail::kResolved;
 using vek0::detail::orThrow;
 using vek0::detail::XRefs;
-
-constexpr long kDependent = 16, kResolved = 32;  // flag bits of dependent items
 
 // "xref$0$item", or with the smallest other number that no item of the table has.
 template <class Table>
@@ -37,6 +40,16 @@ zim::WString boundName(const Table& table, const zim::WString& xref, const zim::
 
 bool isLoaded(const CBlockXRef& xref) { return xref.getStatus() == CBlockXRef::Status::loaded; }
 
+// A path that the drawing at path `from` states, as the drawing that states `from` would.
+zim::WString pathSeenFrom(const zim::WString& from, const zim::WString& path) {
+  constexpr std::u16string_view kSlashes = u"/\\";
+  const std::u16string_view own = path.view(), outer = from.view();
+  const bool isAbsolute = own.find_first_of(kSlashes) == 0 || own.substr(0, 2).ends_with(u':');
+  const std::size_t folderEnd = outer.find_last_of(kSlashes);
+  if (isAbsolute || folderEnd == std::u16string_view::npos) return path;
+  return zim::WString(outer.substr(0, folderEnd + 1)) + own;
+}
+
 // Throws `std::bad_alloc` where an edit cannot be made.
 class Binder {
  public:
@@ -44,7 +57,9 @@ class Binder {
 
   void bind(const XRefs& xrefs) {
     const std::unordered_set<const CBlockXRef*> asked(xrefs.begin(), xrefs.end());
-    for (const Nesting& nesting : nestedFirst(xrefs)) {
+    const std::vector<Nesting> order = nestedFirst(xrefs);
+    movePaths(order);
+    for (const Nesting& nesting : order) {
       const zim::WString& name = nesting.xref->getName();
       const bool keepsName = asked.count(nesting.xref) != 0;
       bindOne(
@@ -105,6 +120,22 @@ class Binder {
       }
     }
     return order;
+  }
+
+  // What stays a reference was looked for from the drawing that names it, and is now looked for
+  // from this one.
+  void movePaths(const std::vector<Nesting>& order) {
+    std::unordered_map<const CBlockXRef*, zim::WString> paths;
+    for (auto it = order.rbegin(); it != order.rend(); ++it) {  // each before those that it shows
+      const CBlockXRef& shower = *it->xref;
+      const zim::WString& from = paths.try_emplace(&shower, shower.getPath()).first->second;
+      for (CBlockXRef* nested : shower.getNested()) {
+        if (nested->getEntities() > 0) continue;  // the drawing's own too
+        const auto [at, isNew] = paths.try_emplace(nested, pathSeenFrom(from, nested->getPath()));
+        if (!isNew || isLoaded(*nested) || at->second == nested->getPath()) continue;
+        if (!setXRefPath(m_undo, *nested, at->second)) throw std::bad_alloc();
+      }
+    }
   }
 
   void bindOne(const CBlockXRef& xref, const zim::WString& blockName) {

@@ -1,13 +1,17 @@
 // Reading what references refer to.
 #include <algorithm>
 #include <deque>
+#include <map>
 #include <memory>
 #include <new>
+#include <string>
+#include <tuple>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <vector>
 
+#include "tables/itemflags.h"
 #include "vek0core/drawing/datafactory.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/dxfin/filedxfierror.h"
@@ -18,12 +22,15 @@
 #include "vek0core/files/report.h"
 #include "vek0core/xref/xrefresolver.h"
 #include "vek0core/xref/xrefs.h"
+#include "xref/filegraph.h"
 #include "xref/xrefcontent.h"
 
 namespace {
 
 using Found = IXRefResolver::Found;
 using Status = CBlockXRef::Status;
+using vek0::detail::FileGraph;
+using vek0::detail::kDependent;
 using vek0::detail::orThrow;
 using vek0::detail::XRefContent;
 
@@ -49,66 +56,6 @@ double countHatchLines(const CData& drawing) {
   }
   return count;
 }
-
-// Which drawings refer to which, by file.
-class FileGraph {
- public:
-  // Notes that one refers to the other. Where that closes a circle, or nests drawings too
-  // deep by any way from the outermost, answers what is wrong, and nothing is noted.
-  const char* add(const zim::WString& from, const zim::WString& to) {
-    Node& outer = m_nodes[from];
-    Node& inner = m_nodes[to];
-    if (leads(inner, outer)) return "reference circular";
-    if (!sink(inner, outer.level + 1)) return "reference too deep";
-    outer.refersTo.push_back(&inner);
-    return nullptr;
-  }
-
- private:
-  struct Node {
-    int level = 1;  // the most drawings that are around it
-    std::vector<Node*> refersTo;
-  };
-
-  // Levels rise on the way, so nothing leads on from as low as the end: without that every
-  // drawing that shows one of many references would walk through all of them.
-  static bool leads(const Node& from, const Node& to) {
-    std::unordered_set<const Node*> met{&from};
-    std::vector<const Node*> open{&from};
-    while (!open.empty()) {
-      const Node* node = open.back();
-      open.pop_back();
-      if (node == &to) return true;
-      if (node->level >= to.level) continue;
-      for (const Node* next : node->refersTo)
-        if (met.insert(next).second) open.push_back(next);
-    }
-    return false;
-  }
-
-  // Brings a drawing to that level at least, and what it refers to below; all or nothing.
-  static bool sink(Node& top, int level) {
-    std::vector<std::pair<Node*, int>> before;
-    std::vector<std::pair<Node*, int>> open{
-        {&top, level}
-    };
-    while (!open.empty()) {
-      const auto [node, least] = open.back();
-      open.pop_back();
-      if (least > kMaxXRefDepth) {
-        for (std::size_t i = before.size(); i-- > 0;) before[i].first->level = before[i].second;
-        return false;
-      }
-      if (node->level >= least) continue;
-      before.emplace_back(node, node->level);
-      node->level = least;
-      for (Node* next : node->refersTo) open.emplace_back(next, least + 1);
-    }
-    return true;
-  }
-
-  std::unordered_map<zim::WString, Node> m_nodes;
-};
 
 class Resolving {
  public:
@@ -289,22 +236,75 @@ class Resolving {
     return &xref;
   }
 
+  // References that go by one name, or by it and a number where several drawings mean different
+  // ones. What was met in this run is found by what tells it apart; the rest is tried in turn.
+  struct Namesakes {
+    using Key = std::tuple<zim::WString, double, double, double>;  // file or path, base point
+    std::vector<CBlockXRef*> all;  // by number; null where a block has the name
+    std::map<std::size_t, CBlockXRef*> unmet;
+    std::map<Key, std::size_t> byFile, byPath;  // of those met, by path where no file was found
+  };
+
   // The reference of that file that has the name, or the name with a number if another
   // file has it.
   CBlockXRef& named(const CBlockXRef& nested, const Place& place, const Job& job) {
-    zim::WString name = nested.getName();
-    for (long n = 1;; ++n) {
-      CBlockXRef* xref = m_data.getBlockXRefTable().get(name);
-      if (xref != nullptr && isFor(*xref, nested, place, job)) return *xref;
-      if (xref == nullptr && m_data.getBlockTable().get(name) == nullptr) break;
-      name = nested.getName() + u"$" + zim::WString::fromUtf8(std::to_string(n));
-    }
+    Namesakes& namesakes = m_namesakes[nested.getName()];
+    const zim::WString name = firstFree(namesakes, nested.getName());
+    if (CBlockXRef* xref = findAmong(namesakes, nested, place, job)) return *xref;
     if (name != nested.getName()) note("reference renamed", nested, job.xref->getName());
     CBlockXRef* xref = orThrow(m_data.getBlockFactory().createXRef(
         m_data.getLtypeContinuous(), m_data.getLtypeByLayer(), m_data.getLtypeByBlock(),
-        m_data.getLayer0(), name, nested.getPath(), nested.getPnt(), nested.getFlags()));
+        m_data.getLayer0(), name, nested.getPath(), nested.getPnt(),
+        nested.getFlags() | kDependent));
     m_data.getBlockXRefTable().add(xref);
     return *xref;
+  }
+
+  // The first name that is free; those before it become known.
+  zim::WString firstFree(Namesakes& namesakes, const zim::WString& base) const {
+    for (;;) {
+      const std::size_t n = namesakes.all.size();
+      const zim::WString name =
+          n == 0 ? base : base + u"$" + zim::WString::fromUtf8(std::to_string(n));
+      CBlockXRef* xref = m_data.getBlockXRefTable().get(name);
+      if (xref == nullptr && m_data.getBlockTable().get(name) == nullptr) return name;
+      if (xref != nullptr) namesakes.unmet.emplace(n, xref);
+      namesakes.all.push_back(xref);
+    }
+  }
+
+  // The first of them that the job's drawing means by `nested`; null when none is.
+  CBlockXRef* findAmong(Namesakes& namesakes, const CBlockXRef& nested, const Place& place,
+                        const Job& job) {
+    const std::size_t met = std::min(numberIn(namesakes.byFile, place.file, nested),
+                                     numberIn(namesakes.byPath, nested.getPath(), nested));
+    for (auto it = namesakes.unmet.begin(); it != namesakes.unmet.end() && it->first < met;) {
+      const auto [number, xref] = *it;
+      if (isFor(*xref, nested, place, job)) return xref;
+      ++it;
+      if (!isKnown(*xref)) continue;
+      meet(namesakes, number, *xref);
+      namesakes.unmet.erase(number);
+    }
+    return met < namesakes.all.size() ? namesakes.all[met] : nullptr;
+  }
+
+  static Namesakes::Key keyOf(const zim::WString& text, const PNT_3D& base) {
+    return {text, base.x, base.y, base.z};
+  }
+
+  static std::size_t numberIn(const std::map<Namesakes::Key, std::size_t>& met,
+                              const zim::WString& text, const CBlockXRef& nested) {
+    const auto at = met.find(keyOf(text, nested.getPnt()));
+    return at != met.end() ? at->second : static_cast<std::size_t>(-1);
+  }
+
+  void meet(Namesakes& namesakes, std::size_t number, const CBlockXRef& xref) const {
+    const zim::WString& file = m_files.at(&xref);
+    auto& met = file.empty() ? namesakes.byPath : namesakes.byFile;
+    const auto at =
+        met.try_emplace(keyOf(file.empty() ? xref.getPath() : file, xref.getPnt()), number).first;
+    at->second = std::min(at->second, number);
   }
 
   // Whether a reference of the drawing is the one that the job's drawing means by `nested`.
@@ -322,11 +322,11 @@ class Resolving {
     return true;
   }
 
-  // Whether nothing but this reader shows the reference, or could.
-  bool isFree(const CBlockXRef& xref, const CBlockXRef& reader) {
+  // Whether nothing but this reader shows the reference, and the drawing has it through one.
+  static bool isFree(const CBlockXRef& xref, const CBlockXRef& reader) {
+    if ((xref.getFlags() & kDependent) == 0) return false;
     const std::vector<CBlockXRef*>& shown = reader.getNested();
-    if (std::find(shown.begin(), shown.end(), &xref) != shown.end()) return xref.getShows() == 1;
-    return xref.getShows() == 0 && find(xref.getPath(), m_options.drawing).found == Found::Missing;
+    return xref.getShows() == std::count(shown.begin(), shown.end(), &xref);
   }
 
   // `reader`: name of the reference whose drawing has this one; empty for the drawing.
@@ -356,6 +356,7 @@ class Resolving {
   FileGraph m_graph;
   std::deque<Job> m_jobs;
   std::unordered_map<const CBlockXRef*, zim::WString> m_files;  // of the references met so far
+  std::unordered_map<zim::WString, Namesakes> m_namesakes;      // by name in nested drawings
   std::vector<CBlockXRef*> m_read;
   vek0::detail::Items m_present;                   // what the content of references is on
   std::unordered_map<zim::WString, long> m_sizes;  // entities, by file

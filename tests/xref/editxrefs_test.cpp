@@ -241,13 +241,25 @@ TEST(BindXRef, LeavesReferencesThatAreNotLoaded) {
   EXPECT_EQ(sheet.resolve(), 1);
   CUndoStack undo(data);
   EXPECT_EQ(bindXRef(data, undo, *sheet.xref(u"FURNITURE")), nullptr);
-  const State before = stateOf(data);
-  ASSERT_NE(bindXRef(data, undo, *sheet.xref(u"HOUSE")), nullptr);
-  ASSERT_NE(sheet.xref(u"FURNITURE"), nullptr);
-  EXPECT_EQ(sheet.xref(u"FURNITURE")->getPath(), u"furniture.dxf");
-  EXPECT_EQ(data.getDepend().getCount(sheet.xref(u"FURNITURE")), 1);
-  ASSERT_TRUE(undo.undo());
-  EXPECT_TRUE(stateOf(data) == before);
+  const char16_t* const paths[][3] = {
+      {u"house.dxf",            u"furniture.dxf",        u"furniture.dxf"                 },
+      {u"plans/house.dxf",      u"furniture.dxf",        u"plans/furniture.dxf"           },
+      {u"..\\plans\\house.dxf", u"parts/furniture.dxf",  u"..\\plans\\parts/furniture.dxf"},
+      {u"plans/house.dxf",      u"/parts/furniture.dxf", u"/parts/furniture.dxf"          },
+      {u"plans/house.dxf",      u"C:\\furniture.dxf",    u"C:\\furniture.dxf"             },
+  };
+  for (const auto& [outer, inner, bound] : paths) {
+    sheet.xref(u"HOUSE")->setPath(outer);
+    sheet.xref(u"FURNITURE")->setPath(inner);
+    const State before = stateOf(data);
+    ASSERT_NE(bindXRef(data, undo, *sheet.xref(u"HOUSE")), nullptr);
+    ASSERT_NE(sheet.xref(u"FURNITURE"), nullptr);
+    EXPECT_EQ(sheet.xref(u"FURNITURE")->getPath(), bound);
+    EXPECT_EQ(data.getDepend().getCount(sheet.xref(u"FURNITURE")), 1);
+    ASSERT_TRUE(undo.undo());
+    EXPECT_EQ(sheet.xref(u"FURNITURE")->getPath(), inner);
+    EXPECT_TRUE(stateOf(data) == before);
+  }
 }
 
 // What lines do not tell: fills and their private blocks, texts in their styles, attributes,

@@ -319,16 +319,54 @@ TEST(ResolveXRefs, TwoDrawingsOfOneNameAreTwoReferences) {
 
 // The path of a nested reference changes in the drawing that has it: no trace of the old one.
 TEST(ResolveXRefs, ANestedReferenceFollowsItsDrawing) {
+  for (const bool reopened : {false, true}) {
+    Sheet sheet = siteSheet();
+    sheet.resolve();
+    if (reopened) {
+      sheet.drawings.files["sheet.dxf"] = saved(sheet.data());
+      sheet.load();
+    }
+    std::string& house = sheet.drawings.files["house.dxf"];
+    house.replace(house.find("furniture.dxf"), 13, "garden.dxf");
+    sheet.drawings.files["garden.dxf"] = drawingOf("", "", lineTo(7, 7));
+    EXPECT_EQ(sheet.resolve(), 0);
+    EXPECT_EQ(sheet.reported(), "");
+    EXPECT_EQ(sheet.data().getBlockXRefTable().size(), 2);
+    EXPECT_EQ(sheet.xref(u"FURNITURE")->getPath(), u"garden.dxf");
+    EXPECT_EQ(getLayer(sheet.data(), u"FURNITURE|WOOD"), nullptr);
+  }
+}
+
+// One that the drawing itself attached keeps its path, shown or not, found or not.
+TEST(ResolveXRefs, ANestedReferenceTakesNothingOfTheDrawing) {
   Sheet sheet = siteSheet();
+  CUndoStack undo(sheet.data());
+  ASSERT_NE(attachXRef(sheet.data(), undo, u"FURNITURE", u"own.dxf", PNT_3D(0, 0, 0), false),
+            nullptr);
+  EXPECT_EQ(sheet.resolve(), 1);
+  EXPECT_EQ(
+      sheet.reported(),
+      "reference renamed HOUSE|FURNITURE: furniture.dxf; reference missing FURNITURE: own.dxf");
+  EXPECT_EQ(sheet.xref(u"FURNITURE$1")->getPath(), u"furniture.dxf");
+}
+
+TEST(ResolveXRefs, StylesOfReferencesThatTheDrawingUsesAreSaved) {
+  Sheet sheet = siteSheet();
+  sheet.drawings.files["house.dxf"].insert(
+      0, vek0::test::section(
+             "TABLES", vek0::test::table("STYLE", vek0::test::pairs("0 STYLE", "2 SLIM", "70 0",
+                                                                    "40 0", "41 0.5", "3 txt"))));
   sheet.resolve();
-  std::string& house = sheet.drawings.files["house.dxf"];
-  house.replace(house.find("furniture.dxf"), 13, "garden.dxf");
-  sheet.drawings.files["garden.dxf"] = drawingOf("", "", lineTo(7, 7));
-  EXPECT_EQ(sheet.resolve(), 0);
-  EXPECT_EQ(sheet.reported(), "");
-  EXPECT_EQ(sheet.data().getBlockXRefTable().size(), 2);
-  EXPECT_EQ(sheet.xref(u"FURNITURE")->getPath(), u"garden.dxf");
-  EXPECT_EQ(getLayer(sheet.data(), u"FURNITURE|WOOD"), nullptr);
+  CData& data = sheet.data();
+  CStyle* slim = sheet.xref(u"HOUSE")->getStyleTable().get(u"SLIM");
+  ASSERT_NE(slim, nullptr);
+  data.getEntTable().add(createEntText(data, TEXT_3D(CTextContext(), slim, 0, 0, 0, 0), 0));
+  const vek0::test::Loaded again = vek0::test::loadText(saved(data), CFileDXFIPolicy::forAnyFile());
+  const CStyle* style = getStyle(*again.data, u"HOUSE|SLIM");
+  ASSERT_NE(style, nullptr);
+  EXPECT_EQ(style->getFlags(), 16 + 32);
+  EXPECT_EQ(style->getWidthScale(), 0.5);
+  EXPECT_EQ(style->getEntities(), 1);
 }
 
 TEST(ResolveXRefs, ACancelledReadingLeavesWhatWasThere) {

@@ -60,7 +60,7 @@ class VEK0_API CFileDXFOSaver {
   void writeLayers();
   void writeLayer(const CLayer& layer);
   void writeStyles();
-  void writeStyle(const CStyle& style);
+  void writeStyle(const CStyle& style, long flags);
   void writeXRef(const CBlockXRef& xref);
   void visitEntities(IEntVisitor& visitor);
   bool isWritten(const CEnt& ent) const;

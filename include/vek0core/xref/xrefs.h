@@ -56,8 +56,7 @@ struct CXRefOptions {
 /// All drawings together may have ten times as many lines of hatches as one hatch may have
 /// (`CData::getHatchLimit`); hatches beyond keep their boundaries.
 ///
-/// Answers how many references are not loaded afterwards. Linear in what is read, but for
-/// nested files that go by one name: each is compared with those before it.
+/// Answers how many references are not loaded afterwards. Linear in what is read.
 VEK0_API int resolveXRefs(CData& data, IXRefResolver& resolver, const CXRefOptions& options);
 
 /// The same for one reference of the drawing and what it refers to; answers whether it is
@@ -85,7 +84,8 @@ VEK0_API bool detachXRefs(CData& data, CUndoStack& undo, const std::vector<CBloc
 /// Makes what a loaded reference shows the drawing's own: a block of the reference's name
 /// in its place, and its items as "xref$0$item", the 0 counted up where a name is taken. What
 /// nested references show becomes blocks likewise, "xref$0$nested"; those that are not
-/// loaded stay references. What the drawing has on dependent items follows. One step; the
+/// loaded stay references, and relative paths of theirs gain the folder of the path of the
+/// one that showed them. What the drawing has on dependent items follows. One step; the
 /// reference is out of the drawing then, and references that only it showed are.
 ///
 /// Null, with nothing changed, when it is not loaded or another reference shows it; also
