@@ -245,15 +245,23 @@ char* putWhole(char* out, std::uint64_t value) {
 
 constexpr double kTwoTo64 = 18446744073709551616.0;
 
-// Millionths of a fraction below 1, rounded half to even. The fraction is taken to
-// 64 binary places; what a tiny one has below them decides only a tie.
+// Millionths of a fraction below 1, rounded half to even from its exact value.
+//
+// 96 binary places hold every fraction that has a bit in the first 43; what is smaller
+// is nowhere near half a millionth.
 std::uint32_t millionths(double fraction) {
-  const auto bits = static_cast<std::uint64_t>(fraction * kTwoTo64);
-  const bool hasMore = static_cast<double>(bits) / kTwoTo64 != fraction;
-  const std::uint64_t low = (bits & 0xFFFFFFFFu) * kMillion;
-  const std::uint64_t high = (bits >> 32) * kMillion + (low >> 32);
+  constexpr double kTwoTo32 = 4294967296.0;
+  constexpr std::uint64_t kLow32 = 0xFFFFFFFFu;
+  const double scaled = fraction * kTwoTo64;
+  const auto bits = static_cast<std::uint64_t>(scaled);
+  const auto tail = static_cast<std::uint32_t>((scaled - static_cast<double>(bits)) * kTwoTo32);
+  // The product with a million, in digits of 32 bits.
+  const std::uint64_t low = std::uint64_t{tail} * kMillion;
+  const std::uint64_t middle = (bits & kLow32) * kMillion + (low >> 32);
+  const std::uint64_t high = (bits >> 32) * kMillion + (middle >> 32);
   auto whole = static_cast<std::uint32_t>(high >> 32);
-  const std::uint64_t rest = (high << 32) | (low & 0xFFFFFFFFu);
+  const std::uint64_t rest = (high << 32) | (middle & kLow32);
+  const bool hasMore = (low & kLow32) != 0;
   constexpr std::uint64_t kHalf = std::uint64_t{1} << 63;
   if (rest > kHalf || (rest == kHalf && (hasMore || whole % 2))) ++whole;
   return whole;

@@ -235,6 +235,11 @@ TEST(FormatFixed, AgreesWithTheLibrary) {
     const double tiny = std::ldexp(usual, -static_cast<int>(random() % 80));
     ASSERT_EQ(fixed(tiny), expected(tiny)) << "seed " << kSeed;
   }
+  // Decimals that end in a five lie so near a tie that every bit of the double decides.
+  for (int digits = 5; digits < 10'000'000; digits += 10) {
+    const double near = digits / 1e7;
+    ASSERT_EQ(fixed(near), expected(near));
+  }
 }
 
 TEST(FormatShortest, KnownNumbers) {
