@@ -17,13 +17,6 @@ bool isFrozen(const CEnt& ent) {
   return ent.getLayer() != nullptr && (ent.getLayer()->getFlags() & kFrozen) != 0;
 }
 
-// Whether taking away [lo, hi] can change the extents [min, max] of one axis. On a
-// flat axis it cannot: every box has that same value there, and another box remains
-// because the caller finds this one strictly inside on some axis that is not flat.
-bool reachesEnds(double lo, double hi, double min, double max) {
-  return min != max && (lo <= min || hi >= max);
-}
-
 }  // namespace
 
 /// Entities by handle; among equal handles, which a file may contain any number of,
@@ -116,27 +109,13 @@ void CEntTable::insert(CEnt* ent, Node before, std::size_t rank) {
 void CEntTable::remove(CEnt* ent) {
   if (!holds(ent)) return;
   unselect(ent);
-  if (m_bdryValid && reachesBorder(*ent)) m_bdryValid = false;
+  m_bdryValid = false;
   if (m_index != nullptr) m_index->remove(ent);
   m_entities.erase(ent->m_node);
   ent->m_owner = nullptr;
   ent->m_watched = false;
   ent->removeTbls(*m_gestor);
   for (IEntTableWatcher* watcher : m_watchers) watcher->removed(*ent);
-}
-
-// The extents of all entities change by removing one only if its box touches theirs,
-// so a loop that removes and asks does not compute them each time. The box of an
-// insert may be out of date: its block can change after it was added.
-bool CEntTable::reachesBorder(const CEnt& ent) const {
-  if (ent.getEntInsert() != nullptr) return true;
-  const RECT_3D& box = ent.getBdry();
-  if (!box.validRegion()) return false;
-  const PNT_3D& min = m_bdry.min;
-  const PNT_3D& max = m_bdry.max;
-  return min == max || reachesEnds(box.min.x, box.max.x, min.x, max.x) ||
-         reachesEnds(box.min.y, box.max.y, min.y, max.y) ||
-         reachesEnds(box.min.z, box.max.z, min.z, max.z);
 }
 
 void CEntTable::select(CEnt* ent) {

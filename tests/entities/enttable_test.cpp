@@ -138,6 +138,11 @@ TEST(EntTable, InvalidatedExtentsFollowAnEditInPlace) {
   EXPECT_EQ(s.table.getBdry().max.x, 1) << "the table cannot know";
   s.table.invalidateBdry();
   EXPECT_EQ(s.table.getBdry(), ent->getBdry());
+  // A removal is as good, wherever the removed entity lies.
+  const std::unique_ptr<CEntLine> inside(s.add(5.5, 5.5, 5.6, 5.6));
+  ent->setLine(0, 0, 0, 1, 1, 0);
+  s.table.remove(inside.get());
+  EXPECT_EQ(s.table.getBdry(), ent->getBdry());
 }
 
 TEST(EntTable, RemovingTheLastPointEmptiesTheBox) {

@@ -55,7 +55,7 @@ class VEK0_API CEntTable {
   void add(CEnt* ent);
 
   /// Unselects the entity, takes it out and unregisters it; the caller owns it from
-  /// then on and may add it again, for instance to undo.
+  /// then on and may add it again, for instance to undo. Invalidates the extents.
   void remove(CEnt* ent);
 
   /// Where an entity stands: what it takes to put it there again.
@@ -94,8 +94,8 @@ class VEK0_API CEntTable {
   void invalidateBdry() const { m_bdryValid = false; }
 
   /// Union of the entities' extents, those on frozen layers left out (layers that
-  /// are merely off count); empty for an empty table. Linear in the entities after
-  /// a change that touched the border, constant otherwise.
+  /// are merely off count); empty for an empty table. Linear in the entities after a
+  /// removal or `invalidateBdry`, constant otherwise.
   const RECT_3D& getBdry() const;
 
   /// Computes the extents anew, those of the inserts first: a block may have
@@ -122,7 +122,6 @@ class VEK0_API CEntTable {
   void insert(CEnt* ent, Node before, std::size_t rank);
   void tellReshaped(CEnt& ent) const;
   bool holds(const CEnt* ent) const { return ent != nullptr && ent->m_owner == this; }
-  bool reachesBorder(const CEnt& ent) const;
 
   CBlockXRefDepend& m_depend;
   std::list<CEnt*> m_entities;
