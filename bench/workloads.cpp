@@ -2,6 +2,9 @@
 // to the next.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <numeric>
+#include <random>
 #include <vector>
 
 #include "drawings.h"
@@ -131,24 +134,32 @@ void BM_FindHandles(benchmark::State& state) {
 }
 BENCHMARK(BM_FindHandles)->Arg(20000)->Arg(80000)->Unit(benchmark::kMillisecond);
 
+// `count` empty blocks.
+Drawing placeholders(int count) {
+  Drawing drawing = vek0::bench::newDrawing();
+  for (int i = 0; i < count; ++i) {
+    const zim::WString name = zim::WString(u"B") + zim::WString::fromUtf8(std::to_string(i));
+    drawing->getBlockTable().add(drawing->getBlockFactory().create(name, PNT_3D(0, 0, 0), 0));
+  }
+  return drawing;
+}
+
+CEnt* insertOf(const CData& data, int block) {
+  return createEntInsert(data, *data.getBlockTable()[block], PNT_3D(0, 0, 0), 1, 1, 1, 0, 1, 1, 0,
+                         0, 0);
+}
+
 // Files whose inserts come before their blocks: every block starts as a placeholder.
 void BM_RedefinePlaceholders(benchmark::State& state) {
   const int count = static_cast<int>(state.range(0));
   for (auto _ : state) {
     state.PauseTiming();
-    const Drawing drawing = vek0::bench::newDrawing();
+    const Drawing drawing = placeholders(count);
     CBlockTable& table = drawing->getBlockTable();
-    for (int i = 0; i < count; ++i) {
-      const zim::WString name = zim::WString(u"B") + zim::WString::fromUtf8(std::to_string(i));
-      table.add(drawing->getBlockFactory().create(name, PNT_3D(0, 0, 0), 0));
-    }
     state.ResumeTiming();
     for (int i = 0; i < count; ++i) {
       std::list<CEnt*> content = {createEntLine(*drawing, LINE_3D(0, 0, 0, 1, 1, 0), 0)};
-      if (i > 0) {
-        content.push_back(
-            createEntInsert(*drawing, *table[i - 1], PNT_3D(0, 0, 0), 1, 1, 1, 0, 1, 1, 0, 0, 0));
-      }
+      if (i > 0) content.push_back(insertOf(*drawing, i - 1));
       table.Redefine(table[i], PNT_3D(0, 0, 0), 0, content);
     }
     benchmark::DoNotOptimize(table[count - 1]->getBdry());
@@ -156,6 +167,45 @@ void BM_RedefinePlaceholders(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * count);
 }
 BENCHMARK(BM_RedefinePlaceholders)->Arg(20000)->Arg(80000)->Unit(benchmark::kMillisecond);
+
+// Blocks of two inserts each, defined in no order. `isAcyclic`: an order exists, as in every
+// file that is sound; otherwise an eighth of them is refused.
+void redefineAtRandom(benchmark::State& state, bool isAcyclic) {
+  const int count = static_cast<int>(state.range(0));
+  std::mt19937 random(1);
+  std::vector<int> block(static_cast<std::size_t>(count));
+  std::iota(block.begin(), block.end(), 0);
+  std::shuffle(block.begin(), block.end(), random);
+  std::vector<int> sequence = block;
+  std::shuffle(sequence.begin(), sequence.end(), random);
+  for (auto _ : state) {
+    state.PauseTiming();
+    Drawing drawing = placeholders(count);
+    CBlockTable& table = drawing->getBlockTable();
+    state.ResumeTiming();
+    for (const int i : sequence) {
+      std::list<CEnt*> content;
+      const int choice = isAcyclic ? i : count;
+      for (int k = 0; k < 2 && choice > 0; ++k) {
+        const auto inner = random() % static_cast<unsigned>(choice);
+        content.push_back(insertOf(*drawing, block[inner]));
+      }
+      CBlock* redefined = table[block[static_cast<std::size_t>(i)]];
+      if (table.Redefine(redefined, PNT_3D(0, 0, 0), 0, content) == 0) continue;
+      for (const CEnt* ent : content) delete ent;
+    }
+    state.PauseTiming();
+    drawing.reset();
+    state.ResumeTiming();
+  }
+  state.SetItemsProcessed(state.iterations() * count);
+}
+
+void BM_RedefineShuffled(benchmark::State& state) { redefineAtRandom(state, true); }
+BENCHMARK(BM_RedefineShuffled)->Arg(20000)->Arg(80000)->Arg(320000)->Unit(benchmark::kMillisecond);
+
+void BM_RedefineInCircles(benchmark::State& state) { redefineAtRandom(state, false); }
+BENCHMARK(BM_RedefineInCircles)->Arg(20000)->Arg(80000)->Arg(320000)->Unit(benchmark::kMillisecond);
 
 // Numbering the private blocks of hatches.
 void BM_ProgressiveNames(benchmark::State& state) {

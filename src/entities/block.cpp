@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <new>
+#include <utility>
 
 #include "entities/blockgraphitem.h"
 #include "tables/holes.h"
@@ -98,7 +99,7 @@ CBlock& CBlock::operator=(const CBlock& src) {
 }
 
 CBlock::~CBlock() {
-  if (m_item != nullptr) m_item->graph->dropBlock(*this);
+  if (m_item != nullptr) m_item->graph->forget(*this);
   for (const CEnt* ent : m_entities) delete ent;
 }
 
@@ -117,12 +118,11 @@ void CBlock::restore(CEnt* ent) {
 
 void CBlock::append(CEnt* ent) {
   if (m_noHoles > m_entities.size() / 2) compact();
-  const bool wasFresh = !isBdryStale();
   ++m_edition;
   m_entities.push_back(ent);
   if (m_ranks) m_ranks->append(true);
   own(*ent, m_entities.size() - 1);
-  if (wasFresh) tellUsers();
+  tellUsers();
 }
 
 void CBlock::own(CEnt& ent, std::size_t pos) {
@@ -188,10 +188,9 @@ void CBlock::calcBdry() {
 }
 
 void CBlock::invalidateBdry() {
-  const bool wasFresh = !isBdryStale();
   ++m_edition;
   m_bdryStale = true;
-  if (wasFresh) tellUsers();
+  tellUsers();
 }
 
 void CBlock::redefine(const PNT_3D& base, long flags) {
@@ -201,7 +200,6 @@ void CBlock::redefine(const PNT_3D& base, long flags) {
 }
 
 void CBlock::clearEntities() {
-  const bool wasFresh = !isBdryStale();
   ++m_edition;
   for (CEnt* ent : m_entities)
     if (ent != nullptr) disown(*ent);
@@ -211,7 +209,7 @@ void CBlock::clearEntities() {
   setFlags(kHasAttdefs, false);
   m_bdry.initRegion();
   m_bdryStale = false;
-  if (wasFresh) tellUsers();
+  tellUsers();
 }
 
 void CBlock::disposeEntities() {
@@ -223,14 +221,12 @@ void CBlock::disposeEntities() {
 }
 
 const RECT_3D& CBlock::getBdry() const {
+  m_bdryAsked = true;
   if (isBdryStale() && !m_bdryBusy) refreshBdry();
   return m_bdry;
 }
 
-RECT_3D& CBlock::getBdry() {
-  if (isBdryStale() && !m_bdryBusy) refreshBdry();
-  return m_bdry;
-}
+RECT_3D& CBlock::getBdry() { return const_cast<RECT_3D&>(std::as_const(*this).getBdry()); }
 
 void CBlock::SetUserInfo(int type, int data) {
   m_userType = type;
@@ -323,10 +319,10 @@ void CBlock::growBdry() {
   m_bdryStale = false;
 }
 
-// Whatever makes a block's extents stale makes those of its users stale as a whole, so
-// the walk ends at such: telling is paid for by the computation that it undoes.
+// Nobody has used extents that nobody has asked for, so telling is paid for by the
+// computation that it undoes. The same goes for the users of a user.
 void CBlock::tellUsers() {
-  if (m_item == nullptr) return;
+  if (m_item == nullptr || !std::exchange(m_bdryAsked, false)) return;
   std::vector<const BlockGraphItem*> told{m_item};
   while (!told.empty()) {
     const BlockGraphItem* item = told.back();
@@ -337,7 +333,7 @@ void CBlock::tellUsers() {
       ++block.m_edition;
       block.m_bdryStale = true;
       block.dirtyInserts();
-      told.push_back(user.item);
+      if (std::exchange(block.m_bdryAsked, false)) told.push_back(user.item);
     }
   }
 }

@@ -1,10 +1,11 @@
 #include "vek0core/entities/blockgraph.h"
 
-#include "entities/collectblocks.h"
-
 #include <algorithm>
+#include <utility>
 
 #include "entities/blockgraphitem.h"
+#include "entities/blockorder.h"
+#include "entities/collectblocks.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/entinsert.h"
 
@@ -13,38 +14,6 @@ using Mark = vek0::detail::BlockGraphItem::Mark;
 namespace {
 
 using Item = vek0::detail::BlockGraphItem;
-
-void cutEdge(Item& user, std::size_t i) {
-  const Item::Edge edge = user.edges[i];
-  if (edge.target == nullptr) return;
-  std::vector<Item::User>& users = edge.target->users;
-  users[edge.place] = users.back();
-  users[edge.place].item->edges[users[edge.place].place].place = edge.place;
-  users.pop_back();
-  user.edges[i].target = nullptr;
-}
-
-// One of the two fronts of a search: the items met, and how far their neighbours have
-// been looked at.
-class Front {
- public:
-  void meet(Item& item) { m_items.push_back(&item); }
-  bool isSpent() const { return m_item == m_items.size(); }
-  const Item& current() const { return *m_items[m_item]; }
-
-  // The next neighbour of the current item out of `count`, or `count` on going on to
-  // the next item.
-  std::size_t step(std::size_t count) {
-    if (m_neighbour < count) return m_neighbour++;
-    ++m_item;
-    m_neighbour = 0;
-    return count;
-  }
-
- private:
-  std::vector<Item*> m_items;
-  std::size_t m_item = 0, m_neighbour = 0;
-};
 
 // An item that a visit has entered, and how many of its edges it has followed.
 struct Entered {
@@ -72,9 +41,10 @@ int visitStep(std::vector<Entered>& stack, IBlockOperation& op) {
 
 }  // namespace
 
-CBlockGraph::CBlockGraph() = default;
+CBlockGraph::CBlockGraph() : m_order(std::make_unique<vek0::detail::BlockOrder>()) {}
 
-CBlockGraph::~CBlockGraph() = default;
+// Blocks may outlive their graph.
+CBlockGraph::~CBlockGraph() { clearAll(); }
 
 void CBlockGraph::addBlock(CBlock& block) { addBlock(block, nullptr); }
 
@@ -85,16 +55,12 @@ const CBlock* CBlockGraph::getNext(const CBlock& block) const {
 }
 
 void CBlockGraph::addBlock(CBlock& block, const CBlock* next) {
-  if (block.m_item != nullptr) return;
+  if (block.m_item != nullptr && block.m_item->isPresent) return;
+  Item* item = need(&block);
+  if (item == nullptr) return;
   const Item* after = next != nullptr ? find(*next) : nullptr;
-  const auto place =
-      m_items.insert(after != nullptr ? after->place : m_items.end(), std::make_unique<Item>());
-  Item& item = **place;
-  item.block = &block;
-  item.graph = this;
-  item.place = place;
-  item.rank = --m_firstRank;
-  block.m_item = &item;
+  m_items.splice(after != nullptr ? after->place : m_items.end(), m_absent, item->place);
+  item->isPresent = true;
   updateBlock(block);
 }
 
@@ -112,25 +78,38 @@ int CBlockGraph::RemoveBlock(CBlock& block) {
 void CBlockGraph::dropBlock(CBlock& block) {
   Item* item = find(block);
   if (item == nullptr) return;
+  replaceEdges(*item, {});
+  m_absent.splice(m_absent.end(), m_items, item->place);
+  item->isPresent = false;
+  item->mark = Mark::done;
+  if (item->users.empty()) erase(*item);
+}
+
+// The block is about to be deleted.
+void CBlockGraph::forget(CBlock& block) {
+  dropBlock(block);
+  if (block.m_item == nullptr) return;  // nothing inserts it
   // The users' edges keep their places, which others know.
-  for (const Item::User& user : item->users) user.item->edges[user.place].target = nullptr;
-  setEdges(*item, {});
-  block.m_item = nullptr;
-  m_items.erase(item->place);
+  for (const Item::User& user : block.m_item->users) user.item->edges[user.place].target = nullptr;
+  erase(*block.m_item);
+}
+
+// Of an absent block.
+void CBlockGraph::erase(Item& item) const {
+  item.block->m_item = nullptr;
+  m_order->remove(item);
+  m_absent.erase(item.place);
 }
 
 void CBlockGraph::updateBlock(CBlock& block) {
   Item* item = find(block);
   if (item == nullptr) return;
-  std::vector<Item*> targets;
-  const unsigned long number = ++m_search;
-  for (CBlock::CInsertIterator insert(block); *insert != nullptr && !block.isXRef(); ++insert)
-    meet((*insert)->getBlock(), number, targets);
-  if (reaches(targets, *item)) {
-    const auto closesCycle = [&](Item* target) { return reaches({target}, *item); };
-    targets.erase(std::remove_if(targets.begin(), targets.end(), closesCycle), targets.end());
+  std::vector<Item*> targets = insertedItems(block);
+  if (!makeWay(*item, targets)) {
+    std::erase_if(targets, [&](Item* target) { return isCircle(*item, {target}); });
+    makeWay(*item, targets);
   }
-  setEdges(*item, targets);
+  replaceEdges(*item, targets);
 }
 
 int CBlockGraph::VisitUndep(IBlockOperation& op) const {
@@ -159,17 +138,28 @@ int CBlockGraph::VisitDep(IBlockOperation& op) const {
 
 bool CBlockGraph::canSubstitute(CBlock& block, const std::list<CBlock*>& deps) const {
   if (std::find(deps.begin(), deps.end(), &block) != deps.end()) return block.isXRef();
-  Item* item = find(block);
-  return item == nullptr || !reaches(itemsOf(deps), *item);
+  Item* item = block.m_item;
+  if (item == nullptr || item->graph != this) return true;
+  std::vector<Item*> targets;
+  for (const CBlock* dep : deps)
+    if (Item* target = dep != nullptr ? find(*dep) : nullptr) targets.push_back(target);
+  return !isCircle(*item, targets);
 }
 
 void CBlockGraph::doSubstitute(CBlock& block, const std::list<CBlock*>& deps) {
-  if (Item* item = find(block)) setEdges(*item, itemsOf(deps));
+  Item* item = find(block);
+  if (item == nullptr) return;
+  const std::vector<Item*> targets = itemsOf(deps);
+  if (!makeWay(*item, targets)) m_isOrdered = false;
+  replaceEdges(*item, targets);
 }
 
 bool CBlockGraph::Substitute(CBlock& block, const std::list<CBlock*>& deps) const {
-  if (!canSubstitute(block, deps)) return false;
-  if (Item* item = find(block)) setEdges(*item, itemsOf(deps));
+  Item* item = find(block);
+  if (item == nullptr || block.isXRef()) return canSubstitute(block, deps);
+  const std::vector<Item*> targets = itemsOf(deps);
+  if (!makeWay(*item, targets)) return false;
+  replaceEdges(*item, targets);
   return true;
 }
 
@@ -179,7 +169,7 @@ std::vector<CBlock*> CBlockGraph::getEdges(const CBlock& block) const {
   std::vector<CBlock*> blocks;
   if (const Item* item = find(block))
     for (const Item::Edge& edge : item->edges)
-      if (edge.target != nullptr) blocks.push_back(edge.target->block);
+      if (edge.target != nullptr && edge.target->isPresent) blocks.push_back(edge.target->block);
   return blocks;
 }
 
@@ -198,103 +188,118 @@ std::vector<CBlock*> CBlockGraph::getUsers(const CBlock& block) const {
 std::size_t CBlockGraph::size() const { return m_items.size(); }
 
 void CBlockGraph::clearAll() {
-  for (const auto& item : m_items) item->block->m_item = nullptr;
-  m_items.clear();
+  for (Items* items : {&m_items, &m_absent}) {
+    for (const auto& item : *items) item->block->m_item = nullptr;
+    items->clear();
+  }
+  m_order = std::make_unique<vek0::detail::BlockOrder>();
+  m_isOrdered = true;
 }
 
 CBlockGraph::Item* CBlockGraph::find(const CBlock& block) const {
-  return block.m_item != nullptr && block.m_item->graph == this ? block.m_item : nullptr;
+  Item* item = block.m_item;
+  return item != nullptr && item->graph == this && item->isPresent ? item : nullptr;
 }
 
-// Whether ranks alone tell that nothing leads from `from` to `to`.
-bool CBlockGraph::isBehind(const std::vector<Item*>& from, const Item& to) const {
-  return m_ranked && std::all_of(from.begin(), from.end(),
-                                 [&](const Item* item) { return item->rank > to.rank; });
-}
-
-// Users before what they insert. Costs a pass over the graph, which searches have to have
-// cost before. Only for calls that change the graph: whoever asks may be in a visit.
-void CBlockGraph::rankAll() const {
-  vek0::detail::CollectBlocks collect;
-  m_ranked = VisitUndep(collect) == ZORA_BLOCK_VISIT_RESULT_SUCCESS;
-  m_searched = 0;
-  for (const CBlock* block : collect.blocks) find(*block)->rank = --m_firstRank;
-}
-
-bool CBlockGraph::reaches(const std::vector<Item*>& from, Item& to) const {
-  return !isBehind(from, to) && search(from, to);
-}
-
-// Searches downward from `from` and upward from `to` in turn, one edge at a time, so
-// that the smaller side decides the cost: placeholders that files define one by one
-// have either few users or little in them.
-bool CBlockGraph::search(const std::vector<Item*>& from, Item& to) const {
-  const unsigned long number = ++m_search;
-  Front down, up;
-  to.seenUp = number;
-  up.meet(to);
-  for (Item* item : from) {
-    if (item == &to) return true;
-    item->seenDown = number;
-    down.meet(*item);
+// The block's item, an absent one if it has none yet; null for a block of another graph.
+CBlockGraph::Item* CBlockGraph::need(CBlock* block) const {
+  if (block == nullptr) return nullptr;
+  Item* item = block->m_item;
+  if (item != nullptr && item->graph != this && !item->isPresent) {
+    item->graph->forget(*block);
+    item = nullptr;
   }
-  for (; !down.isSpent() && !up.isSpent(); ++m_searched) {
-    const Item& upper = down.current();
-    const std::size_t edge = down.step(upper.edges.size());
-    Item* target = edge < upper.edges.size() ? upper.edges[edge].target : nullptr;
-    if (target != nullptr && target->seenUp == number) return true;
-    if (target != nullptr && target->seenDown != number) {
-      target->seenDown = number;
-      down.meet(*target);
-    }
-    const Item& lower = up.current();
-    const std::size_t place = up.step(lower.users.size());
-    Item* user = place < lower.users.size() ? lower.users[place].item : nullptr;
-    if (user != nullptr && user->seenDown == number) return true;
-    if (user != nullptr && user->seenUp != number) {
-      user->seenUp = number;
-      up.meet(*user);
-    }
+  if (item != nullptr) return item->graph == this ? item : nullptr;
+  item = m_absent.emplace_back(std::make_unique<Item>()).get();
+  item->block = block;
+  item->graph = const_cast<CBlockGraph*>(this);
+  item->place = std::prev(m_absent.end());
+  m_order->addFirst(*item);
+  block->m_item = item;
+  return item;
+}
+
+std::vector<CBlockGraph::Item*> CBlockGraph::insertedItems(const CBlock& block) const {
+  std::list<CBlock*> inserted;
+  for (CBlock::CInsertIterator insert(block); *insert != nullptr && !block.isXRef(); ++insert)
+    inserted.push_back((*insert)->getBlock());
+  return itemsOf(inserted);
+}
+
+// The items of the blocks that may have edges, each once.
+std::vector<CBlockGraph::Item*> CBlockGraph::itemsOf(const std::list<CBlock*>& blocks) const {
+  ++m_collections;
+  std::vector<Item*> items;
+  for (CBlock* block : blocks) {
+    Item* item = block != nullptr && !block->isXRef() ? need(block) : nullptr;
+    if (item == nullptr || item->collected == m_collections) continue;
+    item->collected = m_collections;
+    items.push_back(item);
+  }
+  return items;
+}
+
+bool CBlockGraph::isCircle(Item& user, const std::vector<Item*>& targets) const {
+  return m_isOrdered ? m_order->isCircle(user, targets) : leadsTo(targets, user);
+}
+
+// Without an order everything below has to be looked at.
+bool CBlockGraph::leadsTo(const std::vector<Item*>& from, const Item& to) const {
+  ++m_collections;
+  std::vector<Item*> found = from;
+  while (!found.empty()) {
+    Item* item = found.back();
+    found.pop_back();
+    if (item == &to) return true;
+    if (item->collected == m_collections) continue;
+    item->collected = m_collections;
+    for (const Item::Edge& edge : item->edges)
+      if (edge.target != nullptr) found.push_back(edge.target);
   }
   return false;
 }
 
-// Keeps ranks true to a new edge where that takes no search: what nobody inserts may be
-// first, what inserts nothing may be last.
-void CBlockGraph::rankEdge(Item& user, Item& target) const {
-  if (!m_ranked || user.rank < target.rank) return;
-  if (user.users.empty())
-    user.rank = --m_firstRank;
-  else if (target.edges.empty())
-    target.rank = ++m_lastRank;
-  else
-    m_ranked = false;
+// Orders the blocks for these edges, which are to be made next; false when they close a
+// circle.
+bool CBlockGraph::makeWay(Item& user, const std::vector<Item*>& targets) const {
+  if (isCircle(user, targets)) return false;
+  if (m_isOrdered) m_order->settle();
+  return true;
 }
 
-// Appends the block's item unless the search of that number has met it already, or the
-// block has no edges.
-void CBlockGraph::meet(const CBlock* block, unsigned long number, std::vector<Item*>& items) const {
-  Item* item = block != nullptr && !block->isXRef() ? find(*block) : nullptr;
-  if (item == nullptr || item->seenDown == number) return;
-  item->seenDown = number;
-  items.push_back(item);
-}
-
-std::vector<CBlockGraph::Item*> CBlockGraph::itemsOf(const std::list<CBlock*>& blocks) const {
-  const unsigned long number = ++m_search;
-  std::vector<Item*> items;
-  for (const CBlock* block : blocks) meet(block, number, items);
-  return items;
-}
-
-void CBlockGraph::setEdges(Item& item, const std::vector<Item*>& targets) const {
-  if (!m_ranked && m_searched > m_items.size()) rankAll();
-  for (std::size_t i = 0; i < item.edges.size(); ++i) cutEdge(item, i);
-  item.edges.clear();
+// The new edges come before the old ones go, so that an absent target of both stays.
+void CBlockGraph::replaceEdges(Item& item, const std::vector<Item*>& targets) const {
+  const std::vector<Item::Edge> old = std::exchange(item.edges, {});
+  item.edges.reserve(targets.size());
   for (Item* target : targets) {
-    rankEdge(item, *target);
     target->users.push_back({&item, item.edges.size()});
     item.edges.push_back({target, target->users.size() - 1});
   }
+  for (const Item::Edge& edge : old) cutEdge(edge);
+  if (!m_isOrdered) orderAll();
   item.block->invalidateBdry();
+}
+
+void CBlockGraph::cutEdge(const Item::Edge& edge) const {
+  if (edge.target == nullptr) return;
+  m_order->forgetHubs();
+  std::vector<Item::User>& users = edge.target->users;
+  if (edge.place + 1 != users.size()) {
+    users[edge.place] = users.back();
+    users[edge.place].item->edges[users[edge.place].place].place = edge.place;
+  }
+  users.pop_back();
+  if (users.empty() && !edge.target->isPresent) erase(*edge.target);
+}
+
+// Tries to order the blocks anew. A pass over the graph at every change, but only while
+// there is a circle, which only a host can have made.
+void CBlockGraph::orderAll() const {
+  vek0::detail::CollectBlocks collect;
+  m_isOrdered = VisitUndep(collect) == ZORA_BLOCK_VISIT_RESULT_SUCCESS;
+  if (!m_isOrdered) return;
+  for (const CBlock* block : collect.blocks) {
+    m_order->remove(*block->m_item);
+    m_order->addFirst(*block->m_item);
+  }
 }

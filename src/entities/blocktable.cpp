@@ -53,12 +53,12 @@ void CBlockTable::remove(CBlock* block) {
   if (!holds(block)) return;
   CNamedItemTableImp::remove(block);
   block->removeBlock(m_gestor);
-  // The graph keeps a block that others insert, but the caller may delete this one.
+  // The graph keeps a block that others insert, but this one leaves the table all the same.
   if (m_graph->RemoveBlock(*block) != 0) m_graph->dropBlock(*block);
 }
 
 CBlockTable::Place CBlockTable::getPlace(const CBlock& block) const {
-  return {CNamedItemTableImp::getPlace(block), m_graph->getNext(block), m_graph->getUsers(block)};
+  return {CNamedItemTableImp::getPlace(block), m_graph->getNext(block)};
 }
 
 void CBlockTable::restore(CBlock* block, const Place& place) {
@@ -67,7 +67,6 @@ void CBlockTable::restore(CBlock* block, const Place& place) {
   if (!holds(block)) return;
   block->insertBlock(m_gestor);
   m_graph->addBlock(*block, place.graphNext);
-  for (CBlock* user : place.users) m_graph->updateBlock(*user);
 }
 
 CBlock* CBlockTable::get(std::u16string_view name) const {
@@ -84,9 +83,8 @@ bool CBlockTable::canRedefine(CBlock* block, const std::list<CEnt*>& newEntities
 
 int CBlockTable::Redefine(CBlock* block, const PNT_3D& base, long flags,
                           const std::list<CEnt*>& newEntities) {
-  if (!canRedefine(block, newEntities)) return -1;
+  if (block == nullptr || !m_graph->Substitute(*block, insertedBlocks(newEntities))) return -1;
   const bool registered = holds(block);
-  m_graph->doSubstitute(*block, insertedBlocks(newEntities));
   if (registered) block->removeBlock(m_gestor);
   block->redefine(base, flags);
   for (CEnt* ent : newEntities) block->add(ent);

@@ -184,7 +184,8 @@ class VEK0_API CBlock : public CNamedItem {
   // adding one costs nothing until somebody asks.
   mutable std::size_t m_noBoxed = 0;
   mutable bool m_bdryStale = false;
-  mutable bool m_bdryBusy = false;  // being computed: an insert of itself stops here
+  mutable bool m_bdryBusy = false;   // being computed: an insert of itself stops here
+  mutable bool m_bdryAsked = false;  // handed out since the users were told of a change
 
   vek0::detail::BlockGraphItem* m_item = nullptr;  // its place in a table's graph
   const CBlockXRef* m_contentOf = nullptr;

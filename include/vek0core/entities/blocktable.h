@@ -40,15 +40,14 @@ class VEK0_API CBlockTable : public CNamedItemTableImp {
   virtual void remove(CBlock* block);
 
   using CNamedItemTableImp::contains;
-  /// Where a block stands in the table and in its graph, and which blocks insert it.
+  /// Where a block stands in the table and in its graph.
   struct Place {
     CNamedItemTableImp::Place item;
     const CBlock* graphNext;  ///< null at the end
-    std::vector<CBlock*> users;
   };
   Place getPlace(const CBlock& block) const;
-  /// Puts a block that was taken out back to where it stood, with the edges of the blocks
-  /// that insert it; see `CNamedItemTableImp::restore`.
+  /// Puts a block that was taken out back to where it stood; see
+  /// `CNamedItemTableImp::restore`.
   void restore(CBlock* block, const Place& place);
 
   /// First block added of that name, letter case ignored; null when there is none.
