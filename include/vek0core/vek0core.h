@@ -35,6 +35,7 @@
 #include "vek0core/tables/ltypetable.h"
 #include "vek0core/tables/nameditem.h"
 #include "vek0core/tables/nameditemtable.h"
+#include "vek0core/tables/palette.h"
 #include "vek0core/tables/style.h"
 #include "vek0core/tables/styletable.h"
 #include "vek0core/tables/text.h"

@@ -1,19 +1,13 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <vector>
 
 #include "vek0core/geometry/pnt.h"
+#include "vek0core/tables/palette.h"
 #include "zim0lang/wstring.h"
 
 class ICADFont;
-
-/// A colour as displays know it, 0 to 255 each.
-struct RGB_COLOR {
-  std::uint8_t r = 0, g = 0, b = 0;
-  bool operator==(const RGB_COLOR&) const = default;
-};
 
 /// From one plane to another: x' = a * x + c * y + e, y' = b * x + d * y + f.
 struct AFFINE_2D {
