@@ -242,7 +242,10 @@ void CFileDXFOSaver::writeLtype(const CLtype& ltype) {
   write(73, isExchange() ? countOfDashes(ltype) : static_cast<long>(dashes.GetNoDashes()));
   write(40, finite(ltype.getPatternLen(), 0, name));
   for (int i = 0; i < dashes.GetNoDashes(); ++i) {
-    if (dashes.Get(i)->IsDoubleDash()) write(49, finite(dashes.Get(i)->GetValue(), 0, name));
+    if (dashes.Get(i)->IsDoubleDash())
+      write(49, finite(dashes.Get(i)->GetValue(), 0, name));
+    else
+      report("linetype text dropped", ltype.getName());
   }
 }
 
@@ -260,6 +263,7 @@ void CFileDXFOSaver::writeLayer(const CLayer& layer) {
     report("color out of range", name);
     color = vek0::detail::kColorDefault;
   }
+  if (layer.getLineWidth() != lineWidthDefault) report("lineweight dropped", name);
   write(0, u"LAYER");
   m_writer.writeText(2, name);
   write(70, dependentFlags(layer.getFlags(), name) & kFlagBits);

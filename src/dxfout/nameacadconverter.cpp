@@ -240,7 +240,7 @@ void CNameAcadConverter::convertTable(const std::vector<const Item*>& items,
     const zim::WString* name = &entries[i].own;
     if (!table.keeps(entries[i])) {
       name = &names.emplace(items[i], table.convert(entries[i])).first->second;
-      if (*name != entries[i].own) report("name changed", entries[i].own);
+      if (*name != entries[i].own) report("name changed", entries[i].own + u" -> " + *name);
     }
     if (!m_unique && !written.insert(*name)) report("names coincide", *name);
   }

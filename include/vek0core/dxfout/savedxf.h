@@ -42,7 +42,7 @@ VEK0_API bool SaveDXF(const CData& data, IFile& file, unsigned flags);
 /// The same, and adds to `report` (may be null) what the file does not hold as the
 /// drawing does:
 ///
-///   name changed          a name made valid for the format, or unique
+///   name changed          a name made valid for the format, or unique: "old -> new"
 ///   names coincide        two items of a table that became one (classic form only)
 ///   name not dependent    an item flagged as part of an external reference, but not
 ///                         named so, lost the flag
@@ -51,6 +51,8 @@ VEK0_API bool SaveDXF(const CData& data, IFile& file, unsigned flags);
 ///   color out of range    a colour that the format does not have was replaced
 ///   insert without block  an insert whose block the drawing does not have is missing
 ///   fixed insert          an insert of fixed pixel size became an ordinary one
+///   linetype text dropped what a linetype shows beside its dashes is missing
+///   lineweight dropped    the width of a layer's lines
 ///   text cut              a text ends at the longest line that readers take
 ///   blocks in a circle    blocks insert each other, which is why saving failed
 VEK0_API bool SaveDXF(const CData& data, IFile& file, unsigned flags, CFileReport* report);
