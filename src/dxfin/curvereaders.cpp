@@ -5,6 +5,7 @@
 
 #include "dxfin/ocs.h"
 #include "dxfin/replacement.h"
+#include "vek0core/entities/entpolyline.h"
 #include "vek0core/geometry/angle.h"
 #include "vek0core/geometry/ellipse.h"
 
@@ -66,7 +67,7 @@ EntPtr CurveReader::readSpline() { return readSplineRecord() ? buildSpline(u"SPL
 EntPtr CurveReader::readHelix() { return readSplineRecord() ? buildSpline(u"HELIX") : nullptr; }
 
 bool CurveReader::readSplineRecord() {
-  static constexpr RecordKind kind({12, 22, 32, 13, 23, 33, 70, 71}, {8});
+  static constexpr RecordKind kind({12, 22, 32, 13, 23, 33, 70, 71}, {8}, {40, 41});
   static constexpr CodeSet own{10, 20, 30, 11, 21, 31, 40, 41, kSubclass};
   m_spline.controls.clear();
   m_spline.knots.clear();
@@ -143,8 +144,9 @@ void CurveReader::keepWithinRoom() {
 EntPtr CurveReader::finish(bool closed, const zim::WString& kind) {
   if (closed && m_chain.size() > 2 && endsMeet(m_chain)) m_chain.pop_back();
   std::vector<EntPtr> built;
+  const short flags = CEntPolyline::kLtGen | (closed ? CEntPolyline::kClosed : 0);
   if (m_chain.size() >= 2)
-    if (EntPtr polyline = buildChain(m_in, m_chain, closed, m_in.record().handle))
+    if (EntPtr polyline = buildChain(m_in, m_chain, flags, m_in.record().handle))
       built.push_back(std::move(polyline));
   return handOver(m_in, std::move(built), kind);
 }

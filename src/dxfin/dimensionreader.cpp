@@ -241,8 +241,8 @@ Type typeOf(const RecordReader& in, bool isArc, bool isLargeRadius) {
 
 EntPtr readDimension(RecordReader& in) {
   static constexpr RecordKind kind(
-      {10, 20, 30, 11, 21, 31, 12, 22, 32, 13, 23, 33, 14, 24, 34, 15, 25, 35, 42, 50, 53, 70},
-      {8});
+      {10, 20, 30, 11, 21, 31, 12, 22, 32, 13, 23, 33, 14, 24, 34, 15, 25, 35, 42, 50, 53, 70}, {8},
+      {42});
   const zim::WString name = in.lexer().getText();
   const bool isArc = in.lexer().isKeyword("ARC_DIMENSION");
   const bool isLargeRadius = in.lexer().isKeyword("LARGE_RADIAL_DIMENSION");

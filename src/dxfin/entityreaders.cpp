@@ -31,7 +31,8 @@ EntPtr readCircle(RecordReader& in) {
   static constexpr RecordKind kind({10, 20, 30, 40}, {8, 10, 20, 40});
   if (!in.read(kind)) return nullptr;
   const Record& r = in.record();
-  const CIRCLE_3D circle(r.real(10), r.real(20), r.real(30), r.real(40));
+  const CIRCLE_3D circle(r.real(10), r.real(20), r.real(30), in.radius(r.real(40)));
+  if (in.failed()) return nullptr;
   return in.built(
       in.factory().createEntCircle(in.gestor(), r.layer, r.ltype, r.color, circle, r.handle));
 }
@@ -40,8 +41,9 @@ EntPtr readArc(RecordReader& in) {
   static constexpr RecordKind kind({10, 20, 30, 40, 50, 51}, {8, 10, 20, 40, 50, 51});
   if (!in.read(kind)) return nullptr;
   const Record& r = in.record();
-  const ARC_3D arc(r.real(10), r.real(20), r.real(30), r.real(40), r.real(50) * kRadiansPerDegree,
-                   r.real(51) * kRadiansPerDegree);
+  const ARC_3D arc(r.real(10), r.real(20), r.real(30), in.radius(r.real(40)),
+                   r.real(50) * kRadiansPerDegree, r.real(51) * kRadiansPerDegree);
+  if (in.failed()) return nullptr;
   return in.built(in.factory().createEntArc(in.gestor(), r.layer, r.ltype, r.color, arc, r.handle));
 }
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <unordered_map>
 
+#include "dxfin/falsexrefs.h"
 #include "entities/hatchblock.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/drawing/functions.h"
@@ -374,10 +375,23 @@ void IFileDXFIDataSemantor::dropBlock(CBlock& block) {
 // -- the end of the file -----------------------------------------------------------
 
 void IFileDXFIDataSemantor::settle() {
+  dropFalseXRefs();
   repointInserts();
   dropUnusedHatchBlocks();
   m_data.getBlockTable().recalcBdry();
   m_data.getEntTable().invalidateBdry();
+}
+
+// Items are read before the blocks that tell whether "X|L" is a layer of the reference X or
+// just has that name, as where a reference was bound by hand.
+void IFileDXFIDataSemantor::dropFalseXRefs() {
+  std::vector<CBlockXRef*> wrong;
+  const CBlockXRefTable& xrefs = m_data.getBlockXRefTable();
+  for (int i = 0; i < xrefs.size() && !m_announcedXRefs.empty(); ++i)
+    if (!isDeclared(xrefs[i]) && m_data.getBlockTable().get(xrefs[i]->getName()))
+      wrong.push_back(xrefs[i]);
+  vek0::detail::dropFalseXRefs(m_data, wrong);
+  m_announcedXRefs.clear();
 }
 
 // Of hatches that did not get into the drawing: on paper, or in a block that was refused.

@@ -47,6 +47,19 @@ const zim::Char* ownText(CFileDXFIError::TDXFErrors kind) {
   }
 }
 
+const zim::Char* formText(CFileDXFIError::Form form) {
+  switch (form) {
+    case CFileDXFIError::BinaryForm:
+      return u"This is a binary DXF file; only text DXF is read.";
+    case CFileDXFIError::DwgForm:
+      return u"This is a DWG file, not a DXF file.";
+    case CFileDXFIError::EmptyForm:
+      return u"The file is empty.";
+    default:
+      return nullptr;
+  }
+}
+
 zim::WString decimal(long value) {
   char digits[vek0::detail::kIntegerRoom];
   const char* const end = vek0::detail::formatInteger(digits, std::int64_t{value});
@@ -67,6 +80,7 @@ zim::WString CFileDXFIError::GetErrorMessage() const {
 
 zim::WString CFileDXFIError::GetFullMessage() const {
   if (!HasAnError()) return {};
+  if (const zim::Char* const text = formText(m_form)) return text;
   const zim::Char* const own = ownText(m_type);
   zim::WString text = own ? zim::WString(own) : GetErrorMessage();
   if (m_line > 0) text = zim::WString(u"Line ") + decimal(m_line) + u": " + text;

@@ -56,8 +56,9 @@ std::size_t bytesOfUnits(std::string_view bytes, std::size_t units) {
 }
 
 constexpr std::size_t kSampleBytes = 40;
-// In the first line of files of the binary form.
-constexpr std::string_view kBinaryMark = " Binary DXF";
+// In the first line of files of the binary form, and at the front of DWG files, before the two
+// digits of a version.
+constexpr std::string_view kBinaryMark = " Binary DXF", kDwgMark = "AC10";
 
 std::string_view trimmed(std::string_view line) {
   const std::string_view text = withoutTrailing(line);
@@ -105,10 +106,12 @@ CFileDXFILexer::CFileDXFILexer(const CFileDXFILexer& other)
       m_started(other.m_started),
       m_byBytes(other.m_byBytes),
       m_tolerant(other.m_tolerant),
+      m_refusesJunk(other.m_refusesJunk),
       m_pageFixed(other.m_pageFixed),
       m_stopped(other.m_stopped),
       m_cut(other.m_cut),
-      m_binary(other.m_binary),
+      m_form(other.m_form),
+      m_blankLines(other.m_blankLines),
       m_decoder(other.m_decoder),
       m_line(other.m_line),
       m_group(other.m_group),
@@ -140,6 +143,7 @@ void CFileDXFILexer::start() {
 
 void CFileDXFILexer::setTolerant() {
   m_tolerant = true;
+  refuseJunk();
   m_decoder.setSense(true);
 }
 
@@ -227,10 +231,15 @@ bool CFileDXFILexer::readCode() {
   std::string_view line;
   bool whole = false;
   bool got = readLine(line, whole);
+  if (got && m_line == 0 && isForeign(line)) {
+    if (!m_tolerant) setError(CFileDXFIError::WrongStructure);
+    return false;
+  }
   while (m_tolerant && got && passStrayLine(line)) {
     if (!whole) skipRestOfLine();
     got = readLine(line, whole);
   }
+  if (!got && m_line == m_blankLines) m_form = CFileDXFIError::EmptyForm;
   const std::string_view code = withoutLineEnd(line);
   if (!got || code.empty()) {
     if (!m_tolerant)
@@ -248,12 +257,24 @@ bool CFileDXFILexer::readCode() {
 bool CFileDXFILexer::passStrayLine(std::string_view line) {
   const std::string_view text = trimmed(line);
   if (isNumber(text)) return false;
-  if (m_line == 0 && text.find(kBinaryMark) != std::string_view::npos) m_binary = true;
   ++m_line;
-  if (text.empty())
+  if (text.empty()) {
+    ++m_blankLines;
     note("blank line");
-  else
+  } else {
     note("stray line", text.substr(0, kSampleBytes));
+  }
+  return true;
+}
+
+bool CFileDXFILexer::isForeign(std::string_view line) {
+  if (line.find(kBinaryMark) != std::string_view::npos)
+    m_form = CFileDXFIError::BinaryForm;
+  else if (line.substr(0, kDwgMark.size()) == kDwgMark)
+    m_form = CFileDXFIError::DwgForm;
+  if (m_form == CFileDXFIError::TextForm) return false;
+  ++m_line;
+  m_stopped = true;
   return true;
 }
 
@@ -351,11 +372,12 @@ double CFileDXFILexer::getDouble() const {
   if (isNumberMissing()) return 0;
   const vek0::detail::ParsedDouble number = vek0::detail::parseDouble(m_value);
   if (m_tolerant && number.finite && !number.whole) return repairedDouble();
-  if (!number.finite) setError(CFileDXFIError::OutOfRange);
+  const bool isJunk = m_refusesJunk && !number.whole && !vek0::detail::beginsWithNumber(m_value);
+  if (!number.finite || isJunk) setError(CFileDXFIError::OutOfRange);
   return number.value;
 }
 
-// "1,5" and "1D2" as they are meant.
+// "1,5" and "1D2" as they are meant; of "12abc" the number.
 double CFileDXFILexer::repairedDouble() const {
   std::string text(m_value);
   const bool isForm = text.find_first_of(",Dd") != std::string::npos;
@@ -363,14 +385,21 @@ double CFileDXFILexer::repairedDouble() const {
     if (c == ',') c = '.';
     if (c == 'D' || c == 'd') c = 'e';
   }
-  note("number repaired", isForm ? "1,5 or 1D2" : "no number");
   const vek0::detail::ParsedDouble number = vek0::detail::parseDouble(text);
-  if (!number.finite) setError(CFileDXFIError::OutOfRange);
+  const bool isNumber = number.finite && vek0::detail::beginsWithNumber(text);
+  if (isNumber)
+    note("number repaired", isForm ? "1,5 or 1D2" : "12abc");
+  else
+    setError(CFileDXFIError::OutOfRange);
   return number.value;
 }
 
 long CFileDXFILexer::getInt() const {
-  return isNumberMissing() ? -1 : long{vek0::detail::parseLong(m_value)};
+  if (isNumberMissing()) return -1;
+  const long number{vek0::detail::parseLong(m_value)};
+  if (number == 0 && m_refusesJunk && !vek0::detail::beginsWithNumber(m_value))
+    setError(CFileDXFIError::OutOfRange);
+  return number;
 }
 
 long CFileDXFILexer::getHex() const {

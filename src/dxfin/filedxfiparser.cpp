@@ -15,6 +15,7 @@
 #include "vek0core/files/file.h"
 #include "vek0core/files/report.h"
 #include "vek0core/files/textcodec.h"
+#include "vek0core/tables/palette.h"
 
 namespace {
 
@@ -48,6 +49,16 @@ void setAngleUnit(CDataVariables& vars, const long& value) {
   const bool fits =
       value >= std::numeric_limits<short>::min() && value <= std::numeric_limits<short>::max();
   if (fits && value != 1 && value != 4) vars.setAngFormat(static_cast<short>(value));
+}
+
+// Whether files of the version read as their own rules say: those up to R12 by the ones of
+// R12, later ones by those of the newest.
+bool isReadVersion(const zim::WString& name) {
+  constexpr const zim::Char* numbers[] = {u"01", u"02", u"03", u"04", u"06", u"10", u"11",
+                                          u"13", u"18", u"21", u"24", u"27", u"32"};
+  return name.Length() == 6 && name.view().substr(0, 4) == u"AC10" &&
+         std::any_of(std::begin(numbers), std::end(numbers),
+                     [&](const zim::Char* number) { return name.view().substr(4) == number; });
 }
 
 template <class Value>
@@ -99,10 +110,6 @@ bool isLayout(const zim::WString& name, std::u16string_view layout) {
   return !name.empty() && zim::equalsIgnoreCase(name.view().substr(1, layout.size()), layout);
 }
 
-bool isLayoutName(const zim::WString& name) {
-  return isLayout(name, kModelName) || isLayout(name, kPaperName);
-}
-
 }  // namespace
 
 /// Entities on their way from the file to their block: deleted unless taken.
@@ -133,6 +140,7 @@ CFileDXFIParser::CFileDXFIParser(IFile& file, IFileDXFISemantor& semantor, CEntF
       m_options(options),
       m_factory(factory) {
   m_lexer.setReport(options.report);
+  m_lexer.refuseJunk();
   if (isTolerant()) m_lexer.setTolerant();
   if (options.codePage != kCodePageAuto) m_lexer.fixCodePage(options.codePage);
 }
@@ -155,10 +163,19 @@ bool CFileDXFIParser::doLoad() {
     fail(CFileDXFIError::GeneralError);
   }
   if (!failed()) return true;
+  noteForm();
   m_err.SetFileName(m_file.getName());
   m_err.SetErrorLine(m_faultLine != 0 ? m_faultLine : m_lexer.getLine());
   m_semantor.unrecovableError();
   return false;
+}
+
+void CFileDXFIParser::noteForm() {
+  constexpr const char* codes[] = {nullptr, "binary file", "dwg file", "empty file"};
+  const int form = m_lexer.getForm();
+  if (form == CFileDXFIError::TextForm) return;
+  note(codes[form]);
+  m_err.SetForm(static_cast<CFileDXFIError::Form>(form));
 }
 
 bool CFileDXFIParser::expect(long code) {
@@ -178,6 +195,13 @@ bool CFileDXFIParser::forgive(const char* code, const zim::WString& sample) {
   m_err = CFileDXFIError();
   m_faultLine = 0;
   return true;
+}
+
+bool CFileDXFIParser::spareNumber() {
+  const CFileDXFIError::TDXFErrors kind = m_err.GetErrorType();
+  const bool isNumber = kind == CFileDXFIError::OutOfRange || kind == CFileDXFIError::EmptyNumber;
+  return isNumber &&
+         forgive("number dropped", zim::WString::fromUtf8(std::to_string(getGroupValue())));
 }
 
 bool CFileDXFIParser::recover(const char* code, const zim::WString& sample) {
@@ -254,9 +278,8 @@ void CFileDXFIParser::readFragment() {
 
 // A file of something else has no section either.
 void CFileDXFIParser::readEnd() {
-  if (m_lexer.isBinary()) note("binary file");
-  if (m_lexer.isBinary() || (m_lexer.isCut() && !m_isDrawing))
-    return fail(CFileDXFIError::WrongStructure);
+  const bool isForeign = m_lexer.getForm() != CFileDXFIError::TextForm;
+  if (isForeign || (m_lexer.isCut() && !m_isDrawing)) return fail(CFileDXFIError::WrongStructure);
   if (m_lexer.isEncodingOther()) note("encoding differs", m_codePageName);
   settleLayers();
   takeCurrentItems();
@@ -391,6 +414,7 @@ void CFileDXFIParser::readHeaderString(const zim::WString& name, const zim::WStr
   if (!m_semantor.shouldReadHeaders()) return;
   if (zim::equalsIgnoreCase(name, u"$CELTYPE")) m_curLtype = value;
   if (zim::equalsIgnoreCase(name, u"$CELAYER")) m_curLayer = value;
+  if (isTolerant() && zim::equalsIgnoreCase(name, u"$CLAYER")) m_curLayer = value;
   if (zim::equalsIgnoreCase(name, u"$TEXTSTYLE")) m_curStyle = value;
 }
 
@@ -421,7 +445,8 @@ void CFileDXFIParser::takeVersion(const zim::WString& name) {
       m_version = static_cast<short>(i + 1);
       return;
     }
-  if (isTolerant()) return note("version unknown", name);
+  if (isTolerant() && !isReadVersion(name)) return note("version unknown", name);
+  if (isTolerant()) return;
   if (name.Length() != 6 || name.view().substr(0, 4) != u"AC10")
     return fail(CFileDXFIError::OutOfRange);
   if (vek0::detail::parseLong(name.view().substr(4)) > kNewestVersion)
@@ -498,6 +523,7 @@ struct CFileDXFIParser::LayerEntry {
   CLtype* ltype = nullptr;
   zim::WString unknownLtype;  // for which ltype stands in until a table has it
   short colour = 7;
+  short trueColour = 0;  // what comes nearest to it, and goes before the other; 0 for none
   bool off = false;
   long flags = 0;
 };
@@ -509,7 +535,7 @@ void CFileDXFIParser::readLayerEntry() {
     if (failed()) return;
     if (code == 0) return createLayer(layer);
     readLayerPair(code, layer);
-    if (failed()) return;
+    if (failed() && !spareNumber()) return;
   }
 }
 
@@ -542,8 +568,23 @@ void CFileDXFIParser::readLayerPair(long code, LayerEntry& layer) {
       layer.flags = readFlags() & ~kReferenced;
       break;
     default:
-      break;
+      leaveOutOfLayer(code, layer);
   }
+}
+
+void CFileDXFIParser::leaveOutOfLayer(long code, LayerEntry& layer) {
+  constexpr long notPlotted = 290, weight = 370, trueColor = 420, mask = 0xFFFFFF;
+  if (code == trueColor && isTolerant()) {
+    const RGB_COLOR color = unpackColor(getInt() & mask);
+    if (failed()) return;
+    layer.trueColour = nearestPaletteColor(color);
+    return note("color approximated", u"LAYER");
+  }
+  const bool isWeight = code == weight && vek0::detail::parseLong(m_lexer.getBytes()) >= 0;
+  const bool isHidden = code == notPlotted && vek0::detail::parseLong(m_lexer.getBytes()) == 0 &&
+                        !zim::equalsIgnoreCase(layer.name, u"DEFPOINTS");
+  if (isWeight || isHidden || code == trueColor)
+    note("code dropped", zim::WString::fromUtf8("LAYER " + std::to_string(code)));
 }
 
 long CFileDXFIParser::readFlags() {
@@ -554,7 +595,8 @@ long CFileDXFIParser::readFlags() {
 }
 
 // Whether the layer took what the entry says, or was there before, the stand-in tells.
-void CFileDXFIParser::createLayer(const LayerEntry& layer) {
+void CFileDXFIParser::createLayer(LayerEntry& layer) {
+  if (layer.trueColour != 0) layer.colour = layer.trueColour;
   placeLayer(layer);
   CLayer* made = failed() || layer.unknownLtype.empty() ? nullptr : m_semantor.getLayer(layer.name);
   if (!made || made->getLtype() != layer.ltype) return;
@@ -590,7 +632,7 @@ void CFileDXFIParser::settleLayers() {
 
 struct CFileDXFIParser::StyleEntry {
   zim::WString name, fontName;
-  double fixedHeight = 0, widthScale = 1, oblique = 0, lastHeight = 0.2;
+  double fixedHeight = 0, widthScale = 1, obliqueDeg = 0, lastHeight = 0.2;
   long flags = 0;
   long fontLine = 0;   // of code 3; 0: there was none
   long rangeLine = 0;  // of the first number out of range; 0: all are within
@@ -603,7 +645,7 @@ void CFileDXFIParser::readStyleEntry() {
     if (failed()) return;
     if (code == 0) return createStyle(style);
     readStylePair(code, style);
-    if (failed()) return;
+    if (failed() && !spareNumber()) return;
   }
 }
 
@@ -618,16 +660,16 @@ void CFileDXFIParser::readStylePair(long code, StyleEntry& style) {
       style.fontLine = m_lexer.getLine();
       break;
     case 40:
-      style.fixedHeight = styleNumber(0, kInfinity, style);
+      takeStyleNumber(0, kInfinity, style, style.fixedHeight);
       break;
     case 41:
-      style.widthScale = styleNumber(0.01, 100, style);
+      takeStyleNumber(0.01, 100, style, style.widthScale);
       break;
     case 42:
-      style.lastHeight = styleNumber(0, kInfinity, style);
+      takeStyleNumber(0, kInfinity, style, style.lastHeight);
       break;
     case 50:
-      style.oblique = styleNumber(-maxOblique, maxOblique, style) * kRadiansPerDegree;
+      takeStyleNumber(-maxOblique, maxOblique, style, style.obliqueDeg);
       break;
     case 70:
       style.flags = readFlags() & ~kReferenced;
@@ -637,16 +679,19 @@ void CFileDXFIParser::readStylePair(long code, StyleEntry& style) {
   }
 }
 
-double CFileDXFIParser::styleNumber(double least, double most, StyleEntry& style) {
-  double number = getDouble();
-  if (isTolerant() && (number < least || number > most)) {
-    note("number replaced", m_lexer.getText());
-    // A width of 0 is what programs write that have none to tell.
-    return number == 0 && least > 0 ? 1 : std::clamp(number, least, most);
+void CFileDXFIParser::takeStyleNumber(double least, double most, StyleEntry& style,
+                                      double& target) {
+  const double number = getDouble();
+  if (failed()) return;
+  target = number;
+  if (number >= least && number <= most) return;
+  if (!isTolerant()) {
+    if (style.rangeLine == 0) style.rangeLine = m_lexer.getLine();
+    return;
   }
-  if ((number < least || number > most) && style.rangeLine == 0)
-    style.rangeLine = m_lexer.getLine();
-  return number;
+  note("number replaced", m_lexer.getText());
+  // A width of 0 is what programs write that have none to tell.
+  target = number == 0 && least > 0 ? 1 : std::clamp(number, least, most);
 }
 
 // Entries of shape files are skipped whatever they hold, and the flag that says so
@@ -664,11 +709,12 @@ void CFileDXFIParser::createStyle(const StyleEntry& style) {
     m_faultLine = style.fontLine;
     return fail(CFileDXFIError::FontNotFound);
   }
+  const double oblique = style.obliqueDeg * kRadiansPerDegree;
   if (zim::equalsIgnoreCase(style.name, u"STANDARD"))
-    m_semantor.createStyleStandard(font, style.fixedHeight, style.widthScale, style.oblique,
+    m_semantor.createStyleStandard(font, style.fixedHeight, style.widthScale, oblique,
                                    style.lastHeight, style.flags);
   else
-    m_semantor.createStyle(style.name, font, style.fixedHeight, style.widthScale, style.oblique,
+    m_semantor.createStyle(style.name, font, style.fixedHeight, style.widthScale, oblique,
                            style.lastHeight, style.flags);
 }
 
@@ -730,7 +776,7 @@ void CFileDXFIParser::readBlockHeader(BlockHeader& block) {
       default:
         break;
     }
-    if (failed()) forgive("number replaced", m_lexer.getText());
+    if (failed()) spareNumber();
   }
 }
 
@@ -749,6 +795,12 @@ bool CFileDXFIParser::isBlockCut() {
   const bool isCut = isTolerant() && (isKeyword("BLOCK") || isKeyword("ENDSEC") || isPending());
   if (isCut) note("block cut");
   return isCut;
+}
+
+// The rules leave the first letter open, and so refuse blocks that are somebody's own.
+bool CFileDXFIParser::isLayoutName(const zim::WString& name) const {
+  if (!isLayout(name, kModelName) && !isLayout(name, kPaperName)) return false;
+  return !isTolerant() || name[0] == u'*' || name[0] == u'$';
 }
 
 void CFileDXFIParser::createBlock(const BlockHeader& block, OwnedEntities& entities) {

@@ -35,6 +35,11 @@ bool HatchData::take(const CFileDXFILexer& lexer) {
   return m_taking;
 }
 
+void HatchData::spoil() {
+  m_pairs.pop_back();
+  m_taking = false;
+}
+
 bool HatchData::isMark(const Pair& pair) { return pair.code == kText && equals(pair.text, kMark); }
 
 bool HatchData::takeText(long code, std::string_view text) {

@@ -19,6 +19,8 @@ class HatchData {
   /// Takes the current pair, whose code is 1000 or above; false when it is none of a
   /// hatch's.
   bool take(const CFileDXFILexer& lexer);
+  /// Tells that the pair just taken is a bad one: no hatch comes of the data.
+  void spoil();
 
   /// Whether nothing was there of what might be a hatch's.
   bool empty() const { return m_pairs.empty(); }

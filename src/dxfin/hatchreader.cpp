@@ -5,6 +5,7 @@
 #include "dxfin/ocs.h"
 #include "dxfin/replacement.h"
 #include "vek0core/entities/enthatch.h"
+#include "vek0core/entities/entpolyline.h"
 #include "vek0core/hatch/boundary.h"
 
 namespace vek0::detail {
@@ -12,12 +13,20 @@ namespace {
 
 // The counted groups, by the code of their count.
 constexpr long kPatternLineCount = 78, kLoopCount = 91, kSeedCount = 98;
+constexpr long kLoop = 92;
 // Kinds of loops and of edges.
 constexpr long kPolylineLoop = 2;
 constexpr long kLine = 1, kArc = 2, kEllipse = 3, kSpline = 4;
 // The number of points or of handles that follow, and a handle.
 constexpr long kCount = 97, kSource = 330;
 constexpr long kFitX = 11, kFitY = 21;
+
+// Whether a pair behind the first of a loop may have the code.
+bool isOfLoop(long code) {
+  static constexpr CodeSet codes{10, 20, 11, 21, 12, 22, 13, 23, 40, 42,
+                                 50, 51, 72, 73, 74, 93, 94, 95, 96, 97};
+  return codes.has(code) || code == kSource;
+}
 
 bool isFit(long code) { return (code >= kFitX && code <= 13) || (code >= kFitY && code <= 23); }
 
@@ -50,8 +59,8 @@ EntPtr HatchReader::readMpolygon() {
 }
 
 bool HatchReader::readRecord() {
-  static constexpr RecordKind hatch({2, 30, 41, 52, 70, 75, 76, 77}, {8});
-  static constexpr RecordKind mpolygon({2, 30, 41, 52, 71, 75, 76, 77}, {8});
+  static constexpr RecordKind hatch({2, 30, 41, 52, 70, 75, 76, 77}, {8}, {41, 52});
+  static constexpr RecordKind mpolygon({2, 30, 41, 52, 71, 75, 76, 77}, {8}, {41, 52});
   static constexpr CodeSet groups{kPatternLineCount, kLoopCount, kSeedCount};
   m_lines.clear();
   m_rings.clear();
@@ -93,41 +102,85 @@ bool HatchReader::takePoint(long code, PNT_3D& pnt) {
   return takeReal(code, pnt.x) && takeReal(code + 10, pnt.y);
 }
 
+// The count that the current pair gives, of groups that begin with `code`.
+HatchReader::Count HatchReader::takeCount(long code) {
+  const long count = m_in.lexer().getInt();
+  const bool isKnown = !m_in.failed() || !m_in.spareNumber();
+  return {count, isKnown ? 0 : code};
+}
+
+bool HatchReader::goesOn(Count& count) {
+  if (m_in.failed()) return false;
+  if (count.code == 0) return count.left-- > 0;
+  const bool follows = m_in.next() == count.code;
+  m_in.putBack();
+  return follows;
+}
+
+// A number that the hatch can do without: it becomes 0.
+bool HatchReader::takeSpare(long code, double& value) {
+  if (!expect(code)) return false;
+  value = m_in.lexer().getDouble();
+  return !m_in.failed() || m_in.spareNumber();
+}
+
 // -- pattern -------------------------------------------------------------------
 
 void HatchReader::readPatternLines() {
-  for (long count = m_in.lexer().getInt(); count > 0 && readPatternLine(); --count) {
-  }
+  for (Count count = takeCount(53); goesOn(count);)
+    if (!readPatternLine()) return;
 }
 
 bool HatchReader::readPatternLine() {
   PatternLine line;
-  long noDashes;
-  if (!takeReal(53, line.angleDeg) || !takeReal(43, line.base[0]) || !takeReal(44, line.base[1]) ||
-      !takeReal(45, line.offset[0]) || !takeReal(46, line.offset[1]) || !takeInteger(79, noDashes))
+  if (!takeSpare(53, line.angleDeg) || !takeSpare(43, line.base[0]) ||
+      !takeSpare(44, line.base[1]) || !takeSpare(45, line.offset[0]) ||
+      !takeSpare(46, line.offset[1]) || !readDashes(line))
     return false;
-  for (; noDashes > 0; --noDashes) {
-    line.dashes.push_back(0);
-    if (!takeReal(49, line.dashes.back())) return false;
-  }
   m_lines.push_back(std::move(line));
   return true;
 }
 
+bool HatchReader::readDashes(PatternLine& line) {
+  if (!expect(79)) return false;
+  for (Count count = takeCount(49); goesOn(count);) {
+    if (!expect(49)) return false;
+    const double dash = m_in.lexer().getDouble();
+    if (!m_in.failed())
+      line.dashes.push_back(dash);
+    else if (!m_in.spareNumber())
+      return false;
+  }
+  return !m_in.failed();
+}
+
 // -- boundary ------------------------------------------------------------------
 
+// A loop with a bad number is left out.
 void HatchReader::readLoops() {
-  for (long count = m_in.lexer().getInt(); count > 0; --count) {
+  for (Count count = takeCount(kLoop); goesOn(count);) {
     m_refused = false;
-    if (!readLoop()) return;
-    const bool closed = m_loop.empty() || m_loop.build(m_rings);
-    if (!closed || m_refused) m_in.note("hatch open");
+    m_loop.clear();
+    if (readLoop()) {
+      const bool closed = m_loop.empty() || m_loop.build(m_rings);
+      if (!closed || m_refused) m_in.note("hatch open");
+    } else if (!m_in.spareNumber("loop dropped")) {
+      return;
+    } else {
+      toNextLoop();
+    }
   }
+}
+
+void HatchReader::toNextLoop() {
+  while (isOfLoop(m_in.next())) {
+  }
+  m_in.putBack();
 }
 
 bool HatchReader::readLoop() {
   long flags, count;
-  if (!takeInteger(92, flags)) return false;
+  if (!takeInteger(kLoop, flags)) return false;
   if ((flags & kPolylineLoop) != 0) return readPolylineLoop() && skipSources();
   if (!takeInteger(93, count)) return false;
   for (; count > 0; --count)
@@ -190,6 +243,7 @@ bool HatchReader::readArc() {
   if (!takePoint(10, center) || !takeReal(40, radius) || !takeReal(50, start) ||
       !takeReal(51, end) || !takeInteger(73, ccw))
     return false;
+  if (radius < 0) radius = m_in.radius(radius);
   return took(
       m_loop.addArc(center, radius, start * kRadiansPerDegree, end * kRadiansPerDegree, ccw != 0));
 }
@@ -262,8 +316,8 @@ bool HatchReader::skipSources() {
 
 void HatchReader::readSeeds() {
   PNT_3D seed;
-  for (long count = m_in.lexer().getInt(); count > 0 && takePoint(10, seed); --count) {
-  }
+  for (Count count = takeCount(10); goesOn(count);)
+    if (!takeSpare(10, seed.x) || !takeSpare(20, seed.y)) return;
 }
 
 // -- the hatch -----------------------------------------------------------------
@@ -320,7 +374,8 @@ EntPtr HatchReader::build() {
 std::vector<EntPtr> HatchReader::buildOutlines() {
   std::vector<EntPtr> outlines;
   for (const HATCH_RING& ring : m_rings)
-    if (EntPtr outline = buildChain(m_in, ring, true, 0)) outlines.push_back(std::move(outline));
+    if (EntPtr outline = buildChain(m_in, ring, CEntPolyline::kClosed, 0))
+      outlines.push_back(std::move(outline));
   return outlines;
 }
 

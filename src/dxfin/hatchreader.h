@@ -29,15 +29,25 @@ class HatchReader {
   EntPtr readMpolygon();
 
  private:
+  /// How many groups of pairs follow. Where the number is none, as many as begin with `code`.
+  struct Count {
+    long left, code;
+  };
+
   bool readRecord();
   void takeGroup(long code);
   bool expect(long code);
   bool takeReal(long code, double& value);
   bool takeInteger(long code, long& value);
   bool takePoint(long code, PNT_3D& pnt);
+  bool takeSpare(long code, double& value);
+  Count takeCount(long code);
+  bool goesOn(Count& count);
   void readPatternLines();
   bool readPatternLine();
+  bool readDashes(PatternLine& line);
   void readLoops();
+  void toNextLoop();
   bool readLoop();
   bool readPolylineLoop();
   bool readEdge();

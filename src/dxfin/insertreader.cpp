@@ -1,5 +1,6 @@
 #include "dxfin/entityreaders.h"
 #include "dxfin/hatchdata.h"
+#include "dxfin/planeplacement.h"
 #include "vek0core/entities/attribplacement.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/blockxref.h"
@@ -15,6 +16,7 @@ void noteDropped(const RecordReader& in) { in.note("code dropped", u"1001"); }
 
 void takeExtended(const RecordReader& in, HatchData& data) {
   if (!data.take(in.lexer()) && in.lexer().getGroupValue() == 1001) noteDropped(in);
+  if (in.failed()) data.spoil();
 }
 
 // A scale of 0 shows nothing and cannot be undone: no program means it.
@@ -55,6 +57,9 @@ void readAttribs(RecordReader& in, CEntInsertBase& insert) {
       continue;
     }
     TEXT_3D text = attrib->getText();
+    const PNT_3D& normal = in.record().extrusion;
+    if (normal != in.frame().normal)
+      changePlane(text, PlaneAxes(normal), PlaneAxes(in.frame().normal));
     transform_attrib_phisic_2_logic(1.0, insert, text);
     attrib->setText(text);
     insert.add(attrib.get());
@@ -63,9 +68,9 @@ void readAttribs(RecordReader& in, CEntInsertBase& insert) {
   in.skip();
 }
 
-// The block's name, and extended data.
+// The block's name, the counts of an array, which are flags in other kinds, and extended data.
 struct InsertCodes {
-  static bool has(long code) { return code == 2 || code >= kExtended; }
+  static bool has(long code) { return code == 2 || code == 70 || code == 71 || code >= kExtended; }
   static constexpr long kExtended = 1000;
 };
 
@@ -106,11 +111,12 @@ EntPtr readHatch(RecordReader& in, CBlock& block, HatchData& data) {
 
 EntPtr readInsert(RecordReader& in) {
   static constexpr RecordKind kind({2, 10, 20, 30, 41, 42, 43, 50, 44, 45, 70, 71, 66},
-                                   {8, 2, 10, 20});
+                                   {8, 2, 10, 20}, {44, 45});
   CBlock* block = nullptr;
   zim::WString unknownName;
   HatchData hatchData;
   const auto take = [&](long code) {
+    if (code == 70 || code == 71) return in.takeCount(code);
     if (code != 2) return takeExtended(in, hatchData);
     block = in.findBlock(in.lexer().getBytes());
     if (!block) unknownName = in.lexer().getText();

@@ -33,7 +33,7 @@ void LtypeReader::read() {
     if (failed()) return;
     if (code == 0) return create(entry);
     takePair(code, entry);
-    if (failed()) return;
+    if (failed() && !m_context.spareNumber()) return;
   }
 }
 
@@ -130,31 +130,28 @@ void LtypeReader::takeElementType(Entry& entry) {
 // The parts of an element in whatever order, up to the next one; the first bit of its type,
 // an angle that does not turn with the line, has no place here.
 void LtypeReader::takeElement(long type, Entry& entry) {
-  CTextContext context;
-  context.setWidthScale(1);
-  context.setHeight(1);
-  double x = 0, y = 0;
+  double height = 1, angleDeg = 0, x = 0, y = 0;
+  zim::WString text;
   bool taken = true;
   while (taken && !failed()) {
-    CFileDXFILexer& lexer = m_context.lexer;
     switch (next()) {
       case 75:
       case 340:
         break;
       case 46:
-        context.setHeight(lexer.getDouble());
+        takeReal(height);
         break;
       case 50:
-        context.setRotate(lexer.getDouble() * kRadiansPerDegree);
+        takeReal(angleDeg);
         break;
       case 44:
-        x = lexer.getDouble();
+        takeReal(x);
         break;
       case 45:
-        y = lexer.getDouble();
+        takeReal(y);
         break;
       case 9:
-        context.setString(lexer.getText());
+        text = m_context.lexer.getText();
         break;
       default:
         taken = false;
@@ -162,10 +159,20 @@ void LtypeReader::takeElement(long type, Entry& entry) {
   }
   m_putBack = true;
   if (failed()) return;
+  const CTextContext context(height, 0, 1, angleDeg * kRadiansPerDegree, text);
   if ((type & kTextDash) != 0)
     entry.sequence.AddDashText(TEXT_3D(context, m_context.semantor.getStyleStandard(), x, y, 0, 0));
   else
     m_context.note("shape dropped", {});
+}
+
+// Without a number the element keeps what it has.
+void LtypeReader::takeReal(double& value) const {
+  const double number = m_context.lexer.getDouble();
+  if (!failed())
+    value = number;
+  else
+    m_context.spareNumber();
 }
 
 long LtypeReader::next() {

@@ -28,6 +28,7 @@ class LtypeReader {
   long integer() const;
   void takeDash(Entry& entry);
   void takeElementType(Entry& entry);
+  void takeReal(double& value) const;
   void takeElement(long type, Entry& entry);
   void takeText(Entry& entry);
   long next();

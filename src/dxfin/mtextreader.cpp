@@ -48,10 +48,6 @@ class TextPlane {
   PNT_2D m_x = PNT_2D(1, 0), m_y = PNT_2D(0, 1);  // along the lines and upwards
 };
 
-bool isFinite(const PNT_3D& p) {
-  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
-
 MTextFormat baseFormat(const RecordReader& in, const MTextRecord& record) {
   MTextFormat f;
   f.height = record.box.height;
@@ -115,7 +111,8 @@ class MTextReader {
 };
 
 EntPtr MTextReader::read() {
-  static constexpr RecordKind kind({7, 10, 20, 30, 40, 41, 44, 71, 73, 21, 31}, {8, 10, 20});
+  static constexpr RecordKind kind({7, 10, 20, 30, 40, 41, 44, 71, 73, 21, 31}, {8, 10, 20},
+                                   {41, 44});
   if (!m_in.read(kind, {1, 3, 11, 50, 101}, 2, [this](long code) { take(code); })) return nullptr;
   const Record& r = m_in.record();
   m_text.style = styleOf(m_in);
@@ -149,7 +146,10 @@ void MTextReader::take(long code) {
 
 // The columns of newer files; the other codes repeat what the text said.
 void MTextReader::takeEmbedded() {
-  for (long code = m_in.next(); code != 0 && !m_in.failed(); code = m_in.next()) takeColumns(code);
+  for (long code = m_in.next(); code != 0 && !m_in.failed(); code = m_in.next()) {
+    takeColumns(code);
+    if (m_in.failed()) m_in.spareNumber();
+  }
   m_in.putBack();
 }
 
@@ -247,7 +247,7 @@ void buildMText(RecordReader& in, const MTextRecord& record, long handle,
   for (const MTextRun& run : runs) {
     const MTextFormat& f = content.formats[run.format];
     const PNT_3D at = plane.at(record.at, run.x, run.y);
-    if (!isFinite(at)) return in.fail(CFileDXFIError::InconsistentRecord);
+    if (!isFinitePoint(at)) return in.fail(CFileDXFIError::InconsistentRecord);
     const TEXT_3D text(plane.context(f, zim::WString(run.text)), record.style, at.x, at.y, at.z, 0);
     EntPtr ent = in.built(in.factory().createEntText(in.gestor(), r.layer, r.ltype, f.color, text,
                                                      built.empty() ? handle : 0));

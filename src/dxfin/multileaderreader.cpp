@@ -57,7 +57,7 @@ void takeInto(PNT_3D& p, long code, long first, double value) {
 }
 
 EntPtr MultileaderReader::read() {
-  static constexpr RecordKind kind({}, {8});
+  static constexpr RecordKind kind({}, {8}, {40, 43, 45});
   if (!m_in.read(kind, MultileaderCodes(), 2, [this](long code) { take(code); })) return nullptr;
   std::vector<EntPtr> built;
   if (m_isDrawn) buildLines(built);
@@ -185,7 +185,7 @@ void MultileaderReader::buildLines(std::vector<EntPtr>& built) {
         line.emplace_back(leader.end.x + factor * way.x, leader.end.y + factor * way.y,
                           leader.end.z + factor * way.z);
       if (line.size() < 2) continue;
-      EntPtr chain = buildChain(m_in, line, false, built.empty() ? m_in.record().handle : 0);
+      EntPtr chain = buildChain(m_in, line, 0, built.empty() ? m_in.record().handle : 0);
       if (!chain) return;
       built.push_back(std::move(chain));
     }

@@ -36,6 +36,11 @@ class PlaneAxes {
                   p.x * x.z + p.y * y.z + p.z * z.z);
   }
 
+  PNT_3D fromWorld(const PNT_3D& p) const {
+    return PNT_3D(p.x * x.x + p.y * x.y + p.z * x.z, p.x * y.x + p.y * y.y + p.z * y.z,
+                  p.x * z.x + p.y * z.y + p.z * z.z);
+  }
+
   PNT_3D x = PNT_3D(1, 0, 0), y = PNT_3D(0, 1, 0), z = PNT_3D(0, 0, 1);
 
  private:

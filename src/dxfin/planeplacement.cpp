@@ -26,8 +26,9 @@ EntPtr chordsOf(RecordReader& in, const CIRCLE_3D& circle, double start, double 
     vertexes.push_back({p.x, p.y, p.z, 0, 0, 0, 0});
   }
   const Record& r = in.record();
-  auto polyline = in.built(in.factory().createEntPolyline(
-      in.gestor(), r.layer, r.ltype, r.color, closed ? CEntPolyline::kClosed : 0, 0, r.handle));
+  const short flags = CEntPolyline::kLtGen | (closed ? CEntPolyline::kClosed : 0);
+  auto polyline = in.built(
+      in.factory().createEntPolyline(in.gestor(), r.layer, r.ltype, r.color, flags, 0, r.handle));
   if (polyline) polyline->setBulgedVertexes(vertexes.data(), vertexes.size());
   in.note("curve as polyline");
   return polyline;
@@ -61,16 +62,19 @@ double flatAngle(const PlaneAxes& axes, double angle) {
   return axes.isFromBelow() ? std::atan2(-way.y, -way.x) : std::atan2(way.y, way.x);
 }
 
+// What is seen from the other side is mirrored in its own x.
+void turnOver(CTextContext& context) {
+  context.setWidthScale(-context.getWidthScale());
+  context.setOblique(-context.getOblique());
+}
+
 EntPtr placeText(RecordReader& in, EntPtr ent, const PlaneAxes& axes) {
   auto& owner = static_cast<CEntText&>(*ent);
   TEXT_3D text(owner.getText());
   CTextContext context(text.getContext());
   text.PNT_3D::operator=(axes.toWorld(text));
   context.setRotate(flatAngle(axes, context.getRotate()));
-  if (axes.isFromBelow()) {
-    context.setWidthScale(-context.getWidthScale());
-    context.setOblique(-context.getOblique());
-  }
+  if (axes.isFromBelow()) turnOver(context);
   if (!axes.isMirrored()) in.note("extrusion ignored", u"TEXT");
   text.setContext(context);
   owner.setText(text);
@@ -95,6 +99,19 @@ EntPtr placeInsert(RecordReader& in, EntPtr ent, const PlaneAxes& axes) {
 }
 
 }  // namespace
+
+void changePlane(TEXT_3D& text, const PlaneAxes& from, const PlaneAxes& to) {
+  CTextContext context(text.getContext());
+  const double angle = context.getRotate();
+  PNT_3D way = to.fromWorld(from.toWorld(PNT_3D(std::cos(angle), std::sin(angle), 0)));
+  if (from.isFromBelow() != to.isFromBelow()) {
+    turnOver(context);
+    way = -way;
+  }
+  context.setRotate(std::atan2(way.y, way.x));
+  text.PNT_3D::operator=(to.fromWorld(from.toWorld(text)));
+  text.setContext(context);
+}
 
 EntPtr placeInWorld(RecordReader& in, EntPtr ent, const PlaneAxes& axes) {
   switch (ent->getType()) {

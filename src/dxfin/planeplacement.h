@@ -6,6 +6,7 @@
 #include "dxfin/recordreader.h"
 #include "vek0core/entities/entpolyline.h"
 #include "vek0core/geometry/arc.h"
+#include "vek0core/tables/text.h"
 
 namespace vek0::detail {
 
@@ -19,5 +20,9 @@ EntPtr placeInWorld(RecordReader& in, EntPtr ent, const PlaneAxes& axes);
 /// or below, arcs become chords.
 void placeInWorld(RecordReader& in, std::vector<BULGED_VERTEX>& vertexes, const PlaneAxes& axes,
                   bool closed);
+
+/// Turns a text in the coordinates of one plane into the same in those of another: that of an
+/// attribute into that of its insert. In planes across it lies as flat as it can.
+void changePlane(TEXT_3D& text, const PlaneAxes& from, const PlaneAxes& to);
 
 }  // namespace vek0::detail

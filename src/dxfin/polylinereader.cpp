@@ -51,12 +51,15 @@ void PolylineReader::placeInWorld() {
   if (!isPlane || axes.isWorld()) return;
   const std::size_t count = m_vertexes.size();
   vek0::detail::placeInWorld(m_in, m_vertexes, axes, (m_head.flags & kClosed) != 0);
-  // Only fitted curves have arcs, and flags that matter.
-  if (m_vertexes.size() != count) m_flags.assign(m_vertexes.size(), 0);
+  if (m_vertexes.size() == count) return;
+  // Only fitted curves have arcs, and flags that matter. Of the arcs chords are left, along
+  // which the pattern runs on.
+  m_flags.assign(m_vertexes.size(), 0);
+  m_head.flags |= kLtGen;
 }
 
 bool PolylineReader::readHead() {
-  static constexpr RecordKind kind({30, 66, 70, 71, 72, 73, 74, 75}, {8, 66});
+  static constexpr RecordKind kind({30, 66, 70, 71, 72, 73, 74, 75}, {8, 66}, {40, 41});
   constexpr long missingParam = 5;
   if (!m_in.read(kind, {40, 41}, missingParam, [&](long code) { m_in.takeWidth(code); }))
     return false;
@@ -116,7 +119,7 @@ bool PolylineReader::spareVertex() {
 }
 
 bool PolylineReader::readVertex() {
-  static constexpr RecordKind kind({10, 20, 30, 42, 70, 71, 72, 73, 74}, {8, 10, 20});
+  static constexpr RecordKind kind({10, 20, 30, 42, 70, 71, 72, 73, 74}, {8, 10, 20}, {40, 41});
   if (!m_in.read(kind, {40, 41}, 2, [&](long code) { m_in.takeWidth(code); })) return false;
   if ((m_in.record().integer(70) & (kFaceRecord | kMeshVertex)) == kFaceRecord)
     keepFace();
@@ -290,7 +293,7 @@ EntPtr PolylineReader::firstFace() {
 }
 
 EntPtr PolylineReader::readLwPolyline() {
-  static constexpr RecordKind kind({38, 43, 70, 90}, {8});
+  static constexpr RecordKind kind({38, 43, 70, 90}, {8}, {40, 41, 43});
   m_vertexes.clear();
   const auto takeOwn = [&](long code) {
     if (code == 43) return m_in.takeWidth(code);
@@ -299,6 +302,12 @@ EntPtr PolylineReader::readLwPolyline() {
   if (!m_in.read(kind, {10, 20, 40, 41, 42, 43}, 2, takeOwn) || !finishLwPolyline()) return nullptr;
   placeInWorld();
   return buildPlain();
+}
+
+// One that is no number is that of all vertices.
+void PolylineReader::takeWidth(double& width) const {
+  const double value = m_in.width();
+  if (!m_in.failed()) width = value;
 }
 
 // A 10 begins a vertex; what follows up to the next 10 belongs to it.
@@ -317,10 +326,10 @@ void PolylineReader::takeLwVertexPair(long code) {
       vertex.y = m_in.lexer().getDouble();
       break;
     case 40:
-      vertex.widthStart = m_in.width();
+      takeWidth(vertex.widthStart);
       break;
     case 41:
-      vertex.widthEnd = m_in.width();
+      takeWidth(vertex.widthEnd);
       break;
     default:
       vertex.bulge = m_in.lexer().getDouble();

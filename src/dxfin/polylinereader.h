@@ -64,6 +64,7 @@ class PolylineReader {
   PNT_3D at(std::size_t i) const;
 
   void takeLwVertexPair(long code);
+  void takeWidth(double& width) const;
   bool finishLwPolyline();
 
   RecordReader& m_in;

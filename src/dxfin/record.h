@@ -26,6 +26,7 @@ class CodeSet {
   }
   /// `code` must lie in 0 to 127.
   constexpr void add(long code) { m_words[code >> 6] |= std::uint64_t{1} << (code & 63); }
+  constexpr void remove(long code) { m_words[code >> 6] &= ~(std::uint64_t{1} << (code & 63)); }
   constexpr bool covers(const CodeSet& other) const {
     return (other.m_words[0] & ~m_words[0]) == 0 && (other.m_words[1] & ~m_words[1]) == 0;
   }
@@ -56,6 +57,7 @@ class Record {
  public:
   /// Texts are the codes up to 3, reals those of 10 to 59, integers 60 to 99.
   static constexpr long kTexts = 4, kReals = 60, kIntegers = 100;
+  static constexpr long kNoTrueColor = -1;
 
   CodeSet seen;
   CLayer* layer = nullptr;
@@ -63,6 +65,7 @@ class Record {
   CStyle* style = nullptr;
   long handle = 0;
   short color = 256;
+  long trueColor = kNoTrueColor;       ///< red, green and blue, a byte each; goes before `color`
   PNT_3D extrusion = PNT_3D(0, 0, 1);  ///< normal of the plane that the record is drawn in
 
   /// Starts a record with the linetype that an entity has when it names none.
@@ -73,6 +76,7 @@ class Record {
     style = nullptr;
     handle = 0;
     color = 256;
+    trueColor = kNoTrueColor;
     extrusion.set(0, 0, 1);
   }
 

@@ -1,33 +1,49 @@
 #include "dxfin/recordreader.h"
 
-#include "vek0core/tables/colors.h"
-
 #include <string>
 
 #include "files/number.h"
 #include "vek0core/files/report.h"
+#include "vek0core/tables/colors.h"
 #include "vek0core/tables/layer.h"
 #include "vek0core/tables/ltype.h"
+#include "vek0core/tables/palette.h"
 
 namespace vek0::detail {
 namespace {
 
 constexpr long kLayer = 8, kEmbeddedObject = 101;
+constexpr long kTrueColor = 420;
 constexpr long kExtrusionX = 210, kExtrusionY = 220;
 constexpr long kExtrusionZ = 230;  // 1 exactly when the other two are 0
 
-// Codes that change what an entity is or looks like and that a drawing has no
-// place for: thickness, linetype scale, visibility, line weight, true colour, its
-// name, transparency, and other programs' data.
-bool isLoss(long code) {
-  switch (code) {
+// The value is a byte that says where the transparency comes from, two that are not used and
+// one that is 255 for opaque.
+bool isTransparent(long value) {
+  constexpr long byValue = 2, opaque = 255;
+  return value >> 24 == byValue && (value & opaque) != opaque;
+}
+
+// Whether the current pair changes what an entity is or looks like and has no place in a
+// drawing: thickness, linetype scale, visibility, line weight, true colour, its name,
+// transparency, and other programs' data. Values that say nothing are no loss: a weight below
+// 0 is that of the layer, the block or none.
+bool isLoss(const CFileDXFILexer& lexer) {
+  const std::string_view bytes = lexer.getBytes();
+  switch (lexer.getGroupValue()) {
     case 39:
+      return parseDouble(bytes).value != 0;
     case 48:
+      return parseDouble(bytes).value != 1;
     case 60:
+      return parseLong(bytes) != 0;
     case 370:
-    case 420:
+      return parseLong(bytes) >= 0;
     case 430:
+      return !bytes.empty();
     case 440:
+      return isTransparent(parseLong(bytes));
+    case 420:
     case 1001:
       return true;
     default:
@@ -41,6 +57,15 @@ zim::WString decimal(long value) { return zim::WString::fromUtf8(std::to_string(
 
 void ReadContext::note(const char* code, const zim::WString& sample) const {
   if (options.report) options.report->add(code, lexer.getLine(), sample);
+}
+
+bool ReadContext::spareNumber(const char* code) const {
+  const CFileDXFIError::TDXFErrors kind = err.GetErrorType();
+  const bool isNumber = kind == CFileDXFIError::OutOfRange || kind == CFileDXFIError::EmptyNumber;
+  if (!options.policy.tolerant || !isNumber) return false;
+  note(code, decimal(lexer.getGroupValue()));
+  err = CFileDXFIError();
+  return true;
 }
 
 CLtype* RecordReader::findByLayer() { return m_byLayer = m_context.semantor.getLtypeByLayer(); }
@@ -144,6 +169,22 @@ double RecordReader::width() {
   return 0;
 }
 
+void RecordReader::takeCount(long code) {
+  const long count = lexer().getInt();
+  const bool isCount = failed() || count > 0 || !isTolerant();
+  if (!isCount) note("number replaced", decimal(code));
+  m_record.setInteger(code, isCount ? count : 1);
+}
+
+double RecordReader::radius(double value) {
+  if (!isTolerant() || value > 0) return value;
+  if (value < 0)
+    note("number replaced", u"40");
+  else
+    fail(CFileDXFIError::OutOfRange);
+  return -value;
+}
+
 CBlock* RecordReader::findBlock(std::string_view bytes) {
   if (CBlock* known = m_blocks.find(bytes)) return known;
   CBlock* block = m_context.semantor.findBlock(lexer().getText());
@@ -157,7 +198,9 @@ bool RecordReader::leaveOut(long code) {
     skip();
     return false;
   }
-  if (isLoss(code)) {
+  if (code == kTrueColor && isTolerant()) {
+    takeTrueColor();
+  } else if (isLoss(lexer())) {
     note("code dropped", decimal(code));
   } else if (isTolerant() && (code == kExtrusionX || code == kExtrusionY || code == kExtrusionZ)) {
     const double value = lexer().getDouble();
@@ -170,8 +213,25 @@ bool RecordReader::leaveOut(long code) {
   return true;
 }
 
+void RecordReader::takeTrueColor() {
+  constexpr long mask = 0xFFFFFF;
+  const long value = lexer().getInt();
+  if (failed()) return;
+  m_record.trueColor = value & mask;
+  note("color approximated");
+}
+
+short RecordReader::nearestColor(long trueColor) {
+  if (trueColor != m_lastTrueColor) {
+    m_lastTrueColor = trueColor;
+    m_lastNearest = nearestPaletteColor(unpackColor(trueColor));
+  }
+  return m_lastNearest;
+}
+
 bool RecordReader::check(const RecordKind& kind, long missingParam) {
   if (failed()) return false;
+  if (m_record.trueColor != Record::kNoTrueColor) m_record.color = nearestColor(m_record.trueColor);
   static constexpr CodeSet spared{1, 2, 3, 8, 66, 70};
   if (isTolerant()) supply();
   const CodeSet have = isTolerant() ? m_record.seen | spared : m_record.seen;
@@ -211,6 +271,20 @@ bool RecordReader::recover(const zim::WString& kind) {
   note("entity dropped", kind);
   m_context.err = CFileDXFIError();
   if (lexer().getGroupValue() != 0) skip();
+  return true;
+}
+
+// Numbers of other codes than those of points, sizes and angles say little, but lists that a
+// reader takes by itself must be whole.
+bool RecordReader::isSpare(long code, const CodeSet& wanted, const CodeSet& optional) {
+  const bool isPlace = (code >= 10 && code < Record::kReals) || (code >= 210 && code < 240);
+  return isPlace ? optional.has(code) : code >= CodeSet::kEnd || wanted.has(code);
+}
+
+bool RecordReader::spareNumber(const char* cost) {
+  if (!m_context.spareNumber(cost)) return false;
+  const long code = lexer().getGroupValue();
+  if (code < CodeSet::kEnd) m_record.seen.remove(code);
   return true;
 }
 

@@ -31,16 +31,24 @@ struct ReadContext {
 
   /// Adds to the report, if anyone wants one, at the line where the lexer stands.
   void note(const char* code, const zim::WString& sample) const;
+  /// Turns the error of the current value, which is no number, into a note that says what it
+  /// costs: the pair alone, unless `code` tells. False when the reading is strict or the error
+  /// another one.
+  bool spareNumber(const char* code = "number dropped") const;
 };
 
 /// Which codes a kind of record reads and which it cannot be built without. The
-/// properties that every entity has (5, 6, 8, 62) are always read.
+/// properties that every entity has (5, 6, 8, 62) are always read. Of the real numbers, which
+/// are where and how large the entity is, tolerant reading does without those that are
+/// `optional` when they are no numbers; without whole numbers it does anyway.
 struct RecordKind {
-  constexpr RecordKind(const CodeSet& wantedCodes, const CodeSet& requiredCodes)
-      : wanted(wantedCodes), required(requiredCodes) {}
+  constexpr RecordKind(const CodeSet& wantedCodes, const CodeSet& requiredCodes,
+                       const CodeSet& optionalCodes = {})
+      : wanted(wantedCodes), required(requiredCodes), optional(optionalCodes) {}
 
   CodeSet wanted;
   CodeSet required;
+  CodeSet optional;
 };
 
 /// Reads one record at a time into a `Record` and resolves the names in it.
@@ -73,7 +81,7 @@ class RecordReader {
       } else if (!leaveOut(code)) {
         return check(kind, missingParam);
       }
-      if (failed()) return false;
+      if (failed() && !(isSpare(code, wanted, kind.optional) && spareNumber())) return false;
     }
   }
   /// The code of the next pair, or once more that of the current one after `putBack`.
@@ -101,6 +109,8 @@ class RecordReader {
   /// Turns the error of a record that its entity can do without, a `kind`, into a note and
   /// goes on to the next record. False when the reading is strict or the error ends it.
   bool recover(const zim::WString& kind);
+  /// As the context's, and forgets that the pair was there.
+  bool spareNumber(const char* cost = "number dropped");
 
   const Record& record() const { return m_record; }
   bool isTolerant() const { return m_context.options.policy.tolerant; }
@@ -117,6 +127,11 @@ class RecordReader {
   /// The current value as a width; error 15 when it is negative.
   double width();
   void takeWidth(long code) { m_record.setReal(code, width()); }
+  /// Takes the current value as a count of at least one.
+  void takeCount(long code);
+  /// A radius of the current record: below 0 as its amount where reading is tolerant, which
+  /// fails on 0, an entity that nobody sees.
+  double radius(double value);
 
   /// What a block name shows; null when nothing bears the name yet.
   CBlock* findBlock(std::string_view bytes);
@@ -160,6 +175,9 @@ class RecordReader {
   void takeStyle();
   void takeColor();
   bool leaveOut(long code);
+  void takeTrueColor();
+  short nearestColor(long trueColor);
+  static bool isSpare(long code, const CodeSet& wanted, const CodeSet& optional);
   bool check(const RecordKind& kind, long missingParam);
   void supply();
 
@@ -168,6 +186,8 @@ class RecordReader {
   bool m_putBack = false;
   bool m_frameTaken = false;
   Frame m_frame;
+  long m_lastTrueColor = Record::kNoTrueColor;  // most entities are of the color before
+  short m_lastNearest = 0;
   CLtype* m_byLayer = nullptr;
   NameCache<CLayer> m_layers;
   NameCache<CLtype> m_ltypes;

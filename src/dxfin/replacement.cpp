@@ -7,23 +7,19 @@
 #include "vek0core/entities/entpolyline.h"
 
 namespace vek0::detail {
-namespace {
 
-bool isFinite(const PNT_3D& p) {
+bool isFinitePoint(const PNT_3D& p) {
   return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
 }
 
-}  // namespace
-
-EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, bool closed, long handle) {
-  if (!std::all_of(points.begin(), points.end(), isFinite)) {
+EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short flags, long handle) {
+  if (!std::all_of(points.begin(), points.end(), isFinitePoint)) {
     in.fail(CFileDXFIError::InconsistentRecord);
     return nullptr;
   }
   const Record& r = in.record();
-  auto polyline = in.built(in.factory().createEntPolyline(in.gestor(), r.layer, r.ltype, r.color,
-                                                          closed ? CEntPolyline::kClosed : short{0},
-                                                          0, handle));
+  auto polyline = in.built(
+      in.factory().createEntPolyline(in.gestor(), r.layer, r.ltype, r.color, flags, 0, handle));
   if (!polyline) return nullptr;
   std::vector<BULGED_VERTEX> vertexes;
   vertexes.reserve(points.size());
@@ -33,7 +29,7 @@ EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, bool clos
 }
 
 EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges, long handle) {
-  if (!std::all_of(std::begin(corners), std::end(corners), isFinite)) {
+  if (!std::all_of(std::begin(corners), std::end(corners), isFinitePoint)) {
     in.fail(CFileDXFIError::InconsistentRecord);
     return nullptr;
   }

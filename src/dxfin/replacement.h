@@ -10,8 +10,12 @@ namespace vek0::detail {
 // record says. Each function gives null, with an error recorded, when a coordinate is not
 // finite or memory is out.
 
-/// Plain polyline through the points; `closed` adds the segment from the last to the first.
-EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, bool closed, long handle);
+/// Whether all coordinates are finite.
+bool isFinitePoint(const PNT_3D& p);
+
+/// Plain polyline through the points. `flags` are those of `CEntPolyline`: closed or not, and for
+/// a curve that the linetype pattern runs on from chord to chord.
+EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short flags, long handle);
 
 /// 3D face; bit i of `hiddenEdges` hides the edge that begins at corner i.
 EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges, long handle);

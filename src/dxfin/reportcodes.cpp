@@ -19,7 +19,6 @@ constexpr Code kCodes[] = {
     {"section skipped",     kNote  },
     {"reference overlaid",  kNote  },
     {"reference renamed",   kNote  },
-    {"on paper",            kNote  },
     {"layer undeclared",    kRepair},
     {"style unknown",       kRepair},
     {"font unknown",        kNote  },
@@ -41,12 +40,9 @@ constexpr Code kCodes[] = {
     {"mesh as faces",       kChange},
     {"kind replaced",       kChange},
     {"dimension drawn",     kChange},
-    {"curve as frame",      kChange},
-    {"curve coarse",        kChange},
     {"text empty",          kNote  },
     {"curve as polyline",   kChange},
-    {"arcs straightened",   kChange},
-    {"hatch coarse",        kChange},
+    {"color approximated",  kChange},
 };
 
 }  // namespace

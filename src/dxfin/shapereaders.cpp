@@ -5,6 +5,7 @@
 
 #include "dxfin/ocs.h"
 #include "dxfin/replacement.h"
+#include "vek0core/entities/entpolyline.h"
 
 namespace vek0::detail {
 namespace {
@@ -199,7 +200,8 @@ EntPtr readMultiline(RecordReader& in) {
       const bool isRing = closed && chain.size() > 2 && chain.front() == chain.back();
       if (isRing) chain.pop_back();
       const long handle = built.empty() ? in.record().handle : 0;
-      if (EntPtr polyline = buildChain(in, chain, isRing, handle))
+      if (EntPtr polyline =
+              buildChain(in, chain, isRing ? CEntPolyline::kClosed : short{0}, handle))
         built.push_back(std::move(polyline));
     }
   }

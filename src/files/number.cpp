@@ -353,6 +353,16 @@ ParsedDouble parseDouble(std::string_view text) { return parseDoubleOf(text); }
 ParsedDouble parseDouble(std::u16string_view text) { return parseDoubleOf(text); }
 std::int32_t parseLong(std::string_view text) { return parseLongOf(text); }
 std::int32_t parseLong(std::u16string_view text) { return parseLongOf(text); }
+
+bool beginsWithNumber(std::string_view text) {
+  const char* p = text.data();
+  const char* const end = p + text.size();
+  while (p != end && isBlank(*p)) ++p;
+  if (p != end && (*p == '-' || *p == '+')) ++p;
+  if (p != end && *p == '.') ++p;
+  return p != end && digitOf(*p) <= 9;
+}
+
 std::uint64_t parseHex(std::string_view text) { return parseHexOf(text); }
 std::uint64_t parseHex(std::u16string_view text) { return parseHexOf(text); }
 

@@ -31,6 +31,10 @@ VEK0_API ParsedDouble parseDouble(std::u16string_view text);
 VEK0_API std::int32_t parseLong(std::string_view text);
 VEK0_API std::int32_t parseLong(std::u16string_view text);
 
+/// Whether the text begins with a decimal number, as the functions above read one: not for
+/// "abc", "-" or "".
+VEK0_API bool beginsWithNumber(std::string_view text);
+
 /// Hexadecimal without a check, modulo 2^64: units up to '9' count from '0', those
 /// above it and below 'G' from 'A' = 10, all others from 'a' = 10. Junk yields junk
 /// on purpose, readers trust handles.

@@ -495,8 +495,7 @@ bool HatchLoopBuilder::build(std::vector<HATCH_RING>& rings) {
     closeRing(tolerance, ring);
     if (ring.size() >= 3) rings.push_back(std::move(ring));
   }
-  m_points.clear();
-  m_edges.clear();
+  clear();
   return !joints.hasGaps();
 }
 

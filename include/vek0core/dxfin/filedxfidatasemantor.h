@@ -83,8 +83,8 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   bool isPlaceholder(const CBlock& block) const;
   /// The placeholders that were not defined, in the order in which they were made.
   std::vector<CBlock*> undefinedBlocks() const;
-  /// Settles what only the whole file tells: inserts of external references that
-  /// were declared after them, and extents.
+  /// Settles what only the whole file tells: external references that are ordinary blocks,
+  /// inserts of such that were declared after them, and extents.
   void settle();
   /// Takes a block out of the drawing and deletes it; nothing may insert it.
   void dropBlock(CBlock& block);
@@ -114,6 +114,7 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   std::unique_ptr<CBlock> generate(const HATCH_TYPE& type, double scale, double rotate,
                                    const std::vector<PNT_3D>& boundary);
   void dropUnusedHatchBlocks();
+  void dropFalseXRefs();
   void dropCircles(CBlock& block, std::list<CEnt*>& entities) const;
   bool repoint(CEntInsertBase& insert);
   void repointInserts();

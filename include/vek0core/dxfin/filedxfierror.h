@@ -32,6 +32,9 @@ class VEK0_API CFileDXFIError {
     InconsistentRecord = 20,  ///< of a hatch, a light-weight polyline or a linetype element
   };
 
+  /// What the file is where it is no text DXF at all, which is error 13.
+  enum Form { TextForm, BinaryForm, DwgForm, EmptyForm };
+
   /// No error, no file.
   CFileDXFIError() = default;
 
@@ -51,6 +54,9 @@ class VEK0_API CFileDXFIError {
   long GetErrorParam1() const { return m_param1; }
   long GetErrorParam2() const { return m_param2; }
 
+  Form GetForm() const { return m_form; }
+  void SetForm(Form form) { m_form = form; }
+
   void SetFileName(const zim::WString& name) { m_fileName = name; }
   const zim::WString& GetFileName() const { return m_fileName; }
 
@@ -58,9 +64,9 @@ class VEK0_API CFileDXFIError {
   /// of their own have the general one.
   zim::WString GetErrorMessage() const;
 
-  /// A sentence for people: the text of the kind (in English where the string
-  /// library has none of its own), the line, and the numbers that belong to it.
-  /// Empty without an error.
+  /// A sentence for people: what the file is if it is no text DXF, else the text of the kind
+  /// (in English where the string library has none of its own), the line, and the numbers
+  /// that belong to it. Empty without an error.
   zim::WString GetFullMessage() const;
 
  private:
@@ -68,5 +74,6 @@ class VEK0_API CFileDXFIError {
   long m_line = 0;
   long m_param1 = 0;
   long m_param2 = 0;
+  Form m_form = TextForm;
   zim::WString m_fileName;
 };

@@ -71,9 +71,9 @@ class VEK0_API CFileDXFILexer {
   zim::WString getText() const;
 
   /// The value as a number: 0 for junk. An empty value is error 6, a number that is
-  /// not finite error 15; 0 is returned then.
+  /// not finite error 15 (see `refuseJunk`); 0 is returned then.
   double getDouble() const;
-  /// The value as a whole number within 32 bits; -1 with error 6 when it is empty.
+  /// The value as a whole number within 32 bits: 0 for junk; -1 with error 6 when it is empty.
   long getInt() const;
   /// The value as an unchecked hexadecimal number, modulo the range of `long`; -1
   /// with error 6 when it is empty.
@@ -92,6 +92,9 @@ class VEK0_API CFileDXFILexer {
   /// Whether a text contradicted what the header declares (`setTolerant` alone looks).
   bool isEncodingOther() const { return m_decoder.differs(); }
 
+  /// Makes a value that does not even begin with a number error 15 where one is asked for.
+  void refuseJunk() { m_refusesJunk = true; }
+
   /// Makes the best of a file: lines that cannot be group codes are left out, keywords may
   /// be indented, numbers may have a decimal comma or an exponent after a D, texts may be
   /// UTF-8 against what the header says. The end of the file reads as the pair (0, "EOF");
@@ -104,8 +107,9 @@ class VEK0_API CFileDXFILexer {
 
   /// Whether the file ended without its end mark.
   bool isCut() const { return m_cut; }
-  /// Whether the file is of the binary form, which is not read.
-  bool isBinary() const { return m_binary; }
+  /// What the first line shows the file to be, a `CFileDXFIError::Form`: nothing is read of
+  /// what is no text DXF.
+  int getForm() const { return m_form; }
 
   /// Where cut values are reported; null, as at first, for nowhere. Borrowed.
   void setReport(CFileReport* report) { m_report = report; }
@@ -120,6 +124,7 @@ class VEK0_API CFileDXFILexer {
   long fail();
   long endFile();
   bool passStrayLine(std::string_view line);
+  bool isForeign(std::string_view line);
   double repairedDouble() const;
   bool alignPair();
   void finishLongValue(bool whole);
@@ -136,10 +141,12 @@ class VEK0_API CFileDXFILexer {
   bool m_started = false;
   bool m_byBytes = false;  // known once started
   bool m_tolerant = false;
+  bool m_refusesJunk = false;
   bool m_pageFixed = false;
   bool m_stopped = false;
   bool m_cut = false;
-  bool m_binary = false;
+  int m_form = 0;
+  long m_blankLines = 0;
   mutable CTextDecoder m_decoder;
 
   long m_line = 0;

@@ -74,7 +74,7 @@ struct CFileDXFIPolicy {
 ///
 /// Tolerant reading adds these:
 ///
-///   version unknown       another version than the rules know; read by those of the newest
+///   version unknown       a version that the format never had; read by the newest rules
 ///   encoding differs      texts contradict the code page that the header declares
 ///   section skipped       a section that a drawing has no place for
 ///   section unknown       likewise a section of a name that the format does not have
@@ -86,8 +86,11 @@ struct CFileDXFIPolicy {
 ///   record skipped        a record where none of its kind belongs
 ///   stray line            a line where a group code was due
 ///   blank line            likewise, with nothing on it
-///   number repaired       "1,5", "1D2", or text where a number was due
+///   number repaired       "1,5", "1D2" or "12abc"
+///   number dropped        text or no finite number where a number was due: what it says is lost
+///   loop dropped          likewise in a loop of a hatch, which is left out
 ///   number replaced       a value out of range; the nearest that makes sense stands in
+///   color approximated    a true colour became the nearest of the palette
 ///   color replaced        a colour out of range: 7 of a layer, BYLAYER of an entity
 ///   flags replaced        flags that contradict the rest: read as if they were 0
 ///   layer missing         an entity that names no layer lies on layer 0
@@ -101,6 +104,8 @@ struct CFileDXFIPolicy {
 ///   curve as polyline     an arc or circle in a plane other than X, Y
 ///   on paper              an entity of the space that is not read
 ///   binary file           the file is of the binary form, which is not read
+///   dwg file              the file is no DXF but a DWG file
+///   empty file            there is nothing in the file
 ///   limit reached         more entities than were wanted
 struct CFileDXFIOptions {
   CFileReport* report = nullptr;

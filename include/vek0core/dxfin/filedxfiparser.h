@@ -115,6 +115,7 @@ class VEK0_API CFileDXFIParser {
   void RealizeVersion();
   void takeVersion(const zim::WString& name);
   void takeCodePage();
+  void noteForm();
   void readHeaderVariable();
   void collect(long code, HeaderValue& value);
   void readHeaderValue(const zim::WString& name, const HeaderValue& value);
@@ -134,15 +135,17 @@ class VEK0_API CFileDXFIParser {
   void placeLayer(const LayerEntry& layer);
   void settleLayers();
   bool isBlockCut();
+  bool isLayoutName(const zim::WString& name) const;
   bool isTimeToStop();
   void readEntries(std::string_view keyword, ReadEntry readEntry);
   void readLtypeEntry();
   void readLayerEntry();
   void readLayerPair(long code, LayerEntry& layer);
-  void createLayer(const LayerEntry& layer);
+  void leaveOutOfLayer(long code, LayerEntry& layer);
+  void createLayer(LayerEntry& layer);
   void readStyleEntry();
   void readStylePair(long code, StyleEntry& style);
-  double styleNumber(double least, double most, StyleEntry& style);
+  void takeStyleNumber(double least, double most, StyleEntry& style, double& target);
   void createStyle(const StyleEntry& style);
   void readBlock();
   void readBlockHeader(BlockHeader& block);
@@ -155,6 +158,8 @@ class VEK0_API CFileDXFIParser {
   /// Under the tolerant policy, turns an error into a note; false when there was none, or one
   /// that ends the reading.
   bool forgive(const char* code, const zim::WString& sample);
+  /// The same for the error of the current value, which is no number: the pair is lost.
+  bool spareNumber();
   /// The same for the error of a record; goes on to the next record.
   bool recover(const char* code, const zim::WString& sample);
   /// The same when the policy is tolerant whether or not there is an error: the current

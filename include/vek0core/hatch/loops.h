@@ -44,6 +44,11 @@ class VEK0_API HatchLoopBuilder {
                    bool closed);
 
   bool empty() const { return m_edges.empty(); }
+  /// Forgets the edges.
+  void clear() {
+    m_points.clear();
+    m_edges.clear();
+  }
 
   /// How many points the curves of further edges may add, no end of them at first. A
   /// curve that would add more than is left gets four chords at most.

@@ -1,0 +1,56 @@
+#include "dxfin/falsexrefs.h"
+
+#include <memory>
+#include <new>
+
+#include "vek0core/drawing/data.h"
+#include "vek0core/drawing/functions.h"
+#include "vek0core/drawing/tableremapper.h"
+#include "vek0core/entities/blockxref.h"
+
+namespace vek0::detail {
+namespace {
+
+constexpr long kOfXRef = 16, kResolved = 32;  // bits of an item's flags
+
+template <class Item>
+Item* orThrow(Item* made) {
+  if (!made) throw std::bad_alloc();
+  return made;
+}
+
+long ownFlags(const CNamedItem& item) { return item.getFlags() & ~(kOfXRef | kResolved); }
+
+void replaceItems(CData& data, CBlockXRef& xref, CTableRemapper& items) {
+  for (int i = 0; i < xref.getLtypeTable().size(); ++i) {
+    CLtype& of = *xref.getLtypeTable()[i];
+    const zim::WString name = of.getFullName();
+    if (!data.getLtypeTable().get(name))
+      addLtype(data, orThrow(data.getLtypeFactory().create(name, of.getDesc(), of.GetDashSeq(),
+                                                           ownFlags(of))));
+    items.ChangeInto(&of, data.getLtypeTable().get(name));
+  }
+  for (int i = 0; i < xref.getLayerTable().size(); ++i) {
+    CLayer& of = *xref.getLayerTable()[i];
+    const zim::WString name = of.getFullName();
+    if (!data.getLayerTable().get(name))
+      data.getLayerTable().add(
+          orThrow(data.getLayerFactory().create(name, of.getLtype(), of.getColor(), ownFlags(of))));
+    items.ChangeInto(&of, data.getLayerTable().get(name));
+  }
+}
+
+}  // namespace
+
+void dropFalseXRefs(CData& data, const std::vector<CBlockXRef*>& xrefs) {
+  if (xrefs.empty()) return;
+  CTableRemapper items(data, false);
+  for (CBlockXRef* xref : xrefs) replaceItems(data, *xref, items);
+  items.Remap();
+  for (CBlockXRef* xref : xrefs) {
+    data.getBlockXRefTable().remove(xref);
+    delete xref;
+  }
+}
+
+}  // namespace vek0::detail

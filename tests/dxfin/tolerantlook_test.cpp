@@ -1,0 +1,156 @@
+// What tolerant reading makes of colours, radii, curves, attributes and names.
+#include <gtest/gtest.h>
+
+#include "support/dxftext.h"
+#include "vek0core/entities/entcast.h"
+#include "vek0core/vek0core.h"
+
+using namespace vek0::test;
+
+namespace {
+
+Loaded loadAny(const std::string& text) { return loadText(text, CFileDXFIPolicy::forAnyFile()); }
+Loaded loadAnyEntities(std::string_view list) { return loadAny(entitiesOf("AC1015", list)); }
+
+std::string layers(std::string_view list) {
+  return section("TABLES", table("LAYER", pairsOf(list)));
+}
+
+const std::string kLine = "0 LINE|8 A|10 0|20 0|11 1|21 1";
+
+std::string saved(const Loaded& got, unsigned flags) {
+  CFileMemory file(u"saved.dxf", IFile::kWrite);
+  return SaveDXF(got.drawing(), file, flags) ? file.bytes() : std::string();
+}
+
+}  // namespace
+
+TEST(TolerantLook, TrueColorsBecomeTheNearest) {
+  const struct {
+    long rgb;
+    short color;
+  } cases[] = {
+      {0xFF0000, 1  },
+      {0x00FF00, 3  },
+      {0x0000FF, 5  },
+      {0xFE0101, 1  },
+      {0x000000, 7  },
+      {0x050505, 7  },
+      {0xFFFFFF, 7  },
+      {0x808080, 8  },
+      {0x333333, 250},
+      {0xFF8000, 30 },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.rgb);
+    const std::string code = "|420 " + std::to_string(t.rgb);
+    const Loaded got = loadAny(layers("0 LAYER|2 A|62 -4" + code) +
+                               section("ENTITIES", pairsOf(kLine + "|62 4" + code)) + dxf());
+    ASSERT_TRUE(got.only());
+    EXPECT_EQ(got.only()->getColor(), t.color);
+    EXPECT_EQ(got.only()->getLayer()->getColor(), t.color);
+    EXPECT_TRUE(got.only()->getLayer()->isOff());
+    EXPECT_EQ(got.report.count("color approximated"), 2);
+  }
+  EXPECT_EQ(severityOf("color approximated"), ReportSeverity::Change);
+}
+
+// The law of the search: no other colour of the palette is nearer.
+TEST(TolerantLook, EveryPaletteColorIsNearestToItself) {
+  for (int i = 1; i < 256; ++i)
+    EXPECT_EQ(paletteColor(nearestPaletteColor(paletteColor(i))), paletteColor(i)) << i;
+}
+
+TEST(TolerantLook, RadiiAreAmounts) {
+  const Loaded got = loadAnyEntities(
+      "0 CIRCLE|8 A|10 0|20 0|40 -2|0 ARC|8 A|10 0|20 0|40 0|50 0|51 9|0 CIRCLE|8 A|10 0|20 0|40 "
+      "0");
+  ASSERT_TRUE(got.only());
+  EXPECT_EQ(static_cast<CEntCircle*>(got.only())->getCircle().radius, 2);
+  EXPECT_EQ(got.report.count("number replaced"), 1);
+  EXPECT_EQ(got.report.count("entity dropped"), 2);
+}
+
+TEST(TolerantLook, PatternsRunOnAlongCurves) {
+  const Loaded got = loadAnyEntities(
+      "0 ELLIPSE|8 A|10 0|20 0|11 2|21 0|40 0.5|0 SPLINE|8 A|71 2|40 0|40 0|40 0|40 1|40 1|40 1|"
+      "10 0|20 0|10 1|20 1|10 2|20 0|0 CIRCLE|8 A|10 0|20 0|40 1|210 1|220 0|230 0");
+  ASSERT_EQ(got.count(CEntPolyline::kType), 3);
+  for (const CEnt* ent : got.data->getEntTable().getEntityTbl())
+    EXPECT_TRUE(static_cast<const CEntPolyline*>(ent)->getFlags() & CEntPolyline::kLtGen);
+}
+
+// Wherever the plane of the insert faces, an attribute is where its own plane has it.
+TEST(TolerantLook, AttributesHaveAPlaneOfTheirOwn) {
+  for (const char* insertZ : {"1", "-1"})
+    for (const char* attribZ : {"1", "-1"}) {
+      SCOPED_TRACE(std::string(insertZ) + " " + attribZ);
+      const bool isMirrored = attribZ[0] == '-';
+      const Loaded got = loadAnyEntities(
+          std::string("0 INSERT|8 A|2 B|10 7|20 0|50 30|66 1|210 0|220 0|230 ") + insertZ +
+          "|0 ATTRIB|8 A|10 " + (isMirrored ? "-40" : "40") +
+          "|20 3|40 1|50 20|1 T|2 T|70 0|210 0|" + "220 0|230 " + attribZ + "|0 SEQEND");
+      ASSERT_TRUE(got.only());
+      const CEntInsertBase& insert = *got.only()->getEntInsert();
+      PNT_3D at;
+      double height, widthScale, rotation, oblique;
+      transform_attrib_logic_2_phisic(1, insert, *insert.GetAttrib(0), at, height, widthScale,
+                                      rotation, oblique);
+      EXPECT_NEAR(at.x, 40, 1e-9);
+      EXPECT_NEAR(at.y, 3, 1e-9);
+      EXPECT_NEAR(widthScale, isMirrored ? -1 : 1, 1e-9);
+      EXPECT_NEAR(std::sin(rotation), (isMirrored ? -1 : 1) * std::sin(20 * kRadiansPerDegree),
+                  1e-9);
+    }
+}
+
+TEST(TolerantLook, LayersNamedAfterABlockAreOrdinary) {
+  CFontTable::getInstance().addPlainDefault();
+  // '|' parts the pairs of lists: these hold one.
+  const std::string tables = section(
+      "TABLES", table("LTYPE", pairs("0 LTYPE", "2 X|D", "70 16", "72 65", "73 1", "49 1")) +
+                    table("LAYER", pairs("0 LAYER", "2 X|L", "62 3", "6 X|D", "70 48")));
+  const std::string blocks =
+      section("BLOCKS", pairsOf("0 BLOCK|2 X|10 0|20 0") +
+                            pairs("0 LINE", "8 X|L", "6 X|D", "10 0", "20 0", "11 1", "21 1") +
+                            pairs("0 ENDBLK"));
+  const std::string insert = section("ENTITIES", pairs("0 INSERT", "8 X|L", "2 X", "10 0", "20 0"));
+  for (const bool tolerant : {true, false}) {
+    SCOPED_TRACE(tolerant);
+    CFileDXFIPolicy policy = tolerant ? CFileDXFIPolicy::forAnyFile() : CFileDXFIPolicy();
+    const Loaded got = loadText(version("AC1009") + tables + blocks + insert + dxf(), policy);
+    EXPECT_FALSE(got.error.HasAnError());
+    EXPECT_EQ(got.data->getBlockXRefTable().size(), 0);
+    ASSERT_TRUE(got.only());
+    const CLayer* layer = got.data->getLayerTable().get(u"X|L");
+    ASSERT_TRUE(layer);
+    EXPECT_EQ(got.only()->getLayer(), layer);
+    EXPECT_EQ(layer->getColor(), 3);
+    EXPECT_EQ(layer->getLtype(), got.data->getLtypeTable().get(u"X|D"));
+    const CBlock* block = got.data->getBlockTable().get(u"X");
+    ASSERT_TRUE(block && block->size() == 1);
+    for (const unsigned flags : {0u, kSaveExchange}) {
+      const Loaded again = loadText(saved(got, flags));
+      EXPECT_FALSE(again.error.HasAnError()) << again.error.GetFullMessage().toUtf8();
+      EXPECT_TRUE(again.data->getBlockTable().get(u"X"));
+    }
+  }
+}
+
+TEST(TolerantLook, OnlyStarsAndDollarsMarkLayouts) {
+  for (const auto& [name, isKept] :
+       {std::pair("Xmodel_space", true), std::pair("*Model_Space", false),
+        std::pair("$PAPER_SPACE", false), std::pair("_paper_space", true)}) {
+    const Loaded got = loadAny(section("BLOCKS", pairsOf(std::string("0 BLOCK|10 0|20 0|2 ") +
+                                                         name + "|" + kLine + "|0 ENDBLK")) +
+                               dxf());
+    EXPECT_EQ(got.data->getBlockTable().get(zim::WString::fromUtf8(name)) != nullptr, isKept)
+        << name;
+  }
+}
+
+TEST(TolerantLook, TheCurrentLayerIsTaken) {
+  const Loaded got =
+      loadAny(section("HEADER", pairsOf("9 $CLAYER|8 A")) + layers("0 LAYER|2 A|62 1") + dxf());
+  EXPECT_EQ(got.data->getVars().getCurLayer(), got.data->getLayerTable().get(u"A"));
+}
