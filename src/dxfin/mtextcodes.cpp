@@ -6,6 +6,7 @@
 #include "dxfin/recordreader.h"
 #include "files/number.h"
 #include "vek0core/files/textcodec.h"
+#include "vek0core/tables/palette.h"
 
 namespace vek0::detail {
 namespace {
@@ -302,12 +303,18 @@ void Decoder::color() {
   change(f);
 }
 
-// A colour that is no number of the table.
+// A number with blue in its highest byte, unlike elsewhere.
 void Decoder::trueColor() {
   double value;
-  m_in.takeNumber(value);
+  const bool isNumber = m_in.takeNumber(value);
   m_in.skipIf(u';');
-  drop(u"c");
+  constexpr double most = 0xFFFFFF;
+  if (!isNumber || !(value >= 0 && value <= most)) return drop(u"c");
+  const RGB_COLOR swapped = unpackColor(static_cast<long>(value));
+  MTextFormat f = format();
+  f.color = nearestPaletteColor({swapped.b, swapped.g, swapped.r});
+  ++m_content.approximatedColors;
+  change(f);
 }
 
 void Decoder::align() {
@@ -333,7 +340,11 @@ void Decoder::font() {
   const std::u16string_view name =
       argument.substr(0, std::min(argument.find(u'|'), argument.size()));
   m_look.symbols = zim::equalsIgnoreCase(name.substr(0, 3), u"gdt");
-  if (!m_look.symbols) drop(u"f" + std::u16string(name));
+  if (m_look.symbols) return;
+  drop(u"f" + std::u16string(name));
+  MTextFormat f = format();
+  f.form = name.empty() ? m_base.form : letterFormOf(name);
+  change(f);
 }
 
 // One unit of a stack's text: all but the escapes is plain.
@@ -411,7 +422,8 @@ void Decoder::setParagraph(Cursor& in, char16_t code, MTextParagraph& paragraph)
       }
       std::sort(paragraph.tabs.begin(), paragraph.tabs.end());
       break;
-    case u's':  // spacing within the paragraph
+    case u's':  // spacing within the paragraph, behind a letter that says how
+      if (in.peek() != u'*') drop(u"ps");
       in.skip(1);
       in.takeNumber(value);
       break;
@@ -465,26 +477,26 @@ MTextContent decodeMText(std::u16string_view text, const MTextFormat& base) {
   return Decoder(text, base).run();
 }
 
-std::u16string shownText(std::u16string_view text) {
-  std::u16string shown;
+double measure(std::u16string_view text, const MTextFormat& format) {
+  double width = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const bool isCode = text[i] == u'%' && i + 2 < text.size() && text[i + 1] == u'%';
     if (!isCode) {
-      shown += text[i];
+      width += letterWidth(text[i], format.form);
       continue;
     }
     const char16_t code = zim::foldCase(text[i + 2]);
     const bool isLine =
         code == zim::foldCase(u'u') || code == zim::foldCase(u'o') || code == zim::foldCase(u'k');
     const bool isNumber = code >= u'0' && code <= u'9';
-    if (!isLine) shown += u'x';
+    if (!isLine) width += letterWidth(u'o', format.form);
     i += 2;
     for (int digits = 1; isNumber && digits < 3 && i + 1 < text.size() && text[i + 1] >= u'0' &&
                          text[i + 1] <= u'9';
          ++digits)
       ++i;
   }
-  return shown;
+  return width * format.height * format.widthScale;
 }
 
 }  // namespace vek0::detail

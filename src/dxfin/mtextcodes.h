@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "dxfin/letterwidths.h"
+
 namespace vek0::detail {
 
 /// How letters of a formatted text look.
@@ -16,6 +18,7 @@ struct MTextFormat {
   double widthScale = 1;  ///< factor
   double oblique = 0;     ///< radians
   short color = 256;      ///< number, as in entities
+  LetterForm form = LetterForm::Stroke;
   Align align = Bottom;
   bool under = false, over = false, struck = false;  ///< lines along the letters
 
@@ -52,6 +55,7 @@ struct MTextContent {
   std::vector<MTextParagraph> paragraphs;
   std::vector<MTextPiece> pieces;
   std::vector<std::u16string> dropped;  ///< codes that nothing here can show, each once
+  long approximatedColors = 0;          ///< true colours that became the nearest number
 };
 
 /// Takes a text with its codes apart: `\P` line, `\N` column, `\~` blank that holds, braces
@@ -63,7 +67,7 @@ struct MTextContent {
 /// Cost is linear; a piece takes at least one unit of the text.
 MTextContent decodeMText(std::u16string_view text, const MTextFormat& base);
 
-/// The text as it is measured: `%%d` and its like are one letter, `%%u` and its like none.
-std::u16string shownText(std::u16string_view text);
+/// How long a text is: `%%d` and its like are one letter, `%%u` and its like none.
+double measure(std::u16string_view text, const MTextFormat& format);
 
 }  // namespace vek0::detail

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "vek0core/tables/text.h"
-
 namespace vek0::detail {
 namespace {
 
@@ -12,6 +10,8 @@ constexpr double kLineAdvance = 5.0 / 3;  // from baseline to baseline, in heigh
 constexpr double kTabStop = 4;            // distance of the usual tabs, in heights
 constexpr double kStackHeight = 2.4;      // of two rows, in heights of one
 constexpr double kUpperRow = 1.4;         // baseline of the row above, likewise
+constexpr double kFew = 0.05;             // of a box's width, that a line may be too long
+constexpr double kMostStretch = 2;        // of letters, for a line to be as wide as told
 
 /// A piece that stands in a line.
 struct Item {
@@ -30,13 +30,17 @@ struct Line {
 
 class Layout {
  public:
-  Layout(const MTextContent& content, const MTextBox& box, CStyle* style, std::size_t most)
-      : m_content(content), m_box(box), m_style(style), m_most(most) {}
+  Layout(const MTextContent& content, const MTextBox& box, std::size_t most)
+      : m_content(content), m_box(box), m_most(most) {}
 
   std::vector<MTextRun> run();
 
  private:
+  void breakAsTold();
+  void fitLines(std::size_t told);
+  std::size_t toldLines() const;
   void breakLines();
+  bool fitsOneLine(std::size_t first) const;
   std::size_t unitEnd(std::size_t first) const;
   void placeUnit(std::size_t first, std::size_t last);
   void placePiece(const MTextPiece& piece);
@@ -50,19 +54,31 @@ class Layout {
   double width(const MTextPiece& piece) const;
   double height(const MTextPiece& piece) const;
   const MTextFormat& format(const MTextPiece& p) const { return m_content.formats[p.format]; }
+  // Fonts count for widths alone.
+  bool isSameLook(const MTextPiece& a, const MTextPiece& b) const {
+    if (a.format == b.format) return true;
+    MTextFormat f = format(a);
+    f.form = format(b).form;
+    return f == format(b);
+  }
   const MTextParagraph& paragraph() const { return m_content.paragraphs[m_line.paragraph]; }
 
+  double widestLine() const;
   double totalWidth() const;
+  long across(const Line& line) const;
   double shift(const Line& line, double columnWidth) const;
   void emit(const Line& line, double left, double top);
   void emitStack(const Line& line, const Item& item, double x, double y);
-  void add(double x, double y, std::size_t format, const std::u16string& text);
+  void add(double x, double y, std::size_t format, const std::u16string& text, long across = 0);
   double rise(const Line& line, const MTextFormat& f, double height) const;
 
   const MTextContent& m_content;
   const MTextBox& m_box;
-  CStyle* m_style;
   std::size_t m_most;
+  double m_stretch = 1;      // of all letters
+  bool m_mayBreak = true;    // lines where the text does not
+  bool m_isLenient = true;   // to what may fit a line
+  bool m_isOneLine = false;  // what stands up to the next break of the text
   std::vector<Item> m_items;
   std::vector<Line> m_lines;
   std::vector<std::size_t> m_columnBreaks;  // lines that a code puts into the next column
@@ -75,10 +91,10 @@ class Layout {
 
 double Layout::width(const MTextPiece& piece) const {
   const MTextFormat& f = format(piece);
-  if (piece.kind == MTextPiece::Blank) return measure(u" ", f, m_style);
-  const double width = measure(piece.text, f, m_style);
-  return piece.kind == MTextPiece::Stack ? std::max(width, measure(piece.below, f, m_style))
-                                         : width;
+  if (piece.kind == MTextPiece::Blank) return m_stretch * measure(u" ", f);
+  double width = measure(piece.text, f);
+  if (piece.kind == MTextPiece::Stack) width = std::max(width, measure(piece.below, f));
+  return m_stretch * width;
 }
 
 double Layout::height(const MTextPiece& piece) const {
@@ -87,12 +103,72 @@ double Layout::height(const MTextPiece& piece) const {
 
 // -- lines ---------------------------------------------------------------------
 
+// How many lines the record says there are; 0 when it does not, or when they differ in height.
+std::size_t Layout::toldLines() const {
+  if (!(m_box.shownHeight > 0) || m_box.columns > 1) return 0;
+  double tall = 0;
+  for (const MTextPiece& piece : m_content.pieces) {
+    if (!piece.isWord()) continue;
+    if (tall > 0 && height(piece) != tall) return 0;
+    tall = height(piece);
+  }
+  const double step = kLineAdvance * m_box.spacing * (m_box.exactSpacing ? m_box.height : tall);
+  const double more = std::round((m_box.shownHeight - tall) / step);
+  constexpr double most = 1e6;
+  return more >= 0 && more < most ? static_cast<std::size_t>(more) + 1 : 0;
+}
+
+// The record measured letters of its own font: lines are to be as many and as wide as it says.
+void Layout::breakAsTold() {
+  breakLines();
+  const std::size_t told = toldLines();
+  if (told > 0 && m_lines.size() != told) fitLines(told);
+  const double stretch = m_box.shownWidth / std::max(widestLine(), m_box.shownWidth / kMostStretch);
+  if (m_box.columns > 1 || !(stretch > 1 / kMostStretch)) return;
+  const double before = m_stretch;
+  const std::size_t lines = m_lines.size();
+  m_stretch *= stretch;
+  breakLines();
+  if (m_lines.size() == lines) return;
+  m_stretch = before;
+  breakLines();
+}
+
+// Without any break but those of the text, or with letters of the width that breaks it so.
+void Layout::fitLines(std::size_t told) {
+  constexpr int rounds = 12;
+  m_isLenient = false;
+  m_mayBreak = false;
+  breakLines();
+  if (m_lines.size() >= told) return;
+  m_mayBreak = true;
+  double least = 1 / kMostStretch, most = kMostStretch;
+  for (int i = 0; i < rounds; ++i) {
+    m_stretch = std::sqrt(least * most);
+    breakLines();
+    if (m_lines.size() == told) return;
+    (m_lines.size() < told ? least : most) = m_stretch;
+  }
+  m_stretch = 1;
+  breakLines();
+}
+
+double Layout::widestLine() const {
+  double widest = 0;
+  for (const Line& line : m_lines) widest = std::max(widest, line.width);
+  return widest;
+}
+
 void Layout::breakLines() {
   const auto& pieces = m_content.pieces;
+  m_items.clear();
+  m_lines.clear();
+  m_columnBreaks.clear();
   startLine(0, true);
   for (std::size_t i = 0; i < pieces.size();) {
     const MTextPiece& piece = pieces[i];
     if (m_items.size() == m_line.first) m_line.paragraph = piece.paragraph;
+    if (m_items.size() == m_line.first && m_isParagraphStart) m_isOneLine = fitsOneLine(i);
     if (piece.kind == MTextPiece::LineBreak || piece.kind == MTextPiece::ColumnBreak) {
       endLine(format(piece).height);
       if (piece.kind == MTextPiece::ColumnBreak) m_columnBreaks.push_back(m_lines.size());
@@ -105,6 +181,22 @@ void Layout::breakLines() {
     }
   }
   endLine(pieces.empty() ? 0 : format(pieces.back()).height);
+}
+
+// Whether all up to the next break of the text does, should its letters prove narrow.
+bool Layout::fitsOneLine(std::size_t first) const {
+  if (!m_isLenient) return false;
+  const auto& pieces = m_content.pieces;
+  double length = 0, end = 0;
+  for (std::size_t i = first; i < pieces.size() && end <= (1 + kFew) * m_box.width; ++i) {
+    const MTextPiece& piece = pieces[i];
+    if (piece.kind == MTextPiece::LineBreak || piece.kind == MTextPiece::ColumnBreak) break;
+    length += piece.kind == MTextPiece::Tab ? kTabStop * m_box.height
+                                            : width(piece) * leastShare(format(piece).form);
+    if (piece.isWord()) end = length;
+  }
+  const MTextParagraph& p = m_content.paragraphs[pieces[first].paragraph];
+  return end + m_box.height * (p.left + p.indent + p.right) <= (1 + kFew) * m_box.width;
 }
 
 // What no line may part: pieces of a word.
@@ -121,8 +213,8 @@ void Layout::placeUnit(std::size_t first, std::size_t last) {
   if (pieces[first].isWord() && m_box.width > 0) {
     double unit = 0;
     for (std::size_t i = first; i < last; ++i) unit += width(pieces[i]);
-    constexpr double tolerance = 1e-9;  // of the width: boxes that were made to fit
-    if (m_line.width > 0 && m_x + unit > rightEdge() + tolerance * m_box.width) {
+    const bool isFull = m_line.width > 0 && m_x + unit > rightEdge() + kFew * m_box.width;
+    if (isFull && m_mayBreak && !m_isOneLine) {
       endLine(0);
       startLine(pieces[first].paragraph, false);
     }
@@ -200,19 +292,25 @@ void Layout::stackLines() {
 
 // -- runs ----------------------------------------------------------------------
 
-double Layout::totalWidth() const {
-  if (m_box.width > 0) return m_box.width;
-  double width = 0;
-  for (const Line& line : m_lines) width = std::max(width, line.width);
-  return width;
+double Layout::totalWidth() const { return m_box.width > 0 ? m_box.width : widestLine(); }
+
+// 0 when the line stands to the left, 1 in the middle, 2 to the right.
+long Layout::across(const Line& line) const {
+  switch (m_content.paragraphs[line.paragraph].align) {
+    case 0:
+      return (m_box.attachment - 1) % 3;
+    case u'c':
+      return 1;
+    case u'r':
+      return 2;
+    default:
+      return 0;
+  }
 }
 
 double Layout::shift(const Line& line, double columnWidth) const {
-  const MTextParagraph& p = m_content.paragraphs[line.paragraph];
-  const double room = columnWidth - m_box.height * p.right - line.width;
-  const long across = (m_box.attachment - 1) % 3;
-  if (p.align == u'c' || (p.align == 0 && across == 1)) return room / 2;
-  return p.align == u'r' || (p.align == 0 && across == 2) ? room : 0;
+  const double right = m_box.height * m_content.paragraphs[line.paragraph].right;
+  return (columnWidth - right - line.width) * static_cast<double>(across(line)) / 2;
 }
 
 // Of what is lower than its line.
@@ -221,14 +319,14 @@ double Layout::rise(const Line& line, const MTextFormat& f, double height) const
   return f.align == MTextFormat::Middle ? room / 2 : f.align == MTextFormat::Top ? room : 0;
 }
 
-void Layout::add(double x, double y, std::size_t format, const std::u16string& text) {
+void Layout::add(double x, double y, std::size_t format, const std::u16string& text, long across) {
   if (text.empty() || m_runs.size() >= m_most) return;
   const MTextFormat& f = m_content.formats[format];
   std::u16string codes;
   if (f.under) codes += u"%%u";
   if (f.over) codes += u"%%o";
   if (f.struck) codes += u"%%k";
-  m_runs.push_back({x, y, format, codes + text});
+  m_runs.push_back({x, y, across, format, codes + text});
 }
 
 // The line between the rows is drawn along the longer of them.
@@ -236,7 +334,8 @@ void Layout::emitStack(const Line& line, const Item& item, double x, double y) {
   const MTextPiece& piece = *item.piece;
   const MTextFormat& f = format(piece);
   y += rise(line, f, height(piece));
-  const double above = measure(piece.text, f, m_style), below = measure(piece.below, f, m_style);
+  const double above = m_stretch * measure(piece.text, f);
+  const double below = m_stretch * measure(piece.below, f);
   const double share = piece.ruled ? 0.5 : 0;
   const bool isAboveLonger = above >= below;
   const std::u16string under = piece.ruled && isAboveLonger && !f.under ? u"%%u" : u"";
@@ -248,7 +347,8 @@ void Layout::emitStack(const Line& line, const Item& item, double x, double y) {
     add(x + share * (item.width - below), y, piece.format, over + piece.below);
 }
 
-// Words and blanks of one look are one run.
+// Words and blanks of one look are one run. One that is all of its line is held where the line is,
+// so that it stands right whatever its letters measure.
 void Layout::emit(const Line& line, double left, double top) {
   for (std::size_t i = line.first; i < line.last;) {
     const Item& item = m_items[i++];
@@ -257,19 +357,22 @@ void Layout::emit(const Line& line, double left, double top) {
     if (piece.kind == MTextPiece::Stack) emitStack(line, item, x, y);
     if (piece.kind != MTextPiece::Word) continue;
     std::u16string text = piece.text;
-    for (; i < line.last && m_items[i].piece->format == piece.format; ++i) {
+    for (; i < line.last && isSameLook(*m_items[i].piece, piece); ++i) {
       const MTextPiece& next = *m_items[i].piece;
       if (next.kind != MTextPiece::Word && next.kind != MTextPiece::Blank) break;
       text += next.kind == MTextPiece::Blank ? u" " : next.text;
     }
     while (text.back() == u' ') text.pop_back();
     std::replace(text.begin(), text.end(), u'\u00A0', u' ');
-    add(x, y + rise(line, format(piece), format(piece).height), piece.format, text);
+    const bool isAlone = &item == &m_items[line.first] && i == line.last;
+    const long point = isAlone ? across(line) : 0;
+    add(x + (line.width - item.x) * static_cast<double>(point) / 2,
+        y + rise(line, format(piece), format(piece).height), piece.format, text, point);
   }
 }
 
 std::vector<MTextRun> Layout::run() {
-  breakLines();
+  breakAsTold();
   stackLines();
   const double column = totalWidth(), step = column + m_box.gutter;
   const double whole = column + step * static_cast<double>(m_box.columns - 1);
@@ -283,16 +386,9 @@ std::vector<MTextRun> Layout::run() {
 
 }  // namespace
 
-double measure(const std::u16string& text, const MTextFormat& format, CStyle* style) {
-  if (text.empty()) return 0;
-  const zim::WString shown(shownText(text));
-  return TEXT_3D(shown, style, 0, 0, 0, format.height, 0, format.widthScale, 0, 0)
-      .getStringLength();
-}
-
-std::vector<MTextRun> layoutMText(const MTextContent& content, const MTextBox& box, CStyle* style,
+std::vector<MTextRun> layoutMText(const MTextContent& content, const MTextBox& box,
                                   std::size_t most) {
-  return Layout(content, box, style, most).run();
+  return Layout(content, box, most).run();
 }
 
 }  // namespace vek0::detail

@@ -6,8 +6,6 @@
 
 #include "dxfin/mtextcodes.h"
 
-class CStyle;
-
 namespace vek0::detail {
 
 /// Where a formatted text stands around its insertion point. Lengths are drawing units.
@@ -20,22 +18,24 @@ struct MTextBox {
   std::size_t columns = 1;            ///< of `width` each, filled from the left
   double gutter = 0;                  ///< between columns
   std::vector<double> columnHeights;  ///< 0, and what is missing: no end but by a code
+  /// What the lines together measure by the record, 0 where it does not say. Of a text in one
+  /// column it tells how the lines were broken and how wide the letters are.
+  double shownWidth = 0, shownHeight = 0;
 };
 
 /// Letters of one look in one line.
 struct MTextRun {
-  double x, y;         ///< begin of the baseline, from the insertion point
+  double x, y;         ///< of the baseline, from the insertion point
+  long across;         ///< which point of it: 0 where it begins, 1 its middle, 2 its end
   std::size_t format;  ///< index into `MTextContent::formats`
   std::u16string text;
 };
 
-/// How long a string is in `style`, which may be null.
-double measure(const std::u16string& text, const MTextFormat& format, CStyle* style);
-
 /// Breaks the text into lines and places its runs, which come line by line, at most
-/// `most` of them. A word that is wider than the box stays whole. Cost is linear in the
-/// pieces.
-std::vector<MTextRun> layoutMText(const MTextContent& content, const MTextBox& box, CStyle* style,
+/// `most` of them. Widths are those of `letterWidth`: a line that is a few percent too long is not
+/// broken, nor one that alone stands between two breaks of the text and may fit. A word that is
+/// wider than the box stays whole. Cost is linear in the pieces.
+std::vector<MTextRun> layoutMText(const MTextContent& content, const MTextBox& box,
                                   std::size_t most);
 
 }  // namespace vek0::detail

@@ -7,6 +7,7 @@
 #include "dxfin/ocs.h"
 #include "dxfin/replacement.h"
 #include "vek0core/entities/enttext.h"
+#include "vek0core/tables/font.h"
 #include "vek0core/tables/style.h"
 #include "vek0core/tables/text.h"
 
@@ -53,6 +54,7 @@ MTextFormat baseFormat(const RecordReader& in, const MTextRecord& record) {
   f.height = record.box.height;
   f.color = in.record().color;
   if (!record.style) return f;
+  if (record.style->getFont()) f.form = letterFormOf(record.style->getFont()->getName());
   if (record.style->getWidthScale() > 0) f.widthScale = record.style->getWidthScale();
   f.oblique = record.style->getOblique();
   return f;
@@ -60,6 +62,7 @@ MTextFormat baseFormat(const RecordReader& in, const MTextRecord& record) {
 
 void noteCodes(const RecordReader& in, const MTextRecord& record, const MTextContent& content,
                std::size_t runs) {
+  for (long i = 0; i < content.approximatedColors; ++i) in.note("color approximated");
   for (const std::u16string& code : content.dropped)
     in.note("text code dropped", zim::WString(u"\\" + code));
   if (record.text.size() >= MTextRecord::kMostUnits || runs >= MTextRecord::kMostRuns)
@@ -111,8 +114,8 @@ class MTextReader {
 };
 
 EntPtr MTextReader::read() {
-  static constexpr RecordKind kind({7, 10, 20, 30, 40, 41, 44, 71, 73, 21, 31}, {8, 10, 20},
-                                   {41, 44});
+  static constexpr RecordKind kind({7, 10, 20, 30, 40, 41, 42, 43, 44, 71, 73, 21, 31}, {8, 10, 20},
+                                   {41, 42, 43, 44});
   if (!m_in.read(kind, {1, 3, 11, 50, 101}, 2, [this](long code) { take(code); })) return nullptr;
   const Record& r = m_in.record();
   m_text.style = styleOf(m_in);
@@ -166,6 +169,12 @@ void MTextReader::takeColumns(long code) {
     case 41:
       m_columnHeight = m_in.lexer().getDouble();
       break;
+    case 42:
+      box.shownWidth = m_in.lexer().getDouble();
+      break;
+    case 43:
+      box.shownHeight = m_in.lexer().getDouble();
+      break;
     case 44:
       m_columnWidth = m_in.lexer().getDouble();
       break;
@@ -191,6 +200,8 @@ void MTextReader::finishBox() {
   const double spacing = r.real(44, 1);
   if (spacing > 0 && spacing < kMostSpacing) box.spacing = spacing;
   box.exactSpacing = r.integer(73) == 2;
+  box.shownWidth = std::max(r.real(42, box.shownWidth), 0.0);
+  box.shownHeight = std::max(r.real(43, box.shownHeight), 0.0);
   if (!m_hasColumns || box.columns < 2) {
     box.columns = 1;
   } else {
@@ -240,15 +251,15 @@ void MTextRecord::take(const CFileDXFILexer& lexer) {
 void buildMText(RecordReader& in, const MTextRecord& record, long handle,
                 std::vector<EntPtr>& built) {
   const MTextContent content = decodeMText(record.text, baseFormat(in, record));
-  const std::vector<MTextRun> runs =
-      layoutMText(content, record.box, record.style, MTextRecord::kMostRuns);
+  const std::vector<MTextRun> runs = layoutMText(content, record.box, MTextRecord::kMostRuns);
   const Record& r = in.record();
   const TextPlane plane(record.normal, record.direction);
   for (const MTextRun& run : runs) {
     const MTextFormat& f = content.formats[run.format];
     const PNT_3D at = plane.at(record.at, run.x, run.y);
     if (!isFinitePoint(at)) return in.fail(CFileDXFIError::InconsistentRecord);
-    const TEXT_3D text(plane.context(f, zim::WString(run.text)), record.style, at.x, at.y, at.z, 0);
+    TEXT_3D text(plane.context(f, zim::WString(run.text)), record.style, at.x, at.y, at.z, 0);
+    text.setAlign(text.findJustify(run.across, 0));
     EntPtr ent = in.built(in.factory().createEntText(in.gestor(), r.layer, r.ltype, f.color, text,
                                                      built.empty() ? handle : 0));
     if (!ent) return;

@@ -15,8 +15,8 @@ using namespace vek0::test;
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
-constexpr double kLine = 5.0 / 3;  // from line to line, in heights
-constexpr double kLetter = 0.9;    // wide, in heights
+constexpr double kLine = 5.0 / 3;                          // from line to line, in heights
+constexpr double kLetter = 19.0 / 21, kDigit = 20.0 / 21;  // wide, in heights: a, b; any digit
 
 Loaded loadAny(const std::string& list) {
   return loadText(entitiesOf("AC1015", list), CFileDXFIPolicy::forAnyFile());
@@ -118,15 +118,18 @@ TEST(ReadMText, LinesBreakAtTheWidth) {
     const char* shown;
   } cases[] = {
       {"fits",                     "aa bb",                    5,   "aa bb"                                },
-      {"does not",                 "aa bb",                    4.9, "aa|bb"                                },
+      {"may fit",                  "aa bb",                    3.5, "aa bb"                                },
+      {"does not",                 "aa bb",                    3.4, "aa|bb"                                },
+      {"a little too long",        "aa bb aa bb",              4.7, "aa bb|aa bb"                          },
+      {"too long",                 "aa bb aa bb",              4.6, "aa|bb|aa|bb"                          },
       {"no width",                 "aa bb",                    0,   "aa bb"                                },
       {"long words stay whole",    "a bbbbbbbb c",             3,   "a|bbbbbbbb|c"                         },
       {"hard blank",               "aa\\~bb",                  3,   "aa bb"                                },
-      {"word of two looks",        "aa b{\\C1;b}b",            5,   "aa|b|b|b"                             },
-      {"word with a stack",        "aa b\\S1/2;",              4,   "aa|b|%%u1|2"                          },
+      {"word of two looks",        "aa b{\\C1;b}b",            4.1, "aa|b|b|b"                             },
+      {"word with a stack",        "aa b\\S1/2;",              3,   "aa|b|%%u1|2"                          },
       {"blanks at the break go",   "aa   bb",                  3,   "aa|bb"                                },
       {"blanks at the start stay", "   bbbb",                  3,   "bbbb"                                 },
-      {"ideographs",               "\\U+4E00\\U+4E01\\U+4E02", 4,   "\xE4\xB8\x80\xE4\xB8\x81|\xE4\xB8\x82"},
+      {"ideographs",               "\\U+4E00\\U+4E01\\U+4E02", 3,   "\xE4\xB8\x80\xE4\xB8\x81|\xE4\xB8\x82"},
       {"a code is one letter",     "a%%d bb",                  5,   "a%%d bb"                              },
   };
   for (const auto& t : cases) {
@@ -136,16 +139,48 @@ TEST(ReadMText, LinesBreakAtTheWidth) {
   }
 }
 
+// The width of all lines and their height are those of the file's own font.
+TEST(ReadMText, ToldExtentsDecide) {
+  const struct {
+    const char* name;
+    const char* more;
+    const char* shown;
+  } cases[] = {
+      {"one line",          "|41 3|42 3|43 1.2",     "aa bb aa bb"},
+      {"two lines",         "|41 9.7|42 9|43 2.7",   "aa bb aa|bb"},
+      {"of newer files",    "|41 3|101 E|42 3|43 1", "aa bb aa bb"},
+      {"that cannot be so", "|41 3|42 3|43 99",      "aa|bb|aa|bb"},
+  };
+  for (const auto& t : cases)
+    for (const char* text : {"aa bb aa bb", "{\\fArial;aa bb aa bb}"}) {
+      SCOPED_TRACE(std::string(t.name) + ": " + text);
+      EXPECT_EQ(shown(loadMText(text, t.more)), t.shown);
+    }
+}
+
+TEST(ReadMText, LettersAreAsWideAsThoseOfTheirFont) {
+  EXPECT_EQ(shown(loadMText("{\\fArial;60 m2}", "|41 3.9")), "60 m2");
+  const auto end = [](const char* font) {
+    return textsOf(loadMText(std::string("{\\f") + font + ";nnnn}{\\C1;b}")).back().x;
+  };
+  EXPECT_LT(end("Arial Narrow"), end("Arial"));
+  EXPECT_LT(end("ISO"), end("Arial"));
+  EXPECT_LT(end("Arial"), end("simplex.shx"));
+  EXPECT_LT(end("simplex.shx"), end("Courier New"));
+}
+
 TEST(ReadMText, TheAttachmentPlacesTheBox) {
-  const double wide = 2 * kLetter, high = 1 + kLine;  // "aa" above "b"
+  const double high = 1 + kLine;  // "aa" above "b"
   for (int attachment = 1; attachment <= 9; ++attachment) {
     SCOPED_TRACE(attachment);
     const Loaded got = loadMText("aa\\Pb", "|71 " + std::to_string(attachment));
     const auto texts = textsOf(got);
     ASSERT_EQ(texts.size(), 2u);
-    const double across = (attachment - 1) % 3 / 2.0, down = (attachment - 1) / 3 / 2.0;
-    EXPECT_NEAR(texts[0].x, -across * wide, 1e-12);
-    EXPECT_NEAR(texts[1].x, -across * kLetter, 1e-12);
+    const double down = (attachment - 1) / 3 / 2.0;
+    for (const TEXT_3D& text : texts) {
+      EXPECT_NEAR(text.x, 0, 1e-12);
+      EXPECT_EQ(text.getHorizAlign(), (attachment - 1) % 3);
+    }
     EXPECT_NEAR(texts[0].y, high * down - 1, 1e-12);
     EXPECT_NEAR(texts[1].y, texts[0].y - kLine, 1e-12);
   }
@@ -182,19 +217,19 @@ TEST(ReadMText, WithinALine) {
     const char* more;
     double x, y;  // of the last run
   } cases[] = {
-      {"tab",                      "a^Ib",                    "",      4,                 -1        },
-      {"own tab",                  "\\pt2,6;a^Ib",            "",      2,                 -1        },
-      {"behind the own tabs",      "\\pt1;aa^Ib",             "",      4,                 -1        },
-      {"low run below",            "\\A0;{\\H4;a}b",          "",      4 * kLetter,       -4        },
-      {"in the middle",            "\\A1;{\\H4;a}b",          "",      4 * kLetter,       -4 + 1.5  },
-      {"above",                    "\\A2;{\\H4;a}b",          "",      4 * kLetter,       -4 + 3    },
-      {"lower row of a stack",     "\\S111/2;",               "",      kLetter,           -2.4      },
-      {"the same without a line",  "\\S111^ 2;",              "",      0,                 -2.4      },
-      {"indent of the first line", "\\pi1,l2;a",              "",      3,                 -1        },
-      {"no indent of the second",  "\\pi1,l2;a b",            "|41 1", 2,                 -1 - kLine},
-      {"indent taken back",        "\\pi1,l2;a\\P\\pi*,l*;b", "",      0,                 -1 - kLine},
-      {"centred paragraph",        "\\pqc;a",                 "|41 9", 4.5 - kLetter / 2, -1        },
-      {"right paragraph",          "\\pqr,r1;a",              "|41 9", 8 - kLetter,       -1        },
+      {"tab",                      "a^Ib",                    "",      4,           -1        },
+      {"own tab",                  "\\pt2,6;a^Ib",            "",      2,           -1        },
+      {"behind the own tabs",      "\\pt1;aa^Ib",             "",      4,           -1        },
+      {"low run below",            "\\A0;{\\H4;a}b",          "",      4 * kLetter, -4        },
+      {"in the middle",            "\\A1;{\\H4;a}b",          "",      4 * kLetter, -4 + 1.5  },
+      {"above",                    "\\A2;{\\H4;a}b",          "",      4 * kLetter, -4 + 3    },
+      {"lower row of a stack",     "\\S111/2;",               "",      kDigit,      -2.4      },
+      {"the same without a line",  "\\S111^ 2;",              "",      0,           -2.4      },
+      {"indent of the first line", "\\pi1,l2;a",              "",      3,           -1        },
+      {"no indent of the second",  "\\pi1,l2;a b",            "|41 1", 2,           -1 - kLine},
+      {"indent taken back",        "\\pi1,l2;a\\P\\pi*,l*;b", "",      0,           -1 - kLine},
+      {"centred paragraph",        "\\pqc;a",                 "|41 9", 4.5,         -1        },
+      {"right paragraph",          "\\pqr,r1;a",              "|41 9", 8,           -1        },
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -277,13 +312,14 @@ TEST(ReadMText, LossesAreTold) {
     const char* text;
     const char* code;
   } cases[] = {
-      {"a",                   "kind replaced"    },
-      {"\\fArial;a",          "text code dropped"},
-      {"\\c255;a",            "text code dropped"},
-      {"\\T2;a",              "text code dropped"},
-      {" ",                   "text empty"       },
-      {"a|210 0|220 1|230 1", "extrusion ignored"},
-      {"a|40 0",              "number replaced"  },
+      {"a",                   "kind replaced"     },
+      {"\\fArial;a",          "text code dropped" },
+      {"\\c255;a",            "color approximated"},
+      {"\\psm2;a",            "text code dropped" },
+      {"\\T2;a",              "text code dropped" },
+      {" ",                   "text empty"        },
+      {"a|210 0|220 1|230 1", "extrusion ignored" },
+      {"a|40 0",              "number replaced"   },
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.text);
