@@ -5,18 +5,13 @@
 #include <cfloat>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <locale>
-#include <sstream>
 #include <string>
 
-// The library's conversion of doubles, where there is one.
-#if defined(__cpp_lib_to_chars) && !defined(VEK0_NO_FLOAT_CHARCONV)
-#define VEK0_FLOAT_CHARCONV 1
-#else
-#define VEK0_FLOAT_CHARCONV 0
-#endif
+#include "files/decimal.h"
+#include "files/natural.h"
 
 namespace vek0::detail {
 namespace {
@@ -111,45 +106,28 @@ Token<C> takeToken(const C* p, const C* end) {
   return token;
 }
 
-// Whether a token that the library found out of range is too large, not too small.
-bool isTooLarge(std::string_view token) {
-  long place = 0;  // power of ten in front of the first digit that is not 0
-  bool isFraction = false, found = false;
-  const char* p = token.data();
-  const char* const end = p + token.size();
-  for (; p != end && (digitOf(*p) <= 9 || *p == '.'); ++p) {
-    if (*p == '.') {
-      isFraction = true;
-      continue;
-    }
-    found = found || *p != '0';
-    if (found && !isFraction) ++place;
-    if (!found && isFraction) --place;
-  }
-  return place + takeExponent(p, end) > 0;
+bool nearestDecimal(std::uint64_t digits, long exponent, double& value) {
+  constexpr long kBeyond = 10000;  // every double
+  return nearestDouble({digits, static_cast<int>(std::clamp(exponent, -kBeyond, kBeyond))}, value);
 }
 
-bool convert(std::string_view token, double& value) {
-#if VEK0_FLOAT_CHARCONV
-  const auto result = std::from_chars(token.data(), token.data() + token.size(), value);
-  if (result.ec == std::errc()) return std::isfinite(value);
-  value = 0;
-  return !isTooLarge(token);
-#else
-  return parseDoublePortable(token, value);
-#endif
-}
-
-ParsedDouble convertToken(const Token<char>& token) {
-  ParsedDouble result{0, true};
-  const auto size = static_cast<std::size_t>(token.end - token.begin);
-  result.finite = convert({token.begin, size}, result.value);
-  return result;
-}
-
-ParsedDouble convertToken(const Token<char16_t>& token) {
-  const std::string narrow(token.begin, token.end);  // ASCII, or it were no token
-  return convertToken(Token<char>{narrow.data(), narrow.data() + narrow.size(), 0, 0, 0});
+// What one multiplication or division does not give.
+template <class C>
+double valueOfDigits(const Token<C>& token) {
+  std::string digits;
+  for (const C* p = token.begin; p != token.end && (*p == C('.') || digitOf(*p) <= 9); ++p)
+    if (*p != C('.')) digits += static_cast<char>(*p);
+  digits.erase(0, digits.find_first_not_of('0'));
+  const std::size_t used = std::min(digits.size(), std::size_t{kDigitsIn64});
+  const auto cut = static_cast<long>(digits.size() - used);
+  std::uint64_t front = 0;
+  takeDigits(digits.data(), digits.data() + used, front);
+  // Numbers with a digit more and with none agree, or all digits are needed.
+  double least, most;
+  if (nearestDecimal(front, token.exponent + cut, least) &&
+      nearestDecimal(front + (cut > 0 ? 1 : 0), token.exponent + cut, most) && least == most)
+    return least;
+  return nearestDoubleOf(digits, token.exponent);
 }
 
 template <class C>
@@ -157,7 +135,8 @@ ParsedDouble valueOf(const Token<C>& token) {
   if (token.count <= kDigitsIn64 && token.digits == 0) return {0, true};
   if (!kRoundsOnce || token.count > kDigitsIn64 || token.digits > kExactWhole ||
       token.exponent < -kExactPower || token.exponent > kExactPower) {
-    return convertToken(token);
+    const double value = valueOfDigits(token);
+    return {value, std::isfinite(value)};
   }
   // Both are exact, so the one operation rounds correctly.
   const auto whole = static_cast<double>(token.digits);
@@ -267,15 +246,19 @@ std::uint32_t millionths(double fraction) {
   return whole;
 }
 
+// All digits of a finite number from 2^53 on.
+char* putHuge(char* out, double value) {
+  int exponent;
+  const double fraction = std::frexp(value, &exponent);
+  constexpr int kBits = std::numeric_limits<double>::digits;
+  Natural number(static_cast<std::uint64_t>(std::ldexp(fraction, kBits)));
+  number.shiftLeft(exponent - kBits);
+  return putText(out, number.toString());
+}
+
 // A finite number that is not negative.
 char* putFixed(char* out, double value) {
-  if (value >= kTwoTo64) {
-#if VEK0_FLOAT_CHARCONV
-    return std::to_chars(out, out + kFixedRoom, value, std::chars_format::fixed, kDecimals).ptr;
-#else
-    return formatFixedPortable(out, value);
-#endif
-  }
+  if (value >= kTwoTo64) return putText(putHuge(out, value), ".000000");
   auto whole = static_cast<std::uint64_t>(value);
   std::uint32_t fraction = millionths(value - static_cast<double>(whole));
   if (fraction == kMillion) {
@@ -306,45 +289,33 @@ char* putFewDecimals(char* out, double value) {
   return end;
 }
 
+char* putZeros(char* out, int count) { return std::fill_n(out, count, '0'); }
+
+// "d.ddde-07": two digits of the exponent at least.
+char* putScientific(char* out, std::string_view digits, int exponent) {
+  *out++ = digits[0];
+  if (digits.size() > 1) out = putText(putText(out, "."), digits.substr(1));
+  out = putText(out, exponent < 0 ? "e-" : "e+");
+  const int magnitude = std::abs(exponent);
+  if (magnitude < 10) *out++ = '0';
+  return putWhole(out, static_cast<std::uint64_t>(magnitude));
+}
+
 // A finite, positive number.
 char* putShortest(char* out, double value) {
-#if VEK0_FLOAT_CHARCONV
-  const bool plain = value >= kLeastPlain && value < kLeastHuge;
-  char* const end = std::to_chars(out, out + kShortestRoom, value,
-                                  plain ? std::chars_format::fixed : std::chars_format::scientific)
-                        .ptr;
-  const bool isWhole = plain && std::find(out, end, '.') == end;
-  return isWhole ? putText(end, ".0") : end;
-#else
-  return formatShortestPortable(out, value);
-#endif
-}
-
-// The C++ streams keep to the classic locale when told so, everywhere.
-std::string printed(double value, std::ios_base::fmtflags form, int precision) {
-  std::ostringstream stream;
-  stream.imbue(std::locale::classic());
-  stream.setf(form, std::ios_base::floatfield);
-  stream.precision(precision);
-  stream << value;
-  return stream.str();
-}
-
-double readBack(const std::string& text) {
-  double value = 0;
-  parseDoublePortable(text, value);
-  return value;
-}
-
-// "d.ddde-07" as the exponent and the digits of the fewest that read back.
-std::string shortestScientific(double value) {
-  constexpr int kEnough = std::numeric_limits<double>::max_digits10 - 1;
-  std::string text;
-  for (int precision = 0; precision <= kEnough; ++precision) {
-    text = printed(value, std::ios_base::scientific, precision);
-    if (readBack(text) == value) break;
-  }
-  return text;
+  if (value >= static_cast<double>(kExactWhole) && value < kLeastHuge)
+    return putText(putWhole(out, static_cast<std::uint64_t>(value)), ".0");
+  const Decimal decimal = shortestDecimal(value);
+  char buffer[kIntegerRoom];
+  const std::string_view digits(
+      buffer, static_cast<std::size_t>(putWhole(buffer, decimal.digits) - buffer));
+  const int count = static_cast<int>(digits.size());
+  const int point = count + decimal.exponent;  // digits in front of it
+  if (value < kLeastPlain || value >= kLeastHuge) return putScientific(out, digits, point - 1);
+  if (point <= 0) return putText(putZeros(putText(out, "0."), -point), digits);
+  if (point >= count) return putText(putZeros(putText(out, digits), point - count), ".0");
+  const auto front = static_cast<std::size_t>(point);
+  return putText(putText(putText(out, digits.substr(0, front)), "."), digits.substr(front));
 }
 
 }  // namespace
@@ -389,28 +360,6 @@ char* formatHex(char* out, std::uint64_t value) {
   char* const end = std::to_chars(out, out + kIntegerRoom, value, 16).ptr;
   std::for_each(out, end, [](char& c) { c = c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
   return end;
-}
-
-bool parseDoublePortable(std::string_view token, double& value) {
-  std::istringstream stream{std::string(token)};
-  stream.imbue(std::locale::classic());
-  if (stream >> value && std::isfinite(value)) return true;
-  value = 0;
-  return !isTooLarge(token);
-}
-
-char* formatFixedPortable(char* out, double value) {
-  return putText(out, printed(value, std::ios_base::fixed, kDecimals));
-}
-
-char* formatShortestPortable(char* out, double value) {
-  const std::string scientific = shortestScientific(value);
-  if (value < kLeastPlain || value >= kLeastHuge) return putText(out, scientific);
-  // The digits after the point that the exponent leaves over.
-  const std::size_t mark = scientific.find('e');
-  const int exponent = static_cast<int>(parseLong(std::string_view(scientific).substr(mark + 1)));
-  const int digits = static_cast<int>(mark) - (mark > 1 ? 2 : 1);
-  return putText(out, printed(value, std::ios_base::fixed, std::max(1, digits - exponent)));
 }
 
 }  // namespace vek0::detail

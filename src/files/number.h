@@ -22,7 +22,7 @@ struct ParsedDouble {
 /// sign are allowed, what follows the number is ignored, a text without a number
 /// is 0, and numbers too small become 0. Hexadecimal forms are not known.
 /// Up to 19 digits that fit 2^53, with a power of ten up to 22, take one exact
-/// multiplication or division; the rest goes through the library.
+/// multiplication or division; most of the rest two products of 64 bits.
 VEK0_API ParsedDouble parseDouble(std::string_view text);
 VEK0_API ParsedDouble parseDouble(std::u16string_view text);
 
@@ -62,16 +62,5 @@ VEK0_API char* formatInteger(char* out, std::int64_t value);
 
 /// Writes `value` in upper-case hexadecimal without leading zeros.
 VEK0_API char* formatHex(char* out, std::uint64_t value);
-
-/// What stands in for the library's conversion of doubles where it has none (some
-/// compilers for WebAssembly; `VEK0_NO_FLOAT_CHARCONV` forces it): many times slower,
-/// the same values. `token` is one decimal number with nothing around it; false when
-/// its value is beyond the range.
-VEK0_API bool parseDoublePortable(std::string_view token, double& value);
-/// Formats a finite, positive number as `formatShortest` does; one digit more than
-/// the fewest is possible next to powers of two.
-VEK0_API char* formatShortestPortable(char* out, double value);
-/// Formats a finite, positive number as `formatFixed` does.
-VEK0_API char* formatFixedPortable(char* out, double value);
 
 }  // namespace vek0::detail
