@@ -60,17 +60,28 @@ void EntMembership::put(CData& data) {
 }
 
 void BlockEntMembership::take(CData& data) {
+  const bool hadAttdefs = (m_block.getFlags() & CBlock::kHasAttdefs) != 0;
   m_place = m_block.getPlace(*m_item);
   m_block.remove(m_item);
+  swapAttdefFlag(hadAttdefs);
   if (isRegistered(data)) m_item->removeTbls(data.getHandleGestor());
   refresh(data);
 }
 
 void BlockEntMembership::put(CData& data) {
+  const bool hadAttdefs = (m_block.getFlags() & CBlock::kHasAttdefs) != 0;
   // The first time the block moves it to where it belongs.
   m_place ? m_block.restore(m_item, *m_place) : m_block.add(m_item);
+  swapAttdefFlag(hadAttdefs);
   if (isRegistered(data)) m_item->addTbls(data.getHandleGestor());
   refresh(data);
+}
+
+// Files set the flag of blocks without attribute definitions too. The block corrects it with its
+// first change, which is undone with that.
+void BlockEntMembership::swapAttdefFlag(bool hadAttdefs) {
+  if (m_hadAttdefs) m_block.setFlags(CBlock::kHasAttdefs, *m_hadAttdefs);
+  m_hadAttdefs = hadAttdefs;
 }
 
 // Tables register what their blocks hold; references and blocks in no table do not.

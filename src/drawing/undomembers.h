@@ -65,10 +65,12 @@ class BlockEntMembership final : public Membership<CEnt> {
   void take(CData& data) override;
   void put(CData& data) override;
   bool isRegistered(const CData& data) const;
+  void swapAttdefFlag(bool hadAttdefs);
   void refresh(CData& data);
 
   CBlock& m_block;
   std::optional<CBlock::Place> m_place;
+  std::optional<bool> m_hadAttdefs;  // before the last change
 };
 
 /// The texts of a linetype count on their styles as long as they exist, the layers of a

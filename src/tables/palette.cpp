@@ -10,7 +10,7 @@ using Byte = std::uint8_t;
 constexpr int kForeground = 7, kColors = 256;
 constexpr RGB_COLOR kBlack{0, 0, 0}, kWhite{255, 255, 255};
 
-constexpr RGB_COLOR kNamed[] = {
+constexpr RGB_COLOR kNamedColors[] = {
     {255, 0,   0  },
     {255, 255, 0  },
     {0,   255, 0  },
@@ -60,7 +60,7 @@ RGB_COLOR hueColor(int number) {
 std::array<RGB_COLOR, kColors> makePalette() {
   std::array<RGB_COLOR, kColors> palette;
   palette.fill(kWhite);
-  for (std::size_t i = 1; i < 10; ++i) palette[i] = kNamed[i - 1];
+  for (std::size_t i = 1; i < 10; ++i) palette[i] = kNamedColors[i - 1];
   for (std::size_t i = 10; i < 250; ++i) palette[i] = hueColor(static_cast<int>(i));
   for (std::size_t i = 250; i < kColors; ++i) palette[i] = kGreys[i - 250];
   return palette;

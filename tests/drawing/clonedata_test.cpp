@@ -49,7 +49,7 @@ void addBlocks(CData& data, CStyle* style) {
   CEntInsert* nested = vek0::test::insertOf(data, *inner, 3, 0x71);
   nested->add(createEntAttrib(data, u"mine", *def, 0x72));
   nested->GetAttrib(0)->setUserInfo(5, 6);
-  data.getBlockTable().Redefine(outer, PNT_3D(5, 5, 0), 0, {nested});
+  data.getBlockTable().Redefine(outer, PNT_3D(5, 5, 0), CBlock::kHasAttdefs, {nested});
   data.getEntTable().add(vek0::test::insertOf(data, *outer, 100, 0x73));
   data.getEntTable().add(createEntFixedInsert(data, *inner, PNT_3D(1, 1, 0), 10, 20, 0.5, 0x74));
 }

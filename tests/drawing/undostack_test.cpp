@@ -191,6 +191,21 @@ TEST(UndoStack, TheOrderOfDrawingComesBack) {
   EXPECT_EQ(back, ranks);
 }
 
+// Files flag blocks as ones with attribute definitions that have none.
+TEST(UndoStack, FalseFlagsOfBlocksComeBack) {
+  const Drawing data = newDrawing();
+  CUndoStack undo(*data);
+  CBlock* block = addedBlock(*data, u"flagged");
+  CEntLine* line = newLine(*data);
+  block->add(line);
+  block->setFlags(CBlock::kHasAttdefs, true);
+  ASSERT_TRUE(undo.remove(line));
+  for (const bool isUndone : {true, false, true}) {
+    isUndone ? undo.undo() : undo.redo();
+    EXPECT_EQ(block->getFlags(), isUndone ? CBlock::kHasAttdefs : 0);
+  }
+}
+
 TEST(UndoStack, WhatTheDrawingUsesIsNotRemoved) {
   const Drawing data = newDrawing();
   CUndoStack undo(*data);
