@@ -45,7 +45,7 @@ ReadResult readWith(Reader reader, CData& data, const std::string& path, const S
 }  // namespace
 
 std::unique_ptr<IFile> openForReading(const std::string& path, bool quiet) {
-  const zim::WString name = zim::WString::fromUtf8(path);
+  const zim::WString name = toName(toPath(path));
   if (path == "-") return std::make_unique<CFileMemory>(name, kRead, standardInput());
   auto file = std::make_unique<CFileStdLib>(name, kRead);
   if (quiet || !ProgressFile::visible()) return file;

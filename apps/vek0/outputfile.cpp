@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <random>
 #include <utility>
 
@@ -24,20 +25,40 @@ void removeAndEnd(int signal) {
   std::_Exit(128 + signal);
 }
 
+// What nobody waits for any more (nohup) stays ignored.
+void endCleanlyOn(int signal) {
+  if (std::signal(signal, removeAndEnd) == SIG_IGN) std::signal(signal, SIG_IGN);
+}
+
 void watchForInterruption(const std::string& temporary) {
   if (temporary.size() >= sizeof g_unfinished) return;
   temporary.copy(g_unfinished, temporary.size());
   g_unfinished[temporary.size()] = 0;
-  std::signal(SIGINT, removeAndEnd);
-  std::signal(SIGTERM, removeAndEnd);
+  endCleanlyOn(SIGINT);
+  endCleanlyOn(SIGTERM);
+#ifndef _WIN32
+  endCleanlyOn(SIGHUP);
+  endCleanlyOn(SIGPIPE);
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that grows too large is a write that fails
+#endif
 }
 
-// Beside the target, so that the rename stays within one file system.
+// Beside the target, so that the rename stays within one file system. Not named after it: a name
+// may be as long as the file system has room for.
 std::filesystem::path temporaryFor(const std::filesystem::path& target) {
   std::random_device random;
-  std::filesystem::path name = target.filename();
-  name += "." + std::to_string(random()) + ".tmp";
-  return target.parent_path() / name;
+  return target.parent_path() / (".vek0-" + std::to_string(random()) + ".tmp");
+}
+
+// What links lead to, there or not; nothing when they lead in a circle.
+std::filesystem::path followed(std::filesystem::path path) {
+  constexpr int kMostLinks = 40;
+  std::error_code failure;
+  for (int i = 0; i < kMostLinks; ++i) {
+    if (!std::filesystem::is_symlink(path, failure)) return path;
+    path = path.parent_path() / std::filesystem::read_symlink(path, failure);
+  }
+  return {};
 }
 
 }  // namespace
@@ -48,28 +69,40 @@ OutputFile::OutputFile(const std::string& path, bool force, Content content)
     m_file = std::make_unique<CFileMemory>(u"-", kWrite);
     return;
   }
-  std::error_code ignored;
-  // A link stays a link: what it points to is replaced.
-  if (std::filesystem::is_symlink(m_target, ignored)) {
-    m_target = std::filesystem::weakly_canonical(m_target, ignored);
-  }
-  if (std::filesystem::is_directory(m_target, ignored)) {
-    m_error = "'" + path + "' is a folder";
-  } else if (std::filesystem::exists(m_target, ignored) &&
-             !std::filesystem::is_regular_file(m_target, ignored)) {
-    // The rename would put a file in the place of the pipe or device.
-    m_error = "'" + path + "' is not a regular file";
-  } else if (!force && std::filesystem::exists(m_target, ignored)) {
-    m_error = "'" + path + "' exists; -f replaces it";
-  } else if (m_target.has_parent_path() &&
-             !std::filesystem::is_directory(m_target.parent_path(), ignored)) {
-    m_error = "the folder of '" + path + "' does not exist";
-  }
+  m_target = followed(m_target);  // a link stays a link: what it points to is written
+  m_error = faultOf(path, force);
+  if (!m_error.empty()) return;
   m_temporary = temporaryFor(m_target);
   watchForInterruption(m_temporary.string());
+  createTemporary();
   auto file = std::make_unique<CFileStdLib>(toName(m_temporary), kWrite);
   if (content == Bytes) file->setLineEnd(CFileStdLib::Lf);
   m_file = std::move(file);
+}
+
+std::string OutputFile::faultOf(const std::string& path, bool force) const {
+  std::error_code ignored;
+  const auto status = std::filesystem::status(m_target, ignored);
+  if (m_target.empty()) return "'" + path + "' is a link that leads to itself";
+  if (std::filesystem::is_directory(status)) return "'" + path + "' is a folder";
+  // The rename would put a file in the place of the pipe or device.
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+    return "'" + path + "' is not a regular file";
+  if (!force && std::filesystem::exists(status)) return "'" + path + "' exists; -f replaces it";
+  if (m_target.has_parent_path() && !std::filesystem::is_directory(m_target.parent_path(), ignored))
+    return "the folder of '" + path + "' does not exist";
+  return {};
+}
+
+// Until it is in place nobody else may read it: the file that it replaces may be private.
+void OutputFile::createTemporary() {
+  std::error_code ignored;
+  std::ofstream(m_temporary).close();
+  m_permissions = std::filesystem::status(m_temporary, ignored).permissions();
+  const auto before = std::filesystem::status(m_target, ignored);
+  if (std::filesystem::exists(before)) m_permissions = before.permissions();
+  using std::filesystem::perms;
+  std::filesystem::permissions(m_temporary, perms::owner_read | perms::owner_write, ignored);
 }
 
 OutputFile::~OutputFile() {
@@ -81,10 +114,7 @@ OutputFile::~OutputFile() {
 bool OutputFile::commit() {
   if (m_temporary.empty()) return writeToStandardOutput();
   std::error_code failure;
-  const auto before = std::filesystem::status(m_target, failure);
-  if (std::filesystem::exists(before)) {
-    std::filesystem::permissions(m_temporary, before.permissions(), failure);
-  }
+  std::filesystem::permissions(m_temporary, m_permissions, failure);
   std::filesystem::rename(m_temporary, m_target, failure);
   if (failure) {
     m_error = "'" + m_target.string() + "' cannot be written: " + failure.message();

@@ -11,8 +11,8 @@ namespace vek0::tool {
 /// Where a command writes its drawing: a file that appears whole or not at all,
 /// or the standard output for "-".
 ///
-/// The bytes go to a temporary file beside the target, which `commit` renames.
-/// Without `commit` (and on interruption) the temporary file is removed.
+/// The bytes go to a temporary file beside the target, which only its owner may read and which
+/// `commit` renames. Without `commit` (and on interruption) the temporary file is removed.
 class OutputFile {
  public:
   /// What line feeds become: the platform's line end in texts, nothing else in bytes.
@@ -37,10 +37,13 @@ class OutputFile {
   bool commit();
 
  private:
+  std::string faultOf(const std::string& path, bool force) const;
+  void createTemporary();
   bool writeToStandardOutput();
 
   std::filesystem::path m_target;
-  std::filesystem::path m_temporary;  // empty for the standard output
+  std::filesystem::path m_temporary;       // empty for the standard output
+  std::filesystem::perms m_permissions{};  // of the finished file
   std::unique_ptr<IFile> m_file;
   std::string m_error;
 };

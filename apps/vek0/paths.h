@@ -3,18 +3,26 @@
 #include <filesystem>
 #include <string>
 
-#include "zim0lang/wstring.h"
+#include "vek0core/files/filename.h"
 
 namespace vek0::tool {
 
-/// A path from the UTF-8 that arguments are in.
-inline std::filesystem::path toPath(const std::string& utf8) {
-  return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+/// A path from an argument: UTF-8, or whatever bytes names of the platform have.
+inline std::filesystem::path toPath(const std::string& argument) {
+#ifdef _WIN32
+  return std::filesystem::path(std::u8string(argument.begin(), argument.end()));
+#else
+  return std::filesystem::path(argument);
+#endif
 }
 
 /// The name that the library's files take.
 inline zim::WString toName(const std::filesystem::path& path) {
+#ifdef _WIN32
   return zim::WString(std::u16string_view(path.u16string()));
+#else
+  return fileNameFromBytes(path.native());
+#endif
 }
 
 }  // namespace vek0::tool

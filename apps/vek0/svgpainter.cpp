@@ -64,15 +64,27 @@ std::string colorText(const RGB_COLOR& color) {
   return text;
 }
 
-// Text as XML takes it: the marks escaped, characters that XML has not left out.
-std::string escaped(std::string_view utf8) {
+// What of a text may stand in XML: no control characters, neither U+FFFE nor U+FFFF.
+std::string withoutNonCharacters(std::string_view utf8) {
   std::string out;
   out.reserve(utf8.size());
   for (std::size_t i = 0; i < utf8.size(); ++i) {
-    const char c = utf8[i];
-    // U+FFFE and U+FFFF.
-    const bool noCharacter = utf8.substr(i, 2) == "\xEF\xBF" && i + 2 < utf8.size() &&
-                             static_cast<unsigned char>(utf8[i + 2]) >= 0xBE;
+    const auto byte = static_cast<unsigned char>(utf8[i]);
+    if (utf8.substr(i, 2) == "\xEF\xBF" && i + 2 < utf8.size() &&
+        static_cast<unsigned char>(utf8[i + 2]) >= 0xBE) {
+      i += 2;
+    } else if (byte == '\t') {
+      out += ' ';
+    } else if (byte >= 0x20 && byte != 0x7F) {
+      out += utf8[i];
+    }
+  }
+  return out;
+}
+
+std::string escaped(std::string_view utf8) {
+  std::string out;
+  for (const char c : withoutNonCharacters(utf8)) {
     switch (c) {
       case '&':
         out += "&amp;";
@@ -86,24 +98,16 @@ std::string escaped(std::string_view utf8) {
       case '"':
         out += "&quot;";
         break;
-      case '\t':
-        out += ' ';
-        break;
       default:
-        if (noCharacter) {
-          i += 2;
-        } else if (static_cast<unsigned char>(c) >= 0x20 && c != 0x7F) {
-          out += c;
-        }
+        out += c;
     }
   }
   return out;
 }
 
-// A layer's name as part of an id that also style sheets and addresses take.
 std::string idPart(const std::string& layer) {
   std::string id;
-  for (const char c : layer) {
+  for (const char c : withoutNonCharacters(layer)) {
     const bool plain = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') ||
                        c == '-' || c == '_' || static_cast<unsigned char>(c) >= 0x80;
     id += plain ? c : '_';

@@ -20,6 +20,7 @@
 
 #include "vek0core/files/file.h"
 #include "vek0core/files/filememory.h"
+#include "vek0core/files/filename.h"
 #include "vek0core/files/filestdlib.h"
 #include "vek0core/files/report.h"
 #include "vek0core/files/smartstring.h"

@@ -7,6 +7,7 @@
 
 #include "files/linedecoder.h"
 #include "vek0core/assert.h"
+#include "vek0core/files/filename.h"
 #include "vek0core/files/textcodec.h"
 
 namespace {
@@ -26,7 +27,7 @@ std::FILE* openStream(const zim::WString& name, bool forReading) {
 #ifdef _WIN32
   return _wfopen(reinterpret_cast<const wchar_t*>(name.c_str()), forReading ? L"rb" : L"wb");
 #else
-  return std::fopen(name.toUtf8().c_str(), forReading ? "rb" : "wb");
+  return std::fopen(fileNameToBytes(name).c_str(), forReading ? "rb" : "wb");
 #endif
 }
 

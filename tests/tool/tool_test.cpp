@@ -120,34 +120,38 @@ TEST_F(Tool, ExitCodes) {
     const char* arguments;
     int code;
   } cases[] = {
-      {"help",                      "--help",                                           0},
-      {"help of a verb",            "help convert",                                     0},
-      {"help of no verb",           "help bogus",                                       2},
-      {"version",                   "--version",                                        0},
-      {"no verb",                   "",                                                 2},
-      {"unknown verb",              "infos good.dxf",                                   2},
-      {"unknown option",            "info --colour good.dxf",                           2},
-      {"missing operand",           "convert good.dxf",                                 2},
-      {"drawing with an error",     "convert broken.dxf out.dxf",                       1},
-      {"drawing that is not there", "convert missing.dxf out.dxf",                      1},
-      {"output in no folder",       "convert good.dxf nowhere/out.dxf",                 3},
-      {"output exists",             "convert good.dxf broken.dxf",                      3},
-      {"output is a folder",        "convert -f good.dxf .",                            3},
-      {"output is a pipe",          "convert -f good.dxf pipe",                         3},
-      {"broken part of an import",  "import good.dxf broken.dxf -o o.dxf",              1},
-      {"hatch of nothing",          "hatch good.dxf -o out.dxf --closed-polylines",     1},
-      {"hatch without area",        "hatch good.dxf -o out.dxf",                        2},
-      {"hatch of no point",         "hatch good.dxf -o out.dxf --boundary 0,0 a 1,1",   2},
-      {"pattern of no name",        "hatch good.dxf -o out.dxf --pattern NO",           2},
-      {"linetypes not there",       "linetypes a.lin missing.lin",                      1},
-      {"linetypes from a folder",   "linetypes .",                                      1},
-      {"linetypes for a drawing",   "convert --linetypes missing.lin good.dxf out.dxf", 1},
-      {"two files to save",         "linetypes a.lin a.lin --save out.dxf",             2},
-      {"nothing to list",           "linetypes",                                        2},
-      {"saved upon another",        "linetypes a.lin --save broken.dxf",                3},
-      {"saved in no folder",        "linetypes a.lin --save nowhere/o",                 3},
+      {"help",                      "--help",                                                           0},
+      {"help of a verb",            "help convert",                                                     0},
+      {"help of no verb",           "help bogus",                                                       2},
+      {"version",                   "--version",                                                        0},
+      {"no verb",                   "",                                                                 2},
+      {"unknown verb",              "infos good.dxf",                                                   2},
+      {"unknown option",            "info --colour good.dxf",                                           2},
+      {"missing operand",           "convert good.dxf",                                                 2},
+      {"drawing with an error",     "convert broken.dxf out.dxf",                                       1},
+      {"drawing that is not there", "convert missing.dxf out.dxf",                                      1},
+      {"output in no folder",       "convert good.dxf nowhere/out.dxf",                                 3},
+      {"output exists",             "convert good.dxf broken.dxf",                                      3},
+      {"output is a folder",        "convert -f good.dxf .",                                            3},
+      {"output is a pipe",          "convert -f good.dxf pipe",                                         3},
+      {"output leads to itself",    "convert -f good.dxf loop",                                         3},
+      {"output grows too large",    "--version; ulimit -f 1; '" VEK0_TOOL "' convert good.dxf out.dxf",
+       3                                                                                                 },
+      {"broken part of an import",  "import good.dxf broken.dxf -o o.dxf",                              1},
+      {"hatch of nothing",          "hatch good.dxf -o out.dxf --closed-polylines",                     1},
+      {"hatch without area",        "hatch good.dxf -o out.dxf",                                        2},
+      {"hatch of no point",         "hatch good.dxf -o out.dxf --boundary 0,0 a 1,1",                   2},
+      {"pattern of no name",        "hatch good.dxf -o out.dxf --pattern NO",                           2},
+      {"linetypes not there",       "linetypes a.lin missing.lin",                                      1},
+      {"linetypes from a folder",   "linetypes .",                                                      1},
+      {"linetypes for a drawing",   "convert --linetypes missing.lin good.dxf out.dxf",                 1},
+      {"two files to save",         "linetypes a.lin a.lin --save out.dxf",                             2},
+      {"nothing to list",           "linetypes",                                                        2},
+      {"saved upon another",        "linetypes a.lin --save broken.dxf",                                3},
+      {"saved in no folder",        "linetypes a.lin --save nowhere/o",                                 3},
   };
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
+  fs::create_symlink("loop", path("loop"));
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
     const Outcome got = run(t.arguments);
@@ -197,6 +201,17 @@ TEST_F(Tool, ForceKeepsLinksAndPermissions) {
   EXPECT_NE(contents(path("real.dxf")), "old");
   EXPECT_EQ(fs::status(path("real.dxf")).permissions(),
             fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(Tool, WritesUnderWhateverNameItIsGiven) {
+  fs::create_symlink("made.dxf", path("dangling.dxf"));
+  const std::string longest = std::string(251, 'x') + ".dxf";
+  for (const std::string& name :
+       {std::string("dangling.dxf"), std::string("caf\xE9.dxf"), longest}) {
+    EXPECT_EQ(run("convert " + flange + " " + name).code, 0) << name;
+    EXPECT_EQ(run("check " + name).code, 0) << name;
+  }
+  EXPECT_TRUE(fs::is_symlink(path("dangling.dxf")) && fs::exists(path("made.dxf")));
 }
 
 TEST_F(Tool, ForceReplacesAndImportMerges) {

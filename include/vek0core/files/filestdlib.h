@@ -17,7 +17,7 @@ class VEK0_API CFileStdLib : public IFile {
  public:
   enum LineEnd { Lf, CrLf };
 
-  /// `name` is handed to the platform in its own encoding (UTF-8 outside Windows);
+  /// `name` is handed to the platform in its own encoding (`fileNameToBytes` outside Windows);
   /// `mode` is `kRead` or `kWrite`, any other is a caller error and never opens.
   CFileStdLib(const zim::WString& name, long mode);
   CFileStdLib(const CFileStdLib&) = default;
