@@ -19,7 +19,9 @@ enum Kind {
   kInsert,
   kAttrib,
   kHatch,
-  kFace
+  kFace,
+  kSolid,
+  kTrace
 };
 
 // Says of each visited entity which row of the counts it belongs to.
@@ -38,7 +40,11 @@ class KindVisitor final : public IEntVisitor {
   void visit(CEntInsertXRef&) override { kind = kInsert; }
   void visit(CEntAttrib&) override { kind = kAttrib; }
   void visit(CEntHatch&) override { kind = kHatch; }
-  void visit(CEnt3DFace&) override { kind = kFace; }
+  void visit(CEnt3DFace& face) override {
+    kind = kFace;
+    if (face.getFill() == FaceFill::Solid) kind = kSolid;
+    if (face.getFill() == FaceFill::Trace) kind = kTrace;
+  }
 
   Kind kind = kPoint;
 };

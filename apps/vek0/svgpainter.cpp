@@ -354,7 +354,9 @@ void SvgPainter::begin(const DrawItem& item) {
   const zim::WString none;
   const zim::WString& layer = item.layer ? *item.layer : none;
   const bool sameLayer = layer == m_layer;
-  if (!sameLayer || item.handle != m_handle || item.handle == 0) {
+  // Fills that nothing tells apart stay together: filled faces side by side would show seams.
+  const bool unites = item.handle == 0 && m_pathFills && item.color == m_color;
+  if (!sameLayer || item.handle != m_handle || (item.handle == 0 && !unites)) {
     endEntity();
   } else if (!(item.color == m_color)) {
     endPath();

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "arraycells.h"
+#include "quadshape.h"
 #include "textcodes.h"
 
 namespace vek0::detail {
@@ -275,11 +276,23 @@ void Walker::strokeSegments(const CEntPolyline& ent) {
 }
 
 void Walker::visit(CEnt3DFace& ent) {
+  if (ent.isFilled()) return fillFace(ent);
   for (long i = 0; i < 4; ++i) {
     PNT_3D from, to;
     ent.getPoints(i, from, to);
     if (ent.isEdgeVisib(i) && from != to) strokeLine(from, to);
   }
+}
+
+// One that is seen from its edge still shows a line.
+void Walker::fillFace(const CEnt3DFace& ent) {
+  m_device.clear();
+  for (long i = 0; i < (ent.isTriangular() ? 3 : 4); ++i)
+    m_device.push_back(m_place.apply(ent.getVertex(i)));
+  const QuadShape shape = shapeOfQuad(m_device);
+  if (shape == QuadShape::Flat) return m_out.stroke(m_device, true);
+  m_ends.assign(1, m_device.size());
+  m_out.fill(m_device, m_ends, shape == QuadShape::Crossed ? FillRule::EvenOdd : FillRule::NonZero);
 }
 
 // --- Arcs

@@ -81,6 +81,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
   void drawMixedChain(std::vector<WIDE_VERTEX> points);
   void stroke(const WIDE_VERTEX* points, std::size_t count, bool closed);
   void fillOutline(const std::vector<WIDE_VERTEX>& points, bool closed);
+  void fillFace(const CEnt3DFace& ent);
   void strokeLine(const PNT_3D& from, const PNT_3D& to);
   void strokeSegments(const CEntPolyline& ent);
   void strokeRuns(const CEntPolyline& ent);

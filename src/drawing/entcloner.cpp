@@ -84,10 +84,9 @@ class EntCloner final : public IEntVisitor {
                                   e.GetHandle()));
   }
   void visit(CEnt3DFace& e) override {
-    auto* face =
-        createEnt3DFace(m_data, layer(e), ltype(e), e.getColor(), e.getVertex(0), e.getVertex(1),
-                        e.getVertex(2), e.getVertex(3), e.getFlags(), e.GetHandle());
-    keep(face);
+    keep(factory().createEntSolid(gestor(), layer(e), ltype(e), e.getColor(), e.getVertex(0),
+                                  e.getVertex(1), e.getVertex(2), e.getVertex(3), e.getFlags(),
+                                  e.getFill(), e.GetHandle()));
   }
 
  private:

@@ -13,11 +13,13 @@
 #include "vek0core/entities/blockfactory.h"
 #include "vek0core/entities/blocktable.h"
 #include "vek0core/entities/blockxref.h"
+#include "vek0core/entities/ent3dface.h"
 #include "vek0core/entities/entfactory.h"
 #include "vek0core/entities/enthatch.h"
 #include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/enttable.h"
 #include "vek0core/files/report.h"
+#include "vek0core/hatch/hatchtypetable.h"
 #include "vek0core/tables/font.h"
 
 namespace {
@@ -378,6 +380,7 @@ void IFileDXFIDataSemantor::settle() {
   dropFalseXRefs();
   repointInserts();
   dropUnusedHatchBlocks();
+  refillSolids();
   m_data.getBlockTable().recalcBdry();
   m_data.getEntTable().invalidateBdry();
 }
@@ -399,6 +402,43 @@ void IFileDXFIDataSemantor::dropUnusedHatchBlocks() {
   for (CBlock* block : m_hatchBlocks)
     if (block->getEntities() == 0) dropBlock(*block);
   m_hatchBlocks.clear();
+}
+
+void IFileDXFIDataSemantor::adoptHatch(CEntHatch& hatch) {
+  if (isSolid(hatch.getHatchType()) && hatch.getBlock()) m_solidBlocks.insert(hatch.getBlock());
+}
+
+void IFileDXFIDataSemantor::refillSolids() {
+  if (m_solidBlocks.empty()) return;
+  const auto look = [this](const CEntInsertBase* insert) {
+    if (insert && insert->getType() == CEntHatch::kType && m_solidBlocks.count(insert->getBlock()))
+      refill(static_cast<const CEntHatch&>(*insert));
+  };
+  const CBlockTable& blocks = m_data.getBlockTable();
+  for (int i = 0; i < static_cast<int>(blocks.size()); ++i)
+    for (CBlock::CInsertIterator insert(*blocks[i]); *insert; ++insert) look(*insert);
+  for (CEnt* ent : m_data.getEntTable().getEntityTbl()) look(ent->getEntInsert());
+}
+
+// Strict reading passes over the records of filled faces, and the classic form has outlines in
+// their place.
+void IFileDXFIDataSemantor::refill(const CEntHatch& hatch) {
+  CBlock& block = *hatch.getBlock();
+  if (block.size() == 0) {
+    const std::unique_ptr<CBlock> fresh = generate(hatch.getHatchType(), hatch.getHatchScale(),
+                                                   hatch.getHatchRotate(), hatch.getBoundary());
+    if (!fresh) return note("hatch empty", hatch.getHatchType().name);
+    std::list<CEnt*> pieces;
+    for (unsigned i = 0; i < fresh->size(); ++i) pieces.push_back((*fresh)[i]);
+    fresh->clearEntities();
+    return redefineBlock(block, block.getPnt(), block.getFlags(), pieces);
+  }
+  for (unsigned i = 0; i < block.size(); ++i) {
+    if (block[i]->getType() != CEnt3DFace::kType) continue;
+    auto& face = static_cast<CEnt3DFace&>(*block[i]);
+    face.setFlags(CEnt3DFace::kNoEdges);
+    if (!face.isFilled()) face.setFill(FaceFill::Solid);
+  }
 }
 
 bool IFileDXFIDataSemantor::repoint(CEntInsertBase& insert) {

@@ -102,9 +102,11 @@ EntPtr readHatch(RecordReader& in, CBlock& block, HatchData& data) {
     return nullptr;
   in.hatchBlocks.insert(&block);
   const Record& r = in.record();
-  return in.built(in.factory().createEntHatch(in.gestor(), r.layer, r.ltype, r.color, &block,
-                                              *data.type, data.scale, data.angleRad,
-                                              joinHatchRings(data.rings), r.handle));
+  auto hatch = in.built(in.factory().createEntHatch(in.gestor(), r.layer, r.ltype, r.color, &block,
+                                                    *data.type, data.scale, data.angleRad,
+                                                    joinHatchRings(data.rings), r.handle));
+  if (hatch) in.context().semantor.adoptHatch(*hatch);
+  return hatch;
 }
 
 }  // namespace

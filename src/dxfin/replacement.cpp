@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "vek0core/entities/ent3dface.h"
 #include "vek0core/entities/entpolyline.h"
 
 namespace vek0::detail {
@@ -28,15 +27,16 @@ EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short fla
   return polyline;
 }
 
-EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges, long handle) {
+EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges, long handle,
+                 FaceFill fill) {
   if (!std::all_of(std::begin(corners), std::end(corners), isFinitePoint)) {
     in.fail(CFileDXFIError::InconsistentRecord);
     return nullptr;
   }
   const Record& r = in.record();
-  return in.built(in.factory().createEnt3DFace(in.gestor(), r.layer, r.ltype, r.color, corners[0],
-                                               corners[1], corners[2], corners[3], hiddenEdges,
-                                               handle));
+  return in.built(in.factory().createEntSolid(in.gestor(), r.layer, r.ltype, r.color, corners[0],
+                                              corners[1], corners[2], corners[3], hiddenEdges, fill,
+                                              handle));
 }
 
 EntPtr handOver(RecordReader& in, std::vector<EntPtr> built, const zim::WString& kind) {

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "dxfin/recordreader.h"
+#include "vek0core/entities/ent3dface.h"
 
 namespace vek0::detail {
 
@@ -18,7 +19,8 @@ bool isFinitePoint(const PNT_3D& p);
 EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short flags, long handle);
 
 /// 3D face; bit i of `hiddenEdges` hides the edge that begins at corner i.
-EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges, long handle);
+EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges, long handle,
+                 FaceFill fill = FaceFill::None);
 
 /// Gives the first as the record's entity and leaves the others, in order, as its further
 /// ones, and notes that `kind` was replaced. Nothing at all is error 20.

@@ -174,17 +174,14 @@ class Faces {
 EntPtr readSolid(RecordReader& in) {
   static constexpr RecordKind kind({10, 20, 30, 11, 21, 31, 12, 22, 32, 13, 23, 33},
                                    {8, 10, 20, 11, 21, 12, 22});
-  const zim::WString name = in.lexer().getText();
+  const FaceFill fill = in.lexer().isKeyword("TRACE") ? FaceFill::Trace : FaceFill::Solid;
   if (!in.read(kind)) return nullptr;
   const Record& r = in.record();
   const PlaneAxes plane(r.extrusion);
   const PNT_3D third = plane.toWorld(r.point(2));
   const PNT_3D fourth = r.seen.has(13) ? plane.toWorld(r.point(3)) : third;
-  std::vector<EntPtr> built;
-  if (EntPtr face = buildFace(
-          in, {plane.toWorld(r.point(0)), plane.toWorld(r.point(1)), fourth, third}, 0, r.handle))
-    built.push_back(std::move(face));
-  return handOver(in, std::move(built), name);
+  return buildFace(in, {plane.toWorld(r.point(0)), plane.toWorld(r.point(1)), fourth, third}, 0,
+                   r.handle, fill);
 }
 
 EntPtr readMultiline(RecordReader& in) {

@@ -4,10 +4,10 @@
 
 namespace vek0::detail {
 
-// Kinds that a drawing has no class for and that consist of straight edges. Each reader
-// starts on the group 0 of its record.
+// Kinds that consist of straight edges and have no class of their own in a drawing. Each
+// reader starts on the group 0 of its record.
 
-/// SOLID and TRACE, which are the same: a 3D face.
+/// SOLID and TRACE: a filled 3D face.
 EntPtr readSolid(RecordReader& in);
 /// MLINE: polylines along each of the parallel lines, one for each piece that it is cut
 /// into; without the ends, fills and colours of its style.

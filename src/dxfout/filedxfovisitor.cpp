@@ -7,6 +7,7 @@
 #include "dxfout/hatchdata.h"
 #include "dxfout/savedcolor.h"
 #include "dxfout/savednames.h"
+#include "dxfout/savedsolid.h"
 #include "dxfout/savedvertexes.h"
 #include "dxfout/savefilter.h"
 #include "dxfout/savehandles.h"
@@ -113,9 +114,27 @@ void CFileDXFOVisitor::visit(CEntArc& ent) {
 
 void CFileDXFOVisitor::visit(CEnt3DFace& ent) {
   if (refuses(ent, "3DFACE")) return;
+  if (ent.isFilled()) {
+    const char* kind = ent.getFill() == FaceFill::Trace ? "TRACE" : "SOLID";
+    if (m_exchange && solid_visit(ent, kind)) return;
+    report("fill as outline", kind);
+  }
   begin("3DFACE", ent);
   for (long corner = 0; corner < 4; ++corner) writePoint(corner, ent.getVertex(corner));
   m_writer.write(70, ent.getFlags());
+}
+
+// False when its corners are in no plane.
+bool CFileDXFOVisitor::solid_visit(const CEnt3DFace& ent, const char* kind) {
+  vek0::detail::SavedSolid solid;
+  if (!savedSolid(ent, m_flatten, solid)) return false;
+  begin(kind, ent);
+  for (long corner = 0; corner < 4; ++corner) writePoint(corner, solid.corners[corner]);
+  if (solid.normal == PNT_3D(0, 0, 1)) return true;
+  m_writer.write(210, solid.normal.x);
+  m_writer.write(220, solid.normal.y);
+  m_writer.write(230, solid.normal.z);
+  return true;
 }
 
 void CFileDXFOVisitor::visit(CEntText& ent) {

@@ -22,8 +22,6 @@
 
 namespace {
 
-constexpr long kAllEdgesHidden = 15;
-
 std::atomic<HatchMessageHandler> g_handler{nullptr};
 
 const zim::Char* messageOf(HatchStatus status) {
@@ -49,8 +47,8 @@ class BlockSink final : public IHatchSink {
     keep(factory().createEntPnt(gestor(), layer(), ltype(), kColorByBlock, at, 0));
   }
   void face(const HatchFace& f) {
-    keep(factory().createEnt3DFace(gestor(), layer(), ltype(), kColorByBlock, f.p[0], f.p[1],
-                                   f.p[2], f.p[3], kAllEdgesHidden, 0));
+    keep(factory().createEntSolid(gestor(), layer(), ltype(), kColorByBlock, f.p[0], f.p[1], f.p[2],
+                                  f.p[3], CEnt3DFace::kNoEdges, FaceFill::Solid, 0));
   }
 
  private:

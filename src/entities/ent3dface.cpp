@@ -26,7 +26,7 @@ CEnt3DFace::CEnt3DFace(long handle, CLayer* layer, CLtype* ltype, short color, c
 }
 
 CEnt3DFace::CEnt3DFace(const CEnt3DFace& src, long handle)
-    : CEnt(src, handle), m_vertexes(src.m_vertexes), m_flags(src.m_flags) {}
+    : CEnt(src, handle), m_vertexes(src.m_vertexes), m_flags(src.m_flags), m_fill(src.m_fill) {}
 
 void CEnt3DFace::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
@@ -35,6 +35,7 @@ void CEnt3DFace::setMemento(CData&, const IEntDerivedMemento* memento) {
   if (face == nullptr) return;
   m_vertexes = face->m_vertexes;
   m_flags = face->m_flags;
+  m_fill = face->m_fill;
   calcBdry();
 }
 
@@ -111,10 +112,10 @@ CEnt* CEnt3DFace::clone(IHandleGestor&, CEntFactory&, CBlockFactory&, CBlockTabl
 }
 
 CEnt3DFaceMemento::CEnt3DFaceMemento(const CEnt3DFace& face)
-    : m_vertexes(face.m_vertexes), m_flags(face.m_flags) {}
+    : m_vertexes(face.m_vertexes), m_flags(face.m_flags), m_fill(face.m_fill) {}
 
 bool CEnt3DFaceMemento::operator==(const CEnt& ent) const {
   if (ent.getType() != CEnt3DFace::kType) return false;
   const auto& face = static_cast<const CEnt3DFace&>(ent);
-  return face.m_flags == m_flags && face.m_vertexes == m_vertexes;
+  return face.m_flags == m_flags && face.m_fill == m_fill && face.m_vertexes == m_vertexes;
 }

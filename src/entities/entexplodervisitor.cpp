@@ -13,7 +13,6 @@
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entpolyline.h"
 #include "vek0core/geometry/edge.h"
-#include "vek0core/hatch/hatchtypetable.h"
 
 namespace {
 
@@ -124,11 +123,7 @@ void CEntExploderVisitor::visit(CEntInsert& ent) { showContents(ent, nullptr); }
 
 void CEntExploderVisitor::visit(CEntFixedInsert& ent) { showContents(ent, nullptr); }
 
-// The faces of a fill have no edges to be seen by outside of a hatch.
-void CEntExploderVisitor::visit(CEntHatch& ent) {
-  m_isRefused = false;
-  if (!isSolid(ent.getHatchType())) showContents(ent, ent.getLayer());
-}
+void CEntExploderVisitor::visit(CEntHatch& ent) { showContents(ent, ent.getLayer()); }
 
 void CEntExploderVisitor::visit(CEntPnt&) { m_isRefused = false; }
 

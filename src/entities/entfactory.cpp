@@ -194,6 +194,15 @@ CEnt3DFace* CEntFactory::createEnt3DFace(IHandleGestor&, const CEnt3DFace& src) 
   return make<CEnt3DFace>(src, kCopyHandle);
 }
 
+CEnt3DFace* CEntFactory::createEntSolid(IHandleGestor& gestor, CLayer* layer, CLtype* ltype,
+                                        short color, const PNT_3D& p0, const PNT_3D& p1,
+                                        const PNT_3D& p2, const PNT_3D& p3, long flags,
+                                        FaceFill fill, long handle) {
+  CEnt3DFace* face = createEnt3DFace(gestor, layer, ltype, color, p0, p1, p2, p3, flags, handle);
+  if (face) face->setFill(fill);
+  return face;
+}
+
 CEnt* CEntFactory::clone(IHandleGestor& gestor, CBlockFactory& blockFactory,
                          CBlockTable& blockTable, const CEnt& src) {
   try {

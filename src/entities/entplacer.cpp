@@ -26,6 +26,7 @@
 #include "vek0core/entities/transformtext.h"
 #include "vek0core/geometry/angle.h"
 #include "vek0core/geometry/edge.h"
+#include "vek0core/hatch/hatchtypetable.h"
 #include "vek0core/tables/ltype.h"
 
 namespace vek0::detail {
@@ -203,13 +204,16 @@ void EntPlacer::visit(CEntAttrib& ent) {
   if ((ent.getFlags() & kInvisible) == 0) visit(static_cast<CEntText&>(ent));
 }
 
+// The pieces of a hatch hide their edges. On their own they get them back: a form of files that
+// has no fills would lose them otherwise.
 void EntPlacer::visit(CEnt3DFace& ent) {
-  long flags = ent.getFlags();
+  const bool isFreed = ent.isFilled() && m_look && m_look->layer;
   PNT_3D p[4];
   for (long i = 0; i < 4; ++i) p[i] = placed(ent.getVertex(i));
-  take(m_maker.ents.createEnt3DFace(m_maker.gestor, layerOf(ent), ltypeOf(ent), colorOf(ent), p[0],
-                                    p[1], p[2], p[3], flags, 0),
-       ent);
+  take(
+      m_maker.ents.createEntSolid(m_maker.gestor, layerOf(ent), ltypeOf(ent), colorOf(ent), p[0],
+                                  p[1], p[2], p[3], isFreed ? 0 : ent.getFlags(), ent.getFill(), 0),
+      ent);
 }
 
 // --- Inserts
@@ -305,7 +309,8 @@ void EntPlacer::placeContents(EntMaker& maker, const CEntInsertMatrix& outer,
 // --- Hatches
 
 void EntPlacer::visit(CEntHatch& ent) {
-  if (m_keepsAngles && !m_mirrors && placeHatch(ent)) return;
+  const bool staysHatch = isSolid(ent.getHatchType()) ? m_scale > 0 : m_keepsAngles && !m_mirrors;
+  if (staysHatch && placeHatch(ent)) return;
   placeContents(m_maker, m_matrix, ent, BlockLook{colorOf(ent), ltypeOf(ent), layerOf(ent)},
                 m_depth + 1);
 }

@@ -47,8 +47,9 @@ struct BlockLook {
 /// Points, lines, faces and texts are what they were. Circles, arcs, and the arcs of
 /// polylines stay arcs when the matrix keeps angles, and become chords otherwise. Inserts
 /// stay inserts when their axes stay square, and become what they show otherwise; hatches
-/// stay hatches when the matrix keeps angles and does not mirror, and become their lines
-/// otherwise. Attribute definitions have no copy. A null look leaves colours and linetypes.
+/// stay hatches when the matrix keeps angles and does not mirror, solid ones when it flattens
+/// nothing, and become what their blocks hold otherwise. Attribute definitions have no copy. A null
+/// look leaves colours and linetypes.
 class EntPlacer final : public IEntVisitor {
  public:
   EntPlacer(EntMaker& maker, const CEntInsertMatrix& matrix, const BlockLook* look, int depth);

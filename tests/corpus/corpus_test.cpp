@@ -44,14 +44,15 @@ long linesOf(const std::string& bytes) {
 void expectRoundTrip(CData& data, unsigned flags) {
   const std::string first = save(data, flags);
   ASSERT_FALSE(first.empty());
-  EXPECT_EQ(save(data, flags), first) << "equal input must give equal bytes";
+  EXPECT_TRUE(save(data, flags) == first) << "equal input must give equal bytes";
   Loaded copy = load(first);
   ASSERT_FALSE(copy.error.HasAnError())
       << copy.error.GetFullMessage().toUtf8() << " in our own file, flags " << flags;
   EXPECT_EQ(inconsistency(*copy.drawing), "");
-  if (flags & kSaveExchange) {
-    EXPECT_EQ(save(*copy.drawing, flags), first) << "load, save must give the same file again";
-  }
+  if ((flags & kSaveExchange) == 0) return;
+  // Strict reading passes over filled faces, and the files are too long for a comparison of lines.
+  const Loaded again = load(first, CFileDXFIPolicy::forAnyFile());
+  EXPECT_TRUE(save(*again.drawing, flags) == first) << "load, save must give the same file again";
 }
 
 void checkFile(const fs::path& path) {

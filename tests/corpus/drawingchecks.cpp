@@ -104,10 +104,12 @@ Drawing newDrawing() {
   return Drawing(CDataFactory().createData());
 }
 
-Loaded load(const std::string& bytes) {
+Loaded load(const std::string& bytes, const CFileDXFIPolicy& policy) {
   Loaded loaded{newDrawing(), {}};
   CFileMemory file(u"test.dxf", 1, bytes);
-  loadDXF(*loaded.drawing, file, &loaded.error);
+  CFileDXFIOptions options;
+  options.policy = policy;
+  loadDXF(*loaded.drawing, file, &loaded.error, options);
   return loaded;
 }
 

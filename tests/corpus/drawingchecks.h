@@ -17,7 +17,7 @@ struct Loaded {
   Drawing drawing;
   CFileDXFIError error;
 };
-Loaded load(const std::string& bytes);
+Loaded load(const std::string& bytes, const CFileDXFIPolicy& policy = {});
 
 /// The drawing as DXF; empty when saving fails.
 std::string save(const CData& data, unsigned flags);

@@ -23,7 +23,8 @@ import sys
 import tempfile
 
 WITHIN = 1e-5  # drawing units
-KINDS = {"POINT", "LINE", "CIRCLE", "ARC", "POLYLINE", "TEXT", "INSERT", "3DFACE", "ATTDEF"}
+KINDS = {"POINT", "LINE", "CIRCLE", "ARC", "POLYLINE", "TEXT", "INSERT", "3DFACE", "SOLID", "TRACE",
+         "ATTDEF"}
 PYTHON = "/usr/bin/python3" if os.path.exists("/usr/bin/python3") else sys.executable
 # What a judge says of sound files: it wants an owner for the SEQEND of an R12 polyline in
 # a block, which R12 has no way to state, and sees text points where only 11 counts.
@@ -40,7 +41,7 @@ EXPLAINED = {
 EZDXF = """
 import collections, json, sys, ezdxf
 from ezdxf import recover
-READ = set('POINT LINE CIRCLE ARC POLYLINE LWPOLYLINE TEXT INSERT 3DFACE ATTDEF ATTRIB VIEWPORT'.split())
+READ = set('POINT LINE CIRCLE ARC POLYLINE LWPOLYLINE TEXT INSERT 3DFACE SOLID TRACE ATTDEF ATTRIB VIEWPORT'.split())
 def read(path):
     try: return ezdxf.readfile(path)
     except Exception: return recover.readfile(path)[0]

@@ -133,7 +133,9 @@ class Draughtsman {
       case 5:
         return createEntFixedInsert(data(), *m_block, p, 40, 60, 0.5, 0);
       case 6:
-        return createEnt3DFace(data(), p, q, place(), p, below(16), 0);
+        return data().getEntFactory().createEntSolid(
+            data().getHandleGestor(), getCurLayer(data()), getCurLtype(data()), 256, p, q, place(),
+            p, below(16), below(2) ? FaceFill::Solid : FaceFill::None, 0);
       case 7: {
         CEntPolyline* polyline = createEntPolyline(data(), below(2) + 128 * below(2), 0, 0);
         for (int i = 0; i < 4; ++i) {

@@ -353,6 +353,39 @@ TEST(Shapes, FacesShowTheirVisibleEdges) {
   }
 }
 
+TEST(Shapes, FilledFacesShowTheirArea) {
+  const struct {
+    const char* name;
+    std::vector<PNT_3D> corners;
+    PNT_2D in, out;
+  } cases[] = {
+      {"four corners", square(100, 100, 50),                         {101, 149}, {99, 149}},
+      {"a triangle",
+       {{100, 100, 0}, {200, 100, 0}, {200, 200, 0}, {200, 200, 0}},
+       {190, 110},
+       {110, 190}},
+      {"sides that cross",
+       {{100, 100, 0}, {200, 100, 0}, {100, 200, 0}, {200, 200, 0}},
+       {150, 110},
+       {110, 150}},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    Scene scene;
+    const auto& p = t.corners;
+    CEnt3DFace* face = createEnt3DFace(*scene.data, p[0], p[1], p[2], p[3], 15, 0);
+    face->setFill(FaceFill::Solid);
+    scene.add(face);
+    const Recorder drawn = scene.draw();
+    EXPECT_EQ(drawn.count(Thing::Fill), drawn.things.size());
+    EXPECT_TRUE(covers(drawn, seen(t.in.x, t.in.y)));
+    EXPECT_FALSE(covers(drawn, seen(t.out.x, t.out.y)));
+    long corner = 0;
+    for (const PNT_3D& at : p) face->setVertex(corner++, PNT_3D(at.x, 100, at.y));
+    EXPECT_EQ(scene.draw().count(Thing::Stroke), 1U) << "seen from its edge";
+  }
+}
+
 // The faces of its block would leave seams.
 TEST(Shapes, ASolidHatchIsOneFillWithItsHoles) {
   Scene scene;

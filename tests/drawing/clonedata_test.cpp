@@ -94,6 +94,7 @@ Drawing everything() {
   table.add(createEntText(data, text(u"text", style), 0x45));
   table.add(createEnt3DFace(data, PNT_3D(0, 0, 0), PNT_3D(1, 0, 0), PNT_3D(1, 1, 0),
                             PNT_3D(0, 1, 5), 2, 0x46));
+  cast3DFace(table.get(0x46))->setFill(FaceFill::Trace);
   table.get(0x42)->setUserInfo(7, 8);
   table.select(table.get(0x44));
   table.select(table.get(0x42));
@@ -126,6 +127,7 @@ TEST(CloneData, KeepsWhatAFileDoesNot) {
   const CEntTable& table = data.getEntTable();
   EXPECT_EQ(table.get(0x42)->getUserType(), 7);
   EXPECT_EQ(table.get(0x42)->getUserData(), 8);
+  EXPECT_EQ(cast3DFace(table.get(0x46))->getFill(), FaceFill::Trace);
   EXPECT_EQ(table.getSelectedEntityTbl(), (std::list<CEnt*>{table.get(0x44), table.get(0x42)}));
   EXPECT_EQ(getLayer(data, u"Walls")->getLineWidth(), static_cast<enumLineWidth>(2));
   EXPECT_EQ(data.getLtypeContinuous().getDesc(), u"solid");

@@ -61,6 +61,18 @@ void addFace(CData& d) {
                          PNT_3D(1, 1, 1), PNT_3D(0, 1, 1), 5, 1));
 }
 
+// In a plane that leans to the left: 3 up and 4 to the side.
+void addLeaningTrace(CData& d) {
+  add(d, d.getEntFactory().createEntSolid(getHandleGestor(d), wall(d), byLayer(d), 256,
+                                          PNT_3D(0, 0, 0), PNT_3D(0, 2, 0), PNT_3D(4, 2, 3),
+                                          PNT_3D(4, 0, 3), 0, FaceFill::Trace, 1));
+}
+
+void addFilledFace(CData& d) {
+  addFace(d);
+  cast3DFace(d.getEntTable().getEntityTbl().back())->setFill(FaceFill::Solid);
+}
+
 void addText(CData& d) {
   const CTextContext context = textContext(u"\u00D8 12", 2.5, kPi / 2);
   add(d, createEntText(d, wall(d), byLayer(d), 256,
@@ -300,6 +312,26 @@ TEST(EntityOutput, FlattenedPointsLoseTheirHeight) {
             polylineHead(kZero, "0") + vertex("2", kZero, kZero, kZero, "0") +
                 vertex("3", "1.000000", kZero, kZero, "0") + seqend("4"))
       << "what is flat now is no polyline in space";
+}
+
+// Its record has the last two corners the other way round, and one plane for all of them.
+TEST(EntityOutput, FilledFacesAreSolids) {
+  const std::string corners =
+      "11 1.0; 21 0.0; 31 0.0; 12 0.0; 22 1.0; 32 0.0; 13 1.0; 23 1.0; 33 0.0";
+  EXPECT_EQ(written(addFilledFace, kSaveExchange | kSaveFlatten),
+            pairs("0 SOLID; 5 1; 8 WALL; 10 0.0; 20 0.0; 30 0.0; " + corners));
+  EXPECT_EQ(written(addLeaningTrace, kSaveExchange),
+            pairs("0 TRACE; 5 1; 8 WALL; 10 0.0; 20 0.0; 30 0.0; 11 -2.0; 21 0.0; 31 0.0; "
+                  "12 0.0; 22 5.0; 32 0.0; 13 -2.0; 23 5.0; 33 0.0; 210 -0.6; 220 0.0; 230 0.8"));
+  EXPECT_EQ(written(addFilledFace, 0), written(addFace, 0)) << "the classic form has none";
+  const Drawing warped = prepared();
+  addFilledFace(*warped);
+  cast3DFace(warped->getEntTable().getEntityTbl().back())->setVertex(3, PNT_3D(0, 1, 2));
+  CFileReport report;
+  EXPECT_TRUE(contains(saved(*warped, kSaveExchange, &report), "  0\n3DFACE\n"));
+  ASSERT_EQ(report.entries().size(), 1u);
+  EXPECT_STREQ(report.entries()[0].code, "fill as outline");
+  EXPECT_EQ(report.entries()[0].sample, u"SOLID");
 }
 
 TEST(EntityOutput, ExchangeFormWritesShortNumbersAndBulges) {

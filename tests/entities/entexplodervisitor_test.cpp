@@ -9,7 +9,9 @@
 #include "entities/scene.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/blockfactory.h"
+#include "vek0core/entities/ent3dface.h"
 #include "vek0core/entities/entarc.h"
+#include "vek0core/entities/entcast.h"
 #include "vek0core/entities/entcircle.h"
 #include "vek0core/entities/enthatch.h"
 #include "vek0core/entities/entinsert.h"
@@ -233,15 +235,36 @@ TEST_F(Explode, HatchesGiveLinesAndStayHatchesInBlocks) {
   purgeHatchBlocks(*data);
 }
 
-TEST_F(Explode, SolidHatchesHaveNoLinesToGive) {
-  const std::vector<PNT_3D> ring = vek0::test::pts("0,0 10,0 10,10 0,10");
+// Mirrored and sheared by unequal scales as well, whether the fill stays a hatch or comes apart.
+TEST_F(Explode, FillsOfSolidHatchesStayVisible) {
+  const std::vector<PNT_3D> ring = vek0::test::pts("0,0 10,0 10,10 5,3 0,10");
   CEntHatch* hatch =
       createEntHatch(*data, layer(), ltype(), 4, data->getHatchTypeTable().solid(), 1, 0, ring, 0);
   ASSERT_NE(hatch, nullptr);
-  EXPECT_GT(hatch->getBlock()->size(), 0u);
-  EXPECT_TRUE(explode(*hatch).empty());
-  EXPECT_FALSE(made->isRefused());
-  delete hatch;
+  const auto expectFills = [](const auto& pieces, double expected) {
+    double area = 0;
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+      const CEnt3DFace* face = cast3DFace(&*pieces[i]);
+      ASSERT_NE(face, nullptr);
+      EXPECT_TRUE(face->isFilled());
+      for (long k = 0; k < 4; ++k) {
+        const PNT_3D &p = face->getVertex(k), &q = face->getVertex((k + 1) % 4);
+        area += (p.x * q.y - p.y * q.x) / 2;
+      }
+    }
+    EXPECT_NEAR(area, expected, 1e-9);
+  };
+  const Ents& loose = explode(*hatch);
+  expectFills(loose, 65);
+  EXPECT_EQ(loose[0]->getColor(), 4);
+  EXPECT_EQ(cast3DFace(loose[0].get())->getFlags(), 0) << "outlined where nothing is filled";
+  const Ents& kept = explode(*keptInsert(block("B", {hatch}), PNT_3D(5, 0, 0), -2, 3, 0.5));
+  ASSERT_EQ(kept.size(), 1u);
+  CEntHatch* copy = castHatch(kept[0].get());
+  ASSERT_NE(copy, nullptr);
+  std::vector<CEnt*> pieces;
+  for (unsigned i = 0; i < copy->getBlock()->size(); ++i) pieces.push_back((*copy->getBlock())[i]);
+  expectFills(pieces, -2 * 3 * 65);
   purgeHatchBlocks(*data);
 }
 

@@ -244,6 +244,7 @@ TEST_F(Hatches, AreFilledWithHiddenFaces) {
     CEnt3DFace* face = cast3DFace(block[i]);
     ASSERT_NE(face, nullptr);
     EXPECT_EQ(face->getFlags(), 15);
+    EXPECT_TRUE(face->isFilled());
     for (long a = 0; a < 4; ++a) {
       const PNT_3D &p = face->getVertex(a), &q = face->getVertex((a + 1) % 4);
       area += (p.x * q.y - p.y * q.x) / 2;

@@ -66,7 +66,10 @@ class RandomChange {
       def->setFlags(77);
     }
     if (CEntInsertBase* insert = ent.getEntInsert()) change(*insert);
-    if (CEnt3DFace* face = cast3DFace(&ent)) face->setFlags(m_all.pick() ? 1 : 2);
+    if (CEnt3DFace* face = cast3DFace(&ent)) {
+      face->setFlags(m_all.pick() ? 1 : 2);
+      if (m_all.pick()) face->setFill(FaceFill::Solid);
+    }
   }
 
  private:

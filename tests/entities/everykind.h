@@ -88,8 +88,10 @@ class EveryKind {
     put("hatch", createEntHatch(d, *getHatch(zim::WString(u"ANSI31")), 10, 0.5,
                                 {PNT_3D(0, 0, 0), PNT_3D(50, 0, 0), PNT_3D(50, 50, 0)}, 0));
     put("face", createEnt3DFace(d, point(), point(), point(), point(), 5, 0));
-    put("triangle", createEnt3DFace(d, PNT_3D(0, 0, 0), PNT_3D(1, 0, 5), PNT_3D(1, 1, 0),
-                                    PNT_3D(1, 1, 0), 0, 0));
+    put("filled triangle",
+        d.getEntFactory().createEntSolid(d.getHandleGestor(), layer(), ltype(), 3, PNT_3D(0, 0, 0),
+                                         PNT_3D(1, 0, 5), PNT_3D(1, 1, 0), PNT_3D(1, 1, 0), 0,
+                                         FaceFill::Trace, 0));
   }
 
   std::mt19937 m_random;
@@ -153,7 +155,7 @@ class ShapeNumbers final : public IEntVisitor {
   }
   void visit(CEnt3DFace& e) override {
     for (long i = 0; i < 4; ++i) put(e.getVertex(i));
-    put(static_cast<double>(e.getFlags()), e.isTriangular());
+    put(static_cast<double>(e.getFlags()), e.isTriangular(), static_cast<int>(e.getFill()));
   }
 
  private:

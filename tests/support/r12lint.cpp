@@ -266,8 +266,9 @@ class Lint {
   }
 
   void checkEntityRecords() {
-    static const std::set<std::string> kinds = {"POINT", "LINE",   "CIRCLE",   "ARC",   "3DFACE",
-                                                "TEXT",  "ATTDEF", "POLYLINE", "INSERT"};
+    static const std::set<std::string> kinds = {"POINT",  "LINE",     "CIRCLE", "ARC",
+                                                "SOLID",  "TRACE",    "3DFACE", "TEXT",
+                                                "ATTDEF", "POLYLINE", "INSERT"};
     while (m_at < m_records.size() && kinds.count(m_records[m_at].kind)) {
       const Record& entity = next();
       checkEntity(entity);

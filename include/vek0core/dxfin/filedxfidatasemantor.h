@@ -61,6 +61,7 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   CBlock* findBlock(const zim::WString& name) override;
   CLayer* createLayerHurried(const zim::WString& name) override;
   const ICADFont* getFont(const zim::WString& name) override;
+  void adoptHatch(CEntHatch& hatch) override;
 
  protected:
   IFileDXFIDataSemantor(const IFileDXFIDataSemantor&) = default;
@@ -84,7 +85,7 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   /// The placeholders that were not defined, in the order in which they were made.
   std::vector<CBlock*> undefinedBlocks() const;
   /// Settles what only the whole file tells: external references that are ordinary blocks,
-  /// inserts of such that were declared after them, and extents.
+  /// inserts of such that were declared after them, fills of solid hatches, and extents.
   void settle();
   /// Takes a block out of the drawing and deletes it; nothing may insert it.
   void dropBlock(CBlock& block);
@@ -115,6 +116,8 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
                                    const std::vector<PNT_3D>& boundary);
   void dropUnusedHatchBlocks();
   void dropFalseXRefs();
+  void refillSolids();
+  void refill(const CEntHatch& hatch);
   void dropCircles(CBlock& block, std::list<CEnt*>& entities) const;
   bool repoint(CEntInsertBase& insert);
   void repointInserts();
@@ -126,8 +129,9 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   // References that only the names of dependent items speak of. As long as no block
   // entry declares one, an ordinary block of that name comes first.
   std::unordered_set<const CBlockXRef*> m_announcedXRefs;
-  std::unordered_set<CBlock*> m_hatchBlocks;  // generated while reading
-  double m_hatchRoom;                         // pieces that further hatches may have
+  std::unordered_set<CBlock*> m_hatchBlocks;        // generated while reading
+  std::unordered_set<const CBlock*> m_solidBlocks;  // of solid hatches that the file has as inserts
+  double m_hatchRoom;                               // pieces that further hatches may have
   std::vector<Placeholder> m_placeholders;
   std::unordered_map<const CBlock*, std::size_t> m_placeholderIndex;
 };

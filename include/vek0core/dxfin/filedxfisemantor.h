@@ -121,6 +121,9 @@ class VEK0_API IFileDXFISemantor {
   virtual CLayer* createLayerHurried(const zim::WString& name) = 0;
   /// The font for a font file's name; null when the policy allows no stand-in.
   virtual const ICADFont* getFont(const zim::WString& name) = 0;
+  /// Told of each hatch that the file holds as an insert. Its block may have other content
+  /// than a hatch needs, or none, when reading is over. Does nothing unless overridden.
+  virtual void adoptHatch(CEntHatch& /*hatch*/) {}
 
   virtual ~IFileDXFISemantor() = default;
 

@@ -40,7 +40,8 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   /// Names of layers, linetypes, styles and blocks come from `converter`
   /// (borrowed). They are encoded on first use and kept.
   void SetACADNameConverter(CNameAcadConverter* converter);
-  /// Writes bulges instead of chords and exact angles; off at first.
+  /// Writes bulges instead of chords, filled faces as SOLID and TRACE instead of 3DFACE, and
+  /// exact angles; off at first.
   void setExchange(bool exchange) { m_exchange = exchange; }
   /// Where losses are reported; null (at first) for nowhere. Borrowed.
   void setReport(CFileReport* report) { m_report = report; }
@@ -71,6 +72,7 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   bool isReady() const;
   long begin(const char* kind, const CEnt& ent);
   long def_visit(const CEnt& ent);
+  bool solid_visit(const CEnt3DFace& ent, const char* kind);
   void txt_visit(const TextRecord& text, long stringCode, long verticalCode);
   long insert_visit(const CEntInsertBase& ent);
   void attribs_visit(const CEntInsertBase& ent);

@@ -18,10 +18,10 @@ inline constexpr unsigned kSaveNoTables = 8;
 /// The form for other programs: every name unique after conversion (letter case
 /// ignored), an LTYPE count (73) of exactly the dashes that follow and its flags
 /// (70) cut to 7 bits, real numbers as the shortest decimals that read back
-/// exactly, `$CECOLOR` and `$HANDSEED` in the header, a layer on every ENDBLK, and
-/// bulges (42) for the arcs of polylines instead of their chords. Without it the
-/// output has the classic form: six decimals, chords, and names that may coincide
-/// once converted.
+/// exactly, `$CECOLOR` and `$HANDSEED` in the header, a layer on every ENDBLK, bulges
+/// (42) for the arcs of polylines instead of their chords, and SOLID or TRACE for filled
+/// faces. Without it the output has the classic form: six decimals, chords, outlines,
+/// and names that may coincide once converted.
 inline constexpr unsigned kSaveExchange = 16;
 
 /// Writes the drawing as a DXF file of version "AC1009" (sections HEADER, TABLES,
@@ -50,6 +50,8 @@ VEK0_API bool SaveDXF(const CData& data, IFile& file, unsigned flags);
 ///   number not finite     such a number of a variable or a table item was replaced
 ///   color out of range    a colour that the format does not have was replaced
 ///   insert without block  an insert whose block the drawing does not have is missing
+///   fill as outline       a filled face became one that shows its visible edges: in the
+///                         classic form, or with corners that are not in one plane
 ///   fixed insert          an insert of fixed pixel size became an ordinary one
 ///   linetype text dropped what a linetype shows beside its dashes is missing
 ///   lineweight dropped    the width of a layer's lines

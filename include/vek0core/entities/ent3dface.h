@@ -8,7 +8,15 @@
 #include "vek0core/geometry/line.h"
 #include "vek0core/geometry/pnt.h"
 
-/// 3D face entity: four corners and a word of flags.
+/// What fills a face: the format has two kinds of filled quadrilaterals, which differ in
+/// name alone.
+enum class FaceFill : unsigned char { None, Solid, Trace };
+
+/// 3D face entity: four corners, a word of flags, and whether it is filled.
+///
+/// A filled face shows its area, whatever its flags say of its edges. Its corners are in
+/// order around it, as those of other faces are; files list the last two the other way
+/// round.
 ///
 /// Bits 0 to 3 of the flags make an edge invisible: edge i runs from corner i to
 /// corner i + 1, edge 3 back to corner 0. Bit 7 says that the face is a triangle,
@@ -19,7 +27,8 @@
 /// nearest corner stands in.
 class VEK0_API CEnt3DFace : public CEnt {
  public:
-  static constexpr short kType = 11;  ///< what `getType` answers
+  static constexpr short kType = 11;    ///< what `getType` answers
+  static constexpr long kNoEdges = 15;  ///< flags that hide every edge
 
   void accept(IEntVisitor& visitor) override;
   using CEnt::setMemento;
@@ -53,6 +62,11 @@ class VEK0_API CEnt3DFace : public CEnt {
   /// as they are, so they are too large when corner 3 alone reached outside.
   void setTriangular();
 
+  FaceFill getFill() const { return m_fill; }
+  bool isFilled() const { return m_fill != FaceFill::None; }
+  /// Neither corners nor flags change.
+  void setFill(FaceFill fill) { m_fill = fill; }
+
  protected:
   friend class CEntFactory;
   friend class CEnt3DFaceMemento;
@@ -71,9 +85,10 @@ class VEK0_API CEnt3DFace : public CEnt {
 
   std::array<PNT_3D, 4> m_vertexes;
   long m_flags;
+  FaceFill m_fill = FaceFill::None;
 };
 
-/// Undo snapshot of a 3D face: its corners and the whole word of flags.
+/// Undo snapshot of a 3D face: its corners, the whole word of flags and its fill.
 class VEK0_API CEnt3DFaceMemento final : public IEntDerivedMemento {
  public:
   explicit CEnt3DFaceMemento(const CEnt3DFace& face);
@@ -86,4 +101,5 @@ class VEK0_API CEnt3DFaceMemento final : public IEntDerivedMemento {
   friend class CEnt3DFace;
   std::array<PNT_3D, 4> m_vertexes;
   long m_flags;
+  FaceFill m_fill;
 };

@@ -24,7 +24,7 @@ class CLayer;
 ///   do the arcs of polylines; scales that differ in sign alone keep arcs.
 /// - A polyline gives a line or an arc for every visible segment; widths are lost. An arc
 ///   that is not level gives its chords.
-/// - A hatch gives its lines, on its own layer; a solid one, which has none, nothing.
+/// - A hatch gives its lines, on its own layer; a solid one the filled faces that cover it.
 /// - All others, inserts of external references too, give nothing.
 ///
 /// An entity with which the visitor would have given more than the limit, counted in entities

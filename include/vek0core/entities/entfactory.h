@@ -34,6 +34,7 @@ class IHandleGestor;
 class LINE_3D;
 class PNT_3D;
 class TEXT_3D;
+enum class FaceFill : unsigned char;
 struct HATCH_TYPE;
 
 /// Makes every entity and vertex of a drawing; a host that wants entities of its own
@@ -138,6 +139,10 @@ class VEK0_API CEntFactory {
                                       short color, const PNT_3D& p0, const PNT_3D& p1,
                                       const PNT_3D& p2, const PNT_3D& p3, long flags, long handle);
   virtual CEnt3DFace* createEnt3DFace(IHandleGestor& gestor, const CEnt3DFace& src);
+  /// What `createEnt3DFace` makes, with that fill. The corners are in order around it.
+  CEnt3DFace* createEntSolid(IHandleGestor& gestor, CLayer* layer, CLtype* ltype, short color,
+                             const PNT_3D& p0, const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3,
+                             long flags, FaceFill fill, long handle);
 
   /// A copy of an entity of any kind, with its parts; handle 0.
   virtual CEnt* clone(IHandleGestor& gestor, CBlockFactory& blockFactory, CBlockTable& blockTable,
