@@ -15,9 +15,10 @@ enum ExitCode {
 
 /// How drawings are read.
 struct ReadOptions {
-  bool strict = false;      ///< an error ends the reading, and nothing is repaired
-  bool paperSpace = false;  ///< the sheets instead of the model
-  int codePage = 0;         ///< of texts whatever the file says; 0: as it says
+  bool strict = false;         ///< an error ends the reading, and nothing is repaired
+  bool paperSpace = false;     ///< the sheets instead of the model
+  bool hatchOutlines = false;  ///< patterned hatches as their boundaries
+  int codePage = 0;            ///< of texts whatever the file says; 0: as it says
 };
 
 /// What every command shares. One run of the tool has one.

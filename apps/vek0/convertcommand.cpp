@@ -15,6 +15,7 @@ struct ConvertOptions {
   std::string in, out;
   std::vector<std::string> linetypes;
   std::string toUnits, fromUnits;
+  std::string hatch = "lines";
   SaveOptions save;
 };
 
@@ -35,6 +36,43 @@ bool changeUnits(CData& data, const ConvertOptions& options, long stated, Sessio
   }
   scaleDrawing(data, *from / *unitInMetres(options.toUnits));
   return true;
+}
+
+std::size_t linesOf(const CEntInsertBase* insert) {
+  if (!insert || insert->getType() != CEntHatch::kType || !insert->getBlock()) return 0;
+  const auto& hatch = static_cast<const CEntHatch&>(*insert);
+  return isSolid(hatch.getHatchType()) ? 0 : hatch.getBlock()->size();
+}
+
+// Of all patterned hatches: what the format has instead of them.
+std::size_t hatchLinesOf(const CData& data) {
+  std::size_t lines = 0;
+  for (CEnt* ent : data.getEntTable().getEntityTbl()) lines += linesOf(ent->getEntInsert());
+  const CBlockTable& blocks = data.getBlockTable();
+  for (int i = 0; i < static_cast<int>(blocks.size()); ++i)
+    for (CBlock::CInsertIterator insert(*blocks[i]); *insert; ++insert) lines += linesOf(*insert);
+  return lines;
+}
+
+void sayIfGrown(const ConvertOptions& options, std::uintmax_t written, std::size_t hatchLines) {
+  constexpr std::uintmax_t kMuch = 10;
+  const std::uintmax_t read = sizeOf(options.in);
+  if (hatchLines == 0 || read == 0 || written <= kMuch * read) return;
+  Session::complain("'" + options.out + "' is " + std::to_string(written / read) +
+                    " times as large as the input; it holds " + std::to_string(hatchLines) +
+                    " lines of hatch patterns, which --hatch outline leaves out");
+}
+
+void convert(const ConvertOptions& options, Session& session) {
+  session.reading.hatchOutlines = options.hatch == "outline";
+  std::size_t hatchLines = 0;
+  const std::uintmax_t written = rewrite(
+      options.in, options.out, options.save, session, [&](CData& data, const ReadResult& result) {
+        hatchLines = hatchLinesOf(data);
+        return addAllLinetypes(data, options, session) &&
+               changeUnits(data, options, result.outcome.units, session);
+      });
+  if (!session.quiet) sayIfGrown(options, written, hatchLines);
 }
 
 }  // namespace
@@ -58,21 +96,21 @@ void addConvertCommand(CLI::App& app, Session& session) {
       ->check(CLI::IsMember(unitNames()))
       ->type_name("UNIT")
       ->needs(toUnits);
+  verb->add_option("--hatch", options->hatch,
+                   "What a patterned hatch becomes: the lines of its pattern, or its outline "
+                   "(boundary) alone; solid ones stay filled")
+      ->check(CLI::IsMember({"lines", "outline"}))
+      ->capture_default_str();
   addSaveOptions(*verb, options->save);
   verb->footer(
       "Examples:\n"
       "  vek0 convert plan.dxf plan_r12.dxf\n"
       "  vek0 convert --flatten --visible-only - - < in.dxf > out.dxf\n"
       "  vek0 convert --linetypes pipes.lin plan.dxf plan_with_pipes.dxf\n"
-      "  vek0 convert --to-units mm --from-units in part.dxf part_mm.dxf\n\n"
+      "  vek0 convert --to-units mm --from-units in part.dxf part_mm.dxf\n"
+      "  vek0 convert --hatch outline plan.dxf small.dxf\n\n"
       "The output appears whole or not at all. Nothing is written for a file with an error.");
-  verb->callback([options, &session] {
-    rewrite(options->in, options->out, options->save, session,
-            [&](CData& data, const ReadResult& result) {
-              return addAllLinetypes(data, *options, session) &&
-                     changeUnits(data, *options, result.outcome.units, session);
-            });
-  });
+  verb->callback([options, &session] { convert(*options, session); });
 }
 
 }  // namespace vek0::tool

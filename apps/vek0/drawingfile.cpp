@@ -55,6 +55,13 @@ std::unique_ptr<IFile> openForReading(const std::string& path, bool quiet) {
   return std::make_unique<ProgressFile>(std::move(file), static_cast<long long>(size), path);
 }
 
+std::uintmax_t sizeOf(const std::string& path) {
+  if (path == "-") return standardInput().size();
+  std::error_code failure;
+  const std::uintmax_t size = std::filesystem::file_size(toPath(path), failure);
+  return failure ? 0 : size;
+}
+
 std::string ReadResult::message() const {
   if (!opened()) return "The file cannot be opened.";
   return error.HasAnError() ? error.GetFullMessage().toUtf8() : std::string();
@@ -64,6 +71,7 @@ CFileDXFIOptions readingOptions(const Session& session) {
   CFileDXFIOptions options;
   if (!session.reading.strict) options.policy = CFileDXFIPolicy::forAnyFile();
   options.policy.paperSpace = session.reading.paperSpace;
+  options.policy.hatchOutlines = session.reading.hatchOutlines;
   options.codePage = session.reading.codePage;
   return options;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -28,6 +29,9 @@ Drawing newDrawing();
 /// The file `path` ("-": standard input), closed, with a progress bar for people unless
 /// `quiet`.
 std::unique_ptr<IFile> openForReading(const std::string& path, bool quiet);
+
+/// The bytes of the file; 0 when that cannot be told.
+std::uintmax_t sizeOf(const std::string& path);
 
 /// Reads `path` ("-": standard input) into an empty drawing as the session says, with a
 /// progress bar for people unless it is quiet. Tolerant reading keeps the names of fonts

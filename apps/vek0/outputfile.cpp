@@ -111,6 +111,14 @@ OutputFile::~OutputFile() {
   if (!m_temporary.empty()) std::filesystem::remove(m_temporary, ignored);
 }
 
+std::uintmax_t OutputFile::size() const {
+  if (m_target == "-") return static_cast<const CFileMemory&>(*m_file).bytes().size();
+  std::error_code failure;
+  const auto size =
+      std::filesystem::file_size(m_temporary.empty() ? m_target : m_temporary, failure);
+  return failure ? 0 : size;
+}
+
 bool OutputFile::commit() {
   if (m_temporary.empty()) return writeToStandardOutput();
   std::error_code failure;

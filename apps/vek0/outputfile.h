@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -32,6 +33,9 @@ class OutputFile {
 
   /// What to save into; owned by this object.
   IFile& file() { return *m_file; }
+
+  /// The bytes of the finished file, before or after `commit`; 0 when that cannot be told.
+  std::uintmax_t size() const;
 
   /// Puts the finished file in its place. False, with `error()`, when that fails.
   bool commit();

@@ -23,40 +23,46 @@ void addSaveOptions(CLI::App& verb, SaveOptions& options) {
 
 namespace {
 
-void save(const CData& data, OutputFile& output, const SaveOptions& options, Session& session) {
+bool save(const CData& data, OutputFile& output, const SaveOptions& options, Session& session) {
   CFileReport report;
   if (!SaveDXF(data, output.file(), options.flags(), &report)) {
     Session::complain("'" + output.path() + "' cannot be written");
-    return session.failed(kOutputFailed);
+    session.failed(kOutputFailed);
+    return false;
   }
   if (!output.commit()) {
     Session::complain(output.error());
-    return session.failed(kOutputFailed);
+    session.failed(kOutputFailed);
+    return false;
   }
   if (!session.quiet && !report.empty()) {
     Session::complain("not everything could be written as it was:\n" + reportToText(report));
   }
+  return true;
 }
 
 }  // namespace
 
-void rewrite(const std::string& in, const std::string& out, const SaveOptions& options,
-             Session& session, const std::function<bool(CData&, const ReadResult&)>& change) {
+std::uintmax_t rewrite(const std::string& in, const std::string& out, const SaveOptions& options,
+                       Session& session,
+                       const std::function<bool(CData&, const ReadResult&)>& change) {
   OutputFile output(out, options.force);
   if (!output.error().empty()) {
     Session::complain(output.error());
-    return session.failed(kOutputFailed);
+    session.failed(kOutputFailed);
+    return 0;
   }
   const Drawing data = newDrawing();
   const ReadResult result = loadFile(*data, in, session);
   if (!result.ok()) {
     Session::complain(in + ": " + result.message());
-    return session.failed(kDrawingFailed);
+    session.failed(kDrawingFailed);
+    return 0;
   }
   const std::string losses = lossesToText(result.report);
   if (!session.quiet && !losses.empty())
     Session::complain(in + ": what is written will lack or change:\n" + losses);
-  if (change(*data, result)) save(*data, output, options, session);
+  return change(*data, result) && save(*data, output, options, session) ? output.size() : 0;
 }
 
 }  // namespace vek0::tool

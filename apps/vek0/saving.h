@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -26,11 +27,12 @@ struct SaveOptions {
 void addSaveOptions(CLI::App& verb, SaveOptions& options);
 
 /// What every command that writes a drawing does: loads `in`, lets `change` work on the
-/// drawing (told what reading gave), saves it as `out`. Complains and sets the exit code when one
-/// of them fails
-/// (`change` says by its answer whether to go on), and warns of what could not be
-/// written. Nothing is loaded when `out` cannot be written anyway.
-void rewrite(const std::string& in, const std::string& out, const SaveOptions& options,
-             Session& session, const std::function<bool(CData&, const ReadResult&)>& change);
+/// drawing (told what reading gave), saves it as `out`. Complains and sets the exit code when
+/// one of them fails (`change` says by its answer whether to go on), and warns of what could not
+/// be written. Nothing is loaded when `out` cannot be written anyway. Gives the bytes written; 0
+/// when nothing was.
+std::uintmax_t rewrite(const std::string& in, const std::string& out, const SaveOptions& options,
+                       Session& session,
+                       const std::function<bool(CData&, const ReadResult&)>& change);
 
 }  // namespace vek0::tool

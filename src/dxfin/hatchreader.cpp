@@ -45,16 +45,27 @@ void mirror(PatternRecord& pattern) {
 
 EntPtr HatchReader::read() {
   m_isMpolygon = false;
-  return readRecord() && finishRings() ? build() : nullptr;
+  if (!readRecord() || !finishRings()) return nullptr;
+  const PatternRecord pattern = patternRecord();
+  if (!isOutlined(pattern)) return build();
+  m_in.setPlaced();
+  return outlineHatch(m_in, m_rings, pattern.name);
+}
+
+bool HatchReader::isOutlined(const PatternRecord& pattern) const {
+  return m_in.context().options.policy.hatchOutlines && !pattern.solid;
 }
 
 EntPtr HatchReader::readMpolygon() {
   m_isMpolygon = true;
   if (!readRecord() || !finishRings()) return nullptr;
-  std::vector<EntPtr> built = buildOutlines();
+  std::vector<EntPtr> built = buildOutlines(m_in, m_rings, 0);
   const PatternRecord pattern = patternRecord();
-  if (!m_in.failed() && (pattern.solid || !pattern.lines.empty()))
-    if (EntPtr hatch = build()) built.push_back(std::move(hatch));
+  const bool isHatched = !m_in.failed() && (pattern.solid || !pattern.lines.empty());
+  if (isHatched && isOutlined(pattern))
+    m_in.note("hatch as outline", pattern.name);
+  else if (EntPtr hatch = isHatched ? build() : nullptr)
+    built.push_back(std::move(hatch));
   return handOver(m_in, std::move(built), u"MPOLYGON");
 }
 
@@ -369,14 +380,6 @@ EntPtr HatchReader::build() {
   const Pattern pattern = findPattern(record, semantor.getHatchTypeTable());
   return EntPtr(semantor.createHatch(r.layer, r.ltype, r.color, *pattern.type, pattern.scale,
                                      record.angleRad, joinHatchRings(m_rings), r.handle));
-}
-
-std::vector<EntPtr> HatchReader::buildOutlines() {
-  std::vector<EntPtr> outlines;
-  for (const HATCH_RING& ring : m_rings)
-    if (EntPtr outline = buildChain(m_in, ring, CEntPolyline::kClosed, 0))
-      outlines.push_back(std::move(outline));
-  return outlines;
 }
 
 }  // namespace vek0::detail

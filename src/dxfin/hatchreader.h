@@ -63,8 +63,8 @@ class HatchReader {
   PatternRecord patternRecord() const;
   void placeInWorld();
   bool finishRings();
+  bool isOutlined(const PatternRecord& pattern) const;
   EntPtr build();
-  std::vector<EntPtr> buildOutlines();
 
   RecordReader& m_in;
   std::vector<PatternLine> m_lines;

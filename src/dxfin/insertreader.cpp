@@ -1,6 +1,7 @@
 #include "dxfin/entityreaders.h"
 #include "dxfin/hatchdata.h"
 #include "dxfin/planeplacement.h"
+#include "dxfin/replacement.h"
 #include "vek0core/entities/attribplacement.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/blockxref.h"
@@ -95,12 +96,14 @@ bool isFree(const RecordReader& in, CBlock& block) {
          !holdsHatch(block);
 }
 
-// The hatch that the insert stands for; null when it is no more than an insert.
+// The hatch that the insert stands for, or its outline; null when it is no more than an insert.
 EntPtr readHatch(RecordReader& in, CBlock& block, HatchData& data) {
   if (!isFree(in, block) || !isPlain(in.record()) ||
       !data.parse(in.context().semantor.getHatchTypeTable()))
     return nullptr;
   in.hatchBlocks.insert(&block);
+  if (in.context().options.policy.hatchOutlines && !isSolid(*data.type))
+    return outlineHatch(in, data.rings, data.type->name);
   const Record& r = in.record();
   auto hatch = in.built(in.factory().createEntHatch(in.gestor(), r.layer, r.ltype, r.color, &block,
                                                     *data.type, data.scale, data.angleRad,

@@ -103,6 +103,8 @@ class RecordReader {
     m_frame = {};
   }
   const Frame& frame() const { return m_frame; }
+  /// Says that the entities of the current record stand in the world already.
+  void setPlaced() { m_frame.normal = PNT_3D(0, 0, 1); }
 
   /// Skips the current record.
   void skip();

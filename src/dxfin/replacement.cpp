@@ -11,6 +11,15 @@ bool isFinitePoint(const PNT_3D& p) {
   return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
 }
 
+namespace {
+
+EntPtr takeFirst(RecordReader& in, std::vector<EntPtr>& built) {
+  for (std::size_t i = 1; i < built.size(); ++i) in.further.push_back(std::move(built[i]));
+  return std::move(built.front());
+}
+
+}  // namespace
+
 EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short flags, long handle) {
   if (!std::all_of(points.begin(), points.end(), isFinitePoint)) {
     in.fail(CFileDXFIError::InconsistentRecord);
@@ -39,12 +48,28 @@ EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges,
                                               handle));
 }
 
+std::vector<EntPtr> buildOutlines(RecordReader& in, const std::vector<std::vector<PNT_3D>>& rings,
+                                  long handle) {
+  std::vector<EntPtr> outlines;
+  for (const std::vector<PNT_3D>& ring : rings)
+    if (EntPtr outline = buildChain(in, ring, CEntPolyline::kClosed, outlines.empty() ? handle : 0))
+      outlines.push_back(std::move(outline));
+  return outlines;
+}
+
+EntPtr outlineHatch(RecordReader& in, const std::vector<std::vector<PNT_3D>>& rings,
+                    const zim::WString& pattern) {
+  std::vector<EntPtr> outlines = buildOutlines(in, rings, in.record().handle);
+  if (in.failed() || outlines.empty()) return nullptr;
+  in.note("hatch as outline", pattern);
+  return takeFirst(in, outlines);
+}
+
 EntPtr handOver(RecordReader& in, std::vector<EntPtr> built, const zim::WString& kind) {
   if (!in.failed() && built.empty()) in.fail(CFileDXFIError::InconsistentRecord);
   if (in.failed()) return nullptr;
   in.note("kind replaced", kind);
-  for (std::size_t i = 1; i < built.size(); ++i) in.further.push_back(std::move(built[i]));
-  return std::move(built.front());
+  return takeFirst(in, built);
 }
 
 void takeCoordinate(RecordReader& in, long axis, std::vector<PNT_3D>& points) {

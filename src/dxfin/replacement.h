@@ -22,6 +22,15 @@ EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short fla
 EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges, long handle,
                  FaceFill fill = FaceFill::None);
 
+/// One closed polyline a ring; the first gets the handle.
+std::vector<EntPtr> buildOutlines(RecordReader& in, const std::vector<std::vector<PNT_3D>>& rings,
+                                  long handle);
+
+/// The outlines of a patterned hatch in its place, which is noted. The others are left as the
+/// record's further entities; null when there are none.
+EntPtr outlineHatch(RecordReader& in, const std::vector<std::vector<PNT_3D>>& rings,
+                    const zim::WString& pattern);
+
 /// Gives the first as the record's entity and leaves the others, in order, as its further
 /// ones, and notes that `kind` was replaced. Nothing at all is error 20.
 EntPtr handOver(RecordReader& in, std::vector<EntPtr> built, const zim::WString& kind);

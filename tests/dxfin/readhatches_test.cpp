@@ -6,6 +6,7 @@
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/entcast.h"
 #include "vek0core/entities/enthatch.h"
+#include "vek0core/entities/entpolyline.h"
 #include "vek0core/hatch/boundary.h"
 
 using namespace vek0::test;
@@ -275,6 +276,24 @@ TEST(ReadHatches, TheLinesOfAFileHaveABound) {
   EXPECT_LE(pieces, 5000u);
   ASSERT_EQ(report.entries().size(), 1u);
   EXPECT_EQ(static_cast<std::size_t>(report.entries()[0].count), empty);
+}
+
+TEST(ReadHatches, BecomeOutlinesWhenAsked) {
+  CFileDXFIPolicy policy = CFileDXFIPolicy::forAnyFile();
+  policy.hatchOutlines = true;
+  const std::string record =
+      kHead + "5 2F|210 0|220 0|230 -1|91 2|" + kSquare + "|" + kIsland + kTail;
+  const Loaded got = loadText(entitiesOf("AC1015", record), policy);
+  EXPECT_EQ(notes(got, "hatch as outline"), 1);
+  EXPECT_EQ(got.count(CEntPolyline::kType), 2);
+  const CEntPolyline* outer = castPolyline(got.drawing().getEntTable().get(0x2F));
+  ASSERT_NE(outer, nullptr);
+  EXPECT_TRUE(outer->isClosed());
+  EXPECT_EQ(outer->getBdry().min, PNT_3D(-10, 0, -2)) << "placed once";
+  EXPECT_EQ(got.drawing().getBlockTable().size(), 0);
+  std::string solid = record;
+  solid.replace(solid.find("|70 0|"), 6, "|70 1|");
+  EXPECT_NE(onlyHatch(loadText(entitiesOf("AC1015", solid), policy)), nullptr);
 }
 
 TEST(ReadHatches, OnPaperLeaveNothingBehind) {

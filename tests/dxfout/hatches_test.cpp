@@ -259,6 +259,22 @@ TEST_F(SavedHatches, ABlockBelongsToOneHatch) {
   EXPECT_GT(other->getEntInsert()->getBlock()->size(), 0u) << "still there";
 }
 
+TEST_F(SavedHatches, BecomeOutlinesWhenAsked) {
+  const Drawing d = newDrawing();
+  add(*d, *getHatch(zim::WString(u"NET")), 1, 0, joinHatchRings({kOuter, kHole}));
+  add(*d, d->getHatchTypeTable().solid(), 1, 0, kHole);
+  CFileDXFIPolicy policy;
+  policy.hatchOutlines = true;
+  const Drawing back = loaded(saved(*d, kSaveExchange), policy);
+  const auto& ents = back->getEntTable().getEntityTbl();
+  ASSERT_EQ(ents.size(), 3u);
+  const CEntPolyline* outer = castPolyline(ents.front());
+  ASSERT_NE(outer, nullptr);
+  EXPECT_TRUE(outer->getBdry() == first(d)->getBdry());
+  EXPECT_NE(castHatch(ents.back()), nullptr) << "solid ones stay";
+  EXPECT_FALSE(contains(saved(*back, kSaveExchange), "\n  0\nLINE\n")) << "nor are its lines kept";
+}
+
 TEST_F(SavedHatches, ImportedHatchesTakeFreeNames) {
   const Drawing d = newDrawing(), base = newDrawing();
   add(*d, *getHatch(zim::WString(u"NET")), 1, 0, kOuter);

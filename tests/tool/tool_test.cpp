@@ -244,6 +244,23 @@ TEST_F(Tool, HatchesAreas) {
   EXPECT_FALSE(fs::exists(path("d.dxf")));
 }
 
+// 0.125 by 0.05 apart: 2263 lines.
+TEST_F(Tool, SaysWhenHatchesMakeTheOutputLarge) {
+  write("fine.dxf",
+        "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1015\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n0\n"
+        "HATCH\n8\n0\n2\nANSI31\n70\n0\n76\n1\n41\n0.05\n91\n1\n92\n2\n72\n0\n73\n1\n93\n3\n"
+        "10\n0\n20\n0\n10\n20\n20\n0\n10\n0\n20\n20\n97\n0\n0\nENDSEC\n0\nEOF\n");
+  EXPECT_NE(run("convert fine.dxf lines.dxf").err.find("--hatch outline"), std::string::npos);
+  EXPECT_EQ(run("convert -q fine.dxf quiet.dxf").err, "");
+  const Outcome outlined = run("convert --hatch outline fine.dxf small.dxf");
+  EXPECT_NE(outlined.err.find("loss: hatch as outline 'ANSI31' (1 time"), std::string::npos);
+  EXPECT_EQ(outlined.err.find("times as large"), std::string::npos) << outlined.err;
+  EXPECT_EQ(Json::parse(run("info --json small.dxf").out)["entities"], Json({
+                                                                           {"POLYLINE", 1}
+  }));
+  EXPECT_LT(fs::file_size(path("small.dxf")), fs::file_size(path("lines.dxf")) / 50);
+}
+
 TEST_F(Tool, HatchRefusesBoundariesWithoutArea) {
   write("one.dxf", kOneLine);
   const struct {

@@ -25,6 +25,10 @@ struct CFileDXFIPolicy {
   /// Read the entities of paper space instead of those of model space (tolerant only).
   bool paperSpace = false;
 
+  /// Make each ring of a patterned hatch a closed polyline instead of generating lines, of
+  /// which a few bytes of a file can ask for thousands. Solid hatches stay what they are.
+  bool hatchOutlines = false;
+
   /// What a host that opens files of unknown origin wants.
   static CFileDXFIPolicy forAnyFile() {
     CFileDXFIPolicy policy;
@@ -63,6 +67,7 @@ struct CFileDXFIPolicy {
 ///   dimension drawn       a dimension without a picture: lines and text as far as told
 ///   content dropped       the block at the end of a leader
 ///   hatch empty           a hatch's lines could not be generated; its boundary is kept
+///   hatch as outline      a patterned hatch became its boundary, as the policy says
 ///   hatch coarse          curves of a boundary have few chords, there were too many
 ///   hatch open            a loop of a hatch was closed by a straight line
 ///   hatch islands         too many loops: some inner ones count that should not
