@@ -51,9 +51,10 @@ StepOutcome explode(Editing& editing) {
                            passedOver(left));
 }
 
-StepOutcome join(Editing& editing, std::optional<double> tolerance) {
-  auto joined = joinEnts(editing.data.getHandleGestor(), editing.data.getEntFactory(),
-                         editing.chosen, tolerance ? *tolerance : joinTolerance(editing.chosen));
+StepOutcome join(Editing& editing, std::optional<double> tolerance, JOIN_LAYERS layers) {
+  auto joined =
+      joinEnts(editing.data.getHandleGestor(), editing.data.getEntFactory(), editing.chosen,
+               tolerance ? *tolerance : joinTolerance(editing.chosen), layers);
   std::unordered_set<const CEnt*> parts;
   for (const JOINED_ENT& each : joined) parts.insert(each.parts.begin(), each.parts.end());
   std::vector<CEnt*> chosen;
@@ -112,14 +113,21 @@ std::string readExplode(const std::string&, EditStep& step) {
 }
 
 std::string readJoin(const std::string& text, EditStep& step) {
+  const std::size_t comma = text.find(',');
+  const std::string first = text.substr(0, comma);
   std::optional<double> tolerance;
-  if (text != "auto") {
-    const auto numbers = numbersIn(text);
-    if (!numbers || numbers->size() != 1 || numbers->front() < 0)
-      return "'" + text + "' is not a tolerance like 0.01, nor auto";
+  if (first != "auto") {
+    const auto numbers = numbersIn(first);
+    if (!numbers || numbers->front() < 0)
+      return "'" + first + "' is not a tolerance like 0.01, nor auto";
     tolerance = numbers->front();
   }
-  step = onChosen([tolerance](Editing& editing) { return join(editing, tolerance); });
+  const bool isAcross = comma != std::string::npos;
+  if (isAcross && text.substr(comma + 1) != "across")
+    return "'" + text + "' is not a tolerance like 0.01, nor one like 0.01,across";
+  const JOIN_LAYERS layers = isAcross ? JOIN_LAYERS::together : JOIN_LAYERS::apart;
+  step =
+      onChosen([tolerance, layers](Editing& editing) { return join(editing, tolerance, layers); });
   return {};
 }
 

@@ -4,11 +4,13 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <unordered_map>
 
 #include "entities/openchain.h"
 #include "geometry/pointgrid.h"
 #include "vek0core/entities/ent.h"
 #include "vek0core/entities/entfactory.h"
+#include "vek0core/tables/layer.h"
 
 namespace {
 
@@ -39,23 +41,37 @@ double sizeOf(const std::vector<Part>& parts, PNT_2D& lowest) {
   return std::max({box.max.x - box.min.x, box.max.y - box.min.y, box.max.z - box.min.z});
 }
 
+// Those that may become one polyline, in order of their first ones.
+std::vector<std::vector<const CEnt*>> groupsOf(const std::vector<CEnt*>& ents, JOIN_LAYERS layers) {
+  std::vector<std::vector<const CEnt*>> groups;
+  std::unordered_map<const CLayer*, std::size_t> places;
+  for (const CEnt* ent : ents) {
+    if (!ent) continue;
+    const CLayer* layer = ent->getLayer();
+    const bool isShown = !layer || !(layer->isFrozen() || layer->isOff());
+    if (layers == JOIN_LAYERS::together && isShown) layer = nullptr;
+    const auto [place, isNew] = places.try_emplace(layer, groups.size());
+    if (isNew) groups.emplace_back();
+    groups[place->second].push_back(ent);
+  }
+  return groups;
+}
+
 // End 2 * i is where part i starts, 2 * i + 1 where it ends.
 class Joiner {
  public:
-  Joiner(const std::vector<CEnt*>& ents, double tolerance) : m_tolerance(tolerance) {
+  Joiner(const std::vector<const CEnt*>& ents, double tolerance) : m_tolerance(tolerance) {
     OpenChain chain;
     for (const CEnt* ent : ents) {
-      if (!ent || !chain.take(*ent, tolerance)) continue;
+      if (!chain.take(*ent, tolerance)) continue;
       if (isFine(chain.start()) && isFine(chain.end()))
         m_parts.push_back({ent, chain.start(), chain.end()});
     }
     m_isUsed.assign(m_parts.size(), false);
   }
 
-  std::vector<JOINED_ENT> run(IHandleGestor& gestor, CEntFactory& factory) {
-    std::vector<JOINED_ENT> joined;
-    if (m_parts.empty() || m_parts.size() > std::numeric_limits<std::uint32_t>::max() / 4)
-      return joined;
+  void run(IHandleGestor& gestor, CEntFactory& factory, std::vector<JOINED_ENT>& joined) {
+    if (m_parts.empty() || m_parts.size() > std::numeric_limits<std::uint32_t>::max() / 4) return;
     PNT_2D lowest(0, 0);
     const double size = sizeOf(m_parts, lowest);
     PointGrid ends(std::max({m_tolerance, kFinest * size, std::numeric_limits<double>::min()}),
@@ -70,7 +86,6 @@ class Joiner {
       JOINED_ENT made = joinFrom(i, ends, gestor, factory);
       if (made.polyline) joined.push_back(std::move(made));
     }
-    return joined;
   }
 
  private:
@@ -143,7 +158,11 @@ double joinTolerance(const std::vector<CEnt*>& ents) {
 }
 
 std::vector<JOINED_ENT> joinEnts(IHandleGestor& gestor, CEntFactory& factory,
-                                 const std::vector<CEnt*>& ents, double tolerance) {
-  if (!(tolerance >= 0) || !std::isfinite(tolerance)) return {};
-  return Joiner(ents, tolerance).run(gestor, factory);
+                                 const std::vector<CEnt*>& ents, double tolerance,
+                                 JOIN_LAYERS layers) {
+  std::vector<JOINED_ENT> joined;
+  if (!(tolerance >= 0) || !std::isfinite(tolerance)) return joined;
+  for (const std::vector<const CEnt*>& group : groupsOf(ents, layers))
+    Joiner(group, tolerance).run(gestor, factory, joined);
+  return joined;
 }

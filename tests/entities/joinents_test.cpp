@@ -7,6 +7,7 @@
 #include <limits>
 #include <memory>
 #include <random>
+#include <set>
 
 #include "entities/scene.h"
 #include "vek0core/entities/entarc.h"
@@ -44,8 +45,8 @@ class Join : public testing::Test, protected Scene {
     ents.push_back(made);
     return made;
   }
-  std::vector<JOINED_ENT> join(double tolerance) {
-    return joinEnts(gestor, factory, ents, tolerance);
+  std::vector<JOINED_ENT> join(double tolerance, JOIN_LAYERS layers = JOIN_LAYERS::apart) {
+    return joinEnts(gestor, factory, ents, tolerance, layers);
   }
 
   std::vector<CEnt*> ents;
@@ -136,6 +137,32 @@ TEST_F(Join, GapsWithinTheToleranceOnly) {
   const std::vector<JOINED_ENT> made = join(0.02);
   ASSERT_EQ(made.size(), 1u);
   EXPECT_EQ(made[0].polyline->GetVertexPos(1).x, 1);
+}
+
+// A chain whose segments lie on layers at random: two shown, a frozen and a hidden one.
+TEST_F(Join, LayersStayApartUnlessAsked) {
+  CLayer* layers[4];
+  for (CLayer*& each : layers) {
+    each = data->getLayerFactory().create(u"L", ltype(), 7, 0);
+    data->getLayerTable().add(each);
+  }
+  layers[2]->setFrozen(true);
+  layers[3]->setOff(true);
+  std::mt19937 random(3);
+  for (int i = 0; i < 300; ++i)
+    segment(PNT_3D(i, 0, 0), PNT_3D(i + 1, 0, 0))->setLayer(layers[random() % 4]);
+  for (const bool isTogether : {false, true}) {
+    std::size_t mixed = 0;
+    for (const JOINED_ENT& made :
+         join(1e-9, isTogether ? JOIN_LAYERS::together : JOIN_LAYERS::apart)) {
+      std::set<const CLayer*> met;
+      for (const CEnt* part : made.parts) met.insert(part->getLayer());
+      if (met.size() < 2) continue;
+      ++mixed;
+      EXPECT_FALSE(met.count(layers[2]) || met.count(layers[3]));
+    }
+    EXPECT_EQ(mixed > 10, isTogether) << mixed;
+  }
 }
 
 // Segments of many chains in any order and direction come together again, each once.
