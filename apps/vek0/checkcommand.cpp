@@ -28,7 +28,7 @@ void printText(const std::string& path, const ReadResult& result) {
   if (result.ok()) {
     std::printf("%s: ok\n%s", path.c_str(), reportToText(result.report).c_str());
   } else {
-    std::printf("%s: error %d: %s\n", path.c_str(), static_cast<int>(result.error.GetErrorType()),
+    std::printf("%s: error (%s): %s\n", path.c_str(), result.kind().c_str(),
                 result.message().c_str());
   }
 }

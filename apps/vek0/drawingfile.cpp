@@ -32,14 +32,46 @@ using Reader = CFileDXFIResult (*)(CData&, IFile&, CFileDXFIError*, const CFileD
 ReadResult readWith(Reader reader, CData& data, const std::string& path, const Session& session,
                     bool keepFontNames) {
   ReadResult result;
-  std::error_code ignored;
-  if (std::filesystem::is_directory(toPath(path), ignored)) return result;
+  result.fault = inputFault(path);
+  if (result.fault.kind) return result;
   const std::unique_ptr<IFile> file = openForReading(path, session.quiet);
   CFileDXFIOptions options = readingOptions(session);
   options.report = &result.report;
   options.policy.keepFontNames |= keepFontNames;
   result.outcome = reader(data, *file, &result.error, options);
+  if (!result.opened()) result.fault = {"file unreadable", "The file cannot be opened."};
   return result;
+}
+
+const char* nameOf(CFileDXFIError::TDXFErrors kind) {
+  switch (kind) {
+    case CFileDXFIError::EmptyGroupCode:
+      return "empty group code";
+    case CFileDXFIError::EmptyNumber:
+      return "empty number";
+    case CFileDXFIError::BlockNotFound:
+      return "block not found";
+    case CFileDXFIError::XRefNotFound:
+      return "reference not found";
+    case CFileDXFIError::XRefNotCreated:
+      return "reference not created";
+    case CFileDXFIError::WrongStructure:
+      return "wrong structure";
+    case CFileDXFIError::OutOfRange:
+      return "out of range";
+    case CFileDXFIError::EntityNotBuilt:
+      return "entity not built";
+    case CFileDXFIError::LtypeNotFound:
+      return "linetype not found";
+    case CFileDXFIError::FontNotFound:
+      return "font not found";
+    case CFileDXFIError::NewerVersion:
+      return "newer version";
+    case CFileDXFIError::InconsistentRecord:
+      return "inconsistent record";
+    default:
+      return "general error";
+  }
 }
 
 }  // namespace
@@ -62,8 +94,13 @@ std::uintmax_t sizeOf(const std::string& path) {
   return failure ? 0 : size;
 }
 
+std::string ReadResult::kind() const {
+  if (fault.kind) return fault.kind;
+  return ok() ? "" : nameOf(error.GetErrorType());
+}
+
 std::string ReadResult::message() const {
-  if (!opened()) return "The file cannot be opened.";
+  if (fault.kind) return fault.message;
   return error.HasAnError() ? error.GetFullMessage().toUtf8() : std::string();
 }
 

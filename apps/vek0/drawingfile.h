@@ -5,6 +5,7 @@
 #include <string>
 
 #include "commands.h"
+#include "inputfault.h"
 #include "vek0core/vek0core.h"
 
 namespace vek0::tool {
@@ -16,9 +17,13 @@ struct ReadResult {
   CFileDXFIResult outcome;  ///< how it ended, version and encoding
   CFileDXFIError error;     ///< without error when the drawing is whole
   CFileReport report;       ///< what was skipped or repaired on the way
+  InputFault fault;         ///< why nothing was read
 
   bool ok() const { return outcome.status == CFileDXFIResult::Done; }
   bool opened() const { return outcome.status != CFileDXFIResult::NotOpened; }
+  /// Word for the fault or the error, "file missing" or "wrong structure"; empty when all is
+  /// well.
+  std::string kind() const;
   /// One sentence with the line, or an empty text when all is well.
   std::string message() const;
 };

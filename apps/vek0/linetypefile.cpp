@@ -20,30 +20,27 @@ CStyle* StyleMaker::Notify(const zim::WString& styleName) {
   return style;
 }
 
-std::string statusToText(const CLtypeLoader& loader) {
+InputFault loadLinetypes(CLtypeLoader& loader, const std::string& path) {
+  const InputFault fault = inputFault(path);
+  if (fault.kind) return fault;
+  loader.Load(*openForReading(path, true));
   switch (loader.GetStatus()) {
-    case CLtypeLoader::NotOpened:
-      return "The file cannot be opened.";
-    case CLtypeLoader::ReadFailed:
-      return "The file cannot be read.";
-    case CLtypeLoader::WriteFailed:
-      return "The file cannot be written.";
-    case CLtypeLoader::NoMemory:
-      return "There is not enough memory.";
-    case CLtypeLoader::Idle:
     case CLtypeLoader::Done:
-      break;
+      return {};
+    case CLtypeLoader::NoMemory:
+      return {"general error", "There is not enough memory."};
+    default:
+      return {"file unreadable", "The file cannot be read to its end."};
   }
-  return {};
 }
 
 bool addLinetypes(CData& data, const std::string& path, Session& session) {
   StyleMaker maker(data.getStyleTable(), data.getStyleFactory());
   CLtypeLoader loader(data.getStyleTable(), data.getLtypeFactory());
   loader.SetNotifier(&maker);
-  loader.Load(*openForReading(path, true));
-  if (loader.GetStatus() != CLtypeLoader::Done) {
-    Session::complain(path + ": " + statusToText(loader));
+  const InputFault fault = loadLinetypes(loader, path);
+  if (fault.kind) {
+    Session::complain(path + ": " + fault.message);
     session.failed(kDrawingFailed);
     return false;
   }

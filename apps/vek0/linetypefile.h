@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "commands.h"
+#include "inputfault.h"
 #include "vek0core/vek0core.h"
 
 namespace vek0::tool {
@@ -25,9 +26,9 @@ class StyleMaker : public CLtypeLoader::IErrorNotifier {
   std::vector<std::string> m_made;
 };
 
-/// One sentence about a file that could not be read or written to its end, or an empty
-/// text.
-std::string statusToText(const CLtypeLoader& loader);
+/// Loads a definition file ("-": standard input). Says why when it could not be read to its
+/// end; what was read before stays in the loader.
+InputFault loadLinetypes(CLtypeLoader& loader, const std::string& path);
 
 /// Adds the linetypes of a definition file to the drawing, and the styles of their texts.
 /// Says what was left out. False, with a complaint and the exit code set, when the file

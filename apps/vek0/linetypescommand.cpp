@@ -63,18 +63,26 @@ Json reportToJson(const CFileReport& report) {
   return entries;
 }
 
-void printJson(const std::string& path, const CLtypeLoader& loader) {
-  const std::string problem = statusToText(loader);
+Json errorToJson(const InputFault& fault) {
+  if (!fault.kind) return nullptr;
+  return Json{
+      {"kind",    fault.kind   },
+      {"line",    0            },
+      {"message", fault.message}
+  };
+}
+
+void printJson(const std::string& path, const CLtypeLoader& loader, const InputFault& fault) {
   Json linetypes = Json::array();
   for (int i = 0; i < loader.GetNoLtype(); ++i) {
     linetypes.push_back(linetypeToJson(*loader.GetLtypeNo(i)));
   }
   const Json line = {
-      {"file",      path                                    },
-      {"ok",        problem.empty()                         },
-      {"error",     problem.empty() ? Json() : Json(problem)},
-      {"linetypes", linetypes                               },
-      {"report",    reportToJson(loader.GetReport())        }
+      {"file",      path                            },
+      {"ok",        !fault.kind                     },
+      {"error",     errorToJson(fault)              },
+      {"linetypes", linetypes                       },
+      {"report",    reportToJson(loader.GetReport())}
   };
   std::printf("%s\n", line.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
 }
@@ -86,10 +94,9 @@ std::string elementToText(const ILtypeComplexDash& dash) {
   return '"' + text->getContext().getString().toUtf8() + '"';
 }
 
-void printText(const std::string& path, const CLtypeLoader& loader) {
-  const std::string problem = statusToText(loader);
-  if (!problem.empty()) {
-    std::printf("%s: error: %s\n", path.c_str(), problem.c_str());
+void printText(const std::string& path, const CLtypeLoader& loader, const InputFault& fault) {
+  if (fault.kind) {
+    std::printf("%s: error (%s): %s\n", path.c_str(), fault.kind, fault.message.c_str());
     return;
   }
   std::printf("%s: %d linetypes\n", path.c_str(), loader.GetNoLtype());
@@ -139,14 +146,13 @@ void runFile(const LinetypesOptions& options, const std::string& path, Session& 
   StyleMaker maker(styles, styleFactory);
   CLtypeLoader loader(styles, ltypeFactory);
   loader.SetNotifier(&maker);
-  loader.Load(*openForReading(path, true));
-  const std::string problem = statusToText(loader);
+  const InputFault fault = loadLinetypes(loader, path);
   if (listsFiles(options, session)) {
-    options.json ? printJson(path, loader) : printText(path, loader);
-  } else if (!problem.empty()) {
-    Session::complain(path + ": " + problem);
+    options.json ? printJson(path, loader, fault) : printText(path, loader, fault);
+  } else if (fault.kind) {
+    Session::complain(path + ": " + fault.message);
   }
-  if (!problem.empty()) return session.failed(kDrawingFailed);
+  if (fault.kind) return session.failed(kDrawingFailed);
   if (!options.saveTo.empty()) saveTo(options, loader, session);
 }
 

@@ -68,9 +68,17 @@ std::string ltypeName(const CLtype* ltype) {
   return ltype ? ltype->getFullName().toUtf8() : std::string("Continuous");
 }
 
-Json layersToJson(const CData& data) {
+// Every drawing has some items from the start. Of a file that failed they say nothing unless
+// something uses them.
+bool isTold(const CNamedItem& item, const CData& data, const ReadResult& result) {
+  const bool isGiven = item.isHeld() && &item != data.getStyleTable().getStyleStandard();
+  return result.ok() || isGiven || item.getEntities() > 0;
+}
+
+Json layersToJson(const CData& data, const ReadResult& result) {
   Json layers = Json::array();
   for (CData::CLayerIterator it(data, true); const CLayer* layer = *it; ++it) {
+    if (!isTold(*layer, data, result)) continue;
     layers.push_back({
         {"name",     layer->getFullName().toUtf8()},
         {"color",    layer->getColor()            },
@@ -83,19 +91,19 @@ Json layersToJson(const CData& data) {
   return layers;
 }
 
-Json ltypesToJson(const CData& data) {
+Json ltypesToJson(const CData& data, const ReadResult& result) {
   Json names = Json::array();
   for (CData::CLtypeIterator it(data, true, true); const CLtype* ltype = *it; ++it) {
-    names.push_back(ltypeName(ltype));
+    if (isTold(*ltype, data, result)) names.push_back(ltypeName(ltype));
   }
   return names;
 }
 
-Json stylesToJson(const CData& data) {
+Json stylesToJson(const CData& data, const ReadResult& result) {
   Json names = Json::array();
   // External references have a "STANDARD" of their own each, which no file names.
   for (CData::CStyleIterator it(data, false); const CStyle* style = *it; ++it) {
-    names.push_back(style->getName().toUtf8());
+    if (isTold(*style, data, result)) names.push_back(style->getName().toUtf8());
   }
   return names;
 }
@@ -269,9 +277,9 @@ std::string kindNameOf(CEnt& ent) {
 Json errorToJson(const ReadResult& result) {
   if (result.ok()) return nullptr;
   return Json{
-      {"kind",    static_cast<int>(result.error.GetErrorType())},
-      {"line",    result.error.GetErrorLine()                  },
-      {"message", result.message()                             }
+      {"kind",    result.kind()              },
+      {"line",    result.error.GetErrorLine()},
+      {"message", result.message()           }
   };
 }
 
@@ -291,21 +299,21 @@ Json reportToJson(const CFileReport& report) {
 
 Json summaryToJson(const std::string& path, CData& data, const ReadResult& result) {
   return Json{
-      {"file",       path                           },
-      {"ok",         result.ok()                    },
-      {"version",    result.outcome.version.toUtf8()},
-      {"encoding",   result.outcome.encoding        },
-      {"units",      unitsOf(result)                },
-      {"metric",     metricOf(result)               },
-      {"error",      errorToJson(result)            },
-      {"report",     reportToJson(result.report)    },
-      {"layers",     layersToJson(data)             },
-      {"linetypes",  ltypesToJson(data)             },
-      {"styles",     stylesToJson(data)             },
-      {"blocks",     blocksToJson(data)             },
-      {"references", referencesToJson(data)         },
-      {"entities",   EntityCounts(data).toJson()    },
-      {"extents",    extentsToJson(data)            }
+      {"file",             path                           },
+      {"ok",               result.ok()                    },
+      {"version",          result.outcome.version.toUtf8()},
+      {"encoding",         result.outcome.encoding        },
+      {"units",            unitsOf(result)                },
+      {"metric",           metricOf(result)               },
+      {"error",            errorToJson(result)            },
+      {"report",           reportToJson(result.report)    },
+      {"layers",           layersToJson(data,               result)},
+      {"linetypes",                  ltypesToJson(data,                                       result)},
+      {"styles",           stylesToJson(data,    result)},
+      {"blocks",blocksToJson(data)           },
+      {"references",           referencesToJson(data)                                 },
+      {"entities",       EntityCounts(data).toJson()     },
+      {"extents",         extentsToJson(data)      }
   };
 }
 
@@ -313,9 +321,9 @@ std::string summaryToText(const std::string& path, CData& data, const ReadResult
   const std::string version = result.outcome.version.toUtf8();
   std::string text = path + "\n  version: " + (version.empty() ? "not stated" : version) +
                      ", encoding: " + result.outcome.encoding + unitsText(result) + "\n";
-  text += layerLines(layersToJson(data));
-  text += listLine("linetypes", namesIn(ltypesToJson(data)));
-  text += listLine("text styles", namesIn(stylesToJson(data)));
+  text += layerLines(layersToJson(data, result));
+  text += listLine("linetypes", namesIn(ltypesToJson(data, result)));
+  text += listLine("text styles", namesIn(stylesToJson(data, result)));
   text += listLine("blocks", namesIn(blocksToJson(data)));
   const Json references = referencesToJson(data);
   if (!references.empty()) text += referenceLines(references);

@@ -32,15 +32,16 @@ class EntityCounts {
 /// What an entity counts as, one of `EntityCounts::kKinds`.
 std::string kindNameOf(CEnt& ent);
 
-/// The error as JSON: null, or {"kind", "line", "message"}. A file that cannot be
-/// opened has kind 0.
+/// The error as JSON: null, or {"kind", "line", "message"}, the kind in words. Line 0 for
+/// what cannot be read at all.
 Json errorToJson(const ReadResult& result);
 
 /// [{"code", "severity", "count", "line", "sample"}, ...] in the order of the file; line
 /// null for what only the whole file tells.
 Json reportToJson(const CFileReport& report);
 
-/// Everything `vek0 info --json` prints of one file.
+/// Everything `vek0 info --json` prints of one file. Of one that failed, the items that every
+/// drawing has are told only where something uses them.
 Json summaryToJson(const std::string& path, CData& data, const ReadResult& result);
 
 /// The same for people, several lines, with the variables and what was skipped.

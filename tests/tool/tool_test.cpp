@@ -66,13 +66,50 @@ TEST_F(Tool, CheckGoesOnAfterAFailureAndSaysWhere) {
   write("good.dxf", kOneLine);
   const Outcome got = run("check --strict broken.dxf missing.dxf good.dxf");
   EXPECT_EQ(got.code, 1);
-  EXPECT_NE(got.out.find("broken.dxf: error 16"), std::string::npos) << got.out;
-  EXPECT_NE(got.out.find("missing.dxf: error 0"), std::string::npos) << got.out;
+  EXPECT_NE(got.out.find("broken.dxf: error (entity not built)"), std::string::npos) << got.out;
   EXPECT_NE(got.out.find("good.dxf: ok"), std::string::npos) << got.out;
   const Json line = Json::parse(run("check --strict --json broken.dxf").out);
   EXPECT_EQ(line["ok"], false);
-  EXPECT_EQ(line["error"]["kind"], 16);
+  EXPECT_EQ(line["error"]["kind"], "entity not built");
   EXPECT_EQ(line["error"]["line"], 12);
+}
+
+// A link that leads to itself is there, and nobody can open it.
+TEST_F(Tool, SaysWhyAnInputCannotBeRead) {
+  write("good.dxf", kOneLine);
+  fs::create_directory(path("folder"));
+  fs::create_symlink("loop", path("loop"));
+  const struct {
+    const char *input, *kind, *message;
+  } inputs[] = {
+      {"missing", "file missing",    "There is no such file"},
+      {"folder",  "folder",          "It is a folder"       },
+      {"loop",    "file unreadable", "cannot be read: "     },
+  };
+  for (const auto& t : inputs) {
+    SCOPED_TRACE(t.input);
+    const std::string input = t.input;
+    for (const std::string& command :
+         {"info " + input, "check " + input, "convert -f " + input + " out.dxf",
+          "import -f good.dxf " + input + " -o out.dxf", "edit -f " + input + " -o out.dxf --purge",
+          "render -f " + input + " -o out.svg", "xrefs list " + input, "linetypes " + input,
+          "convert -f --linetypes " + input + " good.dxf out.dxf",
+          "hatch -f " + input + " -o out.dxf --pattern ANSI31 --boundary 0,0 1,0 1,1"}) {
+      const Outcome got = run(command);
+      EXPECT_EQ(got.code, 1) << command;
+      EXPECT_NE((got.out + got.err).find(t.message), std::string::npos) << command << got.err;
+    }
+    for (const char* command : {"info", "check", "xrefs list", "linetypes"}) {
+      const Json line = Json::parse(run(command + (" --json " + input)).out);
+      EXPECT_EQ(line["error"]["kind"], t.kind) << command;
+    }
+  }
+  write("empty.dxf", "");
+  for (const char* file : {"missing", "empty.dxf"}) {
+    const Json line = Json::parse(run(std::string("info --json --strict ") + file).out);
+    for (const char* table : {"layers", "linetypes", "styles"})
+      EXPECT_EQ(line[table], Json::array()) << file;
+  }
 }
 
 TEST_F(Tool, TellsWhatReadingLostAndRepaired) {
