@@ -301,15 +301,15 @@ TEST_F(Explode, TheLimitIsThatOfAllThatIsGiven) {
   }
 }
 
-// The corners of the text's box go where the matrix puts them.
-TEST(TransformText, BoxesFollowTheMatrix) {
+// The corners of a text go where the matrix puts them, whatever its justification.
+TEST_F(Explode, BoxesOfTextsFollowTheMatrix) {
   std::mt19937 random(1);
   std::uniform_real_distribution<double> number(-3, 3), angle(-0.5, 0.5);
   for (int round = 0; round < 500; ++round) {
     SCOPED_TRACE(round);
     const double width = round % 3 == 0 ? -0.8 : 1.5;
-    TEXT_3D text(u"abc", nullptr, number(random), number(random), 0, 2, angle(random), width,
-                 number(random), 0);
+    TEXT_3D text(u"abc", getStyleStandard(*data), number(random), number(random), 0, 2,
+                 angle(random), width, number(random), round % TEXT_3D::kJustifications);
     CEntInsertMatrix outer, inner;
     outer.set(PNT_3D(0, 0, 0), number(random), number(random), 1, number(random), PNT_3D(1, 2, 3));
     inner.set(PNT_3D(0, 0, 0), number(random), number(random), 1, number(random), PNT_3D(4, 5, 6));
