@@ -1,60 +1,21 @@
 #include "zim0lang/casefold.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
+#include <iterator>
 
 namespace zim {
 namespace {
 
-// How the capitals of a range relate to their small letters.
-enum class Pairing {
-  kOffset,     // small = capital + offset
-  kAlternate,  // capitals at even distance from `first`, each followed by its small letter
-};
-
+// Every `step`-th unit from `first` to `last` folds to itself plus `offset`.
 struct FoldRange {
   Char first, last;
-  Pairing pairing;
-  int offset;
+  int step, offset;
 };
 
-// Simple foldings of the Unicode character database, gathered into ranges and
-// sorted. Letters whose partner has another length, and those of scripts that
-// drawings hardly name layers in, are left out: they only match themselves.
+// Sorted and apart. Generated, since nobody can check two hundred rows by eye.
 constexpr FoldRange kRanges[] = {
-    {0x0041, 0x005A, Pairing::kOffset,    32  }, // Basic Latin
-    {0x00C0, 0x00D6, Pairing::kOffset,    32  }, // Latin-1
-    {0x00D8, 0x00DE, Pairing::kOffset,    32  },
-    {0x0100, 0x012F, Pairing::kAlternate, 0   }, // Latin Extended-A
-    {0x0132, 0x0137, Pairing::kAlternate, 0   },
-    {0x0139, 0x0148, Pairing::kAlternate, 0   },
-    {0x014A, 0x0177, Pairing::kAlternate, 0   },
-    {0x0178, 0x0178, Pairing::kOffset,    -121},
-    {0x0179, 0x017E, Pairing::kAlternate, 0   },
-    {0x01CD, 0x01DC, Pairing::kAlternate, 0   }, // Latin Extended-B (Pinyin, Romanian)
-    {0x01DE, 0x01EF, Pairing::kAlternate, 0   },
-    {0x0200, 0x021F, Pairing::kAlternate, 0   },
-    {0x0222, 0x0233, Pairing::kAlternate, 0   },
-    {0x0386, 0x0386, Pairing::kOffset,    38  }, // Greek with tonos
-    {0x0388, 0x038A, Pairing::kOffset,    37  },
-    {0x038C, 0x038C, Pairing::kOffset,    64  },
-    {0x038E, 0x038F, Pairing::kOffset,    63  },
-    {0x0391, 0x03A1, Pairing::kOffset,    32  }, // Greek
-    {0x03A3, 0x03AB, Pairing::kOffset,    32  },
-    {0x03C2, 0x03C2, Pairing::kOffset,    1   }, // final sigma is a sigma
-    {0x0400, 0x040F, Pairing::kOffset,    80  }, // Cyrillic
-    {0x0410, 0x042F, Pairing::kOffset,    32  },
-    {0x0460, 0x0481, Pairing::kAlternate, 0   },
-    {0x048A, 0x04BF, Pairing::kAlternate, 0   },
-    {0x04C1, 0x04CE, Pairing::kAlternate, 0   },
-    {0x04D0, 0x052F, Pairing::kAlternate, 0   },
-    {0x0531, 0x0556, Pairing::kOffset,    48  }, // Armenian
-    {0x1E00, 0x1E95, Pairing::kAlternate, 0   }, // Latin Extended Additional
-    {0x1EA0, 0x1EFF, Pairing::kAlternate, 0   }, // Vietnamese
-    {0x2160, 0x216F, Pairing::kOffset,    16  }, // Roman numerals
-    {0x24B6, 0x24CF, Pairing::kOffset,    26  }, // circled letters
-    {0xFF21, 0xFF3A, Pairing::kOffset,    32  }, // full-width Latin
+#include "casefoldranges.inc"
 };
 
 Char foldBeyondAscii(Char unit) {
@@ -62,10 +23,8 @@ Char foldBeyondAscii(Char unit) {
                                        [](Char u, const FoldRange& r) { return u < r.first; });
   if (range == std::begin(kRanges)) return unit;
   --range;
-  if (unit > range->last) return unit;
-  if (range->pairing == Pairing::kOffset) return static_cast<Char>(unit + range->offset);
-  const bool capital = (unit - range->first) % 2 == 0;
-  return capital ? static_cast<Char>(unit + 1) : unit;
+  const bool folds = unit <= range->last && (unit - range->first) % range->step == 0;
+  return folds ? static_cast<Char>(unit + range->offset) : unit;
 }
 
 }  // namespace

@@ -11,11 +11,12 @@ namespace zim {
 /// files and interfaces, and a type that has literals (`u"LINE"`).
 using Char = char16_t;
 
-/// The unit in lower case, by simple one-to-one folding of the Basic
-/// Multilingual Plane: Latin (with Latin-1, Extended-A and Extended Additional),
-/// Greek, Cyrillic, Armenian and full-width letters. Units without a one-to-one
-/// partner, surrogates included, fold to themselves. Never depends on the locale,
-/// so names match alike on every machine.
+/// The unit without its letter case, by the simple foldings of the Unicode character
+/// database that stay in the Basic Multilingual Plane. That is the small letter but for
+/// Cherokee, where it is the capital; the signs of ohm, kelvin and angstrom are letters, a
+/// final sigma is a sigma. Units without a one-to-one partner, surrogates included, fold to
+/// themselves, and so do the dotted capital and the dotless small i, whose partner depends on
+/// the language. Never depends on the locale, so names match alike on every machine.
 ZIM0LANG_API Char foldCase(Char unit);
 
 /// Whether both texts are the same after `foldCase` of every unit.
