@@ -252,15 +252,17 @@ CEntHatch* IFileDXFIDataSemantor::createHatch(CLayer* layer, CLtype* ltype, shor
                                               const HATCH_TYPE& type, double scale, double rotate,
                                               const std::vector<PNT_3D>& boundary, long handle) {
   std::unique_ptr<CBlock> block = generate(type, scale, rotate, boundary);
+  std::unique_ptr<CEntHatch> hatch;
   if (!block) {
     note("hatch empty", type.name);
-    block.reset(getBlockFactory().create({}, CBlock::kAnonymous));
+    hatch.reset(IFileDXFISemantor::createHatch(layer, ltype, colour, type, scale, rotate, boundary,
+                                               handle));
+  } else {
+    hatch.reset(getEntFactory().createEntHatch(getHandleGestor(), layer, ltype, colour, block.get(),
+                                               type, scale, rotate, boundary, handle));
+    if (hatch && !vek0::detail::addHatchBlock(getBlockTable(), block)) hatch.reset();
   }
-  std::unique_ptr<CEntHatch> hatch(
-      block ? getEntFactory().createEntHatch(getHandleGestor(), layer, ltype, colour, block.get(),
-                                             type, scale, rotate, boundary, handle)
-            : nullptr);
-  if (!hatch || !vek0::detail::addHatchBlock(getBlockTable(), block)) {
+  if (!hatch) {
     fail(CFileDXFIError::GeneralError);
     return nullptr;
   }
@@ -277,7 +279,8 @@ std::unique_ptr<CBlock> IFileDXFIDataSemantor::generate(const HATCH_TYPE& type, 
   if (cuts > m_hatchRoom * cutsPerPiece) return nullptr;
   m_hatchRoom -= cuts / cutsPerPiece;
   const HatchLimit limit(m_data, m_hatchRoom);
-  std::unique_ptr<CBlock> block(::createHatch({}, type, scale, rotate, boundary, m_data));
+  std::unique_ptr<CBlock> block(
+      ::createHatch(getHatchName(getBlockTable()), type, scale, rotate, boundary, m_data));
   if (block) m_hatchRoom -= static_cast<double>(block->size());
   return block;
 }

@@ -41,10 +41,6 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   void createBlockXRef(const zim::WString& name, const zim::WString& path, const PNT_3D& base,
                        long flags) override;
   CBlock* createBlockHurried(const zim::WString& name, long flags) override;
-  CEntHatch* createHatch(CLayer* layer, CLtype* ltype, short colour, const HATCH_TYPE& type,
-                         double scale, double rotate, const std::vector<PNT_3D>& boundary,
-                         long handle) override;
-  CHatchTypeTable& getHatchTypeTable() override;
 
   void add(CEnt* ent) override;
   CLtype* getLtype(const zim::WString& name) override;
@@ -61,6 +57,10 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   CBlock* findBlock(const zim::WString& name) override;
   CLayer* createLayerHurried(const zim::WString& name) override;
   const ICADFont* getFont(const zim::WString& name) override;
+  CEntHatch* createHatch(CLayer* layer, CLtype* ltype, short colour, const HATCH_TYPE& type,
+                         double scale, double rotate, const std::vector<PNT_3D>& boundary,
+                         long handle) override;
+  CHatchTypeTable& getHatchTypeTable() override;
   void adoptHatch(CEntHatch& hatch) override;
 
  protected:

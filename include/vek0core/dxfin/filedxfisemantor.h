@@ -31,7 +31,8 @@ struct HATCH_TYPE;
 ///
 /// Names are looked up without regard to letter case. Pointers that come back
 /// are borrowed. A failure is recorded in the error record that the semantor
-/// shares with the parser, which stops at its next test.
+/// shares with the parser, which stops at its next test. The pure functions stand in a
+/// fixed order.
 class VEK0_API IFileDXFISemantor {
  public:
   /// Reading failed; called once, before `transition`.
@@ -84,15 +85,6 @@ class VEK0_API IFileDXFISemantor {
   /// cannot be made.
   virtual CBlock* createBlockHurried(const zim::WString& name, long flags) = 0;
 
-  /// A hatch with its generated block, which is in the block table; when the lines
-  /// cannot be generated the block is empty. The caller owns the hatch; null and an
-  /// error recorded when it cannot be made.
-  virtual CEntHatch* createHatch(CLayer* layer, CLtype* ltype, short colour, const HATCH_TYPE& type,
-                                 double scale, double rotate, const std::vector<PNT_3D>& boundary,
-                                 long handle) = 0;
-  /// The drawing's own hatch patterns.
-  virtual CHatchTypeTable& getHatchTypeTable() = 0;
-
   /// Takes an entity of model space.
   virtual void add(CEnt* ent) = 0;
 
@@ -112,15 +104,27 @@ class VEK0_API IFileDXFISemantor {
   virtual IHandleGestor& getHandleGestor() = 0;
   virtual CEntFactory& getEntFactory() = 0;
 
-  /// What an insert of that name shows: the external reference or the block, by
-  /// the name that the file gives it; null, and nothing recorded, when neither
-  /// exists yet.
-  virtual CBlock* findBlock(const zim::WString& name) = 0;
+  // The rest can be left as it is.
+
+  /// What an insert of that name shows: the external reference or the block, by the name
+  /// that the file gives it; null, and nothing recorded, when neither exists yet. By
+  /// default what the block table has.
+  virtual CBlock* findBlock(const zim::WString& name);
   /// Creates a layer that an entity names and no table declared: colour 7,
   /// Continuous, flags 0. A table entry that follows fills it in.
-  virtual CLayer* createLayerHurried(const zim::WString& name) = 0;
-  /// The font for a font file's name; null when the policy allows no stand-in.
-  virtual const ICADFont* getFont(const zim::WString& name) = 0;
+  virtual CLayer* createLayerHurried(const zim::WString& name);
+  /// The font for a font file's name; null when the policy allows no stand-in. By default
+  /// the font table's, or its default font.
+  virtual const ICADFont* getFont(const zim::WString& name);
+  /// A hatch with its generated block, which is in the block table; when the lines cannot
+  /// be generated, and by default, the block is empty. The caller owns the hatch; null when
+  /// it cannot be made.
+  virtual CEntHatch* createHatch(CLayer* layer, CLtype* ltype, short colour, const HATCH_TYPE& type,
+                                 double scale, double rotate, const std::vector<PNT_3D>& boundary,
+                                 long handle);
+  /// The patterns that are in no catalogue, which must live as long as the hatches. By
+  /// default one table for all such semantors of the process.
+  virtual CHatchTypeTable& getHatchTypeTable();
   /// Told of each hatch that the file holds as an insert. Its block may have other content
   /// than a hatch needs, or none, when reading is over. Does nothing unless overridden.
   virtual void adoptHatch(CEntHatch& /*hatch*/) {}

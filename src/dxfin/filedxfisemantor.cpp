@@ -1,0 +1,41 @@
+#include "vek0core/dxfin/filedxfisemantor.h"
+
+#include <memory>
+
+#include "entities/hatchblock.h"
+#include "vek0core/entities/block.h"
+#include "vek0core/entities/blockfactory.h"
+#include "vek0core/entities/blocktable.h"
+#include "vek0core/entities/entfactory.h"
+#include "vek0core/entities/enthatch.h"
+#include "vek0core/hatch/hatchtypetable.h"
+#include "vek0core/tables/font.h"
+
+CBlock* IFileDXFISemantor::findBlock(const zim::WString& name) { return getBlockTable().get(name); }
+
+CLayer* IFileDXFISemantor::createLayerHurried(const zim::WString& name) {
+  constexpr short white = 7;
+  createLayer(name, nullptr, white, 0);
+  return getLayer(name);
+}
+
+const ICADFont* IFileDXFISemantor::getFont(const zim::WString& name) {
+  return CFontTable::getInstance().get(name, true);
+}
+
+CEntHatch* IFileDXFISemantor::createHatch(CLayer* layer, CLtype* ltype, short colour,
+                                          const HATCH_TYPE& type, double scale, double rotate,
+                                          const std::vector<PNT_3D>& boundary, long handle) {
+  std::unique_ptr<CBlock> block(
+      getBlockFactory().create(getHatchName(getBlockTable()), CBlock::kAnonymous));
+  if (!block) return nullptr;
+  std::unique_ptr<CEntHatch> hatch(getEntFactory().createEntHatch(
+      getHandleGestor(), layer, ltype, colour, block.get(), type, scale, rotate, boundary, handle));
+  if (!hatch || !vek0::detail::addHatchBlock(getBlockTable(), block)) return nullptr;
+  return hatch.release();
+}
+
+CHatchTypeTable& IFileDXFISemantor::getHatchTypeTable() {
+  static CHatchTypeTable types;
+  return types;
+}
