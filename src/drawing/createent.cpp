@@ -144,12 +144,11 @@ CEntInsertXRef* createEntInsertXRef(const CData& data, CBlockXRefDepend& depend,
 CEntHatch* createEntHatch(CData& data, CLayer* layer, CLtype* ltype, short color,
                           const HATCH_TYPE& type, double scale, double rotate,
                           const std::vector<PNT_3D>& boundary, long handle) {
-  std::unique_ptr<CBlock> block(createHatch({}, type, scale, rotate, boundary, data));
-  if (!block) return nullptr;
-  std::unique_ptr<CEntHatch> hatch(
-      data.getEntFactory().createEntHatch(data.getHandleGestor(), layer, ltype, color, block.get(),
-                                          type, scale, rotate, boundary, handle));
-  if (!hatch || hatch->getNoPnts() < 3) return nullptr;
+  std::unique_ptr<CEntHatch> hatch(data.getEntFactory().createEntHatch(
+      data.getHandleGestor(), layer, ltype, color, getHatchName(data.getBlockTable()), type, scale,
+      rotate, boundary, data, handle));
+  std::unique_ptr<CBlock> block(hatch ? hatch->getBlock() : nullptr);
+  if (!block || hatch->getNoPnts() < 3) return nullptr;
   return vek0::detail::addHatchBlock(data.getBlockTable(), block) ? hatch.release() : nullptr;
 }
 CEntHatch* createEntHatch(CData& data, const HATCH_TYPE& type, double scale, double rotate,

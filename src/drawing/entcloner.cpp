@@ -141,7 +141,7 @@ class EntCloner final : public IEntVisitor {
       e.forEachBulged([&](const PNT_3D& pnt, double ws, double we, double bulge, long handle) {
         vertexes.push_back({pnt.x, pnt.y, pnt.z, ws, we, bulge, handle});
       });
-      copy->setBulgedVertexes(vertexes.data(), vertexes.size());
+      copy->setBulgedVertexes(gestor(), factory(), vertexes.data(), vertexes.size());
       return copy;
     }
     for (int i = 0; i < e.getFirstVisibleVertex(); ++i) {

@@ -438,7 +438,8 @@ bool CUndoStack::redefine(CEntHatch& hatch, double scale, double rotate, const H
       &type == &hatch.getHatchType())
     return true;
   CBlockTable& table = m_data.getBlockTable();
-  std::unique_ptr<CBlock> fresh(createHatch({}, type, scale, rotate, hatch.getBoundary(), m_data));
+  std::unique_ptr<CBlock> fresh(
+      createHatch(getHatchName(table), type, scale, rotate, hatch.getBoundary(), m_data));
   if (!fresh) return false;
   const AutoStep step(*this);
   const std::size_t before = actions().size();

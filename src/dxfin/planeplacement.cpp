@@ -29,7 +29,8 @@ EntPtr chordsOf(RecordReader& in, const CIRCLE_3D& circle, double start, double 
   const short flags = CEntPolyline::kLtGen | (closed ? CEntPolyline::kClosed : 0);
   auto polyline = in.built(
       in.factory().createEntPolyline(in.gestor(), r.layer, r.ltype, r.color, flags, 0, r.handle));
-  if (polyline) polyline->setBulgedVertexes(vertexes.data(), vertexes.size());
+  if (polyline)
+    polyline->setBulgedVertexes(in.gestor(), in.factory(), vertexes.data(), vertexes.size());
   in.note("curve as polyline");
   return polyline;
 }

@@ -151,7 +151,9 @@ std::unique_ptr<CEntPolyline> PolylineReader::create(short flags, short degree) 
 
 EntPtr PolylineReader::buildPlain() {
   auto polyline = create(static_cast<short>(m_head.flags & (kClosed | kLtGen)), 0);
-  if (polyline) polyline->setBulgedVertexes(m_vertexes.data(), m_vertexes.size());
+  if (polyline)
+    polyline->setBulgedVertexes(m_in.gestor(), m_in.factory(), m_vertexes.data(),
+                                m_vertexes.size());
   return polyline;
 }
 

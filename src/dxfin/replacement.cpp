@@ -32,7 +32,7 @@ EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short fla
   std::vector<BULGED_VERTEX> vertexes;
   vertexes.reserve(points.size());
   for (const PNT_3D& p : points) vertexes.push_back({p.x, p.y, p.z, 0, 0, 0, 0});
-  polyline->setBulgedVertexes(vertexes.data(), vertexes.size());
+  polyline->setBulgedVertexes(in.gestor(), in.factory(), vertexes.data(), vertexes.size());
   return polyline;
 }
 

@@ -98,7 +98,9 @@ bool isHatchName(const zim::WString& name) {
 
 bool vek0::detail::addHatchBlock(CBlockTable& table, std::unique_ptr<CBlock>& block) {
   try {
-    block->setName(getHatchName(table));
+    // A hatch among what the block holds may have got the name meanwhile.
+    const CBlock* const same = table.get(block->getName());
+    if (same && same != block.get()) block->setName(getHatchName(table));
     table.add(block.get());
   } catch (const std::bad_alloc&) {
     return false;

@@ -1,5 +1,6 @@
 #include "vek0core/entities/enthatch.h"
 
+#include <optional>
 #include <utility>
 
 #include "entities/hatchblock.h"
@@ -55,48 +56,59 @@ bool CEntHatch::redefine(CData& data, double scale, double rotate, const HATCH_T
 
 bool CEntHatch::regenerate(CData& data, double scale, double rotate, const HATCH_TYPE& type,
                            const std::vector<PNT_3D>& boundary) {
-  std::unique_ptr<CBlock> fresh(createHatch({}, type, scale, rotate, boundary, data));
-  return fresh && show(data.getBlockTable(), fresh, scale, rotate, type, boundary);
+  const auto make = [&](const zim::WString& name) {
+    return createHatch(name, type, scale, rotate, boundary, data);
+  };
+  if (!replaceLines(data.getBlockTable(), make)) return false;
+  setParameters(scale, rotate, type, boundary);
+  return true;
 }
 
-bool CEntHatch::show(CBlockTable& table, std::unique_ptr<CBlock>& fresh, double scale,
-                     double rotate, const HATCH_TYPE& type, std::vector<PNT_3D> boundary) {
+void CEntHatch::setParameters(double scale, double rotate, const HATCH_TYPE& type,
+                              const std::vector<PNT_3D>& boundary) {
+  m_scale = scale;
+  m_rotate = rotate;
+  m_type = &type;
+  m_boundary = boundary;
+  calcBdry();
+}
+
+// The old block leaves first, since its number may become that of the new one, and comes
+// back when there is none.
+bool CEntHatch::replaceLines(CBlockTable& table, const BlockMaker& make) {
   CBlock* const old = getBlock();
   std::vector<CBlock*> users;
   if (old) users = table.getBlockGraph().getUsers(*old);
+  replaceBlock(nullptr);
+  const bool isUnused = old && old->getEntities() <= 0;  // else an insert shows it too
+  std::optional<CBlockTable::Place> place;
+  if (isUnused && table.contains(old)) place = table.getPlace(*old);
+  if (place) table.remove(old);
+  std::unique_ptr<CBlock> fresh(make(getHatchName(table)));
   CBlock* const shown = fresh.get();
-  replaceBlock(shown);
-  const bool unused = old && old->getEntities() <= 0;  // else an insert shows it too
-  if (unused) table.remove(old);
-  if (!vek0::detail::addHatchBlock(table, fresh)) {
-    if (unused) table.add(old);
+  if (!shown || !vek0::detail::addHatchBlock(table, fresh)) {
+    if (place) table.restore(old, *place);
     replaceBlock(old);
     return false;
   }
-  if (unused) delete old;
+  replaceBlock(shown);
+  if (isUnused) delete old;
   for (CBlock* user : users) {
     table.updateBlock(user);
     user->invalidateBdry();
   }
-  m_scale = scale;
-  m_rotate = rotate;
-  m_type = &type;
-  m_boundary = std::move(boundary);
-  calcBdry();
   return true;
 }
 
 void CEntHatch::setShown(CBlock* block, double scale, double rotate, const HATCH_TYPE& type) {
   replaceBlock(block);
-  m_scale = scale;
-  m_rotate = rotate;
-  m_type = &type;
-  calcBdry();
+  setParameters(scale, rotate, type, m_boundary);
 }
 
 CEnt* CEntHatch::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
                        CBlockTable& blockTable, long handle) const {
-  std::unique_ptr<CBlock> block(blockFactory.create({}, PNT_3D(0, 0, 0), CBlock::kAnonymous));
+  std::unique_ptr<CBlock> block(
+      blockFactory.create(getHatchName(blockTable), PNT_3D(0, 0, 0), CBlock::kAnonymous));
   if (!block) return nullptr;
   if (const CBlock* own = getBlock()) {
     for (unsigned i = 0; i < static_cast<unsigned>(own->size()); ++i) {
@@ -114,27 +126,25 @@ void CEntHatch::setMemento(CData& data, const IEntDerivedMemento* memento) {
   const auto* state = vek0::detail::mementoOf<CEntHatch, CEntHatchMemento>(memento);
   if (!state) return;
   if (!state->showsSameBlock(*this)) return restoreLines(data, *state);
-  m_scale = state->m_scale;
-  m_rotate = state->m_rotate;
-  m_type = state->m_type;
-  m_boundary = state->m_boundary;
   if (CBlock* block = getBlock()) {
     for (unsigned i = 0; i < state->m_lines.size(); ++i)
       (*block)[i]->setMemento(data, state->m_lines[i].state.get());
     block->invalidateBdry();
   }
-  calcBdry();
+  setParameters(state->m_scale, state->m_rotate, *state->m_type, state->m_boundary);
 }
 
 // A hatch that had no lines may be one that none could be generated for.
 void CEntHatch::restoreLines(CData& data, const CEntHatchMemento& state) {
-  std::unique_ptr<CBlock> block(
-      state.m_lines.empty()
-          ? data.getBlockFactory().create({}, PNT_3D(0, 0, 0), CBlock::kAnonymous)
-          : createHatch({}, *state.m_type, state.m_scale, state.m_rotate, state.m_boundary, data));
-  if (block)
-    show(data.getBlockTable(), block, state.m_scale, state.m_rotate, *state.m_type,
-         state.m_boundary);
+  if (!state.m_lines.empty()) {
+    regenerate(data, state.m_scale, state.m_rotate, *state.m_type, state.m_boundary);
+    return;
+  }
+  const auto make = [&](const zim::WString& name) {
+    return data.getBlockFactory().create(name, PNT_3D(0, 0, 0), CBlock::kAnonymous);
+  };
+  if (replaceLines(data.getBlockTable(), make))
+    setParameters(state.m_scale, state.m_rotate, *state.m_type, state.m_boundary);
 }
 
 IEntDerivedMemento* CEntHatch::createDerivedMemento() const {

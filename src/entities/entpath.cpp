@@ -33,7 +33,7 @@ CEnt* createPolyline(IHandleGestor& gestor, CEntFactory& factory, const PATH_3D&
   const short flags = path.closed ? CEntPolyline::kClosed : short{0};
   CEntPolyline* made = factory.createEntPolyline(gestor, like.getLayer(), like.getLtype(),
                                                  like.getColor(), flags, 0, 0);
-  if (made) made->setBulgedVertexes(vertexes.data(), vertexes.size());
+  if (made) made->setBulgedVertexes(gestor, factory, vertexes.data(), vertexes.size());
   return made;
 }
 

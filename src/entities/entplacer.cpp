@@ -147,7 +147,7 @@ void EntPlacer::takeChords(const CEnt& src, const PNT_3D& center, double radius,
   CEntPolyline* made =
       m_maker.ents.createEntPolyline(m_maker.gestor, layerOf(src), ltypeOf(src), colorOf(src),
                                      isClosed ? CEntPolyline::kClosed : short{0}, 0, 0);
-  if (made) made->setBulgedVertexes(vertexes.data(), vertexes.size());
+  if (made) made->setBulgedVertexes(m_maker.gestor, m_maker.ents, vertexes.data(), vertexes.size());
   take(made, src);
 }
 
@@ -163,7 +163,7 @@ void EntPlacer::visit(CEntPolyline& ent) {
   m_keepsAngles ? ent.forEachBulged(add) : ent.forEachVisible(add);
   CEntPolyline* made = m_maker.ents.createEntPolyline(
       m_maker.gestor, layerOf(ent), ltypeOf(ent), colorOf(ent), ent.getFlags(), ent.getDegree(), 0);
-  if (made) made->setBulgedVertexes(vertexes.data(), vertexes.size());
+  if (made) made->setBulgedVertexes(m_maker.gestor, m_maker.ents, vertexes.data(), vertexes.size());
   take(made, ent);
 }
 
@@ -319,7 +319,8 @@ void EntPlacer::visit(CEntHatch& ent) {
 bool EntPlacer::placeHatch(CEntHatch& ent) {
   CBlock* own = ent.getBlock();
   if (!own || !m_maker.spend(static_cast<double>(own->size()))) return false;
-  std::unique_ptr<CBlock> block(m_maker.blocks.create({}, PNT_3D(0, 0, 0), CBlock::kAnonymous));
+  std::unique_ptr<CBlock> block(
+      m_maker.blocks.create(getHatchName(m_maker.table), PNT_3D(0, 0, 0), CBlock::kAnonymous));
   if (!block) {
     m_maker.isRefused = true;
     return true;

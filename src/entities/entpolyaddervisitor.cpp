@@ -36,7 +36,7 @@ bool CEntPolyAdderVisitor::add(const CEnt& ent) {
 bool CEntPolyAdderVisitor::finish(IHandleGestor& gestor, CEntFactory& factory) {
   if (!m_isChanged) return m_polyline.isClosed();
   const bool isClosed = m_chain->close(m_tolerance);
-  m_chain->write(m_polyline);
+  m_chain->write(gestor, factory, m_polyline);
   if (isClosed) m_polyline.close(gestor, factory, false);
   m_isChanged = false;
   if (isClosed) m_chain.reset();

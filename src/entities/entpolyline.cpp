@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <typeinfo>
 #include <unordered_set>
 
 #include "entities/newornull.h"
@@ -52,6 +53,9 @@ CEntPolyline::CEntPolyline(IHandleGestor& gestor, CEntFactory& factory, const CE
                            long handle)
     : CEntPolyline(src, handle) {
   m_packed.clearHandles();
+  unpackFor(factory, [&](const ChainVertex& v) {
+    return factory.createVertex(gestor, CVertex(v.pnt, v.widthStart, v.widthEnd, v.handle));
+  });
   m_vertexes.reserve(src.m_vertexes.size());
   for (const CVertex* vertex : src.m_vertexes) {
     m_vertexes.push_back(orThrow(factory.createVertex(gestor, *vertex)));
@@ -113,13 +117,23 @@ std::vector<CEntPolyline::ArcRun> CEntPolyline::runsOf(const BulgedChain& chain)
 }
 
 void CEntPolyline::unpack() const {
+  unpack([](const ChainVertex& v) {
+    return new (std::nothrow) CVertex(v.pnt, v.widthStart, v.widthEnd, v.handle);
+  });
+}
+
+// The vertices of the library's own factory are those that `unpack` makes when somebody
+// asks for them. Those of a host are made at once, while its factory is at hand.
+void CEntPolyline::unpackFor(const CEntFactory& factory, const VertexMaker& make) {
+  if (typeid(factory) != typeid(CEntFactory)) unpack(make);
+}
+
+void CEntPolyline::unpack(const VertexMaker& make) const {
   if (!isPacked()) return;
   std::vector<ArcRun> runs = runsOf(m_packed);
   std::vector<std::unique_ptr<CVertex>> made;
   made.reserve(m_packed.size());
-  m_packed.forEach([&made](const ChainVertex& v) {
-    made.push_back(std::make_unique<CVertex>(v.pnt, v.widthStart, v.widthEnd, v.handle));
-  });
+  m_packed.forEach([&](const ChainVertex& v) { made.emplace_back(orThrow(make(v))); });
   m_vertexes.reserve(made.size());
   for (auto& vertex : made) m_vertexes.push_back(vertex.release());
   m_runs.swap(runs);
@@ -517,6 +531,14 @@ void CEntPolyline::setBulgedVertexes(const BULGED_VERTEX* vertexes, std::size_t 
   m_packed.assign(vertexes, count);
   m_maybeWide = m_packed.isWide();
   dirtyBdry();
+}
+
+void CEntPolyline::setBulgedVertexes(IHandleGestor& gestor, CEntFactory& factory,
+                                     const BULGED_VERTEX* vertexes, std::size_t count) {
+  setBulgedVertexes(vertexes, count);
+  unpackFor(factory, [&](const ChainVertex& v) {
+    return factory.createVertex(gestor, v.pnt, v.widthStart, v.widthEnd, v.handle);
+  });
 }
 
 // --- Shape

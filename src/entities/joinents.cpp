@@ -113,7 +113,7 @@ class Joiner {
                                                   like.getColor(), flags, 0, 0));
     if (!made.polyline) return made;
     made.polyline->setUserInfo(like.getUserType(), like.getUserData());
-    chain.write(*made.polyline);
+    chain.write(gestor, factory, *made.polyline);
     made.parts.assign(backwards.rbegin(), backwards.rend());
     made.parts.insert(made.parts.end(), onwards.begin(), onwards.end());
     return made;

@@ -67,9 +67,9 @@ bool OpenChain::close(double tolerance) {
   return true;
 }
 
-void OpenChain::write(CEntPolyline& polyline) const {
+void OpenChain::write(IHandleGestor& gestor, CEntFactory& factory, CEntPolyline& polyline) const {
   const std::vector<BULGED_VERTEX> all(m_vertexes.begin(), m_vertexes.end());
-  polyline.setBulgedVertexes(all.data(), all.size());
+  polyline.setBulgedVertexes(gestor, factory, all.data(), all.size());
 }
 
 }  // namespace vek0::detail

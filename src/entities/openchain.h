@@ -7,7 +7,9 @@
 #include "vek0core/geometry/pnt.h"
 
 class CEnt;
+class CEntFactory;
 class CEntPolyline;
+class IHandleGestor;
 
 namespace vek0::detail {
 
@@ -36,7 +38,7 @@ class OpenChain {
   bool close(double tolerance);
 
   /// Replaces the vertices of a plain polyline.
-  void write(CEntPolyline& polyline) const;
+  void write(IHandleGestor& gestor, CEntFactory& factory, CEntPolyline& polyline) const;
 
  private:
   std::deque<BULGED_VERTEX> m_vertexes;

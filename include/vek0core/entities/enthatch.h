@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -88,10 +89,13 @@ class VEK0_API CEntHatch : public CEntInsertBase {
               CBlockTable& blockTable, long handle) const override;
 
  private:
+  using BlockMaker = std::function<CBlock*(const zim::WString& name)>;
+
   bool regenerate(CData& data, double scale, double rotate, const HATCH_TYPE& type,
                   const std::vector<PNT_3D>& boundary);
-  bool show(CBlockTable& table, std::unique_ptr<CBlock>& fresh, double scale, double rotate,
-            const HATCH_TYPE& type, std::vector<PNT_3D> boundary);
+  bool replaceLines(CBlockTable& table, const BlockMaker& make);
+  void setParameters(double scale, double rotate, const HATCH_TYPE& type,
+                     const std::vector<PNT_3D>& boundary);
   void restoreLines(CData& data, const CEntHatchMemento& state);
 
   double m_scale;

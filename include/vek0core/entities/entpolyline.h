@@ -169,6 +169,10 @@ class VEK0_API CEntPolyline : public CEnt {
   /// Replaces all vertices of a plain polyline by `count` such ones, in one
   /// allocation; does nothing for a curve.
   void setBulgedVertexes(const BULGED_VERTEX* vertexes, std::size_t count);
+  /// The same with the vertices of a factory: one that a host has derived makes them
+  /// at once. The forms without a factory make plain ones.
+  void setBulgedVertexes(IHandleGestor& gestor, CEntFactory& factory, const BULGED_VERTEX* vertexes,
+                         std::size_t count);
   /// Whether a visible segment is known as an arc.
   bool hasArcRuns() const;
   /// Hands over the visible vertices, an arc being its start vertex with its bulge.
@@ -249,8 +253,12 @@ class VEK0_API CEntPolyline : public CEnt {
   CEntPolyline(const CEntPolyline& src, long handle);  // all but the vertex objects
   CEntPolyline(const CEnt& src, long handle);          // the part that all kinds have
 
+  using VertexMaker = std::function<CVertex*(const vek0::detail::ChainVertex&)>;
+
   bool isPacked() const { return !m_packed.empty(); }
   void unpack() const;
+  void unpack(const VertexMaker& make) const;
+  void unpackFor(const CEntFactory& factory, const VertexMaker& make);
   long listSize() const { return static_cast<long>(m_vertexes.size()); }
   bool isIndex(long i) const { return i >= 0 && i < getNoTotalVertexes(); }
   long clampedIndex(long i) const;
