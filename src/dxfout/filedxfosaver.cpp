@@ -104,6 +104,7 @@ CFileDXFOSaver::CFileDXFOSaver(const CData& data, IFile& file, unsigned flags, C
       m_flags(flags),
       m_report(report),
       m_handles(std::make_unique<vek0::detail::SaveHandles>()) {
+  m_writer.setBuffered(true);
   m_writer.setExact(isExchange());
   m_writer.setReport(report);
   m_visitor.SetACADNameConverter(&m_converter);

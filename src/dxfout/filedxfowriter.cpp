@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <new>
 
 #include "files/number.h"
 #include "vek0core/files/file.h"
@@ -26,13 +27,13 @@ constexpr std::size_t kBufferSize = 64 * 1024;
 constexpr std::size_t kLongestValue = 8190;
 static_assert(kLongestValue + 1 <= kBufferSize && kFixedRoom + 1 <= kBufferSize);
 
-using GroupLine = std::array<char, 4>;
+using GroupLine = std::array<char, 3>;
 
 constexpr char digit(int value) { return static_cast<char>('0' + value); }
 
 constexpr GroupLine groupLine(int code) {
   return {code < 100 ? ' ' : digit(code / 100), code < 10 ? ' ' : digit(code / 10 % 10),
-          digit(code % 10), '\n'};
+          digit(code % 10)};
 }
 
 constexpr int kShortGroups = 1000;
@@ -56,13 +57,20 @@ bool isPlain(std::u16string_view text) {
 CFileDXFOWriter::CFileDXFOWriter(IFile& file)
     : m_file(file), m_buffer(std::make_unique<char[]>(kBufferSize)) {}
 
-CFileDXFOWriter::~CFileDXFOWriter() = default;
+CFileDXFOWriter::~CFileDXFOWriter() {
+  try {
+    flush();
+  } catch (const std::bad_alloc&) {
+    // A host's file that takes lines has no memory for them, and says so itself.
+  }
+}
 
 void CFileDXFOWriter::writeGroup(long code) {
   if (code < 0 || code >= kShortGroups) return endLine(formatInteger(room(kIntegerRoom), code));
   const GroupLine& line = kGroupLines[static_cast<std::size_t>(code)];
-  std::memcpy(room(line.size()), line.data(), line.size());
-  m_used += line.size();
+  char* const out = room(line.size());
+  std::memcpy(out, line.data(), line.size());
+  endLine(out + line.size());
 }
 
 void CFileDXFOWriter::write(long code, long value) {
@@ -134,4 +142,5 @@ char* CFileDXFOWriter::room(std::size_t bytes) {
 void CFileDXFOWriter::endLine(char* end) {
   *end = '\n';
   m_used = static_cast<std::size_t>(end + 1 - m_buffer.get());
+  if (!m_buffered) flush();
 }

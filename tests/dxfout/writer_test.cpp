@@ -169,6 +169,7 @@ TEST(DxfWriter, MuchMoreThanTheBufferArrivesInOrder) {
   std::string expected;
   for (int i = 0; i < 50000; ++i) expected += "  1\n" + std::to_string(i) + "\n";
   EXPECT_EQ(written([](CFileDXFOWriter& w) {
+              w.setBuffered(true);
               for (long i = 0; i < 50000; ++i) w.write(1, i);
             }),
             expected);
@@ -176,10 +177,14 @@ TEST(DxfWriter, MuchMoreThanTheBufferArrivesInOrder) {
 
 TEST(DxfWriter, FilesOfLinesGetTheSameContent) {
   LineFile file;
-  CFileDXFOWriter writer(file);
-  writer.write(1, u"\u00D8 \u20AC \u4E2D");
-  writer.write(40, 1.5);
-  EXPECT_TRUE(writer.flush());
+  CFileDXFOWriter(file).write(1, u"\u00D8 \u20AC \u4E2D");
+  EXPECT_TRUE(file.text.ends_with(u"4E2D\n")) << "at once";
+  {
+    CFileDXFOWriter writer(file);
+    writer.setBuffered(true);
+    writer.write(40, 1.5);
+    EXPECT_TRUE(file.text.ends_with(u"4E2D\n")) << "when it is flushed, here by the destructor";
+  }
   // Both letters of the code page, the second of those that it has where Latin-1
   // has control characters.
   EXPECT_EQ(file.text, u"  1\n\u00D8 \u20AC \\U+4E2D\n 40\n1.500000\n");

@@ -13,17 +13,16 @@ class IFile;
 
 /// Formats DXF group pairs, two lines each, and hands them to a file.
 ///
-/// Output is collected in a buffer of 64 KiB: it has reached the file only after
-/// `flush`. A failed write is remembered; everything after it is dropped. Numbers
-/// do not depend on the locale.
+/// Every line reaches the file at once unless `setBuffered` collects them. A failed write
+/// is remembered; everything after it is dropped. Numbers do not depend on the locale.
 class VEK0_API CFileDXFOWriter {
  public:
-  /// Writes to `file`, which is borrowed and must be open when the buffer is
-  /// handed over.
+  /// Writes to `file`, which is borrowed and must be open whenever something is written
+  /// or handed over.
   explicit CFileDXFOWriter(IFile& file);
   CFileDXFOWriter(const CFileDXFOWriter&) = delete;
   CFileDXFOWriter& operator=(const CFileDXFOWriter&) = delete;
-  /// Drops what was not flushed.
+  /// Flushes. Whether that failed the file knows (`IFile::fail`).
   ~CFileDXFOWriter();
 
   /// Value in decimal.
@@ -54,6 +53,9 @@ class VEK0_API CFileDXFOWriter {
   /// Where cut texts are reported; null (at first) for nowhere. Borrowed.
   void setReport(CFileReport* report) { m_report = report; }
 
+  /// Whether output is collected in a buffer of 64 KiB, which is several times faster; off
+  /// at first. Then call `flush` before the file is closed.
+  void setBuffered(bool buffered) { m_buffered = buffered; }
   /// Hands what is buffered to the file. False when this or an earlier write
   /// failed.
   bool flush();
@@ -75,5 +77,6 @@ class VEK0_API CFileDXFOWriter {
   std::string m_text;  // the text being encoded; its room is kept
   CFileReport* m_report = nullptr;
   bool m_exact = false;
+  bool m_buffered = false;
   bool m_failed = false;
 };
