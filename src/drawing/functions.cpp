@@ -103,9 +103,7 @@ void removeLtype(CData& data, const zim::WString& name) {
   removeLtype(data, data.getLtypeTable().get(name));
 }
 void removeLayer(CData& data, const zim::WString& name) {
-  CLayer* layer = data.getLayerTable().get(name);
-  // Layer "0" is found, but is no item of the table: its linetype keeps counting it.
-  if (layer && !layer->is0()) removeLayer(data, layer);
+  removeLayer(data, data.getLayerTable().get(name));
 }
 void removeStyle(CData& data, const zim::WString& name) {
   removeStyle(data, data.getStyleTable().get(name));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <deque>
 #include <string>
+#include <utility>
 
 #include "dxfout/foldednames.h"
 #include "dxfout/itemlists.h"
@@ -140,10 +141,10 @@ zim::WString CNameAcadConverter::GetName(const CBlock* block) const {
 }
 
 void CNameAcadConverter::Convert() {
-  ConvertBlocks();
   ConvertLayers();
   ConvertLtypes();
   ConvertStyles();
+  ConvertBlocks();
 }
 
 void CNameAcadConverter::ConvertLayers() {
@@ -175,6 +176,7 @@ void CNameAcadConverter::ConvertStyles() {
 }
 
 void CNameAcadConverter::ConvertBlocks() {
+  if (std::exchange(m_hasBlocks, true)) return;
   std::vector<const CBlock*> blocks;
   std::vector<Entry> entries;
   const auto add = [&](const CBlock& block, bool dependent) {
@@ -220,9 +222,10 @@ bool CNameAcadConverter::IsValidChar(zim::Char unit) {
          (unit >= u'0' && unit <= u'9') || unit == u'_' || unit == u'-' || unit == u'$';
 }
 
-CNameAcadConverter::Entry CNameAcadConverter::entry(const zim::WString& own, bool dependent) const {
+CNameAcadConverter::Entry CNameAcadConverter::entry(const zim::WString& own, bool dependent) {
   zim::WString xref, item;
   if (!dependent || !scomposeName(own, xref, item)) return {own, zim::WString(), 0};
+  ConvertBlocks();  // already, as the name begins with that of one
   zim::WString prefix;
   if (const CBlock* block = m_data.getBlockXRefTable().get(xref))
     prefix = GetName(block);

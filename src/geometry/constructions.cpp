@@ -53,6 +53,16 @@ bool touches(const EDGE_3D& edge) { return edge.length() > 0 && std::isfinite(ed
 
 }  // namespace
 
+bool CalcolaPuntoIntersezione(const LINE_2D& a, const LINE_2D& b, PNT_2D& out) {
+  constexpr int oneCrossing = 2;
+  const PAR_LINE_2D line(a);
+  double t = 0, u = 0;
+  if (line.intersect(PAR_LINE_2D(b), t, u) != oneCrossing) return false;
+  PNT_2D crossing(0, 0);
+  line.calcPt(t, crossing);
+  return give(crossing, out);
+}
+
 bool pntPerp(const PNT_2D& p, const LINE_2D& line, PNT_2D& out) {
   const PAR_LINE_2D carrier(line);
   const double square = carrier.dx * carrier.dx + carrier.dy * carrier.dy;

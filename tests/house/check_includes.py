@@ -1,4 +1,5 @@
-"""Fails when an include climbs: a room may use only itself and the rooms before it.
+"""Fails when an include climbs, since a room may use only itself and the rooms before it,
+and when vek0core.h lacks a public header.
 
 usage: check_includes.py PROJECT
 """
@@ -29,6 +30,10 @@ def main():
     files = [path for folder in ("include/vek0core", "src") for path in (root / folder).glob("*/*")
              if path.suffix in (".h", ".cpp")]
     faults = [fault for path in sorted(files) for fault in climbs(root, path)]
+    whole = (root / "include/vek0core/vek0core.h").read_text()
+    faults += [f"vek0core.h lacks {name}" for path in files if path.suffix == ".h"
+               and (name := path.relative_to(root).as_posix().removeprefix("include/")) not in whole
+               and name.startswith("vek0core/")]
     print("\n".join(faults) or f"{len(files)} files, no include climbs")
     sys.exit(1 if faults or len(files) < 50 else 0)
 

@@ -88,7 +88,8 @@ VEK0_API CLayer* getLayer(const CData& data, const zim::WString& name);
 VEK0_API CStyle* getStyle(const CData& data, const zim::WString& name);
 
 /// Takes the item out, which the caller owns from then on; whether it is still used is
-/// not checked. What is not there is ignored.
+/// not checked. What is not there is ignored, though a layer's linetype counts one less:
+/// so it is with layer "0", which cannot be taken out.
 VEK0_API void removeLtype(CData& data, CLtype* ltype);
 VEK0_API void removeLayer(CData& data, CLayer* layer);
 VEK0_API void removeStyle(CData& data, CStyle* style);

@@ -50,20 +50,20 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   void setHandles(vek0::detail::SaveHandles* handles) { m_handles = handles; }
 
   using IEntFooVisitor::visit;  // vertices are written with their polyline
-  void visit(CEntPnt& ent) override;
-  void visit(CEntLine& ent) override;
-  void visit(CEntCircle& ent) override;
-  void visit(CEntArc& ent) override;
-  void visit(CEntPolyline& ent) override;
-  void visit(CEntText& ent) override;
-  void visit(CEntAttdef& ent) override;
-  void visit(CEntInsert& ent) override;
-  void visit(CEntFixedInsert& ent) override;
-  void visit(CEntInsertXRef& ent) override;
+  void visit(CEnt3DFace& ent) override;
+  void visit(CEntHatch& ent) override;
   /// Attributes are written with their insert; a lone one is our own mistake.
   void visit(CEntAttrib& ent) override;
-  void visit(CEntHatch& ent) override;
-  void visit(CEnt3DFace& ent) override;
+  void visit(CEntInsertXRef& ent) override;
+  void visit(CEntFixedInsert& ent) override;
+  void visit(CEntInsert& ent) override;
+  void visit(CEntAttdef& ent) override;
+  void visit(CEntText& ent) override;
+  void visit(CEntPolyline& ent) override;
+  void visit(CEntArc& ent) override;
+  void visit(CEntCircle& ent) override;
+  void visit(CEntLine& ent) override;
+  void visit(CEntPnt& ent) override;
 
  private:
   /// What a text record holds beside the common properties.

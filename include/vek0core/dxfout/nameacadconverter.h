@@ -48,8 +48,8 @@ class VEK0_API CNameAcadConverter {
   zim::WString GetName(const CBlock* block) const;
 
  protected:
-  /// Fills the maps: blocks and external references first, since dependent names
-  /// begin with a reference's, then layers, linetypes and styles.
+  /// Fills the maps: layers, linetypes, styles, blocks; the last where the first name that
+  /// depends on a reference needs them.
   void Convert();
   void ConvertLayers();
   void ConvertLtypes();
@@ -81,7 +81,7 @@ class VEK0_API CNameAcadConverter {
     std::size_t nameAt;   // of what stands behind the '|' in `own`; 0 when there is none
   };
 
-  Entry entry(const zim::WString& own, bool dependent) const;
+  Entry entry(const zim::WString& own, bool dependent);
   template <class Item>
   void convertTable(const std::vector<const Item*>& items, const std::vector<Entry>& entries,
                     Names<Item>& names) const;
@@ -92,6 +92,7 @@ class VEK0_API CNameAcadConverter {
   Names<CLtype> m_ltypes;
   Names<CStyle> m_styles;
   Names<CBlock> m_blocks;
+  bool m_hasBlocks = false;
   bool m_unique = false;
   CFileReport* m_report = nullptr;
 };

@@ -30,7 +30,7 @@ class CLayer;
 /// An entity with which the visitor would have given more than the limit, counted in entities
 /// and in the vertices of polylines, gives nothing at all, however large its array claims to
 /// be. So does an insert that would shear an external reference, or 200 levels of inserts.
-class VEK0_API CEntExploderVisitor final : public IEntVisitor {
+class VEK0_API CEntExploderVisitor final : public IEntFooVisitor {
  public:
   static constexpr long kLimit = 4000000;
 
@@ -45,7 +45,7 @@ class VEK0_API CEntExploderVisitor final : public IEntVisitor {
   /// Whether the entity visited last has been refused, as told above or for want of memory.
   bool isRefused() const { return m_isRefused; }
 
-  using IEntVisitor::visit;
+  using IEntFooVisitor::visit;
   void visit(CEntPnt& ent) override;
   void visit(CEntLine& ent) override;
   void visit(CEntCircle& ent) override;

@@ -20,7 +20,7 @@ class OpenChain;
 /// The polyline keeps its layer, linetype and colour. Where an end lies at both of its own,
 /// the later one counts. `finish` writes the vertices; until then the polyline is as it
 /// was. For many entities in no order, see `joinEnts`.
-class VEK0_API CEntPolyAdderVisitor final : public IEntVisitor {
+class VEK0_API CEntPolyAdderVisitor final : public IEntFooVisitor {
  public:
   /// `polyline` must be plain (`Rectify` makes it so) and open, or nothing will be added.
   /// `tolerance` in drawing units, 0 or more.
@@ -35,7 +35,7 @@ class VEK0_API CEntPolyAdderVisitor final : public IEntVisitor {
   /// Answers whether it is closed now. Does nothing when nothing was appended.
   bool finish(IHandleGestor& gestor, CEntFactory& factory);
 
-  using IEntVisitor::visit;
+  using IEntFooVisitor::visit;
   void visit(CEntPnt& ent) override;
   void visit(CEntLine& ent) override;
   void visit(CEntCircle& ent) override;

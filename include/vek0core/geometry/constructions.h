@@ -16,6 +16,11 @@ VEK0_API bool pntPerp(const PNT_2D& p, const LINE_2D& line, PNT_2D& out);
 /// The nearest point of the whole circle, also of an arc's; none from the centre.
 VEK0_API bool pntPerp(const PNT_2D& p, const CIRCLE_3D& circle, PNT_2D& out);
 
+/// The point in which the whole lines through two segments cross ("calcola punto
+/// intersezione" is Italian for "compute the intersection point"); none where they are
+/// parallel or the same, exactly, or a segment is a point. See `PAR_LINE_2D::intersect`.
+VEK0_API bool CalcolaPuntoIntersezione(const LINE_2D& a, const LINE_2D& b, PNT_2D& out);
+
 /// The nearest point of the segment.
 VEK0_API bool pntNearest(const PNT_2D& p, const LINE_2D& line, PNT_2D& out);
 /// The nearest point of the circle; any from the centre.

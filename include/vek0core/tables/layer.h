@@ -49,6 +49,10 @@ class VEK0_API CLayer : public CNamedItem {
  public:
   static constexpr long kFrozen = 0x0001, kLocked = 0x0004, kOff = 0x0080, kPrivate = 0x8000;
 
+  /// Nobody uses the copy, and it is not counted on the linetype.
+  CLayer(const CLayer& src) = default;
+  /// Counts stay, those of the linetypes included.
+  CLayer& operator=(const CLayer& src) = default;
   ~CLayer() override = default;
   /// The name; a layer of an external reference puts the reference's before it.
   virtual const zim::WString& getFullName() const { return getName(); }
@@ -84,10 +88,6 @@ class VEK0_API CLayer : public CNamedItem {
   friend class CLayerFactory;
   CLayer(const zim::WString& name, CLtype* ltype, short color, long flags)
       : CNamedItem(name, flags), m_ltype(ltype), m_color(color) {}
-  /// Nobody uses the copy, and it is not counted on the linetype.
-  CLayer(const CLayer& src) = default;
-  /// Counts stay, those of the linetypes included.
-  CLayer& operator=(const CLayer& src) = default;
 
  private:
   CLtype* m_ltype;

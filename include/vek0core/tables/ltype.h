@@ -47,6 +47,10 @@ class VEK0_API CLtype : public CNamedItem {
  public:
   static constexpr long kPrivate = 0x8000;
 
+  /// The copy has the source's layer count and an entity count of 0.
+  CLtype(const CLtype& src);
+  /// Both counts stay.
+  CLtype& operator=(const CLtype& src);
   ~CLtype() override = default;
   /// The name; a linetype of an external reference puts the reference's before it.
   virtual const zim::WString& getFullName() const { return getName(); }
@@ -99,10 +103,6 @@ class VEK0_API CLtype : public CNamedItem {
   /// `values` holds `count` dash lengths and may be null when that is 0 or less.
   CLtype(const zim::WString& name, const zim::WString& desc, const double* values, long count,
          long flags);
-  /// The copy has the source's layer count and an entity count of 0.
-  CLtype(const CLtype& src);
-  /// Both counts stay.
-  CLtype& operator=(const CLtype& src);
 
  private:
   CLtypeComplexDashSeq m_dashes;

@@ -42,6 +42,9 @@ class VEK0_API CStyle : public CNamedItem {
  public:
   static constexpr long kHorizontal = 0x0004, kBold = 0x0100, kItalic = 0x0200;
 
+  /// Copies everything but the counts.
+  CStyle(const CStyle& src);
+  CStyle& operator=(const CStyle& src);
   ~CStyle() override = default;
   virtual void accept(IStyleVisitor& visitor) { visitor.visit(*this); }
   virtual bool isStandard() const { return false; }
@@ -83,9 +86,6 @@ class VEK0_API CStyle : public CNamedItem {
   friend class CStyleFactory;
   CStyle(const zim::WString& name, const ICADFont* font, double fixedHeight, double widthScale,
          double oblique, double lastHeight, long flags);
-  /// Copies everything but the counts.
-  CStyle(const CStyle& src);
-  CStyle& operator=(const CStyle& src);
 
  private:
   double m_fixedHeight, m_widthScale, m_oblique, m_lastHeight;
