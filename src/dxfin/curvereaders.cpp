@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "dxfin/arrowheads.h"
 #include "dxfin/ocs.h"
 #include "dxfin/replacement.h"
 #include "vek0core/entities/entpolyline.h"
@@ -17,6 +18,11 @@ constexpr double kFlattest = 1e-6;  // smallest ratio of axes that the format kn
 constexpr long kSplineClosed = 1, kPeriodic = 2;
 constexpr long kSubclass = 100;
 constexpr long kSplinePath = 1;  // code 72 of LEADER
+
+struct LeaderCodes {
+  static bool isPoint(long code) { return code == 10 || code == 20 || code == 30; }
+  static bool has(long code) { return isPoint(code) || DimStyleReader::has(code); }
+};
 
 // The ends of closed curves agree as far as they were computed and written.
 constexpr double kMeet = 1e-9;
@@ -142,28 +148,48 @@ void CurveReader::keepWithinRoom() {
 }
 
 EntPtr CurveReader::finish(bool closed, const zim::WString& kind) {
+  return handOver(m_in, buildPolyline(closed), kind);
+}
+
+std::vector<EntPtr> CurveReader::buildPolyline(bool closed) {
   if (closed && m_chain.size() > 2 && endsMeet(m_chain)) m_chain.pop_back();
   std::vector<EntPtr> built;
   const short flags = CEntPolyline::kLtGen | (closed ? CEntPolyline::kClosed : 0);
   if (m_chain.size() >= 2)
     if (EntPtr polyline = buildChain(m_in, m_chain, flags, m_in.record().handle))
       built.push_back(std::move(polyline));
-  return handOver(m_in, std::move(built), kind);
+  return built;
 }
 
-// The arrow head's size is that of a dimension style, which a drawing does not keep.
 EntPtr CurveReader::readLeader() {
   static constexpr RecordKind kind({71, 72}, {8});
   m_chain.clear();
-  const auto takeOwn = [this](long code) { takeCoordinate(m_in, code / 10 - 1, m_chain); };
-  if (!m_in.read(kind, {10, 20, 30}, 2, takeOwn)) return nullptr;
-  if (m_in.record().integer(71, 1) != 0) m_in.note("arrow dropped");
+  DimStyleReader styleReader;
+  const auto takeOwn = [&](long code) {
+    if (LeaderCodes::isPoint(code)) return takeCoordinate(m_in, code / 10 - 1, m_chain);
+    if (!styleReader.take(m_in.lexer())) m_in.note("code dropped", u"1001");
+  };
+  if (!m_in.read(kind, LeaderCodes(), 2, takeOwn)) return nullptr;
   if (m_in.record().integer(72) == kSplinePath && m_chain.size() > 2 &&
       m_spline.createFit(m_chain)) {
     m_chain.clear();
     addChords();
   }
-  return finish(false, u"LEADER");
+  std::vector<EntPtr> built = buildPolyline(false);
+  if (m_in.record().integer(71, 1) != 0)
+    addHead(styleReader.style(m_in.context().dimStyles), built);
+  return handOver(m_in, std::move(built), u"LEADER");
+}
+
+// Where the first stretch is shorter than two heads there is none, as the format has it.
+void CurveReader::addHead(const DimStyle& style, std::vector<EntPtr>& built) {
+  const PlaneAxes axes(m_in.record().extrusion);
+  const ArrowHeads heads(m_in, style, axes);
+  if (m_in.failed() || m_chain.size() < 2) return;
+  const PNT_3D tip = axes.fromWorld(m_chain[0]), next = axes.fromWorld(m_chain[1]);
+  const bool isSpline = m_in.record().integer(72) == kSplinePath;
+  if (!isSpline && std::hypot(tip.x - next.x, tip.y - next.y) < 2 * heads.size()) return;
+  heads.add(ArrowHeads::kLeader, tip, std::atan2(tip.y - next.y, tip.x - next.x), built);
 }
 
 }  // namespace vek0::detail

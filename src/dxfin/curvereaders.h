@@ -8,6 +8,8 @@
 
 namespace vek0::detail {
 
+class DimStyle;
+
 /// Reads the curves that a drawing has no class for, as polylines within the chord error of
 /// the policy: ELLIPSE, SPLINE and HELIX, and LEADER, whose path may be one.
 ///
@@ -32,6 +34,8 @@ class CurveReader {
   void addChords();
   void keepWithinRoom();
   EntPtr finish(bool closed, const zim::WString& kind);
+  std::vector<EntPtr> buildPolyline(bool closed);
+  void addHead(const DimStyle& style, std::vector<EntPtr>& built);
   double chordError() const;
 
   RecordReader& m_in;

@@ -6,6 +6,7 @@
 #include <new>
 #include <utility>
 
+#include "dxfin/dimstyles.h"
 #include "dxfin/filedxfiversionloader.h"
 #include "files/number.h"
 #include "vek0core/assert.h"
@@ -138,7 +139,8 @@ CFileDXFIParser::CFileDXFIParser(IFile& file, IFileDXFISemantor& semantor, CEntF
       m_lexer(file, &m_err),
       m_semantor(semantor),
       m_options(options),
-      m_factory(factory) {
+      m_factory(factory),
+      m_dimStyles(std::make_unique<vek0::detail::DimStyles>()) {
   m_lexer.setReport(options.report);
   m_lexer.refuseJunk();
   if (isTolerant()) m_lexer.setTolerant();
@@ -411,6 +413,7 @@ void CFileDXFIParser::readHeaderString(const zim::WString& name, const zim::WStr
     m_codePageName = value;
     return takeCodePage();
   }
+  m_dimStyles->takeVariable(name, value);
   if (!m_semantor.shouldReadHeaders()) return;
   if (zim::equalsIgnoreCase(name, u"$CELTYPE")) m_curLtype = value;
   if (zim::equalsIgnoreCase(name, u"$CELAYER")) m_curLayer = value;
@@ -419,8 +422,7 @@ void CFileDXFIParser::readHeaderString(const zim::WString& name, const zim::WStr
 }
 
 void CFileDXFIParser::readHeaderDouble(const zim::WString& name, const double (&value)[3]) {
-  if (zim::equalsIgnoreCase(name, u"$DIMTXT")) m_dimText = value[0];
-  if (zim::equalsIgnoreCase(name, u"$DIMSCALE")) m_dimScale = value[0];
+  m_dimStyles->takeVariable(name, value[0]);
   if (zim::equalsIgnoreCase(name, u"$INSBASE"))
     m_insertionBase = PNT_3D(value[0], value[1], value[2]);
   if (!m_semantor.shouldReadHeaders()) return;
@@ -431,6 +433,7 @@ void CFileDXFIParser::readHeaderDouble(const zim::WString& name, const double (&
 void CFileDXFIParser::readHeaderLong(const zim::WString& name, long value) {
   if (zim::equalsIgnoreCase(name, u"$INSUNITS")) m_units = value;
   if (zim::equalsIgnoreCase(name, u"$MEASUREMENT")) m_measurement = value;
+  m_dimStyles->takeVariable(name, static_cast<double>(value));
   if (!m_semantor.shouldReadHeaders()) return;
   setVariable(kIntegerVariables, name, *m_semantor.getVars(), value);
   if (isTolerant()) setVariable(kFurtherIntegers, name, *m_semantor.getVars(), value);
@@ -461,11 +464,8 @@ void CFileDXFIParser::takeCodePage() {
 // The first section that needs the version settles it.
 void CFileDXFIParser::RealizeVersion() {
   if (m_pACADVersionLoader) return;
-  // A scale of 0 is one that the sheet decides.
-  const double dimText = m_dimText * (m_dimScale > 0 ? m_dimScale : 1);
   m_pACADVersionLoader = vek0::detail::createVersionLoader(
-      m_version, {m_lexer, m_semantor, m_factory, m_err, m_options,
-                  dimText > 0 ? dimText : vek0::detail::kDimensionText});
+      m_version, {m_lexer, m_semantor, m_factory, m_err, m_options, *m_dimStyles});
   if (!m_pACADVersionLoader) fail(CFileDXFIError::NewerVersion);
 }
 
@@ -492,6 +492,10 @@ void CFileDXFIParser::readTable() {
   if (isKeyword("LTYPE")) return readTablesLtype();
   if (isKeyword("LAYER")) return readTablesLayer();
   if (isKeyword("STYLE")) return readTablesStyle();
+  if (isTolerant() && isKeyword("DIMSTYLE"))
+    return readEntries("DIMSTYLE", &CFileDXFIParser::readDimStyleEntry);
+  if (isTolerant() && isKeyword("BLOCK_RECORD"))
+    return readEntries("BLOCK_RECORD", &CFileDXFIParser::readBlockRecordEntry);
   readTablesOther();
 }
 
@@ -716,6 +720,26 @@ void CFileDXFIParser::createStyle(const StyleEntry& style) {
   else
     m_semantor.createStyle(style.name, font, style.fixedHeight, style.widthScale, oblique,
                            style.lastHeight, style.flags);
+}
+
+void CFileDXFIParser::readDimStyleEntry() {
+  zim::WString name;
+  vek0::detail::DimStyle style;
+  for (long code = read(); code != 0 && !failed(); code = read()) {
+    if (code == 2) name = m_lexer.getText();
+    style.take(code, m_lexer);
+  }
+  m_dimStyles->add(name, style);
+}
+
+void CFileDXFIParser::readBlockRecordEntry() {
+  zim::WString name;
+  std::uint64_t handle = 0;
+  for (long code = read(); code != 0 && !failed(); code = read()) {
+    if (code == 2) name = m_lexer.getText();
+    if (code == 5) handle = vek0::detail::parseHex(m_lexer.getBytes());
+  }
+  m_dimStyles->addBlock(handle, name);
 }
 
 // -- BLOCKS --------------------------------------------------------------------

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "dxfin/dimstyles.h"
 #include "dxfin/ocs.h"
 #include "dxfin/replacement.h"
 #include "vek0core/entities/enttext.h"
@@ -281,7 +282,7 @@ EntPtr readTolerance(RecordReader& in) {
   text.at = r.point(0);
   text.normal = r.extrusion;
   text.direction = r.point(1);
-  text.box.height = in.context().dimensionText;
+  text.box.height = in.context().dimStyles.header().textHeight();
   text.box.attachment = 4;
   std::vector<EntPtr> built;
   buildMText(in, text, r.handle, built);

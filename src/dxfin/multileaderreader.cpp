@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "dxfin/dimstyles.h"
 #include "dxfin/mtextreader.h"
 #include "dxfin/replacement.h"
 
@@ -196,7 +197,7 @@ void MultileaderReader::buildLines(std::vector<EntPtr>& built) {
 void MultileaderReader::buildText(std::vector<EntPtr>& built) {
   MTextBox& box = m_text.box;
   if (m_text.text.empty()) return;
-  if (!(box.height > 0)) box.height = m_in.context().dimensionText;
+  if (!(box.height > 0)) box.height = m_in.context().dimStyles.header().textHeight();
   if (!(box.spacing > 0)) box.spacing = 1;
   if (box.attachment < 1 || box.attachment > 3) box.attachment = 1;
   m_text.style = m_in.context().semantor.getStyleStandard();

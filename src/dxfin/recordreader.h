@@ -17,8 +17,7 @@
 
 namespace vek0::detail {
 
-/// Height of texts of dimensions where a file tells none.
-constexpr double kDimensionText = 0.18;
+class DimStyles;
 
 /// What the parser lends to everything that reads records.
 struct ReadContext {
@@ -27,7 +26,7 @@ struct ReadContext {
   CEntFactory& factory;
   CFileDXFIError& err;
   const CFileDXFIOptions& options;
-  double dimensionText = kDimensionText;  ///< height that the header gives texts of dimensions
+  const DimStyles& dimStyles;
 
   /// Adds to the report, if anyone wants one, at the line where the lexer stands.
   void note(const char* code, const zim::WString& sample) const;
@@ -115,6 +114,8 @@ class RecordReader {
   bool spareNumber(const char* cost = "number dropped");
 
   const Record& record() const { return m_record; }
+  /// Changes the colour of what is built from now on.
+  void setColor(short color) { m_record.color = color; }
   bool isTolerant() const { return m_context.options.policy.tolerant; }
   const ReadContext& context() const { return m_context; }
   CFileDXFILexer& lexer() const { return m_context.lexer; }

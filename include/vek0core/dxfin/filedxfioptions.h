@@ -60,11 +60,11 @@ struct CFileDXFIPolicy {
 ///   curve as frame        a curve without usable knots became its control polygon
 ///   curve coarse          a curve has few chords, there were too many
 ///   weights ignored       the weights of a curve's control points are no good
-///   arrow dropped         the arrow head of a leader
+///   arrow dropped         the arrow head of a leader with many lines
 ///   text empty            a formatted text that shows nothing
 ///   text cut              the end of a formatted text that was too long
 ///   text code dropped     a font, spacing or colour within a formatted text
-///   dimension drawn       a dimension without a picture: lines and text as far as told
+///   dimension drawn       a dimension without a picture was drawn as its style says
 ///   content dropped       the block at the end of a leader
 ///   hatch empty           a hatch's lines could not be generated; its boundary is kept
 ///   hatch as outline      a patterned hatch became its boundary, as the policy says

@@ -19,7 +19,8 @@ class IFile;
 
 namespace vek0::detail {
 class CFileDXFIVersionLoader;
-}
+class DimStyles;
+}  // namespace vek0::detail
 
 /// Reads a text DXF file section by section and hands what it understands to a
 /// semantor; what it does not understand it skips.
@@ -139,6 +140,8 @@ class VEK0_API CFileDXFIParser {
   bool isTimeToStop();
   void readEntries(std::string_view keyword, ReadEntry readEntry);
   void readLtypeEntry();
+  void readDimStyleEntry();
+  void readBlockRecordEntry();
   void readLayerEntry();
   void readLayerPair(long code, LayerEntry& layer);
   void leaveOutOfLayer(long code, LayerEntry& layer);
@@ -186,7 +189,6 @@ class VEK0_API CFileDXFIParser {
   IFileDXFISemantor& m_semantor;
   CFileDXFIOptions m_options;
   zim::WString m_curLtype = u"ByLayer", m_curLayer = u"0", m_curStyle = u"Standard";
-  double m_dimText = 0, m_dimScale = 1;  // height of texts of dimensions and its scale
   bool m_blocksMeasured = false;
   bool m_pending = false;  // the current record was left for `nextRecord`
   bool m_isDrawing = false;
@@ -199,6 +201,7 @@ class VEK0_API CFileDXFIParser {
   short m_version = 0;                                        // 0 none seen, 1 R12 ... 4 AC1015
   zim::WString m_versionName, m_codePageName;
   CEntFactory& m_factory;
+  std::unique_ptr<vek0::detail::DimStyles> m_dimStyles;
   std::unique_ptr<vek0::detail::CFileDXFIVersionLoader> m_pACADVersionLoader;
   long m_faultLine = 0;  // 0: the error is where the lexer stands
 };
