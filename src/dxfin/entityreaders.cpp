@@ -2,6 +2,7 @@
 
 #include "dxfin/mtextreader.h"
 #include "dxfin/planeplacement.h"
+#include "files/number.h"
 #include "vek0core/entities/ent3dface.h"
 #include "vek0core/entities/entarc.h"
 #include "vek0core/entities/entcircle.h"
@@ -138,10 +139,31 @@ EntPtr EntityReader::read(EntityKinds kinds) {
     const bool inPlane = reader->since != EntityKinds::All;
     return isLeftOut() ? nullptr : inPlane ? placed(std::move(ent)) : std::move(ent);
   }
-  if (const char* loss = lossOf(records.lexer(), kinds))
-    records.note(loss, records.lexer().getText());
-  records.skip();
+  const char* loss = lossOf(records.lexer(), kinds);
+  if (kinds == EntityKinds::All) {
+    skipKind(loss);
+  } else {
+    if (loss) records.note(loss, records.lexer().getText());
+    records.skip();
+  }
   return nullptr;
+}
+
+// A viewport of the number 1 is the sheet itself.
+void EntityReader::skipKind(const char* loss) {
+  constexpr long space = 67, number = 69;
+  const zim::WString kind = records.lexer().getText();
+  const long line = records.lexer().getLine();
+  bool isSheet = false, onPaper = false;
+  const bool isViewport = records.lexer().isKeyword("VIEWPORT");
+  for (long code = records.next(); code != 0 && !records.failed(); code = records.next()) {
+    const std::string_view bytes = records.lexer().getBytes();
+    if (code == space) onPaper = parseLong(bytes) != 0;
+    if (code == number && isViewport) isSheet = parseLong(bytes) == 1;
+  }
+  if (!loss || isSheet) return;
+  const bool isElsewhere = isOtherSpace(onPaper);
+  records.noteAt(line, isElsewhere ? "on paper" : loss, isElsewhere ? records.sheet : kind);
 }
 
 // What stands on a layout's sheet is not in model space, and the other way round; blocks
@@ -149,12 +171,21 @@ EntPtr EntityReader::read(EntityKinds kinds) {
 // hides, the states of a block that is not in, say, would show.
 bool EntityReader::isLeftOut() {
   const RecordReader::Frame& frame = records.frame();
-  const bool isElsewhere =
-      !records.inBlock && frame.onPaper != records.context().options.policy.paperSpace;
+  const bool isElsewhere = isOtherSpace(frame.onPaper);
   if (!isElsewhere && !frame.isInvisible) return false;
-  records.note(isElsewhere ? "on paper" : "entity invisible");
+  if (isElsewhere)
+    records.note("on paper", records.sheet);
+  else
+    records.note("entity invisible");
   records.further.clear();
   return true;
+}
+
+bool EntityReader::isOtherSpace(bool onPaper) {
+  const bool isSheet = !records.sheet.empty();
+  if (isSheet || (onPaper && !records.inBlock)) records.sheetUsed[isSheet] = true;
+  if (records.inBlock) return isSheet;
+  return onPaper != records.context().options.policy.paperSpace;
 }
 
 EntPtr EntityReader::placed(EntPtr ent) {

@@ -30,7 +30,9 @@ class EntityReader {
   CurveReader curves{records};
 
  private:
+  void skipKind(const char* loss);
   bool isLeftOut();
+  bool isOtherSpace(bool onPaper);
   EntPtr placed(EntPtr ent);
 };
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "dxfin/dimstyles.h"
+#include "dxfin/droppedobjects.h"
 #include "dxfin/filedxfiversionloader.h"
 #include "files/number.h"
 #include "vek0core/assert.h"
@@ -96,6 +97,22 @@ constexpr Variable<long> kFurtherIntegers[] = {
     {u"$PDMODE", setPointMode}
 };
 
+/// Variables that a drawing has no place for and that nothing is lost with at their usual value:
+/// units, and how fills and attributes are shown.
+struct Setting {
+  const zim::Char* name;
+  long usual;
+  const char* code;
+};
+constexpr Setting kSettings[] = {
+    {u"$INSUNITS",    0, "unit dropped"   },
+    {u"$MEASUREMENT", 0, "unit dropped"   },
+    {u"$LUNITS",      2, "unit dropped"   },
+    {u"$FILLMODE",    1, "setting dropped"},
+    {u"$ATTMODE",     1, "setting dropped"},
+    {u"$QTEXTMODE",   0, "setting dropped"},
+};
+
 template <class Value, std::size_t count>
 void setVariable(const Variable<Value> (&variables)[count], const zim::WString& name,
                  CDataVariables& vars, const Value& value) {
@@ -140,7 +157,8 @@ CFileDXFIParser::CFileDXFIParser(IFile& file, IFileDXFISemantor& semantor, CEntF
       m_semantor(semantor),
       m_options(options),
       m_factory(factory),
-      m_dimStyles(std::make_unique<vek0::detail::DimStyles>()) {
+      m_dimStyles(std::make_unique<vek0::detail::DimStyles>()),
+      m_dropped(std::make_unique<vek0::detail::DroppedObjects>(m_lexer, m_err, options.report)) {
   m_lexer.setReport(options.report);
   m_lexer.refuseJunk();
   if (isTolerant()) m_lexer.setTolerant();
@@ -283,6 +301,9 @@ void CFileDXFIParser::readEnd() {
   const bool isForeign = m_lexer.getForm() != CFileDXFIError::TextForm;
   if (isForeign || (m_lexer.isCut() && !m_isDrawing)) return fail(CFileDXFIError::WrongStructure);
   if (m_lexer.isEncodingOther()) note("encoding differs", m_codePageName);
+  if (m_pACADVersionLoader && m_pACADVersionLoader->isSheetUsed())
+    m_dropped->addSheet(m_activeSheet);
+  m_dropped->tell();
   settleLayers();
   takeCurrentItems();
 }
@@ -299,7 +320,13 @@ void CFileDXFIParser::readSection() {
   if (getGroupValue() != 2 && !expect(2)) return;
   if (const ReadSection readKnown = findSection()) return (this->*readKnown)();
   if (isTolerant() && !isKeyword("CLASSES")) noteSection();
+  if (isTolerant() && isKeyword("OBJECTS")) return readObjects();
   readOtherSection();
+}
+
+void CFileDXFIParser::readObjects() {
+  read();
+  while (atRecord() && !atSectionEnd()) m_dropped->readRecord();
 }
 
 // What a section of an unknown name holds may be a part of the drawing.
@@ -423,8 +450,10 @@ void CFileDXFIParser::readHeaderString(const zim::WString& name, const zim::WStr
 
 void CFileDXFIParser::readHeaderDouble(const zim::WString& name, const double (&value)[3]) {
   m_dimStyles->takeVariable(name, value[0]);
-  if (zim::equalsIgnoreCase(name, u"$INSBASE"))
+  if (zim::equalsIgnoreCase(name, u"$INSBASE")) {
     m_insertionBase = PNT_3D(value[0], value[1], value[2]);
+    if (m_insertionBase != PNT_3D(0, 0, 0)) noteSetting("setting dropped", name);
+  }
   if (!m_semantor.shouldReadHeaders()) return;
   setVariable(kRealVariables, name, *m_semantor.getVars(), value);
   if (isTolerant()) setVariable(kFurtherReals, name, *m_semantor.getVars(), value);
@@ -434,9 +463,17 @@ void CFileDXFIParser::readHeaderLong(const zim::WString& name, long value) {
   if (zim::equalsIgnoreCase(name, u"$INSUNITS")) m_units = value;
   if (zim::equalsIgnoreCase(name, u"$MEASUREMENT")) m_measurement = value;
   m_dimStyles->takeVariable(name, static_cast<double>(value));
+  for (const Setting& setting : kSettings)
+    if (zim::equalsIgnoreCase(name, setting.name) && value != setting.usual)
+      noteSetting(setting.code, name);
   if (!m_semantor.shouldReadHeaders()) return;
   setVariable(kIntegerVariables, name, *m_semantor.getVars(), value);
   if (isTolerant()) setVariable(kFurtherIntegers, name, *m_semantor.getVars(), value);
+}
+
+// The drawing that is imported into keeps its own.
+void CFileDXFIParser::noteSetting(const char* code, const zim::WString& name) {
+  if (m_semantor.shouldReadHeaders()) note(code, name);
 }
 
 void CFileDXFIParser::takeVersion(const zim::WString& name) {
@@ -729,6 +766,8 @@ void CFileDXFIParser::readDimStyleEntry() {
     if (code == 2) name = m_lexer.getText();
     style.take(code, m_lexer);
   }
+  if (!zim::equalsIgnoreCase(name, u"STANDARD") || !style.isDefault())
+    note("dimension style dropped", name);
   m_dimStyles->add(name, style);
 }
 
@@ -748,6 +787,7 @@ struct CFileDXFIParser::BlockHeader {
   zim::WString name, path;
   double base[3] = {0, 0, 0};
   long flags = 0;
+  std::uint64_t owner = 0;  // handle of its record
 };
 
 void CFileDXFIParser::readBlocks() {
@@ -767,9 +807,12 @@ void CFileDXFIParser::readBlock() {
   BlockHeader block;
   OwnedEntities entities;
   readBlockHeader(block);
-  m_pACADVersionLoader->enterBlock(m_semantor.findBlock(block.name));
+  const bool isSheet = isTolerant() && isLayoutName(block.name) && isLayout(block.name, kPaperName);
+  m_pACADVersionLoader->enterBlock(m_semantor.findBlock(block.name),
+                                   isSheet ? block.name : zim::WString());
   readBlockEntities(entities);
-  m_pACADVersionLoader->leaveBlock();
+  if (m_pACADVersionLoader->leaveBlock()) m_dropped->addSheet(block.owner);
+  if (isSheet && block.name.Length() == 1 + kPaperName.size()) m_activeSheet = block.owner;
   if (!failed()) createBlock(block, entities);
   recover("block dropped", block.name);
 }
@@ -796,6 +839,9 @@ void CFileDXFIParser::readBlockHeader(BlockHeader& block) {
         break;
       case 70:
         block.flags = readFlags();
+        break;
+      case 330:
+        if (block.owner == 0) block.owner = vek0::detail::parseHex(m_lexer.getBytes());
         break;
       default:
         break;
@@ -830,8 +876,7 @@ bool CFileDXFIParser::isLayoutName(const zim::WString& name) const {
 void CFileDXFIParser::createBlock(const BlockHeader& block, OwnedEntities& entities) {
   if (block.name.empty()) return fail(CFileDXFIError::WrongStructure);
   if (isLayoutName(block.name)) {
-    const bool isLost = isTolerant() && !entities.list().empty();
-    if (isLost) note(isLayout(block.name, kPaperName) ? "on paper" : "block dropped", block.name);
+    if (isTolerant() && !entities.list().empty()) note("block dropped", block.name);
     return;
   }
   const bool anonymous = block.name[0] == u'*';

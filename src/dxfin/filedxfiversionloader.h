@@ -19,15 +19,23 @@ class CFileDXFIVersionLoader {
   std::vector<EntPtr>& getFurther() { return m_entities.records.further; }
   /// Whether any insert was read.
   bool hasReadInsert() const { return m_entities.records.insertRead; }
-  /// Tells that the next entities belong to a block; null when it is new.
-  void enterBlock(const CBlock* block) {
+  /// Tells that the next entities belong to a block; null when it is new. `sheet` is the name of
+  /// one that holds a sheet, which is not read; empty for any other.
+  void enterBlock(const CBlock* block, const zim::WString& sheet) {
     m_entities.records.inBlock = true;
     m_entities.records.owner = block;
+    m_entities.records.sheet = sheet;
+    m_entities.records.sheetUsed[1] = false;
   }
-  void leaveBlock() {
+  /// Whether it was a sheet that something stands on.
+  bool leaveBlock() {
     m_entities.records.inBlock = false;
     m_entities.records.owner = nullptr;
+    m_entities.records.sheet = zim::WString();
+    return m_entities.records.sheetUsed[1];
   }
+  /// Whether anything stands on the sheet that is not a block.
+  bool isSheetUsed() const { return m_entities.records.sheetUsed[0]; }
   /// Tells that a section of blocks is over.
   void endBlocks() { m_entities.records.blocksRead = true; }
 

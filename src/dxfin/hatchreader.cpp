@@ -14,12 +14,21 @@ namespace {
 // The counted groups, by the code of their count.
 constexpr long kPatternLineCount = 78, kLoopCount = 91, kSeedCount = 98;
 constexpr long kLoop = 92;
+constexpr long kGradient = 450;
 // Kinds of loops and of edges.
 constexpr long kPolylineLoop = 2;
 constexpr long kLine = 1, kArc = 2, kEllipse = 3, kSpline = 4;
 // The number of points or of handles that follow, and a handle.
 constexpr long kCount = 97, kSource = 330;
 constexpr long kFitX = 11, kFitY = 21;
+
+// What a hatch reads by itself.
+struct HatchCodes {
+  static bool has(long code) {
+    return code == kPatternLineCount || code == kLoopCount || code == kSeedCount ||
+           code == kGradient;
+  }
+};
 
 // Whether a pair behind the first of a loop may have the code.
 bool isOfLoop(long code) {
@@ -72,19 +81,22 @@ EntPtr HatchReader::readMpolygon() {
 bool HatchReader::readRecord() {
   static constexpr RecordKind hatch({2, 30, 41, 52, 70, 75, 76, 77}, {8}, {41, 52});
   static constexpr RecordKind mpolygon({2, 30, 41, 52, 71, 75, 76, 77}, {8}, {41, 52});
-  static constexpr CodeSet groups{kPatternLineCount, kLoopCount, kSeedCount};
   m_lines.clear();
   m_rings.clear();
   const std::size_t room = std::min(m_curveRoom, kRecordCurvePoints);
   m_loop.setCurveRoom(room);
-  const bool complete =
-      m_in.read(m_isMpolygon ? mpolygon : hatch, groups, 2, [this](long code) { takeGroup(code); });
+  const bool complete = m_in.read(m_isMpolygon ? mpolygon : hatch, HatchCodes(), 2,
+                                  [this](long code) { takeGroup(code); });
   m_curveRoom -= room - m_loop.getCurveRoom();
   if (complete && m_loop.isCoarse()) m_in.note("hatch coarse");
   return complete;
 }
 
 void HatchReader::takeGroup(long code) {
+  if (code == kGradient) {
+    if (m_in.lexer().getInt() != 0 && !m_in.failed()) m_in.note("gradient dropped");
+    return;
+  }
   if (code == kPatternLineCount) return readPatternLines();
   if (code == kLoopCount) return readLoops();
   readSeeds();

@@ -115,10 +115,11 @@ class MTextReader {
 };
 
 EntPtr MTextReader::read() {
-  static constexpr RecordKind kind({7, 10, 20, 30, 40, 41, 42, 43, 44, 71, 73, 21, 31}, {8, 10, 20},
-                                   {41, 42, 43, 44});
+  static constexpr RecordKind kind({7, 10, 20, 30, 40, 41, 42, 43, 44, 71, 73, 90, 21, 31},
+                                   {8, 10, 20}, {41, 42, 43, 44});
   if (!m_in.read(kind, {1, 3, 11, 50, 101}, 2, [this](long code) { take(code); })) return nullptr;
   const Record& r = m_in.record();
+  if (r.integer(90) != 0) m_in.note("text background dropped");
   m_text.style = styleOf(m_in);
   m_text.at = r.point(0);
   m_text.normal = r.extrusion;

@@ -288,6 +288,10 @@ bool RecordReader::spareNumber(const char* cost) {
   return true;
 }
 
+void RecordReader::noteAt(long line, const char* code, const zim::WString& sample) const {
+  if (m_context.options.report) m_context.options.report->add(code, line, sample);
+}
+
 void RecordReader::skip() {
   while (m_context.lexer.read() != 0 && !failed()) {
   }

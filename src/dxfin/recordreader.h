@@ -127,6 +127,9 @@ class RecordReader {
     m_context.note(code, sample);
   }
 
+  /// The same about a record that has been left behind.
+  void noteAt(long line, const char* code, const zim::WString& sample) const;
+
   /// The current value as a width; error 15 when it is negative.
   double width();
   void takeWidth(long code) { m_record.setReal(code, width()); }
@@ -160,6 +163,11 @@ class RecordReader {
   /// name yet.
   bool inBlock = false;
   const CBlock* owner = nullptr;
+  /// Name of the block when it holds a sheet, which is not read.
+  zim::WString sheet;
+  /// Whether anything stands on the sheet whose entities are none of a block's; and on the
+  /// one of the present block.
+  bool sheetUsed[2] = {false, false};
   /// Whether the blocks of the file have been read: what is not defined by now hardly will be.
   bool blocksRead = false;
   /// The blocks that hatches stored as inserts have claimed.

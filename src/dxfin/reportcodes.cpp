@@ -43,6 +43,7 @@ constexpr Code kCodes[] = {
     {"text empty",          kNote  },
     {"curve as polyline",   kChange},
     {"color approximated",  kChange},
+    {"name changed",        kChange},
 };
 
 }  // namespace

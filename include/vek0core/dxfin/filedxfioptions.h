@@ -64,6 +64,7 @@ struct CFileDXFIPolicy {
 ///   text empty            a formatted text that shows nothing
 ///   text cut              the end of a formatted text that was too long
 ///   text code dropped     a font, spacing or colour within a formatted text
+///   text background dropped  what hides the rest of the drawing behind a formatted text
 ///   dimension drawn       a dimension without a picture was drawn as its style says
 ///   content dropped       the block at the end of a leader
 ///   hatch empty           a hatch's lines could not be generated; its boundary is kept
@@ -72,6 +73,7 @@ struct CFileDXFIPolicy {
 ///   hatch open            a loop of a hatch was closed by a straight line
 ///   hatch islands         too many loops: some inner ones count that should not
 ///   hatch dropped         a hatch without a loop that bounds an area
+///   gradient dropped      a fill became one of a single colour
 ///   shape dropped         a linetype element of a shape left its gap only
 ///   block undefined       a block that is inserted and never defined is empty
 ///   block kept            the drawing's block won over the file's
@@ -107,7 +109,15 @@ struct CFileDXFIPolicy {
 ///   entity invisible      an entity that is not to be seen is left out
 ///   insert dropped        an insert that would make a block a part of itself
 ///   curve as polyline     an arc or circle in a plane other than X, Y
-///   on paper              an entity of the space that is not read
+///   on paper              an entity of the space that is not read; the sample names the sheet
+///                         when it is not the one that is shown
+///   layout dropped        a layout: of any name but "Model" and "Layout1" and so on, or with
+///                         something on its sheet
+///   group dropped         a group of entities
+///   dimension style dropped  any but STANDARD with the values of the format
+///   unit dropped          a unit that the header states, see `CFileDXFIResult` for the drawing's
+///   setting dropped       likewise another variable at an unusual value: $INSBASE, $FILLMODE,
+///                         $ATTMODE, $QTEXTMODE
 ///   binary file           the file is of the binary form, which is not read
 ///   dwg file              the file is no DXF but a DWG file
 ///   empty file            there is nothing in the file

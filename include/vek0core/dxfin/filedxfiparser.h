@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -20,6 +21,7 @@ class IFile;
 namespace vek0::detail {
 class CFileDXFIVersionLoader;
 class DimStyles;
+class DroppedObjects;
 }  // namespace vek0::detail
 
 /// Reads a text DXF file section by section and hands what it understands to a
@@ -114,6 +116,7 @@ class VEK0_API CFileDXFIParser {
   using ReadSection = void (CFileDXFIParser::*)();
 
   void RealizeVersion();
+  void noteSetting(const char* code, const zim::WString& name);
   void takeVersion(const zim::WString& name);
   void takeCodePage();
   void noteForm();
@@ -122,6 +125,7 @@ class VEK0_API CFileDXFIParser {
   void readHeaderValue(const zim::WString& name, const HeaderValue& value);
   void takeCurrentItems();
   void readSection();
+  void readObjects();
   void noteSection();
   void readTable();
   bool toSection();
@@ -202,6 +206,9 @@ class VEK0_API CFileDXFIParser {
   zim::WString m_versionName, m_codePageName;
   CEntFactory& m_factory;
   std::unique_ptr<vek0::detail::DimStyles> m_dimStyles;
+  std::unique_ptr<vek0::detail::DroppedObjects> m_dropped;
+  // Handle of the record of the sheet whose entities are none of a block's.
+  std::uint64_t m_activeSheet = 0;
   std::unique_ptr<vek0::detail::CFileDXFIVersionLoader> m_pACADVersionLoader;
   long m_faultLine = 0;  // 0: the error is where the lexer stands
 };
