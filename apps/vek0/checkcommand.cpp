@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "summary.h"
+#include "terminal.h"
 
 namespace vek0::tool {
 namespace {
@@ -26,10 +27,9 @@ void printJson(const std::string& path, const ReadResult& result) {
 
 void printText(const std::string& path, const ReadResult& result) {
   if (result.ok()) {
-    std::printf("%s: ok\n%s", path.c_str(), reportToText(result.report).c_str());
+    print(visible(path) + ": ok\n" + reportToText(result.report));
   } else {
-    std::printf("%s: error (%s): %s\n", path.c_str(), result.kind().c_str(),
-                result.message().c_str());
+    print(visible(path) + ": error (" + result.kind() + "): " + visible(result.message()) + "\n");
   }
 }
 

@@ -32,8 +32,9 @@ struct Session {
     if (code > exitCode) exitCode = code;
   }
 
-  /// Prints "vek0: <message>" to the error stream.
-  static void complain(const std::string& message);
+  /// Prints "vek0: <message>" to the error stream, a line whatever the message holds. `details`
+  /// are whole lines below it, made of texts that are `visible`.
+  static void complain(const std::string& message, const std::string& details = "");
 };
 
 /// Each adds one verb with its options and help; `session` must outlive `app`.

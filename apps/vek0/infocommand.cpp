@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "summary.h"
+#include "terminal.h"
 
 namespace vek0::tool {
 namespace {
@@ -25,7 +26,7 @@ void describe(const std::string& path, const InfoOptions& options, Session& sess
     return;
   }
   if (!result.ok()) Session::complain(path + ": " + result.message());
-  if (result.opened()) std::printf("%s", summaryToText(path, *data, result).c_str());
+  if (result.opened()) print(summaryToText(path, *data, result));
 }
 
 }  // namespace

@@ -50,7 +50,7 @@ bool addLinetypes(CData& data, const std::string& path, Session& session) {
     Session::complain(path + ": the style '" + style + "' was made with the default font");
   }
   if (!loader.GetReport().empty()) {
-    Session::complain(path + ": not everything could be read as it was:\n" +
+    Session::complain(path + ": not everything could be read as it was:",
                       reportToText(loader.GetReport()));
   }
   return true;

@@ -9,6 +9,7 @@
 #include "linetypefile.h"
 #include "outputfile.h"
 #include "summary.h"
+#include "terminal.h"
 
 namespace vek0::tool {
 namespace {
@@ -96,20 +97,20 @@ std::string elementToText(const ILtypeComplexDash& dash) {
 
 void printText(const std::string& path, const CLtypeLoader& loader, const InputFault& fault) {
   if (fault.kind) {
-    std::printf("%s: error (%s): %s\n", path.c_str(), fault.kind, fault.message.c_str());
+    print(visible(path) + ": error (" + fault.kind + "): " + visible(fault.message) + "\n");
     return;
   }
-  std::printf("%s: %d linetypes\n", path.c_str(), loader.GetNoLtype());
+  print(visible(path) + ": " + std::to_string(loader.GetNoLtype()) + " linetypes\n");
   for (int i = 0; i < loader.GetNoLtype(); ++i) {
     const CLtype& ltype = *loader.GetLtypeNo(i);
-    std::printf("  %s (%s):", ltype.getName().toUtf8().c_str(), ltype.getDesc().toUtf8().c_str());
+    print("  " + visible(ltype.getName()) + " (" + visible(ltype.getDesc()) + "):");
     for (int k = 0; k < ltype.getNoDashes(); ++k) {
-      std::printf(" %s", elementToText(*ltype[k]).c_str());
+      print(" " + visible(elementToText(*ltype[k])));
     }
-    std::printf("\n");
+    print("\n");
   }
   if (!loader.GetReport().empty()) {
-    std::printf("  skipped or repaired:\n%s", reportToText(loader.GetReport()).c_str());
+    print("  skipped or repaired:\n" + reportToText(loader.GetReport()));
   }
 }
 
@@ -129,7 +130,7 @@ void saveTo(const LinetypesOptions& options, CLtypeLoader& loader, Session& sess
     return session.failed(kOutputFailed);
   }
   if (!session.quiet && !loader.GetReport().empty()) {
-    Session::complain("not everything could be written as it was:\n" +
+    Session::complain("not everything could be written as it was:",
                       reportToText(loader.GetReport()));
   }
 }

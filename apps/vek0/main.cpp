@@ -3,18 +3,20 @@
 #include <exception>
 #include <memory>
 #include <numeric>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "commands.h"
 #include "drawingfile.h"
 #include "multibyte.h"
+#include "terminal.h"
 #include "vek0core/vek0core.h"
 
 namespace vek0::tool {
 
-void Session::complain(const std::string& message) {
-  std::fprintf(stderr, "vek0: %s\n", message.c_str());
+void Session::complain(const std::string& message, const std::string& details) {
+  printError("vek0: " + visible(message) + "\n" + details);
 }
 
 namespace {
@@ -91,7 +93,10 @@ int runTool(int argc, char** argv) {
     app.parse(arguments);
   } catch (const CLI::ParseError& problem) {
     const bool asked = problem.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);
-    app.exit(problem);
+    std::ostringstream help, complaint;
+    app.exit(problem, help, complaint);
+    print(help.str());
+    printError(complaint.str());
     return asked ? kAllWell : kWrongUsage;
   }
   return session.exitCode;
@@ -108,9 +113,11 @@ int main(int argc, char** argv) {
     CFontTable::getInstance().addPlainDefault();
     const int code = vek0::tool::runTool(argc, argv);
     shutdownCore();
-    return code;
+    if (vek0::tool::flushOutput()) return code;
+    vek0::tool::Session::complain("the standard output cannot be written");
+    return vek0::tool::kOutputFailed;
   } catch (const std::exception& problem) {
-    std::fprintf(stderr, "vek0: %s\n", problem.what());
+    vek0::tool::Session::complain(problem.what());
     return vek0::tool::kDrawingFailed;
   }
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <utility>
+#include "terminal.h"
 
 #ifdef _WIN32
 #include <io.h>
@@ -57,7 +58,7 @@ void ProgressFile::draw() {
   const int filled = percent * kBarWidth / 100;
   std::string bar(static_cast<std::size_t>(filled), '#');
   bar.resize(kBarWidth, '.');
-  std::fprintf(stderr, "\r[%s] %3d%% %s", bar.c_str(), percent, m_label.c_str());
+  std::fprintf(stderr, "\r[%s] %3d%% %s", bar.c_str(), percent, tool::visible(m_label).c_str());
 }
 
 void ProgressFile::wipe() {

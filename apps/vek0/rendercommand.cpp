@@ -182,8 +182,8 @@ class Renderer {
     Session::complain(message);
     m_session.failed(code);
   }
-  void warn(const std::string& message) const {
-    if (!m_session.quiet) Session::complain(message);
+  void warn(const std::string& message, const std::string& details = "") const {
+    if (!m_session.quiet) Session::complain(message, details);
   }
 
   void reportLosses(const std::string& in, const CFileReport& report) const {
@@ -199,7 +199,7 @@ class Renderer {
     ReferenceReader reader(in, m_options.references, m_session);
     reader.resolve(data);
     if (reader.failures() > 0)
-      warn(in + ": not every reference is shown:\n" + reader.failuresToText());
+      warn(in + ": not every reference is shown:", reader.failuresToText());
     for (const auto& [name, report] : reader.readings()) reportLosses(name, report);
   }
 

@@ -36,7 +36,7 @@ bool save(const CData& data, OutputFile& output, const SaveOptions& options, Ses
     return false;
   }
   if (!session.quiet && !report.empty()) {
-    Session::complain("not everything could be written as it was:\n" + reportToText(report));
+    Session::complain("not everything could be written as it was:", reportToText(report));
   }
   return true;
 }
@@ -61,7 +61,7 @@ std::uintmax_t rewrite(const std::string& in, const std::string& out, const Save
   }
   const std::string losses = lossesToText(result.report);
   if (!session.quiet && !losses.empty())
-    Session::complain(in + ": what is written will lack or change:\n" + losses);
+    Session::complain(in + ": what is written will lack or change:", losses);
   return change(*data, result) && save(*data, output, options, session) ? output.size() : 0;
 }
 

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "terminal.h"
 #include "units.h"
 
 namespace vek0::tool {
@@ -146,7 +147,8 @@ Json metricOf(const ReadResult& result) {
 std::string listLine(const char* title, const std::vector<std::string>& names) {
   constexpr std::size_t kShown = 20;
   std::string line = std::string("  ") + title + " (" + std::to_string(names.size()) + "):";
-  for (std::size_t i = 0; i < names.size() && i < kShown; ++i) line += (i ? ", " : " ") + names[i];
+  for (std::size_t i = 0; i < names.size() && i < kShown; ++i)
+    line += (i ? ", " : " ") + visible(names[i]);
   if (names.size() > kShown) line += ", ...";
   return line + "\n";
 }
@@ -162,8 +164,8 @@ std::vector<std::string> namesIn(const Json& rows) {
 std::string layerLines(const Json& layers) {
   std::string text = "  layers (" + std::to_string(layers.size()) + "):\n";
   for (const Json& layer : layers) {
-    text += "    " + layer["name"].get<std::string>() + ": color " + layer["color"].dump() +
-            ", linetype " + layer["linetype"].get<std::string>();
+    text += "    " + visible(layer["name"].get<std::string>()) + ": color " +
+            layer["color"].dump() + ", linetype " + visible(layer["linetype"].get<std::string>());
     for (const char* state : {"frozen", "locked", "off"}) {
       if (layer[state].get<bool>()) text += std::string(", ") + state;
     }
@@ -175,8 +177,8 @@ std::string layerLines(const Json& layers) {
 std::string referenceLines(const Json& references) {
   std::string text = "  external references (" + std::to_string(references.size()) + "):\n";
   for (const Json& reference : references) {
-    text += "    " + reference["name"].get<std::string>() + ": " +
-            reference["path"].get<std::string>() +
+    text += "    " + visible(reference["name"].get<std::string>()) + ": " +
+            visible(reference["path"].get<std::string>()) +
             (reference["overlay"].get<bool>() ? ", overlay\n" : "\n");
   }
   return text;
@@ -209,9 +211,9 @@ std::string variableLines(const CData& data) {
           (vars.isAngClockWise() ? "clockwise" : "counter-clockwise") + ", format " +
           std::to_string(vars.getAngFormat()) + "; ortho " + onOff(vars.isOrtho()) + "\n";
   text += "  current: layer " +
-          (vars.getCurLayer() ? vars.getCurLayer()->getFullName().toUtf8() : "-") + ", linetype " +
-          ltypeName(vars.getCurLtype()) + ", style " +
-          (vars.getCurStyle() ? vars.getCurStyle()->getName().toUtf8() : "-") + ", color " +
+          (vars.getCurLayer() ? visible(vars.getCurLayer()->getFullName()) : "-") + ", linetype " +
+          visible(ltypeName(vars.getCurLtype())) + ", style " +
+          (vars.getCurStyle() ? visible(vars.getCurStyle()->getName()) : "-") + ", color " +
           std::to_string(vars.getCurColor()) + "\n";
   return text;
 }
@@ -222,7 +224,7 @@ std::string linesOf(const CFileReport& report, ReportSeverity least) {
     const ReportSeverity severity = severityOf(entry.code);
     if (severity < least) continue;
     text += "    " + std::string(nameOf(severity)) + ": " + entry.code;
-    if (!entry.sample.empty()) text += " '" + entry.sample.toUtf8() + "'";
+    if (!entry.sample.empty()) text += " '" + visible(entry.sample) + "'";
     text += " (" + std::to_string(entry.count) + (entry.count == 1 ? " time" : " times");
     if (entry.firstLine > 0) text += ", first at line " + std::to_string(entry.firstLine);
     text += ")\n";
@@ -298,28 +300,29 @@ Json reportToJson(const CFileReport& report) {
 }
 
 Json summaryToJson(const std::string& path, CData& data, const ReadResult& result) {
-  return Json{
-      {"file",             path                           },
-      {"ok",               result.ok()                    },
-      {"version",          result.outcome.version.toUtf8()},
-      {"encoding",         result.outcome.encoding        },
-      {"units",            unitsOf(result)                },
-      {"metric",           metricOf(result)               },
-      {"error",            errorToJson(result)            },
-      {"report",           reportToJson(result.report)    },
-      {"layers",           layersToJson(data,               result)},
-      {"linetypes",                  ltypesToJson(data,                                       result)},
-      {"styles",           stylesToJson(data,    result)},
-      {"blocks",blocksToJson(data)           },
-      {"references",           referencesToJson(data)                                 },
-      {"entities",       EntityCounts(data).toJson()     },
-      {"extents",         extentsToJson(data)      }
-  };
+  Json summary;
+  summary["file"] = path;
+  summary["ok"] = result.ok();
+  summary["version"] = result.outcome.version.toUtf8();
+  summary["encoding"] = result.outcome.encoding;
+  summary["units"] = unitsOf(result);
+  summary["metric"] = metricOf(result);
+  summary["error"] = errorToJson(result);
+  summary["report"] = reportToJson(result.report);
+  summary["layers"] = layersToJson(data, result);
+  summary["linetypes"] = ltypesToJson(data, result);
+  summary["styles"] = stylesToJson(data, result);
+  summary["blocks"] = blocksToJson(data);
+  summary["references"] = referencesToJson(data);
+  summary["entities"] = EntityCounts(data).toJson();
+  summary["extents"] = extentsToJson(data);
+  return summary;
 }
 
 std::string summaryToText(const std::string& path, CData& data, const ReadResult& result) {
   const std::string version = result.outcome.version.toUtf8();
-  std::string text = path + "\n  version: " + (version.empty() ? "not stated" : version) +
+  std::string text = visible(path) +
+                     "\n  version: " + (version.empty() ? "not stated" : visible(version)) +
                      ", encoding: " + result.outcome.encoding + unitsText(result) + "\n";
   text += layerLines(layersToJson(data, result));
   text += listLine("linetypes", namesIn(ltypesToJson(data, result)));

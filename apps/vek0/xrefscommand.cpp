@@ -9,6 +9,7 @@
 #include "editing.h"
 #include "references.h"
 #include "summary.h"
+#include "terminal.h"
 #include "xrefsteps.h"
 
 namespace vek0::tool {
@@ -48,7 +49,7 @@ void print(const Json& line) {
 // What is told of the references on the standard output, what went wrong with them on the other.
 void complain(const Resolved& drawing, const Session& session) {
   if (!session.quiet && drawing.reader.failures() > 0)
-    Session::complain(drawing.path + ": not every reference is shown:\n" +
+    Session::complain(drawing.path + ": not every reference is shown:",
                       drawing.reader.failuresToText());
 }
 
@@ -91,11 +92,11 @@ std::string countedReferences(std::size_t count) {
 void list(const Resolved& drawing, const XrefsOptions& options, Session& session) {
   if (options.json) return printListJson(drawing, drawing.reading.ok());
   const References references(*drawing.data);
-  std::printf("%s: %s\n", drawing.path.c_str(), countedReferences(references.all.size()).c_str());
+  print(visible(drawing.path) + ": " + countedReferences(references.all.size()) + "\n");
   for (const CBlockXRef* xref : references.all) {
     const long inserts = drawing.data->getDepend().getCount(xref);
-    std::printf("  %s: %s, %s\n", toText(*xref).c_str(), nameOf(xref->getStatus()),
-                counted(static_cast<std::size_t>(inserts), "insert", "inserts").c_str());
+    print("  " + visible(toText(*xref)) + ": " + nameOf(xref->getStatus()) + ", " +
+          counted(static_cast<std::size_t>(inserts), "insert", "inserts") + "\n");
   }
   complain(drawing, session);
 }
@@ -107,7 +108,7 @@ class Tree {
   explicit Tree(const Resolved& drawing) : m_drawing(drawing) {}
 
   void printText() {
-    std::printf("%s\n", m_drawing.path.c_str());
+    print(visible(m_drawing.path) + "\n");
     for (const CBlockXRef* xref : References(*m_drawing.data).own) printText(*xref, 1);
   }
 
@@ -122,10 +123,11 @@ class Tree {
   // How deep this goes is bounded by `kMaxXRefDepth`.
   void printText(const CBlockXRef& xref, int depth) {
     const bool isNew = m_seen.insert(&xref).second, isLoaded = xref.getStatus() == Status::loaded;
-    std::printf("%*s%s", 2 * depth, "", toText(xref).c_str());
-    if (!isLoaded) std::printf(": %s", nameOf(xref.getStatus()));
+    std::string line =
+        std::string(2 * static_cast<std::size_t>(depth), ' ') + visible(toText(xref));
+    if (!isLoaded) line += std::string(": ") + nameOf(xref.getStatus());
     const bool isRepeated = !isNew && !xref.getNested().empty();
-    std::printf(isRepeated ? ", see above\n" : "\n");
+    print(line + (isRepeated ? ", see above\n" : "\n"));
     if (isRepeated) return;
     for (const CBlockXRef* nested : xref.getNested()) printText(*nested, depth + 1);
   }
@@ -160,14 +162,15 @@ void check(const Resolved& drawing, const XrefsOptions& options, Session& sessio
   if (session.quiet && failures == 0) return;
   const std::string all = countedReferences(References(*drawing.data).all.size());
   if (failures == 0) {
-    std::printf("%s: ok, %s\n", drawing.path.c_str(), all.c_str());
+    print(visible(drawing.path) + ": ok, " + all + "\n");
   } else {
-    std::printf("%s: %s, %ld cannot be shown\n", drawing.path.c_str(), all.c_str(), failures);
+    print(visible(drawing.path) + ": " + all + ", " + std::to_string(failures) +
+          " cannot be shown\n");
   }
-  std::printf("%s", reportToText(drawing.reader.report()).c_str());
+  print(reportToText(drawing.reader.report()));
   for (const auto& [name, report] : drawing.reader.readings()) {
     const std::string losses = lossesToText(report);
-    if (!losses.empty()) std::printf("  %s:\n%s", name.c_str(), losses.c_str());
+    if (!losses.empty()) print("  " + visible(name) + ":\n" + losses);
   }
 }
 

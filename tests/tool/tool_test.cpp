@@ -199,6 +199,34 @@ TEST_F(Tool, ExitCodes) {
   EXPECT_FALSE(leftovers());
 }
 
+// Names may hold what terminals obey.
+TEST_F(Tool, NothingInADrawingMovesTheCursor) {
+  const std::string evil = "A\x1B[2J\xC2\x9B^Jvek0: forged";
+  write("evil.dxf", "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n" + evil +
+                        "\n10\n1\n20\n2\n11\n4\n21\n6\n" + "0\nINSERT\n8\n0\n2\n" + evil +
+                        "\n10\n0\n20\n0\n0\nENDSEC\n0\nEOF\n");
+  fs::copy(path("evil.dxf"), path("\x1B[2J\nvek0: forged.dxf"));
+  for (const char* arguments :
+       {"info evil.dxf", "check evil.dxf", "convert evil.dxf out.dxf", "xrefs list *forged.dxf",
+        "render evil.dxf -o out.svg", "info *forged.dxf", "check missing*[2J*",
+        "convert *forged.dxf out.dxf", "'--\x1B[2J'"}) {
+    SCOPED_TRACE(arguments);
+    const Outcome got = run(arguments);
+    const std::string all = got.out + got.err;
+    EXPECT_TRUE(std::none_of(all.begin(), all.end(),
+                             [](char c) { return c != '\n' && c >= 0 && c < ' '; }));
+    EXPECT_EQ(all.find("\xC2\x9B"), std::string::npos);
+    EXPECT_EQ(("\n" + all).find("\nvek0: forged"), std::string::npos) << all;
+  }
+}
+
+TEST_F(Tool, ALostStandardOutputIsAFailure) {
+  write("good.dxf", kOneLine);
+  for (const char* arguments :
+       {"info good.dxf", "check --json good.dxf", "hatches", "xrefs list good.dxf"})
+    EXPECT_EQ(run(arguments + std::string(" >/dev/full; exit $?; :")).code, 3) << arguments;
+}
+
 TEST_F(Tool, AnUnknownVerbSuggestsTheNearest) {
   EXPECT_NE(run("cnvert a b").err.find("did you mean 'convert'"), std::string::npos);
 }
