@@ -27,18 +27,6 @@ bool isConvex(const PNT_2D* points, const std::size_t* ends, std::size_t rings) 
   return !(left && right);
 }
 
-// Narrows [from, to], the part of the segment at + t * step that lies below `limit`.
-bool narrow(double at, double step, double limit, double& from, double& to) {
-  if (step == 0) return at <= limit;
-  const double t = (limit - at) / step;
-  if (step > 0) {
-    to = std::min(to, t);
-  } else {
-    from = std::max(from, t);
-  }
-  return from <= to;
-}
-
 // Keeps what lies on the inner side of one border: `value` grows inwards from 0 on it.
 template <class Value>
 void clipAtBorder(const std::vector<PNT_2D>& in, std::vector<PNT_2D>& out, Value value) {
@@ -65,14 +53,11 @@ bool turnLeft(const PNT_2D* points, const std::size_t* ends, std::size_t rings) 
 }
 
 bool clipSegment(const RECT_2D& box, PNT_2D& a, PNT_2D& b) {
-  const double dx = b.x - a.x, dy = b.y - a.y;
+  const PNT_2D step = b - a;
   double from = 0, to = 1;
-  if (!narrow(a.x, dx, box.max.x, from, to) || !narrow(-a.x, -dx, -box.min.x, from, to) ||
-      !narrow(a.y, dy, box.max.y, from, to) || !narrow(-a.y, -dy, -box.min.y, from, to)) {
-    return false;
-  }
-  if (to < 1) b.set(a.x + to * dx, a.y + to * dy);
-  if (from > 0) a.set(a.x + from * dx, a.y + from * dy);
+  if (!clipLine(box, a, step, from, to)) return false;
+  if (to < 1) b.set(a.x + to * step.x, a.y + to * step.y);
+  if (from > 0) a.set(a.x + from * step.x, a.y + from * step.y);
   return true;
 }
 

@@ -51,6 +51,7 @@ double longerSide(const RECT_2D& r) { return std::max(r.max.x - r.min.x, r.max.y
 
 RECT_2D shownExtents(const CData& data, const IProjector& projector, const DRAW_OPTIONS& options) {
   DRAW_OPTIONS plain = options;
+  plain.endless = false;
   plain.finestPattern = std::numeric_limits<double>::infinity();  // dashes lie on their line
   RECT_2D extents = drawnExtents(data, projector, options), around = extents;
   for (int look = 0; look < kMostLooks && around.validRegion(); ++look) {

@@ -12,6 +12,8 @@ namespace {
 enum Kind {
   kPoint,
   kLine,
+  kXline,
+  kRay,
   kCircle,
   kArc,
   kPolyline,
@@ -30,7 +32,10 @@ class KindVisitor final : public IEntVisitor {
  public:
   using IEntVisitor::visit;
   void visit(CEntPnt&) override { kind = kPoint; }
-  void visit(CEntLine&) override { kind = kLine; }
+  void visit(CEntLine& line) override {
+    constexpr Kind kinds[] = {kLine, kRay, kXline};  // as `LineReach` counts them
+    kind = kinds[static_cast<int>(line.getReach())];
+  }
   void visit(CEntCircle&) override { kind = kCircle; }
   void visit(CEntArc&) override { kind = kArc; }
   void visit(CEntPolyline&) override { kind = kPolyline; }

@@ -21,9 +21,9 @@ class EntityCounts {
   /// "12 LINE, 3 CIRCLE", or "none".
   std::string toText() const;
 
-  static constexpr std::array<const char*, 13> kKinds = {
-      "POINT",  "LINE",   "CIRCLE", "ARC",    "POLYLINE", "TEXT", "ATTDEF",
-      "INSERT", "ATTRIB", "HATCH",  "3DFACE", "SOLID",    "TRACE"};
+  static constexpr std::array<const char*, 15> kKinds = {
+      "POINT",  "LINE",   "XLINE",  "RAY",   "CIRCLE", "ARC",   "POLYLINE", "TEXT",
+      "ATTDEF", "INSERT", "ATTRIB", "HATCH", "3DFACE", "SOLID", "TRACE"};
 
  private:
   std::array<long, kKinds.size()> m_counts{};

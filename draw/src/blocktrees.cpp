@@ -34,7 +34,7 @@ const BlockTrees::Known& BlockTrees::known(CBlock& block) {
   std::vector<RankedEnt> placeless;
   for (std::size_t i = 0; i < block.size(); ++i) {
     const RankedEnt entry{i, block[static_cast<unsigned>(i)]};
-    const RECT_3D box = shownBox(*entry.ent, 0);
+    const RECT_3D box = m_boxes.of(*entry.ent, 0);
     if (!isPlaced(*entry.ent, box))
       placeless.push_back(entry);
     else if (box.validRegion())

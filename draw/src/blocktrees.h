@@ -6,6 +6,7 @@
 
 #include "boxtree.h"
 #include "placement.h"
+#include "shownbox.h"
 
 class CBlock;
 
@@ -19,6 +20,8 @@ class BlockTrees {
   /// The first call for a block, and for one that was edited, is linear-logarithmic.
   bool find(CBlock& block, const Placement& place, const RECT_2D& window, std::vector<CEnt*>& ents);
 
+  ShownBoxes& boxes() { return m_boxes; }
+
  private:
   struct Known {
     std::uint64_t edition;
@@ -28,6 +31,7 @@ class BlockTrees {
 
   const Known& known(CBlock& block);
 
+  ShownBoxes m_boxes;
   std::unordered_map<std::uint64_t, Known> m_blocks;  // by serial number
 };
 

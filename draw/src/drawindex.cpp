@@ -16,7 +16,6 @@ using vek0::detail::BoxTree;
 using vek0::detail::isPlaced;
 using vek0::detail::Placement;
 using vek0::detail::RankedEnt;
-using vek0::detail::shownBox;
 using vek0::detail::Walker;
 
 namespace {
@@ -30,7 +29,7 @@ constexpr std::size_t kMostLoose = 512;  // looked at one by one, by every frame
 // trees and each entity is built into few.
 class CDrawIndex::Entities final : public IEntTableWatcher {
  public:
-  explicit Entities(const CEntTable& table) : m_table(table) {}
+  explicit Entities(const CData& data) : m_data(data), m_table(data.getEntTable()) {}
   ~Entities() override {
     if (m_isBuilt) m_table.unwatch(*this);
   }
@@ -63,7 +62,7 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
 
   /// Brings the trees up to date; may take a while.
   void prepare() {
-    if (!m_isBuilt) return build();
+    if (holdOthersEndless() || !m_isBuilt) return build();
     const bool isMostlyOutdated = m_outdated.size() > size() / 2 + kMostLoose;
     if (m_loose.size() > kMostLoose || isMostlyOutdated) gather(isMostlyOutdated);
   }
@@ -111,12 +110,27 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
     return at == m_outdated.end() || tree.born > at->second;
   }
 
+  // Nobody tells when a block comes to show lines without end within its extents.
+  bool holdOthersEndless() {
+    std::vector<std::uint64_t> endless;
+    const auto look = [&](const auto& table) {
+      for (int i = 0; i < static_cast<int>(table.size()); ++i)
+        if (table[i] && m_blocks.boxes().holdsEndless(*table[i]))
+          endless.push_back(table[i]->getSerial());
+    };
+    look(m_data.getBlockTable());
+    look(m_data.getBlockXRefTable());
+    std::swap(m_endless, endless);
+    return m_endless != endless;
+  }
+
   void build() {
+    cleared();
     Items items;
     items.reserve(m_table.getEntityTbl().size());
     for (CEnt* ent : m_table.getEntityTbl()) take({CEntTable::getRank(*ent), ent}, items);
     plant(items);
-    m_table.watch(*this);
+    if (!m_isBuilt) m_table.watch(*this);
     m_isBuilt = true;
   }
 
@@ -136,7 +150,7 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
 
   // An empty box is not seen until it is told that it is another one.
   void take(const RankedEnt& entry, Items& items) {
-    const RECT_3D box = shownBox(*entry.ent, 0);
+    const RECT_3D box = m_blocks.boxes().of(*entry.ent, 0);
     if (!isPlaced(*entry.ent, box))
       m_placeless.emplace(entry.rank, entry.ent);
     else if (box.validRegion())
@@ -147,10 +161,12 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
     if (!items.empty()) m_trees.push_back({BoxTree(items), ++m_now});
   }
 
+  const CData& m_data;
   const CEntTable& m_table;
   BlockTrees m_blocks;
   bool m_isBuilt = false;
-  std::uint64_t m_now = 0;  // number of trees made so far
+  std::vector<std::uint64_t> m_endless;  // blocks that show lines without end
+  std::uint64_t m_now = 0;               // number of trees made so far
   std::vector<Tree> m_trees;
   std::map<std::size_t, CEnt*> m_loose;      // by rank
   std::map<std::size_t, CEnt*> m_placeless;  // boxes depend on the pixels, or are none
@@ -158,7 +174,7 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
 };
 
 CDrawIndex::CDrawIndex(const CData& data)
-    : m_data(data), m_entities(std::make_unique<Entities>(data.getEntTable())) {}
+    : m_data(data), m_entities(std::make_unique<Entities>(data)) {}
 
 CDrawIndex::~CDrawIndex() = default;
 

@@ -84,18 +84,6 @@ class Walk {
   std::size_t m_next = 1;       // end of the segment reached
 };
 
-// Brings [t0, t1] to the part of a segment that lies between two limits along one axis.
-void clip(double from, double to, double low, double high, double& t0, double& t1) {
-  const double d = to - from;
-  if (d == 0) {
-    if (from < low || from > high) t1 = -1;
-    return;
-  }
-  const double a = (low - from) / d, b = (high - from) / d;
-  t0 = std::max(t0, std::min(a, b));
-  t1 = std::min(t1, std::max(a, b));
-}
-
 // The parts of the way that the window shows. Those of neighbouring segments are one
 // when the corner between them is seen.
 std::vector<Stretch> seenStretches(const PatternWay& way, const Walk& walk) {
@@ -109,9 +97,7 @@ std::vector<Stretch> seenStretches(const PatternWay& way, const Walk& walk) {
     const PNT_2D p = way.toDevice.apply(way.points[i - 1].pnt);
     const PNT_2D q = way.toDevice.apply(way.points[i].pnt);
     double t0 = 0, t1 = 1;
-    clip(p.x, q.x, window.min.x, window.max.x, t0, t1);
-    clip(p.y, q.y, window.min.y, window.max.y, t0, t1);
-    if (!(t0 <= t1)) continue;
+    if (!clipLine(window, p, q - p, t0, t1)) continue;
     const double span = walk.at(i) - walk.at(i - 1);
     const double from = walk.at(i - 1) + t0 * span;
     const double to = t1 < 1 ? walk.at(i - 1) + t1 * span : walk.at(i);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <limits>
 
 #include "arraycells.h"
 #include "quadshape.h"
@@ -15,16 +16,6 @@ constexpr int kMostNested = 200;  // inserts within inserts; each takes stack
 constexpr int kMostChords = 4096;
 constexpr long kInvisible = 1;                        // bit of the flags of attributes
 constexpr double kRuleBelow = 0.2, kRuleAbove = 1.2;  // of the height unit
-constexpr double kOverhang = 0.5;                     // of a text's height
-
-bool isText(const CEnt& ent) {
-  const short type = ent.getType();
-  return type == CEntText::kType || type == CEntAttdef::kType || type == CEntAttrib::kType;
-}
-
-bool isFinite(const PNT_3D& p) {
-  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
 
 bool isWide(const WIDE_VERTEX& v) { return v.widthStart != 0 || v.widthEnd != 0; }
 
@@ -59,19 +50,6 @@ double heightOf(const CWndVpt& window) {
 
 }  // namespace
 
-RECT_3D shownBox(const CEnt& ent, double pixelSize) {
-  RECT_3D box = ent.getBdry();
-  if (ent.getType() == CEntFixedInsert::kType) ent.GetBdry(pixelSize, box);
-  if (!isText(ent) || !box.validRegion()) return box;
-  const double more =
-      kOverhang * std::fabs(static_cast<const CEntText&>(ent).getText().getContext().getHeight());
-  return RECT_3D(box.min - PNT_3D(more, more, 0), box.max + PNT_3D(more, more, 0));
-}
-
-bool isPlaced(const CEnt& ent, const RECT_3D& box) {
-  return ent.getType() != CEntFixedInsert::kType && isFinite(box.min) && isFinite(box.max);
-}
-
 bool isHidden(const CEnt& ent, const CLayer& layer) {
   const bool isInsert = ent.getEntInsert() && ent.getType() != CEntHatch::kType;
   return layer.isFrozen() || (layer.isOff() && !isInsert);
@@ -82,6 +60,7 @@ Walker::Walker(const CData& data, const IProjector& projector, const CWndVpt& wi
     : m_data(data),
       m_options(options),
       m_blocks(blocks),
+      m_boxes(blocks ? blocks->boxes() : m_ownBoxes),
       m_out(painter, options),
       m_pixelSize(window.GetPixelSize()),
       m_hasDevice(m_pixelSize > 0),
@@ -107,7 +86,7 @@ bool Walker::isShown(const CEnt& ent) const {
 
 void Walker::draw(CEnt& ent) {
   if (m_out.look() || !isShown(ent)) return;
-  if (!m_place.apply(shownBox(ent, m_pixelSize)).intersect(m_window)) return;
+  if (!m_place.apply(m_boxes.of(ent, m_pixelSize)).intersect(m_window)) return;
   begin(ent);
   ent.accept(*this);
 }
@@ -201,6 +180,29 @@ void Walker::strokeLine(const PNT_3D& from, const PNT_3D& to) {
   m_way.push_back({from, 0, 0});
   m_way.push_back({to, 0, 0});
   strokeWay(false);
+}
+
+void Walker::visit(CEntLine& ent) {
+  if (isEndless(ent)) return strokeEndless(ent.getLine(), ent.getReach());
+  strokeLine(ent.getLine().p1, ent.getLine().p2);
+}
+
+// As far as the window shows it. Patterns begin at the first point, or they would run along
+// with the window.
+void Walker::strokeEndless(const LINE_3D& line, LineReach reach) {
+  if (!m_options.endless) return m_out.dot(m_place.apply(line.p1));
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  const PNT_3D step = line.p2 - line.p1;
+  const PNT_2D from = m_place.apply(line.p1), way = m_place.apply(line.p2) - from;
+  double t0 = reach == LineReach::Ray ? 0 : -infinity, t1 = infinity;
+  if (!clipLine(m_window, from, way, t0, t1)) return;
+  if (!std::isfinite(t0) || !std::isfinite(t1)) return m_out.dot(from);  // seen from its end
+  const auto at = [&](double t) {
+    return PNT_3D(line.p1.x + t * step.x, line.p1.y + t * step.y, line.p1.z + t * step.z);
+  };
+  if (!pattern()) return strokeLine(at(t0), at(t1));
+  if (t1 > 0) strokeLine(line.p1, at(t1));
+  if (t0 < 0) strokeLine(line.p1, at(t0));
 }
 
 void Walker::visit(CEntPolyline& ent) {
@@ -434,10 +436,10 @@ void Walker::drawCells(CEntInsertBase& ent) {
   }
 }
 
-RECT_2D Walker::firstCell(const CEntInsertBase& ent) const {
+RECT_2D Walker::firstCell(const CEntInsertBase& ent) {
   const CEntInsertMatrix matrix(m_pixelSize, ent, 0, 0);
   const CBlock& block = *ent.getBlock();
-  return m_place.after(matrix).apply(block.getBdry());
+  return m_place.after(matrix).apply(m_boxes.of(block));
 }
 
 void Walker::drawCell(CEntInsertBase& ent, long row, long column) {

@@ -8,19 +8,11 @@
 #include "linepattern.h"
 #include "placement.h"
 #include "pointfigure.h"
+#include "shownbox.h"
 #include "vek0core/vek0core.h"
 #include "vek0draw/draw.h"
 
 namespace vek0::detail {
-
-/// Box that holds all that an entity of model space shows on a display whose pixels have
-/// that size. Letters may reach beyond their measures, so that of a text is larger than
-/// its extents.
-RECT_3D shownBox(const CEnt& ent, double pixelSize);
-
-/// Whether an entity has a place that an index can know: a finite box that does not depend
-/// on the pixels.
-bool isPlaced(const CEnt& ent, const RECT_3D& box);
 
 /// Whether an entity does not show on this layer. What an insert shows lies on layers of
 /// its own, which may be on when its is off.
@@ -55,7 +47,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
 
   using IEntVisitor::visit;
   void visit(CEntPnt& ent) override;
-  void visit(CEntLine& ent) override { strokeLine(ent.getLine().p1, ent.getLine().p2); }
+  void visit(CEntLine& ent) override;
   void visit(CEntCircle& ent) override;
   void visit(CEntArc& ent) override;
   void visit(CEntPolyline& ent) override;
@@ -83,6 +75,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
   void fillOutline(const std::vector<WIDE_VERTEX>& points, bool closed);
   void fillFace(const CEnt3DFace& ent);
   void strokeLine(const PNT_3D& from, const PNT_3D& to);
+  void strokeEndless(const LINE_3D& line, LineReach reach);
   void strokeSegments(const CEntPolyline& ent);
   void strokeRuns(const CEntPolyline& ent);
   void drawBulge(const PNT_3D& from, const PNT_3D& to, double bulge);
@@ -100,13 +93,15 @@ class Walker final : public IEntVisitor, private IPatternSink {
   void drawInsert(CEntInsertBase& ent);
   void drawCells(CEntInsertBase& ent);
   void drawCell(CEntInsertBase& ent, long row, long column);
-  RECT_2D firstCell(const CEntInsertBase& ent) const;
+  RECT_2D firstCell(const CEntInsertBase& ent);
   void enter(const CEntInsertBase& ent, long row, long column);
   void leave();
 
   const CData& m_data;
   const DRAW_OPTIONS& m_options;
   BlockTrees* const m_blocks;
+  ShownBoxes m_ownBoxes;
+  ShownBoxes& m_boxes;
   Emitter m_out;
   const double m_pixelSize;
   bool m_hasDevice;

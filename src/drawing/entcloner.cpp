@@ -40,7 +40,10 @@ class EntCloner final : public IEntVisitor {
     keep(createEntPnt(m_data, layer(e), ltype(e), e.getColor(), e.getPnt(), e.GetHandle()));
   }
   void visit(CEntLine& e) override {
-    keep(createEntLine(m_data, layer(e), ltype(e), e.getColor(), e.getLine(), e.GetHandle()));
+    CEntLine* made =
+        createEntLine(m_data, layer(e), ltype(e), e.getColor(), e.getLine(), e.GetHandle());
+    if (made) made->setReach(e.getReach());
+    keep(made);
   }
   void visit(CEntCircle& e) override {
     keep(createEntCircle(m_data, layer(e), ltype(e), e.getColor(), e.getCircle(), e.GetHandle()));

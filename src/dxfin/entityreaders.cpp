@@ -102,6 +102,8 @@ constexpr Reader kReaders[] = {
     {"MLINE",                  EntityKinds::All,    one<readMultiline>              },
     {"MESH",                   EntityKinds::All,    one<readSubdivisionMesh>        },
     {"MPOLYGON",               EntityKinds::All,    readMpolygon                    },
+    {"XLINE",                  EntityKinds::All,    one<readXline>                  },
+    {"RAY",                    EntityKinds::All,    one<readRay>                    },
     {"HELIX",                  EntityKinds::All,    curve<&CurveReader::readHelix>  },
     {"MTEXT",                  EntityKinds::All,    one<readMText>                  },
     {"DIMENSION",              EntityKinds::All,    one<readDimension>              },

@@ -40,6 +40,8 @@ class EntityReader {
 EntPtr readText(RecordReader& in);
 EntPtr readAttdef(RecordReader& in);
 EntPtr readInsert(RecordReader& in);
+EntPtr readXline(RecordReader& in);
+EntPtr readRay(RecordReader& in);
 
 /// An attribute in the coordinates of the file, those of the drawing.
 std::unique_ptr<CEntAttrib> readAttrib(RecordReader& in);

@@ -44,6 +44,7 @@ constexpr Code kCodes[] = {
     {"curve as polyline",   kChange},
     {"color approximated",  kChange},
     {"name changed",        kChange},
+    {"endless line cut",    kChange},
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "dxfout/endlessline.h"
 #include "dxfout/exactnumbers.h"
 #include "dxfout/hatchdata.h"
 #include "dxfout/savedcolor.h"
@@ -12,8 +13,10 @@
 #include "dxfout/savefilter.h"
 #include "dxfout/savehandles.h"
 #include "vek0core/assert.h"
+#include "vek0core/drawing/data.h"
 #include "vek0core/dxfout/filedxfowriter.h"
 #include "vek0core/entities/attribplacement.h"
+#include "vek0core/entities/block.h"
 #include "vek0core/entities/ent3dface.h"
 #include "vek0core/entities/entarc.h"
 #include "vek0core/entities/entattdef.h"
@@ -72,7 +75,8 @@ struct CFileDXFOVisitor::TextRecord {
 };
 
 CFileDXFOVisitor::CFileDXFOVisitor(const CData& data, CFileDXFOWriter& writer, bool flatten)
-    : m_writer(writer),
+    : m_data(data),
+      m_writer(writer),
       m_filter(std::make_unique<vek0::detail::SaveFilter>(data)),
       m_flatten(flatten) {}
 
@@ -91,9 +95,18 @@ void CFileDXFOVisitor::visit(CEntPnt& ent) {
 
 void CFileDXFOVisitor::visit(CEntLine& ent) {
   if (refuses(ent, "LINE")) return;
+  const LINE_3D line = cut(ent);
   begin("LINE", ent);
-  writePoint(0, ent.getLine().p1);
-  writePoint(1, ent.getLine().p2);
+  writePoint(0, line.p1);
+  writePoint(1, line.p2);
+}
+
+// The version knows no lines without ends.
+LINE_3D CFileDXFOVisitor::cut(const CEntLine& ent) {
+  if (ent.getReach() == LineReach::Segment) return ent.getLine();
+  report("endless line cut", ent.getReach() == LineReach::Ray ? "RAY" : "XLINE");
+  const CBlock* owner = ent.getOwnerBlock();
+  return vek0::detail::segmentOf(ent, owner ? owner->getBdry() : m_data.getEntTable().getBdry());
 }
 
 void CFileDXFOVisitor::visit(CEntCircle& ent) {
@@ -167,9 +180,7 @@ void CFileDXFOVisitor::visit(CEntInsert& ent) {
   if (!refuses(ent, "INSERT")) insert_visit(ent);
 }
 
-void CFileDXFOVisitor::visit(CEntInsertXRef& ent) {
-  if (!refuses(ent, "INSERT")) insert_visit(ent);
-}
+void CFileDXFOVisitor::visit(CEntInsertXRef& ent) { visit(static_cast<CEntInsert&>(ent)); }
 
 void CFileDXFOVisitor::visit(CEntFixedInsert& ent) {
   if (refuses(ent, "INSERT")) return;

@@ -9,13 +9,24 @@ CEntLine::CEntLine(long handle, CLayer* layer, CLtype* ltype, short color, const
   CEntLine::calcBdry();
 }
 
-CEntLine::CEntLine(const CEntLine& src, long handle) : CEnt(src, handle), m_line(src.m_line) {}
+// Drawings are mostly lines, and one more byte would make each 16 bytes larger.
+static_assert(sizeof(CEntLine) == sizeof(CEnt) + sizeof(LINE_3D));
+
+CEntLine::CEntLine(const CEntLine& src, long handle) : CEnt(src, handle), m_line(src.m_line) {
+  setOwnByte(src.getOwnByte());
+}
 
 void CEntLine::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
 void CEntLine::setMemento(CData&, const IEntDerivedMemento* memento) {
   const auto* state = vek0::detail::mementoOf<CEntLine, CEntLineMemento>(memento);
-  if (state != nullptr) setLine(state->value());
+  if (state == nullptr) return;
+  setReach(state->getReach());
+  setLine(state->value());
+}
+
+bool CEntLineMemento::operator==(const CEnt& ent) const {
+  return ValueMemento::operator==(ent) && static_cast<const CEntLine&>(ent).getReach() == m_reach;
 }
 
 void CEntLine::calcBdry() {
@@ -25,7 +36,14 @@ void CEntLine::calcBdry() {
 }
 
 IEntDerivedMemento* CEntLine::createDerivedMemento() const {
-  return new (std::nothrow) CEntLineMemento(m_line);
+  return new (std::nothrow) CEntLineMemento(*this);
+}
+
+// Whoever draws by extents looks for endless lines everywhere, and has to hear of it.
+void CEntLine::setReach(LineReach reach) {
+  if (reach == getReach()) return;
+  setOwnByte(static_cast<unsigned char>(reach));
+  dirtyBdry();
 }
 
 void CEntLine::setLine(const LINE_3D& line) {

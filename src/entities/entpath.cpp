@@ -43,7 +43,7 @@ bool getEntPath(const CEnt& ent, PATH_3D& out) {
   switch (ent.getType()) {
     case CEntLine::kType:
       out = PATH_3D(static_cast<const CEntLine&>(ent).getLine());
-      return true;
+      return static_cast<const CEntLine&>(ent).getReach() == LineReach::Segment;
     case CEntCircle::kType:
       out = PATH_3D(static_cast<const CEntCircle&>(ent).getCircle());
       return true;

@@ -101,9 +101,10 @@ void EntPlacer::visit(CEntPnt& ent) {
 
 void EntPlacer::visit(CEntLine& ent) {
   const LINE_3D line(placed(ent.getLine().p1), placed(ent.getLine().p2));
-  take(
-      m_maker.ents.createEntLine(m_maker.gestor, layerOf(ent), ltypeOf(ent), colorOf(ent), line, 0),
-      ent);
+  CEntLine* made =
+      m_maker.ents.createEntLine(m_maker.gestor, layerOf(ent), ltypeOf(ent), colorOf(ent), line, 0);
+  if (made) made->setReach(ent.getReach());
+  take(made, ent);
 }
 
 void EntPlacer::visit(CEntCircle& ent) {

@@ -23,8 +23,9 @@ BULGED_VERTEX movedTo(const BULGED_VERTEX& at, const BULGED_VERTEX& segment) {
 bool OpenChain::take(const CEnt& ent, double tolerance) {
   m_vertexes.clear();
   if (ent.getType() == CEntLine::kType) {
-    const LINE_3D& line = static_cast<const CEntLine&>(ent).getLine();
-    m_vertexes = {vertexAt(line.p1, 0), vertexAt(line.p2, 0)};
+    const auto& line = static_cast<const CEntLine&>(ent);
+    if (line.getReach() != LineReach::Segment) return false;
+    m_vertexes = {vertexAt(line.getLine().p1, 0), vertexAt(line.getLine().p2, 0)};
   } else if (ent.getType() == CEntArc::kType) {
     const EDGE_3D arc(static_cast<const CEntArc&>(ent).getArc());
     addVertexes(arc, m_vertexes);

@@ -71,6 +71,18 @@ void RECT_2D::inflate(double dx, double dy) {
   max.set(max.x + dx, max.y + dy);
 }
 
+bool clipLine(const RECT_2D& box, const PNT_2D& from, const PNT_2D& step, double& t0, double& t1) {
+  const auto narrow = [&](double at, double d, double low, double high) {
+    if (d == 0) return low <= at && at <= high;
+    const double a = (low - at) / d, b = (high - at) / d;
+    t0 = std::max(t0, std::min(a, b));
+    t1 = std::min(t1, std::max(a, b));
+    return t0 <= t1;
+  };
+  return narrow(from.x, step.x, box.min.x, box.max.x) &&
+         narrow(from.y, step.y, box.min.y, box.max.y);
+}
+
 void RECT_3D::set(double x1, double y1, double z1, double x2, double y2, double z2) {
   order(x1, x2, min.x, max.x);
   order(y1, y2, min.y, max.y);

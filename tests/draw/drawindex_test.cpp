@@ -87,7 +87,9 @@ class Draughtsman {
   }
 
   void redefineBlock() {
-    m_block->add(createEntLine(data(), LINE_3D(0, 0, 0, number(-300, 300), 200, 0), 0));
+    CEntLine* line = createEntLine(data(), LINE_3D(0, 0, 0, number(-300, 300), 200, 0), 0);
+    line->setReach(static_cast<LineReach>(below(3)));
+    m_block->add(line);
     data().getBlockTable().updateBlock(m_block);
     data().getEntTable().recalcBdry();
   }

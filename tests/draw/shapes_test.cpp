@@ -1,6 +1,7 @@
 // Kinds of entities, each as a painter gets it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 #include <utility>
@@ -67,6 +68,12 @@ std::vector<PNT_3D> square(double x, double y, double side) {
       {x + side, y + side, 0},
       {x,        y + side, 0}
   };
+}
+
+// Whether a stroke runs over a point.
+bool runsOver(const Thing& stroke, const PNT_2D& p) {
+  const PNT_2D &a = stroke.points.front(), &b = stroke.points.back();
+  return std::fabs(a.dist(p) + p.dist(b) - a.dist(b)) < 1e-6;
 }
 
 }  // namespace
@@ -432,4 +439,42 @@ TEST(Shapes, ViewsFromTheSideShowHeights) {
   EXPECT_LT(front.things[0].points[0].dist(seen(10, 20)), 1e-9);
   EXPECT_LT(front.things[0].points[1].dist(seen(30, 40)), 1e-9);
   for (const PNT_2D& p : front.things[1].points) EXPECT_NEAR(p.y, seen(0, 300).y, 1e-9);
+}
+
+// Rays and endless lines in arrays of inserts within each other, from the plainest on.
+TEST(Endless, LinesCoverTheWindowFromTheirFirstPointOn) {
+  std::mt19937 random(1);
+  const auto number = [&](double low, double high) {
+    return std::uniform_real_distribution<>(low, high)(random);
+  };
+  int seenPoints = 0;
+  for (int i = 0; i < 200; ++i) {
+    Scene scene;
+    const double x = number(-900, 1900), y = number(-900, 1900), angle = number(0, 6.28);
+    const PNT_3D first(x, y, 0), way(std::cos(angle), std::sin(angle), 0);
+    const bool isRay = i % 2 == 0;
+    CEntLine* line = createEntLine(*scene.data, LINE_3D(first, first + way), 0);
+    line->setReach(isRay ? LineReach::Ray : LineReach::Endless);
+    CBlock* block = scene.block(u"A", {line});
+    CEntInsert* insert =
+        createEntInsert(*scene.data, *scene.block(u"B", {scene.insert(*block, 0, 0)}),
+                        PNT_3D(100, 50, 0), number(-2, 2), 1.5, 1, angle, 2, 1, 700, 0, 0);
+    scene.add(insert);
+    const Recorder walked = scene.draw();
+    Recorder indexed;
+    CDrawIndex(*scene.data).draw(CPOProjector(), scene.window, indexed);
+    EXPECT_EQ(indexed.things.size(), walked.things.size());
+    for (int k = 0; k < 100; ++k) {
+      PNT_3D p;
+      const double t = number(-2000, 2000);
+      CEntInsertMatrix(1, *insert, 0, k % 2).transform(first + PNT_3D(way.x * t, way.y * t, 0), p);
+      if (!RECT_2D(0, 0, 1000, 1000).inside(p)) continue;
+      const bool isCovered =
+          std::any_of(walked.things.begin(), walked.things.end(),
+                      [&](const Thing& thing) { return runsOver(thing, seen(p.x, p.y)); });
+      EXPECT_EQ(isCovered, t >= 0 || !isRay) << i << ' ' << t;
+      ++seenPoints;
+    }
+  }
+  EXPECT_GT(seenPoints, 1000);
 }

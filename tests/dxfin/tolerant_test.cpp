@@ -457,6 +457,25 @@ TEST(Tolerant, CurvesInOtherPlanesBecomeChains) {
   }
 }
 
+TEST(Tolerant, EndlessLinesAreSavedAsFarAsTheDrawingReaches) {
+  const Loaded got = loadAnyEntities(
+      "0 XLINE|8 A|10 0|20 0|11 1|21 0|0 RAY|8 A|10 50|20 50|30 7|11 0|21 -1|31 0|"
+      "0 XLINE|8 A|10 5|20 5|11 0|21 0|0 LINE|8 A|10 0|20 0|11 100|21 100");
+  EXPECT_EQ(got.report.count("entity dropped"), 1) << "a direction of length 0";
+  expectBox(extents(got), 0, 0, 100, 100);
+  CFileMemory file(u"saved.dxf", IFile::kWrite);
+  CFileReport report;
+  ASSERT_TRUE(SaveDXF(got.drawing(), file, 0, &report));
+  EXPECT_EQ(report.count("endless line cut"), 2);
+  std::vector<LINE_3D> lines;
+  const Loaded again = loadAny(file.bytes());
+  for (CEnt* ent : again.data->getEntTable().getEntityTbl())
+    lines.push_back(castLine(ent)->getLine());
+  const std::vector<LINE_3D> expected{LINE_3D(-5, 0, 0, 105, 0, 0), LINE_3D(50, 50, 7, 50, -5, 7),
+                                      LINE_3D(0, 0, 0, 100, 100, 0)};
+  EXPECT_TRUE(lines == expected);
+}
+
 TEST(Tolerant, PaperIsKeptApart) {
   const std::string text = entitiesOf(
       "AC1015", kLine +

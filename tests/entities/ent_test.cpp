@@ -28,6 +28,7 @@ std::vector<EntPtr> oneOfEach(Scene& s) {
   CEntFactory& f = s.factory;
   ents.emplace_back(f.createEntPnt(s.gestor, s.layer(), s.ltype(), 1, PNT_3D(1, 2, 3), 11));
   ents.emplace_back(s.line(0, 0, 3, -4, 12));
+  castLine(ents.back().get())->setReach(LineReach::Ray);
   ents.emplace_back(
       f.createEntCircle(s.gestor, s.layer(), s.ltype(), 3, CIRCLE_3D(1, 1, 5, 2), 13));
   ents.emplace_back(
@@ -64,7 +65,7 @@ TEST(Ent, DerivedMementoBringsTheShapeBack) {
   auto ents = oneOfEach(s);
   const auto moved = oneOfEach(s);
   castPnt(moved[0].get())->setPnt(9, 9, 9);
-  castLine(moved[1].get())->setLine(9, 9, 9, 8, 8, 8);
+  castLine(moved[1].get())->setReach(LineReach::Endless);
   castCircle(moved[2].get())->setCircle(9, 9, 9, 9);
   castArc(moved[3].get())->setArc(9, 9, 9, 9, 1, 3);
   cast3DFace(moved[4].get())->setVertex(3, PNT_3D(9, 9, 9));

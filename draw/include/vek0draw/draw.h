@@ -23,6 +23,9 @@ struct DRAW_OPTIONS {
   /// How far the pen reaches beyond the points that the painter is given, device units:
   /// half the width of the widest stroke.
   double penReach = 1;
+  /// Rays and endless lines are drawn as far as the window shows them; else a dot stands at their
+  /// first point.
+  bool endless = true;
   /// How wide points are at least, device units: three pixels of a screen.
   double leastPoint = 3;
   /// How many things are emitted, and how many entities looked at, at most; what follows
@@ -51,7 +54,7 @@ DRAW_RESULT drawData(const CData& data, const IProjector& projector, const CWndV
                      IPainter& painter, const DRAW_OPTIONS& options = {});
 
 /// Extents of what `drawData` would show, in the plane of the view; empty when there is
-/// nothing.
+/// nothing. Rays and endless lines count as their points.
 RECT_2D drawnExtents(const CData& data, const IProjector& projector,
                      const DRAW_OPTIONS& options = {});
 

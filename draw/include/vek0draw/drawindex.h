@@ -13,8 +13,9 @@
 /// anew after an edit of the block. What holds for the extents of a drawing holds here: a change in
 /// place ends with `CEnt::calcBdry`, one of a block with `CEntTable::recalcBdry`.
 ///
-/// Inserts of fixed pixel size are all looked at by every frame. For a single picture
-/// `drawData` is quicker.
+/// Inserts of fixed pixel size, rays and endless lines are all looked at by every frame, which
+/// also asks of each block whether it has come to hold such lines. For a single picture `drawData`
+/// is quicker.
 class CDrawIndex {
  public:
   /// The drawing is borrowed; it must outlive the index and not be a view.

@@ -12,6 +12,7 @@ class CFileDXFOWriter;
 class CFileReport;
 class CNameAcadConverter;
 class CStyle;
+class LINE_3D;
 class PNT_3D;
 class TEXT_3D;
 
@@ -79,6 +80,7 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   void attrib_visit(const CEntInsertBase& ent, const CEntAttrib& attrib);
   void vertex_visit(const CEnt& owner, const vek0::detail::SavedVertex& vertex);
   void seq_visit(const CEnt& owner);
+  LINE_3D cut(const CEntLine& ent);
   void writePoint(long index, const PNT_3D& pnt);
   void writeAngle(long code, double angleRad);
   long writeHandle(long handle);
@@ -88,6 +90,7 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   bool refuses(const Ent& ent, const char* kind);
   void report(const char* code, const char* kind);
 
+  const CData& m_data;
   CFileDXFOWriter& m_writer;
   std::unique_ptr<vek0::detail::SaveFilter> m_filter;
   std::vector<const CEntAttrib*> m_sequence;  // attributes of the insert being written

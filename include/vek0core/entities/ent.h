@@ -167,6 +167,11 @@ class VEK0_API CEnt : public IHandleEnt {
   }
   bool isBdryDirty() const { return m_bdryDirty; }
 
+  /// A byte for the kind's own use; 0 at first. A member of its own would cost every line 16
+  /// bytes of its allocation. It is not copied.
+  unsigned char getOwnByte() const { return m_ownByte; }
+  void setOwnByte(unsigned char value) { m_ownByte = value; }
+
   /// Node in the owning table's selection list; meaningful only while selected.
   Node getSelectStatus() const { return m_selectStatus; }
   void setSelectStatus(Node node);
@@ -188,6 +193,7 @@ class VEK0_API CEnt : public IHandleEnt {
   bool m_selected = false;
   bool m_inBlock = false;  // the owner is a block
   bool m_watched = false;  // in a table whose watchers hear of changed extents
+  unsigned char m_ownByte = 0;
 
   // A drawing has millions of entities and removing one may not search: each knows
   // the table or block that owns it and its place there.

@@ -5,7 +5,15 @@
 #include "vek0core/export.h"
 #include "vek0core/geometry/line.h"
 
-/// Line entity: a segment in space. A segment of length 0 is legal and kept.
+/// How far a line entity reaches.
+enum class LineReach : unsigned char {
+  Segment,  ///< from its first point to its second
+  Ray,      ///< from its first point through the second without end
+  Endless   ///< through both without end
+};
+
+/// Line entity: a segment in space, or a ray or endless line, which has no extents but those of
+/// its two points. A segment of length 0 is legal and kept.
 ///
 /// Invariant: the cached extents are those of the segment after every setter.
 /// Writing through the reference from `getLine()` breaks that on purpose (the
@@ -26,6 +34,10 @@ class VEK0_API CEntLine : public CEnt {
   LINE_3D& getLine() { return m_line; }  ///< see the class about the extents
   void getLine(double& x1, double& y1, double& z1, double& x2, double& y2, double& z2) const;
 
+  /// A segment at first. Copies and mementos take it along; setting the points leaves it.
+  LineReach getReach() const { return static_cast<LineReach>(getOwnByte()); }
+  void setReach(LineReach reach);
+
   void setLine(const LINE_3D& line);
   /// Start point, then end point.
   void setLine(double x1, double y1, double z1, double x2, double y2, double z2);
@@ -43,8 +55,16 @@ class VEK0_API CEntLine : public CEnt {
 };
 
 /// Undo snapshot of a line entity.
-class CEntLineMemento final
+class VEK0_API CEntLineMemento final
     : public vek0::detail::ValueMemento<CEntLine, LINE_3D, &CEntLine::getLine> {
  public:
-  using ValueMemento::ValueMemento;
+  explicit CEntLineMemento(const CEntLine& ent)
+      : ValueMemento(ent.getLine()), m_reach(ent.getReach()) {}
+
+  bool operator==(const CEnt& ent) const override;
+  std::size_t size() const override { return sizeof *this; }
+  LineReach getReach() const { return m_reach; }
+
+ private:
+  LineReach m_reach;
 };

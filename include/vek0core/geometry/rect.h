@@ -58,6 +58,12 @@ class VEK0_API RECT_2D {
   PNT_2D min, max;
 };
 
+/// Narrows [t0, t1] to the part of the line `from` + t * `step` that lies in the box, borders
+/// included; t0 and t1 may be infinite. False, and both of no use, when there is none. A step of
+/// length 0 leaves them as they are if `from` lies inside.
+VEK0_API bool clipLine(const RECT_2D& box, const PNT_2D& from, const PNT_2D& step, double& t0,
+                       double& t1);
+
 /// Axis-aligned box in space: every entity's extents. What `RECT_2D` says holds here.
 class VEK0_API RECT_3D {
  public:
