@@ -37,6 +37,7 @@ ReadResult readWith(Reader reader, CData& data, const std::string& path, const S
   const std::unique_ptr<IFile> file = openForReading(path, session.quiet);
   CFileDXFIOptions options = readingOptions(session);
   options.report = &result.report;
+  result.onPaper = options.policy.paperSpace;
   options.policy.keepFontNames |= keepFontNames;
   result.outcome = reader(data, *file, &result.error, options);
   if (!result.opened()) result.fault = {"file unreadable", "The file cannot be opened."};
@@ -96,12 +97,32 @@ std::uintmax_t sizeOf(const std::string& path) {
 
 std::string ReadResult::kind() const {
   if (fault.kind) return fault.kind;
-  return ok() ? "" : nameOf(error.GetErrorType());
+  if (ok()) return "";
+  switch (error.GetForm()) {
+    case CFileDXFIError::BinaryForm:
+      return "binary dxf";
+    case CFileDXFIError::DwgForm:
+      return "dwg";
+    case CFileDXFIError::EmptyForm:
+      return "empty file";
+    default:
+      return nameOf(error.GetErrorType());
+  }
 }
 
 std::string ReadResult::message() const {
   if (fault.kind) return fault.message;
   return error.HasAnError() ? error.GetFullMessage().toUtf8() : std::string();
+}
+
+std::string ReadResult::elsewhere() const {
+  long count = 0;
+  for (const CFileReport::Entry& entry : report.entries())
+    if (entry.code == std::string_view("on paper") && entry.sample.empty()) count += entry.count;
+  if (count == 0) return {};
+  return std::to_string(count) + (count == 1 ? " entity is " : " entities are ") +
+         (onPaper ? "in model space, which is shown without --paper-space"
+                  : "on a sheet, which --paper-space shows");
 }
 
 CFileDXFIOptions readingOptions(const Session& session) {

@@ -18,6 +18,7 @@ struct ReadResult {
   CFileDXFIError error;     ///< without error when the drawing is whole
   CFileReport report;       ///< what was skipped or repaired on the way
   InputFault fault;         ///< why nothing was read
+  bool onPaper = false;     ///< the sheets were asked for instead of the model
 
   bool ok() const { return outcome.status == CFileDXFIResult::Done; }
   bool opened() const { return outcome.status != CFileDXFIResult::NotOpened; }
@@ -26,6 +27,9 @@ struct ReadResult {
   std::string kind() const;
   /// One sentence with the line, or an empty text when all is well.
   std::string message() const;
+  /// What was passed over because it stands on a sheet, or in the model if a sheet was asked
+  /// for: "3 entities are on a sheet, which --paper-space shows", or an empty text.
+  std::string elsewhere() const;
 };
 
 /// A new, empty drawing.

@@ -114,21 +114,10 @@ std::string missingFrom(const CFileReport& report) {
   return kinds;
 }
 
-long countOnPaper(const CFileReport& report) {
-  long count = 0;
-  for (const CFileReport::Entry& entry : report.entries())
-    if (entry.code == std::string_view("on paper") && entry.sample.empty()) count += entry.count;
-  return count;
-}
-
 // Where what could be shown is instead; empty when nobody knows.
-std::string whyNothing(const CFileReport& report, bool onPaper, const LayerChoice& layers) {
-  if (const long elsewhere = countOnPaper(report)) {
-    const std::string all =
-        ": " + std::to_string(elsewhere) + (elsewhere == 1 ? " entity is " : " entities are ");
-    return all + (onPaper ? "in model space, which is shown without --paper-space"
-                          : "on a sheet, which --paper-space shows");
-  }
+std::string whyNothing(const ReadResult& result, const LayerChoice& layers) {
+  const std::string elsewhere = result.elsewhere();
+  if (!elsewhere.empty()) return ": " + elsewhere;
   return layers.hidesUnprinted()
              ? ": layer Defpoints is not printed; --layers Defpoints shows it all the same"
              : "";
@@ -214,8 +203,7 @@ class Renderer {
                         const LayerChoice& layers) {
     const RECT_2D extents = shownExtents(data, *m_projector, m_drawOptions);
     if (!extents.validRegion())
-      warn(in + ": there is nothing to show" +
-           whyNothing(result.report, m_session.reading.paperSpace, layers));
+      warn(in + ": there is nothing to show" + whyNothing(result, layers));
     const std::string drawingUnit = unitOf(m_options, result);
     PICTURE picture = layOut(pictureOptions(m_options, m_format, drawingUnit), extents);
     if (!picture.error.empty() && !m_options.scale.empty() && m_options.unit.empty())

@@ -335,7 +335,10 @@ std::string summaryToText(const std::string& path, CData& data, const ReadResult
   text += listLine("blocks", namesIn(blocksToJson(data)));
   const Json references = referencesToJson(data);
   if (!references.empty()) text += referenceLines(references);
-  text += "  entities: " + EntityCounts(data).toText() + "\n";
+  text += "  entities: " + EntityCounts(data).toText();
+  if (data.getEntTable().getEntityTbl().empty() && !result.elsewhere().empty())
+    text += "; " + result.elsewhere();
+  text += "\n";
   text += extentsLine(data) + variableLines(data);
   if (!result.report.empty()) text += "  skipped or repaired:\n" + reportToText(result.report);
   return text;

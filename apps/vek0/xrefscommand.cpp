@@ -42,7 +42,7 @@ struct Resolved {
 
 using Show = void (*)(const Resolved& drawing, const XrefsOptions& options, Session& session);
 
-void print(const Json& line) {
+void printLine(const Json& line) {
   std::printf("%s\n", line.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
 }
 
@@ -82,7 +82,7 @@ void printListJson(const Resolved& drawing, bool ok) {
   }
   line["references"] = std::move(rows);
   line["report"] = reportToJson(drawing.reader.report());
-  print(line);
+  printLine(line);
 }
 
 std::string countedReferences(std::size_t count) {
@@ -116,7 +116,7 @@ class Tree {
     Json line = head(m_drawing, m_drawing.reading.ok());
     line["references"] = rows(References(*m_drawing.data).own);
     line["report"] = reportToJson(m_drawing.reader.report());
-    print(line);
+    printLine(line);
   }
 
  private:
