@@ -11,7 +11,6 @@ namespace vek0::detail {
 namespace {
 
 constexpr std::size_t kMarkBytes = 3;   // of the longest byte order mark
-constexpr char kCtrlZ = 0x1A;           // ends texts of old systems
 constexpr std::size_t kLeastRoom = 16;  // bytes worth reading, more than a prefix needs
 
 // Sixty-four bytes at a time without a branch, so that compilers use vectors: on
@@ -100,11 +99,24 @@ bool LineReader::nextAfterFill(std::string_view& line) {
     std::string_view rest(m_position, static_cast<std::size_t>(m_end - m_position));
     if (rest.empty() || m_failed) return false;
     if (!m_ended) rest.remove_suffix(cutSequenceLength(rest));
-    line = rest;
     m_position += rest.size();
-    return true;
+    while (m_ended && rest.ends_with(kCtrlZ)) rest.remove_suffix(1);
+    line = rest;
+    return !rest.empty();
   }
-  return next(line);
+  const char* const end = findEnd();
+  line = std::string_view(m_position, static_cast<std::size_t>(end + 1 - m_position));
+  m_position = end + 1;
+  return isText(line);
+}
+
+// False for the line that ends the text, behind which there is none.
+bool LineReader::isText(std::string_view line) {
+  constexpr char kEnds[] = {kCtrlZ, '\r', '\n', 0};
+  if (line[0] != kCtrlZ || line.find_first_not_of(kEnds) != std::string_view::npos) return true;
+  m_ended = true;
+  m_position = m_end;
+  return false;
 }
 
 // Reads more behind what is not handed out yet. False when the buffer is full or
@@ -170,10 +182,6 @@ std::size_t LineReader::readUtf16(char* out, std::size_t room) {
 std::size_t LineReader::clean(char* bytes, std::size_t count) {
   char* end = bytes + count;
   if (std::memchr(bytes, '\0', count)) end = std::remove(bytes, end, '\0');
-  if (auto* stop = std::memchr(bytes, kCtrlZ, static_cast<std::size_t>(end - bytes))) {
-    end = static_cast<char*>(stop);
-    m_ended = true;
-  }
   if (!m_ended) {
     while (end != bytes && end[-1] == '\r' && m_heldCrs < m_block / 2) {
       --end;

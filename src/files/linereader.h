@@ -14,8 +14,9 @@ namespace vek0::detail {
 /// Splits the bytes of a source into lines, a block at a time.
 ///
 /// Lines end at LF, CR LF (any number of CRs before the LF) or a lone CR, which is
-/// turned into an LF. NULs are left out and Ctrl-Z ends the text. A UTF-8 byte
-/// order mark is left out; behind one of UTF-16 everything arrives as UTF-8.
+/// turned into an LF. NULs are left out; Ctrl-Z ends the text where nothing else is on
+/// its line, and is left out behind the last line. A UTF-8 byte order mark is left out;
+/// behind one of UTF-16 everything arrives as UTF-8.
 class VEK0_API LineReader {
  public:
   static constexpr long kEnd = 0;          ///< source: there is nothing more
@@ -45,7 +46,7 @@ class VEK0_API LineReader {
   /// the buffer, never cut inside a UTF-8 sequence; the next call goes on in it.
   bool next(std::string_view& line) {
     const char* const end = findEnd();
-    if (end == m_end) return nextAfterFill(line);
+    if (end == m_end || *m_position == kCtrlZ) return nextAfterFill(line);
     line = std::string_view(m_position, static_cast<std::size_t>(end + 1 - m_position));
     m_position = end + 1;
     return true;
@@ -70,11 +71,14 @@ class VEK0_API LineReader {
   }
 
  private:
+  static constexpr char kCtrlZ = 0x1A;  // ends texts of old systems
+
   const char* findEnd() const {
     const auto bytes = static_cast<std::size_t>(m_end - m_position) + 1;
     return static_cast<const char*>(std::memchr(m_position, '\n', bytes));
   }
   bool nextAfterFill(std::string_view& line);
+  bool isText(std::string_view line);
   bool fill();
   std::size_t readBlock(char* out, std::size_t room);
   std::size_t readPlain(char* out, std::size_t room);

@@ -133,7 +133,7 @@ TEST(DxfLexer, ErrorsOfStructure) {
       {"end after a pair",      "0\nLINE\n",        13, 2},
       {"end after a code",      "0\nLINE\n8\n",     13, 3},
       {"end after a comment",   "999\nx\n",         13, 2},
-      {"ctrl-z before the end", "0\nLINE\n\0320\n", 13, 2},
+      {"ctrl-z before the end", "0\nLINE\n\032\n0\n", 13, 2},
   };
   for (const auto& t : cases) {
     for (const bool byBytes : {true, false}) {

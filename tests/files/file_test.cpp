@@ -78,7 +78,7 @@ TEST(File, ReadsLinesAsTheyStand) {
       {64, "utf-8, else western",   "\xC3\xA9\n\xE9\n",     u"\u00E9\n|\u00E9\n"},
       {64, "marked utf-8",          "\357\273\277a\n",      u"a\n"              },
       {64, "marked utf-16",         "\377\376a\0\n\0"s,     u"a\n"              },
-      {64, "ctrl-z",                "a\n\32b\n",            u"a\n"              },
+      {64, "ctrl-z",                "a\n\32\nb\n",          u"a\n"              },
       {64, "empty",                 "",                     u""                 },
       {4,  "long lines are split",  "abcdef\ng\n",          u"abc|def|\n|g\n"   },
       {4,  "line end does not fit", "abc\nd\n",             u"abc|\n|d\n"       },

@@ -62,7 +62,14 @@ TEST(LineReader, LineEndsAndMarks) {
       {"utf-8 mark",            "\357\273\2770\n",            "0\n"             },
       {"nothing but a mark",    "\xEF\xBB\xBF",               ""                },
       {"nuls",                  "a\0b\0\n\0"s,                "ab\n"            },
-      {"ctrl-z ends it",        "a\nEOF\x1A junk\nb\n",       "a\n|EOF"         },
+      {"ctrl-z ends it",        "a\n\x1A\x1A\r\nb\n",         "a\n"             },
+      {"ctrl-z at the end",     "a\nEOF\x1A\x1A",             "a\n|EOF"         },
+      {"ctrl-z in a text",
+       "a\nb\x1A"
+       "c\n\x1A"
+       "d\n",                                                 "a\n|b\x1A"
+       "c\n|\x1A"
+       "d\n"                                                       },
       {"utf-16 little endian",  "\377\3760\0\n\0\xAC\x20"s,   "0\n|\xE2\x82\xAC"},
       {"utf-16 big endian",     "\xFE\xFF\0000\0\n\x20\xAC"s, "0\n|\xE2\x82\xAC"},
       {"utf-16 pair",           "\xFF\xFE\x3D\xD8\x00\xDE"s,  "\xF0\x9F\x98\x80"},

@@ -8,8 +8,8 @@
 ///
 /// Reading by lines takes UTF-8 where a line is valid UTF-8 and Windows 1252
 /// otherwise, UTF-16 behind a byte order mark; a line ends at LF, CR LF or a lone
-/// CR (which arrives as LF); NULs are skipped and Ctrl-Z ends the file. Writing by
-/// lines encodes as `encodeLine` does.
+/// CR (which arrives as LF); NULs are skipped and Ctrl-Z on a line of its own ends the file.
+/// Writing by lines encodes as `encodeLine` does.
 ///
 /// Copies share the stream that was open when they were made: it ends for all of
 /// them with the first `close`, or with the last of them.
