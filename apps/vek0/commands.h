@@ -24,6 +24,7 @@ struct ReadOptions {
 /// What every command shares. One run of the tool has one.
 struct Session {
   bool quiet = false;
+  bool readsTwice = false;  ///< so what a pipe gives has to be kept in memory
   ReadOptions reading;
   int exitCode = kAllWell;
 

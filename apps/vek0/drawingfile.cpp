@@ -11,6 +11,7 @@ namespace vek0::tool {
 namespace {
 
 constexpr long kRead = 1;
+const char* const kStandardInput = "/dev/stdin";
 
 std::string readStandardInput() {
   std::string bytes;
@@ -21,10 +22,17 @@ std::string readStandardInput() {
   return bytes;
 }
 
-// Kept, because a drawing may be read twice.
-const std::string& standardInput() {
+// As large as the drawing, so only where that is read twice or the platform has no such file.
+std::unique_ptr<IFile> keptStandardInput() {
   static const std::string bytes = readStandardInput();
-  return bytes;
+  return std::make_unique<CFileMemory>(u"-", kRead, bytes);
+}
+
+std::unique_ptr<IFile> openStandardInput(bool isKept) {
+  auto direct = std::make_unique<CFileStdLib>(zim::WString::fromUtf8(kStandardInput), kRead);
+  if (isKept || !direct->open()) return keptStandardInput();
+  direct->close();
+  return direct;
 }
 
 using Reader = CFileDXFIResult (*)(CData&, IFile&, CFileDXFIError*, const CFileDXFIOptions&);
@@ -34,7 +42,7 @@ ReadResult readWith(Reader reader, CData& data, const std::string& path, const S
   ReadResult result;
   result.fault = inputFault(path);
   if (result.fault.kind) return result;
-  const std::unique_ptr<IFile> file = openForReading(path, session.quiet);
+  const std::unique_ptr<IFile> file = openForReading(path, session);
   CFileDXFIOptions options = readingOptions(session);
   options.report = &result.report;
   result.onPaper = options.policy.paperSpace;
@@ -77,11 +85,10 @@ const char* nameOf(CFileDXFIError::TDXFErrors kind) {
 
 }  // namespace
 
-std::unique_ptr<IFile> openForReading(const std::string& path, bool quiet) {
-  const zim::WString name = toName(toPath(path));
-  if (path == "-") return std::make_unique<CFileMemory>(name, kRead, standardInput());
-  auto file = std::make_unique<CFileStdLib>(name, kRead);
-  if (quiet || !ProgressFile::visible()) return file;
+std::unique_ptr<IFile> openForReading(const std::string& path, const Session& session) {
+  if (path == "-") return openStandardInput(session.readsTwice);
+  auto file = std::make_unique<CFileStdLib>(toName(toPath(path)), kRead);
+  if (session.quiet || !ProgressFile::visible()) return file;
   std::error_code failure;
   const auto size = std::filesystem::file_size(toPath(path), failure);
   if (failure) return file;
@@ -89,9 +96,9 @@ std::unique_ptr<IFile> openForReading(const std::string& path, bool quiet) {
 }
 
 std::uintmax_t sizeOf(const std::string& path) {
-  if (path == "-") return standardInput().size();
   std::error_code failure;
-  const std::uintmax_t size = std::filesystem::file_size(toPath(path), failure);
+  const std::uintmax_t size =
+      std::filesystem::file_size(toPath(path == "-" ? kStandardInput : path), failure);
   return failure ? 0 : size;
 }
 

@@ -36,8 +36,8 @@ struct ReadResult {
 Drawing newDrawing();
 
 /// The file `path` ("-": standard input), closed, with a progress bar for people unless
-/// `quiet`.
-std::unique_ptr<IFile> openForReading(const std::string& path, bool quiet);
+/// the session is quiet.
+std::unique_ptr<IFile> openForReading(const std::string& path, const Session& session);
 
 /// The bytes of the file; 0 when that cannot be told.
 std::uintmax_t sizeOf(const std::string& path);

@@ -34,6 +34,7 @@ void mergeOne(CData& base, const std::string& path, Session& session) {
 }
 
 void run(const ImportOptions& options, Session& session) {
+  session.readsTwice = true;
   rewrite(options.base, options.out, options.save, session, [&](CData& base, const ReadResult&) {
     for (const std::string& path : options.files) mergeOne(base, path, session);
     return true;

@@ -23,7 +23,9 @@ CStyle* StyleMaker::Notify(const zim::WString& styleName) {
 InputFault loadLinetypes(CLtypeLoader& loader, const std::string& path) {
   const InputFault fault = inputFault(path);
   if (fault.kind) return fault;
-  loader.Load(*openForReading(path, true));
+  Session quiet;
+  quiet.quiet = true;
+  loader.Load(*openForReading(path, quiet));
   switch (loader.GetStatus()) {
     case CLtypeLoader::Done:
       return {};

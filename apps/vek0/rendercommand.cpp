@@ -267,8 +267,14 @@ class Renderer {
     }
   }
 
-  // A layer's name without what file systems refuse.
+  // A layer's name without what file systems refuse; long ones are cut between letters.
   static std::string fileName(std::string name) {
+    constexpr std::size_t kMost = 100;  // of the 255 bytes that names usually may have
+    if (name.size() > kMost) {
+      std::size_t end = kMost;
+      while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80) --end;
+      name.resize(end);
+    }
     for (char& c : name) {
       if (static_cast<unsigned char>(c) < ' ' ||
           std::string("/\\:*?\"<>|").find(c) != std::string::npos) {

@@ -207,7 +207,7 @@ std::vector<double> segmentLengths(const std::string& content) {
   return lengths;
 }
 
-std::string line(const char* layer, double x1, double y1, double x2, double y2,
+std::string line(const std::string& layer, double x1, double y1, double x2, double y2,
                  const char* handle = "0") {
   std::ostringstream out;
   out << "0\nLINE\n5\n"
@@ -461,7 +461,9 @@ TEST_F(Render, LayersAreChosenByNameAndPattern) {
 }
 
 TEST_F(Render, SplitLayersWritesOneAlikePictureALayer) {
-  write("a.dxf", drawing(line("A/B", 0, 0, 100, 100) + line("C", 0, 0, 50, 0)));
+  const std::string longest(300, 'L');
+  write("a.dxf", drawing(line("A/B", 0, 0, 100, 100) + line("C", 0, 0, 50, 0) +
+                         line(longest + "1", 0, 0, 1, 0) + line(longest + "2", 0, 0, 1, 0)));
   ASSERT_EQ(run("render a.dxf --split-layers -o a.svg --size 240x240").code, 0);
   EXPECT_FALSE(fs::exists(path("a.svg")));
   EXPECT_FALSE(fs::exists(path("a-0.svg"))) << "nothing is on layer 0";
@@ -646,7 +648,9 @@ TEST_F(Render, TextsStayTextsOrBecomeOutlines) {
   EXPECT_EQ(outlines.count("text"), 0);
   EXPECT_EQ(outlines.byId("hA7")->attributes.at("fill-rule"), "nonzero");
   ASSERT_EQ(run("render a.dxf -o a.pdf").code, 0);
-  EXPECT_NE(contents(path("a.pdf")).find("/ToUnicode"), std::string::npos) << "can be searched";
+  const std::string pdf = contents(path("a.pdf"));
+  EXPECT_NE(pdf.find("/ToUnicode"), std::string::npos) << "can be searched";
+  EXPECT_EQ(pdf.find("/CreationDate"), std::string::npos) << "equal drawings give equal bytes";
 }
 
 TEST_F(Render, SaysWhatIsNotShown) {
