@@ -126,13 +126,13 @@ TEST(DxfLexer, ErrorsOfStructure) {
     int kind;
     long line;  // lines read until then
   } cases[] = {
-      {"empty code line",       "\nx\n",            5,  0},
-      {"empty with cr",         "\r\nx\n",          5,  0},
-      {"empty after a pair",    "0\nLINE\n\n8\n",   5,  2},
-      {"empty file",            "",                 13, 0},
-      {"end after a pair",      "0\nLINE\n",        13, 2},
-      {"end after a code",      "0\nLINE\n8\n",     13, 3},
-      {"end after a comment",   "999\nx\n",         13, 2},
+      {"empty code line",       "\nx\n",              5,  0},
+      {"empty with cr",         "\r\nx\n",            5,  0},
+      {"empty after a pair",    "0\nLINE\n\n8\n",     5,  2},
+      {"empty file",            "",                   13, 0},
+      {"end after a pair",      "0\nLINE\n",          13, 2},
+      {"end after a code",      "0\nLINE\n8\n",       13, 3},
+      {"end after a comment",   "999\nx\n",           13, 2},
       {"ctrl-z before the end", "0\nLINE\n\032\n0\n", 13, 2},
   };
   for (const auto& t : cases) {
