@@ -13,6 +13,7 @@
 #include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/entmovevisitor.h"
 
+using vek0::detail::BlockGraphEdge;
 using vek0::detail::BlockGraphItem;
 using vek0::detail::RankTree;
 
@@ -327,13 +328,13 @@ void CBlock::tellUsers() {
   while (!told.empty()) {
     const BlockGraphItem* item = told.back();
     told.pop_back();
-    for (const BlockGraphItem::User& user : item->users) {
-      CBlock& block = *user.item->block;
+    for (const BlockGraphEdge* edge = item->users; edge != nullptr; edge = edge->nextToTarget) {
+      CBlock& block = *edge->user->block;
       if (block.m_bdryStale) continue;
       ++block.m_edition;
       block.m_bdryStale = true;
       block.dirtyInserts();
-      if (std::exchange(block.m_bdryAsked, false)) told.push_back(user.item);
+      if (std::exchange(block.m_bdryAsked, false)) told.push_back(edge->user);
     }
   }
 }

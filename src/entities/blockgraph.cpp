@@ -14,28 +14,29 @@ using Mark = vek0::detail::BlockGraphItem::Mark;
 namespace {
 
 using Item = vek0::detail::BlockGraphItem;
+using Edge = vek0::detail::BlockGraphEdge;
 
-// An item that a visit has entered, and how many of its edges it has followed.
+// An item that a visit has entered, and the next of its edges to follow.
 struct Entered {
   Item* item;
-  std::size_t edge;
+  const Edge* edge;
 };
 
 // Follows one more edge of the innermost item, or applies `op` when there is none.
 int visitStep(std::vector<Entered>& stack, IBlockOperation& op) {
   Entered& top = stack.back();
-  if (top.edge == top.item->edges.size()) {
+  if (top.edge == nullptr) {
     Item& item = *top.item;
     stack.pop_back();
     const int result = op.doOperation(*item.block);
     item.mark = Mark::done;
     return result;
   }
-  Item* target = top.item->edges[top.edge++].target;
+  Item* target = std::exchange(top.edge, top.edge->nextOfUser)->target;
   if (target == nullptr || target->mark == Mark::done) return ZORA_BLOCK_VISIT_RESULT_SUCCESS;
   if (target->mark == Mark::entered) return ZORA_BLOCK_VISIT_RESULT_CYCLE;
   target->mark = Mark::entered;
-  stack.push_back({target, 0});
+  stack.push_back({target, target->edges});
   return ZORA_BLOCK_VISIT_RESULT_SUCCESS;
 }
 
@@ -67,7 +68,7 @@ void CBlockGraph::addBlock(CBlock& block, const CBlock* next) {
 int CBlockGraph::RemoveBlock(CBlock& block) {
   Item* item = find(block);
   if (item == nullptr) return 0;
-  if (!item->users.empty()) {
+  if (item->users != nullptr) {
     m_items.splice(m_items.end(), m_items, item->place);
     return 1;
   }
@@ -82,16 +83,17 @@ void CBlockGraph::dropBlock(CBlock& block) {
   m_absent.splice(m_absent.end(), m_items, item->place);
   item->isPresent = false;
   item->mark = Mark::done;
-  if (item->users.empty()) erase(*item);
+  if (item->users == nullptr) erase(*item);
 }
 
 // The block is about to be deleted.
 void CBlockGraph::forget(CBlock& block) {
   dropBlock(block);
-  if (block.m_item == nullptr) return;  // nothing inserts it
-  // The users' edges keep their places, which others know.
-  for (const Item::User& user : block.m_item->users) user.item->edges[user.place].target = nullptr;
-  erase(*block.m_item);
+  Item* item = block.m_item;
+  if (item == nullptr) return;  // nothing inserts it
+  // The edges stay with their users, where finding them takes a search.
+  for (Edge* edge = item->users; edge != nullptr; edge = edge->nextToTarget) edge->target = nullptr;
+  erase(*item);
 }
 
 // Of an absent block.
@@ -118,7 +120,7 @@ int CBlockGraph::VisitUndep(IBlockOperation& op) const {
   for (const auto& item : m_items) {
     if (item->mark != Mark::open) continue;
     item->mark = Mark::entered;
-    stack.push_back({item.get(), 0});
+    stack.push_back({item.get(), item->edges});
     while (!stack.empty()) {
       const int result = visitStep(stack, op);
       if (result != ZORA_BLOCK_VISIT_RESULT_SUCCESS) return result;
@@ -168,20 +170,18 @@ bool CBlockGraph::contains(const CBlock& block) const { return find(block) != nu
 std::vector<CBlock*> CBlockGraph::getEdges(const CBlock& block) const {
   std::vector<CBlock*> blocks;
   if (const Item* item = find(block))
-    for (const Item::Edge& edge : item->edges)
-      if (edge.target != nullptr && edge.target->isPresent) blocks.push_back(edge.target->block);
+    for (const Edge* edge = item->edges; edge != nullptr; edge = edge->nextOfUser)
+      if (edge->target != nullptr && edge->target->isPresent) blocks.push_back(edge->target->block);
   return blocks;
 }
 
-std::size_t CBlockGraph::getNoUsers(const CBlock& block) const {
-  const Item* item = find(block);
-  return item != nullptr ? item->users.size() : 0;
-}
+std::size_t CBlockGraph::getNoUsers(const CBlock& block) const { return getUsers(block).size(); }
 
 std::vector<CBlock*> CBlockGraph::getUsers(const CBlock& block) const {
   std::vector<CBlock*> blocks;
   if (const Item* item = find(block))
-    for (const Item::User& user : item->users) blocks.push_back(user.item->block);
+    for (const Edge* edge = item->users; edge != nullptr; edge = edge->nextToTarget)
+      blocks.push_back(edge->user->block);
   return blocks;
 }
 
@@ -253,8 +253,8 @@ bool CBlockGraph::leadsTo(const std::vector<Item*>& from, const Item& to) const 
     if (item == &to) return true;
     if (item->collected == m_collections) continue;
     item->collected = m_collections;
-    for (const Item::Edge& edge : item->edges)
-      if (edge.target != nullptr) found.push_back(edge.target);
+    for (const Edge* edge = item->edges; edge != nullptr; edge = edge->nextOfUser)
+      if (edge->target != nullptr) found.push_back(edge->target);
   }
   return false;
 }
@@ -269,27 +269,31 @@ bool CBlockGraph::makeWay(Item& user, const std::vector<Item*>& targets) const {
 
 // The new edges come before the old ones go, so that an absent target of both stays.
 void CBlockGraph::replaceEdges(Item& item, const std::vector<Item*>& targets) const {
-  const std::vector<Item::Edge> old = std::exchange(item.edges, {});
-  item.edges.reserve(targets.size());
+  const Edge* old = std::exchange(item.edges, nullptr);
+  Edge** end = &item.edges;
   for (Item* target : targets) {
-    target->users.push_back({&item, item.edges.size()});
-    item.edges.push_back({target, target->users.size() - 1});
+    Edge* edge = *end = new Edge{&item, target};
+    end = &edge->nextOfUser;
+    edge->nextToTarget = target->users;
+    if (target->users != nullptr) target->users->previousToTarget = edge;
+    target->users = edge;
+    m_order->connect(item, *target);
   }
-  for (const Item::Edge& edge : old) cutEdge(edge);
+  while (old != nullptr) cutEdge(*std::exchange(old, old->nextOfUser));
   if (!m_isOrdered) orderAll();
   item.block->invalidateBdry();
 }
 
-void CBlockGraph::cutEdge(const Item::Edge& edge) const {
+// Deletes the edge, which is out of its user's list already.
+void CBlockGraph::cutEdge(const Edge& edge) const {
+  const std::unique_ptr<const Edge> owned(&edge);
   if (edge.target == nullptr) return;
   m_order->forgetHubs();
-  std::vector<Item::User>& users = edge.target->users;
-  if (edge.place + 1 != users.size()) {
-    users[edge.place] = users.back();
-    users[edge.place].item->edges[users[edge.place].place].place = edge.place;
-  }
-  users.pop_back();
-  if (users.empty() && !edge.target->isPresent) erase(*edge.target);
+  Edge* next = edge.nextToTarget;
+  Edge* previous = edge.previousToTarget;
+  if (next != nullptr) next->previousToTarget = previous;
+  (previous != nullptr ? previous->nextToTarget : edge.target->users) = next;
+  if (edge.target->users == nullptr && !edge.target->isPresent) erase(*edge.target);
 }
 
 // Tries to order the blocks anew. A pass over the graph at every change, but only while

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <list>
 #include <memory>
-#include <vector>
+#include <utility>
 
 class CBlock;
 class CBlockGraph;
@@ -13,25 +13,33 @@ namespace vek0::detail {
 
 struct BlockGraphItem;
 
+/// One of an item's edges, in the lists of both of its ends: it is made and cut without a
+/// search, and nothing has to be moved for it.
 struct BlockGraphEdge {
-  BlockGraphItem* target;  // null once the target is deleted
-  std::size_t place;       // in the target's users
+  BlockGraphItem* user;
+  BlockGraphItem* target;                  // null once the target is deleted
+  BlockGraphEdge* nextOfUser = nullptr;    // in order of the user's inserts
+  BlockGraphEdge* nextToTarget = nullptr;  // in no order
+  BlockGraphEdge* previousToTarget = nullptr;
 };
 
-/// A block in its graph. Every edge stands at both of its ends, and each end knows
-/// where the other is, so cutting one costs no search.
+/// A block in its graph.
 ///
 /// A block that blocks of the graph insert, and that is not in the graph itself, has an
 /// item too, so that the edges to it are there when it comes (back). It has no edges of
 /// its own, and visits pass it over.
-/// What a search looks at is in the first 64 bytes, and what a change of edges needs in the
-/// next: in large graphs, fetching them from memory is most of the time.
-struct alignas(64) BlockGraphItem {
+/// All that a search looks at is in the first 64 bytes: in large graphs, fetching them from
+/// memory is most of the time. Processors fetch the other half along with them.
+struct alignas(128) BlockGraphItem {
   using Edge = BlockGraphEdge;
-  struct User {
-    BlockGraphItem* item;
-    std::size_t place;  // in the user's edges
-  };
+
+  BlockGraphItem() = default;
+  BlockGraphItem(const BlockGraphItem&) = delete;
+  BlockGraphItem& operator=(const BlockGraphItem&) = delete;
+  ~BlockGraphItem() {
+    for (const Edge* edge = edges; edge != nullptr;) delete std::exchange(edge, edge->nextOfUser);
+  }
+
   enum class Mark : char { open, entered, done };
 
   // What BlockOrder keeps: the place in the order,
@@ -45,18 +53,18 @@ struct alignas(64) BlockGraphItem {
   std::uint64_t hubsBelow = 0;
   std::uint64_t hubsAbove = 0;
   std::uint64_t hubsEra = 0;
-  std::vector<Edge> edges;  // in order of the block's inserts
-  std::vector<User> users;  // in no order
+  Edge* edges = nullptr;  // those from the item, and
+  Edge* users = nullptr;  // those to it
 
   CBlock* block = nullptr;
   CBlockGraph* graph = nullptr;
   std::uint64_t collected = 0;  // number of the last collection of distinct items
-  Mark mark = Mark::done;       // of a visit
-  bool isPresent = false;       // in the graph, see above
   // The neighbours in the order, and the place in the graph's list.
   BlockGraphItem* before = nullptr;
   BlockGraphItem* after = nullptr;
   std::list<std::unique_ptr<BlockGraphItem>>::iterator place;
+  Mark mark = Mark::done;  // of a visit
+  bool isPresent = false;  // in the graph, see above
 };
 
 }  // namespace vek0::detail

@@ -8,7 +8,7 @@ namespace {
 using Item = BlockGraphItem;
 
 constexpr std::uint64_t kLabels = std::uint64_t{1} << 62;  // labels are below
-constexpr std::uint64_t kStep = std::uint64_t{1} << 24;    // between labels at the ends
+constexpr std::uint64_t kStep = std::uint64_t{1} << 40;    // between labels at the ends
 
 bool isFirst(const Item* a, const Item* b) { return a->label < b->label; }
 
@@ -22,16 +22,17 @@ void push(std::vector<Live>& heap, const Live& live, Compare compare) {
   std::push_heap(heap.begin(), heap.end(), compare);
 }
 
-// The next neighbour of the first item, which leaves the heap with its last one.
-template <class Live, class Neighbour, class Compare>
-const Neighbour& follow(std::vector<Live>& heap, const std::vector<Neighbour>& neighbours,
-                        Compare compare) {
-  const Neighbour& next = neighbours[heap.front().followed++];
-  if (heap.front().followed == neighbours.size()) {
+// The next edge of the first item, which leaves the heap with its last one.
+template <class Live, class Compare>
+const BlockGraphEdge& follow(std::vector<Live>& heap, BlockGraphEdge* BlockGraphEdge::*list,
+                             Compare compare) {
+  const BlockGraphEdge& edge = *heap.front().next;
+  heap.front().next = edge.*list;
+  if (heap.front().next == nullptr) {
     std::pop_heap(heap.begin(), heap.end(), compare);
     heap.pop_back();
   }
-  return next;
+  return edge;
 }
 
 }  // namespace
@@ -52,6 +53,10 @@ void BlockOrder::insertAfter(Item& place, Item& item) {
   item.label = low + half;
   if (low != 0 && high == kLabels) item.label = low + std::min(half, kStep);
   if (low == 0 && high != kLabels) item.label = high - std::min(half, kStep);
+  link(place, item);
+}
+
+void BlockOrder::link(Item& place, Item& item) {
   item.before = &place;
   item.after = place.after;
   place.after = item.after->before = &item;
@@ -103,9 +108,10 @@ bool BlockOrder::meetDown(Item& item, Item* from) {
   item.seen = 2 * m_search + down;
   item.metFrom = from;
   m_down.push_back(&item);
-  if (!item.edges.empty()) push(m_downLive, {item.label, &item, 0}, kLowest);
+  if (item.edges != nullptr) push(m_downLive, {item.label, item.edges}, kLowest);
   touchHubs(item);
   m_hubsBelowDown |= item.hubsBelow;
+  learn(from, nullptr, item.hubsBelow);
   return isHubBetween();
 }
 
@@ -115,38 +121,25 @@ bool BlockOrder::meetUp(Item& item, Item* from) {
   item.seen = 2 * m_search + up;
   item.metFrom = from;
   m_up.push_back(&item);
-  if (!item.users.empty()) push(m_upLive, {item.label, &item, 0}, kHighest);
+  if (item.users != nullptr) push(m_upLive, {item.label, item.users}, kHighest);
   touchHubs(item);
   m_hubsAboveUp |= item.hubsAbove;
+  learn(nullptr, from, item.hubsAbove);
   return isHubBetween();
 }
 
 bool BlockOrder::stepDown() {
-  Item& item = *m_downLive.front().item;
-  Item* next = follow(m_downLive, item.edges, kLowest).target;
-  if (next == nullptr) return false;
-  if (!isMet(*next, up)) return meetDown(*next, &item);
-  learnHub(item, *next);
+  const BlockGraphEdge& edge = follow(m_downLive, &BlockGraphEdge::nextOfUser, kLowest);
+  if (edge.target == nullptr) return false;
+  if (!isMet(*edge.target, up)) return meetDown(*edge.target, edge.user);
+  learnHub(*edge.user, *edge.target);
   return true;
 }
 
 bool BlockOrder::stepUp() {
-  Item& item = *m_upLive.front().item;
-  Item* next = follow(m_upLive, item.users, kHighest).item;
-  if (!isMet(*next, down)) return meetUp(*next, &item);
-  learnHub(*next, item);
-  return true;
-}
-
-bool BlockOrder::isHubBetween() {
-  const std::uint64_t hubs = m_hubsBelowDown & m_hubsAboveUp;
-  if (hubs == 0) return false;
-  const auto above = std::find_if(m_down.begin(), m_down.end(),
-                                  [&](const Item* item) { return (item->hubsBelow & hubs) != 0; });
-  const std::uint64_t known = (*above)->hubsBelow & hubs;
-  const auto below = std::find_if(m_up.begin(), m_up.end(),
-                                  [&](const Item* item) { return (item->hubsAbove & known) != 0; });
-  learn(*above, *below, known & (*below)->hubsAbove);
+  const BlockGraphEdge& edge = follow(m_upLive, &BlockGraphEdge::nextToTarget, kHighest);
+  if (!isMet(*edge.user, down)) return meetUp(*edge.user, edge.target);
+  learnHub(*edge.user, *edge.target);
   return true;
 }
 
@@ -156,16 +149,20 @@ void BlockOrder::learnHub(Item& above, Item& below) {
   learn(&above, &below, std::uint64_t{1} << m_noHubs++);
 }
 
-// Writes down that the way to `above` leads to the hubs, and these to the way from `below`.
+// Writes down that the way to `above` leads to the hubs, and these to the way from `below`,
+// up to where that is known. So every step pays for news alone.
 void BlockOrder::learn(Item* above, Item* below, std::uint64_t hubs) {
-  for (; above != nullptr; above = above->metFrom) {
-    touchHubs(*above);
+  for (; above != nullptr && (hubs & ~above->hubsBelow) != 0; above = above->metFrom)
     above->hubsBelow |= hubs;
-  }
-  for (; below != nullptr; below = below->metFrom) {
-    touchHubs(*below);
+  for (; below != nullptr && (hubs & ~below->hubsAbove) != 0; below = below->metFrom)
     below->hubsAbove |= hubs;
-  }
+}
+
+void BlockOrder::connect(Item& user, Item& target) const {
+  touchHubs(user);
+  touchHubs(target);
+  user.hubsBelow |= target.hubsBelow;
+  target.hubsAbove |= user.hubsAbove;
 }
 
 void BlockOrder::touchHubs(Item& item) const {
@@ -182,19 +179,35 @@ void BlockOrder::forgetHubs() {
 // What was met from above goes behind the user, and what was met from below before that:
 // to where the two searches passed each other.
 void BlockOrder::settle() {
-  Item* const middle = m_downLive.empty() ? m_user : m_downLive.front().item;
+  Item* const middle = m_downLive.empty() ? m_user : m_downLive.front().next->user;
   std::erase_if(m_down, [&](const Item* item) { return !isFirst(item, middle); });
   std::erase_if(m_up, [&](const Item* item) { return !isFirst(middle, item); });
   std::sort(m_down.begin(), m_down.end(), isFirst);
   std::sort(m_up.begin(), m_up.end(), isFirst);
   for (Item* item : m_down) remove(*item);
   for (Item* item : m_up) remove(*item);
-  Item* place = middle == m_user ? m_user : middle->before;
-  for (const std::vector<Item*>* items : {&m_up, &m_down}) {
-    for (Item* item : *items) {
-      insertAfter(*place, *item);
-      place = item;
+  Item& place = middle == m_user ? *m_user : *middle->before;
+  m_up.insert(m_up.end(), m_down.begin(), m_down.end());
+  insertAllAfter(place, m_up);
+}
+
+// Spread evenly: one by one, each would take half of the room that the one before has left.
+void BlockOrder::insertAllAfter(Item& place, const std::vector<Item*>& items) {
+  const bool isFront = &place == &m_ends;
+  const std::uint64_t low = isFront ? 0 : place.label;
+  const std::uint64_t high = place.after == &m_ends ? kLabels : place.after->label;
+  const std::uint64_t step = std::min((high - low) / (items.size() + 1), kStep);
+  // In front of all they stand next to what follows, which leaves the room to `addFirst`.
+  std::uint64_t label = isFront ? high - step * (items.size() + 1) : low;
+  Item* last = &place;
+  for (Item* item : items) {
+    if (step == 0) {
+      insertAfter(*last, *item);
+    } else {
+      link(*last, *item);
+      item->label = label += step;
     }
+    last = item;
   }
 }
 

@@ -37,29 +37,32 @@ class BlockOrder {
   /// since which nothing has changed. Costs no more than that search.
   void settle();
 
+  /// Tells of a new edge, so that what is known of hubs spreads along it.
+  void connect(BlockGraphItem& user, BlockGraphItem& target) const;
   /// Tells that edges have gone, after which what is known of hubs may be wrong.
   void forgetHubs();
 
  private:
   using Item = BlockGraphItem;
   enum Side : std::uint64_t { down, up };
-  // An item with neighbours to follow, and how many of them have been.
+  // An item with edges to follow, and the next of them.
   struct Live {
     std::uint64_t label;
-    Item* item;
-    std::size_t followed;
+    const BlockGraphEdge* next;
   };
 
+  static void link(Item& place, Item& item);
   void insertAfter(Item& place, Item& item);
+  void insertAllAfter(Item& place, const std::vector<Item*>& items);
   void relabel(Item& around);
   bool isMet(const Item& item, Side side) const { return item.seen == 2 * m_search + side; }
   bool meetDown(Item& item, Item* from);
   bool meetUp(Item& item, Item* from);
   bool stepDown();
   bool stepUp();
-  bool isHubBetween();
+  bool isHubBetween() const { return (m_hubsBelowDown & m_hubsAboveUp) != 0; }
   void learnHub(Item& above, Item& below);
-  void learn(Item* above, Item* below, std::uint64_t hubs);
+  static void learn(Item* above, Item* below, std::uint64_t hubs);
   void touchHubs(Item& item) const;
 
   Item m_ends;  // before the first and after the last
