@@ -339,8 +339,7 @@ std::uint64_t parseHex(std::u16string_view text) { return parseHexOf(text); }
 
 char* formatFixed(char* out, double value) {
   if (!std::isfinite(value)) value = 0;
-  constexpr double kHalfMillionth = 5e-7;  // a little below the half, which rounds to even: 0
-  if (value < -kHalfMillionth) *out++ = '-';
+  if (std::signbit(value)) *out++ = '-';
   return putFixed(out, std::fabs(value));
 }
 

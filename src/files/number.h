@@ -46,9 +46,10 @@ inline constexpr std::size_t kFixedRoom = 320;    ///< formatFixed
 inline constexpr std::size_t kShortestRoom = 32;  ///< formatShortest
 inline constexpr std::size_t kIntegerRoom = 20;   ///< formatInteger and formatHex
 
-/// Writes `value` with six decimals, rounded half to even from its exact value,
-/// never with an exponent and never as "-0.000000"; numbers that are not finite as
-/// 0. Returns the end of what was written, as do the functions below.
+/// Writes `value` with six decimals as "%.6f" of the C library does: rounded half to
+/// even from its exact value, never with an exponent, the sign kept even where all
+/// digits are 0; numbers that are not finite as 0. Returns the end of what was written,
+/// as do the functions below.
 VEK0_API char* formatFixed(char* out, double value);
 
 /// Writes the fewest digits that read back as exactly `value` (whole numbers show all

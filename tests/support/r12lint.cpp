@@ -153,7 +153,8 @@ class Lint {
     const double value = std::strtod(pair.value.c_str(), &end);
     if (pair.value.empty() || *end != '\0' || !std::isfinite(value))
       complain(pair.line, "not a real number: " + pair.value);
-    if (value == 0 && pair.value.front() == '-') complain(pair.line, "a negative zero");
+    if (m_exchange && value == 0 && pair.value.front() == '-')
+      complain(pair.line, "a negative zero");
   }
 
   void checkInteger(const Pair& pair) {
