@@ -123,13 +123,15 @@ std::string ReadResult::message() const {
 }
 
 std::string ReadResult::elsewhere() const {
-  long count = 0;
+  long counts[2] = {0, 0};  // in the other space; on sheets that no option shows
   for (const CFileReport::Entry& entry : report.entries())
-    if (entry.code == std::string_view("on paper") && entry.sample.empty()) count += entry.count;
+    if (entry.code == std::string_view("on paper")) counts[!entry.sample.empty()] += entry.count;
+  const long count = counts[0] > 0 ? counts[0] : counts[1];
   if (count == 0) return {};
-  return std::to_string(count) + (count == 1 ? " entity is " : " entities are ") +
-         (onPaper ? "in model space, which is shown without --paper-space"
-                  : "on a sheet, which --paper-space shows");
+  const char* where = "on other sheets, which are not read; --paper-space shows the current one";
+  if (counts[0] > 0 && onPaper) where = "in model space, which is shown without --paper-space";
+  if (counts[0] > 0 && !onPaper) where = "on a sheet, which --paper-space shows";
+  return std::to_string(count) + (count == 1 ? " entity is " : " entities are ") + where;
 }
 
 CFileDXFIOptions readingOptions(const Session& session) {

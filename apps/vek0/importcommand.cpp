@@ -27,7 +27,11 @@ bool canBeLoaded(const std::string& path, const Session& session, std::string& m
 void mergeOne(CData& base, const std::string& path, Session& session) {
   std::string message;
   const bool good = canBeLoaded(path, session, message);
-  if (good) message = importFile(base, path, session).message();
+  if (good) {
+    const ReadResult result = importFile(base, path, session);
+    message = result.message();
+    tellLosses(path, result, session);
+  }
   if (message.empty()) return;
   Session::complain(path + ": " + message + (good ? "" : " It is left out."));
   session.failed(kDrawingFailed);

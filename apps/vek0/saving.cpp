@@ -43,6 +43,12 @@ bool save(const CData& data, OutputFile& output, const SaveOptions& options, Ses
 
 }  // namespace
 
+void tellLosses(const std::string& in, const ReadResult& result, const Session& session) {
+  const std::string losses = lossesToText(result.report);
+  if (!session.quiet && !losses.empty())
+    Session::complain(in + ": what is written will lack or change:", losses);
+}
+
 std::uintmax_t rewrite(const std::string& in, const std::string& out, const SaveOptions& options,
                        Session& session,
                        const std::function<bool(CData&, const ReadResult&)>& change) {
@@ -59,9 +65,7 @@ std::uintmax_t rewrite(const std::string& in, const std::string& out, const Save
     session.failed(kDrawingFailed);
     return 0;
   }
-  const std::string losses = lossesToText(result.report);
-  if (!session.quiet && !losses.empty())
-    Session::complain(in + ": what is written will lack or change:", losses);
+  tellLosses(in, result, session);
   return change(*data, result) && save(*data, output, options, session) ? output.size() : 0;
 }
 

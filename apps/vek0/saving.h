@@ -26,6 +26,9 @@ struct SaveOptions {
 
 void addSaveOptions(CLI::App& verb, SaveOptions& options);
 
+/// Warns of what reading `in` has lost or changed, unless nothing is to be said.
+void tellLosses(const std::string& in, const ReadResult& result, const Session& session);
+
 /// What every command that writes a drawing does: loads `in`, lets `change` work on the
 /// drawing (told what reading gave), saves it as `out`. Complains and sets the exit code when
 /// one of them fails (`change` says by its answer whether to go on), and warns of what could not

@@ -87,8 +87,8 @@ class Work {
   }
 
  private:
-  void say(const std::string& message) const {
-    if (!m_session.quiet) Session::complain(message);
+  void say(const std::string& message, const std::string& details = "") const {
+    if (!m_session.quiet) Session::complain(message, details);
   }
   bool fail(const std::string& message) {
     Session::complain(message);
@@ -97,7 +97,7 @@ class Work {
   }
 
   void tellFailures() const {
-    if (m_reader.failures() > 0) say("not every reference is shown:\n" + m_reader.failuresToText());
+    if (m_reader.failures() > 0) say("not every reference is shown:", m_reader.failuresToText());
   }
 
   void resolve(const char* what) {
@@ -105,7 +105,7 @@ class Work {
     tellFailures();
     for (const auto& [name, report] : m_reader.readings()) {
       const std::string losses = lossesToText(report);
-      if (!losses.empty()) say(name + ": " + what + ":\n" + losses);
+      if (!losses.empty()) say(name + ": " + what + ":", losses);
     }
   }
 

@@ -660,7 +660,12 @@ TEST_F(Render, SaysWhatIsNotShown) {
   write("b.dxf", drawing(line("A", 0, 0, 1, 1) + "67\n1\n"));
   const Outcome sheet = run("render b.dxf -o b.svg");
   EXPECT_EQ(sheet.code, 0);
-  EXPECT_NE(sheet.err.find("--paper-space"), std::string::npos) << sheet.err;
+  EXPECT_NE(sheet.err.find("1 entity is on a sheet, which --paper-space shows"), std::string::npos)
+      << sheet.err;
+  write("c.dxf", "0\nSECTION\n2\nBLOCKS\n0\nBLOCK\n2\n*Paper_Space0\n" + line("A", 0, 0, 1, 1) +
+                     "0\nENDBLK\n0\nENDSEC\n0\nEOF\n");
+  const Outcome other = run("render c.dxf -o c.svg");
+  EXPECT_NE(other.err.find("1 entity is on other sheets"), std::string::npos) << other.err;
 }
 
 // What is hidden or never printed is not to shrink the picture, nor to coarsen its arcs.
