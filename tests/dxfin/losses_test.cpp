@@ -5,53 +5,51 @@
 
 using namespace vek0::test;
 
+namespace {
+
+void expectCount(const char* code, long count, const std::string& text) {
+  SCOPED_TRACE(text);
+  const Loaded got = loadText(text + dxf(), CFileDXFIPolicy::forAnyFile());
+  EXPECT_EQ(got.result.status, CFileDXFIResult::Done);
+  EXPECT_EQ(got.report.count(code), count);
+}
+
+}  // namespace
+
 TEST(Losses, AreToldUnlessNothingIsLost) {
-  const auto header = [](const char* list) { return section("HEADER", pairsOf(list)); };
-  const auto objects = [](const char* list) { return section("OBJECTS", pairsOf(list)); };
-  const auto tableOf = [](const char* name, const char* list) {
+  const auto header = [](const std::string& list) { return section("HEADER", pairsOf(list)); };
+  const auto objects = [](const std::string& list) { return section("OBJECTS", pairsOf(list)); };
+  const auto tableOf = [](const char* name, const std::string& list) {
     return section("TABLES", table(name, pairsOf(list)));
   };
-  const auto entities = [](const char* list) { return section("ENTITIES", pairsOf(list)); };
+  const auto entities = [](const std::string& list) { return section("ENTITIES", pairsOf(list)); };
   const std::string line = "0 LINE|8 A|10 0|20 0|11 1|21 1|";
   const std::string layout = "0 LAYOUT|5 A|100 AcDbPlotSettings|1 p|100 AcDbLayout|1 ";
   const std::string hatch =
       "0 HATCH|8 A|2 SOLID|70 1|91 1|92 2|72 0|73 1|93 3|10 0|20 0|10 1|20 0|"
       "10 1|20 1|97 0|75 0|76 1|98 0|450 ";
-  const struct {
-    std::string text;
-    const char* code;
-    long count;
-  } cases[] = {
-      {header("9 $INSUNITS|70 0|9 $MEASUREMENT|70 0|9 $LUNITS|70 2"),           "unit dropped",                              0                                                      },
-      {header("9 $INSUNITS|70 4|9 $MEASUREMENT|70 1|9 $LUNITS|70 4"),           "unit dropped",                              3                                                      },
-      {header("9 $FILLMODE|70 1|9 $INSBASE|10 0|20 0|30 0"),                    "setting dropped",                           0                                                      },
-      {header("9 $FILLMODE|70 0|9 $INSBASE|10 0|20 1|30 0"),                    "setting dropped",                           2                                                      },
-      {objects("0 GROUP|5 A|300 g|0 DICTIONARY|5 B|0 GROUP|5 C"),               "group dropped",                             2                                                      },
-      {objects((layout + "Model|" + layout + "Layout12").c_str()),              "layout dropped",                            0                                                      },
-      {entities((line + "67 1").c_str()) + objects((layout + "Model").c_str()), "layout dropped",
-       0                                                                                                                                                                            },
-      {objects((layout + "Plan A3").c_str()),                                   "layout dropped",                            1                                                      },
-      {tableOf("DIMSTYLE",                                                      "0 DIMSTYLE|2 Standard|40 1|41 0.18|270 2"), "dimension style dropped",
-       0},
-      {tableOf("DIMSTYLE",                                                                       "0 DIMSTYLE|2 Standard|41 2.5|0 DIMSTYLE|2 ISO"),
-       "dimension style dropped",                                  2},
-      {tableOf("LAYER",                                                                      "0 LAYER|2 A|370 -3|290 1"),                                                                                                                 "code dropped",                                                                                                                         0},
-      {tableOf("LAYER",                                                         "0 LAYER|2 A|370 25|0 LAYER|2 B|290 0"),"code dropped",2},
-      {entities((line + "370 -1|48 1|39 0|60 0").c_str()),"code dropped",                   0                                                                                                                                                       },
-      {entities((line + "370 25|48 2|39 3|440 33554559").c_str()),                      "code dropped",                                                                            4                                                                                                               },
-      {entities((line + "67 1").c_str()),              "on paper",                      1},
-      {entities("0 INSERT|8 A|2 B|10 0|20 0|70 -1"),                                       "flags replaced",                                                           0                                                                                           },
-      {entities("0 INSERT|8 A|2 B|10 0|20 0|70 -1"),                            "number replaced",                 1            },
-      {entities((hatch + "0").c_str()),                            "gradient dropped",                           0                                                                },
-      {entities((hatch + "1").c_str()),                                         "gradient dropped",                                       1                                                                  },
-      {entities("0 MTEXT|8 A|1 T|10 0|20 0|40 1|90 1"),                                         "text background dropped",                          1                                         },
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.text);
-    const Loaded got = loadText(t.text + dxf(), CFileDXFIPolicy::forAnyFile());
-    EXPECT_EQ(got.result.status, CFileDXFIResult::Done);
-    EXPECT_EQ(got.report.count(t.code), t.count);
-  }
+  expectCount("unit dropped", 0, header("9 $INSUNITS|70 0|9 $MEASUREMENT|70 0|9 $LUNITS|70 2"));
+  expectCount("unit dropped", 3, header("9 $INSUNITS|70 4|9 $MEASUREMENT|70 1|9 $LUNITS|70 4"));
+  expectCount("setting dropped", 0, header("9 $FILLMODE|70 1|9 $INSBASE|10 0|20 0|30 0"));
+  expectCount("setting dropped", 2, header("9 $FILLMODE|70 0|9 $INSBASE|10 0|20 1|30 0"));
+  expectCount("group dropped", 2, objects("0 GROUP|5 A|300 g|0 DICTIONARY|5 B|0 GROUP|5 C"));
+  expectCount("layout dropped", 0, objects(layout + "Model|" + layout + "Layout12"));
+  expectCount("layout dropped", 0, entities(line + "67 1") + objects(layout + "Model"));
+  expectCount("layout dropped", 1, objects(layout + "Plan A3"));
+  expectCount("dimension style dropped", 0,
+              tableOf("DIMSTYLE", "0 DIMSTYLE|2 Standard|40 1|41 0.18|270 2"));
+  expectCount("dimension style dropped", 2,
+              tableOf("DIMSTYLE", "0 DIMSTYLE|2 Standard|41 2.5|0 DIMSTYLE|2 ISO"));
+  expectCount("code dropped", 0, tableOf("LAYER", "0 LAYER|2 A|370 -3|290 1"));
+  expectCount("code dropped", 2, tableOf("LAYER", "0 LAYER|2 A|370 25|0 LAYER|2 B|290 0"));
+  expectCount("code dropped", 0, entities(line + "370 -1|48 1|39 0|60 0"));
+  expectCount("code dropped", 4, entities(line + "370 25|48 2|39 3|440 33554559"));
+  expectCount("on paper", 1, entities(line + "67 1"));
+  expectCount("flags replaced", 0, entities("0 INSERT|8 A|2 B|10 0|20 0|70 -1"));
+  expectCount("number replaced", 1, entities("0 INSERT|8 A|2 B|10 0|20 0|70 -1"));
+  expectCount("gradient dropped", 0, entities(hatch + "0"));
+  expectCount("gradient dropped", 1, entities(hatch + "1"));
+  expectCount("text background dropped", 1, entities("0 MTEXT|8 A|1 T|10 0|20 0|40 1|90 1"));
 }
 
 // A layout of a usual name counts when something stands on its sheet.
