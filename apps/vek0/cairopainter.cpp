@@ -30,6 +30,23 @@ constexpr double kMaxPixels = 150e6;  // an A0 sheet at 300 pixels an inch
 // of a solid hatch have to stay together, or the background shines through their seams.
 constexpr std::size_t kStrokePoints = 512, kFillPoints = 1 << 16;
 
+// What clipping may cost a picture, in pixels of groups at about 8 ns: some seconds. A row of a
+// group takes as long as that many pixels for each corner of the boundary.
+constexpr double kMostClipPixels = 400e6, kPixelsPerCorner = 16;
+
+// Rectangles along the axes, which Cairo clips to at no cost.
+bool isUpright(const PNT_2D* points, std::size_t count) {
+  constexpr double kNone = 1e-6;
+  if (count < 3) return true;
+  bool sides[2][2] = {};  // whether the even or odd ones lead along x, along y
+  for (std::size_t i = 0; i < count; ++i) {
+    const PNT_2D step = points[(i + 1) % count] - points[i];
+    sides[i % 2][0] = sides[i % 2][0] || std::fabs(step.x) > kNone;
+    sides[i % 2][1] = sides[i % 2][1] || std::fabs(step.y) > kNone;
+  }
+  return count == 4 && !(sides[0][0] && sides[0][1]) && !(sides[1][0] && sides[1][1]);
+}
+
 cairo_status_t writeTo(void* file, const unsigned char* bytes, unsigned length) {
   const bool good = static_cast<IFile*>(file)->writeBytes(reinterpret_cast<const char*>(bytes),
                                                           static_cast<long>(length));
@@ -113,7 +130,8 @@ CairoPainter::CairoPainter(Kind kind, IFile& file, const SHEET& sheet, FontLibra
       m_kind(kind),
       m_file(file),
       m_surface(makeSurface(kind, file, sheet)),
-      m_context(cairo_create(m_surface.get())) {
+      m_context(cairo_create(m_surface.get())),
+      m_clipPixels(kMostClipPixels) {
   cairo_t* context = m_context.get();
   if (kind == Pdf) cairo_scale(context, pointsPerUnit(sheet), pointsPerUnit(sheet));
   cairo_set_line_width(context, sheet.lineWidth);
@@ -140,9 +158,9 @@ void CairoPainter::begin(const DrawItem& item) {
   if (m_lines) m_lines->setColor(m_color);
 }
 
-// Cairo and the rasterizer take turns at the pixels.
+// Cairo and the rasterizer, which knows no clips, take turns at the pixels.
 bool CairoPainter::strokesItself() {
-  if (!m_lines) return false;
+  if (!m_lines || isClipping()) return false;
   if (m_path == Pixels) return true;
   endPath();
   cairo_surface_flush(m_surface.get());
@@ -244,6 +262,62 @@ void CairoPainter::plainDisc(const PNT_2D& center, double diameter) {
   cairo_arc(m_context.get(), center.x, center.y, diameter / 2, 0, 2 * std::numbers::pi);
   cairo_close_path(m_context.get());
   countPoints(kPoints);
+}
+
+// Cairo cuts every stroke to a polygon anew. In an image all strokes go to a group instead, which
+// is cut once.
+bool CairoPainter::plainClip(const PNT_2D* points, std::size_t count) {
+  endPath();
+  cairo_t* context = m_context.get();
+  std::vector<PNT_2D> ring;
+  cairo_save(context);
+  if (m_kind == Pdf || isUpright(points, count)) {
+    addRing(points, count, false);
+    cairo_set_fill_rule(context, CAIRO_FILL_RULE_EVEN_ODD);
+    cairo_clip(context);
+    cairo_set_fill_rule(context, CAIRO_FILL_RULE_WINDING);
+  } else {
+    ring.assign(points, points + count);
+    if (!startGroup(ring)) {
+      cairo_restore(context);
+      return false;
+    }
+  }
+  m_clips.push_back(std::move(ring));
+  return true;
+}
+
+// Among whole pixels, so that the border is that of the ring alone.
+bool CairoPainter::startGroup(const std::vector<PNT_2D>& ring) {
+  cairo_t* context = m_context.get();
+  RECT_2D box;
+  box.set(ring.data(), static_cast<int>(ring.size()));
+  const double left = std::floor(box.min.x), top = std::floor(box.min.y);
+  cairo_rectangle(context, left, top, std::ceil(box.max.x) - left, std::ceil(box.max.y) - top);
+  cairo_clip(context);
+  cairo_clip_extents(context, &box.min.x, &box.min.y, &box.max.x, &box.max.y);
+  const double rows = box.max.y - box.min.y;
+  const double cost =
+      (box.max.x - box.min.x + kPixelsPerCorner * static_cast<double>(ring.size())) * rows;
+  if (cost > m_clipPixels) return false;
+  m_clipPixels -= cost;
+  cairo_push_group(context);
+  return true;
+}
+
+void CairoPainter::plainPopClip() {
+  endPath();
+  cairo_t* context = m_context.get();
+  const std::vector<PNT_2D>& ring = m_clips.back();
+  if (!ring.empty()) {
+    cairo_pop_group_to_source(context);
+    addRing(ring.data(), ring.size(), false);
+    cairo_set_fill_rule(context, CAIRO_FILL_RULE_EVEN_ODD);
+    cairo_fill(context);
+  }
+  cairo_restore(context);
+  setColor(context, m_color);
+  m_clips.pop_back();
 }
 
 void CairoPainter::plainText(const DrawText& text, const FaceFont& font,

@@ -38,6 +38,8 @@ class CairoPainter final : public SheetPainter {
                  FillRule rule) override;
   void plainDot(const PNT_2D& at) override;
   void plainDisc(const PNT_2D& center, double diameter) override;
+  bool plainClip(const PNT_2D* points, std::size_t count) override;
+  void plainPopClip() override;
   void plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) override;
 
  private:
@@ -62,6 +64,7 @@ class CairoPainter final : public SheetPainter {
   void strokeArc(const PNT_2D& center, double radius, double startRad, double sweepRad);
   void countPoints(std::size_t count);
   void endPath();
+  bool startGroup(const std::vector<PNT_2D>& ring);
   void addRing(const PNT_2D* points, std::size_t count, bool reversed);
 
   Kind m_kind;
@@ -72,6 +75,9 @@ class CairoPainter final : public SheetPainter {
   std::vector<PNT_2D> m_chords;             // scratch
   std::unordered_map<const FACE_FILE*, Font> m_faces;
   RGB_COLOR m_color;
+  // Around what is drawn: the ring that a group is cut to, or none.
+  std::vector<std::vector<PNT_2D>> m_clips;
+  double m_clipPixels;  // what groups may still cost
   Path m_path = None;
   std::size_t m_points = 0;  // in the path
 };

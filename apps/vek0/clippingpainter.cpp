@@ -126,6 +126,20 @@ void ClippingPainter::dot(const PNT_2D& at) {
   if (m_box.inside(at)) plainDot(at);
 }
 
+bool ClippingPainter::pushClip(const PNT_2D* points, std::size_t count) {
+  if (m_openClips == kMostClips) return false;
+  m_rings.clear();
+  clipRing(m_box, points, count, m_rings);
+  const bool clips = plainClip(m_rings.data(), m_rings.size());
+  m_openClips += clips;
+  return clips;
+}
+
+void ClippingPainter::popClip() {
+  --m_openClips;
+  plainPopClip();
+}
+
 void ClippingPainter::disc(const PNT_2D& center, double diameter) {
   if (m_box.inside(center)) plainDisc(center, diameter);
 }

@@ -17,6 +17,9 @@ class ClippingPainter : public IPainter {
   void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings, FillRule rule) final;
   void dot(const PNT_2D& at) final;
   void disc(const PNT_2D& center, double diameter) final;
+  /// False beyond eight in each other, of which each may cost memory as large as the sheet.
+  bool pushClip(const PNT_2D* points, std::size_t count) final;
+  void popClip() final;
 
  protected:
   ClippingPainter(double width, double height) : m_box(-width, -height, 2 * width, 2 * height) {}
@@ -31,14 +34,21 @@ class ClippingPainter : public IPainter {
                          FillRule rule) = 0;
   virtual void plainDot(const PNT_2D& at) = 0;
   virtual void plainDisc(const PNT_2D& center, double diameter) = 0;
+  /// The same, of fewer than three points when nothing is to be seen; false to draw all.
+  virtual bool plainClip(const PNT_2D* points, std::size_t count) = 0;
+  virtual void plainPopClip() = 0;
+  bool isClipping() const { return m_openClips > 0; }
 
  private:
+  static constexpr int kMostClips = 8;
+
   void strokePieces(const PNT_2D* points, std::size_t count, bool closed);
   void endPiece();
 
   RECT_2D m_box;
   std::vector<PNT_2D> m_piece, m_rings;
   std::vector<std::size_t> m_ends;
+  int m_openClips = 0;
 };
 
 /// Whether rings, all together, run from the x axis towards the y axis around what they

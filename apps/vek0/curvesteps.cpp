@@ -47,8 +47,10 @@ StepOutcome explode(Editing& editing) {
   }
   const std::size_t left = editing.chosen.size() - exploded;
   editing.chosen = std::move(chosen);
+  const long unclipped = exploder.getNoLostClips();
   return StepOutcome::done(countedEntities(exploded) + " exploded into " + std::to_string(parts) +
-                           passedOver(left));
+                           passedOver(left) +
+                           (unclipped > 0 ? ", clips lost: " + std::to_string(unclipped) : ""));
 }
 
 StepOutcome join(Editing& editing, std::optional<double> tolerance, JOIN_LAYERS layers) {

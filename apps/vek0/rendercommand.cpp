@@ -246,6 +246,10 @@ class Renderer {
       file.close();
     }
     if (!written) return fail(kOutputFailed, "'" + output.path() + "' cannot be written");
+    if (result.unclipped > 0)
+      warn("'" + output.path() + "' shows " + std::to_string(result.unclipped) +
+           " clipped inserts whole: from the side there are no clips, and none are drawn whose "
+           "boundaries are too long or too many");
     if (result.cut) warn("'" + output.path() + "' is not complete, the drawing shows too much");
     if (result.emitted == 0 && !evenEmpty) return;
     if (!output.commit()) fail(kOutputFailed, output.error());

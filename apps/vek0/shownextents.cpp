@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <limits>
+#include <vector>
 
+#include "clippingpainter.h"
 #include "vek0core/tables/font.h"
 
 namespace vek0::tool {
@@ -15,7 +17,8 @@ constexpr long kDeviceSide = 2001;
 constexpr double kFar = 0.25;
 constexpr int kMostLooks = 6;
 
-// Unites what it is given. Arcs come as strokes, which know where an arc bulges to.
+// Unites what it is given. Arcs come as strokes, which know where an arc bulges to. Clips count
+// by their boxes.
 class MeasuringPainter final : public IPainter {
  public:
   MeasuringPainter() { m_bounds.initRegion(); }
@@ -23,26 +26,51 @@ class MeasuringPainter final : public IPainter {
   const RECT_2D& bounds() const { return m_bounds; }
 
   void begin(const DrawItem& /*item*/) override {}
-  void stroke(const PNT_2D* points, std::size_t count, bool /*closed*/) override {
-    for (std::size_t i = 0; i < count; ++i) m_bounds.updateRegion(points[i]);
+  void stroke(const PNT_2D* points, std::size_t count, bool closed) override {
+    if (m_clips.empty()) return grow(points, count);
+    for (std::size_t i = 0; i + (closed ? 0 : 1) < count; ++i) {
+      PNT_2D ends[] = {points[i], points[(i + 1) % count]};
+      if (clipSegment(m_clips.back(), ends[0], ends[1])) grow(ends, 2);
+    }
   }
   void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
             FillRule /*rule*/) override {
-    stroke(points, rings > 0 ? ends[rings - 1] : 0, true);
+    const std::size_t count = rings > 0 ? ends[rings - 1] : 0;
+    if (m_clips.empty()) return grow(points, count);
+    std::vector<PNT_2D> inside;
+    for (std::size_t i = 0, start = 0; i < rings; start = ends[i++])
+      clipRing(m_clips.back(), points + start, ends[i] - start, inside);
+    grow(inside.data(), inside.size());
   }
-  void dot(const PNT_2D& at) override { m_bounds.updateRegion(at); }
+  void dot(const PNT_2D& at) override {
+    if (m_clips.empty() || m_clips.back().inside(at)) m_bounds.updateRegion(at);
+  }
   void disc(const PNT_2D& center, double /*diameter*/) override { dot(center); }
   void text(const DrawText& text) override {
     const ICADFont& font = text.font ? *text.font : defaultFontMetrics();
     const double width = font.getStringWidth(*text.string, true, text.bold, text.italic);
-    for (const double x : {0.0, width}) {
-      m_bounds.updateRegion(text.matrix.apply(x, -font.getDescent()));
-      m_bounds.updateRegion(text.matrix.apply(x, font.getHeightUnit()));
-    }
+    const double low = -font.getDescent(), high = font.getHeightUnit();
+    const PNT_2D corners[] = {text.matrix.apply(0, low), text.matrix.apply(width, low),
+                              text.matrix.apply(width, high), text.matrix.apply(0, high)};
+    const std::size_t count = 4;
+    fill(corners, &count, 1, FillRule::NonZero);
   }
+  bool pushClip(const PNT_2D* points, std::size_t count) override {
+    RECT_2D box;
+    box.set(points, static_cast<int>(count));
+    if (!m_clips.empty() && !RECT_2D(box).intersect(m_clips.back(), box)) box.initRegion();
+    m_clips.push_back(box);
+    return true;
+  }
+  void popClip() override { m_clips.pop_back(); }
 
  private:
+  void grow(const PNT_2D* points, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) m_bounds.updateRegion(points[i]);
+  }
+
   RECT_2D m_bounds;
+  std::vector<RECT_2D> m_clips;  // each within the one before
 };
 
 double longerSide(const RECT_2D& r) { return std::max(r.max.x - r.min.x, r.max.y - r.min.y); }

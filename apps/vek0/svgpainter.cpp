@@ -339,7 +339,7 @@ void SvgPainter::flushGroups() {
     write("<g id=\"" + groupId(group.layer) + "\" inkscape:groupmode=\"layer\" inkscape:label=\"" +
           name + "\" data-layer=\"" + name + "\" stroke=\"" + colorText(group.color) + "\">\n");
     write(group.body);
-    write("</g>\n");
+    write(group.leavesClips + "</g>\n");
   }
   m_groups.clear();
   m_groupOf.clear();
@@ -372,7 +372,7 @@ void SvgPainter::begin(const DrawItem& item) {
 SvgPainter::Group& SvgPainter::groupOfItem() {
   if (m_group == kNoGroup) {
     m_group = m_groupOf.try_emplace(m_layerUtf8, m_groups.size()).first->second;
-    if (m_group == m_groups.size()) m_groups.push_back({m_layerUtf8, m_color, {}});
+    if (m_group == m_groups.size()) m_groups.push_back({m_layerUtf8, m_color});
   }
   return m_groups[m_group];
 }
@@ -423,6 +423,7 @@ void SvgPainter::endEntity() {
   if (m_elementCount == 0) return;
   std::string& body = groupOfItem().body;
   const std::size_t before = body.size();
+  enterClips();
   if (m_handle == 0) {
     body += m_elements;
   } else if (m_elementCount == 1) {
@@ -437,6 +438,29 @@ void SvgPainter::endEntity() {
   m_elements.clear();
   m_elementCount = 0;
   if (m_buffered > kBuffered) flushGroups();
+}
+
+void SvgPainter::enterClips() {
+  Group& group = groupOfItem();
+  if (group.clip == m_clips.number()) return;
+  group.body += group.leavesClips;
+  write(m_clips.definitions());  // may stand before the group
+  group.body += m_clips.openingTags();
+  group.leavesClips = m_clips.closingTags();
+  group.clip = m_clips.number();
+}
+
+bool SvgPainter::plainClip(const PNT_2D* points, std::size_t count) {
+  endEntity();
+  SvgPath path;
+  addRing(path, points, count, false);
+  m_clips.push(path.data());
+  return true;
+}
+
+void SvgPainter::plainPopClip() {
+  endEntity();
+  m_clips.pop();
 }
 
 // -- what is drawn -------------------------------------------------------------------

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "sheetpainter.h"
+#include "svgclips.h"
 
 namespace vek0::tool {
 
@@ -92,13 +93,17 @@ class SvgPainter final : public SheetPainter {
                  FillRule rule) override;
   void plainDot(const PNT_2D& at) override;
   void plainDisc(const PNT_2D& center, double diameter) override;
+  bool plainClip(const PNT_2D* points, std::size_t count) override;
+  void plainPopClip() override;
   void plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) override;
 
  private:
   struct Group {
     std::string layer;  // UTF-8
     RGB_COLOR color;    // of its first element
-    std::string body;
+    std::string body = {};
+    int clip = 0;                  // the innermost one that its end is in
+    std::string leavesClips = {};  // the tags that leave it and those around
   };
 
   void writeHead(const SHEET& sheet);
@@ -114,6 +119,7 @@ class SvgPainter final : public SheetPainter {
   void endPath();
   static void addRing(SvgPath& path, const PNT_2D* points, std::size_t count, bool reversed);
   void endEntity();
+  void enterClips();
   std::string strokeAttribute();
   std::string fillAttribute() const;
   std::string textAttributes(const DrawText& text, const FaceFont& font) const;
@@ -145,6 +151,8 @@ class SvgPainter final : public SheetPainter {
   std::size_t m_idAt = 0;
   SvgPath m_path;
   bool m_pathFills = false;
+
+  SvgClips m_clips;  // around what is drawn
 };
 
 }  // namespace vek0::tool

@@ -33,6 +33,12 @@ void Emitter::begin(const DrawItem& item) {
   m_isTold = false;
 }
 
+bool Emitter::pushClip(const std::vector<PNT_2D>& points) {
+  const bool isPushed = areNear(points) && m_painter.pushClip(points.data(), points.size());
+  if (!isPushed) noteUnclipped();
+  return isPushed;
+}
+
 bool Emitter::look() {
   if (m_result.looked >= m_limit || m_result.emitted >= m_limit) m_result.cut = true;
   if (!m_result.cut) ++m_result.looked;

@@ -27,6 +27,11 @@ class Emitter {
   /// Text that is flattened to a line is left out.
   void text(const DrawText& text);
 
+  /// False, and counted, when what follows cannot be clipped.
+  bool pushClip(const std::vector<PNT_2D>& points);
+  void popClip() { m_painter.popClip(); }
+  void noteUnclipped() { ++m_result.unclipped; }
+
   /// To be called for everything that is looked at, so that blocks that insert nothing a
   /// million times come to an end as well. True when the limit is reached.
   bool look();

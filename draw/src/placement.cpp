@@ -75,6 +75,8 @@ double Placement::scale() const {
   return std::max(std::hypot(m_x[0], m_y[0]), std::hypot(m_x[1], m_y[1]));
 }
 
+bool Placement::isPlan() const { return std::hypot(m_x[2], m_y[2]) <= kSimilar * scale(); }
+
 bool Placement::isSimilar() const {
   const double xx = m_x[0] * m_x[0] + m_y[0] * m_y[0], yy = m_x[1] * m_x[1] + m_y[1] * m_y[1];
   const double xy = m_x[0] * m_x[1] + m_y[0] * m_y[1];

@@ -30,6 +30,8 @@ class Placement {
   RECT_2D apply(const RECT_3D& box) const;
   /// What a unit of the x, y plane measures at most.
   double scale() const;
+  /// Whether heights are not seen.
+  bool isPlan() const;
   /// Whether circles of the x, y plane stay circles.
   bool isSimilar() const;
   /// Whether they are seen from behind, or rather: whether the device's turning, which

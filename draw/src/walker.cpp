@@ -405,7 +405,10 @@ void Walker::visit(CEntHatch& ent) {
 void Walker::drawInsert(CEntInsertBase& ent) {
   if (!ent.getBlock()) return;
   if (m_stack.GetNoInsert() >= kMostNested) return m_out.cut();
-  drawCells(ent);
+  if (ent.getType() == CEntInsert::kType && static_cast<CEntInsert&>(ent).isClipped())
+    drawClipped(static_cast<CEntInsert&>(ent));
+  else
+    drawCells(ent);
   if (ent.GetNoAttribs() == 0) return;
   enter(ent, 0, 0);
   for (unsigned i = 0; i < ent.GetNoAttribs(); ++i) draw(*ent.GetAttrib(i));

@@ -91,6 +91,8 @@ class Walker final : public IEntVisitor, private IPatternSink {
   void drawRule(const DrawText& run, double unit, std::size_t first, std::size_t end, bool over);
 
   void drawInsert(CEntInsertBase& ent);
+  void drawClipped(CEntInsert& ent);
+  bool placeBoundary(const CEntInsert& ent, std::vector<PNT_2D>& boundary);
   void drawCells(CEntInsertBase& ent);
   void drawCell(CEntInsertBase& ent, long row, long column);
   RECT_2D firstCell(const CEntInsertBase& ent);

@@ -73,6 +73,7 @@ class EntCloner final : public IEntVisitor {
                  factory().createEntInsert(gestor(), layer(e), ltype(e), e.getColor(), block, v.pnt,
                                            v.sx, v.sy, v.sz, v.rotation, v.columns, v.rows,
                                            v.columnSpacing, v.rowSpacing, e.GetHandle()));
+    static_cast<CEntInsert&>(*m_clone).setClip(e.getClip());
   }
   void visit(CEntInsertXRef& e) override { visit(static_cast<CEntInsert&>(e)); }
   void visit(CEntFixedInsert& e) override {

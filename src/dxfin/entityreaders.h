@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "dxfin/clipreader.h"
 #include "dxfin/curvereaders.h"
 #include "dxfin/hatchreader.h"
 #include "dxfin/polylinereader.h"
@@ -28,6 +29,7 @@ class EntityReader {
   PolylineReader polylines{records};
   HatchReader hatches{records};
   CurveReader curves{records};
+  ClipReader clips{records};
 
  private:
   void skipKind(const char* loss);

@@ -304,6 +304,7 @@ void CFileDXFIParser::readEnd() {
   if (m_pACADVersionLoader && m_pACADVersionLoader->isSheetUsed())
     m_dropped->addSheet(m_activeSheet);
   m_dropped->tell();
+  if (m_pACADVersionLoader) m_pACADVersionLoader->getClips().settle();
   settleLayers();
   takeCurrentItems();
 }
@@ -326,7 +327,10 @@ void CFileDXFIParser::readSection() {
 
 void CFileDXFIParser::readObjects() {
   read();
-  while (atRecord() && !atSectionEnd()) m_dropped->readRecord();
+  while (atRecord() && !atSectionEnd()) {
+    const bool isClip = m_pACADVersionLoader && m_pACADVersionLoader->getClips().readObject();
+    if (!isClip) m_dropped->readRecord();
+  }
 }
 
 // What a section of an unknown name holds may be a part of the drawing.

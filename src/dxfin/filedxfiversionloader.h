@@ -19,6 +19,8 @@ class CFileDXFIVersionLoader {
   std::vector<EntPtr>& getFurther() { return m_entities.records.further; }
   /// Whether any insert was read.
   bool hasReadInsert() const { return m_entities.records.insertRead; }
+  /// Reads what clips inserts.
+  ClipReader& getClips() { return m_entities.clips; }
   /// Tells that the next entities belong to a block; null when it is new. `sheet` is the name of
   /// one that holds a sheet, which is not read; empty for any other.
   void enterBlock(const CBlock* block, const zim::WString& sheet) {

@@ -2,6 +2,7 @@
 #include "dxfin/hatchdata.h"
 #include "dxfin/planeplacement.h"
 #include "dxfin/replacement.h"
+#include "files/number.h"
 #include "vek0core/entities/attribplacement.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/blockxref.h"
@@ -69,11 +70,21 @@ void readAttribs(RecordReader& in, CEntInsertBase& insert) {
   in.skip();
 }
 
-// The block's name, the counts of an array, which are flags in other kinds, and extended data.
+// The block's name, the counts of an array, which are flags in other kinds, its dictionary, and
+// extended data.
 struct InsertCodes {
-  static bool has(long code) { return code == 2 || code == 70 || code == 71 || code >= kExtended; }
-  static constexpr long kExtended = 1000;
+  static bool has(long code) {
+    return code == 2 || code == 70 || code == 71 || code == kDictionary || code >= kExtended;
+  }
+  static constexpr long kDictionary = 360, kExtended = 1000;
 };
+
+// What the boundary says is not known before the objects of the file are read.
+std::shared_ptr<const INSERT_CLIP> promisedClip(RecordReader& in, std::uint64_t dictionary) {
+  auto& promised = in.clips[dictionary];
+  if (!promised.clip) promised = {std::make_shared<INSERT_CLIP>(), in.lexer().getLine()};
+  return promised.clip;
+}
 
 // Lines are drawn where they belong: the block of a hatch is neither moved nor scaled.
 bool isPlain(const Record& r) {
@@ -120,8 +131,13 @@ EntPtr readInsert(RecordReader& in) {
   CBlock* block = nullptr;
   zim::WString unknownName;
   HatchData hatchData;
+  std::uint64_t dictionary = 0;
   const auto take = [&](long code) {
     if (code == 70 || code == 71) return in.takeCount(code);
+    if (code == InsertCodes::kDictionary) {
+      dictionary = parseHex(in.lexer().getBytes());
+      return;
+    }
     if (code != 2) return takeExtended(in, hatchData);
     block = in.findBlock(in.lexer().getBytes());
     if (!block) unknownName = in.lexer().getText();
@@ -148,6 +164,7 @@ EntPtr readInsert(RecordReader& in) {
                                  ? in.lexer().isKeyword("ATTRIB") || in.lexer().isKeyword("SEQEND")
                                  : in.record().integer(66) != 0;
   std::unique_ptr<CEntInsert> insert = in.built(createInsert(in, *block));
+  if (insert && dictionary != 0 && in.isTolerant()) insert->setClip(promisedClip(in, dictionary));
   if (insert && attribsFollow) readAttribs(in, *insert);
   if (in.failed()) return nullptr;
   return insert;

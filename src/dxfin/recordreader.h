@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -13,6 +15,7 @@
 #include "vek0core/dxfin/filedxfisemantor.h"
 #include "vek0core/entities/ent.h"
 #include "vek0core/entities/entfactory.h"
+#include "vek0core/entities/insertclip.h"
 #include "vek0core/geometry/angle.h"
 
 namespace vek0::detail {
@@ -170,6 +173,13 @@ class RecordReader {
   bool sheetUsed[2] = {false, false};
   /// Whether the blocks of the file have been read: what is not defined by now hardly will be.
   bool blocksRead = false;
+  /// The clips of the inserts read, by the dictionary that each names; empty up to the end of the
+  /// file. The line is that of an insert.
+  struct PromisedClip {
+    std::shared_ptr<INSERT_CLIP> clip;
+    long line = 0;
+  };
+  std::unordered_map<std::uint64_t, PromisedClip> clips;
   /// The blocks that hatches stored as inserts have claimed.
   std::unordered_set<const CBlock*> hatchBlocks;
 

@@ -177,7 +177,9 @@ void CFileDXFOVisitor::visit(CEntHatch& ent) {
 void CFileDXFOVisitor::visit(CEntAttrib&) { ZORA_ASSERT(false); }
 
 void CFileDXFOVisitor::visit(CEntInsert& ent) {
-  if (!refuses(ent, "INSERT")) insert_visit(ent);
+  if (refuses(ent, "INSERT")) return;
+  insert_visit(ent);
+  if (ent.isClipped()) report("clip lost", "INSERT");
 }
 
 void CFileDXFOVisitor::visit(CEntInsertXRef& ent) { visit(static_cast<CEntInsert&>(ent)); }

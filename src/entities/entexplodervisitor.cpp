@@ -97,6 +97,7 @@ void CEntExploderVisitor::collect(Fill fill) {
   m_isRefused = maker.isRefused;
   if (m_isRefused) return dropHatchBlocks(maker);
   m_limit -= maker.cost;
+  m_noLostClips += maker.lostClips;
 }
 
 void CEntExploderVisitor::visit(CEntPolyline& ent) {

@@ -154,7 +154,8 @@ CEntInsert::CEntInsert(IHandleGestor& gestor, CEntFactory& factory, const CEntIn
       m_columnSpacing(src.m_columnSpacing),
       m_rowSpacing(src.m_rowSpacing),
       m_columns(src.m_columns),
-      m_rows(src.m_rows) {}
+      m_rows(src.m_rows),
+      m_clip(src.m_clip) {}
 
 void CEntInsert::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
@@ -164,6 +165,7 @@ void CEntInsert::setMemento(CData& data, const IEntDerivedMemento* memento) {
   state->m_attribs.restore(data, *this);
   setInsert(state->m_pnt, state->m_sx, state->m_sy, state->m_sz, state->m_rotation);
   setArray(state->m_columns, state->m_rows, state->m_columnSpacing, state->m_rowSpacing);
+  setClip(state->m_clip);
 }
 
 IEntDerivedMemento* CEntInsert::createDerivedMemento() const {
@@ -410,7 +412,8 @@ CEntInsertMemento::CEntInsertMemento(const CEntInsert& ent)
       m_columnSpacing(ent.m_columnSpacing),
       m_rowSpacing(ent.m_rowSpacing),
       m_columns(ent.m_columns),
-      m_rows(ent.m_rows) {}
+      m_rows(ent.m_rows),
+      m_clip(ent.m_clip) {}
 
 bool CEntInsertMemento::operator==(const CEnt& ent) const {
   if (ent.getType() != CEntInsert::kType) return false;
@@ -418,7 +421,8 @@ bool CEntInsertMemento::operator==(const CEnt& ent) const {
   return insert.m_pnt == m_pnt && insert.m_sx == m_sx && insert.m_sy == m_sy &&
          insert.m_sz == m_sz && insert.m_rotation == m_rotation && insert.m_columns == m_columns &&
          insert.m_rows == m_rows && insert.m_columnSpacing == m_columnSpacing &&
-         insert.m_rowSpacing == m_rowSpacing && m_attribs.matches(insert);
+         insert.m_rowSpacing == m_rowSpacing && insert.m_clip == m_clip &&
+         m_attribs.matches(insert);
 }
 
 CEntFixedInsertMemento::CEntFixedInsertMemento(const CEntFixedInsert& ent)

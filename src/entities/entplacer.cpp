@@ -36,6 +36,11 @@ constexpr double kSquare = 1e-12;  // share by which axes may be off square or o
 constexpr int kMostNested = 200;
 constexpr long kInvisible = 1;  // bit of an attribute's flags
 
+bool isClipped(const CEntInsertBase& insert) {
+  return insert.getType() == CEntInsert::kType &&
+         static_cast<const CEntInsert&>(insert).isClipped();
+}
+
 }  // namespace
 
 bool EntMaker::spend(double units) {
@@ -248,6 +253,7 @@ void EntPlacer::visit(CEntInsert& ent) {
                                    ent.getBlock(), ent.getPnt(), 1, 1, 1, 0, 1, 1, 0, 0, 0));
   if (!copy) return m_maker.take(nullptr);
   if (!setPlaced(*copy, ent)) return placeBlock(ent);
+  copy->setClip(ent.getClip());
   copyAttribs(ent, *copy);
   take(copy.release(), ent);
 }
@@ -280,6 +286,7 @@ void EntPlacer::placeBlock(CEntInsertBase& ent) {
 void EntPlacer::placeContents(EntMaker& maker, const CEntInsertMatrix& outer,
                               const CEntInsertBase& insert, const BlockLook& look, int depth) {
   const CBlock* block = insert.getBlock();
+  maker.lostClips += isClipped(insert);
   if (depth > kMostNested) maker.isRefused = true;
   if (maker.isRefused) return;
   long columns = 1, rows = 1;

@@ -28,6 +28,7 @@ struct EntMaker {
   std::vector<std::unique_ptr<CEnt>> made;
   long cost = 0;
   bool isRefused = false;
+  long lostClips = 0;  ///< of inserts that gave all that they hold
 
   /// Counts entities or vertices; false once there are too many.
   bool spend(double units);

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <memory>
 #include <random>
 
 #include "recorder.h"
@@ -248,4 +249,33 @@ TEST(Inserts, FixedOnesKeepTheirSizeOnTheDisplay) {
     EXPECT_NEAR(drawn.things[0].points[0].dist(drawn.things[0].points[1]), 30, 1e-6);
     EXPECT_NEAR(drawn.things[0].points[0].dist(PNT_2D(500, 500)), 0, 1e-6);
   }
+}
+
+// A clipped insert in a turned and scaled one: what the boundary hides is not emitted, and the
+// boundary lies where the content that it was drawn around lies.
+TEST(Inserts, ClipsArePlacedLikeTheirContent) {
+  Scene scene;
+  CBlock* content = scene.data->getBlockFactory().create(u"C", PNT_3D(3, 4, 0), 0);
+  for (int i = 0; i < 10; ++i)
+    content->add(createEntLine(*scene.data, LINE_3D(i * 10, 0, 0, i * 10, 8, 0), 0));
+  scene.data->getBlockTable().add(content);
+  CEntInsert* clipped = scene.insert(*content, 5, 6, 2, 3, 0.5);
+  auto clip = std::make_shared<INSERT_CLIP>();
+  clip->boundary = {PNT_2D(20, 0), PNT_2D(40, 0), PNT_2D(40, 8)};  // corners are ends of lines
+  clipped->setClip(clip);
+  scene.add(scene.insert(*scene.block(u"OUTER", {clipped}), 300, 300, -1.5, 1, 1));
+  const Recorder clipping = scene.draw();
+  EXPECT_EQ(scene.result.unclipped, 0U);
+  ASSERT_EQ(clipping.clips.size(), 1U);
+  EXPECT_EQ(clipping.popped, 1U);
+  EXPECT_LT(clipping.things.size(), 10U);
+  Recorder whole;
+  whole.canClip = false;
+  EXPECT_EQ(drawData(*scene.data, CPOProjector(), scene.window, whole).unclipped, 1U);
+  ASSERT_EQ(whole.things.size(), 10U);
+  const PNT_2D corners[] = {whole.things[2].points[0], whole.things[4].points[0],
+                            whole.things[4].points[1]};
+  for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(clipping.clips[0][i].dist(corners[i]), 0, 1e-6);
+  whole.canClip = true;
+  EXPECT_EQ(drawData(*scene.data, CPVProjector(), scene.window, whole).unclipped, 1U) << "aside";
 }

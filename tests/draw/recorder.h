@@ -75,6 +75,13 @@ class Recorder : public IPainter {
     thing.string = text.string->toUtf8();
   }
 
+  bool pushClip(const PNT_2D* points, std::size_t count) override {
+    if (!canClip) return false;
+    clips.emplace_back(points, points + count);
+    return true;
+  }
+  void popClip() override { ++popped; }
+
   std::size_t count(Thing::Kind kind) const {
     std::size_t n = 0;
     for (const Thing& thing : things) n += thing.kind == kind;
@@ -82,6 +89,9 @@ class Recorder : public IPainter {
   }
 
   std::vector<Thing> things;
+  std::vector<std::vector<PNT_2D>> clips;
+  std::size_t popped = 0;  // of them
+  bool canClip = true;
 
  private:
   Thing& add(Thing::Kind kind) {

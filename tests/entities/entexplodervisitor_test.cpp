@@ -198,6 +198,25 @@ TEST_F(Explode, NestedInsertsStayInsertsUnlessTheyWouldShear) {
   }
 }
 
+// On the way through undo and copies a clip stays; what an insert gives is whole.
+TEST_F(Explode, ClipsAreKeptOrCountedAsLost) {
+  CEntInsert* inner = insert(block("IN", {line(0, 0, 1, 0)}), PNT_3D(0, 0, 0), 1, 1, 0, 1, 1);
+  auto clip = std::make_shared<INSERT_CLIP>();
+  clip->boundary = {PNT_2D(0, 0), PNT_2D(1, 0), PNT_2D(1, 1)};
+  inner->setClip(clip);
+  CEntInsert* outer = keptInsert(block("OUT", {inner}), PNT_3D(0, 0, 0), 1, 1, 0);
+  outer->setClip(clip);
+  const std::unique_ptr<IEntDerivedMemento> before(outer->createDerivedMemento());
+  outer->setClip(nullptr);
+  EXPECT_TRUE(*outer != *before);
+  outer->setMemento(*data, before.get());
+  EXPECT_TRUE(outer->isClipped());
+  const Ents& ents = explode(*outer);
+  ASSERT_EQ(ents.size(), 1u);
+  EXPECT_EQ(made->getNoLostClips(), 1);
+  EXPECT_EQ(static_cast<const CEntInsert&>(*ents[0]).getClip(), clip);
+}
+
 TEST_F(Explode, AttributesBecomeTexts) {
   const TEXT_3D text(u"value", nullptr, 1, 2, 0, 3, 0, 1, 0.25, 0);
   CEntInsert* ins = keptInsert(block("B", {}), PNT_3D(10, 0, 0), 2, 2, 0.5);

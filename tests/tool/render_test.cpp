@@ -678,6 +678,56 @@ TEST_F(Render, FitsWhatIsShown) {
   EXPECT_EQ(XmlReader(contents(path("a.svg"))).byId("h1")->attributes.at("d"), "M70 170l100-100");
 }
 
+// A black square is clipped to a diamond, and that to its left half.
+TEST_F(Render, ClipsHoldWithinEachOther) {
+  using Points = std::vector<std::pair<int, int>>;
+  const auto insert = [](const std::string& block, int own) {
+    return "0\nINSERT\n8\nA\n360\n" + std::to_string(own) + "\n2\n" + block + "\n10\n0\n20\n0\n";
+  };
+  const auto block = [](const std::string& name, const std::string& content) {
+    return "0\nBLOCK\n8\n0\n2\n" + name + "\n70\n0\n10\n0\n20\n0\n" + content + "0\nENDBLK\n8\n0\n";
+  };
+  const auto clip = [](int own, const Points& points) {
+    const std::string next = std::to_string(own + 1), last = std::to_string(own + 2);
+    std::string text = "0\nDICTIONARY\n5\n" + std::to_string(own) + "\n3\nACAD_FILTER\n360\n" +
+                       next + "\n0\nDICTIONARY\n5\n" + next + "\n3\nSPATIAL\n360\n" + last +
+                       "\n0\nSPATIAL_FILTER\n5\n" + last + "\n71\n1\n";
+    for (const auto& [x, y] : points)
+      text += "10\n" + std::to_string(x) + "\n20\n" + std::to_string(y) + "\n";
+    for (int i = 0; i < 24; ++i) text += i % 12 % 5 == 0 ? "40\n1\n" : "40\n0\n";
+    return text;
+  };
+  const std::string square =
+      "0\nSOLID\n8\nA\n10\n0\n20\n0\n11\n100\n21\n0\n12\n0\n22\n100\n13\n100\n23\n100\n";
+  const auto inkOf = [&](const Points& inner) {
+    write("a.dxf", "0\nSECTION\n2\nBLOCKS\n" + block("S", square) + block("M", insert("S", 10)) +
+                       "0\nENDSEC\n0\nSECTION\n2\nENTITIES\n" + insert("M", 20) +
+                       "0\nENDSEC\n0\nSECTION\n2\nOBJECTS\n" + clip(10, inner) +
+                       clip(20,
+                            {
+                                {0,  0  },
+                                {50, 100}
+    }) +
+                       "0\nENDSEC\n0\nEOF\n");
+    const auto done = run("render a.dxf -f -o a.png --size 100x100 --window 0,0,100,100");
+    EXPECT_EQ(done.err.find("shows 1 clipped") != std::string::npos, inner.size() > 1000);
+    return Image(path("a.png")).ink();
+  };
+  EXPECT_NEAR(inkOf(Points(1001)), 5000, 60) << "the inner one has too many corners";
+  EXPECT_NEAR(inkOf({
+                  {0,   50 },
+                  {50,  0  },
+                  {100, 50 },
+                  {50,  100}
+  }),
+              2500, 60);
+  ASSERT_EQ(run("render a.dxf -o a.svg").code, 0);
+  const std::string svg = contents(path("a.svg"));
+  EXPECT_EQ(XmlReader(svg).error, "");
+  const std::string outer = "<g clip-path=\"url(#clip-1)\">\n<g clip-path=\"url(#clip-2)\">\n<path";
+  EXPECT_NE(svg.find(outer), std::string::npos) << "viewers do not agree on clips of clips";
+}
+
 TEST_F(Render, WhatLiesFarOffTheWindowIsCutOff) {
   write("a.dxf", drawing(line("A", -1e12, 5, 1e12, 5, "1") + line("A", 1e9, 1e9, 2e9, 1e9, "2")));
   for (const char* name : {"a.svg", "a.png", "a.pdf"}) {

@@ -39,7 +39,10 @@ struct DRAW_OPTIONS {
 struct DRAW_RESULT {
   std::size_t emitted = 0;  ///< strokes, arcs, fills, dots and texts
   std::size_t looked = 0;   ///< entities looked at, those of blocks as often as they are shown
-  bool cut = false;         ///< a limit was reached, or inserts are nested too deep
+  /// Clipped inserts that are shown whole: the painter cannot clip, the boundary has more than
+  /// 1000 corners, or the view is none from above, in which a boundary says nothing.
+  std::size_t unclipped = 0;
+  bool cut = false;  ///< a limit was reached, or inserts are nested too deep
 };
 
 /// Emits what the window shows of model space, in drawing order, to the painter: inserts
@@ -49,7 +52,7 @@ struct DRAW_RESULT {
 ///
 /// Entities whose extents lie outside the window cost a comparison (for drawing again and
 /// again, see `CDrawIndex`); cells of an array outside it cost nothing, and neither do
-/// dashes. A window without pixels shows nothing.
+/// dashes, nor what clipped inserts hide. A window without pixels shows nothing.
 DRAW_RESULT drawData(const CData& data, const IProjector& projector, const CWndVpt& window,
                      IPainter& painter, const DRAW_OPTIONS& options = {});
 

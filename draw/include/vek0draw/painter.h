@@ -67,4 +67,12 @@ class IPainter {
   /// A filled circle, for a point entity. Here: a fill of sixteen corners.
   virtual void disc(const PNT_2D& center, double diameter);
   virtual void text(const DrawText& text) = 0;
+
+  /// Hides, up to the matching `popClip`, what lies outside of the polygon (even-odd rule; the
+  /// last point is joined to the first). Clips nest, and only what lies in all of them is seen.
+  /// `begin` may come in between. A painter that does not clip, as here, or not this time answers
+  /// false: no `popClip` follows, what would be hidden is drawn, and `DRAW_RESULT::unclipped`
+  /// counts it.
+  virtual bool pushClip(const PNT_2D* /*points*/, std::size_t /*count*/) { return false; }
+  virtual void popClip() {}
 };

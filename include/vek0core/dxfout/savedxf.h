@@ -54,6 +54,7 @@ VEK0_API bool SaveDXF(const CData& data, IFile& file, unsigned flags);
 ///                         classic form, or with corners that are not in one plane
 ///   endless line cut      a ray or endless line became a line as long as the extents of the
 ///                         drawing or block, grown a little
+///   clip lost             a clipped insert shows all of its block
 ///   fixed insert          an insert of fixed pixel size became an ordinary one
 ///   linetype text dropped what a linetype shows beside its dashes is missing
 ///   lineweight dropped    the width of a layer's lines

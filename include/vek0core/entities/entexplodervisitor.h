@@ -44,6 +44,9 @@ class VEK0_API CEntExploderVisitor final : public IEntFooVisitor {
   std::vector<std::unique_ptr<CEnt>>& getEnts() { return m_ents; }
   /// Whether the entity visited last has been refused, as told above or for want of memory.
   bool isRefused() const { return m_isRefused; }
+  /// How many clipped inserts, those that had to give what they show too, have given what was
+  /// hidden of them.
+  long getNoLostClips() const { return m_noLostClips; }
 
   using IEntFooVisitor::visit;
   void visit(CEntPnt& ent) override;
@@ -73,4 +76,5 @@ class VEK0_API CEntExploderVisitor final : public IEntFooVisitor {
   long m_limit;  // what may still be given
   std::vector<std::unique_ptr<CEnt>> m_ents;
   bool m_isRefused = false;
+  long m_noLostClips = 0;
 };

@@ -2,11 +2,13 @@
 
 #include <cstddef>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "vek0core/entities/ent.h"
 #include "vek0core/entities/entattrib.h"
 #include "vek0core/entities/entmemento.h"
+#include "vek0core/entities/insertclip.h"
 #include "vek0core/export.h"
 #include "vek0core/geometry/pnt.h"
 
@@ -121,6 +123,13 @@ class VEK0_API CEntInsert : public CEntInsertBase {
   void setArray(long columns, long rows, double columnSpacing, double rowSpacing);
   void setInsert(const PNT_3D& pnt, double sx, double sy, double sz, double rotation);
 
+  /// Whether only a part of the block is shown. Extents are those of all of it.
+  bool isClipped() const { return m_clip && !m_clip->boundary.empty(); }
+  /// That part, for all cells of an array together, placed as in the first; null, or without a
+  /// boundary, for all of it. Attributes are not clipped. Copies of the insert share it.
+  const std::shared_ptr<const INSERT_CLIP>& getClip() const { return m_clip; }
+  void setClip(std::shared_ptr<const INSERT_CLIP> clip) { m_clip = std::move(clip); }
+
  protected:
   friend class CEntFactory;
   friend class CEntInsertMemento;
@@ -138,6 +147,7 @@ class VEK0_API CEntInsert : public CEntInsertBase {
   double m_rotation;
   double m_columnSpacing, m_rowSpacing;
   long m_columns, m_rows;
+  std::shared_ptr<const INSERT_CLIP> m_clip;
 };
 
 /// Insert whose block covers a fixed number of pixels on any display.
@@ -253,7 +263,7 @@ class AttribsMemento {
 
 }  // namespace vek0::detail
 
-/// Undo snapshot of an insert: placement, array, block and attributes.
+/// Undo snapshot of an insert: placement, array, clip, block and attributes.
 class VEK0_API CEntInsertMemento final : public IEntDerivedMemento {
  public:
   explicit CEntInsertMemento(const CEntInsert& ent);
@@ -271,6 +281,7 @@ class VEK0_API CEntInsertMemento final : public IEntDerivedMemento {
   double m_rotation;
   double m_columnSpacing, m_rowSpacing;
   long m_columns, m_rows;
+  std::shared_ptr<const INSERT_CLIP> m_clip;
 };
 
 /// Undo snapshot of an insert of fixed pixel size, likewise.
