@@ -84,6 +84,7 @@
 #include "vek0core/entities/enttable.h"
 #include "vek0core/entities/enttext.h"
 #include "vek0core/entities/entvisitor.h"
+#include "vek0core/entities/insertclip.h"
 #include "vek0core/entities/insertmatrix.h"
 #include "vek0core/entities/insertstack.h"
 #include "vek0core/entities/joinents.h"
