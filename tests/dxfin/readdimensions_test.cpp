@@ -215,9 +215,10 @@ TEST(ReadDimensions, HeadsAreThoseOfTheStyle) {
   };
   const Loaded filled = load("142 0");
   ASSERT_EQ(filled.count(CEnt3DFace::kType), 2);
-  for (const CEnt* ent : filled.data->getEntTable().getEntityTbl())
-    if (ent->getType() == CEnt3DFace::kType)
-      EXPECT_NEAR(ent->getBdry().max.x - ent->getBdry().min.x, 1, 1e-9);
+  for (const CEnt* ent : filled.data->getEntTable().getEntityTbl()) {
+    if (ent->getType() != CEnt3DFace::kType) continue;
+    EXPECT_NEAR(ent->getBdry().max.x - ent->getBdry().min.x, 1, 1e-9);
+  }
   EXPECT_EQ(load("142 1").count(CEntPolyline::kType), 2);
   EXPECT_EQ(load("5 _Open30").count(CEntPolyline::kType), 2);
   EXPECT_EQ(load("5 Head").count(CEntInsert::kType), 2);
