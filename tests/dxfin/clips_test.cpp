@@ -33,43 +33,38 @@ std::string filter(const char* on, const char* y, const std::string& matrices) {
          "|72 0|73 0|" + matrices;
 }
 
+// What becomes of the insert, the objects standing in front of it or behind.
+void expectClip(const char* what, const std::string& list, bool isClipped, long lost,
+                bool isFirst = false) {
+  SCOPED_TRACE(what);
+  const std::string objects = section("OBJECTS", pairsOf(list + "0 XRECORD|5 8"));
+  const Loaded got =
+      loadText(kBlocks + (isFirst ? objects : "") + kInsert + (isFirst ? "" : objects) + dxf(),
+               CFileDXFIPolicy::forAnyFile());
+  ASSERT_TRUE(got.only());
+  const auto& ent = static_cast<const CEntInsert&>(*got.only());
+  EXPECT_EQ(got.report.count("clip ignored"), lost);
+  ASSERT_EQ(ent.isClipped(), isClipped);
+  if (!isClipped) return;
+  const std::vector<PNT_2D> square{PNT_2D(0, 0), PNT_2D(2, 0), PNT_2D(2, 1), PNT_2D(0, 1)};
+  EXPECT_TRUE(ent.getClip()->boundary == square);
+  CFileMemory file(u"saved.dxf", IFile::kWrite);
+  CFileReport report;
+  EXPECT_TRUE(SaveDXF(got.drawing(), file, kSaveExchange, &report));
+  EXPECT_EQ(report.count("clip lost"), 1);
+}
+
 }  // namespace
 
 TEST(Clips, AreFoundAppliedOrReported) {
-  const std::string good = filter("1", "2", kToBlock + kToPlane);
-  const struct {
-    const char* what;
-    std::string objects;
-    bool isClipped;
-    long lost;
-  } cases[] = {
-      {"usual",               kLinks + good,       true,        0                   },
-      {"backwards",           good + kLinks,       true,        0                   },
-      {"off",                 kLinks + filter("0", "2",         kToBlock + kToPlane), false, 0},
-      {"no number",                    kLinks + filter("1",                                       "nan",                                        kToBlock + kToPlane),                      false, 1},
-      {"no matrix", kLinks + filter("1",               "2",kToBlock),false, 1},
-      {"in front of a plane",  kLinks + filter("1|72 1|40 9",    "2",                     kToBlock + kToPlane),                                                    true, 1},
-      {"no boundary",                     kLinks,                    false, 1              },
-      {"inverted",                 kLinks + good + kInverted,                                   false,                                              1  },
-      {"another dictionary",                kOwn + "0 DICTIONARY|5 A2|",               false,                          0                      },
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    const std::string objects = section("OBJECTS", pairsOf(c.objects + "0 XRECORD|5 8"));
-    const bool isFirst = c.what[0] == 'b';
-    const Loaded got =
-        loadText(kBlocks + (isFirst ? objects : "") + kInsert + (isFirst ? "" : objects) + dxf(),
-                 CFileDXFIPolicy::forAnyFile());
-    ASSERT_TRUE(got.only());
-    const auto& ent = static_cast<const CEntInsert&>(*got.only());
-    EXPECT_EQ(got.report.count("clip ignored"), c.lost);
-    ASSERT_EQ(ent.isClipped(), c.isClipped);
-    if (!c.isClipped) continue;
-    const std::vector<PNT_2D> square{PNT_2D(0, 0), PNT_2D(2, 0), PNT_2D(2, 1), PNT_2D(0, 1)};
-    EXPECT_TRUE(ent.getClip()->boundary == square);
-    CFileMemory file(u"saved.dxf", IFile::kWrite);
-    CFileReport report;
-    EXPECT_TRUE(SaveDXF(got.drawing(), file, kSaveExchange, &report));
-    EXPECT_EQ(report.count("clip lost"), 1);
-  }
+  const std::string both = kToBlock + kToPlane, good = filter("1", "2", both);
+  expectClip("usual", kLinks + good, true, 0);
+  expectClip("backwards", good + kLinks, true, 0, true);
+  expectClip("off", kLinks + filter("0", "2", both), false, 0);
+  expectClip("no number", kLinks + filter("1", "nan", both), false, 1);
+  expectClip("no matrix", kLinks + filter("1", "2", kToBlock), false, 1);
+  expectClip("in front of a plane", kLinks + filter("1|72 1|40 9", "2", both), true, 1);
+  expectClip("no boundary", kLinks, false, 1);
+  expectClip("inverted", kLinks + good + kInverted, false, 1);
+  expectClip("another dictionary", kOwn + "0 DICTIONARY|5 A2|", false, 0);
 }
