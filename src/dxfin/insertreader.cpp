@@ -62,8 +62,7 @@ void readAttribs(RecordReader& in, CEntInsertBase& insert) {
     const PNT_3D& normal = in.record().extrusion;
     if (normal != in.frame().normal)
       changePlane(text, PlaneAxes(normal), PlaneAxes(in.frame().normal));
-    transform_attrib_phisic_2_logic(1.0, insert, text);
-    attrib->setText(text);
+    placeAttrib(insert, text, *attrib);
     insert.add(attrib.get());
     static_cast<void>(attrib.release());  // not before the insert has it
   }

@@ -1,7 +1,9 @@
 #include "dxfout/exactnumbers.h"
 
 #include <cmath>
+#include <string_view>
 
+#include "files/number.h"
 #include "vek0core/geometry/angle.h"
 
 namespace vek0::detail {
@@ -28,6 +30,18 @@ double nearestDegrees(double angleRad) {
 }
 
 }  // namespace
+
+double classicDegrees(double angleRad) {
+  constexpr double huge = 1e6;
+  const double degrees = angleRad * 57.29577951308233;
+  return std::fabs(degrees) < huge ? degrees : exactDegrees(angleRad);
+}
+
+double sixDecimals(double value) {
+  char text[kFixedRoom];
+  const char* end = formatFixed(text, value);
+  return parseDouble(std::string_view(text, static_cast<std::size_t>(end - text))).value;
+}
 
 double readRadians(double degrees) { return degrees * kRadiansPerDegree; }
 

@@ -2,8 +2,12 @@
 
 namespace vek0::detail {
 
-/// The degrees of the classic form: what anyone would make of the angle.
-constexpr double classicDegrees(double angleRad) { return angleRad * 57.29577951308233; }
+/// The degrees of the classic form: what anyone would make of the angle. From a million on it
+/// is what readers make the same angle of, since there their factor shows within six decimals.
+double classicDegrees(double angleRad);
+
+/// What a reader gets of a number that is written with six decimals; 0 if it is not finite.
+double sixDecimals(double value);
 
 /// The degrees that a reader turns into exactly `angleRad`, a number of at most ten
 /// decimals if there is one. Readers multiply by a factor that is off by

@@ -33,13 +33,27 @@ constexpr long kFlagBits = 0x7F;
 // The letter A: the pattern is fitted to the ends of a line.
 constexpr long kAlignment = 65;
 
+bool isWritten(const CEnt& ent, unsigned flags) {
+  if ((flags & kSaveVisibleOnly) == 0 || !ent.getLayer()) return true;
+  return (ent.getLayer()->getFlags() & (kLayerFrozen | kLayerOff)) == 0;
+}
+
+// Calls `each` with every entity of model space that the flags ask for, until it returns false.
+template <class Each>
+void forEachWritten(const CData& data, unsigned flags, const Each& each) {
+  const CEntTable& table = data.getEntTable();
+  const bool selected = (flags & kSaveSelectedOnly) != 0;
+  for (CEnt* ent : selected ? table.getSelectedEntityTbl() : table.getEntityTbl())
+    if (isWritten(*ent, flags) && !each(*ent)) return;
+}
+
 /// Hands the blocks that are written to another operation: all but those of hatches that
-/// are gone, which nobody would miss and readers only keep.
+/// are gone or not written, which nobody would miss and readers only keep.
 class WrittenBlocks final : public IBlockOperation {
  public:
-  WrittenBlocks(const CData& data, IBlockOperation& op)
+  WrittenBlocks(const CData& data, unsigned flags, IBlockOperation& op)
       : m_hatchBlocks(hatchBlocksOf(data)), m_op(op) {
-    if (!m_hatchBlocks.empty()) noteUses(data);
+    if (!m_hatchBlocks.empty()) noteUses(data, flags);
   }
 
   int doOperation(CBlock& block) override {
@@ -55,7 +69,7 @@ class WrittenBlocks final : public IBlockOperation {
     return blocks;
   }
 
-  void noteUses(const CData& data) {
+  void noteUses(const CData& data, unsigned flags) {
     vek0::detail::PointerSet all;
     for (const CBlock* block : m_hatchBlocks) all.insert(block);
     const auto note = [&](const CEntInsertBase& insert) {
@@ -63,8 +77,10 @@ class WrittenBlocks final : public IBlockOperation {
     };
     for (const CBlock* block : vek0::detail::blocksOf(data))
       for (CBlock::CInsertIterator insert(*block); *insert; ++insert) note(**insert);
-    for (const CEnt* ent : data.getEntTable().getEntityTbl())
-      if (const CEntInsertBase* insert = ent->getEntInsert()) note(*insert);
+    forEachWritten(data, flags, [&](const CEnt& ent) {
+      if (const CEntInsertBase* insert = ent.getEntInsert()) note(*insert);
+      return true;
+    });
   }
 
   std::vector<const CBlock*> m_hatchBlocks;
@@ -85,6 +101,15 @@ class BlockVisit final : public IBlockOperation {
  private:
   IEntVisitor& m_visitor;
 };
+
+// Of six decimals, the length must be the sum that readers get.
+double patternLength(const CLtype& ltype, bool exact) {
+  if (exact || !std::isfinite(ltype.getPatternLen())) return ltype.getPatternLen();
+  double sum = 0;
+  for (int i = 0; i < ltype.getNoDashes(); ++i)
+    sum += std::fabs(vek0::detail::sixDecimals(ltype[i]->GetValue()));
+  return sum;
+}
 
 long countOfDashes(const CLtype& ltype) {
   const CLtypeComplexDashSeq& dashes = ltype.GetLtypeComplexDashSeq();
@@ -149,7 +174,7 @@ void CFileDXFOSaver::collectHandles() {
   vek0::detail::HandleCollector collector(*m_handles, filter, (m_flags & kSaveFlatten) != 0,
                                           isExchange());
   BlockVisit visit(collector);
-  WrittenBlocks written(m_data, visit);
+  WrittenBlocks written(m_data, m_flags, visit);
   // A cycle shows again when the blocks are written.
   m_data.getBlockTable().getBlockGraph().VisitUndep(written);
   visitEntities(collector);
@@ -241,7 +266,7 @@ void CFileDXFOSaver::writeLtype(const CLtype& ltype) {
   // Elements that are no dashes have no form in this version. The classic form
   // counts them all the same.
   write(73, isExchange() ? countOfDashes(ltype) : static_cast<long>(dashes.GetNoDashes()));
-  write(40, finite(ltype.getPatternLen(), 0, name));
+  write(40, finite(patternLength(ltype, isExchange()), 0, name));
   for (int i = 0; i < dashes.GetNoDashes(); ++i) {
     if (dashes.Get(i)->IsDoubleDash())
       write(49, finite(dashes.Get(i)->GetValue(), 0, name));
@@ -298,7 +323,7 @@ bool CFileDXFOSaver::writeBlocks() {
   for (const CBlockXRef* xref : vek0::detail::xrefsOf(m_data)) writeXRef(*xref);
   CFileDXFOBlockWriter writer(m_writer, m_visitor, m_converter);
   writer.setExchange(isExchange());
-  WrittenBlocks written(m_data, writer);
+  WrittenBlocks written(m_data, m_flags, writer);
   // Not an assertion: a host can make a block insert itself behind the table's back.
   const int iResult = m_data.getBlockTable().getBlockGraph().VisitUndep(written);
   write(0, u"ENDSEC");
@@ -323,17 +348,11 @@ void CFileDXFOSaver::writeEntities() {
 }
 
 void CFileDXFOSaver::visitEntities(IEntVisitor& visitor) {
-  const CEntTable& table = m_data.getEntTable();
-  const bool selected = (m_flags & kSaveSelectedOnly) != 0;
-  for (CEnt* ent : selected ? table.getSelectedEntityTbl() : table.getEntityTbl()) {
-    if (m_writer.fail()) return;
-    if (isWritten(*ent)) ent->accept(visitor);
-  }
-}
-
-bool CFileDXFOSaver::isWritten(const CEnt& ent) const {
-  if ((m_flags & kSaveVisibleOnly) == 0 || !ent.getLayer()) return true;
-  return (ent.getLayer()->getFlags() & (kLayerFrozen | kLayerOff)) == 0;
+  forEachWritten(m_data, m_flags, [&](CEnt& ent) {
+    if (m_writer.fail()) return false;
+    ent.accept(visitor);
+    return true;
+  });
 }
 
 void CFileDXFOSaver::beginSection(const zim::Char* name) {

@@ -30,7 +30,11 @@
 #include "vek0core/tables/ltype.h"
 #include "vek0core/tables/text.h"
 
+using vek0::detail::classicDegrees;
+using vek0::detail::exactDegrees;
+using vek0::detail::readRadians;
 using vek0::detail::SavedVertex;
+using vek0::detail::sixDecimals;
 using vek0::detail::steady;
 using vek0::detail::steadyAngle;
 
@@ -171,7 +175,7 @@ void CFileDXFOVisitor::visit(CEntHatch& ent) {
   if (refuses(ent, "HATCH")) return;
   const long handle = insert_visit(ent);
   if (!vek0::detail::hasHatchData(ent)) return report("hatch as insert", "HATCH");
-  vek0::detail::writeHatchData(m_writer, ent, handle, m_flatten);
+  vek0::detail::writeHatchData(m_writer, ent, handle, m_flatten, m_exchange);
 }
 
 void CFileDXFOVisitor::visit(CEntAttrib&) { ZORA_ASSERT(false); }
@@ -312,8 +316,11 @@ void CFileDXFOVisitor::writePoint(long index, const PNT_3D& pnt) {
 }
 
 void CFileDXFOVisitor::writeAngle(long code, double angleRad) {
-  m_writer.write(code, m_exchange ? vek0::detail::exactDegrees(angleRad)
-                                  : vek0::detail::classicDegrees(angleRad));
+  m_writer.write(code, degrees(angleRad));
+}
+
+double CFileDXFOVisitor::degrees(double angleRad) const {
+  return m_exchange ? exactDegrees(angleRad) : classicDegrees(angleRad);
 }
 
 long CFileDXFOVisitor::writeHandle(long handle) {
@@ -322,48 +329,59 @@ long CFileDXFOVisitor::writeHandle(long handle) {
   return written;
 }
 
+// Follows from the rest of the text, and so from what readers get of that: else it would move
+// once more when what was read is saved.
+PNT_3D CFileDXFOVisitor::basePoint(const TEXT_3D& text) const {
+  if (text.getAlign() == 0) return text.getBasePoint();
+  const auto asRead = [this](double value) { return m_exchange ? value : sixDecimals(value); };
+  TEXT_3D read(text);
+  read.set(asRead(text.x), asRead(text.y), text.z);
+  CTextContext context(text.getContext());
+  context.setHeight(asRead(context.getHeight()));
+  context.setWidthScale(asRead(context.getWidthScale()));
+  context.setRotate(readRadians(asRead(degrees(context.getRotate()))));
+  read.setContext(context);
+  return m_exchange ? steadyPoint(read.getBasePoint(), read) : read.getBasePoint();
+}
+
 CFileDXFOVisitor::TextRecord CFileDXFOVisitor::placed(const TEXT_3D& text) const {
   const CTextContext& context = text.getContext();
-  PNT_3D base = text.getBasePoint();
-  if (m_exchange && text.getAlign() != 0) base = steadyPoint(base, text);
-  return {&context.getString(),
-          text.getStyle(),
-          base,
-          text,
-          context.getHeight(),
-          context.getWidthScale(),
-          context.getRotate(),
-          context.getOblique(),
-          text.getHorizAlign(),
-          text.getVertAlign()};
+  return {&context.getString(), text.getStyle(),         basePoint(text),     text,
+          context.getHeight(),  context.getWidthScale(), context.getRotate(), context.getOblique(),
+          text.getHorizAlign(), text.getVertAlign()};
 }
 
 // An attribute stands in the coordinates of its block, but in the file in those of
 // the drawing.
 CFileDXFOVisitor::TextRecord CFileDXFOVisitor::placed(const CEntInsertBase& insert,
                                                       const CEntAttrib& attrib) const {
-  PNT_3D position;
-  double height, widthScale, rotationRad, obliqueRad;
-  transform_attrib_logic_2_phisic(kPixelSize, insert, attrib, position, height, widthScale,
-                                  rotationRad, obliqueRad);
-  if (m_exchange) {
-    position = steadyPoint(position, insertionPoint(insert));
-    height = steady(height);
-    widthScale = steady(widthScale);
-    rotationRad = steadyAngle(rotationRad);
-    obliqueRad = steadyAngle(obliqueRad);
-  }
+  const ATTRIB_PLACE* remembered = rememberedPlace(insert, attrib);
+  const ATTRIB_PLACE place = remembered ? *remembered : computedPlace(insert, attrib);
   TEXT_3D text(attrib.getText());
-  text.set(position.x, position.y, position.z);
+  text.set(place.position.x, place.position.y, place.position.z);
   CTextContext context(text.getContext());
-  context.setHeight(height);
-  context.setWidthScale(widthScale);
-  context.setRotate(rotationRad);
-  context.setOblique(obliqueRad);
+  context.setHeight(place.height);
+  context.setWidthScale(place.widthScale);
+  context.setRotate(place.rotation);
+  context.setOblique(place.oblique);
   text.setContext(context);
   TextRecord record = placed(text);
   record.string = &attrib.getValue();
   return record;
+}
+
+ATTRIB_PLACE CFileDXFOVisitor::computedPlace(const CEntInsertBase& insert,
+                                             const CEntAttrib& attrib) const {
+  ATTRIB_PLACE place;
+  transform_attrib_logic_2_phisic(kPixelSize, insert, attrib, place.position, place.height,
+                                  place.widthScale, place.rotation, place.oblique);
+  if (!m_exchange) return place;
+  place.position = steadyPoint(place.position, insertionPoint(insert));
+  place.height = steady(place.height);
+  place.widthScale = steady(place.widthScale);
+  place.rotation = steadyAngle(place.rotation);
+  place.oblique = steadyAngle(place.oblique);
+  return place;
 }
 
 template <class Ent>

@@ -48,8 +48,9 @@ constexpr auto kGroupLines = [] {
 
 // What `encodeText` would copy as it stands.
 bool isPlain(std::u16string_view text) {
-  return std::all_of(text.begin(), text.end(),
-                     [](zim::Char c) { return c >= 0x20 && c < 0x7F && c != u'^' && c != u'\\'; });
+  return !text.ends_with(u' ') && std::all_of(text.begin(), text.end(), [](zim::Char c) {
+    return c >= 0x20 && c < 0x7F && c != u'^' && c != u'\\';
+  });
 }
 
 }  // namespace

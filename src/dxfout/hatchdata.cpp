@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "dxfin/hatchdatalayout.h"
+#include "dxfout/exactnumbers.h"
 #include "dxfout/savefilter.h"
 #include "vek0core/dxfout/filedxfowriter.h"
 #include "vek0core/entities/block.h"
@@ -23,10 +24,11 @@ long shortOf(std::size_t count) {
 
 class HatchDataWriter {
  public:
-  HatchDataWriter(CFileDXFOWriter& writer, const CEntHatch& hatch, bool flatten)
+  HatchDataWriter(CFileDXFOWriter& writer, const CEntHatch& hatch, bool flatten, bool exact)
       : m_writer(writer),
         m_hatch(hatch),
         m_flatten(flatten),
+        m_exact(exact),
         m_z(flatten ? 0 : hatch.getPnt(0).z) {}
 
   void write(long handle) {
@@ -66,16 +68,20 @@ class HatchDataWriter {
     m_writer.write(kReal, m_hatch.getHatchRotate());
   }
 
-  // A point inside: the middle of the first line, else a vertex.
+  // A point inside: the middle of the first line as readers get it, else a vertex.
   PNT_3D seed() const {
     PNT_3D pnt = m_hatch.getPnt(0);
     const CBlock* block = m_hatch.getBlock();
     if (block && block->size() > 0 && (*block)[0]->getType() == CEntLine::kType) {
       const LINE_3D& line = static_cast<const CEntLine&>(*(*block)[0]).getLine();
-      pnt.set((line.p1.x + line.p2.x) / 2, (line.p1.y + line.p2.y) / 2, 0);
+      pnt.set(middle(line.p1.x, line.p2.x), middle(line.p1.y, line.p2.y), 0);
     }
     pnt.z = m_z;
     return pnt;
+  }
+
+  double middle(double a, double b) const {
+    return m_exact ? (a + b) / 2 : (sixDecimals(a) + sixDecimals(b)) / 2;
   }
 
   void writeRing(const HatchRing& ring) {
@@ -104,6 +110,7 @@ class HatchDataWriter {
   CFileDXFOWriter& m_writer;
   const CEntHatch& m_hatch;
   bool m_flatten;
+  bool m_exact;
   double m_z;
 };
 
@@ -123,8 +130,9 @@ bool hasHatchData(const CEntHatch& hatch) {
          std::all_of(type.lines, type.lines + type.numLines, isFiniteLine);
 }
 
-void writeHatchData(CFileDXFOWriter& writer, const CEntHatch& hatch, long handle, bool flatten) {
-  HatchDataWriter(writer, hatch, flatten).write(handle);
+void writeHatchData(CFileDXFOWriter& writer, const CEntHatch& hatch, long handle, bool flatten,
+                    bool exact) {
+  HatchDataWriter(writer, hatch, flatten, exact).write(handle);
 }
 
 }  // namespace vek0::detail

@@ -13,7 +13,9 @@ bool hasHatchData(const CEntHatch& hatch);
 /// one order that our reader takes: pattern, scale, angle, a point inside, the boundary
 /// ring by ring, and the lines of a pattern that is not in the catalogue.
 ///
-/// `handle` is the one written for the hatch. With `flatten` the boundary's Z is 0.
-void writeHatchData(CFileDXFOWriter& writer, const CEntHatch& hatch, long handle, bool flatten);
+/// `handle` is the one written for the hatch. With `flatten` the boundary's Z is 0; `exact`
+/// says how the writer writes numbers.
+void writeHatchData(CFileDXFOWriter& writer, const CEntHatch& hatch, long handle, bool flatten,
+                    bool exact);
 
 }  // namespace vek0::detail

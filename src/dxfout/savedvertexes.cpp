@@ -1,5 +1,8 @@
 #include "dxfout/savedvertexes.h"
 
+#include <cmath>
+
+#include "dxfout/exactnumbers.h"
 #include "dxfout/savefilter.h"
 
 namespace vek0::detail {
@@ -8,54 +11,72 @@ namespace {
 // Code 70 of VERTEX.
 constexpr long kFromFit = 1, kFromSpline = 8, kControl = 16, kVertex3D = 32;
 
-void takeVertex(const PNT_3D& pnt, double widthStart, double widthEnd, PolylineForm& form) {
+// Whether a reader finds two numbers alike.
+struct Sameness {
+  bool exact;
+
+  bool operator()(double a, double b) const {
+    constexpr double near = 2e-6;  // what is further apart differs within six decimals
+    if (a == b || exact || !(std::fabs(a - b) < near)) return a == b;
+    return sixDecimals(a) == sixDecimals(b);
+  }
+  bool operator()(const PNT_3D& a, const PNT_3D& b) const {
+    return (*this)(a.x, b.x) && (*this)(a.y, b.y) && (*this)(a.z, b.z);
+  }
+};
+
+void takeVertex(const PNT_3D& pnt, double widthStart, double widthEnd, Sameness same,
+                PolylineForm& form) {
   form.finite = form.finite && isFinite(pnt) && isFinite(widthStart, widthEnd);
   if (form.empty) form.width = widthStart;
   form.empty = false;
-  form.widthConstant = form.widthConstant && widthStart == form.width && widthEnd == form.width;
+  form.widthConstant =
+      form.widthConstant && same(widthStart, form.width) && same(widthEnd, form.width);
 }
 
-void takeVisible(const CEntPolyline& ent, PolylineForm& form) {
+void takeVisible(const CEntPolyline& ent, Sameness same, PolylineForm& form) {
   struct {
+    Sameness same;
     PolylineForm& form;
     bool first = true;
     bool wide = false, sloping = false, finiteBulges = true;
-  } seen{form};
+  } seen{same, form};
   ent.forEachBulged([&seen](const PNT_3D& pnt, double ws, double we, double bulge, long) {
     if (seen.first) seen.form.elevation = pnt.z;
     seen.first = false;
-    seen.wide = seen.wide || ws != 0 || we != 0;
-    seen.sloping = seen.sloping || pnt.z != seen.form.elevation;
+    seen.wide = seen.wide || !seen.same(ws, 0) || !seen.same(we, 0);
+    seen.sloping = seen.sloping || !seen.same(pnt.z, seen.form.elevation);
     seen.finiteBulges = seen.finiteBulges && isFinite(bulge, 0);
-    takeVertex(pnt, ws, we, seen.form);
+    takeVertex(pnt, ws, we, seen.same, seen.form);
   });
   form.solid = seen.sloping && !seen.wide;
   form.finite = form.finite && seen.finiteBulges;
 }
 
-void takeControls(const CEntPolyline& ent, PolylineForm& form) {
+void takeControls(const CEntPolyline& ent, Sameness same, PolylineForm& form) {
   for (int i = 0; i < ent.getFirstVisibleVertex(); ++i) {
     const CVertex& vertex = ent.GetVertex(i);
-    takeVertex(vertex.getPnt(), vertex.GetWidthStart(), vertex.GetWidthEnd(), form);
+    takeVertex(vertex.getPnt(), vertex.GetWidthStart(), vertex.GetWidthEnd(), same, form);
   }
 }
 
 // Steps through the control points of a fitted curve, which its chain meets in order.
 struct ControlCursor {
   const CEntPolyline& ent;
+  Sameness same;
   long next = 0;
 
   bool meets(const PNT_3D& pnt) {
     if (next >= ent.getFirstVisibleVertex()) return false;
-    if (ent.GetVertex(static_cast<int>(next)).getPnt() != pnt) return false;
+    if (!same(ent.GetVertex(static_cast<int>(next)).getPnt(), pnt)) return false;
     ++next;
     return true;
   }
 };
 
 // Whether a reader would find the control points among the visible vertices.
-bool controlsInChain(const CEntPolyline& ent) {
-  ControlCursor cursor{ent};
+bool controlsInChain(const CEntPolyline& ent, Sameness same) {
+  ControlCursor cursor{ent, same};
   ent.forEachVisible(
       [&cursor](const PNT_3D& pnt, double, double, double, long) { cursor.meets(pnt); });
   return cursor.next == ent.getFirstVisibleVertex();
@@ -63,16 +84,18 @@ bool controlsInChain(const CEntPolyline& ent) {
 
 }  // namespace
 
-PolylineForm polylineForm(const CEntPolyline& ent, bool flatten, bool bulges) {
+PolylineForm polylineForm(const CEntPolyline& ent, bool flatten, bool exchange) {
   PolylineForm form;
+  form.exact = exchange;
+  const Sameness same{exchange};
   const short curve = ent.getCurve();
   if (curve == CEntPolyline::kFit || curve == CEntPolyline::kSpline) form.curve = curve;
-  form.inChain = form.curve == CEntPolyline::kFit && controlsInChain(ent);
+  form.inChain = form.curve == CEntPolyline::kFit && controlsInChain(ent, same);
   form.framed = form.curve != 0 && !form.inChain;
-  if (form.framed) takeControls(ent, form);
-  takeVisible(ent, form);
+  if (form.framed) takeControls(ent, same, form);
+  takeVisible(ent, same, form);
   form.solid = form.solid && !flatten;
-  form.bulges = bulges && !form.solid && form.curve == 0;
+  form.bulges = exchange && !form.solid && form.curve == 0;
   return form;
 }
 
@@ -88,7 +111,9 @@ void forEachSaved(const CEntPolyline& ent, const PolylineForm& form,
     const std::function<void(const SavedVertex&)>& sink;
     long flags;
     ControlCursor controls;
-  } run{form, sink, always, {ent}};
+  } run{
+      form, sink, always, {ent, {form.exact}}
+  };
   if (form.curve != 0) run.flags |= form.curve == CEntPolyline::kFit ? kFromFit : kFromSpline;
   const auto each = [&run](const PNT_3D& pnt, double ws, double we, double bulge, long handle) {
     const bool control = run.form.inChain && run.controls.meets(pnt);

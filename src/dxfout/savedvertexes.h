@@ -17,6 +17,7 @@ struct SavedVertex {
 
 /// How a polyline is written, found in one pass over its vertices.
 struct PolylineForm {
+  bool exact = true;     // numbers are written exactly
   bool finite = true;    // every coordinate and width is a number
   bool solid = false;    // has an extent in z that other programs must know of
   bool bulges = false;   // arcs are written as one vertex with a bulge
@@ -29,9 +30,9 @@ struct PolylineForm {
   short curve = 0;   // 0, `kFit` or `kSpline`; other curves are written as plain chains
 };
 
-/// Finds how `ent` is written. `flatten`: points lose their z. `bulges`: arcs may be
-/// written as such, which 3D polylines cannot have.
-PolylineForm polylineForm(const CEntPolyline& ent, bool flatten, bool bulges);
+/// Finds how `ent` is written. `flatten`: points lose their z. `exchange`: numbers are exact,
+/// and arcs written as such, but for those of 3D polylines, which cannot have them.
+PolylineForm polylineForm(const CEntPolyline& ent, bool flatten, bool exchange);
 
 /// Hands every vertex that is written to `sink`, in order. Does not unpack.
 void forEachSaved(const CEntPolyline& ent, const PolylineForm& form,

@@ -46,6 +46,9 @@ void SaveHandles::settle() {
   if (highest + things + m_ends <= kHighestFresh) m_nextThing = {highest + 1, m_taken.size()};
   m_nextEnd = m_nextThing;
   for (std::size_t i = 0; i < things; ++i) fresh(m_nextEnd);
+  // Where the ends go must follow from what all things have by then: that is what is read.
+  const Key above = std::max(m_nextEnd.next, highest + 1);
+  if (above + m_ends <= kHighestFresh) m_nextEnd = {above, m_taken.size()};
   Free last = m_nextEnd;
   for (std::size_t i = 0; i < m_ends; ++i) fresh(last);
   m_seed = std::max(last.next, highest + 1);
@@ -106,7 +109,7 @@ void HandleCollector::visit(CEntHatch& ent) { noteInsert(ent); }
 void HandleCollector::visit(CEnt3DFace& ent) { note(ent); }
 
 void HandleCollector::visit(CEntPolyline& ent) {
-  const PolylineForm form = polylineForm(ent, m_flatten, m_bulges);
+  const PolylineForm form = polylineForm(ent, m_flatten, m_exchange);
   if (!form.finite) return;
   m_handles.note(ent.GetHandle());
   forEachSaved(ent, form, [this](const SavedVertex& v) { m_handles.note(v.handle); });

@@ -61,9 +61,9 @@ class SaveHandles {
 /// attributes included, as `CFileDXFOVisitor` will ask for them.
 class HandleCollector final : public IEntFooVisitor {
  public:
-  /// All are borrowed. `bulges`: arcs are written as one vertex.
-  HandleCollector(SaveHandles& handles, const SaveFilter& filter, bool flatten, bool bulges)
-      : m_handles(handles), m_filter(filter), m_flatten(flatten), m_bulges(bulges) {}
+  /// All but the flags, those of `polylineForm`, are borrowed.
+  HandleCollector(SaveHandles& handles, const SaveFilter& filter, bool flatten, bool exchange)
+      : m_handles(handles), m_filter(filter), m_flatten(flatten), m_exchange(exchange) {}
 
   using IEntFooVisitor::visit;
   void visit(CEntPnt& ent) override;
@@ -87,7 +87,7 @@ class HandleCollector final : public IEntFooVisitor {
   SaveHandles& m_handles;
   const SaveFilter& m_filter;
   bool m_flatten;
-  bool m_bulges;
+  bool m_exchange;
 };
 
 }  // namespace vek0::detail

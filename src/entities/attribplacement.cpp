@@ -31,6 +31,9 @@ struct Placement {
   }
 };
 
+// Reading knows no displays.
+constexpr double kPixelSize = 1;
+
 void stretch(TextFrame& frame, double sx, double sy) { frame.map(PNT_2D(sx, 0), PNT_2D(0, sy)); }
 
 }  // namespace
@@ -62,4 +65,29 @@ void transform_attrib_phisic_2_logic(double pixelSize, const CEntInsertBase& ins
   f.rotation = oneTurn(f.rotation);
   f.store(context);
   text.setContext(context);
+}
+
+void placeAttrib(const CEntInsertBase& insert, const TEXT_3D& text, CEntAttrib& attrib) {
+  const CTextContext& c = text.getContext();
+  attrib.setReadPlace(std::make_shared<const ATTRIB_PLACE>(
+      ATTRIB_PLACE{text, c.getHeight(), c.getWidthScale(), c.getRotate(), c.getOblique()}));
+  TEXT_3D inBlock(text);
+  transform_attrib_phisic_2_logic(kPixelSize, insert, inBlock);
+  attrib.setText(inBlock);
+}
+
+// Nothing tells of changes: the place counts that leads to the present text.
+const ATTRIB_PLACE* rememberedPlace(const CEntInsertBase& insert, const CEntAttrib& attrib) {
+  const ATTRIB_PLACE* place = attrib.getReadPlace();
+  if (place == nullptr) return nullptr;
+  TEXT_3D text(attrib.getText());
+  text.set(place->position.x, place->position.y, place->position.z);
+  CTextContext context = text.getContext();
+  context.setHeight(place->height);
+  context.setWidthScale(place->widthScale);
+  context.setRotate(place->rotation);
+  context.setOblique(place->oblique);
+  text.setContext(context);
+  transform_attrib_phisic_2_logic(kPixelSize, insert, text);
+  return text == attrib.getText() ? place : nullptr;
 }

@@ -14,7 +14,7 @@ CEntAttrib::CEntAttrib(const zim::WString& value, const CEntAttdef& def, long ha
 }
 
 CEntAttrib::CEntAttrib(const CEntAttrib& src, long handle)
-    : CEntText(src, handle), m_tag(src.m_tag), m_flags(src.m_flags) {}
+    : CEntText(src, handle), m_tag(src.m_tag), m_flags(src.m_flags), m_readPlace(src.m_readPlace) {}
 
 void CEntAttrib::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 

@@ -199,6 +199,11 @@ bool encodeSpecial(std::u16string_view text, std::size_t i, std::string& out) {
     out += c == u'^' ? ' ' : static_cast<char>(c + '@');
     return true;
   }
+  // Readers strip blanks behind a value.
+  if (c == u' ' && i + 1 == text.size()) {
+    appendUnitEscape(c, out);
+    return true;
+  }
   std::u16string ignored;
   if (c != u'\\' || !takeBackslash(text.substr(i), ignored)) return false;
   appendUnitEscape(c, out);

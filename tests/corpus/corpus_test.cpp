@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <regex>
 #include <vector>
 
 #include "corpus/drawingchecks.h"
@@ -41,6 +42,12 @@ long linesOf(const std::string& bytes) {
       std::count_if(bytes.begin(), bytes.end(), [](char c) { return c == '\n' || c == '\r'; }));
 }
 
+// Without the counts of linetype elements: the classic form counts those that it leaves out.
+std::string withoutCounts(const std::string& bytes) {
+  static const std::regex count("\n 73\n[0-9]+\n 40\n");
+  return std::regex_replace(bytes, count, "\n 40\n");
+}
+
 void expectRoundTrip(CData& data, unsigned flags) {
   const std::string first = save(data, flags);
   ASSERT_FALSE(first.empty());
@@ -49,10 +56,11 @@ void expectRoundTrip(CData& data, unsigned flags) {
   ASSERT_FALSE(copy.error.HasAnError())
       << copy.error.GetFullMessage().toUtf8() << " in our own file, flags " << flags;
   EXPECT_EQ(inconsistency(*copy.drawing), "");
-  if ((flags & kSaveExchange) == 0) return;
   // Strict reading passes over filled faces, and the files are too long for a comparison of lines.
   const Loaded again = load(first, CFileDXFIPolicy::forAnyFile());
-  EXPECT_TRUE(save(*again.drawing, flags) == first) << "load, save must give the same file again";
+  const std::string second = save(*again.drawing, flags);
+  EXPECT_TRUE(second == first || (flags == 0 && withoutCounts(second) == withoutCounts(first)))
+      << "load, save must give the same file again, flags " << flags;
 }
 
 void checkFile(const fs::path& path) {

@@ -63,7 +63,6 @@ class VEK0_API CFileDXFOSaver {
   void writeStyle(const CStyle& style, long flags);
   void writeXRef(const CBlockXRef& xref);
   void visitEntities(IEntVisitor& visitor);
-  bool isWritten(const CEnt& ent) const;
   double degrees(double angleRad) const;
   double finite(double value, double fallback, const zim::WString& where);
   long dependentFlags(long flags, const zim::WString& name);

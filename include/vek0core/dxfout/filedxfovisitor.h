@@ -15,6 +15,7 @@ class CStyle;
 class LINE_3D;
 class PNT_3D;
 class TEXT_3D;
+struct ATTRIB_PLACE;
 
 namespace vek0::detail {
 class SaveFilter;
@@ -86,6 +87,9 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   long writeHandle(long handle);
   TextRecord placed(const TEXT_3D& text) const;
   TextRecord placed(const CEntInsertBase& insert, const CEntAttrib& attrib) const;
+  ATTRIB_PLACE computedPlace(const CEntInsertBase& insert, const CEntAttrib& attrib) const;
+  PNT_3D basePoint(const TEXT_3D& text) const;
+  double degrees(double angleRad) const;
   template <class Ent>
   bool refuses(const Ent& ent, const char* kind);
   void report(const char* code, const char* kind);

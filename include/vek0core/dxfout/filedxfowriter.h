@@ -29,7 +29,7 @@ class VEK0_API CFileDXFOWriter {
   void write(long code, long value);
   /// Value 1 or 0.
   void write(long code, bool value);
-  /// Fixed notation with six decimals, never an exponent and never "-0.000000";
+  /// Fixed notation with six decimals, never an exponent, as "%.6f" gives it;
   /// the shortest exact decimal after `setExact(true)`. `value` must be finite:
   /// other numbers have no form that readers take and are written as 0.
   void write(long code, double value);

@@ -1,12 +1,20 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
+#include <utility>
 
 #include "vek0core/entities/enttext.h"
 #include "vek0core/export.h"
 #include "zim0lang/wstring.h"
 
 class CEntAttdef;
+
+/// Where a text stands in drawing coordinates, and its proportions there; angles in radians.
+struct ATTRIB_PLACE {
+  PNT_3D position;
+  double height, widthScale, rotation, oblique;
+};
 
 /// Attribute: a text that belongs to one insert and fills in one of its block's
 /// attribute definitions. What it displays is its value.
@@ -34,6 +42,11 @@ class VEK0_API CEntAttrib : public CEntText {
   long getFlags() const { return m_flags; }
   void setFlags(long flags) { m_flags = flags; }
 
+  /// The place that it was read at, null for none; copies share it. `rememberedPlace` tells
+  /// whether it still is where the attribute stands.
+  const ATTRIB_PLACE* getReadPlace() const { return m_readPlace.get(); }
+  void setReadPlace(std::shared_ptr<const ATTRIB_PLACE> place) { m_readPlace = std::move(place); }
+
  protected:
   friend class CEntFactory;
   /// The string of `text` is the value.
@@ -50,6 +63,7 @@ class VEK0_API CEntAttrib : public CEntText {
  private:
   zim::WString m_tag;
   long m_flags;
+  std::shared_ptr<const ATTRIB_PLACE> m_readPlace;
 };
 
 /// Undo snapshot of an attribute.

@@ -85,7 +85,8 @@ VEK0_API std::u16string decodeEscapes(std::u16string_view text);
 
 /// Appends the text to `out` as a value in a written file: Windows 1252, `\U+XXXX`
 /// for what that lacks, control characters and carets as `^J` and `^ `. A
-/// backslash that would begin an escape by chance becomes `\U+005C`; bytes that
+/// backslash that would begin an escape by chance becomes `\U+005C`, a blank at the end
+/// `\U+0020`, since readers strip it; bytes that
 /// would pass for UTF-8 are escaped; unpaired surrogates become U+FFFD. Otherwise
 /// `CTextDecoder(kCodePageAuto).decodeText` and `kCodePage1252` give the text back.
 VEK0_API void encodeText(std::u16string_view text, std::string& out);
