@@ -126,7 +126,7 @@ void BM_FindHandles(benchmark::State& state) {
   std::vector<CEnt*> entities;
   const Drawing drawing = lines(count, entities);
   for (auto _ : state) {
-    for (long handle = count; handle > 0; --handle) {
+    for (vek0::Handle handle = count; handle > 0; --handle) {
       benchmark::DoNotOptimize(drawing->getEntTable().get(handle));
     }
   }

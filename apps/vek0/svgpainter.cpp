@@ -115,10 +115,10 @@ std::string idPart(const std::string& layer) {
   return id;
 }
 
-std::string hexText(long handle) {
+std::string hexText(vek0::Handle handle) {
   char digits[24];
   const auto end =
-      std::to_chars(digits, digits + sizeof digits, static_cast<unsigned long>(handle), 16).ptr;
+      std::to_chars(digits, digits + sizeof digits, static_cast<std::uint64_t>(handle), 16).ptr;
   std::string text(digits, end);
   for (char& c : text) {
     if (c >= 'a') c = static_cast<char>(c - 'a' + 'A');

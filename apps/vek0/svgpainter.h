@@ -133,14 +133,14 @@ class SvgPainter final : public SheetPainter {
   std::vector<Group> m_groups;                             // not written yet, in their order
   std::unordered_map<std::string, std::size_t> m_groupOf;  // by the layer
   std::unordered_set<std::string> m_groupIds;
-  std::size_t m_buffered = 0;               // bytes in the groups
-  std::unordered_map<long, int> m_handles;  // how many ids each has
+  std::size_t m_buffered = 0;                       // bytes in the groups
+  std::unordered_map<vek0::Handle, int> m_handles;  // how many ids each has
 
   // What begin said.
   zim::WString m_layer;
   std::string m_layerUtf8;
   RGB_COLOR m_color;
-  long m_handle = 0;
+  vek0::Handle m_handle = 0;
   static constexpr std::size_t kNoGroup = static_cast<std::size_t>(-1);
   std::size_t m_group = kNoGroup;  // of the layer, once it has drawn something
 

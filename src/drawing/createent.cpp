@@ -19,107 +19,108 @@
 #include "vek0core/entities/vertex.h"
 
 CEntPnt* createEntPnt(const CData& data, CLayer* layer, CLtype* ltype, short color,
-                      const PNT_3D& pnt, long handle) {
+                      const PNT_3D& pnt, vek0::Handle handle) {
   return data.getEntFactory().createEntPnt(data.getHandleGestor(), layer, ltype, color, pnt,
                                            handle);
 }
-CEntPnt* createEntPnt(const CData& data, const PNT_3D& pnt, long handle) {
+CEntPnt* createEntPnt(const CData& data, const PNT_3D& pnt, vek0::Handle handle) {
   return createEntPnt(data, getCurLayer(data), getCurLtype(data), getCurColor(data), pnt, handle);
 }
 
 CEntLine* createEntLine(const CData& data, CLayer* layer, CLtype* ltype, short color,
-                        const LINE_3D& line, long handle) {
+                        const LINE_3D& line, vek0::Handle handle) {
   return data.getEntFactory().createEntLine(data.getHandleGestor(), layer, ltype, color, line,
                                             handle);
 }
-CEntLine* createEntLine(const CData& data, const LINE_3D& line, long handle) {
+CEntLine* createEntLine(const CData& data, const LINE_3D& line, vek0::Handle handle) {
   return createEntLine(data, getCurLayer(data), getCurLtype(data), getCurColor(data), line, handle);
 }
 
 CEntCircle* createEntCircle(const CData& data, CLayer* layer, CLtype* ltype, short color,
-                            const CIRCLE_3D& circle, long handle) {
+                            const CIRCLE_3D& circle, vek0::Handle handle) {
   return data.getEntFactory().createEntCircle(data.getHandleGestor(), layer, ltype, color, circle,
                                               handle);
 }
-CEntCircle* createEntCircle(const CData& data, const CIRCLE_3D& circle, long handle) {
+CEntCircle* createEntCircle(const CData& data, const CIRCLE_3D& circle, vek0::Handle handle) {
   return createEntCircle(data, getCurLayer(data), getCurLtype(data), getCurColor(data), circle,
                          handle);
 }
 
 CEntArc* createEntArc(const CData& data, CLayer* layer, CLtype* ltype, short color,
-                      const ARC_3D& arc, long handle) {
+                      const ARC_3D& arc, vek0::Handle handle) {
   return data.getEntFactory().createEntArc(data.getHandleGestor(), layer, ltype, color, arc,
                                            handle);
 }
-CEntArc* createEntArc(const CData& data, const ARC_3D& arc, long handle) {
+CEntArc* createEntArc(const CData& data, const ARC_3D& arc, vek0::Handle handle) {
   return createEntArc(data, getCurLayer(data), getCurLtype(data), getCurColor(data), arc, handle);
 }
 
 CEntPolyline* createEntPolyline(const CData& data, CLayer* layer, CLtype* ltype, short color,
-                                long flags, short degree, long handle) {
+                                long flags, short degree, vek0::Handle handle) {
   return data.getEntFactory().createEntPolyline(data.getHandleGestor(), layer, ltype, color,
                                                 static_cast<short>(flags), degree, handle);
 }
-CEntPolyline* createEntPolyline(const CData& data, long flags, short degree, long handle) {
+CEntPolyline* createEntPolyline(const CData& data, long flags, short degree, vek0::Handle handle) {
   return createEntPolyline(data, getCurLayer(data), getCurLtype(data), getCurColor(data), flags,
                            degree, handle);
 }
 
 CVertex* createVertex(const CData& data, const PNT_3D& pnt, double widthStart, double widthEnd,
-                      long handle) {
+                      vek0::Handle handle) {
   return data.getEntFactory().createVertex(data.getHandleGestor(), pnt, widthStart, widthEnd,
                                            handle);
 }
 
 CEntText* createEntText(const CData& data, CLayer* layer, CLtype* ltype, short color,
-                        const TEXT_3D& text, long handle) {
+                        const TEXT_3D& text, vek0::Handle handle) {
   return data.getEntFactory().createEntText(data.getHandleGestor(), layer, ltype, color, text,
                                             handle);
 }
-CEntText* createEntText(const CData& data, const TEXT_3D& text, long handle) {
+CEntText* createEntText(const CData& data, const TEXT_3D& text, vek0::Handle handle) {
   return createEntText(data, getCurLayer(data), getCurLtype(data), getCurColor(data), text, handle);
 }
 
 CEntAttdef* createEntAttdef(const CData& data, CLayer* layer, CLtype* ltype, short color,
                             const TEXT_3D& text, const zim::WString& value,
-                            const zim::WString& prompt, long flags, long handle) {
+                            const zim::WString& prompt, long flags, vek0::Handle handle) {
   return data.getEntFactory().createEntAttdef(data.getHandleGestor(), layer, ltype, color, text,
                                               value, prompt, flags, handle);
 }
 CEntAttdef* createEntAttdef(const CData& data, const TEXT_3D& text, const zim::WString& value,
-                            const zim::WString& prompt, long flags, long handle) {
+                            const zim::WString& prompt, long flags, vek0::Handle handle) {
   return createEntAttdef(data, getCurLayer(data), getCurLtype(data), getCurColor(data), text, value,
                          prompt, flags, handle);
 }
 
 CEntAttrib* createEntAttrib(const CData& data, const zim::WString& value, const CEntAttdef& def,
-                            long handle) {
+                            vek0::Handle handle) {
   return data.getEntFactory().createEntAttrib(data.getHandleGestor(), value, def, handle);
 }
 
 CEntInsert* createEntInsert(const CData& data, CLayer* layer, CLtype* ltype, short color,
                             CBlock& block, const PNT_3D& pnt, double sx, double sy, double sz,
                             double rotation, long columns, long rows, double columnSpacing,
-                            double rowSpacing, long handle) {
+                            double rowSpacing, vek0::Handle handle) {
   return data.getEntFactory().createEntInsert(data.getHandleGestor(), layer, ltype, color, &block,
                                               pnt, sx, sy, sz, rotation, columns, rows,
                                               columnSpacing, rowSpacing, handle);
 }
 CEntInsert* createEntInsert(const CData& data, CBlock& block, const PNT_3D& pnt, double sx,
                             double sy, double sz, double rotation, long columns, long rows,
-                            double columnSpacing, double rowSpacing, long handle) {
+                            double columnSpacing, double rowSpacing, vek0::Handle handle) {
   return createEntInsert(data, getCurLayer(data), getCurLtype(data), getCurColor(data), block, pnt,
                          sx, sy, sz, rotation, columns, rows, columnSpacing, rowSpacing, handle);
 }
 
 CEntFixedInsert* createEntFixedInsert(const CData& data, CLayer* layer, CLtype* ltype, short color,
                                       CBlock& block, const PNT_3D& pnt, double refSize,
-                                      double pixels, double rotation, long handle) {
+                                      double pixels, double rotation, vek0::Handle handle) {
   return data.getEntFactory().createEntFixedInsert(data.getHandleGestor(), layer, ltype, color,
                                                    &block, pnt, refSize, pixels, rotation, handle);
 }
 CEntFixedInsert* createEntFixedInsert(const CData& data, CBlock& block, const PNT_3D& pnt,
-                                      double refSize, double pixels, double rotation, long handle) {
+                                      double refSize, double pixels, double rotation,
+                                      vek0::Handle handle) {
   return createEntFixedInsert(data, getCurLayer(data), getCurLtype(data), getCurColor(data), block,
                               pnt, refSize, pixels, rotation, handle);
 }
@@ -127,7 +128,7 @@ CEntFixedInsert* createEntFixedInsert(const CData& data, CBlock& block, const PN
 CEntInsertXRef* createEntInsertXRef(CData& data, CLayer* layer, CLtype* ltype, short color,
                                     CBlockXRef& xref, const PNT_3D& pnt, double sx, double sy,
                                     double sz, double rotation, long columns, long rows,
-                                    double columnSpacing, double rowSpacing, long handle) {
+                                    double columnSpacing, double rowSpacing, vek0::Handle handle) {
   return data.getEntFactory().createEntInsertXRef(
       data.getHandleGestor(), layer, ltype, color, data.getDepend(), &xref, pnt, sx, sy, sz,
       rotation, columns, rows, columnSpacing, rowSpacing, handle);
@@ -135,7 +136,7 @@ CEntInsertXRef* createEntInsertXRef(CData& data, CLayer* layer, CLtype* ltype, s
 CEntInsertXRef* createEntInsertXRef(const CData& data, CBlockXRefDepend& depend, CBlockXRef& xref,
                                     const PNT_3D& pnt, double sx, double sy, double sz,
                                     double rotation, long columns, long rows, double columnSpacing,
-                                    double rowSpacing, long handle) {
+                                    double rowSpacing, vek0::Handle handle) {
   return data.getEntFactory().createEntInsertXRef(
       data.getHandleGestor(), getCurLayer(data), getCurLtype(data), getCurColor(data), depend,
       &xref, pnt, sx, sy, sz, rotation, columns, rows, columnSpacing, rowSpacing, handle);
@@ -143,7 +144,7 @@ CEntInsertXRef* createEntInsertXRef(const CData& data, CBlockXRefDepend& depend,
 
 CEntHatch* createEntHatch(CData& data, CLayer* layer, CLtype* ltype, short color,
                           const HATCH_TYPE& type, double scale, double rotate,
-                          const std::vector<PNT_3D>& boundary, long handle) {
+                          const std::vector<PNT_3D>& boundary, vek0::Handle handle) {
   std::unique_ptr<CEntHatch> hatch(data.getEntFactory().createEntHatch(
       data.getHandleGestor(), layer, ltype, color, getHatchName(data.getBlockTable()), type, scale,
       rotate, boundary, data, handle));
@@ -152,19 +153,19 @@ CEntHatch* createEntHatch(CData& data, CLayer* layer, CLtype* ltype, short color
   return vek0::detail::addHatchBlock(data.getBlockTable(), block) ? hatch.release() : nullptr;
 }
 CEntHatch* createEntHatch(CData& data, const HATCH_TYPE& type, double scale, double rotate,
-                          const std::vector<PNT_3D>& boundary, long handle) {
+                          const std::vector<PNT_3D>& boundary, vek0::Handle handle) {
   return createEntHatch(data, getCurLayer(data), getCurLtype(data), getCurColor(data), type, scale,
                         rotate, boundary, handle);
 }
 
 CEnt3DFace* createEnt3DFace(const CData& data, CLayer* layer, CLtype* ltype, short color,
                             const PNT_3D& p0, const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3,
-                            long flags, long handle) {
+                            long flags, vek0::Handle handle) {
   return data.getEntFactory().createEnt3DFace(data.getHandleGestor(), layer, ltype, color, p0, p1,
                                               p2, p3, flags, handle);
 }
 CEnt3DFace* createEnt3DFace(const CData& data, const PNT_3D& p0, const PNT_3D& p1, const PNT_3D& p2,
-                            const PNT_3D& p3, long flags, long handle) {
+                            const PNT_3D& p3, long flags, vek0::Handle handle) {
   return createEnt3DFace(data, getCurLayer(data), getCurLtype(data), getCurColor(data), p0, p1, p2,
                          p3, flags, handle);
 }

@@ -132,7 +132,8 @@ class EntCloner final : public IEntVisitor {
     return copy;
   }
 
-  CVertex& vertex(const PNT_3D& pnt, double widthStart, double widthEnd, long handle) const {
+  CVertex& vertex(const PNT_3D& pnt, double widthStart, double widthEnd,
+                  vek0::Handle handle) const {
     return *orThrow(createVertex(m_data, pnt, widthStart, widthEnd, handle));
   }
 
@@ -142,9 +143,10 @@ class EntCloner final : public IEntVisitor {
         m_data, layer(e), ltype(e), e.getColor(), e.getFlags(), e.getDegree(), e.GetHandle())));
     if (!e.isCurve()) {
       std::vector<BULGED_VERTEX> vertexes;
-      e.forEachBulged([&](const PNT_3D& pnt, double ws, double we, double bulge, long handle) {
-        vertexes.push_back({pnt.x, pnt.y, pnt.z, ws, we, bulge, handle});
-      });
+      e.forEachBulged(
+          [&](const PNT_3D& pnt, double ws, double we, double bulge, vek0::Handle handle) {
+            vertexes.push_back({pnt.x, pnt.y, pnt.z, ws, we, bulge, handle});
+          });
       copy->setBulgedVertexes(gestor(), factory(), vertexes.data(), vertexes.size());
       return copy;
     }
@@ -152,7 +154,7 @@ class EntCloner final : public IEntVisitor {
       const CVertex& v = e.GetVertex(i);
       copy->addVertex(vertex(v.getPnt(), v.GetWidthStart(), v.GetWidthEnd(), v.GetHandle()));
     }
-    e.forEachVisible([&](const PNT_3D& pnt, double ws, double we, double, long handle) {
+    e.forEachVisible([&](const PNT_3D& pnt, double ws, double we, double, vek0::Handle handle) {
       copy->addVisibleVertex(vertex(pnt, ws, we, handle));
     });
     copy->calcBdry();

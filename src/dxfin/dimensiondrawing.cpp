@@ -330,7 +330,7 @@ void DimensionDrawing::drawChords(const Sweep& arc) {
   std::vector<PNT_3D> points;
   for (int i = 0; i <= count; ++i)
     points.push_back(m_axes.toWorld(arc.at(arc.start + arc.sweep * i / count)));
-  const long handle = built.empty() ? m_in.record().handle : 0;
+  const vek0::Handle handle = built.empty() ? m_in.record().handle : 0;
   if (EntPtr chain = buildChain(m_in, points, CEntPolyline::kLtGen, handle))
     built.push_back(std::move(chain));
 }

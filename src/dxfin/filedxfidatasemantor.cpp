@@ -250,7 +250,8 @@ void IFileDXFIDataSemantor::freeHatchName(const zim::WString& name) {
 // What cannot be generated now keeps what the file says about it.
 CEntHatch* IFileDXFIDataSemantor::createHatch(CLayer* layer, CLtype* ltype, short colour,
                                               const HATCH_TYPE& type, double scale, double rotate,
-                                              const std::vector<PNT_3D>& boundary, long handle) {
+                                              const std::vector<PNT_3D>& boundary,
+                                              vek0::Handle handle) {
   std::unique_ptr<CBlock> block = generate(type, scale, rotate, boundary);
   std::unique_ptr<CEntHatch> hatch;
   if (!block) {

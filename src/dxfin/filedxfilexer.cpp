@@ -402,6 +402,6 @@ long CFileDXFILexer::getInt() const {
   return number;
 }
 
-long CFileDXFILexer::getHex() const {
-  return isNumberMissing() ? -1 : static_cast<long>(vek0::detail::parseHex(m_value));
+vek0::Handle CFileDXFILexer::getHex() const {
+  return isNumberMissing() ? -1 : static_cast<vek0::Handle>(vek0::detail::parseHex(m_value));
 }

@@ -25,7 +25,8 @@ const ICADFont* IFileDXFISemantor::getFont(const zim::WString& name) {
 
 CEntHatch* IFileDXFISemantor::createHatch(CLayer* layer, CLtype* ltype, short colour,
                                           const HATCH_TYPE& type, double scale, double rotate,
-                                          const std::vector<PNT_3D>& boundary, long handle) {
+                                          const std::vector<PNT_3D>& boundary,
+                                          vek0::Handle handle) {
   std::unique_ptr<CBlock> block(
       getBlockFactory().create(getHatchName(getBlockTable()), CBlock::kAnonymous));
   if (!block) return nullptr;

@@ -250,7 +250,7 @@ void MTextRecord::take(const CFileDXFILexer& lexer) {
     text += u' ';
 }
 
-void buildMText(RecordReader& in, const MTextRecord& record, long handle,
+void buildMText(RecordReader& in, const MTextRecord& record, vek0::Handle handle,
                 std::vector<EntPtr>& built) {
   const MTextContent content = decodeMText(record.text, baseFormat(in, record));
   const std::vector<MTextRun> runs = layoutMText(content, record.box, MTextRecord::kMostRuns);

@@ -5,6 +5,7 @@
 
 #include "dxfin/mtextlayout.h"
 #include "dxfin/recordreader.h"
+#include "vek0core/tables/handle.h"
 
 namespace vek0::detail {
 
@@ -26,7 +27,7 @@ struct MTextRecord {
 
 /// Appends a text entity for every run, in the world and in the look of the current record.
 /// `handle` is for the first entity.
-void buildMText(RecordReader& in, const MTextRecord& record, long handle,
+void buildMText(RecordReader& in, const MTextRecord& record, vek0::Handle handle,
                 std::vector<EntPtr>& built);
 
 // One reader a kind. Each starts on the group 0 of its record; what they give stands in the

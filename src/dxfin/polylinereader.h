@@ -4,6 +4,7 @@
 
 #include "dxfin/recordreader.h"
 #include "vek0core/entities/entpolyline.h"
+#include "vek0core/tables/handle.h"
 
 namespace vek0::detail {
 
@@ -25,7 +26,7 @@ class PolylineReader {
     CLayer* layer;
     CLtype* ltype;
     short color;
-    long handle;
+    vek0::Handle handle;
     long flags;    // code 70
     long surface;  // code 75
     double z, widthStart, widthEnd;

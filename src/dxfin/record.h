@@ -4,6 +4,7 @@
 #include <initializer_list>
 
 #include "vek0core/geometry/pnt.h"
+#include "vek0core/tables/handle.h"
 #include "zim0lang/wstring.h"
 
 class CLayer;
@@ -63,7 +64,7 @@ class Record {
   CLayer* layer = nullptr;
   CLtype* ltype = nullptr;
   CStyle* style = nullptr;
-  long handle = 0;
+  vek0::Handle handle = 0;
   short color = 256;
   long trueColor = kNoTrueColor;       ///< red, green and blue, a byte each; goes before `color`
   PNT_3D extrusion = PNT_3D(0, 0, 1);  ///< normal of the plane that the record is drawn in

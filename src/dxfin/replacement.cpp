@@ -20,7 +20,8 @@ EntPtr takeFirst(RecordReader& in, std::vector<EntPtr>& built) {
 
 }  // namespace
 
-EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short flags, long handle) {
+EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short flags,
+                  vek0::Handle handle) {
   if (!std::all_of(points.begin(), points.end(), isFinitePoint)) {
     in.fail(CFileDXFIError::InconsistentRecord);
     return nullptr;
@@ -36,8 +37,8 @@ EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short fla
   return polyline;
 }
 
-EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges, long handle,
-                 FaceFill fill) {
+EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges,
+                 vek0::Handle handle, FaceFill fill) {
   if (!std::all_of(std::begin(corners), std::end(corners), isFinitePoint)) {
     in.fail(CFileDXFIError::InconsistentRecord);
     return nullptr;
@@ -49,7 +50,7 @@ EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges,
 }
 
 std::vector<EntPtr> buildOutlines(RecordReader& in, const std::vector<std::vector<PNT_3D>>& rings,
-                                  long handle) {
+                                  vek0::Handle handle) {
   std::vector<EntPtr> outlines;
   for (const std::vector<PNT_3D>& ring : rings)
     if (EntPtr outline = buildChain(in, ring, CEntPolyline::kClosed, outlines.empty() ? handle : 0))

@@ -4,6 +4,7 @@
 
 #include "dxfin/recordreader.h"
 #include "vek0core/entities/ent3dface.h"
+#include "vek0core/tables/handle.h"
 
 namespace vek0::detail {
 
@@ -16,15 +17,16 @@ bool isFinitePoint(const PNT_3D& p);
 
 /// Plain polyline through the points. `flags` are those of `CEntPolyline`: closed or not, and for
 /// a curve that the linetype pattern runs on from chord to chord.
-EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short flags, long handle);
+EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short flags,
+                  vek0::Handle handle);
 
 /// 3D face; bit i of `hiddenEdges` hides the edge that begins at corner i.
-EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges, long handle,
-                 FaceFill fill = FaceFill::None);
+EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges,
+                 vek0::Handle handle, FaceFill fill = FaceFill::None);
 
 /// One closed polyline a ring; the first gets the handle.
 std::vector<EntPtr> buildOutlines(RecordReader& in, const std::vector<std::vector<PNT_3D>>& rings,
-                                  long handle);
+                                  vek0::Handle handle);
 
 /// The outlines of a patterned hatch in its place, which is noted. The others are left as the
 /// record's further entities; null when there are none.

@@ -196,7 +196,7 @@ EntPtr readMultiline(RecordReader& in) {
       if (chain.size() < 2) continue;
       const bool isRing = closed && chain.size() > 2 && chain.front() == chain.back();
       if (isRing) chain.pop_back();
-      const long handle = built.empty() ? in.record().handle : 0;
+      const vek0::Handle handle = built.empty() ? in.record().handle : 0;
       if (EntPtr polyline =
               buildChain(in, chain, isRing ? CEntPolyline::kClosed : short{0}, handle))
         built.push_back(std::move(polyline));

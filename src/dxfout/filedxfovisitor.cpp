@@ -173,7 +173,7 @@ void CFileDXFOVisitor::visit(CEntAttdef& ent) {
 // hatch in it.
 void CFileDXFOVisitor::visit(CEntHatch& ent) {
   if (refuses(ent, "HATCH")) return;
-  const long handle = insert_visit(ent);
+  const vek0::Handle handle = insert_visit(ent);
   if (!vek0::detail::hasHatchData(ent)) return report("hatch as insert", "HATCH");
   vek0::detail::writeHatchData(m_writer, ent, handle, m_flatten, m_exchange);
 }
@@ -220,13 +220,13 @@ bool CFileDXFOVisitor::isReady() const {
   return m_pACADNameConverter != nullptr;
 }
 
-long CFileDXFOVisitor::begin(const char* kind, const CEnt& ent) {
+vek0::Handle CFileDXFOVisitor::begin(const char* kind, const CEnt& ent) {
   m_writer.writeEncoded(0, kind);
   return def_visit(ent);
 }
 
-long CFileDXFOVisitor::def_visit(const CEnt& ent) {
-  const long handle = writeHandle(ent.GetHandle());
+vek0::Handle CFileDXFOVisitor::def_visit(const CEnt& ent) {
+  const vek0::Handle handle = writeHandle(ent.GetHandle());
   m_writer.writeEncoded(8, m_names->layer(ent.getLayer()));
   if (ent.getLtype() && !ent.getLtype()->isByLayer())
     m_writer.writeEncoded(6, m_names->ltype(ent.getLtype()));
@@ -252,13 +252,13 @@ void CFileDXFOVisitor::txt_visit(const TextRecord& text, long stringCode, long v
   writePoint(1, text.insertion);
 }
 
-long CFileDXFOVisitor::insert_visit(const CEntInsertBase& ent) {
+vek0::Handle CFileDXFOVisitor::insert_visit(const CEntInsertBase& ent) {
   PNT_3D pnt;
   double sx, sy, sz, rotationRad, columnSpacing, rowSpacing;
   long columns, rows;
   ent.getInsertParams(kPixelSize, pnt, sx, sy, sz, rotationRad);
   ent.getArray(columns, rows, columnSpacing, rowSpacing);
-  const long handle = begin("INSERT", ent);
+  const vek0::Handle handle = begin("INSERT", ent);
   m_writer.writeEncoded(2, m_names->block(ent.getBlock()));
   writePoint(0, pnt);
   m_writer.write(41, sx);
@@ -323,8 +323,8 @@ double CFileDXFOVisitor::degrees(double angleRad) const {
   return m_exchange ? exactDegrees(angleRad) : classicDegrees(angleRad);
 }
 
-long CFileDXFOVisitor::writeHandle(long handle) {
-  const long written = m_handles ? m_handles->take(handle) : handle;
+vek0::Handle CFileDXFOVisitor::writeHandle(vek0::Handle handle) {
+  const vek0::Handle written = m_handles ? m_handles->take(handle) : handle;
   m_writer.writeHex(5, written);
   return written;
 }

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <new>
 
 #include "files/number.h"
@@ -98,11 +99,14 @@ void CFileDXFOWriter::writeText(long code, std::u16string_view text) {
                          [](zim::Char c) { return static_cast<char>(c); }));
 }
 
-void CFileDXFOWriter::writeHex(long code, long value) {
+void CFileDXFOWriter::writeHex(long code, vek0::Handle value) {
   writeGroup(code);
-  const std::uint64_t bits =
-      value < 0 ? static_cast<std::uint32_t>(value) : static_cast<std::uint64_t>(value);
-  endLine(formatHex(room(kIntegerRoom), bits));
+  endLine(formatHex(room(kIntegerRoom), hexBits(value)));
+}
+
+std::uint64_t CFileDXFOWriter::hexBits(vek0::Handle value) {
+  const bool is32Bits = value < 0 && value >= std::numeric_limits<std::int32_t>::min();
+  return is32Bits ? static_cast<std::uint32_t>(value) : static_cast<std::uint64_t>(value);
 }
 
 void CFileDXFOWriter::writeEncoded(long code, std::string_view value) {

@@ -31,7 +31,7 @@ class HatchDataWriter {
         m_exact(exact),
         m_z(flatten ? 0 : hatch.getPnt(0).z) {}
 
-  void write(long handle) {
+  void write(vek0::Handle handle) {
     const std::vector<HatchRing> rings = hatchRings(m_hatch.getBoundary());
     writeHead();
     text(kBounds);
@@ -130,8 +130,8 @@ bool hasHatchData(const CEntHatch& hatch) {
          std::all_of(type.lines, type.lines + type.numLines, isFiniteLine);
 }
 
-void writeHatchData(CFileDXFOWriter& writer, const CEntHatch& hatch, long handle, bool flatten,
-                    bool exact) {
+void writeHatchData(CFileDXFOWriter& writer, const CEntHatch& hatch, vek0::Handle handle,
+                    bool flatten, bool exact) {
   HatchDataWriter(writer, hatch, flatten, exact).write(handle);
 }
 

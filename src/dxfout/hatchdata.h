@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vek0core/tables/handle.h"
+
 class CEntHatch;
 class CFileDXFOWriter;
 
@@ -15,7 +17,7 @@ bool hasHatchData(const CEntHatch& hatch);
 ///
 /// `handle` is the one written for the hatch. With `flatten` the boundary's Z is 0; `exact`
 /// says how the writer writes numbers.
-void writeHatchData(CFileDXFOWriter& writer, const CEntHatch& hatch, long handle, bool flatten,
-                    bool exact);
+void writeHatchData(CFileDXFOWriter& writer, const CEntHatch& hatch, vek0::Handle handle,
+                    bool flatten, bool exact);
 
 }  // namespace vek0::detail

@@ -115,7 +115,8 @@ void forEachSaved(const CEntPolyline& ent, const PolylineForm& form,
       form, sink, always, {ent, {form.exact}}
   };
   if (form.curve != 0) run.flags |= form.curve == CEntPolyline::kFit ? kFromFit : kFromSpline;
-  const auto each = [&run](const PNT_3D& pnt, double ws, double we, double bulge, long handle) {
+  const auto each = [&run](const PNT_3D& pnt, double ws, double we, double bulge,
+                           vek0::Handle handle) {
     const bool control = run.form.inChain && run.controls.meets(pnt);
     run.sink({pnt, ws, we, bulge, handle, control ? run.flags & ~kFromFit : run.flags});
   };

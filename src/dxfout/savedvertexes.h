@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "vek0core/entities/entpolyline.h"
+#include "vek0core/tables/handle.h"
 
 namespace vek0::detail {
 
@@ -11,7 +12,7 @@ struct SavedVertex {
   PNT_3D pnt;
   double widthStart, widthEnd;
   double bulge;
-  long handle;
+  vek0::Handle handle;
   long flags;  // code 70 of VERTEX
 };
 

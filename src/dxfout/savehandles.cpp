@@ -1,9 +1,11 @@
 #include "dxfout/savehandles.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "dxfout/savedvertexes.h"
 #include "dxfout/savefilter.h"
+#include "vek0core/dxfout/filedxfowriter.h"
 #include "vek0core/entities/ent3dface.h"
 #include "vek0core/entities/entarc.h"
 #include "vek0core/entities/entattdef.h"
@@ -22,12 +24,8 @@ constexpr std::uint64_t kHighestFresh = 0x7FFFFFFF;
 
 }  // namespace
 
-SaveHandles::Key SaveHandles::keyOf(long handle) {
-  return handle < 0 ? static_cast<std::uint32_t>(handle) : static_cast<Key>(handle);
-}
-
-void SaveHandles::note(long handle) {
-  const Key key = keyOf(handle);
+void SaveHandles::note(Handle handle) {
+  const Key key = CFileDXFOWriter::hexBits(handle);
   if (key == 0)
     ++m_without;
   else
@@ -51,7 +49,8 @@ void SaveHandles::settle() {
   if (above + m_ends <= kHighestFresh) m_nextEnd = {above, m_taken.size()};
   Free last = m_nextEnd;
   for (std::size_t i = 0; i < m_ends; ++i) fresh(last);
-  m_seed = std::max(last.next, highest + 1);
+  const bool isRoomAbove = highest < std::numeric_limits<Handle>::max();
+  m_seed = isRoomAbove ? std::max(last.next, highest + 1) : last.next;
 }
 
 void SaveHandles::findRepeated() {
@@ -60,8 +59,8 @@ void SaveHandles::findRepeated() {
   }
 }
 
-long SaveHandles::take(long handle) {
-  const Key key = keyOf(handle);
+Handle SaveHandles::take(Handle handle) {
+  const Key key = CFileDXFOWriter::hexBits(handle);
   if (key == 0) return fresh(m_nextThing);
   if (m_repeated.empty()) return handle;
   const auto repeated = m_repeated.find(key);
@@ -71,11 +70,11 @@ long SaveHandles::take(long handle) {
   return handle;
 }
 
-long SaveHandles::fresh(Free& place) {
+Handle SaveHandles::fresh(Free& place) {
   for (; place.taken < m_taken.size() && m_taken[place.taken] <= place.next; ++place.taken) {
     if (m_taken[place.taken] == place.next) ++place.next;
   }
-  return static_cast<long>(place.next++);
+  return static_cast<Handle>(place.next++);
 }
 
 template <class Ent>

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "vek0core/entities/entvisitor.h"
+#include "vek0core/tables/handle.h"
 
 namespace vek0::detail {
 
@@ -20,21 +21,21 @@ class SaveFilter;
 /// things that are kept in a drawing come first, those for sequence ends, which a
 /// reader forgets, follow behind them.
 ///
-/// Handles are 32-bit numbers in files; a negative one counts as its low 32 bits,
-/// so that it means the same where `long` has 64.
+/// Handles that are written with the same digits are the same.
 class SaveHandles {
  public:
-  void note(long handle);
+  void note(Handle handle);
   void noteEnd() { ++m_ends; }
   void settle();
 
   /// The handle to write for a thing that carries `handle`.
-  long take(long handle);
+  Handle take(Handle handle);
   /// The handle to write for the end of a sequence.
-  long takeEnd() { return fresh(m_nextEnd); }
+  Handle takeEnd() { return fresh(m_nextEnd); }
 
-  /// A number above every handle of the file; valid from `settle` on.
-  long seed() const { return static_cast<long>(m_seed); }
+  /// A number above every handle of the file, or a free one if there is none above; valid from
+  /// `settle` on.
+  Handle seed() const { return static_cast<Handle>(m_seed); }
 
  private:
   using Key = std::uint64_t;
@@ -45,9 +46,8 @@ class SaveHandles {
     std::size_t taken = 0;  // index of the first number taken that is not below `next`
   };
 
-  static Key keyOf(long handle);
   void findRepeated();
-  long fresh(Free& place);
+  Handle fresh(Free& place);
 
   std::vector<Key> m_taken;                  // all noted but 0; sorted, each once, from `settle` on
   std::unordered_map<Key, bool> m_repeated;  // noted more than once: whether one was written

@@ -19,12 +19,12 @@ void moveCount(Item* from, Item* to) {
 
 }  // namespace
 
-CEnt::CEnt(long handle, CLayer* layer, CLtype* ltype, short color)
+CEnt::CEnt(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color)
     : IHandleEnt(handle), m_layer(layer), m_ltype(ltype), m_color(color) {
   m_bdry.initRegion();
 }
 
-CEnt::CEnt(const CEnt& src, long handle)
+CEnt::CEnt(const CEnt& src, vek0::Handle handle)
     : IHandleEnt(handle),
       m_bdry(src.m_bdry),
       m_layer(src.m_layer),

@@ -18,14 +18,15 @@ unsigned long edgeBit(long i) { return i >= 0 && i < 32 ? 1UL << i : 0; }
 
 }  // namespace
 
-CEnt3DFace::CEnt3DFace(long handle, CLayer* layer, CLtype* ltype, short color, const PNT_3D& p0,
-                       const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3, long flags)
+CEnt3DFace::CEnt3DFace(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
+                       const PNT_3D& p0, const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3,
+                       long flags)
     : CEnt(handle, layer, ltype, color), m_vertexes{p0, p1, p2, p3}, m_flags(flags) {
   setTriangFlag();
   CEnt3DFace::calcBdry();
 }
 
-CEnt3DFace::CEnt3DFace(const CEnt3DFace& src, long handle)
+CEnt3DFace::CEnt3DFace(const CEnt3DFace& src, vek0::Handle handle)
     : CEnt(src, handle), m_vertexes(src.m_vertexes), m_flags(src.m_flags), m_fill(src.m_fill) {}
 
 void CEnt3DFace::accept(IEntVisitor& visitor) { visitor.visit(*this); }
@@ -107,7 +108,7 @@ void CEnt3DFace::setTriangFlag() {
 }
 
 CEnt* CEnt3DFace::clone(IHandleGestor&, CEntFactory&, CBlockFactory&, CBlockTable&,
-                        long handle) const {
+                        vek0::Handle handle) const {
   return new (std::nothrow) CEnt3DFace(*this, handle);
 }
 

@@ -4,12 +4,12 @@
 
 #include "vek0core/entities/entvisitor.h"
 
-CEntArc::CEntArc(long handle, CLayer* layer, CLtype* ltype, short color, const ARC_3D& arc)
+CEntArc::CEntArc(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, const ARC_3D& arc)
     : CEnt(handle, layer, ltype, color), m_arc(arc) {
   CEntArc::calcBdry();
 }
 
-CEntArc::CEntArc(const CEntArc& src, long handle) : CEnt(src, handle), m_arc(src.m_arc) {}
+CEntArc::CEntArc(const CEntArc& src, vek0::Handle handle) : CEnt(src, handle), m_arc(src.m_arc) {}
 
 void CEntArc::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
@@ -45,6 +45,6 @@ void CEntArc::getArc(double& cx, double& cy, double& cz, double& radius, double&
 }
 
 CEnt* CEntArc::clone(IHandleGestor&, CEntFactory&, CBlockFactory&, CBlockTable&,
-                     long handle) const {
+                     vek0::Handle handle) const {
   return new (std::nothrow) CEntArc(*this, handle);
 }

@@ -3,14 +3,15 @@
 #include "entities/newornull.h"
 #include "vek0core/entities/entvisitor.h"
 
-CEntAttdef::CEntAttdef(long handle, CLayer* layer, CLtype* ltype, short color, const TEXT_3D& text,
-                       const zim::WString& value, const zim::WString& prompt, long flags)
+CEntAttdef::CEntAttdef(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
+                       const TEXT_3D& text, const zim::WString& value, const zim::WString& prompt,
+                       long flags)
     : CEntText(handle, layer, ltype, color, text),
       m_value(value),
       m_prompt(prompt),
       m_flags(flags) {}
 
-CEntAttdef::CEntAttdef(const CEntAttdef& src, long handle)
+CEntAttdef::CEntAttdef(const CEntAttdef& src, vek0::Handle handle)
     : CEntText(src, handle), m_value(src.m_value), m_prompt(src.m_prompt), m_flags(src.m_flags) {}
 
 void CEntAttdef::accept(IEntVisitor& visitor) { visitor.visit(*this); }
@@ -29,7 +30,7 @@ IEntDerivedMemento* CEntAttdef::createDerivedMemento() const {
 }
 
 CEnt* CEntAttdef::clone(IHandleGestor&, CEntFactory&, CBlockFactory&, CBlockTable&,
-                        long handle) const {
+                        vek0::Handle handle) const {
   return new (std::nothrow) CEntAttdef(*this, handle);
 }
 

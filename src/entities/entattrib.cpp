@@ -4,16 +4,16 @@
 #include "vek0core/entities/entattdef.h"
 #include "vek0core/entities/entvisitor.h"
 
-CEntAttrib::CEntAttrib(long handle, CLayer* layer, CLtype* ltype, short color, const TEXT_3D& text,
-                       const zim::WString& tag, long flags)
+CEntAttrib::CEntAttrib(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
+                       const TEXT_3D& text, const zim::WString& tag, long flags)
     : CEntText(handle, layer, ltype, color, text), m_tag(tag), m_flags(flags) {}
 
-CEntAttrib::CEntAttrib(const zim::WString& value, const CEntAttdef& def, long handle)
+CEntAttrib::CEntAttrib(const zim::WString& value, const CEntAttdef& def, vek0::Handle handle)
     : CEntText(def, handle), m_tag(def.getTag()), m_flags(def.getFlags()) {
   setString(value);
 }
 
-CEntAttrib::CEntAttrib(const CEntAttrib& src, long handle)
+CEntAttrib::CEntAttrib(const CEntAttrib& src, vek0::Handle handle)
     : CEntText(src, handle), m_tag(src.m_tag), m_flags(src.m_flags), m_readPlace(src.m_readPlace) {}
 
 void CEntAttrib::accept(IEntVisitor& visitor) { visitor.visit(*this); }
@@ -31,7 +31,7 @@ IEntDerivedMemento* CEntAttrib::createDerivedMemento() const {
 }
 
 CEnt* CEntAttrib::clone(IHandleGestor&, CEntFactory&, CBlockFactory&, CBlockTable&,
-                        long handle) const {
+                        vek0::Handle handle) const {
   return new (std::nothrow) CEntAttrib(*this, handle);
 }
 

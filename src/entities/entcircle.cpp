@@ -4,13 +4,13 @@
 
 #include "vek0core/entities/entvisitor.h"
 
-CEntCircle::CEntCircle(long handle, CLayer* layer, CLtype* ltype, short color,
+CEntCircle::CEntCircle(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
                        const CIRCLE_3D& circle)
     : CEnt(handle, layer, ltype, color), m_circle(circle) {
   CEntCircle::calcBdry();
 }
 
-CEntCircle::CEntCircle(const CEntCircle& src, long handle)
+CEntCircle::CEntCircle(const CEntCircle& src, vek0::Handle handle)
     : CEnt(src, handle), m_circle(src.m_circle) {}
 
 void CEntCircle::accept(IEntVisitor& visitor) { visitor.visit(*this); }
@@ -45,6 +45,6 @@ void CEntCircle::getCircle(double& cx, double& cy, double& cz, double& radius) c
 }
 
 CEnt* CEntCircle::clone(IHandleGestor&, CEntFactory&, CBlockFactory&, CBlockTable&,
-                        long handle) const {
+                        vek0::Handle handle) const {
   return new (std::nothrow) CEntCircle(*this, handle);
 }

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr long kCopyHandle = 0;  // a handle names one object, so a copy has none
+constexpr vek0::Handle kCopyHandle = 0;  // a handle names one object, so a copy has none
 
 }  // namespace
 
@@ -34,7 +34,7 @@ Kind* CEntFactory::make(Args&&... args) {
 }
 
 CEntPnt* CEntFactory::createEntPnt(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,
-                                   const PNT_3D& pnt, long handle) {
+                                   const PNT_3D& pnt, vek0::Handle handle) {
   return make<CEntPnt>(handle, layer, ltype, color, pnt);
 }
 
@@ -43,7 +43,7 @@ CEntPnt* CEntFactory::createEntPnt(IHandleGestor&, const CEntPnt& src) {
 }
 
 CEntLine* CEntFactory::createEntLine(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,
-                                     const LINE_3D& line, long handle) {
+                                     const LINE_3D& line, vek0::Handle handle) {
   return make<CEntLine>(handle, layer, ltype, color, line);
 }
 
@@ -52,7 +52,7 @@ CEntLine* CEntFactory::createEntLine(IHandleGestor&, const CEntLine& src) {
 }
 
 CEntCircle* CEntFactory::createEntCircle(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,
-                                         const CIRCLE_3D& circle, long handle) {
+                                         const CIRCLE_3D& circle, vek0::Handle handle) {
   return make<CEntCircle>(handle, layer, ltype, color, circle);
 }
 
@@ -61,7 +61,7 @@ CEntCircle* CEntFactory::createEntCircle(IHandleGestor&, const CEntCircle& src) 
 }
 
 CEntArc* CEntFactory::createEntArc(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,
-                                   const ARC_3D& arc, long handle) {
+                                   const ARC_3D& arc, vek0::Handle handle) {
   return make<CEntArc>(handle, layer, ltype, color, arc);
 }
 
@@ -70,7 +70,8 @@ CEntArc* CEntFactory::createEntArc(IHandleGestor&, const CEntArc& src) {
 }
 
 CEntPolyline* CEntFactory::createEntPolyline(IHandleGestor&, CLayer* layer, CLtype* ltype,
-                                             short color, short flags, short degree, long handle) {
+                                             short color, short flags, short degree,
+                                             vek0::Handle handle) {
   return make<CEntPolyline>(handle, layer, ltype, color, flags, degree);
 }
 
@@ -83,7 +84,7 @@ CEntPolyline* CEntFactory::createEntPolyline(IHandleGestor& gestor, const CEntLi
 }
 
 CVertex* CEntFactory::createVertex(IHandleGestor&, const PNT_3D& pnt, double widthStart,
-                                   double widthEnd, long handle) {
+                                   double widthEnd, vek0::Handle handle) {
   return make<CVertex>(pnt, widthStart, widthEnd, handle);
 }
 
@@ -92,7 +93,7 @@ CVertex* CEntFactory::createVertex(IHandleGestor&, const CVertex& src) {
 }
 
 CEntText* CEntFactory::createEntText(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,
-                                     const TEXT_3D& text, long handle) {
+                                     const TEXT_3D& text, vek0::Handle handle) {
   return make<CEntText>(handle, layer, ltype, color, text);
 }
 
@@ -102,7 +103,8 @@ CEntText* CEntFactory::createEntText(IHandleGestor&, const CEntText& src) {
 
 CEntAttdef* CEntFactory::createEntAttdef(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,
                                          const TEXT_3D& text, const zim::WString& value,
-                                         const zim::WString& prompt, long flags, long handle) {
+                                         const zim::WString& prompt, long flags,
+                                         vek0::Handle handle) {
   return make<CEntAttdef>(handle, layer, ltype, color, text, value, prompt, flags);
 }
 
@@ -112,12 +114,12 @@ CEntAttdef* CEntFactory::createEntAttdef(IHandleGestor&, const CEntAttdef& src) 
 
 CEntAttrib* CEntFactory::createEntAttrib(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,
                                          const TEXT_3D& text, const zim::WString& tag, long flags,
-                                         long handle) {
+                                         vek0::Handle handle) {
   return make<CEntAttrib>(handle, layer, ltype, color, text, tag, flags);
 }
 
 CEntAttrib* CEntFactory::createEntAttrib(IHandleGestor&, const zim::WString& value,
-                                         const CEntAttdef& def, long handle) {
+                                         const CEntAttdef& def, vek0::Handle handle) {
   return make<CEntAttrib>(value, def, handle);
 }
 
@@ -129,7 +131,7 @@ CEntInsert* CEntFactory::createEntInsert(IHandleGestor&, CLayer* layer, CLtype* 
                                          CBlock* block, const PNT_3D& pnt, double scaleX,
                                          double scaleY, double scaleZ, double rotation,
                                          long columns, long rows, double columnSpacing,
-                                         double rowSpacing, long handle) {
+                                         double rowSpacing, vek0::Handle handle) {
   return make<CEntInsert>(handle, layer, ltype, color, block, pnt, scaleX, scaleY, scaleZ, rotation,
                           columns, rows, columnSpacing, rowSpacing);
 }
@@ -141,7 +143,7 @@ CEntInsert* CEntFactory::createEntInsert(IHandleGestor& gestor, const CEntInsert
 CEntFixedInsert* CEntFactory::createEntFixedInsert(IHandleGestor&, CLayer* layer, CLtype* ltype,
                                                    short color, CBlock* block, const PNT_3D& pnt,
                                                    double refSize, double pixels, double rotation,
-                                                   long handle) {
+                                                   vek0::Handle handle) {
   return make<CEntFixedInsert>(handle, layer, ltype, color, block, pnt, refSize, pixels, rotation);
 }
 
@@ -155,7 +157,7 @@ CEntInsertXRef* CEntFactory::createEntInsertXRef(IHandleGestor&, CLayer* layer, 
                                                  CBlockXRef* xref, const PNT_3D& pnt, double scaleX,
                                                  double scaleY, double scaleZ, double rotation,
                                                  long columns, long rows, double columnSpacing,
-                                                 double rowSpacing, long handle) {
+                                                 double rowSpacing, vek0::Handle handle) {
   return make<CEntInsertXRef>(handle, layer, ltype, color, depend, xref, pnt, scaleX, scaleY,
                               scaleZ, rotation, columns, rows, columnSpacing, rowSpacing);
 }
@@ -167,7 +169,7 @@ CEntInsertXRef* CEntFactory::createEntInsertXRef(IHandleGestor& gestor, const CE
 CEntHatch* CEntFactory::createEntHatch(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,
                                        CBlock* block, const HATCH_TYPE& type, double scale,
                                        double rotate, const std::vector<PNT_3D>& boundary,
-                                       long handle) {
+                                       vek0::Handle handle) {
   return make<CEntHatch>(handle, layer, ltype, color, block, type, scale, rotate, boundary);
 }
 
@@ -175,7 +177,7 @@ CEntHatch* CEntFactory::createEntHatch(IHandleGestor&, CLayer* layer, CLtype* lt
                                        const zim::WString& name, const HATCH_TYPE& type,
                                        double scale, double rotate,
                                        const std::vector<PNT_3D>& boundary, CData& data,
-                                       long handle) {
+                                       vek0::Handle handle) {
   try {
     return CEntHatch::Create(handle, layer, ltype, color, name, type, scale, rotate, boundary,
                              data);
@@ -186,7 +188,7 @@ CEntHatch* CEntFactory::createEntHatch(IHandleGestor&, CLayer* layer, CLtype* lt
 
 CEnt3DFace* CEntFactory::createEnt3DFace(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,
                                          const PNT_3D& p0, const PNT_3D& p1, const PNT_3D& p2,
-                                         const PNT_3D& p3, long flags, long handle) {
+                                         const PNT_3D& p3, long flags, vek0::Handle handle) {
   return make<CEnt3DFace>(handle, layer, ltype, color, p0, p1, p2, p3, flags);
 }
 
@@ -197,7 +199,7 @@ CEnt3DFace* CEntFactory::createEnt3DFace(IHandleGestor&, const CEnt3DFace& src) 
 CEnt3DFace* CEntFactory::createEntSolid(IHandleGestor& gestor, CLayer* layer, CLtype* ltype,
                                         short color, const PNT_3D& p0, const PNT_3D& p1,
                                         const PNT_3D& p2, const PNT_3D& p3, long flags,
-                                        FaceFill fill, long handle) {
+                                        FaceFill fill, vek0::Handle handle) {
   CEnt3DFace* face = createEnt3DFace(gestor, layer, ltype, color, p0, p1, p2, p3, flags, handle);
   if (face) face->setFill(fill);
   return face;

@@ -13,7 +13,7 @@
 #include "vek0core/entities/entvisitor.h"
 #include "vek0core/hatch/boundary.h"
 
-CEntHatch::CEntHatch(long handle, CLayer* layer, CLtype* ltype, short color, CBlock* block,
+CEntHatch::CEntHatch(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, CBlock* block,
                      const HATCH_TYPE& type, double scale, double rotate,
                      const std::vector<PNT_3D>& boundary)
     : CEntInsertBase(handle, layer, ltype, color, block),
@@ -23,14 +23,14 @@ CEntHatch::CEntHatch(long handle, CLayer* layer, CLtype* ltype, short color, CBl
   _hatch_compactVertex(boundary, m_boundary);
 }
 
-CEntHatch::CEntHatch(const CEntHatch& src, CBlock* block, long handle)
+CEntHatch::CEntHatch(const CEntHatch& src, CBlock* block, vek0::Handle handle)
     : CEntInsertBase(src, block, handle),
       m_scale(src.m_scale),
       m_rotate(src.m_rotate),
       m_boundary(src.m_boundary),
       m_type(src.m_type) {}
 
-CEntHatch* CEntHatch::Create(long handle, CLayer* layer, CLtype* ltype, short color,
+CEntHatch* CEntHatch::Create(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
                              const zim::WString& name, const HATCH_TYPE& type, double scale,
                              double rotate, const std::vector<PNT_3D>& boundary, CData& data) {
   std::unique_ptr<CBlock> block(createHatch(name, type, scale, rotate, boundary, data));
@@ -106,7 +106,7 @@ void CEntHatch::setShown(CBlock* block, double scale, double rotate, const HATCH
 }
 
 CEnt* CEntHatch::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
-                       CBlockTable& blockTable, long handle) const {
+                       CBlockTable& blockTable, vek0::Handle handle) const {
   std::unique_ptr<CBlock> block(
       blockFactory.create(getHatchName(blockTable), PNT_3D(0, 0, 0), CBlock::kAnonymous));
   if (!block) return nullptr;

@@ -22,14 +22,14 @@ bool isFinite(const PNT_3D& p) {
 
 }  // namespace
 
-CEntInsertBase::CEntInsertBase(long handle, CLayer* layer, CLtype* ltype, short color,
+CEntInsertBase::CEntInsertBase(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
                                CBlock* block)
     : CEnt(handle, layer, ltype, color), m_block(block) {
   dirtyBdry();
 }
 
 CEntInsertBase::CEntInsertBase(IHandleGestor& gestor, CEntFactory& factory,
-                               const CEntInsertBase& src, long handle)
+                               const CEntInsertBase& src, vek0::Handle handle)
     : CEnt(src, handle), m_block(src.m_block) {
   m_attribs.reserve(src.m_attribs.size());
   for (const auto& attrib : src.m_attribs) {
@@ -38,7 +38,7 @@ CEntInsertBase::CEntInsertBase(IHandleGestor& gestor, CEntFactory& factory,
   }
 }
 
-CEntInsertBase::CEntInsertBase(const CEntInsertBase& src, CBlock* block, long handle)
+CEntInsertBase::CEntInsertBase(const CEntInsertBase& src, CBlock* block, vek0::Handle handle)
     : CEnt(src, handle), m_block(block) {
   dirtyBdry();
 }
@@ -129,9 +129,10 @@ void CEntInsertBase::DoCalcBdry(double pixelSize, RECT_3D& box) const {
   if (!isFinite(box.min) || !isFinite(box.max)) box.initRegion();
 }
 
-CEntInsert::CEntInsert(long handle, CLayer* layer, CLtype* ltype, short color, CBlock* block,
-                       const PNT_3D& pnt, double sx, double sy, double sz, double rotation,
-                       long columns, long rows, double columnSpacing, double rowSpacing)
+CEntInsert::CEntInsert(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
+                       CBlock* block, const PNT_3D& pnt, double sx, double sy, double sz,
+                       double rotation, long columns, long rows, double columnSpacing,
+                       double rowSpacing)
     : CEntInsertBase(handle, layer, ltype, color, block),
       m_pnt(pnt),
       m_sx(sx),
@@ -144,7 +145,7 @@ CEntInsert::CEntInsert(long handle, CLayer* layer, CLtype* ltype, short color, C
       m_rows(rows) {}
 
 CEntInsert::CEntInsert(IHandleGestor& gestor, CEntFactory& factory, const CEntInsert& src,
-                       long handle)
+                       vek0::Handle handle)
     : CEntInsertBase(gestor, factory, src, handle),
       m_pnt(src.m_pnt),
       m_sx(src.m_sx),
@@ -225,11 +226,11 @@ void CEntInsert::setInsert(const PNT_3D& pnt, double sx, double sy, double sz, d
 }
 
 CEnt* CEntInsert::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory&,
-                        CBlockTable&, long handle) const {
+                        CBlockTable&, vek0::Handle handle) const {
   return new (std::nothrow) CEntInsert(gestor, entFactory, *this, handle);
 }
 
-CEntFixedInsert::CEntFixedInsert(long handle, CLayer* layer, CLtype* ltype, short color,
+CEntFixedInsert::CEntFixedInsert(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
                                  CBlock* block, const PNT_3D& pnt, double refSize, double pixels,
                                  double rotation)
     : CEntInsertBase(handle, layer, ltype, color, block),
@@ -239,7 +240,7 @@ CEntFixedInsert::CEntFixedInsert(long handle, CLayer* layer, CLtype* ltype, shor
       m_rotation(rotation) {}
 
 CEntFixedInsert::CEntFixedInsert(IHandleGestor& gestor, CEntFactory& factory,
-                                 const CEntFixedInsert& src, long handle)
+                                 const CEntFixedInsert& src, vek0::Handle handle)
     : CEntInsertBase(gestor, factory, src, handle),
       m_pnt(src.m_pnt),
       m_refSize(src.m_refSize),
@@ -287,11 +288,11 @@ void CEntFixedInsert::setInsert(const PNT_3D& pnt, double pixels, double rotatio
 }
 
 CEnt* CEntFixedInsert::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory&,
-                             CBlockTable&, long handle) const {
+                             CBlockTable&, vek0::Handle handle) const {
   return new (std::nothrow) CEntFixedInsert(gestor, entFactory, *this, handle);
 }
 
-CEntInsertXRef::CEntInsertXRef(long handle, CLayer* layer, CLtype* ltype, short color,
+CEntInsertXRef::CEntInsertXRef(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
                                CBlockXRefDepend& depend, CBlockXRef* xref, const PNT_3D& pnt,
                                double sx, double sy, double sz, double rotation, long columns,
                                long rows, double columnSpacing, double rowSpacing)
@@ -300,7 +301,7 @@ CEntInsertXRef::CEntInsertXRef(long handle, CLayer* layer, CLtype* ltype, short 
       m_depend(depend) {}
 
 CEntInsertXRef::CEntInsertXRef(IHandleGestor& gestor, CEntFactory& factory,
-                               const CEntInsertXRef& src, long handle)
+                               const CEntInsertXRef& src, vek0::Handle handle)
     : CEntInsert(gestor, factory, src, handle), m_depend(src.m_depend) {}
 
 void CEntInsertXRef::accept(IEntVisitor& visitor) {
@@ -328,7 +329,7 @@ CBlockXRef* CEntInsertXRef::getXRef() const {
 }
 
 CEnt* CEntInsertXRef::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory&,
-                            CBlockTable&, long handle) const {
+                            CBlockTable&, vek0::Handle handle) const {
   return new (std::nothrow) CEntInsertXRef(gestor, entFactory, *this, handle);
 }
 

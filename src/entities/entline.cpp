@@ -4,7 +4,8 @@
 
 #include "vek0core/entities/entvisitor.h"
 
-CEntLine::CEntLine(long handle, CLayer* layer, CLtype* ltype, short color, const LINE_3D& line)
+CEntLine::CEntLine(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
+                   const LINE_3D& line)
     : CEnt(handle, layer, ltype, color), m_line(line) {
   CEntLine::calcBdry();
 }
@@ -12,7 +13,8 @@ CEntLine::CEntLine(long handle, CLayer* layer, CLtype* ltype, short color, const
 // Drawings are mostly lines, and one more byte would make each 16 bytes larger.
 static_assert(sizeof(CEntLine) == sizeof(CEnt) + sizeof(LINE_3D));
 
-CEntLine::CEntLine(const CEntLine& src, long handle) : CEnt(src, handle), m_line(src.m_line) {
+CEntLine::CEntLine(const CEntLine& src, vek0::Handle handle)
+    : CEnt(src, handle), m_line(src.m_line) {
   setOwnByte(src.getOwnByte());
 }
 
@@ -62,6 +64,6 @@ void CEntLine::getLine(double& x1, double& y1, double& z1, double& x2, double& y
 }
 
 CEnt* CEntLine::clone(IHandleGestor&, CEntFactory&, CBlockFactory&, CBlockTable&,
-                      long handle) const {
+                      vek0::Handle handle) const {
   return new (std::nothrow) CEntLine(*this, handle);
 }

@@ -4,12 +4,12 @@
 
 #include "vek0core/entities/entvisitor.h"
 
-CEntPnt::CEntPnt(long handle, CLayer* layer, CLtype* ltype, short color, const PNT_3D& pnt)
+CEntPnt::CEntPnt(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, const PNT_3D& pnt)
     : CEnt(handle, layer, ltype, color), m_pnt(pnt) {
   CEntPnt::calcBdry();
 }
 
-CEntPnt::CEntPnt(const CEntPnt& src, long handle) : CEnt(src, handle), m_pnt(src.m_pnt) {}
+CEntPnt::CEntPnt(const CEntPnt& src, vek0::Handle handle) : CEnt(src, handle), m_pnt(src.m_pnt) {}
 
 void CEntPnt::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
@@ -39,6 +39,6 @@ void CEntPnt::setPnt(double x, double y, double z) {
 }
 
 CEnt* CEntPnt::clone(IHandleGestor&, CEntFactory&, CBlockFactory&, CBlockTable&,
-                     long handle) const {
+                     vek0::Handle handle) const {
   return new (std::nothrow) CEntPnt(*this, handle);
 }

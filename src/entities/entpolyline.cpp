@@ -31,14 +31,14 @@ void deleteAll(const std::vector<CVertex*>& vertexes, std::size_t from) {
 
 }  // namespace
 
-CEntPolyline::CEntPolyline(long handle, CLayer* layer, CLtype* ltype, short color, short flags,
-                           short degree)
+CEntPolyline::CEntPolyline(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
+                           short flags, short degree)
     : CEnt(handle, layer, ltype, color),
       m_packed((flags & kClosed) != 0),
       m_flags(flags),
       m_degree(degree) {}
 
-CEntPolyline::CEntPolyline(const CEntPolyline& src, long handle)
+CEntPolyline::CEntPolyline(const CEntPolyline& src, vek0::Handle handle)
     : CEnt(src, handle),
       m_runs(src.m_runs),
       m_packed(src.m_packed),
@@ -50,7 +50,7 @@ CEntPolyline::CEntPolyline(const CEntPolyline& src, long handle)
 
 // Delegation makes the destructor delete the vertices made so far when one fails.
 CEntPolyline::CEntPolyline(IHandleGestor& gestor, CEntFactory& factory, const CEntPolyline& src,
-                           long handle)
+                           vek0::Handle handle)
     : CEntPolyline(src, handle) {
   m_packed.clearHandles();
   unpackFor(factory, [&](const ChainVertex& v) {
@@ -62,11 +62,11 @@ CEntPolyline::CEntPolyline(IHandleGestor& gestor, CEntFactory& factory, const CE
   }
 }
 
-CEntPolyline::CEntPolyline(const CEnt& src, long handle)
+CEntPolyline::CEntPolyline(const CEnt& src, vek0::Handle handle)
     : CEnt(src, handle), m_packed(false), m_flags(0), m_degree(0) {}
 
 CEntPolyline::CEntPolyline(IHandleGestor& gestor, CEntFactory& factory, const CEntLine& src,
-                           long handle)
+                           vek0::Handle handle)
     : CEntPolyline(static_cast<const CEnt&>(src), handle) {
   m_vertexes.reserve(2);
   for (const PNT_3D* end : {&src.getLine().p1, &src.getLine().p2}) {
@@ -79,7 +79,7 @@ CEntPolyline::~CEntPolyline() { CEntPolyline::deleteVertex(); }
 void CEntPolyline::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
 CEnt* CEntPolyline::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory&,
-                          CBlockTable&, long handle) const {
+                          CBlockTable&, vek0::Handle handle) const {
   return new (std::nothrow) CEntPolyline(gestor, entFactory, *this, handle);
 }
 
@@ -189,7 +189,7 @@ void CEntPolyline::forEachListed(const VertexSink& sink) const {
 
 void CEntPolyline::forEachVisible(const VertexSink& sink) const {
   long i = 0;
-  forEachListed([&](const PNT_3D& pnt, double ws, double we, double bulge, long handle) {
+  forEachListed([&](const PNT_3D& pnt, double ws, double we, double bulge, vek0::Handle handle) {
     if (i++ >= m_firstVisible) sink(pnt, ws, we, bulge, handle);
   });
 }
@@ -513,7 +513,7 @@ void CEntPolyline::clearVertex(IHandleGestor& gestor) {
 }
 
 void CEntPolyline::addBulgedVertex(const PNT_3D& pnt, double widthStart, double widthEnd,
-                                   double bulge, long handle) {
+                                   double bulge, vek0::Handle handle) {
   if (isCurve() || !m_vertexes.empty()) {
     auto vertex = std::make_unique<CVertex>(pnt, widthStart, widthEnd, handle);
     addVisibleVertex(*vertex);

@@ -24,7 +24,7 @@ bool isFrozen(const CEnt& ent) {
 class CEntTable::HandleIndex {
  public:
   void add(CEnt* ent) {
-    const long handle = ent->GetHandle();
+    const vek0::Handle handle = ent->GetHandle();
     if (handle == 0) return;
     const auto [at, isNew] = m_first.try_emplace(handle, ent);
     if (isNew) return;
@@ -33,7 +33,7 @@ class CEntTable::HandleIndex {
   }
 
   void remove(const CEnt* ent) {
-    const long handle = ent->GetHandle();
+    const vek0::Handle handle = ent->GetHandle();
     const auto first = m_first.find(handle);
     if (first == m_first.end()) return;
     if (first->second != ent) {
@@ -49,13 +49,13 @@ class CEntTable::HandleIndex {
     m_others.erase(next);
   }
 
-  CEnt* get(long handle) const {
+  CEnt* get(vek0::Handle handle) const {
     const auto first = m_first.find(handle);
     return first == m_first.end() ? nullptr : first->second;
   }
 
  private:
-  std::unordered_map<long, CEnt*> m_first;
+  std::unordered_map<vek0::Handle, CEnt*> m_first;
   std::map<std::pair<long, std::size_t>, CEnt*> m_others;
 };
 
@@ -137,7 +137,7 @@ void CEntTable::unselectAll() {
   m_selected.clear();
 }
 
-CEnt* CEntTable::get(long handle) const {
+CEnt* CEntTable::get(vek0::Handle handle) const {
   if (handle == 0) {
     for (CEnt* ent : m_entities) {
       if (ent->GetHandle() == 0) return ent;

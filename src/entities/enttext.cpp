@@ -4,12 +4,14 @@
 #include "vek0core/entities/entvisitor.h"
 #include "vek0core/tables/style.h"
 
-CEntText::CEntText(long handle, CLayer* layer, CLtype* ltype, short color, const TEXT_3D& text)
+CEntText::CEntText(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
+                   const TEXT_3D& text)
     : CEnt(handle, layer, ltype, color), m_text(text) {
   dirtyBdry();
 }
 
-CEntText::CEntText(const CEntText& src, long handle) : CEnt(src, handle), m_text(src.m_text) {}
+CEntText::CEntText(const CEntText& src, vek0::Handle handle)
+    : CEnt(src, handle), m_text(src.m_text) {}
 
 void CEntText::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 
@@ -53,7 +55,7 @@ void CEntText::setText(const TEXT_3D& text) {
 }
 
 CEnt* CEntText::clone(IHandleGestor&, CEntFactory&, CBlockFactory&, CBlockTable&,
-                      long handle) const {
+                      vek0::Handle handle) const {
   return new (std::nothrow) CEntText(*this, handle);
 }
 

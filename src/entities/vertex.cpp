@@ -4,12 +4,12 @@
 
 #include "vek0core/entities/entvisitor.h"
 
-CVertex::CVertex(const PNT_3D& pnt, double widthStart, double widthEnd, long handle)
+CVertex::CVertex(const PNT_3D& pnt, double widthStart, double widthEnd, vek0::Handle handle)
     : IHandleEnt(handle), m_pnt(pnt), m_widthStart(widthStart), m_widthEnd(widthEnd) {}
 
 CVertex::CVertex(const CVertex& src) = default;
 
-CVertex::CVertex(const CVertex& src, long handle)
+CVertex::CVertex(const CVertex& src, vek0::Handle handle)
     : CVertex(src.m_pnt, src.m_widthStart, src.m_widthEnd, handle) {}
 
 CVertex& CVertex::operator=(const CVertex& src) = default;

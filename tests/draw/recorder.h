@@ -28,7 +28,7 @@ struct Thing {
   AFFINE_2D matrix;
   RGB_COLOR color;
   std::string layer;
-  long handle = 0;
+  vek0::Handle handle = 0;
 
   bool isSame(const Thing& t) const {
     return kind == t.kind && points == t.points && ends == t.ends && rule == t.rule &&

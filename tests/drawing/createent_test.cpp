@@ -31,7 +31,7 @@ struct Scene {
 };
 
 struct Kind {
-  using Create = std::function<CEnt*(Scene&, long handle)>;
+  using Create = std::function<CEnt*(Scene&, vek0::Handle handle)>;
   Kind(const char* ofName, short ofType, Create explicitForm, Create currentForm)
       : name(ofName),
         type(ofType),

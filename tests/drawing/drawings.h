@@ -46,7 +46,7 @@ inline CBlockXRef* addedXRef(CData& data, const zim::WString& name) {
   return xref;
 }
 
-inline CEntInsert* insertOf(CData& data, CBlock& block, double x, long handle = 0) {
+inline CEntInsert* insertOf(CData& data, CBlock& block, double x, vek0::Handle handle = 0) {
   return createEntInsert(data, block, PNT_3D(x, 0, 0), 2, 3, 1, 0.5, 2, 3, 20, 30, handle);
 }
 

@@ -293,7 +293,7 @@ class RandomEditor {
   CData& m_data;
   CUndoStack& m_undo;
   std::mt19937 m_random;
-  long m_handle = 1;
+  vek0::Handle m_handle = 1;
 };
 
 }  // namespace vek0::test

@@ -151,7 +151,7 @@ TEST(LoadAndImport, LayerZeroStyleVariablesAndHandles) {
     long flags0;
     double scale;
     const char16_t* current;
-    long handle;
+    vek0::Handle handle;
   } cases[] = {
       {false, 1, 132, 5, u"A", 0x2F},
       {true,  7, 0,   1, u"0", 0   },

@@ -125,7 +125,7 @@ CEntPolyline* addPolyline(CData& d, short flags, short degree = 0) {
 }
 
 void addVertex(CData& d, CEntPolyline& polyline, double x, double y, double z, double width,
-               long handle) {
+               vek0::Handle handle) {
   polyline.addVertex(*createVertex(d, PNT_3D(x, y, z), width, width, handle));
 }
 

@@ -95,7 +95,7 @@ CEntInsert* insert(CData& d, CLayer* layer, CBlock& block, std::mt19937_64& rand
 CEnt* anyEntity(CData& d, CLayer* layer, CBlock* block, std::mt19937_64& random) {
   CLtype* ltype = random() % 2 ? static_cast<CLtype*>(getLtypeByLayer(d)) : getLtype(d, u"GAS");
   const short color = static_cast<short>(random() % 257);
-  const long handle = static_cast<long>(random() % 200);
+  const vek0::Handle handle = static_cast<long>(random() % 200);
   const PNT_3D a = point(random), b = point(random);
   switch (random() % (block ? 10 : 9)) {
     case 0:

@@ -74,7 +74,7 @@ inline bool contains(const std::string& bytes, const std::string& part) {
 }
 
 /// Adds a line from the origin to (1, 2, 3) with that handle.
-inline CEntLine* addLine(CData& data, CLayer* layer, long handle) {
+inline CEntLine* addLine(CData& data, CLayer* layer, vek0::Handle handle) {
   CEntLine* line =
       createEntLine(data, layer, getLtypeByLayer(data), 256, LINE_3D(0, 0, 0, 1, 2, 3), handle);
   data.getEntTable().add(line);
@@ -102,7 +102,7 @@ inline CBlockXRef* addNewXRef(CData& data, const zim::WString& name) {
 }
 
 /// Makes an insert at (5, 6, 0) that nobody owns yet.
-inline CEntInsert* newInsert(CData& data, CBlock& block, long handle) {
+inline CEntInsert* newInsert(CData& data, CBlock& block, vek0::Handle handle) {
   return createEntInsert(data, getLayer0(data), getLtypeByLayer(data), 256, block, PNT_3D(5, 6, 0),
                          1, 1, 1, 0, 1, 1, 0, 0, handle);
 }

@@ -38,7 +38,7 @@ class MeagreFactory : public CEntFactory {
   explicit MeagreFactory(int vertexes) : m_left(vertexes) {}
   using CEntFactory::createVertex;
   CVertex* createVertex(IHandleGestor& gestor, const PNT_3D& pnt, double ws, double we,
-                        long handle) override {
+                        vek0::Handle handle) override {
     return m_left-- > 0 ? CEntFactory::createVertex(gestor, pnt, ws, we, handle) : nullptr;
   }
   CVertex* createVertex(IHandleGestor& gestor, const CVertex& src) override {

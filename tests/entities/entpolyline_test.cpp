@@ -31,7 +31,7 @@ PolylinePtr polyline(Scene& s, const std::string& points, int flags = 0) {
 
 std::vector<Row> bulged(const CEntPolyline& p) {
   std::vector<Row> rows;
-  p.forEachBulged([&](const PNT_3D& q, double ws, double we, double bulge, long handle) {
+  p.forEachBulged([&](const PNT_3D& q, double ws, double we, double bulge, vek0::Handle handle) {
     rows.emplace_back(q.x, q.y, q.z, ws, we, bulge, handle);
   });
   return rows;
@@ -39,7 +39,7 @@ std::vector<Row> bulged(const CEntPolyline& p) {
 
 std::vector<Row> visible(const CEntPolyline& p) {
   std::vector<Row> rows;
-  p.forEachVisible([&](const PNT_3D& q, double ws, double we, double bulge, long handle) {
+  p.forEachVisible([&](const PNT_3D& q, double ws, double we, double bulge, vek0::Handle handle) {
     rows.emplace_back(q.x, q.y, q.z, ws, we, bulge, handle);
   });
   return rows;
@@ -159,9 +159,10 @@ void expectFreshExtents(Scene& s, const CEntPolyline& p) {
 /// of chords is the one that there is.
 void expectTrueArcs(Scene& s, const CEntPolyline& p) {
   const PolylinePtr again = polyline(s, p.getFlags());
-  p.forEachBulged([&again](const PNT_3D& pnt, double ws, double we, double bulge, long handle) {
-    again->addBulgedVertex(pnt, ws, we, bulge, handle);
-  });
+  p.forEachBulged(
+      [&again](const PNT_3D& pnt, double ws, double we, double bulge, vek0::Handle handle) {
+        again->addBulgedVertex(pnt, ws, we, bulge, handle);
+      });
   ASSERT_EQ(again->getNoTotalVertexes(), p.getNoTotalVertexes());
   for (int i = 0; i < p.getNoTotalVertexes(); ++i) {
     ASSERT_LE(again->GetVertexPos(i).dist(p.GetVertexPos(i)), 1e-9) << "vertex " << i;
@@ -354,7 +355,8 @@ TEST(Polyline, WidthIsConstantOnlyIfAllEndsAgree) {
 TEST(Polyline, RegistrationCoversEveryVertexLastToFirst) {
   Scene s;
   const PolylinePtr p = polyline(s);
-  for (const long handle : {1, 2, 3}) p->addVertex(*new CVertex(PNT_3D(0, 0, 0), 0, 0, handle));
+  for (const vek0::Handle handle : {1, 2, 3})
+    p->addVertex(*new CVertex(PNT_3D(0, 0, 0), 0, 0, handle));
   p->addTbls(s.gestor);
   EXPECT_EQ(s.gestor.reserved, (std::vector<long>{0, 3, 2, 1}));
   p->removeTbls(s.gestor);

@@ -19,7 +19,7 @@ using vek0::test::Scene;
 struct TableScene : Scene {
   TableScene() : table(gestor, data->getDepend()) {}
 
-  CEntLine* add(double x1, double y1, double x2, double y2, long handle = 0) {
+  CEntLine* add(double x1, double y1, double x2, double y2, vek0::Handle handle = 0) {
     CEntLine* ent = line(x1, y1, x2, y2, handle);
     table.add(ent);
     return ent;
@@ -219,7 +219,7 @@ TEST(EntTable, RandomEditsAgreeWithAPlainModel) {
     ASSERT_EQ(contents(s.table.getEntityTbl()), all) << "step " << step;
     ASSERT_EQ(contents(s.table.getSelectedEntityTbl()), selected) << "step " << step;
     ASSERT_EQ(s.table.getBdry(), plainExtents(s.table)) << "step " << step;
-    const long handle = below(20);
+    const vek0::Handle handle = below(20);
     const auto found = std::find_if(all.begin(), all.end(),
                                     [handle](CEnt* ent) { return ent->GetHandle() == handle; });
     ASSERT_EQ(s.table.get(handle), found == all.end() ? nullptr : *found) << "step " << step;

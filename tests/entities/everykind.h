@@ -123,9 +123,8 @@ class ShapeNumbers final : public IEntVisitor {
   void visit(CEntPolyline& e) override {
     put(static_cast<double>(e.getNoTotalVertexes()));
     for (int i = 0; i < e.getFirstVisibleVertex(); ++i) put(e.GetVertexPos(i));
-    e.forEachBulged([this](const PNT_3D& p, double ws, double we, double bulge, long handle) {
-      put(p, ws, we, bulge, handle);
-    });
+    e.forEachBulged([this](const PNT_3D& p, double ws, double we, double bulge,
+                           vek0::Handle handle) { put(p, ws, we, bulge, handle); });
     e.forEachVisible(
         [this](const PNT_3D& p, double ws, double we, double, long) { put(p, ws, we); });
   }

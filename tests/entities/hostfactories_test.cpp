@@ -15,7 +15,7 @@ struct HostVertex : CVertex {
 class HostEntFactory : public CEntFactory {
  public:
   CVertex* createVertex(IHandleGestor&, const PNT_3D& pnt, double widthStart, double widthEnd,
-                        long handle) override {
+                        vek0::Handle handle) override {
     return new HostVertex(pnt, widthStart, widthEnd, handle);
   }
   CVertex* createVertex(IHandleGestor&, const CVertex& src) override {

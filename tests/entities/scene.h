@@ -22,7 +22,7 @@ class RecordingGestor : public CHandleGestorFoo {
  public:
   explicit RecordingGestor(bool manages = false) : m_manages(manages) {}
   void reserve(const IHandleEnt* ent) override { reserved.push_back(ent->GetHandle()); }
-  void release(long handle) override { released.push_back(handle); }
+  void release(vek0::Handle handle) override { released.push_back(handle); }
   bool handling() const override { return m_manages; }
 
   std::vector<long> reserved;
@@ -42,7 +42,7 @@ struct Scene {
   CLayer* layer() { return &data->getLayer0(); }
   CLtype* ltype() { return &data->getLtypeContinuous(); }
 
-  CEntLine* line(double x1, double y1, double x2, double y2, long handle = 0) {
+  CEntLine* line(double x1, double y1, double x2, double y2, vek0::Handle handle = 0) {
     return factory.createEntLine(gestor, layer(), ltype(), 7, LINE_3D(x1, y1, 0, x2, y2, 0),
                                  handle);
   }

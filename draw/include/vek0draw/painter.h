@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "vek0core/geometry/pnt.h"
+#include "vek0core/tables/handle.h"
 #include "vek0core/tables/palette.h"
 #include "zim0lang/wstring.h"
 
@@ -20,7 +21,7 @@ struct AFFINE_2D {
 struct DrawItem {
   RGB_COLOR color;
   const zim::WString* layer = nullptr;  ///< name of the layer that decides visibility; borrowed
-  long handle = 0;                      ///< of the entity of model space; 0 for none
+  vek0::Handle handle = 0;              ///< of the entity of model space; 0 for none
 };
 
 /// A line of text in one font: the baseline starts at the origin of text space and runs

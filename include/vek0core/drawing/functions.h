@@ -5,6 +5,7 @@
 
 #include "vek0core/drawing/data.h"
 #include "vek0core/export.h"
+#include "vek0core/tables/handle.h"
 #include "zim0lang/wstring.h"
 
 class ARC_3D;
@@ -131,74 +132,77 @@ VEK0_API long purgeHatchBlocks(CData& data);
 // the entity's handle, 0 for none. Angles are radians, lengths drawing units.
 
 VEK0_API CEntPnt* createEntPnt(const CData& data, CLayer* layer, CLtype* ltype, short color,
-                               const PNT_3D& pnt, long handle);
-VEK0_API CEntPnt* createEntPnt(const CData& data, const PNT_3D& pnt, long handle);
+                               const PNT_3D& pnt, vek0::Handle handle);
+VEK0_API CEntPnt* createEntPnt(const CData& data, const PNT_3D& pnt, vek0::Handle handle);
 
 VEK0_API CEntLine* createEntLine(const CData& data, CLayer* layer, CLtype* ltype, short color,
-                                 const LINE_3D& line, long handle);
-VEK0_API CEntLine* createEntLine(const CData& data, const LINE_3D& line, long handle);
+                                 const LINE_3D& line, vek0::Handle handle);
+VEK0_API CEntLine* createEntLine(const CData& data, const LINE_3D& line, vek0::Handle handle);
 
 VEK0_API CEntCircle* createEntCircle(const CData& data, CLayer* layer, CLtype* ltype, short color,
-                                     const CIRCLE_3D& circle, long handle);
-VEK0_API CEntCircle* createEntCircle(const CData& data, const CIRCLE_3D& circle, long handle);
+                                     const CIRCLE_3D& circle, vek0::Handle handle);
+VEK0_API CEntCircle* createEntCircle(const CData& data, const CIRCLE_3D& circle,
+                                     vek0::Handle handle);
 
 VEK0_API CEntArc* createEntArc(const CData& data, CLayer* layer, CLtype* ltype, short color,
-                               const ARC_3D& arc, long handle);
-VEK0_API CEntArc* createEntArc(const CData& data, const ARC_3D& arc, long handle);
+                               const ARC_3D& arc, vek0::Handle handle);
+VEK0_API CEntArc* createEntArc(const CData& data, const ARC_3D& arc, vek0::Handle handle);
 
 /// An empty polyline. Flags and degree as in `CEntPolyline`.
 VEK0_API CEntPolyline* createEntPolyline(const CData& data, CLayer* layer, CLtype* ltype,
-                                         short color, long flags, short degree, long handle);
-VEK0_API CEntPolyline* createEntPolyline(const CData& data, long flags, short degree, long handle);
+                                         short color, long flags, short degree,
+                                         vek0::Handle handle);
+VEK0_API CEntPolyline* createEntPolyline(const CData& data, long flags, short degree,
+                                         vek0::Handle handle);
 /// A vertex for a polyline, with the widths at the start and the end of its segment.
 VEK0_API CVertex* createVertex(const CData& data, const PNT_3D& pnt, double widthStart,
-                               double widthEnd, long handle);
+                               double widthEnd, vek0::Handle handle);
 
 VEK0_API CEntText* createEntText(const CData& data, CLayer* layer, CLtype* ltype, short color,
-                                 const TEXT_3D& text, long handle);
-VEK0_API CEntText* createEntText(const CData& data, const TEXT_3D& text, long handle);
+                                 const TEXT_3D& text, vek0::Handle handle);
+VEK0_API CEntText* createEntText(const CData& data, const TEXT_3D& text, vek0::Handle handle);
 
 /// The string of `text` is the tag; `value` is what an insert is offered.
 VEK0_API CEntAttdef* createEntAttdef(const CData& data, CLayer* layer, CLtype* ltype, short color,
                                      const TEXT_3D& text, const zim::WString& value,
-                                     const zim::WString& prompt, long flags, long handle);
+                                     const zim::WString& prompt, long flags, vek0::Handle handle);
 VEK0_API CEntAttdef* createEntAttdef(const CData& data, const TEXT_3D& text,
                                      const zim::WString& value, const zim::WString& prompt,
-                                     long flags, long handle);
+                                     long flags, vek0::Handle handle);
 /// An attribute with layer, linetype, colour, placement, tag and flags of a definition.
 VEK0_API CEntAttrib* createEntAttrib(const CData& data, const zim::WString& value,
-                                     const CEntAttdef& def, long handle);
+                                     const CEntAttdef& def, vek0::Handle handle);
 
 /// Columns run along the insert's x axis, rows along its y axis.
 VEK0_API CEntInsert* createEntInsert(const CData& data, CLayer* layer, CLtype* ltype, short color,
                                      CBlock& block, const PNT_3D& pnt, double sx, double sy,
                                      double sz, double rotation, long columns, long rows,
-                                     double columnSpacing, double rowSpacing, long handle);
+                                     double columnSpacing, double rowSpacing, vek0::Handle handle);
 VEK0_API CEntInsert* createEntInsert(const CData& data, CBlock& block, const PNT_3D& pnt, double sx,
                                      double sy, double sz, double rotation, long columns, long rows,
-                                     double columnSpacing, double rowSpacing, long handle);
+                                     double columnSpacing, double rowSpacing, vek0::Handle handle);
 
 /// `refSize` drawing units of the block cover `pixels` pixels at every zoom.
 VEK0_API CEntFixedInsert* createEntFixedInsert(const CData& data, CLayer* layer, CLtype* ltype,
                                                short color, CBlock& block, const PNT_3D& pnt,
                                                double refSize, double pixels, double rotation,
-                                               long handle);
+                                               vek0::Handle handle);
 VEK0_API CEntFixedInsert* createEntFixedInsert(const CData& data, CBlock& block, const PNT_3D& pnt,
                                                double refSize, double pixels, double rotation,
-                                               long handle);
+                                               vek0::Handle handle);
 
 /// Counts on the drawing's own dependency record.
 VEK0_API CEntInsertXRef* createEntInsertXRef(CData& data, CLayer* layer, CLtype* ltype, short color,
                                              CBlockXRef& xref, const PNT_3D& pnt, double sx,
                                              double sy, double sz, double rotation, long columns,
                                              long rows, double columnSpacing, double rowSpacing,
-                                             long handle);
+                                             vek0::Handle handle);
 /// Counts on the given record.
 VEK0_API CEntInsertXRef* createEntInsertXRef(const CData& data, CBlockXRefDepend& depend,
                                              CBlockXRef& xref, const PNT_3D& pnt, double sx,
                                              double sy, double sz, double rotation, long columns,
                                              long rows, double columnSpacing, double rowSpacing,
-                                             long handle);
+                                             vek0::Handle handle);
 
 /// A hatch over a boundary (see `CEntHatch`), with the pattern's scale and its angle in
 /// radians. Its block, named by `getHatchName`, is in the block table. The pattern must
@@ -207,13 +211,14 @@ VEK0_API CEntInsertXRef* createEntInsertXRef(const CData& data, CBlockXRefDepend
 /// lines cannot be generated (`createHatch`).
 VEK0_API CEntHatch* createEntHatch(CData& data, CLayer* layer, CLtype* ltype, short color,
                                    const HATCH_TYPE& type, double scale, double rotate,
-                                   const std::vector<PNT_3D>& boundary, long handle);
+                                   const std::vector<PNT_3D>& boundary, vek0::Handle handle);
 VEK0_API CEntHatch* createEntHatch(CData& data, const HATCH_TYPE& type, double scale, double rotate,
-                                   const std::vector<PNT_3D>& boundary, long handle);
+                                   const std::vector<PNT_3D>& boundary, vek0::Handle handle);
 
 /// Flags as in `CEnt3DFace`.
 VEK0_API CEnt3DFace* createEnt3DFace(const CData& data, CLayer* layer, CLtype* ltype, short color,
                                      const PNT_3D& p0, const PNT_3D& p1, const PNT_3D& p2,
-                                     const PNT_3D& p3, long flags, long handle);
+                                     const PNT_3D& p3, long flags, vek0::Handle handle);
 VEK0_API CEnt3DFace* createEnt3DFace(const CData& data, const PNT_3D& p0, const PNT_3D& p1,
-                                     const PNT_3D& p2, const PNT_3D& p3, long flags, long handle);
+                                     const PNT_3D& p2, const PNT_3D& p3, long flags,
+                                     vek0::Handle handle);

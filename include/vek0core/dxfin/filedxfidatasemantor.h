@@ -8,6 +8,7 @@
 
 #include "vek0core/dxfin/filedxfioptions.h"
 #include "vek0core/dxfin/filedxfisemantor.h"
+#include "vek0core/tables/handle.h"
 
 class CBlockXRef;
 class CData;
@@ -59,7 +60,7 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   const ICADFont* getFont(const zim::WString& name) override;
   CEntHatch* createHatch(CLayer* layer, CLtype* ltype, short colour, const HATCH_TYPE& type,
                          double scale, double rotate, const std::vector<PNT_3D>& boundary,
-                         long handle) override;
+                         vek0::Handle handle) override;
   CHatchTypeTable& getHatchTypeTable() override;
   void adoptHatch(CEntHatch& hatch) override;
 

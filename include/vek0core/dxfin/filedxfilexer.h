@@ -9,6 +9,7 @@
 #include "vek0core/files/file.h"
 #include "vek0core/files/smartstring.h"
 #include "vek0core/files/textcodec.h"
+#include "vek0core/tables/handle.h"
 #include "zim0lang/wstring.h"
 
 class CFileDXFIError;
@@ -77,7 +78,7 @@ class VEK0_API CFileDXFILexer {
   long getInt() const;
   /// The value as an unchecked hexadecimal number, modulo the range of `long`; -1
   /// with error 6 when it is empty.
-  long getHex() const;
+  vek0::Handle getHex() const;
 
   /// How bytes from now on are taken as text: what the header declares. A byte
   /// order mark at the start of the file wins over it. Texts that turn out not to be UTF-8

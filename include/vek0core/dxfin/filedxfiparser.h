@@ -13,6 +13,7 @@
 #include "vek0core/dxfin/filedxfisemantor.h"
 #include "vek0core/export.h"
 #include "vek0core/geometry/pnt.h"
+#include "vek0core/tables/handle.h"
 #include "zim0lang/wstring.h"
 
 class CLayer;
@@ -104,7 +105,7 @@ class VEK0_API CFileDXFIParser {
   const SmartString& getString() const { return m_lexer.getString(); }
   double getDouble() const { return m_lexer.getDouble(); }
   long getInt() const { return m_lexer.getInt(); }
-  long getHex() const { return m_lexer.getHex(); }
+  vek0::Handle getHex() const { return m_lexer.getHex(); }
 
  private:
   struct HeaderValue;

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "vek0core/export.h"
+#include "vek0core/tables/handle.h"
 #include "zim0lang/wstring.h"
 
 class CBlock;
@@ -121,7 +122,7 @@ class VEK0_API IFileDXFISemantor {
   /// it cannot be made.
   virtual CEntHatch* createHatch(CLayer* layer, CLtype* ltype, short colour, const HATCH_TYPE& type,
                                  double scale, double rotate, const std::vector<PNT_3D>& boundary,
-                                 long handle);
+                                 vek0::Handle handle);
   /// The patterns that are in no catalogue, which must live as long as the hatches. By
   /// default one table for all such semantors of the process.
   virtual CHatchTypeTable& getHatchTypeTable();

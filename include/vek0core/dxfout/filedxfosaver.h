@@ -7,6 +7,7 @@
 #include "vek0core/dxfout/filedxfowriter.h"
 #include "vek0core/dxfout/nameacadconverter.h"
 #include "vek0core/export.h"
+#include "vek0core/tables/handle.h"
 
 class CBlockXRef;
 class CLayer;
@@ -44,7 +45,7 @@ class VEK0_API CFileDXFOSaver {
   void write(long code, long value) { m_writer.write(code, value); }
   void write(long code, double value) { m_writer.write(code, value); }
   void write(long code, const zim::Char* text) { m_writer.write(code, text); }
-  void writeHex(long code, long value) { m_writer.writeHex(code, value); }
+  void writeHex(long code, vek0::Handle value) { m_writer.writeHex(code, value); }
 
  private:
   bool isExchange() const;

@@ -5,6 +5,7 @@
 
 #include "vek0core/entities/entvisitor.h"
 #include "vek0core/export.h"
+#include "vek0core/tables/handle.h"
 
 class CData;
 class CEnt;
@@ -72,11 +73,11 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   struct TextRecord;
 
   bool isReady() const;
-  long begin(const char* kind, const CEnt& ent);
-  long def_visit(const CEnt& ent);
+  vek0::Handle begin(const char* kind, const CEnt& ent);
+  vek0::Handle def_visit(const CEnt& ent);
   bool solid_visit(const CEnt3DFace& ent, const char* kind);
   void txt_visit(const TextRecord& text, long stringCode, long verticalCode);
-  long insert_visit(const CEntInsertBase& ent);
+  vek0::Handle insert_visit(const CEntInsertBase& ent);
   void attribs_visit(const CEntInsertBase& ent);
   void attrib_visit(const CEntInsertBase& ent, const CEntAttrib& attrib);
   void vertex_visit(const CEnt& owner, const vek0::detail::SavedVertex& vertex);
@@ -84,7 +85,7 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   LINE_3D cut(const CEntLine& ent);
   void writePoint(long index, const PNT_3D& pnt);
   void writeAngle(long code, double angleRad);
-  long writeHandle(long handle);
+  vek0::Handle writeHandle(vek0::Handle handle);
   TextRecord placed(const TEXT_3D& text) const;
   TextRecord placed(const CEntInsertBase& insert, const CEntAttrib& attrib) const;
   ATTRIB_PLACE computedPlace(const CEntInsertBase& insert, const CEntAttrib& attrib) const;

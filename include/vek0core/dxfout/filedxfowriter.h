@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 
 #include "vek0core/export.h"
+#include "vek0core/tables/handle.h"
 #include "zim0lang/casefold.h"
 
 class CFileReport;
@@ -39,9 +41,11 @@ class VEK0_API CFileDXFOWriter {
   /// can end its line; a text longer than the 8190 bytes that every reader takes
   /// is cut there and reported.
   void writeText(long code, std::u16string_view text);
-  /// Upper-case hexadecimal of the low 32 bits when negative, without leading
-  /// zeros: the same digits whether `long` has 32 or 64 bits.
-  void writeHex(long code, long value);
+  /// The value of `hexBits` in upper-case hexadecimal without leading zeros.
+  void writeHex(long code, vek0::Handle value);
+  /// The low 32 bits of a negative number that has no more, as in programs whose handles
+  /// have 32 bits; all 64 bits of any other.
+  static std::uint64_t hexBits(vek0::Handle value);
   /// A value that is already in the encoding of the file, without a line end and
   /// at most 8190 bytes long.
   void writeEncoded(long code, std::string_view value);

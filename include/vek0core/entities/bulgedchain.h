@@ -7,13 +7,14 @@
 #include "vek0core/export.h"
 #include "vek0core/geometry/pnt.h"
 #include "vek0core/geometry/rect.h"
+#include "vek0core/tables/handle.h"
 
 /// A polyline vertex as files give it, with the arc that begins there.
 struct BULGED_VERTEX {
   double x, y, z;
   double widthStart, widthEnd;  ///< along the segment that begins here, drawing units
   double bulge;                 ///< tangent of a quarter of that segment's angle; 0 is straight
-  long handle;
+  vek0::Handle handle;
 };
 
 namespace vek0::detail {
@@ -22,7 +23,7 @@ namespace vek0::detail {
 struct ChainVertex {
   PNT_3D pnt;
   double widthStart, widthEnd;
-  long handle;
+  vek0::Handle handle;
 };
 
 /// Number of chords that stand for an arc of this bulge: max(2, ceil(|angle| /

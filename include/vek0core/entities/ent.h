@@ -140,16 +140,16 @@ class VEK0_API CEnt : public IHandleEnt {
   /// Place in a list of entities; what the tables keep in each of their entities.
   using Node = std::list<CEnt*>::iterator;
 
-  CEnt(long handle, CLayer* layer, CLtype* ltype, short color);
+  CEnt(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color);
 
   /// Copies the extents, layer, linetype, colour and user words. The copy is in no
   /// table, is not selected, and counts nowhere.
-  CEnt(const CEnt& src, long handle);
+  CEnt(const CEnt& src, vek0::Handle handle);
 
   /// New heap copy with the given handle; the caller owns it, null when there is no
   /// memory. The factories and the table are for kinds that own parts.
   virtual CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
-                      CBlockTable& blockTable, long handle) const = 0;
+                      CBlockTable& blockTable, vek0::Handle handle) const = 0;
 
   /// Stores freshly computed extents; every `calcBdry` ends with it.
   void setBdry(const RECT_3D& box) {

@@ -7,6 +7,7 @@
 #include "vek0core/export.h"
 #include "vek0core/geometry/line.h"
 #include "vek0core/geometry/pnt.h"
+#include "vek0core/tables/handle.h"
 
 /// What fills a face: the format has two kinds of filled quadrilaterals, which differ in
 /// name alone.
@@ -70,12 +71,12 @@ class VEK0_API CEnt3DFace : public CEnt {
  protected:
   friend class CEntFactory;
   friend class CEnt3DFaceMemento;
-  CEnt3DFace(long handle, CLayer* layer, CLtype* ltype, short color, const PNT_3D& p0,
+  CEnt3DFace(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, const PNT_3D& p0,
              const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3, long flags);
-  CEnt3DFace(const CEnt3DFace& src, long handle);
+  CEnt3DFace(const CEnt3DFace& src, vek0::Handle handle);
 
   CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
-              CBlockTable& blockTable, long handle) const override;
+              CBlockTable& blockTable, vek0::Handle handle) const override;
 
  private:
   static constexpr long kEdgeBits = 15;

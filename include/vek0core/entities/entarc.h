@@ -4,6 +4,7 @@
 #include "vek0core/entities/entmemento.h"
 #include "vek0core/export.h"
 #include "vek0core/geometry/arc.h"
+#include "vek0core/tables/handle.h"
 
 /// Arc entity: a part of a circle in a plane z = constant, counter-clockwise from
 /// its start angle to its end angle, in radians.
@@ -35,11 +36,11 @@ class VEK0_API CEntArc : public CEnt {
 
  protected:
   friend class CEntFactory;
-  CEntArc(long handle, CLayer* layer, CLtype* ltype, short color, const ARC_3D& arc);
-  CEntArc(const CEntArc& src, long handle);
+  CEntArc(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, const ARC_3D& arc);
+  CEntArc(const CEntArc& src, vek0::Handle handle);
 
   CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
-              CBlockTable& blockTable, long handle) const override;
+              CBlockTable& blockTable, vek0::Handle handle) const override;
 
  private:
   ARC_3D m_arc;

@@ -4,6 +4,7 @@
 
 #include "vek0core/entities/enttext.h"
 #include "vek0core/export.h"
+#include "vek0core/tables/handle.h"
 #include "zim0lang/wstring.h"
 
 /// Attribute definition: the text in a block from which the inserts of that block get
@@ -38,12 +39,12 @@ class VEK0_API CEntAttdef : public CEntText {
  protected:
   friend class CEntFactory;
   /// The string of `text` is the tag.
-  CEntAttdef(long handle, CLayer* layer, CLtype* ltype, short color, const TEXT_3D& text,
+  CEntAttdef(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, const TEXT_3D& text,
              const zim::WString& value, const zim::WString& prompt, long flags);
-  CEntAttdef(const CEntAttdef& src, long handle);
+  CEntAttdef(const CEntAttdef& src, vek0::Handle handle);
 
   CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
-              CBlockTable& blockTable, long handle) const override;
+              CBlockTable& blockTable, vek0::Handle handle) const override;
 
  private:
   zim::WString m_value;

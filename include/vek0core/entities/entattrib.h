@@ -6,6 +6,7 @@
 
 #include "vek0core/entities/enttext.h"
 #include "vek0core/export.h"
+#include "vek0core/tables/handle.h"
 #include "zim0lang/wstring.h"
 
 class CEntAttdef;
@@ -50,15 +51,15 @@ class VEK0_API CEntAttrib : public CEntText {
  protected:
   friend class CEntFactory;
   /// The string of `text` is the value.
-  CEntAttrib(long handle, CLayer* layer, CLtype* ltype, short color, const TEXT_3D& text,
+  CEntAttrib(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, const TEXT_3D& text,
              const zim::WString& tag, long flags);
   /// Everything but the value from a definition, whose default value and prompt are
   /// not carried over; later changes of the definition do not reach the attribute.
-  CEntAttrib(const zim::WString& value, const CEntAttdef& def, long handle);
-  CEntAttrib(const CEntAttrib& src, long handle);
+  CEntAttrib(const zim::WString& value, const CEntAttdef& def, vek0::Handle handle);
+  CEntAttrib(const CEntAttrib& src, vek0::Handle handle);
 
   CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
-              CBlockTable& blockTable, long handle) const override;
+              CBlockTable& blockTable, vek0::Handle handle) const override;
 
  private:
   zim::WString m_tag;

@@ -4,6 +4,7 @@
 #include "vek0core/entities/entmemento.h"
 #include "vek0core/export.h"
 #include "vek0core/geometry/circle.h"
+#include "vek0core/tables/handle.h"
 
 /// Circle entity: a circle in a plane z = constant.
 ///
@@ -33,11 +34,12 @@ class VEK0_API CEntCircle : public CEnt {
 
  protected:
   friend class CEntFactory;
-  CEntCircle(long handle, CLayer* layer, CLtype* ltype, short color, const CIRCLE_3D& circle);
-  CEntCircle(const CEntCircle& src, long handle);
+  CEntCircle(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
+             const CIRCLE_3D& circle);
+  CEntCircle(const CEntCircle& src, vek0::Handle handle);
 
   CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
-              CBlockTable& blockTable, long handle) const override;
+              CBlockTable& blockTable, vek0::Handle handle) const override;
 
  private:
   CIRCLE_3D m_circle;

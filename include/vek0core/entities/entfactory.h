@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "vek0core/export.h"
+#include "vek0core/tables/handle.h"
 #include "zim0lang/wstring.h"
 
 class ARC_3D;
@@ -52,49 +53,50 @@ class VEK0_API CEntFactory {
   virtual ~CEntFactory();
 
   virtual CEntPnt* createEntPnt(IHandleGestor& gestor, CLayer* layer, CLtype* ltype, short color,
-                                const PNT_3D& pnt, long handle);
+                                const PNT_3D& pnt, vek0::Handle handle);
   virtual CEntPnt* createEntPnt(IHandleGestor& gestor, const CEntPnt& src);
 
   virtual CEntLine* createEntLine(IHandleGestor& gestor, CLayer* layer, CLtype* ltype, short color,
-                                  const LINE_3D& line, long handle);
+                                  const LINE_3D& line, vek0::Handle handle);
   virtual CEntLine* createEntLine(IHandleGestor& gestor, const CEntLine& src);
 
   virtual CEntCircle* createEntCircle(IHandleGestor& gestor, CLayer* layer, CLtype* ltype,
-                                      short color, const CIRCLE_3D& circle, long handle);
+                                      short color, const CIRCLE_3D& circle, vek0::Handle handle);
   virtual CEntCircle* createEntCircle(IHandleGestor& gestor, const CEntCircle& src);
 
   virtual CEntArc* createEntArc(IHandleGestor& gestor, CLayer* layer, CLtype* ltype, short color,
-                                const ARC_3D& arc, long handle);
+                                const ARC_3D& arc, vek0::Handle handle);
   virtual CEntArc* createEntArc(IHandleGestor& gestor, const CEntArc& src);
 
   /// An empty polyline; `flags` and `degree` as in `CEntPolyline`.
   virtual CEntPolyline* createEntPolyline(IHandleGestor& gestor, CLayer* layer, CLtype* ltype,
-                                          short color, short flags, short degree, long handle);
+                                          short color, short flags, short degree,
+                                          vek0::Handle handle);
   virtual CEntPolyline* createEntPolyline(IHandleGestor& gestor, const CEntPolyline& src);
   /// A polyline of two vertices, with the line's layer, linetype, colour and words.
   virtual CEntPolyline* createEntPolyline(IHandleGestor& gestor, const CEntLine& src);
 
   virtual CVertex* createVertex(IHandleGestor& gestor, const PNT_3D& pnt, double widthStart,
-                                double widthEnd, long handle);
+                                double widthEnd, vek0::Handle handle);
   virtual CVertex* createVertex(IHandleGestor& gestor, const CVertex& src);
 
   virtual CEntText* createEntText(IHandleGestor& gestor, CLayer* layer, CLtype* ltype, short color,
-                                  const TEXT_3D& text, long handle);
+                                  const TEXT_3D& text, vek0::Handle handle);
   virtual CEntText* createEntText(IHandleGestor& gestor, const CEntText& src);
 
   /// The string of `text` is the tag; `value` is what an insert is offered.
   virtual CEntAttdef* createEntAttdef(IHandleGestor& gestor, CLayer* layer, CLtype* ltype,
                                       short color, const TEXT_3D& text, const zim::WString& value,
-                                      const zim::WString& prompt, long flags, long handle);
+                                      const zim::WString& prompt, long flags, vek0::Handle handle);
   virtual CEntAttdef* createEntAttdef(IHandleGestor& gestor, const CEntAttdef& src);
 
   /// The string of `text` is the value.
   virtual CEntAttrib* createEntAttrib(IHandleGestor& gestor, CLayer* layer, CLtype* ltype,
                                       short color, const TEXT_3D& text, const zim::WString& tag,
-                                      long flags, long handle);
+                                      long flags, vek0::Handle handle);
   /// An attribute with the placement, tag and flags of a definition.
   virtual CEntAttrib* createEntAttrib(IHandleGestor& gestor, const zim::WString& value,
-                                      const CEntAttdef& def, long handle);
+                                      const CEntAttdef& def, vek0::Handle handle);
   virtual CEntAttrib* createEntAttrib(IHandleGestor& gestor, const CEntAttrib& src);
 
   /// `rotation` in radians; columns run along the insert's x axis, rows along y.
@@ -102,14 +104,14 @@ class VEK0_API CEntFactory {
                                       short color, CBlock* block, const PNT_3D& pnt, double scaleX,
                                       double scaleY, double scaleZ, double rotation, long columns,
                                       long rows, double columnSpacing, double rowSpacing,
-                                      long handle);
+                                      vek0::Handle handle);
   virtual CEntInsert* createEntInsert(IHandleGestor& gestor, const CEntInsert& src);
 
   /// `refSize` drawing units of the block cover `pixels` pixels on any display.
   virtual CEntFixedInsert* createEntFixedInsert(IHandleGestor& gestor, CLayer* layer, CLtype* ltype,
                                                 short color, CBlock* block, const PNT_3D& pnt,
                                                 double refSize, double pixels, double rotation,
-                                                long handle);
+                                                vek0::Handle handle);
   virtual CEntFixedInsert* createEntFixedInsert(IHandleGestor& gestor, const CEntFixedInsert& src);
 
   /// An insert of an external reference; `depend` records the references in use.
@@ -118,7 +120,7 @@ class VEK0_API CEntFactory {
                                               CBlockXRef* xref, const PNT_3D& pnt, double scaleX,
                                               double scaleY, double scaleZ, double rotation,
                                               long columns, long rows, double columnSpacing,
-                                              double rowSpacing, long handle);
+                                              double rowSpacing, vek0::Handle handle);
   virtual CEntInsertXRef* createEntInsertXRef(IHandleGestor& gestor, const CEntInsertXRef& src);
 
   /// A hatch that shows `block`, which may be null; `scale` and `rotate` (radians) are
@@ -126,23 +128,25 @@ class VEK0_API CEntFactory {
   virtual CEntHatch* createEntHatch(IHandleGestor& gestor, CLayer* layer, CLtype* ltype,
                                     short color, CBlock* block, const HATCH_TYPE& type,
                                     double scale, double rotate,
-                                    const std::vector<PNT_3D>& boundary, long handle);
+                                    const std::vector<PNT_3D>& boundary, vek0::Handle handle);
   /// A hatch on a new block of that name with the generated lines, which belongs to the
   /// caller as the hatch does; without a block when they cannot be generated.
   virtual CEntHatch* createEntHatch(IHandleGestor& gestor, CLayer* layer, CLtype* ltype,
                                     short color, const zim::WString& name, const HATCH_TYPE& type,
                                     double scale, double rotate,
-                                    const std::vector<PNT_3D>& boundary, CData& data, long handle);
+                                    const std::vector<PNT_3D>& boundary, CData& data,
+                                    vek0::Handle handle);
 
   /// `flags` as in `CEnt3DFace`.
   virtual CEnt3DFace* createEnt3DFace(IHandleGestor& gestor, CLayer* layer, CLtype* ltype,
                                       short color, const PNT_3D& p0, const PNT_3D& p1,
-                                      const PNT_3D& p2, const PNT_3D& p3, long flags, long handle);
+                                      const PNT_3D& p2, const PNT_3D& p3, long flags,
+                                      vek0::Handle handle);
   virtual CEnt3DFace* createEnt3DFace(IHandleGestor& gestor, const CEnt3DFace& src);
   /// What `createEnt3DFace` makes, with that fill. The corners are in order around it.
   CEnt3DFace* createEntSolid(IHandleGestor& gestor, CLayer* layer, CLtype* ltype, short color,
                              const PNT_3D& p0, const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3,
-                             long flags, FaceFill fill, long handle);
+                             long flags, FaceFill fill, vek0::Handle handle);
 
   /// A copy of an entity of any kind, with its parts; handle 0.
   virtual CEnt* clone(IHandleGestor& gestor, CBlockFactory& blockFactory, CBlockTable& blockTable,

@@ -9,6 +9,7 @@
 #include "vek0core/export.h"
 #include "vek0core/geometry/pnt.h"
 #include "vek0core/hatch/catalogue.h"
+#include "vek0core/tables/handle.h"
 #include "zim0lang/wstring.h"
 
 class CBlockTable;
@@ -72,21 +73,21 @@ class VEK0_API CEntHatch : public CEntInsertBase {
   friend class CEntHatchMemento;
 
   /// Copies the boundary through `_hatch_compactVertex`. The block may be null.
-  CEntHatch(long handle, CLayer* layer, CLtype* ltype, short color, CBlock* block,
+  CEntHatch(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, CBlock* block,
             const HATCH_TYPE& type, double scale, double rotate,
             const std::vector<PNT_3D>& boundary);
   /// Everything but the block, which is the given one.
-  CEntHatch(const CEntHatch& src, CBlock* block, long handle);
+  CEntHatch(const CEntHatch& src, CBlock* block, vek0::Handle handle);
 
   /// A hatch on a block of that name, made by `createHatch`; without a block when that
   /// fails. The caller owns both, null when there is no memory.
-  static CEntHatch* Create(long handle, CLayer* layer, CLtype* ltype, short color,
+  static CEntHatch* Create(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
                            const zim::WString& name, const HATCH_TYPE& type, double scale,
                            double rotate, const std::vector<PNT_3D>& boundary, CData& data);
 
   /// The copy gets a block of its own with copies of all lines, added to the table.
   CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
-              CBlockTable& blockTable, long handle) const override;
+              CBlockTable& blockTable, vek0::Handle handle) const override;
 
  private:
   using BlockMaker = std::function<CBlock*(const zim::WString& name)>;

@@ -11,6 +11,7 @@
 #include "vek0core/entities/insertclip.h"
 #include "vek0core/export.h"
 #include "vek0core/geometry/pnt.h"
+#include "vek0core/tables/handle.h"
 
 class CBlockXRef;
 class CBlockXRefDepend;
@@ -67,12 +68,12 @@ class VEK0_API CEntInsertBase : public CEnt {
  protected:
   friend class vek0::detail::AttribsMemento;
 
-  CEntInsertBase(long handle, CLayer* layer, CLtype* ltype, short color, CBlock* block);
+  CEntInsertBase(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, CBlock* block);
   /// A copy whose attributes are made by the factory.
   CEntInsertBase(IHandleGestor& gestor, CEntFactory& factory, const CEntInsertBase& src,
-                 long handle);
+                 vek0::Handle handle);
   /// A copy that shows another block and has no attributes.
-  CEntInsertBase(const CEntInsertBase& src, CBlock* block, long handle);
+  CEntInsertBase(const CEntInsertBase& src, CBlock* block, vek0::Handle handle);
 
   /// Counts the insert on what is recorded of its block elsewhere, or takes that back:
   /// told while the insert is registered and the block is the one in question.
@@ -133,13 +134,14 @@ class VEK0_API CEntInsert : public CEntInsertBase {
  protected:
   friend class CEntFactory;
   friend class CEntInsertMemento;
-  CEntInsert(long handle, CLayer* layer, CLtype* ltype, short color, CBlock* block,
+  CEntInsert(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, CBlock* block,
              const PNT_3D& pnt, double sx, double sy, double sz, double rotation, long columns,
              long rows, double columnSpacing, double rowSpacing);
-  CEntInsert(IHandleGestor& gestor, CEntFactory& factory, const CEntInsert& src, long handle);
+  CEntInsert(IHandleGestor& gestor, CEntFactory& factory, const CEntInsert& src,
+             vek0::Handle handle);
 
   CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
-              CBlockTable& blockTable, long handle) const override;
+              CBlockTable& blockTable, vek0::Handle handle) const override;
 
  private:
   PNT_3D m_pnt;
@@ -185,13 +187,13 @@ class VEK0_API CEntFixedInsert : public CEntInsertBase {
  protected:
   friend class CEntFactory;
   friend class CEntFixedInsertMemento;
-  CEntFixedInsert(long handle, CLayer* layer, CLtype* ltype, short color, CBlock* block,
+  CEntFixedInsert(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, CBlock* block,
                   const PNT_3D& pnt, double refSize, double pixels, double rotation);
   CEntFixedInsert(IHandleGestor& gestor, CEntFactory& factory, const CEntFixedInsert& src,
-                  long handle);
+                  vek0::Handle handle);
 
   CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
-              CBlockTable& blockTable, long handle) const override;
+              CBlockTable& blockTable, vek0::Handle handle) const override;
 
  private:
   PNT_3D m_pnt;
@@ -214,14 +216,15 @@ class VEK0_API CEntInsertXRef : public CEntInsert {
  protected:
   friend class CEntFactory;
   /// `depend` must outlive the insert.
-  CEntInsertXRef(long handle, CLayer* layer, CLtype* ltype, short color, CBlockXRefDepend& depend,
-                 CBlockXRef* xref, const PNT_3D& pnt, double sx, double sy, double sz,
-                 double rotation, long columns, long rows, double columnSpacing, double rowSpacing);
+  CEntInsertXRef(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
+                 CBlockXRefDepend& depend, CBlockXRef* xref, const PNT_3D& pnt, double sx,
+                 double sy, double sz, double rotation, long columns, long rows,
+                 double columnSpacing, double rowSpacing);
   CEntInsertXRef(IHandleGestor& gestor, CEntFactory& factory, const CEntInsertXRef& src,
-                 long handle);
+                 vek0::Handle handle);
 
   CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
-              CBlockTable& blockTable, long handle) const override;
+              CBlockTable& blockTable, vek0::Handle handle) const override;
   void countReference(bool on) const override;
 
  private:
@@ -249,7 +252,7 @@ class AttribsMemento {
     CLayer* layer;
     CLtype* ltype;
     short color;
-    long handle;
+    vek0::Handle handle;
     CEntAttribMemento state;
   };
 

@@ -4,6 +4,7 @@
 #include "vek0core/entities/entmemento.h"
 #include "vek0core/export.h"
 #include "vek0core/geometry/line.h"
+#include "vek0core/tables/handle.h"
 
 /// How far a line entity reaches.
 enum class LineReach : unsigned char {
@@ -44,11 +45,11 @@ class VEK0_API CEntLine : public CEnt {
 
  protected:
   friend class CEntFactory;
-  CEntLine(long handle, CLayer* layer, CLtype* ltype, short color, const LINE_3D& line);
-  CEntLine(const CEntLine& src, long handle);
+  CEntLine(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, const LINE_3D& line);
+  CEntLine(const CEntLine& src, vek0::Handle handle);
 
   CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
-              CBlockTable& blockTable, long handle) const override;
+              CBlockTable& blockTable, vek0::Handle handle) const override;
 
  private:
   LINE_3D m_line;

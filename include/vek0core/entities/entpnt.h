@@ -4,6 +4,7 @@
 #include "vek0core/entities/entmemento.h"
 #include "vek0core/export.h"
 #include "vek0core/geometry/pnt.h"
+#include "vek0core/tables/handle.h"
 
 /// Point entity.
 ///
@@ -30,11 +31,11 @@ class VEK0_API CEntPnt : public CEnt {
 
  protected:
   friend class CEntFactory;
-  CEntPnt(long handle, CLayer* layer, CLtype* ltype, short color, const PNT_3D& pnt);
-  CEntPnt(const CEntPnt& src, long handle);
+  CEntPnt(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, const PNT_3D& pnt);
+  CEntPnt(const CEntPnt& src, vek0::Handle handle);
 
   CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
-              CBlockTable& blockTable, long handle) const override;
+              CBlockTable& blockTable, vek0::Handle handle) const override;
 
  private:
   PNT_3D m_pnt;

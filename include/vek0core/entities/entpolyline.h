@@ -13,6 +13,7 @@
 #include "vek0core/export.h"
 #include "vek0core/geometry/line.h"
 #include "vek0core/geometry/pnt.h"
+#include "vek0core/tables/handle.h"
 
 class CEntLine;
 
@@ -54,7 +55,7 @@ class VEK0_API CEntPolyline : public CEnt {
   /// What the iterations hand over: point, start and end width of the segment that
   /// begins there, its bulge, the vertex's handle (0 for generated vertices).
   using VertexSink = std::function<void(const PNT_3D& pnt, double widthStart, double widthEnd,
-                                        double bulge, long handle)>;
+                                        double bulge, vek0::Handle handle)>;
 
   ~CEntPolyline() override;
   void accept(IEntVisitor& visitor) override;
@@ -165,7 +166,7 @@ class VEK0_API CEntPolyline : public CEnt {
   /// vertices added this way while no `CVertex` was asked for or added: once there
   /// are vertex objects, one more is appended and its bulge dropped.
   void addBulgedVertex(const PNT_3D& pnt, double widthStart, double widthEnd, double bulge,
-                       long handle);
+                       vek0::Handle handle);
   /// Replaces all vertices of a plain polyline by `count` such ones, in one
   /// allocation; does nothing for a curve.
   void setBulgedVertexes(const BULGED_VERTEX* vertexes, std::size_t count);
@@ -218,15 +219,18 @@ class VEK0_API CEntPolyline : public CEnt {
   friend class CEntPolylineMemento;
 
   /// No vertices; flags and degree as passed.
-  CEntPolyline(long handle, CLayer* layer, CLtype* ltype, short color, short flags, short degree);
+  CEntPolyline(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, short flags,
+               short degree);
   /// A copy whose vertices are made by the factory and have handle 0. A packed
   /// polyline is copied packed.
-  CEntPolyline(IHandleGestor& gestor, CEntFactory& factory, const CEntPolyline& src, long handle);
+  CEntPolyline(IHandleGestor& gestor, CEntFactory& factory, const CEntPolyline& src,
+               vek0::Handle handle);
   /// Two vertices of width 0 at the ends of the line; plain and open.
-  CEntPolyline(IHandleGestor& gestor, CEntFactory& factory, const CEntLine& src, long handle);
+  CEntPolyline(IHandleGestor& gestor, CEntFactory& factory, const CEntLine& src,
+               vek0::Handle handle);
 
   CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
-              CBlockTable& blockTable, long handle) const override;
+              CBlockTable& blockTable, vek0::Handle handle) const override;
 
   /// Deletes the vertex objects, last to first, and leaves the list as it is.
   void deleteVertex();
@@ -246,12 +250,12 @@ class VEK0_API CEntPolyline : public CEnt {
   };
   struct MementoEntry {
     CVertex* vertex;  // compared by address only
-    long handle;
+    vek0::Handle handle;
     CVertexMemento values;
   };
 
-  CEntPolyline(const CEntPolyline& src, long handle);  // all but the vertex objects
-  CEntPolyline(const CEnt& src, long handle);          // the part that all kinds have
+  CEntPolyline(const CEntPolyline& src, vek0::Handle handle);  // all but the vertex objects
+  CEntPolyline(const CEnt& src, vek0::Handle handle);          // the part that all kinds have
 
   using VertexMaker = std::function<CVertex*(const vek0::detail::ChainVertex&)>;
 

@@ -8,6 +8,7 @@
 #include "vek0core/entities/ent.h"
 #include "vek0core/export.h"
 #include "vek0core/geometry/rect.h"
+#include "vek0core/tables/handle.h"
 
 class CBlockXRefDepend;
 class IHandleGestor;
@@ -81,7 +82,7 @@ class VEK0_API CEntTable {
   /// First entity in table order that has this handle, or null. The first call for
   /// any handle but 0 builds an index of all entities, which is kept up from then
   /// on; handle 0, which most entities of a host bear, is searched for.
-  CEnt* get(long handle) const;
+  CEnt* get(vek0::Handle handle) const;
 
   const std::list<CEnt*>& getEntityTbl() const { return m_entities; }
   /// The selected entities in the order in which they were selected.

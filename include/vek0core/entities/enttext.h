@@ -5,6 +5,7 @@
 #include "vek0core/entities/ent.h"
 #include "vek0core/entities/entmemento.h"
 #include "vek0core/export.h"
+#include "vek0core/tables/handle.h"
 #include "vek0core/tables/text.h"
 
 /// Text entity: one line of text, a placed `TEXT_3D`. Base of the attribute kinds.
@@ -40,11 +41,11 @@ class VEK0_API CEntText : public CEnt {
 
  protected:
   friend class CEntFactory;
-  CEntText(long handle, CLayer* layer, CLtype* ltype, short color, const TEXT_3D& text);
-  CEntText(const CEntText& src, long handle);
+  CEntText(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, const TEXT_3D& text);
+  CEntText(const CEntText& src, vek0::Handle handle);
 
   CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
-              CBlockTable& blockTable, long handle) const override;
+              CBlockTable& blockTable, vek0::Handle handle) const override;
 
   /// The displayed string; replacing it refreshes the extents.
   const zim::WString& getString() const { return m_text.getContext().getString(); }

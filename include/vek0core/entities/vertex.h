@@ -40,9 +40,9 @@ class VEK0_API CVertexMemento {
 /// generates along them (see `CEntPolyline`).
 class VEK0_API CVertex : public IHandleEnt {
  public:
-  CVertex(const PNT_3D& pnt, double widthStart, double widthEnd, long handle);
+  CVertex(const PNT_3D& pnt, double widthStart, double widthEnd, vek0::Handle handle);
   CVertex(const CVertex& src);
-  CVertex(const CVertex& src, long handle);
+  CVertex(const CVertex& src, vek0::Handle handle);
   CVertex& operator=(const CVertex& src);
   ~CVertex() override;
 
