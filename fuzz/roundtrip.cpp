@@ -1,5 +1,6 @@
 // What we write we must read: saves whatever loaded, in both forms, and loads it
-// again. A refusal of our own file is a find.
+// again. A refusal of our own file is a find, and so is a drawing that is saved in
+// the exchange form, read again and saved as another file.
 #include <cstdlib>
 
 #include "support.h"
@@ -28,5 +29,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     loadDXF(*copy, in, &again);
     if (again.HasAnError()) std::abort();
   }
+  const std::string first = saved(*drawing, kSaveExchange);
+  const auto copy = vek0::fuzz::newDrawing();
+  CFileMemory in(u"out.dxf", 1, first);
+  loadDXF(*copy, in, nullptr, {nullptr, CFileDXFIPolicy::forAnyFile()});
+  if (saved(*copy, kSaveExchange) != first) std::abort();
   return 0;
 }

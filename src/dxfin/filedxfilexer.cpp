@@ -1,6 +1,7 @@
 #include "vek0core/dxfin/filedxfilexer.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "files/linereader.h"
 #include "files/number.h"
@@ -75,6 +76,25 @@ bool isNumber(std::string_view text) {
 bool isReal(long code) {
   return (code >= 10 && code <= 59) || (code >= 110 && code <= 149) ||
          (code >= 210 && code <= 239) || (code >= 1010 && code <= 1059);
+}
+
+// Whether they are numbers of any kind. Codes above belong to extended data, which is its
+// program's matter.
+bool isNumeric(long code) {
+  struct Range {
+    long first, last;
+  };
+  constexpr Range texts[] = {
+      {100, 109},
+      {300, 369},
+      {390, 399},
+      {410, 419},
+      {430, 439}
+  };
+  return code >= 10 && code < 470 &&
+         std::none_of(std::begin(texts), std::end(texts), [&](const Range& range) {
+           return code >= range.first && code <= range.last;
+         });
 }
 
 // Of a line without an end: the end mark may do without.
@@ -404,4 +424,9 @@ long CFileDXFILexer::getInt() const {
 
 vek0::Handle CFileDXFILexer::getHex() const {
   return isNumberMissing() ? -1 : static_cast<vek0::Handle>(vek0::detail::parseHex(m_value));
+}
+
+void CFileDXFILexer::checkNumber() const {
+  if (isNumeric(m_group) && !m_value.empty() && !vek0::detail::beginsWithNumber(m_value))
+    setError(CFileDXFIError::OutOfRange);
 }

@@ -331,7 +331,7 @@ void CFileDXFIParser::readBlockHeader(BlockHeader& block) {
         if (block.owner == 0) block.owner = vek0::detail::parseHex(m_lexer.getBytes());
         break;
       default:
-        break;
+        if (isTolerant()) m_lexer.checkNumber();
     }
     if (failed()) spareNumber();
   }

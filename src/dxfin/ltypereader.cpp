@@ -61,8 +61,11 @@ void LtypeReader::takePair(long code, Entry& entry) {
     case 74:
       if (m_complexDashes) takeElementType(entry);
       break;
-    default:
+    case 40:
+      lexer.checkNumber();
       break;
+    default:
+      if (isTolerant()) lexer.checkNumber();
   }
 }
 
@@ -136,6 +139,9 @@ void LtypeReader::takeElement(long type, Entry& entry) {
   while (taken && !failed()) {
     switch (next()) {
       case 75:
+        m_context.lexer.checkNumber();
+        m_context.spareNumber();
+        break;
       case 340:
         break;
       case 46:
@@ -182,7 +188,9 @@ long LtypeReader::next() {
 // The text's height is the file's scale as it stands; whoever draws it multiplies it
 // by the style's fixed height.
 void LtypeReader::takeText(Entry& entry) {
-  if (!expect(75) || !expect(340)) return;
+  if (!expect(75)) return;
+  m_context.lexer.checkNumber();
+  if (!expect(340)) return;
   CTextContext context;
   context.setWidthScale(1);
   context.setHeight(expectDouble(46));
@@ -195,8 +203,11 @@ void LtypeReader::takeText(Entry& entry) {
 
 // There are no shapes here: the dash in front keeps the room that one takes.
 void LtypeReader::skipShape() {
-  for (const long code : {75, 340, 46, 50, 44, 45})
+  for (const long code : {75, 340, 46, 50, 44, 45}) {
     if (!expect(code)) return;
+    m_context.lexer.checkNumber();
+  }
+  if (m_context.err.HasAnError()) return;
   m_context.note("shape dropped", {});
 }
 

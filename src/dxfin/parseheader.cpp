@@ -157,6 +157,8 @@ void CFileDXFIParser::collect(long code, HeaderValue& value) {
   } else if (code >= 60 && code < 80) {
     value.kind = HeaderValue::Integer;
     value.integer = getInt();
+  } else if (isTolerant()) {
+    m_lexer.checkNumber();
   }
 }
 

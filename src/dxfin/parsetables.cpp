@@ -126,6 +126,8 @@ void CFileDXFIParser::readLayerPair(long code, LayerEntry& layer) {
 
 void CFileDXFIParser::leaveOutOfLayer(long code, LayerEntry& layer) {
   constexpr long notPlotted = 290, weight = 370, trueColor = 420, mask = 0xFFFFFF;
+  if (isTolerant() || code == weight || code == notPlotted) m_lexer.checkNumber();
+  if (failed()) return;
   if (code == trueColor && isTolerant()) {
     const RGB_COLOR color = unpackColor(getInt() & mask);
     if (failed()) return;
@@ -227,7 +229,7 @@ void CFileDXFIParser::readStylePair(long code, StyleEntry& style) {
       style.flags = readFlags() & ~kReferenced;
       break;
     default:
-      break;
+      if (isTolerant()) m_lexer.checkNumber();
   }
 }
 

@@ -1,5 +1,7 @@
 #include "dxfin/recordreader.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 
 #include "files/number.h"
@@ -49,6 +51,13 @@ bool isLoss(const CFileDXFILexer& lexer) {
     default:
       return false;
   }
+}
+
+// Whether the code has the same meaning in every entity, read or not: what a strict reader
+// cannot pass over.
+bool isMeant(long code) {
+  constexpr long meant[] = {38, 39, 48, 60, 67, 210, 220, 230, 370, 420, 440};
+  return std::find(std::begin(meant), std::end(meant), code) != std::end(meant);
 }
 
 zim::WString decimal(long value) { return zim::WString::fromUtf8(std::to_string(value)); }
@@ -200,13 +209,20 @@ bool RecordReader::leaveOut(long code) {
   }
   if (code == kTrueColor && isTolerant()) {
     takeTrueColor();
-  } else if (isLoss(lexer())) {
-    note("code dropped", decimal(code));
-  } else if (isTolerant() && (code == kExtrusionX || code == kExtrusionY || code == kExtrusionZ)) {
+    return true;
+  }
+  if (isTolerant() && (code == kExtrusionX || code == kExtrusionY || code == kExtrusionZ)) {
     const double value = lexer().getDouble();
     (code == kExtrusionX   ? m_record.extrusion.x
      : code == kExtrusionY ? m_record.extrusion.y
                            : m_record.extrusion.z) = value;
+    return true;
+  }
+  if (isTolerant() || isMeant(code)) lexer().checkNumber();
+  if (failed()) {
+    spareNumber();
+  } else if (isLoss(lexer())) {
+    note("code dropped", decimal(code));
   } else if (code == kExtrusionZ && parseDouble(lexer().getBytes()).value != 1) {
     note("extrusion ignored");
   }

@@ -96,6 +96,10 @@ class VEK0_API CFileDXFILexer {
   /// Makes a value that does not even begin with a number error 15 where one is asked for.
   void refuseJunk() { m_refusesJunk = true; }
 
+  /// For pairs that nobody reads: error 15 when the group code is one of numbers and the value,
+  /// unless it is empty, begins with none.
+  void checkNumber() const;
+
   /// Makes the best of a file: lines that cannot be group codes are left out, keywords may
   /// be indented, numbers may have a decimal comma or an exponent after a D, texts may be
   /// UTF-8 against what the header says. The end of the file reads as the pair (0, "EOF");
