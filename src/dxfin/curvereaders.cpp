@@ -87,7 +87,7 @@ void CurveReader::takeSplinePair(long code) {
   if (code == kSubclass) {
     m_isSpline = !m_in.lexer().isKeyword("ACDBHELIX");
   } else if (!m_isSpline) {
-    return;
+    m_in.passOver();
   } else if (code == 40) {
     m_spline.knots.push_back(m_in.lexer().getDouble());
   } else if (code == 41) {

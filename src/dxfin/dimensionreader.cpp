@@ -94,7 +94,7 @@ EntPtr readTable(RecordReader& in) {
   CodeSet taken;
   // What follows repeats the codes for the cells.
   const auto take = [&](long code) {
-    if (taken.has(code)) return;
+    if (taken.has(code)) return in.passOver();
     taken.add(code);
     if (code == 2)
       picture.take(in);

@@ -347,6 +347,19 @@ void Layout::emitStack(const Line& line, const Item& item, double x, double y) {
     add(x + share * (item.width - below), y, piece.format, over + piece.below);
 }
 
+// Readers strip the blanks behind a text, so a run ends without them unless a line shows them.
+// True when fixed ones went, which count in the width of the line: the run keeps its left end.
+bool cutBlanks(std::u16string& text, const MTextFormat& f) {
+  constexpr char16_t fixed = u'\u00A0';
+  while (text.back() == u' ') text.pop_back();
+  const bool isLined = f.under || f.over || f.struck;
+  const std::size_t before = text.size();
+  while (!isLined && text.size() > 1 && (text.back() == fixed || text.back() == u' '))
+    text.pop_back();
+  std::replace(text.begin(), text.end(), fixed, u' ');
+  return text.size() < before;
+}
+
 // Words and blanks of one look are one run. One that is all of its line is held where the line is,
 // so that it stands right whatever its letters measure.
 void Layout::emit(const Line& line, double left, double top) {
@@ -362,9 +375,8 @@ void Layout::emit(const Line& line, double left, double top) {
       if (next.kind != MTextPiece::Word && next.kind != MTextPiece::Blank) break;
       text += next.kind == MTextPiece::Blank ? u" " : next.text;
     }
-    while (text.back() == u' ') text.pop_back();
-    std::replace(text.begin(), text.end(), u'\u00A0', u' ');
-    const bool isAlone = &item == &m_items[line.first] && i == line.last;
+    const bool isCut = cutBlanks(text, format(piece));
+    const bool isAlone = !isCut && &item == &m_items[line.first] && i == line.last;
     const long point = isAlone ? across(line) : 0;
     add(x + (line.width - item.x) * static_cast<double>(point) / 2,
         y + rise(line, format(piece), format(piece).height), piece.format, text, point);

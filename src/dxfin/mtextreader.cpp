@@ -188,7 +188,7 @@ void MTextReader::takeColumns(long code) {
         box.columnHeights.push_back(m_in.lexer().getDouble());
       break;
     default:
-      break;
+      m_in.passOver();
   }
 }
 

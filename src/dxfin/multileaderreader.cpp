@@ -71,14 +71,16 @@ EntPtr MultileaderReader::read() {
 
 void MultileaderReader::take(long code) {
   if (code >= kBegin) return takeBrace(code);
-  if (m_place == Outside) {
-    if (code == 170) m_isDrawn = m_in.lexer().getInt() != 0;
+  if (m_place == Outside && code == 170) {
+    m_isDrawn = m_in.lexer().getInt() != 0;
   } else if (m_place == Content) {
     takeOfContent(code);
   } else if (m_place == Leader) {
     takeOfLeader(code);
   } else if (code == 10 || code == 20 || code == 30) {
     takeCoordinate(m_in, code / 10 - 1, m_leaders.back().lines.back());
+  } else {
+    m_in.passOver();
   }
 }
 
@@ -145,7 +147,7 @@ void MultileaderReader::takeOfContent(long code) {
       m_hasBlock = lexer.getInt() != 0;
       break;
     default:
-      break;
+      m_in.passOver();
   }
 }
 
@@ -171,7 +173,7 @@ void MultileaderReader::takeOfLeader(long code) {
       leader.hasLanding = lexer.getInt() != 0;
       break;
     default:
-      break;
+      m_in.passOver();
   }
 }
 

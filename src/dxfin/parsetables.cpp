@@ -278,6 +278,8 @@ void CFileDXFIParser::readDimStyleEntry() {
   for (long code = read(); code != 0 && !failed(); code = read()) {
     if (code == 2) name = m_lexer.getText();
     style.take(code, m_lexer);
+    m_lexer.checkNumber();
+    spareNumber();
   }
   if (!zim::equalsIgnoreCase(name, u"STANDARD") || !style.isDefault())
     note("dimension style dropped", name);
@@ -290,6 +292,8 @@ void CFileDXFIParser::readBlockRecordEntry() {
   for (long code = read(); code != 0 && !failed(); code = read()) {
     if (code == 2) name = m_lexer.getText();
     if (code == 5) handle = vek0::detail::parseHex(m_lexer.getBytes());
+    m_lexer.checkNumber();
+    spareNumber();
   }
   m_dimStyles->addBlock(handle, name);
 }

@@ -113,6 +113,11 @@ class RecordReader {
   /// Turns the error of a record that its entity can do without, a `kind`, into a note and
   /// goes on to the next record. False when the reading is strict or the error ends it.
   bool recover(const zim::WString& kind);
+  /// For a pair that means nothing: what is no number costs the pair.
+  void passOver() {
+    lexer().checkNumber();
+    spareNumber();
+  }
   /// As the context's, and forgets that the pair was there.
   bool spareNumber(const char* cost = "number dropped");
 

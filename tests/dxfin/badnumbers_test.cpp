@@ -79,13 +79,15 @@ TEST(BadNumbers, CostTablesAndBlocksThePair) {
     const char* list;
     bool readStrictly;
   } cases[] = {
-      {"LTYPE",  "0 LTYPE|2 L|72 65|73 1|40 abc|49 1", true },
-      {"LAYER",  "0 LAYER|2 A|6 CONTINUOUS|70 abc",    true },
-      {"LAYER",  "0 LAYER|2 A|6 CONTINUOUS|290 abc",   true },
-      {"LAYER",  "0 LAYER|2 A|6 CONTINUOUS|370 abc",   true },
-      {"STYLE",  "0 STYLE|2 S|70 1|71 abc",            false},
-      {"BLOCKS", "0 BLOCK|2 B|70 abc|0 ENDBLK",        true },
-      {"BLOCKS", "0 BLOCK|2 B|70 0|71 abc|0 ENDBLK",   false},
+      {"LTYPE",        "0 LTYPE|2 L|72 65|73 1|40 abc|49 1", true },
+      {"LAYER",        "0 LAYER|2 A|6 CONTINUOUS|70 abc",    true },
+      {"LAYER",        "0 LAYER|2 A|6 CONTINUOUS|290 abc",   true },
+      {"LAYER",        "0 LAYER|2 A|6 CONTINUOUS|370 abc",   true },
+      {"STYLE",        "0 STYLE|2 S|70 1|71 abc",            false},
+      {"DIMSTYLE",     "0 DIMSTYLE|2 STANDARD|140 abc",      false},
+      {"BLOCK_RECORD", "0 BLOCK_RECORD|2 B|70 abc",          false},
+      {"BLOCKS",       "0 BLOCK|2 B|70 abc|0 ENDBLK",        true },
+      {"BLOCKS",       "0 BLOCK|2 B|70 0|71 abc|0 ENDBLK",   false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.list);
