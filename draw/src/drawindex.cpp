@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <new>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -31,24 +32,28 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
  public:
   explicit Entities(const CData& data) : m_data(data), m_table(data.getEntTable()) {}
   ~Entities() override {
-    if (m_isBuilt) m_table.unwatch(*this);
+    if (m_isWatching) m_table.unwatch(*this);
   }
 
   void added(CEnt& ent) override {
-    auto& place = ent.getType() == CEntFixedInsert::kType ? m_placeless : m_loose;
-    place.emplace(CEntTable::getRank(ent), &ent);
+    orGiveUp([&] {
+      auto& place = ent.getType() == CEntFixedInsert::kType ? m_placeless : m_loose;
+      place.emplace(CEntTable::getRank(ent), &ent);
+    });
   }
 
   void removed(CEnt& ent) override {
     m_loose.erase(CEntTable::getRank(ent));
     m_placeless.erase(CEntTable::getRank(ent));
-    outdate(ent);
+    orGiveUp([&] { outdate(ent); });
   }
 
   void reshaped(CEnt& ent) override {
     if (m_placeless.count(CEntTable::getRank(ent)) != 0) return;
-    outdate(ent);
-    m_loose.emplace(CEntTable::getRank(ent), &ent);
+    orGiveUp([&] {
+      outdate(ent);
+      m_loose.emplace(CEntTable::getRank(ent), &ent);
+    });
   }
 
   void cleared() override {
@@ -62,7 +67,7 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
 
   /// Brings the trees up to date; may take a while.
   void prepare() {
-    if (holdOthersEndless() || !m_isBuilt) return build();
+    if (holdOthersEndless() || !m_isWhole) return build();
     const bool isMostlyOutdated = m_outdated.size() > size() / 2 + kMostLoose;
     if (m_loose.size() > kMostLoose || isMostlyOutdated) gather(isMostlyOutdated);
   }
@@ -87,6 +92,14 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
   }
 
  private:
+  // Without memory for an edit everything is looked at again when somebody draws.
+  template <class Edit>
+  void orGiveUp(const Edit& edit) try {
+    edit();
+  } catch (const std::bad_alloc&) {
+    m_isWhole = false;
+  }
+
   // Largest first.
   struct Tree {
     BoxTree boxes;
@@ -125,16 +138,18 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
   }
 
   void build() {
+    m_isWhole = false;
     cleared();
     Items items;
     items.reserve(m_table.getEntityTbl().size());
     for (CEnt* ent : m_table.getEntityTbl()) take({CEntTable::getRank(*ent), ent}, items);
     plant(items);
-    if (!m_isBuilt) m_table.watch(*this);
-    m_isBuilt = true;
+    if (!m_isWatching) m_table.watch(*this);
+    m_isWatching = m_isWhole = true;
   }
 
   void gather(bool everything) {
+    m_isWhole = false;
     Items items;
     for (const auto& [rank, ent] : m_loose) take({rank, ent}, items);
     m_loose.clear();
@@ -146,6 +161,7 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
     }
     if (m_trees.empty()) m_outdated.clear();
     plant(items);
+    m_isWhole = true;
   }
 
   // An empty box is not seen until it is told that it is another one.
@@ -164,7 +180,8 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
   const CData& m_data;
   const CEntTable& m_table;
   BlockTrees m_blocks;
-  bool m_isBuilt = false;
+  bool m_isWatching = false;
+  bool m_isWhole = false;  // false: memory has run out meanwhile, or nobody has drawn yet
   std::vector<std::uint64_t> m_endless;  // blocks that show lines without end
   std::uint64_t m_now = 0;               // number of trees made so far
   std::vector<Tree> m_trees;

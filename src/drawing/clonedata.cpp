@@ -11,8 +11,10 @@
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/blockfactory.h"
 
+using vek0::detail::addNew;
 using vek0::detail::cloneDashes;
 using vek0::detail::cloneOnto;
+using vek0::detail::give;
 using vek0::detail::ItemMap;
 using vek0::detail::orThrow;
 
@@ -76,8 +78,7 @@ class DrawingCopy {
         made = to.getStyleStandard();
         made->setMemento(CStyleMemento(style));
       } else {
-        made = orThrow(m_copy.getStyleFactory().create(style));
-        to.add(made);
+        made = addNew(to, m_copy.getStyleFactory().create(style));
       }
       m_map.add(&style, made);
     }
@@ -90,21 +91,20 @@ class DrawingCopy {
 
   void copyLtypes(const CLtypeTable& from) {
     for (int i = 0; i < from.size(); ++i) {
-      CLtype* made = orThrow(m_copy.getLtypeFactory().create(from[i]->getName(), from[i]->getDesc(),
-                                                             cloneDashes(*from[i], m_map),
-                                                             from[i]->getFlags()));
-      m_copy.getLtypeTable().add(made);
-      m_map.add(from[i], made);
+      m_map.add(from[i], addNew(m_copy.getLtypeTable(),
+                                m_copy.getLtypeFactory().create(
+                                    from[i]->getName(), from[i]->getDesc(),
+                                    cloneDashes(*from[i], m_map), from[i]->getFlags())));
     }
   }
 
   void copyLayers(const CLayerTable& from) {
     for (int i = 0; i < from.size(); ++i) {
       const CLayer& layer = *from[i];
-      CLayer* made = orThrow(m_copy.getLayerFactory().create(
-          layer.getName(), m_map(layer.getLtype()), layer.getColor(), layer.getFlags()));
+      CLayer* made = addNew(m_copy.getLayerTable(), m_copy.getLayerFactory().create(
+                                                        layer.getName(), m_map(layer.getLtype()),
+                                                        layer.getColor(), layer.getFlags()));
       made->setLineWidth(layer.getLineWidth());
-      m_copy.getLayerTable().add(made);
       m_map.add(&layer, made);
     }
   }
@@ -119,11 +119,12 @@ class DrawingCopy {
   void copyXRefs() {
     const CBlockXRefTable& from = m_src.getBlockXRefTable();
     for (int i = 0; i < from.size(); ++i) {
-      CBlockXRef& xref = *orThrow(m_copy.getBlockFactory().createXRef(
-          m_copy.getLtypeContinuous(), m_copy.getLtypeByLayer(), m_copy.getLtypeByBlock(),
-          m_copy.getLayer0(), from[i]->getName(), from[i]->getPath(), from[i]->getPnt(),
-          from[i]->getFlags()));
-      m_copy.getBlockXRefTable().add(&xref);
+      CBlockXRef& xref =
+          *addNew(m_copy.getBlockXRefTable(),
+                  m_copy.getBlockFactory().createXRef(
+                      m_copy.getLtypeContinuous(), m_copy.getLtypeByLayer(),
+                      m_copy.getLtypeByBlock(), m_copy.getLayer0(), from[i]->getName(),
+                      from[i]->getPath(), from[i]->getPnt(), from[i]->getFlags()));
       xref.setStatus(from[i]->getStatus());
       xref.setOwnBase(from[i]->getOwnBase());
       xref.setFile(from[i]->getFile());
@@ -136,9 +137,9 @@ class DrawingCopy {
   void copyLtypes(const CBlockXRef& from, CBlockXRef& to) {
     for (int i = 0; i < from.getLtypeTable().size(); ++i) {
       const CLtype& ltype = *from.getLtypeTable()[i];
-      CLtype* made = orThrow(m_copy.getLtypeFactory().createXRef(
-          to, ltype.getName(), ltype.getDesc(), cloneDashes(ltype, m_map), ltype.getFlags()));
-      to.getLtypeTable().add(made);
+      CLtype* made = addNew(to.getLtypeTable(), m_copy.getLtypeFactory().createXRef(
+                                                    to, ltype.getName(), ltype.getDesc(),
+                                                    cloneDashes(ltype, m_map), ltype.getFlags()));
       m_map.add(&ltype, made);
     }
   }
@@ -146,10 +147,11 @@ class DrawingCopy {
   void copyLayers(const CBlockXRef& from, CBlockXRef& to) {
     for (int i = 0; i < from.getLayerTable().size(); ++i) {
       const CLayer& layer = *from.getLayerTable()[i];
-      CLayerXRef* made = orThrow(m_copy.getLayerFactory().createXRef(
-          to, layer.getName(), m_map(layer.getLtype()), layer.getColor(), layer.getFlags()));
+      CLayerXRef* made =
+          addNew(to.getLayerTable(),
+                 m_copy.getLayerFactory().createXRef(to, layer.getName(), m_map(layer.getLtype()),
+                                                     layer.getColor(), layer.getFlags()));
       made->setLineWidth(layer.getLineWidth());
-      to.getLayerTable().add(made);
       m_map.add<CLayer>(&layer, made);
       if (!layer.isXRef()) continue;
       auto told = static_cast<const CLayerXRef&>(layer).getTold();
@@ -161,10 +163,10 @@ class DrawingCopy {
   void copyBlocks() {
     const CBlockTable& from = m_src.getBlockTable();
     for (int i = 0; i < from.size(); ++i) {
-      CBlock* made = orThrow(m_copy.getBlockFactory().create(from[i]->getName(), from[i]->getPnt(),
-                                                             from[i]->getFlags()));
+      CBlock* made = addNew(m_copy.getBlockTable(),
+                            m_copy.getBlockFactory().create(from[i]->getName(), from[i]->getPnt(),
+                                                            from[i]->getFlags()));
       made->SetUserInfo(from[i]->GetUserType(), from[i]->GetUserData());
-      m_copy.getBlockTable().add(made);
       m_map.add(from[i], made);
     }
     for (int i = 0; i < from.size(); ++i) fill(*from[i], *m_map(from[i]));
@@ -172,8 +174,7 @@ class DrawingCopy {
   }
 
   void fill(const CBlock& from, CBlock& to) {
-    for (unsigned i = 0; i < from.size(); ++i)
-      to.restore(cloneOnto(m_copy, m_map, *from[i]).release());
+    for (unsigned i = 0; i < from.size(); ++i) give(to, cloneOnto(m_copy, m_map, *from[i]));
     to.insertBlock(m_copy.getHandleGestor());
     m_copy.getBlockTable().updateBlock(&to);
   }
@@ -182,11 +183,13 @@ class DrawingCopy {
   void copyContent(const CBlockXRef& from, CBlockXRef& to) {
     CBlockXRef::Blocks blocks;
     for (const auto& block : from.getBlocks()) {
-      CBlock& made = *blocks.emplace_back(orThrow(
+      blocks.emplace_back();
+      blocks.back().reset(orThrow(
           m_copy.getBlockFactory().create(block->getName(), block->getPnt(), block->getFlags())));
+      CBlock& made = *blocks.back();
       m_map.add(block.get(), &made);
       for (unsigned i = 0; i < block->size(); ++i)
-        made.restore(cloneOnto(m_copy, m_map, *(*block)[i]).release());
+        give(made, cloneOnto(m_copy, m_map, *(*block)[i]));
     }
     std::vector<std::unique_ptr<CEnt>> entities;
     for (unsigned i = 0; i < from.size(); ++i)
@@ -199,8 +202,7 @@ class DrawingCopy {
     to.invalidateBdry();
     std::unordered_map<const CEnt*, CEnt*> selected;
     for (const CEnt* ent : m_src.getEntTable().getEntityTbl()) {
-      CEnt* copy = cloneOnto(m_copy, m_map, *ent).release();
-      to.add(copy);
+      CEnt* copy = addNew(to, cloneOnto(m_copy, m_map, *ent).release());
       if (ent->isSelected()) selected.emplace(ent, copy);
     }
     for (const CEnt* ent : m_src.getEntTable().getSelectedEntityTbl()) to.select(selected[ent]);

@@ -1,5 +1,6 @@
 // The createEnt functions: each forwards to the drawing's entity factory.
 #include <memory>
+#include <new>
 
 #include "entities/hatchblock.h"
 #include "vek0core/drawing/functions.h"
@@ -144,13 +145,15 @@ CEntInsertXRef* createEntInsertXRef(const CData& data, CBlockXRefDepend& depend,
 
 CEntHatch* createEntHatch(CData& data, CLayer* layer, CLtype* ltype, short color,
                           const HATCH_TYPE& type, double scale, double rotate,
-                          const std::vector<PNT_3D>& boundary, vek0::Handle handle) {
+                          const std::vector<PNT_3D>& boundary, vek0::Handle handle) try {
   std::unique_ptr<CEntHatch> hatch(data.getEntFactory().createEntHatch(
       data.getHandleGestor(), layer, ltype, color, getHatchName(data.getBlockTable()), type, scale,
       rotate, boundary, data, handle));
   std::unique_ptr<CBlock> block(hatch ? hatch->getBlock() : nullptr);
   if (!block || hatch->getNoPnts() < 3) return nullptr;
   return vek0::detail::addHatchBlock(data.getBlockTable(), block) ? hatch.release() : nullptr;
+} catch (const std::bad_alloc&) {
+  return nullptr;
 }
 CEntHatch* createEntHatch(CData& data, const HATCH_TYPE& type, double scale, double rotate,
                           const std::vector<PNT_3D>& boundary, vek0::Handle handle) {

@@ -41,15 +41,32 @@ CData::~CData() {
   m_layerFactory.reset();
   m_ltypeFactory.reset();
   m_entFactory.reset();
+  clearUsers();
+  m_styles.clearAll();
+}
+
+void CData::clearAll() {
+  clearUsers();
+  for (int i = m_styles.size(); i-- > 0;) {
+    CStyle* style = m_styles[i];
+    if (style->isStandard()) continue;
+    m_styles.remove(style);
+    delete style;
+  }
+  CNamedItem* const fixed[] = {&m_layer0, &m_continuous, &m_byLayer, &m_byBlock};
+  for (CNamedItem* item : fixed) item->zeroEntities();
+  if (CStyle* standard = m_styles.getStyleStandard()) standard->zeroEntities();
+}
+
+// Users before what they use: entities name blocks, blocks and entities name layers,
+// layers name linetypes, linetypes name styles.
+void CData::clearUsers() {
   if (!isView()) releaseCounts();
-  // Users before what they use: entities name blocks, blocks and entities name layers,
-  // layers name linetypes, linetypes name styles.
   m_entities.clearAll();
   m_blocks.clearAll();
   m_xrefs.clearAll();
   m_layers.clearAll();
   m_ltypes.clearAll();
-  m_styles.clearAll();
 }
 
 // A listed layer may name a linetype of an external reference and a layer of the

@@ -119,7 +119,9 @@ class EntCloner final : public IEntVisitor {
   void keepInsert(const CEntInsertBase& src, Insert* made) {
     std::unique_ptr<Insert> insert(orThrow(made));
     for (unsigned i = 0; i < src.GetNoAttribs(); ++i) {
-      insert->add(attrib(*src.GetAttrib(i)).release());
+      std::unique_ptr<CEntAttrib> copy = attrib(*src.GetAttrib(i));
+      insert->add(copy.get());
+      static_cast<void>(copy.release());  // not before the insert has it
     }
     keep(insert.release());
   }
@@ -132,9 +134,10 @@ class EntCloner final : public IEntVisitor {
     return copy;
   }
 
-  CVertex& vertex(const PNT_3D& pnt, double widthStart, double widthEnd,
-                  vek0::Handle handle) const {
-    return *orThrow(createVertex(m_data, pnt, widthStart, widthEnd, handle));
+  std::unique_ptr<CVertex> vertex(const PNT_3D& pnt, double widthStart, double widthEnd,
+                                  vek0::Handle handle) const {
+    return std::unique_ptr<CVertex>(
+        orThrow(createVertex(m_data, pnt, widthStart, widthEnd, handle)));
   }
 
   // A plain polyline stays as packed as it is; a curve is its frame and what is visible.
@@ -152,10 +155,14 @@ class EntCloner final : public IEntVisitor {
     }
     for (int i = 0; i < e.getFirstVisibleVertex(); ++i) {
       const CVertex& v = e.GetVertex(i);
-      copy->addVertex(vertex(v.getPnt(), v.GetWidthStart(), v.GetWidthEnd(), v.GetHandle()));
+      auto made = vertex(v.getPnt(), v.GetWidthStart(), v.GetWidthEnd(), v.GetHandle());
+      copy->addVertex(*made);
+      static_cast<void>(made.release());  // not before the polyline has it
     }
     e.forEachVisible([&](const PNT_3D& pnt, double ws, double we, double, vek0::Handle handle) {
-      copy->addVisibleVertex(vertex(pnt, ws, we, handle));
+      auto made = vertex(pnt, ws, we, handle);
+      copy->addVisibleVertex(*made);
+      static_cast<void>(made.release());
     });
     copy->calcBdry();
     return copy;

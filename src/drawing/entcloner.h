@@ -4,7 +4,9 @@
 #include <new>
 #include <unordered_map>
 
+#include "tables/addnew.h"
 #include "vek0core/drawing/data.h"
+#include "vek0core/entities/block.h"
 
 class CEnt;
 
@@ -33,6 +35,13 @@ class ItemMap {
  private:
   std::unordered_map<const void*, void*> m_items;
 };
+
+/// Hands a copy over to the block that is to have it.
+template <class Ent>
+void give(CBlock& block, std::unique_ptr<Ent> ent) {
+  block.restore(ent.get());
+  static_cast<void>(ent.release());  // not before the block has it
+}
 
 /// A copy for `data`, in no table, on the items that stand for those of `src`: an insert
 /// becomes one of an external reference or an ordinary one as its new block is. Keeps the

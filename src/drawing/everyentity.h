@@ -40,7 +40,7 @@ void forEveryAttrib(CEnt& ent, const Each& each) {
 
 /// Brings extents up to date that depend on this entity's.
 inline void spreadBdry(CData& data, CEnt& ent) {
-  ent.calcBdry();
+  ent.invalidateBdry();
   if (CBlock* block = ent.getOwnerBlock()) block->invalidateBdry();
   data.getEntTable().invalidateBdry();
 }

@@ -32,10 +32,14 @@ bool PointerSet::contains(const void* pointer) const {
 
 bool PointerSet::insert(const void* pointer) {
   if (pointer == nullptr || contains(pointer)) return false;
-  if (2 * (m_used + 1) > m_slots.size()) grow();
+  reserve(1);
   m_slots[locate(pointer)] = pointer;
   ++m_used;
   return true;
+}
+
+void PointerSet::reserve(std::size_t more) {
+  while (2 * (m_used + more) > m_slots.size()) grow();
 }
 
 void PointerSet::grow() {

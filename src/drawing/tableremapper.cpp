@@ -1,5 +1,6 @@
 #include "vek0core/drawing/tableremapper.h"
 
+#include <new>
 #include <optional>
 
 #include "drawing/everyentity.h"
@@ -27,7 +28,11 @@ void CTableRemapper::Remap() { remapAll(nullptr); }
 
 bool CTableRemapper::Remap(CUndoStack& undo) {
   const bool isOwnStep = !undo.isOpen();
-  undo.begin({});
+  try {
+    undo.begin({});
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
   const bool done = remapAll(&undo);
   if (!done && isOwnStep)
     undo.rollback();
@@ -53,10 +58,7 @@ bool CTableRemapper::remapTexts(CLtype& ltype, CUndoStack* undo) {
     CStyle* style = old != nullptr ? replacementOf(m_styles, old->getStyle()) : nullptr;
     if (style == nullptr) continue;
     if (undo != nullptr && !undo->keep(ltype)) return false;
-    TEXT_3D text(*old);
-    text.setStyle(style);
-    dashes.RemoveDash(i);
-    dashes.InsertDashText(i, text);
+    dashes.SetTextStyle(i, style);
   }
   return true;
 }

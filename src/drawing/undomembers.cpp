@@ -1,5 +1,7 @@
 #include "drawing/undomembers.h"
 
+#include <new>
+
 #include "vek0core/entities/enthatch.h"
 #include "vek0core/entities/entpolyline.h"
 
@@ -51,12 +53,12 @@ void countUses(const CBlockXRef& xref, bool on) {
 void EntMembership::take(CData& data) {
   CEntTable& table = data.getEntTable();
   m_place = table.getPlace(*m_item);
-  table.remove(m_item);
+  table.remove(m_item, m_slots);
 }
 
 void EntMembership::put(CData& data) {
   CEntTable& table = data.getEntTable();
-  m_place ? table.restore(m_item, *m_place) : table.add(m_item);
+  m_place ? table.restore(m_item, *m_place, m_slots) : table.add(m_item, m_slots);
 }
 
 void BlockEntMembership::take(CData& data) {
@@ -70,10 +72,16 @@ void BlockEntMembership::take(CData& data) {
 
 void BlockEntMembership::put(CData& data) {
   const bool hadAttdefs = (m_block.getFlags() & CBlock::kHasAttdefs) != 0;
-  // The first time the block moves it to where it belongs.
-  m_place ? m_block.restore(m_item, *m_place) : m_block.add(m_item);
+  const bool isCounted = isRegistered(data);
+  if (isCounted) m_item->addTbls(data.getHandleGestor());
+  try {
+    // The first time the block moves it to where it belongs.
+    m_place ? m_block.restore(m_item, *m_place) : m_block.add(m_item);
+  } catch (const std::bad_alloc&) {
+    if (isCounted) m_item->removeTbls(data.getHandleGestor());
+    throw;
+  }
   swapAttdefFlag(hadAttdefs);
-  if (isRegistered(data)) m_item->addTbls(data.getHandleGestor());
   refresh(data);
 }
 
@@ -95,38 +103,26 @@ void BlockEntMembership::refresh(CData& data) {
 }
 
 ContentExchange::ContentExchange(CBlock& block) : m_block(block), m_memento(block.createMemento()) {
-  notePresent();
+  if (m_memento == nullptr) throw std::bad_alloc();
 }
 
 ContentExchange::~ContentExchange() {
-  for (const CEnt* ent : m_owned) delete ent;
+  if (m_isMade) m_memento->destroyEntity();
 }
 
-void ContentExchange::notePresent() {
-  m_present.clear();
-  m_present.reserve(m_block.size());
-  for (unsigned i = 0; i < m_block.size(); ++i) m_present.push_back(m_block[i]);
-}
-
-bool ContentExchange::swap(CData& data) {
-  std::unique_ptr<CBlockMemento> present(m_block.createMemento());
-  if (present == nullptr) return false;
-  notePresent();
-  data.getBlockTable().setMemento(&m_block, *m_memento);
+void ContentExchange::swap(CData& data) {
+  data.getBlockTable().exchange(&m_block, *m_memento);
   data.getEntTable().invalidateBdry();
-  m_memento = std::move(present);
-  adopt();
-  std::erase_if(m_owned, [](const CEnt* ent) { return ent->isHeld(); });
-  return true;
 }
 
 std::size_t ContentExchange::size() const {
   std::size_t bytes = sizeof *this + sizeof *m_memento;
-  for (const CEnt* ent : m_owned) bytes += bytesOf(*ent) + 2 * sizeof(ent);
+  if (!m_isMade) return bytes;
+  for (const CEnt* ent : m_memento->getEntities()) bytes += bytesOf(*ent) + 2 * sizeof(ent);
   return bytes;
 }
 
-bool HatchExchange::swap(CData& data) {
+void HatchExchange::swap(CData& data) {
   CBlock* block = m_hatch.getBlock();
   const double scale = m_hatch.getHatchScale(), rotate = m_hatch.getHatchRotate();
   const HATCH_TYPE* type = &m_hatch.getHatchType();
@@ -140,7 +136,6 @@ bool HatchExchange::swap(CData& data) {
     owner->invalidateBdry();
     data.getBlockTable().updateBlock(owner);
   }
-  return true;
 }
 
 }  // namespace vek0::detail

@@ -24,10 +24,9 @@ class Membership : public UndoAction {
   ~Membership() override {
     if (!m_isIn) delete m_item;
   }
-  bool swap(CData& data) final {
+  void swap(CData& data) final {
     m_isIn ? take(data) : put(data);
     m_isIn = !m_isIn;
-    return true;
   }
   void letGo() final { m_isIn = true; }
   std::size_t size() const override { return sizeof *this + (m_isIn ? 0 : bytesOf(*m_item)); }
@@ -47,13 +46,14 @@ class Membership : public UndoAction {
 /// An entity of model space.
 class EntMembership final : public Membership<CEnt> {
  public:
-  EntMembership(CEnt& ent, bool isIn) : Membership(ent, isIn) {}
+  EntMembership(CEnt& ent, bool isIn) : Membership(ent, isIn), m_slots(isIn ? 0 : 1) {}
 
  private:
   void take(CData& data) override;
   void put(CData& data) override;
 
   std::optional<CEntTable::Place> m_place;  // none before the first time
+  CEntTable::Slots m_slots;                 // its memory in the table, while it is out
 };
 
 /// An entity of a block.
@@ -109,23 +109,19 @@ class ItemMembership final : public Membership<Item> {
 /// The content of a block, redefined.
 class ContentExchange final : public UndoAction {
  public:
-  /// To be made before the redefinition; `old` is what the block has then.
+  /// To be made before the redefinition.
   explicit ContentExchange(CBlock& block);
   ~ContentExchange() override;
-  bool isValid() const { return m_memento != nullptr; }
-  bool swap(CData& data) override;
+  void swap(CData& data) override;
   std::size_t size() const override;
-  void letGo() override { m_owned.clear(); }
+  void letGo() override { m_isMade = false; }
   /// After the redefinition: what the block had is this action's.
-  void adopt() { m_owned.swap(m_present); }
+  void adopt() { m_isMade = true; }
 
  private:
-  void notePresent();
-
   CBlock& m_block;
   std::unique_ptr<CBlockMemento> m_memento;
-  std::vector<CEnt*> m_present;  // what the block has, until it has something else
-  std::vector<CEnt*> m_owned;
+  bool m_isMade = false;  // the entities of the memento belong to this
 };
 
 /// The block that a hatch shows, with its parameters.
@@ -134,7 +130,7 @@ class HatchExchange final : public UndoAction {
   HatchExchange(CEntHatch& hatch, CBlock* block, double scale, double rotate,
                 const HATCH_TYPE& type)
       : m_hatch(hatch), m_block(block), m_scale(scale), m_rotate(rotate), m_type(&type) {}
-  bool swap(CData& data) override;
+  void swap(CData& data) override;
   std::size_t size() const override { return sizeof *this; }
 
  private:

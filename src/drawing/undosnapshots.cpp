@@ -1,5 +1,6 @@
 #include "drawing/undosnapshots.h"
 
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -29,12 +30,20 @@ void refreshTexts(CData& data, const CStyle& style) {
     bool shows = ent.getStyle() == &style;
     forEveryAttrib(ent, [&](CEntAttrib& attrib) {
       if (attrib.getStyle() != &style) return;
-      attrib.calcBdry();
+      attrib.invalidateBdry();
       shows = true;
     });
     if (shows) spreadBdry(data, ent);
     return true;
   });
+}
+
+template <class Item, class Memento>
+void setMemento(Item& item, const Memento& memento, NoParts) {
+  item.setMemento(memento);
+}
+void setMemento(CLtype& ltype, const CLtypeMemento& memento, CLtypeComplexDashSeq& dashes) {
+  ltype.setMemento(memento, dashes);
 }
 
 void refreshUsers(CData& data, const CLayer&) { data.getEntTable().invalidateBdry(); }
@@ -61,28 +70,54 @@ bool ContentMark::isGone() const {
   return m_xref != nullptr && m_xref->getNoContents() != m_noContents;
 }
 
-bool PropertiesSnapshot::swap(CData& data) {
-  if (m_mark.isGone()) return true;
-  std::unique_ptr<CEntBaseMemento> present(m_ent.createBaseMemento());
-  if (present == nullptr) return false;
+void PropertiesSnapshot::swap(CData& data) {
+  if (m_mark.isGone()) return;
   std::optional<UncountedEdit> edit;
   if (UncountedEdit::isFor(m_ent.getOwnerBlock())) edit.emplace(m_ent);
-  m_ent.setMemento(m_memento.get());
-  m_memento = std::move(present);
+  m_ent.exchange(*m_memento);
   data.getEntTable().invalidateBdry();  // the layer may be frozen
-  return true;
 }
 
-bool GeometrySnapshot::swap(CData& data) {
-  if (m_mark.isGone()) return true;
+void GeometrySnapshot::swap(CData& data) {
+  if (m_mark.isGone()) return;
   std::unique_ptr<IEntDerivedMemento> present(m_ent.createDerivedMemento());
-  if (present == nullptr) return false;
+  if (present == nullptr) throw std::bad_alloc();
+  std::optional<UncountedEdit> edit;
+  if (UncountedEdit::isFor(m_ent.getOwnerBlock())) edit.emplace(m_ent);
+  m_displaced = m_ent.replaceParts(data, *m_memento);
+  m_set = std::move(m_memento);
+  m_memento = std::move(present);
+  try {
+    if (!m_displaced || !m_displaced->isAll()) m_ent.setMemento(data, m_set.get());
+  } catch (const std::bad_alloc&) {
+    swapBack(data);
+    throw;
+  }
+  refreshOwner(data, m_ent);
+}
+
+void GeometrySnapshot::swapBack(CData& data) {
+  if (m_mark.isGone()) return;
+  std::optional<UncountedEdit> edit;
+  if (UncountedEdit::isFor(m_ent.getOwnerBlock())) edit.emplace(m_ent);
+  if (m_displaced) m_displaced->putBack();
+  m_ent.setMemento(data, m_memento.get());
+  m_memento = std::move(m_set);
+  m_displaced.reset();
+  refreshOwner(data, m_ent);
+}
+
+void GeometrySnapshot::settle() {
+  m_set.reset();
+  m_displaced.reset();
+}
+
+void GeometrySnapshot::takeBack(CData& data) {
+  if (m_mark.isGone()) return;
   std::optional<UncountedEdit> edit;
   if (UncountedEdit::isFor(m_ent.getOwnerBlock())) edit.emplace(m_ent);
   m_ent.setMemento(data, m_memento.get());
-  m_memento = std::move(present);
   refreshOwner(data, m_ent);
-  return true;
 }
 
 // A hatch's snapshot holds for the block that the hatch shows, and another action of the
@@ -92,13 +127,33 @@ const void* GeometrySnapshot::snapshotOf() const {
 }
 
 template <class Item, class Memento>
-bool ItemSnapshot<Item, Memento>::swap(CData& data) {
+void ItemSnapshot<Item, Memento>::swap(CData& data) {
   std::unique_ptr<Memento> present(m_item.createMemento());
-  if (present == nullptr) return false;
-  m_item.setMemento(*m_memento);
-  m_memento = std::move(present);
+  if (present == nullptr) throw std::bad_alloc();
+  m_displaced.emplace(makeParts(*m_memento));
+  setMemento(m_item, *m_memento, *m_displaced);
+  m_set = std::exchange(m_memento, std::move(present));
   refreshUsers(data, m_item);
-  return true;
+}
+
+template <class Item, class Memento>
+void ItemSnapshot<Item, Memento>::swapBack(CData& data) {
+  setMemento(m_item, *m_memento, *m_displaced);
+  m_memento = std::move(m_set);
+  settle();
+  refreshUsers(data, m_item);
+}
+
+template <class Item, class Memento>
+void ItemSnapshot<Item, Memento>::settle() {
+  m_set.reset();
+  m_displaced.reset();
+}
+
+template <class Item, class Memento>
+void ItemSnapshot<Item, Memento>::takeBack(CData& data) {
+  m_item.setMemento(*m_memento);
+  refreshUsers(data, m_item);
 }
 
 template <class Item, class Memento>
@@ -119,30 +174,46 @@ BlockHeadSnapshot::BlockHeadSnapshot(CBlock& block)
   if (block.isXRef()) m_path = static_cast<CBlockXRef&>(block).getPath();
 }
 
-bool BlockHeadSnapshot::swap(CData&) {
-  BlockHeadSnapshot present(m_block);
-  // Whether there are attribute definitions is for the block itself to say.
-  const bool hasAttdefs = (m_block.getFlags() & CBlock::kHasAttdefs) != 0;
-  m_block.setName(m_name);
+CBlockXRef* BlockHeadSnapshot::xref() const {
+  return m_block.isXRef() ? static_cast<CBlockXRef*>(&m_block) : nullptr;
+}
+
+// The spare texts have room for what is there, so that the way back needs no memory.
+void BlockHeadSnapshot::swap(CData& data) {
+  m_spareName = m_block.getName();
+  if (xref() != nullptr) m_sparePath = xref()->getPath();
+  takeBack(data);
+  std::swap(m_name, m_spareName);
+  std::swap(m_path, m_sparePath);
+}
+
+void BlockHeadSnapshot::takeBack(CData&) {
+  if (xref() != nullptr) xref()->setPath(m_path);
+  try {
+    m_block.setName(m_name);
+  } catch (const std::bad_alloc&) {
+    if (xref() != nullptr) xref()->setPath(m_sparePath);
+    throw;
+  }
+  exchangeHead();
+}
+
+void BlockHeadSnapshot::exchangeHead() {
+  const long flags = m_block.getFlags();
+  const int userType = m_block.GetUserType(), userData = m_block.GetUserData();
   m_block.setFlags(m_flags);
-  m_block.setFlags(CBlock::kHasAttdefs, hasAttdefs);
+  // Whether there are attribute definitions is for the block itself to say.
+  m_block.setFlags(CBlock::kHasAttdefs, (flags & CBlock::kHasAttdefs) != 0);
   m_block.SetUserInfo(m_userType, m_userData);
-  if (m_block.isXRef()) static_cast<CBlockXRef&>(m_block).setPath(m_path);
-  std::swap(m_name, present.m_name);
-  std::swap(m_path, present.m_path);
-  m_flags = present.m_flags;
-  m_userType = present.m_userType;
-  m_userData = present.m_userData;
-  return true;
+  m_flags = flags;
+  m_userType = userType;
+  m_userData = userData;
 }
 
 std::size_t BlockHeadSnapshot::size() const {
   return sizeof *this + textBytes(m_name) + textBytes(m_path);
 }
 
-bool VarsSnapshot::swap(CData&) {
-  std::swap(m_vars, m_kept);
-  return true;
-}
+void VarsSnapshot::swap(CData&) { std::swap(m_vars, m_kept); }
 
 }  // namespace vek0::detail

@@ -1,14 +1,20 @@
 #pragma once
 
 // Snapshots of what a host changes in place. Undoing exchanges the snapshot for one of the
-// present state, so an edit has one of them at a time.
+// present state, so an edit has one of them at a time, but for the one that was set while its
+// step is not through.
 
 #include <memory>
+#include <optional>
+#include <utility>
 
 #include "drawing/undoaction.h"
 #include "vek0core/drawing/datavariables.h"
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/entmemento.h"
+#include "vek0core/tables/layer.h"
+#include "vek0core/tables/ltype.h"
+#include "vek0core/tables/style.h"
 
 class CBlockXRef;
 
@@ -34,7 +40,7 @@ class PropertiesSnapshot final : public UndoAction {
   explicit PropertiesSnapshot(CEnt& ent)
       : m_ent(ent), m_mark(ent), m_memento(ent.createBaseMemento()) {}
   bool isValid() const { return m_memento != nullptr; }
-  bool swap(CData& data) override;
+  void swap(CData& data) override;
   std::size_t size() const override { return sizeof *this + sizeof *m_memento; }
   const void* snapshotOf() const override { return m_mark.isGone() ? nullptr : &m_ent; }
 
@@ -52,7 +58,10 @@ class GeometrySnapshot final : public UndoAction {
   explicit GeometrySnapshot(CEnt& ent)
       : m_ent(ent), m_mark(ent), m_memento(ent.createDerivedMemento()) {}
   bool isValid() const { return m_memento != nullptr; }
-  bool swap(CData& data) override;
+  void swap(CData& data) override;
+  void swapBack(CData& data) override;
+  void settle() override;
+  void takeBack(CData& data) override;
   std::size_t size() const override { return sizeof *this + m_memento->size(); }
   const void* snapshotOf() const override;
   int part() const override { return kPart; }
@@ -61,7 +70,16 @@ class GeometrySnapshot final : public UndoAction {
   CEnt& m_ent;
   ContentMark m_mark;
   std::unique_ptr<IEntDerivedMemento> m_memento;
+  // What `swapBack` needs: the memento that was set, and the parts that this displaced.
+  std::unique_ptr<IEntDerivedMemento> m_set;
+  std::unique_ptr<EntParts> m_displaced;
 };
+
+/// Elements of a linetype, which its memento describes and does not hold. Other items have none.
+struct NoParts {};
+inline NoParts makeParts(const CLayerMemento&) { return {}; }
+inline NoParts makeParts(const CStyleMemento&) { return {}; }
+inline CLtypeComplexDashSeq makeParts(const CLtypeMemento& memento) { return memento.makeDashes(); }
 
 /// A table item.
 template <class Item, class Memento>
@@ -71,13 +89,21 @@ class ItemSnapshot final : public UndoAction {
 
   explicit ItemSnapshot(Item& item) : m_item(item), m_memento(item.createMemento()) {}
   bool isValid() const { return m_memento != nullptr; }
-  bool swap(CData& data) override;
+  void swap(CData& data) override;
+  void swapBack(CData& data) override;
+  void settle() override;
+  void takeBack(CData& data) override;
   std::size_t size() const override;
   const void* snapshotOf() const override { return &m_item; }
 
  private:
+  using Parts = decltype(makeParts(std::declval<const Memento&>()));
+
   Item& m_item;
   std::unique_ptr<Memento> m_memento;
+  // What `swapBack` needs: the memento that was set, and the parts that this displaced.
+  std::unique_ptr<Memento> m_set;
+  std::optional<Parts> m_displaced;
 };
 
 /// What a block's memento does not hold of a block's head: name, flags, words of the host.
@@ -87,13 +113,18 @@ class BlockHeadSnapshot final : public UndoAction {
 
   explicit BlockHeadSnapshot(CBlock& block);
   bool isValid() const { return true; }
-  bool swap(CData& data) override;
+  void swap(CData& data) override;
+  void takeBack(CData& data) override;
   std::size_t size() const override;
   const void* snapshotOf() const override { return &m_block; }
 
  private:
+  CBlockXRef* xref() const;
+  void exchangeHead();
+
   CBlock& m_block;
   zim::WString m_name, m_path;
+  zim::WString m_spareName, m_sparePath;
   long m_flags;
   int m_userType, m_userData;
 };
@@ -105,7 +136,7 @@ class VarsSnapshot final : public UndoAction {
 
   explicit VarsSnapshot(CDataVariables& vars) : m_vars(vars), m_kept(vars) {}
   bool isValid() const { return true; }
-  bool swap(CData& data) override;
+  void swap(CData& data) override;
   std::size_t size() const override { return sizeof *this; }
   const void* snapshotOf() const override { return &m_vars; }
 

@@ -102,6 +102,8 @@ class CUndoStack::AutoStep {
   CUndoStack& m_stack;
 };
 
+CUndoStack::Step::Step(const zim::WString& given) : name(given) {}
+
 CUndoStack::CUndoStack(CData& data, std::size_t limit) : m_data(data), m_limit(limit) {}
 
 CUndoStack::~CUndoStack() { clear(); }
@@ -109,7 +111,7 @@ CUndoStack::~CUndoStack() { clear(); }
 // --- Steps
 
 void CUndoStack::begin(const zim::WString& name) {
-  if (m_depth == 0) m_open.emplace_back().name = name;
+  if (m_depth == 0) m_open.emplace_back(name);
   ++m_depth;
 }
 
@@ -139,11 +141,11 @@ void CUndoStack::rollback() {
 
 // Takes back what the open step has done since it had `count` actions.
 void CUndoStack::unwind(std::size_t count) {
-  for (; actions().size() > count; actions().pop_back()) swapOne(*actions().back());
+  for (; actions().size() > count; actions().pop_back()) actions().back()->takeBack(m_data);
 }
 
 bool CUndoStack::undo() {
-  if (m_depth != 0 || m_done.empty() || !swapAll(m_done.back(), false)) return false;
+  if (m_depth != 0 || m_done.empty() || !trySwap(m_done.back(), false)) return false;
   reinstateUsed(m_data);
   m_undone.splice(m_undone.end(), m_done, std::prev(m_done.end()));
   measure(m_undone.back());
@@ -151,33 +153,34 @@ bool CUndoStack::undo() {
 }
 
 bool CUndoStack::redo() {
-  if (m_depth != 0 || m_undone.empty() || !swapAll(m_undone.back(), true)) return false;
+  if (m_depth != 0 || m_undone.empty() || !trySwap(m_undone.back(), true)) return false;
   reinstateUsed(m_data);
   m_done.splice(m_done.end(), m_undone, std::prev(m_undone.end()));
   measure(m_done.back());
   return true;
 }
 
-// All of a step or nothing: what was done before a failure is turned back.
-bool CUndoStack::swapAll(Step& step, bool forward) {
+bool CUndoStack::trySwap(Step& step, bool forward) try {
+  swapAll(step, forward);
+  return true;
+} catch (const std::bad_alloc&) {
+  return false;
+}
+
+// All of a step or nothing: what was done before a failure is turned back, which cannot fail.
+void CUndoStack::swapAll(Step& step, bool forward) {
   const std::size_t count = step.actions.size();
   const auto action = [&](std::size_t i) -> Action& {
     return *step.actions[forward ? i : count - 1 - i];
   };
-  for (std::size_t i = 0; i < count; ++i) {
-    if (swapOne(action(i))) continue;
-    while (i > 0) swapOne(action(--i));
-    return false;
-  }
-  return true;
-}
-
-bool CUndoStack::swapOne(Action& action) {
+  std::size_t done = 0;
   try {
-    return action.swap(m_data);
+    for (; done < count; ++done) action(done).swap(m_data);
   } catch (const std::bad_alloc&) {
-    return false;
+    while (done > 0) action(--done).swapBack(m_data);
+    throw;
   }
+  for (std::size_t i = 0; i < count; ++i) action(i).settle();
 }
 
 bool CUndoStack::merge() {
@@ -219,7 +222,12 @@ void CUndoStack::noteSnapshots(const Step& step) {
 }
 
 void CUndoStack::clear() {
-  rollback();
+  try {
+    rollback();
+  } catch (const std::bad_alloc&) {
+    while (!actions().empty()) actions().pop_back();
+    rollback();
+  }
   forgetUndone();
   while (!m_done.empty()) dropOldest();
   m_mergedId = 0;
@@ -270,10 +278,9 @@ void CUndoStack::forgetUndone() {
   m_undone.clear();
 }
 
-// Adds an action whose edit is made, or is about to be made by the host.
+// Adds an action to the open step whose edit is made, or is about to be made by the host.
 bool CUndoStack::record(std::unique_ptr<Action> action) {
   if (!action) return false;
-  const AutoStep step(*this);
   try {
     actions().push_back(nullptr);
   } catch (const std::bad_alloc&) {
@@ -286,38 +293,56 @@ bool CUndoStack::record(std::unique_ptr<Action> action) {
 
 // Makes an edit, by doing for the first time what redoing does.
 bool CUndoStack::perform(std::unique_ptr<Action> action) {
-  const AutoStep step(*this);
   Action* const edit = action.get();
   if (!record(std::move(action))) return false;
-  if (swapOne(*edit)) return true;
-  edit->letGo();
-  actions().pop_back();
+  try {
+    edit->swap(m_data);
+    edit->settle();
+    return true;
+  } catch (const std::bad_alloc&) {
+    edit->letGo();
+    actions().pop_back();
+    return false;
+  }
+}
+
+// An edit in a step; false when there is no memory.
+template <class Edit>
+bool CUndoStack::attempt(const Edit& edit) try {
+  const AutoStep step(*this);
+  return edit();
+} catch (const std::bad_alloc&) {
   return false;
 }
 
 // --- Before a change in place
 
+// Null when the open step has one already.
 template <class Snapshot, class Target>
+std::unique_ptr<CUndoStack::Action> CUndoStack::makeOnce(Target& target) const {
+  if (m_kept[Snapshot::kPart].contains(&target)) return nullptr;
+  auto snapshot = std::make_unique<Snapshot>(target);
+  if (!snapshot->isValid()) throw std::bad_alloc();
+  return snapshot;
+}
+
+template <class... Snapshots, class Target>
 bool CUndoStack::keepOnce(Target& target) {
-  const AutoStep step(*this);
-  auto& kept = m_kept[Snapshot::kPart];
-  if (kept.contains(&target)) return true;
-  try {
-    auto snapshot = std::make_unique<Snapshot>(target);
-    const void* id = snapshot->snapshotOf();
-    if (!snapshot->isValid() || !record(std::move(snapshot))) return false;
-    kept.insert(id);
+  return attempt([&] {
+    std::unique_ptr<Action> made[] = {makeOnce<Snapshots>(target)...};
+    const std::size_t needed = actions().size() + sizeof...(Snapshots);
+    if (needed > actions().capacity()) actions().reserve(2 * needed);
+    for (PointerSet& part : m_kept) part.reserve(1);
+    for (std::unique_ptr<Action>& snapshot : made) {
+      if (!snapshot) continue;
+      m_kept[snapshot->part()].insert(snapshot->snapshotOf());
+      actions().push_back(std::move(snapshot));
+    }
     return true;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  });
 }
 
-bool CUndoStack::keep(CEnt& ent) {
-  const AutoStep step(*this);
-  return keepProperties(ent) && keepGeometry(ent);
-}
-
+bool CUndoStack::keep(CEnt& ent) { return keepOnce<PropertiesSnapshot, GeometrySnapshot>(ent); }
 bool CUndoStack::keepProperties(CEnt& ent) { return keepOnce<PropertiesSnapshot>(ent); }
 bool CUndoStack::keepGeometry(CEnt& ent) { return keepOnce<GeometrySnapshot>(ent); }
 bool CUndoStack::keep(CLayer& layer) {
@@ -336,23 +361,27 @@ bool CUndoStack::keepVars() { return keepOnce<VarsSnapshot>(m_data.getVars()); }
 
 bool CUndoStack::add(CEnt* ent) {
   if (ent == nullptr || ent->isHeld()) return false;
-  const AutoStep step(*this);
-  const std::size_t before = actions().size();
-  if (bringBlock(*ent) && perform(newAction<EntMembership>(*ent, false))) return true;
-  forget(before);
-  return false;
+  return attempt([&] {
+    const std::size_t before = actions().size();
+    if (bringBlock(*ent) && perform(newAction<EntMembership>(*ent, false))) return true;
+    forget(before);
+    return false;
+  });
 }
 
-bool CUndoStack::add(CBlock& block, CEnt* ent) {
+bool CUndoStack::add(CBlock& block, CEnt* ent) try {
   if (ent == nullptr || ent->isHeld() || isContent(&block)) return false;
   const CBlockGraph& graph = m_data.getBlockTable().getBlockGraph();
   const CEntInsertBase* insert = ent->getEntInsert();
   CBlock* inner = insert != nullptr ? insert->getBlock() : nullptr;
   if (inner != nullptr && !graph.canSubstitute(block, {inner})) return false;
-  const AutoStep step(*this);
-  const std::size_t before = actions().size();
-  if (bringBlock(*ent) && perform(newAction<BlockEntMembership>(block, *ent, false))) return true;
-  forget(before);
+  return attempt([&] {
+    const std::size_t before = actions().size();
+    if (bringBlock(*ent) && perform(newAction<BlockEntMembership>(block, *ent, false))) return true;
+    forget(before);
+    return false;
+  });
+} catch (const std::bad_alloc&) {
   return false;
 }
 
@@ -360,14 +389,16 @@ bool CUndoStack::remove(CEnt* ent) {
   if (ent == nullptr) return false;
   CBlock* owner = ent->getOwnerBlock();
   if (owner == nullptr ? !m_data.getEntTable().contains(ent) : isContent(owner)) return false;
-  const AutoStep step(*this);
-  const std::size_t before = actions().size();
-  const bool removed = owner != nullptr ? perform(newAction<BlockEntMembership>(*owner, *ent, true))
-                                        : perform(newAction<EntMembership>(*ent, true));
-  const CEntHatch* hatch = castHatch(ent);
-  if (removed && (hatch == nullptr || takeBlock(hatch->getBlock()))) return true;
-  unwind(before);
-  return false;
+  return attempt([&] {
+    const std::size_t before = actions().size();
+    const bool removed = owner != nullptr
+                             ? perform(newAction<BlockEntMembership>(*owner, *ent, true))
+                             : perform(newAction<EntMembership>(*ent, true));
+    const CEntHatch* hatch = castHatch(ent);
+    if (removed && (hatch == nullptr || takeBlock(hatch->getBlock()))) return true;
+    unwind(before);
+    return false;
+  });
 }
 
 // The block of a hatch that is about to be added went into the table when the hatch was
@@ -397,13 +428,17 @@ std::unique_ptr<Made> CUndoStack::newAction(Args&&... args) {
 template <class Table, class Item>
 bool CUndoStack::addItem(Table& table, Item* item) {
   if (item == nullptr || item->isHeld()) return false;
-  return perform(newAction<ItemMembership<Table, Item>>(table, *item, false));
+  return attempt(
+      [&] { return perform(newAction<ItemMembership<Table, Item>>(table, *item, false)); });
 }
 
 template <class Table, class Item>
 bool CUndoStack::removeItem(Table& table, Item* item) {
-  if (item == nullptr || !table.contains(item) || isUsed(m_data, *item)) return false;
-  return perform(newAction<ItemMembership<Table, Item>>(table, *item, true));
+  if (item == nullptr || !table.contains(item)) return false;
+  return attempt([&] {
+    return !isUsed(m_data, *item) &&
+           perform(newAction<ItemMembership<Table, Item>>(table, *item, true));
+  });
 }
 
 bool CUndoStack::add(CLayer* layer) { return addItem(m_data.getLayerTable(), layer); }
@@ -421,16 +456,22 @@ bool CUndoStack::redefine(CBlock& block, const PNT_3D& base, long flags,
                           const std::list<CEnt*>& newEntities) {
   CBlockTable& table = m_data.getBlockTable();
   if (!table.contains(&block) || !areFree(newEntities)) return false;
-  if (!table.canRedefine(&block, newEntities)) return false;
-  const AutoStep step(*this);
-  auto exchange = newAction<ContentExchange>(block);
-  if (!exchange || !exchange->isValid()) return false;
-  ContentExchange& made = *exchange;
-  if (!record(std::move(exchange))) return false;
-  table.Redefine(&block, base, flags, newEntities);
-  made.adopt();
-  m_data.getEntTable().invalidateBdry();
-  return true;
+  return attempt([&] {
+    if (!table.canRedefine(&block, newEntities)) return false;
+    auto exchange = std::make_unique<ContentExchange>(block);
+    ContentExchange& made = *exchange;
+    const std::size_t before = actions().size();
+    if (!record(std::move(exchange))) return false;
+    try {
+      table.Redefine(&block, base, flags, newEntities);
+    } catch (const std::bad_alloc&) {
+      forget(before);
+      return false;
+    }
+    made.adopt();
+    m_data.getEntTable().invalidateBdry();
+    return true;
+  });
 }
 
 bool CUndoStack::redefine(CEntHatch& hatch, double scale, double rotate, const HATCH_TYPE& type) {
@@ -438,19 +479,20 @@ bool CUndoStack::redefine(CEntHatch& hatch, double scale, double rotate, const H
       &type == &hatch.getHatchType())
     return true;
   CBlockTable& table = m_data.getBlockTable();
-  std::unique_ptr<CBlock> fresh(
-      createHatch(getHatchName(table), type, scale, rotate, hatch.getBoundary(), m_data));
-  if (!fresh) return false;
-  const AutoStep step(*this);
-  const std::size_t before = actions().size();
-  CBlock* const old = hatch.getBlock();
-  if (!perform(newAction<HatchExchange>(hatch, fresh.get(), scale, rotate, type))) return false;
-  if (!exchangeBlocks(old, fresh)) {
-    unwind(before);
-    return false;
-  }
-  if (CBlock* owner = hatch.getOwnerBlock()) table.updateBlock(owner);
-  return true;
+  return attempt([&] {
+    std::unique_ptr<CBlock> fresh(
+        createHatch(getHatchName(table), type, scale, rotate, hatch.getBoundary(), m_data));
+    if (!fresh) return false;
+    const std::size_t before = actions().size();
+    CBlock* const old = hatch.getBlock();
+    if (!perform(newAction<HatchExchange>(hatch, fresh.get(), scale, rotate, type))) return false;
+    if (!exchangeBlocks(old, fresh)) {
+      unwind(before);
+      return false;
+    }
+    if (CBlock* owner = hatch.getOwnerBlock()) table.updateBlock(owner);
+    return true;
+  });
 }
 
 // The old block goes first, so that its number is free for the new one.

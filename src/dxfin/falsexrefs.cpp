@@ -1,8 +1,8 @@
 #include "dxfin/falsexrefs.h"
 
 #include <memory>
-#include <new>
 
+#include "tables/addnew.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/drawing/tableremapper.h"
@@ -13,12 +13,6 @@ namespace {
 
 constexpr long kOfXRef = 16, kResolved = 32;  // bits of an item's flags
 
-template <class Item>
-Item* orThrow(Item* made) {
-  if (!made) throw std::bad_alloc();
-  return made;
-}
-
 long ownFlags(const CNamedItem& item) { return item.getFlags() & ~(kOfXRef | kResolved); }
 
 void replaceItems(CData& data, CBlockXRef& xref, CTableRemapper& items) {
@@ -26,16 +20,16 @@ void replaceItems(CData& data, CBlockXRef& xref, CTableRemapper& items) {
     CLtype& of = *xref.getLtypeTable()[i];
     const zim::WString name = of.getFullName();
     if (!data.getLtypeTable().get(name))
-      addLtype(data, orThrow(data.getLtypeFactory().create(name, of.getDesc(), of.GetDashSeq(),
-                                                           ownFlags(of))));
+      addNew(data.getLtypeTable(),
+             data.getLtypeFactory().create(name, of.getDesc(), of.GetDashSeq(), ownFlags(of)));
     items.ChangeInto(&of, data.getLtypeTable().get(name));
   }
   for (int i = 0; i < xref.getLayerTable().size(); ++i) {
     CLayer& of = *xref.getLayerTable()[i];
     const zim::WString name = of.getFullName();
     if (!data.getLayerTable().get(name))
-      data.getLayerTable().add(
-          orThrow(data.getLayerFactory().create(name, of.getLtype(), of.getColor(), ownFlags(of))));
+      addNew(data.getLayerTable(),
+             data.getLayerFactory().create(name, of.getLtype(), of.getColor(), ownFlags(of)));
     items.ChangeInto(&of, data.getLayerTable().get(name));
   }
 }

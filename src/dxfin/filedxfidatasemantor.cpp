@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <unordered_map>
 
 #include "dxfin/falsexrefs.h"
 #include "entities/hatchblock.h"
+#include "tables/addnew.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/dxfin/filedxfierror.h"
@@ -21,6 +23,8 @@
 #include "vek0core/files/report.h"
 #include "vek0core/hatch/hatchtypetable.h"
 #include "vek0core/tables/font.h"
+
+using vek0::detail::addNew;
 
 namespace {
 
@@ -98,10 +102,8 @@ void IFileDXFIDataSemantor::createLayer(const zim::WString& name, CLtype* ltype,
     known->setLtype(ltype);
     known->setColor(colour);
     known->setFlags(flags);
-  } else if (CLayer* layer = m_data.getLayerFactory().create(name, ltype, colour, flags)) {
-    m_data.getLayerTable().add(layer);
   } else {
-    fail(CFileDXFIError::GeneralError);
+    addNew(m_data.getLayerTable(), m_data.getLayerFactory().create(name, ltype, colour, flags));
   }
 }
 
@@ -115,11 +117,9 @@ void IFileDXFIDataSemantor::createLayerXRef(const zim::WString& xref, const zim:
     known->setLtype(ltype);
     known->setColor(colour);
     known->setFlags(flags);
-  } else if (CLayerXRef* layer =
-                 m_data.getLayerFactory().createXRef(*owner, name, ltype, colour, flags)) {
-    owner->getLayerTable().add(layer);
   } else {
-    fail(CFileDXFIError::GeneralError);
+    addNew(owner->getLayerTable(),
+           m_data.getLayerFactory().createXRef(*owner, name, ltype, colour, flags));
   }
 }
 
@@ -138,10 +138,7 @@ CLayer* IFileDXFIDataSemantor::createLayerHurried(const zim::WString& name) {
 void IFileDXFIDataSemantor::createLtype(const zim::WString& name, const zim::WString& description,
                                         CLtypeComplexDashSeq& dashes, long flags) {
   if (m_data.getLtypeTable().get(name)) return;
-  if (CLtype* ltype = m_data.getLtypeFactory().create(name, description, dashes, flags))
-    addLtype(m_data, ltype);
-  else
-    fail(CFileDXFIError::GeneralError);
+  addNew(m_data.getLtypeTable(), m_data.getLtypeFactory().create(name, description, dashes, flags));
 }
 
 void IFileDXFIDataSemantor::createLtypeXRef(const zim::WString& xref, const zim::WString& name,
@@ -149,22 +146,17 @@ void IFileDXFIDataSemantor::createLtypeXRef(const zim::WString& xref, const zim:
                                             CLtypeComplexDashSeq& dashes, long flags) {
   CBlockXRef* owner = needXRef(xref);
   if (!owner || owner->getLtypeTable().get(name)) return;
-  if (CLtypeXRef* ltype =
-          m_data.getLtypeFactory().createXRef(*owner, name, description, dashes, flags))
-    owner->getLtypeTable().add(ltype);
-  else
-    fail(CFileDXFIError::GeneralError);
+  addNew(owner->getLtypeTable(),
+         m_data.getLtypeFactory().createXRef(*owner, name, description, dashes, flags));
 }
 
 void IFileDXFIDataSemantor::createStyle(const zim::WString& name, const ICADFont* font,
                                         double fixedHeight, double widthScale, double oblique,
                                         double lastHeight, long flags) {
   if (getStyle(name)) return;
-  if (CStyle* style = m_data.getStyleFactory().create(name, font, fixedHeight, widthScale, oblique,
-                                                      lastHeight, flags))
-    addStyle(m_data, style);
-  else
-    fail(CFileDXFIError::GeneralError);
+  addNew(m_data.getStyleTable(),
+         m_data.getStyleFactory().create(name, font, fixedHeight, widthScale, oblique, lastHeight,
+                                         flags));
 }
 
 const ICADFont* IFileDXFIDataSemantor::getFont(const zim::WString& name) {
@@ -189,14 +181,10 @@ CBlockXRef* IFileDXFIDataSemantor::getXRef(const zim::WString& name) {
 
 CBlockXRef* IFileDXFIDataSemantor::addXRef(const zim::WString& name, const zim::WString& path,
                                            const PNT_3D& base, long flags) {
-  CBlockXRef* xref = m_data.getBlockFactory().createXRef(
-      m_data.getLtypeContinuous(), m_data.getLtypeByLayer(), m_data.getLtypeByBlock(),
-      m_data.getLayer0(), name, path, base, flags);
-  if (xref)
-    m_data.getBlockXRefTable().add(xref);
-  else
-    fail(CFileDXFIError::GeneralError);
-  return xref;
+  return addNew(m_data.getBlockXRefTable(),
+                m_data.getBlockFactory().createXRef(
+                    m_data.getLtypeContinuous(), m_data.getLtypeByLayer(), m_data.getLtypeByBlock(),
+                    m_data.getLayer0(), name, path, base, flags));
 }
 
 // Tables come before the blocks that declare what their items depend on.
@@ -280,8 +268,8 @@ std::unique_ptr<CBlock> IFileDXFIDataSemantor::generate(const HATCH_TYPE& type, 
   if (cuts > m_hatchRoom * cutsPerPiece) return nullptr;
   m_hatchRoom -= cuts / cutsPerPiece;
   const HatchLimit limit(m_data, m_hatchRoom);
-  std::unique_ptr<CBlock> block(
-      ::createHatch(getHatchName(getBlockTable()), type, scale, rotate, boundary, m_data));
+  std::unique_ptr<CBlock> block(vek0::detail::makeHatchBlock(getHatchName(getBlockTable()), type,
+                                                             scale, rotate, boundary, m_data));
   if (block) m_hatchRoom -= static_cast<double>(block->size());
   return block;
 }
@@ -295,12 +283,7 @@ CBlock* IFileDXFIDataSemantor::findBlock(const zim::WString& name) {
 }
 
 CBlock* IFileDXFIDataSemantor::createBlockHurried(const zim::WString& name, long flags) {
-  CBlock* block = m_data.getBlockFactory().create(name, flags);
-  if (!block) {
-    fail(CFileDXFIError::GeneralError);
-    return nullptr;
-  }
-  m_data.getBlockTable().add(block);
+  CBlock* block = addNew(m_data.getBlockTable(), m_data.getBlockFactory().create(name, flags));
   m_placeholderIndex.emplace(block, m_placeholders.size());
   m_placeholders.push_back({block, false, nullptr});
   return block;
@@ -323,7 +306,7 @@ void IFileDXFIDataSemantor::createFreshBlock(const zim::WString& name, const PNT
     return fail(CFileDXFIError::GeneralError);
   }
   for (; !entities.empty(); entities.pop_front()) block->add(entities.front());
-  m_data.getBlockTable().add(block.release());
+  addNew(m_data.getBlockTable(), block.release());
 }
 
 // Inserts that would make the block a part of itself. Each block is asked about once, and
@@ -348,14 +331,13 @@ void IFileDXFIDataSemantor::dropCircles(CBlock& block, std::list<CEnt*>& entitie
 
 void IFileDXFIDataSemantor::redefineBlock(CBlock& block, const PNT_3D& base, long flags,
                                           std::list<CEnt*>& entities) {
-  std::list<CEnt*> fresh;
-  fresh.swap(entities);
   const std::unique_ptr<CBlockMemento> old(block.createMemento());
-  if (m_options.policy.tolerant) dropCircles(block, fresh);
-  if (!old || m_data.getBlockTable().Redefine(&block, base, flags, fresh) != 0) {
-    discard(fresh);
+  if (m_options.policy.tolerant) dropCircles(block, entities);
+  if (!old || m_data.getBlockTable().Redefine(&block, base, flags, entities) != 0) {
+    discard(entities);
     return fail(old ? CFileDXFIError::BlockNotFound : CFileDXFIError::GeneralError);
   }
+  entities.clear();
   old->destroyEntity();
   if (Placeholder* placeholder = findPlaceholder(block)) placeholder->defined = true;
 }
@@ -435,7 +417,12 @@ void IFileDXFIDataSemantor::refill(const CEntHatch& hatch) {
     std::list<CEnt*> pieces;
     for (unsigned i = 0; i < fresh->size(); ++i) pieces.push_back((*fresh)[i]);
     fresh->clearEntities();
-    return redefineBlock(block, block.getPnt(), block.getFlags(), pieces);
+    try {
+      return redefineBlock(block, block.getPnt(), block.getFlags(), pieces);
+    } catch (const std::bad_alloc&) {
+      discard(pieces);
+      throw;
+    }
   }
   for (unsigned i = 0; i < block.size(); ++i) {
     if (block[i]->getType() != CEnt3DFace::kType) continue;

@@ -419,8 +419,8 @@ CEnt* CFileDXFIParser::readAnEntity() {
   }
   if (!isTolerant()) return m_pACADVersionLoader->readEntity();
   m_kind = m_lexer.getBytes();
-  CEnt* ent = m_pACADVersionLoader->readEntity();
+  vek0::detail::EntPtr ent(m_pACADVersionLoader->readEntity());
   if (failed() && recover("entity dropped", zim::WString::fromUtf8(m_kind)))
     m_pACADVersionLoader->getFurther().clear();
-  return ent;
+  return ent.release();
 }

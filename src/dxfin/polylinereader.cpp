@@ -189,7 +189,8 @@ EntPtr PolylineReader::buildCurve(short type, short degree) {
     auto vertex = m_in.built(m_in.factory().createVertex(m_in.gestor(), PNT_3D(v.x, v.y, v.z),
                                                          v.widthStart, v.widthEnd, v.handle));
     if (!vertex) return nullptr;
-    polyline->addVertex(*vertex.release());
+    polyline->addVertex(*vertex);
+    static_cast<void>(vertex.release());  // not before the polyline has it
   }
   if (fitted.empty())
     polyline->regen(m_in.gestor(), m_in.factory(), false);
@@ -212,7 +213,9 @@ void PolylineReader::addFitted(CEntPolyline& polyline, const std::vector<BULGED_
   chain.forEach([&](const ChainVertex& v) {
     auto vertex = m_in.built(
         m_in.factory().createVertex(m_in.gestor(), v.pnt, v.widthStart, v.widthEnd, v.handle));
-    if (vertex) polyline.addVisibleVertex(*vertex.release());
+    if (!vertex) return;
+    polyline.addVisibleVertex(*vertex);
+    static_cast<void>(vertex.release());
   });
   polyline.calcBdry();
 }

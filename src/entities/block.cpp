@@ -15,7 +15,6 @@
 
 using vek0::detail::BlockGraphEdge;
 using vek0::detail::BlockGraphItem;
-using vek0::detail::RankTree;
 
 namespace {
 
@@ -31,42 +30,43 @@ std::uint64_t CBlock::nextSerial() {
 }
 
 // Brings extents up to date, those of inserted blocks first. A recursion would go as
-// deep as blocks are nested, which a file decides.
+// deep as blocks are nested, which a file decides; a stack of its own would need memory, so
+// the blocks themselves are the stack.
 class CBlock::BdryWalk {
  public:
   ~BdryWalk() {
-    for (const Frame& frame : m_stack) frame.block->m_bdryBusy = false;
+    while (m_top != nullptr) leave();
   }
 
   void run(CBlock& block) {
     enter(block);
-    while (!m_stack.empty()) {
-      CBlock& top = *m_stack.back().block;
-      if (CBlock* inner = nextStale(m_stack.back())) {
+    while (m_top != nullptr) {
+      if (CBlock* inner = nextStale(*m_top)) {
         enter(*inner);
       } else {
-        top.growBdry();
-        top.m_bdryBusy = false;
-        m_stack.pop_back();
+        m_top->growBdry();
+        leave();
       }
     }
   }
 
  private:
-  struct Frame {
-    CBlock* block;
-    std::size_t next;
-  };
-
   void enter(CBlock& block) {
-    m_stack.push_back({&block, block.m_bdryStale ? 0 : block.m_noBoxed});
+    block.m_bdryNext = block.m_bdryStale ? 0 : block.m_noBoxed;
+    block.m_bdryFrom = m_top;
     block.m_bdryBusy = true;
+    m_top = &block;
   }
 
-  static CBlock* nextStale(Frame& frame) {
-    const std::vector<CEnt*>& entities = frame.block->m_entities;
-    while (frame.next < entities.size()) {
-      const CEnt* ent = entities[frame.next++];
+  void leave() {
+    m_top->m_bdryBusy = false;
+    m_top = m_top->m_bdryFrom;
+  }
+
+  static CBlock* nextStale(CBlock& block) {
+    const std::vector<CEnt*>& entities = block.m_entities;
+    while (block.m_bdryNext < entities.size()) {
+      const CEnt* ent = entities[block.m_bdryNext++];
       const CEntInsertBase* insert = ent != nullptr ? ent->getEntInsert() : nullptr;
       CBlock* inner = insert != nullptr ? insert->getBlock() : nullptr;
       if (inner != nullptr && inner->isBdryStale() && !inner->m_bdryBusy) return inner;
@@ -74,7 +74,7 @@ class CBlock::BdryWalk {
     return nullptr;
   }
 
-  std::vector<Frame> m_stack;
+  CBlock* m_top = nullptr;
 };
 
 CBlock::CBlock(const zim::WString& name) : CBlock(name, PNT_3D(0, 0, 0), 0) {}
@@ -106,6 +106,7 @@ CBlock::~CBlock() {
 
 void CBlock::add(CEnt* ent) {
   if (ent == nullptr || ent->m_owner != nullptr) return;
+  makeRoom(1);
   if (m_base != PNT_3D(0, 0, 0)) {
     CEntMoveVisitor mover(-m_base);
     ent->accept(mover);
@@ -117,11 +118,16 @@ void CBlock::restore(CEnt* ent) {
   if (ent != nullptr && ent->m_owner == nullptr) append(ent);
 }
 
+void CBlock::makeRoom(std::size_t more) {
+  const std::size_t needed = m_entities.size() + more;
+  if (needed > m_entities.capacity()) m_entities.reserve(std::max(needed, 2 * m_entities.size()));
+}
+
 void CBlock::append(CEnt* ent) {
   if (m_noHoles > m_entities.size() / 2) compact();
-  ++m_edition;
   m_entities.push_back(ent);
-  if (m_ranks) m_ranks->append(true);
+  ++m_edition;
+  vek0::detail::appendUsed(m_ranks);
   own(*ent, m_entities.size() - 1);
   tellUsers();
 }
@@ -235,8 +241,15 @@ void CBlock::SetUserInfo(int type, int data) {
 }
 
 void CBlock::insertBlock(IHandleGestor& gestor) const {
-  for (auto ent = m_entities.rbegin(); ent != m_entities.rend(); ++ent)
-    if (*ent != nullptr) (*ent)->addTbls(gestor);
+  auto ent = m_entities.rbegin();
+  try {
+    for (; ent != m_entities.rend(); ++ent)
+      if (*ent != nullptr) (*ent)->addTbls(gestor);
+  } catch (const std::bad_alloc&) {
+    for (auto done = m_entities.rbegin(); done != ent; ++done)
+      if (*done != nullptr) (*done)->removeTbls(gestor);
+    throw;
+  }
 }
 
 void CBlock::removeBlock(IHandleGestor& gestor) const {
@@ -250,6 +263,27 @@ CBlockMemento* CBlock::createMemento() const {
   } catch (const std::bad_alloc&) {
     return nullptr;
   }
+}
+
+void CBlock::exchange(CBlockMemento& memento) {
+  compact();
+  ++m_edition;
+  m_ranks.reset();
+  m_noLookups = m_noAttdefs = 0;
+  for (CEnt* ent : m_entities) disown(*ent);
+  const long flags = getFlags();
+  std::swap(m_base, memento.m_base);
+  m_entities.swap(memento.m_entities);
+  std::size_t kept = 0;
+  for (CEnt* ent : m_entities) {
+    if (ent->isHeld()) continue;  // by another owner meanwhile
+    m_entities[kept] = ent;
+    own(*ent, kept++);
+  }
+  m_entities.resize(kept);
+  setFlags(memento.m_flags);
+  memento.m_flags = flags;
+  invalidateBdry();
 }
 
 void CBlock::setMemento(const CBlockMemento& memento) {
@@ -273,8 +307,8 @@ CEnt* CBlock::at(std::size_t i) const {
     if (m_noHoles > m_entities.size() / 2 || ++m_noLookups > m_entities.size()) {
       compact();
     } else {
-      if (!m_ranks) m_ranks = std::make_unique<RankTree>(m_entities);
-      return m_entities[m_ranks->select(i)];
+      if (vek0::detail::needRanks(m_ranks, m_entities)) return m_entities[m_ranks->select(i)];
+      compact();
     }
   }
   return m_entities[i];
@@ -324,19 +358,27 @@ void CBlock::growBdry() {
 // computation that it undoes. The same goes for the users of a user.
 void CBlock::tellUsers() {
   if (m_item == nullptr || !std::exchange(m_bdryAsked, false)) return;
-  std::vector<const BlockGraphItem*> told{m_item};
-  while (!told.empty()) {
-    const BlockGraphItem* item = told.back();
-    told.pop_back();
+  if (m_item->graph->isOutdated()) return m_item->graph->tellAll();
+  BlockGraphItem* told = m_item;
+  told->nextTold = nullptr;
+  while (told != nullptr) {
+    const BlockGraphItem* item = std::exchange(told, told->nextTold);
     for (const BlockGraphEdge* edge = item->users; edge != nullptr; edge = edge->nextToTarget) {
-      CBlock& block = *edge->user->block;
-      if (block.m_bdryStale) continue;
-      ++block.m_edition;
-      block.m_bdryStale = true;
-      block.dirtyInserts();
-      if (std::exchange(block.m_bdryAsked, false)) told.push_back(edge->user);
+      if (!edge->user->block->hearOfChange()) continue;
+      edge->user->nextTold = told;
+      told = edge->user;
     }
   }
+}
+
+// Something that the block shows has other extents; answers whether its own users have to be
+// told.
+bool CBlock::hearOfChange() {
+  if (m_bdryStale) return false;
+  ++m_edition;
+  m_bdryStale = true;
+  dirtyInserts();
+  return std::exchange(m_bdryAsked, false);
 }
 
 void CBlock::dirtyInserts() {
@@ -400,6 +442,16 @@ CBlockMemento::CBlockMemento(const CBlock& block)
     : m_base(block.getPnt()), m_flags(block.getFlags()) {
   block.compact();
   m_entities = block.m_entities;
+}
+
+CBlockMemento::CBlockMemento(const PNT_3D& base, long flags, const std::list<CEnt*>& entities)
+    : m_base(base), m_flags(flags) {
+  m_entities.reserve(entities.size());
+  for (CEnt* ent : entities) {
+    if (ent == nullptr || ent->isHeld()) continue;
+    m_entities.push_back(ent);
+    if (isAttdef(*ent)) m_flags |= CBlock::kHasAttdefs;
+  }
 }
 
 CBlockMemento::~CBlockMemento() = default;

@@ -1,6 +1,7 @@
 #include "vek0core/entities/blockgraph.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "entities/blockgraphitem.h"
@@ -55,6 +56,10 @@ const CBlock* CBlockGraph::getNext(const CBlock& block) const {
   return (*std::next(item->place))->block;
 }
 
+void CBlockGraph::reserve(CBlock& block) {
+  if (block.m_item == nullptr || !block.m_item->isPresent) need(&block);
+}
+
 void CBlockGraph::addBlock(CBlock& block, const CBlock* next) {
   if (block.m_item != nullptr && block.m_item->isPresent) return;
   Item* item = need(&block);
@@ -66,6 +71,7 @@ void CBlockGraph::addBlock(CBlock& block, const CBlock* next) {
 }
 
 int CBlockGraph::RemoveBlock(CBlock& block) {
+  refresh();
   Item* item = find(block);
   if (item == nullptr) return 0;
   if (item->users != nullptr) {
@@ -81,16 +87,15 @@ void CBlockGraph::dropBlock(CBlock& block) {
   if (item == nullptr) return;
   replaceEdges(*item, {});
   m_absent.splice(m_absent.end(), m_items, item->place);
-  item->isPresent = false;
+  item->isPresent = item->isOutdated = false;
   item->mark = Mark::done;
-  if (item->users == nullptr) erase(*item);
 }
 
 // The block is about to be deleted.
 void CBlockGraph::forget(CBlock& block) {
   dropBlock(block);
   Item* item = block.m_item;
-  if (item == nullptr) return;  // nothing inserts it
+  if (item == nullptr) return;
   // The edges stay with their users, where finding them takes a search.
   for (Edge* edge = item->users; edge != nullptr; edge = edge->nextToTarget) edge->target = nullptr;
   erase(*item);
@@ -106,15 +111,42 @@ void CBlockGraph::erase(Item& item) const {
 void CBlockGraph::updateBlock(CBlock& block) {
   Item* item = find(block);
   if (item == nullptr) return;
-  std::vector<Item*> targets = insertedItems(block);
-  if (!makeWay(*item, targets)) {
-    std::erase_if(targets, [&](Item* target) { return isCircle(*item, {target}); });
-    makeWay(*item, targets);
+  try {
+    refresh();
+    refresh(*item);
+  } catch (const std::bad_alloc&) {
+    item->isOutdated = m_isOutdated = true;  // until somebody asks for edges
+    block.invalidateBdry();
   }
-  replaceEdges(*item, targets);
+}
+
+void CBlockGraph::refresh(Item& item) const {
+  std::vector<Item*> targets = insertedItems(*item.block);
+  if (!makeWay(item, targets)) {
+    std::erase_if(targets, [&](Item* target) { return isCircle(item, {target}); });
+    makeWay(item, targets);
+  }
+  replaceEdges(item, targets);
+  item.isOutdated = false;
+}
+
+void CBlockGraph::refresh() const {
+  if (!m_isOutdated) return;
+  for (const auto& item : m_items)
+    if (item->isOutdated) refresh(*item);
+  m_isOutdated = false;
+}
+
+void CBlockGraph::tellAll() const {
+  for (const auto& item : m_items) item->block->hearOfChange();
 }
 
 int CBlockGraph::VisitUndep(IBlockOperation& op) const {
+  refresh();
+  return visitUndep(op);
+}
+
+int CBlockGraph::visitUndep(IBlockOperation& op) const {
   for (const auto& item : m_items) item->mark = Mark::open;
   std::vector<Entered> stack;
   for (const auto& item : m_items) {
@@ -139,6 +171,7 @@ int CBlockGraph::VisitDep(IBlockOperation& op) const {
 }
 
 bool CBlockGraph::canSubstitute(CBlock& block, const std::list<CBlock*>& deps) const {
+  refresh();
   if (std::find(deps.begin(), deps.end(), &block) != deps.end()) return block.isXRef();
   Item* item = block.m_item;
   if (item == nullptr || item->graph != this) return true;
@@ -149,6 +182,7 @@ bool CBlockGraph::canSubstitute(CBlock& block, const std::list<CBlock*>& deps) c
 }
 
 void CBlockGraph::doSubstitute(CBlock& block, const std::list<CBlock*>& deps) {
+  refresh();
   Item* item = find(block);
   if (item == nullptr) return;
   const std::vector<Item*> targets = itemsOf(deps);
@@ -157,6 +191,7 @@ void CBlockGraph::doSubstitute(CBlock& block, const std::list<CBlock*>& deps) {
 }
 
 bool CBlockGraph::Substitute(CBlock& block, const std::list<CBlock*>& deps) const {
+  refresh();
   Item* item = find(block);
   if (item == nullptr || block.isXRef()) return canSubstitute(block, deps);
   const std::vector<Item*> targets = itemsOf(deps);
@@ -168,6 +203,7 @@ bool CBlockGraph::Substitute(CBlock& block, const std::list<CBlock*>& deps) cons
 bool CBlockGraph::contains(const CBlock& block) const { return find(block) != nullptr; }
 
 std::vector<CBlock*> CBlockGraph::getEdges(const CBlock& block) const {
+  refresh();
   std::vector<CBlock*> blocks;
   if (const Item* item = find(block))
     for (const Edge* edge = item->edges; edge != nullptr; edge = edge->nextOfUser)
@@ -178,6 +214,7 @@ std::vector<CBlock*> CBlockGraph::getEdges(const CBlock& block) const {
 std::size_t CBlockGraph::getNoUsers(const CBlock& block) const { return getUsers(block).size(); }
 
 std::vector<CBlock*> CBlockGraph::getUsers(const CBlock& block) const {
+  refresh();
   std::vector<CBlock*> blocks;
   if (const Item* item = find(block))
     for (const Edge* edge = item->users; edge != nullptr; edge = edge->nextToTarget)
@@ -192,8 +229,9 @@ void CBlockGraph::clearAll() {
     for (const auto& item : *items) item->block->m_item = nullptr;
     items->clear();
   }
-  m_order = std::make_unique<vek0::detail::BlockOrder>();
+  m_order->clear();
   m_isOrdered = true;
+  m_isOutdated = false;
 }
 
 CBlockGraph::Item* CBlockGraph::find(const CBlock& block) const {
@@ -210,7 +248,8 @@ CBlockGraph::Item* CBlockGraph::need(CBlock* block) const {
     item = nullptr;
   }
   if (item != nullptr) return item->graph == this ? item : nullptr;
-  item = m_absent.emplace_back(std::make_unique<Item>()).get();
+  auto made = std::make_unique<Item>();
+  item = m_absent.emplace_back(std::move(made)).get();
   item->block = block;
   item->graph = const_cast<CBlockGraph*>(this);
   item->place = std::prev(m_absent.end());
@@ -220,23 +259,26 @@ CBlockGraph::Item* CBlockGraph::need(CBlock* block) const {
 }
 
 std::vector<CBlockGraph::Item*> CBlockGraph::insertedItems(const CBlock& block) const {
-  std::list<CBlock*> inserted;
+  ++m_collections;
+  std::vector<Item*> items;
   for (CBlock::CInsertIterator insert(block); *insert != nullptr && !block.isXRef(); ++insert)
-    inserted.push_back((*insert)->getBlock());
-  return itemsOf(inserted);
+    collect((*insert)->getBlock(), items);
+  return items;
 }
 
 // The items of the blocks that may have edges, each once.
 std::vector<CBlockGraph::Item*> CBlockGraph::itemsOf(const std::list<CBlock*>& blocks) const {
   ++m_collections;
   std::vector<Item*> items;
-  for (CBlock* block : blocks) {
-    Item* item = block != nullptr && !block->isXRef() ? need(block) : nullptr;
-    if (item == nullptr || item->collected == m_collections) continue;
-    item->collected = m_collections;
-    items.push_back(item);
-  }
+  for (CBlock* block : blocks) collect(block, items);
   return items;
+}
+
+void CBlockGraph::collect(CBlock* block, std::vector<Item*>& items) const {
+  Item* item = block != nullptr && !block->isXRef() ? need(block) : nullptr;
+  if (item == nullptr || item->collected == m_collections) return;
+  item->collected = m_collections;
+  items.push_back(item);
 }
 
 bool CBlockGraph::isCircle(Item& user, const std::vector<Item*>& targets) const {
@@ -267,12 +309,16 @@ bool CBlockGraph::makeWay(Item& user, const std::vector<Item*>& targets) const {
   return true;
 }
 
-// The new edges come before the old ones go, so that an absent target of both stays.
+// All are made before the first old one goes: then nothing has changed when memory ends.
 void CBlockGraph::replaceEdges(Item& item, const std::vector<Item*>& targets) const {
+  std::vector<std::unique_ptr<Edge>> made;
+  made.reserve(targets.size());
+  for (Item* target : targets) made.push_back(std::make_unique<Edge>(Edge{&item, target}));
   const Edge* old = std::exchange(item.edges, nullptr);
   Edge** end = &item.edges;
-  for (Item* target : targets) {
-    Edge* edge = *end = new Edge{&item, target};
+  for (auto& owned : made) {
+    Edge* edge = *end = owned.release();
+    Item* target = edge->target;
     end = &edge->nextOfUser;
     edge->nextToTarget = target->users;
     if (target->users != nullptr) target->users->previousToTarget = edge;
@@ -293,14 +339,17 @@ void CBlockGraph::cutEdge(const Edge& edge) const {
   Edge* previous = edge.previousToTarget;
   if (next != nullptr) next->previousToTarget = previous;
   (previous != nullptr ? previous->nextToTarget : edge.target->users) = next;
-  if (edge.target->users == nullptr && !edge.target->isPresent) erase(*edge.target);
 }
 
 // Tries to order the blocks anew. A pass over the graph at every change, but only while
 // there is a circle, which only a host can have made.
 void CBlockGraph::orderAll() const {
   vek0::detail::CollectBlocks collect;
-  m_isOrdered = VisitUndep(collect) == ZORA_BLOCK_VISIT_RESULT_SUCCESS;
+  try {
+    m_isOrdered = visitUndep(collect) == ZORA_BLOCK_VISIT_RESULT_SUCCESS;
+  } catch (const std::bad_alloc&) {
+    return;  // the next change tries again
+  }
   if (!m_isOrdered) return;
   for (const CBlock* block : collect.blocks) {
     m_order->remove(*block->m_item);

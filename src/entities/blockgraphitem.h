@@ -25,9 +25,9 @@ struct BlockGraphEdge {
 
 /// A block in its graph.
 ///
-/// A block that blocks of the graph insert, and that is not in the graph itself, has an
-/// item too, so that the edges to it are there when it comes (back). It has no edges of
-/// its own, and visits pass it over.
+/// A block that blocks of the graph insert, or that was in the graph and may come back, and that
+/// is not in the graph itself, has an item too: the edges to it are there when it comes, and it
+/// comes without memory being needed. It has no edges of its own, and visits pass it over.
 /// All that a search looks at is in the first 64 bytes: in large graphs, fetching them from
 /// memory is most of the time. Processors fetch the other half along with them.
 struct alignas(128) BlockGraphItem {
@@ -62,9 +62,11 @@ struct alignas(128) BlockGraphItem {
   // The neighbours in the order, and the place in the graph's list.
   BlockGraphItem* before = nullptr;
   BlockGraphItem* after = nullptr;
+  BlockGraphItem* nextTold = nullptr;  // of those that wait to hear of a change
   std::list<std::unique_ptr<BlockGraphItem>>::iterator place;
-  Mark mark = Mark::done;  // of a visit
-  bool isPresent = false;  // in the graph, see above
+  Mark mark = Mark::done;   // of a visit
+  bool isPresent = false;   // in the graph, see above
+  bool isOutdated = false;  // its edges are to be set anew
 };
 
 }  // namespace vek0::detail

@@ -39,6 +39,11 @@ const BlockGraphEdge& follow(std::vector<Live>& heap, BlockGraphEdge* BlockGraph
 
 BlockOrder::BlockOrder() { m_ends.before = m_ends.after = &m_ends; }
 
+void BlockOrder::clear() {
+  m_ends.before = m_ends.after = &m_ends;
+  forgetHubs();
+}
+
 void BlockOrder::remove(Item& item) {
   item.before->after = item.after;
   item.after->before = item.before;
@@ -184,6 +189,7 @@ void BlockOrder::settle() {
   std::erase_if(m_up, [&](const Item* item) { return !isFirst(middle, item); });
   std::sort(m_down.begin(), m_down.end(), isFirst);
   std::sort(m_up.begin(), m_up.end(), isFirst);
+  m_up.reserve(m_up.size() + m_down.size());  // before anything changes
   for (Item* item : m_down) remove(*item);
   for (Item* item : m_up) remove(*item);
   Item& place = middle == m_user ? *m_user : *middle->before;

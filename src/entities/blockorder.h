@@ -25,6 +25,7 @@ class BlockOrder {
   void addFirst(BlockGraphItem& item) { insertAfter(m_ends, item); }
   void addLast(BlockGraphItem& item) { insertAfter(*m_ends.before, item); }
   static void remove(BlockGraphItem& item);
+  void clear();  ///< of items that are gone
 
   /// Whether `user` can be reached from any of `targets`, itself included.
   ///

@@ -8,6 +8,7 @@
 
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/entinsert.h"
+#include "vek0core/entities/entmovevisitor.h"
 
 namespace {
 
@@ -42,19 +43,26 @@ CBlockTable::CBlockTable(IHandleGestor& gestor, CBlockXRefDepend& depend)
 CBlockTable::~CBlockTable() { CBlockTable::clearAll(); }
 
 void CBlockTable::add(CBlock* block) {
-  if (block == nullptr || holds(block)) return;
+  if (block == nullptr || block->isHeld() || isView()) return;
+  m_graph->reserve(*block);
   CNamedItemTableImp::add(block);
-  if (!holds(block)) return;
-  block->insertBlock(m_gestor);
+  registerBlock(*block);
   m_graph->addBlock(*block);
+}
+
+// The last that can run out of memory.
+void CBlockTable::registerBlock(CBlock& block) try {
+  block.insertBlock(m_gestor);
+} catch (const std::bad_alloc&) {
+  CNamedItemTableImp::remove(&block);
+  throw;
 }
 
 void CBlockTable::remove(CBlock* block) {
   if (!holds(block)) return;
   CNamedItemTableImp::remove(block);
   block->removeBlock(m_gestor);
-  // The graph keeps a block that others insert, but this one leaves the table all the same.
-  if (m_graph->RemoveBlock(*block) != 0) m_graph->dropBlock(*block);
+  m_graph->dropBlock(*block);
 }
 
 CBlockTable::Place CBlockTable::getPlace(const CBlock& block) const {
@@ -62,10 +70,10 @@ CBlockTable::Place CBlockTable::getPlace(const CBlock& block) const {
 }
 
 void CBlockTable::restore(CBlock* block, const Place& place) {
-  if (block == nullptr || holds(block)) return;
+  if (block == nullptr || block->isHeld() || isView()) return;
+  m_graph->reserve(*block);
   CNamedItemTableImp::restore(block, place.item);
-  if (!holds(block)) return;
-  block->insertBlock(m_gestor);
+  registerBlock(*block);
   m_graph->addBlock(*block, place.graphNext);
 }
 
@@ -83,12 +91,12 @@ bool CBlockTable::canRedefine(CBlock* block, const std::list<CEnt*>& newEntities
 
 int CBlockTable::Redefine(CBlock* block, const PNT_3D& base, long flags,
                           const std::list<CEnt*>& newEntities) {
-  if (block == nullptr || !m_graph->Substitute(*block, insertedBlocks(newEntities))) return -1;
-  const bool registered = holds(block);
-  if (registered) block->removeBlock(m_gestor);
-  block->redefine(base, flags);
-  for (CEnt* ent : newEntities) block->add(ent);
-  if (registered) block->insertBlock(m_gestor);
+  if (!canRedefine(block, newEntities)) return -1;
+  CBlockMemento content(base, flags, newEntities);
+  holds(block) ? exchange(block, content) : block->exchange(content);
+  if (base == PNT_3D(0, 0, 0) || block->isXRef()) return 0;
+  CEntMoveVisitor mover(-base);
+  for (unsigned i = 0; i < block->size(); ++i) (*block)[i]->accept(mover);
   return 0;
 }
 
@@ -97,6 +105,20 @@ void CBlockTable::setMemento(CBlock* block, const CBlockMemento& memento) {
   block->removeBlock(m_gestor);
   block->setMemento(memento);
   block->insertBlock(m_gestor);
+  m_graph->updateBlock(*block);
+}
+
+void CBlockTable::exchange(CBlock* block, CBlockMemento& memento) {
+  if (!holds(block)) return;
+  block->removeBlock(m_gestor);
+  block->exchange(memento);
+  try {
+    block->insertBlock(m_gestor);
+  } catch (const std::bad_alloc&) {
+    block->exchange(memento);
+    block->insertBlock(m_gestor);
+    throw;
+  }
   m_graph->updateBlock(*block);
 }
 

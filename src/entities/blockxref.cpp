@@ -121,10 +121,12 @@ CBlockXRefDepend::CBlockXRefDepend(const CBlockXRefDepend& src) { *this = src; }
 
 CBlockXRefDepend& CBlockXRefDepend::operator=(const CBlockXRefDepend& src) {
   if (this == &src) return *this;
-  m_list = src.m_list;
-  m_places.clear();
-  for (auto entry = m_list.begin(); entry != m_list.end(); ++entry)
-    m_places.emplace(entry->first, entry);
+  std::list<Entry> list = src.m_list;
+  std::unordered_map<const CBlockXRef*, std::list<Entry>::iterator> places;
+  for (auto entry = list.begin(); entry != list.end(); ++entry) places.emplace(entry->first, entry);
+  m_list.swap(list);
+  m_places.swap(places);
+  m_unused.clear();
   return *this;
 }
 
@@ -133,19 +135,19 @@ CBlockXRefDepend::~CBlockXRefDepend() = default;
 void CBlockXRefDepend::add(CBlockXRef* xref) {
   if (xref == nullptr) return;
   const auto place = m_places.find(xref);
-  if (place != m_places.end()) {
-    ++place->second->second;
-    return;
+  if (place == m_places.end()) {
+    std::list<Entry> made(1, Entry(xref, 1));
+    m_places.emplace(xref, made.begin());
+    m_list.splice(m_list.end(), made);
+  } else if (place->second->second++ == 0) {
+    m_list.splice(m_list.end(), m_unused, place->second);
   }
-  m_list.emplace_back(xref, 1);
-  m_places.emplace(xref, std::prev(m_list.end()));
 }
 
 void CBlockXRefDepend::remove(CBlockXRef* xref) {
   const auto place = m_places.find(xref);
-  if (place == m_places.end() || --place->second->second > 0) return;
-  m_list.erase(place->second);
-  m_places.erase(place);
+  if (place == m_places.end() || place->second->second == 0) return;
+  if (--place->second->second == 0) m_unused.splice(m_unused.end(), m_list, place->second);
 }
 
 long CBlockXRefDepend::getCount(const CBlockXRef* xref) const {

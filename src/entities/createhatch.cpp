@@ -109,16 +109,21 @@ bool vek0::detail::addHatchBlock(CBlockTable& table, std::unique_ptr<CBlock>& bl
   return true;
 }
 
+CBlock* vek0::detail::makeHatchBlock(const zim::WString& name, const HATCH_TYPE& type, double scale,
+                                     double rotate, const std::vector<PNT_3D>& boundary,
+                                     CData& data) {
+  std::unique_ptr<CBlock> block(
+      data.getBlockFactory().create(name, PNT_3D(0, 0, 0), CBlock::kAnonymous));
+  if (!block) throw std::bad_alloc();
+  const HatchStatus status = fill(type, scale, rotate, boundary, data, *block);
+  if (status == HatchStatus::Done) return block.release();
+  if (const HatchMessageHandler handler = g_handler) handler(type, messageOf(status));
+  return nullptr;
+}
+
 CBlock* createHatch(const zim::WString& name, const HATCH_TYPE& type, double scale, double rotate,
-                    const std::vector<PNT_3D>& boundary, CData& data) {
-  try {
-    std::unique_ptr<CBlock> block(
-        data.getBlockFactory().create(name, PNT_3D(0, 0, 0), CBlock::kAnonymous));
-    if (!block) return nullptr;
-    const HatchStatus status = fill(type, scale, rotate, boundary, data, *block);
-    if (status == HatchStatus::Done) return block.release();
-    if (const HatchMessageHandler handler = g_handler) handler(type, messageOf(status));
-  } catch (const std::bad_alloc&) {
-  }
+                    const std::vector<PNT_3D>& boundary, CData& data) try {
+  return vek0::detail::makeHatchBlock(name, type, scale, rotate, boundary, data);
+} catch (const std::bad_alloc&) {
   return nullptr;
 }

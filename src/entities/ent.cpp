@@ -1,6 +1,7 @@
 #include "vek0core/entities/ent.h"
 
 #include <new>
+#include <utility>
 
 #include "vek0core/entities/block.h"
 #include "vek0core/entities/entmemento.h"
@@ -94,6 +95,16 @@ void CEnt::setMemento(const CEntBaseMemento* memento) {
   setLayer(memento->m_layer);
   setLtype(memento->m_ltype);
   setColor(memento->m_color);
+}
+
+void CEnt::exchange(CEntBaseMemento& memento) {
+  CEntBaseMemento present(m_layer, m_ltype, m_color);
+  setMemento(&memento);
+  std::swap(memento, present);
+}
+
+std::unique_ptr<vek0::detail::EntParts> CEnt::replaceParts(CData&, const IEntDerivedMemento&) {
+  return nullptr;
 }
 
 bool CEnt::operator==(const CEntBaseMemento& memento) const {

@@ -1,5 +1,6 @@
 #include "vek0core/entities/enthatch.h"
 
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -33,11 +34,12 @@ CEntHatch::CEntHatch(const CEntHatch& src, CBlock* block, vek0::Handle handle)
 CEntHatch* CEntHatch::Create(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
                              const zim::WString& name, const HATCH_TYPE& type, double scale,
                              double rotate, const std::vector<PNT_3D>& boundary, CData& data) {
-  std::unique_ptr<CBlock> block(createHatch(name, type, scale, rotate, boundary, data));
-  std::unique_ptr<CEntHatch> hatch(
-      new CEntHatch(handle, layer, ltype, color, block.get(), type, scale, rotate, boundary));
+  std::unique_ptr<CBlock> block(
+      vek0::detail::makeHatchBlock(name, type, scale, rotate, boundary, data));
+  CEntHatch* hatch =
+      new CEntHatch(handle, layer, ltype, color, block.get(), type, scale, rotate, boundary);
   static_cast<void>(block.release());
-  return hatch.release();
+  return hatch;
 }
 
 void CEntHatch::accept(IEntVisitor& visitor) { visitor.visit(*this); }
@@ -49,55 +51,111 @@ void CEntHatch::getInsertParams(double, PNT_3D& point, double& sx, double& sy, d
   rotation = 0;
 }
 
-bool CEntHatch::redefine(CData& data, double scale, double rotate, const HATCH_TYPE& type) {
+bool CEntHatch::redefine(CData& data, double scale, double rotate, const HATCH_TYPE& type) try {
   if (scale == m_scale && rotate == m_rotate && &type == m_type) return true;
-  return regenerate(data, scale, rotate, type, m_boundary);
-}
-
-bool CEntHatch::regenerate(CData& data, double scale, double rotate, const HATCH_TYPE& type,
-                           const std::vector<PNT_3D>& boundary) {
-  const auto make = [&](const zim::WString& name) {
-    return createHatch(name, type, scale, rotate, boundary, data);
-  };
-  if (!replaceLines(data.getBlockTable(), make)) return false;
-  setParameters(scale, rotate, type, boundary);
-  return true;
+  const auto displaced = replaceLines(data.getBlockTable(), [&](const zim::WString& name) {
+    return vek0::detail::makeHatchBlock(name, type, scale, rotate, m_boundary, data);
+  });
+  if (displaced) setParameters(scale, rotate, type, m_boundary);
+  return displaced != nullptr;
+} catch (const std::bad_alloc&) {
+  return false;
 }
 
 void CEntHatch::setParameters(double scale, double rotate, const HATCH_TYPE& type,
                               const std::vector<PNT_3D>& boundary) {
+  m_boundary = boundary;  // first: this alone can fail
   m_scale = scale;
   m_rotate = rotate;
   m_type = &type;
-  m_boundary = boundary;
-  calcBdry();
+  dirtyBdry();
 }
 
-// The old block leaves first, since its number may become that of the new one, and comes
-// back when there is none.
-bool CEntHatch::replaceLines(CBlockTable& table, const BlockMaker& make) {
-  CBlock* const old = getBlock();
-  std::vector<CBlock*> users;
-  if (old) users = table.getBlockGraph().getUsers(*old);
-  replaceBlock(nullptr);
-  const bool isUnused = old && old->getEntities() <= 0;  // else an insert shows it too
-  std::optional<CBlockTable::Place> place;
-  if (isUnused && table.contains(old)) place = table.getPlace(*old);
-  if (place) table.remove(old);
-  std::unique_ptr<CBlock> fresh(make(getHatchName(table)));
-  CBlock* const shown = fresh.get();
-  if (!shown || !vek0::detail::addHatchBlock(table, fresh)) {
-    if (place) table.restore(old, *place);
-    replaceBlock(old);
-    return false;
+// The block of a hatch that another one has taken the place of. It is out of the table unless
+// something else shows it too.
+class CEntHatch::ReplacedBlock final : public vek0::detail::EntParts {
+ public:
+  ReplacedBlock(CEntHatch& hatch, CBlockTable& table)
+      : m_hatch(hatch), m_table(table), m_block(hatch.getBlock()) {
+    if (m_block) m_users = table.getBlockGraph().getUsers(*m_block);
   }
-  replaceBlock(shown);
-  if (isUnused) delete old;
-  for (CBlock* user : users) {
-    table.updateBlock(user);
-    user->invalidateBdry();
+  ReplacedBlock(const ReplacedBlock&) = delete;
+  ReplacedBlock& operator=(const ReplacedBlock&) = delete;
+  ~ReplacedBlock() override {
+    if (m_isIdle) delete m_block;
   }
-  return true;
+
+  // The old block leaves first, since its number may become that of the new one, and comes back
+  // when there is none.
+  bool replace(const BlockMaker& make) {
+    takeOut();
+    bool isMade = false;
+    try {
+      isMade = show(std::unique_ptr<CBlock>(make(getHatchName(m_table))));
+    } catch (const std::bad_alloc&) {
+      putIn();
+      throw;
+    }
+    isMade ? tellUsers() : putIn();
+    return isMade;
+  }
+
+  void putBack() override {
+    CBlock* const shown = m_hatch.getBlock();
+    m_hatch.replaceBlock(nullptr);
+    m_table.remove(shown);
+    putIn();
+    m_block = shown;
+    m_isIdle = true;
+    tellUsers();
+  }
+
+  // With parameters that fit.
+  bool isAll() const override { return true; }
+
+ private:
+  void takeOut() {
+    m_hatch.replaceBlock(nullptr);
+    m_place.reset();
+    m_isIdle = m_block && m_block->getEntities() <= 0;  // else an insert shows it too
+    if (m_isIdle && m_table.contains(m_block)) m_place = m_table.getPlace(*m_block);
+    if (m_place) m_table.remove(m_block);
+  }
+
+  void putIn() {
+    if (m_place) m_table.restore(m_block, *m_place);
+    m_hatch.replaceBlock(m_block);
+    m_isIdle = false;
+  }
+
+  bool show(std::unique_ptr<CBlock> fresh) {
+    CBlock* const shown = fresh.get();
+    if (!shown) return false;
+    if (!vek0::detail::addHatchBlock(m_table, fresh)) throw std::bad_alloc();
+    m_hatch.replaceBlock(shown);
+    return true;
+  }
+
+  void tellUsers() {
+    for (CBlock* user : m_users) {
+      m_table.updateBlock(user);
+      user->invalidateBdry();
+    }
+  }
+
+  CEntHatch& m_hatch;
+  CBlockTable& m_table;
+  CBlock* m_block;  // what the hatch does not show
+  std::vector<CBlock*> m_users;
+  std::optional<CBlockTable::Place> m_place;  // that it had in the table, if any
+  bool m_isIdle = false;                      // nothing shows it, so that it belongs to this
+};
+
+// Null, with nothing changed, when no lines can be made.
+std::unique_ptr<CEntHatch::ReplacedBlock> CEntHatch::replaceLines(CBlockTable& table,
+                                                                  const BlockMaker& make) {
+  auto replaced = std::make_unique<ReplacedBlock>(*this, table);
+  return replaced->replace(make) ? std::move(replaced) : nullptr;
 }
 
 void CEntHatch::setShown(CBlock* block, double scale, double rotate, const HATCH_TYPE& type) {
@@ -125,7 +183,11 @@ CEnt* CEntHatch::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFac
 void CEntHatch::setMemento(CData& data, const IEntDerivedMemento* memento) {
   const auto* state = vek0::detail::mementoOf<CEntHatch, CEntHatchMemento>(memento);
   if (!state) return;
-  if (!state->showsSameBlock(*this)) return restoreLines(data, *state);
+  if (!state->showsSameBlock(*this)) {
+    replaceParts(data, *state);
+    return;
+  }
+  m_boundary.reserve(state->m_boundary.size());  // first: this alone can fail
   if (CBlock* block = getBlock()) {
     for (unsigned i = 0; i < state->m_lines.size(); ++i)
       (*block)[i]->setMemento(data, state->m_lines[i].state.get());
@@ -135,16 +197,22 @@ void CEntHatch::setMemento(CData& data, const IEntDerivedMemento* memento) {
 }
 
 // A hatch that had no lines may be one that none could be generated for.
-void CEntHatch::restoreLines(CData& data, const CEntHatchMemento& state) {
-  if (!state.m_lines.empty()) {
-    regenerate(data, state.m_scale, state.m_rotate, *state.m_type, state.m_boundary);
-    return;
-  }
+std::unique_ptr<vek0::detail::EntParts> CEntHatch::replaceParts(CData& data,
+                                                                const IEntDerivedMemento& memento) {
+  const auto* state = vek0::detail::mementoOf<CEntHatch, CEntHatchMemento>(&memento);
+  if (!state || state->showsSameBlock(*this)) return nullptr;
+  m_boundary.reserve(state->m_boundary.size());
   const auto make = [&](const zim::WString& name) {
-    return data.getBlockFactory().create(name, PNT_3D(0, 0, 0), CBlock::kAnonymous);
+    if (!state->m_lines.empty())
+      return vek0::detail::makeHatchBlock(name, *state->m_type, state->m_scale, state->m_rotate,
+                                          state->m_boundary, data);
+    CBlock* empty = data.getBlockFactory().create(name, PNT_3D(0, 0, 0), CBlock::kAnonymous);
+    if (!empty) throw std::bad_alloc();
+    return empty;
   };
-  if (replaceLines(data.getBlockTable(), make))
-    setParameters(state.m_scale, state.m_rotate, *state.m_type, state.m_boundary);
+  auto replaced = replaceLines(data.getBlockTable(), make);
+  if (replaced) setParameters(state->m_scale, state->m_rotate, *state->m_type, state->m_boundary);
+  return replaced;
 }
 
 IEntDerivedMemento* CEntHatch::createDerivedMemento() const {

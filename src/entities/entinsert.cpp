@@ -67,7 +67,8 @@ void CEntInsertBase::calcBdry() {
 
 void CEntInsertBase::add(CEntAttrib* attrib) {
   if (attrib == nullptr) return;
-  m_attribs.emplace_back(attrib);
+  m_attribs.emplace_back();  // first: this alone can fail
+  m_attribs.back().reset(attrib);
   if (m_gestor != nullptr) attrib->addTbls(*m_gestor);
   dirtyBdry();
 }
@@ -85,15 +86,15 @@ void CEntInsertBase::getArray(long& columns, long& rows, double& columnSpacing,
 }
 
 void CEntInsertBase::setBlock(CBlock* block) {
-  if (m_gestor != nullptr) countReference(false);
+  if (m_gestor != nullptr) countReference(block, true);  // first: this alone can fail
+  if (m_gestor != nullptr) countReference(m_block, false);
   if (m_block != nullptr) m_block->decEntity();
   m_block = block;
   if (m_block != nullptr) m_block->addEntity();
-  if (m_gestor != nullptr) countReference(true);
   dirtyBdry();
 }
 
-void CEntInsertBase::countReference(bool) const {}
+void CEntInsertBase::countReference(CBlock*, bool) const {}
 
 void CEntInsertBase::replaceBlock(CBlock* block) {
   if (m_gestor != nullptr) return setBlock(block);
@@ -163,10 +164,17 @@ void CEntInsert::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 void CEntInsert::setMemento(CData& data, const IEntDerivedMemento* memento) {
   const auto* state = vek0::detail::mementoOf<CEntInsert, CEntInsertMemento>(memento);
   if (state == nullptr) return;
+  const auto displaced = replaceParts(data, *memento);
   state->m_attribs.restore(data, *this);
   setInsert(state->m_pnt, state->m_sx, state->m_sy, state->m_sz, state->m_rotation);
   setArray(state->m_columns, state->m_rows, state->m_columnSpacing, state->m_rowSpacing);
   setClip(state->m_clip);
+}
+
+std::unique_ptr<vek0::detail::EntParts> CEntInsert::replaceParts(
+    CData& data, const IEntDerivedMemento& memento) {
+  const auto* state = vek0::detail::mementoOf<CEntInsert, CEntInsertMemento>(&memento);
+  return state != nullptr ? state->m_attribs.replaceAttribs(data, *this) : nullptr;
 }
 
 IEntDerivedMemento* CEntInsert::createDerivedMemento() const {
@@ -252,6 +260,7 @@ void CEntFixedInsert::accept(IEntVisitor& visitor) { visitor.visit(*this); }
 void CEntFixedInsert::setMemento(CData& data, const IEntDerivedMemento* memento) {
   const auto* state = vek0::detail::mementoOf<CEntFixedInsert, CEntFixedInsertMemento>(memento);
   if (state == nullptr) return;
+  const auto displaced = replaceParts(data, *memento);
   state->m_attribs.restore(data, *this);
   m_refSize = state->m_refSize;
   setInsert(state->m_pnt, state->m_pixels, state->m_rotation);
@@ -263,6 +272,12 @@ void CEntFixedInsert::calcBdry() {
   RECT_3D box;
   m_pnt.calc_bdry(box);
   setBdry(box);
+}
+
+std::unique_ptr<vek0::detail::EntParts> CEntFixedInsert::replaceParts(
+    CData& data, const IEntDerivedMemento& memento) {
+  const auto* state = vek0::detail::mementoOf<CEntFixedInsert, CEntFixedInsertMemento>(&memento);
+  return state != nullptr ? state->m_attribs.replaceAttribs(data, *this) : nullptr;
 }
 
 IEntDerivedMemento* CEntFixedInsert::createDerivedMemento() const {
@@ -310,17 +325,19 @@ void CEntInsertXRef::accept(IEntVisitor& visitor) {
 }
 
 void CEntInsertXRef::addTbls(IHandleGestor& gestor) const {
+  countReference(getBlock(), true);  // first: this alone can fail
   CEntInsert::addTbls(gestor);
-  countReference(true);
 }
 
 void CEntInsertXRef::removeTbls(IHandleGestor& gestor) const {
-  countReference(false);
+  countReference(getBlock(), false);
   CEntInsert::removeTbls(gestor);
 }
 
-void CEntInsertXRef::countReference(bool on) const {
-  on ? m_depend.add(getXRef()) : m_depend.remove(getXRef());
+void CEntInsertXRef::countReference(CBlock* block, bool on) const {
+  CBlockXRef* xref =
+      block != nullptr && block->isXRef() ? static_cast<CBlockXRef*>(block) : nullptr;
+  on ? m_depend.add(xref) : m_depend.remove(xref);
 }
 
 CBlockXRef* CEntInsertXRef::getXRef() const {
@@ -354,7 +371,6 @@ bool AttribsMemento::matches(const CEntInsertBase& insert) const {
 
 void AttribsMemento::restore(CData& data, CEntInsertBase& insert) const {
   insert.setBlock(m_block);
-  if (m_attribs.size() != insert.m_attribs.size()) return replaceAll(data, insert);
   for (std::size_t i = 0; i < m_attribs.size(); ++i)
     reset(data, *insert.m_attribs[i], m_attribs[i]);
 }
@@ -373,32 +389,61 @@ std::unique_ptr<CEntAttrib> AttribsMemento::remake(CData& data, const Entry& ent
       state.getTag(), state.getFlags(), entry.handle));
 }
 
-void AttribsMemento::replaceAll(CData& data, CEntInsertBase& insert) const {
-  std::unordered_map<const CEntAttrib*, std::unique_ptr<CEntAttrib>*> present;
-  for (auto& attrib : insert.m_attribs) present.emplace(attrib.get(), &attrib);
+// The attributes of one list that the other one lacks belong to this; the rest is on both.
+class AttribsMemento::Replaced final : public EntParts {
+ public:
+  explicit Replaced(CEntInsertBase& insert) : m_insert(insert) {}
 
-  // Everything that can run out of memory comes before the first change.
-  std::vector<std::unique_ptr<CEntAttrib>> restored;
-  for (const Entry& entry : m_attribs) {
-    // Another one may have come to stand at the address of one that was deleted.
-    const auto found = present.find(entry.attrib);
-    const bool reuse = found != present.end() && found->first->GetHandle() == entry.handle;
-    restored.push_back(reuse ? nullptr : remake(data, entry));
-    if (!reuse && !restored.back()) return;
-  }
-
-  for (std::size_t i = 0; i < m_attribs.size(); ++i) {
-    if (!restored[i]) {
-      restored[i] = std::move(*present[m_attribs[i].attrib]);
-      reset(data, *restored[i], m_attribs[i]);
-    } else if (insert.m_gestor != nullptr) {
-      restored[i]->addTbls(*insert.m_gestor);
+  // Takes the memento's attributes from those present, or makes them. Throws before anything
+  // changes.
+  void prepare(CData& data, const std::vector<Entry>& entries) {
+    std::unordered_map<const CEntAttrib*, std::size_t> present;
+    for (std::size_t i = 0; i < m_insert.m_attribs.size(); ++i)
+      present.emplace(m_insert.m_attribs[i].get(), i);
+    m_attribs.resize(entries.size());
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+      // Another one may have come to stand at the address of one that was deleted.
+      const auto found = present.find(entries[i].attrib);
+      if (found != present.end() && found->first->GetHandle() == entries[i].handle)
+        m_shared.emplace_back(found->second, i);
+      else
+        m_attribs[i] = orThrow(remake(data, entries[i]));
     }
   }
-  insert.m_attribs.swap(restored);
-  if (insert.m_gestor == nullptr) return;
-  for (const auto& attrib : restored)
-    if (attrib) attrib->removeTbls(*insert.m_gestor);
+
+  void exchange() {
+    IHandleGestor* gestor = m_insert.m_gestor;
+    for (const auto& attrib : m_attribs)
+      if (attrib && gestor != nullptr) attrib->addTbls(*gestor);
+    for (auto& [here, there] : m_shared) {
+      m_insert.m_attribs[here].swap(m_attribs[there]);
+      std::swap(here, there);
+    }
+    m_insert.m_attribs.swap(m_attribs);
+    for (const auto& attrib : m_attribs)
+      if (attrib && gestor != nullptr) attrib->removeTbls(*gestor);
+  }
+
+  void putBack() override { exchange(); }
+
+ private:
+  static std::unique_ptr<CEntAttrib> orThrow(std::unique_ptr<CEntAttrib> made) {
+    if (made == nullptr) throw std::bad_alloc();
+    return made;
+  }
+
+  CEntInsertBase& m_insert;
+  std::vector<std::unique_ptr<CEntAttrib>> m_attribs;  // null where the insert has the attribute
+  std::vector<std::pair<std::size_t, std::size_t>> m_shared;  // places in the insert's list, here
+};
+
+std::unique_ptr<EntParts> AttribsMemento::replaceAttribs(CData& data,
+                                                         CEntInsertBase& insert) const {
+  if (m_attribs.size() == insert.m_attribs.size()) return nullptr;
+  auto replaced = std::make_unique<Replaced>(insert);
+  replaced->prepare(data, m_attribs);
+  replaced->exchange();
+  return replaced;
 }
 
 }  // namespace vek0::detail

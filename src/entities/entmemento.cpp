@@ -11,6 +11,8 @@ bool CEntBaseMemento::operator!=(const CEnt& ent) const { return !ent.operator==
 
 IEntDerivedMemento::~IEntDerivedMemento() = default;
 
+vek0::detail::EntParts::~EntParts() = default;
+
 bool IEntDerivedMemento::operator!=(const CEnt& ent) const { return !operator==(ent); }
 
 IEntDerivedMemento* IEntDerivedMemento::fitMemento(const CEnt&) { return nullptr; }

@@ -107,13 +107,21 @@ CVertex& CEntPolyline::at(long i) const { return *m_vertexes[static_cast<std::si
 
 std::vector<CEntPolyline::ArcRun> CEntPolyline::runsOf(const BulgedChain& chain) {
   std::vector<ArcRun> runs;
+  addRunsOf(chain, runs);
+  return runs;
+}
+
+std::size_t CEntPolyline::mostRunsOf(const BulgedChain& chain) {
+  return chain.hasBulges() ? chain.vertexes().size() : 0;
+}
+
+void CEntPolyline::addRunsOf(const BulgedChain& chain, std::vector<ArcRun>& runs) {
   long first = 0;
   for (std::size_t i = 0; i < chain.vertexes().size() && chain.hasBulges(); ++i) {
     const int chords = chain.chords(i);
     if (chords > 1) runs.push_back({first, chords - 1, chain.bulge(i)});
     first += chords;
   }
-  return runs;
 }
 
 void CEntPolyline::unpack() const {
@@ -130,7 +138,9 @@ void CEntPolyline::unpackFor(const CEntFactory& factory, const VertexMaker& make
 
 void CEntPolyline::unpack(const VertexMaker& make) const {
   if (!isPacked()) return;
-  std::vector<ArcRun> runs = runsOf(m_packed);
+  std::vector<ArcRun> runs;
+  runs.reserve(mostRunsOf(m_packed));
+  addRunsOf(m_packed, runs);
   std::vector<std::unique_ptr<CVertex>> made;
   made.reserve(m_packed.size());
   m_packed.forEach([&](const ChainVertex& v) { made.emplace_back(orThrow(make(v))); });
@@ -652,16 +662,19 @@ void CEntPolyline::setMemento(CData& data, const IEntDerivedMemento* memento) {
   const auto* kept = vek0::detail::mementoOf<CEntPolyline, CEntPolylineMemento>(memento);
   if (kept == nullptr) return;
   const CEntPolylineMemento& state = *kept;
+  const auto displaced = replaceParts(data, state);
   if (isPacked() && !state.m_packed.empty()) {
     m_packed = state.m_packed;
   } else {
-    unpack();
-    const auto entries = state.entries();
-    if (entries.size() != m_vertexes.size())
-      replaceVertexes(data.getHandleGestor(), data.getEntFactory(), entries);
-    for (std::size_t i = 0; i < entries.size(); ++i)
-      resetVertex(*m_vertexes[i], entries[i], data.getHandleGestor().handling());
-    m_runs = state.arcRuns();
+    const bool isBooked = data.getHandleGestor().handling();
+    auto vertex = m_vertexes.begin();
+    state.forEachEntry(
+        [&](const MementoEntry& entry) { resetVertex(**vertex++, entry, isBooked); });
+    m_runs.clear();
+    if (state.m_packed.empty())
+      m_runs.assign(state.m_runs.begin(), state.m_runs.end());
+    else
+      addRunsOf(state.m_packed, m_runs);
   }
   m_firstVisible = state.m_firstVisible;
   m_flags = state.m_flags;
@@ -678,25 +691,62 @@ void CEntPolyline::resetVertex(CVertex& vertex, const MementoEntry& entry, bool 
   vertex.setMemento(&entry.values);
 }
 
-void CEntPolyline::replaceVertexes(IHandleGestor& gestor, CEntFactory& factory,
-                                   const std::vector<MementoEntry>& entries) {
-  releaseFrom(0, gestor);
-  std::unordered_set<CVertex*> aside(m_vertexes.begin(), m_vertexes.end());
-  std::vector<std::unique_ptr<CVertex>> made;
-  std::vector<CVertex*> list;
-  list.reserve(entries.size());
-  for (const MementoEntry& entry : entries) {
-    CVertex* vertex = entry.vertex;
-    if (aside.erase(vertex) == 0) {
-      vertex = orThrow(factory.createVertex(gestor, PNT_3D(0, 0, 0), 0, 0, 0));
-      made.emplace_back(vertex);
+// A list of vertices in exchange for another one; those of one list alone belong to this while
+// the polyline has the other.
+class CEntPolyline::ReplacedVertexes final : public vek0::detail::EntParts {
+ public:
+  explicit ReplacedVertexes(CEntPolyline& polyline, IHandleGestor& gestor)
+      : m_polyline(polyline), m_gestor(gestor) {}
+  ReplacedVertexes(const ReplacedVertexes&) = delete;
+  ReplacedVertexes& operator=(const ReplacedVertexes&) = delete;
+  ~ReplacedVertexes() override { deleteAll(m_own, 0); }
+
+  // Takes the memento's vertices from those present, or makes them. Throws before anything
+  // changes.
+  void prepare(CEntFactory& factory, const std::vector<MementoEntry>& entries) {
+    const std::vector<CVertex*>& present = m_polyline.m_vertexes;
+    std::unordered_set<CVertex*> aside(present.begin(), present.end());
+    m_list.reserve(entries.size());
+    m_own.reserve(entries.size());
+    for (const MementoEntry& entry : entries) {
+      CVertex* vertex = entry.vertex;
+      if (aside.erase(vertex) == 0) {
+        vertex = orThrow(factory.createVertex(m_gestor, PNT_3D(0, 0, 0), 0, 0, 0));
+        m_own.push_back(vertex);
+      }
+      m_list.push_back(vertex);
     }
-    list.push_back(vertex);
+    m_displaced.assign(aside.begin(), aside.end());
   }
-  for (auto& vertex : made) static_cast<void>(vertex.release());
-  m_vertexes.swap(list);
-  for (const CVertex* unused : aside) delete unused;
-  for (const CVertex* vertex : m_vertexes) gestor.reserve(vertex);
+
+  void exchange() {
+    m_polyline.releaseFrom(0, m_gestor);
+    m_polyline.m_vertexes.swap(m_list);
+    m_own.swap(m_displaced);
+    for (const CVertex* vertex : m_polyline.m_vertexes) m_gestor.reserve(vertex);
+  }
+
+  void putBack() override { exchange(); }
+
+ private:
+  CEntPolyline& m_polyline;
+  IHandleGestor& m_gestor;
+  std::vector<CVertex*> m_list;       // what the polyline has not
+  std::vector<CVertex*> m_own;        // of that, what it has not in its own list either
+  std::vector<CVertex*> m_displaced;  // what is in its own list alone
+};
+
+std::unique_ptr<vek0::detail::EntParts> CEntPolyline::replaceParts(
+    CData& data, const IEntDerivedMemento& memento) {
+  const auto* state = vek0::detail::mementoOf<CEntPolyline, CEntPolylineMemento>(&memento);
+  if (state == nullptr || (isPacked() && !state->m_packed.empty())) return nullptr;
+  unpack();
+  m_runs.reserve(std::max(state->m_runs.size(), mostRunsOf(state->m_packed)));
+  if (state->noEntries() == m_vertexes.size()) return nullptr;
+  auto replaced = std::make_unique<ReplacedVertexes>(*this, data.getHandleGestor());
+  replaced->prepare(data.getEntFactory(), state->entries());
+  replaced->exchange();
+  return replaced;
 }
 
 IEntDerivedMemento* CEntPolyline::createDerivedMemento() const {
@@ -719,14 +769,27 @@ CEntPolylineMemento::CEntPolylineMemento(const CEntPolyline& polyline)
   }
 }
 
-// The vertices, those of a packed polyline without a vertex object.
+// Hands over the vertices, those of a packed polyline without a vertex object.
+template <class Each>
+void CEntPolylineMemento::forEachEntry(const Each& each) const {
+  for (const CEntPolyline::MementoEntry& entry : m_vertexes) each(entry);
+  m_packed.forEach([&each](const ChainVertex& v) {
+    each({nullptr, v.handle, CVertexMemento(v.pnt, v.widthStart, v.widthEnd)});
+  });
+}
+
+std::size_t CEntPolylineMemento::noEntries() const {
+  std::size_t count = m_vertexes.size();
+  for (std::size_t i = 0; i < m_packed.vertexes().size(); ++i)
+    count += static_cast<std::size_t>(m_packed.chords(i));
+  return count;
+}
+
 std::vector<CEntPolyline::MementoEntry> CEntPolylineMemento::entries() const {
   if (m_packed.empty()) return m_vertexes;
   std::vector<CEntPolyline::MementoEntry> entries;
   entries.reserve(m_packed.size());
-  m_packed.forEach([&entries](const ChainVertex& v) {
-    entries.push_back({nullptr, v.handle, CVertexMemento(v.pnt, v.widthStart, v.widthEnd)});
-  });
+  forEachEntry([&entries](const CEntPolyline::MementoEntry& entry) { entries.push_back(entry); });
   return entries;
 }
 

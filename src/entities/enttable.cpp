@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
+#include <new>
 #include <unordered_map>
 #include <utility>
 
@@ -76,8 +77,13 @@ CEntTable::CEntTable(const CEntTable& src)
 CEntTable::~CEntTable() { clearAll(); }
 
 void CEntTable::add(CEnt* ent) {
+  Slots slots(1);
+  add(ent, slots);
+}
+
+void CEntTable::add(CEnt* ent, Slots& slots) {
   if (ent == nullptr || ent->m_owner != nullptr || m_isView) return;
-  insert(ent, m_entities.end(), m_nextRank);
+  insert(ent, m_entities.end(), m_nextRank, slots);
   ++m_nextRank;
 }
 
@@ -87,31 +93,56 @@ CEntTable::Place CEntTable::getPlace(const CEnt& ent) const {
 }
 
 void CEntTable::restore(CEnt* ent, const Place& place) {
+  Slots slots(1);
+  restore(ent, place, slots);
+}
+
+void CEntTable::restore(CEnt* ent, const Place& place, Slots& slots) {
   if (ent == nullptr || ent->m_owner != nullptr || m_isView) return;
   const auto next = holds(place.next) ? Node(place.next->m_node) : m_entities.end();
   const bool fits = (next == m_entities.end() || place.rank < (*next)->m_pos) &&
                     (next == m_entities.begin() || (*std::prev(next))->m_pos < place.rank);
-  if (!fits) return add(ent);
-  insert(ent, next, place.rank);
+  if (!fits) return add(ent, slots);
+  insert(ent, next, place.rank, slots);
 }
 
-void CEntTable::insert(CEnt* ent, Node before, std::size_t rank) {
-  ent->m_node = m_entities.insert(before, ent);
+void CEntTable::insert(CEnt* ent, Node before, std::size_t rank, Slots& slots) {
+  ent->addTbls(*m_gestor);  // first: nothing behind it throws
+  m_entities.splice(before, slots, slots.begin());
+  ent->m_node = std::prev(before);
+  *ent->m_node = ent;
   ent->m_owner = this;
   ent->m_pos = rank;
-  ent->addTbls(*m_gestor);
-  if (m_index != nullptr) m_index->add(ent);
-  if (m_bdryValid && !isFrozen(*ent)) m_bdry.updateRegion(ent->getBdry());
+  noteAdded(*ent);
   ent->m_watched = !m_watchers.empty();
   for (IEntTableWatcher* watcher : m_watchers) watcher->added(*ent);
 }
 
+// What has no memory left is computed anew when somebody asks for it.
+void CEntTable::noteAdded(CEnt& ent) const {
+  try {
+    if (m_index != nullptr) m_index->add(&ent);
+  } catch (const std::bad_alloc&) {
+    m_index.reset();
+  }
+  try {
+    if (m_bdryValid && !isFrozen(ent)) m_bdry.updateRegion(ent.getBdry());
+  } catch (const std::bad_alloc&) {
+    m_bdryValid = false;
+  }
+}
+
 void CEntTable::remove(CEnt* ent) {
+  Slots slots;
+  remove(ent, slots);
+}
+
+void CEntTable::remove(CEnt* ent, Slots& slots) {
   if (!holds(ent)) return;
   unselect(ent);
   m_bdryValid = false;
   if (m_index != nullptr) m_index->remove(ent);
-  m_entities.erase(ent->m_node);
+  slots.splice(slots.begin(), m_entities, ent->m_node);
   ent->m_owner = nullptr;
   ent->m_watched = false;
   ent->removeTbls(*m_gestor);
@@ -145,8 +176,9 @@ CEnt* CEntTable::get(vek0::Handle handle) const {
     return nullptr;
   }
   if (m_index == nullptr) {
-    m_index = std::make_unique<HandleIndex>();
-    for (CEnt* ent : m_entities) m_index->add(ent);
+    auto index = std::make_unique<HandleIndex>();
+    for (CEnt* ent : m_entities) index->add(ent);
+    m_index = std::move(index);
   }
   return m_index->get(handle);
 }
@@ -184,9 +216,9 @@ void CEntTable::clearAll() {
 
 void CEntTable::watch(IEntTableWatcher& watcher) const {
   if (m_isView) return;
-  if (m_watchers.empty())
-    for (CEnt* ent : m_entities) ent->m_watched = true;
   m_watchers.push_back(&watcher);
+  if (m_watchers.size() == 1)
+    for (CEnt* ent : m_entities) ent->m_watched = true;
 }
 
 void CEntTable::unwatch(IEntTableWatcher& watcher) const {

@@ -1,14 +1,27 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 class CBlock;
 class CBlockTable;
+class CData;
+class PNT_3D;
+struct HATCH_TYPE;
+
+namespace zim {
+class WString;
+}
 
 namespace vek0::detail {
 
 /// Puts the block of a new hatch, which bears the name for it, into the table, which has it
 /// from then on. False when there is no memory: then the caller has it still.
 bool addHatchBlock(CBlockTable& table, std::unique_ptr<CBlock>& block);
+
+/// As `createHatch`, but throws `std::bad_alloc` when there is no memory: null means that the
+/// lines cannot be generated.
+CBlock* makeHatchBlock(const zim::WString& name, const HATCH_TYPE& type, double scale,
+                       double rotate, const std::vector<PNT_3D>& boundary, CData& data);
 
 }  // namespace vek0::detail

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <new>
 
 namespace {
 
@@ -34,8 +35,13 @@ void CFileReport::add(const char* code, long line, std::u16string_view sample) {
     ++known->count;
     return;
   }
-  m_byHash.emplace(hash, m_entries.size());
   m_entries.push_back({code, line, 1, zim::WString(sample)});
+  try {
+    m_byHash.emplace(hash, m_entries.size() - 1);
+  } catch (const std::bad_alloc&) {
+    m_entries.pop_back();
+    throw;
+  }
 }
 
 long CFileReport::count(std::string_view code) const {

@@ -67,8 +67,14 @@ void CFontTable::shutdown() {
 void CFontTable::add(ICADFont* font) {
   const auto isSame = [font](const auto& own) { return own.get() == font; };
   if (!font || std::any_of(m_fonts.begin(), m_fonts.end(), isSame)) return;
-  m_fonts.emplace_back(font);
-  m_byName.try_emplace(font->getName(), font);
+  m_fonts.emplace_back();  // what can fail comes before the table owns the font
+  try {
+    m_byName.try_emplace(font->getName(), font);
+  } catch (const std::bad_alloc&) {
+    m_fonts.pop_back();
+    throw;
+  }
+  m_fonts.back().reset(font);
 }
 
 const ICADFont* CFontTable::get(const zim::WString& name, bool orDefault) const {
@@ -80,6 +86,6 @@ const ICADFont* CFontTable::get(const zim::WString& name, bool orDefault) const 
 void CFontTable::addPlainDefault() {
   if (m_default) return;
   auto font = std::make_unique<CNamedFont>(u"txt");
-  m_default = font.get();
-  add(font.release());
+  add(font.get());
+  m_default = font.release();
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <new>
 #include <vector>
 
 namespace vek0::detail {
@@ -40,22 +41,50 @@ std::size_t spreadAround(std::vector<T*>& slots, std::size_t first, std::size_t 
   return hole;
 }
 
+/// Appends that many holes, or as many as there is room for when memory ends.
+template <class T>
+void appendHoles(std::vector<T*>& slots, std::size_t count, std::size_t& holes) {
+  try {
+    slots.reserve(slots.size() + count);
+  } catch (const std::bad_alloc&) {
+    count = slots.capacity() - slots.size();
+    if (count == 0 && holes == 0) throw;
+  }
+  slots.insert(slots.end(), count, nullptr);
+  holes += count;
+}
+
+/// Position of a new hole at the end; when memory ends, of the last one, which is moved there.
+template <class T, class Moved>
+std::size_t holeAtEnd(std::vector<T*>& slots, std::size_t& holes, const Moved& moved) {
+  try {
+    slots.push_back(nullptr);
+    ++holes;
+  } catch (const std::bad_alloc&) {
+    if (holes == 0) throw;
+    std::size_t hole = slots.size() - 1;
+    while (slots[hole] != nullptr) --hole;
+    for (; hole + 1 < slots.size(); ++hole) {
+      slots[hole] = slots[hole + 1];
+      moved(*slots[hole], hole);
+    }
+    slots[hole] = nullptr;
+  }
+  return slots.size() - 1;
+}
+
 /// Position of a hole right before `at`, where something may go that has to stand between
 /// what is on both sides. There is one wherever something was taken out and the array was
 /// not closed up since. Otherwise what stands near is spread, over as little as has room:
 /// the wider the range, the sparser it has to be, which makes requests in any order cost the
 /// square of the logarithm of the size on average. `moved` hears of everything that has a
 /// new position, and `holes` is kept true. The array grows to half as much again as is in
-/// use, if it has to grow at all.
+/// use, if it has to grow at all. No memory is needed for as many items as the array has had.
 template <class T, class Moved>
 std::size_t holeBefore(std::vector<T*>& slots, std::size_t at, std::size_t& holes,
                        const Moved& moved) {
   if (at > 0 && slots[at - 1] == nullptr) return at - 1;
-  if (at == slots.size()) {
-    slots.push_back(nullptr);
-    ++holes;
-    return at;
-  }
+  if (at == slots.size()) return holeAtEnd(slots, holes, moved);
   constexpr std::size_t kLeast = 16;
   constexpr double kDensestAll = 0.75;  // share in use of the whole array, 1 of the least range
   double levels = 1, level = 0;
@@ -70,9 +99,7 @@ std::size_t holeBefore(std::vector<T*>& slots, std::size_t at, std::size_t& hole
   }
   const std::size_t used = slots.size() - holes + 1;
   if (static_cast<double>(used) > kDensestAll * static_cast<double>(slots.size())) {
-    const std::size_t more = used + used / 2 + 1 - slots.size();
-    slots.insert(slots.end(), more, nullptr);
-    holes += more;
+    appendHoles(slots, used + used / 2 + 1 - slots.size(), holes);
   }
   return spreadAround(slots, 0, slots.size(), at, moved);
 }

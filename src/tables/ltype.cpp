@@ -1,6 +1,7 @@
 #include "vek0core/tables/ltype.h"
 
 #include <new>
+#include <optional>
 
 CLtypeMemento::CLtypeMemento(const CLtype& ltype)
     : m_patternLength(ltype.getPatternLen()),
@@ -51,11 +52,28 @@ CLtypeMemento* CLtype::createMemento() const try {
   return nullptr;
 }
 
+CLtypeComplexDashSeq CLtypeMemento::makeDashes() const {
+  CLtypeComplexDashSeq dashes;
+  dashes.SetMemento(&m_dashes);
+  return dashes;
+}
+
 void CLtype::setMemento(const CLtypeMemento& memento) {
-  setName(memento.m_name);
+  std::optional<CLtypeComplexDashSeq> dashes;
+  if (!m_dashes.hasShapeOf(memento.m_dashes)) dashes.emplace(memento.makeDashes());
+  m_desc.reserve(memento.m_desc.Length());
+  setName(memento.m_name);  // the last that can fail
   m_desc = memento.m_desc;
   setFlags(memento.m_flags);
-  m_dashes.SetMemento(&memento.m_dashes);
+  dashes ? m_dashes.swap(*dashes) : m_dashes.SetMemento(&memento.m_dashes);
+}
+
+void CLtype::setMemento(const CLtypeMemento& memento, CLtypeComplexDashSeq& dashes) {
+  m_desc.reserve(memento.m_desc.Length());
+  setName(memento.m_name);  // the last that can fail
+  m_desc = memento.m_desc;
+  setFlags(memento.m_flags);
+  m_dashes.swap(dashes);
 }
 
 CLtypeContinuous::CLtypeContinuous()

@@ -1,5 +1,6 @@
 #include "vek0core/tables/ltypedash.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <new>
@@ -28,6 +29,19 @@ CFontLtypeComplexDash::CFontLtypeComplexDash(const TEXT_3D& text) : m_text(text)
 
 CFontLtypeComplexDash::~CFontLtypeComplexDash() {
   if (CStyle* style = m_text.getStyle()) style->decDash();
+}
+
+void CFontLtypeComplexDash::setText(const TEXT_3D& text) {
+  CStyle* const old = m_text.getStyle();
+  m_text = text;
+  if (old) old->decDash();
+  if (CStyle* style = m_text.getStyle()) style->addDash();
+}
+
+void CFontLtypeComplexDash::setStyle(CStyle* style) {
+  if (CStyle* old = m_text.getStyle()) old->decDash();
+  m_text.setStyle(style);
+  if (style) style->addDash();
 }
 
 ILtypeComplexDash* CFontLtypeComplexDash::Clone() const try {
@@ -91,6 +105,11 @@ void CLtypeComplexDashSeq::sumLength() {
   for (const auto& dash : m_dashes) m_length += std::fabs(dash->GetValue());
 }
 
+void CLtypeComplexDashSeq::SetTextStyle(int pos, CStyle* style) {
+  ILtypeComplexDash& dash = *m_dashes[static_cast<std::size_t>(pos)];
+  if (dash.IsText()) static_cast<CFontLtypeComplexDash&>(dash).setStyle(style);
+}
+
 void CLtypeComplexDashSeq::ClearDashes() {
   m_dashes.clear();
   m_length = 0;
@@ -121,6 +140,7 @@ CLtypeComplexDashSeqMemento* CLtypeComplexDashSeq::CreateMemento() const try {
 
 void CLtypeComplexDashSeq::SetMemento(const CLtypeComplexDashSeqMemento* memento) {
   if (!memento) return;
+  if (hasShapeOf(*memento)) return fill(*memento);
   CLtypeComplexDashSeq restored;
   for (const auto& dash : memento->m_dashes) {
     if (const TEXT_3D* text = std::get_if<TEXT_3D>(&dash))
@@ -130,6 +150,28 @@ void CLtypeComplexDashSeq::SetMemento(const CLtypeComplexDashSeqMemento* memento
   }
   m_dashes.swap(restored.m_dashes);
   m_length = restored.m_length;
+}
+
+// Whether the elements become those of the memento by values and styles alone.
+bool CLtypeComplexDashSeq::hasShapeOf(const CLtypeComplexDashSeqMemento& memento) const {
+  return std::equal(m_dashes.begin(), m_dashes.end(), memento.m_dashes.begin(),
+                    memento.m_dashes.end(), [](const auto& dash, const auto& kept) {
+                      const TEXT_3D* mine = dash->GetText();
+                      const TEXT_3D* its = std::get_if<TEXT_3D>(&kept);
+                      if (!mine || !its) return !mine && !its;
+                      return mine->getContext().getString() == its->getContext().getString();
+                    });
+}
+
+void CLtypeComplexDashSeq::fill(const CLtypeComplexDashSeqMemento& memento) {
+  for (std::size_t i = 0; i < m_dashes.size(); ++i) {
+    if (const TEXT_3D* text = std::get_if<TEXT_3D>(&memento.m_dashes[i]))
+      static_cast<CFontLtypeComplexDash&>(*m_dashes[i]).setText(*text);
+    else
+      static_cast<CDoubleLtypeComplexDash&>(*m_dashes[i]).m_value =
+          std::get<double>(memento.m_dashes[i]);
+  }
+  sumLength();
 }
 
 CLtypeComplexDashSeqMemento::CLtypeComplexDashSeqMemento(const CLtypeComplexDashSeq& dashes) {

@@ -102,9 +102,6 @@ void CNamedItemTableImp::add(CNamedItem* item) {
   if (m_items.size() == m_items.capacity()) {
     m_items.reserve(m_items.empty() ? 1 : 2 * m_items.size());
   }
-  // Out of the table meanwhile: should memory run out, it is built anew when needed.
-  std::unique_ptr<vek0::detail::RankTree> ranks = std::move(m_ranks);
-  if (ranks) ranks->append(true);
   m_byName.reserveOne();
   item->m_rank = m_nextRank;
   m_byName.insert(item);
@@ -113,7 +110,7 @@ void CNamedItemTableImp::add(CNamedItem* item) {
   item->m_pos = m_items.size();
   item->m_table = this;
   m_items.push_back(item);
-  m_ranks = std::move(ranks);
+  vek0::detail::appendUsed(m_ranks);
 }
 
 void CNamedItemTableImp::remove(CNamedItem* item) {
@@ -170,8 +167,7 @@ CNamedItem* CNamedItemTableImp::operator[](int i) const {
   const auto rank = static_cast<std::size_t>(i);
   if (m_holes != 0) {
     if (m_holes <= m_items.size() / 2 && ++m_lookups <= m_items.size()) {
-      if (!m_ranks) m_ranks = std::make_unique<vek0::detail::RankTree>(m_items);
-      return m_items[m_ranks->select(rank)];
+      if (vek0::detail::needRanks(m_ranks, m_items)) return m_items[m_ranks->select(rank)];
     }
     compact();
   }
@@ -214,11 +210,16 @@ zim::WString CNamedItemTableImp::GetProgName(const zim::WString& prefix) const {
 }
 
 void CNamedItemTableImp::rename(CNamedItem* item, const zim::WString& name) {
-  zim::WString given(name);
-  m_byName.reserveOne();
+  item->m_name.reserve(name.Length());
   m_byName.remove(item);
+  try {
+    m_byName.reserveOne();
+  } catch (const std::bad_alloc&) {
+    m_byName.insert(item);
+    throw;
+  }
   changeNumbers(item->m_name, &Numbers::give);
-  std::swap(item->m_name, given);
+  item->m_name = name;
   changeNumbers(item->m_name, &Numbers::take);
   m_byName.insert(item);
 }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
+#include <new>
 #include <vector>
 
 namespace vek0::detail {
@@ -55,5 +57,22 @@ class RankTree {
 
   std::vector<std::size_t> m_counts;  // [n]: slots in use among the lowBit(n) before n
 };
+
+/// Whether there is a tree of the array; without memory there is none, and the array has to be
+/// closed up instead.
+template <class T>
+bool needRanks(std::unique_ptr<RankTree>& ranks, const std::vector<T*>& slots) try {
+  if (!ranks) ranks = std::make_unique<RankTree>(slots);
+  return true;
+} catch (const std::bad_alloc&) {
+  return false;
+}
+
+/// Tells the tree, if there is one, that the array has got one more slot, which is in use.
+inline void appendUsed(std::unique_ptr<RankTree>& ranks) try {
+  if (ranks) ranks->append(true);
+} catch (const std::bad_alloc&) {
+  ranks.reset();  // it is made anew when somebody needs it
+}
 
 }  // namespace vek0::detail

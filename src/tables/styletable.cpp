@@ -1,11 +1,11 @@
 #include "vek0core/tables/styletable.h"
 
+#include "tables/addnew.h"
 #include "vek0core/tables/font.h"
 
-CStyleTable::CStyleTable()
-    : m_standard(
-          new CStyleStandard(CFontTable::getInstance().getDefault(), 0.0, 1.0, 0.0, 0.2, 0)) {
-  add(m_standard);
+CStyleTable::CStyleTable() : m_standard(nullptr) {
+  m_standard = vek0::detail::addNew(
+      *this, new CStyleStandard(CFontTable::getInstance().getDefault(), 0.0, 1.0, 0.0, 0.2, 0));
 }
 
 void CStyleTable::remove(CStyle* style) {

@@ -52,7 +52,9 @@ struct DRAW_RESULT {
 ///
 /// Entities whose extents lie outside the window cost a comparison (for drawing again and
 /// again, see `CDrawIndex`); cells of an array outside it cost nothing, and neither do
-/// dashes, nor what clipped inserts hide. A window without pixels shows nothing.
+/// dashes, nor what clipped inserts hide. A window without pixels shows nothing. Throws
+/// `std::bad_alloc`, as does `drawnExtents`; the drawing is as it was then, and the painter has
+/// got a part of it.
 DRAW_RESULT drawData(const CData& data, const IProjector& projector, const CWndVpt& window,
                      IPainter& painter, const DRAW_OPTIONS& options = {});
 

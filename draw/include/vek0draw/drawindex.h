@@ -24,7 +24,8 @@ class CDrawIndex {
   CDrawIndex& operator=(const CDrawIndex&) = delete;
   ~CDrawIndex();
 
-  /// Emits what `drawData` would emit, in the same order.
+  /// Emits what `drawData` would emit, in the same order. Throws `std::bad_alloc` likewise; the
+  /// next call works.
   DRAW_RESULT draw(const IProjector& projector, const CWndVpt& window, IPainter& painter,
                    const DRAW_OPTIONS& options = {});
 

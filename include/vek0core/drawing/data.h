@@ -108,6 +108,10 @@ class VEK0_API CData {
   double getHatchLimit() const { return m_hatchLimit; }
   void setHatchLimit(double limit) { m_hatchLimit = limit; }
 
+  /// Deletes everything but the fixed linetypes, layer "0" and style "STANDARD", which only lose
+  /// what names other items. Needs no memory.
+  void clearAll();
+
   /// A font of this drawing's own that has this name and the default measures, made on
   /// the first call for the name: it keeps the name of a font that the process does not
   /// have. It lives as long as the drawing and those that share its fonts.
@@ -118,6 +122,7 @@ class VEK0_API CData {
  private:
   bool isView() const { return m_layers.getLayer0() != &m_layer0; }
   void releaseCounts();
+  void clearUsers();
 
   std::shared_ptr<IHandleGestor> m_gestor;
   CBlockXRefDepend m_depend;

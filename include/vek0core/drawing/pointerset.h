@@ -18,6 +18,8 @@ class VEK0_API PointerSet {
   /// Answers whether the address is new to the set. Throws `std::bad_alloc` with the set as it
   /// was. Constant time on average.
   bool insert(const void* pointer);
+  /// Makes room for that many more, after which inserting them does not throw.
+  void reserve(std::size_t more);
   /// Empties the set and gives its memory back.
   void clear();
 

@@ -42,7 +42,7 @@ class UndoAction;
 /// An edit costs what the edit itself costs and one snapshot of what it touches, whatever
 /// the drawing and the stack hold; see `CBlock::restore` for entities of blocks. Every edit
 /// answers whether it was made; false means that nothing has changed, and that what was to
-/// be added still is the caller's.
+/// be added still is the caller's. That goes for memory that runs out too.
 class VEK0_API CUndoStack {
  public:
   static constexpr std::size_t kDefaultLimit = std::size_t{64} << 20;  ///< bytes
@@ -56,14 +56,16 @@ class VEK0_API CUndoStack {
 
   // --- Steps
 
-  /// Opens a step. Only here memory may run out by an exception. Within an open one it only counts,
-  /// and the outermost name holds.
+  /// Opens a step. Throws `std::bad_alloc` with nothing changed. Within an open one it only
+  /// counts, and the outermost name holds.
   void begin(const zim::WString& name);
   /// Closes the step; the outermost call completes it, forgets what was undone, and drops
   /// the oldest steps beyond the limit. A step without edits is none: then, and for inner
   /// calls, the answer is false.
   bool commit();
-  /// Takes back what the open step has done, inner ones included, and forgets it.
+  /// Takes back what the open step has done, inner ones included, and forgets it. Needs memory
+  /// only to make vertices, attributes or lines of hatches again that the host has deleted:
+  /// throws `std::bad_alloc` when there is none, and the step stays open with what is left of it.
   void rollback();
   bool isOpen() const { return m_depth != 0; }
 
@@ -74,7 +76,8 @@ class VEK0_API CUndoStack {
   /// Joins the last step to the one before it, whose name holds: moving by mouse is many
   /// edits and one step. False with less than two steps to undo, or with one open.
   bool merge();
-  /// Forgets every step and deletes what they owned; the open one is rolled back.
+  /// Forgets every step and deletes what they owned; the open one is rolled back, as far as
+  /// memory allows.
   void clear();
 
   std::size_t getNoUndo() const { return m_done.size(); }
@@ -142,6 +145,7 @@ class VEK0_API CUndoStack {
  private:
   using Action = vek0::detail::UndoAction;
   struct Step {
+    explicit Step(const zim::WString& given);
     zim::WString name;
     std::vector<std::unique_ptr<Action>> actions;
     std::size_t bytes = 0;
@@ -156,14 +160,18 @@ class VEK0_API CUndoStack {
   bool addItem(Table& table, Item* item);
   template <class Table, class Item>
   bool removeItem(Table& table, Item* item);
-  template <class Snapshot, class Target>
+  template <class... Snapshots, class Target>
   bool keepOnce(Target& target);
+  template <class Snapshot, class Target>
+  std::unique_ptr<Action> makeOnce(Target& target) const;
+  template <class Edit>
+  bool attempt(const Edit& edit);
   template <class Made, class... Args>
   static std::unique_ptr<Made> newAction(Args&&... args);
   void unwind(std::size_t count);
   void forget(std::size_t count);
-  bool swapAll(Step& step, bool forward);
-  bool swapOne(Action& action);
+  bool trySwap(Step& step, bool forward);
+  void swapAll(Step& step, bool forward);
   std::vector<std::unique_ptr<Action>>& actions() { return m_open.front().actions; }
   void noteSnapshots(const Step& step);
   static std::size_t bytesOf(const Action& action);

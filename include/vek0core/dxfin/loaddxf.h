@@ -16,8 +16,9 @@ class IFile;
 ///
 /// The outcome is in `err` (null: nobody wants to know). After an error the
 /// drawing holds what was read until then, in good order. A file that cannot be
-/// opened leaves no error: ask `file.fail()`. Handles are kept. Running out of
-/// memory is error 1. The cost is linear in the file.
+/// opened leaves no error: ask `file.fail()`. Handles are kept. The cost is linear in the file.
+///
+/// Running out of memory is error 1, and a drawing that was new is new again.
 VEK0_API void loadDXF(CData& data, IFile& file, CFileDXFIError* err);
 
 /// Reads `file` into `data` beside what the drawing holds, which wins where names

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <list>
 #include <memory>
 #include <vector>
 
@@ -52,7 +53,9 @@ class VEK0_API CBlock : public CNamedItem {
   /// Deletes the entities. The block leaves the table and graph that it is in.
   ~CBlock() override;
 
-  /// Takes the entity over: moves it by the negated base point and appends it.
+  /// Takes the entity over: moves it by the negated base point and appends it. Throws
+  /// `std::bad_alloc` with nothing changed, as `restore` does; the entity still is the caller's
+  /// then.
   virtual void add(CEnt* ent);
 
   /// Takes the entity out, which the caller owns from then on. It is not moved back:
@@ -121,7 +124,8 @@ class VEK0_API CBlock : public CNamedItem {
   /// Both of the host's free words at once.
   void SetUserInfo(int type, int data);
 
-  /// Registers every entity, last to first (`CEnt::addTbls`).
+  /// Registers every entity, last to first (`CEnt::addTbls`). Throws `std::bad_alloc` with none
+  /// registered.
   void insertBlock(IHandleGestor& gestor) const;
   /// The inverse of `insertBlock`.
   void removeBlock(IHandleGestor& gestor) const;
@@ -133,6 +137,8 @@ class VEK0_API CBlock : public CNamedItem {
   /// belong to the caller; those that another owner holds meanwhile are left there.
   /// Counts and block graph stay as they are: see `CBlockTable::setMemento`.
   void setMemento(const CBlockMemento& memento);
+  /// The same, and `memento` becomes one of what the block was. Allocates nothing.
+  void exchange(CBlockMemento& memento);
   bool operator==(const CBlockMemento& memento) const;
   bool operator!=(const CBlockMemento& memento) const { return !(*this == memento); }
   using CNamedItem::operator==;
@@ -162,7 +168,9 @@ class VEK0_API CBlock : public CNamedItem {
   bool isBdryStale() const { return m_bdryStale || m_noBoxed < m_entities.size(); }
   void refreshBdry() const;
   void growBdry();
+  void makeRoom(std::size_t more);
   void tellUsers();
+  bool hearOfChange();
   void dirtyInserts();
 
   const std::uint64_t m_serial = nextSerial();
@@ -186,6 +194,9 @@ class VEK0_API CBlock : public CNamedItem {
   mutable bool m_bdryStale = false;
   mutable bool m_bdryBusy = false;   // being computed: an insert of itself stops here
   mutable bool m_bdryAsked = false;  // handed out since the users were told of a change
+  // While being computed: the next entity to look at, and the block that it is computed for.
+  std::size_t m_bdryNext = 0;
+  CBlock* m_bdryFrom = nullptr;
 
   vek0::detail::BlockGraphItem* m_item = nullptr;  // its place in a table's graph
   const CBlockXRef* m_contentOf = nullptr;
@@ -233,6 +244,8 @@ class VEK0_API CBlockMemento {
   bool operator==(const CBlock& block) const { return block == *this; }
   bool operator!=(const CBlock& block) const { return block != *this; }
 
+  const std::vector<CEnt*>& getEntities() const { return m_entities; }
+
   /// Deletes the entities of the list that no block and no table holds: for discarding
   /// the undo of a redefinition, or of a block's creation. While the block still has
   /// them, nothing happens.
@@ -240,7 +253,10 @@ class VEK0_API CBlockMemento {
 
  private:
   friend class CBlock;
+  friend class CBlockTable;
   explicit CBlockMemento(const CBlock& block);
+  // Of a block that is to become this.
+  CBlockMemento(const PNT_3D& base, long flags, const std::list<CEnt*>& entities);
 
   PNT_3D m_base;
   long m_flags;

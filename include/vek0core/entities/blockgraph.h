@@ -43,6 +43,9 @@ class VEK0_API IBlockOperation {
 /// block that inserts it is given other ones. A block knows its item, so finding it costs
 /// nothing, and it can be in one graph only. Visits keep their own stack: nesting may be of
 /// any depth.
+///
+/// Where memory ends while a block's edges are set from its inserts, that is put off until
+/// somebody asks for edges. What asks throws `std::bad_alloc`, and nothing has changed then.
 class VEK0_API CBlockGraph {
  public:
   CBlockGraph();
@@ -57,6 +60,8 @@ class VEK0_API CBlockGraph {
 
   /// The same, but before the item of `next`; at the end when that has none.
   void addBlock(CBlock& block, const CBlock* next);
+  /// Makes room for the block: adding it then needs no memory, now or after it was taken out.
+  void reserve(CBlock& block);
   /// The block whose item follows, null at the end and for a block that has none.
   const CBlock* getNext(const CBlock& block) const;
 
@@ -112,6 +117,7 @@ class VEK0_API CBlockGraph {
 
  private:
   friend class CBlock;
+  using Edge = vek0::detail::BlockGraphEdge;
   using Item = vek0::detail::BlockGraphItem;
   using Items = std::list<std::unique_ptr<Item>>;
 
@@ -124,8 +130,14 @@ class VEK0_API CBlockGraph {
   bool makeWay(Item& user, const std::vector<Item*>& targets) const;
   std::vector<Item*> insertedItems(const CBlock& block) const;
   std::vector<Item*> itemsOf(const std::list<CBlock*>& blocks) const;
+  void collect(CBlock* block, std::vector<Item*>& items) const;
+  int visitUndep(IBlockOperation& op) const;
+  void refresh() const;
+  void refresh(Item& item) const;
+  bool isOutdated() const { return m_isOutdated; }
+  void tellAll() const;
   void replaceEdges(Item& item, const std::vector<Item*>& targets) const;
-  void cutEdge(const vek0::detail::BlockGraphEdge& edge) const;
+  void cutEdge(const Edge& edge) const;
   void orderAll() const;
 
   Items m_items;           // in order of addition
@@ -133,4 +145,5 @@ class VEK0_API CBlockGraph {
   std::unique_ptr<vek0::detail::BlockOrder> m_order;
   mutable std::uint64_t m_collections = 0;  // of distinct items, so far
   mutable bool m_isOrdered = true;          // false: `doSubstitute` has made a circle
+  mutable bool m_isOutdated = false;        // items are, see there
 };

@@ -65,12 +65,16 @@ class VEK0_API CBlockTable : public CNamedItemTableImp {
   /// The table takes the new entities over on success only. It lets go of the old ones
   /// without deleting them: whoever keeps no undo makes a memento of the block before
   /// and calls its `destroyEntity` after success. Costs no more than the old and new
-  /// content and the blocks that depend on the block.
+  /// content and the blocks that depend on the block. Throws `std::bad_alloc` with nothing
+  /// changed.
   int Redefine(CBlock* block, const PNT_3D& base, long flags, const std::list<CEnt*>& newEntities);
 
   /// Restores a memento of the block with everything that hangs on it: registration,
   /// graph and extents. Undoes `Redefine`.
   void setMemento(CBlock* block, const CBlockMemento& memento);
+  /// The same, and `memento` becomes one of what the block was. Throws `std::bad_alloc` with
+  /// nothing changed; going back needs no memory.
+  void exchange(CBlock* block, CBlockMemento& memento);
 
   /// Brings graph and extents up to date after the host has added or removed entities
   /// of a block in the table, or changed them. Registration is the host's.
@@ -89,6 +93,7 @@ class VEK0_API CBlockTable : public CNamedItemTableImp {
 
  private:
   bool holds(const CBlock* block) const;
+  void registerBlock(CBlock& block);
 
   IHandleGestor& m_gestor;
   CBlockXRefDepend& m_depend;

@@ -79,7 +79,8 @@ class VEK0_API CBlockXRef : public CBlock {
   const std::vector<CBlockXRef*>& getNested() const { return m_nested; }
   /// How many references of the drawing show this one in their content.
   long getShows() const { return m_shows; }
-  /// Gives the reference another content, which it takes over; what it had is deleted.
+  /// Gives the reference another content, which it takes over; what it had is deleted. Throws
+  /// `std::bad_alloc` with nothing changed.
   void setContent(std::vector<std::unique_ptr<CEnt>> entities, Blocks blocks);
 
   /// Takes an item out of its table and keeps it as long as itself, since undo steps of the
@@ -153,7 +154,8 @@ class VEK0_API CBlockXRef : public CBlock {
 /// Which external references a drawing's inserts use, and how often.
 ///
 /// Kept by the inserts while they are registered. The references are in order of their
-/// first use. Every operation costs constant time on average.
+/// first use. Every operation costs constant time on average. Counting a reference that was
+/// counted before needs no memory.
 class VEK0_API CBlockXRefDepend {
  public:
   using Entry = std::pair<CBlockXRef*, long>;  ///< reference, number of inserts
@@ -176,6 +178,7 @@ class VEK0_API CBlockXRefDepend {
 
  private:
   std::list<Entry> m_list;
+  std::list<Entry> m_unused;  // of count 0: the room for those that were counted before
   std::unordered_map<const CBlockXRef*, std::list<Entry>::iterator> m_places;
 };
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <list>
+#include <memory>
 
 #include "vek0core/export.h"
 #include "vek0core/geometry/rect.h"
@@ -19,6 +20,10 @@ class CLtype;
 class CStyle;
 class IEntDerivedMemento;
 class IEntVisitor;
+
+namespace vek0::detail {
+class EntParts;
+}
 
 /// Base of everything that can be drawn: point, line, text, insert and so on.
 ///
@@ -42,15 +47,25 @@ class VEK0_API CEnt : public IHandleEnt {
   ~CEnt() override;
 
   /// Registers the entity: reserves its handle, then counts it on its layer and
-  /// its linetype. Kinds with further parts register those too.
+  /// its linetype. Kinds with further parts register those too. What is counted for the first
+  /// time may throw `std::bad_alloc`; nothing is registered then.
   virtual void addTbls(IHandleGestor& gestor) const;
 
   /// The inverse of `addTbls`.
   virtual void removeTbls(IHandleGestor& gestor) const;
 
   /// Restores the state peculiar to the kind. `memento` must come from the same
-  /// kind of entity; null changes nothing. `data` is the drawing it is in.
+  /// kind of entity; null changes nothing. `data` is the drawing it is in. May throw
+  /// `std::bad_alloc` where there are parts or longer texts to restore; going back to the
+  /// state before, with these parts, then needs no memory.
   virtual void setMemento(CData& data, const IEntDerivedMemento* memento) = 0;
+
+  /// Gives the entity the vertices, attributes or lines that a memento of its kind is about,
+  /// as far as others have to take the place of its own, and answers what this displaces; null
+  /// when nothing. `setMemento`, which begins with this, then sets what they are like, unless
+  /// `EntParts::isAll`. Throws `std::bad_alloc` with nothing changed.
+  virtual std::unique_ptr<vek0::detail::EntParts> replaceParts(CData& data,
+                                                               const IEntDerivedMemento& memento);
 
   /// Text style; null for every kind that is not a text.
   virtual CStyle* getStyle() const;
@@ -73,6 +88,9 @@ class VEK0_API CEnt : public IHandleEnt {
 
   /// Recomputes the cached extents from the geometry.
   virtual void calcBdry() = 0;
+
+  /// Makes the next `getBdry` recompute them.
+  void invalidateBdry() { dirtyBdry(); }
 
   /// Snapshot of the state peculiar to the kind. The caller owns it; null when
   /// there is no memory.
@@ -122,6 +140,8 @@ class VEK0_API CEnt : public IHandleEnt {
 
   /// Restores layer, linetype and colour and moves the counts as `setLayer` does.
   void setMemento(const CEntBaseMemento* memento);
+  /// The same, and `memento` becomes one of what the entity was. Allocates nothing.
+  void exchange(CEntBaseMemento& memento);
 
   /// Whether the entity is in the state that the memento holds.
   bool operator==(const CEntBaseMemento& memento) const;

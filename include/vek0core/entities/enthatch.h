@@ -36,6 +36,8 @@ class VEK0_API CEntHatch : public CEntInsertBase {
   /// same kinds, otherwise by generating them; nothing changes when they cannot be. A
   /// memento of another kind is ignored.
   void setMemento(CData& data, const IEntDerivedMemento* memento) override;
+  std::unique_ptr<vek0::detail::EntParts> replaceParts(CData& data,
+                                                       const IEntDerivedMemento& memento) override;
   short getType() const override { return kType; }
   IEntDerivedMemento* createDerivedMemento() const override;
 
@@ -90,14 +92,12 @@ class VEK0_API CEntHatch : public CEntInsertBase {
               CBlockTable& blockTable, vek0::Handle handle) const override;
 
  private:
+  class ReplacedBlock;
   using BlockMaker = std::function<CBlock*(const zim::WString& name)>;
 
-  bool regenerate(CData& data, double scale, double rotate, const HATCH_TYPE& type,
-                  const std::vector<PNT_3D>& boundary);
-  bool replaceLines(CBlockTable& table, const BlockMaker& make);
+  std::unique_ptr<ReplacedBlock> replaceLines(CBlockTable& table, const BlockMaker& make);
   void setParameters(double scale, double rotate, const HATCH_TYPE& type,
                      const std::vector<PNT_3D>& boundary);
-  void restoreLines(CData& data, const CEntHatchMemento& state);
 
   double m_scale;
   double m_rotate;

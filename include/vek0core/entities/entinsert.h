@@ -75,9 +75,9 @@ class VEK0_API CEntInsertBase : public CEnt {
   /// A copy that shows another block and has no attributes.
   CEntInsertBase(const CEntInsertBase& src, CBlock* block, vek0::Handle handle);
 
-  /// Counts the insert on what is recorded of its block elsewhere, or takes that back:
-  /// told while the insert is registered and the block is the one in question.
-  virtual void countReference(bool on) const;
+  /// Counts the insert on what is recorded elsewhere of a block that it shows, or takes that
+  /// back: told while the insert is registered. The former may throw `std::bad_alloc`.
+  virtual void countReference(CBlock* block, bool on) const;
 
   /// Shows another block; counts move only while the insert is registered.
   void replaceBlock(CBlock* block);
@@ -105,6 +105,8 @@ class VEK0_API CEntInsert : public CEntInsertBase {
   /// memento the present attributes are kept and reset by position; otherwise those
   /// that the memento names are reused, missing ones are made, others are deleted.
   void setMemento(CData& data, const IEntDerivedMemento* memento) override;
+  std::unique_ptr<vek0::detail::EntParts> replaceParts(CData& data,
+                                                       const IEntDerivedMemento& memento) override;
   short getType() const override { return kType; }
   IEntDerivedMemento* createDerivedMemento() const override;
 
@@ -165,6 +167,8 @@ class VEK0_API CEntFixedInsert : public CEntInsertBase {
   using CEnt::setMemento;
   /// As `CEntInsert::setMemento`.
   void setMemento(CData& data, const IEntDerivedMemento* memento) override;
+  std::unique_ptr<vek0::detail::EntParts> replaceParts(CData& data,
+                                                       const IEntDerivedMemento& memento) override;
   void GetBdry(double pixelSize, RECT_3D& box) const override;
   short getType() const override { return kType; }
   void calcBdry() override;
@@ -225,7 +229,7 @@ class VEK0_API CEntInsertXRef : public CEntInsert {
 
   CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
               CBlockTable& blockTable, vek0::Handle handle) const override;
-  void countReference(bool on) const override;
+  void countReference(CBlock* block, bool on) const override;
 
  private:
   CBlockXRefDepend& m_depend;
@@ -241,12 +245,15 @@ class AttribsMemento {
   explicit AttribsMemento(const CEntInsertBase& insert);
 
   bool matches(const CEntInsertBase& insert) const;
-  /// See `CEntInsert::setMemento`.
+  /// See `CEnt::replaceParts`.
+  std::unique_ptr<EntParts> replaceAttribs(CData& data, CEntInsertBase& insert) const;
+  /// Sets block and attributes, of which there are as many as here.
   void restore(CData& data, CEntInsertBase& insert) const;
   /// Bytes beyond the object's own.
   std::size_t heapSize() const { return m_attribs.size() * sizeof(Entry); }
 
  private:
+  class Replaced;
   struct Entry {
     CEntAttrib* attrib;
     CLayer* layer;
@@ -258,7 +265,6 @@ class AttribsMemento {
 
   static void reset(CData& data, CEntAttrib& attrib, const Entry& entry);
   static std::unique_ptr<CEntAttrib> remake(CData& data, const Entry& entry);
-  void replaceAll(CData& data, CEntInsertBase& insert) const;
 
   CBlock* m_block;
   std::vector<Entry> m_attribs;

@@ -52,6 +52,17 @@ class VEK0_API IEntDerivedMemento {
 
 namespace vek0::detail {
 
+/// Parts of an entity that others have taken the place of, see `CEnt::replaceParts`. It owns
+/// what the entity does not have.
+class VEK0_API EntParts {
+ public:
+  virtual ~EntParts();
+  /// Exchanges them again. Only while the entity has what took their place. Allocates nothing.
+  virtual void putBack() = 0;
+  /// Whether nothing is left for `CEnt::setMemento` to do.
+  virtual bool isAll() const { return false; }
+};
+
 /// The memento as the class that entities of `Kind` make; null when it is another
 /// kind's, or null. Kinds restore themselves from a pointer to the common base, and a
 /// host may mix its mementos up.

@@ -69,6 +69,8 @@ class VEK0_API CEntPolyline : public CEnt {
   /// names are reused, missing ones are made, the others are deleted. Handles come back
   /// too, unless a manager books them.
   void setMemento(CData& data, const IEntDerivedMemento* memento) override;
+  std::unique_ptr<vek0::detail::EntParts> replaceParts(CData& data,
+                                                       const IEntDerivedMemento& memento) override;
   short getType() const override { return kType; }
   /// Box of the visible vertices, or of the outline when the polyline is wide;
   /// control points never count.
@@ -271,6 +273,8 @@ class VEK0_API CEntPolyline : public CEnt {
   void forEachListed(const VertexSink& sink) const;
 
   static std::vector<ArcRun> runsOf(const vek0::detail::BulgedChain& chain);
+  static std::size_t mostRunsOf(const vek0::detail::BulgedChain& chain);
+  static void addRunsOf(const vek0::detail::BulgedChain& chain, std::vector<ArcRun>& runs);
   const ArcRun* runAt(std::size_t& next, long i) const;
   bool closesList(const ArcRun& run) const;
   void dropRunsAt(long i, bool asEnd);
@@ -284,9 +288,8 @@ class VEK0_API CEntPolyline : public CEnt {
   vek0::detail::BulgedChain curveChain() const;
   void emptyBdry();
   void setClosed(IHandleGestor& gestor, CEntFactory& factory, bool closed, bool handles);
+  class ReplacedVertexes;
   static void resetVertex(CVertex& vertex, const MementoEntry& entry, bool isBooked);
-  void replaceVertexes(IHandleGestor& gestor, CEntFactory& factory,
-                       const std::vector<MementoEntry>& entries);
 
   // Either the packed chain holds the vertices or the list does, never both. Asking
   // for a vertex object changes which, hence mutable.
@@ -316,6 +319,9 @@ class VEK0_API CEntPolylineMemento final : public IEntDerivedMemento {
  private:
   friend class CEntPolyline;
 
+  template <class Each>
+  void forEachEntry(const Each& each) const;
+  std::size_t noEntries() const;
   std::vector<CEntPolyline::MementoEntry> entries() const;
   std::vector<CEntPolyline::ArcRun> arcRuns() const;
 

@@ -13,7 +13,8 @@
 class CBlockXRefDepend;
 class IHandleGestor;
 
-/// Hears of what happens to the entities of a table: what keeps an index of them needs.
+/// Hears of what happens to the entities of a table: what keeps an index of them needs. Must not
+/// throw: what it hears of has happened.
 class VEK0_API IEntTableWatcher {
  public:
   virtual ~IEntTableWatcher() = default;
@@ -52,7 +53,8 @@ class VEK0_API CEntTable {
   ~CEntTable();
 
   /// Takes the entity over, registers it (`CEnt::addTbls`) and appends it. Valid
-  /// extents grow by its box unless its layer is frozen.
+  /// extents grow by its box unless its layer is frozen. Throws `std::bad_alloc` with nothing
+  /// changed; the entity still is the caller's then.
   void add(CEnt* ent);
 
   /// Unselects the entity, takes it out and unregisters it; the caller owns it from
@@ -70,6 +72,15 @@ class VEK0_API CEntTable {
   /// that it had. What stood next to it has to be back already, as it is when removals are
   /// undone last to first; where it is not, the entity is appended.
   void restore(CEnt* ent, const Place& place);
+
+  /// Memory for the places of entities in the table, one element each.
+  using Slots = std::list<CEnt*>;
+  /// `add`, `remove` and `restore` with a slot that the caller keeps meanwhile: the first of
+  /// `slots` goes into the table, or comes out of it to the front. So an entity that was
+  /// removed comes back without memory being needed.
+  void add(CEnt* ent, Slots& slots);
+  void remove(CEnt* ent, Slots& slots);
+  void restore(CEnt* ent, const Place& place, Slots& slots);
 
   /// Whether the entity is in this table.
   bool contains(const CEnt* ent) const { return holds(ent); }
@@ -120,7 +131,8 @@ class VEK0_API CEntTable {
 
   using Node = std::list<CEnt*>::iterator;
 
-  void insert(CEnt* ent, Node before, std::size_t rank);
+  void insert(CEnt* ent, Node before, std::size_t rank, Slots& slots);
+  void noteAdded(CEnt& ent) const;
   void tellReshaped(CEnt& ent) const;
   bool holds(const CEnt* ent) const { return ent != nullptr && ent->m_owner == this; }
 

@@ -82,6 +82,8 @@ class VEK0_API CLayer : public CNamedItem {
 
   /// The caller owns the snapshot; null when there is no memory.
   CLayerMemento* createMemento() const;
+  /// Throws `std::bad_alloc` with nothing changed. Going back to what the layer was needs no
+  /// memory.
   void setMemento(const CLayerMemento& memento);
 
  protected:

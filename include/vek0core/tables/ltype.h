@@ -32,6 +32,8 @@ class VEK0_API CLtypeMemento {
   const zim::WString& GetName() const { return m_name; }
   bool operator==(const CLtype& ltype) const;
   bool operator!=(const CLtype& ltype) const { return !(*this == ltype); }
+  /// New elements.
+  CLtypeComplexDashSeq makeDashes() const;
 
  private:
   friend class CLtype;
@@ -94,7 +96,11 @@ class VEK0_API CLtype : public CNamedItem {
 
   /// The caller owns the snapshot; null when there is no memory.
   CLtypeMemento* createMemento() const;
+  /// Throws `std::bad_alloc` with nothing changed.
   void setMemento(const CLtypeMemento& memento);
+  /// The same with the elements of `dashes`, which gets those that the linetype had. Going back
+  /// to what the linetype was needs no memory.
+  void setMemento(const CLtypeMemento& memento, CLtypeComplexDashSeq& dashes);
 
  protected:
   friend class CLtypeFactory;

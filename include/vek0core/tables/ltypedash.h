@@ -36,6 +36,7 @@ class VEK0_API CDoubleLtypeComplexDash : public ILtypeComplexDash {
   ILtypeComplexDash* Clone() const override;
 
  private:
+  friend class CLtypeComplexDashSeq;
   double m_value;
 };
 
@@ -54,6 +55,9 @@ class VEK0_API CFontLtypeComplexDash : public ILtypeComplexDash {
   const TEXT_3D* GetText() const override { return &m_text; }
   void GetBdry(RECT_2D& box) const override { m_text.calc_bdry(box); }
   ILtypeComplexDash* Clone() const override;
+  /// Moves the count from the present style to the new one.
+  void setText(const TEXT_3D& text);
+  void setStyle(CStyle* style);  ///< likewise
 
  private:
   TEXT_3D m_text;
@@ -66,6 +70,7 @@ class VEK0_API CLtypeComplexDashSeq {
  public:
   CLtypeComplexDashSeq() = default;
   CLtypeComplexDashSeq(const CLtypeComplexDashSeq& src);
+  CLtypeComplexDashSeq(CLtypeComplexDashSeq&& src) noexcept { swap(src); }
   CLtypeComplexDashSeq& operator=(const CLtypeComplexDashSeq& src);
   ~CLtypeComplexDashSeq() = default;
 
@@ -85,6 +90,12 @@ class VEK0_API CLtypeComplexDashSeq {
   void AddDashText(const TEXT_3D& text) { InsertDashText(GetNoDashes(), text); }
   void RemoveDash(int pos);
   void ClearDashes();
+  /// Another style, which may be null, for the text at `pos`; what is no text has none.
+  void SetTextStyle(int pos, CStyle* style);
+  void swap(CLtypeComplexDashSeq& other) {
+    m_dashes.swap(other.m_dashes);
+    std::swap(m_length, other.m_length);
+  }
 
   /// Sum of the magnitudes of dashes and gaps. Texts add nothing.
   double GetPatternLen() const { return m_length; }
@@ -93,9 +104,13 @@ class VEK0_API CLtypeComplexDashSeq {
 
   /// The caller owns the snapshot; null when there is no memory.
   CLtypeComplexDashSeqMemento* CreateMemento() const;
+  /// Throws `std::bad_alloc` with nothing changed. Needs no memory where it `hasShapeOf` that.
   void SetMemento(const CLtypeComplexDashSeqMemento* memento);
+  /// Whether elements of the same kinds with the same strings are there.
+  bool hasShapeOf(const CLtypeComplexDashSeqMemento& memento) const;
 
  private:
+  void fill(const CLtypeComplexDashSeqMemento& memento);
   void insert(int pos, std::unique_ptr<ILtypeComplexDash> dash);
   void sumLength();
 

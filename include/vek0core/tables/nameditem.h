@@ -34,6 +34,8 @@ class VEK0_API CNamedItem {
   bool operator!=(const CNamedItem& other) const { return !(*this == other); }
 
   const zim::WString& getName() const { return m_name; }
+  /// Throws `std::bad_alloc` with nothing changed. Going back to a name that the item has had
+  /// allocates nothing.
   void setName(const zim::WString& name);
 
   long getFlags() const { return m_flags; }
@@ -77,6 +79,9 @@ class VEK0_API CNamedItem {
 /// the item added first. Null, and an item that is in a table already, are not added.
 /// Adding, removing, renaming and look-ups by name cost constant time on average, and so
 /// do look-ups by position; removals in between make those logarithmic for a while.
+///
+/// Whatever adds or renames throws `std::bad_alloc` with nothing changed. Items that were taken
+/// out come back without memory being needed: the table keeps the room that it had for them.
 ///
 /// A copy is a view of its source: it names the same items as the source has at that
 /// moment, owns nothing, cannot be added to or removed from, and is valid while the

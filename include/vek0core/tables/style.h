@@ -80,6 +80,8 @@ class VEK0_API CStyle : public CNamedItem {
 
   /// The caller owns the snapshot; null when there is no memory.
   CStyleMemento* createMemento() const;
+  /// Throws `std::bad_alloc` with nothing changed. Going back to what the style was needs no
+  /// memory.
   void setMemento(const CStyleMemento& memento);
 
  protected:

@@ -40,6 +40,10 @@ class ZIM0LANG_API WString {
   const Char* c_str() const { return m_text.c_str(); }
   std::size_t Length() const { return m_text.size(); }  ///< in units
   bool empty() const { return m_text.empty(); }
+  /// Makes room for a text of that length. Assigning one that finds room allocates nothing.
+  void reserve(std::size_t length) {
+    if (length > m_text.capacity()) m_text.reserve(length);
+  }
   /// The unit at `i`; `i` may be `Length()`, which gives 0.
   Char operator[](std::size_t i) const { return m_text[i]; }
   std::u16string_view view() const { return m_text; }
