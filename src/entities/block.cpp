@@ -266,14 +266,19 @@ CBlockMemento* CBlock::createMemento() const {
 }
 
 void CBlock::exchange(CBlockMemento& memento) {
+  const long flags = getFlags();
+  std::swap(m_base, memento.m_base);
+  swapEntities(memento.m_entities);
+  setFlags(memento.m_flags);
+  memento.m_flags = flags;
+}
+
+void CBlock::swapEntities(std::vector<CEnt*>& entities) {
   compact();
-  ++m_edition;
   m_ranks.reset();
   m_noLookups = m_noAttdefs = 0;
   for (CEnt* ent : m_entities) disown(*ent);
-  const long flags = getFlags();
-  std::swap(m_base, memento.m_base);
-  m_entities.swap(memento.m_entities);
+  m_entities.swap(entities);
   std::size_t kept = 0;
   for (CEnt* ent : m_entities) {
     if (ent->isHeld()) continue;  // by another owner meanwhile
@@ -281,8 +286,7 @@ void CBlock::exchange(CBlockMemento& memento) {
     own(*ent, kept++);
   }
   m_entities.resize(kept);
-  setFlags(memento.m_flags);
-  memento.m_flags = flags;
+  setFlags(kHasAttdefs, m_noAttdefs != 0);
   invalidateBdry();
 }
 

@@ -64,20 +64,47 @@ const PNT_3D& CBlockXRef::getContentBase() const {
   return getPnt() != PNT_3D(0, 0, 0) ? getPnt() : m_ownBase;
 }
 
-void CBlockXRef::setContent(std::vector<std::unique_ptr<CEnt>> entities, Blocks blocks) {
-  std::vector<CBlockXRef*> nested = shownBy(entities, blocks);  // first: what follows counts
-  if (isHeld()) countNested(-1);
-  m_nested = std::move(nested);
-  if (isHeld()) countNested(1);
-  ++m_noContents;
-  disposeEntities();
+CBlockXRef::Content::Content(std::vector<std::unique_ptr<CEnt>> entities, Blocks blocks)
+    : m_nested(shownBy(entities, blocks)) {
+  m_entities.reserve(entities.size());
+  for (std::unique_ptr<CEnt>& ent : entities) m_entities.push_back(ent.release());
   m_blocks = std::move(blocks);
+}
+
+CBlockXRef::Content::~Content() {
+  for (const CEnt* ent : m_entities) delete ent;
+}
+
+void CBlockXRef::setContent(std::vector<std::unique_ptr<CEnt>> entities, Blocks blocks) {
+  Content content(std::move(entities), std::move(blocks));
+  exchange(content);
+}
+
+void CBlockXRef::exchange(Content& content) {
+  if (isHeld()) countNested(-1);
+  m_nested.swap(content.m_nested);
+  if (isHeld()) countNested(1);
+  if (content.m_number == 0) content.m_number = ++m_lastContent;
+  std::swap(m_noContents, content.m_number);
+  for (const std::unique_ptr<CBlock>& block : m_blocks) block->m_contentOf = nullptr;
+  m_blocks.swap(content.m_blocks);
   for (const std::unique_ptr<CBlock>& block : m_blocks) block->m_contentOf = this;
-  for (std::unique_ptr<CEnt>& ent : entities) {
-    restore(ent.get());
-    static_cast<void>(ent.release());
-  }
-  invalidateBdry();
+  swapEntities(content.m_entities);
+}
+
+void CBlockXRef::setHead(const Head& head) {
+  m_path.reserve(head.path.Length());
+  m_file.reserve(head.file.Length());
+  init(head.path, head.base, head.flags);
+  m_file = head.file;
+  m_status = head.status;
+  m_ownBase = head.ownBase;
+}
+
+void CBlockXRef::reserveRetired() {
+  m_retiredLayers.reserve(m_retiredLayers.size() + static_cast<std::size_t>(m_layers.size()));
+  m_retiredLtypes.reserve(m_retiredLtypes.size() + static_cast<std::size_t>(m_ltypes.size()));
+  m_retiredStyles.reserve(m_retiredStyles.size() + static_cast<std::size_t>(m_styles.size()));
 }
 
 // What is out of the drawing shows nothing.

@@ -60,14 +60,11 @@ double CEntRotateXYVisitor::normalTurned(double stated) const {
 
 void CEntRotateXYVisitor::rotateText(CEntText& ent) const {
   TEXT_3D& text = ent.getText();
-  const double before = text.getContext().getRotate();
+  CTextContext context(text.getContext());  // first: this alone can fail
+  context.setRotate(degreesFrom(context.getRotate()) * kRadiansPerDegree);
   text.rotate(m_centre, m_angle);
-  if (m_degrees != 0) {
-    CTextContext context(text.getContext());
-    context.setRotate(degreesFrom(before) * kRadiansPerDegree);
-    text.setContext(context);
-  }
-  ent.calcBdry();
+  if (m_degrees != 0) text.setContext(context);
+  ent.invalidateBdry();
 }
 
 template <class Insert>
@@ -103,7 +100,7 @@ void CEntRotateXYVisitor::visit(CEntArc& ent) {
 
 void CEntRotateXYVisitor::visit(CEntPolyline& ent) {
   ent.rotate(m_centre, m_angle);
-  ent.calcBdry();
+  ent.invalidateBdry();
 }
 
 void CEntRotateXYVisitor::visit(CEntText& ent) { rotateText(ent); }

@@ -31,7 +31,7 @@ void scaleCircle(CIRCLE_3D& circle, const PNT_3D& centre, double factor) {
 
 void scaleText(CEntText& ent, const PNT_3D& centre, double factor) {
   ent.getText().scale(centre, factor);
-  ent.calcBdry();
+  ent.invalidateBdry();
 }
 
 void scaleInsert(CEntInsert& ent, const PNT_3D& centre, double factor) {
@@ -83,7 +83,7 @@ void CEntScaleVisitor::visit(CEntArc& ent) {
 
 void CEntScaleVisitor::visit(CEntPolyline& ent) {
   ent.scale(m_centre, m_factor);
-  ent.calcBdry();
+  ent.invalidateBdry();
 }
 
 void CEntScaleVisitor::visit(CEntText& ent) { scaleText(ent, m_centre, m_factor); }

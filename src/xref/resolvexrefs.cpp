@@ -24,6 +24,7 @@
 #include "vek0core/xref/xrefs.h"
 #include "xref/filegraph.h"
 #include "xref/xrefcontent.h"
+#include "xref/xrefjournal.h"
 
 namespace {
 
@@ -31,7 +32,6 @@ using Found = IXRefResolver::Found;
 using Status = CBlockXRef::Status;
 using vek0::detail::FileGraph;
 using vek0::detail::kDependent;
-using vek0::detail::orThrow;
 using vek0::detail::XRefContent;
 
 constexpr int kReadings = 3;  // of a file that is written meanwhile
@@ -139,9 +139,10 @@ class Resolving {
   void run() {
     for (; !m_jobs.empty() && !m_isCancelled; m_jobs.pop_front()) {
       const Job& job = m_jobs.front();
+      m_journal.keep(*job.xref);
       job.xref->setFile(job.place.file);
       if (const char* fault = resolve(job)) note(fault, *job.xref, {});
-      if (job.xref->getStatus() != Status::loaded) job.xref->setContent({}, {});
+      if (job.xref->getStatus() != Status::loaded) m_journal.setContent(*job.xref, {{}, {}});
     }
   }
 
@@ -184,13 +185,15 @@ class Resolving {
       const zim::WString state = m_resolver.getState(job.place.file);
       const CDataPtr drawing(CDataFactory().createData());
       const std::unique_ptr<IFile> file = m_resolver.open(job.place.file);
-      if (!drawing || !file) return "reference broken";
+      if (!drawing) throw std::bad_alloc();
+      if (!file) return "reference broken";
       // All hatches of a drawing together may have five times as many lines as one.
       drawing->setHatchLimit(std::min(m_data.getHatchLimit(), m_hatchLinesLeft / 5));
       CFileReport report;
       m_options.reading.report = &report;
       CFileDXFIError error;
       const CFileDXFIResult result = loadDXF(*drawing, *file, &error, m_options.reading);
+      if (error.GetErrorType() == CFileDXFIError::GeneralError) throw std::bad_alloc();
       if (m_resolver.getState(job.place.file) != state) continue;
       if (m_options.onRead) m_options.onRead(*job.xref, result, report);
       m_isCancelled = result.status == CFileDXFIResult::Cancelled;
@@ -201,7 +204,7 @@ class Resolving {
   }
 
   void take(const Job& job, const CFileDXFIResult& result, const CData& drawing) {
-    XRefContent content(m_data, *job.xref, drawing, m_present);
+    XRefContent content(m_data, *job.xref, drawing, m_present, m_journal);
     const CBlockXRefTable& nested = drawing.getBlockXRefTable();
     for (int i = 0; i < nested.size(); ++i)
       content.stand(*nested[i], isShown(*nested[i], job) ? standIn(*nested[i], job) : nullptr);
@@ -252,12 +255,12 @@ class Resolving {
     const zim::WString name = firstFree(namesakes, nested.getName());
     if (CBlockXRef* xref = findAmong(namesakes, nested, place, job)) return *xref;
     if (name != nested.getName()) note("reference renamed", nested, job.xref->getName());
-    CBlockXRef* xref = orThrow(m_data.getBlockFactory().createXRef(
-        m_data.getLtypeContinuous(), m_data.getLtypeByLayer(), m_data.getLtypeByBlock(),
-        m_data.getLayer0(), name, nested.getPath(), nested.getPnt(),
-        nested.getFlags() | kDependent));
-    m_data.getBlockXRefTable().add(xref);
-    return *xref;
+    return *m_journal.add(
+        m_data.getBlockXRefTable(),
+        m_data.getBlockFactory().createXRef(m_data.getLtypeContinuous(), m_data.getLtypeByLayer(),
+                                            m_data.getLtypeByBlock(), m_data.getLayer0(), name,
+                                            nested.getPath(), nested.getPnt(),
+                                            nested.getFlags() | kDependent));
   }
 
   // The first name that is free; those before it become known.
@@ -318,6 +321,7 @@ class Resolving {
       if (xref.getPath() == nested.getPath() && (!isTaken || file.empty())) return true;
     }
     if (isTaken || !isFree(xref, *job.xref)) return false;
+    m_journal.keep(xref);
     m_data.getBlockFactory().initXRef(xref, nested.getPath(), nested.getPnt(), xref.getFlags());
     return true;
   }
@@ -339,6 +343,8 @@ class Resolving {
   // What changed may be inside of anything. Nothing goes where reading was cancelled: what was
   // not read anew may be on it.
   void settle() {
+    for (CBlockXRef* xref : m_read) xref->reserveRetired();
+    m_journal.done();  // nothing below needs memory
     for (CBlockXRef* xref : m_read)
       if (!m_isCancelled) vek0::detail::retireOthers(m_data, *xref, m_present);
     const CBlockXRefTable& xrefs = m_data.getBlockXRefTable();
@@ -347,12 +353,15 @@ class Resolving {
       xrefs[i]->invalidateBdry();
     }
     m_data.getBlockTable().recalcBdry();
-    m_data.getEntTable().recalcBdry();
+    for (CEnt* ent : m_data.getEntTable().getEntityTbl())
+      if (ent->getEntInsert() != nullptr) ent->invalidateBdry();
+    m_data.getEntTable().invalidateBdry();
   }
 
   CData& m_data;
   IXRefResolver& m_resolver;
   CXRefOptions m_options;
+  vek0::detail::XRefJournal m_journal;
   FileGraph m_graph;
   std::deque<Job> m_jobs;
   std::unordered_map<const CBlockXRef*, zim::WString> m_files;  // of the references met so far
@@ -376,21 +385,13 @@ int countUnresolved(const CData& data) {
 }  // namespace
 
 int resolveXRefs(CData& data, IXRefResolver& resolver, const CXRefOptions& options) {
-  try {
-    Resolving(data, resolver, options).resolveAll();
-  } catch (const std::bad_alloc&) {
-    // What was read by then stays; the others stay as they are.
-  }
+  Resolving(data, resolver, options).resolveAll();
   return countUnresolved(data);
 }
 
 bool resolveXRef(CData& data, CBlockXRef& xref, IXRefResolver& resolver,
                  const CXRefOptions& options) {
   if (!data.getBlockXRefTable().contains(&xref)) return false;
-  try {
-    Resolving(data, resolver, options).resolveOne(xref);
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  Resolving(data, resolver, options).resolveOne(xref);
   return xref.getStatus() == Status::loaded;
 }

@@ -12,6 +12,7 @@
 #include "vek0core/entities/blockgraph.h"
 #include "vek0core/entities/blockxref.h"
 #include "vek0core/entities/entinsert.h"
+#include "xref/xrefjournal.h"
 
 namespace vek0::detail {
 namespace {
@@ -49,9 +50,10 @@ void retireOthers(const CData& data, CBlockXRef& xref, const Items& items) {
                [&](const CStyle& style) { return isKept(style) || style.isStandard(); });
 }
 
-XRefContent::XRefContent(CData& data, CBlockXRef& xref, const CData& src, Items& present)
-    : m_data(data), m_xref(xref), m_src(src), m_present(present) {
-  xref.reinstate([](const CNamedItem&) { return true; });  // to be found again by name
+XRefContent::XRefContent(CData& data, CBlockXRef& xref, const CData& src, Items& present,
+                         XRefJournal& journal)
+    : m_data(data), m_xref(xref), m_src(src), m_present(present), m_journal(journal) {
+  m_journal.reinstate(xref);  // to be found again by name
   adoptFixed();
   adoptStyles();
 }
@@ -76,10 +78,10 @@ void XRefContent::adoptStyles() {
   for (int i = 0; i < from.size(); ++i) {
     CStyle* style = to.get(from[i]->getName());
     if (style != nullptr) {
+      m_journal.keep(*style);
       style->setMemento(CStyleMemento(*from[i]));
     } else {
-      style = orThrow(m_data.getStyleFactory().create(*from[i]));
-      to.add(style);
+      style = m_journal.add(to, m_data.getStyleFactory().create(*from[i]));
     }
     style->setFont(fontHere(from[i]->getFont()));
     m_map.add(from[i], style);
@@ -90,12 +92,12 @@ void XRefContent::adoptStyles() {
 void XRefContent::adoptItem(const CLtype& from, CBlockXRef& to, const zim::WString& name) {
   CLtype* ltype = to.getLtypeTable().get(name);
   if (ltype == nullptr) {
-    ltype = orThrow(m_data.getLtypeFactory().createXRef(to, name, from.getDesc(),
-                                                        cloneDashes(from, m_map), from.getFlags()));
-    to.getLtypeTable().add(ltype);
+    ltype = m_journal.add<CLtypeTable, CLtype>(
+        to.getLtypeTable(),
+        m_data.getLtypeFactory().createXRef(to, name, from.getDesc(), cloneDashes(from, m_map),
+                                            from.getFlags()));
   } else if (&to == &m_xref) {
-    ltype->setDesc(from.getDesc());
-    ltype->GetDashSeq() = cloneDashes(from, m_map);
+    m_journal.define(*ltype, from.getDesc(), cloneDashes(from, m_map));
   }
   m_map.add(&from, ltype);
   m_present.insert(ltype);
@@ -107,10 +109,12 @@ void XRefContent::adoptItem(const CLayer& from, CBlockXRef& to, const zim::WStri
   CLayer* layer = to.getLayerTable().get(name);
   const bool isNew = layer == nullptr;
   if (isNew) {
-    layer =
-        orThrow(m_data.getLayerFactory().createXRef(to, name, look.ltype, look.color, look.flags));
+    layer = m_journal.add<CLayerTable, CLayer>(
+        to.getLayerTable(),
+        m_data.getLayerFactory().createXRef(to, name, look.ltype, look.color, look.flags));
     layer->setLineWidth(look.width);
-    to.getLayerTable().add(layer);
+  } else {
+    m_journal.keep(*layer);
   }
   if (layer->isXRef() && (&to == &m_xref || isNew)) static_cast<CLayerXRef*>(layer)->follow(look);
   m_map.add(&from, layer);
@@ -154,16 +158,18 @@ void XRefContent::fill() {
   m_src.getBlockTable().getBlockGraph().VisitUndep(collected);
   CBlockXRef::Blocks blocks;
   for (const CBlock* from : collected.blocks) {
-    CBlock& block = *blocks.emplace_back(orThrow(
+    blocks.emplace_back();
+    blocks.back().reset(orThrow(
         m_data.getBlockFactory().create(from->getName(), from->getPnt(), from->getFlags())));
+    CBlock& block = *blocks.back();
     m_map.add(from, &block);
     for (unsigned i = 0; i < from->size(); ++i)
-      if (isShown(*(*from)[i])) block.restore(cloneOnto(m_data, m_map, *(*from)[i]).release());
+      if (isShown(*(*from)[i])) give(block, cloneOnto(m_data, m_map, *(*from)[i]));
   }
   std::vector<std::unique_ptr<CEnt>> entities;
   for (const CEnt* ent : m_src.getEntTable().getEntityTbl())
     if (isShown(*ent)) entities.push_back(cloneOnto(m_data, m_map, *ent));
-  m_xref.setContent(std::move(entities), std::move(blocks));
+  m_journal.setContent(m_xref, {std::move(entities), std::move(blocks)});
 }
 
 }  // namespace vek0::detail

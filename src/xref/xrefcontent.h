@@ -12,6 +12,8 @@ class ICADFont;
 
 namespace vek0::detail {
 
+class XRefJournal;
+
 using Items = std::unordered_set<const CNamedItem*>;
 
 /// Adds the layers and linetypes that what a reference shows is on.
@@ -22,13 +24,14 @@ void retireOthers(const CData& data, CBlockXRef& xref, const Items& items);
 /// Makes what another drawing holds the content of a reference: its model space and blocks,
 /// on dependent layers, linetypes and styles.
 ///
-/// Throws `std::bad_alloc`; the reference then has the content that it had. Items that its
+/// Throws `std::bad_alloc`; what has changed by then is in the journal. Items that its
 /// content had before and has no more are left to `retireOthers`: other references may have
 /// content on them.
 class XRefContent {
  public:
   /// `present` receives the items that the content is on, of whichever reference.
-  XRefContent(CData& data, CBlockXRef& xref, const CData& src, Items& present);
+  XRefContent(CData& data, CBlockXRef& xref, const CData& src, Items& present,
+              XRefJournal& journal);
 
   /// What inserts of a reference of the other drawing show here; null: they are left out.
   /// To be called for every such reference before `adopt`.
@@ -52,6 +55,7 @@ class XRefContent {
   const CData& m_src;
   ItemMap m_map;
   Items& m_present;
+  XRefJournal& m_journal;
   std::vector<std::pair<const CBlockXRef*, CBlockXRef*>> m_nested;  // there and here, or null
 };
 

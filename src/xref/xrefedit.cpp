@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "drawing/everyentity.h"
+#include "drawing/itemuse.h"
 #include "vek0core/drawing/functions.h"
 
 namespace vek0::detail {
@@ -79,8 +80,10 @@ bool leaveLtypes(CData& data, CUndoStack& undo, const XRefs& going,
 }
 
 bool removeXRefs(CData& data, CUndoStack& undo, const XRefs& going) {
-  for (CStyle* style : namedAfter(data, data.getStyleTable(), going)) undo.remove(style);
-  for (CBlock* block : namedAfter(data, data.getBlockTable(), going)) undo.remove(block);
+  for (CStyle* style : namedAfter(data, data.getStyleTable(), going))
+    if (!isUsed(data, *style) && !undo.remove(style)) return false;
+  for (CBlock* block : namedAfter(data, data.getBlockTable(), going))
+    if (block->getEntities() <= 0 && !undo.remove(block)) return false;
   for (CBlockXRef* xref : going)
     if (!undo.remove(xref)) return false;
   return true;

@@ -70,8 +70,11 @@ bool detachXRefs(CData& data, CUndoStack& undo, const std::vector<CBlockXRef*>& 
   return false;
 }
 
-bool setXRefPath(CUndoStack& undo, CBlockXRef& xref, const zim::WString& path) {
+bool setXRefPath(CUndoStack& undo, CBlockXRef& xref, const zim::WString& path) try {
+  xref.reservePath(path.Length());
   if (!undo.keep(xref)) return false;
   xref.setPath(path);
   return true;
+} catch (const std::bad_alloc&) {
+  return false;
 }

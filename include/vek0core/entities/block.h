@@ -149,6 +149,9 @@ class VEK0_API CBlock : public CNamedItem {
   explicit CBlock(const zim::WString& name);
   CBlock(const zim::WString& name, const PNT_3D& base, long flags);
 
+  /// Has these entities instead of its own, which it lets go of. Allocates nothing.
+  void swapEntities(std::vector<CEnt*>& entities);
+
   /// Sets the base point and leaves the entities where they are.
   void setOrigin(const PNT_3D& base) { m_base = base; }
 

@@ -51,6 +51,8 @@ class VEK0_API CBlockXRef : public CBlock {
   /// File name of the drawing as the file that refers to it says.
   const zim::WString& getPath() const { return m_path; }
   void setPath(const zim::WString& path) { m_path = path; }
+  /// Makes room for a path of that length, which can then be set without memory.
+  void reservePath(std::size_t length) { m_path.reserve(length); }
   Status getStatus() const { return m_status; }
   void setStatus(Status status) { m_status = status; }
   bool isOverlay() const { return (getFlags() & kOverlay) != 0; }
@@ -73,6 +75,22 @@ class VEK0_API CBlockXRef : public CBlock {
   CStyleTable& getStyleTable() { return m_styles; }
 
   using Blocks = std::vector<std::unique_ptr<CBlock>>;
+  /// What a reference shows, apart from it. Owns the entities.
+  class VEK0_API Content {
+   public:
+    /// Throws `std::bad_alloc`.
+    Content(std::vector<std::unique_ptr<CEnt>> entities, Blocks blocks);
+    Content(Content&&) noexcept = default;
+    Content& operator=(const Content&) = delete;
+    ~Content();
+
+   private:
+    friend class CBlockXRef;
+    std::vector<CEnt*> m_entities;
+    Blocks m_blocks;
+    std::vector<CBlockXRef*> m_nested;
+    unsigned long m_number = 0;  // among the reference's contents; 0: it has not had it yet
+  };
   /// The blocks of the content, each after those that it inserts.
   const Blocks& getBlocks() const { return m_blocks; }
   /// The references that the content shows, each once.
@@ -82,12 +100,28 @@ class VEK0_API CBlockXRef : public CBlock {
   /// Gives the reference another content, which it takes over; what it had is deleted. Throws
   /// `std::bad_alloc` with nothing changed.
   void setContent(std::vector<std::unique_ptr<CEnt>> entities, Blocks blocks);
+  /// The same; `content` gets what the reference had. Given back, that is what it was. Needs no
+  /// memory.
+  void exchange(Content& content);
+
+  /// What a reference says of itself, name and items aside.
+  struct Head {
+    zim::WString path, file;
+    Status status;
+    PNT_3D base, ownBase;
+    long flags;
+  };
+  Head getHead() const { return {m_path, m_file, m_status, getPnt(), m_ownBase, getFlags()}; }
+  /// Throws `std::bad_alloc`; going back to what the reference has been needs no memory.
+  void setHead(const Head& head);
 
   /// Takes an item out of its table and keeps it as long as itself, since undo steps of the
   /// drawing may name it. A layer loses its linetype, a linetype its texts.
   void retire(CLayer* layer);
   void retire(CLtype* ltype);  ///< likewise
   void retire(CStyle* style);  ///< likewise
+  /// Makes room for all items, so that retiring them needs no memory.
+  void reserveRetired();
   /// Puts the retired items for which `isWanted(item)` holds back into their tables, layers on
   /// Continuous unless something gave them a linetype meanwhile. The others lose such again.
   template <class IsWanted>
@@ -97,7 +131,7 @@ class VEK0_API CBlockXRef : public CBlock {
     reinstate(m_retiredStyles, isWanted);
   }
 
-  /// How often it was given content: what changed since is gone with what it changed.
+  /// Number of the content that it was given last: what changed in another one is gone with it.
   unsigned long getNoContents() const { return m_noContents; }
 
  protected:
@@ -149,6 +183,7 @@ class VEK0_API CBlockXRef : public CBlock {
   std::vector<CBlockXRef*> m_nested;
   long m_shows = 0;
   unsigned long m_noContents = 0;
+  unsigned long m_lastContent = 0;
 };
 
 /// Which external references a drawing's inserts use, and how often.
@@ -225,6 +260,7 @@ class VEK0_API CLayerXRef : public CLayer {
   void follow(const Look& look);
   /// What the other drawing said last.
   const std::optional<Look>& getTold() const { return m_told; }
+  void setTold(const std::optional<Look>& told) { m_told = told; }
 
  protected:
   friend class CLayerFactory;

@@ -56,7 +56,8 @@ struct CXRefOptions {
 /// All drawings together may have ten times as many lines of hatches as one hatch may have
 /// (`CData::getHatchLimit`); hatches beyond keep their boundaries.
 ///
-/// Answers how many references are not loaded afterwards. Linear in what is read.
+/// Answers how many references are not loaded afterwards. Linear in what is read. Throws
+/// `std::bad_alloc` with nothing changed.
 VEK0_API int resolveXRefs(CData& data, IXRefResolver& resolver, const CXRefOptions& options);
 
 /// The same for one reference of the drawing and what it refers to; answers whether it is

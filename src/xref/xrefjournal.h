@@ -1,0 +1,60 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "vek0core/entities/blockxref.h"
+
+namespace vek0::detail {
+
+/// What resolving has changed in a drawing, to be taken back when memory ends before it is done.
+/// Taking back needs no memory.
+class XRefJournal {
+ public:
+  XRefJournal() = default;
+  XRefJournal(const XRefJournal&) = delete;
+  XRefJournal& operator=(const XRefJournal&) = delete;
+  /// Takes everything back unless it is `done`.
+  ~XRefJournal();
+
+  /// Everything stays, and what it has taken the place of is deleted.
+  void done() { m_changes.clear(); }
+
+  /// Puts what a factory has made into a table and answers it.
+  template <class Table, class Item>
+  Item* add(Table& table, Item* made) {
+    if (made == nullptr) throw std::bad_alloc();
+    std::unique_ptr<Item> item(made);
+    const auto takeOut = [&table, made] {
+      table.remove(made);
+      delete made;
+    };
+    change(takeOut, [&] { table.add(made); });
+    return item.release();
+  }
+
+  /// Before changes of a reference's path, flags, base points, file and status.
+  void keep(CBlockXRef& xref);
+  void keep(CStyle& style);
+  void keep(CLayer& layer);
+  void define(CLtype& ltype, const zim::WString& desc, CLtypeComplexDashSeq dashes);
+  void setContent(CBlockXRef& xref, CBlockXRef::Content content);
+  /// Puts the reference's retired items back into its tables.
+  void reinstate(CBlockXRef& xref);
+
+ private:
+  /// Throws only before anything has changed.
+  template <class Back, class Make>
+  void change(const Back& back, const Make& make) {
+    std::function<void()> kept(back);
+    m_changes.emplace_back();
+    make();
+    m_changes.back() = std::move(kept);
+  }
+
+  std::vector<std::function<void()>> m_changes;  // empty where one was not made
+};
+
+}  // namespace vek0::detail
