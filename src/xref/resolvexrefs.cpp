@@ -255,12 +255,11 @@ class Resolving {
     const zim::WString name = firstFree(namesakes, nested.getName());
     if (CBlockXRef* xref = findAmong(namesakes, nested, place, job)) return *xref;
     if (name != nested.getName()) note("reference renamed", nested, job.xref->getName());
-    return *m_journal.add(
-        m_data.getBlockXRefTable(),
-        m_data.getBlockFactory().createXRef(m_data.getLtypeContinuous(), m_data.getLtypeByLayer(),
-                                            m_data.getLtypeByBlock(), m_data.getLayer0(), name,
-                                            nested.getPath(), nested.getPnt(),
-                                            nested.getFlags() | kDependent));
+    return *m_journal.add(m_data.getBlockXRefTable(),
+                          m_data.getBlockFactory().createXRef(
+                              m_data.getLtypeContinuous(), m_data.getLtypeByLayer(),
+                              m_data.getLtypeByBlock(), m_data.getLayer0(), name, nested.getPath(),
+                              nested.getPnt(), nested.getFlags() | kDependent));
   }
 
   // The first name that is free; those before it become known.

@@ -99,7 +99,8 @@ bool addedKinds(CData& data, CUndoStack& undo) {
     for (CBlock* owner : {static_cast<CBlock*>(nullptr), into}) {
       CEnt* line = createEntLine(data, LINE_3D(0, 0, 0, 1, 2, 0), 0);
       if (!added(data, undo, line, owner)) return false;
-      CEnt* insert = createEntInsertXRef(data, *xref, PNT_3D(3, 4, 0), 1, 1, 1, 0, 1, 1, 0, 0, 0);
+      CEnt* insert = createEntInsertXRef(data, data.getDepend(), *xref, PNT_3D(3, 4, 0), 1, 1, 1, 0,
+                                         1, 1, 0, 0, 0);
       if (!added(data, undo, insert, owner)) return false;
       CEnt* hatch = createEntHatch(data, *getHatch(zim::WString(u"ANSI31")), 10, 0, square, 0);
       if (!added(data, undo, hatch, owner)) return false;
