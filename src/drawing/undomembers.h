@@ -3,6 +3,7 @@
 // What comes into a drawing and goes out of it. While it is out, the action owns it.
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "drawing/undoaction.h"
@@ -46,9 +47,13 @@ class Membership : public UndoAction {
 /// An entity of model space.
 class EntMembership final : public Membership<CEnt> {
  public:
-  EntMembership(CEnt& ent, bool isIn) : Membership(ent, isIn), m_slots(isIn ? 0 : 1) {}
+  // The slot first: it can fail, and then the entity is not yet this action's.
+  EntMembership(CEnt& ent, bool isIn) : EntMembership(ent, isIn, CEntTable::Slots(isIn ? 0 : 1)) {}
 
  private:
+  EntMembership(CEnt& ent, bool isIn, CEntTable::Slots slots)
+      : Membership(ent, isIn), m_slots(std::move(slots)) {}
+
   void take(CData& data) override;
   void put(CData& data) override;
 

@@ -83,7 +83,7 @@ bool added(CData& data, CUndoStack& undo, CEnt* made, CBlock* into) {
     static_cast<void>(ent.release());
     return true;
   }
-  const CEntHatch* hatch = castHatch(made);
+  const CEntHatch* hatch = made != nullptr ? castHatch(made) : nullptr;
   std::unique_ptr<CBlock> block(hatch != nullptr ? hatch->getBlock() : nullptr);
   if (block) data.getBlockTable().remove(block.get());
   return false;
