@@ -332,7 +332,7 @@ vek0::Handle CFileDXFOVisitor::writeHandle(vek0::Handle handle) {
 // Follows from the rest of the text, and so from what readers get of that: else it would move
 // once more when what was read is saved.
 PNT_3D CFileDXFOVisitor::basePoint(const TEXT_3D& text) const {
-  if (text.getAlign() == 0) return text.getBasePoint();
+  if (text.getAlign() == 0) return text;
   const auto asRead = [this](double value) { return m_exchange ? value : sixDecimals(value); };
   TEXT_3D read(text);
   read.set(asRead(text.x), asRead(text.y), text.z);
