@@ -14,7 +14,10 @@ else()
     # Failed checks print paths inside the project, wherever it was built.
     -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=
     $<$<BOOL:${VEK0_WERROR}>:-Werror>)
-  if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(i[3-6]86|x86)$")
+  # Asked of the compiler: -m32 and cross compilers make CMAKE_SYSTEM_PROCESSOR wrong.
+  include(CheckCXXSymbolExists)
+  check_cxx_symbol_exists(__i386__ "" VEK0_IS_I386)
+  if(VEK0_IS_I386)
     # The old floating point unit keeps extra bits that exact comparisons then see.
     target_compile_options(vek0_flags INTERFACE -msse2 -mfpmath=sse)
   endif()

@@ -1,23 +1,34 @@
 #include "argumentvalues.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
 
 namespace vek0::tool {
 
+namespace {
+
+// Decimal and nothing else. By the C library, for not every `std::from_chars` knows doubles.
+std::optional<double> numberIn(const std::string& text) {
+  if (text.find_first_not_of("0123456789.eE+-") != std::string::npos) return std::nullopt;
+  char* end = nullptr;
+  const double value = std::strtod(text.c_str(), &end);
+  if (text.empty() || *end != '\0' || !std::isfinite(value)) return std::nullopt;
+  return value;
+}
+
+}  // namespace
+
 std::optional<std::vector<double>> numbersIn(std::string_view text, char separator) {
   std::vector<double> numbers;
-  const char *at = text.data(), *end = at + text.size();
   while (true) {
-    double value = 0;
-    const auto [next, failure] = std::from_chars(at, end, value);
-    if (failure != std::errc() || !std::isfinite(value)) return std::nullopt;
-    numbers.push_back(value);
-    if (next == end) return numbers;
-    if (*next != separator) return std::nullopt;
-    at = next + 1;
+    const std::size_t length = std::min(text.find(separator), text.size());
+    const std::optional<double> number = numberIn(std::string(text.substr(0, length)));
+    if (!number) return std::nullopt;
+    numbers.push_back(*number);
+    if (length == text.size()) return numbers;
+    text.remove_prefix(length + 1);
   }
 }
 
@@ -26,6 +37,13 @@ bool parseNumbers(std::string_view text, char separator, double* values, std::si
   if (!numbers || numbers->size() != count) return false;
   std::copy(numbers->begin(), numbers->end(), values);
   return true;
+}
+
+std::string lowered(std::string text) {
+  for (char& c : text) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return text;
 }
 
 std::optional<std::vector<std::string>> splitUnquoted(std::string_view text, char at) {

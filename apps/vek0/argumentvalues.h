@@ -15,6 +15,9 @@ std::optional<std::vector<double>> numbersIn(std::string_view text, char separat
 /// Whether the text is `count` such numbers, which are then in `values`.
 bool parseNumbers(std::string_view text, char separator, double* values, std::size_t count);
 
+/// The text with the letters A to Z in lower case.
+std::string lowered(std::string text);
+
 /// Cuts a text at a character, but not inside "double quotes", which stay where they are;
 /// nothing when one is not closed. One part at least.
 std::optional<std::vector<std::string>> splitUnquoted(std::string_view text, char at);

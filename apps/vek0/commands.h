@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
+#include <vector>
 
 namespace vek0::tool {
 
@@ -37,6 +38,10 @@ struct Session {
   /// are whole lines below it, made of texts that are `visible`.
   static void complain(const std::string& message, const std::string& details = "");
 };
+
+/// Runs the tool and returns its exit code. `arguments` do not have the program's name; they are
+/// UTF-8, or whatever bytes names of the platform have.
+int runTool(const std::vector<std::string>& arguments);
 
 /// Each adds one verb with its options and help; `session` must outlive `app`.
 void addInfoCommand(CLI::App& app, Session& session);

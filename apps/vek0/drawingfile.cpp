@@ -29,6 +29,9 @@ std::unique_ptr<IFile> keptStandardInput() {
 }
 
 std::unique_ptr<IFile> openStandardInput(bool isKept) {
+#ifdef _WIN32
+  isKept = true;
+#endif
   auto direct = std::make_unique<CFileStdLib>(zim::WString::fromUtf8(kStandardInput), kRead);
   if (isKept || !direct->open()) return keptStandardInput();
   direct->close();

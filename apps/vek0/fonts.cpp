@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "argumentvalues.h"
 #include "vek0core/drawing/data.h"
 #include "zim0lang/utf8.h"
 #include FT_FREETYPE_H
@@ -61,13 +62,6 @@ constexpr struct {
     {"txt",      kTechnicalFamily      },
     {"verdanab", "Verdana"             },
 };
-
-std::string lowered(std::string text) {
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
 
 bool takeExtension(std::string& name, std::string_view extension) {
   if (name.size() < extension.size() ||

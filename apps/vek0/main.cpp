@@ -9,9 +9,12 @@
 
 #include "commands.h"
 #include "drawingfile.h"
-#include "multibyte.h"
 #include "terminal.h"
 #include "vek0core/vek0core.h"
+
+#ifdef VEK0_RENDER
+#include "multibyte.h"
+#endif
 
 namespace vek0::tool {
 
@@ -53,7 +56,7 @@ bool isUnknownVerb(const CLI::App& app, const std::string& word) {
   return true;
 }
 
-int runTool(int argc, char** argv) {
+int parseAndRun(std::vector<std::string> arguments) {
   CLI::App app{
       "vek0 reads, describes, draws, edits, merges and writes DXF drawings.\n\n"
       "Examples:\n"
@@ -82,7 +85,6 @@ int runTool(int argc, char** argv) {
       "Exit codes: 0 all well, 1 a drawing failed, 2 wrong usage, 3 an output could not be "
       "written.");
 
-  std::vector<std::string> arguments(argv + 1, argv + argc);
   if (!arguments.empty() && arguments[0] == "help") {
     arguments.erase(arguments.begin());
     arguments.emplace_back("--help");
@@ -103,21 +105,28 @@ int runTool(int argc, char** argv) {
 }
 
 }  // namespace
-}  // namespace vek0::tool
 
-int main(int argc, char** argv) {
+int runTool(const std::vector<std::string>& arguments) {
   try {
     initCore();
-    setMultiByteDecoder(vek0::tool::decodeMultiByte);
-    setAssertHandler(vek0::tool::reportAssertion);
+#ifdef VEK0_RENDER
+    setMultiByteDecoder(decodeMultiByte);
+#endif
+    setAssertHandler(reportAssertion);
     CFontTable::getInstance().addPlainDefault();
-    const int code = vek0::tool::runTool(argc, argv);
+    const int code = parseAndRun(arguments);
     shutdownCore();
-    if (vek0::tool::flushOutput()) return code;
-    vek0::tool::Session::complain("the standard output cannot be written");
-    return vek0::tool::kOutputFailed;
+    if (flushOutput()) return code;
+    Session::complain("the standard output cannot be written");
+    return kOutputFailed;
   } catch (const std::exception& problem) {
-    vek0::tool::Session::complain(problem.what());
-    return vek0::tool::kDrawingFailed;
+    Session::complain(problem.what());
+    return kDrawingFailed;
   }
 }
+
+}  // namespace vek0::tool
+
+#ifndef _WIN32
+int main(int argc, char** argv) { return vek0::tool::runTool({argv + 1, argv + argc}); }
+#endif

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <random>
 #include <utility>
 
@@ -18,10 +19,18 @@ constexpr long kWrite = 2;
 
 // Name of the temporary file for the signal handler, which may only read plain
 // memory; one output is open at a time.
-char g_unfinished[4096];
+std::filesystem::path::value_type g_unfinished[4096];
+
+void removeUnfinished() {
+#ifdef _WIN32
+  _wremove(g_unfinished);
+#else
+  std::remove(g_unfinished);
+#endif
+}
 
 void removeAndEnd(int signal) {
-  if (g_unfinished[0]) std::remove(g_unfinished);
+  if (g_unfinished[0]) removeUnfinished();
   std::_Exit(128 + signal);
 }
 
@@ -30,8 +39,8 @@ void endCleanlyOn(int signal) {
   if (std::signal(signal, removeAndEnd) == SIG_IGN) std::signal(signal, SIG_IGN);
 }
 
-void watchForInterruption(const std::string& temporary) {
-  if (temporary.size() >= sizeof g_unfinished) return;
+void watchForInterruption(const std::filesystem::path::string_type& temporary) {
+  if (temporary.size() >= std::size(g_unfinished)) return;
   temporary.copy(g_unfinished, temporary.size());
   g_unfinished[temporary.size()] = 0;
   endCleanlyOn(SIGINT);
@@ -73,7 +82,7 @@ OutputFile::OutputFile(const std::string& path, bool force, Content content)
   m_error = faultOf(path, force);
   if (!m_error.empty()) return;
   m_temporary = temporaryFor(m_target);
-  watchForInterruption(m_temporary.string());
+  watchForInterruption(m_temporary.native());
   createTemporary();
   auto file = std::make_unique<CFileStdLib>(toName(m_temporary), kWrite);
   if (content == Bytes) file->setLineEnd(CFileStdLib::Lf);
@@ -125,7 +134,7 @@ bool OutputFile::commit() {
   std::filesystem::permissions(m_temporary, m_permissions, failure);
   std::filesystem::rename(m_temporary, m_target, failure);
   if (failure) {
-    m_error = "'" + m_target.string() + "' cannot be written: " + failure.message();
+    m_error = "'" + toUtf8(m_target) + "' cannot be written: " + failure.message();
     return false;
   }
   m_temporary.clear();

@@ -16,6 +16,16 @@ inline std::filesystem::path toPath(const std::string& argument) {
 #endif
 }
 
+/// A path in UTF-8, or whatever bytes names of the platform have.
+inline std::string toUtf8(const std::filesystem::path& path) {
+#ifdef _WIN32
+  const std::u8string text = path.u8string();
+  return std::string(text.begin(), text.end());
+#else
+  return path.native();
+#endif
+}
+
 /// The name that the library's files take.
 inline zim::WString toName(const std::filesystem::path& path) {
 #ifdef _WIN32

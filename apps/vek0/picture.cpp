@@ -21,22 +21,10 @@ constexpr double kMaxPageMm = 5080;
 // Coordinates on a sheet stay exact to the last digit that is written.
 constexpr double kMaxUnits = 1e7;
 
-std::string lowered(std::string text) {
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
-
 bool takePrefix(std::string& text, const std::string& prefix) {
   if (text.compare(0, prefix.size(), prefix) != 0) return false;
   text.erase(0, prefix.size());
   return true;
-}
-
-bool isFinite(const RECT_2D& r) {
-  return std::isfinite(r.min.x) && std::isfinite(r.min.y) && std::isfinite(r.max.x) &&
-         std::isfinite(r.max.y);
 }
 
 // A rectangle that has an area: what is shown is at least a point in the middle of it.

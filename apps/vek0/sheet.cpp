@@ -35,6 +35,11 @@ constexpr struct {
 
 }  // namespace
 
+bool isFinite(const RECT_2D& rect) {
+  return std::isfinite(rect.min.x) && std::isfinite(rect.min.y) && std::isfinite(rect.max.x) &&
+         std::isfinite(rect.max.y);
+}
+
 std::optional<SHEET_SIZE> parseSize(const std::string& text) {
   const bool mm = endsWith(text, "mm", 2), px = endsWith(text, "px", 2);
   double sides[2];

@@ -31,6 +31,9 @@ struct SHEET_SIZE {
   bool mm = false;  ///< millimetres, else pixels
 };
 
+/// Whether all four sides are finite.
+bool isFinite(const RECT_2D& rect);
+
 /// "1600x1200", "297x210mm"; nothing for anything else.
 std::optional<SHEET_SIZE> parseSize(const std::string& text);
 /// "A4" (upright) or "WxH" in millimetres, with or without the unit.

@@ -73,11 +73,6 @@ DrawText inMeasuresOf(const DrawText& text, const FaceFont& font, const ICADFont
   return result;
 }
 
-bool isFinite(const RECT_2D& r) {
-  return std::isfinite(r.min.x) && std::isfinite(r.min.y) && std::isfinite(r.max.x) &&
-         std::isfinite(r.max.y);
-}
-
 }  // namespace
 
 void SheetPainter::text(const DrawText& text) {

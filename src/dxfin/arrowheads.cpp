@@ -15,7 +15,7 @@ constexpr double kHalfWidth = 1.0 / 6;  // of a head, in its length
 
 // The block that the style names for an end: by handle, or else by name.
 zim::WString blockName(const DimStyle& style, const DimStyles& styles, int end) {
-  vek0::Handle handle = DimStyle::kBlockHandle, name = DimStyle::kBlock;
+  long handle = DimStyle::kBlockHandle, name = DimStyle::kBlock;
   if (end == ArrowHeads::kLeader) {
     handle = DimStyle::kLeaderHandle;
   } else if (style.isSet(DimStyle::kEndsDiffer)) {

@@ -226,6 +226,7 @@ zim::WString CXRefFolders::getState(const zim::WString& file) {
   if (failure) return {};
   const auto changed = fs::last_write_time(pathOf(file), failure);
   if (failure) return {};
-  return zim::WString::fromUtf8(std::to_string(size) + " " +
-                                std::to_string(changed.time_since_epoch().count()));
+  // Some platforms count with 128 bits, which no `to_string` takes.
+  const auto ticks = static_cast<long long>(changed.time_since_epoch().count());
+  return zim::WString::fromUtf8(std::to_string(size) + " " + std::to_string(ticks));
 }
