@@ -26,7 +26,7 @@ constexpr double kPointsPerInch = 72;
 constexpr long kMaxSide = 32767;
 constexpr double kMaxPixels = 150e6;  // an A0 sheet at 300 pixels an inch
 // A path is stroked after that many points: the cost of a stroke grows faster than its
-// length, and what overlaps has the same colour. That of a fill does not, and the strips
+// length, and what overlaps has the same color. That of a fill does not, and the strips
 // of a solid hatch have to stay together, or the background shines through their seams.
 constexpr std::size_t kStrokePoints = 512, kFillPoints = 1 << 16;
 

@@ -37,7 +37,7 @@ std::string readJoin(const std::string& text, EditStep& step);     ///< a tolera
 std::string readOffset(const std::string& text, EditStep& step);
 
 std::string readSetLayer(const std::string& text, EditStep& step);  ///< a name
-/// A number from 0 to 256 or a colour's name, BYLAYER and BYBLOCK among them.
+/// A number from 0 to 256 or a color's name, BYLAYER and BYBLOCK among them.
 std::string readSetColor(const std::string& text, EditStep& step);
 std::string readSetLtype(const std::string& text, EditStep& step);  ///< a name
 
@@ -52,7 +52,7 @@ std::string readPurge(const std::string& text, EditStep& step);  ///< without a 
 /// The step `work`, but failing when nothing is chosen.
 EditStep onChosen(EditStep work);
 
-/// The layer of that name; a new one like `model`, or of colour 7 when that is null, when
+/// The layer of that name; a new one like `model`, or of color 7 when that is null, when
 /// there is none. Null without memory, for a pattern, and for a layer of an external
 /// reference that does not exist: only the reference could make it.
 CLayer* needLayer(Editing& editing, const zim::WString& name, const CLayer* model);

@@ -8,7 +8,7 @@ namespace vek0::tool {
 namespace {
 
 constexpr std::uint32_t kFull = 256;             // coverage of a pixel that is all covered
-constexpr std::uint32_t kLanes = 0x00FF00FF;     // two parts of a colour, 16 bits each
+constexpr std::uint32_t kLanes = 0x00FF00FF;     // two parts of a color, 16 bits each
 constexpr std::uint32_t kRounding = 0x00800080;  // halves of both
 
 // The pixels of 0 to count - 1 whose middles lie in [low, high]; false when there are none.

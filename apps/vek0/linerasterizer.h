@@ -49,7 +49,7 @@ class LineRasterizer {
   std::ptrdiff_t m_stride;
   double m_reach;     // of a stroke's middle: how far away pixels are touched
   double m_strength;  // of full coverage, below 1 for thin lines
-  std::uint32_t m_redBlue = 0, m_alphaGreen = 0;  // of the colour, each in 16 bits
+  std::uint32_t m_redBlue = 0, m_alphaGreen = 0;  // of the color, each in 16 bits
   std::vector<std::uint16_t> m_mask;              // coverage by the chain at hand, everywhere
   struct Place {
     std::uint32_t* pixel;

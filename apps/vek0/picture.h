@@ -26,11 +26,11 @@ struct PICTURE_OPTIONS {
   std::optional<SHEET_SIZE> size;   ///< of the whole picture
   bool turnable = false;            ///< the size is that of paper, which lies as it suits
   std::optional<bool> landscape;    ///< how the paper is to lie in any case
-  std::optional<double> scale;      ///< paper millimetres per millimetre of the drawing
+  std::optional<double> scale;      ///< paper millimeters per millimeter of the drawing
   double unitMm = 1;                ///< what a drawing unit means
   std::optional<RECT_2D> window;    ///< part of the view's plane to show
-  std::optional<double> margin;     ///< millimetres on paper, else pixels
-  std::optional<double> lineWidth;  ///< millimetres
+  std::optional<double> margin;     ///< millimeters on paper, else pixels
+  std::optional<double> lineWidth;  ///< millimeters
   double dpi = 150;                 ///< of images of paper
 };
 

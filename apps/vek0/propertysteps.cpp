@@ -16,7 +16,7 @@ StepOutcome setAll(Editing& editing, const std::string& what, const Set& set) {
   return StepOutcome::done(countedEntities(editing.chosen.size()) + what);
 }
 
-// The number of a colour's name or of its digits; -1 for others.
+// The number of a color's name or of its digits; -1 for others.
 short colorOf(const zim::WString& name) {
   for (short color = 0; color <= 256; ++color) {
     if (zim::equalsIgnoreCase(name, CColors::getInstance()[color]) ||

@@ -68,7 +68,7 @@ std::string scaleComplaint(const std::string& text) {
   return "'" + text + "' can mean two scales: say 1:" + text + " or " + text + ":1";
 }
 
-// What a drawing unit is: as the options say, else as the file does, else a millimetre.
+// What a drawing unit is: as the options say, else as the file does, else a millimeter.
 std::string unitOf(const RenderOptions& options, const ReadResult& result) {
   const char* stated = unitName(result.outcome.units);
   if (!options.unit.empty()) return options.unit;
@@ -211,7 +211,7 @@ class Renderer {
     picture.sheet.background = m_drawOptions.background;
     picture.sheet.transparent = m_options.background == kNoBackground;
     if (in != "-") picture.sheet.title = fileTitle(in);
-    // A tenth of a pixel is not seen; on paper, neither are two hundredths of a millimetre.
+    // A tenth of a pixel is not seen; on paper, neither are two hundredths of a millimeter.
     const double line = picture.sheet.lineWidth, unit = picture.sheet.unitMm;
     m_drawOptions.chordError = picture.sheet.paper ? 0.02 / unit : 0.1;
     m_drawOptions.penReach = std::max(1.0, line);

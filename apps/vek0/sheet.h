@@ -11,14 +11,14 @@ namespace vek0::tool {
 constexpr double kMmPerInch = 25.4;
 /// Pixels per inch as style sheets count them.
 constexpr double kCssDpi = 96;
-/// Paper is counted in hundredths of a millimetre.
+/// Paper is counted in hundredths of a millimeter.
 constexpr double kPaperUnitMm = 0.01;
 
 /// What a picture is drawn on.
 struct SHEET {
   long width = 0, height = 0;            ///< device units: pixels, or `kPaperUnitMm` on paper
   double unitMm = kMmPerInch / kCssDpi;  ///< size of a device unit
-  bool paper = false;                    ///< measured in millimetres
+  bool paper = false;                    ///< measured in millimeters
   double lineWidth = 1;                  ///< device units
   RGB_COLOR background{255, 255, 255};
   bool transparent = false;  ///< the background is not painted
@@ -28,7 +28,7 @@ struct SHEET {
 /// A size as people give it.
 struct SHEET_SIZE {
   double width = 0, height = 0;
-  bool mm = false;  ///< millimetres, else pixels
+  bool mm = false;  ///< millimeters, else pixels
 };
 
 /// Whether all four sides are finite.
@@ -36,9 +36,9 @@ bool isFinite(const RECT_2D& rect);
 
 /// "1600x1200", "297x210mm"; nothing for anything else.
 std::optional<SHEET_SIZE> parseSize(const std::string& text);
-/// "A4" (upright) or "WxH" in millimetres, with or without the unit.
+/// "A4" (upright) or "WxH" in millimeters, with or without the unit.
 std::optional<SHEET_SIZE> parsePaper(const std::string& text);
-/// Millimetres on paper for a drawing unit of one millimetre: "1:50" gives 0.02, "2:1"
+/// Millimeters on paper for a drawing unit of one millimeter: "1:50" gives 0.02, "2:1"
 /// gives 2. A single number is none: people mean either by it.
 std::optional<double> parseScale(const std::string& text);
 /// "x1,y1,x2,y2", two opposite corners.

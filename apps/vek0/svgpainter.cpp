@@ -486,7 +486,7 @@ void SvgPainter::plainArc(const PNT_2D& center, double radius, double startRad, 
   }
   startPath(false);
   // More than half a turn in two parts: rounded ends that nearly meet would leave the
-  // centre of one arc open.
+  // center of one arc open.
   m_path.move(at(startRad));
   if (std::abs(sweepRad) > std::numbers::pi) {
     m_path.arc(radius, sweepRad > 0, at(startRad + sweepRad / 2));
@@ -505,7 +505,7 @@ void SvgPainter::addRing(SvgPath& path, const PNT_2D* points, std::size_t count,
 void SvgPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
                            FillRule rule) {
   reach(boxOf(points, ends[rings - 1]), true);
-  // The strips of a filled face in one path: as neighbours, each with soft edges, they
+  // The strips of a filled face in one path: as neighbors, each with soft edges, they
   // would let the background shine through.
   const bool unites = rule == FillRule::NonZero;
   if (unites)

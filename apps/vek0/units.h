@@ -16,7 +16,7 @@ const char* unitName(long code);
 /// The names that `unitInMetres` knows.
 std::vector<std::string> unitNames();
 
-/// Length of a unit in metres; nothing for a name that is none.
+/// Length of a unit in meters; nothing for a name that is none.
 std::optional<double> unitInMetres(std::string_view name);
 
 /// Makes everything in model space `factor` (more than 0) times as large about the origin,

@@ -84,7 +84,7 @@ class Walk {
   std::size_t m_next = 1;       // end of the segment reached
 };
 
-// The parts of the way that the window shows. Those of neighbouring segments are one
+// The parts of the way that the window shows. Those of neighboring segments are one
 // when the corner between them is seen.
 std::vector<Stretch> seenStretches(const PatternWay& way, const Walk& walk) {
   double widest = 0;

@@ -128,7 +128,7 @@ void Walker::strokeWay(bool closed) {
   if (!layPattern(*dashes, patternScale(), way, *this)) drawChain(m_way, false);
 }
 
-// Segments without width are strokes, however wide their neighbours are.
+// Segments without width are strokes, however wide their neighbors are.
 void Walker::drawChain(const std::vector<WIDE_VERTEX>& points, bool closed) {
   const auto end = points.end() - (closed || points.empty() ? 0 : 1);
   const auto wide = std::count_if(points.begin(), end, isWide);

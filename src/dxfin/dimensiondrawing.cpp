@@ -187,7 +187,7 @@ void DimensionDrawing::drawOrdinate() {
 
 // -- circles ---------------------------------------------------------------------
 
-// Inside the circle a line up to it, from the centre or right across; a text outside draws the
+// Inside the circle a line up to it, from the center or right across; a text outside draws the
 // line to itself.
 void DimensionDrawing::drawRadius() {
   setColor(DimStyle::kLineColor);
@@ -236,7 +236,7 @@ bool DimensionDrawing::findCenter(PNT_3D& center) const {
   return std::isfinite(center.x) && std::isfinite(center.y);
 }
 
-// The sector that holds the point on the arc; nothing when there is no centre.
+// The sector that holds the point on the arc; nothing when there is no center.
 DimensionDrawing::Sweep DimensionDrawing::sweep() const {
   Sweep arc;
   if (!findCenter(arc.center)) return arc;

@@ -28,7 +28,7 @@ constexpr Default kDefaults[] = {
     {DimStyle::kTextLevel,      1     },
     {74,                        1     }, // texts outside are level
     {DimStyle::kTextHeight,     0.18  },
-    {141,                       0.09  }, // centre marks
+    {141,                       0.09  }, // center marks
     {143,                       25.4  }, // factor of alternate units
     {DimStyle::kFactor,         1     },
     {146,                       1     }, // size of tolerances

@@ -40,7 +40,7 @@ struct Pattern {
 /// by itself.
 ///
 /// A catalogue pattern of that name is meant only if it has the same lines, up to one
-/// factor that goes into the scale: files in millimetres carry the inch patterns 25.4
+/// factor that goes into the scale: files in millimeters carry the inch patterns 25.4
 /// times as large under the same names. Otherwise the record's own lines are kept in
 /// `types`, rounded to 1e-9 degrees and 1e-10 of the family's size, so that hatches of the
 /// same pattern share it whatever their scale and angle. A name that nothing is known about gives a

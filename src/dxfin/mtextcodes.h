@@ -55,11 +55,11 @@ struct MTextContent {
   std::vector<MTextParagraph> paragraphs;
   std::vector<MTextPiece> pieces;
   std::vector<std::u16string> dropped;  ///< codes that nothing here can show, each once
-  long approximatedColors = 0;          ///< true colours that became the nearest number
+  long approximatedColors = 0;          ///< true colors that became the nearest number
 };
 
 /// Takes a text with its codes apart: `\P` line, `\N` column, `\~` blank that holds, braces
-/// around what a code is limited to, `\H` height, `\W` width, `\Q` slant, `\C` colour, `\A`
+/// around what a code is limited to, `\H` height, `\W` width, `\Q` slant, `\C` color, `\A`
 /// alignment, `\L` `\O` `\K` lines along the letters, `\S` stacks, `\p` paragraphs, `^I`
 /// and its like, `\U+XXXX`. `text` is as it stands in the file but for its code page;
 /// `base` is how it looks before any code. What is no code stays as it stands.

@@ -12,7 +12,7 @@ namespace {
 
 constexpr long kReferenced = 64;  // bit of code 70 in tables: of no use in memory
 constexpr long kOfXRef = 16;      // likewise: the item belongs to an external reference
-constexpr long kLayerOff = 128;   // our own bit for a colour below 0
+constexpr long kLayerOff = 128;   // our own bit for a color below 0
 constexpr long kWhite = 7;
 constexpr long kShapeFile = 1;  // STYLE: not a text font
 constexpr double kInfinity = std::numeric_limits<double>::infinity();

@@ -27,7 +27,7 @@ bool isTransparent(long value) {
 }
 
 // Whether the current pair changes what an entity is or looks like and has no place in a
-// drawing: thickness, linetype scale, visibility, line weight, true colour, its name,
+// drawing: thickness, linetype scale, visibility, line weight, true color, its name,
 // transparency, and other programs' data. Values that say nothing are no loss: a weight below
 // 0 is that of the layer, the block or none.
 bool isLoss(const CFileDXFILexer& lexer) {

@@ -122,7 +122,7 @@ class RecordReader {
   bool spareNumber(const char* cost = "number dropped");
 
   const Record& record() const { return m_record; }
-  /// Changes the colour of what is built from now on.
+  /// Changes the color of what is built from now on.
   void setColor(short color) { m_record.color = color; }
   bool isTolerant() const { return m_context.options.policy.tolerant; }
   const ReadContext& context() const { return m_context; }

@@ -10,7 +10,7 @@ namespace vek0::detail {
 /// SOLID and TRACE: a filled 3D face.
 EntPtr readSolid(RecordReader& in);
 /// MLINE: polylines along each of the parallel lines, one for each piece that it is cut
-/// into; without the ends, fills and colours of its style.
+/// into; without the ends, fills and colors of its style.
 EntPtr readMultiline(RecordReader& in);
 /// MESH: the faces before subdivision, as 3D faces.
 EntPtr readSubdivisionMesh(RecordReader& in);

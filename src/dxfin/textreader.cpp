@@ -18,7 +18,7 @@ constexpr CodeSet kTextVital{10, 20};
 constexpr long kInvisibleAttrib = 1;
 // Code 71.
 constexpr long kBackward = 2, kUpsideDown = 4;
-// Code 72 beyond left, centre and right.
+// Code 72 beyond left, center and right.
 constexpr long kAligned = 3, kMiddle = 4, kFit = 5;
 constexpr long kVertMiddle = 2;
 

@@ -28,7 +28,7 @@ namespace {
 
 constexpr long kLayerFrozen = 1, kLayerOff = 128;
 constexpr long kShapeStyle = 1;
-// What a layer's code 70 holds; being off is a negative colour, the rest is ours.
+// What a layer's code 70 holds; being off is a negative color, the rest is ours.
 constexpr long kFlagBits = 0x7F;
 // The letter A: the pattern is fitted to the ends of a line.
 constexpr long kAlignment = 65;

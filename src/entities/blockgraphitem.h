@@ -59,7 +59,7 @@ struct alignas(128) BlockGraphItem {
   CBlock* block = nullptr;
   CBlockGraph* graph = nullptr;
   std::uint64_t collected = 0;  // number of the last collection of distinct items
-  // The neighbours in the order, and the place in the graph's list.
+  // The neighbors in the order, and the place in the graph's list.
   BlockGraphItem* before = nullptr;
   BlockGraphItem* after = nullptr;
   BlockGraphItem* nextTold = nullptr;  // of those that wait to hear of a change

@@ -16,7 +16,7 @@ constexpr int kFewChords = 8;
 PNT_3D posOf(const BULGED_VERTEX& v) { return PNT_3D(v.x, v.y, v.z); }
 
 // The arc from one given vertex to the next, seen from its start. Nothing here uses
-// the centre: a flat arc has it so far away that the digits of the arc are lost.
+// the center: a flat arc has it so far away that the digits of the arc are lost.
 class Arc {
  public:
   Arc(const BULGED_VERTEX& from, const BULGED_VERTEX& to)
@@ -56,7 +56,7 @@ class Arc {
       for (int k = 1; k < n; ++k) box.updateRegion(pntAt(k, n));
       return;
     }
-    // Seen from the centre the start lies at `start`; the arc is extreme where the
+    // Seen from the center the start lies at `start`; the arc is extreme where the
     // angle passes a multiple of a quarter turn. With so many chords each spans
     // some 0.03 radians, so no vertex but the two around can reach as far.
     const double start =

@@ -50,7 +50,7 @@ struct BlockLook {
 /// stay inserts when their axes stay square, and become what they show otherwise; hatches
 /// stay hatches when the matrix keeps angles and does not mirror, solid ones when it flattens
 /// nothing, and become what their blocks hold otherwise. Attribute definitions have no copy. A null
-/// look leaves colours and linetypes.
+/// look leaves colors and linetypes.
 class EntPlacer final : public IEntVisitor {
  public:
   EntPlacer(EntMaker& maker, const CEntInsertMatrix& matrix, const BlockLook* look, int depth);

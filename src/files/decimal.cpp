@@ -118,7 +118,7 @@ Decimal shortestDecimal(double value) {
   const int biased = static_cast<int>(image >> kFractionBits);
   const std::uint64_t c = biased == 0 ? fraction : fraction | kHiddenBit;
   const int q = std::max(biased, 1) - kBias;
-  // Below a power of two the neighbour is half as far.
+  // Below a power of two the neighbor is half as far.
   const bool isLowerNear = fraction == 0 && biased > 1;
   const int k = isLowerNear ? floorLog10OfThreeQuarters(q) : floorLog10OfPower2(q);
   const int shift = q + floorLog2OfPower10(-k) + 1;

@@ -279,7 +279,7 @@ constexpr double kLeastHuge = 1e17;
 // Most coordinates: whole, or with at most six decimals.
 char* putFewDecimals(char* out, double value) {
   if (value < kLeastPlain || value >= kFifteenDigits / kMillion) return nullptr;
-  constexpr double kHalf = 0.5;  // a wrong neighbour does not pass the test that follows
+  constexpr double kHalf = 0.5;  // a wrong neighbor does not pass the test that follows
   const auto scaled = static_cast<std::uint64_t>(value * kMillion + kHalf);
   if (static_cast<double>(scaled) / kMillion != value) return nullptr;
   out = putWhole(out, scaled / kMillion);

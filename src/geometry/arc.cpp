@@ -45,7 +45,7 @@ double chordAngle(double error) { return error > 0 ? 2 * std::acos(1 - std::min(
 // Multiplies the vector by the complex number c + i*s.
 void turnBy(PNT_2D& v, double c, double s) { v.set(v.x * c - v.y * s, v.x * s + v.y * c); }
 
-// We walk from chord to chord, each turned by `step` from the one before. The centre stays
+// We walk from chord to chord, each turned by `step` from the one before. The center stays
 // out of it: that of a flat arc is so far away that the arc's digits are lost.
 void appendInnerPoints(const PNT_3D& p0, const PNT_3D& p1, double bulge, std::vector<PNT_3D>& out) {
   const double angle = 4 * std::atan(bulge);
@@ -185,7 +185,7 @@ bool createArcFromBulge(const PNT_3D& p0, const PNT_3D& p1, double bulge, ARC_3D
   const double hx = (p1.x - p0.x) / 2, hy = (p1.y - p0.y) / 2;
   const double h = std::sqrt(hx * hx + hy * hy);
   const double ux = hx / h, uy = hy / h;
-  // Signed distance of the centre from the chord's middle, to the left.
+  // Signed distance of the center from the chord's middle, to the left.
   const double d = h / std::tan(2 * std::atan(bulge));
   const PNT_3D centre(p0.x + ux * h - d * uy, p0.y + uy * h + d * ux, (p0.z + p1.z) / 2);
   const double a0 = centre.angle(p0), a1 = centre.angle(p1);

@@ -17,7 +17,7 @@ long give(const PNT_2D& a, const PNT_2D& b, long count, PNT_2D* p1, PNT_2D* p2) 
   return count;
 }
 
-// Half the chord that a line at `distance` from the centre cuts off; negative when
+// Half the chord that a line at `distance` from the center cuts off; negative when
 // the line misses the circle, 0 when it touches.
 double halfChord(double radius, double distance) {
   const double r = std::fabs(radius);
@@ -34,7 +34,7 @@ bool onSegment(double& t) {
   return t >= 0 && t <= 1;
 }
 
-// Circumcentre of a triangle, relative to its first corner (a and b are the others).
+// Circumcenter of a triangle, relative to its first corner (a and b are the others).
 bool circumcentre(const PNT_2D& a, const PNT_2D& b, PNT_2D& centre) {
   const double cross = a.x * b.y - a.y * b.x;
   const double aa = a.x * a.x + a.y * a.y, bb = b.x * b.x + b.y * b.y;
@@ -115,7 +115,7 @@ long CIRCLE_3D::intersect(const CIRCLE_3D& other, PNT_2D* p1, PNT_2D* p2) const 
   const double tolerance = touchTolerance(std::max(r1, r2));
   if (!(d > tolerance && d <= r1 + r2 + tolerance && d >= std::fabs(r1 - r2) - tolerance)) return 0;
   const bool outside = d >= r1 + r2 - tolerance, within = d <= std::fabs(r1 - r2) + tolerance;
-  // Distance of the common chord from this centre, along the line of centres. Touching
+  // Distance of the common chord from this center, along the line of centers. Touching
   // circles have none; nearly equal ones would get it far off the circle.
   double a = (r1 - r2) * (r1 + r2) / (2 * d) + d / 2;
   if (outside || within) a = outside || r1 > r2 ? r1 : -r1;

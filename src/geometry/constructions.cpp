@@ -24,7 +24,7 @@ PNT_2D toward(const PNT_2D& from, const PNT_2D& to, double length) {
   return {from.x + (to.x - from.x) / d * length, from.y + (to.y - from.y) / d * length};
 }
 
-// The lines or circles on which the centres lie of all circles that touch an edge.
+// The lines or circles on which the centers lie of all circles that touch an edge.
 std::vector<EDGE_3D> centreWays(const EDGE_3D& edge, double radius) {
   if (edge.isArc()) {
     const double full = 6.283185307179586;
@@ -39,8 +39,8 @@ std::vector<EDGE_3D> centreWays(const EDGE_3D& edge, double radius) {
   return {left, right};
 }
 
-// Where a circle of that centre and radius touches the edge's line or circle: of the two
-// points of a circle in line with the centre, the one that is a radius away.
+// Where a circle of that center and radius touches the edge's line or circle: of the two
+// points of a circle in line with the center, the one that is a radius away.
 PNT_2D contact(const EDGE_3D& edge, const PNT_2D& centre, double radius) {
   if (!edge.isArc()) return edge.at(edge.paramOf(centre));
   const PNT_2D near = toward(edge.center, centre, edge.radius);
@@ -146,7 +146,7 @@ int pntTang(const PNT_2D& p, const CIRCLE_3D& circle, PNT_2D& t1, PNT_2D& t2) {
     t1.set(p.x, p.y);
     return 1;
   }
-  // Seen from the centre, the chord of contact is r * r / d away.
+  // Seen from the center, the chord of contact is r * r / d away.
   const double along = r / d * r, across = r / d * std::sqrt((d - r) * (d + r));
   const PNT_2D u((p.x - centre.x) / d, (p.y - centre.y) / d);
   t1.set(centre.x + u.x * along + u.y * across, centre.y + u.y * along - u.x * across);
@@ -171,7 +171,7 @@ int lineTang(const CIRCLE_3D& a, const CIRCLE_3D& b, LINE_2D (&lines)[4]) {
   if (!std::isfinite(d + ra + rb) || !(d > tolerance)) return 0;
   const PNT_2D u((to.x - from.x) / d, (to.y - from.y) / d);
   int count = 0;
-  // A tangent's normal makes the same angle with the line of centres at both circles: the
+  // A tangent's normal makes the same angle with the line of centers at both circles: the
   // one whose cosine is the difference of the signed radii over d.
   for (const double signedB : {rb, -rb}) {
     const double difference = ra - signedB;

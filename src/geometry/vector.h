@@ -7,7 +7,7 @@
 
 namespace vek0::detail {
 
-/// How near two distances to a circle's centre are when they count as touching.
+/// How near two distances to a circle's center are when they count as touching.
 inline double touchTolerance(double radius) { return 1e-12 * std::max(1.0, std::fabs(radius)); }
 
 /// Coordinates beyond it, in drawing units, are refused where squares and products have to

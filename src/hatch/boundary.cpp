@@ -20,7 +20,7 @@ std::size_t closingPoint(const Points& boundary, std::size_t first) {
   return i;
 }
 
-// The ring without equal neighbours and without the point that closes it; empty when
+// The ring without equal neighbors and without the point that closes it; empty when
 // fewer than three points are left.
 Points cleaned(const PNT_3D* first, std::size_t count) {
   Points ring;

@@ -277,7 +277,7 @@ bool crossing(const PNT_2D& a, const PNT_2D& b, double y, double& x) {
   return true;
 }
 
-// The level midway between two vertexes where the distance from one to the next is largest.
+// The level midway between two vertices where the distance from one to the next is largest.
 double clearLevel(const HATCH_RING& ring) {
   std::vector<double> levels;
   levels.reserve(ring.size());
@@ -290,7 +290,7 @@ double clearLevel(const HATCH_RING& ring) {
   return levels[best - 1] / 2 + levels[best] / 2;
 }
 
-// A point well inside: vertexes and edges may be shared with other rings.
+// A point well inside: vertices and edges may be shared with other rings.
 PNT_2D insidePoint(const HATCH_RING& ring) {
   const double y = clearLevel(ring);
   std::vector<double> xs;

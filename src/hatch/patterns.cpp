@@ -4,7 +4,7 @@
 
 // The rows are those of the ordinary public pattern definition files, in the same order of
 // columns: angle, base point, offset along the line and across it, dashes; inches, but
-// millimetres for the ISO patterns. Irrational lengths keep the digits that the definitions
+// millimeters for the ISO patterns. Irrational lengths keep the digits that the definitions
 // print, even where the last ones look wrong: lines of other programs run there too.
 //
 // Angles are degrees * 0.01745329251994 to thirteen decimals, kept as literals instead of

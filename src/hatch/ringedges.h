@@ -13,7 +13,7 @@ struct RingEdge {
 };
 
 /// The edges of all rings of a boundary, ring after ring, each closed. Empty for rings of
-/// fewer than three different neighbours.
+/// fewer than three different neighbors.
 std::vector<RingEdge> ringEdges(const std::vector<PNT_3D>& boundary);
 
 /// Whether all coordinates of the plane are finite and not beyond 1e150, so that products

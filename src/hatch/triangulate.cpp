@@ -12,10 +12,10 @@
 
 // A line sweeps over the boundary from bottom to top. It keeps the sides that it cuts in
 // their order from left to right, which changes only where a side ends, starts or crosses
-// its neighbour; between two such places the inside is made of trapezoids.
+// its neighbor; between two such places the inside is made of trapezoids.
 //
 // Coordinates round, so sides that nearly touch may stand in the wrong order for a while.
-// Nothing relies on the order: neighbours that stand in another one than they should at this
+// Nothing relies on the order: neighbors that stand in another one than they should at this
 // height are exchanged at once. How they should stand changes once at most, where they cross,
 // so no two sides are exchanged more than twice for it. The sweep ends, and its errors are
 // as wide as the rounding.
@@ -243,7 +243,7 @@ class SolidSweep {
     if (next != m_places.begin()) watch(std::prev(next));
   }
 
-  // Looks in both directions at once: as a rule they are neighbours.
+  // Looks in both directions at once: as a rule they are neighbors.
   bool isLeftOf(Places::iterator a, Places::iterator b) const {
     for (auto back = a, ahead = a;;) {
       if (ahead != m_places.end() && ++ahead == b) return true;

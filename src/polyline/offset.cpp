@@ -46,7 +46,7 @@ class Parallel {
     if (m_rays.size() == 1) m_closed = false;
     if (m_closed) {
       add(pts, n - 1, 0);
-      // Once more, so that the corner where the chain closes is one of two neighbours.
+      // Once more, so that the corner where the chain closes is one of two neighbors.
       add(pts, 0, 1);
     }
     shift(dist);

@@ -40,7 +40,7 @@ struct Span {
   double from, to;
 };
 
-// A parallel of an edge, or what joins those of neighbours.
+// A parallel of an edge, or what joins those of neighbors.
 struct Piece {
   EDGE_3D edge;
   std::size_t source;  // the edge, or the edge that begins at the corner
@@ -58,7 +58,7 @@ class Offset {
     const double farthest = std::max(
         {std::fabs(box.min.x), std::fabs(box.min.y), std::fabs(box.max.x), std::fabs(box.max.y)});
     m_margin = kDepth * dist + kRounding * m_size + kPlaces * farthest;
-    // Neighbours that meet at so flat an angle that neither is too near to the other may
+    // Neighbors that meet at so flat an angle that neither is too near to the other may
     // overlap by this: an angle t makes d * t / 2 of it, at a depth of d * t * t / 4.
     m_meeting = 4 * std::sqrt(m_margin * dist);
     takeEdges(path);
@@ -139,7 +139,7 @@ class Offset {
     }
   }
 
-  // False for an arc whose centre is reached: what is beyond is nearer to its ends.
+  // False for an arc whose center is reached: what is beyond is nearer to its ends.
   bool offsetEdge(EDGE_3D& edge) const {
     if (edge.isArc()) {
       const double radius = edge.radius + (edge.sweep > 0 ? m_dist : -m_dist);
@@ -187,7 +187,7 @@ class Offset {
   void keepOutside(const Piece& piece, const BoxIndex& edges, const BoxIndex& mitres) {
     m_piece = &piece;
     m_spans.assign(1, Span{0, 1});
-    // Neighbours swallow most of what a winding path swallows at all.
+    // Neighbors swallow most of what a winding path swallows at all.
     for (std::size_t k = 1; k <= std::min(kNearby, count() - 1) && !m_spans.empty(); ++k) {
       leaveEdge((piece.source + k) % count());
       if (!m_spans.empty()) leaveEdge((piece.source + count() - k) % count());

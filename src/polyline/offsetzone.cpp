@@ -10,7 +10,7 @@
 namespace vek0::detail {
 namespace {
 
-constexpr double kEndShare = 1e-12;  // of an edge, beyond its ends: neighbours leave no seam
+constexpr double kEndShare = 1e-12;  // of an edge, beyond its ends: neighbors leave no seam
 constexpr double kOutside = -std::numeric_limits<double>::infinity();
 
 double turned(double angle) {
@@ -82,7 +82,7 @@ void EdgeCuts::addLine(const PNT_2D& a, const PNT_2D& b) {
     return;
   }
   const double length = std::sqrt(dot(d, d));
-  const double off = cross(d, m_edge.center - a) / length;  // of the centre, to the left
+  const double off = cross(d, m_edge.center - a) / length;  // of the center, to the left
   if (!(std::fabs(off) <= m_edge.radius)) return;
   const double toFoot = std::atan2(-d.x, d.y), half = std::acos(off / m_edge.radius);
   addAngle(toFoot + half);

@@ -51,7 +51,7 @@ std::vector<Segment> segmentsOf(const std::vector<WIDE_VERTEX>& vertexes, bool c
   return segments;
 }
 
-// Where the lines through the sides of two neighbours cross, how far along each side (0 at
+// Where the lines through the sides of two neighbors cross, how far along each side (0 at
 // its start, 1 at its end), and to which side they turn there.
 struct Crossing {
   PNT_3D at;

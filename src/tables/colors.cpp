@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr long kFirstText = 10025;  // of colour 0; 1 to 7 follow
+constexpr long kFirstText = 10025;  // of color 0; 1 to 7 follow
 constexpr long kByLayerText = 10024;
 constexpr int kNamed = 8;
 

@@ -179,7 +179,7 @@ class Resolving {
     return false;
   }
 
-  // What is wrong; null also for what is cancelled, which is left as it was.
+  // What is wrong; null also for what is canceled, which is left as it was.
   const char* read(const Job& job) {
     for (int reading = 0; reading < kReadings; ++reading) {
       const zim::WString state = m_resolver.getState(job.place.file);
@@ -339,7 +339,7 @@ class Resolving {
     m_options.report->add(code, 0, prefix + xref.getName() + u": " + xref.getPath());
   }
 
-  // What changed may be inside of anything. Nothing goes where reading was cancelled: what was
+  // What changed may be inside of anything. Nothing goes where reading was canceled: what was
   // not read anew may be on it.
   void settle() {
     for (CBlockXRef* xref : m_read) xref->reserveRetired();

@@ -276,7 +276,7 @@ TEST(DrawIndex, AFrameLooksAtLittleMoreThanItShows) {
   }
 }
 
-// A box too large to be mapped tells nothing of its neighbours.
+// A box too large to be mapped tells nothing of its neighbors.
 TEST(DrawIndex, HugeEntitiesHideNothing) {
   Scene scene;
   for (int i = 0; i < 100; ++i) scene.line(i * 100, 0, i * 100 + 50, 50);

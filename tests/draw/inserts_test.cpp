@@ -132,7 +132,7 @@ TEST(Inserts, AHatchHidesWithItsLayer) {
   EXPECT_FALSE(scene.draw().things.empty());
 }
 
-// Linetypes follow the rules of colours.
+// Linetypes follow the rules of colors.
 TEST(Inserts, LinetypesComeFromOutside) {
   enum Which { None, ByLayer, ByBlock, Dashed };
   const struct {

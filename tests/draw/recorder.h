@@ -19,7 +19,7 @@ namespace vek0::test {
 /// One thing that a painter was given.
 struct Thing {
   enum Kind { Stroke, Arc, Fill, Dot, Text } kind;
-  std::vector<PNT_2D> points;     ///< of an arc the centre, of a text the start of its line
+  std::vector<PNT_2D> points;     ///< of an arc the center, of a text the start of its line
   std::vector<std::size_t> ends;  ///< of the rings of a fill
   FillRule rule{};                ///< likewise
   bool closed = false;

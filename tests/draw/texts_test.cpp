@@ -147,7 +147,7 @@ TEST(Texts, LinesUnderAndOverThem) {
   }
 }
 
-// Centred is what is read, not what is written.
+// Centerd is what is read, not what is written.
 TEST(Texts, CodesDoNotCountForJustification) {
   Scene scene;
   const Recorder drawn = draw(scene, u"%%uab%%068", 0, 1, 0, 2);

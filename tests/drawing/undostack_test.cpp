@@ -172,7 +172,7 @@ TEST(UndoStack, RollbackTakesTheWholeStepBack) {
   EXPECT_EQ(undo.getNoUndo(), 1u);
 }
 
-// The second entity from the front has to come back between its neighbours.
+// The second entity from the front has to come back between its neighbors.
 TEST(UndoStack, TheOrderOfDrawingComesBack) {
   const Drawing data = newDrawing();
   CUndoStack undo(*data);

@@ -443,7 +443,7 @@ TEST(Tolerant, CurvesInOtherPlanesBecomeChains) {
       const Loaded got = loadAnyEntities(curve + plane);
       CEntPolyline* chain = castPolyline(got.only());
       ASSERT_NE(chain, nullptr);
-      // The centre is as far from the origin in every plane, and the points from both.
+      // The center is as far from the origin in every plane, and the points from both.
       const double fromOrigin = std::sqrt(3.0 * 3 + 4 * 4 + 5 * 5);
       int count = 0;
       chain->forEachVisible([&](const PNT_3D& p, double, double, double, long) {

@@ -1,4 +1,4 @@
-// What tolerant reading makes of colours, radii, curves, attributes and names.
+// What tolerant reading makes of colors, radii, curves, attributes and names.
 #include <gtest/gtest.h>
 
 #include "support/dxftext.h"
@@ -55,7 +55,7 @@ TEST(TolerantLook, TrueColorsBecomeTheNearest) {
   EXPECT_EQ(severityOf("color approximated"), ReportSeverity::Change);
 }
 
-// The law of the search: no other colour of the palette is nearer.
+// The law of the search: no other color of the palette is nearer.
 TEST(TolerantLook, EveryPaletteColorIsNearestToItself) {
   for (int i = 1; i < 256; ++i)
     EXPECT_EQ(paletteColor(nearestPaletteColor(paletteColor(i))), paletteColor(i)) << i;

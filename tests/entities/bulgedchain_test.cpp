@@ -103,7 +103,7 @@ TEST(BulgedChain, ChordVerticesLieOnTheArcOfTheBulge) {
 }
 
 TEST(BulgedChain, FlatArcsKeepTheirDigits) {
-  // Radius 2.5e11: seen from the centre, everything about this arc would be noise.
+  // Radius 2.5e11: seen from the center, everything about this arc would be noise.
   BulgedChain chain(false);
   chain.add(vertex(0, 0, 1e-12));
   chain.add(vertex(1, 0));

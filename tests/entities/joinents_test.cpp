@@ -59,7 +59,7 @@ double lengthOf(const CEnt& ent) {
 }
 
 TEST_F(Join, EitherEndEitherWay) {
-  segment(PNT_3D(10, 0, 0), PNT_3D(20, 0, 0), 3);  // first: its colour and direction
+  segment(PNT_3D(10, 0, 0), PNT_3D(20, 0, 0), 3);  // first: its color and direction
   segment(PNT_3D(30, 5, 0), PNT_3D(20, 0, 0));     // onwards, reversed
   segment(PNT_3D(0, 5, 0), PNT_3D(10, 0, 0));      // before it
   segment(PNT_3D(0, 5, 0), PNT_3D(-10, 5, 0));     // before that, reversed

@@ -132,7 +132,7 @@ TEST(ArcChords, CountForAngles) {
   }
 }
 
-// Against the points by their angles from the centre, in long double.
+// Against the points by their angles from the center, in long double.
 TEST(BulgePoints, LieOnTheArcAtEqualSteps) {
   std::mt19937 random(42);
   std::uniform_real_distribution<double> real(-1, 1);
@@ -162,7 +162,7 @@ TEST(BulgePoints, LieOnTheArcAtEqualSteps) {
   }
 }
 
-// An arc of 1e-7 radians has its centre 1e7 chords away; its points must not jump.
+// An arc of 1e-7 radians has its center 1e7 chords away; its points must not jump.
 TEST(BulgePoints, FlatArcsKeepTheirDigits) {
   const std::vector<PNT_3D> points = chordsOf(PNT_3D(0, 0, 0), PNT_3D(2, 0, 0), 2.5e-8);
   ASSERT_EQ(points.size(), 2u);

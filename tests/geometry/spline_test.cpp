@@ -378,7 +378,7 @@ TEST(SplineFit, StraightLinesStayStraight) {
     EXPECT_NEAR(c.y, 2 * c.x, 1e-14);
     EXPECT_NEAR(c.z, 3 * c.x, 1e-14);
   }
-  EXPECT_EQ(chordsOf(s, 1e-9).size(), 4u);  // the equal neighbours counted once
+  EXPECT_EQ(chordsOf(s, 1e-9).size(), 4u);  // the equal neighbors counted once
 }
 
 TEST(SplineFit, RefusesWhatIsNoPath) {

@@ -82,7 +82,7 @@ class AreaMaker {
   }
   int whole(int from, int to) { return std::uniform_int_distribution<int>(from, to)(m_random); }
 
-  /// Simple and as a rule concave, seen whole from its centre.
+  /// Simple and as a rule concave, seen whole from its center.
   Points star(int corners, double x, double y, double innerRadius, double outerRadius) {
     Points ring;
     for (int i = 0; i < corners; ++i) {

@@ -396,7 +396,7 @@ TEST(CatalogueCorpus, AgreesWithPublicDefinitions) {
     for (const Definition& definition : readDefinitions(entry.path())) {
       const HATCH_TYPE* type = getHatch(zim::WString::fromUtf8(definition.name));
       if (!type) continue;
-      // Metric files carry the same patterns in millimetres.
+      // Metric files carry the same patterns in millimeters.
       EXPECT_TRUE(agrees(*type, definition.rows, 1) || agrees(*type, definition.rows, 25.4))
           << definition.name << " in " << entry.path();
       ++confirmed[type];

@@ -1,4 +1,4 @@
-// Putting things back between their old neighbours, in arrays that were closed up meanwhile.
+// Putting things back between their old neighbors, in arrays that were closed up meanwhile.
 #include "tables/holes.h"
 
 #include <gtest/gtest.h>

@@ -125,7 +125,7 @@ std::string groups(const XmlReader& xml) {
   return result;
 }
 
-// An image's size and how often each colour occurs in it.
+// An image's size and how often each color occurs in it.
 struct Image {
   explicit Image(const fs::path& path) {
     cairo_surface_t* png = cairo_image_surface_create_from_png(path.c_str());
@@ -143,7 +143,7 @@ struct Image {
     const auto at = colors.find(color);
     return at == colors.end() ? 0 : at->second;
   }
-  // Pixels that are no shade of grey.
+  // Pixels that are no shade of gray.
   int hues() const {
     int result = 0;
     for (const auto& [color, number] : colors) {
@@ -220,7 +220,7 @@ std::string line(const std::string& layer, double x1, double y1, double x2, doub
   return out.str();
 }
 
-// An entity with a colour of its own.
+// An entity with a color of its own.
 std::string colored(int color, std::string entity) {
   return entity + "62\n" + std::to_string(color) + "\n";
 }
@@ -626,7 +626,7 @@ TEST_F(Render, ViewsShowTheAxes) {
 }
 
 // A fill hides what came before it and is hidden by what comes behind it, whatever their
-// layers; lines of one colour commute.
+// layers; lines of one color commute.
 TEST_F(Render, GroupingKeepsWhatCovers) {
   const std::string wide =
       "0\nLWPOLYLINE\n100\nAcDbPolyline\n5\nF\n8\nFILL\n90\n2\n43\n20\n"

@@ -54,7 +54,7 @@ void expectTurnsBack(CData& data, CUndoStack& undo, const Edit& edit) {
   }
 }
 
-// Exploding leaves what is on layer "0" there, so colours change.
+// Exploding leaves what is on layer "0" there, so colors change.
 Lines endsOf(Lines lines) {
   for (std::string& line : lines) line.resize(line.find("color"));
   std::sort(lines.begin(), lines.end());

@@ -66,7 +66,7 @@ inline std::string drawingOf(const std::string& layers, const std::string& block
          section("ENTITIES", entities) + dxf();
 }
 
-/// Every line that the drawing shows, in place and colour, sorted: what blocks, references
+/// Every line that the drawing shows, in place and color, sorted: what blocks, references
 /// and arrays come to.
 class LinesShown {
  public:

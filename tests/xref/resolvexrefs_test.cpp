@@ -52,7 +52,7 @@ TEST(ResolveXRefs, ShowsWhatDrawingsAndTheirReferencesHold) {
   const auto line = [](const char* ends, int color) {
     return std::string(ends) + "color " + std::to_string(color) + " dashes 0";
   };
-  // The sheet's colour of the dependent layer, layer 0 as the insert, BYBLOCK, nested layers.
+  // The sheet's color of the dependent layer, layer 0 as the insert, BYBLOCK, nested layers.
   EXPECT_THAT(lines, Contains(line("100.000000 0.000000 110.000000 0.000000 ", 6)));
   EXPECT_THAT(lines, Contains(line("100.000000 0.000000 100.000000 10.000000 ", 2)));
   EXPECT_THAT(lines, Contains(line("105.000000 0.000000 105.000000 4.000000 ", 1)));

@@ -9,9 +9,9 @@
 
 /// How a drawing is to be shown.
 struct DRAW_OPTIONS {
-  /// Colour 7 is black or white, whichever is seen on it.
+  /// Color 7 is black or white, whichever is seen on it.
   RGB_COLOR background{255, 255, 255};
-  /// Everything in the colour that is seen on the background.
+  /// Everything in the color that is seen on the background.
   bool mono = false;
   /// How far chords may leave their curve, in device units.
   double chordError = 0.1;
@@ -47,7 +47,7 @@ struct DRAW_RESULT {
 
 /// Emits what the window shows of model space, in drawing order, to the painter: inserts
 /// with all their cells and attributes, linetypes as dashes, widths as fills, texts, hatches.
-/// What the drawing's tables say of layers and colours is looked up, BYLAYER and BYBLOCK
+/// What the drawing's tables say of layers and colors is looked up, BYLAYER and BYBLOCK
 /// through all levels of nesting.
 ///
 /// Entities whose extents lie outside the window cost a comparison (for drawing again and
@@ -63,6 +63,6 @@ DRAW_RESULT drawData(const CData& data, const IProjector& projector, const CWndV
 RECT_2D drawnExtents(const CData& data, const IProjector& projector,
                      const DRAW_OPTIONS& options = {});
 
-/// The ordinary palette of 255 colours; 7 and anything else outside 1 to 255 is black or
+/// The ordinary palette of 255 colors; 7 and anything else outside 1 to 255 is black or
 /// white, whichever is seen on the background.
 RGB_COLOR paletteColor(int index, const RGB_COLOR& background);

@@ -16,7 +16,7 @@ class CStyle;
 class VEK0_API CDataVariables {
  public:
   /// Upper right corner of the drawing limits. New drawings have an A3 sheet in
-  /// millimetres, 420 by 297.
+  /// millimeters, 420 by 297.
   const PNT_2D& getLimMax() const { return m_limMax; }
   void setLimMax(const PNT_2D& p) { m_limMax = p; }
   /// Lower left corner of the drawing limits.

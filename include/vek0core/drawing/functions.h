@@ -34,7 +34,7 @@ class TEXT_3D;
 /// Start hook; does nothing.
 VEK0_API void initCore();
 
-/// Releases the font table and the colour names of the process. To be called after the
+/// Releases the font table and the color names of the process. To be called after the
 /// last drawing is gone: drawings name the fonts. Debug builds assert it.
 VEK0_API void shutdownCore();
 
@@ -98,12 +98,12 @@ VEK0_API void removeLtype(CData& data, const zim::WString& name);
 VEK0_API void removeLayer(CData& data, const zim::WString& name);
 VEK0_API void removeStyle(CData& data, const zim::WString& name);
 
-// --- Variables, colours, names, handles
+// --- Variables, colors, names, handles
 
 VEK0_API double getLtypeScale(const CData& data);
 VEK0_API void setLtypeScale(CData& data, double scale);
 
-/// The colour that is drawn: `blockColor` for 0 (BYBLOCK), the layer's for 256
+/// The color that is drawn: `blockColor` for 0 (BYBLOCK), the layer's for 256
 /// (BYLAYER; 7 without a layer), otherwise `color` itself.
 VEK0_API short getColor(short color, const CLayer* layer, short blockColor);
 
@@ -128,7 +128,7 @@ VEK0_API long purgeHatchBlocks(CData& data);
 // --- Entities
 //
 // Each returns a new entity in no table, which the caller owns, or null when there is
-// no memory. The short form takes the current layer, linetype and colour. `handle` is
+// no memory. The short form takes the current layer, linetype and color. `handle` is
 // the entity's handle, 0 for none. Angles are radians, lengths drawing units.
 
 VEK0_API CEntPnt* createEntPnt(const CData& data, CLayer* layer, CLtype* ltype, short color,
@@ -169,7 +169,7 @@ VEK0_API CEntAttdef* createEntAttdef(const CData& data, CLayer* layer, CLtype* l
 VEK0_API CEntAttdef* createEntAttdef(const CData& data, const TEXT_3D& text,
                                      const zim::WString& value, const zim::WString& prompt,
                                      long flags, vek0::Handle handle);
-/// An attribute with layer, linetype, colour, placement, tag and flags of a definition.
+/// An attribute with layer, linetype, color, placement, tag and flags of a definition.
 VEK0_API CEntAttrib* createEntAttrib(const CData& data, const zim::WString& value,
                                      const CEntAttdef& def, vek0::Handle handle);
 

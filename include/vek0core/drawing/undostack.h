@@ -96,7 +96,7 @@ class VEK0_API CUndoStack {
 
   /// Before any change of the entity; in a drawing, in a block, or in neither.
   bool keep(CEnt& ent);
-  /// Before a change of layer, linetype or colour alone.
+  /// Before a change of layer, linetype or color alone.
   bool keepProperties(CEnt& ent);
   /// Before a change of what is peculiar to the kind alone.
   bool keepGeometry(CEnt& ent);

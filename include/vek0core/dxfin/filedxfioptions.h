@@ -63,7 +63,7 @@ struct CFileDXFIPolicy {
 ///   arrow dropped         the arrow head of a leader with many lines
 ///   text empty            a formatted text that shows nothing
 ///   text cut              the end of a formatted text that was too long
-///   text code dropped     a font, spacing or colour within a formatted text
+///   text code dropped     a font, spacing or color within a formatted text
 ///   text background dropped  what hides the rest of the drawing behind a formatted text
 ///   dimension drawn       a dimension without a picture was drawn as its style says
 ///   content dropped       the block at the end of a leader
@@ -73,7 +73,7 @@ struct CFileDXFIPolicy {
 ///   hatch open            a loop of a hatch was closed by a straight line
 ///   hatch islands         too many loops: some inner ones count that should not
 ///   hatch dropped         a hatch without a loop that bounds an area
-///   gradient dropped      a fill became one of a single colour
+///   gradient dropped      a fill became one of a single color
 ///   shape dropped         a linetype element of a shape left its gap only
 ///   block undefined       a block that is inserted and never defined is empty
 ///   block kept            the drawing's block won over the file's
@@ -97,8 +97,8 @@ struct CFileDXFIPolicy {
 ///   number dropped        text or no finite number where a number was due: what it says is lost
 ///   loop dropped          likewise in a loop of a hatch, which is left out
 ///   number replaced       a value out of range; the nearest that makes sense stands in
-///   color approximated    a true colour became the nearest of the palette
-///   color replaced        a colour out of range: 7 of a layer, BYLAYER of an entity
+///   color approximated    a true color became the nearest of the palette
+///   color replaced        a color out of range: 7 of a layer, BYLAYER of an entity
 ///   flags replaced        flags that contradict the rest: read as if they were 0
 ///   layer missing         an entity that names no layer lies on layer 0
 ///   code missing          a record lacks a code that it should have and can do without

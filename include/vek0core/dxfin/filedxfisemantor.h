@@ -111,7 +111,7 @@ class VEK0_API IFileDXFISemantor {
   /// that the file gives it; null, and nothing recorded, when neither exists yet. By
   /// default what the block table has.
   virtual CBlock* findBlock(const zim::WString& name);
-  /// Creates a layer that an entity names and no table declared: colour 7,
+  /// Creates a layer that an entity names and no table declared: color 7,
   /// Continuous, flags 0. A table entry that follows fills it in.
   virtual CLayer* createLayerHurried(const zim::WString& name);
   /// The font for a font file's name; null when the policy allows no stand-in. By default

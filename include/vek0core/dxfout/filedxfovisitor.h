@@ -28,7 +28,7 @@ struct SavedVertex;
 /// Writes entities as DXF records, one `visit` an entity.
 ///
 /// Every record begins with its kind, handle, layer, linetype unless it is BYLAYER,
-/// and colour unless it is BYLAYER. Angles are written in degrees. Entities with a
+/// and color unless it is BYLAYER. Angles are written in degrees. Entities with a
 /// number that is NaN or infinite, and inserts of a block that the drawing does not
 /// have, are left out and reported. `SetACADNameConverter` must be called first.
 class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {

@@ -48,7 +48,7 @@ VEK0_API bool SaveDXF(const CData& data, IFile& file, unsigned flags);
 ///                         named so, lost the flag
 ///   entity not finite     an entity with a number that is NaN or infinite is missing
 ///   number not finite     such a number of a variable or a table item was replaced
-///   color out of range    a colour that the format does not have was replaced
+///   color out of range    a color that the format does not have was replaced
 ///   insert without block  an insert whose block the drawing does not have is missing
 ///   fill as outline       a filled face became one that shows its visible edges: in the
 ///                         classic form, or with corners that are not in one plane

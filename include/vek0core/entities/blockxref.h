@@ -248,7 +248,7 @@ class VEK0_API CLayerXRef : public CLayer {
 
   CBlockXRef& getXRef() const { return m_xref; }
 
-  /// What the other drawing says of the layer. Linetype, colour, line width and visibility
+  /// What the other drawing says of the layer. Linetype, color, line width and visibility
   /// become that, but for what has been changed since the other drawing spoke last. The
   /// first time what the layer has holds.
   struct Look {

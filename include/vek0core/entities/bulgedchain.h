@@ -39,7 +39,7 @@ VEK0_API int chordCount(double bulge);
 ///
 /// Chord vertices lie on the arc at equal angles, their z and widths go linearly from
 /// one end to the other, and the given vertices are met exactly. A segment without
-/// length, or whose arc has no finite centre, is straight whatever its bulge. The
+/// length, or whose arc has no finite center, is straight whatever its bulge. The
 /// bulge of an open chain's last vertex means nothing.
 class VEK0_API BulgedChain {
  public:

@@ -98,7 +98,7 @@ class VEK0_API CEnt : public IHandleEnt {
 
   CLayer* getLayer() const { return m_layer; }
   CLtype* getLtype() const { return m_ltype; }
-  /// Colour number: 0 is BYBLOCK, 256 BYLAYER.
+  /// Color number: 0 is BYBLOCK, 256 BYLAYER.
   short getColor() const { return m_color; }
   long getUserType() const { return m_userType; }
   long getUserData() const { return m_userData; }
@@ -134,11 +134,11 @@ class VEK0_API CEnt : public IHandleEnt {
   /// stays empty, and one that awaits its computation goes on waiting.
   void moveBdry(const PNT_3D& delta);
 
-  /// Snapshot of layer, linetype and colour. The caller owns it; null when there
+  /// Snapshot of layer, linetype and color. The caller owns it; null when there
   /// is no memory.
   CEntBaseMemento* createBaseMemento() const;
 
-  /// Restores layer, linetype and colour and moves the counts as `setLayer` does.
+  /// Restores layer, linetype and color and moves the counts as `setLayer` does.
   void setMemento(const CEntBaseMemento* memento);
   /// The same, and `memento` becomes one of what the entity was. Allocates nothing.
   void exchange(CEntBaseMemento& memento);
@@ -162,7 +162,7 @@ class VEK0_API CEnt : public IHandleEnt {
 
   CEnt(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color);
 
-  /// Copies the extents, layer, linetype, colour and user words. The copy is in no
+  /// Copies the extents, layer, linetype, color and user words. The copy is in no
   /// table, is not selected, and counts nowhere.
   CEnt(const CEnt& src, vek0::Handle handle);
 

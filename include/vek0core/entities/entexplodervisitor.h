@@ -17,7 +17,7 @@ class CLayer;
 /// is; whoever wants it replaced does that.
 ///
 /// - An insert gives copies of its block's entities, for every cell of its array, and its
-///   visible attributes as texts. They keep their own layers; colour and linetype BYBLOCK
+///   visible attributes as texts. They keep their own layers; color and linetype BYBLOCK
 ///   become those of the insert. Inserts in the block stay inserts, one level at a time,
 ///   but for those that unequal scales would shear: these give what they show. Where the
 ///   scales are unequal, circles and arcs become polylines of chords (`arcChords`), and so

@@ -73,7 +73,7 @@ class VEK0_API CEntFactory {
                                           short color, short flags, short degree,
                                           vek0::Handle handle);
   virtual CEntPolyline* createEntPolyline(IHandleGestor& gestor, const CEntPolyline& src);
-  /// A polyline of two vertices, with the line's layer, linetype, colour and words.
+  /// A polyline of two vertices, with the line's layer, linetype, color and words.
   virtual CEntPolyline* createEntPolyline(IHandleGestor& gestor, const CEntLine& src);
 
   virtual CVertex* createVertex(IHandleGestor& gestor, const PNT_3D& pnt, double widthStart,

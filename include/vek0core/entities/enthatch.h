@@ -139,7 +139,7 @@ VEK0_API zim::WString getHatchName(const CBlockTable& table);
 VEK0_API bool isHatchName(const zim::WString& name);
 
 /// A new block of that name with the lines (and points, for dots) of the pattern inside
-/// the boundary, on layer "0" with colour BYBLOCK and linetype Continuous; for a pattern
+/// the boundary, on layer "0" with color BYBLOCK and linetype Continuous; for a pattern
 /// without lines, faces that cover the inside. Lengths of the pattern are multiplied by
 /// `scale` and all of it is turned by `rotate` radians about the drawing's origin, where
 /// the pattern starts.

@@ -238,7 +238,7 @@ class VEK0_API CEntInsertXRef : public CEntInsert {
 namespace vek0::detail {
 
 /// Snapshot of an insert's block and attributes: for every attribute the object, its
-/// layer, linetype, colour and handle, and its memento. The objects are only compared by
+/// layer, linetype, color and handle, and its memento. The objects are only compared by
 /// address, so they may be deleted meanwhile.
 class AttribsMemento {
  public:

@@ -5,7 +5,7 @@
 #include "vek0core/entities/ent.h"
 #include "vek0core/export.h"
 
-/// Undo snapshot of what all kinds share: layer, linetype and colour.
+/// Undo snapshot of what all kinds share: layer, linetype and color.
 ///
 /// Made by `CEnt::createBaseMemento`, applied by `CEnt::setMemento`; the caller owns
 /// it. It counts on nothing: the items it names must outlive it.
@@ -13,7 +13,7 @@ class VEK0_API CEntBaseMemento {
  public:
   virtual ~CEntBaseMemento();
 
-  /// Whether the entity has the same layer and linetype objects and the same colour.
+  /// Whether the entity has the same layer and linetype objects and the same color.
   bool operator==(const CEnt& ent) const;
   bool operator!=(const CEnt& ent) const;
 

@@ -17,7 +17,7 @@ class OpenChain;
 /// one end lies at one of its own, within a tolerance. They are appended there, reversed
 /// where need be, with the widths that they have. Visited entities stay as they are.
 ///
-/// The polyline keeps its layer, linetype and colour. Where an end lies at both of its own,
+/// The polyline keeps its layer, linetype and color. Where an end lies at both of its own,
 /// the later one counts. `finish` writes the vertices; until then the polyline is as it
 /// was. For many entities in no order, see `joinEnts`.
 class VEK0_API CEntPolyAdderVisitor final : public IEntFooVisitor {

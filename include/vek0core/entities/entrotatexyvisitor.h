@@ -4,14 +4,14 @@
 #include "vek0core/export.h"
 #include "vek0core/geometry/pnt.h"
 
-/// Turns the entities that accept it about the vertical axis through a centre.
+/// Turns the entities that accept it about the vertical axis through a center.
 ///
 /// z stays, and so do widths, heights and the arcs of polylines. An insert turns with
 /// its array; its attributes stand in the block's coordinates and are left alone. The
 /// rotation of an insert is brought into [0, 2 pi) by one turn at most, which is all that
 /// rotations in that range need; arcs and pattern angles of hatches by any number. The
 /// rotation of a text just gains the angle. A hatch turns with the lines that it shows. A
-/// centre or an angle that is not finite turns nothing. A `CVertex` alone is not turned.
+/// center or an angle that is not finite turns nothing. A `CVertex` alone is not turned.
 class VEK0_API CEntRotateXYVisitor final : public IEntVisitor {
  public:
   /// The angle is in radians, counter-clockwise.

@@ -4,7 +4,7 @@
 #include "vek0core/export.h"
 #include "vek0core/geometry/pnt.h"
 
-/// Scales the entities that accept it about a centre, all three axes alike.
+/// Scales the entities that accept it about a center, all three axes alike.
 ///
 /// A negative factor is its magnitude and, seen from above, half a turn: radii, widths,
 /// heights and pattern scales are multiplied by the magnitude, the angles of texts, arcs
@@ -12,7 +12,7 @@
 /// spacings of an insert's array are multiplied too, since the insert's own scales do not
 /// reach them. Attributes stand in the block's coordinates and are left alone; a hatch
 /// scales with the lines that it shows. A factor of 0, which nothing could undo, and a
-/// centre or factor that is not finite scale nothing. A `CVertex` alone is not scaled.
+/// center or factor that is not finite scale nothing. A `CVertex` alone is not scaled.
 class VEK0_API CEntScaleVisitor final : public IEntVisitor {
  public:
   CEntScaleVisitor(const PNT_3D& centre, double factor);

@@ -78,7 +78,7 @@ class VEK0_API IEntFooVisitor : public IEntVisitor {
 
 /// Forwards every kind to the overload of its base class, up to `visit(CEnt&)`,
 /// which does nothing: overriding one overload handles a whole branch. Each step is
-/// a virtual call, so an override at any level is honoured.
+/// a virtual call, so an override at any level is honored.
 class VEK0_API IEntInheritVisitor : public IEntVisitor {
  public:
   void visit(CEntPnt& ent) override;

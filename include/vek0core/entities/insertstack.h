@@ -14,8 +14,8 @@ class CLtype;
 /// the innermost block, and what its entities take over from the inserts around.
 ///
 /// An entity on layer "0" inside a block shows on the layer of the insert; BYBLOCK
-/// colours and linetypes are those of the insert, BYLAYER ones those of the layer
-/// found this way. Outside all inserts BYBLOCK is colour 7 and Continuous. A null
+/// colors and linetypes are those of the insert, BYLAYER ones those of the layer
+/// found this way. Outside all inserts BYBLOCK is color 7 and Continuous. A null
 /// linetype stands for Continuous here, and so does a layer's linetype that refers to
 /// a layer or block itself.
 class VEK0_API CEntInsertStackState {
@@ -32,7 +32,7 @@ class VEK0_API CEntInsertStackState {
   const CEntInsertMatrix& GetCurMatrix() const { return m_matrix; }
   /// Layer on which entities of layer "0" show; null outside all inserts.
   CLayer* GetCurLayer() const { return m_layer; }
-  /// What BYBLOCK colours are here.
+  /// What BYBLOCK colors are here.
   short GetCurColor() const { return m_color; }
   /// What BYBLOCK linetypes are here; null is Continuous.
   CLtype* GetCurLtype() const { return m_ltype; }
@@ -40,7 +40,7 @@ class VEK0_API CEntInsertStackState {
   /// Layer on which an entity of the innermost block shows; null only for an entity
   /// without a layer outside all inserts.
   CLayer* ResolveLayer(const CEnt& ent) const;
-  /// Colour index in which it shows; 7 where there is no layer to ask.
+  /// Color index in which it shows; 7 where there is no layer to ask.
   short ResolveColor(const CEnt& ent) const;
   /// Linetype in which it shows; null is Continuous.
   CLtype* ResolveLtype(const CEnt& ent) const;

@@ -29,7 +29,7 @@ VEK0_API double joinTolerance(const std::vector<CEnt*>& ents);
 /// in space) into as few new polylines as that gives, each of two entities at least.
 ///
 /// Entities are taken in order, layer after layer where layers stay apart: a polyline has layer,
-/// linetype and colour of the first of its parts and its direction, goes on at its end, then at its
+/// linetype and color of the first of its parts and its direction, goes on at its end, then at its
 /// start, and is closed when its ends meet. Where several ends meet at one point, the nearest goes
 /// on, the earliest among equals. Joined ends get the point of the part that came first. Other
 /// kinds, closed polylines, null, and what is no longer than the tolerance are passed over. The

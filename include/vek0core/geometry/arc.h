@@ -46,7 +46,7 @@ class VEK0_API ARC_3D : public CIRCLE_3D {
   /// The angles as a sweep: start < end <= start + 2*pi.
   void getSafeAngles(double& start, double& end) const;
 
-  /// Whether the direction `angleRad` from the centre meets the arc. The ends belong
+  /// Whether the direction `angleRad` from the center meets the arc. The ends belong
   /// to it, with a tolerance of 1e-12 times (1 + the angle).
   bool angle_in_arc(double angleRad) const;
 

@@ -5,7 +5,7 @@
 #include "vek0core/geometry/pnt.h"
 #include "vek0core/geometry/rect.h"
 
-/// Circle in a plane z = constant: a centre (the point that it is) and a radius, in
+/// Circle in a plane z = constant: a center (the point that it is) and a radius, in
 /// drawing units. Files contain radii of zero and less; they are kept, and extents
 /// use the magnitude. Comparison is exact; the default constructor sets nothing.
 ///
@@ -39,7 +39,7 @@ class VEK0_API CIRCLE_3D : public PNT_3D {
   /// Point at `angleRad` from the positive x axis.
   PNT_3D getPntAngle(double angleRad) const;
 
-  /// Scales the centre about `center` and multiplies the radius, which becomes
+  /// Scales the center about `center` and multiplies the radius, which becomes
   /// negative for a negative factor.
   void scale(const PNT_3D& center, double factor);
 

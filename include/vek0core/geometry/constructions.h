@@ -13,7 +13,7 @@
 
 /// The foot of the perpendicular on the whole line; none for a segment that is a point.
 VEK0_API bool pntPerp(const PNT_2D& p, const LINE_2D& line, PNT_2D& out);
-/// The nearest point of the whole circle, also of an arc's; none from the centre.
+/// The nearest point of the whole circle, also of an arc's; none from the center.
 VEK0_API bool pntPerp(const PNT_2D& p, const CIRCLE_3D& circle, PNT_2D& out);
 
 /// The point in which the whole lines through two segments cross ("calcola punto
@@ -23,9 +23,9 @@ VEK0_API bool CalcolaPuntoIntersezione(const LINE_2D& a, const LINE_2D& b, PNT_2
 
 /// The nearest point of the segment.
 VEK0_API bool pntNearest(const PNT_2D& p, const LINE_2D& line, PNT_2D& out);
-/// The nearest point of the circle; any from the centre.
+/// The nearest point of the circle; any from the center.
 VEK0_API bool pntNearest(const PNT_2D& p, const CIRCLE_3D& circle, PNT_2D& out);
-/// The nearest point of the arc; from the centre, where it starts.
+/// The nearest point of the arc; from the center, where it starts.
 VEK0_API bool pntNearest(const PNT_2D& p, const ARC_3D& arc, PNT_2D& out);
 /// The nearest point of the path, z included; none of an empty one. Linear.
 VEK0_API bool pntNearest(const PNT_2D& p, const PATH_3D& path, PNT_3D& out);
@@ -45,7 +45,7 @@ VEK0_API bool CreateCircle(const EDGE_3D& a, const EDGE_3D& b, double radius, co
                            PNT_2D* onB = nullptr);
 
 /// The points where tangents from `p` touch the circle: 2 from outside, the one left of
-/// the line to the centre first; 1, `p` itself, from the circle, with the tolerance of its
+/// the line to the center first; 1, `p` itself, from the circle, with the tolerance of its
 /// intersections; 0 from inside. Outputs beyond the count keep their values.
 VEK0_API int pntTang(const PNT_2D& p, const CIRCLE_3D& circle, PNT_2D& t1, PNT_2D& t2);
 /// Those of them that lie on the arc.

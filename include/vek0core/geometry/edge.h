@@ -19,9 +19,9 @@ struct EDGE_CROSSING {
 ///
 /// It lives in the plane; z goes linearly from end to end. A parameter is the share of the
 /// length from p1: 0 there, 1 at p2; others lie on the carrier, the whole line or circle.
-/// An arc keeps centre and radius, so that parts of a circle stay on that circle exactly.
+/// An arc keeps center and radius, so that parts of a circle stay on that circle exactly.
 /// `sweep` is the angle from p1 to p2 in radians, positive counter-clockwise, at most a
-/// full turn; 0 for a straight edge, whose centre, radius and angle mean nothing. The
+/// full turn; 0 for a straight edge, whose center, radius and angle mean nothing. The
 /// default constructor sets nothing else.
 class VEK0_API EDGE_3D {
  public:
@@ -45,7 +45,7 @@ class VEK0_API EDGE_3D {
   /// Direction of the way at a parameter, of length 1; (0, 0) for an edge without length.
   PNT_2D direction(double t) const;
   /// The parameter of the nearest point of the carrier, between the ends when there is a
-  /// choice of turns: the same point of a circle has several. The centre itself gives 0.
+  /// choice of turns: the same point of a circle has several. The center itself gives 0.
   double paramOf(const PNT_2D& p) const;
   /// The parameter of the nearest point of the edge itself, in [0, 1].
   double nearest(const PNT_2D& p) const;
@@ -71,6 +71,6 @@ class VEK0_API EDGE_3D {
   PNT_3D p1, p2;
   PNT_2D center{0, 0};
   double radius = 0;
-  double startAngle = 0;  ///< of p1 seen from the centre
+  double startAngle = 0;  ///< of p1 seen from the center
   double sweep = 0;
 };

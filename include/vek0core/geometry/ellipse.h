@@ -8,9 +8,9 @@
 /// Elliptical arc in space: the points center + cos(t) * major + sin(t) * minor, for the
 /// parameter t from startParam through `sweep` radians.
 ///
-/// `major` and `minor` are vectors from the centre, drawing units, perpendicular after
+/// `major` and `minor` are vectors from the center, drawing units, perpendicular after
 /// `set`. The parameter is no angle: it is that of the circle from which the ellipse was
-/// squeezed, and agrees with the direction from the centre on the axes alone. It grows
+/// squeezed, and agrees with the direction from the center on the axes alone. It grows
 /// counter-clockwise about the normal. The default constructor sets nothing.
 class VEK0_API ELLIPSE_3D {
  public:

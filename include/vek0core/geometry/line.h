@@ -39,7 +39,7 @@ class VEK0_API LINE_2D {
   void calc_bdry(RECT_2D& box) const { box.set(p1, p2); }
 
   /// Signed distance of `p` from the infinite line. The sign is that of the
-  /// normalised implicit line (`IMP_LINE_2D::normalize`), not of the direction. A
+  /// normalized implicit line (`IMP_LINE_2D::normalize`), not of the direction. A
   /// segment shorter than 1e-12 on both axes is a point: the distance is positive.
   double dist(const PNT_2D& p) const;
 
@@ -103,7 +103,7 @@ class VEK0_API IMP_LINE_2D {
  public:
   IMP_LINE_2D() = default;
   IMP_LINE_2D(double pa, double pb, double pc) : a(pa), b(pb), c(pc) {}
-  /// Through two points, not normalised.
+  /// Through two points, not normalized.
   IMP_LINE_2D(const PNT_2D& p1, const PNT_2D& p2) { create(p1, p2); }
   explicit IMP_LINE_2D(const LINE_2D& line) : IMP_LINE_2D(line.p1, line.p2) {}
   /// Parallel to `line`: same a and b, c smaller by d times the length of (a, b).

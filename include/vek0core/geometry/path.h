@@ -58,6 +58,6 @@ inline constexpr double kTouchShare = 1e-12;
 /// edges included; a point that it passes twice counts twice. Near-linear in edges and points.
 VEK0_API std::vector<PATH_CROSSING> intersectPaths(const PATH_3D& a, const PATH_3D& b);
 
-/// The points where a path meets itself, other than where neighbouring edges join. Each
+/// The points where a path meets itself, other than where neighboring edges join. Each
 /// once, `edge1` being the earlier edge. Near-linear in edges and points.
 VEK0_API std::vector<PATH_CROSSING> selfIntersections(const PATH_3D& path);

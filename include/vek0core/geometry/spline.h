@@ -50,7 +50,7 @@ class VEK0_API SPLINE_3D {
   /// Makes this the cubic that passes through `points` in order, with two continuous
   /// derivatives over the chord lengths. An end with a tangent has its direction (the
   /// length does not matter); one without, null or of length 0, has no curvature. Equal
-  /// neighbours count once. False, and unchanged, with fewer than two different points or
+  /// neighbors count once. False, and unchanged, with fewer than two different points or
   /// numbers that are not finite. Linear. Formula: the tridiagonal system for the tangents
   /// (Farin), pieces as Bezier curves.
   bool createFit(const std::vector<PNT_3D>& points, const PNT_3D* startTangent = nullptr,

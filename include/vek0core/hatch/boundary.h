@@ -28,14 +28,14 @@ VEK0_API std::vector<HatchRing> hatchRings(const std::vector<PNT_3D>& boundary);
 
 /// The boundary that stores these rings, each given open or closed.
 ///
-/// Equal neighbours and rings of fewer than three points are left out. A ring may be started
+/// Equal neighbors and rings of fewer than three points are left out. A ring may be started
 /// at another of its points than the given one, so that the point that closes it can be
 /// told: one that occurs nowhere else in the boundary, or else nowhere else in the ring. A
 /// ring without such a point is stored as several that enclose the same area. Linear-
 /// logarithmic in the number of points.
 VEK0_API std::vector<PNT_3D> joinHatchRings(const std::vector<std::vector<PNT_3D>>& rings);
 
-/// Cleans a boundary as a hatch stores it: `out` becomes `in` without equal neighbours
+/// Cleans a boundary as a hatch stores it: `out` becomes `in` without equal neighbors
 /// inside a ring, without rings of fewer than three points, and, when one ring remains,
 /// without the point that closes it. `in` and `out` may be the same vector.
 VEK0_API void _hatch_compactVertex(const std::vector<PNT_3D>& in, std::vector<PNT_3D>& out);

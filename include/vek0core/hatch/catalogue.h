@@ -35,7 +35,7 @@ struct HATCH_TYPE {
 ///
 /// The catalogue is the same in every program. It is there before static objects are
 /// constructed, lives as long as the program, and never changes. Its lengths are inches,
-/// those of the "ACAD_ISO" patterns millimetres.
+/// those of the "ACAD_ISO" patterns millimeters.
 VEK0_API const HATCH_TYPE* getHatch(long index);
 /// The first pattern of that name, letter case ignored; null when there is none. Costs the
 /// logarithm of the catalogue's size.

@@ -8,7 +8,7 @@
 #include "vek0core/geometry/spline.h"
 
 /// One loop of a hatch as the polygon that stands for it: three points at least, the first
-/// not repeated, no equal neighbours.
+/// not repeated, no equal neighbors.
 using HATCH_RING = std::vector<PNT_3D>;
 
 /// Makes rings of the edges of a hatch's loop, as files give them: in any order, either way
@@ -28,7 +28,7 @@ class VEK0_API HatchLoopBuilder {
   /// those a turn apart, are the full circle. Refused when the radius is zero or less.
   bool addArc(const PNT_3D& center, double radius, double start, double end, bool ccw);
 
-  /// Elliptical arc; `major` is the vector from the centre to the end of the major axis, the
+  /// Elliptical arc; `major` is the vector from the center to the end of the major axis, the
   /// angles are parameters (see `ELLIPSE_3D`), clockwise as in `addArc`. Refused when the
   /// ellipse is none; one that is flat (ratio 0) is refused too.
   bool addEllipse(const PNT_3D& center, const PNT_3D& major, double ratio, double start, double end,

@@ -18,7 +18,7 @@ inline constexpr int kCurveChords = 8;
 ///
 /// `curveType` says which:
 ///    2  arcs through the points: at each, the curve runs as the circle through it and
-///       its neighbours does; a pair of arcs joins two points. The result holds the
+///       its neighbors does; a pair of arcs joins two points. The result holds the
 ///       points and the joints, with bulges; z goes linearly. Where the path doubles
 ///       back so sharply that the arcs would lead far away, the span stays straight
 ///    4  uniform B-spline of the given degree, clamped at the ends when open and

@@ -19,7 +19,7 @@ VEK0_API LINE_3D CalcParalLineAtPlane(const LINE_3D& line, double dist);
 
 /// The parallel of a chain with sharp corners; returns the number of points written.
 ///
-/// Neighbouring segments are extended or cut to where their parallels meet. A corner that
+/// Neighboring segments are extended or cut to where their parallels meet. A corner that
 /// would turn its segment round, or lie more than ten lengths of either segment away, is
 /// refused: the shorter of the two segments goes, and the rest is looked at anew. Where
 /// the parallels coincide, the corner is the end of the first; where they never meet, it
@@ -45,11 +45,11 @@ VEK0_API std::vector<PNT_3D> CalcParalLine(const std::vector<PNT_3D>& pts, doubl
 /// Whether `p` lies strictly left of the chain, as `LINE_2D::ptLeftSide` has it.
 ///
 /// The nearest segment decides. Where that is a corner, `p` must lie left of both
-/// neighbours when the chain turns left there, and of either when it turns right. False
+/// neighbors when the chain turns left there, and of either when it turns right. False
 /// for fewer than two points. Linear.
 VEK0_API bool PtLeftSide(const PNT_2D* pts, int n, bool closed, const PNT_2D& p);
 
-/// How the parallels of neighbours are joined on the outside of a corner.
+/// How the parallels of neighbors are joined on the outside of a corner.
 enum class OFFSET_JOIN {
   round,  ///< an arc about the corner
   mitre,  ///< extended along their directions until they meet
@@ -64,7 +64,7 @@ struct OFFSET_OPTIONS {
 
 /// The offset of any path, open or closed, crossing itself or not: all places beside it,
 /// on the side that the distance says, from which no point of the path is nearer than the
-/// distance. Arcs stay arcs of the same centre.
+/// distance. Arcs stay arcs of the same center.
 ///
 /// Appends the results, which run as the path does, in order along it: none where the path
 /// leaves no room, several where it is narrow. Those of a closed path that does not cross

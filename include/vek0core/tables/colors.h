@@ -5,10 +5,10 @@
 #include "vek0core/export.h"
 #include "zim0lang/wstring.h"
 
-/// Colour numbers with a meaning of their own.
+/// Color numbers with a meaning of their own.
 inline constexpr short kColorByBlock = 0, kColorByLayer = 256;
 
-/// Display names of colour numbers: 0 is BYBLOCK, 1 to 255 the colour index, 256
+/// Display names of color numbers: 0 is BYBLOCK, 1 to 255 the color index, 256
 /// BYLAYER. Those of 0 to 7 and 256 come from the message texts, the others are the
 /// number in decimal.
 class VEK0_API CColors {
@@ -18,7 +18,7 @@ class VEK0_API CColors {
   /// the loader that is installed then.
   static void shutdown();
 
-  /// Name of a colour. The same object at every call for 0 to 256; any other number
+  /// Name of a color. The same object at every call for 0 to 256; any other number
   /// gives its decimal form in one that the next such call of the thread overwrites.
   const zim::WString& operator[](int color);
 

@@ -21,7 +21,7 @@ class VEK0_API ILayerVisitor {
 /// Line width of a layer: any value of the host's, kept and not interpreted. 0 is the default.
 enum enumLineWidth : int { lineWidthDefault = 0 };
 
-/// Snapshot of a layer, for undo: name, linetype, flags, colour and line width. Borrows the
+/// Snapshot of a layer, for undo: name, linetype, flags, color and line width. Borrows the
 /// linetype.
 class VEK0_API CLayerMemento {
  public:
@@ -40,7 +40,7 @@ class VEK0_API CLayerMemento {
   enumLineWidth m_lineWidth;
 };
 
-/// Layer: default colour and linetype of entities, and whether they are shown and may
+/// Layer: default color and linetype of entities, and whether they are shown and may
 /// be changed.
 ///
 /// The linetype is borrowed and may be null. BYLAYER and BYBLOCK say nothing as the

@@ -14,7 +14,7 @@ class CStyle;
 ///    1 "Center"    4 "Top center"   7 "Middle center"  10 "Bottom center"
 ///    2 "Right"     5 "Top right"    8 "Middle right"   11 "Bottom right"
 ///
-/// Horizontal codes: 0 left, 1 centre, 2 right. Vertical codes: 0 baseline, 1 bottom,
+/// Horizontal codes: 0 left, 1 center, 2 right. Vertical codes: 0 baseline, 1 bottom,
 /// 2 middle, 3 top. Middle is half the height of capitals above the baseline. A style
 /// without a font, and a text without a style, are measured with the default measures
 /// of `ICADFont`.

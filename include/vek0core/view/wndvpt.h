@@ -53,34 +53,34 @@ class VEK0_API CWndVpt {
   bool isIsotropic() const { return m_ratio == 1.0; }
 
   /// Makes the rectangle visible, at the largest scale that shows all of it; the window
-  /// is extended about its centre where the device is longer than it. A side of length 0
+  /// is extended about its center where the device is longer than it. A side of length 0
   /// becomes 1 world unit long. On a device that is unknown or of one pixel the window is
   /// the rectangle, to be fitted by the next `resize`.
   void set(double x1, double y1, double x2, double y2);
   /// The same; an empty rectangle changes nothing.
   void set(const RECT_2D& rect);
-  /// Sets the ratio of the scales: scale x and the centre stay.
+  /// Sets the ratio of the scales: scale x and the center stay.
   void setScaleFactor(double ratio);
-  /// Magnifies by `f` about the window's centre; 2 halves the window.
+  /// Magnifies by `f` about the window's center; 2 halves the window.
   void zoom(double f);
   /// Moves the window by world units; its content moves the other way on the device.
   void pan(double dx, double dy);
   /// Tells the size of the device. False, and nothing changed, when it is known already.
-  /// Scales and centre stay when the device had a size before, and the window follows;
+  /// Scales and center stay when the device had a size before, and the window follows;
   /// else the window is set for the new size. A device of one pixel each way or less
   /// leaves the window as it is, so that a view survives being hidden.
   bool resize(long width, long height);
 
   /// The caller owns the snapshot; null when there is no memory.
   CWndVptMemento* createMemento() const;
-  /// Brings back centre and scales, and the window exactly; on a device of another size
+  /// Brings back center and scales, and the window exactly; on a device of another size
   /// the window is the one that belongs to them there.
   void setMemento(const CWndVptMemento& memento);
 
  protected:
   /// The offsets of the mapping, from window and scales.
   void DoRealizePosition();
-  /// Window and offsets from centre, scales and device; the window stays where a scale is
+  /// Window and offsets from center, scales and device; the window stays where a scale is
   /// 0 or the device has no extent.
   void DoCalcExtUsingCenterAndScale();
 
@@ -108,7 +108,7 @@ class VEK0_API CWndVptMemento {
   CWndVptMemento(const CWndVptMemento&) = default;
   CWndVptMemento& operator=(const CWndVptMemento&) = default;
 
-  /// Equal windows, centres and scales, each exactly.
+  /// Equal windows, centers and scales, each exactly.
   bool operator==(const CWndVpt& viewport) const;
   bool operator!=(const CWndVpt& viewport) const { return !(*this == viewport); }
 

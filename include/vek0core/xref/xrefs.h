@@ -49,7 +49,7 @@ struct CXRefOptions {
 /// nested too deep is left out. What cannot be read stays a reference that shows nothing, with its
 /// path and inserts; its status says why.
 ///
-/// Entities follow the file. So do dependent layers, but for the colour and the visibility
+/// Entities follow the file. So do dependent layers, but for the color and the visibility
 /// that the drawing has given them since; items that the file has no more go unless the
 /// drawing uses them. Steps of an undo stack stay valid: this is no edit, and is not undone.
 ///
