@@ -9,8 +9,8 @@ class CLayer;
 
 namespace vek0::tool {
 
-/// Whether a name fits a pattern, letter case ignored: "*" stands for any text, "?" for
-/// one character. Quadratic at worst.
+/// Whether a name fits a pattern, ignoring case: "*" stands for any text, "?" for one character.
+/// Quadratic at worst.
 bool matchesPattern(std::u16string_view name, std::u16string_view pattern);
 /// Whether it holds one of these, so that it may mean several names.
 bool isPattern(std::u16string_view name);

@@ -5,7 +5,7 @@
 namespace vek0::tool {
 namespace {
 
-// Users before what they insert, so that a removed block lets go of others.
+// Users before what they insert, so that a removed block releases others.
 class CollectBlocks final : public IBlockOperation {
  public:
   int doOperation(CBlock& block) override {

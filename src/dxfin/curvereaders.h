@@ -10,11 +10,11 @@ namespace vek0::detail {
 
 class DimStyle;
 
-/// Reads the curves that a drawing has no class for, as polylines within the chord error of
-/// the policy: ELLIPSE, SPLINE and HELIX, and LEADER, whose path may be one.
+/// Reads the curves that a drawing has no class for, as polylines within the chord error of the
+/// policy: ELLIPSE, SPLINE and HELIX, and LEADER, whose path may be one.
 ///
-/// Every vertex has its own z. The chord error is a share of the half axis of an ellipse and
-/// of half the longest side of the controls' box of a spline. Its buffers serve curve after curve.
+/// Every vertex has its own z. The chord error is a share of the semi-axis of an ellipse and of
+/// half the longest side of the controls' box of a spline. Its buffers serve curve after curve.
 class CurveReader {
  public:
   explicit CurveReader(RecordReader& in) : m_in(in) {}

@@ -20,7 +20,7 @@ double distance(const PNT_3D& a, const PNT_3D& b) {
   return std::hypot(b.x - a.x, b.y - a.y, b.z - a.z);
 }
 
-// How far one has to turn counter-clockwise.
+// How far one has to turn counterclockwise.
 double turnBetween(double from, double to) {
   const double turn = std::fmod(to - from, kTwoPi);
   return turn < 0 ? turn + kTwoPi : turn;

@@ -34,7 +34,7 @@ class DimensionDrawing {
   std::vector<EntPtr> built;
 
  private:
-  /// Along which a number stands: from angle to angle around a point, counter-clockwise.
+  /// Along which a number stands: from angle to angle around a point, counterclockwise.
   struct Sweep {
     PNT_3D center;
     double radius = 0, start = 0, sweep = 0;

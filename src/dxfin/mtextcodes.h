@@ -49,7 +49,7 @@ struct MTextPiece {
   bool isWord() const { return kind == Word || kind == Stack; }
 };
 
-/// A formatted text taken apart.
+/// A formatted text exploded.
 struct MTextContent {
   std::vector<MTextFormat> formats;
   std::vector<MTextParagraph> paragraphs;

@@ -8,10 +8,10 @@
 
 namespace vek0::detail {
 
-/// A set of names, letter case ignored. It borrows their text.
+/// A set of names, ignoring case. It borrows their text.
 ///
-/// Open addressing: a table of 80,000 names is converted in half the time that a set of
-/// nodes takes, and the time grows as their number does.
+/// Open addressing: a table of 80,000 names is converted in half the time that a set of nodes
+/// takes, and the time grows as their number does.
 class FoldedNames {
  public:
   bool has(std::u16string_view name) const {

@@ -74,7 +74,7 @@ class Arc {
   const BULGED_VERTEX& m_from;
   const BULGED_VERTEX& m_to;
   double m_dx, m_dy;
-  double m_angle;    // radians, positive counter-clockwise
+  double m_angle;    // radians, positive counterclockwise
   double m_halfSin;  // same sign
 };
 

@@ -17,7 +17,7 @@ class CLtype;
 
 namespace vek0::detail {
 
-/// Makes entities, and counts what that costs against a limit.
+/// Creates entities, and counts what that costs against a limit.
 struct EntMaker {
   IHandleGestor& gestor;
   CEntFactory& ents;

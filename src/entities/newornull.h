@@ -5,7 +5,7 @@
 
 namespace vek0::detail {
 
-/// A new `T`, or null when there is no memory for it or for what it holds.
+/// A new `T`, or null when out of memory for it or for what it holds.
 template <class T, class... Args>
 T* newOrNull(Args&&... args) {
   try {

@@ -39,8 +39,8 @@ void appendClosed(const Points& ring, std::size_t start, Points& out) {
 
 using Key = std::array<std::uint64_t, 3>;
 
-// Bits instead of values: an order that not-a-number fits into. Adding 0 takes the sign
-// from a negative zero, which equals the other one.
+// Bits instead of values: an order that NaN fits into. Adding 0 takes the sign from a negative
+// zero, which equals the other one.
 Key keyOf(const PNT_3D& p) {
   const double xyz[3] = {p.x + 0.0, p.y + 0.0, p.z + 0.0};
   Key key;

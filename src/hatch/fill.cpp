@@ -73,7 +73,7 @@ struct Family {
     const double lengths[] = {along0, across0, shift, spacing, period};
     if (spacing == 0 || (numDash > 0 && period == 0)) return false;  // scaled to nothing
     return std::isfinite(ux) && std::all_of(std::begin(lengths), std::end(lengths), [](double v) {
-             return std::fabs(v) <= kFarthest;  // false for not-a-number
+             return std::fabs(v) <= kFarthest;  // false for NaN
            });
   }
 

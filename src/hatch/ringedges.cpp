@@ -34,7 +34,7 @@ std::vector<RingEdge> ringEdges(const std::vector<PNT_3D>& boundary) {
 
 bool hasUsableCoordinates(const std::vector<PNT_3D>& boundary) {
   const auto isUsable = [](const PNT_3D& p) {
-    return std::fabs(p.x) <= kFarthest && std::fabs(p.y) <= kFarthest;  // false for not-a-number
+    return std::fabs(p.x) <= kFarthest && std::fabs(p.y) <= kFarthest;  // false for NaN
   };
   return boundary.empty() ||
          (std::isfinite(boundary[0].z) && std::all_of(boundary.begin(), boundary.end(), isUsable));

@@ -54,8 +54,8 @@ class VertexZone {
   double m_dist;
 };
 
-/// The kite between a corner, the ends of the parallels and the tip of the mitre, which
-/// run counter-clockwise.
+/// The kite between a corner, the ends of the parallels and the tip of the mitre, which run
+/// counterclockwise.
 class MitreZone {
  public:
   MitreZone(const PNT_2D& corner, const PNT_2D& end, const PNT_2D& tip, const PNT_2D& start)

@@ -158,8 +158,8 @@ TEST(ReadHatches, Patterns) {
   }
 }
 
-// The lines of a file's own pattern fall where the file says, whatever hatch angle and
-// scale it was taken apart with.
+// The lines of a file's own pattern fall where the file says, whatever hatch angle and scale it was
+// exploded with.
 TEST(ReadHatches, OwnLinesFallWhereTheFileSays) {
   const Loaded got = loadHatch(kHead + "91 1|" + kSquare +
                                "|2 OWN|76 2|52 30|41 2|78 1|53 90|43 3|44 0|45 -4|46 0|79 0");

@@ -80,7 +80,7 @@ TEST(ReadPolylines, NoVertices) {
   EXPECT_EQ(castPolyline(got.only())->getNoTotalVertexes(), 0);
 }
 
-// A half circle from (0, 0) to (2, 0), counter-clockwise: it dips to y = -1.
+// A half circle from (0, 0) to (2, 0), counterclockwise: it dips to y = -1.
 TEST(ReadPolylines, Bulge) {
   for (const std::string& text :
        {entitiesOf("AC1009", polyline("", vertex("0", "0", "|42 1") + vertex("2", "0"))),

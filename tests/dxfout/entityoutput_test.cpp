@@ -347,7 +347,7 @@ TEST(EntityOutput, ExchangeFormWritesShortNumbersAndBulges) {
           seqend("4"));
 }
 
-// The chords of a half circle of radius 1 about (1, 0), counter-clockwise from (0, 0).
+// The chords of a half circle of radius 1 about (1, 0), counterclockwise from (0, 0).
 TEST(EntityOutput, ClassicFormWritesTheChordsOfABulge) {
   const std::string text = written(addSemicircle, 0);
   EXPECT_FALSE(contains(text, " 42\n"));

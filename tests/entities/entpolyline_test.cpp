@@ -155,8 +155,8 @@ void expectFreshExtents(Scene& s, const CEntPolyline& p) {
   ASSERT_EQ(p.getBdry(), copy->getBdry());
 }
 
-/// What is still told as an arc is that arc: made anew from the arcs alone, the chain
-/// of chords is the one that there is.
+/// What is still told as an arc is that arc: regenerated from the arcs alone, the chain of chords
+/// is the one that there is.
 void expectTrueArcs(Scene& s, const CEntPolyline& p) {
   const PolylinePtr again = polyline(s, p.getFlags());
   p.forEachBulged(

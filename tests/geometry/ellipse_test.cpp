@@ -114,7 +114,7 @@ TEST(Ellipse, LawsInSpace) {
     ASSERT_TRUE(e.set(PNT_3D(5, 6, 7), major, ratio, 4 * real(random), 4 * real(random), normal));
     const double a = std::hypot(major.x, major.y, major.z);
     EXPECT_NEAR(std::hypot(e.minor.x, e.minor.y, e.minor.z), ratio * a, 1e-14);
-    const PNT_3D across = prodVect(e.major, e.minor);  // counter-clockwise about the normal
+    const PNT_3D across = prodVect(e.major, e.minor);  // counterclockwise about the normal
     EXPECT_GT(across.x * normal.x + across.y * normal.y + across.z * normal.z, 0);
 
     RECT_3D box, sampled;

@@ -211,7 +211,7 @@ TEST(HatchLoopBuilder, RefusesBrokenEdges) {
   EXPECT_TRUE(rings.empty());
 }
 
-// A clockwise edge is the counter-clockwise one of the same angles, seen in a mirror.
+// A clockwise edge is the counterclockwise one of the same angles, seen in a mirror.
 TEST(HatchLoopBuilder, ClockwiseEdgesAreMirrored) {
   std::mt19937 random(71);
   std::uniform_real_distribution<double> real(-1, 1);

@@ -205,7 +205,7 @@ TEST(PtLeftSide, NearestSegmentDecides) {
   }
 }
 
-// Left of a counter-clockwise ring is inside it.
+// Left of a counterclockwise ring is inside it.
 TEST(PtLeftSide, OfARingIsItsInside) {
   std::mt19937 random(2);
   std::uniform_real_distribution<double> radius(2, 10), place(-11, 11);

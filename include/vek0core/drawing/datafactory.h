@@ -17,14 +17,13 @@ class VEK0_API CDataFactory {
   void setHandling(bool handling) { m_handling = handling; }
   bool isHandling() const { return m_handling; }
 
-  /// A new drawing: linetypes Continuous, BYLAYER and BYBLOCK, layer "0", style
-  /// "STANDARD" with the font table's default font, and the default variables. The
-  /// caller gives it to `deleteData`. Null, and nothing left behind, when there is no
-  /// memory.
+  /// A new drawing: linetypes Continuous, BYLAYER and BYBLOCK, layer "0", style "STANDARD" with the
+  /// font table's default font, and the default variables. The caller gives it to `deleteData`.
+  /// Null, and nothing left behind, when out of memory.
   CData* createData();
 
  protected:
-  // Each makes one new object, or null when there is no memory.
+  // Each makes one new object, or null when out of memory.
   IHandleGestor* doCreateHandleGestor();
   CLtypeFactory* doCreateLtypeFactory();
   CLayerFactory* doCreateLayerFactory();

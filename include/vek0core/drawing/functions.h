@@ -47,11 +47,10 @@ struct CDataDeleter {
 /// An owner of a drawing.
 using CDataPtr = std::unique_ptr<CData, CDataDeleter>;
 
-/// A drawing with the same content: tables, blocks, entities with their handles, selection,
-/// fixed items, variables and current items. Its fonts are the same objects, its use
-/// counts those of a recount. What names items in no table of `data` goes on naming those.
-/// The caller gives it to `deleteData`; null when there is no memory. Linear in the
-/// drawing.
+/// A drawing with the same content: tables, blocks, entities with their handles, selection, fixed
+/// items, variables and current items. Its fonts are the same objects, its use counts those of a
+/// recount. What names items in no table of `data` goes on naming those. The caller gives it to
+/// `deleteData`; null when out of memory. Linear in the drawing.
 VEK0_API CData* cloneData(const CData& data);
 
 // --- Current items: read and written as they are, no checks
@@ -81,9 +80,8 @@ VEK0_API void addLtype(CData& data, CLtype* ltype);
 VEK0_API void addLayer(CData& data, CLayer* layer);
 VEK0_API void addStyle(CData& data, CStyle* style);
 
-/// The item of that name, letter case ignored; null when there is none. A name of the
-/// form "xref|item" is looked up in that external reference when no item of the drawing
-/// itself bears it.
+/// The item of that name, ignoring case; null when there is none. A name of the form "xref|item" is
+/// looked up in that external reference when no item of the drawing itself bears it.
 VEK0_API CLtype* getLtype(const CData& data, const zim::WString& name);
 VEK0_API CLayer* getLayer(const CData& data, const zim::WString& name);
 VEK0_API CStyle* getStyle(const CData& data, const zim::WString& name);
@@ -118,7 +116,7 @@ VEK0_API bool scomposeName(const zim::WString& full, zim::WString& xrefName,
 
 VEK0_API IHandleGestor& getHandleGestor(const CData& data);
 
-/// A copy of the entity, with handle 0 and in no table; null when there is no memory.
+/// A copy of the entity, with handle 0 and in no table; null when out of memory.
 VEK0_API CEnt* cloneEnt(CData& data, const CEnt& ent);
 
 /// Removes and deletes the private blocks of hatches (named "*PAT" and a number) that no
@@ -127,9 +125,9 @@ VEK0_API long purgeHatchBlocks(CData& data);
 
 // --- Entities
 //
-// Each returns a new entity in no table, which the caller owns, or null when there is
-// no memory. The short form takes the current layer, linetype and color. `handle` is
-// the entity's handle, 0 for none. Angles are radians, lengths drawing units.
+// Each returns a new entity in no table, which the caller owns, or null when out of memory. The
+// short form takes the current layer, linetype and color. `handle` is the entity's handle, 0 for
+// none. Angles are radians, lengths drawing units.
 
 VEK0_API CEntPnt* createEntPnt(const CData& data, CLayer* layer, CLtype* ltype, short color,
                                const PNT_3D& pnt, vek0::Handle handle);

@@ -32,9 +32,9 @@ class VEK0_API CNameAcadConverter {
   /// names that differ only in case stay as they are. Readers see one item then;
   /// `unique` below is the cure.
   explicit CNameAcadConverter(const CData& data);
-  /// With `unique`, no two items of a table have the same name, letter case
-  /// ignored; the first item in table order keeps it. What was changed or coincides
-  /// is added to `report` (may be null) under the codes listed at `SaveDXF`.
+  /// With `unique`, no two items of a table have the same name, ignoring case; the first item in
+  /// table order keeps it. What was changed or coincides is added to `report` (may be null) under
+  /// the codes listed at `SaveDXF`.
   CNameAcadConverter(const CData& data, bool unique, CFileReport* report);
   CNameAcadConverter(const CNameAcadConverter&) = default;
   ~CNameAcadConverter() = default;

@@ -15,12 +15,11 @@ inline constexpr unsigned kSaveVisibleOnly = 2;
 inline constexpr unsigned kSaveSelectedOnly = 4;
 /// Writes neither HEADER nor TABLES.
 inline constexpr unsigned kSaveNoTables = 8;
-/// The form for other programs: every name unique after conversion (letter case
-/// ignored), an LTYPE count (73) of exactly the dashes that follow and its flags
-/// (70) cut to 7 bits, real numbers as the shortest decimals that read back
-/// exactly, `$CECOLOR` and `$HANDSEED` in the header, a layer on every ENDBLK, bulges
-/// (42) for the arcs of polylines instead of their chords, and SOLID or TRACE for filled
-/// faces. Without it the output has the classic form: six decimals, chords, outlines,
+/// The form for other programs: every name unique after conversion (ignoring case), an LTYPE count
+/// (73) of exactly the dashes that follow and its flags (70) cut to 7 bits, real numbers as the
+/// shortest decimals that read back exactly, `$CECOLOR` and `$HANDSEED` in the header, a layer on
+/// every ENDBLK, bulges (42) for the arcs of polylines instead of their chords, and SOLID or TRACE
+/// for filled faces. Without it the output has the classic form: six decimals, chords, outlines,
 /// and names that may coincide once converted.
 inline constexpr unsigned kSaveExchange = 16;
 

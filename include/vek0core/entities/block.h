@@ -91,8 +91,8 @@ class VEK0_API CBlock : public CNamedItem {
   /// inserts this one. To be called after changing an entity in place.
   void invalidateBdry();
 
-  /// Sets base point and flags, and lets go of the entities, which the caller takes
-  /// over: whoever has no list of them yet makes a memento first.
+  /// Sets base point and flags, and releases the entities, which the caller takes over: whoever has
+  /// no list of them yet makes a memento first.
   void redefine(const PNT_3D& base, long flags);
   /// Lets go of all entities without deleting them; leaves the extents empty.
   void clearEntities();
@@ -130,12 +130,12 @@ class VEK0_API CBlock : public CNamedItem {
   /// The inverse of `insertBlock`.
   void removeBlock(IHandleGestor& gestor) const;
 
-  /// Snapshot of base point, flags and the list of entities. The caller owns it; null
-  /// when there is no memory.
+  /// Snapshot of base point, flags and the list of entities. The caller owns it; null when out of
+  /// memory.
   CBlockMemento* createMemento() const;
-  /// Restores the snapshot; entities go back unmoved. Those that the block lets go of
-  /// belong to the caller; those that another owner holds meanwhile are left there.
-  /// Counts and block graph stay as they are: see `CBlockTable::setMemento`.
+  /// Restores the snapshot; entities go back unmoved. Those that the block releases belong to the
+  /// caller; those that another owner holds meanwhile are left there. Counts and block graph stay
+  /// as they are: see `CBlockTable::setMemento`.
   void setMemento(const CBlockMemento& memento);
   /// The same, and `memento` becomes one of what the block was. Allocates nothing.
   void exchange(CBlockMemento& memento);

@@ -13,8 +13,8 @@ class PNT_3D;
 
 /// Makes the blocks of a drawing; a host that wants blocks of its own derives one.
 ///
-/// Every creator returns a new block in no table, which the caller owns, or null when
-/// there is no memory.
+/// Every creator returns a new block in no table, which the caller owns, or null when out of
+/// memory.
 class VEK0_API CBlockFactory {
  public:
   CBlockFactory() = default;

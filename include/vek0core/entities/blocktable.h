@@ -50,7 +50,7 @@ class VEK0_API CBlockTable : public CNamedItemTableImp {
   /// `CNamedItemTableImp::restore`.
   void restore(CBlock* block, const Place& place);
 
-  /// First block added of that name, letter case ignored; null when there is none.
+  /// First block added of that name, ignoring case; null when there is none.
   CBlock* get(std::u16string_view name) const;
   /// Block `i` in order of addition; unchecked.
   CBlock* operator[](int i) const;
@@ -59,8 +59,8 @@ class VEK0_API CBlockTable : public CNamedItemTableImp {
   /// itself, directly or through others.
   bool canRedefine(CBlock* block, const std::list<CEnt*>& newEntities) const;
 
-  /// Gives the block a new base point, flags and content. Answers -1, with nothing
-  /// changed, when `canRedefine` says no, else 0.
+  /// Gives the block a new base point, flags and content. Answers -1, with nothing changed, when
+  /// `canRedefine` says no, else 0.
   ///
   /// The table takes the new entities over on success only. It lets go of the old ones
   /// without deleting them: whoever keeps no undo makes a memento of the block before

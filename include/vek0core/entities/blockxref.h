@@ -223,13 +223,13 @@ class VEK0_API CBlockXRefTable : public CNamedItemTableImp {
   using CNamedItemTableImp::contains;
   using CNamedItemTableImp::getPlace;
 
-  /// Takes the reference over.
+  /// Takes ownership of the reference.
   void add(CBlockXRef* xref);
-  /// Takes it out; the caller owns it from then on.
+  /// Removes it; the caller owns it afterwards.
   void remove(CBlockXRef* xref);
-  /// Puts a reference back to where it stood (`getPlace`).
+  /// Puts a reference back at its former place (`getPlace`).
   void restore(CBlockXRef* xref, const Place& place);
-  /// First one added of that name, letter case ignored; null when there is none.
+  /// First one added of that name, ignoring case; null when there is none.
   CBlockXRef* get(std::u16string_view name) const;
   /// Reference `i` in order of addition; unchecked.
   CBlockXRef* operator[](int i) const;

@@ -134,8 +134,7 @@ class VEK0_API CEnt : public IHandleEnt {
   /// stays empty, and one that awaits its computation goes on waiting.
   void moveBdry(const PNT_3D& delta);
 
-  /// Snapshot of layer, linetype and color. The caller owns it; null when there
-  /// is no memory.
+  /// Snapshot of layer, linetype and color. The caller owns it; null when out of memory.
   CEntBaseMemento* createBaseMemento() const;
 
   /// Restores layer, linetype and color and moves the counts as `setLayer` does.
@@ -166,8 +165,8 @@ class VEK0_API CEnt : public IHandleEnt {
   /// table, is not selected, and counts nowhere.
   CEnt(const CEnt& src, vek0::Handle handle);
 
-  /// New heap copy with the given handle; the caller owns it, null when there is no
-  /// memory. The factories and the table are for kinds that own parts.
+  /// New heap copy with the given handle; the caller owns it, null when out of memory. The
+  /// factories and the table are for kinds that own parts.
   virtual CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
                       CBlockTable& blockTable, vek0::Handle handle) const = 0;
 

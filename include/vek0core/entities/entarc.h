@@ -6,12 +6,12 @@
 #include "vek0core/geometry/arc.h"
 #include "vek0core/tables/handle.h"
 
-/// Arc entity: a part of a circle in a plane z = constant, counter-clockwise from
-/// its start angle to its end angle, in radians.
+/// Arc entity: a part of a circle in a plane z = constant, counterclockwise from its start angle to
+/// its end angle, in radians.
 ///
-/// Invariant: the cached extents are those of the arc after every setter. Writing
-/// through the reference from `getArc()` breaks that on purpose (the transform
-/// visitors change fields, then refresh once); whoever does it calls `calcBdry()`.
+/// Invariant: the cached extents are those of the arc after every setter. Writing through the
+/// reference from `getArc()` breaks that on purpose (the transform visitors change fields, then
+/// refresh once); whoever does it calls `calcBdry()`.
 class VEK0_API CEntArc : public CEnt {
  public:
   static constexpr short kType = 4;  ///< what `getType` answers

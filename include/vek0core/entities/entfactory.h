@@ -38,13 +38,12 @@ class TEXT_3D;
 enum class FaceFill : unsigned char;
 struct HATCH_TYPE;
 
-/// Makes every entity and vertex of a drawing; a host that wants entities of its own
-/// derives a factory and overrides what it replaces.
+/// Makes every entity and vertex of a drawing; a host that wants entities of its own derives a
+/// factory and overrides what it replaces.
 ///
-/// Every creator returns a new object in no table, which the caller owns, or null
-/// when there is no memory. Layer and linetype may be null. The trailing `handle` of
-/// the geometric creators becomes the object's handle; copies get handle 0, since a
-/// handle names one object.
+/// Every creator returns a new object in no table, which the caller owns, or null when out of
+/// memory. Layer and linetype may be null. The trailing `handle` of the geometric creators becomes
+/// the object's handle; copies get handle 0, since a handle names one object.
 class VEK0_API CEntFactory {
  public:
   CEntFactory() = default;

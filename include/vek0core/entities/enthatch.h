@@ -81,8 +81,8 @@ class VEK0_API CEntHatch : public CEntInsertBase {
   /// Everything but the block, which is the given one.
   CEntHatch(const CEntHatch& src, CBlock* block, vek0::Handle handle);
 
-  /// A hatch on a block of that name, made by `createHatch`; without a block when that
-  /// fails. The caller owns both, null when there is no memory.
+  /// A hatch on a block of that name, made by `createHatch`; without a block when that fails. The
+  /// caller owns both, null when out of memory.
   static CEntHatch* Create(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
                            const zim::WString& name, const HATCH_TYPE& type, double scale,
                            double rotate, const std::vector<PNT_3D>& boundary, CData& data);
@@ -138,15 +138,14 @@ VEK0_API zim::WString getHatchName(const CBlockTable& table);
 /// Whether it is a name that `getHatchName` gives.
 VEK0_API bool isHatchName(const zim::WString& name);
 
-/// A new block of that name with the lines (and points, for dots) of the pattern inside
-/// the boundary, on layer "0" with color BYBLOCK and linetype Continuous; for a pattern
-/// without lines, faces that cover the inside. Lengths of the pattern are multiplied by
-/// `scale` and all of it is turned by `rotate` radians about the drawing's origin, where
-/// the pattern starts.
+/// A new block of that name with the lines (and points, for dots) of the pattern inside the
+/// boundary, on layer "0" with color BYBLOCK and linetype Continuous; for a pattern without lines,
+/// faces that cover the inside. Lengths of the pattern are multiplied by `scale` and all of it is
+/// turned by `rotate` radians about the drawing's origin, where the pattern starts.
 ///
-/// The block is in no table and the caller owns it. Null when there is no memory or the
-/// lines cannot be generated: scale, angle or pattern make no sense, or there would be
-/// more than the drawing allows (`CData::getHatchLimit`); the message handler is told.
+/// The block is in no table and the caller owns it. Null when out of memory or the lines cannot be
+/// generated: scale, angle or pattern make no sense, or there would be more than the drawing allows
+/// (`CData::getHatchLimit`); the message handler is told.
 VEK0_API CBlock* createHatch(const zim::WString& name, const HATCH_TYPE& type, double scale,
                              double rotate, const std::vector<PNT_3D>& boundary, CData& data);
 

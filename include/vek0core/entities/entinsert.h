@@ -47,7 +47,7 @@ class VEK0_API CEntInsertBase : public CEnt {
   /// Attribute `i` in order of addition; null for an index outside.
   virtual CEntAttrib* GetAttrib(unsigned i) const;
 
-  /// Rotation in radians, counter-clockwise.
+  /// Rotation in radians, counterclockwise.
   virtual double getRotate() const = 0;
   /// Insertion point, scales and rotation on a display where one pixel measures
   /// `pixelSize` drawing units; only inserts of fixed pixel size depend on it.

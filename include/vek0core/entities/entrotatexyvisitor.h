@@ -14,7 +14,7 @@
 /// center or an angle that is not finite turns nothing. A `CVertex` alone is not turned.
 class VEK0_API CEntRotateXYVisitor final : public IEntVisitor {
  public:
-  /// The angle is in radians, counter-clockwise.
+  /// The angle is in radians, counterclockwise.
   CEntRotateXYVisitor(const PNT_3D& centre, double angle);
   /// Turns by degrees, whole turns left out. Points turn by just that angle. What files state
   /// in degrees (rotations of texts, inserts and patterns, ends of arcs) gains as many of

@@ -57,8 +57,8 @@ class VEK0_API CEntTable {
   /// changed; the entity still is the caller's then.
   void add(CEnt* ent);
 
-  /// Unselects the entity, takes it out and unregisters it; the caller owns it from
-  /// then on and may add it again, for instance to undo. Invalidates the extents.
+  /// Unselects the entity, takes it out and unregisters it; the caller owns it afterwards and may
+  /// add it again, for instance to undo. Invalidates the extents.
   void remove(CEnt* ent);
 
   /// Where an entity stands: what it takes to put it there again.

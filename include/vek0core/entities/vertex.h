@@ -62,7 +62,7 @@ class VEK0_API CVertex : public IHandleEnt {
   /// Whether either width is not exactly 0.
   bool IsWide() const { return m_widthStart != 0.0 || m_widthEnd != 0.0; }
 
-  /// The caller owns it; null when there is no memory.
+  /// The caller owns it; null when out of memory.
   CVertexMemento* createMemento() const;
   void setMemento(const CVertexMemento* memento);
 

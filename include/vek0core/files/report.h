@@ -20,7 +20,7 @@ class VEK0_API CFileReport {
   static constexpr std::size_t kMaxEntries = 1000;
 
   struct Entry {
-    const char* code;     ///< what happened, in a few fixed words
+    const char* code;     ///< what happened, in a fixed phrase
     long firstLine;       ///< line of the file where it happened first; 0 when it has none
     long count;           ///< how often
     zim::WString sample;  ///< the name or value at fault

@@ -7,10 +7,10 @@
 
 /// Arc in a plane z = constant: a circle and two angles.
 ///
-/// Angles are radians, counter-clockwise from the positive x axis, both in
-/// [0, 2*pi) after construction or `set`; who writes the fields directly may store
-/// others. The arc runs counter-clockwise from startAngle to endAngle; equal angles
-/// mean the full turn, never nothing. Comparison is exact.
+/// Angles are radians, counterclockwise from the positive x axis, both in [0, 2*pi) after
+/// construction or `set`; who writes the fields directly may store others. The arc runs
+/// counterclockwise from startAngle to endAngle; equal angles mean the full turn, never nothing.
+/// Comparison is exact.
 class VEK0_API ARC_3D : public CIRCLE_3D {
  public:
   ARC_3D() = default;
@@ -38,9 +38,9 @@ class VEK0_API ARC_3D : public CIRCLE_3D {
   /// angle gives 0.
   static double normal(double angleRad);
 
-  /// The arc from p1 through p2 to p3, at the z of p1. It is stored
-  /// counter-clockwise, so its ends are exchanged when the points turn right. False,
-  /// and unchanged, when they lie in line (see `CIRCLE_3D::Create`).
+  /// The arc from p1 through p2 to p3, at the z of p1. It is stored counterclockwise, so its ends
+  /// are exchanged when the points turn right. False, and unchanged, when they lie in line (see
+  /// `CIRCLE_3D::Create`).
   bool Create(const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3);
 
   /// The angles as a sweep: start < end <= start + 2*pi.
@@ -77,11 +77,11 @@ class VEK0_API ARC_3D : public CIRCLE_3D {
   long filter(long count, PNT_2D& p1, const PNT_2D& p2) const;
 };
 
-/// The arc of a polyline segment from p0 to p1 whose bulge is the tangent of a quarter
-/// of its angle, positive when it turns left. False, and `arc` unchanged, when the
-/// segment is straight: bulge 0 or not finite, ends that coincide within 1e-12, or a
-/// rise over the chord below 1e-12 of the coordinates, a radius whose square overflows.
-/// The arc is stored counter-clockwise, so a negative bulge exchanges its ends.
+/// The arc of a polyline segment from p0 to p1 whose bulge is the tangent of a quarter of its
+/// angle, positive when it turns left. False, and `arc` unchanged, when the segment is straight:
+/// bulge 0 or not finite, ends that coincide within 1e-12, or a rise over the chord below 1e-12 of
+/// the coordinates, a radius whose square overflows. The arc is stored counterclockwise, so a
+/// negative bulge exchanges its ends.
 VEK0_API bool createArcFromBulge(const PNT_3D& p0, const PNT_3D& p1, double bulge, ARC_3D& arc);
 
 /// How far chords may leave their arc, as a share of the radius, unless told otherwise.

@@ -14,21 +14,20 @@ struct EDGE_CROSSING {
   double t, u;
 };
 
-/// A directed piece of a curve from p1 to p2: straight, or an arc of a circle. What lines,
-/// circles, arcs and the segments of polylines have in common.
+/// A directed piece of a curve from p1 to p2: straight, or an arc of a circle. What lines, circles,
+/// arcs and the segments of polylines have in common.
 ///
-/// It lives in the plane; z goes linearly from end to end. A parameter is the share of the
-/// length from p1: 0 there, 1 at p2; others lie on the carrier, the whole line or circle.
-/// An arc keeps center and radius, so that parts of a circle stay on that circle exactly.
-/// `sweep` is the angle from p1 to p2 in radians, positive counter-clockwise, at most a
-/// full turn; 0 for a straight edge, whose center, radius and angle mean nothing. The
-/// default constructor sets nothing else.
+/// It lives in the plane; z goes linearly from end to end. A parameter is the share of the length
+/// from p1: 0 there, 1 at p2; others lie on the carrier, the whole line or circle. An arc keeps
+/// center and radius, so that parts of a circle stay on that circle exactly. `sweep` is the angle
+/// from p1 to p2 in radians, positive counterclockwise, at most a full turn; 0 for a straight edge,
+/// whose center, radius and angle mean nothing. The default constructor sets nothing else.
 class VEK0_API EDGE_3D {
  public:
   EDGE_3D() = default;
   EDGE_3D(const PNT_3D& a, const PNT_3D& b) : p1(a), p2(b) {}
   explicit EDGE_3D(const LINE_3D& line) : EDGE_3D(line.p1, line.p2) {}
-  /// Counter-clockwise, as the arc runs. A negative radius is measured the other way.
+  /// Counterclockwise, as the arc runs. A negative radius is measured the other way.
   explicit EDGE_3D(const ARC_3D& arc);
   /// A full turn from the direction of the x axis.
   explicit EDGE_3D(const CIRCLE_3D& circle);
@@ -57,7 +56,7 @@ class VEK0_API EDGE_3D {
   void move(const PNT_3D& delta);
   /// Tangent of a quarter of the sweep; 0 for a straight edge.
   double bulge() const;
-  /// The arc as entities have it, counter-clockwise, at the z of p1.
+  /// The arc as entities have it, counterclockwise, at the z of p1.
   ARC_3D toArc() const;
   RECT_2D bdry() const;  ///< exact, in the plane
 

@@ -37,8 +37,8 @@ class VEK0_API PATH_3D {
   RECT_2D bdry() const;
   /// Whether every number is finite and below 1e100.
   bool isFinite() const;
-  /// The area inside, positive when the path runs counter-clockwise; an open path counts as
-  /// closed by a segment.
+  /// The area inside, positive when the path runs counterclockwise; an open path counts as closed
+  /// by a segment.
   double area() const;
 
   /// The place nearest to `p`: the edge and the parameter there. The path is not empty.

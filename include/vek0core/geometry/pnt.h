@@ -38,8 +38,8 @@ class VEK0_API PNT_2D {
   void setX(double px) { x = px; }
   void setY(double py) { y = py; }
 
-  /// Direction from here to `p` in radians, in [0, 2*pi), counter-clockwise from the
-  /// positive x axis; 0 when the points are equal.
+  /// Direction from here to `p` in radians, in [0, 2*pi), counterclockwise from the positive x
+  /// axis; 0 when the points are equal.
   double angle(const PNT_2D& p) const;
 
   /// Distance in the plane.
@@ -51,7 +51,7 @@ class VEK0_API PNT_2D {
     return (px - x) * (px - x) + (py - y) * (py - y);
   }
 
-  /// Turns the point counter-clockwise by `angleRad` about `center`.
+  /// Rotates the point counterclockwise by `angleRad` about `center`.
   void rotate(const PNT_2D& center, double angleRad);
 
   double x, y;
@@ -112,8 +112,8 @@ class VEK0_API PNT_3D : public PNT_2D {
   }
   /// Scales all three coordinates about `center`.
   void scale(const PNT_3D& center, double factor);
-  /// Turns the point by `angleRad` about the vertical axis through `center`, whose
-  /// z does not matter; z stays.
+  /// Rotates the point by `angleRad` about the vertical axis through `center`, whose z does not
+  /// matter; z stays.
   void rotate(const PNT_3D& center, double angleRad);
   /// The degenerate box of this point.
   void calc_bdry(RECT_3D& box) const;
@@ -136,8 +136,8 @@ VEK0_API bool pntsInLine(const PNT_2D& a, const PNT_2D& b, const PNT_2D& c);
 /// each as it is.
 VEK0_API bool pntsInLine(const PNT_3D& a, const PNT_3D& b, const PNT_3D& c);
 
-/// Nearest integer, halves upward: 2.5 gives 3, -2.5 gives -2. Values beyond `int`
-/// give its ends, not-a-number gives 0.
+/// Nearest integer, halves upward: 2.5 gives 3, -2.5 gives -2. Values beyond `int` give its ends,
+/// NaN gives 0.
 VEK0_API int iround(double v);
 VEK0_API double fround(double v);  ///< the same as a double, without limits
 

@@ -12,7 +12,7 @@
 /// pattern units: a hatch lays the pattern at its own scale and angle. These are the
 /// conventions of pattern definition files, but for the angle, which they give in degrees.
 struct HATCH_LINE {
-  double angle;          ///< direction of the lines, radians, counter-clockwise from the x axis
+  double angle;          ///< direction of the lines, radians, counterclockwise from the x axis
   double x0, y0;         ///< a point of one of the lines
   double dx;             ///< shift of the dashes from one line to the next, along the lines
   double dy;             ///< distance from one line to the next, across them; may be negative
@@ -37,8 +37,8 @@ struct HATCH_TYPE {
 /// constructed, lives as long as the program, and never changes. Its lengths are inches,
 /// those of the "ACAD_ISO" patterns millimeters.
 VEK0_API const HATCH_TYPE* getHatch(long index);
-/// The first pattern of that name, letter case ignored; null when there is none. Costs the
-/// logarithm of the catalogue's size.
+/// The first pattern of that name, ignoring case; null when there is none. Costs the logarithm of
+/// the catalogue's size.
 VEK0_API const HATCH_TYPE* getHatch(const zim::WString& name);
 /// The index of a record of the catalogue; -1 for any other, also for a copy of one.
 VEK0_API long getHatch(const HATCH_TYPE& type);

@@ -21,12 +21,12 @@ class VEK0_API CHatchTypeTable {
   CHatchTypeTable& operator=(const CHatchTypeTable&) = delete;
   ~CHatchTypeTable();
 
-  /// The pattern of that name (letter case counts) and exactly those lines; copied when it
-  /// is new. Zeros are equal whatever their sign, and not-a-number is equal to itself. Whoever
-  /// computes lines rounds them first, or noise in the last digits makes two patterns of one.
+  /// The pattern of that name (letter case counts) and exactly those lines; copied when it is new.
+  /// Zeros are equal whatever their sign, and NaN is equal to itself. Whoever computes lines rounds
+  /// them first, or noise in the last digits makes two patterns of one.
   ///
-  /// Linear in the length of the name and the number of lines, on average, however many
-  /// patterns of that name the table holds.
+  /// Linear in the length of the name and the number of lines, on average, however many patterns of
+  /// that name the table holds.
   const HATCH_TYPE& intern(const zim::WString& name, const std::vector<HATCH_LINE>& lines);
   /// The same pattern as `type`: itself when it is in the catalogue, for which the cost is
   /// constant.

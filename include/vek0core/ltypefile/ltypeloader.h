@@ -71,7 +71,7 @@ class VEK0_API CLtypeLoader {
   CLtypeLoader(const CStyleTable& styles, CLtypeFactory& factory)
       : m_styles(styles), m_factory(factory) {}
   /// The copy has its own copies of the linetypes, and the source's notifier. Throws
-  /// `std::bad_alloc` when there is no memory for them.
+  /// `std::bad_alloc` when out of memory for them.
   CLtypeLoader(const CLtypeLoader& src);
   CLtypeLoader& operator=(const CLtypeLoader&) = delete;
   virtual ~CLtypeLoader() = default;

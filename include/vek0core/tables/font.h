@@ -58,8 +58,8 @@ class VEK0_API CFontTable {
 
   /// Appends and takes over; null is ignored, and so is a font that is there already.
   void add(ICADFont* font);
-  /// First font added of exactly this name, letter case counting; otherwise the
-  /// default font when `orDefault`, else null.
+  /// First font added of exactly this name, case-sensitive; otherwise the default font when
+  /// `orDefault`, else null.
   const ICADFont* get(const zim::WString& name, bool orDefault) const;
   int size() const { return static_cast<int>(m_fonts.size()); }
   /// Font `i` in order of addition; unchecked.

@@ -9,7 +9,7 @@ class CLayer0;
 class CLayerXRef;
 class CLtype;
 
-/// Told which kind of layer a visited one is.
+/// Visitor that distinguishes the kinds of layer.
 class VEK0_API ILayerVisitor {
  public:
   virtual ~ILayerVisitor() = default;
@@ -80,7 +80,7 @@ class VEK0_API CLayer : public CNamedItem {
   enumLineWidth getLineWidth() const { return m_lineWidth; }
   void setLineWidth(enumLineWidth width) { m_lineWidth = width; }
 
-  /// The caller owns the snapshot; null when there is no memory.
+  /// The caller owns the snapshot; null when out of memory.
   CLayerMemento* createMemento() const;
   /// Throws `std::bad_alloc` with nothing changed. Going back to what the layer was needs no
   /// memory.
@@ -108,8 +108,8 @@ class VEK0_API CLayer0 : public CLayer {
   CLayer0(CLtype* ltype, short color, long flags) : CLayer(u"0", ltype, color, flags) {}
 };
 
-/// Makes layers; the caller owns them until a table takes them. Null when there is no
-/// memory. Counting on the linetype is the table's.
+/// Creates layers; the caller owns them until a table takes them. Null when out of memory. Counting
+/// on the linetype is the table's.
 class VEK0_API CLayerFactory {
  public:
   virtual ~CLayerFactory() = default;

@@ -18,13 +18,13 @@ class VEK0_API CLayerTable : public CNamedItemTableImp {
 
   /// Takes the layer over and counts it on its linetype.
   void add(CLayer* layer);
-  /// Takes it out; the caller owns it from then on. The linetype counts one layer less
-  /// even when the layer was not in the table.
+  /// Removes it; the caller owns it afterwards. The linetype counts one layer less even when the
+  /// layer was not in the table.
   void remove(CLayer* layer);
-  /// Puts a layer back to where it stood (`getPlace`), as if it had never been removed.
+  /// Puts a layer back at its former place (`getPlace`), as if it had never been removed.
   void restore(CLayer* layer, const Place& place);
-  /// "0" exactly gives layer "0"; otherwise the first layer added of that name, letter
-  /// case ignored; null when there is none.
+  /// "0" exactly gives layer "0"; otherwise the first layer added of that name, ignoring case; null
+  /// when there is none.
   CLayer* get(std::u16string_view name) const;
   /// Layer `i` of the list in order of addition; unchecked.
   CLayer* operator[](int i) const {

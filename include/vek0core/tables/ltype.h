@@ -13,7 +13,7 @@ class CLtypeByLayer;
 class CLtypeContinuous;
 class CLtypeXRef;
 
-/// Told which kind of linetype a visited one is.
+/// Visitor that distinguishes the kinds of linetype.
 class VEK0_API ILtypeVisitor {
  public:
   virtual ~ILtypeVisitor() = default;
@@ -64,9 +64,8 @@ class VEK0_API CLtype : public CNamedItem {
   virtual bool isByBlock() const { return false; }
   virtual bool isXRef() const { return false; }
 
-  /// Equal names (letter case ignored), flags, descriptions (exactly), and as many
-  /// elements; their values are not looked at. The cheap test for matching linetypes
-  /// by definition.
+  /// Equal names (ignoring case), flags, descriptions (exactly), and as many elements; their values
+  /// are not looked at. The cheap test for matching linetypes by definition.
   bool operator==(const CLtype& other) const;
   bool operator!=(const CLtype& other) const { return !(*this == other); }
 
@@ -94,7 +93,7 @@ class VEK0_API CLtype : public CNamedItem {
   void decLayer() { --m_layers; }
   void zeroLayers() { m_layers = 0; }
 
-  /// The caller owns the snapshot; null when there is no memory.
+  /// The caller owns the snapshot; null when out of memory.
   CLtypeMemento* createMemento() const;
   /// Throws `std::bad_alloc` with nothing changed.
   void setMemento(const CLtypeMemento& memento);
@@ -149,8 +148,7 @@ class VEK0_API CLtypeByBlock : public CLtype {
   CLtypeByBlock();
 };
 
-/// Makes linetypes; the caller owns them until a table takes them. Null when there is
-/// no memory.
+/// Creates linetypes; the caller owns them until a table takes them. Null when out of memory.
 class VEK0_API CLtypeFactory {
  public:
   virtual ~CLtypeFactory() = default;

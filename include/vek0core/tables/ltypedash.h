@@ -22,7 +22,7 @@ class VEK0_API ILtypeComplexDash {
   virtual const TEXT_3D* GetText() const { return nullptr; }
   /// Box of the element when it stands at the origin along the x axis.
   virtual void GetBdry(RECT_2D& box) const = 0;
-  /// The caller owns the copy; null when there is no memory.
+  /// The caller owns the copy; null when out of memory.
   virtual ILtypeComplexDash* Clone() const = 0;
 };
 
@@ -102,7 +102,7 @@ class VEK0_API CLtypeComplexDashSeq {
   /// Box of the pattern along the x axis, texts included; empty without elements.
   void GetBdry(RECT_2D& box) const;
 
-  /// The caller owns the snapshot; null when there is no memory.
+  /// The caller owns the snapshot; null when out of memory.
   CLtypeComplexDashSeqMemento* CreateMemento() const;
   /// Throws `std::bad_alloc` with nothing changed. Needs no memory where it `hasShapeOf` that.
   void SetMemento(const CLtypeComplexDashSeqMemento* memento);

@@ -16,13 +16,13 @@ class VEK0_API CLtypeTable : public CNamedItemTableImp {
   /// A view, see `CNamedItemTableImp`; it names the source's fixed linetypes.
   CLtypeTable(const CLtypeTable& src) = default;
 
-  /// Takes the linetype over.
+  /// Takes ownership of the linetype.
   void add(CLtype* ltype) { CNamedItemTableImp::add(ltype); }
-  /// Takes it out; the caller owns it from then on.
+  /// Removes it; the caller owns it afterwards.
   void remove(CLtype* ltype) { CNamedItemTableImp::remove(ltype); }
-  /// Puts a linetype back to where it stood (`getPlace`).
+  /// Puts a linetype back at its former place (`getPlace`).
   void restore(CLtype* ltype, const Place& place) { CNamedItemTableImp::restore(ltype, place); }
-  /// The linetype of that name, letter case ignored; null when there is none.
+  /// The linetype of that name, ignoring case; null when there is none.
   CLtype* get(std::u16string_view name) const;
   /// Linetype `i` of the list in order of addition; unchecked.
   CLtype* operator[](int i) const {

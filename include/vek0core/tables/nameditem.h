@@ -29,7 +29,7 @@ class VEK0_API CNamedItem {
  public:
   virtual ~CNamedItem();
 
-  /// Equal names, letter case ignored, and equal flags.
+  /// Equal names, ignoring case, and equal flags.
   bool operator==(const CNamedItem& other) const;
   bool operator!=(const CNamedItem& other) const { return !(*this == other); }
 
@@ -116,7 +116,7 @@ class VEK0_API CNamedItemTableImp {
 
   /// Appends the item, which then belongs to the table.
   void add(CNamedItem* item);
-  /// Takes the item out; the caller owns it from then on. Others are ignored.
+  /// Takes the item out; the caller owns it afterwards. Others are ignored.
   void remove(CNamedItem* item);
   /// Where an item of this table stands. Constant time but for long runs of holes.
   Place getPlace(const CNamedItem& item) const;
@@ -125,11 +125,10 @@ class VEK0_API CNamedItemTableImp {
   /// are undone last to first; where it is not, the item goes to the end. Costs what `add`
   /// does, unless the table was closed up meanwhile: then it is linear once in a while.
   void restore(CNamedItem* item, const Place& place);
-  /// Takes all items out at once, for less than one by one; the caller owns them from
-  /// then on. A view only forgets them and answers none. In order.
+  /// Takes all items out at once, for less than one by one; the caller owns them afterwards. A view
+  /// only forgets them and answers none. In order.
   std::vector<CNamedItem*> removeAll();
-  /// First item added whose name equals `name`, letter case ignored; null when none
-  /// does.
+  /// First item added whose name equals `name`, ignoring case; null when none does.
   CNamedItem* get(std::u16string_view name) const;
   /// Item at a position, unchecked.
   CNamedItem* operator[](int i) const;

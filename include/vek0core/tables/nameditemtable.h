@@ -16,11 +16,11 @@ class CNamedItemTable : public CNamedItemTableImp {
   CNamedItemTable(const CNamedItemTable&) = delete;
   CNamedItemTable& operator=(const CNamedItemTable&) = delete;
 
-  /// Takes the item over.
+  /// Takes ownership of the item.
   void add(T* item) { CNamedItemTableImp::add(item); }
-  /// Takes it out; the caller owns it from then on.
+  /// Removes it; the caller owns it afterwards.
   void remove(T* item) { CNamedItemTableImp::remove(item); }
-  /// First item added of that name, letter case ignored; null when there is none.
+  /// First item added of that name, ignoring case; null when there is none.
   T* get(std::u16string_view name) const { return static_cast<T*>(CNamedItemTableImp::get(name)); }
   /// Item `i` in order of addition; unchecked.
   T* operator[](int i) const { return static_cast<T*>(CNamedItemTableImp::operator[](i)); }

@@ -10,8 +10,8 @@ class CNamedItem;
 
 namespace vek0::detail {
 
-/// Finds the items of a table by name, letter case ignored; among equal names the one
-/// added first. Owns nothing.
+/// Finds the items of a table by name, ignoring case; among equal names the one added first. Owns
+/// nothing.
 ///
 /// An open-addressing table of 16 bytes a slot; items of equal names are chained through
 /// themselves. A file of 80,000 layers loads in 112 ms, with a map of names in 172: nothing is

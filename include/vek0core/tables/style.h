@@ -7,7 +7,7 @@ class CStyle;
 class CStyleStandard;
 class ICADFont;
 
-/// Told which kind of style a visited one is.
+/// Visitor that distinguishes the kinds of style.
 class VEK0_API IStyleVisitor {
  public:
   virtual ~IStyleVisitor() = default;
@@ -49,8 +49,8 @@ class VEK0_API CStyle : public CNamedItem {
   virtual void accept(IStyleVisitor& visitor) { visitor.visit(*this); }
   virtual bool isStandard() const { return false; }
 
-  /// Equal names (letter case ignored), flags, fonts, fixed heights, width scales and
-  /// obliques. The last height is only a memory of the user interface and left out.
+  /// Equal names (ignoring case), flags, fonts, fixed heights, width scales and obliques. The last
+  /// height is only a memory of the user interface and left out.
   bool operator==(const CStyle& s) const;
   bool operator!=(const CStyle& s) const { return !(*this == s); }
 
@@ -78,7 +78,7 @@ class VEK0_API CStyle : public CNamedItem {
   void addDash() { ++m_dashes; }
   void decDash() { --m_dashes; }
 
-  /// The caller owns the snapshot; null when there is no memory.
+  /// The caller owns the snapshot; null when out of memory.
   CStyleMemento* createMemento() const;
   /// Throws `std::bad_alloc` with nothing changed. Going back to what the style was needs no
   /// memory.
@@ -107,8 +107,7 @@ class VEK0_API CStyleStandard : public CStyle {
                  double lastHeight, long flags);
 };
 
-/// Makes styles; the caller owns them until a table takes them. Null when there is no
-/// memory.
+/// Creates styles; the caller owns them until a table takes them. Null when out of memory.
 class VEK0_API CStyleFactory {
  public:
   virtual ~CStyleFactory() = default;

@@ -15,13 +15,13 @@ class VEK0_API CStyleTable : public CNamedItemTableImp {
   /// A view, see `CNamedItemTableImp`.
   CStyleTable(const CStyleTable& src) = default;
 
-  /// Takes the style over.
+  /// Takes ownership of the style.
   void add(CStyle* style) { CNamedItemTableImp::add(style); }
-  /// Takes it out; the caller owns it. Without its "STANDARD" the table has none.
+  /// Removes it; the caller owns it afterwards. Without its "STANDARD" the table has none.
   void remove(CStyle* style);
-  /// Puts a style back to where it stood (`getPlace`); "STANDARD" is that again.
+  /// Puts a style back at its former place (`getPlace`); "STANDARD" is that again.
   void restore(CStyle* style, const Place& place);
-  /// First style added of that name, letter case ignored; null when there is none.
+  /// First style added of that name, ignoring case; null when there is none.
   CStyle* get(std::u16string_view name) const {
     return static_cast<CStyle*>(CNamedItemTableImp::get(name));
   }

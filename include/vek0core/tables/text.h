@@ -59,9 +59,9 @@ class VEK0_API TEXT_3D : public PNT_3D {
   /// written backward.
   double getStringLength() const;
 
-  /// Corners of the text's box, counter-clockwise from the lower left as written:
-  /// from the descent to the text height, sheared by the oblique, rotated. All four
-  /// are the insertion point for an empty string. `corners` holds four.
+  /// Corners of the text's box, counterclockwise from the lower left as written: from the descent
+  /// to the text height, sheared by the oblique, rotated. All four are the insertion point for an
+  /// empty string. `corners` holds four.
   void getExtremes(PNT_3D* corners) const;
   void calc_bdry(RECT_2D& box) const;
   void calc_bdry(RECT_3D& box) const;
@@ -69,7 +69,7 @@ class VEK0_API TEXT_3D : public PNT_3D {
   /// Scales the point about `center` and the height by the factor's magnitude; a
   /// negative factor also adds half a turn.
   void scale(const PNT_3D& center, double factor);
-  /// Turns the point about the vertical axis through `center` and adds the angle.
+  /// Rotates the point about the vertical axis through `center` and adds the angle.
   void rotate(const PNT_3D& center, double angleRad);
 
  private:

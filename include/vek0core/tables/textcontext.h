@@ -16,7 +16,7 @@ class VEK0_API CTextContext {
         m_rotate(rotate),
         m_string(string) {}
 
-  /// Exact, letter case counting.
+  /// Exact, case-sensitive.
   bool operator==(const CTextContext& c) const {
     return m_height == c.m_height && m_rotate == c.m_rotate && m_widthScale == c.m_widthScale &&
            m_oblique == c.m_oblique && m_string == c.m_string;

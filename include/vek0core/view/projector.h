@@ -65,8 +65,8 @@ class VEK0_API CPLProjector : public IProjector {
   void to3D(double u, double v, double depth, double& x, double& y, double& z) const override;
 };
 
-/// Seen from above with the view turned counter-clockwise about a center, so that the
-/// drawing turns clockwise in it; the center is at (0, 0) of the view. The depth is z.
+/// Seen from above with the view turned counterclockwise about a center, so that the drawing turns
+/// clockwise in it; the center is at (0, 0) of the view. The depth is z.
 class VEK0_API CPORotatedProjector : public IProjector {
  public:
   /// The angle is in radians.

@@ -71,7 +71,7 @@ class VEK0_API CWndVpt {
   /// leaves the window as it is, so that a view survives being hidden.
   bool resize(long width, long height);
 
-  /// The caller owns the snapshot; null when there is no memory.
+  /// The caller owns the snapshot; null when out of memory.
   CWndVptMemento* createMemento() const;
   /// Brings back center and scales, and the window exactly; on a device of another size
   /// the window is the one that belongs to them there.
