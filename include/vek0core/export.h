@@ -1,8 +1,7 @@
 #pragma once
 
-/// Symbols are hidden by default; what carries VEK0_API is the library's interface.
-/// A static build needs no decoration, and consumers of one define VEK0_STATIC
-/// through the CMake target.
+/// Symbols are hidden by default; VEK0_API exports the public interface. A static build needs no
+/// decoration; the CMake target defines VEK0_STATIC for its consumers.
 #if defined(VEK0_STATIC)
 #define VEK0_API
 #elif defined(_WIN32)

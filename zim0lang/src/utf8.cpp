@@ -11,7 +11,7 @@ unsigned char byteAt(std::string_view text, std::size_t i) {
   return static_cast<unsigned char>(text[i]);
 }
 
-// Bytes that a sequence with this first byte has; 0 when no sequence starts so.
+// Length of a sequence with this first byte; 0 if no sequence starts with it.
 std::size_t sequenceLength(unsigned char first) {
   if (first < 0x80) return 1;
   if (first < 0xC2) return 0;
@@ -20,7 +20,7 @@ std::size_t sequenceLength(unsigned char first) {
   return first < 0xF5 ? 4 : 0;
 }
 
-// The code point of the well-formed sequence at the front, or U+110000.
+// The code point of the sequence at the front, or U+110000 if it is malformed.
 char32_t decodeFront(std::string_view text, std::size_t length) {
   constexpr char32_t kBad = 0x110000;
   constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};

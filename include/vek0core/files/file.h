@@ -3,63 +3,60 @@
 #include "vek0core/export.h"
 #include "zim0lang/wstring.h"
 
-/// A text file as the readers and writers see it: they never touch the platform.
+/// The text file interface of the readers and writers, which never access the platform directly.
 ///
-/// A host derives from it to read from and write to wherever it keeps drawings.
-/// Lines are enough; a file that also offers bytes is read and written several
-/// times faster. From open to close a file is used either by lines, or by bytes,
-/// or by units, never by two of them.
+/// A host derives from it to read and write drawings wherever it keeps them. Line access is
+/// sufficient; a file that also supports byte access is read and written several times faster.
+/// Between open and close, a file is accessed by lines, by bytes or by units, never by a mix of
+/// them.
 ///
-/// Nothing here throws, apart from `std::bad_alloc`. The virtual functions stand in
-/// a fixed order.
+/// Nothing here throws except `std::bad_alloc`. The order of the virtual functions is fixed.
 class VEK0_API IFile {
  public:
-  static constexpr long kRead = 1;   ///< mode of a file that is read
-  static constexpr long kWrite = 2;  ///< mode of a file that is written, replacing what was there
+  static constexpr long kRead = 1;   ///< open for reading
+  static constexpr long kWrite = 2;  ///< open for writing, replacing any existing content
 
   virtual ~IFile();
 
-  /// The name given at construction.
+  /// The name passed to the constructor.
   const zim::WString& getName() const { return m_name; }
 
-  /// Opens the file at its start; false when that is impossible.
+  /// Opens the file at its beginning. Returns false on failure.
   virtual bool open() = 0;
 
-  /// Closes the file; nothing happens when it is not open.
+  /// Closes the file; does nothing if it is not open.
   virtual void close() = 0;
 
   virtual bool isOpened() = 0;
 
-  /// Reads up to `n` units in the machine's byte order, undecoded, into `buf`.
-  /// Returns the count, or -1 when nothing was read. Belongs to no line format:
-  /// texts are read by lines.
+  /// Reads up to `n` units in the machine's byte order, undecoded, into `buf`. Returns the count,
+  /// or -1 when nothing was read. Not for text, which is read by lines.
   virtual long read(zim::Char* buf, long n) = 0;
 
-  /// Writes `n` units in the machine's byte order, not encoded. Returns the count
-  /// written, or -1 when there was none.
+  /// Writes `n` units in the machine's byte order, not encoded. Returns the count written, or -1 if
+  /// none were.
   virtual long write(const zim::Char* buf, long n) = 0;
 
-  /// Reads one line: at most `n` - 1 units, then the terminator; `buf` holds `n`.
-  /// The line end is kept, and what did not fit comes with the next call. Returns
-  /// true when a line was read. When nothing was read it returns false at the end
-  /// of the file and true after any other failure, so callers also ask `fail`.
+  /// Reads one line: at most `n` - 1 units, then the terminator; `buf` holds `n`. The line end is
+  /// kept, and whatever did not fit is returned by the next call. Returns true if a line was read.
+  /// If nothing was read, it returns false at the end of the file and true after any other failure,
+  /// so callers must also check `fail`.
   virtual bool readLn(zim::Char* buf, long n) = 0;
 
-  /// Writes the text up to its terminator as it stands; the line end is the
-  /// caller's. False when the file did not take all of it.
+  /// Writes the text up to its terminator unchanged; the caller supplies the line end. Returns
+  /// false if not all of it could be written.
   virtual bool writeLn(const zim::Char* text) = 0;
 
-  /// Whether the file is not open or an operation on it failed.
+  /// Whether the file is closed or an operation on it has failed.
   virtual bool fail() = 0;
 
-  /// Reads up to `n` bytes as they stand in the file. Returns the count, 0 at the
-  /// end and after a failure (`fail` tells which), or -1 when the file has no
-  /// bytes to offer: so by default, and the caller reads lines instead.
+  /// Reads up to `n` raw bytes. Returns the count, 0 at the end or after a failure (`fail`
+  /// distinguishes them), or -1, the default, if the file does not support byte access: the caller
+  /// then reads lines instead.
   virtual long readBytes(char* buf, long n);
 
-  /// Writes `n` bytes of text in the code page of written files (Windows 1252).
-  /// False when the file did not take all of them. By default they are widened
-  /// and handed to `writeLn`.
+  /// Writes `n` bytes of text in the code page of written files (Windows 1252). Returns false if
+  /// not all of them could be written. By default they are widened and passed to `writeLn`.
   virtual bool writeBytes(const char* text, long n);
 
  protected:

@@ -13,19 +13,18 @@ class LineDecoder;
 
 /// A file in memory, for hosts that keep drawings elsewhere, pipes and tests.
 ///
-/// Lines are read and written as those of `CFileStdLib`, with LF as line end on
-/// every platform. It may be opened any number of times: each time reading starts
-/// again at the first byte, and writing starts again with no byte. A copy has its
-/// own bytes and is closed.
+/// Lines are read and written as by `CFileStdLib`, with LF as the line end on every platform. It
+/// may be opened any number of times: each time, reading restarts at the first byte and writing
+/// restarts with an empty file. A copy has its own bytes and is closed.
 class VEK0_API CFileMemory : public IFile {
  public:
-  /// `bytes` is what a reader finds; a file that is written starts empty.
+  /// `bytes` is the content for reading; a file opened for writing starts empty.
   CFileMemory(const zim::WString& name, long mode, std::string bytes = {});
   CFileMemory(const CFileMemory& other);
   CFileMemory& operator=(const CFileMemory& other);
   ~CFileMemory() override;
 
-  /// Everything that the file holds, or was written since the last `open`.
+  /// The whole content: that given for reading, or that written since the last `open`.
   const std::string& bytes() const { return m_bytes; }
 
   bool open() override;
@@ -36,7 +35,7 @@ class VEK0_API CFileMemory : public IFile {
   bool readLn(zim::Char* buf, long n) override;
   bool writeLn(const zim::Char* text) override;
   bool fail() override { return !m_opened; }
-  /// -1 once `readLn` was used, for the bytes then lie in its buffer.
+  /// Returns -1 once `readLn` was used, because the bytes are then in its buffer.
   long readBytes(char* buf, long n) override;
   bool writeBytes(const char* text, long n) override;
 

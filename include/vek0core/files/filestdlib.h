@@ -4,28 +4,29 @@
 
 #include "vek0core/files/file.h"
 
-/// A file of the platform.
+/// A file on the platform's file system.
 ///
-/// Reading by lines takes UTF-8 where a line is valid UTF-8 and Windows 1252
-/// otherwise, UTF-16 behind a byte order mark; a line ends at LF, CR LF or a lone
-/// CR (which arrives as LF); NULs are skipped and Ctrl-Z on a line of its own ends the file.
-/// Writing by lines encodes as `encodeLine` does.
+/// Reading by lines decodes each line as UTF-8 if it is valid, otherwise as Windows 1252; a byte
+/// order mark selects UTF-16. A line ends at LF, CR LF or a lone CR (returned as LF); NULs are
+/// skipped, and a line with only Ctrl-Z ends the file. Writing by lines encodes as `encodeLine`
+/// does.
 ///
-/// Copies share the stream that was open when they were made: it ends for all of
-/// them with the first `close`, or with the last of them.
+/// Copies share the stream that was open when they were made: it is closed for all of them by the
+/// first `close`, or when the last copy is destroyed.
 class VEK0_API CFileStdLib : public IFile {
  public:
   enum LineEnd { Lf, CrLf };
 
-  /// `name` is handed to the platform in its own encoding (`fileNameToBytes` outside Windows);
-  /// `mode` is `kRead` or `kWrite`, any other is a caller error and never opens.
+  /// `name` is passed to the platform in the platform's encoding (`fileNameToBytes` outside
+  /// Windows); `mode` is `kRead` or `kWrite`; any other value is a caller error, and the file never
+  /// opens.
   CFileStdLib(const zim::WString& name, long mode);
   CFileStdLib(const CFileStdLib&) = default;
   CFileStdLib& operator=(const CFileStdLib&) = default;
   ~CFileStdLib() override;
 
-  /// What a line feed becomes on writing, by lines and by bytes; the platform's
-  /// own line end at first. Takes effect with the next text written.
+  /// What a line feed becomes on writing, by lines or bytes; initially the platform's line end.
+  /// Takes effect from the next write.
   void setLineEnd(LineEnd end) { m_lineEnd = end; }
 
   bool open() override;
@@ -35,10 +36,10 @@ class VEK0_API CFileStdLib : public IFile {
   long write(const zim::Char* buf, long n) override;
   bool readLn(zim::Char* buf, long n) override;
   bool writeLn(const zim::Char* text) override;
-  /// On writing, first hands to the system what was buffered, so that false also
-  /// says that the medium had room. Costs a system call then.
+  /// When writing, flushes the buffer first, so that false also means that the medium had room;
+  /// this costs a system call.
   bool fail() override;
-  /// -1 once `readLn` was used, for the bytes then lie in its buffer.
+  /// Returns -1 once `readLn` was used, because the bytes are then in its buffer.
   long readBytes(char* buf, long n) override;
   bool writeBytes(const char* text, long n) override;
 

@@ -5,8 +5,8 @@
 
 #include "zim0lang/casefold.h"
 
-/// A view of a terminated text that somebody else owns: one pointer, copied as a
-/// pointer. Null (as constructed by default) compares and counts as empty.
+/// A non-owning view of a null-terminated text: a single pointer. Null (the default) compares and
+/// counts as empty.
 class SmartString {
  public:
   SmartString() = default;
@@ -18,15 +18,14 @@ class SmartString {
     return *this;
   }
 
-  /// The unit at `i`, which must not lie behind the terminator; the text must not
-  /// be null.
+  /// The unit at `i`, which must not be past the terminator; the text must not be null.
   zim::Char operator[](int i) const { return m_text[i]; }
   const zim::Char* c_str() const { return m_text; }
-  /// Units up to the terminator, counted at every call.
+  /// Number of units before the terminator. Linear: counted at every call.
   std::size_t size() const { return view().size(); }
 
-  /// Equality without regard to letter case. Both names mean that on purpose:
-  /// every keyword comparison ignores case, whichever of them a caller uses.
+  /// Case-insensitive equality. Both names mean that on purpose: every keyword comparison ignores
+  /// case, whichever name a caller uses.
   bool equal_cs(SmartString other) const { return zim::equalsIgnoreCase(view(), other.view()); }
   bool equal_cs(const zim::Char* other) const { return equal_cs(SmartString(other)); }
   bool equal_ci(SmartString other) const { return equal_cs(other); }

@@ -1,10 +1,9 @@
 #pragma once
 
-/// Radians in a degree, cut off after fourteen decimals: the angles of the hatch catalogue
-/// are degrees times this, and the angles of drawings are read with it.
+/// Radians per degree, truncated to fourteen decimals. The angles of the hatch catalogue are
+/// degrees times this constant, and angles in drawings are read with it.
 ///
-/// Whoever wants the degrees back divides by the same constant. A full turn falls short of
-/// two pi by 1.2e-12.
+/// To recover the degrees, divide by the same constant. A full turn falls short of 2*pi by 1.2e-12.
 inline constexpr double kRadiansPerDegree = 0.01745329251994;
 
 namespace vek0::detail {

@@ -5,13 +5,13 @@
 #include "vek0core/geometry/pnt.h"
 #include "vek0core/geometry/rect.h"
 
-/// Circle in a plane z = constant: a center (the point that it is) and a radius, in
-/// drawing units. Files contain radii of zero and less; they are kept, and extents
-/// use the magnitude. Comparison is exact; the default constructor sets nothing.
+/// Circle in a plane z = constant: a center (the base class) and a radius, in drawing units. Files
+/// contain zero and negative radii; they are kept, and extents use the magnitude. Comparison is
+/// exact; the default constructor sets nothing.
 ///
-/// The `intersect` operations look at x and y only and return the number of real
-/// common points, 0 to 2. With one, both outputs hold it; with none they keep their
-/// values. A distance within 1e-12 * max(1, radius) of touching counts as touching.
+/// The `intersect` operations use x and y only and return the number of real common points, 0 to 2.
+/// If there is one, both outputs hold it; if none, they keep their values. A distance within 1e-12
+/// * max(1, radius) of tangency counts as tangent.
 class VEK0_API CIRCLE_3D : public PNT_3D {
  public:
   CIRCLE_3D() = default;
@@ -31,8 +31,8 @@ class VEK0_API CIRCLE_3D : public PNT_3D {
     radius = r;
   }
 
-  /// The circle through three points, at the z of the first. False, and unchanged,
-  /// when they lie in line or coincide (cross product within 1e-12 of the square of
+  /// The circle through three points, at the z of the first. Returns false, leaving the circle
+  /// unchanged, when they are collinear or coincide (cross product within 1e-12 of the square of
   /// the longest side).
   bool Create(const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3);
 
@@ -44,7 +44,7 @@ class VEK0_API CIRCLE_3D : public PNT_3D {
   void scale(const PNT_3D& center, double factor);
 
   void calc_bdry(RECT_3D& box) const;
-  /// Distance of a point from the curve in the plane, never negative.
+  /// Distance from a point to the curve in the plane, never negative.
   double dist(const PNT_2D& p) const;
 
   /// Common points with the segment.
@@ -53,11 +53,11 @@ class VEK0_API CIRCLE_3D : public PNT_3D {
   long intersect(const IMP_LINE_2D& line, PNT_2D* p1, PNT_2D* p2) const;
   /// Parameters of the common points with the whole line, ascending.
   long intersect(const PAR_LINE_2D& line, double& t1, double& t2) const;
-  /// Common points with another circle; none with the same circle.
+  /// Common points with another circle; none if the circles are identical.
   long intersect(const CIRCLE_3D& other, PNT_2D* p1, PNT_2D* p2) const;
 
-  /// Common points with a segment of one y (of one x), whose other coordinate is
-  /// taken from its first point: exact there, where the general way rounds.
+  /// Common points with a horizontal (vertical) segment; the constant coordinate is copied from its
+  /// first point and thus exact, while the general method rounds it.
   long intersect_hor(const LINE_2D& line, PNT_2D* p1, PNT_2D* p2) const;
   long intersect_ver(const LINE_2D& line, PNT_2D* p1, PNT_2D* p2) const;  ///< see above
 

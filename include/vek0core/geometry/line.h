@@ -38,13 +38,13 @@ class VEK0_API LINE_2D {
 
   void calc_bdry(RECT_2D& box) const { box.set(p1, p2); }
 
-  /// Signed distance of `p` from the infinite line. The sign is that of the
-  /// normalized implicit line (`IMP_LINE_2D::normalize`), not of the direction. A
-  /// segment shorter than 1e-12 on both axes is a point: the distance is positive.
+  /// Signed distance from `p` to the infinite line. The sign is that of the normalized implicit
+  /// line (`IMP_LINE_2D::normalize`), not of the direction. A segment shorter than 1e-12 on both
+  /// axes counts as a point: the distance is then positive.
   double dist(const PNT_2D& p) const;
 
-  /// Whether the segments cross or touch; `pt` is then the common point. Parallel and
-  /// overlapping segments (determinant within 1e-12) never do.
+  /// Whether the segments cross or touch; `pt` is then the common point. False for parallel and
+  /// overlapping segments (determinant within 1e-12).
   bool intersect(const LINE_2D& other, PNT_2D& pt) const;
   bool intersect(const LINE_2D& other) const;  ///< the same without the point
 
@@ -90,9 +90,8 @@ class VEK0_API LINE_3D {
   /// Middle of the segment.
   void ptMedio(PNT_3D& mid) const;
 
-  /// Whether `p` lies strictly left of the direction, seen from above. Vertical
-  /// segments (p1.x equals p2.x exactly) answer by x alone, whichever way they point;
-  /// callers rely on it.
+  /// Whether `p` lies strictly left of the direction, seen from above. Vertical segments (p1.x
+  /// equals p2.x exactly) are decided by x alone, whatever their direction; callers rely on it.
   bool ptLeftSide(const PNT_3D& p) const;
 
   PNT_3D p1, p2;
@@ -103,7 +102,7 @@ class VEK0_API IMP_LINE_2D {
  public:
   IMP_LINE_2D() = default;
   IMP_LINE_2D(double pa, double pb, double pc) : a(pa), b(pb), c(pc) {}
-  /// Through two points, not normalized.
+  /// The line through two points, not normalized.
   IMP_LINE_2D(const PNT_2D& p1, const PNT_2D& p2) { create(p1, p2); }
   explicit IMP_LINE_2D(const LINE_2D& line) : IMP_LINE_2D(line.p1, line.p2) {}
   /// Parallel to `line`: same a and b, c smaller by d times the length of (a, b).
@@ -124,14 +123,14 @@ class VEK0_API IMP_LINE_2D {
   double eval(const PNT_2D& p) const { return eval(p.x, p.y); }
   double eval(double x, double y) const { return a * x + b * y + c; }
 
-  /// Scales to a^2 + b^2 = 1 with c <= 1e-12, and b >= -1e-12 for a line through the
-  /// origin. `eval` is then the signed distance. A line without direction stays.
+  /// Scales to a^2 + b^2 = 1 with c <= 1e-12, and b >= -1e-12 for a line through the origin. `eval`
+  /// is then the signed distance. A line with a = b = 0 is left unchanged.
   void normalize();
 
-  /// Common point of two lines; false when they are parallel or the same, each
-  /// within 1e-12 of the coefficients as they stand.
+  /// Common point of two lines; false when they are parallel or the same, each within 1e-12 of the
+  /// unnormalized coefficients.
   bool intersect(const IMP_LINE_2D& other, PNT_2D& pt) const;
-  /// The line through `p` at right angles.
+  /// The perpendicular through `p`.
   void perpend(const PNT_2D& p, IMP_LINE_2D& out) const;
   /// Whether both points lie strictly on the same side.
   bool sameSide(const PNT_2D& p, const PNT_2D& q) const;
@@ -139,8 +138,8 @@ class VEK0_API IMP_LINE_2D {
   double a, b, c;
 };
 
-/// The line origin + t * direction in the plane. The direction need not be of unit
-/// length: made from two points, t is 0 at the first and 1 at the second.
+/// The line origin + t * direction in the plane. The direction need not have unit length: for a
+/// line through two points, t is 0 at the first and 1 at the second.
 class VEK0_API PAR_LINE_2D {
  public:
   PAR_LINE_2D() = default;
@@ -153,24 +152,23 @@ class VEK0_API PAR_LINE_2D {
   PAR_LINE_2D(const IMP_LINE_2D& line, double px0, double py0);
 
   void create(const PNT_2D& p1, const PNT_2D& p2);
-  /// Whether the direction is within 1e-12 of nothing.
+  /// Whether the direction is within 1e-12 of zero.
   bool IsNull() const;
   double length() const { return std::sqrt(dx * dx + dy * dy); }  ///< of the direction
-  /// Scales the direction to unit length; a direction of length 0 stays.
+  /// Scales the direction to unit length; a zero direction is left unchanged.
   void Normalize();
   void calcPt(double t, PNT_2D& p) const { p.set(x0 + t * dx, y0 + t * dy); }
-  /// Parameter of `p`, or of its projection when it is not on the line; 0 when the
-  /// direction is (0, 0).
+  /// Parameter of `p`, or of its projection if it is not on the line; 0 if the direction is (0, 0).
   double calcParam(const PNT_2D& p) const;
 
-  /// Number code of the common points: 0 none, 1 the lines coincide, 2 one crossing,
-  /// at parameter t (and u on the other line). Zero is compared exactly.
+  /// Returns 0 if there is no common point, 1 if the lines coincide, 2 if they cross, at parameter
+  /// t (and u on the other line). Zero is compared exactly.
   int intersect(const IMP_LINE_2D& line, double& t) const;
   int intersect(const PAR_LINE_2D& other, double& t, double& u) const;  ///< likewise
 
   bool sameSide(const PNT_2D& p, const PNT_2D& q) const;
-  /// Signed distance, positive on the right of the direction; to the origin point
-  /// when the direction is (0, 0).
+  /// Signed distance, positive to the right of the direction; the distance to the origin point if
+  /// the direction is (0, 0).
   double dist(const PNT_2D& p) const;
 
   double x0, y0, dx, dy;
@@ -187,7 +185,7 @@ class VEK0_API PAR_LINE_3D {
 
   void create(const PNT_3D& p1, const PNT_3D& p2);
   void calcPt(double t, PNT_3D& p) const { p.set(x0 + t * dx, y0 + t * dy, z0 + t * dz); }
-  /// Parameter of the projection of `p`; 0 when the direction is nothing.
+  /// Parameter of the projection of `p`; 0 if the direction is zero.
   double calcParam(const PNT_3D& p) const;
 
   double x0, y0, dx, dy, z0, dz;

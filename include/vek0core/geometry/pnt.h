@@ -8,9 +8,8 @@ class RECT_3D;
 
 /// Point or vector in the plane, drawing units.
 ///
-/// Equality is exact. The default constructor leaves the coordinates unset on
-/// purpose: points are made in bulk and filled afterwards. Nothing may read them
-/// before that.
+/// Equality is exact. The default constructor leaves the coordinates unset on purpose: points are
+/// created in bulk and filled afterwards. They must not be read before that.
 class VEK0_API PNT_2D {
  public:
   PNT_2D() {}  // NOLINT(modernize-use-equals-default): `= default` would zero on PNT_2D()
@@ -39,7 +38,7 @@ class VEK0_API PNT_2D {
   void setY(double py) { y = py; }
 
   /// Direction from here to `p` in radians, in [0, 2*pi), counterclockwise from the positive x
-  /// axis; 0 when the points are equal.
+  /// axis; 0 if the points are equal.
   double angle(const PNT_2D& p) const;
 
   /// Distance in the plane.
@@ -57,8 +56,8 @@ class VEK0_API PNT_2D {
   double x, y;
 };
 
-/// Point or vector in space, drawing units. What `PNT_2D` says holds here too; the
-/// operations of the plane stay within reach and see x and y only.
+/// Point or vector in space, drawing units. The remarks on `PNT_2D` apply here too; its planar
+/// operations remain accessible and use x and y only.
 class VEK0_API PNT_3D : public PNT_2D {
  public:
   PNT_3D() {}  // NOLINT(modernize-use-equals-default): see PNT_2D
@@ -112,8 +111,8 @@ class VEK0_API PNT_3D : public PNT_2D {
   }
   /// Scales all three coordinates about `center`.
   void scale(const PNT_3D& center, double factor);
-  /// Rotates the point by `angleRad` about the vertical axis through `center`, whose z does not
-  /// matter; z stays.
+  /// Rotates the point by `angleRad` about the vertical axis through `center`, whose z is ignored;
+  /// z is unchanged.
   void rotate(const PNT_3D& center, double angleRad);
   /// The degenerate box of this point.
   void calc_bdry(RECT_3D& box) const;
@@ -127,21 +126,20 @@ VEK0_API PNT_3D prodVect(const PNT_3D& a, const PNT_3D& b);
 /// Normal of the turn p1, p2, p3: (p2 - p1) x (p3 - p2).
 VEK0_API PNT_3D prodVect(const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3);
 
-/// Whether c lies closer than 1e-6 drawing units to the line through a and b. False
-/// when a and b coincide, wherever c is.
+/// Whether c is closer than 1e-6 drawing units to the line through a and b. Always false if a and b
+/// coincide.
 VEK0_API bool pntsInLine(const PNT_2D& a, const PNT_2D& b, const PNT_2D& c);
 
-/// Whether every component of `prodVect(a, b, c)` is below 1e-6. Unlike the planar
-/// test this is no distance, it depends on the lengths of both legs; callers rely on
-/// each as it is.
+/// Whether every component of `prodVect(a, b, c)` is below 1e-6. Unlike the planar test, this is
+/// not a distance: it depends on the lengths of both legs. Callers rely on each behavior.
 VEK0_API bool pntsInLine(const PNT_3D& a, const PNT_3D& b, const PNT_3D& c);
 
-/// Nearest integer, halves upward: 2.5 gives 3, -2.5 gives -2. Values beyond `int` give its ends,
-/// NaN gives 0.
+/// Nearest integer, halves rounded up: 3 for 2.5, -2 for -2.5. Values outside the range of `int`
+/// are clamped; NaN yields 0.
 VEK0_API int iround(double v);
 VEK0_API double fround(double v);  ///< the same as a double, without limits
 
-/// Nearest integer, halves downward: 2.5 gives 2, -2.5 gives -3. Limits as `iround`.
+/// Nearest integer, halves rounded down: 2 for 2.5, -3 for -2.5. Limits as for `iround`.
 VEK0_API int iround_down(double v);
 VEK0_API double fround_down(double v);  ///< the same as a double, without limits
 
@@ -153,11 +151,11 @@ VEK0_API double fround_down(double v);  ///< the same as a double, without limit
 ///    0  no real root
 ///   -1  a and b are 0 and c is not: no x fits
 ///   -2  a, b and c are 0: every x fits
-/// Outputs that the result does not cover keep their old values.
+/// Unused outputs keep their values.
 ///
-/// Zero is compared exactly; a caller that wants a tolerance applies it first.
-/// Coefficients must be finite, or the roots are not. Formula: the quadratic formula, rearranged so
-/// that no root is a difference of nearly equal numbers.
+/// Zero is compared exactly; a caller that wants a tolerance applies it first. With non-finite
+/// coefficients the roots are non-finite. Uses the quadratic formula, rearranged so that no root is
+/// a difference of nearly equal numbers.
 VEK0_API int risolvi(double a, double b, double c, double& x1, double& x2);
 
 /// Real roots of a*x^2 + 2*b*x + c = 0; results as `risolvi`.

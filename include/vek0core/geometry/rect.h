@@ -5,11 +5,10 @@
 
 /// Axis-aligned box in the plane, drawing units.
 ///
-/// The empty box (`initRegion`) has huge limits of opposite sign, so that growing
-/// it needs no special case. Constructors and `set` order the corners: handing them
-/// an empty box makes a gigantic valid one, so whoever maps a box tests
-/// `validRegion` first. The default constructor leaves the corners unset. Borders
-/// belong to the box. Comparison is exact.
+/// The empty box (`initRegion`) has huge limits of opposite sign, so that growing it needs no
+/// special case. Constructors and `set` order the corners, which would turn an empty box into a
+/// gigantic valid one: callers that map a box test `validRegion` first. The default constructor
+/// leaves the corners unset. The box includes its borders. Comparison is exact.
 class VEK0_API RECT_2D {
  public:
   RECT_2D() = default;
@@ -21,7 +20,7 @@ class VEK0_API RECT_2D {
 
   void set(double x1, double y1, double x2, double y2);
   void set(const PNT_2D& a, const PNT_2D& b) { set(a.x, a.y, b.x, b.y); }
-  /// Box of `n` points, which may be null when n <= 0: that gives the empty box.
+  /// Box of `n` points. `pts` may be null if n <= 0, which yields the empty box.
   void set(const PNT_2D* pts, int n);
   /// Box of four points given by their coordinates, four in each array.
   void set(const double* xs, const double* ys);
@@ -49,7 +48,7 @@ class VEK0_API RECT_2D {
   bool inside(const RECT_2D& r) const;
   /// Whether the boxes touch or overlap.
   bool intersect(const RECT_2D& r) const;
-  /// The same; writes the common part to `out`, which is inverted when there is none.
+  /// As above; also writes the common part to `out`, which is inverted if there is none.
   bool intersect(const RECT_2D& r, RECT_2D& out) const;
 
   void inflate(double dx, double dy);
@@ -58,13 +57,13 @@ class VEK0_API RECT_2D {
   PNT_2D min, max;
 };
 
-/// Narrows [t0, t1] to the part of the line `from` + t * `step` that lies in the box, borders
-/// included; t0 and t1 may be infinite. False, and both of no use, when there is none. A step of
-/// length 0 leaves them as they are if `from` lies inside.
+/// Narrows [t0, t1] to the part of the line `from` + t * `step` inside the box, borders included;
+/// t0 and t1 may be infinite on entry. Returns false, with both meaningless, if there is none. A
+/// zero step leaves them unchanged if `from` is inside.
 VEK0_API bool clipLine(const RECT_2D& box, const PNT_2D& from, const PNT_2D& step, double& t0,
                        double& t1);
 
-/// Axis-aligned box in space: every entity's extents. What `RECT_2D` says holds here.
+/// Axis-aligned box in space: the extents of entities. The remarks on `RECT_2D` apply.
 class VEK0_API RECT_3D {
  public:
   RECT_3D() = default;
@@ -97,10 +96,10 @@ class VEK0_API RECT_3D {
   void updateRegion(const RECT_3D& r);
   bool inside(const PNT_3D& p) const;
 
-  /// Moves both corners; an empty box stays as it is.
+  /// Moves both corners; an empty box is left unchanged.
   void move(const PNT_3D& delta);
-  /// Scales both corners; a negative factor exchanges them, so min stays the lower.
-  /// An empty box stays as it is: scaled by 0, it would become a point.
+  /// Scales both corners; a negative factor swaps them, so that min stays the lower. An empty box
+  /// is left unchanged: scaled by 0, it would become a point.
   void scale(const PNT_3D& center, double factor);
   void calc_bdry(RECT_3D& out) const { out = *this; }
 

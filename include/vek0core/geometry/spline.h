@@ -6,53 +6,52 @@
 #include "vek0core/export.h"
 #include "vek0core/geometry/pnt.h"
 
-/// Rational B-spline curve, as files state it.
+/// Rational B-spline curve, in the representation of files.
 ///
-/// The curve runs over the parameters from knots[degree] to knots[controls.size()]. A
-/// periodic one is no special case: files repeat its first controls at the end, and its
-/// knots go on outside that range. Whoever fills the fields asks `isValid` once; every other
-/// operation but `controlPolygon` and `createFit` relies on its answer.
+/// The curve runs over the parameters from knots[degree] to knots[controls.size()]. A periodic one
+/// is no special case: files repeat its first controls at the end, and its knots continue outside
+/// that range. Code that fills the fields checks `isValid` once; every other operation except
+/// `controlPolygon` and `createFit` requires a valid curve.
 class VEK0_API SPLINE_3D {
  public:
   static constexpr int kMaxDegree = 25;
 
-  /// Whether the fields make a curve: a degree from 1 to 25 and below the number of
-  /// controls, controls + degree + 1 knots that are finite and never fall, a range that
-  /// is not empty, finite controls up to 1e100, and no weights or as many as controls, all
-  /// finite and above 0. Linear.
+  /// Whether the fields define a curve: a degree from 1 to 25 and below the number of controls;
+  /// controls + degree + 1 finite, non-decreasing knots; a non-empty range; finite controls up to
+  /// 1e100; and no weights, or one per control, all finite and above 0. Linear.
   bool isValid() const;
 
   /// The range of the parameter.
   void getDomain(double& from, double& to) const;
-  /// The point at parameter `t`, brought into the range. Where the curve jumps, the
-  /// point after the jump. Costs degree * degree, and the logarithm of the knots. Formula:
-  /// de Boor, its blends weighted (Farin), so that every step stays between two points.
+  /// The point at parameter `t`, clamped to the range. At a discontinuity, the point after the
+  /// jump. Costs O(degree^2 + log(knots)). Uses de Boor's algorithm with weighted blends (Farin),
+  /// so that every step stays between two points.
   PNT_3D getPnt(double t) const;
 
-  /// Appends points of the curve, both ends with them (exactly the outer controls when the
-  /// knots clamp it), such that no chord leaves it by more than `tolerance`, in drawing
+  /// Appends points of the curve, including both ends (exactly the outer controls if the knot
+  /// vector is clamped), such that no chord deviates from it by more than `tolerance` drawing
   /// units. Every non-empty span ends at a point.
   ///
-  /// A span becomes a Bezier piece, and is halved until its controls are as near to the
-  /// chord, but 10 times at most, and fewer (down to twice) where that could exceed
-  /// 262144 chords: a file cannot ask for more than that or 4 chords a span. Where the
-  /// limit is reached, the tolerance is not.
+  /// Each span becomes a Bezier piece and is halved until its controls are that close to the chord,
+  /// but at most 10 times, and fewer (down to twice) where that could exceed 262144 chords: a file
+  /// cannot demand more than that or 4 chords per span. Where this limit applies, the tolerance may
+  /// be exceeded.
   void chords(double tolerance, std::vector<PNT_3D>& out) const;
 
-  /// Appends the controls, which stand in for a curve that is not valid. Those that are
-  /// not finite, or beyond 1e100, are left out.
+  /// Appends the controls, a substitute for an invalid curve. Controls that are non-finite or
+  /// beyond 1e100 are omitted.
   void controlPolygon(std::vector<PNT_3D>& out) const;
 
-  /// Half the longer side of the controls' box in the plane: what stands for a radius in a
-  /// relative tolerance. Linear.
+  /// Half the longer side of the controls' box in the plane: used in place of a radius in relative
+  /// tolerances. Linear.
   double size() const;
 
-  /// Makes this the cubic that passes through `points` in order, with two continuous
-  /// derivatives over the chord lengths. An end with a tangent has its direction (the
-  /// length does not matter); one without, null or of length 0, has no curvature. Equal
-  /// neighbors count once. False, and unchanged, with fewer than two different points or
-  /// numbers that are not finite. Linear. Formula: the tridiagonal system for the tangents
-  /// (Farin), pieces as Bezier curves.
+  /// Makes this the cubic that passes through `points` in order, with two continuous derivatives
+  /// over the chord lengths. An end tangent sets the direction there (its length is ignored);
+  /// without one (null or zero length) the curvature at that end is 0. Repeated consecutive points
+  /// count once. Returns false, leaving the curve unchanged, if there are fewer than two distinct
+  /// points or a number is non-finite. Linear. Solves the tridiagonal system for the tangents
+  /// (Farin), with Bezier pieces.
   bool createFit(const std::vector<PNT_3D>& points, const PNT_3D* startTangent = nullptr,
                  const PNT_3D* endTangent = nullptr);
 

@@ -10,19 +10,18 @@
 
 namespace zim {
 
-/// Text of UTF-16 code units: the type of every name and string of a drawing.
+/// Text of UTF-16 code units: the type of every name and string in a drawing.
 ///
-/// A value: copying copies the text, assignment may throw `std::bad_alloc` and
-/// nothing else. Any units are kept, unpaired surrogates included; they become
-/// U+FFFD only on the way to UTF-8.
+/// A value type: copies are deep, and assignment throws nothing but `std::bad_alloc`. All units are
+/// kept, unpaired surrogates included; those become U+FFFD only on conversion to UTF-8.
 class ZIM0LANG_API WString {
  public:
   WString() = default;
-  /// The text up to the terminator; null gives the empty text.
+  /// Copies up to the terminator; null yields the empty text.
   WString(const Char* text) {  // NOLINT(google-explicit-constructor): u"..." is a name
     if (text) m_text = text;
   }
-  /// The first `length` units of `text`, which may hold zeros.
+  /// Copies the first `length` units of `text`, which may contain zeros.
   WString(const Char* text, std::size_t length) : m_text(text, length) {}
   explicit WString(std::u16string_view text) : m_text(text) {}
 
@@ -32,11 +31,11 @@ class ZIM0LANG_API WString {
   std::string toUtf8() const;
 
 #if defined(_WIN32)
-  /// From the platform's own 16-bit text.
+  /// From the platform's 16-bit text.
   WString(const wchar_t* text) : WString(reinterpret_cast<const Char*>(text)) {}
 #endif
 
-  /// The units, terminated by 0; valid until this text changes.
+  /// The null-terminated units; valid until this text changes.
   const Char* c_str() const { return m_text.c_str(); }
   std::size_t Length() const { return m_text.size(); }  ///< in units
   bool empty() const { return m_text.empty(); }
@@ -49,7 +48,7 @@ class ZIM0LANG_API WString {
   std::u16string_view view() const { return m_text; }
   operator std::u16string_view() const { return m_text; }  // NOLINT: a text is a view of itself
 
-  /// Order by units: negative, zero or positive.
+  /// Compares by units: returns a negative value, zero or a positive value.
   int Compare(const WString& other) const { return m_text.compare(other.m_text); }
   bool Equals(const WString& other) const { return m_text == other.m_text; }
   /// Equality by `foldCase`: how every table of a drawing compares names.
@@ -57,7 +56,7 @@ class ZIM0LANG_API WString {
     return equalsIgnoreCase(m_text, other.m_text);
   }
 
-  /// This text followed by `other`, as a new text.
+  /// Returns this text followed by `other`.
   WString Concat(const WString& other) const;
   WString& operator+=(std::u16string_view other) {
     m_text += other;
@@ -65,8 +64,8 @@ class ZIM0LANG_API WString {
   }
   friend WString operator+(WString a, std::u16string_view b) { return a += b; }
 
-  /// Replaces this text by the message of that id (see `CStringLoader`); returns
-  /// false, and empties the text, when there is none.
+  /// Replaces this text with the message of that id (see `CStringLoader`). If there is none, clears
+  /// the text and returns false.
   bool LoadStr(long id);
 
   friend bool operator==(const WString& a, const WString& b) { return a.m_text == b.m_text; }
