@@ -1,6 +1,6 @@
 #pragma once
 
-/// Everything the library offers, for programs that do not count compile time.
+/// The whole public interface, for programs that do not care about compile time.
 
 #include "vek0core/assert.h"
 #include "vek0core/export.h"

@@ -24,8 +24,8 @@ class CEntFactory;
 
 namespace vek0::detail {
 
-/// Part of every drawing, so that drawings can be counted: the fonts of the process must
-/// outlive them.
+/// Member of every drawing that counts the living drawings: the process-wide fonts must outlive
+/// them.
 class VEK0_API LivingDrawing {
  public:
   LivingDrawing() { ++s_count; }
@@ -41,26 +41,26 @@ class VEK0_API LivingDrawing {
 
 }  // namespace vek0::detail
 
-/// A drawing: its tables, fixed items, variables, and the factories that make what
-/// goes into them. `CDataFactory` makes one, `deleteData` takes it apart; in between
-/// the free functions of functions.h and the tables work on it.
+/// A drawing: its tables, fixed items, variables, and the factories that make what goes into them.
+/// Created by `CDataFactory` and destroyed by `deleteData`; in between, use the tables and the free
+/// functions of functions.h.
 ///
-/// Not to be used from two threads at a time.
+/// Not thread-safe.
 class VEK0_API CData {
  public:
   class CLayerIterator;
   class CLtypeIterator;
   class CStyleIterator;
 
-  /// Takes the six objects, none of them null, over. To be called by `CDataFactory`; a
-  /// class derived from this one brings its own factories.
+  /// Takes ownership of the six objects, none of which may be null. For `CDataFactory`; a derived
+  /// class supplies its own factories.
   CData(std::unique_ptr<IHandleGestor> gestor, std::unique_ptr<CLtypeFactory> ltypeFactory,
         std::unique_ptr<CLayerFactory> layerFactory, std::unique_ptr<CStyleFactory> styleFactory,
         std::unique_ptr<CBlockFactory> blockFactory, std::unique_ptr<CEntFactory> entFactory);
 
-  /// A view of `src`: tables that name the items of `src` and own none, the same
-  /// handle manager and factories, the same current items. Valid while `src` lives and
-  /// keeps its items. `cloneData` makes a drawing of its own.
+  /// A view of `src`: its tables list the items of `src` without owning them, and it shares the
+  /// handle manager, factories and current items. Valid while `src` lives and keeps its items.
+  /// `cloneData` creates an independent copy.
   CData(CData& src);
   CData& operator=(const CData&) = delete;
   virtual ~CData();
@@ -100,11 +100,11 @@ class VEK0_API CData {
   CBlockFactory& getBlockFactory() const { return *m_blockFactory; }
   CEntFactory& getEntFactory() const { return *m_entFactory; }
 
-  /// The drawing's own hatch patterns.
+  /// The hatch patterns stored in the drawing.
   CHatchTypeTable& getHatchTypeTable() const { return *m_hatchTypes; }
-  /// How many lines and points one hatch may have at most, by an estimate made before
-  /// any is generated; a million at first. All that one file makes the loader generate
-  /// may have five times as many; hatches beyond stay without lines.
+  /// Maximum number of lines and points of one hatch, estimated before any are generated; a million
+  /// by default. All hatches that the loader generates for one file may have five times as many;
+  /// hatches beyond that have no lines.
   double getHatchLimit() const { return m_hatchLimit; }
   void setHatchLimit(double limit) { m_hatchLimit = limit; }
 
@@ -116,7 +116,7 @@ class VEK0_API CData {
   /// the first call for the name: it keeps the name of a font that the process does not
   /// have. It lives as long as the drawing and those that share its fonts.
   const ICADFont* needFont(const zim::WString& name);
-  /// Makes `data`, which takes over styles of this drawing, keep its fonts too.
+  /// Makes `data`, which takes over styles of this drawing, keep the fonts alive too.
   void shareFonts(CData& data) const { data.m_fonts.insert(m_fonts.begin(), m_fonts.end()); }
 
  private:
@@ -150,14 +150,15 @@ class VEK0_API CData {
 
 namespace vek0::detail {
 
-/// Walks fixed items, then a table of the drawing, then the same table of each external
-/// reference. Items added behind the walk are met, removing any ends its validity.
+/// Iterates over fixed items, then a table of the drawing, then the same table of each external
+/// reference. Items added after the current position are visited; removing an item invalidates the
+/// iterator.
 template <class Item, class Table>
 class ItemWalk {
  public:
   /// The current item; null at the end.
   Item* operator*() const;
-  /// Number of items that the whole walk yields.
+  /// Total number of items of the iteration.
   int size() const;
 
  protected:
@@ -165,7 +166,7 @@ class ItemWalk {
 
   ItemWalk(const CData& data, const Table& own, XRefTable ofXRef, bool withXRefs);
   void addFixed(Item* item) { m_fixed[m_fixedCount++] = item; }
-  /// Steps; stays at the end.
+  /// Advances; has no effect at the end.
   void findNext() const;
 
  private:
@@ -178,8 +179,8 @@ class ItemWalk {
   bool m_withXRefs;
   Item* m_fixed[3] = {};
   int m_fixedCount = 0;
-  // Where the walk stands: in the fixed items, the own table (-1), reference 0, 1, ...
-  // Mutable because the postfix step of the iterators is const by interface.
+  // Current position: in the fixed items, the drawing's table (-1), or reference 0, 1, ... Mutable
+  // because the interface fixes the iterators' postfix increment as const.
   mutable int m_atFixed = 0;
   mutable int m_xref = -1;
   mutable int m_pos = 0;

@@ -10,20 +10,20 @@ class CLtypeFactory;
 class CStyleFactory;
 class IHandleGestor;
 
-/// Makes drawings.
+/// Creates drawings.
 class VEK0_API CDataFactory {
  public:
-  /// Kept for hosts that manage handles; it does not change what is made.
+  /// Kept for hosts that manage handles; has no effect on created drawings.
   void setHandling(bool handling) { m_handling = handling; }
   bool isHandling() const { return m_handling; }
 
   /// A new drawing: linetypes Continuous, BYLAYER and BYBLOCK, layer "0", style "STANDARD" with the
-  /// font table's default font, and the default variables. The caller gives it to `deleteData`.
-  /// Null, and nothing left behind, when out of memory.
+  /// font table's default font, and the default variables. Destroy it with `deleteData`. Returns
+  /// null, leaking nothing, when out of memory.
   CData* createData();
 
  protected:
-  // Each makes one new object, or null when out of memory.
+  // Each creates one object, or returns null when out of memory.
   IHandleGestor* doCreateHandleGestor();
   CLtypeFactory* doCreateLtypeFactory();
   CLayerFactory* doCreateLayerFactory();

@@ -9,10 +9,10 @@ class CLtype;
 class CLtypeByLayer;
 class CStyle;
 
-/// The settings of a drawing that are no table items. Each drawing has one.
+/// The settings of a drawing other than table items. Each drawing has one instance.
 ///
-/// Nothing is checked: the upper limit may lie below the lower one, the scale may be 0,
-/// and the items, which are borrowed, may be null. A copy names the same items.
+/// Values are not validated: the upper limit may be below the lower one, the scale may be 0, and
+/// the items, which are borrowed, may be null. A copy refers to the same items.
 class VEK0_API CDataVariables {
  public:
   /// Upper right corner of the drawing limits. New drawings have an A3 sheet in
@@ -23,17 +23,17 @@ class VEK0_API CDataVariables {
   const PNT_2D& getLimMin() const { return m_limMin; }
   void setLimMin(const PNT_2D& p) { m_limMin = p; }
 
-  /// Factor that all linetypes are scaled by.
+  /// Scale factor of all linetypes.
   double getLtypeScale() const { return m_ltypeScale; }
   void setLtypeScale(double scale) { m_ltypeScale = scale; }
   /// Width of new polylines, drawing units.
   double getPLineWid() const { return m_plineWid; }
   void setPLineWid(double width) { m_plineWid = width; }
-  /// Direction of angle 0 in the user's terms, radians.
+  /// Direction of the user's angle 0, in radians.
   double getAngDir() const { return m_angDir; }
   void setAngDir(double angleRad) { m_angDir = angleRad; }
 
-  /// What new entities get that say nothing else.
+  /// Default properties of new entities.
   CLayer* getCurLayer() const { return m_curLayer; }
   void setCurLayer(CLayer* layer) { m_curLayer = layer; }
   CLtype* getCurLtype() const { return m_curLtype; }
@@ -43,23 +43,23 @@ class VEK0_API CDataVariables {
   short getCurColor() const { return m_curColor; }
   void setCurColor(short color) { m_curColor = color; }
 
-  /// How angles are shown: 0 decimal degrees, 2 gradians, 3 radians.
+  /// Display of angles: 0 decimal degrees, 2 gradians, 3 radians.
   short getAngFormat() const { return m_angFormat; }
   void setAngFormat(short format) { m_angFormat = format; }
   bool isOrtho() const { return m_ortho; }
   void setOrtho(bool on) { m_ortho = on; }
-  /// Whether linetypes run on over the corners of new polylines.
+  /// Whether linetypes continue across the vertices of new polylines.
   bool isPLineGen() const { return m_plineGen; }
   void setPLineGen(bool on) { m_plineGen = on; }
   bool isAngClockWise() const { return m_angClockWise; }
   void setAngClockWise(bool on) { m_angClockWise = on; }
 
-  /// How points look (`$PDMODE`): 0 a dot, 1 nothing, 2 a plus, 3 a cross, 4 an upward
-  /// stroke; 32 more adds a circle, 64 more a square.
+  /// Display of points (`$PDMODE`): 0 a dot, 1 nothing, 2 a plus, 3 a cross, 4 an upward stroke;
+  /// plus 32 for a circle, plus 64 for a square.
   short getPointMode() const { return m_pointMode; }
   void setPointMode(short mode) { m_pointMode = mode; }
-  /// How wide that is (`$PDSIZE`): drawing units; below 0 percent of the height of the
-  /// view; 0 stands for 5 percent.
+  /// Display size of points (`$PDSIZE`): in drawing units if positive, in percent of the view
+  /// height if negative; 0 means 5 percent.
   double getPointSize() const { return m_pointSize; }
   void setPointSize(double size) { m_pointSize = size; }
 

@@ -7,16 +7,16 @@
 
 namespace vek0::detail {
 
-/// A set of addresses, which are compared and never followed. Null is never in it.
+/// A set of addresses, which are compared but never dereferenced. It never contains null.
 ///
-/// An open-addressing table of a word a slot. Remembering a move of a million entities in one
-/// step takes a third of the time that it takes with `std::unordered_set`, which allocates a
-/// node for each.
+/// An open-addressing table with one word per slot. Recording a move of a million entities in one
+/// step takes a third of the time that it takes with `std::unordered_set`, which allocates a node
+/// for each.
 class VEK0_API PointerSet {
  public:
   bool contains(const void* pointer) const;
-  /// Answers whether the address is new to the set. Throws `std::bad_alloc` with the set as it
-  /// was. Constant time on average.
+  /// Returns whether the address is new. May throw `std::bad_alloc`, leaving the set unchanged.
+  /// Constant time on average.
   bool insert(const void* pointer);
   /// Makes room for that many more, after which inserting them does not throw.
   void reserve(std::size_t more);
@@ -29,7 +29,7 @@ class VEK0_API PointerSet {
 
   std::vector<const void*> m_slots;  // a power of two, at most half in use; null: free
   std::size_t m_used = 0;
-  int m_shift = 0;  // leaves as many bits of a hash as number the slots
+  int m_shift = 0;  // shifts a hash down to the bits of a slot index
 };
 
 }  // namespace vek0::detail

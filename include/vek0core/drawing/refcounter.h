@@ -2,21 +2,21 @@
 
 #include "vek0core/export.h"
 
-/// Base of objects that several owners share: the last one to give it back deletes it.
+/// Base of objects with shared ownership: the last owner to release one deletes it.
 ///
-/// Whoever makes the object owns it once. The operations are protected: the deriving
-/// class exposes them under its own names. Not for use from several threads.
+/// The creator is the first owner. The operations are protected: derived classes expose them under
+/// their own names. Not thread-safe.
 class VEK0_API IRefCounter {
  protected:
   IRefCounter() = default;
-  /// The copy starts with the count of its source, as does an object that is assigned to.
+  /// A copy starts with the count of its source, and so does an assigned object.
   IRefCounter(const IRefCounter&) = default;
   IRefCounter& operator=(const IRefCounter&) = default;
   virtual ~IRefCounter();
 
-  /// One owner more.
+  /// Adds an owner.
   void addRef() { ++m_count; }
-  /// One owner less; deletes the object when it was the last.
+  /// Removes an owner; deletes the object if it was the last.
   void decRef();
 
  private:

@@ -11,29 +11,29 @@ class CLtype;
 class CStyle;
 class CUndoStack;
 
-/// Replaces layers, linetypes and text styles by others wherever a drawing names them: in
-/// layers, in the texts of linetypes, in the entities of model space and of every block,
-/// in the attributes of inserts, and among the current items.
+/// Replaces layers, linetypes and text styles by others wherever a drawing refers to them: in
+/// layers, in the texts of linetypes, in the entities of model space and of every block, in the
+/// attributes of inserts, and among the current items.
 ///
-/// The replaced items stay where they are; nothing names them afterwards, so the caller
-/// may remove and delete them. Counts move along. A replacement is not replaced in turn.
-/// The drawing must outlive the remapper; a copy works on the same drawing.
+/// The replaced items remain in their tables; nothing refers to them afterwards, so the caller may
+/// remove and delete them. Use counts are updated. A replacement is not replaced in turn. The
+/// drawing must outlive the remapper; a copy works on the same drawing.
 class VEK0_API CTableRemapper {
  public:
-  /// `withXRefs`: the layers, linetypes and entities of external references too.
+  /// `withXRefs` includes the layers, linetypes and entities of external references.
   CTableRemapper(CData& data, bool withXRefs);
 
-  /// Records that `to` is to stand for `from`; the last one recorded for `from` holds.
-  /// Null as replacement means none.
+  /// Records `to` as the replacement for `from`; the last one recorded wins. A null `to` means no
+  /// replacement.
   void ChangeInto(CLayer* from, CLayer* to) { m_layers[from] = to; }
   void ChangeInto(CLtype* from, CLtype* to) { m_ltypes[from] = to; }  ///< likewise
   void ChangeInto(CStyle* from, CStyle* to) { m_styles[from] = to; }  ///< likewise
 
-  /// Makes all recorded replacements. Linear in the drawing.
+  /// Applies all recorded replacements. Linear in the drawing.
   void Remap();
-  /// The same, and `undo`, which is of the same drawing, can take it back: in the step that
-  /// is open, or as a step of its own. False when memory runs out: a step of its own is
-  /// then taken back, in an open one what was done until then stays.
+  /// The same, recorded in `undo`, the undo stack of the same drawing: in the open step, or as a
+  /// separate step. False when memory runs out: a separate step is then rolled back, while an open
+  /// one keeps the changes made until then.
   bool Remap(CUndoStack& undo);
 
  private:

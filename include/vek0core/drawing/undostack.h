@@ -24,20 +24,20 @@ namespace vek0::detail {
 class UndoAction;
 }
 
-/// What was done to one drawing, in named steps that can be undone and done again.
+/// The edits of one drawing, in named steps that can be undone and redone.
 ///
-/// Two kinds of edits. Changing something in place: `keep` it before, then change it as
-/// you like. Adding, removing, redefining: the stack does it. Edits between `begin` and
-/// `commit` are one step; an edit outside is a step of its own without a name. Undoing
-/// brings everything back to where it was, the order of drawing included.
+/// There are two kinds of edits. To change something in place, call `keep` first and then change it
+/// freely. Adding, removing and redefining are done through the stack. Edits between `begin` and
+/// `commit` form one step; an edit outside is an unnamed step by itself. Undoing restores
+/// everything, including the drawing order.
 ///
-/// Whatever is out of the drawing and may come back belongs to the stack: what it removed,
-/// and what it added while that is undone. It is deleted when no step can bring it back any
-/// more. Items that the drawing still uses cannot be removed, so nothing that a step names
-/// is ever deleted before the step.
+/// The stack owns everything outside the drawing that may come back: objects that it removed, and
+/// objects that it added while that step is undone. They are deleted when no step can restore them
+/// any more. Items that the drawing still uses cannot be removed, so nothing that a step refers to
+/// is deleted before the step.
 ///
-/// While the stack has steps, entities, blocks and table items come and go through it
-/// alone, and everything that changes is kept before. The drawing must outlive the stack.
+/// While the stack has steps, add and remove entities, blocks and table items only through it, and
+/// `keep` everything before changing it. The drawing must outlive the stack.
 ///
 /// An edit costs what the edit itself costs and one snapshot of what it touches, whatever
 /// the drawing and the stack hold; see `CBlock::restore` for entities of blocks. Every edit
@@ -47,7 +47,7 @@ class VEK0_API CUndoStack {
  public:
   static constexpr std::size_t kDefaultLimit = std::size_t{64} << 20;  ///< bytes
 
-  /// Of a drawing, with the bytes that it may take.
+  /// The stack of a drawing, with its memory limit in bytes.
   explicit CUndoStack(CData& data, std::size_t limit = kDefaultLimit);
   CUndoStack(const CUndoStack&) = delete;
   CUndoStack& operator=(const CUndoStack&) = delete;
@@ -59,9 +59,9 @@ class VEK0_API CUndoStack {
   /// Opens a step. Throws `std::bad_alloc` with nothing changed. Within an open one it only
   /// counts, and the outermost name holds.
   void begin(const zim::WString& name);
-  /// Closes the step; the outermost call completes it, forgets what was undone, and drops
-  /// the oldest steps beyond the limit. A step without edits is none: then, and for inner
-  /// calls, the answer is false.
+  /// Closes the step; the outermost call completes it, discards the undone steps, and drops the
+  /// oldest steps beyond the limit. A step without edits is not recorded: then, and for inner
+  /// calls, it returns false.
   bool commit();
   /// Takes back what the open step has done, inner ones included, and forgets it. Needs memory
   /// only to make vertices, attributes or lines of hatches again that the host has deleted:
@@ -69,12 +69,12 @@ class VEK0_API CUndoStack {
   void rollback();
   bool isOpen() const { return m_depth != 0; }
 
-  /// Undoes the last step, or does the last undone one again. False when there is none, a
-  /// step is open, or memory ran out; nothing has changed then.
+  /// Undoes the last step, or redoes the last undone one. Returns false, with nothing changed, if
+  /// there is none, a step is open, or memory ran out.
   bool undo();
   bool redo();  ///< see `undo`
-  /// Joins the last step to the one before it, whose name holds: moving by mouse is many
-  /// edits and one step. False with less than two steps to undo, or with one open.
+  /// Merges the last step into the previous one, which keeps its name: dragging with the mouse is
+  /// many edits but one step. False with fewer than two steps to undo, or with an open step.
   bool merge();
   /// Forgets every step and deletes what they owned; the open one is rolled back, as far as
   /// memory allows.
@@ -82,48 +82,48 @@ class VEK0_API CUndoStack {
 
   std::size_t getNoUndo() const { return m_done.size(); }
   std::size_t getNoRedo() const { return m_undone.size(); }
-  /// Name of the step that `undo` or `redo` would take; empty when there is none.
+  /// Name of the step that `undo` or `redo` would apply to; empty if there is none.
   const zim::WString& getUndoName() const;
   const zim::WString& getRedoName() const;  ///< see `getUndoName`
 
-  /// Bytes that the steps take, what they own included; an estimate.
+  /// Estimated memory of the steps in bytes, including what they own.
   std::size_t size() const { return m_bytes; }
   std::size_t getLimit() const { return m_limit; }
-  /// The last step is kept whatever it takes, and so are steps that were undone.
+  /// The last step is kept whatever its size, and so are undone steps.
   void setLimit(std::size_t bytes);
 
   // --- Before a change in place
 
-  /// Before any change of the entity; in a drawing, in a block, or in neither.
+  /// Before any change of the entity, whether in a drawing, in a block, or in neither.
   bool keep(CEnt& ent);
-  /// Before a change of layer, linetype or color alone.
+  /// Before a change of only layer, linetype or color.
   bool keepProperties(CEnt& ent);
-  /// Before a change of what is peculiar to the kind alone.
+  /// Before a change of only the kind-specific state.
   bool keepGeometry(CEnt& ent);
   bool keep(CLayer& layer);
   bool keep(CLtype& ltype);
   bool keep(CStyle& style);
-  /// Before a change of a block's name, flags or words of the host, or of a reference's
-  /// path; for base point and content there are `redefine` and the edits of single entities.
+  /// Before a change of a block's name, flags or host data, or of a reference's path; for base
+  /// point and content, use `redefine` and the edits of single entities.
   bool keep(CBlock& block);
   /// Before a change of variables or current items.
   bool keepVars();
 
   // --- Adding, removing, redefining
 
-  /// Appends the entity to model space. A hatch brings the block along that was made for
-  /// it and put into the table.
+  /// Appends the entity to model space. A hatch brings along the block that was created for it and
+  /// added to the table.
   bool add(CEnt* ent);
-  /// Takes the entity out of model space, or out of the block that it is in. A hatch takes
-  /// its block along unless something else shows it. False for what a loaded reference shows,
-  /// which is read anew and belongs to another drawing.
+  /// Removes the entity from model space or from its block. A hatch's block is removed with it
+  /// unless something else shows it. False for content of a loaded reference, which belongs to
+  /// another drawing and is reloaded from its file.
   bool remove(CEnt* ent);
-  /// Adds the entity to a block as `CBlock::add` does. False when the block would come to
-  /// insert itself, or is what a loaded reference shows.
+  /// Adds the entity to a block as `CBlock::add` does. False if the block would insert itself,
+  /// directly or indirectly, or belongs to a loaded reference.
   bool add(CBlock& block, CEnt* ent);
 
-  /// Adds the item to its table, or takes it out. What is used, by the counts or as current
-  /// item, is not taken out, nor are the fixed items.
+  /// Adds the item to its table, or removes it. Items in use, by their counts or as current item,
+  /// and the fixed items cannot be removed.
   bool add(CLayer* layer);
   bool add(CLtype* ltype);     ///< likewise
   bool add(CStyle* style);     ///< likewise
@@ -132,14 +132,14 @@ class VEK0_API CUndoStack {
   bool remove(CLtype* ltype);  ///< likewise
   bool remove(CStyle* style);  ///< likewise
   bool remove(CBlock* block);  ///< likewise
-  /// Likewise; what another reference shows, or whose dependent items are used, is not
-  /// taken out. Linear in the items.
+  /// Likewise; a reference that another one shows, or whose dependent items are used, cannot be
+  /// removed. Linear in the items.
   bool remove(CBlockXRef* xref);
   bool add(CBlockXRef* xref);  ///< likewise
 
-  /// `CBlockTable::Redefine` of a block in the table; the old entities are the stack's.
+  /// `CBlockTable::Redefine` of a block in the table; the stack owns the old entities.
   bool redefine(CBlock& block, const PNT_3D& base, long flags, const std::list<CEnt*>& newEntities);
-  /// `CEntHatch::redefine`; the old block is the stack's and comes back as it was.
+  /// `CEntHatch::redefine`; the stack owns the old block and restores it unchanged.
   bool redefine(CEntHatch& hatch, double scale, double rotate, const HATCH_TYPE& type);
 
  private:
@@ -186,14 +186,14 @@ class VEK0_API CUndoStack {
   CData& m_data;
   std::size_t m_limit;
   std::size_t m_bytes = 0;
-  // Steps go from list to list, so that only `begin` allocates one.
+  // Steps are spliced between lists, so that only `begin` allocates one.
   std::list<Step> m_done;    // the last one is undone first
-  std::list<Step> m_undone;  // the last one is done again first
-  std::list<Step> m_open;    // none, or one
+  std::list<Step> m_undone;  // the last one is redone first
+  std::list<Step> m_open;    // at most one
   int m_depth = 0;
-  // What the open step has a snapshot of: the first one is the one that counts.
+  // What the open step already has a snapshot of: only the first one is taken.
   Targets m_kept;
-  Targets m_merged;  // likewise, of the step of that number, for `merge`
+  Targets m_merged;  // the same for the step of that number, for `merge`
   unsigned long m_mergedId = 0;
   unsigned long m_lastId = 0;
   zim::WString m_noName;

@@ -15,9 +15,9 @@ class CData;
 class CEntInsertBase;
 class CFileDXFIError;
 
-/// Everything in which loading into a drawing and importing into one agree.
+/// The behavior common to loading and importing.
 ///
-/// The drawing and the error record are borrowed and outlive the semantor.
+/// The drawing and the error record are borrowed and must outlive the semantor.
 class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
  public:
   IFileDXFIDataSemantor(CData& data, CFileDXFIError* err, const CFileDXFIOptions& options = {});
@@ -26,7 +26,7 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   void transition() override {}
   CDataVariables* getVars() override;
 
-  /// Fills a layer that an entity brought into being; a declared one wins.
+  /// Fills in a layer that an entity caused to be created; an already declared one is kept.
   void createLayer(const zim::WString& name, CLtype* ltype, short colour, long flags) override;
   void createLayerXRef(const zim::WString& xref, const zim::WString& name, CLtype* ltype,
                        short colour, long flags) override;
@@ -37,8 +37,7 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
                        long flags) override;
   void createStyle(const zim::WString& name, const ICADFont* font, double fixedHeight,
                    double widthScale, double oblique, double lastHeight, long flags) override;
-  /// Fills an external reference that dependent names announced; one with a path
-  /// keeps it.
+  /// Fills in an external reference announced by dependent names; an existing path is kept.
   void createBlockXRef(const zim::WString& name, const zim::WString& path, const PNT_3D& base,
                        long flags) override;
   CBlock* createBlockHurried(const zim::WString& name, long flags) override;
@@ -69,33 +68,32 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
 
   CData& data() const { return m_data; }
 
-  /// The external reference of that name; null and error 10 when there is none.
+  /// The external reference of that name; null and error 10 if there is none.
   CBlockXRef* getXRef(const zim::WString& name);
   /// Creates the block and moves the entities into it.
   void createFreshBlock(const zim::WString& name, const PNT_3D& base, long flags,
                         std::list<CEnt*>& entities);
-  /// Gives an existing block a new definition and deletes the old entities; error 9,
-  /// with the new ones deleted, when it would come to insert itself.
+  /// Gives an existing block a new definition and deletes the old entities; error 9, with the new
+  /// ones deleted, if it would insert itself, directly or indirectly.
   void redefineBlock(CBlock& block, const PNT_3D& base, long flags, std::list<CEnt*>& entities);
-  /// Whether a block entry declared the reference, or the drawing had it; false for null.
+  /// Whether a block entry declared the reference, or the drawing already had it; false for null.
   bool isDeclared(const CBlockXRef* xref) const;
-  /// Whether a declared external reference bears the name, which is then error 10.
+  /// Whether a declared external reference has the name; if so, records error 10.
   bool isXRefName(const zim::WString& name);
-  /// Whether the block was made for an insert that came before its definition.
+  /// Whether the block was created for an insert that preceded its definition.
   bool isPlaceholder(const CBlock& block) const;
-  /// The placeholders that were not defined, in the order in which they were made.
+  /// The placeholders that were never defined, in order of creation.
   std::vector<CBlock*> undefinedBlocks() const;
-  /// Settles what only the whole file tells: external references that are ordinary blocks,
-  /// inserts of such that were declared after them, fills of solid hatches, and extents.
+  /// Resolves what depends on the whole file: external references that are ordinary blocks, inserts
+  /// that precede the declaration of such references, fills of solid hatches, and extents.
   void settle();
-  /// Takes a block out of the drawing and deletes it; nothing may insert it.
+  /// Removes a block from the drawing and deletes it; nothing may insert it.
   void dropBlock(CBlock& block);
 
-  /// Gives the name up to a block of the file if a hatch read before has taken it for
-  /// its generated lines.
+  /// Frees the name for a block of the file if an earlier hatch uses it for its generated lines.
   void freeHatchName(const zim::WString& name);
 
-  /// Deletes entities that found no place.
+  /// Deletes entities that could not be placed.
   static void discard(std::list<CEnt*>& entities);
   void note(const char* code, const zim::WString& sample) const;
 
@@ -112,7 +110,7 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   CBlockXRef* addXRef(const zim::WString& name, const zim::WString& path, const PNT_3D& base,
                       long flags);
   Placeholder* findPlaceholder(const CBlock& block);
-  /// The lines of a hatch; null when there would be too many, or none can be made.
+  /// Generates the lines of a hatch; null if there would be too many, or none can be generated.
   std::unique_ptr<CBlock> generate(const HATCH_TYPE& type, double scale, double rotate,
                                    const std::vector<PNT_3D>& boundary);
   void dropUnusedHatchBlocks();
@@ -127,12 +125,13 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   CFileDXFIError* m_err;
   CFileDXFIOptions m_options;
   std::unordered_set<const CLayer*> m_hurriedLayers;
-  // References that only the names of dependent items speak of. As long as no block
-  // entry declares one, an ordinary block of that name comes first.
+  // References implied only by names of dependent items. Until a block entry declares one, an
+  // ordinary block of that name takes precedence.
   std::unordered_set<const CBlockXRef*> m_announcedXRefs;
   std::unordered_set<CBlock*> m_hatchBlocks;        // generated while reading
-  std::unordered_set<const CBlock*> m_solidBlocks;  // of solid hatches that the file has as inserts
-  double m_hatchRoom;                               // pieces that further hatches may have
+  std::unordered_set<const CBlock*> m_solidBlocks;  // of solid hatches stored as inserts in the
+                                                    // file
+  double m_hatchRoom;                               // remaining pieces for further hatches
   std::vector<Placeholder> m_placeholders;
   std::unordered_map<const CBlock*, std::size_t> m_placeholderIndex;
 };

@@ -3,8 +3,8 @@
 #include "vek0core/export.h"
 #include "zim0lang/wstring.h"
 
-/// How reading a drawing failed: kind, line, two numbers and the file's name.
-/// Every stage of the reader fills one record; a later error replaces the kind.
+/// Describes why reading a drawing failed: kind, line, two numbers and the file's name. All stages
+/// of the reader share one record; a later error replaces the kind.
 class VEK0_API CFileDXFIError {
  public:
   /// The values are fixed; hosts store and print them. Reserved kinds are never
@@ -16,7 +16,7 @@ class VEK0_API CFileDXFIError {
     CannotOpen = 3,           ///< reserved
     InvalidGroupCode = 4,     ///< reserved
     EmptyGroupCode = 5,       ///< a group-code line is empty
-    EmptyNumber = 6,          ///< a number was asked for and the value is empty
+    EmptyNumber = 6,          ///< a number was expected and the value is empty
     UnexpectedEnd = 7,        ///< reserved
     UnknownSection = 8,       ///< reserved
     BlockNotFound = 9,        ///< a block does not exist or cannot be redefined
@@ -24,26 +24,26 @@ class VEK0_API CFileDXFIError {
     XRefNotCreated = 11,      ///< a block of an external reference cannot be made
     WrongStructure = 13,      ///< sections, tables, group codes, or the end of the file
     UnknownTable = 14,        ///< reserved
-    OutOfRange = 15,          ///< a value has no meaning; numbers that are not finite
-    EntityNotBuilt = 16,      ///< parameters: 2 and the entity factory's result
+    OutOfRange = 15,          ///< a meaningless value or a non-finite number
+    EntityNotBuilt = 16,      ///< parameters: 2 and the result of the entity factory
     LtypeNotFound = 17,       ///< a layer names it
     FontNotFound = 18,        ///< a text style names it
     NewerVersion = 19,        ///< than the reader supports
     InconsistentRecord = 20,  ///< of a hatch, a light-weight polyline or a linetype element
   };
 
-  /// What the file is where it is no text DXF at all, which is error 13.
+  /// The form of the file; anything but text DXF is error 13.
   enum Form { TextForm, BinaryForm, DwgForm, EmptyForm };
 
-  /// No error, no file.
+  /// No error and no file.
   CFileDXFIError() = default;
 
   bool HasAnError() const { return m_type != NoError; }
-  /// Sets the kind and nothing else, whatever it was before.
+  /// Sets the kind only, unconditionally.
   void SetError(TDXFErrors type) { m_type = type; }
   TDXFErrors GetErrorType() const { return m_type; }
 
-  /// The lines read when the error was found; the last of them is at fault.
+  /// Number of lines read when the error was found; the last one is the offending line.
   long GetErrorLine() const { return m_line; }
   void SetErrorLine(long line) { m_line = line; }
 
@@ -60,13 +60,13 @@ class VEK0_API CFileDXFIError {
   void SetFileName(const zim::WString& name) { m_fileName = name; }
   const zim::WString& GetFileName() const { return m_fileName; }
 
-  /// The localised text of the kind, from the string library; kinds without a text
-  /// of their own have the general one.
+  /// The localized text of the kind, from the string library; kinds without one use the general
+  /// text.
   zim::WString GetErrorMessage() const;
 
-  /// A sentence for people: what the file is if it is no text DXF, else the text of the kind
-  /// (in English where the string library has none of its own), the line, and the numbers
-  /// that belong to it. Empty without an error.
+  /// A human-readable sentence: the form of the file if it is not text DXF, otherwise the text of
+  /// the kind (in English if the string library has none), the line, and the related numbers. Empty
+  /// without an error.
   zim::WString GetFullMessage() const;
 
  private:

@@ -5,12 +5,11 @@
 
 #include "vek0core/dxfin/filedxfidatasemantor.h"
 
-/// Importing: the file's content joins a drawing, whose own variables, layer "0",
-/// "STANDARD" and definitions of equal names win; entities get new handles.
+/// Importing: adds the file's content to a drawing. The drawing's variables, layer "0", "STANDARD"
+/// and definitions of equal names are kept; entities get new handles.
 ///
-/// Anonymous blocks ("*D3": dimensions, hatches, arrays) are private to their
-/// file. Equal names mean nothing there, so each takes a free name of the
-/// drawing and the file's inserts follow.
+/// Anonymous blocks ("*D3": dimensions, hatches, arrays) are private to their file. Equal names are
+/// accidental there, so each gets a free name in the drawing, and the file's inserts are updated.
 class VEK0_API CFileDXFIImportDataSemantor : public IFileDXFIDataSemantor {
  public:
   using IFileDXFIDataSemantor::IFileDXFIDataSemantor;
@@ -20,8 +19,8 @@ class VEK0_API CFileDXFIImportDataSemantor : public IFileDXFIDataSemantor {
   bool shouldRespectHandles() override { return false; }
   void createLayer0(CLtype*, short, long) override {}
   void createStyleStandard(const ICADFont*, double, double, double, double, long) override {}
-  /// Keeps the drawing's block of that name; only a block that this import made
-  /// for an insert is filled.
+  /// Keeps the drawing's block of that name; fills only a block that this import created for an
+  /// insert.
   void createBlock(const zim::WString& name, const PNT_3D& base, long flags,
                    std::list<CEnt*>& entities) override;
   CBlock* createBlockHurried(const zim::WString& name, long flags) override;

@@ -19,31 +19,31 @@ namespace vek0::detail {
 class LineReader;
 }
 
-/// Turns a file into pairs of group code and value.
+/// Splits a file into pairs of group code and value.
 ///
-/// Errors are recorded, never thrown, and a sentinel is returned: callers test
-/// `HasAnError` before they go on. The file is read from where it stands when
-/// `read` is first called: in blocks of bytes when it offers bytes, else by lines;
-/// both give the same pairs. The value stays bytes until its text is asked for.
+/// Errors are recorded, never thrown, and a sentinel is returned: callers check `HasAnError` before
+/// they continue. The file is read from its position at the first `read`: in blocks of bytes if it
+/// supports that, otherwise by lines; both yield the same pairs. The value is not decoded until its
+/// text is requested.
 ///
-/// A copy goes on in the same file: each pair comes to whoever reads first, and
-/// both keep their current pair.
+/// A copy continues in the same file: each pair is returned to whichever copy reads first, and each
+/// keeps its current pair.
 class VEK0_API CFileDXFILexer {
  public:
-  /// Units of the value buffer, terminator included. Of a longer value the first
-  /// 8191 units are kept and the report told ("line cut").
+  /// Units of the value buffer, terminator included. A longer value is cut to its first 8191 units
+  /// and reported ("line cut").
   static constexpr long kBufferUnits = 8192;
 
-  /// Both are borrowed; the error record may be null, then nobody is told.
+  /// Both are borrowed; the error record may be null, and errors are then not recorded.
   CFileDXFILexer(IFile& file, CFileDXFIError* err);
   CFileDXFILexer(const CFileDXFILexer& other);
   CFileDXFILexer& operator=(const CFileDXFILexer&) = delete;
   ~CFileDXFILexer();
 
-  /// Reads the next pair that is not a comment (999) and returns its group code,
-  /// which is within 32 bits. Returns -1 with error 5 when the code's line is empty,
-  /// and with error 13 at the end of the file or when reading fails; the value is
-  /// empty then, code and line count stand as far as the pair was read.
+  /// Reads the next pair that is not a comment (999) and returns its group code, which is within 32
+  /// bits. Returns -1 with error 5 if the code's line is empty, and with error 13 at the end of the
+  /// file or if reading fails; the value is then empty, and code and line count reflect the part of
+  /// the pair that was read.
   long read();
 
   /// The code of the current pair.
@@ -51,18 +51,18 @@ class VEK0_API CFileDXFILexer {
   /// Lines read so far, comments included.
   long getLine() const { return m_line; }
 
-  /// The value without trailing blanks, tabs and line end, decoded and otherwise as
-  /// it stands: escapes are kept. Ask anew after every `read`.
+  /// The value without trailing blanks, tabs and line end, decoded but otherwise unchanged: escapes
+  /// are kept. Invalidated by every `read`.
   const SmartString& getString() const;
 
-  /// The value's bytes, trailing blanks gone, in the encoding of the file, or in
-  /// UTF-8 when the file is read by lines or is UTF-16. Valid until the next
-  /// `read`. What keywords and caches compare.
+  /// The value's bytes without trailing blanks, in the encoding of the file, or in UTF-8 if the
+  /// file is read by lines or is UTF-16. Valid until the next `read`. Keywords and caches compare
+  /// these.
   std::string_view getBytes() const { return m_value; }
 
-  /// Whether the value is that keyword, which is upper-case ASCII, in any case.
+  /// Whether the value equals that keyword, ignoring case. The keyword must be uppercase ASCII.
   bool isKeyword(std::string_view keyword) const {
-    // Most are asked about in vain, which the first letter tells, unless it is indented.
+    // Most comparisons fail, and the first letter decides that unless the value is indented.
     constexpr char caseless = '_', blank = ' ';
     const char first = m_value.empty() ? blank : m_value.front();
     return (((first ^ keyword.front()) & caseless) == 0 || first <= blank) && equals(keyword);
@@ -71,52 +71,51 @@ class VEK0_API CFileDXFILexer {
   /// The value as text: decoded, escapes and carets replaced.
   zim::WString getText() const;
 
-  /// The value as a number: 0 for junk. An empty value is error 6, a number that is
-  /// not finite error 15 (see `refuseJunk`); 0 is returned then.
+  /// The value as a number: 0 for junk. An empty value is error 6, a non-finite number error 15
+  /// (see `refuseJunk`); both return 0.
   double getDouble() const;
-  /// The value as a whole number within 32 bits: 0 for junk; -1 with error 6 when it is empty.
+  /// The value as a 32-bit integer: 0 for junk; -1 with error 6 if it is empty.
   long getInt() const;
   /// The value as an unchecked hexadecimal number, modulo the range of `long`; -1
   /// with error 6 when it is empty.
   vek0::Handle getHex() const;
 
-  /// How bytes from now on are taken as text: what the header declares. A byte
-  /// order mark at the start of the file wins over it. Texts that turn out not to be UTF-8
-  /// against the page are of the other one (`setTolerant` alone looks).
+  /// Sets the code page for decoding from now on, as the header declares it. A byte order mark at
+  /// the start of the file takes precedence. Under `setTolerant`, texts that turn out not to be
+  /// UTF-8, contrary to the page, are decoded with the other one.
   void setCodePage(int page, int otherPage = kCodePageAuto);
-  /// How bytes were taken as text so far, as "utf-8" or "windows-1252"; "utf-16" of
-  /// a file that is read by lines, whose bytes are not seen here.
+  /// The encoding used so far, such as "utf-8" or "windows-1252"; "utf-16" for a file read by
+  /// lines, whose bytes are not visible here.
   std::string getEncodingName() const;
 
-  /// Reads what is written as the encoding says, whatever the file declares.
+  /// Forces this code page, whatever the file declares.
   void fixCodePage(int page);
-  /// Whether a text contradicted what the header declares (`setTolerant` alone looks).
+  /// Whether a text contradicted the header's declaration (detected only under `setTolerant`).
   bool isEncodingOther() const { return m_decoder.differs(); }
 
-  /// Makes a value that does not even begin with a number error 15 where one is asked for.
+  /// Makes a value that does not begin with a number error 15 where a number is expected.
   void refuseJunk() { m_refusesJunk = true; }
 
-  /// For pairs that nobody reads: error 15 when the group code is one of numbers and the value,
-  /// unless it is empty, begins with none.
+  /// For pairs that no reader uses: error 15 if the group code is numeric and the value is
+  /// non-empty but does not begin with a number.
   void checkNumber() const;
 
-  /// Makes the best of a file: lines that cannot be group codes are left out, keywords may
-  /// be indented, numbers may have a decimal comma or an exponent after a D, texts may be
-  /// UTF-8 against what the header says. The end of the file reads as the pair (0, "EOF");
-  /// a value line that lacks its end is left out then, unless it is that very mark. The
-  /// report is told.
+  /// Enables tolerant reading: lines that cannot be group codes are skipped, keywords may be
+  /// indented, numbers may have a decimal comma or a D exponent, and texts may be UTF-8 contrary to
+  /// the header. The end of the file reads as the pair (0, "EOF"); a last value line without its
+  /// line end is then dropped, unless it is that mark itself. All of this is reported.
   void setTolerant();
-  /// Reads nothing more: the file ends here, without a word in the report.
+  /// Treats the current position as the end of the file, without a report entry.
   void stop() { m_stopped = true; }
   bool isStopped() const { return m_stopped; }
 
   /// Whether the file ended without its end mark.
   bool isCut() const { return m_cut; }
-  /// What the first line shows the file to be, a `CFileDXFIError::Form`: nothing is read of
-  /// what is no text DXF.
+  /// The form of the file judging by its first line, a `CFileDXFIError::Form`: anything but text
+  /// DXF is not read.
   int getForm() const { return m_form; }
 
-  /// Where cut values are reported; null, as at first, for nowhere. Borrowed.
+  /// Sets the report that receives cut values; null, the default, for none. Borrowed.
   void setReport(CFileReport* report) { m_report = report; }
 
  private:
@@ -156,10 +155,10 @@ class VEK0_API CFileDXFILexer {
 
   long m_line = 0;
   long m_group = 0;
-  mutable std::string_view m_value;              // into m_lines, or all of m_own's front
-  mutable std::string m_own;                     // the value where m_lines does not keep it
+  mutable std::string_view m_value;              // a view into m_lines or of the front of m_own
+  mutable std::string m_own;                     // holds the value if m_lines does not keep it
   std::string m_scratch;                         // by lines: the line just read, as UTF-8
-  mutable std::unique_ptr<zim::Char[]> m_units;  // the value buffer, made when first needed
+  mutable std::unique_ptr<zim::Char[]> m_units;  // the value buffer, allocated when first needed
   mutable SmartString m_string;
   mutable bool m_widened = false;  // m_units holds the current value
 };

@@ -2,8 +2,8 @@
 
 #include "vek0core/dxfin/filedxfidatasemantor.h"
 
-/// Loading: the file becomes the drawing. Variables, handles, layer "0", the
-/// style "STANDARD" and every definition are the file's.
+/// Loading: the file becomes the drawing. Variables, handles, layer "0", the style "STANDARD" and
+/// all definitions come from the file.
 class VEK0_API CFileDXFILoadDataSemantor : public IFileDXFIDataSemantor {
  public:
   using IFileDXFIDataSemantor::IFileDXFIDataSemantor;
@@ -14,7 +14,7 @@ class VEK0_API CFileDXFILoadDataSemantor : public IFileDXFIDataSemantor {
   void createLayer0(CLtype* ltype, short colour, long flags) override;
   void createStyleStandard(const ICADFont* font, double fixedHeight, double widthScale,
                            double oblique, double lastHeight, long flags) override;
-  /// A block that the file defines twice ends with the second definition.
+  /// If the file defines a block twice, the second definition wins.
   void createBlock(const zim::WString& name, const PNT_3D& base, long flags,
                    std::list<CEnt*>& entities) override;
 };

@@ -25,15 +25,15 @@ class DimStyles;
 class DroppedObjects;
 }  // namespace vek0::detail
 
-/// Reads a text DXF file section by section and hands what it understands to a
-/// semantor; what it does not understand it skips.
+/// Reads a text DXF file section by section and passes what it recognizes to a semantor, skipping
+/// the rest.
 ///
-/// One parser reads one file once. File, semantor, factory, error record and
-/// report are borrowed. The first error ends the reading.
+/// A parser reads one file, once. File, semantor, factory, error record and report are borrowed.
+/// Reading stops at the first error.
 class VEK0_API CFileDXFIParser {
  public:
-  /// A failure as a value, for hosts that want to throw one. The reader itself
-  /// reports through `CFileDXFIError` and throws nothing.
+  /// A failure as an exception type, for hosts that want to throw. The reader itself reports
+  /// through `CFileDXFIError` and never throws.
   class FileDXFException {
    public:
     FileDXFException(const zim::WString& file, long number, long line, long param1, long param2)
@@ -55,22 +55,21 @@ class VEK0_API CFileDXFIParser {
   CFileDXFIParser& operator=(const CFileDXFIParser&) = delete;
   virtual ~CFileDXFIParser();
 
-  /// Opens the file, forgets what the error record held, reads, closes the file.
-  /// False without an error when the file cannot be opened, false with one after a
-  /// failure: the record then holds kind, line and file name. Running out of memory
-  /// is error 1.
+  /// Opens the file, clears the error record, reads and closes the file. Returns false without an
+  /// error if the file cannot be opened, and false with one after a failure: the record then holds
+  /// kind, line and file name. Running out of memory is error 1.
   bool load();
 
-  /// Whether the host had enough (`CFileDXFIOptions::progress`).
+  /// Whether the host canceled the reading (`CFileDXFIOptions::progress`).
   bool isCancelled() const { return m_cancelled; }
-  /// `$ACADVER` as the file gives it; empty when there was none.
+  /// `$ACADVER` as stated in the file; empty if missing.
   const zim::WString& getVersionName() const { return m_versionName; }
-  /// `$INSUNITS` and `$MEASUREMENT`; 0 and -1 when the file does not state them.
+  /// `$INSUNITS` and `$MEASUREMENT`; 0 and -1 if missing.
   long getUnits() const { return m_units; }
   long getMeasurement() const { return m_measurement; }
-  /// `$INSBASE`; the origin when the file does not state it.
+  /// `$INSBASE`; the origin if missing.
   const PNT_3D& getInsertionBase() const { return m_insertionBase; }
-  /// How the file's bytes were taken for text.
+  /// The encoding used to decode the file.
   std::string getEncodingName() const { return m_lexer.getEncodingName(); }
 
  protected:
@@ -92,8 +91,8 @@ class VEK0_API CFileDXFIParser {
 
   void readBlocks();
   void readEntities();
-  /// Reads one entity record. Null when it gives nothing; the caller owns it. What
-  /// it gives beyond that waits in the version loader.
+  /// Reads one entity record. The caller owns the entity; null if the record yields none. Further
+  /// entities of the record are queued in the version loader.
   CEnt* readAnEntity();
   /// Skips the current record.
   void readEntityOther();
@@ -163,15 +162,15 @@ class VEK0_API CFileDXFIParser {
   void skipTo(std::string_view keyword);
 
   bool isTolerant() const { return m_options.policy.tolerant; }
-  /// Under the tolerant policy, turns an error into a note; false when there was none, or one
-  /// that ends the reading.
+  /// Under the tolerant policy, downgrades an error to a report entry; false if there was none, or
+  /// a fatal one.
   bool forgive(const char* code, const zim::WString& sample);
-  /// The same for the error of the current value, which is no number: the pair is lost.
+  /// The same for an error in the current value, which is not a number: the pair is dropped.
   bool spareNumber();
-  /// The same for the error of a record; goes on to the next record.
+  /// The same for an error in a record; continues with the next record.
   bool recover(const char* code, const zim::WString& sample);
-  /// The same when the policy is tolerant whether or not there is an error: the current
-  /// record does not belong where it stands.
+  /// Under the tolerant policy, skips the current record, which is misplaced, whether or not there
+  /// is an error.
   bool passRecord();
   /// Whether the current record ends the section; one that begins the next, or ends the
   /// file, does so under the tolerant policy and is left for `nextRecord`.
@@ -182,13 +181,13 @@ class VEK0_API CFileDXFIParser {
   bool failed() const { return m_err.HasAnError(); }
   void fail(CFileDXFIError::TDXFErrors kind) { m_err.SetError(kind); }
   bool isKeyword(std::string_view keyword) const { return m_lexer.isKeyword(keyword); }
-  /// Reads a pair, which has to be of this group code: else error 13.
+  /// Reads a pair, which must have this group code: otherwise error 13.
   bool expect(long code);
-  /// Whether the current pair opens a record and no error is recorded: else error 13.
+  /// Whether the current pair begins a record and no error is recorded: otherwise error 13.
   bool atRecord();
 
   IFile& m_file;
-  CFileDXFIError m_ownErr;  // stands in when the caller wants no record
+  CFileDXFIError m_ownErr;  // used if the caller passes no record
   CFileDXFIError& m_err;
   CFileDXFILexer m_lexer;
   IFileDXFISemantor& m_semantor;
@@ -208,8 +207,8 @@ class VEK0_API CFileDXFIParser {
   CEntFactory& m_factory;
   std::unique_ptr<vek0::detail::DimStyles> m_dimStyles;
   std::unique_ptr<vek0::detail::DroppedObjects> m_dropped;
-  // Handle of the record of the sheet whose entities are none of a block's.
+  // Handle of the sheet record whose entities do not belong to a block.
   std::uint64_t m_activeSheet = 0;
   std::unique_ptr<vek0::detail::CFileDXFIVersionLoader> m_pACADVersionLoader;
-  long m_faultLine = 0;  // 0: the error is where the lexer stands
+  long m_faultLine = 0;  // 0: the error is at the lexer's current line
 };

@@ -26,14 +26,13 @@ class IHandleGestor;
 class PNT_3D;
 struct HATCH_TYPE;
 
-/// What the DXF parser asks of the place that a file is read into ("semantor":
-/// it gives parsed records their meaning). The parser never touches a drawing
-/// itself; loading, importing and tests differ in the semantor alone.
+/// Receives the parsed content of a DXF file ("semantor": it gives parsed records their meaning).
+/// The parser never accesses a drawing directly; loading, importing and tests differ only in the
+/// semantor.
 ///
-/// Names are looked up without regard to letter case. Pointers that come back
-/// are borrowed. A failure is recorded in the error record that the semantor
-/// shares with the parser, which stops at its next test. The pure functions stand in a
-/// fixed order.
+/// Names are looked up ignoring case. Returned pointers are borrowed. Failures are recorded in the
+/// error record that the semantor shares with the parser, which stops at its next check. The order
+/// of the pure functions is fixed.
 class VEK0_API IFileDXFISemantor {
  public:
   /// Reading failed; called once, before `transition`.
@@ -41,20 +40,20 @@ class VEK0_API IFileDXFISemantor {
   /// Reading is over, successful or not; called once.
   virtual void transition() = 0;
 
-  /// Whether header variables and current items of the file are wanted.
+  /// Whether to read the file's header variables and current items.
   virtual bool shouldReadHeaders() = 0;
   /// The variables to fill; not null when `shouldReadHeaders`.
   virtual CDataVariables* getVars() = 0;
   /// Whether entities keep the handles of the file.
   virtual bool shouldRespectHandles() = 0;
 
-  /// Creates a layer unless one of that name exists. A null linetype stands for
-  /// Continuous. `flags` are those of the file with 128 added when it is off.
+  /// Creates a layer unless one of that name exists. A null linetype means Continuous. `flags` are
+  /// those of the file, plus 128 if the layer is off.
   virtual void createLayer(const zim::WString& name, CLtype* ltype, short colour, long flags) = 0;
-  /// The file's entry of layer "0". A null linetype keeps the present one.
+  /// The file's entry of layer "0". A null linetype keeps the current one.
   virtual void createLayer0(CLtype* ltype, short colour, long flags) = 0;
-  /// Creates layer "xref|name" inside the external reference, which comes into
-  /// being unresolved when no block entry declared it yet.
+  /// Creates layer "xref|name" inside the external reference, which is created unresolved if no
+  /// block entry has declared it yet.
   virtual void createLayerXRef(const zim::WString& xref, const zim::WString& name, CLtype* ltype,
                                short colour, long flags) = 0;
 
@@ -73,30 +72,29 @@ class VEK0_API IFileDXFISemantor {
   virtual void createStyleStandard(const ICADFont* font, double fixedHeight, double widthScale,
                                    double oblique, double lastHeight, long flags) = 0;
 
-  /// Creates the block, or fills one that was only announced. Takes the entities
-  /// out of the list, whether or not it succeeds. Error 9 when the block would
-  /// come to insert itself, 10 when an external reference bears the name.
+  /// Creates the block, or fills one that was only announced. Removes the entities from the list,
+  /// whether or not it succeeds. Error 9 if the block would insert itself, directly or indirectly,
+  /// 10 if an external reference has the name.
   virtual void createBlock(const zim::WString& name, const PNT_3D& base, long flags,
                            std::list<CEnt*>& entities) = 0;
-  /// Declares an external reference. The file at `path` is not opened. Error 11
-  /// when an ordinary block bears the name.
+  /// Declares an external reference. The file at `path` is not opened. Error 11 if an ordinary
+  /// block has the name.
   virtual void createBlockXRef(const zim::WString& name, const zim::WString& path,
                                const PNT_3D& base, long flags) = 0;
-  /// An empty block for an insert whose block is not defined yet; null when it
-  /// cannot be made.
+  /// Creates an empty block for an insert whose block is not defined yet; null on failure.
   virtual CBlock* createBlockHurried(const zim::WString& name, long flags) = 0;
 
-  /// Takes an entity of model space.
+  /// Takes ownership of an entity of model space.
   virtual void add(CEnt* ent) = 0;
 
-  /// The item of that name, "xref|item" included; null when there is none.
+  /// The item of that name, which may have the form "xref|item"; null if there is none.
   virtual CLtype* getLtype(const zim::WString& name) = 0;
   virtual CLtypeByLayer* getLtypeByLayer() = 0;
   virtual CLayer* getLayer(const zim::WString& name) = 0;
   virtual CStyle* getStyle(const zim::WString& name) = 0;
-  /// Null when the drawing has lost its "STANDARD".
+  /// Null if the drawing's "STANDARD" was removed.
   virtual CStyle* getStyleStandard() = 0;
-  /// The block of that name; null and error 9 when there is none.
+  /// The block of that name; null and error 9 if there is none.
   virtual CBlock* getBlock(const zim::WString& name) = 0;
 
   virtual CBlockFactory& getBlockFactory() = 0;
@@ -105,29 +103,28 @@ class VEK0_API IFileDXFISemantor {
   virtual IHandleGestor& getHandleGestor() = 0;
   virtual CEntFactory& getEntFactory() = 0;
 
-  // The rest can be left as it is.
+  // Overriding the rest is optional.
 
-  /// What an insert of that name shows: the external reference or the block, by the name
-  /// that the file gives it; null, and nothing recorded, when neither exists yet. By
-  /// default what the block table has.
+  /// The external reference or block that an insert of that name shows, by its name in the file;
+  /// null, without an error, if neither exists yet. By default looks in the block table.
   virtual CBlock* findBlock(const zim::WString& name);
-  /// Creates a layer that an entity names and no table declared: color 7,
-  /// Continuous, flags 0. A table entry that follows fills it in.
+  /// Creates a layer that an entity names but no table has declared: color 7, Continuous, flags 0.
+  /// A later table entry fills it in.
   virtual CLayer* createLayerHurried(const zim::WString& name);
-  /// The font for a font file's name; null when the policy allows no stand-in. By default
-  /// the font table's, or its default font.
+  /// The font for a font file's name; null if the policy allows no substitute. By default that of
+  /// the font table, or its default font.
   virtual const ICADFont* getFont(const zim::WString& name);
-  /// A hatch with its generated block, which is in the block table; when the lines cannot
-  /// be generated, and by default, the block is empty. The caller owns the hatch; null when
-  /// it cannot be made.
+  /// Creates a hatch with its generated block, which is added to the block table; by default, and
+  /// if the lines cannot be generated, the block is empty. The caller owns the hatch; null on
+  /// failure.
   virtual CEntHatch* createHatch(CLayer* layer, CLtype* ltype, short colour, const HATCH_TYPE& type,
                                  double scale, double rotate, const std::vector<PNT_3D>& boundary,
                                  vek0::Handle handle);
-  /// The patterns that are in no catalogue, which must live as long as the hatches. By
-  /// default one table for all such semantors of the process.
+  /// The table of patterns outside the catalogue, which must live as long as the hatches. By
+  /// default a process-wide table shared by all such semantors.
   virtual CHatchTypeTable& getHatchTypeTable();
-  /// Told of each hatch that the file holds as an insert. Its block may have other content
-  /// than a hatch needs, or none, when reading is over. Does nothing unless overridden.
+  /// Called for each hatch stored as an insert in the file. After reading, its block may have
+  /// content that does not suit a hatch, or none. Does nothing by default.
   virtual void adoptHatch(CEntHatch& /*hatch*/) {}
 
   virtual ~IFileDXFISemantor() = default;

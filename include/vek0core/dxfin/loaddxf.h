@@ -11,8 +11,8 @@ class CData;
 class CFileDXFIError;
 class IFile;
 
-/// Reads `file` into `data`, which is expected to be new and empty; in any other
-/// drawing the file's definitions replace those of equal names.
+/// Reads `file` into `data`, which should be new and empty; otherwise the file's definitions
+/// replace those of equal names.
 ///
 /// The outcome is in `err` (null: nobody wants to know). After an error the
 /// drawing holds what was read until then, in good order. A file that cannot be
@@ -21,22 +21,22 @@ class IFile;
 /// Running out of memory is error 1, and a drawing that was new is new again.
 VEK0_API void loadDXF(CData& data, IFile& file, CFileDXFIError* err);
 
-/// Reads `file` into `data` beside what the drawing holds, which wins where names
-/// are equal; anonymous blocks are renamed. Otherwise as `loadDXF`.
+/// Adds the content of `file` to `data`, whose definitions win where names are equal; anonymous
+/// blocks are renamed. Otherwise as `loadDXF`.
 VEK0_API void importDXF(CData& data, IFile& file, CFileDXFIError* err);
 
-/// How a reading ended, and what the file says of itself.
+/// The result of reading a file, and its metadata.
 struct CFileDXFIResult {
   enum Status { Done, NotOpened, Failed, Cancelled };
   Status status = NotOpened;
-  zim::WString version;           ///< `$ACADVER` as written, empty when the file has none
-  std::string encoding;           ///< how bytes were taken for text, as "utf-8" or "windows-1252"
+  zim::WString version;           ///< `$ACADVER` as written, empty if missing
+  std::string encoding;           ///< encoding used, such as "utf-8" or "windows-1252"
   long units = 0;                 ///< `$INSUNITS`: 0 not stated, 1 inches, 4 mm, 5 cm, 6 m, ...
   long measurement = -1;          ///< `$MEASUREMENT`: 0 imperial, 1 metric; -1 not stated
   PNT_3D insertionBase{0, 0, 0};  ///< `$INSBASE`: point to insert the drawing by
 };
 
-/// The same with a report and a policy.
+/// The same with options: report and policy.
 VEK0_API CFileDXFIResult loadDXF(CData& data, IFile& file, CFileDXFIError* err,
                                  const CFileDXFIOptions& options);
 VEK0_API CFileDXFIResult importDXF(CData& data, IFile& file, CFileDXFIError* err,

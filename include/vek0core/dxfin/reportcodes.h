@@ -4,16 +4,16 @@
 
 #include "vek0core/export.h"
 
-/// How much an entry of a report matters.
+/// Severity of a report entry.
 enum class ReportSeverity {
-  Note,    ///< the drawing is what the file says
-  Repair,  ///< the file says something else than the rules allow, and its meaning was plain
-  Change,  ///< what is seen is nearly the same, but it is another thing: a curve became a chain
-  Loss,    ///< something that the file holds is not in the drawing, nor in what is saved of it
+  Note,    ///< the drawing matches the file
+  Repair,  ///< the file violates the rules, but its meaning was clear
+  Change,  ///< nearly the same appearance, but a different object: a curve became a chain
+  Loss,    ///< something in the file is not in the drawing, nor in what is saved from it
 };
 
-/// The severity of a code that reading or saving notes (see `CFileDXFIOptions`, `CXRefOptions` and
-/// `SaveDXF`); `Loss` for codes that are not known.
+/// The severity of a report code (see `CFileDXFIOptions`, `CXRefOptions` and `SaveDXF`); `Loss` for
+/// unknown codes.
 VEK0_API ReportSeverity severityOf(std::string_view code);
 
 /// "note", "repair", "change" or "loss".

@@ -8,7 +8,7 @@ class CFileDXFOVisitor;
 class CFileDXFOWriter;
 class CNameAcadConverter;
 
-/// Writes block definitions while the block graph is walked.
+/// Writes block definitions during a traversal of the block graph.
 class VEK0_API CFileDXFOBlockWriter final : public IBlockOperation {
  public:
   /// All three are borrowed; entities go through `visitor`, which must write to the
@@ -16,13 +16,12 @@ class VEK0_API CFileDXFOBlockWriter final : public IBlockOperation {
   CFileDXFOBlockWriter(CFileDXFOWriter& writer, CFileDXFOVisitor& visitor,
                        CNameAcadConverter& converter);
 
-  /// Ends blocks with (8, "0") after ENDBLK; off at first.
+  /// Whether to write (8, "0") after ENDBLK; off by default.
   void setExchange(bool exchange) { m_exchange = exchange; }
 
-  /// Writes the block's record and its entities in their order. The base point is
-  /// always the origin, whatever the block's own is: entities are stored relative
-  /// to it already. Always `ZORA_BLOCK_VISIT_RESULT_SUCCESS`; failed writes show in
-  /// the writer.
+  /// Writes the block's record and its entities in their order. The base point is always written as
+  /// the origin, because entities are already stored relative to the block's base point. Always
+  /// returns `ZORA_BLOCK_VISIT_RESULT_SUCCESS`; the writer records failed writes.
   int doOperation(CBlock& block) override;
 
  private:

@@ -15,29 +15,28 @@ class CLtype;
 class CStyle;
 class PNT_2D;
 
-/// Writes one drawing to one file, section by section; `SaveDXF` is the short way.
+/// Writes one drawing to one file, section by section; `SaveDXF` is the convenience function.
 class VEK0_API CFileDXFOSaver {
  public:
-  /// Borrows the drawing and the file. `flags` are those of `SaveDXF`; losses are
-  /// added to `report` unless it is null. Converts the names of the drawing, so
-  /// the tables must not change before `save`. Throws `std::bad_alloc`.
+  /// Borrows the drawing and the file. `flags` are those of `SaveDXF`; losses are added to `report`
+  /// unless it is null. The constructor converts the names of the drawing, so the tables must not
+  /// change before `save`. Throws `std::bad_alloc`.
   CFileDXFOSaver(const CData& data, IFile& file, unsigned flags, CFileReport* report = nullptr);
   CFileDXFOSaver(const CFileDXFOSaver&) = delete;
   CFileDXFOSaver& operator=(const CFileDXFOSaver&) = delete;
   virtual ~CFileDXFOSaver();
 
-  /// Opens the file, writes the sections, closes it. False when the file does not
-  /// open, a write failed, memory ran out, or the blocks form a cycle. Call once.
+  /// Opens the file, writes the sections and closes it. False if the file cannot be opened, a write
+  /// failed, memory ran out, or the blocks form a cycle. Call once.
   bool save();
 
  protected:
-  /// The sections and the end marker; after each, what is buffered goes to the file
-  /// and a failure ends the work.
+  /// Writes the sections and the end marker; flushes after each and stops on failure.
   bool dosave();
 
   void writeHeaders();
   void writeTables();
-  /// False when the block graph has a cycle.
+  /// False if the block graph has a cycle.
   bool writeBlocks();
   void writeEntities();
 

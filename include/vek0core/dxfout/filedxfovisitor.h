@@ -25,37 +25,37 @@ class SavedNames;
 struct SavedVertex;
 }  // namespace vek0::detail
 
-/// Writes entities as DXF records, one `visit` an entity.
+/// Writes entities as DXF records, one `visit` per entity.
 ///
-/// Every record begins with its kind, handle, layer, linetype unless it is BYLAYER,
-/// and color unless it is BYLAYER. Angles are written in degrees. Entities with a
-/// number that is NaN or infinite, and inserts of a block that the drawing does not
-/// have, are left out and reported. `SetACADNameConverter` must be called first.
+/// Every record begins with its kind, handle and layer, then the linetype and the color unless they
+/// are BYLAYER. Angles are written in degrees. Entities with a NaN or infinite number, and inserts
+/// of a block that is not in the drawing, are skipped and reported. `SetACADNameConverter` must be
+/// called first.
 class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
  public:
-  /// Writes through `writer`, which is borrowed as the drawing is, whose blocks are
-  /// looked at once, here. With `flatten` every point is written with Z = 0.
+  /// Writes through `writer`. Both the writer and the drawing are borrowed; the drawing's blocks
+  /// are examined once, in the constructor. With `flatten` every point is written with Z = 0.
   CFileDXFOVisitor(const CData& data, CFileDXFOWriter& writer, bool flatten);
   CFileDXFOVisitor(const CFileDXFOVisitor&) = delete;
   CFileDXFOVisitor& operator=(const CFileDXFOVisitor&) = delete;
   ~CFileDXFOVisitor();
 
-  /// Names of layers, linetypes, styles and blocks come from `converter`
-  /// (borrowed). They are encoded on first use and kept.
+  /// Sets the source (borrowed) of the names of layers, linetypes, styles and blocks. Names are
+  /// encoded on first use and cached.
   void SetACADNameConverter(CNameAcadConverter* converter);
-  /// Writes bulges instead of chords, filled faces as SOLID and TRACE instead of 3DFACE, and
-  /// exact angles; off at first.
+  /// Whether to write bulges instead of chords, filled faces as SOLID and TRACE instead of 3DFACE,
+  /// and exact angles; off by default.
   void setExchange(bool exchange) { m_exchange = exchange; }
-  /// Where losses are reported; null (at first) for nowhere. Borrowed.
+  /// Sets the report that receives losses; null, the default, for none. Borrowed.
   void setReport(CFileReport* report) { m_report = report; }
-  /// Gives out the handles of the file (borrowed). Without it (null, at first)
-  /// entities are written with the handles they carry and sequence ends with 0.
+  /// Sets the source of handles in the file (borrowed). If null, the default, entities are written
+  /// with their own handles and sequence ends with 0.
   void setHandles(vek0::detail::SaveHandles* handles) { m_handles = handles; }
 
   using IEntFooVisitor::visit;  // vertices are written with their polyline
   void visit(CEnt3DFace& ent) override;
   void visit(CEntHatch& ent) override;
-  /// Attributes are written with their insert; a lone one is our own mistake.
+  /// Attributes are written with their insert; a lone one is a programming error.
   void visit(CEntAttrib& ent) override;
   void visit(CEntInsertXRef& ent) override;
   void visit(CEntFixedInsert& ent) override;
@@ -69,7 +69,7 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   void visit(CEntPnt& ent) override;
 
  private:
-  /// What a text record holds beside the common properties.
+  /// The contents of a text record beyond the common properties.
   struct TextRecord;
 
   bool isReady() const;

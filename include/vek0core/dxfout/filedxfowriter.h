@@ -13,55 +13,51 @@
 class CFileReport;
 class IFile;
 
-/// Formats DXF group pairs, two lines each, and hands them to a file.
+/// Formats DXF group pairs, two lines each, and writes them to a file.
 ///
-/// Every line reaches the file at once unless `setBuffered` collects them. A failed write
-/// is remembered; everything after it is dropped. Numbers do not depend on the locale.
+/// Every line is written immediately unless `setBuffered` enables buffering. A failed write is
+/// remembered; everything after it is dropped. Numbers do not depend on the locale.
 class VEK0_API CFileDXFOWriter {
  public:
-  /// Writes to `file`, which is borrowed and must be open whenever something is written
-  /// or handed over.
+  /// Writes to `file`, which is borrowed and must be open during every write and flush.
   explicit CFileDXFOWriter(IFile& file);
   CFileDXFOWriter(const CFileDXFOWriter&) = delete;
   CFileDXFOWriter& operator=(const CFileDXFOWriter&) = delete;
-  /// Flushes. Whether that failed the file knows (`IFile::fail`).
+  /// Flushes. `IFile::fail` reports whether that failed.
   ~CFileDXFOWriter();
 
-  /// Value in decimal.
+  /// Writes the value in decimal.
   void write(long code, long value);
-  /// Value 1 or 0.
+  /// Writes 1 or 0.
   void write(long code, bool value);
-  /// Fixed notation with six decimals, never an exponent, as "%.6f" gives it;
-  /// the shortest exact decimal after `setExact(true)`. `value` must be finite:
-  /// other numbers have no form that readers take and are written as 0.
+  /// Writes fixed notation with six decimals and no exponent, like "%.6f", or the shortest exact
+  /// decimal after `setExact(true)`. `value` must be finite: other numbers have no form that
+  /// readers accept and are written as 0.
   void write(long code, double value);
-  /// The text in the encoding of the file; null is the empty text.
+  /// Writes the text in the encoding of the file; null counts as empty.
   void write(long code, const zim::Char* text);
-  /// The same with a length. Control characters become carets (`^J`), so no text
-  /// can end its line; a text longer than the 8190 bytes that every reader takes
-  /// is cut there and reported.
+  /// The same for a view. Control characters become caret escapes (`^J`), so no text can end its
+  /// line; text beyond the 8190 bytes that every reader accepts is cut off and reported.
   void writeText(long code, std::u16string_view text);
-  /// The value of `hexBits` in upper-case hexadecimal without leading zeros.
+  /// Writes the value of `hexBits` in uppercase hexadecimal without leading zeros.
   void writeHex(long code, vek0::Handle value);
-  /// The low 32 bits of a negative number that has no more, as in programs whose handles
-  /// have 32 bits; all 64 bits of any other.
+  /// The low 32 bits of a negative number that fits in 32 bits, as written by programs with 32-bit
+  /// handles; all 64 bits of any other.
   static std::uint64_t hexBits(vek0::Handle value);
-  /// A value that is already in the encoding of the file, without a line end and
-  /// at most 8190 bytes long.
+  /// Writes a value already in the encoding of the file, without a line end and at most 8190 bytes
+  /// long.
   void writeEncoded(long code, std::string_view value);
 
-  /// Whether real numbers are written as the shortest decimals that read back
-  /// exactly; off at first.
+  /// Whether to write real numbers as the shortest decimals that read back exactly; off by default.
   void setExact(bool exact) { m_exact = exact; }
 
-  /// Where cut texts are reported; null (at first) for nowhere. Borrowed.
+  /// Sets the report that receives cut texts; null, the default, for none. Borrowed.
   void setReport(CFileReport* report) { m_report = report; }
 
-  /// Whether output is collected in a buffer of 64 KiB, which is several times faster; off
-  /// at first. Then call `flush` before the file is closed.
+  /// Whether to collect output in a buffer of 64 KiB, which is several times faster; off by
+  /// default. If on, call `flush` before closing the file.
   void setBuffered(bool buffered) { m_buffered = buffered; }
-  /// Hands what is buffered to the file. False when this or an earlier write
-  /// failed.
+  /// Writes the buffer to the file. False if this or an earlier write failed.
   bool flush();
   /// Whether a write failed.
   bool fail() const { return m_failed; }
@@ -78,7 +74,7 @@ class VEK0_API CFileDXFOWriter {
   IFile& m_file;
   std::unique_ptr<char[]> m_buffer;
   std::size_t m_used = 0;
-  std::string m_text;  // the text being encoded; its room is kept
+  std::string m_text;  // the text being encoded; a member to reuse its capacity
   CFileReport* m_report = nullptr;
   bool m_exact = false;
   bool m_buffered = false;

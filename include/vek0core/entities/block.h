@@ -23,34 +23,34 @@ struct BlockGraphItem;
 class RankTree;
 }  // namespace vek0::detail
 
-/// A named group of entities that inserts show.
+/// A named group of entities, displayed by inserts.
 ///
-/// The block owns its entities and stores them relative to its base point: `add`
-/// moves them there. What an entity's own place says does not fit is ignored: null,
-/// adding what some table or block holds already, removing what this one does not.
+/// The block owns its entities and stores them relative to its base point: `add` moves them there.
+/// Invalid operations are ignored, because each entity knows its owner: null, adding an entity that
+/// a table or block already holds, removing one that this block does not hold.
 ///
-/// Extents cover every entity but the attribute definitions; they are computed when
-/// they are asked for, those of the blocks that this one inserts first, however deep
-/// the nesting. Flag bit 2 is set while the block holds an attribute definition.
+/// Extents cover every entity except attribute definitions. They are computed on demand, those of
+/// inserted blocks first, whatever the nesting depth. Flag bit 2 is set while the block holds an
+/// attribute definition.
 ///
-/// `add` and `remove` change neither counts nor the block graph of a table that the
-/// block is in: edits of such a block go through `CBlockTable::Redefine`, or end with
-/// `CBlockTable::updateBlock`.
+/// `add` and `remove` change neither counts nor the block graph of a table that the block is in:
+/// edit such a block through `CBlockTable::Redefine`, or call `CBlockTable::updateBlock`
+/// afterwards.
 class VEK0_API CBlock : public CNamedItem {
  public:
   class CAttdefIterator;
   class CInsertIterator;
 
   // Bits of the flags.
-  static constexpr long kAnonymous = 1;   ///< private to what inserts it: a hatch, an array
+  static constexpr long kAnonymous = 1;   ///< private to its inserting object: a hatch, an array
   static constexpr long kHasAttdefs = 2;  ///< see the class
 
-  /// Copies name, base point, flags and the host's words. The copy has no entities,
-  /// hence no flag bit 2, and is in no table.
+  /// Copies name, base point, flags and user info. The copy has no entities, hence no flag bit 2,
+  /// and is in no table.
   CBlock(const CBlock& src);
-  /// Takes the same over and keeps its own entities.
+  /// Copies the same state and keeps its own entities.
   CBlock& operator=(const CBlock& src);
-  /// Deletes the entities. The block leaves the table and graph that it is in.
+  /// Deletes the entities. The block is removed from its table and graph.
   ~CBlock() override;
 
   /// Takes the entity over: moves it by the negated base point and appends it. Throws
@@ -58,9 +58,9 @@ class VEK0_API CBlock : public CNamedItem {
   /// then.
   virtual void add(CEnt* ent);
 
-  /// Takes the entity out, which the caller owns from then on. It is not moved back:
-  /// to undo, hand it to `restore`, since `add` would move it a second time.
-  /// Constant time on average, and so is the indexed access that follows.
+  /// Removes the entity; the caller owns it afterwards. It is not moved back: to undo, pass it to
+  /// `restore`, since `add` would move it a second time. Constant time on average, and so is the
+  /// indexed access that follows.
   virtual void remove(CEnt* ent);
 
   /// Whether this is a `CBlockXRef`.
@@ -68,43 +68,43 @@ class VEK0_API CBlock : public CNamedItem {
   /// The external reference whose content this block is a part of; null in the drawing.
   const CBlockXRef* getContentOf() const { return m_contentOf; }
 
-  /// Appends an entity that is stored relative to the base point already.
+  /// Appends an entity that is already relative to the base point.
   void restore(CEnt* ent);
 
-  /// Where an entity of this block stands: what it takes to put it there again. Constant
-  /// time but for long runs of holes.
+  /// The position of an entity of this block, as needed to restore it there. Constant time but for
+  /// long runs of holes.
   struct Place {
     const CEnt* next;  ///< null at the end
   };
   Place getPlace(const CEnt& ent) const;
-  /// Puts an entity that was taken out back to where it stood, unmoved. What stood next to
-  /// it has to be back already, as it is when removals are undone last to first; where it
-  /// is not, the entity goes to the end. Costs what `restore` does, unless the block was
-  /// closed up meanwhile: then it is linear once in a while.
+  /// Puts a removed entity back at its former position, unmoved. Its former successor must be back
+  /// already, as it is when removals are undone last to first; otherwise the entity is appended.
+  /// Costs as much as the other `restore`, unless the block was compacted meanwhile: then it is
+  /// occasionally linear.
   void restore(CEnt* ent, const Place& place);
 
-  /// Recomputes the extents over all entities, attribute definitions included, which
-  /// every other way of computing them leaves out.
+  /// Recomputes the extents over all entities, attribute definitions included, which all other
+  /// functions exclude.
   void calcBdry();
 
-  /// Makes the next `getBdry` compute the extents anew, and that of every block that
-  /// inserts this one. To be called after changing an entity in place.
+  /// Makes the next `getBdry` recompute the extents, of this block and of every block that inserts
+  /// it. Call it after changing an entity in place.
   void invalidateBdry();
 
-  /// Sets base point and flags, and releases the entities, which the caller takes over: whoever has
-  /// no list of them yet makes a memento first.
+  /// Sets base point and flags, and releases the entities to the caller: make a memento first
+  /// unless you already have a list of them.
   void redefine(const PNT_3D& base, long flags);
-  /// Lets go of all entities without deleting them; leaves the extents empty.
+  /// Releases all entities without deleting them; the extents become empty.
   void clearEntities();
   /// Deletes all entities.
   void disposeEntities();
 
-  /// A number that no other block of the process has had.
+  /// A process-wide unique number.
   std::uint64_t getSerial() const { return m_serial; }
 
-  /// A number that grows with every change of the block, of its extents and of those of
-  /// the blocks that it inserts, as far as `invalidateBdry` is told; after the last
-  /// `getBdry`, that is. For whoever keeps something that he has computed of the content.
+  /// A number that increases with every change of the block, of its extents and of those of the
+  /// blocks that it inserts, provided `invalidateBdry` is called. Changes count only after a
+  /// `getBdry`. For code that caches data computed from the content.
   std::uint64_t getEdition() const { return m_edition; }
 
   std::size_t size() const { return m_entities.size() - m_noHoles; }
@@ -121,7 +121,7 @@ class VEK0_API CBlock : public CNamedItem {
   int GetUserData() const { return m_userData; }
   void SetUserType(int type) { m_userType = type; }
   void SetUserData(int data) { m_userData = data; }
-  /// Both of the host's free words at once.
+  /// Sets both words of host data at once.
   void SetUserInfo(int type, int data);
 
   /// Registers every entity, last to first (`CEnt::addTbls`). Throws `std::bad_alloc` with none
@@ -133,9 +133,9 @@ class VEK0_API CBlock : public CNamedItem {
   /// Snapshot of base point, flags and the list of entities. The caller owns it; null when out of
   /// memory.
   CBlockMemento* createMemento() const;
-  /// Restores the snapshot; entities go back unmoved. Those that the block releases belong to the
-  /// caller; those that another owner holds meanwhile are left there. Counts and block graph stay
-  /// as they are: see `CBlockTable::setMemento`.
+  /// Restores the snapshot; entities go back unmoved. Entities that the block releases belong to
+  /// the caller; entities that meanwhile have another owner stay there. Counts and block graph are
+  /// not updated: see `CBlockTable::setMemento`.
   void setMemento(const CBlockMemento& memento);
   /// The same, and `memento` becomes one of what the block was. Allocates nothing.
   void exchange(CBlockMemento& memento);
@@ -183,16 +183,15 @@ class VEK0_API CBlock : public CNamedItem {
   int m_userType = 0;
   int m_userData = 0;
 
-  // Removed entities leave holes, so that removal shifts nothing; each entity knows
-  // its index here.
+  // Removed entities leave holes, so that removal shifts nothing; each entity stores its index.
   mutable std::vector<CEnt*> m_entities;
   mutable std::size_t m_noHoles = 0;
-  mutable std::size_t m_noLookups = 0;  // through the holes, since the last compaction
-  mutable std::unique_ptr<vek0::detail::RankTree> m_ranks;  // while holes are looked through
+  mutable std::size_t m_noLookups = 0;  // look-ups through the holes since the last compaction
+  mutable std::unique_ptr<vek0::detail::RankTree> m_ranks;  // only while there are holes to skip
   std::size_t m_noAttdefs = 0;
 
-  // The extents cover the entities before this index, unless they are stale; so
-  // adding one costs nothing until somebody asks.
+  // The extents, unless stale, cover the entities before this index; so adding one costs nothing
+  // until the extents are requested.
   mutable std::size_t m_noBoxed = 0;
   mutable bool m_bdryStale = false;
   mutable bool m_bdryBusy = false;   // being computed: an insert of itself stops here
@@ -201,11 +200,12 @@ class VEK0_API CBlock : public CNamedItem {
   std::size_t m_bdryNext = 0;
   CBlock* m_bdryFrom = nullptr;
 
-  vek0::detail::BlockGraphItem* m_item = nullptr;  // its place in a table's graph
+  vek0::detail::BlockGraphItem* m_item = nullptr;  // its node in a table's graph
   const CBlockXRef* m_contentOf = nullptr;
 };
 
-/// Walks a block's attribute definitions in order. Changing the block ends the walk.
+/// Iterates over a block's attribute definitions in order. Changing the block invalidates the
+/// iterator.
 class VEK0_API CBlock::CAttdefIterator {
  public:
   explicit CAttdefIterator(const CBlock& block);
@@ -222,7 +222,7 @@ class VEK0_API CBlock::CAttdefIterator {
   std::size_t m_raw = 0;
 };
 
-/// Walks a block's inserts (hatches included) in order, likewise.
+/// Iterates over a block's inserts (hatches included) in order, likewise.
 class VEK0_API CBlock::CInsertIterator {
  public:
   explicit CInsertIterator(const CBlock& block);
@@ -238,8 +238,8 @@ class VEK0_API CBlock::CInsertIterator {
   std::size_t m_raw = 0;
 };
 
-/// Undo snapshot of a block: base point, flags and the list of its entities. It owns
-/// none of them; they must outlive it.
+/// Undo snapshot of a block: base point, flags and the list of its entities. It does not own the
+/// entities, which must outlive it.
 class VEK0_API CBlockMemento {
  public:
   virtual ~CBlockMemento();

@@ -16,16 +16,16 @@ struct BlockGraphEdge;
 struct BlockGraphItem;
 }  // namespace vek0::detail
 
-/// What a block operation answers to go on, and a visit that came to its end.
+/// Returned by a block operation to continue, and by a completed visit.
 inline constexpr int ZORA_BLOCK_VISIT_RESULT_SUCCESS = 0;
-/// What a visit answers when it met a cycle.
+/// Returned by a visit that found a cycle.
 inline constexpr int ZORA_BLOCK_VISIT_RESULT_CYCLE = -1;
 
-/// Work that a visit does on one block after the other.
+/// An operation that a visit applies to each block.
 class VEK0_API IBlockOperation {
  public:
-  /// `ZORA_BLOCK_VISIT_RESULT_SUCCESS` goes on; anything else ends the visit, which
-  /// then answers the same. The graph must not change meanwhile.
+  /// Returns `ZORA_BLOCK_VISIT_RESULT_SUCCESS` to continue; any other value ends the visit, which
+  /// returns it. The graph must not change meanwhile.
   virtual int doOperation(CBlock& block) = 0;
 
  protected:
@@ -53,54 +53,52 @@ class VEK0_API CBlockGraph {
   CBlockGraph(const CBlockGraph&) = delete;
   CBlockGraph& operator=(const CBlockGraph&) = delete;
 
-  /// Appends an item with edges to the blocks that `block` inserts; an edge that closes
-  /// a cycle is left out. A block that is in a graph already is ignored. Cost as
+  /// Appends an item with edges to the blocks that `block` inserts; an edge that would close a
+  /// cycle is omitted. A block that is already in a graph is ignored. Costs as much as
   /// `updateBlock`.
   void addBlock(CBlock& block);
 
-  /// The same, but before the item of `next`; at the end when that has none.
+  /// The same, but inserts before the item of `next`, or appends if it has none.
   void addBlock(CBlock& block, const CBlock* next);
   /// Makes room for the block: adding it then needs no memory, now or after it was taken out.
   void reserve(CBlock& block);
   /// The block whose item follows, null at the end and for a block that has none.
   const CBlock* getNext(const CBlock& block) const;
 
-  /// Takes a block out that no other block inserts, and answers 0. Otherwise the block
-  /// stays, as the last of the order, and the answer is 1. A block that is not in this
-  /// graph answers 0.
+  /// Removes a block that no other block inserts and returns 0. Otherwise keeps the block, moves it
+  /// to the end of the order and returns 1. Returns 0 for a block that is not in this graph.
   int RemoveBlock(CBlock& block);
 
-  /// Takes a block out also when others insert it; their edges wait for it to come back.
+  /// Removes a block even if others insert it; their edges are kept for its return.
   void dropBlock(CBlock& block);
 
-  /// Sets the block's edges anew from its inserts, as `addBlock` does. Linear in the
-  /// block's entities, and a search as that of `canSubstitute`.
+  /// Rebuilds the block's edges from its inserts, as `addBlock` does. Linear in the block's
+  /// entities, plus a search like that of `canSubstitute`.
   void updateBlock(CBlock& block);
 
-  /// Applies `op` to every block in order of addition, each after all blocks that it
-  /// inserts. Answers what `op` last did, or `ZORA_BLOCK_VISIT_RESULT_CYCLE` on
-  /// meeting a cycle, with `op` applied to what came before.
+  /// Applies `op` to every block in order of addition, each after all blocks that it inserts.
+  /// Returns the last result of `op`, or `ZORA_BLOCK_VISIT_RESULT_CYCLE` on finding a cycle, with
+  /// `op` already applied to the blocks before it.
   int VisitUndep(IBlockOperation& op) const;
 
   /// The reverse order of `VisitUndep`: each block before all blocks that it inserts.
   /// On a cycle `op` is not applied at all.
   int VisitDep(IBlockOperation& op) const;
 
-  /// Whether `block` may insert the blocks of `deps` instead of what it inserts: no
-  /// cycle must come about. A block outside the graph counts as one about to be added.
+  /// Whether `block` may insert the blocks of `deps` instead of its current ones without creating a
+  /// cycle. A block outside the graph counts as about to be added.
   ///
-  /// The graph keeps an order of the blocks in which users stand before what they insert.
-  /// A dependency behind the block costs constant time; one before it, a search of both
-  /// what it inserts and what inserts the block, as far as that stands between the two:
-  /// some ten steps on average in graphs of random edges, whatever their size.
+  /// The graph maintains a topological order in which users precede the blocks that they insert. A
+  /// dependency after the block costs constant time; one before it costs a search from both ends,
+  /// limited to the blocks between the two: some ten steps on average in random graphs of any size.
   bool canSubstitute(CBlock& block, const std::list<CBlock*>& deps) const;
 
-  /// Replaces the block's edges by edges to `deps`, unchecked. External references get
-  /// none. Does nothing for a block outside the graph.
+  /// Replaces the block's edges by edges to `deps`, unchecked. External references get none. Has no
+  /// effect on a block outside the graph.
   void doSubstitute(CBlock& block, const std::list<CBlock*>& deps);
 
-  /// `canSubstitute` and, when it allows, the replacement. Only the block's item
-  /// changes, not the list of items, hence const.
+  /// Replaces the edges if `canSubstitute` allows it, and returns whether it did. Only the block's
+  /// item changes, not the list of items, hence const.
   bool Substitute(CBlock& block, const std::list<CBlock*>& deps) const;
 
   /// Whether the block has an item here.
@@ -109,7 +107,7 @@ class VEK0_API CBlockGraph {
   std::vector<CBlock*> getEdges(const CBlock& block) const;
   /// Number of blocks that have an edge to `block`.
   std::size_t getNoUsers(const CBlock& block) const;
-  /// These blocks.
+  /// The blocks that have an edge to `block`.
   std::vector<CBlock*> getUsers(const CBlock& block) const;
   std::size_t size() const;
 
@@ -141,7 +139,7 @@ class VEK0_API CBlockGraph {
   void orderAll() const;
 
   Items m_items;           // in order of addition
-  mutable Items m_absent;  // see BlockGraphItem; they come and go with edges
+  mutable Items m_absent;  // see BlockGraphItem; exist only while edges refer to them
   std::unique_ptr<vek0::detail::BlockOrder> m_order;
   mutable std::uint64_t m_collections = 0;  // of distinct items, so far
   mutable bool m_isOrdered = true;          // false: `doSubstitute` has made a circle

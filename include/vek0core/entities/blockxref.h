@@ -19,28 +19,28 @@
 #include "vek0core/tables/styletable.h"
 #include "zim0lang/wstring.h"
 
-/// External reference: a block whose content stands in another drawing's file.
+/// External reference: a block whose content comes from another drawing's file.
 ///
-/// Has linetypes, layers and styles of its own; the drawing names them "xref|item".
-/// Its layer "0" and the three fixed linetypes are the drawing's own. Nothing here
-/// opens a file: `resolveXRefs` fills the block and sets the status. Until then, and when
-/// the file cannot be read, an insert of it shows nothing.
+/// It has its own linetypes, layers and styles; the drawing calls them "xref|item". Its layer "0"
+/// and the three fixed linetypes are those of the drawing. This class never opens a file:
+/// `resolveXRefs` fills the block and sets the status. Until then, and if the file cannot be read,
+/// its inserts show nothing.
 ///
-/// The content belongs to the other drawing: entities, and blocks that only they insert. It
-/// is not to be edited, is not saved, and counts nowhere. Entities are kept as they are, not
-/// relative to the base point.
+/// The content belongs to the other drawing: entities, and blocks that only they insert. It must
+/// not be edited, is not saved, and does not contribute to use counts. Entities are stored
+/// unchanged, not relative to the base point.
 class VEK0_API CBlockXRef : public CBlock {
  public:
   enum class Status {
-    unresolved,  ///< nobody has looked yet
+    unresolved,  ///< not looked up yet
     loaded,
     missing,  ///< there is no such file
-    broken,   ///< the file is there, and is no drawing that can be read
-    refused,  ///< a circle, nested too deep, or where the host allows no file
+    broken,   ///< the file exists but is not a readable drawing
+    refused,  ///< circular, nested too deeply, or in a folder that the host does not allow
   };
 
   // A bit of the flags.
-  static constexpr long kOverlay = 8;  ///< not shown where the drawing is itself referred to
+  static constexpr long kOverlay = 8;  ///< not shown by drawings that refer to this one
 
   ~CBlockXRef() override;
 
@@ -48,7 +48,7 @@ class VEK0_API CBlockXRef : public CBlock {
   void add(CEnt* ent) override;
   bool isXRef() const override;
 
-  /// File name of the drawing as the file that refers to it says.
+  /// File name of the drawing, as stated by the referring file.
   const zim::WString& getPath() const { return m_path; }
   void setPath(const zim::WString& path) { m_path = path; }
   /// Makes room for a path of that length, which can then be set without memory.
@@ -57,13 +57,13 @@ class VEK0_API CBlockXRef : public CBlock {
   void setStatus(Status status) { m_status = status; }
   bool isOverlay() const { return (getFlags() & kOverlay) != 0; }
 
-  /// Point of the content that comes to lie on the insertion points: the base point, or
-  /// where that is the origin, the one that the other drawing states for itself.
+  /// Point of the content that is placed at the insertion points: the base point, or, if that is
+  /// the origin, the one stated by the other drawing.
   const PNT_3D& getContentBase() const;
   /// The other drawing's own base point.
   const PNT_3D& getOwnBase() const { return m_ownBase; }
   void setOwnBase(const PNT_3D& base) { m_ownBase = base; }
-  /// File that the content was read from, as the resolver names it; empty before.
+  /// File that the content was read from, as named by the resolver; empty before.
   const zim::WString& getFile() const { return m_file; }
   void setFile(const zim::WString& file) { m_file = file; }
 
@@ -95,7 +95,7 @@ class VEK0_API CBlockXRef : public CBlock {
   const Blocks& getBlocks() const { return m_blocks; }
   /// The references that the content shows, each once.
   const std::vector<CBlockXRef*>& getNested() const { return m_nested; }
-  /// How many references of the drawing show this one in their content.
+  /// Number of references of the drawing whose content shows this one.
   long getShows() const { return m_shows; }
   /// Gives the reference another content, which it takes over; what it had is deleted. Throws
   /// `std::bad_alloc` with nothing changed.
@@ -115,8 +115,8 @@ class VEK0_API CBlockXRef : public CBlock {
   /// Throws `std::bad_alloc`; going back to what the reference has been needs no memory.
   void setHead(const Head& head);
 
-  /// Takes an item out of its table and keeps it as long as itself, since undo steps of the
-  /// drawing may name it. A layer loses its linetype, a linetype its texts.
+  /// Removes an item from its table but keeps it alive as long as this reference, since undo steps
+  /// of the drawing may refer to it. A layer loses its linetype, a linetype its texts.
   void retire(CLayer* layer);
   void retire(CLtype* ltype);  ///< likewise
   void retire(CStyle* style);  ///< likewise
@@ -148,7 +148,7 @@ class VEK0_API CBlockXRef : public CBlock {
   template <class Item, class IsWanted>
   void reinstate(std::vector<std::unique_ptr<Item>>& retired, const IsWanted& isWanted) {
     for (std::unique_ptr<Item>& item : retired) {
-      if (item == nullptr) continue;  // memory ended here the last time
+      if (item == nullptr) continue;  // memory ran out here the last time
       if (!isWanted(*item)) {
         strip(*item);
         continue;
@@ -158,7 +158,7 @@ class VEK0_API CBlockXRef : public CBlock {
     }
     std::erase(retired, nullptr);
   }
-  // What a retired item names it must not count on.
+  // A retired item must not hold counted references.
   static void strip(CLayer& layer) { layer.setLtype(nullptr); }
   static void strip(CLtype& ltype) { ltype.ClearDashes(); }
   static void strip(CStyle&) {}
@@ -170,7 +170,7 @@ class VEK0_API CBlockXRef : public CBlock {
   zim::WString m_path, m_file;
   Status m_status = Status::unresolved;
   PNT_3D m_ownBase{0, 0, 0};
-  // What names comes after what is named, so that it goes first.
+  // Items come after those that they refer to, so that they are destroyed first.
   template <class Item>
   using Retired = std::vector<std::unique_ptr<Item>>;
   Retired<CStyle> m_retiredStyles;
@@ -186,7 +186,7 @@ class VEK0_API CBlockXRef : public CBlock {
   unsigned long m_lastContent = 0;
 };
 
-/// Which external references a drawing's inserts use, and how often.
+/// The external references that a drawing's inserts use, with use counts.
 ///
 /// Kept by the inserts while they are registered. The references are in order of their
 /// first use. Every operation costs constant time on average. Counting a reference that was
@@ -202,8 +202,7 @@ class VEK0_API CBlockXRefDepend {
 
   /// Counts one more insert of the reference; null is ignored.
   void add(CBlockXRef* xref);
-  /// Counts one less, and forgets the reference after the last; one that was not
-  /// counted is ignored.
+  /// Decrements the count, and drops the reference at 0; one that was not counted is ignored.
   void remove(CBlockXRef* xref);
 
   /// Number of inserts counted.
@@ -229,15 +228,15 @@ class VEK0_API CBlockXRefTable : public CNamedItemTableImp {
   void remove(CBlockXRef* xref);
   /// Puts a reference back at its former place (`getPlace`).
   void restore(CBlockXRef* xref, const Place& place);
-  /// First one added of that name, ignoring case; null when there is none.
+  /// First reference added with that name, ignoring case; null if there is none.
   CBlockXRef* get(std::u16string_view name) const;
   /// Reference `i` in order of addition; unchecked.
   CBlockXRef* operator[](int i) const;
 };
 
-/// Layer of an external reference. Its name is the one in the referred drawing; the
-/// full name puts the reference's name and a bar before it. The flag bits 16 (depends
-/// on an external reference) and 32 (resolved) are always set.
+/// Layer of an external reference. Its name is the one in the referenced drawing; the full name is
+/// prefixed with the reference's name and a vertical bar. The flag bits 16 (depends on an external
+/// reference) and 32 (resolved) are always set.
 class VEK0_API CLayerXRef : public CLayer {
  public:
   const zim::WString& getFullName() const override;
@@ -248,9 +247,9 @@ class VEK0_API CLayerXRef : public CLayer {
 
   CBlockXRef& getXRef() const { return m_xref; }
 
-  /// What the other drawing says of the layer. Linetype, color, line width and visibility
-  /// become that, but for what has been changed since the other drawing spoke last. The
-  /// first time what the layer has holds.
+  /// The layer's properties in the other drawing. Linetype, color, line width and visibility are
+  /// set to these, except where they were changed since the last update. On the first update the
+  /// layer keeps its properties.
   struct Look {
     CLtype* ltype;
     short color;
@@ -258,7 +257,7 @@ class VEK0_API CLayerXRef : public CLayer {
     enumLineWidth width;
   };
   void follow(const Look& look);
-  /// What the other drawing said last.
+  /// The properties from the last update.
   const std::optional<Look>& getTold() const { return m_told; }
   void setTold(const std::optional<Look>& told) { m_told = told; }
 
@@ -270,7 +269,7 @@ class VEK0_API CLayerXRef : public CLayer {
  private:
   CBlockXRef& m_xref;
   std::optional<Look> m_told;
-  mutable zim::WString m_fullName;  // composed when asked for: either name may change
+  mutable zim::WString m_fullName;  // composed on demand, because either name may change
 };
 
 /// Linetype of an external reference; name and flags as for `CLayerXRef`.

@@ -9,7 +9,7 @@
 #include "vek0core/geometry/rect.h"
 #include "vek0core/tables/handle.h"
 
-/// A polyline vertex as files give it, with the arc that begins there.
+/// A polyline vertex as stored in files, with the arc that begins there.
 struct BULGED_VERTEX {
   double x, y, z;
   double widthStart, widthEnd;  ///< along the segment that begins here, drawing units
@@ -19,28 +19,27 @@ struct BULGED_VERTEX {
 
 namespace vek0::detail {
 
-/// A vertex generated from a chain: a point and the widths up to the next one.
+/// A vertex generated from a chain: a point and the widths of the segment to the next one.
 struct ChainVertex {
   PNT_3D pnt;
   double widthStart, widthEnd;
   vek0::Handle handle;
 };
 
-/// Number of chords that stand for an arc of this bulge: max(2, ceil(|angle| /
-/// (2 * acos(1 - 1e-4)))), so the chords leave the arc by 1e-4 of its radius at most.
-/// At most 223, for the full turn.
+/// Number of chords that approximate an arc of this bulge: max(2, ceil(|angle| / (2 * acos(1 -
+/// 1e-4)))), so the chords deviate from the arc by at most 1e-4 of its radius. At most 223, for the
+/// full turn.
 VEK0_API int chordCount(double bulge);
 
-/// Vertices with bulges, read as the chain of chords that they stand for, without
-/// building that chain.
+/// Vertices with bulges, presented as the chain of chords that approximates them, without building
+/// that chain.
 ///
-/// A drawing of a million arcs would need some hundred bytes a chord for vertex
-/// objects that nobody looks at; here an arc costs what it costs in the file.
+/// A drawing with a million arcs would need some hundred bytes per chord for vertex objects that
+/// are rarely used; here an arc costs as much as in the file.
 ///
-/// Chord vertices lie on the arc at equal angles, their z and widths go linearly from
-/// one end to the other, and the given vertices are met exactly. A segment without
-/// length, or whose arc has no finite center, is straight whatever its bulge. The
-/// bulge of an open chain's last vertex means nothing.
+/// Chord vertices lie on the arc at equal angles, z and widths are interpolated linearly, and the
+/// given vertices are exact. A segment of zero length, or whose arc has no finite center, is
+/// straight whatever its bulge. The bulge of an open chain's last vertex is ignored.
 class VEK0_API BulgedChain {
  public:
   using Sink = std::function<void(const ChainVertex&)>;
@@ -55,28 +54,28 @@ class VEK0_API BulgedChain {
   void assign(const BULGED_VERTEX* vertexes, std::size_t count);
   void clear();
 
-  /// Whether a vertex has a bulge, effective or not.
+  /// Whether any vertex has a bulge, effective or not.
   bool hasBulges() const { return m_hasBulges; }
-  /// Whether a vertex has a width other than 0.
+  /// Whether any vertex has a non-zero width.
   bool isWide() const;
-  /// Chords of the segment that begins at given vertex `i`: 1 when it is straight.
+  /// Number of chords of the segment that begins at given vertex `i`; 1 if it is straight.
   int chords(std::size_t i) const;
-  /// Bulge of that segment as it takes effect: 0 when it is straight.
+  /// Effective bulge of that segment; 0 if it is straight.
   double bulge(std::size_t i) const;
 
-  /// Number of vertices of the chain of chords. The first call after a change takes
-  /// a pass, as does the first `at`.
+  /// Number of vertices of the chain of chords. The first call after a change is linear, as is the
+  /// first `at`.
   std::size_t size() const;
   /// Vertex `i` of the chain of chords; logarithmic in the given vertices.
   ChainVertex at(std::size_t i) const;
-  /// Hands over the whole chain of chords in order.
+  /// Passes the whole chain of chords to `sink`, in order.
   void forEach(const Sink& sink) const;
 
-  /// Grows `box` by the points of the chain of chords. Exactly the box of those
-  /// points, but only those next to an arc's extremes are computed.
+  /// Grows `box` by the points of the chain of chords. Yields exactly the box of those points, but
+  /// computes only those next to an arc's extremes.
   void growBdry(RECT_3D& box) const;
 
-  /// Edits of given vertices. One point may be written only where there are no bulges.
+  /// Editing of given vertices. A single point may be set only if there are no bulges.
   void setPos(std::size_t i, const PNT_3D& pnt);
   void setWidth(std::size_t i, double widthStart, double widthEnd);
   void setWidth(double width);
@@ -86,16 +85,16 @@ class VEK0_API BulgedChain {
   void scale(const PNT_3D& centre, double factor);
   void clearHandles();
 
-  /// Same vertices and shape, handles aside.
+  /// Equal vertices and shape; handles are not compared.
   bool operator==(const BulgedChain& other) const;
 
  private:
   const std::vector<std::size_t>& starts() const;
-  const BULGED_VERTEX* arcEnd(std::size_t i) const;  // null when segment i is straight
+  const BULGED_VERTEX* arcEnd(std::size_t i) const;  // null if segment i is straight
 
   std::vector<BULGED_VERTEX> m_vertexes;
-  // Index in the chain of chords of each given vertex, and their number at the end;
-  // empty until asked for, and always empty without bulges.
+  // Index in the chain of chords of each given vertex, followed by the total number; built on
+  // demand, and always empty without bulges.
   mutable std::vector<std::size_t> m_starts;
   bool m_closed;
   bool m_hasBulges = false;

@@ -27,23 +27,22 @@ class EntParts;
 
 /// Base of everything that can be drawn: point, line, text, insert and so on.
 ///
-/// An entity is made by a `CEntFactory` and then belongs to the caller until a
-/// `CEntTable` or a `CBlock` takes it, and again after it was removed from there.
-/// It knows which of them it is in, so removal costs no search.
+/// An entity is created by a `CEntFactory` and belongs to the caller until it is added to a
+/// `CEntTable` or a `CBlock`, and again after it is removed. It stores its owner, so removal needs
+/// no search.
 ///
-/// Layer, linetype and text style are shared items that count their users. The
-/// counts are taken by `addTbls`, which tables call, not by the constructor; they
-/// say "probably used" and are never a reason to delete anything. Every one of
-/// these pointers may be null; nobody is counted then.
+/// Layer, linetype and text style are shared items that count their users. Uses are counted by
+/// `addTbls`, which tables call, not by the constructor; the counts mean "probably used" and are
+/// never a reason to delete anything. Each of these pointers may be null; nothing is counted then.
 ///
-/// Kinds are told apart by `getType` and by visitors, not by run-time type
-/// information. Coordinates are drawing units, angles radians.
+/// Kinds are distinguished by `getType` and by visitors, not by RTTI. Coordinates are in drawing
+/// units, angles in radians.
 class VEK0_API CEnt : public IHandleEnt {
  public:
   /// Calls the visitor's overload for this object's own class.
   virtual void accept(IEntVisitor& visitor) = 0;
 
-  /// Releases nothing but the object: references are given back by `removeTbls`.
+  /// Frees only the object itself: use counts are released by `removeTbls`.
   ~CEnt() override;
 
   /// Registers the entity: reserves its handle, then counts it on its layer and
@@ -70,11 +69,11 @@ class VEK0_API CEnt : public IHandleEnt {
   /// Text style; null for every kind that is not a text.
   virtual CStyle* getStyle() const;
 
-  /// Extents on a display where one pixel measures `pixelSize` drawing units.
-  /// Only inserts of fixed pixel size depend on that size.
+  /// Extents on a display with pixels of `pixelSize` drawing units. Only inserts of fixed pixel
+  /// size depend on that size.
   virtual void GetBdry(double pixelSize, RECT_3D& box) const;
 
-  /// Replaces the text style, for kinds that have one; the others ignore it.
+  /// Replaces the text style; ignored by kinds without one.
   virtual void setStyle(CStyle* style);
 
   /// This entity as an insert (a hatch is one too), or null.
@@ -103,9 +102,8 @@ class VEK0_API CEnt : public IHandleEnt {
   long getUserType() const { return m_userType; }
   long getUserData() const { return m_userData; }
 
-  /// Cached extents; the empty region for an entity that shows nothing. Kinds that
-  /// put the work off compute them here, so the first call after a change may cost
-  /// a pass over the geometry.
+  /// Cached extents; the empty box for an entity that shows nothing. Kinds with lazy evaluation
+  /// compute them here, so the first call after a change may be linear in the geometry.
   const RECT_3D& getBdry() const {
     if (m_bdryDirty) refreshBdry();
     return m_bdry;
@@ -116,33 +114,33 @@ class VEK0_API CEnt : public IHandleEnt {
   /// The block that owns it, or null.
   CBlock* getOwnerBlock() const;
 
-  /// Whether it is selected in the table that it is in.
+  /// Whether it is selected in its table.
   bool isSelected() const { return m_selected; }
 
-  /// Moves the count from the present item to the new one, whether or not the
-  /// entity is registered: setting an unregistered entity's layer leaves the counts
-  /// off by one. The setters of linetype and style do the same.
+  /// Moves the use count from the current item to the new one, whether or not the entity is
+  /// registered: setting an unregistered entity's layer leaves the counts off by one. The setters
+  /// of linetype and style behave the same.
   void setLayer(CLayer* layer);
   void setLtype(CLtype* ltype);  ///< see `setLayer`
   void setColor(short color) { m_color = color; }
   void setUserType(long type) { m_userType = type; }
   void setUserData(long data) { m_userData = data; }
-  /// Both of the host's free words at once.
+  /// Sets both words of host data at once.
   void setUserInfo(long type, long data);
 
-  /// Translates the cached extents without looking at the geometry. An empty box
-  /// stays empty, and one that awaits its computation goes on waiting.
+  /// Translates the cached extents without examining the geometry. An empty box stays empty, and
+  /// stale extents stay stale.
   void moveBdry(const PNT_3D& delta);
 
   /// Snapshot of layer, linetype and color. The caller owns it; null when out of memory.
   CEntBaseMemento* createBaseMemento() const;
 
-  /// Restores layer, linetype and color and moves the counts as `setLayer` does.
+  /// Restores layer, linetype and color and updates the counts as `setLayer` does.
   void setMemento(const CEntBaseMemento* memento);
   /// The same, and `memento` becomes one of what the entity was. Allocates nothing.
   void exchange(CEntBaseMemento& memento);
 
-  /// Whether the entity is in the state that the memento holds.
+  /// Whether the entity's state equals that of the memento.
   bool operator==(const CEntBaseMemento& memento) const;
   bool operator!=(const CEntBaseMemento& memento) const;
   bool operator==(const IEntDerivedMemento& memento) const;
@@ -156,21 +154,21 @@ class VEK0_API CEnt : public IHandleEnt {
   friend class CEntTable;
   friend class CBlock;
 
-  /// Place in a list of entities; what the tables keep in each of their entities.
+  /// Position in a list of entities; the tables store it in each of their entities.
   using Node = std::list<CEnt*>::iterator;
 
   CEnt(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color);
 
-  /// Copies the extents, layer, linetype, color and user words. The copy is in no
-  /// table, is not selected, and counts nowhere.
+  /// Copies the extents, layer, linetype, color and user info. The copy is in no table, is not
+  /// selected, and is not counted.
   CEnt(const CEnt& src, vek0::Handle handle);
 
   /// New heap copy with the given handle; the caller owns it, null when out of memory. The
-  /// factories and the table are for kinds that own parts.
+  /// factories and the table are for kinds with parts.
   virtual CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
                       CBlockTable& blockTable, vek0::Handle handle) const = 0;
 
-  /// Stores freshly computed extents; every `calcBdry` ends with it.
+  /// Stores newly computed extents; the last step of every `calcBdry`.
   void setBdry(const RECT_3D& box) {
     const bool isNews = m_watched && !m_bdryDirty && m_bdry != box;
     m_bdry = box;
@@ -178,7 +176,7 @@ class VEK0_API CEnt : public IHandleEnt {
     if (isNews) tellWatchers();
   }
 
-  /// Puts the computation of the extents off until somebody asks for them.
+  /// Marks the extents as stale, to be recomputed on demand.
   void dirtyBdry() {
     const bool isNews = m_watched && !m_bdryDirty;
     m_bdryDirty = true;
@@ -186,15 +184,15 @@ class VEK0_API CEnt : public IHandleEnt {
   }
   bool isBdryDirty() const { return m_bdryDirty; }
 
-  /// A byte for the kind's own use; 0 at first. A member of its own would cost every line 16
-  /// bytes of its allocation. It is not copied.
+  /// A byte for use by the derived class; initially 0. A separate member would add 16 bytes to the
+  /// allocation of every line. It is not copied.
   unsigned char getOwnByte() const { return m_ownByte; }
   void setOwnByte(unsigned char value) { m_ownByte = value; }
 
   /// Node in the owning table's selection list; meaningful only while selected.
   Node getSelectStatus() const { return m_selectStatus; }
   void setSelectStatus(Node node);
-  /// Forgets the selection without touching any list.
+  /// Clears the selection flag without touching any list.
   void unselect() { m_selected = false; }
 
  private:
@@ -211,11 +209,11 @@ class VEK0_API CEnt : public IHandleEnt {
   bool m_bdryDirty = false;
   bool m_selected = false;
   bool m_inBlock = false;  // the owner is a block
-  bool m_watched = false;  // in a table whose watchers hear of changed extents
+  bool m_watched = false;  // in a table whose watchers are notified of changed extents
   unsigned char m_ownByte = 0;
 
-  // A drawing has millions of entities and removing one may not search: each knows
-  // the table or block that owns it and its place there.
+  // A drawing has millions of entities, and removing one must not search: each stores the table or
+  // block that owns it and its position there.
   const void* m_owner = nullptr;  // CEntTable or CBlock, null while the caller owns it
   Node m_node;                    // in a table: its list node
   std::size_t m_pos = 0;  // in a block: its index; in a table: its rank in order of addition

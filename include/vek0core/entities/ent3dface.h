@@ -9,23 +9,21 @@
 #include "vek0core/geometry/pnt.h"
 #include "vek0core/tables/handle.h"
 
-/// What fills a face: the format has two kinds of filled quadrilaterals, which differ in
-/// name alone.
+/// Fill of a face: the format has two kinds of filled quadrilaterals, which differ only in name.
 enum class FaceFill : unsigned char { None, Solid, Trace };
 
 /// 3D face entity: four corners, a word of flags, and whether it is filled.
 ///
-/// A filled face shows its area, whatever its flags say of its edges. Its corners are in
-/// order around it, as those of other faces are; files list the last two the other way
-/// round.
+/// A filled face shows its area, whatever its edge flags. Its corners are in order around it, like
+/// those of other faces; files list the last two in reverse order.
 ///
-/// Bits 0 to 3 of the flags make an edge invisible: edge i runs from corner i to
-/// corner i + 1, edge 3 back to corner 0. Bit 7 says that the face is a triangle,
-/// that is, corner 3 equals corner 2 exactly; the setters of those corners keep it
-/// true. Other bits are kept as the constructor got them and mean nothing here.
+/// Bits 0 to 3 of the flags make an edge invisible: edge i runs from corner i to corner i + 1, edge
+/// 3 back to corner 0. Bit 7 means that the face is a triangle, that is, corner 3 equals corner 2
+/// exactly; the setters of those corners maintain it. Other bits are stored as passed to the
+/// constructor and have no meaning here.
 ///
-/// A corner index outside 0 to 3 is a caller's mistake: it is asserted, and the
-/// nearest corner stands in.
+/// A corner index outside 0 to 3 is a caller error: it triggers an assertion, and the nearest
+/// corner is used.
 class VEK0_API CEnt3DFace : public CEnt {
  public:
   static constexpr short kType = 11;    ///< what `getType` answers
@@ -39,7 +37,7 @@ class VEK0_API CEnt3DFace : public CEnt {
   IEntDerivedMemento* createDerivedMemento() const override;
 
   const PNT_3D& getVertex(long i) const;
-  /// Writing through it refreshes neither the extents nor the triangle bit.
+  /// Writing through it updates neither the extents nor the triangle bit.
   PNT_3D& getVertex(long i);
   /// The two ends of edge `i`.
   void getPoints(long i, PNT_3D& a, PNT_3D& b) const;
@@ -49,23 +47,23 @@ class VEK0_API CEnt3DFace : public CEnt {
   void setVertexes(const PNT_3D& p0, const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3);
   void setVertexes(const PNT_3D* pnts);  ///< an array of four
 
-  /// The bits of the invisible edges alone, 0 to 15.
+  /// Only the bits of the invisible edges, 0 to 15.
   long getFlags() const { return m_flags & kEdgeBits; }
   /// Replaces the edge bits, keeps the triangle bit, and clears all others.
   void setFlags(long flags);
-  /// Whether edge `i` is drawn. An index that names no bit is always visible.
+  /// Whether edge `i` is drawn. True for an invalid index.
   bool isEdgeVisib(long i) const;
-  /// An index that names no bit changes nothing.
+  /// An invalid index has no effect.
   void setEdgeVisib(long i, bool visible);
 
   bool isTriangular() const { return (m_flags & kTriangleBit) != 0; }
-  /// Makes the face a triangle by moving corner 3 onto corner 2. The extents stay
-  /// as they are, so they are too large when corner 3 alone reached outside.
+  /// Makes the face a triangle by moving corner 3 onto corner 2. The extents are not updated, so
+  /// they are too large if only corner 3 extended beyond the others.
   void setTriangular();
 
   FaceFill getFill() const { return m_fill; }
   bool isFilled() const { return m_fill != FaceFill::None; }
-  /// Neither corners nor flags change.
+  /// Does not change corners or flags.
   void setFill(FaceFill fill) { m_fill = fill; }
 
  protected:
@@ -89,7 +87,7 @@ class VEK0_API CEnt3DFace : public CEnt {
   FaceFill m_fill = FaceFill::None;
 };
 
-/// Undo snapshot of a 3D face: its corners, the whole word of flags and its fill.
+/// Undo snapshot of a 3D face: its corners, all flag bits and its fill.
 class VEK0_API CEnt3DFaceMemento final : public IEntDerivedMemento {
  public:
   explicit CEnt3DFaceMemento(const CEnt3DFace& face);

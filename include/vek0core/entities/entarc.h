@@ -9,9 +9,9 @@
 /// Arc entity: a part of a circle in a plane z = constant, counterclockwise from its start angle to
 /// its end angle, in radians.
 ///
-/// Invariant: the cached extents are those of the arc after every setter. Writing through the
-/// reference from `getArc()` breaks that on purpose (the transform visitors change fields, then
-/// refresh once); whoever does it calls `calcBdry()`.
+/// Invariant: after every setter, the cached extents match the arc. Writing through the reference
+/// from `getArc()` deliberately breaks this (the transform visitors change fields, then refresh
+/// once); code that does so must call `calcBdry()`.
 class VEK0_API CEntArc : public CEnt {
  public:
   static constexpr short kType = 4;  ///< what `getType` answers
@@ -28,10 +28,9 @@ class VEK0_API CEntArc : public CEnt {
   void getArc(double& cx, double& cy, double& cz, double& radius, double& startAngle,
               double& endAngle) const;
 
-  /// Stores the arc unchanged, angles included: unlike the other form this one
-  /// trusts its caller to mean the angles it passes.
+  /// Stores the arc unchanged, angles included: unlike the other overload, it does not reduce them.
   void setArc(const ARC_3D& arc);
-  /// Brings both angles into [0, 2*pi) before it stores them.
+  /// Reduces both angles to [0, 2*pi) before storing them.
   void setArc(double cx, double cy, double cz, double radius, double startAngle, double endAngle);
 
  protected:

@@ -7,10 +7,10 @@
 #include "vek0core/tables/handle.h"
 #include "zim0lang/wstring.h"
 
-/// Attribute definition: the text in a block from which the inserts of that block get
-/// their attributes. What it displays is its tag.
+/// Attribute definition: the text in a block from which the inserts of that block get their
+/// attributes. It displays its tag.
 ///
-/// It never counts for a block's extents, except in `CBlock::calcBdry`.
+/// It does not contribute to a block's extents, except in `CBlock::calcBdry`.
 class VEK0_API CEntAttdef : public CEntText {
  public:
   static constexpr short kType = 7;  ///< what `getType` answers
@@ -24,15 +24,15 @@ class VEK0_API CEntAttdef : public CEntText {
   const zim::WString& getTag() const { return getString(); }
   void setTag(const zim::WString& tag) { setString(tag); }
 
-  /// What an insert is offered as the attribute's value; changes no extents.
+  /// Default value of the attribute in inserts; does not affect the extents.
   const zim::WString& getValue() const { return m_value; }
   void setValue(const zim::WString& value) { m_value = value; }
 
-  /// What the user is asked when inserting; changes no extents.
+  /// Prompt shown to the user when inserting; does not affect the extents.
   const zim::WString& getPrompt() const { return m_prompt; }
   void setPrompt(const zim::WString& prompt) { m_prompt = prompt; }
 
-  /// A word of bits that is kept and handed on, never interpreted.
+  /// Flag bits, stored and passed on but never interpreted.
   long getFlags() const { return m_flags; }
   void setFlags(long flags) { m_flags = flags; }
 

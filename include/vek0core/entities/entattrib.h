@@ -11,17 +11,17 @@
 
 class CEntAttdef;
 
-/// Where a text stands in drawing coordinates, and its proportions there; angles in radians.
+/// Position and proportions of a text in drawing coordinates; angles in radians.
 struct ATTRIB_PLACE {
   PNT_3D position;
   double height, widthScale, rotation, oblique;
 };
 
-/// Attribute: a text that belongs to one insert and fills in one of its block's
-/// attribute definitions. What it displays is its value.
+/// Attribute: a text that belongs to one insert and fills in one of its block's attribute
+/// definitions. It displays its value.
 ///
-/// Its text stands in the coordinates of the block and is shown through the insert's
-/// first cell; `transform_attrib_logic_2_phisic` gives it in drawing coordinates.
+/// Its text is in the coordinates of the block and is shown through the insert's first cell;
+/// `transform_attrib_logic_2_phisic` converts it to drawing coordinates.
 class VEK0_API CEntAttrib : public CEntText {
  public:
   static constexpr short kType = 9;  ///< what `getType` answers
@@ -35,16 +35,16 @@ class VEK0_API CEntAttrib : public CEntText {
   const zim::WString& getValue() const { return getString(); }
   void setValue(const zim::WString& value) { setString(value); }
 
-  /// Name of the definition that it fills in; changes no extents.
+  /// Tag of its definition; does not affect the extents.
   const zim::WString& getTag() const { return m_tag; }
   void setTag(const zim::WString& tag) { m_tag = tag; }
 
-  /// A word of bits that is kept and handed on, never interpreted.
+  /// Flag bits, stored and passed on but never interpreted.
   long getFlags() const { return m_flags; }
   void setFlags(long flags) { m_flags = flags; }
 
-  /// The place that it was read at, null for none; copies share it. `rememberedPlace` tells
-  /// whether it still is where the attribute stands.
+  /// The placement it was read with, or null; shared with copies. `rememberedPlace` determines
+  /// whether it still applies.
   const ATTRIB_PLACE* getReadPlace() const { return m_readPlace.get(); }
   void setReadPlace(std::shared_ptr<const ATTRIB_PLACE> place) { m_readPlace = std::move(place); }
 
@@ -53,8 +53,8 @@ class VEK0_API CEntAttrib : public CEntText {
   /// The string of `text` is the value.
   CEntAttrib(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, const TEXT_3D& text,
              const zim::WString& tag, long flags);
-  /// Everything but the value from a definition, whose default value and prompt are
-  /// not carried over; later changes of the definition do not reach the attribute.
+  /// Copies everything but the value from a definition, except its default value and prompt; later
+  /// changes of the definition do not affect the attribute.
   CEntAttrib(const zim::WString& value, const CEntAttdef& def, vek0::Handle handle);
   CEntAttrib(const CEntAttrib& src, vek0::Handle handle);
 

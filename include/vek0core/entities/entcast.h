@@ -5,8 +5,8 @@
 
 namespace vek0::detail {
 
-/// Remembers the visited entity when it is of exactly the class `Kind`; one visitor
-/// may be asked any number of times.
+/// Remembers the visited entity if its class is exactly `Kind`; a visitor may be reused any number
+/// of times.
 template <class Kind>
 class ExactKindVisitor : public IEntFooVisitor {
  protected:
@@ -23,9 +23,8 @@ class ExactKindVisitor : public IEntFooVisitor {
 
 }  // namespace vek0::detail
 
-/// Each of these answers the entity when it is of exactly that class, else null: an
-/// attribute definition is no text here, although its class derives from one. Null
-/// is answered by null.
+/// Each of these returns the entity if it is of exactly that class, otherwise null: an attribute
+/// definition is not a text here, although its class derives from one. Null returns null.
 class VEK0_API CGetPntVisitor final : public vek0::detail::ExactKindVisitor<CEntPnt> {
  public:
   CEntPnt* getPnt(CEnt* ent);
@@ -85,8 +84,8 @@ class VEK0_API CGet3DFaceVisitor final : public vek0::detail::ExactKindVisitor<C
   CEnt3DFace* get3DFace(CEnt* ent);
 };
 
-/// The entity as the class in the name when it is of exactly that class, else null.
-/// Inserts are reached through `CEnt::getEntInsert` instead.
+/// Casts the entity to the class in the name if it is of exactly that class, otherwise returns
+/// null. For inserts use `CEnt::getEntInsert`.
 VEK0_API CEntPnt* castPnt(CEnt* ent);
 VEK0_API CEntLine* castLine(CEnt* ent);          ///< see `castPnt`
 VEK0_API CEntCircle* castCircle(CEnt* ent);      ///< see `castPnt`

@@ -8,10 +8,9 @@
 
 /// Circle entity: a circle in a plane z = constant.
 ///
-/// Invariant: the cached extents are those of the circle after every setter.
-/// Writing through the reference from `getCircle()` breaks that on purpose (the
-/// transform visitors change fields, then refresh once); whoever does it calls
-/// `calcBdry()`.
+/// Invariant: after every setter, the cached extents match the circle. Writing through the
+/// reference from `getCircle()` deliberately breaks this (the transform visitors change fields,
+/// then refresh once); code that does so must call `calcBdry()`.
 class VEK0_API CEntCircle : public CEnt {
  public:
   static constexpr short kType = 3;  ///< what `getType` answers
@@ -27,8 +26,7 @@ class VEK0_API CEntCircle : public CEnt {
   CIRCLE_3D& getCircle() { return m_circle; }  ///< see the class about the extents
   void getCircle(double& cx, double& cy, double& cz, double& radius) const;
 
-  /// A radius of zero or less is kept: files contain both, and a drawing loses
-  /// nothing that it was given.
+  /// A zero or negative radius is kept: files contain both, and nothing may be lost.
   void setCircle(const CIRCLE_3D& circle);
   void setCircle(double cx, double cy, double cz, double radius);  ///< likewise
 

@@ -38,12 +38,12 @@ class TEXT_3D;
 enum class FaceFill : unsigned char;
 struct HATCH_TYPE;
 
-/// Makes every entity and vertex of a drawing; a host that wants entities of its own derives a
-/// factory and overrides what it replaces.
+/// Creates every entity and vertex of a drawing; a host with its own entity classes derives a
+/// factory and overrides the relevant creators.
 ///
 /// Every creator returns a new object in no table, which the caller owns, or null when out of
 /// memory. Layer and linetype may be null. The trailing `handle` of the geometric creators becomes
-/// the object's handle; copies get handle 0, since a handle names one object.
+/// the object's handle; copies get handle 0, since handles are unique.
 class VEK0_API CEntFactory {
  public:
   CEntFactory() = default;
@@ -72,7 +72,7 @@ class VEK0_API CEntFactory {
                                           short color, short flags, short degree,
                                           vek0::Handle handle);
   virtual CEntPolyline* createEntPolyline(IHandleGestor& gestor, const CEntPolyline& src);
-  /// A polyline of two vertices, with the line's layer, linetype, color and words.
+  /// A polyline of two vertices, with the line's layer, linetype, color and user info.
   virtual CEntPolyline* createEntPolyline(IHandleGestor& gestor, const CEntLine& src);
 
   virtual CVertex* createVertex(IHandleGestor& gestor, const PNT_3D& pnt, double widthStart,
@@ -83,7 +83,7 @@ class VEK0_API CEntFactory {
                                   const TEXT_3D& text, vek0::Handle handle);
   virtual CEntText* createEntText(IHandleGestor& gestor, const CEntText& src);
 
-  /// The string of `text` is the tag; `value` is what an insert is offered.
+  /// The string of `text` is the tag; `value` is the default value for inserts.
   virtual CEntAttdef* createEntAttdef(IHandleGestor& gestor, CLayer* layer, CLtype* ltype,
                                       short color, const TEXT_3D& text, const zim::WString& value,
                                       const zim::WString& prompt, long flags, vek0::Handle handle);
@@ -128,8 +128,8 @@ class VEK0_API CEntFactory {
                                     short color, CBlock* block, const HATCH_TYPE& type,
                                     double scale, double rotate,
                                     const std::vector<PNT_3D>& boundary, vek0::Handle handle);
-  /// A hatch on a new block of that name with the generated lines, which belongs to the
-  /// caller as the hatch does; without a block when they cannot be generated.
+  /// A hatch on a new block of that name with the generated lines; the caller owns both. Without a
+  /// block if the lines cannot be generated.
   virtual CEntHatch* createEntHatch(IHandleGestor& gestor, CLayer* layer, CLtype* ltype,
                                     short color, const zim::WString& name, const HATCH_TYPE& type,
                                     double scale, double rotate,
@@ -142,7 +142,7 @@ class VEK0_API CEntFactory {
                                       const PNT_3D& p2, const PNT_3D& p3, long flags,
                                       vek0::Handle handle);
   virtual CEnt3DFace* createEnt3DFace(IHandleGestor& gestor, const CEnt3DFace& src);
-  /// What `createEnt3DFace` makes, with that fill. The corners are in order around it.
+  /// As `createEnt3DFace`, with that fill. The corners are in order around the face.
   CEnt3DFace* createEntSolid(IHandleGestor& gestor, CLayer* layer, CLtype* ltype, short color,
                              const PNT_3D& p0, const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3,
                              long flags, FaceFill fill, vek0::Handle handle);

@@ -20,21 +20,20 @@ namespace vek0::detail {
 class AttribsMemento;
 }
 
-/// Base of everything that shows a block: inserts and hatches.
+/// Base of the entities that show a block: inserts and hatches.
 ///
-/// The block is borrowed, may be null, and counts its inserts as layers count their
-/// entities. The attributes are owned. While the insert is registered (`addTbls`) so
-/// are its attributes, later ones included.
+/// The block is borrowed, may be null, and counts its inserts as layers count their entities. The
+/// attributes are owned. While the insert is registered (`addTbls`), so are its attributes,
+/// including those added later.
 ///
-/// Extents are computed when they are asked for, so that the block may be filled
-/// later; when its content changes after that, `calcBdry()` brings them up to date
-/// (tables of entities and blocks call it for their inserts). They cover all cells of
-/// the array and the attributes; a block that shows nothing adds nothing, and extents
-/// that are not finite are empty.
+/// Extents are computed on demand, so that the block may be filled later; if its content changes
+/// after that, `calcBdry()` updates them (tables of entities and blocks call it for their inserts).
+/// They cover all cells of the array and the attributes; an empty block contributes nothing, and
+/// non-finite extents become empty.
 class VEK0_API CEntInsertBase : public CEnt {
  public:
   ~CEntInsertBase() override;
-  /// Registers the attributes and counts the insert on its block too.
+  /// Also registers the attributes and counts the insert as a user of its block.
   void addTbls(IHandleGestor& gestor) const override;
   void removeTbls(IHandleGestor& gestor) const override;
   CEntInsertBase* getEntInsert() override { return this; }
@@ -44,7 +43,7 @@ class VEK0_API CEntInsertBase : public CEnt {
   /// Appends an attribute, which the insert then owns. Null is ignored.
   virtual void add(CEntAttrib* attrib);
   virtual unsigned GetNoAttribs() const;
-  /// Attribute `i` in order of addition; null for an index outside.
+  /// Attribute `i` in order of addition; null if out of range.
   virtual CEntAttrib* GetAttrib(unsigned i) const;
 
   /// Rotation in radians, counterclockwise.
@@ -53,33 +52,33 @@ class VEK0_API CEntInsertBase : public CEnt {
   /// `pixelSize` drawing units; only inserts of fixed pixel size depend on it.
   virtual void getInsertParams(double pixelSize, PNT_3D& point, double& sx, double& sy, double& sz,
                                double& rotation) const = 0;
-  /// Array of copies: columns run along the insert's x axis, rows along y; spacings
-  /// are drawing units and not scaled. Here: a single cell without spacings.
+  /// Array of copies: columns run along the insert's x axis, rows along y; spacings are in drawing
+  /// units and not scaled. Default: a single cell with zero spacings.
   virtual void getArray(long& columns, long& rows, double& columnSpacing, double& rowSpacing) const;
-  /// Whether the x and y scales are exactly equal. Here: yes.
+  /// Whether the x and y scales are exactly equal. Default: true.
   virtual bool IsIsotropicXY() const { return true; }
 
   CBlock* getBlock() const { return m_block; }
-  /// Shows another block. The count moves from the present block to the new one,
-  /// whether or not the insert is registered; the owning block's place in the block
-  /// graph is refreshed by `CBlockTable::updateBlock`.
+  /// Replaces the block. The use count moves from the current block to the new one, whether or not
+  /// the insert is registered; call `CBlockTable::updateBlock` to update the owning block's edges
+  /// in the block graph.
   void setBlock(CBlock* block);
 
  protected:
   friend class vek0::detail::AttribsMemento;
 
   CEntInsertBase(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, CBlock* block);
-  /// A copy whose attributes are made by the factory.
+  /// A copy whose attributes are created by the factory.
   CEntInsertBase(IHandleGestor& gestor, CEntFactory& factory, const CEntInsertBase& src,
                  vek0::Handle handle);
-  /// A copy that shows another block and has no attributes.
+  /// A copy with another block and without attributes.
   CEntInsertBase(const CEntInsertBase& src, CBlock* block, vek0::Handle handle);
 
   /// Counts the insert on what is recorded elsewhere of a block that it shows, or takes that
   /// back: told while the insert is registered. The former may throw `std::bad_alloc`.
   virtual void countReference(CBlock* block, bool on) const;
 
-  /// Shows another block; counts move only while the insert is registered.
+  /// Replaces the block; counts are updated only while the insert is registered.
   void replaceBlock(CBlock* block);
 
   /// Computes the extents for that pixel size.
@@ -93,17 +92,16 @@ class VEK0_API CEntInsertBase : public CEnt {
 
 /// Insert of a block at a point, with scales, a rotation and an array of copies.
 ///
-/// Angles are radians; a rotation is kept as it is given. Counts below 1 are kept and
-/// act as 1.
+/// Angles are radians; the rotation is stored unreduced. Counts below 1 are kept and act as 1.
 class VEK0_API CEntInsert : public CEntInsertBase {
  public:
   static constexpr short kType = 8;  ///< what `getType` answers
 
   void accept(IEntVisitor& visitor) override;
   using CEnt::setMemento;
-  /// Restores placement, block and attributes. With the attribute count of the
-  /// memento the present attributes are kept and reset by position; otherwise those
-  /// that the memento names are reused, missing ones are made, others are deleted.
+  /// Restores placement, block and attributes. If the attribute count matches the memento, the
+  /// current attributes are kept and reset by position; otherwise those in the memento are reused,
+  /// missing ones are created, and others are deleted.
   void setMemento(CData& data, const IEntDerivedMemento* memento) override;
   std::unique_ptr<vek0::detail::EntParts> replaceParts(CData& data,
                                                        const IEntDerivedMemento& memento) override;
@@ -111,7 +109,7 @@ class VEK0_API CEntInsert : public CEntInsertBase {
   IEntDerivedMemento* createDerivedMemento() const override;
 
   double getRotate() const override { return m_rotation; }
-  /// The stored values, whatever the pixel size.
+  /// The stored values, independent of the pixel size.
   void getInsertParams(double pixelSize, PNT_3D& point, double& sx, double& sy, double& sz,
                        double& rotation) const override;
   void getArray(long& columns, long& rows, double& columnSpacing,
@@ -126,10 +124,11 @@ class VEK0_API CEntInsert : public CEntInsertBase {
   void setArray(long columns, long rows, double columnSpacing, double rowSpacing);
   void setInsert(const PNT_3D& pnt, double sx, double sy, double sz, double rotation);
 
-  /// Whether only a part of the block is shown. Extents are those of all of it.
+  /// Whether only a part of the block is shown. Extents are those of the whole block.
   bool isClipped() const { return m_clip && !m_clip->boundary.empty(); }
-  /// That part, for all cells of an array together, placed as in the first; null, or without a
-  /// boundary, for all of it. Attributes are not clipped. Copies of the insert share it.
+  /// The clip, which applies to all cells of an array together and is placed like the first; null,
+  /// or an empty boundary, for no clipping. Attributes are not clipped. Copies of the insert share
+  /// it.
   const std::shared_ptr<const INSERT_CLIP>& getClip() const { return m_clip; }
   void setClip(std::shared_ptr<const INSERT_CLIP> clip) { m_clip = std::move(clip); }
 
@@ -156,9 +155,9 @@ class VEK0_API CEntInsert : public CEntInsertBase {
 
 /// Insert whose block covers a fixed number of pixels on any display.
 ///
-/// Its scale is pixels / reference size * size of a pixel, on all axes; a reference
-/// size of 0 gives the scale 0. What it covers in the drawing depends on the display,
-/// so its cached extents are the insertion point alone and `GetBdry` tells the rest.
+/// Its scale is pixels / reference size * size of a pixel, on all axes; a reference size of 0
+/// yields the scale 0. The area it covers depends on the display, so its cached extents are only
+/// the insertion point; `GetBdry` returns the full ones.
 class VEK0_API CEntFixedInsert : public CEntInsertBase {
  public:
   static constexpr short kType = 12;  ///< what `getType` answers
@@ -178,7 +177,7 @@ class VEK0_API CEntFixedInsert : public CEntInsertBase {
   void getInsertParams(double pixelSize, PNT_3D& point, double& sx, double& sy, double& sz,
                        double& rotation) const override;
 
-  /// Size in drawing units of the block that `GetNoPixel` pixels show.
+  /// Size in drawing units that `GetNoPixel` pixels represent.
   double GetDefArea() const { return m_refSize; }
   double GetNoPixel() const { return m_pixels; }
   void setNoPixel(double pixels) { m_pixels = pixels; }
@@ -205,16 +204,16 @@ class VEK0_API CEntFixedInsert : public CEntInsertBase {
   double m_rotation;
 };
 
-/// Insert of an external reference. While it is registered, the drawing's record of
-/// the external references in use counts it.
+/// Insert of an external reference. While registered, it is counted in the drawing's record of
+/// external references in use.
 class VEK0_API CEntInsertXRef : public CEntInsert {
  public:
-  /// As an ordinary insert when the block is one.
+  /// Visited as an ordinary insert if its block is an ordinary one.
   void accept(IEntVisitor& visitor) override;
   void addTbls(IHandleGestor& gestor) const override;
   void removeTbls(IHandleGestor& gestor) const override;
 
-  /// The inserted reference; null when the block was replaced by an ordinary one.
+  /// The inserted reference; null if the block was replaced by an ordinary one.
   CBlockXRef* getXRef() const;
 
  protected:
@@ -249,7 +248,7 @@ class AttribsMemento {
   std::unique_ptr<EntParts> replaceAttribs(CData& data, CEntInsertBase& insert) const;
   /// Sets block and attributes, of which there are as many as here.
   void restore(CData& data, CEntInsertBase& insert) const;
-  /// Bytes beyond the object's own.
+  /// Heap memory in bytes.
   std::size_t heapSize() const { return m_attribs.size() * sizeof(Entry); }
 
  private:

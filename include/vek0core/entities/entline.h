@@ -6,20 +6,19 @@
 #include "vek0core/geometry/line.h"
 #include "vek0core/tables/handle.h"
 
-/// How far a line entity reaches.
+/// Extent of a line entity.
 enum class LineReach : unsigned char {
   Segment,  ///< from its first point to its second
-  Ray,      ///< from its first point through the second without end
-  Endless   ///< through both without end
+  Ray,      ///< from its first point through the second to infinity
+  Endless   ///< through both points, infinite in both directions
 };
 
-/// Line entity: a segment in space, or a ray or endless line, which has no extents but those of
-/// its two points. A segment of length 0 is legal and kept.
+/// Line entity: a segment in space, a ray or an infinite line. The extents of the latter two are
+/// those of their two points. A segment of zero length is valid and kept.
 ///
-/// Invariant: the cached extents are those of the segment after every setter.
-/// Writing through the reference from `getLine()` breaks that on purpose (the
-/// transform visitors change fields, then refresh once); whoever does it calls
-/// `calcBdry()`.
+/// Invariant: after every setter, the cached extents match the segment. Writing through the
+/// reference from `getLine()` deliberately breaks this (the transform visitors change fields, then
+/// refresh once); code that does so must call `calcBdry()`.
 class VEK0_API CEntLine : public CEnt {
  public:
   static constexpr short kType = 2;  ///< what `getType` answers
@@ -35,7 +34,8 @@ class VEK0_API CEntLine : public CEnt {
   LINE_3D& getLine() { return m_line; }  ///< see the class about the extents
   void getLine(double& x1, double& y1, double& z1, double& x2, double& y2, double& z2) const;
 
-  /// A segment at first. Copies and mementos take it along; setting the points leaves it.
+  /// Initially a segment. Copied with the entity and its mementos; setting the points does not
+  /// change it.
   LineReach getReach() const { return static_cast<LineReach>(getOwnByte()); }
   void setReach(LineReach reach);
 

@@ -5,10 +5,10 @@
 #include "vek0core/entities/ent.h"
 #include "vek0core/export.h"
 
-/// Undo snapshot of what all kinds share: layer, linetype and color.
+/// Undo snapshot of the properties common to all kinds: layer, linetype and color.
 ///
-/// Made by `CEnt::createBaseMemento`, applied by `CEnt::setMemento`; the caller owns
-/// it. It counts on nothing: the items it names must outlive it.
+/// Created by `CEnt::createBaseMemento`, applied by `CEnt::setMemento`; the caller owns it. It is
+/// not counted as a user: the items it refers to must outlive it.
 class VEK0_API CEntBaseMemento {
  public:
   virtual ~CEntBaseMemento();
@@ -26,27 +26,27 @@ class VEK0_API CEntBaseMemento {
   short m_color;
 };
 
-/// Undo snapshot of what is peculiar to one kind, one class a kind.
+/// Undo snapshot of the kind-specific state; each kind has its own class.
 ///
-/// Made by `CEnt::createDerivedMemento`, applied by `CEnt::setMemento` of the same
-/// kind of entity, while the others ignore it; the caller owns it. Immutable. Layers,
-/// styles and blocks that it names are not counted and must outlive it.
+/// Created by `CEnt::createDerivedMemento`, applied by `CEnt::setMemento` of the same kind of
+/// entity and ignored by others; the caller owns it. Immutable. Layers, styles and blocks that it
+/// refers to are not counted and must outlive it.
 class VEK0_API IEntDerivedMemento {
  public:
   virtual ~IEntDerivedMemento();
 
-  /// Whether the entity is of this kind and in the state held here.
+  /// Whether the entity is of this kind and in the stored state.
   virtual bool operator==(const CEnt& ent) const = 0;
   virtual bool operator!=(const CEnt& ent) const;
 
   /// Memento that this one could be merged into; no kind offers one, so null.
   virtual IEntDerivedMemento* fitMemento(const CEnt& ent);
 
-  /// Memory that it takes in bytes, for a host that limits its undo store.
+  /// Memory use in bytes, for hosts that limit their undo memory.
   virtual std::size_t size() const = 0;
 
-  /// The kind whose memento this is, as `CEnt::getType` tells it. A memento that says
-  /// 0, as one of a host's own does here, is no kind's.
+  /// The kind of the memento, as returned by `CEnt::getType`; 0, the default for a host's mementos,
+  /// for none.
   virtual short getType() const;
 };
 
@@ -72,7 +72,7 @@ const Memento* mementoOf(const IEntDerivedMemento* memento) {
   return fits ? static_cast<const Memento*>(memento) : nullptr;
 }
 
-/// Memento of a kind whose whole state is one geometric value that `Get` reads.
+/// Memento of a kind whose entire state is one geometric value, read by `Get`.
 template <class Kind, class Value, const Value& (Kind::*Get)() const>
 class ValueMemento : public IEntDerivedMemento {
  public:

@@ -6,9 +6,9 @@
 
 /// Moves the entities that accept it by one vector, in drawing units.
 ///
-/// Extents are moved along instead of computed anew where that is exact, which keeps
-/// moving wide polylines and texts cheap. A polyline's arcs stay arcs. A `CVertex`
-/// alone is not moved. A vector that is not finite moves nothing.
+/// Where that is exact, extents are moved instead of recomputed, which keeps moving wide polylines
+/// and texts cheap. A polyline's arcs stay arcs. A `CVertex` alone is not moved. A non-finite
+/// vector has no effect.
 class VEK0_API CEntMoveVisitor final : public IEntVisitor {
  public:
   explicit CEntMoveVisitor(const PNT_3D& delta);

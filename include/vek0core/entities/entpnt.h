@@ -8,9 +8,9 @@
 
 /// Point entity.
 ///
-/// Invariant: the cached extents are those of the point after every setter. Writing
-/// through the reference from `getPnt()` breaks that on purpose (the transform
-/// visitors change fields, then refresh once); whoever does it calls `calcBdry()`.
+/// Invariant: after every setter, the cached extents match the point. Writing through the reference
+/// from `getPnt()` deliberately breaks this (the transform visitors change fields, then refresh
+/// once); code that does so must call `calcBdry()`.
 class VEK0_API CEntPnt : public CEnt {
  public:
   static constexpr short kType = 1;  ///< what `getType` answers

@@ -13,26 +13,26 @@ namespace vek0::detail {
 class OpenChain;
 }
 
-/// Lengthens an open polyline by what it visits: lines, arcs and open polylines of which
-/// one end lies at one of its own, within a tolerance. They are appended there, reversed
-/// where need be, with the widths that they have. Visited entities stay as they are.
+/// Extends an open polyline by the visited lines, arcs and open polylines if one of their ends
+/// coincides with one of its own, within a tolerance. They are appended there, reversed if
+/// necessary, and keep their widths. Visited entities are not changed.
 ///
-/// The polyline keeps its layer, linetype and color. Where an end lies at both of its own,
-/// the later one counts. `finish` writes the vertices; until then the polyline is as it
-/// was. For many entities in no order, see `joinEnts`.
+/// The polyline keeps its layer, linetype and color. If an end matches both ends of the polyline,
+/// the last one is used. `finish` writes the vertices; until then the polyline is unchanged. For
+/// many entities in arbitrary order, see `joinEnts`.
 class VEK0_API CEntPolyAdderVisitor final : public IEntFooVisitor {
  public:
-  /// `polyline` must be plain (`Rectify` makes it so) and open, or nothing will be added.
-  /// `tolerance` in drawing units, 0 or more.
+  /// `polyline` must be plain (see `Rectify`) and open, or nothing is added. `tolerance` is in
+  /// drawing units, 0 or more.
   CEntPolyAdderVisitor(CEntPolyline& polyline, double tolerance);
   ~CEntPolyAdderVisitor();
   CEntPolyAdderVisitor(const CEntPolyAdderVisitor&) = delete;
   CEntPolyAdderVisitor& operator=(const CEntPolyAdderVisitor&) = delete;
 
-  /// Whether the entity visited last was appended.
+  /// Whether the last visited entity was appended.
   bool isAdded() const { return m_isAdded; }
-  /// Writes the vertices, which get handle 0, and closes the polyline when its ends meet.
-  /// Answers whether it is closed now. Does nothing when nothing was appended.
+  /// Writes the vertices, which get handle 0, and closes the polyline if its ends meet. Returns
+  /// whether it is now closed. Has no effect if nothing was appended.
   bool finish(IHandleGestor& gestor, CEntFactory& factory);
 
   using IEntFooVisitor::visit;

@@ -17,30 +17,28 @@
 
 class CEntLine;
 
-/// Polyline entity: a chain of vertices with widths, open or closed, optionally
-/// with a curve generated from control points.
+/// Polyline entity: a chain of vertices with widths, open or closed, optionally with a curve
+/// generated from control points.
 ///
-/// A curve holds two runs of vertices in one list: the control points that the user
-/// placed, then the visible vertices generated from them. A plain polyline has only
-/// visible ones. Vertex indices count through both runs.
+/// A curve holds two runs of vertices in one list: the control points that the user placed, then
+/// the visible vertices generated from them. A plain polyline has only visible ones. Vertex indices
+/// count through both runs.
 ///
-/// Flags: bit 0 closed; bits 1 to 3 (mask 14) the curve: 0 plain, 2 arcs fitted
-/// through the control points, 4 B-spline, 8 Bezier; bit 7 the linetype pattern runs
-/// on along the whole polyline instead of starting anew at each vertex. The degree
-/// is that of the curve, 0 for a plain polyline.
+/// Flags: bit 0 closed; bits 1 to 3 (mask 14) the curve: 0 plain, 2 arcs fitted through the control
+/// points, 4 B-spline, 8 Bezier; bit 7 the linetype pattern continues along the whole polyline
+/// instead of restarting at each vertex. The degree is that of the curve, 0 for a plain polyline.
 ///
-/// Arcs: a vertex has no bulge. What files give with bulges stands for the chain of
-/// chords along its arcs (see `vek0::detail::BulgedChain`), and every index, count
-/// and point of this interface speaks of that chain. The polyline keeps it packed
-/// until somebody asks for a `CVertex` or edits one among arcs; it is then unpacked
-/// into plain `CVertex` objects, and the arcs are remembered beside them until one of
-/// their vertices is edited. Whether it is packed can be told from no answer.
+/// Arcs: a vertex has no bulge. Vertices with bulges from files represent the chain of chords along
+/// their arcs (see `vek0::detail::BulgedChain`), and every index, count and point of this interface
+/// refers to that chain. The polyline keeps it packed until a `CVertex` is requested or a vertex
+/// among arcs is edited; it is then unpacked into plain `CVertex` objects, and the arcs are
+/// remembered separately until one of their vertices is edited. Packing is not observable.
 ///
-/// Extents are computed when they are asked for. Writing one vertex does not refresh
-/// them; whoever does it calls `calcBdry()` or `moveBdry()` afterwards.
+/// Extents are computed on demand. Writing a single vertex does not refresh them: call `calcBdry()`
+/// or `moveBdry()` afterwards.
 ///
-/// Invariant: 0 <= first visible <= number of vertices, and 0 for a plain polyline.
-/// The polyline owns its vertices.
+/// Invariant: 0 <= first visible <= number of vertices, and 0 for a plain polyline. The polyline
+/// owns its vertices.
 class VEK0_API CEntPolyline : public CEnt {
  public:
   static constexpr short kType = 5;  ///< what `getType` answers
@@ -52,28 +50,28 @@ class VEK0_API CEntPolyline : public CEnt {
   static constexpr short kBezier = 8;      ///< curve: piecewise Bezier
   static constexpr short kLtGen = 128;     ///< bit of the flags, see the class
 
-  /// What the iterations hand over: point, start and end width of the segment that
-  /// begins there, its bulge, the vertex's handle (0 for generated vertices).
+  /// Receives, during iteration: point, start and end width of the segment that begins there, its
+  /// bulge, the vertex's handle (0 for generated vertices).
   using VertexSink = std::function<void(const PNT_3D& pnt, double widthStart, double widthEnd,
                                         double bulge, vek0::Handle handle)>;
 
   ~CEntPolyline() override;
   void accept(IEntVisitor& visitor) override;
-  /// Registers the vertices as well, last to first. A handle manager that manages
-  /// none (`IHandleGestor::handling`) leaves a packed polyline packed.
+  /// Registers the vertices as well, last to first. If the manager does not track handles
+  /// (`IHandleGestor::handling`), a packed polyline stays packed.
   void addTbls(IHandleGestor& gestor) const override;
   void removeTbls(IHandleGestor& gestor) const override;
   using CEnt::setMemento;
-  /// Restores shape and vertices. With the vertex count of the memento the present
-  /// vertex objects are kept and reset by position; otherwise those that the memento
-  /// names are reused, missing ones are made, the others are deleted. Handles come back
-  /// too, unless a manager books them.
+  /// Restores shape and vertices. If the vertex count matches the memento, the current vertex
+  /// objects are kept and reset by position; otherwise those in the memento are reused, missing
+  /// ones are created, and others are deleted. Handles are restored too, unless a manager tracks
+  /// them.
   void setMemento(CData& data, const IEntDerivedMemento* memento) override;
   std::unique_ptr<vek0::detail::EntParts> replaceParts(CData& data,
                                                        const IEntDerivedMemento& memento) override;
   short getType() const override { return kType; }
-  /// Box of the visible vertices, or of the outline when the polyline is wide;
-  /// control points never count.
+  /// Box of the visible vertices, or of the outline if the polyline is wide; control points never
+  /// count.
   void calcBdry() override;
   IEntDerivedMemento* createDerivedMemento() const override;
 
@@ -102,88 +100,86 @@ class VEK0_API CEntPolyline : public CEnt {
   /// closing segment, last vertex to first visible, before all others; (0, 0)
   /// without vertices.
   void getFirstVisibileSegmentIndex(long& from, long& to) const;
-  /// Ends of segment `i`, from vertex i to the next. Below the first visible index it
-  /// is the closing segment, from the last vertex to the first visible one; so it is
-  /// from the last vertex on when closed, and a null segment there when open. Without
-  /// vertices both ends are the origin.
+  /// Ends of segment `i`, from vertex i to the next. For an index below the first visible one, it
+  /// is the closing segment, from the last vertex to the first visible one. From the last vertex
+  /// on, it is the closing segment if closed, otherwise a null segment. Without vertices, both ends
+  /// are the origin.
   void getPoints(long i, PNT_3D& a, PNT_3D& b) const;
   void getLine(long i, LINE_3D& segment) const;  ///< likewise
 
-  /// Vertex `i`, control points included; unpacks. An index outside is a caller's
-  /// mistake: it is asserted, and the nearest vertex, or one at the origin, answers.
+  /// Vertex `i`, control points included; unpacks. An index out of range is a caller error: it
+  /// triggers an assertion and returns the nearest vertex, or one at the origin.
   const CVertex& GetVertex(int i) const;
   const CVertex& operator[](int i) const { return GetVertex(i); }
-  /// Its point; does not unpack. An index outside is treated as in `GetVertex`.
+  /// Its point; does not unpack. An index out of range is treated as in `GetVertex`.
   PNT_3D GetVertexPos(int i) const;
-  /// Writes a vertex without refreshing the extents. An arc that it belongs to
-  /// becomes a chain of chords. An index outside changes nothing.
+  /// Writes a vertex without refreshing the extents. An arc that it belongs to becomes a chain of
+  /// chords. An index out of range has no effect.
   void SetVertexPos(int i, const PNT_3D& pnt);
   void SetVertexWidth(int i, double widthStart, double widthEnd);  ///< likewise
   /// Adds `delta` to every vertex, control points included, without refreshing the
   /// extents; arcs stay arcs, and a packed polyline stays packed.
   void translate(const PNT_3D& delta);
-  /// Turns every vertex about the vertical axis through `centre`, likewise.
+  /// Rotates every vertex about the vertical axis through `centre`, likewise.
   void rotate(const PNT_3D& centre, double angleRad);
-  /// Scales every vertex about `centre` and the widths by the factor's magnitude,
-  /// likewise. A negative factor is half a turn, which leaves bulges as they are.
+  /// Scales every vertex about `centre` and the widths by the factor's magnitude, likewise. A
+  /// negative factor includes half a turn, which preserves bulges.
   void scale(const PNT_3D& centre, double factor);
 
-  /// Whether a visible vertex has a width other than 0; control points do not count.
+  /// Whether any visible vertex has a non-zero width; control points are ignored.
   bool isWide() const;
-  /// Whether all vertices, control points included, have one and the same width,
-  /// which is then stored in `width`; otherwise, and without vertices, `width` is 0.
+  /// Whether all vertices, control points included, have the same width, which is then stored in
+  /// `width`; otherwise, and without vertices, `width` is 0.
   bool IsWidthConstant(double& width) const;
   /// Sets both widths of every vertex, control points included.
   void setWidth(double width);
 
-  /// Appends a vertex; for a curve, a control point, which the caller follows by
-  /// `regen`. The polyline owns it from then on. The forms with a handle manager
-  /// reserve the vertex's handle first.
+  /// Appends a vertex; for a curve, a control point, after which the caller must call `regen`. The
+  /// polyline takes ownership. The overloads with a handle manager reserve the vertex's handle
+  /// first.
   void addVertex(CVertex& vertex);
   void addVertex(IHandleGestor& gestor, CVertex& vertex);
-  /// Appends a visible vertex, also to a curve, whose extents then are the caller's.
+  /// Appends a visible vertex, even to a curve; the caller must then update a curve's extents.
   void addVisibleVertex(CVertex& vertex);
   void addVisibleVertex(IHandleGestor& gestor, CVertex& vertex);
-  /// Inserts before vertex `i`, clamped to the list. The first visible index stays
-  /// as it is: see `insertControl`.
+  /// Inserts before vertex `i`, clamped to the list. The first visible index is not adjusted: see
+  /// `insertControl`.
   void insertVertex(CVertex& vertex, long i);
   void insertVertex(IHandleGestor& gestor, CVertex& vertex, long i);
-  /// Takes vertex `i` out; the caller owns it. Null for an index outside. The first
-  /// visible index stays, unless the list ends before it: see `removeControl`.
+  /// Removes vertex `i`; the caller owns it afterwards. Null for an index out of range. The first
+  /// visible index is not adjusted, unless the list becomes shorter than it: see `removeControl`.
   CVertex* removeVertex(long i);
   CVertex* removeVertex(IHandleGestor& gestor, long i);
-  /// Inserts a control point before control point `i` of a curve (clamped to them)
-  /// and regenerates the curve; `handles` as in `regen`. In a plain polyline it is
-  /// `insertVertex`.
+  /// Inserts a control point before control point `i` of a curve (clamped to them) and regenerates
+  /// the curve; `handles` as in `regen`. For a plain polyline, equivalent to `insertVertex`.
   void insertControl(IHandleGestor& gestor, CEntFactory& factory, CVertex& vertex, long i,
                      bool handles);
-  /// Takes control point `i` out, which the caller owns, and regenerates the curve.
-  /// Null for an index outside. In a plain polyline it is `removeVertex`.
+  /// Removes control point `i` and regenerates the curve; the caller owns the vertex afterwards.
+  /// Null for an index out of range. For a plain polyline, equivalent to `removeVertex`.
   CVertex* removeControl(IHandleGestor& gestor, CEntFactory& factory, long i, bool handles);
-  /// Deletes every vertex; the form with a handle manager releases them first.
+  /// Deletes every vertex; the overload with a handle manager releases their handles first.
   void clearVertex();
   void clearVertex(IHandleGestor& gestor);
 
-  /// Appends a vertex as files give it; only for a plain polyline. Bulges belong to
-  /// vertices added this way while no `CVertex` was asked for or added: once there
-  /// are vertex objects, one more is appended and its bulge dropped.
+  /// Appends a vertex as stored in files; only for a plain polyline. Bulges are kept only while no
+  /// `CVertex` was requested or added: once there are vertex objects, another one is appended and
+  /// its bulge dropped.
   void addBulgedVertex(const PNT_3D& pnt, double widthStart, double widthEnd, double bulge,
                        vek0::Handle handle);
-  /// Replaces all vertices of a plain polyline by `count` such ones, in one
-  /// allocation; does nothing for a curve.
+  /// Replaces all vertices of a plain polyline by `count` such vertices, in one allocation; has no
+  /// effect on a curve.
   void setBulgedVertexes(const BULGED_VERTEX* vertexes, std::size_t count);
-  /// The same with the vertices of a factory: one that a host has derived makes them
-  /// at once. The forms without a factory make plain ones.
+  /// The same with vertices from a factory: a derived factory creates them immediately. The
+  /// overloads without a factory create plain ones.
   void setBulgedVertexes(IHandleGestor& gestor, CEntFactory& factory, const BULGED_VERTEX* vertexes,
                          std::size_t count);
   /// Whether a visible segment is known as an arc.
   bool hasArcRuns() const;
-  /// Hands over the visible vertices, an arc being its start vertex with its bulge.
-  /// In a closed polyline the last one may bear the bulge of the closing segment.
-  /// Does not unpack.
+  /// Passes the visible vertices to `sink`, an arc as its start vertex with its bulge. In a closed
+  /// polyline the last one may have the bulge of the closing segment. Does not unpack.
   void forEachBulged(const VertexSink& sink) const;
-  /// Hands over the visible vertices, arcs as their chords; bulges are all 0. Does
-  /// not unpack.
+  /// Passes the visible vertices to `sink`, arcs as their chords; all bulges are 0. Does not
+  /// unpack.
   void forEachVisible(const VertexSink& sink) const;
 
   /// Sets bit 0, if it is clear, and refreshes the curve (`handles` as in `regen`)
@@ -191,29 +187,26 @@ class VEK0_API CEntPolyline : public CEnt {
   void close(IHandleGestor& gestor, CEntFactory& factory, bool handles);
   /// Clears bit 0 likewise. An arc that closed the polyline becomes chords.
   void open(IHandleGestor& gestor, CEntFactory& factory, bool handles);
-  /// Changes the curve to `curveType` (0, 2, 4 or 8) of this degree. Type 0 turns
-  /// the control points into the vertices of a plain polyline and deletes the
-  /// generated ones; any other type turns the vertices of a plain polyline into
-  /// control points. Nothing happens when type and degree stay as they are, or when
-  /// a plain polyline stays plain.
+  /// Changes the curve to `curveType` (0, 2, 4 or 8) of this degree. Type 0 turns the control
+  /// points into the vertices of a plain polyline and deletes the generated ones; any other type
+  /// turns the vertices of a plain polyline into control points. Has no effect if type and degree
+  /// are unchanged, or if a plain polyline stays plain.
   void gener(IHandleGestor& gestor, CEntFactory& factory, short curveType, short degree,
              bool releaseHandles);
   /// Makes the generated vertices the vertices of a plain polyline and deletes the
   /// control points, without releasing their handles.
   void Rectify();
 
-  /// Deletes the visible vertices of a curve and generates them anew from the control
-  /// points: new vertices of handle 0, made by the factory. With `handles`, the old
-  /// ones are released and the new ones reserved. A plain polyline is left alone.
+  /// Regenerates the visible vertices of a curve from the control points: new vertices with handle
+  /// 0, created by the factory. With `handles`, the old handles are released and new ones reserved.
+  /// Has no effect on a plain polyline.
   void regen(IHandleGestor& gestor, CEntFactory& factory, bool handles);
   /// Appends the generated vertices; `regen` is this after deleting the old ones.
   void makeCurve(IHandleGestor& gestor, CEntFactory& factory, bool handles);
-  /// How many chords stand for the curve between two control points from the next
-  /// `regen` on; 8 at first, brought into 2 to 64. Fitted arcs follow the rule of all
-  /// arcs instead.
+  /// Sets the number of chords between two control points, effective from the next `regen`; 8 by
+  /// default, clamped to 2 to 64. Fitted arcs follow the general rule for arcs instead.
   void setCurveChords(int chords);
-  /// Points of the curve that the control points describe, in order. A plain
-  /// polyline gives its vertices.
+  /// Points of the curve defined by the control points, in order; the vertices of a plain polyline.
   void createPartition(std::vector<PNT_3D>& points) const;
 
  protected:
@@ -223,8 +216,8 @@ class VEK0_API CEntPolyline : public CEnt {
   /// No vertices; flags and degree as passed.
   CEntPolyline(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, short flags,
                short degree);
-  /// A copy whose vertices are made by the factory and have handle 0. A packed
-  /// polyline is copied packed.
+  /// A copy whose vertices are created by the factory and have handle 0. A packed polyline is
+  /// copied packed.
   CEntPolyline(IHandleGestor& gestor, CEntFactory& factory, const CEntPolyline& src,
                vek0::Handle handle);
   /// Two vertices of width 0 at the ends of the line; plain and open.
@@ -234,16 +227,16 @@ class VEK0_API CEntPolyline : public CEnt {
   CEnt* clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
               CBlockTable& blockTable, vek0::Handle handle) const override;
 
-  /// Deletes the vertex objects, last to first, and leaves the list as it is.
+  /// Deletes the vertex objects, last to first, without changing the list.
   void deleteVertex();
-  /// Deletes the visible vertices, releasing their handles when there is a manager,
-  /// and empties the extents.
+  /// Deletes the visible vertices, releasing their handles if there is a manager, and clears the
+  /// extents.
   void deleteVertexVisible(IHandleGestor* gestor);
 
  private:
-  /// An arc among vertex objects: it starts at vertex `first`, runs through `count`
-  /// generated ones and ends at the next, or at vertex 0 where the list ends. A bulge
-  /// of 0 marks a run that one of its vertices' edits has dropped.
+  /// An arc among vertex objects: it starts at vertex `first`, runs through `count` generated ones
+  /// and ends at the next, or at vertex 0 at the end of the list. A bulge of 0 marks a run
+  /// discarded by an edit of one of its vertices.
   struct ArcRun {
     long first;
     long count;
@@ -256,8 +249,9 @@ class VEK0_API CEntPolyline : public CEnt {
     CVertexMemento values;
   };
 
-  CEntPolyline(const CEntPolyline& src, vek0::Handle handle);  // all but the vertex objects
-  CEntPolyline(const CEnt& src, vek0::Handle handle);          // the part that all kinds have
+  CEntPolyline(const CEntPolyline& src, vek0::Handle handle);  // everything except the vertex
+                                                               // objects
+  CEntPolyline(const CEnt& src, vek0::Handle handle);          // the common part of all kinds
 
   using VertexMaker = std::function<CVertex*(const vek0::detail::ChainVertex&)>;
 
@@ -291,8 +285,8 @@ class VEK0_API CEntPolyline : public CEnt {
   class ReplacedVertexes;
   static void resetVertex(CVertex& vertex, const MementoEntry& entry, bool isBooked);
 
-  // Either the packed chain holds the vertices or the list does, never both. Asking
-  // for a vertex object changes which, hence mutable.
+  // Either the packed chain holds the vertices or the list does, never both. Requesting a vertex
+  // object switches to the list, hence mutable.
   mutable std::vector<CVertex*> m_vertexes;
   mutable std::vector<ArcRun> m_runs;  // ascending, not overlapping
   mutable vek0::detail::BulgedChain m_packed;
@@ -300,14 +294,14 @@ class VEK0_API CEntPolyline : public CEnt {
   short m_flags;
   short m_degree;
   unsigned char m_curveChords = 8;
-  // False as long as no vertex with a width was put in: extents then grow by points
-  // alone, without a look at all the other vertices.
+  // False until a vertex with a width is added: extents then grow by points only, without examining
+  // all other vertices.
   bool m_maybeWide = false;
 };
 
-/// Undo snapshot of a polyline: extents, shape and, for every vertex in order, the
-/// vertex object, its handle and what it held. The vertex objects are only compared by address,
-/// so they may be deleted meanwhile. A packed polyline's snapshot is packed too.
+/// Undo snapshot of a polyline: extents, shape and, for every vertex in order, the vertex object,
+/// its handle and its state. The vertex objects are only compared by address, so they may be
+/// deleted meanwhile. A packed polyline's snapshot is packed too.
 class VEK0_API CEntPolylineMemento final : public IEntDerivedMemento {
  public:
   explicit CEntPolylineMemento(const CEntPolyline& polyline);

@@ -4,22 +4,22 @@
 #include "vek0core/export.h"
 #include "vek0core/geometry/pnt.h"
 
-/// Turns the entities that accept it about the vertical axis through a center.
+/// Rotates the entities that accept it about the vertical axis through a center.
 ///
-/// z stays, and so do widths, heights and the arcs of polylines. An insert turns with
-/// its array; its attributes stand in the block's coordinates and are left alone. The
-/// rotation of an insert is brought into [0, 2 pi) by one turn at most, which is all that
-/// rotations in that range need; arcs and pattern angles of hatches by any number. The
-/// rotation of a text just gains the angle. A hatch turns with the lines that it shows. A
-/// center or an angle that is not finite turns nothing. A `CVertex` alone is not turned.
+/// z, widths, heights and the arcs of polylines are preserved. An insert rotates with its array;
+/// its attributes are in block coordinates and unchanged. The rotation of an insert is reduced to
+/// [0, 2*pi) by at most one turn, which suffices for rotations in that range; arcs and pattern
+/// angles of hatches are reduced fully. The angle is simply added to the rotation of a text. A
+/// hatch rotates with the lines that it shows. A non-finite center or angle has no effect. A
+/// `CVertex` alone is not rotated.
 class VEK0_API CEntRotateXYVisitor final : public IEntVisitor {
  public:
   /// The angle is in radians, counterclockwise.
   CEntRotateXYVisitor(const PNT_3D& centre, double angle);
-  /// Turns by degrees, whole turns left out. Points turn by just that angle. What files state
-  /// in degrees (rotations of texts, inserts and patterns, ends of arcs) gains as many of
-  /// `kRadiansPerDegree`, and a full turn is 360 of these: what stood at 0 is written as 90
-  /// after a quarter turn, not as 90.00000000002.
+  /// Rotates by degrees, modulo a full turn. Points rotate by exactly that angle. Angles that files
+  /// state in degrees (rotations of texts, inserts and patterns, ends of arcs) are increased by
+  /// that number of `kRadiansPerDegree`, and a full turn is 360 of these: after a quarter turn, an
+  /// angle of 0 is written as 90, not as 90.00000000002.
   static CEntRotateXYVisitor byDegrees(const PNT_3D& centre, double degrees);
 
   using IEntVisitor::visit;
@@ -47,5 +47,5 @@ class VEK0_API CEntRotateXYVisitor final : public IEntVisitor {
 
   PNT_3D m_centre;
   double m_angle;
-  double m_degrees = 0;  // other than 0: what stated angles gain
+  double m_degrees = 0;  // if non-zero: added to angles stated in files
 };

@@ -4,15 +4,15 @@
 #include "vek0core/export.h"
 #include "vek0core/geometry/pnt.h"
 
-/// Scales the entities that accept it about a center, all three axes alike.
+/// Scales the entities that accept it uniformly about a center.
 ///
-/// A negative factor is its magnitude and, seen from above, half a turn: radii, widths,
-/// heights and pattern scales are multiplied by the magnitude, the angles of texts, arcs
-/// and hatch patterns gain pi, and inserts take the signed factor, which is the same. The
-/// spacings of an insert's array are multiplied too, since the insert's own scales do not
-/// reach them. Attributes stand in the block's coordinates and are left alone; a hatch
-/// scales with the lines that it shows. A factor of 0, which nothing could undo, and a
-/// center or factor that is not finite scale nothing. A `CVertex` alone is not scaled.
+/// A negative factor means its magnitude and, seen from above, half a turn: radii, widths, heights
+/// and pattern scales are multiplied by the magnitude, the angles of texts, arcs and hatch patterns
+/// increase by pi, and inserts use the signed factor, which is equivalent. The spacings of an
+/// insert's array are multiplied too, since the insert's own scales do not affect them. Attributes
+/// are in block coordinates and unchanged; a hatch scales with the lines that it shows. A factor of
+/// 0, which could not be undone, and a non-finite center or factor have no effect. A `CVertex`
+/// alone is not scaled.
 class VEK0_API CEntScaleVisitor final : public IEntVisitor {
  public:
   CEntScaleVisitor(const PNT_3D& centre, double factor);

@@ -19,11 +19,11 @@ class VEK0_API IEntTableWatcher {
  public:
   virtual ~IEntTableWatcher() = default;
   virtual void added(CEnt& ent) = 0;
-  /// The entity is out of the table; its owner may delete it next.
+  /// The entity was removed from the table; its owner may delete it next.
   virtual void removed(CEnt& ent) = 0;
-  /// The extents have changed, or will be other ones when somebody asks for them. What
-  /// follows until somebody does is not told. Nothing tells of an insert whose block
-  /// changes, until its extents are computed again.
+  /// The extents have changed, or will have changed on the next request. Further changes are not
+  /// reported until then. A change of an insert's block is not reported until the insert's extents
+  /// are recomputed.
   virtual void reshaped(CEnt& ent) = 0;
   /// All entities are about to be deleted.
   virtual void cleared() = 0;
@@ -31,16 +31,16 @@ class VEK0_API IEntTableWatcher {
 
 /// The entities of a drawing in drawing order, with a selection and cached extents.
 ///
-/// The table owns its entities: `clearAll` and the destructor delete them. Each
-/// entity remembers its table, so what does not fit is ignored instead of breaking
-/// a list: null, adding what some table or block holds already, removing or
-/// selecting what another one holds, selecting twice.
+/// The table owns its entities: `clearAll` and the destructor delete them. Each entity stores its
+/// table, so invalid operations are ignored instead of corrupting a list: null, adding an entity
+/// that a table or block already holds, removing or selecting one that another holds, selecting
+/// twice.
 ///
-/// A copy of a table is a view: it names the same entities and the same extents,
-/// owns nothing, ignores `add`, `remove` and the selecting operations, and is valid
-/// while the source lives and keeps its entities.
+/// A copy of a table is a view: it has the same entities and extents, owns nothing, ignores `add`,
+/// `remove` and the selection operations, and is valid while the source lives and keeps its
+/// entities.
 ///
-/// Adding, removing, selecting cost constant time, and so does `get` on average.
+/// Adding, removing and selecting take constant time, and so does `get` on average.
 class VEK0_API CEntTable {
  public:
   class CEntIterator;
@@ -57,20 +57,20 @@ class VEK0_API CEntTable {
   /// changed; the entity still is the caller's then.
   void add(CEnt* ent);
 
-  /// Unselects the entity, takes it out and unregisters it; the caller owns it afterwards and may
-  /// add it again, for instance to undo. Invalidates the extents.
+  /// Deselects, removes and unregisters the entity; the caller owns it afterwards and may add it
+  /// again, for instance to undo. Invalidates the extents.
   void remove(CEnt* ent);
 
-  /// Where an entity stands: what it takes to put it there again.
+  /// The position of an entity, as needed to restore it there.
   struct Place {
     const CEnt* next;  ///< null at the end
     std::size_t rank;  ///< see `getRank`
   };
-  /// Where an entity of this table stands.
+  /// The position of an entity of this table.
   Place getPlace(const CEnt& ent) const;
-  /// As `add`, but puts an entity that was removed back to where it stood, with the rank
-  /// that it had. What stood next to it has to be back already, as it is when removals are
-  /// undone last to first; where it is not, the entity is appended.
+  /// As `add`, but puts a removed entity back at its former position, with its former rank. Its
+  /// former successor must be back already, as it is when removals are undone last to first;
+  /// otherwise the entity is appended.
   void restore(CEnt* ent, const Place& place);
 
   /// Memory for the places of entities in the table, one element each.
@@ -86,43 +86,42 @@ class VEK0_API CEntTable {
   bool contains(const CEnt* ent) const { return holds(ent); }
 
   void select(CEnt* ent);           ///< appends to the selection
-  void unselect(CEnt* ent);         ///< takes out of the selection
+  void unselect(CEnt* ent);         ///< removes from the selection
   void select(CEnt* ent, bool on);  ///< `select` or `unselect`
   void unselectAll();
 
-  /// First entity in table order that has this handle, or null. The first call for
-  /// any handle but 0 builds an index of all entities, which is kept up from then
-  /// on; handle 0, which most entities of a host bear, is searched for.
+  /// First entity in table order with this handle, or null. The first call for any handle but 0
+  /// builds an index of all entities, which is maintained from then on; handle 0, which most
+  /// entities of a host have, is searched linearly.
   CEnt* get(vek0::Handle handle) const;
 
   const std::list<CEnt*>& getEntityTbl() const { return m_entities; }
-  /// The selected entities in the order in which they were selected.
+  /// The selected entities in order of selection.
   const std::list<CEnt*>& getSelectedEntityTbl() const { return m_selected; }
   CBlockXRefDepend& getDepend() const { return m_depend; }
 
-  /// Makes the next `getBdry` compute the extents. To be called after changing an
-  /// entity in place or freezing a layer; a reader calls it before adding many
-  /// entities, whose boxes then are not looked at one by one.
+  /// Makes the next `getBdry` recompute the extents. Call it after changing an entity in place or
+  /// freezing a layer; a reader calls it before adding many entities, whose boxes are then not
+  /// examined one by one.
   void invalidateBdry() const { m_bdryValid = false; }
 
-  /// Union of the entities' extents, those on frozen layers left out (layers that
-  /// are merely off count); empty for an empty table. Linear in the entities after a
-  /// removal or `invalidateBdry`, constant otherwise.
+  /// Union of the entities' extents, except those on frozen layers (layers that are merely off
+  /// count); empty for an empty table. Linear in the entities after a removal or `invalidateBdry`,
+  /// constant otherwise.
   const RECT_3D& getBdry() const;
 
-  /// Computes the extents anew, those of the inserts first: a block may have
-  /// changed since they were computed.
+  /// Recomputes the extents, those of the inserts first: a block may have changed in the meantime.
   void recalcBdry() const;
 
   /// Unregisters and deletes every entity. A view forgets them.
   void clearAll();
 
-  /// Tells the watcher, which is borrowed, of all that happens from now on; with the
-  /// first one, linear in the entities. A view has nothing to tell.
+  /// Notifies the watcher (borrowed) of all changes from now on. Adding the first one is linear in
+  /// the entities. A view sends no notifications.
   void watch(IEntTableWatcher& watcher) const;
   void unwatch(IEntTableWatcher& watcher) const;
 
-  /// A number that grows along the drawing order, for entities of one table.
+  /// A number that increases along the drawing order, for entities of one table.
   static std::size_t getRank(const CEnt& ent) { return ent.m_pos; }
 
  private:
@@ -144,15 +143,15 @@ class VEK0_API CEntTable {
   mutable bool m_bdryValid = true;
   bool m_isView = false;
   std::size_t m_nextRank = 0;
-  mutable std::unique_ptr<HandleIndex> m_index;  // null until a handle is asked for
+  mutable std::unique_ptr<HandleIndex> m_index;  // null until a handle is looked up
   mutable std::vector<IEntTableWatcher*> m_watchers;
 };
 
-/// Walks a table's entities, or its selection, in order. Entities may be added
-/// while it walks; the current one may be removed through the iterator alone.
+/// Iterates over a table's entities, or its selection, in order. Entities may be added during the
+/// iteration; the current one may be removed only through the iterator.
 class VEK0_API CEntTable::CEntIterator {
  public:
-  /// Over all entities when `all`, else over the selection; on the first one.
+  /// Starts at the first of all entities if `all`, otherwise of the selection.
   CEntIterator(CEntTable& table, bool all);
   virtual ~CEntIterator();
   CEntIterator(const CEntIterator&) = default;
@@ -165,13 +164,13 @@ class VEK0_API CEntTable::CEntIterator {
   CEntIterator& operator--();    ///< stays on the first entity
   CEntIterator operator--(int);  ///< likewise; answers the place before
 
-  /// Whether the walk is past the last entity.
+  /// Whether the iterator is past the last entity.
   bool isLast() const;
-  /// Number of entities in the walked list.
+  /// Number of entities in the list.
   long get_no_entities() const;
 
-  /// Takes the current entity out of the walked list and steps to the next: out of
-  /// the table as `CEntTable::remove` does, or only out of the selection.
+  /// Removes the current entity from the list and advances to the next: from the table as
+  /// `CEntTable::remove` does, or only from the selection.
   void remove();
 
  private:

@@ -10,24 +10,23 @@
 
 /// Text entity: one line of text, a placed `TEXT_3D`. Base of the attribute kinds.
 ///
-/// The text style is an item that counts its users, as layer and linetype are; it
-/// may be null. Extents are computed when they are asked for, since they depend on
-/// the style's font. Writing through the reference from `getText()` does not refresh
-/// them: whoever does it calls `calcBdry()`.
+/// The text style counts its users like layer and linetype; it may be null. Extents are computed on
+/// demand, since they depend on the style's font. Writing through the reference from `getText()`
+/// does not refresh them: call `calcBdry()` afterwards.
 class VEK0_API CEntText : public CEnt {
  public:
   static constexpr short kType = 6;  ///< what `getType` answers
 
   void accept(IEntVisitor& visitor) override;
-  /// Counts the entity on its text style too.
+  /// Also counts the entity as a user of its text style.
   void addTbls(IHandleGestor& gestor) const override;
   void removeTbls(IHandleGestor& gestor) const override;
   using CEnt::setMemento;
-  /// Restores the text; the style's count moves as in `setStyle`.
+  /// Restores the text; updates the style's count as in `setStyle`.
   void setMemento(CData& data, const IEntDerivedMemento* memento) override;
   CStyle* getStyle() const override;
-  /// Moves the count from the present style to the new one, whether or not the
-  /// entity is registered; null counts nobody.
+  /// Moves the use count from the current style to the new one, whether or not the entity is
+  /// registered; null is not counted.
   void setStyle(CStyle* style) override;
   short getType() const override { return kType; }
   void calcBdry() override;
@@ -36,7 +35,7 @@ class VEK0_API CEntText : public CEnt {
   const TEXT_3D& getText() const { return m_text; }
   TEXT_3D& getText() { return m_text; }  ///< see the class about the extents
 
-  /// Replaces the whole text, its style pointer included, and moves no count.
+  /// Replaces the whole text, including its style pointer, without updating counts.
   void setText(const TEXT_3D& text);
 
  protected:
@@ -51,7 +50,7 @@ class VEK0_API CEntText : public CEnt {
   const zim::WString& getString() const { return m_text.getContext().getString(); }
   void setString(const zim::WString& string);
 
-  /// Restores a text from a memento, the style's count moving along.
+  /// Restores a text from a memento and updates the style's count.
   void restoreText(const TEXT_3D& text);
 
  private:

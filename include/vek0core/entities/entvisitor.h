@@ -19,11 +19,11 @@ class CEntPolyline;
 class CEntText;
 class CVertex;
 
-/// Work that depends on the kind of an entity, one overload a class. A new kind is
-/// then a compile error wherever it must be known.
+/// Kind-specific operations on entities, with one overload per class. A new kind then causes a
+/// compile error wherever it must be handled.
 ///
-/// Visitors live on the stack and nobody deletes one through this interface, hence
-/// the protected destructor.
+/// Visitors live on the stack and are never deleted through this interface, hence the protected
+/// destructor.
 class VEK0_API IEntVisitor {
  public:
   virtual void visit(CEntPnt& ent) = 0;
@@ -49,9 +49,8 @@ class VEK0_API IEntVisitor {
   ~IEntVisitor() = default;
 };
 
-/// Ignores every kind. Derive from it only when ignoring what you do not override is
-/// truly right, and bring the hidden overloads back with
-/// `using IEntFooVisitor::visit;`.
+/// Ignores every kind. Derive from it only if ignoring all other kinds is really correct, and
+/// unhide the remaining overloads with `using IEntFooVisitor::visit;`.
 class VEK0_API IEntFooVisitor : public IEntVisitor {
  public:
   void visit(CEntPnt& ent) override;
@@ -76,9 +75,9 @@ class VEK0_API IEntFooVisitor : public IEntVisitor {
   ~IEntFooVisitor() = default;
 };
 
-/// Forwards every kind to the overload of its base class, up to `visit(CEnt&)`,
-/// which does nothing: overriding one overload handles a whole branch. Each step is
-/// a virtual call, so an override at any level is honored.
+/// Forwards every kind to the overload of its base class, up to `visit(CEnt&)`, which does nothing:
+/// overriding one overload handles a whole branch. Each step is a virtual call, so an override at
+/// any level takes effect.
 class VEK0_API IEntInheritVisitor : public IEntVisitor {
  public:
   void visit(CEntPnt& ent) override;
@@ -95,9 +94,9 @@ class VEK0_API IEntInheritVisitor : public IEntVisitor {
   void visit(CEntHatch& ent) override;
   void visit(CEnt3DFace& ent) override;
   void visit(CVertex& vertex) override;
-  /// Every insert and hatch that no closer overload handled.
+  /// Inserts and hatches not handled by a more specific overload.
   virtual void visit(CEntInsertBase& ent);
-  /// Everything that no closer overload handled.
+  /// Everything not handled by a more specific overload.
   virtual void visit(CEnt& ent);
 
  protected:

@@ -10,33 +10,32 @@
 class CEnt;
 class CEntFactory;
 
-/// A polyline and the entities that went into it, in the order in which it runs.
+/// A polyline and the entities it was joined from, in order along it.
 struct JOINED_ENT {
   std::unique_ptr<CEntPolyline> polyline;
   std::vector<const CEnt*> parts;
 };
 
-/// Which entities may become one polyline: those of one layer, or of all layers that are
-/// shown. What is on a frozen or hidden layer only ever joins its own layer, so that nothing
-/// vanishes and nothing appears.
+/// Which entities may be joined: those of one layer, or of all visible layers. Entities on a frozen
+/// or hidden layer are joined only within that layer, so that nothing disappears or appears.
 enum class JOIN_LAYERS { apart, together };
 
-/// How far apart ends may be that count as meeting: 1e-9 of the longest side of the
-/// entities' extents.
+/// Maximum distance between ends that count as meeting: 1e-9 of the longest side of the entities'
+/// extents.
 VEK0_API double joinTolerance(const std::vector<CEnt*>& ents);
 
-/// Joins lines, arcs and open polylines whose ends meet within `tolerance` (drawing units,
-/// in space) into as few new polylines as that gives, each of two entities at least.
+/// Joins lines, arcs and open polylines whose ends meet within `tolerance` (drawing units, in
+/// space) into new polylines, each of at least two entities.
 ///
-/// Entities are taken in order, layer after layer where layers stay apart: a polyline has layer,
-/// linetype and color of the first of its parts and its direction, goes on at its end, then at its
-/// start, and is closed when its ends meet. Where several ends meet at one point, the nearest goes
-/// on, the earliest among equals. Joined ends get the point of the part that came first. Other
-/// kinds, closed polylines, null, and what is no longer than the tolerance are passed over. The
-/// entities stay as they are; new ones have handle 0 and are in no table.
+/// Entities are processed in order, layer by layer if layers are kept apart. A polyline has the
+/// layer, linetype, color and direction of the first of its parts, is extended at its end, then at
+/// its start, and is closed if its ends meet. Where several ends meet at a point, the nearest is
+/// joined, the earliest among equals. Joined ends get the point of the part that came first. Other
+/// kinds, closed polylines, null, and entities no longer than the tolerance are skipped. The
+/// entities are not changed; new ones have handle 0 and are in no table.
 ///
-/// Near-linear: ends are found by hashing. Where more than 256 ends crowd a square of the
-/// tolerance's size, not all of them are looked at.
+/// Near-linear: ends are found by hashing. Where more than 256 ends lie in a square of the
+/// tolerance's size, not all of them are examined.
 VEK0_API std::vector<JOINED_ENT> joinEnts(IHandleGestor& gestor, CEntFactory& factory,
                                           const std::vector<CEnt*>& ents, double tolerance,
                                           JOIN_LAYERS layers = JOIN_LAYERS::apart);

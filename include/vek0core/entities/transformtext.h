@@ -5,12 +5,11 @@
 
 class CEntInsertMatrix;
 
-/// Places a text as the matrix places what it stands on: the start of its baseline, the
-/// direction of it and its upright go through the matrix. Height, width factor, rotation and
-/// obliquing angle are read back from them, and the insertion point is where the
-/// justification has it then, which under a shear is beside the image of the old one.
+/// Transforms a text by the matrix: the start and direction of its baseline and its vertical
+/// direction are mapped. Height, width factor, rotation and obliquing angle are derived from them,
+/// and the insertion point from the justification, which under a shear differs from the image of
+/// the old one.
 ///
-/// A mirroring matrix makes the width factor change its sign. The rotation is brought into
-/// [0, 2*pi). Where nothing of the text is left, or not a number, its proportions stay as
-/// they are.
+/// A mirroring matrix changes the sign of the width factor. The rotation is reduced to [0, 2*pi).
+/// If the text collapses, or a result is NaN, its proportions are unchanged.
 VEK0_API void transform_text(const CEntInsertMatrix& matrix, TEXT_3D& text);

@@ -19,10 +19,10 @@ class VEK0_API CVertexMemento {
   /// Exact comparison of the point and the widths.
   bool operator==(const CVertex& vertex) const;
   bool operator!=(const CVertex& vertex) const { return !(*this == vertex); }
-  /// Whether both hold the same.
+  /// Whether both have the same state.
   bool operator==(const CVertexMemento&) const = default;
 
-  /// Memory that it takes, in bytes.
+  /// Memory use in bytes.
   std::size_t size() const { return sizeof *this; }
 
  private:
@@ -32,12 +32,12 @@ class VEK0_API CVertexMemento {
   double m_widthEnd;
 };
 
-/// One vertex of a polyline: a point, and the widths at the start and at the end of
-/// the segment that begins there, in drawing units.
+/// One vertex of a polyline: a point, and the widths at the start and at the end of the segment
+/// that begins there, in drawing units.
 ///
-/// It has a handle but is no entity: no layer, no kind, and it does not know its
-/// polyline. It bears no bulge either; a polyline describes arcs by the vertices it
-/// generates along them (see `CEntPolyline`).
+/// It has a handle but is not an entity: it has no layer, no kind and no reference to its polyline.
+/// It has no bulge either; a polyline represents arcs by the vertices that it generates along them
+/// (see `CEntPolyline`).
 class VEK0_API CVertex : public IHandleEnt {
  public:
   CVertex(const PNT_3D& pnt, double widthStart, double widthEnd, vek0::Handle handle);

@@ -7,69 +7,67 @@
 #include "vek0core/geometry/pnt.h"
 #include "vek0core/geometry/spline.h"
 
-/// One loop of a hatch as the polygon that stands for it: three points at least, the first
-/// not repeated, no equal neighbors.
+/// The polygon that approximates one loop of a hatch: at least three points, the first not
+/// repeated, no consecutive equal points.
 using HATCH_RING = std::vector<PNT_3D>;
 
-/// Makes rings of the edges of a hatch's loop, as files give them: in any order, either way
-/// round, with gaps.
+/// Builds rings from the edges of a hatch loop as found in files: in any order, in either
+/// direction, with gaps.
 ///
-/// Edges are added one by one, then `build` takes them all; the builder is empty again and
-/// serves for the next loop. Curves become chords by the rule of bulges (see `arcChords`).
-/// Angles are radians. An edge with a number that is not finite, or a coordinate beyond
-/// 1e100, is refused: the `add` functions answer false and add nothing. Drawing units; the
-/// ends of edges are compared in the plane.
+/// Edges are added one by one; `build` consumes them all and leaves the builder empty for the next
+/// loop. Curves become chords by the same rule as bulges (see `arcChords`). Angles are radians. An
+/// edge with a non-finite number, or a coordinate beyond 1e100, is rejected: the `add` functions
+/// return false and add nothing. Drawing units; the ends of edges are compared in the plane.
 class VEK0_API HatchLoopBuilder {
  public:
   bool addLine(const PNT_3D& from, const PNT_3D& to);
 
-  /// Circular arc. Files measure the angles of a clockwise edge clockwise as well, so that
-  /// one from `start` to `end` covers the directions -end to -start. Equal angles, or
-  /// those a turn apart, are the full circle. Refused when the radius is zero or less.
+  /// Circular arc. Files measure the angles of a clockwise edge clockwise as well, so that one from
+  /// `start` to `end` covers the directions -end to -start. Equal angles, or angles a turn apart,
+  /// mean the full circle. Rejected if the radius is zero or negative.
   bool addArc(const PNT_3D& center, double radius, double start, double end, bool ccw);
 
-  /// Elliptical arc; `major` is the vector from the center to the end of the major axis, the
-  /// angles are parameters (see `ELLIPSE_3D`), clockwise as in `addArc`. Refused when the
-  /// ellipse is none; one that is flat (ratio 0) is refused too.
+  /// Elliptical arc; `major` is the vector from the center to the end of the major axis, the angles
+  /// are parameters (see `ELLIPSE_3D`), clockwise as in `addArc`. An invalid ellipse is rejected,
+  /// and so is a flat one (ratio 0).
   bool addEllipse(const PNT_3D& center, const PNT_3D& major, double ratio, double start, double end,
                   bool ccw);
 
-  /// A curve that is not valid adds its control polygon; false when even that has fewer
-  /// than two points. The tolerance is 1e-4 of the curve's size.
+  /// An invalid curve adds its control polygon; false if even that has fewer than two points. The
+  /// tolerance is 1e-4 of the curve's size.
   bool addSpline(const SPLINE_3D& spline);
 
-  /// A chain of segments; bulges[i] belongs to the one that begins at points[i], those that
-  /// are missing are 0. A closed chain returns to its first point.
+  /// A chain of segments; bulges[i] belongs to the segment that begins at points[i]; missing ones
+  /// are 0. A closed chain returns to its first point.
   bool addPolyline(const std::vector<PNT_3D>& points, const std::vector<double>& bulges,
                    bool closed);
 
   bool empty() const { return m_edges.empty(); }
-  /// Forgets the edges.
+  /// Discards the edges.
   void clear() {
     m_points.clear();
     m_edges.clear();
   }
 
-  /// How many points the curves of further edges may add, no end of them at first. A
-  /// curve that would add more than is left gets four chords at most.
+  /// Sets how many points the curves of further edges may add; unlimited by default. A curve that
+  /// would exceed the rest gets at most four chords.
   void setCurveRoom(std::size_t points) {
     m_curveRoom = points;
     m_coarse = false;
   }
-  /// What is left of that.
+  /// The remaining number of points.
   std::size_t getCurveRoom() const { return m_curveRoom; }
-  /// Whether that has happened to any curve since `setCurveRoom`.
+  /// Whether any curve was coarsened for that reason since `setCurveRoom`.
   bool isCoarse() const { return m_coarse; }
 
-  /// Appends the rings of the loop to `rings`: one, unless edges close among themselves
-  /// before all are used; none when fewer than three points differ.
+  /// Appends the rings of the loop to `rings`: one, unless some edges close among themselves before
+  /// all are used; none if fewer than three points are distinct.
   ///
-  /// Ends within 1e-6 of the loop's size belong together, nearest first, and meet in the
-  /// point that comes first along the ring. An edge is reversed when it has to be. What
-  /// stays open is joined by segments, near ends before far ones, into one ring: then the
-  /// answer is false, and the caller should tell. Linear in points and edges on average,
-  /// whatever their order; where very many ends crowd within the tolerance, not all
-  /// are compared.
+  /// Ends within 1e-6 of the loop's size are joined, nearest first, at the point that comes first
+  /// along the ring. Edges are reversed as needed. Remaining gaps are closed by segments, near ends
+  /// before far ones, into one ring; the function then returns false, and the caller should report
+  /// it. Linear in points and edges on average, in any order; where very many ends lie within the
+  /// tolerance, not all are compared.
   bool build(std::vector<HATCH_RING>& rings);
 
  private:
@@ -88,17 +86,17 @@ class VEK0_API HatchLoopBuilder {
 
 /// How a hatch treats loops within loops.
 enum class HatchStyle : short {
-  kEvenOdd = 0,    ///< every second level is filled: all loops count
-  kOutermost = 1,  ///< the outermost area alone: loops of the two outer levels count
-  kIgnore = 2,     ///< islands are filled over: only outer loops count
+  kEvenOdd = 0,    ///< every other level is filled: all loops count
+  kOutermost = 1,  ///< only the outermost area: loops of the two outer levels count
+  kIgnore = 2,     ///< islands are filled: only outer loops count
 };
 
-/// Removes the rings that the style does not regard; the others keep their order. What is
-/// left is filled even-odd.
+/// Removes the rings that the style ignores; the others keep their order. The result is filled
+/// even-odd.
 ///
-/// A ring lies within another when the other's box holds its box and the other holds a
-/// point from its inside; rings of equal box and area are not within each other. False when
-/// rings were so many and so entangled that the search was given up (at 1000 steps for
-/// each point of all rings): those not judged are kept. Costs n log n in the points, and for
-/// each ring the edges level with it of the rings whose boxes hold it.
+/// A ring is inside another if the other's box contains its box and the other contains an interior
+/// point of it; rings of equal box and area are not inside each other. Returns false if the rings
+/// are so many and so entangled that the search was abandoned (at 1000 steps per point of all
+/// rings): rings not yet classified are kept. Costs n log n in the points, plus, for each ring, the
+/// edges at its height in the rings whose boxes contain it.
 VEK0_API bool applyHatchStyle(std::vector<HATCH_RING>& rings, HatchStyle style);

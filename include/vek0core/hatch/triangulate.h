@@ -6,19 +6,18 @@
 #include "vek0core/geometry/pnt.h"
 #include "vek0core/hatch/fill.h"
 
-/// Three or four corners in order around a part of a filled area; a triangle repeats its
-/// third corner as the fourth, as the faces of a drawing do.
+/// Three or four corners in order around a part of a filled area; a triangle repeats its third
+/// corner as the fourth, like the faces of a drawing.
 struct HatchFace {
   PNT_3D p[4];
 };
 
-/// Covers the inside of a boundary (rings as `hatchRings` reads them) with faces that do
-/// not overlap: trapezoids between edges of the boundary, cut at the heights of vertices
-/// and crossings. All have the z of the first boundary point.
+/// Covers the inside of a boundary (rings as `hatchRings` reads them) with faces that do not
+/// overlap: trapezoids between edges of the boundary, cut at the heights of vertices and crossings.
+/// All are at the z of the first boundary point.
 ///
-/// The boundary may touch and cross itself. What is thinner than the rounding of the
-/// coordinates is left out. `faces` is replaced; empty unless the status is `Done`.
-/// `TooDense`: there would be more than `limit` faces or crossings. Cost is linear-
-/// logarithmic in edges plus crossings.
+/// The boundary may touch and cross itself. Parts thinner than the rounding of the coordinates are
+/// omitted. `faces` is replaced; it is empty unless the status is `Done`. `TooDense`: there would
+/// be more than `limit` faces or crossings. O(n log n) in edges plus crossings.
 VEK0_API HatchStatus fillSolid(const std::vector<PNT_3D>& boundary, double limit,
                                std::vector<HatchFace>& faces);

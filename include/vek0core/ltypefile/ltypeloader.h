@@ -14,42 +14,42 @@ class CStyleTable;
 
 /// Reads and writes linetype definition files, see docs/formats/lin.md.
 ///
-/// The loaded linetypes stay in a table of the loader's own; `addLtypes` takes copies of
-/// them into a drawing. Their texts name styles of the style table given, which must
-/// outlive the loader, as must the factory.
+/// The loaded linetypes stay in the loader's own table; `addLtypes` copies them into a drawing.
+/// Their texts refer to styles of the given style table, which must outlive the loader, as must the
+/// factory.
 ///
-/// Nothing in a file is an error: what cannot be understood is left out or read as 0, and
-/// the report of the last `Load` or `Save` says so.
+/// No file content is an error: anything malformed is skipped or read as 0 and listed in the report
+/// of the last `Load` or `Save`.
 class VEK0_API CLtypeLoader {
  public:
-  /// How the last `Load` or `Save` ended.
+  /// Result of the last `Load` or `Save`.
   enum Status {
-    Idle,         ///< there was none
+    Idle,         ///< none yet
     Done,         ///< the file was read or written to its end
     NotOpened,    ///< it could not be opened
-    ReadFailed,   ///< reading broke off; what was read until then is in the table
-    WriteFailed,  ///< the file did not take everything
-    NoMemory      ///< likewise, for want of memory
+    ReadFailed,   ///< reading was interrupted; the table holds what was read until then
+    WriteFailed,  ///< not everything could be written
+    NoMemory      ///< the same, because memory ran out
   };
 
-  /// Asked for styles that the style table does not know.
+  /// Supplies styles that are not in the style table.
   class VEK0_API IErrorNotifier {
    public:
     virtual ~IErrorNotifier() = default;
-    /// The style that texts with this style name get; null for none. It must live as
-    /// long as those of the style table. Called for every such text.
+    /// Returns the style for texts with this style name; null for none. It must live as long as
+    /// those of the style table. Called for every such text.
     virtual CStyle* Notify(const zim::WString& styleName) = 0;
   };
 
-  /// The lines of a definition file that count: no comments, no empty ones.
+  /// Reads the significant lines of a definition file: no comments, no empty lines.
   class VEK0_API CFileLtypeLexer {
    public:
-    /// The file is open, is read by lines and outlives the lexer.
+    /// The file must be open, is read by lines and must outlive the lexer.
     explicit CFileLtypeLexer(IFile& file) : m_file(file) {}
     CFileLtypeLexer(const CFileLtypeLexer&) = delete;
     CFileLtypeLexer& operator=(const CFileLtypeLexer&) = delete;
 
-    /// Goes to the next line; false at the end of the file and after a failure.
+    /// Advances to the next line; false at the end of the file and after a failure.
     bool Read();
     /// The current line without trailing blanks, valid until the next `Read`; empty
     /// before the first and after the last.
@@ -63,7 +63,7 @@ class VEK0_API CLtypeLoader {
     bool readWholeLine();
 
     IFile& m_file;
-    zim::Char m_buffer[kBufferUnits];  // longer lines are put together from several
+    zim::Char m_buffer[kBufferUnits];  // longer lines are assembled from several reads
     long m_lineNo = 0;
     std::u16string m_line;
   };
@@ -76,25 +76,25 @@ class VEK0_API CLtypeLoader {
   CLtypeLoader& operator=(const CLtypeLoader&) = delete;
   virtual ~CLtypeLoader() = default;
 
-  /// Borrowed; null, as at first, for none.
+  /// Borrowed; null, the default, for none.
   void SetNotifier(IErrorNotifier* notifier) { m_notifier = notifier; }
 
-  /// Empties the table and fills it from the file. Always 0: `GetStatus` and
-  /// `GetNoLtype` tell how it went. Names may repeat. Null opens nothing.
+  /// Clears the table and fills it from the file. Always returns 0: see `GetStatus` and
+  /// `GetNoLtype` for the result. Names may repeat. Null opens nothing.
   int Load(const zim::Char* path);
-  /// The same from a closed file of the host, which is closed afterwards.
+  /// The same from a file of the host, passed closed and left closed.
   int Load(IFile& file);
 
-  /// Writes every linetype of the table, replacing the file. Dash lengths read back
-  /// exactly, the numbers of a text to six decimals.
+  /// Writes every linetype of the table, replacing the file. Dash lengths read back exactly, the
+  /// numbers of a text are written with six decimals.
   void Save(const zim::Char* path);
-  /// The same to a closed file of the host, which is closed afterwards.
+  /// The same to a file of the host, passed closed and left closed.
   void Save(IFile& file);
 
   Status GetStatus() const { return m_status; }
-  /// What the last `Load` or `Save` left out or changed:
-  ///   "shape-left-out"      a pattern element that is no text; the sample is its name
-  ///   "unknown-style"       a text is left without style; the sample is the style's name
+  /// Lists what the last `Load` or `Save` skipped or changed:
+  ///     "shape-left-out"      a pattern element other than text; the sample is its name
+  ///     "unknown-style"       a text got no style; the sample is the style's name
   ///   "number-expected"     read as 0
   ///   "number-range"        not finite: read or written as 0
   ///   "empty-field"         nothing between two commas: no element
@@ -107,7 +107,7 @@ class VEK0_API CLtypeLoader {
 
   /// Number of linetypes in the table.
   int GetNoLtype() const { return m_ltypes.size(); }
-  /// Linetype `i` in the order of the file; null when there is no such position.
+  /// Linetype `i` in file order; null if out of range.
   const CLtype* GetLtypeNo(int i) const;
   const CNamedItemTable<CLtype>& GetTable() const { return m_ltypes; }
   CNamedItemTable<CLtype>& GetTable() { return m_ltypes; }

@@ -6,26 +6,25 @@
 #include "vek0core/export.h"
 #include "vek0core/geometry/pnt.h"
 
-/// A vertex of a wide polyline: where it is, and the full widths at the beginning and
-/// the end of the segment that starts there. Drawing units.
+/// A vertex of a wide polyline: its position, and the full widths at the beginning and the end of
+/// the segment that starts there. Drawing units.
 struct WIDE_VERTEX {
   PNT_3D pnt;
   double widthStart, widthEnd;
 };
 
-/// Outline of a polyline that has widths.
+/// Outline of a wide polyline.
 ///
-/// Each segment is a quadrilateral with half its widths to either side: its body. The rings
-/// run around the bodies and around what joins them, so that everything within is what they
-/// run around at all (the non-zero rule); by their box nothing sticks out. Where the
-/// width does not change, the outer sides of a turn meet in a mitre as long as that point
-/// lies outside of both bodies and within four widths of the vertex; sharper corners are
-/// bevelled. Where the width jumps, bodies end square and nothing joins them.
+/// Each segment is a quadrilateral with half its widths to either side: its body. The rings enclose
+/// the bodies and the joins between them, to be filled by the non-zero rule; nothing extends beyond
+/// their box. Where the width does not change, the outer sides of a turn meet in a miter if that
+/// point lies outside both bodies and within four widths of the vertex; sharper corners are
+/// beveled. Where the width jumps, bodies end square and are not joined.
 ///
-/// Segments without length are left out. An open polyline has one ring (left side there,
-/// right side back), a closed one two (the left side, then the right, whose inside is taken
-/// off when it is turned round). A polyline without any length has one ring of its vertices;
-/// one without vertices has none.
+/// Segments of zero length are skipped. An open polyline has one ring (along the left side, back
+/// along the right), a closed one two (the left side, then the right, which subtracts its interior
+/// when reversed). A polyline of zero length has one ring of its vertices; one without vertices has
+/// none.
 class VEK0_API CPolylineSilhouette {
  public:
   /// Linear in the number of vertices, which must be finite.

@@ -8,11 +8,10 @@
 #include "vek0core/export.h"
 #include "zim0lang/wstring.h"
 
-/// A host's font. The library knows it by its name and asks it for measures; every
-/// measure has a default, so a font with nothing but a name works.
+/// A font of the host. The library identifies it by name and queries its metrics; every metric has
+/// a default, so a font with only a name works.
 ///
-/// Measures are in the font's own units; `getHeightUnit` is the one that a text's
-/// height scales to.
+/// Metrics are in font units; a text's height corresponds to `getHeightUnit`.
 class VEK0_API ICADFont {
  public:
   virtual ~ICADFont() = default;
@@ -21,12 +20,12 @@ class VEK0_API ICADFont {
 
   /// Height of capitals. Default 1.0.
   virtual double getHeightUnit() const;
-  /// Height that middle justification halves. Default: the height unit.
+  /// Height whose half is the middle for middle justification. Default: the height unit.
   virtual double getFullHeight() const;
-  /// How far letters reach below the baseline, positive downwards. Default 1/3.
+  /// Extent of glyphs below the baseline, positive downward. Default 1/3.
   virtual double getDescent() const;
-  /// Width of a string. Default 0.9 a character and twice that for wide East Asian
-  /// ones, a tenth more in bold.
+  /// Width of a string. Default: 0.9 per character, twice that for wide East Asian characters, and
+  /// 10 % more in bold.
   virtual double getStringWidth(const zim::WString& text, bool horiz, bool bold, bool italic) const;
 
  protected:

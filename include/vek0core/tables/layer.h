@@ -18,7 +18,8 @@ class VEK0_API ILayerVisitor {
   virtual void visit(CLayer& layer) = 0;
 };
 
-/// Line width of a layer: any value of the host's, kept and not interpreted. 0 is the default.
+/// Line width of a layer: an opaque value of the host, stored but not interpreted. 0 is the
+/// default.
 enum enumLineWidth : int { lineWidthDefault = 0 };
 
 /// Snapshot of a layer, for undo: name, linetype, flags, color and line width. Borrows the
@@ -40,21 +41,20 @@ class VEK0_API CLayerMemento {
   enumLineWidth m_lineWidth;
 };
 
-/// Layer: default color and linetype of entities, and whether they are shown and may
-/// be changed.
+/// Layer: default color and linetype of entities, and whether they are shown and may be changed.
 ///
-/// The linetype is borrowed and may be null. BYLAYER and BYBLOCK say nothing as the
-/// linetype of a layer; whoever draws takes them for Continuous.
+/// The linetype is borrowed and may be null. BYLAYER and BYBLOCK are meaningless as the linetype of
+/// a layer; renderers treat them as Continuous.
 class VEK0_API CLayer : public CNamedItem {
  public:
   static constexpr long kFrozen = 0x0001, kLocked = 0x0004, kOff = 0x0080, kPrivate = 0x8000;
 
-  /// Nobody uses the copy, and it is not counted on the linetype.
+  /// The copy has no users and is not counted by its linetype.
   CLayer(const CLayer& src) = default;
-  /// Counts stay, those of the linetypes included.
+  /// Use counts do not change, those of the linetypes included.
   CLayer& operator=(const CLayer& src) = default;
   ~CLayer() override = default;
-  /// The name; a layer of an external reference puts the reference's before it.
+  /// The name; for a layer of an external reference, prefixed with the reference's name.
   virtual const zim::WString& getFullName() const { return getName(); }
   using CNamedItem::setFlags;
   virtual void setFlags(long flags) { CNamedItem::setFlags(flags); }
@@ -72,8 +72,8 @@ class VEK0_API CLayer : public CNamedItem {
   void setPrivate(bool on) { setFlags(kPrivate, on); }
 
   CLtype* getLtype() const { return m_ltype; }
-  /// Also moves the layer counts of the old and the new linetype, whether or not the
-  /// layer is in a table.
+  /// Also updates the layer counts of the old and the new linetype, whether or not the layer is in
+  /// a table.
   void setLtype(CLtype* ltype);
   short getColor() const { return m_color; }
   void setColor(short color) { m_color = color; }
@@ -108,8 +108,8 @@ class VEK0_API CLayer0 : public CLayer {
   CLayer0(CLtype* ltype, short color, long flags) : CLayer(u"0", ltype, color, flags) {}
 };
 
-/// Creates layers; the caller owns them until a table takes them. Null when out of memory. Counting
-/// on the linetype is the table's.
+/// Creates layers; the caller owns them until a table takes them. Null when out of memory. The
+/// table, not the factory, updates the linetype's layer count.
 class VEK0_API CLayerFactory {
  public:
   virtual ~CLayerFactory() = default;

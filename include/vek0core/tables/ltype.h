@@ -43,18 +43,18 @@ class VEK0_API CLtypeMemento {
   CLtypeComplexDashSeqMemento m_dashes;
 };
 
-/// Linetype: a name, a description and a pattern of dashes, gaps, dots and texts. One
-/// without elements draws continuous lines.
+/// Linetype: a name, a description and a pattern of dashes, gaps, dots and texts. Without elements,
+/// lines are continuous.
 class VEK0_API CLtype : public CNamedItem {
  public:
   static constexpr long kPrivate = 0x8000;
 
-  /// The copy has the source's layer count and an entity count of 0.
+  /// The copy takes the source's layer count and an entity count of 0.
   CLtype(const CLtype& src);
-  /// Both counts stay.
+  /// Both counts are unchanged.
   CLtype& operator=(const CLtype& src);
   ~CLtype() override = default;
-  /// The name; a linetype of an external reference puts the reference's before it.
+  /// The name; for a linetype of an external reference, prefixed with the reference's name.
   virtual const zim::WString& getFullName() const { return getName(); }
   using CNamedItem::setFlags;
   virtual void setFlags(long flags) { CNamedItem::setFlags(flags); }
@@ -64,8 +64,8 @@ class VEK0_API CLtype : public CNamedItem {
   virtual bool isByBlock() const { return false; }
   virtual bool isXRef() const { return false; }
 
-  /// Equal names (ignoring case), flags, descriptions (exactly), and as many elements; their values
-  /// are not looked at. The cheap test for matching linetypes by definition.
+  /// Equal names (ignoring case), flags, descriptions (exactly) and numbers of elements; element
+  /// values are not compared. A cheap test for matching linetypes by definition.
   bool operator==(const CLtype& other) const;
   bool operator!=(const CLtype& other) const { return !(*this == other); }
 
@@ -87,7 +87,7 @@ class VEK0_API CLtype : public CNamedItem {
   void AddDashText(const TEXT_3D& text) { m_dashes.AddDashText(text); }
   void ClearDashes() { m_dashes.ClearDashes(); }
 
-  /// Number of layers that use the linetype; a hint like the count of entities.
+  /// Number of layers that use the linetype; a hint, like the count of entities.
   long getLayers() const { return m_layers; }
   void addLayer() { ++m_layers; }
   void decLayer() { --m_layers; }
@@ -126,7 +126,7 @@ class VEK0_API CLtypeContinuous : public CLtype {
   CLtypeContinuous();
 };
 
-/// The fixed linetype "BYLAYER": as the layer says.
+/// The fixed linetype "BYLAYER": that of the layer.
 class VEK0_API CLtypeByLayer : public CLtype {
  public:
   void accept(ILtypeVisitor& visitor) override { visitor.visit(*this); }
@@ -137,7 +137,7 @@ class VEK0_API CLtypeByLayer : public CLtype {
   CLtypeByLayer();
 };
 
-/// The fixed linetype "BYBLOCK": as the insert says.
+/// The fixed linetype "BYBLOCK": that of the insert.
 class VEK0_API CLtypeByBlock : public CLtype {
  public:
   void accept(ILtypeVisitor& visitor) override { visitor.visit(*this); }

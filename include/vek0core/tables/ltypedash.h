@@ -10,17 +10,17 @@
 #include "vek0core/geometry/rect.h"
 #include "vek0core/tables/text.h"
 
-/// One element of a linetype's pattern: a dash, a gap, a dot, or a text.
+/// One element of a linetype pattern: a dash, a gap, a dot, or a text.
 class VEK0_API ILtypeComplexDash {
  public:
   virtual ~ILtypeComplexDash() = default;
   virtual bool IsDoubleDash() const { return false; }
   virtual bool IsText() const { return false; }
-  /// Signed length in drawing units: a dash above 0, a gap below, a dot at 0.
+  /// Signed length in drawing units: positive for a dash, negative for a gap, 0 for a dot.
   virtual double GetValue() const { return 0.0; }
   /// The text, or null for other elements.
   virtual const TEXT_3D* GetText() const { return nullptr; }
-  /// Box of the element when it stands at the origin along the x axis.
+  /// Box of the element placed at the origin along the x axis.
   virtual void GetBdry(RECT_2D& box) const = 0;
   /// The caller owns the copy; null when out of memory.
   virtual ILtypeComplexDash* Clone() const = 0;
@@ -40,11 +40,11 @@ class VEK0_API CDoubleLtypeComplexDash : public ILtypeComplexDash {
   double m_value;
 };
 
-/// A text inside the pattern, placed relative to where the pattern has got to. Counts
-/// itself on its style, which may be null.
+/// A text inside the pattern, placed relative to the current position in the pattern. Counted as a
+/// use of its style, which may be null.
 ///
-/// The height is the scale factor of the definition as it stands; whoever draws it
-/// multiplies by the style's fixed height when that is above 0.
+/// The height is the unmodified scale factor of the definition; renderers multiply it by the
+/// style's fixed height if that is above 0.
 class VEK0_API CFontLtypeComplexDash : public ILtypeComplexDash {
  public:
   explicit CFontLtypeComplexDash(const TEXT_3D& text);
@@ -83,7 +83,7 @@ class VEK0_API CLtypeComplexDashSeq {
   const ILtypeComplexDash* Get(int i) const { return m_dashes[static_cast<std::size_t>(i)].get(); }
   const ILtypeComplexDash* operator[](int i) const { return Get(i); }
 
-  /// Inserts before position `pos`; the count as position appends.
+  /// Inserts before position `pos`, or appends if `pos` equals the count.
   void InsertDashDouble(int pos, double value);
   void InsertDashText(int pos, const TEXT_3D& text);
   void AddDashDouble(double value) { InsertDashDouble(GetNoDashes(), value); }
@@ -97,7 +97,7 @@ class VEK0_API CLtypeComplexDashSeq {
     std::swap(m_length, other.m_length);
   }
 
-  /// Sum of the magnitudes of dashes and gaps. Texts add nothing.
+  /// Sum of the magnitudes of dashes and gaps. Texts contribute nothing.
   double GetPatternLen() const { return m_length; }
   /// Box of the pattern along the x axis, texts included; empty without elements.
   void GetBdry(RECT_2D& box) const;
@@ -118,8 +118,8 @@ class VEK0_API CLtypeComplexDashSeq {
   double m_length = 0;
 };
 
-/// Snapshot of a sequence, for undo. Unlike the elements themselves it does not count on
-/// the styles of its texts, and may outlive them as long as it is not applied.
+/// Snapshot of a sequence, for undo. Unlike the elements themselves, it is not counted as a use of
+/// the styles of its texts, and it may outlive them if it is never applied.
 class VEK0_API CLtypeComplexDashSeqMemento {
  public:
   explicit CLtypeComplexDashSeqMemento(const CLtypeComplexDashSeq& dashes);
@@ -131,12 +131,11 @@ class VEK0_API CLtypeComplexDashSeqMemento {
   std::vector<std::variant<double, TEXT_3D>> m_dashes;  // lengths and texts
 };
 
-/// Lays the pattern along a way of `length`, from `phase` of it on (both drawing units,
-/// the pattern multiplied by `scale`), and hands each element to `each` as (element,
-/// from, to) along the way: dashes and gaps cut at the ends of the way, dots and texts
-/// with from equal to to. False, and nothing handed over, when the way is to be drawn
-/// continuous: the pattern or the way has no length, or it takes more than `most`
-/// elements.
+/// Lays the pattern, multiplied by `scale`, along a path of `length`, starting at `phase` within
+/// the pattern (all in drawing units). Calls `each` with (element, from, to) in path lengths:
+/// dashes and gaps are cut at the ends of the path; for dots and texts, from equals to. Returns
+/// false without any call if the path is to be drawn continuous: the pattern or the path has zero
+/// length, or more than `most` elements would be needed.
 template <class Each>
 bool forEachDash(const CLtypeComplexDashSeq& dashes, double scale, double phase, double length,
                  long most, const Each& each) {

@@ -4,8 +4,8 @@
 #include "vek0core/tables/ltype.h"
 #include "vek0core/tables/nameditem.h"
 
-/// The linetypes of a drawing. The three fixed ones are not in the list and never
-/// deleted, but found by name, before any item of the same name.
+/// The linetypes of a drawing. The three fixed ones are not in the list and are never deleted, but
+/// are found by name, before any item of the same name.
 class VEK0_API CLtypeTable : public CNamedItemTableImp {
  public:
   using CNamedItemTableImp::contains;

@@ -19,12 +19,12 @@ namespace vek0::detail {
 class RankTree;
 }
 
-/// Base of linetypes, layers, text styles and blocks: a name, flag bits whose meaning
-/// each kind gives them, and how many entities use the item.
+/// Base of linetypes, layers, text styles and blocks: a name, flag bits with a meaning specific to
+/// the kind, and the number of entities that use the item.
 ///
-/// The use count goes down below zero when it is taken down too often: it is a hint
-/// and never a reason to delete. An item knows the table it is in, so that renaming
-/// keeps look-ups right and a deleted item leaves its table.
+/// The use count becomes negative if it is decremented too often: it is a hint and never a reason
+/// to delete. An item holds a pointer to its table, so that renaming keeps look-ups correct and
+/// deleting an item removes it from its table.
 class VEK0_API CNamedItem {
  public:
   virtual ~CNamedItem();
@@ -54,9 +54,9 @@ class VEK0_API CNamedItem {
 
  protected:
   CNamedItem(const zim::WString& name, long flags) : m_name(name), m_flags(flags) {}
-  /// Copies name and flags. The copy is in no table and nobody uses it.
+  /// Copies name and flags. The copy is in no table and has no users.
   CNamedItem(const CNamedItem& src) : m_name(src.m_name), m_flags(src.m_flags) {}
-  /// Takes name and flags over; the count and the place in a table stay.
+  /// Copies name and flags; the use count and the position in a table are unchanged.
   CNamedItem& operator=(const CNamedItem& src);
 
  private:
@@ -68,17 +68,17 @@ class VEK0_API CNamedItem {
   long m_entities = 0;
   CNamedItemTableImp* m_table = nullptr;
   std::size_t m_pos = 0;             // in the table's array
-  std::size_t m_rank = 0;            // of addition: among equal names the lowest is found
+  std::size_t m_rank = 0;            // order of addition: of equal names, look-up finds the lowest
   CNamedItem* m_sameNext = nullptr;  // links of the name index
   CNamedItem* m_samePrev = nullptr;
 };
 
 /// Ordered table of named items, the base of every table of a drawing.
 ///
-/// The table owns its items. Names may repeat: look-up ignores letter case and finds
-/// the item added first. Null, and an item that is in a table already, are not added.
-/// Adding, removing, renaming and look-ups by name cost constant time on average, and so
-/// do look-ups by position; removals in between make those logarithmic for a while.
+/// The table owns its items. Names may repeat: look-up ignores letter case and finds the item added
+/// first. Adding null, or an item that is already in a table, has no effect. Adding, removing,
+/// renaming and look-ups by name cost constant time on average, and so do look-ups by position;
+/// removals in between temporarily make the latter logarithmic.
 ///
 /// Whatever adds or renames throws `std::bad_alloc` with nothing changed. Items that were taken
 /// out come back without memory being needed: the table keeps the room that it had for them.
@@ -88,7 +88,7 @@ class VEK0_API CNamedItem {
 /// source keeps its items and their names.
 class VEK0_API CNamedItemTableImp {
  public:
-  /// Where an item stands in its table: what it takes to put it there again.
+  /// The position of an item in its table, as needed to restore it there.
   struct Place {
     const CNamedItem* next;  ///< null at the end
     std::size_t rank;        ///< of addition
@@ -100,10 +100,9 @@ class VEK0_API CNamedItemTableImp {
   /// Deletes every item. A view forgets them.
   void clearAll();
 
-  /// Smallest n >= 1 such that no item is named exactly `prefix` followed by n. Letter
-  /// case counts here, unlike in look-ups, and so does the spelling of the number:
-  /// "A01" does not take 1. The first call for a prefix looks at every item, later
-  /// ones cost constant time.
+  /// Smallest n >= 1 such that no item is named exactly `prefix` followed by n. Unlike look-ups,
+  /// this is case-sensitive, and the spelling of the number matters: "A01" does not occupy 1. The
+  /// first call for a prefix is linear in the items, later ones take constant time.
   int getProgNum(const zim::WString& prefix) const;
   /// `prefix` followed by that number.
   zim::WString GetProgName(const zim::WString& prefix) const;
@@ -116,23 +115,23 @@ class VEK0_API CNamedItemTableImp {
 
   /// Appends the item, which then belongs to the table.
   void add(CNamedItem* item);
-  /// Takes the item out; the caller owns it afterwards. Others are ignored.
+  /// Removes the item; the caller owns it afterwards. Items of other tables are ignored.
   void remove(CNamedItem* item);
-  /// Where an item of this table stands. Constant time but for long runs of holes.
+  /// The position of an item of this table. Constant time but for long runs of holes.
   Place getPlace(const CNamedItem& item) const;
-  /// Puts an item that was taken out back to where it stood, so that order and look-ups
-  /// are as before. What stood next to it has to be back already, as it is when removals
-  /// are undone last to first; where it is not, the item goes to the end. Costs what `add`
-  /// does, unless the table was closed up meanwhile: then it is linear once in a while.
+  /// Puts a removed item back at its former position, so that order and look-ups are as before. Its
+  /// former successor must be back already, as it is when removals are undone last to first;
+  /// otherwise the item is appended. Costs as much as `add`, unless the table was compacted
+  /// meanwhile: then it is occasionally linear.
   void restore(CNamedItem* item, const Place& place);
-  /// Takes all items out at once, for less than one by one; the caller owns them afterwards. A view
-  /// only forgets them and answers none. In order.
+  /// Removes all items at once, which is cheaper than one by one, and returns them in order; the
+  /// caller owns them afterwards. A view merely forgets its items and returns none.
   std::vector<CNamedItem*> removeAll();
-  /// First item added whose name equals `name`, ignoring case; null when none does.
+  /// First item added whose name equals `name`, ignoring case; null if there is none.
   CNamedItem* get(std::u16string_view name) const;
   /// Item at a position, unchecked.
   CNamedItem* operator[](int i) const;
-  /// Whether the item is in this table itself, not in one that it is a view of.
+  /// Whether the item is in this table itself, rather than in the source of this view.
   bool contains(const CNamedItem* item) const { return item && item->m_table == this; }
   bool isView() const { return m_isView; }
 
@@ -149,9 +148,9 @@ class VEK0_API CNamedItemTableImp {
     using is_transparent = void;
     bool operator()(std::u16string_view a, std::u16string_view b) const { return a == b; }
   };
-  // The numbers that follow one prefix in the names of the table: the ranges from 1 on
-  // that no name has, first to last, and how many names beyond its first each has. Names
-  // seldom repeat, so numbering in sequence allocates nothing here.
+  // The numbers that follow one prefix in the names of the table: the unused ranges from 1 on,
+  // first to last, and for each number the count of names beyond the first. Names seldom repeat, so
+  // sequential numbering allocates nothing here.
   struct Numbers {
     std::unordered_map<int, int> repeated;
     std::map<int, int> free{
@@ -172,8 +171,8 @@ class VEK0_API CNamedItemTableImp {
 
   mutable std::vector<CNamedItem*> m_items;  // null where an item was removed
   mutable std::size_t m_holes = 0;
-  mutable std::size_t m_lookups = 0;  // through the holes, since they were last closed
-  mutable std::unique_ptr<vek0::detail::RankTree> m_ranks;  // while holes are looked through
+  mutable std::size_t m_lookups = 0;  // look-ups through the holes since they were last closed
+  mutable std::unique_ptr<vek0::detail::RankTree> m_ranks;  // only while there are holes to skip
   std::size_t m_nextRank = 0;
   bool m_isView = false;
   vek0::detail::NameIndex m_byName;

@@ -4,11 +4,11 @@
 
 #include "vek0core/tables/nameditem.h"
 
-/// Table of named items of one kind, for whoever keeps items outside a drawing. `T`
-/// derives from `CNamedItem`.
+/// Table of named items of one kind, for code that keeps items outside a drawing. `T` derives from
+/// `CNamedItem`.
 ///
-/// It owns its items and is not copied: a copy of the base would be a view, and how to
-/// copy an item is the business of the item's factory.
+/// It owns its items and cannot be copied: a copy of the base would be a view, and copying an item
+/// is up to the item's factory.
 template <class T>
 class CNamedItemTable : public CNamedItemTableImp {
  public:
@@ -20,7 +20,7 @@ class CNamedItemTable : public CNamedItemTableImp {
   void add(T* item) { CNamedItemTableImp::add(item); }
   /// Removes it; the caller owns it afterwards.
   void remove(T* item) { CNamedItemTableImp::remove(item); }
-  /// First item added of that name, ignoring case; null when there is none.
+  /// First item added with that name, ignoring case; null if there is none.
   T* get(std::u16string_view name) const { return static_cast<T*>(CNamedItemTableImp::get(name)); }
   /// Item `i` in order of addition; unchecked.
   T* operator[](int i) const { return static_cast<T*>(CNamedItemTableImp::operator[](i)); }

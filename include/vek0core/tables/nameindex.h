@@ -13,20 +13,20 @@ namespace vek0::detail {
 /// Finds the items of a table by name, ignoring case; among equal names the one added first. Owns
 /// nothing.
 ///
-/// An open-addressing table of 16 bytes a slot; items of equal names are chained through
-/// themselves. A file of 80,000 layers loads in 112 ms, with a map of names in 172: nothing is
-/// allocated for an item, and a look-up touches two cache lines.
+/// An open-addressing table with 16 bytes per slot; items of equal names form an intrusive list. A
+/// file of 80,000 layers loads in 112 ms, against 172 ms with a map of names: nothing is allocated
+/// per item, and a look-up touches two cache lines.
 class VEK0_API NameIndex {
  public:
   /// The item, or null. Constant time on average.
   CNamedItem* find(std::u16string_view name) const;
 
-  /// Makes room for one more item, so that the next `insert` cannot fail.
+  /// Reserves room for one more item, so that the next `insert` cannot fail.
   void reserveOne();
-  /// Indexes the item under its present name, among equal names by its rank. Constant
-  /// time on average for the highest rank, else linear in the items of that name.
+  /// Indexes the item under its current name, among equal names by its rank. Constant time on
+  /// average for the highest rank, else linear in the items of that name.
   void insert(CNamedItem* item);
-  /// Forgets the item, which still has the name that it was inserted under.
+  /// Removes the item, which must still have the name it was inserted under.
   void remove(CNamedItem* item);
   void clear();
 

@@ -35,14 +35,13 @@ class VEK0_API CStyleMemento {
 
 /// Text style: a font, borrowed and possibly null, and default proportions.
 ///
-/// The bit 0x0004 travels unchanged between file and font. Its name here is
-/// horizontal; in DXF a set bit means vertical text, and that is how the default
-/// measures and renderers take it.
+/// The bit 0x0004 is passed unchanged between file and font. It is named horizontal here, but in
+/// DXF a set bit means vertical text, and the default metrics and renderers interpret it that way.
 class VEK0_API CStyle : public CNamedItem {
  public:
   static constexpr long kHorizontal = 0x0004, kBold = 0x0100, kItalic = 0x0200;
 
-  /// Copies everything but the counts.
+  /// Copies everything except the counts.
   CStyle(const CStyle& src);
   CStyle& operator=(const CStyle& src);
   ~CStyle() override = default;
@@ -50,13 +49,13 @@ class VEK0_API CStyle : public CNamedItem {
   virtual bool isStandard() const { return false; }
 
   /// Equal names (ignoring case), flags, fonts, fixed heights, width scales and obliques. The last
-  /// height is only a memory of the user interface and left out.
+  /// height is only user-interface state and is not compared.
   bool operator==(const CStyle& s) const;
   bool operator!=(const CStyle& s) const { return !(*this == s); }
 
   const ICADFont* getFont() const { return m_font; }
   void setFont(const ICADFont* font) { m_font = font; }
-  /// Height that texts of the style have, drawing units; 0 leaves it to each text.
+  /// Height of all texts of the style, in drawing units; 0 if each text has its own.
   double getFixedHeight() const { return m_fixedHeight; }
   void setFixedHeight(double height) { m_fixedHeight = height; }
   double getWidthScale() const { return m_widthScale; }

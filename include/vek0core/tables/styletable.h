@@ -4,24 +4,26 @@
 #include "vek0core/tables/nameditem.h"
 #include "vek0core/tables/style.h"
 
-/// The text styles of a drawing. "STANDARD" is there from the beginning, first in the
-/// list, and is an item like any other.
+/// The text styles of a drawing. "STANDARD" exists from the start, first in the list, and is
+/// otherwise an ordinary item.
 class VEK0_API CStyleTable : public CNamedItemTableImp {
  public:
   using CNamedItemTableImp::contains;
   using CNamedItemTableImp::getPlace;
-  /// Makes "STANDARD" with the font table's default font.
+  /// Creates "STANDARD" with the font table's default font.
   CStyleTable();
   /// A view, see `CNamedItemTableImp`.
   CStyleTable(const CStyleTable& src) = default;
 
   /// Takes ownership of the style.
   void add(CStyle* style) { CNamedItemTableImp::add(style); }
-  /// Removes it; the caller owns it afterwards. Without its "STANDARD" the table has none.
+  /// Removes it; the caller owns it afterwards. After its "STANDARD" is removed, the table has no
+  /// standard style.
   void remove(CStyle* style);
-  /// Puts a style back at its former place (`getPlace`); "STANDARD" is that again.
+  /// Puts a style back at its former place (`getPlace`); "STANDARD" becomes the standard style
+  /// again.
   void restore(CStyle* style, const Place& place);
-  /// First style added of that name, ignoring case; null when there is none.
+  /// First style added with that name, ignoring case; null if there is none.
   CStyle* get(std::u16string_view name) const {
     return static_cast<CStyle*>(CNamedItemTableImp::get(name));
   }

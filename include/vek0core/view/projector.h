@@ -5,11 +5,11 @@
 #include "vek0core/geometry/pnt.h"
 #include "vek0core/geometry/rect.h"
 
-/// Maps a drawing to the plane of a view and back, without perspective.
+/// Maps a drawing to the plane of a view and back, by parallel projection.
 ///
-/// One coordinate of the drawing is the depth of the point. It is kept as it is, so that
-/// `to3D` undoes `to2D`. Lengths are drawing units on both sides. The functions are
-/// virtual in a fixed order.
+/// One coordinate of the drawing is the depth of the point. It is preserved, so that `to3D` is the
+/// inverse of `to2D`. Lengths are drawing units on both sides. The order of the virtual functions
+/// is fixed.
 class VEK0_API IProjector {
  public:
   /// Box of the projected box; empty when `box` is.
@@ -65,8 +65,8 @@ class VEK0_API CPLProjector : public IProjector {
   void to3D(double u, double v, double depth, double& x, double& y, double& z) const override;
 };
 
-/// Seen from above with the view turned counterclockwise about a center, so that the drawing turns
-/// clockwise in it; the center is at (0, 0) of the view. The depth is z.
+/// Seen from above with the view rotated counterclockwise about a center, so that the drawing
+/// appears rotated clockwise; the center maps to (0, 0). The depth is z.
 class VEK0_API CPORotatedProjector : public IProjector {
  public:
   /// The angle is in radians.
@@ -76,8 +76,7 @@ class VEK0_API CPORotatedProjector : public IProjector {
 
   using IProjector::to2D;
   using IProjector::to3D;
-  /// Box of the four corners; larger than what it holds unless the angle is a multiple
-  /// of a right angle.
+  /// Box of the four projected corners; not tight unless the angle is a multiple of 90 degrees.
   void to2D(const RECT_3D& box, RECT_2D& out) const override;
   void to2D(const PNT_3D& p, PNT_2D& out, double& depth) const override;
   void to2D(double x, double y, double z, double& u, double& v) const override;
@@ -87,12 +86,12 @@ class VEK0_API CPORotatedProjector : public IProjector {
   double m_angle, m_cos, m_sin, m_cx, m_cy;
 };
 
-/// General parallel view: u = a*x + c*y and v = b*x + d*y + z, the depth is z. Heights
-/// show unscaled along v, whatever the coefficients do to x and y.
+/// General parallel view: u = a*x + c*y and v = b*x + d*y + z; the depth is z. Heights appear
+/// unscaled along v, whatever the coefficients do to x and y.
 class VEK0_API CParalProjector : public IProjector {
  public:
-  /// a*d - b*c must not be 0: such a view shows the plan as a line, and `to3D` gives
-  /// numbers that are not finite.
+  /// a*d - b*c must not be 0: such a view collapses the plan to a line, and `to3D` yields
+  /// non-finite numbers.
   CParalProjector(double a, double b, double c, double d);
 
   using IProjector::to2D;

@@ -8,18 +8,18 @@ class CWndVptMemento;
 
 /// Maps the plane of a view (world units) to the pixels of a device area and back.
 ///
-/// Pixel (0, 0) shows the upper left corner of the window, which is the visible part of
-/// the world; device y grows downwards. A device of n pixels spans n - 1 steps from its
-/// first to its last pixel, in `set` and in `zoom` alike.
+/// Pixel (0, 0) shows the upper left corner of the window, which is the visible part of the world;
+/// device y grows downwards. A device of n pixels spans n - 1 steps from its first to its last
+/// pixel, in `set` and in `zoom` alike.
 ///
-/// Until the device is known to have more than one pixel each way, the scales are 0:
-/// pixels and distances in pixels then mean nothing, and going back from them gives the
-/// window's minimum and 0. Whatever would leave a window or a scale that is not finite or
-/// a scale that is not positive changes nothing. Cheap to copy.
+/// Until the device has more than one pixel in each direction, the scales are 0: pixels and
+/// distances in pixels are then meaningless, and mapping them back yields the window's minimum and
+/// 0. An operation that would make the window or a scale non-finite, or a scale non-positive, has
+/// no effect. Cheap to copy.
 class VEK0_API CWndVpt {
  public:
-  /// `ratio` is scale x divided by scale y, 1 for equal scales; what is not a positive,
-  /// finite number counts as 1.
+  /// `ratio` is scale x divided by scale y, 1 for equal scales; any value that is not positive and
+  /// finite counts as 1.
   explicit CWndVpt(double ratio);
 
   double getViewX(double x) const { return m_scaleX * x + m_offsetX; }
@@ -48,40 +48,40 @@ class VEK0_API CWndVpt {
     sx = m_scaleX;
     sy = m_scaleY;
   }
-  /// World units per pixel along x; 0 while the scale is.
+  /// World units per pixel along x; 0 while the scale is 0.
   double GetPixelSize() const { return getWorldXDistance(1); }
   bool isIsotropic() const { return m_ratio == 1.0; }
 
-  /// Makes the rectangle visible, at the largest scale that shows all of it; the window
-  /// is extended about its center where the device is longer than it. A side of length 0
-  /// becomes 1 world unit long. On a device that is unknown or of one pixel the window is
-  /// the rectangle, to be fitted by the next `resize`.
+  /// Makes the rectangle visible at the largest scale that shows all of it; the window is extended
+  /// about its center to fit the device's proportions. A side of length 0 becomes 1 world unit
+  /// long. On an unknown or one-pixel device, the window is the rectangle, to be fitted by the next
+  /// `resize`.
   void set(double x1, double y1, double x2, double y2);
-  /// The same; an empty rectangle changes nothing.
+  /// The same; an empty rectangle has no effect.
   void set(const RECT_2D& rect);
-  /// Sets the ratio of the scales: scale x and the center stay.
+  /// Sets the ratio of the scales, keeping scale x and the center.
   void setScaleFactor(double ratio);
-  /// Magnifies by `f` about the window's center; 2 halves the window.
+  /// Magnifies by `f` about the window's center; 2 halves the window's size.
   void zoom(double f);
-  /// Moves the window by world units; its content moves the other way on the device.
+  /// Moves the window by world units; its content moves in the opposite direction on the device.
   void pan(double dx, double dy);
-  /// Tells the size of the device. False, and nothing changed, when it is known already.
-  /// Scales and center stay when the device had a size before, and the window follows;
-  /// else the window is set for the new size. A device of one pixel each way or less
-  /// leaves the window as it is, so that a view survives being hidden.
+  /// Sets the size of the device. Returns false, with no effect, if it is unchanged. If the device
+  /// had a size before, scales and center are kept and the window follows; otherwise the window is
+  /// fitted to the new size. A device of at most one pixel in a direction leaves the window
+  /// unchanged, so that a view survives being hidden.
   bool resize(long width, long height);
 
   /// The caller owns the snapshot; null when out of memory.
   CWndVptMemento* createMemento() const;
-  /// Brings back center and scales, and the window exactly; on a device of another size
-  /// the window is the one that belongs to them there.
+  /// Restores center, scales and the exact window; on a device of another size, the window is
+  /// computed from center and scales.
   void setMemento(const CWndVptMemento& memento);
 
  protected:
-  /// The offsets of the mapping, from window and scales.
+  /// Computes the offsets of the mapping from window and scales.
   void DoRealizePosition();
-  /// Window and offsets from center, scales and device; the window stays where a scale is
-  /// 0 or the device has no extent.
+  /// Computes window and offsets from center, scales and device; the window is unchanged if a scale
+  /// is 0 or the device has no extent.
   void DoCalcExtUsingCenterAndScale();
 
  private:
@@ -101,7 +101,7 @@ class VEK0_API CWndVpt {
   double m_offsetX = 0, m_offsetY = 0;
 };
 
-/// Snapshot of a viewport, for going back to an earlier view.
+/// Snapshot of a viewport, for returning to an earlier view.
 class VEK0_API CWndVptMemento {
  public:
   virtual ~CWndVptMemento() = default;
