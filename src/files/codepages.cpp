@@ -6,8 +6,8 @@
 namespace vek0::detail {
 namespace {
 
-// The upper halves as their registries define them. Bytes without a meaning are
-// U+FFFD, except that those below 0xA0 keep their number as a control character.
+// The upper halves as their registries define them. Undefined bytes are U+FFFD, except that those
+// below 0xA0 keep their value as a control character.
 constexpr UpperHalf k437 = {
     {
      0x00C7, 0x00FC, 0x00E9, 0x00E2, 0x00E4, 0x00E0, 0x00E5, 0x00E7, 0x00EA, 0x00EB, 0x00E8,
@@ -540,7 +540,7 @@ constexpr UpperHalf k28605 = {
 struct Page {
   int number;
   const char* label;
-  const UpperHalf* upperHalf;  // null where characters have several bytes
+  const UpperHalf* upperHalf;  // null for multi-byte code pages
 };
 
 // Sorted by number.

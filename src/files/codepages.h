@@ -9,11 +9,10 @@ namespace vek0::detail {
 /// The characters of the bytes 0x80 to 0xFF.
 using UpperHalf = std::array<char16_t, 128>;
 
-/// The upper half of a code page of one byte a character; null for other pages and
-/// for those that are not known.
+/// The upper half of a single-byte code page; null for multi-byte and unknown pages.
 VEK0_API const UpperHalf* upperHalfOf(int page);
 
-/// The usual label of a code page, as "windows-1252"; null when it is not known.
+/// The usual label of a code page, such as "windows-1252"; null if it is unknown.
 VEK0_API const char* labelOf(int page);
 
 }  // namespace vek0::detail

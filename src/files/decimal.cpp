@@ -13,12 +13,12 @@
 namespace vek0::detail {
 namespace {
 
-// The leading 128 bits of the powers of ten, the rest cut off.
+// The leading 128 bits of the powers of ten, truncated.
 constexpr int kLeastPower = -342, kMostPower = 324;
 constexpr Wide kPowersOfTen[] = {
 #include "files/powersoften.inc"
 };
-constexpr int kMostDoublePower = 308;  // what lies beyond is infinite
+constexpr int kMostDoublePower = 308;  // infinite beyond
 static_assert(std::size(kPowersOfTen) == kMostPower - kLeastPower + 1);
 
 const Wide& powerOfTen(int exponent) { return kPowersOfTen[exponent - kLeastPower]; }
@@ -34,7 +34,7 @@ constexpr int floorLog10OfThreeQuarters(int e) {
 constexpr int kFractionBits = 52, kBias = 1075;
 constexpr std::uint64_t kHiddenBit = std::uint64_t{1} << kFractionBits;
 
-// A product's upper 64 bits; the lowest tells whether anything but rounding is below.
+// A product's upper 64 bits; the lowest bit is set if more than rounding lies below.
 std::uint64_t roundedToOdd(const Wide& power, std::uint64_t factor) {
   const Wide low = multiply(power.low, factor);
   Wide high = multiply(power.high, factor);
@@ -60,8 +60,8 @@ double powerOfTwo(int exponent) {
   return std::bit_cast<double>(bits);
 }
 
-// The double nearest to `bits`, of which the first is set, times two to the power of
-// `exponent`, ties to even; `more` says that the number is a little larger.
+// The double nearest to `bits` (whose first bit is set) times two to the power of `exponent`, ties
+// to even; `more` means that the exact number is slightly larger.
 double roundedDouble(std::uint64_t bits, int exponent, bool more) {
   constexpr int kLeastExponent = -1074, kMostExponent = 971;
   const int drop = std::max(64 - (kFractionBits + 1), kLeastExponent - exponent);
@@ -101,8 +101,8 @@ struct Bounds {
   std::uint64_t lower, value, upper;
 };
 
-// Of the two multiples of `step` around the value (all in quarters), the only one that lies
-// between the bounds; 0 when none or both do.
+// Of the two multiples of `step` around the value (all in quarters), the only one between the
+// bounds; 0 if none or both are.
 std::uint64_t onlyMultipleWithin(const Bounds& bounds, std::uint64_t below, std::uint64_t step) {
   const bool isBelowIn = bounds.lower <= below;
   const bool isAboveIn = below + step <= bounds.upper;
@@ -118,14 +118,14 @@ Decimal shortestDecimal(double value) {
   const int biased = static_cast<int>(image >> kFractionBits);
   const std::uint64_t c = biased == 0 ? fraction : fraction | kHiddenBit;
   const int q = std::max(biased, 1) - kBias;
-  // Below a power of two the neighbor is half as far.
+  // Below a power of two the neighboring double is half as far away.
   const bool isLowerNear = fraction == 0 && biased > 1;
   const int k = isLowerNear ? floorLog10OfThreeQuarters(q) : floorLog10OfPower2(q);
   const int shift = q + floorLog2OfPower10(-k) + 1;
   Wide power = powerOfTen(-k);
   if (++power.low == 0) ++power.high;
-  // Quarters of 10^k: halves between two doubles are whole then. A bound counts when the
-  // number is even, since a reader rounds to even.
+  // In quarters of 10^k, midpoints between doubles are integers. A bound itself qualifies if the
+  // number is even, since readers round to even.
   const std::uint64_t odd = c & 1;
   const Bounds bounds = {
       roundedToOdd(power, (4 * c - (isLowerNear ? 1 : 2)) << shift) + odd,
@@ -162,7 +162,7 @@ bool nearestDouble(const Decimal& decimal, double& value) {
   const Wide low = multiply(power.low, factor);
   high.low += low.high;
   if (high.low < low.high) ++high.high;
-  // What the table cuts off adds less than one here.
+  // The truncation of the table contributes less than one here.
   const bool isExact = exponent >= 0 && exponent <= kMostExact;
   if (!isExact && high.low == ~std::uint64_t{0}) return false;
   int binary = floorLog2OfPower10(exponent) + 1 - zeros;
@@ -176,9 +176,9 @@ bool nearestDouble(const Decimal& decimal, double& value) {
 }
 
 double nearestDoubleOf(std::string_view digits, long exponent) {
-  // No tie between two doubles has more digits; a further one only tells that there are more.
+  // No tie between two doubles has more digits; one more digit suffices to indicate the rest.
   constexpr std::size_t kMostDigits = 770;
-  constexpr long kBeyond = 400;  // powers of ten past every double
+  constexpr long kBeyond = 400;  // powers of ten beyond every double
   digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
   const auto count = static_cast<long>(digits.size());
   if (count == 0 || count + exponent < -kBeyond) return 0;

@@ -37,7 +37,7 @@ void CFileMemory::close() {
   m_lines.reset();
 }
 
-// The bytes behind the position, at most n; 0 at the end.
+// Reads at most n bytes from the position; returns 0 at the end.
 long CFileMemory::take(char* buf, long n) {
   if (!m_opened || m_mode != kRead || n <= 0) return 0;
   const std::size_t count = m_bytes.copy(buf, static_cast<std::size_t>(n), m_position);

@@ -20,8 +20,8 @@ constexpr CFileStdLib::LineEnd kPlatformLineEnd = CFileStdLib::CrLf;
 constexpr CFileStdLib::LineEnd kPlatformLineEnd = CFileStdLib::Lf;
 #endif
 
-// Binary in both directions: line ends are our own matter. A zero inside the name
-// would open some other file.
+// Binary in both directions, because we convert line ends ourselves. A zero inside the name would
+// open a different file.
 std::FILE* openStream(const zim::WString& name, bool forReading) {
   if (name.view().find(zim::Char{0}) != std::u16string_view::npos) return nullptr;
 #ifdef _WIN32
@@ -43,8 +43,8 @@ std::string withCrLf(std::string_view text) {
 
 }  // namespace
 
-// Reading is not buffered here: blocks go straight to whoever asked for them, and
-// lines have a buffer of their own.
+// Reading is not buffered here: blocks are passed directly to the caller, and the line reader has
+// its own buffer.
 struct CFileStdLib::Stream {
   std::FILE* handle;
   std::unique_ptr<char[]> buffer;

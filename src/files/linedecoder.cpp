@@ -14,7 +14,7 @@ constexpr std::size_t kBlock = std::size_t{64} * 1024;
 
 LineDecoder::LineDecoder(LineReader::Source source) : m_lines(std::move(source), kBlock) {}
 
-// Appends the next line, or piece of a long one, to what is left of the last.
+// Appends the next line, or piece of a long one, to the rest of the last one.
 bool LineDecoder::fetch() {
   std::string_view bytes;
   if (!m_lines.begin() || !m_lines.next(bytes)) return false;

@@ -9,14 +9,13 @@
 
 namespace vek0::detail {
 
-/// Reads a source of bytes as lines of text, the way `IFile::readLn` gives them.
+/// Reads a source of bytes as lines of text, as specified by `IFile::readLn`.
 class VEK0_API LineDecoder {
  public:
   explicit LineDecoder(LineReader::Source source);
 
-  /// Puts the next line, or what `n` leaves of it, into `buf`, never half a
-  /// surrogate pair unless `n` is 2. False, and `buf` untouched, when there is
-  /// nothing more.
+  /// Writes the next line, or as much as fits into `n` units, to `buf`, never half a surrogate pair
+  /// unless `n` is 2. Returns false, with `buf` unchanged, at the end.
   bool readLn(zim::Char* buf, long n);
 
  private:
@@ -25,7 +24,7 @@ class VEK0_API LineDecoder {
   LineReader m_lines;
   CTextDecoder m_decoder;
   std::u16string m_line;   // decoded, its line end included
-  std::size_t m_used = 0;  // units of it that were handed out
+  std::size_t m_used = 0;  // units of it already returned
 };
 
 }  // namespace vek0::detail

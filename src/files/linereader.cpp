@@ -11,10 +11,10 @@ namespace vek0::detail {
 namespace {
 
 constexpr std::size_t kMarkBytes = 3;   // of the longest byte order mark
-constexpr std::size_t kLeastRoom = 16;  // bytes worth reading, more than a prefix needs
+constexpr std::size_t kLeastRoom = 16;  // minimum worth reading, more than a prefix needs
 
-// Sixty-four bytes at a time without a branch, so that compilers use vectors: on
-// files with CR LF this runs over every byte.
+// Processes 64 bytes at a time without branches, so that compilers vectorize it: for files with CR
+// LF this scans every byte.
 bool hasCrWithoutLf(const char* bytes, std::size_t count) {
   constexpr std::size_t kStep = 64;
   std::size_t i = 0;
@@ -31,8 +31,8 @@ bool hasCrWithoutLf(const char* bytes, std::size_t count) {
   return false;
 }
 
-// A run of CRs right before an LF belongs to that line end: some transfers double
-// the CR. Every other CR ends a line.
+// A run of CRs directly before an LF belongs to that line end, because some transfers double the
+// CR. Every other CR ends a line.
 void turnLoneCrsIntoLfs(char* bytes, char* end) {
   for (char* p = bytes; (p = std::find(p, end, '\r')) != end;) {
     char* const run = std::find_if(p, end, [](char c) { return c != '\r'; });
@@ -43,7 +43,7 @@ void turnLoneCrsIntoLfs(char* bytes, char* end) {
 
 bool isContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
-// Bytes at the end that begin a UTF-8 sequence without finishing it.
+// Number of bytes at the end that form an incomplete UTF-8 sequence.
 std::size_t cutSequenceLength(std::string_view text) {
   std::size_t back = 0;
   while (back < 3 && back < text.size() && isContinuation(text[text.size() - 1 - back])) ++back;
@@ -110,7 +110,7 @@ bool LineReader::nextAfterFill(std::string_view& line) {
   return isText(line);
 }
 
-// False for the line that ends the text, behind which there is none.
+// False for the line that ends the text; there are none after it.
 bool LineReader::isText(std::string_view line) {
   constexpr char kEnds[] = {kCtrlZ, '\r', '\n', 0};
   if (line[0] != kCtrlZ || line.find_first_not_of(kEnds) != std::string_view::npos) return true;
@@ -119,8 +119,7 @@ bool LineReader::isText(std::string_view line) {
   return false;
 }
 
-// Reads more behind what is not handed out yet. False when the buffer is full or
-// the source has ended.
+// Reads more after the bytes not yet returned. False if the buffer is full or the source has ended.
 bool LineReader::fill() {
   if (m_ended) return false;
   const auto kept = static_cast<std::size_t>(m_end - m_position);
@@ -155,8 +154,8 @@ std::size_t LineReader::readPlain(char* out, std::size_t room) {
   return 0;
 }
 
-// A unit takes at most three bytes in UTF-8, so as many units are read as surely
-// fit. Half a unit or half a surrogate pair stays in the prefix for the next call.
+// A unit takes at most three bytes in UTF-8, so we read only as many units as are certain to fit.
+// Half a unit or half a surrogate pair stays in the prefix for the next call.
 std::size_t LineReader::readUtf16(char* out, std::size_t room) {
   std::string raw = std::move(m_prefix);
   const std::size_t kept = raw.size();
@@ -176,9 +175,8 @@ std::size_t LineReader::readUtf16(char* out, std::size_t room) {
   return utf8.copy(out, room);
 }
 
-// Applies to fresh bytes what has to be known before lines are looked for, and
-// returns how many are left. CRs at the very end wait for the next block, which
-// may begin with their LF.
+// Cleans newly read bytes before the search for lines and returns how many remain. CRs at the very
+// end are held back until the next block, which may begin with their LF.
 std::size_t LineReader::clean(char* bytes, std::size_t count) {
   char* end = bytes + count;
   if (std::memchr(bytes, '\0', count)) end = std::remove(bytes, end, '\0');

@@ -13,37 +13,37 @@ namespace vek0::detail {
 
 /// Splits the bytes of a source into lines, a block at a time.
 ///
-/// Lines end at LF, CR LF (any number of CRs before the LF) or a lone CR, which is
-/// turned into an LF. NULs are left out; Ctrl-Z ends the text where nothing else is on
-/// its line, and is left out behind the last line. A UTF-8 byte order mark is left out;
-/// behind one of UTF-16 everything arrives as UTF-8.
+/// Lines end at LF, CR LF (any number of CRs before the LF) or a lone CR, which is converted to an
+/// LF. NULs are dropped; Ctrl-Z ends the text if it is alone on its line, and is dropped after the
+/// last line. A UTF-8 byte order mark is dropped; after a UTF-16 one, everything is converted to
+/// UTF-8.
 class VEK0_API LineReader {
  public:
-  static constexpr long kEnd = 0;          ///< source: there is nothing more
-  static constexpr long kNotOffered = -1;  ///< source: it never had bytes
+  static constexpr long kEnd = 0;          ///< source: end of data
+  static constexpr long kNotOffered = -1;  ///< source: byte access is not supported
   static constexpr long kFailed = -2;      ///< source: reading failed
 
   /// Reads up to a number of bytes and returns their count or one of the above.
   using Source = std::function<long(char*, long)>;
 
-  /// What stood at the start of the source.
+  /// Byte order mark at the start of the source.
   enum class Mark { None, Utf8, Utf16Le, Utf16Be };
 
-  /// `block` is the buffer's size and the longest line that comes in one piece; at
-  /// least 64. Nothing is read or allocated before `begin`.
+  /// `block` is the size of the buffer and of the longest line returned in one piece; at least 64.
+  /// Nothing is read or allocated before `begin`.
   LineReader(Source source, std::size_t block);
 
-  /// Reads what tells how the source begins. False when it does not offer bytes;
-  /// later calls repeat the answer.
+  /// Reads the start of the source and detects its byte order mark. Returns false if it does not
+  /// support byte access; later calls return the same.
   bool begin();
 
   Mark mark() const { return m_mark; }
-  /// Whether reading failed; the line that was being read is lost then.
+  /// Whether reading failed; the line being read is then lost.
   bool failed() const { return m_failed; }
 
-  /// The next line with its end, valid until the next call; false when there is
-  /// none. A line without an LF is the last one, or a piece of a line longer than
-  /// the buffer, never cut inside a UTF-8 sequence; the next call goes on in it.
+  /// Returns the next line with its line end, valid until the next call; false if there is none. A
+  /// line without an LF is the last one, or a piece of a line longer than the buffer, never cut
+  /// inside a UTF-8 sequence; the next call continues it.
   bool next(std::string_view& line) {
     const char* const end = findEnd();
     if (end == m_end || *m_position == kCtrlZ) return nextAfterFill(line);
@@ -52,10 +52,10 @@ class VEK0_API LineReader {
     return true;
   }
 
-  /// Takes the next line when it is nothing but blanks and up to four digits, as
-  /// nearly every group code is, and lies in the buffer as a whole.
+  /// Consumes the next line if it is entirely in the buffer and consists only of blanks and up to
+  /// four digits, like nearly every group code.
   bool nextIfShortNumber(long& number) {
-    const char* p = m_position;  // the LF behind the block stops every loop
+    const char* p = m_position;  // the LF after the block stops every loop
     while (*p == ' ') ++p;
     unsigned value = 0;
     const char* const digits = p;
@@ -88,9 +88,9 @@ class VEK0_API LineReader {
   Source m_source;
   std::size_t m_block;
   std::unique_ptr<char[]> m_buffer;  // m_block bytes and one LF that never moves past m_end
-  const char* m_position = nullptr;  // first byte not handed out
-  char* m_end = nullptr;             // behind the last one, where an LF stands
-  std::size_t m_heldCrs = 0;         // CRs behind m_end that wait for what follows them
+  const char* m_position = nullptr;  // first byte not yet returned
+  char* m_end = nullptr;             // one past the last byte, where the sentinel LF is
+  std::size_t m_heldCrs = 0;         // CRs after m_end whose following byte is not known yet
   std::string m_prefix;              // read by begin, not yet in the buffer
   Mark m_mark = Mark::None;
   bool m_begun = false;

@@ -53,7 +53,7 @@ void Natural::subtract(const Natural& other) {
   trim();
 }
 
-// By halves of words, so that 64 bits hold every step. Answers the remainder.
+// Divides by half words, so that each step fits in 64 bits. Returns the remainder.
 std::uint32_t Natural::divideBy(std::uint32_t divisor) {
   std::uint64_t rest = 0;
   for (auto word = m_words.rbegin(); word != m_words.rend(); ++word) {

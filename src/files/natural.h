@@ -6,13 +6,13 @@
 
 namespace vek0::detail {
 
-/// A whole number of any size, for the few conversions that 128 bits do not decide.
+/// A natural number of any size, for the few conversions that 128 bits do not decide.
 class Natural {
  public:
   explicit Natural(std::uint64_t value) : m_words{value} { trim(); }
 
   bool isZero() const { return m_words.empty(); }
-  /// Of the binary form without leading zeros; 0 for 0.
+  /// Number of bits without leading zeros; 0 for 0.
   long bitCount() const;
   bool isBelow(const Natural& other) const;
 

@@ -16,7 +16,7 @@
 namespace vek0::detail {
 namespace {
 
-// Powers of ten that a double holds exactly, and the whole numbers that it does.
+// Largest power of ten and largest integer range that a double represents exactly.
 constexpr int kExactPower = 22;
 constexpr double kPowers[kExactPower + 1] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                              1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
@@ -24,14 +24,14 @@ constexpr double kPowers[kExactPower + 1] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5, 
 constexpr std::uint64_t kExactWhole = std::uint64_t{1} << 53;
 // With wider intermediate results a product would be rounded twice.
 constexpr bool kRoundsOnce = FLT_EVAL_METHOD == 0;
-constexpr int kDigitsIn64 = 19;  // any so many digits fit 64 bits
+constexpr int kDigitsIn64 = 19;  // numbers with this many digits fit 64 bits
 
 template <class C>
 bool isBlank(C c) {
   return c == C(' ') || (c >= C('\t') && c <= C('\r'));
 }
 
-// The digit's value, or something above 9.
+// The digit's value, or a value above 9.
 template <class C>
 unsigned digitOf(C c) {
   return static_cast<unsigned>(std::make_unsigned_t<C>(c)) - unsigned{'0'};
@@ -49,17 +49,17 @@ bool isWord(const C* p, const C* end, const char* word) {
   return true;
 }
 
-// A decimal number without its sign, as it stands in a text.
+// The token of an unsigned decimal number.
 template <class C>
 struct Token {
   const C* begin;
   const C* end;
-  std::uint64_t digits;  // all digits as one number, right when there are at most 19
+  std::uint64_t digits;  // all digits as one number, correct for at most 19
   std::ptrdiff_t count;  // of digits, leading zeros included
   long exponent;         // of the last digit
 };
 
-// Reads digits while there are any; the number may wrap, the caller counts.
+// Reads a run of digits; the value may wrap, so the caller checks their count.
 template <class C>
 const C* takeDigits(const C* p, const C* end, std::uint64_t& number) {
   for (; p != end; ++p) {
@@ -70,8 +70,8 @@ const C* takeDigits(const C* p, const C* end, std::uint64_t& number) {
   return p;
 }
 
-// The exponent at p, saturated far beyond any range; 0 and p unmoved when there is
-// no digit in it.
+// The exponent at p, saturated far beyond any range; returns 0, without advancing p, if it has no
+// digit.
 template <class C>
 long takeExponent(const C*& p, const C* end) {
   if (p == end || (*p != C('e') && *p != C('E'))) return 0;
@@ -111,7 +111,7 @@ bool nearestDecimal(std::uint64_t digits, long exponent, double& value) {
   return nearestDouble({digits, static_cast<int>(std::clamp(exponent, -kBeyond, kBeyond))}, value);
 }
 
-// What one multiplication or division does not give.
+// The slow path, for numbers that one multiplication or division does not produce.
 template <class C>
 double valueOfDigits(const Token<C>& token) {
   std::string digits;
@@ -122,7 +122,8 @@ double valueOfDigits(const Token<C>& token) {
   const auto cut = static_cast<long>(digits.size() - used);
   std::uint64_t front = 0;
   takeDigits(digits.data(), digits.data() + used, front);
-  // Numbers with a digit more and with none agree, or all digits are needed.
+  // If the results with and without one more digit agree, they are correct; otherwise all digits
+  // are needed.
   double least, most;
   if (nearestDecimal(front, token.exponent + cut, least) &&
       nearestDecimal(front + (cut > 0 ? 1 : 0), token.exponent + cut, most) && least == most)
@@ -154,7 +155,7 @@ ParsedDouble parseDoubleOf(std::basic_string_view<C> text) {
   if (negative || *p == C('+')) ++p;
   const Token<C> token = takeToken(p, end);
   if (token.count == 0) return {0, !isWord(p, end, "nan") && !isWord(p, end, "inf")};
-  // "1.#QNAN", "1.#INF": how some run-time libraries print what is no number.
+  // "1.#QNAN", "1.#INF": how some run-time libraries print NaN and infinity.
   if (token.end != end && *token.end == C('#') && token.end[-1] == C('.')) return {0, false};
   ParsedDouble result = valueOf(token);
   result.whole = token.end == end;
@@ -226,15 +227,15 @@ constexpr double kTwoTo64 = 18446744073709551616.0;
 
 // Millionths of a fraction below 1, rounded half to even from its exact value.
 //
-// 96 binary places hold every fraction that has a bit in the first 43; what is smaller
-// is nowhere near half a millionth.
+// 96 binary places represent every fraction with a bit in the first 43; anything smaller is far
+// below half a millionth.
 std::uint32_t millionths(double fraction) {
   constexpr double kTwoTo32 = 4294967296.0;
   constexpr std::uint64_t kLow32 = 0xFFFFFFFFu;
   const double scaled = fraction * kTwoTo64;
   const auto bits = static_cast<std::uint64_t>(scaled);
   const auto tail = static_cast<std::uint32_t>((scaled - static_cast<double>(bits)) * kTwoTo32);
-  // The product with a million, in digits of 32 bits.
+  // The product with one million, in 32-bit digits.
   const std::uint64_t low = std::uint64_t{tail} * kMillion;
   const std::uint64_t middle = (bits & kLow32) * kMillion + (low >> 32);
   const std::uint64_t high = (bits >> 32) * kMillion + (middle >> 32);
@@ -270,16 +271,17 @@ char* putFixed(char* out, double value) {
   return putSixDigits(out, fraction);
 }
 
-// Below 1e15 a decimal of at most 15 digits stands for one double only, so that the
-// first one that reads back is the shortest.
+// Below 1e15 a decimal of at most 15 digits identifies a unique double, so the first one that reads
+// back is the shortest.
 constexpr double kFifteenDigits = 1e15;
-constexpr double kLeastPlain = 1e-5;  // smaller ones, and from the next on, have exponents
+constexpr double kLeastPlain = 1e-5;  // numbers below this, or from the next constant on, are
+                                      // written with exponents
 constexpr double kLeastHuge = 1e17;
 
-// Most coordinates: whole, or with at most six decimals.
+// The common case: integers or at most six decimals.
 char* putFewDecimals(char* out, double value) {
   if (value < kLeastPlain || value >= kFifteenDigits / kMillion) return nullptr;
-  constexpr double kHalf = 0.5;  // a wrong neighbor does not pass the test that follows
+  constexpr double kHalf = 0.5;  // a neighboring value fails the test below
   const auto scaled = static_cast<std::uint64_t>(value * kMillion + kHalf);
   if (static_cast<double>(scaled) / kMillion != value) return nullptr;
   out = putWhole(out, scaled / kMillion);
@@ -291,7 +293,7 @@ char* putFewDecimals(char* out, double value) {
 
 char* putZeros(char* out, int count) { return std::fill_n(out, count, '0'); }
 
-// "d.ddde-07": two digits of the exponent at least.
+// "d.ddde-07": at least two digits of the exponent.
 char* putScientific(char* out, std::string_view digits, int exponent) {
   *out++ = digits[0];
   if (digits.size() > 1) out = putText(putText(out, "."), digits.substr(1));

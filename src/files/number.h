@@ -11,23 +11,21 @@
 // locale or on the width of long, and every result is the same on every machine.
 namespace vek0::detail {
 
-/// What `parseDouble` found; `value` is 0 when it is not finite.
+/// Result of `parseDouble`; `value` is 0 if it is not finite.
 struct ParsedDouble {
   double value;
-  bool finite;         ///< false for "nan", "inf", "1.#QNAN" and their like, and beyond the range
-  bool whole = false;  ///< the text is that number and nothing behind it
+  bool finite;         ///< false for "nan", "inf", "1.#QNAN" and the like, and out of range
+  bool whole = false;  ///< nothing follows the number in the text
 };
 
-/// The number at the front of the text, correctly rounded. Leading blanks and one
-/// sign are allowed, what follows the number is ignored, a text without a number
-/// is 0, and numbers too small become 0. Hexadecimal forms are not known.
-/// Up to 19 digits that fit 2^53, with a power of ten up to 22, take one exact
-/// multiplication or division; most of the rest two products of 64 bits.
+/// The number at the front of the text, correctly rounded. Leading blanks and one sign are allowed,
+/// trailing text is ignored, a text without a number is 0, and underflow yields 0. Hexadecimal
+/// forms are not supported. Up to 19 digits that fit 2^53, with a power of ten up to 22, need one
+/// exact multiplication or division; most others need two 64-bit products.
 VEK0_API ParsedDouble parseDouble(std::string_view text);
 VEK0_API ParsedDouble parseDouble(std::u16string_view text);
 
-/// The whole number at the front of the text, with the same leniency, kept within
-/// 32 bits: what is beyond is the nearest limit.
+/// The integer at the front of the text, with the same leniency, clamped to 32 bits.
 VEK0_API std::int32_t parseLong(std::string_view text);
 VEK0_API std::int32_t parseLong(std::u16string_view text);
 
@@ -35,33 +33,31 @@ VEK0_API std::int32_t parseLong(std::u16string_view text);
 /// "abc", "-" or "".
 VEK0_API bool beginsWithNumber(std::string_view text);
 
-/// Hexadecimal without a check, modulo 2^64: units up to '9' count from '0', those
-/// above it and below 'G' from 'A' = 10, all others from 'a' = 10. Junk yields junk
-/// on purpose, readers trust handles.
+/// Hexadecimal without a check, modulo 2^64: units up to '9' count from '0', those above it and
+/// below 'G' from 'A' = 10, all others from 'a' = 10. Junk deliberately yields junk, because
+/// readers trust handles.
 VEK0_API std::uint64_t parseHex(std::string_view text);
 VEK0_API std::uint64_t parseHex(std::u16string_view text);
 
-// Room that the formatting functions need at `out`; none writes a terminator.
+// Buffer sizes that the formatting functions need at `out`; none writes a terminator.
 inline constexpr std::size_t kFixedRoom = 320;    ///< formatFixed
 inline constexpr std::size_t kShortestRoom = 32;  ///< formatShortest
 inline constexpr std::size_t kIntegerRoom = 20;   ///< formatInteger and formatHex
 
-/// Writes `value` with six decimals as "%.6f" of the C library does: rounded half to
-/// even from its exact value, never with an exponent, the sign kept even where all
-/// digits are 0; numbers that are not finite as 0. Returns the end of what was written,
-/// as do the functions below.
+/// Writes `value` with six decimals like "%.6f" of the C library: rounded half to even from its
+/// exact value, never with an exponent, keeping the sign even if all digits are 0; non-finite
+/// numbers as 0. Returns the end of the output, as do the functions below.
 VEK0_API char* formatFixed(char* out, double value);
 
-/// Writes the fewest digits that read back as exactly `value` (whole numbers show all
-/// of theirs): without an exponent from 1e-5 up to below 1e17, always with a decimal
-/// point or an exponent, so that readers see a real number; 0, negative zero and
-/// numbers that are not finite as "0.0".
+/// Writes the fewest digits that read back as exactly `value` (whole numbers show all of theirs):
+/// without an exponent from 1e-5 up to below 1e17, always with a decimal point or an exponent, so
+/// that readers see a real number; 0, negative zero and non-finite numbers as "0.0".
 VEK0_API char* formatShortest(char* out, double value);
 
 /// Writes `value` in decimal.
 VEK0_API char* formatInteger(char* out, std::int64_t value);
 
-/// Writes `value` in upper-case hexadecimal without leading zeros.
+/// Writes `value` in uppercase hexadecimal without leading zeros.
 VEK0_API char* formatHex(char* out, std::uint64_t value);
 
 }  // namespace vek0::detail

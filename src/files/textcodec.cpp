@@ -39,8 +39,8 @@ void decodeSingleByte(std::string_view bytes, const UpperHalf& upper, std::u16st
   for (const char c : bytes) out += unitOf(c, upper);
 }
 
-// A malformed byte is taken as 1252: some programs declare UTF-8 and paste other
-// bytes in, and those are Western more often than not.
+// A malformed byte is decoded as 1252: some programs declare UTF-8 but insert other bytes, which
+// are usually Western.
 void decodeUtf8(std::string_view bytes, std::u16string& out) {
   while (!bytes.empty()) {
     const char first = bytes.front();
@@ -63,7 +63,7 @@ bool decodeMultiByte(int page, std::string_view bytes, std::u16string& out) {
   return false;
 }
 
-// Letters in lower case and digits; what names are told apart by.
+// Reduces a name to lowercase letters and digits for comparison.
 std::string simplified(std::string_view name) {
   std::string out;
   for (const char c : name) {
@@ -137,8 +137,8 @@ std::optional<zim::Char> hexUnit(std::u16string_view text) {
 constexpr std::size_t kUnitEscape = 7;       // length of \U+XXXX
 constexpr std::size_t kMultiByteEscape = 8;  // length of \M+nXXXX
 
-// What the escape at the front stands for, appended to `out`; the escape's length,
-// or 0 when there is none.
+// Appends the text that the escape at the front represents; returns the escape's length, or 0 if
+// there is none.
 std::size_t takeBackslash(std::u16string_view text, std::u16string& out) {
   if (text.starts_with(u"\\U+")) {
     const auto unit = hexUnit(text.substr(3));
@@ -155,7 +155,7 @@ std::size_t takeBackslash(std::u16string_view text, std::u16string& out) {
   return decodeMultiByte(kPageOfDigit[index], used, out) ? kMultiByteEscape : 0;
 }
 
-// The same for carets. They stand for the control characters by the letter 64 above.
+// The same for carets. They denote control characters by the letter 64 above.
 std::size_t takeCaret(std::u16string_view text, std::u16string& out) {
   if (text.size() < 2) return 0;
   const zim::Char second = text[1];
@@ -164,8 +164,8 @@ std::size_t takeCaret(std::u16string_view text, std::u16string& out) {
   return 2;
 }
 
-// The byte of a character in 1252; nothing for those that it lacks. Its five
-// undefined bytes count as lacking: other programs need not know them.
+// The byte of a character in 1252, if it has one. The five undefined bytes are not used: other
+// programs may not support them.
 std::optional<char> byteIn1252(zim::Char c) {
   if (c < 0x80 || (c >= 0xA0 && c <= 0xFF)) return static_cast<char>(c);
   if (c < 0xA0) return std::nullopt;
@@ -191,7 +191,7 @@ bool isUnpaired(std::u16string_view text, std::size_t i) {
          (i == 0 || !vek0::detail::isHighSurrogate(text[i - 1]));
 }
 
-// Appends the unit at i when it means something else in a value than itself.
+// Appends the unit at i if it needs an escape in a value.
 bool encodeSpecial(std::u16string_view text, std::size_t i, std::string& out) {
   const zim::Char c = text[i];
   if (c < 0x20 || c == u'^') {
@@ -199,7 +199,7 @@ bool encodeSpecial(std::u16string_view text, std::size_t i, std::string& out) {
     out += c == u'^' ? ' ' : static_cast<char>(c + '@');
     return true;
   }
-  // Readers strip blanks behind a value.
+  // Readers strip trailing blanks of a value.
   if (c == u' ' && i + 1 == text.size()) {
     appendUnitEscape(c, out);
     return true;
@@ -222,7 +222,7 @@ void encodeWith(std::u16string_view text, bool isValue, bool asciiOnly, std::str
   }
 }
 
-// Readers take what is valid UTF-8 for that, so 1252 that looks like it is escaped.
+// Readers decode valid UTF-8 as such, so 1252 text that looks like UTF-8 is escaped.
 void encode(std::u16string_view text, bool isValue, std::string& out) {
   const std::size_t start = out.size();
   encodeWith(text, isValue, false, out);
@@ -232,7 +232,7 @@ void encode(std::u16string_view text, bool isValue, std::string& out) {
   encodeWith(text, isValue, true, out);
 }
 
-// Whether the bytes are UTF-8 whose last character lacks its end: some programs cut by bytes.
+// Whether the bytes are UTF-8 with a truncated last character: some programs cut text by bytes.
 bool isCutUtf8(std::string_view bytes) {
   for (std::size_t cut = 1; cut < 4 && cut < bytes.size(); ++cut) {
     const std::string_view front = bytes.substr(0, bytes.size() - cut);
@@ -282,14 +282,15 @@ bool CTextDecoder::isAutoUtf8(std::string_view bytes) {
   return valid;
 }
 
-// Two bytes of a page of two-byte characters are often valid UTF-8 by chance, three hardly.
+// In double-byte code pages, two-byte sequences are often accidentally valid UTF-8; three-byte ones
+// hardly ever.
 bool CTextDecoder::isUtf8Anyway(std::string_view bytes) const {
   if (!zim::isValidUtf8(bytes)) return false;
   const auto beginsThree = [](char c) { return byteOf(c) >= 0xE0; };
   return upperHalfOf(m_page) || std::any_of(bytes.begin(), bytes.end(), beginsThree);
 }
 
-// The page that a text is in, which is not just ASCII.
+// Detects the page of a text that is not pure ASCII.
 int CTextDecoder::pageOf(std::string_view bytes) {
   if (!m_sense || !labelOf(m_page)) return m_page;
   const bool isUtf8 = m_page == kCodePageUtf8 ? zim::isValidUtf8(bytes) : isUtf8Anyway(bytes);
@@ -297,7 +298,7 @@ int CTextDecoder::pageOf(std::string_view bytes) {
   if (!isUtf8 && isCutUtf8(bytes)) return m_page;
   const bool hasOther = labelOf(m_otherPage) && m_otherPage != kCodePageUtf8;
   m_found = isUtf8 ? kCodePageUtf8 : hasOther ? m_otherPage : kCodePage1252;
-  // Reading UTF-8 takes what is none for 1252, byte by byte.
+  // The UTF-8 decoder already decodes malformed bytes as 1252, one by one.
   return m_found == kCodePage1252 ? m_page : m_found;
 }
 

@@ -17,7 +17,7 @@ bool between(double s, double a, double e) {
   return s - (s + 1) * kAngleEps <= a && a <= e + (e + 1) * kAngleEps;
 }
 
-// Whether a sweep from s to e passes the direction `at`, in this turn or the next.
+// Whether a sweep from s to e passes through the direction `at`, in this turn or the next.
 bool passes(double s, double e, double at) { return (s < at && at < e) || e > at + kTwoPi; }
 
 double largestCoordinate(const PNT_3D& a, const PNT_3D& b) {
@@ -39,19 +39,19 @@ void halfCircle(const PNT_3D& p0, const PNT_3D& p1, double bulge, ARC_3D& arc) {
   arc.set(centre.x, centre.y, centre.z, centre.PNT_2D::dist(p1), start, start + kPi);
 }
 
-// Angle of the chord that leaves a circle of radius 1 by `error`.
+// Angle of the chord that deviates from the unit circle by `error`.
 double chordAngle(double error) { return error > 0 ? 2 * std::acos(1 - std::min(error, 1.0)) : 0; }
 
 // Multiplies the vector by the complex number c + i*s.
 void turnBy(PNT_2D& v, double c, double s) { v.set(v.x * c - v.y * s, v.x * s + v.y * c); }
 
-// We walk from chord to chord, each turned by `step` from the one before. The center stays
-// out of it: that of a flat arc is so far away that the arc's digits are lost.
+// Advances from chord to chord, each rotated by `step`, without using the center: that of a flat
+// arc is so far away that digits would be lost.
 void appendInnerPoints(const PNT_3D& p0, const PNT_3D& p1, double bulge, std::vector<PNT_3D>& out) {
   const double angle = 4 * std::atan(bulge);
   const int n = arcChords(angle);
   const double step = angle / n, turn = (step - angle) / 2;
-  // Length of each chord, as a share of the way from end to end: sin(step / 2) over
+  // Length of each chord, as a fraction of the distance between the ends: sin(step / 2) over
   // sin(angle / 2), which is 2 / (bulge + 1 / bulge).
   const double share = std::sin(step / 2) * (bulge + 1 / bulge) / 2;
   PNT_2D chord(p1.x - p0.x, p1.y - p0.y), way(0, 0);
@@ -66,9 +66,9 @@ void appendInnerPoints(const PNT_3D& p0, const PNT_3D& p1, double bulge, std::ve
 
 }  // namespace
 
-// Files say 1e300, where a step of a turn changes nothing and the loops would never
-// end; so far out the remainder stands in for them. Nearer we step: the last bits of
-// angles in existing drawings come from stepping.
+// Files contain angles like 1e300, where subtracting a turn has no effect and the loops would never
+// end; there we use the remainder. For smaller angles we step, to reproduce the last bits of angles
+// in existing drawings.
 double ARC_3D::normal(double angleRad) {
   if (!std::isfinite(angleRad)) return 0;
   if (std::fabs(angleRad) > kStepLimit) angleRad = std::fmod(angleRad, kTwoPi);
@@ -96,8 +96,8 @@ bool ARC_3D::angle_in_arc(double angleRad) const {
   double s, e;
   getSafeAngles(s, e);
   if (between(s, a, e)) return true;
-  // The next turn, for arcs that reach or cross angle 0, and the turn before, for
-  // angles a rounding error short of the full turn.
+  // Also test the next turn, for arcs that reach or cross angle 0, and the previous one, for angles
+  // just below a full turn because of rounding.
   return (e >= kTwoPi - (kTwoPi + 1) * kAngleEps && between(s, a + kTwoPi, e)) ||
          between(s, a - kTwoPi, e);
 }
@@ -202,7 +202,7 @@ int arcChords(double angleRad, double chordError) {
 }
 
 void bulgePoints(const PNT_3D& p0, const PNT_3D& p1, double bulge, std::vector<PNT_3D>& out) {
-  // Elements of `out` move when it grows.
+  // p0 and p1 may be elements of `out`, which move when it grows.
   const PNT_3D from = p0, to = p1;  // NOLINT(performance-unnecessary-copy-initialization)
   if (!isStraight(from, to, bulge)) appendInnerPoints(from, to, bulge, out);
   out.push_back(to);

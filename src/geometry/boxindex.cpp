@@ -9,7 +9,7 @@
 namespace vek0::detail {
 namespace {
 
-constexpr double kCells = 65535;  // of each axis, for the order alone
+constexpr double kCells = 65535;  // per axis, only for the order
 
 // Spreads 16 bits to the even places of 32.
 std::uint32_t spread(std::uint32_t v) {

@@ -9,23 +9,22 @@
 
 namespace vek0::detail {
 
-/// Finds which of many boxes meet a given one.
+/// Finds those of many boxes that intersect a given one.
 ///
-/// The boxes are sorted along a curve that fills the plane, and stand under a tree of
-/// common boxes that needs no pointers: node i has the children 2i and 2i + 1. Building
-/// costs a sort. A search costs the logarithm and what it finds, unless boxes lie upon each
-/// other.
+/// The boxes are sorted along a space-filling curve and form the leaves of an implicit tree of
+/// bounding boxes: node i has the children 2i and 2i + 1. Building costs a sort. A search costs the
+/// logarithm plus its results, unless many boxes overlap.
 class VEK0_API BoxIndex {
  public:
   explicit BoxIndex(const std::vector<RECT_2D>& boxes);
 
-  /// Calls `visit(i)` for every box i that meets `box` until one call answers false; tells
+  /// Calls `visit(i)` for every box i that intersects `box` until a call returns false; returns
   /// whether none did.
   template <class Visit>
   bool find(const RECT_2D& box, Visit&& visit) const {
     return m_order.empty() || find(1, box, 0, visit);
   }
-  /// The same for boxes that are no farther away than `reach`.
+  /// The same for boxes within a distance of `reach`.
   template <class Visit>
   bool findWithin(const RECT_2D& box, double reach, Visit&& visit) const {
     return m_order.empty() || find(1, box, reach * reach, visit);

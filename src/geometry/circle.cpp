@@ -27,7 +27,7 @@ double halfChord(double radius, double distance) {
   return std::sqrt((r - off) * (r + off));
 }
 
-// Ends of a segment count, the parameter within 1e-12 of them.
+// The ends of a segment are included, with a tolerance of 1e-12 in the parameter.
 bool onSegment(double& t) {
   if (std::fabs(t) <= kParamEps) t = 0;
   if (std::fabs(t - 1) <= 2 * kParamEps) t = 1;
@@ -115,8 +115,8 @@ long CIRCLE_3D::intersect(const CIRCLE_3D& other, PNT_2D* p1, PNT_2D* p2) const 
   const double tolerance = touchTolerance(std::max(r1, r2));
   if (!(d > tolerance && d <= r1 + r2 + tolerance && d >= std::fabs(r1 - r2) - tolerance)) return 0;
   const bool outside = d >= r1 + r2 - tolerance, within = d <= std::fabs(r1 - r2) + tolerance;
-  // Distance of the common chord from this center, along the line of centers. Touching
-  // circles have none; nearly equal ones would get it far off the circle.
+  // Distance of the common chord from this center, along the line of centers. Touching circles have
+  // none; for nearly equal ones it would be far off the circle.
   double a = (r1 - r2) * (r1 + r2) / (2 * d) + d / 2;
   if (outside || within) a = outside || r1 > r2 ? r1 : -r1;
   const double h = std::sqrt(std::max(0.0, (r1 - a) * (r1 + a)));

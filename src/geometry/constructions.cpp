@@ -24,7 +24,7 @@ PNT_2D toward(const PNT_2D& from, const PNT_2D& to, double length) {
   return {from.x + (to.x - from.x) / d * length, from.y + (to.y - from.y) / d * length};
 }
 
-// The lines or circles on which the centers lie of all circles that touch an edge.
+// The loci of the centers of circles tangent to an edge.
 std::vector<EDGE_3D> centreWays(const EDGE_3D& edge, double radius) {
   if (edge.isArc()) {
     const double full = 6.283185307179586;
@@ -39,8 +39,8 @@ std::vector<EDGE_3D> centreWays(const EDGE_3D& edge, double radius) {
   return {left, right};
 }
 
-// Where a circle of that center and radius touches the edge's line or circle: of the two
-// points of a circle in line with the center, the one that is a radius away.
+// The point where a circle with that center and radius touches the edge's line or circle: of the
+// two points of a circle collinear with the centers, the one at a distance of the radius.
 PNT_2D contact(const EDGE_3D& edge, const PNT_2D& centre, double radius) {
   if (!edge.isArc()) return edge.at(edge.paramOf(centre));
   const PNT_2D near = toward(edge.center, centre, edge.radius);

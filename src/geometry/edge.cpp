@@ -24,7 +24,7 @@ PNT_3D lifted(const PNT_2D& p, double z) { return {p.x, p.y, z}; }
 
 double shareOf(double angle, const EDGE_3D& edge) { return angle / edge.sweep; }
 
-// Into the parameters 0 and 1 when that is within the tolerance; false beyond them.
+// Snaps to the parameters 0 and 1 within the tolerance; false outside them.
 bool snap(double& t, double length, double tolerance) {
   const double near = length > 0 ? tolerance / length : 1;
   if (t < -near || t > 1 + near) return false;
@@ -33,7 +33,7 @@ bool snap(double& t, double length, double tolerance) {
   return true;
 }
 
-// Collects what holds on both edges.
+// Collects crossings that lie on both edges.
 class Crossings {
  public:
   Crossings(const EDGE_3D& a, const EDGE_3D& b, std::vector<EDGE_CROSSING>& out, double tolerance,
@@ -81,7 +81,7 @@ class Crossings {
     for (long i = 0; i < count; ++i) take(m_a.paramOf(p[i]), m_b.paramOf(p[i]));
   }
 
-  // The ends of each that lie on the other; the same end only once.
+  // Adds the ends of each edge that lie on the other; coincident ends only once.
   void sameCarrier() {
     if (m_carriers) return;
     const std::size_t first = m_out.size();
@@ -168,7 +168,7 @@ double EDGE_3D::paramOf(const PNT_2D& p) const {
     return dd > 0 ? dot(p - p1, d) / dd : 0;
   }
   if (p == center) return 0;
-  // The angle from the middle of the arc: what is on the arc is nearest to 0 there.
+  // The angle relative to the middle of the arc: there, points on the arc are nearest to 0.
   const double middle = startAngle + sweep / 2;
   const double off = std::remainder(std::atan2(p.y - center.y, p.x - center.x) - middle, kTwoPi);
   return 0.5 + shareOf(off, *this);

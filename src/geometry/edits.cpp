@@ -18,7 +18,7 @@ using vek0::detail::dot;
 
 constexpr int kMostMarks = 1000000;
 constexpr double kStraightOn = 1e-9;  // radians
-constexpr double kSteps = 1e-9;       // share of a step that a sum of lengths may be off
+constexpr double kSteps = 1e-9;       // tolerance of a sum of lengths, as a fraction of a step
 
 struct Place {
   std::size_t edge;
@@ -46,7 +46,7 @@ bool isSame(const PATH_3D& path, const Place& a, const Place& b) {
 
 bool isFullTurn(const EDGE_3D& edge) { return std::fabs(edge.sweep) >= kTwoPi; }
 
-// The parameter at which the edge's end meets a bound first; infinite when it does not.
+// The parameter at which the edge's extension first meets a boundary; infinite if it does not.
 double firstBeyond(const EDGE_3D& edge, const std::vector<PATH_3D>& bounds) {
   const double tolerance = toleranceAt(edge), slack = tolerance / edge.length();
   const double turn = edge.isArc() ? kTwoPi / std::fabs(edge.sweep) : 0;
@@ -66,14 +66,14 @@ double firstBeyond(const EDGE_3D& edge, const std::vector<PATH_3D>& bounds) {
   return best;
 }
 
-// The side of the pick of an edge that ends at the place `t`.
+// The part of the edge on the side of the pick, ending at parameter `t`.
 EDGE_3D sideOf(const EDGE_3D& edge, double t, const PNT_2D& pick) {
   if (isFullTurn(edge)) return edge;
   return edge.nearest(pick) < t ? edge.part(0, t) : edge.part(t, 1);
 }
 
-// The side of an edge that comes to the place `t` on the way `onwards`. False when nothing
-// of the edge lies there.
+// The part of an edge that arrives at parameter `t` in direction `onwards`. False if the edge has
+// no such part.
 bool comingTo(const EDGE_3D& edge, double t, const PNT_2D& onwards, EDGE_3D& out) {
   const bool isBefore = dot(edge.direction(t), onwards) > 0;
   const double turn = edge.isArc() ? kTwoPi / std::fabs(edge.sweep) : 0;
@@ -110,7 +110,7 @@ bool meetEdges(const EDGE_3D& a, const EDGE_3D& b, const PNT_2D& pickA, const PN
 
 bool isFine(const EDGE_3D& edge) { return PATH_3D(edge).isFinite() && edge.length() > 0; }
 
-// The shorter of the two ways round.
+// The shorter of the two arcs.
 EDGE_3D arcBetween(const CIRCLE_3D& circle, const PNT_3D& from, const PNT_3D& to) {
   const PNT_2D a = from - circle, b = to - circle;
   EDGE_3D arc(circle, circle.radius, circle.angle(from), std::atan2(cross(a, b), dot(a, b)), from.z,
@@ -120,8 +120,8 @@ EDGE_3D arcBetween(const CIRCLE_3D& circle, const PNT_3D& from, const PNT_3D& to
   return arc;
 }
 
-// Replaces the corners of a path between straight edges. `reach` tells how much of the
-// edges before and after a corner goes, 0 for a corner that stays.
+// Replaces the corners of a path between straight edges. `reach` returns how much to cut from the
+// edges before and after a corner, 0 to keep the corner.
 template <class Reach, class Joint>
 int cutCorners(PATH_3D& path, Reach reach, Joint joint) {
   const std::size_t n = path.edges.size();
@@ -156,7 +156,7 @@ int cutCorners(PATH_3D& path, Reach reach, Joint joint) {
     }
     if (edge.length() > toleranceAt(edge)) out.push_back(edge);
   }
-  // The joint of a closed path's beginning stands before its first edge, and so begins it.
+  // The joint at a closed path's beginning precedes its first edge, so the path begins with it.
   path.edges = std::move(out);
   return count;
 }
@@ -220,7 +220,7 @@ bool filletEdges(const EDGE_3D& a, const EDGE_3D& b, double radius, const PNT_2D
   const double t = a.paramOf(onA), u = b.paramOf(onB);
   EDGE_JOINT made;
   made.joint = arcBetween(circle, a.at(t), b.at(u));
-  // The arc tells which sides remain, not the picks: those may lie on what is cut off.
+  // The arc determines which sides remain, not the picks, which may be on the removed parts.
   if (!comingTo(a, t, made.joint.direction(0), made.first)) return false;
   if (!comingTo(b, u, -made.joint.direction(1), made.second)) return false;
   out = made;
@@ -233,7 +233,7 @@ bool chamferEdges(const EDGE_3D& a, const EDGE_3D& b, double distA, double distB
   if (!isFine(a) || !isFine(b) || a.isArc() || b.isArc() || !(distA >= 0) || !(distB >= 0) ||
       !meetingPoint(a, b, pickA, pickB, at))
     return false;
-  // Towards the end that remains, and not past it.
+  // Toward the remaining end, and not beyond it.
   const auto cutBack = [](const EDGE_3D& edge, double t, double dist, const PNT_2D& pick,
                           EDGE_3D& kept, PNT_3D& end) {
     const bool isBefore = edge.nearest(pick) < t;
@@ -260,7 +260,7 @@ int filletPath(PATH_3D& path, double radius) {
     before = after = radius * std::fabs(std::tan(turn / 2));
     return before > kStraightOn * radius;
   };
-  // Directions are those of the whole edges: nothing may remain of one between two arcs.
+  // Uses the directions of the original edges: one between two arcs may vanish.
   const auto arc = [&](const PNT_3D& p, const PNT_3D& q, const EDGE_3D& a, const EDGE_3D& b) {
     const PNT_2D u = a.direction(1);
     const double side = cross(u, b.direction(0)) > 0 ? radius : -radius;

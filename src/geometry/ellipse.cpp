@@ -14,8 +14,7 @@ using vek0::detail::kTwoPi;
 
 namespace {
 
-// Radians that may be missing from a full turn, and that may be too much: files round
-// 2 * pi to a few digits, often upwards.
+// Tolerance in radians below and above a full turn: files round 2*pi to a few digits, often upward.
 constexpr double kTurnShort = 1e-9, kTurnOver = 1e-4;
 
 double sweepBetween(double start, double end) {
@@ -25,7 +24,7 @@ double sweepBetween(double start, double end) {
   return sweep == 0 ? kTwoPi : sweep;
 }
 
-// Brings the range up to center + cos(t) * a + sin(t) * b, at its turning points in the arc.
+// Extends the range by the extrema of center + cos(t) * a + sin(t) * b within the arc.
 void growRange(const ELLIPSE_3D& e, double center, double a, double b, double& low, double& high) {
   const double extent = std::hypot(a, b), top = std::atan2(b, a);
   if (ARC_3D::normal(top - e.startParam) < e.sweep) high = center + extent;

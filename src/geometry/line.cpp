@@ -8,7 +8,7 @@ bool isZero(double v) { return std::fabs(v) <= kZero; }
 
 bool sameSign(double u, double v) { return (u < 0 && v < 0) || (u > 0 && v > 0); }
 
-// Ends of a segment are met when the parameter is this near to them.
+// Snaps the parameter to the ends of a segment.
 double snap(double t) {
   if (isZero(t)) return 0;
   return std::fabs(t - 1) <= 2 * kZero ? 1 : t;

@@ -43,7 +43,7 @@ bool isSame(const PATH_CROSSING& a, const PATH_CROSSING& b, double tolerance) {
   return a.pnt.PNT_2D::dist(b.pnt) <= 4 * tolerance;
 }
 
-// Whether the way along the path from a to b is as short, too.
+// Whether the distance along the path from a to b is also that short.
 bool isSamePass(const PATH_3D& path, const PATH_CROSSING& a, const PATH_CROSSING& b,
                 double tolerance) {
   double way = b.t * path.edges[b.edge1].length() - a.t * path.edges[a.edge1].length();
@@ -52,7 +52,7 @@ bool isSamePass(const PATH_3D& path, const PATH_CROSSING& a, const PATH_CROSSING
   return way <= 4 * tolerance;
 }
 
-// Whether the point is where the second edge takes over from the first.
+// Whether the point is the joint between the two edges.
 bool isJoint(const PATH_3D& path, const EDGE_CROSSING& c, std::size_t i, std::size_t j) {
   const std::size_t n = path.edges.size();
   const bool onwards = j == i + 1 && c.t == 1 && c.u == 0;
@@ -167,13 +167,13 @@ std::vector<PATH_CROSSING> intersectPaths(const PATH_3D& a, const PATH_3D& b) {
       return true;
     });
   }
-  // A point where edges join is found once an edge.
+  // A point where edges join is found once per edge.
   std::sort(found.begin(), found.end(), comesFirst);
   const auto repeats = [&](const PATH_CROSSING& c, const PATH_CROSSING& d) {
     return isSame(c, d, tolerance) && isSamePass(a, c, d, tolerance);
   };
   found.erase(std::unique(found.begin(), found.end(), repeats), found.end());
-  // A closed path ends where it began.
+  // The end of a closed path coincides with its beginning.
   if (a.closed && found.size() > 1 && isAtStart(found.front()) &&
       found.back().edge1 + 1 == a.edges.size() && found.back().t == 1)
     found.pop_back();

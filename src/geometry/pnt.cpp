@@ -66,7 +66,7 @@ PNT_3D prodVect(const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3) {
 bool pntsInLine(const PNT_2D& a, const PNT_2D& b, const PNT_2D& c) {
   const PNT_2D d1 = b - a, d2 = c - a;
   const double k = d1.x * d2.y - d1.y * d2.x;
-  // Equal a and b make this 0/0, and NaN is not below anything.
+  // If a equals b this is 0/0, and NaN compares false.
   return std::sqrt(k / (d1.x * d1.x + d1.y * d1.y) * k) < kInLine;
 }
 

@@ -11,9 +11,9 @@ namespace vek0::detail {
 
 /// Finds numbered points near a given one, by hashed cells of the size of the tolerance.
 ///
-/// Constant time on average. A point that is no longer usable leaves its cell when it is
-/// met. Of a cell with very many points no more than 256 are looked at, so that crowds of
-/// points just out of reach cannot make a search linear.
+/// Constant time on average. Points that are no longer usable are removed from their cell when
+/// encountered. At most 256 points of a cell are examined, so that many points just out of reach
+/// cannot make a search linear.
 class PointGrid {
  public:
   /// `tolerance` > 0, in drawing units; points beyond 2^62 of it share cells.

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr double kFarOut = 1.7e200;  // beyond any drawing, and its square is finite
+constexpr double kFarOut = 1.7e200;  // beyond any drawing, with a finite square
 
 void order(double a, double b, double& low, double& high) {
   low = a < b ? a : b;

@@ -27,7 +27,7 @@ struct Weighted {
 // The controls of a piece, or one row of de Boor's scheme.
 using Row = std::array<Weighted, SPLINE_3D::kMaxDegree + 1>;
 
-// The point a share `t` of the way from a to b, each pulling by its weight.
+// The weighted point at fraction `t` between a and b.
 Weighted blend(const Weighted& a, const Weighted& b, double t) {
   const double wa = (1 - t) * a.weight, wb = t * b.weight, sum = wa + wb;
   const double share = sum > 0 ? wb / sum : t;  // weights may underflow
@@ -40,7 +40,7 @@ Weighted controlAt(const SPLINE_3D& s, std::size_t i) {
   return {s.controls[i], s.weights.empty() ? 1 : s.weights[i]};
 }
 
-// The span that begins at knots[span] has the controls of this row.
+// The controls of the span that begins at knots[span].
 Row controlsOf(const SPLINE_3D& s, std::size_t span) {
   const auto p = static_cast<std::size_t>(s.degree);
   Row d{};
@@ -48,7 +48,7 @@ Row controlsOf(const SPLINE_3D& s, std::size_t span) {
   return d;
 }
 
-// One round of de Boor's scheme: knot `t` comes in, the last of d[r] to d[p] is the newest.
+// One round of de Boor's scheme: inserts knot `t`; of d[r] to d[p], the last is the newest.
 void insertKnot(const SPLINE_3D& s, std::size_t span, double t, std::size_t r, Row& d) {
   const auto p = static_cast<std::size_t>(s.degree);
   for (std::size_t j = p; j >= r; --j) {
@@ -64,10 +64,10 @@ PNT_3D pointAt(const SPLINE_3D& s, std::size_t span, double t) {
   return d[p].at;
 }
 
-// The span as a Bezier piece, by raising the knots at its ends to full multiplicity: first
-// the lower one, whose scheme leaves the new controls along its edge, then the upper one.
-// Its rounds see the lower knot alone on their left. Every parameter lies in the span, so
-// that nothing is extrapolated. Costs degree * degree.
+// The span as a Bezier piece, by raising the knots at its ends to full multiplicity: first the
+// lower one, whose scheme leaves the new controls along its edge, then the upper one. The latter's
+// rounds have only the lower knot on their left. Every parameter is in the span, so nothing is
+// extrapolated. Costs O(degree^2).
 Row bezierPiece(const SPLINE_3D& s, std::size_t span) {
   const auto p = static_cast<std::size_t>(s.degree);
   const double a = s.knots[span], b = s.knots[span + 1];
@@ -93,8 +93,8 @@ double distanceFromSegment(const PNT_3D& p, const PNT_3D& a, const PNT_3D& b) {
   return length(to - times(way, t));
 }
 
-// With weights above 0 the piece lies in the hull of its controls, and so within the
-// tolerance of the chord when they do.
+// With positive weights the piece lies in the convex hull of its controls, so it is within the
+// tolerance of the chord if they are.
 bool isFlat(const Row& piece, std::size_t p, double tolerance) {
   for (std::size_t k = 1; k < p; ++k) {
     if (!(distanceFromSegment(piece[k].at, piece[0].at, piece[p].at) <= tolerance)) return false;
@@ -123,7 +123,7 @@ void flatten(Row& piece, std::size_t p, double tolerance, int halvings, std::vec
   flatten(piece, p, tolerance, halvings - 1, out);
 }
 
-// Halvings that a span may take, so that all spans together stay below the limit.
+// Halvings allowed per span, so that all spans together stay below the limit.
 int allowedHalvings(std::size_t spans) {
   int halvings = kMostHalvings;
   while (halvings > kLeastHalvings && (spans << halvings) > kMaxChords) --halvings;
@@ -150,9 +150,9 @@ bool areKnots(const SPLINE_3D& s) {
 // Points that differ, and the lengths from each to the next.
 struct FitPath {
   std::vector<PNT_3D> points;
-  std::vector<double> knots;  // the way to each point
+  std::vector<double> knots;  // chord length up to each point
 
-  // False when the numbers are no good.
+  // False if the numbers are unusable.
   bool add(const PNT_3D& p) {
     if (!inReach(p)) return false;
     const double at = points.empty() ? 0 : knots.back() + p.dist(points.back());
@@ -225,7 +225,7 @@ PNT_3D SPLINE_3D::getPnt(double t) const {
   double from, to;
   getDomain(from, to);
   t = t > from ? std::min(t, to) : from;  // what is not a number counts as the beginning
-  // The last span that is not empty and begins at t or before.
+  // The last non-empty span that begins at or before t.
   const auto last = knots.begin() + static_cast<std::ptrdiff_t>(controls.size());
   auto next = std::upper_bound(knots.begin() + degree, last, t);
   if (next == last) next = std::lower_bound(knots.begin() + degree, last, to);
@@ -238,7 +238,7 @@ void SPLINE_3D::chords(double tolerance, std::vector<PNT_3D>& out) const {
   for (std::size_t span = p; span < controls.size(); ++span) {
     if (!(knots[span] < knots[span + 1])) continue;
     Row piece = bezierPiece(*this, span);
-    // So many equal knots let the curve jump; it begins anew, as at the first span.
+    // With that many equal knots the curve has a discontinuity and restarts, as at the first span.
     if (knots[span] == knots[p] || knots[span - p] == knots[span]) out.push_back(piece[0].at);
     flatten(piece, p, tolerance, halvings, out);
   }

@@ -7,11 +7,10 @@
 
 namespace vek0::detail {
 
-/// How near two distances to a circle's center are when they count as touching.
+/// Difference between two distances to a circle's center within which they count as tangent.
 inline double touchTolerance(double radius) { return 1e-12 * std::max(1.0, std::fabs(radius)); }
 
-/// Coordinates beyond it, in drawing units, are refused where squares and products have to
-/// stay finite.
+/// Limit for coordinates, in drawing units, where squares and products must remain finite.
 inline constexpr double kLargestCoordinate = 1e100;
 
 /// Whether all coordinates are finite and within the limit.
@@ -31,7 +30,7 @@ inline double cross(const PNT_2D& a, const PNT_2D& b) { return a.x * b.y - a.y *
 
 inline double length(const PNT_3D& v) { return std::hypot(v.x, v.y, v.z); }
 
-/// False, and unchanged, when the vector has no length, or one too small to divide by.
+/// Returns false, leaving the vector unchanged, if its length is zero or too small to divide by.
 inline bool makeUnit(PNT_3D& v) {
   const double l = length(v);
   if (!(l > 0) || !std::isfinite(1 / l)) return false;

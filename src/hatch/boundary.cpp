@@ -12,7 +12,7 @@ namespace {
 
 using Points = std::vector<PNT_3D>;
 
-// Where the ring that starts at `first` closes; the end of the boundary when it does not.
+// Index where the ring that starts at `first` closes; the end of the boundary if it does not.
 std::size_t closingPoint(const Points& boundary, std::size_t first) {
   std::size_t i = first + 1;
   while (i < boundary.size() && boundary[i] == boundary[first]) ++i;
@@ -20,8 +20,8 @@ std::size_t closingPoint(const Points& boundary, std::size_t first) {
   return i;
 }
 
-// The ring without equal neighbors and without the point that closes it; empty when
-// fewer than three points are left.
+// The ring without consecutive equal points and without its closing point; empty if fewer than
+// three points remain.
 Points cleaned(const PNT_3D* first, std::size_t count) {
   Points ring;
   std::unique_copy(first, first + count, std::back_inserter(ring));
@@ -39,8 +39,8 @@ void appendClosed(const Points& ring, std::size_t start, Points& out) {
 
 using Key = std::array<std::uint64_t, 3>;
 
-// Bits instead of values: an order that NaN fits into. Adding 0 takes the sign from a negative
-// zero, which equals the other one.
+// Compares bits instead of values, a total order that includes NaN. Adding 0 removes the sign of
+// negative zero, which equals positive zero.
 Key keyOf(const PNT_3D& p) {
   const double xyz[3] = {p.x + 0.0, p.y + 0.0, p.z + 0.0};
   Key key;
@@ -48,8 +48,8 @@ Key keyOf(const PNT_3D& p) {
   return key;
 }
 
-// Numbers for the points of all rings, ring by ring: the same number for equal points.
-// They count from 0, so there are no more of them than points.
+// Numbers the points of all rings, ring by ring, with equal numbers for equal points. Numbers count
+// from 0, so there are no more of them than points.
 std::vector<std::size_t> numberPoints(const std::vector<Points>& rings) {
   std::vector<Key> keys;
   for (const Points& ring : rings) {
@@ -76,7 +76,7 @@ class RingJoiner {
     for (const std::size_t number : m_numbers) ++m_counts[number];
   }
 
-  // Rings come in the order of the constructor.
+  // Call in the order of the rings passed to the constructor.
   void append(const Points& ring) {
     const std::size_t* numbers = m_numbers.data() + m_done;
     m_done += ring.size();
@@ -95,7 +95,7 @@ class RingJoiner {
     return static_cast<std::size_t>(std::find_if(numbers, numbers + size, isOnce) - numbers);
   }
 
-  // m_place serves as the counts of this ring and is left zero.
+  // Uses m_place for the counts of this ring and resets it to zero.
   std::size_t onceInRing(const std::size_t* numbers, std::size_t size) {
     for (std::size_t i = 0; i < size; ++i) ++m_place[numbers[i]];
     const std::size_t start = onceIn(m_place, numbers, size);
@@ -103,13 +103,13 @@ class RingJoiner {
     return start;
   }
 
-  // Walks the ring and takes out a loop each time it comes back to a point. The loops
-  // have the edges of the ring, and each passes its points once.
+  // Traverses the ring and splits off a loop whenever it returns to a point. The loops have the
+  // edges of the ring, and each passes through its points once.
   void appendSplit(const Points& ring, const std::size_t* numbers) {
     Points path;
     std::vector<std::size_t> pathNumbers;
     for (std::size_t i = 0; i < ring.size(); ++i) {
-      std::size_t& place = m_place[numbers[i]];  // on the path, counted from 1
+      std::size_t& place = m_place[numbers[i]];  // position on the path, counted from 1
       if (place > 0) {
         appendLoop(path, place - 1);
         for (; pathNumbers.size() > place; pathNumbers.pop_back()) m_place[pathNumbers.back()] = 0;
@@ -139,8 +139,8 @@ class RingJoiner {
 
 bool isReadAsOne(const Points& boundary) { return hatchRings(boundary).size() == 1; }
 
-// A ring that is alone stays open, unless it falls into rings by chance: the edges that
-// join three of them enclose an area.
+// A single ring stays open, unless it accidentally divides into rings: the edges that join three of
+// them enclose an area.
 Points joinClean(const std::vector<Points>& rings) {
   if (rings.size() == 1 && isReadAsOne(rings[0])) return rings[0];
   RingJoiner joiner(rings);

@@ -13,7 +13,7 @@ using vek0::detail::kPatterns;
 
 namespace {
 
-// The indexes in order of names; equal names, if there were any, in order of the catalogue.
+// The indexes sorted by name; equal names, if any, in catalogue order.
 const std::array<long, kNoPatterns>& byName() {
   static const auto sorted = [] {
     std::array<long, kNoPatterns> indexes;
@@ -43,7 +43,7 @@ const HATCH_TYPE* getHatch(const zim::WString& name) {
   return &kPatterns[*found];
 }
 
-// Other records are compared by address too, for which `<` alone has no meaning.
+// Records outside the catalogue are compared by address too, for which plain `<` is undefined.
 long getHatch(const HATCH_TYPE& type) {
   const std::less<const HATCH_TYPE*> before;
   if (before(&type, kPatterns) || !before(&type, kPatterns + kNoPatterns)) return -1;

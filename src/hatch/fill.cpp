@@ -17,32 +17,31 @@ using Points = std::vector<PNT_3D>;
 // Lines and periods are counted in doubles, which are exact up to here.
 constexpr double kCountLimit = 4503599627370496.0;  // 2^52
 
-// Every family visits every edge, and a file could name both by the hundred thousand. The
-// largest pattern has some twenty families, the largest boundaries a million edges.
+// Every family visits every edge, and a file can define hundreds of thousands of both. In practice,
+// the largest pattern has some twenty families, the largest boundaries a million edges.
 constexpr double kVisitLimit = 1e8;
 
-// What memory can hold, whatever a caller allows.
+// Memory limit, independent of the caller's limit.
 constexpr double kPieceLimit = 1e9;
 
-// Products of two lengths stay finite up to here.
+// Products of two lengths are finite up to here.
 constexpr double kFarthest = 1e150;
 
-// What a boundary takes in one direction.
+// Extent of a boundary in one direction.
 struct Range {
   double min, max;
   double length() const { return max - min; }
   double farthest() const { return std::max(std::fabs(min), std::fabs(max)); }
 };
 
-// A line family in drawing units, seen along its lines: "along" is the coordinate in
-// their direction, "across" the one to the left. Lines are counted in the direction of
-// "across", whatever the sign of the spacing.
+// A line family in drawing units, in the coordinate system of its lines: "along" is the coordinate
+// in their direction, "across" the one to the left. Lines are counted in the direction of "across",
+// whatever the sign of the spacing.
 struct Family {
   Family(const HATCH_LINE& line, double scale, double rotate)
       : ux(std::cos(line.angle + rotate)),
         uy(std::sin(line.angle + rotate)),
-        // The start turns with the hatch as the lines do, so that the hatch's angle does
-        // not take part.
+        // The start rotates with the hatch like the lines, so the hatch's angle cancels out.
         along0(scale * (line.x0 * std::cos(line.angle) + line.y0 * std::sin(line.angle))),
         across0(scale * (line.y0 * std::cos(line.angle) - line.x0 * std::sin(line.angle))),
         shift(scale * (line.dy < 0 ? -line.dx : line.dx)),
@@ -61,8 +60,8 @@ struct Family {
   double across(const PNT_3D& p) const { return p.y * ux - p.x * uy; }
   double acrossOf(double lineNumber) const { return std::fma(lineNumber, spacing, across0); }
 
-  // Where a period of the dashes starts on a line, near 0: a shift that adds up over
-  // millions of lines must not cost digits.
+  // Start of a dash period on a line, reduced to near 0: a shift accumulated over millions of lines
+  // must not cost digits.
   double phaseOf(double lineNumber) const {
     const double whole = lineNumber * shift;
     const double lost = std::fma(lineNumber, shift, -whole);
@@ -71,7 +70,7 @@ struct Family {
 
   bool isUsable() const {
     const double lengths[] = {along0, across0, shift, spacing, period};
-    if (spacing == 0 || (numDash > 0 && period == 0)) return false;  // scaled to nothing
+    if (spacing == 0 || (numDash > 0 && period == 0)) return false;  // scaled to zero
     return std::isfinite(ux) && std::all_of(std::begin(lengths), std::end(lengths), [](double v) {
              return std::fabs(v) <= kFarthest;  // false for NaN
            });
@@ -108,14 +107,14 @@ Range rangeOf(const Points& boundary, Project project) {
   return range;
 }
 
-// The numbers of the lines that may meet the boundary, as whole numbers.
+// Range of the line numbers that may meet the boundary.
 Range lineNumbers(const Family& family, const Range& across) {
   return {std::floor((across.min - family.across0) / family.spacing),
           std::ceil((across.max - family.across0) / family.spacing)};
 }
 
-// Pieces into which the edges cut the lines: an edge meets a line each spacing, and every
-// second meeting starts a piece.
+// Number of pieces into which the edges cut the lines: an edge meets one line per spacing, and
+// every second crossing starts a piece.
 double countCuts(const std::vector<vek0::detail::RingEdge>& edges, const Family& family) {
   double meetings = 0;
   for (const auto& edge : edges) {
@@ -124,7 +123,7 @@ double countCuts(const std::vector<vek0::detail::RingEdge>& edges, const Family&
   return meetings / 2;
 }
 
-// Infinite when lines or dashes are too fine to be told apart.
+// Infinite if lines or dashes are too fine to be distinguished.
 double estimateFamily(const Points& boundary, const std::vector<vek0::detail::RingEdge>& edges,
                       const Family& family) {
   const Range along = rangeOf(boundary, [&](const PNT_3D& p) { return family.along(p); });
@@ -137,8 +136,8 @@ double estimateFamily(const Points& boundary, const std::vector<vek0::detail::Ri
   return std::max(std::max(lines, 1.0) * std::max(periods, 1.0), countCuts(edges, family));
 }
 
-// Draws one family. Every edge is entered into all lines that it crosses, line after line
-// in one array; sorted along the line, two crossings each bound a piece of the inside.
+// Draws one family. Every edge is recorded for all lines that it crosses, line after line in one
+// array; sorted along the line, each pair of crossings bounds a piece of the interior.
 class FamilyFiller {
  public:
   FamilyFiller(const Family& family, const Points& boundary,
@@ -155,8 +154,8 @@ class FamilyFiller {
   }
 
  private:
-  // An edge with its ends in the order in which the family crosses it. Both areas beside
-  // an edge see it so, whichever way they run along it, and cut lines at equal points.
+  // An edge with its ends in the order in which the family crosses it. Both areas beside an edge
+  // treat it identically, whatever their direction, and so cut lines at equal points.
   struct Edge {
     const PNT_3D* from;
     const PNT_3D* to;
@@ -196,7 +195,7 @@ class FamilyFiller {
     if (edge.firstLine < edge.endLine) m_edges.push_back(edge);
   }
 
-  // Counts the crossings of each line, gives it its part of the array, and fills that.
+  // Counts the crossings of each line, assigns it its part of the array, and fills that.
   void enterCrossings() {
     for (const Edge& edge : m_edges) {
       for (std::size_t line = edge.firstLine; line < edge.endLine; ++line) {
@@ -215,7 +214,7 @@ class FamilyFiller {
     }
   }
 
-  // How far the line has come on the edge: 0 at its start, always less than 1.
+  // Fraction of the edge at which the line crosses it: 0 at its start, always less than 1.
   double fractionAt(const Edge& edge, std::size_t line) const {
     return (m_across[line] - edge.acrossFrom) / (edge.acrossTo - edge.acrossFrom);
   }
@@ -225,7 +224,7 @@ class FamilyFiller {
     return from + fractionAt(edge, line) * (m_family.along(*edge.to) - from);
   }
 
-  // The point on the edge, exact where the edge runs along an axis.
+  // The point on the edge; exact if the edge is parallel to an axis.
   PNT_3D crossingPoint(const Crossing& crossing, std::size_t line) const {
     const Edge& edge = m_edges[crossing.edge];
     const double t = fractionAt(edge, line);
@@ -233,7 +232,7 @@ class FamilyFiller {
             edge.from->y + t * (edge.to->y - edge.from->y), m_z};
   }
 
-  // Pieces that end where the next one starts are one: the boundary only touches there.
+  // A piece that ends where the next one starts is merged with it: the boundary only touches there.
   void fillLine(std::size_t line) {
     const auto first = m_crossings.begin() + static_cast<std::ptrdiff_t>(m_firstCrossing[line]);
     const auto last = m_crossings.begin() + static_cast<std::ptrdiff_t>(m_firstCrossing[line + 1]);
@@ -250,12 +249,12 @@ class FamilyFiller {
     const PNT_3D from = crossingPoint(start, line), to = crossingPoint(end, line);
     if (m_family.numDash == 0) return drawLine(from, to);
     const double phase = m_family.phaseOf(numberOf(line));
-    // One period more on both sides: divisions round, and the last dot of a period lies
-    // where the next one starts.
+    // One more period on both sides, because divisions round and the last dot of a period may
+    // coincide with the start of the next one.
     const double lastPeriod = std::floor((end.along - phase) / m_family.period) + 1;
     for (double period = std::floor((start.along - phase) / m_family.period) - 1;
          period <= lastPeriod; ++period) {
-      // From a whole number of periods each time: sums of dashes would drift.
+      // Computed from a whole number of periods each time, because sums of dashes would drift.
       const double base = std::fma(period, m_family.period, phase);
       for (int i = 0; i < m_family.numDash; ++i) {
         if (m_family.isDrawn[i]) drawDash(base, i, start.along, end.along, from, to, line);

@@ -24,11 +24,11 @@ constexpr std::size_t kMaxDashes = std::size(HATCH_LINE{}.dash);
 
 using LineBits = std::array<std::uint64_t, kMaxDashes + 6>;
 
-// Adding 0 takes the sign from a negative zero.
+// Adding 0 removes the sign of negative zero.
 std::uint64_t bitsOf(double value) { return std::bit_cast<std::uint64_t>(value + 0.0); }
 
-// What tells lines apart, which what stands behind the last dash does not. Bits instead of
-// values: files can make numbers that are none, and those must not differ from themselves.
+// The distinguishing data of a line, without the unused dashes. Bits instead of values: files can
+// produce NaN, which must equal itself.
 LineBits bitsOf(const HATCH_LINE& line) {
   LineBits bits = {bitsOf(line.angle), bitsOf(line.x0), bitsOf(line.y0), bitsOf(line.dx),
                    bitsOf(line.dy)};
@@ -39,8 +39,8 @@ LineBits bitsOf(const HATCH_LINE& line) {
 
 bool isSame(const HATCH_LINE& a, const HATCH_LINE& b) { return bitsOf(a) == bitsOf(b); }
 
-// The multiplier is 2^64 by the golden ratio. It carries upwards only, and the low bits of
-// round numbers are all zero, so the upper half is brought down each time.
+// The multiplier is 2^64 by the golden ratio. Multiplication propagates bits only upward, and the
+// low bits of round numbers are all zero, so the upper half is folded down each time.
 std::size_t hashOf(const zim::WString& name, const std::vector<HATCH_LINE>& lines) {
   std::uint64_t hash = std::hash<zim::WString>()(name);
   for (const HATCH_LINE& line : lines) {

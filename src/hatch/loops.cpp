@@ -17,7 +17,7 @@ namespace {
 using std::size_t;
 
 constexpr double kJoinTolerance = 1e-6;  // of the loop's size
-constexpr double kReachGrowth = 8;       // from one search for the end across a gap to the next
+constexpr double kReachGrowth = 8;       // from one search across a gap to the next
 constexpr int kMostCandidates = 16;      // compared in one cell
 constexpr size_t kStepsPerPoint = 1000;  // spent on the nesting of rings
 
@@ -32,8 +32,8 @@ RECT_2D boxOf(const std::vector<PNT_3D>& points) {
 
 // --- Which end of an edge meets which
 
-// Ends are numbered: 2 * edge where it begins, 2 * edge + 1 where it ends. Joined edges make
-// chains; every chain has two free ends, which know each other.
+// Ends are numbered: 2 * edge for its beginning, 2 * edge + 1 for its end. Joined edges form
+// chains; the two free ends of every chain refer to each other.
 class Joints {
  public:
   Joints(std::vector<PNT_2D> ends, double tolerance)
@@ -71,8 +71,8 @@ class Joints {
   bool m_hasGaps = false;
 };
 
-// The ends that are free, in square cells, sorted by cell: no order of edges and no choice of
-// coordinates makes it slow.
+// The free ends in square cells, sorted by cell: no order of edges and no choice of coordinates
+// makes it slow.
 class FreeEnds {
  public:
   FreeEnds(const Joints& joints, const PNT_2D& corner, double cellSize)
@@ -85,8 +85,8 @@ class FreeEnds {
     std::iota(m_next.begin(), m_next.end(), size_t{1});
   }
 
-  // The free end nearest to `end` within `reach`, which is at most a cell; `end` when there
-  // is none. The other end of the same chain counts when `ownChain` says so.
+  // The free end nearest to `end` within `reach`, which is at most a cell; `end` if there is none.
+  // The other end of the same chain is considered if `ownChain` is true.
   size_t nearest(size_t end, double reach, bool ownChain) {
     size_t best = end;
     double bestDist = reach;
@@ -123,8 +123,7 @@ class FreeEnds {
     }
   }
 
-  // The first slot from `i` on whose end is free. The way past the others gets shorter with
-  // every use.
+  // The first slot from `i` on whose end is free. Path compression shortens later searches.
   size_t stillFree(size_t i) {
     while (i < m_slots.size() && !m_joints.isFree(m_slots[i].second)) {
       if (m_next[i] < m_slots.size()) m_next[i] = m_next[m_next[i]];
@@ -140,7 +139,7 @@ class FreeEnds {
   std::vector<size_t> m_next;
 };
 
-// Most files give the edges in order. The last leads to the first.
+// Most files list the edges in order, the last one leading to the first.
 void joinInOrder(Joints& joints) {
   for (size_t end = 1; end < joints.count(); end += 2) {
     const size_t next = (end + 1) % joints.count();
@@ -157,7 +156,7 @@ void joinNear(Joints& joints, const PNT_2D& corner, double reach, double cellSiz
   }
 }
 
-// Makes one ring of all chains that are left.
+// Joins all remaining chains into one ring.
 void joinRest(Joints& joints) {
   size_t first = 0;
   while (first < joints.count() && !joints.isFree(first)) ++first;
@@ -172,8 +171,8 @@ void joinRest(Joints& joints) {
   joints.join(tail, first);
 }
 
-// Exact meetings come before near ones, so that an end close by does not take the partner
-// of another. Across gaps chains look for other chains; the last one closes on itself.
+// Exact matches take precedence over near ones, so that a nearby end does not take the partner of
+// another. Across gaps, chains are joined to other chains; the last one closes on itself.
 void joinAll(Joints& joints, const PNT_2D& corner, double size, double tolerance) {
   joinInOrder(joints);
   if (joints.freeCount() > 0 && tolerance > 0) {
@@ -209,8 +208,7 @@ void closeRing(double tolerance, HATCH_RING& ring) {
 
 // --- Nesting
 
-// Boxes to be found by what they meet: halved at the middle again and again, across the
-// longer side.
+// Finds boxes by intersection: the set is recursively halved at the median, along the longer side.
 class BoxTree {
  public:
   explicit BoxTree(std::vector<RECT_2D> boxes)
@@ -219,8 +217,8 @@ class BoxTree {
     if (!m_boxes.empty()) build(0, m_boxes.size());
   }
 
-  // Calls `found` with each box that meets `query` until it answers true, which is the
-  // answer then. `steps` grows with the work.
+  // Calls `found` with each box that intersects `query` until it returns true; returns whether it
+  // did. `steps` increases with the work.
   template <class Found>
   bool visit(const RECT_2D& query, size_t& steps, const Found& found) const {
     return visit(0, m_boxes.size(), query, steps, found);
@@ -268,8 +266,8 @@ const PNT_3D& following(const HATCH_RING& ring, size_t i) {
   return ring[i + 1 < ring.size() ? i + 1 : 0];
 }
 
-// Where the segment crosses the level y; one that touches it with its upper end, or runs
-// along it, does not. Both ways along the segment give the same x.
+// Where the segment crosses the level y; a segment that touches it only with its upper end, or runs
+// along it, does not. Both directions of the segment yield the same x.
 bool crossing(const PNT_2D& a, const PNT_2D& b, double y, double& x) {
   const PNT_2D &low = a.y < b.y ? a : b, &high = a.y < b.y ? b : a;
   if (!(low.y <= y && y < high.y)) return false;
@@ -277,7 +275,7 @@ bool crossing(const PNT_2D& a, const PNT_2D& b, double y, double& x) {
   return true;
 }
 
-// The level midway between two vertices where the distance from one to the next is largest.
+// The level midway between the two vertically adjacent vertices with the largest distance.
 double clearLevel(const HATCH_RING& ring) {
   std::vector<double> levels;
   levels.reserve(ring.size());
@@ -290,7 +288,7 @@ double clearLevel(const HATCH_RING& ring) {
   return levels[best - 1] / 2 + levels[best] / 2;
 }
 
-// A point well inside: vertices and edges may be shared with other rings.
+// A point well inside the ring, since vertices and edges may be shared with other rings.
 PNT_2D insidePoint(const HATCH_RING& ring) {
   const double y = clearLevel(ring);
   std::vector<double> xs;
@@ -351,7 +349,7 @@ class Nesting {
 
   bool gaveUp() const { return m_steps > m_limit; }
 
-  // Whether more than `depth` rings hold ring i. Not looked into when the limit is reached.
+  // Whether more than `depth` rings contain ring i. Not evaluated once the limit is reached.
   bool isDeeperThan(int depth, size_t i) {
     if (m_rings[i].size() < 3) return false;
     const PNT_2D p = insidePoint(m_rings[i]);
@@ -365,8 +363,8 @@ class Nesting {
   }
 
  private:
-  // The inner ring's point may lie in both when the outer one is really the inner: boxes
-  // tell them apart, areas when a ring touches all sides of its box from within.
+  // The point may be in both rings even if the roles are reversed: the boxes decide, or the areas
+  // if a ring touches all sides of the other's box from within.
   bool couldHold(size_t outer, size_t inner) const {
     if (!m_boxes[outer].inside(m_boxes[inner])) return false;
     return m_boxes[outer] != m_boxes[inner] || m_areas[outer] > m_areas[inner];
@@ -390,7 +388,7 @@ class Nesting {
   std::vector<RECT_2D> m_boxes;
   std::vector<double> m_areas;
   BoxTree m_tree;
-  std::vector<std::unique_ptr<BoxTree>> m_edges;  // made when first asked for
+  std::vector<std::unique_ptr<BoxTree>> m_edges;  // built on first use
   size_t m_steps, m_limit;
 };
 
@@ -407,8 +405,8 @@ bool HatchLoopBuilder::addEdge(size_t first) {
   return true;
 }
 
-// Keeps four of the points from `first` on when there is no room for all: they
-// stand for a curve that begins before them.
+// Keeps four of the points from `first` on if there is no room for all: they represent a curve that
+// begins before them.
 void HatchLoopBuilder::thinCurve(size_t first) {
   constexpr size_t few = 4;
   const size_t count = m_points.size() - first;

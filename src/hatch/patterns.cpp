@@ -2,13 +2,13 @@
 
 #include <initializer_list>
 
-// The rows are those of the ordinary public pattern definition files, in the same order of
-// columns: angle, base point, offset along the line and across it, dashes; inches, but
-// millimeters for the ISO patterns. Irrational lengths keep the digits that the definitions
-// print, even where the last ones look wrong: lines of other programs run there too.
+// The rows are those of the common public pattern definition files, with the same columns: angle,
+// base point, offset along and across the line, dashes; in inches, but millimeters for the ISO
+// patterns. Irrational lengths keep the digits of the definitions, even where the last ones look
+// wrong, so that the lines coincide with those of other programs.
 //
-// Angles are degrees * 0.01745329251994 to thirteen decimals, kept as literals instead of
-// computed, so that what is drawn has the same last digits everywhere.
+// Angles are degrees * 0.01745329251994 to thirteen decimals, as literals rather than computed, so
+// that the output has the same last digits everywhere.
 
 namespace {
 
@@ -220,7 +220,7 @@ constexpr HATCH_LINE kDash[] = {
 };
 constexpr HATCH_LINE kDolmit[] = {
     family(0, 0, 0, 0, 0.25),
-    // Spacing and gap differ in the sixth digit, and are meant to.
+    // Spacing and gap intentionally differ in the sixth digit.
     family(kDeg45, 0, 0, 0, 0.70710678, {0.35355339, -0.70710768}),
 };
 constexpr HATCH_LINE kDots[] = {

@@ -12,12 +12,12 @@ struct RingEdge {
   const PNT_3D* to;
 };
 
-/// The edges of all rings of a boundary, ring after ring, each closed. Empty for rings of
-/// fewer than three different neighbors.
+/// The edges of all rings of a boundary, ring after ring, each closed. Rings of fewer than three
+/// points, not counting repetitions, have no edges.
 std::vector<RingEdge> ringEdges(const std::vector<PNT_3D>& boundary);
 
-/// Whether all coordinates of the plane are finite and not beyond 1e150, so that products
-/// of two stay finite, and the first z is finite.
+/// Whether all planar coordinates are finite and within 1e150, so that products of two are finite,
+/// and the first z is finite.
 bool hasUsableCoordinates(const std::vector<PNT_3D>& boundary);
 
 }  // namespace vek0::detail

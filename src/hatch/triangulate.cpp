@@ -10,21 +10,20 @@
 
 #include "hatch/ringedges.h"
 
-// A line sweeps over the boundary from bottom to top. It keeps the sides that it cuts in
-// their order from left to right, which changes only where a side ends, starts or crosses
-// its neighbor; between two such places the inside is made of trapezoids.
+// A line sweeps over the boundary from bottom to top. It maintains the left-to-right order of the
+// sides that it cuts, which changes only where a side ends, starts or crosses its neighbor; between
+// two such events the interior consists of trapezoids.
 //
-// Coordinates round, so sides that nearly touch may stand in the wrong order for a while.
-// Nothing relies on the order: neighbors that stand in another one than they should at this
-// height are exchanged at once. How they should stand changes once at most, where they cross,
-// so no two sides are exchanged more than twice for it. The sweep ends, and its errors are
-// as wide as the rounding.
+// Because of rounding, sides that nearly touch may temporarily be in the wrong order. Nothing
+// relies on the order: neighbors found in the wrong order at a height are swapped immediately.
+// Their correct order changes at most once, where they cross, so no two sides are swapped more than
+// twice for it. So the sweep terminates, and its errors are of the order of the rounding.
 
 namespace {
 
 using Points = std::vector<PNT_3D>;
 
-// What is thinner than this share of the largest coordinate is rounding.
+// Anything thinner than this fraction of the largest coordinate is rounding error.
 constexpr double kSliver = 1e-15;
 
 struct Spot {
@@ -35,18 +34,18 @@ Spot spotOf(const PNT_3D& p) { return {p.x, p.y}; }
 
 bool operator==(const Spot& a, const Spot& b) { return a.x == b.x && a.y == b.y; }
 
-// The order in which the sweep meets points. Of equal heights the left one comes first, as
-// if the sweep line were tilted a little: so there are no horizontal sides.
+// The order in which the sweep meets points. At equal heights the left one comes first, as if the
+// sweep line were slightly tilted: so no side is horizontal.
 bool isBefore(const Spot& a, const Spot& b) { return a.y != b.y ? a.y < b.y : a.x < b.x; }
 
 struct Side;
 
-// A place in the order of the sides that the sweep line cuts. The places stay where they
-// are when sides change, and every second one has the inside to its right.
+// A position in the order of the sides that the sweep line cuts. Positions persist when sides
+// change, and every second one has the interior to its right.
 struct Place {
   mutable Side* side;
   bool isInside;         // between this place and the next
-  mutable double since;  // from which height on this holds for the present sides
+  mutable double since;  // the height from which this is valid for the current sides
 };
 
 // Two sides that start at one point.
@@ -58,20 +57,20 @@ struct Fork {
 
 struct PlaceOrder {
   using is_transparent = void;
-  // Places stand where they were put.
+  // Places keep their insertion positions.
   bool operator()(const Place&, const Place&) const { return false; }
   bool operator()(const Place& place, const Fork& fork) const;
 };
 
 using Places = std::multiset<Place, PlaceOrder>;
 
-// An edge of the boundary; the sweep meets `low` first.
+// An edge of the boundary; the sweep reaches `low` first.
 struct Side {
   Spot low, high;
   bool isCut = false;  // by the sweep line now
   Places::iterator place{};
 
-  // Twice the area of low, high, p: positive when p is to the left.
+  // Twice the area of the triangle low, high, p: positive if p is to the left.
   double leftness(const Spot& p) const {
     return (high.x - low.x) * (p.y - low.y) - (high.y - low.y) * (p.x - low.x);
   }
@@ -93,7 +92,7 @@ bool PlaceOrder::operator()(const Place& place, const Fork& fork) const {
   return leftness != 0 ? leftness < 0 : turn(*place.side, *fork.left) < 0;
 }
 
-// Whether sides in this order are the other way round where the upper of them starts.
+// Whether sides in this order are reversed where the upper of them starts.
 bool startsExchanged(const Side& left, const Side& right) {
   return isBefore(left.low, right.low) ? left.leftness(right.low) > 0
                                        : right.leftness(left.low) < 0;
@@ -106,7 +105,7 @@ bool endsExchanged(const Side& left, const Side& right) {
                                          : left.leftness(right.high) > 0;
 }
 
-// Where two sides cross, not beyond their ends; the same for (b, a) to the last bit. Seen from
+// Where two sides cross, clamped to their ends; identical for (b, a) to the last bit. Computed on
 // the flatter one, whose heights may differ by less than the rounding on the other.
 Spot crossing(const Side& a, const Side& b) {
   const double aRise = a.high.y - a.low.y, bRise = b.high.y - b.low.y;
@@ -130,7 +129,7 @@ class SolidSweep {
     addSides(vek0::detail::ringEdges(boundary));
   }
 
-  // False when the limit is exceeded.
+  // False if the limit is exceeded.
   bool run() {
     for (const Vertex& vertex : m_vertices) {
       exchangeUpTo(vertex.at);
@@ -142,11 +141,11 @@ class SolidSweep {
   }
 
  private:
-  enum class Kind { End, Pass, Start };  // in the order in which vertices of one spot are met
+  enum class Kind { End, Pass, Start };  // in processing order for vertices at the same spot
   struct Vertex {
     Spot at;
     Kind kind;
-    Side* a;  // of a Pass vertex the one that ends
+    Side* a;  // for a Pass vertex, the one that ends
     Side* b;
   };
   struct Meeting {
@@ -232,7 +231,7 @@ class SolidSweep {
     const bool aIsLeft = isLeftOf(a.place, b.place);
     Side& left = aIsLeft ? a : b;
     Side& right = aIsLeft ? b : a;
-    // What still stands between them has been passed, but for rounding.
+    // Sides still between them have been passed, up to rounding.
     while (std::next(left.place) != right.place) exchange(left.place);
     cutBefore(left.place);
     cut(left.place);
@@ -243,7 +242,7 @@ class SolidSweep {
     if (next != m_places.begin()) watch(std::prev(next));
   }
 
-  // Looks in both directions at once: as a rule they are neighbors.
+  // Searches in both directions at once: usually they are neighbors.
   bool isLeftOf(Places::iterator a, Places::iterator b) const {
     for (auto back = a, ahead = a;;) {
       if (ahead != m_places.end() && ++ahead == b) return true;
@@ -251,7 +250,7 @@ class SolidSweep {
     }
   }
 
-  // Exchanges the side at a place with the one to its right.
+  // Swaps the side at a place with the one to its right.
   void exchange(Places::iterator left) {
     const auto right = std::next(left);
     ++m_exchanges;
@@ -283,7 +282,7 @@ class SolidSweep {
     side.isCut = true;
   }
 
-  // Notes where the side at a place has to be exchanged with the one to its right.
+  // Records where the side at a place must be swapped with the one to its right.
   void watch(Places::iterator place) {
     const auto next = std::next(place);
     if (next == m_places.end()) return;

@@ -9,7 +9,7 @@
 
 namespace {
 
-// The elements with the styles of that table in place of their own.
+// The elements with their styles replaced by those of that table.
 CLtypeComplexDashSeq withStylesOf(const CStyleTable& styles, const CLtypeComplexDashSeq& src) {
   CLtypeComplexDashSeq dashes;
   for (int i = 0; i < src.GetNoDashes(); ++i) {

@@ -2,7 +2,7 @@
 
 namespace vek0::detail {
 
-/// The definition file samples/iso.lin, to the byte; a test compares them.
+/// The exact bytes of the definition file samples/iso.lin; a test compares them.
 inline constexpr char kIsoLtypes[] =
     R"lin(;; The line types of ISO 128 for lines 1 mm wide. The standard gives lengths as
 ;; multiples of the line width: long dash 24, dash 12, short dash 6, gap 3, space 18.

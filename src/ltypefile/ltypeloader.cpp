@@ -27,10 +27,10 @@ std::u16string_view viewOf(SmartString text) { return {text.c_str(), text.size()
 
 }  // namespace
 
-// False when there was no line any more.
+// False at the end of the file.
 bool CLtypeLoader::CFileLtypeLexer::readWholeLine() {
   m_line.clear();
-  // What could not be read comes as a line too, and would do so for ever.
+  // A failed read also reports a line, and would do so forever.
   while (m_file.readLn(m_buffer, kBufferUnits) && !m_file.fail()) {
     const std::u16string_view part(static_cast<const zim::Char*>(m_buffer));
     m_line += part;

@@ -13,7 +13,8 @@ namespace vek0::detail {
 namespace {
 
 constexpr double kStepLimitRad = 64 * kTwoPi;
-// What converting and adding a turn may cost, in degrees; far below a written decimal.
+// Tolerance, in degrees, for the error of converting and adding a turn; far below a written
+// decimal.
 constexpr double kDegreeError = 1e-8;
 constexpr std::size_t kLongestSample = 64;
 constexpr std::u16string_view kBlankEscape = u"\\U+0020";
@@ -28,8 +29,8 @@ std::u16string_view trimmed(std::u16string_view text) {
 
 // --- Reading
 
-// A file may say 1e300, where a step of a full turn changes nothing and the loops would
-// never end.
+// A file may contain 1e300, where subtracting a full turn has no effect and the loops would never
+// end.
 double normalized(double angleRad) {
   if (std::fabs(angleRad) > kStepLimitRad) angleRad = std::fmod(angleRad, kTwoPi);
   while (angleRad < 0) angleRad += kTwoPi;
@@ -37,7 +38,7 @@ double normalized(double angleRad) {
   return angleRad;
 }
 
-// A line may be as long as its file, a sample need not be.
+// A line may be as long as its file; limit the sample.
 void note(const char* code, const LtypeReading& reading, std::u16string_view sample = {}) {
   reading.report.add(code, reading.line, sample.substr(0, kLongestSample));
 }
@@ -56,7 +57,7 @@ double readNumber(std::u16string_view text, const LtypeReading& reading) {
   return parsed.finite ? parsed.value : 0;
 }
 
-// Takes the text off the front of `rest` up to the first of `ends`, which goes too.
+// Removes the text up to and including the first of `ends` from the front of `rest`.
 std::u16string_view takeUntil(std::u16string_view& rest, std::u16string_view ends) {
   const std::size_t at = rest.find_first_of(ends);
   const std::u16string_view token = rest.substr(0, at);
@@ -64,7 +65,8 @@ std::u16string_view takeUntil(std::u16string_view& rest, std::u16string_view end
   return token;
 }
 
-// The same for a text behind its opening quote. Commas and brackets in it are text.
+// The same for a text after its opening quote. Commas and brackets inside it are ordinary
+// characters.
 std::u16string_view takeQuoted(std::u16string_view& rest) {
   rest.remove_prefix(1);
   return takeUntil(rest, u"\"");
@@ -109,8 +111,8 @@ CStyle* findStyle(std::u16string_view written, const LtypeReading& reading) {
   return style;
 }
 
-// Takes the element whose '[' is at the front of `rest`, up to its ']', as the text
-// between them. A bracket inside quotes closes nothing.
+// Removes the element whose '[' is at the front of `rest`, up to its ']', and returns the text
+// between them. A bracket inside quotes does not close it.
 std::u16string_view takeElement(std::u16string_view& rest, const LtypeReading& reading) {
   rest.remove_prefix(1);
   const std::size_t first = rest.find_first_not_of(u" \t");
@@ -179,8 +181,7 @@ void appendEscape(zim::Char unit, std::u16string& out) {
   }
 }
 
-// Control characters would end the line, and a backslash may look like the beginning of
-// an escape.
+// Control characters would end the line, and a backslash could be read as an escape.
 std::u16string encoded(std::u16string_view text) {
   std::u16string out;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -194,7 +195,7 @@ std::u16string encoded(std::u16string_view text) {
   return out;
 }
 
-// Blanks that whoever reads the text would trim.
+// Escapes trailing blanks, which readers would trim.
 void guardBack(std::u16string& text) {
   if (!text.empty() && text.back() == u' ') text.replace(text.size() - 1, 1, kBlankEscape);
 }
@@ -251,7 +252,7 @@ std::u16string sixDecimals(double value, CFileReport& report) {
   return digits;
 }
 
-// Degrees come out of the division with an error of their own, which is no rounding.
+// The division adds its own error to the degrees, which must not be reported as rounding.
 std::u16string degrees(double angleRad, CFileReport& report) {
   const double value = angleRad / kRadiansPerDegree;
   const double whole = std::nearbyint(value * 1e6) / 1e6;

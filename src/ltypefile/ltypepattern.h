@@ -10,10 +10,10 @@ class CLtype;
 class CLtypeComplexDashSeq;
 class CStyleTable;
 
-// The lines of a linetype definition, apart from the file they stand in.
+// Parsing and formatting of linetype definition lines, independent of the file.
 namespace vek0::detail {
 
-/// Where a pattern line is read: whom to ask for styles and whom to tell.
+/// Context for reading a pattern line: the source of styles and the report.
 struct LtypeReading {
   const CStyleTable& styles;
   CLtypeLoader::IErrorNotifier* notifier;

@@ -17,7 +17,8 @@ constexpr int kMaxDegree = 3;
 
 // Limits of the arcs through the points.
 constexpr double kEqualTangents = 1e-12;  // radians; any joint makes the same curve below it
-constexpr double kFarJoint = 2;           // ways, from the middle of the way to the joint
+constexpr double kFarJoint = 2;           // in chord lengths, from the middle of the chord to the
+                                          // joint
 constexpr double kSteepBulge = 8;         // an arc of 331 degrees
 
 void setPoint(CURVE_VERTEX& v, double x, double y, double z) {
@@ -26,7 +27,7 @@ void setPoint(CURVE_VERTEX& v, double x, double y, double z) {
   v.z = z;
 }
 
-// The frame as a chain: a closed one comes back to its first control.
+// The control at index `i`; a closed frame wraps around to its first control.
 const CURVE_VERTEX& wrapped(const Vertexes& controls, std::size_t i) {
   return controls[i % controls.size()];
 }
@@ -37,9 +38,9 @@ double widthAt(const Vertexes& controls, double place, std::size_t span) {
   return std::lerp(v.widthStart, v.widthEnd, place - static_cast<double>(span));
 }
 
-// Gives every vertex of the curve the width that the frame has at its share of the way.
-// The curve begins `first` control spans into the frame. Where the width jumps at a
-// control, one piece of the curve ends with the old width and the next has the new one.
+// Sets the width of every vertex of the curve to that of the frame at the same fraction of its
+// length. The curve begins `first` control spans into the frame. Where the width jumps at a
+// control, one piece of the curve ends with the old width and the next begins with the new one.
 void spreadWidths(const Vertexes& controls, bool closed, double first, Vertexes& curve) {
   const double spans = static_cast<double>(controls.size() - (closed ? 0 : 1));
   const std::size_t steps = curve.size() - (closed ? 0 : 1);
@@ -51,18 +52,18 @@ void spreadWidths(const Vertexes& controls, bool closed, double first, Vertexes&
     curve[i].widthStart = widthAt(controls, from, static_cast<std::size_t>(from));
     curve[i].widthEnd = widthAt(controls, to, static_cast<std::size_t>(std::ceil(to)) - 1);
   }
-  // The segment after the end of an open curve is not drawn; its width goes on.
+  // The segment after the end of an open curve is not drawn; its width is continued.
   if (!closed) curve.back().widthStart = curve.back().widthEnd = curve[steps - 1].widthEnd;
 }
 
-// One step of de Boor or de Casteljau: a becomes the point between a and b.
+// One step of de Boor or de Casteljau: a becomes the interpolation between a and b.
 void blend(CURVE_VERTEX& a, const CURVE_VERTEX& b, double t) {
   setPoint(a, std::lerp(a.x, b.x, t), std::lerp(a.y, b.y, t), std::lerp(a.z, b.z, t));
 }
 
 // --- B-splines
 
-// Uniform knots, one to a span: clamped to the ends of an open curve, endless otherwise.
+// Uniform knots, one per span: clamped for an open curve, periodic otherwise.
 struct Knots {
   int degree;
   long spans;
@@ -152,8 +153,8 @@ Vector unit(Vector v) {
 
 Vector between(const CURVE_VERTEX& a, const CURVE_VERTEX& b) { return {b.x - a.x, b.y - a.y}; }
 
-// Tangent at `at` of the circle through three points in the order of travel; when they
-// lie in line, the way from the first to the last, or to the middle one and back.
+// Tangent at `at` of the circle through three points in the order of travel; if they are collinear,
+// the direction from the first to the last, or to the middle one if the path doubles back.
 Vector circleTangent(const CURVE_VERTEX& a, const CURVE_VERTEX& b, const CURVE_VERTEX& c,
                      const CURVE_VERTEX& at) {
   const Vector ab = between(a, b), bc = between(b, c), ac = between(a, c);
@@ -161,7 +162,7 @@ Vector circleTangent(const CURVE_VERTEX& a, const CURVE_VERTEX& b, const CURVE_V
   if (!circle.Create(PNT_3D(a.x, a.y, 0), PNT_3D(b.x, b.y, 0), PNT_3D(c.x, c.y, 0))) {
     return unit(ac.length() > 0 ? ac : ab);
   }
-  const double side = ab.x * bc.y - ab.y * bc.x < 0 ? 1 : -1;  // clockwise runs the other way
+  const double side = ab.x * bc.y - ab.y * bc.x < 0 ? 1 : -1;  // opposite for clockwise
   return unit({side * (at.y - circle.y), -side * (at.x - circle.x)});
 }
 
@@ -172,8 +173,8 @@ Vector tangent(const Vertexes& controls, bool closed, std::size_t i) {
                        wrapped(controls, middle + 1), controls[i]);
 }
 
-// Where the arcs meet that leave along `from` and arrive along `to`, seen from the middle
-// of the way between their ends. Both have tangent legs of the same length.
+// The joint of the arcs that leave along `from` and arrive along `to`, relative to the midpoint
+// between their ends. Both have tangent legs of equal length.
 Vector jointOffset(Vector way, Vector from, Vector to) {
   const Vector across{from.x - to.x, from.y - to.y};
   const double turn = across.length();
@@ -181,18 +182,18 @@ Vector jointOffset(Vector way, Vector from, Vector to) {
   const double length = way.length();
   const double along = dot(way, {from.x + to.x, from.y + to.y});
   const double root = std::hypot(along, turn * length);
-  // Two forms of one root, so that nothing cancels.
+  // Two equivalent forms of the root, chosen to avoid cancellation.
   const double leg = along > 0 ? length * (length / (root + along)) : (root - along) / turn / turn;
   return {leg * across.x / 2, leg * across.y / 2};
 }
 
-// Bulge of an arc whose tangent at one end makes the angle from `u` to `v` with its chord.
+// Bulge of an arc whose tangent at one end forms the angle from `u` to `v` with its chord.
 double bulgeBetween(Vector u, Vector v) {
   return std::tan(std::atan2(u.x * v.y - u.y * v.x, dot(u, v)) / 2);
 }
 
-// A path that doubles back asks for arcs of any size; such a span stays straight, so that
-// the curve keeps near its controls.
+// A path that doubles back would need arbitrarily large arcs; such a span stays straight, so that
+// the curve remains near its controls.
 void appendSpan(const CURVE_VERTEX& a, const CURVE_VERTEX& b, Vector from, Vector to,
                 Vertexes& curve) {
   curve.push_back(a);

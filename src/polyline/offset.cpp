@@ -10,7 +10,7 @@ constexpr double kSame = 1e-12;       // on each axis, drawing units
 constexpr double kLongestMitre = 10;  // lengths of either segment
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
-// False for what is not a number too, which so counts as no segment at all.
+// Also false for NaN, so that such segments are skipped.
 bool areApart(const PNT_2D& a, const PNT_2D& b) {
   return std::fabs(a.x - b.x) > kSame || std::fabs(a.y - b.y) > kSame;
 }
@@ -21,14 +21,14 @@ double heightOf(const PNT_3D& p) { return p.z; }
 void place(PNT_2D& out, double x, double y, double) { out.set(x, y); }
 void place(PNT_3D& out, double x, double y, double z) { out.set(x, y, z); }
 
-// The parallel of a segment: where it begins, its direction, and the points that it stands
-// for, to know which corners are those of the chain.
+// The parallel of a segment: its start, its direction, and the original points, which identify the
+// corners of the chain.
 struct Ray {
   PAR_LINE_2D line;
   double z1, z2;
   int from, to;
   std::size_t before, after;  // among the rays that remain
-  double u;                   // where the corner at its start lies on it, once accepted
+  double u;                   // parameter of the corner at its start, once accepted
 };
 
 struct Corner {
@@ -46,7 +46,7 @@ class Parallel {
     if (m_rays.size() == 1) m_closed = false;
     if (m_closed) {
       add(pts, n - 1, 0);
-      // Once more, so that the corner where the chain closes is one of two neighbors.
+      // Repeated, so that the corner where the chain closes also joins two adjacent rays.
       add(pts, 0, 1);
     }
     shift(dist);
@@ -101,8 +101,8 @@ class Parallel {
     return {t >= u0 && t <= kLongestMitre && u <= kLongestMitre, t, u};
   }
 
-  // A ray that goes leaves the corners before it as they were, so the walk goes on from
-  // there: starting anew each time would square the cost.
+  // Removing a ray does not affect the corners before it, so the scan continues from there:
+  // restarting each time would be quadratic.
   void dropReversed() {
     if (m_first == kNone) return;
     std::size_t i = m_first;
@@ -120,7 +120,7 @@ class Parallel {
     }
   }
 
-  // Answers where to go on: before the ray, or at the new first one.
+  // Returns where to continue: before the ray, or at the new first one.
   std::size_t remove(std::size_t i) {
     const std::size_t before = m_rays[i].before, after = m_rays[i].after;
     if (after != kNone) m_rays[after].before = before;

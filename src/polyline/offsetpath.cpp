@@ -10,22 +10,21 @@
 #include "vek0core/geometry/angle.h"
 #include "vek0core/polyline/offset.h"
 
-// Every edge and every outer corner has its own parallel. From each we take away what lies
-// too near to some other part of the path; the pieces that remain meet end to end. That
-// needs no crossing to be found twice, and no winding: an open path that crosses itself is
-// no special case.
+// Every edge and every outer corner has its own parallel. From each we remove the parts too near to
+// another part of the path; the remaining pieces meet end to end. No crossing has to be found
+// twice, and no winding numbers are needed: a self-intersecting open path is no special case.
 
 namespace vek0::detail {
 namespace {
 
-constexpr double kDepth = 1e-12;      // share of the distance that counts as too near
-constexpr double kShortest = 1e-8;    // share of it that the shortest piece measures
+constexpr double kDepth = 1e-12;      // fraction of the distance that counts as too near
+constexpr double kShortest = 1e-8;    // length of the shortest piece as a fraction of the distance
 constexpr double kRounding = 4e-15;   // of the path's size
-constexpr double kPlaces = 1e-15;     // of its coordinates, which rounded it when it was made
-constexpr double kFinest = 1e-9;      // share of the size below which a distance is nothing
+constexpr double kPlaces = 1e-15;     // of its coordinates, for the rounding of the input
+constexpr double kFinest = 1e-9;      // fraction of the size below which a distance counts as zero
 constexpr double kStraightOn = 1e-9;  // radians
 constexpr double kMostTests = 4e8;
-constexpr std::size_t kNearby = 4;  // edges to either side that are looked at first
+constexpr std::size_t kNearby = 4;  // edges to either side that are examined first
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
 PNT_2D rightOf(const PNT_2D& d) { return {d.y, -d.x}; }
@@ -40,12 +39,12 @@ struct Span {
   double from, to;
 };
 
-// A parallel of an edge, or what joins those of neighbors.
+// The parallel of an edge, or the join between two adjacent parallels.
 struct Piece {
   EDGE_3D edge;
   std::size_t source;  // the edge, or the edge that begins at the corner
   bool isJoin;
-  bool isChord;  // shows as the segment between its ends
+  bool isChord;  // is drawn as the segment between its ends
 };
 
 class Offset {
@@ -58,8 +57,8 @@ class Offset {
     const double farthest = std::max(
         {std::fabs(box.min.x), std::fabs(box.min.y), std::fabs(box.max.x), std::fabs(box.max.y)});
     m_margin = kDepth * dist + kRounding * m_size + kPlaces * farthest;
-    // Neighbors that meet at so flat an angle that neither is too near to the other may
-    // overlap by this: an angle t makes d * t / 2 of it, at a depth of d * t * t / 4.
+    // Adjacent pieces that meet at such a flat angle that neither is too near to the other may
+    // overlap by this much: an angle t causes an overlap of d * t / 2, at a depth of d * t * t / 4.
     m_meeting = 4 * std::sqrt(m_margin * dist);
     takeEdges(path);
     makeZones();
@@ -94,8 +93,8 @@ class Offset {
   bool hasCorner(std::size_t i) const { return m_closed || i > 0; }  // where edge i begins
   const EDGE_3D& before(std::size_t i) const { return m_edges[(i + count() - 1) % count()]; }
 
-  // How far the path turns where edge i begins; a turn back counts as one to the left, so
-  // that the right side goes round.
+  // Angle by which the path turns where edge i begins; a reversal counts as a left turn, so that
+  // the right side goes around.
   double cornerTurn(std::size_t i) const {
     const double turn = turnOf(before(i).direction(1), m_edges[i].direction(0));
     return turn < kStraightOn - kPi ? kPi : turn;
@@ -139,7 +138,7 @@ class Offset {
     }
   }
 
-  // False for an arc whose center is reached: what is beyond is nearer to its ends.
+  // False for an arc whose offset reaches its center: points beyond are nearer to its ends.
   bool offsetEdge(EDGE_3D& edge) const {
     if (edge.isArc()) {
       const double radius = edge.radius + (edge.sweep > 0 ? m_dist : -m_dist);
@@ -187,7 +186,7 @@ class Offset {
   void keepOutside(const Piece& piece, const BoxIndex& edges, const BoxIndex& mitres) {
     m_piece = &piece;
     m_spans.assign(1, Span{0, 1});
-    // Neighbors swallow most of what a winding path swallows at all.
+    // Nearby edges remove most of what a winding path removes at all.
     for (std::size_t k = 1; k <= std::min(kNearby, count() - 1) && !m_spans.empty(); ++k) {
       leaveEdge((piece.source + k) % count());
       if (!m_spans.empty()) leaveEdge((piece.source + count() - k) % count());
@@ -235,12 +234,12 @@ class Offset {
         });
   }
 
-  // A way that has sources to both sides at the very distance has no width.
+  // A passage with sources on both sides at exactly the distance has no width.
   bool isBetween(const PNT_2D& p, const PNT_2D& source) const {
     return cross(m_piece->edge.direction(m_piece->edge.paramOf(p)), source - p) < 0;
   }
 
-  // A path that runs along itself twice has its parallel once; mitres give way to edges.
+  // A path that retraces itself yields its parallel once; miters yield to edges.
   bool isSpareBesideEdge(const EdgeZone& zone, std::size_t j, const PNT_2D& p) const {
     if (isBetween(p, zone.source(p))) return true;
     if (m_piece->isJoin && m_piece->edge.isArc()) return false;
@@ -266,8 +265,7 @@ class Offset {
     return m_piece->isJoin && m_mitreOf[j] < m_piece->source;
   }
 
-  // Takes from the spans what is inside the zone, and what runs along its border and is
-  // spare there.
+  // Removes from the spans the parts inside the zone, and redundant parts along its border.
   template <class Zone, class Spare, class MoreCuts>
   void leave(const Zone& zone, Spare spare, MoreCuts moreCuts) {
     m_left.clear();
@@ -313,7 +311,7 @@ class Offset {
     const double depth = zone.depth(middle);
     if (depth > m_margin) return true;
     if (depth < -m_margin) return false;
-    // Along the border, or just touching it in the middle?
+    // Distinguishes running along the border from just touching it in the middle.
     const auto isAlong = [&](double share) {
       return std::fabs(zone.depth(edge.at(from + (to - from) * share))) <= m_margin;
     };
@@ -344,8 +342,8 @@ class Offset {
       starts.find(
           m_slices[i].p2, [&](std::uint32_t j) { return !m_isFollowed[j]; },
           [&](std::uint32_t j) {
-            // Of several that begin here, what hugs the path most goes on, so that results
-            // touch but never cross.
+            // Of several slices that begin here, the one closest to the path continues, so that
+            // results may touch but never cross.
             const double gap = std::max(m_slices[i].p2.PNT_2D::dist(m_slices[j].p1), here);
             double turn = turnOf(m_in[i], m_out[j]);
             if (turn > kPi - kStraightOn) turn = -kPi;
@@ -399,7 +397,7 @@ class Offset {
   double m_dist;
   OFFSET_OPTIONS m_options;
   bool m_closed;
-  PNT_3D m_middle;  // numbers far from the origin would lose digits
+  PNT_3D m_middle;  // coordinates are relative to it: far from the origin they would lose digits
   double m_size, m_margin, m_meeting;
   std::vector<EDGE_3D> m_edges;
   std::vector<EdgeZone> m_edgeZones;

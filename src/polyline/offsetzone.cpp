@@ -10,7 +10,8 @@
 namespace vek0::detail {
 namespace {
 
-constexpr double kEndShare = 1e-12;  // of an edge, beyond its ends: neighbors leave no seam
+constexpr double kEndShare = 1e-12;  // extends an edge beyond its ends, so that adjacent zones
+                                     // leave no seam
 constexpr double kOutside = -std::numeric_limits<double>::infinity();
 
 double turned(double angle) {

@@ -8,21 +8,21 @@
 
 namespace vek0::detail {
 
-/// What an offset may not enter: everything nearer than the distance to an edge, square to
-/// it, or to a vertex, or within the mitre of a corner.
+/// A zone that an offset must not enter: the points nearer than the distance to an edge (measured
+/// perpendicularly) or to a vertex, or within the miter of a corner.
 ///
-/// `depth` tells how far inside a point is, negative outside; `source` is the point of the
-/// path that a point on the border stands beside.
+/// `depth` is the distance of a point inside the zone, negative outside; `source` is the point of
+/// the path that corresponds to a point on the border.
 class EdgeZone {
  public:
   EdgeZone(const EDGE_3D& edge, double dist);
 
   double depth(const PNT_2D& p) const;
   PNT_2D source(const PNT_2D& p) const;
-  /// Direction of the edge abreast of `p`.
+  /// Direction of the edge beside `p`.
   PNT_2D direction(const PNT_2D& p) const { return m_edge.direction(m_edge.paramOf(p)); }
-  /// Whether the disc about `p` lies wholly outside, or wholly deeper than `margin`.
-  /// Neither need be told where it is true.
+  /// Whether the disc about `p` is entirely outside, or entirely deeper than `margin`.
+  /// Conservative: may return false where it is true.
   bool misses(const PNT_2D& p, double radius) const;
   bool swallows(const PNT_2D& p, double radius, double margin) const;
   template <class Cuts>
@@ -54,8 +54,8 @@ class VertexZone {
   double m_dist;
 };
 
-/// The kite between a corner, the ends of the parallels and the tip of the mitre, which run
-/// counterclockwise.
+/// The kite formed by a corner, the ends of the parallels and the tip of the miter, in
+/// counterclockwise order.
 class MitreZone {
  public:
   MitreZone(const PNT_2D& corner, const PNT_2D& end, const PNT_2D& tip, const PNT_2D& start)
@@ -66,7 +66,7 @@ class MitreZone {
   bool swallows(const PNT_2D& p, double radius, double margin) const {
     return depth(p) > radius + margin;
   }
-  /// Between the corner and the tip, inside.
+  /// An interior point between the corner and the tip.
   PNT_2D middle() const {
     return {(m_corners[0].x + m_corners[2].x) / 2, (m_corners[0].y + m_corners[2].y) / 2};
   }

@@ -11,12 +11,13 @@ namespace {
 
 constexpr double kMitreLimit = 4;    // widths from the vertex to the corner
 constexpr double kParallel = 1e-9;   // sine of the angle below which sides do not meet
-constexpr double kSameWidth = 1e-9;  // share of a width that rounding may make of a joint
+constexpr double kSameWidth = 1e-9;  // width difference at a joint attributable to rounding, as a
+                                     // fraction of the width
 constexpr double kLeft = 1, kRight = -1;
 
 double cross(const PNT_2D& a, const PNT_2D& b) { return a.x * b.y - a.y * b.x; }
 
-// A segment with length: its ends, half widths there, its length and direction.
+// A segment of non-zero length: its ends, half widths there, its length and direction.
 struct Segment {
   PNT_3D from, to;
   double halfStart, halfEnd;
@@ -25,7 +26,7 @@ struct Segment {
 
   PNT_3D start(double side) const { return offset(from, side * halfStart); }
   PNT_3D end(double side) const { return offset(to, side * halfEnd); }
-  /// Whether its body, ends and sides included, holds the point.
+  /// Whether its body, including ends and sides, contains the point.
   bool holds(const PNT_3D& p) const {
     const PNT_2D d(p.x - from.x, p.y - from.y);
     const double along = (d.x * way.x + d.y * way.y) / length;
@@ -51,8 +52,8 @@ std::vector<Segment> segmentsOf(const std::vector<WIDE_VERTEX>& vertexes, bool c
   return segments;
 }
 
-// Where the lines through the sides of two neighbors cross, how far along each side (0 at
-// its start, 1 at its end), and to which side they turn there.
+// The intersection of the lines through the sides of two adjacent segments, its parameter on each
+// side (0 at its start, 1 at its end), and the direction of the turn.
 struct Crossing {
   PNT_3D at;
   double along, alongNext;
@@ -72,7 +73,7 @@ bool sidesCross(const Segment& a, const Segment& b, double side, Crossing& cross
   return true;
 }
 
-// The side that a turn runs around, which is the longer one there; 0 for neither.
+// The outer side of a turn, which is the longer one; 0 for neither.
 double outerSide(const Segment& a, const Segment& b) {
   const double turn = cross(a.way, b.way);
   if (turn == 0) return 0;
@@ -84,8 +85,8 @@ bool isSameWidth(const Segment& a, const Segment& b) {
   return std::fabs(a.halfEnd - b.halfStart) <= kSameWidth * wider;
 }
 
-// The corner around which the outer side of a turn runs; false when it lies in one of the
-// bodies, where it would cut off the other, or too far out.
+// The outer corner of a turn; false if it is inside one of the bodies, where it would cut off the
+// other, or too far out.
 bool mitre(const Segment& a, const Segment& b, PNT_3D& corner) {
   const double side = outerSide(a, b);
   Crossing crossing;
@@ -95,8 +96,8 @@ bool mitre(const Segment& a, const Segment& b, PNT_3D& corner) {
   return isOutside && corner.PNT_2D::dist(b.from) <= kMitreLimit * 2 * a.halfEnd;
 }
 
-// The corner at which the inner side of a turn can change from one body to the other: what
-// it leaves out between itself and the vertex lies in both.
+// The corner at which the inner side of a turn can switch from one body to the other: the area that
+// it omits between itself and the vertex is in both.
 bool innerCorner(const Segment& a, const Segment& b, PNT_3D& corner) {
   const double side = -outerSide(a, b);
   Crossing crossing;
@@ -106,8 +107,8 @@ bool innerCorner(const Segment& a, const Segment& b, PNT_3D& corner) {
          crossing.alongNext <= 1 && a.holds(b.start(side)) && b.holds(a.end(side));
 }
 
-// A place that k inner corners leave out lies in k + 1 bodies, and one remains; but in k of
-// them where the joints are all of a ring. Whether those may have a place in common.
+// An area omitted by k inner corners lies in k + 1 bodies, so one remains; but only in k of them if
+// these are all joints of a ring. Returns whether such areas may overlap.
 bool mayLeaveOutAlike(const std::vector<Segment>& segments) {
   constexpr double all = std::numeric_limits<double>::infinity();
   RECT_2D common(-all, -all, all, all);
@@ -124,8 +125,8 @@ bool mayLeaveOutAlike(const std::vector<Segment>& segments) {
   return true;
 }
 
-// Each way is right by the non-zero rule. By way of the vertex is the plainest: the outline
-// is the sum of the bodies then, which all turn the same way.
+// Any route is correct by the non-zero rule. The one through the vertex is the simplest: the
+// outline is then the sum of the bodies, which all have the same orientation.
 void appendJoint(const Segment& a, const Segment& b, double side, bool isPlain,
                  std::vector<PNT_3D>& ring) {
   const PNT_3D end = a.end(side), start = b.start(side);

@@ -15,7 +15,7 @@ std::unique_ptr<CColors>& colors() {
   return colors;
 }
 
-// Two threads may make their first drawings at the same time.
+// Two threads may create their first drawings at the same time.
 std::mutex& colorsMutex() {
   static std::mutex mutex;
   return mutex;

@@ -10,11 +10,11 @@ namespace {
 
 constexpr double kHeightUnit = 1.0;
 constexpr double kDescent = 1.0 / 3.0;
-constexpr double kAdvance = 0.9;      // of the height unit, a letter
+constexpr double kAdvance = 0.9;      // per character, in height units
 constexpr double kWideAdvance = 1.8;  // an ideograph, a kana, a Hangul syllable
 constexpr double kBoldFactor = 1.1;
 
-// Characters that take two columns in East Asian text.
+// Characters that occupy two columns in East Asian text.
 bool isWide(char32_t c) {
   return (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0xA4CF && c != 0x303F) ||
          (c >= 0xAC00 && c <= 0xD7A3) || (c >= 0xF900 && c <= 0xFAFF) ||
@@ -27,7 +27,7 @@ std::unique_ptr<CFontTable>& fonts() {
   return table;
 }
 
-// Two threads may make their first drawings at the same time.
+// Two threads may create their first drawings at the same time.
 std::mutex& fontsMutex() {
   static std::mutex mutex;
   return mutex;

@@ -7,15 +7,15 @@
 
 namespace vek0::detail {
 
-/// First slot in use of an array with holes, from `from` on; the size when there is none.
+/// First used slot of an array with holes, from `from` on; the size if there is none.
 template <class T>
 std::size_t firstUsed(const std::vector<T*>& slots, std::size_t from) {
   while (from < slots.size() && slots[from] == nullptr) ++from;
   return from;
 }
 
-/// Spreads what stands in [first, last) evenly, with a hole before slot `at`, which is in use;
-/// answers the place of the hole. There must be one in the range.
+/// Spreads the items in [first, last) evenly, with a hole before slot `at`, which is in use;
+/// returns the position of the hole. The range must contain one.
 template <class T, class Moved>
 std::size_t spreadAround(std::vector<T*>& slots, std::size_t first, std::size_t last,
                          std::size_t at, const Moved& moved) {
@@ -29,7 +29,7 @@ std::size_t spreadAround(std::vector<T*>& slots, std::size_t first, std::size_t 
   }
   const std::size_t count = last - packed + 1, width = last - first;
   std::size_t hole = first, placed = 0;
-  // No slot is behind that of the packed item, so that none is overwritten.
+  // No target slot is after that of the packed item, so none is overwritten.
   for (std::size_t i = packed; i < last; ++i) {
     if (i == next) hole = first + placed++ * width / count;
     T* const item = slots[i];
@@ -86,7 +86,7 @@ std::size_t holeBefore(std::vector<T*>& slots, std::size_t at, std::size_t& hole
   if (at > 0 && slots[at - 1] == nullptr) return at - 1;
   if (at == slots.size()) return holeAtEnd(slots, holes, moved);
   constexpr std::size_t kLeast = 16;
-  constexpr double kDensestAll = 0.75;  // share in use of the whole array, 1 of the least range
+  constexpr double kDensestAll = 0.75;  // maximum fill of the whole array; 1 for the smallest range
   double levels = 1, level = 0;
   for (std::size_t width = kLeast; width < slots.size(); width *= 2) ++levels;
   for (std::size_t width = kLeast; width < slots.size(); width *= 2, ++level) {

@@ -9,7 +9,7 @@
 
 namespace {
 
-// Equal elements: the same kind with the same value or text.
+// Whether the elements are equal: the same kind with the same value or text.
 bool sameDash(const ILtypeComplexDash& a, const ILtypeComplexDash& b) {
   if (a.IsText() != b.IsText() || a.IsDoubleDash() != b.IsDoubleDash()) return false;
   return a.IsText() ? *a.GetText() == *b.GetText() : a.GetValue() == b.GetValue();
@@ -98,8 +98,7 @@ void CLtypeComplexDashSeq::RemoveDash(int pos) {
   sumLength();
 }
 
-// Summed anew in element order: subtracting what was added drifts, and lengths are
-// compared exactly.
+// Recomputed in element order: incremental updates would drift, and lengths are compared exactly.
 void CLtypeComplexDashSeq::sumLength() {
   m_length = 0;
   for (const auto& dash : m_dashes) m_length += std::fabs(dash->GetValue());

@@ -12,12 +12,12 @@
 
 namespace {
 
-constexpr std::size_t kLongRun = 64;  // holes that are passed over before they are closed
+constexpr std::size_t kLongRun = 64;  // holes skipped before they are closed
 constexpr std::size_t kMostDigits = std::numeric_limits<int>::digits10 + 1;
 
 bool isDigit(zim::Char unit) { return unit >= u'0' && unit <= u'9'; }
 
-// The number that these digits spell the way we would write it, if it is one.
+// The number that these digits spell in our canonical form, if any.
 std::optional<int> canonicalNumber(std::u16string_view digits) {
   if (digits.empty() || digits.size() > kMostDigits || digits[0] == u'0') return std::nullopt;
   long long value = 0;
@@ -161,8 +161,8 @@ void CNamedItemTableImp::restore(CNamedItem* item, const Place& place) {
 
 CNamedItem* CNamedItemTableImp::get(std::u16string_view name) const { return m_byName.find(name); }
 
-// Closing the holes at every look-up would make a loop that looks and removes square.
-// So they are looked through until that has cost as much as closing them does.
+// Closing the holes at every look-up would make a loop of look-ups and removals quadratic. So
+// look-ups search through them until that has cost as much as closing them.
 CNamedItem* CNamedItemTableImp::operator[](int i) const {
   const auto rank = static_cast<std::size_t>(i);
   if (m_holes != 0) {
@@ -175,7 +175,7 @@ CNamedItem* CNamedItemTableImp::operator[](int i) const {
 }
 
 void CNamedItemTableImp::clearAll() {
-  // None may look for its place any more when the first is deleted.
+  // Detach all items before deleting the first: their destructors must not look for their position.
   for (const CNamedItem* item : removeAll()) delete item;
 }
 
@@ -224,8 +224,8 @@ void CNamedItemTableImp::rename(CNamedItem* item, const zim::WString& name) {
   m_byName.insert(item);
 }
 
-// A name that ends in digits is a prefix and a number in as many ways as it has
-// digits at its end; only prefixes that somebody asked for are kept.
+// A name that ends in digits splits into prefix and number in as many ways as it has trailing
+// digits; only requested prefixes are kept.
 void CNamedItemTableImp::changeNumbers(std::u16string_view name, NumberChange change) {
   if (m_numbers.empty()) return;
   try {
@@ -237,7 +237,7 @@ void CNamedItemTableImp::changeNumbers(std::u16string_view name, NumberChange ch
       if (const auto number = canonicalNumber(name.substr(at))) (found->second.*change)(*number);
     }
   } catch (const std::bad_alloc&) {
-    m_numbers.clear();  // they are counted anew when somebody asks
+    m_numbers.clear();  // recounted on demand
   }
 }
 

@@ -10,7 +10,7 @@ constexpr std::size_t kFirstSlots = 16;
 
 }  // namespace
 
-// The slot of that name, or the free one where it would go. There is always a free one.
+// The slot of that name, or the free one where it would be inserted. There is always a free slot.
 std::size_t NameIndex::locate(std::size_t hash, std::u16string_view name) const {
   std::size_t slot = home(hash);
   while (m_slots[slot].first) {
@@ -50,8 +50,8 @@ void NameIndex::insert(CNamedItem* item) {
   chain(slot.first, item);
 }
 
-// The chain is in order of rank. Its first item names the last one as its predecessor,
-// so that appending, the usual case, needs no walk.
+// The chain is ordered by rank. Its first item has the last one as its predecessor, so that
+// appending, the usual case, needs no traversal.
 void NameIndex::chain(CNamedItem*& first, CNamedItem* item) {
   item->m_sameNext = nullptr;
   item->m_samePrev = item;
@@ -61,7 +61,7 @@ void NameIndex::chain(CNamedItem*& first, CNamedItem* item) {
   }
   CNamedItem* before = first->m_samePrev;
   while (before->m_rank > item->m_rank && before != first) before = before->m_samePrev;
-  if (before->m_rank > item->m_rank) {  // in front of all
+  if (before->m_rank > item->m_rank) {  // before all others
     item->m_sameNext = first;
     item->m_samePrev = first->m_samePrev;
     first->m_samePrev = item;
@@ -90,7 +90,7 @@ void NameIndex::remove(CNamedItem* item) {
   }
 }
 
-// Later slots of the same run move up, so that no look-up meets a gap before its slot.
+// Later slots of the same run are shifted back, so that no look-up finds a gap before its slot.
 void NameIndex::freeSlot(std::size_t slot) {
   --m_used;
   for (std::size_t from = next(slot); m_slots[from].first; from = next(from)) {

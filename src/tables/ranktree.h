@@ -7,11 +7,11 @@
 
 namespace vek0::detail {
 
-/// Finds the k-th slot in use of an array with holes, in logarithmic time (a Fenwick
-/// tree of counts). Positions and ranks count from 0.
+/// Finds the k-th used slot of an array with holes, in logarithmic time (a Fenwick tree of counts).
+/// Positions and ranks count from 0.
 class RankTree {
  public:
-  /// Of an array of pointers, in which null is a hole. Linear.
+  /// For an array of pointers in which null is a hole. Linear.
   template <class T>
   explicit RankTree(const std::vector<T*>& slots) {
     m_counts.reserve(slots.size() + 1);
@@ -26,20 +26,20 @@ class RankTree {
     m_counts.push_back(count);
   }
 
-  /// The slot at `position` becomes a hole.
+  /// Marks the slot at `position` as a hole.
   void remove(std::size_t position) {
     for (std::size_t node = position + 1; node < m_counts.size(); node += lowBit(node))
       --m_counts[node];
   }
 
-  /// The hole at `position` is put to use.
+  /// Marks the hole at `position` as used.
   void fill(std::size_t position) {
     for (std::size_t node = position + 1; node < m_counts.size(); node += lowBit(node))
       ++m_counts[node];
   }
 
-  /// Position of the slot in use before which there are `rank` others; the number of
-  /// slots when there is none.
+  /// Position of the used slot with exactly `rank` used slots before it; the number of slots if
+  /// there is none.
   std::size_t select(std::size_t rank) const {
     std::size_t step = 1;
     while (2 * step < m_counts.size()) step *= 2;
@@ -55,7 +55,7 @@ class RankTree {
  private:
   static std::size_t lowBit(std::size_t node) { return node & (~node + 1); }
 
-  std::vector<std::size_t> m_counts;  // [n]: slots in use among the lowBit(n) before n
+  std::vector<std::size_t> m_counts;  // [n]: used slots among the lowBit(n) before n
 };
 
 /// Whether there is a tree of the array; without memory there is none, and the array has to be

@@ -27,7 +27,7 @@ const ICADFont& fontOf(const CStyle* style) {
   return font ? *font : defaultFontMetrics();
 }
 
-// A font that claims no height would have texts of any height divide by nothing.
+// Guards against division by zero for fonts that report no height.
 double heightUnitOf(const CStyle* style) {
   const double unit = fontOf(style).getHeightUnit();
   return unit > 0 ? unit : 1;
@@ -80,7 +80,7 @@ zim::WString TEXT_3D::getAlignName(long justification) {
   return s_lpszAlignNames[valid(justification)];
 }
 
-// Drawing units a font unit.
+// Drawing units per font unit.
 double TEXT_3D::unitScale() const { return m_context.getHeight() / heightUnitOf(m_style); }
 
 double TEXT_3D::getStringLength() const {

@@ -78,7 +78,7 @@ void CPVProjector::to3D(double u, double v, double depth, double& x, double& y, 
   z = v;
 }
 
-// Assigned, not `set`: the negated y exchanges the limits, and nothing else may.
+// Assigned directly, because `set` would reorder the limits: only the negated y may swap them.
 void CPLProjector::to2D(const RECT_3D& box, RECT_2D& out) const {
   if (!box.validRegion()) return out.initRegion();
   out.min.set(-box.max.y, box.min.z);
@@ -137,7 +137,7 @@ void CPORotatedProjector::to3D(double u, double v, double depth, double& x, doub
 CParalProjector::CParalProjector(double a, double b, double c, double d)
     : m_a(a), m_b(b), m_c(c), m_d(d), m_invDet(1 / (a * d - b * c)) {}
 
-// Height adds to v alone, so the corners of the bottom without their z give all eight.
+// Height only adds to v, so the bottom corners without z determine all eight.
 void CParalProjector::to2D(const RECT_3D& box, RECT_2D& out) const {
   if (!box.validRegion()) return out.initRegion();
   boxOfPlan(*this, box, out);

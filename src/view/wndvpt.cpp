@@ -6,7 +6,7 @@
 namespace {
 
 constexpr double kDefaultRatio = 1;
-constexpr double kPointMargin = 0.5;  // world units on each side of a window without extent
+constexpr double kPointMargin = 0.5;  // world units on each side of a window of zero extent
 
 bool isPositive(double value) { return value > 0 && std::isfinite(value); }
 
@@ -45,8 +45,8 @@ void CWndVpt::DoCalcExtUsingCenterAndScale() {
   DoRealizePosition();
 }
 
-// A window that has lost its extent to rounding, far from the origin, is not sound
-// either: no scale could be found for it again.
+// A window far from the origin whose extent was lost to rounding is unsound too: no scale could be
+// computed for it.
 bool CWndVpt::isSound() const {
   const bool scaled = isPositive(m_scaleX) && isPositive(m_scaleY);
   return isFinite(m_window.min) && isFinite(m_window.max) && isFinite(m_center) &&
@@ -69,8 +69,8 @@ bool CWndVpt::fitScales(double worldWidth, double worldHeight) {
   return fitX < fitY;
 }
 
-// The side that decides the scale keeps its limits to the last bit; the other is
-// computed, and never made shorter than the rectangle by rounding.
+// The side that determines the scale keeps its exact limits; the other is computed, and rounding
+// never makes it shorter than the rectangle.
 void CWndVpt::fit(const RECT_2D& rect) {
   m_window = rect;
   widen(m_window.min.x, m_window.max.x);
