@@ -109,7 +109,7 @@ class RingJoiner {
     Points path;
     std::vector<std::size_t> pathNumbers;
     for (std::size_t i = 0; i < ring.size(); ++i) {
-      std::size_t& place = m_place[numbers[i]];  // position on the path, counted from 1
+      std::size_t& place = m_place[numbers[i]];  // position position on the path, counted from 1
       if (place > 0) {
         appendLoop(path, place - 1);
         for (; pathNumbers.size() > place; pathNumbers.pop_back()) m_place[pathNumbers.back()] = 0;

@@ -73,13 +73,12 @@ std::size_t holeAtEnd(std::vector<T*>& slots, std::size_t& holes, const Moved& m
   return slots.size() - 1;
 }
 
-/// Position of a hole right before `at`, where something may go that has to stand between
-/// what is on both sides. There is one wherever something was taken out and the array was
-/// not closed up since. Otherwise what stands near is spread, over as little as has room:
-/// the wider the range, the sparser it has to be, which makes requests in any order cost the
-/// square of the logarithm of the size on average. `moved` hears of everything that has a
-/// new position, and `holes` is kept true. The array grows to half as much again as is in
-/// use, if it has to grow at all. No memory is needed for as many items as the array has had.
+/// Position of a hole directly before `at`, for inserting an item between its neighbors. There is
+/// one wherever an item was removed since the last compaction. Otherwise nearby items are spread
+/// over the smallest range with room: the wider the range, the sparser it must be, so that requests
+/// in any order cost the squared logarithm of the size on average. `moved` is called for every item
+/// with a new position, and `holes` is updated. If the array must grow, it grows to 1.5 times the
+/// slots in use. No memory is needed for as many items as the array has had.
 template <class T, class Moved>
 std::size_t holeBefore(std::vector<T*>& slots, std::size_t at, std::size_t& holes,
                        const Moved& moved) {

@@ -108,13 +108,13 @@ class VEK0_API CData {
   double getHatchLimit() const { return m_hatchLimit; }
   void setHatchLimit(double limit) { m_hatchLimit = limit; }
 
-  /// Deletes everything but the fixed linetypes, layer "0" and style "STANDARD", which only lose
-  /// what names other items. Needs no memory.
+  /// Deletes everything except the fixed linetypes, layer "0" and style "STANDARD", which only lose
+  /// their references to other items. Needs no memory.
   void clearAll();
 
-  /// A font of this drawing's own that has this name and the default measures, made on
-  /// the first call for the name: it keeps the name of a font that the process does not
-  /// have. It lives as long as the drawing and those that share its fonts.
+  /// A font owned by this drawing with this name and the default metrics, created on the first
+  /// call: it preserves the name of a font that the process does not have. It lives as long as the
+  /// drawing and those that share its fonts.
   const ICADFont* needFont(const zim::WString& name);
   /// Makes `data`, which takes over styles of this drawing, keep the fonts alive too.
   void shareFonts(CData& data) const { data.m_fonts.insert(m_fonts.begin(), m_fonts.end()); }

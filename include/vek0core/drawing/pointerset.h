@@ -18,9 +18,9 @@ class VEK0_API PointerSet {
   /// Returns whether the address is new. May throw `std::bad_alloc`, leaving the set unchanged.
   /// Constant time on average.
   bool insert(const void* pointer);
-  /// Makes room for that many more, after which inserting them does not throw.
+  /// Reserves room for that many more addresses; inserting them then does not throw.
   void reserve(std::size_t more);
-  /// Empties the set and gives its memory back.
+  /// Clears the set and frees its memory.
   void clear();
 
  private:

@@ -39,10 +39,10 @@ class UndoAction;
 /// While the stack has steps, add and remove entities, blocks and table items only through it, and
 /// `keep` everything before changing it. The drawing must outlive the stack.
 ///
-/// An edit costs what the edit itself costs and one snapshot of what it touches, whatever
-/// the drawing and the stack hold; see `CBlock::restore` for entities of blocks. Every edit
-/// answers whether it was made; false means that nothing has changed, and that what was to
-/// be added still is the caller's. That goes for memory that runs out too.
+/// An edit costs the edit itself and one snapshot of what it touches, independent of the size of
+/// the drawing and the stack; see `CBlock::restore` for entities of blocks. Every edit returns
+/// whether it was made; false means that nothing has changed, and that an object to be added still
+/// belongs to the caller. The same applies when memory runs out.
 class VEK0_API CUndoStack {
  public:
   static constexpr std::size_t kDefaultLimit = std::size_t{64} << 20;  ///< bytes
@@ -56,16 +56,16 @@ class VEK0_API CUndoStack {
 
   // --- Steps
 
-  /// Opens a step. Throws `std::bad_alloc` with nothing changed. Within an open one it only
-  /// counts, and the outermost name holds.
+  /// Opens a step. Throws `std::bad_alloc` with nothing changed. Within an open step it only
+  /// increments the nesting level, and the outermost name applies.
   void begin(const zim::WString& name);
   /// Closes the step; the outermost call completes it, discards the undone steps, and drops the
   /// oldest steps beyond the limit. A step without edits is not recorded: then, and for inner
   /// calls, it returns false.
   bool commit();
-  /// Takes back what the open step has done, inner ones included, and forgets it. Needs memory
-  /// only to make vertices, attributes or lines of hatches again that the host has deleted:
-  /// throws `std::bad_alloc` when there is none, and the step stays open with what is left of it.
+  /// Reverts the open step, inner ones included, and discards it. Needs memory only to recreate
+  /// vertices, attributes or hatch lines that the host has deleted: throws `std::bad_alloc` if it
+  /// runs out, and the step stays open with the remaining edits.
   void rollback();
   bool isOpen() const { return m_depth != 0; }
 
@@ -76,8 +76,8 @@ class VEK0_API CUndoStack {
   /// Merges the last step into the previous one, which keeps its name: dragging with the mouse is
   /// many edits but one step. False with fewer than two steps to undo, or with an open step.
   bool merge();
-  /// Forgets every step and deletes what they owned; the open one is rolled back, as far as
-  /// memory allows.
+  /// Discards every step and deletes what they owned; the open one is rolled back, as far as memory
+  /// allows.
   void clear();
 
   std::size_t getNoUndo() const { return m_done.size(); }

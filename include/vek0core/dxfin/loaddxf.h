@@ -14,11 +14,11 @@ class IFile;
 /// Reads `file` into `data`, which should be new and empty; otherwise the file's definitions
 /// replace those of equal names.
 ///
-/// The outcome is in `err` (null: nobody wants to know). After an error the
-/// drawing holds what was read until then, in good order. A file that cannot be
-/// opened leaves no error: ask `file.fail()`. Handles are kept. The cost is linear in the file.
+/// The outcome is in `err` (null: nobody wants to know). After an error the drawing holds what was
+/// read until then, in good order. Failure to open the file records no error: check `file.fail()`.
+/// Handles are kept. Linear in the file.
 ///
-/// Running out of memory is error 1, and a drawing that was new is new again.
+/// Running out of memory is error 1, and a drawing that was new is reset to that state.
 VEK0_API void loadDXF(CData& data, IFile& file, CFileDXFIError* err);
 
 /// Adds the content of `file` to `data`, whose definitions win where names are equal; anonymous

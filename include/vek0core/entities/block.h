@@ -53,9 +53,9 @@ class VEK0_API CBlock : public CNamedItem {
   /// Deletes the entities. The block is removed from its table and graph.
   ~CBlock() override;
 
-  /// Takes the entity over: moves it by the negated base point and appends it. Throws
-  /// `std::bad_alloc` with nothing changed, as `restore` does; the entity still is the caller's
-  /// then.
+  /// Takes ownership of the entity, moves it by the negated base point and appends it. Throws
+  /// `std::bad_alloc` with nothing changed, as `restore` does; the caller then still owns the
+  /// entity.
   virtual void add(CEnt* ent);
 
   /// Removes the entity; the caller owns it afterwards. It is not moved back: to undo, pass it to
@@ -137,7 +137,7 @@ class VEK0_API CBlock : public CNamedItem {
   /// the caller; entities that meanwhile have another owner stay there. Counts and block graph are
   /// not updated: see `CBlockTable::setMemento`.
   void setMemento(const CBlockMemento& memento);
-  /// The same, and `memento` becomes one of what the block was. Allocates nothing.
+  /// The same; `memento` receives the block's previous state. Does not allocate.
   void exchange(CBlockMemento& memento);
   bool operator==(const CBlockMemento& memento) const;
   bool operator!=(const CBlockMemento& memento) const { return !(*this == memento); }
@@ -149,10 +149,10 @@ class VEK0_API CBlock : public CNamedItem {
   explicit CBlock(const zim::WString& name);
   CBlock(const zim::WString& name, const PNT_3D& base, long flags);
 
-  /// Has these entities instead of its own, which it lets go of. Allocates nothing.
+  /// Replaces the entities, releasing the old ones. Does not allocate.
   void swapEntities(std::vector<CEnt*>& entities);
 
-  /// Sets the base point and leaves the entities where they are.
+  /// Sets the base point without moving the entities.
   void setOrigin(const PNT_3D& base) { m_base = base; }
 
  private:
@@ -194,8 +194,10 @@ class VEK0_API CBlock : public CNamedItem {
   // until the extents are requested.
   mutable std::size_t m_noBoxed = 0;
   mutable bool m_bdryStale = false;
-  mutable bool m_bdryBusy = false;   // being computed: an insert of itself stops here
-  mutable bool m_bdryAsked = false;  // handed out since the users were told of a change
+  mutable bool m_bdryBusy = false;   // being computed: stops the recursion of a block that inserts
+                                     // itself
+  mutable bool m_bdryAsked = false;  // extents were requested since the last notification of the
+                                     // users
   // While being computed: the next entity to look at, and the block that it is computed for.
   std::size_t m_bdryNext = 0;
   CBlock* m_bdryFrom = nullptr;
@@ -249,16 +251,15 @@ class VEK0_API CBlockMemento {
 
   const std::vector<CEnt*>& getEntities() const { return m_entities; }
 
-  /// Deletes the entities of the list that no block and no table holds: for discarding
-  /// the undo of a redefinition, or of a block's creation. While the block still has
-  /// them, nothing happens.
+  /// Deletes the listed entities that no block or table holds: for discarding the undo data of a
+  /// redefinition, or of a block's creation. Entities still in the block are not affected.
   void destroyEntity();
 
  private:
   friend class CBlock;
   friend class CBlockTable;
   explicit CBlockMemento(const CBlock& block);
-  // Of a block that is to become this.
+  // The memento of a state that a block is about to take.
   CBlockMemento(const PNT_3D& base, long flags, const std::list<CEnt*>& entities);
 
   PNT_3D m_base;

@@ -37,15 +37,14 @@ class VEK0_API IBlockOperation {
 
 /// Which block inserts which, for the blocks of one table.
 ///
-/// One item a block, in order of addition, and one edge for every block that it
-/// inserts, in order of the first insert; external references have neither. An edge to a
-/// block that is not in the graph counts from when it comes, or comes back, until the
-/// block that inserts it is given other ones. A block knows its item, so finding it costs
-/// nothing, and it can be in one graph only. Visits keep their own stack: nesting may be of
-/// any depth.
+/// One item per block, in order of addition, and one edge for every block that it inserts, in order
+/// of the first insert; external references have neither. An edge to a block outside the graph
+/// takes effect when that block is added, or added again, until the edges of the inserting block
+/// are replaced. A block stores its item, so finding it is free, and it can be in only one graph.
+/// Visits use an explicit stack: nesting may have any depth.
 ///
-/// Where memory ends while a block's edges are set from its inserts, that is put off until
-/// somebody asks for edges. What asks throws `std::bad_alloc`, and nothing has changed then.
+/// If memory runs out while a block's edges are rebuilt from its inserts, this is deferred until
+/// edges are requested. The requesting function throws `std::bad_alloc` with nothing changed.
 class VEK0_API CBlockGraph {
  public:
   CBlockGraph();
@@ -60,9 +59,9 @@ class VEK0_API CBlockGraph {
 
   /// The same, but inserts before the item of `next`, or appends if it has none.
   void addBlock(CBlock& block, const CBlock* next);
-  /// Makes room for the block: adding it then needs no memory, now or after it was taken out.
+  /// Reserves memory for the block: adding it then needs no memory, even after it was removed.
   void reserve(CBlock& block);
-  /// The block whose item follows, null at the end and for a block that has none.
+  /// The block whose item follows; null at the end and for a block without an item.
   const CBlock* getNext(const CBlock& block) const;
 
   /// Removes a block that no other block inserts and returns 0. Otherwise keeps the block, moves it
@@ -142,6 +141,6 @@ class VEK0_API CBlockGraph {
   mutable Items m_absent;  // see BlockGraphItem; exist only while edges refer to them
   std::unique_ptr<vek0::detail::BlockOrder> m_order;
   mutable std::uint64_t m_collections = 0;  // of distinct items, so far
-  mutable bool m_isOrdered = true;          // false: `doSubstitute` has made a circle
-  mutable bool m_isOutdated = false;        // items are, see there
+  mutable bool m_isOrdered = true;          // false: `doSubstitute` has created a cycle
+  mutable bool m_isOutdated = false;        // some item is outdated, see there
 };

@@ -71,8 +71,8 @@ class VEK0_API CBlockTable : public CNamedItemTableImp {
   /// Restores a memento of the block and updates registration, graph and extents accordingly.
   /// Undoes `Redefine`.
   void setMemento(CBlock* block, const CBlockMemento& memento);
-  /// The same, and `memento` becomes one of what the block was. Throws `std::bad_alloc` with
-  /// nothing changed; going back needs no memory.
+  /// The same; `memento` receives the block's previous state. Throws `std::bad_alloc` with nothing
+  /// changed; reverting needs no memory.
   void exchange(CBlock* block, CBlockMemento& memento);
 
   /// Updates graph and extents after the host has added, removed or changed entities of a block in

@@ -51,7 +51,7 @@ class VEK0_API CBlockXRef : public CBlock {
   /// File name of the drawing, as stated by the referring file.
   const zim::WString& getPath() const { return m_path; }
   void setPath(const zim::WString& path) { m_path = path; }
-  /// Makes room for a path of that length, which can then be set without memory.
+  /// Reserves room for a path of that length, which can then be set without allocating.
   void reservePath(std::size_t length) { m_path.reserve(length); }
   Status getStatus() const { return m_status; }
   void setStatus(Status status) { m_status = status; }
@@ -75,7 +75,7 @@ class VEK0_API CBlockXRef : public CBlock {
   CStyleTable& getStyleTable() { return m_styles; }
 
   using Blocks = std::vector<std::unique_ptr<CBlock>>;
-  /// What a reference shows, apart from it. Owns the entities.
+  /// The content of a reference, detached from it. Owns the entities.
   class VEK0_API Content {
    public:
     /// Throws `std::bad_alloc`.
@@ -89,7 +89,7 @@ class VEK0_API CBlockXRef : public CBlock {
     std::vector<CEnt*> m_entities;
     Blocks m_blocks;
     std::vector<CBlockXRef*> m_nested;
-    unsigned long m_number = 0;  // among the reference's contents; 0: it has not had it yet
+    unsigned long m_number = 0;  // among the reference's contents; 0 if it was never used
   };
   /// The blocks of the content, each after those that it inserts.
   const Blocks& getBlocks() const { return m_blocks; }
@@ -97,14 +97,14 @@ class VEK0_API CBlockXRef : public CBlock {
   const std::vector<CBlockXRef*>& getNested() const { return m_nested; }
   /// Number of references of the drawing whose content shows this one.
   long getShows() const { return m_shows; }
-  /// Gives the reference another content, which it takes over; what it had is deleted. Throws
+  /// Replaces the content and takes ownership of it; the old content is deleted. Throws
   /// `std::bad_alloc` with nothing changed.
   void setContent(std::vector<std::unique_ptr<CEnt>> entities, Blocks blocks);
-  /// The same; `content` gets what the reference had. Given back, that is what it was. Needs no
+  /// The same; `content` receives the previous content. Setting that again restores it. Needs no
   /// memory.
   void exchange(Content& content);
 
-  /// What a reference says of itself, name and items aside.
+  /// The data of a reference except its name and items.
   struct Head {
     zim::WString path, file;
     Status status;
@@ -112,7 +112,7 @@ class VEK0_API CBlockXRef : public CBlock {
     long flags;
   };
   Head getHead() const { return {m_path, m_file, m_status, getPnt(), m_ownBase, getFlags()}; }
-  /// Throws `std::bad_alloc`; going back to what the reference has been needs no memory.
+  /// Throws `std::bad_alloc`; reverting to an earlier state needs no memory.
   void setHead(const Head& head);
 
   /// Removes an item from its table but keeps it alive as long as this reference, since undo steps
@@ -120,10 +120,11 @@ class VEK0_API CBlockXRef : public CBlock {
   void retire(CLayer* layer);
   void retire(CLtype* ltype);  ///< likewise
   void retire(CStyle* style);  ///< likewise
-  /// Makes room for all items, so that retiring them needs no memory.
+  /// Reserves room for all items, so that retiring them needs no memory.
   void reserveRetired();
-  /// Puts the retired items for which `isWanted(item)` holds back into their tables, layers on
-  /// Continuous unless something gave them a linetype meanwhile. The others lose such again.
+  /// Puts the retired items for which `isWanted(item)` is true back into their tables; layers get
+  /// Continuous unless they have been given a linetype meanwhile. The other items are stripped
+  /// again.
   template <class IsWanted>
   void reinstate(const IsWanted& isWanted) {
     reinstate(m_retiredLayers, isWanted);
@@ -131,7 +132,7 @@ class VEK0_API CBlockXRef : public CBlock {
     reinstate(m_retiredStyles, isWanted);
   }
 
-  /// Number of the content that it was given last: what changed in another one is gone with it.
+  /// Number of the current content: changes made to another content are gone with it.
   unsigned long getNoContents() const { return m_noContents; }
 
  protected:
@@ -188,9 +189,9 @@ class VEK0_API CBlockXRef : public CBlock {
 
 /// The external references that a drawing's inserts use, with use counts.
 ///
-/// Kept by the inserts while they are registered. The references are in order of their
-/// first use. Every operation costs constant time on average. Counting a reference that was
-/// counted before needs no memory.
+/// Maintained by the inserts while they are registered. References are in order of first use. Every
+/// operation takes constant time on average. Counting a reference that was counted before needs no
+/// memory.
 class VEK0_API CBlockXRefDepend {
  public:
   using Entry = std::pair<CBlockXRef*, long>;  ///< reference, number of inserts
@@ -212,7 +213,7 @@ class VEK0_API CBlockXRefDepend {
 
  private:
   std::list<Entry> m_list;
-  std::list<Entry> m_unused;  // of count 0: the room for those that were counted before
+  std::list<Entry> m_unused;  // with count 0: reserved memory for references counted before
   std::unordered_map<const CBlockXRef*, std::list<Entry>::iterator> m_places;
 };
 

@@ -45,28 +45,28 @@ class VEK0_API CEnt : public IHandleEnt {
   /// Frees only the object itself: use counts are released by `removeTbls`.
   ~CEnt() override;
 
-  /// Registers the entity: reserves its handle, then counts it on its layer and
-  /// its linetype. Kinds with further parts register those too. What is counted for the first
-  /// time may throw `std::bad_alloc`; nothing is registered then.
+  /// Registers the entity: reserves its handle, then counts it as a user of its layer and linetype.
+  /// Kinds with further parts register those too. The first use of an item may throw
+  /// `std::bad_alloc`; nothing is registered then.
   virtual void addTbls(IHandleGestor& gestor) const;
 
   /// The inverse of `addTbls`.
   virtual void removeTbls(IHandleGestor& gestor) const;
 
-  /// Restores the state peculiar to the kind. `memento` must come from the same
-  /// kind of entity; null changes nothing. `data` is the drawing it is in. May throw
-  /// `std::bad_alloc` where there are parts or longer texts to restore; going back to the
-  /// state before, with these parts, then needs no memory.
+  /// Restores the kind-specific state. `memento` must come from the same kind of entity; null has
+  /// no effect. `data` is the drawing that contains the entity. May throw `std::bad_alloc` if there
+  /// are parts or longer texts to restore; reverting to the previous state, with these parts, then
+  /// needs no memory.
   virtual void setMemento(CData& data, const IEntDerivedMemento* memento) = 0;
 
-  /// Gives the entity the vertices, attributes or lines that a memento of its kind is about,
-  /// as far as others have to take the place of its own, and answers what this displaces; null
-  /// when nothing. `setMemento`, which begins with this, then sets what they are like, unless
-  /// `EntParts::isAll`. Throws `std::bad_alloc` with nothing changed.
+  /// Replaces the entity's vertices, attributes or lines by those of a memento of its kind, where
+  /// the objects differ, and returns the displaced ones, or null if there are none. `setMemento`
+  /// begins with this and then sets their state, unless `EntParts::isAll`. Throws `std::bad_alloc`
+  /// with nothing changed.
   virtual std::unique_ptr<vek0::detail::EntParts> replaceParts(CData& data,
                                                                const IEntDerivedMemento& memento);
 
-  /// Text style; null for every kind that is not a text.
+  /// Text style; null for kinds other than text.
   virtual CStyle* getStyle() const;
 
   /// Extents on a display with pixels of `pixelSize` drawing units. Only inserts of fixed pixel
@@ -91,8 +91,7 @@ class VEK0_API CEnt : public IHandleEnt {
   /// Makes the next `getBdry` recompute them.
   void invalidateBdry() { dirtyBdry(); }
 
-  /// Snapshot of the state peculiar to the kind. The caller owns it; null when
-  /// there is no memory.
+  /// Snapshot of the kind-specific state. The caller owns it; null when there is no memory.
   virtual IEntDerivedMemento* createDerivedMemento() const = 0;
 
   CLayer* getLayer() const { return m_layer; }

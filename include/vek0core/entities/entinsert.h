@@ -74,8 +74,8 @@ class VEK0_API CEntInsertBase : public CEnt {
   /// A copy with another block and without attributes.
   CEntInsertBase(const CEntInsertBase& src, CBlock* block, vek0::Handle handle);
 
-  /// Counts the insert on what is recorded elsewhere of a block that it shows, or takes that
-  /// back: told while the insert is registered. The former may throw `std::bad_alloc`.
+  /// Adds the insert to counts kept elsewhere for a block that it shows, or removes it. Called only
+  /// while the insert is registered. Adding may throw `std::bad_alloc`.
   virtual void countReference(CBlock* block, bool on) const;
 
   /// Replaces the block; counts are updated only while the insert is registered.
@@ -246,7 +246,7 @@ class AttribsMemento {
   bool matches(const CEntInsertBase& insert) const;
   /// See `CEnt::replaceParts`.
   std::unique_ptr<EntParts> replaceAttribs(CData& data, CEntInsertBase& insert) const;
-  /// Sets block and attributes, of which there are as many as here.
+  /// Sets block and attributes; the number of attributes must match.
   void restore(CData& data, CEntInsertBase& insert) const;
   /// Heap memory in bytes.
   std::size_t heapSize() const { return m_attribs.size() * sizeof(Entry); }

@@ -52,20 +52,19 @@ class VEK0_API IEntDerivedMemento {
 
 namespace vek0::detail {
 
-/// Parts of an entity that others have taken the place of, see `CEnt::replaceParts`. It owns
-/// what the entity does not have.
+/// Parts of an entity that were replaced by others, see `CEnt::replaceParts`. Owns those that are
+/// not in the entity.
 class VEK0_API EntParts {
  public:
   virtual ~EntParts();
-  /// Exchanges them again. Only while the entity has what took their place. Allocates nothing.
+  /// Swaps them back. Only valid while the entity has the replacements. Does not allocate.
   virtual void putBack() = 0;
-  /// Whether nothing is left for `CEnt::setMemento` to do.
+  /// Whether `CEnt::setMemento` has nothing left to do.
   virtual bool isAll() const { return false; }
 };
 
-/// The memento as the class that entities of `Kind` make; null when it is another
-/// kind's, or null. Kinds restore themselves from a pointer to the common base, and a
-/// host may mix its mementos up.
+/// Casts the memento to the class of `Kind`'s mementos; null if it is of another kind, or null.
+/// Kinds restore themselves from a pointer to the common base, and a host may confuse its mementos.
 template <class Kind, class Memento>
 const Memento* mementoOf(const IEntDerivedMemento* memento) {
   const bool fits = memento != nullptr && memento->getType() == Kind::kType;

@@ -13,8 +13,8 @@
 class CBlockXRefDepend;
 class IHandleGestor;
 
-/// Hears of what happens to the entities of a table: what keeps an index of them needs. Must not
-/// throw: what it hears of has happened.
+/// Receives notifications about the entities of a table, as needed to maintain an index of them.
+/// Must not throw: the change has already happened.
 class VEK0_API IEntTableWatcher {
  public:
   virtual ~IEntTableWatcher() = default;
@@ -52,9 +52,9 @@ class VEK0_API CEntTable {
   CEntTable& operator=(const CEntTable&) = delete;
   ~CEntTable();
 
-  /// Takes the entity over, registers it (`CEnt::addTbls`) and appends it. Valid
-  /// extents grow by its box unless its layer is frozen. Throws `std::bad_alloc` with nothing
-  /// changed; the entity still is the caller's then.
+  /// Takes ownership of the entity, registers it (`CEnt::addTbls`) and appends it. Valid extents
+  /// grow by its box unless its layer is frozen. Throws `std::bad_alloc` with nothing changed; the
+  /// caller then still owns the entity.
   void add(CEnt* ent);
 
   /// Deselects, removes and unregisters the entity; the caller owns it afterwards and may add it
@@ -73,11 +73,11 @@ class VEK0_API CEntTable {
   /// otherwise the entity is appended.
   void restore(CEnt* ent, const Place& place);
 
-  /// Memory for the places of entities in the table, one element each.
+  /// Memory for the positions of entities in the table, one element each.
   using Slots = std::list<CEnt*>;
   /// `add`, `remove` and `restore` with a slot that the caller keeps meanwhile: the first of
-  /// `slots` goes into the table, or comes out of it to the front. So an entity that was
-  /// removed comes back without memory being needed.
+  /// `slots` moves into the table, or from it to the front of `slots`. So restoring a removed
+  /// entity needs no memory.
   void add(CEnt* ent, Slots& slots);
   void remove(CEnt* ent, Slots& slots);
   void restore(CEnt* ent, const Place& place, Slots& slots);

@@ -82,8 +82,7 @@ class VEK0_API CLayer : public CNamedItem {
 
   /// The caller owns the snapshot; null when out of memory.
   CLayerMemento* createMemento() const;
-  /// Throws `std::bad_alloc` with nothing changed. Going back to what the layer was needs no
-  /// memory.
+  /// Throws `std::bad_alloc` with nothing changed. Reverting to the previous state needs no memory.
   void setMemento(const CLayerMemento& memento);
 
  protected:

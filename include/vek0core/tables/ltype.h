@@ -97,8 +97,8 @@ class VEK0_API CLtype : public CNamedItem {
   CLtypeMemento* createMemento() const;
   /// Throws `std::bad_alloc` with nothing changed.
   void setMemento(const CLtypeMemento& memento);
-  /// The same with the elements of `dashes`, which gets those that the linetype had. Going back
-  /// to what the linetype was needs no memory.
+  /// The same with the elements of `dashes`, which receives the previous elements. Reverting to the
+  /// previous state needs no memory.
   void setMemento(const CLtypeMemento& memento, CLtypeComplexDashSeq& dashes);
 
  protected:

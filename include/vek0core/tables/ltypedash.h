@@ -55,7 +55,7 @@ class VEK0_API CFontLtypeComplexDash : public ILtypeComplexDash {
   const TEXT_3D* GetText() const override { return &m_text; }
   void GetBdry(RECT_2D& box) const override { m_text.calc_bdry(box); }
   ILtypeComplexDash* Clone() const override;
-  /// Moves the count from the present style to the new one.
+  /// Moves the use count from the current style to the new one.
   void setText(const TEXT_3D& text);
   void setStyle(CStyle* style);  ///< likewise
 
@@ -90,7 +90,7 @@ class VEK0_API CLtypeComplexDashSeq {
   void AddDashText(const TEXT_3D& text) { InsertDashText(GetNoDashes(), text); }
   void RemoveDash(int pos);
   void ClearDashes();
-  /// Another style, which may be null, for the text at `pos`; what is no text has none.
+  /// Sets the style, which may be null, of the text at `pos`; has no effect on other elements.
   void SetTextStyle(int pos, CStyle* style);
   void swap(CLtypeComplexDashSeq& other) {
     m_dashes.swap(other.m_dashes);
@@ -104,9 +104,10 @@ class VEK0_API CLtypeComplexDashSeq {
 
   /// The caller owns the snapshot; null when out of memory.
   CLtypeComplexDashSeqMemento* CreateMemento() const;
-  /// Throws `std::bad_alloc` with nothing changed. Needs no memory where it `hasShapeOf` that.
+  /// Throws `std::bad_alloc` with nothing changed. Needs no memory if `hasShapeOf` the other is
+  /// true.
   void SetMemento(const CLtypeComplexDashSeqMemento* memento);
-  /// Whether elements of the same kinds with the same strings are there.
+  /// Whether it has elements of the same kinds with the same strings.
   bool hasShapeOf(const CLtypeComplexDashSeqMemento& memento) const;
 
  private:

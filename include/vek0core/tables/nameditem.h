@@ -34,8 +34,7 @@ class VEK0_API CNamedItem {
   bool operator!=(const CNamedItem& other) const { return !(*this == other); }
 
   const zim::WString& getName() const { return m_name; }
-  /// Throws `std::bad_alloc` with nothing changed. Going back to a name that the item has had
-  /// allocates nothing.
+  /// Throws `std::bad_alloc` with nothing changed. Reverting to an earlier name does not allocate.
   void setName(const zim::WString& name);
 
   long getFlags() const { return m_flags; }
@@ -80,12 +79,11 @@ class VEK0_API CNamedItem {
 /// renaming and look-ups by name cost constant time on average, and so do look-ups by position;
 /// removals in between temporarily make the latter logarithmic.
 ///
-/// Whatever adds or renames throws `std::bad_alloc` with nothing changed. Items that were taken
-/// out come back without memory being needed: the table keeps the room that it had for them.
+/// Adding and renaming may throw `std::bad_alloc`, with nothing changed. Restoring removed items
+/// needs no memory: the table keeps the space reserved for them.
 ///
-/// A copy is a view of its source: it names the same items as the source has at that
-/// moment, owns nothing, cannot be added to or removed from, and is valid while the
-/// source keeps its items and their names.
+/// A copy is a view of its source: it lists the items that the source has at that moment, owns
+/// nothing, cannot be modified, and is valid while the source keeps its items and their names.
 class VEK0_API CNamedItemTableImp {
  public:
   /// The position of an item in its table, as needed to restore it there.

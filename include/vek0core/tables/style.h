@@ -79,8 +79,7 @@ class VEK0_API CStyle : public CNamedItem {
 
   /// The caller owns the snapshot; null when out of memory.
   CStyleMemento* createMemento() const;
-  /// Throws `std::bad_alloc` with nothing changed. Going back to what the style was needs no
-  /// memory.
+  /// Throws `std::bad_alloc` with nothing changed. Reverting to the previous state needs no memory.
   void setMemento(const CStyleMemento& memento);
 
  protected:

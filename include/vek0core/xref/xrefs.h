@@ -56,7 +56,7 @@ struct CXRefOptions {
 /// All drawings together may have ten times as many hatch lines as a single hatch
 /// (`CData::getHatchLimit`); hatches beyond that keep only their boundaries.
 ///
-/// Answers how many references are not loaded afterwards. Linear in what is read. Throws
+/// Returns the number of references that are not loaded afterwards. Linear in the data read. Throws
 /// `std::bad_alloc` with nothing changed.
 VEK0_API int resolveXRefs(CData& data, IXRefResolver& resolver, const CXRefOptions& options);
 

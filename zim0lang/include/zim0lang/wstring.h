@@ -43,7 +43,7 @@ class ZIM0LANG_API WString {
   void reserve(std::size_t length) {
     if (length > m_text.capacity()) m_text.reserve(length);
   }
-  /// The unit at `i`; `i` may be `Length()`, which gives 0.
+  /// The unit at `i`, which may be `Length()`: that returns 0.
   Char operator[](std::size_t i) const { return m_text[i]; }
   std::u16string_view view() const { return m_text; }
   operator std::u16string_view() const { return m_text; }  // NOLINT: a text is a view of itself
