@@ -1,4 +1,4 @@
-// The deep copy of a drawing: every item anew, every reference to the new items.
+// Deep copy of a drawing: all items are copied, and all references point to the copies.
 #include <memory>
 #include <new>
 #include <unordered_map>
@@ -33,8 +33,8 @@ class DrawingCopy {
   }
 
  private:
-  // Styles first, then what names them, and so on; each of the drawing and of all its
-  // external references, which may name items of each other.
+  // Styles first, then the items that refer to them, and so on; each for the drawing and all its
+  // external references, which may refer to each other's items.
   void copyTables() {
     copyStyles(m_src.getStyleTable(), m_copy.getStyleTable());
     copyXRefs();
@@ -46,7 +46,7 @@ class DrawingCopy {
     copyLayer(*m_src.getLayerTable().getLayer0(), m_copy.getLayer0());
   }
 
-  // Hands each external reference that was copied to `each`, together with its copy.
+  // Calls `each` with every copied external reference and its copy.
   template <class Each>
   void forEachXRef(const Each& each) {
     const CBlockXRefTable& from = m_src.getBlockXRefTable();
@@ -61,7 +61,7 @@ class DrawingCopy {
     m_map.add<CLayer>(m_src.getLayerTable().getLayer0(), &m_copy.getLayer0());
   }
 
-  // A host may have given them elements or other descriptions.
+  // A host may have changed their elements or descriptions.
   void copyFixed(const CLtype& from, CLtype& to) {
     to.setDesc(from.getDesc());
     to.setFlags(from.getFlags());
@@ -159,7 +159,7 @@ class DrawingCopy {
     }
   }
 
-  // All blocks first, empty: their contents name each other.
+  // All blocks first, empty, because their contents refer to each other.
   void copyBlocks() {
     const CBlockTable& from = m_src.getBlockTable();
     for (int i = 0; i < from.size(); ++i) {

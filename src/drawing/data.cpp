@@ -58,8 +58,8 @@ void CData::clearAll() {
   if (CStyle* standard = m_styles.getStyleStandard()) standard->zeroEntities();
 }
 
-// Users before what they use: entities name blocks, blocks and entities name layers,
-// layers name linetypes, linetypes name styles.
+// Users before the items they use: entities refer to blocks, blocks and entities to layers, layers
+// to linetypes, linetypes to styles.
 void CData::clearUsers() {
   if (!isView()) releaseCounts();
   m_entities.clearAll();
@@ -69,9 +69,9 @@ void CData::clearUsers() {
   m_ltypes.clearAll();
 }
 
-// A listed layer may name a linetype of an external reference and a layer of the
-// reference a listed one; with styles it is the same. So no order of deletion is right
-// while layers and linetypes still count on what they name.
+// A listed layer may refer to a linetype of an external reference and vice versa; the same holds
+// for styles. So no order of deletion is correct while layers and linetypes still hold counted
+// references.
 void CData::releaseCounts() {
   for (CLayerIterator it(*this, true); *++it != nullptr;) (*it)->setLtype(nullptr);
   for (CLtypeIterator it(*this, true, true); *it; ++it) (*it)->ClearDashes();
@@ -99,7 +99,7 @@ const Table* ItemWalk<Item, Table>::table() const {
   return &((*m_xrefs)[m_xref]->*m_ofXRef)();
 }
 
-// Goes on to the next table that has an item at the current position, if any.
+// Advances to the next table that has an item at the current position, if any.
 template <class Item, class Table>
 void ItemWalk<Item, Table>::skipExhausted() const {
   while (const Table* current = table()) {

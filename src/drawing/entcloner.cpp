@@ -23,13 +23,13 @@
 namespace vek0::detail {
 namespace {
 
-// Makes in the copy what it visits in the source.
+// Creates copies of the visited source entities in the target.
 class EntCloner final : public IEntVisitor {
  public:
   EntCloner(CData& data, const ItemMap& map) : m_data(data), m_map(map) {}
 
   std::unique_ptr<CEnt> clone(const CEnt& src) {
-    // Visitors take entities that may be changed; this one only looks.
+    // Visitors take non-const entities, but this one only reads.
     const_cast<CEnt&>(src).accept(*this);
     if (m_clone) m_clone->setUserInfo(src.getUserType(), src.getUserData());
     return std::move(m_clone);
@@ -140,7 +140,8 @@ class EntCloner final : public IEntVisitor {
         orThrow(createVertex(m_data, pnt, widthStart, widthEnd, handle)));
   }
 
-  // A plain polyline stays as packed as it is; a curve is its frame and what is visible.
+  // A plain polyline is copied packed or unpacked as it is; a curve consists of its frame and the
+  // visible vertices.
   std::unique_ptr<CEntPolyline> polyline(const CEntPolyline& e) const {
     std::unique_ptr<CEntPolyline> copy(orThrow(createEntPolyline(
         m_data, layer(e), ltype(e), e.getColor(), e.getFlags(), e.getDegree(), e.GetHandle())));

@@ -18,8 +18,8 @@ Item* orThrow(Item* item) {
   return item;
 }
 
-/// From items to those that stand for them in another drawing, or elsewhere in the same
-/// one. What has none, and null, stand for themselves.
+/// Maps items to their counterparts in another drawing, or elsewhere in the same one. Null, and
+/// items without a counterpart, map to themselves.
 class ItemMap {
  public:
   template <class Item>
@@ -43,12 +43,12 @@ void give(CBlock& block, std::unique_ptr<Ent> ent) {
   static_cast<void>(ent.release());  // not before the block has it
 }
 
-/// A copy for `data`, in no table, on the items that stand for those of `src`: an insert
-/// becomes one of an external reference or an ordinary one as its new block is. Keeps the
-/// handle. Throws `std::bad_alloc`.
+/// A copy for `data`, in no table, with its items mapped: the new block determines whether an
+/// insert becomes an ordinary one or one of an external reference. Keeps the handle. Throws
+/// `std::bad_alloc`.
 std::unique_ptr<CEnt> cloneOnto(CData& data, const ItemMap& map, const CEnt& src);
 
-/// The elements of a linetype, with the styles that stand for theirs.
+/// Copies the elements of a linetype, with mapped styles.
 CLtypeComplexDashSeq cloneDashes(const CLtype& ltype, const ItemMap& map);
 
 }  // namespace vek0::detail

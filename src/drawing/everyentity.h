@@ -7,9 +7,9 @@
 
 namespace vek0::detail {
 
-/// Hands every entity of the drawing to `each`, which answers whether to go on: those of
-/// blocks first, those of external references if asked for, then model space. Answers
-/// whether it came to the end. Attributes come with their inserts.
+/// Calls `each` with every entity of the drawing until it returns false: those of blocks first,
+/// those of external references if requested, then model space. Returns whether it reached the end.
+/// Attributes are reached through their inserts.
 template <class Each>
 bool forEveryEntity(CData& data, bool withXRefs, const Each& each) {
   const auto walk = [&each](CBlock& block) {
@@ -30,7 +30,7 @@ bool forEveryEntity(CData& data, bool withXRefs, const Each& each) {
   return true;
 }
 
-/// Hands the attributes of an insert to `each`; other entities have none.
+/// Calls `each` with the attributes of an insert; other entities have none.
 template <class Each>
 void forEveryAttrib(CEnt& ent, const Each& each) {
   CEntInsertBase* insert = ent.getEntInsert();
@@ -38,7 +38,7 @@ void forEveryAttrib(CEnt& ent, const Each& each) {
     each(*insert->GetAttrib(i));
 }
 
-/// Brings extents up to date that depend on this entity's.
+/// Updates extents that depend on this entity's.
 inline void spreadBdry(CData& data, CEnt& ent) {
   ent.invalidateBdry();
   if (CBlock* block = ent.getOwnerBlock()) block->invalidateBdry();

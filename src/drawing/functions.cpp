@@ -17,7 +17,7 @@ namespace {
 
 constexpr short kNoLayerColor = 7;
 
-// The item of an external reference that a dependent name names.
+// The item of an external reference that a dependent name refers to.
 template <class Item, class Table>
 Item* getDependent(const CData& data, const zim::WString& name,
                    const Table& (CBlockXRef::*tableOf)() const) {

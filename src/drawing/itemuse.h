@@ -4,7 +4,7 @@
 
 namespace vek0::detail {
 
-/// Whether something in the drawing names the item, or new entities would.
+/// Whether the drawing uses the item, or new entities would use it.
 inline bool isUsed(const CData& data, const CLayer& layer) {
   return layer.getEntities() > 0 || data.getVars().getCurLayer() == &layer;
 }

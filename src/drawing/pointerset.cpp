@@ -9,8 +9,8 @@ namespace {
 constexpr std::size_t kFewest = 16;
 constexpr int kShiftOfFewest = 64 - 4;
 
-// Addresses stand at even distances. Multiplied by 2^64 over the golden ratio, the upper bits
-// spread evenly whatever the distance is.
+// Addresses are evenly spaced. Multiplied by 2^64 over the golden ratio, the upper bits are evenly
+// distributed whatever the spacing.
 std::uint64_t hashOf(const void* pointer) {
   return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pointer)) *
          0x9E3779B97F4A7C15u;
@@ -18,7 +18,7 @@ std::uint64_t hashOf(const void* pointer) {
 
 }  // namespace
 
-// The slot of the pointer, or the free one where it would stand.
+// The slot of the pointer, or the free one where it would be inserted.
 std::size_t PointerSet::locate(const void* pointer) const {
   auto slot = static_cast<std::size_t>(hashOf(pointer) >> m_shift);
   while (m_slots[slot] != nullptr && m_slots[slot] != pointer)

@@ -12,7 +12,7 @@ using vek0::detail::UncountedEdit;
 
 namespace {
 
-// What stands for the item; null when nothing does, or the item itself.
+// The replacement of the item; null if there is none, or if it is the item itself.
 template <class Item>
 Item* replacementOf(const std::map<Item*, Item*>& map, Item* item) {
   const auto found = map.find(item);
@@ -103,7 +103,7 @@ bool CTableRemapper::remapEnt(CEnt& ent, CUndoStack* undo) {
     if (uncounted) edit.emplace(attrib);
     replace(attrib);
   });
-  // A frozen layer hides what it holds from the extents, a font makes texts wider.
+  // A frozen layer excludes its entities from the extents, and a font changes the width of texts.
   m_data.getEntTable().invalidateBdry();
   if (restyled) vek0::detail::spreadBdry(m_data, ent);
   return true;

@@ -8,8 +8,8 @@
 
 namespace vek0::detail {
 
-/// While it lives, layer, linetype and style of an entity may be set without counting:
-/// the entities of an external reference count nowhere, but their setters do.
+/// Scope in which layer, linetype and style of an entity may be set without counting: entities of
+/// an external reference are not counted, but their setters count.
 class UncountedEdit {
  public:
   explicit UncountedEdit(CEnt& ent)
@@ -22,7 +22,7 @@ class UncountedEdit {
     takeBack(m_style, m_ent.getStyle());
   }
 
-  /// Whether that is what an entity of this owner needs.
+  /// Whether entities of this owner need it.
   static bool isFor(const CBlock* owner) {
     return owner != nullptr && (owner->isXRef() || owner->getContentOf() != nullptr);
   }

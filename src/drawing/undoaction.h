@@ -14,29 +14,29 @@ struct HATCH_TYPE;
 
 namespace vek0::detail {
 
-/// One edit of a step. `swap` turns it from done into undone and back; what it needs for
-/// the way back it takes from the drawing meanwhile.
+/// One edit of a step. `swap` toggles it between done and undone, and saves from the drawing
+/// whatever it needs to go back.
 ///
-/// A step that fails in the middle has to take back what it has done when there is no memory any
-/// more. So what a swap puts aside is kept until the step is through.
+/// A step that fails halfway must be reverted when memory has run out. So everything that a swap
+/// displaces is kept until the step is complete.
 class UndoAction {
  public:
   virtual ~UndoAction() = default;
   /// Throws `std::bad_alloc` with nothing changed.
   virtual void swap(CData& data) = 0;
-  /// Takes the last `swap` back, when nothing else has changed since and before `settle`. Needs
-  /// no memory: tables, blocks and texts keep the room that they had.
+  /// Reverts the last `swap`, provided nothing else has changed since, and before `settle`. Needs
+  /// no memory: tables, blocks and texts keep their capacity.
   virtual void swapBack(CData& data) { swap(data); }
-  /// Gives up what was kept for `swapBack`.
+  /// Frees what was kept for `swapBack`.
   virtual void settle() {}
-  /// Turns what is done into undone for good. Throws `std::bad_alloc` with nothing changed where
-  /// a host has deleted vertices, attributes or elements; else it needs no memory.
+  /// Undoes the edit permanently. Throws `std::bad_alloc` with nothing changed if a host has
+  /// deleted vertices, attributes or elements; otherwise it needs no memory.
   virtual void takeBack(CData& data) { swap(data); }
-  /// Bytes, with those of what it owns.
+  /// Memory in bytes, including what it owns.
   virtual std::size_t size() const = 0;
-  /// Gives up what it owns without deleting it.
+  /// Releases what it owns without deleting it.
   virtual void letGo() {}
-  /// What it is a snapshot of, null when it is none or more than a snapshot; and which
+  /// The object that it is a snapshot of, null if it is not a snapshot or more than one; and which
   /// part of it, 0 or 1.
   virtual const void* snapshotOf() const { return nullptr; }
   virtual int part() const { return 0; }

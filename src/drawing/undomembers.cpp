@@ -8,7 +8,7 @@
 namespace vek0::detail {
 namespace {
 
-constexpr std::size_t kEntBytes = 256;   // with what the allocator adds
+constexpr std::size_t kEntBytes = 256;   // including allocator overhead
 constexpr std::size_t kItemBytes = 256;  // likewise
 
 }  // namespace
@@ -75,7 +75,7 @@ void BlockEntMembership::put(CData& data) {
   const bool isCounted = isRegistered(data);
   if (isCounted) m_item->addTbls(data.getHandleGestor());
   try {
-    // The first time the block moves it to where it belongs.
+    // On first insertion, the block moves the entity by its base point.
     m_place ? m_block.restore(m_item, *m_place) : m_block.add(m_item);
   } catch (const std::bad_alloc&) {
     if (isCounted) m_item->removeTbls(data.getHandleGestor());
@@ -85,14 +85,14 @@ void BlockEntMembership::put(CData& data) {
   refresh(data);
 }
 
-// Files set the flag of blocks without attribute definitions too. The block corrects it with its
-// first change, which is undone with that.
+// Files set the flag even for blocks without attribute definitions. The block corrects it with its
+// first change; undoing that change must restore it.
 void BlockEntMembership::swapAttdefFlag(bool hadAttdefs) {
   if (m_hadAttdefs) m_block.setFlags(CBlock::kHasAttdefs, *m_hadAttdefs);
   m_hadAttdefs = hadAttdefs;
 }
 
-// Tables register what their blocks hold; references and blocks in no table do not.
+// Tables register the entities of their blocks; references and blocks outside a table do not.
 bool BlockEntMembership::isRegistered(const CData& data) const {
   return data.getBlockTable().contains(&m_block);
 }

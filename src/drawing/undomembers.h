@@ -1,6 +1,7 @@
 #pragma once
 
-// What comes into a drawing and goes out of it. While it is out, the action owns it.
+// Actions for adding objects to a drawing and removing them. While an object is out of the drawing,
+// the action owns it.
 
 #include <optional>
 #include <utility>
@@ -12,13 +13,13 @@
 
 namespace vek0::detail {
 
-/// Bytes of an entity with its vertices or attributes, roughly.
+/// Approximate memory of an entity with its vertices or attributes, in bytes.
 std::size_t bytesOf(const CEnt& ent);
 std::size_t bytesOf(const CBlock& block);
 std::size_t bytesOf(const CBlockXRef& xref);
 std::size_t bytesOf(const CNamedItem& item);
 
-/// Something that is in or out; `Member` owns it while it is out.
+/// An object in or out of the drawing; owned by `Membership` while it is out.
 template <class Item>
 class Membership : public UndoAction {
  public:
@@ -78,9 +79,9 @@ class BlockEntMembership final : public Membership<CEnt> {
   std::optional<bool> m_hadAttdefs;  // before the last change
 };
 
-/// The texts of a linetype count on their styles as long as they exist, the layers of a
-/// reference on their linetypes. Those of one that is out of the drawing shall not, except
-/// while it is destroyed.
+/// The texts of a linetype are counted by their styles as long as they exist, and the layers of a
+/// reference by their linetypes. Those of an object outside the drawing must not be, except during
+/// its destruction.
 void countUses(const CLtype& ltype, bool on);
 void countUses(const CBlockXRef& xref, bool on);
 inline void countUses(const CNamedItem&, bool) {}
@@ -114,7 +115,7 @@ class ItemMembership final : public Membership<Item> {
 /// The content of a block, redefined.
 class ContentExchange final : public UndoAction {
  public:
-  /// To be made before the redefinition.
+  /// Create it before the redefinition.
   explicit ContentExchange(CBlock& block);
   ~ContentExchange() override;
   void swap(CData& data) override;

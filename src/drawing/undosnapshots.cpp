@@ -15,7 +15,7 @@ std::size_t textBytes(const zim::WString& text) {
   return static_cast<std::size_t>(text.Length()) * sizeof(zim::Char);
 }
 
-// Extents of what shows the entity, and the edges of the block that it is in.
+// Updates the extents of everything that shows the entity, and the graph edges of its block.
 void refreshOwner(CData& data, CEnt& ent) {
   data.getEntTable().invalidateBdry();
   CBlock* block = ent.getOwnerBlock();
@@ -24,7 +24,7 @@ void refreshOwner(CData& data, CEnt& ent) {
   if (ent.getEntInsert() != nullptr) data.getBlockTable().updateBlock(block);
 }
 
-// Fonts decide how far texts reach.
+// Fonts determine the extents of texts.
 void refreshTexts(CData& data, const CStyle& style) {
   forEveryEntity(data, true, [&](CEnt& ent) {
     bool shows = ent.getStyle() == &style;
@@ -120,8 +120,8 @@ void GeometrySnapshot::takeBack(CData& data) {
   refreshOwner(data, m_ent);
 }
 
-// A hatch's snapshot holds for the block that the hatch shows, and another action of the
-// same step may have changed that.
+// A hatch's snapshot is only valid for the block that the hatch shows, which another action of the
+// same step may have replaced.
 const void* GeometrySnapshot::snapshotOf() const {
   return m_mark.isGone() || m_ent.getType() == CEntHatch::kType ? nullptr : &m_ent;
 }
@@ -202,7 +202,7 @@ void BlockHeadSnapshot::exchangeHead() {
   const long flags = m_block.getFlags();
   const int userType = m_block.GetUserType(), userData = m_block.GetUserData();
   m_block.setFlags(m_flags);
-  // Whether there are attribute definitions is for the block itself to say.
+  // The block itself determines whether it has attribute definitions.
   m_block.setFlags(CBlock::kHasAttdefs, (flags & CBlock::kHasAttdefs) != 0);
   m_block.SetUserInfo(m_userType, m_userData);
   m_flags = flags;

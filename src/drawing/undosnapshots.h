@@ -1,8 +1,8 @@
 #pragma once
 
-// Snapshots of what a host changes in place. Undoing exchanges the snapshot for one of the
-// present state, so an edit has one of them at a time, but for the one that was set while its
-// step is not through.
+// Snapshots of objects that a host changes in place. Undoing exchanges the snapshot for one of the
+// current state, so an edit has one of them at a time, but for the one that was set while its step
+// is not through.
 
 #include <memory>
 #include <optional>
@@ -20,8 +20,8 @@ class CBlockXRef;
 
 namespace vek0::detail {
 
-/// Whether a reference that an entity is in has been given other content since: the entity is
-/// gone then, and so is what there was to take back.
+/// Detects whether the reference that contains an entity has new content since: the entity is then
+/// gone, and there is nothing to undo.
 class ContentMark {
  public:
   explicit ContentMark(const CEnt& ent);
@@ -50,7 +50,7 @@ class PropertiesSnapshot final : public UndoAction {
   std::unique_ptr<CEntBaseMemento> m_memento;
 };
 
-/// What is peculiar to an entity's kind.
+/// The kind-specific state of an entity.
 class GeometrySnapshot final : public UndoAction {
  public:
   static constexpr int kPart = 1;
@@ -106,7 +106,7 @@ class ItemSnapshot final : public UndoAction {
   std::optional<Parts> m_displaced;
 };
 
-/// What a block's memento does not hold of a block's head: name, flags, words of the host.
+/// The part of a block that its memento does not contain: name, flags, host data.
 class BlockHeadSnapshot final : public UndoAction {
  public:
   static constexpr int kPart = 0;

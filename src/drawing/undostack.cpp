@@ -27,12 +27,12 @@ using vek0::detail::VarsSnapshot;
 
 namespace {
 
-constexpr std::size_t kAllocatorBytes = 16;  // what a heap object takes beside itself
+constexpr std::size_t kAllocatorBytes = 16;  // overhead of a heap object
 
 using vek0::detail::isUsed;
 bool isUsed(const CData&, const CBlock& block) { return block.getEntities() > 0; }
 
-// Whether an item of the drawing names one of the reference, or another reference shows it.
+// Whether the drawing uses an item of the reference, or another reference shows it.
 bool isUsed(const CData& data, const CBlockXRef& xref) {
   if (xref.getEntities() > 0 || xref.getShows() > 0) return true;
   std::unordered_map<const void*, long> own;  // uses of one dependent item by another
@@ -58,21 +58,21 @@ bool isUsed(const CData& data, const CBlockXRef& xref) {
   return false;
 }
 
-// Whether the block is there for one hatch and nothing shows it at present.
+// Whether the block was created for a hatch and nothing shows it at present.
 bool isIdleHatchBlock(const CBlockTable& table, const CBlock* block) {
   return block != nullptr && table.contains(block) && isHatchName(block->getName()) &&
          block->getEntities() <= 0;
 }
 
-// Steps may bring back what names items that references have retired meanwhile.
+// Steps may restore objects that refer to items retired by references meanwhile.
 void reinstateUsed(CData& data) try {
   for (int i = 0; i < data.getBlockXRefTable().size(); ++i)
     data.getBlockXRefTable()[i]->reinstate([&](const auto& item) { return isUsed(data, item); });
 } catch (const std::bad_alloc&) {
-  // The next step does it.
+  // The next step retries.
 }
 
-// What a reference shows is read anew: edits of it would have nothing to go back to.
+// The content of a reference is reloaded, so its edits could not be undone.
 bool isContent(const CBlock* block) {
   if (block == nullptr || block->getContentOf() != nullptr) return block != nullptr;
   return block->isXRef() &&
@@ -90,7 +90,7 @@ bool areFree(const std::list<CEnt*>& entities) {
 
 }  // namespace
 
-// An edit outside a step is a step of its own.
+// Makes an edit outside a step a step by itself.
 class CUndoStack::AutoStep {
  public:
   explicit AutoStep(CUndoStack& stack) : m_stack(stack) { m_stack.begin({}); }
@@ -139,7 +139,7 @@ void CUndoStack::rollback() {
   forgetTargets(m_kept);
 }
 
-// Takes back what the open step has done since it had `count` actions.
+// Reverts the open step to its first `count` actions.
 void CUndoStack::unwind(std::size_t count) {
   for (; actions().size() > count; actions().pop_back()) actions().back()->takeBack(m_data);
 }
@@ -201,7 +201,7 @@ bool CUndoStack::merge() {
   }
   m_bytes -= from.bytes;
   for (std::size_t i = 0; i < isNews.size(); ++i) {
-    // The older snapshot of the two is the one to go back to.
+    // Of two snapshots of the same object, the older one is needed.
     if (!isNews[i]) continue;
     into.bytes += bytesOf(*from.actions[i]);
     m_bytes += bytesOf(*from.actions[i]);
@@ -211,8 +211,8 @@ bool CUndoStack::merge() {
   return true;
 }
 
-// Which things the step has snapshots of. Kept from one merge to the next: a long row of
-// small steps joined to a large one must not look at all of that each time.
+// Records which objects the step has snapshots of. Kept between merges: merging many small steps
+// into a large one must not rescan it each time.
 void CUndoStack::noteSnapshots(const Step& step) {
   if (m_mergedId == step.id) return;
   forgetTargets(m_merged);
@@ -261,8 +261,8 @@ void CUndoStack::trim() {
   while (m_bytes > m_limit && m_done.size() > 1) dropOldest();
 }
 
-// What an action owns is named only by what went before it: in done steps by things that
-// were removed earlier, in undone ones by things that were added later. Those go first.
+// Objects owned by an action are referenced only by objects removed earlier (in done steps) or
+// added later (in undone steps). Those are deleted first.
 void CUndoStack::dropOldest() {
   Step& step = m_done.front();
   m_bytes -= step.bytes;
@@ -291,7 +291,7 @@ bool CUndoStack::record(std::unique_ptr<Action> action) {
   return true;
 }
 
-// Makes an edit, by doing for the first time what redoing does.
+// Makes an edit by redoing it for the first time.
 bool CUndoStack::perform(std::unique_ptr<Action> action) {
   Action* const edit = action.get();
   if (!record(std::move(action))) return false;
@@ -401,8 +401,8 @@ bool CUndoStack::remove(CEnt* ent) {
   });
 }
 
-// The block of a hatch that is about to be added went into the table when the hatch was
-// made: from now on it comes and goes with the hatch.
+// The block of a hatch was added to the table when the hatch was created: from now on it is added
+// and removed with the hatch.
 bool CUndoStack::bringBlock(CEnt& ent) {
   CBlockTable& table = m_data.getBlockTable();
   const CEntHatch* hatch = castHatch(&ent);
@@ -415,7 +415,7 @@ bool CUndoStack::takeBlock(CBlock* block) {
   return !isIdleHatchBlock(m_data.getBlockTable(), block) || remove(block);
 }
 
-// Drops actions that no edit belongs to, and what they own is not theirs.
+// Drops actions without an edit; they do not own their objects.
 void CUndoStack::forget(std::size_t count) {
   for (; actions().size() > count; actions().pop_back()) actions().back()->letGo();
 }
@@ -495,7 +495,7 @@ bool CUndoStack::redefine(CEntHatch& hatch, double scale, double rotate, const H
   });
 }
 
-// The old block goes first, so that its number is free for the new one.
+// The old block is removed first, so that its number is free for the new one.
 bool CUndoStack::exchangeBlocks(CBlock* old, std::unique_ptr<CBlock>& fresh) {
   try {
     if (!takeBlock(old)) return false;

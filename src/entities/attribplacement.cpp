@@ -13,10 +13,10 @@ namespace {
 using vek0::detail::oneTurn;
 using vek0::detail::TextFrame;
 
-// A scale that cannot be undone is taken for none.
+// A scale that cannot be inverted counts as 1.
 double nonZero(double scale) { return std::isfinite(1 / scale) ? scale : 1; }
 
-// What the placement asks of an insert, with scales that leave something to invert.
+// The insert parameters for the placement, with invertible scales.
 struct Placement {
   PNT_3D point;
   double sx, sy, sz, rotation;
@@ -31,7 +31,7 @@ struct Placement {
   }
 };
 
-// Reading knows no displays.
+// There is no display during reading.
 constexpr double kPixelSize = 1;
 
 void stretch(TextFrame& frame, double sx, double sy) { frame.map(PNT_2D(sx, 0), PNT_2D(0, sy)); }
@@ -56,7 +56,7 @@ void transform_attrib_phisic_2_logic(double pixelSize, const CEntInsertBase& ins
                                      TEXT_3D& text) {
   const Placement at(pixelSize, insert);
   PNT_3D position;
-  // Scales so small that their product vanishes leave the point where it is.
+  // If the scales are so small that their product underflows, the point is unchanged.
   if (at.matrix.invert(text, position)) text.set(position.x, position.y, position.z);
   CTextContext context = text.getContext();
   TextFrame f(context);
@@ -76,7 +76,7 @@ void placeAttrib(const CEntInsertBase& insert, const TEXT_3D& text, CEntAttrib& 
   attrib.setText(inBlock);
 }
 
-// Nothing tells of changes: the place counts that leads to the present text.
+// Changes are not tracked: the placement is valid if it still maps to the current text.
 const ATTRIB_PLACE* rememberedPlace(const CEntInsertBase& insert, const CEntAttrib& attrib) {
   const ATTRIB_PLACE* place = attrib.getReadPlace();
   if (place == nullptr) return nullptr;

@@ -18,7 +18,7 @@ using vek0::detail::BlockGraphItem;
 
 namespace {
 
-constexpr std::size_t kLongRun = 64;  // holes that are passed over before they are closed
+constexpr std::size_t kLongRun = 64;  // holes skipped before they are closed
 
 bool isAttdef(const CEnt& ent) { return ent.getType() == CEntAttdef::kType; }
 
@@ -304,8 +304,8 @@ bool CBlock::operator==(const CBlockMemento& memento) const {
   return m_entities == memento.m_entities;
 }
 
-// Looking through the holes takes a logarithm, so the array is closed up as soon as
-// that has cost as much as closing it does.
+// A look-up through the holes is logarithmic, so the array is compacted as soon as that has cost as
+// much as compaction.
 CEnt* CBlock::at(std::size_t i) const {
   if (m_noHoles != 0) {
     if (m_noHoles > m_entities.size() / 2 || ++m_noLookups > m_entities.size()) {
@@ -351,15 +351,15 @@ void CBlock::growBdry() {
   for (; m_noBoxed < m_entities.size(); ++m_noBoxed) {
     CEnt* ent = m_entities[m_noBoxed];
     if (ent == nullptr || isAttdef(*ent)) continue;
-    // The block of an insert may have changed since the insert looked at it.
+    // The block of an insert may have changed since its extents were computed.
     if (ent->getEntInsert() != nullptr) ent->dirtyBdry();
     m_bdry.updateRegion(ent->getBdry());
   }
   m_bdryStale = false;
 }
 
-// Nobody has used extents that nobody has asked for, so telling is paid for by the
-// computation that it undoes. The same goes for the users of a user.
+// Extents that were never requested have no dependents, so the cost of a notification is covered by
+// the computation that it invalidates. The same applies to indirect users.
 void CBlock::tellUsers() {
   if (m_item == nullptr || !std::exchange(m_bdryAsked, false)) return;
   if (m_item->graph->isOutdated()) return m_item->graph->tellAll();

@@ -96,7 +96,7 @@ void CBlockGraph::forget(CBlock& block) {
   dropBlock(block);
   Item* item = block.m_item;
   if (item == nullptr) return;
-  // The edges stay with their users, where finding them takes a search.
+  // The edges remain in the lists of their users, where finding them would need a search.
   for (Edge* edge = item->users; edge != nullptr; edge = edge->nextToTarget) edge->target = nullptr;
   erase(*item);
 }
@@ -239,7 +239,7 @@ CBlockGraph::Item* CBlockGraph::find(const CBlock& block) const {
   return item != nullptr && item->graph == this && item->isPresent ? item : nullptr;
 }
 
-// The block's item, an absent one if it has none yet; null for a block of another graph.
+// The block's item, created as absent if necessary; null for a block of another graph.
 CBlockGraph::Item* CBlockGraph::need(CBlock* block) const {
   if (block == nullptr) return nullptr;
   Item* item = block->m_item;
@@ -285,7 +285,7 @@ bool CBlockGraph::isCircle(Item& user, const std::vector<Item*>& targets) const 
   return m_isOrdered ? m_order->isCircle(user, targets) : leadsTo(targets, user);
 }
 
-// Without an order everything below has to be looked at.
+// Without a topological order, everything below must be searched.
 bool CBlockGraph::leadsTo(const std::vector<Item*>& from, const Item& to) const {
   ++m_collections;
   std::vector<Item*> found = from;
@@ -301,8 +301,7 @@ bool CBlockGraph::leadsTo(const std::vector<Item*>& from, const Item& to) const 
   return false;
 }
 
-// Orders the blocks for these edges, which are to be made next; false when they close a
-// circle.
+// Updates the order for these edges, which will be created next; false if they would close a cycle.
 bool CBlockGraph::makeWay(Item& user, const std::vector<Item*>& targets) const {
   if (isCircle(user, targets)) return false;
   if (m_isOrdered) m_order->settle();
@@ -330,7 +329,7 @@ void CBlockGraph::replaceEdges(Item& item, const std::vector<Item*>& targets) co
   item.block->invalidateBdry();
 }
 
-// Deletes the edge, which is out of its user's list already.
+// Deletes the edge, which is already removed from its user's list.
 void CBlockGraph::cutEdge(const Edge& edge) const {
   const std::unique_ptr<const Edge> owned(&edge);
   if (edge.target == nullptr) return;
@@ -341,8 +340,8 @@ void CBlockGraph::cutEdge(const Edge& edge) const {
   (previous != nullptr ? previous->nextToTarget : edge.target->users) = next;
 }
 
-// Tries to order the blocks anew. A pass over the graph at every change, but only while
-// there is a circle, which only a host can have made.
+// Tries to reorder the blocks. This is a pass over the graph at every change, but only while there
+// is a cycle, which only a host can create.
 void CBlockGraph::orderAll() const {
   vek0::detail::CollectBlocks collect;
   try {

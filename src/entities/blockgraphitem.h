@@ -13,23 +13,23 @@ namespace vek0::detail {
 
 struct BlockGraphItem;
 
-/// One of an item's edges, in the lists of both of its ends: it is made and cut without a
-/// search, and nothing has to be moved for it.
+/// An edge, in the intrusive lists of both of its ends: it is created and deleted without a search
+/// and without moving anything.
 struct BlockGraphEdge {
   BlockGraphItem* user;
   BlockGraphItem* target;                  // null once the target is deleted
-  BlockGraphEdge* nextOfUser = nullptr;    // in order of the user's inserts
-  BlockGraphEdge* nextToTarget = nullptr;  // in no order
+  BlockGraphEdge* nextOfUser = nullptr;    // in order of the inserts
+  BlockGraphEdge* nextToTarget = nullptr;  // unordered
   BlockGraphEdge* previousToTarget = nullptr;
 };
 
 /// A block in its graph.
 ///
-/// A block that blocks of the graph insert, or that was in the graph and may come back, and that
-/// is not in the graph itself, has an item too: the edges to it are there when it comes, and it
-/// comes without memory being needed. It has no edges of its own, and visits pass it over.
-/// All that a search looks at is in the first 64 bytes: in large graphs, fetching them from
-/// memory is most of the time. Processors fetch the other half along with them.
+/// A block that blocks of the graph insert, or that was in the graph and may come back, and that is
+/// not in the graph itself, has an item too: the edges to it are there when it comes, and it comes
+/// without memory being needed. It has no edges of its own, and visits pass it over. All data that
+/// a search uses is in the first 64 bytes: in large graphs, fetching them dominates the cost.
+/// Processors prefetch the other half.
 struct alignas(128) BlockGraphItem {
   using Edge = BlockGraphEdge;
 
@@ -42,14 +42,14 @@ struct alignas(128) BlockGraphItem {
 
   enum class Mark : char { open, entered, done };
 
-  // What BlockOrder keeps: the place in the order,
+  // Maintained by BlockOrder: the position in the order,
   std::uint64_t label = 0;
-  // the last search that met the item, and from which side,
+  // the last search that reached the item, and from which side,
   std::uint64_t seen = 0;
-  // the item that it was met from, null where the search began,
+  // the item from which it was reached, null where the search began,
   BlockGraphItem* metFrom = nullptr;
-  // and which hubs the item leads to and which lead to it, one bit each, as far as was known
-  // in that era.
+  // and the hubs reachable from the item and those that reach it, one bit each, as far as known in
+  // that era.
   std::uint64_t hubsBelow = 0;
   std::uint64_t hubsAbove = 0;
   std::uint64_t hubsEra = 0;
@@ -58,8 +58,8 @@ struct alignas(128) BlockGraphItem {
 
   CBlock* block = nullptr;
   CBlockGraph* graph = nullptr;
-  std::uint64_t collected = 0;  // number of the last collection of distinct items
-  // The neighbors in the order, and the place in the graph's list.
+  std::uint64_t collected = 0;  // number of the last collection that included it
+  // The neighbors in the order, and the position in the graph's list.
   BlockGraphItem* before = nullptr;
   BlockGraphItem* after = nullptr;
   BlockGraphItem* nextTold = nullptr;  // of those that wait to hear of a change

@@ -8,11 +8,11 @@ namespace {
 using Item = BlockGraphItem;
 
 constexpr std::uint64_t kLabels = std::uint64_t{1} << 62;  // labels are below
-constexpr std::uint64_t kStep = std::uint64_t{1} << 40;    // between labels at the ends
+constexpr std::uint64_t kStep = std::uint64_t{1} << 40;    // spacing of labels at the ends
 
 bool isFirst(const Item* a, const Item* b) { return a->label < b->label; }
 
-// Heaps have on top what compares greatest.
+// std heaps have the greatest element on top.
 constexpr auto kLowest = [](const auto& a, const auto& b) { return a.label > b.label; };
 constexpr auto kHighest = [](const auto& a, const auto& b) { return a.label < b.label; };
 
@@ -22,7 +22,7 @@ void push(std::vector<Live>& heap, const Live& live, Compare compare) {
   std::push_heap(heap.begin(), heap.end(), compare);
 }
 
-// The next edge of the first item, which leaves the heap with its last one.
+// Returns the next edge of the top item, and removes the item from the heap after its last edge.
 template <class Live, class Compare>
 const BlockGraphEdge& follow(std::vector<Live>& heap, BlockGraphEdge* BlockGraphEdge::*list,
                              Compare compare) {
@@ -67,9 +67,9 @@ void BlockOrder::link(Item& place, Item& item) {
   place.after = item.after->before = &item;
 }
 
-// Spreads the labels of the smallest stretch around the item that is not crowded. What
-// counts as crowded gets less the longer the stretch is: then an insertion costs the
-// logarithm of the number of items in the long run.
+// Redistributes the labels of the smallest range around the item that is not crowded. The density
+// limit decreases with the length of the range, so that an insertion costs amortized logarithmic
+// time.
 void BlockOrder::relabel(Item& around) {
   constexpr double kRoomGrowth = 4.0 / 3;
   Item* first = &around;
@@ -107,7 +107,7 @@ bool BlockOrder::isCircle(Item& user, const std::vector<Item*>& targets) {
   return false;
 }
 
-// Notes an item that the targets lead to. What stands after the user cannot lead to it.
+// Records an item reachable from the targets. Items after the user cannot lead to it.
 bool BlockOrder::meetDown(Item& item, Item* from) {
   if (isMet(item, down) || isFirst(m_user, &item)) return false;
   item.seen = 2 * m_search + down;
@@ -120,7 +120,7 @@ bool BlockOrder::meetDown(Item& item, Item* from) {
   return isHubBetween();
 }
 
-// Notes an item that leads to the user.
+// Records an item that leads to the user.
 bool BlockOrder::meetUp(Item& item, Item* from) {
   if (isMet(item, up)) return false;
   item.seen = 2 * m_search + up;
@@ -148,14 +148,14 @@ bool BlockOrder::stepUp() {
   return true;
 }
 
-// `above`, which has an edge to `below`, becomes a hub while there is room for one.
+// Makes `above`, which has an edge to `below`, a hub if there is room.
 void BlockOrder::learnHub(Item& above, Item& below) {
   if (m_noHubs == kMostHubs) return;
   learn(&above, &below, std::uint64_t{1} << m_noHubs++);
 }
 
-// Writes down that the way to `above` leads to the hubs, and these to the way from `below`,
-// up to where that is known. So every step pays for news alone.
+// Records that the path to `above` leads to the hubs, and the hubs to the path from `below`,
+// stopping where this is already known. So each step only pays for new information.
 void BlockOrder::learn(Item* above, Item* below, std::uint64_t hubs) {
   for (; above != nullptr && (hubs & ~above->hubsBelow) != 0; above = above->metFrom)
     above->hubsBelow |= hubs;
@@ -181,8 +181,8 @@ void BlockOrder::forgetHubs() {
   m_noHubs = 0;
 }
 
-// What was met from above goes behind the user, and what was met from below before that:
-// to where the two searches passed each other.
+// Items reached from above move after the user, and those reached from below before it: to the
+// point where the two searches passed each other.
 void BlockOrder::settle() {
   Item* const middle = m_downLive.empty() ? m_user : m_downLive.front().next->user;
   std::erase_if(m_down, [&](const Item* item) { return !isFirst(item, middle); });
@@ -197,13 +197,13 @@ void BlockOrder::settle() {
   insertAllAfter(place, m_up);
 }
 
-// Spread evenly: one by one, each would take half of the room that the one before has left.
+// Spread evenly: inserted one by one, each would take half of the remaining gap.
 void BlockOrder::insertAllAfter(Item& place, const std::vector<Item*>& items) {
   const bool isFront = &place == &m_ends;
   const std::uint64_t low = isFront ? 0 : place.label;
   const std::uint64_t high = place.after == &m_ends ? kLabels : place.after->label;
   const std::uint64_t step = std::min((high - low) / (items.size() + 1), kStep);
-  // In front of all they stand next to what follows, which leaves the room to `addFirst`.
+  // At the front they are placed close to the next item, which leaves room for `addFirst`.
   std::uint64_t label = isFront ? high - step * (items.size() + 1) : low;
   Item* last = &place;
   for (Item* item : items) {

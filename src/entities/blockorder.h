@@ -8,39 +8,37 @@
 
 namespace vek0::detail {
 
-/// The items of a graph without circles in an order in which each stands before all that
-/// it has edges to. It tells whether more edges would close a circle, and makes room for
-/// them.
+/// Maintains a topological order of an acyclic graph: each item precedes all items that it has
+/// edges to. Determines whether new edges would close a cycle, and updates the order for them.
 ///
-/// Formula: two-way ordered search of Haeupler, Kavitha, Mathew, Sen and Tarjan (2012).
-/// The places are labels in a linked list after Bender, Cole, Demaine, Farach-Colton and
-/// Zito (2002).
+/// Algorithm: two-way ordered search of Haeupler, Kavitha, Mathew, Sen and Tarjan (2012). Positions
+/// are labels in a linked list after Bender, Cole, Demaine, Farach-Colton and Zito (2002).
 class BlockOrder {
  public:
   BlockOrder();
   BlockOrder(const BlockOrder&) = delete;
   BlockOrder& operator=(const BlockOrder&) = delete;
 
-  /// An item without users may stand first, one without edges last.
+  /// An item without users may be first, one without edges last.
   void addFirst(BlockGraphItem& item) { insertAfter(m_ends, item); }
   void addLast(BlockGraphItem& item) { insertAfter(*m_ends.before, item); }
   static void remove(BlockGraphItem& item);
   void clear();  ///< of items that are gone
 
-  /// Whether `user` can be reached from any of `targets`, itself included.
+  /// Whether `user` is reachable from any of `targets`, itself included.
   ///
-  /// Searches down from the targets and up from the user, the former by ascending places
-  /// and the latter by descending ones, until they meet or pass each other: what is outside
-  /// of the stretch between user and target is not looked at, and neither is most of what
-  /// is within. Constant where user and targets stand in order already.
+  /// Searches down from the targets in ascending order and up from the user in descending order,
+  /// until the searches meet or pass each other: items outside the range between user and target
+  /// are not visited, nor are most of those within. Constant time if user and targets are already
+  /// in order.
   bool isCircle(BlockGraphItem& user, const std::vector<BlockGraphItem*>& targets);
-  /// Moves `user` before all targets of the last `isCircle`, which has answered no, and
-  /// since which nothing has changed. Costs no more than that search.
+  /// Moves `user` before all targets of the last `isCircle`, which must have returned false and not
+  /// be followed by changes. Costs no more than that search.
   void settle();
 
-  /// Tells of a new edge, so that what is known of hubs spreads along it.
+  /// Call it for every new edge, so that hub information spreads along it.
   void connect(BlockGraphItem& user, BlockGraphItem& target) const;
-  /// Tells that edges have gone, after which what is known of hubs may be wrong.
+  /// Call it when edges were removed, which invalidates hub information.
   void forgetHubs();
 
  private:
@@ -68,21 +66,21 @@ class BlockOrder {
 
   Item m_ends;  // before the first and after the last
 
-  std::uint64_t m_search = 0;  // number of the last search
-  Item* m_user = nullptr;      // of it
-  std::vector<Item*> m_down;   // met from above
-  std::vector<Item*> m_up;     // met from below
-  // Heaps of those that are to be followed: lowest and highest label first.
+  std::uint64_t m_search = 0;  // number of the current search
+  Item* m_user = nullptr;      // its user
+  std::vector<Item*> m_down;   // reached from above
+  std::vector<Item*> m_up;     // reached from below
+  // Heaps of items still to be followed: lowest and highest label first.
   std::vector<Live> m_downLive, m_upLive;
 
-  // A hub is an edge in which the two sides of a search met. Where most blocks hang
-  // together, a few of them are between almost all pairs that would close a circle, which
-  // saves the search. Known is what lay on the ways that were found.
+  // A hub is an edge where the two sides of a search met. Where most blocks are connected, a few
+  // hubs lie between almost all pairs that would close a cycle, which saves the search. Only
+  // information on the paths found so far is recorded.
   static constexpr std::size_t kMostHubs = 64;
-  std::uint64_t m_hubsEra = 1;  // grows when edges go
+  std::uint64_t m_hubsEra = 1;  // incremented when edges are removed
   std::size_t m_noHubs = 0;
-  std::uint64_t m_hubsBelowDown = 0;  // hubs that the items met from above lead to
-  std::uint64_t m_hubsAboveUp = 0;    // hubs that lead to those met from below
+  std::uint64_t m_hubsBelowDown = 0;  // hubs reachable from the items reached from above
+  std::uint64_t m_hubsAboveUp = 0;    // hubs that lead to the items reached from below
 };
 
 }  // namespace vek0::detail

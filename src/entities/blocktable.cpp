@@ -22,8 +22,8 @@ std::list<CBlock*> insertedBlocks(const std::list<CEnt*>& entities) {
   return blocks;
 }
 
-// The blocks of a graph, users before what they insert; none when there is a circle or
-// no memory.
+// The blocks of a graph, users before the blocks they insert; empty if there is a cycle or memory
+// runs out.
 std::vector<CBlock*> usersFirst(const CBlockGraph& graph) {
   vek0::detail::CollectBlocks collect;
   try {
@@ -132,11 +132,11 @@ void CBlockTable::recalcBdry() {
 
 void CBlockTable::clearAll() {
   if (isView()) return CNamedItemTableImp::clearAll();
-  // All of them before the first is destroyed: an insert counts on its block.
+  // Unregister all before destroying the first: an insert is counted by its block.
   for (int i = 0; i < size(); ++i) (*this)[i]->removeBlock(m_gestor);
   const std::vector<CBlock*> ordered = usersFirst(*m_graph);
-  // Table and graph let go of all at once: block by block, looking for its name and its
-  // edges, took a quarter of the time of closing a drawing of many blocks.
+  // Table and graph release all blocks at once: looking up each block's name and edges took a
+  // quarter of the time of closing a drawing with many blocks.
   std::vector<CNamedItem*> others = removeAll();
   if (!ordered.empty())
     std::erase_if(others,

@@ -20,10 +20,10 @@ const zim::WString& compose(const CBlockXRef& xref, const zim::WString& name,
   return fullName;
 }
 
-// Takes an item out of the table and keeps it.
+// Removes an item from the table and keeps it.
 template <class Table, class Item>
 void retireFrom(Table& table, std::vector<std::unique_ptr<Item>>& retired, Item* item) {
-  retired.emplace_back();  // first: this alone can fail
+  retired.emplace_back();  // first, because only this can fail
   table.remove(item);
   retired.back().reset(item);
 }
@@ -107,7 +107,7 @@ void CBlockXRef::reserveRetired() {
   m_retiredStyles.reserve(m_retiredStyles.size() + static_cast<std::size_t>(m_styles.size()));
 }
 
-// What is out of the drawing shows nothing.
+// A reference outside the drawing shows nothing.
 void CBlockXRef::countNested(long by) {
   for (CBlockXRef* nested : m_nested) nested->m_shows += by;
 }
@@ -124,14 +124,14 @@ void CBlockXRef::retire(CLtype* ltype) {
 
 void CBlockXRef::retire(CStyle* style) { retireFrom(m_styles, m_retiredStyles, style); }
 
-// The table counts the layer on its linetype from then on.
+// The table counts the layer as a user of its linetype from then on.
 void CBlockXRef::putBack(CLayer& layer) {
   CLtype* ltype = layer.getLtype();
   strip(layer);
   m_layers.add(&layer);
   layer.setLtype(ltype != nullptr ? ltype : m_ltypes.getLtypeContinuous());
   if (ltype != nullptr || !layer.isXRef()) return;
-  // That is not the host's wish: the layer follows its file when it is in there again.
+  // Not a change by the host: the layer follows its file again when it reappears there.
   std::optional<CLayerXRef::Look>& told = static_cast<CLayerXRef&>(layer).m_told;
   if (told) told->ltype = layer.getLtype();
 }

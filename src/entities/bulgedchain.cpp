@@ -10,13 +10,13 @@ namespace vek0::detail {
 namespace {
 
 constexpr double kQuarterTurn = std::numbers::pi / 2;
-// Up to so many chords all of them are looked at for the extents.
+// Up to this number of chords, all are examined for the extents.
 constexpr int kFewChords = 8;
 
 PNT_3D posOf(const BULGED_VERTEX& v) { return PNT_3D(v.x, v.y, v.z); }
 
-// The arc from one given vertex to the next, seen from its start. Nothing here uses
-// the center: a flat arc has it so far away that the digits of the arc are lost.
+// The arc from one given vertex to the next, relative to its start. The center is not used: that of
+// a flat arc is so far away that digits would be lost.
 class Arc {
  public:
   Arc(const BULGED_VERTEX& from, const BULGED_VERTEX& to)
@@ -25,7 +25,7 @@ class Arc {
         m_dx(to.x - from.x),
         m_dy(to.y - from.y),
         m_angle(4 * std::atan(from.bulge)),
-        // Sine of half the angle, from the half angle's tangent of a half.
+        // Sine of half the angle, by the tangent half-angle formula.
         m_halfSin(2 * from.bulge / (1 + from.bulge * from.bulge)) {}
 
   bool exists() const {
@@ -37,8 +37,8 @@ class Arc {
 
   int chords() const { return chordCount(m_from.bulge); }
 
-  // The point where chord `k` of `n` starts, 0 < k < n: the chord from the start to
-  // it has length 2 r sin(phi / 2) and is turned by half the angle that remains.
+  // The point where chord `k` of `n` starts, 0 < k < n: the chord from the start to it has length 2
+  // r sin(phi / 2) and is rotated by half the remaining angle.
   PNT_3D pntAt(int k, int n) const {
     const double t = static_cast<double>(k) / n;
     const double phi = m_angle * t;
@@ -56,9 +56,9 @@ class Arc {
       for (int k = 1; k < n; ++k) box.updateRegion(pntAt(k, n));
       return;
     }
-    // Seen from the center the start lies at `start`; the arc is extreme where the
-    // angle passes a multiple of a quarter turn. With so many chords each spans
-    // some 0.03 radians, so no vertex but the two around can reach as far.
+    // Seen from the center, the start is at the angle `start`; the arc has its extremes at
+    // multiples of a quarter turn. With so many chords, each spans some 0.03 radians, so only the
+    // two adjacent vertices can be extreme.
     const double start =
         std::atan2(m_dy, m_dx) - m_angle / 2 - std::copysign(kQuarterTurn, m_angle);
     const double lo = std::min(start, start + m_angle);

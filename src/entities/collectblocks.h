@@ -6,7 +6,7 @@
 
 namespace vek0::detail {
 
-/// Takes down the blocks in the order in which a graph visits them.
+/// Collects the blocks in the order in which a graph visits them.
 class CollectBlocks final : public IBlockOperation {
  public:
   int doOperation(CBlock& block) override {

@@ -1,4 +1,4 @@
-// From a boundary and a pattern to the block that shows the hatch.
+// Creates the block of a hatch from its boundary and pattern.
 #include <atomic>
 #include <memory>
 #include <new>
@@ -35,7 +35,7 @@ const zim::Char* messageOf(HatchStatus status) {
   }
 }
 
-// Puts what a pattern draws into a block.
+// Adds what a pattern draws to a block.
 class BlockSink final : public IHatchSink {
  public:
   BlockSink(CData& data, CBlock& block) : m_data(data), m_block(block) {}
@@ -61,7 +61,7 @@ class BlockSink final : public IHatchSink {
     std::unique_ptr<CEnt> ent(made);
     if (!ent) throw std::bad_alloc();
     m_block.restore(ent.get());
-    static_cast<void>(ent.release());  // not before the block has it
+    static_cast<void>(ent.release());  // only now that the block owns it
   }
 
   CData& m_data;
@@ -98,14 +98,14 @@ bool isHatchName(const zim::WString& name) {
 
 bool vek0::detail::addHatchBlock(CBlockTable& table, std::unique_ptr<CBlock>& block) {
   try {
-    // A hatch among what the block holds may have got the name meanwhile.
+    // A hatch inside the block may have received the name meanwhile.
     const CBlock* const same = table.get(block->getName());
     if (same && same != block.get()) block->setName(getHatchName(table));
     table.add(block.get());
   } catch (const std::bad_alloc&) {
     return false;
   }
-  static_cast<void>(block.release());  // not before the table has it
+  static_cast<void>(block.release());  // only now that the table owns it
   return true;
 }
 

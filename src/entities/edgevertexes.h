@@ -12,8 +12,8 @@ inline BULGED_VERTEX vertexAt(const PNT_3D& p, double bulge) {
   return {p.x, p.y, p.z, 0, 0, bulge, 0};
 }
 
-/// Appends what a polyline has of an edge, but for the vertex at its end. A turn of more
-/// than half is two arcs: the bulge of a nearly full one has no digits left.
+/// Appends the polyline vertices of an edge, except the one at its end. A sweep of more than half a
+/// turn becomes two arcs: the bulge of a nearly full one would lose all precision.
 template <class Vertexes>
 void addVertexes(const EDGE_3D& edge, Vertexes& out) {
   const bool isTwo = std::fabs(edge.sweep) > std::numbers::pi;

@@ -11,7 +11,7 @@
 
 namespace {
 
-// Moves one count from `from` to `to`; null counts nobody.
+// Moves one use count from `from` to `to`; null is not counted.
 template <class Item>
 void moveCount(Item* from, Item* to) {
   if (from != nullptr) from->decEntity();
@@ -50,7 +50,7 @@ void CEnt::removeTbls(IHandleGestor& gestor) const {
 }
 
 CBlock* CEnt::getOwnerBlock() const {
-  // Stored by the block itself, which is no const object.
+  // Stored by the block itself, which is not a const object.
   return m_inBlock ? static_cast<CBlock*>(const_cast<void*>(m_owner)) : nullptr;
 }
 

@@ -13,7 +13,7 @@ std::size_t corner(long i) {
   return static_cast<std::size_t>(std::clamp(i, 0L, 3L));
 }
 
-// 0 where the index names no bit of a 32-bit word.
+// 0 if the index is not a bit of a 32-bit word.
 unsigned long edgeBit(long i) { return i >= 0 && i < 32 ? 1UL << i : 0; }
 
 }  // namespace

@@ -35,7 +35,7 @@ void CEntArc::setArc(const ARC_3D& arc) {
 
 void CEntArc::setArc(double cx, double cy, double cz, double radius, double startAngle,
                      double endAngle) {
-  m_arc.set(cx, cy, cz, radius, startAngle, endAngle);  // brings the angles into range
+  m_arc.set(cx, cy, cz, radius, startAngle, endAngle);  // reduces the angles
   calcBdry();
 }
 

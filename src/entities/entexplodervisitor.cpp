@@ -25,7 +25,7 @@ struct Corner {
   double bulge;
 };
 
-// The segments of a polyline as entities that look like it.
+// Converts the segments of a polyline to entities with the same appearance.
 class Segments {
  public:
   Segments(EntMaker& maker, const CEntPolyline& like) : m_maker(maker), m_like(like) {}
@@ -60,7 +60,7 @@ class Segments {
   std::vector<PNT_3D> m_chords;
 };
 
-// Hatches that nobody gets must not leave their blocks in the table.
+// Discarded hatches must not leave their blocks in the table.
 void dropHatchBlocks(EntMaker& maker) {
   for (const std::unique_ptr<CEnt>& ent : maker.made) {
     if (ent->getType() != CEntHatch::kType) continue;
@@ -81,13 +81,14 @@ CEntExploderVisitor::CEntExploderVisitor(IHandleGestor& gestor, CEntFactory& ent
       m_pixelSize(pixelSize),
       m_limit(limit) {}
 
-// All that an entity gives or nothing of it.
+// Produces all results of an entity or none.
 template <class Fill>
 void CEntExploderVisitor::collect(Fill fill) {
   EntMaker maker{m_gestor, m_entFactory, m_blockFactory, m_blockTable, m_pixelSize, m_limit, {}};
   try {
     fill(maker);
-    // At the end, where vectors grow by shares: reserving would move all of them each time.
+    // Appended individually, because vectors grow geometrically: reserving exactly would move all
+    // elements each time.
     if (!maker.isRefused)
       m_ents.insert(m_ents.end(), std::make_move_iterator(maker.made.begin()),
                     std::make_move_iterator(maker.made.end()));

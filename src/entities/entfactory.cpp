@@ -17,13 +17,13 @@
 
 namespace {
 
-constexpr vek0::Handle kCopyHandle = 0;  // a handle names one object, so a copy has none
+constexpr vek0::Handle kCopyHandle = 0;  // handles are unique, so a copy has none
 
 }  // namespace
 
 CEntFactory::~CEntFactory() = default;
 
-// Strings and lists inside an entity may run out of memory as well as the object.
+// Strings and lists inside an entity may fail to allocate as well as the object.
 template <class Kind, class... Args>
 Kind* CEntFactory::make(Args&&... args) {
   try {

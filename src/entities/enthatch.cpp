@@ -85,8 +85,8 @@ class CEntHatch::ReplacedBlock final : public vek0::detail::EntParts {
     if (m_isIdle) delete m_block;
   }
 
-  // The old block leaves first, since its number may become that of the new one, and comes back
-  // when there is none.
+  // The old block is removed first, because the new one may reuse its number, and is put back if
+  // none is created.
   bool replace(const BlockMaker& make) {
     takeOut();
     bool isMade = false;
@@ -117,7 +117,7 @@ class CEntHatch::ReplacedBlock final : public vek0::detail::EntParts {
   void takeOut() {
     m_hatch.replaceBlock(nullptr);
     m_place.reset();
-    m_isIdle = m_block && m_block->getEntities() <= 0;  // else an insert shows it too
+    m_isIdle = m_block && m_block->getEntities() <= 0;  // otherwise an insert shows it too
     if (m_isIdle && m_table.contains(m_block)) m_place = m_table.getPlace(*m_block);
     if (m_place) m_table.remove(m_block);
   }
@@ -173,7 +173,7 @@ CEnt* CEntHatch::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFac
       std::unique_ptr<CEnt> line(entFactory.clone(gestor, blockFactory, blockTable, *(*own)[i]));
       if (!line) return nullptr;
       block->restore(line.get());
-      static_cast<void>(line.release());  // not before the block has it
+      static_cast<void>(line.release());  // only now that the block owns it
     }
   }
   std::unique_ptr<CEntHatch> copy(new CEntHatch(*this, block.get(), handle));
@@ -196,7 +196,7 @@ void CEntHatch::setMemento(CData& data, const IEntDerivedMemento* memento) {
   setParameters(state->m_scale, state->m_rotate, *state->m_type, state->m_boundary);
 }
 
-// A hatch that had no lines may be one that none could be generated for.
+// For a hatch without lines, generation may have failed.
 std::unique_ptr<vek0::detail::EntParts> CEntHatch::replaceParts(CData& data,
                                                                 const IEntDerivedMemento& memento) {
   const auto* state = vek0::detail::mementoOf<CEntHatch, CEntHatchMemento>(&memento);
@@ -239,7 +239,7 @@ CEntHatchMemento::CEntHatchMemento(const CEntHatch& ent)
 
 CEntHatchMemento::~CEntHatchMemento() = default;
 
-// A pointer would not tell: another block may have come to stand at the same address.
+// A pointer would not suffice: another block may have been allocated at the same address.
 bool CEntHatchMemento::showsSameBlock(const CEntHatch& hatch) const {
   const CBlock* block = hatch.getBlock();
   if (!block) return m_serial == 0;

@@ -110,8 +110,8 @@ void CEntInsertBase::DoCalcBdry(double pixelSize, RECT_3D& box) const {
     long columns, rows;
     double columnSpacing, rowSpacing;
     getArray(columns, rows, columnSpacing, rowSpacing);
-    // A cell's offset is linear in row and column, so the four at the corners of the
-    // array reach as far as all of them.
+    // A cell's offset is linear in row and column, so the four corner cells have the extents of the
+    // whole array.
     const long lastColumn = std::max(columns, 1L) - 1, lastRow = std::max(rows, 1L) - 1;
     for (int corner = 0; corner < 4; ++corner) {
       const long row = (corner & 1) ? lastRow : 0, column = (corner & 2) ? lastColumn : 0;
@@ -320,7 +320,7 @@ CEntInsertXRef::CEntInsertXRef(IHandleGestor& gestor, CEntFactory& factory,
     : CEntInsert(gestor, factory, src, handle), m_depend(src.m_depend) {}
 
 void CEntInsertXRef::accept(IEntVisitor& visitor) {
-  // Pointed to an ordinary block meanwhile, it is no more than an insert.
+  // If it now shows an ordinary block, it is just an insert.
   getXRef() != nullptr ? visitor.visit(*this) : CEntInsert::accept(visitor);
 }
 
@@ -402,7 +402,7 @@ class AttribsMemento::Replaced final : public EntParts {
       present.emplace(m_insert.m_attribs[i].get(), i);
     m_attribs.resize(entries.size());
     for (std::size_t i = 0; i < entries.size(); ++i) {
-      // Another one may have come to stand at the address of one that was deleted.
+      // Another one may have been allocated at the address of a deleted one.
       const auto found = present.find(entries[i].attrib);
       if (found != present.end() && found->first->GetHandle() == entries[i].handle)
         m_shared.emplace_back(found->second, i);

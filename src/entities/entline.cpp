@@ -10,7 +10,7 @@ CEntLine::CEntLine(vek0::Handle handle, CLayer* layer, CLtype* ltype, short colo
   CEntLine::calcBdry();
 }
 
-// Drawings are mostly lines, and one more byte would make each 16 bytes larger.
+// Drawings consist mostly of lines, and one more byte would make each 16 bytes larger.
 static_assert(sizeof(CEntLine) == sizeof(CEnt) + sizeof(LINE_3D));
 
 CEntLine::CEntLine(const CEntLine& src, vek0::Handle handle)
@@ -41,7 +41,7 @@ IEntDerivedMemento* CEntLine::createDerivedMemento() const {
   return new (std::nothrow) CEntLineMemento(*this);
 }
 
-// Whoever draws by extents looks for endless lines everywhere, and has to hear of it.
+// Renderers that select by extents must handle infinite lines separately, so watchers are notified.
 void CEntLine::setReach(LineReach reach) {
   if (reach == getReach()) return;
   setOwnByte(static_cast<unsigned char>(reach));

@@ -29,7 +29,7 @@ void moveInsert(Insert& ent, const PNT_3D& delta) {
 
 }  // namespace
 
-// A move by nothing changes nothing, which is what becomes of one that is no move.
+// A non-finite move is replaced by a zero move, which has no effect.
 CEntMoveVisitor::CEntMoveVisitor(const PNT_3D& delta) : m_delta(delta) {
   if (!std::isfinite(delta.x) || !std::isfinite(delta.y) || !std::isfinite(delta.z))
     m_delta.set(0, 0, 0);

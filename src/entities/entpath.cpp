@@ -68,7 +68,7 @@ CEnt* createEntFromPath(IHandleGestor& gestor, CEntFactory& factory, const PATH_
   const short color = like.getColor();
   const ARC_3D arc = edge.toArc();
   const bool isFull = arc.startAngle == arc.endAngle;
-  // An arc too short for angles to tell its ends apart would be taken for a circle.
+  // An arc so short that its end angles coincide would be mistaken for a circle.
   if (!edge.isArc() || (isFull && std::fabs(edge.sweep) < std::numbers::pi))
     return factory.createEntLine(gestor, layer, ltype, color, LINE_3D(edge.p1, edge.p2), 0);
   if (isFull) return factory.createEntCircle(gestor, layer, ltype, color, arc, 0);

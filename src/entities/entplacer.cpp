@@ -32,7 +32,7 @@
 namespace vek0::detail {
 namespace {
 
-constexpr double kSquare = 1e-12;  // share by which axes may be off square or of equal length
+constexpr double kSquare = 1e-12;  // relative tolerance for perpendicular axes and equal lengths
 constexpr int kMostNested = 200;
 constexpr long kInvisible = 1;  // bit of an attribute's flags
 
@@ -75,7 +75,7 @@ PNT_3D EntPlacer::placed(const PNT_3D& p) const {
   return out;
 }
 
-// Of a matrix that keeps angles.
+// For a conformal matrix.
 double EntPlacer::turned(double angleRad) const {
   return std::atan2(m_x.y, m_x.x) + (m_mirrors ? -angleRad : angleRad);
 }
@@ -173,7 +173,7 @@ void EntPlacer::visit(CEntPolyline& ent) {
   take(made, ent);
 }
 
-// Its curve is that of the placed control points, so both are placed alike.
+// The curve is defined by the placed control points, so both are placed the same way.
 void EntPlacer::placeCurve(CEntPolyline& ent) {
   CEntPolyline* made = m_maker.ents.createEntPolyline(
       m_maker.gestor, layerOf(ent), ltypeOf(ent), colorOf(ent), ent.getFlags(), ent.getDegree(), 0);
@@ -205,13 +205,13 @@ void EntPlacer::visit(CEntText& ent) {
 
 void EntPlacer::visit(CEntAttdef&) {}
 
-// What fills in a definition is a text of its own once its insert is gone.
+// An attribute becomes an ordinary text once its insert is gone.
 void EntPlacer::visit(CEntAttrib& ent) {
   if ((ent.getFlags() & kInvisible) == 0) visit(static_cast<CEntText&>(ent));
 }
 
-// The pieces of a hatch hide their edges. On their own they get them back: a form of files that
-// has no fills would lose them otherwise.
+// The faces of a hatch have hidden edges. Exploded, they get them back: otherwise the file form
+// without fills would lose them.
 void EntPlacer::visit(CEnt3DFace& ent) {
   const bool isFreed = ent.isFilled() && m_look && m_look->layer;
   PNT_3D p[4];
@@ -258,7 +258,7 @@ void EntPlacer::visit(CEntInsert& ent) {
   take(copy.release(), ent);
 }
 
-// A copy goes on counting on the drawing's record of references.
+// A copy is also counted in the drawing's record of references.
 void EntPlacer::visit(CEntInsertXRef& ent) {
   std::unique_ptr<CEntInsertXRef> copy(m_maker.ents.createEntInsertXRef(m_maker.gestor, ent));
   if (!copy || !setPlaced(*copy, ent)) {
@@ -295,7 +295,7 @@ void EntPlacer::placeContents(EntMaker& maker, const CEntInsertMatrix& outer,
   columns = std::max(columns, 1L);
   rows = std::max(rows, 1L);
   const std::size_t size = block ? block->size() : 0;
-  // All of it before any of it: nobody waits for what will be refused.
+  // Check the total first, so that no time is spent on an entity that will be refused.
   if (!maker.spend(static_cast<double>(columns) * static_cast<double>(rows) *
                    static_cast<double>(size)))
     return;
@@ -338,7 +338,7 @@ bool EntPlacer::placeHatch(CEntHatch& ent) {
   for (std::size_t i = 0; i < own->size(); ++i) (*own)[static_cast<unsigned>(i)]->accept(lines);
   for (std::size_t i = before; i < m_maker.made.size(); ++i) {
     block->restore(m_maker.made[i].get());
-    static_cast<void>(m_maker.made[i].release());  // not before the block has it
+    static_cast<void>(m_maker.made[i].release());  // only now that the block owns it
   }
   m_maker.made.resize(before);
   std::vector<PNT_3D> boundary;

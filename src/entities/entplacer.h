@@ -17,7 +17,7 @@ class CLtype;
 
 namespace vek0::detail {
 
-/// Creates entities, and counts what that costs against a limit.
+/// Creates entities and counts them against a limit.
 struct EntMaker {
   IHandleGestor& gestor;
   CEntFactory& ents;
@@ -28,34 +28,33 @@ struct EntMaker {
   std::vector<std::unique_ptr<CEnt>> made;
   long cost = 0;
   bool isRefused = false;
-  long lostClips = 0;  ///< of inserts that gave all that they hold
+  long lostClips = 0;  ///< of inserts that were exploded completely
 
   /// Counts entities or vertices; false once there are too many.
   bool spend(double units);
-  /// Takes over a new entity; null refuses all.
+  /// Takes ownership of a new entity; null marks everything as refused.
   void take(CEnt* ent);
 };
 
-/// What entities in a block take over from its insert.
+/// Properties that entities in a block inherit from its insert.
 struct BlockLook {
   short color;
   CLtype* ltype;
   CLayer* layer;  ///< null: they keep their own
 };
 
-/// Copies entities to where a matrix places them.
+/// Creates copies of entities transformed by a matrix.
 ///
-/// Points, lines, faces and texts are what they were. Circles, arcs, and the arcs of
-/// polylines stay arcs when the matrix keeps angles, and become chords otherwise. Inserts
-/// stay inserts when their axes stay square, and become what they show otherwise; hatches
-/// stay hatches when the matrix keeps angles and does not mirror, solid ones when it flattens
-/// nothing, and become what their blocks hold otherwise. Attribute definitions have no copy. A null
-/// look leaves colors and linetypes.
+/// Points, lines, faces and texts keep their kind. Circles, arcs, and the arcs of polylines stay
+/// arcs if the matrix is conformal, and become chords otherwise. Inserts stay inserts if their axes
+/// remain perpendicular, and are exploded otherwise; hatches stay hatches if the matrix is
+/// conformal and does not mirror, solid ones if it is not singular, and become the content of their
+/// blocks otherwise. Attribute definitions are not copied. A null look keeps colors and linetypes.
 class EntPlacer final : public IEntVisitor {
  public:
   EntPlacer(EntMaker& maker, const CEntInsertMatrix& matrix, const BlockLook* look, int depth);
 
-  /// Copies all that the insert shows, given the matrix of what the insert stands in.
+  /// Copies everything that the insert shows, given the matrix of its container.
   static void placeContents(EntMaker& maker, const CEntInsertMatrix& outer,
                             const CEntInsertBase& insert, const BlockLook& look, int depth);
 

@@ -48,7 +48,7 @@ CEntPolyline::CEntPolyline(const CEntPolyline& src, vek0::Handle handle)
       m_curveChords(src.m_curveChords),
       m_maybeWide(src.m_maybeWide) {}
 
-// Delegation makes the destructor delete the vertices made so far when one fails.
+// Because of the delegation, the destructor deletes the vertices created so far if one fails.
 CEntPolyline::CEntPolyline(IHandleGestor& gestor, CEntFactory& factory, const CEntPolyline& src,
                            vek0::Handle handle)
     : CEntPolyline(src, handle) {
@@ -130,8 +130,8 @@ void CEntPolyline::unpack() const {
   });
 }
 
-// The vertices of the library's own factory are those that `unpack` makes when somebody
-// asks for them. Those of a host are made at once, while its factory is at hand.
+// The library's own factory creates the same vertices as `unpack` does on demand. Those of a host's
+// factory are created immediately, while the factory is available.
 void CEntPolyline::unpackFor(const CEntFactory& factory, const VertexMaker& make) {
   if (typeid(factory) != typeid(CEntFactory)) unpack(make);
 }
@@ -150,8 +150,8 @@ void CEntPolyline::unpack(const VertexMaker& make) const {
   m_packed.clear();
 }
 
-// The run that starts at vertex `i` and is still an arc. `next` is the place in the
-// list of runs from which to look on; it only goes forward, as `i` does.
+// The run that starts at vertex `i` and is still an arc. `next` is the position in the list of runs
+// where the search continues; it only advances, like `i`.
 const CEntPolyline::ArcRun* CEntPolyline::runAt(std::size_t& next, long i) const {
   while (next < m_runs.size() && (m_runs[next].first < i || m_runs[next].bulge == 0)) ++next;
   return next < m_runs.size() && m_runs[next].first == i ? &m_runs[next] : nullptr;
@@ -324,7 +324,7 @@ void CEntPolyline::translate(const PNT_3D& delta) {
   for (CVertex* vertex : m_vertexes) vertex->getPnt().move(delta);
 }
 
-// Bulges are ratios: turning and scaling change neither them nor the number of chords.
+// Bulges are ratios: rotation and scaling change neither them nor the number of chords.
 void CEntPolyline::rotate(const PNT_3D& centre, double angleRad) {
   m_packed.rotate(centre, angleRad);
   for (CVertex* vertex : m_vertexes) vertex->getPnt().rotate(centre, angleRad);
@@ -350,7 +350,7 @@ bool CEntPolyline::IsWidthConstant(double& width) const {
   bool isFirst = true;
   bool isConstant = getNoTotalVertexes() > 0;
   double reference = 0;
-  // The vertices as given will do: along an arc the widths lie between its ends'.
+  // The given vertices suffice: along an arc the widths are between those of its ends.
   const auto compare = [&](double ws, double we) {
     if (isFirst) reference = we;
     isFirst = false;
@@ -397,7 +397,7 @@ void CEntPolyline::growBySilhouette(RECT_3D& box) const {
 
 // --- Editing
 
-// Adding n vertices one by one must not look at all of them n times.
+// Adding n vertices one by one must not examine all of them n times.
 void CEntPolyline::growOrDirtyBdry(const CVertex& vertex) {
   if (m_maybeWide || isBdryDirty()) {
     dirtyBdry();
@@ -410,7 +410,7 @@ void CEntPolyline::growOrDirtyBdry(const CVertex& vertex) {
 
 void CEntPolyline::placeVertex(CVertex& vertex, long i) {
   unpack();
-  // What comes between two vertices of an arc, its end included, breaks it.
+  // A vertex inserted between two vertices of an arc, its end included, breaks the arc.
   if (i > 0) dropRunsAt(i - 1, false);
   if (i == 0) dropClosingRun();
   shiftRuns(i, 1);
@@ -564,7 +564,7 @@ void CEntPolyline::open(IHandleGestor& gestor, CEntFactory& factory, bool handle
 void CEntPolyline::setClosed(IHandleGestor& gestor, CEntFactory& factory, bool closed,
                              bool handles) {
   if (isClosed() == closed) return;
-  // The last vertex's bulge would start or cease to mean an arc: fix what it means now.
+  // The last vertex's bulge would become or cease to be an arc: preserve its current meaning.
   if (isPacked() && m_packed.vertexes().back().bulge != 0) unpack();
   if (!closed) dropClosingRun();
   m_flags = static_cast<short>(closed ? m_flags | kClosed : m_flags & ~kClosed);
@@ -617,7 +617,7 @@ void CEntPolyline::setCurveChords(int chords) {
   m_curveChords = static_cast<unsigned char>(std::clamp(chords, 2, 64));
 }
 
-// Fitted curves come as arcs, which a chain turns into chords.
+// Fitted curves consist of arcs, which a chain converts to chords.
 BulgedChain CEntPolyline::curveChain() const {
   std::vector<CURVE_VERTEX> controls;
   for (long i = 0; i < m_firstVisible; ++i) {
@@ -684,8 +684,8 @@ void CEntPolyline::setMemento(CData& data, const IEntDerivedMemento* memento) {
   setBdry(state.m_bdry);
 }
 
-// A booked handle stays with its vertex. Others go with the place: among as many vertices
-// as before there may be different ones.
+// A tracked handle stays with its vertex. Others belong to the position: the same number of
+// vertices may be different objects.
 void CEntPolyline::resetVertex(CVertex& vertex, const MementoEntry& entry, bool isBooked) {
   if (!isBooked) vertex = CVertex(vertex, entry.handle);
   vertex.setMemento(&entry.values);

@@ -21,7 +21,7 @@ using vek0::detail::oneTurn;
 
 namespace {
 
-// Ten decimals of a degree are as many as anybody writes; sums err by some last bits.
+// Nobody writes more than ten decimals of a degree; sums are off by some last bits.
 double withoutNoise(double degrees) {
   constexpr double kDecimals = 1e10, kNoise = 1e-12;
   const double nearest = std::round(degrees * kDecimals) / kDecimals;
@@ -30,7 +30,7 @@ double withoutNoise(double degrees) {
 
 }  // namespace
 
-// A turn by nothing changes nothing, which is what becomes of one that is no turn.
+// A non-finite rotation is replaced by a zero rotation, which has no effect.
 CEntRotateXYVisitor::CEntRotateXYVisitor(const PNT_3D& centre, double angle)
     : m_centre(centre), m_angle(angle) {
   if (!std::isfinite(centre.x) || !std::isfinite(centre.y) || !std::isfinite(angle)) {

@@ -21,8 +21,8 @@ bool isFinite(const PNT_3D& p) {
   return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
 }
 
-// The kernel multiplies radii by the signed factor; files hold radii of both signs, and
-// each keeps its own.
+// The kernel multiplies radii by the signed factor; files contain radii of both signs, and the sign
+// is preserved.
 void scaleCircle(CIRCLE_3D& circle, const PNT_3D& centre, double factor) {
   const double radius = circle.radius * std::fabs(factor);
   circle.scale(centre, factor);
@@ -47,7 +47,7 @@ void scaleInsert(CEntInsert& ent, const PNT_3D& centre, double factor) {
 
 }  // namespace
 
-// A factor of 1 changes nothing, which is what becomes of one that is refused.
+// An invalid factor is replaced by 1, which has no effect.
 CEntScaleVisitor::CEntScaleVisitor(const PNT_3D& centre, double factor)
     : m_centre(centre), m_factor(factor) {
   if (factor == 0 || !std::isfinite(factor) || !isFinite(centre)) {

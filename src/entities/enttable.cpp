@@ -20,8 +20,8 @@ bool isFrozen(const CEnt& ent) {
 
 }  // namespace
 
-/// Entities by handle; among equal handles, which a file may contain any number of,
-/// by their rank in the table.
+/// Entities by handle; among equal handles, of which a file may contain any number, by rank in the
+/// table.
 class CEntTable::HandleIndex {
  public:
   void add(CEnt* ent) {

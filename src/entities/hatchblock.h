@@ -15,8 +15,8 @@ class WString;
 
 namespace vek0::detail {
 
-/// Puts the block of a new hatch, which bears the name for it, into the table, which has it from
-/// then on. False when out of memory: then the caller has it still.
+/// Adds the already named block of a new hatch to the table, which takes ownership. Returns false
+/// when out of memory; the caller then still owns it.
 bool addHatchBlock(CBlockTable& table, std::unique_ptr<CBlock>& block);
 
 /// As `createHatch`, but throws `std::bad_alloc` when there is no memory: null means that the

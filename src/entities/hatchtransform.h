@@ -6,8 +6,8 @@
 
 namespace vek0::detail {
 
-/// Applies `visitor` to the lines that the hatch shows and `move` to the points of its
-/// boundary, then brings the extents of both up to date.
+/// Applies `visitor` to the lines that the hatch shows and `move` to the points of its boundary,
+/// then updates the extents of both.
 template <class MovePoint>
 void transformHatch(CEntHatch& hatch, IEntVisitor& visitor, const MovePoint& move) {
   if (CBlock* block = hatch.getBlock()) {

@@ -49,7 +49,7 @@ void CEntInsertMatrix::transform(const PNT_3D& p, PNT_3D& out) const {
 void CEntInsertMatrix::transform(const RECT_3D& box, RECT_3D& out) const {
   const RECT_3D in = box;
   out.initRegion();
-  // The corners of an empty box are large numbers, whose box would be huge and valid.
+  // The corners of an empty box are large numbers, which would map to a huge, valid box.
   if (!in.validRegion()) return;
   for (int corner = 0; corner < 8; ++corner) {
     PNT_3D p((corner & 1) ? in.max.x : in.min.x, (corner & 2) ? in.max.y : in.min.y,

@@ -8,10 +8,10 @@
 
 namespace {
 
-constexpr short kNoColor = 7;  // shown where nothing else is known
+constexpr short kNoColor = 7;  // default if the color is unknown
 constexpr std::size_t kUsualDepth = 10;
 
-// A layer's own linetype cannot be taken from a layer or a block.
+// A layer's own linetype cannot be BYLAYER or BYBLOCK.
 CLtype* ltypeOf(const CLayer* layer) {
   CLtype* ltype = layer != nullptr ? layer->getLtype() : nullptr;
   return ltype == nullptr || ltype->isByLayer() || ltype->isByBlock() ? nullptr : ltype;
@@ -51,8 +51,8 @@ void CEntInsertStack::Push(const CEntInsertBase* insert, int row, int col) {
   m_saved.push_back(outer);
   m_inserts.push_back(insert);
   m_matrix = outer.matrix * CEntInsertMatrix(m_pixelSize, *insert, row, col);
-  // What the insert takes over itself comes from the state around it, so the layer is
-  // replaced last.
+  // The insert inherits its own properties from the surrounding state, so the layer is replaced
+  // last.
   m_color = ResolveColor(*insert);
   m_ltype = ResolveLtype(*insert);
   m_layer = ResolveLayer(*insert);

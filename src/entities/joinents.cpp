@@ -18,7 +18,7 @@ using vek0::detail::OpenChain;
 using vek0::detail::PointGrid;
 
 constexpr double kShare = 1e-9;
-constexpr double kFinest = 1e-12;  // share of the extents, for the size of cells alone
+constexpr double kFinest = 1e-12;  // fraction of the extents, only for the size of cells
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
 bool isFine(const PNT_3D& p) {
@@ -41,7 +41,7 @@ double sizeOf(const std::vector<Part>& parts, PNT_2D& lowest) {
   return std::max({box.max.x - box.min.x, box.max.y - box.min.y, box.max.z - box.min.z});
 }
 
-// Those that may become one polyline, in order of their first ones.
+// Groups of entities that may be joined, in order of their first members.
 std::vector<std::vector<const CEnt*>> groupsOf(const std::vector<CEnt*>& ents, JOIN_LAYERS layers) {
   std::vector<std::vector<const CEnt*>> groups;
   std::unordered_map<const CLayer*, std::size_t> places;
@@ -57,7 +57,7 @@ std::vector<std::vector<const CEnt*>> groupsOf(const std::vector<CEnt*>& ents, J
   return groups;
 }
 
-// End 2 * i is where part i starts, 2 * i + 1 where it ends.
+// End 2 * i is the start of part i, 2 * i + 1 its end.
 class Joiner {
  public:
   Joiner(const std::vector<const CEnt*>& ents, double tolerance) : m_tolerance(tolerance) {
@@ -76,7 +76,7 @@ class Joiner {
     const double size = sizeOf(m_parts, lowest);
     PointGrid ends(std::max({m_tolerance, kFinest * size, std::numeric_limits<double>::min()}),
                    lowest);
-    // The last one added is met first, so the earliest entities come last.
+    // The last one added is found first, so the earliest entities are added last.
     for (std::size_t i = m_parts.size(); i-- > 0;) {
       ends.add(m_parts[i].end, static_cast<std::uint32_t>(2 * i + 1));
       ends.add(m_parts[i].start, static_cast<std::uint32_t>(2 * i));

@@ -5,7 +5,7 @@
 
 namespace vek0::detail {
 
-/// A new `T`, or null when out of memory for it or for what it holds.
+/// Creates a `T`, or returns null when out of memory for it or its members.
 template <class T, class... Args>
 T* newOrNull(Args&&... args) {
   try {

@@ -8,12 +8,12 @@
 namespace vek0::detail {
 namespace {
 
-// The segment that begins at `to` and comes back to `from`, as it ran the other way.
+// The reversed segment, from `to` back to `from`.
 BULGED_VERTEX turnedBack(const BULGED_VERTEX& to, const BULGED_VERTEX& from) {
   return {to.x, to.y, to.z, from.widthEnd, from.widthStart, -from.bulge, 0};
 }
 
-// The given segment, beginning elsewhere.
+// The given segment with another start.
 BULGED_VERTEX movedTo(const BULGED_VERTEX& at, const BULGED_VERTEX& segment) {
   return {at.x, at.y, at.z, segment.widthStart, segment.widthEnd, segment.bulge, 0};
 }

@@ -13,11 +13,11 @@ class IHandleGestor;
 
 namespace vek0::detail {
 
-/// The vertices of something with two ends, to which others of the kind can be appended.
+/// The vertices of an open chain, to which others can be appended.
 class OpenChain {
  public:
-  /// Of a line, an arc, or an open polyline (its visible vertices, if they are enough);
-  /// false for everything else, and where both ends are the same within the tolerance.
+  /// Reads a line, an arc, or an open polyline (its visible vertices, if there are at least two);
+  /// false for everything else, and if both ends coincide within the tolerance.
   bool take(const CEnt& ent, double tolerance);
 
   const BULGED_VERTEX& front() const { return m_vertexes.front(); }
@@ -27,14 +27,14 @@ class OpenChain {
   PNT_3D end() const { return pointOf(back()); }
   std::size_t size() const { return m_vertexes.size(); }
 
-  /// Appends `other`, whose start is here the end: that point is the one of this chain.
+  /// Appends `other`, which starts at this chain's end; the joint keeps this chain's point.
   void append(const OpenChain& other);
-  /// Appends it reversed: its end is here the end.
+  /// Appends it reversed: its end joins this chain's end.
   void appendReversed(const OpenChain& other);
-  /// The same at the start: `other` comes to stand before it.
+  /// Prepends `other` at the start in the same way.
   void prepend(const OpenChain& other);
   void prependReversed(const OpenChain& other);
-  /// Lets go of the last vertex, which is the first again, and answers whether it could.
+  /// Drops the last vertex if it coincides with the first; returns whether it did.
   bool close(double tolerance);
 
   /// Replaces the vertices of a plain polyline.

@@ -9,7 +9,7 @@
 namespace vek0::detail {
 namespace {
 
-// Turned and scaled alike along both axes, and exactly so: nothing else is rounded then.
+// Whether the axes are exactly a rotation with uniform scale, so that nothing else is rounded.
 bool isPlain(const PNT_2D& x, const PNT_2D& y) { return y.x == -x.y && y.y == x.x; }
 
 }  // namespace

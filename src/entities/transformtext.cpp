@@ -27,7 +27,8 @@ void transform_text(const CEntInsertMatrix& matrix, TEXT_3D& text) {
   frame.rotation = ARC_3D::normal(frame.rotation);
   frame.store(context);
   text.setContext(context);
-  // The line from the base to a point above it is upright before and after, but its image leans.
+  // The line from the base to a point above it is perpendicular before and after, but its image is
+  // slanted.
   if (matrix.IsIsotropicXY() || text.getVertAlign() == 0) return;
   const PNT_3D after = baseOffset(text);
   text.move(PNT_3D(x.x * before.x + y.x * before.y - after.x,

@@ -11,8 +11,8 @@ namespace {
 
 constexpr double kInLine = 1e-6;  // drawing units in the plane, components in space
 
-// Not-a-number has no nearest integer, and what lies beyond `int` must not wrap:
-// pixel mapping hands in whatever a file makes of its coordinates.
+// Not-a-number has no nearest integer, and values beyond `int` must not wrap: pixel mapping passes
+// arbitrary coordinates from files.
 int saturate(double whole) {
   constexpr double kMax = std::numeric_limits<int>::max();
   constexpr double kMin = std::numeric_limits<int>::min();
