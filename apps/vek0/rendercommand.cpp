@@ -41,6 +41,7 @@ struct RenderOptions {
 };
 
 constexpr const char* kNoBackground = "none";
+constexpr double kPixelsPerPoint = 600;  // about a microsecond either way
 constexpr double kLeastPointPixels = 3;  // or points would hardly be seen
 
 // What an argument must be: what `parse` takes.
@@ -140,7 +141,11 @@ class Renderer {
     m_fonts.registerFonts();
     m_drawOptions.mono = options.mono;
     // A point of a page takes longer than the others by far.
-    if (format == Format::Pdf) m_drawOptions.pointLimit /= 4;
+    if (format == Format::Pdf) {
+      m_drawOptions.pointLimit /= 4;
+      m_drawOptions.effort /= 4;
+    }
+    if (format == Format::Png) m_drawOptions.pixelsPerPoint = kPixelsPerPoint;
     m_drawOptions.background = parseColor(options.background).value_or(RGB_COLOR{255, 255, 255});
   }
 
@@ -250,9 +255,20 @@ class Renderer {
       warn("'" + output.path() + "' shows " + std::to_string(result.unclipped) +
            " clipped inserts whole: from the side there are no clips, and none are drawn whose "
            "boundaries are too long or too many");
-    if (result.cut) warn("'" + output.path() + "' is not complete, the drawing shows too much");
+    tellShortcomings(output.path(), result);
     if (result.emitted == 0 && !evenEmpty) return;
     if (!output.commit()) fail(kOutputFailed, output.error());
+  }
+
+  void tellShortcomings(const std::string& path, const DRAW_RESULT& result) {
+    if (result.simplified > 0)
+      warn("'" + path + "' shows " + std::to_string(result.simplified) +
+           " things that are too small or too many as dots, areas or continuous lines");
+    if (result.missing > 0)
+      fail(kDrawingFailed, "'" + path + "' shows " + std::to_string(result.missing) +
+                               " hatches by their boundaries, their patterns are too dense");
+    if (result.cut)
+      fail(kDrawingFailed, "'" + path + "' is not complete, the drawing shows too much");
   }
 
   // One picture a layer that shows something, all laid out alike.

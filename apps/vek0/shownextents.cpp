@@ -55,6 +55,7 @@ class MeasuringPainter final : public IPainter {
     const std::size_t count = 4;
     fill(corners, &count, 1, FillRule::NonZero);
   }
+  bool skips(const RECT_2D& box) const override { return m_bounds.inside(box); }
   bool pushClip(const PNT_2D* points, std::size_t count) override {
     RECT_2D box;
     box.set(points, static_cast<int>(count));
@@ -80,6 +81,8 @@ double longerSide(const RECT_2D& r) { return std::max(r.max.x - r.min.x, r.max.y
 RECT_2D shownExtents(const CData& data, const IProjector& projector, const DRAW_OPTIONS& options) {
   DRAW_OPTIONS plain = options;
   plain.endless = false;
+  plain.effort = options.effort / 4;  // most of the picture's time is for the picture
+  plain.pixelsPerPoint = 0;
   plain.finestPattern = std::numeric_limits<double>::infinity();  // dashes lie on their line
   RECT_2D extents = drawnExtents(data, projector, options), around = extents;
   for (int look = 0; look < kMostLooks && around.validRegion(); ++look) {

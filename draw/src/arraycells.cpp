@@ -31,7 +31,7 @@ IndexRange both(const IndexRange& a, const IndexRange& b) {
 
 ArrayCells::ArrayCells(const RECT_2D& cell, const PNT_2D& columnStep, const PNT_2D& rowStep,
                        long columns, long rows, const RECT_2D& window)
-    : m_columnStep(columnStep), m_rowStep(rowStep), m_columns(columns), m_rows(rows) {
+    : m_cell(cell), m_columnStep(columnStep), m_rowStep(rowStep), m_columns(columns), m_rows(rows) {
   m_reach.min.set(window.min.x - cell.max.x, window.min.y - cell.max.y);
   m_reach.max.set(window.max.x - cell.min.x, window.max.y - cell.min.y);
 }
@@ -63,6 +63,12 @@ IndexRange ArrayCells::rowsOnLattice() const {
     high = corner == 0 ? row : std::max(high, row);
   }
   return clamped(low, high, m_rows);
+}
+
+RECT_2D ArrayCells::box(long row, long column) const {
+  const double c = static_cast<double>(column), r = static_cast<double>(row);
+  const PNT_2D move(m_columnStep.x * c + m_rowStep.x * r, m_columnStep.y * c + m_rowStep.y * r);
+  return RECT_2D(m_cell.min + move, m_cell.max + move);
 }
 
 IndexRange ArrayCells::columns(long row) const {

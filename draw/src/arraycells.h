@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+
 #include "vek0core/geometry/pnt.h"
 #include "vek0core/geometry/rect.h"
 
@@ -8,6 +10,10 @@ namespace vek0::detail {
 /// From `first` up to and including `last`; empty when that is smaller.
 struct IndexRange {
   long first = 0, last = -1;
+
+  long count() const { return last < first ? 0 : last - first + 1; }
+  /// The index that follows `i` when not all count; the last one always does.
+  long next(long i, long stride) const { return i < last ? i + std::min(stride, last - i) : i + 1; }
 };
 
 /// The cells of an array that a window meets, found by arithmetic: an array may have
@@ -23,10 +29,12 @@ class ArrayCells {
   IndexRange rows() const;
   /// The cells of a row whose boxes meet the window.
   IndexRange columns(long row) const;
+  RECT_2D box(long row, long column) const;
 
  private:
   IndexRange rowsOnLattice() const;
 
+  RECT_2D m_cell;
   RECT_2D m_reach;  // of the offsets at which a cell meets the window
   PNT_2D m_columnStep, m_rowStep;
   long m_columns, m_rows;

@@ -23,7 +23,7 @@ RECT_2D drawnExtents(const CData& data, const IProjector& projector, const DRAW_
   for (const CEnt* ent : data.getEntTable().getEntityTbl()) {
     const CLayer* layer = ent->getLayer();
     if (!options.hiddenLayers && layer && vek0::detail::isHidden(*ent, *layer)) continue;
-    const RECT_3D& box = ent->getBdry();
+    const RECT_3D box = vek0::detail::drawnBox(*ent);
     if (!box.validRegion()) continue;
     projector.to2D(box, one);
     if (isFinite(one.min) && isFinite(one.max)) all.updateRegion(one);

@@ -3,11 +3,16 @@
 #include <algorithm>
 #include <cmath>
 
+#include "pointcost.h"
+
 namespace vek0::detail {
 namespace {
 
-constexpr std::size_t kPointsPerLetter = 16;  // about what painting one costs
-constexpr std::size_t kPointsPerArc = 16;
+// What takes as long as handing over points. A new layer may be a new group in a file.
+constexpr double kPointsPerLook = 0.1, kPointsPerItem = 0.25, kPointsPerLayer = 32;
+
+// What a stroke takes goes by its length, as many pixels' time as lines of a pixel need.
+constexpr double kPixelsPerLength = 15;
 
 // Far off the device, and painters can still multiply what they are given.
 constexpr double kFarthest = 1e150;
@@ -36,38 +41,90 @@ void Emitter::begin(const DrawItem& item) {
 bool Emitter::pushClip(const std::vector<PNT_2D>& points) {
   const bool isPushed = areNear(points) && m_painter.pushClip(points.data(), points.size());
   if (!isPushed) noteUnclipped();
+  ++m_epoch;
   return isPushed;
+}
+
+void Emitter::popClip() {
+  m_painter.popClip();
+  ++m_epoch;
+}
+
+void Emitter::charge(double points) {
+  if (!isUnfolding()) return;
+  m_effort -= points;
+  if (m_effort < 0) m_result.cut = true;
+}
+
+double Emitter::pointsOfLine() const {
+  return 2 + (m_pixelsPerPoint > 0 ? m_longest * kPixelsPerLength / m_pixelsPerPoint : 0);
+}
+
+void Emitter::addEffort(double points) {
+  m_effort += points;
+  m_allEffort += points;
 }
 
 bool Emitter::look() {
   if (m_result.looked >= m_limit || m_result.emitted >= m_limit) m_result.cut = true;
   if (!m_result.cut) ++m_result.looked;
+  charge(kPointsPerLook);
   return m_result.cut;
 }
 
 bool Emitter::spend(std::size_t points) {
   if (points > m_pointsLeft) m_result.cut = true;
   m_pointsLeft -= std::min(points, m_pointsLeft);
+  charge(static_cast<double>(points));
   return !m_result.cut;
 }
 
 bool Emitter::admit() {
   if (m_result.emitted >= m_limit) m_result.cut = true;
   if (m_result.cut) return false;
-  if (!m_isTold) m_painter.begin(m_item);
-  m_isTold = true;
+  if (!m_isTold) tellItem();
   ++m_result.emitted;
   return true;
 }
 
+void Emitter::tellItem() {
+  charge(kPointsPerItem);
+  if (m_item.layer && m_item.layer != m_layer)
+    charge(kPointsPerLayer + static_cast<double>(m_item.layer->view().size()));
+  m_layer = m_item.layer;
+  m_painter.begin(m_item);
+  m_isTold = true;
+}
+
+// As long as it is on the device, and a few pixels wide.
+void Emitter::chargeStroke(const std::vector<PNT_2D>& points) {
+  if (!isUnfolding() || m_pixelsPerPoint <= 0) return;
+  double length = 0;
+  for (std::size_t i = 1; i < points.size(); ++i)
+    length += std::min(points[i].dist(points[i - 1]), m_longest);
+  charge(length * kPixelsPerLength / m_pixelsPerPoint);
+}
+
+void Emitter::chargeFill(const std::vector<PNT_2D>& points) {
+  if (!isUnfolding() || m_pixelsPerPoint <= 0) return;
+  RECT_2D box;
+  box.set(points.data(), static_cast<int>(points.size()));
+  charge(std::min(box.max.x - box.min.x, m_longest) * std::min(box.max.y - box.min.y, m_longest) /
+         m_pixelsPerPoint);
+}
+
 void Emitter::stroke(const std::vector<PNT_2D>& points, bool closed) {
   if (!spend(points.size()) || points.size() < 2 || !areNear(points) || !admit()) return;
+  chargeStroke(points);
   m_painter.stroke(points.data(), points.size(), closed);
 }
 
 bool Emitter::arc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
   const bool near = isNear(center) && isNear({radius, startRad}) && isNear(sweepRad);
   if (!spend(kPointsPerArc) || !near || !admit()) return true;
+  if (m_pixelsPerPoint > 0)
+    charge(std::min(std::fabs(radius * sweepRad), 4 * m_longest) * kPixelsPerLength /
+           m_pixelsPerPoint);
   if (m_painter.arc(center, radius, startRad, sweepRad)) return true;
   --m_result.emitted;
   return false;
@@ -76,10 +133,13 @@ bool Emitter::arc(const PNT_2D& center, double radius, double startRad, double s
 void Emitter::fill(const std::vector<PNT_2D>& points, const std::vector<std::size_t>& ends,
                    FillRule rule) {
   if (!spend(points.size()) || points.size() < 3 || !areNear(points) || !admit()) return;
+  chargeFill(points);
+  ++m_epoch;
   m_painter.fill(points.data(), ends.data(), ends.size(), rule);
 }
 
 void Emitter::dot(const PNT_2D& at) {
+  charge(1);  // a stroke of no length
   if (spend(1) && isNear(at) && admit()) m_painter.dot(at);
 }
 
@@ -89,7 +149,8 @@ void Emitter::disc(const PNT_2D& center, double diameter) {
 
 void Emitter::text(const DrawText& text) {
   const std::size_t letters = text.string->view().size();
-  if (spend(kPointsPerLetter * letters) && isSound(text.matrix) && admit()) m_painter.text(text);
+  if (spend(kPointsPerLetter * (letters + 1)) && isSound(text.matrix) && admit())
+    m_painter.text(text);
 }
 
 }  // namespace vek0::detail

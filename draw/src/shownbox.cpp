@@ -1,9 +1,12 @@
 #include "shownbox.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <vector>
 
+#include "pointcost.h"
+#include "vek0core/hatch/fill.h"
 #include "vek0core/vek0core.h"
 
 namespace vek0::detail {
@@ -33,6 +36,26 @@ const CBlock* blockOf(const CEnt& ent) {
   return insert ? insert->getBlock() : nullptr;
 }
 
+// How often a block is shown by one insert.
+double cellsOf(const CEntInsertBase& insert) {
+  long columns, rows;
+  double columnSpacing, rowSpacing;
+  insert.getArray(columns, rows, columnSpacing, rowSpacing);
+  return (columnSpacing == 0 ? 1.0 : std::max(1.0, static_cast<double>(columns))) *
+         (rowSpacing == 0 ? 1.0 : std::max(1.0, static_cast<double>(rows)));
+}
+
+// `inner` is what it inserts, or nothing.
+void add(const CEnt& ent, const BLOCK_SUM& inner, BLOCK_SUM& sum) {
+  constexpr double most = 1e200;  // further products stay finite
+  const double own = pointsOf(ent);
+  sum.own += own;
+  const double shown = inner.all > 0 ? inner.all * cellsOf(*ent.getEntInsert()) : 0;
+  sum.all = std::min(sum.all + own + shown, most);
+  sum.holdsEndless = sum.holdsEndless || inner.holdsEndless || isEndless(ent);
+  sum.holdsPoints = sum.holdsPoints || inner.holdsPoints || ent.getType() == CEntPnt::kType;
+}
+
 }  // namespace
 
 bool isEndless(const CEnt& ent) {
@@ -44,10 +67,29 @@ bool isPlaced(const CEnt& ent, const RECT_3D& box) {
   return ent.getType() != CEntFixedInsert::kType && isFinite(box.min) && isFinite(box.max);
 }
 
+// One whose pattern misses its boundary has none either.
+bool lacksLines(const CEntHatch& hatch) {
+  constexpr double surelyHit = 1000;  // pieces that are estimated
+  const bool hasLines = hatch.getBlock() && hatch.getBlock()->size() > 0;
+  if (hasLines || isSolid(hatch.getHatchType())) return false;
+  const HatchEstimate estimate = estimateHatch(hatch.getHatchType(), hatch.getHatchScale(),
+                                               hatch.getHatchRotate(), hatch.getBoundary());
+  return estimate.status == HatchStatus::Done && estimate.pieces >= surelyHit;
+}
+
+RECT_3D drawnBox(const CEnt& ent) {
+  RECT_3D box = ent.getBdry();
+  if (box.validRegion() || ent.getType() != CEntHatch::kType) return box;
+  const auto& hatch = static_cast<const CEntHatch&>(ent);
+  if (lacksLines(hatch))
+    for (const PNT_3D& p : hatch.getBoundary()) box.updateRegion(p);
+  return box;
+}
+
 RECT_3D ShownBoxes::of(const CEnt& ent, double pixelSize) {
   const CBlock* shown = blockOf(ent);
   if (isEndless(ent) || (shown && holdsEndless(*shown))) return everywhere();
-  RECT_3D box = ent.getBdry();
+  RECT_3D box = drawnBox(ent);
   if (ent.getType() == CEntFixedInsert::kType) ent.GetBdry(pixelSize, box);
   if (!isText(ent) || !box.validRegion()) return box;
   const double more =
@@ -67,32 +109,32 @@ const ShownBoxes::Known* ShownBoxes::find(const CBlock& block) const {
 // The first block that the level inserts, from where it stands, of which nothing is known yet;
 // null when there are no more.
 const CBlock* ShownBoxes::look(Level& level) const {
-  for (; !level.holdsEndless && level.next < level.block->size(); ++level.next) {
+  for (; level.next < level.block->size(); ++level.next) {
     const CEnt& ent = *(*level.block)[level.next];
     const CBlock* inner = blockOf(ent);
     const Known* known = inner ? find(*inner) : nullptr;
     if (inner && !known) return inner;
-    level.holdsEndless = isEndless(ent) || (known && known->holdsEndless);
+    add(ent, known ? known->sum : BLOCK_SUM(), level.sum);
   }
   return nullptr;
 }
 
-// Files nest as deep as they like: no recursion. A block that is being looked at is known not
-// to hold any, so that one within itself ends too.
-bool ShownBoxes::holdsEndless(const CBlock& block) {
-  if (const Known* known = find(block)) return known->holdsEndless;
+// Files nest as deep as they like: no recursion. A block that is being looked at is known to
+// hold what was found so far, so that one within itself ends too.
+BLOCK_SUM ShownBoxes::sum(const CBlock& block) {
+  if (const Known* known = find(block)) return known->sum;
   if (m_blocks.size() > kMostKnown) m_blocks.clear();
   static_cast<void>(block.getBdry());  // from here on its edition tells of the blocks within
   std::vector<Level> levels{{&block}};
   for (;;) {
     Level& level = levels.back();
     const CBlock* unknown = look(level);
-    m_blocks[level.block->getSerial()] = {level.block->getEdition(), level.holdsEndless};
+    m_blocks[level.block->getSerial()] = {level.block->getEdition(), level.sum};
     if (unknown) {
       levels.push_back({unknown});
       continue;
     }
-    const bool result = level.holdsEndless;
+    const BLOCK_SUM result = level.sum;
     levels.pop_back();
     if (levels.empty()) return result;
   }

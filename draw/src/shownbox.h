@@ -7,6 +7,7 @@
 
 class CBlock;
 class CEnt;
+class CEntHatch;
 
 namespace vek0::detail {
 
@@ -17,7 +18,21 @@ bool isEndless(const CEnt& ent);
 /// on the pixels.
 bool isPlaced(const CEnt& ent, const RECT_3D& box);
 
-/// Tells where entities can be seen.
+/// Whether a hatch has no lines since its pattern makes too many; it is drawn by its boundary.
+bool lacksLines(const CEntHatch& hatch);
+
+/// The extents of an entity, or of the boundary that is drawn in its place.
+RECT_3D drawnBox(const CEnt& ent);
+
+/// What a block comes to.
+struct BLOCK_SUM {
+  bool holdsEndless = false;  ///< rays or endless lines, at whatever depth
+  bool holdsPoints = false;   ///< point entities, likewise
+  double own = 0;             ///< about how many points its own entities take to draw
+  double all = 0;             ///< the same with all that they insert, as often as they do
+};
+
+/// Tells where entities can be seen, and how much there is of them.
 class ShownBoxes {
  public:
   /// Box that holds all that an entity of model space or of a block shows on a display whose
@@ -29,21 +44,21 @@ class ShownBoxes {
   /// The same of all that a block shows, without the overhang of letters.
   RECT_3D of(const CBlock& block);
 
-  /// Whether a block shows rays or endless lines, at whatever depth. Linear in the block and
-  /// those that it inserts the first time, and after an edit.
-  bool holdsEndless(const CBlock& block);
+  /// Linear in the block and those that it inserts the first time, and after an edit.
+  BLOCK_SUM sum(const CBlock& block);
+  bool holdsEndless(const CBlock& block) { return sum(block).holdsEndless; }
 
  private:
   struct Known {
     std::uint64_t edition;
-    bool holdsEndless;
+    BLOCK_SUM sum;
   };
 
   // A block that is being looked at, and how far.
   struct Level {
     const CBlock* block;
     unsigned next = 0;
-    bool holdsEndless = false;
+    BLOCK_SUM sum = {};
   };
 
   const Known* find(const CBlock& block) const;

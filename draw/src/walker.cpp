@@ -1,21 +1,20 @@
 #include "walker.h"
 
 #include <algorithm>
-#include <climits>
 #include <cmath>
 #include <limits>
 
-#include "arraycells.h"
 #include "quadshape.h"
 #include "textcodes.h"
 
 namespace vek0::detail {
 namespace {
 
-constexpr int kMostNested = 200;  // inserts within inserts; each takes stack
 constexpr int kMostChords = 4096;
-constexpr long kInvisible = 1;                        // bit of the flags of attributes
-constexpr double kRuleBelow = 0.2, kRuleAbove = 1.2;  // of the height unit
+constexpr int kPlacedBits = 20;
+constexpr double kEffortPerEntity = 128;  // of model space, beyond that of the options
+constexpr long kInvisible = 1;            // bit of the flags of attributes
+constexpr double kRuleBelow = 0.2, kRuleThrough = 0.5, kRuleAbove = 1.2;  // of the height unit
 
 bool isWide(const WIDE_VERTEX& v) { return v.widthStart != 0 || v.widthEnd != 0; }
 
@@ -44,6 +43,16 @@ bool definesDimension(const CBlock* block) {
   return name.size() > 2 && name.substr(0, 2) == u"*D" && name[2] >= u'0' && name[2] <= u'9';
 }
 
+// How near each other dots may stand: pens are a little wider than their strokes' middles.
+double cellOfDots(const DRAW_OPTIONS& options) {
+  constexpr double share = 0.25;
+  return std::max({options.finestDetail, share * options.penReach, 1e-9});
+}
+
+double widthOf(const CWndVpt& window) {
+  return window.getViewXDistance(window.getWindow().max.x - window.getWindow().min.x);
+}
+
 double heightOf(const CWndVpt& window) {
   return window.getViewYDistance(window.getWindow().max.y - window.getWindow().min.y);
 }
@@ -68,13 +77,18 @@ Walker::Walker(const CData& data, const IProjector& projector, const CWndVpt& wi
       m_place(m_drawing),
       m_stack(m_pixelSize),
       m_points(data.getVars(), m_drawing.scale(), heightOf(window), options.leastPoint),
-      m_noLayer(u"0") {
+      m_noLayer(u"0"),
+      m_detail(cellOfDots(options)),
+      m_specks(m_detail, widthOf(window)),
+      m_placed(kPlacedBits) {
   long width, height;
   window.get(width, height);
   m_window.set(0, 0, static_cast<double>(width), static_cast<double>(height));
   const double reach =
       options.penReach + std::max(reachOfLtypes(data) * m_drawing.scale(), m_points.reach());
   m_window.inflate(reach, reach);
+  m_out.setLongest(static_cast<double>(std::max(width, height)));
+  m_out.addEffort(kEffortPerEntity * static_cast<double>(data.getEntTable().getEntityTbl().size()));
 }
 
 // --- What is seen
@@ -86,9 +100,24 @@ bool Walker::isShown(const CEnt& ent) const {
 
 void Walker::draw(CEnt& ent) {
   if (m_out.look() || !isShown(ent)) return;
-  if (!m_place.apply(m_boxes.of(ent, m_pixelSize)).intersect(m_window)) return;
+  const RECT_2D box = m_place.apply(m_boxes.of(ent, m_pixelSize));
+  if (!box.intersect(m_window) || isSkipped(ent, box)) return;
+  const bool unfolds = m_out.isUnfolding() || ent.getEntInsert();
+  if (unfolds && isCoarse() && isSmall(box)) return drawSpeck(ent, middleOf(box));
   begin(ent);
   ent.accept(*this);
+}
+
+// Points reach farther than their boxes.
+bool Walker::isSkipped(const CEnt& ent, const RECT_2D& box) {
+  if (!m_out.skips(box)) return false;
+  const CEntInsertBase* insert = ent.getEntInsert();
+  const bool holdsPoints =
+      insert && insert->getBlock() && m_boxes.sum(*insert->getBlock()).holdsPoints;
+  if (ent.getType() != CEntPnt::kType && !holdsPoints) return true;
+  RECT_2D reached = box;
+  reached.inflate(m_points.reach(), m_points.reach());
+  return m_out.skips(reached);
 }
 
 void Walker::begin(const CEnt& ent) {
@@ -121,11 +150,13 @@ const CLtypeComplexDashSeq* Walker::pattern() const {
 
 void Walker::strokeWay(bool closed) {
   const CLtypeComplexDashSeq* dashes = pattern();
-  if (!dashes) return drawChain(m_way, closed);
+  if (!dashes || isTooManyDashes(*dashes)) return drawChain(m_way, closed);
   if (!m_out.spend(m_way.size())) return;
   if (closed && !m_way.empty()) m_way.push_back(m_way.front());
   const PatternWay way{m_way, m_stack.GetCurMatrix(), m_place, m_window};
+  m_out.beginUnfolding();
   if (!layPattern(*dashes, patternScale(), way, *this)) drawChain(m_way, false);
+  m_out.endUnfolding();
 }
 
 // Segments without width are strokes, however wide their neighbors are.
@@ -370,102 +401,25 @@ void Walker::drawText(const TEXT_3D& text, const Placement& place) {
   run.bold = style && style->isBold();
   run.italic = style && style->isItalic();
   run.matrix = {x.x, x.y, y.x, y.y, base.x, base.y};
+  const double height = std::hypot(run.matrix.c, run.matrix.d) * unit;
+  if (m_out.isUnfolding() && height < m_options.finestDetail && isCoarse()) {
+    m_out.noteSimplified();
+    m_out.charge(static_cast<double>(decoded.string.view().size()));
+    return drawRule(run, 0, decoded.string.view().size(), kRuleThrough * unit);
+  }
   m_out.text(run);
   for (const RuledStretch& ruled : decoded.ruled)
-    drawRule(run, unit, ruled.first, ruled.end, ruled.over);
+    drawRule(run, ruled.first, ruled.end, (ruled.over ? kRuleAbove : -kRuleBelow) * unit);
 }
 
-void Walker::drawRule(const DrawText& run, double unit, std::size_t first, std::size_t end,
-                      bool over) {
+void Walker::drawRule(const DrawText& run, std::size_t first, std::size_t end, double y) {
   const ICADFont& font = run.font ? *run.font : defaultFontMetrics();
   const auto width = [&](std::size_t count) {
     const zim::WString head(run.string->view().substr(0, count));
     return font.getStringWidth(head, false, run.bold, run.italic);
   };
-  const double y = unit * (over ? kRuleAbove : -kRuleBelow);
   m_device.assign({run.matrix.apply(width(first), y), run.matrix.apply(width(end), y)});
   m_out.stroke(m_device, false);
-}
-
-// --- Inserts and hatches
-
-// The faces of its block would show seams.
-void Walker::visit(CEntHatch& ent) {
-  if (!isSolid(ent.getHatchType())) return drawInsert(ent);
-  m_device.clear();
-  m_ends.clear();
-  for (const HatchRing& ring : hatchRings(ent.getBoundary())) {
-    for (std::size_t i = 0; i < ring.count; ++i)
-      m_device.push_back(m_place.apply(ent.getBoundary()[ring.first + i]));
-    m_ends.push_back(m_device.size());
-  }
-  m_out.fill(m_device, m_ends, FillRule::EvenOdd);
-}
-
-void Walker::drawInsert(CEntInsertBase& ent) {
-  if (!ent.getBlock()) return;
-  if (m_stack.GetNoInsert() >= kMostNested) return m_out.cut();
-  if (ent.getType() == CEntInsert::kType && static_cast<CEntInsert&>(ent).isClipped())
-    drawClipped(static_cast<CEntInsert&>(ent));
-  else
-    drawCells(ent);
-  if (ent.GetNoAttribs() == 0) return;
-  enter(ent, 0, 0);
-  for (unsigned i = 0; i < ent.GetNoAttribs(); ++i) draw(*ent.GetAttrib(i));
-  leave();
-}
-
-void Walker::drawCells(CEntInsertBase& ent) {
-  long columns, rows;
-  double columnSpacing, rowSpacing;
-  ent.getArray(columns, rows, columnSpacing, rowSpacing);
-  columns = std::clamp(columns, 1L, static_cast<long>(INT_MAX));
-  rows = std::clamp(rows, 1L, static_cast<long>(INT_MAX));
-  // Cells that lie on each other show no more than one.
-  if (columnSpacing == 0) columns = 1;
-  if (rowSpacing == 0) rows = 1;
-  if (columns == 1 && rows == 1) return drawCell(ent, 0, 0);
-  const RECT_2D cell = firstCell(ent);
-  if (!cell.validRegion()) return;
-  const double c = std::cos(ent.getRotate()), s = std::sin(ent.getRotate());
-  const PNT_2D right = m_place.direction(c * columnSpacing, s * columnSpacing);
-  const PNT_2D up = m_place.direction(-s * rowSpacing, c * rowSpacing);
-  const ArrayCells cells(cell, right, up, columns, rows, m_window);
-  const IndexRange seenRows = cells.rows();
-  for (long row = seenRows.first; row <= seenRows.last && !m_out.look(); ++row) {
-    const IndexRange seen = cells.columns(row);
-    for (long column = seen.first; column <= seen.last && !m_out.isCut(); ++column)
-      drawCell(ent, row, column);
-  }
-}
-
-RECT_2D Walker::firstCell(const CEntInsertBase& ent) {
-  const CEntInsertMatrix matrix(m_pixelSize, ent, 0, 0);
-  const CBlock& block = *ent.getBlock();
-  return m_place.after(matrix).apply(m_boxes.of(block));
-}
-
-void Walker::drawCell(CEntInsertBase& ent, long row, long column) {
-  CBlock& block = *ent.getBlock();
-  enter(ent, row, column);
-  std::vector<CEnt*> seen;
-  if (m_blocks && m_blocks->find(block, m_place, m_window, seen)) {
-    for (auto inner = seen.begin(); inner != seen.end() && !m_out.isCut(); ++inner) draw(**inner);
-  } else {
-    for (std::size_t i = 0; i < block.size() && !m_out.isCut(); ++i)
-      draw(*block[static_cast<unsigned>(i)]);
-  }
-  leave();
-}
-
-void Walker::enter(const CEntInsertBase& ent, long row, long column) {
-  m_stack.Push(&ent, static_cast<int>(row), static_cast<int>(column));
-  m_place = m_drawing.after(m_stack.GetCurMatrix());
-}
-
-void Walker::leave() {
-  m_stack.Pop();
-  m_place = m_stack.GetNoInsert() == 0 ? m_drawing : m_drawing.after(m_stack.GetCurMatrix());
 }
 
 }  // namespace vek0::detail

@@ -1,14 +1,18 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <unordered_map>
 #include <vector>
 
+#include "arraycells.h"
 #include "blocktrees.h"
 #include "emitter.h"
 #include "linepattern.h"
 #include "placement.h"
 #include "pointfigure.h"
 #include "shownbox.h"
+#include "specks.h"
 #include "vek0core/vek0core.h"
 #include "vek0draw/draw.h"
 
@@ -17,6 +21,8 @@ namespace vek0::detail {
 /// Whether an entity does not show on this layer. What an insert shows lies on layers of
 /// its own, which may be on when its is off.
 bool isHidden(const CEnt& ent, const CLayer& layer);
+
+constexpr int kMostNested = 200;  ///< inserts within inserts; each takes stack
 
 /// Draws the entities of model space, and those of inserted blocks within it.
 class Walker final : public IEntVisitor, private IPatternSink {
@@ -63,6 +69,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
  private:
   bool isShown(const CEnt& ent) const;
   void draw(CEnt& ent);
+  bool isSkipped(const CEnt& ent, const RECT_2D& box);
   void begin(const CEnt& ent);
 
   // Ways: lines and what is made of them.
@@ -82,22 +89,61 @@ class Walker final : public IEntVisitor, private IPatternSink {
   void drawArc(const PNT_3D& center, double radius, double start, double sweep);
   bool drawTrueArc(const PNT_3D& center, double radius, double start, double sweep);
   int chordsOf(double reach, double sweep) const;
+  bool isTooManyDashes(const CLtypeComplexDashSeq& dashes);
   void dash(const std::vector<WIDE_VERTEX>& points) override { drawChain(points, false); }
   void dot(const PNT_3D& at) override { m_out.dot(m_place.apply(at)); }
   void text(const TEXT_3D& element) override;
   bool isFull() const override { return m_out.isCut(); }
 
   void drawText(const TEXT_3D& text, const Placement& place);
-  void drawRule(const DrawText& run, double unit, std::size_t first, std::size_t end, bool over);
+  void drawRule(const DrawText& run, std::size_t first, std::size_t end, double y);
+
+  void fillHatch(const CEntHatch& ent);
+  bool isFinerThanDetail(const CEntHatch& ent) const;
+  void drawLinelessHatch(const CEntHatch& ent);
 
   void drawInsert(CEntInsertBase& ent);
   void drawClipped(CEntInsert& ent);
   bool placeBoundary(const CEntInsert& ent, std::vector<PNT_2D>& boundary);
+  // The cells of an array: where the first one is, and how the others follow, on the device.
+  struct Cells {
+    RECT_2D first;
+    PNT_2D right, up;
+    long columns = 1, rows = 1;
+  };
   void drawCells(CEntInsertBase& ent);
+  void drawArray(CEntInsertBase& ent, const Cells& cells);
   void drawCell(CEntInsertBase& ent, long row, long column);
   RECT_2D firstCell(const CEntInsertBase& ent);
   void enter(const CEntInsertBase& ent, long row, long column);
   void leave();
+
+  // When there is too much to draw all of it.
+  bool isScarce(double points);
+  bool isCoarse() { return m_isCoarse || (m_out.isLow() && isScarce(0)); }
+  void learnEffort();
+  bool isSmall(const RECT_2D& box) const;
+  bool isSmall(const PNT_2D& step) const;
+  bool isPenSized(const RECT_2D& box) const;
+  long strideOf(const PNT_2D& step);
+  void drawSpeck(CEnt& ent, const PNT_2D& at);
+  void putSpeck(const PNT_2D& at, bool isPoint);
+  bool beginAsFirst(CEnt& ent);
+  bool findFirst(CEnt& ent, int& looks);
+  bool isDrawnAlready(const CBlock& block);
+  bool drawCoarseArray(CEntInsertBase& ent, const Cells& cells);
+  void drawSmallCells(CEntInsertBase& ent, const Cells& cells);
+  void drawSmallRow(const Cells& cells, const IndexRange& seen, const PNT_2D& at, bool isPoint);
+  // A parallelogram on the device.
+  struct Area {
+    PNT_2D from, wide, high;
+  };
+  Area areaOf(const Cells& cells, const PNT_2D& at) const;
+  bool extend(Area& area, const PNT_2D& step, long count, PNT_2D& side) const;
+  bool findArea(CEntInsertBase& ent, const Cells& cells, Area& area);
+  bool isDense(const Cells& cells) const;
+  void drawArea(const Area& area, bool isPoint);
+  Cells cellsOf(CEntInsertBase& ent);
 
   const CData& m_data;
   const DRAW_OPTIONS& m_options;
@@ -114,11 +160,27 @@ class Walker final : public IEntVisitor, private IPatternSink {
   const PointFigure m_points;
   const zim::WString m_noLayer;
 
+  bool m_isEffortKnown = false;  // in full
+  bool m_isCoarse = false;       // what is being unfolded does not fit into the effort
+  const double m_detail;         // what is smaller is a dot then
+  Specks m_specks;
+  RecentKeys m_placed;
+  struct First {
+    bool isShown;
+    const zim::WString* layer;
+    RGB_COLOR color;
+  };
+  std::unordered_map<std::uint64_t, First> m_firsts;  // what inserts show first
+
   DrawItem m_item;                  // of the entity being drawn
   const CLtype* m_ltype = nullptr;  // likewise
   std::vector<WIDE_VERTEX> m_way;   // scratch
   std::vector<PNT_2D> m_device;     // likewise
   std::vector<std::size_t> m_ends;  // likewise
 };
+
+inline PNT_2D middleOf(const RECT_2D& box) {
+  return PNT_2D((box.min.x + box.max.x) / 2, (box.min.y + box.max.y) / 2);
+}
 
 }  // namespace vek0::detail

@@ -29,7 +29,6 @@ using vek0::detail::addNew;
 namespace {
 
 constexpr short kUndeclaredColor = 7;
-constexpr double kHatchShare = 5;  // all hatches of a file together, of the limit for one
 
 // Lowers the drawing's limit for a while.
 class HatchLimit {
@@ -53,7 +52,7 @@ IFileDXFIDataSemantor::IFileDXFIDataSemantor(CData& data, CFileDXFIError* err,
     : m_data(data),
       m_err(err),
       m_options(options),
-      m_hatchRoom(kHatchShare * data.getHatchLimit()) {}
+      m_hatchRoom(vek0::detail::kHatchesShare * data.getHatchLimit()) {}
 
 // The report's line: the semantor knows none.
 void IFileDXFIDataSemantor::note(const char* code, const zim::WString& sample) const {
@@ -263,6 +262,7 @@ CEntHatch* IFileDXFIDataSemantor::createHatch(CLayer* layer, CLtype* ltype, shor
 std::unique_ptr<CBlock> IFileDXFIDataSemantor::generate(const HATCH_TYPE& type, double scale,
                                                         double rotate,
                                                         const std::vector<PNT_3D>& boundary) {
+  m_hatchRoom += vek0::detail::kShareOfEachHatch * m_data.getHatchLimit();
   constexpr double cutsPerPiece = 20;  // which take as long as making a piece
   const double cuts = static_cast<double>(boundary.size()) * type.numLines;
   if (cuts > m_hatchRoom * cutsPerPiece) return nullptr;

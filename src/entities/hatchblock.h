@@ -15,6 +15,10 @@ class WString;
 
 namespace vek0::detail {
 
+/// Maximum number of lines and points of all hatches of a file, as shares of the limit for one
+/// hatch (`CData::getHatchLimit`): a fixed share, plus another one per hatch.
+constexpr double kHatchesShare = 0.3, kShareOfEachHatch = 0.001;
+
 /// Adds the already named block of a new hatch to the table, which takes ownership. Returns false
 /// when out of memory; the caller then still owns it.
 bool addHatchBlock(CBlockTable& table, std::unique_ptr<CBlock>& block);

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "entities/hatchblock.h"
 #include "tables/itemflags.h"
 #include "vek0core/drawing/datafactory.h"
 #include "vek0core/drawing/functions.h"
@@ -39,7 +40,7 @@ constexpr int kReadings = 3;  // of a file that is written meanwhile
 // One drawing can make others many times its size: by names that lead to one file again and
 // again, and by files of many hatches.
 constexpr long kMostRepeated = 4000000;  // entities of files that were read before
-constexpr double kHatchShares = 10;      // of what one hatch of the drawing may have
+constexpr double kHatchShares = 0.6;     // of what one hatch of the drawing may have
 
 long countEntities(const CData& drawing) {
   auto count = static_cast<long>(drawing.getEntTable().getEntityTbl().size());
@@ -187,8 +188,8 @@ class Resolving {
       const std::unique_ptr<IFile> file = m_resolver.open(job.place.file);
       if (!drawing) throw std::bad_alloc();
       if (!file) return "reference broken";
-      // All hatches of a drawing together may have five times as many lines as one.
-      drawing->setHatchLimit(std::min(m_data.getHatchLimit(), m_hatchLinesLeft / 5));
+      drawing->setHatchLimit(
+          std::min(m_data.getHatchLimit(), m_hatchLinesLeft / vek0::detail::kHatchesShare));
       CFileReport report;
       m_options.reading.report = &report;
       CFileDXFIError error;

@@ -159,7 +159,7 @@ TEST(Guards, FarFromTheOriginThingsStayWhereTheyAre) {
   }
 }
 
-// Thirty levels of two inserts each are a thousand million lines.
+// Thirty levels of two inserts each are a thousand million lines, each at a place of its own.
 TEST(Guards, NestsThatGrowWithoutBoundsAreCut) {
   for (const bool isEmpty : {false, true}) {
     Scene scene;
@@ -167,8 +167,9 @@ TEST(Guards, NestsThatGrowWithoutBoundsAreCut) {
     if (!isEmpty) ents = {scene.unit(nullptr, nullptr, 1)};
     CBlock* block = scene.block(u"B", ents);
     for (int level = 0; level < 30; ++level) {
-      block = scene.block(zim::WString::fromUtf8("B" + std::to_string(level)),
-                          {scene.insert(*block, 0, 0), scene.insert(*block, 1, 1)});
+      block =
+          scene.block(zim::WString::fromUtf8("B" + std::to_string(level)),
+                      {scene.insert(*block, 0, 0), scene.insert(*block, std::pow(1.3, level), 1)});
     }
     scene.add(scene.insert(*block, 100, 100));
     DRAW_OPTIONS options;

@@ -229,6 +229,18 @@ std::string drawing(const std::string& entities) {
   return "0\nSECTION\n2\nENTITIES\n" + entities + "0\nENDSEC\n0\nEOF\n";
 }
 
+// Blocks within each other, the outermost in a square array.
+std::string nested(int levels, int cells) {
+  std::string blocks = "0\nBLOCK\n2\nB0\n" + line("A", 0, 0, 1, 1) + "0\nENDBLK\n", insert;
+  for (int i = 0; i <= levels; ++i) {
+    insert = "0\nINSERT\n8\n0\n2\nB" + std::to_string(i) + "\n10\n0\n20\n0\n";
+    blocks += "0\nBLOCK\n2\nB" + std::to_string(i + 1) + "\n" + insert + "0\nENDBLK\n";
+  }
+  const std::string count = std::to_string(cells) + "\n";
+  return "0\nSECTION\n2\nBLOCKS\n" + blocks + "0\nENDSEC\n" +
+         drawing(insert + "70\n" + count + "71\n" + count + "44\n2\n45\n2\n");
+}
+
 const std::string kCircle = "0\nCIRCLE\n5\nC1\n8\nB\n10\n50\n20\n50\n40\n25\n";
 const std::string kText = "0\nTEXT\n5\nA7\n8\nB\n10\n0\n20\n0\n40\n5\n1\na <b> & \"c\"\x01\n";
 
@@ -239,6 +251,8 @@ using Render = Tool;
 TEST_F(Render, ExitCodes) {
   write("broken.dxf", kBroken);
   write("good.dxf", drawing(line("A", 0, 0, 30, 40)));
+  write("array.dxf", nested(0, 32767));
+  write("deep.dxf", nested(250, 1));
   write("old.svg", "old");
   const struct {
     const char* name;
@@ -277,6 +291,8 @@ TEST_F(Render, ExitCodes) {
       {"layer that is not there",   "good.dxf -o b.svg --layers NONE",              1},
       {"one of two layers",         "good.dxf -o c.svg --layers NONE A",            0},
       {"sheet as small as an icon", "good.dxf -o c.png --size 16x16",               0},
+      {"a billion cells",           "array.dxf -o d.svg",                           0},
+      {"more than can be shown",    "deep.dxf -o e.svg",                            1},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -284,6 +300,7 @@ TEST_F(Render, ExitCodes) {
     EXPECT_EQ(got.code, t.code) << got.out << got.err;
   }
   EXPECT_EQ(contents(path("old.svg")), "old");
+  EXPECT_LT(fs::file_size(path("d.svg")), 2000U);
   EXPECT_FALSE(fs::exists(path("b.svg")));
   EXPECT_FALSE(fs::exists(path("b.png")));
   EXPECT_FALSE(leftovers());

@@ -416,7 +416,7 @@ TEST(ResolveXRefs, HatchesOfAllDrawingsTogetherAreBounded) {
   }
   sheet.drawings.files["sheet.dxf"] = drawingOf("", blocks, inserts);
   sheet.load();
-  sheet.data().setHatchLimit(500);
+  sheet.data().setHatchLimit(5000);
   EXPECT_EQ(sheet.resolve(), 0);
   const auto linesOf = [&](int i) {
     std::size_t lines = 0;
@@ -428,7 +428,7 @@ TEST(ResolveXRefs, HatchesOfAllDrawingsTogetherAreBounded) {
   for (int i = 0; i < 40; ++i) all += linesOf(i);
   EXPECT_GT(linesOf(0), 100u);
   EXPECT_EQ(linesOf(39), 0u);
-  EXPECT_LE(all, 10u * 500u);
+  EXPECT_LE(all, 3100u);
   EXPECT_EQ(sheet.xref(u"R0")->size(), sheet.xref(u"R39")->size());
 }
 

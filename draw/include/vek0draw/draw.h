@@ -28,6 +28,16 @@ struct DRAW_OPTIONS {
   bool endless = true;
   /// How wide points are at least, device units: three pixels of a screen.
   double leastPoint = 3;
+  /// How large on the device a thing is at least that is drawn as it is, when inserts, hatches or
+  /// linetypes unfold to more than `effort`. Smaller ones become dots, of which no two fall on one
+  /// place, arrays of them areas; of larger ones that follow each other by less, not all are drawn.
+  double finestDetail = 1;
+  /// What inserts, hatches and linetypes may unfold to, in points, beyond a generous multiple of
+  /// what the drawing holds itself. When it is used up, the picture is cut.
+  double effort = 3'500'000;
+  /// For painters of pixels: how many of them take as long as a point; 0 when the size of things
+  /// makes no difference.
+  double pixelsPerPoint = 0;
   /// How many things are emitted, and how many entities looked at, at most; what follows
   /// is cut.
   std::size_t limit = 50'000'000;
@@ -42,6 +52,12 @@ struct DRAW_RESULT {
   /// Clipped inserts that are shown whole: the painter cannot clip, the boundary has more than
   /// 1000 corners, or the view is none from above, in which a boundary says nothing.
   std::size_t unclipped = 0;
+  /// Things drawn as dots, areas or continuous lines since there are too many; each cell of an
+  /// array that was met counts, each hatch once.
+  std::size_t simplified = 0;
+  /// Hatches whose pattern was too dense for lines (`CData::getHatchLimit`), and that show their
+  /// boundaries instead.
+  std::size_t missing = 0;
   bool cut = false;  ///< a limit was reached, or inserts are nested too deep
 };
 
@@ -52,9 +68,10 @@ struct DRAW_RESULT {
 ///
 /// Entities whose extents lie outside the window cost a comparison (for drawing again and
 /// again, see `CDrawIndex`); cells of an array outside it cost nothing, and neither do
-/// dashes, nor what clipped inserts hide. A window without pixels shows nothing. Throws
-/// `std::bad_alloc`, as does `drawnExtents`; the drawing is as it was then, and the painter has
-/// got a part of it.
+/// dashes, nor what clipped inserts hide. A few lines of a file can unfold to billions of things:
+/// then the cost follows what the window can show (`DRAW_OPTIONS::effort`). A window without pixels
+/// shows nothing. Throws `std::bad_alloc`, as does `drawnExtents`; the drawing is as it was then,
+/// and the painter has got a part of it.
 DRAW_RESULT drawData(const CData& data, const IProjector& projector, const CWndVpt& window,
                      IPainter& painter, const DRAW_OPTIONS& options = {});
 

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "vek0core/geometry/pnt.h"
+#include "vek0core/geometry/rect.h"
 #include "vek0core/tables/handle.h"
 #include "vek0core/tables/palette.h"
 #include "zim0lang/wstring.h"
@@ -68,6 +69,9 @@ class IPainter {
   /// A filled circle, for a point entity. Here: a fill of sixteen corners.
   virtual void disc(const PNT_2D& center, double diameter);
   virtual void text(const DrawText& text) = 0;
+
+  /// Whether nothing that is drawn within the box makes a difference, so that it may be left out.
+  virtual bool skips(const RECT_2D& /*box*/) const { return false; }
 
   /// Hides, up to the matching `popClip`, what lies outside of the polygon (even-odd rule; the
   /// last point is joined to the first). Clips nest, and only what lies in all of them is seen.

@@ -103,8 +103,8 @@ class VEK0_API CData {
   /// The hatch patterns stored in the drawing.
   CHatchTypeTable& getHatchTypeTable() const { return *m_hatchTypes; }
   /// Maximum number of lines and points of one hatch, estimated before any are generated; a million
-  /// by default. All hatches that the loader generates for one file may have five times as many;
-  /// hatches beyond that have no lines.
+  /// by default. All hatches that the loader generates for one file may have three tenths of that,
+  /// plus a thousandth per hatch; hatches beyond that have no lines.
   double getHatchLimit() const { return m_hatchLimit; }
   void setHatchLimit(double limit) { m_hatchLimit = limit; }
 

@@ -53,7 +53,7 @@ struct CXRefOptions {
 /// that the drawing has changed since; items no longer in the file are removed unless the drawing
 /// uses them. Steps of an undo stack remain valid: this is not an edit and cannot be undone.
 ///
-/// All drawings together may have ten times as many hatch lines as a single hatch
+/// All drawings together may have six tenths of the hatch lines of a single hatch
 /// (`CData::getHatchLimit`); hatches beyond that keep only their boundaries.
 ///
 /// Returns the number of references that are not loaded afterwards. Linear in the data read. Throws

@@ -1,0 +1,198 @@
+// Drawings of a few lines that unfold to more than anybody can see.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <random>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "recorder.h"
+
+using vek0::test::Recorder;
+using vek0::test::Scene;
+using vek0::test::Thing;
+
+namespace {
+
+constexpr long kMost = 32767;  // cells each way
+
+struct Maker {
+  Scene scene;
+  int blocks = 0;
+
+  CBlock* block(const std::vector<CEnt*>& ents) {
+    return scene.block(zim::WString::fromUtf8("B" + std::to_string(blocks++)), ents);
+  }
+  CBlock* line(double x, double y) {
+    return block({createEntLine(*scene.data, LINE_3D(0, 0, 0, x, y, 0), 0)});
+  }
+  CEnt* array(CBlock& of, long columns, long rows, double right, double up, double turn = 0) {
+    return createEntInsert(*scene.data, of, PNT_3D(0, 0, 0), 1, 1, 1, turn, columns, rows, right,
+                           up, 0);
+  }
+  CEnt* insert(CBlock& of, double x, double y, double scale = 1, double turn = 0) {
+    return scene.insert(of, x, y, scale, scale, turn);
+  }
+};
+
+using Make = std::function<CEnt*(Maker&)>;
+
+// Two inserts of each level in the next.
+Make doubled(int levels, double step, double growth) {
+  return [=](Maker& m) {
+    CBlock* block = m.line(900, 500);
+    double at = step;
+    for (int i = 0; i < levels; ++i, at *= growth)
+      block = m.block({m.insert(*block, 0, 0), m.insert(*block, at, 0)});
+    return m.insert(*block, 0, 0);
+  };
+}
+
+// Marks the places, in cells of that size, on which a picture has ink.
+class Ink {
+ public:
+  Ink(const Recorder& picture, double cell) : m_cell(cell) {
+    for (const Thing& thing : picture.things) {
+      const std::size_t count = thing.points.size();
+      const bool isClosed = thing.closed || thing.kind == Thing::Fill;
+      mark(thing.points[0]);
+      for (std::size_t i = 1; i < count + (isClosed ? 1 : 0); ++i)
+        mark(thing.points[i - 1], thing.points[i % count]);
+      for (double t = 0; thing.kind == Thing::Fill && t <= 1; t += 0.002)
+        mark(between(thing.points[0], thing.points[1], t),
+             between(thing.points[3], thing.points[2], t));
+    }
+  }
+
+  /// Of the places on which another picture has ink, how many have none here or beside.
+  std::size_t missing(const Ink& other) const {
+    std::size_t count = 0;
+    for (const auto& [x, y] : other.m_cells) {
+      bool isNear = false;
+      for (int i = 0; i < 9; ++i) isNear = isNear || m_cells.count({x + i % 3 - 1, y + i / 3 - 1});
+      count += !isNear;
+    }
+    return count;
+  }
+
+ private:
+  static PNT_2D between(const PNT_2D& a, const PNT_2D& b, double t) {
+    return {a.x + t * (b.x - a.x), a.y + t * (b.y - a.y)};
+  }
+  void mark(const PNT_2D& p) {
+    if (p.x < 0 || p.y < 0 || p.x > 1000 || p.y > 1000) return;
+    m_cells.emplace(static_cast<int>(p.x / m_cell), static_cast<int>(p.y / m_cell));
+  }
+  void mark(const PNT_2D& a, const PNT_2D& b) {
+    const double steps = std::min(std::ceil(2 * a.dist(b) / m_cell), 1e5);
+    for (double i = 0; i <= steps; ++i) mark(between(a, b, steps > 0 ? i / steps : 0));
+  }
+
+  double m_cell;
+  std::set<std::pair<int, int>> m_cells;
+};
+
+}  // namespace
+
+TEST(Coarse, TheCostFollowsTheWindow) {
+  const struct {
+    const char* name;
+    Make make;
+    std::size_t most;  // things
+    Thing::Kind kind;
+  } cases[] = {
+      {"an array",            [](Maker& m) { return m.array(*m.line(.01, .01), kMost, kMost, .02, .02); },     1,
+       Thing::Fill                                                                                                                           },
+      {"askew",               [](Maker& m) { return m.array(*m.line(.01, .01), kMost, kMost, .02, -.03, 1); }, 1,
+       Thing::Fill                                                                                                                           },
+      {"a row",               [](Maker& m) { return m.array(*m.line(.01, .01), kMost, 1, .02, 0); },           1,
+       Thing::Stroke                                                                                                                         },
+      {"rows apart",          [](Maker& m) { return m.array(*m.line(.01, .01), kMost, 101, .02, 10); },        101,
+       Thing::Stroke                                                                                                                         },
+      {"cells apart",         [](Maker& m) { return m.array(*m.line(.01, .01), 101, kMost, 10, .5); },         101,
+       Thing::Stroke                                                                                                                         },
+      {"small and far apart", [](Maker& m) { return m.array(*m.line(.01, .01), 151, 151, 6, 6); },
+       22801,                                                                                                               Thing::Dot       },
+      {"arrays in arrays",
+       [](Maker& m) {
+         CBlock* block = m.line(.01, .005);
+         for (double step = .01; step < 1000; step *= 10)
+           block = m.block({m.array(*block, 10, 10, step, step)});
+         return m.insert(*block, 0, 0);
+       },                                                                                                      1,           Thing::Fill      },
+      {"all on one place",    doubled(40,                                                                      0,           1),                1, Thing::Stroke},
+      {"nearly on one place",        doubled(40,                                                                                       1e-9,                                                                              1),                                                                              1, Thing::Stroke},
+      {"halves",
+       [](Maker& m) {
+         CBlock* block = m.line(1, 1);
+         for (int i = 0; i < 40; ++i)
+           block = m.block({m.insert(*block, 0, 0, .5), m.insert(*block, .5, .5, .5)});
+         return m.insert(*block, 0, 0, 1000);
+       },                                                                                                 1001,                  Thing::Dot},
+      {"overlapping",                     [](Maker& m) { return m.array(*m.line(300, 200), kMost, 1, .01, 0); },400,
+       Thing::Stroke                                           },
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    Maker maker;
+    maker.scene.add(t.make(maker));
+    DRAW_OPTIONS options;
+    options.effort = 80'000;
+    const Recorder drawn = maker.scene.draw(options);
+    EXPECT_FALSE(maker.scene.result.cut);
+    EXPECT_GE(drawn.things.size(), std::min<std::size_t>(t.most, 100));
+    EXPECT_LE(drawn.things.size(), t.most);
+    EXPECT_EQ(drawn.count(t.kind), drawn.things.size());
+    EXPECT_GT(maker.scene.result.simplified, 0U);
+    EXPECT_LT(maker.scene.result.looked, 200'000U);
+  }
+}
+
+// What cannot be shown coarsely either is cut; what lies outside of inserts never is.
+TEST(Coarse, TheEffortIsBounded) {
+  for (const bool isSpread : {false, true}) {
+    Maker maker;
+    for (int i = 0; i < 1000; ++i) maker.scene.line(0, i, 1000, i);
+    if (isSpread) maker.scene.add(doubled(40, .37, 1.3)(maker));
+    DRAW_OPTIONS options;
+    options.effort = 100;
+    EXPECT_GE(maker.scene.draw(options).count(Thing::Stroke), 1000U);
+    EXPECT_EQ(maker.scene.result.cut, isSpread);
+    EXPECT_LT(maker.scene.result.emitted, 200'000U);
+  }
+}
+
+// Whatever is left out or replaced, ink is where it was.
+TEST(Coarse, ShowsTheSameInk) {
+  std::mt19937 random(7);
+  const auto number = [&](double from, double to) {
+    return std::uniform_real_distribution<>(from, to)(random);
+  };
+  int coarse = 0;
+  for (int trial = 0; trial < 20; ++trial) {
+    SCOPED_TRACE(trial);
+    Maker maker;
+    CBlock* block = maker.line(number(.01, 3), number(.01, 3));
+    for (int level = 0; level < 3; ++level) {
+      const long columns = std::lround(number(1, 6)), rows = std::lround(number(1, 6));
+      const double step = std::pow(10, number(-1.5, .6) + level * .5), turn = number(0, 7);
+      block = maker.block({maker.array(*block, columns, rows, step, number(-1, 1) * step, turn),
+                           maker.insert(*block, number(0, 9), 0, number(.1, 1), turn)});
+    }
+    maker.scene.add(maker.insert(*block, 500, 500, number(.5, 3)));
+    DRAW_OPTIONS options;
+    options.effort = 1e12;
+    const Recorder whole = maker.scene.draw(options);
+    EXPECT_EQ(maker.scene.result.simplified, 0U);
+    options.effort = 4 * static_cast<double>(whole.things.size());
+    const Recorder drawn = maker.scene.draw(options);
+    if (maker.scene.result.cut || maker.scene.result.simplified == 0) continue;
+    ++coarse;
+    EXPECT_EQ(Ink(drawn, 2).missing(Ink(whole, 2)), 0U);
+    EXPECT_EQ(Ink(whole, 2).missing(Ink(drawn, 2)), 0U);
+  }
+  EXPECT_GT(coarse, 5);
+}
