@@ -8,24 +8,24 @@
 
 namespace vek0::detail {
 
-/// Draws the heads at the ends of dimension lines and of leaders, as a style says, in the look of
-/// the current record.
+/// Draws the heads at the ends of dimension lines and of leaders, as a style specifies, with the
+/// properties of the current record.
 class ArrowHeads {
  public:
   /// `axes` is the plane that they lie in; it is borrowed.
   ArrowHeads(RecordReader& in, const DimStyle& style, const PlaneAxes& axes);
 
-  /// How long a head is, in drawing units.
+  /// Length of a head, in drawing units.
   double size() const { return m_size; }
   enum { kFirst, kSecond, kLeader, kEnds };
 
-  /// Whether the line at that end runs up to the tip: it would show beside a filled head.
+  /// Whether the line at that end runs up to the tip: next to a filled head it would be visible.
   bool isThin(int end) const { return m_kind[end] != Filled && m_kind[end] != Block; }
-  /// Whether the line goes through the head.
+  /// Whether the line passes through the head.
   bool isStroke(int end) const { return m_kind[end] == Stroke; }
 
-  /// Appends the head of an end. `tip` is in the coordinates of the plane, `angleRad` where the
-  /// head points to.
+  /// Appends the head of an end. `tip` is in the coordinates of the plane, `angleRad` the direction
+  /// in which the head points.
   void add(int end, const PNT_3D& tip, double angleRad, std::vector<EntPtr>& built) const;
 
  private:

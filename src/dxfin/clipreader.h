@@ -10,25 +10,25 @@
 
 namespace vek0::detail {
 
-/// Reads what clips inserts, which files keep far from them: an insert names a dictionary of its
-/// own, whose entry ACAD_FILTER is a dictionary, whose entry SPATIAL is the boundary. Of one that
-/// hides what is inside, a record in a dictionary of its own tells; such clips are not applied.
+/// Reads the clip boundaries of inserts, which files store separately: an insert refers to its
+/// extension dictionary, whose entry ACAD_FILTER is a dictionary, whose entry SPATIAL is the
+/// boundary. A record in the boundary's own dictionary marks inverted clips; those are not applied.
 class ClipReader {
  public:
-  /// Fills the clips that the reader of records has promised to inserts.
+  /// Fills in the clips that the record reader has promised to inserts.
   explicit ClipReader(RecordReader& records) : m_records(records) {}
 
-  /// Reads the object on whose group 0 the lexer stands, and leaves it on the next one; false,
-  /// and nothing is read, when it is of no other kind than boundaries are.
+  /// Reads the object at whose group 0 the lexer is positioned, and leaves the lexer at the next
+  /// one. Returns false, without reading, if the object is unrelated to clips.
   bool readObject();
-  /// Fills the clips from the objects read; those that cannot be applied are reported.
+  /// Fills in the clips from the objects read; clips that cannot be applied are reported.
   void settle();
 
  private:
-  // A boundary as its object gives it.
+  // A boundary as stored in its object.
   struct Filter {
     std::vector<PNT_2D> points;
-    std::vector<double> numbers;   // of the planes in front and behind, and the two matrices
+    std::vector<double> numbers;   // of the front and back clipping planes, and the two matrices
     std::uint64_t dictionary = 0;  // its own
     bool isOn = false, hasDepth = false, isSound = true;
 
@@ -44,7 +44,7 @@ class ClipReader {
   const Filter* filterOf(std::uint64_t dictionary, bool& isLost) const;
 
   RecordReader& m_records;
-  // What one of the names that lead to boundaries is in each dictionary; 0 where none is.
+  // The handle found in each dictionary under one of the names that lead to boundaries; 0 for none.
   std::unordered_map<std::uint64_t, std::uint64_t> m_entries;
   std::unordered_map<std::uint64_t, Filter> m_filters;
   std::unordered_set<std::uint64_t> m_inversions;

@@ -10,19 +10,19 @@ namespace vek0::detail {
 
 class DimStyle;
 
-/// Reads the curves that a drawing has no class for, as polylines within the chord error of the
-/// policy: ELLIPSE, SPLINE and HELIX, and LEADER, whose path may be one.
+/// Reads curves of unsupported kinds as polylines within the chord error of the policy: ELLIPSE,
+/// SPLINE and HELIX, and LEADER, whose path may be a spline.
 ///
-/// Every vertex has its own z. The chord error is a share of the semi-axis of an ellipse and of
-/// half the longest side of the controls' box of a spline. Its buffers serve curve after curve.
+/// Every vertex has its own z. The chord error is relative to the semi-major axis of an ellipse,
+/// and to half the longest side of the controls' box of a spline. Buffers are reused from curve to
+/// curve.
 class CurveReader {
  public:
   explicit CurveReader(RecordReader& in) : m_in(in) {}
 
   EntPtr readEllipse();
   EntPtr readSpline();
-  /// A HELIX record begins with the spline that draws it; what it says of turns and radii
-  /// is left out.
+  /// A HELIX record begins with its spline; turns and radii are ignored.
   EntPtr readHelix();
   EntPtr readLeader();
 
@@ -42,7 +42,7 @@ class CurveReader {
   SPLINE_3D m_spline;
   std::vector<PNT_3D> m_fits;   // points that the curve passes through
   std::vector<PNT_3D> m_chain;  // points of the polyline
-  bool m_isSpline = true;       // what the pairs of a record are about
+  bool m_isSpline = true;       // kind of the current record
 };
 
 }  // namespace vek0::detail

@@ -9,7 +9,7 @@
 
 namespace vek0::detail {
 
-/// What a dimension measures: code 70 without the bits above, and the kinds of own records.
+/// What a dimension measures: code 70 without its flag bits, and the kinds with separate records.
 enum class DimensionType {
   Linear,
   Aligned,
@@ -22,19 +22,19 @@ enum class DimensionType {
   LargeRadius
 };
 
-/// Draws a dimension that has no picture, from the points of the current record, as its style
-/// says: extension lines, the line or arc with its heads, the text.
+/// Draws a dimension that has no block, from the points of the current record, according to its
+/// style: extension lines, the line or arc with its heads, the text.
 class DimensionDrawing {
  public:
   DimensionDrawing(RecordReader& in, DimensionType type, const DimStyle& style);
 
-  /// `text` is what the record says instead of the measure, "<>" in it stands for that.
+  /// `text` replaces the measurement; "<>" in it stands for the measurement.
   void draw(const MTextRecord& text);
 
   std::vector<EntPtr> built;
 
  private:
-  /// Along which a number stands: from angle to angle around a point, counterclockwise.
+  /// The sector being measured: from angle to angle around a point, counterclockwise.
   struct Sweep {
     PNT_3D center;
     double radius = 0, start = 0, sweep = 0;
@@ -78,7 +78,7 @@ class DimensionDrawing {
   ArrowHeads m_heads;
   short m_color;
   double m_textHeight, m_textWidth = 0;
-  PNT_3D m_middle;  // where the text goes that has no place of its own, in the plane
+  PNT_3D m_middle;  // default position of the text, in the plane
 };
 
 }  // namespace vek0::detail

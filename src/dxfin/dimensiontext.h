@@ -6,9 +6,9 @@
 
 namespace vek0::detail {
 
-/// A length in drawing units as a style writes it: factor, rounding, decimals, zeroes, decimal
-/// sign and the text around. `sign` goes in front unless that text has something of its own.
-/// Where the style does not state decimals there are four, without zeroes at the end.
+/// Formats a length in drawing units according to a style: factor, rounding, decimals, zeros,
+/// decimal separator and surrounding text. `sign` is prefixed unless that text has its own. If the
+/// style does not state decimals, there are four, without trailing zeros.
 std::u16string lengthText(const DimStyle& style, double length, std::u16string_view sign);
 
 /// An angle likewise, in degrees, gradians or radians.

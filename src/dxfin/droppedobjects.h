@@ -12,22 +12,22 @@ class CFileReport;
 
 namespace vek0::detail {
 
-/// What the OBJECTS section holds that a drawing has no place for and somebody would miss:
-/// layouts and groups.
+/// Reports content of the OBJECTS section that a drawing cannot store but users would miss: layouts
+/// and groups.
 class DroppedObjects {
  public:
   /// `report` may be null; all are borrowed.
   DroppedObjects(CFileDXFILexer& lexer, const CFileDXFIError& err, CFileReport* report)
       : m_lexer(lexer), m_err(err), m_report(report) {}
 
-  /// Tells that something stands on the sheet whose block record has that handle; 0 is none.
+  /// Records that the sheet whose block record has that handle is not empty; 0 is ignored.
   void addSheet(std::uint64_t handle) {
     if (handle != 0) m_sheets.insert(handle);
   }
-  /// Reads the record on whose group 0 the lexer stands, up to the next one.
+  /// Reads the record at whose group 0 the lexer is positioned, up to the next one.
   void readRecord();
-  /// Adds the layouts to the report, but for those of usual names that show nothing. Called once
-  /// everything is read.
+  /// Adds the layouts to the report, except empty ones with default names. Call it after everything
+  /// is read.
   void tell() const;
 
  private:

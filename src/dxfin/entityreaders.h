@@ -11,8 +11,8 @@
 
 namespace vek0::detail {
 
-/// Which entity kinds are read: those that a version of the format has and a drawing too,
-/// or all that can be turned into such.
+/// Which entity kinds are read: those of a format version that a drawing supports, or all that can
+/// be converted to those.
 enum class EntityKinds { R12, AC1014, All };
 
 /// Reads entity records of any kind.
@@ -20,9 +20,9 @@ class EntityReader {
  public:
   explicit EntityReader(const ReadContext& context) : records(context) {}
 
-  /// Reads the record on whose group 0 the lexer stands and leaves it on the next
-  /// one. Null when the kind is not read, when the record gave nothing or when an
-  /// error is recorded; further entities of the record are in `records.further`.
+  /// Reads the record at whose group 0 the lexer is positioned, and leaves the lexer at the next
+  /// one. Null if the kind is not read, the record yields nothing or an error is recorded; further
+  /// entities of the record are in `records.further`.
   EntPtr read(EntityKinds kinds);
 
   RecordReader records;
@@ -38,14 +38,14 @@ class EntityReader {
   EntPtr placed(EntPtr ent);
 };
 
-// One reader a kind. Each starts on the group 0 of its record.
+// One reader per kind. Each starts at the group 0 of its record.
 EntPtr readText(RecordReader& in);
 EntPtr readAttdef(RecordReader& in);
 EntPtr readInsert(RecordReader& in);
 EntPtr readXline(RecordReader& in);
 EntPtr readRay(RecordReader& in);
 
-/// An attribute in the coordinates of the file, those of the drawing.
+/// An attribute in the file's coordinates, which are drawing coordinates.
 std::unique_ptr<CEntAttrib> readAttrib(RecordReader& in);
 
 }  // namespace vek0::detail

@@ -7,9 +7,9 @@ class CData;
 
 namespace vek0::detail {
 
-/// Takes references out of the drawing that are none: their layers and linetypes become
-/// ordinary ones of the full name, "xref|item", and everything on them goes along. Nothing may
-/// insert the references, which are deleted. Linear in the drawing.
+/// Removes and deletes spurious references from the drawing: their layers and linetypes become
+/// ordinary ones with the full name, "xref|item", and everything that uses them is updated. Nothing
+/// may insert the references. Linear in the drawing.
 void dropFalseXRefs(CData& data, const std::vector<CBlockXRef*>& xrefs);
 
 }  // namespace vek0::detail

@@ -5,40 +5,40 @@
 
 namespace vek0::detail {
 
-/// Reads what differs between the versions of the format: one class a version.
+/// Reads what differs between the versions of the format, with one class per version.
 class CFileDXFIVersionLoader {
  public:
   virtual ~CFileDXFIVersionLoader() = default;
 
-  /// Reads one entry of the LTYPE table, on whose group 0 the lexer stands.
+  /// Reads one entry of the LTYPE table, at whose group 0 the lexer is positioned.
   virtual void readLtype() = 0;
-  /// Reads one entity likewise. Null when it was skipped or an error is recorded;
-  /// the caller owns it. Further entities of the record are in `getFurther`.
+  /// Reads one entity likewise. The caller owns it; null if it was skipped or an error is recorded.
+  /// Further entities of the record are in `getFurther`.
   virtual CEnt* readEntity() = 0;
 
   std::vector<EntPtr>& getFurther() { return m_entities.records.further; }
   /// Whether any insert was read.
   bool hasReadInsert() const { return m_entities.records.insertRead; }
-  /// Reads what clips inserts.
+  /// The reader of clip boundaries.
   ClipReader& getClips() { return m_entities.clips; }
-  /// Tells that the next entities belong to a block; null when it is new. `sheet` is the name of
-  /// one that holds a sheet, which is not read; empty for any other.
+  /// Declares that the next entities belong to a block; null if it is new. `sheet` is its name if
+  /// it holds a sheet, which is not read; empty otherwise.
   void enterBlock(const CBlock* block, const zim::WString& sheet) {
     m_entities.records.inBlock = true;
     m_entities.records.owner = block;
     m_entities.records.sheet = sheet;
     m_entities.records.sheetUsed[1] = false;
   }
-  /// Whether it was a sheet that something stands on.
+  /// Ends the block; returns whether it was a non-empty sheet.
   bool leaveBlock() {
     m_entities.records.inBlock = false;
     m_entities.records.owner = nullptr;
     m_entities.records.sheet = zim::WString();
     return m_entities.records.sheetUsed[1];
   }
-  /// Whether anything stands on the sheet that is not a block.
+  /// Whether the sheet that is not a block has any content.
   bool isSheetUsed() const { return m_entities.records.sheetUsed[0]; }
-  /// Tells that a section of blocks is over.
+  /// Declares the end of a BLOCKS section.
   void endBlocks() { m_entities.records.blocksRead = true; }
 
  protected:
@@ -49,7 +49,7 @@ class CFileDXFIVersionLoader {
   EntityReader m_entities;
 };
 
-/// R12, and files that name no version.
+/// R12, and files that state no version.
 class CFileDXFIVersionLoaderR12 : public CFileDXFIVersionLoader {
  public:
   explicit CFileDXFIVersionLoaderR12(const ReadContext& context)
@@ -76,7 +76,7 @@ class CFileDXFIVersionLoaderAC1015 : public CFileDXFIVersionLoaderAC1014 {
   using CFileDXFIVersionLoaderAC1014::CFileDXFIVersionLoaderAC1014;
 };
 
-/// Any version, for files that are not taken at their word.
+/// Any version, for tolerant reading.
 class CFileDXFIVersionLoaderTolerant : public CFileDXFIVersionLoader {
  public:
   explicit CFileDXFIVersionLoaderTolerant(const ReadContext& context)
@@ -85,8 +85,8 @@ class CFileDXFIVersionLoaderTolerant : public CFileDXFIVersionLoader {
   CEnt* readEntity() override { return m_entities.read(EntityKinds::All).release(); }
 };
 
-/// The loader of a version number: 0 none named, 1 R12, 2 AC1012, 3 AC1014, 4
-/// AC1015; null for any other.
+/// The loader of a version number: 0 none stated, 1 R12, 2 AC1012, 3 AC1014, 4 AC1015; null for any
+/// other.
 std::unique_ptr<CFileDXFIVersionLoader> createVersionLoader(short version,
                                                             const ReadContext& context);
 

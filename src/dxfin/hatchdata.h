@@ -10,24 +10,23 @@
 
 namespace vek0::detail {
 
-/// The extended data of an INSERT record, which says that it stands for a hatch.
+/// The extended data of an INSERT record that represents a hatch.
 ///
-/// The layout is the one that `CFileDXFOVisitor` writes; anything else is other
-/// programs' data and leaves the insert what it is.
+/// The layout is the one written by `CFileDXFOVisitor`; anything else is data of other programs,
+/// and the insert remains an ordinary insert.
 class HatchData {
  public:
-  /// Takes the current pair, whose code is 1000 or above; false when it is none of a
-  /// hatch's.
+  /// Processes the current pair, whose code is 1000 or above; false if it is not hatch data.
   bool take(const CFileDXFILexer& lexer);
-  /// Tells that the pair just taken is a bad one: no hatch comes of the data.
+  /// Marks the last pair as invalid: the data then yields no hatch.
   void spoil();
 
-  /// Whether nothing was there of what might be a hatch's.
+  /// Whether no potential hatch data was found.
   bool empty() const { return m_pairs.empty(); }
   /// Whether the data claims to be a hatch.
   bool claimsHatch() const { return m_pairs.size() > 1 && isMark(m_pairs[1]); }
-  /// Takes the data apart; false, with all outputs undefined, when it departs from the
-  /// layout anywhere. Patterns that are not in the catalogue go into `types`.
+  /// Parses the data; returns false, with all outputs undefined, on any deviation from the layout.
+  /// Patterns that are not in the catalogue are added to `types`.
   bool parse(CHatchTypeTable& types);
 
   const HATCH_TYPE* type = nullptr;

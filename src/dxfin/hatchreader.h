@@ -12,24 +12,24 @@ namespace vek0::detail {
 
 /// Reads HATCH records.
 ///
-/// Pattern lines, loops and seed points come in counted groups with a fixed order of
-/// codes; the counts say when a group ends and nothing else. A pair that does not fit is
-/// error 20.
+/// Pattern lines, loops and seed points are counted groups with a fixed order of codes; only the
+/// counts determine where a group ends. A pair that does not fit is error 20.
 class HatchReader {
  public:
-  /// How many points all curves of boundaries become at most, in a file and in a record:
-  /// a curve takes a line of the file and gives up to a thousand points.
+  /// Maximum number of points generated from boundary curves, per file and per record: a curve
+  /// takes a line of the file and yields up to a thousand points.
   static constexpr std::size_t kFileCurvePoints = 10'000'000, kRecordCurvePoints = 1'000'000;
 
   explicit HatchReader(RecordReader& in) : m_in(in) {}
 
   EntPtr read();
-  /// MPOLYGON: the outlines of its rings, as polylines, and the hatch within, if it has a
-  /// fill. Differs from HATCH in the code that says solid and in the order of a loop's flags.
+  /// MPOLYGON: the outlines of its rings, as polylines, and the hatch inside, if it has a fill.
+  /// Differs from HATCH in the code for solid fills and in the order of a loop's flags.
   EntPtr readMpolygon();
 
  private:
-  /// How many groups of pairs follow. Where the number is none, as many as begin with `code`.
+  /// Number of groups of pairs that follow. If the number is invalid, all groups that begin with
+  /// `code`.
   struct Count {
     long left, code;
   };
@@ -71,8 +71,8 @@ class HatchReader {
   std::vector<HATCH_RING> m_rings;
   HatchLoopBuilder m_loop;
   bool m_refused = false;                      // an edge of the loop
-  bool m_isMpolygon = false;                   // the current record, else it is HATCH
-  std::size_t m_curveRoom = kFileCurvePoints;  // that is left to curves of the file
+  bool m_isMpolygon = false;                   // kind of the current record; otherwise HATCH
+  std::size_t m_curveRoom = kFileCurvePoints;  // remaining points for curves of the file
 };
 
 }  // namespace vek0::detail

@@ -4,26 +4,26 @@
 
 namespace vek0::detail {
 
-/// What letters look like, as far as their widths go.
+/// Classes of fonts by glyph width.
 enum class LetterForm {
   Stroke,     ///< as plotters wrote: simplex, txt
   Lettering,  ///< by ISO 3098, which is narrower
-  Sans,       ///< any font of outlines that is none of the others
+  Sans,       ///< any other outline font
   Narrow,
   Mono
 };
 
-/// The form of a font by the name of its file or family: text is laid out by built-in widths, so
-/// that a file gives the same drawing whatever fonts a machine has.
+/// Determines the form of a font from the name of its file or family: text is laid out with
+/// built-in widths, so that a file yields the same drawing whatever fonts are installed.
 LetterForm letterFormOf(std::u16string_view font);
 
-/// How far a letter takes the line, in heights of capitals. The widths of stroke fonts are
-/// those of the Hershey simplex set, those of others of a usual grotesque; letters beyond
-/// ASCII have the mean width of their kind, ideographs a square, marks that combine none.
+/// Advance width of a character, in capital heights. Widths of stroke fonts are those of the
+/// Hershey simplex set, those of others of a typical grotesque; characters beyond ASCII have the
+/// mean width of their class, ideographs are square, and combining marks have no width.
 double letterWidth(char16_t letter, LetterForm form);
 
-/// How wide letters of the form may prove to be at least, as a share of `letterWidth`: names
-/// of stroke fonts stand for many, and programs without them take narrower ones.
+/// Minimum actual width of characters of the form, as a fraction of `letterWidth`: a stroke font
+/// name covers many fonts, and programs without them substitute narrower ones.
 double leastShare(LetterForm form);
 
 }  // namespace vek0::detail

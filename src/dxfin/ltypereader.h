@@ -14,8 +14,8 @@ class LtypeReader {
   LtypeReader(const ReadContext& context, bool complexDashes)
       : m_context(context), m_complexDashes(complexDashes) {}
 
-  /// Reads the entry on whose group 0 the lexer stands, leaves it on the next one
-  /// and has the semantor create the linetype.
+  /// Reads the entry at whose group 0 the lexer is positioned, leaves the lexer at the next one and
+  /// has the semantor create the linetype.
   void read();
 
  private:

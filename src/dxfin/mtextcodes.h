@@ -9,9 +9,9 @@
 
 namespace vek0::detail {
 
-/// How letters of a formatted text look.
+/// Character format within a formatted text.
 struct MTextFormat {
-  /// What becomes of letters that are lower than their line.
+  /// Vertical alignment of characters smaller than their line.
   enum Align { Bottom, Middle, Top };
 
   double height = 1;      ///< of capitals, drawing units
@@ -34,40 +34,40 @@ struct MTextParagraph {
   std::vector<double> tabs;  ///< ascending; empty: the usual ones
 };
 
-/// A piece of a formatted text.
+/// A fragment of a formatted text.
 struct MTextPiece {
   enum Kind { Word, Blank, Tab, LineBreak, ColumnBreak, Stack };
 
   Kind kind = Word;
-  bool joins = false;         ///< no line may end before it
-  bool ruled = false;         ///< of a stack: a line parts above and below
+  bool joins = false;         ///< no line break is allowed before it
+  bool ruled = false;         ///< of a stack: with a line between the rows
   std::size_t format = 0;     ///< index into `MTextContent::formats`
   std::size_t paragraph = 0;  ///< likewise into `paragraphs`
-  std::u16string text;        ///< of a word; of a stack what stands above
+  std::u16string text;        ///< of a word; the upper row of a stack
   std::u16string below;       ///< of a stack
 
   bool isWord() const { return kind == Word || kind == Stack; }
 };
 
-/// A formatted text exploded.
+/// A parsed formatted text.
 struct MTextContent {
   std::vector<MTextFormat> formats;
   std::vector<MTextParagraph> paragraphs;
   std::vector<MTextPiece> pieces;
-  std::vector<std::u16string> dropped;  ///< codes that nothing here can show, each once
-  long approximatedColors = 0;          ///< true colors that became the nearest number
+  std::vector<std::u16string> dropped;  ///< unsupported codes, each once
+  long approximatedColors = 0;          ///< number of true colors replaced by the nearest index
 };
 
-/// Takes a text with its codes apart: `\P` line, `\N` column, `\~` blank that holds, braces
-/// around what a code is limited to, `\H` height, `\W` width, `\Q` slant, `\C` color, `\A`
-/// alignment, `\L` `\O` `\K` lines along the letters, `\S` stacks, `\p` paragraphs, `^I`
-/// and its like, `\U+XXXX`. `text` is as it stands in the file but for its code page;
-/// `base` is how it looks before any code. What is no code stays as it stands.
+/// Parses a text with its codes: `\P` line break, `\N` column break, `\~` non-breaking space,
+/// braces for the scope of codes, `\H` height, `\W` width, `\Q` slant, `\C` color, `\A` alignment,
+/// `\L` `\O` `\K` underline, overline and strikethrough, `\S` stacks, `\p` paragraphs, `^I` and the
+/// like, `\U+XXXX`. `text` is unmodified except for its code page; `base` is the initial format.
+/// Anything that is not a code is kept.
 ///
-/// Cost is linear; a piece takes at least one unit of the text.
+/// Linear; a piece takes at least one unit of the text.
 MTextContent decodeMText(std::u16string_view text, const MTextFormat& base);
 
-/// How long a text is: `%%d` and its like are one letter, `%%u` and its like none.
+/// Length of a text: `%%d` and the like count as one character, `%%u` and the like as none.
 double measure(std::u16string_view text, const MTextFormat& format);
 
 }  // namespace vek0::detail

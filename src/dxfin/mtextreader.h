@@ -9,29 +9,29 @@
 
 namespace vek0::detail {
 
-/// A formatted text on its way from a record into the drawing.
+/// A formatted text as read from a record.
 struct MTextRecord {
-  /// What one record may become: more is left out and reported.
+  /// Limits per record; the rest is dropped and reported.
   static constexpr std::size_t kMostRuns = 10'000, kMostUnits = 256 * 1024;
 
   std::u16string text;  ///< with its codes
   MTextBox box;
   CStyle* style = nullptr;
   PNT_3D at;                        ///< insertion point in the world
-  PNT_3D normal = PNT_3D(0, 0, 1);  ///< of the plane that it lies in
-  PNT_3D direction;  ///< of the lines in the world; without length: X axis of the plane
+  PNT_3D normal = PNT_3D(0, 0, 1);  ///< of its plane
+  PNT_3D direction;  ///< of the lines in world coordinates; zero: X axis of the plane
 
-  /// Appends to the text what a pair of a long text holds.
+  /// Appends the current pair, a chunk of a long text.
   void take(const CFileDXFILexer& lexer);
 };
 
-/// Appends a text entity for every run, in the world and in the look of the current record.
-/// `handle` is for the first entity.
+/// Appends a text entity for every run, in world coordinates and with the properties of the current
+/// record. `handle` is for the first entity.
 void buildMText(RecordReader& in, const MTextRecord& record, vek0::Handle handle,
                 std::vector<EntPtr>& built);
 
-// One reader a kind. Each starts on the group 0 of its record; what they give stands in the
-// world.
+// One reader per kind. Each starts at the group 0 of its record; the results are in world
+// coordinates.
 EntPtr readMText(RecordReader& in);
 EntPtr readTolerance(RecordReader& in);
 EntPtr readMultileader(RecordReader& in);

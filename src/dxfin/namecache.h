@@ -8,17 +8,17 @@
 
 namespace vek0::detail {
 
-/// Items of a drawing by the bytes of their names in one file. Entities name their
-/// layer in every record, most often the one before it: that costs a comparison,
-/// any other known name one hash, and only a new spelling a text and a look-up in
-/// the drawing. Items must outlive the cache and are never null.
+/// Items of a drawing by the bytes of their names in one file. Entities name their layer in every
+/// record, usually the same as the previous one: that costs a comparison, any other known name one
+/// hash, and only a new spelling a decoding and a look-up in the drawing. Items must outlive the
+/// cache and are never null.
 ///
-/// A table of slots with the names end to end beside it: with tens of thousands of
-/// names, a node for each would be a miss of the processor's cache at every step.
+/// A table of slots with the names stored contiguously: with tens of thousands of names, a node for
+/// each would cause a cache miss at every step.
 template <class Item>
 class NameCache {
  public:
-  /// Null when the name has not been added.
+  /// Null if the name has not been added.
   Item* find(std::string_view bytes) {
     if (m_last < m_slots.size() && bytes == nameOf(m_slots[m_last])) return m_slots[m_last].item;
     if (m_slots.empty()) return nullptr;
@@ -26,7 +26,7 @@ class NameCache {
     return m_slots[m_last].item;
   }
 
-  /// Adds a name that `find` has just not found.
+  /// Adds a name that `find` has just failed to find.
   Item* add(std::string_view bytes, Item* item) {
     if (2 * (m_count + 1) > m_slots.size()) grow();
     const std::size_t code = hash(bytes);
@@ -48,7 +48,7 @@ class NameCache {
     return std::string_view(m_names.data() + slot.offset, slot.length);
   }
 
-  // The slot of that name, or the free one where it belongs.
+  // The slot of that name, or the free one where it would be inserted.
   std::size_t place(std::string_view bytes, std::size_t code) const {
     std::size_t i = code & (m_slots.size() - 1);
     while (m_slots[i].item && (m_slots[i].hash != code || nameOf(m_slots[i]) != bytes))
@@ -67,7 +67,7 @@ class NameCache {
   std::vector<Slot> m_slots;
   std::string m_names;
   std::size_t m_count = 0;
-  std::size_t m_last = 0;  // slot of the last name asked for
+  std::size_t m_last = 0;  // slot of the last name looked up
 };
 
 }  // namespace vek0::detail

@@ -6,13 +6,12 @@
 
 namespace vek0::detail {
 
-/// The plane that a record is drawn in: its axes follow from the normal by the format's
-/// arbitrary axis rule (DXF reference: X = Y axis of the world cross normal where the
-/// normal is within 1/64 of the Z axis in both x and y, else Z axis cross normal).
+/// The plane of a record: its axes follow from the normal by the format's arbitrary axis rule (DXF
+/// reference: X = Y axis of the world cross normal where the normal is within 1/64 of the Z axis in
+/// both x and y, else Z axis cross normal).
 class PlaneAxes {
  public:
-  /// The normal may have any length; one without, or with numbers that are not finite,
-  /// stands for the Z axis.
+  /// The normal may have any length; if it is zero or non-finite, the Z axis is used.
   explicit PlaneAxes(const PNT_3D& normal) {
     const double length = std::hypot(normal.x, normal.y, normal.z);
     if (!(length > 0) || !std::isfinite(length)) return;
@@ -25,10 +24,10 @@ class PlaneAxes {
 
   /// Whether plane and world are the same.
   bool isWorld() const { return z.z == 1; }
-  /// Whether the plane is the world's seen from below: x and z are negated.
+  /// Whether the plane is the world's XY plane seen from below: x and z are negated.
   bool isMirrored() const { return z.z == -1; }
 
-  /// Whether the plane shows its back to whoever looks at the world from above.
+  /// Whether the plane shows its back when seen from above.
   bool isFromBelow() const { return z.z < 0; }
 
   PNT_3D toWorld(const PNT_3D& p) const {

@@ -10,10 +10,10 @@
 
 namespace vek0::detail {
 
-/// Puts a circle, arc, text or insert that was read in the coordinates of its plane into
-/// those of the world. In the world's plane seen from below, all of them stay what they are,
-/// mirrored; in any other plane circles and arcs become polylines, texts and inserts lie flat
-/// at their point, which is reported. Other kinds are given back as they are.
+/// Transforms a circle, arc, text or insert from the coordinates of its plane to world coordinates.
+/// If the plane is the world's XY plane seen from below, they keep their kinds, mirrored; in any
+/// other plane circles and arcs become polylines, and texts and inserts are laid flat at their
+/// point, which is reported. Other kinds are returned unchanged.
 EntPtr placeInWorld(RecordReader& in, EntPtr ent, const PlaneAxes& axes);
 
 /// The same for the vertices of a plane polyline; in a plane that is not seen from above
@@ -21,8 +21,9 @@ EntPtr placeInWorld(RecordReader& in, EntPtr ent, const PlaneAxes& axes);
 void placeInWorld(RecordReader& in, std::vector<BULGED_VERTEX>& vertexes, const PlaneAxes& axes,
                   bool closed);
 
-/// Turns a text in the coordinates of one plane into the same in those of another: that of an
-/// attribute into that of its insert. In planes across it lies as flat as it can.
+/// Transforms a text from the coordinates of one plane to those of another, such as from an
+/// attribute's plane to that of its insert. If the planes are inclined, it is laid as flat as
+/// possible.
 void changePlane(TEXT_3D& text, const PlaneAxes& from, const PlaneAxes& to);
 
 }  // namespace vek0::detail

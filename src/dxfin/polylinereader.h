@@ -10,9 +10,9 @@ namespace vek0::detail {
 
 /// Reads POLYLINE, with the records that follow it up to SEQEND, and LWPOLYLINE.
 ///
-/// A POLYLINE record means one of four things: a plain chain of vertices, a curve
-/// with its frame, a polygon mesh or a polyface. The last two become 3D faces: as a
-/// chain they would be a tangle. Its buffers serve polyline after polyline.
+/// A POLYLINE record means one of four things: a plain chain of vertices, a curve with its frame, a
+/// polygon mesh or a polyface. The last two become 3D faces: as a chain they would be a tangle.
+/// Buffers are reused from polyline to polyline.
 class PolylineReader {
  public:
   explicit PolylineReader(RecordReader& in) : m_in(in) {}
@@ -21,7 +21,7 @@ class PolylineReader {
   EntPtr readLwPolyline();
 
  private:
-  /// What the POLYLINE record says for all of its vertices.
+  /// The part of the POLYLINE record common to all vertices.
   struct Head {
     CLayer* layer;
     CLtype* ltype;
@@ -33,8 +33,8 @@ class PolylineReader {
     long m, n;        // codes 71 and 72: size of a mesh
     long fitM, fitN;  // codes 73 and 74: size of the mesh smoothed from it
   };
-  /// A record of a polyface that names corners of a face: 1 to n, negative where the
-  /// edge that begins there is invisible, 0 where there is none.
+  /// A face record of a polyface with its corner indexes: 1 to n, negative if the edge that begins
+  /// there is invisible, 0 for none.
   struct Face {
     long corner[4];
     CLayer* layer;
@@ -74,8 +74,8 @@ class PolylineReader {
   std::vector<long> m_flags;  // code 70 of each
   std::vector<Face> m_faces;
   std::vector<EntPtr> m_built;  // faces made from this record
-  // Vertices that arcs of fitted curves may still become: each is an object, and a few
-  // bytes of a file can ask for 223 of them.
+  // Remaining number of vertices for arcs of fitted curves: each is an object, and a few bytes in a
+  // file can request 223 of them.
   std::size_t m_fittedLeft = 2'000'000;
 };
 

@@ -13,7 +13,7 @@ class CStyle;
 
 namespace vek0::detail {
 
-/// A set of group codes from 0 to 127; others are never in it.
+/// A set of group codes from 0 to 127; it never contains others.
 class CodeSet {
  public:
   static constexpr long kEnd = 128;
@@ -31,7 +31,7 @@ class CodeSet {
   constexpr bool covers(const CodeSet& other) const {
     return (other.m_words[0] & ~m_words[0]) == 0 && (other.m_words[1] & ~m_words[1]) == 0;
   }
-  /// One bit for each code of `required`, in ascending order: set when it is here.
+  /// One bit for each code of `required`, in ascending order, set if this set contains it.
   constexpr long bitsOf(const CodeSet& required) const {
     long bits = 0, next = 1;
     for (long code = 0; code < 128; ++code) {
@@ -52,8 +52,8 @@ class CodeSet {
   std::uint64_t m_words[2] = {0, 0};
 };
 
-/// The pairs of one entity record, reused from record to record: a value is there
-/// when its code was seen, and what an earlier record left is never asked for.
+/// The pairs of one entity record, reused from record to record: a value is valid only if its code
+/// was seen, so values of earlier records are never used.
 class Record {
  public:
   /// Texts are the codes up to 3, reals those of 10 to 59, integers 60 to 99.
@@ -66,10 +66,11 @@ class Record {
   CStyle* style = nullptr;
   vek0::Handle handle = 0;
   short color = 256;
-  long trueColor = kNoTrueColor;       ///< red, green and blue, a byte each; goes before `color`
-  PNT_3D extrusion = PNT_3D(0, 0, 1);  ///< normal of the plane that the record is drawn in
+  long trueColor = kNoTrueColor;       ///< red, green and blue, one byte each; takes precedence
+                                       ///< over `color`
+  PNT_3D extrusion = PNT_3D(0, 0, 1);  ///< normal of the record's plane
 
-  /// Starts a record with the linetype that an entity has when it names none.
+  /// Starts a record with the default linetype of entities.
   void start(CLtype* byLayer) {
     seen = {};
     layer = nullptr;

@@ -22,7 +22,7 @@ namespace vek0::detail {
 
 class DimStyles;
 
-/// What the parser lends to everything that reads records.
+/// Context that the parser lends to all record readers.
 struct ReadContext {
   CFileDXFILexer& lexer;
   IFileDXFISemantor& semantor;
@@ -31,18 +31,17 @@ struct ReadContext {
   const CFileDXFIOptions& options;
   const DimStyles& dimStyles;
 
-  /// Adds to the report, if anyone wants one, at the line where the lexer stands.
+  /// Adds an entry to the report, if there is one, with the lexer's current line.
   void note(const char* code, const zim::WString& sample) const;
-  /// Turns the error of the current value, which is no number, into a note that says what it
-  /// costs: the pair alone, unless `code` tells. False when the reading is strict or the error
-  /// another one.
+  /// Downgrades an error in the current value, which is not a number, to a report entry: `code`
+  /// states what is lost, by default only the pair. False if reading is strict or the error is a
+  /// different one.
   bool spareNumber(const char* code = "number dropped") const;
 };
 
-/// Which codes a kind of record reads and which it cannot be built without. The
-/// properties that every entity has (5, 6, 8, 62) are always read. Of the real numbers, which
-/// are where and how large the entity is, tolerant reading does without those that are
-/// `optional` when they are no numbers; without whole numbers it does anyway.
+/// The codes that a kind of record reads, and those it requires. The common properties (5, 6, 8,
+/// 62) are always read. Real numbers define position and size; tolerant reading can do without
+/// invalid ones only if they are `optional`, but always without integers.
 struct RecordKind {
   constexpr RecordKind(const CodeSet& wantedCodes, const CodeSet& requiredCodes,
                        const CodeSet& optionalCodes = {})
@@ -58,15 +57,15 @@ class RecordReader {
  public:
   explicit RecordReader(const ReadContext& context) : m_context(context) {}
 
-  /// Reads the pairs up to the next group 0, on which it leaves the lexer. False
-  /// when an error is recorded: of a value, 16 when a required code is missing
-  /// (`missingParam` is its first parameter), 13 when there is no layer.
+  /// Reads the pairs up to the next group 0 and leaves the lexer there. False if an error is
+  /// recorded: of a value, 16 if a required code is missing (`missingParam` is its first
+  /// parameter), 13 if there is no layer.
   bool read(const RecordKind& kind, long missingParam = 2) {
     return read(kind, CodeSet(), missingParam, [](long) {});
   }
-  /// The same; pairs whose code is in `own` (a `CodeSet` or what answers `has` like one)
-  /// go to `takeOwn` instead, which reads the lexer's value, and further pairs if they
-  /// belong to it.
+  /// The same; pairs whose code is in `own` (a `CodeSet` or any type with the same `has`) are
+  /// passed to `takeOwn` instead, which reads the lexer's value, and further pairs if they belong
+  /// to it.
   template <class Own = CodeSet, class TakeOwn>
   bool read(const RecordKind& kind, const Own& own, long missingParam, const TakeOwn& takeOwn) {
     m_record.start(m_byLayer ? m_byLayer : findByLayer());
@@ -86,43 +85,43 @@ class RecordReader {
       if (failed() && !(isSpare(code, wanted, kind.optional) && spareNumber())) return false;
     }
   }
-  /// The code of the next pair, or once more that of the current one after `putBack`.
+  /// The code of the next pair, or again that of the current one after `putBack`.
   long next() {
     if (!m_putBack) return m_context.lexer.read();
     m_putBack = false;
     return m_context.lexer.getGroupValue();
   }
   void putBack() { m_putBack = true; }
-  /// What holds for an entity as a whole: its first record tells.
+  /// Data that applies to an entity as a whole, from its first record.
   struct Frame {
-    PNT_3D normal = PNT_3D(0, 0, 1);  ///< of the plane that it is drawn in
+    PNT_3D normal = PNT_3D(0, 0, 1);  ///< of its plane
     bool onPaper = false, isInvisible = false;
   };
-  /// Begins an entity; tolerant reading asks for its frame afterwards.
+  /// Begins an entity; tolerant reading uses its frame afterwards.
   void begin() {
     m_putBack = false;
     m_frameTaken = false;
     m_frame = {};
   }
   const Frame& frame() const { return m_frame; }
-  /// Says that the entities of the current record stand in the world already.
+  /// Declares that the entities of the current record are already in world coordinates.
   void setPlaced() { m_frame.normal = PNT_3D(0, 0, 1); }
 
   /// Skips the current record.
   void skip();
-  /// Turns the error of a record that its entity can do without, a `kind`, into a note and
-  /// goes on to the next record. False when the reading is strict or the error ends it.
+  /// Downgrades an error in a dispensable record of that `kind` to a report entry and continues
+  /// with the next record. False if reading is strict or the error is fatal.
   bool recover(const zim::WString& kind);
-  /// For a pair that means nothing: what is no number costs the pair.
+  /// For an ignored pair: an invalid number only drops the pair.
   void passOver() {
     lexer().checkNumber();
     spareNumber();
   }
-  /// As the context's, and forgets that the pair was there.
+  /// As that of the context; also clears the pair's code.
   bool spareNumber(const char* cost = "number dropped");
 
   const Record& record() const { return m_record; }
-  /// Changes the color of what is built from now on.
+  /// Changes the color of entities built from now on.
   void setColor(short color) { m_record.color = color; }
   bool isTolerant() const { return m_context.options.policy.tolerant; }
   const ReadContext& context() const { return m_context; }
@@ -135,57 +134,57 @@ class RecordReader {
     m_context.note(code, sample);
   }
 
-  /// The same about a record that has been left behind.
+  /// The same for an earlier record.
   void noteAt(long line, const char* code, const zim::WString& sample) const;
 
-  /// The current value as a width; error 15 when it is negative.
+  /// The current value as a width; error 15 if it is negative.
   double width();
   void takeWidth(long code) { m_record.setReal(code, width()); }
-  /// Takes the current value as a count of at least one.
+  /// Stores the current value as a count of at least one.
   void takeCount(long code);
-  /// A radius of the current record: below 0 as its amount where reading is tolerant, which
-  /// fails on 0, an entity that nobody sees.
+  /// A radius of the current record. Tolerant reading takes the magnitude of a negative one, and
+  /// rejects 0, an invisible entity.
   double radius(double value);
 
-  /// What a block name shows; null when nothing bears the name yet.
+  /// The block or reference of that name; null if there is none yet.
   CBlock* findBlock(std::string_view bytes);
 
-  /// Takes what the factory gave; null is error 1, out of memory.
+  /// Wraps an object from the factory; null is error 1, out of memory.
   template <class Ent>
   std::unique_ptr<Ent> built(Ent* ent) const {
     if (!ent) fail(CFileDXFIError::GeneralError);
     return std::unique_ptr<Ent>(ent);
   }
 
-  /// Entities beyond the first that the current record gave.
+  /// Entities of the current record beyond the first.
   std::vector<std::unique_ptr<CEnt>> further;
-  /// How many points the curves of a file become at most that a drawing has no class for: a
-  /// few lines of it can ask for a thousand. Those beyond have few chords.
+  /// Maximum number of points per file for curves of unsupported kinds: a few lines can request a
+  /// thousand. Curves beyond that get few chords.
   static constexpr std::size_t kCurvePoints = 10'000'000;
   std::size_t curveRoom = kCurvePoints;
-  /// Takes room for the points of a curve; false, and noted, when there is not enough.
+  /// Reserves points for a curve; returns false, and reports it, if not enough remain.
   bool takeCurveRoom(std::size_t points);
   /// Whether any insert was read.
   bool insertRead = false;
-  /// Whether the definition of a block is being read, and the block, if anything bears its
-  /// name yet.
+  /// Whether a block definition is being read, and the block, if one of that name exists yet.
   bool inBlock = false;
   const CBlock* owner = nullptr;
-  /// Name of the block when it holds a sheet, which is not read.
+  /// Name of the block if it holds a sheet, which is not read.
   zim::WString sheet;
-  /// Whether anything stands on the sheet whose entities are none of a block's; and on the
-  /// one of the present block.
+  /// Whether the sheet whose entities are not in a block has content, and whether that of the
+  /// current block has.
   bool sheetUsed[2] = {false, false};
-  /// Whether the blocks of the file have been read: what is not defined by now hardly will be.
+  /// Whether the blocks of the file have been read: definitions still missing are unlikely to
+  /// follow.
   bool blocksRead = false;
-  /// The clips of the inserts read, by the dictionary that each names; empty up to the end of the
-  /// file. The line is that of an insert.
+  /// The clips of the inserts read, by the dictionary that each refers to; empty until the end of
+  /// the file. The line is that of an insert.
   struct PromisedClip {
     std::shared_ptr<INSERT_CLIP> clip;
     long line = 0;
   };
   std::unordered_map<std::uint64_t, PromisedClip> clips;
-  /// The blocks that hatches stored as inserts have claimed.
+  /// The blocks claimed by hatches stored as inserts.
   std::unordered_set<const CBlock*> hatchBlocks;
 
  private:
@@ -212,7 +211,7 @@ class RecordReader {
   bool m_putBack = false;
   bool m_frameTaken = false;
   Frame m_frame;
-  long m_lastTrueColor = Record::kNoTrueColor;  // most entities are of the color before
+  long m_lastTrueColor = Record::kNoTrueColor;  // most entities have the previous color
   short m_lastNearest = 0;
   CLtype* m_byLayer = nullptr;
   NameCache<CLayer> m_layers;

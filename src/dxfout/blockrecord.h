@@ -14,7 +14,7 @@ inline constexpr long kExternal = 4;
 void beginBlock(CFileDXFOWriter& writer, const zim::WString& name, long flags, const PNT_3D& base,
                 const zim::WString& path);
 
-/// Its end, with a layer when other programs are to be pleased.
+/// Its end, with a layer in the exchange form.
 void endBlock(CFileDXFOWriter& writer, bool withLayer);
 
 }  // namespace vek0::detail

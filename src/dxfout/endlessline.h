@@ -5,8 +5,9 @@
 
 namespace vek0::detail {
 
-/// What stands for an endless line or a ray where only segments are known: the part within the
-/// extents, grown a little, of what surrounds it; its two points at least. A segment is itself.
+/// The segment that replaces an infinite line or ray where only segments are supported: its part
+/// inside the slightly enlarged extents of its container, including at least its two points. A
+/// segment is returned unchanged.
 LINE_3D segmentOf(const CEntLine& ent, const RECT_3D& around);
 
 }  // namespace vek0::detail

@@ -2,26 +2,26 @@
 
 namespace vek0::detail {
 
-/// The degrees of the classic form: what anyone would make of the angle. From a million on it
-/// is what readers make the same angle of, since there their factor shows within six decimals.
+/// The degrees in the classic form: the plain conversion of the angle. From a million on, the value
+/// that readers convert back to the same angle, since there the error of their factor shows within
+/// six decimals.
 double classicDegrees(double angleRad);
 
-/// What a reader gets of a number that is written with six decimals; 0 if it is not finite.
+/// The value that a reader gets for a number written with six decimals; 0 if it is not finite.
 double sixDecimals(double value);
 
-/// The degrees that a reader turns into exactly `angleRad`, a number of at most ten
-/// decimals if there is one. Readers multiply by a factor that is off by
-/// 2e-13, so dividing by the true one would move every angle each time a drawing is
-/// saved and read. Some angles come out of no number of degrees; the result is
-/// nearest then, and stays what it is from the next reading on.
+/// The degrees that a reader converts to exactly `angleRad`, with at most ten decimals if possible.
+/// Readers multiply by a factor that is off by 2e-13, so dividing by the true one would shift every
+/// angle each time a drawing is saved and read. Some angles cannot be reached from any number of
+/// degrees; the result is then the nearest, and is stable from the next reading on.
 double exactDegrees(double angleRad);
 
-/// What readers make of this many degrees.
+/// The angle that readers compute from this many degrees.
 double readRadians(double degrees);
 
-/// `value` rounded to 14 significant digits of `magnitude` (> 0; `value` itself if
-/// not). What went through a placement and back differs in the last bits; this is
-/// how such a number comes out the same each time it is saved.
+/// `value` rounded to 14 significant digits of `magnitude` (> 0; `value` itself if not). Numbers
+/// that went through a placement and back differ in the last bits; this makes them identical each
+/// time they are saved.
 double steady(double value, double magnitude);
 inline double steady(double value) { return steady(value, value < 0 ? -value : value); }
 

@@ -10,14 +10,14 @@ namespace vek0::detail {
 
 /// A set of names, ignoring case. It borrows their text.
 ///
-/// Open addressing: a table of 80,000 names is converted in half the time that a set of nodes
-/// takes, and the time grows as their number does.
+/// Open addressing: converting a table of 80,000 names takes half the time of a node-based set, and
+/// the time is linear in their number.
 class FoldedNames {
  public:
   bool has(std::u16string_view name) const {
     return m_used != 0 && m_slots[locate(zim::hashIgnoreCase(name), name)].name.data() != nullptr;
   }
-  /// Whether the name is new here. It must not be null.
+  /// Inserts the name, which must not be null; returns whether it is new.
   bool insert(std::u16string_view name) {
     if ((m_used + 1) * 8 > m_slots.size() * 5) grow();
     const std::size_t hash = zim::hashIgnoreCase(name);
@@ -31,7 +31,7 @@ class FoldedNames {
  private:
   struct Slot {
     std::size_t hash = 0;
-    std::u16string_view name;  // without data: the slot is free
+    std::u16string_view name;  // null data: the slot is free
   };
 
   std::size_t next(std::size_t slot) const { return (slot + 1) & (m_slots.size() - 1); }

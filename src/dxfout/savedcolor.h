@@ -4,12 +4,12 @@
 
 namespace vek0::detail {
 
-/// What stands in for a layer's color that is none: the color of layer "0".
+/// Replaces an invalid layer color: the color of layer "0".
 inline constexpr short kColorDefault = 7;
 
-/// Whether readers take it as the color of an entity: BYBLOCK, an index, BYLAYER.
+/// Whether readers accept it as the color of an entity: BYBLOCK, an index, BYLAYER.
 constexpr bool isEntityColor(short color) { return color >= 0 && color <= kColorByLayer; }
-/// Whether readers take it as the color of a layer.
+/// Whether readers accept it as the color of a layer.
 constexpr bool isLayerColor(short color) { return color > 0 && color < kColorByLayer; }
 
 }  // namespace vek0::detail

@@ -10,9 +10,9 @@
 
 namespace vek0::detail {
 
-/// The converted names of one kind of item in the encoding of the file. Drawings name a
-/// few layers a million times: the names last written are remembered. A view is valid
-/// until the next is asked for.
+/// The converted names of one kind of item in the encoding of the file. Drawings refer to a few
+/// layers a million times: recently written names are cached. A view is valid until the next
+/// request.
 template <class Item>
 class EncodedNames {
  public:
@@ -31,8 +31,8 @@ class EncodedNames {
   }
 
  private:
-  // Prime, since items stand at regular distances. A table that grew with the drawing
-  // would leave the cache.
+  // Prime, because item addresses are regularly spaced. A table that grew with the drawing would
+  // not fit the processor cache.
   static constexpr std::size_t kSlots = 509;
 
   struct Slot {

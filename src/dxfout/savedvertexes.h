@@ -16,14 +16,14 @@ struct SavedVertex {
   long flags;  // code 70 of VERTEX
 };
 
-/// How a polyline is written, found in one pass over its vertices.
+/// How a polyline is written, determined in one pass over its vertices.
 struct PolylineForm {
   bool exact = true;     // numbers are written exactly
   bool finite = true;    // every coordinate and width is a number
-  bool solid = false;    // has an extent in z that other programs must know of
+  bool solid = false;    // has an extent in z that must be written
   bool bulges = false;   // arcs are written as one vertex with a bulge
-  bool framed = false;   // control points stand before the visible vertices
-  bool inChain = false;  // control points are visible vertices themselves
+  bool framed = false;   // control points are written before the visible vertices
+  bool inChain = false;  // control points are also visible vertices
   bool empty = true;     // no vertex is written
   double elevation = 0;  // z of the first visible vertex
   bool widthConstant = true;
@@ -31,11 +31,11 @@ struct PolylineForm {
   short curve = 0;   // 0, `kFit` or `kSpline`; other curves are written as plain chains
 };
 
-/// Finds how `ent` is written. `flatten`: points lose their z. `exchange`: numbers are exact,
-/// and arcs written as such, but for those of 3D polylines, which cannot have them.
+/// Determines how `ent` is written. `flatten`: points lose their z. `exchange`: numbers are exact,
+/// and arcs are written as such, except in 3D polylines, which cannot have them.
 PolylineForm polylineForm(const CEntPolyline& ent, bool flatten, bool exchange);
 
-/// Hands every vertex that is written to `sink`, in order. Does not unpack.
+/// Passes every vertex to be written to `sink`, in order. Does not unpack.
 void forEachSaved(const CEntPolyline& ent, const PolylineForm& form,
                   const std::function<void(const SavedVertex&)>& sink);
 

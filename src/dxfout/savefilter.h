@@ -15,30 +15,30 @@ class CEntText;
 
 namespace vek0::detail {
 
-/// Whether both are numbers. Multiplying by 0 tells them apart without a branch:
-/// what is not finite becomes NaN.
+/// Whether both are finite. Multiplying by 0 tests this without a branch: non-finite values become
+/// NaN.
 inline bool isFinite(double a, double b) { return a * 0 + b * 0 == 0; }
 inline bool isFinite(const PNT_3D& p) { return p.x * 0 + p.y * 0 + p.z * 0 == 0; }
 
-/// Which entities a file can hold.
+/// Determines which entities can be written.
 class SaveFilter {
  public:
-  /// Looks at the blocks of the drawing once.
+  /// Examines the blocks of the drawing once.
   explicit SaveFilter(const CData& data);
 
-  /// Null when the entity can be written; otherwise why not, as reports put it.
+  /// Null if the entity can be written; otherwise the report code of the reason.
   const char* objection(const CEntPnt& ent) const;
   const char* objection(const CEntLine& ent) const;
   const char* objection(const CEntCircle& ent) const;
   const char* objection(const CEntArc& ent) const;
   const char* objection(const CEnt3DFace& ent) const;
-  /// For attribute definitions and attributes as well.
+  /// Also for attribute definitions and attributes.
   const char* objection(const CEntText& ent) const;
-  /// Looks at the insert alone, not at its attributes.
+  /// Checks only the insert, not its attributes.
   const char* objection(const CEntInsertBase& ent) const;
 
  private:
-  // By address alone: an insert may name a block that is gone.
+  // Only addresses are compared: an insert may refer to a deleted block.
   PointerSet m_blocks;
 };
 

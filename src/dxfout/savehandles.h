@@ -12,56 +12,57 @@ namespace vek0::detail {
 
 class SaveFilter;
 
-/// Handles of one file: what has a handle keeps it, unless an earlier thing of the
-/// file has the same; everything else gets a free number.
+/// Assigns the handles of one file: an object keeps its handle unless an earlier one in the file
+/// has the same; all others get free numbers.
 ///
-/// Works in two passes over what is written: `note` and `noteEnd` for everything,
-/// then `settle`, then `take` and `takeEnd` in the order of writing. Numbers are
-/// given so that saving what was read back gives the same handles again: those for
-/// things that are kept in a drawing come first, those for sequence ends, which a
-/// reader forgets, follow behind them.
+/// Works in two passes over the output: `note` and `noteEnd` for everything, then `settle`, then
+/// `take` and `takeEnd` in the order of writing. Numbers are assigned so that saving after reading
+/// back yields the same handles: those for objects stored in a drawing come first, followed by
+/// those for sequence ends, which a reader discards.
 ///
-/// Handles that are written with the same digits are the same.
+/// Handles written with the same digits count as equal.
 class SaveHandles {
  public:
   void note(Handle handle);
   void noteEnd() { ++m_ends; }
   void settle();
 
-  /// The handle to write for a thing that carries `handle`.
+  /// The handle to write for an object with `handle`.
   Handle take(Handle handle);
   /// The handle to write for the end of a sequence.
   Handle takeEnd() { return fresh(m_nextEnd); }
 
-  /// A number above every handle of the file, or a free one if there is none above; valid from
-  /// `settle` on.
+  /// A number above every handle of the file, or any free one if there is none above; valid after
+  /// `settle`.
   Handle seed() const { return static_cast<Handle>(m_seed); }
 
  private:
   using Key = std::uint64_t;
 
-  // Walks upwards over the numbers that nothing has.
+  // Iterates upward over unused numbers.
   struct Free {
     Key next = 1;
-    std::size_t taken = 0;  // index of the first number taken that is not below `next`
+    std::size_t taken = 0;  // index of the first used number not below `next`
   };
 
   void findRepeated();
   Handle fresh(Free& place);
 
-  std::vector<Key> m_taken;                  // all noted but 0; sorted, each once, from `settle` on
-  std::unordered_map<Key, bool> m_repeated;  // noted more than once: whether one was written
-  std::size_t m_without = 0;                 // things that need a number
+  std::vector<Key> m_taken;                  // all noted handles except 0; sorted and unique after
+                                             // `settle`
+  std::unordered_map<Key, bool> m_repeated;  // handles noted more than once, and whether one was
+                                             // written
+  std::size_t m_without = 0;                 // number of objects that need a handle
   std::size_t m_ends = 0;
   Free m_nextThing, m_nextEnd;
   Key m_seed = 1;
 };
 
-/// Notes the handles of the entities that it visits, those of vertices and
-/// attributes included, as `CFileDXFOVisitor` will ask for them.
+/// Notes the handles of the entities that it visits, those of vertices and attributes included, in
+/// the way `CFileDXFOVisitor` requests them.
 class HandleCollector final : public IEntFooVisitor {
  public:
-  /// All but the flags, those of `polylineForm`, are borrowed.
+  /// All arguments except the flags (those of `polylineForm`) are borrowed.
   HandleCollector(SaveHandles& handles, const SaveFilter& filter, bool flatten, bool exchange)
       : m_handles(handles), m_filter(filter), m_flatten(flatten), m_exchange(exchange) {}
 

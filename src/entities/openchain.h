@@ -16,8 +16,9 @@ namespace vek0::detail {
 /// The vertices of an open chain, to which others can be appended.
 class OpenChain {
  public:
-  /// Reads a line, an arc, or an open polyline (its visible vertices, if there are at least two);
-  /// false for everything else, and if both ends coincide within the tolerance.
+  /// Takes over the vertices of a line segment, an arc, or an open polyline (its visible vertices,
+  /// if there are at least two); false for everything else, and if both ends coincide within the
+  /// tolerance.
   bool take(const CEnt& ent, double tolerance);
 
   const BULGED_VERTEX& front() const { return m_vertexes.front(); }
