@@ -13,7 +13,7 @@ namespace {
 
 constexpr double kHalfWidth = 1.0 / 6;  // of a head, in its length
 
-// The block that the style names for an end: by handle, or else by name.
+// The block that the style assigns to an end: by handle, otherwise by name.
 zim::WString blockName(const DimStyle& style, const DimStyles& styles, int end) {
   long handle = DimStyle::kBlockHandle, name = DimStyle::kBlock;
   if (end == ArrowHeads::kLeader) {
@@ -36,7 +36,7 @@ ArrowHeads::ArrowHeads(RecordReader& in, const DimStyle& style, const PlaneAxes&
     m_kind[end] = tick > 0 ? Stroke : kindOf(blockName(style, in.context().dimStyles, end), end);
 }
 
-// A block that the file has shows best what it means, whatever its name.
+// A block in the file takes precedence over the predefined form of its name.
 ArrowHeads::Kind ArrowHeads::kindOf(const zim::WString& name, int end) {
   struct Known {
     std::u16string_view name;
@@ -110,7 +110,7 @@ EntPtr ArrowHeads::buildDot(const PNT_3D& at) const {
                                                    CIRCLE_3D(at.x, at.y, at.z, m_size / 2), 0));
 }
 
-// Seen from below as from above: heads are the same on either side of their line.
+// Valid from below as well: heads are symmetric about their line.
 EntPtr ArrowHeads::insertBlock(int end, const PNT_3D& at, double angleRad) const {
   const Record& r = m_in.record();
   const PNT_3D way = m_axes.toWorld(PNT_3D(std::cos(angleRad), std::sin(angleRad), 0));

@@ -10,9 +10,9 @@ namespace vek0::detail {
 namespace {
 
 constexpr std::size_t kMostPoints = 10'000'000;  // of all boundaries: inserts may share one
-constexpr double kUpright = 1e-6;  // how far the sides of a boundary may lean, per unit of height
+constexpr double kUpright = 1e-6;  // maximum slant of the sides of a boundary, per unit of height
 
-// From one space to another: three rows of what x, y, z and 1 are multiplied by.
+// Affine transformation: three rows of factors for x, y, z and 1.
 struct Matrix {
   double m[3][4];
 
@@ -26,7 +26,7 @@ PNT_3D cross(const PNT_3D& a, const PNT_3D& b) {
   return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
-// By the rule of Cramer; numbers that are not finite when there is none.
+// By Cramer's rule; non-finite numbers if the matrix is singular.
 Matrix inverse(const Matrix& of) {
   const PNT_3D x(of.m[0][0], of.m[1][0], of.m[2][0]), y(of.m[0][1], of.m[1][1], of.m[2][1]),
       z(of.m[0][2], of.m[1][2], of.m[2][2]), at(of.m[0][3], of.m[1][3], of.m[2][3]);
@@ -79,8 +79,8 @@ void ClipReader::Filter::take(long code, std::string_view bytes) {
   isSound = isSound && number.finite && number.whole;
 }
 
-// From the plane of the boundary to the world, as it was when the insert was clipped, and from
-// there to the block.
+// Maps the boundary from its plane to world coordinates at the time of clipping, and from there to
+// the block.
 bool ClipReader::Filter::place(std::vector<PNT_2D>& boundary) const {
   constexpr std::size_t numbersOfMatrix = 12;
   constexpr std::size_t wanted = 2 * numbersOfMatrix;
@@ -169,7 +169,7 @@ bool ClipReader::isInverted(const Filter& filter) const {
   return extension != m_entries.end() && m_inversions.count(extension->second) != 0;
 }
 
-// Null when there is none; `isLost` tells whether there should be one.
+// Null if there is none; `isLost` returns whether there should be one.
 const ClipReader::Filter* ClipReader::filterOf(std::uint64_t dictionary, bool& isLost) const {
   isLost = false;
   const auto filters = m_entries.find(dictionary);

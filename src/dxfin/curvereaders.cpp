@@ -13,7 +13,7 @@
 namespace vek0::detail {
 namespace {
 
-constexpr double kFlattest = 1e-6;  // smallest ratio of axes that the format knows
+constexpr double kFlattest = 1e-6;  // smallest axis ratio that the format supports
 // Code 70 of SPLINE.
 constexpr long kSplineClosed = 1, kPeriodic = 2;
 constexpr long kSubclass = 100;
@@ -24,7 +24,7 @@ struct LeaderCodes {
   static bool has(long code) { return isPoint(code) || DimStyleReader::has(code); }
 };
 
-// The ends of closed curves agree as far as they were computed and written.
+// Tolerance for the coinciding ends of closed curves, as computed and written by programs.
 constexpr double kMeet = 1e-9;
 
 double halfExtent(const std::vector<PNT_3D>& points) {
@@ -53,7 +53,7 @@ EntPtr CurveReader::readEllipse() {
   static constexpr RecordKind kind({10, 20, 30, 11, 21, 31, 40, 41, 42}, {8, 10, 20, 11, 21, 40});
   if (!m_in.read(kind)) return nullptr;
   const Record& r = m_in.record();
-  // A negative ratio turns the minor axis round, and so does the opposite normal.
+  // A negative ratio reverses the minor axis, like the opposite normal.
   const PNT_3D up = PlaneAxes(r.extrusion).z;
   const double ratio = std::max(std::fabs(r.real(40)), kFlattest);
   ELLIPSE_3D ellipse;
@@ -97,7 +97,7 @@ void CurveReader::takeSplinePair(long code) {
   }
 }
 
-// Controls are the curve; the points that it was fitted to matter without them only.
+// The controls define the curve; fit points matter only without them.
 EntPtr CurveReader::buildSpline(const zim::WString& kind) {
   const Record& r = m_in.record();
   const bool closed = (r.integer(70) & (kSplineClosed | kPeriodic)) != 0;
@@ -107,8 +107,8 @@ EntPtr CurveReader::buildSpline(const zim::WString& kind) {
   return finish(closed, kind);
 }
 
-// False when the points that the curve passes through define none. A closed curve has the
-// same tangent at both ends; files that leave it out mean that of the points around.
+// False if the fit points define no curve. A closed curve has the same tangent at both ends; if a
+// file omits it, it follows from the adjacent points.
 bool CurveReader::fit(bool closed) {
   const Record& r = m_in.record();
   PNT_3D start = r.point(2), end = r.point(3);
@@ -181,7 +181,7 @@ EntPtr CurveReader::readLeader() {
   return handOver(m_in, std::move(built), u"LEADER");
 }
 
-// Where the first stretch is shorter than two heads there is none, as the format has it.
+// As the format specifies, there is no head if the first segment is shorter than two heads.
 void CurveReader::addHead(const DimStyle& style, std::vector<EntPtr>& built) {
   const PlaneAxes axes(m_in.record().extrusion);
   const ArrowHeads heads(m_in, style, axes);

@@ -14,13 +14,13 @@ namespace {
 
 constexpr long kAlongX = 64;  // bit of code 70: an ordinate measures x
 constexpr double kRoomForHeads = 2.5,
-                 kTail = 2;  // lengths of heads: within a line, behind one outside
+                 kTail = 2;  // in head lengths: inside a line, beyond an outside head
 
 double distance(const PNT_3D& a, const PNT_3D& b) {
   return std::hypot(b.x - a.x, b.y - a.y, b.z - a.z);
 }
 
-// How far one has to turn counterclockwise.
+// Counterclockwise angle between the directions.
 double turnBetween(double from, double to) {
   const double turn = std::fmod(to - from, kTwoPi);
   return turn < 0 ? turn + kTwoPi : turn;
@@ -43,7 +43,7 @@ DimensionDrawing::DimensionDrawing(RecordReader& in, DimensionType type, const D
 
 PNT_3D DimensionDrawing::worldPoint(long i) const { return m_in.record().point(i); }
 
-// Those that measure stand in the world, all in the plane of the line here.
+// Measured points are in world coordinates; here they are converted to the plane of the line.
 PNT_3D DimensionDrawing::planePoint(long i) const {
   const double height = m_axes.fromWorld(worldPoint(0)).z;
   const PNT_3D p = m_axes.fromWorld(worldPoint(i));
@@ -99,7 +99,7 @@ void DimensionDrawing::drawLine(const PNT_3D& from, const PNT_3D& to) {
     built.push_back(std::move(line));
 }
 
-// From a little beside what is measured to a little beyond the line.
+// From the offset beside the measured point to just beyond the line.
 void DimensionDrawing::drawExtension(const PNT_3D& from, const PNT_3D& to,
                                      DimStyle::Code suppression) {
   const double start = m_style.length(DimStyle::kExtensionStart);
@@ -129,7 +129,7 @@ void DimensionDrawing::drawLinear() {
   drawBetween(first, second);
 }
 
-// Heads that find no room stand outside and point to each other.
+// Heads without enough room are placed outside and point toward each other.
 void DimensionDrawing::drawBetween(const PNT_3D& from, const PNT_3D& to) {
   setColor(DimStyle::kLineColor);
   const double angle = angleOf(from, to), length = distance(from, to), size = m_heads.size();
@@ -158,13 +158,13 @@ void DimensionDrawing::drawOutside(int end, const PNT_3D& tip, double angle) {
   m_heads.add(end, tip, angle, built);
 }
 
-// Half of what the text's box covers of a direction.
+// Half the extent of the text's box in a direction.
 double DimensionDrawing::textReach(double angle) const {
   const double turn = textAngle() - angle;
   return (m_textWidth * std::fabs(std::cos(turn)) + m_textHeight * std::fabs(std::sin(turn))) / 2;
 }
 
-// Leaves room for a text that stands on the line.
+// Leaves a gap for a text on the line.
 void DimensionDrawing::drawBroken(const PNT_3D& from, const PNT_3D& to) {
   const double angle = angleOf(from, to), x = std::cos(angle), y = std::sin(angle);
   const PNT_3D text = textPoint();
@@ -187,8 +187,8 @@ void DimensionDrawing::drawOrdinate() {
 
 // -- circles ---------------------------------------------------------------------
 
-// Inside the circle a line up to it, from the center or right across; a text outside draws the
-// line to itself.
+// A line inside up to the circle, from the center or across the diameter; a text outside extends
+// the line to itself.
 void DimensionDrawing::drawRadius() {
   setColor(DimStyle::kLineColor);
   const PNT_3D first = planePoint(0), tip = planePoint(5);
@@ -223,7 +223,7 @@ void DimensionDrawing::drawLeader(const PNT_3D& tip) {
 
 PNT_3D DimensionDrawing::Sweep::at(double angle) const { return along(center, angle, radius); }
 
-// Where the two lines meet, points 13 and 14 on one and 15 and 10 on the other.
+// The intersection of the two lines, one through points 13 and 14, the other through 15 and 10.
 bool DimensionDrawing::findCenter(PNT_3D& center) const {
   if (m_type != DimensionType::Angular) {
     center = planePoint(5);
@@ -236,7 +236,7 @@ bool DimensionDrawing::findCenter(PNT_3D& center) const {
   return std::isfinite(center.x) && std::isfinite(center.y);
 }
 
-// The sector that holds the point on the arc; nothing when there is no center.
+// The sector that contains the point on the arc; empty if there is no center.
 DimensionDrawing::Sweep DimensionDrawing::sweep() const {
   Sweep arc;
   if (!findCenter(arc.center)) return arc;
@@ -248,7 +248,7 @@ DimensionDrawing::Sweep DimensionDrawing::sweep() const {
   if (isByLines) {
     first = angleOf(planePoint(3), planePoint(4));
     second = angleOf(planePoint(5), planePoint(0));
-    // Either line goes both ways: the next ones on each side of the point.
+    // Each line has two directions: use the nearest ones on either side of the point.
     double before = kTwoPi, behind = kTwoPi, start = first, end = second;
     for (const double way : {first, first + kPi, second, second + kPi}) {
       if (turnBetween(way, toArc) < before) before = turnBetween(start = way, toArc);
@@ -272,7 +272,7 @@ void DimensionDrawing::drawAngle() {
   const double end = arc.start + arc.sweep;
   m_middle = arc.at(arc.start + arc.sweep / 2);
   const bool isByLines = m_type == DimensionType::Angular;
-  // The point of each leg next to the arc; beyond the arc there is no extension.
+  // The point of each leg nearest to the arc; there is no extension line beyond the arc.
   for (const auto& [angle, code] :
        {std::pair(arc.start, DimStyle::kNoFirst), std::pair(end, DimStyle::kNoSecond)}) {
     double reach = 0;
@@ -294,7 +294,7 @@ void DimensionDrawing::drawArc(const Sweep& arc) {
   const double size = m_heads.size(), end = arc.start + arc.sweep;
   const double turn = std::min(size / arc.radius, kPi);
   const bool isOutside = arc.sweep < kRoomForHeads * turn && !m_heads.isStroke(0);
-  // Heads are chords of the arc: they turn by half of what they cover.
+  // Heads are chords of the arc: they are rotated by half the angle they span.
   const double lean = (isOutside ? -1 : 1) * turn / 2;
   const double away = isOutside ? kPi : 0;
   Sweep line = arc;
@@ -337,7 +337,8 @@ void DimensionDrawing::drawChords(const Sweep& arc) {
 
 // -- text ------------------------------------------------------------------------
 
-// What the record says it measures, or else what its points do: some programs leave 0 or -1.
+// The measurement stated in the record, or else computed from its points: some programs write 0 or
+// -1.
 double DimensionDrawing::measurement() const {
   const double told = m_in.record().real(42);
   if (told > 0) return told;
@@ -375,7 +376,7 @@ std::u16string DimensionDrawing::measured() const {
   }
 }
 
-// The record's own point stands in the coordinates of the plane.
+// The record's text point is in plane coordinates.
 PNT_3D DimensionDrawing::textPoint() const {
   return m_in.record().seen.has(11) ? m_in.record().point(1) : m_middle;
 }

@@ -11,7 +11,7 @@
 namespace vek0::detail {
 namespace {
 
-/// The block that shows what a record means.
+/// The block that displays a record.
 struct Picture {
   CBlock* block = nullptr;
   zim::WString name;
@@ -20,8 +20,8 @@ struct Picture {
     block = in.findBlock(in.lexer().getBytes());
     name = in.lexer().getText();
   }
-  /// Whether it can be inserted; if not, an error is recorded. A block that is not defined
-  /// yet is made.
+  /// Whether it can be inserted; if not, records an error. A block that is not defined yet is
+  /// created.
   bool ready(RecordReader& in) {
     if (!block) block = in.context().semantor.createBlockHurried(name, 0);
     if (block && !block->isXRef()) return true;
@@ -50,7 +50,7 @@ DimensionType typeOf(const RecordReader& in, bool isArc, bool isLargeRadius) {
   return static_cast<DimensionType>(std::min(in.record().integer(70) & mask, last));
 }
 
-// The text, the name of the block, and what tells the style.
+// The codes of the text, the block name and the style.
 struct DimensionCodes {
   static bool has(long code) { return code == 1 || code == 2 || DimStyleReader::has(code); }
 };
@@ -92,7 +92,7 @@ EntPtr readTable(RecordReader& in) {
   Picture picture;
   double numbers[2][3] = {};  // insertion point and direction
   CodeSet taken;
-  // What follows repeats the codes for the cells.
+  // The rest repeats the codes for the cells.
   const auto take = [&](long code) {
     if (taken.has(code)) return in.passOver();
     taken.add(code);

@@ -17,7 +17,7 @@ constexpr long kMostDecimals = 8;
 
 struct Form {
   long decimals = 4;
-  bool leading = true, trailing = true;  // zeroes that are written
+  bool leading = true, trailing = true;  // whether zeros are written
   char16_t separator = u'.';
 };
 
@@ -28,8 +28,8 @@ std::u16string integer(std::int64_t value) {
   return {digits.begin(), digits.end()};
 }
 
-// How many parts of a whole a value is, half of one upwards, as whoever reads the number would; a
-// value that is computed may lack the last bits of a tie. -1 where that cannot be told.
+// The value in parts, with halves rounded up, as a reader of the number would; the last bits of a
+// computed tie may be missing. -1 if out of range.
 std::int64_t partsOf(double value, double partsOfOne) {
   constexpr double most = 9e15, noise = 1e-9;
   const double parts = std::fabs(value) * partsOfOne;
@@ -81,8 +81,8 @@ std::u16string fraction(std::int64_t parts, std::int64_t partsOfOne) {
          integer(partsOfOne / common);
 }
 
-// In feet and inches of `partsOfInch` parts each; `zeroes` says which zeroes are written: 0 none,
-// 1 both, 2 feet, 3 inches.
+// In feet and inches of `partsOfInch` parts each; `zeroes` selects the zeros to write: 0 none, 1
+// both, 2 feet, 3 inches.
 template <class Inches>
 std::u16string feetAndInches(std::int64_t parts, std::int64_t partsOfInch, long zeroes,
                              Inches inchesText) {
@@ -113,7 +113,8 @@ std::u16string lengthNumber(double value, long unit, long zeroes, const Form& fo
          });
 }
 
-// The decimals tell the finest part that is written: degrees, minutes, seconds or parts of those.
+// The decimals determine the smallest unit written: degrees, minutes, seconds or fractions of
+// seconds.
 std::u16string degreesAndMinutes(double degrees, const Form& form) {
   const long decimals = std::max(form.decimals - 4, 0L);
   const double partsOfSecond = powerOf(10, decimals);

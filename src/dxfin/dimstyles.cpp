@@ -18,7 +18,7 @@ struct Default {
   double value;
 };
 
-// Those that are not 0.
+// Defaults other than 0.
 constexpr Default kDefaults[] = {
     {DimStyle::kScale,          1     },
     {DimStyle::kArrow,          0.18  },
@@ -26,7 +26,7 @@ constexpr Default kDefaults[] = {
     {43,                        0.38  }, // steps of baselines
     {DimStyle::kExtensionEnd,   0.18  },
     {DimStyle::kTextLevel,      1     },
-    {74,                        1     }, // texts outside are level
+    {74,                        1     }, // texts outside are horizontal
     {DimStyle::kTextHeight,     0.18  },
     {141,                       0.09  }, // center marks
     {143,                       25.4  }, // factor of alternate units
@@ -42,9 +42,9 @@ constexpr Default kDefaults[] = {
     {DimStyle::kUnit,           2     },
     {DimStyle::kSeparator,      u'.'  },
     {283,                       1     }, // place of tolerances
-    {287,                       3     }, // what moves when there is no room
+    {287,                       3     }, // what moves if there is no room
     {289,                       3     }, // likewise
-    {371,                       -2    }, // weights of lines: those of the block
+    {371,                       -2    }, // line weights: those of the block
     {372,                       -2    },
 };
 
@@ -175,7 +175,7 @@ double DimStyle::textHeight() const {
   return height > 0 && std::isfinite(height) ? height : defaultOf(kTextHeight);
 }
 
-// Handles name what is there under other codes too, or a text style.
+// Handles refer to items that also have other codes, or to a text style.
 bool DimStyle::isDefault() const {
   return std::all_of(m_numbers.begin(), m_numbers.end(),
                      [](const auto& entry) {

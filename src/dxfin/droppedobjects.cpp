@@ -9,7 +9,7 @@
 namespace vek0::detail {
 namespace {
 
-// "Model", or "Layout1" and so on, which every file has.
+// Whether it is "Model", or "Layout1" and so on, which every file has.
 bool isUsualName(const zim::WString& name) {
   constexpr std::u16string_view model = u"MODEL", sheet = u"LAYOUT";
   const std::u16string_view text = name.view();
@@ -28,7 +28,7 @@ void DroppedObjects::readRecord() {
   }
 }
 
-// The settings of the printer come first and use the same codes.
+// The plot settings come first and use the same codes.
 void DroppedObjects::readLayout() {
   Layout layout{{}, 0, m_lexer.getLine()};
   bool isLayout = true;

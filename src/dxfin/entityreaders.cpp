@@ -81,7 +81,7 @@ EntPtr curve(EntityReader& reader) {
   return (reader.curves.*readRecord)();
 }
 
-// The commonest first.
+// The most frequent first.
 constexpr Reader kReaders[] = {
     {"LINE",                   EntityKinds::R12,    one<readLine>                   },
     {"POLYLINE",               EntityKinds::R12,    readPolyline                    },
@@ -115,8 +115,8 @@ constexpr Reader kReaders[] = {
     {"LARGE_RADIAL_DIMENSION", EntityKinds::All,    one<readDimension>              },
 };
 
-// What a record that is not read is in the report; null when nothing is lost with it. Parts
-// follow an entity that was dropped.
+// The report code for a record that is not read; null if nothing is lost. Parts follow an entity
+// that was dropped.
 const char* lossOf(const CFileDXFILexer& lexer, EntityKinds kinds) {
   if (kinds != EntityKinds::All) return "kind skipped";
   if (lexer.isKeyword("SEQEND")) return nullptr;
@@ -137,7 +137,7 @@ EntPtr EntityReader::read(EntityKinds kinds) {
     records.begin();
     EntPtr ent = reader->read(*this);
     if (kinds != EntityKinds::All || records.failed()) return ent;
-    // The readers of kinds that become others have placed them already.
+    // Readers of approximated kinds have already placed their results.
     const bool inPlane = reader->since != EntityKinds::All;
     return isLeftOut() ? nullptr : inPlane ? placed(std::move(ent)) : std::move(ent);
   }
@@ -151,7 +151,7 @@ EntPtr EntityReader::read(EntityKinds kinds) {
   return nullptr;
 }
 
-// A viewport of the number 1 is the sheet itself.
+// Viewport number 1 is the sheet itself.
 void EntityReader::skipKind(const char* loss) {
   constexpr long space = 67, number = 69;
   const zim::WString kind = records.lexer().getText();
@@ -168,9 +168,9 @@ void EntityReader::skipKind(const char* loss) {
   records.noteAt(line, isElsewhere ? "on paper" : loss, isElsewhere ? records.sheet : kind);
 }
 
-// What stands on a layout's sheet is not in model space, and the other way round; blocks
-// belong to both, whatever their entities say. Nothing here can be invisible: what its program
-// hides, the states of a block that is not in, say, would show.
+// Entities on a layout's sheet are not in model space and vice versa; blocks belong to both,
+// whatever their entities state. We have no invisible entities: those hidden by their program, such
+// as the inactive states of a block, would become visible.
 bool EntityReader::isLeftOut() {
   const RecordReader::Frame& frame = records.frame();
   const bool isElsewhere = isOtherSpace(frame.onPaper);

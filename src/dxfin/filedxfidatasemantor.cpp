@@ -30,7 +30,7 @@ namespace {
 
 constexpr short kUndeclaredColor = 7;
 
-// Lowers the drawing's limit for a while.
+// Temporarily lowers the drawing's limit.
 class HatchLimit {
  public:
   HatchLimit(CData& data, double limit) : m_data(data), m_before(data.getHatchLimit()) {
@@ -54,7 +54,7 @@ IFileDXFIDataSemantor::IFileDXFIDataSemantor(CData& data, CFileDXFIError* err,
       m_options(options),
       m_hatchRoom(vek0::detail::kHatchesShare * data.getHatchLimit()) {}
 
-// The report's line: the semantor knows none.
+// The semantor has no line number for the report.
 void IFileDXFIDataSemantor::note(const char* code, const zim::WString& sample) const {
   if (m_options.report) m_options.report->add(code, 0, sample);
 }
@@ -186,7 +186,7 @@ CBlockXRef* IFileDXFIDataSemantor::addXRef(const zim::WString& name, const zim::
                     m_data.getLayer0(), name, path, base, flags));
 }
 
-// Tables come before the blocks that declare what their items depend on.
+// Tables precede the blocks that declare the references of dependent items.
 CBlockXRef* IFileDXFIDataSemantor::needXRef(const zim::WString& name) {
   constexpr long xrefBlock = 4;
   if (CBlockXRef* xref = findXRef(name)) return xref;
@@ -234,7 +234,7 @@ void IFileDXFIDataSemantor::freeHatchName(const zim::WString& name) {
     block->setName(getHatchName(m_data.getBlockTable()));
 }
 
-// What cannot be generated now keeps what the file says about it.
+// A hatch that cannot be generated keeps its data from the file.
 CEntHatch* IFileDXFIDataSemantor::createHatch(CLayer* layer, CLtype* ltype, short colour,
                                               const HATCH_TYPE& type, double scale, double rotate,
                                               const std::vector<PNT_3D>& boundary,
@@ -258,7 +258,7 @@ CEntHatch* IFileDXFIDataSemantor::createHatch(CLayer* layer, CLtype* ltype, shor
   return hatch.release();
 }
 
-// A few lines of a file can ask for millions, and there can be many such hatches.
+// A few lines in a file can request millions of pieces, and there can be many such hatches.
 std::unique_ptr<CBlock> IFileDXFIDataSemantor::generate(const HATCH_TYPE& type, double scale,
                                                         double rotate,
                                                         const std::vector<PNT_3D>& boundary) {
@@ -309,8 +309,8 @@ void IFileDXFIDataSemantor::createFreshBlock(const zim::WString& name, const PNT
   addNew(m_data.getBlockTable(), block.release());
 }
 
-// Inserts that would make the block a part of itself. Each block is asked about once, and
-// none when all of them together do no harm.
+// Drops inserts that would make the block contain itself. Each block is checked once, and none if
+// all of them together are harmless.
 void IFileDXFIDataSemantor::dropCircles(CBlock& block, std::list<CEnt*>& entities) const {
   const CBlockTable& blocks = m_data.getBlockTable();
   if (blocks.canRedefine(&block, entities)) return;
@@ -371,8 +371,8 @@ void IFileDXFIDataSemantor::settle() {
   m_data.getEntTable().invalidateBdry();
 }
 
-// Items are read before the blocks that tell whether "X|L" is a layer of the reference X or
-// just has that name, as where a reference was bound by hand.
+// Items are read before the blocks that determine whether "X|L" is a layer of the reference X or
+// just has that name, as after binding a reference manually.
 void IFileDXFIDataSemantor::dropFalseXRefs() {
   std::vector<CBlockXRef*> wrong;
   const CBlockXRefTable& xrefs = m_data.getBlockXRefTable();
@@ -383,7 +383,8 @@ void IFileDXFIDataSemantor::dropFalseXRefs() {
   m_announcedXRefs.clear();
 }
 
-// Of hatches that did not get into the drawing: on paper, or in a block that was refused.
+// Deletes blocks of hatches that were not added to the drawing: in paper space, or in a rejected
+// block.
 void IFileDXFIDataSemantor::dropUnusedHatchBlocks() {
   for (CBlock* block : m_hatchBlocks)
     if (block->getEntities() == 0) dropBlock(*block);
@@ -406,8 +407,7 @@ void IFileDXFIDataSemantor::refillSolids() {
   for (CEnt* ent : m_data.getEntTable().getEntityTbl()) look(ent->getEntInsert());
 }
 
-// Strict reading passes over the records of filled faces, and the classic form has outlines in
-// their place.
+// Strict reading skips the records of filled faces, and the classic form has outlines instead.
 void IFileDXFIDataSemantor::refill(const CEntHatch& hatch) {
   CBlock& block = *hatch.getBlock();
   if (block.size() == 0) {
@@ -439,7 +439,7 @@ bool IFileDXFIDataSemantor::repoint(CEntInsertBase& insert) {
   return true;
 }
 
-// An insert may come before the entry that makes its block an external reference.
+// An insert may precede the entry that declares its block as an external reference.
 void IFileDXFIDataSemantor::repointInserts() {
   const auto isXRef = [](const Placeholder& placeholder) { return placeholder.xref != nullptr; };
   if (std::none_of(m_placeholders.begin(), m_placeholders.end(), isXRef)) return;

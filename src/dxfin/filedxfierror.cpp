@@ -31,7 +31,7 @@ constexpr KindMessage kMessages[] = {
     {CFileDXFIError::NewerVersion,     10034},
 };
 
-// What the string library has no text for.
+// Texts that the string library lacks.
 const zim::Char* ownText(CFileDXFIError::TDXFErrors kind) {
   switch (kind) {
     case CFileDXFIError::EmptyGroupCode:

@@ -20,7 +20,7 @@ zim::WString prefixOf(const zim::WString& name) {
   return zim::WString(prefix);
 }
 
-// Counted anew: the blocks' own counts are only good guesses.
+// Recounted, because the blocks' own counts are only hints.
 std::unordered_set<const CBlock*> insertedBlocks(const CData& data) {
   std::unordered_set<const CBlock*> inserted;
   const CBlockTable& blocks = data.getBlockTable();
@@ -34,8 +34,7 @@ std::unordered_set<const CBlock*> insertedBlocks(const CData& data) {
 
 }  // namespace
 
-// Definitions that the drawing's own won over may have been the only ones to insert
-// a block that nothing defined.
+// An undefined block may have been inserted only by definitions that the drawing's own replaced.
 void CFileDXFIImportDataSemantor::transition() {
   const std::vector<CBlock*> undefined = undefinedBlocks();
   if (!undefined.empty()) {

@@ -40,7 +40,7 @@ LineReader::Source bytesOf(IFile& file) {
   };
 }
 
-// Bytes of UTF-8 that make up the first `units` units; of other bytes as many.
+// Number of UTF-8 bytes of the first `units` units; malformed bytes count as one unit each.
 std::size_t bytesOfUnits(std::string_view bytes, std::size_t units) {
   if (bytes.size() <= units) return bytes.size();
   if (!zim::isValidUtf8(bytes)) return units;
@@ -57,8 +57,8 @@ std::size_t bytesOfUnits(std::string_view bytes, std::size_t units) {
 }
 
 constexpr std::size_t kSampleBytes = 40;
-// In the first line of files of the binary form, and at the front of DWG files, before the two
-// digits of a version.
+// In the first line of binary DXF files, and at the start of DWG files, before the two digits of a
+// version.
 constexpr std::string_view kBinaryMark = " Binary DXF", kDwgMark = "AC10";
 
 std::string_view trimmed(std::string_view line) {
@@ -78,8 +78,8 @@ bool isReal(long code) {
          (code >= 210 && code <= 239) || (code >= 1010 && code <= 1059);
 }
 
-// Whether they are numbers of any kind. Codes above belong to extended data, which is its
-// program's matter.
+// Whether they are numbers of any kind. Codes above belong to extended data, which only its program
+// interprets.
 bool isNumeric(long code) {
   struct Range {
     long first, last;
@@ -97,7 +97,7 @@ bool isNumeric(long code) {
          });
 }
 
-// Of a line without an end: the end mark may do without.
+// Whether a line without a line end is cut off: the end mark may omit it.
 bool isCutOff(std::string_view line) {
   constexpr std::size_t longest = kBlock / 2;  // a longer one may be the first piece of its line
   return line.size() < longest && trimmed(line) != "EOF";
@@ -116,8 +116,8 @@ CFileDXFILexer::CFileDXFILexer(IFile& file, CFileDXFIError* err)
       m_lines(std::make_shared<LineReader>(bytesOf(file), kBlock)),
       m_string(u"") {}
 
-// Both end up with a value of their own: the block that it stood in goes with the
-// next pair that either of them reads.
+// Both get their own copy of the value, because its buffer is overwritten when either of them reads
+// the next pair.
 CFileDXFILexer::CFileDXFILexer(const CFileDXFILexer& other)
     : m_file(other.m_file),
       m_error(other.m_error),
@@ -212,14 +212,14 @@ long CFileDXFILexer::endFile() {
   return m_group = 0;
 }
 
-// The last value went with the block that was left behind.
+// The last value was in the buffer that has been discarded.
 long CFileDXFILexer::fail() {
   m_value = {};
   m_widened = false;
   return -1;
 }
 
-// The next line, or its front when it is not `whole`; false when there is none.
+// The next line, or its front if it is not `whole`; false if there is none.
 bool CFileDXFILexer::readLine(std::string_view& line, bool& whole) {
   if (!m_byBytes) return readLineOfFile(line, whole);
   if (!m_lines->next(line)) return false;
@@ -227,8 +227,8 @@ bool CFileDXFILexer::readLine(std::string_view& line, bool& whole) {
   return true;
 }
 
-// A file may keep a unit back rather than cut a surrogate pair, so a line that
-// lacks its end goes on when it fills the buffer but for one unit.
+// A file may hold back a unit rather than cut a surrogate pair, so a line without its end continues
+// if it fills all but one unit of the buffer.
 bool CFileDXFILexer::readLineOfFile(std::string_view& line, bool& whole) {
   if (!m_units) m_units = std::make_unique<zim::Char[]>(kBufferUnits);
   zim::Char* const buffer = m_units.get();
@@ -272,8 +272,7 @@ bool CFileDXFILexer::readCode() {
   return true;
 }
 
-// Takes a line out that cannot be a group code: blank, or the rest of a text that its
-// program broke.
+// Skips a line that cannot be a group code: blank, or the rest of a text that its program broke.
 bool CFileDXFILexer::passStrayLine(std::string_view line) {
   const std::string_view text = trimmed(line);
   if (isNumber(text)) return false;
@@ -318,9 +317,9 @@ bool CFileDXFILexer::readValue() {
   return true;
 }
 
-// What stands behind the code 0 is a keyword: where a number does, a line is missing, the 0
-// was a value, and the number is the next code. Where a number is due behind a blank line, it
-// is the next line, or missing when that is a code.
+// The value of code 0 is a keyword: if it is a number, a line is missing, the 0 was a value, and
+// the number is the next code. If a number is expected but the line is blank, the number is in the
+// next line, or missing if that is a code.
 bool CFileDXFILexer::alignPair() {
   for (;;) {
     if (m_group == 0 && isNumber(trimmed(m_value))) {
@@ -356,7 +355,7 @@ bool CFileDXFILexer::skipRestOfLine() {
   return isLost;
 }
 
-// A value stands at the front of what holds it, so the pointers tell.
+// A value is at the front of its buffer, so comparing pointers suffices.
 void CFileDXFILexer::keepValue() const {
   if (m_value.data() == m_own.data()) return;
   m_own = m_value;
@@ -397,7 +396,7 @@ double CFileDXFILexer::getDouble() const {
   return number.value;
 }
 
-// "1,5" and "1D2" as they are meant; of "12abc" the number.
+// Interprets "1,5" and "1D2" as intended, and returns the number in "12abc".
 double CFileDXFILexer::repairedDouble() const {
   std::string text(m_value);
   const bool isForm = text.find_first_of(",Dd") != std::string::npos;

@@ -20,8 +20,7 @@ namespace {
 
 constexpr long kXRefBlock = 4;  // of a block's flags
 
-// Names of the blocks of the layouts, but for their first letter: what they hold is drawn by
-// nobody.
+// Names of the layout blocks, without their first letter: their content is not drawn.
 constexpr std::u16string_view kModelName = u"model_space", kPaperName = u"paper_space";
 
 bool isLayout(const zim::WString& name, std::u16string_view layout) {
@@ -30,7 +29,7 @@ bool isLayout(const zim::WString& name, std::u16string_view layout) {
 
 }  // namespace
 
-/// Entities on their way from the file to their block: deleted unless taken.
+/// Owns entities between reading and their block: deletes them unless they are taken.
 class CFileDXFIParser::OwnedEntities {
  public:
   OwnedEntities() = default;
@@ -177,13 +176,13 @@ bool CFileDXFIParser::toSection() {
   return !failed();
 }
 
-// The line that begins a section may be broken: its name tells as well.
+// The line that begins a section may be damaged: its name identifies it as well.
 bool CFileDXFIParser::isSectionOrEnd() const {
   if (getGroupValue() == 0) return isPending();
   return isTolerant() && getGroupValue() == 2 && findSection() != nullptr;
 }
 
-// Some programs write records of entities alone, and files lose their front.
+// Some programs write only entity records, and files lose their beginning.
 void CFileDXFIParser::readFragment() {
   while (!failed() && !isSectionOrEnd() && !isKeyword("ENDSEC")) {
     RealizeVersion();
@@ -196,7 +195,7 @@ void CFileDXFIParser::readFragment() {
   }
 }
 
-// A file of something else has no section either.
+// A file of a different format has no section either.
 void CFileDXFIParser::readEnd() {
   const bool isForeign = m_lexer.getForm() != CFileDXFIError::TextForm;
   if (isForeign || (m_lexer.isCut() && !m_isDrawing)) return fail(CFileDXFIError::WrongStructure);
@@ -233,7 +232,7 @@ void CFileDXFIParser::readObjects() {
   }
 }
 
-// What a section of an unknown name holds may be a part of the drawing.
+// A section with an unknown name may contain parts of the drawing.
 void CFileDXFIParser::noteSection() {
   const bool isKnown = isKeyword("OBJECTS") || isKeyword("THUMBNAILIMAGE") || isKeyword("ACDSDATA");
   note(isKnown ? "section skipped" : "section unknown", m_lexer.getText());
@@ -257,7 +256,7 @@ void CFileDXFIParser::readEntityOther() {
   } while (!failed() && getGroupValue() != 0);
 }
 
-// Only at the end of the file do all the tables exist that the names refer to.
+// The tables that the names refer to are complete only at the end of the file.
 void CFileDXFIParser::takeCurrentItems() {
   if (!m_semantor.shouldReadHeaders()) return;
   CDataVariables* vars = m_semantor.getVars();
@@ -282,8 +281,8 @@ void CFileDXFIParser::readBlocks() {
   read();
   while (atRecord() && !atSectionEnd()) readBlock();
   m_pACADVersionLoader->endBlocks();
-  // An insert may have come before its block was filled. Once is enough: what further
-  // sections of blocks bring is measured at the end, and a file may have thousands.
+  // An insert may precede the definition of its block. Once is enough: extents from further BLOCKS
+  // sections are computed at the end, and a file may have thousands of them.
   if (failed() || m_blocksMeasured || !m_pACADVersionLoader->hasReadInsert()) return;
   m_blocksMeasured = true;
   m_semantor.getBlockTable().recalcBdry();
@@ -354,7 +353,7 @@ bool CFileDXFIParser::isBlockCut() {
   return isCut;
 }
 
-// The rules leave the first letter open, and so refuse blocks that are somebody's own.
+// The strict rule ignores the first letter, and so also skips ordinary blocks of such names.
 bool CFileDXFIParser::isLayoutName(const zim::WString& name) const {
   if (!isLayout(name, kModelName) && !isLayout(name, kPaperName)) return false;
   return !isTolerant() || name[0] == u'*' || name[0] == u'$';
@@ -393,10 +392,10 @@ void CFileDXFIParser::add(std::unique_ptr<CEnt> ent) {
   if (!ent) return;
   m_isDrawing = true;
   m_semantor.add(ent.get());
-  static_cast<void>(ent.release());  // not before the drawing has it
+  static_cast<void>(ent.release());  // only now that the drawing owns it
 }
 
-// Whoever watches is asked every thousand entities.
+// Calls the progress callback every thousand entities.
 bool CFileDXFIParser::isTimeToStop() {
   constexpr long between = 1000;
   ++m_entities;
@@ -410,7 +409,7 @@ bool CFileDXFIParser::isTimeToStop() {
   return true;
 }
 
-// Neither section nor file can end inside a block or before its ENDSEC.
+// Neither section nor file may end inside a block or before its ENDSEC.
 CEnt* CFileDXFIParser::readAnEntity() {
   if (isTimeToStop()) return nullptr;
   if (isKeyword("ENDSEC") || isKeyword("EOF")) {

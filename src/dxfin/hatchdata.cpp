@@ -18,7 +18,7 @@ bool equals(const zim::WString& text, std::string_view ascii) {
 
 }  // namespace
 
-// Other programs' data is not looked into: nothing in it can be wrong.
+// Data of other programs is not checked: nothing in it can be wrong.
 bool HatchData::take(const CFileDXFILexer& lexer) {
   const long code = lexer.getGroupValue();
   if (code == kApplication) m_taking = empty() && equals(lexer.getText(), kOwner);
@@ -109,7 +109,7 @@ bool HatchData::parseHead(zim::WString& name, long& noBounds) {
          takePoint(kDirection, normal) && takeConstant(kShort, kEvenOdd);
 }
 
-// The count is that of the points behind the first.
+// The count excludes the first point.
 bool HatchData::parseRing(std::vector<PNT_3D>& ring) {
   double elevation;
   long further;

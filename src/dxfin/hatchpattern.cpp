@@ -9,15 +9,16 @@ namespace vek0::detail {
 namespace {
 
 constexpr int kMaxDashes = 6;
-constexpr double kTolerance = 1e-3;   // files give few digits, and rounded factors
-constexpr double kDegreeSteps = 1e9;  // in a degree
-constexpr double kSizeDigits = 10;    // of a family's size; arithmetic leaves noise at 1e-12
+constexpr double kTolerance = 1e-3;   // files contain few digits and rounded factors
+constexpr double kDegreeSteps = 1e9;  // per degree
+constexpr double kSizeDigits = 10;    // relative to a family's size; arithmetic leaves noise at
+                                      // 1e-12
 
 HATCH_LINE lineOf(double angleRad, double x0, double y0, double dx, double dy) {
   return {angleRad, x0, y0, dx, dy, {}, 0};
 }
 
-// A stretch of the line that is drawn; dots have no length.
+// A drawn part of the line; dots have no length.
 struct Stroke {
   double start, length;
 };
@@ -36,8 +37,8 @@ std::vector<Stroke> strokesOf(const std::vector<double>& dashes, double& period)
   return strokes;
 }
 
-// A family has room for six dashes. More become several families that draw up to three
-// strokes of the period each, every one starting at its first.
+// A family has room for six dashes. Longer sequences become several families that draw up to three
+// strokes of the period each, each starting at its first stroke.
 void addLongFamily(const HATCH_LINE& line, const std::vector<double>& dashes,
                    std::vector<HATCH_LINE>& lines) {
   double period;
@@ -63,8 +64,8 @@ void addFamily(HATCH_LINE line, const std::vector<double>& dashes, std::vector<H
   lines.push_back(line);
 }
 
-// The record's lines without the hatch's scale and angle. The offset is turned into the
-// family's own frame: along the line and across it.
+// The record's lines without the hatch's scale and angle. The offset is converted to the family's
+// frame: along the line and across it.
 std::vector<HATCH_LINE> ownLines(const PatternRecord& record) {
   std::vector<HATCH_LINE> lines;
   const double s = record.scale, back = -record.angleRad;
@@ -95,24 +96,24 @@ double sizeOf(const HATCH_LINE& line) {
   return size;
 }
 
-// Rounds to multiples of 1 / perUnit, also to positive zero. A number that is no finer than
-// that already is kept, and so is one that is none.
+// Rounds to multiples of 1 / perUnit, and to positive zero. Numbers that are not finer than that,
+// and NaN, are kept.
 double rounded(double value, double perUnit) {
-  constexpr double kWholeNumbers = 4503599627370496;  // 2^52, beyond which all are whole
+  constexpr double kWholeNumbers = 4503599627370496;  // 2^52, beyond which all are integers
   const double steps = std::round(value * perUnit);
   return std::fabs(steps) < kWholeNumbers ? steps / perUnit + 0.0 : value;
 }
 
-// Rounds last, for a turn taken off leaves noise as well.
+// Rounds last, because subtracting a turn also leaves noise.
 double roundedAngle(double angleRad) {
   const double turn = 360, degrees = angleRad / kRadiansPerDegree;
   const double within = rounded(degrees - turn * std::floor(degrees / turn), kDegreeSteps);
   return (within < turn ? within : 0) * kRadiansPerDegree;
 }
 
-// Takes off what scaling and turning has left in the last digits: hatches of one pattern,
-// each with a scale and an angle of its own, must find the same one. Steps are powers of ten,
-// which keeps the short decimals of definitions, and change at sizes that are not round.
+// Removes the noise of scaling and rotation from the last digits: hatches of one pattern with
+// different scales and angles must find the same pattern. Steps are powers of ten, which preserves
+// the short decimals of definitions, and change at sizes that are not round.
 HATCH_LINE rounded(HATCH_LINE line) {
   constexpr double kOffRound = 0.37;
   const double perUnit =
@@ -125,7 +126,7 @@ HATCH_LINE rounded(HATCH_LINE line) {
   return line;
 }
 
-// Dots at the end of a sequence fall on what begins it; definitions have them or not.
+// Dots at the end of a sequence coincide with its beginning; definitions may include them or not.
 int noDashes(const HATCH_LINE& line) {
   int count = line.numDash;
   while (count > 0 && line.dash[count - 1] == 0) --count;
@@ -144,7 +145,7 @@ bool isMultiple(const HATCH_LINE& line, const HATCH_LINE& of, double factor) {
   });
 }
 
-// How many times as large as the catalogue's the lines are; 0 when they are others.
+// Scale of the lines relative to the catalogue's; 0 if they differ.
 double factorOf(const std::vector<HATCH_LINE>& lines, const HATCH_TYPE& type) {
   if (lines.size() != static_cast<std::size_t>(type.numLines)) return 0;
   const double factor = lines[0].dy / type.lines[0].dy;

@@ -22,7 +22,7 @@ constexpr long kLine = 1, kArc = 2, kEllipse = 3, kSpline = 4;
 constexpr long kCount = 97, kSource = 330;
 constexpr long kFitX = 11, kFitY = 21;
 
-// What a hatch reads by itself.
+// The codes that a hatch reads itself.
 struct HatchCodes {
   static bool has(long code) {
     return code == kPatternLineCount || code == kLoopCount || code == kSeedCount ||
@@ -30,7 +30,7 @@ struct HatchCodes {
   }
 };
 
-// Whether a pair behind the first of a loop may have the code.
+// Whether the code may occur in a loop after its first pair.
 bool isOfLoop(long code) {
   static constexpr CodeSet codes{10, 20, 11, 21, 12, 22, 13, 23, 40, 42,
                                  50, 51, 72, 73, 74, 93, 94, 95, 96, 97};
@@ -39,7 +39,7 @@ bool isOfLoop(long code) {
 
 bool isFit(long code) { return (code >= kFitX && code <= 13) || (code >= kFitY && code <= 23); }
 
-// The pattern as it is seen from behind.
+// Mirrors the pattern as seen from behind.
 void mirror(PatternRecord& pattern) {
   constexpr double halfTurn = 180;
   pattern.angleRad = -pattern.angleRad;
@@ -125,7 +125,7 @@ bool HatchReader::takePoint(long code, PNT_3D& pnt) {
   return takeReal(code, pnt.x) && takeReal(code + 10, pnt.y);
 }
 
-// The count that the current pair gives, of groups that begin with `code`.
+// The count in the current pair, of groups that begin with `code`.
 HatchReader::Count HatchReader::takeCount(long code) {
   const long count = m_in.lexer().getInt();
   const bool isKnown = !m_in.failed() || !m_in.spareNumber();
@@ -140,7 +140,7 @@ bool HatchReader::goesOn(Count& count) {
   return follows;
 }
 
-// A number that the hatch can do without: it becomes 0.
+// An optional number of the hatch: 0 if invalid.
 bool HatchReader::takeSpare(long code, double& value) {
   if (!expect(code)) return false;
   value = m_in.lexer().getDouble();
@@ -179,7 +179,7 @@ bool HatchReader::readDashes(PatternLine& line) {
 
 // -- boundary ------------------------------------------------------------------
 
-// A loop with a bad number is left out.
+// A loop with an invalid number is dropped.
 void HatchReader::readLoops() {
   for (Count count = takeCount(kLoop); goesOn(count);) {
     m_refused = false;
@@ -247,7 +247,7 @@ bool HatchReader::readEdge() {
   }
 }
 
-// An edge that is none leaves a gap.
+// An invalid edge leaves a gap.
 bool HatchReader::took(bool added) {
   m_refused = m_refused || !added;
   return true;
@@ -300,8 +300,8 @@ bool HatchReader::readSpline() {
   return took(m_loop.addSpline(spline));
 }
 
-// The points that newer versions tell the curve was fitted to, with its tangents at the ends. What
-// follows the last edge is counted by the same code: handles are taken along.
+// The fit points that newer versions store, with the end tangents. The list after the last edge is
+// counted by the same code, so its handles are consumed as well.
 bool HatchReader::readFits(std::vector<PNT_3D>& fits) {
   long code = m_in.next();
   if (code == kCount)
@@ -324,7 +324,7 @@ bool HatchReader::readControls(SPLINE_3D& spline, long noControls, bool rational
   return true;
 }
 
-// The entities that the loop was made of; not every program writes their number.
+// Skips the source entities of the loop; not every program writes their number.
 bool HatchReader::skipSources() {
   const long code = m_in.next();
   if (code == 10 || code == 20) m_in.fail(CFileDXFIError::InconsistentRecord);
@@ -358,7 +358,7 @@ PatternRecord HatchReader::patternRecord() const {
   return pattern;
 }
 
-// Lines are drawn flat: in other planes than the world's, at the height of the first point.
+// Lines are drawn flat: in inclined planes, at the height of the first point.
 void HatchReader::placeInWorld() {
   const PlaneAxes axes(m_in.frame().normal);
   if (axes.isWorld()) return;
@@ -371,7 +371,7 @@ void HatchReader::placeInWorld() {
   if (!axes.isMirrored()) m_in.note("extrusion ignored", u"HATCH");
 }
 
-// What is left of the loops, at the height of the hatch; false when nothing is.
+// The remaining rings, at the height of the hatch; false if there are none.
 bool HatchReader::finishRings() {
   const Record& r = m_in.record();
   const long style = r.integer(75);

@@ -21,7 +21,7 @@ void takeExtended(const RecordReader& in, HatchData& data) {
   if (in.failed()) data.spoil();
 }
 
-// A scale of 0 shows nothing and cannot be undone: no program means it.
+// A scale of 0 shows nothing and cannot be inverted: no program intends it.
 double scale(const RecordReader& in, long code) {
   const double value = in.record().real(code, 1);
   if (value != 0 || !in.isTolerant()) return value;
@@ -45,8 +45,7 @@ CEntInsert* createInsert(RecordReader& in, CBlock& block) {
                                       r.handle);
 }
 
-// The attributes stand in drawing coordinates in the file and in the coordinates
-// of the block in the insert.
+// Attributes are in drawing coordinates in the file and in block coordinates in the insert.
 void readAttribs(RecordReader& in, CEntInsertBase& insert) {
   while (!in.lexer().isKeyword("SEQEND")) {
     if (!in.lexer().isKeyword("ATTRIB")) {
@@ -69,8 +68,8 @@ void readAttribs(RecordReader& in, CEntInsertBase& insert) {
   in.skip();
 }
 
-// The block's name, the counts of an array, which are flags in other kinds, its dictionary, and
-// extended data.
+// The codes of the block's name, the array counts (which are flags in other kinds), the dictionary
+// and extended data.
 struct InsertCodes {
   static bool has(long code) {
     return code == 2 || code == 70 || code == 71 || code == kDictionary || code >= kExtended;
@@ -78,14 +77,14 @@ struct InsertCodes {
   static constexpr long kDictionary = 360, kExtended = 1000;
 };
 
-// What the boundary says is not known before the objects of the file are read.
+// The boundary is not known before the objects of the file are read.
 std::shared_ptr<const INSERT_CLIP> promisedClip(RecordReader& in, std::uint64_t dictionary) {
   auto& promised = in.clips[dictionary];
   if (!promised.clip) promised = {std::make_shared<INSERT_CLIP>(), in.lexer().getLine()};
   return promised.clip;
 }
 
-// Lines are drawn where they belong: the block of a hatch is neither moved nor scaled.
+// The lines are generated in place: the block of a hatch is neither moved nor scaled.
 bool isPlain(const Record& r) {
   return r.point(0) == PNT_3D(0, 0, 0) && r.real(41, 1) == 1 && r.real(42, 1) == 1 &&
          r.real(43, 1) == 1 && r.real(50) == 0 && r.integer(70, 1) <= 1 && r.integer(71, 1) <= 1 &&
@@ -98,15 +97,15 @@ bool holdsHatch(CBlock& block) {
   return false;
 }
 
-// Whether the block can be the private one of a hatch: of a single one, and no hatch within
-// another, since what is done to a hatch is done to all that its block holds.
+// Whether the block can be the private block of a hatch: only of a single one, and not of a hatch
+// within another, since edits of a hatch apply to everything in its block.
 bool isFree(const RecordReader& in, CBlock& block) {
   return !block.isXRef() && block.getName().view().substr(0, 1) == u"*" &&
          in.hatchBlocks.count(&block) == 0 && in.hatchBlocks.count(in.owner) == 0 &&
          !holdsHatch(block);
 }
 
-// The hatch that the insert stands for, or its outline; null when it is no more than an insert.
+// The hatch that the insert represents, or its outline; null if it is an ordinary insert.
 EntPtr readHatch(RecordReader& in, CBlock& block, HatchData& data) {
   if (!isFree(in, block) || !isPlain(in.record()) ||
       !data.parse(in.context().semantor.getHatchTypeTable()))

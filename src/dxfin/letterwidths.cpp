@@ -10,7 +10,7 @@ namespace {
 
 constexpr char16_t kFirst = u' ', kLast = u'~';
 
-// From the blank to the tilde; capitals are 21 high.
+// From space to tilde; capitals are 21 high.
 constexpr double kStrokeCap = 21;
 constexpr unsigned char kStroke[] = {
     16, 10, 16, 21, 20, 24, 26, 10, 14, 14, 16, 26, 10, 26, 10, 22, 20, 20, 20, 20, 20, 20, 20, 20,
@@ -28,7 +28,7 @@ constexpr unsigned short kSans[] = {
 static_assert(std::size(kStroke) == kLast - kFirst + 1 && std::size(kSans) == std::size(kStroke));
 
 constexpr double kLetteringShare = 0.78, kNarrowShare = 0.82, kMonoWidth = 1.05;
-// Means over the letters of a kind; those of ideographs and syllables fill a square.
+// Means over the characters of a class; ideographs and syllables fill a square.
 constexpr double kCapital = 0.95, kSmall = 0.78, kSquare = 1.3, kSign = 0.8;
 
 struct Range {

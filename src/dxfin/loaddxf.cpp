@@ -13,7 +13,7 @@
 
 namespace {
 
-// A drawing as it was before it was read into. Only one without content comes back.
+// The state of a drawing before reading. Only a drawing without content can be restored.
 class DrawingBefore {
  public:
   explicit DrawingBefore(CData& data)
@@ -54,7 +54,7 @@ CFileDXFIResult parse(CData& data, IFile& file, CFileDXFIError& record,
   CFileDXFIResult result;
   Semantor semantor(data, &record, options);
   CFileDXFIParser parser(file, semantor, data.getEntFactory(), &record, options);
-  // The extents of a million entities are looked at once, when somebody asks.
+  // The extents of a million entities are then computed once, on demand.
   data.getEntTable().invalidateBdry();
   const bool done = parser.load();
   result.version = parser.getVersionName();

@@ -10,7 +10,7 @@ namespace vek0::detail {
 namespace {
 
 constexpr long kReferenced = 64, kOfXRef = 16;  // bits of code 70
-constexpr long kAlignment = 65;                 // 'A', the only one there is
+constexpr long kAlignment = 65;                 // 'A', the only one defined
 // Code 74.
 constexpr long kPlainDash = 0, kTextDash = 2, kShapeDash = 4;
 
@@ -19,7 +19,7 @@ constexpr long kPlainDash = 0, kTextDash = 2, kShapeDash = 4;
 struct LtypeReader::Entry {
   zim::WString name, description;
   long flags = 0;
-  long announced = -1;  // code 73; -1 as long as it was not seen
+  long announced = -1;  // code 73; -1 if not seen yet
   long dashes = 0;      // codes 49 seen
   long types = 0;       // codes 74 seen
   CLtypeComplexDashSeq sequence;
@@ -83,7 +83,7 @@ void LtypeReader::takeAlignment() {
   m_context.note("number replaced", u"72");
 }
 
-// Dashes can be counted: nothing need be dropped where no number tells.
+// Dashes can be counted: an invalid count loses nothing.
 long LtypeReader::integer() const {
   const bool isMissing = isTolerant() && m_context.lexer.getBytes().empty();
   return isMissing ? -1 : m_context.lexer.getInt();
@@ -130,8 +130,8 @@ void LtypeReader::takeElementType(Entry& entry) {
   }
 }
 
-// The parts of an element in whatever order, up to the next one; the first bit of its type,
-// an angle that does not turn with the line, has no place here.
+// Reads the parts of an element in any order, up to the next one; the first bit of its type, an
+// absolute angle, cannot be stored.
 void LtypeReader::takeElement(long type, Entry& entry) {
   double height = 1, angleDeg = 0, x = 0, y = 0;
   zim::WString text;
@@ -172,7 +172,7 @@ void LtypeReader::takeElement(long type, Entry& entry) {
     m_context.note("shape dropped", {});
 }
 
-// Without a number the element keeps what it has.
+// If the number is invalid, the element keeps its value.
 void LtypeReader::takeReal(double& value) const {
   const double number = m_context.lexer.getDouble();
   if (!failed())
@@ -185,8 +185,8 @@ long LtypeReader::next() {
   return std::exchange(m_putBack, false) ? m_context.lexer.getGroupValue() : m_context.lexer.read();
 }
 
-// The text's height is the file's scale as it stands; whoever draws it multiplies it
-// by the style's fixed height.
+// The text's height is the file's unmodified scale; renderers multiply it by the style's fixed
+// height.
 void LtypeReader::takeText(Entry& entry) {
   if (!expect(75)) return;
   m_context.lexer.checkNumber();
@@ -201,7 +201,7 @@ void LtypeReader::takeText(Entry& entry) {
   entry.sequence.AddDashText(TEXT_3D(context, m_context.semantor.getStyleStandard(), x, y, 0, 0));
 }
 
-// There are no shapes here: the dash in front keeps the room that one takes.
+// Shapes are not supported: the preceding dash keeps the space of the shape.
 void LtypeReader::skipShape() {
   for (const long code : {75, 340, 46, 50, 44, 45}) {
     if (!expect(code)) return;

@@ -11,15 +11,15 @@
 namespace vek0::detail {
 namespace {
 
-constexpr std::size_t kMostGroups = 256;   // whose looks are remembered
-constexpr std::size_t kRecentFormats = 8;  // that a look is compared with
+constexpr std::size_t kMostGroups = 256;   // maximum nesting for which formats are remembered
+constexpr std::size_t kRecentFormats = 8;  // number of recent formats compared
 constexpr std::size_t kMostTabs = 64;      // of a paragraph
 constexpr std::size_t kMostDropped = 16;   // codes to report
-constexpr double kScaleLimit = 1e6;        // of heights and widths against the first ones
+constexpr double kScaleLimit = 1e6;        // for heights and widths relative to the initial ones
 constexpr double kMaxObliqueDeg = 85;
 constexpr short kMaxColor = 256;
 
-// What the letters of the symbol font for geometric tolerances show.
+// Symbols in the font for geometric tolerances, by letter.
 constexpr char16_t kSymbols[] = {u'\u2220', u'\u27C2', u'\u23E5', u'\u2313', u'\u25CB', u'\u2225',
                                  u'\u232D', u'\u2197', u'\u232F', u'\u2316', u'\u2312', u'\u24C1',
                                  u'\u24C2', u'\u2300', u'\u25A1', u'\u24C5', u'\u2104', u'\u25CE',
@@ -30,14 +30,14 @@ char16_t symbol(char16_t letter) {
   return letter >= u'a' && letter <= u'z' ? kSymbols[letter - u'a'] : letter;
 }
 
-// A line may end before and behind it.
+// Whether a line may break before and after it.
 bool isIdeographic(char16_t c) { return c >= 0x2E80 && (c < 0xD800 || c > 0xDFFF); }
 
 bool isNumberUnit(char16_t c) {
   return (c >= u'0' && c <= u'9') || c == u'.' || c == u'-' || c == u'+';
 }
 
-/// A text that is read from its front.
+/// Reads a text from its front.
 class Cursor {
  public:
   explicit Cursor(std::u16string_view text) : m_rest(text) {}
@@ -66,14 +66,15 @@ class Cursor {
     value = number.value;
     return n > 0 && number.finite;
   }
-  /// What stands before the next semicolon, which goes too; all when there is none.
+  /// Removes and returns the text before the next semicolon, or all of it if there is none; the
+  /// semicolon is removed too.
   std::u16string_view takeArgument() {
     const std::size_t n = std::min(m_rest.find(u';'), m_rest.size());
     const std::u16string_view argument = m_rest.substr(0, n);
     skip(n + 1);
     return argument;
   }
-  /// Appends what an escape of the character set or a caret at the front stands for.
+  /// Appends the text of a character escape or caret escape at the front.
   bool takeEscape(std::u16string& out) {
     const std::size_t length = peek() == u'^' ? 2 : peek(1) == u'U' ? 7 : peek(1) == u'M' ? 8 : 0;
     const std::u16string_view escape = m_rest.substr(0, length);
@@ -109,7 +110,7 @@ class Decoder {
  private:
   struct Look {
     std::size_t format = 0;  // index
-    bool symbols = false;    // letters stand for the symbols of geometric tolerances
+    bool symbols = false;    // letters represent symbols of geometric tolerances
   };
 
   void step();
@@ -141,7 +142,7 @@ class Decoder {
   bool hasArgument() const { return m_in.rest().size() > m_behindArguments; }
 
   Cursor m_in;
-  std::size_t m_behindArguments;  // units behind the last semicolon
+  std::size_t m_behindArguments;  // units after the last semicolon
   MTextFormat m_base;
   MTextContent m_content;
   Look m_look;
@@ -176,7 +177,7 @@ void Decoder::openGroup() {
     ++m_deepGroups;
 }
 
-// A brace that closes nothing shows nothing.
+// An unmatched closing brace is not displayed.
 void Decoder::closeGroup() {
   m_in.skip(1);
   if (m_deepGroups > 0) {
@@ -269,7 +270,7 @@ void Decoder::lineCode(char16_t code) {
 
 void Decoder::height() { factor(&MTextFormat::height, m_base.height); }
 
-// A number, or with an x behind it a multiple of the present value.
+// A number, or, followed by an x, a multiple of the current value.
 void Decoder::factor(double MTextFormat::*member, double base) {
   double value;
   const bool isNumber = m_in.takeNumber(value);
@@ -347,7 +348,7 @@ void Decoder::font() {
   change(f);
 }
 
-// One unit of a stack's text: all but the escapes is plain.
+// One unit of a stack's text: everything except escapes is literal.
 void Decoder::stackUnit(std::u16string& out) {
   if (m_in.peek() == u'\\') {
     if (m_in.takeEscape(out)) return;
@@ -360,7 +361,7 @@ void Decoder::stackUnit(std::u16string& out) {
   if (c == u'^') m_in.skipIf(u' ');  // which is how files write a caret
 }
 
-// "a/b" has a line between, "a^b" has none, "a#b" is written with a slash.
+// "a/b" has a line between the rows, "a^b" has none, "a#b" is written with a slash.
 void Decoder::stack() {
   std::u16string parts[2];
   char16_t divider = 0;
@@ -385,7 +386,7 @@ void Decoder::stack() {
   piece.below = std::move(parts[1]);
 }
 
-// "\pxi1,l2,r0,qc,t4,8;": letters with numbers, '*' instead of a number takes back.
+// "\pxi1,l2,r0,qc,t4,8;": letters with numbers; '*' instead of a number resets the value.
 void Decoder::paragraph() {
   if (!hasArgument()) return;
   Cursor in(m_in.takeArgument());
@@ -422,7 +423,7 @@ void Decoder::setParagraph(Cursor& in, char16_t code, MTextParagraph& paragraph)
       }
       std::sort(paragraph.tabs.begin(), paragraph.tabs.end());
       break;
-    case u's':  // spacing within the paragraph, behind a letter that says how
+    case u's':  // line spacing of the paragraph, after a letter for its mode
       if (in.peek() != u'*') drop(u"ps");
       in.skip(1);
       in.takeNumber(value);
@@ -454,7 +455,7 @@ void Decoder::addLetter(char16_t c) {
   pieces.back().text += m_look.symbols ? symbol(c) : c;
 }
 
-// A look that came before is the same one: its letters can join.
+// An equal earlier format is reused, so that runs can be merged.
 void Decoder::change(const MTextFormat& f) {
   auto& formats = m_content.formats;
   const auto recent =

@@ -20,7 +20,7 @@ struct MTextFormat {
   short color = 256;      ///< number, as in entities
   LetterForm form = LetterForm::Stroke;
   Align align = Bottom;
-  bool under = false, over = false, struck = false;  ///< lines along the letters
+  bool under = false, over = false, struck = false;  ///< underline, overline, strikethrough
 
   bool operator==(const MTextFormat& f) const = default;
 };

@@ -7,13 +7,14 @@ namespace vek0::detail {
 namespace {
 
 constexpr double kLineAdvance = 5.0 / 3;  // from baseline to baseline, in heights
-constexpr double kTabStop = 4;            // distance of the usual tabs, in heights
+constexpr double kTabStop = 4;            // spacing of default tabs, in heights
 constexpr double kStackHeight = 2.4;      // of two rows, in heights of one
 constexpr double kUpperRow = 1.4;         // baseline of the row above, likewise
-constexpr double kFew = 0.05;             // of a box's width, that a line may be too long
-constexpr double kMostStretch = 2;        // of letters, for a line to be as wide as told
+constexpr double kFew = 0.05;             // by which a line may be too long, as a fraction of the
+                                          // box's width
+constexpr double kMostStretch = 2;        // of characters, to match the stated width of a line
 
-/// A piece that stands in a line.
+/// A piece placed in a line.
 struct Item {
   const MTextPiece* piece;
   double x, width;  // from the left edge of its column
@@ -22,7 +23,7 @@ struct Item {
 struct Line {
   std::size_t first = 0, last = 0;  // items
   std::size_t paragraph = 0;
-  double width = 0;   // of all but blanks at the end, from the left edge
+  double width = 0;   // without trailing blanks, from the left edge
   double height = 0;  // of the highest piece
   std::size_t column = 0;
   double y = 0;  // baseline, from the top
@@ -54,7 +55,7 @@ class Layout {
   double width(const MTextPiece& piece) const;
   double height(const MTextPiece& piece) const;
   const MTextFormat& format(const MTextPiece& p) const { return m_content.formats[p.format]; }
-  // Fonts count for widths alone.
+  // Fonts only affect widths.
   bool isSameLook(const MTextPiece& a, const MTextPiece& b) const {
     if (a.format == b.format) return true;
     MTextFormat f = format(a);
@@ -76,12 +77,12 @@ class Layout {
   const MTextBox& m_box;
   std::size_t m_most;
   double m_stretch = 1;      // of all letters
-  bool m_mayBreak = true;    // lines where the text does not
-  bool m_isLenient = true;   // to what may fit a line
-  bool m_isOneLine = false;  // what stands up to the next break of the text
+  bool m_mayBreak = true;    // lines may be wrapped between explicit breaks
+  bool m_isLenient = true;   // lets text that may fit stay in one line
+  bool m_isOneLine = false;  // the text up to the next explicit break
   std::vector<Item> m_items;
   std::vector<Line> m_lines;
-  std::vector<std::size_t> m_columnBreaks;  // lines that a code puts into the next column
+  std::vector<std::size_t> m_columnBreaks;  // lines moved to the next column by a code
   std::vector<MTextRun> m_runs;
   Line m_line;
   bool m_isParagraphStart = true;  // the line begins one
@@ -103,7 +104,7 @@ double Layout::height(const MTextPiece& piece) const {
 
 // -- lines ---------------------------------------------------------------------
 
-// How many lines the record says there are; 0 when it does not, or when they differ in height.
+// Number of lines according to the record; 0 if not stated, or if lines differ in height.
 std::size_t Layout::toldLines() const {
   if (!(m_box.shownHeight > 0) || m_box.columns > 1) return 0;
   double tall = 0;
@@ -118,7 +119,7 @@ std::size_t Layout::toldLines() const {
   return more >= 0 && more < most ? static_cast<std::size_t>(more) + 1 : 0;
 }
 
-// The record measured letters of its own font: lines are to be as many and as wide as it says.
+// The record's extents were measured with its own font: match their number and width of lines.
 void Layout::breakAsTold() {
   breakLines();
   const std::size_t told = toldLines();
@@ -134,7 +135,8 @@ void Layout::breakAsTold() {
   breakLines();
 }
 
-// Without any break but those of the text, or with letters of the width that breaks it so.
+// Uses only the explicit breaks, or scales the characters so that wrapping yields that number of
+// lines.
 void Layout::fitLines(std::size_t told) {
   constexpr int rounds = 12;
   m_isLenient = false;
@@ -183,7 +185,7 @@ void Layout::breakLines() {
   endLine(pieces.empty() ? 0 : format(pieces.back()).height);
 }
 
-// Whether all up to the next break of the text does, should its letters prove narrow.
+// Whether everything up to the next explicit break fits, if the actual characters are narrow.
 bool Layout::fitsOneLine(std::size_t first) const {
   if (!m_isLenient) return false;
   const auto& pieces = m_content.pieces;
@@ -199,7 +201,7 @@ bool Layout::fitsOneLine(std::size_t first) const {
   return end + m_box.height * (p.left + p.indent + p.right) <= (1 + kFew) * m_box.width;
 }
 
-// What no line may part: pieces of a word.
+// End of an unbreakable unit: the pieces of a word.
 std::size_t Layout::unitEnd(std::size_t first) const {
   const auto& pieces = m_content.pieces;
   std::size_t end = first + 1;
@@ -294,7 +296,7 @@ void Layout::stackLines() {
 
 double Layout::totalWidth() const { return m_box.width > 0 ? m_box.width : widestLine(); }
 
-// 0 when the line stands to the left, 1 in the middle, 2 to the right.
+// 0 for a left-aligned line, 1 for centered, 2 for right-aligned.
 long Layout::across(const Line& line) const {
   switch (m_content.paragraphs[line.paragraph].align) {
     case 0:
@@ -313,7 +315,7 @@ double Layout::shift(const Line& line, double columnWidth) const {
   return (columnWidth - right - line.width) * static_cast<double>(across(line)) / 2;
 }
 
-// Of what is lower than its line.
+// Vertical offset of a piece lower than its line.
 double Layout::rise(const Line& line, const MTextFormat& f, double height) const {
   const double room = line.height - height;
   return f.align == MTextFormat::Middle ? room / 2 : f.align == MTextFormat::Top ? room : 0;
@@ -329,7 +331,7 @@ void Layout::add(double x, double y, std::size_t format, const std::u16string& t
   m_runs.push_back({x, y, across, format, codes + text});
 }
 
-// The line between the rows is drawn along the longer of them.
+// The line between the rows has the length of the longer one.
 void Layout::emitStack(const Line& line, const Item& item, double x, double y) {
   const MTextPiece& piece = *item.piece;
   const MTextFormat& f = format(piece);
@@ -347,8 +349,9 @@ void Layout::emitStack(const Line& line, const Item& item, double x, double y) {
     add(x + share * (item.width - below), y, piece.format, over + piece.below);
 }
 
-// Readers strip the blanks behind a text, so a run ends without them unless a line shows them.
-// True when fixed ones went, which count in the width of the line: the run keeps its left end.
+// Readers strip trailing blanks, so a run ends without them unless an underline shows them. Returns
+// true if non-breaking ones were removed, which count in the width of the line: the run then keeps
+// its left end.
 bool cutBlanks(std::u16string& text, const MTextFormat& f) {
   constexpr char16_t fixed = u'\u00A0';
   while (text.back() == u' ') text.pop_back();
@@ -360,8 +363,8 @@ bool cutBlanks(std::u16string& text, const MTextFormat& f) {
   return text.size() < before;
 }
 
-// Words and blanks of one look are one run. One that is all of its line is held where the line is,
-// so that it stands right whatever its letters measure.
+// Words and blanks of one format form one run. A run that is the whole line is anchored by the
+// line's alignment, so that it is placed correctly whatever its actual width.
 void Layout::emit(const Line& line, double left, double top) {
   for (std::size_t i = line.first; i < line.last;) {
     const Item& item = m_items[i++];

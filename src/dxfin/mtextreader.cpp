@@ -20,8 +20,8 @@ constexpr double kMostSpacing = 100;
 
 double length(const PNT_3D& v) { return std::hypot(v.x, v.y, v.z); }
 
-/// The plane of a text in the world, as far as texts can lie in it: seen from above, or
-/// from below, where they are mirrored. In any other plane they are laid flat.
+/// The plane of a text in world coordinates: seen from above, or from below, where texts are
+/// mirrored. In any other plane they are laid flat.
 class TextPlane {
  public:
   TextPlane(const PNT_3D& normal, const PNT_3D& direction) {
@@ -34,7 +34,7 @@ class TextPlane {
     m_y = m_isMirrored ? PNT_2D(m_x.y, -m_x.x) : PNT_2D(-m_x.y, m_x.x);
   }
 
-  /// Whether the text does not lie as the file says.
+  /// Whether the text had to be laid flat.
   bool isFlat() const { return m_isFlat; }
   PNT_3D at(const PNT_3D& origin, double x, double y) const {
     return PNT_3D(origin.x + m_x.x * x + m_y.x * y, origin.y + m_x.y * x + m_y.y * y, origin.z);
@@ -70,13 +70,13 @@ void noteCodes(const RecordReader& in, const MTextRecord& record, const MTextCon
     in.note("text cut");
 }
 
-// The style that the record names, or the drawing's own.
+// The style named by the record, or the drawing's "STANDARD".
 CStyle* styleOf(const RecordReader& in) {
   CStyle* style = in.record().style;
   return style ? style : in.context().semantor.getStyleStandard();
 }
 
-// A height that makes sense.
+// A usable height.
 double heightOf(const RecordReader& in, double height, const CStyle* style) {
   if (height > 0) return height;
   in.note("number replaced", u"height");
@@ -91,7 +91,7 @@ EntPtr handOverTexts(RecordReader& in, std::vector<EntPtr> built, const zim::WSt
 
 // -- MTEXT ---------------------------------------------------------------------
 
-/// Reads what only MTEXT has.
+/// Reads the codes specific to MTEXT.
 class MTextReader {
  public:
   explicit MTextReader(RecordReader& in) : m_in(in) {}
@@ -130,7 +130,7 @@ EntPtr MTextReader::read() {
   return handOverTexts(m_in, std::move(built), u"MTEXT");
 }
 
-// Of direction and angle the later one counts.
+// Of direction and angle, the later one applies.
 void MTextReader::take(long code) {
   switch (code) {
     case 11:
@@ -149,7 +149,7 @@ void MTextReader::take(long code) {
   }
 }
 
-// The columns of newer files; the other codes repeat what the text said.
+// The columns in newer files; the other codes repeat those of the text.
 void MTextReader::takeEmbedded() {
   for (long code = m_in.next(); code != 0 && !m_in.failed(); code = m_in.next()) {
     takeColumns(code);
@@ -221,7 +221,7 @@ PNT_3D MTextReader::direction() const {
   return PlaneAxes(r.extrusion).toWorld(PNT_3D(std::cos(m_angle), std::sin(m_angle), 0));
 }
 
-// The frame of a tolerance is written with bars, which end where it is empty.
+// Writes the frame of a tolerance with bars, without trailing empty cells.
 std::u16string barred(std::u16string_view text) {
   std::u16string out;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -240,7 +240,7 @@ std::u16string barred(std::u16string_view text) {
 
 }  // namespace
 
-// Lines end without their blanks here: a chunk that lacks one unit of its length had one.
+// The lexer strips trailing blanks: a chunk one unit short had one.
 void MTextRecord::take(const CFileDXFILexer& lexer) {
   constexpr std::size_t chunk = 250;
   const std::u16string_view units(lexer.getString().c_str());

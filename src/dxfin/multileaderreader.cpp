@@ -8,8 +8,8 @@
 namespace vek0::detail {
 namespace {
 
-/// A record with records inside: braces part them, and the same codes mean other things in
-/// each.
+/// A record with nested records, separated by braces, in which the same codes have different
+/// meanings.
 class MultileaderReader {
  public:
   explicit MultileaderReader(RecordReader& in) : m_in(in) {}
@@ -18,7 +18,7 @@ class MultileaderReader {
 
  private:
   enum Place { Outside, Content, Leader, Line };
-  /// Lines that run to the same end.
+  /// Leader lines with a common end.
   struct LeaderLines {
     std::vector<std::vector<PNT_3D>> lines;
     PNT_3D end, landing;
@@ -37,14 +37,14 @@ class MultileaderReader {
   Place m_place = Outside;
   MTextRecord m_text;
   std::vector<LeaderLines> m_leaders;
-  bool m_isDrawn = true;  // the leader, by the type of its lines
+  bool m_isDrawn = true;  // whether the leader is visible, by the type of its lines
   bool m_hasBlock = false;
 };
 
 constexpr long kBegin = 300, kEnd = 301, kLeader = 302, kLeaderEnd = 303, kTextOrLine = 304,
                kLineEnd = 305;
 
-/// What a multileader reads by itself.
+/// The codes that a multileader reads itself.
 struct MultileaderCodes {
   static bool has(long code) {
     return (code >= kBegin && code <= kLineEnd) || (code >= 10 && code < 50) || code == 170 ||

@@ -36,8 +36,8 @@ void setAngleUnit(CDataVariables& vars, const long& value) {
   if (fits && value != 1 && value != 4) vars.setAngFormat(static_cast<short>(value));
 }
 
-// Whether files of the version read as their own rules say: those up to R12 by the ones of
-// R12, later ones by those of the newest.
+// Whether the version is supported: those up to R12 by the rules of R12, later ones by those of the
+// newest.
 bool isReadVersion(const zim::WString& name) {
   constexpr const zim::Char* numbers[] = {u"01", u"02", u"03", u"04", u"06", u"10", u"11",
                                           u"13", u"18", u"21", u"24", u"27", u"32"};
@@ -67,10 +67,10 @@ constexpr Variable<long> kIntegerVariables[] = {
     {u"$ANGDIR",    setClockWise},
 };
 
-// What only tolerant reading knows.
+// Variables read only by tolerant reading.
 void setPointSize(CDataVariables& vars, const Reals& v) { vars.setPointSize(v[0]); }
 void setPointMode(CDataVariables& vars, const long& value) {
-  constexpr long most = 127;  // all bits that mean anything
+  constexpr long most = 127;  // all defined bits
   if (value >= 0 && value <= most) vars.setPointMode(static_cast<short>(value));
 }
 constexpr Variable<Reals> kFurtherReals[] = {
@@ -80,8 +80,8 @@ constexpr Variable<long> kFurtherIntegers[] = {
     {u"$PDMODE", setPointMode}
 };
 
-/// Variables that a drawing has no place for and that nothing is lost with at their usual value:
-/// units, and how fills and attributes are shown.
+/// Variables that a drawing cannot store, which lose nothing at their default value: units, and the
+/// display of fills and attributes.
 struct Setting {
   const zim::Char* name;
   long usual;
@@ -105,7 +105,7 @@ void setVariable(const Variable<Value> (&variables)[count], const zim::WString& 
 
 }  // namespace
 
-/// What stands after a variable's name. Its kind is that of its last value.
+/// The value of a variable. Its kind is that of its last pair.
 struct CFileDXFIParser::HeaderValue {
   enum Kind { None, Text, Real, Integer } kind = None;
   zim::WString text;
@@ -212,7 +212,7 @@ void CFileDXFIParser::readHeaderLong(const zim::WString& name, long value) {
   if (isTolerant()) setVariable(kFurtherIntegers, name, *m_semantor.getVars(), value);
 }
 
-// The drawing that is imported into keeps its own.
+// When importing, the drawing keeps its own.
 void CFileDXFIParser::noteSetting(const char* code, const zim::WString& name) {
   if (m_semantor.shouldReadHeaders()) note(code, name);
 }
@@ -239,7 +239,7 @@ void CFileDXFIParser::takeCodePage() {
   m_lexer.setCodePage(codePageOfDrawing(m_versionName.toUtf8(), name), codePageFromName(name));
 }
 
-// The first section that needs the version settles it.
+// Called by the first section that needs the version.
 void CFileDXFIParser::RealizeVersion() {
   if (m_pACADVersionLoader) return;
   m_pACADVersionLoader = vek0::detail::createVersionLoader(

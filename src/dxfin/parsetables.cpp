@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr long kReferenced = 64;  // bit of code 70 in tables: of no use in memory
+constexpr long kReferenced = 64;  // bit of code 70 in tables: not kept in memory
 constexpr long kOfXRef = 16;      // likewise: the item belongs to an external reference
 constexpr long kLayerOff = 128;   // our own bit for a color below 0
 constexpr long kWhite = 7;
@@ -73,9 +73,9 @@ void CFileDXFIParser::readLtypeEntry() { m_pACADVersionLoader->readLtype(); }
 struct CFileDXFIParser::LayerEntry {
   zim::WString name;
   CLtype* ltype = nullptr;
-  zim::WString unknownLtype;  // for which ltype stands in until a table has it
+  zim::WString unknownLtype;  // for which ltype is substituted until a table defines it
   short colour = 7;
-  short trueColour = 0;  // what comes nearest to it, and goes before the other; 0 for none
+  short trueColour = 0;  // the nearest index to the true color, which takes precedence; 0 for none
   bool off = false;
   long flags = 0;
 };
@@ -101,7 +101,7 @@ void CFileDXFIParser::readLayerPair(long code, LayerEntry& layer) {
       if (layer.ltype) break;
       if (!isTolerant()) return fail(CFileDXFIError::LtypeNotFound);
       layer.unknownLtype = m_lexer.getText();
-      layer.ltype = m_semantor.getLtypeByLayer();  // which no layer has
+      layer.ltype = m_semantor.getLtypeByLayer();  // invalid for a layer
       break;
     case 62: {
       long colour = getInt();
@@ -148,7 +148,7 @@ long CFileDXFIParser::readFlags() {
   return 0;
 }
 
-// Whether the layer took what the entry says, or was there before, the stand-in tells.
+// The substitute linetype shows whether the layer was set from the entry or existed before.
 void CFileDXFIParser::createLayer(LayerEntry& layer) {
   if (layer.trueColour != 0) layer.colour = layer.trueColour;
   placeLayer(layer);
@@ -158,7 +158,8 @@ void CFileDXFIParser::createLayer(LayerEntry& layer) {
   m_unsettled.push_back({made, layer.unknownLtype});
 }
 
-// Whether a layer is off and its flags come in either order: they are joined here.
+// The color, whose sign marks a layer as off, and the flags come in any order: they are combined
+// here.
 void CFileDXFIParser::placeLayer(const LayerEntry& layer) {
   const long flags = layer.flags | (layer.off ? kLayerOff : 0);
   if (layer.name.empty()) return fail(CFileDXFIError::WrongStructure);
@@ -173,7 +174,7 @@ void CFileDXFIParser::placeLayer(const LayerEntry& layer) {
   m_semantor.createLayer(layer.name, layer.ltype, layer.colour, flags & ~kOfXRef);
 }
 
-// The linetypes may have come after the layers.
+// The linetypes may follow the layers.
 void CFileDXFIParser::settleLayers() {
   for (const auto& [layer, name] : m_unsettled) {
     if (CLtype* ltype = m_semantor.getLtype(name))
@@ -244,12 +245,12 @@ void CFileDXFIParser::takeStyleNumber(double least, double most, StyleEntry& sty
     return;
   }
   note("number replaced", m_lexer.getText());
-  // A width of 0 is what programs write that have none to tell.
+  // Programs write a width of 0 if they have none.
   target = number == 0 && least > 0 ? 1 : std::clamp(number, least, most);
 }
 
-// Entries of shape files are skipped whatever they hold, and the flag that says so
-// may come last: nothing is judged before.
+// Entries of shape files are skipped whatever they contain, and their flag may come last: nothing
+// is validated before.
 void CFileDXFIParser::createStyle(const StyleEntry& style) {
   if ((style.flags & kShapeFile) != 0) return;
   if (style.rangeLine != 0) {

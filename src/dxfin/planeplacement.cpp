@@ -55,15 +55,15 @@ EntPtr placeArc(RecordReader& in, EntPtr ent, const PlaneAxes& axes) {
   return chordsOf(in, a, start, end - start, false, axes);
 }
 
-// The rotation that comes nearest to one in the plane. What is seen from below is mirrored in
-// its own x besides.
+// The world rotation nearest to one in the plane. Content seen from below is also mirrored in its
+// own x.
 double flatAngle(const PlaneAxes& axes, double angle) {
   if (axes.isMirrored()) return -angle;
   const PNT_3D way = axes.toWorld(PNT_3D(std::cos(angle), std::sin(angle), 0));
   return axes.isFromBelow() ? std::atan2(-way.y, -way.x) : std::atan2(way.y, way.x);
 }
 
-// What is seen from the other side is mirrored in its own x.
+// Content seen from the other side is mirrored in its own x.
 void turnOver(CTextContext& context) {
   context.setWidthScale(-context.getWidthScale());
   context.setOblique(-context.getOblique());

@@ -19,9 +19,9 @@ constexpr long kFromFit = 1, kFromSpline = 8, kControl = 16, kMeshVertex = 64, k
 // Code 75 of POLYLINE.
 constexpr long kNoSurface = 0, kQuadratic = 5, kCubic = 6, kBezier = 8;
 
-constexpr double kUnset = -1;  // a width that the record leaves to the polyline
+constexpr double kUnset = -1;  // a width not stated by the record: that of the polyline
 
-// Where a vertex is that could not be read.
+// Position of an unreadable vertex.
 constexpr double kNowhere = std::numeric_limits<double>::quiet_NaN();
 
 bool isSomewhere(const PNT_3D& p) { return !std::isnan(p.x); }
@@ -44,7 +44,7 @@ EntPtr PolylineReader::readPolyline() {
   return type == 0 ? buildPlain() : buildCurve(type, degree);
 }
 
-// Of a plane polyline alone the vertices are in the coordinates of its plane.
+// Only vertices of planar polylines are in the coordinates of a plane.
 void PolylineReader::placeInWorld() {
   const bool isPlane = (m_head.flags & (k3D | kMesh | kPolyface)) == 0;
   const PlaneAxes axes(m_in.frame().normal);
@@ -52,8 +52,8 @@ void PolylineReader::placeInWorld() {
   const std::size_t count = m_vertexes.size();
   vek0::detail::placeInWorld(m_in, m_vertexes, axes, (m_head.flags & kClosed) != 0);
   if (m_vertexes.size() == count) return;
-  // Only fitted curves have arcs, and flags that matter. Of the arcs chords are left, along
-  // which the pattern runs on.
+  // Only fitted curves have arcs and relevant flags. The arcs become chords, along which the
+  // pattern continues.
   m_flags.assign(m_vertexes.size(), 0);
   m_head.flags |= kLtGen;
 }
@@ -70,8 +70,7 @@ bool PolylineReader::readHead() {
   return true;
 }
 
-// Curve and degree in the drawing's terms; false, with error 15, for a smooth
-// surface that nobody defines.
+// Curve and degree in the drawing's terms; false, with error 15, for an undefined surface type.
 bool PolylineReader::curve(short& type, short& degree) const {
   const long surface = m_head.surface;
   if (surface != kNoSurface && surface != kQuadratic && surface != kCubic && surface != kBezier) {
@@ -109,7 +108,7 @@ bool PolylineReader::readVertexes() {
   return !m_in.failed();
 }
 
-// The faces of surfaces count the vertices: there one that is left out keeps its number.
+// The faces of meshes refer to vertices by number: there, a skipped vertex keeps its number.
 bool PolylineReader::spareVertex() {
   if (!m_in.recover(u"VERTEX")) return false;
   if ((m_head.flags & (kMesh | kPolyface)) == 0) return true;
@@ -157,8 +156,8 @@ EntPtr PolylineReader::buildPlain() {
   return polyline;
 }
 
-// A splined polyline holds its frame beside the curve; a fitted one runs through its
-// controls, and only what was put between them is marked.
+// A splined polyline stores its frame beside the curve; a fitted one passes through its controls,
+// and only the inserted vertices are marked.
 void PolylineReader::splitCurve(short type, std::vector<BULGED_VERTEX>& controls,
                                 std::vector<BULGED_VERTEX>& fitted) const {
   const bool isFit = type == CEntPolyline::kFit;
@@ -190,7 +189,7 @@ EntPtr PolylineReader::buildCurve(short type, short degree) {
                                                          v.widthStart, v.widthEnd, v.handle));
     if (!vertex) return nullptr;
     polyline->addVertex(*vertex);
-    static_cast<void>(vertex.release());  // not before the polyline has it
+    static_cast<void>(vertex.release());  // only now that the polyline owns it
   }
   if (fitted.empty())
     polyline->regen(m_in.gestor(), m_in.factory(), false);
@@ -199,7 +198,7 @@ EntPtr PolylineReader::buildCurve(short type, short degree) {
   return polyline;
 }
 
-// The file's own curve is kept as it is; ours would be another one.
+// The file's curve is kept unchanged, because ours would differ.
 void PolylineReader::addFitted(CEntPolyline& polyline, const std::vector<BULGED_VERTEX>& fitted) {
   BulgedChain chain(polyline.isClosed());
   chain.assign(fitted.data(), fitted.size());
@@ -225,8 +224,8 @@ PNT_3D PolylineReader::at(std::size_t i) const {
   return PNT_3D(v.x, v.y, v.z);
 }
 
-// The vertices stand row by row, n to a row. A smoothed mesh holds its control mesh
-// too, which is only shown when there is nothing else.
+// The vertices are listed row by row, n per row. A smoothed mesh also contains its control mesh,
+// which is shown only if there is nothing else.
 EntPtr PolylineReader::buildMesh() {
   const bool smoothed = std::any_of(m_flags.begin(), m_flags.end(),
                                     [](long flags) { return (flags & kFromSpline) != 0; });
@@ -262,7 +261,7 @@ void PolylineReader::addPolyfaceFace(const Face& face) {
   PNT_3D corners[4];
   for (int i = 0; i < 4; ++i) {
     const auto corner = static_cast<std::size_t>(face.corner[i]);
-    // Negated as a size: the smallest long has no positive counterpart.
+    // Negated as unsigned: the smallest long has no positive counterpart.
     const std::size_t index = face.corner[i] < 0 ? 0 - corner : corner;
     if (index == 0 && i >= 2) {
       corners[i] = corners[i - 1];
@@ -285,8 +284,7 @@ void PolylineReader::addFace(const Face& look, const PNT_3D (&corners)[4], long 
     m_built.push_back(std::move(face));
 }
 
-// Hands the faces over, in order: the first as this record's entity, the rest as
-// its further ones.
+// Returns the first face as this record's entity and makes the rest its further ones, in order.
 EntPtr PolylineReader::firstFace() {
   std::vector<EntPtr> faces = std::move(m_built);
   m_built.clear();
@@ -309,7 +307,7 @@ EntPtr PolylineReader::readLwPolyline() {
   return buildPlain();
 }
 
-// One that is no number is that of all vertices.
+// An invalid width is replaced by that of the polyline.
 void PolylineReader::takeWidth(double& width) const {
   const double value = m_in.width();
   if (!m_in.failed()) width = value;

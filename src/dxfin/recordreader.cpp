@@ -17,19 +17,18 @@ namespace {
 constexpr long kLayer = 8, kEmbeddedObject = 101;
 constexpr long kTrueColor = 420;
 constexpr long kExtrusionX = 210, kExtrusionY = 220;
-constexpr long kExtrusionZ = 230;  // 1 exactly when the other two are 0
+constexpr long kExtrusionZ = 230;  // exactly 1 if the other two are 0
 
-// The value is a byte that says where the transparency comes from, two that are not used and
-// one that is 255 for opaque.
+// The bytes of the value are the source of the transparency, two unused ones, and the opacity, 255
+// for opaque.
 bool isTransparent(long value) {
   constexpr long byValue = 2, opaque = 255;
   return value >> 24 == byValue && (value & opaque) != opaque;
 }
 
-// Whether the current pair changes what an entity is or looks like and has no place in a
-// drawing: thickness, linetype scale, visibility, line weight, true color, its name,
-// transparency, and other programs' data. Values that say nothing are no loss: a weight below
-// 0 is that of the layer, the block or none.
+// Whether dropping the current pair changes an entity: thickness, linetype scale, visibility, line
+// weight, true color, its name, transparency, and data of other programs. Default values are no
+// loss: a weight below 0 is that of the layer, the block or none.
 bool isLoss(const CFileDXFILexer& lexer) {
   const std::string_view bytes = lexer.getBytes();
   switch (lexer.getGroupValue()) {
@@ -53,8 +52,8 @@ bool isLoss(const CFileDXFILexer& lexer) {
   }
 }
 
-// Whether the code has the same meaning in every entity, read or not: what a strict reader
-// cannot pass over.
+// Whether the code has the same meaning in every entity, supported or not: a strict reader must not
+// skip it.
 bool isMeant(long code) {
   constexpr long meant[] = {38, 39, 48, 60, 67, 210, 220, 230, 370, 420, 440};
   return std::find(std::begin(meant), std::end(meant), code) != std::end(meant);
@@ -79,7 +78,7 @@ bool ReadContext::spareNumber(const char* code) const {
 
 CLtype* RecordReader::findByLayer() { return m_byLayer = m_context.semantor.getLtypeByLayer(); }
 
-// A number that is not there is as good as a code that is not.
+// An invalid number counts as a missing code.
 void RecordReader::takeWanted(long code) {
   constexpr long firstNumber = 10;
   if (code >= firstNumber && isTolerant() && lexer().getBytes().empty())
@@ -136,7 +135,7 @@ void RecordReader::takeLayer() {
   if (layer) m_record.layer = m_layers.add(bytes, layer);
 }
 
-// An unknown linetype is not remembered: a table that follows may declare it.
+// An unknown linetype is not cached: a later table may declare it.
 void RecordReader::takeLtype() {
   const std::string_view bytes = lexer().getBytes();
   if ((m_record.ltype = m_ltypes.find(bytes)) != nullptr) return;
@@ -200,8 +199,8 @@ CBlock* RecordReader::findBlock(std::string_view bytes) {
   return block ? m_blocks.add(bytes, block) : nullptr;
 }
 
-// False when the record has nothing more to say: what follows an embedded object
-// belongs to that object and repeats the codes of the entity around it.
+// False at the end of the record's own data: pairs after an embedded object belong to that object
+// and repeat the codes of the enclosing entity.
 bool RecordReader::leaveOut(long code) {
   if (code == kEmbeddedObject) {
     skip();
@@ -261,7 +260,7 @@ bool RecordReader::check(const RecordKind& kind, long missingParam) {
   return !failed();
 }
 
-// The layer of a record without one, and what all of its entity is drawn in.
+// Supplies the layer of a record without one, and the properties common to its entity.
 void RecordReader::supply() {
   if (!m_record.layer) {
     const zim::WString zero(u"0");
@@ -290,8 +289,8 @@ bool RecordReader::recover(const zim::WString& kind) {
   return true;
 }
 
-// Numbers of other codes than those of points, sizes and angles say little, but lists that a
-// reader takes by itself must be whole.
+// Numbers other than points, sizes and angles are dispensable, but lists that a reader processes
+// itself must be complete.
 bool RecordReader::isSpare(long code, const CodeSet& wanted, const CodeSet& optional) {
   const bool isPlace = (code >= 10 && code < Record::kReals) || (code >= 210 && code < 240);
   return isPlace ? optional.has(code) : code >= CodeSet::kEnd || wanted.has(code);

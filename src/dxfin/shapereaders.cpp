@@ -20,8 +20,7 @@ class ParallelLine {
   void addCorner(const PNT_3D& at, const PNT_3D& along) { m_corners.push_back({at, along, {}}); }
   void addCut(double distance) { m_corners.back().cuts.push_back(distance); }
 
-  /// The pieces that it is drawn in. A closed line without interruptions is one piece whose
-  /// last point is its first.
+  /// The visible pieces. A closed line without gaps is one piece whose last point equals its first.
   std::vector<Chain> pieces(bool closed) const {
     std::vector<Chain> chains(1);
     const std::size_t count = m_corners.size();
@@ -36,9 +35,9 @@ class ParallelLine {
   }
 
  private:
-  // Cuts are distances from the corner towards the next one: by turns, the line begins
-  // there and ends. It begins at the corner itself where the first is 0 or missing, and goes
-  // on to the next corner after the last when that is a beginning.
+  // Cuts are distances from the corner toward the next one, at which the line alternately begins
+  // and ends. It begins at the corner itself if the first is 0 or missing, and continues to the
+  // next corner if the last is a beginning.
   struct Corner {
     PNT_3D at, along;
     std::vector<double> cuts;
@@ -60,9 +59,9 @@ class ParallelLine {
   std::vector<Corner> m_corners;
 };
 
-/// The lines of a multiline. Each of its vertices lists its place, the direction to the next
-/// vertex, that of its mitre and then, line by line, distances: the first, along the mitre, leads
-/// to the line's corner, the others are its cuts.
+/// The lines of a multiline. Each vertex lists its position, the direction to the next vertex, that
+/// of its miter and then, line by line, distances: the first, along the miter, leads to the line's
+/// corner, the others are its cuts.
 class Multiline {
  public:
   explicit Multiline(RecordReader& in) : m_in(in) {}
@@ -124,7 +123,7 @@ class Faces {
       m_list.push_back(m_in.lexer().getInt());
   }
 
-  // The list holds for each face the number of its corners and then these.
+  // For each face, the list contains the number of its corners and then the corners.
   std::vector<EntPtr> build() {
     for (std::size_t i = 0; i < m_list.size();) {
       const long corners = m_list[i++];
@@ -146,7 +145,7 @@ class Faces {
   }
   const PNT_3D& at(long corner) const { return m_vertexes[static_cast<std::size_t>(corner)]; }
 
-  // More than four corners make a fan whose inner edges are hidden.
+  // More than four corners become a fan with hidden inner edges.
   void addPolygon(const long* corners, std::size_t count) {
     if (!isComplete(corners, count)) return m_in.note("mesh incomplete");
     if (count == 4)
@@ -170,7 +169,7 @@ class Faces {
 
 }  // namespace
 
-// The third and fourth corner change places: the file goes from edge to opposite edge.
+// The third and fourth corner are swapped: the file lists two opposite edges.
 EntPtr readSolid(RecordReader& in) {
   static constexpr RecordKind kind({10, 20, 30, 11, 21, 31, 12, 22, 32, 13, 23, 33},
                                    {8, 10, 20, 11, 21, 12, 22});

@@ -22,8 +22,8 @@ constexpr long kBackward = 2, kUpsideDown = 4;
 constexpr long kAligned = 3, kMiddle = 4, kFit = 5;
 constexpr long kVertMiddle = 2;
 
-// Text has no field for its mirror images: one is a negative width, the other that
-// and half a turn, both together the half turn alone.
+// Text has no flags for mirroring: backward is a negative width, upside down that plus half a turn,
+// and both together only half a turn.
 void mirror(long generation, CTextContext& context) {
   const bool upsideDown = (generation & kUpsideDown) != 0;
   if (((generation & kBackward) != 0) != upsideDown)
@@ -31,8 +31,8 @@ void mirror(long generation, CTextContext& context) {
   if (upsideDown) context.setRotate(context.getRotate() + kPi);
 }
 
-// Aligned and fitted text runs from the first point to the second. Here it becomes
-// left text that is as long as that: fitted by its width, aligned by its height.
+// Aligned and fitted text runs from the first point to the second. Here it becomes left-justified
+// text of that length: fitted text by its width, aligned text by its height.
 void stretch(long horizontal, const PNT_3D& from, const PNT_3D& to, TEXT_3D& text) {
   CTextContext context = text.getContext();
   const double dx = to.x - from.x, dy = to.y - from.y;
@@ -73,7 +73,7 @@ TEXT_3D placedText(RecordReader& in, const zim::WString& string, long verticalCo
   CTextContext c = context(in, string);
   const long horizontal = r.integer(72), vertical = r.integer(verticalCode);
   const bool stretched = horizontal == kAligned || horizontal == kFit;
-  // The second point counts for all but left text on its baseline.
+  // The second point applies except for left-justified text on its baseline.
   const bool second = (horizontal != 0 || vertical != 0) && !stretched && r.seen.has(11);
   const PNT_3D at = r.point(second ? 1 : 0);
   TEXT_3D text(c, style, at.x, at.y, at.z, 0);

@@ -9,7 +9,7 @@
 namespace vek0::detail {
 namespace {
 
-constexpr double kGrowth = 0.05;  // of the longer side, beyond all that is drawn
+constexpr double kGrowth = 0.05;  // of the longer side, beyond everything drawn
 
 }  // namespace
 

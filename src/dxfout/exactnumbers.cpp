@@ -9,15 +9,15 @@
 namespace vek0::detail {
 namespace {
 
-// Ten decimals hold what people and programs write; a double of 360 has thirteen.
+// Ten decimals suffice for what people and programs write; a double near 360 has thirteen.
 constexpr double kDecimals = 1e10;
 
-// A placement and its inverse err by some units of the last, sixteenth digit.
+// A placement and its inverse are off by some units in the sixteenth digit.
 constexpr int kSteadyDigits = 14;
 
 double roundDecimals(double degrees) { return std::round(degrees * kDecimals) / kDecimals; }
 
-// A number of degrees that reads as exactly `angleRad`, or the quotient if none does.
+// A number of degrees that reads back as exactly `angleRad`, or the quotient if there is none.
 double nearestDegrees(double angleRad) {
   const double quotient = angleRad / kRadiansPerDegree;
   const double candidates[] = {roundDecimals(quotient), quotient,
@@ -52,7 +52,7 @@ double exactDegrees(double angleRad) {
 }
 
 double steady(double value, double magnitude) {
-  // Powers of ten beyond 22 are not exact, and sizes that need them are not drawn.
+  // Powers of ten beyond 22 are inexact, but no drawing has such sizes.
   const double digits = kSteadyDigits - 1 - std::floor(std::log10(magnitude));
   if (!(std::fabs(digits) <= 22)) return value;
   double scale = 1;

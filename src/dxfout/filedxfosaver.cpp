@@ -28,7 +28,8 @@ namespace {
 
 constexpr long kLayerFrozen = 1, kLayerOff = 128;
 constexpr long kShapeStyle = 1;
-// What a layer's code 70 holds; being off is a negative color, the rest is ours.
+// The bits of a layer's code 70; off is stored as a negative color, and the other bits are
+// internal.
 constexpr long kFlagBits = 0x7F;
 // The letter A: the pattern is fitted to the ends of a line.
 constexpr long kAlignment = 65;
@@ -38,7 +39,7 @@ bool isWritten(const CEnt& ent, unsigned flags) {
   return (ent.getLayer()->getFlags() & (kLayerFrozen | kLayerOff)) == 0;
 }
 
-// Calls `each` with every entity of model space that the flags ask for, until it returns false.
+// Calls `each` with every entity of model space selected by the flags, until it returns false.
 template <class Each>
 void forEachWritten(const CData& data, unsigned flags, const Each& each) {
   const CEntTable& table = data.getEntTable();
@@ -47,8 +48,8 @@ void forEachWritten(const CData& data, unsigned flags, const Each& each) {
     if (isWritten(*ent, flags) && !each(*ent)) return;
 }
 
-/// Hands the blocks that are written to another operation: all but those of hatches that
-/// are gone or not written, which nobody would miss and readers only keep.
+/// Passes the blocks to be written to another operation: all except those of hatches that were
+/// deleted or are not written, which are useless to readers.
 class WrittenBlocks final : public IBlockOperation {
  public:
   WrittenBlocks(const CData& data, unsigned flags, IBlockOperation& op)
@@ -102,7 +103,7 @@ class BlockVisit final : public IBlockOperation {
   IEntVisitor& m_visitor;
 };
 
-// Of six decimals, the length must be the sum that readers get.
+// With six decimals, the length must be the sum that readers compute.
 double patternLength(const CLtype& ltype, bool exact) {
   if (exact || !std::isfinite(ltype.getPatternLen())) return ltype.getPatternLen();
   double sum = 0;
@@ -175,7 +176,7 @@ void CFileDXFOSaver::collectHandles() {
                                           isExchange());
   BlockVisit visit(collector);
   WrittenBlocks written(m_data, m_flags, visit);
-  // A cycle shows again when the blocks are written.
+  // A cycle is detected again when the blocks are written.
   m_data.getBlockTable().getBlockGraph().VisitUndep(written);
   visitEntities(collector);
   m_handles->settle();
@@ -263,8 +264,8 @@ void CFileDXFOSaver::writeLtype(const CLtype& ltype) {
   write(70, isExchange() ? flags & kFlagBits : flags);
   m_writer.writeText(3, ltype.getDesc());
   write(72, kAlignment);
-  // Elements that are no dashes have no form in this version. The classic form
-  // counts them all the same.
+  // This version has no representation for elements other than dashes. The classic form counts them
+  // nevertheless.
   write(73, isExchange() ? countOfDashes(ltype) : static_cast<long>(dashes.GetNoDashes()));
   write(40, finite(patternLength(ltype, isExchange()), 0, name));
   for (int i = 0; i < dashes.GetNoDashes(); ++i) {
@@ -332,8 +333,7 @@ bool CFileDXFOSaver::writeBlocks() {
 }
 
 void CFileDXFOSaver::writeXRef(const CBlockXRef& xref) {
-  // Its content is not shifted by the base point, so what other programs are told of
-  // it matters.
+  // Its content is not shifted by the base point, so other programs need the real one.
   PNT_3D base(0, 0, 0);
   if (isExchange() && vek0::detail::isFinite(xref.getPnt())) base = xref.getPnt();
   vek0::detail::beginBlock(m_writer, m_converter.GetName(&xref),
@@ -379,8 +379,7 @@ double CFileDXFOSaver::finite(double value, double fallback, const zim::WString&
   return fallback;
 }
 
-// Readers split the name of an item with that flag and stop where there is nothing
-// to split.
+// Readers split the name of an item with that flag and fail if it cannot be split.
 long CFileDXFOSaver::dependentFlags(long flags, const zim::WString& name) {
   zim::WString xref, item;
   if ((flags & vek0::detail::kDependent) == 0 || scomposeName(name, xref, item)) return flags;

@@ -40,10 +40,10 @@ using vek0::detail::steadyAngle;
 
 namespace {
 
-// Displays are no matter of a file; only inserts of fixed pixel size ask for one.
+// Files have no display; only inserts of fixed pixel size need a pixel size.
 constexpr double kPixelSize = 1;
 
-// Code 70 of POLYLINE beside the bits that a drawing has too.
+// Code 70 of POLYLINE, in addition to the bits of a drawing.
 constexpr long kPolyline3D = 8;
 // Code 75 of POLYLINE.
 constexpr long kQuadratic = 5, kCubic = 6;
@@ -54,8 +54,8 @@ constexpr long kTextString = 1, kTagString = 2, kTextVertical = 73, kAttribVerti
 
 double larger(double a, double b) { return std::max(std::fabs(a), std::fabs(b)); }
 
-// A computed point is as exact as the largest number that went into it: its own
-// coordinates, and those of the point that it was placed from. Turning mixes x and y.
+// A computed point is as precise as its largest input: its own coordinates, and those of the point
+// that it was placed from. Rotation mixes x and y.
 PNT_3D steadyPoint(const PNT_3D& pnt, const PNT_3D& from) {
   const double size = std::max(larger(pnt.x, pnt.y), larger(from.x, from.y));
   return {steady(pnt.x, size), steady(pnt.y, size), steady(pnt.z, larger(pnt.z, from.z))};
@@ -105,7 +105,7 @@ void CFileDXFOVisitor::visit(CEntLine& ent) {
   writePoint(1, line.p2);
 }
 
-// The version knows no lines without ends.
+// This version has no infinite lines.
 LINE_3D CFileDXFOVisitor::cut(const CEntLine& ent) {
   if (ent.getReach() == LineReach::Segment) return ent.getLine();
   report("endless line cut", ent.getReach() == LineReach::Ray ? "RAY" : "XLINE");
@@ -141,7 +141,7 @@ void CFileDXFOVisitor::visit(CEnt3DFace& ent) {
   m_writer.write(70, ent.getFlags());
 }
 
-// False when its corners are in no plane.
+// False if its corners are not coplanar.
 bool CFileDXFOVisitor::solid_visit(const CEnt3DFace& ent, const char* kind) {
   vek0::detail::SavedSolid solid;
   if (!savedSolid(ent, m_flatten, solid)) return false;
@@ -169,8 +169,8 @@ void CFileDXFOVisitor::visit(CEntAttdef& ent) {
   txt_visit(placed(ent.getText()), kTagString, kAttribVertical);
 }
 
-// The version has no hatches: an insert of the lines, with what a reader needs to see a
-// hatch in it.
+// This version has no hatches: writes an insert of the lines, with the data by which a reader
+// recognizes the hatch.
 void CFileDXFOVisitor::visit(CEntHatch& ent) {
   if (refuses(ent, "HATCH")) return;
   const vek0::Handle handle = insert_visit(ent);
@@ -329,8 +329,8 @@ vek0::Handle CFileDXFOVisitor::writeHandle(vek0::Handle handle) {
   return written;
 }
 
-// Follows from the rest of the text, and so from what readers get of that: else it would move
-// once more when what was read is saved.
+// Computed from the values that readers will get: otherwise it would move again when the file is
+// read and saved.
 PNT_3D CFileDXFOVisitor::basePoint(const TEXT_3D& text) const {
   if (text.getAlign() == 0) return text;
   const auto asRead = [this](double value) { return m_exchange ? value : sixDecimals(value); };
@@ -351,8 +351,7 @@ CFileDXFOVisitor::TextRecord CFileDXFOVisitor::placed(const TEXT_3D& text) const
           text.getHorizAlign(), text.getVertAlign()};
 }
 
-// An attribute stands in the coordinates of its block, but in the file in those of
-// the drawing.
+// An attribute is in block coordinates, but in drawing coordinates in the file.
 CFileDXFOVisitor::TextRecord CFileDXFOVisitor::placed(const CEntInsertBase& insert,
                                                       const CEntAttrib& attrib) const {
   const ATTRIB_PLACE* remembered = rememberedPlace(insert, attrib);

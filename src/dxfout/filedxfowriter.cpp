@@ -24,7 +24,7 @@ using vek0::detail::kFixedRoom;
 using vek0::detail::kIntegerRoom;
 
 constexpr std::size_t kBufferSize = 64 * 1024;
-// Readers take lines of 8192 units with the line end and a terminator.
+// Readers accept lines of 8192 units including line end and terminator.
 constexpr std::size_t kLongestValue = 8190;
 static_assert(kLongestValue + 1 <= kBufferSize && kFixedRoom + 1 <= kBufferSize);
 
@@ -39,7 +39,7 @@ constexpr GroupLine groupLine(int code) {
 
 constexpr int kShortGroups = 1000;
 
-// A third of the lines of a file are these.
+// These are a third of the lines of a file.
 constexpr auto kGroupLines = [] {
   std::array<GroupLine, kShortGroups> lines{};
   for (int code = 0; code < kShortGroups; ++code)
@@ -47,7 +47,7 @@ constexpr auto kGroupLines = [] {
   return lines;
 }();
 
-// What `encodeText` would copy as it stands.
+// Whether `encodeText` would copy the text unchanged.
 bool isPlain(std::u16string_view text) {
   return !text.ends_with(u' ') && std::all_of(text.begin(), text.end(), [](zim::Char c) {
     return c >= 0x20 && c < 0x7F && c != u'^' && c != u'\\';
@@ -63,7 +63,7 @@ CFileDXFOWriter::~CFileDXFOWriter() {
   try {
     flush();
   } catch (const std::bad_alloc&) {
-    // A host's file that takes lines has no memory for them, and says so itself.
+    // A host's file that runs out of memory for its lines reports that itself.
   }
 }
 
@@ -121,8 +121,8 @@ bool CFileDXFOWriter::flush() {
   return !m_failed;
 }
 
-// The text as one value. One that is too long loses its end: an estimate of what
-// fits is tried until it does, since characters differ in the bytes they need.
+// The text as one value. If it is too long, it is cut: estimates of what fits are tried until one
+// does, since characters need different numbers of bytes.
 std::string_view CFileDXFOWriter::encoded(std::u16string_view text) {
   std::size_t keep = std::min(text.size(), kLongestValue);
   bool cut = keep < text.size();

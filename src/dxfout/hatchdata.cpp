@@ -69,7 +69,7 @@ class HatchDataWriter {
     m_writer.write(kReal, m_hatch.getHatchRotate());
   }
 
-  // A point inside: the middle of the first line as readers get it, else a vertex.
+  // An interior point: the middle of the first line as readers get it, otherwise a vertex.
   PNT_3D seed() const {
     PNT_3D pnt = m_hatch.getPnt(0);
     const CBlock* block = m_hatch.getBlock();
@@ -84,7 +84,7 @@ class HatchDataWriter {
   double asRead(double value) const { return m_exact ? value : sixDecimals(value); }
   double middle(double a, double b) const { return (asRead(a) + asRead(b)) / 2; }
 
-  // As readers get it, who leave out the points that fall together then.
+  // The boundary as readers get it, without points that coincide after rounding.
   std::vector<PNT_3D> boundary() const {
     if (m_exact && !m_flatten) return m_hatch.getBoundary();
     std::vector<std::vector<PNT_3D>> rings;

@@ -42,7 +42,7 @@ std::vector<ListedStyle> stylesOf(const CData& data) {
     styles.push_back({*style, (*style)->getName(), (*style)->getFlags()});
   for (const CBlockXRef* xref : xrefsOf(data)) {
     for (const CStyle* style : listed<CStyle>(xref->getStyleTable())) {
-      // What the reference shows counts nowhere.
+      // Content of the reference is not counted.
       if (style->getEntities() == 0 && data.getVars().getCurStyle() != style) continue;
       styles.push_back({style, xref->getName() + u"|" + style->getName().view(),
                         style->getFlags() | kDependent | kResolved});

@@ -19,7 +19,7 @@
 namespace {
 
 constexpr std::size_t kLongestName = 31;
-// What names that are too long are cut to, with or without a number behind them.
+// Length that overlong names are cut to, with or without a numeric suffix.
 constexpr std::size_t kCutLength = 30;
 
 zim::WString decimal(int value) { return zim::WString::fromUtf8(std::to_string(value)); }
@@ -37,17 +37,16 @@ zim::WString nameIn(const std::unordered_map<const Item*, zim::WString>& names, 
 
 }  // namespace
 
-/// The names of one table while they are converted. Readers look names up without
-/// regard to case.
+/// The names of one table while they are converted. Readers look up names ignoring case.
 class CNameAcadConverter::Table {
  public:
   Table(const std::vector<Entry>& entries, bool unique) : m_unique(unique) {
     for (const Entry& entry : entries) m_taken.insert(entry.own);
   }
 
-  /// Whether the item keeps its name. To be asked once an item, in table order.
+  /// Whether the item keeps its name. Call once per item, in table order.
   bool keeps(const Entry& entry);
-  /// The name of an item that does not.
+  /// The new name of an item that does not keep its own.
   zim::WString convert(const Entry& entry);
 
  private:
@@ -56,14 +55,15 @@ class CNameAcadConverter::Table {
   void skipTried(const zim::WString& prefix, zim::WString& base, int& counter);
 
   bool m_unique;
-  vek0::detail::FoldedNames m_taken;  // the drawing's own names; those made too when unique
+  vek0::detail::FoldedNames m_taken;  // the drawing's own names, plus the generated ones when
+                                      // unique
   vek0::detail::FoldedNames m_given;
   std::deque<zim::WString> m_made;
   std::unordered_map<zim::WString, zim::WString> m_converted;  // by corrected name, not unique
   std::unordered_map<zim::WString, int> m_tried;               // see `tried`
 };
 
-// A name made for another item differs from all that the drawing has.
+// A generated name differs from all names in the drawing.
 bool CNameAcadConverter::Table::keeps(const Entry& entry) {
   const std::u16string_view name = entry.name();
   return !name.empty() && isValid(name) &&
@@ -76,7 +76,7 @@ zim::WString CNameAcadConverter::Table::convert(const Entry& entry) {
   IsValidName(zim::WString(entry.name()), corrected);
   if (corrected.empty()) corrected = u"_";
   if (!m_unique) {
-    // The names to differ from never change, so equal beginnings end alike.
+    // The set of taken names never changes, so equal corrected names get equal results.
     const auto [known, isNew] = m_converted.try_emplace(entry.prefix + corrected.view());
     if (isNew) known->second = freeName(entry.prefix, corrected);
     return known->second;
@@ -97,17 +97,17 @@ zim::WString CNameAcadConverter::Table::freeName(const zim::WString& prefix,
   return candidate;
 }
 
-// All numbers below this one, with as many digits as `counter`, gave taken names
-// behind this base, which is cut as `GenerateValidName` would. A thousand names with
-// one beginning would otherwise try half a million.
+// All smaller numbers with as many digits as `counter` are known to yield taken names with this
+// base, which is cut as by `GenerateValidName`. Otherwise a thousand names with one prefix would
+// need half a million attempts.
 int& CNameAcadConverter::Table::tried(const zim::WString& prefix, zim::WString& base, int counter) {
   const std::size_t length = GenerateValidName(base, counter).Length();
   const zim::Char digits[] = {u'|', static_cast<zim::Char>(length - base.Length()), 0};
   return m_tried[prefix + base.view() + digits];
 }
 
-// Long bases are cut anew where the number gains a digit, so that is as far as one
-// memory reaches.
+// Long bases are cut further when the number gains a digit, so the memory is valid only up to
+// there.
 void CNameAcadConverter::Table::skipTried(const zim::WString& prefix, zim::WString& base,
                                           int& counter) {
   for (int next = tried(prefix, base, counter); next > counter;

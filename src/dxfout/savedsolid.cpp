@@ -11,19 +11,20 @@
 namespace vek0::detail {
 namespace {
 
-// Share of the largest coordinate by which a corner may be off the plane of the others.
+// Maximum distance of a corner from the plane of the others, as a fraction of the largest
+// coordinate.
 constexpr double kOffPlane = 1e-9;
 
 bool isLevel(const PNT_3D (&p)[4]) {
   return p[1].z == p[0].z && p[2].z == p[0].z && p[3].z == p[0].z;
 }
 
-// So that a drawing that is saved, read and saved again gives the same digits. No -0.
+// Makes a drawing that is saved, read and saved again yield the same digits. Avoids -0.
 PNT_3D steadyPoint(const PNT_3D& p, double size) {
   return PNT_3D(steady(p.x, size) + 0.0, steady(p.y, size) + 0.0, steady(p.z, size) + 0.0);
 }
 
-// At right angles to the diagonals, turned upwards; along Z when they point the same way.
+// Perpendicular to the diagonals, pointing upward; the Z axis if they are parallel.
 PNT_3D normalOf(const PNT_3D (&p)[4]) {
   const PNT_3D a(p[2] - p[0]), b(p[3] - p[1]);
   const PNT_3D n(a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x);
@@ -38,8 +39,8 @@ PNT_3D inPlane(const PlaneAxes& plane, const PNT_3D& p) {
   return PNT_3D(along(plane.x), along(plane.y), along(plane.z));
 }
 
-// False when they are not in the plane. Their heights above it differ by rounding alone, and
-// the format wants one.
+// False if they are not in the plane. Otherwise their heights differ only by rounding, and the
+// format needs a single one.
 bool putInPlane(const PlaneAxes& plane, PNT_3D (&p)[4]) {
   double size = 0;
   for (PNT_3D& corner : p) {

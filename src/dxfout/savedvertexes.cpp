@@ -11,12 +11,12 @@ namespace {
 // Code 70 of VERTEX.
 constexpr long kFromFit = 1, kFromSpline = 8, kControl = 16, kVertex3D = 32;
 
-// Whether a reader finds two numbers alike.
+// Whether a reader gets two equal numbers.
 struct Sameness {
   bool exact;
 
   bool operator()(double a, double b) const {
-    constexpr double near = 2e-6;  // what is further apart differs within six decimals
+    constexpr double near = 2e-6;  // numbers further apart differ within six decimals
     if (a == b || exact || !(std::fabs(a - b) < near)) return a == b;
     return sixDecimals(a) == sixDecimals(b);
   }
@@ -60,7 +60,7 @@ void takeControls(const CEntPolyline& ent, Sameness same, PolylineForm& form) {
   }
 }
 
-// Steps through the control points of a fitted curve, which its chain meets in order.
+// Steps through the control points of a fitted curve, which occur in its chain in order.
 struct ControlCursor {
   const CEntPolyline& ent;
   Sameness same;
@@ -74,7 +74,7 @@ struct ControlCursor {
   }
 };
 
-// Whether a reader would find the control points among the visible vertices.
+// Whether a reader finds the control points among the visible vertices.
 bool controlsInChain(const CEntPolyline& ent, Sameness same) {
   ControlCursor cursor{ent, same};
   ent.forEachVisible(

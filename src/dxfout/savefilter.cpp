@@ -14,7 +14,7 @@
 namespace vek0::detail {
 namespace {
 
-// A fixed insert has a scale for a display only.
+// A fixed insert has a scale only for a display.
 constexpr double kPixelSize = 1;
 
 const char* objectionUnless(bool finite) { return finite ? nullptr : kNotFinite; }

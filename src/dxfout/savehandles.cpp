@@ -19,7 +19,7 @@
 namespace vek0::detail {
 namespace {
 
-// Readers whose `long` has 32 bits would take more for a negative number.
+// Readers with a 32-bit `long` would read larger values as negative numbers.
 constexpr std::uint64_t kHighestFresh = 0x7FFFFFFF;
 
 }  // namespace
@@ -38,13 +38,14 @@ void SaveHandles::settle() {
   findRepeated();
   m_taken.erase(std::unique(m_taken.begin(), m_taken.end()), m_taken.end());
   const std::size_t things = m_without + noted - m_taken.size();
-  // Above the highest, so that numbers that once were in use do not come back;
-  // from the bottom when there is no room above.
+  // Above the highest, so that formerly used numbers are not reused; from the bottom if there is no
+  // room above.
   const Key highest = m_taken.empty() ? 0 : m_taken.back();
   if (highest + things + m_ends <= kHighestFresh) m_nextThing = {highest + 1, m_taken.size()};
   m_nextEnd = m_nextThing;
   for (std::size_t i = 0; i < things; ++i) fresh(m_nextEnd);
-  // Where the ends go must follow from what all things have by then: that is what is read.
+  // The numbers of sequence ends must depend only on the handles of the objects, because only those
+  // are read back.
   const Key above = std::max(m_nextEnd.next, highest + 1);
   if (above + m_ends <= kHighestFresh) m_nextEnd = {above, m_taken.size()};
   Free last = m_nextEnd;
