@@ -6,7 +6,8 @@
 namespace vek0::detail {
 namespace {
 
-constexpr double kSlack = 1e-6;     // of a step, for rounding; one cell too many does no harm
+constexpr double kSlack = 1e-6;     // tolerance for rounding, relative to a step; an extra cell
+                                    // does no harm
 constexpr double kParallel = 1e-9;  // sine of the angle below which steps span no lattice
 
 IndexRange clamped(double first, double last, long count) {
@@ -16,7 +17,7 @@ IndexRange clamped(double first, double last, long count) {
           static_cast<long>(std::clamp(std::floor(last + kSlack), -1.0, most - 1))};
 }
 
-// The i of 0 to count - 1 for which i * step lies between the limits.
+// The range of i from 0 to count - 1 for which i * step is between the limits.
 IndexRange between(double from, double to, double step, long count) {
   if (step == 0) return from <= 0 && to >= 0 ? IndexRange{0, count - 1} : IndexRange{};
   const double a = from / step, b = to / step;
@@ -36,7 +37,7 @@ ArrayCells::ArrayCells(const RECT_2D& cell, const PNT_2D& columnStep, const PNT_
   m_reach.max.set(window.max.x - cell.min.x, window.max.y - cell.min.y);
 }
 
-// All columns of a row together reach from the first to the last.
+// The columns of a row extend from the first to the last.
 IndexRange ArrayCells::rows() const {
   const double far = static_cast<double>(m_columns - 1);
   const PNT_2D all(m_columnStep.x * far, m_columnStep.y * far);
@@ -47,8 +48,8 @@ IndexRange ArrayCells::rows() const {
   return both(both(byX, byY), rowsOnLattice());
 }
 
-// A long array that lies askew has rows whose boxes all meet the window. In the
-// coordinates of its own lattice the window is a parallelogram, which bounds the rows.
+// In a long oblique array, the boxes of all rows may meet the window. In the coordinates of its
+// lattice, the window is a parallelogram, which bounds the rows.
 IndexRange ArrayCells::rowsOnLattice() const {
   const PNT_2D &c = m_columnStep, &r = m_rowStep;
   const double det = c.x * r.y - c.y * r.x;

@@ -7,7 +7,7 @@
 
 namespace vek0::detail {
 
-/// From `first` up to and including `last`; empty when that is smaller.
+/// From `first` through `last`; empty if `last` is smaller.
 struct IndexRange {
   long first = 0, last = -1;
 
@@ -16,8 +16,8 @@ struct IndexRange {
   long next(long i, long stride) const { return i < last ? i + std::min(stride, last - i) : i + 1; }
 };
 
-/// The cells of an array that a window meets, found by arithmetic: an array may have
-/// billions of them.
+/// Computes the cells of an array that are visible in a window, without iteration: an array may
+/// have billions.
 class ArrayCells {
  public:
   /// `cell` is the box of cell (0, 0); the steps go to the next column and the next row.
@@ -25,7 +25,7 @@ class ArrayCells {
   ArrayCells(const RECT_2D& cell, const PNT_2D& columnStep, const PNT_2D& rowStep, long columns,
              long rows, const RECT_2D& window);
 
-  /// The rows that can have such cells.
+  /// The rows that may have such cells.
   IndexRange rows() const;
   /// The cells of a row whose boxes meet the window.
   IndexRange columns(long row) const;

@@ -9,14 +9,14 @@ namespace vek0::detail {
 namespace {
 
 constexpr std::size_t kWorthwhile = 128;  // entities
-constexpr std::size_t kMostKnown = 1000;  // blocks; some may be gone long since
+constexpr std::size_t kMostKnown = 1000;  // blocks; some may no longer exist
 
 }  // namespace
 
 bool BlockTrees::find(CBlock& block, const Placement& place, const RECT_2D& window,
                       std::vector<CEnt*>& ents) {
   if (block.size() < kWorthwhile) return false;
-  // From here on the block hears of edits of the blocks that it inserts.
+  // From here on the block is notified of edits of the blocks that it inserts.
   if (window.inside(place.apply(block.getBdry()))) return false;
   const Known& tree = known(block);
   std::vector<RankedEnt> found(tree.placeless);

@@ -12,12 +12,12 @@ class CBlock;
 
 namespace vek0::detail {
 
-/// What windows show of large blocks: maps, or whole drawings, that are inserted once.
+/// Finds the visible part of large blocks, such as maps or whole drawings that are inserted once.
 class BlockTrees {
  public:
-  /// Finds all that the window can show of the block there, and perhaps more, in drawing
-  /// order. False when a walk through all of it is no dearer; `ents` is then untouched.
-  /// The first call for a block, and for one that was edited, is linear-logarithmic.
+  /// Finds everything in the block that is visible in the window, and possibly more, in drawing
+  /// order. Returns false, leaving `ents` unchanged, if visiting all entities is no more expensive.
+  /// The first call for a block, and after an edit, is O(n log n).
   bool find(CBlock& block, const Placement& place, const RECT_2D& window, std::vector<CEnt*>& ents);
 
   ShownBoxes& boxes() { return m_boxes; }
@@ -26,7 +26,7 @@ class BlockTrees {
   struct Known {
     std::uint64_t edition;
     BoxTree boxes;
-    std::vector<RankedEnt> placeless;  // boxes depend on the pixels, or are none
+    std::vector<RankedEnt> placeless;  // boxes depend on the pixel size, or are unbounded
   };
 
   const Known& known(CBlock& block);

@@ -5,9 +5,9 @@
 namespace vek0::detail {
 namespace {
 
-constexpr std::size_t kLeaf = 16;  // entities; fewer take memory, more take looking at
+constexpr std::size_t kLeaf = 16;  // entities; fewer cost memory, more cost time
 
-// The middle of a side. Far out, where it is infinite, it only has to be in order.
+// The middle of a side. Far out, where it becomes infinite, only the order matters.
 float middle(double low, double high) { return static_cast<float>(low / 2 + high / 2); }
 
 }  // namespace
@@ -36,7 +36,7 @@ BoxTree::BoxTree(const std::vector<Item>& items) {
   if (!items.empty()) build(items, centres, 0, items.size());
 }
 
-// Halves by number, across the longest side, so it is as deep as the logarithm.
+// Splits into halves of equal count along the longest side, so the depth is logarithmic.
 void BoxTree::build(const std::vector<Item>& items, std::vector<Centre>& centres, std::size_t first,
                     std::size_t end) {
   const std::size_t node = m_nodes.size();

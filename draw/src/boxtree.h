@@ -11,18 +11,18 @@ class CEnt;
 
 namespace vek0::detail {
 
-/// An entity and its place in the drawing order.
+/// An entity and its rank in the drawing order.
 struct RankedEnt {
   std::size_t rank;
   CEnt* ent;
 };
 
-/// Puts what was found into drawing order.
+/// Sorts the results into drawing order.
 std::vector<CEnt*> inOrder(std::vector<RankedEnt>&& found);
 
-/// A tree over the boxes of entities, built at once and never changed.
+/// A tree over the boxes of entities, built in one pass and immutable.
 ///
-/// It keeps boxes of groups of entities alone, so what is found is to be looked at itself.
+/// It stores only boxes of groups of entities, so the caller must check the results individually.
 class BoxTree {
  public:
   struct Item {
@@ -30,16 +30,16 @@ class BoxTree {
     RECT_3D box;
   };
 
-  /// Boxes must be finite and not empty. Linear-logarithmic.
+  /// Boxes must be finite and not empty. O(n log n).
   explicit BoxTree(const std::vector<Item>& items);
 
   std::size_t size() const { return m_entries.size(); }
   const std::vector<RankedEnt>& entries() const { return m_entries; }
-  /// Of everything; there must be something.
+  /// Box of all entities; the tree must not be empty.
   const RECT_3D& box() const { return m_nodes.front().box; }
 
-  /// Calls `each` for the entities of all groups for whose boxes `meets` answers true; it
-  /// is not asked for groups within boxes for which it has answered false.
+  /// Calls `each` for the entities of all groups for whose boxes `meets` returns true; it is not
+  /// called for groups within boxes for which it returned false.
   template <class Meets, class Each>
   void visit(const Meets& meets, const Each& each) const {
     for (std::size_t i = 0; i < m_nodes.size();) {
@@ -54,11 +54,11 @@ class BoxTree {
   }
 
  private:
-  // Nodes stand in preorder; a leaf has none below it.
+  // Nodes are in preorder; a leaf has no children.
   struct Node {
     RECT_3D box;
     std::size_t first, end;  // of the entries below
-    std::size_t behind;      // the next node that is not below
+    std::size_t behind;      // the next node outside this subtree
   };
   struct Centre {
     std::array<float, 3> at;

@@ -3,13 +3,13 @@
 namespace vek0::detail {
 namespace {
 
-// Boundaries drawn by hand have some dozens, those along a curve some hundreds. Inserts may share
-// one, and each looks at all of its corners.
+// Boundaries drawn manually have dozens of corners, those along a curve hundreds. Inserts may share
+// one, and each processes all of its corners.
 constexpr std::size_t kMostCorners = 1000;
 
 }  // namespace
 
-// The content of an external reference is where its file has it, that of a block relative to
+// The content of an external reference has its file's coordinates, that of a block is relative to
 // the base point.
 bool Walker::placeBoundary(const CEntInsert& ent, std::vector<PNT_2D>& boundary) {
   const std::vector<PNT_2D>& corners = ent.getClip()->boundary;

@@ -21,13 +21,13 @@ using vek0::detail::Walker;
 
 namespace {
 
-constexpr std::size_t kMostLoose = 512;  // looked at one by one, by every frame
+constexpr std::size_t kMostLoose = 512;  // visited one by one in every frame
 
 }  // namespace
 
-// The entities by place. New and changed ones are loose at first. When they are many they
-// become a tree, together with the trees that are not much larger, so that there are few
-// trees and each entity is built into few.
+// Spatial index of the entities. New and changed ones are initially loose. When there are many,
+// they are merged into a tree, together with trees that are not much larger, so that there are few
+// trees and each entity is rebuilt few times.
 class CDrawIndex::Entities final : public IEntTableWatcher {
  public:
   explicit Entities(const CData& data) : m_data(data), m_table(data.getEntTable()) {}
@@ -65,19 +65,19 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
 
   BlockTrees& blocks() { return m_blocks; }
 
-  /// Brings the trees up to date; may take a while.
+  /// Updates the trees; may be expensive.
   void prepare() {
     if (holdOthersEndless() || !m_isWhole) return build();
     const bool isMostlyOutdated = m_outdated.size() > size() / 2 + kMostLoose;
     if (m_loose.size() > kMostLoose || isMostlyOutdated) gather(isMostlyOutdated);
   }
 
-  /// Whether the window shows so much that a walk through all of them is no dearer.
+  /// Whether the window shows so much that visiting all entities is no more expensive.
   bool isAllSeen(const Placement& place, const RECT_2D& window) const {
     return m_trees.empty() || window.inside(place.apply(m_trees.front().boxes.box()));
   }
 
-  /// All that the window can show and perhaps more, in drawing order.
+  /// Everything visible in the window and possibly more, in drawing order.
   std::vector<CEnt*> find(const Placement& place, const RECT_2D& window) const {
     std::vector<RankedEnt> found;
     const auto meets = [&](const RECT_3D& box) { return place.apply(box).intersect(window); };
@@ -92,7 +92,7 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
   }
 
  private:
-  // Without memory for an edit everything is looked at again when somebody draws.
+  // If memory runs out during an edit, the index is rebuilt by the next frame.
   template <class Edit>
   void orGiveUp(const Edit& edit) try {
     edit();
@@ -113,8 +113,8 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
     return all;
   }
 
-  // Whatever the present trees know of the entity, or of one that stood at its address
-  // before, holds no more.
+  // Marks entries for the entity in the existing trees, or for an earlier one at its address, as
+  // outdated.
   void outdate(const CEnt& ent) { m_outdated[&ent] = m_now; }
 
   bool isCurrent(const Tree& tree, const RankedEnt& entry) const {
@@ -123,7 +123,7 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
     return at == m_outdated.end() || tree.born > at->second;
   }
 
-  // Nobody tells when a block comes to show lines without end within its extents.
+  // There is no notification when a block starts to contain infinite lines within its extents.
   bool holdOthersEndless() {
     std::vector<std::uint64_t> endless;
     const auto look = [&](const auto& table) {
@@ -164,7 +164,7 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
     m_isWhole = true;
   }
 
-  // An empty box is not seen until it is told that it is another one.
+  // An entity with an empty box is invisible until it is reported as reshaped.
   void take(const RankedEnt& entry, Items& items) {
     const RECT_3D box = m_blocks.boxes().of(*entry.ent, 0);
     if (!isPlaced(*entry.ent, box))
@@ -181,12 +181,12 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
   const CEntTable& m_table;
   BlockTrees m_blocks;
   bool m_isWatching = false;
-  bool m_isWhole = false;  // false: memory has run out meanwhile, or nobody has drawn yet
-  std::vector<std::uint64_t> m_endless;  // blocks that show lines without end
+  bool m_isWhole = false;                // false if memory has run out, or before the first frame
+  std::vector<std::uint64_t> m_endless;  // blocks that contain infinite lines
   std::uint64_t m_now = 0;               // number of trees made so far
   std::vector<Tree> m_trees;
   std::map<std::size_t, CEnt*> m_loose;      // by rank
-  std::map<std::size_t, CEnt*> m_placeless;  // boxes depend on the pixels, or are none
+  std::map<std::size_t, CEnt*> m_placeless;  // boxes depend on the pixel size, or are unbounded
   std::unordered_map<const CEnt*, std::uint64_t> m_outdated;  // since that tree
 };
 

@@ -14,7 +14,7 @@ constexpr double kPointsPerLook = 0.1, kPointsPerItem = 0.25, kPointsPerLayer = 
 // What a stroke takes goes by its length, as many pixels' time as lines of a pixel need.
 constexpr double kPixelsPerLength = 15;
 
-// Far off the device, and painters can still multiply what they are given.
+// Far outside the device, but products are still finite for painters.
 constexpr double kFarthest = 1e150;
 
 bool isNear(double value) { return std::fabs(value) <= kFarthest; }
@@ -25,7 +25,7 @@ bool areNear(const std::vector<PNT_2D>& points) {
   return std::all_of(points.begin(), points.end(), [](const PNT_2D& p) { return isNear(p); });
 }
 
-// An infinite or missing determinant tells of every other fault too.
+// An infinite, NaN or zero determinant covers every other defect.
 bool isSound(const AFFINE_2D& m) {
   const double area = m.a * m.d - m.b * m.c;
   return area != 0 && std::isfinite(area) && isNear({m.e, m.f});

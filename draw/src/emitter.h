@@ -8,8 +8,7 @@
 
 namespace vek0::detail {
 
-/// Hands to a painter what is not absurdly far away and within the limits, and keeps the
-/// account.
+/// Passes items within range and limits to a painter, and counts them.
 class Emitter {
  public:
   Emitter(IPainter& painter, const DRAW_OPTIONS& options)
@@ -20,28 +19,28 @@ class Emitter {
     addEffort(options.effort);
   }
 
-  /// What the next things belong to; the painter hears of it with the first of them.
+  /// Sets the source of the next items; passed to the painter with the first of them.
   void begin(const DrawItem& item);
 
   void stroke(const std::vector<PNT_2D>& points, bool closed);
-  /// False when the painter has no arcs; then nothing was emitted.
+  /// Returns false, emitting nothing, if the painter has no arcs.
   bool arc(const PNT_2D& center, double radius, double startRad, double sweepRad);
   void fill(const std::vector<PNT_2D>& points, const std::vector<std::size_t>& ends, FillRule rule);
   void dot(const PNT_2D& at);
   void disc(const PNT_2D& center, double diameter);
-  /// Text that is flattened to a line is left out.
+  /// Text that collapses to a line is skipped.
   void text(const DrawText& text);
 
-  /// False, and counted, when what follows cannot be clipped.
+  /// Returns false, and counts it, if the following content cannot be clipped.
   bool pushClip(const std::vector<PNT_2D>& points);
   void popClip();
   void noteUnclipped() { ++m_result.unclipped; }
 
-  /// To be called for everything that is looked at, so that blocks that insert nothing a
-  /// million times come to an end as well. True when the limit is reached.
+  /// Call it for every visited entity, so that blocks that insert nothing a million times terminate
+  /// as well. Returns true when the limit is reached.
   bool look();
-  /// To be called for points that are looked at as well; what is handed over here counts
-  /// by itself. False when there were too many.
+  /// Call it for other points that are processed; emitted ones are counted automatically. Returns
+  /// false if there were too many.
   bool spend(std::size_t points);
   bool isCut() const { return m_result.cut; }
   void cut() { m_result.cut = true; }

@@ -8,14 +8,14 @@
 namespace vek0::detail {
 namespace {
 
-constexpr long kMostDashes = 100000;  // of a stretch; no display shows more of them apart
+constexpr long kMostDashes = 100000;  // per stretch; no display can resolve more
 
-// A part of the way, by the distances of its ends.
+// A part of the path, by the distances of its ends.
 struct Stretch {
   double from, to;
 };
 
-// Walks along a chain; the distances asked for never fall.
+// Traverses a chain; requested distances never decrease.
 class Walk {
  public:
   explicit Walk(const PatternWay& way) : m_way(way) {
@@ -32,7 +32,7 @@ class Walk {
   double length() const { return m_at.back(); }
   double at(std::size_t i) const { return m_at[i]; }
 
-  // In the coordinates of the way.
+  // The point in the coordinates of the path.
   PNT_3D point(double distance) {
     advance(distance);
     return between(m_way.points[m_next - 1].pnt, m_way.points[m_next].pnt, share(distance));
@@ -48,7 +48,7 @@ class Walk {
     return std::atan2(q.y - p.y, q.x - p.x);
   }
 
-  // The way from one distance to a later one, its vertices included.
+  // The path from one distance to a later one, including its vertices.
   void piece(const Stretch& s, std::vector<WIDE_VERTEX>& points) {
     points.clear();
     advance(s.from);
@@ -65,7 +65,7 @@ class Walk {
   static PNT_3D between(const PNT_3D& p, const PNT_3D& q, double t) {
     return {p.x + t * (q.x - p.x), p.y + t * (q.y - p.y), p.z + t * (q.z - p.z)};
   }
-  // How much of the segment reached lies before that distance.
+  // Fraction of the current segment before that distance.
   double share(double distance) const {
     const double span = m_at[m_next] - m_at[m_next - 1];
     return span > 0 ? std::min((distance - m_at[m_next - 1]) / span, 1.0) : 0;
@@ -81,11 +81,11 @@ class Walk {
   const PatternWay& m_way;
   std::vector<PNT_3D> m_drawn;  // the points in the drawing
   std::vector<double> m_at;     // distance of every point, there
-  std::size_t m_next = 1;       // end of the segment reached
+  std::size_t m_next = 1;       // end of the current segment
 };
 
-// The parts of the way that the window shows. Those of neighboring segments are one
-// when the corner between them is seen.
+// The parts of the path visible in the window. Those of adjacent segments are merged if the corner
+// between them is visible.
 std::vector<Stretch> seenStretches(const PatternWay& way, const Walk& walk) {
   double widest = 0;
   for (const WIDE_VERTEX& v : way.points)

@@ -2,7 +2,7 @@
 
 #include "vek0draw/draw.h"
 
-// Black or white stands out, whichever the eye tells from the background.
+// Chooses black or white, whichever has more contrast with the background.
 RGB_COLOR paletteColor(int index, const RGB_COLOR& background) {
   constexpr int foreground = 7, last = 255;
   if (index >= 1 && index <= last && index != foreground) return paletteColor(index);

@@ -8,8 +8,8 @@ namespace vek0::detail {
 namespace {
 
 constexpr double kSimilar = 1e-9;
-// How far apart the points are by which a map is known. Drawings lie millions of units from
-// their origin; what rounding does to a short step would grow as much.
+// Distance of the points by which a map is sampled. Drawings are millions of units from their
+// origin; the rounding error of a short step would be magnified as much.
 constexpr double kStep = 1 << 30;
 
 // Half the extent of a mapped box along one axis.

@@ -9,12 +9,12 @@
 
 namespace vek0::detail {
 
-/// From drawing space, or from the space of a block that is inserted there, to the
-/// device. Every projection of a view is parallel, so this is an affine map.
+/// Maps drawing space, or the space of a block inserted there, to the device. All projections are
+/// parallel, so this is an affine map.
 class Placement {
  public:
   Placement(const IProjector& projector, const CWndVpt& window);
-  /// From the space that `matrix` places into the one of this placement.
+  /// This placement applied after `matrix`.
   Placement after(const CEntInsertMatrix& matrix) const;
 
   PNT_2D apply(const PNT_3D& p) const {
@@ -25,17 +25,15 @@ class Placement {
   PNT_2D direction(double x, double y) const {
     return PNT_2D(m_x[0] * x + m_x[1] * y, m_y[0] * x + m_y[1] * y);
   }
-  /// Extents of the mapped box; empty when the box is, and everything when numbers are too
-  /// large to tell.
+  /// Extents of the mapped box; empty if the box is, and unbounded if numbers overflow.
   RECT_2D apply(const RECT_3D& box) const;
-  /// What a unit of the x, y plane measures at most.
+  /// Maximum length of a mapped unit vector of the x, y plane.
   double scale() const;
-  /// Whether heights are not seen.
+  /// Whether z has no effect.
   bool isPlan() const;
   /// Whether circles of the x, y plane stay circles.
   bool isSimilar() const;
-  /// Whether they are seen from behind, or rather: whether the device's turning, which
-  /// is clockwise for y downwards, goes against that of the plane.
+  /// Whether orientation is reversed relative to the device, whose y axis points down.
   bool mirrors() const { return m_x[0] * m_y[1] - m_x[1] * m_y[0] < 0; }
 
  private:

@@ -6,7 +6,7 @@
 namespace vek0::detail {
 namespace {
 
-// A face whose width is a smaller share of its length has no area that a fill could show.
+// A face with a smaller ratio of width to length has no visible area.
 constexpr double kFlat = 1e-9;
 
 // Twice the area of a, b, c.

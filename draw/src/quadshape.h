@@ -6,8 +6,8 @@
 
 namespace vek0::detail {
 
-/// What the outline of a filled face makes of its area. `Crossed`: two opposite sides cross,
-/// so that its halves run opposite ways. `Flat`: all corners are on one line, but for rounding.
+/// Shape of a filled face's outline. `Crossed`: two opposite sides cross, so that its halves have
+/// opposite orientation. `Flat`: all corners are collinear, up to rounding.
 enum class QuadShape { Simple, Crossed, Flat };
 
 /// Of three or four corners.

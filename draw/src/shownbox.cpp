@@ -29,7 +29,7 @@ RECT_3D everywhere() {
   return RECT_3D(PNT_3D(-all, -all, -all), PNT_3D(all, all, all));
 }
 
-// What an insert shows; null for everything else. Hatches have segments and dots alone.
+// The block of an insert; null for all other kinds. Hatches contain only segments and dots.
 const CBlock* blockOf(const CEnt& ent) {
   if (ent.getType() == CEntHatch::kType) return nullptr;
   const CEntInsertBase* insert = ent.getEntInsert();
@@ -106,8 +106,7 @@ const ShownBoxes::Known* ShownBoxes::find(const CBlock& block) const {
   return at != m_blocks.end() && at->second.edition == block.getEdition() ? &at->second : nullptr;
 }
 
-// The first block that the level inserts, from where it stands, of which nothing is known yet;
-// null when there are no more.
+// The next block inserted at this level that is not known yet; null if there are no more.
 const CBlock* ShownBoxes::look(Level& level) const {
   for (; level.next < level.block->size(); ++level.next) {
     const CEnt& ent = *(*level.block)[level.next];
@@ -124,7 +123,7 @@ const CBlock* ShownBoxes::look(Level& level) const {
 BLOCK_SUM ShownBoxes::sum(const CBlock& block) {
   if (const Known* known = find(block)) return known->sum;
   if (m_blocks.size() > kMostKnown) m_blocks.clear();
-  static_cast<void>(block.getBdry());  // from here on its edition tells of the blocks within
+  static_cast<void>(block.getBdry());  // from here on its edition reflects the blocks within
   std::vector<Level> levels{{&block}};
   for (;;) {
     Level& level = levels.back();

@@ -14,8 +14,7 @@ namespace vek0::detail {
 /// Whether an entity is a ray or an endless line.
 bool isEndless(const CEnt& ent);
 
-/// Whether an entity has a place that an index can know: a finite box that does not depend
-/// on the pixels.
+/// Whether an entity can be indexed: it has a finite box that does not depend on the pixel size.
 bool isPlaced(const CEnt& ent, const RECT_3D& box);
 
 /// Whether a hatch has no lines since its pattern makes too many; it is drawn by its boundary.
@@ -35,13 +34,12 @@ struct BLOCK_SUM {
 /// Tells where entities can be seen, and how much there is of them.
 class ShownBoxes {
  public:
-  /// Box that holds all that an entity of model space or of a block shows on a display whose
-  /// pixels have that size. Letters may reach beyond their measures, so that of a text is larger
-  /// than its extents; that of a ray or endless line, or of an insert that shows one, is
-  /// infinite.
+  /// Box of everything that an entity of model space or of a block shows on a display with that
+  /// pixel size. Glyphs may extend beyond their metrics, so the box of a text is larger than its
+  /// extents; that of a ray or infinite line, or of an insert that shows one, is infinite.
   RECT_3D of(const CEnt& ent, double pixelSize);
 
-  /// The same of all that a block shows, without the overhang of letters.
+  /// The same for the content of a block, without the overhang of glyphs.
   RECT_3D of(const CBlock& block);
 
   /// Linear in the block and those that it inserts the first time, and after an edit.
@@ -54,7 +52,7 @@ class ShownBoxes {
     BLOCK_SUM sum;
   };
 
-  // A block that is being looked at, and how far.
+  // A block being examined, and the progress.
   struct Level {
     const CBlock* block;
     unsigned next = 0;

@@ -22,7 +22,7 @@ class Decoder {
 
  private:
   static constexpr std::size_t kNone = std::u16string_view::npos;
-  static constexpr int kFirstPrinted = 32;  // what comes before controls devices
+  static constexpr int kFirstPrinted = 32;  // lower codes are control characters
 
   void step() {
     if (m_rest.size() > 2 && m_rest.substr(0, 2) == u"%%" && takeCode(m_rest[2])) return;

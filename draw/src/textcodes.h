@@ -7,22 +7,21 @@
 
 namespace vek0::detail {
 
-/// A stretch of a text that has a line under or over it: characters from `first` up to
-/// `end`.
+/// A range of a text with a line under or over it: characters from `first` up to `end`.
 struct RuledStretch {
   std::size_t first, end;
   bool over;
 };
 
-/// A text as it is seen.
+/// A text as displayed.
 struct DecodedText {
   zim::WString string;
   std::vector<RuledStretch> ruled;
 };
 
-/// Replaces %%d by the degree sign, %%p by plus-minus, %%c by the diameter sign, %%nnn by
-/// the character of that number (by nothing below 32) and %%% by %, and takes %%u and %%o
-/// out, which switch the lines under and over the text on and off.
+/// Replaces %%d by the degree sign, %%p by plus-minus, %%c by the diameter sign, %%nnn by the
+/// character of that number (by nothing below 32) and %%% by %, and removes %%u and %%o, which
+/// toggle underline and overline.
 DecodedText decodeTextCodes(const zim::WString& text);
 
 }  // namespace vek0::detail

@@ -18,7 +18,7 @@ constexpr double kRuleBelow = 0.2, kRuleThrough = 0.5, kRuleAbove = 1.2;  // of 
 
 bool isWide(const WIDE_VERTEX& v) { return v.widthStart != 0 || v.widthEnd != 0; }
 
-// How far the texts of the drawing's linetypes reach from their lines.
+// Maximum extent of the texts of the drawing's linetypes from their lines.
 double reachOfLtypes(const CData& data) {
   double reach = 0;
   for (CData::CLtypeIterator it(data, true, false); *it; ++it)
@@ -36,7 +36,7 @@ double heightUnit(const ICADFont& font) {
   return font.getHeightUnit() > 0 ? font.getHeightUnit() : 1;
 }
 
-// Programs draw a dimension's own points on the screen alone.
+// Programs draw a dimension's definition points only on screen.
 bool definesDimension(const CBlock* block) {
   if (!block) return false;
   const std::u16string_view name = block->getName().view();
@@ -140,7 +140,7 @@ void Walker::visit(CEntPnt& ent) {
 
 // --- Lines
 
-// The pattern that lines have here; null for continuous ones.
+// The current line pattern; null for continuous lines.
 const CLtypeComplexDashSeq* Walker::pattern() const {
   if (!m_ltype || m_ltype->getNoDashes() == 0) return nullptr;
   const CLtypeComplexDashSeq& dashes = m_ltype->GetLtypeComplexDashSeq();
@@ -159,7 +159,7 @@ void Walker::strokeWay(bool closed) {
   m_out.endUnfolding();
 }
 
-// Segments without width are strokes, however wide their neighbors are.
+// Segments of zero width are strokes, however wide their neighbors are.
 void Walker::drawChain(const std::vector<WIDE_VERTEX>& points, bool closed) {
   const auto end = points.end() - (closed || points.empty() ? 0 : 1);
   const auto wide = std::count_if(points.begin(), end, isWide);
@@ -191,8 +191,7 @@ void Walker::stroke(const WIDE_VERTEX* points, std::size_t count, bool closed) {
   m_out.stroke(m_device, closed);
 }
 
-// What lies between the sides of a closed chain is what one of them encloses more than the
-// other.
+// The area between the sides of a closed chain is the difference of the areas that they enclose.
 void Walker::fillOutline(const std::vector<WIDE_VERTEX>& points, bool closed) {
   const CPolylineSilhouette outline(points, closed);
   m_device.clear();
@@ -218,8 +217,7 @@ void Walker::visit(CEntLine& ent) {
   strokeLine(ent.getLine().p1, ent.getLine().p2);
 }
 
-// As far as the window shows it. Patterns begin at the first point, or they would run along
-// with the window.
+// Draws the visible part. Patterns begin at the first point, or they would move with the window.
 void Walker::strokeEndless(const LINE_3D& line, LineReach reach) {
   if (!m_options.endless) return m_out.dot(m_place.apply(line.p1));
   constexpr double infinity = std::numeric_limits<double>::infinity();
@@ -227,7 +225,7 @@ void Walker::strokeEndless(const LINE_3D& line, LineReach reach) {
   const PNT_2D from = m_place.apply(line.p1), way = m_place.apply(line.p2) - from;
   double t0 = reach == LineReach::Ray ? 0 : -infinity, t1 = infinity;
   if (!clipLine(m_window, from, way, t0, t1)) return;
-  if (!std::isfinite(t0) || !std::isfinite(t1)) return m_out.dot(from);  // seen from its end
+  if (!std::isfinite(t0) || !std::isfinite(t1)) return m_out.dot(from);  // seen end-on
   const auto at = [&](double t) {
     return PNT_3D(line.p1.x + t * step.x, line.p1.y + t * step.y, line.p1.z + t * step.z);
   };
@@ -247,7 +245,7 @@ void Walker::visit(CEntPolyline& ent) {
   strokeWay(ent.isClosed());
 }
 
-// What is straight in one stroke, the arcs as arcs.
+// Draws straight runs as one stroke, arcs as arcs.
 void Walker::strokeRuns(const CEntPolyline& ent) {
   std::vector<BULGED_VERTEX> corners;
   ent.forEachBulged([&](const PNT_3D& p, double, double, double bulge, long) {
@@ -284,7 +282,7 @@ void Walker::drawBulge(const PNT_3D& from, const PNT_3D& to, double bulge) {
   stroke(chords.data(), chords.size(), false);
 }
 
-// Each segment of the file begins its pattern anew; an arc is one segment.
+// Each segment of the file restarts the pattern; an arc is one segment.
 void Walker::strokeSegments(const CEntPolyline& ent) {
   std::vector<BULGED_VERTEX> corners;
   ent.forEachBulged([&](const PNT_3D& p, double start, double end, double bulge, long) {
@@ -317,7 +315,7 @@ void Walker::visit(CEnt3DFace& ent) {
   }
 }
 
-// One that is seen from its edge still shows a line.
+// A face seen edge-on is still drawn as a line.
 void Walker::fillFace(const CEnt3DFace& ent) {
   m_device.clear();
   for (long i = 0; i < (ent.isTriangular() ? 3 : 4); ++i)
@@ -369,7 +367,7 @@ bool Walker::drawTrueArc(const PNT_3D& center, double radius, double start, doub
 
 void Walker::visit(CEntText& ent) { drawText(ent.getText(), m_place); }
 
-// In a block it is only asked for when the block is inserted.
+// In a block it is only a template for inserts.
 void Walker::visit(CEntAttdef& ent) {
   if (m_stack.GetNoInsert() == 0 && (ent.getFlags() & kInvisible) == 0)
     drawText(ent.getText(), m_place);
@@ -381,7 +379,7 @@ void Walker::visit(CEntAttrib& ent) {
 
 void Walker::text(const TEXT_3D& element) { drawText(element, m_drawing); }
 
-// It is justified as it is seen, without its codes.
+// It is justified as displayed, without its codes.
 void Walker::drawText(const TEXT_3D& text, const Placement& place) {
   CTextContext context = text.getContext();
   const DecodedText decoded = decodeTextCodes(context.getString());

@@ -18,8 +18,8 @@
 
 namespace vek0::detail {
 
-/// Whether an entity does not show on this layer. What an insert shows lies on layers of
-/// its own, which may be on when its is off.
+/// Whether an entity on this layer is hidden. The content of an insert has its own layers, which
+/// may be on when the insert's is off.
 bool isHidden(const CEnt& ent, const CLayer& layer);
 
 constexpr int kMostNested = 200;  ///< inserts within inserts; each takes stack
@@ -27,14 +27,14 @@ constexpr int kMostNested = 200;  ///< inserts within inserts; each takes stack
 /// Draws the entities of model space, and those of inserted blocks within it.
 class Walker final : public IEntVisitor, private IPatternSink {
  public:
-  /// All but projector and window must outlive it. `blocks`, which may be null, knows what
-  /// windows show of blocks.
+  /// All except projector and window must outlive it. `blocks`, which may be null, finds the
+  /// visible parts of blocks.
   Walker(const CData& data, const IProjector& projector, const CWndVpt& window, IPainter& painter,
          const DRAW_OPTIONS& options, BlockTrees* blocks = nullptr);
 
   /// From the drawing to the device.
   const Placement& placement() const { return m_drawing; }
-  /// The device, and what lies so near to it that it can be seen there.
+  /// The device, enlarged by the margin within which content is still visible.
   const RECT_2D& window() const { return m_window; }
   /// Whether the window has pixels.
   bool hasDevice() const { return m_hasDevice; }
@@ -72,7 +72,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
   bool isSkipped(const CEnt& ent, const RECT_2D& box);
   void begin(const CEnt& ent);
 
-  // Ways: lines and what is made of them.
+  // Paths: lines and entities made of them.
   double patternScale() const { return m_data.getVars().getLtypeScale(); }
   const CLtypeComplexDashSeq* pattern() const;
   void strokeWay(bool closed);

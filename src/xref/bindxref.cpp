@@ -1,4 +1,4 @@
-// Making what a reference shows the drawing's own.
+// Binding: makes the content of a reference part of the drawing.
 #include <algorithm>
 #include <memory>
 #include <new>
@@ -29,7 +29,7 @@ using vek0::detail::kResolved;
 using vek0::detail::orThrow;
 using vek0::detail::XRefs;
 
-// "xref$0$item", or with the smallest other number that no item of the table has.
+// "xref$0$item", or with the smallest other number that is unused in the table.
 template <class Table>
 zim::WString boundName(const Table& table, const zim::WString& xref, const zim::WString& item) {
   for (long n = 0;; ++n) {
@@ -40,7 +40,7 @@ zim::WString boundName(const Table& table, const zim::WString& xref, const zim::
 
 bool isLoaded(const CBlockXRef& xref) { return xref.getStatus() == CBlockXRef::Status::loaded; }
 
-// A path that the drawing at path `from` states, as the drawing that states `from` would.
+// A path stated by the drawing at path `from`, relative to the drawing that states `from`.
 zim::WString pathSeenFrom(const zim::WString& from, const zim::WString& path) {
   constexpr std::u16string_view kSlashes = u"/\\";
   const std::u16string_view own = path.view(), outer = from.view();
@@ -50,7 +50,7 @@ zim::WString pathSeenFrom(const zim::WString& from, const zim::WString& path) {
   return zim::WString(outer.substr(0, folderEnd + 1)) + own;
 }
 
-// Throws `std::bad_alloc` where an edit cannot be made.
+// Throws `std::bad_alloc` if an edit cannot be made.
 class Binder {
  public:
   Binder(CData& data, CUndoStack& undo) : m_data(data), m_undo(undo) {}
@@ -80,7 +80,7 @@ class Binder {
     for (CBlock* owner : owners) m_data.getBlockTable().updateBlock(owner);
   }
 
-  // What the drawing has on items of a reference goes to what stands for them.
+  // Moves entities of the drawing on items of a reference to the replacements of these items.
   void leaveItems(const CBlockXRef& xref, CTableRemapper& items) const {
     for (int i = 0; i < xref.getLayerTable().size(); ++i)
       items.ChangeInto(xref.getLayerTable()[i], m_map(xref.getLayerTable()[i]));
@@ -95,12 +95,12 @@ class Binder {
  private:
   struct Nesting {
     CBlockXRef* xref;
-    const CBlockXRef* shownBy;  // the first that does; null for the outermost
+    const CBlockXRef* shownBy;  // the first reference that shows it; null for the outermost
     std::size_t next = 0;
   };
 
-  // Loaded references and the loaded ones that they show, each after those that it shows.
-  // They can be nested deeper than a recursion may go.
+  // Loaded references and the loaded ones that they show, each after those that it shows. Not
+  // recursive, because they may be nested arbitrarily deep.
   static std::vector<Nesting> nestedFirst(const XRefs& xrefs) {
     std::vector<Nesting> order, open;
     std::unordered_set<const CBlockXRef*> met;
@@ -122,8 +122,8 @@ class Binder {
     return order;
   }
 
-  // What stays a reference was looked for from the drawing that names it, and is now looked for
-  // from this one.
+  // Paths of remaining references were relative to the drawing that states them, and are now
+  // relative to this one.
   void movePaths(const std::vector<Nesting>& order) {
     std::unordered_map<const CBlockXRef*, zim::WString> paths;
     for (auto it = order.rbegin(); it != order.rend(); ++it) {  // each before those that it shows

@@ -16,8 +16,8 @@ const char* FileGraph::add(const zim::WString& from, const zim::WString& to) {
   return nullptr;
 }
 
-// Levels rise on the way, so nothing leads on from as low as the end: without that every
-// drawing that shows one of many references would walk through all of them.
+// Levels increase along paths, so the search stops at the target's level: otherwise every drawing
+// that shows one of many references would visit all of them.
 bool FileGraph::leads(const Node& from, const Node& to) {
   std::unordered_set<const Node*> met{&from};
   std::vector<const Node*> open{&from};
@@ -32,7 +32,7 @@ bool FileGraph::leads(const Node& from, const Node& to) {
   return false;
 }
 
-// Brings a drawing to that level at least, and what it refers to below; all or nothing.
+// Moves a drawing to at least that level, and its references below it; all or nothing.
 bool FileGraph::sink(Node& top, int level) {
   std::vector<std::pair<Node*, int>> before;
   std::vector<std::pair<Node*, int>> open{

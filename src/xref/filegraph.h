@@ -7,16 +7,16 @@
 
 namespace vek0::detail {
 
-/// Which drawings refer to which, by file.
+/// Graph of references between drawings, by file.
 class FileGraph {
  public:
-  /// Notes that one refers to the other. Where that closes a circle, or nests drawings too
-  /// deep by any way from the outermost, answers what is wrong, and nothing is noted.
+  /// Adds a reference from one drawing to another. If that would close a cycle, or nest drawings
+  /// too deeply on any path from the outermost, returns the report code and adds nothing.
   const char* add(const zim::WString& from, const zim::WString& to);
 
  private:
   struct Node {
-    int level = 1;  // the most drawings that are around it
+    int level = 1;  // maximum number of drawings around it
     std::vector<Node*> refersTo;
   };
 

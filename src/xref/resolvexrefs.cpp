@@ -1,4 +1,4 @@
-// Reading what references refer to.
+// Resolving: reads the drawings that references refer to.
 #include <algorithm>
 #include <deque>
 #include <map>
@@ -35,10 +35,10 @@ using vek0::detail::FileGraph;
 using vek0::detail::kDependent;
 using vek0::detail::XRefContent;
 
-constexpr int kReadings = 3;  // of a file that is written meanwhile
+constexpr int kReadings = 3;  // of a file that is being written
 
-// One drawing can make others many times its size: by names that lead to one file again and
-// again, and by files of many hatches.
+// A drawing can expand to many times its size: by names that repeatedly lead to one file, and by
+// files with many hatches.
 constexpr long kMostRepeated = 4000000;  // entities of files that were read before
 constexpr double kHatchShares = 0.6;     // of what one hatch of the drawing may have
 
@@ -67,8 +67,8 @@ class Resolving {
 
   void resolveAll() {
     const std::vector<CBlockXRef*> xrefs = listed();
-    // What the drawing itself shows has the first say in names; what is left is shown by
-    // nothing, unless one of these turns out to show it.
+    // References that the drawing itself shows get their names first; the rest is shown by nothing,
+    // unless by one of these.
     for (CBlockXRef* xref : xrefs)
       if (xref->getEntities() > 0) schedule(*xref);
     run();
@@ -147,7 +147,7 @@ class Resolving {
     }
   }
 
-  // Sets the status; answers what is wrong, null if nothing is.
+  // Sets the status; returns the report code, or null on success.
   const char* resolve(const Job& job) {
     CBlockXRef& xref = *job.xref;
     if (job.place.found != Found::Yes) xref.setStatus(Status::refused);
@@ -171,7 +171,7 @@ class Resolving {
     return fault;
   }
 
-  // Whether reading the file once more would be too much.
+  // Whether reading the file again would exceed the limit.
   bool isRepeated(const zim::WString& file) {
     const auto known = m_sizes.find(file);
     if (known == m_sizes.end()) return false;
@@ -180,7 +180,7 @@ class Resolving {
     return false;
   }
 
-  // What is wrong; null also for what is canceled, which is left as it was.
+  // Returns the report code; null on success and if canceled, which changes nothing.
   const char* read(const Job& job) {
     for (int reading = 0; reading < kReadings; ++reading) {
       const zim::WString state = m_resolver.getState(job.place.file);
@@ -223,8 +223,8 @@ class Resolving {
     return !nested.isOverlay();
   }
 
-  // The drawing's reference for one of a drawing that it refers to; null where it would
-  // close a circle or go too deep.
+  // The drawing's counterpart of a nested reference; null if it would close a cycle or be nested
+  // too deeply.
   CBlockXRef* standIn(const CBlockXRef& nested, const Job& job) {
     Place place = find(nested.getPath(), job.place.file);
     const char* fault = nullptr;
@@ -240,13 +240,13 @@ class Resolving {
     return &xref;
   }
 
-  // References that go by one name, or by it and a number where several drawings mean different
-  // ones. What was met in this run is found by what tells it apart; the rest is tried in turn.
+  // References with the same name, or that name and a number where several drawings mean different
+  // ones. Those resolved in this run are found by their key; the rest is searched linearly.
   struct Namesakes {
     using Key = std::tuple<zim::WString, double, double, double>;  // file or path, base point
     std::vector<CBlockXRef*> all;  // by number; null where a block has the name
     std::map<std::size_t, CBlockXRef*> unmet;
-    std::map<Key, std::size_t> byFile, byPath;  // of those met, by path where no file was found
+    std::map<Key, std::size_t> byFile, byPath;  // of those resolved, by path if no file was found
   };
 
   // The reference of that file that has the name, or the name with a number if another
@@ -263,7 +263,7 @@ class Resolving {
                               nested.getPnt(), nested.getFlags() | kDependent));
   }
 
-  // The first name that is free; those before it become known.
+  // The first unused name; those before it are recorded.
   zim::WString firstFree(Namesakes& namesakes, const zim::WString& base) const {
     for (;;) {
       const std::size_t n = namesakes.all.size();
@@ -276,7 +276,7 @@ class Resolving {
     }
   }
 
-  // The first of them that the job's drawing means by `nested`; null when none is.
+  // The first of them that matches `nested` of the job's drawing; null if there is none.
   CBlockXRef* findAmong(Namesakes& namesakes, const CBlockXRef& nested, const Place& place,
                         const Job& job) {
     const std::size_t met = std::min(numberIn(namesakes.byFile, place.file, nested),
@@ -310,8 +310,8 @@ class Resolving {
     at->second = std::min(at->second, number);
   }
 
-  // Whether a reference of the drawing is the one that the job's drawing means by `nested`.
-  // One that only an earlier reading of that drawing has shown is given to it.
+  // Whether a reference of the drawing matches `nested` of the job's drawing. One that was shown
+  // only by an earlier reading of that drawing is reused for it.
   bool isFor(CBlockXRef& xref, const CBlockXRef& nested, const Place& place, const Job& job) {
     const auto known = m_files.find(&xref);
     const zim::WString& file = known != m_files.end() ? known->second : xref.getFile();
@@ -326,7 +326,7 @@ class Resolving {
     return true;
   }
 
-  // Whether nothing but this reader shows the reference, and the drawing has it through one.
+  // Whether only this reader shows the reference, and the drawing has it only because of a reader.
   static bool isFree(const CBlockXRef& xref, const CBlockXRef& reader) {
     if ((xref.getFlags() & kDependent) == 0) return false;
     const std::vector<CBlockXRef*>& shown = reader.getNested();
@@ -340,8 +340,8 @@ class Resolving {
     m_options.report->add(code, 0, prefix + xref.getName() + u": " + xref.getPath());
   }
 
-  // What changed may be inside of anything. Nothing goes where reading was canceled: what was
-  // not read anew may be on it.
+  // Changes may affect any block. Nothing is removed if reading was canceled: content that was not
+  // reloaded may use it.
   void settle() {
     for (CBlockXRef* xref : m_read) xref->reserveRetired();
     m_journal.done();  // nothing below needs memory
@@ -364,10 +364,10 @@ class Resolving {
   vek0::detail::XRefJournal m_journal;
   FileGraph m_graph;
   std::deque<Job> m_jobs;
-  std::unordered_map<const CBlockXRef*, zim::WString> m_files;  // of the references met so far
+  std::unordered_map<const CBlockXRef*, zim::WString> m_files;  // of the references seen so far
   std::unordered_map<zim::WString, Namesakes> m_namesakes;      // by name in nested drawings
   std::vector<CBlockXRef*> m_read;
-  vek0::detail::Items m_present;                   // what the content of references is on
+  vek0::detail::Items m_present;                   // items used by the content of references
   std::unordered_map<zim::WString, long> m_sizes;  // entities, by file
   long m_repeatsLeft = kMostRepeated;
   double m_hatchLinesLeft = kHatchShares * m_data.getHatchLimit();

@@ -66,7 +66,7 @@ void XRefContent::adoptFixed() {
   m_map.add<CLayer>(m_src.getLayerTable().getLayer0(), &m_data.getLayer0());
 }
 
-// A font that only the other drawing has goes with it.
+// A font that only the other drawing has would be destroyed with it.
 const ICADFont* XRefContent::fontHere(const ICADFont* font) {
   if (font == nullptr || CFontTable::getInstance().get(font->getName(), false) == font) return font;
   return m_data.needFont(font->getName());
@@ -126,8 +126,8 @@ void XRefContent::stand(const CBlockXRef& nested, CBlockXRef* here) {
   m_nested.emplace_back(&nested, here);
 }
 
-// A drawing may put entities of its own on items of what it refers to. Where that is left
-// out they find these items here, named as if it were bound.
+// A drawing may have entities on items of its references. If such a reference is skipped, the items
+// are created here, named as if it were bound.
 template <class Table>
 void XRefContent::adoptItems(const Table& (CData::*own)() const,
                              const Table& (CBlockXRef::*dependent)() const) {

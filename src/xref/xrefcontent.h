@@ -16,25 +16,24 @@ class XRefJournal;
 
 using Items = std::unordered_set<const CNamedItem*>;
 
-/// Adds the layers and linetypes that what a reference shows is on.
+/// Adds the layers and linetypes used by the content of a reference.
 void noteItems(CBlockXRef& xref, Items& items);
-/// Takes out of a reference what is not among these and the drawing does not use.
+/// Retires items of a reference that are not among these and not used by the drawing.
 void retireOthers(const CData& data, CBlockXRef& xref, const Items& items);
 
-/// Makes what another drawing holds the content of a reference: its model space and blocks,
-/// on dependent layers, linetypes and styles.
+/// Copies another drawing into the content of a reference: its model space and blocks, on dependent
+/// layers, linetypes and styles.
 ///
-/// Throws `std::bad_alloc`; what has changed by then is in the journal. Items that its
-/// content had before and has no more are left to `retireOthers`: other references may have
-/// content on them.
+/// Throws `std::bad_alloc`; changes made until then are in the journal. Items that only the
+/// previous content used are left to `retireOthers`: content of other references may use them.
 class XRefContent {
  public:
-  /// `present` receives the items that the content is on, of whichever reference.
+  /// `present` receives the items that the content uses, of any reference.
   XRefContent(CData& data, CBlockXRef& xref, const CData& src, Items& present,
               XRefJournal& journal);
 
-  /// What inserts of a reference of the other drawing show here; null: they are left out.
-  /// To be called for every such reference before `adopt`.
+  /// Sets the counterpart here of a reference of the other drawing; null skips its inserts. Call it
+  /// for every such reference before `adopt`.
   void stand(const CBlockXRef& nested, CBlockXRef* here);
   void adopt();
 

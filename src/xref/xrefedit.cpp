@@ -11,7 +11,7 @@
 namespace vek0::detail {
 namespace {
 
-// The reference that the name of a text style or block says it belongs to.
+// The reference that a text style or block belongs to, according to its name.
 const CBlockXRef* ownerOf(const CData& data, const CNamedItem& item) {
   zim::WString xref, rest;
   return scomposeName(item.getName(), xref, rest) ? data.getBlockXRefTable().get(xref) : nullptr;

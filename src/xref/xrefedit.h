@@ -1,6 +1,6 @@
 #pragma once
 
-// What detaching and binding have in common.
+// Common parts of detaching and binding.
 
 #include <functional>
 #include <vector>
@@ -14,8 +14,8 @@ class CLtype;
 
 namespace vek0::detail {
 
-/// A step that is taken back unless it is done; one that was open before is left to whoever
-/// opened it.
+/// A step that is rolled back unless it is completed; a step that was already open is left to its
+/// opener.
 class EditStep {
  public:
   explicit EditStep(CUndoStack& undo) : m_undo(undo), m_isOwn(!undo.isOpen()) { undo.begin({}); }
@@ -36,20 +36,20 @@ using XRefs = std::vector<CBlockXRef*>;
 /// The inserts of references in model space and in the drawing's blocks.
 std::vector<CEnt*> insertsOf(CData& data, const XRefs& xrefs);
 
-/// The references, and those that nothing shows once they and their inserts are gone: each
-/// after those that show it. Those that others show are missing.
+/// The references, and those no longer shown once they and their inserts are removed, each after
+/// those that show it; without those that others show.
 XRefs shownOnlyBy(const XRefs& xrefs);
 
-/// Whether all are in the drawing and nothing but others of them shows them.
+/// Whether all are in the drawing and shown only by each other.
 bool areOutermost(const CData& data, const XRefs& xrefs);
 
-/// Puts layers of other references, which a host may have given linetypes of these, on what
-/// stands for those. False when memory ends.
+/// Replaces the linetypes of these references on layers of other references, which a host may have
+/// set. False when memory runs out.
 bool leaveLtypes(CData& data, CUndoStack& undo, const XRefs& going,
                  const std::function<CLtype*(CLtype*)>& standIn);
 
-/// Takes references out, in that order, with text styles and blocks that are named after them.
-/// Those that are still used stay.
+/// Removes references, in that order, with the text styles and blocks named after them. Those still
+/// in use are kept.
 bool removeXRefs(CData& data, CUndoStack& undo, const XRefs& going);
 
 }  // namespace vek0::detail

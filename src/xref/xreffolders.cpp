@@ -15,10 +15,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Longer paths are no paths: platforms refuse them, after having looked at every part.
+// Longer paths are invalid: platforms reject them only after checking every component.
 constexpr std::size_t kMaxPath = 4096;
 
-// Within this time of a change a folder may change again and keep the same time.
+// Within this time after a change, a folder may change again without changing its time stamp.
 constexpr std::chrono::seconds kCoarsestTime{2};
 
 fs::path pathOf(const zim::WString& text) {
@@ -31,7 +31,8 @@ zim::WString textOf(const fs::path& path) {
   return zim::WString::fromUtf8(std::string(utf8.begin(), utf8.end()));
 }
 
-// Names of some platforms are any bytes; as text such a one would be the name of another file.
+// Names on some platforms are arbitrary bytes; converted to text, such a name would denote another
+// file.
 bool hasText(const fs::path& path) { return pathOf(textOf(path)) == path; }
 
 bool canBePath(const zim::WString& text) {
@@ -42,7 +43,7 @@ bool canBePath(const zim::WString& text) {
 
 bool isDriveLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
-// A path that may have been written on another platform, without "." and needless "..".
+// Converts a path that may come from another platform, removing "." and redundant "..".
 fs::path platformPath(const zim::WString& path) {
   std::string text = path.toUtf8();
   std::replace(text.begin(), text.end(), '\\', '/');
@@ -51,7 +52,7 @@ fs::path platformPath(const zim::WString& path) {
   return fs::path(std::u8string(text.begin(), text.end())).lexically_normal();
 }
 
-// The paths that may be meant, likeliest first.
+// The candidate paths, most likely first.
 std::vector<fs::path> spellingsOf(const fs::path& path) {
   fs::path asDxf = path;
   asDxf.replace_extension(".dxf");
@@ -76,8 +77,8 @@ std::u16string folded(std::u16string_view text) {
 IXRefResolver::~IXRefResolver() = default;
 
 struct CXRefFolders::Folders {
-  // The names in a folder. Of names that differ in letter case alone, the first in the order of
-  // their units counts, whatever the order in which the platform tells them.
+  // The names in a folder. Of names that differ only in case, the first in code unit order is used,
+  // whatever the order in which the platform lists them.
   struct Listing {
     std::unordered_map<std::u16string, fs::path> names;  // by the folded one
     fs::file_time_type changed;
@@ -104,7 +105,7 @@ struct CXRefFolders::Folders {
                        [&](const fs::path& folder) { return isWithin(path, folder); });
   }
 
-  // Even asking whether another computer has a file tells it who asks.
+  // Even checking for a file on another computer reveals who is asking.
   bool mayAsk(const fs::path& path) const {
     const zim::WString root = textOf(path.root_name());
     return root.empty() || std::any_of(allowed.begin(), allowed.end(), [&](const fs::path& folder) {
@@ -123,7 +124,7 @@ struct CXRefFolders::Folders {
     return listing;
   }
 
-  // What a folder holds under that name in other letters; empty when there is nothing.
+  // The entry of a folder whose name differs only in case; empty if there is none.
   fs::path alikeIn(const fs::path& folder, const fs::path& name) {
     std::error_code failure;
     const fs::path real = fs::canonical(folder, failure);
@@ -133,12 +134,13 @@ struct CXRefFolders::Folders {
     return at == listing.names.end() ? fs::path() : at->second;
   }
 
-  // Goes down the path part by part, so that a wrong one costs no more than those before it.
+  // Follows the path component by component, so that a wrong one costs no more than those before
+  // it.
   fs::path follow(const fs::path& path) {
     fs::path there = path.root_path();
     std::error_code failure;
     for (fs::path part : path.relative_path()) {
-      if (part.empty()) continue;  // behind a slash at the end
+      if (part.empty()) continue;  // after a trailing slash
       if (!fs::exists(fs::symlink_status(there / part, failure))) part = alikeIn(there, part);
       if (part.empty()) return part;
       there /= part;
@@ -158,7 +160,7 @@ struct CXRefFolders::Folders {
     return Found::Yes;
   }
 
-  // In the folder, or wherever the path says if it is absolute; then by the bare name.
+  // Looks in the folder, or at the path itself if it is absolute; then for the bare name.
   Found lookFrom(const fs::path& folder, const fs::path& path, zim::WString& file) {
     const Found found = look((folder / path).lexically_normal(), file);
     if (found == Found::Yes || !path.has_filename() || path == path.filename()) return found;
@@ -167,7 +169,7 @@ struct CXRefFolders::Folders {
   }
 };
 
-// Later answers tell people more than earlier ones do, where a path fails in several ways.
+// If a path fails in several ways, the later enumerator is more informative.
 static_assert(IXRefResolver::Found::Missing < IXRefResolver::Found::NotAFile &&
               IXRefResolver::Found::NotAFile < IXRefResolver::Found::Forbidden);
 
@@ -213,7 +215,7 @@ IXRefResolver::Found CXRefFolders::find(const zim::WString& path, const zim::WSt
 
 std::unique_ptr<IFile> CXRefFolders::open(const zim::WString& file) {
   if (!canBePath(file)) return nullptr;
-  // What was found may have become a link or a pipe since.
+  // The file may have been replaced by a link or a pipe since.
   zim::WString now;
   if (m_folders->look(pathOf(file), now) != Found::Yes || now != file) return nullptr;
   return std::make_unique<CFileStdLib>(file, IFile::kRead);
@@ -226,7 +228,7 @@ zim::WString CXRefFolders::getState(const zim::WString& file) {
   if (failure) return {};
   const auto changed = fs::last_write_time(pathOf(file), failure);
   if (failure) return {};
-  // Some platforms count with 128 bits, which no `to_string` takes.
+  // Some platforms count in 128 bits, which `to_string` does not support.
   const auto ticks = static_cast<long long>(changed.time_since_epoch().count());
   return zim::WString::fromUtf8(std::to_string(size) + " " + std::to_string(ticks));
 }

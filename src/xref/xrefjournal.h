@@ -9,20 +9,20 @@
 
 namespace vek0::detail {
 
-/// What resolving has changed in a drawing, to be taken back when memory ends before it is done.
-/// Taking back needs no memory.
+/// The changes that resolving makes to a drawing, to be reverted if memory runs out before it is
+/// complete. Reverting needs no memory.
 class XRefJournal {
  public:
   XRefJournal() = default;
   XRefJournal(const XRefJournal&) = delete;
   XRefJournal& operator=(const XRefJournal&) = delete;
-  /// Takes everything back unless it is `done`.
+  /// Reverts everything unless `done` was called.
   ~XRefJournal();
 
-  /// Everything stays, and what it has taken the place of is deleted.
+  /// Keeps all changes and deletes what they replaced.
   void done() { m_changes.clear(); }
 
-  /// Puts what a factory has made into a table and answers it.
+  /// Adds an object from a factory to a table and returns it.
   template <class Table, class Item>
   Item* add(Table& table, Item* made) {
     if (made == nullptr) throw std::bad_alloc();

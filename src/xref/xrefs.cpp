@@ -1,4 +1,4 @@
-// Adding references to a drawing and taking them out.
+// Attaching and detaching references.
 #include "vek0core/xref/xrefs.h"
 
 #include <memory>
@@ -22,7 +22,7 @@ using vek0::detail::leaveLtypes;
 using vek0::detail::removeXRefs;
 using vek0::detail::shownOnlyBy;
 
-// Names with an asterisk are those of blocks that a program made.
+// Names with an asterisk are those of program-generated blocks.
 bool isFree(const CData& data, const zim::WString& name) {
   return !name.empty() && name[0] != u'*' && name.view().find(u'|') == std::u16string_view::npos &&
          data.getBlockTable().get(name) == nullptr && data.getBlockXRefTable().get(name) == nullptr;

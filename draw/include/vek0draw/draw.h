@@ -7,26 +7,26 @@
 #include "vek0core/view/wndvpt.h"
 #include "vek0draw/painter.h"
 
-/// How a drawing is to be shown.
+/// Options for rendering a drawing.
 struct DRAW_OPTIONS {
-  /// Color 7 is black or white, whichever is seen on it.
+  /// Color 7 is black or white, whichever contrasts with it.
   RGB_COLOR background{255, 255, 255};
-  /// Everything in the color that is seen on the background.
+  /// Draw everything in the color that contrasts with the background.
   bool mono = false;
-  /// How far chords may leave their curve, in device units.
+  /// Maximum deviation of chords from their curve, in device units.
   double chordError = 0.1;
-  /// Linetypes that repeat within a shorter length, device units, are drawn continuous:
-  /// their dashes would run into each other.
+  /// Linetypes with a shorter period, in device units, are drawn continuous: their dashes would
+  /// merge.
   double finestPattern = 1;
-  /// Layers that are off or frozen are shown too.
+  /// Whether to show layers that are off or frozen.
   bool hiddenLayers = false;
-  /// How far the pen reaches beyond the points that the painter is given, device units:
-  /// half the width of the widest stroke.
+  /// Extent of the pen beyond the points passed to the painter, in device units: half the width of
+  /// the widest stroke.
   double penReach = 1;
-  /// Rays and endless lines are drawn as far as the window shows them; else a dot stands at their
-  /// first point.
+  /// Whether to draw rays and infinite lines as far as the window shows them; otherwise as a dot at
+  /// their first point.
   bool endless = true;
-  /// How wide points are at least, device units: three pixels of a screen.
+  /// Minimum size of points, in device units: three screen pixels.
   double leastPoint = 3;
   /// How large on the device a thing is at least that is drawn as it is, when inserts, hatches or
   /// linetypes unfold to more than `effort`. Smaller ones become dots, of which no two fall on one
@@ -41,16 +41,16 @@ struct DRAW_OPTIONS {
   /// How many things are emitted, and how many entities looked at, at most; what follows
   /// is cut.
   std::size_t limit = 50'000'000;
-  /// How many points these may have together; a letter counts as a few of them.
+  /// Maximum total number of points; a character counts as several.
   std::size_t pointLimit = 200'000'000;
 };
 
-/// What became of it.
+/// Result of rendering a drawing.
 struct DRAW_RESULT {
   std::size_t emitted = 0;  ///< strokes, arcs, fills, dots and texts
-  std::size_t looked = 0;   ///< entities looked at, those of blocks as often as they are shown
-  /// Clipped inserts that are shown whole: the painter cannot clip, the boundary has more than
-  /// 1000 corners, or the view is none from above, in which a boundary says nothing.
+  std::size_t looked = 0;   ///< entities visited, those of blocks as often as they are shown
+  /// Clipped inserts that are shown unclipped: the painter cannot clip, the boundary has more than
+  /// 1000 corners, or the view is not a plan view, for which a boundary is meaningless.
   std::size_t unclipped = 0;
   /// Things drawn as dots, areas or continuous lines since there are too many; each cell of an
   /// array that was met counts, each hatch once.
@@ -61,10 +61,10 @@ struct DRAW_RESULT {
   bool cut = false;  ///< a limit was reached, or inserts are nested too deep
 };
 
-/// Emits what the window shows of model space, in drawing order, to the painter: inserts
+/// Emits the part of model space visible in the window to the painter, in drawing order: inserts
 /// with all their cells and attributes, linetypes as dashes, widths as fills, texts, hatches.
-/// What the drawing's tables say of layers and colors is looked up, BYLAYER and BYBLOCK
-/// through all levels of nesting.
+/// Layers and colors are resolved from the drawing's tables, BYLAYER and BYBLOCK through all levels
+/// of nesting.
 ///
 /// Entities whose extents lie outside the window cost a comparison (for drawing again and
 /// again, see `CDrawIndex`); cells of an array outside it cost nothing, and neither do
@@ -75,11 +75,11 @@ struct DRAW_RESULT {
 DRAW_RESULT drawData(const CData& data, const IProjector& projector, const CWndVpt& window,
                      IPainter& painter, const DRAW_OPTIONS& options = {});
 
-/// Extents of what `drawData` would show, in the plane of the view; empty when there is
-/// nothing. Rays and endless lines count as their points.
+/// Extents of what `drawData` would show, in the plane of the view; empty if there is nothing. Only
+/// the points of rays and infinite lines count.
 RECT_2D drawnExtents(const CData& data, const IProjector& projector,
                      const DRAW_OPTIONS& options = {});
 
-/// The ordinary palette of 255 colors; 7 and anything else outside 1 to 255 is black or
-/// white, whichever is seen on the background.
+/// The ordinary palette of 255 colors; 7 and any index outside 1 to 255 is black or white,
+/// whichever contrasts with the background.
 RGB_COLOR paletteColor(int index, const RGB_COLOR& background);

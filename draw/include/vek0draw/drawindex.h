@@ -4,18 +4,17 @@
 
 #include "vek0draw/draw.h"
 
-/// Draws a drawing again and again, at a cost that follows what the window shows.
+/// Renders a drawing repeatedly, at a cost proportional to what the window shows.
 ///
-/// It finds the entities of model space by their extents, in a tree that is built by the
-/// first frame (linear-logarithmic) and kept in step with edits: it hears from the entity
-/// table what is added, removed and reshaped. An edit costs the logarithm of the drawing,
-/// paid by a later frame. Blocks of many entities have trees of their own, which are built
-/// anew after an edit of the block. What holds for the extents of a drawing holds here: a change in
-/// place ends with `CEnt::calcBdry`, one of a block with `CEntTable::recalcBdry`.
+/// It finds the entities of model space by their extents, in a tree that is built by the first
+/// frame (O(n log n)) and updated after edits: the entity table notifies it of added, removed and
+/// reshaped entities. An edit costs the logarithm of the drawing, paid by a later frame. Blocks of
+/// many entities have separate trees, which are rebuilt after an edit of the block. As for the
+/// extents of a drawing, call `CEnt::calcBdry` after a change in place, and `CEntTable::recalcBdry`
+/// after a change of a block.
 ///
-/// Inserts of fixed pixel size, rays and endless lines are all looked at by every frame, which
-/// also asks of each block whether it has come to hold such lines. For a single picture `drawData`
-/// is quicker.
+/// Every frame visits all inserts of fixed pixel size, rays and infinite lines, and checks whether
+/// any block now contains such lines. For a single picture, `drawData` is faster.
 class CDrawIndex {
  public:
   /// The drawing is borrowed; it must outlive the index and not be a view.
@@ -24,8 +23,8 @@ class CDrawIndex {
   CDrawIndex& operator=(const CDrawIndex&) = delete;
   ~CDrawIndex();
 
-  /// Emits what `drawData` would emit, in the same order. Throws `std::bad_alloc` likewise; the
-  /// next call works.
+  /// Emits what `drawData` would emit, in the same order. Also throws `std::bad_alloc`; the index
+  /// remains usable.
   DRAW_RESULT draw(const IProjector& projector, const CWndVpt& window, IPainter& painter,
                    const DRAW_OPTIONS& options = {});
 

@@ -11,17 +11,17 @@
 
 class ICADFont;
 
-/// From one plane to another: x' = a * x + c * y + e, y' = b * x + d * y + f.
+/// Affine map of the plane: x' = a * x + c * y + e, y' = b * x + d * y + f.
 struct AFFINE_2D {
   double a = 1, b = 0, c = 0, d = 1, e = 0, f = 0;
 
   PNT_2D apply(double x, double y) const { return PNT_2D(a * x + c * y + e, b * x + d * y + f); }
 };
 
-/// What the next strokes, fills and texts belong to.
+/// The source of the next strokes, fills and texts.
 struct DrawItem {
   RGB_COLOR color;
-  const zim::WString* layer = nullptr;  ///< name of the layer that decides visibility; borrowed
+  const zim::WString* layer = nullptr;  ///< name of the layer that determines visibility; borrowed
   vek0::Handle handle = 0;              ///< of the entity of model space; 0 for none
 };
 
@@ -35,38 +35,37 @@ struct DrawText {
   AFFINE_2D matrix;  ///< from text space to device space; mirrored for backward texts
 };
 
-/// What the rings of a fill enclose: what they run around an odd number of times, or what
-/// they run around at all, rings that run the other way taken off.
+/// Which areas the rings of a fill enclose: those with an odd winding number, or those with a
+/// non-zero one.
 enum class FillRule { EvenOdd, NonZero };
 
-/// Takes what a drawing shows, in device coordinates: x to the right and y downwards from
-/// the upper left corner, in pixels or in whatever unit the host chose for its window.
+/// Receives the content of a drawing in device coordinates: x to the right and y down from the
+/// upper left corner, in pixels or in whatever unit the host chose for its window.
 ///
-/// Calls come in drawing order, `begin` before the things that it describes. Points are
-/// finite, and so are their squares. What lies outside the window may come or not; painters clip.
+/// Calls come in drawing order, `begin` before the things that it describes. Points are finite, and
+/// so are their squares. Content outside the window may be passed or not; painters clip it.
 class IPainter {
  public:
   virtual ~IPainter() = default;
 
   virtual void begin(const DrawItem& item) = 0;
 
-  /// A stroke through the points; with `closed`, back to the first too. Two points at
-  /// least.
+  /// A stroke through the points; and back to the first if `closed`. At least two points.
   virtual void stroke(const PNT_2D* points, std::size_t count, bool closed) = 0;
-  /// An arc of a circle from `startRad` through `sweepRad` (sign: direction), angles
-  /// measured from the x axis towards the y axis of the device. A painter without arcs
-  /// answers false and is given a stroke instead; the full circle has a sweep of 2 pi.
+  /// An arc of a circle from `startRad` through `sweepRad` (sign: direction), angles measured from
+  /// the x axis towards the y axis of the device. A painter without arcs returns false and receives
+  /// a stroke instead; the full circle has a sweep of 2*pi.
   virtual bool arc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
     static_cast<void>(center), static_cast<void>(radius);
     static_cast<void>(startRad), static_cast<void>(sweepRad);
     return false;
   }
-  /// The inside of the rings: `ends[i]` is the index behind the last point of ring i.
+  /// The interior of the rings: `ends[i]` is the index after the last point of ring i.
   virtual void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
                     FillRule rule) = 0;
-  /// A point that has no size.
+  /// A point without size.
   virtual void dot(const PNT_2D& at) = 0;
-  /// A filled circle, for a point entity. Here: a fill of sixteen corners.
+  /// A filled circle, for a point entity. Default: a fill with sixteen corners.
   virtual void disc(const PNT_2D& center, double diameter);
   virtual void text(const DrawText& text) = 0;
 
