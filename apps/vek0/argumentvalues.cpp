@@ -9,7 +9,8 @@ namespace vek0::tool {
 
 namespace {
 
-// Decimal and nothing else. By the C library, for not every `std::from_chars` knows doubles.
+// Accepts only decimal numbers. Uses the C library, because not every `std::from_chars` supports
+// doubles.
 std::optional<double> numberIn(const std::string& text) {
   if (text.find_first_not_of("0123456789.eE+-") != std::string::npos) return std::nullopt;
   char* end = nullptr;

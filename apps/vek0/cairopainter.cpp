@@ -25,20 +25,20 @@ constexpr double kPointsPerInch = 72;
 // Cairo's own limit for a side; the pixels take four bytes each.
 constexpr long kMaxSide = 32767;
 constexpr double kMaxPixels = 150e6;  // an A0 sheet at 300 pixels an inch
-// A path is stroked after that many points: the cost of a stroke grows faster than its
-// length, and what overlaps has the same color. That of a fill does not, and the strips
-// of a solid hatch have to stay together, or the background shines through their seams.
+// A path is stroked after that many points: the cost of a stroke grows faster than its length, and
+// overlaps have the same color. The cost of a fill does not, and the strips of a solid hatch must
+// stay together, or the background shows through their seams.
 constexpr std::size_t kStrokePoints = 512, kFillPoints = 1 << 16;
 
-// What clipping may cost a picture, in pixels of groups at about 8 ns: some seconds. A row of a
-// group takes as long as that many pixels for each corner of the boundary.
+// Limit for the cost of clipping per picture, in group pixels of about 8 ns: some seconds. A row of
+// a group costs as much as that many pixels per corner of the boundary.
 constexpr double kMostClipPixels = 400e6, kPixelsPerCorner = 16;
 
-// Rectangles along the axes, which Cairo clips to at no cost.
+// Axis-aligned rectangles, to which Cairo clips at no cost.
 bool isUpright(const PNT_2D* points, std::size_t count) {
   constexpr double kNone = 1e-6;
   if (count < 3) return true;
-  bool sides[2][2] = {};  // whether the even or odd ones lead along x, along y
+  bool sides[2][2] = {};  // whether the even or odd sides are parallel to x, to y
   for (std::size_t i = 0; i < count; ++i) {
     const PNT_2D step = points[(i + 1) % count] - points[i];
     sides[i % 2][0] = sides[i % 2][0] || std::fabs(step.x) > kNone;
@@ -55,7 +55,7 @@ cairo_status_t writeTo(void* file, const unsigned char* bytes, unsigned length) 
 
 double pointsPerUnit(const SHEET& sheet) { return sheet.unitMm / kMmPerInch * kPointsPerInch; }
 
-// The moment that builders of packages ask for, else none: equal drawings give equal bytes.
+// The time requested by package builders, otherwise none: equal drawings yield equal bytes.
 std::string creationDate() {
   const char* const text = std::getenv("SOURCE_DATE_EPOCH");
   constexpr long long kBeyond = 253402300800;  // year 10000
@@ -158,7 +158,7 @@ void CairoPainter::begin(const DrawItem& item) {
   if (m_lines) m_lines->setColor(m_color);
 }
 
-// Cairo and the rasterizer, which knows no clips, take turns at the pixels.
+// Cairo and the rasterizer, which does not support clips, alternate in accessing the pixels.
 bool CairoPainter::strokesItself() {
   if (!m_lines || isClipping()) return false;
   if (m_path == Pixels) return true;
@@ -198,7 +198,7 @@ void CairoPainter::plainStroke(const PNT_2D* points, std::size_t count, bool clo
 
 void CairoPainter::plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
   if (strokesItself()) return strokeArc(center, radius, startRad, sweepRad);
-  constexpr std::size_t kPoints = 8;  // about what an arc costs
+  constexpr std::size_t kPoints = 8;  // approximate cost of an arc
   startPath(Strokes);
   cairo_new_sub_path(m_context.get());
   const auto draw = sweepRad < 0 ? cairo_arc_negative : cairo_arc;
@@ -206,7 +206,7 @@ void CairoPainter::plainArc(const PNT_2D& center, double radius, double startRad
   countPoints(kPoints);
 }
 
-// A tenth of a pixel from the curve is not seen.
+// A deviation of a tenth of a pixel is invisible.
 void CairoPainter::strokeArc(const PNT_2D& center, double radius, double startRad,
                              double sweepRad) {
   constexpr double kError = 0.1;
@@ -244,7 +244,7 @@ void CairoPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std:
   cairo_set_fill_rule(m_context.get(), CAIRO_FILL_RULE_WINDING);
 }
 
-// In an image in the middle of its pixel: shared out among four it would hardly be seen.
+// In an image, centered on its pixel: spread over four it would hardly be visible.
 PNT_2D CairoPainter::pixelOf(const PNT_2D& at) const {
   return m_kind == Png ? PNT_2D(std::floor(at.x) + 0.5, std::floor(at.y) + 0.5) : at;
 }
@@ -256,7 +256,7 @@ void CairoPainter::plainDot(const PNT_2D& at) {
 
 void CairoPainter::plainDisc(const PNT_2D& center, double diameter) {
   if (strokesItself()) return m_lines->disc(pixelOf(center), diameter);
-  constexpr std::size_t kPoints = 8;  // about what it costs
+  constexpr std::size_t kPoints = 8;  // approximate cost
   startPath(Fills);
   cairo_new_sub_path(m_context.get());
   cairo_arc(m_context.get(), center.x, center.y, diameter / 2, 0, 2 * std::numbers::pi);
@@ -264,8 +264,8 @@ void CairoPainter::plainDisc(const PNT_2D& center, double diameter) {
   countPoints(kPoints);
 }
 
-// Cairo cuts every stroke to a polygon anew. In an image all strokes go to a group instead, which
-// is cut once.
+// Cairo clips every stroke to a polygon separately. In an image, all strokes are drawn to a group
+// instead, which is clipped once.
 bool CairoPainter::plainClip(const PNT_2D* points, std::size_t count) {
   endPath();
   cairo_t* context = m_context.get();
@@ -287,7 +287,7 @@ bool CairoPainter::plainClip(const PNT_2D* points, std::size_t count) {
   return true;
 }
 
-// Among whole pixels, so that the border is that of the ring alone.
+// Aligned to whole pixels, so that only the ring determines the border.
 bool CairoPainter::startGroup(const std::vector<PNT_2D>& ring) {
   cairo_t* context = m_context.get();
   RECT_2D box;
@@ -342,8 +342,8 @@ cairo_font_face_t* CairoPainter::fontOf(const FACE_FILE& file) {
   return found->second.get();
 }
 
-// False when the text must be drawn as outlines: Cairo refuses a matrix without an
-// inverse once and for all, and knows nothing of glyphs that were altered.
+// Returns false if the text must be drawn as outlines: a singular matrix puts Cairo into a
+// permanent error state, and altered glyphs are not supported.
 bool CairoPainter::showGlyphs(const DrawText& text, const FaceFont& font) {
   const AFFINE_2D& m = text.matrix;
   const std::vector<FACE_GLYPH> glyphs = font.glyphs(text);

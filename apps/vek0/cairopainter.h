@@ -14,18 +14,17 @@ namespace vek0::tool {
 
 struct FACE_FILE;
 
-/// Draws a PNG image or one page of PDF, by Cairo; strokes of an image by a rasterizer of
-/// its own. A page has its texts as texts, with
-/// the glyphs that they use embedded, so that they can be searched and copied.
+/// Draws a PNG image or a PDF page with Cairo; strokes of an image use a separate rasterizer. A
+/// page contains real text with embedded glyphs, so that it can be searched and copied.
 class CairoPainter final : public SheetPainter {
  public:
   enum Kind { Png, Pdf };
 
-  /// `file` is open, and borrowed like `fonts`. An image or page that cannot be made
-  /// shows as a failure of `finish`.
+  /// `file` is open, and borrowed like `fonts`. If the image or page cannot be created, `finish`
+  /// fails.
   CairoPainter(Kind kind, IFile& file, const SHEET& sheet, FontLibrary& fonts);
 
-  /// Why an image of this size is not made, or an empty text.
+  /// The reason why an image of this size is refused, or an empty text.
   static std::string refusal(const SHEET& sheet);
 
   void begin(const DrawItem& item) override;
@@ -59,7 +58,7 @@ class CairoPainter final : public SheetPainter {
   bool strokesItself();
   bool showGlyphs(const DrawText& text, const FaceFont& font);
   cairo_font_face_t* fontOf(const FACE_FILE& file);
-  enum Path { None, Strokes, Fills, Pixels };  // what the path at hand is to become
+  enum Path { None, Strokes, Fills, Pixels };  // purpose of the current path
   void startPath(Path path);
   void strokeArc(const PNT_2D& center, double radius, double startRad, double sweepRad);
   void countPoints(std::size_t count);
@@ -71,13 +70,13 @@ class CairoPainter final : public SheetPainter {
   IFile& m_file;
   std::unique_ptr<cairo_surface_t, DestroySurface> m_surface;
   std::unique_ptr<cairo_t, DestroyContext> m_context;
-  std::unique_ptr<LineRasterizer> m_lines;  // of an image that could be made
+  std::unique_ptr<LineRasterizer> m_lines;  // set if the image could be created
   std::vector<PNT_2D> m_chords;             // scratch
   std::unordered_map<const FACE_FILE*, Font> m_faces;
   RGB_COLOR m_color;
-  // Around what is drawn: the ring that a group is cut to, or none.
+  // The active clips: the ring that clips a group, or an empty one.
   std::vector<std::vector<PNT_2D>> m_clips;
-  double m_clipPixels;  // what groups may still cost
+  double m_clipPixels;  // remaining cost for groups
   Path m_path = None;
   std::size_t m_points = 0;  // in the path
 };

@@ -15,7 +15,7 @@ double cross(const PNT_2D& o, const PNT_2D& a, const PNT_2D& b) {
   return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x);
 }
 
-// Triangles, and what else has four corners that all turn the same way.
+// Triangles, and quadrilaterals whose corners all turn the same way.
 bool isConvex(const PNT_2D* points, const std::size_t* ends, std::size_t rings) {
   if (rings != 1 || ends[0] > 4) return false;
   bool left = false, right = false;
@@ -27,7 +27,7 @@ bool isConvex(const PNT_2D* points, const std::size_t* ends, std::size_t rings) 
   return !(left && right);
 }
 
-// Keeps what lies on the inner side of one border: `value` grows inwards from 0 on it.
+// Clips to one border: `value` is 0 on it and increases inward.
 template <class Value>
 void clipAtBorder(const std::vector<PNT_2D>& in, std::vector<PNT_2D>& out, Value value) {
   out.clear();

@@ -7,9 +7,9 @@
 
 namespace vek0::tool {
 
-/// Keeps what lies far off the sheet from a painter, which is then free to count in
-/// small numbers: strokes and fills are clipped to a box three times the sheet's size,
-/// so that no clipped end is seen; arcs that leave the box become strokes.
+/// Keeps content far outside the sheet from a painter, which can then use small numbers: strokes
+/// and fills are clipped to a box three times the sheet's size, so that clipped ends are invisible;
+/// arcs that leave the box become strokes.
 class ClippingPainter : public IPainter {
  public:
   void stroke(const PNT_2D* points, std::size_t count, bool closed) final;
@@ -17,7 +17,7 @@ class ClippingPainter : public IPainter {
   void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings, FillRule rule) final;
   void dot(const PNT_2D& at) final;
   void disc(const PNT_2D& center, double diameter) final;
-  /// False beyond eight in each other, of which each may cost memory as large as the sheet.
+  /// False beyond eight nested clips, each of which may cost as much memory as the sheet.
   bool pushClip(const PNT_2D* points, std::size_t count) final;
   void popClip() final;
 
@@ -26,15 +26,15 @@ class ClippingPainter : public IPainter {
 
   const RECT_2D& box() const { return m_box; }
 
-  /// The same as in `IPainter`, with everything inside the box. Both rules give the same
-  /// for what is convex, and then `rule` is `NonZero` if it has no more than four corners.
+  /// The same as in `IPainter`, with everything inside the box. For convex rings both rules are
+  /// equivalent, and `rule` is then `NonZero` for up to four corners.
   virtual void plainStroke(const PNT_2D* points, std::size_t count, bool closed) = 0;
   virtual void plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) = 0;
   virtual void plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
                          FillRule rule) = 0;
   virtual void plainDot(const PNT_2D& at) = 0;
   virtual void plainDisc(const PNT_2D& center, double diameter) = 0;
-  /// The same, of fewer than three points when nothing is to be seen; false to draw all.
+  /// The same, with fewer than three points if nothing is visible; returns false to draw unclipped.
   virtual bool plainClip(const PNT_2D* points, std::size_t count) = 0;
   virtual void plainPopClip() = 0;
   bool isClipping() const { return m_openClips > 0; }
@@ -51,15 +51,15 @@ class ClippingPainter : public IPainter {
   int m_openClips = 0;
 };
 
-/// Whether rings, all together, run from the x axis towards the y axis around what they
-/// enclose. Fills that all run alike are united by the non-zero rule, wherever they overlap.
+/// Whether the rings, all together, run from the x axis toward the y axis around their interior.
+/// Overlapping fills of the same orientation are united by the non-zero rule.
 bool turnLeft(const PNT_2D* points, const std::size_t* ends, std::size_t rings);
 
-/// Cuts the segment to the box; false when nothing of it lies inside.
+/// Clips the segment to the box; false if it is entirely outside.
 bool clipSegment(const RECT_2D& box, PNT_2D& a, PNT_2D& b);
 
-/// Appends the part of a ring that lies inside the box to `out`; pieces of it are joined
-/// along the box, which leaves the inside right by both rules.
+/// Appends the part of a ring inside the box to `out`; its pieces are joined along the box, which
+/// preserves the interior by both rules.
 void clipRing(const RECT_2D& box, const PNT_2D* points, std::size_t count,
               std::vector<PNT_2D>& out);
 

@@ -16,16 +16,16 @@ enum ExitCode {
 
 /// How drawings are read.
 struct ReadOptions {
-  bool strict = false;         ///< an error ends the reading, and nothing is repaired
-  bool paperSpace = false;     ///< the sheets instead of the model
-  bool hatchOutlines = false;  ///< patterned hatches as their boundaries
-  int codePage = 0;            ///< of texts whatever the file says; 0: as it says
+  bool strict = false;         ///< stop at the first error and repair nothing
+  bool paperSpace = false;     ///< read the sheets instead of the model
+  bool hatchOutlines = false;  ///< convert patterned hatches to their boundaries
+  int codePage = 0;            ///< overrides the file's code page; 0: as stated by the file
 };
 
-/// What every command shares. One run of the tool has one.
+/// State shared by all commands of one run of the tool.
 struct Session {
   bool quiet = false;
-  bool readsTwice = false;  ///< so what a pipe gives has to be kept in memory
+  bool readsTwice = false;  ///< so the content of a pipe must be kept in memory
   ReadOptions reading;
   int exitCode = kAllWell;
 
@@ -34,13 +34,13 @@ struct Session {
     if (code > exitCode) exitCode = code;
   }
 
-  /// Prints "vek0: <message>" to the error stream, a line whatever the message holds. `details`
-  /// are whole lines below it, made of texts that are `visible`.
+  /// Prints "vek0: <message>" to the error stream, on one line whatever the message contains.
+  /// `details` are complete lines below it, already escaped by `visible`.
   static void complain(const std::string& message, const std::string& details = "");
 };
 
-/// Runs the tool and returns its exit code. `arguments` do not have the program's name; they are
-/// UTF-8, or whatever bytes names of the platform have.
+/// Runs the tool and returns its exit code. `arguments` exclude the program's name; they are UTF-8,
+/// or arbitrary bytes in the platform's file names.
 int runTool(const std::vector<std::string>& arguments);
 
 /// Each adds one verb with its options and help; `session` must outlive `app`.

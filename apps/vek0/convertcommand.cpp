@@ -24,7 +24,7 @@ bool addAllLinetypes(CData& data, const ConvertOptions& options, Session& sessio
                      [&](const std::string& path) { return addLinetypes(data, path, session); });
 }
 
-// What a file says of its unit is often wrong, so that `--from-units` goes before it.
+// The unit stated in a file is often wrong, so `--from-units` takes precedence.
 bool changeUnits(CData& data, const ConvertOptions& options, long stated, Session& session) {
   if (options.toUnits.empty()) return true;
   const char* name = unitName(stated);
@@ -44,7 +44,7 @@ std::size_t linesOf(const CEntInsertBase* insert) {
   return isSolid(hatch.getHatchType()) ? 0 : hatch.getBlock()->size();
 }
 
-// Of all patterned hatches: what the format has instead of them.
+// The number of lines that replace all patterned hatches in the format.
 std::size_t hatchLinesOf(const CData& data) {
   std::size_t lines = 0;
   for (CEnt* ent : data.getEntTable().getEntityTbl()) lines += linesOf(ent->getEntInsert());

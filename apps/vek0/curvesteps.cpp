@@ -8,12 +8,12 @@
 namespace vek0::tool {
 namespace {
 
-// How many of what a step was given it had no use for.
+// Reports the number of entities that a step skipped.
 std::string passedOver(std::size_t count) {
   return count == 0 ? "" : ", " + countedEntities(count) + " passed over";
 }
 
-// Adds a new entity to the drawing and to what is chosen next.
+// Adds a new entity to the drawing and to the next selection.
 bool take(Editing& editing, std::unique_ptr<CEnt> made, std::vector<CEnt*>& chosen) {
   CEnt* ent = made.get();
   if (!editing.undo.add(ent)) return false;
@@ -74,7 +74,7 @@ StepOutcome join(Editing& editing, std::optional<double> tolerance, JOIN_LAYERS 
                            counted(joined.size(), "polyline", "polylines") + passedOver(left));
 }
 
-// Closed curves have an outside, whichever way they run.
+// Closed curves have an outside, whatever their direction.
 double towards(const PATH_3D& path, double distance) {
   return path.closed && path.area() < 0 ? -distance : distance;
 }

@@ -22,7 +22,7 @@ std::string readStandardInput() {
   return bytes;
 }
 
-// As large as the drawing, so only where that is read twice or the platform has no such file.
+// As large as the drawing, so only used if that is read twice or the platform has no such file.
 std::unique_ptr<IFile> keptStandardInput() {
   static const std::string bytes = readStandardInput();
   return std::make_unique<CFileMemory>(u"-", kRead, bytes);

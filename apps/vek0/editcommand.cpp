@@ -15,7 +15,7 @@ namespace vek0::tool {
 namespace {
 
 struct NamedStep {
-  std::string name;  // as it stood on the command line
+  std::string name;  // as written on the command line
   EditStep work;
 };
 
@@ -26,7 +26,7 @@ struct EditOptions {
   SaveOptions save;
 };
 
-// Finds the steps in the order of the command line, in which their values are not kept.
+// Determines the steps in command-line order, which the parser does not keep for their values.
 std::vector<NamedStep> stepsInOrder(const CLI::App& verb, const EditOptions& options) {
   std::vector<NamedStep> steps;
   std::map<std::string, std::size_t> taken;
@@ -43,7 +43,7 @@ std::vector<NamedStep> stepsInOrder(const CLI::App& verb, const EditOptions& opt
   return steps;
 }
 
-// Each step is one on the stack, so that undoing is tried as a program would do it.
+// Each step is one undo step, so that undo is exercised as a program would use it.
 bool runSteps(Editing& editing, const std::vector<NamedStep>& steps, Session& session) {
   for (const NamedStep& step : steps) {
     editing.undo.begin(zim::WString::fromUtf8(step.name));
@@ -72,7 +72,7 @@ bool passesUndoCheck(Editing& editing, const std::string& before, Session& sessi
 }
 
 bool edit(CData& data, const std::vector<NamedStep>& steps, bool undoCheck, Session& session) {
-  // Nobody goes back without the check: then the last step alone is kept.
+  // Without the check nothing is undone, so only the last step is kept.
   CUndoStack undo(data, undoCheck ? std::numeric_limits<std::size_t>::max() : 0);
   const auto& all = data.getEntTable().getEntityTbl();
   Editing editing{

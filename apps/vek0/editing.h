@@ -10,15 +10,15 @@
 
 namespace vek0::tool {
 
-/// A drawing between the steps of an edit.
+/// State of a drawing between the steps of an edit.
 struct Editing {
   CData& data;
-  CUndoStack& undo;           ///< every change goes through it
-  std::vector<CEnt*> chosen;  ///< what the next step works on, in drawing order
+  CUndoStack& undo;           ///< records every change
+  std::vector<CEnt*> chosen;  ///< entities that the next step works on, in drawing order
 };
 
-/// What a step says: what it has done, or why it could not. A failed step may have changed
-/// something; undoing takes it back.
+/// Result of a step: what it has done, or why it failed. A failed step may have made changes; undo
+/// reverts them.
 struct StepOutcome {
   bool ok;
   std::string text;
@@ -28,7 +28,7 @@ struct StepOutcome {
   static StepOutcome noMemory() { return failed("there is not enough memory"); }
 };
 
-/// Work on the drawing, with its values.
+/// An operation on the drawing, with its values bound.
 using EditStep = std::function<StepOutcome(Editing&)>;
 
 /// "1 line", "3 lines".

@@ -7,23 +7,22 @@
 
 namespace vek0::tool {
 
-/// One kind of step as it stands on the command line. `read` makes the step out of the text
-/// behind the option and answers an empty text, or what is wrong with it.
+/// One kind of step on the command line. `read` creates the step from the option's value and
+/// returns an empty text, or an error message.
 struct StepKind {
   const char* option;
-  const char* value;  ///< how the help names what follows; null for a step without a value
+  const char* value;  ///< name of the value in the help; null for a step without a value
   const char* help;
   std::string (*read)(const std::string& text, EditStep& step);
 };
 
-/// All kinds, in the order of the help.
+/// All kinds, in help order.
 const std::vector<StepKind>& stepKinds();
 
 // --- The readers of the kinds, see `StepKind::read`
 
-/// "all", or "layer=A,B*,kind=line,arc,window=x1,y1,x2,y2" with any of the three. A value
-/// without a word before it goes on with the list before; quotes take commas and signs of
-/// equality into a name.
+/// "all", or "layer=A,B*,kind=line,arc,window=x1,y1,x2,y2" with any of the three. A value without a
+/// keyword continues the previous list; quotes allow commas and equals signs in a name.
 std::string readSelect(const std::string& text, EditStep& step);
 
 std::string readMove(const std::string& text, EditStep& step);    ///< "dx,dy" or "dx,dy,dz"
@@ -33,7 +32,7 @@ std::string readDelete(const std::string& text, EditStep& step);  ///< without a
 
 std::string readExplode(const std::string& text, EditStep& step);  ///< without a value
 std::string readJoin(const std::string& text, EditStep& step);     ///< a tolerance, or "auto"
-/// A distance, with ",round", ",mitre" or ",bevel" behind it for the corners.
+/// A distance, optionally followed by ",round", ",mitre" or ",bevel" for the corners.
 std::string readOffset(const std::string& text, EditStep& step);
 
 std::string readSetLayer(const std::string& text, EditStep& step);  ///< a name
@@ -47,14 +46,14 @@ std::string readRemapStyle(const std::string& text, EditStep& step);  ///< likew
 
 std::string readPurge(const std::string& text, EditStep& step);  ///< without a value
 
-// --- What several of them need
+// --- Shared helpers
 
-/// The step `work`, but failing when nothing is chosen.
+/// Wraps the step `work` so that it fails if nothing is selected.
 EditStep onChosen(EditStep work);
 
-/// The layer of that name; a new one like `model`, or of color 7 when that is null, when
-/// there is none. Null without memory, for a pattern, and for a layer of an external
-/// reference that does not exist: only the reference could make it.
+/// The layer of that name, created if necessary, like `model`, or with color 7 if that is null.
+/// Null when out of memory, for a pattern, and for a nonexistent layer of an external reference:
+/// only the reference could define it.
 CLayer* needLayer(Editing& editing, const zim::WString& name, const CLayer* model);
 
 }  // namespace vek0::tool

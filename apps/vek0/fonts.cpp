@@ -18,14 +18,13 @@ namespace {
 
 constexpr const char* kTechnicalFamily = "osifont";
 constexpr const char* kFallbackFamily = "DejaVu Sans";
-// Capitals of a face that does not tell, of its design square.
+// Default capital height of a face that does not state it, relative to the em square.
 constexpr double kUsualCapHeight = 0.7;
-// A made bold grows by that part of the design square, a made italic leans by that slope.
+// Synthetic bold grows by that fraction of the em square, synthetic italic slants by that slope.
 constexpr long kBoldPart = 24;
 constexpr double kItalicSlope = 0.2126;
 
-// Font files by the families that they hold; those of stroke fonts end in ".shx" and
-// need no entry.
+// Font files and their families; stroke fonts end in ".shx" and need no entry.
 constexpr struct {
   const char* file;
   const char* family;
@@ -72,8 +71,8 @@ bool takeExtension(std::string& name, std::string_view extension) {
   return true;
 }
 
-// The family that a drawing means by a font's name, which may be a path, and may name a
-// second font behind a comma.
+// The family denoted by a font name in a drawing, which may be a path and may name a second font
+// after a comma.
 std::string familyOf(const zim::WString& fontName) {
   std::string name = lowered(fontName.toUtf8());
   name.resize(std::min(name.size(), name.find(',')));
@@ -134,7 +133,7 @@ struct OutlineBuilder {
   }
 };
 
-// Hands a glyph's contours to the sink, each step with its points mapped.
+// Passes a glyph's contours to the sink, with mapped points.
 void emitGlyph(const GLYPH_OUTLINE& glyph, const AFFINE_2D& map, IOutlineSink& sink) {
   const PNT_2D* p = glyph.points.data();
   const auto next = [&] {
@@ -188,7 +187,7 @@ class Face {
   double unitsPerEm() const { return m_face->units_per_EM; }
   std::string family() const { return m_face->family_name ? m_face->family_name : "sans-serif"; }
 
-  /// 0 for a character that the face lacks; glyph 0 is what stands for these.
+  /// 0 for a character that the face lacks; glyph 0 represents missing ones.
   FT_UInt index(char32_t character) const { return FT_Get_Char_Index(m_face, character); }
 
   const GLYPH_OUTLINE& glyph(FT_UInt index) {
@@ -244,7 +243,7 @@ class Face {
   std::unordered_map<FT_UInt, GLYPH_OUTLINE> m_glyphs;
 };
 
-/// What the two libraries need to have for as long as a face is in use.
+/// State of the two libraries that must outlive all faces.
 struct FontLibrary::System {
   FT_Library freetype = nullptr;
   FcConfig* config = FcInitLoadConfigAndFonts();
@@ -258,7 +257,7 @@ struct FontLibrary::System {
   System& operator=(const System&) = delete;
 
   bool works() const { return freetype && config; }
-  /// The nearest font to a pattern; null when there is none.
+  /// The best match for a pattern; null if there is none.
   Pattern match(Pattern pattern) const {
     FcConfigSubstitute(config, pattern.get(), FcMatchPattern);
     FcDefaultSubstitute(pattern.get());
@@ -280,7 +279,7 @@ double FaceFont::getDescent() const { return face(false, false).descent(); }
 double FaceFont::unitsPerEm() const { return face(false, false).unitsPerEm(); }
 std::string FaceFont::family() const { return face(false, false).family(); }
 
-// Visits every glyph with its place on the baseline and its scale; returns the width.
+// Visits every glyph with its position on the baseline and its scale; returns the width.
 template <class Visit>
 double FaceFont::walk(const zim::WString& text, Face& primary, Visit&& visit) const {
   // The unit is the upright face's, also for a bold one with other capitals.
@@ -358,8 +357,8 @@ void FontLibrary::adopt(const CData& data) {
 
 const FaceFont* FontLibrary::font(const zim::WString& name) {
   const auto [found, isNew] = m_fonts.try_emplace(name);
-  // A font is only handed out when it has its upright face, which then stands in for
-  // every other that cannot be had.
+  // A font is only returned if it has its upright face, which replaces every other that is
+  // unavailable.
   if (isNew && findFace(name, false, false)) found->second.reset(new FaceFont(name, *this));
   return found->second.get();
 }

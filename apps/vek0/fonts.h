@@ -30,7 +30,7 @@ struct GLYPH_OUTLINE {
 struct FACE_FILE {
   std::string path;
   int index = 0;         ///< of the face in the file
-  bool altered = false;  ///< made bold or italic: its glyphs are not those of the file
+  bool altered = false;  ///< synthetic bold or italic: its glyphs differ from those in the file
 };
 
 /// A glyph of a text, on the device.
@@ -38,11 +38,11 @@ struct FACE_GLYPH {
   const FACE_FILE* file = nullptr;
   unsigned index = 0;  ///< in the file's face
   PNT_2D at;           ///< where its origin lies
-  double size = 0;     ///< of the design square, in the units of the text
+  double size = 0;     ///< of the em square, in the units of the text
 };
 
-/// Takes the contours of a text in device coordinates. Each is closed by the next `move`
-/// or by the end.
+/// Receives the contours of a text in device coordinates. Each is closed by the next `move` or by
+/// the end.
 class IOutlineSink {
  public:
   virtual ~IOutlineSink() = default;
@@ -52,14 +52,12 @@ class IOutlineSink {
   virtual void cubic(const PNT_2D& control1, const PNT_2D& control2, const PNT_2D& to) = 0;
 };
 
-/// A font of a drawing under the name that the drawing has for it, measured and drawn by
-/// a face of the system. Its unit is that of the face's design, so the height unit is
-/// the height of the face's capitals.
+/// A font of a drawing, by the drawing's name for it, measured and drawn with a system face. Its
+/// units are the face's design units, so the height unit is the face's capital height.
 ///
-/// The faces for bold and italic are looked for when they are first asked for; a family
-/// without them is emboldened and slanted. A character that the face lacks comes from
-/// another one, at the same height of capitals. Strings are measured and drawn by the
-/// same walk, so they agree.
+/// Bold and italic faces are searched on first use; a family without them is emboldened and slanted
+/// synthetically. A character that the face lacks is taken from another one, scaled to the same
+/// capital height. Strings are measured and drawn by the same traversal, so the results agree.
 class FaceFont final : public ICADFont {
  public:
   double getHeightUnit() const override;
@@ -73,8 +71,7 @@ class FaceFont final : public ICADFont {
   void outline(const DrawText& text, IOutlineSink& sink) const;
   /// Name of the face's family in UTF-8.
   std::string family() const;
-  /// Size of the design square in the font's units, which other programs call the font
-  /// size.
+  /// Size of the em square in font units, which other programs call the font size.
   double unitsPerEm() const;
 
  private:
@@ -89,30 +86,30 @@ class FaceFont final : public ICADFont {
   mutable Face* m_faces[4] = {};
 };
 
-/// The fonts of the system as fonts of drawings. Must outlive the drawings that use them
-/// and be gone before `shutdownCore`.
+/// System fonts as fonts of drawings. Must outlive the drawings that use them and be destroyed
+/// before `shutdownCore`.
 ///
-/// Names are those of drawings: "ARIAL.TTF", "romans.shx", "Liberation Sans". Names of
-/// stroke fonts, which no system has, give a technical lettering; what else is unknown
-/// gives whatever the system finds nearest. Not for concurrent use.
+/// Names are those of drawings: "ARIAL.TTF", "romans.shx", "Liberation Sans". Names of stroke
+/// fonts, which systems lack, select a technical lettering font; other unknown names select the
+/// system's best match. Not thread-safe.
 class FontLibrary {
  public:
   FontLibrary();
-  /// Takes the default font back out of the font table.
+  /// Removes the default font from the font table.
   ~FontLibrary();
   FontLibrary(const FontLibrary&) = delete;
   FontLibrary& operator=(const FontLibrary&) = delete;
 
-  /// Makes a font of this library the default of the process, for styles without one.
+  /// Makes a font of this library the process-wide default, for styles without a font.
   void registerFonts();
-  /// Gives every style of the drawing, those of external references too, the font of its
-  /// font's name. To be called before anything asks for extents of texts.
+  /// Sets the font of every style of the drawing, including those of external references, by its
+  /// font name. Call it before extents of texts are requested.
   void adopt(const CData& data);
 
-  /// The font for a name; the same one for the same name. Null when the system has no
-  /// usable font at all.
+  /// The font for a name; always the same one for the same name. Null if the system has no usable
+  /// font.
   const FaceFont* font(const zim::WString& name);
-  /// What draws a font of whatever origin, the default font for null.
+  /// The face font that draws any given font; the default font for null.
   const FaceFont* drawing(const ICADFont* font);
 
  private:
@@ -120,12 +117,12 @@ class FontLibrary {
   struct System;
 
   Face* findFace(const zim::WString& name, bool bold, bool italic);
-  /// A face that has the character; null when the system has none.
+  /// A face that has the character; null if the system has none.
   Face* faceWith(char32_t character);
   Face* openFace(const std::string& path, int index, bool bold, bool italic);
 
   std::unique_ptr<System> m_system;
-  std::unordered_map<std::string, std::unique_ptr<Face>> m_faces;  // by path and make-up
+  std::unordered_map<std::string, std::unique_ptr<Face>> m_faces;  // by path and synthetic style
   std::unordered_map<char32_t, Face*> m_substitutes;
   std::unordered_map<zim::WString, std::unique_ptr<FaceFont>> m_fonts;
   const ICADFont* m_formerDefault = nullptr;

@@ -21,7 +21,7 @@ struct HatchOptions {
   SaveOptions save;
 };
 
-// "x,y"; an error text or nothing, as the argument parser wants it.
+// Parses "x,y"; returns an error text or nothing, as the argument parser expects.
 std::string checkPoint(const std::string& text, PNT_3D& pnt) {
   const auto numbers = numbersIn(text);
   if (!numbers || numbers->size() != 2) return "'" + text + "' is not a point like 12.5,-3";
@@ -55,7 +55,7 @@ std::vector<HATCH_RING> outlinesOf(const CData& data) {
   return collector.rings;
 }
 
-// Whether the ring leaves the line from its first point to the farthest one.
+// Whether the ring deviates from the line from its first point to the farthest one.
 bool hasWidth(const PNT_3D* ring, std::size_t count) {
   constexpr double kFlat = 1e-12;  // of that distance
   const auto distance = [&](const PNT_3D& p) { return std::hypot(p.x - ring->x, p.y - ring->y); };
@@ -76,7 +76,7 @@ bool hasArea(const std::vector<PNT_3D>& boundary) {
   });
 }
 
-// The area to hatch; empty, and complained of, when it is none.
+// The boundary to hatch; empty, with an error message, if there is none.
 std::vector<PNT_3D> boundaryOf(const CData& data, const HatchOptions& options, Session& session) {
   std::vector<PNT_3D> boundary =
       joinHatchRings(options.closedPolylines ? outlinesOf(data) : ringOf(options.boundary));

@@ -15,8 +15,8 @@ struct ImportOptions {
   SaveOptions save;
 };
 
-// Importing works in place, so a file that breaks off half way would leave half of
-// itself behind: it is read into a drawing of its own first.
+// Importing modifies the drawing, so a damaged file would leave half of its content behind: it is
+// first read into a separate drawing.
 bool canBeLoaded(const std::string& path, const Session& session, std::string& message) {
   const Drawing trial = newDrawing();
   const ReadResult result = loadFile(*trial, path, session);

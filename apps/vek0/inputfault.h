@@ -4,14 +4,14 @@
 
 namespace vek0::tool {
 
-/// Why nothing of an input can be read.
+/// Why an input cannot be read at all.
 struct InputFault {
   const char* kind = nullptr;  ///< "file missing", "folder" or "file unreadable"; null: none
   std::string message;         ///< one sentence
 };
 
-/// What keeps `path` ("-": standard input) from being read. Opens regular files, and only
-/// these, since looking into a pipe takes something out of it.
+/// Checks whether `path` ("-": standard input) can be read. Opens only regular files, since
+/// examining a pipe consumes data.
 InputFault inputFault(const std::string& path);
 
 }  // namespace vek0::tool

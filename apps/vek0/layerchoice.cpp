@@ -18,7 +18,7 @@ bool matchesPattern(std::u16string_view name, std::u16string_view pattern) {
       ++p;
       ++n;
     } else if (star != pattern.npos) {
-      // The last star takes one character more.
+      // Let the last star match one more character.
       p = star + 1;
       n = ++resume;
     } else {

@@ -9,19 +9,19 @@ class CLayer;
 
 namespace vek0::tool {
 
-/// Whether a name fits a pattern, ignoring case: "*" stands for any text, "?" for one character.
+/// Whether a name matches a pattern, ignoring case: "*" matches any text, "?" one character.
 /// Quadratic at worst.
 bool matchesPattern(std::u16string_view name, std::u16string_view pattern);
-/// Whether it holds one of these, so that it may mean several names.
+/// Whether it contains a wildcard and so may match several names.
 bool isPattern(std::u16string_view name);
 
 /// Which layers of a drawing are shown.
 class LayerChoice {
  public:
-  /// With names in `shown` only the layers that they match are on, frozen ones thawed;
-  /// those in `hidden` are off in any case. UTF-8, patterns allowed. Layers of external
-  /// references go by "XREF|LAYER". Layer Defpoints, which is never printed, is off unless a
-  /// name in `shown` matches it.
+  /// If `shown` is not empty, only layers that it matches are on, and frozen ones are thawed; those
+  /// in `hidden` are always off. Names are UTF-8 and may be patterns. Layers of external references
+  /// are named "XREF|LAYER". Layer Defpoints, which is never printed, is off unless a name in
+  /// `shown` matches it.
   LayerChoice(const CData& data, const std::vector<std::string>& shown,
               const std::vector<std::string>& hidden);
 
@@ -31,9 +31,9 @@ class LayerChoice {
   bool hidesUnprinted() const { return m_hidesUnprinted; }
   /// The names that no layer matched.
   const std::vector<std::string>& unmatched() const { return m_unmatched; }
-  /// The layers that are neither off nor frozen now.
+  /// The layers that are now neither off nor frozen.
   const std::vector<CLayer*>& visible() const { return m_visible; }
-  /// Switches all others of the visible layers off.
+  /// Switches off all other visible layers.
   void showOnly(const CLayer* layer) const;
 
  private:

@@ -7,11 +7,11 @@
 namespace vek0::tool {
 namespace {
 
-constexpr std::uint32_t kFull = 256;             // coverage of a pixel that is all covered
+constexpr std::uint32_t kFull = 256;             // coverage of a fully covered pixel
 constexpr std::uint32_t kLanes = 0x00FF00FF;     // two parts of a color, 16 bits each
 constexpr std::uint32_t kRounding = 0x00800080;  // halves of both
 
-// The pixels of 0 to count - 1 whose middles lie in [low, high]; false when there are none.
+// The pixels from 0 to count - 1 whose centers are in [low, high]; false if there are none.
 bool inside(double low, double high, long count, long& first, long& last) {
   const auto end = static_cast<double>(count);
   if (!(high >= 0.5 && low <= end - 0.5 && low <= high)) return false;
@@ -45,7 +45,7 @@ std::uint32_t* LineRasterizer::rowOf(long y) const {
   return reinterpret_cast<std::uint32_t*>(m_pixels + m_stride * y);
 }
 
-// Both lanes at once: what is there and what is added make 255 * 256 at most.
+// Both lanes at once: old and new values add up to at most 255 * 256.
 void LineRasterizer::mix(std::uint32_t& pixel, std::uint32_t coverage) const {
   const std::uint32_t left = kFull - coverage;
   const std::uint32_t redBlue = (pixel & kLanes) * left + m_redBlue * coverage + kRounding;
@@ -62,7 +62,7 @@ void LineRasterizer::stroke(const PNT_2D* points, std::size_t count, bool closed
     };
     return forEachPixel(points[0], points[count - 1], paint);
   }
-  // Segments meet in pixels that both cover: the nearer one counts.
+  // Adjacent segments share pixels: the nearer one determines the coverage.
   const auto keep = [this](long x, long y, std::uint32_t coverage) {
     std::uint16_t& mask = m_mask[static_cast<std::size_t>(y) * static_cast<std::size_t>(m_width) +
                                  static_cast<std::size_t>(x)];
@@ -75,7 +75,7 @@ void LineRasterizer::stroke(const PNT_2D* points, std::size_t count, bool closed
   blend();
 }
 
-// A stroke of no length is a disc as wide as its line.
+// A stroke of zero length is a disc with the diameter of the line width.
 void LineRasterizer::disc(const PNT_2D& center, double diameter) {
   const double reach = std::exchange(m_reach, reachOf(diameter));
   const double strength = std::exchange(m_strength, double{kFull});
@@ -104,8 +104,8 @@ void LineRasterizer::forEachPixel(const PNT_2D& from, const PNT_2D& to, const Co
   for (long y = first; y <= last; ++y) row(y, s, cover);
 }
 
-// The pixels of a row whose middle is within reach of the line, between its ends. Past an
-// end the distance from it counts.
+// Visits the pixels of a row whose centers are within reach of the segment. Beyond an end, the
+// distance to that end is used.
 template <class Cover>
 void LineRasterizer::row(long y, const Segment& s, const Cover& cover) {
   const double dy = static_cast<double>(y) + 0.5 - s.from.y;

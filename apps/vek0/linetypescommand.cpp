@@ -23,7 +23,7 @@ struct LinetypesOptions {
   bool force = false;
 };
 
-// To six decimals, which is what the files carry: the conversion leaves an error.
+// Rounded to the six decimals of the files, because the conversion is inexact.
 double degrees(double angleRad) { return std::round(angleRad * kDegPerRad * 1e6) / 1e6; }
 
 Json elementToJson(const ILtypeComplexDash& dash) {
@@ -135,7 +135,7 @@ void saveTo(const LinetypesOptions& options, CLtypeLoader& loader, Session& sess
   }
 }
 
-// Saved on the standard output, nothing else may stand there.
+// If saved to the standard output, nothing else may be printed there.
 bool listsFiles(const LinetypesOptions& options, const Session& session) {
   return options.saveTo != "-" && (options.json || !session.quiet);
 }

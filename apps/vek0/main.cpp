@@ -42,7 +42,7 @@ std::size_t editDistance(const std::string& a, const std::string& b) {
   return row.back();
 }
 
-// Says which verb was probably meant, instead of the parser's list of leftovers.
+// Suggests the verb that was probably meant, instead of the parser's list of unexpected arguments.
 bool isUnknownVerb(const CLI::App& app, const std::string& word) {
   if (word.empty() || word[0] == '-') return false;
   const std::vector<const CLI::App*> verbs = app.get_subcommands({});

@@ -32,7 +32,7 @@ struct Closer {
 };
 using Converter = std::unique_ptr<std::remove_pointer_t<iconv_t>, Closer>;
 
-// Opened once a page and thread; null when the system does not know the page.
+// Opened once per page and thread; null if the system does not support the page.
 iconv_t converterOf(int page) {
   thread_local std::map<int, Converter> converters;
   const auto [place, isNew] = converters.try_emplace(page);

@@ -5,8 +5,8 @@
 
 namespace vek0::tool {
 
-/// Decodes the East Asian code pages by the system's converter; see `MultiByteDecoder`.
-/// Bytes that mean nothing become U+FFFD.
+/// Decodes the East Asian code pages by the system's converter; see `MultiByteDecoder`. Invalid
+/// bytes become U+FFFD.
 bool decodeMultiByte(int page, std::string_view bytes, std::u16string& out);
 
 }  // namespace vek0::tool

@@ -2,7 +2,7 @@
 
 namespace vek0::tool {
 
-// Says why there are no pictures, where the parser would propose another command.
+// Explains why rendering is unavailable, where the parser would suggest another command.
 void addRenderCommand(CLI::App& app, Session& session) {
   CLI::App* verb = app.add_subcommand("render", "Not in this build of vek0");
   verb->allow_extras()->fallthrough(false);

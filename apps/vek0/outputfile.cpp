@@ -34,7 +34,7 @@ void removeAndEnd(int signal) {
   std::_Exit(128 + signal);
 }
 
-// What nobody waits for any more (nohup) stays ignored.
+// Signals that are ignored (nohup) stay ignored.
 void endCleanlyOn(int signal) {
   if (std::signal(signal, removeAndEnd) == SIG_IGN) std::signal(signal, SIG_IGN);
 }
@@ -48,18 +48,18 @@ void watchForInterruption(const std::filesystem::path::string_type& temporary) {
 #ifndef _WIN32
   endCleanlyOn(SIGHUP);
   endCleanlyOn(SIGPIPE);
-  std::signal(SIGXFSZ, SIG_IGN);  // a file that grows too large is a write that fails
+  std::signal(SIGXFSZ, SIG_IGN);  // exceeding the file size limit becomes a failed write
 #endif
 }
 
-// Beside the target, so that the rename stays within one file system. Not named after it: a name
-// may be as long as the file system has room for.
+// In the target's folder, so that the rename stays within one file system. Not derived from its
+// name, which may already have the maximum length.
 std::filesystem::path temporaryFor(const std::filesystem::path& target) {
   std::random_device random;
   return target.parent_path() / (".vek0-" + std::to_string(random()) + ".tmp");
 }
 
-// What links lead to, there or not; nothing when they lead in a circle.
+// The target of links, existing or not; empty if they are circular.
 std::filesystem::path followed(std::filesystem::path path) {
   constexpr int kMostLinks = 40;
   std::error_code failure;
@@ -94,7 +94,7 @@ std::string OutputFile::faultOf(const std::string& path, bool force) const {
   const auto status = std::filesystem::status(m_target, ignored);
   if (m_target.empty()) return "'" + path + "' is a link that leads to itself";
   if (std::filesystem::is_directory(status)) return "'" + path + "' is a folder";
-  // The rename would put a file in the place of the pipe or device.
+  // Renaming would replace the pipe or device by a file.
   if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
     return "'" + path + "' is not a regular file";
   if (!force && std::filesystem::exists(status)) return "'" + path + "' exists; -f replaces it";
@@ -103,7 +103,7 @@ std::string OutputFile::faultOf(const std::string& path, bool force) const {
   return {};
 }
 
-// Until it is in place nobody else may read it: the file that it replaces may be private.
+// Until it is in place, only the owner may read it: the file that it replaces may be private.
 void OutputFile::createTemporary() {
   std::error_code ignored;
   std::ofstream(m_temporary).close();

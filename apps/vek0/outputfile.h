@@ -9,35 +9,35 @@
 
 namespace vek0::tool {
 
-/// Where a command writes its drawing: a file that appears whole or not at all,
-/// or the standard output for "-".
+/// The output of a command: a file that is created completely or not at all, or the standard output
+/// for "-".
 ///
-/// The bytes go to a temporary file beside the target, which only its owner may read and which
-/// `commit` renames. Without `commit` (and on interruption) the temporary file is removed.
+/// The bytes are written to a temporary file next to the target, which only its owner may read and
+/// which `commit` renames. Without `commit`, and on interruption, the temporary file is removed.
 class OutputFile {
  public:
-  /// What line feeds become: the platform's line end in texts, nothing else in bytes.
+  /// Conversion of line feeds: to the platform's line end for text, none for bytes.
   enum Content { Text, Bytes };
 
-  /// Refuses, with a reason in `error()`, an existing target unless `force`.
+  /// Rejects an existing target unless `force`, with the reason in `error()`.
   OutputFile(const std::string& path, bool force, Content content = Text);
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
-  /// Empty while all is well.
+  /// Empty if there is no error.
   const std::string& error() const { return m_error; }
 
   /// The target as given, for messages.
   std::string path() const { return m_target.string(); }
 
-  /// What to save into; owned by this object.
+  /// The file to write to; owned by this object.
   IFile& file() { return *m_file; }
 
-  /// The bytes of the finished file, before or after `commit`; 0 when that cannot be told.
+  /// The bytes of the finished file, before or after `commit`; 0 if unknown.
   std::uintmax_t size() const;
 
-  /// Puts the finished file in its place. False, with `error()`, when that fails.
+  /// Moves the finished file into place. Returns false and sets `error()` on failure.
   bool commit();
 
  private:

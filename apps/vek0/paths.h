@@ -26,7 +26,7 @@ inline std::string toUtf8(const std::filesystem::path& path) {
 #endif
 }
 
-/// The name that the library's files take.
+/// The name to pass to the library's file classes.
 inline zim::WString toName(const std::filesystem::path& path) {
 #ifdef _WIN32
   return zim::WString(std::u16string_view(path.u16string()));

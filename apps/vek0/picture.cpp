@@ -13,12 +13,12 @@ namespace {
 constexpr double kImageSide = 1600;  // pixels
 constexpr double kMinImageSide = 200;
 constexpr double kMarginMm = 10, kMarginPixels = 20;
-constexpr double kMostMargin = 0.125;  // of a sheet's shorter side, unless it is asked for
+constexpr double kMostMargin = 0.125;  // of a sheet's shorter side, unless specified
 constexpr double kLineMm = 0.25, kLinePixels = 1;
 constexpr SHEET_SIZE kA4{210, 297, true};
-// What readers of PDF take for a side: 200 inches.
+// Maximum page side in PDF readers: 200 inches.
 constexpr double kMaxPageMm = 5080;
-// Coordinates on a sheet stay exact to the last digit that is written.
+// Up to here, coordinates on a sheet are exact to the last digit written.
 constexpr double kMaxUnits = 1e7;
 
 bool takePrefix(std::string& text, const std::string& prefix) {
@@ -27,7 +27,7 @@ bool takePrefix(std::string& text, const std::string& prefix) {
   return true;
 }
 
-// A rectangle that has an area: what is shown is at least a point in the middle of it.
+// Extends an empty rectangle to a non-empty one around its center.
 RECT_2D withArea(const RECT_2D& rect) {
   if (!rect.validRegion() || !isFinite(rect)) return RECT_2D(0, 0, 1, 1);
   RECT_2D area = rect;
@@ -91,7 +91,7 @@ class Layout {
     return m_paper ? fromMm(kLineMm) : kLinePixels;
   }
 
-  // Drawing units that one device unit shows.
+  // Drawing units per device unit.
   double perUnit() const {
     if (m_options.scale) return m_unitMm / (m_options.unitMm * *m_options.scale);
     return std::max(contentWidth() / (m_width - 2 * m_margin),
@@ -144,13 +144,13 @@ class Layout {
 
   void placeContent(PICTURE& picture) const {
     const double scale = perUnit();
-    // The sheet is as large as it was rounded to, the scale as it was asked for.
+    // Uses the rounded size of the sheet and the requested scale.
     const double halfWidth = static_cast<double>(picture.sheet.width) * scale / 2;
     const double halfHeight = static_cast<double>(picture.sheet.height) * scale / 2;
     const double x = (m_content.min.x + m_content.max.x) / 2;
     const double y = (m_content.min.y + m_content.max.y) / 2;
     picture.world = RECT_2D(x - halfWidth, y - halfHeight, x + halfWidth, y + halfHeight);
-    // Half a unit is what rounding the sheet may have cut off.
+    // Rounding the sheet may have cut off half a unit.
     picture.overflows =
         contentWidth() > 2 * halfWidth + scale || contentHeight() > 2 * halfHeight + scale;
     if (picture.error.empty() && !isFinite(picture.world)) {

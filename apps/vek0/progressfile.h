@@ -8,16 +8,15 @@
 
 namespace vek0::tool {
 
-/// Passes everything through to another file and draws a bar on the error stream
-/// once reading has taken more than a second. The bar goes when the file closes.
+/// Passes everything through to another file and draws a bar on the error stream once reading has
+/// taken more than a second. The bar is removed when the file is closed.
 class ProgressFile : public IFile {
  public:
-  /// `inner` is read through; `totalBytes` is what 100 % means; `label` names the
-  /// file in the bar.
+  /// Reads through `inner`; `totalBytes` corresponds to 100 %; `label` names the file in the bar.
   ProgressFile(std::unique_ptr<IFile> inner, long long totalBytes, std::string label);
   ~ProgressFile() override;
 
-  /// Whether a bar can be seen at all: the error stream is a terminal.
+  /// Whether a bar would be visible: the error stream is a terminal.
   static bool visible();
 
   bool open() override;

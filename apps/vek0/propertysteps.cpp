@@ -11,12 +11,12 @@ StepOutcome setAll(Editing& editing, const std::string& what, const Set& set) {
     if (!editing.undo.keepProperties(*ent)) return StepOutcome::noMemory();
     set(*ent);
   }
-  // A frozen layer hides what is on it from the extents.
+  // A frozen layer excludes its entities from the extents.
   editing.data.getEntTable().invalidateBdry();
   return StepOutcome::done(countedEntities(editing.chosen.size()) + what);
 }
 
-// The number of a color's name or of its digits; -1 for others.
+// The number for a color name or for digits; -1 for other texts.
 short colorOf(const zim::WString& name) {
   for (short color = 0; color <= 256; ++color) {
     if (zim::equalsIgnoreCase(name, CColors::getInstance()[color]) ||

@@ -5,7 +5,7 @@
 namespace vek0::tool {
 namespace {
 
-// Users before what they insert, so that a removed block releases others.
+// Users before the blocks they insert, so that removing a block releases others.
 class CollectBlocks final : public IBlockOperation {
  public:
   int doOperation(CBlock& block) override {
@@ -16,7 +16,7 @@ class CollectBlocks final : public IBlockOperation {
   std::vector<CBlock*> blocks;
 };
 
-// What the entities of a drawing name, found by looking: use counts are only hints.
+// Collects the items used by the entities of a drawing by traversal: use counts are only hints.
 class UsedItems {
  public:
   explicit UsedItems(const CData& data) {
@@ -51,7 +51,7 @@ class UsedItems {
   std::unordered_set<const CNamedItem*> m_items;
 };
 
-// Removes what nothing uses; the stack leaves what is current or fixed.
+// Removes unused items; the stack keeps current and fixed ones.
 template <class Item>
 std::size_t removeUnused(Editing& editing, const std::vector<Item*>& items, const UsedItems& used) {
   std::size_t count = 0;
@@ -67,14 +67,14 @@ auto listOf(Walk walk) {
   return items;
 }
 
-// Style "STANDARD" is taken for granted by texts that name none.
+// Style "STANDARD" is needed by texts without a style.
 std::vector<CStyle*> stylesOf(const CData& data) {
   std::vector<CStyle*> styles = listOf(CData::CStyleIterator(data, false));
   std::erase_if(styles, [](const CStyle* style) { return style->isStandard(); });
   return styles;
 }
 
-// Block by block, since one that goes may have been the only one to insert the next.
+// Block by block, since a removed one may have been the only one to insert the next.
 std::size_t purgeBlocks(Editing& editing) {
   CollectBlocks all;
   editing.data.getBlockTable().getBlockGraph().VisitDep(all);
@@ -99,10 +99,10 @@ StepOutcome purge(Editing& editing) {
   const std::size_t blocks = purgeBlocks(editing);
   const std::size_t layers =
       removeUnused(editing, listOf(CData::CLayerIterator(data, false)), UsedItems(data));
-  const UsedItems used(data);  // layers that are gone have no linetype any more
+  const UsedItems used(data);  // removed layers no longer use linetypes
   const std::size_t ltypes =
       removeUnused(editing, listOf(CData::CLtypeIterator(data, false, false)), used);
-  // Linetypes that are gone write no texts any more.
+  // Removed linetypes no longer use styles.
   const std::size_t styles = removeUnused(editing, stylesOf(data), UsedItems(data));
   return StepOutcome::done(counted(blocks, "block", "blocks") + ", " +
                            counted(layers, "layer", "layers") + ", " +

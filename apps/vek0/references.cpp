@@ -33,7 +33,7 @@ ReferenceReader::ReferenceReader(const std::string& path, const ReferenceOptions
     m_folders.allowFolder(zim::WString::fromUtf8(folder));
   m_options.reading = readingOptions(session);
   m_options.reading.policy.paperSpace = false;
-  // A font is found by its name, and what is bound is to keep it.
+  // Fonts are found by name, and bound content must keep its font names.
   m_options.reading.policy.keepFontNames = true;
   m_options.drawing = m_folders.getDrawing();
   m_options.report = &m_report;

@@ -10,32 +10,32 @@
 
 namespace vek0::tool {
 
-/// Where the files of external references are looked for, beside the drawing's own folder.
+/// Where to look for files of external references, besides the drawing's own folder.
 struct ReferenceOptions {
   std::vector<std::string> searched, allowed;
 };
 
 void addReferenceOptions(CLI::App& verb, ReferenceOptions& options);
 
-/// Reads what a drawing refers to.
+/// Reads the external references of a drawing.
 class ReferenceReader {
  public:
   /// For the drawing `path` ("-": the standard input, which lies nowhere). `session` is
   /// borrowed.
   ReferenceReader(const std::string& path, const ReferenceOptions& options, const Session& session);
 
-  /// Reads all references; answers how many are not loaded then.
+  /// Reads all references; returns the number that are not loaded afterwards.
   int resolve(CData& data) { return resolveXRefs(data, m_folders, m_options); }
-  /// Reads one and what it refers to.
+  /// Reads one and its nested references.
   bool resolve(CData& data, CBlockXRef& xref) {
     return resolveXRef(data, xref, m_folders, m_options);
   }
 
-  /// What did not work, and what else is to be known.
+  /// The failures and other notes.
   const CFileReport& report() const { return m_report; }
-  /// How often something did not work.
+  /// Number of failures.
   long failures() const;
-  /// A line for each of these; empty when all is shown.
+  /// One line per failure; empty if there are none.
   std::string failuresToText() const;
   /// The drawings that were read, each with what its reading repaired or lost.
   using Readings = std::vector<std::pair<std::string, CFileReport>>;
@@ -43,7 +43,7 @@ class ReferenceReader {
 
  private:
   CXRefFolders m_folders;
-  CXRefOptions m_options;  // names the two below
+  CXRefOptions m_options;  // refers to the two below
   CFileReport m_report;
   Readings m_readings;
 };
@@ -53,13 +53,13 @@ struct References {
   explicit References(const CData& data);
 
   std::vector<CBlockXRef*> all;
-  /// Those that the drawing itself refers to: that it inserts, or that no other one shows.
+  /// Direct references: those that the drawing inserts, or that no other one shows.
   std::vector<CBlockXRef*> own;
 };
 
 const char* nameOf(CBlockXRef::Status status);
 
-/// "HOUSE (house.dxf)", with ", overlay" behind the path of one.
+/// "HOUSE (house.dxf)", with ", overlay" after the path of an overlay.
 std::string toText(const CBlockXRef& xref);
 
 }  // namespace vek0::tool

@@ -22,7 +22,7 @@ const zim::WString& fullNameOf(const CLayer& layer) { return layer.getFullName()
 const zim::WString& fullNameOf(const CLtype& ltype) { return ltype.getFullName(); }
 const zim::WString& fullNameOf(const CStyle& style) { return style.getName(); }
 
-// The item of exactly that name, which may be a fixed one; else those that it is a pattern of.
+// The item of exactly that name, possibly a fixed one; otherwise those that match it as a pattern.
 template <class Item, class Walk>
 std::vector<Item*> matching(Item* exact, Walk walk, const std::string& name) {
   if (exact != nullptr) return {exact};
@@ -54,7 +54,7 @@ StepOutcome nothingToReplace(const char* what, const Names& names) {
   return unknown(what, names.from + " other than " + names.to);
 }
 
-// Without the replacement itself, which a pattern may match as well.
+// Excludes the replacement itself, which a pattern may match as well.
 template <class Item>
 std::vector<Item*> without(std::vector<Item*> items, const Item* item) {
   items.erase(std::remove(items.begin(), items.end(), item), items.end());
@@ -80,7 +80,7 @@ const CLayer* layerWith(const std::vector<CLtype*>& ltypes, const CData& data) {
   return nullptr;
 }
 
-// A pattern leaves BYLAYER and BYBLOCK alone: they say where the linetype comes from.
+// Patterns do not match BYLAYER and BYBLOCK, which only refer to a linetype elsewhere.
 StepOutcome remapLtypes(Editing& editing, const Names& names) {
   const CData& data = editing.data;
   CLtype* to = getLtype(data, zim::WString::fromUtf8(names.to));

@@ -44,7 +44,7 @@ constexpr const char* kNoBackground = "none";
 constexpr double kPixelsPerPoint = 600;  // about a microsecond either way
 constexpr double kLeastPointPixels = 3;  // or points would hardly be seen
 
-// What an argument must be: what `parse` takes.
+// Validates an argument by `parse`.
 template <class Parse>
 CLI::Validator isA(const std::string& what, Parse parse) {
   const auto check = [what, parse](const std::string& text) {
@@ -53,7 +53,7 @@ CLI::Validator isA(const std::string& what, Parse parse) {
   return CLI::Validator(check, "");
 }
 
-// A number within bounds, whatever the locale's decimal sign is.
+// A number within bounds, independent of the locale's decimal separator.
 CLI::Validator isNumber(double least, double most, const std::string& bounds) {
   return isA("a number " + bounds, [least, most](const std::string& text) {
     double value;
@@ -61,7 +61,7 @@ CLI::Validator isNumber(double least, double most, const std::string& bounds) {
   });
 }
 
-// What is wrong with a scale, or an empty text.
+// The error in a scale, or an empty text.
 std::string scaleComplaint(const std::string& text) {
   double number;
   if (parseScale(text)) return {};
@@ -69,7 +69,7 @@ std::string scaleComplaint(const std::string& text) {
   return "'" + text + "' can mean two scales: say 1:" + text + " or " + text + ":1";
 }
 
-// What a drawing unit is: as the options say, else as the file does, else a millimeter.
+// The drawing unit: from the options, else from the file, else a millimeter.
 std::string unitOf(const RenderOptions& options, const ReadResult& result) {
   const char* stated = unitName(result.outcome.units);
   if (!options.unit.empty()) return options.unit;
@@ -103,8 +103,8 @@ std::unique_ptr<SheetPainter> makePainter(const RenderOptions& options, Format f
   return std::make_unique<SvgPainter>(file, sheet, fonts, texts);
 }
 
-// What the reader could not give us, for people who miss it in the picture; empty when
-// everything is there. The views of a sheet are no part of the drawing.
+// Content lost in reading that users may miss in the picture; empty if complete. The views of a
+// sheet are not part of the drawing.
 std::string missingFrom(const CFileReport& report) {
   std::string kinds;
   for (const CFileReport::Entry& entry : report.entries()) {
@@ -115,7 +115,7 @@ std::string missingFrom(const CFileReport& report) {
   return kinds;
 }
 
-// Where what could be shown is instead; empty when nobody knows.
+// Explains an empty picture by where the content is; empty if unknown.
 std::string whyNothing(const ReadResult& result, const LayerChoice& layers) {
   const std::string elsewhere = result.elsewhere();
   if (!elsewhere.empty()) return ": " + elsewhere;
@@ -130,7 +130,7 @@ std::string joined(const std::vector<std::string>& names) {
   return text;
 }
 
-// Renders drawings one after the other; complains and sets the exit code when one fails.
+// Renders drawings one after the other; prints an error and sets the exit code if one fails.
 class Renderer {
  public:
   Renderer(const RenderOptions& options, Format format, Session& session)
@@ -152,7 +152,7 @@ class Renderer {
   void render(const std::string& in, const std::string& out) {
     if (!m_options.splitLayers && !isWritable(out)) return;
     const Drawing data = newDrawing();
-    // It is by its name that a font is found.
+    // Fonts are found by name.
     const ReadResult result = loadFile(*data, in, m_session, true);
     if (!result.ok()) return fail(kDrawingFailed, in + ": " + result.message());
     reportLosses(in, result.report);
@@ -197,7 +197,7 @@ class Renderer {
     for (const auto& [name, report] : reader.readings()) reportLosses(name, report);
   }
 
-  // Asked before the drawing is read, which may take its time.
+  // Checked before reading the drawing, which may take long.
   bool isWritable(const std::string& out) {
     const OutputFile output(out, m_options.force, OutputFile::Bytes);
     if (!output.error().empty()) fail(kOutputFailed, output.error());
@@ -216,7 +216,7 @@ class Renderer {
     picture.sheet.background = m_drawOptions.background;
     picture.sheet.transparent = m_options.background == kNoBackground;
     if (in != "-") picture.sheet.title = fileTitle(in);
-    // A tenth of a pixel is not seen; on paper, neither are two hundredths of a millimeter.
+    // A tenth of a pixel is invisible, and so are two hundredths of a millimeter on paper.
     const double line = picture.sheet.lineWidth, unit = picture.sheet.unitMm;
     m_drawOptions.chordError = picture.sheet.paper ? 0.02 / unit : 0.1;
     m_drawOptions.penReach = std::max(1.0, line);
@@ -287,7 +287,7 @@ class Renderer {
     }
   }
 
-  // A layer's name without what file systems refuse; long ones are cut between letters.
+  // A layer's name without characters invalid in file names; long names are cut between characters.
   static std::string fileName(std::string name) {
     constexpr std::size_t kMost = 100;  // of the 255 bytes that names usually may have
     if (name.size() > kMost) {

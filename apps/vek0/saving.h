@@ -12,7 +12,7 @@
 
 namespace vek0::tool {
 
-/// The options that every command which writes a drawing takes.
+/// Options common to all commands that write a drawing.
 struct SaveOptions {
   bool flatten = false;
   bool visibleOnly = false;
@@ -26,14 +26,13 @@ struct SaveOptions {
 
 void addSaveOptions(CLI::App& verb, SaveOptions& options);
 
-/// Warns of what reading `in` has lost or changed, unless nothing is to be said.
+/// Warns about losses and changes in reading `in`, unless the session is quiet.
 void tellLosses(const std::string& in, const ReadResult& result, const Session& session);
 
-/// What every command that writes a drawing does: loads `in`, lets `change` work on the
-/// drawing (told what reading gave), saves it as `out`. Complains and sets the exit code when
-/// one of them fails (`change` says by its answer whether to go on), and warns of what could not
-/// be written. Nothing is loaded when `out` cannot be written anyway. Gives the bytes written; 0
-/// when nothing was.
+/// The common part of all commands that write a drawing: loads `in`, calls `change` with the
+/// drawing and the read result, saves it as `out`. Prints an error and sets the exit code if one of
+/// them fails (`change` returns whether to continue), and warns about what could not be written. If
+/// `out` cannot be written, nothing is loaded. Returns the number of bytes written; 0 if none.
 std::uintmax_t rewrite(const std::string& in, const std::string& out, const SaveOptions& options,
                        Session& session,
                        const std::function<bool(CData&, const ReadResult&)>& change);

@@ -18,14 +18,14 @@ struct Criteria {
   std::optional<RECT_2D> box;       // of the window
 };
 
-// The list that a word begins; null for other words.
+// The list for a keyword; null for other words.
 std::vector<std::string>* listOf(Criteria& criteria, const std::string& word) {
   if (word == "layer") return &criteria.layers;
   if (word == "kind") return &criteria.kinds;
   return word == "window" ? &criteria.window : nullptr;
 }
 
-// Sorts the values to the words that they follow. Answers what is wrong.
+// Assigns the values to the preceding keywords. Returns the error, if any.
 std::string sortValues(const std::string& text, Criteria& criteria) {
   const auto items = splitUnquoted(text, ',');
   if (!items) return "a quote is not closed in " + text;
@@ -72,7 +72,7 @@ std::string readCriteria(const std::string& text, Criteria& criteria) {
   return problem.empty() ? readWindow(criteria) : problem;
 }
 
-// The layers that the patterns match, or the pattern that matches none.
+// Finds the layers that the patterns match, or returns a pattern that matches none.
 std::string layersOf(const CData& data, const std::vector<std::string>& patterns,
                      std::unordered_set<const CLayer*>& layers) {
   for (const std::string& name : patterns) {

@@ -51,8 +51,8 @@ std::optional<SHEET_SIZE> parseSize(const std::string& text) {
 }
 
 std::optional<SHEET_SIZE> parsePaper(const std::string& text) {
-  // A0 is a square meter of the ratio 1 to the root of 2, each next one half of it, in
-  // whole millimeters.
+  // A0 is one square meter with the ratio 1 to the square root of 2; each following size is half
+  // the previous one, in whole millimeters.
   static constexpr double kSides[] = {1189, 841, 594, 420, 297, 210, 148};
   if (text.size() == 2 && (text[0] == 'A' || text[0] == 'a') && text[1] >= '0' && text[1] <= '5') {
     const auto size = static_cast<std::size_t>(text[1] - '0');

@@ -9,12 +9,12 @@
 namespace vek0::tool {
 
 constexpr double kMmPerInch = 25.4;
-/// Pixels per inch as style sheets count them.
+/// Pixels per inch in CSS.
 constexpr double kCssDpi = 96;
-/// Paper is counted in hundredths of a millimeter.
+/// Paper is measured in hundredths of a millimeter.
 constexpr double kPaperUnitMm = 0.01;
 
-/// What a picture is drawn on.
+/// The sheet of a picture.
 struct SHEET {
   long width = 0, height = 0;            ///< device units: pixels, or `kPaperUnitMm` on paper
   double unitMm = kMmPerInch / kCssDpi;  ///< size of a device unit
@@ -25,7 +25,7 @@ struct SHEET {
   std::string title;         ///< UTF-8
 };
 
-/// A size as people give it.
+/// A size as specified by the user.
 struct SHEET_SIZE {
   double width = 0, height = 0;
   bool mm = false;  ///< millimeters, else pixels
@@ -36,10 +36,10 @@ bool isFinite(const RECT_2D& rect);
 
 /// "1600x1200", "297x210mm"; nothing for anything else.
 std::optional<SHEET_SIZE> parseSize(const std::string& text);
-/// "A4" (upright) or "WxH" in millimeters, with or without the unit.
+/// "A4" (portrait) or "WxH" in millimeters, with or without the unit.
 std::optional<SHEET_SIZE> parsePaper(const std::string& text);
-/// Millimeters on paper for a drawing unit of one millimeter: "1:50" gives 0.02, "2:1"
-/// gives 2. A single number is none: people mean either by it.
+/// Millimeters on paper for a drawing unit of one millimeter: "1:50" gives 0.02, "2:1" gives 2. A
+/// single number is rejected as ambiguous.
 std::optional<double> parseScale(const std::string& text);
 /// "x1,y1,x2,y2", two opposite corners.
 std::optional<RECT_2D> parseWindow(const std::string& text);

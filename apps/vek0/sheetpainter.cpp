@@ -7,7 +7,7 @@
 namespace vek0::tool {
 namespace {
 
-// Turns contours into chords, for glyphs so large that the painters cannot count that far.
+// Converts contours to chords, for glyphs too large for the number range of the painters.
 class ChordSink final : public IOutlineSink {
  public:
   void move(const PNT_2D& to) override {
@@ -43,7 +43,7 @@ class ChordSink final : public IOutlineSink {
   static constexpr int kChords = 64;
 };
 
-// What a text covers, from below its descenders to above its capitals' accents.
+// Bounds of a text, from below its descenders to above accents on capitals.
 RECT_2D boundsOf(const DrawText& text, const ICADFont& font) {
   const double width = font.getStringWidth(*text.string, true, text.bold, text.italic);
   const double unit = font.getHeightUnit(), slack = 0.5 * unit;
@@ -56,7 +56,7 @@ RECT_2D boundsOf(const DrawText& text, const ICADFont& font) {
   return bounds;
 }
 
-// The same text for another font: as high and as wide.
+// Adapts the text to another font with the same height and width.
 DrawText inMeasuresOf(const DrawText& text, const FaceFont& font, const ICADFont& was) {
   const auto width = [&](const ICADFont& of) {
     return of.getStringWidth(*text.string, true, text.bold, text.italic);

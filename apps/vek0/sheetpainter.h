@@ -10,11 +10,11 @@ namespace vek0::tool {
 class FaceFont;
 class FontLibrary;
 
-/// A painter that makes a file. The device coordinates are those of its sheet.
+/// A painter that writes a file. The device coordinates are those of its sheet.
 class SheetPainter : public ClippingPainter {
  public:
-  /// Writes what is not written yet; false when the file did not take everything. To be
-  /// called once, behind the last stroke. The file stays open.
+  /// Writes the remaining data; false if not everything could be written. Call once, after the last
+  /// stroke. The file stays open.
   virtual bool finish() = 0;
 
   void text(const DrawText& text) final;
@@ -25,8 +25,8 @@ class SheetPainter : public ClippingPainter {
       : ClippingPainter(static_cast<double>(sheet.width), static_cast<double>(sheet.height)),
         m_fonts(fonts) {}
 
-  /// A text inside the box, in the measures of `font`; `bounds` is about what it covers
-  /// on the device.
+  /// A text inside the box, in the metrics of `font`; `bounds` are its approximate bounds on the
+  /// device.
   virtual void plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) = 0;
 
  private:

@@ -10,15 +10,15 @@
 namespace vek0::tool {
 namespace {
 
-// Fine enough for chords not to be told from their curves where a sheet is fitted.
+// Fine enough that chords are indistinguishable from curves when fitting a sheet.
 constexpr long kDeviceSide = 2001;
-// Of the device's side: what is smaller is looked at again, from nearer by. Hidden things far
-// off would otherwise leave it with few chords.
+// Fraction of the device's side: smaller content is measured again at a larger scale. Otherwise
+// distant hidden content would leave it with few chords.
 constexpr double kFar = 0.25;
 constexpr int kMostLooks = 6;
 
-// Unites what it is given. Arcs come as strokes, which know where an arc bulges to. Clips count
-// by their boxes.
+// Computes the union of everything drawn. Arcs arrive as strokes, which include their extremes.
+// Clips are approximated by their boxes.
 class MeasuringPainter final : public IPainter {
  public:
   MeasuringPainter() { m_bounds.initRegion(); }

@@ -4,12 +4,12 @@
 
 namespace vek0::tool {
 
-/// Extents of what a drawing shows in the plane of the view; empty when that is nothing.
+/// Extents of the visible content of a drawing in the plane of the view; empty if there is none.
 ///
-/// Other than `drawnExtents`, which unites boxes, this follows every stroke: hidden
-/// attributes and layers within blocks do not count, of lines without ends the first point alone,
-/// and in views from aside or turned ones no empty corners of boxes. Costs about as much as drawing
-/// does without a painter. Where drawing would be cut, the boxes decide after all.
+/// Unlike `drawnExtents`, which unites boxes, this follows every stroke: hidden attributes and
+/// hidden layers within blocks do not count, nor do empty corners of boxes in side or rotated
+/// views; of infinite lines only the first point counts. Costs about as much as drawing without a
+/// painter. If drawing would be cut by a limit, the boxes are used instead.
 RECT_2D shownExtents(const CData& data, const IProjector& projector, const DRAW_OPTIONS& options);
 
 }  // namespace vek0::tool

@@ -27,7 +27,7 @@ enum Kind {
   kTrace
 };
 
-// Says of each visited entity which row of the counts it belongs to.
+// Determines the row of the counts for each visited entity.
 class KindVisitor final : public IEntVisitor {
  public:
   using IEntVisitor::visit;
@@ -74,8 +74,7 @@ std::string ltypeName(const CLtype* ltype) {
   return ltype ? ltype->getFullName().toUtf8() : std::string("Continuous");
 }
 
-// Every drawing has some items from the start. Of a file that failed they say nothing unless
-// something uses them.
+// Every drawing has some initial items. For a failed file they are listed only if they are used.
 bool isTold(const CNamedItem& item, const CData& data, const ReadResult& result) {
   const bool isGiven = item.isHeld() && &item != data.getStyleTable().getStyleStandard();
   return result.ok() || isGiven || item.getEntities() > 0;

@@ -10,8 +10,7 @@ namespace vek0::tool {
 
 using Json = nlohmann::ordered_json;
 
-/// How many entities of each kind a drawing holds in model space; attributes
-/// attached to inserts count as ATTRIB.
+/// Number of entities of each kind in model space; attributes attached to inserts count as ATTRIB.
 class EntityCounts {
  public:
   explicit EntityCounts(CData& data);
@@ -29,27 +28,27 @@ class EntityCounts {
   std::array<long, kKinds.size()> m_counts{};
 };
 
-/// What an entity counts as, one of `EntityCounts::kKinds`.
+/// The kind of an entity, one of `EntityCounts::kKinds`.
 std::string kindNameOf(CEnt& ent);
 
-/// The error as JSON: null, or {"kind", "line", "message"}, the kind in words. Line 0 for
-/// what cannot be read at all.
+/// The error as JSON: null, or {"kind", "line", "message"}, the kind in words. Line 0 if the file
+/// cannot be read at all.
 Json errorToJson(const ReadResult& result);
 
-/// [{"code", "severity", "count", "line", "sample"}, ...] in the order of the file; line
-/// null for what only the whole file tells.
+/// [{"code", "severity", "count", "line", "sample"}, ...] in the order of the file; line is null
+/// for entries about the whole file.
 Json reportToJson(const CFileReport& report);
 
-/// Everything `vek0 info --json` prints of one file. Of one that failed, the items that every
-/// drawing has are told only where something uses them.
+/// Everything `vek0 info --json` prints of one file. For a failed file, initial items are listed
+/// only if they are used.
 Json summaryToJson(const std::string& path, CData& data, const ReadResult& result);
 
-/// The same for people, several lines, with the variables and what was skipped.
+/// The same as human-readable text of several lines, with the variables and what was skipped.
 std::string summaryToText(const std::string& path, CData& data, const ReadResult& result);
 
 /// "    loss: kind skipped 'MTEXT' (3 times, first at line 120)" for each report entry.
 std::string reportToText(const CFileReport& report);
-/// The same of what a drawing lacks that is in the file, or holds as another thing.
+/// The same for entries about lost or changed content only.
 std::string lossesToText(const CFileReport& report);
 
 }  // namespace vek0::tool

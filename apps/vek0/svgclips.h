@@ -6,18 +6,18 @@
 
 namespace vek0::tool {
 
-/// The clips around what an SVG picture draws, one in the other.
+/// The nested clips of an SVG picture.
 class SvgClips {
  public:
   /// `data` is that of a path.
   void push(std::string data);
   void pop() { m_clips.pop_back(); }
 
-  /// Of the innermost clip, which no other has had; 0 for none.
+  /// Unique number of the innermost clip; 0 for none.
   int number() const { return m_clips.empty() ? 0 : m_clips.back().number; }
-  /// The definitions that no call has given before.
+  /// The definitions not returned by earlier calls.
   std::string definitions();
-  /// The groups within which all clips hold: viewers differ in how they take a clip of a clip.
+  /// Opens one group per clip: viewers differ in their handling of a clip on a clip.
   std::string openingTags() const;
   std::string closingTags() const;
 

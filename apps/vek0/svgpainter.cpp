@@ -13,17 +13,17 @@ namespace vek0::tool {
 namespace {
 
 constexpr std::size_t kBlock = 1 << 16;
-// Groups that nothing forces out are written when they have grown that much.
+// Groups are written at the latest when they reach this size.
 constexpr std::size_t kBuffered = 1 << 28;
 constexpr double kStepsPerUnit = 100;
 constexpr double kFullTurn = 2 * std::numbers::pi;
 
 std::int64_t toSteps(double value) { return std::llround(value * kStepsPerUnit); }
 
-// Ends that are the same but for rounding.
+// Whether ends are equal up to rounding.
 bool isNear(std::int64_t a, std::int64_t b) { return std::abs(a - b) <= 1; }
 
-// Steps as a decimal number without what can be left out: "-.5", "12", "0".
+// Formats steps as the shortest decimal number: "-.5", "12", "0".
 void appendSteps(std::string& out, std::int64_t steps) {
   if (steps < 0) out += '-';
   const auto magnitude = static_cast<std::uint64_t>(steps < 0 ? -steps : steps);
@@ -44,7 +44,7 @@ std::string lengthText(double value) {
   return text;
 }
 
-// For factors, whose size is not known: the digits that a picture can tell.
+// For factors of unknown magnitude: as many digits as a picture can show.
 std::string factorText(double value) {
   char digits[32];
   const double unsignedZero = value + 0.0;
@@ -64,7 +64,7 @@ std::string colorText(const RGB_COLOR& color) {
   return text;
 }
 
-// What of a text may stand in XML: no control characters, neither U+FFFE nor U+FFFF.
+// Removes characters that are invalid in XML: control characters, U+FFFE and U+FFFF.
 std::string withoutNonCharacters(std::string_view utf8) {
   std::string out;
   out.reserve(utf8.size());
@@ -186,7 +186,7 @@ void SvgPath::move(const PNT_2D& to) {
 void SvgPath::line(const PNT_2D& to) {
   const std::int64_t x = toSteps(to.x), y = toSteps(to.y);
   const std::int64_t dx = x - m_x, dy = y - m_y;
-  const bool isDot = m_letter == 'M';  // a first step of no length still shows
+  const bool isDot = m_letter == 'M';  // an initial step of zero length is still visible
   if (dx == 0 && dy == 0 && !isDot) return;
   if (dy == 0) {
     add('h', dx);
@@ -219,7 +219,7 @@ void SvgPath::curve(char letter, const PNT_2D* points, std::size_t count) {
   }
 }
 
-// Viewers leave out arcs that end where they begin.
+// Viewers skip arcs that end where they begin.
 void SvgPath::arc(double radius, bool clockwise, const PNT_2D& to) {
   const std::int64_t x = toSteps(to.x), y = toSteps(to.y), r = toSteps(radius);
   if (x == m_x && y == m_y) return line(to);
@@ -299,7 +299,7 @@ void SvgPainter::writeHead(const SHEET& sheet) {
       height + "\" fill=\"none\" stroke-width=\"" + factorText(sheet.lineWidth) +
       "\" stroke-linecap=\"round\" stroke-linejoin=\"round\" fill-rule=\"evenodd\">\n";
   if (!sheet.title.empty()) m_out += "<title>" + escaped(sheet.title) + "</title>\n";
-  // On a screen lines stay thin when one zooms in; on paper they have their width.
+  // On screen, lines stay thin when zooming; on paper they keep their width.
   if (!sheet.paper) m_out += "<style>path,circle{vector-effect:non-scaling-stroke}</style>\n";
   if (!sheet.transparent) {
     m_out += "<rect width=\"" + width + "\" height=\"" + height + "\" fill=\"" +
@@ -354,7 +354,7 @@ void SvgPainter::begin(const DrawItem& item) {
   const zim::WString none;
   const zim::WString& layer = item.layer ? *item.layer : none;
   const bool sameLayer = layer == m_layer;
-  // Fills that nothing tells apart stay together: filled faces side by side would show seams.
+  // Indistinguishable fills are merged: adjacent filled faces would show seams.
   const bool unites = item.handle == 0 && m_pathFills && item.color == m_color;
   if (!sameLayer || item.handle != m_handle || (item.handle == 0 && !unites)) {
     endEntity();
@@ -377,7 +377,7 @@ SvgPainter::Group& SvgPainter::groupOfItem() {
   return m_groups[m_group];
 }
 
-// Makes sure that what is drawn next may go into the group of its layer.
+// Ensures that the next element may be added to its layer's group.
 void SvgPainter::reach(const RECT_2D& box, bool isFill) {
   groupOfItem();
   if (!m_cover.admits(box, static_cast<int>(m_group), isFill)) {
@@ -417,7 +417,7 @@ std::string SvgPainter::fillAttribute() const {
   return " fill=\"" + colorText(m_color) + "\" stroke=\"none\"";
 }
 
-// One element bears the handle itself, several of them a group around them.
+// A single element gets the handle itself, several get a group with it.
 void SvgPainter::endEntity() {
   endPath();
   if (m_elementCount == 0) return;
@@ -485,8 +485,8 @@ void SvgPainter::plainArc(const PNT_2D& center, double radius, double startRad, 
                                     lengthText(center.y) + "\" r=\"" + lengthText(radius) + "\"/>");
   }
   startPath(false);
-  // More than half a turn in two parts: rounded ends that nearly meet would leave the
-  // center of one arc open.
+  // More than half a turn is split in two: with rounded ends that nearly meet, the center of a
+  // single arc would be ambiguous.
   m_path.move(at(startRad));
   if (std::abs(sweepRad) > std::numbers::pi) {
     m_path.arc(radius, sweepRad > 0, at(startRad + sweepRad / 2));
@@ -505,8 +505,8 @@ void SvgPainter::addRing(SvgPath& path, const PNT_2D* points, std::size_t count,
 void SvgPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
                            FillRule rule) {
   reach(boxOf(points, ends[rings - 1]), true);
-  // The strips of a filled face in one path: as neighbors, each with soft edges, they
-  // would let the background shine through.
+  // Merges the strips of a filled face into one path: separately antialiased, they would let the
+  // background show through.
   const bool unites = rule == FillRule::NonZero;
   if (unites)
     startPath(true);
@@ -520,7 +520,7 @@ void SvgPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std::s
   if (!unites) addElement("path", fillAttribute() + " d=\"" + path.data() + "\"/>");
 }
 
-// A stroke of no length, which its round caps make visible.
+// A stroke of zero length, made visible by its round caps.
 void SvgPainter::plainDot(const PNT_2D& at) { plainStroke(std::array{at, at}.data(), 2, false); }
 
 void SvgPainter::plainDisc(const PNT_2D& center, double diameter) {
@@ -548,9 +548,8 @@ void SvgPainter::plainText(const DrawText& text, const FaceFont& font, const REC
                          escaped(text.string->toUtf8()) + "</text>");
 }
 
-// The size is a round number near those of screens, and the matrix does the rest: viewers
-// refuse sizes that are very large or small. The length keeps the text as wide as it was
-// measured in a viewer that has another font.
+// The size is a round number typical of screens, and the matrix does the rest: viewers reject very
+// large or small sizes. The length preserves the measured width in a viewer with a different font.
 std::string SvgPainter::textAttributes(const DrawText& text, const FaceFont& font) const {
   constexpr double kSize = 100;
   const double unit = font.unitsPerEm() / kSize;

@@ -12,12 +12,11 @@
 
 namespace vek0::tool {
 
-/// The data of a path, as short as it gets: whole steps of 1/100 device unit, written as
-/// differences.
+/// The data of a path in compact form: integer steps of 1/100 device unit, written as differences.
 class SvgPath {
  public:
-  /// Begins anew, or goes on where the path is already. A path that comes back to where it
-  /// began is closed.
+  /// Begins a new subpath, or continues if the path is already there. A path that returns to its
+  /// start is closed.
   void move(const PNT_2D& to);
   void line(const PNT_2D& to);
   /// A curve by its letter ("q", "c"), its control points and its end.
@@ -39,25 +38,25 @@ class SvgPath {
   void reached(std::int64_t x, std::int64_t y);
 
   std::string m_data;
-  char m_letter = 0;              // that the next numbers go on with
-  std::int64_t m_x = 0, m_y = 0;  // where the path is
+  char m_letter = 0;              // command that the next numbers continue
+  std::int64_t m_x = 0, m_y = 0;  // current position
   std::int64_t m_startX = 0, m_startY = 0;
   int m_segments = 0;  // since the start
 };
 
-/// Which group drew where, on a coarse grid over the sheet: tells when grouping by layer
-/// would show a fill above what came behind it, or below what came before it.
+/// Records which group drew where, on a coarse grid over the sheet: detects when grouping by layer
+/// would put a fill above later content or below earlier content.
 class CoverGrid {
  public:
   CoverGrid(double width, double height);
   void clear();
-  /// Whether an element of a group may join it (groups are numbered in the order in which
-  /// they are written): no fill may end up below or above what it should not.
+  /// Whether an element of a group may join it (groups are numbered in the order of writing)
+  /// without changing what fills cover.
   bool admits(const RECT_2D& box, int group, bool isFill);
   void mark(const RECT_2D& box, int group, bool isFill);
 
  private:
-  static constexpr int kCells = 32;  // each way
+  static constexpr int kCells = 32;  // per axis
   struct CELL {
     int top = -1, topFill = -1;  // last group that drew here, that filled here; -1: none
   };
@@ -69,13 +68,13 @@ class CoverGrid {
   std::vector<CELL> m_cells;
 };
 
-/// Writes SVG that people and programs find their way in: one group a layer
-/// (`layer-WALLS`, an Inkscape layer too), the entity's handle as the id of what it
-/// drew (`h1F`), arcs and circles as such, texts as texts or as outlines.
+/// Writes well-structured SVG: one group per layer (`layer-WALLS`, also an Inkscape layer), the
+/// entity's handle as the id of its elements (`h1F`), arcs and circles as such, texts as texts or
+/// as outlines.
 ///
-/// Where a fill covers what another layer drew before, or is covered by what comes
-/// behind it, the order counts more than the grouping: groups are closed and begun again
-/// (`layer-WALLS-2`). The bytes go to the file in blocks.
+/// Where a fill covers earlier content of another layer, or is covered by later content, order
+/// takes precedence over grouping: groups are closed and reopened (`layer-WALLS-2`). The file is
+/// written in blocks.
 class SvgPainter final : public SheetPainter {
  public:
   enum Texts { AsText, AsOutlines };
@@ -144,8 +143,8 @@ class SvgPainter final : public SheetPainter {
   static constexpr std::size_t kNoGroup = static_cast<std::size_t>(-1);
   std::size_t m_group = kNoGroup;  // of the layer, once it has drawn something
 
-  // The entity at hand: its finished elements, where the id of the first one belongs,
-  // and the strokes or fills that make one path.
+  // The current entity: its finished elements, the position for the id of the first one, and the
+  // strokes or fills merged into one path.
   std::string m_elements;
   int m_elementCount = 0;
   std::size_t m_idAt = 0;

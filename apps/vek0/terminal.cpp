@@ -9,7 +9,7 @@ namespace {
 
 bool isIn(char32_t c, char32_t first, char32_t last) { return c >= first && c <= last; }
 
-// Control characters, separators of lines, and marks that turn the direction of what follows.
+// Control characters, line separators, and bidirectional formatting characters.
 bool isDangerous(char32_t c) {
   return c < 0x20 || isIn(c, 0x7F, 0x9F) || c == 0x061C || isIn(c, 0x200E, 0x200F) ||
          isIn(c, 0x2028, 0x202E) || isIn(c, 0x2066, 0x2069);

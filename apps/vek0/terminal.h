@@ -7,20 +7,19 @@
 
 namespace vek0::tool {
 
-/// A name, path or other text of a file, as one line of a terminal shows it: what would move the
-/// cursor, change the text's direction or begin a line is escaped ("\n", "\x1b", "\u202e"), and so
-/// are bytes that are no UTF-8.
+/// A name, path or other text from a file, made safe for one line of a terminal: characters that
+/// would move the cursor, change the text direction or begin a line are escaped ("
+/// ", "\x1b", "\u202e"), and so are invalid UTF-8 bytes.
 std::string visible(std::string_view utf8);
 std::string visible(const zim::WString& text);
 
-/// Prints text on the standard output. Line feeds are kept; should it hold any other control
-/// character, that is escaped.
+/// Prints text on the standard output. Line feeds are kept; any other control character is escaped.
 void print(std::string_view text);
 
 /// Likewise on the error stream.
 void printError(std::string_view text);
 
-/// Whether everything that was printed on the standard output has arrived there.
+/// Flushes the standard output; returns whether everything was written.
 bool flushOutput();
 
 }  // namespace vek0::tool

@@ -21,7 +21,7 @@ EditStep transformStep(Visitor visitor, const char* done) {
     Visitor transform = visitor;
     for (CEnt* ent : editing.chosen) {
       if (!editing.undo.keepGeometry(*ent)) return StepOutcome::noMemory();
-      // Files hold numbers whose extents are beyond all; these may stay.
+      // Entities from files may already have non-finite extents; these are accepted.
       const bool wasFinite = isFinite(ent->getBdry());
       ent->accept(transform);
       if (wasFinite && !isFinite(ent->getBdry()))

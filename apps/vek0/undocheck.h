@@ -6,12 +6,12 @@
 
 namespace vek0::tool {
 
-/// The whole drawing as a file has it; empty when it cannot be written.
+/// The whole drawing as file content; empty if it cannot be written.
 std::string bytesOf(const CData& data);
 
-/// Undoes every step, compares the drawing with what `bytesOf` gave before the first of them,
-/// does all again and compares with how it was found. Answers an empty text, or what is not
-/// as it was; the drawing is left there then.
+/// Undoes every step, compares the drawing with the result of `bytesOf` before the first of them,
+/// redoes all and compares with the initial state. Returns an empty text, or a description of the
+/// difference; the drawing is then left in that state.
 std::string checkUndo(CData& data, CUndoStack& undo, const std::string& before);
 
 }  // namespace vek0::tool

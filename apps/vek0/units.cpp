@@ -14,7 +14,7 @@ struct Unit {
 
 constexpr double kInch = 0.0254;
 
-// In the order of their numbers in files; the first stands for none.
+// In the order of their numbers in files; the first means none.
 constexpr Unit kUnits[] = {
     {"",         0                    },
     {"in",       kInch                },

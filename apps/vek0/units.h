@@ -13,15 +13,15 @@ namespace vek0::tool {
 /// (`$INSUNITS`); null for none and unknown ones.
 const char* unitName(long code);
 
-/// The names that `unitInMetres` knows.
+/// The names that `unitInMetres` accepts.
 std::vector<std::string> unitNames();
 
-/// Length of a unit in meters; nothing for a name that is none.
+/// Length of a unit in meters; nothing for an unknown name.
 std::optional<double> unitInMetres(std::string_view name);
 
-/// Makes everything in model space `factor` (more than 0) times as large about the origin,
-/// inserts by their scales, and with it what the drawing's variables and text styles hold
-/// in drawing units. Definitions of blocks stay as they are. Linear.
+/// Scales everything in model space by `factor` (greater than 0) about the origin, inserts through
+/// their scales, along with the drawing's variables and text styles that are in drawing units.
+/// Block definitions are unchanged. Linear.
 void scaleDrawing(CData& data, double factor);
 
 }  // namespace vek0::tool

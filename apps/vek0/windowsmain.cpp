@@ -5,7 +5,7 @@
 
 #include "commands.h"
 #include "paths.h"
-// Last and in a file of its own, for its macros take the names of functions.
+// Included last and in a separate file, because its macros clash with function names.
 #include <windows.h>
 
 int wmain(int argc, wchar_t** argv) {

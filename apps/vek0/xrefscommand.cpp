@@ -21,7 +21,7 @@ struct XrefsOptions {
   ReferenceOptions references;
 };
 
-// A drawing with everything that could be read of what it refers to.
+// A drawing with all references that could be read.
 struct Resolved {
   Resolved(const std::string& name, const XrefsOptions& options, Session& session)
       : path(name),
@@ -46,7 +46,7 @@ void printLine(const Json& line) {
   std::printf("%s\n", line.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
 }
 
-// What is told of the references on the standard output, what went wrong with them on the other.
+// Prints the state of the references to the standard output, and errors to the error stream.
 void complain(const Resolved& drawing, const Session& session) {
   if (!session.quiet && drawing.reader.failures() > 0)
     Session::complain(drawing.path + ": not every reference is shown:",
@@ -101,8 +101,8 @@ void list(const Resolved& drawing, const XrefsOptions& options, Session& session
   complain(drawing, session);
 }
 
-// Walks a drawing's references and those within them. One that several show is entered
-// once: diamonds upon diamonds have more ways through them than anybody can print.
+// Traverses a drawing's references and the nested ones. One shown by several others is entered
+// once: nested diamonds have exponentially many paths.
 class Tree {
  public:
   explicit Tree(const Resolved& drawing) : m_drawing(drawing) {}
@@ -120,7 +120,7 @@ class Tree {
   }
 
  private:
-  // How deep this goes is bounded by `kMaxXRefDepth`.
+  // The depth is bounded by `kMaxXRefDepth`.
   void printText(const CBlockXRef& xref, int depth) {
     const bool isNew = m_seen.insert(&xref).second, isLoaded = xref.getStatus() == Status::loaded;
     std::string line =

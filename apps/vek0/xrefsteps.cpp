@@ -21,10 +21,10 @@
 namespace vek0::tool {
 namespace {
 
-// What all of these verbs take.
+// Options common to all of these verbs.
 struct Options {
   std::string in, out;
-  std::vector<std::string> names;  // patterns, or what `repath` makes of them
+  std::vector<std::string> names;  // patterns, or the new paths of `repath`
   bool all = false;
   ReferenceOptions references;
   SaveOptions save;
@@ -39,13 +39,13 @@ struct AttachOptions : Options {
   bool overlay = false;
 };
 
-// Work on the references of a loaded drawing; says what it has done, and answers whether
-// the drawing is to be written.
+// An operation on the references of a loaded drawing; reports what it did, and returns whether to
+// write the drawing.
 class Work {
  public:
   Work(CData& data, const Options& options, Session& session)
       : m_data(data),
-        m_undo(data, 0),  // nobody goes back
+        m_undo(data, 0),  // nothing is undone
         m_reader(options.in, options.references, session),
         m_session(session) {}
 
@@ -60,7 +60,7 @@ class Work {
     return edit(*chosen, "bound", bindXRefs);
   }
 
-  // Read first, so that what only these references show goes with them.
+  // Resolved first, so that references shown only by these are removed with them.
   bool detach(const Options& options) {
     m_reader.resolve(m_data);
     const auto chosen = choose(options);
@@ -118,7 +118,7 @@ class Work {
     return true;
   }
 
-  // The references of exactly that name; else those that it is a pattern of.
+  // The references of exactly that name; otherwise those that match it as a pattern.
   std::vector<CBlockXRef*> matching(const References& references, const std::string& name) const {
     const zim::WString wanted = zim::WString::fromUtf8(name);
     if (CBlockXRef* exact = m_data.getBlockXRefTable().get(wanted)) return {exact};
@@ -128,7 +128,8 @@ class Work {
     return found;
   }
 
-  // Each once, none of them nested: those come and go with what shows them.
+  // Each once, and none of them nested: nested ones are added and removed with those that show
+  // them.
   std::optional<std::vector<CBlockXRef*>> choose(const Options& options) {
     const References references(m_data);
     if (options.all) return matching(references, "*");
@@ -191,7 +192,7 @@ class Work {
     return found || fail("no path begins with '" + from + "'");
   }
 
-  // As those who wrote the paths would compare them: either slash, any letter case.
+  // Compares paths like users do: either slash, ignoring case.
   static bool beginsWith(std::u16string_view path, std::u16string_view prefix) {
     const auto unit = [](zim::Char c) { return c == u'\\' ? u'/' : zim::foldCase(c); };
     return path.size() >= prefix.size() &&
@@ -229,8 +230,8 @@ class Work {
   Session& m_session;
 };
 
-// Makes a verb that reads IN, works and writes OUT. `misuse` says what is wrong with the
-// options together, or nothing.
+// Creates a verb that reads IN, applies the operation and writes OUT. `misuse` returns an error in
+// the combination of options, or nothing.
 template <class Kind>
 CLI::App* addStep(CLI::App& group, const char* name, const char* help,
                   const std::shared_ptr<Kind>& options, bool (Work::*work)(const Kind&),
