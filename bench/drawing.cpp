@@ -1,4 +1,4 @@
-// Showing drawings: all at once, and through a window that moves over a large one.
+// Rendering drawings: completely, and through a window that moves over a large one.
 #include <benchmark/benchmark.h>
 
 #include <random>
@@ -52,7 +52,7 @@ void BM_DrawMixed(benchmark::State& state) {
 }
 BENCHMARK(BM_DrawMixed)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
-// `count` lines three units long, as those of drawings are short beside the whole.
+// `count` lines three units long, because lines are usually short relative to the drawing.
 Drawing shortLines(int count) {
   Drawing drawing = vek0::bench::newDrawing();
   std::mt19937 random(1);
@@ -65,7 +65,7 @@ Drawing shortLines(int count) {
   return drawing;
 }
 
-// The same in one block that is inserted once, as maps are.
+// The same in one block that is inserted once, like a map.
 Drawing shortLinesInABlock(int count) {
   Drawing drawing = shortLines(count);
   CEntTable& table = drawing->getEntTable();
@@ -101,7 +101,7 @@ void pan(benchmark::State& state, const Drawing& drawing, bool isEdited) {
   state.counters["shown"] = static_cast<double>(shown) / static_cast<double>(state.iterations());
 }
 
-// Frames of windows of one size anywhere in the drawing: entities, then size.
+// Frames of windows of one size at random positions. Arguments: entities, window size.
 void BM_Pan(benchmark::State& state) {
   pan(state, shortLines(static_cast<int>(state.range(0))), false);
 }
@@ -125,7 +125,7 @@ void BM_PanOverABlock(benchmark::State& state) {
 }
 BENCHMARK(BM_PanOverABlock)->Args({1000000, 100})->Unit(benchmark::kMicrosecond);
 
-// What the first frame costs.
+// Cost of the first frame.
 void BM_BuildDrawIndex(benchmark::State& state) {
   const Drawing drawing = shortLines(static_cast<int>(state.range(0)));
   NullPainter painter;

@@ -6,7 +6,7 @@
 namespace vek0::bench {
 namespace {
 
-// Writes pairs with a fixed seed: the same arguments give the same bytes.
+// Writes pairs with a fixed seed: the same arguments yield the same bytes.
 class Text {
  public:
   void pair(int code, const std::string& value) {

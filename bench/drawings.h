@@ -12,23 +12,23 @@ using Drawing = CDataPtr;
 /// An empty drawing; a default font is registered once.
 Drawing newDrawing();
 
-/// Text of an R12 drawing with `count` lines over 50 layers, half of the coordinates
-/// on a 0.5 grid and half with 16 digits, as drafted and computed geometry mix.
+/// Text of an R12 drawing with `count` lines over 50 layers, half of the coordinates on a 0.5 grid
+/// and half with 16 digits, like a mix of drafted and computed geometry.
 std::string lineText(int count);
 
 /// The same with circles, arcs, texts, bulged polylines and inserts of 200 blocks.
 std::string mixedText(int count);
 
-/// `count` / 3 chains of three nested blocks, every chain inserted once: catalogues.
+/// `count` / 3 chains of three nested blocks, every chain inserted once, like a parts catalogue.
 std::string blockText(int count);
 
-/// `count` layers, each used by one line: wiring catalogues and map exports.
+/// `count` layers, each used by one line, as in wiring catalogues and map exports.
 std::string layerText(int count);
 
-/// `count` hatches of 2000's format, squares of about twenty lines each: land use maps.
+/// `count` hatches in the format of 2000, squares of about twenty lines each, as in land use maps.
 std::string hatchText(int count);
 
-/// Loads `text` into a new drawing; null when that fails.
+/// Loads `text` into a new drawing; null on failure.
 Drawing load(const std::string& text);
 
 }  // namespace vek0::bench

@@ -1,5 +1,5 @@
-// Edits: transforms of whole drawings, what remembering them costs, parallels of long chains,
-// joining segments in no order, and taking things apart.
+// Editing: transforms of whole drawings, the cost of undo, parallels of long chains, joining
+// shuffled segments, and exploding.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -57,7 +57,7 @@ BENCHMARK(BM_Scale)->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMil
 
 // --- Undo
 
-// Moves all entities of a drawing, `perStep` of them a step.
+// Moves all entities of a drawing, `perStep` of them per step.
 void moveInSteps(CData& data, CUndoStack& undo, std::size_t perStep) {
   CEntMoveVisitor mover(PNT_3D(1, -1, 0));
   std::size_t count = 0;
@@ -87,11 +87,11 @@ void remember(benchmark::State& state, std::size_t perStep) {
   countItems(state);
 }
 
-// One step of everything: the whole drawing was moved.
+// A single step: the whole drawing was moved.
 void BM_MoveRemembered(benchmark::State& state) { remember(state, kUnbounded); }
 BENCHMARK(BM_MoveRemembered)->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
 
-// As many steps as entities: a long day's work.
+// As many steps as entities: a long editing session.
 void BM_MoveOneByOne(benchmark::State& state) { remember(state, 1); }
 BENCHMARK(BM_MoveOneByOne)->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
 
@@ -107,7 +107,7 @@ void BM_UndoAndRedo(benchmark::State& state) {
 }
 BENCHMARK(BM_UndoAndRedo)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
-// Every second entity is deleted, brought back and deleted again.
+// Every second entity is deleted, restored and deleted again.
 void BM_RemoveUndoRedo(benchmark::State& state) {
   const Drawing drawing = mixed(state);
   const auto& table = drawing->getEntTable().getEntityTbl();
@@ -129,7 +129,7 @@ BENCHMARK(BM_RemoveUndoRedo)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisec
 
 // --- Parallels
 
-// A coast: segments of one length that turn at random, crossing their own way.
+// A coastline: segments of equal length with random turns, crossing itself.
 std::vector<PNT_3D> walk(int count) {
   std::mt19937 random(1);
   std::uniform_real_distribution<double> turn(-1, 1);
@@ -156,7 +156,7 @@ std::vector<PNT_3D> ring(int count) {
   return points;
 }
 
-// A line drawn by a shaking hand.
+// A line drawn with a shaking hand.
 std::vector<PNT_3D> noise(int count) {
   std::mt19937 random(1);
   std::uniform_real_distribution<double> jitter(-1, 1);
@@ -188,7 +188,7 @@ void BM_OffsetRing(benchmark::State& state) {
 }
 BENCHMARK(BM_OffsetRing)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
-// So far off that most of the line has no part in it.
+// So far away that most of the line does not contribute.
 void BM_OffsetNoiseFar(benchmark::State& state) {
   offset(state, noise(static_cast<int>(state.range(0))), false, 100);
 }
@@ -201,7 +201,7 @@ void BM_CalcParalLine(benchmark::State& state) {
 }
 BENCHMARK(BM_CalcParalLine)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
-// --- Joining and taking apart
+// --- Joining and exploding
 
 using Ents = std::vector<std::unique_ptr<CEnt>>;
 
@@ -211,7 +211,7 @@ std::vector<CEnt*> borrowed(const Ents& ents) {
   return result;
 }
 
-// Contour lines cut to segments: a hundred chains, in no order and either direction.
+// Contour lines split into segments: a hundred chains, in random order and direction.
 Ents shuffledSegments(CData& data, int count) {
   std::mt19937 random(1);
   Ents ents;
@@ -256,7 +256,7 @@ void explode(benchmark::State& state, CData& data, const std::vector<CEnt*>& ent
   state.counters["parts"] = static_cast<double>(parts);
 }
 
-// A hundred polylines of so many segments together.
+// A hundred polylines with that many segments in total.
 void BM_ExplodePolylines(benchmark::State& state) {
   const Drawing drawing = vek0::bench::newDrawing();
   const Ents ents = shuffledSegments(*drawing, static_cast<int>(state.range(0)));
@@ -269,7 +269,7 @@ void BM_ExplodePolylines(benchmark::State& state) {
 }
 BENCHMARK(BM_ExplodePolylines)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
-// One insert whose array has so many cells, of a block of five lines and five circles.
+// One insert with an array of that many cells, of a block of five lines and five circles.
 void explodeArray(benchmark::State& state, double scaleY) {
   const Drawing drawing = vek0::bench::newDrawing();
   CBlock* block = drawing->getBlockFactory().create(u"B", PNT_3D(0, 0, 0), 0);
@@ -286,7 +286,7 @@ void explodeArray(benchmark::State& state, double scaleY) {
 void BM_ExplodeArray(benchmark::State& state) { explodeArray(state, 1); }
 BENCHMARK(BM_ExplodeArray)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 
-// With unequal scales, which make polylines of the circles.
+// With unequal scales, which turn the circles into polylines.
 void BM_ExplodeStretchedArray(benchmark::State& state) { explodeArray(state, 2); }
 BENCHMARK(BM_ExplodeStretchedArray)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond);
 

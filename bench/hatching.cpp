@@ -1,5 +1,5 @@
-// Filling areas with patterns: one boundary of many edges, and many small ones; making many
-// hatches in one drawing, and keeping the patterns of many.
+// Filling areas with patterns: one boundary with many edges, and many small ones; creating many
+// hatches in one drawing, and storing the patterns of many.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -57,7 +57,7 @@ void fill(benchmark::State& state, const HATCH_LINE& line, const std::vector<PNT
   state.counters["pieces"] = static_cast<double>(counter.count() / state.iterations());
 }
 
-// 1000 lines across a boundary of so many edges.
+// 1000 lines across a boundary with that many edges.
 void BM_FillManyEdges(benchmark::State& state) {
   fill(state, slanted(1, false), wheel(static_cast<int>(state.range(0))), 1);
 }
@@ -68,7 +68,7 @@ void BM_FillManyEdgesDashed(benchmark::State& state) {
 }
 BENCHMARK(BM_FillManyEdgesDashed)->Arg(10000)->Unit(benchmark::kMillisecond);
 
-// So many rooms of twenty lines each.
+// That many rooms of twenty lines each.
 void BM_FillManyAreas(benchmark::State& state) {
   fill(state, slanted(0.5, false),
        {
@@ -96,8 +96,8 @@ void BM_FillSolid(benchmark::State& state) {
 }
 BENCHMARK(BM_FillSolid)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
-// So many hatches of twenty lines each in one drawing: their blocks are numbered, named and
-// registered one after the other.
+// That many hatches of twenty lines each in one drawing: their blocks are numbered, named and
+// registered one by one.
 void BM_CreateHatches(benchmark::State& state) {
   const std::vector<PNT_3D> room = {
       {3, 4,  0},
@@ -124,7 +124,7 @@ void BM_CreateHatches(benchmark::State& state) {
 }
 BENCHMARK(BM_CreateHatches)->Arg(1000)->Arg(20000)->Unit(benchmark::kMillisecond);
 
-// Files may give every hatch lines of its own under one name.
+// Files may define different lines for every hatch under one name.
 void BM_KeepPatterns(benchmark::State& state) {
   for (auto _ : state) {
     CHatchTypeTable table;

@@ -1,4 +1,4 @@
-// External references: reading many, each of which shows a common one, and binding them.
+// External references: reading many that each show a common one, and binding them.
 #include <benchmark/benchmark.h>
 
 #include <map>
@@ -35,7 +35,7 @@ void insert(CData& data, CUndoStack& undo, const zim::WString& name) {
                                0, 0));
 }
 
-// A sheet with so many references, each of ten lines and a common part.
+// A sheet with that many references, each with ten lines and a common part.
 struct Sheet {
   explicit Sheet(int count) {
     shelf.files[u"common"] = vek0::bench::lineText(10);
@@ -61,7 +61,7 @@ void BM_ResolveXRefs(benchmark::State& state) {
 }
 BENCHMARK(BM_ResolveXRefs)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 
-// One reference to a large drawing, beside what reading that alone takes.
+// One reference to a large drawing, to compare with reading that drawing alone.
 void BM_ResolveLargeXRef(benchmark::State& state) {
   Sheet sheet(1);
   sheet.shelf.files[numbered(0)] = vek0::bench::mixedText(static_cast<int>(state.range(0)));

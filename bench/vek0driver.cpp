@@ -20,8 +20,8 @@ double nowMs() {
   return duration<double, std::milli>(steady_clock::now().time_since_epoch()).count();
 }
 
-// A line of /proc/self/status: VmRSS is the resident set, VmHWM its peak. 0 where
-// the system has no such file.
+// A line of /proc/self/status: VmRSS is the resident set, VmHWM its peak. 0 if the system has no
+// such file.
 long statusKib(const char* key) {
   char line[256];
   long kib = 0;
@@ -43,7 +43,7 @@ class Counter final : public IEntVisitor {
   void visit(CEntLine&) override { ++lines; }
   void visit(CEntCircle&) override { ++circles; }
   void visit(CEntArc&) override { ++arcs; }
-  // The corners that the file states; chords of arcs are ours.
+  // Counts the vertices in the file; chords of arcs are generated.
   void visit(CEntPolyline& polyline) override {
     ++polylines;
     polyline.forEachBulged([this](const PNT_3D&, double, double, double, long) { ++vertices; });
@@ -115,7 +115,7 @@ int main(int argc, char** argv) {
   Counter counter;
   counter.addAll(*data);
   counter.print();
-  // Ends without taking the drawing apart: the process is over anyway.
+  // Exits without destroying the drawing: the process ends anyway.
   std::fflush(stdout);
   std::_Exit(0);
 }

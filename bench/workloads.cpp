@@ -1,5 +1,4 @@
-// Named workloads. Growth shows as "items_per_second" that stays level from one size
-// to the next.
+// Named workloads. For linear growth, "items_per_second" stays constant from one size to the next.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -79,7 +78,7 @@ Drawing lines(int count, std::vector<CEnt*>& entities) {
   return drawing;
 }
 
-// Editing sessions delete what a selection filter picked: here every second entity.
+// Editing sessions delete what a selection filter matches: here every second entity.
 void BM_RemoveEverySecond(benchmark::State& state) {
   const int count = static_cast<int>(state.range(0));
   for (auto _ : state) {
@@ -97,7 +96,7 @@ void BM_RemoveEverySecond(benchmark::State& state) {
 }
 BENCHMARK(BM_RemoveEverySecond)->Arg(20000)->Arg(80000)->Arg(320000)->Unit(benchmark::kMillisecond);
 
-// The same inside one big block, looking at it after every removal.
+// The same inside one big block, with an access after every removal.
 void BM_RemoveFromBlock(benchmark::State& state) {
   const int count = static_cast<int>(state.range(0));
   for (auto _ : state) {
@@ -149,7 +148,7 @@ CEnt* insertOf(const CData& data, int block) {
                          0, 0);
 }
 
-// Files whose inserts come before their blocks: every block starts as a placeholder.
+// Files whose inserts precede their blocks: every block starts as a placeholder.
 void BM_RedefinePlaceholders(benchmark::State& state) {
   const int count = static_cast<int>(state.range(0));
   for (auto _ : state) {
@@ -168,8 +167,8 @@ void BM_RedefinePlaceholders(benchmark::State& state) {
 }
 BENCHMARK(BM_RedefinePlaceholders)->Arg(20000)->Arg(80000)->Unit(benchmark::kMillisecond);
 
-// Blocks of two inserts each, defined in no order. `isAcyclic`: an order exists, as in every
-// file that is sound; otherwise an eighth of them is refused.
+// Blocks of two inserts each, defined in random order. `isAcyclic`: an order exists, as in every
+// valid file; otherwise an eighth of them is rejected.
 void redefineAtRandom(benchmark::State& state, bool isAcyclic) {
   const int count = static_cast<int>(state.range(0));
   std::mt19937 random(1);

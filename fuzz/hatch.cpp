@@ -1,5 +1,5 @@
-// Fills any boundary with any pattern and takes what comes out apart: it must be finite,
-// no more than was allowed, and inside the extents of the boundary.
+// Fills any boundary with any pattern and checks the output: it must be finite, within the limit,
+// and inside the extents of the boundary.
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -87,7 +87,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const HatchStatus status = fillHatch(type, scale, rotate, boundary, kLimit, checker);
   require((status == HatchStatus::Done) ==
           (estimate.status == HatchStatus::Done && estimate.pieces <= kLimit));
-  // A line and a period more than the estimate at each side, in six dashes.
+  // One line and one period more than the estimate on each side, with six dashes.
   require(status == HatchStatus::Done ? checker.count() <= 100 * (kLimit + 10) + 100 * size
                                       : checker.count() == 0);
 

@@ -1,5 +1,5 @@
-// Imports any bytes into a drawing that has content, twice, so that the names of
-// the second round meet those of the first.
+// Imports any bytes into a drawing with content, twice, so that the names of the second round
+// collide with those of the first.
 #include "support.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

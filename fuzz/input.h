@@ -11,7 +11,7 @@ inline void require(bool condition) {
   if (!condition) std::abort();
 }
 
-/// Takes numbers from the input until it is used up; then all are 0.
+/// Reads numbers from the input until it is exhausted; then all are 0.
 class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size) : m_data(data), m_size(size) {}
@@ -24,7 +24,7 @@ class Input {
     return *m_data++;
   }
 
-  /// Small numbers meet lines, corners and each other; any bits are the rest.
+  /// Small numbers hit lines, corners and each other; the rest are arbitrary bits.
   double number() {
     const int kind = byte();
     if (kind < 200) return (kind - 100) / 4.0;

@@ -1,5 +1,5 @@
-// Linetype definition files: whatever a file says, what we read of it, saved and read
-// again, is the same, and saving that gives the same bytes.
+// Linetype definition files: whatever a file contains, saving and rereading what was read must
+// yield the same, and saving that the same bytes.
 #include <cstdlib>
 
 #include "support.h"
@@ -34,7 +34,7 @@ std::string saved(CLtypeLoader& loader) {
   return file.bytes();
 }
 
-// Dashes exactly; texts carry six decimals, so there it is their kind that counts.
+// Compares dashes exactly; texts have six decimals, so only their kind is compared.
 void compare(const CLtype& a, const CLtype& b) {
   if (a.getNoDashes() != b.getNoDashes()) std::abort();
   for (int i = 0; i < a.getNoDashes(); ++i) {

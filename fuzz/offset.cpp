@@ -1,5 +1,5 @@
-// Offsets any path to either side and takes what comes out apart: it must be finite, and
-// its edges must follow each other.
+// Offsets any path to either side and checks the output: it must be finite, and its edges must be
+// connected.
 #include <cstddef>
 #include <cstdint>
 #include <vector>

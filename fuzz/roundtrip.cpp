@@ -1,6 +1,6 @@
-// What we write we must read: saves whatever loaded, in both forms, and loads it
-// again. A refusal of our own file is a find, and so is a drawing that is saved in
-// the exchange form, read again and saved as another file.
+// We must read what we write: saves whatever loaded, in both forms, and loads it again. Rejecting
+// our own file is a failure, and so is a drawing in the exchange form that changes when read and
+// saved again.
 #include <cstdlib>
 
 #include "support.h"

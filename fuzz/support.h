@@ -18,8 +18,7 @@ inline Drawing newDrawing() {
   return Drawing(CDataFactory().createData());
 }
 
-/// How the target reads: as the strict reader does, or, built with VEK0_FUZZ_TOLERANT,
-/// as the one that makes the best of any file.
+/// Reading options of the target: strict, or, if built with VEK0_FUZZ_TOLERANT, tolerant.
 inline CFileDXFIOptions options(CFileReport& report) {
 #ifdef VEK0_FUZZ_TOLERANT
   return {&report, CFileDXFIPolicy::forAnyFile()};

@@ -1,5 +1,5 @@
-// A drawing that refers to drawings that are all like itself: resolved, bound or detached,
-// and taken back. Anything that does not come back is a find.
+// A drawing whose references are all copies of itself: resolved, bound or detached, and undone. Any
+// difference afterwards is a failure.
 #include <cstdlib>
 #include <map>
 #include <utility>
@@ -8,7 +8,7 @@
 
 namespace {
 
-// Every path is a file with the same bytes, up to so many.
+// Every path is a file with the same bytes, up to a limit.
 class Mirrors final : public IXRefResolver {
  public:
   explicit Mirrors(std::string bytes) : m_bytes(std::move(bytes)) {}

@@ -46,7 +46,7 @@ void printLine(const Json& line) {
   std::printf("%s\n", line.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
 }
 
-// Prints the state of the references to the standard output, and errors to the error stream.
+// Lists the references that are not shown on the error stream; the standard output has the result.
 void complain(const Resolved& drawing, const Session& session) {
   if (!session.quiet && drawing.reader.failures() > 0)
     Session::complain(drawing.path + ": not every reference is shown:",

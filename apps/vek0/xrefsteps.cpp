@@ -24,7 +24,7 @@ namespace {
 // Options common to all of these verbs.
 struct Options {
   std::string in, out;
-  std::vector<std::string> names;  // patterns, or the new paths of `repath`
+  std::vector<std::string> names;  // patterns, or NAME=PATH changes for `repath`
   bool all = false;
   ReferenceOptions references;
   SaveOptions save;
