@@ -1,4 +1,4 @@
-# What our own targets are compiled with. Linked privately, so nothing of it
+# Compile options of our own targets. Linked privately, so nothing of it
 # reaches a project that uses the library.
 add_library(vek0_flags INTERFACE)
 if(MSVC)
@@ -9,16 +9,16 @@ else()
     # A fused multiply-add rounds once where the source rounds twice: results would
     # differ between ARM and x86, and so would saved drawings.
     -ffp-contract=off
-    # GCC 12 sees overlaps in std::string that are not there (its bug 105651).
+    # GCC 12 reports nonexistent overlaps in std::string (its bug 105651).
     $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
     # Failed checks print paths inside the project, wherever it was built.
     -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=
     $<$<BOOL:${VEK0_WERROR}>:-Werror>)
-  # Asked of the compiler: -m32 and cross compilers make CMAKE_SYSTEM_PROCESSOR wrong.
+  # Determined from the compiler: -m32 and cross compilers make CMAKE_SYSTEM_PROCESSOR wrong.
   include(CheckCXXSymbolExists)
   check_cxx_symbol_exists(__i386__ "" VEK0_IS_I386)
   if(VEK0_IS_I386)
-    # The old floating point unit keeps extra bits that exact comparisons then see.
+    # The x87 unit keeps extra bits, which break exact comparisons.
     target_compile_options(vek0_flags INTERFACE -msse2 -mfpmath=sse)
   endif()
 endif()

@@ -42,7 +42,7 @@ long linesOf(const std::string& bytes) {
       std::count_if(bytes.begin(), bytes.end(), [](char c) { return c == '\n' || c == '\r'; }));
 }
 
-// Without the counts of linetype elements: the classic form counts those that it leaves out.
+// Removes the counts of linetype elements: the classic form counts elements that it omits.
 std::string withoutCounts(const std::string& bytes) {
   static const std::regex count("\n 73\n[0-9]+\n 40\n");
   return std::regex_replace(bytes, count, "\n 40\n");
@@ -54,8 +54,8 @@ std::size_t entries(const std::string& bytes) {
       std::distance(std::sregex_iterator(bytes.begin(), bytes.end(), head), {}));
 }
 
-// The classic form may give several items one name, which readers take for one item.
-// Strict reading passes over filled faces, and the files are too long for a comparison of lines.
+// The classic form may give several items the same name, which readers treat as one item. Strict
+// reading skips filled faces, and the files are too long for a line-by-line comparison.
 void expectSettled(const CData& data, unsigned flags) {
   const std::string first = save(data, flags);
   const Loaded again = load(first, CFileDXFIPolicy::forAnyFile());

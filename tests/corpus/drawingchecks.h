@@ -12,23 +12,22 @@ using Drawing = CDataPtr;
 /// An empty drawing; the first call registers a default font, as hosts do.
 Drawing newDrawing();
 
-/// A drawing and how reading it ended.
+/// A drawing and the result of reading it.
 struct Loaded {
   Drawing drawing;
   CFileDXFIError error;
 };
 Loaded load(const std::string& bytes, const CFileDXFIPolicy& policy = {});
 
-/// The drawing as DXF; empty when saving fails.
+/// The drawing as DXF; empty if saving fails.
 std::string save(const CData& data, unsigned flags);
 
-/// The whole file; fails the test when it cannot be read.
+/// The whole file; fails the test if it cannot be read.
 std::string readFile(const std::string& path);
 
-/// What is wrong inside a drawing, or an empty text: every entity has a layer and a
-/// linetype of this drawing, use counts are those of a recount, extents are those of
-/// a recalculation and finite, inserts refer to blocks of the table, no block
-/// contains itself.
+/// Describes an inconsistency in a drawing, or returns an empty text: every entity has a layer and
+/// a linetype of this drawing, use counts are those of a recount, extents are those of a
+/// recalculation and finite, inserts refer to blocks of the table, no block contains itself.
 std::string inconsistency(CData& data);
 
 }  // namespace vek0::test

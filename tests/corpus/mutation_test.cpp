@@ -1,5 +1,5 @@
-// Broken copies of good files: cut at every byte, or with bytes changed at random.
-// The sanitizer build makes these tests sharp.
+// Damaged copies of valid files: truncated at every byte, or with random changes. Most effective in
+// the sanitizer build.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -60,7 +60,7 @@ void expectConsistent(const std::string& text) {
 
 }  // namespace
 
-// A copy that stopped half way is the commonest broken file there is.
+// An interrupted copy is the most common kind of damaged file.
 TEST(BrokenFiles, EveryTruncationGivesAnErrorOrADrawing) {
   const QuietAsserts asserts;
   for (const std::string& whole : samples()) {

@@ -19,7 +19,7 @@ using std::string_literals::operator""s;
 using zim::Char;
 using zim::WString;
 
-// A path of its own for the running test, gone afterwards: tests run side by side.
+// A unique path for the running test, removed afterwards: tests run in parallel.
 class TempFile {
  public:
   explicit TempFile(const std::string& name = "file.txt")
@@ -245,7 +245,7 @@ TEST(FileStdLib, CopiesShareTheStream) {
   EXPECT_FALSE(copy.isOpened()) << "a stream opened later is not shared";
 }
 
-// Writing is buffered; asking is what finds a full medium before it is too late.
+// Writing is buffered; `fail` detects a full medium in time.
 TEST(FileStdLib, FailFindsAFullDevice) {
   CFileStdLib file(u"/dev/full", IFile::kWrite);
   if (!file.open()) GTEST_SKIP() << "no such device here";
@@ -276,7 +276,7 @@ TEST(FileMemory, CopiesHaveTheirOwnBytes) {
   EXPECT_EQ(copy.bytes(), "a\nb\n");
 }
 
-// A host's file that knows lines only.
+// A host's file with only line access.
 class LinesOnly : public IFile {
  public:
   LinesOnly() : IFile(u"lines", kWrite) {}

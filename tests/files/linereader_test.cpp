@@ -15,7 +15,7 @@ using std::string_literals::operator""s;
 constexpr unsigned kSeed = 20240607;
 constexpr std::size_t kLargeBlock = 1 << 16;
 
-// Hands out a text in portions of at most `portion` bytes.
+// Delivers a text in portions of at most `portion` bytes.
 LineReader::Source sourceOf(const std::string& text, std::size_t portion) {
   return [&text, portion, at = std::size_t{0}](char* buf, long n) mutable {
     const std::size_t count = text.copy(buf, std::min(portion, static_cast<std::size_t>(n)), at);
@@ -83,7 +83,7 @@ TEST(LineReader, LineEndsAndMarks) {
   }
 }
 
-// Where the blocks are cut must not show.
+// Block boundaries must not affect the result.
 TEST(LineReader, BlocksAndPortionsDoNotMatter) {
   std::mt19937_64 random(kSeed);
   const std::string alphabet = "ab \n\n\r\r";

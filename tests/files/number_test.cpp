@@ -29,7 +29,7 @@ std::string shortest(double value) {
   return {buffer, formatShortest(buffer, value)};
 }
 
-// Any finite double, all exponents alike.
+// Any finite double, with uniformly distributed exponents.
 double anyDouble(std::mt19937_64& random) {
   for (;;) {
     const std::uint64_t bits = random();
@@ -39,7 +39,7 @@ double anyDouble(std::mt19937_64& random) {
   }
 }
 
-// A number as drawings hold them: some digits, some of them decimals.
+// A number as found in drawings: some digits, some of them decimals.
 std::string anyDecimal(std::mt19937_64& random) {
   std::string text = random() % 2 ? "-" : "";
   const auto digits = [&](std::uint64_t most) {
@@ -54,7 +54,7 @@ std::string anyDecimal(std::mt19937_64& random) {
   return text;
 }
 
-// Half way between two doubles, or beside it by what stands far behind.
+// Halfway between two doubles, or next to it by a digit far behind.
 std::string anyTie(std::mt19937_64& random) {
   const int drop = static_cast<int>(random() % 10) + 1;
   const std::uint64_t half = std::uint64_t{1} << (drop - 1);

@@ -52,9 +52,9 @@ class WithDecoder {
   MultiByteDecoder m_before;
 };
 
-// Knows one character of page 932 and nothing else.
+// Supports one character of page 932 and nothing else.
 bool decodeFullWidthA(int page, std::string_view bytes, std::u16string& out) {
-  out += u'?';  // what a failure leaves behind must go
+  out += u'?';  // output of a failed call must be discarded
   if (page != 932 || bytes != "\x82\x60") return false;
   out.back() = u'\uFF21';
   return true;

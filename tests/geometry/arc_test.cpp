@@ -54,7 +54,7 @@ TEST(Arc, AnglesAreNormalised) {
   }
 }
 
-// A loop of steps would not end here.
+// A stepping loop would not terminate here.
 TEST(Arc, HugeAnglesAreNormalisedAtOnce) {
   for (const double angle : {1e9, -1e9, 1e17, -1e300, std::numeric_limits<double>::max()}) {
     SCOPED_TRACE(angle);

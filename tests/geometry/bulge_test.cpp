@@ -78,7 +78,7 @@ TEST(Bulge, StraightSegments) {
   }
 }
 
-// From the flattest arc that still is one to almost full circles, in any place and size.
+// From the flattest valid arc to almost full circles, at any position and size.
 TEST(Bulge, ArcEndsAtThePointsAndHasTheAngle) {
   std::mt19937 random(41);
   std::uniform_real_distribution<double> real(-1, 1);

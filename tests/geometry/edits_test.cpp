@@ -45,7 +45,7 @@ TEST(Edits, TrimTakesWhatIsBetweenTheCrossings) {
   EXPECT_TRUE(left.empty());
 }
 
-// The half of a circle on the pick's side goes, and what remains is on the same circle.
+// The half of a circle on the pick's side is removed, and the rest is on the same circle.
 TEST(Edits, TrimOfACircleLeavesAnArc) {
   const CIRCLE_3D circle(1, 1, 0, 3);
   for (const double side : {-1.0, 1.0}) {
@@ -91,7 +91,7 @@ TEST(Edits, ExtendedArcsStayOnTheirCircle) {
       << "its own beginning is no bound";
 }
 
-// Whatever the edges: the joint begins and ends on them and goes on in their direction.
+// For any edges, the joint begins and ends on them and continues their direction.
 TEST(Edits, FilletsAreTangent) {
   std::mt19937 random(1);
   std::uniform_real_distribution<double> place(-9, 9);

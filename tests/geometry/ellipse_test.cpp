@@ -73,7 +73,7 @@ TEST(Ellipse, SweepBetweenParameters) {
   }
 }
 
-// With ratio 1 it is the arc that we know: ends, extents, number of chords, points.
+// With ratio 1 it equals the circular arc: ends, extents, number of chords, points.
 TEST(Ellipse, OfRatioOneIsTheArc) {
   std::mt19937 random(51);
   std::uniform_real_distribution<double> real(-1, 1);

@@ -151,7 +151,8 @@ TEST(ImpLine, ParallelsAndPerpendicularsKeepTheirPromises) {
   }
 }
 
-// The coefficients count as they stand: 1e-12 is far less of a long line than of a short.
+// The coefficients are not normalized: 1e-12 is relatively far less for a long line than for a
+// short one.
 TEST(ImpLine, NearlyEqualLinesDoNotMeet) {
   const IMP_LINE_2D line(1000, 1000, 5);
   const struct {

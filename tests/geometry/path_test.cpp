@@ -50,7 +50,7 @@ TEST(Path, PartsAddUpToTheWhole) {
   }
 }
 
-// Through the index against every pair.
+// Compares the index with all pairs.
 TEST(Path, CrossingsAreThoseOfAllPairsOfEdges) {
   std::mt19937 random(3);
   for (int round = 0; round < 100; ++round) {

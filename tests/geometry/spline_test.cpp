@@ -230,7 +230,7 @@ TEST(Spline, ClampedEndsAreExact) {
   }
 }
 
-// The commonest rational curve in files: a circle as quadratic pieces.
+// The most common rational curve in files: a circle as quadratic pieces.
 TEST(Spline, RationalQuadraticIsTheCircle) {
   const double w = std::sqrt(0.5);
   const SPLINE_3D s = spline(2,
@@ -292,7 +292,7 @@ TEST(Spline, JumpsAreKept) {
   EXPECT_TRUE(s.getPnt(1) == PNT_3D(3, 5, 0));
 }
 
-// What no curve deserves: tolerances that are none, and more spans than chords are allowed.
+// Invalid tolerances, and more spans than the limit of chords.
 TEST(Spline, ChordsAreBounded) {
   Random random(67);
   for (const double tolerance : {0.0, -1.0, kNan}) {

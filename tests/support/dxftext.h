@@ -32,7 +32,7 @@ std::string pairs(const Pairs&... pair) {
   return (std::string() + ... + pairText(pair));
 }
 
-/// Pairs given in one text, parted by '|': for tables of cases.
+/// Pairs in one text, separated by '|', for tables of cases.
 inline std::string pairsOf(std::string_view list) {
   std::string text;
   while (!list.empty()) {
@@ -58,12 +58,12 @@ inline std::string table(std::string_view name, const std::string& entries) {
          pairs("0 ENDTAB");
 }
 
-/// HEADER with a version alone.
+/// HEADER with only a version.
 inline std::string version(std::string_view name) {
   return section("HEADER", pairs("9 $ACADVER") + pairText("1 " + std::string(name)));
 }
 
-/// A drawing with what reading a text into it gave.
+/// A drawing with the result of reading a text into it.
 struct Loaded {
   CDataPtr data{CDataFactory().createData()};
   CFileDXFIError error;
@@ -77,7 +77,7 @@ struct Loaded {
     for (const CEnt* ent : data->getEntTable().getEntityTbl()) n += ent->getType() == type;
     return n;
   }
-  /// The only entity of model space, null when there is none or more.
+  /// The only entity of model space; null if there is none or more than one.
   CEnt* only() const {
     const auto& ents = data->getEntTable().getEntityTbl();
     return ents.size() == 1 ? ents.front() : nullptr;
@@ -100,7 +100,7 @@ inline void importInto(Loaded& target, const std::string& text, CFileDXFIPolicy 
   target.result = importDXF(target.drawing(), file, &target.error, {&target.report, policy});
 }
 
-/// A file of version `name`, or without one, with these entity pairs, parted by '|'.
+/// A file of version `name`, or without one, with these entity pairs, separated by '|'.
 inline std::string entitiesOf(std::string_view name, std::string_view list) {
   const std::string header = name.empty() ? std::string() : version(name);
   return header + section("ENTITIES", pairsOf(list)) + dxf();

@@ -1,1 +1,1 @@
-// Nothing but a place for the precompiled headers of all tests to be built.
+// Exists only to build the precompiled headers of all tests.

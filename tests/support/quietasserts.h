@@ -5,8 +5,8 @@
 
 namespace vek0::test {
 
-/// Records failed internal checks instead of ending the process while it lives.
-/// A test that provokes none asserts that `failures()` stays empty.
+/// While it exists, records failed internal checks instead of terminating the process. A test that
+/// provokes none asserts that `failures()` stays empty.
 class QuietAsserts {
  public:
   QuietAsserts();

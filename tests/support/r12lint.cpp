@@ -45,14 +45,14 @@ bool isNamePart(std::string_view name) {
   return true;
 }
 
-// Dependent names are two of the kind, joined by a bar.
+// Dependent names are two such names joined by a vertical bar.
 bool isName(std::string_view name) {
   const std::size_t bar = name.find('|');
   if (bar == std::string_view::npos) return isNamePart(name);
   return isNamePart(name.substr(0, bar)) && isNamePart(name.substr(bar + 1));
 }
 
-// One record: its pair of code 0 and what follows up to the next.
+// One record: its pair of code 0 and the pairs up to the next.
 struct Record {
   std::string kind;
   long line = 0;
@@ -165,7 +165,7 @@ class Lint {
       complain(pair.line, "an integer over 16 bits");
   }
 
-  // The walk over the records; every check leaves it on the record after its own.
+  // Traversal of the records; every check advances past its own record.
   bool at(const char* kind) const {
     return m_at < m_records.size() && m_records[m_at].kind == kind;
   }
@@ -251,7 +251,7 @@ class Lint {
     while (at("BLOCK")) {
       const Record& block = next();
       checkEntityRecords();
-      // Only now: an insert of the block in itself is one before its definition.
+      // Only now, so that an insert of the block in itself precedes its definition.
       declare(block, m_blocks);
       if (m_exchange && at("ENDBLK") && m_records[m_at].text(8) != "0")
         complain(m_records[m_at].line, "ENDBLK without its layer");

@@ -2,7 +2,7 @@
 
 namespace vek0::test {
 
-// The folder is known to this file alone, so that a compiler cache serves every checkout.
+// Only this file contains the folder, so that a compiler cache works across checkouts.
 std::string samplePath(const std::string& name) {
   return name.empty() ? VEK0_SAMPLES : std::string(VEK0_SAMPLES) + "/" + name;
 }

@@ -1,4 +1,4 @@
-// Putting things back between their old neighbors, in arrays that were closed up meanwhile.
+// Restoring items between their old neighbors, in arrays that were compacted meanwhile.
 #include "tables/holes.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 
 namespace {
 
-// Numbered things in an array with holes; each knows its position, as users of the array do.
+// Numbered items in an array with holes; each stores its position, as in real use.
 class Shelf {
  public:
   explicit Shelf(std::size_t count) : m_things(count) {
@@ -43,7 +43,7 @@ class Shelf {
     m_holes = 0;
   }
 
-  // Whether numbers rise, positions are true and the holes are counted.
+  // Whether numbers ascend, positions are correct and the holes are counted.
   bool isSound() const {
     std::vector<std::size_t> numbers;
     for (std::size_t i = 0; i < m_slots.size(); ++i) {
@@ -95,8 +95,8 @@ TEST(HoleBefore, KeepsOrderAndCountWhateverComesBack) {
   }
 }
 
-// Nearly everything goes, the array is closed up, and all comes back. It used to grow by a
-// share of itself, holes included, for every thing that came back elsewhere.
+// Nearly everything is removed, the array is compacted, and everything is restored. It used to grow
+// by a fraction of its size, holes included, for every item restored elsewhere.
 TEST(HoleBefore, GrowsAndMovesWithWhatIsInUse) {
   constexpr std::size_t kCount = 20000;
   std::vector<std::size_t> forwards(kCount);

@@ -107,7 +107,7 @@ TEST(LtypeDashes, BoxSpansTheLengthAndTheTexts) {
   for (const double value : {0.5, -0.25, 0.0}) seq.AddDashDouble(value);
   seq.GetBdry(box);
   EXPECT_TRUE(box == RECT_2D(0, 0, 0.75, 0));
-  // Two letters of 0.9 from 0.75 on, 1 high, a third below the line.
+  // Two characters of 0.9 from 0.75 on, 1 high, a third below the line.
   seq.AddDashText(vek0::test::text(u"ab", nullptr));
   seq.AddDashDouble(-0.25);
   seq.GetBdry(box);
@@ -128,7 +128,7 @@ TEST(LtypeDashes, MementoKeepsItsOwnElements) {
   EXPECT_EQ(seq.GetNoDashes(), 2);
 }
 
-// "value from-to" of each element along the way.
+// "value from-to" of each element along the path.
 std::string laid(const CLtypeComplexDashSeq& seq, double scale, double phase, double length,
                  long most = 1000) {
   std::string out;

@@ -33,7 +33,7 @@ struct Table : CNamedItemTableImp {
   }
 };
 
-// What the table promises to answer, found by looking at every item in order.
+// Reference results for the table, computed by scanning all items in order.
 struct Scan {
   std::vector<CNamedItem*> items;
 
@@ -53,7 +53,7 @@ struct Scan {
   }
 };
 
-// Few names, many clashes: letter case, leading zeros, numbers that are parts of others.
+// Few names, many collisions: case, leading zeros, numbers that are parts of others.
 class Names {
  public:
   explicit Names(unsigned seed) : m_random(seed) {}

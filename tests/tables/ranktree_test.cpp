@@ -8,7 +8,7 @@
 
 namespace {
 
-// Position of the slot in use with `rank` others before it, found by counting.
+// Position of the used slot with `rank` used slots before it, by counting.
 std::size_t scan(const std::vector<int*>& slots, std::size_t rank) {
   std::size_t position = 0;
   for (; position < slots.size(); ++position) {

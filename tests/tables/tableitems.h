@@ -13,7 +13,7 @@
 
 namespace vek0::test {
 
-// The fixed items, which only a drawing makes.
+// The fixed items, which only a drawing creates.
 struct Continuous : CLtypeContinuous {};
 struct ByLayer : CLtypeByLayer {};
 struct ByBlock : CLtypeByBlock {};
@@ -21,7 +21,7 @@ struct Layer0 : CLayer0 {
   explicit Layer0(CLtype* ltype) : CLayer0(ltype, 7, 0) {}
 };
 
-/// The fixed items and the tables that know them.
+/// The fixed items and their tables.
 struct Tables {
   Continuous continuous;
   ByLayer byLayer;

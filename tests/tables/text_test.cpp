@@ -14,7 +14,7 @@ namespace {
 constexpr double kPi = 3.141592653589793;
 constexpr double kTolerance = 1e-9;
 
-// Ten units high with capitals of eight, two below the line, five a letter.
+// Ten units high, capitals of eight, a descent of two, five per character.
 struct Font : ICADFont {
   explicit Font(double heightUnit = 8) : ICADFont(u"font"), m_heightUnit(heightUnit) {}
   double getHeightUnit() const override { return m_heightUnit; }
@@ -186,7 +186,7 @@ TEST(TextExtents, ReachFromTheDescentToTheHeight) {
   }
 }
 
-// Turning, scaling and measuring can be done in any order.
+// Rotating, scaling and measuring commute.
 TEST(TextTransforms, CornersFollow) {
   constexpr unsigned kSeed = 3;
   std::mt19937 random(kSeed);

@@ -1,4 +1,4 @@
-// Edits as scripts make them: what steps do, in which order, and what they refuse.
+// Edits as scripts make them: what steps do, in which order, and what they reject.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -24,8 +24,8 @@ std::string pairs(const std::string& text) {
   return lines;
 }
 
-// Two walls that meet at (10,0) on layers of their own, a circle on a layer with a comma in
-// its name, a closed square that runs clockwise, a block inserted once, and what nobody uses.
+// Two walls that meet at (10,0) on separate layers, a circle on a layer with a comma in its name, a
+// closed clockwise square, a block inserted once, and unused items.
 const std::string kPlan = pairs(
     "0 SECTION|2 TABLES|"
     "0 TABLE|2 LTYPE|70 2|0 LTYPE|2 USED|70 0|3 |72 65|73 2|40 2|49 1|49 -1|"
@@ -161,7 +161,7 @@ TEST_F(Edit, CurvesComeApartTogetherAndBesides) {
   }
 }
 
-// The square of the plan runs clockwise, and the circle the other way.
+// The square of the plan is clockwise, the circle counterclockwise.
 TEST_F(Edit, ParallelsOfClosedCurvesAreOutsideForMoreThanNothing) {
   const struct {
     const char* offset;
@@ -219,7 +219,7 @@ TEST_F(Edit, PurgeTakesWhatNothingUsesAndNoMore) {
   EXPECT_TRUE(info()["blocks"].empty());
 }
 
-// As whole degrees, and where two quarter turns are a half.
+// In whole degrees, and two quarter turns make a half turn.
 TEST_F(Edit, TurnedTextsHaveTheDegreesThatWereAskedFor) {
   write("text.dxf", pairs("0 SECTION|2 ENTITIES|0 TEXT|8 0|10 1000|20 0|40 1|50 30|1 A|"
                           "0 ARC|8 0|10 0|20 0|40 1|50 350|51 20|0 ENDSEC|0 EOF"));

@@ -1,4 +1,4 @@
-// Pictures as the tool makes them: files, layout, what can be read back out of them.
+// Pictures created by the tool: files, layout, and what can be read back from them.
 #include <cairo.h>
 #include <gtest/gtest.h>
 #include <zlib.h>
@@ -19,15 +19,15 @@
 
 namespace {
 
-// An element as the pictures' tests need it.
+// An XML element, as far as the tests need it.
 struct XmlElement {
   std::string name;
   std::map<std::string, std::string> attributes;
   std::string parentId;
 };
 
-// Reads a document into its elements, in their order; `error` says what makes it no
-// document: wrong nesting, a name twice, a mark that is not escaped.
+// Parses a document into its elements, in order; `error` reports why it is malformed: wrong
+// nesting, a duplicate name, an unescaped character.
 class XmlReader {
  public:
   explicit XmlReader(std::string text) : m_text(std::move(text)) { read(); }
@@ -143,7 +143,7 @@ struct Image {
     const auto at = colors.find(color);
     return at == colors.end() ? 0 : at->second;
   }
-  // Pixels that are no shade of gray.
+  // Number of pixels that are not gray.
   int hues() const {
     int result = 0;
     for (const auto& [color, number] : colors) {
@@ -153,7 +153,7 @@ struct Image {
     return result;
   }
 
-  // Pixels that black covers on white, those that it covers in part by their share.
+  // Area in pixels covered by black on white, counting partial coverage.
   double ink() const {
     double result = 0;
     for (const auto& [color, number] : colors)
@@ -567,7 +567,7 @@ TEST_F(Render, WhatIsSmallOrThinIsSeen) {
   for (const char* id : {"h1", "h2"}) EXPECT_EQ(dots.byId(id)->attributes.at("d"), "M50 50h0");
 }
 
-// However a line is cut, and whichever way it goes, it is as dark as it is long and wide.
+// However a line is split, and whatever its direction, its ink is its length times its width.
 TEST_F(Render, InkFollowsLengthAndWidth) {
   const auto inkOf = [&](const std::string& entities, const std::string& options) {
     write("a.dxf", drawing(entities));
@@ -596,7 +596,7 @@ TEST_F(Render, InkFollowsLengthAndWidth) {
   }
 }
 
-// Strips side by side, each with soft edges of its own, would let the background through.
+// Adjacent strips, antialiased separately, would let the background show through.
 TEST_F(Render, SolidHatchesHaveNoSeams) {
   const std::string hatches = vek0::test::quotedSample("hatches_ac1015.dxf");
   ASSERT_EQ(run("render -q " + hatches + " -o a.png --size 900x900 --layers HATCH").code, 0);
@@ -642,8 +642,8 @@ TEST_F(Render, ViewsShowTheAxes) {
   }
 }
 
-// A fill hides what came before it and is hidden by what comes behind it, whatever their
-// layers; lines of one color commute.
+// A fill hides earlier content and is hidden by later content, whatever their layers; lines of one
+// color commute.
 TEST_F(Render, GroupingKeepsWhatCovers) {
   const std::string wide =
       "0\nLWPOLYLINE\n100\nAcDbPolyline\n5\nF\n8\nFILL\n90\n2\n43\n20\n"
@@ -685,7 +685,7 @@ TEST_F(Render, SaysWhatIsNotShown) {
   EXPECT_NE(other.err.find("1 entity is on other sheets"), std::string::npos) << other.err;
 }
 
-// What is hidden or never printed is not to shrink the picture, nor to coarsen its arcs.
+// Hidden or unprinted content must neither shrink the picture nor coarsen its arcs.
 TEST_F(Render, FitsWhatIsShown) {
   write("a.dxf", drawing(line("A", 0, 0, 100, 100, "1") + line("B", 0, 0, 9000, 9000) +
                          line("DEFPOINTS", 0, 0, 9e9, 9e9) +

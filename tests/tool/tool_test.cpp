@@ -74,7 +74,7 @@ TEST_F(Tool, CheckGoesOnAfterAFailureAndSaysWhere) {
   EXPECT_EQ(line["error"]["line"], 12);
 }
 
-// A link that leads to itself is there, and nobody can open it.
+// A link to itself exists but cannot be opened.
 TEST_F(Tool, SaysWhyAnInputCannotBeRead) {
   write("good.dxf", kOneLine);
   fs::create_directory(path("folder"));
@@ -199,7 +199,7 @@ TEST_F(Tool, ExitCodes) {
   EXPECT_FALSE(leftovers());
 }
 
-// Names may hold what terminals obey.
+// Names may contain terminal control sequences.
 TEST_F(Tool, NothingInADrawingMovesTheCursor) {
   const std::string evil = "A\x1B[2J\xC2\x9B^Jvek0: forged";
   write("evil.dxf", "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n" + evil +

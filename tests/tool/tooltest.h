@@ -14,7 +14,7 @@
 
 namespace fs = std::filesystem;
 
-/// What a run of the tool left behind.
+/// Result of a run of the tool.
 struct Outcome {
   int code = -1;
   std::string out, err;
@@ -27,7 +27,7 @@ inline std::string contents(const fs::path& path) {
   return bytes.str();
 }
 
-/// Runs the tool in a scratch folder of its own.
+/// Runs the tool in a separate scratch folder.
 class Tool : public testing::Test {
  protected:
   void SetUp() override {
@@ -64,7 +64,7 @@ class Tool : public testing::Test {
 };
 
 const char* const kBroken = "This is no drawing.\n";
-// A line without an end, and a curve: what a strict reader refuses and skips.
+// An infinite line and a curve, which a strict reader rejects and skips.
 const char* const kOdd =
     "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n10\n1\n0\nSOLID\n8\n0\n10\n0\n20\n0\n11\n1\n21\n0\n"
     "12\n0\n22\n1\n13\n1\n23\n1\n0\nENDSEC\n0\nEOF\n";

@@ -1,4 +1,4 @@
-// References as scripts work on them: a sheet with two plans, one of which shows a third.
+// References as used by scripts: a sheet with two plans, one of which shows a third.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -25,7 +25,7 @@ std::string pairs(const std::string& text) {
   return lines;
 }
 
-// References to NAME=PATH each, inserted once at the origin, and a line of its own on LAYER.
+// References to NAME=PATH each, inserted once at the origin, and a line on LAYER.
 std::string drawing(const std::vector<std::pair<std::string, std::string>>& references,
                     const std::string& layer = "0") {
   std::string blocks, inserts;
@@ -121,7 +121,7 @@ TEST_F(Xrefs, TreeShowsNesting) {
   EXPECT_EQ(line["references"][1]["status"], "missing");
 }
 
-// Every drawing refers to the next one twice, so the ways double with every level.
+// Every drawing refers to the next one twice, so the number of paths doubles with every level.
 TEST_F(Xrefs, TreeOfDiamondsEndsSoon) {
   constexpr int kLevels = 40;
   for (int i = 0; i < kLevels; ++i) {
@@ -356,7 +356,7 @@ TEST_F(Xrefs, TheSampleResolves) {
   EXPECT_TRUE(has(strict.out, "ok, 3 references\n")) << strict.out;
 }
 
-// What is on the standard input lies nowhere: only folders that were named count.
+// A drawing on the standard input has no folder: only named folders count.
 TEST_F(Xrefs, StandardInputHasNoFolder) {
   EXPECT_EQ(run("xrefs check -", "sheet.dxf").code, 1);
   EXPECT_EQ(run("xrefs check - --search . --search library", "sheet.dxf").code, 0);

@@ -25,7 +25,7 @@ bool writesAndReadsAText() {
 
 int main() {
   initCore();
-  // A file that names a text style is refused without a font.
+  // A file with a text style is rejected if there is no font.
   CFontTable::getInstance().addPlainDefault();
   const bool works = writesAndReadsAText();
   shutdownCore();
