@@ -64,7 +64,7 @@ class Tool : public testing::Test {
 };
 
 const char* const kBroken = "This is no drawing.\n";
-// An infinite line and a curve, which a strict reader rejects and skips.
+// A line without its end point, which a strict reader rejects, and a SOLID, which it skips.
 const char* const kOdd =
     "0\nSECTION\n2\nENTITIES\n0\nLINE\n8\n0\n10\n1\n0\nSOLID\n8\n0\n10\n0\n20\n0\n11\n1\n21\n0\n"
     "12\n0\n22\n1\n13\n1\n23\n1\n0\nENDSEC\n0\nEOF\n";
