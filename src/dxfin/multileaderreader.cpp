@@ -77,7 +77,7 @@ void MultileaderReader::take(long code) {
     takeOfContent(code);
   } else if (m_place == Leader) {
     takeOfLeader(code);
-  } else if (code == 10 || code == 20 || code == 30) {
+  } else if (m_place == Line && (code == 10 || code == 20 || code == 30)) {
     takeCoordinate(m_in, code / 10 - 1, m_leaders.back().lines.back());
   } else {
     m_in.passOver();

@@ -380,7 +380,8 @@ TEST(ReadMultileader, LinesAndText) {
       "12 5|22 6|32 0|13 1|23 0|33 0|43 0|45 1|170 1|171 1|296 0|302 LEADER{|290 1|291 1|10 4|20 5|"
       "30 0|11 1|21 0|31 0|40 0.5|304 LEADER_LINE{|10 0|20 0|30 0|10 1|20 3|30 0|305 }|303 }|301 }|"
       "170 ";
-  const Loaded got = loadAny(record + "1|41 0.5");
+  // The point behind the lines scales a block and is no vertex.
+  const Loaded got = loadAny(record + "1|41 0.5|10 1|20 1|30 1");
   ASSERT_FALSE(got.error.HasAnError());
   EXPECT_EQ(shown(got), "a|b");
   EXPECT_EQ(textsOf(got)[0].x, 5);
@@ -391,6 +392,6 @@ TEST(ReadMultileader, LinesAndText) {
   EXPECT_EQ(line->getBdry().max.y, 5);
   EXPECT_EQ(got.report.count("arrow dropped"), 1);
   EXPECT_EQ(loadAny(record + "0").drawing().getEntTable().getEntityTbl().size(), 2u);
-  const Loaded cut = loadAny("0 MULTILEADER|8 0|302 LEADER{|304 LEADER_LINE{|305 }|303 }|301 }");
+  const Loaded cut = loadAny("0 MULTILEADER|8 0|10 1|302 LEADER{|304 LEADER_LINE{|305 }|303 }|301 }");
   EXPECT_EQ(cut.report.count("kind skipped"), 1);
 }
