@@ -23,9 +23,11 @@ class SheetTrial final : public Trial {
   bool run() override { return m_work(m_sheet, m_undo); }
   std::string look() override {
     std::string look = lookOf(m_sheet.data()) + " steps " + std::to_string(m_undo.getNoUndo());
-    for (const std::string& line : linesShown(m_sheet.data())) look += "\n" + line;
-    for (CData::CLayerIterator layer(m_sheet.data(), true); *layer != nullptr; ++layer)
-      look += "\n" + (*layer)->getFullName().toUtf8() + " " + std::to_string((*layer)->getColor());
+    for (const std::string& line : linesShown(m_sheet.data())) look.append("\n").append(line);
+    for (CData::CLayerIterator layer(m_sheet.data(), true); *layer != nullptr; ++layer) {
+      look.append("\n").append((*layer)->getFullName().toUtf8());
+      look.append(" ").append(std::to_string((*layer)->getColor()));
+    }
     return look;
   }
 

@@ -74,13 +74,13 @@ Drawing loadedSample(const std::string& name) {
 std::string lookOf(const CData& data) {
   std::string look = saved(data) + countsOf(data);
   const auto note = [&look](const char* what, long value) {
-    look += std::string(what) + " " + std::to_string(value) + " ";
+    look.append(what).append(" ").append(std::to_string(value)).append(" ");
   };
   for (int i = 0; i < data.getBlockTable().size(); ++i) {
     const CBlock& block = *data.getBlockTable()[i];
-    look += block.getName().toUtf8() + ":";
+    look.append(block.getName().toUtf8()).append(":");
     for (const CBlock* inner : data.getBlockTable().getBlockGraph().getEdges(block))
-      look += " " + inner->getName().toUtf8();
+      look.append(" ").append(inner->getName().toUtf8());
     note(", users", static_cast<long>(data.getBlockTable().getBlockGraph().getNoUsers(block)));
   }
   note("in graph", static_cast<long>(data.getBlockTable().getBlockGraph().size()));
