@@ -392,6 +392,7 @@ TEST(ReadMultileader, LinesAndText) {
   EXPECT_EQ(line->getBdry().max.y, 5);
   EXPECT_EQ(got.report.count("arrow dropped"), 1);
   EXPECT_EQ(loadAny(record + "0").drawing().getEntTable().getEntityTbl().size(), 2u);
-  const Loaded cut = loadAny("0 MULTILEADER|8 0|10 1|302 LEADER{|304 LEADER_LINE{|305 }|303 }|301 }");
+  const Loaded cut =
+      loadAny("0 MULTILEADER|8 0|10 1|302 LEADER{|304 LEADER_LINE{|305 }|303 }|301 }");
   EXPECT_EQ(cut.report.count("kind skipped"), 1);
 }
