@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <map>
-#include <regex>
 #include <vector>
 
 #include "corpus/drawingchecks.h"
@@ -44,14 +43,24 @@ long linesOf(const std::string& bytes) {
 
 // Removes the counts of linetype elements: the classic form counts elements that it omits.
 std::string withoutCounts(const std::string& bytes) {
-  static const std::regex count("\n 73\n[0-9]+\n 40\n");
-  return std::regex_replace(bytes, count, "\n 40\n");
+  const std::string before = "\n 73\n";
+  const std::string after = "\n 40\n";
+  std::string rest;
+  std::size_t from = 0;
+  for (std::size_t at; (at = bytes.find(before, from)) != std::string::npos;) {
+    const std::size_t end = bytes.find_first_not_of("0123456789", at + before.size());
+    const bool isCount = end != std::string::npos && bytes.compare(end, after.size(), after) == 0;
+    rest.append(bytes, from, (isCount ? at : at + before.size()) - from);
+    from = isCount ? end : at + before.size();
+  }
+  return rest.append(bytes, from, std::string::npos);
 }
 
 std::size_t entries(const std::string& bytes) {
-  static const std::regex head("\nL(AYER|TYPE)\n  2\n");
-  return static_cast<std::size_t>(
-      std::distance(std::sregex_iterator(bytes.begin(), bytes.end(), head), {}));
+  std::size_t count = 0;
+  for (const std::string head : {"\nLAYER\n  2\n", "\nLTYPE\n  2\n"})
+    for (std::size_t at = 0; (at = bytes.find(head, at)) != std::string::npos; ++at) ++count;
+  return count;
 }
 
 // The classic form may give several items the same name, which readers treat as one item. Strict
