@@ -36,10 +36,7 @@ std::vector<PNT_3D> wheel(int edges) {
 }
 
 HATCH_LINE slanted(double spacing, bool isDashed) {
-  return {
-      0.7853981633973, 0, 0, 0, spacing, {3, -1},
-           isDashed ? 2 : 0
-  };
+  return {0.7853981633973, 0, 0, 0, spacing, {3, -1}, isDashed ? 2 : 0};
 }
 
 void fill(benchmark::State& state, const HATCH_LINE& line, const std::vector<PNT_3D>& boundary,
@@ -71,14 +68,7 @@ BENCHMARK(BM_FillManyEdgesDashed)->Arg(10000)->Unit(benchmark::kMillisecond);
 // That many rooms of twenty lines each.
 void BM_FillManyAreas(benchmark::State& state) {
   fill(state, slanted(0.5, false),
-       {
-           {3, 4,  0},
-           {9, 4,  0},
-           {9, 8,  0},
-           {6, 8,  0},
-           {6, 12, 0},
-           {3, 12, 0}
-  },
+       {{3, 4, 0}, {9, 4, 0}, {9, 8, 0}, {6, 8, 0}, {6, 12, 0}, {3, 12, 0}},
        static_cast<int>(state.range(0)));
 }
 BENCHMARK(BM_FillManyAreas)->Arg(1000)->Arg(10000)->Arg(20000)->Unit(benchmark::kMillisecond);
@@ -99,14 +89,8 @@ BENCHMARK(BM_FillSolid)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMi
 // That many hatches of twenty lines each in one drawing: their blocks are numbered, named and
 // registered one by one.
 void BM_CreateHatches(benchmark::State& state) {
-  const std::vector<PNT_3D> room = {
-      {3, 4,  0},
-      {9, 4,  0},
-      {9, 8,  0},
-      {6, 8,  0},
-      {6, 12, 0},
-      {3, 12, 0}
-  };
+  const std::vector<PNT_3D> room = {{3, 4, 0}, {9, 4, 0},  {9, 8, 0},
+                                    {6, 8, 0}, {6, 12, 0}, {3, 12, 0}};
   for (auto _ : state) {
     state.PauseTiming();
     vek0::bench::Drawing drawing = vek0::bench::newDrawing();

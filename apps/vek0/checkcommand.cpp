@@ -16,12 +16,10 @@ struct CheckOptions {
 };
 
 void printJson(const std::string& path, const ReadResult& result) {
-  const Json line = {
-      {"file",   path                       },
-      {"ok",     result.ok()                },
-      {"error",  errorToJson(result)        },
-      {"report", reportToJson(result.report)}
-  };
+  const Json line = {{"file", path},
+                     {"ok", result.ok()},
+                     {"error", errorToJson(result)},
+                     {"report", reportToJson(result.report)}};
   std::printf("%s\n", line.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
 }
 

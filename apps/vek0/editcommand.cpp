@@ -75,9 +75,7 @@ bool edit(CData& data, const std::vector<NamedStep>& steps, bool undoCheck, Sess
   // Without the check nothing is undone, so only the last step is kept.
   CUndoStack undo(data, undoCheck ? std::numeric_limits<std::size_t>::max() : 0);
   const auto& all = data.getEntTable().getEntityTbl();
-  Editing editing{
-      data, undo, {all.begin(), all.end()}
-  };
+  Editing editing{data, undo, {all.begin(), all.end()}};
   const std::string before = undoCheck ? bytesOf(data) : std::string();
   return runSteps(editing, steps, session) &&
          (!undoCheck || passesUndoCheck(editing, before, session));

@@ -86,10 +86,7 @@ void LineRasterizer::disc(const PNT_2D& center, double diameter) {
 
 template <class Cover>
 void LineRasterizer::forEachPixel(const PNT_2D& from, const PNT_2D& to, const Cover& cover) {
-  Segment s = {
-      from, {1, 0},
-       std::hypot(to.x - from.x, to.y - from.y), 0, m_reach, 0, 0
-  };
+  Segment s = {from, {1, 0}, std::hypot(to.x - from.x, to.y - from.y), 0, m_reach, 0, 0};
   if (s.length > 0) s.way.set((to.x - from.x) / s.length, (to.y - from.y) / s.length);
   if (s.way.y != 0) {
     s.slope = s.way.x / s.way.y;

@@ -31,46 +31,36 @@ Json elementToJson(const ILtypeComplexDash& dash) {
   if (!text) return dash.GetValue();
   const CStyle* const style = text->getStyle();
   const CTextContext& context = text->getContext();
-  return {
-      {"text",     context.getString().toUtf8()                     },
-      {"style",    style ? Json(style->getName().toUtf8()) : nullptr},
-      {"scale",    context.getHeight()                              },
-      {"rotation", degrees(context.getRotate())                     },
-      {"offset",   {text->x, text->y}                               }
-  };
+  return {{"text", context.getString().toUtf8()},
+          {"style", style ? Json(style->getName().toUtf8()) : nullptr},
+          {"scale", context.getHeight()},
+          {"rotation", degrees(context.getRotate())},
+          {"offset", {text->x, text->y}}};
 }
 
 Json linetypeToJson(const CLtype& ltype) {
   Json elements = Json::array();
   for (int i = 0; i < ltype.getNoDashes(); ++i) elements.push_back(elementToJson(*ltype[i]));
-  return {
-      {"name",        ltype.getName().toUtf8()},
-      {"description", ltype.getDesc().toUtf8()},
-      {"length",      ltype.getPatternLen()   },
-      {"elements",    elements                }
-  };
+  return {{"name", ltype.getName().toUtf8()},
+          {"description", ltype.getDesc().toUtf8()},
+          {"length", ltype.getPatternLen()},
+          {"elements", elements}};
 }
 
 Json reportToJson(const CFileReport& report) {
   Json entries = Json::array();
   for (const auto& entry : report.entries()) {
-    entries.push_back({
-        {"code",   entry.code           },
-        {"line",   entry.firstLine      },
-        {"count",  entry.count          },
-        {"sample", entry.sample.toUtf8()}
-    });
+    entries.push_back({{"code", entry.code},
+                       {"line", entry.firstLine},
+                       {"count", entry.count},
+                       {"sample", entry.sample.toUtf8()}});
   }
   return entries;
 }
 
 Json errorToJson(const InputFault& fault) {
   if (!fault.kind) return nullptr;
-  return Json{
-      {"kind",    fault.kind   },
-      {"line",    0            },
-      {"message", fault.message}
-  };
+  return Json{{"kind", fault.kind}, {"line", 0}, {"message", fault.message}};
 }
 
 void printJson(const std::string& path, const CLtypeLoader& loader, const InputFault& fault) {
@@ -78,13 +68,11 @@ void printJson(const std::string& path, const CLtypeLoader& loader, const InputF
   for (int i = 0; i < loader.GetNoLtype(); ++i) {
     linetypes.push_back(linetypeToJson(*loader.GetLtypeNo(i)));
   }
-  const Json line = {
-      {"file",      path                            },
-      {"ok",        !fault.kind                     },
-      {"error",     errorToJson(fault)              },
-      {"linetypes", linetypes                       },
-      {"report",    reportToJson(loader.GetReport())}
-  };
+  const Json line = {{"file", path},
+                     {"ok", !fault.kind},
+                     {"error", errorToJson(fault)},
+                     {"linetypes", linetypes},
+                     {"report", reportToJson(loader.GetReport())}};
   std::printf("%s\n", line.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
 }
 

@@ -64,10 +64,7 @@ bool isFinite(const PNT_3D& p) {
 Json extentsToJson(const CData& data) {
   const RECT_3D& box = data.getEntTable().getBdry();
   if (!box.validRegion() || !isFinite(box.min) || !isFinite(box.max)) return nullptr;
-  return Json{
-      {"min", pointToJson(box.min)},
-      {"max", pointToJson(box.max)}
-  };
+  return Json{{"min", pointToJson(box.min)}, {"max", pointToJson(box.max)}};
 }
 
 std::string ltypeName(const CLtype* ltype) {
@@ -84,14 +81,12 @@ Json layersToJson(const CData& data, const ReadResult& result) {
   Json layers = Json::array();
   for (CData::CLayerIterator it(data, true); const CLayer* layer = *it; ++it) {
     if (!isTold(*layer, data, result)) continue;
-    layers.push_back({
-        {"name",     layer->getFullName().toUtf8()},
-        {"color",    layer->getColor()            },
-        {"linetype", ltypeName(layer->getLtype()) },
-        {"frozen",   layer->isFrozen()            },
-        {"locked",   layer->isLocked()            },
-        {"off",      layer->isOff()               }
-    });
+    layers.push_back({{"name", layer->getFullName().toUtf8()},
+                      {"color", layer->getColor()},
+                      {"linetype", ltypeName(layer->getLtype())},
+                      {"frozen", layer->isFrozen()},
+                      {"locked", layer->isLocked()},
+                      {"off", layer->isOff()}});
   }
   return layers;
 }
@@ -117,10 +112,7 @@ Json blocksToJson(const CData& data) {
   Json blocks = Json::array();
   const CBlockTable& table = data.getBlockTable();
   for (int i = 0; i < static_cast<int>(table.size()); ++i) {
-    blocks.push_back({
-        {"name",     table[i]->getName().toUtf8()},
-        {"entities", table[i]->size()            }
-    });
+    blocks.push_back({{"name", table[i]->getName().toUtf8()}, {"entities", table[i]->size()}});
   }
   return blocks;
 }
@@ -129,11 +121,9 @@ Json referencesToJson(const CData& data) {
   Json references = Json::array();
   const CBlockXRefTable& table = data.getBlockXRefTable();
   for (int i = 0; i < table.size(); ++i) {
-    references.push_back({
-        {"name",    table[i]->getName().toUtf8()},
-        {"path",    table[i]->getPath().toUtf8()},
-        {"overlay", table[i]->isOverlay()       }
-    });
+    references.push_back({{"name", table[i]->getName().toUtf8()},
+                          {"path", table[i]->getPath().toUtf8()},
+                          {"overlay", table[i]->isOverlay()}});
   }
   return references;
 }
@@ -282,23 +272,19 @@ std::string kindNameOf(CEnt& ent) {
 
 Json errorToJson(const ReadResult& result) {
   if (result.ok()) return nullptr;
-  return Json{
-      {"kind",    result.kind()              },
-      {"line",    result.error.GetErrorLine()},
-      {"message", result.message()           }
-  };
+  return Json{{"kind", result.kind()},
+              {"line", result.error.GetErrorLine()},
+              {"message", result.message()}};
 }
 
 Json reportToJson(const CFileReport& report) {
   Json entries = Json::array();
   for (const auto& entry : report.entries()) {
-    entries.push_back({
-        {"code",     entry.code                                          },
-        {"severity", nameOf(severityOf(entry.code))                      },
-        {"count",    entry.count                                         },
-        {"line",     entry.firstLine > 0 ? Json(entry.firstLine) : Json()},
-        {"sample",   entry.sample.toUtf8()                               }
-    });
+    entries.push_back({{"code", entry.code},
+                       {"severity", nameOf(severityOf(entry.code))},
+                       {"count", entry.count},
+                       {"line", entry.firstLine > 0 ? Json(entry.firstLine) : Json()},
+                       {"sample", entry.sample.toUtf8()}});
   }
   return entries;
 }

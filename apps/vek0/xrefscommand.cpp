@@ -54,22 +54,16 @@ void complain(const Resolved& drawing, const Session& session) {
 }
 
 Json toJson(const CBlockXRef& xref, const CData& data) {
-  return Json{
-      {"name",    xref.getName().toUtf8()                                        },
-      {"path",    xref.getPath().toUtf8()                                        },
-      {"overlay", xref.isOverlay()                                               },
-      {"status",  nameOf(xref.getStatus())                                       },
-      {"file",    xref.getFile().empty() ? Json() : Json(xref.getFile().toUtf8())},
-      {"inserts", data.getDepend().getCount(&xref)                               }
-  };
+  return Json{{"name", xref.getName().toUtf8()},
+              {"path", xref.getPath().toUtf8()},
+              {"overlay", xref.isOverlay()},
+              {"status", nameOf(xref.getStatus())},
+              {"file", xref.getFile().empty() ? Json() : Json(xref.getFile().toUtf8())},
+              {"inserts", data.getDepend().getCount(&xref)}};
 }
 
 Json head(const Resolved& drawing, bool ok) {
-  return Json{
-      {"file",  drawing.path                },
-      {"ok",    ok                          },
-      {"error", errorToJson(drawing.reading)}
-  };
+  return Json{{"file", drawing.path}, {"ok", ok}, {"error", errorToJson(drawing.reading)}};
 }
 
 void printListJson(const Resolved& drawing, bool ok) {

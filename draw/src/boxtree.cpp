@@ -26,10 +26,8 @@ BoxTree::BoxTree(const std::vector<Item>& items) {
   centres.reserve(items.size());
   for (std::size_t i = 0; i < items.size(); ++i) {
     const PNT_3D &low = items[i].box.min, &high = items[i].box.max;
-    centres.push_back({
-        {middle(low.x, high.x), middle(low.y, high.y), middle(low.z, high.z)},
-        static_cast<std::uint32_t>(i)
-    });
+    centres.push_back({{middle(low.x, high.x), middle(low.y, high.y), middle(low.z, high.z)},
+                       static_cast<std::uint32_t>(i)});
   }
   m_entries.reserve(items.size());
   m_nodes.reserve(4 * items.size() / kLeaf + 1);

@@ -155,10 +155,7 @@ bool Walker::isDrawnAlready(const CBlock& block) {
         << reinterpret_cast<std::uintptr_t>(m_stack.GetCurLtype())
         << static_cast<std::uint64_t>(m_stack.GetCurColor());
   const PNT_3D corners[] = {
-      box.min, {box.max.x, box.min.y, box.min.z},
-       {box.min.x, box.max.y, box.min.z},
-       box.max
-  };
+      box.min, {box.max.x, box.min.y, box.min.z}, {box.min.x, box.max.y, box.min.z}, box.max};
   for (const PNT_3D& corner : corners) {
     const PNT_2D at = m_place.apply(corner);
     if (!mixer.length(at.x, step) || !mixer.length(at.y, step)) return false;

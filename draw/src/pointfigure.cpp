@@ -47,14 +47,11 @@ void PointFigure::draw(const PNT_2D& at, Emitter& out) const {
   if (m_middle == kUpward) stroke(at, {at.x, at.y - std::max(half, m_least)}, out);
   if (m_hasCircle) circle(at, out);
   if (m_hasSquare) {
-    out.stroke(
-        {
-            {at.x - half, at.y - half},
-            {at.x + half, at.y - half},
-            {at.x + half, at.y + half},
-            {at.x - half, at.y + half}
-    },
-        true);
+    out.stroke({{at.x - half, at.y - half},
+                {at.x + half, at.y - half},
+                {at.x + half, at.y + half},
+                {at.x - half, at.y + half}},
+               true);
   }
 }
 

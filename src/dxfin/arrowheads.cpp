@@ -43,18 +43,9 @@ ArrowHeads::Kind ArrowHeads::kindOf(const zim::WString& name, int end) {
     Kind kind;
   };
   static constexpr Known known[] = {
-      {u"OBLIQUE",     Stroke },
-      {u"ARCHTICK",    Stroke },
-      {u"OPEN",        Open   },
-      {u"OPEN30",      Open   },
-      {u"OPEN90",      Open   },
-      {u"CLOSED",      Outline},
-      {u"CLOSEDBLANK", Outline},
-      {u"DOT",         Dot    },
-      {u"DOTSMALL",    Dot    },
-      {u"DOTBLANK",    Dot    },
-      {u"SMALL",       Dot    },
-      {u"ORIGIN",      Dot    },
+      {u"OBLIQUE", Stroke}, {u"ARCHTICK", Stroke}, {u"OPEN", Open},           {u"OPEN30", Open},
+      {u"OPEN90", Open},    {u"CLOSED", Outline},  {u"CLOSEDBLANK", Outline}, {u"DOT", Dot},
+      {u"DOTSMALL", Dot},   {u"DOTBLANK", Dot},    {u"SMALL", Dot},           {u"ORIGIN", Dot},
   };
   std::u16string_view text = name.view();
   if (!text.empty() && text[0] == u'_') text.remove_prefix(1);

@@ -115,11 +115,9 @@ bool ClipReader::readObject() {
   const struct {
     const char* keyword;
     void (ClipReader::*read)();
-  } kinds[] = {
-      {"DICTIONARY",     &ClipReader::readDictionary},
-      {"SPATIAL_FILTER", &ClipReader::readFilter    },
-      {"XRECORD",        &ClipReader::readExtension }
-  };
+  } kinds[] = {{"DICTIONARY", &ClipReader::readDictionary},
+               {"SPATIAL_FILTER", &ClipReader::readFilter},
+               {"XRECORD", &ClipReader::readExtension}};
   for (const auto& kind : kinds) {
     if (!lexer.isKeyword(kind.keyword)) continue;
     (this->*kind.read)();

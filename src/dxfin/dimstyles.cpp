@@ -20,32 +20,32 @@ struct Default {
 
 // Defaults other than 0.
 constexpr Default kDefaults[] = {
-    {DimStyle::kScale,          1     },
-    {DimStyle::kArrow,          0.18  },
+    {DimStyle::kScale, 1},
+    {DimStyle::kArrow, 0.18},
     {DimStyle::kExtensionStart, 0.0625},
-    {43,                        0.38  }, // steps of baselines
-    {DimStyle::kExtensionEnd,   0.18  },
-    {DimStyle::kTextLevel,      1     },
-    {74,                        1     }, // texts outside are horizontal
-    {DimStyle::kTextHeight,     0.18  },
-    {141,                       0.09  }, // center marks
-    {143,                       25.4  }, // factor of alternate units
-    {DimStyle::kFactor,         1     },
-    {146,                       1     }, // size of tolerances
-    {DimStyle::kGap,            0.09  },
-    {171,                       2     }, // decimals of alternate units
-    {kOldUnit,                  2     },
-    {DimStyle::kDecimals,       4     },
-    {272,                       4     }, // decimals of tolerances
-    {273,                       2     }, // form of alternate units
-    {274,                       2     }, // decimals of their tolerances
-    {DimStyle::kUnit,           2     },
-    {DimStyle::kSeparator,      u'.'  },
-    {283,                       1     }, // place of tolerances
-    {287,                       3     }, // what moves if there is no room
-    {289,                       3     }, // likewise
-    {371,                       -2    }, // line weights: those of the block
-    {372,                       -2    },
+    {43, 0.38},  // steps of baselines
+    {DimStyle::kExtensionEnd, 0.18},
+    {DimStyle::kTextLevel, 1},
+    {74, 1},  // texts outside are horizontal
+    {DimStyle::kTextHeight, 0.18},
+    {141, 0.09},  // center marks
+    {143, 25.4},  // factor of alternate units
+    {DimStyle::kFactor, 1},
+    {146, 1},  // size of tolerances
+    {DimStyle::kGap, 0.09},
+    {171, 2},  // decimals of alternate units
+    {kOldUnit, 2},
+    {DimStyle::kDecimals, 4},
+    {272, 4},  // decimals of tolerances
+    {273, 2},  // form of alternate units
+    {274, 2},  // decimals of their tolerances
+    {DimStyle::kUnit, 2},
+    {DimStyle::kSeparator, u'.'},
+    {283, 1},   // place of tolerances
+    {287, 3},   // what moves if there is no room
+    {289, 3},   // likewise
+    {371, -2},  // line weights: those of the block
+    {372, -2},
 };
 
 double defaultOf(long code) {
@@ -60,42 +60,42 @@ struct Variable {
 };
 
 constexpr Variable kVariables[] = {
-    {u"DIMPOST",  DimStyle::kPost          },
-    {u"DIMBLK",   DimStyle::kBlock         },
-    {u"DIMBLK1",  DimStyle::kFirstBlock    },
-    {u"DIMBLK2",  DimStyle::kSecondBlock   },
-    {u"DIMSCALE", DimStyle::kScale         },
-    {u"DIMASZ",   DimStyle::kArrow         },
-    {u"DIMEXO",   DimStyle::kExtensionStart},
-    {u"DIMEXE",   DimStyle::kExtensionEnd  },
-    {u"DIMRND",   DimStyle::kRound         },
-    {u"DIMDLE",   DimStyle::kLineEnd       },
-    {u"DIMTIH",   DimStyle::kTextLevel     },
-    {u"DIMSE1",   DimStyle::kNoFirst       },
-    {u"DIMSE2",   DimStyle::kNoSecond      },
-    {u"DIMZIN",   DimStyle::kZeroes        },
-    {u"DIMAZIN",  DimStyle::kAngleZeroes   },
-    {u"DIMTXT",   DimStyle::kTextHeight    },
-    {u"DIMTSZ",   DimStyle::kTick          },
-    {u"DIMLFAC",  DimStyle::kFactor        },
-    {u"DIMGAP",   DimStyle::kGap           },
-    {u"DIMTOFL",  DimStyle::kLineInside    },
-    {u"DIMSAH",   DimStyle::kEndsDiffer    },
-    {u"DIMCLRD",  DimStyle::kLineColor     },
-    {u"DIMCLRE",  DimStyle::kExtensionColor},
-    {u"DIMCLRT",  DimStyle::kTextColor     },
-    {u"DIMADEC",  DimStyle::kAngleDecimals },
-    {u"DIMDEC",   DimStyle::kDecimals      },
-    {u"DIMAUNIT", DimStyle::kAngleUnit     },
-    {u"DIMDSEP",  DimStyle::kSeparator     },
-    {u"DIMLUNIT", DimStyle::kUnit          },
+    {u"DIMPOST", DimStyle::kPost},
+    {u"DIMBLK", DimStyle::kBlock},
+    {u"DIMBLK1", DimStyle::kFirstBlock},
+    {u"DIMBLK2", DimStyle::kSecondBlock},
+    {u"DIMSCALE", DimStyle::kScale},
+    {u"DIMASZ", DimStyle::kArrow},
+    {u"DIMEXO", DimStyle::kExtensionStart},
+    {u"DIMEXE", DimStyle::kExtensionEnd},
+    {u"DIMRND", DimStyle::kRound},
+    {u"DIMDLE", DimStyle::kLineEnd},
+    {u"DIMTIH", DimStyle::kTextLevel},
+    {u"DIMSE1", DimStyle::kNoFirst},
+    {u"DIMSE2", DimStyle::kNoSecond},
+    {u"DIMZIN", DimStyle::kZeroes},
+    {u"DIMAZIN", DimStyle::kAngleZeroes},
+    {u"DIMTXT", DimStyle::kTextHeight},
+    {u"DIMTSZ", DimStyle::kTick},
+    {u"DIMLFAC", DimStyle::kFactor},
+    {u"DIMGAP", DimStyle::kGap},
+    {u"DIMTOFL", DimStyle::kLineInside},
+    {u"DIMSAH", DimStyle::kEndsDiffer},
+    {u"DIMCLRD", DimStyle::kLineColor},
+    {u"DIMCLRE", DimStyle::kExtensionColor},
+    {u"DIMCLRT", DimStyle::kTextColor},
+    {u"DIMADEC", DimStyle::kAngleDecimals},
+    {u"DIMDEC", DimStyle::kDecimals},
+    {u"DIMAUNIT", DimStyle::kAngleUnit},
+    {u"DIMDSEP", DimStyle::kSeparator},
+    {u"DIMLUNIT", DimStyle::kUnit},
 };
 
 // Of the drawing.
 constexpr Variable kUnits[] = {
-    {u"LUNITS", DimStyle::kUnit         },
-    {u"LUPREC", DimStyle::kDecimals     },
-    {u"AUNITS", DimStyle::kAngleUnit    },
+    {u"LUNITS", DimStyle::kUnit},
+    {u"LUPREC", DimStyle::kDecimals},
+    {u"AUNITS", DimStyle::kAngleUnit},
     {u"AUPREC", DimStyle::kAngleDecimals},
 };
 

@@ -15,20 +15,13 @@ struct KindMessage {
 };
 
 constexpr KindMessage kMessages[] = {
-    {CFileDXFIError::NoMemory,         10002},
-    {CFileDXFIError::CannotOpen,       10001},
-    {CFileDXFIError::InvalidGroupCode, 10009},
-    {CFileDXFIError::EmptyNumber,      10005},
-    {CFileDXFIError::UnexpectedEnd,    10004},
-    {CFileDXFIError::UnknownSection,   10003},
-    {CFileDXFIError::BlockNotFound,    10023},
-    {CFileDXFIError::WrongStructure,   10006},
-    {CFileDXFIError::UnknownTable,     10007},
-    {CFileDXFIError::OutOfRange,       10008},
-    {CFileDXFIError::EntityNotBuilt,   10020},
-    {CFileDXFIError::LtypeNotFound,    10021},
-    {CFileDXFIError::FontNotFound,     10022},
-    {CFileDXFIError::NewerVersion,     10034},
+    {CFileDXFIError::NoMemory, 10002},         {CFileDXFIError::CannotOpen, 10001},
+    {CFileDXFIError::InvalidGroupCode, 10009}, {CFileDXFIError::EmptyNumber, 10005},
+    {CFileDXFIError::UnexpectedEnd, 10004},    {CFileDXFIError::UnknownSection, 10003},
+    {CFileDXFIError::BlockNotFound, 10023},    {CFileDXFIError::WrongStructure, 10006},
+    {CFileDXFIError::UnknownTable, 10007},     {CFileDXFIError::OutOfRange, 10008},
+    {CFileDXFIError::EntityNotBuilt, 10020},   {CFileDXFIError::LtypeNotFound, 10021},
+    {CFileDXFIError::FontNotFound, 10022},     {CFileDXFIError::NewerVersion, 10034},
 };
 
 // Texts that the string library lacks.

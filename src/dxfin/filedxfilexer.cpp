@@ -84,13 +84,7 @@ bool isNumeric(long code) {
   struct Range {
     long first, last;
   };
-  constexpr Range texts[] = {
-      {100, 109},
-      {300, 369},
-      {390, 399},
-      {410, 419},
-      {430, 439}
-  };
+  constexpr Range texts[] = {{100, 109}, {300, 369}, {390, 399}, {410, 419}, {430, 439}};
   return code >= 10 && code < 470 &&
          std::none_of(std::begin(texts), std::end(texts), [&](const Range& range) {
            return code >= range.first && code <= range.last;

@@ -53,18 +53,12 @@ struct Variable {
 };
 
 constexpr Variable<Reals> kRealVariables[] = {
-    {u"$LIMMIN",   setLimMin    },
-    {u"$LIMMAX",   setLimMax    },
-    {u"$LTSCALE",  setLtypeScale},
-    {u"$PLINEWID", setPLineWid  },
-    {u"$ANGBASE",  setAngDir    },
+    {u"$LIMMIN", setLimMin},     {u"$LIMMAX", setLimMax},  {u"$LTSCALE", setLtypeScale},
+    {u"$PLINEWID", setPLineWid}, {u"$ANGBASE", setAngDir},
 };
 constexpr Variable<long> kIntegerVariables[] = {
-    {u"$CECOLOR",   setColor    },
-    {u"$AUNITS",    setAngleUnit},
-    {u"$ORTHOMODE", setOrtho    },
-    {u"$PLINEGEN",  setPLineGen },
-    {u"$ANGDIR",    setClockWise},
+    {u"$CECOLOR", setColor},     {u"$AUNITS", setAngleUnit}, {u"$ORTHOMODE", setOrtho},
+    {u"$PLINEGEN", setPLineGen}, {u"$ANGDIR", setClockWise},
 };
 
 // Variables read only by tolerant reading.
@@ -73,12 +67,8 @@ void setPointMode(CDataVariables& vars, const long& value) {
   constexpr long most = 127;  // all defined bits
   if (value >= 0 && value <= most) vars.setPointMode(static_cast<short>(value));
 }
-constexpr Variable<Reals> kFurtherReals[] = {
-    {u"$PDSIZE", setPointSize}
-};
-constexpr Variable<long> kFurtherIntegers[] = {
-    {u"$PDMODE", setPointMode}
-};
+constexpr Variable<Reals> kFurtherReals[] = {{u"$PDSIZE", setPointSize}};
+constexpr Variable<long> kFurtherIntegers[] = {{u"$PDMODE", setPointMode}};
 
 /// Variables that a drawing cannot store, which lose nothing at their default value: units, and the
 /// display of fills and attributes.
@@ -88,12 +78,9 @@ struct Setting {
   const char* code;
 };
 constexpr Setting kSettings[] = {
-    {u"$INSUNITS",    0, "unit dropped"   },
-    {u"$MEASUREMENT", 0, "unit dropped"   },
-    {u"$LUNITS",      2, "unit dropped"   },
-    {u"$FILLMODE",    1, "setting dropped"},
-    {u"$ATTMODE",     1, "setting dropped"},
-    {u"$QTEXTMODE",   0, "setting dropped"},
+    {u"$INSUNITS", 0, "unit dropped"},   {u"$MEASUREMENT", 0, "unit dropped"},
+    {u"$LUNITS", 2, "unit dropped"},     {u"$FILLMODE", 1, "setting dropped"},
+    {u"$ATTMODE", 1, "setting dropped"}, {u"$QTEXTMODE", 0, "setting dropped"},
 };
 
 template <class Value, std::size_t count>

@@ -111,9 +111,7 @@ void forEachSaved(const CEntPolyline& ent, const PolylineForm& form,
     const std::function<void(const SavedVertex&)>& sink;
     long flags;
     ControlCursor controls;
-  } run{
-      form, sink, always, {ent, {form.exact}}
-  };
+  } run{form, sink, always, {ent, {form.exact}}};
   if (form.curve != 0) run.flags |= form.curve == CEntPolyline::kFit ? kFromFit : kFromSpline;
   const auto each = [&run](const PNT_3D& pnt, double ws, double we, double bulge,
                            vek0::Handle handle) {

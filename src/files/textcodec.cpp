@@ -82,16 +82,9 @@ struct PageName {
 };
 
 constexpr PageName kPageNames[] = {
-    {"utf8",      kCodePageUtf8},
-    {"big5",      950          },
-    {"gb2312",    936          },
-    {"gbk",       936          },
-    {"ksc5601",   949          },
-    {"johab",     1361         },
-    {"shiftjis",  932          },
-    {"mac",       10000        },
-    {"macroman",  10000        },
-    {"macintosh", 10000        },
+    {"utf8", kCodePageUtf8}, {"big5", 950},        {"gb2312", 936},   {"gbk", 936},
+    {"ksc5601", 949},        {"johab", 1361},      {"shiftjis", 932}, {"mac", 10000},
+    {"macroman", 10000},     {"macintosh", 10000},
 };
 
 constexpr int kLatinBase = 28590;  // ISO 8859-n is code page 28590 + n
@@ -102,13 +95,9 @@ struct PagePrefix {
 };
 
 constexpr PagePrefix kPagePrefixes[] = {
-    {"ansi",    0         },
-    {"dos",     0         },
-    {"windows", 0         },
-    {"ibm",     0         },
-    {"cp",      0         },
-    {"iso8859", kLatinBase},
-    {"8859",    kLatinBase},
+    {"ansi", 0},          {"dos", 0}, {"windows", 0},
+    {"ibm", 0},           {"cp", 0},  {"iso8859", kLatinBase},
+    {"8859", kLatinBase},
 };
 
 bool isDecimal(std::string_view text) {

@@ -156,10 +156,7 @@ std::vector<HatchRing> hatchRings(const Points& boundary) {
   std::vector<HatchRing> rings;
   for (std::size_t first = 0; first < boundary.size();) {
     const std::size_t end = closingPoint(boundary, first);
-    if (end == boundary.size())
-      return {
-          {0, boundary.size()}
-      };
+    if (end == boundary.size()) return {{0, boundary.size()}};
     rings.push_back({first, end - first});
     first = end + 1;
   }

@@ -11,22 +11,11 @@ constexpr int kForeground = 7, kColors = 256;
 constexpr RGB_COLOR kBlack{0, 0, 0}, kWhite{255, 255, 255};
 
 constexpr RGB_COLOR kNamedColors[] = {
-    {255, 0,   0  },
-    {255, 255, 0  },
-    {0,   255, 0  },
-    {0,   255, 255},
-    {0,   0,   255},
-    {255, 0,   255},
-    kWhite,        {128, 128, 128},
-    {192, 192, 192},
+    {255, 0, 0},   {255, 255, 0}, {0, 255, 0},     {0, 255, 255},   {0, 0, 255},
+    {255, 0, 255}, kWhite,        {128, 128, 128}, {192, 192, 192},
 };
 constexpr RGB_COLOR kGreys[] = {
-    {51,  51,  51 },
-    {91,  91,  91 },
-    {132, 132, 132},
-    {173, 173, 173},
-    {214, 214, 214},
-    kWhite,
+    {51, 51, 51}, {91, 91, 91}, {132, 132, 132}, {173, 173, 173}, {214, 214, 214}, kWhite,
 };
 
 // Tens from 10 to 240 are hues 15 degrees apart; of the ten shades of each, pairs grow

@@ -35,9 +35,7 @@ bool FileGraph::leads(const Node& from, const Node& to) {
 // Moves a drawing to at least that level, and its references below it; all or nothing.
 bool FileGraph::sink(Node& top, int level) {
   std::vector<std::pair<Node*, int>> before;
-  std::vector<std::pair<Node*, int>> open{
-      {&top, level}
-  };
+  std::vector<std::pair<Node*, int>> open{{&top, level}};
   while (!open.empty()) {
     const auto [node, least] = open.back();
     open.pop_back();

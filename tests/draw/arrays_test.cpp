@@ -55,13 +55,10 @@ TEST(Arrays, CellsOutsideTheWindowCostNothing) {
     long columns, rows;
     double columnSpacing;
   } cases[] = {
-      {"upright",                0,      30000, 30000,      10},
-      {"askew",                  0.6,    30000, 30000,      10},
-      {"endless",                0,      1,     2000000000, 10},
-      {"endless, no step aside", 0.6,    1,     2000000000, 0 },
-      {"backward",               3.1416, 30000, 30000,      10},
-      {"quarter",                1.5708, 30000, 30000,      10},
-      {"a single row",           0.001,  30000, 1,          10},
+      {"upright", 0, 30000, 30000, 10},       {"askew", 0.6, 30000, 30000, 10},
+      {"endless", 0, 1, 2000000000, 10},      {"endless, no step aside", 0.6, 1, 2000000000, 0},
+      {"backward", 3.1416, 30000, 30000, 10}, {"quarter", 1.5708, 30000, 30000, 10},
+      {"a single row", 0.001, 30000, 1, 10},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

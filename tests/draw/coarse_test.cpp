@@ -104,36 +104,38 @@ TEST(Coarse, TheCostFollowsTheWindow) {
     std::size_t most;  // things
     Thing::Kind kind;
   } cases[] = {
-      {"an array",            [](Maker& m) { return m.array(*m.line(.01, .01), kMost, kMost, .02, .02); },     1,
-       Thing::Fill                                                                                                                           },
-      {"askew",               [](Maker& m) { return m.array(*m.line(.01, .01), kMost, kMost, .02, -.03, 1); }, 1,
-       Thing::Fill                                                                                                                           },
-      {"a row",               [](Maker& m) { return m.array(*m.line(.01, .01), kMost, 1, .02, 0); },           1,
-       Thing::Stroke                                                                                                                         },
-      {"rows apart",          [](Maker& m) { return m.array(*m.line(.01, .01), kMost, 101, .02, 10); },        101,
-       Thing::Stroke                                                                                                                         },
-      {"cells apart",         [](Maker& m) { return m.array(*m.line(.01, .01), 101, kMost, 10, .5); },         101,
-       Thing::Stroke                                                                                                                         },
+      {"an array", [](Maker& m) { return m.array(*m.line(.01, .01), kMost, kMost, .02, .02); }, 1,
+       Thing::Fill},
+      {"askew", [](Maker& m) { return m.array(*m.line(.01, .01), kMost, kMost, .02, -.03, 1); }, 1,
+       Thing::Fill},
+      {"a row", [](Maker& m) { return m.array(*m.line(.01, .01), kMost, 1, .02, 0); }, 1,
+       Thing::Stroke},
+      {"rows apart", [](Maker& m) { return m.array(*m.line(.01, .01), kMost, 101, .02, 10); }, 101,
+       Thing::Stroke},
+      {"cells apart", [](Maker& m) { return m.array(*m.line(.01, .01), 101, kMost, 10, .5); }, 101,
+       Thing::Stroke},
       {"small and far apart", [](Maker& m) { return m.array(*m.line(.01, .01), 151, 151, 6, 6); },
-       22801,                                                                                                               Thing::Dot       },
+       22801, Thing::Dot},
       {"arrays in arrays",
        [](Maker& m) {
          CBlock* block = m.line(.01, .005);
          for (double step = .01; step < 1000; step *= 10)
            block = m.block({m.array(*block, 10, 10, step, step)});
          return m.insert(*block, 0, 0);
-       },                                                                                                      1,           Thing::Fill      },
-      {"all on one place",    doubled(40,                                                                      0,           1),                1, Thing::Stroke},
-      {"nearly on one place",        doubled(40,                                                                                       1e-9,                                                                              1),                                                                              1, Thing::Stroke},
+       },
+       1, Thing::Fill},
+      {"all on one place", doubled(40, 0, 1), 1, Thing::Stroke},
+      {"nearly on one place", doubled(40, 1e-9, 1), 1, Thing::Stroke},
       {"halves",
        [](Maker& m) {
          CBlock* block = m.line(1, 1);
          for (int i = 0; i < 40; ++i)
            block = m.block({m.insert(*block, 0, 0, .5), m.insert(*block, .5, .5, .5)});
          return m.insert(*block, 0, 0, 1000);
-       },                                                                                                 1001,                  Thing::Dot},
-      {"overlapping",                     [](Maker& m) { return m.array(*m.line(300, 200), kMost, 1, .01, 0); },400,
-       Thing::Stroke                                           },
+       },
+       1001, Thing::Dot},
+      {"overlapping", [](Maker& m) { return m.array(*m.line(300, 200), kMost, 1, .01, 0); }, 400,
+       Thing::Stroke},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -33,10 +33,7 @@ void addAllKinds(Scene& scene, double at, double size) {
   const TEXT_3D text(u"%%uabc", getStyleStandard(*scene.data), at, at, 0, size, 0, 1, 0, 5);
   scene.add(createEntText(*scene.data, text, 0));
   scene.add(createEnt3DFace(*scene.data, p, q, PNT_3D(at, at + size, 0), p, 0, 0));
-  const BULGED_VERTEX wide[] = {
-      {p.x, p.y, 0, size, size, 0.5, 0},
-      {q.x, q.y, 0, size, size, 0,   0}
-  };
+  const BULGED_VERTEX wide[] = {{p.x, p.y, 0, size, size, 0.5, 0}, {q.x, q.y, 0, size, size, 0, 0}};
   CEntPolyline* polyline = createEntPolyline(*scene.data, 0, 0, 0);
   polyline->setBulgedVertexes(wide, 2);
   scene.add(polyline)->setLtype(dashed);
@@ -96,9 +93,9 @@ TEST(Guards, TheLimitCutsAndTellsSo) {
     bool cut;
   } cases[] = {
       {10, 10, false},
-      {9,  9,  true },
-      {1,  1,  true },
-      {0,  0,  true },
+      {9, 9, true},
+      {1, 1, true},
+      {0, 0, true},
   };
   for (const auto& t : cases) {
     DRAW_OPTIONS options;
@@ -115,9 +112,9 @@ TEST(Guards, PointsAndLettersAreCountedToo) {
     std::size_t limit;
     bool cut;
   } cases[] = {
-      {"enough for all",        1000, false},
-      {"too few for the text",  60,   true },
-      {"too few for the lines", 15,   true },
+      {"enough for all", 1000, false},
+      {"too few for the text", 60, true},
+      {"too few for the lines", 15, true},
   };
   for (const auto& t : cases) {
     Scene scene;

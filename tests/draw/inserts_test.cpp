@@ -60,16 +60,16 @@ TEST(Inserts, ColoursAndLayersComeFromOutside) {
     RGB_COLOR color;
     const char* layer;
   } cases[] = {
-      {"its own colour",                Zero, 1,        Inner, 3,        Outer, 5,        kRed,    "INNER"},
-      {"its own layer's",               Own,  kByLayer, Inner, 1,        Outer, 1,        kYellow, "OWN"  },
-      {"layer 0 is the insert's layer", Zero, kByLayer, Inner, 1,        Outer, 1,        kGreen,  "INNER"},
-      {"layer 0 twice",                 Zero, kByLayer, Zero,  1,        Outer, 1,        kBlue,   "OUTER"},
-      {"by block",                      Own,  kByBlock, Inner, 1,        Outer, 5,        kRed,    "OWN"  },
-      {"by block, by layer",            Own,  kByBlock, Inner, kByLayer, Outer, 1,        kGreen,  "OWN"  },
-      {"by block twice",                Own,  kByBlock, Inner, kByBlock, Outer, 1,        kRed,    "OWN"  },
-      {"by block twice, by layer",      Own,  kByBlock, Inner, kByBlock, Outer, kByLayer, kBlue,   "OWN"  },
-      {"by block all through",          Own,  kByBlock, Inner, kByBlock, Outer, kByBlock, kBlack,  "OWN"  },
-      {"by block of a by layer on 0",   Zero, kByBlock, Zero,  kByLayer, Outer, 1,        kBlue,   "OUTER"},
+      {"its own colour", Zero, 1, Inner, 3, Outer, 5, kRed, "INNER"},
+      {"its own layer's", Own, kByLayer, Inner, 1, Outer, 1, kYellow, "OWN"},
+      {"layer 0 is the insert's layer", Zero, kByLayer, Inner, 1, Outer, 1, kGreen, "INNER"},
+      {"layer 0 twice", Zero, kByLayer, Zero, 1, Outer, 1, kBlue, "OUTER"},
+      {"by block", Own, kByBlock, Inner, 1, Outer, 5, kRed, "OWN"},
+      {"by block, by layer", Own, kByBlock, Inner, kByLayer, Outer, 1, kGreen, "OWN"},
+      {"by block twice", Own, kByBlock, Inner, kByBlock, Outer, 1, kRed, "OWN"},
+      {"by block twice, by layer", Own, kByBlock, Inner, kByBlock, Outer, kByLayer, kBlue, "OWN"},
+      {"by block all through", Own, kByBlock, Inner, kByBlock, Outer, kByBlock, kBlack, "OWN"},
+      {"by block of a by layer on 0", Zero, kByBlock, Zero, kByLayer, Outer, 1, kBlue, "OUTER"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -91,14 +91,14 @@ TEST(Inserts, LayersThatAreOffOrFrozenHide) {
     long own, inner, outer;  // flags of the layers
     std::size_t shown;
   } cases[] = {
-      {"all on",                                false, 0,       0,       0,       1},
-      {"its own is off",                        false, kOff,    0,       0,       0},
-      {"its own is frozen",                     false, kFrozen, 0,       0,       0},
-      {"an insert's is off: content stays",     false, 0,       kOff,    kOff,    1},
-      {"an insert's is frozen",                 false, 0,       kFrozen, 0,       0},
-      {"the outer insert's is frozen",          false, 0,       0,       kFrozen, 0},
-      {"content on 0 goes with the insert",     true,  0,       kOff,    0,       0},
-      {"content on 0, outer off, inner is not", true,  0,       0,       kOff,    1},
+      {"all on", false, 0, 0, 0, 1},
+      {"its own is off", false, kOff, 0, 0, 0},
+      {"its own is frozen", false, kFrozen, 0, 0, 0},
+      {"an insert's is off: content stays", false, 0, kOff, kOff, 1},
+      {"an insert's is frozen", false, 0, kFrozen, 0, 0},
+      {"the outer insert's is frozen", false, 0, 0, kFrozen, 0},
+      {"content on 0 goes with the insert", true, 0, kOff, 0, 0},
+      {"content on 0, outer off, inner is not", true, 0, 0, kOff, 1},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -116,11 +116,7 @@ TEST(Inserts, LayersThatAreOffOrFrozenHide) {
 
 TEST(Inserts, AHatchHidesWithItsLayer) {
   Scene scene;
-  const std::vector<PNT_3D> triangle = {
-      {0,   0,   0},
-      {100, 0,   0},
-      {0,   100, 0}
-  };
+  const std::vector<PNT_3D> triangle = {{0, 0, 0}, {100, 0, 0}, {0, 100, 0}};
   CLayer* layer = scene.layer(u"L");
   CEntHatch* hatch = scene.add(
       createEntHatch(*scene.data, layer, nullptr, 256, *getHatch(u"ANSI31"), 100, 0, triangle, 0));
@@ -141,13 +137,13 @@ TEST(Inserts, LinetypesComeFromOutside) {
     bool layerDashed;
     bool dashed;
   } cases[] = {
-      {"its own",              Dashed,  None,    false, true },
-      {"by block",             ByBlock, Dashed,  false, true },
-      {"by block of by layer", ByBlock, ByLayer, true,  true },
-      {"by layer",             ByLayer, None,    true,  true },
-      {"none is by layer",     None,    None,    true,  true },
-      {"by layer, plain",      ByLayer, Dashed,  false, false},
-      {"by block all through", ByBlock, ByBlock, true,  false},
+      {"its own", Dashed, None, false, true},
+      {"by block", ByBlock, Dashed, false, true},
+      {"by block of by layer", ByBlock, ByLayer, true, true},
+      {"by layer", ByLayer, None, true, true},
+      {"none is by layer", None, None, true, true},
+      {"by layer, plain", ByLayer, Dashed, false, false},
+      {"by block all through", ByBlock, ByBlock, true, false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -14,18 +14,18 @@ TEST(Palette, KnownColours) {
     int index;
     RGB_COLOR color;
   } cases[] = {
-      {"red",                  1,   {255, 0, 0}    },
-      {"magenta",              6,   {255, 0, 255}  },
-      {"grey",                 8,   {128, 128, 128}},
-      {"first hue is red",     10,  {255, 0, 0}    },
-      {"half saturated",       11,  {255, 127, 127}},
-      {"darker",               12,  {165, 0, 0}    },
-      {"orange",               30,  {255, 127, 0}  },
-      {"hues come round",      240, {255, 0, 63}   },
-      {"last grey",            255, {255, 255, 255}},
-      {"white paper, 7",       7,   kBlack         },
-      {"no colour of its own", 256, kBlack         },
-      {"negative",             -3,  kBlack         },
+      {"red", 1, {255, 0, 0}},
+      {"magenta", 6, {255, 0, 255}},
+      {"grey", 8, {128, 128, 128}},
+      {"first hue is red", 10, {255, 0, 0}},
+      {"half saturated", 11, {255, 127, 127}},
+      {"darker", 12, {165, 0, 0}},
+      {"orange", 30, {255, 127, 0}},
+      {"hues come round", 240, {255, 0, 63}},
+      {"last grey", 255, {255, 255, 255}},
+      {"white paper, 7", 7, kBlack},
+      {"no colour of its own", 256, kBlack},
+      {"negative", -3, kBlack},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -62,11 +62,8 @@ TEST(Patterns, DashesOfALineStandWhereThePatternSays) {
     Thing::Kind kind;
     double from, to;
   } expected[] = {
-      {Thing::Stroke, 0,  12},
-      {Thing::Dot,    15, 15},
-      {Thing::Stroke, 18, 30},
-      {Thing::Dot,    33, 33},
-      {Thing::Stroke, 36, 40},
+      {Thing::Stroke, 0, 12}, {Thing::Dot, 15, 15},    {Thing::Stroke, 18, 30},
+      {Thing::Dot, 33, 33},   {Thing::Stroke, 36, 40},
   };
   ASSERT_EQ(drawn.things.size(), std::size(expected));
   for (std::size_t i = 0; i < std::size(expected); ++i) {
@@ -82,10 +79,10 @@ TEST(Patterns, DashesOfCurvesAddUp) {
     const char* name;
     double start, end;
   } cases[] = {
-      {"an arc",           0.3, 2.1    },
-      {"across zero",      5.9, 0.4    },
-      {"nearly no arc",    1,   1.0001 },
-      {"the whole circle", 0,   2 * kPi},
+      {"an arc", 0.3, 2.1},
+      {"across zero", 5.9, 0.4},
+      {"nearly no arc", 1, 1.0001},
+      {"the whole circle", 0, 2 * kPi},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -104,12 +101,10 @@ TEST(Patterns, DashesOfCurvesAddUp) {
 // Either along the whole, or from each corner on. An arc has no corners within.
 TEST(Patterns, PolylinesGoOnOrBeginAnew) {
   const double quarter = std::tan(kPi / 8);
-  const std::vector<BULGED_VERTEX> way = {
-      {100, 100, 0, 0, 0, 0,       0},
-      {150, 100, 0, 0, 0, quarter, 0},
-      {190, 140, 0, 0, 0, 0,       0},
-      {190, 170, 0, 0, 0, 0,       0}
-  };
+  const std::vector<BULGED_VERTEX> way = {{100, 100, 0, 0, 0, 0, 0},
+                                          {150, 100, 0, 0, 0, quarter, 0},
+                                          {190, 140, 0, 0, 0, 0, 0},
+                                          {190, 170, 0, 0, 0, 0, 0}};
   const double sides[] = {50, 40 * kPi / 2, 30, std::hypot(90, 70)};
   for (const bool generates : {false, true}) {
     for (const bool closed : {false, true}) {
@@ -226,20 +221,15 @@ TEST(Patterns, WideDashesAreFilled) {
     long flags;
     double bulge, within;
   } cases[] = {
-      {"along the whole",    128, 0,    1e-9},
-      {"segment by segment", 0,   0,    1e-9},
-      {"a flat arc",         0,   0.01, 0.4 },
+      {"along the whole", 128, 0, 1e-9},
+      {"segment by segment", 0, 0, 1e-9},
+      {"a flat arc", 0, 0.01, 0.4},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
     Scene scene;
     CLtype* ltype = scene.ltype(u"D", {10, -10});
-    polyline(scene, t.flags,
-             {
-                 {100, 100, 0, 8, 0, t.bulge, 0},
-                 {140, 100, 0, 0, 0, 0,       0}
-    },
-             ltype);
+    polyline(scene, t.flags, {{100, 100, 0, 8, 0, t.bulge, 0}, {140, 100, 0, 0, 0, 0, 0}}, ltype);
     const Recorder drawn = scene.draw();
     ASSERT_GE(drawn.things.size(), 2U);
     const double widths[] = {8, 4};
@@ -257,12 +247,7 @@ TEST(Patterns, WideDashesAreFilled) {
 TEST(Patterns, WideDashesThatReachIntoTheWindowAreSeen) {
   Scene scene;
   CLtype* ltype = scene.ltype(u"D", {100, -100});
-  polyline(scene, 0,
-           {
-               {0,    -5, 0, 30, 30, 0, 0},
-               {1000, -5, 0, 30, 30, 0, 0}
-  },
-           ltype);
+  polyline(scene, 0, {{0, -5, 0, 30, 30, 0, 0}, {1000, -5, 0, 30, 30, 0, 0}}, ltype);
   EXPECT_EQ(scene.draw().count(Thing::Fill), 5U);
 }
 

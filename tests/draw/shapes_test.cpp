@@ -62,12 +62,7 @@ bool covers(const Recorder& drawn, const PNT_2D& p) {
 }
 
 std::vector<PNT_3D> square(double x, double y, double side) {
-  return {
-      {x,        y,        0},
-      {x + side, y,        0},
-      {x + side, y + side, 0},
-      {x,        y + side, 0}
-  };
+  return {{x, y, 0}, {x + side, y, 0}, {x + side, y + side, 0}, {x, y + side, 0}};
 }
 
 // Whether a stroke runs over a point.
@@ -100,16 +95,16 @@ TEST(Shapes, PointsLookAsTheDrawingSays) {
     std::size_t dots, strokes, arcs;
     double reach;  // up from the point
   } cases[] = {
-      {"a dot",                    0,  40,  1, 0, 0, 1.5},
-      {"nothing",                  1,  40,  0, 0, 0, 0  },
-      {"a plus",                   2,  40,  0, 2, 0, 40 },
-      {"a cross",                  3,  -2,  0, 2, 0, 20 },
-      {"an upward stroke",         4,  0,   0, 1, 0, 25 },
-      {"a circle around a dot",    32, 0,   1, 0, 1, 25 },
-      {"a square",                 65, 40,  0, 1, 0, 20 },
-      {"all of it",                99, 40,  0, 3, 1, 40 },
-      {"too small to be seen",     33, .01, 0, 0, 1, 1.5},
-      {"a mode that is not known", 7,  40,  1, 0, 0, 1.5},
+      {"a dot", 0, 40, 1, 0, 0, 1.5},
+      {"nothing", 1, 40, 0, 0, 0, 0},
+      {"a plus", 2, 40, 0, 2, 0, 40},
+      {"a cross", 3, -2, 0, 2, 0, 20},
+      {"an upward stroke", 4, 0, 0, 1, 0, 25},
+      {"a circle around a dot", 32, 0, 1, 0, 1, 25},
+      {"a square", 65, 40, 0, 1, 0, 20},
+      {"all of it", 99, 40, 0, 3, 1, 40},
+      {"too small to be seen", 33, .01, 0, 0, 1, 1.5},
+      {"a mode that is not known", 7, 40, 1, 0, 0, 1.5},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -150,10 +145,10 @@ TEST(Shapes, ArcsStartAndEndWhereTheyDo) {
     const char* name;
     double sx, sy, rotation;
   } cases[] = {
-      {"plain",     1,  1,  0  },
-      {"turned",    1,  1,  0.7},
-      {"mirrored",  -1, 1,  0.3},
-      {"half turn", -2, -2, 0  },
+      {"plain", 1, 1, 0},
+      {"turned", 1, 1, 0.7},
+      {"mirrored", -1, 1, 0.3},
+      {"half turn", -2, -2, 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -211,21 +206,25 @@ TEST(Shapes, WidthsCoverWhatTheirSegmentsDo) {
     std::vector<PNT_2D> in, out;
   } cases[] = {
       {"a frame",
-       true,  {at(100, 100, 10), at(200, 100, 10), at(200, 200, 10), at(100, 200, 10)},
+       true,
+       {at(100, 100, 10), at(200, 100, 10), at(200, 200, 10), at(100, 200, 10)},
        {{100, 150}, {204, 204}},
        {{150, 150}, {206, 150}}},
       {"one that crosses itself",
-       true,  {at(100, 100, 10), at(200, 200, 10), at(200, 100, 10), at(100, 200, 10)},
+       true,
+       {at(100, 100, 10), at(200, 200, 10), at(200, 100, 10), at(100, 200, 10)},
        {{150, 150}, {150, 154}, {100, 150}},
        {{120, 150}, {150, 170}}},
       {"a disc whose width exceeds it",
-       true,  {at(300, 300, 60, 1), at(340, 300, 60, 1)},
+       true,
+       {at(300, 300, 60, 1), at(340, 300, 60, 1)},
        {{320, 300}, {322, 305}, {320, 349}},
-       {{320, 352}}            },
+       {{320, 352}}},
       {"a step shorter than it is wide",
-       false, {at(100, 300, 40), at(200, 300, 40), at(200, 305, 40), at(100, 305, 40)},
+       false,
+       {at(100, 300, 40), at(200, 300, 40), at(200, 305, 40), at(100, 305, 40)},
        {{150, 290}, {195, 302}, {150, 322}},
-       {{150, 330}}            },
+       {{150, 330}}},
   };
   for (const auto& t : cases) {
     Scene scene;
@@ -265,12 +264,10 @@ TEST(Shapes, WidthsCoverEverySegmentWhateverItsNeighbours) {
 TEST(Shapes, SegmentsWithoutWidthAmongWideOnesAreStrokes) {
   Scene scene;
   polyline(scene, false,
-           {
-               {0,   0, 0, 0,  0, 0, 0},
-               {50,  0, 0, 0,  0, 0, 0},
-               {100, 0, 0, 20, 0, 0, 0},
-               {120, 0, 0, 5,  5, 0, 0}
-  });
+           {{0, 0, 0, 0, 0, 0, 0},
+            {50, 0, 0, 0, 0, 0, 0},
+            {100, 0, 0, 20, 0, 0, 0},
+            {120, 0, 0, 5, 5, 0, 0}});
   const Recorder drawn = scene.draw();
   ASSERT_EQ(drawn.things.size(), 2U);
   EXPECT_EQ(drawn.things[0].kind, Thing::Stroke);
@@ -292,20 +289,12 @@ std::pair<PNT_2D, PNT_2D> ends(const Thing& thing) {
 // Straight runs and arcs follow each other from corner to corner, also in a mirror and for
 // painters that have no arcs.
 TEST(Shapes, BulgesAreCurves) {
-  const std::vector<BULGED_VERTEX> way = {
-      {0,  0,  0, 0, 0, 0,    0},
-      {50, 0,  0, 0, 0, 0,    0},
-      {80, 0,  0, 0, 0, 1,    0},
-      {80, 60, 0, 0, 0, -0.4, 0},
-      {0,  60, 0, 0, 0, 0.2,  0}
-  };
-  const PNT_2D corners[] = {
-      {0,  0 },
-      {80, 0 },
-      {80, 60},
-      {0,  60},
-      {0,  0 }
-  };
+  const std::vector<BULGED_VERTEX> way = {{0, 0, 0, 0, 0, 0, 0},
+                                          {50, 0, 0, 0, 0, 0, 0},
+                                          {80, 0, 0, 0, 0, 1, 0},
+                                          {80, 60, 0, 0, 0, -0.4, 0},
+                                          {0, 60, 0, 0, 0, 0.2, 0}};
+  const PNT_2D corners[] = {{0, 0}, {80, 0}, {80, 60}, {0, 60}, {0, 0}};
   for (const double scale : {1.0, -1.0}) {
     for (const bool hasArcs : {true, false}) {
       SCOPED_TRACE(testing::Message() << scale << hasArcs);
@@ -342,11 +331,8 @@ TEST(Shapes, FacesShowTheirVisibleEdges) {
     double lastX;  // of the fourth corner; the third has 100
     std::size_t edges;
   } cases[] = {
-      {"all",                          0,  0,   4},
-      {"first and third hidden",       5,  0,   2},
-      {"none",                         15, 0,   0},
-      {"a triangle",                   0,  100, 3},
-      {"a triangle without its first", 1,  100, 2},
+      {"all", 0, 0, 4},          {"first and third hidden", 5, 0, 2},         {"none", 15, 0, 0},
+      {"a triangle", 0, 100, 3}, {"a triangle without its first", 1, 100, 2},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -366,7 +352,7 @@ TEST(Shapes, FilledFacesShowTheirArea) {
     std::vector<PNT_3D> corners;
     PNT_2D in, out;
   } cases[] = {
-      {"four corners", square(100, 100, 50),                         {101, 149}, {99, 149}},
+      {"four corners", square(100, 100, 50), {101, 149}, {99, 149}},
       {"a triangle",
        {{100, 100, 0}, {200, 100, 0}, {200, 200, 0}, {200, 200, 0}},
        {190, 110},

@@ -42,11 +42,8 @@ TEST(Texts, AllJustifications) {
     const char* name;
     double wide, rotate;
   } ways[] = {
-      {"plain",       1,   0  },
-      {"turned",      1,   0.7},
-      {"narrow",      0.5, 0  },
-      {"backward",    -1,  0  },
-      {"upside down", -1,  kPi},
+      {"plain", 1, 0},     {"turned", 1, 0.7},       {"narrow", 0.5, 0},
+      {"backward", -1, 0}, {"upside down", -1, kPi},
   };
   for (const auto& way : ways) {
     for (long i = 0; i < TEXT_3D::kJustifications; ++i) {
@@ -66,12 +63,9 @@ TEST(Texts, HeightWidthAndDirection) {
     double oblique, wide, rotate;
     PNT_2D x, y;  // what a unit of text space becomes in the drawing
   } cases[] = {
-      {"plain",       0,       1,  0,       {10, 0},  {0, 10} },
-      {"wide",        0,       2,  0,       {20, 0},  {0, 10} },
-      {"upwards",     0,       1,  kPi / 2, {0, 10},  {-10, 0}},
-      {"oblique",     kPi / 4, 1,  0,       {10, 0},  {10, 10}},
-      {"backward",    0,       -1, 0,       {-10, 0}, {0, 10} },
-      {"upside down", 0,       -1, kPi,     {10, 0},  {0, -10}},
+      {"plain", 0, 1, 0, {10, 0}, {0, 10}},          {"wide", 0, 2, 0, {20, 0}, {0, 10}},
+      {"upwards", 0, 1, kPi / 2, {0, 10}, {-10, 0}}, {"oblique", kPi / 4, 1, 0, {10, 0}, {10, 10}},
+      {"backward", 0, -1, 0, {-10, 0}, {0, 10}},     {"upside down", 0, -1, kPi, {10, 0}, {0, -10}},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -101,19 +95,19 @@ TEST(Texts, Codes) {
     const char16_t* text;
     const char* seen;
   } cases[] = {
-      {u"45%%d",      "45\u00B0"          },
-      {u"%%D%%P%%C",  "\u00B0\u00B1\u00D8"},
-      {u"100%%%",     "100%"              },
-      {u"%%065%%066", "AB"                },
-      {u"%%u%%o%%O",  ""                  },
-      {u"%%uab%%uc",  "abc"               },
-      {u"%%x",        "%%x"               },
-      {u"%%",         "%%"                },
-      {u"%",          "%"                 },
-      {u"%%06",       "%%06"              },
-      {u"%%000",      ""                  },
-      {u"%%%%d",      "%%d"               },
-      {u"a%%",        "a%%"               },
+      {u"45%%d", "45\u00B0"},
+      {u"%%D%%P%%C", "\u00B0\u00B1\u00D8"},
+      {u"100%%%", "100%"},
+      {u"%%065%%066", "AB"},
+      {u"%%u%%o%%O", ""},
+      {u"%%uab%%uc", "abc"},
+      {u"%%x", "%%x"},
+      {u"%%", "%%"},
+      {u"%", "%"},
+      {u"%%06", "%%06"},
+      {u"%%000", ""},
+      {u"%%%%d", "%%d"},
+      {u"a%%", "a%%"},
   };
   for (const auto& t : cases) {
     const DecodedText decoded = decodeTextCodes(t.text);
@@ -129,9 +123,9 @@ TEST(Texts, LinesUnderAndOverThem) {
     bool over;
   } cases[] = {
       {u"ab%%ucd%%uef", 1, 2, 4, false},
-      {u"%%oabc",       1, 0, 3, true },
+      {u"%%oabc", 1, 0, 3, true},
       {u"%%ua%%ob%%uc", 2, 0, 2, false},
-      {u"%%u%%uabc",    0, 0, 0, false},
+      {u"%%u%%uabc", 0, 0, 0, false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(zim::WString(t.text).toUtf8());

@@ -27,11 +27,11 @@ TEST(GetColor, ResolvesByBlockThenByLayer) {
     const CLayer* layer;
     short result;
   } cases[] = {
-      {"by block",              0,   layer,   5  },
-      {"by layer",              256, layer,   3  },
-      {"by layer, without one", 256, nullptr, 7  },
-      {"its own",               4,   nullptr, 4  },
-      {"beyond the colours",    257, layer,   257},
+      {"by block", 0, layer, 5},
+      {"by layer", 256, layer, 3},
+      {"by layer, without one", 256, nullptr, 7},
+      {"its own", 4, nullptr, 4},
+      {"beyond the colours", 257, layer, 257},
   };
   for (const auto& t : cases) EXPECT_EQ(getColor(t.color, t.layer, 5), t.result) << t.name;
 }
@@ -40,14 +40,8 @@ TEST(ScomposeName, SplitsAtTheFirstBarWithSomethingOnBothSides) {
   const struct {
     const char *full, *xref, *item;
   } cases[] = {
-      {"A|B",   "A", "B"  },
-      {"A|B|C", "A", "B|C"},
-      {"A||",   "A", "|"  },
-      {"|B",    "",  ""   },
-      {"A|",    "",  ""   },
-      {"AB",    "",  ""   },
-      {"|",     "",  ""   },
-      {"",      "",  ""   },
+      {"A|B", "A", "B"}, {"A|B|C", "A", "B|C"}, {"A||", "A", "|"}, {"|B", "", ""},
+      {"A|", "", ""},    {"AB", "", ""},        {"|", "", ""},     {"", "", ""},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.full);
@@ -145,15 +139,8 @@ TEST(PurgeHatchBlocks, DeletesWhatNobodyInserts) {
     const zim::Char* name;
     bool there;
   } expected[] = {
-      {u"*PAT1",  true },
-      {u"*PAT2",  true },
-      {u"*PAT3",  false},
-      {u"*PAT04", false},
-      {u"*PAT",   true },
-      {u"*PAT5x", true },
-      {u"*pat6",  true },
-      {u"PLAIN",  true },
-      {u"*PAT7",  true },
+      {u"*PAT1", true},  {u"*PAT2", true}, {u"*PAT3", false}, {u"*PAT04", false}, {u"*PAT", true},
+      {u"*PAT5x", true}, {u"*pat6", true}, {u"PLAIN", true},  {u"*PAT7", true},
   };
   for (const auto& t : expected) {
     EXPECT_EQ(data.getBlockTable().get(zim::WString(t.name)) != nullptr, t.there)

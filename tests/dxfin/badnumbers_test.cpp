@@ -38,20 +38,20 @@ TEST(BadNumbers, CostTheEntityOrThePair) {
     std::string spare;  // codes, each behind a blank
     bool readStrictly;
   } cases[] = {
-      {"0 LINE|8 A|62 1|10 0|20 0|30 0|11 1|21 1|31 0",                                    " 62",             true },
+      {"0 LINE|8 A|62 1|10 0|20 0|30 0|11 1|21 1|31 0", " 62", true},
       {"0 LINE|8 A|10 0|20 0|11 1|21 1|38 0|39 0|48 1|60 0|67 0|370 -1|210 0|220 0|230 1",
-       " 38 39 48 60 67 370",                                                                                 true },
-      {"0 CIRCLE|8 A|10 0|20 0|40 1",                                                      "",                true },
-      {"0 ARC|8 A|10 0|20 0|40 1|50 0|51 90",                                              "",                true },
-      {"0 TEXT|8 A|1 T|10 0|20 0|40 1|41 1|50 0|51 0|72 1|11 0|21 0",                      " 72",             true },
-      {"0 INSERT|8 A|2 B|10 0|20 0|41 1|42 1|43 1|50 0|70 2|71 2|44 1|45 1",               " 44 45 70 71",    true },
-      {"0 LWPOLYLINE|8 A|90 2|70 0|43 0|38 0|10 0|20 0|40 0|41 0|42 1|10 1|20 1",          " 40 41 43 70 90",
-       true                                                                                                        },
+       " 38 39 48 60 67 370", true},
+      {"0 CIRCLE|8 A|10 0|20 0|40 1", "", true},
+      {"0 ARC|8 A|10 0|20 0|40 1|50 0|51 90", "", true},
+      {"0 TEXT|8 A|1 T|10 0|20 0|40 1|41 1|50 0|51 0|72 1|11 0|21 0", " 72", true},
+      {"0 INSERT|8 A|2 B|10 0|20 0|41 1|42 1|43 1|50 0|70 2|71 2|44 1|45 1", " 44 45 70 71", true},
+      {"0 LWPOLYLINE|8 A|90 2|70 0|43 0|38 0|10 0|20 0|40 0|41 0|42 1|10 1|20 1", " 40 41 43 70 90",
+       true},
       {"0 SPLINE|8 A|70 0|71 1|72 4|73 2|74 0|40 0|40 0|40 1|40 1|10 0|20 0|10 1|20 0",
-       " 40 70 71 72 73 74",                                                                                  false},
-      {"0 LEADER|8 A|71 0|72 0|73 3|76 2|10 0|20 0|10 1|20 0",                             " 71 72 73 76",    false},
-      {"0 MTEXT|8 A|1 T|10 0|20 0|40 1|41 9|71 1|50 0|44 1|73 1",                          " 41 44 71 73",    false},
-      {"0 ELLIPSE|8 A|10 0|20 0|11 2|21 0|40 0.5|41 0|42 3|210 0|220 0|230 1",             "",                false},
+       " 40 70 71 72 73 74", false},
+      {"0 LEADER|8 A|71 0|72 0|73 3|76 2|10 0|20 0|10 1|20 0", " 71 72 73 76", false},
+      {"0 MTEXT|8 A|1 T|10 0|20 0|40 1|41 9|71 1|50 0|44 1|73 1", " 41 44 71 73", false},
+      {"0 ELLIPSE|8 A|10 0|20 0|11 2|21 0|40 0.5|41 0|42 3|210 0|220 0|230 1", "", false},
   };
   for (const auto& t : cases) {
     const std::vector<std::string> pairs = split(t.list);
@@ -79,15 +79,15 @@ TEST(BadNumbers, CostTablesAndBlocksThePair) {
     const char* list;
     bool readStrictly;
   } cases[] = {
-      {"LTYPE",        "0 LTYPE|2 L|72 65|73 1|40 abc|49 1", true },
-      {"LAYER",        "0 LAYER|2 A|6 CONTINUOUS|70 abc",    true },
-      {"LAYER",        "0 LAYER|2 A|6 CONTINUOUS|290 abc",   true },
-      {"LAYER",        "0 LAYER|2 A|6 CONTINUOUS|370 abc",   true },
-      {"STYLE",        "0 STYLE|2 S|70 1|71 abc",            false},
-      {"DIMSTYLE",     "0 DIMSTYLE|2 STANDARD|140 abc",      false},
-      {"BLOCK_RECORD", "0 BLOCK_RECORD|2 B|70 abc",          false},
-      {"BLOCKS",       "0 BLOCK|2 B|70 abc|0 ENDBLK",        true },
-      {"BLOCKS",       "0 BLOCK|2 B|70 0|71 abc|0 ENDBLK",   false},
+      {"LTYPE", "0 LTYPE|2 L|72 65|73 1|40 abc|49 1", true},
+      {"LAYER", "0 LAYER|2 A|6 CONTINUOUS|70 abc", true},
+      {"LAYER", "0 LAYER|2 A|6 CONTINUOUS|290 abc", true},
+      {"LAYER", "0 LAYER|2 A|6 CONTINUOUS|370 abc", true},
+      {"STYLE", "0 STYLE|2 S|70 1|71 abc", false},
+      {"DIMSTYLE", "0 DIMSTYLE|2 STANDARD|140 abc", false},
+      {"BLOCK_RECORD", "0 BLOCK_RECORD|2 B|70 abc", false},
+      {"BLOCKS", "0 BLOCK|2 B|70 abc|0 ENDBLK", true},
+      {"BLOCKS", "0 BLOCK|2 B|70 0|71 abc|0 ENDBLK", false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.list);

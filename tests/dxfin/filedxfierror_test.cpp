@@ -29,28 +29,10 @@ TEST(DxfError, EveryValueHasItsMessage) {
     int kind;
     int id;
   } cases[] = {
-      {0,  10000},
-      {1,  10000},
-      {2,  10002},
-      {3,  10001},
-      {4,  10009},
-      {5,  10000},
-      {6,  10005},
-      {7,  10004},
-      {8,  10003},
-      {9,  10023},
-      {10, 10000},
-      {11, 10000},
-      {12, 10000},
-      {13, 10006},
-      {14, 10007},
-      {15, 10008},
-      {16, 10020},
-      {17, 10021},
-      {18, 10022},
-      {19, 10034},
-      {20, 10000},
-      {21, 10000},
+      {0, 10000},  {1, 10000},  {2, 10002},  {3, 10001},  {4, 10009},  {5, 10000},
+      {6, 10005},  {7, 10004},  {8, 10003},  {9, 10023},  {10, 10000}, {11, 10000},
+      {12, 10000}, {13, 10006}, {14, 10007}, {15, 10008}, {16, 10020}, {17, 10021},
+      {18, 10022}, {19, 10034}, {20, 10000}, {21, 10000},
   };
   const IdTexts texts;
   for (const auto& t : cases) {
@@ -85,11 +67,11 @@ TEST(DxfError, FullMessageSaysWhereAndWhat) {
     long line, param1, param2;
     const char* text;
   } cases[] = {
-      {"text of the string library", 6,  12, 0, 0,   "Line 12: A numeric value is missing."                 },
-      {"text of its own",            5,  3,  0, 0,   "Line 3: A group code is missing."                     },
-      {"no line known",              5,  0,  0, 0,   "A group code is missing."                             },
-      {"parameters",                 16, 40, 2, -64, "Line 40: An entity lacks data that it needs. (2, -64)"},
-      {"no error",                   0,  40, 2, 64,  ""                                                     },
+      {"text of the string library", 6, 12, 0, 0, "Line 12: A numeric value is missing."},
+      {"text of its own", 5, 3, 0, 0, "Line 3: A group code is missing."},
+      {"no line known", 5, 0, 0, 0, "A group code is missing."},
+      {"parameters", 16, 40, 2, -64, "Line 40: An entity lacks data that it needs. (2, -64)"},
+      {"no error", 0, 40, 2, 64, ""},
   };
   for (const auto& t : cases) {
     Error error;

@@ -89,22 +89,22 @@ TEST(DxfLexer, FirstPairs) {
     const char* value;
     long line;
   } cases[] = {
-      {"plain",                     "0\nSECTION\n",              0,          "SECTION",  2},
-      {"two blanks and a zero",     "  0\nSECTION\n",            0,          "SECTION",  2},
-      {"junk behind the code",      "10abc\n1.5\n",              10,         "1.5",      2},
-      {"blanks for a code",         "   \nx\n",                  0,          "x",        2},
-      {"tab before the code",       "\t8\nx\n",                  8,          "x",        2},
-      {"negative code",             "-5\nx\n",                   -5,         "x",        2},
-      {"code beyond 32 bits",       "99999999999\nx\n",          2147483647, "x",        2},
-      {"code with five digits",     "10000\nx\n",                10000,      "x",        2},
-      {"trailing blank, tab, ends", "0\r\nLINE \t\r\n",          0,          "LINE",     2},
-      {"leading blank is kept",     "0\n LINE\n",                0,          " LINE",    2},
-      {"empty value",               "1\n\n",                     1,          "",         2},
-      {"comment before it",         "999\nhi\n999\n\n0\nEOF\n",  0,          "EOF",      6},
-      {"no end at the end",         "0\nEOF",                    0,          "EOF",      2},
-      {"old line ends",             "0\rLINE\r",                 0,          "LINE",     2},
-      {"marked utf-8",              "\357\273\2771\n\xC3\xA9\n", 1,          "\xC3\xA9", 2},
-      {"western",                   "1\n\xE9\n",                 1,          "\xC3\xA9", 2},
+      {"plain", "0\nSECTION\n", 0, "SECTION", 2},
+      {"two blanks and a zero", "  0\nSECTION\n", 0, "SECTION", 2},
+      {"junk behind the code", "10abc\n1.5\n", 10, "1.5", 2},
+      {"blanks for a code", "   \nx\n", 0, "x", 2},
+      {"tab before the code", "\t8\nx\n", 8, "x", 2},
+      {"negative code", "-5\nx\n", -5, "x", 2},
+      {"code beyond 32 bits", "99999999999\nx\n", 2147483647, "x", 2},
+      {"code with five digits", "10000\nx\n", 10000, "x", 2},
+      {"trailing blank, tab, ends", "0\r\nLINE \t\r\n", 0, "LINE", 2},
+      {"leading blank is kept", "0\n LINE\n", 0, " LINE", 2},
+      {"empty value", "1\n\n", 1, "", 2},
+      {"comment before it", "999\nhi\n999\n\n0\nEOF\n", 0, "EOF", 6},
+      {"no end at the end", "0\nEOF", 0, "EOF", 2},
+      {"old line ends", "0\rLINE\r", 0, "LINE", 2},
+      {"marked utf-8", "\357\273\2771\n\xC3\xA9\n", 1, "\xC3\xA9", 2},
+      {"western", "1\n\xE9\n", 1, "\xC3\xA9", 2},
   };
   for (const auto& t : cases) {
     for (const bool byBytes : {true, false}) {
@@ -126,13 +126,13 @@ TEST(DxfLexer, ErrorsOfStructure) {
     int kind;
     long line;  // lines read until then
   } cases[] = {
-      {"empty code line",       "\nx\n",              5,  0},
-      {"empty with cr",         "\r\nx\n",            5,  0},
-      {"empty after a pair",    "0\nLINE\n\n8\n",     5,  2},
-      {"empty file",            "",                   13, 0},
-      {"end after a pair",      "0\nLINE\n",          13, 2},
-      {"end after a code",      "0\nLINE\n8\n",       13, 3},
-      {"end after a comment",   "999\nx\n",           13, 2},
+      {"empty code line", "\nx\n", 5, 0},
+      {"empty with cr", "\r\nx\n", 5, 0},
+      {"empty after a pair", "0\nLINE\n\n8\n", 5, 2},
+      {"empty file", "", 13, 0},
+      {"end after a pair", "0\nLINE\n", 13, 2},
+      {"end after a code", "0\nLINE\n8\n", 13, 3},
+      {"end after a comment", "999\nx\n", 13, 2},
       {"ctrl-z before the end", "0\nLINE\n\032\n0\n", 13, 2},
   };
   for (const auto& t : cases) {
@@ -167,15 +167,15 @@ TEST(DxfLexer, NumbersOfAValue) {
     long whole;
     long hex;
   } cases[] = {
-      {"whole",        "26",    0,  26,  26, 0x26                             },
-      {"hex upper",    "1A",    0,  1,   1,  26                               },
-      {"hex lower",    "1a",    0,  1,   1,  26                               },
-      {"exponent",     "1e2",   0,  100, 1,  0x1e2                            },
-      {"junk behind",  "2.5g",  0,  2.5, 2,  ((2 * 16 - 2) * 16 + 5) * 16 + 16},
-      {"empty",        "",      6,  0,   -1, -1                               },
-      {"not a number", "nan",   15, 0,   0,  (23 * 16 + 10) * 16 + 23         },
-      {"printed so",   "1.#F",  15, 0,   1,  ((16 - 2) * 16 - 13) * 16 + 15   },
-      {"beyond range", "1e999", 15, 0,   1,  0x1e999                          },
+      {"whole", "26", 0, 26, 26, 0x26},
+      {"hex upper", "1A", 0, 1, 1, 26},
+      {"hex lower", "1a", 0, 1, 1, 26},
+      {"exponent", "1e2", 0, 100, 1, 0x1e2},
+      {"junk behind", "2.5g", 0, 2.5, 2, ((2 * 16 - 2) * 16 + 5) * 16 + 16},
+      {"empty", "", 6, 0, -1, -1},
+      {"not a number", "nan", 15, 0, 0, (23 * 16 + 10) * 16 + 23},
+      {"printed so", "1.#F", 15, 0, 1, ((16 - 2) * 16 - 13) * 16 + 15},
+      {"beyond range", "1e999", 15, 0, 1, 0x1e999},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -228,10 +228,10 @@ TEST(DxfLexer, TheHeadersCodePageHoldsUnlessThereIsAMark) {
     const char* value;
     const char* encoding;
   } cases[] = {
-      {"declared",      "1\n\x9D\n",                     true,  "\xC3\x98", "ibm850"  },
-      {"marked utf-8",  "\357\273\2771\n\xC3\x98\n",     true,  "\xC3\x98", "utf-8"   },
-      {"marked utf-16", "\xFF\xFE\x31\0\n\0\xD8\0\n\0"s, true,  "\xC3\x98", "utf-16le"},
-      {"read by lines", "1\n\xC3\x98\n",                 false, "\xC3\x98", "utf-16"  },
+      {"declared", "1\n\x9D\n", true, "\xC3\x98", "ibm850"},
+      {"marked utf-8", "\357\273\2771\n\xC3\x98\n", true, "\xC3\x98", "utf-8"},
+      {"marked utf-16", "\xFF\xFE\x31\0\n\0\xD8\0\n\0"s, true, "\xC3\x98", "utf-16le"},
+      {"read by lines", "1\n\xC3\x98\n", false, "\xC3\x98", "utf-16"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -254,14 +254,14 @@ TEST(DxfLexer, LongLinesAreCutAndReported) {
     long units;
     long cuts;
   } cases[] = {
-      {"at the limit",        std::string(8191,        'a'),                      kMost,     0},
-      {"line end across it",  std::string(8190,        'a'),                      kMost - 1, 0},
-      {"one more",            std::string(8192,        'a'),                      kMost,     1},
-      {"one more is a blank", std::string(8191,        'a') + " ",                kMost,     0},
-      {"blanks far beyond",   "a" + std::string(20000, ' '),                      1,         0},
-      {"blanks at the limit", "a" + std::string(8190,  ' ') + "b",                1,         1},
-      {"longer than a block", std::string(600000,      'a'),                      kMost,     1},
-      {"pair at the limit",   std::string(8190,        'a') + "\xF0\x9F\x98\x80", kMost - 1, 1},
+      {"at the limit", std::string(8191, 'a'), kMost, 0},
+      {"line end across it", std::string(8190, 'a'), kMost - 1, 0},
+      {"one more", std::string(8192, 'a'), kMost, 1},
+      {"one more is a blank", std::string(8191, 'a') + " ", kMost, 0},
+      {"blanks far beyond", "a" + std::string(20000, ' '), 1, 0},
+      {"blanks at the limit", "a" + std::string(8190, ' ') + "b", 1, 1},
+      {"longer than a block", std::string(600000, 'a'), kMost, 1},
+      {"pair at the limit", std::string(8190, 'a') + "\xF0\x9F\x98\x80", kMost - 1, 1},
   };
   for (const auto& t : cases) {
     for (const bool byBytes : {true, false}) {

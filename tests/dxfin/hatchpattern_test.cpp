@@ -22,13 +22,7 @@ struct Placing {
   double scale, angleDeg;
 };
 constexpr Placing kPlacings[] = {
-    {1,       0    },
-    {25.4,    0    },
-    {0.37,    33   },
-    {1000,    45   },
-    {3,       90   },
-    {1.0 / 3, 217.3},
-    {7e-4,    350  },
+    {1, 0}, {25.4, 0}, {0.37, 33}, {1000, 45}, {3, 90}, {1.0 / 3, 217.3}, {7e-4, 350},
 };
 
 // What other programs write: with pi itself, and the hatch's scale and angle in it.
@@ -102,13 +96,10 @@ TEST(HatchPattern, OwnPatternsMeetThemselvesAtAnyScaleAndAngle) {
 
 TEST(HatchPattern, RoundingKeepsSmallDifferences) {
   const HATCH_LINE lines[] = {
-      {0,    0,    0, 0,    1,        {1, -1},        2},
-      {0,    0,    0, 0,    1 + 1e-8, {1, -1},        2},
-      {0,    0,    0, 1e-8, 1,        {1, -1},        2},
-      {0,    1e-8, 0, 0,    1,        {1, -1},        2},
-      {1e-7, 0,    0, 0,    1,        {1, -1},        2},
-      {0,    0,    0, 0,    1,        {1 + 1e-8, -1}, 2},
-      {0,    1e12, 0, 0,    1,        {1, -1},        2},
+      {0, 0, 0, 0, 1, {1, -1}, 2},    {0, 0, 0, 0, 1 + 1e-8, {1, -1}, 2},
+      {0, 0, 0, 1e-8, 1, {1, -1}, 2}, {0, 1e-8, 0, 0, 1, {1, -1}, 2},
+      {1e-7, 0, 0, 0, 1, {1, -1}, 2}, {0, 0, 0, 0, 1, {1 + 1e-8, -1}, 2},
+      {0, 1e12, 0, 0, 1, {1, -1}, 2},
   };
   CHatchTypeTable types;
   std::set<const HATCH_TYPE*> found;

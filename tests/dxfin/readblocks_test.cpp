@@ -53,14 +53,14 @@ TEST(ReadBlocks, WhichBlocksAreKept) {
     const char* header;
     bool kept;
   } cases[] = {
-      {"ordinary",            "A",              true,  "",             true },
-      {"model space",         "*Model_Space",   false, "",             false},
-      {"model space, older",  "$MODEL_SPACE",   false, "",             false},
-      {"a further layout",    "*PAPER_SPACE12", false, "",             false},
-      {"anonymous",           "*U1",            false, "",             true },
-      {"anonymous and empty", "*U1",            true,  "",             false},
-      {"empty but meant so",  "*U1",            true,  "70 1",         true },
-      {"external reference",  "X",              true,  "70 4|1 x.dwg", false},
+      {"ordinary", "A", true, "", true},
+      {"model space", "*Model_Space", false, "", false},
+      {"model space, older", "$MODEL_SPACE", false, "", false},
+      {"a further layout", "*PAPER_SPACE12", false, "", false},
+      {"anonymous", "*U1", false, "", true},
+      {"anonymous and empty", "*U1", true, "", false},
+      {"empty but meant so", "*U1", true, "70 1", true},
+      {"external reference", "X", true, "70 4|1 x.dwg", false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.why);
@@ -154,7 +154,7 @@ TEST(LoadAndImport, LayerZeroStyleVariablesAndHandles) {
     vek0::Handle handle;
   } cases[] = {
       {false, 1, 132, 5, u"A", 0x2F},
-      {true,  7, 0,   1, u"0", 0   },
+      {true, 7, 0, 1, u"0", 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.importing);

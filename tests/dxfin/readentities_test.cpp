@@ -113,15 +113,15 @@ TEST(ReadEntities, SkipsWhatItDoesNotRead) {
     std::size_t read;
     long skipped;
   } cases[] = {
-      {"unknown kind",           "AC1009", "0 SPLINE|8 0|40 x|0 POINT|8 0|10 0|20 0", 1, 1},
-      {"light polyline in R12",  "AC1009", "0 LWPOLYLINE|90 99",                      0, 1},
-      {"light polyline in R13",  "AC1012", "0 LWPOLYLINE|90 99",                      0, 1},
-      {"no version means R12",   "",       "0 LWPOLYLINE|90 99",                      0, 1},
-      {"old version of no name", "AC1010", "0 LWPOLYLINE|90 99",                      0, 1},
-      {"light polyline in R14",  "AC1014", "0 LWPOLYLINE|8 0",                        1, 0},
-      {"attribute on its own",   "AC1009", "0 ATTRIB|8 0",                            0, 1},
-      {"codes not read",         "AC1009", "0 POINT|8 0|10 0|20 0|50 junk|100 x",     1, 0},
-      {"embedded object",        "AC1015", "0 POINT|8 0|10 0|20 0|101 x|10 junk|8 ",  1, 0},
+      {"unknown kind", "AC1009", "0 SPLINE|8 0|40 x|0 POINT|8 0|10 0|20 0", 1, 1},
+      {"light polyline in R12", "AC1009", "0 LWPOLYLINE|90 99", 0, 1},
+      {"light polyline in R13", "AC1012", "0 LWPOLYLINE|90 99", 0, 1},
+      {"no version means R12", "", "0 LWPOLYLINE|90 99", 0, 1},
+      {"old version of no name", "AC1010", "0 LWPOLYLINE|90 99", 0, 1},
+      {"light polyline in R14", "AC1014", "0 LWPOLYLINE|8 0", 1, 0},
+      {"attribute on its own", "AC1009", "0 ATTRIB|8 0", 0, 1},
+      {"codes not read", "AC1009", "0 POINT|8 0|10 0|20 0|50 junk|100 x", 1, 0},
+      {"embedded object", "AC1015", "0 POINT|8 0|10 0|20 0|101 x|10 junk|8 ", 1, 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -149,16 +149,16 @@ TEST(ReadEntities, TextAlignment) {
     long align;
     double x;
   } cases[] = {
-      {"left",                       "",                0,  1},
-      {"second point not used",      "|72 0|11 5|21 2", 0,  1},
-      {"center",                     "|72 1|11 5|21 2", 1,  5},
-      {"right",                      "|72 2|11 5|21 2", 2,  5},
-      {"top left",                   "|73 3|11 5|21 2", 3,  5},
-      {"middle center",              "|72 1|73 2|11 5", 7,  5},
-      {"bottom right",               "|72 2|73 1|11 5", 11, 5},
-      {"middle",                     "|72 4|11 5|21 2", 7,  5},
-      {"second point missing",       "|72 1",           1,  1},
-      {"code of no meaning is left", "|72 9|11 5",      0,  5},
+      {"left", "", 0, 1},
+      {"second point not used", "|72 0|11 5|21 2", 0, 1},
+      {"center", "|72 1|11 5|21 2", 1, 5},
+      {"right", "|72 2|11 5|21 2", 2, 5},
+      {"top left", "|73 3|11 5|21 2", 3, 5},
+      {"middle center", "|72 1|73 2|11 5", 7, 5},
+      {"bottom right", "|72 2|73 1|11 5", 11, 5},
+      {"middle", "|72 4|11 5|21 2", 7, 5},
+      {"second point missing", "|72 1", 1, 1},
+      {"code of no meaning is left", "|72 9|11 5", 0, 5},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -191,10 +191,10 @@ TEST(ReadEntities, MirroredText) {
     const char* code;
     double width, rotation;
   } cases[] = {
-      {"upright",     "71 0", 1,  0  },
-      {"backward",    "71 2", -1, 0  },
+      {"upright", "71 0", 1, 0},
+      {"backward", "71 2", -1, 0},
       {"upside down", "71 4", -1, kPi},
-      {"both",        "71 6", 1,  kPi},
+      {"both", "71 6", 1, kPi},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -213,7 +213,7 @@ TEST(ReadEntities, AlignedAndFittedText) {
     double height, width;
   } cases[] = {
       {"aligned", "72 3", 2, 1},
-      {"fit",     "72 5", 1, 2},
+      {"fit", "72 5", 1, 2},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -253,8 +253,8 @@ TEST(ReadEntities, InsertDefaultsAndValues) {
     long columns, rows;
     double columnSpacing, rowSpacing;
   } cases[] = {
-      {"nothing said", "",                                            1, 1, 1, 0,       1, 1, 0,  0 },
-      {"all said",     "|41 2|42 3|43 4|50 90|70 2|71 3|44 10|45 20", 2, 3, 4, kPi / 2, 2, 3, 10, 20},
+      {"nothing said", "", 1, 1, 1, 0, 1, 1, 0, 0},
+      {"all said", "|41 2|42 3|43 4|50 90|70 2|71 3|44 10|45 20", 2, 3, 4, kPi / 2, 2, 3, 10, 20},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

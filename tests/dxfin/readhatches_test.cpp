@@ -48,25 +48,27 @@ TEST(ReadHatches, LoopsBecomeRings) {
     const char* loop;
     double area, tolerance;
   } cases[] = {
-      {"polyline",              "92 2|72 0|73 1|93 3|10 0|20 0|10 4|20 0|10 4|20 4|97 0",           8,        0   },
-      {"bulges",                "92 2|72 1|73 1|93 2|10 0|20 0|42 1|10 4|20 0|42 1|97 0",           4 * pi,   0.01},
-      {"no sources",            "92 2|72 0|73 1|93 3|10 0|20 0|10 4|20 0|10 4|20 4",                8,        0   },
+      {"polyline", "92 2|72 0|73 1|93 3|10 0|20 0|10 4|20 0|10 4|20 4|97 0", 8, 0},
+      {"bulges", "92 2|72 1|73 1|93 2|10 0|20 0|42 1|10 4|20 0|42 1|97 0", 4 * pi, 0.01},
+      {"no sources", "92 2|72 0|73 1|93 3|10 0|20 0|10 4|20 0|10 4|20 4", 8, 0},
       {"lines out of order",
-       "92 1|93 3|72 1|10 4|20 4|11 0|21 0|72 1|10 4|20 0|11 0|21 0|72 1|10 4|20 0|11 4|21 4|97 0", 8,        0   },
-      {"circle",                "92 1|93 1|72 2|10 5|20 5|40 2|50 0|51 360|73 1|97 0",              4 * pi,   0.01},
-      {"clockwise circle",      "92 1|93 1|72 2|10 5|20 5|40 2|50 0|51 360|73 0|97 0",              4 * pi,   0.01},
+       "92 1|93 3|72 1|10 4|20 4|11 0|21 0|72 1|10 4|20 0|11 0|21 0|72 1|10 4|20 0|11 4|21 4|97 0",
+       8, 0},
+      {"circle", "92 1|93 1|72 2|10 5|20 5|40 2|50 0|51 360|73 1|97 0", 4 * pi, 0.01},
+      {"clockwise circle", "92 1|93 1|72 2|10 5|20 5|40 2|50 0|51 360|73 0|97 0", 4 * pi, 0.01},
       {"half circle and chord",
-       "92 1|93 2|72 2|10 0|20 0|40 2|50 0|51 180|73 1|72 1|10 -2|20 0|11 2|21 0|97 0",             2 * pi,
-       0.01                                                                                                       },
+       "92 1|93 2|72 2|10 0|20 0|40 2|50 0|51 180|73 1|72 1|10 -2|20 0|11 2|21 0|97 0", 2 * pi,
+       0.01},
       {"clockwise half",
-       "92 1|93 2|72 2|10 0|20 0|40 2|50 180|51 360|73 0|72 1|10 -2|20 0|11 2|21 0|97 0",           2 * pi,
-       0.01                                                                                                       },
-      {"ellipse",               "92 1|93 1|72 3|10 0|20 0|11 3|21 0|40 0.5|50 0|51 360|73 1|97 0",  4.5 * pi,
-       0.01                                                                                                       },
+       "92 1|93 2|72 2|10 0|20 0|40 2|50 180|51 360|73 0|72 1|10 -2|20 0|11 2|21 0|97 0", 2 * pi,
+       0.01},
+      {"ellipse", "92 1|93 1|72 3|10 0|20 0|11 3|21 0|40 0.5|50 0|51 360|73 1|97 0", 4.5 * pi,
+       0.01},
       {"straight spline",
        "92 1|93 2|72 4|94 1|73 0|74 0|95 5|96 3|40 0|40 0|40 1|40 2|40 2|10 0|20 0|10 4|20 0|10 "
        "4|20 4|"
-       "72 1|10 4|20 4|11 0|21 0|97 1|330 1F",                                                      8,        0   },
+       "72 1|10 4|20 4|11 0|21 0|97 1|330 1F",
+       8, 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -135,15 +137,15 @@ TEST(ReadHatches, Patterns) {
     bool known;
     double scale, angleDeg;
   } cases[] = {
-      {"catalogue",             "2 ANSI31|76 1|52 0|41 1|" + ansi31,  u"ANSI31", true,  1,    0 },
-      {"the same in mm",        "2 ANSI31|76 1|52 0|41 1|" + metric,  u"ANSI31", true,  25.4, 0 },
-      {"turned and scaled",     "2 ansi31|76 1|52 30|41 2|" + turned, u"ANSI31", true,  2,    30},
-      {"other lines",           "2 ANSI31|76 1|52 0|41 1|" + other,   u"ANSI31", false, 1,    0 },
-      {"unknown with lines",    "2 MYOWN|76 2|52 0|41 1|" + other,    u"MYOWN",  false, 1,    0 },
-      {"user-defined",          "2 _USER|76 0|52 10|41 3|77 1",       u"_USER",  false, 3,    10},
-      {"name alone",            "2 NET|76 1|52 0|41 5",               u"NET",    true,  5,    0 },
-      {"solid",                 "2 SOLID|70 1|76 1",                  u"SOLID",  false, 1,    0 },
-      {"scale without meaning", "2 ANSI31|76 1|41 0|" + ansi31,       u"ANSI31", true,  1,    0 },
+      {"catalogue", "2 ANSI31|76 1|52 0|41 1|" + ansi31, u"ANSI31", true, 1, 0},
+      {"the same in mm", "2 ANSI31|76 1|52 0|41 1|" + metric, u"ANSI31", true, 25.4, 0},
+      {"turned and scaled", "2 ansi31|76 1|52 30|41 2|" + turned, u"ANSI31", true, 2, 30},
+      {"other lines", "2 ANSI31|76 1|52 0|41 1|" + other, u"ANSI31", false, 1, 0},
+      {"unknown with lines", "2 MYOWN|76 2|52 0|41 1|" + other, u"MYOWN", false, 1, 0},
+      {"user-defined", "2 _USER|76 0|52 10|41 3|77 1", u"_USER", false, 3, 10},
+      {"name alone", "2 NET|76 1|52 0|41 5", u"NET", true, 5, 0},
+      {"solid", "2 SOLID|70 1|76 1", u"SOLID", false, 1, 0},
+      {"scale without meaning", "2 ANSI31|76 1|41 0|" + ansi31, u"ANSI31", true, 1, 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -198,14 +200,14 @@ TEST(ReadHatches, WhatDoesNotFitIsAnError) {
     std::string list;
   } cases[] = {
       {"more vertices than told", "91 1|92 2|72 0|73 1|93 2|10 0|20 0|10 1|20 0|10 2|20 2|97 0"},
-      {"fewer",                   "91 1|92 2|72 0|73 1|93 2000000000|10 0|20 0|97 0"           },
-      {"fewer loops",             "91 2000000000|" + kSquare                                   },
-      {"unknown edge",            "91 1|92 1|93 1|72 9|10 0|20 0"                              },
-      {"fewer edges",             "91 1|92 1|93 100|72 1|10 0|20 0|11 1|21 1|97 0"             },
-      {"fewer knots",             "91 1|92 1|93 1|72 4|94 3|73 0|74 0|95 9|96 4|40 0|10 0"     },
-      {"fewer dashes",            "78 1|53 0|43 0|44 0|45 0|46 1|79 3|49 1|91 1|" + kSquare    },
-      {"other sources than told", "91 1|92 2|72 0|73 1|93 1|10 0|20 0|97 2|330 1|92 2"         },
-      {"fewer seeds",             "91 1|" + kSquare + "|98 2|10 0|20 0"                        },
+      {"fewer", "91 1|92 2|72 0|73 1|93 2000000000|10 0|20 0|97 0"},
+      {"fewer loops", "91 2000000000|" + kSquare},
+      {"unknown edge", "91 1|92 1|93 1|72 9|10 0|20 0"},
+      {"fewer edges", "91 1|92 1|93 100|72 1|10 0|20 0|11 1|21 1|97 0"},
+      {"fewer knots", "91 1|92 1|93 1|72 4|94 3|73 0|74 0|95 9|96 4|40 0|10 0"},
+      {"fewer dashes", "78 1|53 0|43 0|44 0|45 0|46 1|79 3|49 1|91 1|" + kSquare},
+      {"other sources than told", "91 1|92 2|72 0|73 1|93 1|10 0|20 0|97 2|330 1|92 2"},
+      {"fewer seeds", "91 1|" + kSquare + "|98 2|10 0|20 0"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -40,10 +40,10 @@ TEST(ReadPolylines, PlainFlagsAndVertices) {
     const char* codes;
     bool closed, ltGen;
   } cases[] = {
-      {"open",                   "",        false, false},
-      {"closed",                 "|70 1",   true,  false},
-      {"linetype runs on",       "|70 128", false, true },
-      {"3D is a plain chain",    "|70 9",   true,  false},
+      {"open", "", false, false},
+      {"closed", "|70 1", true, false},
+      {"linetype runs on", "|70 128", false, true},
+      {"3D is a plain chain", "|70 9", true, false},
       {"bits of later versions", "|70 256", false, false},
   };
   for (const auto& t : cases) {
@@ -103,16 +103,16 @@ TEST(ReadPolylines, Curves) {
     short curve, degree;
     long controls, visible;
   } cases[] = {
-      {"spline and frame",              "|70 4|75 5", "0,0,16 2,4,16 4,0,16 0,0,8 2,2,8", 4, 2, 3, 2   },
-      {"cubic otherwise",               "|70 4",      "0,0,16 2,4,16 4,0,16 0,0,8",       4, 3, 3, 1   },
-      {"frame alone",                   "|70 4|75 6", "0,0,16 2,4,16 4,0,16",             4, 3, 3, made},
-      {"frame not marked",              "|70 4|75 6", "0,0,0 2,4,0 4,0,0 0,0,8 2,2,8",    4, 3, 3, 2   },
-      {"Bezier",                        "|70 4|75 8", "0,0,16 2,4,16 4,0,16 0,0,8",       8, 3, 3, 1   },
-      {"fit goes through its controls", "|70 2",      "0,0,0 1,1,1 2,0,0",                2, 0, 2, 3   },
-      {"fit and frame",                 "|70 2",      "0,0,16 2,0,16 0,0,0 1,1,1 2,0,0",  2, 0, 2, 3   },
-      {"fit not yet made",              "|70 2",      "0,0,0 4,0,0 4,4,0 0,4,0",          2, 0, 4, made},
-      {"too few controls",              "|70 4",      "0,0,8 1,1,8",                      0, 0, 2, 2   },
-      {"no vertices",                   "|70 4",      "",                                 0, 0, 0, 0   },
+      {"spline and frame", "|70 4|75 5", "0,0,16 2,4,16 4,0,16 0,0,8 2,2,8", 4, 2, 3, 2},
+      {"cubic otherwise", "|70 4", "0,0,16 2,4,16 4,0,16 0,0,8", 4, 3, 3, 1},
+      {"frame alone", "|70 4|75 6", "0,0,16 2,4,16 4,0,16", 4, 3, 3, made},
+      {"frame not marked", "|70 4|75 6", "0,0,0 2,4,0 4,0,0 0,0,8 2,2,8", 4, 3, 3, 2},
+      {"Bezier", "|70 4|75 8", "0,0,16 2,4,16 4,0,16 0,0,8", 8, 3, 3, 1},
+      {"fit goes through its controls", "|70 2", "0,0,0 1,1,1 2,0,0", 2, 0, 2, 3},
+      {"fit and frame", "|70 2", "0,0,16 2,0,16 0,0,0 1,1,1 2,0,0", 2, 0, 2, 3},
+      {"fit not yet made", "|70 2", "0,0,0 4,0,0 4,4,0 0,4,0", 2, 0, 4, made},
+      {"too few controls", "|70 4", "0,0,8 1,1,8", 0, 0, 2, 2},
+      {"no vertices", "|70 4", "", 0, 0, 0, 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -135,13 +135,13 @@ TEST(ReadPolylines, MeshBecomesFaces) {
     const char* codes;
     long faces, incomplete;
   } cases[] = {
-      {"open",             "|70 16|71 2|72 3",                   2, 0},
-      {"closed across",    "|70 48|71 2|72 3",                   3, 0},
-      {"closed both ways", "|70 49|71 2|72 3",                   6, 0},
-      {"fewer rows",       "|70 16|71 9|72 3",                   2, 1},
-      {"last row cut",     "|70 16|71 2|72 4",                   0, 2},
-      {"size beyond all",  "|70 16|71 2000000000|72 2000000000", 0, 1},
-      {"size below 0",     "|70 16|71 -1|72 -3",                 0, 1},
+      {"open", "|70 16|71 2|72 3", 2, 0},
+      {"closed across", "|70 48|71 2|72 3", 3, 0},
+      {"closed both ways", "|70 49|71 2|72 3", 6, 0},
+      {"fewer rows", "|70 16|71 9|72 3", 2, 1},
+      {"last row cut", "|70 16|71 2|72 4", 0, 2},
+      {"size beyond all", "|70 16|71 2000000000|72 2000000000", 0, 1},
+      {"size below 0", "|70 16|71 -1|72 -3", 0, 1},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -199,11 +199,7 @@ TEST(ReadPolylines, LightPolyline) {
   EXPECT_TRUE(chain->isClosed());
   EXPECT_TRUE(chain->IsLtGen());
   ASSERT_EQ(chain->getNoTotalVertexes(), 3);
-  const double widths[][2] = {
-      {2, 2},
-      {5, 2},
-      {2, 6}
-  };
+  const double widths[][2] = {{2, 2}, {5, 2}, {2, 6}};
   for (int i = 0; i < 3; ++i) {
     EXPECT_DOUBLE_EQ(chain->GetVertexPos(i).x, 2 * i);
     EXPECT_DOUBLE_EQ(chain->GetVertexPos(i).y, 2 * i + 1);

@@ -46,16 +46,16 @@ TEST(PlaneAxes, TheArbitraryAxisRule) {
     const char* name;
     PNT_3D normal, x, y;
   } cases[] = {
-      {"world",            {0, 0, 1},          {1, 0, 0},  {0, 1, 0}          },
-      {"any length",       {0, 0, 7},          {1, 0, 0},  {0, 1, 0}          },
-      {"mirrored",         {0, 0, -1},         {-1, 0, 0}, {0, 1, 0}          },
-      {"towards x",        {1, 0, 0},          {0, 1, 0},  {0, 0, 1}          },
-      {"towards y",        {0, 1, 0},          {-1, 0, 0}, {0, 0, 1}          },
-      {"away from y",      {0, -2, 0},         {1, 0, 0},  {0, 0, 1}          },
-      {"none",             {0, 0, 0},          {1, 0, 0},  {0, 1, 0}          },
-      {"not a number",     {NAN, 0, 1},        {1, 0, 0},  {0, 1, 0}          },
-      {"beyond the limit", {0, 0.02, 0.99980}, {-1, 0, 0}, {0, -0.9998, 0.02} },
-      {"within the limit", {0, 0.01, 0.99995}, {1, 0, 0},  {0, 0.99995, -0.01}},
+      {"world", {0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
+      {"any length", {0, 0, 7}, {1, 0, 0}, {0, 1, 0}},
+      {"mirrored", {0, 0, -1}, {-1, 0, 0}, {0, 1, 0}},
+      {"towards x", {1, 0, 0}, {0, 1, 0}, {0, 0, 1}},
+      {"towards y", {0, 1, 0}, {-1, 0, 0}, {0, 0, 1}},
+      {"away from y", {0, -2, 0}, {1, 0, 0}, {0, 0, 1}},
+      {"none", {0, 0, 0}, {1, 0, 0}, {0, 1, 0}},
+      {"not a number", {NAN, 0, 1}, {1, 0, 0}, {0, 1, 0}},
+      {"beyond the limit", {0, 0.02, 0.99980}, {-1, 0, 0}, {0, -0.9998, 0.02}},
+      {"within the limit", {0, 0.01, 0.99995}, {1, 0, 0}, {0, 0.99995, -0.01}},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -91,20 +91,20 @@ TEST(ReadShapes, SolidsBecomeFilledFaces) {
       {"four corners",
        corners + "|13 4|23 3|33 1",
        {{0, 0, 1}, {4, 0, 1}, {4, 3, 1}, {0, 3, 1}},
-       false                                                                              },
+       false},
       {"the third repeated",
        corners + "|13 0|23 3|33 1",
        {{0, 0, 1}, {4, 0, 1}, {0, 3, 1}, {0, 3, 1}},
-       true                                                                               },
-      {"no fourth",          corners,   {{0, 0, 1}, {4, 0, 1}, {0, 3, 1}, {0, 3, 1}}, true},
+       true},
+      {"no fourth", corners, {{0, 0, 1}, {4, 0, 1}, {0, 3, 1}, {0, 3, 1}}, true},
       {"mirrored",
        corners + "|210 0|220 0|230 -1",
        {{0, 0, -1}, {-4, 0, -1}, {0, 3, -1}, {0, 3, -1}},
-       true                                                                               },
+       true},
       {"upright",
        corners + "|210 1|220 0|230 0",
        {{1, 0, 0}, {1, 4, 0}, {1, 0, 3}, {1, 0, 3}},
-       true                                                                               },
+       true},
   };
   for (const char* kind : {"SOLID", "TRACE"}) {
     for (const auto& t : cases) {
@@ -125,10 +125,8 @@ TEST(ReadShapes, MultilinesBecomeParallelChains) {
   const Loaded got = loadShape(kMultiline);
   const std::vector<CEnt*> ents = entsOf(got);
   ASSERT_EQ(ents.size(), 2u) << got.error.GetErrorLine();
-  const PNT_3D want[2][3] = {
-      {{0, 1, 2},  {9, 1, 2},   {9, 9, 2} },
-      {{0, -1, 2}, {11, -1, 2}, {11, 9, 2}}
-  };
+  const PNT_3D want[2][3] = {{{0, 1, 2}, {9, 1, 2}, {9, 9, 2}},
+                             {{0, -1, 2}, {11, -1, 2}, {11, 9, 2}}};
   for (std::size_t line = 0; line < 2; ++line) {
     const CEntPolyline* polyline = castPolyline(ents[line]);
     ASSERT_NE(polyline, nullptr);
@@ -155,17 +153,19 @@ TEST(ReadShapes, MultilinesAreCut) {
     bool closed;
     std::vector<std::vector<double>> pieces;  // x of their vertices
   } cases[] = {
-      {"whole",                   "|41 0",           "|41 0", false, {{0, 10, 20}}                     },
-      {"without a word",          "",                "",      false, {{0, 10, 20}}                     },
-      {"interrupted",             "|41 0|41 2|41 3", "|41 0", false, {{0, 2}, {3, 10, 20}}             },
-      {"begins late",             "|41 1",           "|41 0", false, {{1, 10, 20}}                     },
-      {"ends early",              "|41 0|41 8",      "|41 0", false, {{0, 8}, {10, 20}}                },
-      {"begins late at a corner", "|41 0",           "|41 4", false, {{0, 10}, {14, 20}}               },
+      {"whole", "|41 0", "|41 0", false, {{0, 10, 20}}},
+      {"without a word", "", "", false, {{0, 10, 20}}},
+      {"interrupted", "|41 0|41 2|41 3", "|41 0", false, {{0, 2}, {3, 10, 20}}},
+      {"begins late", "|41 1", "|41 0", false, {{1, 10, 20}}},
+      {"ends early", "|41 0|41 8", "|41 0", false, {{0, 8}, {10, 20}}},
+      {"begins late at a corner", "|41 0", "|41 4", false, {{0, 10}, {14, 20}}},
       {"twice",
-       "|41 0|41 1|41 2|41 3|41 4|41 5",             "|41 0",
-       false,                                                        {{0, 1}, {2, 3}, {4, 5}, {10, 20}}},
-      {"closed",                  "|41 0",           "|41 0", true,  {{0, 10, 20}}                     },
-      {"closed and interrupted",  "|41 0|41 2|41 3", "|41 0", true,  {{0, 2}, {3, 10, 20, 0}}          },
+       "|41 0|41 1|41 2|41 3|41 4|41 5",
+       "|41 0",
+       false,
+       {{0, 1}, {2, 3}, {4, 5}, {10, 20}}},
+      {"closed", "|41 0", "|41 0", true, {{0, 10, 20}}},
+      {"closed and interrupted", "|41 0|41 2|41 3", "|41 0", true, {{0, 2}, {3, 10, 20, 0}}},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -192,15 +192,15 @@ TEST(ReadShapes, MeshesBecomeFaces) {
     std::vector<long> hidden;  // edge bits of each face
     long incomplete;
   } cases[] = {
-      {"triangle and quadrangle",    "93 9|90 3|90 0|90 1|90 2|90 4|90 0|90 1|90 3|90 4",       {0, 0},       0},
-      {"hexagon",                    "93 7|90 6|90 0|90 1|90 2|90 3|90 4|90 5",                 {8, 9, 9, 1}, 0},
-      {"edges are no faces",         "93 4|90 3|90 0|90 1|90 2|94 1|90 0|90 1|95 1|140 0|90 0", {0},          0},
-      {"the count lies",             "93 -7|90 3|90 0|90 1|90 2",                               {0},          0},
-      {"list cut",                   "93 9|90 3|90 0|90 1|90 2|90 4|90 0|90 1",                 {0},          1},
-      {"vertex missing",             "93 8|90 3|90 0|90 1|90 6|90 3|90 0|90 1|90 2",            {0},          1},
-      {"negative vertex",            "93 8|90 3|90 0|90 1|90 -1|90 3|90 0|90 1|90 2",           {0},          1},
-      {"an edge alone",              "93 7|90 2|90 0|90 1|90 3|90 0|90 1|90 2",                 {0},          1},
-      {"negative number of corners", "93 7|90 3|90 0|90 1|90 2|90 -4|90 0",                     {0},          1},
+      {"triangle and quadrangle", "93 9|90 3|90 0|90 1|90 2|90 4|90 0|90 1|90 3|90 4", {0, 0}, 0},
+      {"hexagon", "93 7|90 6|90 0|90 1|90 2|90 3|90 4|90 5", {8, 9, 9, 1}, 0},
+      {"edges are no faces", "93 4|90 3|90 0|90 1|90 2|94 1|90 0|90 1|95 1|140 0|90 0", {0}, 0},
+      {"the count lies", "93 -7|90 3|90 0|90 1|90 2", {0}, 0},
+      {"list cut", "93 9|90 3|90 0|90 1|90 2|90 4|90 0|90 1", {0}, 1},
+      {"vertex missing", "93 8|90 3|90 0|90 1|90 6|90 3|90 0|90 1|90 2", {0}, 1},
+      {"negative vertex", "93 8|90 3|90 0|90 1|90 -1|90 3|90 0|90 1|90 2", {0}, 1},
+      {"an edge alone", "93 7|90 2|90 0|90 1|90 3|90 0|90 1|90 2", {0}, 1},
+      {"negative number of corners", "93 7|90 3|90 0|90 1|90 2|90 -4|90 0", {0}, 1},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -216,14 +216,7 @@ TEST(ReadShapes, MeshesBecomeFaces) {
 // The visible edges of a fan are those of its polygon.
 TEST(ReadShapes, AFanShowsItsOutline) {
   const Loaded got = loadShape(kVertexes + "93 7|90 6|90 0|90 1|90 2|90 3|90 4|90 5");
-  const PNT_3D corners[] = {
-      {0,  0, 0},
-      {4,  0, 0},
-      {5,  2, 0},
-      {4,  4, 1},
-      {0,  4, 0},
-      {-1, 2, 0}
-  };
+  const PNT_3D corners[] = {{0, 0, 0}, {4, 0, 0}, {5, 2, 0}, {4, 4, 1}, {0, 4, 0}, {-1, 2, 0}};
   int shown = 0;
   for (CEnt* ent : entsOf(got)) {
     const CEnt3DFace* face = cast3DFace(ent);
@@ -252,12 +245,13 @@ TEST(ReadShapes, PolygonsWithHatches) {
     std::string pairs;
     bool solid, hatch;
   } cases[] = {
-      {"solid",   "2 SOLID|71 1|" + loops + "|76 1|63 1|11 0|21 0|99 0", true,  true },
+      {"solid", "2 SOLID|71 1|" + loops + "|76 1|63 1|11 0|21 0|99 0", true, true},
       {"pattern",
        "2 ANSI31|71 0|" + loops +
            "|76 1|52 0|41 1|77 0|78 1|53 45|43 0|44 0|45 -0.0883883476|"
-           "46 0.0883883476|79 0|11 0|21 0|99 0",                        false, true },
-      {"hollow",  "2|71 0|" + loops + "|76 1|11 0|21 0|99 0",            false, false},
+           "46 0.0883883476|79 0|11 0|21 0|99 0",
+       false, true},
+      {"hollow", "2|71 0|" + loops + "|76 1|11 0|21 0|99 0", false, false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

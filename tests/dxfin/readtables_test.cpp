@@ -94,11 +94,11 @@ TEST(ReadTables, Layers) {
     long flags;
     bool off;
   } cases[] = {
-      {"plain",                     "62 3|70 0",    3, 0,   false},
-      {"off",                       "62 -3|70 0",   3, 128, true },
-      {"off and frozen, any order", "70 1|62 -3",   3, 129, true },
-      {"referenced is not kept",    "62 3|70 68",   3, 4,   false},
-      {"nothing said",              "6 continuous", 7, 0,   false},
+      {"plain", "62 3|70 0", 3, 0, false},
+      {"off", "62 -3|70 0", 3, 128, true},
+      {"off and frozen, any order", "70 1|62 -3", 3, 129, true},
+      {"referenced is not kept", "62 3|70 68", 3, 4, false},
+      {"nothing said", "6 continuous", 7, 0, false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -180,11 +180,11 @@ TEST(Tolerant, WhatIsNoTextDxfIsNamed) {
     CFileDXFIError::Form form;
     const char* code;
   } cases[] = {
-      {"Any Binary DXF\r\n\x1a",               CFileDXFIError::BinaryForm, "binary file"          },
-      {std::string("AC1032\0\0\n\x02\n\n\x03", 12),                        CFileDXFIError::DwgForm, "dwg file"},
-      {"",                                      CFileDXFIError::EmptyForm,                                                               "empty file"                       },
-      {"\n \r\n",                                      CFileDXFIError::EmptyForm,                                                        "empty file"},
-      {"0\nLINE\n8\n",                                      CFileDXFIError::TextForm,                                                   nullptr                   },
+      {"Any Binary DXF\r\n\x1a", CFileDXFIError::BinaryForm, "binary file"},
+      {std::string("AC1032\0\0\n\x02\n\n\x03", 12), CFileDXFIError::DwgForm, "dwg file"},
+      {"", CFileDXFIError::EmptyForm, "empty file"},
+      {"\n \r\n", CFileDXFIError::EmptyForm, "empty file"},
+      {"0\nLINE\n8\n", CFileDXFIError::TextForm, nullptr},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.bytes);
@@ -205,21 +205,23 @@ TEST(Tolerant, PolylinesTakeWhatThereIs) {
     const char* list;
     double x;
   } cases[] = {
-      {"no 66",                  "0 POLYLINE|8 A|0 VERTEX|8 A|10 0|20 0|0 VERTEX|8 A|10 4|20 0|0 SEQEND", 4},
-      {"no SEQEND",              "0 POLYLINE|8 A|66 1|0 VERTEX|8 A|10 0|20 0|0 VERTEX|8 A|10 4|20 0",     4},
+      {"no 66", "0 POLYLINE|8 A|0 VERTEX|8 A|10 0|20 0|0 VERTEX|8 A|10 4|20 0|0 SEQEND", 4},
+      {"no SEQEND", "0 POLYLINE|8 A|66 1|0 VERTEX|8 A|10 0|20 0|0 VERTEX|8 A|10 4|20 0", 4},
       {"vertices without layer",
-       "0 POLYLINE|8 A|66 1|0 VERTEX|10 0|20 0|0 VERTEX|10 4|20 0|0 SEQEND",                              4},
+       "0 POLYLINE|8 A|66 1|0 VERTEX|10 0|20 0|0 VERTEX|10 4|20 0|0 SEQEND", 4},
       {"curve of nobody",
        "0 POLYLINE|8 A|66 1|70 4|75 3|0 VERTEX|8 A|10 0|20 0|70 16|0 VERTEX|8 A|10 4|20 0|70 16|0 "
-       "SEQEND",                                                                                          4},
-      {"wrong count",            "0 LWPOLYLINE|8 A|90 7|10 0|20 0|10 4|20 0",                             4},
+       "SEQEND",
+       4},
+      {"wrong count", "0 LWPOLYLINE|8 A|90 7|10 0|20 0|10 4|20 0", 4},
       {"broken vertex",
        "0 POLYLINE|8 A|66 1|0 VERTEX|8 A|10 0|20 0|0 VERTEX|8 A|10 nan|20 0|0 VERTEX|8 A|10 4|20 "
        "0|0 "
-       "SEQEND",                                                                                          4},
+       "SEQEND",
+       4},
       {"negative flags",
-       "0 POLYLINE|8 A|66 1|70 -1|0 VERTEX|8 A|10 0|20 0|70 -1|0 VERTEX|8 A|10 4|20 0|0 SEQEND",          4},
-      {"negative width",         "0 LWPOLYLINE|8 A|90 2|43 -1|10 0|20 0|10 4|20 0",                       4},
+       "0 POLYLINE|8 A|66 1|70 -1|0 VERTEX|8 A|10 0|20 0|70 -1|0 VERTEX|8 A|10 4|20 0|0 SEQEND", 4},
+      {"negative width", "0 LWPOLYLINE|8 A|90 2|43 -1|10 0|20 0|10 4|20 0", 4},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -273,11 +275,11 @@ TEST(Tolerant, BlocksTakeWhatThereIs) {
     const char* head;
     const char* code;
   } cases[] = {
-      {"no number",       "0 BLOCK|2 B|10 nan|20 0|",           "number dropped" },
-      {"nothing",         "0 BLOCK|2 B|10 0|20 |",              "number replaced"},
-      {"negative flags",  "0 BLOCK|2 B|70 -1|10 0|20 0|",       "flags replaced" },
-      {"that of a model", "0 BLOCK|2 *Model_Space|10 0|20 0|",  "block dropped"  },
-      {"that of a sheet", "0 BLOCK|2 *Paper_Space3|10 0|20 0|", "on paper"       },
+      {"no number", "0 BLOCK|2 B|10 nan|20 0|", "number dropped"},
+      {"nothing", "0 BLOCK|2 B|10 0|20 |", "number replaced"},
+      {"negative flags", "0 BLOCK|2 B|70 -1|10 0|20 0|", "flags replaced"},
+      {"that of a model", "0 BLOCK|2 *Model_Space|10 0|20 0|", "block dropped"},
+      {"that of a sheet", "0 BLOCK|2 *Paper_Space3|10 0|20 0|", "on paper"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -379,22 +381,25 @@ TEST(Tolerant, EntitiesSeenFromBelowAreMirrored) {
     const char* list;
     double x0, y0, x1, y1;
   } cases[] = {
-      {"circle",         "0 CIRCLE|8 A|10 5|20 1|40 1",                    -6,  0,  -4,   2  },
-      {"arc",            "0 ARC|8 A|10 5|20 0|40 1|50 0|51 90",            -6,  0,  -5,   1  },
-      {"chain",          "0 LWPOLYLINE|8 A|90 2|10 1|20 0|10 3|20 1",      -3,  0,  -1,   1  },
-      {"bulge",          "0 LWPOLYLINE|8 A|90 2|10 1|20 0|42 1|10 3|20 0", -3,  -1, -1,   0  },
+      {"circle", "0 CIRCLE|8 A|10 5|20 1|40 1", -6, 0, -4, 2},
+      {"arc", "0 ARC|8 A|10 5|20 0|40 1|50 0|51 90", -6, 0, -5, 1},
+      {"chain", "0 LWPOLYLINE|8 A|90 2|10 1|20 0|10 3|20 1", -3, 0, -1, 1},
+      {"bulge", "0 LWPOLYLINE|8 A|90 2|10 1|20 0|42 1|10 3|20 0", -3, -1, -1, 0},
       {"old chain",
        "0 POLYLINE|8 A|66 1|210 0|220 0|230 -1|0 VERTEX|8 A|10 1|20 0|0 VERTEX|8 A|10 3|20 1|0 "
-       "SEQEND",                                                           -3,  0,  -1,   1  },
+       "SEQEND",
+       -3, 0, -1, 1},
       {"chain in space",
        "0 POLYLINE|8 A|66 1|70 8|210 0|220 0|230 -1|0 VERTEX|8 A|10 1|20 0|0 VERTEX|8 A|10 3|20 "
-       "1|0 SEQEND",                                                       1,   0,  3,    1  },
-      {"insert",         "0 INSERT|8 A|2 B|10 5|20 0|50 90",               -5,  0,  -4.5, 1  },
-      {"array",          "0 INSERT|8 A|2 B|10 5|20 0|70 3|44 2",           -10, 0,  -5,   0.5},
-      {"line",           "0 LINE|8 A|10 1|20 0|11 2|21 1",                 1,   0,  2,    1  },
+       "1|0 SEQEND",
+       1, 0, 3, 1},
+      {"insert", "0 INSERT|8 A|2 B|10 5|20 0|50 90", -5, 0, -4.5, 1},
+      {"array", "0 INSERT|8 A|2 B|10 5|20 0|70 3|44 2", -10, 0, -5, 0.5},
+      {"line", "0 LINE|8 A|10 1|20 0|11 2|21 1", 1, 0, 2, 1},
       {"hatch",
        "0 HATCH|8 A|10 0|20 0|30 0|2 SOLID|70 1|71 0|91 1|92 2|72 0|73 1|93 3|10 1|20 0|10 3|20 "
-       "0|10 3|20 1|75 0|76 1",                                            -3,  0,  -1,   1  },
+       "0|10 3|20 1|75 0|76 1",
+       -3, 0, -1, 1},
   };
   const std::string block =
       section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|0 LINE|8 0|10 0|20 0|11 1|21 0.5|0 ENDBLK"));
@@ -534,18 +539,18 @@ TEST(Tolerant, EncodingsAreNotTakenAtTheirWord) {
     const char* encoding;
     long told;
   } cases[] = {
-      {"as declared",                   "AC1015", "ANSI_1252", "caf\xE9",          u"café",   "windows-1252", 0},
-      {"UTF-8 against the page",        "AC1015", "ANSI_1252", "caf\xC3\xA9",      u"café",   "utf-8",        1},
-      {"UTF-8 against a Cyrillic page", "AC1015", "ANSI_1251", "\xD0\xB4\xD0\xB0", u"да",    "utf-8",
-       1                                                                                                        },
-      {"Cyrillic",                      "AC1015", "ANSI_1251", "\xE4\xE0",         u"да",    "windows-1251", 0},
-      {"UTF-8",                         "AC1021", "ANSI_1252", "caf\xC3\xA9",      u"café",   "utf-8",        0},
-      {"not the UTF-8 of the version",  "AC1021", "ANSI_1252", "caf\xE9",          u"café",   "windows-1252",
-       1                                                                                                        },
-      {"Cyrillic instead of UTF-8",     "AC1021", "ANSI_1251", "\xE4\xE0",         u"да",    "windows-1251", 1},
-      {"UTF-8 and a broken byte",       "AC1021", "ANSI_1252", "\xD0\xB4 \xE9 x",  u"д é x",
-       "windows-1252",                                                                                         1},
-      {"UTF-8 without its end",         "AC1021", "ANSI_1251", "\xD0\xB4\xD0",     u"дÐ",    "utf-8",        0},
+      {"as declared", "AC1015", "ANSI_1252", "caf\xE9", u"café", "windows-1252", 0},
+      {"UTF-8 against the page", "AC1015", "ANSI_1252", "caf\xC3\xA9", u"café", "utf-8", 1},
+      {"UTF-8 against a Cyrillic page", "AC1015", "ANSI_1251", "\xD0\xB4\xD0\xB0", u"да", "utf-8",
+       1},
+      {"Cyrillic", "AC1015", "ANSI_1251", "\xE4\xE0", u"да", "windows-1251", 0},
+      {"UTF-8", "AC1021", "ANSI_1252", "caf\xC3\xA9", u"café", "utf-8", 0},
+      {"not the UTF-8 of the version", "AC1021", "ANSI_1252", "caf\xE9", u"café", "windows-1252",
+       1},
+      {"Cyrillic instead of UTF-8", "AC1021", "ANSI_1251", "\xE4\xE0", u"да", "windows-1251", 1},
+      {"UTF-8 and a broken byte", "AC1021", "ANSI_1252", "\xD0\xB4 \xE9 x", u"д é x",
+       "windows-1252", 1},
+      {"UTF-8 without its end", "AC1021", "ANSI_1251", "\xD0\xB4\xD0", u"дÐ", "utf-8", 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -30,16 +30,8 @@ TEST(TolerantLook, TrueColorsBecomeTheNearest) {
     long rgb;
     short color;
   } cases[] = {
-      {0xFF0000, 1  },
-      {0x00FF00, 3  },
-      {0x0000FF, 5  },
-      {0xFE0101, 1  },
-      {0x000000, 7  },
-      {0x050505, 7  },
-      {0xFFFFFF, 7  },
-      {0x808080, 8  },
-      {0x333333, 250},
-      {0xFF8000, 30 },
+      {0xFF0000, 1}, {0x00FF00, 3}, {0x0000FF, 5}, {0xFE0101, 1},   {0x000000, 7},
+      {0x050505, 7}, {0xFFFFFF, 7}, {0x808080, 8}, {0x333333, 250}, {0xFF8000, 30},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.rgb);

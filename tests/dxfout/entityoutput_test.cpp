@@ -366,14 +366,8 @@ TEST(EntityOutput, EntitiesThatNoFileCanHoldAreLeftOutAndReported) {
     const char* name;
     Making make;
   } cases[] = {
-      {"point",  badPoint      },
-      {"line",   badLine       },
-      {"circle", badCircle     },
-      {"arc",    badArc        },
-      {"face",   badFace       },
-      {"text",   badText       },
-      {"insert", badInsert     },
-      {"fixed",  badFixedInsert},
+      {"point", badPoint}, {"line", badLine}, {"circle", badCircle}, {"arc", badArc},
+      {"face", badFace},   {"text", badText}, {"insert", badInsert}, {"fixed", badFixedInsert},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -37,16 +37,16 @@ TEST(SaveHandles, FirstUserKeepsItAndOthersGetFreeNumbers) {
     std::vector<Handle> things, endNumbers;
     Handle seed;
   } cases[] = {
-      {"nothing",        {},                      0, {},                      {},       1          },
-      {"none has one",   {0, 0},                  1, {1, 2},                  {3},      4          },
-      {"all have one",   {7, 3},                  0, {7, 3},                  {},       8          },
-      {"ends follow",    {16, 0},                 2, {16, 17},                {18, 19}, 20         },
-      {"twice the same", {5, 9, 5},               0, {5, 9, 10},              {},       11         },
-      {"three times",    {5, 5, 5},               1, {5, 6, 7},               {8},      9          },
-      {"no room above",  {0, 0x7FFFFFFF, 2, 0},   1, {1, 0x7FFFFFFF, 2, 3},   {4},      0x80000000 },
-      {"64 bits",        {0x100000001, 0},        1, {0x100000001, 1},        {2},      0x100000002},
-      {"the highest",    {0x7FFFFFFFFFFFFFFF, 0}, 1, {0x7FFFFFFFFFFFFFFF, 1}, {2},      3          },
-      {"same digits",    {-1, 0xFFFFFFFF},        0, {-1, 1},                 {},       0x100000000},
+      {"nothing", {}, 0, {}, {}, 1},
+      {"none has one", {0, 0}, 1, {1, 2}, {3}, 4},
+      {"all have one", {7, 3}, 0, {7, 3}, {}, 8},
+      {"ends follow", {16, 0}, 2, {16, 17}, {18, 19}, 20},
+      {"twice the same", {5, 9, 5}, 0, {5, 9, 10}, {}, 11},
+      {"three times", {5, 5, 5}, 1, {5, 6, 7}, {8}, 9},
+      {"no room above", {0, 0x7FFFFFFF, 2, 0}, 1, {1, 0x7FFFFFFF, 2, 3}, {4}, 0x80000000},
+      {"64 bits", {0x100000001, 0}, 1, {0x100000001, 1}, {2}, 0x100000002},
+      {"the highest", {0x7FFFFFFFFFFFFFFF, 0}, 1, {0x7FFFFFFFFFFFFFFF, 1}, {2}, 3},
+      {"same digits", {-1, 0xFFFFFFFF}, 0, {-1, 1}, {}, 0x100000000},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

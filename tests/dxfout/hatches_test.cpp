@@ -10,17 +10,8 @@ namespace {
 
 using Ring = std::vector<PNT_3D>;
 
-const Ring kOuter = {
-    {0,       0,  1},
-    {10,      0,  1},
-    {10,      10, 1},
-    {1.0 / 3, 10, 1}
-};
-const Ring kHole = {
-    {2, 2, 1},
-    {8, 2, 1},
-    {8, 8, 1}
-};
+const Ring kOuter = {{0, 0, 1}, {10, 0, 1}, {10, 10, 1}, {1.0 / 3, 10, 1}};
+const Ring kHole = {{2, 2, 1}, {8, 2, 1}, {8, 8, 1}};
 
 Drawing loaded(const std::string& bytes, const CFileDXFIPolicy& policy = {}) {
   Drawing d = newDrawing();
@@ -93,20 +84,17 @@ class SavedHatches : public testing::Test {
 }  // namespace
 
 TEST_F(SavedHatches, ComeBackAsTheyWere) {
-  const HATCH_LINE dashed = {
-      0.3, 0.1, 0.2, 0.5, 1, {0.7, -0.2, 0, -0.3},
-           4
-  };
+  const HATCH_LINE dashed = {0.3, 0.1, 0.2, 0.5, 1, {0.7, -0.2, 0, -0.3}, 4};
   const struct {
     const char* name;
     const zim::Char* pattern;
     Ring boundary;
   } cases[] = {
-      {"lines",       u"ANSI31", kOuter                         },
-      {"dots",        u"DOTS",   kOuter                         },
-      {"hole",        u"ANSI37", joinHatchRings({kOuter, kHole})},
-      {"own pattern", nullptr,   kOuter                         },
-      {"filled",      u"SOLID",  joinHatchRings({kOuter, kHole})},
+      {"lines", u"ANSI31", kOuter},
+      {"dots", u"DOTS", kOuter},
+      {"hole", u"ANSI37", joinHatchRings({kOuter, kHole})},
+      {"own pattern", nullptr, kOuter},
+      {"filled", u"SOLID", joinHatchRings({kOuter, kHole})},
   };
   for (const auto& t : cases) {
     for (const unsigned flags : {unsigned{kSaveExchange}, 0u}) {
@@ -142,12 +130,7 @@ TEST_F(SavedHatches, FlattenedHatchesAreFlat) {
 // Whatever is missing or different, no line is lost: the insert stays.
 TEST_F(SavedHatches, ForeignDataLeavesAnInsert) {
   const Drawing d = newDrawing();
-  add(*d,
-      d->getHatchTypeTable().intern(u"OWN",
-                                    {
-                                        {0, 0, 0, 0, 1, {1, -1}, 2}
-  }),
-      1, 0, kOuter);
+  add(*d, d->getHatchTypeTable().intern(u"OWN", {{0, 0, 0, 0, 1, {1, -1}, 2}}), 1, 0, kOuter);
   const std::string bytes = saved(*d, kSaveExchange);
   const std::size_t lines = static_cast<std::size_t>(castHatch(first(d))->getBlock()->size());
   std::size_t at = bytes.find("1001\nACAD\n", bytes.rfind("  0\nINSERT\n"));
@@ -172,13 +155,13 @@ TEST_F(SavedHatches, AnythingThatDiffersLeavesAnInsert) {
   const struct {
     const char *name, *is, *becomes;
   } cases[] = {
-      {"version",       "1070\n19\n",                "1070\n18\n"               },
-      {"number",        "1070\n2\n1070\n0\n",        "1070\n3\n1070\n0\n"       },
-      {"zero",          "1070\n0\n1000\nASC",        "1070\n1\n1000\nASC"       },
-      {"even-odd",      "1070\n0\n1071",             "1070\n1\n1071"            },
-      {"kind of ring",  "1070\n2\n1040",             "1070\n7\n1040"            },
-      {"pattern",       "1000\nNET\n",               "1000\nNOT\n"              },
-      {"more behind",   "1002\n}\n",                 "1002\n}\n1000\nmore\n"    },
+      {"version", "1070\n19\n", "1070\n18\n"},
+      {"number", "1070\n2\n1070\n0\n", "1070\n3\n1070\n0\n"},
+      {"zero", "1070\n0\n1000\nASC", "1070\n1\n1000\nASC"},
+      {"even-odd", "1070\n0\n1071", "1070\n1\n1071"},
+      {"kind of ring", "1070\n2\n1040", "1070\n7\n1040"},
+      {"pattern", "1000\nNET\n", "1000\nNOT\n"},
+      {"more behind", "1002\n}\n", "1002\n}\n1000\nmore\n"},
       {"another owner", "1001\nACAD\n1000\nHATCH\n", "1001\nACAD\n1000\nMATCH\n"},
   };
   for (const auto& t : cases) {

@@ -76,10 +76,10 @@ TEST(Saver, FlagsChooseTheEntities) {
     unsigned flags;
     std::string handles;  // in the order of writing
   } cases[] = {
-      {"all",                  0,                                    "1234"},
-      {"visible",              kSaveVisibleOnly,                     "14"  },
-      {"selected, in order",   kSaveSelectedOnly,                    "31"  },
-      {"visible and selected", kSaveVisibleOnly | kSaveSelectedOnly, "1"   },
+      {"all", 0, "1234"},
+      {"visible", kSaveVisibleOnly, "14"},
+      {"selected, in order", kSaveSelectedOnly, "31"},
+      {"visible and selected", kSaveVisibleOnly | kSaveSelectedOnly, "1"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -44,14 +44,8 @@ TEST(DxfWriter, GroupCodesTakeThreeColumns) {
     long code;
     const char* line;
   } cases[] = {
-      {0,    "  0\n" },
-      {9,    "  9\n" },
-      {10,   " 10\n" },
-      {100,  "100\n" },
-      {999,  "999\n" },
-      {1000, "1000\n"},
-      {1071, "1071\n"},
-      {-5,   "-5\n"  },
+      {0, "  0\n"},   {9, "  9\n"},     {10, " 10\n"},    {100, "100\n"},
+      {999, "999\n"}, {1000, "1000\n"}, {1071, "1071\n"}, {-5, "-5\n"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.code);
@@ -68,15 +62,15 @@ TEST(DxfWriter, Reals) {
     const char* classic;
     const char* exact;
   } cases[] = {
-      {"a third",           1.0 / 3,      "0.333333",                     "0.3333333333333333"},
-      {"no exponent",       1e20,         "100000000000000000000.000000", "1e+20"             },
-      {"whole",             25,           "25.000000",                    "25.0"              },
-      {"negative zero",     -0.0,         "-0.000000",                    "0.0"               },
-      {"rounds to zero",    -1e-9,        "-0.000000",                    "-1e-09"            },
-      {"rounds up",         0.9999999,    "1.000000",                     "0.9999999"         },
-      {"half goes to even", 0.0000005,    "0.000000",                     "5e-07"             },
-      {"no form for NaN",   std::nan(""), "0.000000",                     "0.0"               },
-      {"nor for infinity",  -kInf,        "0.000000",                     "0.0"               },
+      {"a third", 1.0 / 3, "0.333333", "0.3333333333333333"},
+      {"no exponent", 1e20, "100000000000000000000.000000", "1e+20"},
+      {"whole", 25, "25.000000", "25.0"},
+      {"negative zero", -0.0, "-0.000000", "0.0"},
+      {"rounds to zero", -1e-9, "-0.000000", "-1e-09"},
+      {"rounds up", 0.9999999, "1.000000", "0.9999999"},
+      {"half goes to even", 0.0000005, "0.000000", "5e-07"},
+      {"no form for NaN", std::nan(""), "0.000000", "0.0"},
+      {"nor for infinity", -kInf, "0.000000", "0.0"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -118,13 +112,13 @@ TEST(DxfWriter, NoTextCanEndItsLine) {
     const zim::Char* text;
     const char* value;
   } cases[] = {
-      {"plain",             u"Bolt M12 %%c",  "Bolt M12 %%c"  },
-      {"line feed",         u"a\nb",          "a^Jb"          },
-      {"injected record",   u"x\r\n  0\nEOF", "x^M^J  0^JEOF" },
-      {"caret",             u"2^3",           "2^ 3"          },
-      {"Western letter",    u"\u00D8 12",     "\xD8 12"       },
-      {"letter of no page", u"\u4E2D",        "\\U+4E2D"      },
-      {"escape by chance",  u"\\U+0041",      "\\U+005CU+0041"},
+      {"plain", u"Bolt M12 %%c", "Bolt M12 %%c"},
+      {"line feed", u"a\nb", "a^Jb"},
+      {"injected record", u"x\r\n  0\nEOF", "x^M^J  0^JEOF"},
+      {"caret", u"2^3", "2^ 3"},
+      {"Western letter", u"\u00D8 12", "\xD8 12"},
+      {"letter of no page", u"\u4E2D", "\\U+4E2D"},
+      {"escape by chance", u"\\U+0041", "\\U+005CU+0041"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -140,10 +134,10 @@ TEST(DxfWriter, TextIsCutAtTheLongestLineThatReadersTake) {
     std::size_t bytes;
     bool cut;
   } cases[] = {
-      {"just fits",                 std::u16string(8190, u'x'),      8190, false},
-      {"one too long",              std::u16string(8191, u'x'),      8190, true },
-      {"escapes count",             std::u16string(1170, u'\u4E2D'), 8190, false},
-      {"an escape is never halved", std::u16string(1171, u'\u4E2D'), 8190, true },
+      {"just fits", std::u16string(8190, u'x'), 8190, false},
+      {"one too long", std::u16string(8191, u'x'), 8190, true},
+      {"escapes count", std::u16string(1170, u'\u4E2D'), 8190, false},
+      {"an escape is never halved", std::u16string(1171, u'\u4E2D'), 8190, true},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -55,19 +55,19 @@ TEST_F(AttribPlacement, KnownPlacements) {
     double rotation, width;         // of the text of height 2, at (1, 0)
     double expectX, expectY, height, expectWidth, expectRotation;
   } cases[] = {
-      {"unchanged",                   1,  1,  0,       0,          1,  11, 20, 2, 1,      0         },
-      {"second quadrant stays there", 1,  1,  0,       0.75 * kPi, 1,  11, 20, 2, 1,      0.75 * kPi},
-      {"half a turn stays one",       1,  1,  0,       kPi,        1,  11, 20, 2, 1,      kPi       },
-      {"third quadrant",              1,  1,  0,       1.25 * kPi, 1,  11, 20, 2, 1,      1.25 * kPi},
-      {"upright text, uneven scale",  3,  2,  0,       kPi / 2,    1,  13, 20, 6, 2. / 3, kPi / 2   },
-      {"level text, uneven scale",    3,  2,  0,       0,          1,  13, 20, 4, 1.5,    0         },
-      {"turned insert",               2,  2,  kPi / 2, 0,          1,  10, 22, 4, 1,      kPi / 2   },
-      {"a turn is taken off",         1,  1,  kPi,     1.5 * kPi,  1,  9,  20, 2, 1,      kPi / 2   },
-      {"both axes turned round",      -1, -1, 0,       0,          1,  9,  20, 2, 1,      kPi       },
-      {"mirror at y writes backward", -1, 1,  0,       0,          1,  9,  20, 2, -1,     0         },
-      {"mirror at x",                 1,  -1, 0,       0,          1,  11, 20, 2, -1,     kPi       },
-      {"a mirrored backward text",    -1, 1,  0,       0,          -1, 9,  20, 2, 1,      0         },
-      {"scale 0 counts as 1",         0,  0,  0,       0,          1,  11, 20, 2, 1,      0         },
+      {"unchanged", 1, 1, 0, 0, 1, 11, 20, 2, 1, 0},
+      {"second quadrant stays there", 1, 1, 0, 0.75 * kPi, 1, 11, 20, 2, 1, 0.75 * kPi},
+      {"half a turn stays one", 1, 1, 0, kPi, 1, 11, 20, 2, 1, kPi},
+      {"third quadrant", 1, 1, 0, 1.25 * kPi, 1, 11, 20, 2, 1, 1.25 * kPi},
+      {"upright text, uneven scale", 3, 2, 0, kPi / 2, 1, 13, 20, 6, 2. / 3, kPi / 2},
+      {"level text, uneven scale", 3, 2, 0, 0, 1, 13, 20, 4, 1.5, 0},
+      {"turned insert", 2, 2, kPi / 2, 0, 1, 10, 22, 4, 1, kPi / 2},
+      {"a turn is taken off", 1, 1, kPi, 1.5 * kPi, 1, 9, 20, 2, 1, kPi / 2},
+      {"both axes turned round", -1, -1, 0, 0, 1, 9, 20, 2, 1, kPi},
+      {"mirror at y writes backward", -1, 1, 0, 0, 1, 9, 20, 2, -1, 0},
+      {"mirror at x", 1, -1, 0, 0, 1, 11, 20, 2, -1, kPi},
+      {"a mirrored backward text", -1, 1, 0, 0, -1, 9, 20, 2, 1, 0},
+      {"scale 0 counts as 1", 0, 0, 0, 0, 1, 11, 20, 2, 1, 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

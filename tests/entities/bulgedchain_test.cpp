@@ -65,10 +65,10 @@ TEST(ChordCount, FollowsTheRule) {
     double bulge;
     int count;
   } cases[] = {
-      {"flat",         1e-12,  2  },
-      {"quarter turn", 0.4142, 56 },
-      {"half turn",    1,      112},
-      {"full turn",    1e300,  223},
+      {"flat", 1e-12, 2},
+      {"quarter turn", 0.4142, 56},
+      {"half turn", 1, 112},
+      {"full turn", 1e300, 223},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -163,11 +163,11 @@ TEST(BulgedChain, BulgesThatMeanNoArc) {
     bool closed;
     BULGED_VERTEX from, to;
   } cases[] = {
-      {"no length",               false, vertex(1,        1,  0.5),     vertex(1,       1)},
-      {"last of an open chain",   false, vertex(0,        0), vertex(1, 1,              1)},
-      {"centre out of all range", false, vertex(0,        0,  1e-320),  vertex(1e300,   1)},
-      {"difference overflows",    false, vertex(-1.7e308, 0,  1),       vertex(1.7e308, 0)},
-      {"circle without limit",    false, vertex(0,        0,  1e200),   vertex(1,       0)},
+      {"no length", false, vertex(1, 1, 0.5), vertex(1, 1)},
+      {"last of an open chain", false, vertex(0, 0), vertex(1, 1, 1)},
+      {"centre out of all range", false, vertex(0, 0, 1e-320), vertex(1e300, 1)},
+      {"difference overflows", false, vertex(-1.7e308, 0, 1), vertex(1.7e308, 0)},
+      {"circle without limit", false, vertex(0, 0, 1e200), vertex(1, 0)},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

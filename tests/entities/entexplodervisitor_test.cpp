@@ -81,12 +81,9 @@ class Explode : public testing::Test, protected Scene {
 };
 
 TEST_F(Explode, PolylinesGiveTheirSegments) {
-  CEntPolyline* p = polyline(true, {
-                                       {0, 0, 1, 2, 2, 0, 0},
-                                       {4, 0, 1, 0, 0, 1, 0},
-                                       {4, 2, 1, 0, 0, 0, 0},
-                                       {0, 2, 1, 0, 0, 0, 0}
-  });
+  CEntPolyline* p = polyline(
+      true,
+      {{0, 0, 1, 2, 2, 0, 0}, {4, 0, 1, 0, 0, 1, 0}, {4, 2, 1, 0, 0, 0, 0}, {0, 2, 1, 0, 0, 0, 0}});
   owned.push_back(p);
   const Ents& ents = explode(*p);
   ASSERT_EQ(ents.size(), 4u);
@@ -139,19 +136,16 @@ TEST_F(Explode, WhatIsShownStaysWhereItIs) {
     double sx, sy;
     short circle, arc;
   } cases[] = {
-      {"turned and scaled", 3,  3,  CEntCircle::kType,   CEntArc::kType     },
-      {"half a turn",       -2, -2, CEntCircle::kType,   CEntArc::kType     },
-      {"mirrored",          -2, 2,  CEntCircle::kType,   CEntArc::kType     },
-      {"unequal scales",    3,  1,  CEntPolyline::kType, CEntPolyline::kType},
-      {"flattened",         3,  0,  CEntPolyline::kType, CEntPolyline::kType},
+      {"turned and scaled", 3, 3, CEntCircle::kType, CEntArc::kType},
+      {"half a turn", -2, -2, CEntCircle::kType, CEntArc::kType},
+      {"mirrored", -2, 2, CEntCircle::kType, CEntArc::kType},
+      {"unequal scales", 3, 1, CEntPolyline::kType, CEntPolyline::kType},
+      {"flattened", 3, 0, CEntPolyline::kType, CEntPolyline::kType},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     const std::vector<BULGED_VERTEX> chain{
-        {0, 0, 0, 1, 2, 0.5, 0},
-        {4, 1, 0, 0, 0, -1,  0},
-        {5, 5, 0, 0, 0, 0,   0}
-    };
+        {0, 0, 0, 1, 2, 0.5, 0}, {4, 1, 0, 0, 0, -1, 0}, {5, 5, 0, 0, 0, 0, 0}};
     CBlock* b = block(c.name, {circle(1, 2, 3), arc(4, 1, 2, 0.5, 2.5), polyline(false, chain)});
     CEntInsert* ins = keptInsert(b, PNT_3D(7, 8, 9), c.sx, c.sy, 0.7);
     const Ents& ents = explode(*ins);

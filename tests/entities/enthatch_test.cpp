@@ -12,12 +12,7 @@ namespace {
 
 using Ring = std::vector<PNT_3D>;
 
-const Ring kSquare = {
-    {0,  0,  0},
-    {10, 0,  0},
-    {10, 10, 0},
-    {0,  10, 0}
-};
+const Ring kSquare = {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}};
 
 const HATCH_TYPE& pattern(const zim::Char* name) { return *getHatch(zim::WString(name)); }
 
@@ -232,9 +227,7 @@ TEST_F(Hatches, ABlockThatAnInsertShowsTooStays) {
 }
 
 TEST_F(Hatches, AreFilledWithHiddenFaces) {
-  const Ring withHole = joinHatchRings({
-      kSquare, {{2, 2, 0}, {8, 2, 0}, {8, 8, 0}, {2, 8, 0}}
-  });
+  const Ring withHole = joinHatchRings({kSquare, {{2, 2, 0}, {8, 2, 0}, {8, 8, 0}, {2, 8, 0}}});
   CEntHatch* hatch = createEntHatch(*data, data->getHatchTypeTable().solid(), 1, 0, withHole, 0);
   ASSERT_NE(hatch, nullptr);
   data->getEntTable().add(hatch);
@@ -254,12 +247,8 @@ TEST_F(Hatches, AreFilledWithHiddenFaces) {
 }
 
 TEST_F(Hatches, OfACopiedDrawingNameItsOwnPatterns) {
-  const HATCH_TYPE& own = data->getHatchTypeTable().intern(u"MINE", {
-                                                                        {0, 0, 0, 0, 1, {}, 0}
-  });
-  EXPECT_EQ(&own, &data->getHatchTypeTable().intern(u"MINE", {
-                                                                 {0, 0, 0, 0, 1, {}, 0}
-  }));
+  const HATCH_TYPE& own = data->getHatchTypeTable().intern(u"MINE", {{0, 0, 0, 0, 1, {}, 0}});
+  EXPECT_EQ(&own, &data->getHatchTypeTable().intern(u"MINE", {{0, 0, 0, 0, 1, {}, 0}}));
   data->getEntTable().add(createEntHatch(*data, own, 1, 0, kSquare, 0));
   CDataPtr copy(cloneData(*data));
   ASSERT_EQ(copy->getEntTable().getEntityTbl().size(), 1u);

@@ -61,8 +61,8 @@ TEST_F(Insert, FixedInsertsKeepTheirSizeOnTheDisplay) {
     double refSize, pixelSize, expect;
   } cases[] = {
       {10, 0.1, 0.5},
-      {10, 1,   5  },
-      {0,  1,   0  },
+      {10, 1, 5},
+      {0, 1, 0},
   };
   for (const auto& t : cases) {
     const std::unique_ptr<CEntFixedInsert> made(ents.createEntFixedInsert(
@@ -131,13 +131,13 @@ TEST_F(Insert, ExtentsOfOddInserts) {
     RECT_3D expect;
     bool empty;
   } cases[] = {
-      {"no block",            nullptr,         1,        1,     1,     0,     {},                         true },
-      {"empty block",         tabled("EMPTY"), 1,        5,     5,     9,     {},                         true },
-      {"columns then rows",   shown,           1,        2,     3,     10,    {0, 0, 0, 11, 21, 0},       false},
-      {"no cells act as one", shown,           1,        0,     -7,    10,    {0, 0, 0, 1, 1, 0},         false},
-      {"a billion cells",     shown,           1,        32767, 32767, 1,     {0, 0, 0, 32767, 32767, 0}, false},
-      {"not finite",          shown,           infinite, 1,     1,     0,     {},                         true },
-      {"cells too far away",  shown,           1,        32767, 1,     1e305, {},                         true },
+      {"no block", nullptr, 1, 1, 1, 0, {}, true},
+      {"empty block", tabled("EMPTY"), 1, 5, 5, 9, {}, true},
+      {"columns then rows", shown, 1, 2, 3, 10, {0, 0, 0, 11, 21, 0}, false},
+      {"no cells act as one", shown, 1, 0, -7, 10, {0, 0, 0, 1, 1, 0}, false},
+      {"a billion cells", shown, 1, 32767, 32767, 1, {0, 0, 0, 32767, 32767, 0}, false},
+      {"not finite", shown, infinite, 1, 1, 0, {}, true},
+      {"cells too far away", shown, 1, 32767, 1, 1e305, {}, true},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -196,21 +196,21 @@ TEST(Polyline, ArcsOutliveEditsElsewhere) {
     void (*edit)(CEntPolyline&);
     int arcs;
   } cases[] = {
-      {"nothing",                [](CEntPolyline& p) { p.GetVertex(0); },                       2},
-      {"straight vertex",        [](CEntPolyline& p) { p.SetVertexPos(0, PNT_3D(-1, 1, 0)); },  2},
-      {"start of an arc",        [](CEntPolyline& p) { p.SetVertexPos(1, PNT_3D(1, 1, 0)); },   1},
-      {"inside an arc",          [](CEntPolyline& p) { p.SetVertexPos(5, PNT_3D(1, 1, 0)); },   1},
-      {"where two arcs meet",    [](CEntPolyline& p) { p.SetVertexPos(113, PNT_3D(1, 1, 0)); }, 0},
-      {"width inside an arc",    [](CEntPolyline& p) { p.SetVertexWidth(5, 1, 1); },            1},
-      {"width where they meet",  [](CEntPolyline& p) { p.SetVertexWidth(113, 1, 1); },          1},
-      {"one width for all",      [](CEntPolyline& p) { p.setWidth(3); },                        2},
+      {"nothing", [](CEntPolyline& p) { p.GetVertex(0); }, 2},
+      {"straight vertex", [](CEntPolyline& p) { p.SetVertexPos(0, PNT_3D(-1, 1, 0)); }, 2},
+      {"start of an arc", [](CEntPolyline& p) { p.SetVertexPos(1, PNT_3D(1, 1, 0)); }, 1},
+      {"inside an arc", [](CEntPolyline& p) { p.SetVertexPos(5, PNT_3D(1, 1, 0)); }, 1},
+      {"where two arcs meet", [](CEntPolyline& p) { p.SetVertexPos(113, PNT_3D(1, 1, 0)); }, 0},
+      {"width inside an arc", [](CEntPolyline& p) { p.SetVertexWidth(5, 1, 1); }, 1},
+      {"width where they meet", [](CEntPolyline& p) { p.SetVertexWidth(113, 1, 1); }, 1},
+      {"one width for all", [](CEntPolyline& p) { p.setWidth(3); }, 2},
       {"insert before them",
-       [](CEntPolyline& p) { p.insertVertex(*new CVertex(PNT_3D(0, 5, 0), 0, 0, 0), 1); },      2},
+       [](CEntPolyline& p) { p.insertVertex(*new CVertex(PNT_3D(0, 5, 0), 0, 0, 0), 1); }, 2},
       {"insert between them",
-       [](CEntPolyline& p) { p.insertVertex(*new CVertex(PNT_3D(0, 5, 0), 0, 0, 0), 113); },    1},
-      {"remove before them",     [](CEntPolyline& p) { delete p.removeVertex(0); },             2},
-      {"remove where they meet", [](CEntPolyline& p) { delete p.removeVertex(113); },           0},
-      {"moving all",             [](CEntPolyline& p) { p.translate(PNT_3D(1, 2, 3)); },         2},
+       [](CEntPolyline& p) { p.insertVertex(*new CVertex(PNT_3D(0, 5, 0), 0, 0, 0), 113); }, 1},
+      {"remove before them", [](CEntPolyline& p) { delete p.removeVertex(0); }, 2},
+      {"remove where they meet", [](CEntPolyline& p) { delete p.removeVertex(113); }, 0},
+      {"moving all", [](CEntPolyline& p) { p.translate(PNT_3D(1, 2, 3)); }, 2},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -279,12 +279,12 @@ TEST(Polyline, SegmentsOfEveryShape) {
     int flags;
     long segments, from, to;
   } cases[] = {
-      {"triangle",     "0,0 1,0 1,1", CEntPolyline::kClosed, 3, 2, 0},
-      {"open chain",   "0,0 1,0 1,1", 0,                     2, 0, 1},
-      {"lone vertex",  "0,0",         0,                     0, 0, 1},
-      {"lone, closed", "0,0",         CEntPolyline::kClosed, 1, 0, 0},
-      {"empty",        "",            0,                     0, 0, 0},
-      {"empty closed", "",            CEntPolyline::kClosed, 0, 0, 0},
+      {"triangle", "0,0 1,0 1,1", CEntPolyline::kClosed, 3, 2, 0},
+      {"open chain", "0,0 1,0 1,1", 0, 2, 0, 1},
+      {"lone vertex", "0,0", 0, 0, 0, 1},
+      {"lone, closed", "0,0", CEntPolyline::kClosed, 1, 0, 0},
+      {"empty", "", 0, 0, 0, 0},
+      {"empty closed", "", CEntPolyline::kClosed, 0, 0, 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -335,11 +335,11 @@ TEST(Polyline, WidthIsConstantOnlyIfAllEndsAgree) {
     bool isConstant;
     double width;
   } cases[] = {
-      {"no vertex",       {},               false, 0},
-      {"one vertex",      {{2, 2}},         true,  2},
-      {"it tapers",       {{2, 3}},         false, 0},
+      {"no vertex", {}, false, 0},
+      {"one vertex", {{2, 2}}, true, 2},
+      {"it tapers", {{2, 3}}, false, 0},
       {"later one bends", {{2, 2}, {2, 1}}, false, 0},
-      {"all thin",        {{0, 0}, {0, 0}}, true,  0},
+      {"all thin", {{0, 0}, {0, 0}}, true, 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -517,10 +517,7 @@ TEST(Polyline, CopiesHaveNoHandlesAndLinesBecomeTwoVertices) {
   const std::unique_ptr<CEntLine> line(s.line(1, 2, 3, 4, 17));
   line->setUserData(5);
   const PolylinePtr fromLine(s.factory.createEntPolyline(s.gestor, *line));
-  EXPECT_EQ(visible(*fromLine), (std::vector<Row>{
-                                    {1, 2, 0, 0, 0, 0, 0},
-                                    {3, 4, 0, 0, 0, 0, 0}
-  }));
+  EXPECT_EQ(visible(*fromLine), (std::vector<Row>{{1, 2, 0, 0, 0, 0, 0}, {3, 4, 0, 0, 0, 0, 0}}));
   EXPECT_EQ(fromLine->GetHandle(), 0);
   EXPECT_EQ(fromLine->getUserData(), 5);
   EXPECT_EQ(fromLine->getBdry(), line->getBdry());

@@ -115,10 +115,10 @@ TEST(EntTable, FrozenLayersDoNotCountButOffOnesDo) {
     long flags;
     bool counts;
   } cases[] = {
-      {"thawed", 0,       true },
-      {"frozen", 1,       false},
-      {"off",    128,     true },
-      {"both",   128 | 1, false},
+      {"thawed", 0, true},
+      {"frozen", 1, false},
+      {"off", 128, true},
+      {"both", 128 | 1, false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -126,12 +126,12 @@ TEST(RotateVisitor, BringsRotationsIntoOneTurn) {
     const char* name;
     double rotation, angle, expected;
   } cases[] = {
-      {"over the turn",               6.0, 0.5,    6.5 - kTwoPi },
-      {"below zero",                  0.5, -1.0,   -0.5 + kTwoPi},
-      {"inside",                      1.0, 2.0,    3.0          },
-      {"two turns off: one is taken", 1.0, 14.0,   15.0 - kTwoPi},
-      {"exactly the turn",            0,   kTwoPi, 0            },
-      {"just below zero",             0,   -1e-17, 0            },
+      {"over the turn", 6.0, 0.5, 6.5 - kTwoPi},
+      {"below zero", 0.5, -1.0, -0.5 + kTwoPi},
+      {"inside", 1.0, 2.0, 3.0},
+      {"two turns off: one is taken", 1.0, 14.0, 15.0 - kTwoPi},
+      {"exactly the turn", 0, kTwoPi, 0},
+      {"just below zero", 0, -1e-17, 0},
   };
   for (const auto& [name, ent] : all.kinds) {
     auto* insert = ent->getType() == CEntInsert::kType ? static_cast<CEntInsert*>(ent) : nullptr;
@@ -159,16 +159,9 @@ TEST(RotateVisitor, ByDegreesAddsDegreesAsFilesHaveThem) {
   const struct {
     double before, by, after;
   } cases[] = {
-      {0,   90,   90 },
-      {90,  90,   180},
-      {0,   -90,  270},
-      {350, 90,   80 },
-      {0,   33,   33 },
-      {10,  90,   100},
-      {270, 90,   0  },
-      {45,  720,  45 },
-      {10,  1e17, 290}, // 1e17 is 280 more than whole
-  // turns
+      {0, 90, 90},   {90, 90, 180}, {0, -90, 270}, {350, 90, 80},   {0, 33, 33},
+      {10, 90, 100}, {270, 90, 0},  {45, 720, 45}, {10, 1e17, 290},  // 1e17 is 280 more than whole
+                                                                     // turns
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(testing::Message() << t.before << " by " << t.by);
@@ -213,10 +206,7 @@ TEST(ScaleVisitor, ScalesWidthsAndLeavesArcsArcs) {
   CEntPolyline* polyline = createEntPolyline(all.data(), 0, 0, 0);
   all.data().getEntTable().add(polyline);
   for (const bool isUnpacked : {false, true}) {
-    const BULGED_VERTEX vertexes[] = {
-        {0, 0, 0, 1, 2, 1, 0},
-        {4, 0, 0, 0, 0, 0, 0}
-    };
+    const BULGED_VERTEX vertexes[] = {{0, 0, 0, 1, 2, 1, 0}, {4, 0, 0, 0, 0, 0, 0}};
     polyline->setBulgedVertexes(vertexes, 2);
     if (isUnpacked) polyline->GetVertex(0);
     CEntScaleVisitor scaler(PNT_3D(0, 0, 0), -3);

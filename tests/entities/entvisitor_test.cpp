@@ -56,17 +56,9 @@ TEST(EntCast, MatchesExactlyOneKind) {
     SCOPED_TRACE(ent->getType());
     CEnt* e = ent.get();
     const std::pair<short, const void*> answers[] = {
-        {1,  castPnt(e)     },
-        {2,  castLine(e)    },
-        {3,  castCircle(e)  },
-        {4,  castArc(e)     },
-        {5,  castPolyline(e)},
-        {6,  castText(e)    },
-        {7,  castAttdef(e)  },
-        {9,  castAttrib(e)  },
-        {10, castHatch(e)   },
-        {11, cast3DFace(e)  }
-    };
+        {1, castPnt(e)},      {2, castLine(e)},   {3, castCircle(e)}, {4, castArc(e)},
+        {5, castPolyline(e)}, {6, castText(e)},   {7, castAttdef(e)}, {9, castAttrib(e)},
+        {10, castHatch(e)},   {11, cast3DFace(e)}};
     for (const auto& [code, answer] : answers) {
       EXPECT_EQ(answer != nullptr, code == e->getType()) << "cast of kind " << code;
     }

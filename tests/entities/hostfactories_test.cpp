@@ -84,12 +84,7 @@ TEST_F(HostFactories, MakeTheVertexesOfPolylinesReadAndCopied) {
 }
 
 TEST_F(HostFactories, AreToldTheNamesOfHatches) {
-  const std::vector<PNT_3D> square = {
-      {0, 0, 0},
-      {9, 0, 0},
-      {9, 9, 0},
-      {0, 9, 0}
-  };
+  const std::vector<PNT_3D> square = {{0, 0, 0}, {9, 0, 0}, {9, 9, 0}, {0, 9, 0}};
   CEntHatch* first = createEntHatch(data, *getHatch(u"NET"), 4, 0, square, 0);
   data.getEntTable().add(first);
   EXPECT_EQ(lastName, u"*PAT1");

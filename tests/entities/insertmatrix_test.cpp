@@ -65,9 +65,9 @@ TEST_F(InsertMatrix, CellsAreOffsetAlongTheTurnedAxes) {
     long row, col;
     PNT_3D expect;
   } cases[] = {
-      {0, 0, PNT_3D(10,        20,  0)},
-      {0, 1, PNT_3D(10,        120, 0)},
-      {1, 0, PNT_3D(10 - 1000, 20,  0)},
+      {0, 0, PNT_3D(10, 20, 0)},
+      {0, 1, PNT_3D(10, 120, 0)},
+      {1, 0, PNT_3D(10 - 1000, 20, 0)},
       {2, 1, PNT_3D(10 - 2000, 120, 0)},
   };
   for (const auto& t : cases) {

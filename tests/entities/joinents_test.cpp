@@ -83,9 +83,9 @@ TEST_F(Join, AnArcWithoutLengthIsNotTakenForACircle) {
     double sweep;
     short kind;
   } cases[] = {
-      {1e-17,    CEntLine::kType  },
-      {1,        CEntArc::kType   },
-      {2 * kPi,  CEntCircle::kType},
+      {1e-17, CEntLine::kType},
+      {1, CEntArc::kType},
+      {2 * kPi, CEntCircle::kType},
       {-2 * kPi, CEntCircle::kType},
   };
   const CEnt& like = *segment(PNT_3D(0, 0, 0), PNT_3D(1, 0, 0));
@@ -112,11 +112,7 @@ TEST_F(Join, ArcsStayArcsAndRingsClose) {
 
 TEST_F(Join, WidthsAndBulgesTurnWithTheirSegments) {
   segment(PNT_3D(-5, 0, 0), PNT_3D(0, 0, 0));
-  chain({
-      {6, 0, 0, 1, 2, 0.5, 0},
-      {3, 0, 0, 3, 4, -1,  0},
-      {0, 0, 0, 0, 0, 0,   0}
-  });
+  chain({{6, 0, 0, 1, 2, 0.5, 0}, {3, 0, 0, 3, 4, -1, 0}, {0, 0, 0, 0, 0, 0, 0}});
   const std::vector<JOINED_ENT> made = join(0);
   ASSERT_EQ(made.size(), 1u);
   std::vector<BULGED_VERTEX> v;
@@ -236,10 +232,7 @@ TEST_F(Join, UndoesExploding) {
 }
 
 TEST_F(Join, AdderLengthensOnePolyline) {
-  CEntPolyline* p = chain({
-      {0, 0, 0, 0, 0, 0, 0},
-      {4, 0, 0, 0, 0, 0, 0}
-  });
+  CEntPolyline* p = chain({{0, 0, 0, 0, 0, 0, 0}, {4, 0, 0, 0, 0, 0, 0}});
   CEntPolyAdderVisitor adder(*p, 1e-9);
   segment(PNT_3D(9, 9, 0), PNT_3D(8, 8, 0))->accept(adder);
   EXPECT_FALSE(adder.isAdded());

@@ -73,16 +73,16 @@ TEST(File, ReadsLinesAsTheyStand) {
     std::string bytes;
     const char16_t* lines;
   } cases[] = {
-      {64, "line ends are kept",    "a\nb\r\nc",            u"a\n|b\r\n|c"      },
-      {64, "a lone cr becomes lf",  "a\rb",                 u"a\n|b"            },
-      {64, "utf-8, else western",   "\xC3\xA9\n\xE9\n",     u"\u00E9\n|\u00E9\n"},
-      {64, "marked utf-8",          "\357\273\277a\n",      u"a\n"              },
-      {64, "marked utf-16",         "\377\376a\0\n\0"s,     u"a\n"              },
-      {64, "ctrl-z",                "a\n\32\nb\n",          u"a\n"              },
-      {64, "empty",                 "",                     u""                 },
-      {4,  "long lines are split",  "abcdef\ng\n",          u"abc|def|\n|g\n"   },
-      {4,  "line end does not fit", "abc\nd\n",             u"abc|\n|d\n"       },
-      {4,  "pairs are not split",   "ab\xF0\x9F\x98\x80\n", u"ab|\U0001F600\n"  },
+      {64, "line ends are kept", "a\nb\r\nc", u"a\n|b\r\n|c"},
+      {64, "a lone cr becomes lf", "a\rb", u"a\n|b"},
+      {64, "utf-8, else western", "\xC3\xA9\n\xE9\n", u"\u00E9\n|\u00E9\n"},
+      {64, "marked utf-8", "\357\273\277a\n", u"a\n"},
+      {64, "marked utf-16", "\377\376a\0\n\0"s, u"a\n"},
+      {64, "ctrl-z", "a\n\32\nb\n", u"a\n"},
+      {64, "empty", "", u""},
+      {4, "long lines are split", "abcdef\ng\n", u"abc|def|\n|g\n"},
+      {4, "line end does not fit", "abc\nd\n", u"abc|\n|d\n"},
+      {4, "pairs are not split", "ab\xF0\x9F\x98\x80\n", u"ab|\U0001F600\n"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -49,32 +49,33 @@ TEST(LineReader, LineEndsAndMarks) {
     std::string text;
     const char* lines;
   } cases[] = {
-      {"line feeds",            "a\nb\n",                     "a\n|b\n"         },
-      {"last line without end", "a\nb",                       "a\n|b"           },
-      {"cr lf",                 "a\r\nb\r\n",                 "a\r\n|b\r\n"     },
-      {"lone crs",              "a\rb\r",                     "a\n|b\n"         },
-      {"two lone crs",          "a\r\rb",                     "a\n|\n|b"        },
-      {"doubled cr before lf",  "a\r\r\nb\n",                 "a\r\r\n|b\n"     },
-      {"all kinds",             "a\rb\nc\r\nd",               "a\n|b\n|c\r\n|d" },
-      {"empty lines",           "\n\r\n\n",                   "\n|\r\n|\n"      },
-      {"empty",                 "",                           ""                },
-      {"two bytes",             "a\n",                        "a\n"             },
-      {"utf-8 mark",            "\357\273\2770\n",            "0\n"             },
-      {"nothing but a mark",    "\xEF\xBB\xBF",               ""                },
-      {"nuls",                  "a\0b\0\n\0"s,                "ab\n"            },
-      {"ctrl-z ends it",        "a\n\x1A\x1A\r\nb\n",         "a\n"             },
-      {"ctrl-z at the end",     "a\nEOF\x1A\x1A",             "a\n|EOF"         },
+      {"line feeds", "a\nb\n", "a\n|b\n"},
+      {"last line without end", "a\nb", "a\n|b"},
+      {"cr lf", "a\r\nb\r\n", "a\r\n|b\r\n"},
+      {"lone crs", "a\rb\r", "a\n|b\n"},
+      {"two lone crs", "a\r\rb", "a\n|\n|b"},
+      {"doubled cr before lf", "a\r\r\nb\n", "a\r\r\n|b\n"},
+      {"all kinds", "a\rb\nc\r\nd", "a\n|b\n|c\r\n|d"},
+      {"empty lines", "\n\r\n\n", "\n|\r\n|\n"},
+      {"empty", "", ""},
+      {"two bytes", "a\n", "a\n"},
+      {"utf-8 mark", "\357\273\2770\n", "0\n"},
+      {"nothing but a mark", "\xEF\xBB\xBF", ""},
+      {"nuls", "a\0b\0\n\0"s, "ab\n"},
+      {"ctrl-z ends it", "a\n\x1A\x1A\r\nb\n", "a\n"},
+      {"ctrl-z at the end", "a\nEOF\x1A\x1A", "a\n|EOF"},
       {"ctrl-z in a text",
        "a\nb\x1A"
        "c\n\x1A"
-       "d\n",                                                 "a\n|b\x1A"
+       "d\n",
+       "a\n|b\x1A"
        "c\n|\x1A"
-       "d\n"                                                       },
-      {"utf-16 little endian",  "\377\3760\0\n\0\xAC\x20"s,   "0\n|\xE2\x82\xAC"},
-      {"utf-16 big endian",     "\xFE\xFF\0000\0\n\x20\xAC"s, "0\n|\xE2\x82\xAC"},
-      {"utf-16 pair",           "\xFF\xFE\x3D\xD8\x00\xDE"s,  "\xF0\x9F\x98\x80"},
-      {"utf-16 half a pair",    "\xFF\xFE\x3D\xD8"s,          "\xEF\xBF\xBD"    },
-      {"utf-16 half a unit",    "\377\376a\0b"s,              "a"               },
+       "d\n"},
+      {"utf-16 little endian", "\377\3760\0\n\0\xAC\x20"s, "0\n|\xE2\x82\xAC"},
+      {"utf-16 big endian", "\xFE\xFF\0000\0\n\x20\xAC"s, "0\n|\xE2\x82\xAC"},
+      {"utf-16 pair", "\xFF\xFE\x3D\xD8\x00\xDE"s, "\xF0\x9F\x98\x80"},
+      {"utf-16 half a pair", "\xFF\xFE\x3D\xD8"s, "\xEF\xBF\xBD"},
+      {"utf-16 half a unit", "\377\376a\0b"s, "a"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -158,16 +159,11 @@ TEST(LineReader, ShortNumbersAreTakenOnlyWhole) {
     bool taken;
     long number;
   } cases[] = {
-      {"padded",                "  0\nx",  true,  0   },
-      {"cr lf",                 "10\r\nx", true,  10  },
-      {"four digits",           "1071\nx", true,  1071},
-      {"five digits",           "10000\n", false, 0   },
-      {"junk behind",           "10x\n",   false, 0   },
-      {"blank behind",          "10 \n",   false, 0   },
-      {"negative",              "-1\n",    false, 0   },
-      {"empty",                 "\n",      false, 0   },
-      {"blanks only",           "  \n",    false, 0   },
-      {"last line without end", "10",      false, 0   },
+      {"padded", "  0\nx", true, 0},          {"cr lf", "10\r\nx", true, 10},
+      {"four digits", "1071\nx", true, 1071}, {"five digits", "10000\n", false, 0},
+      {"junk behind", "10x\n", false, 0},     {"blank behind", "10 \n", false, 0},
+      {"negative", "-1\n", false, 0},         {"empty", "\n", false, 0},
+      {"blanks only", "  \n", false, 0},      {"last line without end", "10", false, 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

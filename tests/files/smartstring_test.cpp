@@ -9,13 +9,13 @@ TEST(SmartString, ComparesWithoutCaseUnderBothNames) {
     const zim::Char* b;
     bool equal;
   } cases[] = {
-      {"case differs",    u"LINE",          u"line",          true },
-      {"beyond ascii",    u"STRASSE\u00C4", u"strasse\u00E4", true },
-      {"blank in front",  u" LINE",         u"LINE",          false},
-      {"proper prefix",   u"LINE",          u"LINES",         false},
-      {"both empty",      u"",              u"",              true },
-      {"null is empty",   nullptr,          u"",              true },
-      {"null and a text", nullptr,          u"A",             false},
+      {"case differs", u"LINE", u"line", true},
+      {"beyond ascii", u"STRASSE\u00C4", u"strasse\u00E4", true},
+      {"blank in front", u" LINE", u"LINE", false},
+      {"proper prefix", u"LINE", u"LINES", false},
+      {"both empty", u"", u"", true},
+      {"null is empty", nullptr, u"", true},
+      {"null and a text", nullptr, u"A", false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -36,16 +36,16 @@ TEST(Arc, AnglesAreNormalised) {
   const struct {
     double given, stored;
   } cases[] = {
-      {-kPi / 2,    3 * kPi / 2},
-      {5 * kPi / 2, kPi / 2    },
-      {kTwoPi,      0          },
-      {-kTwoPi,     0          },
-      {3 * kTwoPi,  0          },
-      {-1e-17,      0          },
-      {kInf,        0          },
-      {-kInf,       0          },
-      {kNan,        0          },
-      {1.25,        1.25       },
+      {-kPi / 2, 3 * kPi / 2},
+      {5 * kPi / 2, kPi / 2},
+      {kTwoPi, 0},
+      {-kTwoPi, 0},
+      {3 * kTwoPi, 0},
+      {-1e-17, 0},
+      {kInf, 0},
+      {-kInf, 0},
+      {kNan, 0},
+      {1.25, 1.25},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.given);
@@ -83,21 +83,21 @@ TEST(Arc, AnglesInAndOutOfTheSweep) {
     double angle;
     bool in;
   } cases[] = {
-      {"across 0, at 0",                    arcOf(350, 10),  0,                   true },
-      {"across 0, at its end",              arcOf(350, 10),  degrees(10),         true },
-      {"across 0, opposite",                arcOf(350, 10),  degrees(180),        false},
-      {"a turn further",                    arcOf(20,  40),  degrees(390),        true },
-      {"a turn back",                       arcOf(20,  40),  degrees(-330),       true },
-      {"full turn from 0",                  arcOf(0,   0),   degrees(123),        true },
-      {"full turn from 90, before it",      arcOf(90,  90),  degrees(89),         true },
-      {"within the tolerance of the start", arcOf(90,  180), degrees(90) - 2e-12, true },
-      {"outside the tolerance",             arcOf(90,  180), degrees(90) - 3e-12, false},
-      {"starts at 0, just below the turn",  arcOf(0,   90),  kTwoPi - 1e-13,      true },
-      {"starts at 0, too far below",        arcOf(0,   90),  kTwoPi - 1e-11,      false},
-      {"ends at 0, at its end",             arcOf(270, 0),   0,                   true },
-      {"ends at 0, just past it",           arcOf(270, 0),   1e-13,               true },
-      {"ends at 0, too far past",           arcOf(270, 0),   1e-10,               false},
-      {"not a number counts as 0",          arcOf(90,  180), kNan,                false},
+      {"across 0, at 0", arcOf(350, 10), 0, true},
+      {"across 0, at its end", arcOf(350, 10), degrees(10), true},
+      {"across 0, opposite", arcOf(350, 10), degrees(180), false},
+      {"a turn further", arcOf(20, 40), degrees(390), true},
+      {"a turn back", arcOf(20, 40), degrees(-330), true},
+      {"full turn from 0", arcOf(0, 0), degrees(123), true},
+      {"full turn from 90, before it", arcOf(90, 90), degrees(89), true},
+      {"within the tolerance of the start", arcOf(90, 180), degrees(90) - 2e-12, true},
+      {"outside the tolerance", arcOf(90, 180), degrees(90) - 3e-12, false},
+      {"starts at 0, just below the turn", arcOf(0, 90), kTwoPi - 1e-13, true},
+      {"starts at 0, too far below", arcOf(0, 90), kTwoPi - 1e-11, false},
+      {"ends at 0, at its end", arcOf(270, 0), 0, true},
+      {"ends at 0, just past it", arcOf(270, 0), 1e-13, true},
+      {"ends at 0, too far past", arcOf(270, 0), 1e-10, false},
+      {"not a number counts as 0", arcOf(90, 180), kNan, false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -112,15 +112,15 @@ TEST(Arc, Extents) {
     ARC_3D arc;
     RECT_2D box;
   } cases[] = {
-      {"a quarter",             arcOf(0,   90),  {0, 0, 1, 1}   },
-      {"across 0",              arcOf(315, 45),  {h, -h, 1, h}  },
-      {"across 90",             arcOf(45,  135), {-h, h, h, 1}  },
-      {"across 180",            arcOf(135, 225), {-1, -h, -h, h}},
-      {"across 270",            arcOf(225, 315), {-h, -1, h, -h}},
-      {"all but a quarter",     arcOf(45,  315), {-1, -1, h, 1} },
-      {"three extremes past 0", arcOf(315, 225), {-1, -h, 1, 1} },
-      {"full turn",             arcOf(33,  33),  {-1, -1, 1, 1} },
-      {"full turn from 0",      arcOf(0,   0),   {-1, -1, 1, 1} },
+      {"a quarter", arcOf(0, 90), {0, 0, 1, 1}},
+      {"across 0", arcOf(315, 45), {h, -h, 1, h}},
+      {"across 90", arcOf(45, 135), {-h, h, h, 1}},
+      {"across 180", arcOf(135, 225), {-1, -h, -h, h}},
+      {"across 270", arcOf(225, 315), {-h, -1, h, -h}},
+      {"all but a quarter", arcOf(45, 315), {-1, -1, h, 1}},
+      {"three extremes past 0", arcOf(315, 225), {-1, -h, 1, 1}},
+      {"full turn", arcOf(33, 33), {-1, -1, 1, 1}},
+      {"full turn from 0", arcOf(0, 0), {-1, -1, 1, 1}},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -212,14 +212,14 @@ TEST(Arc, LinesMeetOnlyThePartThatIsThere) {
     long count;
     PNT_2D first;
   } cases[] = {
-      {"both on the arc",             {-2, 0.6, 2, 0.6},   2, {-0.8, 0.6}},
-      {"upwards, the second counts",  {0, -2, 0, 2},       1, {0, 1}     },
-      {"downwards, the first counts", {0, 2, 0, -2},       1, {0, 1}     },
-      {"both below",                  {-2, -0.6, 2, -0.6}, 0, {0, 0}     },
-      {"through both ends",           {-2, 0, 2, 0},       2, {-1, 0}    },
-      {"touches the top",             {-2, 1, 2, 1},       1, {0, 1}     },
-      {"touches the bottom",          {-2, -1, 2, -1},     0, {0, 0}     },
-      {"misses the circle",           {-2, 3, 2, 3},       0, {0, 0}     },
+      {"both on the arc", {-2, 0.6, 2, 0.6}, 2, {-0.8, 0.6}},
+      {"upwards, the second counts", {0, -2, 0, 2}, 1, {0, 1}},
+      {"downwards, the first counts", {0, 2, 0, -2}, 1, {0, 1}},
+      {"both below", {-2, -0.6, 2, -0.6}, 0, {0, 0}},
+      {"through both ends", {-2, 0, 2, 0}, 2, {-1, 0}},
+      {"touches the top", {-2, 1, 2, 1}, 1, {0, 1}},
+      {"touches the bottom", {-2, -1, 2, -1}, 0, {0, 0}},
+      {"misses the circle", {-2, 3, 2, 3}, 0, {0, 0}},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

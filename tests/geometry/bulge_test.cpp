@@ -26,11 +26,11 @@ TEST(Bulge, ArcOfASegment) {
     double bulge;
     ARC_3D arc;
   } cases[] = {
-      {"half circle to the right of the way", 1,                {1, 0, 3, 1, kPi, 0}                      },
-      {"half circle to its left",             -1,               {1, 0, 3, 1, 0, kPi}                      },
-      {"quarter turning left",                std::sqrt(2) - 1, {1, 1, 3, 2 * s, kPi * 5 / 4, kPi * 7 / 4}},
-      {"quarter turning right",               1 - std::sqrt(2), {1, -1, 3, 2 * s, kPi / 4, kPi * 3 / 4}   },
-      {"three quarters turning left",         std::sqrt(2) + 1, {1, -1, 3, 2 * s, kPi * 3 / 4, kPi / 4}   },
+      {"half circle to the right of the way", 1, {1, 0, 3, 1, kPi, 0}},
+      {"half circle to its left", -1, {1, 0, 3, 1, 0, kPi}},
+      {"quarter turning left", std::sqrt(2) - 1, {1, 1, 3, 2 * s, kPi * 5 / 4, kPi * 7 / 4}},
+      {"quarter turning right", 1 - std::sqrt(2), {1, -1, 3, 2 * s, kPi / 4, kPi * 3 / 4}},
+      {"three quarters turning left", std::sqrt(2) + 1, {1, -1, 3, 2 * s, kPi * 3 / 4, kPi / 4}},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -58,16 +58,16 @@ TEST(Bulge, StraightSegments) {
     PNT_3D p0, p1;
     double bulge;
   } cases[] = {
-      {"no bulge",                    {0, 0, 0},      {1, 0, 0},     0     },
-      {"not a number",                {0, 0, 0},      {1, 0, 0},     kNan  },
-      {"endless",                     {0, 0, 0},      {1, 0, 0},     -kInf },
-      {"ends coincide",               {5, 5, 0},      {5, 5, 9},     1     },
-      {"ends coincide but for 1e-12", {0, 0, 0},      {1e-12, 0, 0}, 100   },
-      {"rise lost in the numbers",    {1e6, 0, 0},    {1e6, 10, 0},  1e-8  },
-      {"smallest bulge",              {0, 0, 0},      {1e9, 0, 0},   5e-324},
-      {"ends too far apart",          {-1e200, 0, 0}, {1e200, 0, 0}, 0.5   },
-      {"radius too large",            {0, 0, 0},      {1e100, 0, 0}, 1e200 },
-      {"end is not a number",         {0, 0, 0},      {kNan, 0, 0},  1     },
+      {"no bulge", {0, 0, 0}, {1, 0, 0}, 0},
+      {"not a number", {0, 0, 0}, {1, 0, 0}, kNan},
+      {"endless", {0, 0, 0}, {1, 0, 0}, -kInf},
+      {"ends coincide", {5, 5, 0}, {5, 5, 9}, 1},
+      {"ends coincide but for 1e-12", {0, 0, 0}, {1e-12, 0, 0}, 100},
+      {"rise lost in the numbers", {1e6, 0, 0}, {1e6, 10, 0}, 1e-8},
+      {"smallest bulge", {0, 0, 0}, {1e9, 0, 0}, 5e-324},
+      {"ends too far apart", {-1e200, 0, 0}, {1e200, 0, 0}, 0.5},
+      {"radius too large", {0, 0, 0}, {1e100, 0, 0}, 1e200},
+      {"end is not a number", {0, 0, 0}, {kNan, 0, 0}, 1},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -112,14 +112,9 @@ TEST(ArcChords, CountForAngles) {
     double angle;
     int count;
   } cases[] = {
-      {"nothing",      0,       2   },
-      {"flat",         1e-9,    2   },
-      {"half a turn",  kPi,     112 },
-      {"backwards",    -kPi,    112 },
-      {"full turn",    2 * kPi, 223 },
-      {"many turns",   1000,    1024},
-      {"endless",      kInf,    1024},
-      {"not a number", kNan,    2   },
+      {"nothing", 0, 2},        {"flat", 1e-9, 2},           {"half a turn", kPi, 112},
+      {"backwards", -kPi, 112}, {"full turn", 2 * kPi, 223}, {"many turns", 1000, 1024},
+      {"endless", kInf, 1024},  {"not a number", kNan, 2},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

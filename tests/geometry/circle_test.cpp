@@ -36,18 +36,18 @@ TEST(Circle, CommonPointsWithASegmentAndItsLine) {
     LINE_2D line;
     long segment, whole;
   } cases[] = {
-      {"through",                     {-2, 0, 2, 0},                 2, 2},
-      {"begins within",               {0, 0, 2, 0},                  1, 2},
-      {"within",                      {-0.5, 0, 0.5, 0},             0, 2},
-      {"a chord, ends count",         {1, 0, 0, 1},                  2, 2},
-      {"ends 1e-13 short",            {-2, 0, -1 - 1e-13, 0},        1, 2},
-      {"ends 1e-9 short",             {-2, 0, -1 - 1e-9, 0},         0, 2},
-      {"touches",                     {-3, 1, 3, 1},                 1, 1},
-      {"touches within 1e-12",        {-3, 1 + 9e-13, 3, 1 + 9e-13}, 1, 1},
+      {"through", {-2, 0, 2, 0}, 2, 2},
+      {"begins within", {0, 0, 2, 0}, 1, 2},
+      {"within", {-0.5, 0, 0.5, 0}, 0, 2},
+      {"a chord, ends count", {1, 0, 0, 1}, 2, 2},
+      {"ends 1e-13 short", {-2, 0, -1 - 1e-13, 0}, 1, 2},
+      {"ends 1e-9 short", {-2, 0, -1 - 1e-9, 0}, 0, 2},
+      {"touches", {-3, 1, 3, 1}, 1, 1},
+      {"touches within 1e-12", {-3, 1 + 9e-13, 3, 1 + 9e-13}, 1, 1},
       {"almost a chord within 1e-12", {-3, 1 - 9e-13, 3, 1 - 9e-13}, 1, 1},
-      {"misses by 1e-9",              {-3, 1 + 1e-9, 3, 1 + 1e-9},   0, 0},
-      {"no length",                   {1, 0, 1, 0},                  0, 0},
-      {"not a number",                {kNan, 0, 1, 0},               0, 0},
+      {"misses by 1e-9", {-3, 1 + 1e-9, 3, 1 + 1e-9}, 0, 0},
+      {"no length", {1, 0, 1, 0}, 0, 0},
+      {"not a number", {kNan, 0, 1, 0}, 0, 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -141,20 +141,20 @@ TEST(Circle, CommonPointsOfTwoCircles) {
     CIRCLE_3D other;
     long count;
   } cases[] = {
-      {"cross",                          {8, 0, 3, 5},             2},
-      {"touch from outside",             {8, 0, 0, 3},             1},
-      {"touch from within",              {2, 0, 0, 3},             1},
-      {"touch from around",              {-2, 0, 0, 7},            1},
-      {"apart",                          {9, 0, 0, 3},             0},
-      {"within",                         {1, 0, 0, 3},             0},
-      {"concentric",                     {0, 0, 0, 3},             0},
-      {"the same",                       {0, 0, 9, 5},             0},
-      {"the same but for 1e-13",         {1e-13, 0, 0, 5},         0},
+      {"cross", {8, 0, 3, 5}, 2},
+      {"touch from outside", {8, 0, 0, 3}, 1},
+      {"touch from within", {2, 0, 0, 3}, 1},
+      {"touch from around", {-2, 0, 0, 7}, 1},
+      {"apart", {9, 0, 0, 3}, 0},
+      {"within", {1, 0, 0, 3}, 0},
+      {"concentric", {0, 0, 0, 3}, 0},
+      {"the same", {0, 0, 9, 5}, 0},
+      {"the same but for 1e-13", {1e-13, 0, 0, 5}, 0},
       {"nearly the same, nearly within", {1e-11, 0, 0, 5 - 8e-12}, 1},
-      {"of radius 0, on it",             {3, 4, 0, 0},             1},
-      {"of radius 0, beside it",         {3, 3, 0, 0},             0},
-      {"negative radius counts as size", {8, 0, 0, -3},            1},
-      {"not a number",                   {8, 0, 0, kNan},          0},
+      {"of radius 0, on it", {3, 4, 0, 0}, 1},
+      {"of radius 0, beside it", {3, 3, 0, 0}, 0},
+      {"negative radius counts as size", {8, 0, 0, -3}, 1},
+      {"not a number", {8, 0, 0, kNan}, 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -201,14 +201,14 @@ TEST(Circle, CreatePassesThroughItsPoints) {
 
 TEST(Circle, NoCircleThroughPointsInLine) {
   const PNT_3D cases[][3] = {
-      {{0, 0, 0}, {1, 1, 0},     {3, 3, 0}     },
-      {{0, 0, 0}, {0, 0, 0},     {3, 3, 0}     },
-      {{0, 0, 0}, {3, 3, 0},     {0, 0, 0}     },
-      {{5, 5, 5}, {5, 5, 5},     {5, 5, 5}     },
-      {{0, 0, 0}, {1e6, 0, 0},   {2e6, 1e-7, 0}},
-      {{0, 0, 0}, {0, 1e-7, 0},  {1e6, 0, 0}   }, // a corner, but lost in the longest side
-      {{0, 0, 0}, {kNan, 0, 0},  {1, 1, 0}     },
-      {{0, 0, 0}, {1e200, 0, 0}, {0, 1e200, 0} }, // its squares overflow
+      {{0, 0, 0}, {1, 1, 0}, {3, 3, 0}},
+      {{0, 0, 0}, {0, 0, 0}, {3, 3, 0}},
+      {{0, 0, 0}, {3, 3, 0}, {0, 0, 0}},
+      {{5, 5, 5}, {5, 5, 5}, {5, 5, 5}},
+      {{0, 0, 0}, {1e6, 0, 0}, {2e6, 1e-7, 0}},
+      {{0, 0, 0}, {0, 1e-7, 0}, {1e6, 0, 0}},  // a corner, but lost in the longest side
+      {{0, 0, 0}, {kNan, 0, 0}, {1, 1, 0}},
+      {{0, 0, 0}, {1e200, 0, 0}, {0, 1e200, 0}},  // its squares overflow
   };
   for (const auto& p : cases) {
     CIRCLE_3D circle(1, 2, 3, 4);

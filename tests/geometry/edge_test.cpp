@@ -85,16 +85,16 @@ TEST(Edge, CrossingsOfEveryPairOfKinds) {
     EDGE_3D a, b;
     std::size_t count, carriers;
   } cases[] = {
-      {"lines that cross",             line,   crossing,  1, 1},
-      {"lines that would",             line,   above,     0, 1},
-      {"parallels",                    line,   parallel,  0, 0},
-      {"lines upon each other",        line,   upon,      2, 0},
-      {"lines in line, end to end",    line,   onwards,   1, 0},
-      {"a line through an arc's ends", line,   half,      2, 2},
-      {"a line that touches",          circle, touching,  1, 1},
-      {"an arc and a circle",          half,   circle,    1, 2},
-      {"circles inside each other",    circle, inner,     0, 0},
-      {"halves of one circle",         half,   otherHalf, 2, 0},
+      {"lines that cross", line, crossing, 1, 1},
+      {"lines that would", line, above, 0, 1},
+      {"parallels", line, parallel, 0, 0},
+      {"lines upon each other", line, upon, 2, 0},
+      {"lines in line, end to end", line, onwards, 1, 0},
+      {"a line through an arc's ends", line, half, 2, 2},
+      {"a line that touches", circle, touching, 1, 1},
+      {"an arc and a circle", half, circle, 1, 2},
+      {"circles inside each other", circle, inner, 0, 0},
+      {"halves of one circle", half, otherHalf, 2, 0},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);

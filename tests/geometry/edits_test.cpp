@@ -26,9 +26,9 @@ TEST(Edits, TrimTakesWhatIsBetweenTheCrossings) {
     double pick;
     std::vector<double> ends;
   } cases[] = {
-      {"before the first", 1, {2, 9}      },
-      {"between",          4, {0, 2, 6, 9}},
-      {"after the last",   8, {0, 6}      },
+      {"before the first", 1, {2, 9}},
+      {"between", 4, {0, 2, 6, 9}},
+      {"after the last", 8, {0, 6}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);

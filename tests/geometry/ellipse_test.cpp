@@ -26,18 +26,18 @@ TEST(Ellipse, RefusesWhatIsNone) {
     double ratio, start, end;
     PNT_3D normal;
   } cases[] = {
-      {"no major axis",          {0, 0, 0},     {0, 0, 0},      0.5,    0,    1,    {0, 0, 1}},
-      {"ratio 0",                {0, 0, 0},     {1, 0, 0},      0,      0,    1,    {0, 0, 1}},
-      {"negative ratio",         {0, 0, 0},     {1, 0, 0},      -0.5,   0,    1,    {0, 0, 1}},
-      {"ratio is not a number",  {0, 0, 0},     {1, 0, 0},      kNan,   0,    1,    {0, 0, 1}},
-      {"endless ratio",          {0, 0, 0},     {1, 0, 0},      kInf,   0,    1,    {0, 0, 1}},
-      {"minor axis vanishes",    {0, 0, 0},     {1e-200, 0, 0}, 1e-200, 0,    1,    {0, 0, 1}},
-      {"centre not a number",    {0, kNan, 0},  {1, 0, 0},      0.5,    0,    1,    {0, 0, 1}},
-      {"centre out of reach",    {1e200, 0, 0}, {1, 0, 0},      0.5,    0,    1,    {0, 0, 1}},
-      {"endless parameter",      {0, 0, 0},     {1, 0, 0},      0.5,    0,    kInf, {0, 0, 1}},
-      {"start not a number",     {0, 0, 0},     {1, 0, 0},      0.5,    kNan, 1,    {0, 0, 1}},
-      {"no normal",              {0, 0, 0},     {1, 0, 0},      0.5,    0,    1,    {0, 0, 0}},
-      {"major along the normal", {0, 0, 0},     {0, 0, 2},      0.5,    0,    1,    {0, 0, 1}},
+      {"no major axis", {0, 0, 0}, {0, 0, 0}, 0.5, 0, 1, {0, 0, 1}},
+      {"ratio 0", {0, 0, 0}, {1, 0, 0}, 0, 0, 1, {0, 0, 1}},
+      {"negative ratio", {0, 0, 0}, {1, 0, 0}, -0.5, 0, 1, {0, 0, 1}},
+      {"ratio is not a number", {0, 0, 0}, {1, 0, 0}, kNan, 0, 1, {0, 0, 1}},
+      {"endless ratio", {0, 0, 0}, {1, 0, 0}, kInf, 0, 1, {0, 0, 1}},
+      {"minor axis vanishes", {0, 0, 0}, {1e-200, 0, 0}, 1e-200, 0, 1, {0, 0, 1}},
+      {"centre not a number", {0, kNan, 0}, {1, 0, 0}, 0.5, 0, 1, {0, 0, 1}},
+      {"centre out of reach", {1e200, 0, 0}, {1, 0, 0}, 0.5, 0, 1, {0, 0, 1}},
+      {"endless parameter", {0, 0, 0}, {1, 0, 0}, 0.5, 0, kInf, {0, 0, 1}},
+      {"start not a number", {0, 0, 0}, {1, 0, 0}, 0.5, kNan, 1, {0, 0, 1}},
+      {"no normal", {0, 0, 0}, {1, 0, 0}, 0.5, 0, 1, {0, 0, 0}},
+      {"major along the normal", {0, 0, 0}, {0, 0, 2}, 0.5, 0, 1, {0, 0, 1}},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -53,16 +53,16 @@ TEST(Ellipse, SweepBetweenParameters) {
     const char* name;
     double start, end, sweep;
   } cases[] = {
-      {"forward",                     1,           2,           1          },
-      {"across zero",                 5,           1,           2 * kPi - 4},
-      {"equal is the full turn",      1,           1,           2 * kPi    },
-      {"a turn apart",                0,           2 * kPi,     2 * kPi    },
-      {"a turn apart, backwards",     2 * kPi,     0,           2 * kPi    },
-      {"a turn apart, as in files",   0.523598776, 6.806784083, 2 * kPi    },
-      {"a turn and a half",           1,           1 + 3 * kPi, kPi        },
-      {"a turn, rounded up",          0,           6.2832,      2 * kPi    },
-      {"negative, as clockwise ones", -kPi,        -kPi / 2,    kPi / 2    },
-      {"far out",                     1e300,       1e300,       2 * kPi    },
+      {"forward", 1, 2, 1},
+      {"across zero", 5, 1, 2 * kPi - 4},
+      {"equal is the full turn", 1, 1, 2 * kPi},
+      {"a turn apart", 0, 2 * kPi, 2 * kPi},
+      {"a turn apart, backwards", 2 * kPi, 0, 2 * kPi},
+      {"a turn apart, as in files", 0.523598776, 6.806784083, 2 * kPi},
+      {"a turn and a half", 1, 1 + 3 * kPi, kPi},
+      {"a turn, rounded up", 0, 6.2832, 2 * kPi},
+      {"negative, as clockwise ones", -kPi, -kPi / 2, kPi / 2},
+      {"far out", 1e300, 1e300, 2 * kPi},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -152,15 +152,9 @@ TEST(ArcChords, CountForOtherErrors) {
     double error;
     int count;
   } cases[] = {
-      {"usual",               1e-4,  223 },
-      {"coarse",              0.01,  23  },
-      {"a radius",            1,     2   },
-      {"more than a radius",  5,     2   },
-      {"too fine",            1e-9,  1024},
-      {"lost in the numbers", 1e-30, 1024},
-      {"nothing",             0,     1024},
-      {"negative",            -1,    1024},
-      {"not a number",        kNan,  1024},
+      {"usual", 1e-4, 223},         {"coarse", 0.01, 23},     {"a radius", 1, 2},
+      {"more than a radius", 5, 2}, {"too fine", 1e-9, 1024}, {"lost in the numbers", 1e-30, 1024},
+      {"nothing", 0, 1024},         {"negative", -1, 1024},   {"not a number", kNan, 1024},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -27,24 +27,26 @@ TEST(Line, SegmentsMeetWithinTheirEnds) {
     bool meet;
     PNT_2D at;
   } cases[] = {
-      {"cross",                     {0, 0, 4, 4}, {0, 4, 4, 0},                  true,  {2, 2}                  },
-      {"share an end",              {0, 0, 4, 0}, {4, 0, 4, 9},                  true,  {4, 0}                  },
-      {"end within the other",      {0, 0, 4, 0}, {2, 0, 2, 5},                  true,  {2, 0}                  },
-      {"short of it by 1e-13",      {0, 0, 4, 0}, {2, 1e-13, 2, 5},              true,  {2, 0}                  },
-      {"past the end by 1e-13",     {0, 0, 1, 0}, {1 + 1e-13, -1, 1 + 1e-13, 1}, true,  {1, 0}                  },
+      {"cross", {0, 0, 4, 4}, {0, 4, 4, 0}, true, {2, 2}},
+      {"share an end", {0, 0, 4, 0}, {4, 0, 4, 9}, true, {4, 0}},
+      {"end within the other", {0, 0, 4, 0}, {2, 0, 2, 5}, true, {2, 0}},
+      {"short of it by 1e-13", {0, 0, 4, 0}, {2, 1e-13, 2, 5}, true, {2, 0}},
+      {"past the end by 1e-13", {0, 0, 1, 0}, {1 + 1e-13, -1, 1 + 1e-13, 1}, true, {1, 0}},
       {"past the end by 1e-9",
        {0, 0, 1, 0},
        {1 + 1e-9, -1, 1 + 1e-9, 1},
-       false,                                                                           {kUntouched, kUntouched}},
-      {"lines cross, segments not", {0, 0, 1, 0}, {2, -1, 2, 1},                 false, {kUntouched, kUntouched}},
-      {"parallel",                  {0, 0, 4, 0}, {0, 1, 4, 1},                  false, {kUntouched, kUntouched}},
-      {"overlap",                   {0, 0, 4, 0}, {2, 0, 6, 0},                  false, {kUntouched, kUntouched}},
-      {"in line, share an end",     {0, 0, 4, 0}, {4, 0, 6, 0},                  false, {kUntouched, kUntouched}},
-      {"one is a point",            {0, 0, 4, 0}, {2, 0, 2, 0},                  false, {kUntouched, kUntouched}},
+       false,
+       {kUntouched, kUntouched}},
+      {"lines cross, segments not", {0, 0, 1, 0}, {2, -1, 2, 1}, false, {kUntouched, kUntouched}},
+      {"parallel", {0, 0, 4, 0}, {0, 1, 4, 1}, false, {kUntouched, kUntouched}},
+      {"overlap", {0, 0, 4, 0}, {2, 0, 6, 0}, false, {kUntouched, kUntouched}},
+      {"in line, share an end", {0, 0, 4, 0}, {4, 0, 6, 0}, false, {kUntouched, kUntouched}},
+      {"one is a point", {0, 0, 4, 0}, {2, 0, 2, 0}, false, {kUntouched, kUntouched}},
       {"cross, but in micrometres",
        {0, 0, 1e-7, 1e-7},
        {0, 1e-7, 1e-7, 0},
-       false,                                                                           {kUntouched, kUntouched}},
+       false,
+       {kUntouched, kUntouched}},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -114,14 +116,14 @@ TEST(ImpLine, NormalizeFixesTheSigns) {
     const char* name;
     IMP_LINE_2D line, normal;
   } cases[] = {
-      {"c becomes negative",           {3, 4, 10},     {-0.6, -0.8, -2}   },
-      {"c is negative already",        {3, 4, -10},    {0.6, 0.8, -2}     },
-      {"through the origin, b counts", {3, -4, 0},     {-0.6, 0.8, 0}     },
-      {"through the origin, b is 0",   {-5, 0, 0},     {-1, 0, 0}         },
-      {"no direction, stays",          {0, 0, 3},      {0, 0, 3}          },
-      {"nearly through the origin",    {3, 4, 5e-13},  {0.6, 0.8, 1e-13}  },
-      {"so, and b counts",             {3, -4, 5e-13}, {-0.6, 0.8, -1e-13}},
-      {"so, and b is nearly 0",        {1, -5e-13, 0}, {1, -5e-13, 0}     },
+      {"c becomes negative", {3, 4, 10}, {-0.6, -0.8, -2}},
+      {"c is negative already", {3, 4, -10}, {0.6, 0.8, -2}},
+      {"through the origin, b counts", {3, -4, 0}, {-0.6, 0.8, 0}},
+      {"through the origin, b is 0", {-5, 0, 0}, {-1, 0, 0}},
+      {"no direction, stays", {0, 0, 3}, {0, 0, 3}},
+      {"nearly through the origin", {3, 4, 5e-13}, {0.6, 0.8, 1e-13}},
+      {"so, and b counts", {3, -4, 5e-13}, {-0.6, 0.8, -1e-13}},
+      {"so, and b is nearly 0", {1, -5e-13, 0}, {1, -5e-13, 0}},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -160,11 +162,11 @@ TEST(ImpLine, NearlyEqualLinesDoNotMeet) {
     IMP_LINE_2D a, b;
     bool meet;
   } cases[] = {
-      {"the same within 1e-12",           line,         {1000 + 9e-13, 1000, 5 + 9e-13}, false},
-      {"the same but for c",              line,         {1000 + 9e-13, 1000, 6},         true },
-      {"turned by more than that",        line,         {1000 + 9e-12, 1000, 5},         true },
-      {"parallel within the determinant", {1, 0, 0},    {1, 1e-13, 5},                   false},
-      {"short, at right angles",          {1e-7, 0, 0}, {0, 1e-7, 0},                    false},
+      {"the same within 1e-12", line, {1000 + 9e-13, 1000, 5 + 9e-13}, false},
+      {"the same but for c", line, {1000 + 9e-13, 1000, 6}, true},
+      {"turned by more than that", line, {1000 + 9e-12, 1000, 5}, true},
+      {"parallel within the determinant", {1, 0, 0}, {1, 1e-13, 5}, false},
+      {"short, at right angles", {1e-7, 0, 0}, {0, 1e-7, 0}, false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -219,14 +221,14 @@ TEST(ParLine, ParameterOfAPointOrItsProjection) {
     PNT_2D p;
     double t;
   } cases[] = {
-      {"on the line",         {1, 2, 3, 4},           {7, 10},          2  },
-      {"beside the line",     {0, 0, 2, 2},           {4, 0},           1  },
-      {"vertical, x ignored", {1, 2, 0, 4},           {99, 8},          1.5},
-      {"level, y ignored",    {1, 2, 5, 0},           {6, 99},          1  },
-      {"no direction",        {1, 2, 0, 0},           {6, 99},          0  },
- // The squares of these directions are 0, and so would be a projection's divisor.
-      {"tiny and level",      {0, 0, 1e-200, 0},      {2e-200, 99},     2  },
-      {"tiny and on it",      {0, 0, 1e-200, 1e-200}, {3e-200, 3e-200}, 3  },
+      {"on the line", {1, 2, 3, 4}, {7, 10}, 2},
+      {"beside the line", {0, 0, 2, 2}, {4, 0}, 1},
+      {"vertical, x ignored", {1, 2, 0, 4}, {99, 8}, 1.5},
+      {"level, y ignored", {1, 2, 5, 0}, {6, 99}, 1},
+      {"no direction", {1, 2, 0, 0}, {6, 99}, 0},
+      // The squares of these directions are 0, and so would be a projection's divisor.
+      {"tiny and level", {0, 0, 1e-200, 0}, {2e-200, 99}, 2},
+      {"tiny and on it", {0, 0, 1e-200, 1e-200}, {3e-200, 3e-200}, 3},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -52,15 +52,15 @@ TEST(Pnt, AngleLiesInTheFullTurn) {
     const char* name;
     double x, y, angle;
   } cases[] = {
-      {"east",               1,     0,       0               },
-      {"north",              0,     2,       kPi / 2         },
-      {"west",               -1e-9, 0,       kPi             },
-      {"south",              0,     -1,      4.71238898038469},
-      {"same point",         0,     0,       0               },
-      {"west by minus zero", -1,    -0.0,    kPi             },
-      {"just below east",    1,     -1e-15,  kTwoPi - 1e-15  },
-      {"rounds to the turn", 1,     -1e-17,  0               },
-      {"smallest number",    1,     -5e-324, 0               },
+      {"east", 1, 0, 0},
+      {"north", 0, 2, kPi / 2},
+      {"west", -1e-9, 0, kPi},
+      {"south", 0, -1, 4.71238898038469},
+      {"same point", 0, 0, 0},
+      {"west by minus zero", -1, -0.0, kPi},
+      {"just below east", 1, -1e-15, kTwoPi - 1e-15},
+      {"rounds to the turn", 1, -1e-17, 0},
+      {"smallest number", 1, -5e-324, 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -114,15 +114,15 @@ TEST(PntsInLine, PlaneMeasuresADistanceAndSpaceDoesNot) {
     PNT_3D a, b, c;
     bool plane, space;
   } cases[] = {
-      {"plainly in line",          {0, 0, 0}, {1, 1, 0},    {5, 5, 0},       true,  true },
-      {"a corner",                 {0, 0, 0}, {1, 0, 0},    {1, 1, 0},       false, false},
-      {"first two equal",          {1, 1, 0}, {1, 1, 0},    {1, 1, 0},       false, true },
-      {"last two equal",           {0, 0, 0}, {1, 0, 0},    {1, 0, 0},       true,  true },
-      {"tiny bend of long legs",   {0, 0, 0}, {1e4, 0, 0},  {2e4, 5e-7, 0},  true,  false},
-      {"large bend of short legs", {0, 0, 0}, {1e-4, 0, 0}, {1e-4, 1e-4, 0}, false, true },
-      {"far beyond a short leg",   {0, 0, 0}, {1, 0, 0},    {1e3, 1e-5, 0},  false, false},
-      {"only z leaves the line",   {0, 0, 0}, {1, 0, 0},    {2, 0, 1},       true,  false},
-      {"z leaves a line along y",  {0, 0, 0}, {0, 1, 0},    {0, 2, 1},       true,  false},
+      {"plainly in line", {0, 0, 0}, {1, 1, 0}, {5, 5, 0}, true, true},
+      {"a corner", {0, 0, 0}, {1, 0, 0}, {1, 1, 0}, false, false},
+      {"first two equal", {1, 1, 0}, {1, 1, 0}, {1, 1, 0}, false, true},
+      {"last two equal", {0, 0, 0}, {1, 0, 0}, {1, 0, 0}, true, true},
+      {"tiny bend of long legs", {0, 0, 0}, {1e4, 0, 0}, {2e4, 5e-7, 0}, true, false},
+      {"large bend of short legs", {0, 0, 0}, {1e-4, 0, 0}, {1e-4, 1e-4, 0}, false, true},
+      {"far beyond a short leg", {0, 0, 0}, {1, 0, 0}, {1e3, 1e-5, 0}, false, false},
+      {"only z leaves the line", {0, 0, 0}, {1, 0, 0}, {2, 0, 1}, true, false},
+      {"z leaves a line along y", {0, 0, 0}, {0, 1, 0}, {0, 2, 1}, true, false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -136,16 +136,16 @@ TEST(Rounding, HalvesAndLimits) {
     double v;
     int up, down;
   } cases[] = {
-      {2.5,     3,       2      },
-      {-2.5,    -2,      -3     },
-      {0.49999, 0,       0      },
-      {-0.5,    0,       -1     },
-      {7,       7,       7      },
-      {3e9,     INT_MAX, INT_MAX},
-      {-1e300,  INT_MIN, INT_MIN},
-      {kInf,    INT_MAX, INT_MAX},
-      {-kInf,   INT_MIN, INT_MIN},
-      {kNan,    0,       0      },
+      {2.5, 3, 2},
+      {-2.5, -2, -3},
+      {0.49999, 0, 0},
+      {-0.5, 0, -1},
+      {7, 7, 7},
+      {3e9, INT_MAX, INT_MAX},
+      {-1e300, INT_MIN, INT_MIN},
+      {kInf, INT_MAX, INT_MAX},
+      {-kInf, INT_MIN, INT_MIN},
+      {kNan, 0, 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.v);
@@ -165,14 +165,14 @@ TEST(Risolvi, CountsAndRoots) {
     int count;
     double x1, x2;
   } cases[] = {
-      {"two roots",             1, -3,  2,  2,  2,          1         },
-      {"double root",           1, 2,   1,  2,  -1,         -1        },
-      {"linear",                0, 2,   -8, 1,  4,          kUntouched},
-      {"no real root",          1, 0,   1,  0,  kUntouched, kUntouched},
-      {"nothing fits",          0, 0,   5,  -1, kUntouched, kUntouched},
-      {"everything fits",       0, 0,   0,  -2, kUntouched, kUntouched},
-      {"would cancel if naive", 1, 1e9, 1,  2,  -1e9,       -1e-9     },
-      {"b is nothing",          1, 0,   -4, 2,  2,          -2        },
+      {"two roots", 1, -3, 2, 2, 2, 1},
+      {"double root", 1, 2, 1, 2, -1, -1},
+      {"linear", 0, 2, -8, 1, 4, kUntouched},
+      {"no real root", 1, 0, 1, 0, kUntouched, kUntouched},
+      {"nothing fits", 0, 0, 5, -1, kUntouched, kUntouched},
+      {"everything fits", 0, 0, 0, -2, kUntouched, kUntouched},
+      {"would cancel if naive", 1, 1e9, 1, 2, -1e9, -1e-9},
+      {"b is nothing", 1, 0, -4, 2, 2, -2},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -80,11 +80,7 @@ TEST(Rect, ConstructionOrdersEachAxisAlone) {
 }
 
 TEST(Rect, BoxOfPointLists) {
-  const PNT_2D points[] = {
-      {3,  1 },
-      {-1, 4 },
-      {2,  -5}
-  };
+  const PNT_2D points[] = {{3, 1}, {-1, 4}, {2, -5}};
   RECT_2D box;
   box.set(points, 3);
   EXPECT_TRUE(box == RECT_2D(-1, -5, 3, 4));
@@ -110,12 +106,12 @@ TEST(Rect, TouchingBoxesIntersect) {
     bool meets, contains;
     RECT_2D common;
   } cases[] = {
-      {"overlap",      {2, 2, 6, 6},   true, false, {2, 2, 4, 4}},
-      {"within",       {1, 1, 4, 2},   true, true,  {1, 1, 4, 2}},
-      {"around",       {-1, -1, 5, 5}, true, false, {0, 0, 4, 4}},
-      {"shared edge",  {4, 1, 6, 2},   true, false, {4, 1, 4, 2}},
-      {"shared point", {4, 4, 6, 6},   true, false, {4, 4, 4, 4}},
-      {"the same",     {0, 0, 4, 4},   true, true,  {0, 0, 4, 4}},
+      {"overlap", {2, 2, 6, 6}, true, false, {2, 2, 4, 4}},
+      {"within", {1, 1, 4, 2}, true, true, {1, 1, 4, 2}},
+      {"around", {-1, -1, 5, 5}, true, false, {0, 0, 4, 4}},
+      {"shared edge", {4, 1, 6, 2}, true, false, {4, 1, 4, 2}},
+      {"shared point", {4, 4, 6, 6}, true, false, {4, 4, 4, 4}},
+      {"the same", {0, 0, 4, 4}, true, true, {0, 0, 4, 4}},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -134,10 +130,10 @@ TEST(Rect, SeparateBoxesLeaveAnInvertedCommonPart) {
     RECT_2D other;
     PNT_2D min, max;  // of the common part
   } cases[] = {
-      {"to the right", {5, 1, 6, 2},   {5, 1}, {4, 2} },
-      {"to the left",  {-2, 1, -1, 2}, {0, 1}, {-1, 2}},
-      {"above",        {1, 5, 2, 6},   {1, 5}, {2, 4} },
-      {"below",        {1, -2, 2, -1}, {1, 0}, {2, -1}},
+      {"to the right", {5, 1, 6, 2}, {5, 1}, {4, 2}},
+      {"to the left", {-2, 1, -1, 2}, {0, 1}, {-1, 2}},
+      {"above", {1, 5, 2, 6}, {1, 5}, {2, 4}},
+      {"below", {1, -2, 2, -1}, {1, 0}, {2, -1}},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

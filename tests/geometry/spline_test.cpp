@@ -94,20 +94,20 @@ TEST(Spline, Validity) {
     const char *knots, *weights;
     bool valid;
   } cases[] = {
-      {"one cubic piece",        3, "0 0 0 0 1 1 1 1",           "",         true },
-      {"weights",                3, "0 0 0 0 1 1 1 1",           "1 2 3 4",  true },
-      {"outermost knots unused", 3, "-9 0 0 0 1 1 1 5",          "",         true },
-      {"unclamped",              3, "0 1 2 3 4 5 6 7",           "",         true },
-      {"degree 0",               0, "0 1 2 3 4",                 "",         false},
-      {"too few controls",       4, "0 0 0 0 0 1 1 1 1",         "",         false},
-      {"a knot too few",         3, "0 0 0 0 1 1 1",             "",         false},
-      {"a knot too many",        3, "0 0 0 0 1 1 1 1 1",         "",         false},
-      {"falling knots",          3, "0 0 0 0 1 1 0.5 1",         "",         false},
-      {"endless range",          3, "-1e308 -1 0 0 1 1 1 1e308", "",         false},
-      {"empty range",            3, "0 1 2 3 3 4 5 6",           "",         false},
-      {"weight 0",               3, "0 0 0 0 1 1 1 1",           "1 0 1 1",  false},
-      {"negative weight",        3, "0 0 0 0 1 1 1 1",           "1 1 -1 1", false},
-      {"a weight too few",       3, "0 0 0 0 1 1 1 1",           "1 1 1",    false},
+      {"one cubic piece", 3, "0 0 0 0 1 1 1 1", "", true},
+      {"weights", 3, "0 0 0 0 1 1 1 1", "1 2 3 4", true},
+      {"outermost knots unused", 3, "-9 0 0 0 1 1 1 5", "", true},
+      {"unclamped", 3, "0 1 2 3 4 5 6 7", "", true},
+      {"degree 0", 0, "0 1 2 3 4", "", false},
+      {"too few controls", 4, "0 0 0 0 0 1 1 1 1", "", false},
+      {"a knot too few", 3, "0 0 0 0 1 1 1", "", false},
+      {"a knot too many", 3, "0 0 0 0 1 1 1 1 1", "", false},
+      {"falling knots", 3, "0 0 0 0 1 1 0.5 1", "", false},
+      {"endless range", 3, "-1e308 -1 0 0 1 1 1 1e308", "", false},
+      {"empty range", 3, "0 1 2 3 3 4 5 6", "", false},
+      {"weight 0", 3, "0 0 0 0 1 1 1 1", "1 0 1 1", false},
+      {"negative weight", 3, "0 0 0 0 1 1 1 1", "1 1 -1 1", false},
+      {"a weight too few", 3, "0 0 0 0 1 1 1 1", "1 1 1", false},
   };
   const Points four{PNT_3D(0, 0, 0), PNT_3D(1, 2, 0), PNT_3D(3, 2, 0), PNT_3D(4, 0, 0)};
   for (const auto& t : cases) {
@@ -234,17 +234,15 @@ TEST(Spline, ClampedEndsAreExact) {
 TEST(Spline, RationalQuadraticIsTheCircle) {
   const double w = std::sqrt(0.5);
   const SPLINE_3D s = spline(2,
-                             {
-                                 {1,  0,  0},
-                                 {1,  1,  0},
-                                 {0,  1,  0},
-                                 {-1, 1,  0},
-                                 {-1, 0,  0},
-                                 {-1, -1, 0},
-                                 {0,  -1, 0},
-                                 {1,  -1, 0},
-                                 {1,  0,  0}
-  },
+                             {{1, 0, 0},
+                              {1, 1, 0},
+                              {0, 1, 0},
+                              {-1, 1, 0},
+                              {-1, 0, 0},
+                              {-1, -1, 0},
+                              {0, -1, 0},
+                              {1, -1, 0},
+                              {1, 0, 0}},
                              {0, 0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 4}, {1, w, 1, w, 1, w, 1, w, 1});
   ASSERT_TRUE(s.isValid());
   EXPECT_EQ(s.size(), 1);
@@ -273,17 +271,7 @@ TEST(Spline, PeriodicOneClosesSmoothly) {
 // Four equal knots within a cubic: two curves, and the way between them is a chord.
 TEST(Spline, JumpsAreKept) {
   const SPLINE_3D s = spline(
-      3,
-      {
-          {0, 0, 0},
-          {1, 0, 0},
-          {2, 0, 0},
-          {3, 0, 0},
-          {3, 5, 0},
-          {2, 5, 0},
-          {1, 5, 0},
-          {0, 5, 0}
-  },
+      3, {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {3, 5, 0}, {2, 5, 0}, {1, 5, 0}, {0, 5, 0}},
       {0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2});
   ASSERT_TRUE(s.isValid());
   const Points chain = chordsOf(s, 1e-3);
@@ -310,17 +298,8 @@ TEST(Spline, ChordsAreBounded) {
 }
 
 TEST(Spline, FallsBackOnItsControls) {
-  SPLINE_3D s = spline(3,
-                       {
-                           {0,     0, 0},
-                           {kNan,  1, 0},
-                           {2,     4, 0},
-                           {1e200, 0, 0}
-  },
-                       {});
-  Points polygon{
-      {9, 9, 9}
-  };
+  SPLINE_3D s = spline(3, {{0, 0, 0}, {kNan, 1, 0}, {2, 4, 0}, {1e200, 0, 0}}, {});
+  Points polygon{{9, 9, 9}};
   s.controlPolygon(polygon);
   ASSERT_EQ(polygon.size(), 3u);
   EXPECT_TRUE(polygon[0] == PNT_3D(9, 9, 9) && polygon[2] == PNT_3D(2, 4, 0));
@@ -367,13 +346,7 @@ TEST(SplineFit, PassesThroughThePointsSmoothly) {
 
 TEST(SplineFit, StraightLinesStayStraight) {
   SPLINE_3D s;
-  ASSERT_TRUE(s.createFit({
-      {0, 0,  0 },
-      {1, 2,  3 },
-      {1, 2,  3 },
-      {5, 10, 15},
-      {6, 12, 18}
-  }));
+  ASSERT_TRUE(s.createFit({{0, 0, 0}, {1, 2, 3}, {1, 2, 3}, {5, 10, 15}, {6, 12, 18}}));
   for (const PNT_3D& c : s.controls) {
     EXPECT_NEAR(c.y, 2 * c.x, 1e-14);
     EXPECT_NEAR(c.z, 3 * c.x, 1e-14);
@@ -386,33 +359,22 @@ TEST(SplineFit, RefusesWhatIsNoPath) {
     const char* name;
     Points points;
   } cases[] = {
-      {"nothing",      {}                                   },
-      {"one point",    {{1, 2, 3}}                          },
-      {"one place",    {{1, 2, 3}, {1, 2, 3}, {1, 2, 3}}    },
-      {"not a number", {{0, 0, 0}, {1, kNan, 0}, {2, 0, 0}} },
+      {"nothing", {}},
+      {"one point", {{1, 2, 3}}},
+      {"one place", {{1, 2, 3}, {1, 2, 3}, {1, 2, 3}}},
+      {"not a number", {{0, 0, 0}, {1, kNan, 0}, {2, 0, 0}}},
       {"out of reach", {{0, 0, 0}, {1, 1e150, 0}, {2, 0, 0}}},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
-    SPLINE_3D s = spline(1,
-                         {
-                             {0, 0, 0},
-                             {1, 1, 1}
-    },
-                         {0, 0, 1, 1});
+    SPLINE_3D s = spline(1, {{0, 0, 0}, {1, 1, 1}}, {0, 0, 1, 1});
     EXPECT_FALSE(s.createFit(t.points));
     EXPECT_EQ(s.degree, 1);
     EXPECT_EQ(s.controls.size(), 2u);
   }
   SPLINE_3D s;
   const PNT_3D none(0, 0, 0), lost(kNan, 0, 0);
-  ASSERT_TRUE(s.createFit(
-      {
-          {0, 0, 0},
-          {1, 1, 0},
-          {2, 0, 0}
-  },
-      &none, &lost));
+  ASSERT_TRUE(s.createFit({{0, 0, 0}, {1, 1, 0}, {2, 0, 0}}, &none, &lost));
   EXPECT_LT((s.controls[1] - s.controls[0]).dist(s.controls[2] - s.controls[1]), 1e-15);
 }
 

@@ -118,9 +118,7 @@ class AreaMaker {
 
   /// Walls along the axes, as buildings have them: every edge may lie on a line.
   Rings stairArea() {
-    Points ring = {
-        {0, 0, 0}
-    };
+    Points ring = {{0, 0, 0}};
     const int steps = whole(2, 15);
     for (int i = 0; i < steps; ++i) {
       const double x = ring.back().x + whole(1, 3);

@@ -48,15 +48,15 @@ TEST(HatchRings, AreReadFromABoundary) {
     const char* boundary;
     const char* rings;
   } cases[] = {
-      {"nothing",                      "",                                ""                           },
-      {"open ring",                    "0,0 4,0 4,4",                     "0,0 4,0 4,4"                },
-      {"closed ring",                  "0,0 4,0 4,4 0,0",                 "0,0 4,0 4,4"                },
-      {"two rings",                    "0,0 9,0 9,9 0,0 5,1 6,1 6,2 5,1", "0,0 9,0 9,9 / 5,1 6,1 6,2"  },
-      {"the last does not close",      "0,0 9,0 9,9 0,0 5,1 6,1 6,2",     "0,0 9,0 9,9 0,0 5,1 6,1 6,2"},
-      {"starts with the point twice",  "0,0 0,0 4,0 4,4 0,0",             "0,0 0,0 4,0 4,4"            },
+      {"nothing", "", ""},
+      {"open ring", "0,0 4,0 4,4", "0,0 4,0 4,4"},
+      {"closed ring", "0,0 4,0 4,4 0,0", "0,0 4,0 4,4"},
+      {"two rings", "0,0 9,0 9,9 0,0 5,1 6,1 6,2 5,1", "0,0 9,0 9,9 / 5,1 6,1 6,2"},
+      {"the last does not close", "0,0 9,0 9,9 0,0 5,1 6,1 6,2", "0,0 9,0 9,9 0,0 5,1 6,1 6,2"},
+      {"starts with the point twice", "0,0 0,0 4,0 4,4 0,0", "0,0 0,0 4,0 4,4"},
       {"rings with a point in common", "0,0 9,0 9,9 0,0 5,1 9,9 6,2 5,1",
-       "0,0 9,0 9,9 / 5,1 9,9 6,2"                                                                     },
-      {"other height does not close",  "0,0,1 4,0,1 4,4,1 0,0,0",         "0,0 4,0 4,4 0,0"            },
+       "0,0 9,0 9,9 / 5,1 9,9 6,2"},
+      {"other height does not close", "0,0,1 4,0,1 4,4,1 0,0,0", "0,0 4,0 4,4 0,0"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -65,14 +65,7 @@ TEST(HatchRings, AreReadFromABoundary) {
 }
 
 TEST(HatchRings, ZeroHasNoSign) {
-  EXPECT_EQ(hatchRings({
-                {0.0,  1, 0   },
-                {4,    0, 0   },
-                {4,    4, 0   },
-                {-0.0, 1, -0.0}
-  })[0]
-                .count,
-            3u);
+  EXPECT_EQ(hatchRings({{0.0, 1, 0}, {4, 0, 0}, {4, 4, 0}, {-0.0, 1, -0.0}})[0].count, 3u);
 }
 
 TEST(JoinHatchRings, StoresWhatCanBeReadBack) {
@@ -81,22 +74,22 @@ TEST(JoinHatchRings, StoresWhatCanBeReadBack) {
     const char* rings;
     const char* boundary;
   } cases[] = {
-      {"nothing",                  "",                                                ""                               },
-      {"one ring stays open",      "0,0 4,0 4,4 0,0",                                 "0,0 4,0 4,4"                    },
-      {"two are closed",           "0,0 9,0 9,9/5,1 6,1 6,2 5,1",                     "0,0 9,0 9,9 0,0 5,1 6,1 6,2 5,1"},
-      {"too few points",           "0,0 9,0 9,9/5,1 6,1/7,7",                         "0,0 9,0 9,9"                    },
-      {"equal neighbours",         "0,0 0,0 9,0 9,9/5,1 6,1 6,1 6,2 5,1 5,1",
-       "0,0 9,0 9,9 0,0 5,1 6,1 6,2 5,1"                                                                               },
-      {"start is shared",          "0,0 9,0 9,9/0,0 5,1 5,2",                         "9,0 9,9 0,0 9,0 5,1 5,2 0,0 5,1"},
-      {"all is shared",            "0,0 9,0 9,9/0,0 9,0 9,9",                         "0,0 9,0 9,9 0,0 0,0 9,0 9,9 0,0"},
+      {"nothing", "", ""},
+      {"one ring stays open", "0,0 4,0 4,4 0,0", "0,0 4,0 4,4"},
+      {"two are closed", "0,0 9,0 9,9/5,1 6,1 6,2 5,1", "0,0 9,0 9,9 0,0 5,1 6,1 6,2 5,1"},
+      {"too few points", "0,0 9,0 9,9/5,1 6,1/7,7", "0,0 9,0 9,9"},
+      {"equal neighbours", "0,0 0,0 9,0 9,9/5,1 6,1 6,1 6,2 5,1 5,1",
+       "0,0 9,0 9,9 0,0 5,1 6,1 6,2 5,1"},
+      {"start is shared", "0,0 9,0 9,9/0,0 5,1 5,2", "9,0 9,9 0,0 9,0 5,1 5,2 0,0 5,1"},
+      {"all is shared", "0,0 9,0 9,9/0,0 9,0 9,9", "0,0 9,0 9,9 0,0 0,0 9,0 9,9 0,0"},
       {"start occurs twice in it", "0,0 1,0 1,1 0,0 9,0 9,9/5,1 6,1 6,2",
-       "1,0 1,1 0,0 9,0 9,9 0,0 1,0 5,1 6,1 6,2 5,1"                                                                   },
-      {"every point twice in it",  "0,0 1,0 1,1 0,0 1,0 1,1/5,1 6,1 6,2",
-       "0,0 1,0 1,1 0,0 0,0 1,0 1,1 0,0 5,1 6,1 6,2 5,1"                                                               },
-      {"looks like three rings",   "0,0 1,0 1,1 0,0 5,0 6,0 6,1 5,0 2,5 3,5 3,6 2,5",
-       "1,0 1,1 0,0 5,0 6,0 6,1 5,0 2,5 3,5 3,6 2,5 0,0"                                                               },
-      {"there and back",           "0,0 1,0 0,0 1,0/5,1 6,1 6,2/0,4 1,4 1,5",
-       "5,1 6,1 6,2 5,1 0,4 1,4 1,5 0,4"                                                                               },
+       "1,0 1,1 0,0 9,0 9,9 0,0 1,0 5,1 6,1 6,2 5,1"},
+      {"every point twice in it", "0,0 1,0 1,1 0,0 1,0 1,1/5,1 6,1 6,2",
+       "0,0 1,0 1,1 0,0 0,0 1,0 1,1 0,0 5,1 6,1 6,2 5,1"},
+      {"looks like three rings", "0,0 1,0 1,1 0,0 5,0 6,0 6,1 5,0 2,5 3,5 3,6 2,5",
+       "1,0 1,1 0,0 5,0 6,0 6,1 5,0 2,5 3,5 3,6 2,5 0,0"},
+      {"there and back", "0,0 1,0 0,0 1,0/5,1 6,1 6,2/0,4 1,4 1,5",
+       "5,1 6,1 6,2 5,1 0,4 1,4 1,5 0,4"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -141,14 +134,14 @@ TEST(CompactVertex, Cases) {
     const char* in;
     const char* out;
   } cases[] = {
-      {"nothing",                   "",                                        ""                               },
-      {"closing point",             "0,0 4,0 4,4 0,0",                         "0,0 4,0 4,4"                    },
-      {"several of them",           "0,0 4,0 4,4 0,0 0,0",                     "0,0 4,0 4,4"                    },
-      {"equal neighbours",          "0,0 0,0 4,0 4,0 4,4",                     "0,0 4,0 4,4"                    },
-      {"no area",                   "0,0 4,0 0,0",                             ""                               },
-      {"two rings",                 "0,0 9,0 9,9 9,9 0,0 5,1 5,1 6,1 6,2 5,1", "0,0 9,0 9,9 0,0 5,1 6,1 6,2 5,1"},
-      {"one of two rings is left",  "0,0 9,0 9,9 0,0 5,1 6,1 5,1",             "0,0 9,0 9,9"                    },
-      {"same place at two heights", "0,0,0 0,0,1 4,0,0 4,4,0",                 "0,0 0,0 4,0 4,4"                },
+      {"nothing", "", ""},
+      {"closing point", "0,0 4,0 4,4 0,0", "0,0 4,0 4,4"},
+      {"several of them", "0,0 4,0 4,4 0,0 0,0", "0,0 4,0 4,4"},
+      {"equal neighbours", "0,0 0,0 4,0 4,0 4,4", "0,0 4,0 4,4"},
+      {"no area", "0,0 4,0 0,0", ""},
+      {"two rings", "0,0 9,0 9,9 9,9 0,0 5,1 5,1 6,1 6,2 5,1", "0,0 9,0 9,9 0,0 5,1 6,1 6,2 5,1"},
+      {"one of two rings is left", "0,0 9,0 9,9 0,0 5,1 6,1 5,1", "0,0 9,0 9,9"},
+      {"same place at two heights", "0,0,0 0,0,1 4,0,0 4,4,0", "0,0 0,0 4,0 4,4"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -160,12 +153,7 @@ TEST(CompactVertex, Cases) {
 
 TEST(JoinHatchRings, TakesNumbersThatAreNone) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
-  const Points ring = {
-      {nan, 0,   0  },
-      {1,   nan, 0  },
-      {nan, 0,   0  },
-      {1,   1,   nan}
-  };
+  const Points ring = {{nan, 0, 0}, {1, nan, 0}, {nan, 0, 0}, {1, 1, nan}};
   const Points boundary = joinHatchRings({ring, ring, pts("0,0 1,0 1,1")});
   EXPECT_FALSE(hatchRings(boundary).empty());
 }

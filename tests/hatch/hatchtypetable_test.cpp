@@ -10,10 +10,7 @@
 
 namespace {
 
-const HATCH_LINE kDashed = {
-    0.5, 1, 2, 3, 4, {5, -6, 0, -7},
-         4
-};
+const HATCH_LINE kDashed = {0.5, 1, 2, 3, 4, {5, -6, 0, -7}, 4};
 
 TEST(HatchTypeTable, StoresEqualContentOnce) {
   CHatchTypeTable table;
@@ -62,9 +59,9 @@ TEST(HatchTypeTable, WhatDrawsTheSameIsTheSame) {
     const char* name;
     HATCH_LINE a, b;
   } cases[] = {
-      {"signs of zero",         zeros,   negative},
-      {"behind the last dash",  kDashed, tail    },
-      {"numbers that are none", none,    none    },
+      {"signs of zero", zeros, negative},
+      {"behind the last dash", kDashed, tail},
+      {"numbers that are none", none, none},
   };
   for (const auto& t : cases) {
     CHatchTypeTable table;

@@ -31,12 +31,7 @@ double signedArea(const HATCH_RING& ring) {
 double area(const HATCH_RING& ring) { return std::fabs(signedArea(ring)); }
 
 HATCH_RING square(double x, double y, double size) {
-  return {
-      {x,        y,        0},
-      {x + size, y,        0},
-      {x + size, y + size, 0},
-      {x,        y + size, 0}
-  };
+  return {{x, y, 0}, {x + size, y, 0}, {x + size, y + size, 0}, {x, y + size, 0}};
 }
 
 // Coordinates in turn, x and y.
@@ -171,12 +166,7 @@ TEST(HatchLoopBuilder, CurvesGetCoarseWhenThereIsNoRoom) {
   EXPECT_FALSE(loop.isCoarse());
   EXPECT_TRUE(loop.addArc({9, 0, 0}, 1, 0, 2 * kPi, false));
   EXPECT_TRUE(loop.isCoarse());
-  EXPECT_TRUE(loop.addPolyline(
-      {
-          {0, 9, 0},
-          {2, 9, 0}
-  },
-      {1, 1}, true));
+  EXPECT_TRUE(loop.addPolyline({{0, 9, 0}, {2, 9, 0}}, {1, 1}, true));
   EXPECT_TRUE(loop.build(rings));
   ASSERT_EQ(rings.size(), 3u);
   EXPECT_GT(rings[0].size(), 200u);
@@ -199,12 +189,7 @@ TEST(HatchLoopBuilder, RefusesBrokenEdges) {
   EXPECT_FALSE(b.addEllipse({0, 0, 0}, {1, 0, 0}, 0, 0, 1, true));
   EXPECT_FALSE(b.addSpline(SPLINE_3D()));
   EXPECT_FALSE(b.addPolyline({}, {}, true));
-  EXPECT_FALSE(b.addPolyline(
-      {
-          {0, 0, 0   },
-          {1, 1, kNan}
-  },
-      {}, true));
+  EXPECT_FALSE(b.addPolyline({{0, 0, 0}, {1, 1, kNan}}, {}, true));
   EXPECT_TRUE(b.empty());
   Rings rings;
   EXPECT_TRUE(b.build(rings));
@@ -298,11 +283,7 @@ TEST(HatchLoopBuilder, SharedVertexesFillTheSame) {
   Rings wedges;
   for (int k = 0; k < 20; ++k) {
     const double a = 2 * kPi * k / 20, b = a + 0.2;
-    wedges.push_back({
-        {0,           0,           0},
-        {std::cos(a), std::sin(a), 0},
-        {std::cos(b), std::sin(b), 0}
-    });
+    wedges.push_back({{0, 0, 0}, {std::cos(a), std::sin(a), 0}, {std::cos(b), std::sin(b), 0}});
   }
   std::vector<std::pair<PNT_3D, PNT_3D>> edges;
   for (const HATCH_RING& w : wedges) {
@@ -330,9 +311,9 @@ TEST(HatchLoopBuilder, ManyLooseEdges) {
     const char* name;
     double spread;  // of the beginnings
   } cases[] = {
-      {"anywhere",              1   },
+      {"anywhere", 1},
       {"crowded, not the same", 1e-8},
-      {"from one point",        0   },
+      {"from one point", 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -375,9 +356,7 @@ TEST(ApplyHatchStyle, Nesting) {
   std::vector<Case> cases;
   const auto add = [&](const char* name, const Rings& rings, std::size_t outermost,
                        std::size_t ignore) {
-    cases.push_back({
-        name, rings, {outermost, ignore}
-    });
+    cases.push_back({name, rings, {outermost, ignore}});
   };
   add("nothing", {}, 0, 0);
   add("four levels, inner first",
@@ -474,11 +453,7 @@ TEST(ApplyHatchStyle, EntangledRingsEnd) {
   Rings rings;
   for (int i = 0; i < 2000; ++i) {
     const double e = 1e-3 * i;
-    rings.push_back({
-        {-e,    -e + 10,  0},
-        {9 + e, 1000 + e, 0},
-        {-e,    1000 + e, 0}
-    });
+    rings.push_back({{-e, -e + 10, 0}, {9 + e, 1000 + e, 0}, {-e, 1000 + e, 0}});
   }
   for (int i = 0; i < 2000; ++i) rings.push_back(square(8 - 1e-4 * i, 11, 1e-5));
   Rings outer = rings;

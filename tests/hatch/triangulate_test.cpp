@@ -42,11 +42,7 @@ double areaOf(const Faces& faces) {
 }
 
 bool contains(const HatchFace& face, double x, double y) {
-  return contains(
-      Rings{
-          {face.p, face.p + 4}
-  },
-      x, y);
+  return contains(Rings{{face.p, face.p + 4}}, x, y);
 }
 
 // The area the slow way: between the heights of all corners and of all crossings, each
@@ -105,22 +101,22 @@ TEST(FillSolid, Cases) {
     std::size_t faces;
     double size;
   } cases[] = {
-      {"nothing",                      "",                                0, 0 },
-      {"two points",                   "0,0 9,9",                         0, 0 },
-      {"square",                       "0,0 4,0 4,4 0,4",                 1, 16},
-      {"whichever way round",          "0,4 4,4 4,0 0,0",                 1, 16},
-      {"points in line",               "0,0 2,0 4,0 4,4 2,4 0,4",         1, 16},
-      {"triangle",                     "0,0 4,0 4,4",                     1, 8 },
-      {"no area",                      "0,0 4,0 2,0",                     0, 0 },
-      {"spike",                        "0,0 4,0 4,4 9,9 4,4 0,4",         1, 16},
-      {"crosses itself",               "0,0 4,4 4,0 0,4",                 4, 8 },
-      {"touches itself",               "0,0 4,4 8,0 8,8 4,4 0,8",         4, 32},
-      {"run twice",                    "0,0 4,0 4,4 0,0 4,0 4,4",         0, 0 },
-      {"hole",                         "0,0 9,0 9,9 0,9/3,3 6,3 6,6 3,6", 4, 72},
-      {"hole that touches the edge",   "0,0 9,0 9,9 0,9/0,3 6,3 6,6 0,6", 3, 63},
-      {"hole that touches the corner", "0,0 9,0 9,9 0,9/0,0 6,3 6,6",     4, 72},
-      {"rings that overlap",           "0,0 6,0 6,6 0,6/3,3 9,3 9,9 3,9", 4, 54},
-      {"star of one line",             "0,-10 6,8 -9,-3 9,-3 -6,8",       7, 0 },
+      {"nothing", "", 0, 0},
+      {"two points", "0,0 9,9", 0, 0},
+      {"square", "0,0 4,0 4,4 0,4", 1, 16},
+      {"whichever way round", "0,4 4,4 4,0 0,0", 1, 16},
+      {"points in line", "0,0 2,0 4,0 4,4 2,4 0,4", 1, 16},
+      {"triangle", "0,0 4,0 4,4", 1, 8},
+      {"no area", "0,0 4,0 2,0", 0, 0},
+      {"spike", "0,0 4,0 4,4 9,9 4,4 0,4", 1, 16},
+      {"crosses itself", "0,0 4,4 4,0 0,4", 4, 8},
+      {"touches itself", "0,0 4,4 8,0 8,8 4,4 0,8", 4, 32},
+      {"run twice", "0,0 4,0 4,4 0,0 4,0 4,4", 0, 0},
+      {"hole", "0,0 9,0 9,9 0,9/3,3 6,3 6,6 3,6", 4, 72},
+      {"hole that touches the edge", "0,0 9,0 9,9 0,9/0,3 6,3 6,6 0,6", 3, 63},
+      {"hole that touches the corner", "0,0 9,0 9,9 0,9/0,0 6,3 6,6", 4, 72},
+      {"rings that overlap", "0,0 6,0 6,6 0,6/3,3 9,3 9,9 3,9", 4, 54},
+      {"star of one line", "0,-10 6,8 -9,-3 9,-3 -6,8", 7, 0},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -132,13 +128,7 @@ TEST(FillSolid, Cases) {
 
 TEST(FillSolid, TrianglesRepeatTheirThirdCornerAtTheHeightOfTheFirstPoint) {
   Faces faces;
-  fillSolid(
-      {
-          {0, 0, 7},
-          {4, 0, 8},
-          {4, 4, 9}
-  },
-      10, faces);
+  fillSolid({{0, 0, 7}, {4, 0, 8}, {4, 4, 9}}, 10, faces);
   ASSERT_EQ(faces.size(), 1u);
   EXPECT_EQ(faces[0].p[3], faces[0].p[2]);
   for (const PNT_3D& p : faces[0].p) EXPECT_EQ(p.z, 7);
@@ -161,11 +151,7 @@ TEST(FillSolid, TakesEdgesThatNearlyCoincide) {
   for (unsigned seed = 0; seed < 300; ++seed) {
     SCOPED_TRACE(seed);
     AreaMaker make(seed);
-    Points ring = {
-        {0,  0, 0},
-        {10, 3, 0},
-        {10, 5, 0}
-    };
+    Points ring = {{0, 0, 0}, {10, 3, 0}, {10, 5, 0}};
     for (int i = make.whole(2, 60); i > 0; --i) {
       const double x = make.number(0, 10);
       ring.emplace_back(x, x * 0.3, 0);
@@ -191,14 +177,7 @@ TEST(FillSolid, RefusesCoordinatesThatAreNone) {
   const double inf = std::numeric_limits<double>::infinity();
   for (const double bad : {inf, -inf, std::nan(""), 1e200}) {
     Faces faces = fill(rings("0,0 4,0 4,4"));
-    EXPECT_EQ(fillSolid(
-                  {
-                      {0,   0, 0},
-                      {bad, 0, 0},
-                      {4,   4, 0}
-    },
-                  1e6, faces),
-              HatchStatus::BadBoundary);
+    EXPECT_EQ(fillSolid({{0, 0, 0}, {bad, 0, 0}, {4, 4, 0}}, 1e6, faces), HatchStatus::BadBoundary);
     EXPECT_TRUE(faces.empty());
   }
 }

@@ -52,22 +52,22 @@ TEST(LtypeLoader, Files) {
     std::string bytes;
     const char* names;  // with their descriptions
   } cases[] = {
-      {"nothing",                  "",                                ""                },
-      {"comments only",            ";; a\n;;*b,c\n",                  ""                },
-      {"two definitions",          "*A,first\nA,1\n*B,second\nA,2\n", "A=first B=second"},
-      {"no comma, no description", "*A\nA,1\n",                       "A="              },
-      {"commas in a description",  "*A,x,y\nA,1\n",                   "A=x,y"           },
-      {"other lines are skipped",  "title\n; note\n*A,\nA,1\nA,2\n",  "A="              },
-      {"comments between",         "*A,\n\n;; c\n \t\nA,1\n",         "A="              },
-      {"the pattern is missing",   "*A,\nA,1\n*B,",                   "A="              },
-      {"a name twice",             "*A,1\nA,1\n*a,2\nA,2\n",          "A=1 a=2"         },
-      {"no name",                  "*,d\nA,1\n",                      "=d"              },
-      {"CR LF",                    "*A,d\r\nA,1\r\n",                 "A=d"             },
-      {"trailing blanks",          "*A,d \t\nA,1\n",                  "A=d"             },
-      {"UTF-8 behind a mark",      "\xEF\xBB\xBF*\u00E9,\nA,1\n",     "\u00E9="         },
-      {"Windows 1252",             "*\xE9,\nA,1\n",                   "\u00E9="         },
-      {"an escape",                "*\\U+4E2D,\\U+00e9\nA,1\n",       "\u4E2D=\u00E9"   },
-      {"no escape",                "*\\U+4E2,\\U+\nA,1\n",            "\\U+4E2=\\U+"    },
+      {"nothing", "", ""},
+      {"comments only", ";; a\n;;*b,c\n", ""},
+      {"two definitions", "*A,first\nA,1\n*B,second\nA,2\n", "A=first B=second"},
+      {"no comma, no description", "*A\nA,1\n", "A="},
+      {"commas in a description", "*A,x,y\nA,1\n", "A=x,y"},
+      {"other lines are skipped", "title\n; note\n*A,\nA,1\nA,2\n", "A="},
+      {"comments between", "*A,\n\n;; c\n \t\nA,1\n", "A="},
+      {"the pattern is missing", "*A,\nA,1\n*B,", "A="},
+      {"a name twice", "*A,1\nA,1\n*a,2\nA,2\n", "A=1 a=2"},
+      {"no name", "*,d\nA,1\n", "=d"},
+      {"CR LF", "*A,d\r\nA,1\r\n", "A=d"},
+      {"trailing blanks", "*A,d \t\nA,1\n", "A=d"},
+      {"UTF-8 behind a mark", "\xEF\xBB\xBF*\u00E9,\nA,1\n", "\u00E9="},
+      {"Windows 1252", "*\xE9,\nA,1\n", "\u00E9="},
+      {"an escape", "*\\U+4E2D,\\U+00e9\nA,1\n", "\u4E2D=\u00E9"},
+      {"no escape", "*\\U+4E2,\\U+\nA,1\n", "\\U+4E2=\\U+"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -90,29 +90,29 @@ TEST(LtypeLoader, Patterns) {
     const char* line;
     std::string elements;
   } cases[] = {
-      {"dash, gap, dot",           "A,1,-.5,0,+2",                        "1.0 -0.5 0.0 2.0"           },
-      {"alignment in any dress",   " a ,1",                               "1.0"                        },
-      {"no alignment",             "1,-1",                                "1.0 -1.0"                   },
-      {"A is the alignment first", "A,A,1",                               "0.0 1.0"                    },
-      {"alignment alone",          "A",                                   ""                           },
-      {"blanks",                   "A, 1 ,\t-2 ",                         "1.0 -2.0"                   },
-      {"nothing between commas",   "A,1,,2,",                             "1.0 2.0"                    },
-      {"malformed",                "A,x,1.5y,-",                          "0.0 1.5 0.0"                },
-      {"not finite",               "A,1e999,nan,1",                       "0.0 0.0 1.0"                },
-      {"exponent",                 "A,1e-3",                              "0.001"                      },
-      {"text",                     "A,[\"HW\",ST,S=.1,R=90,X=-.2,Y=3],1", "HW/ST/0.1/90.0/-0.2/3.0 1.0"},
-      {"small letters, any order", "A,[\"a\",ST,y=1,x=2,r=3,s=4]",        "a/ST/4.0/3.0/2.0/1.0"       },
-      {"parameters missing",       "A,[\"a\",ST]",                        "a/ST" + plain               },
-      {"unknown ones are ignored", "A,[\"a\",ST,U=5,S=2,SX=7,Q]",         "a/ST/2.0/0.0/0.0/0.0"       },
-      {"no style",                 "A,[\"a\",,S=2]",                      "a/none/2.0/0.0/0.0/0.0"     },
-      {"text alone",               "A,[\"a\"]",                           "a/none" + plain             },
-      {"separators in quotes",     "A,[\"a,]b\",ST],1",                   "a,]b/ST" + plain + " 1.0"   },
-      {"blanks in brackets",       "A, [ \" a \" , ST , S = 2 ] ,1",      " a /ST/2.0/0.0/0.0/0.0 1.0" },
-      {"junk behind a bracket",    "A,[\"a\",ST]x,1",                     "a/ST" + plain + " 1.0"      },
-      {"bracket never closed",     "A,[\"a\",ST,S=2,1,-1",                "a/ST/2.0/0.0/0.0/0.0"       },
-      {"quote never closed",       "A,[\"a,ST,S=2],1",                    "a,ST,S=2],1/none" + plain   },
-      {"bracket alone",            "A,1,[",                               "1.0"                        },
-      {"shapes are left out",      "A,1,[BOX,f.shx,x=-.1,s=.1],-1",       "1.0 -1.0"                   },
+      {"dash, gap, dot", "A,1,-.5,0,+2", "1.0 -0.5 0.0 2.0"},
+      {"alignment in any dress", " a ,1", "1.0"},
+      {"no alignment", "1,-1", "1.0 -1.0"},
+      {"A is the alignment first", "A,A,1", "0.0 1.0"},
+      {"alignment alone", "A", ""},
+      {"blanks", "A, 1 ,\t-2 ", "1.0 -2.0"},
+      {"nothing between commas", "A,1,,2,", "1.0 2.0"},
+      {"malformed", "A,x,1.5y,-", "0.0 1.5 0.0"},
+      {"not finite", "A,1e999,nan,1", "0.0 0.0 1.0"},
+      {"exponent", "A,1e-3", "0.001"},
+      {"text", "A,[\"HW\",ST,S=.1,R=90,X=-.2,Y=3],1", "HW/ST/0.1/90.0/-0.2/3.0 1.0"},
+      {"small letters, any order", "A,[\"a\",ST,y=1,x=2,r=3,s=4]", "a/ST/4.0/3.0/2.0/1.0"},
+      {"parameters missing", "A,[\"a\",ST]", "a/ST" + plain},
+      {"unknown ones are ignored", "A,[\"a\",ST,U=5,S=2,SX=7,Q]", "a/ST/2.0/0.0/0.0/0.0"},
+      {"no style", "A,[\"a\",,S=2]", "a/none/2.0/0.0/0.0/0.0"},
+      {"text alone", "A,[\"a\"]", "a/none" + plain},
+      {"separators in quotes", "A,[\"a,]b\",ST],1", "a,]b/ST" + plain + " 1.0"},
+      {"blanks in brackets", "A, [ \" a \" , ST , S = 2 ] ,1", " a /ST/2.0/0.0/0.0/0.0 1.0"},
+      {"junk behind a bracket", "A,[\"a\",ST]x,1", "a/ST" + plain + " 1.0"},
+      {"bracket never closed", "A,[\"a\",ST,S=2,1,-1", "a/ST/2.0/0.0/0.0/0.0"},
+      {"quote never closed", "A,[\"a,ST,S=2],1", "a,ST,S=2],1/none" + plain},
+      {"bracket alone", "A,1,[", "1.0"},
+      {"shapes are left out", "A,1,[BOX,f.shx,x=-.1,s=.1],-1", "1.0 -1.0"},
   };
   for (const auto& t : cases) EXPECT_EQ(patternOf(t.line), t.elements) << t.name;
 }
@@ -122,16 +122,9 @@ TEST(LtypeLoader, RotationsLieWithinOneTurn) {
     const char* degrees;
     double radians;  // -1: any
   } cases[] = {
-      {"-90",    3 * kPi / 2},
-      {"270",    3 * kPi / 2},
-      {"360",    0          },
-      {"-360",   0          },
-      {"1e300",  -1         },
-      {"-1e300", -1         },
-      {"1e999",  0          },
-      {"nan",    0          },
-      {"7290",   kPi / 2    },
-      {"-36090", 3 * kPi / 2},
+      {"-90", 3 * kPi / 2}, {"270", 3 * kPi / 2},    {"360", 0},   {"-360", 0},
+      {"1e300", -1},        {"-1e300", -1},          {"1e999", 0}, {"nan", 0},
+      {"7290", kPi / 2},    {"-36090", 3 * kPi / 2},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.degrees);
@@ -169,12 +162,9 @@ TEST(LtypeLoader, TheReportNamesWhatWasNotTaken) {
     const char* code;
     std::u16string_view sample;
   } cases[] = {
-      {"A,[BOX,f.shx]", "shape-left-out",   u"BOX"    },
-      {"A,x",           "number-expected",  u"x"      },
-      {"A,1e999",       "number-range",     u"1e999"  },
-      {"A,1,,2",        "empty-field",      u""       },
-      {"A,[\"a\",S",    "unclosed-element", u"\"a\",S"},
-      {"*B,\nA,1",      "missing-pattern",  u"N"      },
+      {"A,[BOX,f.shx]", "shape-left-out", u"BOX"},    {"A,x", "number-expected", u"x"},
+      {"A,1e999", "number-range", u"1e999"},          {"A,1,,2", "empty-field", u""},
+      {"A,[\"a\",S", "unclosed-element", u"\"a\",S"}, {"*B,\nA,1", "missing-pattern", u"N"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.code);

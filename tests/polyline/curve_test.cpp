@@ -46,33 +46,24 @@ TEST(Curve, NumberOfVertexes) {
     int chords;
     std::size_t vertexes;
   } cases[] = {
-      {"no controls",                   kSpline, 3,  0, true,  8,   0  },
-      {"two controls stay",             kSpline, 3,  2, false, 8,   2  },
-      {"not a curve",                   0,       3,  5, false, 8,   5  },
-      {"both bits",                     6,       3,  5, false, 8,   5  },
-      {"open spline",                   kSpline, 3,  5, false, 8,   33 },
-      {"closed spline",                 kSpline, 3,  5, true,  8,   40 },
-      {"degree above the controls",     kSpline, 3,  3, false, 8,   17 },
-      {"degree out of range",           kSpline, 99, 5, false, 8,   33 },
-      {"negative degree",               kSpline, -9, 5, false, 8,   33 },
-      {"too few chords",                kSpline, 3,  5, false, 0,   9  },
-      {"too many chords",               kSpline, 3,  5, false, 999, 257},
-      {"Bezier, pieces fit",            kBezier, 3,  7, false, 8,   49 },
-      {"Bezier, one span left over",    kBezier, 3,  8, false, 8,   57 },
-      {"Bezier, closed, two left over", kBezier, 3,  5, true,  8,   40 },
-      {"open fit: joints between",      kFit,    0,  5, false, 8,   9  },
-      {"closed fit",                    kFit,    0,  5, true,  8,   10 },
+      {"no controls", kSpline, 3, 0, true, 8, 0},
+      {"two controls stay", kSpline, 3, 2, false, 8, 2},
+      {"not a curve", 0, 3, 5, false, 8, 5},
+      {"both bits", 6, 3, 5, false, 8, 5},
+      {"open spline", kSpline, 3, 5, false, 8, 33},
+      {"closed spline", kSpline, 3, 5, true, 8, 40},
+      {"degree above the controls", kSpline, 3, 3, false, 8, 17},
+      {"degree out of range", kSpline, 99, 5, false, 8, 33},
+      {"negative degree", kSpline, -9, 5, false, 8, 33},
+      {"too few chords", kSpline, 3, 5, false, 0, 9},
+      {"too many chords", kSpline, 3, 5, false, 999, 257},
+      {"Bezier, pieces fit", kBezier, 3, 7, false, 8, 49},
+      {"Bezier, one span left over", kBezier, 3, 8, false, 8, 57},
+      {"Bezier, closed, two left over", kBezier, 3, 5, true, 8, 40},
+      {"open fit: joints between", kFit, 0, 5, false, 8, 9},
+      {"closed fit", kFit, 0, 5, true, 8, 10},
   };
-  const std::vector<PNT_2D> ring{
-      {0,  0 },
-      {5,  -1},
-      {9,  2 },
-      {9,  7 },
-      {5,  9 },
-      {1,  8 },
-      {-2, 5 },
-      {-2, 2 }
-  };
+  const std::vector<PNT_2D> ring{{0, 0}, {5, -1}, {9, 2}, {9, 7}, {5, 9}, {1, 8}, {-2, 5}, {-2, 2}};
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
     const Vertexes controls = frame({ring.begin(), ring.begin() + static_cast<long>(t.controls)});
@@ -176,14 +167,7 @@ TEST(Curve, ClosedSplineAtItsKnots) {
 
 // At its inner knots a clamped cubic is smooth: no kink, however far the controls.
 TEST(Curve, SplinesTurnSlowly) {
-  const Vertexes zigzag = frame({
-      {0,  0 },
-      {10, 10},
-      {20, 0 },
-      {30, 10},
-      {40, 0 },
-      {50, 10}
-  });
+  const Vertexes zigzag = frame({{0, 0}, {10, 10}, {20, 0}, {30, 10}, {40, 0}, {50, 10}});
   const Vertexes curve = curveVertexes(zigzag, kSpline, 3, false, 64);
   for (std::size_t i = 0; i + 2 < curve.size(); ++i) {
     const double a = pnt(curve[i]).angle(pnt(curve[i + 1]));
@@ -213,18 +197,8 @@ TEST(Curve, ReversedControlsGiveTheReversedCurve) {
 }
 
 TEST(Curve, WidthsFollowTheFrame) {
-  Vertexes controls = frame({
-      {0,  0},
-      {10, 0},
-      {20, 0},
-      {30, 0}
-  });
-  const double widths[][2] = {
-      {1, 3},
-      {3, 0},
-      {8, 8},
-      {5, 5}
-  };
+  Vertexes controls = frame({{0, 0}, {10, 0}, {20, 0}, {30, 0}});
+  const double widths[][2] = {{1, 3}, {3, 0}, {8, 8}, {5, 5}};
   for (std::size_t i = 0; i < 4; ++i) {
     controls[i].widthStart = widths[i][0];
     controls[i].widthEnd = widths[i][1];
@@ -233,14 +207,7 @@ TEST(Curve, WidthsFollowTheFrame) {
     SCOPED_TRACE(type);
     const Vertexes curve = curveVertexes(controls, type, 3, false, 2);
     ASSERT_EQ(curve.size(), 7u);
-    const double want[][2] = {
-        {1,   2  },
-        {2,   3  },
-        {3,   1.5},
-        {1.5, 0  },
-        {8,   8  },
-        {8,   8  }
-    };
+    const double want[][2] = {{1, 2}, {2, 3}, {3, 1.5}, {1.5, 0}, {8, 8}, {8, 8}};
     for (std::size_t i = 0; i < 6; ++i) {
       EXPECT_DOUBLE_EQ(curve[i].widthStart, want[i][0]) << "vertex " << i;
       EXPECT_DOUBLE_EQ(curve[i].widthEnd, want[i][1]) << "vertex " << i;
@@ -250,12 +217,7 @@ TEST(Curve, WidthsFollowTheFrame) {
 
 // A closed cubic begins at the second control, so it must begin with that one's width.
 TEST(Curve, WidthsOfAClosedSplineAreThoseOfTheNearControls) {
-  Vertexes controls = frame({
-      {0,  0 },
-      {10, 0 },
-      {10, 10},
-      {0,  10}
-  });
+  Vertexes controls = frame({{0, 0}, {10, 0}, {10, 10}, {0, 10}});
   for (std::size_t i = 0; i < 4; ++i) {
     controls[i].widthStart = static_cast<double>(i);
     controls[i].widthEnd = static_cast<double>((i + 1) % 4);
@@ -326,13 +288,7 @@ TEST(FitCurve, PassesThroughAllControlsWithoutAKink) {
 }
 
 TEST(FitCurve, EqualTangentsAcrossTheWayGiveTwoHalfCircles) {
-  const Vertexes curve = curveVertexes(frame({
-                                           {5,  -5},
-                                           {0,  0 },
-                                           {10, 0 },
-                                           {5,  5 }
-  }),
-                                       kFit, 0, false);
+  const Vertexes curve = curveVertexes(frame({{5, -5}, {0, 0}, {10, 0}, {5, 5}}), kFit, 0, false);
   ASSERT_EQ(curve.size(), 7u);
   EXPECT_NEAR(curve[2].bulge, -1, 1e-12);
   EXPECT_NEAR(curve[3].bulge, 1, 1e-12);
@@ -343,13 +299,8 @@ TEST(FitCurve, EqualTangentsAcrossTheWayGiveTwoHalfCircles) {
 TEST(FitCurve, FlatArcsKeepTheirDigits) {
   for (const double s : {1e-4, 1e-5, 1e-6, 1e-7}) {
     SCOPED_TRACE(s);
-    const Vertexes curve = curveVertexes(frame({
-                                             {-1, s    },
-                                             {0,  0    },
-                                             {1,  s    },
-                                             {2,  4 * s}
-    }),
-                                         kFit, 0, false);
+    const Vertexes curve =
+        curveVertexes(frame({{-1, s}, {0, 0}, {1, s}, {2, 4 * s}}), kFit, 0, false);
     ASSERT_EQ(curve.size(), 7u);
     EXPECT_NEAR(curve[2].bulge / (s / 4), 1, 1e-6);
     EXPECT_NEAR(curve[3].bulge / (s / 4), 1, 1e-6);
@@ -365,13 +316,13 @@ TEST(FitCurve, GoingBackTheSameWayStaysStraight) {
 
 TEST(FitCurve, PathsThatDoubleBackStayNearTheirControls) {
   const std::vector<std::vector<PNT_2D>> cases{
-      {{0, 0},   {10, 0},    {5, 0}        },
-      {{0, 0},   {10, 0},    {0, 0}        },
-      {{0, 0},   {10, 1e-9}, {0, 0},         {10, 0}},
-      {{0, 0},        {0, 0},             {10, 0},              {10, 0}, {10, 5}, {10, 5}},
-      {{0, 0}, {0, 0},    {0, 0}},
-      {{0, 0},   {10, 1e-3},       {-10, 0},            {3, 0}, {3, 1e-7}},
-      {{1e7, 1e7},   {1e7 + 1e-6, 1e7}, {1e7, 1e7 + 1e-6}},
+      {{0, 0}, {10, 0}, {5, 0}},
+      {{0, 0}, {10, 0}, {0, 0}},
+      {{0, 0}, {10, 1e-9}, {0, 0}, {10, 0}},
+      {{0, 0}, {0, 0}, {10, 0}, {10, 0}, {10, 5}, {10, 5}},
+      {{0, 0}, {0, 0}, {0, 0}},
+      {{0, 0}, {10, 1e-3}, {-10, 0}, {3, 0}, {3, 1e-7}},
+      {{1e7, 1e7}, {1e7 + 1e-6, 1e7}, {1e7, 1e7 + 1e-6}},
   };
   for (const auto& points : cases) {
     for (const bool closed : {false, true}) {

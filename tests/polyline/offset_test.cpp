@@ -35,22 +35,22 @@ TEST(CalcParalLine, KnownChains) {
     double dist;
     const char* expected;
   } cases[] = {
-      {"left turn, outside",            "0,0 10,0 10,10",          false, 1,  "0,-1 11,-1 11,10"       },
-      {"left turn, inside",             "0,0 10,0 10,10",          false, -1, "0,1 9,1 9,10"           },
-      {"two points",                    "0,0 10,0",                false, 2,  "0,-2 10,-2"             },
-      {"two points, closed or not",     "0,0 10,0",                true,  2,  "0,-2 10,-2"             },
-      {"one segment and its repeats",   "0,0 0,0 10,0 10,0",       true,  2,  "0,-2 10,-2"             },
-      {"square inwards from corner 1",  "0,0 10,0 10,10 0,10",     true,  -1, "9,1 9,9 1,9 1,1"        },
-      {"square outwards from corner 1", "0,0 10,0 10,10 0,10",     true,  1,  "11,-1 11,11 -1,11 -1,-1"},
-      {"closed by its last point",      "0,0 10,0 10,10 0,10 0,0", true,  -1, "9,1 9,9 1,9 1,1"        },
-      {"straight on",                   "0,0 5,0 10,0",            false, 1,  "0,-1 5,-1 10,-1"        },
-      {"points that coincide",          "0,0 5,0 5,0 5,5",         false, 1,  "0,-1 6,-1 6,5"          },
-      {"nothing but one point",         "3,3 3,3 3,3",             true,  1,  ""                       },
-      {"a single point",                "3,3",                     false, 1,  ""                       },
-      {"no distance",                   "0,0 10,0 10,10",          false, 0,  "0,0 10,0 10,10"         },
-      {"turns back: the second goes",   "0,0 10,0 1,0",            false, 1,  "0,-1 10,-1"             },
-      {"turns back: the first goes",    "0,0 9,0 -1,0",            false, 1,  "9,1 -1,1"               },
-      {"spike beyond ten lengths",      "0,0 10,0 0.1,0.1",        false, 1,  "0,-1 10,-1"             },
+      {"left turn, outside", "0,0 10,0 10,10", false, 1, "0,-1 11,-1 11,10"},
+      {"left turn, inside", "0,0 10,0 10,10", false, -1, "0,1 9,1 9,10"},
+      {"two points", "0,0 10,0", false, 2, "0,-2 10,-2"},
+      {"two points, closed or not", "0,0 10,0", true, 2, "0,-2 10,-2"},
+      {"one segment and its repeats", "0,0 0,0 10,0 10,0", true, 2, "0,-2 10,-2"},
+      {"square inwards from corner 1", "0,0 10,0 10,10 0,10", true, -1, "9,1 9,9 1,9 1,1"},
+      {"square outwards from corner 1", "0,0 10,0 10,10 0,10", true, 1, "11,-1 11,11 -1,11 -1,-1"},
+      {"closed by its last point", "0,0 10,0 10,10 0,10 0,0", true, -1, "9,1 9,9 1,9 1,1"},
+      {"straight on", "0,0 5,0 10,0", false, 1, "0,-1 5,-1 10,-1"},
+      {"points that coincide", "0,0 5,0 5,0 5,5", false, 1, "0,-1 6,-1 6,5"},
+      {"nothing but one point", "3,3 3,3 3,3", true, 1, ""},
+      {"a single point", "3,3", false, 1, ""},
+      {"no distance", "0,0 10,0 10,10", false, 0, "0,0 10,0 10,10"},
+      {"turns back: the second goes", "0,0 10,0 1,0", false, 1, "0,-1 10,-1"},
+      {"turns back: the first goes", "0,0 9,0 -1,0", false, 1, "9,1 -1,1"},
+      {"spike beyond ten lengths", "0,0 10,0 0.1,0.1", false, 1, "0,-1 10,-1"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
@@ -181,20 +181,20 @@ TEST(PtLeftSide, NearestSegmentDecides) {
     double x, y;
     bool left;
   } cases[] = {
-      {"beside the first",                  "0,0 10,0 10,10",      false, 5,    1,  true },
-      {"beside the other side of it",       "0,0 10,0 10,10",      false, 5,    -1, false},
-      {"on it",                             "0,0 10,0 10,10",      false, 5,    0,  false},
-      {"outside a left turn's corner",      "0,0 10,0 10,10",      false, 11,   -1, false},
-      {"above its first, beyond the other", "0,0 10,0 10,10",      false, 10.1, 9,  false},
-      {"inside a right turn's corner",      "0,0 10,0 10,-10",     false, 9,    -1, false},
-      {"outside a right turn's corner",     "0,0 10,0 10,-10",     false, 11,   1,  true },
-      {"beyond the start",                  "0,0 10,0 10,10",      false, -5,   1,  true },
-      {"closed: nearest is the last",       "0,0 10,0 10,10 0,10", true,  1,    5,  true },
-      {"open: nearest is the first",        "0,0 10,0 10,10 0,10", false, 1,    4,  true },
-      {"outside the closed square",         "0,0 10,0 10,10 0,10", true,  -1,   -1, false},
-      {"repeated points",                   "0,0 0,0 10,0 10,0",   false, 5,    1,  true },
-      {"one point",                         "0,0",                 false, 5,    1,  false},
-      {"one place",                         "0,0 0,0",             true,  5,    1,  false},
+      {"beside the first", "0,0 10,0 10,10", false, 5, 1, true},
+      {"beside the other side of it", "0,0 10,0 10,10", false, 5, -1, false},
+      {"on it", "0,0 10,0 10,10", false, 5, 0, false},
+      {"outside a left turn's corner", "0,0 10,0 10,10", false, 11, -1, false},
+      {"above its first, beyond the other", "0,0 10,0 10,10", false, 10.1, 9, false},
+      {"inside a right turn's corner", "0,0 10,0 10,-10", false, 9, -1, false},
+      {"outside a right turn's corner", "0,0 10,0 10,-10", false, 11, 1, true},
+      {"beyond the start", "0,0 10,0 10,10", false, -5, 1, true},
+      {"closed: nearest is the last", "0,0 10,0 10,10 0,10", true, 1, 5, true},
+      {"open: nearest is the first", "0,0 10,0 10,10 0,10", false, 1, 4, true},
+      {"outside the closed square", "0,0 10,0 10,10 0,10", true, -1, -1, false},
+      {"repeated points", "0,0 0,0 10,0 10,0", false, 5, 1, true},
+      {"one point", "0,0", false, 5, 1, false},
+      {"one place", "0,0 0,0", true, 5, 1, false},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);

@@ -74,19 +74,19 @@ TEST(OffsetPath, KnownShapes) {
     std::size_t paths, edges;
     double area;
   } cases[] = {
-      {"rectangle inwards",            box,   -1, round, 1, 4,  32          },
-      {"rectangle outwards, round",    box,   1,  round, 1, 8,  92 + kPi    },
-      {"rectangle outwards, mitre",    box,   1,  mitre, 1, 12, 96          },
-      {"rectangle outwards, bevel",    box,   1,  bevel, 1, 8,  94          },
-      {"too far inwards",              box,   -4, round, 0, 0,  0           },
-      {"no middle line",               box,   -3, round, 0, 0,  0           },
-      {"circle outwards",              ring,  1,  round, 1, 1,  16 * kPi    },
-      {"circle inwards",               ring,  -1, round, 1, 1,  4 * kPi     },
-      {"circle to its centre",         ring,  -3, round, 0, 0,  0           },
-      {"circle beyond it",             ring,  -5, round, 0, 0,  0           },
-      {"arcs stay arcs",               pill,  1,  round, 1, 4,  48 + 9 * kPi},
-      {"arcs stay arcs inwards",       pill,  -1, round, 1, 4,  16 + kPi    },
-      {"a waist too narrow gives two", waist, -2, round, 2, 14, waistArea   },
+      {"rectangle inwards", box, -1, round, 1, 4, 32},
+      {"rectangle outwards, round", box, 1, round, 1, 8, 92 + kPi},
+      {"rectangle outwards, mitre", box, 1, mitre, 1, 12, 96},
+      {"rectangle outwards, bevel", box, 1, bevel, 1, 8, 94},
+      {"too far inwards", box, -4, round, 0, 0, 0},
+      {"no middle line", box, -3, round, 0, 0, 0},
+      {"circle outwards", ring, 1, round, 1, 1, 16 * kPi},
+      {"circle inwards", ring, -1, round, 1, 1, 4 * kPi},
+      {"circle to its centre", ring, -3, round, 0, 0, 0},
+      {"circle beyond it", ring, -5, round, 0, 0, 0},
+      {"arcs stay arcs", pill, 1, round, 1, 4, 48 + 9 * kPi},
+      {"arcs stay arcs inwards", pill, -1, round, 1, 4, 16 + kPi},
+      {"a waist too narrow gives two", waist, -2, round, 2, 14, waistArea},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);

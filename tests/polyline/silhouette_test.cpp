@@ -63,36 +63,43 @@ TEST(Silhouette, Rings) {
     bool closed;
     std::vector<const char*> rings;
   } cases[] = {
-      {"a segment",                             "0,0 10,0",                   false, {"0,1 10,1 10,-1 0,-1"}          },
-      {"a tapered segment",                     "0,0,2,0 10,0",               false, {"0,1 10,0 10,0 0,-1"}           },
-      {"a corner is mitred",                    "0,0 10,0 10,10",             false, {"0,1 9,1 9,10 11,10 11,-1 0,-1"}},
-      {"going straight on",                     "0,0 5,0 10,0",               false, {"0,1 5,1 10,1 10,-1 5,-1 0,-1"} },
+      {"a segment", "0,0 10,0", false, {"0,1 10,1 10,-1 0,-1"}},
+      {"a tapered segment", "0,0,2,0 10,0", false, {"0,1 10,0 10,0 0,-1"}},
+      {"a corner is mitred", "0,0 10,0 10,10", false, {"0,1 9,1 9,10 11,10 11,-1 0,-1"}},
+      {"going straight on", "0,0 5,0 10,0", false, {"0,1 5,1 10,1 10,-1 5,-1 0,-1"}},
       {"a step in width",
-       "0,0,2,2 5,0,4,4 10,0",                                                false,
-       {"0,1 5,1 5,0 5,2 10,2 10,-2 5,-2 5,0 5,-1 0,-1"}                                                              },
+       "0,0,2,2 5,0,4,4 10,0",
+       false,
+       {"0,1 5,1 5,0 5,2 10,2 10,-2 5,-2 5,0 5,-1 0,-1"}},
       {"a wide one leaves a narrow one",
-       "0,0,2,2 100,0,40,40 100,100",                                         false,
-       {"0,1 80,1 80,100 120,100 120,0 100,0 100,-1 0,-1"}                                                            },
+       "0,0,2,2 100,0,40,40 100,100",
+       false,
+       {"0,1 80,1 80,100 120,100 120,0 100,0 100,-1 0,-1"}},
       {"a narrow one leaves a wide one",
-       "0,0,40,40 100,0,2,2 100,100",                                         false,
-       {"0,20 99,20 99,100 101,100 101,0 100,0 100,-20 0,-20"}                                                        },
+       "0,0,40,40 100,0,2,2 100,100",
+       false,
+       {"0,20 99,20 99,100 101,100 101,0 100,0 100,-20 0,-20"}},
       {"turning back",
-       "0,0 10,0 5,0",                                                        false,
-       {"0,1 10,1 10,0 10,-1 5,-1 5,1 10,1 10,0 10,-1 0,-1"}                                                          },
+       "0,0 10,0 5,0",
+       false,
+       {"0,1 10,1 10,0 10,-1 5,-1 5,1 10,1 10,0 10,-1 0,-1"}},
       {"repeated vertices",
-       "0,0 0,0 10,0 10,0 10,10 10,10",                                       false,
-       {"0,1 9,1 9,10 11,10 11,-1 0,-1"}                                                                              },
+       "0,0 0,0 10,0 10,0 10,10 10,10",
+       false,
+       {"0,1 9,1 9,10 11,10 11,-1 0,-1"}},
       {"a closed square",
-       "0,0 10,0 10,10 0,10",                                                 true,
-       {"9,1 9,9 1,9 1,1", "11,-1 11,11 -1,11 -1,-1"}                                                                 },
+       "0,0 10,0 10,10 0,10",
+       true,
+       {"9,1 9,9 1,9 1,1", "11,-1 11,11 -1,11 -1,-1"}},
       {"closed, last vertex repeats the first",
-       "0,0 10,0 10,10 0,10 0,0",                                             true,
-       {"9,1 9,9 1,9 1,1", "11,-1 11,11 -1,11 -1,-1"}                                                                 },
-      {"negative widths count as sizes",        "0,0,-2,-2 10,0",             false, {"0,1 10,1 10,-1 0,-1"}          },
-      {"no widths",                             "0,0,0,0 10,0,0,0 10,10,0,0", false, {"0,0 10,0 10,10 10,10 10,0 0,0"}},
-      {"no length",                             "3,3 3,3",                    false, {"3,3 3,3"}                      },
-      {"a closed point",                        "3,3",                        true,  {"3,3"}                          },
-      {"nothing",                               "",                           true,  {}                               },
+       "0,0 10,0 10,10 0,10 0,0",
+       true,
+       {"9,1 9,9 1,9 1,1", "11,-1 11,11 -1,11 -1,-1"}},
+      {"negative widths count as sizes", "0,0,-2,-2 10,0", false, {"0,1 10,1 10,-1 0,-1"}},
+      {"no widths", "0,0,0,0 10,0,0,0 10,10,0,0", false, {"0,0 10,0 10,10 10,10 10,0 0,0"}},
+      {"no length", "3,3 3,3", false, {"3,3 3,3"}},
+      {"a closed point", "3,3", true, {"3,3"}},
+      {"nothing", "", true, {}},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -126,11 +133,9 @@ TEST(Silhouette, SharpCornersAreBevelled) {
   for (const double degrees : {20.0, 15.0, 14.0, 5.0, 0.1}) {
     SCOPED_TRACE(degrees);
     const double a = degrees * 3.141592653589793 / 180;
-    const Wide corner{
-        {PNT_3D(100,               0,                 0), 2, 2},
-        {PNT_3D(0,                 0,                 0), 2, 2},
-        {PNT_3D(100 * std::cos(a), 100 * std::sin(a), 0), 2, 2}
-    };
+    const Wide corner{{PNT_3D(100, 0, 0), 2, 2},
+                      {PNT_3D(0, 0, 0), 2, 2},
+                      {PNT_3D(100 * std::cos(a), 100 * std::sin(a), 0), 2, 2}};
     const CPolylineSilhouette silhouette(corner, false);
     double farthest = 0;
     for (const PNT_3D& p : silhouette.getRun(0)) {
@@ -142,11 +147,7 @@ TEST(Silhouette, SharpCornersAreBevelled) {
 }
 
 TEST(Silhouette, KeepsTheHeightOfItsVertices) {
-  const Wide slope{
-      {PNT_3D(0,  0,  1), 2, 2},
-      {PNT_3D(10, 0,  2), 2, 2},
-      {PNT_3D(10, 10, 3), 2, 2}
-  };
+  const Wide slope{{PNT_3D(0, 0, 1), 2, 2}, {PNT_3D(10, 0, 2), 2, 2}, {PNT_3D(10, 10, 3), 2, 2}};
   const CPolylineSilhouette silhouette(slope, false);
   const double want[] = {1, 2, 3, 3, 2, 1};
   for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(silhouette.getRun(0)[i].z, want[i]);

@@ -107,8 +107,8 @@ TEST(HoleBefore, GrowsAndMovesWithWhatIsInUse) {
     std::vector<std::size_t> order;
   } cases[] = {
       {"in no order", shuffled(kCount, 1)},
-      {"forwards",             forwards                  },
-      {"backwards",             backwards},
+      {"forwards", forwards},
+      {"backwards", backwards},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -18,9 +18,9 @@ TEST(Layer, EachSwitchIsOneBit) {
     bool (CLayer::*is)() const;
     long bit;
   } cases[] = {
-      {"frozen",  &CLayer::setFrozen,  &CLayer::isFrozen,  0x0001},
-      {"locked",  &CLayer::setLocked,  &CLayer::isLocked,  0x0004},
-      {"off",     &CLayer::setOff,     &CLayer::isOff,     0x0080},
+      {"frozen", &CLayer::setFrozen, &CLayer::isFrozen, 0x0001},
+      {"locked", &CLayer::setLocked, &CLayer::isLocked, 0x0004},
+      {"off", &CLayer::setOff, &CLayer::isOff, 0x0080},
       {"private", &CLayer::setPrivate, &CLayer::isPrivate, 0x8000},
   };
   constexpr long others = 0x1240;
@@ -98,11 +98,11 @@ TEST(LayerMemento, HoldsNameLinetypeFlagsAndColour) {
     const char* name;
     void (*change)(CLayer&, Tables&);
   } changes[] = {
-      {"name",                    [](CLayer& l, Tables&) { l.setName(u"Doors"); }     },
-      {"letter case of the name", [](CLayer& l, Tables&) { l.setName(u"WALLS"); }     },
-      {"linetype",                [](CLayer& l, Tables& s) { l.setLtype(&s.byBlock); }},
-      {"flags",                   [](CLayer& l, Tables&) { l.setFrozen(true); }       },
-      {"colour",                  [](CLayer& l, Tables&) { l.setColor(4); }           },
+      {"name", [](CLayer& l, Tables&) { l.setName(u"Doors"); }},
+      {"letter case of the name", [](CLayer& l, Tables&) { l.setName(u"WALLS"); }},
+      {"linetype", [](CLayer& l, Tables& s) { l.setLtype(&s.byBlock); }},
+      {"flags", [](CLayer& l, Tables&) { l.setFrozen(true); }},
+      {"colour", [](CLayer& l, Tables&) { l.setColor(4); }},
   };
   for (const auto& c : changes) {
     SCOPED_TRACE(c.name);

@@ -25,11 +25,11 @@ TEST(Ltype, EqualityIsTheCheapOne) {
     std::unique_ptr<CLtype> other;
     bool equal;
   } cases[] = {
-      {"letter case and values differ", make(u"dashed", u"_ _", others, 3, 1), true },
-      {"names differ",                  make(u"dashes", u"_ _", values, 3, 1), false},
-      {"descriptions differ in case",   make(u"DASHED", u"_ x", values, 3, 1), false},
-      {"flags differ",                  make(u"DASHED", u"_ _", values, 3, 0), false},
-      {"one element fewer",             make(u"DASHED", u"_ _", values, 2, 1), false},
+      {"letter case and values differ", make(u"dashed", u"_ _", others, 3, 1), true},
+      {"names differ", make(u"dashes", u"_ _", values, 3, 1), false},
+      {"descriptions differ in case", make(u"DASHED", u"_ x", values, 3, 1), false},
+      {"flags differ", make(u"DASHED", u"_ _", values, 3, 0), false},
+      {"one element fewer", make(u"DASHED", u"_ _", values, 2, 1), false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -73,16 +73,16 @@ TEST(LtypeMemento, BringsTheWholeDefinitionBack) {
     const char* name;
     void (*change)(CLtype&);
   } changes[] = {
-      {"name",             [](CLtype& l) { l.setName(u"B"); }   },
-      {"description",      [](CLtype& l) { l.setDesc(u"Desc"); }},
-      {"flags",            [](CLtype& l) { l.setPrivate(true); }},
+      {"name", [](CLtype& l) { l.setName(u"B"); }},
+      {"description", [](CLtype& l) { l.setDesc(u"Desc"); }},
+      {"flags", [](CLtype& l) { l.setPrivate(true); }},
       {"one element more", [](CLtype& l) { l.AddDashDouble(0); }},
-      {"elements gone",    [](CLtype& l) { l.ClearDashes(); }   },
+      {"elements gone", [](CLtype& l) { l.ClearDashes(); }},
       {"elements swapped",
        [](CLtype& l) {
          l.GetDashSeq().RemoveDash(0);
          l.AddDashDouble(0.5);
-       }                                                        },
+       }},
   };
   for (const auto& c : changes) {
     SCOPED_TRACE(c.name);
@@ -105,12 +105,8 @@ TEST(LtypeTable, FixedLinetypesComeFirst) {
     const char* name;
     const CLtype* found;
   } cases[] = {
-      {"CONTINUOUS",  &t.continuous},
-      {"continuous",  &t.continuous},
-      {"ByLayer",     &t.byLayer   },
-      {"byblock",     &t.byBlock   },
-      {"CONTINUOUS2", other        },
-      {"DASHED",      nullptr      },
+      {"CONTINUOUS", &t.continuous}, {"continuous", &t.continuous}, {"ByLayer", &t.byLayer},
+      {"byblock", &t.byBlock},       {"CONTINUOUS2", other},        {"DASHED", nullptr},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(t.ltypes.get(zim::WString::fromUtf8(c.name)), c.found) << c.name;

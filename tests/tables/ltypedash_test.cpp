@@ -82,14 +82,14 @@ TEST(LtypeDashes, EqualityComparesEveryElement) {
     CLtypeComplexDashSeq a, b;
     bool equal;
   } cases[] = {
-      {"both empty",               {},                {},                true },
-      {"same values",              dashes({1, -0.5}), dashes({1, -0.5}), true },
+      {"both empty", {}, {}, true},
+      {"same values", dashes({1, -0.5}), dashes({1, -0.5}), true},
       {"same length, other order", dashes({1, -0.5}), dashes({-0.5, 1}), false},
-      {"dash against gap",         dashes({1}),       dashes({-1}),      false},
-      {"dot against nothing",      dashes({1, 0}),    dashes({1}),       false},
-      {"dot against text",         dashes({0}),       text,              false},
-      {"same text",                text,              text,              true },
-      {"text in another case",     text,              otherText,         false},
+      {"dash against gap", dashes({1}), dashes({-1}), false},
+      {"dot against nothing", dashes({1, 0}), dashes({1}), false},
+      {"dot against text", dashes({0}), text, false},
+      {"same text", text, text, true},
+      {"text in another case", text, otherText, false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -150,24 +150,24 @@ TEST(ForEachDash, LaysThePatternAlongTheWay) {
     double scale, phase, length;
     const char* expect;
   } cases[] = {
-      {"once",                     dashDot,                1,   0,        4,        "2 0-2, -1 2-3, 0 3-3, -1 3-4"},
-      {"cut at the end",           dashDot,                1,   0,        1,        "2 0-1"                       },
-      {"ends with the dot",        dashDot,                1,   0,        3,        "2 0-2, -1 2-3, 0 3-3"        },
-      {"begins inside a dash",     dashDot,                1,   1,        2,        "2 0-1, -1 1-2, 0 2-2"        },
-      {"begins behind the dash",   dashDot,                1,   2,        1.5,      "-1 0-1, 0 1-1, -1 1-1.5"     },
-      {"begins a round later",     dashDot,                1,   9,        2,        "2 0-1, -1 1-2, 0 2-2"        },
-      {"negative phase",           dashDot,                1,   -1,       2,        "0 0-0, -1 0-1, 2 1-2"        },
-      {"scaled",                   dashDot,                0.5, 0,        1.5,      "2 0-1, -1 1-1.5, 0 1.5-1.5"  },
-      {"dots only",                dashes({0, 0}),         1,   0,        5,        "continuous"                  },
-      {"no elements",              {},                     1,   0,        5,        "continuous"                  },
-      {"scale of nothing",         dashDot,                0,   0,        5,        "continuous"                  },
-      {"negative scale",           dashDot,                -1,  0,        5,        "continuous"                  },
-      {"no way",                   dashDot,                1,   0,        0,        "continuous"                  },
-      {"too many to draw",         dashDot,                1,   0,        1e6,      "continuous"                  },
-      {"endless way",              dashDot,                1,   0,        infinite, "continuous"                  },
-      {"way that is no number",    dashDot,                1,   0,        NAN,      "continuous"                  },
-      {"phase that is no number",  dashDot,                1,   infinite, 4,        "continuous"                  },
-      {"pattern beyond all sizes", dashes({1e308, 1e308}), 1,   0,        4,        "continuous"                  },
+      {"once", dashDot, 1, 0, 4, "2 0-2, -1 2-3, 0 3-3, -1 3-4"},
+      {"cut at the end", dashDot, 1, 0, 1, "2 0-1"},
+      {"ends with the dot", dashDot, 1, 0, 3, "2 0-2, -1 2-3, 0 3-3"},
+      {"begins inside a dash", dashDot, 1, 1, 2, "2 0-1, -1 1-2, 0 2-2"},
+      {"begins behind the dash", dashDot, 1, 2, 1.5, "-1 0-1, 0 1-1, -1 1-1.5"},
+      {"begins a round later", dashDot, 1, 9, 2, "2 0-1, -1 1-2, 0 2-2"},
+      {"negative phase", dashDot, 1, -1, 2, "0 0-0, -1 0-1, 2 1-2"},
+      {"scaled", dashDot, 0.5, 0, 1.5, "2 0-1, -1 1-1.5, 0 1.5-1.5"},
+      {"dots only", dashes({0, 0}), 1, 0, 5, "continuous"},
+      {"no elements", {}, 1, 0, 5, "continuous"},
+      {"scale of nothing", dashDot, 0, 0, 5, "continuous"},
+      {"negative scale", dashDot, -1, 0, 5, "continuous"},
+      {"no way", dashDot, 1, 0, 0, "continuous"},
+      {"too many to draw", dashDot, 1, 0, 1e6, "continuous"},
+      {"endless way", dashDot, 1, 0, infinite, "continuous"},
+      {"way that is no number", dashDot, 1, 0, NAN, "continuous"},
+      {"phase that is no number", dashDot, 1, infinite, 4, "continuous"},
+      {"pattern beyond all sizes", dashes({1e308, 1e308}), 1, 0, 4, "continuous"},
   };
   for (const auto& t : cases) {
     EXPECT_EQ(laid(t.seq, t.scale, t.phase, t.length), t.expect) << t.name;

@@ -117,16 +117,16 @@ TEST(NamedItemTable, NumbersAreTheSmallestThatNoNameTakes) {
     std::vector<zim::WString> taken;
     int number;
   } cases[] = {
-      {"empty table",                     {},                                      1},
-      {"the next one",                    {u"*PAT1", u"*PAT2"},                    3},
-      {"a gap comes first",               {u"*PAT2"},                              1},
-      {"letter case counts",              {u"*pat1"},                              1},
-      {"a leading zero is another name",  {u"*PAT01"},                             1},
-      {"what follows the number counts",  {u"*PAT1a", u"*PAT1 "},                  1},
-      {"twice the same number",           {u"*PAT1", u"*PAT1"},                    2},
-      {"the largest number and beyond",   {u"*PAT2147483647", u"*PAT99999999999"}, 1},
-      {"another prefix with that number", {u"*PATX1", u"PAT1"},                    1},
-      {"the gap in the middle",           {u"*PAT3", u"*PAT1", u"*PAT4"},          2},
+      {"empty table", {}, 1},
+      {"the next one", {u"*PAT1", u"*PAT2"}, 3},
+      {"a gap comes first", {u"*PAT2"}, 1},
+      {"letter case counts", {u"*pat1"}, 1},
+      {"a leading zero is another name", {u"*PAT01"}, 1},
+      {"what follows the number counts", {u"*PAT1a", u"*PAT1 "}, 1},
+      {"twice the same number", {u"*PAT1", u"*PAT1"}, 2},
+      {"the largest number and beyond", {u"*PAT2147483647", u"*PAT99999999999"}, 1},
+      {"another prefix with that number", {u"*PATX1", u"PAT1"}, 1},
+      {"the gap in the middle", {u"*PAT3", u"*PAT1", u"*PAT4"}, 2},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

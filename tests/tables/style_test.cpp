@@ -64,14 +64,14 @@ TEST(FontMetrics, DefaultsMeasureByTheLetter) {
     bool bold;
     double width;
   } cases[] = {
-      {"nothing",                  "",                         false, 0   },
-      {"letters",                  "abc",                      false, 2.7 },
-      {"bold",                     "abc",                      true,  2.97},
-      {"Chinese",                  "\xE5\x9B\xBE\xE7\xBA\xB8", false, 3.6 },
-      {"Hangul and a letter",      "\xED\x95\x9Cx",            false, 2.7 },
-      {"two units, one letter",    "\xF0\x9F\x93\x90",         false, 0.9 },
-      {"two units, one ideograph", "\xF0\xA0\x80\x80",         false, 1.8 },
-      {"half-width katakana",      "\xEF\xBD\xB1",             false, 0.9 },
+      {"nothing", "", false, 0},
+      {"letters", "abc", false, 2.7},
+      {"bold", "abc", true, 2.97},
+      {"Chinese", "\xE5\x9B\xBE\xE7\xBA\xB8", false, 3.6},
+      {"Hangul and a letter", "\xED\x95\x9Cx", false, 2.7},
+      {"two units, one letter", "\xF0\x9F\x93\x90", false, 0.9},
+      {"two units, one ideograph", "\xF0\xA0\x80\x80", false, 1.8},
+      {"half-width katakana", "\xEF\xBD\xB1", false, 0.9},
   };
   const Font font(u"name only");
   EXPECT_DOUBLE_EQ(font.getHeightUnit(), 1);
@@ -92,15 +92,15 @@ TEST(Style, EqualityLeavesOutTheLastHeight) {
     void (*change)(CStyle&);
     bool equal;
   } cases[] = {
-      {"nothing",      [](CStyle&) {},                             true },
-      {"last height",  [](CStyle& s) { s.setLastHeight(5); },      true },
-      {"letter case",  [](CStyle& s) { s.setName(u"NOTES"); },     true },
-      {"name",         [](CStyle& s) { s.setName(u"Note"); },      false},
-      {"font",         [](CStyle& s) { s.setFont(nullptr); },      false},
-      {"fixed height", [](CStyle& s) { s.setFixedHeight(1); },     false},
-      {"width scale",  [](CStyle& s) { s.setWidthScale(1.0001); }, false},
-      {"oblique",      [](CStyle& s) { s.setOblique(0.1); },       false},
-      {"flags",        [](CStyle& s) { s.setItalic(true); },       false},
+      {"nothing", [](CStyle&) {}, true},
+      {"last height", [](CStyle& s) { s.setLastHeight(5); }, true},
+      {"letter case", [](CStyle& s) { s.setName(u"NOTES"); }, true},
+      {"name", [](CStyle& s) { s.setName(u"Note"); }, false},
+      {"font", [](CStyle& s) { s.setFont(nullptr); }, false},
+      {"fixed height", [](CStyle& s) { s.setFixedHeight(1); }, false},
+      {"width scale", [](CStyle& s) { s.setWidthScale(1.0001); }, false},
+      {"oblique", [](CStyle& s) { s.setOblique(0.1); }, false},
+      {"flags", [](CStyle& s) { s.setItalic(true); }, false},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

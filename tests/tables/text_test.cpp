@@ -38,18 +38,10 @@ TEST(TextJustification, NamesCodesAndIndicesAgree) {
     long horizontal, vertical;
     const char* name;
   } cases[] = {
-      {0, 0, "Left"         },
-      {1, 0, "Center"       },
-      {2, 0, "Right"        },
-      {0, 3, "Top left"     },
-      {1, 3, "Top center"   },
-      {2, 3, "Top right"    },
-      {0, 2, "Middle left"  },
-      {1, 2, "Middle center"},
-      {2, 2, "Middle right" },
-      {0, 1, "Bottom left"  },
-      {1, 1, "Bottom center"},
-      {2, 1, "Bottom right" },
+      {0, 0, "Left"},        {1, 0, "Center"},        {2, 0, "Right"},
+      {0, 3, "Top left"},    {1, 3, "Top center"},    {2, 3, "Top right"},
+      {0, 2, "Middle left"}, {1, 2, "Middle center"}, {2, 2, "Middle right"},
+      {0, 1, "Bottom left"}, {1, 1, "Bottom center"}, {2, 1, "Bottom right"},
   };
   ASSERT_EQ(std::size(cases), static_cast<std::size_t>(TEXT_3D::kJustifications));
   for (long i = 0; i < TEXT_3D::kJustifications; ++i) {
@@ -224,29 +216,29 @@ TEST(Text, EqualityIsExact) {
     const char* name;
     void (*change)(TEXT_3D&);
   } changes[] = {
-      {"point",         [](TEXT_3D& t) { t.z = 4; }            },
-      {"style",         [](TEXT_3D& t) { t.setStyle(nullptr); }},
-      {"justification", [](TEXT_3D& t) { t.setAlign(4); }      },
+      {"point", [](TEXT_3D& t) { t.z = 4; }},
+      {"style", [](TEXT_3D& t) { t.setStyle(nullptr); }},
+      {"justification", [](TEXT_3D& t) { t.setAlign(4); }},
       {"letter case",
        [](TEXT_3D& t) {
          t.setContext({4, 0, 1, 0, u"abcD"});
-       }                                                       },
+       }},
       {"height",
        [](TEXT_3D& t) {
          t.setContext({4.5, 0, 1, 0, u"abcd"});
-       }                                                       },
+       }},
       {"oblique",
        [](TEXT_3D& t) {
          t.setContext({4, 1, 1, 0, u"abcd"});
-       }                                                       },
+       }},
       {"width scale",
        [](TEXT_3D& t) {
          t.setContext({4, 0, 2, 0, u"abcd"});
-       }                                                       },
+       }},
       {"rotation",
        [](TEXT_3D& t) {
          t.setContext({4, 0, 1, 1, u"abcd"});
-       }                                                       },
+       }},
   };
   for (const auto& t : changes) {
     TEXT_3D other(reference);

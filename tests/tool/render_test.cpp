@@ -259,40 +259,40 @@ TEST_F(Render, ExitCodes) {
     const char* arguments;
     int code;
   } cases[] = {
-      {"all well",                  "good.dxf -o a.svg",                            0},
-      {"no output",                 "good.dxf",                                     2},
-      {"unknown format",            "good.dxf -o a.gif",                            2},
-      {"unknown paper",             "good.dxf -o b.svg --paper B5",                 2},
-      {"paper and size",            "good.dxf -o b.svg --paper A4 --size 10x10",    2},
-      {"size without height",       "good.dxf -o b.svg --size 10",                  2},
-      {"scale 1:0",                 "good.dxf -o b.svg --scale 1:0",                2},
-      {"window without area",       "good.dxf -o b.svg --window 1,1,1,5",           2},
-      {"view that is a line",       "good.dxf -o b.svg --view parallel:1,1,1,1",    2},
-      {"unknown color",             "good.dxf -o b.svg --background reddish",       2},
-      {"standing and lying",        "good.dxf -o b.svg --portrait --landscape",     2},
-      {"margin eats the sheet",     "good.dxf -o b.svg --size 100x100 --margin 50", 2},
-      {"numbers that are none",     "good.dxf -o b.svg --dpi nan",                  2},
-      {"window that is none",       "good.dxf -o b.svg --window 0,0,inf,1",         2},
-      {"window without measure",    "good.dxf -o b.svg --window -1e308,0,1e308,1",  2},
-      {"scale that shows nothing",  "good.dxf -o b.svg --scale 1:1e308",            2},
-      {"scale without measure",     "good.dxf -o b.svg --scale 1e308:1",            2},
-      {"scale of a single number",  "good.dxf -o b.svg --scale 50",                 2},
-      {"sheet without measure",     "good.dxf -o b.svg --size 1e30x1e30",           2},
-      {"paper without measure",     "good.dxf -o b.pdf --paper 1e9x1e9",            2},
-      {"image too large",           "good.dxf -o b.png --size 40000x10",            2},
-      {"page too large",            "good.dxf -o b.pdf --scale 1000:1",             2},
-      {"several without --all",     "good.dxf good.dxf -o b.svg",                   2},
-      {"a stream for a folder",     "good.dxf --all -o -",                          2},
-      {"drawing with an error",     "broken.dxf -o b.svg",                          1},
-      {"drawing that is not there", "missing.dxf -o b.svg",                         1},
-      {"output exists",             "good.dxf -o old.svg",                          3},
-      {"output in no folder",       "good.dxf -o nowhere/b.svg",                    3},
-      {"folder that is a file",     "good.dxf --all -o old.svg",                    3},
-      {"layer that is not there",   "good.dxf -o b.svg --layers NONE",              1},
-      {"one of two layers",         "good.dxf -o c.svg --layers NONE A",            0},
-      {"sheet as small as an icon", "good.dxf -o c.png --size 16x16",               0},
-      {"a billion cells",           "array.dxf -o d.svg",                           0},
-      {"more than can be shown",    "deep.dxf -o e.svg",                            1},
+      {"all well", "good.dxf -o a.svg", 0},
+      {"no output", "good.dxf", 2},
+      {"unknown format", "good.dxf -o a.gif", 2},
+      {"unknown paper", "good.dxf -o b.svg --paper B5", 2},
+      {"paper and size", "good.dxf -o b.svg --paper A4 --size 10x10", 2},
+      {"size without height", "good.dxf -o b.svg --size 10", 2},
+      {"scale 1:0", "good.dxf -o b.svg --scale 1:0", 2},
+      {"window without area", "good.dxf -o b.svg --window 1,1,1,5", 2},
+      {"view that is a line", "good.dxf -o b.svg --view parallel:1,1,1,1", 2},
+      {"unknown color", "good.dxf -o b.svg --background reddish", 2},
+      {"standing and lying", "good.dxf -o b.svg --portrait --landscape", 2},
+      {"margin eats the sheet", "good.dxf -o b.svg --size 100x100 --margin 50", 2},
+      {"numbers that are none", "good.dxf -o b.svg --dpi nan", 2},
+      {"window that is none", "good.dxf -o b.svg --window 0,0,inf,1", 2},
+      {"window without measure", "good.dxf -o b.svg --window -1e308,0,1e308,1", 2},
+      {"scale that shows nothing", "good.dxf -o b.svg --scale 1:1e308", 2},
+      {"scale without measure", "good.dxf -o b.svg --scale 1e308:1", 2},
+      {"scale of a single number", "good.dxf -o b.svg --scale 50", 2},
+      {"sheet without measure", "good.dxf -o b.svg --size 1e30x1e30", 2},
+      {"paper without measure", "good.dxf -o b.pdf --paper 1e9x1e9", 2},
+      {"image too large", "good.dxf -o b.png --size 40000x10", 2},
+      {"page too large", "good.dxf -o b.pdf --scale 1000:1", 2},
+      {"several without --all", "good.dxf good.dxf -o b.svg", 2},
+      {"a stream for a folder", "good.dxf --all -o -", 2},
+      {"drawing with an error", "broken.dxf -o b.svg", 1},
+      {"drawing that is not there", "missing.dxf -o b.svg", 1},
+      {"output exists", "good.dxf -o old.svg", 3},
+      {"output in no folder", "good.dxf -o nowhere/b.svg", 3},
+      {"folder that is a file", "good.dxf --all -o old.svg", 3},
+      {"layer that is not there", "good.dxf -o b.svg --layers NONE", 1},
+      {"one of two layers", "good.dxf -o c.svg --layers NONE A", 0},
+      {"sheet as small as an icon", "good.dxf -o c.png --size 16x16", 0},
+      {"a billion cells", "array.dxf -o d.svg", 0},
+      {"more than can be shown", "deep.dxf -o e.svg", 1},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -385,11 +385,11 @@ TEST_F(Render, PngHasTheSizeAskedFor) {
     const char* options;
     int width, height;
   } cases[] = {
-      {"--size 320x200",                   320,  200},
-      {"--size 25.4x50.8mm --dpi 100",     100,  200},
-      {"--paper A4 --dpi 25.4",            297,  210},
-      {"--paper A4 --dpi 25.4 --portrait", 210,  297},
-      {"",                                 1600, 820},
+      {"--size 320x200", 320, 200},
+      {"--size 25.4x50.8mm --dpi 100", 100, 200},
+      {"--paper A4 --dpi 25.4", 297, 210},
+      {"--paper A4 --dpi 25.4 --portrait", 210, 297},
+      {"", 1600, 820},
   };
   write("a.dxf", drawing(line("A", 0, 0, 200, 100)));
   for (const auto& t : cases) {
@@ -406,12 +406,12 @@ TEST_F(Render, PdfPagesHaveTheirSize) {
     const char* options;
     double width, height;  // mm
   } cases[] = {
-      {"",                                 297,  210 },
-      {"--portrait",                       210,  297 },
-      {"--paper A0",                       1189, 841 },
-      {"--paper 100x80mm",                 100,  80  },
-      {"--size 80x100mm",                  80,   100 },
-      {"--scale 1:2 --margin 5",           110,  60  },
+      {"", 297, 210},
+      {"--portrait", 210, 297},
+      {"--paper A0", 1189, 841},
+      {"--paper 100x80mm", 100, 80},
+      {"--size 80x100mm", 80, 100},
+      {"--scale 1:2 --margin 5", 110, 60},
       {"--scale 1:1 --unit cm --margin 0", 2000, 1000},
   };
   write("a.dxf", drawing(line("A", 0, 0, 200, 100)));
@@ -436,12 +436,12 @@ TEST_F(Render, LengthsOnPaperAreTrue) {
     double expected;    // mm, of a line of 50 drawing units
     const char* units;  // stated in the file
   } cases[] = {
-      {"--scale 1:1",                      50,       "0"},
-      {"--scale 1:2",                      25,       "4"},
-      {"--scale 2:1",                      100,      "0"},
-      {"--scale 1:50 --unit cm",           10,       "6"},
-      {"--scale 1:500",                    100,      "6"},
-      {"--scale 1:20",                     63.5,     "1"},
+      {"--scale 1:1", 50, "0"},
+      {"--scale 1:2", 25, "4"},
+      {"--scale 2:1", 100, "0"},
+      {"--scale 1:50 --unit cm", 10, "6"},
+      {"--scale 1:500", 100, "6"},
+      {"--scale 1:20", 63.5, "1"},
       {"--scale 1:3 --window 10,10,25,20", 50 / 3.0, "0"},
   };
   for (const auto& t : cases) {
@@ -462,11 +462,11 @@ TEST_F(Render, LayersAreChosenByNameAndPattern) {
     const char* options;
     const char* groups;
   } cases[] = {
-      {"",                                  "layer-WALLS layer-DOOR1 layer-DOOR2 "},
-      {"--layers walls",                    "layer-WALLS "                        },
-      {"--layers 'door?' WALLS",            "layer-WALLS layer-DOOR1 layer-DOOR2 "},
-      {"--hide-layers '*R2' WALLS",         "layer-DOOR1 "                        },
-      {"--layers 'D*' --hide-layers DOOR1", "layer-DOOR2 "                        },
+      {"", "layer-WALLS layer-DOOR1 layer-DOOR2 "},
+      {"--layers walls", "layer-WALLS "},
+      {"--layers 'door?' WALLS", "layer-WALLS layer-DOOR1 layer-DOOR2 "},
+      {"--hide-layers '*R2' WALLS", "layer-DOOR1 "},
+      {"--layers 'D*' --hide-layers DOOR1", "layer-DOOR2 "},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.options);
@@ -508,10 +508,10 @@ TEST_F(Render, BackgroundIsPaintedUnlessNone) {
     const char* rect;
     const char* stroke;  // of color 7
   } cases[] = {
-      {"",                    "#ffffff", "#000000"},
-      {"--background black",  "#000000", "#ffffff"},
+      {"", "#ffffff", "#000000"},
+      {"--background black", "#000000", "#ffffff"},
       {"--background '#123'", "#112233", "#ffffff"},
-      {"--background none",   "",        "#000000"},
+      {"--background none", "", "#000000"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.options);
@@ -529,10 +529,7 @@ TEST_F(Render, BackgroundIsPaintedUnlessNone) {
 
 TEST_F(Render, MonoDrawsEverythingInTheColorThatIsSeen) {
   write("a.dxf", drawing(colored(1, line("A", 0, 0, 1, 1)) + colored(3, kCircle)));
-  const std::map<std::string, std::uint32_t> pens = {
-      {"white", 0xFF000000},
-      {"black", 0xFFFFFFFF}
-  };
+  const std::map<std::string, std::uint32_t> pens = {{"white", 0xFF000000}, {"black", 0xFFFFFFFF}};
   for (const auto& [background, pen] : pens) {
     SCOPED_TRACE(background);
     const std::string options = " --size 90x90 --lineweight 1 --background " + background;
@@ -620,10 +617,10 @@ TEST_F(Render, ViewsShowTheAxes) {
     const char* view;
     const char *x, *y, *z;
   } cases[] = {
-      {"plan",                 "h25", "v-25",       "h0"  },
-      {"plan:90",              "v25", "h25",        "h0"  },
-      {"front",                "h25", "h0",         "v-25"},
-      {"side",                 "h0",  "h-25",       "v-25"},
+      {"plan", "h25", "v-25", "h0"},
+      {"plan:90", "v25", "h25", "h0"},
+      {"front", "h25", "h0", "v-25"},
+      {"side", "h0", "h-25", "v-25"},
       {"parallel:1,0,0.5,0.5", "h25", "l12.5-12.5", "v-25"},
   };
   for (const auto& t : cases) {
@@ -720,24 +717,13 @@ TEST_F(Render, ClipsHoldWithinEachOther) {
     write("a.dxf", "0\nSECTION\n2\nBLOCKS\n" + block("S", square) + block("M", insert("S", 10)) +
                        "0\nENDSEC\n0\nSECTION\n2\nENTITIES\n" + insert("M", 20) +
                        "0\nENDSEC\n0\nSECTION\n2\nOBJECTS\n" + clip(10, inner) +
-                       clip(20,
-                            {
-                                {0,  0  },
-                                {50, 100}
-    }) +
-                       "0\nENDSEC\n0\nEOF\n");
+                       clip(20, {{0, 0}, {50, 100}}) + "0\nENDSEC\n0\nEOF\n");
     const auto done = run("render a.dxf -f -o a.png --size 100x100 --window 0,0,100,100");
     EXPECT_EQ(done.err.find("shows 1 clipped") != std::string::npos, inner.size() > 1000);
     return Image(path("a.png")).ink();
   };
   EXPECT_NEAR(inkOf(Points(1001)), 5000, 60) << "the inner one has too many corners";
-  EXPECT_NEAR(inkOf({
-                  {0,   50 },
-                  {50,  0  },
-                  {100, 50 },
-                  {50,  100}
-  }),
-              2500, 60);
+  EXPECT_NEAR(inkOf({{0, 50}, {50, 0}, {100, 50}, {50, 100}}), 2500, 60);
   ASSERT_EQ(run("render a.dxf -o a.svg").code, 0);
   const std::string svg = contents(path("a.svg"));
   EXPECT_EQ(XmlReader(svg).error, "");

@@ -30,22 +30,15 @@ TEST_F(Tool, InfoPrintsOneJsonObjectALine) {
   std::getline(lines, first);
   std::getline(lines, second);
   const Json one = Json::parse(first);
-  EXPECT_EQ(one["entities"], Json({
-                                 {"LINE", 1}
-  }));
-  EXPECT_EQ(one["extents"], Json({
-                                {"min", {1, 2, 0}},
-                                {"max", {4, 6, 0}}
-  }));
+  EXPECT_EQ(one["entities"], Json({{"LINE", 1}}));
+  EXPECT_EQ(one["extents"], Json({{"min", {1, 2, 0}}, {"max", {4, 6, 0}}}));
   EXPECT_EQ(one["error"], nullptr);
-  EXPECT_EQ(one["layers"][1], Json({
-                                  {"name",     "A"         },
-                                  {"color",    7           },
-                                  {"linetype", "Continuous"},
-                                  {"frozen",   false       },
-                                  {"locked",   false       },
-                                  {"off",      false       }
-  }));
+  EXPECT_EQ(one["layers"][1], Json({{"name", "A"},
+                                    {"color", 7},
+                                    {"linetype", "Continuous"},
+                                    {"frozen", false},
+                                    {"locked", false},
+                                    {"off", false}}));
   const Json sample = Json::parse(second);
   EXPECT_EQ(sample["version"], "AC1009");
   EXPECT_EQ(sample["entities"]["INSERT"], 9);
@@ -82,9 +75,9 @@ TEST_F(Tool, SaysWhyAnInputCannotBeRead) {
   const struct {
     const char *input, *kind, *message;
   } inputs[] = {
-      {"missing", "file missing",    "There is no such file"},
-      {"folder",  "folder",          "It is a folder"       },
-      {"loop",    "file unreadable", "cannot be read: "     },
+      {"missing", "file missing", "There is no such file"},
+      {"folder", "folder", "It is a folder"},
+      {"loop", "file unreadable", "cannot be read: "},
   };
   for (const auto& t : inputs) {
     SCOPED_TRACE(t.input);
@@ -156,35 +149,35 @@ TEST_F(Tool, ExitCodes) {
     const char* arguments;
     int code;
   } cases[] = {
-      {"help",                      "--help",                                                           0},
-      {"help of a verb",            "help convert",                                                     0},
-      {"help of no verb",           "help bogus",                                                       2},
-      {"version",                   "--version",                                                        0},
-      {"no verb",                   "",                                                                 2},
-      {"unknown verb",              "infos good.dxf",                                                   2},
-      {"unknown option",            "info --colour good.dxf",                                           2},
-      {"missing operand",           "convert good.dxf",                                                 2},
-      {"drawing with an error",     "convert broken.dxf out.dxf",                                       1},
-      {"drawing that is not there", "convert missing.dxf out.dxf",                                      1},
-      {"output in no folder",       "convert good.dxf nowhere/out.dxf",                                 3},
-      {"output exists",             "convert good.dxf broken.dxf",                                      3},
-      {"output is a folder",        "convert -f good.dxf .",                                            3},
-      {"output is a pipe",          "convert -f good.dxf pipe",                                         3},
-      {"output leads to itself",    "convert -f good.dxf loop",                                         3},
-      {"output grows too large",    "--version; ulimit -f 1; '" VEK0_TOOL "' convert good.dxf out.dxf",
-       3                                                                                                 },
-      {"broken part of an import",  "import good.dxf broken.dxf -o o.dxf",                              1},
-      {"hatch of nothing",          "hatch good.dxf -o out.dxf --closed-polylines",                     1},
-      {"hatch without area",        "hatch good.dxf -o out.dxf",                                        2},
-      {"hatch of no point",         "hatch good.dxf -o out.dxf --boundary 0,0 a 1,1",                   2},
-      {"pattern of no name",        "hatch good.dxf -o out.dxf --pattern NO",                           2},
-      {"linetypes not there",       "linetypes a.lin missing.lin",                                      1},
-      {"linetypes from a folder",   "linetypes .",                                                      1},
-      {"linetypes for a drawing",   "convert --linetypes missing.lin good.dxf out.dxf",                 1},
-      {"two files to save",         "linetypes a.lin a.lin --save out.dxf",                             2},
-      {"nothing to list",           "linetypes",                                                        2},
-      {"saved upon another",        "linetypes a.lin --save broken.dxf",                                3},
-      {"saved in no folder",        "linetypes a.lin --save nowhere/o",                                 3},
+      {"help", "--help", 0},
+      {"help of a verb", "help convert", 0},
+      {"help of no verb", "help bogus", 2},
+      {"version", "--version", 0},
+      {"no verb", "", 2},
+      {"unknown verb", "infos good.dxf", 2},
+      {"unknown option", "info --colour good.dxf", 2},
+      {"missing operand", "convert good.dxf", 2},
+      {"drawing with an error", "convert broken.dxf out.dxf", 1},
+      {"drawing that is not there", "convert missing.dxf out.dxf", 1},
+      {"output in no folder", "convert good.dxf nowhere/out.dxf", 3},
+      {"output exists", "convert good.dxf broken.dxf", 3},
+      {"output is a folder", "convert -f good.dxf .", 3},
+      {"output is a pipe", "convert -f good.dxf pipe", 3},
+      {"output leads to itself", "convert -f good.dxf loop", 3},
+      {"output grows too large", "--version; ulimit -f 1; '" VEK0_TOOL "' convert good.dxf out.dxf",
+       3},
+      {"broken part of an import", "import good.dxf broken.dxf -o o.dxf", 1},
+      {"hatch of nothing", "hatch good.dxf -o out.dxf --closed-polylines", 1},
+      {"hatch without area", "hatch good.dxf -o out.dxf", 2},
+      {"hatch of no point", "hatch good.dxf -o out.dxf --boundary 0,0 a 1,1", 2},
+      {"pattern of no name", "hatch good.dxf -o out.dxf --pattern NO", 2},
+      {"linetypes not there", "linetypes a.lin missing.lin", 1},
+      {"linetypes from a folder", "linetypes .", 1},
+      {"linetypes for a drawing", "convert --linetypes missing.lin good.dxf out.dxf", 1},
+      {"two files to save", "linetypes a.lin a.lin --save out.dxf", 2},
+      {"nothing to list", "linetypes", 2},
+      {"saved upon another", "linetypes a.lin --save broken.dxf", 3},
+      {"saved in no folder", "linetypes a.lin --save nowhere/o", 3},
   };
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
   fs::create_symlink("loop", path("loop"));
@@ -323,9 +316,7 @@ TEST_F(Tool, SaysWhenHatchesMakeTheOutputLarge) {
   const Outcome outlined = run("convert --hatch outline fine.dxf small.dxf");
   EXPECT_NE(outlined.err.find("loss: hatch as outline 'ANSI31' (1 time"), std::string::npos);
   EXPECT_EQ(outlined.err.find("times as large"), std::string::npos) << outlined.err;
-  EXPECT_EQ(Json::parse(run("info --json small.dxf").out)["entities"], Json({
-                                                                           {"POLYLINE", 1}
-  }));
+  EXPECT_EQ(Json::parse(run("info --json small.dxf").out)["entities"], Json({{"POLYLINE", 1}}));
   EXPECT_LT(fs::file_size(path("small.dxf")), fs::file_size(path("lines.dxf")) / 50);
 }
 
@@ -335,12 +326,12 @@ TEST_F(Tool, HatchRefusesBoundariesWithoutArea) {
     const char* name;
     const char* points;
   } cases[] = {
-      {"one point",             "0,0 0,0 0,0"              },
-      {"there and back",        "0,0 1,0 0,0"              },
-      {"there and back, twice", "0,0 1,0 0,0 1,0"          },
-      {"on a line",             "0.1,0.1 0.3,0.3 0.7,0.7"  },
-      {"far away on a line",    "1e200,0 2e200,0 3e200,0"  },
-      {"to and fro on a line",  "0,0 1,2 0,0 2,4 -1,-2 4,8"},
+      {"one point", "0,0 0,0 0,0"},
+      {"there and back", "0,0 1,0 0,0"},
+      {"there and back, twice", "0,0 1,0 0,0 1,0"},
+      {"on a line", "0.1,0.1 0.3,0.3 0.7,0.7"},
+      {"far away on a line", "1e200,0 2e200,0 3e200,0"},
+      {"to and fro on a line", "0,0 1,2 0,0 2,4 -1,-2 4,8"},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -387,13 +378,11 @@ TEST_F(Tool, LinetypesListsWhatAFileDefines) {
   EXPECT_EQ(gas["length"], 1.2);
   ASSERT_EQ(gas["elements"].size(), 3u);
   EXPECT_EQ(gas["elements"][1], -0.2);
-  EXPECT_EQ(gas["elements"][2], Json({
-                                    {"text",     "GAS"     },
-                                    {"style",    "Signs"   },
-                                    {"scale",    0.1       },
-                                    {"rotation", 270.0     },
-                                    {"offset",   {0, -0.05}}
-  }));
+  EXPECT_EQ(gas["elements"][2], Json({{"text", "GAS"},
+                                      {"style", "Signs"},
+                                      {"scale", 0.1},
+                                      {"rotation", 270.0},
+                                      {"offset", {0, -0.05}}}));
   EXPECT_EQ(line["report"][0]["code"], "shape-left-out");
   EXPECT_EQ(line["report"][0]["line"], 3);
   const Json missing = Json::parse(got.out.substr(got.out.find('\n')));
@@ -429,11 +418,11 @@ TEST_F(Tool, ConvertScalesToAUnit) {
     const char* options;
     double factor;
   } cases[] = {
-      {"--to-units mm inches.dxf",                25.4      },
-      {"--to-units in inches.dxf",                1         },
-      {"--to-units ft inches.dxf",                1.0 / 12  },
-      {"--to-units mm --from-units m inches.dxf", 1000      },
-      {"--to-units in --from-units mm bare.dxf",  1.0 / 25.4},
+      {"--to-units mm inches.dxf", 25.4},
+      {"--to-units in inches.dxf", 1},
+      {"--to-units ft inches.dxf", 1.0 / 12},
+      {"--to-units mm --from-units m inches.dxf", 1000},
+      {"--to-units in --from-units mm bare.dxf", 1.0 / 25.4},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.options);

@@ -42,15 +42,8 @@ class Xrefs : public Tool {
   void SetUp() override {
     Tool::SetUp();
     for (const char* folder : {"parts", "library", "else"}) fs::create_directory(path(folder));
-    write("sheet.dxf", drawing({
-                           {"HOUSE", "parts\\house.dxf" },
-                           {"TREE",  "C:\\lib\\Tree.dwg"}
-    }));
-    write("parts/house.dxf", drawing(
-                                 {
-                                     {"BED", "bed.dxf"}
-    },
-                                 "WALLS"));
+    write("sheet.dxf", drawing({{"HOUSE", "parts\\house.dxf"}, {"TREE", "C:\\lib\\Tree.dwg"}}));
+    write("parts/house.dxf", drawing({{"BED", "bed.dxf"}}, "WALLS"));
     write("parts/bed.dxf", drawing({}, "BEDS"));
     write("library/tree.dxf", drawing({}, "CROWN"));
     write("else/tree.dxf", drawing({}, "CROWN"));
@@ -126,10 +119,7 @@ TEST_F(Xrefs, TreeOfDiamondsEndsSoon) {
   constexpr int kLevels = 40;
   for (int i = 0; i < kLevels; ++i) {
     const std::string left = "l" + std::to_string(i + 1), right = "r" + std::to_string(i + 1);
-    const auto next = drawing({
-        {left,  left + ".dxf" },
-        {right, right + ".dxf"}
-    });
+    const auto next = drawing({{left, left + ".dxf"}, {right, right + ".dxf"}});
     write("l" + std::to_string(i) + ".dxf", next);
     write("r" + std::to_string(i) + ".dxf", next);
   }
@@ -143,56 +133,36 @@ TEST_F(Xrefs, TreeOfDiamondsEndsSoon) {
 }
 
 TEST_F(Xrefs, CheckFailsWhereAReferenceDoes) {
-  write("self.dxf", drawing({
-                        {"SELF", "self.dxf"}
-  }));
-  write("out.dxf", drawing({
-                       {"OUT", "parts/../../else.dxf"}
-  }));
-  write("folder.dxf", drawing({
-                          {"FOLDER", "parts"}
-  }));
-  write("device.dxf", drawing({
-                          {"DEVICE", "/dev/zero"}
-  }));
-  write("system.dxf", drawing({
-                          {"SYSTEM", "/etc/passwd"}
-  }));
-  write("text.dxf", drawing({
-                        {"TEXT", "kBroken.dxf"}
-  }));
+  write("self.dxf", drawing({{"SELF", "self.dxf"}}));
+  write("out.dxf", drawing({{"OUT", "parts/../../else.dxf"}}));
+  write("folder.dxf", drawing({{"FOLDER", "parts"}}));
+  write("device.dxf", drawing({{"DEVICE", "/dev/zero"}}));
+  write("system.dxf", drawing({{"SYSTEM", "/etc/passwd"}}));
+  write("text.dxf", drawing({{"TEXT", "kBroken.dxf"}}));
   write("kBroken.dxf", kBroken);
-  write("there.dxf", drawing({
-                         {"BACK", "back.dxf"}
-  }));
-  write("back.dxf", drawing({
-                        {"THERE", "there.dxf"}
-  }));
-  std::string overlay = drawing({
-      {"BED", "parts/bed.dxf"}
-  });
+  write("there.dxf", drawing({{"BACK", "back.dxf"}}));
+  write("back.dxf", drawing({{"THERE", "there.dxf"}}));
+  std::string overlay = drawing({{"BED", "parts/bed.dxf"}});
   overlay.replace(overlay.find("70\n4"), 4, "70\n12");
   write("overlay.dxf", overlay);
-  write("above.dxf", drawing({
-                         {"BELOW", "overlay.dxf"}
-  }));
+  write("above.dxf", drawing({{"BELOW", "overlay.dxf"}}));
   const struct {
     const char *arguments, *said;
     int code;
   } cases[] = {
-      {"sheet.dxf --search library", "sheet.dxf: ok, 3 references",                         0},
-      {"parts/bed.dxf",              "parts/bed.dxf: ok, 0 references",                     0},
-      {"sheet.dxf",                  "sheet.dxf: 3 references, 1 cannot be shown",          1},
-      {"sheet.dxf",                  "reference missing 'TREE: C:\\lib",                    1},
-      {"self.dxf",                   "reference circular 'SELF: self.dxf'",                 1},
-      {"there.dxf",                  "there.dxf: 1 reference, 1 cannot be shown",           1},
-      {"overlay.dxf",                "overlay.dxf: ok, 1 reference",                        0},
-      {"above.dxf",                  "note: reference overlaid 'BELOW|BED: parts/bed.dxf'", 0},
-      {"out.dxf",                    "reference missing 'OUT: parts/",                      1},
-      {"folder.dxf",                 "reference no file 'FOLDER: parts'",                   1},
-      {"device.dxf",                 "reference no file 'DEVICE: /dev/zero'",               1},
-      {"system.dxf",                 "reference forbidden 'SYSTEM: /etc/passwd",            1},
-      {"text.dxf --strict",          "reference broken 'TEXT: kBroken.dxf'",                1},
+      {"sheet.dxf --search library", "sheet.dxf: ok, 3 references", 0},
+      {"parts/bed.dxf", "parts/bed.dxf: ok, 0 references", 0},
+      {"sheet.dxf", "sheet.dxf: 3 references, 1 cannot be shown", 1},
+      {"sheet.dxf", "reference missing 'TREE: C:\\lib", 1},
+      {"self.dxf", "reference circular 'SELF: self.dxf'", 1},
+      {"there.dxf", "there.dxf: 1 reference, 1 cannot be shown", 1},
+      {"overlay.dxf", "overlay.dxf: ok, 1 reference", 0},
+      {"above.dxf", "note: reference overlaid 'BELOW|BED: parts/bed.dxf'", 0},
+      {"out.dxf", "reference missing 'OUT: parts/", 1},
+      {"folder.dxf", "reference no file 'FOLDER: parts'", 1},
+      {"device.dxf", "reference no file 'DEVICE: /dev/zero'", 1},
+      {"system.dxf", "reference forbidden 'SYSTEM: /etc/passwd", 1},
+      {"text.dxf --strict", "reference broken 'TEXT: kBroken.dxf'", 1},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.arguments);
@@ -207,9 +177,7 @@ TEST_F(Xrefs, CheckFailsWhereAReferenceDoes) {
 TEST_F(Xrefs, AllowOpensWhatSearchDoesNot) {
   const std::string other = fs::canonical(path("else")).string();
   fs::create_directory(path("job"));
-  write("job/plan.dxf", drawing({
-                            {"TREE", "../else/tree.dxf"}
-  }));
+  write("job/plan.dxf", drawing({{"TREE", "../else/tree.dxf"}}));
   EXPECT_TRUE(has(run("xrefs check job/plan.dxf").out, "reference forbidden"));
   EXPECT_EQ(run("xrefs check job/plan.dxf --allow else").code, 0);
   EXPECT_EQ(run("xrefs check job/plan.dxf --search else").code, 0);
@@ -233,12 +201,12 @@ TEST_F(Xrefs, BindWritesNothingWhenOneCannotBeBound) {
     const char *arguments, *said;
     int code;
   } cases[] = {
-      {"--all",       "TREE (C:\\lib\\Tree.dwg) is missing",         1},
-      {"HOUSE TREE",  "TREE (C:\\lib\\Tree.dwg) is missing",         1},
-      {"SHED",        "there is no reference SHED",                  1},
-      {"BED",         "BED (bed.dxf) is shown by another reference", 1},
-      {"",            "name the references, or say --all",           2},
-      {"--all HOUSE", "--all leaves nothing to name",                2},
+      {"--all", "TREE (C:\\lib\\Tree.dwg) is missing", 1},
+      {"HOUSE TREE", "TREE (C:\\lib\\Tree.dwg) is missing", 1},
+      {"SHED", "there is no reference SHED", 1},
+      {"BED", "BED (bed.dxf) is shown by another reference", 1},
+      {"", "name the references, or say --all", 2},
+      {"--all HOUSE", "--all leaves nothing to name", 2},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.arguments);
@@ -262,9 +230,7 @@ TEST_F(Xrefs, DetachTakesWhatOnlyItShows) {
   ASSERT_EQ(run("xrefs detach sheet.dxf --all -o bare.dxf").code, 0) << "missing ones too";
   const Json bare = info("bare.dxf");
   EXPECT_EQ(bare["references"], Json::array());
-  EXPECT_EQ(bare["entities"], Json({
-                                  {"LINE", 1}
-  }));
+  EXPECT_EQ(bare["entities"], Json({{"LINE", 1}}));
 }
 
 TEST_F(Xrefs, RepathChangesPathsAndNothingElse) {
@@ -272,16 +238,16 @@ TEST_F(Xrefs, RepathChangesPathsAndNothingElse) {
     const char *arguments, *paths;
     int code;
   } cases[] = {
-      {"HOUSE=new/house.dxf TREE=tree.dxf", "new/house.dxf tree.dxf",             0},
-      {"'TREE=\"a=b.dxf\"'",                "parts\\house.dxf a=b.dxf",           0},
-      {"--from c:/LIB/ --to library/",      "parts\\house.dxf library/Tree.dwg",  0},
-      {"--from parts --to ''",              "\\house.dxf C:\\lib\\Tree.dwg",      0},
-      {"--from D: --to E:",                 "no path begins with 'D:'",           1},
-      {"SHED=shed.dxf",                     "there is no reference SHED",         1},
-      {"HOUSE",                             "'HOUSE' is not NAME=PATH",           2},
-      {"",                                  "give NAME=PATH, or --from and --to", 2},
-      {"--from C:",                         "--to",                               2},
-      {"--from C: --to D: HOUSE=x",         "give NAME=PATH, or --from and --to", 2},
+      {"HOUSE=new/house.dxf TREE=tree.dxf", "new/house.dxf tree.dxf", 0},
+      {"'TREE=\"a=b.dxf\"'", "parts\\house.dxf a=b.dxf", 0},
+      {"--from c:/LIB/ --to library/", "parts\\house.dxf library/Tree.dwg", 0},
+      {"--from parts --to ''", "\\house.dxf C:\\lib\\Tree.dwg", 0},
+      {"--from D: --to E:", "no path begins with 'D:'", 1},
+      {"SHED=shed.dxf", "there is no reference SHED", 1},
+      {"HOUSE", "'HOUSE' is not NAME=PATH", 2},
+      {"", "give NAME=PATH, or --from and --to", 2},
+      {"--from C:", "--to", 2},
+      {"--from C: --to D: HOUSE=x", "give NAME=PATH, or --from and --to", 2},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.arguments);
@@ -314,7 +280,7 @@ TEST_F(Xrefs, AttachedDrawingIsShownWhereItWasPut) {
   // by its end, from 110,30 to 100,50.
   ASSERT_EQ(run(attach + "--base 10,5 -o based.dxf").code, 0);
   const std::pair<const char*, PNT_2D> kExpected[] = {
-      {"out.dxf",   PNT_2D(100, 70)},
+      {"out.dxf", PNT_2D(100, 70)},
       {"based.dxf", PNT_2D(110, 50)},
   };
   for (const auto& [file, max] : kExpected) {

@@ -63,13 +63,13 @@ TEST(Projector, KnownPoints) {
     PNT_2D flat;
     double depth;
   } cases[] = {
-      {"plan",                     plan,        {1, 2, 3},   {1, 2},   3},
-      {"front",                    front,       {1, 2, 3},   {1, 3},   2},
-      {"side",                     side,        {1, 2, 3},   {-2, 3},  1},
-      {"quarter turn",             quarter,     {1, 0, 0},   {0, -1},  0},
-      {"the centre is the origin", aboutCentre, {10, 20, 7}, {0, 0},   7},
-      {"right of the centre",      aboutCentre, {11, 20, 7}, {0, -1},  7},
-      {"parallel",                 parallel,    {1, 10, 5},  {31, 47}, 5},
+      {"plan", plan, {1, 2, 3}, {1, 2}, 3},
+      {"front", front, {1, 2, 3}, {1, 3}, 2},
+      {"side", side, {1, 2, 3}, {-2, 3}, 1},
+      {"quarter turn", quarter, {1, 0, 0}, {0, -1}, 0},
+      {"the centre is the origin", aboutCentre, {10, 20, 7}, {0, 0}, 7},
+      {"right of the centre", aboutCentre, {11, 20, 7}, {0, -1}, 7},
+      {"parallel", parallel, {1, 10, 5}, {31, 47}, 5},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -69,14 +69,14 @@ TEST(WndVpt, SetShowsAllOfTheRectangle) {
     double ratio;
     RECT_2D asked, window;
   } cases[] = {
-      {"same proportions",      101, 51,  1,  {0, 0, 10, 5},  {0, 0, 10, 5}       },
-      {"extended upright",      101, 101, 1,  {0, 0, 10, 5},  {0, -2.5, 10, 7.5}  },
-      {"extended sideways",     201, 101, 1,  {0, 0, 10, 10}, {-5, 0, 15, 10}     },
-      {"corners in any order",  101, 51,  1,  {10, 5, 0, 0},  {0, 0, 10, 5}       },
-      {"a point",               101, 101, 1,  {4, 4, 4, 4},   {3.5, 3.5, 4.5, 4.5}},
-      {"an upright line",       101, 101, 1,  {0, 0, 0, 10},  {-5, 0, 5, 10}      },
-      {"x twice as large as y", 101, 101, 2,  {0, 0, 10, 10}, {0, -5, 10, 15}     },
-      {"x half as large as y",  101, 101, .5, {0, 0, 10, 10}, {-5, 0, 15, 10}     },
+      {"same proportions", 101, 51, 1, {0, 0, 10, 5}, {0, 0, 10, 5}},
+      {"extended upright", 101, 101, 1, {0, 0, 10, 5}, {0, -2.5, 10, 7.5}},
+      {"extended sideways", 201, 101, 1, {0, 0, 10, 10}, {-5, 0, 15, 10}},
+      {"corners in any order", 101, 51, 1, {10, 5, 0, 0}, {0, 0, 10, 5}},
+      {"a point", 101, 101, 1, {4, 4, 4, 4}, {3.5, 3.5, 4.5, 4.5}},
+      {"an upright line", 101, 101, 1, {0, 0, 0, 10}, {-5, 0, 5, 10}},
+      {"x twice as large as y", 101, 101, 2, {0, 0, 10, 10}, {0, -5, 10, 15}},
+      {"x half as large as y", 101, 101, .5, {0, 0, 10, 10}, {-5, 0, 15, 10}},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -175,10 +175,10 @@ TEST(WndVpt, AViewSurvivesBeingHidden) {
     const char* name;
     long width, height;
   } cases[] = {
-      {"one pixel", 1,   1 },
-      {"a row",     500, 1 },
-      {"nothing",   0,   0 },
-      {"unknown",   -1,  -1},
+      {"one pixel", 1, 1},
+      {"a row", 500, 1},
+      {"nothing", 0, 0},
+      {"unknown", -1, -1},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

@@ -242,11 +242,11 @@ TEST(BindXRef, LeavesReferencesThatAreNotLoaded) {
   CUndoStack undo(data);
   EXPECT_EQ(bindXRef(data, undo, *sheet.xref(u"FURNITURE")), nullptr);
   const char16_t* const paths[][3] = {
-      {u"house.dxf",            u"furniture.dxf",        u"furniture.dxf"                 },
-      {u"plans/house.dxf",      u"furniture.dxf",        u"plans/furniture.dxf"           },
-      {u"..\\plans\\house.dxf", u"parts/furniture.dxf",  u"..\\plans\\parts/furniture.dxf"},
-      {u"plans/house.dxf",      u"/parts/furniture.dxf", u"/parts/furniture.dxf"          },
-      {u"plans/house.dxf",      u"C:\\furniture.dxf",    u"C:\\furniture.dxf"             },
+      {u"house.dxf", u"furniture.dxf", u"furniture.dxf"},
+      {u"plans/house.dxf", u"furniture.dxf", u"plans/furniture.dxf"},
+      {u"..\\plans\\house.dxf", u"parts/furniture.dxf", u"..\\plans\\parts/furniture.dxf"},
+      {u"plans/house.dxf", u"/parts/furniture.dxf", u"/parts/furniture.dxf"},
+      {u"plans/house.dxf", u"C:\\furniture.dxf", u"C:\\furniture.dxf"},
   };
   for (const auto& [outer, inner, bound] : paths) {
     sheet.xref(u"HOUSE")->setPath(outer);

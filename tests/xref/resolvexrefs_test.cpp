@@ -165,13 +165,13 @@ struct Refusal {
 
 TEST(ResolveXRefs, SaysWhyAReferenceShowsNothing) {
   const Refusal kRefusals[] = {
-      {"missing",   "gone.dxf",   nullptr,            Status::missing, "reference missing"  },
-      {"no path",   "",           nullptr,            Status::missing, "reference missing"  },
-      {"forbidden", "secret.dxf", nullptr,            Status::refused, "reference forbidden"},
-      {"folder",    "folder",     nullptr,            Status::refused, "reference no file"  },
-      {"itself",    "sheet.dxf",  nullptr,            Status::refused, "reference circular" },
-      {"no DXF",    "broken.dxf", "Once upon a time", Status::broken,  "reference broken"   },
-      {"empty",     "broken.dxf", "",                 Status::broken,  "reference broken"   },
+      {"missing", "gone.dxf", nullptr, Status::missing, "reference missing"},
+      {"no path", "", nullptr, Status::missing, "reference missing"},
+      {"forbidden", "secret.dxf", nullptr, Status::refused, "reference forbidden"},
+      {"folder", "folder", nullptr, Status::refused, "reference no file"},
+      {"itself", "sheet.dxf", nullptr, Status::refused, "reference circular"},
+      {"no DXF", "broken.dxf", "Once upon a time", Status::broken, "reference broken"},
+      {"empty", "broken.dxf", "", Status::broken, "reference broken"},
   };
   for (const Refusal& refusal : kRefusals) {
     SCOPED_TRACE(refusal.title);

@@ -12,11 +12,11 @@ TEST(Utf8, KnownTexts) {
     const char* utf8;
     const char16_t* utf16;
   } cases[] = {
-      {"ascii",          "LINE",             u"LINE"      },
-      {"two bytes",      "\xC3\xA9",         u"\u00E9"    },
-      {"three bytes",    "\xE2\x82\xAC",     u"\u20AC"    },
+      {"ascii", "LINE", u"LINE"},
+      {"two bytes", "\xC3\xA9", u"\u00E9"},
+      {"three bytes", "\xE2\x82\xAC", u"\u20AC"},
       {"surrogate pair", "\xF0\x9F\x98\x80", u"\U0001F600"},
-      {"empty",          "",                 u""          },
+      {"empty", "", u""},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);
@@ -32,13 +32,13 @@ TEST(Utf8, MalformedBytesBecomeReplacements) {
     const char* utf8;
     const char16_t* utf16;
   } cases[] = {
-      {"lone continuation",    "a\x80z",           u"a\uFFFDz"                },
-      {"cut sequence",         "a\xE2\x82",        u"a\uFFFD\uFFFD"           },
-      {"overlong slash",       "\xC0\xAF",         u"\uFFFD\uFFFD"            },
-      {"overlong three bytes", "\xE0\x80\xAF",     u"\uFFFD\uFFFD\uFFFD"      },
-      {"encoded surrogate",    "\xED\xA0\x80",     u"\uFFFD\uFFFD\uFFFD"      },
-      {"beyond the last",      "\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
-      {"goes on after it",     "\xC3(",            u"\uFFFD("                 },
+      {"lone continuation", "a\x80z", u"a\uFFFDz"},
+      {"cut sequence", "a\xE2\x82", u"a\uFFFD\uFFFD"},
+      {"overlong slash", "\xC0\xAF", u"\uFFFD\uFFFD"},
+      {"overlong three bytes", "\xE0\x80\xAF", u"\uFFFD\uFFFD\uFFFD"},
+      {"encoded surrogate", "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
+      {"beyond the last", "\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
+      {"goes on after it", "\xC3(", u"\uFFFD("},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.name);

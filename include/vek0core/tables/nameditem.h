@@ -151,9 +151,7 @@ class VEK0_API CNamedItemTableImp {
   // sequential numbering allocates nothing here.
   struct Numbers {
     std::unordered_map<int, int> repeated;
-    std::map<int, int> free{
-        {1, std::numeric_limits<int>::max()}
-    };
+    std::map<int, int> free{{1, std::numeric_limits<int>::max()}};
 
     void take(int number);
     void give(int number);
