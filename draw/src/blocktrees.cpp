@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "vek0core/entities/block.h"
+#include "vek0core/entities/blocks/block.h"
 #include "walker.h"
 
 namespace vek0::detail {

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "placement.h"
-#include "vek0core/entities/insertmatrix.h"
+#include "vek0core/entities/blocks/insertmatrix.h"
 #include "vek0core/geometry/pnt.h"
 #include "vek0core/geometry/rect.h"
 #include "vek0core/polyline/silhouette.h"

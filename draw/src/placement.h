@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vek0core/entities/insertmatrix.h"
+#include "vek0core/entities/blocks/insertmatrix.h"
 #include "vek0core/geometry/pnt.h"
 #include "vek0core/geometry/rect.h"
 #include "vek0core/view/projector.h"

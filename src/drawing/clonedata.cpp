@@ -8,8 +8,8 @@
 #include "drawing/entcloner.h"
 #include "vek0core/drawing/datafactory.h"
 #include "vek0core/drawing/functions.h"
-#include "vek0core/entities/block.h"
-#include "vek0core/entities/blockfactory.h"
+#include "vek0core/entities/blocks/block.h"
+#include "vek0core/entities/blocks/blockfactory.h"
 
 using vek0::detail::addNew;
 using vek0::detail::cloneDashes;

@@ -2,17 +2,17 @@
 #include <memory>
 #include <new>
 
-#include "entities/hatchblock.h"
+#include "entities/blocks/hatchblock.h"
 #include "vek0core/drawing/functions.h"
-#include "vek0core/entities/block.h"
+#include "vek0core/entities/blocks/block.h"
+#include "vek0core/entities/blocks/enthatch.h"
+#include "vek0core/entities/blocks/entinsert.h"
 #include "vek0core/entities/ent3dface.h"
 #include "vek0core/entities/entarc.h"
 #include "vek0core/entities/entattdef.h"
 #include "vek0core/entities/entattrib.h"
 #include "vek0core/entities/entcircle.h"
 #include "vek0core/entities/entfactory.h"
-#include "vek0core/entities/enthatch.h"
-#include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entpnt.h"
 #include "vek0core/entities/entpolyline.h"

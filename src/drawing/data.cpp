@@ -2,7 +2,8 @@
 
 #include <utility>
 
-#include "vek0core/entities/blockfactory.h"
+#include "entities/entservices.h"
+#include "vek0core/entities/blocks/blockfactory.h"
 #include "vek0core/entities/entfactory.h"
 
 namespace {
@@ -84,6 +85,12 @@ const ICADFont* CData::needFont(const zim::WString& name) {
 }
 
 namespace vek0::detail {
+
+EntServices servicesOf(CData& data) {
+  return {data.getHandleGestor(), data.getEntFactory(), data.getBlockFactory(),
+          data.getBlockTable(),   data.getLayer0(),     data.getLtypeContinuous(),
+          data.getHatchLimit()};
+}
 
 std::atomic<long> LivingDrawing::s_count{0};
 

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "vek0core/drawing/data.h"
-#include "vek0core/entities/blockfactory.h"
+#include "vek0core/entities/blocks/blockfactory.h"
 #include "vek0core/entities/entfactory.h"
 
 CData* CDataFactory::createData() {

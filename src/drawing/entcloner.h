@@ -6,7 +6,7 @@
 
 #include "tables/addnew.h"
 #include "vek0core/drawing/data.h"
-#include "vek0core/entities/block.h"
+#include "vek0core/entities/blocks/block.h"
 
 class CEnt;
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "vek0core/drawing/data.h"
-#include "vek0core/entities/block.h"
+#include "vek0core/entities/blocks/block.h"
+#include "vek0core/entities/blocks/entinsert.h"
 #include "vek0core/entities/entattrib.h"
-#include "vek0core/entities/entinsert.h"
 
 namespace vek0::detail {
 

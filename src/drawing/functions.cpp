@@ -5,11 +5,11 @@
 #include <vector>
 
 #include "vek0core/assert.h"
-#include "vek0core/entities/block.h"
-#include "vek0core/entities/blockxref.h"
+#include "vek0core/entities/blocks/block.h"
+#include "vek0core/entities/blocks/blockxref.h"
+#include "vek0core/entities/blocks/enthatch.h"
+#include "vek0core/entities/blocks/entinsert.h"
 #include "vek0core/entities/entfactory.h"
-#include "vek0core/entities/enthatch.h"
-#include "vek0core/entities/entinsert.h"
 #include "vek0core/tables/colors.h"
 #include "vek0core/tables/font.h"
 

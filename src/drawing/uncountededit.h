@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vek0core/entities/block.h"
+#include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/ent.h"
 #include "vek0core/tables/layer.h"
 #include "vek0core/tables/ltype.h"

@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "vek0core/entities/enthatch.h"
+#include "vek0core/entities/blocks/enthatch.h"
 #include "vek0core/entities/entpolyline.h"
 
 namespace vek0::detail {

@@ -9,7 +9,7 @@
 
 #include "drawing/undoaction.h"
 #include "vek0core/drawing/data.h"
-#include "vek0core/entities/block.h"
+#include "vek0core/entities/blocks/block.h"
 
 namespace vek0::detail {
 

@@ -6,7 +6,7 @@
 
 #include "drawing/everyentity.h"
 #include "drawing/uncountededit.h"
-#include "vek0core/entities/enthatch.h"
+#include "vek0core/entities/blocks/enthatch.h"
 
 namespace vek0::detail {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "drawing/undoaction.h"
 #include "vek0core/drawing/datavariables.h"
-#include "vek0core/entities/block.h"
+#include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/entmemento.h"
 #include "vek0core/tables/layer.h"
 #include "vek0core/tables/ltype.h"

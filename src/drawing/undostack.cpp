@@ -10,8 +10,8 @@
 #include "drawing/undomembers.h"
 #include "drawing/undosnapshots.h"
 #include "entities/newornull.h"
+#include "vek0core/entities/blocks/enthatch.h"
 #include "vek0core/entities/entcast.h"
-#include "vek0core/entities/enthatch.h"
 
 using vek0::detail::BlockEntMembership;
 using vek0::detail::BlockHeadSnapshot;

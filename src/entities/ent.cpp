@@ -3,7 +3,6 @@
 #include <new>
 #include <utility>
 
-#include "vek0core/entities/block.h"
 #include "vek0core/entities/entmemento.h"
 #include "vek0core/entities/enttable.h"
 #include "vek0core/tables/layer.h"
@@ -47,11 +46,6 @@ void CEnt::removeTbls(IHandleGestor& gestor) const {
   gestor.release(GetHandle());
   moveCount<CLayer>(m_layer, nullptr);
   moveCount<CLtype>(m_ltype, nullptr);
-}
-
-CBlock* CEnt::getOwnerBlock() const {
-  // Stored by the block itself, which is not a const object.
-  return m_inBlock ? static_cast<CBlock*>(const_cast<void*>(m_owner)) : nullptr;
 }
 
 CStyle* CEnt::getStyle() const { return nullptr; }
@@ -123,7 +117,7 @@ void CEnt::setSelectStatus(Node node) {
 }
 
 // Only a table has its entities watched.
-void CEnt::tellWatchers() { static_cast<const CEntTable*>(m_owner)->tellReshaped(*this); }
+void CEnt::tellWatchers() { m_owner->table->tellReshaped(*this); }
 
 void CEnt::refreshBdry() const {
   // The box is a cache, and every entity is a heap object that is not itself const.

@@ -1,37 +1,21 @@
 #include "vek0core/entities/entfactory.h"
 
 #include <new>
-#include <utility>
 
+#include "entities/makeent.h"
 #include "vek0core/entities/ent3dface.h"
 #include "vek0core/entities/entarc.h"
 #include "vek0core/entities/entattdef.h"
 #include "vek0core/entities/entattrib.h"
 #include "vek0core/entities/entcircle.h"
-#include "vek0core/entities/enthatch.h"
-#include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entpnt.h"
 #include "vek0core/entities/entpolyline.h"
 #include "vek0core/entities/enttext.h"
 
-namespace {
-
-constexpr vek0::Handle kCopyHandle = 0;  // handles are unique, so a copy has none
-
-}  // namespace
+using vek0::detail::kCopyHandle;
 
 CEntFactory::~CEntFactory() = default;
-
-// Strings and lists inside an entity may fail to allocate as well as the object.
-template <class Kind, class... Args>
-Kind* CEntFactory::make(Args&&... args) {
-  try {
-    return new (std::nothrow) Kind(std::forward<Args>(args)...);
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
-}
 
 CEntPnt* CEntFactory::createEntPnt(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,
                                    const PNT_3D& pnt, vek0::Handle handle) {
@@ -125,65 +109,6 @@ CEntAttrib* CEntFactory::createEntAttrib(IHandleGestor&, const zim::WString& val
 
 CEntAttrib* CEntFactory::createEntAttrib(IHandleGestor&, const CEntAttrib& src) {
   return make<CEntAttrib>(src, kCopyHandle);
-}
-
-CEntInsert* CEntFactory::createEntInsert(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,
-                                         CBlock* block, const PNT_3D& pnt, double scaleX,
-                                         double scaleY, double scaleZ, double rotation,
-                                         long columns, long rows, double columnSpacing,
-                                         double rowSpacing, vek0::Handle handle) {
-  return make<CEntInsert>(handle, layer, ltype, color, block, pnt, scaleX, scaleY, scaleZ, rotation,
-                          columns, rows, columnSpacing, rowSpacing);
-}
-
-CEntInsert* CEntFactory::createEntInsert(IHandleGestor& gestor, const CEntInsert& src) {
-  return make<CEntInsert>(gestor, *this, src, kCopyHandle);
-}
-
-CEntFixedInsert* CEntFactory::createEntFixedInsert(IHandleGestor&, CLayer* layer, CLtype* ltype,
-                                                   short color, CBlock* block, const PNT_3D& pnt,
-                                                   double refSize, double pixels, double rotation,
-                                                   vek0::Handle handle) {
-  return make<CEntFixedInsert>(handle, layer, ltype, color, block, pnt, refSize, pixels, rotation);
-}
-
-CEntFixedInsert* CEntFactory::createEntFixedInsert(IHandleGestor& gestor,
-                                                   const CEntFixedInsert& src) {
-  return make<CEntFixedInsert>(gestor, *this, src, kCopyHandle);
-}
-
-CEntInsertXRef* CEntFactory::createEntInsertXRef(IHandleGestor&, CLayer* layer, CLtype* ltype,
-                                                 short color, CBlockXRefDepend& depend,
-                                                 CBlockXRef* xref, const PNT_3D& pnt, double scaleX,
-                                                 double scaleY, double scaleZ, double rotation,
-                                                 long columns, long rows, double columnSpacing,
-                                                 double rowSpacing, vek0::Handle handle) {
-  return make<CEntInsertXRef>(handle, layer, ltype, color, depend, xref, pnt, scaleX, scaleY,
-                              scaleZ, rotation, columns, rows, columnSpacing, rowSpacing);
-}
-
-CEntInsertXRef* CEntFactory::createEntInsertXRef(IHandleGestor& gestor, const CEntInsertXRef& src) {
-  return make<CEntInsertXRef>(gestor, *this, src, kCopyHandle);
-}
-
-CEntHatch* CEntFactory::createEntHatch(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,
-                                       CBlock* block, const HATCH_TYPE& type, double scale,
-                                       double rotate, const std::vector<PNT_3D>& boundary,
-                                       vek0::Handle handle) {
-  return make<CEntHatch>(handle, layer, ltype, color, block, type, scale, rotate, boundary);
-}
-
-CEntHatch* CEntFactory::createEntHatch(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,
-                                       const zim::WString& name, const HATCH_TYPE& type,
-                                       double scale, double rotate,
-                                       const std::vector<PNT_3D>& boundary, CData& data,
-                                       vek0::Handle handle) {
-  try {
-    return CEntHatch::Create(handle, layer, ltype, color, name, type, scale, rotate, boundary,
-                             data);
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
 }
 
 CEnt3DFace* CEntFactory::createEnt3DFace(IHandleGestor&, CLayer* layer, CLtype* ltype, short color,

@@ -6,9 +6,9 @@
 #include <typeinfo>
 #include <unordered_set>
 
+#include "entities/entservices.h"
 #include "entities/newornull.h"
 #include "vek0core/assert.h"
-#include "vek0core/drawing/data.h"
 #include "vek0core/entities/entfactory.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entvisitor.h"
@@ -666,7 +666,7 @@ void CEntPolyline::setMemento(CData& data, const IEntDerivedMemento* memento) {
   if (isPacked() && !state.m_packed.empty()) {
     m_packed = state.m_packed;
   } else {
-    const bool isBooked = data.getHandleGestor().handling();
+    const bool isBooked = vek0::detail::servicesOf(data).gestor.handling();
     auto vertex = m_vertexes.begin();
     state.forEachEntry(
         [&](const MementoEntry& entry) { resetVertex(**vertex++, entry, isBooked); });
@@ -743,8 +743,9 @@ std::unique_ptr<vek0::detail::EntParts> CEntPolyline::replaceParts(
   unpack();
   m_runs.reserve(std::max(state->m_runs.size(), mostRunsOf(state->m_packed)));
   if (state->noEntries() == m_vertexes.size()) return nullptr;
-  auto replaced = std::make_unique<ReplacedVertexes>(*this, data.getHandleGestor());
-  replaced->prepare(data.getEntFactory(), state->entries());
+  const vek0::detail::EntServices services = vek0::detail::servicesOf(data);
+  auto replaced = std::make_unique<ReplacedVertexes>(*this, services.gestor);
+  replaced->prepare(services.entFactory, state->entries());
   replaced->exchange();
   return replaced;
 }

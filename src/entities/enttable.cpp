@@ -7,7 +7,6 @@
 #include <unordered_map>
 #include <utility>
 
-#include "vek0core/entities/entinsert.h"
 #include "vek0core/tables/layer.h"
 
 namespace {
@@ -82,7 +81,7 @@ void CEntTable::add(CEnt* ent) {
 }
 
 void CEntTable::add(CEnt* ent, Slots& slots) {
-  if (ent == nullptr || ent->m_owner != nullptr || m_isView) return;
+  if (ent == nullptr || ent->isHeld() || m_isView) return;
   insert(ent, m_entities.end(), m_nextRank, slots);
   ++m_nextRank;
 }
@@ -98,7 +97,7 @@ void CEntTable::restore(CEnt* ent, const Place& place) {
 }
 
 void CEntTable::restore(CEnt* ent, const Place& place, Slots& slots) {
-  if (ent == nullptr || ent->m_owner != nullptr || m_isView) return;
+  if (ent == nullptr || ent->isHeld() || m_isView) return;
   const auto next = holds(place.next) ? Node(place.next->m_node) : m_entities.end();
   const bool fits = (next == m_entities.end() || place.rank < (*next)->m_pos) &&
                     (next == m_entities.begin() || (*std::prev(next))->m_pos < place.rank);
@@ -111,7 +110,7 @@ void CEntTable::insert(CEnt* ent, Node before, std::size_t rank, Slots& slots) {
   m_entities.splice(before, slots, slots.begin());
   ent->m_node = std::prev(before);
   *ent->m_node = ent;
-  ent->m_owner = this;
+  ent->m_owner = &m_asOwner;
   ent->m_pos = rank;
   noteAdded(*ent);
   ent->m_watched = !m_watchers.empty();

@@ -16,7 +16,7 @@ using vek0::detail::times;
 
 namespace {
 
-constexpr std::size_t kMaxChords = 262144;
+constexpr std::size_t kMaxSplineSpans = 262144;
 constexpr int kLeastHalvings = 2, kMostHalvings = 10;
 
 struct Weighted {
@@ -126,7 +126,7 @@ void flatten(Row& piece, std::size_t p, double tolerance, int halvings, std::vec
 // Halvings allowed per span, so that all spans together stay below the limit.
 int allowedHalvings(std::size_t spans) {
   int halvings = kMostHalvings;
-  while (halvings > kLeastHalvings && (spans << halvings) > kMaxChords) --halvings;
+  while (halvings > kLeastHalvings && (spans << halvings) > kMaxSplineSpans) --halvings;
   return halvings;
 }
 

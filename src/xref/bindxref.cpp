@@ -13,8 +13,8 @@
 #include "tables/itemflags.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/drawing/tableremapper.h"
-#include "vek0core/entities/blockfactory.h"
-#include "vek0core/entities/enthatch.h"
+#include "vek0core/entities/blocks/blockfactory.h"
+#include "vek0core/entities/blocks/enthatch.h"
 #include "vek0core/xref/xrefs.h"
 #include "xref/xrefedit.h"
 

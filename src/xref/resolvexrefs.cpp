@@ -11,14 +11,14 @@
 #include <utility>
 #include <vector>
 
-#include "entities/hatchblock.h"
+#include "entities/blocks/hatchblock.h"
 #include "tables/itemflags.h"
 #include "vek0core/drawing/datafactory.h"
 #include "vek0core/drawing/functions.h"
-#include "vek0core/dxfin/filedxfierror.h"
-#include "vek0core/entities/block.h"
-#include "vek0core/entities/blockfactory.h"
-#include "vek0core/entities/enthatch.h"
+#include "vek0core/dxf/in/filedxfierror.h"
+#include "vek0core/entities/blocks/block.h"
+#include "vek0core/entities/blocks/blockfactory.h"
+#include "vek0core/entities/blocks/enthatch.h"
 #include "vek0core/files/file.h"
 #include "vek0core/files/report.h"
 #include "vek0core/xref/xrefresolver.h"

@@ -1,17 +1,17 @@
 #include "xref/xrefcontent.h"
 
-#include "entities/collectblocks.h"
+#include "entities/blocks/collectblocks.h"
 
 #include <utility>
 #include <vector>
 
 #include "drawing/everyentity.h"
 #include "drawing/itemuse.h"
-#include "vek0core/entities/block.h"
-#include "vek0core/entities/blockfactory.h"
-#include "vek0core/entities/blockgraph.h"
-#include "vek0core/entities/blockxref.h"
-#include "vek0core/entities/entinsert.h"
+#include "vek0core/entities/blocks/block.h"
+#include "vek0core/entities/blocks/blockfactory.h"
+#include "vek0core/entities/blocks/blockgraph.h"
+#include "vek0core/entities/blocks/blockxref.h"
+#include "vek0core/entities/blocks/entinsert.h"
 #include "xref/xrefjournal.h"
 
 namespace vek0::detail {

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "vek0core/entities/blockxref.h"
+#include "vek0core/entities/blocks/blockxref.h"
 
 namespace vek0::detail {
 

@@ -9,8 +9,8 @@
 #include "vek0core/drawing/functions.h"
 #include "vek0core/drawing/tableremapper.h"
 #include "vek0core/drawing/undostack.h"
-#include "vek0core/entities/blockfactory.h"
-#include "vek0core/entities/blockxref.h"
+#include "vek0core/entities/blocks/blockfactory.h"
+#include "vek0core/entities/blocks/blockxref.h"
 #include "xref/xrefedit.h"
 
 namespace {

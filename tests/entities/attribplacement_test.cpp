@@ -1,4 +1,4 @@
-#include "vek0core/entities/attribplacement.h"
+#include "vek0core/entities/blocks/attribplacement.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <random>
 
 #include "entities/blockworld.h"
-#include "vek0core/entities/insertmatrix.h"
+#include "vek0core/entities/blocks/insertmatrix.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "vek0core/entities/block.h"
+#include "vek0core/entities/blocks/block.h"
 
 #include <gtest/gtest.h>
 

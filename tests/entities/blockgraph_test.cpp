@@ -1,4 +1,4 @@
-#include "vek0core/entities/blockgraph.h"
+#include "vek0core/entities/blocks/blockgraph.h"
 
 #include <gtest/gtest.h>
 

@@ -5,14 +5,14 @@
 #include <string>
 #include <vector>
 
-#include "vek0core/entities/block.h"
-#include "vek0core/entities/blockfactory.h"
-#include "vek0core/entities/blocktable.h"
-#include "vek0core/entities/blockxref.h"
+#include "vek0core/entities/blocks/block.h"
+#include "vek0core/entities/blocks/blockfactory.h"
+#include "vek0core/entities/blocks/blocktable.h"
+#include "vek0core/entities/blocks/blockxref.h"
+#include "vek0core/entities/blocks/entinsert.h"
 #include "vek0core/entities/entattdef.h"
 #include "vek0core/entities/entattrib.h"
 #include "vek0core/entities/entfactory.h"
-#include "vek0core/entities/entinsert.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/geometry/line.h"
 #include "vek0core/tables/handle.h"

@@ -1,14 +1,14 @@
-#include "vek0core/entities/blockxref.h"
+#include "vek0core/entities/blocks/blockxref.h"
 
 #include <gtest/gtest.h>
 
 #include "entities/scene.h"
-#include "vek0core/entities/blockfactory.h"
-#include "vek0core/entities/blocktable.h"
-#include "vek0core/entities/entinsert.h"
+#include "vek0core/entities/blocks/blockfactory.h"
+#include "vek0core/entities/blocks/blocktable.h"
+#include "vek0core/entities/blocks/entinsert.h"
+#include "vek0core/entities/blocks/insertmatrix.h"
 #include "vek0core/entities/entpnt.h"
 #include "vek0core/entities/enttable.h"
-#include "vek0core/entities/insertmatrix.h"
 
 namespace {
 

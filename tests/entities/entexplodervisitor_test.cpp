@@ -1,4 +1,4 @@
-#include "vek0core/entities/entexplodervisitor.h"
+#include "vek0core/entities/edit/entexplodervisitor.h"
 
 #include <gtest/gtest.h>
 
@@ -7,19 +7,19 @@
 #include <random>
 
 #include "entities/scene.h"
-#include "vek0core/entities/block.h"
-#include "vek0core/entities/blockfactory.h"
+#include "vek0core/entities/blocks/block.h"
+#include "vek0core/entities/blocks/blockfactory.h"
+#include "vek0core/entities/blocks/enthatch.h"
+#include "vek0core/entities/blocks/entinsert.h"
+#include "vek0core/entities/blocks/insertmatrix.h"
+#include "vek0core/entities/blocks/transformtext.h"
+#include "vek0core/entities/edit/entpath.h"
 #include "vek0core/entities/ent3dface.h"
 #include "vek0core/entities/entarc.h"
 #include "vek0core/entities/entcast.h"
 #include "vek0core/entities/entcircle.h"
-#include "vek0core/entities/enthatch.h"
-#include "vek0core/entities/entinsert.h"
-#include "vek0core/entities/entpath.h"
 #include "vek0core/entities/entpolyline.h"
 #include "vek0core/entities/enttext.h"
-#include "vek0core/entities/insertmatrix.h"
-#include "vek0core/entities/transformtext.h"
 
 namespace {
 

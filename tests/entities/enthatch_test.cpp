@@ -1,4 +1,4 @@
-#include "vek0core/entities/enthatch.h"
+#include "vek0core/entities/blocks/enthatch.h"
 
 #include <gtest/gtest.h>
 

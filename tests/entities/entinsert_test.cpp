@@ -1,4 +1,4 @@
-#include "vek0core/entities/entinsert.h"
+#include "vek0core/entities/blocks/entinsert.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 #include "entities/blockworld.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/drawing/datafactory.h"
-#include "vek0core/entities/insertmatrix.h"
+#include "vek0core/entities/blocks/insertmatrix.h"
 
 namespace {
 

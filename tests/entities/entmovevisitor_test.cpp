@@ -1,4 +1,4 @@
-#include "vek0core/entities/entmovevisitor.h"
+#include "vek0core/entities/blocks/entmovevisitor.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "vek0core/entities/insertmatrix.h"
+#include "vek0core/entities/blocks/insertmatrix.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <random>
 
 #include "entities/blockworld.h"
-#include "vek0core/entities/insertstack.h"
+#include "vek0core/entities/blocks/insertstack.h"
 
 namespace {
 

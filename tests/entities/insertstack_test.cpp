@@ -1,10 +1,10 @@
-#include "vek0core/entities/insertstack.h"
+#include "vek0core/entities/blocks/insertstack.h"
 
 #include <gtest/gtest.h>
 
 #include "entities/scene.h"
-#include "vek0core/entities/block.h"
-#include "vek0core/entities/entinsert.h"
+#include "vek0core/entities/blocks/block.h"
+#include "vek0core/entities/blocks/entinsert.h"
 #include "vek0core/tables/layer.h"
 
 namespace {

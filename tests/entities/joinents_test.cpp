@@ -1,4 +1,4 @@
-#include "vek0core/entities/joinents.h"
+#include "vek0core/entities/edit/joinents.h"
 
 #include <gtest/gtest.h>
 
@@ -10,11 +10,11 @@
 #include <set>
 
 #include "entities/scene.h"
+#include "vek0core/entities/edit/entexplodervisitor.h"
+#include "vek0core/entities/edit/entpath.h"
+#include "vek0core/entities/edit/entpolyaddervisitor.h"
 #include "vek0core/entities/entarc.h"
 #include "vek0core/entities/entcircle.h"
-#include "vek0core/entities/entexplodervisitor.h"
-#include "vek0core/entities/entpath.h"
-#include "vek0core/entities/entpolyaddervisitor.h"
 
 namespace {
 

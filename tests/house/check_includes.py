@@ -1,5 +1,5 @@
-"""Fails when an include climbs, since a room may use only itself and the rooms before it,
-and when vek0core.h lacks a public header.
+"""Checks the order of the rooms: a room may include only itself and the rooms before it. Also
+checks that vek0core.h has every public header and that CONTRIBUTING.md lists the rooms in order.
 
 usage: check_includes.py PROJECT
 """
@@ -7,33 +7,35 @@ import pathlib
 import re
 import sys
 
-ROOMS = ["geometry", "files", "tables", "polyline", "hatch", "entities", "drawing", "dxfin", "xref",
-         "dxfout", "ltypefile", "view"]
-# Sources that reach up on purpose: a memento is restored with the drawing's own
-# factories, which the fixed interface hands in as the whole drawing.
-CLIMBERS = {"src/entities/createhatch.cpp", "src/entities/enthatch.cpp", "src/entities/entinsert.cpp", "src/entities/entpolyline.cpp"}
-INCLUDE = re.compile(r'#include "vek0core/(\w+)/')
+INCLUDE = re.compile(r'#include "(?:vek0core/)?([\w/]+)/\w+\.h"')
+ROOM = re.compile(r"^vek0_room\(([\w/]+)", re.MULTILINE)
+TOPS = ("include/vek0core", "src")
+BELOW = ["vek0core", "zim0lang"]  # assert.h and export.h, and the library underneath
 
 
-def climbs(root, path):
-    name = path.relative_to(root).as_posix()
-    room = path.parent.name
-    if room not in ROOMS or name in CLIMBERS:
+def climbs(top, path, rooms):
+    room = path.parent.relative_to(top).as_posix()
+    if room == ".":
         return []
-    return [f"{name}:{number}: {room} must not include {match[1]}"
+    if room not in rooms:
+        return [f"{path}: src/CMakeLists.txt has no room {room}"]
+    return [f"{path}:{number}: {room} must not include {match[1]}"
             for number, line in enumerate(path.read_text().splitlines(), 1)
-            if (match := INCLUDE.match(line)) and ROOMS.index(match[1]) > ROOMS.index(room)]
+            if (match := INCLUDE.match(line)) and match[1] not in BELOW + rooms[:rooms.index(room) + 1]]
 
 
 def main():
     root = pathlib.Path(sys.argv[1])
-    files = [path for folder in ("include/vek0core", "src") for path in (root / folder).glob("*/*")
-             if path.suffix in (".h", ".cpp")]
-    faults = [fault for path in sorted(files) for fault in climbs(root, path)]
-    whole = (root / "include/vek0core/vek0core.h").read_text()
-    faults += [f"vek0core.h lacks {name}" for path in files if path.suffix == ".h"
-               and (name := path.relative_to(root).as_posix().removeprefix("include/")) not in whole
-               and name.startswith("vek0core/")]
+    rooms = ROOM.findall((root / "src/CMakeLists.txt").read_text())
+    tops = [root / name for name in TOPS]
+    files = [(top, path) for top in tops for path in sorted(top.rglob("*.[ch]*")) if path.is_file()]
+    faults = [fault for top, path in files for fault in climbs(top, path, rooms)]
+    whole = (tops[0] / "vek0core.h").read_text()
+    faults += [f"vek0core.h lacks {name}" for top, path in files if top == tops[0]
+               and (name := f"vek0core/{path.relative_to(top).as_posix()}") not in whole
+               and path.name != "vek0core.h"]
+    if ", ".join(rooms) not in " ".join((root / "CONTRIBUTING.md").read_text().split()):
+        faults.append("CONTRIBUTING.md lists other rooms: " + ", ".join(rooms))
     print("\n".join(faults) or f"{len(files)} files, no include climbs")
     sys.exit(1 if faults or len(files) < 50 else 0)
 

@@ -7,8 +7,8 @@
 #include "vek0core/drawing/data.h"
 #include "vek0core/drawing/datafactory.h"
 #include "vek0core/drawing/functions.h"
-#include "vek0core/dxfin/filedxfierror.h"
-#include "vek0core/dxfin/loaddxf.h"
+#include "vek0core/dxf/in/filedxfierror.h"
+#include "vek0core/dxf/in/parse/loaddxf.h"
 #include "vek0core/files/filememory.h"
 #include "vek0core/files/report.h"
 

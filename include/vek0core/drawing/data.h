@@ -5,8 +5,8 @@
 #include <unordered_map>
 
 #include "vek0core/drawing/datavariables.h"
-#include "vek0core/entities/blocktable.h"
-#include "vek0core/entities/blockxref.h"
+#include "vek0core/entities/blocks/blocktable.h"
+#include "vek0core/entities/blocks/blockxref.h"
 #include "vek0core/entities/enttable.h"
 #include "vek0core/export.h"
 #include "vek0core/hatch/hatchtypetable.h"

@@ -15,6 +15,7 @@ class CData;
 class CEntBaseMemento;
 class CEntFactory;
 class CEntInsertBase;
+class CEntTable;
 class CLayer;
 class CLtype;
 class CStyle;
@@ -23,7 +24,14 @@ class IEntVisitor;
 
 namespace vek0::detail {
 class EntParts;
-}
+
+// Who owns an entity. Tables and blocks each contain one that refers to themselves, so that an
+// entity needs a single pointer.
+struct EntOwner {
+  const CEntTable* table = nullptr;
+  CBlock* block = nullptr;
+};
+}  // namespace vek0::detail
 
 /// Base of everything that can be drawn: point, line, text, insert and so on.
 ///
@@ -111,7 +119,7 @@ class VEK0_API CEnt : public IHandleEnt {
   /// Whether a table or a block owns it.
   bool isHeld() const { return m_owner != nullptr; }
   /// The block that owns it, or null.
-  CBlock* getOwnerBlock() const;
+  CBlock* getOwnerBlock() const { return m_owner != nullptr ? m_owner->block : nullptr; }
 
   /// Whether it is selected in its table.
   bool isSelected() const { return m_selected; }
@@ -207,13 +215,12 @@ class VEK0_API CEnt : public IHandleEnt {
   short m_color;
   bool m_bdryDirty = false;
   bool m_selected = false;
-  bool m_inBlock = false;  // the owner is a block
   bool m_watched = false;  // in a table whose watchers are notified of changed extents
   unsigned char m_ownByte = 0;
 
   // A drawing has millions of entities, and removing one must not search: each stores the table or
-  // block that owns it and its position there.
-  const void* m_owner = nullptr;  // CEntTable or CBlock, null while the caller owns it
-  Node m_node;                    // in a table: its list node
+  // block that owns it (null while the caller does) and its position there.
+  const vek0::detail::EntOwner* m_owner = nullptr;
+  Node m_node;            // in a table: its list node
   std::size_t m_pos = 0;  // in a block: its index; in a table: its rank in order of addition
 };

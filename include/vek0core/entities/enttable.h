@@ -133,8 +133,9 @@ class VEK0_API CEntTable {
   void insert(CEnt* ent, Node before, std::size_t rank, Slots& slots);
   void noteAdded(CEnt& ent) const;
   void tellReshaped(CEnt& ent) const;
-  bool holds(const CEnt* ent) const { return ent != nullptr && ent->m_owner == this; }
+  bool holds(const CEnt* ent) const { return ent != nullptr && ent->m_owner == &m_asOwner; }
 
+  const vek0::detail::EntOwner m_asOwner{this, nullptr};
   CBlockXRefDepend& m_depend;
   std::list<CEnt*> m_entities;
   std::list<CEnt*> m_selected;

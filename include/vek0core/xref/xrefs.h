@@ -3,7 +3,7 @@
 #include <functional>
 #include <vector>
 
-#include "vek0core/dxfin/loaddxf.h"
+#include "vek0core/dxf/in/parse/loaddxf.h"
 #include "vek0core/export.h"
 #include "zim0lang/wstring.h"
 

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <string>
+
+#include "vek0core/dxf/in/filedxfioptions.h"
+#include "vek0core/export.h"
+#include "vek0core/geometry/pnt.h"
+#include "zim0lang/wstring.h"
+
+class CData;
+class CFileDXFIError;
+class IFile;
+
+/// Reads `file` into `data`, which should be new and empty; otherwise the file's definitions
+/// replace those of equal names.
+///
+/// The outcome is in `err` (null: nobody wants to know). After an error the drawing holds what was
+/// read until then, in good order. Failure to open the file records no error: check `file.fail()`.
+/// Handles are kept. Linear in the file.
+///
+/// Running out of memory is error 1, and a drawing that was new is reset to that state.
+VEK0_API void loadDXF(CData& data, IFile& file, CFileDXFIError* err);
+
+/// Adds the content of `file` to `data`, whose definitions win where names are equal; anonymous
+/// blocks are renamed. Otherwise as `loadDXF`.
+VEK0_API void importDXF(CData& data, IFile& file, CFileDXFIError* err);
+
+/// The result of reading a file, and its metadata.
+struct CFileDXFIResult {
+  enum Status { Done, NotOpened, Failed, Cancelled };
+  Status status = NotOpened;
+  zim::WString version;           ///< `$ACADVER` as written, empty if missing
+  std::string encoding;           ///< encoding used, such as "utf-8" or "windows-1252"
+  long units = 0;                 ///< `$INSUNITS`: 0 not stated, 1 inches, 4 mm, 5 cm, 6 m, ...
+  long measurement = -1;          ///< `$MEASUREMENT`: 0 imperial, 1 metric; -1 not stated
+  PNT_3D insertionBase{0, 0, 0};  ///< `$INSBASE`: point to insert the drawing by
+};
+
+/// The same with options: report and policy.
+VEK0_API CFileDXFIResult loadDXF(CData& data, IFile& file, CFileDXFIError* err,
+                                 const CFileDXFIOptions& options);
+VEK0_API CFileDXFIResult importDXF(CData& data, IFile& file, CFileDXFIError* err,
+                                   const CFileDXFIOptions& options);

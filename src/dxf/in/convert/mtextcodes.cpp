@@ -1,0 +1,503 @@
+#include "dxf/in/convert/mtextcodes.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "dxf/in/recordreader.h"
+#include "files/number.h"
+#include "vek0core/files/textcodec.h"
+#include "vek0core/tables/palette.h"
+
+namespace vek0::detail {
+namespace {
+
+constexpr std::size_t kMostGroups = 256;   // maximum nesting for which formats are remembered
+constexpr std::size_t kRecentFormats = 8;  // number of recent formats compared
+constexpr std::size_t kMostTabs = 64;      // of a paragraph
+constexpr std::size_t kMostDropped = 16;   // codes to report
+constexpr double kScaleLimit = 1e6;        // for heights and widths relative to the initial ones
+constexpr double kMaxObliqueDeg = 85;
+constexpr short kMaxColor = 256;
+
+// Symbols in the font for geometric tolerances, by letter.
+constexpr char16_t kSymbols[] = {u'\u2220', u'\u27C2', u'\u23E5', u'\u2313', u'\u25CB', u'\u2225',
+                                 u'\u232D', u'\u2197', u'\u232F', u'\u2316', u'\u2312', u'\u24C1',
+                                 u'\u24C2', u'\u2300', u'\u25A1', u'\u24C5', u'\u2104', u'\u25CE',
+                                 u'\u24C8', u'\u2330', u'\u23E4', u'\u2334', u'\u2335', u'\u21A7',
+                                 u'\u2332', u'\u2333'};
+
+char16_t symbol(char16_t letter) {
+  return letter >= u'a' && letter <= u'z' ? kSymbols[letter - u'a'] : letter;
+}
+
+// Whether a line may break before and after it.
+bool isIdeographic(char16_t c) { return c >= 0x2E80 && (c < 0xD800 || c > 0xDFFF); }
+
+bool isNumberUnit(char16_t c) {
+  return (c >= u'0' && c <= u'9') || c == u'.' || c == u'-' || c == u'+';
+}
+
+/// Reads a text from its front.
+class Cursor {
+ public:
+  explicit Cursor(std::u16string_view text) : m_rest(text) {}
+
+  bool empty() const { return m_rest.empty(); }
+  std::u16string_view rest() const { return m_rest; }
+  char16_t peek(std::size_t i = 0) const { return i < m_rest.size() ? m_rest[i] : u'\0'; }
+  char16_t take() {
+    const char16_t c = m_rest[0];
+    m_rest.remove_prefix(1);
+    return c;
+  }
+  void skip(std::size_t n) { m_rest.remove_prefix(std::min(n, m_rest.size())); }
+  bool skipIf(char16_t c) {
+    const bool is = !m_rest.empty() && m_rest[0] == c;
+    if (is) m_rest.remove_prefix(1);
+    return is;
+  }
+
+  /// The number at the front, and whether there is one.
+  bool takeNumber(double& value) {
+    std::size_t n = 0;
+    while (n < m_rest.size() && (isNumberUnit(m_rest[n]) || isExponent(n))) ++n;
+    const ParsedDouble number = parseDouble(m_rest.substr(0, n));
+    m_rest.remove_prefix(n);
+    value = number.value;
+    return n > 0 && number.finite;
+  }
+  /// Removes and returns the text before the next semicolon, or all of it if there is none; the
+  /// semicolon is removed too.
+  std::u16string_view takeArgument() {
+    const std::size_t n = std::min(m_rest.find(u';'), m_rest.size());
+    const std::u16string_view argument = m_rest.substr(0, n);
+    skip(n + 1);
+    return argument;
+  }
+  /// Appends the text of a character escape or caret escape at the front.
+  bool takeEscape(std::u16string& out) {
+    const std::size_t length = peek() == u'^' ? 2 : peek(1) == u'U' ? 7 : peek(1) == u'M' ? 8 : 0;
+    const std::u16string_view escape = m_rest.substr(0, length);
+    const std::u16string unit = decodeEscapes(escape);
+    if (unit == escape) return false;
+    out += unit;
+    skip(length);
+    return true;
+  }
+
+ private:
+  bool isExponent(std::size_t n) const {
+    return n > 0 && zim::foldCase(m_rest[n]) == zim::foldCase(u'e') && n + 1 < m_rest.size() &&
+           isNumberUnit(m_rest[n + 1]);
+  }
+
+  std::u16string_view m_rest;
+};
+
+class Decoder {
+ public:
+  Decoder(std::u16string_view text, const MTextFormat& base) : m_in(text), m_base(base) {
+    m_behindArguments = text.size() - (text.rfind(u';') + 1);  // npos + 1 is 0
+    m_content.formats.push_back(base);
+    m_content.paragraphs.emplace_back();
+  }
+
+  MTextContent run() {
+    while (!m_in.empty()) step();
+    return std::move(m_content);
+  }
+
+ private:
+  struct Look {
+    std::size_t format = 0;  // index
+    bool symbols = false;    // letters represent symbols of geometric tolerances
+  };
+
+  void step();
+  void escape();
+  bool formatCode(char16_t code);
+  void lineCode(char16_t code);
+  void caret();
+  void openGroup();
+  void closeGroup();
+
+  void height();
+  void factor(double MTextFormat::*member, double base);
+  void oblique();
+  void color();
+  void trueColor();
+  void align();
+  void tracking();
+  void font();
+  void stack();
+  void stackUnit(std::u16string& out);
+  void paragraph();
+  void setParagraph(Cursor& in, char16_t code, MTextParagraph& paragraph);
+
+  MTextPiece& add(MTextPiece::Kind kind);
+  void addLetter(char16_t c);
+  void change(const MTextFormat& format);
+  const MTextFormat& format() const { return m_content.formats[m_look.format]; }
+  void drop(std::u16string_view code);
+  bool hasArgument() const { return m_in.rest().size() > m_behindArguments; }
+
+  Cursor m_in;
+  std::size_t m_behindArguments;  // units after the last semicolon
+  MTextFormat m_base;
+  MTextContent m_content;
+  Look m_look;
+  std::vector<Look> m_groups;    // outside the open braces
+  std::size_t m_deepGroups = 0;  // open beyond those
+};
+
+void Decoder::step() {
+  switch (m_in.peek()) {
+    case u'\\':
+      return escape();
+    case u'^':
+      return caret();
+    case u'{':
+      return openGroup();
+    case u'}':
+      return closeGroup();
+    case u' ':
+      m_in.skip(1);
+      add(MTextPiece::Blank);
+      return;
+    default:
+      addLetter(m_in.take());
+  }
+}
+
+void Decoder::openGroup() {
+  m_in.skip(1);
+  if (m_groups.size() < kMostGroups)
+    m_groups.push_back(m_look);
+  else
+    ++m_deepGroups;
+}
+
+// An unmatched closing brace is not displayed.
+void Decoder::closeGroup() {
+  m_in.skip(1);
+  if (m_deepGroups > 0) {
+    --m_deepGroups;
+  } else if (!m_groups.empty()) {
+    m_look = m_groups.back();
+    m_groups.pop_back();
+  }
+}
+
+void Decoder::caret() {
+  std::u16string unit;
+  if (!m_in.takeEscape(unit)) return addLetter(m_in.take());
+  if (unit == u"\t")
+    add(MTextPiece::Tab);
+  else if (unit == u"\n")
+    add(MTextPiece::LineBreak);
+  else if (unit == u"^")
+    addLetter(u'^');
+}
+
+void Decoder::escape() {
+  const char16_t code = m_in.peek(1);
+  std::u16string unit;
+  if ((code == u'U' || code == u'M') && m_in.takeEscape(unit)) {
+    for (const char16_t c : unit) addLetter(c);
+    return;
+  }
+  m_in.skip(1);
+  if (m_in.empty()) return addLetter(u'\\');
+  m_in.skip(1);
+  if (formatCode(code)) return;
+  addLetter(u'\\');
+  addLetter(code);
+}
+
+bool Decoder::formatCode(char16_t code) {
+  switch (code) {
+    case u'\\':
+    case u'{':
+    case u'}':
+      return addLetter(code), true;
+    case u'~':
+      return addLetter(u'\u00A0'), true;
+    case u'P':
+    case u'X':
+      return add(MTextPiece::LineBreak), true;
+    case u'N':
+      return add(MTextPiece::ColumnBreak), true;
+    case u'L':
+    case u'l':
+    case u'O':
+    case u'o':
+    case u'K':
+    case u'k':
+      return lineCode(code), true;
+    case u'H':
+      return height(), true;
+    case u'W':
+      return factor(&MTextFormat::widthScale, m_base.widthScale), true;
+    case u'Q':
+      return oblique(), true;
+    case u'C':
+      return color(), true;
+    case u'c':
+      return trueColor(), true;
+    case u'A':
+      return align(), true;
+    case u'T':
+      return tracking(), true;
+    case u'f':
+    case u'F':
+      return font(), true;
+    case u'S':
+      return stack(), true;
+    case u'p':
+      return paragraph(), true;
+    default:
+      return false;
+  }
+}
+
+void Decoder::lineCode(char16_t code) {
+  MTextFormat f = format();
+  (code == u'L' || code == u'l'   ? f.under
+   : code == u'O' || code == u'o' ? f.over
+                                  : f.struck) = code < u'a';
+  change(f);
+}
+
+void Decoder::height() { factor(&MTextFormat::height, m_base.height); }
+
+// A number, or, followed by an x, a multiple of the current value.
+void Decoder::factor(double MTextFormat::*member, double base) {
+  double value;
+  const bool isNumber = m_in.takeNumber(value);
+  const bool isRelative = m_in.skipIf(u'x') || m_in.skipIf(u'X');
+  m_in.skipIf(u';');
+  MTextFormat f = format();
+  if (isRelative) value *= f.*member;
+  if (!isNumber || !(value > 0) || !(value >= base / kScaleLimit) || !(value <= base * kScaleLimit))
+    return;
+  f.*member = value;
+  change(f);
+}
+
+void Decoder::oblique() {
+  double degrees;
+  const bool isNumber = m_in.takeNumber(degrees);
+  m_in.skipIf(u';');
+  if (!isNumber || std::fabs(degrees) > kMaxObliqueDeg) return;
+  MTextFormat f = format();
+  f.oblique = degrees * kRadiansPerDegree;
+  change(f);
+}
+
+void Decoder::color() {
+  double index;
+  const bool isNumber = m_in.takeNumber(index);
+  m_in.skipIf(u';');
+  if (!isNumber || index < 0 || index > kMaxColor) return drop(u"C");
+  MTextFormat f = format();
+  f.color = static_cast<short>(index);
+  change(f);
+}
+
+// A number with blue in its highest byte, unlike elsewhere.
+void Decoder::trueColor() {
+  double value;
+  const bool isNumber = m_in.takeNumber(value);
+  m_in.skipIf(u';');
+  constexpr double most = 0xFFFFFF;
+  if (!isNumber || !(value >= 0 && value <= most)) return drop(u"c");
+  const RGB_COLOR swapped = unpackColor(static_cast<long>(value));
+  MTextFormat f = format();
+  f.color = nearestPaletteColor({swapped.b, swapped.g, swapped.r});
+  ++m_content.approximatedColors;
+  change(f);
+}
+
+void Decoder::align() {
+  double value;
+  const bool isNumber = m_in.takeNumber(value);
+  m_in.skipIf(u';');
+  MTextFormat f = format();
+  f.align = !isNumber || value < 1 ? MTextFormat::Bottom
+            : value < 2            ? MTextFormat::Middle
+                                   : MTextFormat::Top;
+  change(f);
+}
+
+void Decoder::tracking() {
+  double value;
+  if (m_in.takeNumber(value) && value != 1) drop(u"T");
+  m_in.skipIf(u';');
+}
+
+void Decoder::font() {
+  if (!hasArgument()) return;
+  const std::u16string_view argument = m_in.takeArgument();
+  const std::u16string_view name =
+      argument.substr(0, std::min(argument.find(u'|'), argument.size()));
+  m_look.symbols = zim::equalsIgnoreCase(name.substr(0, 3), u"gdt");
+  if (m_look.symbols) return;
+  drop(u"f" + std::u16string(name));
+  MTextFormat f = format();
+  f.form = name.empty() ? m_base.form : letterFormOf(name);
+  change(f);
+}
+
+// One unit of a stack's text: everything except escapes is literal.
+void Decoder::stackUnit(std::u16string& out) {
+  if (m_in.peek() == u'\\') {
+    if (m_in.takeEscape(out)) return;
+    m_in.skip(1);
+    if (m_in.empty()) return;
+    if (m_in.skipIf(u'~')) return out += u' ', void();
+  }
+  const char16_t c = m_in.take();
+  out += c;
+  if (c == u'^') m_in.skipIf(u' ');  // which is how files write a caret
+}
+
+// "a/b" has a line between the rows, "a^b" has none, "a#b" is written with a slash.
+void Decoder::stack() {
+  std::u16string parts[2];
+  char16_t divider = 0;
+  while (!m_in.empty() && !m_in.skipIf(u';')) {
+    const char16_t c = m_in.peek();
+    if (divider == 0 && (c == u'/' || c == u'^' || c == u'#')) {
+      divider = m_in.take();
+      if (c == u'^') m_in.skipIf(u' ');
+    } else {
+      stackUnit(parts[divider != 0]);
+    }
+  }
+  if (divider == u'#' || divider == 0) {
+    for (const char16_t c : parts[0]) addLetter(c);
+    if (divider != 0) addLetter(u'/');
+    for (const char16_t c : parts[1]) addLetter(c);
+    return;
+  }
+  MTextPiece& piece = add(MTextPiece::Stack);
+  piece.ruled = divider == u'/';
+  piece.text = std::move(parts[0]);
+  piece.below = std::move(parts[1]);
+}
+
+// "\pxi1,l2,r0,qc,t4,8;": letters with numbers; '*' instead of a number resets the value.
+void Decoder::paragraph() {
+  if (!hasArgument()) return;
+  Cursor in(m_in.takeArgument());
+  MTextParagraph paragraph = m_content.paragraphs.back();
+  while (!in.empty()) {
+    const char16_t code = in.take();
+    setParagraph(in, code, paragraph);
+  }
+  m_content.paragraphs.push_back(std::move(paragraph));
+}
+
+void Decoder::setParagraph(Cursor& in, char16_t code, MTextParagraph& paragraph) {
+  double value = 0;
+  switch (code) {
+    case u'i':
+      in.takeNumber(paragraph.indent);
+      break;
+    case u'l':
+      in.takeNumber(paragraph.left);
+      break;
+    case u'r':
+      in.takeNumber(paragraph.right);
+      break;
+    case u'q':
+      if (!in.empty()) paragraph.align = in.take();
+      if (paragraph.align == u'*') paragraph.align = 0;
+      break;
+    case u't':
+      paragraph.tabs.clear();
+      while (!in.empty()) {
+        if (in.takeNumber(value) && value > 0 && paragraph.tabs.size() < kMostTabs)
+          paragraph.tabs.push_back(value);
+        in.skip(1);  // a comma, or the letter of a kind of tabs
+      }
+      std::sort(paragraph.tabs.begin(), paragraph.tabs.end());
+      break;
+    case u's':  // line spacing of the paragraph, after a letter for its mode
+      if (in.peek() != u'*') drop(u"ps");
+      in.skip(1);
+      in.takeNumber(value);
+      break;
+    default:
+      break;
+  }
+}
+
+MTextPiece& Decoder::add(MTextPiece::Kind kind) {
+  const bool afterWord = !m_content.pieces.empty() && m_content.pieces.back().isWord();
+  MTextPiece& piece = m_content.pieces.emplace_back();
+  piece.kind = kind;
+  piece.joins = afterWord;
+  piece.format = m_look.format;
+  piece.paragraph = m_content.paragraphs.size() - 1;
+  return piece;
+}
+
+void Decoder::addLetter(char16_t c) {
+  if (c < u' ') return;
+  auto& pieces = m_content.pieces;
+  const bool afterLetter = !pieces.empty() && pieces.back().kind == MTextPiece::Word;
+  const bool parts = isIdeographic(c) || (afterLetter && isIdeographic(pieces.back().text.back()));
+  if (!afterLetter || parts || pieces.back().format != m_look.format) {
+    MTextPiece& piece = add(MTextPiece::Word);
+    piece.joins = piece.joins && !parts;
+  }
+  pieces.back().text += m_look.symbols ? symbol(c) : c;
+}
+
+// An equal earlier format is reused, so that runs can be merged.
+void Decoder::change(const MTextFormat& f) {
+  auto& formats = m_content.formats;
+  const auto recent =
+      formats.end() - static_cast<std::ptrdiff_t>(std::min(formats.size(), kRecentFormats));
+  const auto known = std::find(recent, formats.end(), f);
+  m_look.format = static_cast<std::size_t>(known - formats.begin());
+  if (known == formats.end()) formats.push_back(f);
+}
+
+void Decoder::drop(std::u16string_view code) {
+  auto& dropped = m_content.dropped;
+  if (dropped.size() < kMostDropped &&
+      std::find(dropped.begin(), dropped.end(), code) == dropped.end())
+    dropped.emplace_back(code);
+}
+
+}  // namespace
+
+MTextContent decodeMText(std::u16string_view text, const MTextFormat& base) {
+  return Decoder(text, base).run();
+}
+
+double measure(std::u16string_view text, const MTextFormat& format) {
+  double width = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool isCode = text[i] == u'%' && i + 2 < text.size() && text[i + 1] == u'%';
+    if (!isCode) {
+      width += letterWidth(text[i], format.form);
+      continue;
+    }
+    const char16_t code = zim::foldCase(text[i + 2]);
+    const bool isLine =
+        code == zim::foldCase(u'u') || code == zim::foldCase(u'o') || code == zim::foldCase(u'k');
+    const bool isNumber = code >= u'0' && code <= u'9';
+    if (!isLine) width += letterWidth(u'o', format.form);
+    i += 2;
+    for (int digits = 1; isNumber && digits < 3 && i + 1 < text.size() && text[i + 1] >= u'0' &&
+                         text[i + 1] <= u'9';
+         ++digits)
+      ++i;
+  }
+  return width * format.height * format.widthScale;
+}
+
+}  // namespace vek0::detail

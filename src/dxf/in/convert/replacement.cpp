@@ -1,0 +1,83 @@
+#include "dxf/in/convert/replacement.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "vek0core/entities/entpolyline.h"
+
+namespace vek0::detail {
+
+bool isFinitePoint(const PNT_3D& p) {
+  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+namespace {
+
+EntPtr takeFirst(RecordReader& in, std::vector<EntPtr>& built) {
+  for (std::size_t i = 1; i < built.size(); ++i) in.further.push_back(std::move(built[i]));
+  return std::move(built.front());
+}
+
+}  // namespace
+
+EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short flags,
+                  vek0::Handle handle) {
+  if (!std::all_of(points.begin(), points.end(), isFinitePoint)) {
+    in.fail(CFileDXFIError::InconsistentRecord);
+    return nullptr;
+  }
+  const Record& r = in.record();
+  auto polyline = in.built(
+      in.factory().createEntPolyline(in.gestor(), r.layer, r.ltype, r.color, flags, 0, handle));
+  if (!polyline) return nullptr;
+  std::vector<BULGED_VERTEX> vertexes;
+  vertexes.reserve(points.size());
+  for (const PNT_3D& p : points) vertexes.push_back({p.x, p.y, p.z, 0, 0, 0, 0});
+  polyline->setBulgedVertexes(in.gestor(), in.factory(), vertexes.data(), vertexes.size());
+  return polyline;
+}
+
+EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges,
+                 vek0::Handle handle, FaceFill fill) {
+  if (!std::all_of(std::begin(corners), std::end(corners), isFinitePoint)) {
+    in.fail(CFileDXFIError::InconsistentRecord);
+    return nullptr;
+  }
+  const Record& r = in.record();
+  return in.built(in.factory().createEntSolid(in.gestor(), r.layer, r.ltype, r.color, corners[0],
+                                              corners[1], corners[2], corners[3], hiddenEdges, fill,
+                                              handle));
+}
+
+std::vector<EntPtr> buildOutlines(RecordReader& in, const std::vector<std::vector<PNT_3D>>& rings,
+                                  vek0::Handle handle) {
+  std::vector<EntPtr> outlines;
+  for (const std::vector<PNT_3D>& ring : rings)
+    if (EntPtr outline = buildChain(in, ring, CEntPolyline::kClosed, outlines.empty() ? handle : 0))
+      outlines.push_back(std::move(outline));
+  return outlines;
+}
+
+EntPtr outlineHatch(RecordReader& in, const std::vector<std::vector<PNT_3D>>& rings,
+                    const zim::WString& pattern) {
+  std::vector<EntPtr> outlines = buildOutlines(in, rings, in.record().handle);
+  if (in.failed() || outlines.empty()) return nullptr;
+  in.note("hatch as outline", pattern);
+  return takeFirst(in, outlines);
+}
+
+EntPtr handOver(RecordReader& in, std::vector<EntPtr> built, const zim::WString& kind) {
+  if (!in.failed() && built.empty()) in.fail(CFileDXFIError::InconsistentRecord);
+  if (in.failed()) return nullptr;
+  in.note("kind replaced", kind);
+  return takeFirst(in, built);
+}
+
+void takeCoordinate(RecordReader& in, long axis, std::vector<PNT_3D>& points) {
+  const double value = in.lexer().getDouble();
+  if (axis == 0) return points.emplace_back(value, 0, 0), void();
+  if (points.empty()) return in.fail(CFileDXFIError::InconsistentRecord);
+  (axis == 1 ? points.back().y : points.back().z) = value;
+}
+
+}  // namespace vek0::detail

@@ -1,0 +1,315 @@
+#include "dxf/in/recordreader.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+
+#include "files/number.h"
+#include "vek0core/files/report.h"
+#include "vek0core/tables/colors.h"
+#include "vek0core/tables/layer.h"
+#include "vek0core/tables/ltype.h"
+#include "vek0core/tables/palette.h"
+
+namespace vek0::detail {
+namespace {
+
+constexpr long kLayer = 8, kEmbeddedObject = 101;
+constexpr long kTrueColor = 420;
+constexpr long kExtrusionX = 210, kExtrusionY = 220;
+constexpr long kExtrusionZ = 230;  // exactly 1 if the other two are 0
+
+// The bytes of the value are the source of the transparency, two unused ones, and the opacity, 255
+// for opaque.
+bool isTransparent(long value) {
+  constexpr long byValue = 2, opaque = 255;
+  return value >> 24 == byValue && (value & opaque) != opaque;
+}
+
+// Whether dropping the current pair changes an entity: thickness, linetype scale, visibility, line
+// weight, true color, its name, transparency, and data of other programs. Default values are no
+// loss: a weight below 0 is that of the layer, the block or none.
+bool isLoss(const CFileDXFILexer& lexer) {
+  const std::string_view bytes = lexer.getBytes();
+  switch (lexer.getGroupValue()) {
+    case 39:
+      return parseDouble(bytes).value != 0;
+    case 48:
+      return parseDouble(bytes).value != 1;
+    case 60:
+      return parseLong(bytes) != 0;
+    case 370:
+      return parseLong(bytes) >= 0;
+    case 430:
+      return !bytes.empty();
+    case 440:
+      return isTransparent(parseLong(bytes));
+    case 420:
+    case 1001:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// Whether the code has the same meaning in every entity, supported or not: a strict reader must not
+// skip it.
+bool isMeant(long code) {
+  constexpr long meant[] = {38, 39, 48, 60, 67, 210, 220, 230, 370, 420, 440};
+  return std::find(std::begin(meant), std::end(meant), code) != std::end(meant);
+}
+
+zim::WString decimal(long value) { return zim::WString::fromUtf8(std::to_string(value)); }
+
+}  // namespace
+
+void ReadContext::note(const char* code, const zim::WString& sample) const {
+  if (options.report) options.report->add(code, lexer.getLine(), sample);
+}
+
+bool ReadContext::spareNumber(const char* code) const {
+  const CFileDXFIError::TDXFErrors kind = err.GetErrorType();
+  const bool isNumber = kind == CFileDXFIError::OutOfRange || kind == CFileDXFIError::EmptyNumber;
+  if (!options.policy.tolerant || !isNumber) return false;
+  note(code, decimal(lexer.getGroupValue()));
+  err = CFileDXFIError();
+  return true;
+}
+
+CLtype* RecordReader::findByLayer() { return m_byLayer = m_context.semantor.getLtypeByLayer(); }
+
+// An invalid number counts as a missing code.
+void RecordReader::takeWanted(long code) {
+  constexpr long firstNumber = 10;
+  if (code >= firstNumber && isTolerant() && lexer().getBytes().empty())
+    return note("number replaced", decimal(code));
+  m_record.seen.add(code);
+  take(code);
+}
+
+void RecordReader::takeInteger(long code) {
+  constexpr long flags = 70;
+  long value = lexer().getInt();
+  if (code == flags && value < 0 && isTolerant()) {
+    note("flags replaced", decimal(value));
+    value = 0;
+  }
+  m_record.setInteger(code, value);
+}
+
+void RecordReader::take(long code) {
+  switch (code) {
+    case 5:
+      return takeHandle();
+    case 6:
+      return takeLtype();
+    case 7:
+      return takeStyle();
+    case 8:
+      return takeLayer();
+    case 62:
+      return takeColor();
+    default:
+      if (code < Record::kTexts) return m_record.setText(code, lexer().getText());
+      if (code < Record::kReals) return m_record.setReal(code, lexer().getDouble());
+      takeInteger(code);
+  }
+}
+
+void RecordReader::takeHandle() {
+  if (!m_context.semantor.shouldRespectHandles()) return;
+  if (isTolerant() && lexer().getBytes().empty()) return note("number replaced");
+  m_record.handle = lexer().getHex();
+}
+
+void RecordReader::takeLayer() {
+  const std::string_view bytes = lexer().getBytes();
+  if (bytes.empty()) return;
+  if ((m_record.layer = m_layers.find(bytes)) != nullptr) return;
+  const zim::WString name = lexer().getText();
+  CLayer* layer = m_context.semantor.getLayer(name);
+  if (!layer) {
+    layer = m_context.semantor.createLayerHurried(name);
+    note("layer undeclared", name);
+  }
+  if (layer) m_record.layer = m_layers.add(bytes, layer);
+}
+
+// An unknown linetype is not cached: a later table may declare it.
+void RecordReader::takeLtype() {
+  const std::string_view bytes = lexer().getBytes();
+  if ((m_record.ltype = m_ltypes.find(bytes)) != nullptr) return;
+  const zim::WString name = lexer().getText();
+  if (CLtype* ltype = m_context.semantor.getLtype(name)) {
+    m_record.ltype = m_ltypes.add(bytes, ltype);
+    return;
+  }
+  m_record.ltype = m_byLayer;
+  note("linetype unknown", name);
+}
+
+void RecordReader::takeStyle() {
+  const std::string_view bytes = lexer().getBytes();
+  if ((m_record.style = m_styles.find(bytes)) != nullptr) return;
+  const zim::WString name = lexer().getText();
+  if (CStyle* style = m_context.semantor.getStyle(name)) {
+    m_record.style = m_styles.add(bytes, style);
+    return;
+  }
+  note("style unknown", name);
+}
+
+void RecordReader::takeColor() {
+  const long color = lexer().getInt();
+  if (failed()) return;
+  if (color < 0 || color > kColorByLayer) {
+    if (!isTolerant()) return fail(CFileDXFIError::OutOfRange);
+    return note("color replaced", lexer().getText());
+  }
+  m_record.color = static_cast<short>(color);
+}
+
+double RecordReader::width() {
+  const double value = lexer().getDouble();
+  if (failed() || value >= 0) return value;
+  if (!isTolerant()) fail(CFileDXFIError::OutOfRange);
+  note("number replaced", lexer().getText());
+  return 0;
+}
+
+void RecordReader::takeCount(long code) {
+  const long count = lexer().getInt();
+  const bool isCount = failed() || count > 0 || !isTolerant();
+  if (!isCount) note("number replaced", decimal(code));
+  m_record.setInteger(code, isCount ? count : 1);
+}
+
+double RecordReader::radius(double value) {
+  if (!isTolerant() || value > 0) return value;
+  if (value < 0)
+    note("number replaced", u"40");
+  else
+    fail(CFileDXFIError::OutOfRange);
+  return -value;
+}
+
+CBlock* RecordReader::findBlock(std::string_view bytes) {
+  if (CBlock* known = m_blocks.find(bytes)) return known;
+  CBlock* block = m_context.semantor.findBlock(lexer().getText());
+  return block ? m_blocks.add(bytes, block) : nullptr;
+}
+
+// False at the end of the record's own data: pairs after an embedded object belong to that object
+// and repeat the codes of the enclosing entity.
+bool RecordReader::leaveOut(long code) {
+  if (code == kEmbeddedObject) {
+    skip();
+    return false;
+  }
+  if (code == kTrueColor && isTolerant()) {
+    takeTrueColor();
+    return true;
+  }
+  if (isTolerant() && (code == kExtrusionX || code == kExtrusionY || code == kExtrusionZ)) {
+    const double value = lexer().getDouble();
+    (code == kExtrusionX   ? m_record.extrusion.x
+     : code == kExtrusionY ? m_record.extrusion.y
+                           : m_record.extrusion.z) = value;
+    return true;
+  }
+  if (isTolerant() || isMeant(code)) lexer().checkNumber();
+  if (failed()) {
+    spareNumber();
+  } else if (isLoss(lexer())) {
+    note("code dropped", decimal(code));
+  } else if (code == kExtrusionZ && parseDouble(lexer().getBytes()).value != 1) {
+    note("extrusion ignored");
+  }
+  return true;
+}
+
+void RecordReader::takeTrueColor() {
+  constexpr long mask = 0xFFFFFF;
+  const long value = lexer().getInt();
+  if (failed()) return;
+  m_record.trueColor = value & mask;
+  note("color approximated");
+}
+
+short RecordReader::nearestColor(long trueColor) {
+  if (trueColor != m_lastTrueColor) {
+    m_lastTrueColor = trueColor;
+    m_lastNearest = nearestPaletteColor(unpackColor(trueColor));
+  }
+  return m_lastNearest;
+}
+
+bool RecordReader::check(const RecordKind& kind, long missingParam) {
+  if (failed()) return false;
+  if (m_record.trueColor != Record::kNoTrueColor) m_record.color = nearestColor(m_record.trueColor);
+  static constexpr CodeSet spared{1, 2, 3, 8, 66, 70};
+  if (isTolerant()) supply();
+  const CodeSet have = isTolerant() ? m_record.seen | spared : m_record.seen;
+  if (!have.covers(kind.required)) {
+    fail(CFileDXFIError::EntityNotBuilt);
+    m_context.err.SetErrorExtraParam(missingParam, m_record.seen.bitsOf(kind.required));
+    return false;
+  }
+  if (!(m_record.seen | CodeSet{kLayer}).covers(kind.required)) note("code missing");
+  if (!m_record.layer) fail(CFileDXFIError::WrongStructure);
+  return !failed();
+}
+
+// Supplies the layer of a record without one, and the properties common to its entity.
+void RecordReader::supply() {
+  if (!m_record.layer) {
+    const zim::WString zero(u"0");
+    m_record.layer = m_context.semantor.getLayer(zero);
+    note("layer missing");
+  }
+  if (m_frameTaken) return;
+  m_frameTaken = true;
+  m_frame = {m_record.extrusion, m_record.integer(67) != 0, m_record.integer(60) != 0};
+}
+
+bool RecordReader::takeCurveRoom(std::size_t points) {
+  const bool fits = points <= curveRoom;
+  if (fits)
+    curveRoom -= points;
+  else
+    note("curve coarse");
+  return fits;
+}
+
+bool RecordReader::recover(const zim::WString& kind) {
+  if (!isTolerant() || m_context.err.GetErrorType() == CFileDXFIError::GeneralError) return false;
+  note("entity dropped", kind);
+  m_context.err = CFileDXFIError();
+  if (lexer().getGroupValue() != 0) skip();
+  return true;
+}
+
+// Numbers other than points, sizes and angles are dispensable, but lists that a reader processes
+// itself must be complete.
+bool RecordReader::isSpare(long code, const CodeSet& wanted, const CodeSet& optional) {
+  const bool isPlace = (code >= 10 && code < Record::kReals) || (code >= 210 && code < 240);
+  return isPlace ? optional.has(code) : code >= CodeSet::kEnd || wanted.has(code);
+}
+
+bool RecordReader::spareNumber(const char* cost) {
+  if (!m_context.spareNumber(cost)) return false;
+  const long code = lexer().getGroupValue();
+  if (code < CodeSet::kEnd) m_record.seen.remove(code);
+  return true;
+}
+
+void RecordReader::noteAt(long line, const char* code, const zim::WString& sample) const {
+  if (m_context.options.report) m_context.options.report->add(code, line, sample);
+}
+
+void RecordReader::skip() {
+  while (m_context.lexer.read() != 0 && !failed()) {
+  }
+}
+
+}  // namespace vek0::detail

@@ -1,0 +1,200 @@
+#include "dxf/in/records/entityreaders.h"
+
+#include "dxf/in/convert/mtextreader.h"
+#include "dxf/in/convert/planeplacement.h"
+#include "files/number.h"
+#include "vek0core/entities/ent3dface.h"
+#include "vek0core/entities/entarc.h"
+#include "vek0core/entities/entcircle.h"
+#include "vek0core/entities/entline.h"
+#include "vek0core/entities/entpnt.h"
+
+namespace vek0::detail {
+namespace {
+
+EntPtr readPoint(RecordReader& in) {
+  static constexpr RecordKind kind({10, 20, 30}, {8, 10, 20});
+  if (!in.read(kind)) return nullptr;
+  const Record& r = in.record();
+  return in.built(
+      in.factory().createEntPnt(in.gestor(), r.layer, r.ltype, r.color, r.point(0), r.handle));
+}
+
+EntPtr readLine(RecordReader& in) {
+  static constexpr RecordKind kind({10, 20, 30, 11, 21, 31}, {8, 10, 20, 11, 21});
+  if (!in.read(kind)) return nullptr;
+  const Record& r = in.record();
+  return in.built(in.factory().createEntLine(in.gestor(), r.layer, r.ltype, r.color,
+                                             LINE_3D(r.point(0), r.point(1)), r.handle));
+}
+
+EntPtr readCircle(RecordReader& in) {
+  static constexpr RecordKind kind({10, 20, 30, 40}, {8, 10, 20, 40});
+  if (!in.read(kind)) return nullptr;
+  const Record& r = in.record();
+  const CIRCLE_3D circle(r.real(10), r.real(20), r.real(30), in.radius(r.real(40)));
+  if (in.failed()) return nullptr;
+  return in.built(
+      in.factory().createEntCircle(in.gestor(), r.layer, r.ltype, r.color, circle, r.handle));
+}
+
+EntPtr readArc(RecordReader& in) {
+  static constexpr RecordKind kind({10, 20, 30, 40, 50, 51}, {8, 10, 20, 40, 50, 51});
+  if (!in.read(kind)) return nullptr;
+  const Record& r = in.record();
+  const ARC_3D arc(r.real(10), r.real(20), r.real(30), in.radius(r.real(40)),
+                   r.real(50) * kRadiansPerDegree, r.real(51) * kRadiansPerDegree);
+  if (in.failed()) return nullptr;
+  return in.built(in.factory().createEntArc(in.gestor(), r.layer, r.ltype, r.color, arc, r.handle));
+}
+
+EntPtr read3DFace(RecordReader& in) {
+  static constexpr RecordKind kind({10, 20, 30, 11, 21, 31, 12, 22, 32, 13, 23, 33, 70},
+                                   {8, 10, 20, 11, 21, 12, 22, 13, 23});
+  static constexpr RecordKind kindTolerant(kind.wanted, {10, 20, 11, 21, 12, 22});
+  const RecordKind& asked = in.isTolerant() ? kindTolerant : kind;
+  if (!in.read(asked)) return nullptr;
+  const Record& r = in.record();
+  const long fourth = r.seen.has(13) && r.seen.has(23) ? 3 : 2;
+  if (fourth == 2) in.note("code missing");
+  return in.built(in.factory().createEnt3DFace(in.gestor(), r.layer, r.ltype, r.color, r.point(0),
+                                               r.point(1), r.point(2), r.point(fourth),
+                                               r.integer(70), r.handle));
+}
+
+struct Reader {
+  std::string_view name;
+  EntityKinds since;
+  EntPtr (*read)(EntityReader&);
+};
+
+template <EntPtr (*readRecord)(RecordReader&)>
+EntPtr one(EntityReader& reader) {
+  return readRecord(reader.records);
+}
+EntPtr readPolyline(EntityReader& reader) { return reader.polylines.readPolyline(); }
+EntPtr readLwPolyline(EntityReader& reader) { return reader.polylines.readLwPolyline(); }
+EntPtr readHatch(EntityReader& reader) { return reader.hatches.read(); }
+EntPtr readMpolygon(EntityReader& reader) { return reader.hatches.readMpolygon(); }
+template <EntPtr (CurveReader::*readRecord)()>
+EntPtr curve(EntityReader& reader) {
+  return (reader.curves.*readRecord)();
+}
+
+// The most frequent first.
+constexpr Reader kReaders[] = {
+    {"LINE", EntityKinds::R12, one<readLine>},
+    {"POLYLINE", EntityKinds::R12, readPolyline},
+    {"LWPOLYLINE", EntityKinds::AC1014, readLwPolyline},
+    {"TEXT", EntityKinds::R12, one<readText>},
+    {"ARC", EntityKinds::R12, one<readArc>},
+    {"CIRCLE", EntityKinds::R12, one<readCircle>},
+    {"INSERT", EntityKinds::R12, one<readInsert>},
+    {"POINT", EntityKinds::R12, one<readPoint>},
+    {"3DFACE", EntityKinds::R12, one<read3DFace>},
+    {"HATCH", EntityKinds::AC1014, readHatch},
+    {"ATTDEF", EntityKinds::R12, one<readAttdef>},
+    {"SOLID", EntityKinds::All, one<readSolid>},
+    {"SPLINE", EntityKinds::All, curve<&CurveReader::readSpline>},
+    {"ELLIPSE", EntityKinds::All, curve<&CurveReader::readEllipse>},
+    {"LEADER", EntityKinds::All, curve<&CurveReader::readLeader>},
+    {"TRACE", EntityKinds::All, one<readSolid>},
+    {"MLINE", EntityKinds::All, one<readMultiline>},
+    {"MESH", EntityKinds::All, one<readSubdivisionMesh>},
+    {"MPOLYGON", EntityKinds::All, readMpolygon},
+    {"XLINE", EntityKinds::All, one<readXline>},
+    {"RAY", EntityKinds::All, one<readRay>},
+    {"HELIX", EntityKinds::All, curve<&CurveReader::readHelix>},
+    {"MTEXT", EntityKinds::All, one<readMText>},
+    {"DIMENSION", EntityKinds::All, one<readDimension>},
+    {"MULTILEADER", EntityKinds::All, one<readMultileader>},
+    {"MLEADER", EntityKinds::All, one<readMultileader>},
+    {"TOLERANCE", EntityKinds::All, one<readTolerance>},
+    {"ACAD_TABLE", EntityKinds::All, one<readTable>},
+    {"ARC_DIMENSION", EntityKinds::All, one<readDimension>},
+    {"LARGE_RADIAL_DIMENSION", EntityKinds::All, one<readDimension>},
+};
+
+// The report code for a record that is not read; null if nothing is lost. Parts follow an entity
+// that was dropped.
+const char* lossOf(const CFileDXFILexer& lexer, EntityKinds kinds) {
+  if (kinds != EntityKinds::All) return "kind skipped";
+  if (lexer.isKeyword("SEQEND")) return nullptr;
+  const bool isPart = lexer.isKeyword("VERTEX") || lexer.isKeyword("ATTRIB");
+  return isPart ? "record skipped" : "kind skipped";
+}
+
+const Reader* findReader(const CFileDXFILexer& lexer, EntityKinds kinds) {
+  for (const Reader& reader : kReaders)
+    if (reader.since <= kinds && lexer.isKeyword(reader.name)) return &reader;
+  return nullptr;
+}
+
+}  // namespace
+
+EntPtr EntityReader::read(EntityKinds kinds) {
+  if (const Reader* reader = findReader(records.lexer(), kinds)) {
+    records.begin();
+    EntPtr ent = reader->read(*this);
+    if (kinds != EntityKinds::All || records.failed()) return ent;
+    // Readers of approximated kinds have already placed their results.
+    const bool inPlane = reader->since != EntityKinds::All;
+    return isLeftOut() ? nullptr : inPlane ? placed(std::move(ent)) : std::move(ent);
+  }
+  const char* loss = lossOf(records.lexer(), kinds);
+  if (kinds == EntityKinds::All) {
+    skipKind(loss);
+  } else {
+    if (loss) records.note(loss, records.lexer().getText());
+    records.skip();
+  }
+  return nullptr;
+}
+
+// Viewport number 1 is the sheet itself.
+void EntityReader::skipKind(const char* loss) {
+  constexpr long space = 67, number = 69;
+  const zim::WString kind = records.lexer().getText();
+  const long line = records.lexer().getLine();
+  bool isSheet = false, onPaper = false;
+  const bool isViewport = records.lexer().isKeyword("VIEWPORT");
+  for (long code = records.next(); code != 0 && !records.failed(); code = records.next()) {
+    const std::string_view bytes = records.lexer().getBytes();
+    if (code == space) onPaper = parseLong(bytes) != 0;
+    if (code == number && isViewport) isSheet = parseLong(bytes) == 1;
+  }
+  if (!loss || isSheet) return;
+  const bool isElsewhere = isOtherSpace(onPaper);
+  records.noteAt(line, isElsewhere ? "on paper" : loss, isElsewhere ? records.sheet : kind);
+}
+
+// Entities on a layout's sheet are not in model space and vice versa; blocks belong to both,
+// whatever their entities state. We have no invisible entities: those hidden by their program, such
+// as the inactive states of a block, would become visible.
+bool EntityReader::isLeftOut() {
+  const RecordReader::Frame& frame = records.frame();
+  const bool isElsewhere = isOtherSpace(frame.onPaper);
+  if (!isElsewhere && !frame.isInvisible) return false;
+  if (isElsewhere)
+    records.note("on paper", records.sheet);
+  else
+    records.note("entity invisible");
+  records.further.clear();
+  return true;
+}
+
+bool EntityReader::isOtherSpace(bool onPaper) {
+  const bool isSheet = !records.sheet.empty();
+  if (isSheet || (onPaper && !records.inBlock)) records.sheetUsed[isSheet] = true;
+  if (records.inBlock) return isSheet;
+  return onPaper != records.context().options.policy.paperSpace;
+}
+
+EntPtr EntityReader::placed(EntPtr ent) {
+  const PNT_3D& normal = records.frame().normal;
+  if (!ent || normal == PNT_3D(0, 0, 1)) return ent;
+  const PlaneAxes axes(normal);
+  return axes.isWorld() ? std::move(ent) : placeInWorld(records, std::move(ent), axes);
+}
+
+}  // namespace vek0::detail

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+
+#include "dxf/in/recordreader.h"
+#include "vek0core/tables/ltypedash.h"
+
+namespace vek0::detail {
+
+/// Reads the entries of the LTYPE table.
+class LtypeReader {
+ public:
+  /// `complexDashes`: whether dashes may carry texts and shapes, as from AC1014 on.
+  LtypeReader(const ReadContext& context, bool complexDashes)
+      : m_context(context), m_complexDashes(complexDashes) {}
+
+  /// Reads the entry at whose group 0 the lexer is positioned, leaves the lexer at the next one and
+  /// has the semantor create the linetype.
+  void read();
+
+ private:
+  struct Entry;
+
+  void takePair(long code, Entry& entry);
+  void takeFlags(Entry& entry);
+  void takeAlignment();
+  void takeCount(Entry& entry);
+  long integer() const;
+  void takeDash(Entry& entry);
+  void takeElementType(Entry& entry);
+  void takeReal(double& value) const;
+  void takeElement(long type, Entry& entry);
+  void takeText(Entry& entry);
+  long next();
+  void skipShape();
+  bool expect(long code);
+  double expectDouble(long code);
+  void create(Entry& entry);
+
+  bool isTolerant() const { return m_context.options.policy.tolerant; }
+  bool failed() const { return m_context.err.HasAnError(); }
+  void fail(CFileDXFIError::TDXFErrors kind) const { m_context.err.SetError(kind); }
+
+  ReadContext m_context;
+  bool m_complexDashes;
+  bool m_putBack = false;
+};
+
+}  // namespace vek0::detail

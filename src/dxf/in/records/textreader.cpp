@@ -1,0 +1,124 @@
+#include <cmath>
+
+#include "dxf/in/records/entityreaders.h"
+#include "vek0core/entities/entattdef.h"
+#include "vek0core/entities/entattrib.h"
+#include "vek0core/entities/enttext.h"
+#include "vek0core/geometry/angle.h"
+#include "vek0core/tables/style.h"
+#include "vek0core/tables/text.h"
+
+namespace vek0::detail {
+namespace {
+
+constexpr CodeSet kTextCodes{1, 7, 10, 20, 30, 11, 21, 31, 40, 41, 50, 51, 71, 72};
+constexpr CodeSet kTextVital{10, 20};
+
+// Code 70 of attributes.
+constexpr long kInvisibleAttrib = 1;
+// Code 71.
+constexpr long kBackward = 2, kUpsideDown = 4;
+// Code 72 beyond left, center and right.
+constexpr long kAligned = 3, kMiddle = 4, kFit = 5;
+constexpr long kVertMiddle = 2;
+
+// Text has no flags for mirroring: backward is a negative width, upside down that plus half a turn,
+// and both together only half a turn.
+void mirror(long generation, CTextContext& context) {
+  const bool upsideDown = (generation & kUpsideDown) != 0;
+  if (((generation & kBackward) != 0) != upsideDown)
+    context.setWidthScale(-context.getWidthScale());
+  if (upsideDown) context.setRotate(context.getRotate() + kPi);
+}
+
+// Aligned and fitted text runs from the first point to the second. Here it becomes left-justified
+// text of that length: fitted text by its width, aligned text by its height.
+void stretch(long horizontal, const PNT_3D& from, const PNT_3D& to, TEXT_3D& text) {
+  CTextContext context = text.getContext();
+  const double dx = to.x - from.x, dy = to.y - from.y;
+  const double length = std::hypot(dx, dy), present = std::fabs(text.getStringLength());
+  context.setRotate(from.angle(to));
+  if (length > 0 && present > 0) {
+    const double factor = length / present;
+    if (horizontal == kFit)
+      context.setWidthScale(context.getWidthScale() * factor);
+    else
+      context.setHeight(context.getHeight() * factor);
+  }
+  text.setContext(context);
+}
+
+CTextContext context(RecordReader& in, const zim::WString& string) {
+  const Record& r = in.record();
+  CTextContext c;
+  c.setHeight(r.real(40));
+  if (in.isTolerant() && !(c.getHeight() > 0)) {
+    const double fixed = r.style ? r.style->getFixedHeight() : 0;
+    c.setHeight(c.getHeight() < 0 ? -c.getHeight() : fixed > 0 ? fixed : 1);
+    in.note("number replaced", u"40");
+  }
+  c.setWidthScale(r.real(41, 1));
+  c.setOblique(r.real(51) * kRadiansPerDegree);
+  c.setRotate(r.real(50) * kRadiansPerDegree);
+  c.setString(string);
+  mirror(r.integer(71), c);
+  return c;
+}
+
+// The text of the current record, showing `string`. `verticalCode` holds the
+// vertical justification: in attributes 73 is the length of a field.
+TEXT_3D placedText(RecordReader& in, const zim::WString& string, long verticalCode) {
+  const Record& r = in.record();
+  CStyle* style = r.style ? r.style : in.context().semantor.getStyleStandard();
+  CTextContext c = context(in, string);
+  const long horizontal = r.integer(72), vertical = r.integer(verticalCode);
+  const bool stretched = horizontal == kAligned || horizontal == kFit;
+  // The second point applies except for left-justified text on its baseline.
+  const bool second = (horizontal != 0 || vertical != 0) && !stretched && r.seen.has(11);
+  const PNT_3D at = r.point(second ? 1 : 0);
+  TEXT_3D text(c, style, at.x, at.y, at.z, 0);
+  if (stretched && r.seen.has(11)) {
+    stretch(horizontal, r.point(0), r.point(1), text);
+    in.note("text fitted", string);
+  } else if (!stretched) {
+    text.setAlign(horizontal == kMiddle ? text.findJustify(1, kVertMiddle)
+                                        : text.findJustify(horizontal, vertical));
+  }
+  return text;
+}
+
+bool read(RecordReader& in, const RecordKind& kind) {
+  return in.read(in.isTolerant() ? RecordKind(kind.wanted, kTextVital) : kind);
+}
+
+}  // namespace
+
+EntPtr readText(RecordReader& in) {
+  static constexpr RecordKind kind(kTextCodes | CodeSet{73}, {8, 10, 20, 40});
+  if (!read(in, kind)) return nullptr;
+  const Record& r = in.record();
+  return in.built(in.factory().createEntText(in.gestor(), r.layer, r.ltype, r.color,
+                                             placedText(in, r.text(1), 73), r.handle));
+}
+
+EntPtr readAttdef(RecordReader& in) {
+  static constexpr RecordKind kind(kTextCodes | CodeSet{2, 3, 70, 74},
+                                   {8, 10, 20, 40, 1, 2, 3, 70});
+  if (!read(in, kind)) return nullptr;
+  const Record& r = in.record();
+  return in.built(in.factory().createEntAttdef(in.gestor(), r.layer, r.ltype, r.color,
+                                               placedText(in, r.text(2), 74), r.text(1), r.text(3),
+                                               r.integer(70), r.handle));
+}
+
+std::unique_ptr<CEntAttrib> readAttrib(RecordReader& in) {
+  static constexpr RecordKind kind(kTextCodes | CodeSet{2, 70, 74}, {8, 10, 20, 40, 1, 2, 70});
+  if (!read(in, kind)) return nullptr;
+  const Record& r = in.record();
+  const long flags = r.integer(70) | (r.integer(60) != 0 ? kInvisibleAttrib : 0);
+  return in.built(in.factory().createEntAttrib(in.gestor(), r.layer, r.ltype, r.color,
+                                               placedText(in, r.text(1), 74), r.text(2), flags,
+                                               r.handle));
+}
+
+}  // namespace vek0::detail

@@ -1,0 +1,396 @@
+#include "vek0core/dxf/out/filedxfovisitor.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "dxf/out/endlessline.h"
+#include "dxf/out/exactnumbers.h"
+#include "dxf/out/hatchdata.h"
+#include "dxf/out/savedcolor.h"
+#include "dxf/out/savednames.h"
+#include "dxf/out/savedsolid.h"
+#include "dxf/out/savedvertexes.h"
+#include "dxf/out/savefilter.h"
+#include "dxf/out/savehandles.h"
+#include "vek0core/assert.h"
+#include "vek0core/drawing/data.h"
+#include "vek0core/dxf/out/filedxfowriter.h"
+#include "vek0core/entities/blocks/attribplacement.h"
+#include "vek0core/entities/blocks/block.h"
+#include "vek0core/entities/blocks/enthatch.h"
+#include "vek0core/entities/blocks/entinsert.h"
+#include "vek0core/entities/ent3dface.h"
+#include "vek0core/entities/entarc.h"
+#include "vek0core/entities/entattdef.h"
+#include "vek0core/entities/entattrib.h"
+#include "vek0core/entities/entcircle.h"
+#include "vek0core/entities/entline.h"
+#include "vek0core/entities/entpnt.h"
+#include "vek0core/files/report.h"
+#include "vek0core/tables/ltype.h"
+#include "vek0core/tables/text.h"
+
+using vek0::detail::classicDegrees;
+using vek0::detail::exactDegrees;
+using vek0::detail::readRadians;
+using vek0::detail::SavedVertex;
+using vek0::detail::sixDecimals;
+using vek0::detail::steady;
+using vek0::detail::steadyAngle;
+
+namespace {
+
+// Files have no display; only inserts of fixed pixel size need a pixel size.
+constexpr double kPixelSize = 1;
+
+// Code 70 of POLYLINE, in addition to the bits of a drawing.
+constexpr long kPolyline3D = 8;
+// Code 75 of POLYLINE.
+constexpr long kQuadratic = 5, kCubic = 6;
+// Code 71 of texts.
+constexpr long kBackward = 2;
+// The codes of the string and of the vertical alignment differ by kind of text.
+constexpr long kTextString = 1, kTagString = 2, kTextVertical = 73, kAttribVertical = 74;
+
+double larger(double a, double b) { return std::max(std::fabs(a), std::fabs(b)); }
+
+// A computed point is as precise as its largest input: its own coordinates, and those of the point
+// that it was placed from. Rotation mixes x and y.
+PNT_3D steadyPoint(const PNT_3D& pnt, const PNT_3D& from) {
+  const double size = std::max(larger(pnt.x, pnt.y), larger(from.x, from.y));
+  return {steady(pnt.x, size), steady(pnt.y, size), steady(pnt.z, larger(pnt.z, from.z))};
+}
+
+PNT_3D insertionPoint(const CEntInsertBase& insert) {
+  PNT_3D pnt;
+  double sx, sy, sz, rotationRad;
+  insert.getInsertParams(kPixelSize, pnt, sx, sy, sz, rotationRad);
+  return pnt;
+}
+
+}  // namespace
+
+struct CFileDXFOVisitor::TextRecord {
+  const zim::WString* string;
+  const CStyle* style;
+  PNT_3D base, insertion;
+  double height, widthScale, rotationRad, obliqueRad;
+  long horizontal, vertical;
+};
+
+CFileDXFOVisitor::CFileDXFOVisitor(const CData& data, CFileDXFOWriter& writer, bool flatten)
+    : m_data(data),
+      m_writer(writer),
+      m_filter(std::make_unique<vek0::detail::SaveFilter>(data)),
+      m_flatten(flatten) {}
+
+CFileDXFOVisitor::~CFileDXFOVisitor() = default;
+
+void CFileDXFOVisitor::SetACADNameConverter(CNameAcadConverter* converter) {
+  m_pACADNameConverter = converter;
+  m_names = converter ? std::make_unique<vek0::detail::SavedNames>(*converter) : nullptr;
+}
+
+void CFileDXFOVisitor::visit(CEntPnt& ent) {
+  if (refuses(ent, "POINT")) return;
+  begin("POINT", ent);
+  writePoint(0, ent.getPnt());
+}
+
+void CFileDXFOVisitor::visit(CEntLine& ent) {
+  if (refuses(ent, "LINE")) return;
+  const LINE_3D line = cut(ent);
+  begin("LINE", ent);
+  writePoint(0, line.p1);
+  writePoint(1, line.p2);
+}
+
+// This version has no infinite lines.
+LINE_3D CFileDXFOVisitor::cut(const CEntLine& ent) {
+  if (ent.getReach() == LineReach::Segment) return ent.getLine();
+  report("endless line cut", ent.getReach() == LineReach::Ray ? "RAY" : "XLINE");
+  const CBlock* owner = ent.getOwnerBlock();
+  return vek0::detail::segmentOf(ent, owner ? owner->getBdry() : m_data.getEntTable().getBdry());
+}
+
+void CFileDXFOVisitor::visit(CEntCircle& ent) {
+  if (refuses(ent, "CIRCLE")) return;
+  begin("CIRCLE", ent);
+  writePoint(0, ent.getCircle());
+  m_writer.write(40, ent.getCircle().radius);
+}
+
+void CFileDXFOVisitor::visit(CEntArc& ent) {
+  if (refuses(ent, "ARC")) return;
+  begin("ARC", ent);
+  writePoint(0, ent.getArc());
+  m_writer.write(40, ent.getArc().radius);
+  writeAngle(50, ent.getArc().startAngle);
+  writeAngle(51, ent.getArc().endAngle);
+}
+
+void CFileDXFOVisitor::visit(CEnt3DFace& ent) {
+  if (refuses(ent, "3DFACE")) return;
+  if (ent.isFilled()) {
+    const char* kind = ent.getFill() == FaceFill::Trace ? "TRACE" : "SOLID";
+    if (m_exchange && solid_visit(ent, kind)) return;
+    report("fill as outline", kind);
+  }
+  begin("3DFACE", ent);
+  for (long corner = 0; corner < 4; ++corner) writePoint(corner, ent.getVertex(corner));
+  m_writer.write(70, ent.getFlags());
+}
+
+// False if its corners are not coplanar.
+bool CFileDXFOVisitor::solid_visit(const CEnt3DFace& ent, const char* kind) {
+  vek0::detail::SavedSolid solid;
+  if (!savedSolid(ent, m_flatten, solid)) return false;
+  begin(kind, ent);
+  for (long corner = 0; corner < 4; ++corner) writePoint(corner, solid.corners[corner]);
+  if (solid.normal == PNT_3D(0, 0, 1)) return true;
+  m_writer.write(210, solid.normal.x);
+  m_writer.write(220, solid.normal.y);
+  m_writer.write(230, solid.normal.z);
+  return true;
+}
+
+void CFileDXFOVisitor::visit(CEntText& ent) {
+  if (refuses(ent, "TEXT")) return;
+  begin("TEXT", ent);
+  txt_visit(placed(ent.getText()), kTextString, kTextVertical);
+}
+
+void CFileDXFOVisitor::visit(CEntAttdef& ent) {
+  if (refuses(ent, "ATTDEF")) return;
+  begin("ATTDEF", ent);
+  m_writer.write(70, ent.getFlags());
+  m_writer.writeText(1, ent.getValue());
+  m_writer.writeText(3, ent.getPrompt());
+  txt_visit(placed(ent.getText()), kTagString, kAttribVertical);
+}
+
+// This version has no hatches: writes an insert of the lines, with the data by which a reader
+// recognizes the hatch.
+void CFileDXFOVisitor::visit(CEntHatch& ent) {
+  if (refuses(ent, "HATCH")) return;
+  const vek0::Handle handle = insert_visit(ent);
+  if (!vek0::detail::hasHatchData(ent)) return report("hatch as insert", "HATCH");
+  vek0::detail::writeHatchData(m_writer, ent, handle, m_flatten, m_exchange);
+}
+
+void CFileDXFOVisitor::visit(CEntAttrib&) { ZORA_ASSERT(false); }
+
+void CFileDXFOVisitor::visit(CEntInsert& ent) {
+  if (refuses(ent, "INSERT")) return;
+  insert_visit(ent);
+  if (ent.isClipped()) report("clip lost", "INSERT");
+}
+
+void CFileDXFOVisitor::visit(CEntInsertXRef& ent) { visit(static_cast<CEntInsert&>(ent)); }
+
+void CFileDXFOVisitor::visit(CEntFixedInsert& ent) {
+  if (refuses(ent, "INSERT")) return;
+  insert_visit(ent);
+  report("fixed insert", "INSERT");
+}
+
+void CFileDXFOVisitor::visit(CEntPolyline& ent) {
+  if (!isReady()) return;
+  const auto form = vek0::detail::polylineForm(ent, m_flatten, m_exchange);
+  if (!form.finite) return report(vek0::detail::kNotFinite, "POLYLINE");
+  begin("POLYLINE", ent);
+  writePoint(0, PNT_3D(0, 0, form.elevation));
+  m_writer.write(70, (ent.getFlags() & (CEntPolyline::kClosed | CEntPolyline::kLtGen)) |
+                         form.curve | (form.solid ? kPolyline3D : 0));
+  if (form.curve == CEntPolyline::kSpline)
+    m_writer.write(75, ent.getDegree() == 2 ? kQuadratic : kCubic);
+  m_writer.write(40, form.widthConstant ? form.width : 0.0);
+  m_writer.write(41, form.widthConstant ? form.width : 0.0);
+  m_writer.write(66, 1L);
+  struct {
+    CFileDXFOVisitor& visitor;
+    const CEnt& owner;
+  } run{*this, ent};
+  forEachSaved(ent, form, [&run](const SavedVertex& v) { run.visitor.vertex_visit(run.owner, v); });
+  seq_visit(ent);
+}
+
+bool CFileDXFOVisitor::isReady() const {
+  ZORA_ASSERT(m_pACADNameConverter != NULL);
+  return m_pACADNameConverter != nullptr;
+}
+
+vek0::Handle CFileDXFOVisitor::begin(const char* kind, const CEnt& ent) {
+  m_writer.writeEncoded(0, kind);
+  return def_visit(ent);
+}
+
+vek0::Handle CFileDXFOVisitor::def_visit(const CEnt& ent) {
+  const vek0::Handle handle = writeHandle(ent.GetHandle());
+  m_writer.writeEncoded(8, m_names->layer(ent.getLayer()));
+  if (ent.getLtype() && !ent.getLtype()->isByLayer())
+    m_writer.writeEncoded(6, m_names->ltype(ent.getLtype()));
+  if (ent.getColor() == kColorByLayer) return handle;
+  if (vek0::detail::isEntityColor(ent.getColor()))
+    m_writer.write(62, static_cast<long>(ent.getColor()));
+  else
+    report("color out of range", "");
+  return handle;
+}
+
+void CFileDXFOVisitor::txt_visit(const TextRecord& text, long stringCode, long verticalCode) {
+  m_writer.write(40, text.height);
+  m_writer.writeText(stringCode, *text.string);
+  writeAngle(50, text.rotationRad);
+  m_writer.write(41, std::fabs(text.widthScale));
+  writeAngle(51, text.obliqueRad);
+  m_writer.writeEncoded(7, m_names->style(text.style));
+  writePoint(0, text.base);
+  if (text.widthScale < 0) m_writer.write(71, kBackward);
+  m_writer.write(72, text.horizontal);
+  m_writer.write(verticalCode, text.vertical);
+  writePoint(1, text.insertion);
+}
+
+vek0::Handle CFileDXFOVisitor::insert_visit(const CEntInsertBase& ent) {
+  PNT_3D pnt;
+  double sx, sy, sz, rotationRad, columnSpacing, rowSpacing;
+  long columns, rows;
+  ent.getInsertParams(kPixelSize, pnt, sx, sy, sz, rotationRad);
+  ent.getArray(columns, rows, columnSpacing, rowSpacing);
+  const vek0::Handle handle = begin("INSERT", ent);
+  m_writer.writeEncoded(2, m_names->block(ent.getBlock()));
+  writePoint(0, pnt);
+  m_writer.write(41, sx);
+  m_writer.write(42, sy);
+  m_writer.write(43, sz);
+  writeAngle(50, rotationRad);
+  m_writer.write(70, columns);
+  m_writer.write(71, rows);
+  m_writer.write(44, columnSpacing);
+  m_writer.write(45, rowSpacing);
+  attribs_visit(ent);
+  return handle;
+}
+
+void CFileDXFOVisitor::attribs_visit(const CEntInsertBase& ent) {
+  m_sequence.clear();
+  for (unsigned i = 0; i < static_cast<unsigned>(ent.GetNoAttribs()); ++i) {
+    const CEntAttrib* attrib = ent.GetAttrib(i);
+    if (attrib && !refuses(*attrib, "ATTRIB")) m_sequence.push_back(attrib);
+  }
+  if (m_sequence.empty()) return;
+  m_writer.write(66, 1L);
+  for (const CEntAttrib* attrib : m_sequence) attrib_visit(ent, *attrib);
+  seq_visit(ent);
+}
+
+void CFileDXFOVisitor::attrib_visit(const CEntInsertBase& ent, const CEntAttrib& attrib) {
+  begin("ATTRIB", attrib);
+  m_writer.write(70, attrib.getFlags());
+  m_writer.writeText(2, attrib.getTag());
+  txt_visit(placed(ent, attrib), kTextString, kAttribVertical);
+}
+
+void CFileDXFOVisitor::vertex_visit(const CEnt& owner, const SavedVertex& vertex) {
+  m_writer.writeEncoded(0, "VERTEX");
+  writeHandle(vertex.handle);
+  m_writer.writeEncoded(8, m_names->layer(owner.getLayer()));
+  writePoint(0, vertex.pnt);
+  m_writer.write(70, vertex.flags);
+  m_writer.write(40, vertex.widthStart);
+  m_writer.write(41, vertex.widthEnd);
+  if (vertex.bulge != 0) m_writer.write(42, vertex.bulge);
+}
+
+void CFileDXFOVisitor::seq_visit(const CEnt& owner) {
+  m_writer.writeEncoded(0, "SEQEND");
+  m_writer.writeHex(5, m_handles ? m_handles->takeEnd() : 0);
+  m_writer.writeEncoded(8, m_names->layer(owner.getLayer()));
+}
+
+void CFileDXFOVisitor::writePoint(long index, const PNT_3D& pnt) {
+  m_writer.write(10 + index, pnt.x);
+  m_writer.write(20 + index, pnt.y);
+  m_writer.write(30 + index, m_flatten ? 0.0 : pnt.z);
+}
+
+void CFileDXFOVisitor::writeAngle(long code, double angleRad) {
+  m_writer.write(code, degrees(angleRad));
+}
+
+double CFileDXFOVisitor::degrees(double angleRad) const {
+  return m_exchange ? exactDegrees(angleRad) : classicDegrees(angleRad);
+}
+
+vek0::Handle CFileDXFOVisitor::writeHandle(vek0::Handle handle) {
+  const vek0::Handle written = m_handles ? m_handles->take(handle) : handle;
+  m_writer.writeHex(5, written);
+  return written;
+}
+
+// Computed from the values that readers will get: otherwise it would move again when the file is
+// read and saved.
+PNT_3D CFileDXFOVisitor::basePoint(const TEXT_3D& text) const {
+  if (text.getAlign() == 0) return text;
+  const auto asRead = [this](double value) { return m_exchange ? value : sixDecimals(value); };
+  TEXT_3D read(text);
+  read.set(asRead(text.x), asRead(text.y), text.z);
+  CTextContext context(text.getContext());
+  context.setHeight(asRead(context.getHeight()));
+  context.setWidthScale(asRead(context.getWidthScale()));
+  context.setRotate(readRadians(asRead(degrees(context.getRotate()))));
+  read.setContext(context);
+  return m_exchange ? steadyPoint(read.getBasePoint(), read) : read.getBasePoint();
+}
+
+CFileDXFOVisitor::TextRecord CFileDXFOVisitor::placed(const TEXT_3D& text) const {
+  const CTextContext& context = text.getContext();
+  return {&context.getString(), text.getStyle(),         basePoint(text),     text,
+          context.getHeight(),  context.getWidthScale(), context.getRotate(), context.getOblique(),
+          text.getHorizAlign(), text.getVertAlign()};
+}
+
+// An attribute is in block coordinates, but in drawing coordinates in the file.
+CFileDXFOVisitor::TextRecord CFileDXFOVisitor::placed(const CEntInsertBase& insert,
+                                                      const CEntAttrib& attrib) const {
+  const ATTRIB_PLACE* remembered = rememberedPlace(insert, attrib);
+  const ATTRIB_PLACE place = remembered ? *remembered : computedPlace(insert, attrib);
+  TEXT_3D text(attrib.getText());
+  text.set(place.position.x, place.position.y, place.position.z);
+  CTextContext context(text.getContext());
+  context.setHeight(place.height);
+  context.setWidthScale(place.widthScale);
+  context.setRotate(place.rotation);
+  context.setOblique(place.oblique);
+  text.setContext(context);
+  TextRecord record = placed(text);
+  record.string = &attrib.getValue();
+  return record;
+}
+
+ATTRIB_PLACE CFileDXFOVisitor::computedPlace(const CEntInsertBase& insert,
+                                             const CEntAttrib& attrib) const {
+  ATTRIB_PLACE place;
+  transform_attrib_logic_2_phisic(kPixelSize, insert, attrib, place.position, place.height,
+                                  place.widthScale, place.rotation, place.oblique);
+  if (!m_exchange) return place;
+  place.position = steadyPoint(place.position, insertionPoint(insert));
+  place.height = steady(place.height);
+  place.widthScale = steady(place.widthScale);
+  place.rotation = steadyAngle(place.rotation);
+  place.oblique = steadyAngle(place.oblique);
+  return place;
+}
+
+template <class Ent>
+bool CFileDXFOVisitor::refuses(const Ent& ent, const char* kind) {
+  if (!isReady()) return true;
+  const char* objection = m_filter->objection(ent);
+  if (objection) report(objection, kind);
+  return objection != nullptr;
+}
+
+void CFileDXFOVisitor::report(const char* code, const char* kind) {
+  if (m_report) m_report->add(code, 0, zim::WString::fromUtf8(kind));
+}

@@ -1,0 +1,259 @@
+#include "vek0core/entities/blocks/blockxref.h"
+
+#include <new>
+#include <unordered_set>
+#include <utility>
+
+#include "tables/itemflags.h"
+#include "vek0core/entities/blocks/entinsert.h"
+
+namespace {
+
+using vek0::detail::kDependent;
+using vek0::detail::kResolved;
+
+const zim::WString& compose(const CBlockXRef& xref, const zim::WString& name,
+                            zim::WString& fullName) {
+  fullName = xref.getName();
+  fullName += u"|";
+  fullName += name;
+  return fullName;
+}
+
+// Removes an item from the table and keeps it.
+template <class Table, class Item>
+void retireFrom(Table& table, std::vector<std::unique_ptr<Item>>& retired, Item* item) {
+  retired.emplace_back();  // first, because only this can fail
+  table.remove(item);
+  retired.back().reset(item);
+}
+
+std::vector<CBlockXRef*> shownBy(const std::vector<std::unique_ptr<CEnt>>& entities,
+                                 const CBlockXRef::Blocks& blocks) {
+  std::vector<CBlockXRef*> nested;
+  std::unordered_set<const CBlock*> seen;
+  const auto note = [&](const CEnt& ent) {
+    const CEntInsertBase* insert = ent.getEntInsert();
+    CBlock* shown = insert != nullptr ? insert->getBlock() : nullptr;
+    if (shown != nullptr && shown->isXRef() && seen.insert(shown).second)
+      nested.push_back(static_cast<CBlockXRef*>(shown));
+  };
+  for (const std::unique_ptr<CEnt>& ent : entities) note(*ent);
+  for (const std::unique_ptr<CBlock>& block : blocks)
+    for (unsigned i = 0; i < block->size(); ++i) note(*(*block)[i]);
+  return nested;
+}
+
+}  // namespace
+
+CBlockXRef::CBlockXRef(CLtypeContinuous& continuous, CLtypeByLayer& byLayer, CLtypeByBlock& byBlock,
+                       CLayer0& layer0, const zim::WString& name, const zim::WString& path,
+                       const PNT_3D& base, long flags)
+    : CBlock(name, base, flags),
+      m_path(path),
+      m_ltypes(continuous, byLayer, byBlock),
+      m_layers(layer0) {}
+
+CBlockXRef::~CBlockXRef() = default;
+
+void CBlockXRef::add(CEnt* ent) { restore(ent); }
+
+bool CBlockXRef::isXRef() const { return true; }
+
+const PNT_3D& CBlockXRef::getContentBase() const {
+  return getPnt() != PNT_3D(0, 0, 0) ? getPnt() : m_ownBase;
+}
+
+CBlockXRef::Content::Content(std::vector<std::unique_ptr<CEnt>> entities, Blocks blocks)
+    : m_nested(shownBy(entities, blocks)) {
+  m_entities.reserve(entities.size());
+  for (std::unique_ptr<CEnt>& ent : entities) m_entities.push_back(ent.release());
+  m_blocks = std::move(blocks);
+}
+
+CBlockXRef::Content::~Content() {
+  for (const CEnt* ent : m_entities) delete ent;
+}
+
+void CBlockXRef::setContent(std::vector<std::unique_ptr<CEnt>> entities, Blocks blocks) {
+  Content content(std::move(entities), std::move(blocks));
+  exchange(content);
+}
+
+void CBlockXRef::exchange(Content& content) {
+  if (isHeld()) countNested(-1);
+  m_nested.swap(content.m_nested);
+  if (isHeld()) countNested(1);
+  if (content.m_number == 0) content.m_number = ++m_lastContent;
+  std::swap(m_noContents, content.m_number);
+  for (const std::unique_ptr<CBlock>& block : m_blocks) block->m_contentOf = nullptr;
+  m_blocks.swap(content.m_blocks);
+  for (const std::unique_ptr<CBlock>& block : m_blocks) block->m_contentOf = this;
+  swapEntities(content.m_entities);
+}
+
+void CBlockXRef::setHead(const Head& head) {
+  m_path.reserve(head.path.Length());
+  m_file.reserve(head.file.Length());
+  init(head.path, head.base, head.flags);
+  m_file = head.file;
+  m_status = head.status;
+  m_ownBase = head.ownBase;
+}
+
+void CBlockXRef::reserveRetired() {
+  m_retiredLayers.reserve(m_retiredLayers.size() + static_cast<std::size_t>(m_layers.size()));
+  m_retiredLtypes.reserve(m_retiredLtypes.size() + static_cast<std::size_t>(m_ltypes.size()));
+  m_retiredStyles.reserve(m_retiredStyles.size() + static_cast<std::size_t>(m_styles.size()));
+}
+
+// A reference outside the drawing shows nothing.
+void CBlockXRef::countNested(long by) {
+  for (CBlockXRef* nested : m_nested) nested->m_shows += by;
+}
+
+void CBlockXRef::retire(CLayer* layer) {
+  strip(*layer);
+  retireFrom(m_layers, m_retiredLayers, layer);
+}
+
+void CBlockXRef::retire(CLtype* ltype) {
+  retireFrom(m_ltypes, m_retiredLtypes, ltype);
+  strip(*ltype);
+}
+
+void CBlockXRef::retire(CStyle* style) { retireFrom(m_styles, m_retiredStyles, style); }
+
+// The table counts the layer as a user of its linetype from then on.
+void CBlockXRef::putBack(CLayer& layer) {
+  CLtype* ltype = layer.getLtype();
+  strip(layer);
+  m_layers.add(&layer);
+  layer.setLtype(ltype != nullptr ? ltype : m_ltypes.getLtypeContinuous());
+  if (ltype != nullptr || !layer.isXRef()) return;
+  // Not a change by the host: the layer follows its file again when it reappears there.
+  std::optional<CLayerXRef::Look>& told = static_cast<CLayerXRef&>(layer).m_told;
+  if (told) told->ltype = layer.getLtype();
+}
+
+void CBlockXRef::init(const zim::WString& path, const PNT_3D& base, long flags) {
+  m_path = path;
+  setOrigin(base);
+  setFlags(flags);
+}
+
+CBlockXRefDepend::CBlockXRefDepend() = default;
+
+CBlockXRefDepend::CBlockXRefDepend(const CBlockXRefDepend& src) { *this = src; }
+
+CBlockXRefDepend& CBlockXRefDepend::operator=(const CBlockXRefDepend& src) {
+  if (this == &src) return *this;
+  std::list<Entry> list = src.m_list;
+  std::unordered_map<const CBlockXRef*, std::list<Entry>::iterator> places;
+  for (auto entry = list.begin(); entry != list.end(); ++entry) places.emplace(entry->first, entry);
+  m_list.swap(list);
+  m_places.swap(places);
+  m_unused.clear();
+  return *this;
+}
+
+CBlockXRefDepend::~CBlockXRefDepend() = default;
+
+void CBlockXRefDepend::add(CBlockXRef* xref) {
+  if (xref == nullptr) return;
+  const auto place = m_places.find(xref);
+  if (place == m_places.end()) {
+    std::list<Entry> made(1, Entry(xref, 1));
+    m_places.emplace(xref, made.begin());
+    m_list.splice(m_list.end(), made);
+  } else if (place->second->second++ == 0) {
+    m_list.splice(m_list.end(), m_unused, place->second);
+  }
+}
+
+void CBlockXRefDepend::remove(CBlockXRef* xref) {
+  const auto place = m_places.find(xref);
+  if (place == m_places.end() || place->second->second == 0) return;
+  if (--place->second->second == 0) m_unused.splice(m_unused.end(), m_list, place->second);
+}
+
+long CBlockXRefDepend::getCount(const CBlockXRef* xref) const {
+  const auto place = m_places.find(xref);
+  return place != m_places.end() ? place->second->second : 0;
+}
+
+void CBlockXRefTable::add(CBlockXRef* xref) {
+  if (xref == nullptr || xref->isHeld()) return;
+  CNamedItemTableImp::add(xref);
+  xref->countNested(1);
+}
+
+void CBlockXRefTable::remove(CBlockXRef* xref) {
+  if (!contains(xref)) return;
+  CNamedItemTableImp::remove(xref);
+  xref->countNested(-1);
+}
+
+void CBlockXRefTable::restore(CBlockXRef* xref, const Place& place) {
+  if (xref == nullptr || xref->isHeld()) return;
+  CNamedItemTableImp::restore(xref, place);
+  xref->countNested(1);
+}
+
+CBlockXRef* CBlockXRefTable::get(std::u16string_view name) const {
+  return static_cast<CBlockXRef*>(CNamedItemTableImp::get(name));
+}
+
+CBlockXRef* CBlockXRefTable::operator[](int i) const {
+  return static_cast<CBlockXRef*>(CNamedItemTableImp::operator[](i));
+}
+
+CLayerXRef::CLayerXRef(CBlockXRef& xref, const zim::WString& name, CLtype* ltype, short color,
+                       long flags)
+    : CLayer(name, ltype, color, flags | kDependent | kResolved), m_xref(xref) {}
+
+const zim::WString& CLayerXRef::getFullName() const {
+  return compose(m_xref, getName(), m_fullName);
+}
+
+void CLayerXRef::setFlags(long flags) { CLayer::setFlags(flags | kDependent | kResolved); }
+
+void CLayerXRef::follow(const Look& look) {
+  if (m_told) {
+    if (getLtype() == m_told->ltype) setLtype(look.ltype);
+    if (getColor() == m_told->color) setColor(look.color);
+    if (getLineWidth() == m_told->width) setLineWidth(look.width);
+    for (const long bit : {kFrozen, kLocked, kOff})
+      if (((getFlags() ^ m_told->flags) & bit) == 0) setFlags(bit, (look.flags & bit) != 0);
+  }
+  m_told = look;
+}
+
+void CLayerXRef::accept(ILayerVisitor& visitor) { visitor.visit(*this); }
+
+CLtypeXRef::CLtypeXRef(CBlockXRef& xref, const zim::WString& name, const zim::WString& desc,
+                       const CLtypeComplexDashSeq& dashes, long flags)
+    : CLtype(name, desc, dashes, flags | kDependent | kResolved), m_xref(xref) {}
+
+const zim::WString& CLtypeXRef::getFullName() const {
+  return compose(m_xref, getName(), m_fullName);
+}
+
+void CLtypeXRef::setFlags(long flags) { CLtype::setFlags(flags | kDependent | kResolved); }
+
+void CLtypeXRef::accept(ILtypeVisitor& visitor) { visitor.visit(*this); }
+
+CLayerXRef* CLayerFactory::createXRef(CBlockXRef& xref, const zim::WString& name, CLtype* ltype,
+                                      short color, long flags) try {
+  return new (std::nothrow) CLayerXRef(xref, name, ltype, color, flags);
+} catch (const std::bad_alloc&) {
+  return nullptr;
+}
+
+CLtypeXRef* CLtypeFactory::createXRef(CBlockXRef& xref, const zim::WString& name,
+                                      const zim::WString& desc, const CLtypeComplexDashSeq& dashes,
+                                      long flags) try {
+  return new (std::nothrow) CLtypeXRef(xref, name, desc, dashes, flags);
+} catch (const std::bad_alloc&) {
+  return nullptr;
+}

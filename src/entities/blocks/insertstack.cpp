@@ -1,0 +1,70 @@
+#include "vek0core/entities/blocks/insertstack.h"
+
+#include "vek0core/tables/colors.h"
+
+#include "vek0core/entities/blocks/entinsert.h"
+#include "vek0core/tables/layer.h"
+#include "vek0core/tables/ltype.h"
+
+namespace {
+
+constexpr short kNoColor = 7;  // default if the color is unknown
+constexpr std::size_t kUsualDepth = 10;
+
+// A layer's own linetype cannot be BYLAYER or BYBLOCK.
+CLtype* ltypeOf(const CLayer* layer) {
+  CLtype* ltype = layer != nullptr ? layer->getLtype() : nullptr;
+  return ltype == nullptr || ltype->isByLayer() || ltype->isByBlock() ? nullptr : ltype;
+}
+
+}  // namespace
+
+const CEntInsertBase* CEntInsertStackState::GetInsert(int i) const {
+  return i < 0 || i >= GetNoInsert() ? nullptr : m_inserts[static_cast<std::size_t>(i)];
+}
+
+CLayer* CEntInsertStackState::ResolveLayer(const CEnt& ent) const {
+  CLayer* layer = ent.getLayer();
+  const bool floats = layer == nullptr || layer->is0();
+  return floats && m_layer != nullptr ? m_layer : layer;
+}
+
+short CEntInsertStackState::ResolveColor(const CEnt& ent) const {
+  if (ent.getColor() == kColorByBlock) return m_color;
+  if (ent.getColor() != kColorByLayer) return ent.getColor();
+  const CLayer* layer = ResolveLayer(ent);
+  return layer != nullptr ? layer->getColor() : kNoColor;
+}
+
+CLtype* CEntInsertStackState::ResolveLtype(const CEnt& ent) const {
+  CLtype* ltype = ent.getLtype();
+  if (ltype == nullptr || ltype->isByLayer()) return ltypeOf(ResolveLayer(ent));
+  return ltype->isByBlock() ? m_ltype : ltype;
+}
+
+CEntInsertStack::CEntInsertStack(double pixelSize) : m_pixelSize(pixelSize) {
+  m_saved.reserve(kUsualDepth);
+}
+
+void CEntInsertStack::Push(const CEntInsertBase* insert, int row, int col) {
+  const Saved outer{m_matrix, m_layer, m_color, m_ltype};
+  m_saved.push_back(outer);
+  m_inserts.push_back(insert);
+  m_matrix = outer.matrix * CEntInsertMatrix(m_pixelSize, *insert, row, col);
+  // The insert inherits its own properties from the surrounding state, so the layer is replaced
+  // last.
+  m_color = ResolveColor(*insert);
+  m_ltype = ResolveLtype(*insert);
+  m_layer = ResolveLayer(*insert);
+}
+
+void CEntInsertStack::Pop() {
+  if (m_saved.empty()) return;
+  const Saved& outer = m_saved.back();
+  m_matrix = outer.matrix;
+  m_layer = outer.layer;
+  m_color = outer.color;
+  m_ltype = outer.ltype;
+  m_saved.pop_back();
+  m_inserts.pop_back();
+}

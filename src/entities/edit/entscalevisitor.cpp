@@ -1,0 +1,114 @@
+#include "vek0core/entities/edit/entscalevisitor.h"
+
+#include <cmath>
+#include <numbers>
+
+#include "entities/blocks/hatchtransform.h"
+#include "vek0core/entities/blocks/entinsert.h"
+#include "vek0core/entities/ent3dface.h"
+#include "vek0core/entities/entarc.h"
+#include "vek0core/entities/entattdef.h"
+#include "vek0core/entities/entattrib.h"
+#include "vek0core/entities/entcircle.h"
+#include "vek0core/entities/entline.h"
+#include "vek0core/entities/entpnt.h"
+#include "vek0core/entities/entpolyline.h"
+#include "vek0core/entities/enttext.h"
+
+namespace {
+
+bool isFinite(const PNT_3D& p) {
+  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+// The kernel multiplies radii by the signed factor; files contain radii of both signs, and the sign
+// is preserved.
+void scaleCircle(CIRCLE_3D& circle, const PNT_3D& centre, double factor) {
+  const double radius = circle.radius * std::fabs(factor);
+  circle.scale(centre, factor);
+  circle.radius = radius;
+}
+
+void scaleText(CEntText& ent, const PNT_3D& centre, double factor) {
+  ent.getText().scale(centre, factor);
+  ent.invalidateBdry();
+}
+
+void scaleInsert(CEntInsert& ent, const PNT_3D& centre, double factor) {
+  PNT_3D pnt = ent.getPnt();
+  pnt.scale(centre, factor);
+  double sx, sy, sz, columnSpacing, rowSpacing;
+  long columns, rows;
+  ent.getScale(sx, sy, sz);
+  ent.getArray(columns, rows, columnSpacing, rowSpacing);
+  ent.setInsert(pnt, sx * factor, sy * factor, sz * factor, ent.getRotate());
+  ent.setArray(columns, rows, columnSpacing * factor, rowSpacing * factor);
+}
+
+}  // namespace
+
+// An invalid factor is replaced by 1, which has no effect.
+CEntScaleVisitor::CEntScaleVisitor(const PNT_3D& centre, double factor)
+    : m_centre(centre), m_factor(factor) {
+  if (factor == 0 || !std::isfinite(factor) || !isFinite(centre)) {
+    m_centre.set(0, 0, 0);
+    m_factor = 1;
+  }
+}
+
+void CEntScaleVisitor::visit(CEntPnt& ent) {
+  ent.getPnt().scale(m_centre, m_factor);
+  ent.calcBdry();
+}
+
+void CEntScaleVisitor::visit(CEntLine& ent) {
+  ent.getLine().scale(m_centre, m_factor);
+  ent.calcBdry();
+}
+
+void CEntScaleVisitor::visit(CEntCircle& ent) {
+  scaleCircle(ent.getCircle(), m_centre, m_factor);
+  ent.calcBdry();
+}
+
+void CEntScaleVisitor::visit(CEntArc& ent) {
+  ARC_3D& arc = ent.getArc();
+  scaleCircle(arc, m_centre, m_factor);
+  if (isHalfTurned()) {
+    arc.startAngle = ARC_3D::normal(arc.startAngle + std::numbers::pi);
+    arc.endAngle = ARC_3D::normal(arc.endAngle + std::numbers::pi);
+  }
+  ent.calcBdry();
+}
+
+void CEntScaleVisitor::visit(CEntPolyline& ent) {
+  ent.scale(m_centre, m_factor);
+  ent.invalidateBdry();
+}
+
+void CEntScaleVisitor::visit(CEntText& ent) { scaleText(ent, m_centre, m_factor); }
+
+void CEntScaleVisitor::visit(CEntAttdef& ent) { scaleText(ent, m_centre, m_factor); }
+
+void CEntScaleVisitor::visit(CEntAttrib& ent) { scaleText(ent, m_centre, m_factor); }
+
+void CEntScaleVisitor::visit(CEntInsert& ent) { scaleInsert(ent, m_centre, m_factor); }
+
+void CEntScaleVisitor::visit(CEntFixedInsert& ent) {
+  PNT_3D pnt = ent.getPnt();
+  pnt.scale(m_centre, m_factor);
+  ent.setInsert(pnt, ent.GetNoPixel() * m_factor, ent.getRotate());
+}
+
+void CEntScaleVisitor::visit(CEntInsertXRef& ent) { scaleInsert(ent, m_centre, m_factor); }
+
+void CEntScaleVisitor::visit(CEntHatch& ent) {
+  vek0::detail::transformHatch(ent, *this, [this](PNT_3D& p) { p.scale(m_centre, m_factor); });
+  ent.setHatchScale(ent.getHatchScale() * std::fabs(m_factor));
+  if (isHalfTurned()) ent.setHatchRotate(ARC_3D::normal(ent.getHatchRotate() + std::numbers::pi));
+}
+
+void CEntScaleVisitor::visit(CEnt3DFace& ent) {
+  for (long i = 0; i < 4; ++i) ent.getVertex(i).scale(m_centre, m_factor);
+  ent.calcBdry();
+}

@@ -1,0 +1,168 @@
+#include "vek0core/entities/edit/joinents.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <unordered_map>
+
+#include "entities/edit/openchain.h"
+#include "geometry/pointgrid.h"
+#include "vek0core/entities/ent.h"
+#include "vek0core/entities/entfactory.h"
+#include "vek0core/tables/layer.h"
+
+namespace {
+
+using vek0::detail::OpenChain;
+using vek0::detail::PointGrid;
+
+constexpr double kShare = 1e-9;
+constexpr double kFinest = 1e-12;  // fraction of the extents, only for the size of cells
+constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+bool isFine(const PNT_3D& p) {
+  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+struct Part {
+  const CEnt* ent;
+  PNT_3D start, end;
+};
+
+double sizeOf(const std::vector<Part>& parts, PNT_2D& lowest) {
+  RECT_3D box;
+  box.initRegion();
+  for (const Part& part : parts) {
+    box.updateRegion(part.start);
+    box.updateRegion(part.end);
+  }
+  lowest.set(box.min.x, box.min.y);
+  return std::max({box.max.x - box.min.x, box.max.y - box.min.y, box.max.z - box.min.z});
+}
+
+// Groups of entities that may be joined, in order of their first members.
+std::vector<std::vector<const CEnt*>> groupsOf(const std::vector<CEnt*>& ents, JOIN_LAYERS layers) {
+  std::vector<std::vector<const CEnt*>> groups;
+  std::unordered_map<const CLayer*, std::size_t> places;
+  for (const CEnt* ent : ents) {
+    if (!ent) continue;
+    const CLayer* layer = ent->getLayer();
+    const bool isShown = !layer || !(layer->isFrozen() || layer->isOff());
+    if (layers == JOIN_LAYERS::together && isShown) layer = nullptr;
+    const auto [place, isNew] = places.try_emplace(layer, groups.size());
+    if (isNew) groups.emplace_back();
+    groups[place->second].push_back(ent);
+  }
+  return groups;
+}
+
+// End 2 * i is the start of part i, 2 * i + 1 its end.
+class Joiner {
+ public:
+  Joiner(const std::vector<const CEnt*>& ents, double tolerance) : m_tolerance(tolerance) {
+    OpenChain chain;
+    for (const CEnt* ent : ents) {
+      if (!chain.take(*ent, tolerance)) continue;
+      if (isFine(chain.start()) && isFine(chain.end()))
+        m_parts.push_back({ent, chain.start(), chain.end()});
+    }
+    m_isUsed.assign(m_parts.size(), false);
+  }
+
+  void run(IHandleGestor& gestor, CEntFactory& factory, std::vector<JOINED_ENT>& joined) {
+    if (m_parts.empty() || m_parts.size() > std::numeric_limits<std::uint32_t>::max() / 4) return;
+    PNT_2D lowest(0, 0);
+    const double size = sizeOf(m_parts, lowest);
+    PointGrid ends(std::max({m_tolerance, kFinest * size, std::numeric_limits<double>::min()}),
+                   lowest);
+    // The last one added is found first, so the earliest entities are added last.
+    for (std::size_t i = m_parts.size(); i-- > 0;) {
+      ends.add(m_parts[i].end, static_cast<std::uint32_t>(2 * i + 1));
+      ends.add(m_parts[i].start, static_cast<std::uint32_t>(2 * i));
+    }
+    for (std::size_t i = 0; i < m_parts.size(); ++i) {
+      if (m_isUsed[i]) continue;
+      JOINED_ENT made = joinFrom(i, ends, gestor, factory);
+      if (made.polyline) joined.push_back(std::move(made));
+    }
+  }
+
+ private:
+  JOINED_ENT joinFrom(std::size_t first, PointGrid& ends, IHandleGestor& gestor,
+                      CEntFactory& factory) {
+    OpenChain chain, next;
+    std::vector<const CEnt*> onwards, backwards;
+    use(first, chain, onwards);
+    bool isClosed = false;
+    for (std::size_t end; !isClosed && (end = nearestEnd(ends, chain.end())) != kNone;) {
+      use(end / 2, next, onwards);
+      end % 2 == 0 ? chain.append(next) : chain.appendReversed(next);
+      isClosed = chain.close(m_tolerance);
+    }
+    for (std::size_t end; !isClosed && (end = nearestEnd(ends, chain.start())) != kNone;) {
+      use(end / 2, next, backwards);
+      end % 2 == 1 ? chain.prepend(next) : chain.prependReversed(next);
+      isClosed = chain.close(m_tolerance);
+    }
+    JOINED_ENT made;
+    if (onwards.size() + backwards.size() < 2) return made;
+    const CEnt& like = *m_parts[first].ent;
+    const short flags = isClosed ? CEntPolyline::kClosed : short{0};
+    made.polyline.reset(factory.createEntPolyline(gestor, like.getLayer(), like.getLtype(),
+                                                  like.getColor(), flags, 0, 0));
+    if (!made.polyline) return made;
+    made.polyline->setUserInfo(like.getUserType(), like.getUserData());
+    chain.write(gestor, factory, *made.polyline);
+    made.parts.assign(backwards.rbegin(), backwards.rend());
+    made.parts.insert(made.parts.end(), onwards.begin(), onwards.end());
+    return made;
+  }
+
+  void use(std::size_t i, OpenChain& chain, std::vector<const CEnt*>& parts) {
+    m_isUsed[i] = true;
+    chain.take(*m_parts[i].ent, m_tolerance);
+    parts.push_back(m_parts[i].ent);
+  }
+
+  std::size_t nearestEnd(PointGrid& ends, const PNT_3D& p) {
+    std::size_t best = kNone;
+    double least = m_tolerance;
+    ends.find(
+        p, [this](std::uint32_t end) { return !m_isUsed[end / 2]; },
+        [&](std::uint32_t end) {
+          const Part& part = m_parts[end / 2];
+          const double off = p.dist(end % 2 == 0 ? part.start : part.end);
+          if (off > least || (off == least && end > best)) return;
+          least = off;
+          best = end;
+        });
+    return best;
+  }
+
+  double m_tolerance;
+  std::vector<Part> m_parts;
+  std::vector<bool> m_isUsed;
+};
+
+}  // namespace
+
+double joinTolerance(const std::vector<CEnt*>& ents) {
+  RECT_3D box;
+  box.initRegion();
+  for (const CEnt* ent : ents)
+    if (ent) box.updateRegion(ent->getBdry());
+  if (!box.validRegion()) return 0;
+  const PNT_3D sides = box.max - box.min;
+  return kShare * std::max({sides.x, sides.y, sides.z});
+}
+
+std::vector<JOINED_ENT> joinEnts(IHandleGestor& gestor, CEntFactory& factory,
+                                 const std::vector<CEnt*>& ents, double tolerance,
+                                 JOIN_LAYERS layers) {
+  std::vector<JOINED_ENT> joined;
+  if (!(tolerance >= 0) || !std::isfinite(tolerance)) return joined;
+  for (const std::vector<const CEnt*>& group : groupsOf(ents, layers))
+    Joiner(group, tolerance).run(gestor, factory, joined);
+  return joined;
+}

@@ -1,0 +1,388 @@
+#include "vek0core/dxf/in/filedxfilexer.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <random>
+#include <string>
+#include <utility>
+
+#include "vek0core/dxf/in/filedxfierror.h"
+#include "vek0core/files/filememory.h"
+#include "vek0core/files/report.h"
+
+namespace {
+
+using Error = CFileDXFIError;
+using std::string_literals::operator""s;
+
+constexpr unsigned kSeed = 20240607;
+
+// The same bytes for a reader that is only offered lines.
+class LinesFile : public CFileMemory {
+ public:
+  using CFileMemory::CFileMemory;
+  long readBytes(char*, long) override { return -1; }
+};
+
+// Fails at the n-th read and at every later one.
+class FailingFile : public CFileMemory {
+ public:
+  FailingFile(std::string bytes, long failsAt, bool offersBytes)
+      : CFileMemory(u"failing", kRead, std::move(bytes)),
+        m_left(failsAt),
+        m_offersBytes(offersBytes) {}
+  long readBytes(char* buf, long n) override {
+    if (!m_offersBytes) return -1;
+    constexpr long kPortion = 7;  // so that there is more than one read
+    return --m_left > 0 ? CFileMemory::readBytes(buf, std::min(n, kPortion)) : 0;
+  }
+  bool readLn(zim::Char* buf, long n) override {
+    return --m_left > 0 ? CFileMemory::readLn(buf, n) : true;
+  }
+  bool fail() override { return m_left <= 0; }
+
+ private:
+  long m_left;
+  bool m_offersBytes;
+};
+
+// A lexer over a text in memory, by bytes or by lines.
+struct Reader {
+  explicit Reader(const std::string& text, bool byBytes = true)
+      : file(byBytes ? std::make_unique<CFileMemory>(u"m", 1, text)
+                     : std::make_unique<LinesFile>(u"m", 1, text)),
+        lexer(*file, &error) {
+    lexer.setReport(&report);
+    file->open();
+  }
+  std::unique_ptr<CFileMemory> file;
+  Error error;
+  CFileReport report;
+  CFileDXFILexer lexer;
+};
+
+std::string utf8(const SmartString& text) { return zim::WString(text.c_str()).toUtf8(); }
+
+// Everything that a lexer can tell about a text, a line a pair.
+std::string transcript(const std::string& text, bool byBytes) {
+  Reader reader(text, byBytes);
+  CFileDXFILexer& lexer = reader.lexer;
+  std::string out;
+  while (!reader.error.HasAnError()) {
+    const long code = lexer.read();
+    const std::string value = utf8(lexer.getString());
+    out += std::to_string(code) + '/' + std::to_string(lexer.getGroupValue()) + " [" + value +
+           "] [" + lexer.getText().toUtf8() + "] line " + std::to_string(lexer.getLine()) + '\n';
+  }
+  return out + "error " + std::to_string(reader.error.GetErrorType()) + " cut " +
+         std::to_string(reader.report.count("line cut"));
+}
+
+TEST(DxfLexer, FirstPairs) {
+  const struct {
+    const char* name;
+    std::string text;
+    long code;
+    const char* value;
+    long line;
+  } cases[] = {
+      {"plain", "0\nSECTION\n", 0, "SECTION", 2},
+      {"two blanks and a zero", "  0\nSECTION\n", 0, "SECTION", 2},
+      {"junk behind the code", "10abc\n1.5\n", 10, "1.5", 2},
+      {"blanks for a code", "   \nx\n", 0, "x", 2},
+      {"tab before the code", "\t8\nx\n", 8, "x", 2},
+      {"negative code", "-5\nx\n", -5, "x", 2},
+      {"code beyond 32 bits", "99999999999\nx\n", 2147483647, "x", 2},
+      {"code with five digits", "10000\nx\n", 10000, "x", 2},
+      {"trailing blank, tab, ends", "0\r\nLINE \t\r\n", 0, "LINE", 2},
+      {"leading blank is kept", "0\n LINE\n", 0, " LINE", 2},
+      {"empty value", "1\n\n", 1, "", 2},
+      {"comment before it", "999\nhi\n999\n\n0\nEOF\n", 0, "EOF", 6},
+      {"no end at the end", "0\nEOF", 0, "EOF", 2},
+      {"old line ends", "0\rLINE\r", 0, "LINE", 2},
+      {"marked utf-8", "\357\273\2771\n\xC3\xA9\n", 1, "\xC3\xA9", 2},
+      {"western", "1\n\xE9\n", 1, "\xC3\xA9", 2},
+  };
+  for (const auto& t : cases) {
+    for (const bool byBytes : {true, false}) {
+      SCOPED_TRACE(testing::Message() << t.name << (byBytes ? ", bytes" : ", lines"));
+      Reader reader(t.text, byBytes);
+      EXPECT_EQ(reader.lexer.read(), t.code);
+      EXPECT_EQ(reader.lexer.getGroupValue(), t.code);
+      EXPECT_EQ(utf8(reader.lexer.getString()), t.value);
+      EXPECT_EQ(reader.lexer.getLine(), t.line);
+      EXPECT_FALSE(reader.error.HasAnError());
+    }
+  }
+}
+
+TEST(DxfLexer, ErrorsOfStructure) {
+  const struct {
+    const char* name;
+    std::string text;
+    int kind;
+    long line;  // lines read until then
+  } cases[] = {
+      {"empty code line", "\nx\n", 5, 0},
+      {"empty with cr", "\r\nx\n", 5, 0},
+      {"empty after a pair", "0\nLINE\n\n8\n", 5, 2},
+      {"empty file", "", 13, 0},
+      {"end after a pair", "0\nLINE\n", 13, 2},
+      {"end after a code", "0\nLINE\n8\n", 13, 3},
+      {"end after a comment", "999\nx\n", 13, 2},
+      {"ctrl-z before the end", "0\nLINE\n\032\n0\n", 13, 2},
+  };
+  for (const auto& t : cases) {
+    for (const bool byBytes : {true, false}) {
+      SCOPED_TRACE(testing::Message() << t.name << (byBytes ? ", bytes" : ", lines"));
+      Reader reader(t.text, byBytes);
+      long code = 0;
+      for (int i = 0; i < 9 && !reader.error.HasAnError(); ++i) code = reader.lexer.read();
+      EXPECT_EQ(code, -1);
+      EXPECT_EQ(reader.error.GetErrorType(), t.kind);
+      EXPECT_EQ(reader.lexer.getLine(), t.line);
+    }
+  }
+}
+
+TEST(DxfLexer, AskingBeyondTheEndGoesOnFailing) {
+  Reader reader("0\nEOF\n");
+  EXPECT_EQ(reader.lexer.read(), 0);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(reader.lexer.read(), -1);
+  EXPECT_EQ(reader.error.GetErrorType(), 13);
+  EXPECT_TRUE(reader.lexer.getBytes().empty());
+  EXPECT_EQ(utf8(reader.lexer.getString()), "");
+  EXPECT_EQ(reader.lexer.getLine(), 2);
+}
+
+TEST(DxfLexer, NumbersOfAValue) {
+  const struct {
+    const char* name;
+    const char* value;
+    int realError;  // that reading it as a real number gives
+    double real;
+    long whole;
+    long hex;
+  } cases[] = {
+      {"whole", "26", 0, 26, 26, 0x26},
+      {"hex upper", "1A", 0, 1, 1, 26},
+      {"hex lower", "1a", 0, 1, 1, 26},
+      {"exponent", "1e2", 0, 100, 1, 0x1e2},
+      {"junk behind", "2.5g", 0, 2.5, 2, ((2 * 16 - 2) * 16 + 5) * 16 + 16},
+      {"empty", "", 6, 0, -1, -1},
+      {"not a number", "nan", 15, 0, 0, (23 * 16 + 10) * 16 + 23},
+      {"printed so", "1.#F", 15, 0, 1, ((16 - 2) * 16 - 13) * 16 + 15},
+      {"beyond range", "1e999", 15, 0, 1, 0x1e999},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    Reader reader(std::string("40\n") + t.value + "\n");
+    reader.lexer.read();
+    EXPECT_EQ(reader.lexer.getDouble(), t.real);
+    EXPECT_EQ(reader.error.GetErrorType(), t.realError);
+    const bool isMissing = t.realError == 6;
+    reader.error.SetError(Error::NoError);
+    EXPECT_EQ(reader.lexer.getInt(), t.whole);
+    EXPECT_EQ(reader.error.HasAnError(), isMissing);
+    reader.error.SetError(Error::NoError);
+    EXPECT_EQ(reader.lexer.getHex(), t.hex);
+    EXPECT_EQ(reader.error.HasAnError(), isMissing);
+  }
+}
+
+TEST(DxfLexer, WholeNumbersStayWithin32Bits) {
+  Reader reader("70\n99999999999\n70\n-99999999999\n");
+  reader.lexer.read();
+  EXPECT_EQ(reader.lexer.getInt(), 2147483647);
+  reader.lexer.read();
+  EXPECT_EQ(reader.lexer.getInt(), -2147483647 - 1);
+}
+
+TEST(DxfLexer, KeywordsIgnoreCaseAndNothingElse) {
+  Reader reader("0\nLine\n");
+  reader.lexer.read();
+  EXPECT_TRUE(reader.lexer.isKeyword("LINE"));
+  EXPECT_FALSE(reader.lexer.isKeyword("LIN"));
+  EXPECT_FALSE(reader.lexer.isKeyword("LINES"));
+  EXPECT_TRUE(reader.lexer.getString().equal_cs(u"line"));
+  EXPECT_EQ(reader.lexer.getBytes(), "Line");
+}
+
+TEST(DxfLexer, TextsAreFreedOfEscapesAndStringsAreNot) {
+  for (const bool byBytes : {true, false}) {
+    Reader reader("1\n\\U+2205 5^J^ 2\xE9\n", byBytes);
+    reader.lexer.read();
+    EXPECT_EQ(utf8(reader.lexer.getString()), "\\U+2205 5^J^ 2\xC3\xA9");
+    EXPECT_EQ(reader.lexer.getText(), zim::WString(u"\u2205 5\n^2\u00E9"));
+  }
+}
+
+TEST(DxfLexer, TheHeadersCodePageHoldsUnlessThereIsAMark) {
+  const struct {
+    const char* name;
+    std::string text;
+    bool byBytes;
+    const char* value;
+    const char* encoding;
+  } cases[] = {
+      {"declared", "1\n\x9D\n", true, "\xC3\x98", "ibm850"},
+      {"marked utf-8", "\357\273\2771\n\xC3\x98\n", true, "\xC3\x98", "utf-8"},
+      {"marked utf-16", "\xFF\xFE\x31\0\n\0\xD8\0\n\0"s, true, "\xC3\x98", "utf-16le"},
+      {"read by lines", "1\n\xC3\x98\n", false, "\xC3\x98", "utf-16"},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    Reader reader("", t.byBytes);
+    *reader.file = CFileMemory(u"m", 1, t.text);
+    reader.file->open();
+    ASSERT_EQ(reader.lexer.read(), 1);
+    reader.lexer.setCodePage(850);
+    EXPECT_EQ(utf8(reader.lexer.getString()), t.value);
+    EXPECT_EQ(reader.lexer.getEncodingName(), t.encoding);
+  }
+}
+
+// The line at the limit is whole, the next one is cut; both leave the pairs in step.
+TEST(DxfLexer, LongLinesAreCutAndReported) {
+  constexpr long kMost = CFileDXFILexer::kBufferUnits - 1;
+  const struct {
+    const char* name;
+    std::string value;
+    long units;
+    long cuts;
+  } cases[] = {
+      {"at the limit", std::string(8191, 'a'), kMost, 0},
+      {"line end across it", std::string(8190, 'a'), kMost - 1, 0},
+      {"one more", std::string(8192, 'a'), kMost, 1},
+      {"one more is a blank", std::string(8191, 'a') + " ", kMost, 0},
+      {"blanks far beyond", "a" + std::string(20000, ' '), 1, 0},
+      {"blanks at the limit", "a" + std::string(8190, ' ') + "b", 1, 1},
+      {"longer than a block", std::string(600000, 'a'), kMost, 1},
+      {"pair at the limit", std::string(8190, 'a') + "\xF0\x9F\x98\x80", kMost - 1, 1},
+  };
+  for (const auto& t : cases) {
+    for (const bool byBytes : {true, false}) {
+      SCOPED_TRACE(testing::Message() << t.name << (byBytes ? ", bytes" : ", lines"));
+      Reader reader("1\n" + t.value + "\r\n0" + std::string(20000, ' ') + "\r\nEOF\n", byBytes);
+      EXPECT_EQ(reader.lexer.read(), 1);
+      EXPECT_EQ(reader.lexer.getString().size(), static_cast<std::size_t>(t.units));
+      EXPECT_EQ(reader.lexer.getText().Length(), static_cast<std::size_t>(t.units));
+      EXPECT_EQ(reader.report.count("line cut"), t.cuts);
+      EXPECT_EQ(reader.lexer.read(), 0);
+      EXPECT_TRUE(reader.lexer.isKeyword("EOF"));
+      EXPECT_EQ(reader.lexer.getLine(), 4);
+    }
+  }
+}
+
+TEST(DxfLexer, BytesAndLinesGiveTheSamePairs) {
+  std::mt19937_64 random(kSeed);
+  const char* const parts[] = {
+      "0",   "  0",      "10",    "999",      "LINE", " ",  "\t",
+      "1.5", "\xC3\xA9", "\xE9",  "\\U+2205", "^J",   "^ ", "\xF0\x9F\x98\x80",
+      "-1",  "EOF",      "1e400", "\r",       ""};
+  const char* const ends[] = {"\n", "\n", "\n", "\r\n", "\r\n", "\r", "\r\r\n"};
+  for (int round = 0; round < 3000; ++round) {
+    std::string text = random() % 8 ? "" : "\xEF\xBB\xBF";
+    for (auto lines = random() % 20; lines > 0; --lines) {
+      if (random() % 64 == 0) {
+        text += std::string(8180 + random() % 20, random() % 2 ? 'a' : ' ');
+      } else {
+        for (auto n = random() % 4; n > 0; --n) text += parts[random() % std::size(parts)];
+      }
+      text += ends[random() % std::size(ends)];
+    }
+    ASSERT_EQ(transcript(text, true), transcript(text, false))
+        << "seed " << kSeed << " round " << round;
+  }
+}
+
+TEST(DxfLexer, ManyPairsOverManyBlocks) {
+  std::string text;
+  constexpr int kPairs = 100000;
+  for (int i = 0; i < kPairs; ++i) {
+    text +=
+        (i % 3 ? " 10" : "1071") + std::string(i % 2 ? "\r\n" : "\n") + std::to_string(i) + "\n";
+  }
+  Reader reader(text);
+  for (int i = 0; i < kPairs; ++i) {
+    ASSERT_EQ(reader.lexer.read(), i % 3 ? 10 : 1071);
+    ASSERT_EQ(reader.lexer.getInt(), i);
+  }
+  EXPECT_EQ(reader.lexer.getLine(), 2 * kPairs);
+}
+
+// Whatever read fails first: an error 13, and the pairs before it as in the file.
+TEST(DxfLexer, EveryFailingReadIsAnError) {
+  std::string text;
+  for (int i = 0; i < 40; ++i) text += "10\n" + std::to_string(1000 + i) + "\n";
+  text += "0\nEOF\n";
+  for (const bool byBytes : {true, false}) {
+    for (long failsAt = 1; failsAt < 200; ++failsAt) {
+      SCOPED_TRACE(testing::Message() << "read " << failsAt << (byBytes ? ", bytes" : ", lines"));
+      FailingFile file(text, failsAt, byBytes);
+      file.open();
+      Error error;
+      CFileDXFILexer lexer(file, &error);
+      long pairs = 0;
+      while (lexer.read() == 10) ASSERT_EQ(lexer.getInt(), 1000 + pairs++);
+      if (error.HasAnError()) {
+        EXPECT_EQ(error.GetErrorType(), 13);
+      } else {
+        EXPECT_EQ(pairs, 40);
+      }
+    }
+  }
+}
+
+TEST(DxfLexer, AFileThatIsNotOpenIsAnError) {
+  for (const bool byBytes : {true, false}) {
+    Reader reader("0\nEOF\n", byBytes);
+    reader.file->close();
+    EXPECT_EQ(reader.lexer.read(), -1);
+    EXPECT_EQ(reader.error.GetErrorType(), 13);
+  }
+}
+
+TEST(DxfLexer, WithoutARecordItStillStops) {
+  CFileMemory file(u"m", 1, "0\nLINE\n");
+  file.open();
+  CFileDXFILexer lexer(file, nullptr);
+  EXPECT_EQ(lexer.read(), 0);
+  EXPECT_EQ(lexer.read(), -1);
+}
+
+TEST(DxfLexer, CopiesKeepTheirPairsAndShareTheFile) {
+  for (const bool byBytes : {true, false}) {
+    SCOPED_TRACE(byBytes ? "bytes" : "lines");
+    std::string text = "8\nfirst\n8\nsecond\n8\n" + std::string(1000, 'x') + "\n8\nlast\n";
+    Reader reader(text, byBytes);
+    reader.lexer.read();
+    const SmartString before = reader.lexer.getString();
+    auto copy = std::make_unique<CFileDXFILexer>(reader.lexer);
+    EXPECT_NE(copy->getString().c_str(), before.c_str()) << "a buffer of its own";
+    EXPECT_EQ(utf8(copy->getString()), "first");
+    EXPECT_EQ(copy->read(), 8);
+    EXPECT_EQ(copy->getBytes(), "second");
+    EXPECT_EQ(reader.lexer.getBytes(), "first");
+    EXPECT_EQ(utf8(reader.lexer.getString()), "first");
+    EXPECT_EQ(reader.lexer.read(), 8);
+    EXPECT_EQ(reader.lexer.getBytes().size(), 1000u);
+    EXPECT_EQ(copy->getBytes(), "second");
+    copy.reset();
+    EXPECT_EQ(reader.lexer.read(), 8);
+    EXPECT_EQ(reader.lexer.getBytes(), "last");
+  }
+}
+
+TEST(DxfLexer, BeforeTheFirstPairThereIsNothing) {
+  Reader reader("0\nEOF\n");
+  EXPECT_EQ(utf8(reader.lexer.getString()), "");
+  EXPECT_TRUE(reader.lexer.getText().empty());
+  EXPECT_EQ(reader.lexer.getLine(), 0);
+}
+
+}  // namespace

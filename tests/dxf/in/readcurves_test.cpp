@@ -1,0 +1,371 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "dxf/in/convert/curvereaders.h"
+#include "dxf/in/convert/dimstyles.h"
+#include "support/dxftext.h"
+#include "vek0core/dxf/in/parse/filedxfiloaddatasemantor.h"
+#include "vek0core/entities/entcast.h"
+#include "vek0core/entities/entpolyline.h"
+
+using namespace vek0::test;
+
+namespace {
+
+constexpr double kPi = 3.14159265358979;
+
+Loaded loadCurve(const std::string& list, double chordError = 1e-4) {
+  CFileDXFIPolicy policy = CFileDXFIPolicy::forAnyFile();
+  policy.chordError = chordError;
+  return loadText(entitiesOf("AC1015", list), policy);
+}
+
+std::vector<PNT_3D> pointsOf(const CEntPolyline& polyline) {
+  std::vector<PNT_3D> points;
+  for (int i = 0; i < polyline.getNoTotalVertexes(); ++i)
+    points.push_back(polyline.GetVertexPos(i));
+  return points;
+}
+
+// Both ends of every chord and its middle, the closing one included.
+template <class Check>
+void forEachChord(const CEntPolyline& polyline, const Check& check) {
+  const std::vector<PNT_3D> points = pointsOf(polyline);
+  for (std::size_t i = 0; i + (polyline.isClosed() ? 0 : 1) < points.size(); ++i) {
+    const PNT_3D& p = points[i];
+    const PNT_3D& q = points[(i + 1) % points.size()];
+    check(p, PNT_3D((p.x + q.x) / 2, (p.y + q.y) / 2, (p.z + q.z) / 2));
+  }
+}
+
+void expectNear(const PNT_3D& got, const PNT_3D& want, double tolerance) {
+  EXPECT_NEAR(got.x, want.x, tolerance);
+  EXPECT_NEAR(got.y, want.y, tolerance);
+  EXPECT_NEAR(got.z, want.z, tolerance);
+}
+
+const std::string kSpline = "0 SPLINE|8 0|100 AcDbSpline|70 8|71 3|";
+const std::string kClamped = "40 0|40 0|40 0|40 0|40 1|40 1|40 1|40 1|";
+const std::string kControls = "10 0|20 0|30 0|10 0|20 4|30 1|10 4|20 4|30 2|10 4|20 0|30 3";
+const std::string kFits = "11 0|21 0|31 0|11 4|21 3|31 1|11 8|21 0|31 2";
+
+}  // namespace
+
+TEST(ReadCurves, EllipsesBecomeChains) {
+  const struct {
+    const char* name;
+    std::string pairs;
+    PNT_3D center, major, minor, first, last;
+    bool closed;
+  } cases[] = {
+      {"full",
+       "10 1|20 2|30 3|11 4|21 0|31 0|40 0.5|41 0|42 6.283185307179586",
+       {1, 2, 3},
+       {4, 0, 0},
+       {0, 2, 0},
+       {5, 2, 3},
+       {},
+       true},
+      {"without parameters",
+       "10 1|20 2|11 4|21 0|40 0.5",
+       {1, 2, 0},
+       {4, 0, 0},
+       {0, 2, 0},
+       {5, 2, 0},
+       {},
+       true},
+      {"quarter",
+       "10 0|20 0|11 0|21 4|40 0.25|41 0|42 1.5707963267948966",
+       {0, 0, 0},
+       {0, 4, 0},
+       {-1, 0, 0},
+       {0, 4, 0},
+       {-1, 0, 0},
+       false},
+      {"through the seam",
+       "10 0|20 0|11 4|21 0|40 0.5|41 4.71238898038469|42 7.853981633974483",
+       {0, 0, 0},
+       {4, 0, 0},
+       {0, 2, 0},
+       {0, -2, 0},
+       {0, 2, 0},
+       false},
+      {"seen from below",
+       "10 0|20 0|11 4|21 0|40 0.5|41 0|42 1.5707963267948966|210 0|220 0|230 -1",
+       {0, 0, 0},
+       {4, 0, 0},
+       {0, -2, 0},
+       {4, 0, 0},
+       {0, -2, 0},
+       false},
+      {"negative ratio",
+       "10 0|20 0|11 4|21 0|40 -0.5|41 0|42 1.5707963267948966",
+       {0, 0, 0},
+       {4, 0, 0},
+       {0, -2, 0},
+       {4, 0, 0},
+       {0, -2, 0},
+       false},
+      {"upright",
+       "10 5|20 0|11 2|21 0|40 0.5|41 0|42 1.5707963267948966|210 0|220 -3|230 0",
+       {5, 0, 0},
+       {2, 0, 0},
+       {0, 0, 1},
+       {7, 0, 0},
+       {5, 0, 1},
+       false},
+      {"no normal",
+       "10 0|20 0|11 4|21 0|40 0.5|41 0|42 1.5707963267948966|210 0|220 0|230 0",
+       {0, 0, 0},
+       {4, 0, 0},
+       {0, 2, 0},
+       {4, 0, 0},
+       {0, 2, 0},
+       false},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const Loaded got = loadCurve("0 ELLIPSE|8 0|" + t.pairs);
+    const CEntPolyline* polyline = castPolyline(got.only());
+    ASSERT_NE(polyline, nullptr) << got.error.GetErrorLine();
+    EXPECT_EQ(polyline->isClosed(), t.closed);
+    const std::vector<PNT_3D> points = pointsOf(*polyline);
+    expectNear(points.front(), t.first, 1e-9);
+    if (t.closed)
+      EXPECT_GT(points.front().dist(points.back()), 0.01) << "the start is not repeated";
+    else
+      expectNear(points.back(), t.last, 1e-9);
+    // In the ellipse's own frame it is the unit circle.
+    const auto radius = [&](const PNT_3D& p) {
+      const PNT_3D d = p - t.center;
+      const auto part = [&](const PNT_3D& a) {
+        return (d.x * a.x + d.y * a.y + d.z * a.z) / (a.x * a.x + a.y * a.y + a.z * a.z);
+      };
+      return std::hypot(part(t.major), part(t.minor));
+    };
+    forEachChord(*polyline, [&](const PNT_3D& vertex, const PNT_3D& middle) {
+      EXPECT_NEAR(radius(vertex), 1, 1e-9);
+      EXPECT_GT(radius(middle), 1 - 1.001e-4);
+    });
+    EXPECT_EQ(got.report.count("kind replaced"), 1);
+  }
+}
+
+TEST(ReadCurves, SplinesBecomeChains) {
+  const Loaded got = loadCurve(kSpline + kClamped + kControls);
+  const CEntPolyline* polyline = castPolyline(got.only());
+  ASSERT_NE(polyline, nullptr) << got.error.GetErrorLine();
+  EXPECT_FALSE(polyline->isClosed());
+  const std::vector<PNT_3D> points = pointsOf(*polyline);
+  EXPECT_EQ(points.front(), PNT_3D(0, 0, 0));
+  EXPECT_EQ(points.back(), PNT_3D(4, 0, 3));
+  // z of these controls is three times the parameter.
+  for (const PNT_3D& p : points) {
+    const double t = p.z / 3;
+    EXPECT_NEAR(p.x, 12 * t * t * (1 - t) + 4 * t * t * t, 1e-9);
+    EXPECT_NEAR(p.y, 12 * t * (1 - t), 1e-9);
+  }
+  EXPECT_GT(points.size(), 8u);
+}
+
+// Four rational arcs make an exact circle.
+TEST(ReadCurves, ClosedRationalSpline) {
+  const std::string w = "0.7071067811865476";
+  const std::string circle =
+      "0 SPLINE|8 0|70 5|71 2|40 0|40 0|40 0|40 1|40 1|40 2|40 2|40 3|40 3|40 4|40 4|40 4|"
+      "41 1|41 " +
+      w + "|41 1|41 " + w + "|41 1|41 " + w + "|41 1|41 " + w +
+      "|41 1|"
+      "10 2|20 0|10 2|20 2|10 0|20 2|10 -2|20 2|10 -2|20 0|10 -2|20 -2|10 0|20 -2|10 2|20 -2|"
+      "10 2|20 0";
+  const Loaded got = loadCurve(circle);
+  const CEntPolyline* polyline = castPolyline(got.only());
+  ASSERT_NE(polyline, nullptr) << got.error.GetErrorLine();
+  EXPECT_TRUE(polyline->isClosed());
+  double length = 0;
+  forEachChord(*polyline, [&](const PNT_3D& vertex, const PNT_3D& middle) {
+    EXPECT_NEAR(std::hypot(vertex.x, vertex.y), 2, 1e-9);
+    EXPECT_GT(std::hypot(middle.x, middle.y), 2 * (1 - 1.001e-4));
+    length += 2 * vertex.dist(middle);
+  });
+  EXPECT_NEAR(length, 4 * kPi, 0.01);
+  EXPECT_EQ(got.report.count("weights ignored"), 0);
+}
+
+TEST(ReadCurves, WhatASplineLacks) {
+  const struct {
+    const char* name;
+    std::string pairs;
+    const char* note;
+    std::size_t fewest, most;
+  } cases[] = {
+      {"complete", kClamped + kControls, "", 8, 999},
+      {"no knots", kControls, "curve as frame", 4, 4},
+      {"knots that fall", "40 1|40 0|40 0|40 0|40 1|40 1|40 1|40 1|" + kControls, "curve as frame",
+       4, 4},
+      {"a degree too high", "71 9|" + kClamped + kControls, "curve as frame", 4, 4},
+      {"a degree below 0", "71 -2147483648|" + kClamped + kControls, "curve as frame", 4, 4},
+      {"a weight missing", kClamped + "41 1|41 2|41 1|" + kControls, "weights ignored", 8, 999},
+      {"a weight of 0", kClamped + "41 1|41 0|41 1|41 1|" + kControls, "weights ignored", 8, 999},
+      {"controls", kFits, "", 8, 999},
+      {"all but one control", "10 5|20 5|" + kFits, "", 8, 999},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const Loaded got = loadCurve(kSpline + t.pairs);
+    const CEntPolyline* polyline = castPolyline(got.only());
+    ASSERT_NE(polyline, nullptr) << got.error.GetErrorLine();
+    const std::size_t points = pointsOf(*polyline).size();
+    EXPECT_GE(points, t.fewest);
+    EXPECT_LE(points, t.most);
+    for (const char* note : {"curve as frame", "weights ignored"})
+      EXPECT_EQ(got.report.count(note), std::string(note) == t.note);
+  }
+}
+
+TEST(ReadCurves, FitPointsAreOnTheCurve) {
+  const struct {
+    const char* name;
+    std::string pairs;
+    PNT_2D start, end;  // directions
+    bool closed;
+  } cases[] = {
+      {"tangents", kFits + "|12 0|22 1|32 0|13 0|23 -2|33 0", {0, 1}, {0, -1}, false},
+      {"closed",
+       "70 1|" + kFits + "|11 0|21 0|31 0|12 0|22 1|32 0|13 0|23 1|33 0",
+       {0, 1},
+       {0, 1},
+       true},
+      {"closed, the first not repeated", "70 2|" + kFits, {-0.8, 0.6}, {-0.8, 0.6}, true},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const Loaded got = loadCurve(kSpline + t.pairs, 1e-6);
+    const CEntPolyline* polyline = castPolyline(got.only());
+    ASSERT_NE(polyline, nullptr) << got.error.GetErrorLine();
+    EXPECT_EQ(polyline->isClosed(), t.closed);
+    std::vector<PNT_3D> points = pointsOf(*polyline);
+    for (const PNT_3D& through : {PNT_3D(0, 0, 0), PNT_3D(4, 3, 1), PNT_3D(8, 0, 2)}) {
+      double nearest = 1;
+      for (const PNT_3D& p : points) nearest = std::min(nearest, p.dist(through));
+      EXPECT_LT(nearest, 1e-9);
+    }
+    if (t.closed) points.push_back(points.front());
+    const std::size_t last = points.size() - 1;
+    const PNT_2D leaving = points[1] - points[0], arriving = points[last] - points[last - 1];
+    EXPECT_GT(leaving.x * t.start.x + leaving.y * t.start.y, 0.99 * leaving.dist(0, 0));
+    EXPECT_GT(arriving.x * t.end.x + arriving.y * t.end.y, 0.99 * arriving.dist(0, 0));
+  }
+}
+
+TEST(ReadCurves, AHelixIsItsSpline) {
+  const std::string spline = kClamped + kControls;
+  const std::string axis =
+      "|100 AcDbHelix|10 99|20 99|30 99|11 98|21 98|12 0|22 0|32 1|40 7|41 3|42 9";
+  const Loaded got = loadCurve("0 HELIX|8 0|100 AcDbSpline|70 8|71 3|" + spline + axis);
+  const Loaded same = loadCurve(kSpline + spline);
+  ASSERT_NE(castPolyline(got.only()), nullptr) << got.error.GetErrorLine();
+  EXPECT_EQ(pointsOf(*castPolyline(got.only())), pointsOf(*castPolyline(same.only())));
+  EXPECT_EQ(got.report.count("weights ignored"), 0);
+}
+
+TEST(ReadCurves, Leaders) {
+  const std::string path = "10 0|20 0|30 1|10 4|20 3|30 1|10 8|20 0|30 1";
+  const struct {
+    const char* name;
+    std::string pairs;
+    bool curved, arrow;
+  } cases[] = {
+      {"straight", "71 0|72 0|" + path, false, false},
+      {"arrow head", "71 1|72 0|" + path, false, true},
+      {"arrow head by itself", path, false, true},
+      {"curved", "71 0|72 1|" + path, true, false},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const Loaded got = loadCurve("0 LEADER|8 0|3 STANDARD|" + t.pairs);
+    const auto& entities = got.data->getEntTable().getEntityTbl();
+    ASSERT_EQ(entities.size(), 1u + t.arrow) << got.error.GetErrorLine();
+    const CEntPolyline* polyline = castPolyline(entities.front());
+    ASSERT_NE(polyline, nullptr);
+    const std::vector<PNT_3D> points = pointsOf(*polyline);
+    EXPECT_EQ(points.size() > 3, t.curved);
+    expectNear(points.front(), PNT_3D(0, 0, 1), 1e-9);
+    expectNear(points.back(), PNT_3D(8, 0, 1), 1e-9);
+    if (t.arrow) expectNear(entities.back()->getBdry().min, PNT_3D(0, 0, 1), 1e-9);
+  }
+}
+
+TEST(ReadCurves, ThePolicySaysHowClose) {
+  const std::string curves[] = {"0 ELLIPSE|8 0|10 0|20 0|11 4|21 0|40 0.5",
+                                kSpline + kClamped + kControls};
+  for (const std::string& curve : curves) {
+    std::size_t before = 0;
+    for (const double error : {1e-2, 1e-3, 1e-4}) {
+      const Loaded got = loadCurve(curve, error);
+      ASSERT_NE(castPolyline(got.only()), nullptr);
+      const std::size_t points = pointsOf(*castPolyline(got.only())).size();
+      EXPECT_GT(points, before * 3 / 2);
+      before = points;
+    }
+  }
+  const Loaded finest = loadCurve(curves[0], std::nan(""));
+  ASSERT_NE(castPolyline(finest.only()), nullptr);
+  EXPECT_EQ(pointsOf(*castPolyline(finest.only())).size(), 1024u);
+}
+
+TEST(ReadCurves, NonsenseGivesNothing) {
+  const char* const cases[] = {
+      "0 ELLIPSE|8 0|10 0|20 0|11 0|21 0|40 0.5",                    // no axis
+      "0 ELLIPSE|8 0|10 0|20 0|11 1e300|21 0|40 0.5",                // beyond reach
+      "0 ELLIPSE|8 0|10 0|20 0|11 1|21 0|40 0.5|210 1|220 0|230 0",  // axis along the normal
+      "0 SPLINE|8 0|71 3",
+      "0 SPLINE|8 0|71 3|10 1|20 1",
+      "0 SPLINE|8 0|71 3|20 1",
+      "0 SPLINE|8 0|71 3|11 1|21 1|11 1|21 1",
+      "0 LEADER|8 0|10 1|20 1",
+      "0 LEADER|8 0|30 1",
+  };
+  for (const char* list : cases) {
+    SCOPED_TRACE(list);
+    EXPECT_EQ(loadCurve(list).drawing().getEntTable().getEntityTbl().size(), 0u);
+  }
+}
+
+TEST(ReadCurves, StrictlyTheyAreSkipped) {
+  const Loaded got = loadText(entitiesOf("AC1015", "0 ELLIPSE|8 0|10 0|20 0|11 4|21 0|40 0.5"));
+  EXPECT_FALSE(got.error.HasAnError());
+  EXPECT_EQ(got.only(), nullptr);
+  EXPECT_EQ(got.report.count("kind skipped"), 1);
+}
+
+// A thousand points of one ellipse come from a few lines of the file.
+TEST(ReadCurves, TheCurvesOfAFileHaveABound) {
+  const std::string ellipse = "0 ELLIPSE|8 0|10 0|20 0|11 4|21 0|40 0.5|42 3";
+  CFileMemory file(u"test.dxf", IFile::kRead, pairsOf(ellipse + "|" + ellipse + "|0 EOF"));
+  Loaded target;
+  CFileDXFIOptions options{&target.report, CFileDXFIPolicy::forAnyFile()};
+  CFileDXFILoadDataSemantor semantor(target.drawing(), &target.error, options);
+  CFileDXFILexer lexer(file, &target.error);
+  const vek0::detail::DimStyles styles;
+  vek0::detail::RecordReader records(
+      {lexer, semantor, target.drawing().getEntFactory(), target.error, options, styles});
+  records.curveRoom = 150;
+  vek0::detail::CurveReader curves(records);
+  ASSERT_TRUE(file.open());
+  lexer.read();
+  const vek0::detail::EntPtr fine = curves.readEllipse(), coarse = curves.readEllipse();
+  ASSERT_NE(castPolyline(fine.get()), nullptr)
+      << target.error.GetErrorType() << " " << target.error.GetErrorLine();
+  ASSERT_NE(castPolyline(coarse.get()), nullptr);
+  const auto points = pointsOf(*castPolyline(fine.get())),
+             few = pointsOf(*castPolyline(coarse.get()));
+  EXPECT_GT(points.size(), 100u);
+  EXPECT_EQ(few.size(), 9u);
+  EXPECT_EQ(few.front(), points.front());
+  EXPECT_EQ(few.back(), points.back());
+  EXPECT_EQ(target.report.count("curve coarse"), 1);
+}

@@ -1,0 +1,569 @@
+// What a strict reader refuses and a tolerant one makes the best of.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <fstream>
+#include <random>
+
+#include "support/dxftext.h"
+#include "support/samples.h"
+#include "vek0core/entities/blocks/block.h"
+#include "vek0core/entities/entcast.h"
+#include "vek0core/vek0core.h"
+
+using namespace vek0::test;
+
+namespace {
+
+Loaded loadAny(const std::string& text) { return loadText(text, CFileDXFIPolicy::forAnyFile()); }
+Loaded loadAnyEntities(std::string_view list) { return loadAny(entitiesOf("AC1015", list)); }
+
+const std::string kLine = "0 LINE|8 A|10 0|20 0|11 1|21 1";
+
+std::string manyLines(int count) {
+  std::string list = kLine;
+  while (--count > 0) list += "|" + kLine;
+  return list;
+}
+
+RECT_3D extents(const Loaded& got) { return got.data->getEntTable().getBdry(); }
+
+void expectBox(const RECT_3D& box, double x0, double y0, double x1, double y1) {
+  EXPECT_NEAR(box.min.x, x0, 1e-9);
+  EXPECT_NEAR(box.min.y, y0, 1e-9);
+  EXPECT_NEAR(box.max.x, x1, 1e-9);
+  EXPECT_NEAR(box.max.y, y1, 1e-9);
+}
+
+std::string saved(const Loaded& got) {
+  CFileMemory file(u"saved.dxf", IFile::kWrite);
+  return SaveDXF(got.drawing(), file, kSaveExchange) ? file.bytes() : std::string();
+}
+
+}  // namespace
+
+TEST(Tolerant, ReadsHowPointsLookAndSavesIt) {
+  const std::string text =
+      section("HEADER", pairsOf("9 $PDMODE|70 34|9 $PDSIZE|40 -3|9 $PDMODE|70 128")) + dxf();
+  const Loaded got = loadAny(text), again = loadAny(saved(got));
+  for (const Loaded* each : {&got, &again}) {
+    EXPECT_EQ(each->data->getVars().getPointMode(), 34);
+    EXPECT_EQ(each->data->getVars().getPointSize(), -3);
+  }
+  EXPECT_EQ(loadText(text).data->getVars().getPointMode(), 0) << "strict";
+}
+
+// Each text is refused by the strict reader, or read otherwise; the line in model space
+// survives.
+TEST(Tolerant, WhatIsRefusedIsRepairedAndTold) {
+  const std::string good = section("ENTITIES", pairsOf(kLine)) + dxf(), line = pairsOf(kLine);
+  const auto entry = [&](const char* kind, const char* list) {
+    return section("TABLES", table(kind, pairsOf(list))) + good;
+  };
+  const auto layer = [&](const char* list) { return entry("LAYER", list); };
+  const auto blocks = [&](const char* list) { return section("BLOCKS", pairsOf(list)) + good; };
+  const auto entities = [&](const std::string& list) {
+    return section("ENTITIES", pairsOf(list)) + dxf();
+  };
+  const std::string open = pairsOf("0 SECTION|2 ENTITIES"), outside = pairsOf("0 WHAT|8 A");
+  const std::string header = pairsOf("0 SECTION|2 HEADER|0 ENDSEC");
+  const std::string layers = pairsOf("0 SECTION|2 TABLES|0 TABLE|2 LAYER|70 1|0 LAYER|2 A|62 1");
+  const std::string indented =
+      "0\n  SECTION\n2\n ENTITIES\n" + pairsOf("0  LINE|8 A|10 0|20 0|11 1|21 1") + "0\n ENDSEC\n";
+  const auto expectRepaired = [](const char* name, const std::string& text, const char* code) {
+    SCOPED_TRACE(name);
+    const Loaded strict = loadText(text);
+    EXPECT_TRUE(strict.error.HasAnError() || strict.count(CEntLine::kType) == 0 ||
+                extents(strict).max.x != 1)
+        << "nothing to repair";
+    const Loaded got = loadAny(text);
+    EXPECT_EQ(got.result.status, CFileDXFIResult::Done) << got.error.GetFullMessage().toUtf8();
+    EXPECT_EQ(got.count(CEntLine::kType), 1);
+    expectBox(extents(got), 0, 0, 1, 1);
+    EXPECT_TRUE(!code || got.report.count(code) > 0) << "missing in the report";
+  };
+  expectRepaired("newer version", version("AC1032") + good, nullptr);
+  expectRepaired("version of nobody", version("R14") + good, "version unknown");
+  expectRepaired("no end", section("ENTITIES", line), "file cut");
+  expectRepaired("no end of section", open + line + dxf(), "section cut");
+  expectRepaired("cut in a value", open + line + " 0\nLIN", "file cut");
+  expectRepaired("record outside", header + outside + good, "record skipped");
+  expectRepaired("no section at all", line + dxf(), nullptr);
+  expectRepaired("blank lines", "\n\n" + good, "blank line");
+  expectRepaired("two lines", open + pairsOf("0 POINT|8 A|1 ") + "two\n" + line + dxf(),
+                 "stray line");
+  expectRepaired("header", section("HEADER", pairsOf("9 $LTSCALE|40 nan")) + good,
+                 "variable dropped");
+  expectRepaired("record in the header", section("HEADER", pairsOf("0 WHAT")) + good,
+                 "record skipped");
+  expectRepaired("layer colour", layer("0 LAYER|2 A|62 300|70 0"), "color replaced");
+  expectRepaired("layer bit of references", layer("0 LAYER|2 A|62 1|70 16"), "flags replaced");
+  expectRepaired("negative flags", layer("0 LAYER|2 A|62 1|70 -5"), "flags replaced");
+  expectRepaired("layer without name", layer("0 LAYER|62 1|70 0"), "entry dropped");
+  expectRepaired("linetype of a layer", layer("0 LAYER|2 A|62 1|6 NONE"), "linetype unknown");
+  expectRepaired("table without end", layers + pairsOf("0 ENDSEC") + good, "table cut");
+  expectRepaired("style numbers", entry("STYLE", "0 STYLE|2 S|3 f|41 0|50 99"), "number replaced");
+  expectRepaired("block without end", blocks("0 BLOCK|2 B|10 0|20 0|0 POINT|8 A|10 0|20 0"),
+                 "block cut");
+  expectRepaired("among blocks", blocks("0 WHAT|8 1|0 BLOCK|2 B|10 0|20 0|0 ENDBLK"),
+                 "record skipped");
+  expectRepaired("block within itself",
+                 blocks("0 BLOCK|2 B|10 0|20 0|0 INSERT|8 A|2 B|10 0|20 0|0 ENDBLK"),
+                 "insert dropped");
+  expectRepaired("entity colour", entities(kLine + "|62 999"), "color replaced");
+  expectRepaired("no layer", entities("0 LINE|10 0|20 0|11 1|21 1"), "layer missing");
+  expectRepaired("handle", entities(kLine + "|5 "), "number replaced");
+  expectRepaired("comma", entities("0 LINE|8 A|10 0,0|20 0|11 0,9999999999999999|21 1"),
+                 "number repaired");
+  expectRepaired("entity without end", entities("0 LINE|8 A|10 0|20 0|" + kLine), "entity dropped");
+  expectRepaired("no number", entities("0 CIRCLE|8 A|10 0|20 0|40 1e999|" + kLine),
+                 "entity dropped");
+  expectRepaired("indented keywords", indented + dxf(), nullptr);
+  expectRepaired("front lost", line + pairsOf("0 ENDSEC") + section("OBJECTS", "") + dxf(),
+                 "record skipped");
+  expectRepaired("front lost within a record", "20\n5\n" + line + pairsOf("0 ENDSEC") + dxf(),
+                 "record skipped");
+  expectRepaired("begin of a section broken",
+                 header + "what\nSECTION\n2\nENTITIES\n" + line + dxf(), "stray line");
+  expectRepaired("SECTION misspelt", header + pairsOf("0 SECTOIN|2 ENTITIES|" + kLine) + dxf(),
+                 "record skipped");
+  expectRepaired("blank before a number",
+                 open + pairsOf("0 LINE|8 A|10 ") + "\n0.0\n20\n0\n11\n1\n21\n1.0\n" +
+                     pairsOf("0 ENDSEC") + dxf(),
+                 "blank line");
+  expectRepaired("number missing", entities("0 CIRCLE|8 A|10 |20 1|40 1|" + kLine),
+                 "number replaced");
+  expectRepaired("code missing before a 0",
+                 open + pairsOf("0 LINE|8 A|10 5") + "0\n30\n5\n11\n9\n" + line + dxf(),
+                 "stray line");
+  expectRepaired("linetype numbers", entry("LTYPE", "0 LTYPE|2 D|72 0|73 9|49 1"),
+                 "number replaced");
+  expectRepaired("linetype flags", entry("LTYPE", "0 LTYPE|2 D|70 -1|72 65|73 0"),
+                 "flags replaced");
+  expectRepaired("flags of references", entry("LTYPE", "0 LTYPE|2 D|70 16|72 65|73 0"),
+                 "flags replaced");
+  expectRepaired("number of nothing", entities(kLine + "|62 "), "number replaced");
+  expectRepaired("three corners", entities("0 3DFACE|8 A|10 0|20 0|11 1|21 0|12 1|22 1|" + kLine),
+                 "code missing");
+}
+
+TEST(Tolerant, SectionsThatAreLeftOutAreTold) {
+  for (const auto& [name, code] :
+       {std::pair("OBJECTS", "section skipped"), std::pair("ENTITES", "section unknown")}) {
+    const Loaded got = loadAny(section(name, pairsOf(kLine)) + dxf());
+    EXPECT_EQ(got.report.count(code), 1) << name;
+    EXPECT_EQ(severityOf(code), name[0] == 'O' ? ReportSeverity::Note : ReportSeverity::Loss);
+  }
+}
+
+TEST(Tolerant, WhatIsNoDrawingIsRefused) {
+  const std::string cases[] = {
+      "",
+      "<html>\n<body>\n</body>\n",
+      "Any Binary DXF\r\n\x1a",
+      "1\n2\n3\n4\n",
+      "0\nLIMITS\n1\n0.5,1\n",
+  };
+  for (const std::string& text : cases) {
+    SCOPED_TRACE(text);
+    const Loaded got = loadAny(text);
+    EXPECT_EQ(got.result.status, CFileDXFIResult::Failed);
+    EXPECT_EQ(got.error.GetErrorType(), CFileDXFIError::WrongStructure);
+  }
+}
+
+TEST(Tolerant, WhatIsNoTextDxfIsNamed) {
+  const struct {
+    std::string bytes;
+    CFileDXFIError::Form form;
+    const char* code;
+  } cases[] = {
+      {"Any Binary DXF\r\n\x1a", CFileDXFIError::BinaryForm, "binary file"},
+      {std::string("AC1032\0\0\n\x02\n\n\x03", 12), CFileDXFIError::DwgForm, "dwg file"},
+      {"", CFileDXFIError::EmptyForm, "empty file"},
+      {"\n \r\n", CFileDXFIError::EmptyForm, "empty file"},
+      {"0\nLINE\n8\n", CFileDXFIError::TextForm, nullptr},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.bytes);
+    const Loaded got = loadAny(t.bytes);
+    EXPECT_EQ(got.error.GetForm(), t.form);
+    if (!t.code) continue;
+    EXPECT_EQ(got.report.count(t.code), 1);
+    EXPECT_EQ(got.report.count("stray line") + got.report.count("file cut"),
+              t.bytes == "\n \r\n" || t.bytes.empty() ? 1 : 0);
+    const bool isBlank = t.bytes == "\n \r\n";  // which breaks another rule first
+    EXPECT_EQ(loadText(t.bytes).error.GetForm(), isBlank ? CFileDXFIError::TextForm : t.form);
+  }
+}
+
+TEST(Tolerant, PolylinesTakeWhatThereIs) {
+  const struct {
+    const char* name;
+    const char* list;
+    double x;
+  } cases[] = {
+      {"no 66", "0 POLYLINE|8 A|0 VERTEX|8 A|10 0|20 0|0 VERTEX|8 A|10 4|20 0|0 SEQEND", 4},
+      {"no SEQEND", "0 POLYLINE|8 A|66 1|0 VERTEX|8 A|10 0|20 0|0 VERTEX|8 A|10 4|20 0", 4},
+      {"vertices without layer",
+       "0 POLYLINE|8 A|66 1|0 VERTEX|10 0|20 0|0 VERTEX|10 4|20 0|0 SEQEND", 4},
+      {"curve of nobody",
+       "0 POLYLINE|8 A|66 1|70 4|75 3|0 VERTEX|8 A|10 0|20 0|70 16|0 VERTEX|8 A|10 4|20 0|70 16|0 "
+       "SEQEND",
+       4},
+      {"wrong count", "0 LWPOLYLINE|8 A|90 7|10 0|20 0|10 4|20 0", 4},
+      {"broken vertex",
+       "0 POLYLINE|8 A|66 1|0 VERTEX|8 A|10 0|20 0|0 VERTEX|8 A|10 nan|20 0|0 VERTEX|8 A|10 4|20 "
+       "0|0 "
+       "SEQEND",
+       4},
+      {"negative flags",
+       "0 POLYLINE|8 A|66 1|70 -1|0 VERTEX|8 A|10 0|20 0|70 -1|0 VERTEX|8 A|10 4|20 0|0 SEQEND", 4},
+      {"negative width", "0 LWPOLYLINE|8 A|90 2|43 -1|10 0|20 0|10 4|20 0", 4},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const Loaded got = loadAnyEntities(t.list + std::string("|0 POINT|8 A|10 9|20 9"));
+    ASSERT_EQ(got.count(CEntPolyline::kType), 1);
+    EXPECT_EQ(got.count(CEntPnt::kType), 1);
+    EXPECT_NEAR(got.data->getEntTable().getEntityTbl().front()->getBdry().max.x, t.x, 1e-9);
+  }
+}
+
+// Faces count the vertices: those of a broken one are missing, the others as they were.
+TEST(Tolerant, SurfacesSpareABrokenVertex) {
+  const auto vertex = [](const char* x, const char* y) {
+    return std::string("|0 VERTEX|8 A|70 192|10 ") + x + "|20 " + y;
+  };
+  const Loaded got = loadAnyEntities("0 POLYLINE|8 A|66 1|70 64" + vertex("nan", "0") +
+                                     vertex("1", "0") + vertex("1", "1") + vertex("0", "1") +
+                                     "|0 VERTEX|8 A|70 128|10 0|20 0|71 1|72 2|73 3" +
+                                     "|0 VERTEX|8 A|70 128|10 0|20 0|71 2|72 3|73 4|0 SEQEND");
+  EXPECT_EQ(got.count(CEnt3DFace::kType), 1);
+  expectBox(extents(got), 0, 0, 1, 1);
+  EXPECT_EQ(got.report.count("mesh incomplete"), 1);
+}
+
+TEST(Tolerant, InsertsTakeWhatThereIs) {
+  const std::string block =
+      section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|" + kLine + "|0 ENDBLK"));
+  const auto load = [&](const std::string& list) {
+    return loadAny(block + section("ENTITIES", pairsOf(list)) + dxf());
+  };
+  const std::string insert = "0 INSERT|8 A|2 B|10 0|20 0",
+                    attrib = "0 ATTRIB|8 A|10 0|20 0|40 1|2 T|1 v";
+  expectBox(extents(load(insert + "|41 0|42 0|43 0")), 0, 0, 1, 1);
+  for (const std::string& list :
+       {insert + "|" + attrib + "|0 SEQEND", insert + "|66 1|" + attrib}) {
+    const Loaded got = load(list);
+    ASSERT_EQ(got.count(CEntInsert::kType), 1);
+    EXPECT_EQ(got.only()->getEntInsert()->GetNoAttribs(), 1u);
+  }
+  const Loaded broken =
+      load(insert + "|66 1|0 ATTRIB|8 A|10 nan|20 0|40 1|2 T|" + attrib + "|0 SEQEND");
+  ASSERT_EQ(broken.count(CEntInsert::kType), 1);
+  EXPECT_EQ(broken.only()->getEntInsert()->GetNoAttribs(), 1u);
+  EXPECT_EQ(broken.report.count("entity dropped"), 1);
+  EXPECT_EQ(load("0 INSERT|8 A|10 0|20 0|" + kLine).count(CEntInsert::kType), 0) << "of nothing";
+}
+
+TEST(Tolerant, BlocksTakeWhatThereIs) {
+  const struct {
+    const char* name;
+    const char* head;
+    const char* code;
+  } cases[] = {
+      {"no number", "0 BLOCK|2 B|10 nan|20 0|", "number dropped"},
+      {"nothing", "0 BLOCK|2 B|10 0|20 |", "number replaced"},
+      {"negative flags", "0 BLOCK|2 B|70 -1|10 0|20 0|", "flags replaced"},
+      {"that of a model", "0 BLOCK|2 *Model_Space|10 0|20 0|", "block dropped"},
+      {"that of a sheet", "0 BLOCK|2 *Paper_Space3|10 0|20 0|", "on paper"},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const Loaded got = loadAny(section("BLOCKS", pairsOf(t.head + kLine + "|0 ENDBLK")) + dxf());
+    EXPECT_EQ(got.result.status, CFileDXFIResult::Done);
+    EXPECT_EQ(got.report.count(t.code), 1);
+    const bool isLayout = std::string_view(t.head).find('*') != std::string_view::npos;
+    const CBlock* block = got.data->getBlockTable().get(u"B");
+    EXPECT_EQ(block ? block->size() : 0, isLayout ? 0u : 1u);
+  }
+}
+
+TEST(Tolerant, LinetypesTakeWhatThereIs) {
+  const std::string entry =
+      "0 LTYPE|2 D|3 d|70 0|72 99|49 1|49 -2|74 3|340 5|75 0|46 2|50 90|9 T|45 3|44 1|"
+      "49 0|74 5|75 1|340 1|46 1|50 0|44 0|45 0";
+  const std::string text = section("TABLES", table("LAYER", pairsOf("0 LAYER|2 A|62 1|6 D")) +
+                                                 table("LTYPE", pairsOf(entry))) +
+                           section("ENTITIES", pairsOf(kLine)) + dxf();
+  const Loaded got = loadAny(text);
+  ASSERT_FALSE(got.error.HasAnError());
+  const CLtype* ltype = got.data->getLtypeTable().get(u"D");
+  ASSERT_NE(ltype, nullptr);
+  EXPECT_EQ(ltype->getNoDashes(), 4u) << "three and a text";
+  EXPECT_EQ(got.data->getLayerTable().get(u"A")->getLtype(), ltype) << "layers came first";
+  EXPECT_EQ(got.report.count("shape dropped"), 1);
+  EXPECT_EQ(got.report.count("linetype unknown"), 0);
+}
+
+// Linetypes may come after the layers that name them, but a layer that is there already
+// keeps its own.
+TEST(Tolerant, LayersWaitForTheirLinetypes) {
+  const std::string later = table("LTYPE", pairsOf("0 LTYPE|2 D|70 0|72 65|73 1|49 1"));
+  const auto tables = [&](const char* layers) {
+    return section("TABLES", table("LAYER", pairsOf(layers)) + later) + dxf();
+  };
+  Loaded got = loadAny(tables("0 LAYER|2 0|62 1|6 D|0 LAYER|2 A|62 1|0 LAYER|2 A|62 2|6 D"));
+  const CLtype* dashes = got.data->getLtypeTable().get(u"D");
+  ASSERT_NE(dashes, nullptr);
+  EXPECT_EQ(got.data->getLayer0().getLtype(), dashes);
+  EXPECT_EQ(got.data->getLayerTable().get(u"A")->getLtype(), &got.data->getLtypeContinuous());
+  importInto(got, tables("0 LAYER|2 A|62 3|6 D|0 LAYER|2 B|62 3|6 D|0 LAYER|2 C|6 NONE"),
+             CFileDXFIPolicy::forAnyFile());
+  EXPECT_EQ(got.data->getLayerTable().get(u"A")->getLtype(), &got.data->getLtypeContinuous());
+  EXPECT_EQ(got.data->getLayerTable().get(u"B")->getLtype(), dashes);
+  EXPECT_EQ(got.data->getLayerTable().get(u"C")->getLtype(), &got.data->getLtypeContinuous());
+  EXPECT_EQ(got.report.count("linetype unknown"), 1);
+}
+
+// What is asked for ends the reading without an error under either policy, in a block as well.
+TEST(Tolerant, ReadingEndsWhereTheHostSays) {
+  const std::string block =
+      section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|" + kLine + "|" + kLine + "|0 ENDBLK"));
+  const std::string text = block + section("ENTITIES", pairsOf(kLine + "|" + kLine)) + dxf();
+  for (const CFileDXFIPolicy& policy : {CFileDXFIPolicy(), CFileDXFIPolicy::forAnyFile()}) {
+    for (const long most : {1L, 3L}) {
+      Loaded got;
+      CFileMemory file(u"in.dxf", IFile::kRead, text);
+      CFileDXFIOptions options{&got.report, policy};
+      options.maxEntities = most;
+      got.result = loadDXF(got.drawing(), file, &got.error, options);
+      EXPECT_EQ(got.result.status, CFileDXFIResult::Done);
+      EXPECT_EQ(got.count(CEntLine::kType), most == 3 ? 1 : 0);
+      EXPECT_EQ(got.report.count("limit reached"), 1);
+      EXPECT_EQ(got.report.count("section cut") + got.report.count("block cut"), 0);
+    }
+    Loaded got;
+    CFileMemory file(u"in.dxf", IFile::kRead,
+                     section("ENTITIES", pairsOf(manyLines(2500))) + dxf());
+    CFileDXFIOptions options{&got.report, policy};
+    options.progress = [](long line) { return line < 20000; };
+    got.result = loadDXF(got.drawing(), file, &got.error, options);
+    EXPECT_EQ(got.result.status, CFileDXFIResult::Cancelled);
+    EXPECT_EQ(got.count(CEntLine::kType), 1999);
+  }
+}
+
+// What nothing is wrong with is the same drawing under both policies, to the last byte.
+TEST(Tolerant, CleanFilesAreReadAsEver) {
+  CFontTable::getInstance().addPlainDefault();
+  for (const char* name : {"flange.dxf", "every_kind_r12.dxf", "hatches_ac1015.dxf"}) {
+    SCOPED_TRACE(name);
+    std::ifstream in(vek0::test::samplePath(name), std::ios::binary);
+    std::string text(std::istreambuf_iterator<char>(in), {});
+    // The strict reader forgets the names of unknown fonts and knows another current layer.
+    for (const auto& [from, to] : {std::pair("romans", "txt"), std::pair("$CLAYER", "$CELAYER")})
+      for (std::size_t i = 0; (i = text.find(from, i)) != std::string::npos;)
+        text.replace(i, std::strlen(from), to);
+    const Loaded any = loadAny(text), strict = loadText(text);
+    ASSERT_FALSE(strict.error.HasAnError()) << strict.error.GetFullMessage().toUtf8();
+    EXPECT_TRUE(saved(any) == saved(strict));
+  }
+}
+
+// Drawn in the plane that is the world's seen from below.
+TEST(Tolerant, EntitiesSeenFromBelowAreMirrored) {
+  const struct {
+    const char* name;
+    const char* list;
+    double x0, y0, x1, y1;
+  } cases[] = {
+      {"circle", "0 CIRCLE|8 A|10 5|20 1|40 1", -6, 0, -4, 2},
+      {"arc", "0 ARC|8 A|10 5|20 0|40 1|50 0|51 90", -6, 0, -5, 1},
+      {"chain", "0 LWPOLYLINE|8 A|90 2|10 1|20 0|10 3|20 1", -3, 0, -1, 1},
+      {"bulge", "0 LWPOLYLINE|8 A|90 2|10 1|20 0|42 1|10 3|20 0", -3, -1, -1, 0},
+      {"old chain",
+       "0 POLYLINE|8 A|66 1|210 0|220 0|230 -1|0 VERTEX|8 A|10 1|20 0|0 VERTEX|8 A|10 3|20 1|0 "
+       "SEQEND",
+       -3, 0, -1, 1},
+      {"chain in space",
+       "0 POLYLINE|8 A|66 1|70 8|210 0|220 0|230 -1|0 VERTEX|8 A|10 1|20 0|0 VERTEX|8 A|10 3|20 "
+       "1|0 SEQEND",
+       1, 0, 3, 1},
+      {"insert", "0 INSERT|8 A|2 B|10 5|20 0|50 90", -5, 0, -4.5, 1},
+      {"array", "0 INSERT|8 A|2 B|10 5|20 0|70 3|44 2", -10, 0, -5, 0.5},
+      {"line", "0 LINE|8 A|10 1|20 0|11 2|21 1", 1, 0, 2, 1},
+      {"hatch",
+       "0 HATCH|8 A|10 0|20 0|30 0|2 SOLID|70 1|71 0|91 1|92 2|72 0|73 1|93 3|10 1|20 0|10 3|20 "
+       "0|10 3|20 1|75 0|76 1",
+       -3, 0, -1, 1},
+  };
+  const std::string block =
+      section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|0 LINE|8 0|10 0|20 0|11 1|21 0.5|0 ENDBLK"));
+  // What is all but the world's plane seen from below looks all but the same.
+  for (const auto& t : cases) {
+    for (const char* tilt : {"0", "0.0001"}) {
+      SCOPED_TRACE(t.name + std::string(", tilted by ") + tilt);
+      std::string list = t.list;
+      if (list.find("230") == std::string::npos)
+        list += std::string("|210 ") + tilt + "|220 0|230 -1";
+      const Loaded got = loadAny(block + section("ENTITIES", pairsOf(list)) + dxf());
+      ASSERT_NE(got.only(), nullptr);
+      const RECT_3D box = got.only()->getBdry();
+      EXPECT_NEAR(box.min.x, t.x0, 1e-3);
+      EXPECT_NEAR(box.min.y, t.y0, 1e-3);
+      EXPECT_NEAR(box.max.x, t.x1, 1e-3);
+      EXPECT_NEAR(box.max.y, t.y1, 1e-3);
+    }
+  }
+}
+
+TEST(Tolerant, MirroredTextsRunBackwards) {
+  const Loaded got = loadAnyEntities("0 TEXT|8 A|1 abc|10 5|20 1|40 2|50 30|210 0|220 0|230 -1");
+  ASSERT_NE(castText(got.only()), nullptr);
+  const TEXT_3D& text = castText(got.only())->getText();
+  EXPECT_EQ(text.PNT_2D::dist(PNT_2D(-5, 1)), 0);
+  EXPECT_LT(text.getContext().getWidthScale(), 0);
+  EXPECT_NEAR(
+      std::remainder(text.getContext().getRotate() + std::acos(-1.0) / 6, 2 * std::acos(-1.0)), 0,
+      1e-9);
+}
+
+// In any other plane curves are chains of points that lie in it, at the right distance.
+TEST(Tolerant, CurvesInOtherPlanesBecomeChains) {
+  std::mt19937 random(3);
+  std::uniform_real_distribution<double> number(-1, 1);
+  for (int round = 0; round < 50; ++round) {
+    const PNT_3D n(number(random), number(random), number(random));
+    const std::string plane = "|210 " + std::to_string(n.x) + "|220 " + std::to_string(n.y) +
+                              "|230 " + std::to_string(n.z);
+    for (const std::string& curve :
+         {std::string("0 CIRCLE|8 A|10 3|20 4|30 5|40 2"),
+          std::string("0 ARC|8 A|10 3|20 4|30 5|40 2|50 10|51 200"),
+          std::string("0 LWPOLYLINE|8 A|90 2|38 5|10 5|20 4|42 1|10 1|20 4")}) {
+      SCOPED_TRACE(curve + plane);
+      const Loaded got = loadAnyEntities(curve + plane);
+      CEntPolyline* chain = castPolyline(got.only());
+      ASSERT_NE(chain, nullptr);
+      // The center is as far from the origin in every plane, and the points from both.
+      const double fromOrigin = std::sqrt(3.0 * 3 + 4 * 4 + 5 * 5);
+      int count = 0;
+      chain->forEachVisible([&](const PNT_3D& p, double, double, double, long) {
+        ++count;
+        const double length = std::hypot(n.x, n.y, n.z);
+        EXPECT_NEAR((p.x * n.x + p.y * n.y + p.z * n.z) / length, 5, 1e-4);
+        EXPECT_NEAR(std::hypot(p.x, p.y, p.z), fromOrigin, 2 + 1e-9);
+      });
+      EXPECT_GT(count, 50);
+    }
+  }
+}
+
+TEST(Tolerant, EndlessLinesAreSavedAsFarAsTheDrawingReaches) {
+  const Loaded got = loadAnyEntities(
+      "0 XLINE|8 A|10 0|20 0|11 1|21 0|0 RAY|8 A|10 50|20 50|30 7|11 0|21 -1|31 0|"
+      "0 XLINE|8 A|10 5|20 5|11 0|21 0|0 LINE|8 A|10 0|20 0|11 100|21 100");
+  EXPECT_EQ(got.report.count("entity dropped"), 1) << "a direction of length 0";
+  expectBox(extents(got), 0, 0, 100, 100);
+  CFileMemory file(u"saved.dxf", IFile::kWrite);
+  CFileReport report;
+  ASSERT_TRUE(SaveDXF(got.drawing(), file, 0, &report));
+  EXPECT_EQ(report.count("endless line cut"), 2);
+  std::vector<LINE_3D> lines;
+  const Loaded again = loadAny(file.bytes());
+  for (CEnt* ent : again.data->getEntTable().getEntityTbl())
+    lines.push_back(castLine(ent)->getLine());
+  const std::vector<LINE_3D> expected{LINE_3D(-5, 0, 0, 105, 0, 0), LINE_3D(50, 50, 7, 50, -5, 7),
+                                      LINE_3D(0, 0, 0, 100, 100, 0)};
+  EXPECT_TRUE(lines == expected);
+}
+
+TEST(Tolerant, PaperIsKeptApart) {
+  const std::string text = entitiesOf(
+      "AC1015", kLine +
+                    "|0 CIRCLE|8 A|67 1|10 0|20 0|40 1|0 POLYLINE|8 A|66 1|67 1|0 VERTEX|8 A|10 0|"
+                    "20 0|0 VERTEX|8 A|10 1|20 0|0 SEQEND");
+  const Loaded model = loadAny(text);
+  EXPECT_EQ(model.count(CEntLine::kType), 1);
+  EXPECT_EQ(model.data->getEntTable().getEntityTbl().size(), 1u);
+  EXPECT_EQ(model.report.count("on paper"), 2);
+  CFileDXFIPolicy policy = CFileDXFIPolicy::forAnyFile();
+  policy.paperSpace = true;
+  EXPECT_EQ(loadText(text, policy).count(CEntLine::kType), 0);
+  EXPECT_EQ(loadText(text, policy).data->getEntTable().getEntityTbl().size(), 2u);
+}
+
+TEST(Tolerant, WhatIsInvisibleStaysSo) {
+  const std::string attrib = "|0 ATTRIB|8 A|10 0|20 0|40 1|2 T|1 v";
+  const std::string block = "0 BLOCK|2 B|10 0|20 0|0 CIRCLE|8 A|60 1|10 0|20 0|40 1|";
+  const std::string insert = "0 POINT|8 A|60 1|10 0|20 0|0 INSERT|8 A|60 0|2 B|10 0|20 0|66 1";
+  const Loaded got = loadAny(
+      section("BLOCKS", pairsOf(block + kLine + "|0 ENDBLK")) +
+      section("ENTITIES", pairsOf(insert + attrib + "|60 1" + attrib + "|60 0|0 SEQEND")) + dxf());
+  EXPECT_EQ(got.report.count("entity invisible"), 2);
+  EXPECT_EQ(got.data->getBlockTable().get(u"B")->size(), 1u);
+  ASSERT_NE(got.only(), nullptr);
+  const CEntInsertBase& with = *got.only()->getEntInsert();
+  ASSERT_EQ(with.GetNoAttribs(), 2u);
+  EXPECT_EQ(with.GetAttrib(0)->getFlags(), 1);
+  EXPECT_EQ(with.GetAttrib(1)->getFlags(), 0);
+}
+
+// The entities of a block are those of both spaces.
+TEST(Tolerant, BlocksAreReadForPaperToo) {
+  const std::string text = section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|" + kLine + "|67 1|" +
+                                                     kLine + "|0 ENDBLK")) +
+                           section("ENTITIES", pairsOf("0 INSERT|8 A|67 1|2 B|10 0|20 0")) + dxf();
+  for (const bool paper : {false, true}) {
+    CFileDXFIPolicy policy = CFileDXFIPolicy::forAnyFile();
+    policy.paperSpace = paper;
+    const Loaded got = loadText(text, policy);
+    EXPECT_EQ(got.data->getBlockTable().get(u"B")->size(), 2u);
+    EXPECT_EQ(got.count(CEntInsert::kType), paper ? 1 : 0);
+  }
+}
+
+TEST(Tolerant, EncodingsAreNotTakenAtTheirWord) {
+  const auto named = [](const char* version, const char* page, const std::string& layer) {
+    return section("HEADER", pairs("9 $ACADVER") + pairText(std::string("1 ") + version) +
+                                 pairs("9 $DWGCODEPAGE") + pairText(std::string("3 ") + page)) +
+           section("ENTITIES", pairsOf("0 POINT|8 " + layer + "|10 0|20 0")) + dxf();
+  };
+  const struct {
+    const char *name, *version, *page;
+    std::string bytes;
+    const zim::Char* layer;
+    const char* encoding;
+    long told;
+  } cases[] = {
+      {"as declared", "AC1015", "ANSI_1252", "caf\xE9", u"café", "windows-1252", 0},
+      {"UTF-8 against the page", "AC1015", "ANSI_1252", "caf\xC3\xA9", u"café", "utf-8", 1},
+      {"UTF-8 against a Cyrillic page", "AC1015", "ANSI_1251", "\xD0\xB4\xD0\xB0", u"да", "utf-8",
+       1},
+      {"Cyrillic", "AC1015", "ANSI_1251", "\xE4\xE0", u"да", "windows-1251", 0},
+      {"UTF-8", "AC1021", "ANSI_1252", "caf\xC3\xA9", u"café", "utf-8", 0},
+      {"not the UTF-8 of the version", "AC1021", "ANSI_1252", "caf\xE9", u"café", "windows-1252",
+       1},
+      {"Cyrillic instead of UTF-8", "AC1021", "ANSI_1251", "\xE4\xE0", u"да", "windows-1251", 1},
+      {"UTF-8 and a broken byte", "AC1021", "ANSI_1252", "\xD0\xB4 \xE9 x", u"д é x",
+       "windows-1252", 1},
+      {"UTF-8 without its end", "AC1021", "ANSI_1251", "\xD0\xB4\xD0", u"дÐ", "utf-8", 0},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    const Loaded got = loadAny(named(t.version, t.page, t.bytes));
+    EXPECT_NE(got.data->getLayerTable().get(t.layer), nullptr);
+    EXPECT_EQ(got.report.count("encoding differs"), t.told);
+    EXPECT_EQ(got.result.encoding, t.encoding);
+  }
+  CFileMemory file(u"in.dxf", IFile::kRead, named("AC1021", "ANSI_1252", "\xE4\xE0"));
+  CFileDXFIOptions options;
+  options.policy = CFileDXFIPolicy::forAnyFile();
+  options.codePage = 1251;
+  Loaded forced;
+  loadDXF(forced.drawing(), file, &forced.error, options);
+  EXPECT_NE(forced.data->getLayerTable().get(u"да"), nullptr);
+}
