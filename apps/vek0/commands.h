@@ -4,43 +4,15 @@
 #include <string>
 #include <vector>
 
+#include "vek0host/session.h"
+
 namespace vek0::tool {
 
-/// Exit codes, worst last: with several files the worst one wins.
-enum ExitCode {
-  kAllWell = 0,
-  kDrawingFailed = 1,
-  kWrongUsage = 2,
-  kOutputFailed = 3,
-};
+// The tool consists of calls into the library below.
+using namespace host;
 
-/// How drawings are read.
-struct ReadOptions {
-  bool strict = false;         ///< stop at the first error and repair nothing
-  bool paperSpace = false;     ///< read the sheets instead of the model
-  bool hatchOutlines = false;  ///< convert patterned hatches to their boundaries
-  int codePage = 0;            ///< overrides the file's code page; 0: as stated by the file
-};
-
-/// State shared by all commands of one run of the tool.
-struct Session {
-  bool quiet = false;
-  bool readsTwice = false;  ///< so the content of a pipe must be kept in memory
-  ReadOptions reading;
-  int exitCode = kAllWell;
-
-  /// Keeps the worst code seen.
-  void failed(ExitCode code) {
-    if (code > exitCode) exitCode = code;
-  }
-
-  /// Prints "vek0: <message>" to the error stream, on one line whatever the message contains.
-  /// `details` are complete lines below it, already escaped by `visible`.
-  static void complain(const std::string& message, const std::string& details = "");
-};
-
-/// Runs the tool and returns its exit code. `arguments` exclude the program's name; they are UTF-8,
-/// or arbitrary bytes in the platform's file names.
+/// Runs the tool and returns its exit code, a `Failure`. `arguments` exclude the program's name;
+/// they are UTF-8, or arbitrary bytes in the platform's file names.
 int runTool(const std::vector<std::string>& arguments);
 
 /// Each adds one verb with its options and help; `session` must outlive `app`.

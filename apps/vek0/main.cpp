@@ -1,28 +1,39 @@
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <memory>
 #include <numeric>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "commands.h"
-#include "drawingfile.h"
+#include "options.h"
+#include "progressfile.h"
 #include "terminal.h"
 #include "vek0core/vek0core.h"
+#include "vek0host/visibletext.h"
 
 #ifdef VEK0_RENDER
-#include "multibyte.h"
+#include "vek0host/multibyte.h"
 #endif
 
 namespace vek0::tool {
 
-void Session::complain(const std::string& message, const std::string& details) {
+namespace {
+
+// On one line whatever the message contains.
+void printMessage(const std::string& message, const std::string& details) {
   printError("vek0: " + visible(message) + "\n" + details);
 }
 
-namespace {
+std::unique_ptr<IFile> withProgress(std::unique_ptr<IFile> file, std::uintmax_t size,
+                                    const std::string& path) {
+  if (!ProgressFile::visible()) return file;
+  return std::make_unique<ProgressFile>(std::move(file), static_cast<long long>(size), path);
+}
 
 void reportAssertion(const char* file, int line, const char* condition) {
   std::fprintf(stderr, "%s:%d assertion failure:\n%s\n", file, line, condition);
@@ -51,8 +62,9 @@ bool isUnknownVerb(const CLI::App& app, const std::string& word) {
       verbs.begin(), verbs.end(),
       [&](const CLI::App* a, const CLI::App* b) { return distance(a) < distance(b); });
   if (nearest->get_name() == word) return false;
-  Session::complain("'" + word + "' is not a command; did you mean '" + nearest->get_name() +
-                    "'? See vek0 --help.");
+  printMessage("'" + word + "' is not a command; did you mean '" + nearest->get_name() +
+                   "'? See vek0 --help.",
+               "");
   return true;
 }
 
@@ -69,6 +81,8 @@ int parseAndRun(std::vector<std::string> arguments) {
   app.require_subcommand(1);
   app.fallthrough();
   Session session;
+  session.onMessage = printMessage;
+  session.onRead = withProgress;
   app.add_flag("-q,--quiet", session.quiet, "Say nothing but errors");
   addReadOptions(app, session.reading);
   addInfoCommand(app, session);
@@ -99,9 +113,9 @@ int parseAndRun(std::vector<std::string> arguments) {
     app.exit(problem, help, complaint);
     print(help.str());
     printError(complaint.str());
-    return asked ? kAllWell : kWrongUsage;
+    return asked ? kNoFailure : kWrongUsage;
   }
-  return session.exitCode;
+  return session.worst;
 }
 
 }  // namespace
@@ -117,10 +131,10 @@ int runTool(const std::vector<std::string>& arguments) {
     const int code = parseAndRun(arguments);
     shutdownCore();
     if (flushOutput()) return code;
-    Session::complain("the standard output cannot be written");
+    printMessage("the standard output cannot be written", "");
     return kOutputFailed;
   } catch (const std::exception& problem) {
-    Session::complain(problem.what());
+    printMessage(problem.what(), "");
     return kDrawingFailed;
   }
 }

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <utility>
-#include "terminal.h"
+
+#include "vek0host/visibletext.h"
 
 #ifdef _WIN32
 #include <io.h>
@@ -58,7 +59,7 @@ void ProgressFile::draw() {
   const int filled = percent * kBarWidth / 100;
   std::string bar(static_cast<std::size_t>(filled), '#');
   bar.resize(kBarWidth, '.');
-  std::fprintf(stderr, "\r[%s] %3d%% %s", bar.c_str(), percent, tool::visible(m_label).c_str());
+  std::fprintf(stderr, "\r[%s] %3d%% %s", bar.c_str(), percent, host::visible(m_label).c_str());
 }
 
 void ProgressFile::wipe() {

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "commands.h"
-#include "paths.h"
+#include "vek0host/paths.h"
 // Included last and in a separate file, because its macros clash with function names.
 #include <windows.h>
 
@@ -14,6 +14,6 @@ int wmain(int argc, wchar_t** argv) {
   _setmode(_fileno(stdout), _O_BINARY);
   SetConsoleOutputCP(CP_UTF8);
   std::vector<std::string> arguments;
-  for (int i = 1; i < argc; ++i) arguments.push_back(vek0::tool::toUtf8(argv[i]));
+  for (int i = 1; i < argc; ++i) arguments.push_back(vek0::host::toUtf8(argv[i]));
   return vek0::tool::runTool(arguments);
 }

@@ -1,4 +1,4 @@
-#include "undocheck.h"
+#include "vek0host/undocheck.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 
 namespace {
 
-using vek0::tool::bytesOf;
-using vek0::tool::checkUndo;
+using vek0::host::bytesOf;
+using vek0::host::checkUndo;
 
 // A drawing with one line, and the step that moves it.
 class UndoCheck : public testing::Test {

@@ -1,0 +1,118 @@
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "commands.h"
+#include "options.h"
+#include "vek0host/linetypefile.h"
+#include "vek0host/saving.h"
+#include "vek0host/units.h"
+
+namespace vek0::tool {
+namespace {
+
+struct ConvertOptions {
+  std::string in, out;
+  std::vector<std::string> linetypes;
+  std::string toUnits, fromUnits;
+  std::string hatch = "lines";
+  SaveOptions save;
+};
+
+bool addAllLinetypes(CData& data, const ConvertOptions& options, Session& session) {
+  return std::all_of(options.linetypes.begin(), options.linetypes.end(),
+                     [&](const std::string& path) { return addLinetypes(data, path, session); });
+}
+
+// The unit stated in a file is often wrong, so `--from-units` takes precedence.
+bool changeUnits(CData& data, const ConvertOptions& options, long stated, Session& session) {
+  if (options.toUnits.empty()) return true;
+  const char* name = unitName(stated);
+  const auto from = unitInMetres(!options.fromUnits.empty() ? options.fromUnits : name ? name : "");
+  if (!from) {
+    session.complain(options.in + ": the drawing does not state its unit; use --from-units");
+    session.failed(kDrawingFailed);
+    return false;
+  }
+  scaleDrawing(data, *from / *unitInMetres(options.toUnits));
+  return true;
+}
+
+std::size_t linesOf(const CEntInsertBase* insert) {
+  if (!insert || insert->getType() != CEntHatch::kType || !insert->getBlock()) return 0;
+  const auto& hatch = static_cast<const CEntHatch&>(*insert);
+  return isSolid(hatch.getHatchType()) ? 0 : hatch.getBlock()->size();
+}
+
+// The number of lines that replace all patterned hatches in the format.
+std::size_t hatchLinesOf(const CData& data) {
+  std::size_t lines = 0;
+  for (CEnt* ent : data.getEntTable().getEntityTbl()) lines += linesOf(ent->getEntInsert());
+  const CBlockTable& blocks = data.getBlockTable();
+  for (int i = 0; i < static_cast<int>(blocks.size()); ++i)
+    for (CBlock::CInsertIterator insert(*blocks[i]); *insert; ++insert) lines += linesOf(*insert);
+  return lines;
+}
+
+void warnIfGrown(const ConvertOptions& options, std::uintmax_t written, std::size_t hatchLines,
+                 const Session& session) {
+  constexpr std::uintmax_t kMuch = 10;
+  const std::uintmax_t read = sizeOf(options.in);
+  if (hatchLines == 0 || read == 0 || written <= kMuch * read) return;
+  session.warn("'" + options.out + "' is " + std::to_string(written / read) +
+               " times as large as the input; it holds " + std::to_string(hatchLines) +
+               " lines of hatch patterns, which --hatch outline leaves out");
+}
+
+void convert(const ConvertOptions& options, Session& session) {
+  session.reading.hatchOutlines = options.hatch == "outline";
+  std::size_t hatchLines = 0;
+  const std::uintmax_t written = rewrite(
+      options.in, options.out, options.save, session, [&](CData& data, const ReadResult& result) {
+        hatchLines = hatchLinesOf(data);
+        return addAllLinetypes(data, options, session) &&
+               changeUnits(data, options, result.outcome.units, session);
+      });
+  warnIfGrown(options, written, hatchLines, session);
+}
+
+}  // namespace
+
+void addConvertCommand(CLI::App& app, Session& session) {
+  auto options = std::make_shared<ConvertOptions>();
+  CLI::App* verb = app.add_subcommand("convert", "Load a drawing and save it as DXF R12");
+  verb->add_option("IN", options->in, "DXF file; - is the standard input")->required();
+  verb->add_option("OUT", options->out, "File to write; - is the standard output")->required();
+  verb->add_option(
+          "--linetypes", options->linetypes,
+          "Definition file whose linetypes are added; those the drawing has stay as they are")
+      ->type_name("FILE.lin")
+      ->allow_extra_args(false);
+  CLI::Option* toUnits =
+      verb->add_option("--to-units", options->toUnits,
+                       "Scale the drawing to this unit: mm, cm, m, in, ft and others")
+          ->check(CLI::IsMember(unitNames()))
+          ->type_name("UNIT");
+  verb->add_option("--from-units", options->fromUnits, "The drawing's unit, whatever it states")
+      ->check(CLI::IsMember(unitNames()))
+      ->type_name("UNIT")
+      ->needs(toUnits);
+  verb->add_option("--hatch", options->hatch,
+                   "What a patterned hatch becomes: the lines of its pattern, or its outline "
+                   "(boundary) alone; solid ones stay filled")
+      ->check(CLI::IsMember({"lines", "outline"}))
+      ->capture_default_str();
+  addSaveOptions(*verb, options->save);
+  verb->footer(
+      "Examples:\n"
+      "  vek0 convert plan.dxf plan_r12.dxf\n"
+      "  vek0 convert --flatten --visible-only - - < in.dxf > out.dxf\n"
+      "  vek0 convert --linetypes pipes.lin plan.dxf plan_with_pipes.dxf\n"
+      "  vek0 convert --to-units mm --from-units in part.dxf part_mm.dxf\n"
+      "  vek0 convert --hatch outline plan.dxf small.dxf\n\n"
+      "The output appears whole or not at all. Nothing is written for a file with an error.");
+  verb->callback([options, &session] { convert(*options, session); });
+}
+
+}  // namespace vek0::tool

@@ -1,0 +1,140 @@
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "commands.h"
+#include "options.h"
+#include "vek0host/editsteps.h"
+#include "vek0host/saving.h"
+#include "vek0host/undocheck.h"
+
+namespace vek0::tool {
+namespace {
+
+struct NamedStep {
+  std::string name;  // as written on the command line
+  EditStep work;
+};
+
+struct EditOptions {
+  std::string in, out;
+  std::map<std::string, std::vector<std::string>> values;  // by option, in order
+  bool undoCheck = false;
+  SaveOptions save;
+};
+
+// Determines the steps in command-line order, which the parser does not keep for their values.
+std::vector<NamedStep> stepsInOrder(const CLI::App& verb, const EditOptions& options) {
+  std::vector<NamedStep> steps;
+  std::map<std::string, std::size_t> taken;
+  for (const CLI::Option* option : verb.parse_order()) {
+    const std::string name = option->get_name();
+    const auto& kinds = stepKinds();
+    const auto kind = std::find_if(kinds.begin(), kinds.end(),
+                                   [&](const StepKind& each) { return each.option == name; });
+    if (kind == kinds.end()) continue;
+    const std::string value = kind->value ? options.values.at(name)[taken[name]++] : std::string();
+    steps.push_back({kind->value ? name + " " + value : name, {}});
+    kind->read(value, steps.back().work);
+  }
+  return steps;
+}
+
+// Each step is one undo step, so that undo is exercised as a program would use it.
+bool runSteps(Editing& editing, const std::vector<NamedStep>& steps, Session& session) {
+  for (const NamedStep& step : steps) {
+    editing.undo.begin(zim::WString::fromUtf8(step.name));
+    const StepOutcome outcome = step.work(editing);
+    editing.undo.commit();
+    if (!outcome.ok || !session.quiet) session.complain(step.name + ": " + outcome.text);
+    if (outcome.ok) continue;
+    session.failed(kDrawingFailed);
+    return false;
+  }
+  return true;
+}
+
+bool passesUndoCheck(Editing& editing, const std::string& before, Session& session) {
+  const std::size_t count = editing.undo.getNoUndo(), bytes = editing.undo.size();
+  const std::string problem = checkUndo(editing.data, editing.undo, before);
+  if (!problem.empty()) {
+    session.complain("undo check: " + problem);
+    session.failed(kDrawingFailed);
+  } else if (!session.quiet) {
+    session.complain("undo check: " + counted(count, "step", "steps") + " (" +
+                     std::to_string(bytes) +
+                     " bytes) undone, which gave the drawing back, and done again");
+  }
+  return problem.empty();
+}
+
+bool edit(CData& data, const std::vector<NamedStep>& steps, bool undoCheck, Session& session) {
+  // Without the check nothing is undone, so only the last step is kept.
+  CUndoStack undo(data, undoCheck ? std::numeric_limits<std::size_t>::max() : 0);
+  const auto& all = data.getEntTable().getEntityTbl();
+  Editing editing{data, undo, {all.begin(), all.end()}};
+  const std::string before = undoCheck ? bytesOf(data) : std::string();
+  return runSteps(editing, steps, session) &&
+         (!undoCheck || passesUndoCheck(editing, before, session));
+}
+
+void addStepOptions(CLI::App& verb, EditOptions& options) {
+  for (const StepKind& kind : stepKinds()) {
+    CLI::Option* option = nullptr;
+    if (kind.value == nullptr) {
+      // "--delete=no" must not delete.
+      option = verb.add_flag(kind.option, kind.help)->disable_flag_override();
+    } else {
+      const auto check = [read = kind.read](const std::string& text) {
+        EditStep ignored;
+        return read(text, ignored);
+      };
+      option = verb.add_option(kind.option, options.values[kind.option], kind.help)
+                   ->allow_extra_args(false)
+                   ->check(check)
+                   ->type_name(kind.value);
+    }
+    option->group("Steps, done in the order in which they are given");
+  }
+}
+
+}  // namespace
+
+void addEditCommand(CLI::App& app, Session& session) {
+  auto options = std::make_shared<EditOptions>();
+  CLI::App* verb = app.add_subcommand("edit", "Change a drawing step by step");
+  verb->add_option("IN", options->in, "DXF file; - is the standard input")->required();
+  verb->add_option("-o,--output", options->out, "File to write; - is the standard output")
+      ->required();
+  verb->add_flag("--undo-check", options->undoCheck,
+                 "Undo everything, prove that the drawing is what it was, and do it all again");
+  addSaveOptions(*verb, options->save);
+  addStepOptions(*verb, *options);
+  verb->footer(
+      "Examples:\n"
+      "  vek0 edit plan.dxf -o moved.dxf --move 1000,0\n"
+      "  vek0 edit plan.dxf -o out.dxf --select 'layer=WALL*,kind=line,arc' --join 0.01 \\\n"
+      "      --offset 12.5 --set-layer PLASTER --select window=0,0,500,300 --rotate 90@250,150\n"
+      "  vek0 edit plan.dxf -o out.dxf --remap-layer '0-*=OLD' --remap-style 'TXT=STANDARD' "
+      "--purge\n\n"
+      "Steps work on all of model space until the first --select; each --select begins anew. What\n"
+      "--explode, --join and --offset have made is what the steps after them work on. Names may "
+      "hold\n* and ?; those with commas or signs of equality stand in quotes: 'layer=\"A,B\"'. "
+      "Nothing is\nwritten when a step fails.");
+  verb->callback([options, verb, &session] {
+    const std::vector<NamedStep> steps = stepsInOrder(*verb, *options);
+    if (steps.empty()) {
+      session.complain("there is nothing to do; vek0 edit --help lists the steps");
+      return session.failed(kWrongUsage);
+    }
+    rewrite(options->in, options->out, options->save, session, [&](CData& data, const ReadResult&) {
+      return edit(data, steps, options->undoCheck, session);
+    });
+  });
+}
+
+}  // namespace vek0::tool

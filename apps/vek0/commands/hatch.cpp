@@ -1,0 +1,88 @@
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "commands.h"
+#include "options.h"
+#include "vek0host/hatching.h"
+#include "vek0host/saving.h"
+#include "vek0host/textvalues.h"
+
+namespace vek0::tool {
+namespace {
+
+struct HatchOptions {
+  std::string in, out;
+  HatchRequest hatch;
+  std::vector<std::string> boundary;  // points
+  SaveOptions save;
+};
+
+// Parses "x,y"; returns an error text or nothing, as the argument parser expects.
+std::string checkPoint(const std::string& text, PNT_3D& pnt) {
+  const auto numbers = numbersIn(text);
+  if (!numbers || numbers->size() != 2) return "'" + text + "' is not a point like 12.5,-3";
+  pnt.set((*numbers)[0], (*numbers)[1], 0);
+  return {};
+}
+
+HATCH_RING ringOf(const std::vector<std::string>& points) {
+  HATCH_RING ring(points.size());
+  for (std::size_t i = 0; i < points.size(); ++i) checkPoint(points[i], ring[i]);
+  return ring;
+}
+
+std::string checkPattern(const std::string& name) {
+  if (isHatchPattern(name)) return {};
+  return "'" + name + "' is not a pattern; vek0 hatches lists them";
+}
+
+}  // namespace
+
+void addHatchCommand(CLI::App& app, Session& session) {
+  auto options = std::make_shared<HatchOptions>();
+  CLI::App* verb = app.add_subcommand("hatch", "Hatch an area of a drawing");
+  verb->add_option("IN", options->in, "DXF file; - is the standard input")->required();
+  verb->add_option("-o,--output", options->out, "File to write; - is the standard output")
+      ->required();
+  verb->add_option("--pattern", options->hatch.pattern,
+                   "Pattern of the catalogue (see vek0 hatches), or SOLID")
+      ->capture_default_str()
+      ->check(checkPattern);
+  verb->add_option("--scale", options->hatch.scale, "Times the pattern's own size")
+      ->capture_default_str()
+      ->check(CLI::PositiveNumber);
+  verb->add_option("--angle", options->hatch.angleDeg, "Degrees by which the pattern is turned")
+      ->capture_default_str();
+  verb->add_option("--layer", options->hatch.layer, "Layer of the hatch, made if there is none")
+      ->capture_default_str();
+  verb->add_option("--limit", options->hatch.limit, "Lines and dots that the hatch may have")
+      ->capture_default_str()
+      ->check(CLI::PositiveNumber);
+  CLI::Option_group* area = verb->add_option_group("area");
+  area->add_option("--boundary", options->boundary, "Corners of the area: x,y x,y x,y ...")
+      ->check([](const std::string& text) {
+        PNT_3D ignored;
+        return checkPoint(text, ignored);
+      })
+      ->expected(3, CLI::detail::expected_max_vector_size);
+  area->add_flag("--closed-polylines", options->hatch.closedPolylines,
+                 "The closed polylines of model space, islands left out");
+  area->require_option(1);
+  addSaveOptions(*verb, options->save);
+  verb->footer(
+      "Examples:\n"
+      "  vek0 hatch plan.dxf -o hatched.dxf --pattern ANSI31 --scale 25 --closed-polylines\n"
+      "  vek0 hatch plan.dxf -o hatched.dxf --pattern BRICK --angle 45 --boundary 0,0 10,0 10,5\n\n"
+      "The hatch is written as an insert of its lines, with the data that turns it back into a\n"
+      "hatch when it is read again.");
+  verb->callback([options, &session] {
+    options->hatch.corners = ringOf(options->boundary);
+    rewrite(options->in, options->out, options->save, session, [&](CData& data, const ReadResult&) {
+      return addHatch(data, options->hatch, options->in, session);
+    });
+  });
+}
+
+}  // namespace vek0::tool

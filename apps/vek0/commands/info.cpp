@@ -1,0 +1,50 @@
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "commands.h"
+#include "terminal.h"
+#include "vek0host/summary.h"
+
+namespace vek0::tool {
+namespace {
+
+struct InfoOptions {
+  std::vector<std::string> files;
+  bool json = false;
+};
+
+void describe(const std::string& path, const InfoOptions& options, Session& session) {
+  const Drawing data = newDrawing();
+  const ReadResult result = loadFile(*data, path, session);
+  if (!result.ok()) session.failed(kDrawingFailed);
+  if (options.json) {
+    const std::string line =
+        summaryToJson(path, *data, result).dump(-1, ' ', false, Json::error_handler_t::replace);
+    std::printf("%s\n", line.c_str());
+    return;
+  }
+  if (!result.ok()) session.complain(path + ": " + result.message());
+  if (result.opened()) print(summaryToText(path, *data, result));
+}
+
+}  // namespace
+
+void addInfoCommand(CLI::App& app, Session& session) {
+  auto options = std::make_shared<InfoOptions>();
+  CLI::App* verb = app.add_subcommand(
+      "info", "Tell what drawings hold: version, tables, blocks, entities, extents, variables");
+  verb->add_option("FILE", options->files, "DXF files; - is the standard input")->required();
+  verb->add_flag("--json", options->json, "One JSON object a line and file");
+  verb->footer(
+      "Examples:\n"
+      "  vek0 info plan.dxf\n"
+      "  vek0 info --json *.dxf | jq -r 'select(.entities.INSERT > 100) | .file'\n\n"
+      "A file with an error is described as far as it could be read; the exit code is then 1.");
+  verb->callback([options, &session] {
+    for (const std::string& path : options->files) describe(path, *options, session);
+  });
+}
+
+}  // namespace vek0::tool

@@ -1,0 +1,47 @@
+#include "options.h"
+
+#include <string>
+
+#include "vek0core/files/textcodec.h"
+
+namespace vek0::tool {
+
+void addReadOptions(CLI::App& app, ReadOptions& options) {
+  CLI::Option* strict = app.add_flag("--strict", options.strict,
+                                     "Refuse files that break a rule, skip what has no class here");
+  app.add_flag("--paper-space", options.paperSpace, "Read the sheets instead of the model")
+      ->excludes(strict);
+  app.add_option_function<std::string>(
+         "--encoding",
+         [&options](const std::string& name) { options.codePage = codePageFromName(name); },
+         "Encoding of texts whatever the file says: utf-8, windows-1251, cp932, iso-8859-2 ...")
+      ->check([](const std::string& name) {
+        return codePageFromName(name) == kCodePageAuto ? "'" + name + "' is not a known encoding"
+                                                       : std::string();
+      });
+}
+
+void addSaveOptions(CLI::App& verb, SaveOptions& options) {
+  verb.add_flag("--flatten", options.flatten, "Write every point with Z = 0");
+  verb.add_flag("--visible-only", options.visibleOnly,
+                "Leave out entities on layers that are frozen or off");
+  verb.add_flag("--no-tables", options.noTables, "Write blocks and entities only");
+  verb.add_flag("--plain", options.plain,
+                "Write the classic form: six decimals, chords for arcs in polylines");
+  verb.add_flag("-f,--force", options.force, "Replace the output file if it exists");
+}
+
+void addReferenceOptions(CLI::App& verb, ReferenceOptions& options) {
+  verb.add_option("--search", options.searched,
+                  "Look for references in this folder too; may be given again")
+      ->type_name("DIR")
+      ->allow_extra_args(false)
+      ->check(CLI::ExistingDirectory);
+  verb.add_option("--allow", options.allowed,
+                  "References may lead to files in or below this folder; may be given again")
+      ->type_name("DIR")
+      ->allow_extra_args(false)
+      ->check(CLI::ExistingDirectory);
+}
+
+}  // namespace vek0::tool

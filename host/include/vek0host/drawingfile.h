@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "vek0core/vek0core.h"
+#include "vek0host/inputfault.h"
+#include "vek0host/session.h"
+
+namespace vek0::host {
+
+using Drawing = CDataPtr;
+
+/// Result of reading one file.
+struct ReadResult {
+  CFileDXFIResult outcome;  ///< result, version and encoding
+  CFileDXFIError error;     ///< no error if the drawing is complete
+  CFileReport report;       ///< what was skipped or repaired
+  InputFault fault;         ///< why nothing was read
+  bool onPaper = false;     ///< the sheets were requested instead of the model
+
+  bool ok() const { return outcome.status == CFileDXFIResult::Done; }
+  bool opened() const { return outcome.status != CFileDXFIResult::NotOpened; }
+  /// Word for the fault or the error, "file missing" or "wrong structure"; empty on success.
+  std::string kind() const;
+  /// One sentence with the line, or an empty text on success.
+  std::string message() const;
+  /// Describes what was skipped because it is on a sheet, or in the model if a sheet was requested:
+  /// "3 entities are on a sheet, which --paper-space shows", or an empty text.
+  std::string elsewhere() const;
+};
+
+/// A new, empty drawing.
+Drawing newDrawing();
+
+/// The file `path` ("-": standard input), closed, as `session.onRead` returns it.
+std::unique_ptr<IFile> openForReading(const std::string& path, const Session& session);
+
+/// Size of the file in bytes; 0 if unknown.
+std::uintmax_t sizeOf(const std::string& path);
+
+/// Reads `path` ("-": standard input) into an empty drawing according to the session. Tolerant
+/// reading always keeps the names of fonts, strict reading only with `keepFontNames`.
+ReadResult loadFile(CData& data, const std::string& path, const Session& session,
+                    bool keepFontNames = false);
+
+/// The session's options for reading drawings; without a report.
+CFileDXFIOptions readingOptions(const Session& session);
+
+/// Merges `path` into a drawing that has content.
+ReadResult importFile(CData& data, const std::string& path, const Session& session);
+
+}  // namespace vek0::host

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "vek0core/vek0core.h"
+
+namespace vek0::host {
+
+/// State of a drawing between the steps of an edit.
+struct Editing {
+  CData& data;
+  CUndoStack& undo;           ///< records every change
+  std::vector<CEnt*> chosen;  ///< entities that the next step works on, in drawing order
+};
+
+/// Result of a step: what it has done, or why it failed. A failed step may have made changes; undo
+/// reverts them.
+struct StepOutcome {
+  bool ok;
+  std::string text;
+
+  static StepOutcome done(std::string text) { return {true, std::move(text)}; }
+  static StepOutcome failed(std::string text) { return {false, std::move(text)}; }
+  static StepOutcome noMemory() { return failed("there is not enough memory"); }
+};
+
+/// An operation on the drawing, with its values bound.
+using EditStep = std::function<StepOutcome(Editing&)>;
+
+/// "1 line", "3 lines".
+std::string counted(std::size_t count, const char* one, const char* many);
+inline std::string countedEntities(std::size_t count) {
+  return counted(count, "entity", "entities");
+}
+
+}  // namespace vek0::host

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "vek0host/editing.h"
+
+namespace vek0::host {
+
+/// One kind of step on the command line. `read` creates the step from the option's value and
+/// returns an empty text, or an error message.
+struct StepKind {
+  const char* option;
+  const char* value;  ///< name of the value in the help; null for a step without a value
+  const char* help;
+  std::string (*read)(const std::string& text, EditStep& step);
+};
+
+/// All kinds, in help order.
+const std::vector<StepKind>& stepKinds();
+
+// --- The readers of the kinds, see `StepKind::read`
+
+/// "all", or "layer=A,B*,kind=line,arc,window=x1,y1,x2,y2" with any of the three. A value without a
+/// keyword continues the previous list; quotes allow commas and equals signs in a name.
+std::string readSelect(const std::string& text, EditStep& step);
+
+std::string readMove(const std::string& text, EditStep& step);    ///< "dx,dy" or "dx,dy,dz"
+std::string readRotate(const std::string& text, EditStep& step);  ///< "degrees@x,y"
+std::string readScale(const std::string& text, EditStep& step);   ///< "factor@x,y"
+std::string readDelete(const std::string& text, EditStep& step);  ///< without a value
+
+std::string readExplode(const std::string& text, EditStep& step);  ///< without a value
+std::string readJoin(const std::string& text, EditStep& step);     ///< a tolerance, or "auto"
+/// A distance, optionally followed by ",round", ",mitre" or ",bevel" for the corners.
+std::string readOffset(const std::string& text, EditStep& step);
+
+std::string readSetLayer(const std::string& text, EditStep& step);  ///< a name
+/// A number from 0 to 256 or a color's name, BYLAYER and BYBLOCK among them.
+std::string readSetColor(const std::string& text, EditStep& step);
+std::string readSetLtype(const std::string& text, EditStep& step);  ///< a name
+
+std::string readRemapLayer(const std::string& text, EditStep& step);  ///< "OLD=NEW"
+std::string readRemapLtype(const std::string& text, EditStep& step);  ///< likewise
+std::string readRemapStyle(const std::string& text, EditStep& step);  ///< likewise
+
+std::string readPurge(const std::string& text, EditStep& step);  ///< without a value
+
+// --- Shared helpers
+
+/// Wraps the step `work` so that it fails if nothing is selected.
+EditStep onChosen(EditStep work);
+
+/// The layer of that name, created if necessary, like `model`, or with color 7 if that is null.
+/// Null when out of memory, for a pattern, and for a nonexistent layer of an external reference:
+/// only the reference could define it.
+CLayer* needLayer(Editing& editing, const zim::WString& name, const CLayer* model);
+
+}  // namespace vek0::host

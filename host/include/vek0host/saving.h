@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "vek0core/drawing/data.h"
+#include "vek0host/drawingfile.h"
+#include "vek0host/session.h"
+
+namespace vek0::host {
+
+/// Options common to all commands that write a drawing.
+struct SaveOptions {
+  bool flatten = false;
+  bool visibleOnly = false;
+  bool noTables = false;
+  bool plain = false;
+  bool force = false;
+
+  /// The flags of `SaveDXF`.
+  unsigned flags() const;
+};
+
+/// Warns about losses and changes in reading `in`, unless the session is quiet.
+void tellLosses(const std::string& in, const ReadResult& result, const Session& session);
+
+/// The common part of all commands that write a drawing: loads `in`, calls `change` with the
+/// drawing and the read result, saves it as `out`. Prints an error and sets the exit code if one of
+/// them fails (`change` returns whether to continue), and warns about what could not be written. If
+/// `out` cannot be written, nothing is loaded. Returns the number of bytes written; 0 if none.
+std::uintmax_t rewrite(const std::string& in, const std::string& out, const SaveOptions& options,
+                       Session& session,
+                       const std::function<bool(CData&, const ReadResult&)>& change);
+
+}  // namespace vek0::host

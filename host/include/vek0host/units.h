@@ -1,0 +1,27 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vek0core/drawing/data.h"
+
+namespace vek0::host {
+
+/// Name of a drawing unit ("mm", "in", ...) by the number that files state it by
+/// (`$INSUNITS`); null for none and unknown ones.
+const char* unitName(long code);
+
+/// The names that `unitInMetres` accepts.
+std::vector<std::string> unitNames();
+
+/// Length of a unit in meters; nothing for an unknown name.
+std::optional<double> unitInMetres(std::string_view name);
+
+/// Scales everything in model space by `factor` (greater than 0) about the origin, inserts through
+/// their scales, along with the drawing's variables and text styles that are in drawing units.
+/// Block definitions are unchanged. Linear.
+void scaleDrawing(CData& data, double factor);
+
+}  // namespace vek0::host

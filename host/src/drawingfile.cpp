@@ -1,0 +1,161 @@
+#include "vek0host/drawingfile.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <utility>
+
+#include "vek0host/paths.h"
+
+namespace vek0::host {
+namespace {
+
+constexpr long kRead = 1;
+const char* const kStandardInput = "/dev/stdin";
+
+std::string readStandardInput() {
+  std::string bytes;
+  char buffer[65536];
+  while (const std::size_t got = std::fread(buffer, 1, sizeof buffer, stdin)) {
+    bytes.append(buffer, got);
+  }
+  return bytes;
+}
+
+// As large as the drawing, so only used if that is read twice or the platform has no such file.
+std::unique_ptr<IFile> keptStandardInput() {
+  static const std::string bytes = readStandardInput();
+  return std::make_unique<CFileMemory>(u"-", kRead, bytes);
+}
+
+std::unique_ptr<IFile> openStandardInput(bool isKept) {
+#ifdef _WIN32
+  isKept = true;
+#endif
+  auto direct = std::make_unique<CFileStdLib>(zim::WString::fromUtf8(kStandardInput), kRead);
+  if (isKept || !direct->open()) return keptStandardInput();
+  direct->close();
+  return direct;
+}
+
+using Reader = CFileDXFIResult (*)(CData&, IFile&, CFileDXFIError*, const CFileDXFIOptions&);
+
+ReadResult readWith(Reader reader, CData& data, const std::string& path, const Session& session,
+                    bool keepFontNames) {
+  ReadResult result;
+  result.fault = inputFault(path);
+  if (result.fault.kind) return result;
+  const std::unique_ptr<IFile> file = openForReading(path, session);
+  CFileDXFIOptions options = readingOptions(session);
+  options.report = &result.report;
+  result.onPaper = options.policy.paperSpace;
+  options.policy.keepFontNames |= keepFontNames;
+  result.outcome = reader(data, *file, &result.error, options);
+  if (!result.opened()) result.fault = {"file unreadable", "The file cannot be opened."};
+  return result;
+}
+
+const char* nameOf(CFileDXFIError::TDXFErrors kind) {
+  switch (kind) {
+    case CFileDXFIError::EmptyGroupCode:
+      return "empty group code";
+    case CFileDXFIError::EmptyNumber:
+      return "empty number";
+    case CFileDXFIError::BlockNotFound:
+      return "block not found";
+    case CFileDXFIError::XRefNotFound:
+      return "reference not found";
+    case CFileDXFIError::XRefNotCreated:
+      return "reference not created";
+    case CFileDXFIError::WrongStructure:
+      return "wrong structure";
+    case CFileDXFIError::OutOfRange:
+      return "out of range";
+    case CFileDXFIError::EntityNotBuilt:
+      return "entity not built";
+    case CFileDXFIError::LtypeNotFound:
+      return "linetype not found";
+    case CFileDXFIError::FontNotFound:
+      return "font not found";
+    case CFileDXFIError::NewerVersion:
+      return "newer version";
+    case CFileDXFIError::InconsistentRecord:
+      return "inconsistent record";
+    default:
+      return "general error";
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<IFile> openForReading(const std::string& path, const Session& session) {
+  if (path == "-") return openStandardInput(session.readsTwice);
+  auto file = std::make_unique<CFileStdLib>(toName(toPath(path)), kRead);
+  if (session.quiet || !session.onRead) return file;
+  std::error_code failure;
+  const auto size = std::filesystem::file_size(toPath(path), failure);
+  return failure ? std::move(file) : session.onRead(std::move(file), size, path);
+}
+
+std::uintmax_t sizeOf(const std::string& path) {
+  std::error_code failure;
+  const std::uintmax_t size =
+      std::filesystem::file_size(toPath(path == "-" ? kStandardInput : path), failure);
+  return failure ? 0 : size;
+}
+
+std::string ReadResult::kind() const {
+  if (fault.kind) return fault.kind;
+  if (ok()) return "";
+  switch (error.GetForm()) {
+    case CFileDXFIError::BinaryForm:
+      return "binary dxf";
+    case CFileDXFIError::DwgForm:
+      return "dwg";
+    case CFileDXFIError::EmptyForm:
+      return "empty file";
+    default:
+      return nameOf(error.GetErrorType());
+  }
+}
+
+std::string ReadResult::message() const {
+  if (fault.kind) return fault.message;
+  return error.HasAnError() ? error.GetFullMessage().toUtf8() : std::string();
+}
+
+std::string ReadResult::elsewhere() const {
+  long counts[2] = {0, 0};  // in the other space; on sheets that no option shows
+  for (const CFileReport::Entry& entry : report.entries())
+    if (entry.code == std::string_view("on paper")) counts[!entry.sample.empty()] += entry.count;
+  const long count = counts[0] > 0 ? counts[0] : counts[1];
+  if (count == 0) return {};
+  const char* where = "on other sheets, which are not read; --paper-space shows the current one";
+  if (counts[0] > 0 && onPaper) where = "in model space, which is shown without --paper-space";
+  if (counts[0] > 0 && !onPaper) where = "on a sheet, which --paper-space shows";
+  return std::to_string(count) + (count == 1 ? " entity is " : " entities are ") + where;
+}
+
+CFileDXFIOptions readingOptions(const Session& session) {
+  CFileDXFIOptions options;
+  if (!session.reading.strict) options.policy = CFileDXFIPolicy::forAnyFile();
+  options.policy.paperSpace = session.reading.paperSpace;
+  options.policy.hatchOutlines = session.reading.hatchOutlines;
+  options.codePage = session.reading.codePage;
+  return options;
+}
+
+Drawing newDrawing() {
+  CDataFactory factory;
+  return Drawing(factory.createData());
+}
+
+ReadResult loadFile(CData& data, const std::string& path, const Session& session,
+                    bool keepFontNames) {
+  return readWith(loadDXF, data, path, session, keepFontNames);
+}
+
+ReadResult importFile(CData& data, const std::string& path, const Session& session) {
+  return readWith(importDXF, data, path, session, false);
+}
+
+}  // namespace vek0::host

@@ -1,0 +1,61 @@
+#include "vek0host/linetypefile.h"
+
+#include "vek0host/drawingfile.h"
+#include "vek0host/summary.h"
+
+namespace vek0::host {
+namespace {
+
+constexpr double kUpright = 0, kNormalWidth = 1, kFirstHeight = 1;
+
+}  // namespace
+
+CStyle* StyleMaker::Notify(const zim::WString& styleName) {
+  const ICADFont* const font = CFontTable::getInstance().getDefault();
+  CStyle* const style =
+      m_factory.create(styleName, font, 0, kNormalWidth, kUpright, kFirstHeight, 0);
+  if (!style) return nullptr;
+  m_styles.add(style);
+  m_made.push_back(styleName.toUtf8());
+  return style;
+}
+
+InputFault loadLinetypes(CLtypeLoader& loader, const std::string& path) {
+  const InputFault fault = inputFault(path);
+  if (fault.kind) return fault;
+  Session quiet;
+  quiet.quiet = true;
+  loader.Load(*openForReading(path, quiet));
+  switch (loader.GetStatus()) {
+    case CLtypeLoader::Done:
+      return {};
+    case CLtypeLoader::NoMemory:
+      return {"general error", "There is not enough memory."};
+    default:
+      return {"file unreadable", "The file cannot be read to its end."};
+  }
+}
+
+bool addLinetypes(CData& data, const std::string& path, Session& session) {
+  StyleMaker maker(data.getStyleTable(), data.getStyleFactory());
+  CLtypeLoader loader(data.getStyleTable(), data.getLtypeFactory());
+  loader.SetNotifier(&maker);
+  const InputFault fault = loadLinetypes(loader, path);
+  if (fault.kind) {
+    session.complain(path + ": " + fault.message);
+    session.failed(kDrawingFailed);
+    return false;
+  }
+  addLtypes(data, loader);
+  if (session.quiet) return true;
+  for (const std::string& style : maker.made()) {
+    session.complain(path + ": the style '" + style + "' was made with the default font");
+  }
+  if (!loader.GetReport().empty()) {
+    session.complain(path + ": not everything could be read as it was:",
+                     reportToText(loader.GetReport()));
+  }
+  return true;
+}
+
+}  // namespace vek0::host

@@ -1,0 +1,152 @@
+#include "vek0host/outputfile.h"
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <utility>
+
+#include "vek0core/files/filememory.h"
+#include "vek0core/files/filestdlib.h"
+#include "vek0host/paths.h"
+
+namespace vek0::host {
+namespace {
+
+constexpr long kWrite = 2;
+
+// Name of the temporary file for the signal handler, which may only read plain
+// memory; one output is open at a time.
+std::filesystem::path::value_type g_unfinished[4096];
+
+void removeUnfinished() {
+#ifdef _WIN32
+  _wremove(g_unfinished);
+#else
+  std::remove(g_unfinished);
+#endif
+}
+
+void removeAndEnd(int signal) {
+  if (g_unfinished[0]) removeUnfinished();
+  std::_Exit(128 + signal);
+}
+
+// Signals that are ignored (nohup) stay ignored.
+void endCleanlyOn(int signal) {
+  if (std::signal(signal, removeAndEnd) == SIG_IGN) std::signal(signal, SIG_IGN);
+}
+
+void watchForInterruption(const std::filesystem::path::string_type& temporary) {
+  if (temporary.size() >= std::size(g_unfinished)) return;
+  temporary.copy(g_unfinished, temporary.size());
+  g_unfinished[temporary.size()] = 0;
+  endCleanlyOn(SIGINT);
+  endCleanlyOn(SIGTERM);
+#ifndef _WIN32
+  endCleanlyOn(SIGHUP);
+  endCleanlyOn(SIGPIPE);
+  std::signal(SIGXFSZ, SIG_IGN);  // exceeding the file size limit becomes a failed write
+#endif
+}
+
+// In the target's folder, so that the rename stays within one file system. Not derived from its
+// name, which may already have the maximum length.
+std::filesystem::path temporaryFor(const std::filesystem::path& target) {
+  std::random_device random;
+  return target.parent_path() / (".vek0-" + std::to_string(random()) + ".tmp");
+}
+
+// The target of links, existing or not; empty if they are circular.
+std::filesystem::path followed(std::filesystem::path path) {
+  constexpr int kMostLinks = 40;
+  std::error_code failure;
+  for (int i = 0; i < kMostLinks; ++i) {
+    if (!std::filesystem::is_symlink(path, failure)) return path;
+    path = path.parent_path() / std::filesystem::read_symlink(path, failure);
+  }
+  return {};
+}
+
+}  // namespace
+
+OutputFile::OutputFile(const std::string& path, bool force, Content content)
+    : m_target(toPath(path)) {
+  if (path == "-") {
+    m_file = std::make_unique<CFileMemory>(u"-", kWrite);
+    return;
+  }
+  m_target = followed(m_target);  // a link stays a link: what it points to is written
+  m_error = faultOf(path, force);
+  if (!m_error.empty()) return;
+  m_temporary = temporaryFor(m_target);
+  watchForInterruption(m_temporary.native());
+  createTemporary();
+  auto file = std::make_unique<CFileStdLib>(toName(m_temporary), kWrite);
+  if (content == Bytes) file->setLineEnd(CFileStdLib::Lf);
+  m_file = std::move(file);
+}
+
+std::string OutputFile::faultOf(const std::string& path, bool force) const {
+  std::error_code ignored;
+  const auto status = std::filesystem::status(m_target, ignored);
+  if (m_target.empty()) return "'" + path + "' is a link that leads to itself";
+  if (std::filesystem::is_directory(status)) return "'" + path + "' is a folder";
+  // Renaming would replace the pipe or device by a file.
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+    return "'" + path + "' is not a regular file";
+  if (!force && std::filesystem::exists(status)) return "'" + path + "' exists; -f replaces it";
+  if (m_target.has_parent_path() && !std::filesystem::is_directory(m_target.parent_path(), ignored))
+    return "the folder of '" + path + "' does not exist";
+  return {};
+}
+
+// Until it is in place, only the owner may read it: the file that it replaces may be private.
+void OutputFile::createTemporary() {
+  std::error_code ignored;
+  std::ofstream(m_temporary).close();
+  m_permissions = std::filesystem::status(m_temporary, ignored).permissions();
+  const auto before = std::filesystem::status(m_target, ignored);
+  if (std::filesystem::exists(before)) m_permissions = before.permissions();
+  using std::filesystem::perms;
+  std::filesystem::permissions(m_temporary, perms::owner_read | perms::owner_write, ignored);
+}
+
+OutputFile::~OutputFile() {
+  g_unfinished[0] = 0;
+  std::error_code ignored;
+  if (!m_temporary.empty()) std::filesystem::remove(m_temporary, ignored);
+}
+
+std::uintmax_t OutputFile::size() const {
+  if (m_target == "-") return static_cast<const CFileMemory&>(*m_file).bytes().size();
+  std::error_code failure;
+  const auto size =
+      std::filesystem::file_size(m_temporary.empty() ? m_target : m_temporary, failure);
+  return failure ? 0 : size;
+}
+
+bool OutputFile::commit() {
+  if (m_temporary.empty()) return writeToStandardOutput();
+  std::error_code failure;
+  std::filesystem::permissions(m_temporary, m_permissions, failure);
+  std::filesystem::rename(m_temporary, m_target, failure);
+  if (failure) {
+    m_error = "'" + toUtf8(m_target) + "' cannot be written: " + failure.message();
+    return false;
+  }
+  m_temporary.clear();
+  return true;
+}
+
+bool OutputFile::writeToStandardOutput() {
+  const std::string& bytes = static_cast<CFileMemory&>(*m_file).bytes();
+  const bool written = std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size();
+  if (written && std::fflush(stdout) == 0) return true;
+  m_error = "the standard output cannot be written";
+  return false;
+}
+
+}  // namespace vek0::host

@@ -1,0 +1,65 @@
+#include "vek0core/tables/colors.h"
+#include "vek0host/editsteps.h"
+
+namespace vek0::host {
+namespace {
+
+// Lets `set` change every chosen entity.
+template <class Set>
+StepOutcome setAll(Editing& editing, const std::string& what, const Set& set) {
+  for (CEnt* ent : editing.chosen) {
+    if (!editing.undo.keepProperties(*ent)) return StepOutcome::noMemory();
+    set(*ent);
+  }
+  // A frozen layer excludes its entities from the extents.
+  editing.data.getEntTable().invalidateBdry();
+  return StepOutcome::done(countedEntities(editing.chosen.size()) + what);
+}
+
+// The number for a color name or for digits; -1 for other texts.
+short colorOf(const zim::WString& name) {
+  for (short color = 0; color <= 256; ++color) {
+    if (zim::equalsIgnoreCase(name, CColors::getInstance()[color]) ||
+        name.toUtf8() == std::to_string(color))
+      return color;
+  }
+  return -1;
+}
+
+}  // namespace
+
+std::string readSetLayer(const std::string& text, EditStep& step) {
+  if (text.empty()) return "a layer needs a name";
+  step = onChosen([text](Editing& editing) {
+    CLayer* layer = needLayer(editing, zim::WString::fromUtf8(text), nullptr);
+    if (layer == nullptr) return StepOutcome::failed("there is no layer " + text);
+    return setAll(editing, " put on layer " + layer->getFullName().toUtf8(),
+                  [layer](CEnt& ent) { ent.setLayer(layer); });
+  });
+  return {};
+}
+
+std::string readSetColor(const std::string& text, EditStep& step) {
+  const short color = colorOf(zim::WString::fromUtf8(text));
+  if (color < 0) return "'" + text + "' is not a color like 3, red, bylayer or byblock";
+  step = onChosen([color](Editing& editing) {
+    return setAll(editing, " colored " + CColors::getInstance()[color].toUtf8(),
+                  [color](CEnt& ent) { ent.setColor(color); });
+  });
+  return {};
+}
+
+std::string readSetLtype(const std::string& text, EditStep& step) {
+  if (text.empty()) return "a linetype needs a name";
+  step = onChosen([text](Editing& editing) {
+    CLtype* ltype = getLtype(editing.data, zim::WString::fromUtf8(text));
+    if (ltype == nullptr)
+      return StepOutcome::failed("there is no linetype " + text +
+                                 "; vek0 convert --linetypes adds those of a definition file");
+    return setAll(editing, " given linetype " + ltype->getFullName().toUtf8(),
+                  [ltype](CEnt& ent) { ent.setLtype(ltype); });
+  });
+  return {};
+}
+
+}  // namespace vek0::host

@@ -1,0 +1,62 @@
+#include "vek0host/saving.h"
+
+#include "vek0host/drawingfile.h"
+#include "vek0host/outputfile.h"
+#include "vek0host/summary.h"
+
+namespace vek0::host {
+
+unsigned SaveOptions::flags() const {
+  return (flatten ? kSaveFlatten : 0u) | (visibleOnly ? kSaveVisibleOnly : 0u) |
+         (noTables ? kSaveNoTables : 0u) | (plain ? 0u : kSaveExchange);
+}
+
+namespace {
+
+bool save(const CData& data, OutputFile& output, const SaveOptions& options, Session& session) {
+  CFileReport report;
+  if (!SaveDXF(data, output.file(), options.flags(), &report)) {
+    session.complain("'" + output.path() + "' cannot be written");
+    session.failed(kOutputFailed);
+    return false;
+  }
+  if (!output.commit()) {
+    session.complain(output.error());
+    session.failed(kOutputFailed);
+    return false;
+  }
+  if (!session.quiet && !report.empty()) {
+    session.complain("not everything could be written as it was:", reportToText(report));
+  }
+  return true;
+}
+
+}  // namespace
+
+void tellLosses(const std::string& in, const ReadResult& result, const Session& session) {
+  const std::string losses = lossesToText(result.report);
+  if (!session.quiet && !losses.empty())
+    session.complain(in + ": what is written will lack or change:", losses);
+}
+
+std::uintmax_t rewrite(const std::string& in, const std::string& out, const SaveOptions& options,
+                       Session& session,
+                       const std::function<bool(CData&, const ReadResult&)>& change) {
+  OutputFile output(out, options.force);
+  if (!output.error().empty()) {
+    session.complain(output.error());
+    session.failed(kOutputFailed);
+    return 0;
+  }
+  const Drawing data = newDrawing();
+  const ReadResult result = loadFile(*data, in, session);
+  if (!result.ok()) {
+    session.complain(in + ": " + result.message());
+    session.failed(kDrawingFailed);
+    return 0;
+  }
+  tellLosses(in, result, session);
+  return change(*data, result) && save(*data, output, options, session) ? output.size() : 0;
+}
+
+}  // namespace vek0::host

@@ -1,0 +1,340 @@
+#include "vek0host/summary.h"
+
+#include <cmath>
+#include <cstdio>
+
+#include "vek0host/units.h"
+#include "vek0host/visibletext.h"
+
+namespace vek0::host {
+namespace {
+
+enum Kind {
+  kPoint,
+  kLine,
+  kXline,
+  kRay,
+  kCircle,
+  kArc,
+  kPolyline,
+  kText,
+  kAttdef,
+  kInsert,
+  kAttrib,
+  kHatch,
+  kFace,
+  kSolid,
+  kTrace
+};
+
+// Determines the row of the counts for each visited entity.
+class KindVisitor final : public IEntVisitor {
+ public:
+  using IEntVisitor::visit;
+  void visit(CEntPnt&) override { kind = kPoint; }
+  void visit(CEntLine& line) override {
+    constexpr Kind kinds[] = {kLine, kRay, kXline};  // as `LineReach` counts them
+    kind = kinds[static_cast<int>(line.getReach())];
+  }
+  void visit(CEntCircle&) override { kind = kCircle; }
+  void visit(CEntArc&) override { kind = kArc; }
+  void visit(CEntPolyline&) override { kind = kPolyline; }
+  void visit(CEntText&) override { kind = kText; }
+  void visit(CEntAttdef&) override { kind = kAttdef; }
+  void visit(CEntInsert&) override { kind = kInsert; }
+  void visit(CEntFixedInsert&) override { kind = kInsert; }
+  void visit(CEntInsertXRef&) override { kind = kInsert; }
+  void visit(CEntAttrib&) override { kind = kAttrib; }
+  void visit(CEntHatch&) override { kind = kHatch; }
+  void visit(CEnt3DFace& face) override {
+    kind = kFace;
+    if (face.getFill() == FaceFill::Solid) kind = kSolid;
+    if (face.getFill() == FaceFill::Trace) kind = kTrace;
+  }
+
+  Kind kind = kPoint;
+};
+
+Json pointToJson(const PNT_3D& p) { return Json::array({p.x, p.y, p.z}); }
+
+bool isFinite(const PNT_3D& p) {
+  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+Json extentsToJson(const CData& data) {
+  const RECT_3D& box = data.getEntTable().getBdry();
+  if (!box.validRegion() || !isFinite(box.min) || !isFinite(box.max)) return nullptr;
+  return Json{{"min", pointToJson(box.min)}, {"max", pointToJson(box.max)}};
+}
+
+std::string ltypeName(const CLtype* ltype) {
+  return ltype ? ltype->getFullName().toUtf8() : std::string("Continuous");
+}
+
+// Every drawing has some initial items. For a failed file they are listed only if they are used.
+bool isTold(const CNamedItem& item, const CData& data, const ReadResult& result) {
+  const bool isGiven = item.isHeld() && &item != data.getStyleTable().getStyleStandard();
+  return result.ok() || isGiven || item.getEntities() > 0;
+}
+
+Json layersToJson(const CData& data, const ReadResult& result) {
+  Json layers = Json::array();
+  for (CData::CLayerIterator it(data, true); const CLayer* layer = *it; ++it) {
+    if (!isTold(*layer, data, result)) continue;
+    layers.push_back({{"name", layer->getFullName().toUtf8()},
+                      {"color", layer->getColor()},
+                      {"linetype", ltypeName(layer->getLtype())},
+                      {"frozen", layer->isFrozen()},
+                      {"locked", layer->isLocked()},
+                      {"off", layer->isOff()}});
+  }
+  return layers;
+}
+
+Json ltypesToJson(const CData& data, const ReadResult& result) {
+  Json names = Json::array();
+  for (CData::CLtypeIterator it(data, true, true); const CLtype* ltype = *it; ++it) {
+    if (isTold(*ltype, data, result)) names.push_back(ltypeName(ltype));
+  }
+  return names;
+}
+
+Json stylesToJson(const CData& data, const ReadResult& result) {
+  Json names = Json::array();
+  // External references have a "STANDARD" of their own each, which no file names.
+  for (CData::CStyleIterator it(data, false); const CStyle* style = *it; ++it) {
+    if (isTold(*style, data, result)) names.push_back(style->getName().toUtf8());
+  }
+  return names;
+}
+
+Json blocksToJson(const CData& data) {
+  Json blocks = Json::array();
+  const CBlockTable& table = data.getBlockTable();
+  for (int i = 0; i < static_cast<int>(table.size()); ++i) {
+    blocks.push_back({{"name", table[i]->getName().toUtf8()}, {"entities", table[i]->size()}});
+  }
+  return blocks;
+}
+
+Json referencesToJson(const CData& data) {
+  Json references = Json::array();
+  const CBlockXRefTable& table = data.getBlockXRefTable();
+  for (int i = 0; i < table.size(); ++i) {
+    references.push_back({{"name", table[i]->getName().toUtf8()},
+                          {"path", table[i]->getPath().toUtf8()},
+                          {"overlay", table[i]->isOverlay()}});
+  }
+  return references;
+}
+
+Json unitsOf(const ReadResult& result) {
+  const char* name = unitName(result.outcome.units);
+  return name ? Json(name) : Json();
+}
+
+Json metricOf(const ReadResult& result) {
+  return result.outcome.measurement < 0 ? Json() : Json(result.outcome.measurement == 1);
+}
+
+// One "name: a, b, c" line, broken off after a screenful of names.
+std::string listLine(const char* title, const std::vector<std::string>& names) {
+  constexpr std::size_t kShown = 20;
+  std::string line = std::string("  ") + title + " (" + std::to_string(names.size()) + "):";
+  for (std::size_t i = 0; i < names.size() && i < kShown; ++i)
+    line += (i ? ", " : " ") + visible(names[i]);
+  if (names.size() > kShown) line += ", ...";
+  return line + "\n";
+}
+
+std::vector<std::string> namesIn(const Json& rows) {
+  std::vector<std::string> names;
+  for (const Json& row : rows) {
+    names.push_back(row.is_string() ? row.get<std::string>() : row["name"].get<std::string>());
+  }
+  return names;
+}
+
+std::string layerLines(const Json& layers) {
+  std::string text = "  layers (" + std::to_string(layers.size()) + "):\n";
+  for (const Json& layer : layers) {
+    text += "    " + visible(layer["name"].get<std::string>()) + ": color " +
+            layer["color"].dump() + ", linetype " + visible(layer["linetype"].get<std::string>());
+    for (const char* state : {"frozen", "locked", "off"}) {
+      if (layer[state].get<bool>()) text += std::string(", ") + state;
+    }
+    text += "\n";
+  }
+  return text;
+}
+
+std::string referenceLines(const Json& references) {
+  std::string text = "  external references (" + std::to_string(references.size()) + "):\n";
+  for (const Json& reference : references) {
+    text += "    " + visible(reference["name"].get<std::string>()) + ": " +
+            visible(reference["path"].get<std::string>()) +
+            (reference["overlay"].get<bool>() ? ", overlay\n" : "\n");
+  }
+  return text;
+}
+
+std::string number(double value) {
+  const Json json = value;
+  return json.dump();
+}
+
+std::string extentsLine(const CData& data) {
+  const RECT_3D& box = data.getEntTable().getBdry();
+  if (!box.validRegion()) return "  extents: none\n";
+  const auto point = [](const PNT_3D& p) {
+    return "(" + number(p.x) + ", " + number(p.y) + ", " + number(p.z) + ")";
+  };
+  return "  extents: " + point(box.min) + " to " + point(box.max) + "\n";
+}
+
+std::string variableLines(const CData& data) {
+  const CDataVariables& vars = data.getVars();
+  const auto onOff = [](bool on) { return on ? "on" : "off"; };
+  const PNT_2D &low = vars.getLimMin(), &high = vars.getLimMax();
+  std::string text = "  limits: (" + number(low.x) + ", " + number(low.y) + ") to (" +
+                     number(high.x) + ", " + number(high.y) + ")\n";
+  text += "  linetype scale: " + number(vars.getLtypeScale()) +
+          ", polyline width: " + number(vars.getPLineWid()) +
+          ", polyline linetype generation: " + onOff(vars.isPLineGen()) + "\n";
+  text += "  angles: base " + number(vars.getAngDir() * 57.29577951308233) + " degrees, " +
+          (vars.isAngClockWise() ? "clockwise" : "counter-clockwise") + ", format " +
+          std::to_string(vars.getAngFormat()) + "; ortho " + onOff(vars.isOrtho()) + "\n";
+  text += "  current: layer " +
+          (vars.getCurLayer() ? visible(vars.getCurLayer()->getFullName()) : "-") + ", linetype " +
+          visible(ltypeName(vars.getCurLtype())) + ", style " +
+          (vars.getCurStyle() ? visible(vars.getCurStyle()->getName()) : "-") + ", color " +
+          std::to_string(vars.getCurColor()) + "\n";
+  return text;
+}
+
+std::string linesOf(const CFileReport& report, ReportSeverity least) {
+  std::string text;
+  for (const auto& entry : report.entries()) {
+    const ReportSeverity severity = severityOf(entry.code);
+    if (severity < least) continue;
+    text += "    " + std::string(nameOf(severity)) + ": " + entry.code;
+    if (!entry.sample.empty()) text += " '" + visible(entry.sample) + "'";
+    text += " (" + std::to_string(entry.count) + (entry.count == 1 ? " time" : " times");
+    if (entry.firstLine > 0) text += ", first at line " + std::to_string(entry.firstLine);
+    text += ")\n";
+  }
+  return text;
+}
+
+std::string unitsText(const ReadResult& result) {
+  const Json units = unitsOf(result), metric = metricOf(result);
+  std::string text;
+  if (!units.is_null()) text += ", units: " + units.get<std::string>();
+  if (!metric.is_null()) text += metric.get<bool>() ? ", metric" : ", imperial";
+  return text;
+}
+
+}  // namespace
+
+EntityCounts::EntityCounts(CData& data) {
+  KindVisitor visitor;
+  for (CEnt* entity : data.getEntTable().getEntityTbl()) {
+    entity->accept(visitor);
+    ++m_counts[visitor.kind];
+    if (const CEntInsertBase* insert = entity->getEntInsert()) {
+      m_counts[kAttrib] += static_cast<long>(insert->GetNoAttribs());
+    }
+  }
+}
+
+Json EntityCounts::toJson() const {
+  Json counts = Json::object();
+  for (std::size_t i = 0; i < kKinds.size(); ++i) {
+    if (m_counts[i] > 0) counts[kKinds[i]] = m_counts[i];
+  }
+  return counts;
+}
+
+std::string EntityCounts::toText() const {
+  std::string text;
+  for (std::size_t i = 0; i < kKinds.size(); ++i) {
+    if (m_counts[i] == 0) continue;
+    text += (text.empty() ? "" : ", ") + std::to_string(m_counts[i]) + " " + kKinds[i];
+  }
+  return text.empty() ? "none" : text;
+}
+
+std::string kindNameOf(CEnt& ent) {
+  KindVisitor visitor;
+  ent.accept(visitor);
+  return EntityCounts::kKinds[visitor.kind];
+}
+
+Json errorToJson(const ReadResult& result) {
+  if (result.ok()) return nullptr;
+  return Json{{"kind", result.kind()},
+              {"line", result.error.GetErrorLine()},
+              {"message", result.message()}};
+}
+
+Json reportToJson(const CFileReport& report) {
+  Json entries = Json::array();
+  for (const auto& entry : report.entries()) {
+    entries.push_back({{"code", entry.code},
+                       {"severity", nameOf(severityOf(entry.code))},
+                       {"count", entry.count},
+                       {"line", entry.firstLine > 0 ? Json(entry.firstLine) : Json()},
+                       {"sample", entry.sample.toUtf8()}});
+  }
+  return entries;
+}
+
+Json summaryToJson(const std::string& path, CData& data, const ReadResult& result) {
+  Json summary;
+  summary["file"] = path;
+  summary["ok"] = result.ok();
+  summary["version"] = result.outcome.version.toUtf8();
+  summary["encoding"] = result.outcome.encoding;
+  summary["units"] = unitsOf(result);
+  summary["metric"] = metricOf(result);
+  summary["error"] = errorToJson(result);
+  summary["report"] = reportToJson(result.report);
+  summary["layers"] = layersToJson(data, result);
+  summary["linetypes"] = ltypesToJson(data, result);
+  summary["styles"] = stylesToJson(data, result);
+  summary["blocks"] = blocksToJson(data);
+  summary["references"] = referencesToJson(data);
+  summary["entities"] = EntityCounts(data).toJson();
+  summary["extents"] = extentsToJson(data);
+  return summary;
+}
+
+std::string summaryToText(const std::string& path, CData& data, const ReadResult& result) {
+  const std::string version = result.outcome.version.toUtf8();
+  std::string text = visible(path) +
+                     "\n  version: " + (version.empty() ? "not stated" : visible(version)) +
+                     ", encoding: " + result.outcome.encoding + unitsText(result) + "\n";
+  text += layerLines(layersToJson(data, result));
+  text += listLine("linetypes", namesIn(ltypesToJson(data, result)));
+  text += listLine("text styles", namesIn(stylesToJson(data, result)));
+  text += listLine("blocks", namesIn(blocksToJson(data)));
+  const Json references = referencesToJson(data);
+  if (!references.empty()) text += referenceLines(references);
+  text += "  entities: " + EntityCounts(data).toText();
+  if (data.getEntTable().getEntityTbl().empty() && !result.elsewhere().empty())
+    text += "; " + result.elsewhere();
+  text += "\n";
+  text += extentsLine(data) + variableLines(data);
+  if (!result.report.empty()) text += "  skipped or repaired:\n" + reportToText(result.report);
+  return text;
+}
+
+std::string lossesToText(const CFileReport& report) {
+  return linesOf(report, ReportSeverity::Change);
+}
+
+std::string reportToText(const CFileReport& report) {
+  return linesOf(report, ReportSeverity::Note);
+}
+
+}  // namespace vek0::host

@@ -1,0 +1,79 @@
+#include "vek0host/textvalues.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdlib>
+
+namespace vek0::host {
+
+namespace {
+
+// Accepts only decimal numbers. Uses the C library, because not every `std::from_chars` supports
+// doubles.
+std::optional<double> numberIn(const std::string& text) {
+  if (text.find_first_not_of("0123456789.eE+-") != std::string::npos) return std::nullopt;
+  char* end = nullptr;
+  const double value = std::strtod(text.c_str(), &end);
+  if (text.empty() || *end != '\0' || !std::isfinite(value)) return std::nullopt;
+  return value;
+}
+
+}  // namespace
+
+std::optional<std::vector<double>> numbersIn(std::string_view text, char separator) {
+  std::vector<double> numbers;
+  while (true) {
+    const std::size_t length = std::min(text.find(separator), text.size());
+    const std::optional<double> number = numberIn(std::string(text.substr(0, length)));
+    if (!number) return std::nullopt;
+    numbers.push_back(*number);
+    if (length == text.size()) return numbers;
+    text.remove_prefix(length + 1);
+  }
+}
+
+bool parseNumbers(std::string_view text, char separator, double* values, std::size_t count) {
+  const auto numbers = numbersIn(text, separator);
+  if (!numbers || numbers->size() != count) return false;
+  std::copy(numbers->begin(), numbers->end(), values);
+  return true;
+}
+
+std::string lowered(std::string text) {
+  for (char& c : text) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return text;
+}
+
+std::optional<std::vector<std::string>> splitUnquoted(std::string_view text, char at) {
+  std::vector<std::string> parts(1);
+  bool isQuoted = false;
+  for (const char c : text) {
+    if (c == '"') isQuoted = !isQuoted;
+    if (c == at && !isQuoted)
+      parts.emplace_back();
+    else
+      parts.back() += c;
+  }
+  if (isQuoted) return std::nullopt;
+  return parts;
+}
+
+std::string unquoted(std::string_view text) {
+  std::string result;
+  bool isQuoted = false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '"') {
+      result += text[i];
+    } else if (isQuoted && i + 1 < text.size() && text[i + 1] == '"') {
+      result += text[++i];
+    } else {
+      isQuoted = !isQuoted;
+    }
+  }
+  return result;
+}
+
+}  // namespace vek0::host

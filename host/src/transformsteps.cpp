@@ -1,0 +1,87 @@
+#include <cmath>
+#include <cstddef>
+#include <optional>
+
+#include "vek0host/editsteps.h"
+#include "vek0host/textvalues.h"
+
+namespace vek0::host {
+namespace {
+
+bool isFinite(const RECT_3D& box) {
+  for (const PNT_3D& corner : {box.min, box.max})
+    if (!std::isfinite(corner.x) || !std::isfinite(corner.y) || !std::isfinite(corner.z))
+      return false;
+  return true;
+}
+
+template <class Visitor>
+EditStep transformStep(Visitor visitor, const char* done) {
+  return onChosen([visitor, done](Editing& editing) {
+    Visitor transform = visitor;
+    for (CEnt* ent : editing.chosen) {
+      if (!editing.undo.keepGeometry(*ent)) return StepOutcome::noMemory();
+      // Entities from files may already have non-finite extents; these are accepted.
+      const bool wasFinite = isFinite(ent->getBdry());
+      ent->accept(transform);
+      if (wasFinite && !isFinite(ent->getBdry()))
+        return StepOutcome::failed("coordinates would become too large for numbers");
+    }
+    editing.data.getEntTable().invalidateBdry();
+    return StepOutcome::done(countedEntities(editing.chosen.size()) + done);
+  });
+}
+
+struct NumberAtPoint {
+  double number;
+  PNT_3D centre;
+};
+
+// "number@x,y"
+std::optional<NumberAtPoint> readNumberAtPoint(const std::string& text) {
+  const std::size_t at = text.find('@');
+  if (at == std::string::npos) return std::nullopt;
+  const auto number = numbersIn(std::string_view(text).substr(0, at));
+  const auto point = numbersIn(std::string_view(text).substr(at + 1));
+  if (!number || number->size() != 1 || !point || point->size() != 2) return std::nullopt;
+  return NumberAtPoint{number->front(), PNT_3D((*point)[0], (*point)[1], 0)};
+}
+
+}  // namespace
+
+std::string readMove(const std::string& text, EditStep& step) {
+  const auto numbers = numbersIn(text);
+  if (!numbers || numbers->size() < 2 || numbers->size() > 3)
+    return "'" + text + "' is not a vector like 12.5,-3 or 0,0,2";
+  const double dz = numbers->size() > 2 ? (*numbers)[2] : 0;
+  step = transformStep(CEntMoveVisitor(PNT_3D((*numbers)[0], (*numbers)[1], dz)), " moved");
+  return {};
+}
+
+std::string readRotate(const std::string& text, EditStep& step) {
+  const auto value = readNumberAtPoint(text);
+  if (!value) return "'" + text + "' is not an angle and a point like 90@10,5";
+  step = transformStep(CEntRotateXYVisitor::byDegrees(value->centre, value->number), " rotated");
+  return {};
+}
+
+std::string readScale(const std::string& text, EditStep& step) {
+  const auto value = readNumberAtPoint(text);
+  if (!value) return "'" + text + "' is not a factor and a point like 2.5@10,5";
+  if (value->number == 0) return "a factor of 0 leaves nothing, and nothing could undo it";
+  step = transformStep(CEntScaleVisitor(value->centre, value->number), " scaled");
+  return {};
+}
+
+std::string readDelete(const std::string&, EditStep& step) {
+  step = onChosen([](Editing& editing) {
+    for (CEnt* ent : editing.chosen)
+      if (!editing.undo.remove(ent)) return StepOutcome::noMemory();
+    const std::size_t count = editing.chosen.size();
+    editing.chosen.clear();
+    return StepOutcome::done(countedEntities(count) + " deleted");
+  });
+  return {};
+}
+
+}  // namespace vek0::host

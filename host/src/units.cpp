@@ -1,0 +1,87 @@
+#include "vek0host/units.h"
+
+#include <iterator>
+
+#include "vek0core/vek0core.h"
+
+namespace vek0::host {
+namespace {
+
+struct Unit {
+  const char* name;
+  double metres;
+};
+
+constexpr double kInch = 0.0254;
+
+// In the order of their numbers in files; the first means none.
+constexpr Unit kUnits[] = {
+    {"", 0},
+    {"in", kInch},
+    {"ft", 12 * kInch},
+    {"mi", 5280 * 12 * kInch},
+    {"mm", 1e-3},
+    {"cm", 1e-2},
+    {"m", 1},
+    {"km", 1e3},
+    {"uin", 1e-6 * kInch},
+    {"mil", 1e-3 * kInch},
+    {"yd", 36 * kInch},
+    {"angstrom", 1e-10},
+    {"nm", 1e-9},
+    {"um", 1e-6},
+    {"dm", 1e-1},
+    {"dam", 1e1},
+    {"hm", 1e2},
+    {"Gm", 1e9},
+    {"au", 149597870700.0},
+    {"ly", 9460730472580800.0},
+    {"pc", 3.0856775814913673e16},
+    {"ft-us", 1200.0 / 3937},
+    {"in-us", 100.0 / 3937},
+    {"yd-us", 3600.0 / 3937},
+    {"mi-us", 5280 * 1200.0 / 3937},
+};
+
+void scaleVariables(CDataVariables& variables, double factor) {
+  const PNT_2D min = variables.getLimMin(), max = variables.getLimMax();
+  variables.setLimMin(PNT_2D(min.x * factor, min.y * factor));
+  variables.setLimMax(PNT_2D(max.x * factor, max.y * factor));
+  variables.setLtypeScale(variables.getLtypeScale() * factor);
+  variables.setPLineWid(variables.getPLineWid() * factor);
+  if (variables.getPointSize() > 0) variables.setPointSize(variables.getPointSize() * factor);
+}
+
+}  // namespace
+
+const char* unitName(long code) {
+  return code > 0 && code < static_cast<long>(std::size(kUnits)) ? kUnits[code].name : nullptr;
+}
+
+std::vector<std::string> unitNames() {
+  std::vector<std::string> names;
+  for (auto unit = std::begin(kUnits) + 1; unit != std::end(kUnits); ++unit)
+    names.emplace_back(unit->name);
+  return names;
+}
+
+std::optional<double> unitInMetres(std::string_view name) {
+  for (const Unit& unit : kUnits)
+    if (unit.metres > 0 && unit.name == name) return unit.metres;
+  return std::nullopt;
+}
+
+void scaleDrawing(CData& data, double factor) {
+  CEntScaleVisitor scaler(PNT_3D(0, 0, 0), factor);
+  CEntTable& entities = data.getEntTable();
+  entities.invalidateBdry();
+  for (CEnt* ent : entities.getEntityTbl()) ent->accept(scaler);
+  entities.recalcBdry();
+  for (CData::CStyleIterator it(data, false); CStyle* style = *it; ++it) {
+    style->setFixedHeight(style->getFixedHeight() * factor);
+    style->setLastHeight(style->getLastHeight() * factor);
+  }
+  scaleVariables(data.getVars(), factor);
+}
+
+}  // namespace vek0::host

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cairo.h>
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "vek0paint/linerasterizer.h"
+#include "vek0paint/sheetpainter.h"
+
+namespace vek0::paint {
+
+struct FACE_FILE;
+
+/// Draws a PNG image or a PDF page with Cairo; strokes of an image use a separate rasterizer. A
+/// page contains real text with embedded glyphs, so that it can be searched and copied.
+class CairoPainter final : public SheetPainter {
+ public:
+  enum Kind { Png, Pdf };
+
+  /// `file` is open, and borrowed like `fonts`. If the image or page cannot be created, `finish`
+  /// fails.
+  CairoPainter(Kind kind, IFile& file, const SHEET& sheet, FontLibrary& fonts);
+
+  /// The reason why an image of this size is refused, or an empty text.
+  static std::string refusal(const SHEET& sheet);
+
+  void begin(const DrawItem& item) override;
+  bool finish() override;
+
+ protected:
+  void plainStroke(const PNT_2D* points, std::size_t count, bool closed) override;
+  void plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) override;
+  void plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
+                 FillRule rule) override;
+  void plainDot(const PNT_2D& at) override;
+  void plainDisc(const PNT_2D& center, double diameter) override;
+  bool plainClip(const PNT_2D* points, std::size_t count) override;
+  void plainPopClip() override;
+  void plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) override;
+
+ private:
+  struct DestroySurface {
+    void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
+  };
+  struct DestroyContext {
+    void operator()(cairo_t* context) const { cairo_destroy(context); }
+  };
+
+  struct DestroyFont {
+    void operator()(cairo_font_face_t* font) const { cairo_font_face_destroy(font); }
+  };
+  using Font = std::unique_ptr<cairo_font_face_t, DestroyFont>;
+
+  PNT_2D pixelOf(const PNT_2D& at) const;
+  bool strokesItself();
+  bool showGlyphs(const DrawText& text, const FaceFont& font);
+  cairo_font_face_t* fontOf(const FACE_FILE& file);
+  enum Path { None, Strokes, Fills, Pixels };  // purpose of the current path
+  void startPath(Path path);
+  void strokeArc(const PNT_2D& center, double radius, double startRad, double sweepRad);
+  void countPoints(std::size_t count);
+  void endPath();
+  bool startGroup(const std::vector<PNT_2D>& ring);
+  void addRing(const PNT_2D* points, std::size_t count, bool reversed);
+
+  Kind m_kind;
+  IFile& m_file;
+  std::unique_ptr<cairo_surface_t, DestroySurface> m_surface;
+  std::unique_ptr<cairo_t, DestroyContext> m_context;
+  std::unique_ptr<LineRasterizer> m_lines;  // set if the image could be created
+  std::vector<PNT_2D> m_chords;             // scratch
+  std::unordered_map<const FACE_FILE*, Font> m_faces;
+  RGB_COLOR m_color;
+  // The active clips: the ring that clips a group, or an empty one.
+  std::vector<std::vector<PNT_2D>> m_clips;
+  double m_clipPixels;  // remaining cost for groups
+  Path m_path = None;
+  std::size_t m_points = 0;  // in the path
+};
+
+}  // namespace vek0::paint

@@ -1,0 +1,131 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "vek0core/tables/font.h"
+#include "vek0draw/painter.h"
+
+class CData;
+
+namespace vek0::paint {
+
+class Face;
+class FontLibrary;
+
+/// Outline of a glyph in the units of its face, y upwards: closed contours, each begun
+/// by a `Move`.
+struct GLYPH_OUTLINE {
+  enum Step : std::uint8_t { Move, Line, Quad, Cubic };  // 1, 1, 2 and 3 points
+
+  std::vector<Step> steps;
+  std::vector<PNT_2D> points;
+  double advance = 0;
+};
+
+/// The file that a face is read from.
+struct FACE_FILE {
+  std::string path;
+  int index = 0;         ///< of the face in the file
+  bool altered = false;  ///< synthetic bold or italic: its glyphs differ from those in the file
+};
+
+/// A glyph of a text, on the device.
+struct FACE_GLYPH {
+  const FACE_FILE* file = nullptr;
+  unsigned index = 0;  ///< in the file's face
+  PNT_2D at;           ///< where its origin lies
+  double size = 0;     ///< of the em square, in the units of the text
+};
+
+/// Receives the contours of a text in device coordinates. Each is closed by the next `move` or by
+/// the end.
+class IOutlineSink {
+ public:
+  virtual ~IOutlineSink() = default;
+  virtual void move(const PNT_2D& to) = 0;
+  virtual void line(const PNT_2D& to) = 0;
+  virtual void quad(const PNT_2D& from, const PNT_2D& control, const PNT_2D& to) = 0;
+  virtual void cubic(const PNT_2D& control1, const PNT_2D& control2, const PNT_2D& to) = 0;
+};
+
+/// A font of a drawing, by the drawing's name for it, measured and drawn with a system face. Its
+/// units are the face's design units, so the height unit is the face's capital height.
+///
+/// Bold and italic faces are searched on first use; a family without them is emboldened and slanted
+/// synthetically. A character that the face lacks is taken from another one, scaled to the same
+/// capital height. Strings are measured and drawn by the same traversal, so the results agree.
+class FaceFont final : public ICADFont {
+ public:
+  double getHeightUnit() const override;
+  double getDescent() const override;
+  double getStringWidth(const zim::WString& text, bool horiz, bool bold,
+                        bool italic) const override;
+
+  /// The glyphs in the order of the text.
+  std::vector<FACE_GLYPH> glyphs(const DrawText& text) const;
+  /// The glyphs' contours.
+  void outline(const DrawText& text, IOutlineSink& sink) const;
+  /// Name of the face's family in UTF-8.
+  std::string family() const;
+  /// Size of the em square in font units, which other programs call the font size.
+  double unitsPerEm() const;
+
+ private:
+  friend class FontLibrary;
+  FaceFont(const zim::WString& name, FontLibrary& library) : ICADFont(name), m_library(library) {}
+
+  Face& face(bool bold, bool italic) const;
+  template <class Visit>
+  double walk(const zim::WString& text, Face& face, Visit&& visit) const;
+
+  FontLibrary& m_library;
+  mutable Face* m_faces[4] = {};
+};
+
+/// System fonts as fonts of drawings. Must outlive the drawings that use them and be destroyed
+/// before `shutdownCore`.
+///
+/// Names are those of drawings: "ARIAL.TTF", "romans.shx", "Liberation Sans". Names of stroke
+/// fonts, which systems lack, select a technical lettering font; other unknown names select the
+/// system's best match. Not thread-safe.
+class FontLibrary {
+ public:
+  FontLibrary();
+  /// Removes the default font from the font table.
+  ~FontLibrary();
+  FontLibrary(const FontLibrary&) = delete;
+  FontLibrary& operator=(const FontLibrary&) = delete;
+
+  /// Makes a font of this library the process-wide default, for styles without a font.
+  void registerFonts();
+  /// Sets the font of every style of the drawing, including those of external references, by its
+  /// font name. Call it before extents of texts are requested.
+  void adopt(const CData& data);
+
+  /// The font for a name; always the same one for the same name. Null if the system has no usable
+  /// font.
+  const FaceFont* font(const zim::WString& name);
+  /// The face font that draws any given font; the default font for null.
+  const FaceFont* drawing(const ICADFont* font);
+
+ private:
+  friend class FaceFont;
+  struct System;
+
+  Face* findFace(const zim::WString& name, bool bold, bool italic);
+  /// A face that has the character; null if the system has none.
+  Face* faceWith(char32_t character);
+  Face* openFace(const std::string& path, int index, bool bold, bool italic);
+
+  std::unique_ptr<System> m_system;
+  std::unordered_map<std::string, std::unique_ptr<Face>> m_faces;  // by path and synthetic style
+  std::unordered_map<char32_t, Face*> m_substitutes;
+  std::unordered_map<zim::WString, std::unique_ptr<FaceFont>> m_fonts;
+  const ICADFont* m_formerDefault = nullptr;
+};
+
+}  // namespace vek0::paint

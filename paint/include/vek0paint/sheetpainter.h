@@ -1,0 +1,38 @@
+#pragma once
+
+#include "vek0paint/clippingpainter.h"
+#include "vek0paint/sheet.h"
+
+class IFile;
+
+namespace vek0::paint {
+
+class FaceFont;
+class FontLibrary;
+
+/// A painter that writes a file. The device coordinates are those of its sheet.
+class SheetPainter : public ClippingPainter {
+ public:
+  /// Writes the remaining data; false if not everything could be written. Call once, after the last
+  /// stroke. The file stays open.
+  virtual bool finish() = 0;
+
+  void text(const DrawText& text) final;
+
+ protected:
+  /// `fonts` is borrowed.
+  SheetPainter(const SHEET& sheet, FontLibrary& fonts)
+      : ClippingPainter(static_cast<double>(sheet.width), static_cast<double>(sheet.height)),
+        m_fonts(fonts) {}
+
+  /// A text inside the box, in the metrics of `font`; `bounds` are its approximate bounds on the
+  /// device.
+  virtual void plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) = 0;
+
+ private:
+  void fillOutlines(const DrawText& text, const FaceFont& font);
+
+  FontLibrary& m_fonts;
+};
+
+}  // namespace vek0::paint

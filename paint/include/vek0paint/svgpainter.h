@@ -1,0 +1,157 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "vek0paint/sheetpainter.h"
+#include "vek0paint/svgclips.h"
+
+namespace vek0::paint {
+
+/// The data of a path in compact form: integer steps of 1/100 device unit, written as differences.
+class SvgPath {
+ public:
+  /// Begins a new subpath, or continues if the path is already there. A path that returns to its
+  /// start is closed.
+  void move(const PNT_2D& to);
+  void line(const PNT_2D& to);
+  /// A curve by its letter ("q", "c"), its control points and its end.
+  void curve(char letter, const PNT_2D* points, std::size_t count);
+  /// An arc of at most half a turn to a point.
+  void arc(double radius, bool clockwise, const PNT_2D& to);
+  void close();
+  void clear() {
+    m_data.clear();
+    m_letter = 0;
+  }
+
+  bool empty() const { return m_data.empty(); }
+  const std::string& data() const { return m_data; }
+
+ private:
+  void add(char letter, std::int64_t number);
+  void add(std::int64_t number);
+  void reached(std::int64_t x, std::int64_t y);
+
+  std::string m_data;
+  char m_letter = 0;              // command that the next numbers continue
+  std::int64_t m_x = 0, m_y = 0;  // current position
+  std::int64_t m_startX = 0, m_startY = 0;
+  int m_segments = 0;  // since the start
+};
+
+/// Records which group drew where, on a coarse grid over the sheet: detects when grouping by layer
+/// would put a fill above later content or below earlier content.
+class CoverGrid {
+ public:
+  CoverGrid(double width, double height);
+  void clear();
+  /// Whether an element of a group may join it (groups are numbered in the order of writing)
+  /// without changing what fills cover.
+  bool admits(const RECT_2D& box, int group, bool isFill);
+  void mark(const RECT_2D& box, int group, bool isFill);
+
+ private:
+  static constexpr int kCells = 32;  // per axis
+  struct CELL {
+    int top = -1, topFill = -1;  // last group that drew here, that filled here; -1: none
+  };
+  static int cellOf(double at, double size);
+  template <class Visit>
+  bool allCells(const RECT_2D& box, Visit&& visit);
+
+  double m_width, m_height;
+  std::vector<CELL> m_cells;
+};
+
+/// Writes well-structured SVG: one group per layer (`layer-WALLS`, also an Inkscape layer), the
+/// entity's handle as the id of its elements (`h1F`), arcs and circles as such, texts as texts or
+/// as outlines.
+///
+/// Where a fill covers earlier content of another layer, or is covered by later content, order
+/// takes precedence over grouping: groups are closed and reopened (`layer-WALLS-2`). The file is
+/// written in blocks.
+class SvgPainter final : public SheetPainter {
+ public:
+  enum Texts { AsText, AsOutlines };
+
+  /// `file` is open, and borrowed like `fonts`.
+  SvgPainter(IFile& file, const SHEET& sheet, FontLibrary& fonts, Texts texts);
+
+  void begin(const DrawItem& item) override;
+  bool finish() override;
+
+ protected:
+  void plainStroke(const PNT_2D* points, std::size_t count, bool closed) override;
+  void plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) override;
+  void plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
+                 FillRule rule) override;
+  void plainDot(const PNT_2D& at) override;
+  void plainDisc(const PNT_2D& center, double diameter) override;
+  bool plainClip(const PNT_2D* points, std::size_t count) override;
+  void plainPopClip() override;
+  void plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) override;
+
+ private:
+  struct Group {
+    std::string layer;  // UTF-8
+    RGB_COLOR color;    // of its first element
+    std::string body = {};
+    int clip = 0;                  // the innermost one that its end is in
+    std::string leavesClips = {};  // the tags that leave it and those around
+  };
+
+  void writeHead(const SHEET& sheet);
+  void write(std::string_view text);
+  void flushGroups();
+  Group& groupOfItem();
+  std::string groupId(const std::string& layer);
+  std::string nextHandleId();
+
+  void reach(const RECT_2D& box, bool isFill);
+  void addElement(std::string_view name, std::string_view rest);
+  void startPath(bool fills);
+  void endPath();
+  static void addRing(SvgPath& path, const PNT_2D* points, std::size_t count, bool reversed);
+  void endEntity();
+  void enterClips();
+  std::string strokeAttribute();
+  std::string fillAttribute() const;
+  std::string textAttributes(const DrawText& text, const FaceFont& font) const;
+
+  IFile& m_file;
+  Texts m_texts;
+  bool m_good = true;
+  std::string m_out;  // not written yet
+
+  CoverGrid m_cover;
+  std::vector<Group> m_groups;                             // not written yet, in their order
+  std::unordered_map<std::string, std::size_t> m_groupOf;  // by the layer
+  std::unordered_set<std::string> m_groupIds;
+  std::size_t m_buffered = 0;                       // bytes in the groups
+  std::unordered_map<vek0::Handle, int> m_handles;  // how many ids each has
+
+  // What begin said.
+  zim::WString m_layer;
+  std::string m_layerUtf8;
+  RGB_COLOR m_color;
+  vek0::Handle m_handle = 0;
+  static constexpr std::size_t kNoGroup = static_cast<std::size_t>(-1);
+  std::size_t m_group = kNoGroup;  // of the layer, once it has drawn something
+
+  // The current entity: its finished elements, the position for the id of the first one, and the
+  // strokes or fills merged into one path.
+  std::string m_elements;
+  int m_elementCount = 0;
+  std::size_t m_idAt = 0;
+  SvgPath m_path;
+  bool m_pathFills = false;
+
+  SvgClips m_clips;  // around what is drawn
+};
+
+}  // namespace vek0::paint

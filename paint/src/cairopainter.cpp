@@ -1,0 +1,381 @@
+#include "vek0paint/cairopainter.h"
+
+#include <cairo-ft.h>
+#include <cairo-pdf.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <numbers>
+#include <vector>
+
+#include "vek0core/files/file.h"
+#include "vek0core/geometry/arc.h"
+#include "vek0paint/fonts.h"
+
+namespace vek0::paint {
+namespace {
+
+constexpr double kPointsPerInch = 72;
+// Cairo's own limit for a side; the pixels take four bytes each.
+constexpr long kMaxSide = 32767;
+constexpr double kMaxPixels = 150e6;  // an A0 sheet at 300 pixels an inch
+// A path is stroked after that many points: the cost of a stroke grows faster than its length, and
+// overlaps have the same color. The cost of a fill does not, and the strips of a solid hatch must
+// stay together, or the background shows through their seams.
+constexpr std::size_t kStrokePoints = 512, kFillPoints = 1 << 16;
+
+// Limit for the cost of clipping per picture, in group pixels of about 8 ns: some seconds. A row of
+// a group costs as much as that many pixels per corner of the boundary.
+constexpr double kMostClipPixels = 400e6, kPixelsPerCorner = 16;
+
+// Axis-aligned rectangles, to which Cairo clips at no cost.
+bool isUpright(const PNT_2D* points, std::size_t count) {
+  constexpr double kNone = 1e-6;
+  if (count < 3) return true;
+  bool sides[2][2] = {};  // whether the even or odd sides are parallel to x, to y
+  for (std::size_t i = 0; i < count; ++i) {
+    const PNT_2D step = points[(i + 1) % count] - points[i];
+    sides[i % 2][0] = sides[i % 2][0] || std::fabs(step.x) > kNone;
+    sides[i % 2][1] = sides[i % 2][1] || std::fabs(step.y) > kNone;
+  }
+  return count == 4 && !(sides[0][0] && sides[0][1]) && !(sides[1][0] && sides[1][1]);
+}
+
+cairo_status_t writeTo(void* file, const unsigned char* bytes, unsigned length) {
+  const bool good = static_cast<IFile*>(file)->writeBytes(reinterpret_cast<const char*>(bytes),
+                                                          static_cast<long>(length));
+  return good ? CAIRO_STATUS_SUCCESS : CAIRO_STATUS_WRITE_ERROR;
+}
+
+double pointsPerUnit(const SHEET& sheet) { return sheet.unitMm / kMmPerInch * kPointsPerInch; }
+
+// The time requested by package builders, otherwise none: equal drawings yield equal bytes.
+std::string creationDate() {
+  const char* const text = std::getenv("SOURCE_DATE_EPOCH");
+  constexpr long long kBeyond = 253402300800;  // year 10000
+  long long count = -1;
+  if (text) std::from_chars(text, text + std::strlen(text), count);
+  if (count < 0 || count >= kBeyond) return {};
+  const std::chrono::sys_seconds moment{std::chrono::seconds(count)};
+  const auto day = std::chrono::floor<std::chrono::days>(moment);
+  const std::chrono::year_month_day date(day);
+  const std::chrono::hh_mm_ss time(moment - day);
+  char iso[32];
+  std::snprintf(iso, sizeof iso, "%04d-%02u-%02uT%02d:%02d:%02dZ", static_cast<int>(date.year()),
+                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
+                static_cast<int>(time.seconds().count()));
+  return iso;
+}
+
+cairo_surface_t* makeSurface(CairoPainter::Kind kind, IFile& file, const SHEET& sheet) {
+  if (kind == CairoPainter::Png) {
+    return cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(sheet.width),
+                                      static_cast<int>(sheet.height));
+  }
+  const double points = pointsPerUnit(sheet);
+  cairo_surface_t* surface =
+      cairo_pdf_surface_create_for_stream(writeTo, &file, static_cast<double>(sheet.width) * points,
+                                          static_cast<double>(sheet.height) * points);
+  if (!sheet.title.empty()) {
+    cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_TITLE, sheet.title.c_str());
+  }
+  cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_CREATE_DATE, creationDate().c_str());
+  return surface;
+}
+
+void setColor(cairo_t* context, const RGB_COLOR& color) {
+  cairo_set_source_rgb(context, color.r / 255.0, color.g / 255.0, color.b / 255.0);
+}
+
+// Contours as Cairo's path.
+class PathSink final : public IOutlineSink {
+ public:
+  explicit PathSink(cairo_t* context) : m_context(context) {}
+  void move(const PNT_2D& to) override { cairo_move_to(m_context, to.x, to.y); }
+  void line(const PNT_2D& to) override { cairo_line_to(m_context, to.x, to.y); }
+  void quad(const PNT_2D& from, const PNT_2D& control, const PNT_2D& to) override {
+    // The same curve one degree higher.
+    const auto towards = [&](const PNT_2D& end) {
+      return PNT_2D(end.x + (control.x - end.x) * 2 / 3, end.y + (control.y - end.y) * 2 / 3);
+    };
+    cubic(towards(from), towards(to), to);
+  }
+  void cubic(const PNT_2D& c1, const PNT_2D& c2, const PNT_2D& to) override {
+    cairo_curve_to(m_context, c1.x, c1.y, c2.x, c2.y, to.x, to.y);
+  }
+
+ private:
+  cairo_t* m_context;
+};
+
+}  // namespace
+
+std::string CairoPainter::refusal(const SHEET& sheet) {
+  const double pixels = static_cast<double>(sheet.width) * static_cast<double>(sheet.height);
+  if (std::max(sheet.width, sheet.height) <= kMaxSide && pixels <= kMaxPixels) return {};
+  return "an image of " + std::to_string(sheet.width) + "x" + std::to_string(sheet.height) +
+         " pixels is too large; the most is " + std::to_string(kMaxSide) +
+         " a side and 150 million in all";
+}
+
+CairoPainter::CairoPainter(Kind kind, IFile& file, const SHEET& sheet, FontLibrary& fonts)
+    : SheetPainter(sheet, fonts),
+      m_kind(kind),
+      m_file(file),
+      m_surface(makeSurface(kind, file, sheet)),
+      m_context(cairo_create(m_surface.get())),
+      m_clipPixels(kMostClipPixels) {
+  cairo_t* context = m_context.get();
+  if (kind == Pdf) cairo_scale(context, pointsPerUnit(sheet), pointsPerUnit(sheet));
+  cairo_set_line_width(context, sheet.lineWidth);
+  cairo_set_line_cap(context, CAIRO_LINE_CAP_ROUND);
+  cairo_set_line_join(context, CAIRO_LINE_JOIN_ROUND);
+  if (!sheet.transparent) {
+    setColor(context, sheet.background);
+    cairo_paint(context);
+  }
+  setColor(context, m_color);
+  unsigned char* pixels = kind == Png ? cairo_image_surface_get_data(m_surface.get()) : nullptr;
+  if (!pixels) return;
+  m_lines = std::make_unique<LineRasterizer>(pixels, sheet.width, sheet.height,
+                                             cairo_image_surface_get_stride(m_surface.get()),
+                                             sheet.lineWidth);
+  m_lines->setColor(m_color);
+}
+
+void CairoPainter::begin(const DrawItem& item) {
+  if (item.color == m_color) return;
+  endPath();
+  m_color = item.color;
+  setColor(m_context.get(), m_color);
+  if (m_lines) m_lines->setColor(m_color);
+}
+
+// Cairo and the rasterizer, which does not support clips, alternate in accessing the pixels.
+bool CairoPainter::strokesItself() {
+  if (!m_lines || isClipping()) return false;
+  if (m_path == Pixels) return true;
+  endPath();
+  cairo_surface_flush(m_surface.get());
+  m_path = Pixels;
+  return true;
+}
+
+void CairoPainter::startPath(Path path) {
+  if (m_path != path) endPath();
+  m_path = path;
+}
+
+void CairoPainter::countPoints(std::size_t count) {
+  m_points += count;
+  if (m_points >= (m_path == Fills ? kFillPoints : kStrokePoints)) endPath();
+}
+
+void CairoPainter::endPath() {
+  if (m_path == Strokes) cairo_stroke(m_context.get());
+  if (m_path == Fills) cairo_fill(m_context.get());
+  if (m_path == Pixels) cairo_surface_mark_dirty(m_surface.get());
+  m_path = None;
+  m_points = 0;
+}
+
+void CairoPainter::plainStroke(const PNT_2D* points, std::size_t count, bool closed) {
+  if (strokesItself()) return m_lines->stroke(points, count, closed);
+  startPath(Strokes);
+  cairo_t* context = m_context.get();
+  cairo_move_to(context, points[0].x, points[0].y);
+  for (std::size_t i = 1; i < count; ++i) cairo_line_to(context, points[i].x, points[i].y);
+  if (closed) cairo_close_path(context);
+  countPoints(count);
+}
+
+void CairoPainter::plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
+  if (strokesItself()) return strokeArc(center, radius, startRad, sweepRad);
+  constexpr std::size_t kPoints = 8;  // approximate cost of an arc
+  startPath(Strokes);
+  cairo_new_sub_path(m_context.get());
+  const auto draw = sweepRad < 0 ? cairo_arc_negative : cairo_arc;
+  draw(m_context.get(), center.x, center.y, radius, startRad, startRad + sweepRad);
+  countPoints(kPoints);
+}
+
+// A deviation of a tenth of a pixel is invisible.
+void CairoPainter::strokeArc(const PNT_2D& center, double radius, double startRad,
+                             double sweepRad) {
+  constexpr double kError = 0.1;
+  const int count = arcChords(sweepRad, kError / std::max(radius, kError));
+  m_chords.clear();
+  for (int i = 0; i <= count; ++i) {
+    const double angle = startRad + sweepRad * i / count;
+    m_chords.emplace_back(center.x + radius * std::cos(angle), center.y + radius * std::sin(angle));
+  }
+  m_lines->stroke(m_chords.data(), m_chords.size(), false);
+}
+
+void CairoPainter::addRing(const PNT_2D* points, std::size_t count, bool reversed) {
+  cairo_new_sub_path(m_context.get());
+  for (std::size_t i = 0; i < count; ++i) {
+    const PNT_2D& p = points[reversed ? count - 1 - i : i];
+    cairo_line_to(m_context.get(), p.x, p.y);
+  }
+  cairo_close_path(m_context.get());
+}
+
+void CairoPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
+                             FillRule rule) {
+  const bool unites = rule == FillRule::NonZero;
+  if (unites)
+    startPath(Fills);
+  else
+    endPath();
+  const bool reversed = unites && turnLeft(points, ends, rings);
+  for (std::size_t ring = 0, start = 0; ring < rings; start = ends[ring++])
+    addRing(points + start, ends[ring] - start, reversed);
+  if (unites) return countPoints(ends[rings - 1]);
+  cairo_set_fill_rule(m_context.get(), CAIRO_FILL_RULE_EVEN_ODD);
+  cairo_fill(m_context.get());
+  cairo_set_fill_rule(m_context.get(), CAIRO_FILL_RULE_WINDING);
+}
+
+// In an image, centered on its pixel: spread over four it would hardly be visible.
+PNT_2D CairoPainter::pixelOf(const PNT_2D& at) const {
+  return m_kind == Png ? PNT_2D(std::floor(at.x) + 0.5, std::floor(at.y) + 0.5) : at;
+}
+
+void CairoPainter::plainDot(const PNT_2D& at) {
+  const PNT_2D dot = pixelOf(at);
+  plainStroke(std::array{dot, dot}.data(), 2, false);
+}
+
+void CairoPainter::plainDisc(const PNT_2D& center, double diameter) {
+  if (strokesItself()) return m_lines->disc(pixelOf(center), diameter);
+  constexpr std::size_t kPoints = 8;  // approximate cost
+  startPath(Fills);
+  cairo_new_sub_path(m_context.get());
+  cairo_arc(m_context.get(), center.x, center.y, diameter / 2, 0, 2 * std::numbers::pi);
+  cairo_close_path(m_context.get());
+  countPoints(kPoints);
+}
+
+// Cairo clips every stroke to a polygon separately. In an image, all strokes are drawn to a group
+// instead, which is clipped once.
+bool CairoPainter::plainClip(const PNT_2D* points, std::size_t count) {
+  endPath();
+  cairo_t* context = m_context.get();
+  std::vector<PNT_2D> ring;
+  cairo_save(context);
+  if (m_kind == Pdf || isUpright(points, count)) {
+    addRing(points, count, false);
+    cairo_set_fill_rule(context, CAIRO_FILL_RULE_EVEN_ODD);
+    cairo_clip(context);
+    cairo_set_fill_rule(context, CAIRO_FILL_RULE_WINDING);
+  } else {
+    ring.assign(points, points + count);
+    if (!startGroup(ring)) {
+      cairo_restore(context);
+      return false;
+    }
+  }
+  m_clips.push_back(std::move(ring));
+  return true;
+}
+
+// Aligned to whole pixels, so that only the ring determines the border.
+bool CairoPainter::startGroup(const std::vector<PNT_2D>& ring) {
+  cairo_t* context = m_context.get();
+  RECT_2D box;
+  box.set(ring.data(), static_cast<int>(ring.size()));
+  const double left = std::floor(box.min.x), top = std::floor(box.min.y);
+  cairo_rectangle(context, left, top, std::ceil(box.max.x) - left, std::ceil(box.max.y) - top);
+  cairo_clip(context);
+  cairo_clip_extents(context, &box.min.x, &box.min.y, &box.max.x, &box.max.y);
+  const double rows = box.max.y - box.min.y;
+  const double cost =
+      (box.max.x - box.min.x + kPixelsPerCorner * static_cast<double>(ring.size())) * rows;
+  if (cost > m_clipPixels) return false;
+  m_clipPixels -= cost;
+  cairo_push_group(context);
+  return true;
+}
+
+void CairoPainter::plainPopClip() {
+  endPath();
+  cairo_t* context = m_context.get();
+  const std::vector<PNT_2D>& ring = m_clips.back();
+  if (!ring.empty()) {
+    cairo_pop_group_to_source(context);
+    addRing(ring.data(), ring.size(), false);
+    cairo_set_fill_rule(context, CAIRO_FILL_RULE_EVEN_ODD);
+    cairo_fill(context);
+  }
+  cairo_restore(context);
+  setColor(context, m_color);
+  m_clips.pop_back();
+}
+
+void CairoPainter::plainText(const DrawText& text, const FaceFont& font,
+                             const RECT_2D& /*bounds*/) {
+  endPath();
+  if (m_kind == Pdf && showGlyphs(text, font)) return;
+  PathSink sink(m_context.get());
+  font.outline(text, sink);
+  cairo_fill(m_context.get());
+}
+
+cairo_font_face_t* CairoPainter::fontOf(const FACE_FILE& file) {
+  const auto [found, isNew] = m_faces.try_emplace(&file);
+  if (isNew) {
+    // Cairo opens the file itself: it keeps fonts longer than we keep our faces.
+    FcPattern* pattern = FcPatternCreate();
+    FcPatternAddString(pattern, FC_FILE, reinterpret_cast<const FcChar8*>(file.path.c_str()));
+    FcPatternAddInteger(pattern, FC_INDEX, file.index);
+    found->second.reset(cairo_ft_font_face_create_for_pattern(pattern));
+    FcPatternDestroy(pattern);
+  }
+  return found->second.get();
+}
+
+// Returns false if the text must be drawn as outlines: a singular matrix puts Cairo into a
+// permanent error state, and altered glyphs are not supported.
+bool CairoPainter::showGlyphs(const DrawText& text, const FaceFont& font) {
+  const AFFINE_2D& m = text.matrix;
+  const std::vector<FACE_GLYPH> glyphs = font.glyphs(text);
+  if (!std::isnormal(m.a * m.d - m.b * m.c)) return false;
+  for (const FACE_GLYPH& glyph : glyphs) {
+    if (glyph.file->altered || cairo_font_face_status(fontOf(*glyph.file))) return false;
+  }
+  std::vector<cairo_glyph_t> run;
+  for (std::size_t i = 0; i < glyphs.size(); ++i) {
+    run.push_back({glyphs[i].index, glyphs[i].at.x, glyphs[i].at.y});
+    if (i + 1 < glyphs.size() && glyphs[i + 1].file == glyphs[i].file) continue;
+    const double size = glyphs[i].size;
+    // A font's y axis points downwards here.
+    const cairo_matrix_t matrix = {m.a * size, m.b * size, -m.c * size, -m.d * size, 0, 0};
+    cairo_set_font_face(m_context.get(), fontOf(*glyphs[i].file));
+    cairo_set_font_matrix(m_context.get(), &matrix);
+    cairo_show_glyphs(m_context.get(), run.data(), static_cast<int>(run.size()));
+    run.clear();
+  }
+  return true;
+}
+
+bool CairoPainter::finish() {
+  endPath();
+  if (cairo_status(m_context.get()) != CAIRO_STATUS_SUCCESS) return false;
+  if (m_kind == Png) {
+    return cairo_surface_write_to_png_stream(m_surface.get(), writeTo, &m_file) ==
+           CAIRO_STATUS_SUCCESS;
+  }
+  cairo_show_page(m_context.get());
+  cairo_surface_finish(m_surface.get());
+  return cairo_surface_status(m_surface.get()) == CAIRO_STATUS_SUCCESS;
+}
+
+}  // namespace vek0::paint

@@ -1,0 +1,138 @@
+#include "vek0paint/linerasterizer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace vek0::paint {
+namespace {
+
+constexpr std::uint32_t kFull = 256;             // coverage of a fully covered pixel
+constexpr std::uint32_t kLanes = 0x00FF00FF;     // two parts of a color, 16 bits each
+constexpr std::uint32_t kRounding = 0x00800080;  // halves of both
+
+// The pixels from 0 to count - 1 whose centers are in [low, high]; false if there are none.
+bool inside(double low, double high, long count, long& first, long& last) {
+  const auto end = static_cast<double>(count);
+  if (!(high >= 0.5 && low <= end - 0.5 && low <= high)) return false;
+  first = low <= 0.5 ? 0 : static_cast<long>(low + 0.5);
+  if (static_cast<double>(first) + 0.5 < low) ++first;
+  last = high >= end - 0.5 ? count - 1 : static_cast<long>(high - 0.5);
+  return first <= last;
+}
+
+}  // namespace
+
+LineRasterizer::LineRasterizer(unsigned char* pixels, long width, long height,
+                               std::ptrdiff_t stride, double lineWidth)
+    : m_pixels(pixels),
+      m_width(width),
+      m_height(height),
+      m_stride(stride),
+      m_reach(reachOf(lineWidth)),
+      m_strength(kFull * std::min(lineWidth, 1.0)),
+      m_mask(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) {}
+
+double LineRasterizer::reachOf(double width) { return std::max(width, 1.0) / 2 + 0.5; }
+
+void LineRasterizer::setColor(const RGB_COLOR& color) {
+  constexpr std::uint32_t opaque = 255;
+  m_redBlue = std::uint32_t{color.r} << 16 | color.b;
+  m_alphaGreen = opaque << 16 | color.g;
+}
+
+std::uint32_t* LineRasterizer::rowOf(long y) const {
+  return reinterpret_cast<std::uint32_t*>(m_pixels + m_stride * y);
+}
+
+// Both lanes at once: old and new values add up to at most 255 * 256.
+void LineRasterizer::mix(std::uint32_t& pixel, std::uint32_t coverage) const {
+  const std::uint32_t left = kFull - coverage;
+  const std::uint32_t redBlue = (pixel & kLanes) * left + m_redBlue * coverage + kRounding;
+  const std::uint32_t alphaGreen =
+      (pixel >> 8 & kLanes) * left + m_alphaGreen * coverage + kRounding;
+  pixel = (redBlue >> 8 & kLanes) | (alphaGreen & ~kLanes);
+}
+
+// A single segment covers each pixel once and needs no mask.
+void LineRasterizer::stroke(const PNT_2D* points, std::size_t count, bool closed) {
+  if (count <= 2) {
+    const auto paint = [this](long x, long y, std::uint32_t coverage) {
+      mix(rowOf(y)[x], coverage);
+    };
+    return forEachPixel(points[0], points[count - 1], paint);
+  }
+  // Adjacent segments share pixels: the nearer one determines the coverage.
+  const auto keep = [this](long x, long y, std::uint32_t coverage) {
+    std::uint16_t& mask = m_mask[static_cast<std::size_t>(y) * static_cast<std::size_t>(m_width) +
+                                 static_cast<std::size_t>(x)];
+    if (coverage <= mask) return;
+    if (mask == 0) m_touched.push_back({rowOf(y) + x, &mask});
+    mask = static_cast<std::uint16_t>(coverage);
+  };
+  for (std::size_t i = 1; i < count; ++i) forEachPixel(points[i - 1], points[i], keep);
+  if (closed) forEachPixel(points[count - 1], points[0], keep);
+  blend();
+}
+
+// A stroke of zero length is a disc with the diameter of the line width.
+void LineRasterizer::disc(const PNT_2D& center, double diameter) {
+  const double reach = std::exchange(m_reach, reachOf(diameter));
+  const double strength = std::exchange(m_strength, double{kFull});
+  stroke(&center, 1, false);
+  m_reach = reach;
+  m_strength = strength;
+}
+
+template <class Cover>
+void LineRasterizer::forEachPixel(const PNT_2D& from, const PNT_2D& to, const Cover& cover) {
+  Segment s = {from, {1, 0}, std::hypot(to.x - from.x, to.y - from.y), 0, m_reach, 0, 0};
+  if (s.length > 0) s.way.set((to.x - from.x) / s.length, (to.y - from.y) / s.length);
+  if (s.way.y != 0) {
+    s.slope = s.way.x / s.way.y;
+    s.half = std::fabs(m_reach / s.way.y);
+  }
+  s.low = std::min(from.x, to.x) - m_reach;
+  s.high = std::max(from.x, to.x) + m_reach;
+  long first, last;
+  if (!inside(std::min(from.y, to.y) - m_reach, std::max(from.y, to.y) + m_reach, m_height, first,
+              last))
+    return;
+  for (long y = first; y <= last; ++y) row(y, s, cover);
+}
+
+// Visits the pixels of a row whose centers are within reach of the segment. Beyond an end, the
+// distance to that end is used.
+template <class Cover>
+void LineRasterizer::row(long y, const Segment& s, const Cover& cover) {
+  const double dy = static_cast<double>(y) + 0.5 - s.from.y;
+  double low = s.low, high = s.high;
+  if (s.way.y != 0) {
+    const double middle = s.from.x + dy * s.slope;
+    low = std::max(low, middle - s.half);
+    high = std::min(high, middle + s.half);
+  }
+  long first, last;
+  if (!inside(low, high, m_width, first, last)) return;
+  const double dx = static_cast<double>(first) + 0.5 - s.from.x;
+  double along = dx * s.way.x + dy * s.way.y, across = dy * s.way.x - dx * s.way.y;
+  for (long x = first; x <= last; ++x, along += s.way.x, across -= s.way.y) {
+    double distance = std::fabs(across);
+    if (along < 0 || along > s.length) {
+      const double beyond = along < 0 ? along : along - s.length;
+      distance = std::sqrt(across * across + beyond * beyond);
+    }
+    const double share = std::min(m_reach - distance, 1.0);
+    if (share > 0) cover(x, y, static_cast<std::uint32_t>(share * m_strength + 0.5));
+  }
+}
+
+void LineRasterizer::blend() {
+  for (const Place& place : m_touched) {
+    mix(*place.pixel, *place.mask);
+    *place.mask = 0;
+  }
+  m_touched.clear();
+}
+
+}  // namespace vek0::paint

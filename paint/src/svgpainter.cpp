@@ -1,0 +1,571 @@
+#include "vek0paint/svgpainter.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <numbers>
+
+#include "vek0core/files/file.h"
+#include "vek0paint/fonts.h"
+
+namespace vek0::paint {
+namespace {
+
+constexpr std::size_t kBlock = 1 << 16;
+// Groups are written at the latest when they reach this size.
+constexpr std::size_t kBuffered = 1 << 28;
+constexpr double kStepsPerUnit = 100;
+constexpr double kFullTurn = 2 * std::numbers::pi;
+
+std::int64_t toSteps(double value) { return std::llround(value * kStepsPerUnit); }
+
+// Whether ends are equal up to rounding.
+bool isNear(std::int64_t a, std::int64_t b) { return std::abs(a - b) <= 1; }
+
+// Formats steps as the shortest decimal number: "-.5", "12", "0".
+void appendSteps(std::string& out, std::int64_t steps) {
+  if (steps < 0) out += '-';
+  const auto magnitude = static_cast<std::uint64_t>(steps < 0 ? -steps : steps);
+  const std::uint64_t whole = magnitude / 100, part = magnitude % 100;
+  char digits[24];
+  if (whole > 0 || part == 0) {
+    out.append(digits, std::to_chars(digits, digits + sizeof digits, whole).ptr);
+  }
+  if (part == 0) return;
+  out += '.';
+  out += static_cast<char>('0' + part / 10);
+  if (part % 10 > 0) out += static_cast<char>('0' + part % 10);
+}
+
+std::string lengthText(double value) {
+  std::string text;
+  appendSteps(text, toSteps(value));
+  return text;
+}
+
+// For factors of unknown magnitude: as many digits as a picture can show.
+std::string factorText(double value) {
+  char digits[32];
+  const double unsignedZero = value + 0.0;
+  const auto end =
+      std::to_chars(digits, digits + sizeof digits, unsignedZero, std::chars_format::general, 7)
+          .ptr;
+  return std::string(digits, end);
+}
+
+std::string colorText(const RGB_COLOR& color) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::string text = "#";
+  for (const std::uint8_t part : {color.r, color.g, color.b}) {
+    text += kDigits[part >> 4];
+    text += kDigits[part & 15];
+  }
+  return text;
+}
+
+// Removes characters that are invalid in XML: control characters, U+FFFE and U+FFFF.
+std::string withoutNonCharacters(std::string_view utf8) {
+  std::string out;
+  out.reserve(utf8.size());
+  for (std::size_t i = 0; i < utf8.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(utf8[i]);
+    if (utf8.substr(i, 2) == "\xEF\xBF" && i + 2 < utf8.size() &&
+        static_cast<unsigned char>(utf8[i + 2]) >= 0xBE) {
+      i += 2;
+    } else if (byte == '\t') {
+      out += ' ';
+    } else if (byte >= 0x20 && byte != 0x7F) {
+      out += utf8[i];
+    }
+  }
+  return out;
+}
+
+std::string escaped(std::string_view utf8) {
+  std::string out;
+  for (const char c : withoutNonCharacters(utf8)) {
+    switch (c) {
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      default:
+        out += c;
+    }
+  }
+  return out;
+}
+
+std::string idPart(const std::string& layer) {
+  std::string id;
+  for (const char c : withoutNonCharacters(layer)) {
+    const bool plain = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') ||
+                       c == '-' || c == '_' || static_cast<unsigned char>(c) >= 0x80;
+    id += plain ? c : '_';
+  }
+  return id;
+}
+
+std::string hexText(vek0::Handle handle) {
+  char digits[24];
+  const auto end =
+      std::to_chars(digits, digits + sizeof digits, static_cast<std::uint64_t>(handle), 16).ptr;
+  std::string text(digits, end);
+  for (char& c : text) {
+    if (c >= 'a') c = static_cast<char>(c - 'a' + 'A');
+  }
+  return text;
+}
+
+RECT_2D boxOf(const PNT_2D* points, std::size_t count) {
+  RECT_2D box;
+  box.initRegion();
+  for (std::size_t i = 0; i < count; ++i) box.updateRegion(points[i]);
+  return box;
+}
+
+// Contours of glyphs as path data.
+class SvgSink final : public IOutlineSink {
+ public:
+  explicit SvgSink(SvgPath& path) : m_path(path) {}
+  void move(const PNT_2D& to) override {
+    if (!m_path.empty()) m_path.close();
+    m_path.move(to);
+  }
+  void line(const PNT_2D& to) override { m_path.line(to); }
+  void quad(const PNT_2D& /*from*/, const PNT_2D& control, const PNT_2D& to) override {
+    m_path.curve('q', std::array{control, to}.data(), 2);
+  }
+  void cubic(const PNT_2D& c1, const PNT_2D& c2, const PNT_2D& to) override {
+    m_path.curve('c', std::array{c1, c2, to}.data(), 3);
+  }
+
+ private:
+  SvgPath& m_path;
+};
+
+}  // namespace
+
+// -- path data -----------------------------------------------------------------------
+
+void SvgPath::add(char letter, std::int64_t number) {
+  if (m_letter != letter) {
+    m_data += letter;
+    m_letter = letter;
+  } else if (number >= 0) {
+    m_data += ' ';
+  }
+  appendSteps(m_data, number);
+}
+
+void SvgPath::add(std::int64_t number) {
+  if (number >= 0) m_data += ' ';
+  appendSteps(m_data, number);
+}
+
+void SvgPath::move(const PNT_2D& to) {
+  const std::int64_t x = toSteps(to.x), y = toSteps(to.y);
+  if (m_letter != 0 && m_segments > 0 && isNear(x, m_x) && isNear(y, m_y)) return;
+  m_startX = m_x = x;
+  m_startY = m_y = y;
+  m_segments = 0;
+  m_letter = 0;
+  add('M', m_x);
+  add(m_y);
+}
+
+void SvgPath::line(const PNT_2D& to) {
+  const std::int64_t x = toSteps(to.x), y = toSteps(to.y);
+  const std::int64_t dx = x - m_x, dy = y - m_y;
+  const bool isDot = m_letter == 'M';  // an initial step of zero length is still visible
+  if (dx == 0 && dy == 0 && !isDot) return;
+  if (dy == 0) {
+    add('h', dx);
+  } else if (dx == 0) {
+    add('v', dy);
+  } else {
+    add('l', dx);
+    add(dy);
+  }
+  reached(x, y);
+}
+
+void SvgPath::reached(std::int64_t x, std::int64_t y) {
+  m_x = x;
+  m_y = y;
+  if (++m_segments > 1 && isNear(x, m_startX) && isNear(y, m_startY)) close();
+}
+
+void SvgPath::curve(char letter, const PNT_2D* points, std::size_t count) {
+  const std::int64_t fromX = m_x, fromY = m_y;
+  for (std::size_t i = 0; i < count; ++i) {
+    m_x = toSteps(points[i].x);
+    m_y = toSteps(points[i].y);
+    if (i == 0) {
+      add(letter, m_x - fromX);
+    } else {
+      add(m_x - fromX);
+    }
+    add(m_y - fromY);
+  }
+}
+
+// Viewers skip arcs that end where they begin.
+void SvgPath::arc(double radius, bool clockwise, const PNT_2D& to) {
+  const std::int64_t x = toSteps(to.x), y = toSteps(to.y), r = toSteps(radius);
+  if (x == m_x && y == m_y) return line(to);
+  add('a', r);
+  add(r);
+  m_data += clockwise ? " 0 0 1" : " 0 0 0";
+  add(x - m_x);
+  add(y - m_y);
+  reached(x, y);
+}
+
+void SvgPath::close() {
+  if (m_letter == 0) return;
+  m_data += 'z';
+  m_letter = 0;
+  m_x = m_startX;
+  m_y = m_startY;
+}
+
+// -- what covers what ----------------------------------------------------------------
+
+CoverGrid::CoverGrid(double width, double height)
+    : m_width(width), m_height(height), m_cells(kCells * kCells) {}
+
+void CoverGrid::clear() { std::fill(m_cells.begin(), m_cells.end(), CELL{}); }
+
+int CoverGrid::cellOf(double at, double size) {
+  return static_cast<int>(std::clamp(at / size * kCells, 0.0, kCells - 1.0));
+}
+
+template <class Visit>
+bool CoverGrid::allCells(const RECT_2D& box, Visit&& visit) {
+  const int left = cellOf(box.min.x, m_width), right = cellOf(box.max.x, m_width);
+  const int top = cellOf(box.min.y, m_height), bottom = cellOf(box.max.y, m_height);
+  for (int y = top; y <= bottom; ++y) {
+    for (int x = left; x <= right; ++x) {
+      if (!visit(m_cells[static_cast<std::size_t>(y * kCells + x)])) return false;
+    }
+  }
+  return true;
+}
+
+bool CoverGrid::admits(const RECT_2D& box, int group, bool isFill) {
+  return allCells(
+      box, [&](const CELL& cell) { return isFill ? cell.top <= group : cell.topFill <= group; });
+}
+
+void CoverGrid::mark(const RECT_2D& box, int group, bool isFill) {
+  allCells(box, [&](CELL& cell) {
+    cell.top = std::max(cell.top, group);
+    if (isFill) cell.topFill = std::max(cell.topFill, group);
+    return true;
+  });
+}
+
+// -- the document --------------------------------------------------------------------
+
+SvgPainter::SvgPainter(IFile& file, const SHEET& sheet, FontLibrary& fonts, Texts texts)
+    : SheetPainter(sheet, fonts),
+      m_file(file),
+      m_texts(texts),
+      m_cover(static_cast<double>(sheet.width), static_cast<double>(sheet.height)) {
+  writeHead(sheet);
+}
+
+void SvgPainter::writeHead(const SHEET& sheet) {
+  const std::string width = std::to_string(sheet.width), height = std::to_string(sheet.height);
+  const auto side = [&](long units) {
+    const auto length = static_cast<double>(units);
+    return sheet.paper ? lengthText(length * sheet.unitMm) + "mm" : std::to_string(units);
+  };
+  m_out =
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+      "<svg xmlns=\"http://www.w3.org/2000/svg\" "
+      "xmlns:inkscape=\"http://www.inkscape.org/namespaces/inkscape\" width=\"" +
+      side(sheet.width) + "\" height=\"" + side(sheet.height) + "\" viewBox=\"0 0 " + width + " " +
+      height + "\" fill=\"none\" stroke-width=\"" + factorText(sheet.lineWidth) +
+      "\" stroke-linecap=\"round\" stroke-linejoin=\"round\" fill-rule=\"evenodd\">\n";
+  if (!sheet.title.empty()) m_out += "<title>" + escaped(sheet.title) + "</title>\n";
+  // On screen, lines stay thin when zooming; on paper they keep their width.
+  if (!sheet.paper) m_out += "<style>path,circle{vector-effect:non-scaling-stroke}</style>\n";
+  if (!sheet.transparent) {
+    m_out += "<rect width=\"" + width + "\" height=\"" + height + "\" fill=\"" +
+             colorText(sheet.background) + "\"/>\n";
+  }
+}
+
+void SvgPainter::write(std::string_view text) {
+  m_out += text;
+  if (m_out.size() < kBlock) return;
+  m_good = m_good && m_file.writeBytes(m_out.data(), static_cast<long>(m_out.size()));
+  m_out.clear();
+}
+
+bool SvgPainter::finish() {
+  endEntity();
+  flushGroups();
+  m_out += "</svg>\n";
+  return m_good && m_file.writeBytes(m_out.data(), static_cast<long>(m_out.size()));
+}
+
+std::string SvgPainter::groupId(const std::string& layer) {
+  const std::string wanted = "layer-" + idPart(layer);
+  std::string id = wanted;
+  for (int n = 2; !m_groupIds.insert(id).second; ++n) id = wanted + "-" + std::to_string(n);
+  return id;
+}
+
+std::string SvgPainter::nextHandleId() {
+  const int n = ++m_handles[m_handle];
+  return "h" + hexText(m_handle) + (n > 1 ? "-" + std::to_string(n) : std::string());
+}
+
+void SvgPainter::flushGroups() {
+  for (const Group& group : m_groups) {
+    const std::string name = escaped(group.layer);
+    write("<g id=\"" + groupId(group.layer) + "\" inkscape:groupmode=\"layer\" inkscape:label=\"" +
+          name + "\" data-layer=\"" + name + "\" stroke=\"" + colorText(group.color) + "\">\n");
+    write(group.body);
+    write(group.leavesClips + "</g>\n");
+  }
+  m_groups.clear();
+  m_groupOf.clear();
+  m_group = kNoGroup;
+  m_buffered = 0;
+  m_cover.clear();
+}
+
+// -- entities and their elements -----------------------------------------------------
+
+void SvgPainter::begin(const DrawItem& item) {
+  const zim::WString none;
+  const zim::WString& layer = item.layer ? *item.layer : none;
+  const bool sameLayer = layer == m_layer;
+  // Indistinguishable fills are merged: adjacent filled faces would show seams.
+  const bool unites = item.handle == 0 && m_pathFills && item.color == m_color;
+  if (!sameLayer || item.handle != m_handle || (item.handle == 0 && !unites)) {
+    endEntity();
+  } else if (!(item.color == m_color)) {
+    endPath();
+  }
+  m_color = item.color;
+  m_handle = item.handle;
+  if (sameLayer) return;
+  m_layer = layer;
+  m_layerUtf8 = layer.toUtf8();
+  m_group = kNoGroup;
+}
+
+SvgPainter::Group& SvgPainter::groupOfItem() {
+  if (m_group == kNoGroup) {
+    m_group = m_groupOf.try_emplace(m_layerUtf8, m_groups.size()).first->second;
+    if (m_group == m_groups.size()) m_groups.push_back({m_layerUtf8, m_color});
+  }
+  return m_groups[m_group];
+}
+
+// Ensures that the next element may be added to its layer's group.
+void SvgPainter::reach(const RECT_2D& box, bool isFill) {
+  groupOfItem();
+  if (!m_cover.admits(box, static_cast<int>(m_group), isFill)) {
+    endEntity();
+    flushGroups();
+    groupOfItem();
+  }
+  m_cover.mark(box, static_cast<int>(m_group), isFill);
+}
+
+void SvgPainter::addElement(std::string_view name, std::string_view rest) {
+  if (m_elementCount > 0) m_elements += '\n';
+  m_idAt = m_elementCount++ == 0 ? name.size() + 1 : m_idAt;
+  m_elements += '<';
+  m_elements += name;
+  m_elements += rest;
+}
+
+void SvgPainter::startPath(bool fills) {
+  if (m_pathFills != fills) endPath();
+  m_pathFills = fills;
+}
+
+void SvgPainter::endPath() {
+  if (m_path.empty()) return;
+  const std::string look =
+      m_pathFills ? fillAttribute() + " fill-rule=\"nonzero\"" : strokeAttribute();
+  addElement("path", look + " d=\"" + m_path.data() + "\"/>");
+  m_path.clear();
+}
+
+std::string SvgPainter::strokeAttribute() {
+  return groupOfItem().color == m_color ? std::string() : " stroke=\"" + colorText(m_color) + "\"";
+}
+
+std::string SvgPainter::fillAttribute() const {
+  return " fill=\"" + colorText(m_color) + "\" stroke=\"none\"";
+}
+
+// A single element gets the handle itself, several get a group with it.
+void SvgPainter::endEntity() {
+  endPath();
+  if (m_elementCount == 0) return;
+  std::string& body = groupOfItem().body;
+  const std::size_t before = body.size();
+  enterClips();
+  if (m_handle == 0) {
+    body += m_elements;
+  } else if (m_elementCount == 1) {
+    body.append(m_elements, 0, m_idAt).append(" id=\"").append(nextHandleId()).append("\"");
+    body.append(m_elements, m_idAt);
+  } else {
+    body.append("<g id=\"").append(nextHandleId()).append("\">\n").append(m_elements);
+    body.append("\n</g>");
+  }
+  body += '\n';
+  m_buffered += body.size() - before;
+  m_elements.clear();
+  m_elementCount = 0;
+  if (m_buffered > kBuffered) flushGroups();
+}
+
+void SvgPainter::enterClips() {
+  Group& group = groupOfItem();
+  if (group.clip == m_clips.number()) return;
+  group.body += group.leavesClips;
+  write(m_clips.definitions());  // may stand before the group
+  group.body += m_clips.openingTags();
+  group.leavesClips = m_clips.closingTags();
+  group.clip = m_clips.number();
+}
+
+bool SvgPainter::plainClip(const PNT_2D* points, std::size_t count) {
+  endEntity();
+  SvgPath path;
+  addRing(path, points, count, false);
+  m_clips.push(path.data());
+  return true;
+}
+
+void SvgPainter::plainPopClip() {
+  endEntity();
+  m_clips.pop();
+}
+
+// -- what is drawn -------------------------------------------------------------------
+
+void SvgPainter::plainStroke(const PNT_2D* points, std::size_t count, bool closed) {
+  reach(boxOf(points, count), false);
+  startPath(false);
+  m_path.move(points[0]);
+  for (std::size_t i = 1; i < count; ++i) m_path.line(points[i]);
+  if (closed) m_path.close();
+}
+
+void SvgPainter::plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
+  const auto at = [&](double angle) {
+    return PNT_2D(center.x + radius * std::cos(angle), center.y + radius * std::sin(angle));
+  };
+  if (toSteps(radius) == 0) return plainDot(center);
+  reach(RECT_2D(center.x - radius, center.y - radius, center.x + radius, center.y + radius), false);
+  if (std::abs(sweepRad) >= kFullTurn) {
+    endPath();
+    return addElement("circle", strokeAttribute() + " cx=\"" + lengthText(center.x) + "\" cy=\"" +
+                                    lengthText(center.y) + "\" r=\"" + lengthText(radius) + "\"/>");
+  }
+  startPath(false);
+  // More than half a turn is split in two: with rounded ends that nearly meet, the center of a
+  // single arc would be ambiguous.
+  m_path.move(at(startRad));
+  if (std::abs(sweepRad) > std::numbers::pi) {
+    m_path.arc(radius, sweepRad > 0, at(startRad + sweepRad / 2));
+  }
+  m_path.arc(radius, sweepRad > 0, at(startRad + sweepRad));
+}
+
+void SvgPainter::addRing(SvgPath& path, const PNT_2D* points, std::size_t count, bool reversed) {
+  const auto at = [&](std::size_t i) { return points[reversed ? count - 1 - i : i]; };
+  if (count == 0) return;
+  path.move(at(0));
+  for (std::size_t i = 1; i < count; ++i) path.line(at(i));
+  path.close();
+}
+
+void SvgPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
+                           FillRule rule) {
+  reach(boxOf(points, ends[rings - 1]), true);
+  // Merges the strips of a filled face into one path: separately antialiased, they would let the
+  // background show through.
+  const bool unites = rule == FillRule::NonZero;
+  if (unites)
+    startPath(true);
+  else
+    endPath();
+  SvgPath own;
+  SvgPath& path = unites ? m_path : own;
+  const bool reversed = unites && turnLeft(points, ends, rings);
+  for (std::size_t ring = 0, start = 0; ring < rings; start = ends[ring++])
+    addRing(path, points + start, ends[ring] - start, reversed);
+  if (!unites) addElement("path", fillAttribute() + " d=\"" + path.data() + "\"/>");
+}
+
+// A stroke of zero length, made visible by its round caps.
+void SvgPainter::plainDot(const PNT_2D& at) { plainStroke(std::array{at, at}.data(), 2, false); }
+
+void SvgPainter::plainDisc(const PNT_2D& center, double diameter) {
+  const double r = diameter / 2;
+  reach(RECT_2D(center.x - r, center.y - r, center.x + r, center.y + r), true);
+  endPath();
+  addElement("circle", fillAttribute() + " cx=\"" + lengthText(center.x) + "\" cy=\"" +
+                           lengthText(center.y) + "\" r=\"" + lengthText(r) + "\"/>");
+}
+
+void SvgPainter::plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) {
+  reach(bounds, false);
+  endPath();
+  if (m_texts == AsOutlines) {
+    SvgPath path;
+    SvgSink sink(path);
+    font.outline(text, sink);
+    if (path.empty()) return;
+    path.close();
+    // Glyphs that overlap must not cut holes into each other.
+    return addElement("path",
+                      fillAttribute() + " fill-rule=\"nonzero\" d=\"" + path.data() + "\"/>");
+  }
+  addElement("text", fillAttribute() + textAttributes(text, font) + ">" +
+                         escaped(text.string->toUtf8()) + "</text>");
+}
+
+// The size is a round number typical of screens, and the matrix does the rest: viewers reject very
+// large or small sizes. The length preserves the measured width in a viewer with a different font.
+std::string SvgPainter::textAttributes(const DrawText& text, const FaceFont& font) const {
+  constexpr double kSize = 100;
+  const double unit = font.unitsPerEm() / kSize;
+  const AFFINE_2D& m = text.matrix;
+  const double width = font.getStringWidth(*text.string, true, text.bold, text.italic) / unit;
+  std::string attributes = " transform=\"matrix(" + factorText(m.a * unit) + " " +
+                           factorText(m.b * unit) + " " + factorText(-m.c * unit) + " " +
+                           factorText(-m.d * unit) + " " + lengthText(m.e) + " " + lengthText(m.f) +
+                           ")\" font-family=\"" + escaped(font.family()) +
+                           ",sans-serif\" font-size=\"100\"";
+  if (text.bold) attributes += " font-weight=\"bold\"";
+  if (text.italic) attributes += " font-style=\"italic\"";
+  if (width > 0) {
+    attributes += " textLength=\"" + lengthText(width) + "\" lengthAdjust=\"spacingAndGlyphs\"";
+  }
+  return attributes + " xml:space=\"preserve\"";
+}
+
+}  // namespace vek0::paint
