@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "commands.h"
+#include "interruption.h"
 #include "options.h"
 #include "progressfile.h"
 #include "terminal.h"
@@ -127,6 +128,7 @@ int runTool(const std::vector<std::string>& arguments) {
     setMultiByteDecoder(decodeMultiByte);
 #endif
     setAssertHandler(reportAssertion);
+    removeOutputsOnInterruption();
     CFontTable::getInstance().addPlainDefault();
     const int code = parseAndRun(arguments);
     shutdownCore();

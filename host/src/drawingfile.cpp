@@ -54,7 +54,7 @@ ReadResult readWith(Reader reader, CData& data, const std::string& path, const S
   return result;
 }
 
-const char* nameOf(CFileDXFIError::TDXFErrors kind) {
+const char* wordsFor(CFileDXFIError::TDXFErrors kind) {
   switch (kind) {
     case CFileDXFIError::EmptyGroupCode:
       return "empty group code";
@@ -114,7 +114,7 @@ std::string ReadResult::kind() const {
     case CFileDXFIError::EmptyForm:
       return "empty file";
     default:
-      return nameOf(error.GetErrorType());
+      return wordsFor(error.GetErrorType());
   }
 }
 

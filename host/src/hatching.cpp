@@ -65,7 +65,7 @@ std::vector<PNT_3D> boundaryOf(const CData& data, const HatchRequest& request,
   return {};
 }
 
-CLayer* needLayer(CData& data, const zim::WString& name) {
+CLayer* layerNamed(CData& data, const zim::WString& name) {
   if (CLayer* layer = getLayer(data, name)) return layer;
   addLayer(data, data.getLayerFactory().create(name, &data.getLtypeContinuous(), 7, 0));
   return getLayer(data, name);
@@ -95,6 +95,12 @@ class HatchMessages {
 
 thread_local std::string HatchMessages::t_message;
 
+std::size_t linesOf(const CEntInsertBase* insert) {
+  if (!insert || insert->getType() != CEntHatch::kType || !insert->getBlock()) return 0;
+  const auto& hatch = static_cast<const CEntHatch&>(*insert);
+  return isSolid(hatch.getHatchType()) ? 0 : hatch.getBlock()->size();
+}
+
 }  // namespace
 
 bool isHatchPattern(const std::string& name) {
@@ -110,7 +116,7 @@ bool addHatch(CData& data, const HatchRequest& request, const std::string& name,
       isSolidName(pattern) ? data.getHatchTypeTable().solid() : *getHatch(pattern);
   data.setHatchLimit(request.limit);
   const HatchMessages messages;
-  CEntHatch* made = createEntHatch(data, needLayer(data, zim::WString::fromUtf8(request.layer)),
+  CEntHatch* made = createEntHatch(data, layerNamed(data, zim::WString::fromUtf8(request.layer)),
                                    getLtypeByLayer(data), 256, type, request.scale,
                                    request.angleDeg * kRadiansPerDegree, boundary, 0);
   if (!messages.text().empty()) session.complain(messages.text());
@@ -120,6 +126,15 @@ bool addHatch(CData& data, const HatchRequest& request, const std::string& name,
   }
   data.getEntTable().add(made);
   return true;
+}
+
+std::size_t countHatchLines(const CData& data) {
+  std::size_t lines = 0;
+  for (CEnt* ent : data.getEntTable().getEntityTbl()) lines += linesOf(ent->getEntInsert());
+  const CBlockTable& blocks = data.getBlockTable();
+  for (int i = 0; i < static_cast<int>(blocks.size()); ++i)
+    for (CBlock::CInsertIterator insert(*blocks[i]); *insert; ++insert) lines += linesOf(*insert);
+  return lines;
 }
 
 }  // namespace vek0::host

@@ -1,7 +1,8 @@
 #include "vek0host/linetypefile.h"
 
 #include "vek0host/drawingfile.h"
-#include "vek0host/summary.h"
+#include "vek0host/outputfile.h"
+#include "vek0host/reports.h"
 
 namespace vek0::host {
 namespace {
@@ -42,8 +43,7 @@ bool addLinetypes(CData& data, const std::string& path, Session& session) {
   loader.SetNotifier(&maker);
   const InputFault fault = loadLinetypes(loader, path);
   if (fault.kind) {
-    session.complain(path + ": " + fault.message);
-    session.failed(kDrawingFailed);
+    session.fail(kDrawingFailed, path + ": " + fault.message);
     return false;
   }
   addLtypes(data, loader);
@@ -56,6 +56,17 @@ bool addLinetypes(CData& data, const std::string& path, Session& session) {
                      reportToText(loader.GetReport()));
   }
   return true;
+}
+
+void saveLinetypes(CLtypeLoader& loader, const std::string& path, bool force, Session& session) {
+  OutputFile output(path, force);
+  if (!output.error().empty()) return session.fail(kOutputFailed, output.error());
+  loader.Save(output.file());
+  if (loader.GetStatus() != CLtypeLoader::Done)
+    return session.fail(kOutputFailed, "'" + output.path() + "' cannot be written");
+  if (!output.commit()) return session.fail(kOutputFailed, output.error());
+  if (!loader.GetReport().empty())
+    session.notify("not everything could be written as it was:", reportToText(loader.GetReport()));
 }
 
 }  // namespace vek0::host

@@ -1,10 +1,7 @@
 #include "vek0host/outputfile.h"
 
-#include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <random>
 #include <utility>
 
@@ -17,39 +14,10 @@ namespace {
 
 constexpr long kWrite = 2;
 
-// Name of the temporary file for the signal handler, which may only read plain
-// memory; one output is open at a time.
-std::filesystem::path::value_type g_unfinished[4096];
+OutputFile::Watch g_watch = nullptr;
 
-void removeUnfinished() {
-#ifdef _WIN32
-  _wremove(g_unfinished);
-#else
-  std::remove(g_unfinished);
-#endif
-}
-
-void removeAndEnd(int signal) {
-  if (g_unfinished[0]) removeUnfinished();
-  std::_Exit(128 + signal);
-}
-
-// Signals that are ignored (nohup) stay ignored.
-void endCleanlyOn(int signal) {
-  if (std::signal(signal, removeAndEnd) == SIG_IGN) std::signal(signal, SIG_IGN);
-}
-
-void watchForInterruption(const std::filesystem::path::string_type& temporary) {
-  if (temporary.size() >= std::size(g_unfinished)) return;
-  temporary.copy(g_unfinished, temporary.size());
-  g_unfinished[temporary.size()] = 0;
-  endCleanlyOn(SIGINT);
-  endCleanlyOn(SIGTERM);
-#ifndef _WIN32
-  endCleanlyOn(SIGHUP);
-  endCleanlyOn(SIGPIPE);
-  std::signal(SIGXFSZ, SIG_IGN);  // exceeding the file size limit becomes a failed write
-#endif
+void watch(const std::filesystem::path& unfinished) {
+  if (g_watch) g_watch(unfinished);
 }
 
 // In the target's folder, so that the rename stays within one file system. Not derived from its
@@ -72,6 +40,8 @@ std::filesystem::path followed(std::filesystem::path path) {
 
 }  // namespace
 
+void OutputFile::setWatch(Watch watch) { g_watch = watch; }
+
 OutputFile::OutputFile(const std::string& path, bool force, Content content)
     : m_target(toPath(path)) {
   if (path == "-") {
@@ -82,7 +52,7 @@ OutputFile::OutputFile(const std::string& path, bool force, Content content)
   m_error = faultOf(path, force);
   if (!m_error.empty()) return;
   m_temporary = temporaryFor(m_target);
-  watchForInterruption(m_temporary.native());
+  watch(m_temporary);
   createTemporary();
   auto file = std::make_unique<CFileStdLib>(toName(m_temporary), kWrite);
   if (content == Bytes) file->setLineEnd(CFileStdLib::Lf);
@@ -115,7 +85,7 @@ void OutputFile::createTemporary() {
 }
 
 OutputFile::~OutputFile() {
-  g_unfinished[0] = 0;
+  watch({});
   std::error_code ignored;
   if (!m_temporary.empty()) std::filesystem::remove(m_temporary, ignored);
 }

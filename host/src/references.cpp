@@ -1,6 +1,6 @@
 #include "vek0host/references.h"
 
-#include "vek0host/summary.h"
+#include "vek0host/reports.h"
 
 namespace vek0::host {
 namespace {

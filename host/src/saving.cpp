@@ -2,7 +2,7 @@
 
 #include "vek0host/drawingfile.h"
 #include "vek0host/outputfile.h"
-#include "vek0host/summary.h"
+#include "vek0host/reports.h"
 
 namespace vek0::host {
 
@@ -16,17 +16,15 @@ namespace {
 bool save(const CData& data, OutputFile& output, const SaveOptions& options, Session& session) {
   CFileReport report;
   if (!SaveDXF(data, output.file(), options.flags(), &report)) {
-    session.complain("'" + output.path() + "' cannot be written");
-    session.failed(kOutputFailed);
+    session.fail(kOutputFailed, "'" + output.path() + "' cannot be written");
     return false;
   }
   if (!output.commit()) {
-    session.complain(output.error());
-    session.failed(kOutputFailed);
+    session.fail(kOutputFailed, output.error());
     return false;
   }
-  if (!session.quiet && !report.empty()) {
-    session.complain("not everything could be written as it was:", reportToText(report));
+  if (!report.empty()) {
+    session.notify("not everything could be written as it was:", reportToText(report));
   }
   return true;
 }
@@ -35,8 +33,7 @@ bool save(const CData& data, OutputFile& output, const SaveOptions& options, Ses
 
 void tellLosses(const std::string& in, const ReadResult& result, const Session& session) {
   const std::string losses = lossesToText(result.report);
-  if (!session.quiet && !losses.empty())
-    session.complain(in + ": what is written will lack or change:", losses);
+  if (!losses.empty()) session.notify(in + ": what is written will lack or change:", losses);
 }
 
 std::uintmax_t rewrite(const std::string& in, const std::string& out, const SaveOptions& options,
@@ -44,15 +41,13 @@ std::uintmax_t rewrite(const std::string& in, const std::string& out, const Save
                        const std::function<bool(CData&, const ReadResult&)>& change) {
   OutputFile output(out, options.force);
   if (!output.error().empty()) {
-    session.complain(output.error());
-    session.failed(kOutputFailed);
+    session.fail(kOutputFailed, output.error());
     return 0;
   }
   const Drawing data = newDrawing();
   const ReadResult result = loadFile(*data, in, session);
   if (!result.ok()) {
-    session.complain(in + ": " + result.message());
-    session.failed(kDrawingFailed);
+    session.fail(kDrawingFailed, in + ": " + result.message());
     return 0;
   }
   tellLosses(in, result, session);

@@ -4,8 +4,8 @@
 #include <unordered_set>
 
 #include "vek0host/editsteps.h"
+#include "vek0host/entitycounts.h"
 #include "vek0host/layerchoice.h"
-#include "vek0host/summary.h"
 #include "vek0host/textvalues.h"
 
 namespace vek0::host {

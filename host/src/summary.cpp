@@ -1,59 +1,14 @@
 #include "vek0host/summary.h"
 
 #include <cmath>
-#include <cstdio>
 
+#include "vek0host/entitycounts.h"
+#include "vek0host/reports.h"
 #include "vek0host/units.h"
 #include "vek0host/visibletext.h"
 
 namespace vek0::host {
 namespace {
-
-enum Kind {
-  kPoint,
-  kLine,
-  kXline,
-  kRay,
-  kCircle,
-  kArc,
-  kPolyline,
-  kText,
-  kAttdef,
-  kInsert,
-  kAttrib,
-  kHatch,
-  kFace,
-  kSolid,
-  kTrace
-};
-
-// Determines the row of the counts for each visited entity.
-class KindVisitor final : public IEntVisitor {
- public:
-  using IEntVisitor::visit;
-  void visit(CEntPnt&) override { kind = kPoint; }
-  void visit(CEntLine& line) override {
-    constexpr Kind kinds[] = {kLine, kRay, kXline};  // as `LineReach` counts them
-    kind = kinds[static_cast<int>(line.getReach())];
-  }
-  void visit(CEntCircle&) override { kind = kCircle; }
-  void visit(CEntArc&) override { kind = kArc; }
-  void visit(CEntPolyline&) override { kind = kPolyline; }
-  void visit(CEntText&) override { kind = kText; }
-  void visit(CEntAttdef&) override { kind = kAttdef; }
-  void visit(CEntInsert&) override { kind = kInsert; }
-  void visit(CEntFixedInsert&) override { kind = kInsert; }
-  void visit(CEntInsertXRef&) override { kind = kInsert; }
-  void visit(CEntAttrib&) override { kind = kAttrib; }
-  void visit(CEntHatch&) override { kind = kHatch; }
-  void visit(CEnt3DFace& face) override {
-    kind = kFace;
-    if (face.getFill() == FaceFill::Solid) kind = kSolid;
-    if (face.getFill() == FaceFill::Trace) kind = kTrace;
-  }
-
-  Kind kind = kPoint;
-};
 
 Json pointToJson(const PNT_3D& p) { return Json::array({p.x, p.y, p.z}); }
 
@@ -212,20 +167,6 @@ std::string variableLines(const CData& data) {
   return text;
 }
 
-std::string linesOf(const CFileReport& report, ReportSeverity least) {
-  std::string text;
-  for (const auto& entry : report.entries()) {
-    const ReportSeverity severity = severityOf(entry.code);
-    if (severity < least) continue;
-    text += "    " + std::string(nameOf(severity)) + ": " + entry.code;
-    if (!entry.sample.empty()) text += " '" + visible(entry.sample) + "'";
-    text += " (" + std::to_string(entry.count) + (entry.count == 1 ? " time" : " times");
-    if (entry.firstLine > 0) text += ", first at line " + std::to_string(entry.firstLine);
-    text += ")\n";
-  }
-  return text;
-}
-
 std::string unitsText(const ReadResult& result) {
   const Json units = unitsOf(result), metric = metricOf(result);
   std::string text;
@@ -235,59 +176,6 @@ std::string unitsText(const ReadResult& result) {
 }
 
 }  // namespace
-
-EntityCounts::EntityCounts(CData& data) {
-  KindVisitor visitor;
-  for (CEnt* entity : data.getEntTable().getEntityTbl()) {
-    entity->accept(visitor);
-    ++m_counts[visitor.kind];
-    if (const CEntInsertBase* insert = entity->getEntInsert()) {
-      m_counts[kAttrib] += static_cast<long>(insert->GetNoAttribs());
-    }
-  }
-}
-
-Json EntityCounts::toJson() const {
-  Json counts = Json::object();
-  for (std::size_t i = 0; i < kKinds.size(); ++i) {
-    if (m_counts[i] > 0) counts[kKinds[i]] = m_counts[i];
-  }
-  return counts;
-}
-
-std::string EntityCounts::toText() const {
-  std::string text;
-  for (std::size_t i = 0; i < kKinds.size(); ++i) {
-    if (m_counts[i] == 0) continue;
-    text += (text.empty() ? "" : ", ") + std::to_string(m_counts[i]) + " " + kKinds[i];
-  }
-  return text.empty() ? "none" : text;
-}
-
-std::string kindNameOf(CEnt& ent) {
-  KindVisitor visitor;
-  ent.accept(visitor);
-  return EntityCounts::kKinds[visitor.kind];
-}
-
-Json errorToJson(const ReadResult& result) {
-  if (result.ok()) return nullptr;
-  return Json{{"kind", result.kind()},
-              {"line", result.error.GetErrorLine()},
-              {"message", result.message()}};
-}
-
-Json reportToJson(const CFileReport& report) {
-  Json entries = Json::array();
-  for (const auto& entry : report.entries()) {
-    entries.push_back({{"code", entry.code},
-                       {"severity", nameOf(severityOf(entry.code))},
-                       {"count", entry.count},
-                       {"line", entry.firstLine > 0 ? Json(entry.firstLine) : Json()},
-                       {"sample", entry.sample.toUtf8()}});
-  }
-  return entries;
-}
 
 Json summaryToJson(const std::string& path, CData& data, const ReadResult& result) {
   Json summary;
@@ -327,14 +215,6 @@ std::string summaryToText(const std::string& path, CData& data, const ReadResult
   text += extentsLine(data) + variableLines(data);
   if (!result.report.empty()) text += "  skipped or repaired:\n" + reportToText(result.report);
   return text;
-}
-
-std::string lossesToText(const CFileReport& report) {
-  return linesOf(report, ReportSeverity::Change);
-}
-
-std::string reportToText(const CFileReport& report) {
-  return linesOf(report, ReportSeverity::Note);
 }
 
 }  // namespace vek0::host

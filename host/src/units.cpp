@@ -84,4 +84,13 @@ void scaleDrawing(CData& data, double factor) {
   scaleVariables(data.getVars(), factor);
 }
 
+bool convertUnits(CData& data, long stated, const std::string& from, const std::string& to) {
+  const char* name = unitName(stated);
+  const auto source = unitInMetres(from.empty() && name ? name : from);
+  const auto target = unitInMetres(to);
+  if (!source || !target) return false;
+  scaleDrawing(data, *source / *target);
+  return true;
+}
+
 }  // namespace vek0::host

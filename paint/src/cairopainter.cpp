@@ -16,15 +16,11 @@
 
 #include "vek0core/files/file.h"
 #include "vek0core/geometry/arc.h"
-#include "vek0paint/fonts.h"
 
 namespace vek0::paint {
 namespace {
 
 constexpr double kPointsPerInch = 72;
-// Cairo's own limit for a side; the pixels take four bytes each.
-constexpr long kMaxSide = 32767;
-constexpr double kMaxPixels = 150e6;  // an A0 sheet at 300 pixels an inch
 // A path is stroked after that many points: the cost of a stroke grows faster than its length, and
 // overlaps have the same color. The cost of a fill does not, and the strips of a solid hatch must
 // stay together, or the background shows through their seams.
@@ -117,15 +113,7 @@ class PathSink final : public IOutlineSink {
 
 }  // namespace
 
-std::string CairoPainter::refusal(const SHEET& sheet) {
-  const double pixels = static_cast<double>(sheet.width) * static_cast<double>(sheet.height);
-  if (std::max(sheet.width, sheet.height) <= kMaxSide && pixels <= kMaxPixels) return {};
-  return "an image of " + std::to_string(sheet.width) + "x" + std::to_string(sheet.height) +
-         " pixels is too large; the most is " + std::to_string(kMaxSide) +
-         " a side and 150 million in all";
-}
-
-CairoPainter::CairoPainter(Kind kind, IFile& file, const SHEET& sheet, FontLibrary& fonts)
+CairoPainter::CairoPainter(Kind kind, IFile& file, const SHEET& sheet, IOutlineFonts& fonts)
     : SheetPainter(sheet, fonts),
       m_kind(kind),
       m_file(file),
@@ -320,7 +308,7 @@ void CairoPainter::plainPopClip() {
   m_clips.pop_back();
 }
 
-void CairoPainter::plainText(const DrawText& text, const FaceFont& font,
+void CairoPainter::plainText(const DrawText& text, const OutlineFont& font,
                              const RECT_2D& /*bounds*/) {
   endPath();
   if (m_kind == Pdf && showGlyphs(text, font)) return;
@@ -344,7 +332,7 @@ cairo_font_face_t* CairoPainter::fontOf(const FACE_FILE& file) {
 
 // Returns false if the text must be drawn as outlines: a singular matrix puts Cairo into a
 // permanent error state, and altered glyphs are not supported.
-bool CairoPainter::showGlyphs(const DrawText& text, const FaceFont& font) {
+bool CairoPainter::showGlyphs(const DrawText& text, const OutlineFont& font) {
   const AFFINE_2D& m = text.matrix;
   const std::vector<FACE_GLYPH> glyphs = font.glyphs(text);
   if (!std::isnormal(m.a * m.d - m.b * m.c)) return false;

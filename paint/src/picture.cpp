@@ -5,7 +5,6 @@
 
 #include "vek0core/geometry/angle.h"
 #include "vek0host/textvalues.h"
-#include "vek0paint/cairopainter.h"
 
 namespace vek0::paint {
 namespace {
@@ -60,7 +59,7 @@ class Layout {
     picture.sheet.unitMm = m_unitMm;
     picture.sheet.paper = m_paper && m_options.format != Format::Png;
     picture.sheet.lineWidth = lineWidth();
-    if (m_options.format == Format::Png) picture.error = CairoPainter::refusal(picture.sheet);
+    if (m_options.format == Format::Png) picture.error = imageRefusal(picture.sheet);
     placeContent(picture);
     return picture;
   }

@@ -1,5 +1,6 @@
 #include "vek0paint/sheet.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -8,6 +9,10 @@
 
 namespace vek0::paint {
 namespace {
+
+// Cairo's own limit for a side; the pixels take four bytes each.
+constexpr long kMaxSide = 32767;
+constexpr double kMaxPixels = 150e6;  // an A0 sheet at 300 pixels an inch
 
 bool isSize(const double* sides) { return sides[0] > 0 && sides[1] > 0; }
 
@@ -30,6 +35,14 @@ constexpr struct {
 bool isFinite(const RECT_2D& rect) {
   return std::isfinite(rect.min.x) && std::isfinite(rect.min.y) && std::isfinite(rect.max.x) &&
          std::isfinite(rect.max.y);
+}
+
+std::string imageRefusal(const SHEET& sheet) {
+  const double pixels = static_cast<double>(sheet.width) * static_cast<double>(sheet.height);
+  if (std::max(sheet.width, sheet.height) <= kMaxSide && pixels <= kMaxPixels) return {};
+  return "an image of " + std::to_string(sheet.width) + "x" + std::to_string(sheet.height) +
+         " pixels is too large; the most is " + std::to_string(kMaxSide) +
+         " a side and 150 million in all";
 }
 
 std::optional<SHEET_SIZE> parseSize(const std::string& text) {

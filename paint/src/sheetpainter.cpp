@@ -2,8 +2,6 @@
 
 #include <cmath>
 
-#include "vek0paint/fonts.h"
-
 namespace vek0::paint {
 namespace {
 
@@ -57,7 +55,7 @@ RECT_2D boundsOf(const DrawText& text, const ICADFont& font) {
 }
 
 // Adapts the text to another font with the same height and width.
-DrawText inMeasuresOf(const DrawText& text, const FaceFont& font, const ICADFont& was) {
+DrawText inMeasuresOf(const DrawText& text, const OutlineFont& font, const ICADFont& was) {
   const auto width = [&](const ICADFont& of) {
     return of.getStringWidth(*text.string, true, text.bold, text.italic);
   };
@@ -76,7 +74,7 @@ DrawText inMeasuresOf(const DrawText& text, const FaceFont& font, const ICADFont
 }  // namespace
 
 void SheetPainter::text(const DrawText& text) {
-  const FaceFont* font = m_fonts.drawing(text.font);
+  const OutlineFont* font = m_fonts.drawing(text.font);
   if (!font || text.string->empty()) return;
   const ICADFont& was = text.font ? *text.font : defaultFontMetrics();
   const RECT_2D bounds = boundsOf(text, was);
@@ -89,7 +87,7 @@ void SheetPainter::text(const DrawText& text) {
   }
 }
 
-void SheetPainter::fillOutlines(const DrawText& text, const FaceFont& font) {
+void SheetPainter::fillOutlines(const DrawText& text, const OutlineFont& font) {
   ChordSink sink;
   font.outline(text, sink);
   sink.endRing();

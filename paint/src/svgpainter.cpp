@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <numbers>
 
 #include "vek0core/files/file.h"
-#include "vek0paint/fonts.h"
+#include "vek0paint/svgtext.h"
 
 namespace vek0::paint {
 namespace {
@@ -15,116 +14,7 @@ namespace {
 constexpr std::size_t kBlock = 1 << 16;
 // Groups are written at the latest when they reach this size.
 constexpr std::size_t kBuffered = 1 << 28;
-constexpr double kStepsPerUnit = 100;
 constexpr double kFullTurn = 2 * std::numbers::pi;
-
-std::int64_t toSteps(double value) { return std::llround(value * kStepsPerUnit); }
-
-// Whether ends are equal up to rounding.
-bool isNear(std::int64_t a, std::int64_t b) { return std::abs(a - b) <= 1; }
-
-// Formats steps as the shortest decimal number: "-.5", "12", "0".
-void appendSteps(std::string& out, std::int64_t steps) {
-  if (steps < 0) out += '-';
-  const auto magnitude = static_cast<std::uint64_t>(steps < 0 ? -steps : steps);
-  const std::uint64_t whole = magnitude / 100, part = magnitude % 100;
-  char digits[24];
-  if (whole > 0 || part == 0) {
-    out.append(digits, std::to_chars(digits, digits + sizeof digits, whole).ptr);
-  }
-  if (part == 0) return;
-  out += '.';
-  out += static_cast<char>('0' + part / 10);
-  if (part % 10 > 0) out += static_cast<char>('0' + part % 10);
-}
-
-std::string lengthText(double value) {
-  std::string text;
-  appendSteps(text, toSteps(value));
-  return text;
-}
-
-// For factors of unknown magnitude: as many digits as a picture can show.
-std::string factorText(double value) {
-  char digits[32];
-  const double unsignedZero = value + 0.0;
-  const auto end =
-      std::to_chars(digits, digits + sizeof digits, unsignedZero, std::chars_format::general, 7)
-          .ptr;
-  return std::string(digits, end);
-}
-
-std::string colorText(const RGB_COLOR& color) {
-  constexpr char kDigits[] = "0123456789abcdef";
-  std::string text = "#";
-  for (const std::uint8_t part : {color.r, color.g, color.b}) {
-    text += kDigits[part >> 4];
-    text += kDigits[part & 15];
-  }
-  return text;
-}
-
-// Removes characters that are invalid in XML: control characters, U+FFFE and U+FFFF.
-std::string withoutNonCharacters(std::string_view utf8) {
-  std::string out;
-  out.reserve(utf8.size());
-  for (std::size_t i = 0; i < utf8.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(utf8[i]);
-    if (utf8.substr(i, 2) == "\xEF\xBF" && i + 2 < utf8.size() &&
-        static_cast<unsigned char>(utf8[i + 2]) >= 0xBE) {
-      i += 2;
-    } else if (byte == '\t') {
-      out += ' ';
-    } else if (byte >= 0x20 && byte != 0x7F) {
-      out += utf8[i];
-    }
-  }
-  return out;
-}
-
-std::string escaped(std::string_view utf8) {
-  std::string out;
-  for (const char c : withoutNonCharacters(utf8)) {
-    switch (c) {
-      case '&':
-        out += "&amp;";
-        break;
-      case '<':
-        out += "&lt;";
-        break;
-      case '>':
-        out += "&gt;";
-        break;
-      case '"':
-        out += "&quot;";
-        break;
-      default:
-        out += c;
-    }
-  }
-  return out;
-}
-
-std::string idPart(const std::string& layer) {
-  std::string id;
-  for (const char c : withoutNonCharacters(layer)) {
-    const bool plain = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') ||
-                       c == '-' || c == '_' || static_cast<unsigned char>(c) >= 0x80;
-    id += plain ? c : '_';
-  }
-  return id;
-}
-
-std::string hexText(vek0::Handle handle) {
-  char digits[24];
-  const auto end =
-      std::to_chars(digits, digits + sizeof digits, static_cast<std::uint64_t>(handle), 16).ptr;
-  std::string text(digits, end);
-  for (char& c : text) {
-    if (c >= 'a') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return text;
-}
 
 RECT_2D boxOf(const PNT_2D* points, std::size_t count) {
   RECT_2D box;
@@ -155,129 +45,9 @@ class SvgSink final : public IOutlineSink {
 
 }  // namespace
 
-// -- path data -----------------------------------------------------------------------
-
-void SvgPath::add(char letter, std::int64_t number) {
-  if (m_letter != letter) {
-    m_data += letter;
-    m_letter = letter;
-  } else if (number >= 0) {
-    m_data += ' ';
-  }
-  appendSteps(m_data, number);
-}
-
-void SvgPath::add(std::int64_t number) {
-  if (number >= 0) m_data += ' ';
-  appendSteps(m_data, number);
-}
-
-void SvgPath::move(const PNT_2D& to) {
-  const std::int64_t x = toSteps(to.x), y = toSteps(to.y);
-  if (m_letter != 0 && m_segments > 0 && isNear(x, m_x) && isNear(y, m_y)) return;
-  m_startX = m_x = x;
-  m_startY = m_y = y;
-  m_segments = 0;
-  m_letter = 0;
-  add('M', m_x);
-  add(m_y);
-}
-
-void SvgPath::line(const PNT_2D& to) {
-  const std::int64_t x = toSteps(to.x), y = toSteps(to.y);
-  const std::int64_t dx = x - m_x, dy = y - m_y;
-  const bool isDot = m_letter == 'M';  // an initial step of zero length is still visible
-  if (dx == 0 && dy == 0 && !isDot) return;
-  if (dy == 0) {
-    add('h', dx);
-  } else if (dx == 0) {
-    add('v', dy);
-  } else {
-    add('l', dx);
-    add(dy);
-  }
-  reached(x, y);
-}
-
-void SvgPath::reached(std::int64_t x, std::int64_t y) {
-  m_x = x;
-  m_y = y;
-  if (++m_segments > 1 && isNear(x, m_startX) && isNear(y, m_startY)) close();
-}
-
-void SvgPath::curve(char letter, const PNT_2D* points, std::size_t count) {
-  const std::int64_t fromX = m_x, fromY = m_y;
-  for (std::size_t i = 0; i < count; ++i) {
-    m_x = toSteps(points[i].x);
-    m_y = toSteps(points[i].y);
-    if (i == 0) {
-      add(letter, m_x - fromX);
-    } else {
-      add(m_x - fromX);
-    }
-    add(m_y - fromY);
-  }
-}
-
-// Viewers skip arcs that end where they begin.
-void SvgPath::arc(double radius, bool clockwise, const PNT_2D& to) {
-  const std::int64_t x = toSteps(to.x), y = toSteps(to.y), r = toSteps(radius);
-  if (x == m_x && y == m_y) return line(to);
-  add('a', r);
-  add(r);
-  m_data += clockwise ? " 0 0 1" : " 0 0 0";
-  add(x - m_x);
-  add(y - m_y);
-  reached(x, y);
-}
-
-void SvgPath::close() {
-  if (m_letter == 0) return;
-  m_data += 'z';
-  m_letter = 0;
-  m_x = m_startX;
-  m_y = m_startY;
-}
-
-// -- what covers what ----------------------------------------------------------------
-
-CoverGrid::CoverGrid(double width, double height)
-    : m_width(width), m_height(height), m_cells(kCells * kCells) {}
-
-void CoverGrid::clear() { std::fill(m_cells.begin(), m_cells.end(), CELL{}); }
-
-int CoverGrid::cellOf(double at, double size) {
-  return static_cast<int>(std::clamp(at / size * kCells, 0.0, kCells - 1.0));
-}
-
-template <class Visit>
-bool CoverGrid::allCells(const RECT_2D& box, Visit&& visit) {
-  const int left = cellOf(box.min.x, m_width), right = cellOf(box.max.x, m_width);
-  const int top = cellOf(box.min.y, m_height), bottom = cellOf(box.max.y, m_height);
-  for (int y = top; y <= bottom; ++y) {
-    for (int x = left; x <= right; ++x) {
-      if (!visit(m_cells[static_cast<std::size_t>(y * kCells + x)])) return false;
-    }
-  }
-  return true;
-}
-
-bool CoverGrid::admits(const RECT_2D& box, int group, bool isFill) {
-  return allCells(
-      box, [&](const CELL& cell) { return isFill ? cell.top <= group : cell.topFill <= group; });
-}
-
-void CoverGrid::mark(const RECT_2D& box, int group, bool isFill) {
-  allCells(box, [&](CELL& cell) {
-    cell.top = std::max(cell.top, group);
-    if (isFill) cell.topFill = std::max(cell.topFill, group);
-    return true;
-  });
-}
-
 // -- the document --------------------------------------------------------------------
 
-SvgPainter::SvgPainter(IFile& file, const SHEET& sheet, FontLibrary& fonts, Texts texts)
+SvgPainter::SvgPainter(IFile& file, const SHEET& sheet, IOutlineFonts& fonts, Texts texts)
     : SheetPainter(sheet, fonts),
       m_file(file),
       m_texts(texts),
@@ -298,7 +68,7 @@ void SvgPainter::writeHead(const SHEET& sheet) {
       side(sheet.width) + "\" height=\"" + side(sheet.height) + "\" viewBox=\"0 0 " + width + " " +
       height + "\" fill=\"none\" stroke-width=\"" + factorText(sheet.lineWidth) +
       "\" stroke-linecap=\"round\" stroke-linejoin=\"round\" fill-rule=\"evenodd\">\n";
-  if (!sheet.title.empty()) m_out += "<title>" + escaped(sheet.title) + "</title>\n";
+  if (!sheet.title.empty()) m_out += "<title>" + escapedXml(sheet.title) + "</title>\n";
   // On screen, lines stay thin when zooming; on paper they keep their width.
   if (!sheet.paper) m_out += "<style>path,circle{vector-effect:non-scaling-stroke}</style>\n";
   if (!sheet.transparent) {
@@ -335,7 +105,7 @@ std::string SvgPainter::nextHandleId() {
 
 void SvgPainter::flushGroups() {
   for (const Group& group : m_groups) {
-    const std::string name = escaped(group.layer);
+    const std::string name = escapedXml(group.layer);
     write("<g id=\"" + groupId(group.layer) + "\" inkscape:groupmode=\"layer\" inkscape:label=\"" +
           name + "\" data-layer=\"" + name + "\" stroke=\"" + colorText(group.color) + "\">\n");
     write(group.body);
@@ -477,7 +247,7 @@ void SvgPainter::plainArc(const PNT_2D& center, double radius, double startRad, 
   const auto at = [&](double angle) {
     return PNT_2D(center.x + radius * std::cos(angle), center.y + radius * std::sin(angle));
   };
-  if (toSteps(radius) == 0) return plainDot(center);
+  if (isInvisible(radius)) return plainDot(center);
   reach(RECT_2D(center.x - radius, center.y - radius, center.x + radius, center.y + radius), false);
   if (std::abs(sweepRad) >= kFullTurn) {
     endPath();
@@ -531,7 +301,7 @@ void SvgPainter::plainDisc(const PNT_2D& center, double diameter) {
                            lengthText(center.y) + "\" r=\"" + lengthText(r) + "\"/>");
 }
 
-void SvgPainter::plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) {
+void SvgPainter::plainText(const DrawText& text, const OutlineFont& font, const RECT_2D& bounds) {
   reach(bounds, false);
   endPath();
   if (m_texts == AsOutlines) {
@@ -545,12 +315,12 @@ void SvgPainter::plainText(const DrawText& text, const FaceFont& font, const REC
                       fillAttribute() + " fill-rule=\"nonzero\" d=\"" + path.data() + "\"/>");
   }
   addElement("text", fillAttribute() + textAttributes(text, font) + ">" +
-                         escaped(text.string->toUtf8()) + "</text>");
+                         escapedXml(text.string->toUtf8()) + "</text>");
 }
 
 // The size is a round number typical of screens, and the matrix does the rest: viewers reject very
 // large or small sizes. The length preserves the measured width in a viewer with a different font.
-std::string SvgPainter::textAttributes(const DrawText& text, const FaceFont& font) const {
+std::string SvgPainter::textAttributes(const DrawText& text, const OutlineFont& font) const {
   constexpr double kSize = 100;
   const double unit = font.unitsPerEm() / kSize;
   const AFFINE_2D& m = text.matrix;
@@ -558,7 +328,7 @@ std::string SvgPainter::textAttributes(const DrawText& text, const FaceFont& fon
   std::string attributes = " transform=\"matrix(" + factorText(m.a * unit) + " " +
                            factorText(m.b * unit) + " " + factorText(-m.c * unit) + " " +
                            factorText(-m.d * unit) + " " + lengthText(m.e) + " " + lengthText(m.f) +
-                           ")\" font-family=\"" + escaped(font.family()) +
+                           ")\" font-family=\"" + escapedXml(font.family()) +
                            ",sans-serif\" font-size=\"100\"";
   if (text.bold) attributes += " font-weight=\"bold\"";
   if (text.italic) attributes += " font-style=\"italic\"";

@@ -5,8 +5,7 @@
 
 #include "commands.h"
 #include "terminal.h"
-#include "vek0host/summary.h"
-#include "vek0host/visibletext.h"
+#include "vek0host/reports.h"
 
 namespace vek0::tool {
 namespace {
@@ -15,22 +14,6 @@ struct CheckOptions {
   std::vector<std::string> files;
   bool json = false;
 };
-
-void printJson(const std::string& path, const ReadResult& result) {
-  const Json line = {{"file", path},
-                     {"ok", result.ok()},
-                     {"error", errorToJson(result)},
-                     {"report", reportToJson(result.report)}};
-  std::printf("%s\n", line.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
-}
-
-void printText(const std::string& path, const ReadResult& result) {
-  if (result.ok()) {
-    print(visible(path) + ": ok\n" + reportToText(result.report));
-  } else {
-    print(visible(path) + ": error (" + result.kind() + "): " + visible(result.message()) + "\n");
-  }
-}
 
 void run(const CheckOptions& options, Session& session) {
   long failures = 0;
@@ -42,9 +25,9 @@ void run(const CheckOptions& options, Session& session) {
       session.failed(kDrawingFailed);
     }
     if (options.json) {
-      printJson(path, result);
+      std::printf("%s\n", toLine(checkToJson(path, result)).c_str());
     } else if (!session.quiet || !result.ok()) {
-      printText(path, result);
+      print(checkToText(path, result));
     }
   }
   if (options.files.size() > 1 && !options.json && !session.quiet) {

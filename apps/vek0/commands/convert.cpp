@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "options.h"
+#include "vek0host/hatching.h"
 #include "vek0host/linetypefile.h"
 #include "vek0host/saving.h"
 #include "vek0host/units.h"
@@ -25,34 +26,12 @@ bool addAllLinetypes(CData& data, const ConvertOptions& options, Session& sessio
                      [&](const std::string& path) { return addLinetypes(data, path, session); });
 }
 
-// The unit stated in a file is often wrong, so `--from-units` takes precedence.
 bool changeUnits(CData& data, const ConvertOptions& options, long stated, Session& session) {
-  if (options.toUnits.empty()) return true;
-  const char* name = unitName(stated);
-  const auto from = unitInMetres(!options.fromUnits.empty() ? options.fromUnits : name ? name : "");
-  if (!from) {
-    session.complain(options.in + ": the drawing does not state its unit; use --from-units");
-    session.failed(kDrawingFailed);
-    return false;
-  }
-  scaleDrawing(data, *from / *unitInMetres(options.toUnits));
-  return true;
-}
-
-std::size_t linesOf(const CEntInsertBase* insert) {
-  if (!insert || insert->getType() != CEntHatch::kType || !insert->getBlock()) return 0;
-  const auto& hatch = static_cast<const CEntHatch&>(*insert);
-  return isSolid(hatch.getHatchType()) ? 0 : hatch.getBlock()->size();
-}
-
-// The number of lines that replace all patterned hatches in the format.
-std::size_t hatchLinesOf(const CData& data) {
-  std::size_t lines = 0;
-  for (CEnt* ent : data.getEntTable().getEntityTbl()) lines += linesOf(ent->getEntInsert());
-  const CBlockTable& blocks = data.getBlockTable();
-  for (int i = 0; i < static_cast<int>(blocks.size()); ++i)
-    for (CBlock::CInsertIterator insert(*blocks[i]); *insert; ++insert) lines += linesOf(*insert);
-  return lines;
+  if (options.toUnits.empty() || convertUnits(data, stated, options.fromUnits, options.toUnits))
+    return true;
+  session.fail(kDrawingFailed,
+               options.in + ": the drawing does not state its unit; use --from-units");
+  return false;
 }
 
 void warnIfGrown(const ConvertOptions& options, std::uintmax_t written, std::size_t hatchLines,
@@ -60,9 +39,9 @@ void warnIfGrown(const ConvertOptions& options, std::uintmax_t written, std::siz
   constexpr std::uintmax_t kMuch = 10;
   const std::uintmax_t read = sizeOf(options.in);
   if (hatchLines == 0 || read == 0 || written <= kMuch * read) return;
-  session.warn("'" + options.out + "' is " + std::to_string(written / read) +
-               " times as large as the input; it holds " + std::to_string(hatchLines) +
-               " lines of hatch patterns, which --hatch outline leaves out");
+  session.notify("'" + options.out + "' is " + std::to_string(written / read) +
+                 " times as large as the input; it holds " + std::to_string(hatchLines) +
+                 " lines of hatch patterns, which --hatch outline leaves out");
 }
 
 void convert(const ConvertOptions& options, Session& session) {
@@ -70,7 +49,7 @@ void convert(const ConvertOptions& options, Session& session) {
   std::size_t hatchLines = 0;
   const std::uintmax_t written = rewrite(
       options.in, options.out, options.save, session, [&](CData& data, const ReadResult& result) {
-        hatchLines = hatchLinesOf(data);
+        hatchLines = countHatchLines(data);
         return addAllLinetypes(data, options, session) &&
                changeUnits(data, options, result.outcome.units, session);
       });

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstddef>
-#include <limits>
 #include <map>
 #include <memory>
 #include <string>
@@ -8,17 +7,12 @@
 
 #include "commands.h"
 #include "options.h"
+#include "vek0host/editdrawing.h"
 #include "vek0host/editsteps.h"
 #include "vek0host/saving.h"
-#include "vek0host/undocheck.h"
 
 namespace vek0::tool {
 namespace {
-
-struct NamedStep {
-  std::string name;  // as written on the command line
-  EditStep work;
-};
 
 struct EditOptions {
   std::string in, out;
@@ -42,44 +36,6 @@ std::vector<NamedStep> stepsInOrder(const CLI::App& verb, const EditOptions& opt
     kind->read(value, steps.back().work);
   }
   return steps;
-}
-
-// Each step is one undo step, so that undo is exercised as a program would use it.
-bool runSteps(Editing& editing, const std::vector<NamedStep>& steps, Session& session) {
-  for (const NamedStep& step : steps) {
-    editing.undo.begin(zim::WString::fromUtf8(step.name));
-    const StepOutcome outcome = step.work(editing);
-    editing.undo.commit();
-    if (!outcome.ok || !session.quiet) session.complain(step.name + ": " + outcome.text);
-    if (outcome.ok) continue;
-    session.failed(kDrawingFailed);
-    return false;
-  }
-  return true;
-}
-
-bool passesUndoCheck(Editing& editing, const std::string& before, Session& session) {
-  const std::size_t count = editing.undo.getNoUndo(), bytes = editing.undo.size();
-  const std::string problem = checkUndo(editing.data, editing.undo, before);
-  if (!problem.empty()) {
-    session.complain("undo check: " + problem);
-    session.failed(kDrawingFailed);
-  } else if (!session.quiet) {
-    session.complain("undo check: " + counted(count, "step", "steps") + " (" +
-                     std::to_string(bytes) +
-                     " bytes) undone, which gave the drawing back, and done again");
-  }
-  return problem.empty();
-}
-
-bool edit(CData& data, const std::vector<NamedStep>& steps, bool undoCheck, Session& session) {
-  // Without the check nothing is undone, so only the last step is kept.
-  CUndoStack undo(data, undoCheck ? std::numeric_limits<std::size_t>::max() : 0);
-  const auto& all = data.getEntTable().getEntityTbl();
-  Editing editing{data, undo, {all.begin(), all.end()}};
-  const std::string before = undoCheck ? bytesOf(data) : std::string();
-  return runSteps(editing, steps, session) &&
-         (!undoCheck || passesUndoCheck(editing, before, session));
 }
 
 void addStepOptions(CLI::App& verb, EditOptions& options) {
@@ -128,11 +84,10 @@ void addEditCommand(CLI::App& app, Session& session) {
   verb->callback([options, verb, &session] {
     const std::vector<NamedStep> steps = stepsInOrder(*verb, *options);
     if (steps.empty()) {
-      session.complain("there is nothing to do; vek0 edit --help lists the steps");
-      return session.failed(kWrongUsage);
+      return session.fail(kWrongUsage, "there is nothing to do; vek0 edit --help lists the steps");
     }
     rewrite(options->in, options->out, options->save, session, [&](CData& data, const ReadResult&) {
-      return edit(data, steps, options->undoCheck, session);
+      return editDrawing(data, steps, options->undoCheck, session);
     });
   });
 }

@@ -4,7 +4,7 @@
 
 #include "commands.h"
 #include "options.h"
-#include "vek0host/drawingfile.h"
+#include "vek0host/merging.h"
 #include "vek0host/saving.h"
 
 namespace vek0::tool {
@@ -16,32 +16,10 @@ struct ImportOptions {
   SaveOptions save;
 };
 
-// Importing modifies the drawing, so a damaged file would leave half of its content behind: it is
-// first read into a separate drawing.
-bool canBeLoaded(const std::string& path, const Session& session, std::string& message) {
-  const Drawing trial = newDrawing();
-  const ReadResult result = loadFile(*trial, path, session);
-  message = result.message();
-  return result.ok();
-}
-
-void mergeOne(CData& base, const std::string& path, Session& session) {
-  std::string message;
-  const bool good = canBeLoaded(path, session, message);
-  if (good) {
-    const ReadResult result = importFile(base, path, session);
-    message = result.message();
-    tellLosses(path, result, session);
-  }
-  if (message.empty()) return;
-  session.complain(path + ": " + message + (good ? "" : " It is left out."));
-  session.failed(kDrawingFailed);
-}
-
 void run(const ImportOptions& options, Session& session) {
   session.readsTwice = true;
   rewrite(options.base, options.out, options.save, session, [&](CData& base, const ReadResult&) {
-    for (const std::string& path : options.files) mergeOne(base, path, session);
+    for (const std::string& path : options.files) mergeFile(base, path, session);
     return true;
   });
 }

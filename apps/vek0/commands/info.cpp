@@ -20,9 +20,7 @@ void describe(const std::string& path, const InfoOptions& options, Session& sess
   const ReadResult result = loadFile(*data, path, session);
   if (!result.ok()) session.failed(kDrawingFailed);
   if (options.json) {
-    const std::string line =
-        summaryToJson(path, *data, result).dump(-1, ' ', false, Json::error_handler_t::replace);
-    std::printf("%s\n", line.c_str());
+    std::printf("%s\n", toLine(summaryToJson(path, *data, result)).c_str());
     return;
   }
   if (!result.ok()) session.complain(path + ": " + result.message());

@@ -7,8 +7,7 @@ void addRenderCommand(CLI::App& app, Session& session) {
   CLI::App* verb = app.add_subcommand("render", "Not in this build of vek0");
   verb->allow_extras()->fallthrough(false);
   verb->callback([&session] {
-    session.complain("this vek0 was built without 'render' (VEK0_BUILD_RENDER=OFF)");
-    session.failed(kWrongUsage);
+    session.fail(kWrongUsage, "this vek0 was built without 'render' (VEK0_BUILD_RENDER=OFF)");
   });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -28,5 +29,9 @@ bool isHatchPattern(const std::string& name);
 /// reporting the failure to the session, if the area is empty, the pattern too dense for the limit,
 /// or memory exhausted.
 bool addHatch(CData& data, const HatchRequest& request, const std::string& name, Session& session);
+
+/// The number of lines that all patterned hatches of a drawing, blocks included, are written as.
+/// Linear.
+std::size_t countHatchLines(const CData& data);
 
 }  // namespace vek0::host

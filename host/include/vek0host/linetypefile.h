@@ -35,4 +35,8 @@ InputFault loadLinetypes(CLtypeLoader& loader, const std::string& path);
 /// be read.
 bool addLinetypes(CData& data, const std::string& path, Session& session);
 
+/// Writes all linetypes of the loader as a definition file ("-": standard output), replacing an
+/// existing one if `force`. Reports failures and losses to the session.
+void saveLinetypes(CLtypeLoader& loader, const std::string& path, bool force, Session& session);
+
 }  // namespace vek0::host

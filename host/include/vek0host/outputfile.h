@@ -13,11 +13,17 @@ namespace vek0::host {
 /// for "-".
 ///
 /// The bytes are written to a temporary file next to the target, which only its owner may read and
-/// which `commit` renames. Without `commit`, and on interruption, the temporary file is removed.
+/// which `commit` renames. Without `commit`, the temporary file is removed.
 class OutputFile {
  public:
   /// Conversion of line feeds: to the platform's line end for text, none for bytes.
   enum Content { Text, Bytes };
+
+  /// Called with the name of the temporary file before it is created, and with an empty name once
+  /// it is gone.
+  using Watch = void (*)(const std::filesystem::path& unfinished);
+  /// Sets the process-wide watch, for programs that remove the file when they are interrupted.
+  static void setWatch(Watch watch);
 
   /// Rejects an existing target unless `force`, with the reason in `error()`.
   OutputFile(const std::string& path, bool force, Content content = Text);

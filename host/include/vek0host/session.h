@@ -47,8 +47,8 @@ struct Session {
   void complain(const std::string& message, const std::string& details = "") const {
     if (onMessage) onMessage(message, details);
   }
-  /// Complains unless the session is quiet.
-  void warn(const std::string& message, const std::string& details = "") const {
+  /// Passes on a warning or a result, unless the session is quiet.
+  void notify(const std::string& message, const std::string& details = "") const {
     if (!quiet) complain(message, details);
   }
   /// Keeps the worst failure seen.

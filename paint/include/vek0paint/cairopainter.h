@@ -12,8 +12,6 @@
 
 namespace vek0::paint {
 
-struct FACE_FILE;
-
 /// Draws a PNG image or a PDF page with Cairo; strokes of an image use a separate rasterizer. A
 /// page contains real text with embedded glyphs, so that it can be searched and copied.
 class CairoPainter final : public SheetPainter {
@@ -22,10 +20,7 @@ class CairoPainter final : public SheetPainter {
 
   /// `file` is open, and borrowed like `fonts`. If the image or page cannot be created, `finish`
   /// fails.
-  CairoPainter(Kind kind, IFile& file, const SHEET& sheet, FontLibrary& fonts);
-
-  /// The reason why an image of this size is refused, or an empty text.
-  static std::string refusal(const SHEET& sheet);
+  CairoPainter(Kind kind, IFile& file, const SHEET& sheet, IOutlineFonts& fonts);
 
   void begin(const DrawItem& item) override;
   bool finish() override;
@@ -39,7 +34,7 @@ class CairoPainter final : public SheetPainter {
   void plainDisc(const PNT_2D& center, double diameter) override;
   bool plainClip(const PNT_2D* points, std::size_t count) override;
   void plainPopClip() override;
-  void plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) override;
+  void plainText(const DrawText& text, const OutlineFont& font, const RECT_2D& bounds) override;
 
  private:
   struct DestroySurface {
@@ -56,7 +51,7 @@ class CairoPainter final : public SheetPainter {
 
   PNT_2D pixelOf(const PNT_2D& at) const;
   bool strokesItself();
-  bool showGlyphs(const DrawText& text, const FaceFont& font);
+  bool showGlyphs(const DrawText& text, const OutlineFont& font);
   cairo_font_face_t* fontOf(const FACE_FILE& file);
   enum Path { None, Strokes, Fills, Pixels };  // purpose of the current path
   void startPath(Path path);

@@ -6,8 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "vek0core/tables/font.h"
-#include "vek0draw/painter.h"
+#include "vek0paint/outlinefont.h"
 
 class CData;
 
@@ -26,57 +25,28 @@ struct GLYPH_OUTLINE {
   double advance = 0;
 };
 
-/// The file that a face is read from.
-struct FACE_FILE {
-  std::string path;
-  int index = 0;         ///< of the face in the file
-  bool altered = false;  ///< synthetic bold or italic: its glyphs differ from those in the file
-};
-
-/// A glyph of a text, on the device.
-struct FACE_GLYPH {
-  const FACE_FILE* file = nullptr;
-  unsigned index = 0;  ///< in the file's face
-  PNT_2D at;           ///< where its origin lies
-  double size = 0;     ///< of the em square, in the units of the text
-};
-
-/// Receives the contours of a text in device coordinates. Each is closed by the next `move` or by
-/// the end.
-class IOutlineSink {
- public:
-  virtual ~IOutlineSink() = default;
-  virtual void move(const PNT_2D& to) = 0;
-  virtual void line(const PNT_2D& to) = 0;
-  virtual void quad(const PNT_2D& from, const PNT_2D& control, const PNT_2D& to) = 0;
-  virtual void cubic(const PNT_2D& control1, const PNT_2D& control2, const PNT_2D& to) = 0;
-};
-
 /// A font of a drawing, by the drawing's name for it, measured and drawn with a system face. Its
 /// units are the face's design units, so the height unit is the face's capital height.
 ///
 /// Bold and italic faces are searched on first use; a family without them is emboldened and slanted
 /// synthetically. A character that the face lacks is taken from another one, scaled to the same
 /// capital height. Strings are measured and drawn by the same traversal, so the results agree.
-class FaceFont final : public ICADFont {
+class FaceFont final : public OutlineFont {
  public:
   double getHeightUnit() const override;
   double getDescent() const override;
   double getStringWidth(const zim::WString& text, bool horiz, bool bold,
                         bool italic) const override;
 
-  /// The glyphs in the order of the text.
-  std::vector<FACE_GLYPH> glyphs(const DrawText& text) const;
-  /// The glyphs' contours.
-  void outline(const DrawText& text, IOutlineSink& sink) const;
-  /// Name of the face's family in UTF-8.
-  std::string family() const;
-  /// Size of the em square in font units, which other programs call the font size.
-  double unitsPerEm() const;
+  std::vector<FACE_GLYPH> glyphs(const DrawText& text) const override;
+  void outline(const DrawText& text, IOutlineSink& sink) const override;
+  std::string family() const override;
+  double unitsPerEm() const override;
 
  private:
   friend class FontLibrary;
-  FaceFont(const zim::WString& name, FontLibrary& library) : ICADFont(name), m_library(library) {}
+  FaceFont(const zim::WString& name, FontLibrary& library)
+      : OutlineFont(name), m_library(library) {}
 
   Face& face(bool bold, bool italic) const;
   template <class Visit>
@@ -92,11 +62,11 @@ class FaceFont final : public ICADFont {
 /// Names are those of drawings: "ARIAL.TTF", "romans.shx", "Liberation Sans". Names of stroke
 /// fonts, which systems lack, select a technical lettering font; other unknown names select the
 /// system's best match. Not thread-safe.
-class FontLibrary {
+class FontLibrary final : public IOutlineFonts {
  public:
   FontLibrary();
   /// Removes the default font from the font table.
-  ~FontLibrary();
+  ~FontLibrary() override;
   FontLibrary(const FontLibrary&) = delete;
   FontLibrary& operator=(const FontLibrary&) = delete;
 
@@ -109,8 +79,7 @@ class FontLibrary {
   /// The font for a name; always the same one for the same name. Null if the system has no usable
   /// font.
   const FaceFont* font(const zim::WString& name);
-  /// The face font that draws any given font; the default font for null.
-  const FaceFont* drawing(const ICADFont* font);
+  const FaceFont* drawing(const ICADFont* font) override;
 
  private:
   friend class FaceFont;

@@ -34,6 +34,9 @@ struct SHEET_SIZE {
 /// Whether all four sides are finite.
 bool isFinite(const RECT_2D& rect);
 
+/// The reason why an image of this size is refused, or an empty text.
+std::string imageRefusal(const SHEET& sheet);
+
 /// "1600x1200", "297x210mm"; nothing for anything else.
 std::optional<SHEET_SIZE> parseSize(const std::string& text);
 /// "A4" (portrait) or "WxH" in millimeters, with or without the unit.

@@ -1,14 +1,12 @@
 #pragma once
 
 #include "vek0paint/clippingpainter.h"
+#include "vek0paint/outlinefont.h"
 #include "vek0paint/sheet.h"
 
 class IFile;
 
 namespace vek0::paint {
-
-class FaceFont;
-class FontLibrary;
 
 /// A painter that writes a file. The device coordinates are those of its sheet.
 class SheetPainter : public ClippingPainter {
@@ -21,18 +19,18 @@ class SheetPainter : public ClippingPainter {
 
  protected:
   /// `fonts` is borrowed.
-  SheetPainter(const SHEET& sheet, FontLibrary& fonts)
+  SheetPainter(const SHEET& sheet, IOutlineFonts& fonts)
       : ClippingPainter(static_cast<double>(sheet.width), static_cast<double>(sheet.height)),
         m_fonts(fonts) {}
 
   /// A text inside the box, in the metrics of `font`; `bounds` are its approximate bounds on the
   /// device.
-  virtual void plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) = 0;
+  virtual void plainText(const DrawText& text, const OutlineFont& font, const RECT_2D& bounds) = 0;
 
  private:
-  void fillOutlines(const DrawText& text, const FaceFont& font);
+  void fillOutlines(const DrawText& text, const OutlineFont& font);
 
-  FontLibrary& m_fonts;
+  IOutlineFonts& m_fonts;
 };
 
 }  // namespace vek0::paint

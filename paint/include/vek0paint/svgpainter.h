@@ -7,66 +7,12 @@
 #include <unordered_set>
 #include <vector>
 
+#include "vek0paint/covergrid.h"
 #include "vek0paint/sheetpainter.h"
 #include "vek0paint/svgclips.h"
+#include "vek0paint/svgpath.h"
 
 namespace vek0::paint {
-
-/// The data of a path in compact form: integer steps of 1/100 device unit, written as differences.
-class SvgPath {
- public:
-  /// Begins a new subpath, or continues if the path is already there. A path that returns to its
-  /// start is closed.
-  void move(const PNT_2D& to);
-  void line(const PNT_2D& to);
-  /// A curve by its letter ("q", "c"), its control points and its end.
-  void curve(char letter, const PNT_2D* points, std::size_t count);
-  /// An arc of at most half a turn to a point.
-  void arc(double radius, bool clockwise, const PNT_2D& to);
-  void close();
-  void clear() {
-    m_data.clear();
-    m_letter = 0;
-  }
-
-  bool empty() const { return m_data.empty(); }
-  const std::string& data() const { return m_data; }
-
- private:
-  void add(char letter, std::int64_t number);
-  void add(std::int64_t number);
-  void reached(std::int64_t x, std::int64_t y);
-
-  std::string m_data;
-  char m_letter = 0;              // command that the next numbers continue
-  std::int64_t m_x = 0, m_y = 0;  // current position
-  std::int64_t m_startX = 0, m_startY = 0;
-  int m_segments = 0;  // since the start
-};
-
-/// Records which group drew where, on a coarse grid over the sheet: detects when grouping by layer
-/// would put a fill above later content or below earlier content.
-class CoverGrid {
- public:
-  CoverGrid(double width, double height);
-  void clear();
-  /// Whether an element of a group may join it (groups are numbered in the order of writing)
-  /// without changing what fills cover.
-  bool admits(const RECT_2D& box, int group, bool isFill);
-  void mark(const RECT_2D& box, int group, bool isFill);
-
- private:
-  static constexpr int kCells = 32;  // per axis
-  struct CELL {
-    int top = -1, topFill = -1;  // last group that drew here, that filled here; -1: none
-  };
-  static int cellOf(double at, double size);
-  template <class Visit>
-  bool allCells(const RECT_2D& box, Visit&& visit);
-
-  double m_width, m_height;
-  std::vector<CELL> m_cells;
-};
 
 /// Writes well-structured SVG: one group per layer (`layer-WALLS`, also an Inkscape layer), the
 /// entity's handle as the id of its elements (`h1F`), arcs and circles as such, texts as texts or
@@ -80,7 +26,7 @@ class SvgPainter final : public SheetPainter {
   enum Texts { AsText, AsOutlines };
 
   /// `file` is open, and borrowed like `fonts`.
-  SvgPainter(IFile& file, const SHEET& sheet, FontLibrary& fonts, Texts texts);
+  SvgPainter(IFile& file, const SHEET& sheet, IOutlineFonts& fonts, Texts texts);
 
   void begin(const DrawItem& item) override;
   bool finish() override;
@@ -94,7 +40,7 @@ class SvgPainter final : public SheetPainter {
   void plainDisc(const PNT_2D& center, double diameter) override;
   bool plainClip(const PNT_2D* points, std::size_t count) override;
   void plainPopClip() override;
-  void plainText(const DrawText& text, const FaceFont& font, const RECT_2D& bounds) override;
+  void plainText(const DrawText& text, const OutlineFont& font, const RECT_2D& bounds) override;
 
  private:
   struct Group {
@@ -121,7 +67,7 @@ class SvgPainter final : public SheetPainter {
   void enterClips();
   std::string strokeAttribute();
   std::string fillAttribute() const;
-  std::string textAttributes(const DrawText& text, const FaceFont& font) const;
+  std::string textAttributes(const DrawText& text, const OutlineFont& font) const;
 
   IFile& m_file;
   Texts m_texts;

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "vek0core/vek0core.h"
+#include "vek0host/json.h"
+
+namespace vek0::host {
+
+/// Number of entities of each kind in model space; attributes attached to inserts count as ATTRIB.
+class EntityCounts {
+ public:
+  explicit EntityCounts(CData& data);
+
+  /// {"LINE": n, ...} with the kinds that occur, in the order of `kKinds`.
+  Json toJson() const;
+  /// "12 LINE, 3 CIRCLE", or "none".
+  std::string toText() const;
+
+  static constexpr std::array<const char*, 15> kKinds = {
+      "POINT",  "LINE",   "XLINE",  "RAY",   "CIRCLE", "ARC",   "POLYLINE", "TEXT",
+      "ATTDEF", "INSERT", "ATTRIB", "HATCH", "3DFACE", "SOLID", "TRACE"};
+
+ private:
+  std::array<long, kKinds.size()> m_counts{};
+};
+
+/// The kind of an entity, one of `EntityCounts::kKinds`.
+std::string kindNameOf(CEnt& ent);
+
+}  // namespace vek0::host

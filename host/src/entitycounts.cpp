@@ -1,0 +1,88 @@
+#include "vek0host/entitycounts.h"
+
+namespace vek0::host {
+namespace {
+
+enum Kind {
+  kPoint,
+  kLine,
+  kXline,
+  kRay,
+  kCircle,
+  kArc,
+  kPolyline,
+  kText,
+  kAttdef,
+  kInsert,
+  kAttrib,
+  kHatch,
+  kFace,
+  kSolid,
+  kTrace
+};
+
+// Determines the row of the counts for each visited entity.
+class KindVisitor final : public IEntVisitor {
+ public:
+  using IEntVisitor::visit;
+  void visit(CEntPnt&) override { kind = kPoint; }
+  void visit(CEntLine& line) override {
+    constexpr Kind kinds[] = {kLine, kRay, kXline};  // as `LineReach` counts them
+    kind = kinds[static_cast<int>(line.getReach())];
+  }
+  void visit(CEntCircle&) override { kind = kCircle; }
+  void visit(CEntArc&) override { kind = kArc; }
+  void visit(CEntPolyline&) override { kind = kPolyline; }
+  void visit(CEntText&) override { kind = kText; }
+  void visit(CEntAttdef&) override { kind = kAttdef; }
+  void visit(CEntInsert&) override { kind = kInsert; }
+  void visit(CEntFixedInsert&) override { kind = kInsert; }
+  void visit(CEntInsertXRef&) override { kind = kInsert; }
+  void visit(CEntAttrib&) override { kind = kAttrib; }
+  void visit(CEntHatch&) override { kind = kHatch; }
+  void visit(CEnt3DFace& face) override {
+    kind = kFace;
+    if (face.getFill() == FaceFill::Solid) kind = kSolid;
+    if (face.getFill() == FaceFill::Trace) kind = kTrace;
+  }
+
+  Kind kind = kPoint;
+};
+
+}  // namespace
+
+EntityCounts::EntityCounts(CData& data) {
+  KindVisitor visitor;
+  for (CEnt* entity : data.getEntTable().getEntityTbl()) {
+    entity->accept(visitor);
+    ++m_counts[visitor.kind];
+    if (const CEntInsertBase* insert = entity->getEntInsert()) {
+      m_counts[kAttrib] += static_cast<long>(insert->GetNoAttribs());
+    }
+  }
+}
+
+Json EntityCounts::toJson() const {
+  Json counts = Json::object();
+  for (std::size_t i = 0; i < kKinds.size(); ++i) {
+    if (m_counts[i] > 0) counts[kKinds[i]] = m_counts[i];
+  }
+  return counts;
+}
+
+std::string EntityCounts::toText() const {
+  std::string text;
+  for (std::size_t i = 0; i < kKinds.size(); ++i) {
+    if (m_counts[i] == 0) continue;
+    text += (text.empty() ? "" : ", ") + std::to_string(m_counts[i]) + " " + kKinds[i];
+  }
+  return text.empty() ? "none" : text;
+}
+
+std::string kindNameOf(CEnt& ent) {
+  KindVisitor visitor;
+  ent.accept(visitor);
+  return EntityCounts::kKinds[visitor.kind];
+}
+
+}  // namespace vek0::host

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "vek0core/tables/font.h"
+#include "vek0draw/painter.h"
+
+namespace vek0::paint {
+
+/// The file that a face is read from.
+struct FACE_FILE {
+  std::string path;
+  int index = 0;         ///< of the face in the file
+  bool altered = false;  ///< synthetic bold or italic: its glyphs differ from those in the file
+};
+
+/// A glyph of a text, on the device.
+struct FACE_GLYPH {
+  const FACE_FILE* file = nullptr;
+  unsigned index = 0;  ///< in the file's face
+  PNT_2D at;           ///< where its origin lies
+  double size = 0;     ///< of the em square, in the units of the text
+};
+
+/// Receives the contours of a text in device coordinates. Each is closed by the next `move` or by
+/// the end.
+class IOutlineSink {
+ public:
+  virtual ~IOutlineSink() = default;
+  virtual void move(const PNT_2D& to) = 0;
+  virtual void line(const PNT_2D& to) = 0;
+  virtual void quad(const PNT_2D& from, const PNT_2D& control, const PNT_2D& to) = 0;
+  virtual void cubic(const PNT_2D& control1, const PNT_2D& control2, const PNT_2D& to) = 0;
+};
+
+/// A font that painters draw texts with.
+class OutlineFont : public ICADFont {
+ public:
+  /// The contours of a text's glyphs.
+  virtual void outline(const DrawText& text, IOutlineSink& sink) const = 0;
+  /// The glyphs in the order of the text, for formats that embed fonts; empty if the font is not
+  /// read from a file.
+  virtual std::vector<FACE_GLYPH> glyphs(const DrawText& /*text*/) const { return {}; }
+  /// Name of the font's family in UTF-8.
+  virtual std::string family() const = 0;
+  /// Size of the em square in font units, which other programs call the font size.
+  virtual double unitsPerEm() const = 0;
+
+ protected:
+  using ICADFont::ICADFont;
+};
+
+/// Finds the fonts that draw the texts of a drawing.
+class IOutlineFonts {
+ public:
+  virtual ~IOutlineFonts() = default;
+  /// The font that draws texts of any given font; the default font for null. Null if there is none:
+  /// the text is then skipped. Owned by this object.
+  virtual const OutlineFont* drawing(const ICADFont* font) = 0;
+};
+
+}  // namespace vek0::paint

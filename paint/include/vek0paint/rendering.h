@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "vek0host/references.h"
+#include "vek0host/session.h"
+#include "vek0paint/picture.h"
+
+namespace vek0::paint {
+
+/// How drawings are rendered to files.
+struct RenderOptions {
+  PICTURE_OPTIONS picture;  ///< `unitMm` is computed from `unit`
+  std::string unit;         ///< drawing unit; empty: the one stated by the file, else a millimeter
+  std::string view = "plan";                             ///< see `makeProjector`
+  std::optional<RGB_COLOR> background{{255, 255, 255}};  ///< nothing: transparent
+  bool mono = false;                                     ///< draw everything in one color
+  bool textsAsOutlines = false;                          ///< of SVG
+  std::vector<std::string> layers, hiddenLayers;         ///< see `LayerChoice`
+  bool withReferences = true;                            ///< show external references
+  host::ReferenceOptions references;
+  bool splitLayers = false;  ///< one picture per layer that shows something
+  bool force = false;        ///< replace existing files
+};
+
+/// Renders a drawing ("-": standard input) to a file ("-": standard output). Reports failures and
+/// whatever the picture lacks to the session.
+void renderDrawing(const std::string& in, const std::string& out, const RenderOptions& options,
+                   host::Session& session);
+
+/// Renders each drawing to a file of its name in the folder `target`, which is created if
+/// necessary.
+void renderDrawings(const std::vector<std::string>& files, const std::string& target,
+                    const RenderOptions& options, host::Session& session);
+
+}  // namespace vek0::paint
