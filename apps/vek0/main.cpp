@@ -84,7 +84,7 @@ int parseAndRun(std::vector<std::string> arguments) {
   Session session;
   session.onMessage = printMessage;
   session.onRead = withProgress;
-  app.add_flag("-q,--quiet", session.quiet, "Say nothing but errors");
+  app.add_flag("-q,--quiet", session.quiet, "Print only errors");
   addReadOptions(app, session.reading);
   addInfoCommand(app, session);
   addCheckCommand(app, session);
@@ -97,7 +97,7 @@ int parseAndRun(std::vector<std::string> arguments) {
   addRenderCommand(app, session);
   addXrefsCommand(app, session);
   app.footer(
-      "Exit codes: 0 all well, 1 a drawing failed, 2 wrong usage, 3 an output could not be "
+      "Exit codes: 0 success, 1 a drawing failed, 2 wrong usage, 3 an output could not be "
       "written.");
 
   if (!arguments.empty() && arguments[0] == "help") {
@@ -133,7 +133,7 @@ int runTool(const std::vector<std::string>& arguments) {
     const int code = parseAndRun(arguments);
     shutdownCore();
     if (flushOutput()) return code;
-    printMessage("the standard output cannot be written", "");
+    printMessage("cannot write to the standard output", "");
     return kOutputFailed;
   } catch (const std::exception& problem) {
     printMessage(problem.what(), "");

@@ -7,14 +7,15 @@
 namespace vek0::tool {
 
 void addReadOptions(CLI::App& app, ReadOptions& options) {
-  CLI::Option* strict = app.add_flag("--strict", options.strict,
-                                     "Refuse files that break a rule, skip what has no class here");
-  app.add_flag("--paper-space", options.paperSpace, "Read the sheets instead of the model")
+  CLI::Option* strict =
+      app.add_flag("--strict", options.strict,
+                   "Reject files that violate the format; skip unsupported entities");
+  app.add_flag("--paper-space", options.paperSpace, "Read paper space instead of model space")
       ->excludes(strict);
   app.add_option_function<std::string>(
          "--encoding",
          [&options](const std::string& name) { options.codePage = codePageFromName(name); },
-         "Encoding of texts whatever the file says: utf-8, windows-1251, cp932, iso-8859-2 ...")
+         "Encoding of texts, overriding the file's own: utf-8, windows-1251, cp932, iso-8859-2 ...")
       ->check([](const std::string& name) {
         return codePageFromName(name) == kCodePageAuto ? "'" + name + "' is not a known encoding"
                                                        : std::string();
@@ -24,21 +25,21 @@ void addReadOptions(CLI::App& app, ReadOptions& options) {
 void addSaveOptions(CLI::App& verb, SaveOptions& options) {
   verb.add_flag("--flatten", options.flatten, "Write every point with Z = 0");
   verb.add_flag("--visible-only", options.visibleOnly,
-                "Leave out entities on layers that are frozen or off");
-  verb.add_flag("--no-tables", options.noTables, "Write blocks and entities only");
+                "Omit entities on layers that are frozen or off");
+  verb.add_flag("--no-tables", options.noTables, "Write only blocks and entities");
   verb.add_flag("--plain", options.plain,
-                "Write the classic form: six decimals, chords for arcs in polylines");
+                "Write the classic form: six decimals, chords instead of arcs in polylines");
   verb.add_flag("-f,--force", options.force, "Replace the output file if it exists");
 }
 
 void addReferenceOptions(CLI::App& verb, ReferenceOptions& options) {
   verb.add_option("--search", options.searched,
-                  "Look for references in this folder too; may be given again")
+                  "Also search this folder for references; may be repeated")
       ->type_name("DIR")
       ->allow_extra_args(false)
       ->check(CLI::ExistingDirectory);
   verb.add_option("--allow", options.allowed,
-                  "References may lead to files in or below this folder; may be given again")
+                  "Allow references to files in or below this folder; may be repeated")
       ->type_name("DIR")
       ->allow_extra_args(false)
       ->check(CLI::ExistingDirectory);

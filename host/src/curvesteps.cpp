@@ -9,8 +9,8 @@ namespace vek0::host {
 namespace {
 
 // Reports the number of entities that a step skipped.
-std::string passedOver(std::size_t count) {
-  return count == 0 ? "" : ", " + countedEntities(count) + " passed over";
+std::string skipped(std::size_t count) {
+  return count == 0 ? "" : ", " + countedEntities(count) + " skipped";
 }
 
 // Adds a new entity to the drawing and to the next selection.
@@ -32,8 +32,8 @@ StepOutcome explode(Editing& editing) {
     ent->accept(exploder);
     if (exploder.isRefused())
       return StepOutcome::failed("more than " + std::to_string(CEntExploderVisitor::kLimit) +
-                                 " entities and vertices would come of it, an external "
-                                 "reference would be sheared, or memory ran out");
+                                 " entities and vertices would result, an external reference would "
+                                 "be sheared, or memory ran out");
     if (exploder.getEnts().empty()) {
       chosen.push_back(ent);
       continue;
@@ -49,7 +49,7 @@ StepOutcome explode(Editing& editing) {
   editing.chosen = std::move(chosen);
   const long unclipped = exploder.getNoLostClips();
   return StepOutcome::done(countedEntities(exploded) + " exploded into " + std::to_string(parts) +
-                           passedOver(left) +
+                           skipped(left) +
                            (unclipped > 0 ? ", clips lost: " + std::to_string(unclipped) : ""));
 }
 
@@ -71,7 +71,7 @@ StepOutcome join(Editing& editing, std::optional<double> tolerance, JOIN_LAYERS 
   const std::size_t left = editing.chosen.size() - parts.size();
   editing.chosen = std::move(chosen);
   return StepOutcome::done(countedEntities(parts.size()) + " joined into " +
-                           counted(joined.size(), "polyline", "polylines") + passedOver(left));
+                           counted(joined.size(), "polyline", "polylines") + skipped(left));
 }
 
 // Closed curves have an outside, whatever their direction.
@@ -97,7 +97,7 @@ StepOutcome offset(Editing& editing, double distance, const OFFSET_OPTIONS& opti
   const std::size_t taken = editing.chosen.size() - left;
   editing.chosen = std::move(chosen);
   return StepOutcome::done(counted(editing.chosen.size(), "parallel", "parallels") + " of " +
-                           countedEntities(taken) + " added" + passedOver(left));
+                           countedEntities(taken) + " added" + skipped(left));
 }
 
 bool readCorners(std::string_view text, OFFSET_JOIN& join) {
@@ -121,12 +121,12 @@ std::string readJoin(const std::string& text, EditStep& step) {
   if (first != "auto") {
     const auto numbers = numbersIn(first);
     if (!numbers || numbers->front() < 0)
-      return "'" + first + "' is not a tolerance like 0.01, nor auto";
+      return "'" + first + "' is neither a tolerance like 0.01 nor auto";
     tolerance = numbers->front();
   }
   const bool isAcross = comma != std::string::npos;
   if (isAcross && text.substr(comma + 1) != "across")
-    return "'" + text + "' is not a tolerance like 0.01, nor one like 0.01,across";
+    return "'" + text + "' is not a tolerance like 0.01 or 0.01,across";
   const JOIN_LAYERS layers = isAcross ? JOIN_LAYERS::together : JOIN_LAYERS::apart;
   step =
       onChosen([tolerance, layers](Editing& editing) { return join(editing, tolerance, layers); });

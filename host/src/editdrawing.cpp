@@ -31,7 +31,7 @@ bool passesUndoCheck(Editing& editing, const std::string& before, Session& sessi
     session.fail(kDrawingFailed, "undo check: " + problem);
   } else {
     session.notify("undo check: " + counted(count, "step", "steps") + " (" + std::to_string(bytes) +
-                   " bytes) undone, which gave the drawing back, and done again");
+                   " bytes) undone, which restored the drawing, and redone");
   }
   return problem.empty();
 }

@@ -7,34 +7,33 @@ namespace vek0::host {
 const std::vector<StepKind>& stepKinds() {
   static const std::vector<StepKind> kinds = {
       {"--select", "WHAT",
-       "What the next steps work on: layer=NAMES,kind=KINDS,window=X1,Y1,X2,Y2, or all",
+       "Select what the next steps apply to: layer=NAMES,kind=KINDS,window=X1,Y1,X2,Y2, or all",
        readSelect},
       {"--move", "DX,DY[,DZ]", "Move", readMove},
-      {"--rotate", "DEG@X,Y", "Turn counter-clockwise about a point", readRotate},
+      {"--rotate", "DEG@X,Y", "Rotate counter-clockwise about a point", readRotate},
       {"--scale", "F@X,Y", "Scale about a point", readScale},
-      {"--explode", nullptr, "Take polylines, inserts and hatches apart, by one level",
-       readExplode},
+      {"--explode", nullptr, "Explode polylines, inserts and hatches by one level", readExplode},
       {"--join", "TOL[,across]",
-       "Join lines, arcs and polylines of a layer whose ends are at most TOL apart; or auto. "
-       "With across those of all layers that are shown",
+       "Join lines, arcs and polylines of the same layer whose ends are at most TOL apart; auto "
+       "chooses TOL. With across, also those of different visible layers",
        readJoin},
       {"--offset", "D[,CORNERS]",
-       "Add parallels: right of open curves, outside of closed ones; D < 0 the other side. "
+       "Add parallels: to the right of open curves, outside closed ones; D < 0: on the other side. "
        "CORNERS: round, mitre or bevel",
        readOffset},
-      {"--set-layer", "NAME", "Put on a layer, made if there is none", readSetLayer},
-      {"--set-color", "COLOR", "Give a color: 1 to 255, red and so on, bylayer, byblock",
+      {"--set-layer", "NAME", "Set the layer, which is created if it does not exist", readSetLayer},
+      {"--set-color", "COLOR", "Set the color: 1 to 255, a name such as red, bylayer or byblock",
        readSetColor},
-      {"--set-linetype", "NAME", "Give a linetype of the drawing, bylayer or byblock",
+      {"--set-linetype", "NAME", "Set the linetype: one of the drawing's, bylayer or byblock",
        readSetLtype},
       {"--delete", nullptr, "Delete", readDelete},
       {"--remap-layer", "OLD=NEW",
-       "In the whole drawing, blocks too, put NEW (made if there is none) in the place of OLD",
+       "Replace layer OLD by NEW in the whole drawing, including blocks; NEW is created if it does "
+       "not exist",
        readRemapLayer},
       {"--remap-linetype", "OLD=NEW", "The same for linetypes", readRemapLtype},
       {"--remap-style", "OLD=NEW", "The same for text styles", readRemapStyle},
-      {"--purge", nullptr, "Remove the blocks, layers, linetypes and text styles that nothing uses",
-       readPurge},
+      {"--purge", nullptr, "Remove unused blocks, layers, linetypes and text styles", readPurge},
   };
   return kinds;
 }

@@ -59,9 +59,9 @@ std::vector<PNT_3D> boundaryOf(const CData& data, const HatchRequest& request,
   if (request.closedPolylines)
     session.fail(kDrawingFailed, name + ": there is no closed polyline to hatch");
   else
-    session.fail(kWrongUsage,
-                 "the boundary encloses no area: it needs three different points that are "
-                 "not in line");
+    session.fail(
+        kWrongUsage,
+        "the boundary encloses no area: it needs three distinct points that are not collinear");
   return {};
 }
 

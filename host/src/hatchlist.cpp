@@ -14,7 +14,7 @@ namespace {
 
 std::string utf8(const zim::Char* text) { return zim::WString(text).toUtf8(); }
 
-// The catalogue's angles have thirteen decimals; the original degrees have fewer.
+// The catalog's angles have thirteen decimals; the original degrees have fewer.
 double degreesOf(double angleRad) { return std::round(angleRad / kRadiansPerDegree * 1e9) / 1e9; }
 
 Json toJson(const HATCH_LINE& line) {

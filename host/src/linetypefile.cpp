@@ -31,9 +31,9 @@ InputFault loadLinetypes(CLtypeLoader& loader, const std::string& path) {
     case CLtypeLoader::Done:
       return {};
     case CLtypeLoader::NoMemory:
-      return {"general error", "There is not enough memory."};
+      return {"general error", "Out of memory."};
     default:
-      return {"file unreadable", "The file cannot be read to its end."};
+      return {"file unreadable", "The file cannot be read to the end."};
   }
 }
 
@@ -49,10 +49,10 @@ bool addLinetypes(CData& data, const std::string& path, Session& session) {
   addLtypes(data, loader);
   if (session.quiet) return true;
   for (const std::string& style : maker.made()) {
-    session.complain(path + ": the style '" + style + "' was made with the default font");
+    session.complain(path + ": the style '" + style + "' was created with the default font");
   }
   if (!loader.GetReport().empty()) {
-    session.complain(path + ": not everything could be read as it was:",
+    session.complain(path + ": not everything could be read unchanged:",
                      reportToText(loader.GetReport()));
   }
   return true;
@@ -66,7 +66,7 @@ void saveLinetypes(CLtypeLoader& loader, const std::string& path, bool force, Se
     return session.fail(kOutputFailed, "'" + output.path() + "' cannot be written");
   if (!output.commit()) return session.fail(kOutputFailed, output.error());
   if (!loader.GetReport().empty())
-    session.notify("not everything could be written as it was:", reportToText(loader.GetReport()));
+    session.notify("not everything could be written unchanged:", reportToText(loader.GetReport()));
 }
 
 }  // namespace vek0::host

@@ -22,10 +22,10 @@ void mergeFile(CData& base, const std::string& path, Session& session) {
   if (good) {
     const ReadResult result = importFile(base, path, session);
     message = result.message();
-    tellLosses(path, result, session);
+    warnOfLosses(path, result, session);
   }
   if (message.empty()) return;
-  session.fail(kDrawingFailed, path + ": " + message + (good ? "" : " It is left out."));
+  session.fail(kDrawingFailed, path + ": " + message + (good ? "" : " The file is skipped."));
 }
 
 }  // namespace vek0::host

@@ -48,7 +48,7 @@ OutputFile::OutputFile(const std::string& path, bool force, Content content)
     m_file = std::make_unique<CFileMemory>(u"-", kWrite);
     return;
   }
-  m_target = followed(m_target);  // a link stays a link: what it points to is written
+  m_target = followed(m_target);  // a link stays; its target is written
   m_error = faultOf(path, force);
   if (!m_error.empty()) return;
   m_temporary = temporaryFor(m_target);
@@ -62,12 +62,13 @@ OutputFile::OutputFile(const std::string& path, bool force, Content content)
 std::string OutputFile::faultOf(const std::string& path, bool force) const {
   std::error_code ignored;
   const auto status = std::filesystem::status(m_target, ignored);
-  if (m_target.empty()) return "'" + path + "' is a link that leads to itself";
+  if (m_target.empty()) return "'" + path + "' is a circular link";
   if (std::filesystem::is_directory(status)) return "'" + path + "' is a folder";
   // Renaming would replace the pipe or device by a file.
   if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
     return "'" + path + "' is not a regular file";
-  if (!force && std::filesystem::exists(status)) return "'" + path + "' exists; -f replaces it";
+  if (!force && std::filesystem::exists(status))
+    return "'" + path + "' already exists; use -f to replace it";
   if (m_target.has_parent_path() && !std::filesystem::is_directory(m_target.parent_path(), ignored))
     return "the folder of '" + path + "' does not exist";
   return {};
@@ -115,7 +116,7 @@ bool OutputFile::writeToStandardOutput() {
   const std::string& bytes = static_cast<CFileMemory&>(*m_file).bytes();
   const bool written = std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size();
   if (written && std::fflush(stdout) == 0) return true;
-  m_error = "the standard output cannot be written";
+  m_error = "cannot write to the standard output";
   return false;
 }
 

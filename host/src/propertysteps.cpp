@@ -29,11 +29,11 @@ short colorOf(const zim::WString& name) {
 }  // namespace
 
 std::string readSetLayer(const std::string& text, EditStep& step) {
-  if (text.empty()) return "a layer needs a name";
+  if (text.empty()) return "the layer name is empty";
   step = onChosen([text](Editing& editing) {
     CLayer* layer = needLayer(editing, zim::WString::fromUtf8(text), nullptr);
     if (layer == nullptr) return StepOutcome::failed("there is no layer " + text);
-    return setAll(editing, " put on layer " + layer->getFullName().toUtf8(),
+    return setAll(editing, " moved to layer " + layer->getFullName().toUtf8(),
                   [layer](CEnt& ent) { ent.setLayer(layer); });
   });
   return {};
@@ -50,13 +50,13 @@ std::string readSetColor(const std::string& text, EditStep& step) {
 }
 
 std::string readSetLtype(const std::string& text, EditStep& step) {
-  if (text.empty()) return "a linetype needs a name";
+  if (text.empty()) return "the linetype name is empty";
   step = onChosen([text](Editing& editing) {
     CLtype* ltype = getLtype(editing.data, zim::WString::fromUtf8(text));
     if (ltype == nullptr)
       return StepOutcome::failed("there is no linetype " + text +
                                  "; vek0 convert --linetypes adds those of a definition file");
-    return setAll(editing, " given linetype " + ltype->getFullName().toUtf8(),
+    return setAll(editing, " set to linetype " + ltype->getFullName().toUtf8(),
                   [ltype](CEnt& ent) { ent.setLtype(ltype); });
   });
   return {};

@@ -43,7 +43,7 @@ bool ReferenceEditor::fail(const std::string& message) {
 }
 
 bool ReferenceEditor::bind(const ReferenceChoice& choice) {
-  resolve("what is bound will lack or change");
+  resolve("lost or changed when bound");
   const auto chosen = choose(choice);
   if (!chosen || (choice.all && !isAllLoaded())) return false;
   for (const CBlockXRef* xref : *chosen) {
@@ -67,9 +67,9 @@ bool ReferenceEditor::attach(const NewReference& reference) {
                                 reference.base, reference.overlay);
   if (xref == nullptr)
     return fail("'" + stem +
-                "' cannot be a reference's name here: it is taken, has a bar, "
-                "or begins with an asterisk");
-  if (!insert(*xref, reference)) return fail("there is not enough memory");
+                "' cannot be the name of the reference: it is already used, contains a vertical "
+                "bar, or begins with an asterisk");
+  if (!insert(*xref, reference)) return fail("out of memory");
   if (m_reader.resolve(m_data, *xref)) m_session.notify(toText(*xref) + ": attached");
   warnOfFailures();
   return true;
@@ -77,7 +77,7 @@ bool ReferenceEditor::attach(const NewReference& reference) {
 
 void ReferenceEditor::warnOfFailures() const {
   if (m_reader.failures() > 0)
-    m_session.notify("not every reference is shown:", m_reader.failuresToText());
+    m_session.notify("some references are not shown:", m_reader.failuresToText());
 }
 
 void ReferenceEditor::resolve(const char* what) {
@@ -93,7 +93,7 @@ bool ReferenceEditor::isAllLoaded() {
   for (const CBlockXRef* xref : References(m_data).all) {
     if (xref->getStatus() != CBlockXRef::Status::loaded)
       return fail(toText(*xref) + " is " + nameOf(xref->getStatus()) +
-                  "; name the references to bind, or mend its path first");
+                  "; name the references to bind, or fix its path first");
   }
   return true;
 }
@@ -122,7 +122,8 @@ std::optional<std::vector<CBlockXRef*>> ReferenceEditor::choose(const ReferenceC
     if (found.empty()) isGood = fail("there is no reference " + name);
     for (CBlockXRef* xref : found) {
       if (xref->getShows() > 0)
-        isGood = fail(toText(*xref) + " is shown by another reference, and comes and goes with it");
+        isGood = fail(toText(*xref) +
+                      " is nested in another reference, and is added and removed with it");
       if (seen.insert(xref).second) chosen.push_back(xref);
     }
   }
@@ -133,16 +134,15 @@ std::optional<std::vector<CBlockXRef*>> ReferenceEditor::choose(const ReferenceC
 bool ReferenceEditor::edit(const std::vector<CBlockXRef*>& chosen, const char* done, Edit work) {
   std::vector<std::string> names;
   for (const CBlockXRef* xref : chosen) names.push_back(toText(*xref));
-  if (!work(m_data, m_undo, chosen)) return fail("there is not enough memory");
+  if (!work(m_data, m_undo, chosen)) return fail("out of memory");
   for (const std::string& name : names) m_session.notify(name + ": " + done);
-  if (names.empty()) m_session.notify("there is no reference");
+  if (names.empty()) m_session.notify("there are no references");
   return true;
 }
 
 bool ReferenceEditor::setPath(CBlockXRef& xref, const std::string& path) {
   const std::string before = toText(xref);
-  if (!setXRefPath(m_undo, xref, zim::WString::fromUtf8(path)))
-    return fail("there is not enough memory");
+  if (!setXRefPath(m_undo, xref, zim::WString::fromUtf8(path))) return fail("out of memory");
   m_session.notify(before + ": now " + path);
   return true;
 }

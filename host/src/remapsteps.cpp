@@ -13,9 +13,9 @@ struct Names {
 
 std::string readNames(const std::string& text, Names& names) {
   const auto sides = splitUnquoted(text, '=');
-  if (!sides || sides->size() != 2) return "'" + text + "' is not OLD=NEW";
+  if (!sides || sides->size() != 2) return "'" + text + "' is not of the form OLD=NEW";
   names = {unquoted((*sides)[0]), unquoted((*sides)[1])};
-  return names.from.empty() || names.to.empty() ? "'" + text + "' is not OLD=NEW" : "";
+  return names.from.empty() || names.to.empty() ? "'" + text + "' is not of the form OLD=NEW" : "";
 }
 
 const zim::WString& fullNameOf(const CLayer& layer) { return layer.getFullName(); }
@@ -94,7 +94,7 @@ StepOutcome remapLtypes(Editing& editing, const Names& names) {
     if (layer != nullptr)
       return StepOutcome::failed("layer " + layer->getFullName().toUtf8() + " has linetype " +
                                  layer->getLtype()->getFullName().toUtf8() +
-                                 ", and no layer can have " + to->getFullName().toUtf8());
+                                 ", and a layer cannot have " + to->getFullName().toUtf8());
   }
   return remap(editing, from, *to, "linetype", "linetypes");
 }

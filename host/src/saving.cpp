@@ -24,16 +24,16 @@ bool save(const CData& data, OutputFile& output, const SaveOptions& options, Ses
     return false;
   }
   if (!report.empty()) {
-    session.notify("not everything could be written as it was:", reportToText(report));
+    session.notify("not everything could be written unchanged:", reportToText(report));
   }
   return true;
 }
 
 }  // namespace
 
-void tellLosses(const std::string& in, const ReadResult& result, const Session& session) {
+void warnOfLosses(const std::string& in, const ReadResult& result, const Session& session) {
   const std::string losses = lossesToText(result.report);
-  if (!losses.empty()) session.notify(in + ": what is written will lack or change:", losses);
+  if (!losses.empty()) session.notify(in + ": lost or changed in the output:", losses);
 }
 
 std::uintmax_t rewrite(const std::string& in, const std::string& out, const SaveOptions& options,
@@ -50,7 +50,7 @@ std::uintmax_t rewrite(const std::string& in, const std::string& out, const Save
     session.fail(kDrawingFailed, in + ": " + result.message());
     return 0;
   }
-  tellLosses(in, result, session);
+  warnOfLosses(in, result, session);
   return change(*data, result) && save(*data, output, options, session) ? output.size() : 0;
 }
 

@@ -28,7 +28,7 @@ std::vector<std::string>* listOf(Criteria& criteria, const std::string& word) {
 // Assigns the values to the preceding keywords. Returns the error, if any.
 std::string sortValues(const std::string& text, Criteria& criteria) {
   const auto items = splitUnquoted(text, ',');
-  if (!items) return "a quote is not closed in " + text;
+  if (!items) return "unclosed quote in " + text;
   std::vector<std::string>* list = nullptr;
   for (const std::string& item : *items) {
     const auto sides = *splitUnquoted(item, '=');
@@ -36,7 +36,7 @@ std::string sortValues(const std::string& text, Criteria& criteria) {
     if (list == nullptr || sides.size() > 2)
       return "'" + item + "' is not all, layer=..., kind=... or window=...";
     list->push_back(unquoted(sides.back()));
-    if (list->back().empty()) return "a value is missing in " + text;
+    if (list->back().empty()) return "missing value in " + text;
   }
   return {};
 }
@@ -50,7 +50,7 @@ std::string checkKind(std::string& kind) {
     kind = known;
     return {};
   }
-  return "'" + kind + "' is none of " + all;
+  return "'" + kind + "' is not one of " + all;
 }
 
 std::string readWindow(Criteria& criteria) {
@@ -108,7 +108,7 @@ StepOutcome select(Editing& editing, const Criteria& criteria) {
   };
   editing.chosen.clear();
   std::copy_if(all.begin(), all.end(), std::back_inserter(editing.chosen), fits);
-  if (editing.chosen.empty()) return StepOutcome::failed("nothing fits");
+  if (editing.chosen.empty()) return StepOutcome::failed("no entity matches");
   return StepOutcome::done(countedEntities(editing.chosen.size()) + " selected");
 }
 

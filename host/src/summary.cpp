@@ -27,7 +27,7 @@ std::string ltypeName(const CLtype* ltype) {
 }
 
 // Every drawing has some initial items. For a failed file they are listed only if they are used.
-bool isTold(const CNamedItem& item, const CData& data, const ReadResult& result) {
+bool isListed(const CNamedItem& item, const CData& data, const ReadResult& result) {
   const bool isGiven = item.isHeld() && &item != data.getStyleTable().getStyleStandard();
   return result.ok() || isGiven || item.getEntities() > 0;
 }
@@ -35,7 +35,7 @@ bool isTold(const CNamedItem& item, const CData& data, const ReadResult& result)
 Json layersToJson(const CData& data, const ReadResult& result) {
   Json layers = Json::array();
   for (CData::CLayerIterator it(data, true); const CLayer* layer = *it; ++it) {
-    if (!isTold(*layer, data, result)) continue;
+    if (!isListed(*layer, data, result)) continue;
     layers.push_back({{"name", layer->getFullName().toUtf8()},
                       {"color", layer->getColor()},
                       {"linetype", ltypeName(layer->getLtype())},
@@ -49,7 +49,7 @@ Json layersToJson(const CData& data, const ReadResult& result) {
 Json ltypesToJson(const CData& data, const ReadResult& result) {
   Json names = Json::array();
   for (CData::CLtypeIterator it(data, true, true); const CLtype* ltype = *it; ++it) {
-    if (isTold(*ltype, data, result)) names.push_back(ltypeName(ltype));
+    if (isListed(*ltype, data, result)) names.push_back(ltypeName(ltype));
   }
   return names;
 }
@@ -58,7 +58,7 @@ Json stylesToJson(const CData& data, const ReadResult& result) {
   Json names = Json::array();
   // External references have a "STANDARD" of their own each, which no file names.
   for (CData::CStyleIterator it(data, false); const CStyle* style = *it; ++it) {
-    if (isTold(*style, data, result)) names.push_back(style->getName().toUtf8());
+    if (isListed(*style, data, result)) names.push_back(style->getName().toUtf8());
   }
   return names;
 }

@@ -25,7 +25,7 @@ EditStep transformStep(Visitor visitor, const char* done) {
       const bool wasFinite = isFinite(ent->getBdry());
       ent->accept(transform);
       if (wasFinite && !isFinite(ent->getBdry()))
-        return StepOutcome::failed("coordinates would become too large for numbers");
+        return StepOutcome::failed("coordinates would exceed the range of numbers");
     }
     editing.data.getEntTable().invalidateBdry();
     return StepOutcome::done(countedEntities(editing.chosen.size()) + done);
@@ -34,7 +34,7 @@ EditStep transformStep(Visitor visitor, const char* done) {
 
 struct NumberAtPoint {
   double number;
-  PNT_3D centre;
+  PNT_3D center;
 };
 
 // "number@x,y"
@@ -61,15 +61,15 @@ std::string readMove(const std::string& text, EditStep& step) {
 std::string readRotate(const std::string& text, EditStep& step) {
   const auto value = readNumberAtPoint(text);
   if (!value) return "'" + text + "' is not an angle and a point like 90@10,5";
-  step = transformStep(CEntRotateXYVisitor::byDegrees(value->centre, value->number), " rotated");
+  step = transformStep(CEntRotateXYVisitor::byDegrees(value->center, value->number), " rotated");
   return {};
 }
 
 std::string readScale(const std::string& text, EditStep& step) {
   const auto value = readNumberAtPoint(text);
   if (!value) return "'" + text + "' is not a factor and a point like 2.5@10,5";
-  if (value->number == 0) return "a factor of 0 leaves nothing, and nothing could undo it";
-  step = transformStep(CEntScaleVisitor(value->centre, value->number), " scaled");
+  if (value->number == 0) return "a factor of 0 would shrink everything to a point";
+  step = transformStep(CEntScaleVisitor(value->center, value->number), " scaled");
   return {};
 }
 

@@ -9,13 +9,13 @@ std::string bytesOf(const CData& data) {
 
 std::string checkUndo(CData& data, CUndoStack& undo, const std::string& before) {
   const std::string after = bytesOf(data);
-  if (before.empty() || after.empty()) return "the drawing cannot be written for the comparison";
+  if (before.empty() || after.empty()) return "the drawing cannot be saved for the comparison";
   while (undo.getNoUndo() > 0)
     if (!undo.undo()) return "a step cannot be undone";
-  if (bytesOf(data) != before) return "undoing did not give the drawing back";
+  if (bytesOf(data) != before) return "undoing did not restore the drawing";
   while (undo.getNoRedo() > 0)
-    if (!undo.redo()) return "a step cannot be done again";
-  return bytesOf(data) == after ? "" : "doing it all again gave another drawing";
+    if (!undo.redo()) return "a step cannot be redone";
+  return bytesOf(data) == after ? "" : "redoing produced a different drawing";
 }
 
 }  // namespace vek0::host

@@ -9,7 +9,7 @@ namespace {
 
 struct Unit {
   const char* name;
-  double metres;
+  double meters;
 };
 
 constexpr double kInch = 0.0254;
@@ -65,9 +65,9 @@ std::vector<std::string> unitNames() {
   return names;
 }
 
-std::optional<double> unitInMetres(std::string_view name) {
+std::optional<double> unitInMeters(std::string_view name) {
   for (const Unit& unit : kUnits)
-    if (unit.metres > 0 && unit.name == name) return unit.metres;
+    if (unit.meters > 0 && unit.name == name) return unit.meters;
   return std::nullopt;
 }
 
@@ -86,8 +86,8 @@ void scaleDrawing(CData& data, double factor) {
 
 bool convertUnits(CData& data, long stated, const std::string& from, const std::string& to) {
   const char* name = unitName(stated);
-  const auto source = unitInMetres(from.empty() && name ? name : from);
-  const auto target = unitInMetres(to);
+  const auto source = unitInMeters(from.empty() && name ? name : from);
+  const auto target = unitInMeters(to);
   if (!source || !target) return false;
   scaleDrawing(data, *source / *target);
   return true;

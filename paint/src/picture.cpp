@@ -133,10 +133,10 @@ class Layout {
     const double longest = std::max(m_width, m_height);
     if (!(std::isfinite(longest) && longest <= kMaxUnits) ||
         (m_options.format == Format::Pdf && longest * m_unitMm > kMaxPageMm)) {
-      return "the picture would be too large; --paper or another --scale makes it smaller";
+      return "the picture would be too large; use --paper or another --scale";
     }
     if (!m_options.scale && std::min(m_width, m_height) <= 2 * m_margin) {
-      return "the margin leaves nothing of the sheet";
+      return "the margins leave no room on the sheet";
     }
     return {};
   }
@@ -153,7 +153,7 @@ class Layout {
     picture.overflows =
         contentWidth() > 2 * halfWidth + scale || contentHeight() > 2 * halfHeight + scale;
     if (picture.error.empty() && !isFinite(picture.world)) {
-      picture.error = "the coordinates of what is to be shown are too large";
+      picture.error = "the coordinates of the content are too large";
     }
   }
 

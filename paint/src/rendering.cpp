@@ -62,9 +62,8 @@ std::string missingFrom(const CFileReport& report) {
 std::string whyNothing(const ReadResult& result, const LayerChoice& layers) {
   const std::string elsewhere = result.elsewhere();
   if (!elsewhere.empty()) return ": " + elsewhere;
-  return layers.hidesUnprinted()
-             ? ": layer Defpoints is not printed; --layers Defpoints shows it all the same"
-             : "";
+  return layers.hidesUnprinted() ? ": layer Defpoints is not printed; --layers Defpoints shows it"
+                                 : "";
 }
 
 std::string joined(const std::vector<std::string>& names) {
@@ -73,7 +72,7 @@ std::string joined(const std::vector<std::string>& names) {
   return text;
 }
 
-// Renders drawings one after the other; prints an error and sets the exit code if one fails.
+// Renders drawings one after the other; failures go to the session.
 class Renderer {
  public:
   Renderer(const RenderOptions& options, Session& session)
@@ -83,7 +82,7 @@ class Renderer {
         m_projector(makeProjector(options.view)) {
     m_fonts.registerFonts();
     m_drawOptions.mono = options.mono;
-    // A point of a page takes longer than the others by far.
+    // A point of a page is by far the most expensive.
     if (m_format == Format::Pdf) {
       m_drawOptions.pointLimit /= 4;
       m_drawOptions.effort /= 4;
@@ -125,7 +124,7 @@ class Renderer {
     if (!missing.empty()) warn(in + ": not shown: " + missing);
     if (const long count = report.count("extrusion ignored")) {
       warn(in + ": " + std::to_string(count) +
-           " entities may be misplaced, their extrusion is not read yet");
+           " entities may be misplaced: their extrusion is not supported");
     }
   }
 
@@ -133,7 +132,7 @@ class Renderer {
     ReferenceReader reader(in, m_options.references, m_session);
     reader.resolve(data);
     if (reader.failures() > 0)
-      warn(in + ": not every reference is shown:", reader.failuresToText());
+      warn(in + ": some references are not shown:", reader.failuresToText());
     for (const auto& [name, report] : reader.readings()) reportLosses(name, report);
   }
 
@@ -152,10 +151,11 @@ class Renderer {
     const std::string drawingUnit = unitOf(m_options, result);
     constexpr double kMmPerMeter = 1000;
     PICTURE_OPTIONS layout = m_options.picture;
-    layout.unitMm = unitInMetres(drawingUnit).value_or(1 / kMmPerMeter) * kMmPerMeter;
+    layout.unitMm = unitInMeters(drawingUnit).value_or(1 / kMmPerMeter) * kMmPerMeter;
     PICTURE picture = layOut(layout, extents);
     if (!picture.error.empty() && layout.scale && m_options.unit.empty())
-      picture.error += "; a drawing unit is taken for 1 " + drawingUnit + ", --unit says otherwise";
+      picture.error +=
+          "; the drawing unit is assumed to be 1 " + drawingUnit + "; --unit overrides it";
     picture.sheet.background = m_drawOptions.background;
     picture.sheet.transparent = !m_options.background;
     if (in != "-") picture.sheet.title = fileTitle(in);
@@ -196,22 +196,22 @@ class Renderer {
     if (!written) return fail(kOutputFailed, "'" + output.path() + "' cannot be written");
     if (result.unclipped > 0)
       warn("'" + output.path() + "' shows " + std::to_string(result.unclipped) +
-           " clipped inserts whole: from the side there are no clips, and none are drawn whose "
-           "boundaries are too long or too many");
-    tellShortcomings(output.path(), result);
+           " clipped inserts whole: clipping needs a plan view, and boundaries that are neither "
+           "too long nor too many");
+    reportShortcomings(output.path(), result);
     if (result.emitted == 0 && !evenEmpty) return;
     if (!output.commit()) fail(kOutputFailed, output.error());
   }
 
-  void tellShortcomings(const std::string& path, const DRAW_RESULT& result) {
+  void reportShortcomings(const std::string& path, const DRAW_RESULT& result) {
     if (result.simplified > 0)
       warn("'" + path + "' shows " + std::to_string(result.simplified) +
-           " things that are too small or too many as dots, areas or continuous lines");
+           " parts that are too small or too numerous as dots, areas or continuous lines");
     if (result.missing > 0)
       fail(kDrawingFailed, "'" + path + "' shows " + std::to_string(result.missing) +
-                               " hatches by their boundaries, their patterns are too dense");
+                               " hatches by their boundaries: their patterns are too dense");
     if (result.cut)
-      fail(kDrawingFailed, "'" + path + "' is not complete, the drawing shows too much");
+      fail(kDrawingFailed, "'" + path + "' is incomplete: the drawing shows too much");
   }
 
   // One picture a layer that shows something, all laid out alike.
@@ -268,7 +268,7 @@ void renderDrawings(const std::vector<std::string>& files, const std::string& ta
   std::error_code failure;
   std::filesystem::create_directories(folder, failure);
   if (!std::filesystem::is_directory(folder, failure)) {
-    return session.fail(kOutputFailed, "'" + target + "' is not a folder and cannot be made one");
+    return session.fail(kOutputFailed, "'" + target + "' is not a folder and cannot be created");
   }
   Renderer renderer(options, session);
   std::unordered_set<std::string> written;
@@ -277,7 +277,7 @@ void renderDrawings(const std::vector<std::string>& files, const std::string& ta
     name += std::string(".") + nameOf(options.picture.format);
     const std::u8string out = (folder / name).u8string();
     if (!written.insert(std::string(out.begin(), out.end())).second) {
-      session.fail(kOutputFailed, in + ": another drawing of that name is rendered already");
+      session.fail(kOutputFailed, in + ": a drawing of the same name has already been rendered");
       continue;
     }
     renderer.render(in, std::string(out.begin(), out.end()));

@@ -41,8 +41,8 @@ std::string imageRefusal(const SHEET& sheet) {
   const double pixels = static_cast<double>(sheet.width) * static_cast<double>(sheet.height);
   if (std::max(sheet.width, sheet.height) <= kMaxSide && pixels <= kMaxPixels) return {};
   return "an image of " + std::to_string(sheet.width) + "x" + std::to_string(sheet.height) +
-         " pixels is too large; the most is " + std::to_string(kMaxSide) +
-         " a side and 150 million in all";
+         " pixels is too large; the maximum is " + std::to_string(kMaxSide) +
+         " per side and 150 million in total";
 }
 
 std::optional<SHEET_SIZE> parseSize(const std::string& text) {

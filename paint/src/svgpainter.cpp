@@ -214,7 +214,7 @@ void SvgPainter::enterClips() {
   Group& group = groupOfItem();
   if (group.clip == m_clips.number()) return;
   group.body += group.leavesClips;
-  write(m_clips.definitions());  // may stand before the group
+  write(m_clips.definitions());  // may precede the group
   group.body += m_clips.openingTags();
   group.leavesClips = m_clips.closingTags();
   group.clip = m_clips.number();
@@ -233,7 +233,7 @@ void SvgPainter::plainPopClip() {
   m_clips.pop();
 }
 
-// -- what is drawn -------------------------------------------------------------------
+// -- shapes and texts -------------------------------------------------------------------
 
 void SvgPainter::plainStroke(const PNT_2D* points, std::size_t count, bool closed) {
   reach(boxOf(points, count), false);

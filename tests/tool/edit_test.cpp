@@ -251,8 +251,8 @@ TEST_F(Edit, WrongStepsAreRefusedAndNothingIsWritten) {
     int code;
     const char* said;
   } cases[] = {
-      {"", 2, "there is nothing to do"},
-      {"--undo-check", 2, "there is nothing to do"},
+      {"", 2, "no steps given"},
+      {"--undo-check", 2, "no steps given"},
       {"--move 1", 2, "is not a vector"},
       {"--move 1,2,3,4", 2, "is not a vector"},
       {"--move 1,inf", 2, "is not a vector"},
@@ -260,22 +260,22 @@ TEST_F(Edit, WrongStepsAreRefusedAndNothingIsWritten) {
       {"--rotate 90@1", 2, "is not an angle and a point"},
       {"--scale 0@1,1", 2, "a factor of 0"},
       {"--scale 2", 2, "is not a factor and a point"},
-      {"--join -1", 2, "is not a tolerance"},
+      {"--join -1", 2, "neither a tolerance like 0.01 nor auto"},
       {"--join auto,all", 2, "is not a tolerance"},
       {"--offset 0", 2, "the curve itself"},
       {"--offset 1,sharp", 2, "is not a distance"},
       {"--set-color 257", 2, "is not a color"},
       {"--set-color blu", 2, "is not a color"},
-      {"--select kind=lines", 2, "'lines' is none of POINT, LINE"},
+      {"--select kind=lines", 2, "'lines' is not one of POINT, LINE"},
       {"--select window=0,0,1", 2, "is not a window"},
       {"--select color=3", 2, "'color=3' is not all"},
       {"--select WALL1", 2, "'WALL1' is not all"},
-      {"--select layer=", 2, "a value is missing"},
-      {"--select 'layer=\"A'", 2, "a quote is not closed"},
-      {"--remap-layer WALL1", 2, "is not OLD=NEW"},
-      {"--remap-layer =WALL1", 2, "is not OLD=NEW"},
+      {"--select layer=", 2, "missing value"},
+      {"--select 'layer=\"A'", 2, "unclosed quote"},
+      {"--remap-layer WALL1", 2, "is not of the form OLD=NEW"},
+      {"--remap-layer =WALL1", 2, "is not of the form OLD=NEW"},
       {"--select layer=DOOR --delete", 1, "--select layer=DOOR: no layer is named"},
-      {"--select kind=text --delete", 1, "nothing fits"},
+      {"--select kind=text --delete", 1, "no entity matches"},
       {"--delete --move 1,1", 1, "--move 1,1: nothing is selected"},
       {"--set-linetype DOTS", 1, "there is no linetype DOTS"},
       {"--set-layer XREF@A --set-layer 'X|A'", 1, "there is no layer X|A"},
@@ -284,9 +284,9 @@ TEST_F(Edit, WrongStepsAreRefusedAndNothingIsWritten) {
       {"--remap-layer 'WALL*=NEW*'", 1, "there is no layer NEW*"},
       {"--set-layer 'WALL?'", 1, "there is no layer WALL?"},
       {"--remap-linetype USED=BYLAYER", 1, "layer WALL1 has linetype USED"},
-      {"--remap-linetype '*=BYBLOCK'", 1, "no layer can have BYBLOCK"},
-      {"--move 1e308,0 --move 1e308,0", 1, "too large for numbers"},
-      {"--scale 1e308@0,0", 1, "too large for numbers"},
+      {"--remap-linetype '*=BYBLOCK'", 1, "a layer cannot have BYBLOCK"},
+      {"--move 1e308,0 --move 1e308,0", 1, "exceed the range of numbers"},
+      {"--scale 1e308@0,0", 1, "exceed the range of numbers"},
       {"--delete=no", 2, "disallowed flag"},
       {"--remap-linetype USED=DOTS", 1, "there is no linetype DOTS"},
       {"--remap-style SPARE=ROMANS", 1, "there is no text style ROMANS"},
@@ -310,7 +310,7 @@ TEST_F(Edit, ExplodingKeepsExternalReferencesOrSaysThatItCannot) {
   const Outcome even = run("edit even.dxf -o - --explode --explode --undo-check");
   EXPECT_EQ(even.code, 0);
   EXPECT_NE(even.err.find(" 1 entity exploded into 1\n"), std::string::npos) << even.err;
-  EXPECT_NE(even.err.find(" 0 entities exploded into 0, 1 entity passed over\n"), std::string::npos)
+  EXPECT_NE(even.err.find(" 0 entities exploded into 0, 1 entity skipped\n"), std::string::npos)
       << even.err;
   const Outcome sheared = run("edit sheared.dxf -o - --explode");
   EXPECT_EQ(sheared.code, 1);
@@ -344,8 +344,7 @@ TEST_F(Edit, UndoCheckHoldsForEveryKindAndStepAndChangesNothing) {
     ASSERT_EQ(plain.code, 0) << plain.err;
     const Outcome got = run("edit -f " + t.in + " -o two.dxf --undo-check" + t.steps);
     ASSERT_EQ(got.code, 0) << got.err;
-    EXPECT_NE(got.err.find("undone, which gave the drawing back, and done again"),
-              std::string::npos)
+    EXPECT_NE(got.err.find("undone, which restored the drawing, and redone"), std::string::npos)
         << got.err;
     EXPECT_EQ(contents(path("one.dxf")), contents(path("two.dxf")));
   }

@@ -43,12 +43,12 @@ TEST_F(UndoCheck, PassesWhatWasKept) {
 TEST_F(UndoCheck, SeesAChangeThatNobodyKept) {
   moveKept();
   line->setColor(3);
-  EXPECT_EQ(checkUndo(*data, undo, before), "undoing did not give the drawing back");
+  EXPECT_EQ(checkUndo(*data, undo, before), "undoing did not restore the drawing");
 }
 
 TEST_F(UndoCheck, SeesAnEditPastTheStack) {
   move();
-  EXPECT_EQ(checkUndo(*data, undo, before), "undoing did not give the drawing back");
+  EXPECT_EQ(checkUndo(*data, undo, before), "undoing did not restore the drawing");
 }
 
 TEST_F(UndoCheck, SeesAStepThatCannotBeUndone) {

@@ -204,9 +204,9 @@ TEST_F(Xrefs, BindWritesNothingWhenOneCannotBeBound) {
       {"--all", "TREE (C:\\lib\\Tree.dwg) is missing", 1},
       {"HOUSE TREE", "TREE (C:\\lib\\Tree.dwg) is missing", 1},
       {"SHED", "there is no reference SHED", 1},
-      {"BED", "BED (bed.dxf) is shown by another reference", 1},
-      {"", "name the references, or say --all", 2},
-      {"--all HOUSE", "--all leaves nothing to name", 2},
+      {"BED", "BED (bed.dxf) is nested in another reference", 1},
+      {"", "name the references, or use --all", 2},
+      {"--all HOUSE", "--all excludes names", 2},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.arguments);
@@ -217,7 +217,7 @@ TEST_F(Xrefs, BindWritesNothingWhenOneCannotBeBound) {
   }
   const Outcome some = run("xrefs bind sheet.dxf 'HO*' -o out.dxf");
   EXPECT_EQ(some.code, 0);
-  EXPECT_TRUE(has(some.err, "not every reference is shown:\n    loss: reference missing"))
+  EXPECT_TRUE(has(some.err, "some references are not shown:\n    loss: reference missing"))
       << some.err;
   EXPECT_EQ(namesOf(info("out.dxf")["references"]), Names{"TREE"});
 }
@@ -244,10 +244,10 @@ TEST_F(Xrefs, RepathChangesPathsAndNothingElse) {
       {"--from parts --to ''", "\\house.dxf C:\\lib\\Tree.dwg", 0},
       {"--from D: --to E:", "no path begins with 'D:'", 1},
       {"SHED=shed.dxf", "there is no reference SHED", 1},
-      {"HOUSE", "'HOUSE' is not NAME=PATH", 2},
-      {"", "give NAME=PATH, or --from and --to", 2},
+      {"HOUSE", "'HOUSE' is not of the form NAME=PATH", 2},
+      {"", "specify NAME=PATH, or --from and --to", 2},
       {"--from C:", "--to", 2},
-      {"--from C: --to D: HOUSE=x", "give NAME=PATH, or --from and --to", 2},
+      {"--from C: --to D: HOUSE=x", "specify NAME=PATH, or --from and --to", 2},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.arguments);

@@ -40,16 +40,16 @@ void run(const CheckOptions& options, Session& session) {
 void addCheckCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<CheckOptions>();
   CLI::App* verb =
-      app.add_subcommand("check", "Load each drawing and say ok, or what is wrong where");
+      app.add_subcommand("check", "Check drawings: print ok, or the error and its line");
   verb->add_option("FILE", options->files, "DXF files; - is the standard input")->required();
-  verb->add_flag("--json", options->json, "One JSON object a line and file");
+  verb->add_flag("--json", options->json, "One JSON object per file, one per line");
   verb->footer(
       "Examples:\n"
-      "  vek0 check *.dxf             one line a file; exit code 1 if any fails\n"
+      "  vek0 check *.dxf             one line per file; exit code 1 if any file fails\n"
       "  vek0 check --json a.dxf      "
       "{\"file\":\"a.dxf\",\"ok\":true,\"error\":null,\"report\":[]}\n\n"
-      "What was repaired, changed or lost on the way stands behind the line of its file. With\n"
-      "--strict a file that breaks a rule fails.");
+      "Repairs, changes and losses are listed below the line of their file. With --strict, a\n"
+      "file that violates the format fails.");
   verb->callback([options, &session] { run(*options, session); });
 }
 

@@ -40,8 +40,8 @@ void warnIfGrown(const ConvertOptions& options, std::uintmax_t written, std::siz
   const std::uintmax_t read = sizeOf(options.in);
   if (hatchLines == 0 || read == 0 || written <= kMuch * read) return;
   session.notify("'" + options.out + "' is " + std::to_string(written / read) +
-                 " times as large as the input; it holds " + std::to_string(hatchLines) +
-                 " lines of hatch patterns, which --hatch outline leaves out");
+                 " times as large as the input; it contains " + std::to_string(hatchLines) +
+                 " lines of hatch patterns, which --hatch outline omits");
 }
 
 void convert(const ConvertOptions& options, Session& session) {
@@ -63,9 +63,8 @@ void addConvertCommand(CLI::App& app, Session& session) {
   CLI::App* verb = app.add_subcommand("convert", "Load a drawing and save it as DXF R12");
   verb->add_option("IN", options->in, "DXF file; - is the standard input")->required();
   verb->add_option("OUT", options->out, "File to write; - is the standard output")->required();
-  verb->add_option(
-          "--linetypes", options->linetypes,
-          "Definition file whose linetypes are added; those the drawing has stay as they are")
+  verb->add_option("--linetypes", options->linetypes,
+                   "Add the linetypes of a definition file; those that the drawing has are kept")
       ->type_name("FILE.lin")
       ->allow_extra_args(false);
   CLI::Option* toUnits =
@@ -73,13 +72,14 @@ void addConvertCommand(CLI::App& app, Session& session) {
                        "Scale the drawing to this unit: mm, cm, m, in, ft and others")
           ->check(CLI::IsMember(unitNames()))
           ->type_name("UNIT");
-  verb->add_option("--from-units", options->fromUnits, "The drawing's unit, whatever it states")
+  verb->add_option("--from-units", options->fromUnits,
+                   "Unit of the drawing, overriding the one that the file states")
       ->check(CLI::IsMember(unitNames()))
       ->type_name("UNIT")
       ->needs(toUnits);
   verb->add_option("--hatch", options->hatch,
-                   "What a patterned hatch becomes: the lines of its pattern, or its outline "
-                   "(boundary) alone; solid ones stay filled")
+                   "Write patterned hatches as the lines of their patterns, or as their outlines "
+                   "(boundaries) only; solid hatches stay filled")
       ->check(CLI::IsMember({"lines", "outline"}))
       ->capture_default_str();
   addSaveOptions(*verb, options->save);
@@ -90,7 +90,8 @@ void addConvertCommand(CLI::App& app, Session& session) {
       "  vek0 convert --linetypes pipes.lin plan.dxf plan_with_pipes.dxf\n"
       "  vek0 convert --to-units mm --from-units in part.dxf part_mm.dxf\n"
       "  vek0 convert --hatch outline plan.dxf small.dxf\n\n"
-      "The output appears whole or not at all. Nothing is written for a file with an error.");
+      "The output is written completely or not at all. Nothing is written for a file with an\n"
+      "error.");
   verb->callback([options, &session] { convert(*options, session); });
 }
 

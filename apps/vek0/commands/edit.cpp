@@ -54,7 +54,7 @@ void addStepOptions(CLI::App& verb, EditOptions& options) {
                    ->check(check)
                    ->type_name(kind.value);
     }
-    option->group("Steps, done in the order in which they are given");
+    option->group("Steps, performed in the given order");
   }
 }
 
@@ -62,12 +62,12 @@ void addStepOptions(CLI::App& verb, EditOptions& options) {
 
 void addEditCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<EditOptions>();
-  CLI::App* verb = app.add_subcommand("edit", "Change a drawing step by step");
+  CLI::App* verb = app.add_subcommand("edit", "Edit a drawing step by step");
   verb->add_option("IN", options->in, "DXF file; - is the standard input")->required();
   verb->add_option("-o,--output", options->out, "File to write; - is the standard output")
       ->required();
   verb->add_flag("--undo-check", options->undoCheck,
-                 "Undo everything, prove that the drawing is what it was, and do it all again");
+                 "Undo all steps, verify that this restores the drawing, and redo them");
   addSaveOptions(*verb, options->save);
   addStepOptions(*verb, *options);
   verb->footer(
@@ -77,14 +77,14 @@ void addEditCommand(CLI::App& app, Session& session) {
       "      --offset 12.5 --set-layer PLASTER --select window=0,0,500,300 --rotate 90@250,150\n"
       "  vek0 edit plan.dxf -o out.dxf --remap-layer '0-*=OLD' --remap-style 'TXT=STANDARD' "
       "--purge\n\n"
-      "Steps work on all of model space until the first --select; each --select begins anew. What\n"
-      "--explode, --join and --offset have made is what the steps after them work on. Names may "
-      "hold\n* and ?; those with commas or signs of equality stand in quotes: 'layer=\"A,B\"'. "
-      "Nothing is\nwritten when a step fails.");
+      "Steps apply to all of model space until the first --select; each --select starts a new\n"
+      "selection. The entities that --explode, --join and --offset create are selected for\n"
+      "the steps that follow. Names may contain * and ?; quote those that contain commas or\n"
+      "equals signs: 'layer=\"A,B\"'. Nothing is written if a step fails.");
   verb->callback([options, verb, &session] {
     const std::vector<NamedStep> steps = stepsInOrder(*verb, *options);
     if (steps.empty()) {
-      return session.fail(kWrongUsage, "there is nothing to do; vek0 edit --help lists the steps");
+      return session.fail(kWrongUsage, "no steps given; vek0 edit --help lists them");
     }
     rewrite(options->in, options->out, options->save, session, [&](CData& data, const ReadResult&) {
       return editDrawing(data, steps, options->undoCheck, session);

@@ -47,17 +47,18 @@ void addHatchCommand(CLI::App& app, Session& session) {
   verb->add_option("-o,--output", options->out, "File to write; - is the standard output")
       ->required();
   verb->add_option("--pattern", options->hatch.pattern,
-                   "Pattern of the catalogue (see vek0 hatches), or SOLID")
+                   "Pattern of the catalog (see vek0 hatches), or SOLID")
       ->capture_default_str()
       ->check(checkPattern);
-  verb->add_option("--scale", options->hatch.scale, "Times the pattern's own size")
+  verb->add_option("--scale", options->hatch.scale, "Scale of the pattern")
       ->capture_default_str()
       ->check(CLI::PositiveNumber);
-  verb->add_option("--angle", options->hatch.angleDeg, "Degrees by which the pattern is turned")
+  verb->add_option("--angle", options->hatch.angleDeg, "Rotation of the pattern in degrees")
       ->capture_default_str();
-  verb->add_option("--layer", options->hatch.layer, "Layer of the hatch, made if there is none")
+  verb->add_option("--layer", options->hatch.layer,
+                   "Layer of the hatch, created if it does not exist")
       ->capture_default_str();
-  verb->add_option("--limit", options->hatch.limit, "Lines and dots that the hatch may have")
+  verb->add_option("--limit", options->hatch.limit, "Maximum number of lines and dots of the hatch")
       ->capture_default_str()
       ->check(CLI::PositiveNumber);
   CLI::Option_group* area = verb->add_option_group("area");
@@ -68,15 +69,15 @@ void addHatchCommand(CLI::App& app, Session& session) {
       })
       ->expected(3, CLI::detail::expected_max_vector_size);
   area->add_flag("--closed-polylines", options->hatch.closedPolylines,
-                 "The closed polylines of model space, islands left out");
+                 "Hatch the closed polylines of model space, excluding islands");
   area->require_option(1);
   addSaveOptions(*verb, options->save);
   verb->footer(
       "Examples:\n"
       "  vek0 hatch plan.dxf -o hatched.dxf --pattern ANSI31 --scale 25 --closed-polylines\n"
       "  vek0 hatch plan.dxf -o hatched.dxf --pattern BRICK --angle 45 --boundary 0,0 10,0 10,5\n\n"
-      "The hatch is written as an insert of its lines, with the data that turns it back into a\n"
-      "hatch when it is read again.");
+      "The hatch is written as an insert of its lines, with the data that restores the hatch\n"
+      "when the file is read again.");
   verb->callback([options, &session] {
     options->hatch.corners = ringOf(options->boundary);
     rewrite(options->in, options->out, options->save, session, [&](CData& data, const ReadResult&) {

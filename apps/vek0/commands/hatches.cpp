@@ -9,11 +9,11 @@ namespace vek0::tool {
 
 void addHatchesCommand(CLI::App& app, Session&) {
   auto json = std::make_shared<bool>(false);
-  CLI::App* verb =
-      app.add_subcommand("hatches", "List the hatch patterns: name, number of line families, use");
+  CLI::App* verb = app.add_subcommand(
+      "hatches", "List the hatch patterns: name, number of line families, description");
   verb->add_flag("--json", *json,
-                 "With the families: angle in degrees, base point, offset to the next line (along "
-                 "the line and across it), dashes");
+                 "As JSON, with the line families: angle in degrees, base point, offset to the "
+                 "next line (along the line and across it), dashes");
   verb->footer(
       "Examples:\n"
       "  vek0 hatches\n"

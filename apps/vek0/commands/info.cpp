@@ -32,9 +32,9 @@ void describe(const std::string& path, const InfoOptions& options, Session& sess
 void addInfoCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<InfoOptions>();
   CLI::App* verb = app.add_subcommand(
-      "info", "Tell what drawings hold: version, tables, blocks, entities, extents, variables");
+      "info", "Describe drawings: version, tables, blocks, entities, extents, variables");
   verb->add_option("FILE", options->files, "DXF files; - is the standard input")->required();
-  verb->add_flag("--json", options->json, "One JSON object a line and file");
+  verb->add_flag("--json", options->json, "One JSON object per file, one per line");
   verb->footer(
       "Examples:\n"
       "  vek0 info plan.dxf\n"

@@ -45,7 +45,7 @@ void runFile(const LinetypesOptions& options, const std::string& path, Session& 
 
 void run(const LinetypesOptions& options, Session& session) {
   if (!options.saveTo.empty() && options.files.size() > 1) {
-    return session.fail(kWrongUsage, "--save takes one definition file");
+    return session.fail(kWrongUsage, "--save requires exactly one definition file");
   }
   for (const std::string& path : options.files) runFile(options, path, session);
 }
@@ -58,15 +58,15 @@ void addLinetypesCommand(CLI::App& app, Session& session) {
       app.add_subcommand("linetypes", "List and check linetype definition files, or rewrite one");
   verb->add_option("FILE", options->files, "Definition files (.lin); - is the standard input")
       ->required();
-  verb->add_flag("--json", options->json, "One JSON object a line and file");
+  verb->add_flag("--json", options->json, "One JSON object per file, one per line");
   verb->add_option("--save", options->saveTo,
                    "Write the definitions that were read; - is the standard output")
       ->type_name("OUT");
   verb->add_flag("-f,--force", options->force, "Replace the output file if it exists");
   verb->footer(
       "Examples:\n"
-      "  vek0 linetypes pipes.lin                   the linetypes, and what was not understood\n"
-      "  vek0 linetypes pipes.lin --save clean.lin  the same definitions in the plain form\n\n"
+      "  vek0 linetypes pipes.lin                   the linetypes, and what could not be read\n"
+      "  vek0 linetypes pipes.lin --save clean.lin  the same definitions, normalized\n\n"
       "vek0 convert --linetypes adds the linetypes of a file to a drawing.");
   verb->callback([options, &session] { run(*options, session); });
 }

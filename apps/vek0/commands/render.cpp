@@ -47,7 +47,7 @@ std::string scaleComplaint(const std::string& text) {
   double number;
   if (parseScale(text)) return {};
   if (!parseNumbers(text, ':', &number, 1)) return "'" + text + "' is not a scale like 1:50";
-  return "'" + text + "' can mean two scales: say 1:" + text + " or " + text + ":1";
+  return "'" + text + "' can mean two scales: use 1:" + text + " or " + text + ":1";
 }
 
 void useArguments(Arguments& arguments) {
@@ -67,16 +67,15 @@ void run(Arguments& arguments, Session& session) {
   if (!format && arguments.all) format = Format::Svg;
   if (!format)
     return session.fail(kWrongUsage,
-                        "the output is to end in .svg, .png or .pdf, or --format says what it is");
+                        "the output must end in .svg, .png or .pdf, unless --format is given");
   if (arguments.out == "-" && (arguments.all || arguments.render.splitLayers))
-    return session.fail(kWrongUsage, "several pictures do not go to the standard output");
+    return session.fail(kWrongUsage, "several pictures cannot be written to the standard output");
   useArguments(arguments);
   arguments.render.picture.format = *format;
   if (arguments.all)
     return renderDrawings(arguments.files, arguments.out, arguments.render, session);
   if (arguments.files.size() > 1)
-    return session.fail(kWrongUsage,
-                        "several drawings are rendered with --all, and -o names a folder");
+    return session.fail(kWrongUsage, "several drawings require --all, and -o then names a folder");
   renderDrawing(arguments.files[0], arguments.out, arguments.render, session);
 }
 
@@ -84,26 +83,30 @@ void addSheetOptions(CLI::App& verb, Arguments& arguments) {
   CLI::Option* size = verb.add_option("--size", arguments.size,
                                       "Size of the picture: 1600x1200 pixels or 297x210mm");
   size->type_name("WxH")->check(isA("a size like 800x600 or 120x80mm", parseSize));
-  verb.add_option("--paper", arguments.paper, "A4 to A0 or 297x210 (mm), turned as it suits")
+  verb.add_option("--paper", arguments.paper,
+                  "A0 to A5, or 297x210 (mm); portrait or landscape as fits best")
       ->type_name("SIZE")
       ->check(isA("a paper size like A3 or 297x210", parsePaper))
       ->excludes(size);
-  CLI::Option* portrait = verb.add_flag("--portrait", arguments.portrait, "The paper stands");
-  verb.add_flag("--landscape", arguments.landscape, "The paper lies")->excludes(portrait);
+  CLI::Option* portrait =
+      verb.add_flag("--portrait", arguments.portrait, "Portrait orientation of the paper");
+  verb.add_flag("--landscape", arguments.landscape, "Landscape orientation of the paper")
+      ->excludes(portrait);
   verb.add_option("--scale", arguments.scale,
                   "Scale on paper, like 1:50; the default fits the sheet")
       ->type_name("1:N")
       ->check(CLI::Validator([](const std::string& text) { return scaleComplaint(text); }, ""));
   verb.add_option("--unit", arguments.render.unit,
-                  "What a drawing unit is, for --scale: mm, cm, m, in, ft ...; the default is "
-                  "what the file states, else mm")
+                  "Drawing unit, for --scale: mm, cm, m, in, ft ...; default: as stated in the "
+                  "file, else mm")
       ->type_name("UNIT")
-      ->check(isA("a unit like mm, cm, m, in or ft", unitInMetres));
+      ->check(isA("a unit like mm, cm, m, in or ft", unitInMeters));
   verb.add_option("--margin", arguments.render.picture.margin,
-                  "Free border when fitting, in mm on paper, else pixels")
+                  "Margin when fitting, in mm on paper, else in pixels")
       ->type_name("LENGTH")
       ->check(isNumber(0, 1e6, "from 0 to 1000000"));
-  verb.add_option("--dpi", arguments.render.picture.dpi, "Pixels per inch of PNG in millimetres")
+  verb.add_option("--dpi", arguments.render.picture.dpi,
+                  "Pixels per inch of a PNG sized in millimeters")
       ->type_name("NUMBER")
       ->check(isNumber(1, 10000, "from 1 to 10000"))
       ->capture_default_str();
@@ -119,9 +122,9 @@ void addViewOptions(CLI::App& verb, Arguments& arguments) {
       ->check(isA("a view like front or plan:30", makeProjector))
       ->capture_default_str();
   verb.add_option("--layers", arguments.render.layers,
-                  "Show only these layers; * stands for any text, ? for a character")
+                  "Show only these layers; * matches any text, ? one character")
       ->type_name("NAME");
-  verb.add_option("--hide-layers", arguments.render.hiddenLayers, "Do not show these layers")
+  verb.add_option("--hide-layers", arguments.render.hiddenLayers, "Hide these layers")
       ->type_name("NAME");
 }
 
@@ -133,10 +136,10 @@ void addLookOptions(CLI::App& verb, Arguments& arguments) {
               [](const std::string& text) { return text == kNoBackground || parseColor(text); }))
       ->capture_default_str();
   verb.add_flag("--mono", arguments.render.mono, "Draw everything in one color");
-  verb.add_option("--lineweight", arguments.render.picture.lineWidth, "Width of lines in mm")
+  verb.add_option("--lineweight", arguments.render.picture.lineWidth, "Line width in mm")
       ->type_name("MM")
       ->check(isNumber(0.001, 100, "from 0.001 to 100"));
-  verb.add_option("--text", arguments.texts, "Texts of SVG as text or as outlines")
+  verb.add_option("--text", arguments.texts, "Write the texts of SVG as text or as outlines")
       ->check(CLI::IsMember({"text", "outlines"}))
       ->capture_default_str();
 }
@@ -145,7 +148,7 @@ void addLookOptions(CLI::App& verb, Arguments& arguments) {
 
 void addRenderCommand(CLI::App& app, Session& session) {
   auto arguments = std::make_shared<Arguments>();
-  CLI::App* verb = app.add_subcommand("render", "Draw a drawing as SVG, PNG or PDF");
+  CLI::App* verb = app.add_subcommand("render", "Render a drawing as SVG, PNG or PDF");
   verb->add_option("IN", arguments->files, "DXF files; - is the standard input")
       ->type_name("")
       ->required();
@@ -154,17 +157,18 @@ void addRenderCommand(CLI::App& app, Session& session) {
           "File to write, .svg, .png or .pdf; - is the standard output; with --all a folder")
       ->type_name("FILE")
       ->required();
-  verb->add_option("--format", arguments->format, "svg, png or pdf, whatever the output is called")
+  verb->add_option("--format", arguments->format,
+                   "svg, png or pdf, regardless of the output's name")
       ->check(CLI::IsMember({"svg", "png", "pdf"}));
   addSheetOptions(*verb, *arguments);
   addViewOptions(*verb, *arguments);
   addLookOptions(*verb, *arguments);
   verb->add_flag("--with-xrefs,!--no-xrefs", arguments->render.withReferences,
-                 "Whether to show the drawings that IN refers to, as far as they are found (yes)");
+                 "Show external references that are found (the default), or none");
   addReferenceOptions(*verb, arguments->render.references);
   verb->add_flag("--all", arguments->all, "Render every IN into the folder given by -o");
   verb->add_flag("--split-layers", arguments->render.splitLayers,
-                 "One picture a layer: OUT-LAYER.svg and so on, all of the same place");
+                 "One picture per layer (OUT-LAYER.svg and so on), all with the same window");
   verb->add_flag("-f,--force", arguments->render.force, "Replace output files that exist");
   verb->footer(
       "Examples:\n"
@@ -174,7 +178,7 @@ void addRenderCommand(CLI::App& app, Session& session) {
       "  vek0 render plan.dxf -o part.svg --window 0,0,500,300 --layers WALLS 'DOOR*'\n"
       "  vek0 render site.dxf -o site.svg --search /library\n"
       "  vek0 render *.dxf --all --format png -o pictures\n\n"
-      "The output appears whole or not at all.");
+      "The output is written completely or not at all.");
   verb->callback([arguments, &session] { run(*arguments, session); });
 }
 

@@ -26,7 +26,7 @@ void printLine(const Json& line) { std::printf("%s\n", toLine(line).c_str()); }
 // Lists the references that are not shown on the error stream; the standard output has the result.
 void warnOfFailures(const ResolvedDrawing& drawing, const Session& session) {
   if (drawing.reader.failures() > 0)
-    session.notify(drawing.path + ": not every reference is shown:",
+    session.notify(drawing.path + ": some references are not shown:",
                    drawing.reader.failuresToText());
 }
 
@@ -65,7 +65,7 @@ void addReading(CLI::App& group, const char* name, const char* help, const char*
   auto options = std::make_shared<XrefsOptions>();
   CLI::App* verb = group.add_subcommand(name, help);
   verb->add_option("FILE", options->files, "DXF files; - is the standard input")->required();
-  verb->add_flag("--json", options->json, "One JSON object a line and file");
+  verb->add_flag("--json", options->json, "One JSON object per file, one per line");
   addReferenceOptions(*verb, options->references);
   verb->footer(footer);
   verb->callback([options, show, &session] { run(*options, show, session); });
@@ -74,21 +74,20 @@ void addReading(CLI::App& group, const char* name, const char* help, const char*
 }  // namespace
 
 void addXrefsCommand(CLI::App& app, Session& session) {
-  CLI::App* group =
-      app.add_subcommand("xrefs", "Tell and change what drawings a drawing refers to");
+  CLI::App* group = app.add_subcommand("xrefs", "List and change external references");
   group->require_subcommand(1);
-  addReading(*group, "list", "List the references, nested ones too, and what became of each",
+  addReading(*group, "list", "List all references, including nested ones, and their status",
              "Examples:\n"
              "  vek0 xrefs list site.dxf\n"
              "  vek0 xrefs list --json --search /library *.dxf | jq -r '.references[].file'",
              list, session);
-  addReading(*group, "tree", "Show which drawing refers to which",
+  addReading(*group, "tree", "Show which drawing references which",
              "Examples:\n"
              "  vek0 xrefs tree site.dxf",
              tree, session);
-  addReading(*group, "check", "Say ok, or which references cannot be shown and why",
+  addReading(*group, "check", "Print ok, or which references cannot be shown and why",
              "Examples:\n"
-             "  vek0 xrefs check *.dxf       one line a file; exit code 1 if a reference fails\n"
+             "  vek0 xrefs check *.dxf       one line per file; exit code 1 if a reference fails\n"
              "  vek0 xrefs check site.dxf --search /library --allow /projects",
              check, session);
   addXrefSteps(*group, session);
@@ -96,10 +95,10 @@ void addXrefsCommand(CLI::App& app, Session& session) {
       "Examples:\n"
       "  vek0 xrefs tree site.dxf\n"
       "  vek0 xrefs bind site.dxf --all -o whole.dxf\n\n"
-      "A file is looked for as the path says, seen from the drawing that holds the reference, "
-      "then\n"
-      "by its bare name in that drawing's folder, then in each folder given by --search. It must\n"
-      "lie in or below the folder of FILE, or a folder given by --search or --allow.");
+      "A file is searched for at the path itself, relative to the drawing that holds the\n"
+      "reference, then by file name alone in that drawing's folder, then in each folder given\n"
+      "by --search. It must be in or below the folder of FILE, or a folder given by --search\n"
+      "or --allow.");
 }
 
 }  // namespace vek0::tool

@@ -98,27 +98,25 @@ CLI::App* addStep(CLI::App& group, const char* name, const char* help,
 std::string namesOrAll(const Options& options) {
   const auto& [names, all] = options.choice;
   if (names.empty() == all) return "";
-  return all ? "--all leaves nothing to name" : "name the references, or say --all";
+  return all ? "--all excludes names" : "name the references, or use --all";
 }
 
 void addNames(CLI::App& verb, Options& options) {
-  verb.add_option("NAME", options.choice.names,
-                  "References; * stands for any text, ? for a character");
+  verb.add_option("NAME", options.choice.names, "References; * matches any text, ? one character");
   verb.add_flag("--all", options.choice.all, "All references");
 }
 
 void addBind(CLI::App& group, Session& session) {
   auto options = std::make_shared<Options>();
-  CLI::App* verb = addStep<Options>(group, "bind", "Make what references show the drawing's own",
+  CLI::App* verb = addStep<Options>(group, "bind", "Convert references into blocks of the drawing",
                                     options, bind, namesOrAll, session);
   addNames(*verb, *options);
   verb->footer(
       "Examples:\n"
       "  vek0 xrefs bind site.dxf --all -o whole.dxf\n"
       "  vek0 xrefs bind site.dxf HOUSE 'TREE*' --search /library -o out.dxf\n\n"
-      "Each becomes a block of its name, its layers become NAME$0$LAYER, and so on. What it "
-      "refers\n"
-      "to itself is bound with it. Nothing is written when one cannot be bound.");
+      "Each reference becomes a block of the same name, its layers become NAME$0$LAYER, and\n"
+      "so on. Nested references are bound with it. Nothing is written if one cannot be bound.");
 }
 
 void addDetach(CLI::App& group, Session& session) {
@@ -130,38 +128,38 @@ void addDetach(CLI::App& group, Session& session) {
   verb->footer(
       "Examples:\n"
       "  vek0 xrefs detach site.dxf TREES -o bare.dxf\n\n"
-      "What only they show goes with them, as far as their files are found.");
+      "Nested references that only they show are removed too, as far as their files are found.");
 }
 
 std::string pathsOrPrefix(const RepathOptions& options) {
   const bool byPrefix = !options.from.empty();
-  if (options.changes.empty() != byPrefix) return "give NAME=PATH, or --from and --to";
+  if (options.changes.empty() != byPrefix) return "specify NAME=PATH, or --from and --to";
   for (const std::string& change : options.changes) {
     const auto sides = splitUnquoted(change, '=');
     if (!sides || sides->size() != 2 || unquoted((*sides)[0]).empty())
-      return "'" + change + "' is not NAME=PATH";
+      return "'" + change + "' is not of the form NAME=PATH";
   }
   return "";
 }
 
 void addRepath(CLI::App& group, Session& session) {
   auto options = std::make_shared<RepathOptions>();
-  CLI::App* verb = addStep<RepathOptions>(group, "repath", "Change where references lead", options,
-                                          repath, pathsOrPrefix, session);
+  CLI::App* verb = addStep<RepathOptions>(group, "repath", "Change the paths of references",
+                                          options, repath, pathsOrPrefix, session);
   verb->add_option("NAME=PATH", options->changes, "New path of a reference");
   CLI::Option* from =
-      verb->add_option("--from", options->from, "What paths begin with")->type_name("PREFIX");
+      verb->add_option("--from", options->from, "How the old paths begin")->type_name("PREFIX");
   CLI::Option* to =
-      verb->add_option("--to", options->to, "What they are to begin with")->type_name("PREFIX");
+      verb->add_option("--to", options->to, "How the new paths begin")->type_name("PREFIX");
   from->needs(to);
   to->needs(from);
   verb->footer(
       "Examples:\n"
       "  vek0 xrefs repath site.dxf HOUSE=plans/house.dxf -o out.dxf\n"
       "  vek0 xrefs repath site.dxf --from 'C:\\Jobs\\' --to ../ -o out.dxf\n\n"
-      "Beginnings are compared with either slash and in any letter case. The new paths are not\n"
-      "looked at; vek0 xrefs check does that. A sign of equality in a name or path stands in "
-      "quotes:\n'HOUSE=\"a=b.dxf\"'.");
+      "Beginnings are compared ignoring letter case and the direction of slashes. The new\n"
+      "paths are not checked; vek0 xrefs check does that. Quote a name or path that contains\n"
+      "an equals sign: 'HOUSE=\"a=b.dxf\"'.");
 }
 
 // One to `most` numbers.
@@ -180,28 +178,30 @@ void addAttach(CLI::App& group, Session& session) {
   auto options = std::make_shared<AttachOptions>();
   CLI::App* verb = addStep<AttachOptions>(group, "attach", "Add a reference and insert it", options,
                                           attach, attachMisuse, session);
-  verb->add_option("--path", options->path, "Drawing to refer to, as seen from FILE")->required();
-  verb->add_option("--name", options->name, "Name of the reference; the file's if not given");
+  verb->add_option("--path", options->path, "Path of the drawing to reference, relative to FILE")
+      ->required();
+  verb->add_option("--name", options->name, "Name of the reference; default: the name of its file");
   verb->add_option("--at", options->at, "Insertion point")
       ->type_name("X,Y[,Z]")
       ->check(areNumbers(2, 3, "a point like 100,50"));
-  verb->add_option("--base", options->base,
-                   "Point of the other drawing that comes to lie there; at 0,0 the one that it "
-                   "states itself")
+  verb->add_option(
+          "--base", options->base,
+          "Point of the other drawing to place there; 0,0: the base point that it declares")
       ->type_name("X,Y[,Z]")
       ->check(areNumbers(2, 3, "a point like 100,50"));
-  verb->add_option("--scale", options->scale, "Scale, for all axes or each")
+  verb->add_option("--scale", options->scale, "Scale, for all axes or for each")
       ->type_name("F|X,Y,Z")
       ->check(areNumbers(1, 3, "a scale like 2"));
-  verb->add_option("--rotate", options->rotate, "Degrees, counter-clockwise")
+  verb->add_option("--rotate", options->rotate, "Rotation in degrees, counter-clockwise")
       ->type_name("DEG")
       ->check(areNumbers(1, 1, "an angle like 30"));
-  verb->add_flag("--overlay", options->overlay, "Not shown by drawings that refer to this one");
+  verb->add_flag("--overlay", options->overlay,
+                 "Do not show it in drawings that reference this one");
   verb->footer(
       "Examples:\n"
       "  vek0 xrefs attach site.dxf --path trees.dxf --name PARK --at 30,12 --rotate 15 -o "
       "out.dxf\n\n"
-      "It is attached even when its file is not found; that is told.");
+      "The reference is attached even if its file is not found; a message reports that.");
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ struct StepOutcome {
 
   static StepOutcome done(std::string text) { return {true, std::move(text)}; }
   static StepOutcome failed(std::string text) { return {false, std::move(text)}; }
-  static StepOutcome noMemory() { return failed("there is not enough memory"); }
+  static StepOutcome noMemory() { return failed("out of memory"); }
 };
 
 /// An operation on the drawing, with its values bound.

@@ -31,8 +31,8 @@ class StyleMaker : public CLtypeLoader::IErrorNotifier {
 InputFault loadLinetypes(CLtypeLoader& loader, const std::string& path);
 
 /// Adds the linetypes of a definition file to the drawing, and the styles of their texts. Reports
-/// what was skipped. Returns false, with an error message and the exit code set, if the file cannot
-/// be read.
+/// what was skipped. Returns false, with an error message and the failure recorded, if the file
+/// cannot be read.
 bool addLinetypes(CData& data, const std::string& path, Session& session);
 
 /// Writes all linetypes of the loader as a definition file ("-": standard output), replacing an

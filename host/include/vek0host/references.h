@@ -18,7 +18,7 @@ struct ReferenceOptions {
 /// Reads the external references of a drawing.
 class ReferenceReader {
  public:
-  /// For the drawing `path` ("-": the standard input, which lies nowhere). `session` is
+  /// For the drawing `path` ("-": the standard input, which has no folder). `session` is
   /// borrowed.
   ReferenceReader(const std::string& path, const ReferenceOptions& options, const Session& session);
 

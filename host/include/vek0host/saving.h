@@ -23,10 +23,10 @@ struct SaveOptions {
 };
 
 /// Warns about losses and changes in reading `in`, unless the session is quiet.
-void tellLosses(const std::string& in, const ReadResult& result, const Session& session);
+void warnOfLosses(const std::string& in, const ReadResult& result, const Session& session);
 
 /// The common part of all commands that write a drawing: loads `in`, calls `change` with the
-/// drawing and the read result, saves it as `out`. Prints an error and sets the exit code if one of
+/// drawing and the read result, saves it as `out`. Reports a failure to the session if one of
 /// them fails (`change` returns whether to continue), and warns about what could not be written. If
 /// `out` cannot be written, nothing is loaded. Returns the number of bytes written; 0 if none.
 std::uintmax_t rewrite(const std::string& in, const std::string& out, const SaveOptions& options,

@@ -13,11 +13,11 @@ namespace vek0::host {
 /// (`$INSUNITS`); null for none and unknown ones.
 const char* unitName(long code);
 
-/// The names that `unitInMetres` accepts.
+/// The names that `unitInMeters` accepts.
 std::vector<std::string> unitNames();
 
 /// Length of a unit in meters; nothing for an unknown name.
-std::optional<double> unitInMetres(std::string_view name);
+std::optional<double> unitInMeters(std::string_view name);
 
 /// Scales everything in model space by `factor` (greater than 0) about the origin, inserts through
 /// their scales, along with the drawing's variables and text styles that are in drawing units.

@@ -19,7 +19,7 @@ struct FACE_FILE {
 struct FACE_GLYPH {
   const FACE_FILE* file = nullptr;
   unsigned index = 0;  ///< in the file's face
-  PNT_2D at;           ///< where its origin lies
+  PNT_2D at;           ///< position of its origin
   double size = 0;     ///< of the em square, in the units of the text
 };
 

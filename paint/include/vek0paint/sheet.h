@@ -41,7 +41,7 @@ std::string imageRefusal(const SHEET& sheet);
 std::optional<SHEET_SIZE> parseSize(const std::string& text);
 /// "A4" (portrait) or "WxH" in millimeters, with or without the unit.
 std::optional<SHEET_SIZE> parsePaper(const std::string& text);
-/// Millimeters on paper for a drawing unit of one millimeter: "1:50" gives 0.02, "2:1" gives 2. A
+/// Millimeters on paper for a drawing unit of one millimeter: "1:50" is 0.02, "2:1" is 2. A
 /// single number is rejected as ambiguous.
 std::optional<double> parseScale(const std::string& text);
 /// "x1,y1,x2,y2", two opposite corners.

@@ -81,7 +81,7 @@ class SvgPainter final : public SheetPainter {
   std::size_t m_buffered = 0;                       // bytes in the groups
   std::unordered_map<vek0::Handle, int> m_handles;  // how many ids each has
 
-  // What begin said.
+  // Set by `begin`.
   zim::WString m_layer;
   std::string m_layerUtf8;
   RGB_COLOR m_color;
