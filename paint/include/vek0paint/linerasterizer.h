@@ -35,8 +35,10 @@ class LineRasterizer {
     double length, slope, half, low, high;
   };
 
-  template <class Cover>
-  void forEachPixel(const PNT_2D& from, const PNT_2D& to, const Cover& cover);
+  /// `placeAt` returns the memory that `cover` accesses for a pixel.
+  template <class PlaceAt, class Cover>
+  void forEachPixel(const PNT_2D& from, const PNT_2D& to, const PlaceAt& placeAt,
+                    const Cover& cover);
   template <class Cover>
   void row(long y, const Segment& segment, const Cover& cover);
   std::uint32_t* rowOf(long y) const;
