@@ -135,7 +135,7 @@ struct CXRefFolders::Folders {
   }
 
   // Follows the path component by component, so that a wrong one costs no more than those before
-  // it.
+  // it. Empty if there is nothing.
   fs::path follow(const fs::path& path) {
     fs::path there = path.root_path();
     std::error_code failure;
@@ -151,8 +151,10 @@ struct CXRefFolders::Folders {
   Found look(const fs::path& path, zim::WString& file) {
     if (!path.is_absolute()) return Found::Missing;
     if (!mayAsk(path)) return Found::Forbidden;
+    const fs::path there = follow(path);
+    if (there.empty()) return Found::Missing;  // libc++ 14 takes it for the current folder
     std::error_code failure;
-    const fs::path real = fs::canonical(follow(path), failure);
+    const fs::path real = fs::canonical(there, failure);
     if (failure || !hasText(real)) return Found::Missing;
     if (!fs::is_regular_file(real, failure)) return Found::NotAFile;
     if (!isAllowed(real)) return Found::Forbidden;
