@@ -19,7 +19,8 @@ endif()
 file(RELATIVE_PATH VEK0_PC_PREFIX
      ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/vek0core.pc.in vek0core.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vek0core.pc
+configure_file(cmake/vek0draw.pc.in vek0draw.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vek0core.pc ${CMAKE_CURRENT_BINARY_DIR}/vek0draw.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 if(TARGET vek0)

@@ -126,6 +126,8 @@
 #include "vek0core/dxf/out/nameacadconverter.h"
 #include "vek0core/dxf/out/savedxf.h"
 
+#include "vek0core/drawingfile/drawingfile.h"
+
 #include "vek0core/ltypefile/addltypes.h"
 #include "vek0core/ltypefile/ltypeloader.h"
 

@@ -1,7 +1,8 @@
-// Draws a text, writes it, and reads it back: the smallest whole use of the library.
+// Adds a text, writes it, reads it back and measures it: the smallest whole use of the libraries.
 #include <cstdio>
 
 #include "vek0core/vek0core.h"
+#include "vek0draw/draw.h"
 
 namespace {
 
@@ -18,7 +19,8 @@ bool writesAndReadsAText() {
   loadDXF(*copy, in, &error);
   std::printf("%zu bytes, read back: %s\n", out.bytes().size(),
               error.GetErrorMessage().toUtf8().c_str());
-  return saved && !error.HasAnError() && copy->getEntTable().getEntityTbl().size() == 1;
+  const bool isShown = drawnExtents(*copy, CPOProjector()).validRegion();
+  return saved && !error.HasAnError() && isShown;
 }
 
 }  // namespace

@@ -78,9 +78,11 @@ class ZIM0LANG_API WString {
 
 }  // namespace zim
 
+/// \cond  Doxygen takes this for a class without a namespace.
 template <>
 struct std::hash<zim::WString> {
   std::size_t operator()(const zim::WString& text) const {
     return std::hash<std::u16string_view>()(text.view());
   }
 };
+/// \endcond
