@@ -164,7 +164,7 @@ TEST_F(Tool, ExitCodes) {
       {"output is a folder", "convert -f good.dxf .", 3},
       {"output is a pipe", "convert -f good.dxf pipe", 3},
       {"output leads to itself", "convert -f good.dxf loop", 3},
-      {"output grows too large", "--version; ulimit -f 1; '" VEK0_TOOL "' convert good.dxf out.dxf",
+      {"output grows too large", "--version; ulimit -f 1; \"$VEK0_TOOL\" convert good.dxf out.dxf",
        3},
       {"broken part of an import", "import good.dxf broken.dxf -o o.dxf", 1},
       {"hatch of nothing", "hatch good.dxf -o out.dxf --closed-polylines", 1},

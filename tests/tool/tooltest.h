@@ -34,12 +34,13 @@ class Tool : public testing::Test {
     char name[] = "/tmp/vek0_tool_XXXXXX";
     ASSERT_NE(mkdtemp(name), nullptr);
     m_folder = name;
+    setenv("VEK0_TOOL", VEK0_TOOL, 0);  // unless it names another build of the tool to try
   }
   void TearDown() override { fs::remove_all(m_folder); }
 
   /// Runs "vek0 <arguments>" in the scratch folder.
   Outcome run(const std::string& arguments, const std::string& input = "/dev/null") {
-    const std::string command = "cd '" + m_folder.string() + "' && '" VEK0_TOOL "' " + arguments +
+    const std::string command = "cd '" + m_folder.string() + "' && \"$VEK0_TOOL\" " + arguments +
                                 " <" + input + " >.out 2>.err";
     const int status = std::system(command.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(m_folder / ".out"),
