@@ -111,9 +111,21 @@ bool nearestDecimal(std::uint64_t digits, long exponent, double& value) {
   return nearestDouble({digits, static_cast<int>(std::clamp(exponent, -kBeyond, kBeyond))}, value);
 }
 
-// The slow path, for numbers that one multiplication or division does not produce.
+// Digits from the first one that is not 0.
+template <class C>
+std::ptrdiff_t significant(const Token<C>& token) {
+  std::ptrdiff_t zeros = 0;
+  for (const C* p = token.begin; p != token.end && (*p == C('0') || *p == C('.')); ++p)
+    zeros += *p == C('0') ? 1 : 0;
+  return token.count - zeros;
+}
+
+// For numbers that one multiplication or division does not produce.
 template <class C>
 double valueOfDigits(const Token<C>& token) {
+  double value;
+  if (significant(token) <= kDigitsIn64 && nearestDecimal(token.digits, token.exponent, value))
+    return value;
   std::string digits;
   for (const C* p = token.begin; p != token.end && (*p == C('.') || digitOf(*p) <= 9); ++p)
     if (*p != C('.')) digits += static_cast<char>(*p);
