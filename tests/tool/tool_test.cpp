@@ -249,6 +249,18 @@ TEST_F(Tool, SaveOptionsReachTheWriter) {
   EXPECT_EQ(contents(path("b.dxf")).find("$HANDSEED"), std::string::npos);
 }
 
+TEST_F(Tool, InterruptionRemovesTheUnfinishedOutput) {
+  // A pipe that nobody writes keeps the tool waiting after it has begun its output.
+  const std::string command = "cd '" + path("").string() +
+                              "' && mkfifo pipe && { \"$VEK0_TOOL\" convert pipe out.dxf & } && "
+                              "for i in $(seq 400); do ls .*.tmp >.seen 2>/dev/null && break; "
+                              "sleep 0.05; done; kill -TERM $!; wait $!";
+  const int status = std::system(command.c_str());
+  EXPECT_EQ(WEXITSTATUS(status), 128 + 15);
+  EXPECT_NE(contents(path(".seen")), "");
+  EXPECT_FALSE(leftovers());
+}
+
 TEST_F(Tool, ForceKeepsLinksAndPermissions) {
   write("real.dxf", "old");
   fs::permissions(path("real.dxf"), fs::perms::owner_read | fs::perms::owner_write);
