@@ -18,6 +18,6 @@ int main(int argc, char** argv) {
   for (const auto& [kind, count] : kinds) std::printf("%d of kind %d\n", count, kind);
 
   for (const CFileReport::Entry& entry : opened.report.entries())
-    std::printf("line %ld: %s (%ld)\n", entry.firstLine, entry.code, entry.count);
+    std::printf("line %ld: %s (%ld)\n", entry.firstLine, textOf(entry.code), entry.count);
   return 0;
 }

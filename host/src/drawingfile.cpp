@@ -126,7 +126,7 @@ std::string ReadResult::message() const {
 std::string ReadResult::elsewhere() const {
   long counts[2] = {0, 0};  // in the other space; on sheets that no option shows
   for (const CFileReport::Entry& entry : report.entries())
-    if (entry.code == std::string_view("on paper")) counts[!entry.sample.empty()] += entry.count;
+    if (entry.code == ReportCode::OnPaper) counts[!entry.sample.empty()] += entry.count;
   const long count = counts[0] > 0 ? counts[0] : counts[1];
   if (count == 0) return {};
   const char* where = "on other sheets, which are not read; --paper-space shows the current one";

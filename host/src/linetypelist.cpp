@@ -37,7 +37,7 @@ Json linetypeToJson(const CLtype& ltype) {
 Json ltypeReportToJson(const CFileReport& report) {
   Json entries = Json::array();
   for (const auto& entry : report.entries()) {
-    entries.push_back({{"code", entry.code},
+    entries.push_back({{"code", textOf(entry.code)},
                        {"line", entry.firstLine},
                        {"count", entry.count},
                        {"sample", entry.sample.toUtf8()}});

@@ -10,7 +10,7 @@ std::string linesOf(const CFileReport& report, ReportSeverity least) {
   for (const auto& entry : report.entries()) {
     const ReportSeverity severity = severityOf(entry.code);
     if (severity < least) continue;
-    text += "    " + std::string(nameOf(severity)) + ": " + entry.code;
+    text += "    " + std::string(nameOf(severity)) + ": " + textOf(entry.code);
     if (!entry.sample.empty()) text += " '" + visible(entry.sample) + "'";
     text += " (" + std::to_string(entry.count) + (entry.count == 1 ? " time" : " times");
     if (entry.firstLine > 0) text += ", first at line " + std::to_string(entry.firstLine);
@@ -31,7 +31,7 @@ Json errorToJson(const ReadResult& result) {
 Json reportToJson(const CFileReport& report) {
   Json entries = Json::array();
   for (const auto& entry : report.entries()) {
-    entries.push_back({{"code", entry.code},
+    entries.push_back({{"code", textOf(entry.code)},
                        {"severity", nameOf(severityOf(entry.code))},
                        {"count", entry.count},
                        {"line", entry.firstLine > 0 ? Json(entry.firstLine) : Json()},

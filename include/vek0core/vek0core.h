@@ -23,6 +23,7 @@
 #include "vek0core/files/filename.h"
 #include "vek0core/files/filestdlib.h"
 #include "vek0core/files/report.h"
+#include "vek0core/files/reportcode.h"
 #include "vek0core/files/smartstring.h"
 #include "vek0core/files/textcodec.h"
 
@@ -102,8 +103,6 @@
 #include "vek0core/drawing/refcounter.h"
 #include "vek0core/drawing/tableremapper.h"
 #include "vek0core/drawing/undostack.h"
-
-#include "vek0core/dxf/reportcodes.h"
 
 #include "vek0core/dxf/in/filedxfierror.h"
 #include "vek0core/dxf/in/filedxfilexer.h"

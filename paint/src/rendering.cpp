@@ -51,7 +51,7 @@ std::unique_ptr<SheetPainter> makePainter(const RenderOptions& options, IFile& f
 std::string missingFrom(const CFileReport& report) {
   std::string kinds;
   for (const CFileReport::Entry& entry : report.entries()) {
-    if (entry.code != std::string_view("kind skipped") || entry.sample == u"VIEWPORT") continue;
+    if (entry.code != ReportCode::KindSkipped || entry.sample == u"VIEWPORT") continue;
     kinds += (kinds.empty() ? "" : ", ") + std::to_string(entry.count) + " " +
              (entry.sample.empty() ? "others" : entry.sample.toUtf8());
   }
@@ -122,7 +122,7 @@ class Renderer {
   void reportLosses(const std::string& in, const CFileReport& report) const {
     const std::string missing = missingFrom(report);
     if (!missing.empty()) warn(in + ": not shown: " + missing);
-    if (const long count = report.count("extrusion ignored")) {
+    if (const long count = report.count(ReportCode::ExtrusionIgnored)) {
       warn(in + ": " + std::to_string(count) +
            " entities may be misplaced: their extrusion is not supported");
     }

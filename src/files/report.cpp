@@ -6,14 +6,14 @@
 
 namespace {
 
-std::size_t hashOf(std::string_view code, std::u16string_view sample) {
+std::size_t hashOf(ReportCode code, std::u16string_view sample) {
   constexpr std::size_t kSpread = 31;
-  return std::hash<std::string_view>()(code) * kSpread + std::hash<std::u16string_view>()(sample);
+  return static_cast<std::size_t>(code) * kSpread + std::hash<std::u16string_view>()(sample);
 }
 
 }  // namespace
 
-CFileReport::Entry* CFileReport::find(std::size_t hash, std::string_view code,
+CFileReport::Entry* CFileReport::find(std::size_t hash, ReportCode code,
                                       std::u16string_view sample) {
   const auto [first, last] = m_byHash.equal_range(hash);
   const auto found = std::find_if(first, last, [&](const auto& item) {
@@ -23,7 +23,7 @@ CFileReport::Entry* CFileReport::find(std::size_t hash, std::string_view code,
   return found == last ? nullptr : &m_entries[found->second];
 }
 
-void CFileReport::add(const char* code, long line, std::u16string_view sample) {
+void CFileReport::add(ReportCode code, long line, std::u16string_view sample) {
   std::size_t hash = hashOf(code, sample);
   Entry* known = find(hash, code, sample);
   if (!known && m_entries.size() >= kMaxEntries && !sample.empty()) {
@@ -44,10 +44,15 @@ void CFileReport::add(const char* code, long line, std::u16string_view sample) {
   }
 }
 
-long CFileReport::count(std::string_view code) const {
+long CFileReport::count(ReportCode code) const {
   long sum = 0;
   for (const Entry& entry : m_entries) {
     if (code == entry.code) sum += entry.count;
   }
   return sum;
+}
+
+long CFileReport::count(std::string_view text) const {
+  const std::optional<ReportCode> code = findReportCode(text);
+  return code ? count(*code) : 0;
 }

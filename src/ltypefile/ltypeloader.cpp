@@ -95,7 +95,7 @@ CLtypeLoader::Status CLtypeLoader::readDefinitions(IFile& file) {
     const Header header = splitHeader(viewOf(lexer->GetString()));
     const bool hasPattern = lexer->Read();
     if (!hasPattern || lexer->GetString()[0] == u'*') {
-      m_report.add("missing-pattern", lexer->GetLine(), header.name);
+      m_report.add(ReportCode::MissingPattern, lexer->GetLine(), header.name);
     }
     if (!hasPattern) break;
     CLtypeComplexDashSeq dashes;

@@ -39,7 +39,7 @@ double normalized(double angleRad) {
 }
 
 // A line may be as long as its file; limit the sample.
-void note(const char* code, const LtypeReading& reading, std::u16string_view sample = {}) {
+void note(ReportCode code, const LtypeReading& reading, std::u16string_view sample = {}) {
   reading.report.add(code, reading.line, sample.substr(0, kLongestSample));
 }
 
@@ -50,9 +50,9 @@ bool hasDigit(std::u16string_view text) {
 double readNumber(std::u16string_view text, const LtypeReading& reading) {
   const ParsedDouble parsed = parseDouble(text);
   if (!hasDigit(text)) {
-    note("number-expected", reading, text);
+    note(ReportCode::NumberExpected, reading, text);
   } else if (!parsed.finite) {
-    note("number-range", reading, text);
+    note(ReportCode::NumberRange, reading, text);
   }
   return parsed.finite ? parsed.value : 0;
 }
@@ -107,7 +107,7 @@ CStyle* findStyle(std::u16string_view written, const LtypeReading& reading) {
   const zim::WString name = decodeLtypeText(written);
   if (CStyle* style = reading.styles.get(name)) return style;
   CStyle* const style = reading.notifier ? reading.notifier->Notify(name) : nullptr;
-  if (!style) note("unknown-style", reading, name);
+  if (!style) note(ReportCode::UnknownStyle, reading, name);
   return style;
 }
 
@@ -122,7 +122,7 @@ std::u16string_view takeElement(std::u16string_view& rest, const LtypeReading& r
   }
   const std::size_t close = rest.find(u']', from);
   if (close == std::u16string_view::npos) {
-    note("unclosed-element", reading, rest);
+    note(ReportCode::UnclosedElement, reading, rest);
   }
   const std::u16string_view element = rest.substr(0, close);
   rest.remove_prefix(element.size());
@@ -135,7 +135,7 @@ void readElement(std::u16string_view element, const LtypeReading& reading,
   element = trimmed(element);
   if (element.empty() || element[0] != u'"') {
     const std::u16string_view shape = trimmed(element.substr(0, element.find(u',')));
-    return note("shape-left-out", reading, shape);
+    return note(ReportCode::ShapeLeftOut, reading, shape);
   }
   const zim::WString text = decodeLtypeText(takeQuoted(element));
   takeUntil(element, u",");
@@ -149,7 +149,7 @@ void readElement(std::u16string_view element, const LtypeReading& reading,
 void readField(std::u16string_view field, const LtypeReading& reading,
                CLtypeComplexDashSeq& dashes) {
   field = trimmed(field);
-  if (field.empty()) return note("empty-field", reading);
+  if (field.empty()) return note(ReportCode::EmptyField, reading);
   dashes.AddDashDouble(readNumber(field, reading));
 }
 
@@ -213,7 +213,7 @@ std::u16string encodedName(std::u16string_view name, std::u16string_view separat
     unit = u'_';
     replaced = true;
   }
-  if (replaced) report.add("replaced-separator", 0, name);
+  if (replaced) report.add(ReportCode::ReplacedSeparator, 0, name);
   return out;
 }
 
@@ -233,13 +233,13 @@ std::u16string encodedText(std::u16string_view text, CFileReport& report) {
       out += unit;
     }
   }
-  if (text.find(u'"') != std::u16string_view::npos) report.add("replaced-quote", 0, text);
+  if (text.find(u'"') != std::u16string_view::npos) report.add(ReportCode::ReplacedQuote, 0, text);
   return out;
 }
 
 std::u16string formatted(double value, char* (*format)(char*, double), CFileReport& report) {
   char digits[kFixedRoom];
-  if (!std::isfinite(value)) report.add("number-range", 0);
+  if (!std::isfinite(value)) report.add(ReportCode::NumberRange, 0);
   const char* const end = format(digits, value);
   return std::u16string(static_cast<const char*>(digits), end);
 }
@@ -247,7 +247,7 @@ std::u16string formatted(double value, char* (*format)(char*, double), CFileRepo
 std::u16string sixDecimals(double value, CFileReport& report) {
   const std::u16string digits = formatted(value, formatFixed, report);
   if (parseDouble(std::u16string_view(digits)).value != value && std::isfinite(value)) {
-    report.add("rounded-number", 0, digits);
+    report.add(ReportCode::RoundedNumber, 0, digits);
   }
   return digits;
 }

@@ -7,13 +7,13 @@
 
 namespace vek0::detail {
 
-const char* FileGraph::add(const zim::WString& from, const zim::WString& to) {
+std::optional<ReportCode> FileGraph::add(const zim::WString& from, const zim::WString& to) {
   Node& outer = m_nodes[from];
   Node& inner = m_nodes[to];
-  if (leads(inner, outer)) return "reference circular";
-  if (!sink(inner, outer.level + 1)) return "reference too deep";
+  if (leads(inner, outer)) return ReportCode::ReferenceCircular;
+  if (!sink(inner, outer.level + 1)) return ReportCode::ReferenceTooDeep;
   outer.refersTo.push_back(&inner);
-  return nullptr;
+  return std::nullopt;
 }
 
 // Levels increase along paths, so the search stops at the target's level: otherwise every drawing

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
+#include "vek0core/files/reportcode.h"
 #include "zim0lang/wstring.h"
 
 namespace vek0::detail {
@@ -11,8 +13,8 @@ namespace vek0::detail {
 class FileGraph {
  public:
   /// Adds a reference from one drawing to another. If that would close a cycle, or nest drawings
-  /// too deeply on any path from the outermost, returns the report code and adds nothing.
-  const char* add(const zim::WString& from, const zim::WString& to);
+  /// too deeply on any path from the outermost, returns that fault and adds nothing.
+  std::optional<ReportCode> add(const zim::WString& from, const zim::WString& to);
 
  private:
   struct Node {

@@ -29,6 +29,7 @@
 
 namespace {
 
+using Fault = std::optional<ReportCode>;
 using Found = IXRefResolver::Found;
 using Status = CBlockXRef::Status;
 using vek0::detail::FileGraph;
@@ -142,31 +143,31 @@ class Resolving {
       const Job& job = m_jobs.front();
       m_journal.keep(*job.xref);
       job.xref->setFile(job.place.file);
-      if (const char* fault = resolve(job)) note(fault, *job.xref, {});
+      if (const Fault fault = resolve(job)) note(*fault, *job.xref, {});
       if (job.xref->getStatus() != Status::loaded) m_journal.setContent(*job.xref, {{}, {}});
     }
   }
 
-  // Sets the status; returns the report code, or null on success.
-  const char* resolve(const Job& job) {
+  // Sets the status.
+  Fault resolve(const Job& job) {
     CBlockXRef& xref = *job.xref;
     if (job.place.found != Found::Yes) xref.setStatus(Status::refused);
     switch (job.place.found) {
       case Found::Missing:
         xref.setStatus(Status::missing);
-        return "reference missing";
+        return ReportCode::ReferenceMissing;
       case Found::NotAFile:
-        return "reference no file";
+        return ReportCode::ReferenceNoFile;
       case Found::Forbidden:
-        return "reference forbidden";
+        return ReportCode::ReferenceForbidden;
       case Found::Yes:
         break;
     }
     if (job.place.file == m_options.drawing) {
       xref.setStatus(Status::refused);
-      return "reference circular";
+      return ReportCode::ReferenceCircular;
     }
-    const char* fault = isRepeated(job.place.file) ? "reference repeated" : read(job);
+    const Fault fault = isRepeated(job.place.file) ? ReportCode::ReferenceRepeated : read(job);
     if (fault) xref.setStatus(Status::broken);
     return fault;
   }
@@ -180,14 +181,14 @@ class Resolving {
     return false;
   }
 
-  // Returns the report code; null on success and if canceled, which changes nothing.
-  const char* read(const Job& job) {
+  // No fault if canceled, which changes nothing.
+  Fault read(const Job& job) {
     for (int reading = 0; reading < kReadings; ++reading) {
       const zim::WString state = m_resolver.getState(job.place.file);
       const CDataPtr drawing(CDataFactory().createData());
       const std::unique_ptr<IFile> file = m_resolver.open(job.place.file);
       if (!drawing) throw std::bad_alloc();
-      if (!file) return "reference broken";
+      if (!file) return ReportCode::ReferenceBroken;
       drawing->setHatchLimit(
           std::min(m_data.getHatchLimit(), m_hatchLinesLeft / vek0::detail::kHatchesShare));
       CFileReport report;
@@ -199,9 +200,10 @@ class Resolving {
       if (m_options.onRead) m_options.onRead(*job.xref, result, report);
       m_isCancelled = result.status == CFileDXFIResult::Cancelled;
       if (result.status == CFileDXFIResult::Done) take(job, result, *drawing);
-      return m_isCancelled || result.status == CFileDXFIResult::Done ? nullptr : "reference broken";
+      if (m_isCancelled || result.status == CFileDXFIResult::Done) return std::nullopt;
+      return ReportCode::ReferenceBroken;
     }
-    return "reference changing";
+    return ReportCode::ReferenceChanging;
   }
 
   void take(const Job& job, const CFileDXFIResult& result, const CData& drawing) {
@@ -219,7 +221,7 @@ class Resolving {
 
   bool isShown(const CBlockXRef& nested, const Job& job) {
     if (nested.getEntities() <= 0) return false;
-    if (nested.isOverlay()) note("reference overlaid", nested, job.xref->getName());
+    if (nested.isOverlay()) note(ReportCode::ReferenceOverlaid, nested, job.xref->getName());
     return !nested.isOverlay();
   }
 
@@ -227,12 +229,12 @@ class Resolving {
   // too deeply.
   CBlockXRef* standIn(const CBlockXRef& nested, const Job& job) {
     Place place = find(nested.getPath(), job.place.file);
-    const char* fault = nullptr;
+    Fault fault;
     if (place.found == Found::Yes)
-      fault = place.file == m_options.drawing ? "reference circular"
+      fault = place.file == m_options.drawing ? ReportCode::ReferenceCircular
                                               : m_graph.add(job.place.file, place.file);
     if (fault) {
-      note(fault, nested, job.xref->getName());
+      note(*fault, nested, job.xref->getName());
       return nullptr;
     }
     CBlockXRef& xref = named(nested, place, job);
@@ -255,7 +257,7 @@ class Resolving {
     Namesakes& namesakes = m_namesakes[nested.getName()];
     const zim::WString name = firstFree(namesakes, nested.getName());
     if (CBlockXRef* xref = findAmong(namesakes, nested, place, job)) return *xref;
-    if (name != nested.getName()) note("reference renamed", nested, job.xref->getName());
+    if (name != nested.getName()) note(ReportCode::ReferenceRenamed, nested, job.xref->getName());
     return *m_journal.add(m_data.getBlockXRefTable(),
                           m_data.getBlockFactory().createXRef(
                               m_data.getLtypeContinuous(), m_data.getLtypeByLayer(),
@@ -334,7 +336,7 @@ class Resolving {
   }
 
   // `reader`: name of the reference whose drawing has this one; empty for the drawing.
-  void note(const char* code, const CBlockXRef& xref, const zim::WString& reader) {
+  void note(ReportCode code, const CBlockXRef& xref, const zim::WString& reader) {
     if (!m_options.report) return;
     const zim::WString prefix = reader.empty() ? reader : reader + u"|";
     m_options.report->add(code, 0, prefix + xref.getName() + u": " + xref.getPath());

@@ -171,7 +171,7 @@ TEST(LtypeLoader, TheReportNamesWhatWasNotTaken) {
     const Loading loaded(std::string(";;\n*N,\n") + t.line + "\n");
     const CFileReport& report = loaded.loader.GetReport();
     ASSERT_FALSE(report.empty());
-    EXPECT_STREQ(report.entries()[0].code, t.code);
+    EXPECT_STREQ(textOf(report.entries()[0].code), t.code);
     EXPECT_EQ(report.entries()[0].firstLine, 3);
     EXPECT_EQ(report.entries()[0].sample, t.sample);
   }

@@ -137,7 +137,8 @@ struct Sheet {
   std::string reported() const {
     std::string text;
     for (const CFileReport::Entry& entry : report.entries())
-      text += std::string(text.empty() ? "" : "; ") + entry.code + " " + entry.sample.toUtf8();
+      text +=
+          std::string(text.empty() ? "" : "; ") + textOf(entry.code) + " " + entry.sample.toUtf8();
     return text;
   }
 };

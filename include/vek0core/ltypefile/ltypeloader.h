@@ -92,17 +92,7 @@ class VEK0_API CLtypeLoader {
   void Save(IFile& file);
 
   Status GetStatus() const { return m_status; }
-  /// Lists what the last `Load` or `Save` skipped or changed:
-  ///     "shape-left-out"      a pattern element other than text; the sample is its name
-  ///     "unknown-style"       a text got no style; the sample is the style's name
-  ///   "number-expected"     read as 0
-  ///   "number-range"        not finite: read or written as 0
-  ///   "empty-field"         nothing between two commas: no element
-  ///   "unclosed-element"    a ']' or a closing quote is missing
-  ///   "missing-pattern"     the line after a header is missing, or is a header itself
-  ///   "replaced-quote"      a '"' inside a text was written as two single quotes
-  ///   "replaced-separator"  a ',' or ']' inside a name was written as '_'
-  ///   "rounded-number"      a number of a text has more than six decimals
+  /// Lists what the last `Load` or `Save` skipped or changed, under the codes of linetype files.
   const CFileReport& GetReport() const { return m_report; }
 
   /// Number of linetypes in the table.

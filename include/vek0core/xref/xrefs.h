@@ -18,19 +18,8 @@ class PNT_3D;
 /// External references nested deeper than this are skipped.
 constexpr int kMaxXRefDepth = 100;
 
-/// How references are resolved. The report is borrowed, may be null, and receives these codes; the
-/// sample is "name: path".
-///
-///     reference missing    the file does not exist
-///     reference forbidden  the file is outside the folders that the host allows
-///   reference no file    the path names a folder or a device
-///     reference broken     the file is not a drawing, or is damaged
-///   reference changing   the file was written while it was read
-///   reference circular   a drawing refers to itself, directly or through others
-///   reference too deep   more than `kMaxXRefDepth` drawings refer to one another
-///     reference repeated   so many names lead to one file that memory would run out
-///     reference overlaid   an overlay of a referenced drawing, shown only by that drawing
-///     reference renamed    one name refers to two drawings, or to two base points of one
+/// How references are resolved. The report is borrowed, may be null, and receives the codes of
+/// references (see `ReportCode`); the sample is "name: path".
 struct CXRefOptions {
   /// How the drawings are read; its report is not used.
   CFileDXFIOptions reading = {};

@@ -137,7 +137,7 @@ CFileDXFILexer::CFileDXFILexer(const CFileDXFILexer& other)
 
 CFileDXFILexer::~CFileDXFILexer() = default;
 
-void CFileDXFILexer::note(const char* code, std::string_view sample) const {
+void CFileDXFILexer::note(ReportCode code, std::string_view sample) const {
   if (!m_report) return;
   CTextDecoder decoder = m_decoder;
   std::u16string text;
@@ -198,7 +198,7 @@ long CFileDXFILexer::read() {
 }
 
 long CFileDXFILexer::endFile() {
-  if (!m_cut && !m_stopped) note("file cut");
+  if (!m_cut && !m_stopped) note(ReportCode::FileCut);
   m_cut = !m_stopped;
   m_own = "EOF";
   m_value = m_own;
@@ -273,9 +273,9 @@ bool CFileDXFILexer::passStrayLine(std::string_view line) {
   ++m_line;
   if (text.empty()) {
     ++m_blankLines;
-    note("blank line");
+    note(ReportCode::BlankLine);
   } else {
-    note("stray line", text.substr(0, kSampleBytes));
+    note(ReportCode::StrayLine, text.substr(0, kSampleBytes));
   }
   return true;
 }
@@ -317,11 +317,11 @@ bool CFileDXFILexer::readValue() {
 bool CFileDXFILexer::alignPair() {
   for (;;) {
     if (m_group == 0 && isNumber(trimmed(m_value))) {
-      note("stray line", "0");
+      note(ReportCode::StrayLine, "0");
     } else if (m_value.empty() && isReal(m_group)) {
       if (!readValue()) return false;
       const bool isCode = isNumber(trimmed(m_value));
-      note(isCode ? "number replaced" : "blank line");
+      note(isCode ? ReportCode::NumberReplaced : ReportCode::BlankLine);
       if (!isCode) continue;
     } else {
       return true;
@@ -337,7 +337,7 @@ void CFileDXFILexer::finishLongValue(bool whole) {
   m_value = withoutTrailing(m_value.substr(0, kept));
   keepValue();
   if (!whole && skipRestOfLine()) isCut = true;
-  if (isCut && m_report) m_report->add("line cut", m_line);
+  if (isCut && m_report) m_report->add(ReportCode::LineCut, m_line);
 }
 
 // Whether the rest was more than blanks.
@@ -401,7 +401,7 @@ double CFileDXFILexer::repairedDouble() const {
   const vek0::detail::ParsedDouble number = vek0::detail::parseDouble(text);
   const bool isNumber = number.finite && vek0::detail::beginsWithNumber(text);
   if (isNumber)
-    note("number repaired", isForm ? "1,5 or 1D2" : "12abc");
+    note(ReportCode::NumberRepaired, isForm ? "1,5 or 1D2" : "12abc");
   else
     setError(CFileDXFIError::OutOfRange);
   return number.value;

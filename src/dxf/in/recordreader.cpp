@@ -63,11 +63,11 @@ zim::WString decimal(long value) { return zim::WString::fromUtf8(std::to_string(
 
 }  // namespace
 
-void ReadContext::note(const char* code, const zim::WString& sample) const {
+void ReadContext::note(ReportCode code, const zim::WString& sample) const {
   if (options.report) options.report->add(code, lexer.getLine(), sample);
 }
 
-bool ReadContext::spareNumber(const char* code) const {
+bool ReadContext::spareNumber(ReportCode code) const {
   const CFileDXFIError::TDXFErrors kind = err.GetErrorType();
   const bool isNumber = kind == CFileDXFIError::OutOfRange || kind == CFileDXFIError::EmptyNumber;
   if (!options.policy.tolerant || !isNumber) return false;
@@ -82,7 +82,7 @@ CLtype* RecordReader::findByLayer() { return m_byLayer = m_context.semantor.getL
 void RecordReader::takeWanted(long code) {
   constexpr long firstNumber = 10;
   if (code >= firstNumber && isTolerant() && lexer().getBytes().empty())
-    return note("number replaced", decimal(code));
+    return note(ReportCode::NumberReplaced, decimal(code));
   m_record.seen.add(code);
   take(code);
 }
@@ -91,7 +91,7 @@ void RecordReader::takeInteger(long code) {
   constexpr long flags = 70;
   long value = lexer().getInt();
   if (code == flags && value < 0 && isTolerant()) {
-    note("flags replaced", decimal(value));
+    note(ReportCode::FlagsReplaced, decimal(value));
     value = 0;
   }
   m_record.setInteger(code, value);
@@ -118,7 +118,7 @@ void RecordReader::take(long code) {
 
 void RecordReader::takeHandle() {
   if (!m_context.semantor.shouldRespectHandles()) return;
-  if (isTolerant() && lexer().getBytes().empty()) return note("number replaced");
+  if (isTolerant() && lexer().getBytes().empty()) return note(ReportCode::NumberReplaced);
   m_record.handle = lexer().getHex();
 }
 
@@ -130,7 +130,7 @@ void RecordReader::takeLayer() {
   CLayer* layer = m_context.semantor.getLayer(name);
   if (!layer) {
     layer = m_context.semantor.createLayerHurried(name);
-    note("layer undeclared", name);
+    note(ReportCode::LayerUndeclared, name);
   }
   if (layer) m_record.layer = m_layers.add(bytes, layer);
 }
@@ -145,7 +145,7 @@ void RecordReader::takeLtype() {
     return;
   }
   m_record.ltype = m_byLayer;
-  note("linetype unknown", name);
+  note(ReportCode::LinetypeUnknown, name);
 }
 
 void RecordReader::takeStyle() {
@@ -156,7 +156,7 @@ void RecordReader::takeStyle() {
     m_record.style = m_styles.add(bytes, style);
     return;
   }
-  note("style unknown", name);
+  note(ReportCode::StyleUnknown, name);
 }
 
 void RecordReader::takeColor() {
@@ -164,7 +164,7 @@ void RecordReader::takeColor() {
   if (failed()) return;
   if (color < 0 || color > kColorByLayer) {
     if (!isTolerant()) return fail(CFileDXFIError::OutOfRange);
-    return note("color replaced", lexer().getText());
+    return note(ReportCode::ColorReplaced, lexer().getText());
   }
   m_record.color = static_cast<short>(color);
 }
@@ -173,21 +173,21 @@ double RecordReader::width() {
   const double value = lexer().getDouble();
   if (failed() || value >= 0) return value;
   if (!isTolerant()) fail(CFileDXFIError::OutOfRange);
-  note("number replaced", lexer().getText());
+  note(ReportCode::NumberReplaced, lexer().getText());
   return 0;
 }
 
 void RecordReader::takeCount(long code) {
   const long count = lexer().getInt();
   const bool isCount = failed() || count > 0 || !isTolerant();
-  if (!isCount) note("number replaced", decimal(code));
+  if (!isCount) note(ReportCode::NumberReplaced, decimal(code));
   m_record.setInteger(code, isCount ? count : 1);
 }
 
 double RecordReader::radius(double value) {
   if (!isTolerant() || value > 0) return value;
   if (value < 0)
-    note("number replaced", u"40");
+    note(ReportCode::NumberReplaced, u"40");
   else
     fail(CFileDXFIError::OutOfRange);
   return -value;
@@ -221,9 +221,9 @@ bool RecordReader::leaveOut(long code) {
   if (failed()) {
     spareNumber();
   } else if (isLoss(lexer())) {
-    note("code dropped", decimal(code));
+    note(ReportCode::CodeDropped, decimal(code));
   } else if (code == kExtrusionZ && parseDouble(lexer().getBytes()).value != 1) {
-    note("extrusion ignored");
+    note(ReportCode::ExtrusionIgnored);
   }
   return true;
 }
@@ -233,7 +233,7 @@ void RecordReader::takeTrueColor() {
   const long value = lexer().getInt();
   if (failed()) return;
   m_record.trueColor = value & mask;
-  note("color approximated");
+  note(ReportCode::ColorApproximated);
 }
 
 short RecordReader::nearestColor(long trueColor) {
@@ -255,7 +255,7 @@ bool RecordReader::check(const RecordKind& kind, long missingParam) {
     m_context.err.SetErrorExtraParam(missingParam, m_record.seen.bitsOf(kind.required));
     return false;
   }
-  if (!(m_record.seen | CodeSet{kLayer}).covers(kind.required)) note("code missing");
+  if (!(m_record.seen | CodeSet{kLayer}).covers(kind.required)) note(ReportCode::CodeMissing);
   if (!m_record.layer) fail(CFileDXFIError::WrongStructure);
   return !failed();
 }
@@ -265,7 +265,7 @@ void RecordReader::supply() {
   if (!m_record.layer) {
     const zim::WString zero(u"0");
     m_record.layer = m_context.semantor.getLayer(zero);
-    note("layer missing");
+    note(ReportCode::LayerMissing);
   }
   if (m_frameTaken) return;
   m_frameTaken = true;
@@ -277,13 +277,13 @@ bool RecordReader::takeCurveRoom(std::size_t points) {
   if (fits)
     curveRoom -= points;
   else
-    note("curve coarse");
+    note(ReportCode::CurveCoarse);
   return fits;
 }
 
 bool RecordReader::recover(const zim::WString& kind) {
   if (!isTolerant() || m_context.err.GetErrorType() == CFileDXFIError::GeneralError) return false;
-  note("entity dropped", kind);
+  note(ReportCode::EntityDropped, kind);
   m_context.err = CFileDXFIError();
   if (lexer().getGroupValue() != 0) skip();
   return true;
@@ -296,14 +296,14 @@ bool RecordReader::isSpare(long code, const CodeSet& wanted, const CodeSet& opti
   return isPlace ? optional.has(code) : code >= CodeSet::kEnd || wanted.has(code);
 }
 
-bool RecordReader::spareNumber(const char* cost) {
+bool RecordReader::spareNumber(ReportCode cost) {
   if (!m_context.spareNumber(cost)) return false;
   const long code = lexer().getGroupValue();
   if (code < CodeSet::kEnd) m_record.seen.remove(code);
   return true;
 }
 
-void RecordReader::noteAt(long line, const char* code, const zim::WString& sample) const {
+void RecordReader::noteAt(long line, ReportCode code, const zim::WString& sample) const {
   if (m_context.options.report) m_context.options.report->add(code, line, sample);
 }
 

@@ -16,6 +16,7 @@
 #include "vek0core/entities/blocks/insertclip.h"
 #include "vek0core/entities/ent.h"
 #include "vek0core/entities/entfactory.h"
+#include "vek0core/files/reportcode.h"
 #include "vek0core/geometry/angle.h"
 
 namespace vek0::detail {
@@ -32,11 +33,11 @@ struct ReadContext {
   const DimStyles& dimStyles;
 
   /// Adds an entry to the report, if there is one, with the lexer's current line.
-  void note(const char* code, const zim::WString& sample) const;
+  void note(ReportCode code, const zim::WString& sample) const;
   /// Downgrades an error in the current value, which is not a number, to a report entry: `code`
   /// states what is lost, by default only the pair. False if reading is strict or the error is a
   /// different one.
-  bool spareNumber(const char* code = "number dropped") const;
+  bool spareNumber(ReportCode code = ReportCode::NumberDropped) const;
 };
 
 /// The codes that a kind of record reads, and those it requires. The common properties (5, 6, 8,
@@ -118,7 +119,7 @@ class RecordReader {
     spareNumber();
   }
   /// As that of the context; also clears the pair's code.
-  bool spareNumber(const char* cost = "number dropped");
+  bool spareNumber(ReportCode cost = ReportCode::NumberDropped);
 
   const Record& record() const { return m_record; }
   /// Changes the color of entities built from now on.
@@ -130,12 +131,12 @@ class RecordReader {
   IHandleGestor& gestor() const { return m_context.semantor.getHandleGestor(); }
   bool failed() const { return m_context.err.HasAnError(); }
   void fail(CFileDXFIError::TDXFErrors kind) const { m_context.err.SetError(kind); }
-  void note(const char* code, const zim::WString& sample = {}) const {
+  void note(ReportCode code, const zim::WString& sample = {}) const {
     m_context.note(code, sample);
   }
 
   /// The same for an earlier record.
-  void noteAt(long line, const char* code, const zim::WString& sample) const;
+  void noteAt(long line, ReportCode code, const zim::WString& sample) const;
 
   /// The current value as a width; error 15 if it is negative.
   double width();

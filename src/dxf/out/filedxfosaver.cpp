@@ -222,7 +222,7 @@ void CFileDXFOSaver::writeCurrentItems() {
   if (!isExchange()) return;
   const short color = vars.getCurColor();
   const bool known = vek0::detail::isEntityColor(color);
-  if (!known) report("color out of range", u"$CECOLOR");
+  if (!known) report(ReportCode::ColorOutOfRange, u"$CECOLOR");
   write(9, u"$CECOLOR");
   write(62, static_cast<long>(known ? color : kColorByLayer));
 }
@@ -272,7 +272,7 @@ void CFileDXFOSaver::writeLtype(const CLtype& ltype) {
     if (dashes.Get(i)->IsDoubleDash())
       write(49, finite(dashes.Get(i)->GetValue(), 0, name));
     else
-      report("linetype text dropped", ltype.getName());
+      report(ReportCode::LinetypeTextDropped, ltype.getName());
   }
 }
 
@@ -287,10 +287,10 @@ void CFileDXFOSaver::writeLayer(const CLayer& layer) {
   const zim::WString name = m_converter.GetName(&layer);
   short color = layer.getColor();
   if (!vek0::detail::isLayerColor(color)) {
-    report("color out of range", name);
+    report(ReportCode::ColorOutOfRange, name);
     color = vek0::detail::kColorDefault;
   }
-  if (layer.getLineWidth() != lineWidthDefault) report("lineweight dropped", name);
+  if (layer.getLineWidth() != lineWidthDefault) report(ReportCode::LineweightDropped, name);
   write(0, u"LAYER");
   m_writer.writeText(2, name);
   write(70, dependentFlags(layer.getFlags(), name) & kFlagBits);
@@ -328,7 +328,8 @@ bool CFileDXFOSaver::writeBlocks() {
   // Not an assertion: a host can make a block insert itself behind the table's back.
   const int iResult = m_data.getBlockTable().getBlockGraph().VisitUndep(written);
   write(0, u"ENDSEC");
-  if (iResult != ZORA_BLOCK_VISIT_RESULT_SUCCESS) report("blocks in a circle", zim::WString());
+  if (iResult != ZORA_BLOCK_VISIT_RESULT_SUCCESS)
+    report(ReportCode::BlocksInACircle, zim::WString());
   return iResult == ZORA_BLOCK_VISIT_RESULT_SUCCESS;
 }
 
@@ -375,7 +376,7 @@ double CFileDXFOSaver::degrees(double angleRad) const {
 
 double CFileDXFOSaver::finite(double value, double fallback, const zim::WString& where) {
   if (std::isfinite(value)) return value;
-  report("number not finite", where);
+  report(ReportCode::NumberNotFinite, where);
   return fallback;
 }
 
@@ -383,10 +384,10 @@ double CFileDXFOSaver::finite(double value, double fallback, const zim::WString&
 long CFileDXFOSaver::dependentFlags(long flags, const zim::WString& name) {
   zim::WString xref, item;
   if ((flags & vek0::detail::kDependent) == 0 || scomposeName(name, xref, item)) return flags;
-  report("name not dependent", name);
+  report(ReportCode::NameNotDependent, name);
   return flags & ~(vek0::detail::kDependent | vek0::detail::kResolved);
 }
 
-void CFileDXFOSaver::report(const char* code, const zim::WString& sample) {
+void CFileDXFOSaver::report(ReportCode code, const zim::WString& sample) {
   if (m_report) m_report->add(code, 0, sample);
 }

@@ -108,7 +108,7 @@ void CFileDXFOVisitor::visit(CEntLine& ent) {
 // This version has no infinite lines.
 LINE_3D CFileDXFOVisitor::cut(const CEntLine& ent) {
   if (ent.getReach() == LineReach::Segment) return ent.getLine();
-  report("endless line cut", ent.getReach() == LineReach::Ray ? "RAY" : "XLINE");
+  report(ReportCode::EndlessLineCut, ent.getReach() == LineReach::Ray ? "RAY" : "XLINE");
   const CBlock* owner = ent.getOwnerBlock();
   return vek0::detail::segmentOf(ent, owner ? owner->getBdry() : m_data.getEntTable().getBdry());
 }
@@ -134,7 +134,7 @@ void CFileDXFOVisitor::visit(CEnt3DFace& ent) {
   if (ent.isFilled()) {
     const char* kind = ent.getFill() == FaceFill::Trace ? "TRACE" : "SOLID";
     if (m_exchange && solid_visit(ent, kind)) return;
-    report("fill as outline", kind);
+    report(ReportCode::FillAsOutline, kind);
   }
   begin("3DFACE", ent);
   for (long corner = 0; corner < 4; ++corner) writePoint(corner, ent.getVertex(corner));
@@ -174,7 +174,7 @@ void CFileDXFOVisitor::visit(CEntAttdef& ent) {
 void CFileDXFOVisitor::visit(CEntHatch& ent) {
   if (refuses(ent, "HATCH")) return;
   const vek0::Handle handle = insert_visit(ent);
-  if (!vek0::detail::hasHatchData(ent)) return report("hatch as insert", "HATCH");
+  if (!vek0::detail::hasHatchData(ent)) return report(ReportCode::HatchAsInsert, "HATCH");
   vek0::detail::writeHatchData(m_writer, ent, handle, m_flatten, m_exchange);
 }
 
@@ -183,7 +183,7 @@ void CFileDXFOVisitor::visit(CEntAttrib&) { ZORA_ASSERT(false); }
 void CFileDXFOVisitor::visit(CEntInsert& ent) {
   if (refuses(ent, "INSERT")) return;
   insert_visit(ent);
-  if (ent.isClipped()) report("clip lost", "INSERT");
+  if (ent.isClipped()) report(ReportCode::ClipLost, "INSERT");
 }
 
 void CFileDXFOVisitor::visit(CEntInsertXRef& ent) { visit(static_cast<CEntInsert&>(ent)); }
@@ -191,13 +191,13 @@ void CFileDXFOVisitor::visit(CEntInsertXRef& ent) { visit(static_cast<CEntInsert
 void CFileDXFOVisitor::visit(CEntFixedInsert& ent) {
   if (refuses(ent, "INSERT")) return;
   insert_visit(ent);
-  report("fixed insert", "INSERT");
+  report(ReportCode::FixedInsert, "INSERT");
 }
 
 void CFileDXFOVisitor::visit(CEntPolyline& ent) {
   if (!isReady()) return;
   const auto form = vek0::detail::polylineForm(ent, m_flatten, m_exchange);
-  if (!form.finite) return report(vek0::detail::kNotFinite, "POLYLINE");
+  if (!form.finite) return report(ReportCode::EntityNotFinite, "POLYLINE");
   begin("POLYLINE", ent);
   writePoint(0, PNT_3D(0, 0, form.elevation));
   m_writer.write(70, (ent.getFlags() & (CEntPolyline::kClosed | CEntPolyline::kLtGen)) |
@@ -234,7 +234,7 @@ vek0::Handle CFileDXFOVisitor::def_visit(const CEnt& ent) {
   if (vek0::detail::isEntityColor(ent.getColor()))
     m_writer.write(62, static_cast<long>(ent.getColor()));
   else
-    report("color out of range", "");
+    report(ReportCode::ColorOutOfRange, "");
   return handle;
 }
 
@@ -386,11 +386,11 @@ ATTRIB_PLACE CFileDXFOVisitor::computedPlace(const CEntInsertBase& insert,
 template <class Ent>
 bool CFileDXFOVisitor::refuses(const Ent& ent, const char* kind) {
   if (!isReady()) return true;
-  const char* objection = m_filter->objection(ent);
-  if (objection) report(objection, kind);
-  return objection != nullptr;
+  const std::optional<ReportCode> objection = m_filter->objection(ent);
+  if (objection) report(*objection, kind);
+  return objection.has_value();
 }
 
-void CFileDXFOVisitor::report(const char* code, const char* kind) {
+void CFileDXFOVisitor::report(ReportCode code, const char* kind) {
   if (m_report) m_report->add(code, 0, zim::WString::fromUtf8(kind));
 }

@@ -134,7 +134,7 @@ std::string_view CFileDXFOWriter::encoded(std::u16string_view text) {
     cut = true;
     keep = std::min(keep - 1, keep * kLongestValue / m_text.size());
   }
-  if (cut && m_report) m_report->add("text cut", 0, text.substr(0, 40));
+  if (cut && m_report) m_report->add(ReportCode::TextCut, 0, text.substr(0, 40));
   return m_text;
 }
 

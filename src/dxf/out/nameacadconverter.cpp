@@ -243,12 +243,13 @@ void CNameAcadConverter::convertTable(const std::vector<const Item*>& items,
     const zim::WString* name = &entries[i].own;
     if (!table.keeps(entries[i])) {
       name = &names.emplace(items[i], table.convert(entries[i])).first->second;
-      if (*name != entries[i].own) report("name changed", entries[i].own + u" -> " + *name);
+      if (*name != entries[i].own)
+        report(ReportCode::NameChanged, entries[i].own + u" -> " + *name);
     }
-    if (!m_unique && !written.insert(*name)) report("names coincide", *name);
+    if (!m_unique && !written.insert(*name)) report(ReportCode::NamesCoincide, *name);
   }
 }
 
-void CNameAcadConverter::report(const char* code, const zim::WString& sample) const {
+void CNameAcadConverter::report(ReportCode code, const zim::WString& sample) const {
   if (m_report) m_report->add(code, 0, sample);
 }

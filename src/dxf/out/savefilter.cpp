@@ -17,7 +17,10 @@ namespace {
 // A fixed insert has a scale only for a display.
 constexpr double kPixelSize = 1;
 
-const char* objectionUnless(bool finite) { return finite ? nullptr : kNotFinite; }
+std::optional<ReportCode> objectionUnless(bool finite) {
+  if (finite) return std::nullopt;
+  return ReportCode::EntityNotFinite;
+}
 
 }  // namespace
 
@@ -26,38 +29,38 @@ SaveFilter::SaveFilter(const CData& data) {
   for (const CBlock* xref : xrefsOf(data)) m_blocks.insert(xref);
 }
 
-const char* SaveFilter::objection(const CEntPnt& ent) const {
+std::optional<ReportCode> SaveFilter::objection(const CEntPnt& ent) const {
   return objectionUnless(isFinite(ent.getPnt()));
 }
 
-const char* SaveFilter::objection(const CEntLine& ent) const {
+std::optional<ReportCode> SaveFilter::objection(const CEntLine& ent) const {
   return objectionUnless(isFinite(ent.getLine().p1) && isFinite(ent.getLine().p2));
 }
 
-const char* SaveFilter::objection(const CEntCircle& ent) const {
+std::optional<ReportCode> SaveFilter::objection(const CEntCircle& ent) const {
   return objectionUnless(isFinite(ent.getCircle()) && isFinite(ent.getCircle().radius, 0));
 }
 
-const char* SaveFilter::objection(const CEntArc& ent) const {
+std::optional<ReportCode> SaveFilter::objection(const CEntArc& ent) const {
   const ARC_3D& arc = ent.getArc();
   return objectionUnless(isFinite(arc) && isFinite(arc.radius, 0) &&
                          isFinite(arc.startAngle, arc.endAngle));
 }
 
-const char* SaveFilter::objection(const CEnt3DFace& ent) const {
+std::optional<ReportCode> SaveFilter::objection(const CEnt3DFace& ent) const {
   return objectionUnless(isFinite(ent.getVertex(0)) && isFinite(ent.getVertex(1)) &&
                          isFinite(ent.getVertex(2)) && isFinite(ent.getVertex(3)));
 }
 
-const char* SaveFilter::objection(const CEntText& ent) const {
+std::optional<ReportCode> SaveFilter::objection(const CEntText& ent) const {
   const CTextContext& context = ent.getText().getContext();
   return objectionUnless(isFinite(ent.getText()) &&
                          isFinite(context.getHeight(), context.getWidthScale()) &&
                          isFinite(context.getRotate(), context.getOblique()));
 }
 
-const char* SaveFilter::objection(const CEntInsertBase& ent) const {
-  if (!m_blocks.contains(ent.getBlock())) return "insert without block";
+std::optional<ReportCode> SaveFilter::objection(const CEntInsertBase& ent) const {
+  if (!m_blocks.contains(ent.getBlock())) return ReportCode::InsertWithoutBlock;
   PNT_3D pnt;
   double sx, sy, sz, rotationRad, columnSpacing, rowSpacing;
   long columns, rows;

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <optional>
+
 #include "vek0core/drawing/pointerset.h"
+#include "vek0core/files/reportcode.h"
 #include "vek0core/geometry/pnt.h"
 
 class CBlock;
@@ -26,22 +29,20 @@ class SaveFilter {
   /// Examines the blocks of the drawing once.
   explicit SaveFilter(const CData& data);
 
-  /// Null if the entity can be written; otherwise the report code of the reason.
-  const char* objection(const CEntPnt& ent) const;
-  const char* objection(const CEntLine& ent) const;
-  const char* objection(const CEntCircle& ent) const;
-  const char* objection(const CEntArc& ent) const;
-  const char* objection(const CEnt3DFace& ent) const;
+  /// The reason why the entity cannot be written; none if it can.
+  std::optional<ReportCode> objection(const CEntPnt& ent) const;
+  std::optional<ReportCode> objection(const CEntLine& ent) const;
+  std::optional<ReportCode> objection(const CEntCircle& ent) const;
+  std::optional<ReportCode> objection(const CEntArc& ent) const;
+  std::optional<ReportCode> objection(const CEnt3DFace& ent) const;
   /// Also for attribute definitions and attributes.
-  const char* objection(const CEntText& ent) const;
+  std::optional<ReportCode> objection(const CEntText& ent) const;
   /// Checks only the insert, not its attributes.
-  const char* objection(const CEntInsertBase& ent) const;
+  std::optional<ReportCode> objection(const CEntInsertBase& ent) const;
 
  private:
   // Only addresses are compared: an insert may refer to a deleted block.
   PointerSet m_blocks;
 };
-
-inline constexpr const char* kNotFinite = "entity not finite";
 
 }  // namespace vek0::detail

@@ -35,7 +35,7 @@ double area(const CEntHatch& hatch, const HatchRing& ring) {
 
 long notes(const Loaded& got, const std::string& code) {
   for (const auto& entry : got.report.entries())
-    if (entry.code == code) return entry.count;
+    if (textOf(entry.code) == code) return entry.count;
   return 0;
 }
 

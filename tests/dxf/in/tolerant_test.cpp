@@ -150,8 +150,8 @@ TEST(Tolerant, WhatIsRefusedIsRepairedAndTold) {
 }
 
 TEST(Tolerant, SectionsThatAreLeftOutAreTold) {
-  for (const auto& [name, code] :
-       {std::pair("OBJECTS", "section skipped"), std::pair("ENTITES", "section unknown")}) {
+  for (const auto& [name, code] : {std::pair("OBJECTS", ReportCode::SectionSkipped),
+                                   std::pair("ENTITES", ReportCode::SectionUnknown)}) {
     const Loaded got = loadAny(section(name, pairsOf(kLine)) + dxf());
     EXPECT_EQ(got.report.count(code), 1) << name;
     EXPECT_EQ(severityOf(code), name[0] == 'O' ? ReportSeverity::Note : ReportSeverity::Loss);

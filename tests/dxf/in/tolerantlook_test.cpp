@@ -44,7 +44,7 @@ TEST(TolerantLook, TrueColorsBecomeTheNearest) {
     EXPECT_TRUE(got.only()->getLayer()->isOff());
     EXPECT_EQ(got.report.count("color approximated"), 2);
   }
-  EXPECT_EQ(severityOf("color approximated"), ReportSeverity::Change);
+  EXPECT_EQ(severityOf(ReportCode::ColorApproximated), ReportSeverity::Change);
 }
 
 // The law of the search: no other color of the palette is nearer.

@@ -330,7 +330,7 @@ TEST(EntityOutput, FilledFacesAreSolids) {
   CFileReport report;
   EXPECT_TRUE(contains(saved(*warped, kSaveExchange, &report), "  0\n3DFACE\n"));
   ASSERT_EQ(report.entries().size(), 1u);
-  EXPECT_STREQ(report.entries()[0].code, "fill as outline");
+  EXPECT_EQ(report.entries()[0].code, ReportCode::FillAsOutline);
   EXPECT_EQ(report.entries()[0].sample, u"SOLID");
 }
 

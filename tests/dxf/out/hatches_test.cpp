@@ -181,7 +181,7 @@ TEST_F(SavedHatches, AnythingThatDiffersLeavesAnInsert) {
     ASSERT_EQ(back->getEntTable().getEntityTbl().size(), 1u);
     EXPECT_EQ(castHatch(first(back)), nullptr);
     ASSERT_EQ(report.entries().size(), 1u);
-    EXPECT_STREQ(report.entries()[0].code, "code dropped");
+    EXPECT_EQ(report.entries()[0].code, ReportCode::CodeDropped);
   }
 }
 

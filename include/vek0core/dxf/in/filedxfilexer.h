@@ -7,6 +7,7 @@
 
 #include "vek0core/export.h"
 #include "vek0core/files/file.h"
+#include "vek0core/files/reportcode.h"
 #include "vek0core/files/smartstring.h"
 #include "vek0core/files/textcodec.h"
 #include "vek0core/tables/handle.h"
@@ -136,7 +137,7 @@ class VEK0_API CFileDXFILexer {
   void keepValue() const;
   bool isNumberMissing() const;
   void setError(int kind) const;
-  void note(const char* code, std::string_view sample = {}) const;
+  void note(ReportCode code, std::string_view sample = {}) const;
 
   IFile& m_file;
   CFileDXFIError* m_error;

@@ -40,88 +40,8 @@ struct CFileDXFIPolicy {
 /// Options for reading a file.
 ///
 /// `report` is borrowed, may be null, and receives what the reader skipped, replaced or
-/// approximated, under these codes. The sample is the offending name, kind or code; the line is the
+/// approximated (see `ReportCode`). The sample is the offending name, kind or code; the line is the
 /// last one read at that time, 0 for problems found only in the finished drawing.
-///
-///     line cut              the end of a line that exceeds the maximum length of a text
-///     code dropped          a group code that a drawing cannot store
-///     extrusion ignored     an entity in a plane other than X, Y
-///     kind skipped          an unsupported entity kind was skipped
-///     kind replaced         an unsupported entity kind was approximated by supported ones
-///   layer undeclared      a layer that no table declared was created
-///   linetype unknown      an entity's linetype became BYLAYER
-///   style unknown         a text's style became STANDARD
-///     font unknown          a font created in the drawing was substituted
-///   text fitted           aligned or fitted text became left text
-///   mesh as faces         a polygon mesh or polyface became 3D faces
-///     mesh incomplete       faces whose vertices are not in the file were dropped
-///     arcs straightened     arcs of fitted curves became chords because there were too many
-///   curve without frame   a curve without control points became a plain polyline
-///   curve as frame        a curve without usable knots became its control polygon
-///     curve coarse          a curve got fewer chords because there were too many
-///     weights ignored       the weights of a curve's control points are invalid
-///   arrow dropped         the arrow head of a leader with many lines
-///   text empty            a formatted text that shows nothing
-///   text cut              the end of a formatted text that was too long
-///   text code dropped     a font, spacing or color within a formatted text
-///     text background dropped  the background mask of a formatted text
-///     dimension drawn       a dimension without a block was drawn according to its style
-///   content dropped       the block at the end of a leader
-///   hatch empty           a hatch's lines could not be generated; its boundary is kept
-///   hatch as outline      a patterned hatch became its boundary, as the policy says
-///     hatch coarse          curves of a boundary got fewer chords because there were too many
-///   hatch open            a loop of a hatch was closed by a straight line
-///     hatch islands         too many loops: some inner loops may be included wrongly
-///     hatch dropped         a hatch without a loop that encloses an area
-///     gradient dropped      a gradient fill became a fill of a single color
-///     shape dropped         a shape element of a linetype was reduced to its gap
-///     block undefined       a block that is inserted but never defined is empty
-///   block kept            the drawing's block won over the file's
-///   block renamed         an anonymous block of the file took a free name
-///
-/// Tolerant reading adds these:
-///
-///     version unknown       a nonexistent version; read by the newest rules
-///   encoding differs      texts contradict the code page that the header declares
-///     section skipped       a section that a drawing cannot store
-///     section unknown       likewise, a section with a name that the format does not define
-///   file cut              the file ends before its end mark
-///   section cut           likewise a section; the sample is empty
-///   table cut             likewise a table
-///   block cut             likewise a block
-///     sequence cut          vertices or attributes without an end mark
-///     record skipped        a misplaced record
-///     stray line            a line where a group code was expected
-///     blank line            likewise, an empty line
-///   number repaired       "1,5", "1D2" or "12abc"
-///     number dropped        text or a non-finite number where a number was expected
-///     loop dropped          likewise in a loop of a hatch, which was dropped
-///     number replaced       a value out of range was replaced by the nearest meaningful one
-///   color approximated    a true color became the nearest of the palette
-///   color replaced        a color out of range: 7 of a layer, BYLAYER of an entity
-///     flags replaced        flags that contradict the rest were read as 0
-///     layer missing         an entity without a layer name was put on layer 0
-///     code missing          a record lacks a required code whose absence can be tolerated
-///     variable dropped      a header variable with an invalid value
-///     entry dropped         an unreadable table entry
-///   entity dropped        likewise an entity
-///   block dropped         likewise a block
-///     entity invisible      an entity marked invisible was dropped
-///     insert dropped        an insert that would make a block contain itself
-///   curve as polyline     an arc or circle in a plane other than X, Y
-///     on paper              an entity of the space not being read; the sample names the sheet
-///                           unless it is the active one
-///   layout dropped        a layout: of any name but "Model" and "Layout1" and so on, or with
-///                         something on its sheet
-///   group dropped         a group of entities
-///     dimension style dropped  any style other than STANDARD with the format's default values
-///     unit dropped          a unit stated by the header; for the drawing's see `CFileDXFIResult`
-///     setting dropped       likewise another non-default variable: $INSBASE, $FILLMODE,
-///                         $ATTMODE, $QTEXTMODE
-///     binary file           the file is binary DXF, which is not supported
-///     dwg file              the file is DWG, not DXF
-///     empty file            the file is empty
-///     limit reached         more entities than `maxEntities`
 struct CFileDXFIOptions {
   CFileReport* report = nullptr;
   CFileDXFIPolicy policy = {};

@@ -7,6 +7,7 @@
 #include "vek0core/dxf/out/filedxfowriter.h"
 #include "vek0core/dxf/out/nameacadconverter.h"
 #include "vek0core/export.h"
+#include "vek0core/files/reportcode.h"
 #include "vek0core/tables/handle.h"
 
 class CBlockXRef;
@@ -66,7 +67,7 @@ class VEK0_API CFileDXFOSaver {
   double degrees(double angleRad) const;
   double finite(double value, double fallback, const zim::WString& where);
   long dependentFlags(long flags, const zim::WString& name);
-  void report(const char* code, const zim::WString& sample);
+  void report(ReportCode code, const zim::WString& sample);
 
   const CData& m_data;
   IFile& m_file;

@@ -5,6 +5,7 @@
 
 #include "vek0core/entities/entvisitor.h"
 #include "vek0core/export.h"
+#include "vek0core/files/reportcode.h"
 #include "vek0core/tables/handle.h"
 
 class CData;
@@ -93,7 +94,7 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   double degrees(double angleRad) const;
   template <class Ent>
   bool refuses(const Ent& ent, const char* kind);
-  void report(const char* code, const char* kind);
+  void report(ReportCode code, const char* kind);
 
   const CData& m_data;
   CFileDXFOWriter& m_writer;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "vek0core/export.h"
+#include "vek0core/files/reportcode.h"
 #include "zim0lang/wstring.h"
 
 class CBlock;
@@ -82,7 +83,7 @@ class VEK0_API CNameAcadConverter {
   template <class Item>
   void convertTable(const std::vector<const Item*>& items, const std::vector<Entry>& entries,
                     Names<Item>& names) const;
-  void report(const char* code, const zim::WString& sample) const;
+  void report(ReportCode code, const zim::WString& sample) const;
 
   const CData& m_data;
   Names<CLayer> m_layers;

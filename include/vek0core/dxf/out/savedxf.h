@@ -37,24 +37,6 @@ inline constexpr unsigned kSaveExchange = 16;
 /// additional memory is 8 bytes per handle, the converted names and 64 KiB.
 VEK0_API bool SaveDXF(const CData& data, IFile& file, unsigned flags);
 
-/// As above; also adds to `report` (may be null) each difference between the file and the drawing:
-///
-///     name changed          a name was made valid for the format, or unique: "old -> new"
-///     names coincide        two items of a table became one (classic form only)
-///   name not dependent    an item flagged as part of an external reference, but not
-///                         named so, lost the flag
-///     entity not finite     an entity with a NaN or infinite number was omitted
-///     number not finite     such a number in a variable or a table item was replaced
-///     color out of range    a color that the format does not support was replaced
-///     insert without block  an insert of a block that is not in the drawing was omitted
-///   fill as outline       a filled face became one that shows its visible edges: in the
-///                         classic form, or with corners that are not in one plane
-///     endless line cut      a ray or infinite line became a line as long as the extents of the
-///                         drawing or block, grown a little
-///   clip lost             a clipped insert shows all of its block
-///   fixed insert          an insert of fixed pixel size became an ordinary one
-///     linetype text dropped elements of a linetype other than dashes were omitted
-///     lineweight dropped    the line width of a layer was omitted
-///     text cut              a text was cut to the longest line that readers accept
-///     blocks in a circle    blocks insert each other in a cycle, so saving failed
+/// As above; also adds to `report` (may be null) each difference between the file and the drawing
+/// (see `ReportCode`).
 VEK0_API bool SaveDXF(const CData& data, IFile& file, unsigned flags, CFileReport* report);

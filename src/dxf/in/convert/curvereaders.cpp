@@ -127,12 +127,12 @@ void CurveReader::addChords() {
   std::vector<double>& weights = m_spline.weights;
   if (!weights.empty() && (weights.size() != m_spline.controls.size() ||
                            std::any_of(weights.begin(), weights.end(), bad))) {
-    m_in.note("weights ignored");
+    m_in.note(ReportCode::WeightsIgnored);
     weights.clear();
   }
   if (!m_spline.isValid()) {
     m_spline.controlPolygon(m_chain);
-    if (m_chain.size() >= 2) m_in.note("curve as frame");
+    if (m_chain.size() >= 2) m_in.note(ReportCode::CurveAsFrame);
     return;
   }
   m_spline.chords(chordError() * halfExtent(m_spline.controls), m_chain);
@@ -167,7 +167,7 @@ EntPtr CurveReader::readLeader() {
   DimStyleReader styleReader;
   const auto takeOwn = [&](long code) {
     if (LeaderCodes::isPoint(code)) return takeCoordinate(m_in, code / 10 - 1, m_chain);
-    if (!styleReader.take(m_in.lexer())) m_in.note("code dropped", u"1001");
+    if (!styleReader.take(m_in.lexer())) m_in.note(ReportCode::CodeDropped, u"1001");
   };
   if (!m_in.read(kind, LeaderCodes(), 2, takeOwn)) return nullptr;
   if (m_in.record().integer(72) == kSplinePath && m_chain.size() > 2 &&

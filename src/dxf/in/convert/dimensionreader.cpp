@@ -70,7 +70,7 @@ EntPtr readDimension(RecordReader& in) {
   const auto take = [&](long code) {
     if (code == 1) return text.take(in.lexer());
     if (code == 2) return picture.take(in);
-    if (!styleReader.take(in.lexer())) in.note("code dropped", u"1001");
+    if (!styleReader.take(in.lexer())) in.note(ReportCode::CodeDropped, u"1001");
   };
   if (!in.read(kind, DimensionCodes(), 2, take)) return nullptr;
   const bool isShown = picture.block || (!picture.name.empty() && !in.blocksRead);
@@ -83,7 +83,7 @@ EntPtr readDimension(RecordReader& in) {
   DimensionDrawing drawing(in, typeOf(in, isArc, isLargeRadius), style);
   drawing.draw(text);
   if (in.failed()) return nullptr;
-  in.note("dimension drawn", zim::WString(text.text));
+  in.note(ReportCode::DimensionDrawn, zim::WString(text.text));
   return handOver(in, std::move(drawing.built), name);
 }
 
@@ -103,7 +103,7 @@ EntPtr readTable(RecordReader& in) {
   };
   if (!in.read(kind, {2, 10, 20, 30, 11, 21, 31}, 2, take)) return nullptr;
   if (picture.name.empty()) {
-    in.note("kind skipped", u"ACAD_TABLE");
+    in.note(ReportCode::KindSkipped, u"ACAD_TABLE");
     return nullptr;
   }
   const PNT_3D at(numbers[0][0], numbers[0][1], numbers[0][2]);

@@ -63,11 +63,11 @@ MTextFormat baseFormat(const RecordReader& in, const MTextRecord& record) {
 
 void noteCodes(const RecordReader& in, const MTextRecord& record, const MTextContent& content,
                std::size_t runs) {
-  for (long i = 0; i < content.approximatedColors; ++i) in.note("color approximated");
+  for (long i = 0; i < content.approximatedColors; ++i) in.note(ReportCode::ColorApproximated);
   for (const std::u16string& code : content.dropped)
-    in.note("text code dropped", zim::WString(u"\\" + code));
+    in.note(ReportCode::TextCodeDropped, zim::WString(u"\\" + code));
   if (record.text.size() >= MTextRecord::kMostUnits || runs >= MTextRecord::kMostRuns)
-    in.note("text cut");
+    in.note(ReportCode::TextCut);
 }
 
 // The style named by the record, or the drawing's "STANDARD".
@@ -79,13 +79,13 @@ CStyle* styleOf(const RecordReader& in) {
 // A usable height.
 double heightOf(const RecordReader& in, double height, const CStyle* style) {
   if (height > 0) return height;
-  in.note("number replaced", u"height");
+  in.note(ReportCode::NumberReplaced, u"height");
   return style && style->getFixedHeight() > 0 ? style->getFixedHeight() : 1;
 }
 
 EntPtr handOverTexts(RecordReader& in, std::vector<EntPtr> built, const zim::WString& kind) {
   if (!built.empty() || in.failed()) return handOver(in, std::move(built), kind);
-  in.note("text empty", kind);
+  in.note(ReportCode::TextEmpty, kind);
   return nullptr;
 }
 
@@ -119,7 +119,7 @@ EntPtr MTextReader::read() {
                                    {8, 10, 20}, {41, 42, 43, 44});
   if (!m_in.read(kind, {1, 3, 11, 50, 101}, 2, [this](long code) { take(code); })) return nullptr;
   const Record& r = m_in.record();
-  if (r.integer(90) != 0) m_in.note("text background dropped");
+  if (r.integer(90) != 0) m_in.note(ReportCode::TextBackgroundDropped);
   m_text.style = styleOf(m_in);
   m_text.at = r.point(0);
   m_text.normal = r.extrusion;
@@ -268,7 +268,7 @@ void buildMText(RecordReader& in, const MTextRecord& record, vek0::Handle handle
     built.push_back(std::move(ent));
   }
   noteCodes(in, record, content, runs.size());
-  if (plane.isFlat()) in.note("extrusion ignored");
+  if (plane.isFlat()) in.note(ReportCode::ExtrusionIgnored);
 }
 
 EntPtr readMText(RecordReader& in) { return MTextReader(in).read(); }

@@ -63,9 +63,9 @@ EntPtr MultileaderReader::read() {
   std::vector<EntPtr> built;
   if (m_isDrawn) buildLines(built);
   if (!m_in.failed()) buildText(built);
-  if (m_hasBlock) m_in.note("content dropped", u"MULTILEADER");
+  if (m_hasBlock) m_in.note(ReportCode::ContentDropped, u"MULTILEADER");
   if (!built.empty() || m_in.failed()) return handOver(m_in, std::move(built), u"MULTILEADER");
-  m_in.note("kind skipped", u"MULTILEADER");
+  m_in.note(ReportCode::KindSkipped, u"MULTILEADER");
   return nullptr;
 }
 
@@ -193,7 +193,7 @@ void MultileaderReader::buildLines(std::vector<EntPtr>& built) {
       built.push_back(std::move(chain));
     }
   }
-  if (!built.empty()) m_in.note("arrow dropped", u"MULTILEADER");
+  if (!built.empty()) m_in.note(ReportCode::ArrowDropped, u"MULTILEADER");
 }
 
 void MultileaderReader::buildText(std::vector<EntPtr>& built) {

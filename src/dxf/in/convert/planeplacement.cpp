@@ -31,7 +31,7 @@ EntPtr chordsOf(RecordReader& in, const CIRCLE_3D& circle, double start, double 
       in.factory().createEntPolyline(in.gestor(), r.layer, r.ltype, r.color, flags, 0, r.handle));
   if (polyline)
     polyline->setBulgedVertexes(in.gestor(), in.factory(), vertexes.data(), vertexes.size());
-  in.note("curve as polyline");
+  in.note(ReportCode::CurveAsPolyline);
   return polyline;
 }
 
@@ -76,7 +76,7 @@ EntPtr placeText(RecordReader& in, EntPtr ent, const PlaneAxes& axes) {
   text.PNT_3D::operator=(axes.toWorld(text));
   context.setRotate(flatAngle(axes, context.getRotate()));
   if (axes.isFromBelow()) turnOver(context);
-  if (!axes.isMirrored()) in.note("extrusion ignored", u"TEXT");
+  if (!axes.isMirrored()) in.note(ReportCode::ExtrusionIgnored, u"TEXT");
   text.setContext(context);
   owner.setText(text);
   return ent;
@@ -95,7 +95,7 @@ EntPtr placeInsert(RecordReader& in, EntPtr ent, const PlaneAxes& axes) {
     insert.setArray(columns, rows, -columnSpacing, rowSpacing);
   }
   insert.setInsert(axes.toWorld(at), side * sx, sy, side * sz, flatAngle(axes, rotation));
-  if (!axes.isMirrored()) in.note("extrusion ignored", u"INSERT");
+  if (!axes.isMirrored()) in.note(ReportCode::ExtrusionIgnored, u"INSERT");
   return ent;
 }
 

@@ -62,14 +62,14 @@ EntPtr outlineHatch(RecordReader& in, const std::vector<std::vector<PNT_3D>>& ri
                     const zim::WString& pattern) {
   std::vector<EntPtr> outlines = buildOutlines(in, rings, in.record().handle);
   if (in.failed() || outlines.empty()) return nullptr;
-  in.note("hatch as outline", pattern);
+  in.note(ReportCode::HatchAsOutline, pattern);
   return takeFirst(in, outlines);
 }
 
 EntPtr handOver(RecordReader& in, std::vector<EntPtr> built, const zim::WString& kind) {
   if (!in.failed() && built.empty()) in.fail(CFileDXFIError::InconsistentRecord);
   if (in.failed()) return nullptr;
-  in.note("kind replaced", kind);
+  in.note(ReportCode::KindReplaced, kind);
   return takeFirst(in, built);
 }
 

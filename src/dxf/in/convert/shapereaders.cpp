@@ -128,7 +128,7 @@ class Faces {
     for (std::size_t i = 0; i < m_list.size();) {
       const long corners = m_list[i++];
       if (corners < 0 || static_cast<std::size_t>(corners) > m_list.size() - i) {
-        m_in.note("mesh incomplete");
+        m_in.note(ReportCode::MeshIncomplete);
         break;
       }
       addPolygon(m_list.data() + i, static_cast<std::size_t>(corners));
@@ -147,7 +147,7 @@ class Faces {
 
   // More than four corners become a fan with hidden inner edges.
   void addPolygon(const long* corners, std::size_t count) {
-    if (!isComplete(corners, count)) return m_in.note("mesh incomplete");
+    if (!isComplete(corners, count)) return m_in.note(ReportCode::MeshIncomplete);
     if (count == 4)
       return addFace({at(corners[0]), at(corners[1]), at(corners[2]), at(corners[3])}, 0);
     for (std::size_t i = 1; i + 1 < count && !m_in.failed(); ++i) {

@@ -23,7 +23,8 @@ bool isUsualName(const zim::WString& name) {
 
 void DroppedObjects::readRecord() {
   if (m_lexer.isKeyword("LAYOUT")) return readLayout();
-  if (m_lexer.isKeyword("GROUP") && m_report) m_report->add("group dropped", m_lexer.getLine());
+  if (m_lexer.isKeyword("GROUP") && m_report)
+    m_report->add(ReportCode::GroupDropped, m_lexer.getLine());
   while (m_lexer.read() != 0 && !m_err.HasAnError()) {
   }
 }
@@ -43,7 +44,7 @@ void DroppedObjects::readLayout() {
 void DroppedObjects::tell() const {
   for (const Layout& layout : m_layouts)
     if (m_report && (m_sheets.count(layout.sheet) != 0 || !isUsualName(layout.name)))
-      m_report->add("layout dropped", layout.line, layout.name);
+      m_report->add(ReportCode::LayoutDropped, layout.line, layout.name);
 }
 
 }  // namespace vek0::detail

@@ -55,7 +55,7 @@ IFileDXFIDataSemantor::IFileDXFIDataSemantor(CData& data, CFileDXFIError* err,
       m_hatchRoom(vek0::detail::kHatchesShare * data.getHatchLimit()) {}
 
 // The semantor has no line number for the report.
-void IFileDXFIDataSemantor::note(const char* code, const zim::WString& sample) const {
+void IFileDXFIDataSemantor::note(ReportCode code, const zim::WString& sample) const {
   if (m_options.report) m_options.report->add(code, 0, sample);
 }
 
@@ -162,7 +162,7 @@ const ICADFont* IFileDXFIDataSemantor::getFont(const zim::WString& name) {
   const CFontTable& fonts = CFontTable::getInstance();
   if (!m_options.policy.keepFontNames) return fonts.get(name, true);
   if (const ICADFont* font = fonts.get(name, false)) return font;
-  note("font unknown", name);
+  note(ReportCode::FontUnknown, name);
   return m_data.needFont(name.empty() ? zim::WString(u"txt") : name);
 }
 
@@ -242,7 +242,7 @@ CEntHatch* IFileDXFIDataSemantor::createHatch(CLayer* layer, CLtype* ltype, shor
   std::unique_ptr<CBlock> block = generate(type, scale, rotate, boundary);
   std::unique_ptr<CEntHatch> hatch;
   if (!block) {
-    note("hatch empty", type.name);
+    note(ReportCode::HatchEmpty, type.name);
     hatch.reset(IFileDXFISemantor::createHatch(layer, ltype, colour, type, scale, rotate, boundary,
                                                handle));
   } else {
@@ -323,7 +323,7 @@ void IFileDXFIDataSemantor::dropCircles(CBlock& block, std::list<CEnt*>& entitie
   entities.remove_if([&](CEnt* ent) {
     const CEntInsertBase* insert = ent->getEntInsert();
     if (!insert || !insert->getBlock() || !isCircle(insert->getBlock())) return false;
-    note("insert dropped", insert->getBlock()->getName());
+    note(ReportCode::InsertDropped, insert->getBlock()->getName());
     delete ent;
     return true;
   });
@@ -413,7 +413,7 @@ void IFileDXFIDataSemantor::refill(const CEntHatch& hatch) {
   if (block.size() == 0) {
     const std::unique_ptr<CBlock> fresh = generate(hatch.getHatchType(), hatch.getHatchScale(),
                                                    hatch.getHatchRotate(), hatch.getBoundary());
-    if (!fresh) return note("hatch empty", hatch.getHatchType().name);
+    if (!fresh) return note(ReportCode::HatchEmpty, hatch.getHatchType().name);
     std::list<CEnt*> pieces;
     for (unsigned i = 0; i < fresh->size(); ++i) pieces.push_back((*fresh)[i]);
     fresh->clearEntities();

@@ -41,7 +41,7 @@ void CFileDXFIImportDataSemantor::transition() {
     const std::unordered_set<const CBlock*> inserted = insertedBlocks(data());
     for (CBlock* block : undefined) {
       if (inserted.count(block) != 0)
-        note("block undefined", block->getName());
+        note(ReportCode::BlockUndefined, block->getName());
       else
         dropBlock(*block);
     }
@@ -63,7 +63,7 @@ const zim::WString& CFileDXFIImportDataSemantor::ownName(const zim::WString& fil
   const auto [place, isNew] = m_ownNames.try_emplace(fileName);
   if (isNew) {
     place->second = freeName(prefixOf(fileName));
-    if (!place->second.EqualsIgnoreCase(fileName)) note("block renamed", fileName);
+    if (!place->second.EqualsIgnoreCase(fileName)) note(ReportCode::BlockRenamed, fileName);
   }
   return place->second;
 }
@@ -87,7 +87,7 @@ void CFileDXFIImportDataSemantor::createBlock(const zim::WString& name, const PN
     block = getBlockTable().get(own);
     if (!block) return createFreshBlock(own, base, flags, entities);
     if (isPlaceholder(*block)) return redefineBlock(*block, base, flags, entities);
-    note("block kept", name);
+    note(ReportCode::BlockKept, name);
   }
   discard(entities);
 }

@@ -6,7 +6,7 @@
 #include "vek0core/tables/style.h"
 
 void CFileDXFILoadDataSemantor::transition() {
-  for (const CBlock* block : undefinedBlocks()) note("block undefined", block->getName());
+  for (const CBlock* block : undefinedBlocks()) note(ReportCode::BlockUndefined, block->getName());
   settle();
 }
 

@@ -90,10 +90,20 @@ bool CFileDXFIParser::doLoad() {
 }
 
 void CFileDXFIParser::noteForm() {
-  constexpr const char* codes[] = {nullptr, "binary file", "dwg file", "empty file"};
   const int form = m_lexer.getForm();
-  if (form == CFileDXFIError::TextForm) return;
-  note(codes[form]);
+  switch (form) {
+    case CFileDXFIError::BinaryForm:
+      note(ReportCode::BinaryFile);
+      break;
+    case CFileDXFIError::DwgForm:
+      note(ReportCode::DwgFile);
+      break;
+    case CFileDXFIError::EmptyForm:
+      note(ReportCode::EmptyFile);
+      break;
+    default:
+      return;
+  }
   m_err.SetForm(static_cast<CFileDXFIError::Form>(form));
 }
 
@@ -103,11 +113,11 @@ bool CFileDXFIParser::expect(long code) {
   return !failed();
 }
 
-void CFileDXFIParser::note(const char* code, const zim::WString& sample) const {
+void CFileDXFIParser::note(ReportCode code, const zim::WString& sample) const {
   if (m_options.report) m_options.report->add(code, m_lexer.getLine(), sample);
 }
 
-bool CFileDXFIParser::forgive(const char* code, const zim::WString& sample) {
+bool CFileDXFIParser::forgive(ReportCode code, const zim::WString& sample) {
   if (!isTolerant() || !failed() || m_err.GetErrorType() == CFileDXFIError::GeneralError)
     return false;
   note(code, sample);
@@ -119,11 +129,11 @@ bool CFileDXFIParser::forgive(const char* code, const zim::WString& sample) {
 bool CFileDXFIParser::spareNumber() {
   const CFileDXFIError::TDXFErrors kind = m_err.GetErrorType();
   const bool isNumber = kind == CFileDXFIError::OutOfRange || kind == CFileDXFIError::EmptyNumber;
-  return isNumber &&
-         forgive("number dropped", zim::WString::fromUtf8(std::to_string(getGroupValue())));
+  return isNumber && forgive(ReportCode::NumberDropped,
+                             zim::WString::fromUtf8(std::to_string(getGroupValue())));
 }
 
-bool CFileDXFIParser::recover(const char* code, const zim::WString& sample) {
+bool CFileDXFIParser::recover(ReportCode code, const zim::WString& sample) {
   if (!forgive(code, sample)) return false;
   if (getGroupValue() != 0) readEntityOther();
   return true;
@@ -131,7 +141,7 @@ bool CFileDXFIParser::recover(const char* code, const zim::WString& sample) {
 
 bool CFileDXFIParser::passRecord() {
   if (!isTolerant()) return false;
-  note("record skipped", m_lexer.getText());
+  note(ReportCode::RecordSkipped, m_lexer.getText());
   readEntityOther();
   return true;
 }
@@ -139,7 +149,7 @@ bool CFileDXFIParser::passRecord() {
 bool CFileDXFIParser::atSectionEnd() {
   if (isKeyword("ENDSEC") || m_lexer.isStopped()) return true;
   m_pending = isTolerant() && getGroupValue() == 0 && isPending();
-  if (m_pending) note("section cut");
+  if (m_pending) note(ReportCode::SectionCut);
   return m_pending;
 }
 
@@ -160,7 +170,7 @@ void CFileDXFIParser::readGlobal() {
     if (isKeyword("EOF")) return readEnd();
     m_isDrawing = true;
     readSection();
-    if (recover("section cut", {})) m_pending = true;
+    if (recover(ReportCode::SectionCut, {})) m_pending = true;
     if (failed()) return;
   }
 }
@@ -169,7 +179,7 @@ bool CFileDXFIParser::toSection() {
   nextRecord();
   if (isTolerant() && !m_isDrawing) readFragment();
   while (isTolerant() && !isSectionOrEnd()) {
-    if (getGroupValue() == 0) note("record skipped", m_lexer.getText());
+    if (getGroupValue() == 0) note(ReportCode::RecordSkipped, m_lexer.getText());
     read();
   }
   if (!failed() && !isSectionOrEnd()) fail(CFileDXFIError::WrongStructure);
@@ -199,7 +209,7 @@ void CFileDXFIParser::readFragment() {
 void CFileDXFIParser::readEnd() {
   const bool isForeign = m_lexer.getForm() != CFileDXFIError::TextForm;
   if (isForeign || (m_lexer.isCut() && !m_isDrawing)) return fail(CFileDXFIError::WrongStructure);
-  if (m_lexer.isEncodingOther()) note("encoding differs", m_codePageName);
+  if (m_lexer.isEncodingOther()) note(ReportCode::EncodingDiffers, m_codePageName);
   if (m_pACADVersionLoader && m_pACADVersionLoader->isSheetUsed())
     m_dropped->addSheet(m_activeSheet);
   m_dropped->tell();
@@ -235,7 +245,7 @@ void CFileDXFIParser::readObjects() {
 // A section with an unknown name may contain parts of the drawing.
 void CFileDXFIParser::noteSection() {
   const bool isKnown = isKeyword("OBJECTS") || isKeyword("THUMBNAILIMAGE") || isKeyword("ACDSDATA");
-  note(isKnown ? "section skipped" : "section unknown", m_lexer.getText());
+  note(isKnown ? ReportCode::SectionSkipped : ReportCode::SectionUnknown, m_lexer.getText());
 }
 
 void CFileDXFIParser::readOtherSection() { skipTo("ENDSEC"); }
@@ -300,7 +310,7 @@ void CFileDXFIParser::readBlock() {
   if (m_pACADVersionLoader->leaveBlock()) m_dropped->addSheet(block.owner);
   if (isSheet && block.name.Length() == 1 + kPaperName.size()) m_activeSheet = block.owner;
   if (!failed()) createBlock(block, entities);
-  recover("block dropped", block.name);
+  recover(ReportCode::BlockDropped, block.name);
 }
 
 void CFileDXFIParser::readBlockHeader(BlockHeader& block) {
@@ -349,7 +359,7 @@ void CFileDXFIParser::readBlockEntities(OwnedEntities& entities) {
 bool CFileDXFIParser::isBlockCut() {
   if (m_lexer.isStopped()) return true;
   const bool isCut = isTolerant() && (isKeyword("BLOCK") || isKeyword("ENDSEC") || isPending());
-  if (isCut) note("block cut");
+  if (isCut) note(ReportCode::BlockCut);
   return isCut;
 }
 
@@ -362,7 +372,7 @@ bool CFileDXFIParser::isLayoutName(const zim::WString& name) const {
 void CFileDXFIParser::createBlock(const BlockHeader& block, OwnedEntities& entities) {
   if (block.name.empty()) return fail(CFileDXFIError::WrongStructure);
   if (isLayoutName(block.name)) {
-    if (isTolerant() && !entities.list().empty()) note("block dropped", block.name);
+    if (isTolerant() && !entities.list().empty()) note(ReportCode::BlockDropped, block.name);
     return;
   }
   const bool anonymous = block.name[0] == u'*';
@@ -403,7 +413,7 @@ bool CFileDXFIParser::isTimeToStop() {
                                 !m_options.progress(m_lexer.getLine()));
   const bool tooMany = m_options.maxEntities > 0 && m_entities > m_options.maxEntities;
   if (!m_cancelled && !tooMany) return false;
-  if (tooMany && !m_cancelled) note("limit reached");
+  if (tooMany && !m_cancelled) note(ReportCode::LimitReached);
   m_lexer.stop();
   readEntityOther();
   return true;
@@ -419,7 +429,7 @@ CEnt* CFileDXFIParser::readAnEntity() {
   if (!isTolerant()) return m_pACADVersionLoader->readEntity();
   m_kind = m_lexer.getBytes();
   vek0::detail::EntPtr ent(m_pACADVersionLoader->readEntity());
-  if (failed() && recover("entity dropped", zim::WString::fromUtf8(m_kind)))
+  if (failed() && recover(ReportCode::EntityDropped, zim::WString::fromUtf8(m_kind)))
     m_pACADVersionLoader->getFurther().clear();
   return ent.release();
 }

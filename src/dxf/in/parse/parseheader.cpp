@@ -75,12 +75,12 @@ constexpr Variable<long> kFurtherIntegers[] = {{u"$PDMODE", setPointMode}};
 struct Setting {
   const zim::Char* name;
   long usual;
-  const char* code;
+  ReportCode code;
 };
 constexpr Setting kSettings[] = {
-    {u"$INSUNITS", 0, "unit dropped"},   {u"$MEASUREMENT", 0, "unit dropped"},
-    {u"$LUNITS", 2, "unit dropped"},     {u"$FILLMODE", 1, "setting dropped"},
-    {u"$ATTMODE", 1, "setting dropped"}, {u"$QTEXTMODE", 0, "setting dropped"},
+    {u"$INSUNITS", 0, ReportCode::UnitDropped},   {u"$MEASUREMENT", 0, ReportCode::UnitDropped},
+    {u"$LUNITS", 2, ReportCode::UnitDropped},     {u"$FILLMODE", 1, ReportCode::SettingDropped},
+    {u"$ATTMODE", 1, ReportCode::SettingDropped}, {u"$QTEXTMODE", 0, ReportCode::SettingDropped},
 };
 
 template <class Value, std::size_t count>
@@ -129,7 +129,7 @@ void CFileDXFIParser::readHeaderVariable() {
 }
 
 void CFileDXFIParser::dropVariable(const zim::WString& name) {
-  if (!forgive("variable dropped", name)) return;
+  if (!forgive(ReportCode::VariableDropped, name)) return;
   while (getGroupValue() != 0 && getGroupValue() != 9) read();
 }
 
@@ -180,7 +180,7 @@ void CFileDXFIParser::readHeaderDouble(const zim::WString& name, const double (&
   m_dimStyles->takeVariable(name, value[0]);
   if (zim::equalsIgnoreCase(name, u"$INSBASE")) {
     m_insertionBase = PNT_3D(value[0], value[1], value[2]);
-    if (m_insertionBase != PNT_3D(0, 0, 0)) noteSetting("setting dropped", name);
+    if (m_insertionBase != PNT_3D(0, 0, 0)) noteSetting(ReportCode::SettingDropped, name);
   }
   if (!m_semantor.shouldReadHeaders()) return;
   setVariable(kRealVariables, name, *m_semantor.getVars(), value);
@@ -200,7 +200,7 @@ void CFileDXFIParser::readHeaderLong(const zim::WString& name, long value) {
 }
 
 // When importing, the drawing keeps its own.
-void CFileDXFIParser::noteSetting(const char* code, const zim::WString& name) {
+void CFileDXFIParser::noteSetting(ReportCode code, const zim::WString& name) {
   if (m_semantor.shouldReadHeaders()) note(code, name);
 }
 
@@ -213,7 +213,7 @@ void CFileDXFIParser::takeVersion(const zim::WString& name) {
       m_version = static_cast<short>(i + 1);
       return;
     }
-  if (isTolerant() && !isReadVersion(name)) return note("version unknown", name);
+  if (isTolerant() && !isReadVersion(name)) return note(ReportCode::VersionUnknown, name);
   if (isTolerant()) return;
   if (name.Length() != 6 || name.view().substr(0, 4) != u"AC10")
     return fail(CFileDXFIError::OutOfRange);

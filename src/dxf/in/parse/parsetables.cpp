@@ -29,7 +29,7 @@ void CFileDXFIParser::readTables() {
     if (atSectionEnd()) return;
     if (isKeyword("TABLE")) {
       readTable();
-      if (recover("table cut", {})) m_pending = true;
+      if (recover(ReportCode::TableCut, {})) m_pending = true;
     } else {
       m_pending = passRecord();
       if (!m_pending) fail(CFileDXFIError::WrongStructure);
@@ -60,10 +60,10 @@ void CFileDXFIParser::readEntries(std::string_view keyword, ReadEntry readEntry)
   while (!failed() && !isKeyword("ENDTAB")) {
     if (isKeyword(keyword)) {
       (this->*readEntry)();
-      recover("entry dropped", zim::WString::fromUtf8(keyword));
+      recover(ReportCode::EntryDropped, zim::WString::fromUtf8(keyword));
     } else if (isTolerant() && (isKeyword("TABLE") || isKeyword("ENDSEC") || isPending())) {
       m_pending = true;
-      return note("table cut", zim::WString::fromUtf8(keyword));
+      return note(ReportCode::TableCut, zim::WString::fromUtf8(keyword));
     } else if (!passRecord()) {
       return fail(CFileDXFIError::WrongStructure);
     }
@@ -111,7 +111,7 @@ void CFileDXFIParser::readLayerPair(long code, LayerEntry& layer) {
       const bool inRange = colour != 0 && colour >= -255 && colour <= 255;
       if (!inRange && !isTolerant()) return fail(CFileDXFIError::OutOfRange);
       if (!inRange) {
-        note("color replaced", m_lexer.getText());
+        note(ReportCode::ColorReplaced, m_lexer.getText());
         colour = colour < 0 ? -kWhite : kWhite;
       }
       layer.off = colour < 0;
@@ -134,19 +134,19 @@ void CFileDXFIParser::leaveOutOfLayer(long code, LayerEntry& layer) {
     const RGB_COLOR color = unpackColor(getInt() & mask);
     if (failed()) return;
     layer.trueColour = nearestPaletteColor(color);
-    return note("color approximated", u"LAYER");
+    return note(ReportCode::ColorApproximated, u"LAYER");
   }
   const bool isWeight = code == weight && vek0::detail::parseLong(m_lexer.getBytes()) >= 0;
   const bool isHidden = code == notPlotted && vek0::detail::parseLong(m_lexer.getBytes()) == 0 &&
                         !zim::equalsIgnoreCase(layer.name, u"DEFPOINTS");
   if (isWeight || isHidden || code == trueColor)
-    note("code dropped", zim::WString::fromUtf8("LAYER " + std::to_string(code)));
+    note(ReportCode::CodeDropped, zim::WString::fromUtf8("LAYER " + std::to_string(code)));
 }
 
 long CFileDXFIParser::readFlags() {
   const long flags = getInt();
   if (flags >= 0 || failed() || !isTolerant()) return flags;
-  note("flags replaced", m_lexer.getText());
+  note(ReportCode::FlagsReplaced, m_lexer.getText());
   return 0;
 }
 
@@ -172,7 +172,7 @@ void CFileDXFIParser::placeLayer(const LayerEntry& layer) {
   if (scomposeName(layer.name, xref, local))
     return m_semantor.createLayerXRef(xref, local, layer.ltype, layer.colour, flags);
   if (!isTolerant()) return fail(CFileDXFIError::WrongStructure);
-  note("flags replaced", layer.name);
+  note(ReportCode::FlagsReplaced, layer.name);
   m_semantor.createLayer(layer.name, layer.ltype, layer.colour, flags & ~kOfXRef);
 }
 
@@ -182,7 +182,7 @@ void CFileDXFIParser::settleLayers() {
     if (CLtype* ltype = m_semantor.getLtype(name))
       layer->setLtype(ltype);
     else
-      note("linetype unknown", name);
+      note(ReportCode::LinetypeUnknown, name);
   }
   m_unsettled.clear();
 }
@@ -246,7 +246,7 @@ void CFileDXFIParser::takeStyleNumber(double least, double most, StyleEntry& sty
     if (style.rangeLine == 0) style.rangeLine = m_lexer.getLine();
     return;
   }
-  note("number replaced", m_lexer.getText());
+  note(ReportCode::NumberReplaced, m_lexer.getText());
   // Programs write a width of 0 if they have none.
   target = number == 0 && least > 0 ? 1 : std::clamp(number, least, most);
 }
@@ -285,7 +285,7 @@ void CFileDXFIParser::readDimStyleEntry() {
     spareNumber();
   }
   if (!zim::equalsIgnoreCase(name, u"STANDARD") || !style.isDefault())
-    note("dimension style dropped", name);
+    note(ReportCode::DimensionStyleDropped, name);
   m_dimStyles->add(name, style);
 }
 

@@ -197,8 +197,8 @@ void ClipReader::settle(long line, std::uint64_t dictionary, INSERT_CLIP& clip, 
   if (!isLost && !(filter && filter->isOn)) return;
   std::vector<PNT_2D> boundary;
   if (isLost || isInverted(*filter) || !filter->place(boundary) || boundary.size() > room)
-    return m_records.noteAt(line, "clip ignored", u"INSERT");
-  if (filter->hasDepth) m_records.noteAt(line, "clip ignored", u"depth");
+    return m_records.noteAt(line, ReportCode::ClipIgnored, u"INSERT");
+  if (filter->hasDepth) m_records.noteAt(line, ReportCode::ClipIgnored, u"depth");
   room -= boundary.size();
   clip.boundary = std::move(boundary);
 }

@@ -56,7 +56,7 @@ EntPtr read3DFace(RecordReader& in) {
   if (!in.read(asked)) return nullptr;
   const Record& r = in.record();
   const long fourth = r.seen.has(13) && r.seen.has(23) ? 3 : 2;
-  if (fourth == 2) in.note("code missing");
+  if (fourth == 2) in.note(ReportCode::CodeMissing);
   return in.built(in.factory().createEnt3DFace(in.gestor(), r.layer, r.ltype, r.color, r.point(0),
                                                r.point(1), r.point(2), r.point(fourth),
                                                r.integer(70), r.handle));
@@ -115,13 +115,13 @@ constexpr Reader kReaders[] = {
     {"LARGE_RADIAL_DIMENSION", EntityKinds::All, one<readDimension>},
 };
 
-// The report code for a record that is not read; null if nothing is lost. Parts follow an entity
+// The report code for a record that is not read; none if nothing is lost. Parts follow an entity
 // that was dropped.
-const char* lossOf(const CFileDXFILexer& lexer, EntityKinds kinds) {
-  if (kinds != EntityKinds::All) return "kind skipped";
-  if (lexer.isKeyword("SEQEND")) return nullptr;
+std::optional<ReportCode> lossOf(const CFileDXFILexer& lexer, EntityKinds kinds) {
+  if (kinds != EntityKinds::All) return ReportCode::KindSkipped;
+  if (lexer.isKeyword("SEQEND")) return std::nullopt;
   const bool isPart = lexer.isKeyword("VERTEX") || lexer.isKeyword("ATTRIB");
-  return isPart ? "record skipped" : "kind skipped";
+  return isPart ? ReportCode::RecordSkipped : ReportCode::KindSkipped;
 }
 
 const Reader* findReader(const CFileDXFILexer& lexer, EntityKinds kinds) {
@@ -141,18 +141,18 @@ EntPtr EntityReader::read(EntityKinds kinds) {
     const bool inPlane = reader->since != EntityKinds::All;
     return isLeftOut() ? nullptr : inPlane ? placed(std::move(ent)) : std::move(ent);
   }
-  const char* loss = lossOf(records.lexer(), kinds);
+  const std::optional<ReportCode> loss = lossOf(records.lexer(), kinds);
   if (kinds == EntityKinds::All) {
     skipKind(loss);
   } else {
-    if (loss) records.note(loss, records.lexer().getText());
+    if (loss) records.note(*loss, records.lexer().getText());
     records.skip();
   }
   return nullptr;
 }
 
 // Viewport number 1 is the sheet itself.
-void EntityReader::skipKind(const char* loss) {
+void EntityReader::skipKind(std::optional<ReportCode> loss) {
   constexpr long space = 67, number = 69;
   const zim::WString kind = records.lexer().getText();
   const long line = records.lexer().getLine();
@@ -165,7 +165,8 @@ void EntityReader::skipKind(const char* loss) {
   }
   if (!loss || isSheet) return;
   const bool isElsewhere = isOtherSpace(onPaper);
-  records.noteAt(line, isElsewhere ? "on paper" : loss, isElsewhere ? records.sheet : kind);
+  records.noteAt(line, isElsewhere ? ReportCode::OnPaper : *loss,
+                 isElsewhere ? records.sheet : kind);
 }
 
 // Entities on a layout's sheet are not in model space and vice versa; blocks belong to both,
@@ -176,9 +177,9 @@ bool EntityReader::isLeftOut() {
   const bool isElsewhere = isOtherSpace(frame.onPaper);
   if (!isElsewhere && !frame.isInvisible) return false;
   if (isElsewhere)
-    records.note("on paper", records.sheet);
+    records.note(ReportCode::OnPaper, records.sheet);
   else
-    records.note("entity invisible");
+    records.note(ReportCode::EntityInvisible);
   records.further.clear();
   return true;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 #include "dxf/in/convert/curvereaders.h"
@@ -8,6 +9,7 @@
 #include "dxf/in/records/clipreader.h"
 #include "dxf/in/records/hatchreader.h"
 #include "dxf/in/records/polylinereader.h"
+#include "vek0core/files/reportcode.h"
 
 namespace vek0::detail {
 
@@ -32,7 +34,7 @@ class EntityReader {
   ClipReader clips{records};
 
  private:
-  void skipKind(const char* loss);
+  void skipKind(std::optional<ReportCode> loss);
   bool isLeftOut();
   bool isOtherSpace(bool onPaper);
   EntPtr placed(EntPtr ent);

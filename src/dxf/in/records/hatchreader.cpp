@@ -72,7 +72,7 @@ EntPtr HatchReader::readMpolygon() {
   const PatternRecord pattern = patternRecord();
   const bool isHatched = !m_in.failed() && (pattern.solid || !pattern.lines.empty());
   if (isHatched && isOutlined(pattern))
-    m_in.note("hatch as outline", pattern.name);
+    m_in.note(ReportCode::HatchAsOutline, pattern.name);
   else if (EntPtr hatch = isHatched ? build() : nullptr)
     built.push_back(std::move(hatch));
   return handOver(m_in, std::move(built), u"MPOLYGON");
@@ -88,13 +88,13 @@ bool HatchReader::readRecord() {
   const bool complete = m_in.read(m_isMpolygon ? mpolygon : hatch, HatchCodes(), 2,
                                   [this](long code) { takeGroup(code); });
   m_curveRoom -= room - m_loop.getCurveRoom();
-  if (complete && m_loop.isCoarse()) m_in.note("hatch coarse");
+  if (complete && m_loop.isCoarse()) m_in.note(ReportCode::HatchCoarse);
   return complete;
 }
 
 void HatchReader::takeGroup(long code) {
   if (code == kGradient) {
-    if (m_in.lexer().getInt() != 0 && !m_in.failed()) m_in.note("gradient dropped");
+    if (m_in.lexer().getInt() != 0 && !m_in.failed()) m_in.note(ReportCode::GradientDropped);
     return;
   }
   if (code == kPatternLineCount) return readPatternLines();
@@ -186,8 +186,8 @@ void HatchReader::readLoops() {
     m_loop.clear();
     if (readLoop()) {
       const bool closed = m_loop.empty() || m_loop.build(m_rings);
-      if (!closed || m_refused) m_in.note("hatch open");
-    } else if (!m_in.spareNumber("loop dropped")) {
+      if (!closed || m_refused) m_in.note(ReportCode::HatchOpen);
+    } else if (!m_in.spareNumber(ReportCode::LoopDropped)) {
       return;
     } else {
       toNextLoop();
@@ -368,7 +368,7 @@ void HatchReader::placeInWorld() {
       pnt = axes.toWorld(pnt);
       pnt.z = z;
     }
-  if (!axes.isMirrored()) m_in.note("extrusion ignored", u"HATCH");
+  if (!axes.isMirrored()) m_in.note(ReportCode::ExtrusionIgnored, u"HATCH");
 }
 
 // The remaining rings, at the height of the hatch; false if there are none.
@@ -376,8 +376,8 @@ bool HatchReader::finishRings() {
   const Record& r = m_in.record();
   const long style = r.integer(75);
   if ((style == 1 || style == 2) && !applyHatchStyle(m_rings, static_cast<HatchStyle>(style)))
-    m_in.note("hatch islands");
-  if (m_rings.empty()) m_in.note("hatch dropped");
+    m_in.note(ReportCode::HatchIslands);
+  if (m_rings.empty()) m_in.note(ReportCode::HatchDropped);
   for (HATCH_RING& ring : m_rings)
     for (PNT_3D& pnt : ring) pnt.z = r.real(30);
   if (!m_rings.empty()) placeInWorld();

@@ -14,7 +14,7 @@
 namespace vek0::detail {
 namespace {
 
-void noteDropped(const RecordReader& in) { in.note("code dropped", u"1001"); }
+void noteDropped(const RecordReader& in) { in.note(ReportCode::CodeDropped, u"1001"); }
 
 void takeExtended(const RecordReader& in, HatchData& data) {
   if (!data.take(in.lexer()) && in.lexer().getGroupValue() == 1001) noteDropped(in);
@@ -25,7 +25,7 @@ void takeExtended(const RecordReader& in, HatchData& data) {
 double scale(const RecordReader& in, long code) {
   const double value = in.record().real(code, 1);
   if (value != 0 || !in.isTolerant()) return value;
-  in.note("number replaced", u"0");
+  in.note(ReportCode::NumberReplaced, u"0");
   return 1;
 }
 
@@ -49,7 +49,7 @@ CEntInsert* createInsert(RecordReader& in, CBlock& block) {
 void readAttribs(RecordReader& in, CEntInsertBase& insert) {
   while (!in.lexer().isKeyword("SEQEND")) {
     if (!in.lexer().isKeyword("ATTRIB")) {
-      if (in.isTolerant()) return in.note("sequence cut", u"INSERT");
+      if (in.isTolerant()) return in.note(ReportCode::SequenceCut, u"INSERT");
       return in.fail(CFileDXFIError::WrongStructure);
     }
     std::unique_ptr<CEntAttrib> attrib = readAttrib(in);

@@ -72,7 +72,7 @@ void LtypeReader::takePair(long code, Entry& entry) {
 void LtypeReader::takeFlags(Entry& entry) {
   entry.flags = m_context.lexer.getInt() & ~kReferenced;
   if (!isTolerant() || entry.flags >= 0) return;
-  m_context.note("flags replaced", m_context.lexer.getText());
+  m_context.note(ReportCode::FlagsReplaced, m_context.lexer.getText());
   entry.flags = 0;
 }
 
@@ -80,7 +80,7 @@ void LtypeReader::takeAlignment() {
   const long alignment = integer();
   if (failed() || alignment == kAlignment) return;
   if (!isTolerant()) return fail(CFileDXFIError::WrongStructure);
-  m_context.note("number replaced", u"72");
+  m_context.note(ReportCode::NumberReplaced, u"72");
 }
 
 // Dashes can be counted: an invalid count loses nothing.
@@ -169,7 +169,7 @@ void LtypeReader::takeElement(long type, Entry& entry) {
   if ((type & kTextDash) != 0)
     entry.sequence.AddDashText(TEXT_3D(context, m_context.semantor.getStyleStandard(), x, y, 0, 0));
   else
-    m_context.note("shape dropped", {});
+    m_context.note(ReportCode::ShapeDropped, {});
 }
 
 // If the number is invalid, the element keeps its value.
@@ -208,7 +208,7 @@ void LtypeReader::skipShape() {
     m_context.lexer.checkNumber();
   }
   if (m_context.err.HasAnError()) return;
-  m_context.note("shape dropped", {});
+  m_context.note(ReportCode::ShapeDropped, {});
 }
 
 bool LtypeReader::expect(long code) {
@@ -228,14 +228,14 @@ void LtypeReader::create(Entry& entry) {
   for (const zim::Char* fixed : {u"continuous", u"byblock", u"bylayer"})
     if (zim::equalsIgnoreCase(entry.name, fixed)) return;
   if (isTolerant() && std::max(entry.announced, 0L) != entry.dashes)
-    m_context.note("number replaced", u"73");
+    m_context.note(ReportCode::NumberReplaced, u"73");
   if ((entry.flags & kOfXRef) == 0)
     return semantor.createLtype(entry.name, entry.description, entry.sequence, entry.flags);
   zim::WString xref, local;
   if (scomposeName(entry.name, xref, local))
     return semantor.createLtypeXRef(xref, local, entry.description, entry.sequence, entry.flags);
   if (!isTolerant()) return fail(CFileDXFIError::WrongStructure);
-  m_context.note("flags replaced", entry.name);
+  m_context.note(ReportCode::FlagsReplaced, entry.name);
   semantor.createLtype(entry.name, entry.description, entry.sequence, entry.flags & ~kOfXRef);
 }
 

@@ -78,7 +78,7 @@ bool PolylineReader::curve(short& type, short& degree) const {
       m_in.fail(CFileDXFIError::OutOfRange);
       return false;
     }
-    m_in.note("number replaced", u"75");
+    m_in.note(ReportCode::NumberReplaced, u"75");
   }
   if ((m_head.flags & kSplined) != 0) {
     type = surface == kBezier ? CEntPolyline::kBezier : CEntPolyline::kSpline;
@@ -96,7 +96,7 @@ bool PolylineReader::readVertexes() {
   while (!m_in.lexer().isKeyword("SEQEND")) {
     if (!m_in.lexer().isKeyword("VERTEX")) {
       if (m_in.isTolerant()) {
-        m_in.note("sequence cut", u"POLYLINE");
+        m_in.note(ReportCode::SequenceCut, u"POLYLINE");
         return true;
       }
       m_in.fail(CFileDXFIError::WrongStructure);
@@ -179,7 +179,7 @@ EntPtr PolylineReader::buildCurve(short type, short degree) {
   std::vector<BULGED_VERTEX> controls, fitted;
   splitCurve(type, controls, fitted);
   if (controls.size() < 2) {
-    m_in.note("curve without frame");
+    m_in.note(ReportCode::CurveWithoutFrame);
     return buildPlain();
   }
   auto polyline = create(static_cast<short>((m_head.flags & (kClosed | kLtGen)) | type), degree);
@@ -203,7 +203,7 @@ void PolylineReader::addFitted(CEntPolyline& polyline, const std::vector<BULGED_
   BulgedChain chain(polyline.isClosed());
   chain.assign(fitted.data(), fitted.size());
   if (chain.size() - fitted.size() > m_fittedLeft) {
-    m_in.note("arcs straightened");
+    m_in.note(ReportCode::ArcsStraightened);
     std::vector<BULGED_VERTEX> straight(fitted);
     for (BULGED_VERTEX& vertex : straight) vertex.bulge = 0;
     chain.assign(straight.data(), straight.size());
@@ -236,7 +236,7 @@ EntPtr PolylineReader::buildMesh() {
   if (n < 2 || static_cast<std::size_t>(n) > points.size()) return firstFace();
   const auto columns = static_cast<std::size_t>(n), rows = points.size() / columns;
   if (wantedM < 0 || static_cast<std::size_t>(wantedM) != rows || points.size() % columns != 0)
-    m_in.note("mesh incomplete");
+    m_in.note(ReportCode::MeshIncomplete);
   const std::size_t lastRow = (m_head.flags & kClosed) != 0 ? rows : rows - 1;
   const std::size_t lastColumn = (m_head.flags & kClosedN) != 0 ? columns : columns - 1;
   const Face look{{}, m_head.layer, m_head.ltype, m_head.color};
@@ -266,7 +266,7 @@ void PolylineReader::addPolyfaceFace(const Face& face) {
     if (index == 0 && i >= 2) {
       corners[i] = corners[i - 1];
     } else if (index == 0 || index > m_vertexes.size()) {
-      m_in.note("mesh incomplete");
+      m_in.note(ReportCode::MeshIncomplete);
       return;
     } else {
       corners[i] = at(index - 1);
@@ -277,7 +277,7 @@ void PolylineReader::addPolyfaceFace(const Face& face) {
 
 void PolylineReader::addFace(const Face& look, const PNT_3D (&corners)[4], long hiddenEdges) {
   if (!std::all_of(std::begin(corners), std::end(corners), isSomewhere))
-    return m_in.note("mesh incomplete");
+    return m_in.note(ReportCode::MeshIncomplete);
   if (EntPtr face = m_in.built(m_in.factory().createEnt3DFace(
           m_in.gestor(), look.layer, look.ltype, look.color, corners[0], corners[1], corners[2],
           corners[3], hiddenEdges, 0)))
@@ -289,7 +289,7 @@ EntPtr PolylineReader::firstFace() {
   std::vector<EntPtr> faces = std::move(m_built);
   m_built.clear();
   if (m_in.failed()) return nullptr;
-  m_in.note(faces.empty() ? "mesh incomplete" : "mesh as faces");
+  m_in.note(faces.empty() ? ReportCode::MeshIncomplete : ReportCode::MeshAsFaces);
   if (faces.empty()) return nullptr;
   for (std::size_t i = 1; i < faces.size(); ++i) m_in.further.push_back(std::move(faces[i]));
   return std::move(faces.front());
@@ -348,7 +348,7 @@ bool PolylineReader::finishLwPolyline() {
       m_in.fail(CFileDXFIError::InconsistentRecord);
       return false;
     }
-    m_in.note("number replaced", u"90");
+    m_in.note(ReportCode::NumberReplaced, u"90");
   }
   m_head = {r.layer, r.ltype, r.color, r.handle, r.integer(70), 0, 0, 0, 0, 0, 0, 0, 0};
   const double z = r.real(38), width = r.real(43);

@@ -55,7 +55,7 @@ CTextContext context(RecordReader& in, const zim::WString& string) {
   if (in.isTolerant() && !(c.getHeight() > 0)) {
     const double fixed = r.style ? r.style->getFixedHeight() : 0;
     c.setHeight(c.getHeight() < 0 ? -c.getHeight() : fixed > 0 ? fixed : 1);
-    in.note("number replaced", u"40");
+    in.note(ReportCode::NumberReplaced, u"40");
   }
   c.setWidthScale(r.real(41, 1));
   c.setOblique(r.real(51) * kRadiansPerDegree);
@@ -79,7 +79,7 @@ TEXT_3D placedText(RecordReader& in, const zim::WString& string, long verticalCo
   TEXT_3D text(c, style, at.x, at.y, at.z, 0);
   if (stretched && r.seen.has(11)) {
     stretch(horizontal, r.point(0), r.point(1), text);
-    in.note("text fitted", string);
+    in.note(ReportCode::TextFitted, string);
   } else if (!stretched) {
     text.setAlign(horizontal == kMiddle ? text.findJustify(1, kVertMiddle)
                                         : text.findJustify(horizontal, vertical));

@@ -8,6 +8,7 @@
 
 #include "vek0core/dxf/in/filedxfioptions.h"
 #include "vek0core/dxf/in/filedxfisemantor.h"
+#include "vek0core/files/reportcode.h"
 #include "vek0core/tables/handle.h"
 
 class CBlockXRef;
@@ -95,7 +96,7 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
 
   /// Deletes entities that could not be placed.
   static void discard(std::list<CEnt*>& entities);
-  void note(const char* code, const zim::WString& sample) const;
+  void note(ReportCode code, const zim::WString& sample) const;
 
  private:
   struct Placeholder {

@@ -12,6 +12,7 @@
 #include "vek0core/dxf/in/filedxfioptions.h"
 #include "vek0core/dxf/in/filedxfisemantor.h"
 #include "vek0core/export.h"
+#include "vek0core/files/reportcode.h"
 #include "vek0core/geometry/pnt.h"
 #include "vek0core/tables/handle.h"
 #include "zim0lang/wstring.h"
@@ -116,7 +117,7 @@ class VEK0_API CFileDXFIParser {
   using ReadSection = void (CFileDXFIParser::*)();
 
   void RealizeVersion();
-  void noteSetting(const char* code, const zim::WString& name);
+  void noteSetting(ReportCode code, const zim::WString& name);
   void takeVersion(const zim::WString& name);
   void takeCodePage();
   void noteForm();
@@ -164,11 +165,11 @@ class VEK0_API CFileDXFIParser {
   bool isTolerant() const { return m_options.policy.tolerant; }
   /// Under the tolerant policy, downgrades an error to a report entry; false if there was none, or
   /// a fatal one.
-  bool forgive(const char* code, const zim::WString& sample);
+  bool forgive(ReportCode code, const zim::WString& sample);
   /// The same for an error in the current value, which is not a number: the pair is dropped.
   bool spareNumber();
   /// The same for an error in a record; continues with the next record.
-  bool recover(const char* code, const zim::WString& sample);
+  bool recover(ReportCode code, const zim::WString& sample);
   /// Under the tolerant policy, skips the current record, which is misplaced, whether or not there
   /// is an error.
   bool passRecord();
@@ -176,7 +177,7 @@ class VEK0_API CFileDXFIParser {
   /// file, does so under the tolerant policy and is left for `nextRecord`.
   bool atSectionEnd();
   bool isPending() const { return isKeyword("SECTION") || isKeyword("EOF"); }
-  void note(const char* code, const zim::WString& sample = {}) const;
+  void note(ReportCode code, const zim::WString& sample = {}) const;
 
   bool failed() const { return m_err.HasAnError(); }
   void fail(CFileDXFIError::TDXFErrors kind) { m_err.SetError(kind); }
