@@ -1,51 +1,31 @@
 #include "vek0core/dxf/in/parse/filedxfiparser.h"
 
-#include <list>
 #include <new>
-#include <utility>
 
-#include "dxf/in/convert/dimstyles.h"
+#include "dxf/in/parse/blockssection.h"
 #include "dxf/in/parse/droppedobjects.h"
-#include "dxf/in/parse/filedxfiversionloader.h"
-#include "files/number.h"
-#include "vek0core/assert.h"
-#include "vek0core/drawing/datavariables.h"
-#include "vek0core/entities/blocks/block.h"
-#include "vek0core/entities/blocks/blocktable.h"
+#include "dxf/in/parse/entitiessection.h"
+#include "dxf/in/parse/headersection.h"
+#include "dxf/in/parse/sectioninput.h"
+#include "dxf/in/parse/tablessection.h"
 #include "vek0core/files/file.h"
-#include "vek0core/files/report.h"
 #include "vek0core/files/textcodec.h"
 
-namespace {
+/// The readers of the sections, which the parser calls in the order of the file.
+struct CFileDXFIParser::Sections {
+  Sections(CFileDXFILexer& lexer, IFileDXFISemantor& semantor, CFileDXFIError& err,
+           const CFileDXFIOptions& options)
+      : in(lexer, semantor, err, options),
+        dropped(lexer, err, options.report),
+        entities(in, options) {}
 
-constexpr long kXRefBlock = 4;  // of a block's flags
-
-// Names of the layout blocks, without their first letter: their content is not drawn.
-constexpr std::u16string_view kModelName = u"model_space", kPaperName = u"paper_space";
-
-bool isLayout(const zim::WString& name, std::u16string_view layout) {
-  return !name.empty() && zim::equalsIgnoreCase(name.view().substr(1, layout.size()), layout);
-}
-
-}  // namespace
-
-/// Owns entities between reading and their block: deletes them unless they are taken.
-class CFileDXFIParser::OwnedEntities {
- public:
-  OwnedEntities() = default;
-  OwnedEntities(const OwnedEntities&) = delete;
-  OwnedEntities& operator=(const OwnedEntities&) = delete;
-  ~OwnedEntities() {
-    for (CEnt* ent : m_list) delete ent;
-  }
-  void take(vek0::detail::EntPtr ent) {
-    m_list.push_back(nullptr);
-    m_list.back() = ent.release();
-  }
-  std::list<CEnt*>& list() { return m_list; }
-
- private:
-  std::list<CEnt*> m_list;
+  vek0::detail::SectionInput in;
+  vek0::detail::DimStyles dimStyles;
+  vek0::detail::DroppedObjects dropped;
+  vek0::detail::HeaderSection header{in, dimStyles};
+  vek0::detail::TablesSection tables{in, dimStyles};
+  vek0::detail::EntitiesSection entities;
+  vek0::detail::BlocksSection blocks{in, entities, dropped};
 };
 
 CFileDXFIParser::CFileDXFIParser(IFile& file, IFileDXFISemantor& semantor, CEntFactory& factory,
@@ -56,15 +36,26 @@ CFileDXFIParser::CFileDXFIParser(IFile& file, IFileDXFISemantor& semantor, CEntF
       m_semantor(semantor),
       m_options(options),
       m_factory(factory),
-      m_dimStyles(std::make_unique<vek0::detail::DimStyles>()),
-      m_dropped(std::make_unique<vek0::detail::DroppedObjects>(m_lexer, m_err, options.report)) {
+      m_sections(std::make_unique<Sections>(m_lexer, semantor, m_err, m_options)) {
   m_lexer.setReport(options.report);
   m_lexer.refuseJunk();
-  if (isTolerant()) m_lexer.setTolerant();
+  if (options.policy.tolerant) m_lexer.setTolerant();
   if (options.codePage != kCodePageAuto) m_lexer.fixCodePage(options.codePage);
 }
 
 CFileDXFIParser::~CFileDXFIParser() = default;
+
+bool CFileDXFIParser::isCancelled() const { return m_sections->entities.isCancelled(); }
+const zim::WString& CFileDXFIParser::getVersionName() const {
+  return m_sections->header.getVersionName();
+}
+long CFileDXFIParser::getUnits() const { return m_sections->header.getUnits(); }
+long CFileDXFIParser::getMeasurement() const { return m_sections->header.getMeasurement(); }
+const PNT_3D& CFileDXFIParser::getInsertionBase() const {
+  return m_sections->header.getInsertionBase();
+}
+
+// -- the file ------------------------------------------------------------------
 
 bool CFileDXFIParser::load() {
   if (!m_file.open()) return false;
@@ -72,364 +63,186 @@ bool CFileDXFIParser::load() {
   const bool done = doLoad();
   m_file.close();
   m_semantor.transition();
-  return done && !failed();
+  return done && !m_err.HasAnError();
 }
 
 bool CFileDXFIParser::doLoad() {
   try {
     readGlobal();
   } catch (const std::bad_alloc&) {
-    fail(CFileDXFIError::GeneralError);
+    m_err.SetError(CFileDXFIError::GeneralError);
   }
-  if (!failed()) return true;
+  if (!m_err.HasAnError()) return true;
   noteForm();
   m_err.SetFileName(m_file.getName());
-  m_err.SetErrorLine(m_faultLine != 0 ? m_faultLine : m_lexer.getLine());
+  m_err.SetErrorLine(m_sections->in.faultLine());
   m_semantor.unrecovableError();
   return false;
 }
 
 void CFileDXFIParser::noteForm() {
-  const int form = m_lexer.getForm();
+  const auto form = static_cast<CFileDXFIError::Form>(m_lexer.getForm());
   switch (form) {
+    case CFileDXFIError::TextForm:
+      return;
     case CFileDXFIError::BinaryForm:
-      note(ReportCode::BinaryFile);
+      m_sections->in.note(ReportCode::BinaryFile);
       break;
     case CFileDXFIError::DwgForm:
-      note(ReportCode::DwgFile);
+      m_sections->in.note(ReportCode::DwgFile);
       break;
     case CFileDXFIError::EmptyForm:
-      note(ReportCode::EmptyFile);
+      m_sections->in.note(ReportCode::EmptyFile);
       break;
-    default:
-      return;
   }
-  m_err.SetForm(static_cast<CFileDXFIError::Form>(form));
+  m_err.SetForm(form);
 }
-
-bool CFileDXFIParser::expect(long code) {
-  const long found = read();
-  if (!failed() && found != code) fail(CFileDXFIError::WrongStructure);
-  return !failed();
-}
-
-void CFileDXFIParser::note(ReportCode code, const zim::WString& sample) const {
-  if (m_options.report) m_options.report->add(code, m_lexer.getLine(), sample);
-}
-
-bool CFileDXFIParser::forgive(ReportCode code, const zim::WString& sample) {
-  if (!isTolerant() || !failed() || m_err.GetErrorType() == CFileDXFIError::GeneralError)
-    return false;
-  note(code, sample);
-  m_err = CFileDXFIError();
-  m_faultLine = 0;
-  return true;
-}
-
-bool CFileDXFIParser::spareNumber() {
-  const CFileDXFIError::TDXFErrors kind = m_err.GetErrorType();
-  const bool isNumber = kind == CFileDXFIError::OutOfRange || kind == CFileDXFIError::EmptyNumber;
-  return isNumber && forgive(ReportCode::NumberDropped,
-                             zim::WString::fromUtf8(std::to_string(getGroupValue())));
-}
-
-bool CFileDXFIParser::recover(ReportCode code, const zim::WString& sample) {
-  if (!forgive(code, sample)) return false;
-  if (getGroupValue() != 0) readEntityOther();
-  return true;
-}
-
-bool CFileDXFIParser::passRecord() {
-  if (!isTolerant()) return false;
-  note(ReportCode::RecordSkipped, m_lexer.getText());
-  readEntityOther();
-  return true;
-}
-
-bool CFileDXFIParser::atSectionEnd() {
-  if (isKeyword("ENDSEC") || m_lexer.isStopped()) return true;
-  m_pending = isTolerant() && getGroupValue() == 0 && isPending();
-  if (m_pending) note(ReportCode::SectionCut);
-  return m_pending;
-}
-
-void CFileDXFIParser::nextRecord() {
-  if (!std::exchange(m_pending, false)) read();
-}
-
-bool CFileDXFIParser::atRecord() {
-  if (isTolerant() && getGroupValue() != 0) readEntityOther();
-  if (!failed() && getGroupValue() != 0) fail(CFileDXFIError::WrongStructure);
-  return !failed();
-}
-
-// -- the file ------------------------------------------------------------------
 
 void CFileDXFIParser::readGlobal() {
+  vek0::detail::SectionInput& in = m_sections->in;
   while (toSection()) {
-    if (isKeyword("EOF")) return readEnd();
+    if (in.isKeyword("EOF")) return readEnd();
     m_isDrawing = true;
     readSection();
-    if (recover(ReportCode::SectionCut, {})) m_pending = true;
-    if (failed()) return;
+    if (in.recover(ReportCode::SectionCut, {})) in.keepRecord();
+    if (in.failed()) return;
   }
 }
 
 bool CFileDXFIParser::toSection() {
-  nextRecord();
-  if (isTolerant() && !m_isDrawing) readFragment();
-  while (isTolerant() && !isSectionOrEnd()) {
-    if (getGroupValue() == 0) note(ReportCode::RecordSkipped, m_lexer.getText());
-    read();
+  vek0::detail::SectionInput& in = m_sections->in;
+  in.nextRecord();
+  if (in.isTolerant()) seekSection();
+  if (!in.failed() && !isSectionOrEnd()) in.fail(CFileDXFIError::WrongStructure);
+  return !in.failed();
+}
+
+void CFileDXFIParser::seekSection() {
+  vek0::detail::SectionInput& in = m_sections->in;
+  if (!m_isDrawing && !m_sections->entities.hasAdded()) readFragment();
+  while (!isSectionOrEnd()) {
+    if (in.code() == 0) in.note(ReportCode::RecordSkipped, m_lexer.getText());
+    in.read();
   }
-  if (!failed() && !isSectionOrEnd()) fail(CFileDXFIError::WrongStructure);
-  return !failed();
 }
 
 // The line that begins a section may be damaged: its name identifies it as well.
 bool CFileDXFIParser::isSectionOrEnd() const {
-  if (getGroupValue() == 0) return isPending();
-  return isTolerant() && getGroupValue() == 2 && findSection() != nullptr;
+  const vek0::detail::SectionInput& in = m_sections->in;
+  if (in.code() == 0) return in.isBeyondSection();
+  return in.isTolerant() && in.code() == 2 && findSection() != nullptr;
 }
 
 // Some programs write only entity records, and files lose their beginning.
 void CFileDXFIParser::readFragment() {
-  while (!failed() && !isSectionOrEnd() && !isKeyword("ENDSEC")) {
+  const vek0::detail::SectionInput& in = m_sections->in;
+  while (!in.failed() && !isSectionOrEnd() && !in.isKeyword("ENDSEC")) {
     RealizeVersion();
-    if (getGroupValue() != 0)
+    if (in.code() != 0)
       read();
-    else if (isKeyword("BLOCK"))
-      readBlock();
+    else if (in.isKeyword("BLOCK"))
+      m_sections->blocks.readBlock();
     else
-      addEntity();
+      m_sections->entities.addOne();
   }
 }
 
-// A file of a different format has no section either.
+// A file of a different format has no section either. What depends on everything that was read
+// comes last: names in the header and in layers, clips of inserts, sheets.
 void CFileDXFIParser::readEnd() {
-  const bool isForeign = m_lexer.getForm() != CFileDXFIError::TextForm;
-  if (isForeign || (m_lexer.isCut() && !m_isDrawing)) return fail(CFileDXFIError::WrongStructure);
-  if (m_lexer.isEncodingOther()) note(ReportCode::EncodingDiffers, m_codePageName);
-  if (m_pACADVersionLoader && m_pACADVersionLoader->isSheetUsed())
-    m_dropped->addSheet(m_activeSheet);
-  m_dropped->tell();
-  if (m_pACADVersionLoader) m_pACADVersionLoader->getClips().settle();
-  settleLayers();
-  takeCurrentItems();
+  Sections& all = *m_sections;
+  const bool isDrawing = m_isDrawing || all.entities.hasAdded();
+  if (m_lexer.getForm() != CFileDXFIError::TextForm || (m_lexer.isCut() && !isDrawing))
+    return all.in.fail(CFileDXFIError::WrongStructure);
+  if (m_lexer.isEncodingOther())
+    all.in.note(ReportCode::EncodingDiffers, all.header.getCodePageName());
+  if (all.in.loader && all.in.loader->isSheetUsed())
+    all.dropped.addSheet(all.blocks.getActiveSheet());
+  all.dropped.tell();
+  if (all.in.loader) all.in.loader->getClips().settle();
+  all.tables.settle();
+  all.header.takeCurrentItems();
 }
 
+// -- sections ------------------------------------------------------------------
+
 CFileDXFIParser::ReadSection CFileDXFIParser::findSection() const {
-  if (isKeyword("HEADER")) return &CFileDXFIParser::readHeader;
-  if (isKeyword("TABLES")) return &CFileDXFIParser::readTables;
-  if (isKeyword("BLOCKS")) return &CFileDXFIParser::readBlocks;
-  if (isKeyword("ENTITIES")) return &CFileDXFIParser::readEntities;
+  const vek0::detail::SectionInput& in = m_sections->in;
+  if (in.isKeyword("HEADER")) return &CFileDXFIParser::readHeader;
+  if (in.isKeyword("TABLES")) return &CFileDXFIParser::readTables;
+  if (in.isKeyword("BLOCKS")) return &CFileDXFIParser::readBlocks;
+  if (in.isKeyword("ENTITIES")) return &CFileDXFIParser::readEntities;
   return nullptr;
 }
 
 void CFileDXFIParser::readSection() {
-  if (getGroupValue() != 2 && !expect(2)) return;
+  vek0::detail::SectionInput& in = m_sections->in;
+  if (in.code() != 2 && !in.expect(2)) return;
   if (const ReadSection readKnown = findSection()) return (this->*readKnown)();
-  if (isTolerant() && !isKeyword("CLASSES")) noteSection();
-  if (isTolerant() && isKeyword("OBJECTS")) return readObjects();
+  if (in.isTolerant()) return readFurtherSection();
   readOtherSection();
 }
 
+// A section with an unknown name may contain parts of the drawing. Classes lose nothing: they
+// describe objects that are reported where they occur.
+void CFileDXFIParser::readFurtherSection() {
+  vek0::detail::SectionInput& in = m_sections->in;
+  if (in.isKeyword("CLASSES")) return readOtherSection();
+  const bool isObjects = in.isKeyword("OBJECTS");
+  const bool isKnown = isObjects || in.isKeyword("THUMBNAILIMAGE") || in.isKeyword("ACDSDATA");
+  in.note(isKnown ? ReportCode::SectionSkipped : ReportCode::SectionUnknown, m_lexer.getText());
+  isObjects ? readObjects() : readOtherSection();
+}
+
 void CFileDXFIParser::readObjects() {
-  read();
-  while (atRecord() && !atSectionEnd()) {
-    const bool isClip = m_pACADVersionLoader && m_pACADVersionLoader->getClips().readObject();
-    if (!isClip) m_dropped->readRecord();
+  vek0::detail::SectionInput& in = m_sections->in;
+  in.read();
+  while (in.atRecord() && !in.atSectionEnd()) {
+    const bool isClip = in.loader && in.loader->getClips().readObject();
+    if (!isClip) m_sections->dropped.readRecord();
   }
 }
 
-// A section with an unknown name may contain parts of the drawing.
-void CFileDXFIParser::noteSection() {
-  const bool isKnown = isKeyword("OBJECTS") || isKeyword("THUMBNAILIMAGE") || isKeyword("ACDSDATA");
-  note(isKnown ? ReportCode::SectionSkipped : ReportCode::SectionUnknown, m_lexer.getText());
+void CFileDXFIParser::readOtherSection() { m_sections->in.skipTo("ENDSEC"); }
+
+void CFileDXFIParser::RealizeVersion() {
+  vek0::detail::SectionInput& in = m_sections->in;
+  if (in.loader) return;
+  in.loader = vek0::detail::createVersionLoader(
+      m_sections->header.getVersion(),
+      {m_lexer, m_semantor, m_factory, m_err, m_options, m_sections->dimStyles});
+  if (!in.loader) in.fail(CFileDXFIError::NewerVersion);
 }
 
-void CFileDXFIParser::readOtherSection() { skipTo("ENDSEC"); }
-
-void CFileDXFIParser::skipTo(std::string_view keyword) {
-  do {
-    read();
-    if (isTolerant() && getGroupValue() == 0 && (atSectionEnd() || isKeyword("TABLE"))) {
-      m_pending = !isKeyword(keyword);
-      return;
-    }
-  } while (!failed() && (getGroupValue() != 0 || !isKeyword(keyword)));
+void CFileDXFIParser::readHeader() { m_sections->header.read(); }
+void CFileDXFIParser::readHeaderString(const zim::WString& name, const zim::WString& value) {
+  m_sections->header.takeString(name, value);
+}
+void CFileDXFIParser::readHeaderDouble(const zim::WString& name, const double (&value)[3]) {
+  m_sections->header.takeReals(name, value);
+}
+void CFileDXFIParser::readHeaderLong(const zim::WString& name, long value) {
+  m_sections->header.takeInteger(name, value);
 }
 
-void CFileDXFIParser::readEntityOther() {
-  do {
-    read();
-  } while (!failed() && getGroupValue() != 0);
+void CFileDXFIParser::readTables() {
+  RealizeVersion();
+  m_sections->tables.read();
 }
-
-// The tables that the names refer to are complete only at the end of the file.
-void CFileDXFIParser::takeCurrentItems() {
-  if (!m_semantor.shouldReadHeaders()) return;
-  CDataVariables* vars = m_semantor.getVars();
-  ZORA_ASSERT(vars != nullptr);
-  if (!vars) return;
-  if (CLayer* layer = m_semantor.getLayer(m_curLayer)) vars->setCurLayer(layer);
-  if (CLtype* ltype = m_semantor.getLtype(m_curLtype)) vars->setCurLtype(ltype);
-  if (CStyle* style = m_semantor.getStyle(m_curStyle)) vars->setCurStyle(style);
-}
-
-// -- BLOCKS --------------------------------------------------------------------
-
-struct CFileDXFIParser::BlockHeader {
-  zim::WString name, path;
-  double base[3] = {0, 0, 0};
-  long flags = 0;
-  std::uint64_t owner = 0;  // handle of its record
-};
+void CFileDXFIParser::readPreambolo() { m_sections->in.skipRecord(); }
+void CFileDXFIParser::readTablesLtype() { m_sections->tables.readLtypes(); }
+void CFileDXFIParser::readTablesLayer() { m_sections->tables.readLayers(); }
+void CFileDXFIParser::readTablesStyle() { m_sections->tables.readStyles(); }
+void CFileDXFIParser::readTablesOther() { m_sections->tables.skipTable(); }
 
 void CFileDXFIParser::readBlocks() {
   RealizeVersion();
-  read();
-  while (atRecord() && !atSectionEnd()) readBlock();
-  m_pACADVersionLoader->endBlocks();
-  // An insert may precede the definition of its block. Once is enough: extents from further BLOCKS
-  // sections are computed at the end, and a file may have thousands of them.
-  if (failed() || m_blocksMeasured || !m_pACADVersionLoader->hasReadInsert()) return;
-  m_blocksMeasured = true;
-  m_semantor.getBlockTable().recalcBdry();
+  m_sections->blocks.read();
 }
-
-void CFileDXFIParser::readBlock() {
-  if (!isKeyword("BLOCK") && passRecord()) return;
-  BlockHeader block;
-  OwnedEntities entities;
-  readBlockHeader(block);
-  const bool isSheet = isTolerant() && isLayoutName(block.name) && isLayout(block.name, kPaperName);
-  m_pACADVersionLoader->enterBlock(m_semantor.findBlock(block.name),
-                                   isSheet ? block.name : zim::WString());
-  readBlockEntities(entities);
-  if (m_pACADVersionLoader->leaveBlock()) m_dropped->addSheet(block.owner);
-  if (isSheet && block.name.Length() == 1 + kPaperName.size()) m_activeSheet = block.owner;
-  if (!failed()) createBlock(block, entities);
-  recover(ReportCode::BlockDropped, block.name);
-}
-
-void CFileDXFIParser::readBlockHeader(BlockHeader& block) {
-  while (!failed()) {
-    switch (read()) {
-      case 0:
-        return;
-      case 1:
-        block.path = m_lexer.getText();
-        break;
-      case 2:
-        block.name = m_lexer.getText();
-        break;
-      case 10:
-        block.base[0] = getDouble();
-        break;
-      case 20:
-        block.base[1] = getDouble();
-        break;
-      case 30:
-        block.base[2] = getDouble();
-        break;
-      case 70:
-        block.flags = readFlags();
-        break;
-      case 330:
-        if (block.owner == 0) block.owner = vek0::detail::parseHex(m_lexer.getBytes());
-        break;
-      default:
-        if (isTolerant()) m_lexer.checkNumber();
-    }
-    if (failed()) spareNumber();
-  }
-}
-
-void CFileDXFIParser::readBlockEntities(OwnedEntities& entities) {
-  while (!failed() && !isKeyword("ENDBLK") && !isBlockCut()) {
-    if (vek0::detail::EntPtr ent{readAnEntity()}) entities.take(std::move(ent));
-    for (vek0::detail::EntPtr& ent : m_pACADVersionLoader->getFurther())
-      entities.take(std::move(ent));
-    m_pACADVersionLoader->getFurther().clear();
-  }
-  if (!failed() && isKeyword("ENDBLK")) readEntityOther();
-}
-
-bool CFileDXFIParser::isBlockCut() {
-  if (m_lexer.isStopped()) return true;
-  const bool isCut = isTolerant() && (isKeyword("BLOCK") || isKeyword("ENDSEC") || isPending());
-  if (isCut) note(ReportCode::BlockCut);
-  return isCut;
-}
-
-// The strict rule ignores the first letter, and so also skips ordinary blocks of such names.
-bool CFileDXFIParser::isLayoutName(const zim::WString& name) const {
-  if (!isLayout(name, kModelName) && !isLayout(name, kPaperName)) return false;
-  return !isTolerant() || name[0] == u'*' || name[0] == u'$';
-}
-
-void CFileDXFIParser::createBlock(const BlockHeader& block, OwnedEntities& entities) {
-  if (block.name.empty()) return fail(CFileDXFIError::WrongStructure);
-  if (isLayoutName(block.name)) {
-    if (isTolerant() && !entities.list().empty()) note(ReportCode::BlockDropped, block.name);
-    return;
-  }
-  const bool anonymous = block.name[0] == u'*';
-  if (anonymous && entities.list().empty() && (block.flags & CBlock::kAnonymous) == 0) return;
-  const PNT_3D base(block.base[0], block.base[1], block.base[2]);
-  if ((block.flags & kXRefBlock) != 0)
-    m_semantor.createBlockXRef(block.name, block.path, base, block.flags);
-  else
-    m_semantor.createBlock(block.name, base, block.flags, entities.list());
-}
-
-// -- ENTITIES ------------------------------------------------------------------
 
 void CFileDXFIParser::readEntities() {
   RealizeVersion();
-  read();
-  while (atRecord() && !atSectionEnd()) addEntity();
+  m_sections->entities.read();
 }
-
-void CFileDXFIParser::addEntity() {
-  add(vek0::detail::EntPtr(readAnEntity()));
-  for (vek0::detail::EntPtr& ent : m_pACADVersionLoader->getFurther()) add(std::move(ent));
-  m_pACADVersionLoader->getFurther().clear();
-}
-
-void CFileDXFIParser::add(std::unique_ptr<CEnt> ent) {
-  if (!ent) return;
-  m_isDrawing = true;
-  m_semantor.add(ent.get());
-  static_cast<void>(ent.release());  // only now that the drawing owns it
-}
-
-// Calls the progress callback every thousand entities.
-bool CFileDXFIParser::isTimeToStop() {
-  constexpr long between = 1000;
-  ++m_entities;
-  m_cancelled = m_cancelled || (m_entities % between == 0 && m_options.progress &&
-                                !m_options.progress(m_lexer.getLine()));
-  const bool tooMany = m_options.maxEntities > 0 && m_entities > m_options.maxEntities;
-  if (!m_cancelled && !tooMany) return false;
-  if (tooMany && !m_cancelled) note(ReportCode::LimitReached);
-  m_lexer.stop();
-  readEntityOther();
-  return true;
-}
-
-// Neither section nor file may end inside a block or before its ENDSEC.
-CEnt* CFileDXFIParser::readAnEntity() {
-  if (isTimeToStop()) return nullptr;
-  if (isKeyword("ENDSEC") || isKeyword("EOF")) {
-    fail(CFileDXFIError::WrongStructure);
-    return nullptr;
-  }
-  if (!isTolerant()) return m_pACADVersionLoader->readEntity();
-  m_kind = m_lexer.getBytes();
-  vek0::detail::EntPtr ent(m_pACADVersionLoader->readEntity());
-  if (failed() && recover(ReportCode::EntityDropped, zim::WString::fromUtf8(m_kind)))
-    m_pACADVersionLoader->getFurther().clear();
-  return ent.release();
-}
+CEnt* CFileDXFIParser::readAnEntity() { return m_sections->entities.readOne().release(); }
+void CFileDXFIParser::readEntityOther() { m_sections->in.skipRecord(); }

@@ -1,15 +1,15 @@
-// The HEADER section.
+#include "dxf/in/parse/headersection.h"
+
 #include <algorithm>
 #include <iterator>
 #include <limits>
 
-#include "dxf/in/convert/dimstyles.h"
-#include "dxf/in/parse/filedxfiversionloader.h"
 #include "files/number.h"
+#include "vek0core/assert.h"
 #include "vek0core/drawing/datavariables.h"
-#include "vek0core/dxf/in/parse/filedxfiparser.h"
 #include "vek0core/files/textcodec.h"
 
+namespace vek0::detail {
 namespace {
 
 constexpr long kNewestVersion = 15;  // of "AC1015"
@@ -50,25 +50,23 @@ template <class Value>
 struct Variable {
   const zim::Char* name;
   void (*set)(CDataVariables& vars, const Value& value);
+  bool isFurther = false;  // read only by tolerant reading
 };
 
-constexpr Variable<Reals> kRealVariables[] = {
-    {u"$LIMMIN", setLimMin},     {u"$LIMMAX", setLimMax},  {u"$LTSCALE", setLtypeScale},
-    {u"$PLINEWID", setPLineWid}, {u"$ANGBASE", setAngDir},
-};
-constexpr Variable<long> kIntegerVariables[] = {
-    {u"$CECOLOR", setColor},     {u"$AUNITS", setAngleUnit}, {u"$ORTHOMODE", setOrtho},
-    {u"$PLINEGEN", setPLineGen}, {u"$ANGDIR", setClockWise},
-};
-
-// Variables read only by tolerant reading.
 void setPointSize(CDataVariables& vars, const Reals& v) { vars.setPointSize(v[0]); }
 void setPointMode(CDataVariables& vars, const long& value) {
   constexpr long most = 127;  // all defined bits
   if (value >= 0 && value <= most) vars.setPointMode(static_cast<short>(value));
 }
-constexpr Variable<Reals> kFurtherReals[] = {{u"$PDSIZE", setPointSize}};
-constexpr Variable<long> kFurtherIntegers[] = {{u"$PDMODE", setPointMode}};
+
+constexpr Variable<Reals> kRealVariables[] = {
+    {u"$LIMMIN", setLimMin},     {u"$LIMMAX", setLimMax},  {u"$LTSCALE", setLtypeScale},
+    {u"$PLINEWID", setPLineWid}, {u"$ANGBASE", setAngDir}, {u"$PDSIZE", setPointSize, true},
+};
+constexpr Variable<long> kIntegerVariables[] = {
+    {u"$CECOLOR", setColor},     {u"$AUNITS", setAngleUnit}, {u"$ORTHOMODE", setOrtho},
+    {u"$PLINEGEN", setPLineGen}, {u"$ANGDIR", setClockWise}, {u"$PDMODE", setPointMode, true},
+};
 
 /// Variables that a drawing cannot store, which lose nothing at their default value: units, and the
 /// display of fills and attributes.
@@ -85,15 +83,16 @@ constexpr Setting kSettings[] = {
 
 template <class Value, std::size_t count>
 void setVariable(const Variable<Value> (&variables)[count], const zim::WString& name,
-                 CDataVariables& vars, const Value& value) {
+                 const SectionInput& in, const Value& value) {
   for (const Variable<Value>& variable : variables)
-    if (zim::equalsIgnoreCase(name, variable.name)) variable.set(vars, value);
+    if (zim::equalsIgnoreCase(name, variable.name) && (!variable.isFurther || in.isTolerant()))
+      variable.set(*in.semantor.getVars(), value);
 }
 
 }  // namespace
 
-/// The value of a variable. Its kind is that of its last pair.
-struct CFileDXFIParser::HeaderValue {
+// Its kind is that of its last pair.
+struct HeaderSection::Value {
   enum Kind { None, Text, Real, Integer } kind = None;
   zim::WString text;
   double reals[3] = {0, 0, 0};
@@ -101,110 +100,108 @@ struct CFileDXFIParser::HeaderValue {
   long integer = 0;
 };
 
-void CFileDXFIParser::readHeader() {
-  read();
-  while (!failed()) {
-    if (getGroupValue() == 9) {
-      readHeaderVariable();
-    } else if (getGroupValue() != 0) {
-      read();
-    } else if (atSectionEnd()) {
+void HeaderSection::read() {
+  m_in.read();
+  while (!m_in.failed()) {
+    if (m_in.code() == 9) {
+      readVariable();
+    } else if (m_in.code() != 0) {
+      m_in.read();
+    } else if (m_in.atSectionEnd()) {
       return;
-    } else if (!passRecord()) {
-      return fail(CFileDXFIError::WrongStructure);
+    } else if (!m_in.passRecord()) {
+      return m_in.fail(CFileDXFIError::WrongStructure);
     }
   }
 }
 
-void CFileDXFIParser::readHeaderVariable() {
-  const zim::WString name = m_lexer.getText();
-  HeaderValue value;
+void HeaderSection::readVariable() {
+  const zim::WString name = m_in.lexer.getText();
+  Value value;
   for (;;) {
-    const long code = read();
-    if (failed()) return;
-    if (code == 0 || code == 9) return readHeaderValue(name, value);
+    const long code = m_in.read();
+    if (m_in.failed()) return;
+    if (code == 0 || code == 9) return take(name, value);
     collect(code, value);
-    if (failed()) return dropVariable(name);
+    if (m_in.failed()) return dropVariable(name);
   }
 }
 
-void CFileDXFIParser::dropVariable(const zim::WString& name) {
-  if (!forgive(ReportCode::VariableDropped, name)) return;
-  while (getGroupValue() != 0 && getGroupValue() != 9) read();
+void HeaderSection::dropVariable(const zim::WString& name) {
+  if (!m_in.forgive(ReportCode::VariableDropped, name)) return;
+  while (m_in.code() != 0 && m_in.code() != 9) m_in.read();
 }
 
-void CFileDXFIParser::collect(long code, HeaderValue& value) {
+void HeaderSection::collect(long code, Value& value) {
   if (code >= 0 && code < 10) {
-    value.kind = HeaderValue::Text;
-    value.text = m_lexer.getText();
+    value.kind = Value::Text;
+    value.text = m_in.lexer.getText();
   } else if ((code >= 10 && code < 60) || (code >= 210 && code < 240)) {
-    const double real = getDouble();
-    value.kind = HeaderValue::Real;
+    const double real = m_in.lexer.getDouble();
+    value.kind = Value::Real;
     if (value.count < 3) value.reals[value.count++] = real;
   } else if (code >= 60 && code < 80) {
-    value.kind = HeaderValue::Integer;
-    value.integer = getInt();
-  } else if (isTolerant()) {
-    m_lexer.checkNumber();
+    value.kind = Value::Integer;
+    value.integer = m_in.lexer.getInt();
+  } else {
+    m_in.passPair();
   }
 }
 
-void CFileDXFIParser::readHeaderValue(const zim::WString& name, const HeaderValue& value) {
+void HeaderSection::take(const zim::WString& name, const Value& value) {
   switch (value.kind) {
-    case HeaderValue::Text:
-      return readHeaderString(name, value.text);
-    case HeaderValue::Real:
-      return readHeaderDouble(name, value.reals);
-    case HeaderValue::Integer:
-      return readHeaderLong(name, value.integer);
-    case HeaderValue::None:
+    case Value::Text:
+      return takeString(name, value.text);
+    case Value::Real:
+      return takeReals(name, value.reals);
+    case Value::Integer:
+      return takeInteger(name, value.integer);
+    case Value::None:
       return;
   }
 }
 
-void CFileDXFIParser::readHeaderString(const zim::WString& name, const zim::WString& value) {
+void HeaderSection::takeString(const zim::WString& name, const zim::WString& value) {
   if (zim::equalsIgnoreCase(name, u"$ACADVER")) return takeVersion(value);
   if (zim::equalsIgnoreCase(name, u"$DWGCODEPAGE")) {
     m_codePageName = value;
     return takeCodePage();
   }
-  m_dimStyles->takeVariable(name, value);
-  if (!m_semantor.shouldReadHeaders()) return;
+  m_dimStyles.takeVariable(name, value);
+  if (!m_in.semantor.shouldReadHeaders()) return;
   if (zim::equalsIgnoreCase(name, u"$CELTYPE")) m_curLtype = value;
   if (zim::equalsIgnoreCase(name, u"$CELAYER")) m_curLayer = value;
-  if (isTolerant() && zim::equalsIgnoreCase(name, u"$CLAYER")) m_curLayer = value;
+  if (m_in.isTolerant() && zim::equalsIgnoreCase(name, u"$CLAYER")) m_curLayer = value;
   if (zim::equalsIgnoreCase(name, u"$TEXTSTYLE")) m_curStyle = value;
 }
 
-void CFileDXFIParser::readHeaderDouble(const zim::WString& name, const double (&value)[3]) {
-  m_dimStyles->takeVariable(name, value[0]);
+void HeaderSection::takeReals(const zim::WString& name, const double (&value)[3]) {
+  m_dimStyles.takeVariable(name, value[0]);
   if (zim::equalsIgnoreCase(name, u"$INSBASE")) {
     m_insertionBase = PNT_3D(value[0], value[1], value[2]);
     if (m_insertionBase != PNT_3D(0, 0, 0)) noteSetting(ReportCode::SettingDropped, name);
   }
-  if (!m_semantor.shouldReadHeaders()) return;
-  setVariable(kRealVariables, name, *m_semantor.getVars(), value);
-  if (isTolerant()) setVariable(kFurtherReals, name, *m_semantor.getVars(), value);
+  if (!m_in.semantor.shouldReadHeaders()) return;
+  setVariable(kRealVariables, name, m_in, value);
 }
 
-void CFileDXFIParser::readHeaderLong(const zim::WString& name, long value) {
+void HeaderSection::takeInteger(const zim::WString& name, long value) {
   if (zim::equalsIgnoreCase(name, u"$INSUNITS")) m_units = value;
   if (zim::equalsIgnoreCase(name, u"$MEASUREMENT")) m_measurement = value;
-  m_dimStyles->takeVariable(name, static_cast<double>(value));
+  m_dimStyles.takeVariable(name, static_cast<double>(value));
   for (const Setting& setting : kSettings)
     if (zim::equalsIgnoreCase(name, setting.name) && value != setting.usual)
       noteSetting(setting.code, name);
-  if (!m_semantor.shouldReadHeaders()) return;
-  setVariable(kIntegerVariables, name, *m_semantor.getVars(), value);
-  if (isTolerant()) setVariable(kFurtherIntegers, name, *m_semantor.getVars(), value);
+  if (!m_in.semantor.shouldReadHeaders()) return;
+  setVariable(kIntegerVariables, name, m_in, value);
 }
 
 // When importing, the drawing keeps its own.
-void CFileDXFIParser::noteSetting(ReportCode code, const zim::WString& name) {
-  if (m_semantor.shouldReadHeaders()) note(code, name);
+void HeaderSection::noteSetting(ReportCode code, const zim::WString& name) {
+  if (m_in.semantor.shouldReadHeaders()) m_in.note(code, name);
 }
 
-void CFileDXFIParser::takeVersion(const zim::WString& name) {
+void HeaderSection::takeVersion(const zim::WString& name) {
   m_versionName = name;
   takeCodePage();
   constexpr const zim::Char* known[] = {u"AC1009", u"AC1012", u"AC1014", u"AC1015"};
@@ -213,23 +210,28 @@ void CFileDXFIParser::takeVersion(const zim::WString& name) {
       m_version = static_cast<short>(i + 1);
       return;
     }
-  if (isTolerant() && !isReadVersion(name)) return note(ReportCode::VersionUnknown, name);
-  if (isTolerant()) return;
+  if (m_in.isTolerant()) {
+    if (!isReadVersion(name)) m_in.note(ReportCode::VersionUnknown, name);
+    return;
+  }
   if (name.Length() != 6 || name.view().substr(0, 4) != u"AC10")
-    return fail(CFileDXFIError::OutOfRange);
-  if (vek0::detail::parseLong(name.view().substr(4)) > kNewestVersion)
-    fail(CFileDXFIError::NewerVersion);
+    return m_in.fail(CFileDXFIError::OutOfRange);
+  if (parseLong(name.view().substr(4)) > kNewestVersion) m_in.fail(CFileDXFIError::NewerVersion);
 }
 
-void CFileDXFIParser::takeCodePage() {
+void HeaderSection::takeCodePage() {
   const std::string name = m_codePageName.toUtf8();
-  m_lexer.setCodePage(codePageOfDrawing(m_versionName.toUtf8(), name), codePageFromName(name));
+  m_in.lexer.setCodePage(codePageOfDrawing(m_versionName.toUtf8(), name), codePageFromName(name));
 }
 
-// Called by the first section that needs the version.
-void CFileDXFIParser::RealizeVersion() {
-  if (m_pACADVersionLoader) return;
-  m_pACADVersionLoader = vek0::detail::createVersionLoader(
-      m_version, {m_lexer, m_semantor, m_factory, m_err, m_options, *m_dimStyles});
-  if (!m_pACADVersionLoader) fail(CFileDXFIError::NewerVersion);
+void HeaderSection::takeCurrentItems() {
+  if (!m_in.semantor.shouldReadHeaders()) return;
+  CDataVariables* vars = m_in.semantor.getVars();
+  ZORA_ASSERT(vars != nullptr);
+  if (!vars) return;
+  if (CLayer* layer = m_in.semantor.getLayer(m_curLayer)) vars->setCurLayer(layer);
+  if (CLtype* ltype = m_in.semantor.getLtype(m_curLtype)) vars->setCurLtype(ltype);
+  if (CStyle* style = m_in.semantor.getStyle(m_curStyle)) vars->setCurStyle(style);
 }
+
+}  // namespace vek0::detail

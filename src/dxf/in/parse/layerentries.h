@@ -1,0 +1,38 @@
+#pragma once
+
+#include <utility>
+#include <vector>
+
+#include "dxf/in/parse/sectioninput.h"
+
+class CLayer;
+
+namespace vek0::detail {
+
+/// Reads the entries of the LAYER table.
+class LayerEntries {
+ public:
+  explicit LayerEntries(SectionInput& in) : m_in(in) {}
+
+  /// Reads one entry, at whose group 0 the lexer is positioned.
+  void read();
+  /// Gives the layers of linetypes that were still unknown the linetypes that later tables
+  /// declared.
+  void settle();
+
+ private:
+  struct Entry;
+
+  void takePair(long code, Entry& entry);
+  void takeLtype(Entry& entry);
+  void takeColor(Entry& entry);
+  void takeTrueColor(Entry& entry);
+  void leaveOut(long code, const Entry& entry);
+  void create(Entry& entry);
+  void place(const Entry& entry);
+
+  SectionInput& m_in;
+  std::vector<std::pair<CLayer*, zim::WString>> m_unsettled;  // layers of unknown linetypes
+};
+
+}  // namespace vek0::detail
