@@ -26,11 +26,13 @@ PointFigure::PointFigure(const CDataVariables& vars, double unit, double height,
       m_hasCircle((vars.getPointMode() & kCircleBit) != 0),
       m_hasSquare((vars.getPointMode() & kSquareBit) != 0),
       m_size(std::max(sizeOf(vars.getPointSize(), unit, height), least)),
-      m_least(least) {
+      m_least(least),
+      m_reach(least) {
   if (m_middle > kUpward) m_middle = kDot;
   const bool isCrossed = m_middle == kPlus || m_middle == kCross;
   const bool isFramed = m_hasCircle || m_hasSquare || m_middle == kUpward;
-  m_reach = std::max(m_least, isCrossed ? m_size : isFramed ? m_size / 2 : 0);
+  if (isFramed) m_reach = std::max(m_least, m_size / 2);
+  if (isCrossed) m_reach = std::max(m_least, m_size);
 }
 
 void PointFigure::draw(const PNT_2D& at, Emitter& out) const {

@@ -14,5 +14,9 @@ inline bool isUsed(const CData& data, const CLtype& ltype) {
 inline bool isUsed(const CData& data, const CStyle& style) {
   return style.getEntities() > 0 || style.getDashes() > 0 || data.getVars().getCurStyle() == &style;
 }
+inline bool isUsed(const CData&, const CBlock& block) { return block.getEntities() > 0; }
+/// Also whether the drawing uses an item of the reference, or another reference shows it. Linear in
+/// the items of the reference.
+bool isUsed(const CData& data, const CBlockXRef& xref);
 
 }  // namespace vek0::detail

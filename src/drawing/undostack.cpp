@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <iterator>
 #include <new>
-#include <unordered_map>
 #include <utility>
 
 #include "drawing/itemuse.h"
@@ -30,33 +29,6 @@ namespace {
 constexpr std::size_t kAllocatorBytes = 16;  // overhead of a heap object
 
 using vek0::detail::isUsed;
-bool isUsed(const CData&, const CBlock& block) { return block.getEntities() > 0; }
-
-// Whether the drawing uses an item of the reference, or another reference shows it.
-bool isUsed(const CData& data, const CBlockXRef& xref) {
-  if (xref.getEntities() > 0 || xref.getShows() > 0) return true;
-  std::unordered_map<const void*, long> own;  // uses of one dependent item by another
-  for (int i = 0; i < xref.getLayerTable().size(); ++i) ++own[xref.getLayerTable()[i]->getLtype()];
-  for (int i = 0; i < xref.getLtypeTable().size(); ++i) {
-    const CLtype& ltype = *xref.getLtypeTable()[i];
-    for (int j = 0; j < ltype.getNoDashes(); ++j)
-      if (const TEXT_3D* text = ltype.GetDash(j)->GetText()) ++own[text->getStyle()];
-  }
-  const CDataVariables& vars = data.getVars();
-  for (int i = 0; i < xref.getLayerTable().size(); ++i)
-    if (isUsed(data, *xref.getLayerTable()[i])) return true;
-  for (int i = 0; i < xref.getLtypeTable().size(); ++i) {
-    const CLtype* ltype = xref.getLtypeTable()[i];
-    if (ltype->getEntities() > 0 || ltype->getLayers() > own[ltype]) return true;
-    if (vars.getCurLtype() == ltype) return true;
-  }
-  for (int i = 0; i < xref.getStyleTable().size(); ++i) {
-    const CStyle* style = xref.getStyleTable()[i];
-    if (style->getEntities() > 0 || style->getDashes() > own[style]) return true;
-    if (vars.getCurStyle() == style) return true;
-  }
-  return false;
-}
 
 // Whether the block was created for a hatch and nothing shows it at present.
 bool isIdleHatchBlock(const CBlockTable& table, const CBlock* block) {

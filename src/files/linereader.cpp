@@ -43,14 +43,20 @@ void turnLoneCrsIntoLfs(char* bytes, char* end) {
 
 bool isContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
+// Number of bytes that follow the first byte of a UTF-8 sequence.
+std::size_t followersOf(unsigned char first) {
+  if (first < 0xC0) return 0;
+  if (first < 0xE0) return 1;
+  return first < 0xF0 ? 2 : 3;
+}
+
 // Number of bytes at the end that form an incomplete UTF-8 sequence.
 std::size_t cutSequenceLength(std::string_view text) {
   std::size_t back = 0;
   while (back < 3 && back < text.size() && isContinuation(text[text.size() - 1 - back])) ++back;
   if (back == text.size()) return 0;
   const auto first = static_cast<unsigned char>(text[text.size() - 1 - back]);
-  const std::size_t needed = first < 0xC0 ? 0 : first < 0xE0 ? 1 : first < 0xF0 ? 2 : 3;
-  return needed > back ? back + 1 : 0;
+  return followersOf(first) > back ? back + 1 : 0;
 }
 
 std::u16string unitsOf(std::string_view bytes, bool littleEndian) {

@@ -191,16 +191,19 @@ std::int32_t parseLongOf(std::basic_string_view<C> text) {
   return static_cast<std::int32_t>(negative ? -value : std::min(value, kLimit - 1));
 }
 
+// Not validated: other letters give numbers beyond 15, or negative ones.
+std::int64_t hexDigitOf(std::int64_t unit) {
+  if (unit <= '9') return unit - '0';
+  return unit < 'G' ? unit - 'A' + 10 : unit - 'a' + 10;
+}
+
 template <class C>
 std::uint64_t parseHexOf(std::basic_string_view<C> text) {
   std::uint64_t value = 0;
   for (const C c : text) {
     const auto unit =
         std::int64_t{static_cast<std::conditional_t<sizeof(C) == 1, unsigned char, C>>(c)};
-    const std::int64_t digit = unit <= '9'  ? unit - '0'
-                               : unit < 'G' ? unit - 'A' + 10
-                                            : unit - 'a' + 10;
-    value = value * 16 + static_cast<std::uint64_t>(digit);
+    value = value * 16 + static_cast<std::uint64_t>(hexDigitOf(unit));
   }
   return value;
 }

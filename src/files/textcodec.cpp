@@ -286,7 +286,8 @@ int CTextDecoder::pageOf(std::string_view bytes) {
   if (isUtf8 == (m_page == kCodePageUtf8)) return m_page;
   if (!isUtf8 && isCutUtf8(bytes)) return m_page;
   const bool hasOther = labelOf(m_otherPage) && m_otherPage != kCodePageUtf8;
-  m_found = isUtf8 ? kCodePageUtf8 : hasOther ? m_otherPage : kCodePage1252;
+  const int otherwise = hasOther ? m_otherPage : kCodePage1252;
+  m_found = isUtf8 ? kCodePageUtf8 : otherwise;
   // The UTF-8 decoder already decodes malformed bytes as 1252, one by one.
   return m_found == kCodePage1252 ? m_page : m_found;
 }

@@ -177,7 +177,7 @@ int lineTang(const CIRCLE_3D& a, const CIRCLE_3D& b, LINE_2D (&lines)[4]) {
     const double difference = ra - signedB;
     if (std::fabs(difference) > d + tolerance) continue;
     const bool isTouching = std::fabs(difference) >= d - tolerance;
-    const double c = isTouching ? (difference > 0 ? 1 : -1) : difference / d;
+    const double c = isTouching ? std::copysign(1.0, difference) : difference / d;
     const double s = isTouching ? 0 : std::sqrt((1 - c) * (1 + c));
     for (const double side : {1.0, -1.0}) {
       if (isTouching && side < 0) break;

@@ -181,9 +181,13 @@ class SolidSweep {
 
   void addVertex(const Spot& at, Side& a, Side& b) {
     const bool aStarts = a.low == at, bStarts = b.low == at;
-    const Kind kind = aStarts != bStarts ? Kind::Pass : aStarts ? Kind::Start : Kind::End;
-    if (kind == Kind::Pass && aStarts) return m_vertices.push_back({at, kind, &b, &a});
-    m_vertices.push_back({at, kind, &a, &b});
+    if (aStarts == bStarts) {
+      m_vertices.push_back({at, aStarts ? Kind::Start : Kind::End, &a, &b});
+    } else if (aStarts) {
+      m_vertices.push_back({at, Kind::Pass, &b, &a});
+    } else {
+      m_vertices.push_back({at, Kind::Pass, &a, &b});
+    }
   }
 
   // --- the sweep

@@ -262,7 +262,7 @@ class VEK0_API CEntPolyline : public CEnt {
   long listSize() const { return static_cast<long>(m_vertexes.size()); }
   bool isIndex(long i) const { return i >= 0 && i < getNoTotalVertexes(); }
   long clampedIndex(long i) const;
-  CVertex& at(long i) const;
+  CVertex& at(long i) const { return *m_vertexes[static_cast<std::size_t>(i)]; }
   PNT_3D posAt(long i) const;
   void forEachListed(const VertexSink& sink) const;
 

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <string>
 
+#include "dxf/in/coordinate.h"
 #include "files/number.h"
 #include "vek0core/files/report.h"
 #include "vek0core/tables/colors.h"
@@ -212,9 +213,7 @@ bool RecordReader::leaveOut(long code) {
   }
   if (isTolerant() && (code == kExtrusionX || code == kExtrusionY || code == kExtrusionZ)) {
     const double value = lexer().getDouble();
-    (code == kExtrusionX   ? m_record.extrusion.x
-     : code == kExtrusionY ? m_record.extrusion.y
-                           : m_record.extrusion.z) = value;
+    coordinate(m_record.extrusion, (code - kExtrusionX) / 10) = value;
     return true;
   }
   if (isTolerant() || isMeant(code)) lexer().checkNumber();

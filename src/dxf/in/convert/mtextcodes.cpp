@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "dxf/in/convert/mtextcursor.h"
 #include "dxf/in/recordreader.h"
 #include "files/number.h"
 #include "vek0core/files/textcodec.h"
@@ -33,67 +34,6 @@ char16_t symbol(char16_t letter) {
 // Whether a line may break before and after it.
 bool isIdeographic(char16_t c) { return c >= 0x2E80 && (c < 0xD800 || c > 0xDFFF); }
 
-bool isNumberUnit(char16_t c) {
-  return (c >= u'0' && c <= u'9') || c == u'.' || c == u'-' || c == u'+';
-}
-
-/// Reads a text from its front.
-class Cursor {
- public:
-  explicit Cursor(std::u16string_view text) : m_rest(text) {}
-
-  bool empty() const { return m_rest.empty(); }
-  std::u16string_view rest() const { return m_rest; }
-  char16_t peek(std::size_t i = 0) const { return i < m_rest.size() ? m_rest[i] : u'\0'; }
-  char16_t take() {
-    const char16_t c = m_rest[0];
-    m_rest.remove_prefix(1);
-    return c;
-  }
-  void skip(std::size_t n) { m_rest.remove_prefix(std::min(n, m_rest.size())); }
-  bool skipIf(char16_t c) {
-    const bool is = !m_rest.empty() && m_rest[0] == c;
-    if (is) m_rest.remove_prefix(1);
-    return is;
-  }
-
-  /// The number at the front, and whether there is one.
-  bool takeNumber(double& value) {
-    std::size_t n = 0;
-    while (n < m_rest.size() && (isNumberUnit(m_rest[n]) || isExponent(n))) ++n;
-    const ParsedDouble number = parseDouble(m_rest.substr(0, n));
-    m_rest.remove_prefix(n);
-    value = number.value;
-    return n > 0 && number.finite;
-  }
-  /// Removes and returns the text before the next semicolon, or all of it if there is none; the
-  /// semicolon is removed too.
-  std::u16string_view takeArgument() {
-    const std::size_t n = std::min(m_rest.find(u';'), m_rest.size());
-    const std::u16string_view argument = m_rest.substr(0, n);
-    skip(n + 1);
-    return argument;
-  }
-  /// Appends the text of a character escape or caret escape at the front.
-  bool takeEscape(std::u16string& out) {
-    const std::size_t length = peek() == u'^' ? 2 : peek(1) == u'U' ? 7 : peek(1) == u'M' ? 8 : 0;
-    const std::u16string_view escape = m_rest.substr(0, length);
-    const std::u16string unit = decodeEscapes(escape);
-    if (unit == escape) return false;
-    out += unit;
-    skip(length);
-    return true;
-  }
-
- private:
-  bool isExponent(std::size_t n) const {
-    return n > 0 && zim::foldCase(m_rest[n]) == zim::foldCase(u'e') && n + 1 < m_rest.size() &&
-           isNumberUnit(m_rest[n + 1]);
-  }
-
-  std::u16string_view m_rest;
-};
-
 class Decoder {
  public:
   Decoder(std::u16string_view text, const MTextFormat& base) : m_in(text), m_base(base) {
@@ -116,12 +56,14 @@ class Decoder {
   void step();
   void escape();
   bool formatCode(char16_t code);
+  bool argumentCode(char16_t code);
   void lineCode(char16_t code);
   void caret();
   void openGroup();
   void closeGroup();
 
   void height();
+  void width();
   void factor(double MTextFormat::*member, double base);
   void oblique();
   void color();
@@ -132,7 +74,7 @@ class Decoder {
   void stack();
   void stackUnit(std::u16string& out);
   void paragraph();
-  void setParagraph(Cursor& in, char16_t code, MTextParagraph& paragraph);
+  void setParagraph(MTextCursor& in, char16_t code, MTextParagraph& paragraph);
 
   MTextPiece& add(MTextPiece::Kind kind);
   void addLetter(char16_t c);
@@ -141,7 +83,7 @@ class Decoder {
   void drop(std::u16string_view code);
   bool hasArgument() const { return m_in.rest().size() > m_behindArguments; }
 
-  Cursor m_in;
+  MTextCursor m_in;
   std::size_t m_behindArguments;  // units after the last semicolon
   MTextFormat m_base;
   MTextContent m_content;
@@ -219,56 +161,72 @@ bool Decoder::formatCode(char16_t code) {
     case u'\\':
     case u'{':
     case u'}':
-      return addLetter(code), true;
+      addLetter(code);
+      return true;
     case u'~':
-      return addLetter(u'\u00A0'), true;
+      addLetter(u'\u00A0');
+      return true;
     case u'P':
     case u'X':
-      return add(MTextPiece::LineBreak), true;
+      add(MTextPiece::LineBreak);
+      return true;
     case u'N':
-      return add(MTextPiece::ColumnBreak), true;
+      add(MTextPiece::ColumnBreak);
+      return true;
     case u'L':
     case u'l':
     case u'O':
     case u'o':
     case u'K':
     case u'k':
-      return lineCode(code), true;
-    case u'H':
-      return height(), true;
-    case u'W':
-      return factor(&MTextFormat::widthScale, m_base.widthScale), true;
-    case u'Q':
-      return oblique(), true;
-    case u'C':
-      return color(), true;
-    case u'c':
-      return trueColor(), true;
-    case u'A':
-      return align(), true;
-    case u'T':
-      return tracking(), true;
-    case u'f':
-    case u'F':
-      return font(), true;
-    case u'S':
-      return stack(), true;
-    case u'p':
-      return paragraph(), true;
+      lineCode(code);
+      return true;
     default:
-      return false;
+      return argumentCode(code);
+  }
+}
+
+bool Decoder::argumentCode(char16_t code) {
+  static constexpr struct {
+    char16_t code;
+    void (Decoder::*read)();
+  } readers[] = {
+      {u'H', &Decoder::height},   {u'W', &Decoder::width},     {u'Q', &Decoder::oblique},
+      {u'C', &Decoder::color},    {u'c', &Decoder::trueColor}, {u'A', &Decoder::align},
+      {u'T', &Decoder::tracking}, {u'f', &Decoder::font},      {u'F', &Decoder::font},
+      {u'S', &Decoder::stack},    {u'p', &Decoder::paragraph},
+  };
+  for (const auto& reader : readers) {
+    if (reader.code != code) continue;
+    (this->*reader.read)();
+    return true;
+  }
+  return false;
+}
+
+// The line that a code begins (in upper case) or ends.
+bool MTextFormat::*lineOf(char16_t code) {
+  switch (code) {
+    case u'L':
+    case u'l':
+      return &MTextFormat::under;
+    case u'O':
+    case u'o':
+      return &MTextFormat::over;
+    default:
+      return &MTextFormat::struck;
   }
 }
 
 void Decoder::lineCode(char16_t code) {
   MTextFormat f = format();
-  (code == u'L' || code == u'l'   ? f.under
-   : code == u'O' || code == u'o' ? f.over
-                                  : f.struck) = code < u'a';
+  f.*lineOf(code) = code < u'a';
   change(f);
 }
 
 void Decoder::height() { factor(&MTextFormat::height, m_base.height); }
+
+void Decoder::width() { factor(&MTextFormat::widthScale, m_base.widthScale); }
 
 // A number, or, followed by an x, a multiple of the current value.
 void Decoder::factor(double MTextFormat::*member, double base) {
@@ -318,14 +276,17 @@ void Decoder::trueColor() {
   change(f);
 }
 
+MTextFormat::Align alignOf(double code) {
+  if (code < 1) return MTextFormat::Bottom;
+  return code < 2 ? MTextFormat::Middle : MTextFormat::Top;
+}
+
 void Decoder::align() {
   double value;
   const bool isNumber = m_in.takeNumber(value);
   m_in.skipIf(u';');
   MTextFormat f = format();
-  f.align = !isNumber || value < 1 ? MTextFormat::Bottom
-            : value < 2            ? MTextFormat::Middle
-                                   : MTextFormat::Top;
+  f.align = isNumber ? alignOf(value) : MTextFormat::Bottom;
   change(f);
 }
 
@@ -354,7 +315,10 @@ void Decoder::stackUnit(std::u16string& out) {
     if (m_in.takeEscape(out)) return;
     m_in.skip(1);
     if (m_in.empty()) return;
-    if (m_in.skipIf(u'~')) return out += u' ', void();
+    if (m_in.skipIf(u'~')) {
+      out += u' ';
+      return;
+    }
   }
   const char16_t c = m_in.take();
   out += c;
@@ -389,7 +353,7 @@ void Decoder::stack() {
 // "\pxi1,l2,r0,qc,t4,8;": letters with numbers; '*' instead of a number resets the value.
 void Decoder::paragraph() {
   if (!hasArgument()) return;
-  Cursor in(m_in.takeArgument());
+  MTextCursor in(m_in.takeArgument());
   MTextParagraph paragraph = m_content.paragraphs.back();
   while (!in.empty()) {
     const char16_t code = in.take();
@@ -398,7 +362,7 @@ void Decoder::paragraph() {
   m_content.paragraphs.push_back(std::move(paragraph));
 }
 
-void Decoder::setParagraph(Cursor& in, char16_t code, MTextParagraph& paragraph) {
+void Decoder::setParagraph(MTextCursor& in, char16_t code, MTextParagraph& paragraph) {
   double value = 0;
   switch (code) {
     case u'i':

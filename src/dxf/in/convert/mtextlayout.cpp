@@ -318,7 +318,14 @@ double Layout::shift(const Line& line, double columnWidth) const {
 // Vertical offset of a piece lower than its line.
 double Layout::rise(const Line& line, const MTextFormat& f, double height) const {
   const double room = line.height - height;
-  return f.align == MTextFormat::Middle ? room / 2 : f.align == MTextFormat::Top ? room : 0;
+  switch (f.align) {
+    case MTextFormat::Middle:
+      return room / 2;
+    case MTextFormat::Top:
+      return room;
+    default:
+      return 0;
+  }
 }
 
 void Layout::add(double x, double y, std::size_t format, const std::u16string& text, long across) {

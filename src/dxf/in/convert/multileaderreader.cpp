@@ -4,6 +4,7 @@
 #include "dxf/in/convert/dimstyles.h"
 #include "dxf/in/convert/mtextreader.h"
 #include "dxf/in/convert/replacement.h"
+#include "dxf/in/coordinate.h"
 
 namespace vek0::detail {
 namespace {
@@ -54,7 +55,7 @@ struct MultileaderCodes {
 
 // One coordinate of a point whose codes are `first`, `first` + 10 and `first` + 20.
 void takeInto(PNT_3D& p, long code, long first, double value) {
-  (code == first ? p.x : code == first + 10 ? p.y : p.z) = value;
+  coordinate(p, (code - first) / 10) = value;
 }
 
 EntPtr MultileaderReader::read() {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "dxf/in/coordinate.h"
 #include "vek0core/entities/entpolyline.h"
 
 namespace vek0::detail {
@@ -75,9 +76,9 @@ EntPtr handOver(RecordReader& in, std::vector<EntPtr> built, const zim::WString&
 
 void takeCoordinate(RecordReader& in, long axis, std::vector<PNT_3D>& points) {
   const double value = in.lexer().getDouble();
-  if (axis == 0) return points.emplace_back(value, 0, 0), void();
+  if (axis == 0) points.emplace_back(0, 0, 0);
   if (points.empty()) return in.fail(CFileDXFIError::InconsistentRecord);
-  (axis == 1 ? points.back().y : points.back().z) = value;
+  coordinate(points.back(), axis) = value;
 }
 
 }  // namespace vek0::detail

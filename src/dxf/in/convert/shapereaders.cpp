@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "dxf/in/convert/replacement.h"
+#include "dxf/in/coordinate.h"
 #include "dxf/ocs.h"
 #include "vek0core/entities/entpolyline.h"
 
@@ -71,8 +72,7 @@ class Multiline {
     const double value = m_in.lexer().getDouble();
     if (code == 41) return takeDistance(value);
     if (code == 11) startVertex();
-    PNT_3D& target = m_vectors[code % 10 - 1];
-    (code < 20 ? target.x : code < 30 ? target.y : target.z) = value;
+    coordinate(m_vectors[code % 10 - 1], code / 10 - 1) = value;
   }
 
   const std::vector<ParallelLine>& lines() const { return m_lines; }

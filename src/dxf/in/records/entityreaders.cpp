@@ -139,7 +139,8 @@ EntPtr EntityReader::read(EntityKinds kinds) {
     if (kinds != EntityKinds::All || records.failed()) return ent;
     // Readers of approximated kinds have already placed their results.
     const bool inPlane = reader->since != EntityKinds::All;
-    return isLeftOut() ? nullptr : inPlane ? placed(std::move(ent)) : std::move(ent);
+    if (isLeftOut()) return nullptr;
+    return inPlane ? placed(std::move(ent)) : std::move(ent);
   }
   const std::optional<ReportCode> loss = lossOf(records.lexer(), kinds);
   if (kinds == EntityKinds::All) {

@@ -48,13 +48,19 @@ void stretch(long horizontal, const PNT_3D& from, const PNT_3D& to, TEXT_3D& tex
   text.setContext(context);
 }
 
+// For a height that is not positive: its absolute value, or that of the style, if either is.
+double substituteHeight(double height, const CStyle* style) {
+  if (height < 0) return -height;
+  const double fixed = style ? style->getFixedHeight() : 0;
+  return fixed > 0 ? fixed : 1;
+}
+
 CTextContext context(RecordReader& in, const zim::WString& string) {
   const Record& r = in.record();
   CTextContext c;
   c.setHeight(r.real(40));
   if (in.isTolerant() && !(c.getHeight() > 0)) {
-    const double fixed = r.style ? r.style->getFixedHeight() : 0;
-    c.setHeight(c.getHeight() < 0 ? -c.getHeight() : fixed > 0 ? fixed : 1);
+    c.setHeight(substituteHeight(c.getHeight(), r.style));
     in.note(ReportCode::NumberReplaced, u"40");
   }
   c.setWidthScale(r.real(41, 1));
