@@ -51,6 +51,7 @@
 #include "vek0core/hatch/boundary.h"
 #include "vek0core/hatch/catalogue.h"
 #include "vek0core/hatch/fill.h"
+#include "vek0core/hatch/hatchparameters.h"
 #include "vek0core/hatch/hatchtypetable.h"
 #include "vek0core/hatch/loops.h"
 #include "vek0core/hatch/triangulate.h"

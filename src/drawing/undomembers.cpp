@@ -124,13 +124,11 @@ std::size_t ContentExchange::size() const {
 
 void HatchExchange::swap(CData& data) {
   CBlock* block = m_hatch.getBlock();
-  const double scale = m_hatch.getHatchScale(), rotate = m_hatch.getHatchRotate();
-  const HATCH_TYPE* type = &m_hatch.getHatchType();
-  m_hatch.setShown(m_block, m_scale, m_rotate, *m_type);
+  const HatchParameters present{&m_hatch.getHatchType(), m_hatch.getHatchScale(),
+                                m_hatch.getHatchRotate()};
+  m_hatch.setShown(m_block, m_parameters.scale, m_parameters.rotate, *m_parameters.type);
   m_block = block;
-  m_scale = scale;
-  m_rotate = rotate;
-  m_type = type;
+  m_parameters = present;
   data.getEntTable().invalidateBdry();
   if (CBlock* owner = m_hatch.getOwnerBlock()) {
     owner->invalidateBdry();

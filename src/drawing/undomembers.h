@@ -10,6 +10,7 @@
 #include "drawing/undoaction.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/entities/blocks/block.h"
+#include "vek0core/hatch/hatchparameters.h"
 
 namespace vek0::detail {
 
@@ -133,17 +134,15 @@ class ContentExchange final : public UndoAction {
 /// The block that a hatch shows, with its parameters.
 class HatchExchange final : public UndoAction {
  public:
-  HatchExchange(CEntHatch& hatch, CBlock* block, double scale, double rotate,
-                const HATCH_TYPE& type)
-      : m_hatch(hatch), m_block(block), m_scale(scale), m_rotate(rotate), m_type(&type) {}
+  HatchExchange(CEntHatch& hatch, CBlock* block, const HatchParameters& parameters)
+      : m_hatch(hatch), m_block(block), m_parameters(parameters) {}
   void swap(CData& data) override;
   std::size_t size() const override { return sizeof *this; }
 
  private:
   CEntHatch& m_hatch;
   CBlock* m_block;
-  double m_scale, m_rotate;
-  const HATCH_TYPE* m_type;
+  HatchParameters m_parameters;
 };
 
 }  // namespace vek0::detail

@@ -457,7 +457,9 @@ bool CUndoStack::redefine(CEntHatch& hatch, double scale, double rotate, const H
     if (!fresh) return false;
     const std::size_t before = actions().size();
     CBlock* const old = hatch.getBlock();
-    if (!perform(newAction<HatchExchange>(hatch, fresh.get(), scale, rotate, type))) return false;
+    if (!perform(newAction<HatchExchange>(hatch, fresh.get(),
+                                          vek0::detail::HatchParameters{&type, scale, rotate})))
+      return false;
     if (!exchangeBlocks(old, fresh)) {
       unwind(before);
       return false;

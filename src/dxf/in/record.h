@@ -52,32 +52,37 @@ class CodeSet {
   std::uint64_t m_words[2] = {0, 0};
 };
 
+/// The properties that entities of every kind have.
+struct EntProperties {
+  CLayer* layer = nullptr;
+  CLtype* ltype = nullptr;
+  short color = 256;
+  vek0::Handle handle = 0;
+
+  /// The same for another object.
+  EntProperties withHandle(vek0::Handle other) const { return {layer, ltype, color, other}; }
+};
+
 /// The pairs of one entity record, reused from record to record: a value is valid only if its code
 /// was seen, so values of earlier records are never used.
-class Record {
+class Record : public EntProperties {
  public:
   /// Texts are the codes up to 3, reals those of 10 to 59, integers 60 to 99.
   static constexpr long kTexts = 4, kReals = 60, kIntegers = 100;
   static constexpr long kNoTrueColor = -1;
 
   CodeSet seen;
-  CLayer* layer = nullptr;
-  CLtype* ltype = nullptr;
   CStyle* style = nullptr;
-  vek0::Handle handle = 0;
-  short color = 256;
   long trueColor = kNoTrueColor;       ///< red, green and blue, one byte each; takes precedence
                                        ///< over `color`
   PNT_3D extrusion = PNT_3D(0, 0, 1);  ///< normal of the record's plane
 
   /// Starts a record with the default linetype of entities.
   void start(CLtype* byLayer) {
+    static_cast<EntProperties&>(*this) = {};
     seen = {};
-    layer = nullptr;
     ltype = byLayer;
     style = nullptr;
-    handle = 0;
-    color = 256;
     trueColor = kNoTrueColor;
     extrusion.set(0, 0, 1);
   }

@@ -7,6 +7,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "dxf/in/entbuilder.h"
 #include "dxf/in/namecache.h"
 #include "dxf/in/record.h"
 #include "vek0core/dxf/in/filedxfierror.h"
@@ -150,12 +151,8 @@ class RecordReader {
   /// The block or reference of that name; null if there is none yet.
   CBlock* findBlock(std::string_view bytes);
 
-  /// Wraps an object from the factory; null is error 1, out of memory.
-  template <class Ent>
-  std::unique_ptr<Ent> built(Ent* ent) const {
-    if (!ent) fail(CFileDXFIError::GeneralError);
-    return std::unique_ptr<Ent>(ent);
-  }
+  /// Creates entities, usually with the properties of the record.
+  EntBuilder make() const { return {factory(), gestor(), m_context.err}; }
 
   /// Entities of the current record beyond the first.
   std::vector<std::unique_ptr<CEnt>> further;

@@ -22,6 +22,7 @@
 #include "vek0core/hatch/triangulate.h"
 
 using vek0::detail::EntServices;
+using vek0::detail::HatchParameters;
 
 namespace {
 
@@ -71,10 +72,11 @@ class BlockSink final : public IHatchSink {
   CBlock& m_block;
 };
 
-HatchStatus fill(const HATCH_TYPE& type, double scale, double rotate,
-                 const std::vector<PNT_3D>& boundary, const EntServices& services, CBlock& block) {
+HatchStatus fill(const HatchParameters& with, const std::vector<PNT_3D>& boundary,
+                 const EntServices& services, CBlock& block) {
   BlockSink sink(services, block);
-  if (!isSolid(type)) return fillHatch(type, scale, rotate, boundary, services.hatchLimit, sink);
+  if (!isSolid(*with.type))
+    return fillHatch(*with.type, with.scale, with.rotate, boundary, services.hatchLimit, sink);
   std::vector<HatchFace> faces;
   const HatchStatus status = fillSolid(boundary, services.hatchLimit, faces);
   for (const HatchFace& face : faces) sink.face(face);
@@ -112,22 +114,21 @@ bool vek0::detail::addHatchBlock(CBlockTable& table, std::unique_ptr<CBlock>& bl
   return true;
 }
 
-CBlock* vek0::detail::makeHatchBlock(const zim::WString& name, const HATCH_TYPE& type, double scale,
-                                     double rotate, const std::vector<PNT_3D>& boundary,
-                                     CData& data) {
+CBlock* vek0::detail::makeHatchBlock(const zim::WString& name, const HatchParameters& parameters,
+                                     const std::vector<PNT_3D>& boundary, CData& data) {
   const EntServices services = servicesOf(data);
   std::unique_ptr<CBlock> block(
       services.blockFactory.create(name, PNT_3D(0, 0, 0), CBlock::kAnonymous));
   if (!block) throw std::bad_alloc();
-  const HatchStatus status = fill(type, scale, rotate, boundary, services, *block);
+  const HatchStatus status = fill(parameters, boundary, services, *block);
   if (status == HatchStatus::Done) return block.release();
-  if (const HatchMessageHandler handler = g_handler) handler(type, messageOf(status));
+  if (const HatchMessageHandler handler = g_handler) handler(*parameters.type, messageOf(status));
   return nullptr;
 }
 
 CBlock* createHatch(const zim::WString& name, const HATCH_TYPE& type, double scale, double rotate,
                     const std::vector<PNT_3D>& boundary, CData& data) try {
-  return vek0::detail::makeHatchBlock(name, type, scale, rotate, boundary, data);
+  return vek0::detail::makeHatchBlock(name, {&type, scale, rotate}, boundary, data);
 } catch (const std::bad_alloc&) {
   return nullptr;
 }

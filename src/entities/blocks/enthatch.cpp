@@ -14,28 +14,25 @@
 #include "vek0core/entities/entvisitor.h"
 #include "vek0core/hatch/boundary.h"
 
+using vek0::detail::HatchParameters;
+
 CEntHatch::CEntHatch(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color, CBlock* block,
                      const HATCH_TYPE& type, double scale, double rotate,
                      const std::vector<PNT_3D>& boundary)
-    : CEntInsertBase(handle, layer, ltype, color, block),
-      m_scale(scale),
-      m_rotate(rotate),
-      m_type(&type) {
+    : CEntInsertBase(handle, layer, ltype, color, block), m_parameters{&type, scale, rotate} {
   _hatch_compactVertex(boundary, m_boundary);
 }
 
 CEntHatch::CEntHatch(const CEntHatch& src, CBlock* block, vek0::Handle handle)
     : CEntInsertBase(src, block, handle),
-      m_scale(src.m_scale),
-      m_rotate(src.m_rotate),
-      m_boundary(src.m_boundary),
-      m_type(src.m_type) {}
+      m_parameters(src.m_parameters),
+      m_boundary(src.m_boundary) {}
 
 CEntHatch* CEntHatch::Create(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
                              const zim::WString& name, const HATCH_TYPE& type, double scale,
                              double rotate, const std::vector<PNT_3D>& boundary, CData& data) {
   std::unique_ptr<CBlock> block(
-      vek0::detail::makeHatchBlock(name, type, scale, rotate, boundary, data));
+      vek0::detail::makeHatchBlock(name, {&type, scale, rotate}, boundary, data));
   CEntHatch* hatch =
       new CEntHatch(handle, layer, ltype, color, block.get(), type, scale, rotate, boundary);
   static_cast<void>(block.release());
@@ -52,23 +49,22 @@ void CEntHatch::getInsertParams(double, PNT_3D& point, double& sx, double& sy, d
 }
 
 bool CEntHatch::redefine(CData& data, double scale, double rotate, const HATCH_TYPE& type) try {
-  if (scale == m_scale && rotate == m_rotate && &type == m_type) return true;
+  const HatchParameters wanted{&type, scale, rotate};
+  if (wanted == m_parameters) return true;
   const auto displaced =
       replaceLines(vek0::detail::servicesOf(data).blockTable, [&](const zim::WString& name) {
-        return vek0::detail::makeHatchBlock(name, type, scale, rotate, m_boundary, data);
+        return vek0::detail::makeHatchBlock(name, wanted, m_boundary, data);
       });
-  if (displaced) setParameters(scale, rotate, type, m_boundary);
+  if (displaced) setParameters(wanted, m_boundary);
   return displaced != nullptr;
 } catch (const std::bad_alloc&) {
   return false;
 }
 
-void CEntHatch::setParameters(double scale, double rotate, const HATCH_TYPE& type,
+void CEntHatch::setParameters(const HatchParameters& parameters,
                               const std::vector<PNT_3D>& boundary) {
   m_boundary = boundary;  // first: this alone can fail
-  m_scale = scale;
-  m_rotate = rotate;
-  m_type = &type;
+  m_parameters = parameters;
   dirtyBdry();
 }
 
@@ -161,7 +157,7 @@ std::unique_ptr<CEntHatch::ReplacedBlock> CEntHatch::replaceLines(CBlockTable& t
 
 void CEntHatch::setShown(CBlock* block, double scale, double rotate, const HATCH_TYPE& type) {
   replaceBlock(block);
-  setParameters(scale, rotate, type, m_boundary);
+  setParameters({&type, scale, rotate}, m_boundary);
 }
 
 CEnt* CEntHatch::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
@@ -194,7 +190,7 @@ void CEntHatch::setMemento(CData& data, const IEntDerivedMemento* memento) {
       (*block)[i]->setMemento(data, state->m_lines[i].state.get());
     block->invalidateBdry();
   }
-  setParameters(state->m_scale, state->m_rotate, *state->m_type, state->m_boundary);
+  setParameters(state->m_parameters, state->m_boundary);
 }
 
 // For a hatch without lines, generation may have failed.
@@ -205,15 +201,14 @@ std::unique_ptr<vek0::detail::EntParts> CEntHatch::replaceParts(CData& data,
   m_boundary.reserve(state->m_boundary.size());
   const auto make = [&](const zim::WString& name) {
     if (!state->m_lines.empty())
-      return vek0::detail::makeHatchBlock(name, *state->m_type, state->m_scale, state->m_rotate,
-                                          state->m_boundary, data);
+      return vek0::detail::makeHatchBlock(name, state->m_parameters, state->m_boundary, data);
     CBlock* empty = vek0::detail::servicesOf(data).blockFactory.create(name, PNT_3D(0, 0, 0),
                                                                        CBlock::kAnonymous);
     if (!empty) throw std::bad_alloc();
     return empty;
   };
   auto replaced = replaceLines(vek0::detail::servicesOf(data).blockTable, make);
-  if (replaced) setParameters(state->m_scale, state->m_rotate, *state->m_type, state->m_boundary);
+  if (replaced) setParameters(state->m_parameters, state->m_boundary);
   return replaced;
 }
 
@@ -222,11 +217,7 @@ IEntDerivedMemento* CEntHatch::createDerivedMemento() const {
 }
 
 CEntHatchMemento::CEntHatchMemento(const CEntHatch& ent)
-    : m_scale(ent.m_scale),
-      m_rotate(ent.m_rotate),
-      m_type(ent.m_type),
-      m_boundary(ent.m_boundary),
-      m_serial(0) {
+    : m_parameters(ent.m_parameters), m_boundary(ent.m_boundary), m_serial(0) {
   const CBlock* block = ent.getBlock();
   if (!block) return;
   m_serial = block->getSerial();
@@ -254,8 +245,8 @@ bool CEntHatchMemento::showsSameBlock(const CEntHatch& hatch) const {
 bool CEntHatchMemento::operator==(const CEnt& ent) const {
   if (ent.getType() != CEntHatch::kType) return false;
   const auto& hatch = static_cast<const CEntHatch&>(ent);
-  if (hatch.m_scale != m_scale || hatch.m_rotate != m_rotate || hatch.m_type != m_type ||
-      hatch.m_boundary != m_boundary || !showsSameBlock(hatch))
+  if (hatch.m_parameters != m_parameters || hatch.m_boundary != m_boundary ||
+      !showsSameBlock(hatch))
     return false;
   for (unsigned i = 0; i < m_lines.size(); ++i)
     if (!(*m_lines[i].state == *(*hatch.getBlock())[i])) return false;

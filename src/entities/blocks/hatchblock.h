@@ -3,11 +3,12 @@
 #include <memory>
 #include <vector>
 
+#include "vek0core/hatch/hatchparameters.h"
+
 class CBlock;
 class CBlockTable;
 class CData;
 class PNT_3D;
-struct HATCH_TYPE;
 
 namespace zim {
 class WString;
@@ -25,7 +26,7 @@ bool addHatchBlock(CBlockTable& table, std::unique_ptr<CBlock>& block);
 
 /// As `createHatch`, but throws `std::bad_alloc` when there is no memory: null means that the
 /// lines cannot be generated.
-CBlock* makeHatchBlock(const zim::WString& name, const HATCH_TYPE& type, double scale,
-                       double rotate, const std::vector<PNT_3D>& boundary, CData& data);
+CBlock* makeHatchBlock(const zim::WString& name, const HatchParameters& parameters,
+                       const std::vector<PNT_3D>& boundary, CData& data);
 
 }  // namespace vek0::detail

@@ -9,6 +9,7 @@
 #include "vek0core/export.h"
 #include "vek0core/geometry/pnt.h"
 #include "vek0core/hatch/catalogue.h"
+#include "vek0core/hatch/hatchparameters.h"
 #include "vek0core/tables/handle.h"
 #include "zim0lang/wstring.h"
 
@@ -46,13 +47,13 @@ class VEK0_API CEntHatch : public CEntInsertBase {
                        double& rotation) const override;
 
   /// Pattern scale. The setter, like those below, does not change the lines.
-  double getHatchScale() const { return m_scale; }
-  void setHatchScale(double scale) { m_scale = scale; }
+  double getHatchScale() const { return m_parameters.scale; }
+  void setHatchScale(double scale) { m_parameters.scale = scale; }
   /// Pattern angle in radians.
-  double getHatchRotate() const { return m_rotate; }
-  void setHatchRotate(double rotate) { m_rotate = rotate; }
+  double getHatchRotate() const { return m_parameters.rotate; }
+  void setHatchRotate(double rotate) { m_parameters.rotate = rotate; }
   /// The pattern, from the catalogue or from the drawing's table.
-  const HATCH_TYPE& getHatchType() const { return *m_type; }
+  const HATCH_TYPE& getHatchType() const { return *m_parameters.type; }
   /// The stored points of all rings, closing points included.
   long getNoPnts() const { return static_cast<long>(m_boundary.size()); }
   const PNT_3D& getPnt(long i) const { return m_boundary[static_cast<std::size_t>(i)]; }
@@ -94,13 +95,11 @@ class VEK0_API CEntHatch : public CEntInsertBase {
   using BlockMaker = std::function<CBlock*(const zim::WString& name)>;
 
   std::unique_ptr<ReplacedBlock> replaceLines(CBlockTable& table, const BlockMaker& make);
-  void setParameters(double scale, double rotate, const HATCH_TYPE& type,
+  void setParameters(const vek0::detail::HatchParameters& parameters,
                      const std::vector<PNT_3D>& boundary);
 
-  double m_scale;
-  double m_rotate;
+  vek0::detail::HatchParameters m_parameters;
   std::vector<PNT_3D> m_boundary;
-  const HATCH_TYPE* m_type;
 };
 
 /// Undo snapshot of a hatch: parameters, boundary, and the state of every entity of its
@@ -124,8 +123,7 @@ class VEK0_API CEntHatchMemento final : public IEntDerivedMemento {
 
   bool showsSameBlock(const CEntHatch& hatch) const;
 
-  double m_scale, m_rotate;
-  const HATCH_TYPE* m_type;
+  vek0::detail::HatchParameters m_parameters;
   std::vector<PNT_3D> m_boundary;
   std::uint64_t m_serial;  // of the block; 0 if there was none
   std::vector<Line> m_lines;

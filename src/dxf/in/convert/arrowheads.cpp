@@ -97,8 +97,7 @@ PNT_3D ArrowHeads::place(const PNT_3D& tip, double angleRad, double along, doubl
 
 EntPtr ArrowHeads::buildDot(const PNT_3D& at) const {
   const Record& r = m_in.record();
-  return m_in.built(m_in.factory().createEntCircle(m_in.gestor(), r.layer, r.ltype, r.color,
-                                                   CIRCLE_3D(at.x, at.y, at.z, m_size / 2), 0));
+  return m_in.make().circle(r.withHandle(0), CIRCLE_3D(at.x, at.y, at.z, m_size / 2));
 }
 
 // Valid from below as well: heads are symmetric about their line.
@@ -106,9 +105,8 @@ EntPtr ArrowHeads::insertBlock(int end, const PNT_3D& at, double angleRad) const
   const Record& r = m_in.record();
   const PNT_3D way = m_axes.toWorld(PNT_3D(std::cos(angleRad), std::sin(angleRad), 0));
   m_in.insertRead = true;
-  return m_in.built(m_in.factory().createEntInsert(m_in.gestor(), r.layer, r.ltype, r.color,
-                                                   m_block[end], at, m_size, m_size, m_size,
-                                                   std::atan2(way.y, way.x), 1, 1, 0, 0, 0));
+  return m_in.make().insert(r.withHandle(0), m_block[end], at, m_size, m_size, m_size,
+                            std::atan2(way.y, way.x), 1, 1, 0, 0);
 }
 
 }  // namespace vek0::detail

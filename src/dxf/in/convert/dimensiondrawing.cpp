@@ -93,9 +93,8 @@ void DimensionDrawing::drawLine(const PNT_3D& from, const PNT_3D& to) {
   const PNT_3D start = m_axes.toWorld(from), end = m_axes.toWorld(to);
   if (!std::isfinite(distance(start, end))) return m_in.fail(CFileDXFIError::InconsistentRecord);
   const Record& r = m_in.record();
-  if (EntPtr line = m_in.built(m_in.factory().createEntLine(m_in.gestor(), r.layer, r.ltype,
-                                                            r.color, LINE_3D(start, end),
-                                                            built.empty() ? r.handle : 0)))
+  if (EntPtr line =
+          m_in.make().line(r.withHandle(built.empty() ? r.handle : 0), LINE_3D(start, end)))
     built.push_back(std::move(line));
 }
 

@@ -36,9 +36,7 @@ EntPtr insertPicture(RecordReader& in, Picture& picture, const PNT_3D& at, doubl
   in.insertRead = true;
   const Record& r = in.record();
   std::vector<EntPtr> built;
-  if (EntPtr insert = in.built(in.factory().createEntInsert(in.gestor(), r.layer, r.ltype, r.color,
-                                                            picture.block, at, 1, 1, 1, angleRad, 1,
-                                                            1, 0, 0, r.handle)))
+  if (EntPtr insert = in.make().insert(r, picture.block, at, 1, 1, 1, angleRad, 1, 1, 0, 0))
     built.push_back(std::move(insert));
   return handOver(in, std::move(built), kind);
 }

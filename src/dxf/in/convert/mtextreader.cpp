@@ -262,8 +262,8 @@ void buildMText(RecordReader& in, const MTextRecord& record, vek0::Handle handle
     if (!isFinitePoint(at)) return in.fail(CFileDXFIError::InconsistentRecord);
     TEXT_3D text(plane.context(f, zim::WString(run.text)), record.style, at.x, at.y, at.z, 0);
     text.setAlign(text.findJustify(run.across, 0));
-    EntPtr ent = in.built(in.factory().createEntText(in.gestor(), r.layer, r.ltype, f.color, text,
-                                                     built.empty() ? handle : 0));
+    EntPtr ent =
+        in.make().text(EntProperties{r.layer, r.ltype, f.color, built.empty() ? handle : 0}, text);
     if (!ent) return;
     built.push_back(std::move(ent));
   }

@@ -27,8 +27,7 @@ EntPtr chordsOf(RecordReader& in, const CIRCLE_3D& circle, double start, double 
   }
   const Record& r = in.record();
   const short flags = CEntPolyline::kLtGen | (closed ? CEntPolyline::kClosed : 0);
-  auto polyline = in.built(
-      in.factory().createEntPolyline(in.gestor(), r.layer, r.ltype, r.color, flags, 0, r.handle));
+  auto polyline = in.make().polyline(r, flags, 0);
   if (polyline)
     polyline->setBulgedVertexes(in.gestor(), in.factory(), vertexes.data(), vertexes.size());
   in.note(ReportCode::CurveAsPolyline);

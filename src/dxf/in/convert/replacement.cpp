@@ -28,8 +28,7 @@ EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short fla
     return nullptr;
   }
   const Record& r = in.record();
-  auto polyline = in.built(
-      in.factory().createEntPolyline(in.gestor(), r.layer, r.ltype, r.color, flags, 0, handle));
+  auto polyline = in.make().polyline(r.withHandle(handle), flags, 0);
   if (!polyline) return nullptr;
   std::vector<BULGED_VERTEX> vertexes;
   vertexes.reserve(points.size());
@@ -45,9 +44,8 @@ EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges,
     return nullptr;
   }
   const Record& r = in.record();
-  return in.built(in.factory().createEntSolid(in.gestor(), r.layer, r.ltype, r.color, corners[0],
-                                              corners[1], corners[2], corners[3], hiddenEdges, fill,
-                                              handle));
+  return in.make().filledFace(r.withHandle(handle), corners[0], corners[1], corners[2], corners[3],
+                              hiddenEdges, fill);
 }
 
 std::vector<EntPtr> buildOutlines(RecordReader& in, const std::vector<std::vector<PNT_3D>>& rings,

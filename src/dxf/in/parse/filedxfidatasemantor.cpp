@@ -239,7 +239,7 @@ CEntHatch* IFileDXFIDataSemantor::createHatch(CLayer* layer, CLtype* ltype, shor
                                               const HATCH_TYPE& type, double scale, double rotate,
                                               const std::vector<PNT_3D>& boundary,
                                               vek0::Handle handle) {
-  std::unique_ptr<CBlock> block = generate(type, scale, rotate, boundary);
+  std::unique_ptr<CBlock> block = generate({&type, scale, rotate}, boundary);
   std::unique_ptr<CEntHatch> hatch;
   if (!block) {
     note(ReportCode::HatchEmpty, type.name);
@@ -259,17 +259,16 @@ CEntHatch* IFileDXFIDataSemantor::createHatch(CLayer* layer, CLtype* ltype, shor
 }
 
 // A few lines in a file can request millions of pieces, and there can be many such hatches.
-std::unique_ptr<CBlock> IFileDXFIDataSemantor::generate(const HATCH_TYPE& type, double scale,
-                                                        double rotate,
-                                                        const std::vector<PNT_3D>& boundary) {
+std::unique_ptr<CBlock> IFileDXFIDataSemantor::generate(
+    const vek0::detail::HatchParameters& parameters, const std::vector<PNT_3D>& boundary) {
   m_hatchRoom += vek0::detail::kShareOfEachHatch * m_data.getHatchLimit();
   constexpr double cutsPerPiece = 20;  // which take as long as making a piece
-  const double cuts = static_cast<double>(boundary.size()) * type.numLines;
+  const double cuts = static_cast<double>(boundary.size()) * parameters.type->numLines;
   if (cuts > m_hatchRoom * cutsPerPiece) return nullptr;
   m_hatchRoom -= cuts / cutsPerPiece;
   const HatchLimit limit(m_data, m_hatchRoom);
-  std::unique_ptr<CBlock> block(vek0::detail::makeHatchBlock(getHatchName(getBlockTable()), type,
-                                                             scale, rotate, boundary, m_data));
+  std::unique_ptr<CBlock> block(
+      vek0::detail::makeHatchBlock(getHatchName(getBlockTable()), parameters, boundary, m_data));
   if (block) m_hatchRoom -= static_cast<double>(block->size());
   return block;
 }
@@ -411,8 +410,9 @@ void IFileDXFIDataSemantor::refillSolids() {
 void IFileDXFIDataSemantor::refill(const CEntHatch& hatch) {
   CBlock& block = *hatch.getBlock();
   if (block.size() == 0) {
-    const std::unique_ptr<CBlock> fresh = generate(hatch.getHatchType(), hatch.getHatchScale(),
-                                                   hatch.getHatchRotate(), hatch.getBoundary());
+    const std::unique_ptr<CBlock> fresh =
+        generate({&hatch.getHatchType(), hatch.getHatchScale(), hatch.getHatchRotate()},
+                 hatch.getBoundary());
     if (!fresh) return note(ReportCode::HatchEmpty, hatch.getHatchType().name);
     std::list<CEnt*> pieces;
     for (unsigned i = 0; i < fresh->size(); ++i) pieces.push_back((*fresh)[i]);

@@ -14,8 +14,7 @@ EntPtr readEndless(RecordReader& in, LineReach reach) {
     in.fail(CFileDXFIError::OutOfRange);
     return nullptr;
   }
-  auto ent =
-      in.built(in.factory().createEntLine(in.gestor(), r.layer, r.ltype, r.color, line, r.handle));
+  auto ent = in.make().line(r, line);
   if (ent) ent->setReach(reach);
   return ent;
 }

@@ -16,16 +16,14 @@ EntPtr readPoint(RecordReader& in) {
   static constexpr RecordKind kind({10, 20, 30}, {8, 10, 20});
   if (!in.read(kind)) return nullptr;
   const Record& r = in.record();
-  return in.built(
-      in.factory().createEntPnt(in.gestor(), r.layer, r.ltype, r.color, r.point(0), r.handle));
+  return in.make().point(r, r.point(0));
 }
 
 EntPtr readLine(RecordReader& in) {
   static constexpr RecordKind kind({10, 20, 30, 11, 21, 31}, {8, 10, 20, 11, 21});
   if (!in.read(kind)) return nullptr;
   const Record& r = in.record();
-  return in.built(in.factory().createEntLine(in.gestor(), r.layer, r.ltype, r.color,
-                                             LINE_3D(r.point(0), r.point(1)), r.handle));
+  return in.make().line(r, LINE_3D(r.point(0), r.point(1)));
 }
 
 EntPtr readCircle(RecordReader& in) {
@@ -34,8 +32,7 @@ EntPtr readCircle(RecordReader& in) {
   const Record& r = in.record();
   const CIRCLE_3D circle(r.real(10), r.real(20), r.real(30), in.radius(r.real(40)));
   if (in.failed()) return nullptr;
-  return in.built(
-      in.factory().createEntCircle(in.gestor(), r.layer, r.ltype, r.color, circle, r.handle));
+  return in.make().circle(r, circle);
 }
 
 EntPtr readArc(RecordReader& in) {
@@ -45,7 +42,7 @@ EntPtr readArc(RecordReader& in) {
   const ARC_3D arc(r.real(10), r.real(20), r.real(30), in.radius(r.real(40)),
                    r.real(50) * kRadiansPerDegree, r.real(51) * kRadiansPerDegree);
   if (in.failed()) return nullptr;
-  return in.built(in.factory().createEntArc(in.gestor(), r.layer, r.ltype, r.color, arc, r.handle));
+  return in.make().arc(r, arc);
 }
 
 EntPtr read3DFace(RecordReader& in) {
@@ -57,9 +54,7 @@ EntPtr read3DFace(RecordReader& in) {
   const Record& r = in.record();
   const long fourth = r.seen.has(13) && r.seen.has(23) ? 3 : 2;
   if (fourth == 2) in.note(ReportCode::CodeMissing);
-  return in.built(in.factory().createEnt3DFace(in.gestor(), r.layer, r.ltype, r.color, r.point(0),
-                                               r.point(1), r.point(2), r.point(fourth),
-                                               r.integer(70), r.handle));
+  return in.make().face(r, r.point(0), r.point(1), r.point(2), r.point(fourth), r.integer(70));
 }
 
 struct Reader {

@@ -30,19 +30,17 @@ double scale(const RecordReader& in, long code) {
 }
 
 // The first count and spacing are the columns', the second the rows'.
-CEntInsert* createInsert(RecordReader& in, CBlock& block) {
+std::unique_ptr<CEntInsert> createInsert(RecordReader& in, CBlock& block) {
   const Record& r = in.record();
   const double sx = scale(in, 41), sy = scale(in, 42), sz = scale(in, 43);
   const double rotation = r.real(50) * kRadiansPerDegree;
   const long columns = r.integer(70, 1), rows = r.integer(71, 1);
   if (block.isXRef())
-    return in.factory().createEntInsertXRef(
-        in.gestor(), r.layer, r.ltype, r.color, in.context().semantor.getDepend(),
-        static_cast<CBlockXRef*>(&block), r.point(0), sx, sy, sz, rotation, columns, rows,
-        r.real(44), r.real(45), r.handle);
-  return in.factory().createEntInsert(in.gestor(), r.layer, r.ltype, r.color, &block, r.point(0),
-                                      sx, sy, sz, rotation, columns, rows, r.real(44), r.real(45),
-                                      r.handle);
+    return in.make().xrefInsert(r, in.context().semantor.getDepend(),
+                                static_cast<CBlockXRef*>(&block), r.point(0), sx, sy, sz, rotation,
+                                columns, rows, r.real(44), r.real(45));
+  return in.make().insert(r, &block, r.point(0), sx, sy, sz, rotation, columns, rows, r.real(44),
+                          r.real(45));
 }
 
 // Attributes are in drawing coordinates in the file and in block coordinates in the insert.
@@ -114,9 +112,8 @@ EntPtr readHatch(RecordReader& in, CBlock& block, HatchData& data) {
   if (in.context().options.policy.hatchOutlines && !isSolid(*data.type))
     return outlineHatch(in, data.rings, data.type->name);
   const Record& r = in.record();
-  auto hatch = in.built(in.factory().createEntHatch(in.gestor(), r.layer, r.ltype, r.color, &block,
-                                                    *data.type, data.scale, data.angleRad,
-                                                    joinHatchRings(data.rings), r.handle));
+  auto hatch =
+      in.make().hatch(r, &block, *data.type, data.scale, data.angleRad, joinHatchRings(data.rings));
   if (hatch) in.context().semantor.adoptHatch(*hatch);
   return hatch;
 }
@@ -161,7 +158,7 @@ EntPtr readInsert(RecordReader& in) {
   const bool attribsFollow = in.isTolerant()
                                  ? in.lexer().isKeyword("ATTRIB") || in.lexer().isKeyword("SEQEND")
                                  : in.record().integer(66) != 0;
-  std::unique_ptr<CEntInsert> insert = in.built(createInsert(in, *block));
+  std::unique_ptr<CEntInsert> insert = createInsert(in, *block);
   if (insert && dictionary != 0 && in.isTolerant()) insert->setClip(promisedClip(in, dictionary));
   if (insert && attribsFollow) readAttribs(in, *insert);
   if (in.failed()) return nullptr;

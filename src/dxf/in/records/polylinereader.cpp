@@ -64,9 +64,8 @@ bool PolylineReader::readHead() {
   if (!m_in.read(kind, {40, 41}, missingParam, [&](long code) { m_in.takeWidth(code); }))
     return false;
   const Record& r = m_in.record();
-  m_head = {r.layer,       r.ltype,       r.color,      r.handle,   r.integer(70),
-            r.integer(75), r.real(30),    r.real(40),   r.real(41), r.integer(71),
-            r.integer(72), r.integer(73), r.integer(74)};
+  m_head = {r,          r.integer(70), r.integer(75), r.real(30),    r.real(40),
+            r.real(41), r.integer(71), r.integer(72), r.integer(73), r.integer(74)};
   return true;
 }
 
@@ -131,9 +130,7 @@ void PolylineReader::keepFace() {
   const Record& r = m_in.record();
   Face& face = m_faces.emplace_back();
   for (long i = 0; i < 4; ++i) face.corner[i] = r.integer(71 + i);
-  face.layer = r.layer;
-  face.ltype = r.ltype;
-  face.color = r.color;
+  face.properties = r.withHandle(0);
 }
 
 void PolylineReader::keepVertex() {
@@ -144,8 +141,7 @@ void PolylineReader::keepVertex() {
 }
 
 std::unique_ptr<CEntPolyline> PolylineReader::create(short flags, short degree) const {
-  return m_in.built(m_in.factory().createEntPolyline(m_in.gestor(), m_head.layer, m_head.ltype,
-                                                     m_head.color, flags, degree, m_head.handle));
+  return m_in.make().polyline(m_head.properties, flags, degree);
 }
 
 EntPtr PolylineReader::buildPlain() {
@@ -185,8 +181,8 @@ EntPtr PolylineReader::buildCurve(short type, short degree) {
   auto polyline = create(static_cast<short>((m_head.flags & (kClosed | kLtGen)) | type), degree);
   if (!polyline) return nullptr;
   for (const BULGED_VERTEX& v : controls) {
-    auto vertex = m_in.built(m_in.factory().createVertex(m_in.gestor(), PNT_3D(v.x, v.y, v.z),
-                                                         v.widthStart, v.widthEnd, v.handle));
+    auto vertex = m_in.make().owned(m_in.factory().createVertex(
+        m_in.gestor(), PNT_3D(v.x, v.y, v.z), v.widthStart, v.widthEnd, v.handle));
     if (!vertex) return nullptr;
     polyline->addVertex(*vertex);
     static_cast<void>(vertex.release());  // only now that the polyline owns it
@@ -210,7 +206,7 @@ void PolylineReader::addFitted(CEntPolyline& polyline, const std::vector<BULGED_
   }
   m_fittedLeft -= chain.size() - fitted.size();
   chain.forEach([&](const ChainVertex& v) {
-    auto vertex = m_in.built(
+    auto vertex = m_in.make().owned(
         m_in.factory().createVertex(m_in.gestor(), v.pnt, v.widthStart, v.widthEnd, v.handle));
     if (!vertex) return;
     polyline.addVisibleVertex(*vertex);
@@ -239,13 +235,13 @@ EntPtr PolylineReader::buildMesh() {
     m_in.note(ReportCode::MeshIncomplete);
   const std::size_t lastRow = (m_head.flags & kClosed) != 0 ? rows : rows - 1;
   const std::size_t lastColumn = (m_head.flags & kClosedN) != 0 ? columns : columns - 1;
-  const Face look{{}, m_head.layer, m_head.ltype, m_head.color};
+  const EntProperties properties = m_head.properties.withHandle(0);
   for (std::size_t i = 0; i < lastRow; ++i) {
     const std::size_t row = i * columns, next = (i + 1) % rows * columns;
     for (std::size_t j = 0; j < lastColumn; ++j) {
       const std::size_t right = (j + 1) % columns;
-      addFace(look, {points[row + j], points[row + right], points[next + right], points[next + j]},
-              0);
+      addFace(properties,
+              {points[row + j], points[row + right], points[next + right], points[next + j]}, 0);
     }
   }
   return firstFace();
@@ -272,15 +268,15 @@ void PolylineReader::addPolyfaceFace(const Face& face) {
       corners[i] = at(index - 1);
     }
   }
-  addFace(face, corners, hiddenEdge(face.corner));
+  addFace(face.properties, corners, hiddenEdge(face.corner));
 }
 
-void PolylineReader::addFace(const Face& look, const PNT_3D (&corners)[4], long hiddenEdges) {
+void PolylineReader::addFace(const EntProperties& properties, const PNT_3D (&corners)[4],
+                             long hiddenEdges) {
   if (!std::all_of(std::begin(corners), std::end(corners), isSomewhere))
     return m_in.note(ReportCode::MeshIncomplete);
-  if (EntPtr face = m_in.built(m_in.factory().createEnt3DFace(
-          m_in.gestor(), look.layer, look.ltype, look.color, corners[0], corners[1], corners[2],
-          corners[3], hiddenEdges, 0)))
+  if (EntPtr face =
+          m_in.make().face(properties, corners[0], corners[1], corners[2], corners[3], hiddenEdges))
     m_built.push_back(std::move(face));
 }
 
@@ -350,7 +346,7 @@ bool PolylineReader::finishLwPolyline() {
     }
     m_in.note(ReportCode::NumberReplaced, u"90");
   }
-  m_head = {r.layer, r.ltype, r.color, r.handle, r.integer(70), 0, 0, 0, 0, 0, 0, 0, 0};
+  m_head = {r, r.integer(70), 0, 0, 0, 0, 0, 0, 0, 0};
   const double z = r.real(38), width = r.real(43);
   for (BULGED_VERTEX& vertex : m_vertexes) {
     vertex.z = z;

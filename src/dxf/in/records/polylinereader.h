@@ -23,10 +23,7 @@ class PolylineReader {
  private:
   /// The part of the POLYLINE record common to all vertices.
   struct Head {
-    CLayer* layer;
-    CLtype* ltype;
-    short color;
-    vek0::Handle handle;
+    EntProperties properties;
     long flags;    // code 70
     long surface;  // code 75
     double z, widthStart, widthEnd;
@@ -37,9 +34,7 @@ class PolylineReader {
   /// there is invisible, 0 for none.
   struct Face {
     long corner[4];
-    CLayer* layer;
-    CLtype* ltype;
-    short color;
+    EntProperties properties;
   };
 
   bool readHead();
@@ -60,7 +55,7 @@ class PolylineReader {
   EntPtr buildMesh();
   EntPtr buildPolyface();
   void addPolyfaceFace(const Face& face);
-  void addFace(const Face& look, const PNT_3D (&corners)[4], long hiddenEdges);
+  void addFace(const EntProperties& properties, const PNT_3D (&corners)[4], long hiddenEdges);
   EntPtr firstFace();
   PNT_3D at(std::size_t i) const;
 

@@ -103,8 +103,7 @@ EntPtr readText(RecordReader& in) {
   static constexpr RecordKind kind(kTextCodes | CodeSet{73}, {8, 10, 20, 40});
   if (!read(in, kind)) return nullptr;
   const Record& r = in.record();
-  return in.built(in.factory().createEntText(in.gestor(), r.layer, r.ltype, r.color,
-                                             placedText(in, r.text(1), 73), r.handle));
+  return in.make().text(r, placedText(in, r.text(1), 73));
 }
 
 EntPtr readAttdef(RecordReader& in) {
@@ -112,9 +111,7 @@ EntPtr readAttdef(RecordReader& in) {
                                    {8, 10, 20, 40, 1, 2, 3, 70});
   if (!read(in, kind)) return nullptr;
   const Record& r = in.record();
-  return in.built(in.factory().createEntAttdef(in.gestor(), r.layer, r.ltype, r.color,
-                                               placedText(in, r.text(2), 74), r.text(1), r.text(3),
-                                               r.integer(70), r.handle));
+  return in.make().attdef(r, placedText(in, r.text(2), 74), r.text(1), r.text(3), r.integer(70));
 }
 
 std::unique_ptr<CEntAttrib> readAttrib(RecordReader& in) {
@@ -122,9 +119,7 @@ std::unique_ptr<CEntAttrib> readAttrib(RecordReader& in) {
   if (!read(in, kind)) return nullptr;
   const Record& r = in.record();
   const long flags = r.integer(70) | (r.integer(60) != 0 ? kInvisibleAttrib : 0);
-  return in.built(in.factory().createEntAttrib(in.gestor(), r.layer, r.ltype, r.color,
-                                               placedText(in, r.text(1), 74), r.text(2), flags,
-                                               r.handle));
+  return in.make().attrib(r, placedText(in, r.text(1), 74), r.text(2), flags);
 }
 
 }  // namespace vek0::detail

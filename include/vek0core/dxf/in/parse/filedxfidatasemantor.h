@@ -9,6 +9,7 @@
 #include "vek0core/dxf/in/filedxfioptions.h"
 #include "vek0core/dxf/in/filedxfisemantor.h"
 #include "vek0core/files/reportcode.h"
+#include "vek0core/hatch/hatchparameters.h"
 #include "vek0core/tables/handle.h"
 
 class CBlockXRef;
@@ -112,7 +113,7 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
                       long flags);
   Placeholder* findPlaceholder(const CBlock& block);
   /// Generates the lines of a hatch; null if there would be too many, or none can be generated.
-  std::unique_ptr<CBlock> generate(const HATCH_TYPE& type, double scale, double rotate,
+  std::unique_ptr<CBlock> generate(const vek0::detail::HatchParameters& parameters,
                                    const std::vector<PNT_3D>& boundary);
   void dropUnusedHatchBlocks();
   void dropFalseXRefs();
