@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "drawing/entcloner.h"
+#include "tables/handover.h"
 #include "vek0core/drawing/datafactory.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/entities/blocks/block.h"
@@ -14,9 +15,9 @@
 using vek0::detail::addNew;
 using vek0::detail::cloneDashes;
 using vek0::detail::cloneOnto;
-using vek0::detail::give;
 using vek0::detail::ItemMap;
 using vek0::detail::orThrow;
+using vek0::detail::restoreTo;
 
 namespace {
 
@@ -174,7 +175,7 @@ class DrawingCopy {
   }
 
   void fill(const CBlock& from, CBlock& to) {
-    for (unsigned i = 0; i < from.size(); ++i) give(to, cloneOnto(m_copy, m_map, *from[i]));
+    for (unsigned i = 0; i < from.size(); ++i) restoreTo(to, cloneOnto(m_copy, m_map, *from[i]));
     to.insertBlock(m_copy.getHandleGestor());
     m_copy.getBlockTable().updateBlock(&to);
   }
@@ -189,7 +190,7 @@ class DrawingCopy {
       CBlock& made = *blocks.back();
       m_map.add(block.get(), &made);
       for (unsigned i = 0; i < block->size(); ++i)
-        give(made, cloneOnto(m_copy, m_map, *(*block)[i]));
+        restoreTo(made, cloneOnto(m_copy, m_map, *(*block)[i]));
     }
     std::vector<std::unique_ptr<CEnt>> entities;
     for (unsigned i = 0; i < from.size(); ++i)

@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "tables/handover.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/blocks/enthatch.h"
@@ -119,9 +120,7 @@ class EntCloner final : public IEntVisitor {
   void keepInsert(const CEntInsertBase& src, Insert* made) {
     std::unique_ptr<Insert> insert(orThrow(made));
     for (unsigned i = 0; i < src.GetNoAttribs(); ++i) {
-      std::unique_ptr<CEntAttrib> copy = attrib(*src.GetAttrib(i));
-      insert->add(copy.get());
-      static_cast<void>(copy.release());  // not before the insert has it
+      addTo(*insert, attrib(*src.GetAttrib(i)));
     }
     keep(insert.release());
   }
@@ -156,14 +155,11 @@ class EntCloner final : public IEntVisitor {
     }
     for (int i = 0; i < e.getFirstVisibleVertex(); ++i) {
       const CVertex& v = e.GetVertex(i);
-      auto made = vertex(v.getPnt(), v.GetWidthStart(), v.GetWidthEnd(), v.GetHandle());
-      copy->addVertex(*made);
-      static_cast<void>(made.release());  // not before the polyline has it
+      handOver(vertex(v.getPnt(), v.GetWidthStart(), v.GetWidthEnd(), v.GetHandle()),
+               [&](CVertex& made) { copy->addVertex(made); });
     }
     e.forEachVisible([&](const PNT_3D& pnt, double ws, double we, double, vek0::Handle handle) {
-      auto made = vertex(pnt, ws, we, handle);
-      copy->addVisibleVertex(*made);
-      static_cast<void>(made.release());
+      handOver(vertex(pnt, ws, we, handle), [&](CVertex& made) { copy->addVisibleVertex(made); });
     });
     copy->calcBdry();
     return copy;

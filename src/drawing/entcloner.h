@@ -36,13 +36,6 @@ class ItemMap {
   std::unordered_map<const void*, void*> m_items;
 };
 
-/// Hands a copy over to the block that is to have it.
-template <class Ent>
-void give(CBlock& block, std::unique_ptr<Ent> ent) {
-  block.restore(ent.get());
-  static_cast<void>(ent.release());  // not before the block has it
-}
-
 /// A copy for `data`, in no table, with its items mapped: the new block determines whether an
 /// insert becomes an ordinary one or one of an external reference. Keeps the handle. Throws
 /// `std::bad_alloc`.

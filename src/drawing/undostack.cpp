@@ -477,7 +477,5 @@ bool CUndoStack::exchangeBlocks(CBlock* old, std::unique_ptr<CBlock>& fresh) {
   } catch (const std::bad_alloc&) {
     return false;
   }
-  if (!add(fresh.get())) return false;
-  static_cast<void>(fresh.release());
-  return true;
+  return add(fresh.get()) && fresh.release() != nullptr;
 }

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "entities/ownedvertices.h"
+#include "tables/handover.h"
 #include "vek0core/entities/entfactory.h"
 
 using vek0::detail::BulgedChain;
@@ -271,9 +272,8 @@ void CEntPolyline::clearVertex(IHandleGestor& gestor) {
 void CEntPolyline::addBulgedVertex(const PNT_3D& pnt, double widthStart, double widthEnd,
                                    double bulge, vek0::Handle handle) {
   if (isCurve() || !m_vertexes.empty()) {
-    auto vertex = std::make_unique<CVertex>(pnt, widthStart, widthEnd, handle);
-    addVisibleVertex(*vertex);
-    static_cast<void>(vertex.release());
+    vek0::detail::handOver(std::make_unique<CVertex>(pnt, widthStart, widthEnd, handle),
+                           [this](CVertex& vertex) { addVisibleVertex(vertex); });
     return;
   }
   m_packed.add({pnt.x, pnt.y, pnt.z, widthStart, widthEnd, bulge, handle});

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "ltypefile/isoltypes.h"
+#include "tables/handover.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/files/filememory.h"
 #include "vek0core/ltypefile/ltypeloader.h"
@@ -36,8 +37,7 @@ int addLtypes(CData& data, const CLtypeLoader& loader) {
         src.getName(), src.getDesc(),
         withStylesOf(data.getStyleTable(), src.GetLtypeComplexDashSeq()), src.getFlags()));
     if (!ltype) return added;
-    table.add(ltype.get());
-    static_cast<void>(ltype.release());
+    vek0::detail::addTo(table, std::move(ltype));
     ++added;
   }
   return added;

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "ltypefile/ltypepattern.h"
+#include "tables/handover.h"
 #include "vek0core/files/filestdlib.h"
 
 namespace {
@@ -60,8 +61,7 @@ CLtypeLoader::CLtypeLoader(const CLtypeLoader& src)
     std::unique_ptr<CLtype> copy(m_factory.create(
         ltype.getName(), ltype.getDesc(), ltype.GetLtypeComplexDashSeq(), ltype.getFlags()));
     if (!copy) throw std::bad_alloc();
-    m_ltypes.add(copy.get());
-    static_cast<void>(copy.release());
+    vek0::detail::addTo(m_ltypes, std::move(copy));
   }
 }
 
@@ -103,8 +103,7 @@ CLtypeLoader::Status CLtypeLoader::readDefinitions(IFile& file) {
                                    {m_styles, m_notifier, m_report, lexer->GetLine()}, dashes);
     std::unique_ptr<CLtype> ltype(m_factory.create(header.name, header.description, dashes, 0));
     if (!ltype) return NoMemory;
-    m_ltypes.add(ltype.get());
-    static_cast<void>(ltype.release());
+    vek0::detail::addTo(m_ltypes, std::move(ltype));
   }
   return file.fail() ? ReadFailed : Done;
 }

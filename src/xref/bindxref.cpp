@@ -10,6 +10,7 @@
 
 #include "drawing/entcloner.h"
 #include "drawing/everyentity.h"
+#include "tables/handover.h"
 #include "tables/itemflags.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/drawing/tableremapper.h"
@@ -206,8 +207,10 @@ class Binder {
         name, base, from.isXRef() ? 0 : from.getFlags() & ~CBlock::kHasAttdefs)));
     for (unsigned i = 0; i < from.size(); ++i) {
       std::unique_ptr<CEnt> copy = cloneOnto(m_data, m_map, *from[i]);
-      from.isXRef() ? block->add(copy.get()) : block->restore(copy.get());
-      static_cast<void>(copy.release());
+      if (from.isXRef())
+        vek0::detail::addTo(*block, std::move(copy));
+      else
+        vek0::detail::restoreTo(*block, std::move(copy));
     }
     m_map.add<CBlock>(&from, &added(block.release()));
   }

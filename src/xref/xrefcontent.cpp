@@ -7,6 +7,7 @@
 
 #include "drawing/everyentity.h"
 #include "drawing/itemuse.h"
+#include "tables/handover.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/blocks/blockfactory.h"
 #include "vek0core/entities/blocks/blockgraph.h"
@@ -164,7 +165,7 @@ void XRefContent::fill() {
     CBlock& block = *blocks.back();
     m_map.add(from, &block);
     for (unsigned i = 0; i < from->size(); ++i)
-      if (isShown(*(*from)[i])) give(block, cloneOnto(m_data, m_map, *(*from)[i]));
+      if (isShown(*(*from)[i])) restoreTo(block, cloneOnto(m_data, m_map, *(*from)[i]));
   }
   std::vector<std::unique_ptr<CEnt>> entities;
   for (const CEnt* ent : m_src.getEntTable().getEntityTbl())

@@ -21,7 +21,12 @@ class EditStep {
   explicit EditStep(CUndoStack& undo) : m_undo(undo), m_isOwn(!undo.isOpen()) { undo.begin({}); }
   EditStep(const EditStep&) = delete;
   EditStep& operator=(const EditStep&) = delete;
-  ~EditStep() { m_isDone || !m_isOwn ? static_cast<void>(m_undo.commit()) : m_undo.rollback(); }
+  ~EditStep() {
+    if (m_isDone || !m_isOwn)
+      m_undo.commit();
+    else
+      m_undo.rollback();
+  }
 
   bool done() { return m_isDone = true; }
 

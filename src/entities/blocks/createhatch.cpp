@@ -8,6 +8,7 @@
 
 #include "entities/blocks/hatchblock.h"
 #include "entities/entservices.h"
+#include "tables/handover.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/blocks/blockfactory.h"
 #include "vek0core/entities/blocks/blocktable.h"
@@ -62,10 +63,8 @@ class BlockSink final : public IHatchSink {
   CLtype* ltype() const { return &m_services.continuous; }
 
   void keep(CEnt* made) {
-    std::unique_ptr<CEnt> ent(made);
-    if (!ent) throw std::bad_alloc();
-    m_block.restore(ent.get());
-    static_cast<void>(ent.release());  // only now that the block owns it
+    if (!made) throw std::bad_alloc();
+    vek0::detail::restoreTo(m_block, std::unique_ptr<CEnt>(made));
   }
 
   const EntServices& m_services;
@@ -110,8 +109,7 @@ bool vek0::detail::addHatchBlock(CBlockTable& table, std::unique_ptr<CBlock>& bl
   } catch (const std::bad_alloc&) {
     return false;
   }
-  static_cast<void>(block.release());  // only now that the table owns it
-  return true;
+  return block.release() != nullptr;  // only now that the table owns it
 }
 
 CBlock* vek0::detail::makeHatchBlock(const zim::WString& name, const HatchParameters& parameters,

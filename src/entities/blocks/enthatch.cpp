@@ -7,6 +7,7 @@
 #include "entities/blocks/hatchblock.h"
 #include "entities/entservices.h"
 #include "entities/newornull.h"
+#include "tables/handover.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/blocks/blockfactory.h"
 #include "vek0core/entities/blocks/blocktable.h"
@@ -35,7 +36,7 @@ CEntHatch* CEntHatch::Create(vek0::Handle handle, CLayer* layer, CLtype* ltype, 
       vek0::detail::makeHatchBlock(name, {&type, scale, rotate}, boundary, data));
   CEntHatch* hatch =
       new CEntHatch(handle, layer, ltype, color, block.get(), type, scale, rotate, boundary);
-  static_cast<void>(block.release());
+  static_cast<void>(block.release());  // the caller owns both
   return hatch;
 }
 
@@ -169,8 +170,7 @@ CEnt* CEntHatch::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFac
     for (unsigned i = 0; i < static_cast<unsigned>(own->size()); ++i) {
       std::unique_ptr<CEnt> line(entFactory.clone(gestor, blockFactory, blockTable, *(*own)[i]));
       if (!line) return nullptr;
-      block->restore(line.get());
-      static_cast<void>(line.release());  // only now that the block owns it
+      vek0::detail::restoreTo(*block, std::move(line));
     }
   }
   std::unique_ptr<CEntHatch> copy(new CEntHatch(*this, block.get(), handle));

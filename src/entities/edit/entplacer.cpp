@@ -1,5 +1,6 @@
 #include "entities/edit/entplacer.h"
 
+#include "tables/handover.h"
 #include "vek0core/tables/colors.h"
 
 #include <algorithm>
@@ -336,10 +337,8 @@ bool EntPlacer::placeHatch(CEntHatch& ent) {
   const std::size_t before = m_maker.made.size();
   EntPlacer lines(m_maker, m_matrix, nullptr, m_depth + 1);
   for (std::size_t i = 0; i < own->size(); ++i) (*own)[static_cast<unsigned>(i)]->accept(lines);
-  for (std::size_t i = before; i < m_maker.made.size(); ++i) {
-    block->restore(m_maker.made[i].get());
-    static_cast<void>(m_maker.made[i].release());  // only now that the block owns it
-  }
+  for (std::size_t i = before; i < m_maker.made.size(); ++i)
+    restoreTo(*block, std::move(m_maker.made[i]));
   m_maker.made.resize(before);
   std::vector<PNT_3D> boundary;
   for (const PNT_3D& p : ent.getBoundary()) boundary.push_back(placed(p));

@@ -1,4 +1,5 @@
 #include "dxf/in/parse/entitiessection.h"
+#include "tables/handover.h"
 
 #include <utility>
 
@@ -18,8 +19,7 @@ void EntitiesSection::addOne() {
 void EntitiesSection::add(EntPtr ent) {
   if (!ent) return;
   m_hasAdded = true;
-  m_in.semantor.add(ent.get());
-  static_cast<void>(ent.release());  // only now that the drawing owns it
+  addTo(m_in.semantor, std::move(ent));
 }
 
 // Calls the progress callback every thousand entities.

@@ -3,6 +3,7 @@
 #include "dxf/in/records/entityreaders.h"
 #include "dxf/in/records/hatchdata.h"
 #include "files/number.h"
+#include "tables/handover.h"
 #include "vek0core/entities/blocks/attribplacement.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/blocks/blockxref.h"
@@ -60,8 +61,7 @@ void readAttribs(RecordReader& in, CEntInsertBase& insert) {
     if (normal != in.frame().normal)
       changePlane(text, PlaneAxes(normal), PlaneAxes(in.frame().normal));
     placeAttrib(insert, text, *attrib);
-    insert.add(attrib.get());
-    static_cast<void>(attrib.release());  // not before the insert has it
+    addTo(insert, std::move(attrib));
   }
   in.skip();
 }

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "dxf/in/convert/planeplacement.h"
+#include "tables/handover.h"
 #include "vek0core/entities/ent3dface.h"
 
 namespace vek0::detail {
@@ -184,8 +185,7 @@ EntPtr PolylineReader::buildCurve(short type, short degree) {
     auto vertex = m_in.make().owned(m_in.factory().createVertex(
         m_in.gestor(), PNT_3D(v.x, v.y, v.z), v.widthStart, v.widthEnd, v.handle));
     if (!vertex) return nullptr;
-    polyline->addVertex(*vertex);
-    static_cast<void>(vertex.release());  // only now that the polyline owns it
+    handOver(std::move(vertex), [&](CVertex& made) { polyline->addVertex(made); });
   }
   if (fitted.empty())
     polyline->regen(m_in.gestor(), m_in.factory(), false);
@@ -209,8 +209,7 @@ void PolylineReader::addFitted(CEntPolyline& polyline, const std::vector<BULGED_
     auto vertex = m_in.make().owned(
         m_in.factory().createVertex(m_in.gestor(), v.pnt, v.widthStart, v.widthEnd, v.handle));
     if (!vertex) return;
-    polyline.addVisibleVertex(*vertex);
-    static_cast<void>(vertex.release());
+    handOver(std::move(vertex), [&](CVertex& made) { polyline.addVisibleVertex(made); });
   });
   polyline.calcBdry();
 }
