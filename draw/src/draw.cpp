@@ -1,15 +1,7 @@
 #include "vek0draw/draw.h"
 
-#include <cmath>
-
 #include "vek0core/vek0core.h"
 #include "walker.h"
-
-namespace {
-
-bool isFinite(const PNT_2D& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
-
-}  // namespace
 
 DRAW_RESULT drawData(const CData& data, const IProjector& projector, const CWndVpt& window,
                      IPainter& painter, const DRAW_OPTIONS& options) {
@@ -26,7 +18,7 @@ RECT_2D drawnExtents(const CData& data, const IProjector& projector, const DRAW_
     const RECT_3D box = vek0::detail::drawnBox(*ent);
     if (!box.validRegion()) continue;
     projector.to2D(box, one);
-    if (isFinite(one.min) && isFinite(one.max)) all.updateRegion(one);
+    if (vek0::detail::isFinite(one)) all.updateRegion(one);
   }
   return all;
 }

@@ -20,10 +20,6 @@ bool isText(const CEnt& ent) {
   return type == CEntText::kType || type == CEntAttdef::kType || type == CEntAttrib::kType;
 }
 
-bool isFinite(const PNT_3D& p) {
-  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
-
 RECT_3D everywhere() {
   constexpr double all = std::numeric_limits<double>::infinity();
   return RECT_3D(PNT_3D(-all, -all, -all), PNT_3D(all, all, all));
@@ -64,7 +60,7 @@ bool isEndless(const CEnt& ent) {
 }
 
 bool isPlaced(const CEnt& ent, const RECT_3D& box) {
-  return ent.getType() != CEntFixedInsert::kType && isFinite(box.min) && isFinite(box.max);
+  return ent.getType() != CEntFixedInsert::kType && isFinite(box);
 }
 
 // One whose pattern misses its boundary has none either.

@@ -12,6 +12,7 @@
 #include "vek0core/geometry/edge.h"
 #include "vek0core/geometry/edits.h"
 #include "vek0core/geometry/ellipse.h"
+#include "vek0core/geometry/finite.h"
 #include "vek0core/geometry/line.h"
 #include "vek0core/geometry/path.h"
 #include "vek0core/geometry/pnt.h"

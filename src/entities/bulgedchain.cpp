@@ -2,14 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
+#include "vek0core/geometry/angle.h"
 #include "vek0core/geometry/arc.h"
 
 namespace vek0::detail {
 namespace {
 
-constexpr double kQuarterTurn = std::numbers::pi / 2;
+constexpr double kQuarterTurn = kPi / 2;
 // Up to this number of chords, all are examined for the extents.
 constexpr int kFewChords = 8;
 

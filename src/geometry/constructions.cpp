@@ -6,15 +6,16 @@
 #include <vector>
 
 #include "geometry/vector.h"
+#include "vek0core/geometry/angle.h"
+#include "vek0core/geometry/finite.h"
 
+using vek0::detail::kTwoPi;
 using vek0::detail::touchTolerance;
 
 namespace {
 
-bool isFine(const PNT_2D& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
-
 bool give(const PNT_2D& p, PNT_2D& out) {
-  if (!isFine(p)) return false;
+  if (!vek0::detail::isFinite(p)) return false;
   out.set(p.x, p.y);
   return true;
 }
@@ -27,10 +28,9 @@ PNT_2D toward(const PNT_2D& from, const PNT_2D& to, double length) {
 // The loci of the centers of circles tangent to an edge.
 std::vector<EDGE_3D> centreWays(const EDGE_3D& edge, double radius) {
   if (edge.isArc()) {
-    const double full = 6.283185307179586;
-    const EDGE_3D outer(edge.center, edge.radius + radius, 0, full, 0, 0);
+    const EDGE_3D outer(edge.center, edge.radius + radius, 0, kTwoPi, 0, 0);
     if (edge.radius == radius) return {outer};
-    return {outer, EDGE_3D(edge.center, std::fabs(edge.radius - radius), 0, full, 0, 0)};
+    return {outer, EDGE_3D(edge.center, std::fabs(edge.radius - radius), 0, kTwoPi, 0, 0)};
   }
   const PNT_2D d = edge.direction(0);
   EDGE_3D left = edge, right = edge;
@@ -104,7 +104,7 @@ bool pntNearest(const PNT_2D& p, const PATH_3D& path, PNT_3D& out) {
 }
 
 bool CreateCircle(const PNT_3D& center, double radius, CIRCLE_3D& out) {
-  if (!(radius > 0) || !std::isfinite(radius) || !isFine(center)) return false;
+  if (!(radius > 0) || !std::isfinite(radius) || !vek0::detail::isFinite(center)) return false;
   out.set(center.x, center.y, center.z, radius);
   return true;
 }

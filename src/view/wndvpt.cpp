@@ -1,7 +1,10 @@
 #include "vek0core/view/wndvpt.h"
+#include "vek0core/geometry/finite.h"
 
 #include <cmath>
 #include <new>
+
+using vek0::detail::isFinite;
 
 namespace {
 
@@ -9,8 +12,6 @@ constexpr double kDefaultRatio = 1;
 constexpr double kPointMargin = 0.5;  // world units on each side of a window of zero extent
 
 bool isPositive(double value) { return value > 0 && std::isfinite(value); }
-
-bool isFinite(const PNT_2D& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 
 void widen(double& low, double& high) {
   if (low != high) return;
@@ -49,9 +50,8 @@ void CWndVpt::DoCalcExtUsingCenterAndScale() {
 // computed for it.
 bool CWndVpt::isSound() const {
   const bool scaled = isPositive(m_scaleX) && isPositive(m_scaleY);
-  return isFinite(m_window.min) && isFinite(m_window.max) && isFinite(m_center) &&
-         m_window.min.x < m_window.max.x && m_window.min.y < m_window.max.y &&
-         std::isfinite(m_window.max.x - m_window.min.x) &&
+  return isFinite(m_window) && isFinite(m_center) && m_window.min.x < m_window.max.x &&
+         m_window.min.y < m_window.max.y && std::isfinite(m_window.max.x - m_window.min.x) &&
          std::isfinite(m_window.max.y - m_window.min.y) &&
          (scaled || (m_scaleX == 0 && m_scaleY == 0)) && std::isfinite(m_offsetX) &&
          std::isfinite(m_offsetY);
@@ -94,7 +94,7 @@ void CWndVpt::fit(const RECT_2D& rect) {
 }
 
 void CWndVpt::set(double x1, double y1, double x2, double y2) {
-  if (!isFinite({x1, y1}) || !isFinite({x2, y2})) return;
+  if (!isFinite(x1, y1) || !isFinite(x2, y2)) return;
   CWndVpt next(*this);
   next.fit(RECT_2D(x1, y1, x2, y2));
   adopt(next);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <numbers>
+
 /// Radians per degree, truncated to fourteen decimals. The angles of the hatch catalogue are
 /// degrees times this constant, and angles in drawings are read with it.
 ///
@@ -8,7 +10,7 @@ inline constexpr double kRadiansPerDegree = 0.01745329251994;
 
 namespace vek0::detail {
 
-inline constexpr double kPi = 3.14159265358979323846;
+inline constexpr double kPi = std::numbers::pi;
 inline constexpr double kTwoPi = 2 * kPi;
 
 }  // namespace vek0::detail

@@ -4,7 +4,7 @@
 
 #include "vek0core/drawing/pointerset.h"
 #include "vek0core/files/reportcode.h"
-#include "vek0core/geometry/pnt.h"
+#include "vek0core/geometry/finite.h"
 
 class CBlock;
 class CData;
@@ -17,11 +17,6 @@ class CEntPnt;
 class CEntText;
 
 namespace vek0::detail {
-
-/// Whether both are finite. Multiplying by 0 tests this without a branch: non-finite values become
-/// NaN.
-inline bool isFinite(double a, double b) { return a * 0 + b * 0 == 0; }
-inline bool isFinite(const PNT_3D& p) { return p.x * 0 + p.y * 0 + p.z * 0 == 0; }
 
 /// Determines which entities can be written.
 class SaveFilter {

@@ -13,14 +13,7 @@
 #include "vek0core/entities/blocks/insertmatrix.h"
 #include "vek0core/entities/entfactory.h"
 #include "vek0core/entities/entvisitor.h"
-
-namespace {
-
-bool isFinite(const PNT_3D& p) {
-  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
-
-}  // namespace
+#include "vek0core/geometry/finite.h"
 
 CEntInsertBase::CEntInsertBase(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,
                                CBlock* block)
@@ -127,7 +120,7 @@ void CEntInsertBase::DoCalcBdry(double pixelSize, RECT_3D& box) const {
       box.updateRegion(part);
     }
   }
-  if (!isFinite(box.min) || !isFinite(box.max)) box.initRegion();
+  if (!vek0::detail::isFinite(box)) box.initRegion();
 }
 
 CEntInsert::CEntInsert(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color,

@@ -1,9 +1,9 @@
 #include "entities/blocks/textframe.h"
 
 #include <cmath>
-#include <numbers>
 
 #include "geometry/vector.h"
+#include "vek0core/geometry/angle.h"
 #include "vek0core/tables/text.h"
 
 namespace vek0::detail {
@@ -25,7 +25,7 @@ void TextFrame::map(const PNT_2D& x, const PNT_2D& y) {
   if (isPlain(x, y) && length > 0) {
     height *= length;
     const double turn = std::atan2(x.y, x.x);
-    if (turn != 0) rotation = std::remainder(rotation + turn, 2 * std::numbers::pi);
+    if (turn != 0) rotation = std::remainder(rotation + turn, kTwoPi);
     return;
   }
   const double backward = std::signbit(widthScale) ? -1 : 1;

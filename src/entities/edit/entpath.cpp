@@ -1,7 +1,6 @@
 #include "vek0core/entities/edit/entpath.h"
 
 #include <cmath>
-#include <numbers>
 #include <vector>
 
 #include "entities/edit/edgevertexes.h"
@@ -10,6 +9,7 @@
 #include "vek0core/entities/entfactory.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entpolyline.h"
+#include "vek0core/geometry/angle.h"
 
 namespace {
 
@@ -69,7 +69,7 @@ CEnt* createEntFromPath(IHandleGestor& gestor, CEntFactory& factory, const PATH_
   const ARC_3D arc = edge.toArc();
   const bool isFull = arc.startAngle == arc.endAngle;
   // An arc so short that its end angles coincide would be mistaken for a circle.
-  if (!edge.isArc() || (isFull && std::fabs(edge.sweep) < std::numbers::pi))
+  if (!edge.isArc() || (isFull && std::fabs(edge.sweep) < vek0::detail::kPi))
     return factory.createEntLine(gestor, layer, ltype, color, LINE_3D(edge.p1, edge.p2), 0);
   if (isFull) return factory.createEntCircle(gestor, layer, ltype, color, arc, 0);
   return factory.createEntArc(gestor, layer, ltype, color, arc, 0);

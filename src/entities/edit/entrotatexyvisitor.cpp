@@ -1,7 +1,6 @@
 #include "vek0core/entities/edit/entrotatexyvisitor.h"
 
 #include <cmath>
-#include <numbers>
 
 #include "entities/blocks/hatchtransform.h"
 #include "entities/oneturn.h"
@@ -41,7 +40,7 @@ CEntRotateXYVisitor::CEntRotateXYVisitor(const PNT_3D& centre, double angle)
 
 CEntRotateXYVisitor CEntRotateXYVisitor::byDegrees(const PNT_3D& centre, double degrees) {
   const double rest = std::fmod(degrees, 360.0);
-  CEntRotateXYVisitor visitor(centre, rest * std::numbers::pi / 180);
+  CEntRotateXYVisitor visitor(centre, rest * vek0::detail::kPi / 180);
   if (visitor.m_angle != 0) visitor.m_degrees = rest;
   return visitor;
 }

@@ -1,7 +1,6 @@
 #include "vek0core/entities/edit/entscalevisitor.h"
 
 #include <cmath>
-#include <numbers>
 
 #include "entities/blocks/hatchtransform.h"
 #include "vek0core/entities/blocks/entinsert.h"
@@ -14,12 +13,10 @@
 #include "vek0core/entities/entpnt.h"
 #include "vek0core/entities/entpolyline.h"
 #include "vek0core/entities/enttext.h"
+#include "vek0core/geometry/angle.h"
+#include "vek0core/geometry/finite.h"
 
 namespace {
-
-bool isFinite(const PNT_3D& p) {
-  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
 
 // The kernel multiplies radii by the signed factor; files contain radii of both signs, and the sign
 // is preserved.
@@ -50,7 +47,7 @@ void scaleInsert(CEntInsert& ent, const PNT_3D& centre, double factor) {
 // An invalid factor is replaced by 1, which has no effect.
 CEntScaleVisitor::CEntScaleVisitor(const PNT_3D& centre, double factor)
     : m_centre(centre), m_factor(factor) {
-  if (factor == 0 || !std::isfinite(factor) || !isFinite(centre)) {
+  if (factor == 0 || !std::isfinite(factor) || !vek0::detail::isFinite(centre)) {
     m_centre.set(0, 0, 0);
     m_factor = 1;
   }
@@ -75,8 +72,8 @@ void CEntScaleVisitor::visit(CEntArc& ent) {
   ARC_3D& arc = ent.getArc();
   scaleCircle(arc, m_centre, m_factor);
   if (isHalfTurned()) {
-    arc.startAngle = ARC_3D::normal(arc.startAngle + std::numbers::pi);
-    arc.endAngle = ARC_3D::normal(arc.endAngle + std::numbers::pi);
+    arc.startAngle = ARC_3D::normal(arc.startAngle + vek0::detail::kPi);
+    arc.endAngle = ARC_3D::normal(arc.endAngle + vek0::detail::kPi);
   }
   ent.calcBdry();
 }
@@ -105,7 +102,7 @@ void CEntScaleVisitor::visit(CEntInsertXRef& ent) { scaleInsert(ent, m_centre, m
 void CEntScaleVisitor::visit(CEntHatch& ent) {
   vek0::detail::transformHatch(ent, *this, [this](PNT_3D& p) { p.scale(m_centre, m_factor); });
   ent.setHatchScale(ent.getHatchScale() * std::fabs(m_factor));
-  if (isHalfTurned()) ent.setHatchRotate(ARC_3D::normal(ent.getHatchRotate() + std::numbers::pi));
+  if (isHalfTurned()) ent.setHatchRotate(ARC_3D::normal(ent.getHatchRotate() + vek0::detail::kPi));
 }
 
 void CEntScaleVisitor::visit(CEnt3DFace& ent) {

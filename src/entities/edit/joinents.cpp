@@ -10,20 +10,18 @@
 #include "geometry/pointgrid.h"
 #include "vek0core/entities/ent.h"
 #include "vek0core/entities/entfactory.h"
+#include "vek0core/geometry/finite.h"
 #include "vek0core/tables/layer.h"
 
 namespace {
 
+using vek0::detail::isFinite;
 using vek0::detail::OpenChain;
 using vek0::detail::PointGrid;
 
 constexpr double kShare = 1e-9;
 constexpr double kFinest = 1e-12;  // fraction of the extents, only for the size of cells
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-
-bool isFine(const PNT_3D& p) {
-  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
 
 struct Part {
   const CEnt* ent;
@@ -64,7 +62,7 @@ class Joiner {
     OpenChain chain;
     for (const CEnt* ent : ents) {
       if (!chain.take(*ent, tolerance)) continue;
-      if (isFine(chain.start()) && isFine(chain.end()))
+      if (isFinite(chain.start()) && isFinite(chain.end()))
         m_parts.push_back({ent, chain.start(), chain.end()});
     }
     m_isUsed.assign(m_parts.size(), false);

@@ -8,6 +8,7 @@
 #include "dxf/in/convert/replacement.h"
 #include "dxf/ocs.h"
 #include "vek0core/entities/enttext.h"
+#include "vek0core/geometry/finite.h"
 #include "vek0core/tables/font.h"
 #include "vek0core/tables/style.h"
 #include "vek0core/tables/text.h"
@@ -259,7 +260,7 @@ void buildMText(RecordReader& in, const MTextRecord& record, vek0::Handle handle
   for (const MTextRun& run : runs) {
     const MTextFormat& f = content.formats[run.format];
     const PNT_3D at = plane.at(record.at, run.x, run.y);
-    if (!isFinitePoint(at)) return in.fail(CFileDXFIError::InconsistentRecord);
+    if (!isFinite(at)) return in.fail(CFileDXFIError::InconsistentRecord);
     TEXT_3D text(plane.context(f, zim::WString(run.text)), record.style, at.x, at.y, at.z, 0);
     text.setAlign(text.findJustify(run.across, 0));
     EntPtr ent =

@@ -5,14 +5,17 @@
 
 #include "dxf/in/coordinate.h"
 #include "vek0core/entities/entpolyline.h"
+#include "vek0core/geometry/finite.h"
 
 namespace vek0::detail {
 
-bool isFinitePoint(const PNT_3D& p) {
-  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
-
 namespace {
+
+template <class Points>
+bool areFinite(const Points& points) {
+  return std::all_of(std::begin(points), std::end(points),
+                     [](const PNT_3D& p) { return isFinite(p); });
+}
 
 EntPtr takeFirst(RecordReader& in, std::vector<EntPtr>& built) {
   for (std::size_t i = 1; i < built.size(); ++i) in.further.push_back(std::move(built[i]));
@@ -23,7 +26,7 @@ EntPtr takeFirst(RecordReader& in, std::vector<EntPtr>& built) {
 
 EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short flags,
                   vek0::Handle handle) {
-  if (!std::all_of(points.begin(), points.end(), isFinitePoint)) {
+  if (!areFinite(points)) {
     in.fail(CFileDXFIError::InconsistentRecord);
     return nullptr;
   }
@@ -39,7 +42,7 @@ EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short fla
 
 EntPtr buildFace(RecordReader& in, const PNT_3D (&corners)[4], long hiddenEdges,
                  vek0::Handle handle, FaceFill fill) {
-  if (!std::all_of(std::begin(corners), std::end(corners), isFinitePoint)) {
+  if (!areFinite(corners)) {
     in.fail(CFileDXFIError::InconsistentRecord);
     return nullptr;
   }

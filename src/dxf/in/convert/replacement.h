@@ -11,9 +11,6 @@ namespace vek0::detail {
 // Builds entities that approximate unsupported kinds, with the properties of the current record.
 // Each function returns null and records an error if a coordinate is non-finite or memory runs out.
 
-/// Whether all coordinates are finite.
-bool isFinitePoint(const PNT_3D& p);
-
 /// Plain polyline through the points. `flags` are those of `CEntPolyline`: closed or not, and for a
 /// curve that the linetype pattern continues from chord to chord.
 EntPtr buildChain(RecordReader& in, const std::vector<PNT_3D>& points, short flags,

@@ -50,8 +50,6 @@ bool isNameOfClips(const CFileDXFILexer& lexer) {
          lexer.isKeyword("ACAD_XREC_ROUNDTRIP");
 }
 
-bool isFinite(const PNT_3D& p) { return std::isfinite(p.x + p.y + p.z); }
-
 }  // namespace
 
 void ClipReader::Filter::take(long code, std::string_view bytes) {
@@ -104,7 +102,7 @@ bool ClipReader::Filter::place(std::vector<PNT_2D>& boundary) const {
   }
   for (const PNT_2D& p : corners) {
     const PNT_3D at = placed(p.x, p.y, 0);
-    if (!isFinite(at)) return false;
+    if (!std::isfinite(at.x + at.y + at.z)) return false;
     boundary.push_back(at);
   }
   return true;
