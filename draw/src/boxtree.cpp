@@ -1,3 +1,6 @@
+// A static tree over the boxes of entities, split at the median so that its depth is logarithmic
+// whatever the drawing. Nodes are in one array, each followed by its subtree (`behind` is the node
+// after that), so that a search is a single pass that skips subtrees.
 #include "boxtree.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// For hosts that draw the same drawing again and again. Entities are in a few trees of very
+// different sizes, as in a log-structured store: a change makes an entity loose and outdates its
+// entry in a tree, and only when many are loose is another tree built.
 #include "vek0draw/drawindex.h"
 
 #include <cstdint>

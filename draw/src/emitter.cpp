@@ -1,3 +1,7 @@
+// The last step before the painter, which limits and counts. Painters need not handle coordinates
+// so large that their own arithmetic would overflow; such primitives are dropped here. Effort is
+// measured in points, as a picture of nested arrays can take any time, and what costs differently
+// (a new layer, a long stroke) is converted to points by the constants below.
 #include "emitter.h"
 
 #include <algorithm>

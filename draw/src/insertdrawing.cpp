@@ -1,4 +1,6 @@
-// What inserts and hatches show.
+// Draws inserts and hatches, whose cost a file multiplies at will. Of an array, only the cells that
+// meet the window are drawn; a hatch whose lines are finer than the detail of the picture becomes a
+// fill, when effort is scarce.
 #include <algorithm>
 #include <climits>
 #include <cmath>

@@ -1,3 +1,6 @@
+// Lays a line pattern along a path. Lengths are those in the drawing, not in the block or on the
+// device, so a pattern looks the same in every insert. Only stretches that meet the window are
+// divided into dashes: a path may extend far beyond it.
 #include "linepattern.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// The affine map from the innermost block to the device. Projector, window and matrices are
+// interfaces of a host or sums of several steps; all are affine, so the map is sampled once and
+// applied as a matrix afterwards.
 #include "placement.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// Points are drawn as the variables of the drawing say: the low bits of the mode choose a figure,
+// two more add a circle and a square around it. Sizes are either in drawing units or a percentage
+// of the window.
 #include "pointfigure.h"
 
 #include <algorithm>

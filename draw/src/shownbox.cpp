@@ -1,3 +1,6 @@
+// The boxes by which entities are skipped. They must contain whatever is drawn: texts overhang
+// their extents, infinite lines are everywhere, fixed inserts depend on the size of a pixel. For
+// blocks it also sums what they expand to, which decides when drawing becomes coarse.
 #include "shownbox.h"
 
 #include <algorithm>

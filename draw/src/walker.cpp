@@ -1,3 +1,8 @@
+// Visits the entities of model space and of the blocks that they insert, and hands what they show
+// to the emitter. The stack of inserts resolves layer, color and linetype; `m_place` maps from the
+// innermost block to the device. An entity is skipped as early as possible: by its layer, then by
+// its box, and only then is it asked for its geometry. Within inserts, things too small to see
+// become dots once the drawing has used up its effort.
 #include "walker.h"
 
 #include <algorithm>

@@ -1,4 +1,6 @@
-// Deep copy of a drawing: all items are copied, and all references point to the copies.
+// Copies a drawing. `ItemMap` maps each item to its copy, so items are copied before whatever
+// refers to them: styles, linetypes, layers, blocks, entities. Blocks are created empty before any
+// is filled, because their contents refer to each other.
 #include <memory>
 #include <new>
 #include <unordered_map>

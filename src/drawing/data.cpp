@@ -1,3 +1,6 @@
+// A drawing and the order in which its parts are made and destroyed. The fixed linetypes and layer
+// "0" are members, so tables never own them. Copies of a `CData` are views that share tables and
+// factories with their source.
 #include "vek0core/drawing/data.h"
 
 #include <utility>

@@ -1,3 +1,6 @@
+// Copies entities from one drawing to another, or from a reference to the drawing, with every item
+// that they use replaced by its counterpart. The kind of an insert follows from the block that it
+// gets, not from its source.
 #include "drawing/entcloner.h"
 
 #include <utility>

@@ -1,3 +1,6 @@
+// Replaces items throughout a drawing: styles in linetypes, linetypes in layers, all three in
+// entities and attributes, and in the current settings. With an undo stack, each object is kept
+// before it is changed, and all changes are one step.
 #include "vek0core/drawing/tableremapper.h"
 
 #include <new>

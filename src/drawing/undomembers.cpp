@@ -1,3 +1,7 @@
+// Additions, removals and exchanges. Whoever does not hold the object at present owns it: the
+// drawing, or the action. An action remembers the place that the object had, so that undoing
+// restores the order of drawing as well. The sizes are estimates, used to limit the memory of the
+// stack.
 #include "drawing/undomembers.h"
 
 #include <new>

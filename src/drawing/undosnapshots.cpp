@@ -1,3 +1,7 @@
+// Snapshots of what a host changes in place. A swap exchanges the memento for one of the present
+// state and then refreshes whatever depends on the object: extents, graph edges, use counts.
+// Entities of a reference's content are skipped once the content has been reloaded (`ContentMark`):
+// the object of the snapshot no longer exists.
 #include "drawing/undosnapshots.h"
 
 #include <new>

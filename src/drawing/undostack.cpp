@@ -1,3 +1,10 @@
+// The undo stack. A step is a list of actions; undoing swaps them from the last to the first,
+// redoing from the first to the last. Making an edit is redoing its action for the first time
+// (`perform`), so that doing, undoing and redoing share one path. Changes in place are made by the
+// host after `keep`, which records a snapshot once per object and step.
+//
+// If a swap runs out of memory, the actions swapped so far are swapped back. That needs no memory,
+// because each keeps what it displaced until the whole step has succeeded.
 #include "vek0core/drawing/undostack.h"
 
 #include <algorithm>

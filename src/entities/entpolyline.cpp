@@ -1,3 +1,7 @@
+// Construction, queries and transformations of polylines. The vertices themselves are in
+// entpolylinevertices.cpp, curves in entpolylinecurve.cpp, snapshots in entpolylinememento.cpp.
+// Whatever needs only positions and widths works on either form of the vertices, so that it does
+// not create vertex objects.
 #include "vek0core/entities/entpolyline.h"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// The entities of model space. They are in a linked list, and each keeps its node, its owner and
+// its rank, so that removing, restoring and checking for membership need no search. The index by
+// handle is built at the first look-up and kept up to date from then on; extents are kept while
+// entities are added and recomputed after a removal, which may have shrunk them.
 #include "vek0core/entities/enttable.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// Conversion between decimals and doubles in fixed precision: a product of the digits with the
+// leading 128 bits of a power of ten decides all but the few numbers that lie too close to a tie,
+// for which `Natural` computes exactly.
 #include "files/decimal.h"
 
 #include <algorithm>

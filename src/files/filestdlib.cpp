@@ -1,3 +1,6 @@
+// Files of the C library. They are opened in binary, since the line ends are ours to choose, and
+// Windows would stop reading at a 0x1A. Text is decoded and encoded here; bytes for the DXF reader
+// and writer pass unchanged.
 #include "vek0core/files/filestdlib.h"
 
 #include <cstddef>

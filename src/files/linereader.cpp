@@ -1,3 +1,6 @@
+// Lines as views into a buffer of blocks. A line feed behind the last byte serves as a sentinel, so
+// the search for the end of a line needs no bound. UTF-16 and the line ends of other platforms are
+// converted block by block, so that what looks at lines sees bytes and line feeds only.
 #include "files/linereader.h"
 
 #include "files/surrogates.h"

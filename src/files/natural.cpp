@@ -1,3 +1,6 @@
+// Natural numbers of any size, as 64-bit words, lowest first. They serve the few decimals that lie
+// so close to the middle between two doubles that fixed precision cannot decide; speed does not
+// matter.
 #include "files/natural.h"
 
 #include <algorithm>

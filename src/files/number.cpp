@@ -1,3 +1,10 @@
+// Reading and writing numbers as the format has them, without the C library: that depends on the
+// locale, and must not differ between platforms.
+//
+// A decimal of at most 19 digits whose power of ten is exact needs one multiplication or division,
+// which rounds once and is therefore correct. Nearly all numbers in files are of this kind; the
+// rest takes the slow path through `nearestDouble`. Writing the shortest decimal tries six decimals
+// first and checks that they read back, which suffices for most drawings.
 #include "files/number.h"
 
 #include <algorithm>

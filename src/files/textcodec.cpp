@@ -1,3 +1,8 @@
+// Decodes the bytes of a file. The header's code page is often wrong, so a decoder that senses
+// looks at each text: valid UTF-8 outside ASCII hardly occurs by accident, and decides against the
+// declared page; text that is not valid UTF-8 decides against UTF-8. What was found stays recorded
+// for the report. Double-byte pages are decoded by the host (`setMultiByteDecoder`); without one
+// their texts are read as 1252, unless they look like UTF-8.
 #include "vek0core/files/textcodec.h"
 
 #include "files/surrogates.h"

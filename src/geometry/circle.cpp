@@ -1,3 +1,6 @@
+// Circles and their intersections with lines, segments and circles. A line within `touchTolerance`
+// of the circumference touches it and has one common point: exact arithmetic would find none or
+// two, by chance.
 #include "vek0core/geometry/circle.h"
 
 #include <algorithm>

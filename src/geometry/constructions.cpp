@@ -1,3 +1,6 @@
+// Points and edges constructed from others. A result that is not finite counts as none, so that
+// callers need not check their input for degenerate cases one by one. Circles tangent to two edges
+// have their centers where the parallels of both edges at the distance of the radius cross.
 #include "vek0core/geometry/constructions.h"
 
 #include <algorithm>

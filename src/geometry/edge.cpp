@@ -1,3 +1,8 @@
+// A segment or an arc behind one interface: parameters run from 0 at the start to 1 at the end.
+// Crossings are computed on the carriers, the line or the circle, and kept if their parameters lie
+// on both edges; parameters within the tolerance of an end are set to that end exactly, so that
+// callers recognize crossings in a vertex without a tolerance of their own. Edges on one carrier
+// have no crossings but their ends.
 #include "vek0core/geometry/edge.h"
 #include "vek0core/geometry/angle.h"
 

@@ -1,3 +1,7 @@
+// Trims, extends, fillets and chamfers. All work on paths of edges: the places where other paths
+// cross are found first, as edge and parameter, and the result is put together from parts of edges.
+// The points that a user picked decide which side of a crossing remains. Tolerances are relative to
+// the coordinates, because the crossings themselves are no more precise.
 #include "vek0core/geometry/edits.h"
 #include "vek0core/geometry/angle.h"
 

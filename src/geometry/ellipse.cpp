@@ -1,3 +1,6 @@
+// Elliptical arcs in space, by center and two axes. Parameters are not angles: a point is center +
+// cos(t) * major + sin(t) * minor. Chords are chosen so that their error stays within a fraction of
+// the ellipse's size.
 #include "vek0core/geometry/ellipse.h"
 #include "vek0core/geometry/angle.h"
 

@@ -1,3 +1,5 @@
+// Lines in the three forms that the interface offers: two points, a parameter along a direction,
+// and an implicit equation. "Zero" is an absolute 1e-12 here, whatever the size of the coordinates.
 #include "vek0core/geometry/line.h"
 
 namespace {

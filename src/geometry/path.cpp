@@ -1,3 +1,6 @@
+// Chains of edges. Crossings of two paths, or of one with itself, are looked up by the boxes of the
+// edges, so that only edges near each other are intersected. A crossing in a vertex is found by
+// both edges that meet there, and is reported once.
 #include "vek0core/geometry/path.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// Splines by de Boor's scheme. Each span between two knots is divided until its chords are near
+// enough, within limits, because the numbers in a file may ask for any number of points. Callers
+// fall back to the controls of a spline that is not valid.
 #include "vek0core/geometry/spline.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// A boundary is one list of points in which each ring returns to its first point. A ring that
+// touches itself in a vertex would end there for a reader, so rings begin at a point that occurs
+// only once, or are split where they touch themselves.
 #include "vek0core/hatch/boundary.h"
 
 #include <algorithm>

@@ -1,3 +1,8 @@
+// Fills a boundary with the lines of a pattern, family by family. In the coordinates of a family,
+// lines are parallel to one axis and counted along the other, so that each edge of the boundary
+// knows at once which lines it crosses. The crossings of a line, sorted, are the ends of its pieces
+// by the even-odd rule, and dashes divide these. The number of pieces is estimated before any is
+// made: a dense pattern would fill the memory.
 #include "vek0core/hatch/fill.h"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// Joins the edges of a loop, which files hold in any order and direction and with gaps, to rings.
+// Each end of an edge is matched with the end of another: first those that follow each other in the
+// file, then those near each other, with growing reach, and last whatever is left. The chains of
+// matched edges are then walked as rings.
 #include "vek0core/hatch/loops.h"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// The visible vertices of a curve from its control points. A fitted curve consists of two arcs
+// between adjacent points, which meet in a joint with a common tangent; splines and Bezier curves
+// of degree 3 at most become chords. Widths follow the frame by fraction of its length, not the
+// curve, so they do not depend on its shape.
 #include "vek0core/polyline/curve.h"
 
 #include <algorithm>

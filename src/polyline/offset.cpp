@@ -1,3 +1,6 @@
+// The older kind of offset: each segment is shifted, and adjacent ones meet at their crossing.
+// Where the corner would be farther than the limit for mitres, or a segment would run backwards,
+// segments are dropped. What the chain crosses elsewhere is not examined; `offsetPath` does that.
 #include "vek0core/polyline/offset.h"
 
 #include <cmath>

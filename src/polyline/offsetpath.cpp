@@ -1,3 +1,10 @@
+// The offset of a path is what keeps its distance. Each edge contributes its parallel, each corner
+// on the outside a join; from each such piece everything is cut that is too near to any edge or
+// inside a mitre (`keepOutside`), and what remains is linked at common ends. No other rule is
+// needed for corners that vanish, loops or self-crossings.
+//
+// The path is moved to the origin first, and "too near" has a margin for rounding (`m_margin`): a
+// piece must not be cut by the edge that it belongs to.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>

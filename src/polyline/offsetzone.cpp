@@ -1,3 +1,6 @@
+// The area that is too near to an edge, or inside a mitre. The depth of a point in it is positive
+// inside, so that "deeper than the margin" tells real intrusion from rounding. Tests with a radius
+// decide for whole pieces at once, before any point of them is computed.
 #include "polyline/offsetzone.h"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// The outline of a polyline with width: the left sides forward, the right sides back. Adjacent
+// sides are mitred where they meet within the limit. Where widths jump or a mitre would be too
+// long, the outline goes through the vertex; it may cross itself there, and is filled by the non-
+// zero rule.
 #include "vek0core/polyline/silhouette.h"
 
 #include <algorithm>

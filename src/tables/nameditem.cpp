@@ -1,3 +1,7 @@
+// The base of all tables: an array in the order of addition, and an index by name. Removing leaves
+// a hole, so that positions of the others stay; look-ups by position skip the holes by a tree of
+// ranks, and the array is compacted when they become too many. Prefixes with numbers, such as *U12,
+// are counted from the first request on, so that generating names is not quadratic.
 #include "vek0core/tables/nameditem.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// A hash table with open addressing, whose slots hold the first item of each name; equal names are
+// chained by rank through links in the items. It allocates only in `reserveOne`, so that inserting
+// and removing cannot fail: tables rely on that to roll back.
 #include "vek0core/tables/nameindex.h"
 
 #include "vek0core/tables/nameditem.h"

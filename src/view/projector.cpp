@@ -1,3 +1,6 @@
+// Orthogonal projections and the parallel one. Those along an axis map a box by two of its corners,
+// the others by the four of its plan, since height does not matter to them or only adds to one
+// coordinate.
 #include "vek0core/view/projector.h"
 
 #include <cmath>

@@ -1,4 +1,7 @@
-// Binding: makes the content of a reference part of the drawing.
+// Binding copies the content of a reference into the drawing: its items under new names, its
+// blocks, and the reference itself as a block, all as additions on the undo stack. Nested
+// references are bound first, because the content that shows them refers to their blocks. Inserts
+// of the reference are then pointed at the block that replaces it.
 #include <algorithm>
 #include <memory>
 #include <new>

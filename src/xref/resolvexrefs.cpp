@@ -1,4 +1,10 @@
-// Resolving: reads the drawings that references refer to.
+// Resolves references breadth first: each job reads one file, takes its content and schedules the
+// references nested in it, so that a reference of the drawing itself gets its name before a nested
+// one can. Every change goes through the journal, which reverts all of them if memory runs out.
+//
+// Different readers may mean different drawings by one name; `Namesakes` maps names, numbered where
+// necessary, to files and base points, so that the same reference is found again by every reader
+// and by the next run.
 #include <algorithm>
 #include <deque>
 #include <map>

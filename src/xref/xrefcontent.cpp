@@ -1,3 +1,6 @@
+// Brings the content of another drawing into a reference. Items of the reference that have the same
+// name are updated in place, since entities of the drawing may be on them; others are added. The
+// entities are copied with their items mapped, blocks before those that insert them.
 #include "xref/xrefcontent.h"
 
 #include "entities/blocks/collectblocks.h"

@@ -1,3 +1,7 @@
+// Finds the files of references in folders that the host allows. Paths come from other platforms
+// and may differ in letter case, so a file that is not found as written is looked up in the listing
+// of its folder. Listings are cached until their folder changes. Symbolic links are resolved before
+// a path is compared with the allowed folders, or a link could lead out of them.
 #include <algorithm>
 #include <chrono>
 #include <filesystem>

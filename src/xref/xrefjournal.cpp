@@ -1,3 +1,6 @@
+// Every change of a resolve is recorded with a function that reverts it, before it is made. The
+// destructor runs those that are left, last to first; a resolve that succeeds clears them. Each
+// holds the state that it restores.
 #include "xref/xrefjournal.h"
 
 #include <optional>

@@ -1,3 +1,11 @@
+// The lexer keeps a value as the bytes of the file and converts it only when asked: most values are
+// numbers or keywords, and never become wide strings. Files that offer no bytes, as those of a host
+// may, are read as wide lines and encoded, so that everything behind `readLine` sees bytes.
+//
+// Under the tolerant policy the lexer also keeps pairs aligned. A text that its program broke over
+// two lines shifts all pairs behind it by one, and would cost the rest of the file; so lines that
+// cannot be group codes are skipped, and a pair whose value cannot belong to its code is shifted
+// back (`alignPair`). The end of the file then reads as an EOF record, however it comes.
 #include "vek0core/dxf/in/filedxfilexer.h"
 
 #include <algorithm>

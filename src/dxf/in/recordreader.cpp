@@ -1,3 +1,7 @@
+// Reads one record into a `Record`: values by group code, and names resolved to the items of the
+// drawing. Items are cached by the bytes of their names (`NameCache`), since most entities name the
+// layer of the one before. What every kind has in common is treated here: required codes, pairs
+// that a drawing cannot store, invalid numbers, the plane, the layout that the entity is on.
 #include "dxf/in/recordreader.h"
 
 #include <algorithm>

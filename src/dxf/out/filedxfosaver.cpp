@@ -1,3 +1,7 @@
+// Writes a drawing section by section. Handles are collected before anything is written
+// (`SaveHandles`): each one in the file must be unique, and the header of the exchange form states
+// the next free one. Blocks are written in the order of the block graph, so that a block comes
+// before those that insert it.
 #include "vek0core/dxf/out/filedxfosaver.h"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// Writes one record per entity. The classic form has six decimals and shows arcs of polylines as
+// chords. The exchange form writes numbers that read back exactly; numbers that were computed on
+// the way (attributes, for example, are stored relative to their insert) are rounded to the
+// precision of their inputs first (`steady`), or each round trip would change their last digits.
 #include "vek0core/dxf/out/filedxfovisitor.h"
 
 #include <algorithm>

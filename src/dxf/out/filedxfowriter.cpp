@@ -1,3 +1,6 @@
+// Formats pairs into a buffer of bytes, which is written when it is full. Most lines are group
+// codes, numbers and plain ASCII texts; those are formatted directly, from tables or unit by unit,
+// and everything else takes the general way through an encoder.
 #include "vek0core/dxf/out/filedxfowriter.h"
 
 #include "files/surrogates.h"

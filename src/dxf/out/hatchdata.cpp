@@ -1,3 +1,6 @@
+// R12 has no hatches. They are written as inserts of their lines, which every reader shows, with
+// the data of the hatch as extended data, from which a reader of the same kind restores it. The
+// layout of that data is in dxf/hatchdatalayout.h.
 #include "dxf/out/hatchdata.h"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// Converts names to those of R12: at most 31 characters of a small set. Names that are valid stay,
+// and so do not depend on the others; the rest is corrected character by character and numbered
+// until it differs from every name in the drawing. The numbers tried for a base are remembered, or
+// a table of similar names would take quadratic time.
 #include "vek0core/dxf/out/nameacadconverter.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// Determines how a polyline is written before its first pair is: whether it is flat, of constant
+// width or a curve depends on all its vertices. Values count as equal if they are written equally,
+// so that saving what was read gives the same form.
 #include "dxf/out/savedvertexes.h"
 
 #include <cmath>

@@ -1,3 +1,8 @@
+// Assigns the handles of a file. Objects keep theirs if it is not 0 and no other object has been
+// written with it. Further numbers are taken above the highest one, where no program remembers
+// another object, and from the gaps below if there is no room. Ends of sequences (SEQEND) have no
+// handle in a drawing; they are numbered apart from the rest, so that a file that is read and
+// written again gets the same numbers.
 #include "dxf/out/savehandles.h"
 
 #include <algorithm>

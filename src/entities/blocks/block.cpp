@@ -1,3 +1,8 @@
+// A block owns its entities in an array with holes. Removing an entity leaves a hole, so that the
+// others keep their positions and none must be searched for; holes are reused when an entity is put
+// back, and closed when they are more than half. Extents are computed when asked for. A change
+// marks the block and all blocks that show it as stale, which stops at blocks whose extents nobody
+// has asked for since they were marked.
 #include "vek0core/entities/blocks/block.h"
 
 #include <algorithm>

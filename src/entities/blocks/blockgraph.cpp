@@ -1,3 +1,12 @@
+// The graph of which block inserts which. Every block that the graph has met has an item, present
+// or absent: an insert may refer to a block that is out of the table, and finds its edge when that
+// block returns. Edges are in two linked lists, that of their user and that of their target, so
+// that both directions are walked without a search.
+//
+// Edges follow the content of blocks lazily: where memory runs out, the item is marked as outdated
+// and refreshed by the next question. `BlockOrder` keeps a topological order, in which a cycle is
+// found by searching only between the two blocks concerned. It is given up while a host has created
+// a cycle by `doSubstitute`, and every question searches the graph instead.
 #include "vek0core/entities/blocks/blockgraph.h"
 
 #include <algorithm>

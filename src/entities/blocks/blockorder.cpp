@@ -1,3 +1,7 @@
+// A topological order of blocks that is kept up to date edge by edge. A new edge that agrees with
+// the order costs nothing. Otherwise the blocks above its user and below its target are searched
+// from both ends, in the order of their labels, until the searches meet; these blocks alone are
+// moved. Labels are integers with gaps, which are redistributed locally where they run out.
 #include "entities/blocks/blockorder.h"
 
 #include <algorithm>

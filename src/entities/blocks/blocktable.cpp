@@ -1,3 +1,6 @@
+// The table of blocks keeps the graph of blocks and the registration of entities up to date. Adding
+// a block reserves its place in the graph first and registers its entities last, so that a failure
+// on the way leaves nothing behind.
 #include "vek0core/entities/blocks/blocktable.h"
 
 #include "entities/blocks/collectblocks.h"

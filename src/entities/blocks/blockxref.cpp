@@ -1,3 +1,7 @@
+// A reference is a block with tables of its own, for the layers, linetypes and styles of its file.
+// Items that the file no longer has are retired, not deleted: entities and undo steps may refer to
+// them, and they return if the drawing uses them again (`reinstate`). Content is swapped as a whole
+// and numbered, by which undo steps recognize that it is another one.
 #include "vek0core/entities/blocks/blockxref.h"
 
 #include <new>

@@ -1,3 +1,6 @@
+// A hatch shows a private block of generated lines. Whatever changes the lines makes a new block
+// and puts it in place of the old one, which is kept until the change is complete: generation can
+// fail, and undo puts the old block back with its name and place.
 #include "vek0core/entities/blocks/enthatch.h"
 
 #include <new>

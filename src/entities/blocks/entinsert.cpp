@@ -1,3 +1,9 @@
+// Inserts of three kinds. An insert counts as a use of its block from `addTbls` to `removeTbls`, so
+// that one in an undo step or on its way into a drawing does not keep the block in use.
+//
+// A snapshot keeps the addresses of attributes besides their values. Those that the insert still
+// has are set back in place, and a host's pointers to them stay valid; the rest is made anew or
+// handed to the action that replaced them (`AttribsMemento::Replaced`).
 #include "vek0core/entities/blocks/entinsert.h"
 
 #include <algorithm>

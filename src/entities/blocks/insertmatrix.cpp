@@ -1,3 +1,6 @@
+// The map from a block to the space of its insert: the base point goes to the insertion point, axes
+// are scaled, then rotated about z. For a cell of an array, the offset of the cell is rotated too,
+// but not scaled.
 #include "vek0core/entities/blocks/insertmatrix.h"
 
 #include <cmath>

@@ -1,3 +1,6 @@
+// Explodes one entity into those that it consists of. All results are collected first and taken
+// over together, so that an entity is exploded completely or not at all; contents of blocks are
+// copied by `EntPlacer`.
 #include "vek0core/entities/edit/entexplodervisitor.h"
 
 #include <iterator>

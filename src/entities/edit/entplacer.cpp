@@ -1,3 +1,7 @@
+// Copies entities through the matrix of an insert. A kind keeps its class if the matrix keeps its
+// shape: circles and arcs if it is conformal, that is, scales all directions alike. Otherwise
+// chords replace them. The cost of a copy is spent before it is made, because nested arrays can
+// request any number of entities.
 #include "entities/edit/entplacer.h"
 
 #include "tables/handover.h"

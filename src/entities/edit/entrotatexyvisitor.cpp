@@ -1,3 +1,6 @@
+// Rotates entities about z. Angles in drawings are mostly whole degrees; adding radians would leave
+// 89.99999999 where a user expects 90. So a rotation that is given in degrees (`byDegrees`) adds
+// degrees to those that the drawing states and removes the noise of the conversion.
 #include "vek0core/entities/edit/entrotatexyvisitor.h"
 
 #include <cmath>

@@ -1,3 +1,6 @@
+// Joins open chains whose ends meet. Ends are in a grid of cells as wide as the tolerance, so that
+// each search looks at few candidates; a chain grows from its first entity at the end, then at the
+// start, always by the nearest end that is left.
 #include "vek0core/entities/edit/joinents.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// The heads at the ends of dimension lines and leaders. A style names them by block; predefined
+// names stand for forms that every program draws itself, and are reduced to a few here. A block of
+// that name in the file wins, as its program used it.
 #include "dxf/in/convert/arrowheads.h"
 
 #include <cmath>

@@ -1,3 +1,6 @@
+// Ellipses, splines, helices and leaders become plain polylines through points of the curve. The
+// chord error is relative to the curve's size, so that the picture is the same at any scale, and a
+// limit per file on the points applies to all of them.
 #include "dxf/in/convert/curvereaders.h"
 
 #include <algorithm>

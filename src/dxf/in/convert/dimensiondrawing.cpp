@@ -1,3 +1,7 @@
+// Draws a dimension that has no block, as its style says: extension lines, dimension line with
+// heads, and the text. The definition points are in the world, the dimension line in the plane of
+// the record; everything is computed in that plane and converted when an entity is made. Heads move
+// outside where the line is too short for them.
 #include "dxf/in/convert/dimensiondrawing.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// The text of a measured value in the units of a style: decimal, feet and inches with fractions,
+// angles in degrees or parts of them. Values are rounded once, to a whole number of the smallest
+// parts shown, and everything is formatted from that integer, so that no carry is lost.
 #include "dxf/in/convert/dimensiontext.h"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// Dimension styles as tables of numbers and texts by group code, with the same codes for entries of
+// the DIMSTYLE table, header variables and overrides in a dimension's extended data. Only what the
+// drawing of dimensions uses has a name in `DimStyle`; the other codes serve to recognize a style
+// that is not at its defaults, and is therefore reported as lost.
 #include "dxf/in/convert/dimstyles.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// Recognizes catalogue patterns and normalizes others. A record states the lines of its pattern
+// already scaled and rotated; these are undone first, and rounded, because computing them back and
+// forth leaves noise by which equal patterns would differ.
 #include "dxf/in/convert/hatchpattern.h"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// Decodes the codes within an MTEXT into pieces of text, each with the index of its format, and
+// paragraphs. Formats repeat, so the recent ones are compared before a new one is stored. Braces
+// save and restore the format. An unknown code is text. Codes that cannot be shown are recorded for
+// the report.
 #include "dxf/in/convert/mtextcodes.h"
 
 #include <algorithm>

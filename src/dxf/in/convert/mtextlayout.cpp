@@ -1,3 +1,8 @@
+// Breaks the pieces of a formatted text into lines and places them. We have no font of the original
+// program, so widths are estimates, and a line that ought to fit may come out a little too long.
+// Hence the layout prefers what the record states: the number of lines and the width that its
+// program has measured; characters are stretched to match, within limits, and text that may fit on
+// one line stays there.
 #include "dxf/in/convert/mtextlayout.h"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// Reads MTEXT and builds texts from it: the codes within the text become pieces (mtextcodes), these
+// become lines in a box (mtextlayout), and each run of equal format in a line becomes one text.
+// Newer files state columns, and the size of the text as its program saw it, in an embedded object
+// that repeats the codes of the text with other meanings (`takeEmbedded`).
 #include "dxf/in/convert/mtextreader.h"
 
 #include <algorithm>

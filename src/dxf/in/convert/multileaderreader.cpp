@@ -1,3 +1,6 @@
+// A multileader nests its data in braces, that is, in codes that begin and end a part, and the same
+// code means different things in different parts; `m_place` says where the reader is. The result is
+// the leader's lines and its text, without the head of a line.
 #include <algorithm>
 #include <cmath>
 

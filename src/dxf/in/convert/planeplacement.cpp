@@ -1,3 +1,7 @@
+// Entities lie in a plane given by its normal, in coordinates of that plane. A normal along -z only
+// mirrors: most kinds stay what they are. In an inclined plane, circles and arcs become chains of
+// chords in space, while texts and inserts, which cannot be inclined, are laid flat at their point,
+// which is reported.
 #include "dxf/in/convert/planeplacement.h"
 
 #include <cmath>

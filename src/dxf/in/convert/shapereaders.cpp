@@ -1,3 +1,5 @@
+// Kinds that become polylines or faces: SOLID and TRACE, multilines, subdivision meshes. They share
+// the limits and the reporting of the other approximated kinds (replacement.h).
 #include "dxf/in/convert/shapereaders.h"
 
 #include <cstddef>

@@ -1,3 +1,6 @@
+// The blocks of layouts have names like any other block, but their contents are sheets: the model,
+// or the paper space of one layout. They are read all the same: whether a sheet holds anything
+// decides what the report says about its layout.
 #include "dxf/in/parse/blockssection.h"
 
 #include <list>

@@ -1,3 +1,8 @@
+// Puts what the parser reads into a drawing; what differs between loading and importing is up to
+// the two derived classes. Inserts may precede the definitions of their blocks, so unknown names
+// get an empty block as a placeholder, which the definition fills or an external reference replaces
+// (`repoint`). Hatches share a limit per file on generated lines, because a few bytes can request
+// millions.
 #include "vek0core/dxf/in/parse/filedxfidatasemantor.h"
 
 #include <algorithm>

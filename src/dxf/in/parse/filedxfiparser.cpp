@@ -1,3 +1,7 @@
+// The file level: sections in any order, and what precedes, separates or follows them. Under the
+// tolerant policy, a file may begin in the middle or consist of entities only (`readFragment`), and
+// anything between sections is passed over. Each section has its own reader; `Sections` holds them
+// and what they share.
 #include "vek0core/dxf/in/parse/filedxfiparser.h"
 
 #include <new>

@@ -1,3 +1,6 @@
+// Variables are collected pair by pair, as their types are known only from the group codes of their
+// values, and then looked up by name in the tables below. Names of current items are kept until the
+// end of the file, when the tables are complete.
 #include "dxf/in/parse/headersection.h"
 
 #include <algorithm>

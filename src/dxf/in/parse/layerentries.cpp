@@ -1,3 +1,6 @@
+// A layer's linetype may be declared by a later table. The layer then gets a substitute that no
+// other layer can have, by which `create` recognizes whether the semantor took the entry, and is
+// given the right linetype at the end of the file (`settle`).
 #include "dxf/in/parse/layerentries.h"
 
 #include "dxf/in/itemflags.h"

@@ -1,3 +1,5 @@
+// The entry points of reading. If memory runs out, a drawing that was new is emptied again; one
+// that had content keeps what was imported until then.
 #include "vek0core/dxf/in/parse/loaddxf.h"
 
 #include <new>

@@ -1,3 +1,6 @@
+// A clipped insert names a dictionary, which leads over a second one to a filter, all in the
+// OBJECTS section and in any order. So inserts get a clip that is still empty, objects are
+// collected, and the clips are filled at the end of the file (`settle`).
 #include "dxf/in/records/clipreader.h"
 
 #include <algorithm>

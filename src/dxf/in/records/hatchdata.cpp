@@ -1,3 +1,6 @@
+// Restores the hatch from the extended data of an insert (see dxf/hatchdatalayout.h). The pairs are
+// collected as they come and parsed at the end of the record; anything unexpected means that the
+// insert is an ordinary one, never an error.
 #include "dxf/in/records/hatchdata.h"
 
 #include <algorithm>

@@ -1,3 +1,11 @@
+// Reads HATCH and MPOLYGON records. Their codes mean different things in different parts of the
+// record, so a record is not a set of pairs as for other kinds: counts say how many groups follow,
+// and each group is read pair by pair in its order.
+//
+// A damaged record is cut down as far as necessary: an invalid number of the pattern is read as 0,
+// one in a loop costs that loop, an edge that makes no sense leaves a gap, which the loop builder
+// closes by a straight line. Where a count itself is invalid, groups are read as long as the code
+// that begins one follows (`Count`).
 #include "dxf/in/records/hatchreader.h"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// Reads POLYLINE with its VERTEX records, and LWPOLYLINE. One record type serves five kinds of
+// objects: plain polylines, curves, of which the file holds control points and the points computed
+// from them, meshes, polyfaces and polylines in space. The vertices are collected first, and the
+// flags decide what is built from them.
 #include "dxf/in/records/polylinereader.h"
 
 #include <algorithm>
