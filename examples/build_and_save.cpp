@@ -6,7 +6,7 @@ int main(int argc, char** argv) {
   if (argc != 2) return 2;
   const CDataPtr drawing(CDataFactory().createData());
   if (!drawing) return 1;
-  CUndoStack edit(*drawing);  // adds things in the right order, and deletes them if that fails
+  CUndoStack edit(*drawing);  // counts what is used, and could take it all back
 
   CLayer* holes = drawing->getLayerFactory().create(u"HOLES", &drawing->getLtypeContinuous(), 1, 0);
   CBlock* bolt = drawing->getBlockFactory().create(u"BOLT", PNT_3D(0, 0, 0), 0);

@@ -17,7 +17,7 @@ int main(int argc, char** argv) {
   for (CEnt* ent : drawing.getEntTable().getEntityTbl())
     if (ent->getLayer() == getLayer(drawing, zim::WString::fromUtf8(argv[2])) && edits.keep(*ent))
       ent->accept(mover);
-  edits.add(createEntLine(drawing, LINE_3D(0, 0, 0, 10, 5, 0), 0));
+  if (!edits.add(createEntLine(drawing, LINE_3D(0, 0, 0, 10, 5, 0), 0))) return 1;
   if (!edits.commit()) return 1;
   if (!edits.undo() || !edits.redo()) return 1;  // either takes the whole step
 

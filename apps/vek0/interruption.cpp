@@ -43,12 +43,16 @@ void watch(const std::filesystem::path& unfinished) {
 #ifndef _WIN32
   endCleanlyOn(SIGHUP);
   endCleanlyOn(SIGPIPE);
-  std::signal(SIGXFSZ, SIG_IGN);  // exceeding the file size limit becomes a failed write
 #endif
 }
 
 }  // namespace
 
-void removeOutputsOnInterruption() { host::OutputFile::setWatch(watch); }
+void removeOutputsOnInterruption() {
+#ifndef _WIN32
+  std::signal(SIGXFSZ, SIG_IGN);  // exceeding the file size limit becomes a failed write
+#endif
+  host::OutputFile::setWatch(watch);
+}
 
 }  // namespace vek0::tool

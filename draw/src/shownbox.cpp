@@ -16,7 +16,6 @@ namespace vek0::detail {
 namespace {
 
 constexpr double kOverhang = 0.5;  // of a text's height
-constexpr std::size_t kMostKnown = 100'000;
 
 bool isText(const CEnt& ent) {
   const short type = ent.getType();
@@ -121,7 +120,6 @@ const CBlock* ShownBoxes::look(Level& level) const {
 // hold what was found so far, so that one within itself ends too.
 BLOCK_SUM ShownBoxes::sum(const CBlock& block) {
   if (const Known* known = find(block)) return known->sum;
-  if (m_blocks.size() > kMostKnown) m_blocks.clear();
   static_cast<void>(block.getBdry());  // from here on its edition reflects the blocks within
   std::vector<Level> levels{{&block}};
   for (;;) {

@@ -32,7 +32,8 @@ std::unique_ptr<IFile> openStandardInput(bool isKept) {
   isKept = true;
 #endif
   auto direct = std::make_unique<CFileStdLib>(zim::WString::fromUtf8(kStandardInput), kRead);
-  if (isKept || !direct->open()) return keptStandardInput();
+  // The path opens a file from its beginning, whatever the shell has read of it.
+  if (isKept || std::ftell(stdin) > 0 || !direct->open()) return keptStandardInput();
   direct->close();
   return direct;
 }

@@ -1,5 +1,10 @@
 #include "vek0host/outputfile.h"
 
+#ifndef _WIN32
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
 #include <cstdio>
 #include <fstream>
 #include <random>
@@ -74,15 +79,20 @@ std::string OutputFile::faultOf(const std::string& path, bool force) const {
   return {};
 }
 
-// Until it is in place, only the owner may read it: the file that it replaces may be private.
+// From the beginning only the owner may read it, if it replaces a file: that may be private.
 void OutputFile::createTemporary() {
   std::error_code ignored;
+  const auto before = std::filesystem::status(m_target, ignored);
+#ifndef _WIN32
+  if (std::filesystem::exists(before)) {
+    m_permissions = before.permissions();
+    const int file = ::open(m_temporary.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0600);
+    if (file >= 0) ::close(file);
+    return;
+  }
+#endif
   std::ofstream(m_temporary).close();
   m_permissions = std::filesystem::status(m_temporary, ignored).permissions();
-  const auto before = std::filesystem::status(m_target, ignored);
-  if (std::filesystem::exists(before)) m_permissions = before.permissions();
-  using std::filesystem::perms;
-  std::filesystem::permissions(m_temporary, perms::owner_read | perms::owner_write, ignored);
 }
 
 OutputFile::~OutputFile() {
@@ -90,6 +100,8 @@ OutputFile::~OutputFile() {
   std::error_code ignored;
   if (!m_temporary.empty()) std::filesystem::remove(m_temporary, ignored);
 }
+
+std::string OutputFile::path() const { return toUtf8(m_target); }
 
 std::uintmax_t OutputFile::size() const {
   if (m_target == "-") return static_cast<const CFileMemory&>(*m_file).bytes().size();

@@ -1,12 +1,13 @@
 #include "vek0host/references.h"
 
+#include "vek0host/paths.h"
 #include "vek0host/reports.h"
 
 namespace vek0::host {
 namespace {
 
 zim::WString nameOfDrawing(const std::string& path) {
-  return path == "-" ? zim::WString() : zim::WString::fromUtf8(path);
+  return path == "-" ? zim::WString() : toName(toPath(path));
 }
 
 }  // namespace
@@ -15,9 +16,8 @@ ReferenceReader::ReferenceReader(const std::string& path, const ReferenceOptions
                                  const Session& session)
     : m_folders(nameOfDrawing(path)) {
   for (const std::string& folder : options.searched)
-    m_folders.addSearchFolder(zim::WString::fromUtf8(folder));
-  for (const std::string& folder : options.allowed)
-    m_folders.allowFolder(zim::WString::fromUtf8(folder));
+    m_folders.addSearchFolder(toName(toPath(folder)));
+  for (const std::string& folder : options.allowed) m_folders.allowFolder(toName(toPath(folder)));
   m_options.reading = readingOptions(session);
   m_options.reading.policy.paperSpace = false;
   // Fonts are found by name, and bound content must keep its font names.

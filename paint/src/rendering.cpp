@@ -172,9 +172,14 @@ class Renderer {
     return picture;
   }
 
+  static std::string stemOf(const std::string& path) {
+    const std::u8string stem = toPath(path).stem().u8string();
+    return std::string(stem.begin(), stem.end());
+  }
+
   static std::string fileTitle(const std::string& path) {
-    const std::u8string name = toPath(path).stem().u8string();
-    return std::string(name.begin(), name.end());
+    // File names may be any bytes, titles may not.
+    return zim::WString::fromUtf8(stemOf(path)).toUtf8();
   }
 
   void draw(const CData& data, const PICTURE& picture, const std::string& out, bool evenEmpty) {
@@ -219,9 +224,14 @@ class Renderer {
                     const std::string& out) {
     std::unordered_set<std::string> names;
     const std::filesystem::path path = toPath(out);
+    // Names may have 255 bytes, of which number and extension need a few.
+    constexpr std::size_t kMostForBoth = 235, kMostForLayer = 100;
+    const std::size_t room = kMostForBoth - std::min(kMostForBoth, stemOf(out).size());
     for (const CLayer* layer : layers.visible()) {
       layers.showOnly(layer);
-      const std::string wanted = fileTitle(out) + "-" + fileName(layer->getFullName().toUtf8());
+      const std::string wanted =
+          stemOf(out) + "-" +
+          fileName(layer->getFullName().toUtf8(), std::min(kMostForLayer, room));
       std::string stem = wanted;
       for (int n = 2; !names.insert(stem).second; ++n) stem = wanted + "-" + std::to_string(n);
       const std::u8string file =
@@ -231,10 +241,9 @@ class Renderer {
   }
 
   // A layer's name without characters invalid in file names; long names are cut between characters.
-  static std::string fileName(std::string name) {
-    constexpr std::size_t kMost = 100;  // of the 255 bytes that names usually may have
-    if (name.size() > kMost) {
-      std::size_t end = kMost;
+  static std::string fileName(std::string name, std::size_t most) {
+    if (name.size() > most) {
+      std::size_t end = most;
       while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80) --end;
       name.resize(end);
     }

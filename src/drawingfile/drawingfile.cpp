@@ -1,8 +1,11 @@
 #include "vek0core/drawingfile/drawingfile.h"
 
+#include <cstdio>
 #include <filesystem>
-#include <new>
+#include <random>
+#include <string>
 #include <system_error>
+#include <utility>
 
 #include "vek0core/drawing/datafactory.h"
 #include "vek0core/files/filename.h"
@@ -21,11 +24,52 @@ fs::path toPath(const zim::WString& name) {
 #endif
 }
 
+zim::WString toName(const fs::path& path) {
+#ifdef _WIN32
+  return zim::WString(path.u16string());
+#else
+  return fileNameFromBytes(path.native());
+#endif
+}
+
+// The target of links, existing or not; empty if they are circular.
+fs::path followed(fs::path path) {
+  constexpr int kMostLinks = 40;
+  std::error_code failure;
+  for (int i = 0; i < kMostLinks; ++i) {
+    if (!fs::is_symlink(path, failure)) return path;
+    path = path.parent_path() / fs::read_symlink(path, failure);
+  }
+  return {};
+}
+
 // Devices and pipes cannot be replaced.
 bool isReplaceable(const fs::path& path) {
   std::error_code failure;
   const fs::file_status status = fs::status(path, failure);
   return status.type() == fs::file_type::not_found || status.type() == fs::file_type::regular;
+}
+
+bool createNew(const fs::path& path) {
+#ifdef _WIN32
+  std::FILE* const file = _wfopen(path.c_str(), L"wbx");
+#else
+  std::FILE* const file = std::fopen(path.c_str(), "wbx");
+#endif
+  if (file != nullptr) std::fclose(file);
+  return file != nullptr;
+}
+
+// A new file in the folder of `target`, as private as that; empty if there can be none. Its name is
+// not derived from the target's, which may already have the maximum length.
+fs::path temporaryFor(const fs::path& target) {
+  std::random_device random;
+  const fs::path path = target.parent_path() / (".vek0-" + std::to_string(random()) + ".tmp");
+  if (!createNew(path)) return {};
+  std::error_code failure;
+  const fs::file_status before = fs::status(target, failure);
+  if (fs::exists(before)) fs::permissions(path, before.permissions(), failure);
+  return path;
 }
 
 bool saveTo(const CData& data, const zim::WString& name, unsigned flags, CFileReport* report) {
@@ -61,14 +105,16 @@ COpenedDrawing openDrawing(std::string_view path, const CFileDXFIPolicy& policy)
 }
 
 bool saveDrawing(const CData& data, const zim::WString& path, unsigned flags, CFileReport* report) {
-  if (!isReplaceable(toPath(path))) return saveTo(data, path, flags, report);
-  const zim::WString fresh = path + u".new";
+  const fs::path target = followed(toPath(path));
+  if (!isReplaceable(target)) return saveTo(data, path, flags, report);
+  const fs::path fresh = temporaryFor(target);
+  if (fresh.empty()) return false;
   std::error_code failure;
-  if (saveTo(data, fresh, flags, report)) {
-    fs::rename(toPath(fresh), toPath(path), failure);
+  if (saveTo(data, toName(fresh), flags, report)) {
+    fs::rename(fresh, target, failure);
     if (!failure) return true;
   }
-  fs::remove(toPath(fresh), failure);
+  fs::remove(fresh, failure);
   return false;
 }
 

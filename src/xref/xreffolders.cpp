@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "vek0core/files/filename.h"
 #include "vek0core/files/filestdlib.h"
 #include "vek0core/xref/xrefresolver.h"
 #include "zim0lang/casefold.h"
@@ -26,34 +27,39 @@ constexpr std::size_t kMaxPath = 4096;
 constexpr std::chrono::seconds kCoarsestTime{2};
 
 fs::path pathOf(const zim::WString& text) {
-  const std::string utf8 = text.toUtf8();
-  return fs::path(std::u8string(utf8.begin(), utf8.end()));
+#ifdef _WIN32
+  return fs::path(std::u16string(text.view()));
+#else
+  return fs::path(fileNameToBytes(text));
+#endif
 }
 
 zim::WString textOf(const fs::path& path) {
-  const std::u8string utf8 = path.u8string();
-  return zim::WString::fromUtf8(std::string(utf8.begin(), utf8.end()));
+#ifdef _WIN32
+  return zim::WString(path.u16string());
+#else
+  return fileNameFromBytes(path.native());
+#endif
 }
 
-// Names on some platforms are arbitrary bytes; converted to text, such a name would denote another
-// file.
+// Whether the path survives as text, which some platforms do not guarantee.
 bool hasText(const fs::path& path) { return pathOf(textOf(path)) == path; }
 
 bool canBePath(const zim::WString& text) {
   return !text.empty() && text.Length() <= kMaxPath &&
          text.view().find(zim::Char{0}) == std::u16string_view::npos &&
-         zim::WString::fromUtf8(text.toUtf8()) == text;
+         fileNameFromBytes(fileNameToBytes(text)) == text;
 }
 
 bool isDriveLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
 // Converts a path that may come from another platform, removing "." and redundant "..".
 fs::path platformPath(const zim::WString& path) {
-  std::string text = path.toUtf8();
+  std::string text = fileNameToBytes(path);
   std::replace(text.begin(), text.end(), '\\', '/');
   static const bool hasDrives = fs::path("C:").has_root_name();
   if (!hasDrives && text.size() > 1 && text[1] == ':' && isDriveLetter(text[0])) text.erase(0, 2);
-  return fs::path(std::u8string(text.begin(), text.end())).lexically_normal();
+  return pathOf(fileNameFromBytes(text)).lexically_normal();
 }
 
 // The candidate paths, most likely first.

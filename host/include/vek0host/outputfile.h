@@ -34,8 +34,8 @@ class OutputFile {
   /// Empty if there is no error.
   const std::string& error() const { return m_error; }
 
-  /// The target as given, for messages.
-  std::string path() const { return m_target.string(); }
+  /// The file that is written, for messages: the target of links.
+  std::string path() const;
 
   /// The file to write to; owned by this object.
   IFile& file() { return *m_file; }

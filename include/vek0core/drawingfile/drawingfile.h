@@ -35,7 +35,9 @@ VEK0_API COpenedDrawing openDrawing(std::string_view path,
                                     const CFileDXFIPolicy& policy = CFileDXFIPolicy::forAnyFile());
 
 /// Writes a drawing to the file `path` as `SaveDXF` does; `report` may be null. An existing file is
-/// replaced only once the new one is complete: false, if anything fails, leaves it as it was.
+/// replaced only once the new one is complete: false, if anything fails, leaves it as it was. Links
+/// and permissions stay; devices and pipes are written directly. Throws `std::bad_alloc` as
+/// `openDrawing` does, with the file as it was.
 VEK0_API bool saveDrawing(const CData& data, const zim::WString& path,
                           unsigned flags = kSaveExchange, CFileReport* report = nullptr);
 /// The same for a path in the platform's bytes.
