@@ -1,15 +1,8 @@
 // Files of other programs: VEK0_CORPUS names a folder that holds them under dxf/.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <map>
-#include <vector>
 
 #include "corpus/drawingchecks.h"
 #include "support/r12lint.h"
-#include "support/samples.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 namespace fs = std::filesystem;
@@ -67,7 +60,7 @@ std::size_t entries(const std::string& bytes) {
 // reading skips filled faces, and the files are too long for a line-by-line comparison.
 void expectSettled(const CData& data, unsigned flags) {
   const std::string first = save(data, flags);
-  const Loaded again = load(first, CFileDXFIPolicy::forAnyFile());
+  const LoadedFile again = load(first, CFileDXFIPolicy::forAnyFile());
   const std::string second = save(*again.drawing, flags);
   if (second == first) return;
   const bool isMerged = flags == 0 && entries(second) < entries(first);
@@ -75,24 +68,26 @@ void expectSettled(const CData& data, unsigned flags) {
       << "load, save must give the same file again, flags " << flags;
 }
 
-void expectRoundTrip(CData& data, unsigned flags) {
-  const std::string first = save(data, flags);
-  ASSERT_FALSE(first.empty());
+// Returns the file as saved.
+std::string expectRoundTrip(CData& data, unsigned flags) {
+  std::string first = save(data, flags);
+  EXPECT_FALSE(first.empty());
   EXPECT_TRUE(save(data, flags) == first) << "equal input must give equal bytes";
-  Loaded copy = load(first);
-  ASSERT_FALSE(copy.error.HasAnError())
+  LoadedFile copy = load(first);
+  EXPECT_FALSE(copy.error.HasAnError())
       << copy.error.GetFullMessage().toUtf8() << " in our own file, flags " << flags;
   EXPECT_EQ(inconsistency(*copy.drawing), "");
+  return first;
 }
 
 void checkFile(const fs::path& path) {
   SCOPED_TRACE(path.filename().string());
   const std::string bytes = readFile(path.string());
-  const Loaded tolerant = load(bytes, CFileDXFIPolicy::forAnyFile());
+  const LoadedFile tolerant = load(bytes, CFileDXFIPolicy::forAnyFile());
   if (!tolerant.error.HasAnError()) {
     for (const unsigned flags : {0u, kSaveExchange + 0u}) expectSettled(*tolerant.drawing, flags);
   }
-  Loaded loaded = load(bytes);
+  LoadedFile loaded = load(bytes);
   EXPECT_EQ(inconsistency(*loaded.drawing), "");
   if (loaded.error.HasAnError()) {
     EXPECT_TRUE(isKnownKind(loaded.error.GetErrorType())) << loaded.error.GetErrorType();
@@ -101,26 +96,32 @@ void checkFile(const fs::path& path) {
     return;
   }
   expectRoundTrip(*loaded.drawing, 0);
-  expectRoundTrip(*loaded.drawing, kSaveExchange);
-  for (const std::string& complaint : lintR12(save(*loaded.drawing, kSaveExchange), true)) {
+  const std::string exchange = expectRoundTrip(*loaded.drawing, kSaveExchange);
+  for (const std::string& complaint : lintR12(exchange, true)) {
     ADD_FAILURE() << complaint;
   }
 }
 
 }  // namespace
 
-TEST(Corpus, EveryFileGivesAConsistentDrawingAndARoundTripOrAnError) {
+// Every 16th file, so that processors share the work.
+constexpr std::size_t kShares = 16;
+class Corpus : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(Corpus, EveryFileGivesAConsistentDrawingAndARoundTripOrAnError) {
   const auto files = corpus();
   if (files.empty()) GTEST_SKIP() << "VEK0_CORPUS is not set";
-  for (const fs::path& path : files) checkFile(path);
+  for (std::size_t i = GetParam(); i < files.size(); i += kShares) checkFile(files[i]);
 }
+
+INSTANTIATE_TEST_SUITE_P(Share, Corpus, testing::Range(std::size_t{0}, kShares));
 
 TEST(Samples, LoadAndGoRound) {
   const auto files = drawingsIn(vek0::test::samplePath());
   ASSERT_GE(files.size(), 3u);
   for (const fs::path& path : files) {
     SCOPED_TRACE(path.filename().string());
-    const Loaded loaded = load(readFile(path.string()));
+    const LoadedFile loaded = load(readFile(path.string()));
     EXPECT_FALSE(loaded.error.HasAnError()) << loaded.error.GetFullMessage().toUtf8();
     checkFile(path);
   }

@@ -1,12 +1,5 @@
 #include "corpus/drawingchecks.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <fstream>
-#include <map>
-#include <set>
-#include <sstream>
+#include "support/test.h"
 
 namespace vek0::test {
 namespace {
@@ -104,8 +97,8 @@ Drawing newDrawing() {
   return Drawing(CDataFactory().createData());
 }
 
-Loaded load(const std::string& bytes, const CFileDXFIPolicy& policy) {
-  Loaded loaded{newDrawing(), {}};
+LoadedFile load(const std::string& bytes, const CFileDXFIPolicy& policy) {
+  LoadedFile loaded{newDrawing(), {}};
   CFileMemory file(u"test.dxf", 1, bytes);
   CFileDXFIOptions options;
   options.policy = policy;

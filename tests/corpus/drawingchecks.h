@@ -1,9 +1,6 @@
 #pragma once
 
-#include <memory>
-#include <string>
-
-#include "vek0core/vek0core.h"
+#include "support/test.h"
 
 namespace vek0::test {
 
@@ -13,11 +10,11 @@ using Drawing = CDataPtr;
 Drawing newDrawing();
 
 /// A drawing and the result of reading it.
-struct Loaded {
+struct LoadedFile {
   Drawing drawing;
   CFileDXFIError error;
 };
-Loaded load(const std::string& bytes, const CFileDXFIPolicy& policy = {});
+LoadedFile load(const std::string& bytes, const CFileDXFIPolicy& policy = {});
 
 /// The drawing as DXF; empty if saving fails.
 std::string save(const CData& data, unsigned flags);

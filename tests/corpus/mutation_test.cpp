@@ -1,15 +1,8 @@
 // Damaged copies of valid files: truncated at every byte, or with random changes. Most effective in
 // the sanitizer build.
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <random>
-#include <vector>
 
 #include "corpus/drawingchecks.h"
-#include "support/quietasserts.h"
-#include "support/samples.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 
@@ -51,10 +44,10 @@ std::string mutate(std::string text, std::mt19937& random) {
 }
 
 void expectConsistent(const std::string& text) {
-  Loaded loaded = load(text);
+  LoadedFile loaded = load(text);
   ASSERT_EQ(inconsistency(*loaded.drawing), "");
   if (loaded.error.HasAnError()) return;
-  Loaded again = load(save(*loaded.drawing, kSaveExchange));
+  LoadedFile again = load(save(*loaded.drawing, kSaveExchange));
   ASSERT_FALSE(again.error.HasAnError()) << again.error.GetFullMessage().toUtf8();
 }
 
@@ -66,7 +59,7 @@ TEST(BrokenFiles, EveryTruncationGivesAnErrorOrADrawing) {
   for (const std::string& whole : samples()) {
     for (std::size_t n = 0; n <= whole.size(); n += n < 2000 ? 1 : 7) {
       SCOPED_TRACE(testing::Message() << "first " << n << " bytes");
-      Loaded loaded = load(whole.substr(0, n));
+      LoadedFile loaded = load(whole.substr(0, n));
       ASSERT_EQ(inconsistency(*loaded.drawing), "");
     }
   }
@@ -79,8 +72,7 @@ TEST(BrokenFiles, RandomChangesGiveAnErrorOrADrawing) {
   ASSERT_FALSE(texts.empty());
   constexpr unsigned kSeed = 7;
   std::mt19937 random(kSeed);
-  for (int round = 0; round < 3000; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed " << kSeed << ", round " << round);
+  for ([[maybe_unused]] const int round : rounds(3000)) {
     expectConsistent(mutate(texts[random() % texts.size()], random));
     if (HasFatalFailure()) return;
   }

@@ -1,18 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <random>
-#include <set>
-#include <utility>
-
 #include "arraycells.h"
 #include "recorder.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 using vek0::detail::ArrayCells;
 using vek0::detail::IndexRange;
-using vek0::test::Recorder;
-using vek0::test::Scene;
-using vek0::test::seen;
 
 namespace {
 
@@ -49,25 +42,15 @@ TEST(Arrays, CellsThatLieOnEachOtherAreDrawnOnce) {
 
 // A file says a billion as easily as it says ten.
 TEST(Arrays, CellsOutsideTheWindowCostNothing) {
-  const struct {
-    const char* name;
-    double rotation;
-    long columns, rows;
-    double columnSpacing;
-  } cases[] = {
-      {"upright", 0, 30000, 30000, 10},       {"askew", 0.6, 30000, 30000, 10},
-      {"endless", 0, 1, 2000000000, 10},      {"endless, no step aside", 0.6, 1, 2000000000, 0},
-      {"backward", 3.1416, 30000, 30000, 10}, {"quarter", 1.5708, 30000, 30000, 10},
-      {"a single row", 0.001, 30000, 1, 10},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     Scene scene;
     CEntInsert* array =
-        arrayOf(scene, *unitBlock(scene), t.rotation, t.columns, t.rows, t.columnSpacing, 10);
+        arrayOf(scene, *unitBlock(scene), t.real("rotation"), t.whole<long>("columns"),
+                t.whole<long>("rows"), t.real("columnSpacing"), 10);
     // The middle of the array in the middle of the window.
     PNT_3D middle;
-    CEntInsertMatrix(1, *array, t.rows / 2, t.columns / 2).transform(PNT_3D(0, 0, 0), middle);
+    CEntInsertMatrix(1, *array, t.whole<long>("rows") / 2, t.whole<long>("columns") / 2)
+        .transform(PNT_3D(0, 0, 0), middle);
     array->setPnt(PNT_3D(500 - middle.x, 500 - middle.y, 0));
     const Recorder drawn = scene.draw();
     EXPECT_FALSE(scene.result.cut);
@@ -83,8 +66,7 @@ TEST(Arrays, TheCellsThatAreMetAreFound) {
   const auto number = [&](double reach) {
     return std::uniform_real_distribution<>(-reach, reach)(random);
   };
-  for (int trial = 0; trial < 2000; ++trial) {
-    SCOPED_TRACE(trial);
+  for (const int trial : rounds(2000)) {
     const RECT_2D window(number(50), number(50), number(50), number(50));
     const RECT_2D cell(number(20), number(20), number(20), number(20));
     PNT_2D step(number(10), number(10)), up(number(10), number(10));

@@ -1,19 +1,9 @@
 // Drawings of a few lines that unfold to more than anybody can see.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <functional>
-#include <limits>
-#include <random>
-#include <set>
-#include <string>
-#include <utility>
 
 #include "recorder.h"
+#include "support/test.h"
 
-using vek0::test::Recorder;
-using vek0::test::Scene;
-using vek0::test::Thing;
+using namespace vek0::test;
 
 namespace {
 
@@ -137,8 +127,7 @@ TEST(Coarse, TheCostFollowsTheWindow) {
       {"overlapping", [](Maker& m) { return m.array(*m.line(300, 200), kMost, 1, .01, 0); }, 400,
        Thing::Stroke},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     Maker maker;
     maker.scene.add(t.make(maker));
     DRAW_OPTIONS options;
@@ -174,8 +163,7 @@ TEST(Coarse, ShowsTheSameInk) {
     return std::uniform_real_distribution<>(from, to)(random);
   };
   int coarse = 0;
-  for (int trial = 0; trial < 20; ++trial) {
-    SCOPED_TRACE(trial);
+  for ([[maybe_unused]] const int trial : rounds(20)) {
     Maker maker;
     CBlock* block = maker.line(number(.01, 3), number(.01, 3));
     for (int level = 0; level < 3; ++level) {

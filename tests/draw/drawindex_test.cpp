@@ -1,22 +1,11 @@
 #include "vek0draw/drawindex.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <memory>
-#include <random>
-#include <vector>
-
 #include "recorder.h"
+#include "support/test.h"
 
-using vek0::test::Recorder;
-using vek0::test::Scene;
-using vek0::test::Thing;
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
 
 // A drawing of all kinds over ten thousand units, and edits of it.
 class Draughtsman {
@@ -228,8 +217,7 @@ TEST(DrawIndex, EmitsWhatAFullWalkEmits) {
     author.addSome(seed == 0 ? 0 : 3000);
     author.addLargeBlock();
     CDrawIndex index(author.data());
-    for (int round = 0; round < 30; ++round) {
-      SCOPED_TRACE(testing::Message() << "seed " << seed << " round " << round);
+    for ([[maybe_unused]] const int round : rounds(30)) {
       author.look(author.number(10, 8000));
       const std::unique_ptr<IProjector> view = anyView(author);
       Recorder indexed, walked;
@@ -284,8 +272,7 @@ TEST(DrawIndex, HugeEntitiesHideNothing) {
   scene.line(-1.5e308, 0, 1.5e308, 0);
   CDrawIndex index(*scene.data);
   const double sizes[] = {1e12, 1000, 10, 1e-7};
-  for (const double size : sizes) {
-    SCOPED_TRACE(size);
+  for (const double size : named(sizes)) {
     scene.window.set(20, 20, 20 + size, 20 + size);
     Recorder indexed;
     index.draw(CPOProjector(), scene.window, indexed);
@@ -376,8 +363,7 @@ TEST(Culling, NothingThatMeetsTheWindowIsMissing) {
   for (unsigned seed = 10; seed < 14; ++seed) {
     Draughtsman author(seed);
     author.addSome(600);
-    for (int round = 0; round < 10; ++round) {
-      SCOPED_TRACE(testing::Message() << "seed " << seed << " round " << round);
+    for ([[maybe_unused]] const int round : rounds(10)) {
       author.look(1000);
       const Recorder seen = author.scene.draw();
       // The same view in a corner of a device that shows the whole drawing.

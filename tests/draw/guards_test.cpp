@@ -1,16 +1,9 @@
 // Numbers and structures that no draughtsman draws.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <string>
 
 #include "recorder.h"
+#include "support/test.h"
 
-using vek0::test::Recorder;
-using vek0::test::Scene;
-using vek0::test::seen;
-using vek0::test::Thing;
+using namespace vek0::test;
 
 namespace {
 
@@ -88,42 +81,24 @@ TEST(Guards, TextsThatAreSeenFromTheirEdgeAreLeftOut) {
 TEST(Guards, TheLimitCutsAndTellsSo) {
   Scene scene;
   for (int i = 0; i < 10; ++i) scene.line(i, 0, i, 10);
-  const struct {
-    std::size_t limit, emitted;
-    bool cut;
-  } cases[] = {
-      {10, 10, false},
-      {9, 9, true},
-      {1, 1, true},
-      {0, 0, true},
-  };
-  for (const auto& t : cases) {
+  for (const Row& t : rows()) {
     DRAW_OPTIONS options;
-    options.limit = t.limit;
-    EXPECT_EQ(scene.draw(options).things.size(), t.emitted);
-    EXPECT_EQ(scene.result.emitted, t.emitted);
-    EXPECT_EQ(scene.result.cut, t.cut) << t.limit;
+    options.limit = t.count("limit");
+    EXPECT_EQ(scene.draw(options).things.size(), t.count("emitted"));
+    EXPECT_EQ(scene.result.emitted, t.count("emitted"));
+    EXPECT_EQ(scene.result.cut, t.flag("cut")) << t.count("limit");
   }
 }
 
 TEST(Guards, PointsAndLettersAreCountedToo) {
-  const struct {
-    const char* name;
-    std::size_t limit;
-    bool cut;
-  } cases[] = {
-      {"enough for all", 1000, false},
-      {"too few for the text", 60, true},
-      {"too few for the lines", 15, true},
-  };
-  for (const auto& t : cases) {
+  for (const Row& t : rows()) {
     Scene scene;
     for (int i = 0; i < 10; ++i) scene.line(i, 0, i, 10);
     scene.add(createEntText(*scene.data, TEXT_3D(u"abc", nullptr, 5, 5, 0, 10, 0, 1, 0, 0), 0));
     DRAW_OPTIONS options;
-    options.pointLimit = t.limit;
+    options.pointLimit = t.count("limit");
     scene.draw(options);
-    EXPECT_EQ(scene.result.cut, t.cut) << t.name;
+    EXPECT_EQ(scene.result.cut, t.flag("cut")) << t.text("name");
   }
 }
 

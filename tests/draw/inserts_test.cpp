@@ -1,16 +1,9 @@
 // What entities of blocks take over from the inserts around them.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <memory>
-#include <random>
 
 #include "recorder.h"
+#include "support/test.h"
 
-using vek0::test::Recorder;
-using vek0::test::Scene;
-using vek0::test::seen;
-using vek0::test::Thing;
+using namespace vek0::test;
 
 namespace {
 
@@ -71,8 +64,7 @@ TEST(Inserts, ColoursAndLayersComeFromOutside) {
       {"by block all through", Own, kByBlock, Inner, kByBlock, Outer, kByBlock, kBlack, "OWN"},
       {"by block of a by layer on 0", Zero, kByBlock, Zero, kByLayer, Outer, 1, kBlue, "OUTER"},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     Nest nest;
     CLayer* layers[] = {nest.layer0(), nest.own, nest.inner, nest.outer};
     const Recorder drawn = nest.draw(layers[t.line], t.lineColor, layers[t.inner], t.innerColor,
@@ -85,29 +77,14 @@ TEST(Inserts, ColoursAndLayersComeFromOutside) {
 
 TEST(Inserts, LayersThatAreOffOrFrozenHide) {
   constexpr long kOff = CLayer::kOff, kFrozen = CLayer::kFrozen;
-  const struct {
-    const char* name;
-    bool lineOnZero;
-    long own, inner, outer;  // flags of the layers
-    std::size_t shown;
-  } cases[] = {
-      {"all on", false, 0, 0, 0, 1},
-      {"its own is off", false, kOff, 0, 0, 0},
-      {"its own is frozen", false, kFrozen, 0, 0, 0},
-      {"an insert's is off: content stays", false, 0, kOff, kOff, 1},
-      {"an insert's is frozen", false, 0, kFrozen, 0, 0},
-      {"the outer insert's is frozen", false, 0, 0, kFrozen, 0},
-      {"content on 0 goes with the insert", true, 0, kOff, 0, 0},
-      {"content on 0, outer off, inner is not", true, 0, 0, kOff, 1},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  const Definitions names{{"kOff", kOff}, {"kFrozen", kFrozen}};
+  for (const Row& t : rowsWith(names)) {
     Nest nest;
-    nest.own->setFlags(t.own);
-    nest.inner->setFlags(t.inner);
-    nest.outer->setFlags(t.outer);
-    CLayer* line = t.lineOnZero ? nest.layer0() : nest.own;
-    EXPECT_EQ(nest.draw(line, 1, nest.inner, 1, nest.outer, 1).things.size(), t.shown);
+    nest.own->setFlags(t.whole<long>("own"));
+    nest.inner->setFlags(t.whole<long>("inner"));
+    nest.outer->setFlags(t.whole<long>("outer"));
+    CLayer* line = t.flag("lineOnZero") ? nest.layer0() : nest.own;
+    EXPECT_EQ(nest.draw(line, 1, nest.inner, 1, nest.outer, 1).things.size(), t.count("shown"));
     DRAW_OPTIONS all;
     all.hiddenLayers = true;
     EXPECT_EQ(nest.scene.draw(all).things.size(), 1U);
@@ -131,22 +108,9 @@ TEST(Inserts, AHatchHidesWithItsLayer) {
 // Linetypes follow the rules of colors.
 TEST(Inserts, LinetypesComeFromOutside) {
   enum Which { None, ByLayer, ByBlock, Dashed };
-  const struct {
-    const char* name;
-    Which line, insert;
-    bool layerDashed;
-    bool dashed;
-  } cases[] = {
-      {"its own", Dashed, None, false, true},
-      {"by block", ByBlock, Dashed, false, true},
-      {"by block of by layer", ByBlock, ByLayer, true, true},
-      {"by layer", ByLayer, None, true, true},
-      {"none is by layer", None, None, true, true},
-      {"by layer, plain", ByLayer, Dashed, false, false},
-      {"by block all through", ByBlock, ByBlock, true, false},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  const Definitions names{
+      {"Dashed", Dashed}, {"None", None}, {"ByBlock", ByBlock}, {"ByLayer", ByLayer}};
+  for (const Row& t : rowsWith(names)) {
     Scene scene;
     CLtype* dashed = scene.ltype(u"D", {0.125, -0.125});
     CLtype* ltypes[] = {nullptr, getLtypeByLayer(*scene.data), getLtypeByBlock(*scene.data),
@@ -154,13 +118,13 @@ TEST(Inserts, LinetypesComeFromOutside) {
     scene.window.zoom(100);
     scene.window.pan(-500, -500);
     CLayer* layer = scene.layer(u"L");
-    if (t.layerDashed) layer->setLtype(dashed);
-    CBlock* block =
-        scene.block(u"B", {scene.unit(&scene.data->getLayer0(), ltypes[t.line], kByLayer)});
+    if (t.flag("layerDashed")) layer->setLtype(dashed);
+    CBlock* block = scene.block(
+        u"B", {scene.unit(&scene.data->getLayer0(), ltypes[t.whole<Which>("line")], kByLayer)});
     CEntInsert* insert = scene.add(scene.insert(*block, 0, 0));
     insert->setLayer(layer);
-    insert->setLtype(ltypes[t.insert]);
-    EXPECT_EQ(scene.draw().things.size(), t.dashed ? 4U : 1U);
+    insert->setLtype(ltypes[t.whole<Which>("insert")]);
+    EXPECT_EQ(scene.draw().things.size(), t.flag("dashed") ? 4U : 1U);
   }
 }
 
@@ -208,8 +172,7 @@ TEST(Inserts, NestedPlacementsAreTheProductOfTheirs) {
   const auto number = [&](double low, double high) {
     return std::uniform_real_distribution<>(low, high)(random);
   };
-  for (int trial = 0; trial < 100; ++trial) {
-    SCOPED_TRACE(trial);
+  for ([[maybe_unused]] const int trial : rounds(100)) {
     Scene scene;
     CBlock* block = scene.block(u"B0", {scene.unit(nullptr, nullptr, 1)});
     PNT_3D from(0, 0, 0), to(1, 0, 0);

@@ -1,6 +1,7 @@
-#include <gtest/gtest.h>
-
+#include "support/test.h"
 #include "vek0draw/draw.h"
+
+using namespace vek0::test;
 
 namespace {
 
@@ -27,8 +28,7 @@ TEST(Palette, KnownColours) {
       {"no colour of its own", 256, kBlack},
       {"negative", -3, kBlack},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     const RGB_COLOR got = paletteColor(t.index, kWhite);
     EXPECT_EQ(int{got.r}, int{t.color.r});
     EXPECT_EQ(int{got.g}, int{t.color.g});

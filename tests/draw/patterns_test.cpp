@@ -1,19 +1,12 @@
 // Linetypes along what is drawn.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <random>
 
 #include "recorder.h"
+#include "support/test.h"
 
-using vek0::test::Recorder;
-using vek0::test::Scene;
-using vek0::test::seen;
-using vek0::test::Thing;
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
 
 double length(const Thing& stroke) {
   double sum = 0;
@@ -66,8 +59,7 @@ TEST(Patterns, DashesOfALineStandWhereThePatternSays) {
       {Thing::Dot, 33, 33},   {Thing::Stroke, 36, 40},
   };
   ASSERT_EQ(drawn.things.size(), std::size(expected));
-  for (std::size_t i = 0; i < std::size(expected); ++i) {
-    SCOPED_TRACE(i);
+  for (const std::size_t i : rounds<std::size_t>(std::size(expected))) {
     EXPECT_EQ(drawn.things[i].kind, expected[i].kind);
     EXPECT_LT(drawn.things[i].points.front().dist(seen(100 + expected[i].from, 200)), 1e-9);
     EXPECT_LT(drawn.things[i].points.back().dist(seen(100 + expected[i].to, 200)), 1e-9);
@@ -75,21 +67,11 @@ TEST(Patterns, DashesOfALineStandWhereThePatternSays) {
 }
 
 TEST(Patterns, DashesOfCurvesAddUp) {
-  const struct {
-    const char* name;
-    double start, end;
-  } cases[] = {
-      {"an arc", 0.3, 2.1},
-      {"across zero", 5.9, 0.4},
-      {"nearly no arc", 1, 1.0001},
-      {"the whole circle", 0, 2 * kPi},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     Scene scene;
     CLtype* ltype = scene.ltype(u"DD", kDashDot);
     double start, end;
-    const ARC_3D arc(500, 500, 0, 300, t.start, t.end);
+    const ARC_3D arc(500, 500, 0, 300, t.real("start"), t.real("end"));
     arc.getSafeAngles(start, end);
     scene.add(createEntArc(*scene.data, arc, 0))->setLtype(ltype);
     DRAW_OPTIONS options;
@@ -127,8 +109,7 @@ TEST(Patterns, PolylinesGoOnOrBeginAnew) {
 TEST(Patterns, ThePhaseGoesOnOverCorners) {
   std::mt19937 random(3);
   std::uniform_real_distribution<> coordinate(0, 1000);
-  for (int trial = 0; trial < 50; ++trial) {
-    SCOPED_TRACE(trial);
+  for ([[maybe_unused]] const int trial : rounds(50)) {
     Scene scene;
     CLtype* ltype = scene.ltype(u"D", {10, -5});
     std::vector<BULGED_VERTEX> way;
@@ -184,8 +165,7 @@ TEST(Patterns, DashesOutsideTheWindowCostNothing) {
 TEST(Patterns, CuttingTheWayMovesNoDash) {
   std::mt19937 random(11);
   std::uniform_real_distribution<> coordinate(-3000, 4000);
-  for (int trial = 0; trial < 100; ++trial) {
-    SCOPED_TRACE(trial);
+  for ([[maybe_unused]] const int trial : rounds(100)) {
     Scene scene;
     CLtype* ltype = scene.ltype(u"D", {70, -50, 0, -20});
     std::vector<BULGED_VERTEX> way;
@@ -216,20 +196,11 @@ TEST(Patterns, CuttingTheWayMovesNoDash) {
 }
 
 TEST(Patterns, WideDashesAreFilled) {
-  const struct {
-    const char* name;
-    long flags;
-    double bulge, within;
-  } cases[] = {
-      {"along the whole", 128, 0, 1e-9},
-      {"segment by segment", 0, 0, 1e-9},
-      {"a flat arc", 0, 0.01, 0.4},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     Scene scene;
     CLtype* ltype = scene.ltype(u"D", {10, -10});
-    polyline(scene, t.flags, {{100, 100, 0, 8, 0, t.bulge, 0}, {140, 100, 0, 0, 0, 0, 0}}, ltype);
+    polyline(scene, t.whole<long>("flags"),
+             {{100, 100, 0, 8, 0, t.real("bulge"), 0}, {140, 100, 0, 0, 0, 0, 0}}, ltype);
     const Recorder drawn = scene.draw();
     ASSERT_GE(drawn.things.size(), 2U);
     const double widths[] = {8, 4};
@@ -237,8 +208,8 @@ TEST(Patterns, WideDashesAreFilled) {
       ASSERT_EQ(drawn.things[i].kind, Thing::Fill);
       RECT_2D box;
       box.set(drawn.things[i].points.data(), static_cast<int>(drawn.things[i].points.size()));
-      EXPECT_NEAR(box.max.y - box.min.y, widths[i], t.within);
-      EXPECT_NEAR(box.max.x, 110 + 20.0 * static_cast<double>(i), t.within);
+      EXPECT_NEAR(box.max.y - box.min.y, widths[i], t.real("within"));
+      EXPECT_NEAR(box.max.x, 110 + 20.0 * static_cast<double>(i), t.real("within"));
     }
   }
 }

@@ -1,11 +1,6 @@
 #pragma once
 
-#include <ostream>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include "vek0core/vek0core.h"
+#include "support/test.h"
 #include "vek0draw/draw.h"
 #include "vek0draw/drawindex.h"
 #include "vek0draw/painter.h"

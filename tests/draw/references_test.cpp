@@ -1,15 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 #include "recorder.h"
+#include "support/test.h"
 #include "vek0draw/drawindex.h"
 #include "xref/referred.h"
 
-using vek0::test::drawingOf;
-using vek0::test::layerEntry;
-using vek0::test::lineTo;
-using vek0::test::Recorder;
+using namespace vek0::test;
 
 namespace {
 

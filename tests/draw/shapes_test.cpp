@@ -1,21 +1,12 @@
 // Kinds of entities, each as a painter gets it.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <random>
-#include <utility>
 
 #include "recorder.h"
+#include "support/test.h"
 
-using vek0::test::Recorder;
-using vek0::test::Scene;
-using vek0::test::seen;
-using vek0::test::Thing;
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
 
 CEntPolyline* polyline(Scene& scene, bool closed, const std::vector<BULGED_VERTEX>& vertexes) {
   CEntPolyline* made = createEntPolyline(*scene.data, closed ? 1 : 0, 0, 0);
@@ -88,40 +79,22 @@ TEST(Shapes, PointsAreDotsAndLinesAreStrokes) {
 
 // A size of 0 is 5 percent of the window, one below 0 as many as it says.
 TEST(Shapes, PointsLookAsTheDrawingSays) {
-  const struct {
-    const char* name;
-    short mode;
-    double size;
-    std::size_t dots, strokes, arcs;
-    double reach;  // up from the point
-  } cases[] = {
-      {"a dot", 0, 40, 1, 0, 0, 1.5},
-      {"nothing", 1, 40, 0, 0, 0, 0},
-      {"a plus", 2, 40, 0, 2, 0, 40},
-      {"a cross", 3, -2, 0, 2, 0, 20},
-      {"an upward stroke", 4, 0, 0, 1, 0, 25},
-      {"a circle around a dot", 32, 0, 1, 0, 1, 25},
-      {"a square", 65, 40, 0, 1, 0, 20},
-      {"all of it", 99, 40, 0, 3, 1, 40},
-      {"too small to be seen", 33, .01, 0, 0, 1, 1.5},
-      {"a mode that is not known", 7, 40, 1, 0, 0, 1.5},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     Scene scene;
-    scene.data->getVars().setPointMode(t.mode);
-    scene.data->getVars().setPointSize(t.size);
+    scene.data->getVars().setPointMode(t.whole<short>("mode"));
+    scene.data->getVars().setPointSize(t.real("size"));
     scene.add(createEntPnt(*scene.data, PNT_3D(500, 500, 0), 0));
     scene.add(createEntPnt(*scene.data, PNT_3D(500, -1, 0), 0));
     const Recorder drawn = scene.draw();
-    const std::size_t seenTwice = t.reach > 1 ? 2 : 1;
-    EXPECT_EQ(drawn.count(Thing::Dot), t.dots * seenTwice) << "also at the window's border";
-    EXPECT_EQ(drawn.count(Thing::Stroke), t.strokes * seenTwice);
-    EXPECT_EQ(drawn.count(Thing::Arc), t.arcs * seenTwice);
+    const std::size_t seenTwice = t.real("reach") > 1 ? 2 : 1;
+    EXPECT_EQ(drawn.count(Thing::Dot), t.count("dots") * seenTwice)
+        << "also at the window's border";
+    EXPECT_EQ(drawn.count(Thing::Stroke), t.count("strokes") * seenTwice);
+    EXPECT_EQ(drawn.count(Thing::Arc), t.count("arcs") * seenTwice);
     double reach = 0;
     for (const Thing& thing : drawn.things)
       for (const PNT_2D& p : thing.points) reach = std::max(reach, 500 - p.y + thing.radius);
-    EXPECT_NEAR(reach, t.reach, 1e-9);
+    EXPECT_NEAR(reach, t.real("reach"), 1e-9);
   }
 }
 
@@ -141,21 +114,12 @@ TEST(Shapes, PointsThatAreNoEntitiesOfTheirOwn) {
 
 // Device angles run clockwise, for y grows downwards there.
 TEST(Shapes, ArcsStartAndEndWhereTheyDo) {
-  const struct {
-    const char* name;
-    double sx, sy, rotation;
-  } cases[] = {
-      {"plain", 1, 1, 0},
-      {"turned", 1, 1, 0.7},
-      {"mirrored", -1, 1, 0.3},
-      {"half turn", -2, -2, 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     Scene scene;
     const ARC_3D arc(0, 0, 0, 50, 0.5, 2.5);
     CBlock* block = scene.block(u"B", {createEntArc(*scene.data, arc, 0)});
-    CEntInsert* insert = scene.add(scene.insert(*block, 500, 500, t.sx, t.sy, t.rotation));
+    CEntInsert* insert =
+        scene.add(scene.insert(*block, 500, 500, t.real("sx"), t.real("sy"), t.real("rotation")));
     const Recorder drawn = scene.draw();
     ASSERT_EQ(drawn.things.size(), 1U);
     const Thing& got = drawn.things[0];
@@ -325,24 +289,14 @@ TEST(Shapes, BulgesAreCurves) {
 }
 
 TEST(Shapes, FacesShowTheirVisibleEdges) {
-  const struct {
-    const char* name;
-    long flags;
-    double lastX;  // of the fourth corner; the third has 100
-    std::size_t edges;
-  } cases[] = {
-      {"all", 0, 0, 4},          {"first and third hidden", 5, 0, 2},         {"none", 15, 0, 0},
-      {"a triangle", 0, 100, 3}, {"a triangle without its first", 1, 100, 2},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     Scene scene;
     scene.add(createEnt3DFace(*scene.data, PNT_3D(0, 0, 0), PNT_3D(100, 0, 0), PNT_3D(100, 100, 0),
-                              PNT_3D(t.lastX, 100, 0), t.flags, 0));
-    EXPECT_EQ(scene.draw().count(Thing::Stroke), t.edges);
-    if (t.lastX != 0) continue;  // which has a longer edge
+                              PNT_3D(t.real("lastX"), 100, 0), t.whole<long>("flags"), 0));
+    EXPECT_EQ(scene.draw().count(Thing::Stroke), t.count("edges"));
+    if (t.real("lastX") != 0) continue;  // which has a longer edge
     scene.data->getEntTable().getEntityTbl().front()->setLtype(scene.ltype(u"D", {10, -10}));
-    EXPECT_EQ(scene.draw().count(Thing::Stroke), 5 * t.edges) << "each begins anew";
+    EXPECT_EQ(scene.draw().count(Thing::Stroke), 5 * t.count("edges")) << "each begins anew";
   }
 }
 
@@ -362,8 +316,7 @@ TEST(Shapes, FilledFacesShowTheirArea) {
        {150, 110},
        {110, 150}},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     Scene scene;
     const auto& p = t.corners;
     CEnt3DFace* face = createEnt3DFace(*scene.data, p[0], p[1], p[2], p[3], 15, 0);

@@ -1,21 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-
 #include "drawing/drawings.h"
-#include "support/samples.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
-
-using vek0::test::addedBlock;
-using vek0::test::addedLayer;
-using vek0::test::addedLtype;
-using vek0::test::addedStyle;
-using vek0::test::addedXRef;
-using vek0::test::Drawing;
-using vek0::test::newDrawing;
-using vek0::test::saved;
 
 Drawing clone(const CData& data) { return Drawing(cloneData(data)); }
 
@@ -226,8 +214,8 @@ TEST(CloneData, SurvivesGapsAndStrangers) {
 }
 
 TEST(CloneData, SampleDrawingsSaveToTheSameFile) {
-  for (const char* name : {"every_kind_r12.dxf", "flange.dxf", "room_ac1015.dxf"}) {
-    SCOPED_TRACE(name);
+  for (const char* name :
+       named<const char*>({"every_kind_r12.dxf", "flange.dxf", "room_ac1015.dxf"})) {
     const std::string path = vek0::test::samplePath(name);
     CFileStdLib file(zim::WString::fromUtf8(path), IFile::kRead);
     Drawing source = newDrawing();

@@ -1,20 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <memory>
-#include <utility>
-#include <vector>
-
 #include "drawing/drawings.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
-
-using vek0::test::addedBlock;
-using vek0::test::addedLayer;
-using vek0::test::addedLtype;
-using vek0::test::addedXRef;
-using vek0::test::Drawing;
-using vek0::test::newDrawing;
 
 const PNT_3D kPnt(1, 2, 3);
 

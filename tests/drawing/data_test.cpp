@@ -1,20 +1,9 @@
-#include "vek0core/drawing/data.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "drawing/drawings.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
-
-using vek0::test::addedLayer;
-using vek0::test::addedLtype;
-using vek0::test::addedStyle;
-using vek0::test::addedXRef;
-using vek0::test::Drawing;
-using vek0::test::newDrawing;
 
 template <class Iterator>
 std::string namesOf(Iterator it) {

@@ -1,9 +1,6 @@
 #pragma once
 
-#include <memory>
-#include <string>
-
-#include "vek0core/vek0core.h"
+#include "support/test.h"
 
 namespace vek0::test {
 

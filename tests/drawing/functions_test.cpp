@@ -1,22 +1,9 @@
-#include "vek0core/drawing/functions.h"
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-
 #include "drawing/drawings.h"
-#include "support/quietasserts.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
-
-using vek0::test::addedBlock;
-using vek0::test::addedLayer;
-using vek0::test::addedLtype;
-using vek0::test::addedStyle;
-using vek0::test::addedXRef;
-using vek0::test::Drawing;
-using vek0::test::newDrawing;
 
 TEST(GetColor, ResolvesByBlockThenByLayer) {
   const Drawing drawing = newDrawing();
@@ -37,19 +24,12 @@ TEST(GetColor, ResolvesByBlockThenByLayer) {
 }
 
 TEST(ScomposeName, SplitsAtTheFirstBarWithSomethingOnBothSides) {
-  const struct {
-    const char *full, *xref, *item;
-  } cases[] = {
-      {"A|B", "A", "B"}, {"A|B|C", "A", "B|C"}, {"A||", "A", "|"}, {"|B", "", ""},
-      {"A|", "", ""},    {"AB", "", ""},        {"|", "", ""},     {"", "", ""},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.full);
+  for (const Row& t : rows()) {
     zim::WString xref(u"untouched"), item(u"untouched");
-    const bool split = *t.xref != 0;
-    EXPECT_EQ(scomposeName(zim::WString::fromUtf8(t.full), xref, item), split);
-    EXPECT_EQ(xref.toUtf8(), split ? t.xref : "untouched");
-    EXPECT_EQ(item.toUtf8(), split ? t.item : "untouched");
+    const bool split = !t.text("xref").empty();
+    EXPECT_EQ(scomposeName(t.wide("full"), xref, item), split);
+    EXPECT_EQ(xref.toUtf8(), split ? t.text("xref") : "untouched");
+    EXPECT_EQ(item.toUtf8(), split ? t.text("item") : "untouched");
   }
   zim::WString name(u"A|B"), item;
   EXPECT_TRUE(scomposeName(name, name, item)) << "the name itself may take the answer";
@@ -135,16 +115,9 @@ TEST(PurgeHatchBlocks, DeletesWhatNobodyInserts) {
   addedXRef(data, u"X")->add(vek0::test::insertOf(data, *addedBlock(data, u"*PAT7"), 0));
   inModel->zeroEntities();  // counts are not what decides
   EXPECT_EQ(purgeHatchBlocks(data), 2);
-  const struct {
-    const zim::Char* name;
-    bool there;
-  } expected[] = {
-      {u"*PAT1", true},  {u"*PAT2", true}, {u"*PAT3", false}, {u"*PAT04", false}, {u"*PAT", true},
-      {u"*PAT5x", true}, {u"*pat6", true}, {u"PLAIN", true},  {u"*PAT7", true},
-  };
-  for (const auto& t : expected) {
-    EXPECT_EQ(data.getBlockTable().get(zim::WString(t.name)) != nullptr, t.there)
-        << zim::WString(t.name).toUtf8();
+  for (const Row& t : rows()) {
+    EXPECT_EQ(data.getBlockTable().get(t.wide("name")) != nullptr, t.flag("there"))
+        << t.wide("name").toUtf8();
   }
   EXPECT_EQ(purgeHatchBlocks(data), 0);
 }

@@ -1,11 +1,6 @@
-#include "vek0core/drawing/pointerset.h"
-
-#include <gtest/gtest.h>
-
-#include <cstdint>
 #include <ctime>
-#include <random>
-#include <unordered_set>
+
+#include "support/test.h"
 
 using vek0::detail::PointerSet;
 

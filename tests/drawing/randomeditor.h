@@ -1,14 +1,7 @@
 #pragma once
 
-#include <cmath>
-#include <iterator>
-#include <list>
-#include <random>
-#include <string>
-#include <vector>
-
 #include "drawing/drawings.h"
-#include "vek0core/vek0core.h"
+#include "support/test.h"
 
 namespace vek0::test {
 

@@ -1,6 +1,4 @@
-#include "vek0core/drawing/refcounter.h"
-
-#include <gtest/gtest.h>
+#include "support/test.h"
 
 namespace {
 

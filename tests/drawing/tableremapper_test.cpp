@@ -1,25 +1,9 @@
-#include "vek0core/drawing/tableremapper.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "drawing/drawings.h"
-#include "vek0core/vek0core.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
-
-using vek0::test::addedBlock;
-using vek0::test::addedLayer;
-using vek0::test::addedLtype;
-using vek0::test::addedStyle;
-using vek0::test::addedXRef;
-using vek0::test::dashText;
-using vek0::test::Drawing;
-using vek0::test::insertOf;
-using vek0::test::newDrawing;
-using vek0::test::saved;
 
 /// A drawing in which everything that can name an item names the old ones.
 class Remapper : public testing::Test {

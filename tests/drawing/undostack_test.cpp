@@ -1,31 +1,10 @@
-#include "vek0core/drawing/undostack.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdlib>
-#include <list>
-#include <map>
-#include <memory>
-#include <random>
-#include <string>
-#include <vector>
-
 #include "drawing/drawings.h"
 #include "drawing/randomeditor.h"
-#include "vek0core/vek0core.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
-
-using vek0::test::addedBlock;
-using vek0::test::addedLayer;
-using vek0::test::countsOf;
-using vek0::test::Drawing;
-using vek0::test::insertOf;
-using vek0::test::newDrawing;
-using vek0::test::RandomEditor;
-using vek0::test::recountOf;
-using vek0::test::saved;
 
 CEntLine* newLine(CData& data, CLayer* layer = nullptr) {
   return createEntLine(data, layer ? layer : getCurLayer(data), getCurLtype(data), 256,

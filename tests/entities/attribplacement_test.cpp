@@ -1,18 +1,10 @@
-#include "vek0core/entities/blocks/attribplacement.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <memory>
-#include <numbers>
-#include <random>
-
 #include "entities/blockworld.h"
-#include "vek0core/entities/blocks/insertmatrix.h"
+#include "support/test.h"
+
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
-
-constexpr double kPi = std::numbers::pi;
 
 struct Placed {
   PNT_3D position;
@@ -49,36 +41,17 @@ PNT_2D pointOf(const Placed& p, double along, double up) {
 }
 
 TEST_F(AttribPlacement, KnownPlacements) {
-  const struct {
-    const char* name;
-    double sx, sy, insertRotation;  // of the insert, at (10, 20)
-    double rotation, width;         // of the text of height 2, at (1, 0)
-    double expectX, expectY, height, expectWidth, expectRotation;
-  } cases[] = {
-      {"unchanged", 1, 1, 0, 0, 1, 11, 20, 2, 1, 0},
-      {"second quadrant stays there", 1, 1, 0, 0.75 * kPi, 1, 11, 20, 2, 1, 0.75 * kPi},
-      {"half a turn stays one", 1, 1, 0, kPi, 1, 11, 20, 2, 1, kPi},
-      {"third quadrant", 1, 1, 0, 1.25 * kPi, 1, 11, 20, 2, 1, 1.25 * kPi},
-      {"upright text, uneven scale", 3, 2, 0, kPi / 2, 1, 13, 20, 6, 2. / 3, kPi / 2},
-      {"level text, uneven scale", 3, 2, 0, 0, 1, 13, 20, 4, 1.5, 0},
-      {"turned insert", 2, 2, kPi / 2, 0, 1, 10, 22, 4, 1, kPi / 2},
-      {"a turn is taken off", 1, 1, kPi, 1.5 * kPi, 1, 9, 20, 2, 1, kPi / 2},
-      {"both axes turned round", -1, -1, 0, 0, 1, 9, 20, 2, 1, kPi},
-      {"mirror at y writes backward", -1, 1, 0, 0, 1, 9, 20, 2, -1, 0},
-      {"mirror at x", 1, -1, 0, 0, 1, 11, 20, 2, -1, kPi},
-      {"a mirrored backward text", -1, 1, 0, 0, -1, 9, 20, 2, 1, 0},
-      {"scale 0 counts as 1", 0, 0, 0, 0, 1, 11, 20, 2, 1, 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const auto insert = placed(PNT_3D(10, 20, 0), t.sx, t.sy, t.insertRotation);
-    const Placed p = toDrawing(*insert, text(PNT_3D(1, 0, 5), 2, t.width, t.rotation, 0));
-    EXPECT_NEAR(p.position.x, t.expectX, 1e-12);
-    EXPECT_NEAR(p.position.y, t.expectY, 1e-12);
+  for (const Row& t : rows()) {
+    const auto insert =
+        placed(PNT_3D(10, 20, 0), t.real("sx"), t.real("sy"), t.real("insertRotation"));
+    const Placed p =
+        toDrawing(*insert, text(PNT_3D(1, 0, 5), 2, t.real("width"), t.real("rotation"), 0));
+    EXPECT_NEAR(p.position.x, t.real("expectX"), 1e-12);
+    EXPECT_NEAR(p.position.y, t.real("expectY"), 1e-12);
     EXPECT_EQ(p.position.z, 5);
-    EXPECT_NEAR(p.height, t.height, 1e-12);
-    EXPECT_NEAR(p.width, t.expectWidth, 1e-12);
-    EXPECT_NEAR(p.rotation, t.expectRotation, 1e-12);
+    EXPECT_NEAR(p.height, t.real("height"), 1e-12);
+    EXPECT_NEAR(p.width, t.real("expectWidth"), 1e-12);
+    EXPECT_NEAR(p.rotation, t.real("expectRotation"), 1e-12);
     EXPECT_NEAR(p.oblique, 0, 1e-12);
   }
 }
@@ -92,8 +65,7 @@ TEST_F(AttribPlacement, RandomTextsGoThereAndBack) {
   };
   const auto scale = [&] { return between(0.1, 5) * (random() % 2 ? 1 : -1); };
   double worst = 0;
-  for (int i = 0; i < 20000; ++i) {
-    SCOPED_TRACE(i);
+  for ([[maybe_unused]] const int i : rounds(20000)) {
     const double sx = scale(), sy = random() % 4 ? scale() : sx;
     const auto insert =
         placed(PNT_3D(between(-9, 9), between(-9, 9), between(-9, 9)), sx, sy, between(0, 2 * kPi));

@@ -1,13 +1,5 @@
-#include "vek0core/entities/blocks/block.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <functional>
-#include <random>
-
 #include "entities/blockworld.h"
-#include "vek0core/entities/entpnt.h"
+#include "support/test.h"
 
 namespace {
 

@@ -1,13 +1,7 @@
-#include "vek0core/entities/blocks/blockgraph.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <map>
-#include <random>
-#include <set>
-
 #include "entities/blockworld.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
 
@@ -177,8 +171,7 @@ TEST_F(BlockGraph, AnOrderTurnedOverAndOverStaysFreeOfCircles) {
   std::mt19937 random(1);
   NaiveGraph naive;
   for (int i = 0; i < 24; ++i) naive.set(tabled("B" + std::to_string(i)), {});
-  for (int round = 0; round < 25; ++round) {
-    SCOPED_TRACE(round);
+  for ([[maybe_unused]] const int round : rounds(25)) {
     Blocks behind = naive.order();
     std::shuffle(behind.begin(), behind.end(), random);
     while (!behind.empty()) {

@@ -1,21 +1,6 @@
 #pragma once
 
-#include <list>
-#include <memory>
-#include <string>
-#include <vector>
-
-#include "vek0core/entities/blocks/block.h"
-#include "vek0core/entities/blocks/blockfactory.h"
-#include "vek0core/entities/blocks/blocktable.h"
-#include "vek0core/entities/blocks/blockxref.h"
-#include "vek0core/entities/blocks/entinsert.h"
-#include "vek0core/entities/entattdef.h"
-#include "vek0core/entities/entattrib.h"
-#include "vek0core/entities/entfactory.h"
-#include "vek0core/entities/entline.h"
-#include "vek0core/geometry/line.h"
-#include "vek0core/tables/handle.h"
+#include "support/test.h"
 
 /// A block table with what it needs, and short ways to make blocks and entities.
 struct BlockWorld {

@@ -1,18 +1,9 @@
-#include "vek0core/entities/blocks/blockxref.h"
-
-#include <gtest/gtest.h>
-
 #include "entities/scene.h"
-#include "vek0core/entities/blocks/blockfactory.h"
-#include "vek0core/entities/blocks/blocktable.h"
-#include "vek0core/entities/blocks/entinsert.h"
-#include "vek0core/entities/blocks/insertmatrix.h"
-#include "vek0core/entities/entpnt.h"
-#include "vek0core/entities/enttable.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
-
-using vek0::test::Scene;
 
 class BlockXRef : public testing::Test {
  protected:

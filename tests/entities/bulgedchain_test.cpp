@@ -1,13 +1,7 @@
-#include "vek0core/entities/bulgedchain.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <numbers>
-#include <random>
-
 #include "entities/scene.h"
-#include "vek0core/geometry/arc.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
 
@@ -60,28 +54,16 @@ BulgedChain randomChain(std::mt19937& random, bool closed) {
 }
 
 TEST(ChordCount, FollowsTheRule) {
-  const struct {
-    const char* name;
-    double bulge;
-    int count;
-  } cases[] = {
-      {"flat", 1e-12, 2},
-      {"quarter turn", 0.4142, 56},
-      {"half turn", 1, 112},
-      {"full turn", 1e300, 223},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_EQ(chordCount(t.bulge), t.count);
-    EXPECT_EQ(chordCount(-t.bulge), t.count);
+  for (const Row& t : rows()) {
+    EXPECT_EQ(chordCount(t.real("bulge")), t.whole("count"));
+    EXPECT_EQ(chordCount(-t.real("bulge")), t.whole("count"));
   }
 }
 
 TEST(BulgedChain, ChordVerticesLieOnTheArcOfTheBulge) {
   std::mt19937 random(1);
   std::uniform_real_distribution<double> real(-1, 1);
-  for (int round = 0; round < 500; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed 1, round " << round);
+  for ([[maybe_unused]] const int round : rounds(500)) {
     BulgedChain chain(false);
     chain.add(vertex(real(random), real(random), 3 * real(random)));
     chain.add(vertex(real(random), real(random)));
@@ -115,8 +97,7 @@ TEST(BulgedChain, FlatArcsKeepTheirDigits) {
 
 TEST(BulgedChain, AccessByIndexAgreesWithTheWalk) {
   std::mt19937 random(2);
-  for (int round = 0; round < 300; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed 2, round " << round);
+  for (const int round : rounds(300)) {
     const BulgedChain chain = randomChain(random, round % 2 == 0);
     const auto walked = all(chain);
     ASSERT_EQ(chain.size(), walked.size());
@@ -169,8 +150,7 @@ TEST(BulgedChain, BulgesThatMeanNoArc) {
       {"difference overflows", false, vertex(-1.7e308, 0, 1), vertex(1.7e308, 0)},
       {"circle without limit", false, vertex(0, 0, 1e200), vertex(1, 0)},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     BulgedChain chain(t.closed);
     chain.add(t.from);
     chain.add(t.to);

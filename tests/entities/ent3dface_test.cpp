@@ -1,14 +1,9 @@
-#include "vek0core/entities/ent3dface.h"
-
-#include <gtest/gtest.h>
-
 #include "entities/scene.h"
-#include "support/quietasserts.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
-
-using vek0::test::pts;
-using vek0::test::Scene;
 
 std::unique_ptr<CEnt3DFace> face(Scene& s, const std::string& corners, long flags = 0) {
   const auto p = pts(corners);
@@ -52,8 +47,7 @@ TEST(Ent3DFace, SetFlagsKeepsTheTriangleBit) {
 TEST(Ent3DFace, EdgeIndicesThatNameNoBit) {
   Scene s;
   const auto f = face(s, "0,0 1,0 1,1 0,1", 15);
-  for (const long i : {-1L, 32L, 64L, 1000L}) {
-    SCOPED_TRACE(i);
+  for (const long i : named<long>({-1L, 32L, 64L, 1000L})) {
     EXPECT_TRUE(f->isEdgeVisib(i));
     f->setEdgeVisib(i, false);
     EXPECT_TRUE(f->isEdgeVisib(i));

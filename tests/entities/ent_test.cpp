@@ -1,20 +1,10 @@
-#include "vek0core/entities/ent.h"
-
-#include <gtest/gtest.h>
-
 #include "entities/scene.h"
-#include "vek0core/entities/ent3dface.h"
-#include "vek0core/entities/entarc.h"
-#include "vek0core/entities/entcast.h"
-#include "vek0core/entities/entcircle.h"
-#include "vek0core/entities/entpnt.h"
-#include "vek0core/entities/entpolyline.h"
-#include "vek0core/tables/layer.h"
-#include "vek0core/tables/ltype.h"
+#include "support/test.h"
+
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
-
-using vek0::test::Scene;
 
 // The drawing's memory targets stand on this: with the allocator's eight bytes a line
 // takes 224, and its list node 32.
@@ -146,7 +136,6 @@ TEST(Ent, MovingAnEmptyBoxLeavesItEmpty) {
 
 TEST(EntArc, OnlyTheSetterFromNumbersBringsAnglesIntoRange) {
   Scene s;
-  constexpr double kPi = 3.141592653589793;
   const std::unique_ptr<CEntArc> arc(
       s.factory.createEntArc(s.gestor, nullptr, nullptr, 7, ARC_3D(0, 0, 0, 1, 0, 1), 0));
   arc->setArc(0, 0, 0, 1, -kPi / 2, 5 * kPi / 2);

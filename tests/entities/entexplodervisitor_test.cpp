@@ -1,32 +1,12 @@
-#include "vek0core/entities/edit/entexplodervisitor.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <memory>
-#include <random>
-
 #include "entities/scene.h"
-#include "vek0core/entities/blocks/block.h"
-#include "vek0core/entities/blocks/blockfactory.h"
-#include "vek0core/entities/blocks/enthatch.h"
-#include "vek0core/entities/blocks/entinsert.h"
-#include "vek0core/entities/blocks/insertmatrix.h"
-#include "vek0core/entities/blocks/transformtext.h"
-#include "vek0core/entities/edit/entpath.h"
-#include "vek0core/entities/ent3dface.h"
-#include "vek0core/entities/entarc.h"
-#include "vek0core/entities/entcast.h"
-#include "vek0core/entities/entcircle.h"
-#include "vek0core/entities/entpolyline.h"
-#include "vek0core/entities/enttext.h"
+#include "support/test.h"
+
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
 
-using vek0::test::Scene;
 using Ents = std::vector<std::unique_ptr<CEnt>>;
-
-constexpr double kPi = 3.14159265358979323846;
 
 class Explode : public testing::Test, protected Scene {
  protected:
@@ -45,7 +25,7 @@ class Explode : public testing::Test, protected Scene {
     return made->getEnts();
   }
 
-  CBlock* block(const char* name, const std::vector<CEnt*>& ents) {
+  CBlock* block(const std::string& name, const std::vector<CEnt*>& ents) {
     CBlock* b = data->getBlockFactory().create(zim::WString::fromUtf8(name), PNT_3D(0, 0, 0), 0);
     for (CEnt* ent : ents) b->add(ent);
     data->getBlockTable().add(b);
@@ -131,27 +111,18 @@ TEST_F(Explode, InsertsKeepLayersAndLendWhatIsByBlock) {
 
 // Whatever the placement, the pieces lie where the insert shows them.
 TEST_F(Explode, WhatIsShownStaysWhereItIs) {
-  const struct {
-    const char* name;
-    double sx, sy;
-    short circle, arc;
-  } cases[] = {
-      {"turned and scaled", 3, 3, CEntCircle::kType, CEntArc::kType},
-      {"half a turn", -2, -2, CEntCircle::kType, CEntArc::kType},
-      {"mirrored", -2, 2, CEntCircle::kType, CEntArc::kType},
-      {"unequal scales", 3, 1, CEntPolyline::kType, CEntPolyline::kType},
-      {"flattened", 3, 0, CEntPolyline::kType, CEntPolyline::kType},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+  const Definitions names{
+      {"Circle", CEntCircle::kType}, {"Arc", CEntArc::kType}, {"Polyline", CEntPolyline::kType}};
+  for (const Row& c : rowsWith(names)) {
     const std::vector<BULGED_VERTEX> chain{
         {0, 0, 0, 1, 2, 0.5, 0}, {4, 1, 0, 0, 0, -1, 0}, {5, 5, 0, 0, 0, 0, 0}};
-    CBlock* b = block(c.name, {circle(1, 2, 3), arc(4, 1, 2, 0.5, 2.5), polyline(false, chain)});
-    CEntInsert* ins = keptInsert(b, PNT_3D(7, 8, 9), c.sx, c.sy, 0.7);
+    CBlock* b =
+        block(c.text("name"), {circle(1, 2, 3), arc(4, 1, 2, 0.5, 2.5), polyline(false, chain)});
+    CEntInsert* ins = keptInsert(b, PNT_3D(7, 8, 9), c.real("sx"), c.real("sy"), 0.7);
     const Ents& ents = explode(*ins);
     ASSERT_EQ(ents.size(), 3u);
-    EXPECT_EQ(ents[0]->getType(), c.circle);
-    EXPECT_EQ(ents[1]->getType(), c.arc);
+    EXPECT_EQ(ents[0]->getType(), c.whole<short>("circle"));
+    EXPECT_EQ(ents[1]->getType(), c.whole<short>("arc"));
     EXPECT_EQ(ents[2]->getType(), CEntPolyline::kType);
     const CEntInsertMatrix matrix(1, *ins, 0, 0);
     for (unsigned i = 0; i < 3; ++i) {
@@ -318,8 +289,7 @@ TEST_F(Explode, TheLimitIsThatOfAllThatIsGiven) {
 TEST_F(Explode, BoxesOfTextsFollowTheMatrix) {
   std::mt19937 random(1);
   std::uniform_real_distribution<double> number(-3, 3), angle(-0.5, 0.5);
-  for (int round = 0; round < 500; ++round) {
-    SCOPED_TRACE(round);
+  for (const int round : rounds(500)) {
     const double width = round % 3 == 0 ? -0.8 : 1.5;
     TEXT_3D text(u"abc", getStyleStandard(*data), number(random), number(random), 0, 2,
                  angle(random), width, number(random), round % TEXT_3D::kJustifications);

@@ -1,17 +1,9 @@
-#include "vek0core/entities/entfactory.h"
-
-#include <gtest/gtest.h>
-
-#include <new>
-
 #include "entities/scene.h"
-#include "vek0core/entities/ent3dface.h"
-#include "vek0core/entities/entpnt.h"
-#include "vek0core/entities/entpolyline.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
-
-using vek0::test::Scene;
 
 TEST(EntFactory, CreatorsKeepTheHandleCopiesHaveNone) {
   Scene s;

@@ -1,12 +1,4 @@
-#include "vek0core/entities/blocks/enthatch.h"
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <vector>
-
-#include "vek0core/vek0core.h"
+#include "support/test.h"
 
 namespace {
 

@@ -1,16 +1,7 @@
-#include "vek0core/entities/blocks/entinsert.h"
-
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <limits>
-#include <memory>
-#include <random>
-
 #include "entities/blockworld.h"
-#include "vek0core/drawing/data.h"
-#include "vek0core/drawing/datafactory.h"
-#include "vek0core/entities/blocks/insertmatrix.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
 
@@ -57,20 +48,13 @@ TEST_F(Insert, ParametersDoNotDependOnThePixelSize) {
 
 TEST_F(Insert, FixedInsertsKeepTheirSizeOnTheDisplay) {
   const auto ent = fixed(nullptr);
-  const struct {
-    double refSize, pixelSize, expect;
-  } cases[] = {
-      {10, 0.1, 0.5},
-      {10, 1, 5},
-      {0, 1, 0},
-  };
-  for (const auto& t : cases) {
+  for (const Row& t : rows()) {
     const std::unique_ptr<CEntFixedInsert> made(ents.createEntFixedInsert(
-        gestor, nullptr, nullptr, 256, nullptr, PNT_3D(0, 0, 0), t.refSize, 50, 0, 0));
+        gestor, nullptr, nullptr, 256, nullptr, PNT_3D(0, 0, 0), t.real("refSize"), 50, 0, 0));
     PNT_3D point;
     double sx, sy, sz, rotation;
-    made->getInsertParams(t.pixelSize, point, sx, sy, sz, rotation);
-    EXPECT_DOUBLE_EQ(sx, t.expect);
+    made->getInsertParams(t.real("pixelSize"), point, sx, sy, sz, rotation);
+    EXPECT_DOUBLE_EQ(sx, t.real("expect"));
     EXPECT_EQ(sx, sy);
     EXPECT_EQ(sx, sz);
   }
@@ -97,8 +81,7 @@ TEST_F(Insert, ExtentsCoverEveryCell) {
     return std::uniform_real_distribution<double>(-size, size)(random);
   };
   CBlock* shown = square();
-  for (int i = 0; i < 300; ++i) {
-    SCOPED_TRACE(i);
+  for ([[maybe_unused]] const int i : rounds(300)) {
     const auto ent = owned(
         insert(shown, PNT_3D(number(9), number(9), number(9)), number(3), number(3), number(9)));
     const long columns = 1 + static_cast<long>(random() % 4),
@@ -139,8 +122,7 @@ TEST_F(Insert, ExtentsOfOddInserts) {
       {"not finite", shown, infinite, 1, 1, 0, {}, true},
       {"cells too far away", shown, 1, 32767, 1, 1e305, {}, true},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     const auto ent = owned(insert(t.block, PNT_3D(0, 0, 0), t.scale, t.scale));
     ent->setArray(t.columns, t.rows, t.spacing, t.spacing);
     EXPECT_EQ(ent->getBdry().validRegion(), !t.empty);

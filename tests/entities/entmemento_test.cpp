@@ -1,18 +1,9 @@
-#include "vek0core/entities/entmemento.h"
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "entities/everykind.h"
-#include "vek0core/vek0core.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
-
-using vek0::test::EveryKind;
-using vek0::test::ShapeNumbers;
 
 using Derived = std::unique_ptr<IEntDerivedMemento>;
 

@@ -1,16 +1,5 @@
-#include "vek0core/entities/blocks/entmovevisitor.h"
-
-#include <gtest/gtest.h>
-
-#include <memory>
-
 #include "entities/blockworld.h"
-#include "vek0core/entities/ent3dface.h"
-#include "vek0core/entities/entarc.h"
-#include "vek0core/entities/entcircle.h"
-#include "vek0core/entities/entpnt.h"
-#include "vek0core/entities/entpolyline.h"
-#include "vek0core/entities/enttext.h"
+#include "support/test.h"
 
 namespace {
 

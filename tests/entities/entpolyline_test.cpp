@@ -1,22 +1,13 @@
-#include "vek0core/entities/entpolyline.h"
-
-#include <gtest/gtest.h>
-
-#include <random>
-#include <tuple>
-
 #include "entities/scene.h"
-#include "support/quietasserts.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
 
-using vek0::test::pts;
-using vek0::test::RecordingGestor;
-using vek0::test::Scene;
-
 using PolylinePtr = std::unique_ptr<CEntPolyline>;
 /// x, y, z, start width, end width, bulge, handle.
-using Row = std::tuple<double, double, double, double, double, double, long>;
+using BulgedRow = std::tuple<double, double, double, double, double, double, long>;
 
 PolylinePtr polyline(Scene& s, int flags = 0, int degree = 0) {
   return PolylinePtr(s.factory.createEntPolyline(
@@ -29,16 +20,16 @@ PolylinePtr polyline(Scene& s, const std::string& points, int flags = 0) {
   return p;
 }
 
-std::vector<Row> bulged(const CEntPolyline& p) {
-  std::vector<Row> rows;
+std::vector<BulgedRow> bulged(const CEntPolyline& p) {
+  std::vector<BulgedRow> rows;
   p.forEachBulged([&](const PNT_3D& q, double ws, double we, double bulge, vek0::Handle handle) {
     rows.emplace_back(q.x, q.y, q.z, ws, we, bulge, handle);
   });
   return rows;
 }
 
-std::vector<Row> visible(const CEntPolyline& p) {
-  std::vector<Row> rows;
+std::vector<BulgedRow> visible(const CEntPolyline& p) {
+  std::vector<BulgedRow> rows;
   p.forEachVisible([&](const PNT_3D& q, double ws, double we, double bulge, vek0::Handle handle) {
     rows.emplace_back(q.x, q.y, q.z, ws, we, bulge, handle);
   });
@@ -109,8 +100,7 @@ PolylinePtr unpackedCopy(Scene& s, const CEntPolyline& p) {
 TEST(Polyline, PackedAndUnpackedAnswerAlike) {
   Scene s;
   Random random(4);
-  for (int round = 0; round < 400; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed 4, round " << round);
+  for (const int round : rounds(400)) {
     const PolylinePtr packed = copyOf(s, *randomPacked(s, random, round % 2 == 0));
     ASSERT_NO_FATAL_FAILURE(expectSameAnswers(*packed, *unpackedCopy(s, *packed)));
   }
@@ -175,8 +165,7 @@ TEST(Polyline, EditsOfPackedAndUnpackedAgree) {
   for (int round = 0; round < 300; ++round) {
     const PolylinePtr packed = copyOf(s, *randomPacked(s, random, round % 2 == 0));
     const PolylinePtr unpacked = unpackedCopy(s, *packed);
-    for (int step = 0; step < 5; ++step) {
-      SCOPED_TRACE(testing::Message() << "seed 5, round " << round << ", step " << step);
+    for ([[maybe_unused]] const int step : rounds(5)) {
       const int action = random.below(8);
       const int where = random.below(1000);
       const PNT_3D pnt = random.pnt();
@@ -212,8 +201,7 @@ TEST(Polyline, ArcsOutliveEditsElsewhere) {
       {"remove where they meet", [](CEntPolyline& p) { delete p.removeVertex(113); }, 0},
       {"moving all", [](CEntPolyline& p) { p.translate(PNT_3D(1, 2, 3)); }, 2},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     Scene s;
     const PolylinePtr p = polyline(s);
     // Half circles of 112 chords from (1, 0) over (2, 0) to (3, 0).
@@ -223,7 +211,7 @@ TEST(Polyline, ArcsOutliveEditsElsewhere) {
     ASSERT_EQ(p->getNoTotalVertexes(), 1 + 112 + 112 + 1);
     t.edit(*p);
     int arcs = 0;
-    for (const Row& row : bulged(*p)) arcs += std::get<5>(row) != 0 ? 1 : 0;
+    for (const BulgedRow& row : bulged(*p)) arcs += std::get<5>(row) != 0 ? 1 : 0;
     EXPECT_EQ(arcs, t.arcs);
     EXPECT_EQ(p->hasArcRuns(), t.arcs > 0);
   }
@@ -273,29 +261,16 @@ TEST(Polyline, WidthsReachIntoTheExtents) {
 }
 
 TEST(Polyline, SegmentsOfEveryShape) {
-  const struct {
-    const char* name;
-    const char* points;
-    int flags;
-    long segments, from, to;
-  } cases[] = {
-      {"triangle", "0,0 1,0 1,1", CEntPolyline::kClosed, 3, 2, 0},
-      {"open chain", "0,0 1,0 1,1", 0, 2, 0, 1},
-      {"lone vertex", "0,0", 0, 0, 0, 1},
-      {"lone, closed", "0,0", CEntPolyline::kClosed, 1, 0, 0},
-      {"empty", "", 0, 0, 0, 0},
-      {"empty closed", "", CEntPolyline::kClosed, 0, 0, 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  const Definitions names{{"kClosed", CEntPolyline::kClosed}};
+  for (const Row& t : rowsWith(names)) {
     Scene s;
-    const PolylinePtr p = polyline(s, t.points, t.flags);
+    const PolylinePtr p = polyline(s, t.text("points"), t.whole("flags"));
     long from = -7;
     long to = -7;
     p->getFirstVisibileSegmentIndex(from, to);
-    EXPECT_EQ(p->getNoVisibleSegments(), t.segments);
-    EXPECT_EQ(from, t.from);
-    EXPECT_EQ(to, t.to);
+    EXPECT_EQ(p->getNoVisibleSegments(), t.whole<long>("segments"));
+    EXPECT_EQ(from, t.whole<long>("from"));
+    EXPECT_EQ(to, t.whole<long>("to"));
   }
 }
 
@@ -305,8 +280,7 @@ TEST(Polyline, SegmentsBeyondTheEndsAreTheClosingOne) {
     const PolylinePtr p = polyline(s, "0,0 1,0 1,1", closed ? CEntPolyline::kClosed : 0);
     const PNT_3D last(1, 1, 0);
     const PNT_3D first(0, 0, 0);
-    for (const long i : {-1L, 2L, 3L, 99L}) {
-      SCOPED_TRACE(i);
+    for (const long i : named<long>({-1L, 2L, 3L, 99L})) {
       LINE_3D segment(9, 9, 9, 9, 9, 9);
       p->getLine(i, segment);
       EXPECT_EQ(segment, LINE_3D(last, closed || i < 0 ? first : last));
@@ -341,8 +315,7 @@ TEST(Polyline, WidthIsConstantOnlyIfAllEndsAgree) {
       {"later one bends", {{2, 2}, {2, 1}}, false, 0},
       {"all thin", {{0, 0}, {0, 0}}, true, 0},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     Scene s;
     const PolylinePtr p = polyline(s);
     for (const auto& [ws, we] : t.widths) p->addVertex(*new CVertex(PNT_3D(1, 1, 0), ws, we, 0));
@@ -387,8 +360,8 @@ PolylinePtr curve(Scene& s, const std::string& controls, short type, short degre
 
 TEST(PolylineCurve, ControlPointsComeFirstAndAreNotShown) {
   Scene s;
-  for (const short type : {CEntPolyline::kFit, CEntPolyline::kSpline, CEntPolyline::kBezier}) {
-    SCOPED_TRACE(type);
+  for (const short type :
+       named<short>({CEntPolyline::kFit, CEntPolyline::kSpline, CEntPolyline::kBezier})) {
     const PolylinePtr p = curve(s, "0,0 10,100 20,0 30,50", type, 3);
     EXPECT_EQ(p->getFirstVisibleVertex(), 4);
     EXPECT_EQ(p->getNoCtrlPnts(), 4);
@@ -397,7 +370,7 @@ TEST(PolylineCurve, ControlPointsComeFirstAndAreNotShown) {
     EXPECT_EQ(p->GetVertexPos(3), p->GetVertexPos(static_cast<int>(p->getLastVisibleVertex()) - 1));
     RECT_3D box;
     box.initRegion();
-    for (const Row& row : visible(*p)) {
+    for (const BulgedRow& row : visible(*p)) {
       box.updateRegion(PNT_3D(std::get<0>(row), std::get<1>(row), std::get<2>(row)));
     }
     EXPECT_EQ(p->getBdry(), box);
@@ -436,7 +409,7 @@ TEST(PolylineCurve, GenerToPlainKeepsTheControlPointsRectifyTheCurve) {
   Scene s;
   const PolylinePtr kept = curve(s, "0,0 1,1 2,0", CEntPolyline::kSpline, 2);
   const PolylinePtr rectified = copyOf(s, *kept);
-  const std::vector<Row> shown = visible(*kept);
+  const std::vector<BulgedRow> shown = visible(*kept);
   kept->gener(s.gestor, s.factory, 0, 0, false);
   EXPECT_EQ(kept->getNoTotalVertexes(), 3);
   EXPECT_EQ(kept->getFirstVisibleVertex(), 0);
@@ -462,7 +435,7 @@ TEST(PolylineCurve, RegenReleasesAndReservesWhenAsked) {
 TEST(PolylineCurve, ControlPointsAreInsertedAndRemovedWithTheirCurve) {
   Scene s;
   const PolylinePtr p = curve(s, "0,0 2,1 3,0", CEntPolyline::kSpline, 2);
-  const std::vector<Row> before = visible(*p);
+  const std::vector<BulgedRow> before = visible(*p);
   p->insertControl(s.gestor, s.factory, *new CVertex(PNT_3D(1, 5, 0), 0, 0, 0), 1, false);
   EXPECT_EQ(p->getNoCtrlPnts(), 4);
   EXPECT_EQ(p->GetVertexPos(1), PNT_3D(1, 5, 0));
@@ -494,7 +467,7 @@ TEST(PolylineCurve, WidthsOfControlPointsDoNotMakeItWide) {
 TEST(PolylineCurve, ClosingRegenerates) {
   Scene s;
   const PolylinePtr p = curve(s, "0,0 10,0 10,10 0,10", CEntPolyline::kSpline, 3);
-  const std::vector<Row> openCurve = visible(*p);
+  const std::vector<BulgedRow> openCurve = visible(*p);
   p->close(s.gestor, s.factory, false);
   EXPECT_TRUE(p->isClosed());
   EXPECT_NE(visible(*p), openCurve);
@@ -510,14 +483,15 @@ TEST(Polyline, CopiesHaveNoHandlesAndLinesBecomeTwoVertices) {
   p->addBulgedVertex(PNT_3D(0, 0, 0), 0, 0, 1, 8);
   p->addBulgedVertex(PNT_3D(1, 0, 0), 0, 0, 0, 9);
   for (const PolylinePtr& copy : {copyOf(s, *p), unpackedCopy(s, *p)}) {
-    for (const Row& row : bulged(*copy)) EXPECT_EQ(std::get<6>(row), 0);
+    for (const BulgedRow& row : bulged(*copy)) EXPECT_EQ(std::get<6>(row), 0);
     EXPECT_EQ(copy->getFlags(), p->getFlags());
     EXPECT_EQ(copy->getBdry(), p->getBdry());
   }
   const std::unique_ptr<CEntLine> line(s.line(1, 2, 3, 4, 17));
   line->setUserData(5);
   const PolylinePtr fromLine(s.factory.createEntPolyline(s.gestor, *line));
-  EXPECT_EQ(visible(*fromLine), (std::vector<Row>{{1, 2, 0, 0, 0, 0, 0}, {3, 4, 0, 0, 0, 0, 0}}));
+  EXPECT_EQ(visible(*fromLine),
+            (std::vector<BulgedRow>{{1, 2, 0, 0, 0, 0, 0}, {3, 4, 0, 0, 0, 0, 0}}));
   EXPECT_EQ(fromLine->GetHandle(), 0);
   EXPECT_EQ(fromLine->getUserData(), 5);
   EXPECT_EQ(fromLine->getBdry(), line->getBdry());
@@ -526,8 +500,7 @@ TEST(Polyline, CopiesHaveNoHandlesAndLinesBecomeTwoVertices) {
 TEST(PolylineMemento, RestoresWhateverWasEdited) {
   Scene s;
   Random random(6);
-  for (int round = 0; round < 300; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed 6, round " << round);
+  for (const int round : rounds(300)) {
     const PolylinePtr p = copyOf(s, *randomPacked(s, random, round % 3 == 0));
     if (round % 2 == 0 && p->getNoTotalVertexes() > 0) p->GetVertex(0);
     const PolylinePtr before = copyOf(s, *p);

@@ -1,19 +1,9 @@
-#include "vek0core/entities/enttable.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <map>
-#include <memory>
-#include <random>
-
 #include "entities/scene.h"
-#include "vek0core/entities/entpnt.h"
-#include "vek0core/tables/layer.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
-
-using vek0::test::Scene;
 
 /// A table beside a drawing's own, with helpers to fill it.
 struct TableScene : Scene {
@@ -120,8 +110,7 @@ TEST(EntTable, FrozenLayersDoNotCountButOffOnesDo) {
       {"off", 128, true},
       {"both", 128 | 1, false},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     TableScene s;
     s.layer()->setFlags(t.flags);
     s.add(0, 0, 1, 1);
@@ -293,8 +282,7 @@ TEST(EntTableWatcher, HearsOfEveryChangeOfExtents) {
   for (int i = 0; i < 10; ++i) s.add(number(), number(), number(), number());
   auto first = std::make_unique<Mirror>(s.table);
   Mirror second(s.table);
-  for (int step = 0; step < 3000; ++step) {
-    SCOPED_TRACE(step);
+  for (const int step : rounds(3000)) {
     const auto& ents = s.table.getEntityTbl();
     CEnt* ent = ents.empty() ? nullptr
                              : *std::next(ents.begin(), static_cast<long>(random() % ents.size()));

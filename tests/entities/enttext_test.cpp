@@ -1,16 +1,5 @@
-#include "vek0core/entities/enttext.h"
-
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <memory>
-
 #include "entities/blockworld.h"
-#include "vek0core/drawing/data.h"
-#include "vek0core/drawing/datafactory.h"
-#include "vek0core/entities/entattdef.h"
-#include "vek0core/entities/entattrib.h"
-#include "vek0core/tables/style.h"
+#include "support/test.h"
 
 namespace {
 

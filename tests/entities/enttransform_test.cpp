@@ -1,20 +1,13 @@
 // Laws that hold for all three transform visitors, kind by kind.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <vector>
 
 #include "entities/everykind.h"
-#include "vek0core/vek0core.h"
+#include "support/test.h"
+
+using namespace vek0::test;
+using vek0::detail::kPi;
+using vek0::detail::kTwoPi;
 
 namespace {
-
-using vek0::test::EveryKind;
-using vek0::test::ShapeNumbers;
-
-constexpr double kPi = 3.14159265358979323846;
-constexpr double kTwoPi = 6.283185307179586;
 
 void expectNear(const std::vector<double>& a, const std::vector<double>& b, double within) {
   ASSERT_EQ(a.size(), b.size());
@@ -122,26 +115,15 @@ TEST(Transforms, WhatIsNoTransformChangesNothing) {
 
 TEST(RotateVisitor, BringsRotationsIntoOneTurn) {
   EveryKind all;
-  const struct {
-    const char* name;
-    double rotation, angle, expected;
-  } cases[] = {
-      {"over the turn", 6.0, 0.5, 6.5 - kTwoPi},
-      {"below zero", 0.5, -1.0, -0.5 + kTwoPi},
-      {"inside", 1.0, 2.0, 3.0},
-      {"two turns off: one is taken", 1.0, 14.0, 15.0 - kTwoPi},
-      {"exactly the turn", 0, kTwoPi, 0},
-      {"just below zero", 0, -1e-17, 0},
-  };
   for (const auto& [name, ent] : all.kinds) {
     auto* insert = ent->getType() == CEntInsert::kType ? static_cast<CEntInsert*>(ent) : nullptr;
-    for (const auto& t : cases) {
+    for (const Row& t : rows()) {
       if (insert == nullptr) continue;
-      SCOPED_TRACE(t.name);
-      insert->setRotate(t.rotation);
-      CEntRotateXYVisitor turner(PNT_3D(0, 0, 0), t.angle);
+      SCOPED_TRACE(t.text("name"));
+      insert->setRotate(t.real("rotation"));
+      CEntRotateXYVisitor turner(PNT_3D(0, 0, 0), t.real("angle"));
       insert->accept(turner);
-      EXPECT_EQ(insert->getRotate(), t.expected);
+      EXPECT_EQ(insert->getRotate(), t.real("expected"));
     }
     if (CEntHatch* hatch = castHatch(ent)) {
       for (const double angle : {-3 * kPi, 100.0, 1e300}) {
@@ -156,18 +138,12 @@ TEST(RotateVisitor, BringsRotationsIntoOneTurn) {
 
 // What was read as whole degrees is whole degrees again, and lies where it belongs.
 TEST(RotateVisitor, ByDegreesAddsDegreesAsFilesHaveThem) {
-  const struct {
-    double before, by, after;
-  } cases[] = {
-      {0, 90, 90},   {90, 90, 180}, {0, -90, 270}, {350, 90, 80},   {0, 33, 33},
-      {10, 90, 100}, {270, 90, 0},  {45, 720, 45}, {10, 1e17, 290},  // 1e17 is 280 more than whole
-                                                                     // turns
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(testing::Message() << t.before << " by " << t.by);
+  for (const Row& t : rows()) {
+    SCOPED_TRACE(testing::Message() << t.real("before") << " by " << t.real("by"));
     EveryKind all;
-    const double before = t.before * kRadiansPerDegree, after = t.after * kRadiansPerDegree;
-    CEntRotateXYVisitor turner = CEntRotateXYVisitor::byDegrees(PNT_3D(1e6, 2e6, 0), t.by);
+    const double before = t.real("before") * kRadiansPerDegree,
+                 after = t.real("after") * kRadiansPerDegree;
+    CEntRotateXYVisitor turner = CEntRotateXYVisitor::byDegrees(PNT_3D(1e6, 2e6, 0), t.real("by"));
     for (const auto& [name, ent] : all.kinds) {
       SCOPED_TRACE(name);
       if (auto* insert =
@@ -176,7 +152,7 @@ TEST(RotateVisitor, ByDegreesAddsDegreesAsFilesHaveThem) {
         insert->setPnt(PNT_3D(1e6 + 1000, 2e6, 0));
         insert->accept(turner);
         EXPECT_EQ(insert->getRotate(), after);
-        const double turned = std::remainder(t.by, 360) * kPi / 180;
+        const double turned = std::remainder(t.real("by"), 360) * kPi / 180;
         EXPECT_NEAR(insert->getPnt().x, 1e6 + 1000 * std::cos(turned), 1e-9);
         EXPECT_NEAR(insert->getPnt().y, 2e6 + 1000 * std::sin(turned), 1e-9);
       } else if (ent->getType() == CEntArc::kType) {
@@ -195,7 +171,7 @@ TEST(RotateVisitor, ByDegreesAddsDegreesAsFilesHaveThem) {
         text.setContext(context);
         ent->accept(turner);
         EXPECT_EQ(text.getContext().getRotate(),
-                  (t.before + std::fmod(t.by, 360)) * kRadiansPerDegree);
+                  (t.real("before") + std::fmod(t.real("by"), 360)) * kRadiansPerDegree);
       }
     }
   }

@@ -1,25 +1,9 @@
-#include "vek0core/entities/entvisitor.h"
-#include "vek0core/entities/blocks/entinheritvisitor.h"
-
-#include <gtest/gtest.h>
-
 #include "entities/scene.h"
-#include "vek0core/entities/blocks/entinsert.h"
-#include "vek0core/entities/ent3dface.h"
-#include "vek0core/entities/entarc.h"
-#include "vek0core/entities/entattdef.h"
-#include "vek0core/entities/entattrib.h"
-#include "vek0core/entities/entcast.h"
-#include "vek0core/entities/entcircle.h"
-#include "vek0core/entities/entline.h"
-#include "vek0core/entities/entpnt.h"
-#include "vek0core/entities/entpolyline.h"
-#include "vek0core/entities/enttext.h"
-#include "vek0core/entities/vertex.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
-
-using vek0::test::Scene;
 
 /// One entity of each kind, in order of its code.
 std::vector<std::unique_ptr<CEnt>> zoo(Scene& s) {

@@ -1,13 +1,6 @@
 #pragma once
 
-#include <cmath>
-#include <memory>
-#include <random>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include "vek0core/vek0core.h"
+#include "support/test.h"
 
 namespace vek0::test {
 

@@ -1,9 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <vector>
-
-#include "vek0core/vek0core.h"
+#include "support/test.h"
 
 namespace {
 

@@ -1,16 +1,10 @@
-#include "vek0core/entities/blocks/insertmatrix.h"
-
-#include <gtest/gtest.h>
-
-#include <numbers>
-#include <random>
-
 #include "entities/blockworld.h"
-#include "vek0core/entities/blocks/insertstack.h"
+#include "support/test.h"
+
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
-
-constexpr double kPi = std::numbers::pi;
 
 class InsertMatrix : public testing::Test, protected BlockWorld {
  protected:
@@ -61,19 +55,10 @@ TEST_F(InsertMatrix, IsotropicOnlyWhenScalesAreExactlyEqual) {
 TEST_F(InsertMatrix, CellsAreOffsetAlongTheTurnedAxes) {
   const std::unique_ptr<CEntInsert> ent(insert(nullptr, PNT_3D(10, 20, 0), 5, 7, kPi / 2));
   ent->setArray(2, 3, 100, 1000);
-  const struct {
-    long row, col;
-    PNT_3D expect;
-  } cases[] = {
-      {0, 0, PNT_3D(10, 20, 0)},
-      {0, 1, PNT_3D(10, 120, 0)},
-      {1, 0, PNT_3D(10 - 1000, 20, 0)},
-      {2, 1, PNT_3D(10 - 2000, 120, 0)},
-  };
-  for (const auto& t : cases) {
+  for (const Row& t : rows()) {
     PNT_3D p(0, 0, 0);
-    CEntInsertMatrix(1, *ent, t.row, t.col).transform(p, p);
-    expectNear(p, t.expect, 1e-9);
+    CEntInsertMatrix(1, *ent, t.whole<long>("row"), t.whole<long>("col")).transform(p, p);
+    expectNear(p, t.point("expect"), 1e-9);
   }
 }
 
@@ -86,8 +71,7 @@ TEST_F(InsertMatrix, OnlyExternalReferencesCountTheirBasePoint) {
 
 TEST_F(InsertMatrix, NestedInsertsComposeAsPointsAreMappedOneByOne) {
   std::mt19937 engine(7);
-  for (int i = 0; i < 500; ++i) {
-    SCOPED_TRACE(i);
+  for ([[maybe_unused]] const int i : rounds(500)) {
     const auto a = random(engine), b = random(engine), c = random(engine);
     CEntInsertStack stack(1);
     stack.Push(a.get(), 1, 2);

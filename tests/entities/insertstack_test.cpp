@@ -1,15 +1,9 @@
-#include "vek0core/entities/blocks/insertstack.h"
-
-#include <gtest/gtest.h>
-
 #include "entities/scene.h"
-#include "vek0core/entities/blocks/block.h"
-#include "vek0core/entities/blocks/entinsert.h"
-#include "vek0core/tables/layer.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
-
-using vek0::test::Scene;
 
 constexpr short kByBlock = 0, kByLayer = 256;
 
@@ -120,8 +114,7 @@ TEST_F(InsertStack, ResolvesWhatEntitiesTakeOver) {
        1},
       {"nobody gives a colour", {passing.get()}, zero, byBlock(), kByBlock, zero, nullptr, 7},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     CEntInsertStack stack(1);
     for (const CEntInsertBase* entered : t.inserts) stack.Push(entered, 0, 0);
     const auto ent = insert(t.layer, t.ltype, t.color);

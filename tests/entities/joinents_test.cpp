@@ -1,26 +1,10 @@
-#include "vek0core/entities/edit/joinents.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
-#include <memory>
-#include <random>
-#include <set>
-
 #include "entities/scene.h"
-#include "vek0core/entities/edit/entexplodervisitor.h"
-#include "vek0core/entities/edit/entpath.h"
-#include "vek0core/entities/edit/entpolyaddervisitor.h"
-#include "vek0core/entities/entarc.h"
-#include "vek0core/entities/entcircle.h"
+#include "support/test.h"
+
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
-
-using vek0::test::Scene;
-
-constexpr double kPi = 3.14159265358979323846;
 
 class Join : public testing::Test, protected Scene {
  protected:
@@ -79,20 +63,13 @@ TEST_F(Join, EitherEndEitherWay) {
 
 // Angles that are equal mean the full turn.
 TEST_F(Join, AnArcWithoutLengthIsNotTakenForACircle) {
-  const struct {
-    double sweep;
-    short kind;
-  } cases[] = {
-      {1e-17, CEntLine::kType},
-      {1, CEntArc::kType},
-      {2 * kPi, CEntCircle::kType},
-      {-2 * kPi, CEntCircle::kType},
-  };
   const CEnt& like = *segment(PNT_3D(0, 0, 0), PNT_3D(1, 0, 0));
-  for (const auto& c : cases) {
-    const PATH_3D path(EDGE_3D(PNT_2D(0, 0), 2, 1, c.sweep, 0, 0));
+  const Definitions names{
+      {"Line", CEntLine::kType}, {"Arc", CEntArc::kType}, {"Circle", CEntCircle::kType}};
+  for (const Row& c : rowsWith(names)) {
+    const PATH_3D path(EDGE_3D(PNT_2D(0, 0), 2, 1, c.real("sweep"), 0, 0));
     ents.push_back(createEntFromPath(gestor, factory, path, like));
-    EXPECT_EQ(ents.back()->getType(), c.kind) << c.sweep;
+    EXPECT_EQ(ents.back()->getType(), c.whole<short>("kind")) << c.real("sweep");
   }
 }
 

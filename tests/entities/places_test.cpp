@@ -1,20 +1,12 @@
 // What was taken out of a table or a block goes back to where it stood.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <list>
-#include <memory>
-#include <random>
-#include <vector>
 
 #include "entities/blockworld.h"
 #include "entities/scene.h"
-#include "vek0core/tables/style.h"
-#include "vek0core/tables/styletable.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
-
-using vek0::test::Scene;
 
 /// Takes things out and puts them back last to first, in runs of random length, between
 /// other additions; the plain list says where each has to be.

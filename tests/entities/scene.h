@@ -1,18 +1,6 @@
 #pragma once
 
-#include <memory>
-#include <sstream>
-#include <string>
-#include <vector>
-
-#include "vek0core/drawing/data.h"
-#include "vek0core/drawing/datafactory.h"
-#include "vek0core/drawing/functions.h"
-#include "vek0core/entities/entfactory.h"
-#include "vek0core/entities/entline.h"
-#include "vek0core/geometry/line.h"
-#include "vek0core/geometry/pnt.h"
-#include "vek0core/tables/handle.h"
+#include "support/test.h"
 
 namespace vek0::test {
 

@@ -1,17 +1,6 @@
-#include "vek0core/files/file.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <memory>
-#include <string>
-#include <vector>
-
-#include "support/quietasserts.h"
-#include "vek0core/files/filememory.h"
-#include "vek0core/files/filestdlib.h"
+using namespace vek0::test;
 
 namespace {
 
@@ -67,33 +56,16 @@ struct TwoFiles {
 };
 
 TEST(File, ReadsLinesAsTheyStand) {
-  const struct {
-    long units;
-    const char* name;
-    std::string bytes;
-    const char16_t* lines;
-  } cases[] = {
-      {64, "line ends are kept", "a\nb\r\nc", u"a\n|b\r\n|c"},
-      {64, "a lone cr becomes lf", "a\rb", u"a\n|b"},
-      {64, "utf-8, else western", "\xC3\xA9\n\xE9\n", u"\u00E9\n|\u00E9\n"},
-      {64, "marked utf-8", "\357\273\277a\n", u"a\n"},
-      {64, "marked utf-16", "\377\376a\0\n\0"s, u"a\n"},
-      {64, "ctrl-z", "a\n\32\nb\n", u"a\n"},
-      {64, "empty", "", u""},
-      {4, "long lines are split", "abcdef\ng\n", u"abc|def|\n|g\n"},
-      {4, "line end does not fit", "abc\nd\n", u"abc|\n|d\n"},
-      {4, "pairs are not split", "ab\xF0\x9F\x98\x80\n", u"ab|\U0001F600\n"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    TwoFiles files(t.bytes);
+  for (const Row& t : rows()) {
+    SCOPED_TRACE(t.text("name"));
+    TwoFiles files(t.text("bytes"));
     for (IFile* file :
          {static_cast<IFile*>(files.stdlib.get()), static_cast<IFile*>(&files.memory)}) {
       ASSERT_TRUE(file->open());
-      EXPECT_EQ(linesOf(*file, t.units), t.lines);
+      EXPECT_EQ(linesOf(*file, t.whole<long>("units")), t.wide("lines").c_str());
       EXPECT_FALSE(file->fail()) << "the end is no failure";
       ASSERT_TRUE(file->open()) << "again, from the start";
-      EXPECT_EQ(linesOf(*file, t.units), t.lines);
+      EXPECT_EQ(linesOf(*file, t.whole<long>("units")), t.wide("lines").c_str());
       file->close();
       EXPECT_FALSE(file->isOpened());
       EXPECT_TRUE(file->fail());

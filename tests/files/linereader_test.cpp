@@ -1,11 +1,7 @@
 #include "files/linereader.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <random>
-#include <string>
-#include <vector>
+using namespace vek0::test;
 
 namespace vek0::detail {
 namespace {
@@ -44,43 +40,9 @@ std::string joined(const Lines& lines) {
 }
 
 TEST(LineReader, LineEndsAndMarks) {
-  const struct {
-    const char* name;
-    std::string text;
-    const char* lines;
-  } cases[] = {
-      {"line feeds", "a\nb\n", "a\n|b\n"},
-      {"last line without end", "a\nb", "a\n|b"},
-      {"cr lf", "a\r\nb\r\n", "a\r\n|b\r\n"},
-      {"lone crs", "a\rb\r", "a\n|b\n"},
-      {"two lone crs", "a\r\rb", "a\n|\n|b"},
-      {"doubled cr before lf", "a\r\r\nb\n", "a\r\r\n|b\n"},
-      {"all kinds", "a\rb\nc\r\nd", "a\n|b\n|c\r\n|d"},
-      {"empty lines", "\n\r\n\n", "\n|\r\n|\n"},
-      {"empty", "", ""},
-      {"two bytes", "a\n", "a\n"},
-      {"utf-8 mark", "\357\273\2770\n", "0\n"},
-      {"nothing but a mark", "\xEF\xBB\xBF", ""},
-      {"nuls", "a\0b\0\n\0"s, "ab\n"},
-      {"ctrl-z ends it", "a\n\x1A\x1A\r\nb\n", "a\n"},
-      {"ctrl-z at the end", "a\nEOF\x1A\x1A", "a\n|EOF"},
-      {"ctrl-z in a text",
-       "a\nb\x1A"
-       "c\n\x1A"
-       "d\n",
-       "a\n|b\x1A"
-       "c\n|\x1A"
-       "d\n"},
-      {"utf-16 little endian", "\377\3760\0\n\0\xAC\x20"s, "0\n|\xE2\x82\xAC"},
-      {"utf-16 big endian", "\xFE\xFF\0000\0\n\x20\xAC"s, "0\n|\xE2\x82\xAC"},
-      {"utf-16 pair", "\xFF\xFE\x3D\xD8\x00\xDE"s, "\xF0\x9F\x98\x80"},
-      {"utf-16 half a pair", "\xFF\xFE\x3D\xD8"s, "\xEF\xBF\xBD"},
-      {"utf-16 half a unit", "\377\376a\0b"s, "a"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_EQ(joined(linesOf(t.text)), t.lines);
-    EXPECT_EQ(joined(linesOf(t.text, 64, 1)), t.lines) << "byte by byte";
+  for (const Row& t : rows()) {
+    EXPECT_EQ(joined(linesOf(t.text("text"))), t.text("lines"));
+    EXPECT_EQ(joined(linesOf(t.text("text"), 64, 1)), t.text("lines")) << "byte by byte";
   }
 }
 
@@ -153,32 +115,19 @@ TEST(LineReader, SaysWhenBytesAreNotOffered) {
 }
 
 TEST(LineReader, ShortNumbersAreTakenOnlyWhole) {
-  const struct {
-    const char* name;
-    const char* text;
-    bool taken;
-    long number;
-  } cases[] = {
-      {"padded", "  0\nx", true, 0},          {"cr lf", "10\r\nx", true, 10},
-      {"four digits", "1071\nx", true, 1071}, {"five digits", "10000\n", false, 0},
-      {"junk behind", "10x\n", false, 0},     {"blank behind", "10 \n", false, 0},
-      {"negative", "-1\n", false, 0},         {"empty", "\n", false, 0},
-      {"blanks only", "  \n", false, 0},      {"last line without end", "10", false, 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const std::string text = std::string("----\n") + t.text;
+  for (const Row& t : rows()) {
+    const std::string text = "----\n" + t.text("text");
     LineReader reader(sourceOf(text, kLargeBlock), 64);
     ASSERT_TRUE(reader.begin());
     std::string_view line;
     ASSERT_TRUE(reader.next(line));  // brings the block in
     long number = 77;
-    EXPECT_EQ(reader.nextIfShortNumber(number), t.taken);
-    if (t.taken) {
-      EXPECT_EQ(number, t.number);
+    EXPECT_EQ(reader.nextIfShortNumber(number), t.flag("taken"));
+    if (t.flag("taken")) {
+      EXPECT_EQ(number, t.whole<long>("number"));
     } else {
       EXPECT_TRUE(reader.next(line));
-      EXPECT_EQ(line, std::string_view(t.text)) << "nothing was taken";
+      EXPECT_EQ(line, std::string_view(t.text("text"))) << "nothing was taken";
     }
   }
 }

@@ -1,15 +1,9 @@
-#include "files/number.h"
-
-#include <gtest/gtest.h>
-
-#include <charconv>
-#include <clocale>
-#include <cmath>
-#include <cstring>
-#include <limits>
 #include <locale>
-#include <random>
-#include <string>
+
+#include "files/number.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace vek0::detail {
 namespace {
@@ -65,47 +59,11 @@ std::string anyTie(std::mt19937_64& random) {
 }
 
 TEST(ParseDouble, KnownTexts) {
-  const struct {
-    const char* name;
-    const char* text;
-    double value;
-  } cases[] = {
-      {"whole", "12", 12},
-      {"fraction", "0.1", 0.1},
-      {"point first", ".5", 0.5},
-      {"point last", "5.", 5},
-      {"plus", "+2.5", 2.5},
-      {"blanks and tabs before", " \t 7", 7},
-      {"junk behind", "3.5mm", 3.5},
-      {"decimal comma is junk", "1,5", 1},
-      {"exponent", "-1.5E+3", -1500},
-      {"exponent without digits", "2e", 2},
-      {"exponent with sign only", "2e-", 2},
-      {"second point is junk", "1.2.3", 1.2},
-      {"second sign is junk", "--1", 0},
-      {"blank after the sign", "- 1", 0},
-      {"empty", "", 0},
-      {"blanks only", "   ", 0},
-      {"word", "LINE", 0},
-      {"point alone", ".", 0},
-      {"hexadecimal is not known", "0x1p3", 0},
-      {"zero to a huge power", "0e99999999999", 0},
-      {"too small", "1e-400", 0},
-      {"tiny exponent", "1e-99999999999999999999", 0},
-      {"largest", "1.7976931348623157e308", 1.7976931348623157e308},
-      {"smallest", "5e-324", 5e-324},
-      {"tie to even at 2^53 + 1", "9007199254740993", 9007199254740992.0},
-      {"above that tie", "9007199254740993.0000001", 9007199254740994.0},
-      {"twenty digits", "12345678901234567890", 12345678901234567890.0},
-      {"many leading zeros", "0000000000000000000000.5", 0.5},
-      {"hash behind a whole number", "1#5", 1},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const ParsedDouble narrow = parseDouble(std::string_view(t.text));
-    EXPECT_EQ(narrow.value, t.value);
+  for (const Row& t : rows()) {
+    const ParsedDouble narrow = parseDouble(std::string_view(t.text("text")));
+    EXPECT_EQ(narrow.value, t.real("value"));
     EXPECT_TRUE(narrow.finite);
-    EXPECT_EQ(parseDouble(widen(t.text)).value, t.value);
+    EXPECT_EQ(parseDouble(widen(t.text("text"))).value, t.real("value"));
   }
 }
 
@@ -160,46 +118,15 @@ TEST(ParseLong, LenientAndWithin32Bits) {
 }
 
 TEST(ParseHex, AccumulatesUnchecked) {
-  const struct {
-    const char* name;
-    const char* text;
-    std::uint64_t value;
-  } cases[] = {
-      {"upper case", "1A", 0x1A},
-      {"lower case", "1a", 0x1A},
-      {"full width", "FFFFFFFFFFFFFFFF", 0xFFFFFFFFFFFFFFFF},
-      {"wraps", "1FFFFFFFFFFFFFFFF", 0xFFFFFFFFFFFFFFFF},
-      {"junk counts from 'a'", "g", 16},
-      {"so does upper junk", "Z", 3},
-      {"empty", "", 0},
-  };
-  for (const auto& t : cases) {
-    EXPECT_EQ(parseHex(std::string_view(t.text)), t.value) << t.name;
-    EXPECT_EQ(parseHex(widen(t.text)), t.value) << t.name;
+  for (const Row& t : rows()) {
+    EXPECT_EQ(parseHex(std::string_view(t.text("text"))), t.whole<std::uint64_t>("value"))
+        << t.text("name");
+    EXPECT_EQ(parseHex(widen(t.text("text"))), t.whole<std::uint64_t>("value")) << t.text("name");
   }
 }
 
 TEST(FormatFixed, KnownNumbers) {
-  const struct {
-    const char* name;
-    double value;
-    const char* text;
-  } cases[] = {
-      {"zero", 0, "0.000000"},
-      {"negative zero", -0.0, "-0.000000"},
-      {"rounds to zero", -4e-7, "-0.000000"},
-      {"just rounds away", -5.1e-7, "-0.000001"},
-      {"tie to even below", 0.0078125, "0.007812"},
-      {"tie to even above", 0.0234375, "0.023438"},
-      {"carry into the whole", 9.9999999, "10.000000"},
-      {"carry of a negative", -0.9999999, "-1.000000"},
-      {"largest odd whole", 9007199254740991.0, "9007199254740991.000000"},
-      {"never an exponent", 1e20, "100000000000000000000.000000"},
-      {"beyond 64 bits", -36893488147419103232.0, "-36893488147419103232.000000"},
-      {"not a number", std::nan(""), "0.000000"},
-      {"infinite", -std::numeric_limits<double>::infinity(), "0.000000"},
-  };
-  for (const auto& t : cases) EXPECT_EQ(fixed(t.value), t.text) << t.name;
+  for (const Row& t : rows()) EXPECT_EQ(fixed(t.real("value")), t.text("text")) << t.text("name");
 }
 
 TEST(FormatFixed, AgreesWithTheLibrary) {

@@ -1,13 +1,4 @@
-#include "vek0core/files/report.h"
-
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <map>
-#include <sstream>
-#include <string>
-
-#include "support/samples.h"
+#include "support/test.h"
 
 TEST(Report, CountsEqualNotesAndKeepsTheFirstLine) {
   CFileReport report;

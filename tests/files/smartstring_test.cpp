@@ -1,6 +1,6 @@
-#include "vek0core/files/smartstring.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
+using namespace vek0::test;
 
 TEST(SmartString, ComparesWithoutCaseUnderBothNames) {
   const struct {
@@ -17,8 +17,7 @@ TEST(SmartString, ComparesWithoutCaseUnderBothNames) {
       {"null is empty", nullptr, u"", true},
       {"null and a text", nullptr, u"A", false},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     const SmartString a(t.a), b(t.b);
     EXPECT_EQ(a.equal_cs(b), t.equal);
     EXPECT_EQ(b.equal_ci(a), t.equal);

@@ -1,15 +1,12 @@
-#include "vek0core/files/textcodec.h"
-
-#include <gtest/gtest.h>
-
-#include <random>
-#include <set>
-#include <string>
+#include <iconv.h>
 
 #include "files/codepages.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 #if defined(__GLIBC__)
-#include <iconv.h>
+
 #endif
 
 namespace {
@@ -61,37 +58,13 @@ bool decodeFullWidthA(int page, std::string_view bytes, std::u16string& out) {
 }
 
 TEST(TextDecoder, KnownTextsOfEachFamily) {
-  const struct {
-    const char* name;
-    int page;
-    const char* bytes;
-    const char16_t* text;
-  } cases[] = {
-      {"western", 1252, "\x80 \xE9 \x9F", u"\u20AC \u00E9 \u0178"},
-      {"central european", 1250, "\xB9\xE6\xF8", u"\u0105\u0107\u0159"},
-      {"cyrillic", 1251, "\xCF\xEB\xE0\xED", u"\u041F\u043B\u0430\u043D"},
-      {"greek", 1253, "\xD3\xF7\xDD\xE4\xE9\xEF", u"\u03A3\u03C7\u03AD\u03B4\u03B9\u03BF"},
-      {"turkish", 1254, "\xDE\xFD", u"\u015E\u0131"},
-      {"dos diameter", 850, "\x9D", u"\u00D8"},
-      {"dos box drawing", 437, "\xC9\xCD\xBB", u"\u2554\u2550\u2557"},
-      {"dos cyrillic", 866, "\x8F\xAB\xA0\xAD", u"\u041F\u043B\u0430\u043D"},
-      {"thai", 874, "\xA1\x80", u"\u0E01\u20AC"},
-      {"macintosh", 10000, "\x8E", u"\u00E9"},
-      {"undefined low byte", 1252, "\x81", u"\u0081"},
-      {"undefined high byte", 874, "\xDB", u"\uFFFD"},
-      {"utf-8", kCodePageUtf8, "\xE2\x82\xAC\xF0\x9F\x98\x80", u"\u20AC\U0001F600"},
-      {"western bytes in utf-8", kCodePageUtf8, "\xE9 \xC3\xA9", u"\u00E9 \u00E9"},
-      {"valid utf-8 by itself", kCodePageAuto, "\xC3\xA9", u"\u00E9"},
-      {"western by itself", kCodePageAuto, "\xC3\xA9 \xE9", u"\u00C3\u00A9 \u00E9"},
-      {"unknown page as by itself", 4711, "\xC3\xA9", u"\u00E9"},
-      {"no decoder for the page", 932, "\x82\x60", u"\u201A`"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_EQ(decoded(t.page, t.bytes), t.text);
+  const Definitions names{{"kCodePageUtf8", kCodePageUtf8}, {"kCodePageAuto", kCodePageAuto}};
+  for (const Row& t : rowsWith(names)) {
+    EXPECT_EQ(decoded(t.whole("page"), t.text("bytes")), t.wide("text").c_str());
     zim::Char buffer[16];
-    const std::size_t count = CTextDecoder(t.page).decode(t.bytes, buffer, std::size(buffer));
-    EXPECT_EQ(std::u16string(buffer, count), t.text);
+    const std::size_t count =
+        CTextDecoder(t.whole("page")).decode(t.text("bytes"), buffer, std::size(buffer));
+    EXPECT_EQ(std::u16string(buffer, count), t.wide("text").c_str());
   }
 }
 
@@ -117,8 +90,7 @@ TEST(TextDecoder, NamesWhatItDid) {
 }
 
 TEST(CodePages, AreComplete) {
-  for (const int page : kPages) {
-    SCOPED_TRACE(page);
+  for (const int page : named(kPages)) {
     const auto* upper = vek0::detail::upperHalfOf(page);
     ASSERT_NE(upper, nullptr);
     std::set<char16_t> seen;
@@ -163,75 +135,22 @@ TEST(CodePages, AgreeWithTheCLibrary) {
 #endif
 
 TEST(CodePages, NamesThatDrawingsState) {
-  const struct {
-    const char* name;
-    int page;
-  } cases[] = {
-      {"ANSI_1252", 1252},
-      {"ansi_1251", 1251},
-      {"ANSI_936", 936},
-      {"dos850", 850},
-      {"DOS437", 437},
-      {"8859_1", 28591},
-      {"ISO8859-15", 28605},
-      {"utf-8", kCodePageUtf8},
-      {"UTF8", kCodePageUtf8},
-      {"big5", 950},
-      {"ksc5601", 949},
-      {"GB2312", 936},
-      {"macintosh", 10000},
-      {"ascii", kCodePageAuto},
-      {"ANSI_4711", kCodePageAuto},
-      {"ANSI_", kCodePageAuto},
-      {"dos99999999999999999999", kCodePageAuto},
-      {"", kCodePageAuto},
-  };
-  for (const auto& t : cases) EXPECT_EQ(codePageFromName(t.name), t.page) << t.name;
+  const Definitions names{{"kCodePageUtf8", kCodePageUtf8}, {"kCodePageAuto", kCodePageAuto}};
+  for (const Row& t : rowsWith(names))
+    EXPECT_EQ(codePageFromName(t.text("name")), t.whole("page")) << t.text("name");
 }
 
 TEST(CodePages, OfADrawing) {
-  const struct {
-    const char* version;
-    const char* name;
-    int page;
-  } cases[] = {
-      {"AC1009", "dos850", 850},
-      {"AC1018", "ANSI_1251", 1251},
-      {"AC1021", "ANSI_1251", kCodePageUtf8},
-      {"AC1032", "", kCodePageUtf8},
-      {"", "ANSI_1250", 1250},
-      {"", "", kCodePageAuto},
-      {"newest", "ANSI_1250", 1250},
-  };
-  for (const auto& t : cases) {
-    EXPECT_EQ(codePageOfDrawing(t.version, t.name), t.page) << t.version << ' ' << t.name;
+  const Definitions names{{"kCodePageUtf8", kCodePageUtf8}, {"kCodePageAuto", kCodePageAuto}};
+  for (const Row& t : rowsWith(names)) {
+    EXPECT_EQ(codePageOfDrawing(t.text("version"), t.text("name")), t.whole("page"))
+        << t.text("version") << ' ' << t.text("name");
   }
 }
 
 TEST(Escapes, Decoded) {
-  const struct {
-    const char* name;
-    const char16_t* escaped;
-    const char16_t* text;
-  } cases[] = {
-      {"unit", u"\\U+2205 5", u"\u2205 5"},
-      {"lower-case digits", u"\\U+00e9", u"\u00E9"},
-      {"pair of units", u"\\U+D83D\\U+DE00", u"\U0001F600"},
-      {"too few digits", u"\\U+20A", u"\\U+20A"},
-      {"other letter", u"\\u+20AC", u"\\u+20AC"},
-      {"backslash at the end", u"a\\", u"a\\"},
-      {"line feed", u"a^Jb", u"a\nb"},
-      {"tab", u"^I", u"\t"},
-      {"caret", u"a^ b", u"a^b"},
-      {"caret and what is none", u"2^3", u"2^3"},
-      {"caret at the end", u"a^", u"a^"},
-      {"small letters are none", u"^j", u"^j"},
-      {"escaped caret is final", u"\\U+005EJ", u"^J"},
-      {"no decoder for bytes", u"\\M+18260", u"\\M+18260"},
-      {"no such digit", u"\\M+98260", u"\\M+98260"},
-  };
-  for (const auto& t : cases) {
-    EXPECT_EQ(decodeEscapes(t.escaped), t.text) << t.name;
+  for (const Row& t : rows()) {
+    EXPECT_EQ(decodeEscapes(t.wide("escaped")), t.wide("text").c_str()) << t.text("name");
   }
 }
 
@@ -245,22 +164,8 @@ TEST(MultiByte, GoesThroughTheInstalledDecoder) {
 }
 
 TEST(EncodeText, KnownTexts) {
-  const struct {
-    const char* name;
-    const char16_t* text;
-    const char* bytes;
-  } cases[] = {
-      {"western", u"\u00E9\u20AC", "\xE9\x80"},
-      {"outside the page", u"\u2205", "\\U+2205"},
-      {"beyond U+FFFF", u"\U0001F600", "\\U+D83D\\U+DE00"},
-      {"control character of 1252", u"\u0081", "\\U+0081"},
-      {"line break", u"a\r\nb", "a^M^Jb"},
-      {"caret", u"a^J", "a^ J"},
-      {"chance escape", u"\\U+0041", "\\U+005CU+0041"},
-      {"plain backslash", u"\\P\\", "\\P\\"},
-      {"looks like utf-8", u"\u00C3\u00A9x", "\\U+00C3\\U+00A9x"},
-  };
-  for (const auto& t : cases) EXPECT_EQ(encodedText(t.text), t.bytes) << t.name;
+  for (const Row& t : rows())
+    EXPECT_EQ(encodedText(t.wide("text")), t.text("bytes")) << t.text("name");
   const char16_t lone[] = {u'a', 0xD800, u'b', 0xDC00, 0xD800, 0};
   EXPECT_EQ(encodedText(lone), "a\\U+FFFDb\\U+FFFD\\U+FFFD");
 }

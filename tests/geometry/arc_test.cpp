@@ -1,14 +1,11 @@
-#include "vek0core/geometry/arc.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <random>
+using namespace vek0::test;
+using vek0::detail::kPi;
+using vek0::detail::kTwoPi;
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 6.283185307179586;
 constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
@@ -33,31 +30,16 @@ class Randoms {
 };
 
 TEST(Arc, AnglesAreNormalised) {
-  const struct {
-    double given, stored;
-  } cases[] = {
-      {-kPi / 2, 3 * kPi / 2},
-      {5 * kPi / 2, kPi / 2},
-      {kTwoPi, 0},
-      {-kTwoPi, 0},
-      {3 * kTwoPi, 0},
-      {-1e-17, 0},
-      {kInf, 0},
-      {-kInf, 0},
-      {kNan, 0},
-      {1.25, 1.25},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.given);
-    EXPECT_DOUBLE_EQ(ARC_3D(0, 0, 0, 1, t.given, 0).startAngle, t.stored);
-    EXPECT_DOUBLE_EQ(ARC_3D(0, 0, 0, 1, 0, t.given).endAngle, t.stored);
+  for (const Row& t : rows()) {
+    EXPECT_DOUBLE_EQ(ARC_3D(0, 0, 0, 1, t.real("given"), 0).startAngle, t.real("stored"));
+    EXPECT_DOUBLE_EQ(ARC_3D(0, 0, 0, 1, 0, t.real("given")).endAngle, t.real("stored"));
   }
 }
 
 // A stepping loop would not terminate here.
 TEST(Arc, HugeAnglesAreNormalisedAtOnce) {
-  for (const double angle : {1e9, -1e9, 1e17, -1e300, std::numeric_limits<double>::max()}) {
-    SCOPED_TRACE(angle);
+  for (const double angle :
+       named<double>({1e9, -1e9, 1e17, -1e300, std::numeric_limits<double>::max()})) {
     const double a = ARC_3D::normal(angle);
     EXPECT_GE(a, 0);
     EXPECT_LT(a, kTwoPi);
@@ -99,8 +81,7 @@ TEST(Arc, AnglesInAndOutOfTheSweep) {
       {"ends at 0, too far past", arcOf(270, 0), 1e-10, false},
       {"not a number counts as 0", arcOf(90, 180), kNan, false},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     EXPECT_EQ(t.arc.angle_in_arc(t.angle), t.in);
   }
 }
@@ -122,8 +103,7 @@ TEST(Arc, Extents) {
       {"full turn", arcOf(33, 33), {-1, -1, 1, 1}},
       {"full turn from 0", arcOf(0, 0), {-1, -1, 1, 1}},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     RECT_3D box;
     t.arc.calc_bdry(box);
     EXPECT_NEAR(PNT_2D(box.min).dist(t.box.min), 0, 1e-15);
@@ -133,8 +113,7 @@ TEST(Arc, Extents) {
 
 TEST(Arc, ExtentsAreThoseOfManyOfItsPoints) {
   Randoms random(31);
-  for (int i = 0; i < 300; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 31, round " << i);
+  for ([[maybe_unused]] const int i : rounds(300)) {
     const ARC_3D arc = random.arc();
     RECT_3D box, sampled;
     arc.calc_bdry(box);
@@ -149,8 +128,7 @@ TEST(Arc, ExtentsAreThoseOfManyOfItsPoints) {
 
 TEST(Arc, RotateTurnsItsEnds) {
   Randoms random(32);
-  for (int i = 0; i < 300; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 32, round " << i);
+  for ([[maybe_unused]] const int i : rounds(300)) {
     ARC_3D arc = random.arc();
     const PNT_3D center = random.point();
     const double angle = random.real(-20, 20);
@@ -169,8 +147,7 @@ TEST(Arc, RotateTurnsItsEnds) {
 
 TEST(Arc, CreatePassesThroughTheMiddleAndIsCounterClockwise) {
   Randoms random(33);
-  for (int i = 0; i < 500; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 33, round " << i);
+  for ([[maybe_unused]] const int i : rounds(500)) {
     const PNT_3D a = random.point(), b = random.point(), c = random.point();
     ARC_3D arc, back;
     ASSERT_TRUE(arc.Create(a, b, c));
@@ -189,8 +166,7 @@ TEST(Arc, CreatePassesThroughTheMiddleAndIsCounterClockwise) {
 
 TEST(Arc, DistanceIsThatOfTheNearestPoint) {
   Randoms random(34);
-  for (int i = 0; i < 200; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 34, round " << i);
+  for ([[maybe_unused]] const int i : rounds(200)) {
     const ARC_3D arc = random.arc();
     const PNT_2D p = random.point();
     double s = 0, e = 0, nearest = kInf;
@@ -206,38 +182,24 @@ TEST(Arc, DistanceIsThatOfTheNearestPoint) {
 
 TEST(Arc, LinesMeetOnlyThePartThatIsThere) {
   const ARC_3D upper = arcOf(0, 180);
-  const struct {
-    const char* name;
-    LINE_2D line;
-    long count;
-    PNT_2D first;
-  } cases[] = {
-      {"both on the arc", {-2, 0.6, 2, 0.6}, 2, {-0.8, 0.6}},
-      {"upwards, the second counts", {0, -2, 0, 2}, 1, {0, 1}},
-      {"downwards, the first counts", {0, 2, 0, -2}, 1, {0, 1}},
-      {"both below", {-2, -0.6, 2, -0.6}, 0, {0, 0}},
-      {"through both ends", {-2, 0, 2, 0}, 2, {-1, 0}},
-      {"touches the top", {-2, 1, 2, 1}, 1, {0, 1}},
-      {"touches the bottom", {-2, -1, 2, -1}, 0, {0, 0}},
-      {"misses the circle", {-2, 3, 2, 3}, 0, {0, 0}},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     PNT_2D p1(0, 0), p2(0, 0);
-    EXPECT_EQ(upper.intersect(t.line, p1, p2), t.count);
-    EXPECT_EQ(upper.intersect(t.line), t.count);
-    if (t.count > 0) {
-      EXPECT_NEAR(p1.dist(t.first), 0, 1e-12);
+    EXPECT_EQ(upper.intersect(t.shape<LINE_2D>("line"), p1, p2), t.whole<long>("count"));
+    EXPECT_EQ(upper.intersect(t.shape<LINE_2D>("line")), t.whole<long>("count"));
+    if (t.whole<long>("count") > 0) {
+      EXPECT_NEAR(p1.dist(t.point("first")), 0, 1e-12);
     }
-    EXPECT_EQ(upper.intersect(IMP_LINE_2D(t.line), p1, p2), t.count);
-    if (t.count > 0) {
+    EXPECT_EQ(upper.intersect(IMP_LINE_2D(t.shape<LINE_2D>("line")), p1, p2),
+              t.whole<long>("count"));
+    if (t.whole<long>("count") > 0) {
       EXPECT_NEAR(upper.dist(p1), 0, 1e-12);
     }
     double t1 = 0, t2 = 0;
-    EXPECT_EQ(upper.intersect(PAR_LINE_2D(t.line), t1, t2), t.count);
-    PAR_LINE_2D(t.line).calcPt(t1, p1);
-    if (t.count > 0) {
-      EXPECT_NEAR(p1.dist(t.first), 0, 1e-12);
+    EXPECT_EQ(upper.intersect(PAR_LINE_2D(t.shape<LINE_2D>("line")), t1, t2),
+              t.whole<long>("count"));
+    PAR_LINE_2D(t.shape<LINE_2D>("line")).calcPt(t1, p1);
+    if (t.whole<long>("count") > 0) {
+      EXPECT_NEAR(p1.dist(t.point("first")), 0, 1e-12);
     }
   }
 }
@@ -266,8 +228,7 @@ int sampledCrossings(const ARC_3D& arc, Side side) {
 TEST(Arc, NumberOfCommonPointsIsThatOfSampledSides) {
   Randoms random(36);
   int sure = 0, twice = 0;
-  for (int i = 0; i < 1000; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 36, round " << i);
+  for ([[maybe_unused]] const int i : rounds(1000)) {
     const ARC_3D arc = random.arc(), other = random.arc();
     const IMP_LINE_2D line(random.point(), random.point());
     PNT_2D p1(0, 0), p2(0, 0);
@@ -298,8 +259,7 @@ TEST(Arc, NumberOfCommonPointsIsThatOfSampledSides) {
 TEST(Arc, ArcsMeetInPointsOfBoth) {
   Randoms random(35);
   int counts[3] = {};
-  for (int i = 0; i < 3000; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 35, round " << i);
+  for ([[maybe_unused]] const int i : rounds(3000)) {
     const ARC_3D a = random.arc(), b = random.arc();
     PNT_2D p1(0, 0), p2(0, 0), q1(0, 0), q2(0, 0);
     const long count = a.intersect(b, p1, p2);

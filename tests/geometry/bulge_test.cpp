@@ -1,17 +1,11 @@
 // Polyline segments with a bulge, as arcs and as chords.
 
-#include <gtest/gtest.h>
+#include "support/test.h"
 
-#include <limits>
-#include <random>
-
-#include "vek0core/geometry/arc.h"
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
-
-constexpr double kPi = 3.141592653589793;
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 std::vector<PNT_3D> chordsOf(const PNT_3D& p0, const PNT_3D& p1, double bulge) {
   std::vector<PNT_3D> points;
@@ -32,8 +26,7 @@ TEST(Bulge, ArcOfASegment) {
       {"quarter turning right", 1 - std::sqrt(2), {1, -1, 3, 2 * s, kPi / 4, kPi * 3 / 4}},
       {"three quarters turning left", std::sqrt(2) + 1, {1, -1, 3, 2 * s, kPi * 3 / 4, kPi / 4}},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     ARC_3D arc;
     ASSERT_TRUE(createArcFromBulge(PNT_3D(0, 0, 2), PNT_3D(2, 0, 4), t.bulge, arc));
     EXPECT_NEAR(arc.PNT_3D::dist(t.arc.x, t.arc.y, t.arc.z), 0, 1e-15);
@@ -53,28 +46,11 @@ TEST(Bulge, HalfCirclesAreExact) {
 }
 
 TEST(Bulge, StraightSegments) {
-  const struct {
-    const char* name;
-    PNT_3D p0, p1;
-    double bulge;
-  } cases[] = {
-      {"no bulge", {0, 0, 0}, {1, 0, 0}, 0},
-      {"not a number", {0, 0, 0}, {1, 0, 0}, kNan},
-      {"endless", {0, 0, 0}, {1, 0, 0}, -kInf},
-      {"ends coincide", {5, 5, 0}, {5, 5, 9}, 1},
-      {"ends coincide but for 1e-12", {0, 0, 0}, {1e-12, 0, 0}, 100},
-      {"rise lost in the numbers", {1e6, 0, 0}, {1e6, 10, 0}, 1e-8},
-      {"smallest bulge", {0, 0, 0}, {1e9, 0, 0}, 5e-324},
-      {"ends too far apart", {-1e200, 0, 0}, {1e200, 0, 0}, 0.5},
-      {"radius too large", {0, 0, 0}, {1e100, 0, 0}, 1e200},
-      {"end is not a number", {0, 0, 0}, {kNan, 0, 0}, 1},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     ARC_3D arc(1, 2, 3, 4, 5, 6);
-    EXPECT_FALSE(createArcFromBulge(t.p0, t.p1, t.bulge, arc));
+    EXPECT_FALSE(createArcFromBulge(t.point("p0"), t.point("p1"), t.real("bulge"), arc));
     EXPECT_TRUE(arc == ARC_3D(1, 2, 3, 4, 5, 6));
-    EXPECT_EQ(chordsOf(t.p0, t.p1, t.bulge).size(), 1u);
+    EXPECT_EQ(chordsOf(t.point("p0"), t.point("p1"), t.real("bulge")).size(), 1u);
   }
 }
 
@@ -82,8 +58,7 @@ TEST(Bulge, StraightSegments) {
 TEST(Bulge, ArcEndsAtThePointsAndHasTheAngle) {
   std::mt19937 random(41);
   std::uniform_real_distribution<double> real(-1, 1);
-  for (int i = 0; i < 2000; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 41, round " << i);
+  for ([[maybe_unused]] const int i : rounds(2000)) {
     const double size = std::pow(10, 4 * real(random)), bulge = std::pow(10, 2 * real(random));
     const PNT_3D p0(size * real(random), size * real(random), 0);
     const PNT_3D p1(size * real(random), size * real(random), 0);
@@ -107,18 +82,8 @@ TEST(Bulge, ArcEndsAtThePointsAndHasTheAngle) {
 }
 
 TEST(ArcChords, CountForAngles) {
-  const struct {
-    const char* name;
-    double angle;
-    int count;
-  } cases[] = {
-      {"nothing", 0, 2},        {"flat", 1e-9, 2},           {"half a turn", kPi, 112},
-      {"backwards", -kPi, 112}, {"full turn", 2 * kPi, 223}, {"many turns", 1000, 1024},
-      {"endless", kInf, 1024},  {"not a number", kNan, 2},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_EQ(arcChords(t.angle), t.count);
+  for (const Row& t : rows()) {
+    EXPECT_EQ(arcChords(t.real("angle")), t.whole("count"));
   }
   // The promise behind the count: one chord more, and the error is below 1e-4.
   for (const double angle : {0.5, 1.0, 3.0, 6.0}) {
@@ -131,8 +96,7 @@ TEST(ArcChords, CountForAngles) {
 TEST(BulgePoints, LieOnTheArcAtEqualSteps) {
   std::mt19937 random(42);
   std::uniform_real_distribution<double> real(-1, 1);
-  for (int i = 0; i < 1000; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 42, round " << i);
+  for ([[maybe_unused]] const int i : rounds(1000)) {
     const double size = std::pow(10, 4 * real(random)), sign = real(random) < 0 ? -1 : 1;
     const double bulge = sign * std::pow(10, 3 * real(random));
     const PNT_3D p0(size * real(random), size * real(random), real(random));

@@ -1,9 +1,6 @@
-#include "vek0core/geometry/circle.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <random>
+using namespace vek0::test;
 
 namespace {
 
@@ -31,35 +28,19 @@ class Randoms {
 
 TEST(Circle, CommonPointsWithASegmentAndItsLine) {
   const CIRCLE_3D unit(0, 0, 7, 1);
-  const struct {
-    const char* name;
-    LINE_2D line;
-    long segment, whole;
-  } cases[] = {
-      {"through", {-2, 0, 2, 0}, 2, 2},
-      {"begins within", {0, 0, 2, 0}, 1, 2},
-      {"within", {-0.5, 0, 0.5, 0}, 0, 2},
-      {"a chord, ends count", {1, 0, 0, 1}, 2, 2},
-      {"ends 1e-13 short", {-2, 0, -1 - 1e-13, 0}, 1, 2},
-      {"ends 1e-9 short", {-2, 0, -1 - 1e-9, 0}, 0, 2},
-      {"touches", {-3, 1, 3, 1}, 1, 1},
-      {"touches within 1e-12", {-3, 1 + 9e-13, 3, 1 + 9e-13}, 1, 1},
-      {"almost a chord within 1e-12", {-3, 1 - 9e-13, 3, 1 - 9e-13}, 1, 1},
-      {"misses by 1e-9", {-3, 1 + 1e-9, 3, 1 + 1e-9}, 0, 0},
-      {"no length", {1, 0, 1, 0}, 0, 0},
-      {"not a number", {kNan, 0, 1, 0}, 0, 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     Found onSegment, onLine;
-    EXPECT_EQ(unit.intersect(t.line, &onSegment.p1, &onSegment.p2), t.segment);
-    EXPECT_EQ(unit.intersect(IMP_LINE_2D(t.line), &onLine.p1, &onLine.p2), t.whole);
-    EXPECT_EQ(onSegment.untouched(), t.segment == 0);
-    EXPECT_EQ(onLine.untouched(), t.whole == 0);
-    EXPECT_EQ(onSegment.p1 == onSegment.p2, t.segment < 2);
-    EXPECT_EQ(onLine.p1 == onLine.p2, t.whole < 2);
+    EXPECT_EQ(unit.intersect(t.shape<LINE_2D>("line"), &onSegment.p1, &onSegment.p2),
+              t.whole<long>("segment"));
+    EXPECT_EQ(unit.intersect(IMP_LINE_2D(t.shape<LINE_2D>("line")), &onLine.p1, &onLine.p2),
+              t.whole<long>("total"));
+    EXPECT_EQ(onSegment.untouched(), t.whole<long>("segment") == 0);
+    EXPECT_EQ(onLine.untouched(), t.whole<long>("total") == 0);
+    EXPECT_EQ(onSegment.p1 == onSegment.p2, t.whole<long>("segment") < 2);
+    EXPECT_EQ(onLine.p1 == onLine.p2, t.whole<long>("total") < 2);
     double t1 = kUntouched, t2 = kUntouched;
-    EXPECT_EQ(unit.intersect(PAR_LINE_2D(t.line), t1, t2), t.whole);
+    EXPECT_EQ(unit.intersect(PAR_LINE_2D(t.shape<LINE_2D>("line")), t1, t2),
+              t.whole<long>("total"));
     EXPECT_LE(t1, t2);
   }
 }
@@ -82,8 +63,7 @@ TEST(Circle, NegativeRadiusMeetsTheSameLines) {
 TEST(Circle, LinePointsLieOnBoth) {
   Randoms random(21);
   int crossings = 0;
-  for (int i = 0; i < 1000; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 21, round " << i);
+  for ([[maybe_unused]] const int i : rounds(1000)) {
     const CIRCLE_3D circle = random.circle();
     const PNT_2D a = random.point(), b = random.point();
     Found found;
@@ -105,8 +85,7 @@ TEST(Circle, LinePointsLieOnBoth) {
 
 TEST(Circle, LevelAndUprightSegmentsAgreeWithTheGeneralWay) {
   Randoms random(22);
-  for (int i = 0; i < 1000; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 22, round " << i);
+  for ([[maybe_unused]] const int i : rounds(1000)) {
     const CIRCLE_3D circle = random.circle();
     const double at = random.real(-12, 12), from = random.real(-12, 12), to = random.real(-12, 12);
     const LINE_2D level(from, at, to, at), upright(at, from, at, to);
@@ -136,43 +115,22 @@ TEST(Circle, LevelAndUprightSegmentsAgreeWithTheGeneralWay) {
 
 TEST(Circle, CommonPointsOfTwoCircles) {
   const CIRCLE_3D circle(0, 0, 0, 5);
-  const struct {
-    const char* name;
-    CIRCLE_3D other;
-    long count;
-  } cases[] = {
-      {"cross", {8, 0, 3, 5}, 2},
-      {"touch from outside", {8, 0, 0, 3}, 1},
-      {"touch from within", {2, 0, 0, 3}, 1},
-      {"touch from around", {-2, 0, 0, 7}, 1},
-      {"apart", {9, 0, 0, 3}, 0},
-      {"within", {1, 0, 0, 3}, 0},
-      {"concentric", {0, 0, 0, 3}, 0},
-      {"the same", {0, 0, 9, 5}, 0},
-      {"the same but for 1e-13", {1e-13, 0, 0, 5}, 0},
-      {"nearly the same, nearly within", {1e-11, 0, 0, 5 - 8e-12}, 1},
-      {"of radius 0, on it", {3, 4, 0, 0}, 1},
-      {"of radius 0, beside it", {3, 3, 0, 0}, 0},
-      {"negative radius counts as size", {8, 0, 0, -3}, 1},
-      {"not a number", {8, 0, 0, kNan}, 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     Found found;
-    EXPECT_EQ(circle.intersect(t.other, &found.p1, &found.p2), t.count);
-    EXPECT_EQ(found.untouched(), t.count == 0);
-    EXPECT_EQ(found.p1 == found.p2, t.count < 2);
-    if (t.count == 0) continue;
+    EXPECT_EQ(circle.intersect(t.shape<CIRCLE_3D>("other"), &found.p1, &found.p2),
+              t.whole<long>("count"));
+    EXPECT_EQ(found.untouched(), t.whole<long>("count") == 0);
+    EXPECT_EQ(found.p1 == found.p2, t.whole<long>("count") < 2);
+    if (t.whole<long>("count") == 0) continue;
     EXPECT_LT(circle.dist(found.p1), 1e-11);
-    EXPECT_LT(t.other.dist(found.p1), 1e-11);
-    EXPECT_LT(t.other.dist(found.p2), 1e-11);
+    EXPECT_LT(t.shape<CIRCLE_3D>("other").dist(found.p1), 1e-11);
+    EXPECT_LT(t.shape<CIRCLE_3D>("other").dist(found.p2), 1e-11);
   }
 }
 
 TEST(Circle, CircleIntersectionIsSymmetric) {
   Randoms random(23);
-  for (int i = 0; i < 1000; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 23, round " << i);
+  for ([[maybe_unused]] const int i : rounds(1000)) {
     const CIRCLE_3D a = random.circle(), b = random.circle();
     Found ab, ba;
     const long count = a.intersect(b, &ab.p1, &ab.p2);
@@ -187,8 +145,7 @@ TEST(Circle, CircleIntersectionIsSymmetric) {
 
 TEST(Circle, CreatePassesThroughItsPoints) {
   Randoms random(24);
-  for (int i = 0; i < 1000; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 24, round " << i);
+  for ([[maybe_unused]] const int i : rounds(1000)) {
     const double size = std::pow(10, random.real(-6, 6));
     PNT_3D p[3];
     for (PNT_3D& q : p) q.set(size * random.real(-1, 1), size * random.real(-1, 1), size);

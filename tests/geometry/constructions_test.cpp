@@ -1,14 +1,10 @@
-#include "vek0core/geometry/constructions.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <random>
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 constexpr double kUntouched = 77;
 
 struct Random {
@@ -45,8 +41,7 @@ TEST(Constructions, WhatIsNotThereLeavesTheOutputAlone) {
 
 TEST(Constructions, FeetArePerpendicularAndNearestIsClamped) {
   Random random(1);
-  for (int round = 0; round < 1000; ++round) {
-    SCOPED_TRACE(round);
+  for ([[maybe_unused]] const int round : rounds(1000)) {
     const PNT_2D p = random.point();
     const LINE_2D line(random.point(), random.point());
     PNT_2D foot(0, 0), near(0, 0);
@@ -69,8 +64,7 @@ TEST(Constructions, FeetArePerpendicularAndNearestIsClamped) {
 
 TEST(Constructions, CirclesTouchWhatTheyWereMadeFrom) {
   Random random(2);
-  for (int round = 0; round < 1000; ++round) {
-    SCOPED_TRACE(round);
+  for ([[maybe_unused]] const int round : rounds(1000)) {
     const PNT_3D a = random.point(), b = random.point();
     CIRCLE_3D circle;
     ASSERT_TRUE(CreateCircle(a, b, circle));
@@ -106,8 +100,7 @@ TEST(Constructions, PicksChooseTheCornerOfTheCircle) {
 
 TEST(Constructions, TangentsFromAPointAreSquareToTheRadius) {
   Random random(3);
-  for (int round = 0; round < 1000; ++round) {
-    SCOPED_TRACE(round);
+  for ([[maybe_unused]] const int round : rounds(1000)) {
     const CIRCLE_3D circle = random.circle();
     const PNT_2D p = random.point();
     PNT_2D t[2] = {PNT_2D(0, 0), PNT_2D(0, 0)};
@@ -129,8 +122,7 @@ TEST(Constructions, TangentsFromAPointAreSquareToTheRadius) {
 
 TEST(Constructions, CommonTangentsTouchBothCircles) {
   Random random(4);
-  for (int round = 0; round < 1000; ++round) {
-    SCOPED_TRACE(round);
+  for ([[maybe_unused]] const int round : rounds(1000)) {
     const CIRCLE_3D a = random.circle(), b = random.circle();
     LINE_2D lines[4];
     const int count = lineTang(a, b, lines);

@@ -1,13 +1,9 @@
-#include "vek0core/geometry/edge.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <random>
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
 
 EDGE_3D randomEdge(std::mt19937& random) {
   std::uniform_real_distribution<double> place(-5, 5);
@@ -29,8 +25,7 @@ TEST(Edge, ArcsRunAsTheirEntitiesDo) {
 }
 
 TEST(Edge, BulgesComeBack) {
-  for (const double bulge : {-3.0, -1.0, -0.25, 1e-3, 1.0, 2.5}) {
-    SCOPED_TRACE(bulge);
+  for (const double bulge : named<double>({-3.0, -1.0, -0.25, 1e-3, 1.0, 2.5})) {
     const EDGE_3D edge(PNT_3D(0, 0, 0), PNT_3D(3, 1, 6), bulge);
     EXPECT_NEAR(edge.bulge(), bulge, 1e-12);
     EXPECT_NEAR(edge.reversed().bulge(), -bulge, 1e-12);
@@ -42,8 +37,7 @@ TEST(Edge, BulgesComeBack) {
 TEST(Edge, ParametersOfItsPointsComeBack) {
   std::mt19937 random(1);
   std::uniform_real_distribution<double> share(0, 1);
-  for (int round = 0; round < 2000; ++round) {
-    SCOPED_TRACE(round);
+  for ([[maybe_unused]] const int round : rounds(2000)) {
     const EDGE_3D edge = randomEdge(random);
     const double t = share(random);
     EXPECT_NEAR(edge.paramOf(edge.at(t)), t, 1e-9);
@@ -60,8 +54,7 @@ TEST(Edge, ParametersOfItsPointsComeBack) {
 TEST(Edge, NoPointIsNearerThanTheNearest) {
   std::mt19937 random(2);
   std::uniform_real_distribution<double> place(-8, 8);
-  for (int round = 0; round < 500; ++round) {
-    SCOPED_TRACE(round);
+  for ([[maybe_unused]] const int round : rounds(500)) {
     const EDGE_3D edge = randomEdge(random);
     const PNT_2D p(place(random), place(random));
     const double least = edge.dist(p);
@@ -96,8 +89,7 @@ TEST(Edge, CrossingsOfEveryPairOfKinds) {
       {"circles inside each other", circle, inner, 0, 0},
       {"halves of one circle", half, otherHalf, 2, 0},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+  for (const auto& c : named(cases)) {
     for (const bool swapped : {false, true}) {
       const EDGE_3D &a = swapped ? c.b : c.a, &b = swapped ? c.a : c.b;
       std::vector<EDGE_CROSSING> found, endless;

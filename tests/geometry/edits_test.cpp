@@ -1,14 +1,9 @@
-#include "vek0core/geometry/edits.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <random>
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
 
 PATH_3D line(double x1, double y1, double x2, double y2) {
   return PATH_3D(LINE_3D(x1, y1, 0, x2, y2, 0));
@@ -21,23 +16,13 @@ PATH_3D square(double side) {
 
 TEST(Edits, TrimTakesWhatIsBetweenTheCrossings) {
   const std::vector<PATH_3D> cutters{line(2, -5, 2, 5), line(6, -5, 6, 5)};
-  const struct {
-    const char* name;
-    double pick;
-    std::vector<double> ends;
-  } cases[] = {
-      {"before the first", 1, {2, 9}},
-      {"between", 4, {0, 2, 6, 9}},
-      {"after the last", 8, {0, 6}},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+  for (const Row& c : rows()) {
     std::vector<PATH_3D> left;
-    ASSERT_TRUE(trimPath(line(0, 0, 9, 0), cutters, PNT_2D(c.pick, 0.1), left));
-    ASSERT_EQ(left.size() * 2, c.ends.size());
+    ASSERT_TRUE(trimPath(line(0, 0, 9, 0), cutters, PNT_2D(c.real("pick"), 0.1), left));
+    ASSERT_EQ(left.size() * 2, c.reals("ends").size());
     for (std::size_t i = 0; i < left.size(); ++i) {
-      EXPECT_NEAR(left[i].start().x, c.ends[2 * i], 1e-12);
-      EXPECT_NEAR(left[i].end().x, c.ends[2 * i + 1], 1e-12);
+      EXPECT_NEAR(left[i].start().x, c.reals("ends")[2 * i], 1e-12);
+      EXPECT_NEAR(left[i].end().x, c.reals("ends")[2 * i + 1], 1e-12);
     }
   }
   std::vector<PATH_3D> left;
@@ -100,8 +85,7 @@ TEST(Edits, FilletsAreTangent) {
     return random() % 2 == 0 ? EDGE_3D(a, b) : EDGE_3D(a, b, place(random) / 5);
   };
   int made = 0;
-  for (int round = 0; round < 2000; ++round) {
-    SCOPED_TRACE(round);
+  for ([[maybe_unused]] const int round : rounds(2000)) {
     const EDGE_3D a = edge(), b = edge();
     EDGE_JOINT joint;
     if (!filletEdges(a, b, 0.5, a.at(0.3), b.at(0.6), joint)) continue;
@@ -123,8 +107,7 @@ TEST(Edits, FilletsAreTangent) {
 // Wherever on its side of the corner the pick is; and an arc beyond an edge does not fit.
 TEST(Edits, FilletsCutTheCornerOff) {
   const EDGE_3D x(PNT_3D(0, 0, 0), PNT_3D(10, 0, 0)), y(PNT_3D(0, 10, 0), PNT_3D(0, 0, 0));
-  for (const double pick : {0.5, 1.9, 2.1, 9.0}) {
-    SCOPED_TRACE(pick);
+  for (const double pick : named<double>({0.5, 1.9, 2.1, 9.0})) {
     EDGE_JOINT made;
     ASSERT_TRUE(filletEdges(x, y, 2, PNT_2D(pick, 0), PNT_2D(0, pick), made));
     EXPECT_NEAR(made.first.p1.PNT_2D::dist(2, 0), 0, 1e-12);

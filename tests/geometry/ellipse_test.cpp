@@ -1,17 +1,11 @@
 // Elliptical arcs: points, extents and chords.
 
-#include "vek0core/geometry/ellipse.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <random>
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
-
-constexpr double kPi = 3.141592653589793;
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 std::vector<PNT_3D> chordsOf(const ELLIPSE_3D& e, double error = kArcChordError) {
   std::vector<PNT_3D> points;
@@ -20,56 +14,21 @@ std::vector<PNT_3D> chordsOf(const ELLIPSE_3D& e, double error = kArcChordError)
 }
 
 TEST(Ellipse, RefusesWhatIsNone) {
-  const struct {
-    const char* name;
-    PNT_3D center, major;
-    double ratio, start, end;
-    PNT_3D normal;
-  } cases[] = {
-      {"no major axis", {0, 0, 0}, {0, 0, 0}, 0.5, 0, 1, {0, 0, 1}},
-      {"ratio 0", {0, 0, 0}, {1, 0, 0}, 0, 0, 1, {0, 0, 1}},
-      {"negative ratio", {0, 0, 0}, {1, 0, 0}, -0.5, 0, 1, {0, 0, 1}},
-      {"ratio is not a number", {0, 0, 0}, {1, 0, 0}, kNan, 0, 1, {0, 0, 1}},
-      {"endless ratio", {0, 0, 0}, {1, 0, 0}, kInf, 0, 1, {0, 0, 1}},
-      {"minor axis vanishes", {0, 0, 0}, {1e-200, 0, 0}, 1e-200, 0, 1, {0, 0, 1}},
-      {"centre not a number", {0, kNan, 0}, {1, 0, 0}, 0.5, 0, 1, {0, 0, 1}},
-      {"centre out of reach", {1e200, 0, 0}, {1, 0, 0}, 0.5, 0, 1, {0, 0, 1}},
-      {"endless parameter", {0, 0, 0}, {1, 0, 0}, 0.5, 0, kInf, {0, 0, 1}},
-      {"start not a number", {0, 0, 0}, {1, 0, 0}, 0.5, kNan, 1, {0, 0, 1}},
-      {"no normal", {0, 0, 0}, {1, 0, 0}, 0.5, 0, 1, {0, 0, 0}},
-      {"major along the normal", {0, 0, 0}, {0, 0, 2}, 0.5, 0, 1, {0, 0, 1}},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     ELLIPSE_3D e;
     ASSERT_TRUE(e.set(PNT_3D(1, 2, 3), PNT_3D(4, 0, 0), 0.5, 0, 1));
-    EXPECT_FALSE(e.set(t.center, t.major, t.ratio, t.start, t.end, t.normal));
+    EXPECT_FALSE(e.set(t.point("center"), t.point("major"), t.real("ratio"), t.real("start"),
+                       t.real("end"), t.point("normal")));
     EXPECT_TRUE(e.center == PNT_3D(1, 2, 3) && e.major == PNT_3D(4, 0, 0) && e.sweep == 1);
   }
 }
 
 TEST(Ellipse, SweepBetweenParameters) {
-  const struct {
-    const char* name;
-    double start, end, sweep;
-  } cases[] = {
-      {"forward", 1, 2, 1},
-      {"across zero", 5, 1, 2 * kPi - 4},
-      {"equal is the full turn", 1, 1, 2 * kPi},
-      {"a turn apart", 0, 2 * kPi, 2 * kPi},
-      {"a turn apart, backwards", 2 * kPi, 0, 2 * kPi},
-      {"a turn apart, as in files", 0.523598776, 6.806784083, 2 * kPi},
-      {"a turn and a half", 1, 1 + 3 * kPi, kPi},
-      {"a turn, rounded up", 0, 6.2832, 2 * kPi},
-      {"negative, as clockwise ones", -kPi, -kPi / 2, kPi / 2},
-      {"far out", 1e300, 1e300, 2 * kPi},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     ELLIPSE_3D e;
-    ASSERT_TRUE(e.set(PNT_3D(0, 0, 0), PNT_3D(1, 0, 0), 0.5, t.start, t.end));
-    EXPECT_NEAR(e.sweep, t.sweep, 1e-12);
-    EXPECT_EQ(e.isFullTurn(), t.sweep == 2 * kPi);
+    ASSERT_TRUE(e.set(PNT_3D(0, 0, 0), PNT_3D(1, 0, 0), 0.5, t.real("start"), t.real("end")));
+    EXPECT_NEAR(e.sweep, t.real("sweep"), 1e-12);
+    EXPECT_EQ(e.isFullTurn(), t.real("sweep") == 2 * kPi);
   }
 }
 
@@ -77,8 +36,7 @@ TEST(Ellipse, SweepBetweenParameters) {
 TEST(Ellipse, OfRatioOneIsTheArc) {
   std::mt19937 random(51);
   std::uniform_real_distribution<double> real(-1, 1);
-  for (int i = 0; i < 500; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 51, round " << i);
+  for ([[maybe_unused]] const int i : rounds(500)) {
     const ARC_3D arc(real(random), real(random), real(random), 2 + real(random), 7 * real(random),
                      7 * real(random));
     const double turn = 4 * real(random), r = arc.radius;  // where the major axis points
@@ -105,8 +63,7 @@ TEST(Ellipse, OfRatioOneIsTheArc) {
 TEST(Ellipse, LawsInSpace) {
   std::mt19937 random(52);
   std::uniform_real_distribution<double> real(-1, 1);
-  for (int i = 0; i < 200; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 52, round " << i);
+  for ([[maybe_unused]] const int i : rounds(200)) {
     const PNT_3D normal(real(random), real(random), real(random));
     const PNT_3D major = prodVect(normal, PNT_3D(real(random), real(random), real(random)));
     const double ratio = std::pow(10, -2 * std::fabs(real(random)));
@@ -147,18 +104,8 @@ TEST(Ellipse, FullTurnComesBackExactly) {
 }
 
 TEST(ArcChords, CountForOtherErrors) {
-  const struct {
-    const char* name;
-    double error;
-    int count;
-  } cases[] = {
-      {"usual", 1e-4, 223},         {"coarse", 0.01, 23},     {"a radius", 1, 2},
-      {"more than a radius", 5, 2}, {"too fine", 1e-9, 1024}, {"lost in the numbers", 1e-30, 1024},
-      {"nothing", 0, 1024},         {"negative", -1, 1024},   {"not a number", kNan, 1024},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_EQ(arcChords(2 * kPi, t.error), t.count);
+  for (const Row& t : rows()) {
+    EXPECT_EQ(arcChords(2 * kPi, t.real("error")), t.whole("count"));
   }
 }
 

@@ -1,8 +1,6 @@
-#include "vek0core/geometry/line.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <random>
+using namespace vek0::test;
 
 namespace {
 
@@ -21,47 +19,19 @@ class Points {
 };
 
 TEST(Line, SegmentsMeetWithinTheirEnds) {
-  const struct {
-    const char* name;
-    LINE_2D a, b;
-    bool meet;
-    PNT_2D at;
-  } cases[] = {
-      {"cross", {0, 0, 4, 4}, {0, 4, 4, 0}, true, {2, 2}},
-      {"share an end", {0, 0, 4, 0}, {4, 0, 4, 9}, true, {4, 0}},
-      {"end within the other", {0, 0, 4, 0}, {2, 0, 2, 5}, true, {2, 0}},
-      {"short of it by 1e-13", {0, 0, 4, 0}, {2, 1e-13, 2, 5}, true, {2, 0}},
-      {"past the end by 1e-13", {0, 0, 1, 0}, {1 + 1e-13, -1, 1 + 1e-13, 1}, true, {1, 0}},
-      {"past the end by 1e-9",
-       {0, 0, 1, 0},
-       {1 + 1e-9, -1, 1 + 1e-9, 1},
-       false,
-       {kUntouched, kUntouched}},
-      {"lines cross, segments not", {0, 0, 1, 0}, {2, -1, 2, 1}, false, {kUntouched, kUntouched}},
-      {"parallel", {0, 0, 4, 0}, {0, 1, 4, 1}, false, {kUntouched, kUntouched}},
-      {"overlap", {0, 0, 4, 0}, {2, 0, 6, 0}, false, {kUntouched, kUntouched}},
-      {"in line, share an end", {0, 0, 4, 0}, {4, 0, 6, 0}, false, {kUntouched, kUntouched}},
-      {"one is a point", {0, 0, 4, 0}, {2, 0, 2, 0}, false, {kUntouched, kUntouched}},
-      {"cross, but in micrometres",
-       {0, 0, 1e-7, 1e-7},
-       {0, 1e-7, 1e-7, 0},
-       false,
-       {kUntouched, kUntouched}},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  const Definitions names{{"kUntouched", kUntouched}};
+  for (const Row& t : rowsWith(names)) {
     PNT_2D at(kUntouched, kUntouched);
-    EXPECT_EQ(t.a.intersect(t.b, at), t.meet);
-    EXPECT_EQ(t.b.intersect(t.a), t.meet);
-    EXPECT_NEAR(at.dist(t.at), 0, 2e-13);
+    EXPECT_EQ(t.shape<LINE_2D>("a").intersect(t.shape<LINE_2D>("b"), at), t.flag("meet"));
+    EXPECT_EQ(t.shape<LINE_2D>("b").intersect(t.shape<LINE_2D>("a")), t.flag("meet"));
+    EXPECT_NEAR(at.dist(t.point("at")), 0, 2e-13);
   }
 }
 
 TEST(Line, IntersectionAgreesWithBothImplicitLines) {
   Points points(5);
   int met = 0;
-  for (int i = 0; i < 1000; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 5, round " << i);
+  for ([[maybe_unused]] const int i : rounds(1000)) {
     const LINE_2D a(points.next(), points.next()), b(points.next(), points.next());
     PNT_2D at(0, 0), ofLines(0, 0);
     const bool meets = a.intersect(b, at);
@@ -112,33 +82,18 @@ TEST(Line, SpaceSegmentMovesWithItsEnds) {
 }
 
 TEST(ImpLine, NormalizeFixesTheSigns) {
-  const struct {
-    const char* name;
-    IMP_LINE_2D line, normal;
-  } cases[] = {
-      {"c becomes negative", {3, 4, 10}, {-0.6, -0.8, -2}},
-      {"c is negative already", {3, 4, -10}, {0.6, 0.8, -2}},
-      {"through the origin, b counts", {3, -4, 0}, {-0.6, 0.8, 0}},
-      {"through the origin, b is 0", {-5, 0, 0}, {-1, 0, 0}},
-      {"no direction, stays", {0, 0, 3}, {0, 0, 3}},
-      {"nearly through the origin", {3, 4, 5e-13}, {0.6, 0.8, 1e-13}},
-      {"so, and b counts", {3, -4, 5e-13}, {-0.6, 0.8, -1e-13}},
-      {"so, and b is nearly 0", {1, -5e-13, 0}, {1, -5e-13, 0}},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    IMP_LINE_2D line = t.line;
+  for (const Row& t : rows()) {
+    IMP_LINE_2D line = t.shape<IMP_LINE_2D>("line");
     line.normalize();
-    EXPECT_DOUBLE_EQ(line.a, t.normal.a);
-    EXPECT_DOUBLE_EQ(line.b, t.normal.b);
-    EXPECT_DOUBLE_EQ(line.c, t.normal.c);
+    EXPECT_DOUBLE_EQ(line.a, t.shape<IMP_LINE_2D>("normal").a);
+    EXPECT_DOUBLE_EQ(line.b, t.shape<IMP_LINE_2D>("normal").b);
+    EXPECT_DOUBLE_EQ(line.c, t.shape<IMP_LINE_2D>("normal").c);
   }
 }
 
 TEST(ImpLine, ParallelsAndPerpendicularsKeepTheirPromises) {
   Points points(9);
-  for (int i = 0; i < 500; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 9, round " << i);
+  for ([[maybe_unused]] const int i : rounds(500)) {
     const IMP_LINE_2D line(points.next(), points.next());
     const PNT_2D p = points.next();
     const double d = points.real(), length = std::hypot(line.a, line.b);
@@ -168,8 +123,7 @@ TEST(ImpLine, NearlyEqualLinesDoNotMeet) {
       {"parallel within the determinant", {1, 0, 0}, {1, 1e-13, 5}, false},
       {"short, at right angles", {1e-7, 0, 0}, {0, 1e-7, 0}, false},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     PNT_2D at(0, 0);
     EXPECT_EQ(t.a.intersect(t.b, at), t.meet);
     EXPECT_EQ(t.b.intersect(t.a, at), t.meet);
@@ -215,24 +169,8 @@ TEST(ParLine, CodesOfCommonPoints) {
 }
 
 TEST(ParLine, ParameterOfAPointOrItsProjection) {
-  const struct {
-    const char* name;
-    PAR_LINE_2D line;
-    PNT_2D p;
-    double t;
-  } cases[] = {
-      {"on the line", {1, 2, 3, 4}, {7, 10}, 2},
-      {"beside the line", {0, 0, 2, 2}, {4, 0}, 1},
-      {"vertical, x ignored", {1, 2, 0, 4}, {99, 8}, 1.5},
-      {"level, y ignored", {1, 2, 5, 0}, {6, 99}, 1},
-      {"no direction", {1, 2, 0, 0}, {6, 99}, 0},
-      // The squares of these directions are 0, and so would be a projection's divisor.
-      {"tiny and level", {0, 0, 1e-200, 0}, {2e-200, 99}, 2},
-      {"tiny and on it", {0, 0, 1e-200, 1e-200}, {3e-200, 3e-200}, 3},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_DOUBLE_EQ(t.line.calcParam(t.p), t.t);
+  for (const Row& t : rows()) {
+    EXPECT_DOUBLE_EQ(t.shape<PAR_LINE_2D>("line").calcParam(t.point("p")), t.real("t"));
   }
   EXPECT_EQ(PAR_LINE_3D(1, 1, 1, 0, 0, 0).calcParam(PNT_3D(5, 5, 5)), 0);
   EXPECT_DOUBLE_EQ(PAR_LINE_3D(0, 0, 0, 0, 3, 4).calcParam(PNT_3D(7, 6, 8)), 2);
@@ -240,8 +178,7 @@ TEST(ParLine, ParameterOfAPointOrItsProjection) {
 
 TEST(ParLine, ParameterAndPointUndoEachOther) {
   Points points(13);
-  for (int i = 0; i < 500; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 13, round " << i);
+  for ([[maybe_unused]] const int i : rounds(500)) {
     const PAR_LINE_2D line(points.next(), points.next());
     const double t = points.real();
     PNT_2D p(0, 0);

@@ -1,17 +1,10 @@
-#include "vek0core/geometry/path.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
-#include <random>
-
 #include "geometry/boxindex.h"
+#include "support/test.h"
+
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
 
 PATH_3D randomPath(std::mt19937& random, int n, double reach, bool closed) {
   std::uniform_real_distribution<double> place(-reach, reach), bulge(-1, 1);
@@ -53,8 +46,7 @@ TEST(Path, PartsAddUpToTheWhole) {
 // Compares the index with all pairs.
 TEST(Path, CrossingsAreThoseOfAllPairsOfEdges) {
   std::mt19937 random(3);
-  for (int round = 0; round < 100; ++round) {
-    SCOPED_TRACE(round);
+  for (const int round : rounds(100)) {
     const PATH_3D a = randomPath(random, 12, 5, round % 2 == 0);
     const PATH_3D b = randomPath(random, 12, 5, false);
     std::vector<EDGE_CROSSING> all;
@@ -85,8 +77,7 @@ TEST(Path, CornersCountOnceWhereverThePathBegins) {
       {PNT_3D(0, 0, 0), PNT_3D(4, 0, 0), PNT_3D(4, 4, 0), PNT_3D(-4, -4, 0), PNT_3D(-4, 0, 0)}, {},
       true);
   const PATH_3D upright(LINE_3D(0, -9, 0, 0, 9, 0));
-  for (std::size_t turn = 0; turn < path.edges.size(); ++turn) {
-    SCOPED_TRACE(turn);
+  for ([[maybe_unused]] const std::size_t turn : rounds<std::size_t>(path.edges.size())) {
     EXPECT_EQ(selfIntersections(path).size(), 1u);
     EXPECT_EQ(intersectPaths(upright, path).size(), 1u);
     EXPECT_EQ(intersectPaths(path, upright).size(), 2u) << "passed twice";

@@ -1,21 +1,10 @@
-#include "vek0core/geometry/pnt.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <climits>
-#include <cmath>
-#include <limits>
-#include <random>
-#include <type_traits>
-
-#include "vek0core/geometry/rect.h"
+using namespace vek0::test;
+using vek0::detail::kTwoPi;
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
-constexpr double kTwoPi = 6.283185307179586;
-constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 static_assert(std::is_same_v<decltype(PNT_3D(0, 0, 0) - PNT_3D(0, 0, 0)), PNT_3D>);
@@ -48,31 +37,15 @@ TEST(Pnt, PlaneOperationsOnASpacePointSeeXAndYOnly) {
 }
 
 TEST(Pnt, AngleLiesInTheFullTurn) {
-  const struct {
-    const char* name;
-    double x, y, angle;
-  } cases[] = {
-      {"east", 1, 0, 0},
-      {"north", 0, 2, kPi / 2},
-      {"west", -1e-9, 0, kPi},
-      {"south", 0, -1, 4.71238898038469},
-      {"same point", 0, 0, 0},
-      {"west by minus zero", -1, -0.0, kPi},
-      {"just below east", 1, -1e-15, kTwoPi - 1e-15},
-      {"rounds to the turn", 1, -1e-17, 0},
-      {"smallest number", 1, -5e-324, 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_DOUBLE_EQ(PNT_2D(0, 0).angle(PNT_2D(t.x, t.y)), t.angle);
+  for (const Row& t : rows()) {
+    EXPECT_DOUBLE_EQ(PNT_2D(0, 0).angle(PNT_2D(t.real("x"), t.real("y"))), t.real("angle"));
   }
 }
 
 TEST(Pnt, RotateKeepsDistanceAndHeightAndTurnsByTheAngle) {
   std::mt19937 random(7);
   std::uniform_real_distribution<double> real(-100, 100);
-  for (int i = 0; i < 500; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 7, round " << i);
+  for ([[maybe_unused]] const int i : rounds(500)) {
     const PNT_3D center(real(random), real(random), real(random));
     const PNT_3D before(real(random), real(random), real(random));
     const double angle = real(random) / 20;
@@ -109,48 +82,18 @@ TEST(ProdVect, NormalOfATurn) {
 }
 
 TEST(PntsInLine, PlaneMeasuresADistanceAndSpaceDoesNot) {
-  const struct {
-    const char* name;
-    PNT_3D a, b, c;
-    bool plane, space;
-  } cases[] = {
-      {"plainly in line", {0, 0, 0}, {1, 1, 0}, {5, 5, 0}, true, true},
-      {"a corner", {0, 0, 0}, {1, 0, 0}, {1, 1, 0}, false, false},
-      {"first two equal", {1, 1, 0}, {1, 1, 0}, {1, 1, 0}, false, true},
-      {"last two equal", {0, 0, 0}, {1, 0, 0}, {1, 0, 0}, true, true},
-      {"tiny bend of long legs", {0, 0, 0}, {1e4, 0, 0}, {2e4, 5e-7, 0}, true, false},
-      {"large bend of short legs", {0, 0, 0}, {1e-4, 0, 0}, {1e-4, 1e-4, 0}, false, true},
-      {"far beyond a short leg", {0, 0, 0}, {1, 0, 0}, {1e3, 1e-5, 0}, false, false},
-      {"only z leaves the line", {0, 0, 0}, {1, 0, 0}, {2, 0, 1}, true, false},
-      {"z leaves a line along y", {0, 0, 0}, {0, 1, 0}, {0, 2, 1}, true, false},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_EQ(pntsInLine(PNT_2D(t.a), PNT_2D(t.b), PNT_2D(t.c)), t.plane);
-    EXPECT_EQ(pntsInLine(t.a, t.b, t.c), t.space);
+  for (const Row& t : rows()) {
+    EXPECT_EQ(pntsInLine(PNT_2D(t.point("a")), PNT_2D(t.point("b")), PNT_2D(t.point("c"))),
+              t.flag("plane"));
+    EXPECT_EQ(pntsInLine(t.point("a"), t.point("b"), t.point("c")), t.flag("space"));
   }
 }
 
 TEST(Rounding, HalvesAndLimits) {
-  const struct {
-    double v;
-    int up, down;
-  } cases[] = {
-      {2.5, 3, 2},
-      {-2.5, -2, -3},
-      {0.49999, 0, 0},
-      {-0.5, 0, -1},
-      {7, 7, 7},
-      {3e9, INT_MAX, INT_MAX},
-      {-1e300, INT_MIN, INT_MIN},
-      {kInf, INT_MAX, INT_MAX},
-      {-kInf, INT_MIN, INT_MIN},
-      {kNan, 0, 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.v);
-    EXPECT_EQ(iround(t.v), t.up);
-    EXPECT_EQ(iround_down(t.v), t.down);
+  const Definitions names{{"INT_MAX", INT_MAX}, {"INT_MIN", INT_MIN}};
+  for (const Row& t : rowsWith(names)) {
+    EXPECT_EQ(iround(t.real("v")), t.whole("up"));
+    EXPECT_EQ(iround_down(t.real("v")), t.whole("down"));
   }
   EXPECT_EQ(fround(1e17), 1e17);
   EXPECT_EQ(fround_down(-2.5), -3);
@@ -159,39 +102,23 @@ TEST(Rounding, HalvesAndLimits) {
 constexpr double kUntouched = 77;  // what x1 and x2 hold before the call
 
 TEST(Risolvi, CountsAndRoots) {
-  const struct {
-    const char* name;
-    double a, b, c;
-    int count;
-    double x1, x2;
-  } cases[] = {
-      {"two roots", 1, -3, 2, 2, 2, 1},
-      {"double root", 1, 2, 1, 2, -1, -1},
-      {"linear", 0, 2, -8, 1, 4, kUntouched},
-      {"no real root", 1, 0, 1, 0, kUntouched, kUntouched},
-      {"nothing fits", 0, 0, 5, -1, kUntouched, kUntouched},
-      {"everything fits", 0, 0, 0, -2, kUntouched, kUntouched},
-      {"would cancel if naive", 1, 1e9, 1, 2, -1e9, -1e-9},
-      {"b is nothing", 1, 0, -4, 2, 2, -2},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  const Definitions names{{"kUntouched", kUntouched}};
+  for (const Row& t : rowsWith(names)) {
     double x1 = kUntouched, x2 = kUntouched;
-    EXPECT_EQ(risolvi(t.a, t.b, t.c, x1, x2), t.count);
-    EXPECT_DOUBLE_EQ(x1, t.x1);
-    EXPECT_DOUBLE_EQ(x2, t.x2);
+    EXPECT_EQ(risolvi(t.real("a"), t.real("b"), t.real("c"), x1, x2), t.whole("count"));
+    EXPECT_DOUBLE_EQ(x1, t.real("x1"));
+    EXPECT_DOUBLE_EQ(x2, t.real("x2"));
     x1 = x2 = kUntouched;
-    EXPECT_EQ(risolvi_2(t.a, t.b / 2, t.c, x1, x2), t.count);
-    EXPECT_DOUBLE_EQ(x1, t.x1);
-    EXPECT_DOUBLE_EQ(x2, t.x2);
+    EXPECT_EQ(risolvi_2(t.real("a"), t.real("b") / 2, t.real("c"), x1, x2), t.whole("count"));
+    EXPECT_DOUBLE_EQ(x1, t.real("x1"));
+    EXPECT_DOUBLE_EQ(x2, t.real("x2"));
   }
 }
 
 TEST(Risolvi, ChosenRootsComeBack) {
   std::mt19937 random(11);
   std::uniform_real_distribution<double> real(-50, 50);
-  for (int i = 0; i < 1000; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 11, round " << i);
+  for ([[maybe_unused]] const int i : rounds(1000)) {
     const double r = real(random), s = r + 0.1 + std::fabs(real(random)), a = real(random) + 60;
     double x1 = 0, x2 = 0;
     ASSERT_EQ(risolvi(a, -a * (r + s), a * r * s, x1, x2), 2);

@@ -1,9 +1,6 @@
-#include "vek0core/geometry/rect.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <random>
+using namespace vek0::test;
 
 namespace {
 
@@ -36,8 +33,7 @@ TEST(Rect, AnEmptyBoxStaysEmptyWhereverItGoes) {
   RECT_3D empty;
   empty.initRegion();
   const RECT_3D before = empty;
-  for (const double factor : {0.0, 1e-200, -1.0, 1e200}) {
-    SCOPED_TRACE(factor);
+  for (const double factor : named<double>({0.0, 1e-200, -1.0, 1e200})) {
     empty.scale(PNT_3D(1, 2, 3), factor);
     empty.move(PNT_3D(1e300, 0, -1e300));
     EXPECT_TRUE(empty == before);
@@ -48,8 +44,7 @@ TEST(Rect, GrownBoxHoldsBothAndNothingMore) {
   std::mt19937 random(4);
   std::uniform_real_distribution<double> real(-10, 10);
   const auto point = [&] { return PNT_3D(real(random), real(random), real(random)); };
-  for (int i = 0; i < 300; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 4, round " << i);
+  for ([[maybe_unused]] const int i : rounds(300)) {
     const PNT_3D p[] = {point(), point(), point(), point()};
     RECT_3D grown(p[0], p[1]), ofPoints(p[0], p[1]);
     grown.updateRegion(RECT_3D(p[2], p[3]));
@@ -100,49 +95,24 @@ TEST(Rect, BoxOfPointLists) {
 
 TEST(Rect, TouchingBoxesIntersect) {
   const RECT_2D box(0, 0, 4, 4);
-  const struct {
-    const char* name;
-    RECT_2D other;
-    bool meets, contains;
+  for (const Row& t : rows()) {
     RECT_2D common;
-  } cases[] = {
-      {"overlap", {2, 2, 6, 6}, true, false, {2, 2, 4, 4}},
-      {"within", {1, 1, 4, 2}, true, true, {1, 1, 4, 2}},
-      {"around", {-1, -1, 5, 5}, true, false, {0, 0, 4, 4}},
-      {"shared edge", {4, 1, 6, 2}, true, false, {4, 1, 4, 2}},
-      {"shared point", {4, 4, 6, 6}, true, false, {4, 4, 4, 4}},
-      {"the same", {0, 0, 4, 4}, true, true, {0, 0, 4, 4}},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    RECT_2D common;
-    EXPECT_EQ(box.intersect(t.other), t.meets);
-    EXPECT_EQ(box.intersect(t.other, common), t.meets);
-    EXPECT_TRUE(common == t.common);
-    EXPECT_EQ(box.inside(t.other), t.contains);
+    EXPECT_EQ(box.intersect(t.rect<RECT_2D>("other")), t.flag("meets"));
+    EXPECT_EQ(box.intersect(t.rect<RECT_2D>("other"), common), t.flag("meets"));
+    EXPECT_TRUE(common == t.rect<RECT_2D>("common"));
+    EXPECT_EQ(box.inside(t.rect<RECT_2D>("other")), t.flag("contains"));
   }
 }
 
 TEST(Rect, SeparateBoxesLeaveAnInvertedCommonPart) {
   const RECT_2D box(0, 0, 4, 4);
-  const struct {
-    const char* name;
-    RECT_2D other;
-    PNT_2D min, max;  // of the common part
-  } cases[] = {
-      {"to the right", {5, 1, 6, 2}, {5, 1}, {4, 2}},
-      {"to the left", {-2, 1, -1, 2}, {0, 1}, {-1, 2}},
-      {"above", {1, 5, 2, 6}, {1, 5}, {2, 4}},
-      {"below", {1, -2, 2, -1}, {1, 0}, {2, -1}},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     RECT_2D common;
-    EXPECT_FALSE(box.intersect(t.other));
-    EXPECT_FALSE(t.other.intersect(box));
-    EXPECT_FALSE(box.intersect(t.other, common));
-    EXPECT_FALSE(box.inside(t.other));
-    EXPECT_TRUE(common.min == t.min && common.max == t.max);
+    EXPECT_FALSE(box.intersect(t.rect<RECT_2D>("other")));
+    EXPECT_FALSE(t.rect<RECT_2D>("other").intersect(box));
+    EXPECT_FALSE(box.intersect(t.rect<RECT_2D>("other"), common));
+    EXPECT_FALSE(box.inside(t.rect<RECT_2D>("other")));
+    EXPECT_TRUE(common.min == t.point("min") && common.max == t.point("max"));
   }
 }
 
@@ -166,8 +136,7 @@ TEST(Rect, ScaledAndMovedBoxHoldsTheScaledAndMovedPoints) {
   std::mt19937 random(3);
   std::uniform_real_distribution<double> real(-10, 10);
   const auto point = [&] { return PNT_3D(real(random), real(random), real(random)); };
-  for (int i = 0; i < 300; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 3, round " << i);
+  for ([[maybe_unused]] const int i : rounds(300)) {
     PNT_3D a = point(), b = point();
     const PNT_3D center = point(), delta = point();
     const double factor = real(random);

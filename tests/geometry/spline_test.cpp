@@ -1,14 +1,8 @@
 // B-spline curves: validity, points, chords, and the cubic through given points.
 
-#include "vek0core/geometry/spline.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
-#include <random>
-#include <sstream>
+using namespace vek0::test;
 
 namespace {
 
@@ -80,39 +74,11 @@ double distance(const PNT_3D& p, const Points& chain) {
   return best;
 }
 
-std::vector<double> numbers(const char* text) {
-  std::istringstream words(text);
-  std::vector<double> n;
-  for (double v = 0; words >> v;) n.push_back(v);
-  return n;
-}
-
 TEST(Spline, Validity) {
-  const struct {
-    const char* name;
-    int degree;
-    const char *knots, *weights;
-    bool valid;
-  } cases[] = {
-      {"one cubic piece", 3, "0 0 0 0 1 1 1 1", "", true},
-      {"weights", 3, "0 0 0 0 1 1 1 1", "1 2 3 4", true},
-      {"outermost knots unused", 3, "-9 0 0 0 1 1 1 5", "", true},
-      {"unclamped", 3, "0 1 2 3 4 5 6 7", "", true},
-      {"degree 0", 0, "0 1 2 3 4", "", false},
-      {"too few controls", 4, "0 0 0 0 0 1 1 1 1", "", false},
-      {"a knot too few", 3, "0 0 0 0 1 1 1", "", false},
-      {"a knot too many", 3, "0 0 0 0 1 1 1 1 1", "", false},
-      {"falling knots", 3, "0 0 0 0 1 1 0.5 1", "", false},
-      {"endless range", 3, "-1e308 -1 0 0 1 1 1 1e308", "", false},
-      {"empty range", 3, "0 1 2 3 3 4 5 6", "", false},
-      {"weight 0", 3, "0 0 0 0 1 1 1 1", "1 0 1 1", false},
-      {"negative weight", 3, "0 0 0 0 1 1 1 1", "1 1 -1 1", false},
-      {"a weight too few", 3, "0 0 0 0 1 1 1 1", "1 1 1", false},
-  };
   const Points four{PNT_3D(0, 0, 0), PNT_3D(1, 2, 0), PNT_3D(3, 2, 0), PNT_3D(4, 0, 0)};
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_EQ(spline(t.degree, four, numbers(t.knots), numbers(t.weights)).isValid(), t.valid);
+  for (const Row& t : rows()) {
+    EXPECT_EQ(spline(t.whole("degree"), four, t.reals("knots"), t.reals("weights")).isValid(),
+              t.flag("valid"));
   }
   EXPECT_TRUE(spline(25, Points(40, four[0]), clamped(25, 15)).isValid());
   EXPECT_FALSE(spline(26, Points(40, four[0]), clamped(26, 14)).isValid());
@@ -176,8 +142,7 @@ double basis(const SPLINE_3D& s, std::size_t i, int degree, double t) {
 TEST(Spline, PointsAreTheWeightedSumOfTheControls) {
   Random random(63);
   int valid = 0;
-  for (int round = 0; round < 300; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed 63, round " << round);
+  for ([[maybe_unused]] const int round : rounds(300)) {
     const SPLINE_3D s = random.spline();
     if (!s.isValid()) continue;
     ++valid;
@@ -203,8 +168,7 @@ TEST(Spline, PointsAreTheWeightedSumOfTheControls) {
 // a finer tolerance never gives fewer chords.
 TEST(Spline, ChordsKeepTheTolerance) {
   Random random(64);
-  for (int round = 0; round < 150; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed 64, round " << round);
+  for ([[maybe_unused]] const int round : rounds(150)) {
     const SPLINE_3D s = random.spline();
     if (!s.isValid()) continue;
     const double tolerance = std::pow(10, -1.5 + 1.5 * random.real());
@@ -315,8 +279,7 @@ PNT_3D derivative(const SPLINE_3D& s, double t, double h) {
 
 TEST(SplineFit, PassesThroughThePointsSmoothly) {
   Random random(68);
-  for (int round = 0; round < 100; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed 68, round " << round);
+  for (const int round : rounds(100)) {
     const Points points = random.points(3 + random.below(20));
     const PNT_3D start(3, 4, 0), end(0, 0, -2);
     SPLINE_3D s;
@@ -365,8 +328,7 @@ TEST(SplineFit, RefusesWhatIsNoPath) {
       {"not a number", {{0, 0, 0}, {1, kNan, 0}, {2, 0, 0}}},
       {"out of reach", {{0, 0, 0}, {1, 1e150, 0}, {2, 0, 0}}},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     SPLINE_3D s = spline(1, {{0, 0, 0}, {1, 1, 1}}, {0, 0, 1, 1});
     EXPECT_FALSE(s.createFit(t.points));
     EXPECT_EQ(s.degree, 1);

@@ -1,14 +1,6 @@
 #pragma once
 
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <random>
-#include <sstream>
-#include <string>
-#include <vector>
-
-#include "vek0core/geometry/pnt.h"
+#include "support/test.h"
 
 namespace vek0::test {
 

@@ -1,16 +1,7 @@
-#include "vek0core/hatch/boundary.h"
-
-#include <gtest/gtest.h>
-
-#include <limits>
-
 #include "hatch/areas.h"
+#include "support/test.h"
 
-using vek0::test::AreaMaker;
-using vek0::test::contains;
-using vek0::test::Points;
-using vek0::test::pts;
-using vek0::test::Rings;
+using namespace vek0::test;
 
 namespace {
 
@@ -43,24 +34,8 @@ bool coverTheSame(const Rings& a, const Rings& b, AreaMaker& make) {
 }  // namespace
 
 TEST(HatchRings, AreReadFromABoundary) {
-  const struct {
-    const char* name;
-    const char* boundary;
-    const char* rings;
-  } cases[] = {
-      {"nothing", "", ""},
-      {"open ring", "0,0 4,0 4,4", "0,0 4,0 4,4"},
-      {"closed ring", "0,0 4,0 4,4 0,0", "0,0 4,0 4,4"},
-      {"two rings", "0,0 9,0 9,9 0,0 5,1 6,1 6,2 5,1", "0,0 9,0 9,9 / 5,1 6,1 6,2"},
-      {"the last does not close", "0,0 9,0 9,9 0,0 5,1 6,1 6,2", "0,0 9,0 9,9 0,0 5,1 6,1 6,2"},
-      {"starts with the point twice", "0,0 0,0 4,0 4,4 0,0", "0,0 0,0 4,0 4,4"},
-      {"rings with a point in common", "0,0 9,0 9,9 0,0 5,1 9,9 6,2 5,1",
-       "0,0 9,0 9,9 / 5,1 9,9 6,2"},
-      {"other height does not close", "0,0,1 4,0,1 4,4,1 0,0,0", "0,0 4,0 4,4 0,0"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_EQ(text(split(pts(t.boundary))), t.rings);
+  for (const Row& t : rows()) {
+    EXPECT_EQ(text(split(pts(t.text("boundary")))), t.text("rings"));
   }
 }
 
@@ -69,37 +44,14 @@ TEST(HatchRings, ZeroHasNoSign) {
 }
 
 TEST(JoinHatchRings, StoresWhatCanBeReadBack) {
-  const struct {
-    const char* name;
-    const char* rings;
-    const char* boundary;
-  } cases[] = {
-      {"nothing", "", ""},
-      {"one ring stays open", "0,0 4,0 4,4 0,0", "0,0 4,0 4,4"},
-      {"two are closed", "0,0 9,0 9,9/5,1 6,1 6,2 5,1", "0,0 9,0 9,9 0,0 5,1 6,1 6,2 5,1"},
-      {"too few points", "0,0 9,0 9,9/5,1 6,1/7,7", "0,0 9,0 9,9"},
-      {"equal neighbours", "0,0 0,0 9,0 9,9/5,1 6,1 6,1 6,2 5,1 5,1",
-       "0,0 9,0 9,9 0,0 5,1 6,1 6,2 5,1"},
-      {"start is shared", "0,0 9,0 9,9/0,0 5,1 5,2", "9,0 9,9 0,0 9,0 5,1 5,2 0,0 5,1"},
-      {"all is shared", "0,0 9,0 9,9/0,0 9,0 9,9", "0,0 9,0 9,9 0,0 0,0 9,0 9,9 0,0"},
-      {"start occurs twice in it", "0,0 1,0 1,1 0,0 9,0 9,9/5,1 6,1 6,2",
-       "1,0 1,1 0,0 9,0 9,9 0,0 1,0 5,1 6,1 6,2 5,1"},
-      {"every point twice in it", "0,0 1,0 1,1 0,0 1,0 1,1/5,1 6,1 6,2",
-       "0,0 1,0 1,1 0,0 0,0 1,0 1,1 0,0 5,1 6,1 6,2 5,1"},
-      {"looks like three rings", "0,0 1,0 1,1 0,0 5,0 6,0 6,1 5,0 2,5 3,5 3,6 2,5",
-       "1,0 1,1 0,0 5,0 6,0 6,1 5,0 2,5 3,5 3,6 2,5 0,0"},
-      {"there and back", "0,0 1,0 0,0 1,0/5,1 6,1 6,2/0,4 1,4 1,5",
-       "5,1 6,1 6,2 5,1 0,4 1,4 1,5 0,4"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_EQ(vek0::test::text(joinHatchRings(vek0::test::rings(t.rings))), t.boundary);
+  for (const Row& t : rows()) {
+    EXPECT_EQ(vek0::test::text(joinHatchRings(vek0::test::rings(t.text("rings")))),
+              t.text("boundary"));
   }
 }
 
 TEST(JoinHatchRings, KeepsTheAreaOfAnyRings) {
-  for (unsigned seed = 0; seed < 1000; ++seed) {
-    SCOPED_TRACE(seed);
+  for (const unsigned seed : rounds<unsigned>(1000)) {
     AreaMaker make(seed);
     const Rings area = make.gridArea();
     const Points boundary = joinHatchRings(area);
@@ -108,8 +60,7 @@ TEST(JoinHatchRings, KeepsTheAreaOfAnyRings) {
 }
 
 TEST(CompactVertex, KeepsTheAreaAndHasNothingLeftToDo) {
-  for (unsigned seed = 0; seed < 1000; ++seed) {
-    SCOPED_TRACE(seed);
+  for (const unsigned seed : rounds<unsigned>(1000)) {
     AreaMaker make(seed);
     Points boundary;
     for (const Points& ring : make.gridArea()) {
@@ -129,25 +80,10 @@ TEST(CompactVertex, KeepsTheAreaAndHasNothingLeftToDo) {
 }
 
 TEST(CompactVertex, Cases) {
-  const struct {
-    const char* name;
-    const char* in;
-    const char* out;
-  } cases[] = {
-      {"nothing", "", ""},
-      {"closing point", "0,0 4,0 4,4 0,0", "0,0 4,0 4,4"},
-      {"several of them", "0,0 4,0 4,4 0,0 0,0", "0,0 4,0 4,4"},
-      {"equal neighbours", "0,0 0,0 4,0 4,0 4,4", "0,0 4,0 4,4"},
-      {"no area", "0,0 4,0 0,0", ""},
-      {"two rings", "0,0 9,0 9,9 9,9 0,0 5,1 5,1 6,1 6,2 5,1", "0,0 9,0 9,9 0,0 5,1 6,1 6,2 5,1"},
-      {"one of two rings is left", "0,0 9,0 9,9 0,0 5,1 6,1 5,1", "0,0 9,0 9,9"},
-      {"same place at two heights", "0,0,0 0,0,1 4,0,0 4,4,0", "0,0 0,0 4,0 4,4"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     Points out = pts("1,1");
-    _hatch_compactVertex(pts(t.in), out);
-    EXPECT_EQ(vek0::test::text(out), t.out);
+    _hatch_compactVertex(pts(t.text("in")), out);
+    EXPECT_EQ(vek0::test::text(out), t.text("out"));
   }
 }
 

@@ -1,23 +1,11 @@
 // VEK0_CORPUS names a folder that may hold public pattern definition files under pat/.
-#include "vek0core/hatch/catalogue.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <limits>
-#include <map>
-#include <numeric>
-#include <set>
 #include <stdexcept>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "files/number.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace {
 
@@ -25,11 +13,11 @@ constexpr long kNoPatterns = 68;
 constexpr double kRadPerDeg = 0.01745329251994;
 
 /// A family as definition files print it: degrees, and as many dashes as there are.
-struct Row {
+struct PatternLine {
   double angleDeg, x0, y0, dx, dy;
   std::vector<double> dashes;
 };
-using Rows = std::vector<Row>;
+using Pattern = std::vector<PatternLine>;
 
 const HATCH_TYPE& patternOf(const zim::WString& name) {
   const HATCH_TYPE* type = getHatch(name);
@@ -85,69 +73,13 @@ TEST(Catalogue, HasTheKnownNumberOfFamiliesForEachNumberOfDashes) {
 }
 
 TEST(Catalogue, NamesAndDescribesItsPatterns) {
-  const struct {
-    long index;
-    const char16_t *name, *description;
-  } kTexts[] = {
-      {0, u"ANGLE", u"Angle steel"},
-      {1, u"ANSI31", u"ANSI Iron, Brick, Stone masonry"},
-      {7, u"ANSI37", u"ANSI Lead, Zinc, Magnesium, Sound/Heat/Elec Insulation"},
-      {10, u"AR-B816C", u"8x16 Block elevation stretcher bond with mortar joints"},
-      {12, u"AR-BRELM", u"Standard brick elevation english bond with mortar joints"},
-      {14, u"AR-CONC", u"Random dot and stone pattern"},
-      {15, u"AR-HBONE", u"Standard brick herringbone pattern @ 45 degrees"},
-      {16, u"AR-PARQ1", u"2x12 Parquet flooring: pattern of 12x12"},
-      {22, u"BRICK", u"Brick or masonry-type surface"},
-      {30, u"EARTH", u"Earth or ground (subterranean)"},
-      {31, u"ESCHER", u"Escher pattern"},
-      {39, u"ACAD_ISO02W100", u"dashed line"},
-      {46, u"ACAD_ISO09W100", u"long dashed double-short-dashed line"},
-      {52, u"ACAD_ISO15W100", u"double-dashed triplicate-dotted line"},
-      {53, u"LINE", u"Parallel horizontal lines"},
-      {55, u"NET", u"Horizontal / vertical grid"},
-      {56, u"NET3", u"Network pattern 0-60-120"},
-      {57, u"PLAST", u"Plastic material"},
-      {58, u"PLASTI", u"Plastic material"},
-      {61, u"STARS", u"Star of David"},
-      {66, u"ZIGZAG", u"Staircase effect"},
-      {67, u"CATASTO1", u"Catasto1"},
-  };
-  for (const auto& t : kTexts) {
-    EXPECT_EQ(zim::WString(getHatch(t.index)->name), zim::WString(t.name));
-    EXPECT_EQ(zim::WString(getHatch(t.index)->description), zim::WString(t.description));
+  for (const Row& t : rows()) {
+    EXPECT_EQ(zim::WString(getHatch(t.whole<long>("index"))->name), t.wide("name"));
+    EXPECT_EQ(zim::WString(getHatch(t.whole<long>("index"))->description), t.wide("description"));
   }
 }
 
 TEST(Catalogue, HasRowsExactly) {
-  const struct {
-    const char16_t* pattern;
-    Rows rows;
-  } kPatterns[] = {
-      {u"ANGLE", {{0, 0, 0, 0, 0.275, {0.2, -0.075}}, {90, 0, 0, 0, 0.275, {0.2, -0.075}}}},
-      {u"ANSI31", {{45, 0, 0, 0, 0.125, {}}}},
-      {u"ANSI32", {{45, 0, 0, 0, 0.375, {}}, {45, 0.176776695, 0, 0, 0.375, {}}}},
-      {u"ANSI37", {{45, 0, 0, 0, 0.125, {}}, {135, 0, 0, 0, 0.125, {}}}},
-      {u"AR-B816C",
-       {{0, 0, 0, 8, 8, {15.625, -0.375}},
-        {0, -8, 0.375, 8, 8, {15.625, -0.375}},
-        {90, 0, 0, 8, 8, {-8.375, 7.625}},
-        {90, -0.375, 0, 8, 8, {-8.375, 7.625}}}},
-      {u"DOLMIT", {{0, 0, 0, 0, 0.25, {}}, {45, 0, 0, 0, 0.70710678, {0.35355339, -0.70710768}}}},
-      {u"DOTS", {{0, 0, 0, 0.03125, 0.0625, {0, -0.0625}}}},
-      {u"HEX",
-       {{0, 0, 0, 0, 0.216506351, {0.125, -0.25}},
-        {120, 0, 0, 0, 0.216506351, {0.125, -0.25}},
-        {60, 0.125, 0, 0, 0.216506351, {0.125, -0.25}}}},
-      {u"ACAD_ISO15W100",
-       {{0, 0, 0, 0, 5, {12, -3, 12, -3, 0.5, -10}},
-        {0, 0, 0, 0, 5, {-33.5, 0.5, -3, 0.5, -3, 0}}}},
-      {u"LINE", {{0, 0, 0, 0, 0.125, {}}}},
-      {u"MUDST", {{0, 0, 0, 0.5, 0.25, {0.25, -0.25, 0, -0.25, 0, -0.25}}}},
-      {u"NET", {{0, 0, 0, 0, 0.125, {}}, {90, 0, 0, 0, 0.125, {}}}},
-      {u"ZIGZAG",
-       {{0, 0, 0, 0.125, 0.125, {0.125, -0.125}}, {90, 0.125, 0, 0.125, 0.125, {0.125, -0.125}}}},
-      {u"CATASTO1", {{45, 0, 0, 0.125, 0.125, {0.375, -0.125}}}},
-  };
   const std::map<double, double> kAnglesRad = {
       {0, 0},
       {45, 0.7853981633973},
@@ -156,18 +88,14 @@ TEST(Catalogue, HasRowsExactly) {
       {120, 2.0943951023928},
       {135, 2.3561944901919},
   };
-  for (const auto& t : kPatterns) {
-    const HATCH_TYPE& type = patternOf(t.pattern);
-    ASSERT_EQ(static_cast<std::size_t>(type.numLines), t.rows.size()) << nameOf(type);
-    for (std::size_t i = 0; i < t.rows.size(); ++i) {
-      SCOPED_TRACE(nameOf(type) + " " + std::to_string(i));
-      const HATCH_LINE& line = type.lines[i];
-      const Row& row = t.rows[i];
-      EXPECT_EQ(line.angle, kAnglesRad.at(row.angleDeg));
-      EXPECT_EQ((std::vector{line.x0, line.y0, line.dx, line.dy}),
-                (std::vector{row.x0, row.y0, row.dx, row.dy}));
-      EXPECT_EQ(dashesOf(line), row.dashes);
-    }
+  for (const Row& t : rows()) {
+    const HATCH_TYPE& type = patternOf(t.wide("pattern"));
+    ASSERT_EQ(type.numLines, t.whole("of"));
+    const HATCH_LINE& line = type.lines[t.count("index")];
+    EXPECT_EQ(line.angle, kAnglesRad.at(t.real("degrees")));
+    EXPECT_EQ((std::vector{line.x0, line.y0, line.dx, line.dy}),
+              (std::vector{t.real("x0"), t.real("y0"), t.real("dx"), t.real("dy")}));
+    EXPECT_EQ(dashesOf(line), t.reals("dashes"));
   }
 }
 
@@ -207,71 +135,6 @@ TEST(Catalogue, HasFamiliesThatCanBeDrawn) {
 // family, and dashes on dashes. A wrong angle, offset or dash breaks this, whatever its source.
 TEST(Catalogue, FamiliesOfAPatternRepeatTogether) {
   const double r2 = std::sqrt(2), r3 = std::sqrt(3);
-  const struct {
-    const char16_t* pattern;
-    double width, height;
-  } kTiles[] = {
-      {u"ANGLE", 0.275, 0.275},
-      {u"ANSI32", 0.375 * r2, 0.375 * r2},
-      {u"ANSI33", 0.75 * r2, 0.75 * r2},
-      {u"ANSI34", 0.75 * r2, 0.75 * r2},
-      {u"ANSI35", 1.75 * r2, 1.75 * r2},
-      {u"ANSI36", 1.75 * r2, 1.75 * r2},
-      {u"ANSI37", 0.125 * r2, 0.125 * r2},
-      {u"ANSI38", 0.5 * r2, 0.5 * r2},
-      {u"AR-B816", 16, 16},
-      {u"AR-B816C", 16, 16},
-      {u"AR-B88", 8, 16},
-      {u"AR-BRELM", 8, 5.334},
-      {u"AR-BRSTD", 8, 5.334},
-      {u"AR-HBONE", 8 * r2, 4 * r2},
-      {u"AR-PARQ1", 24, 24},
-      {u"AR-RSHKE", 34, 48},
-      {u"BOX", 1, 1},
-      {u"BRASS", 0.1875, 0.25},
-      {u"BRICK", 0.5, 0.5},
-      {u"BRSTONE", 1, 0.66},
-      {u"CLAY", 0.3125, 0.1875},
-      {u"CORK", 0.5, 0.5},
-      {u"CROSS", 0.5, 0.5},
-      {u"DASH", 0.25, 0.25},
-      {u"DOLMIT", 3, 3},
-      {u"DOTS", 0.0625, 0.125},
-      {u"EARTH", 0.5, 0.5},
-      {u"ESCHER", 1.2, 1.2 * r3},
-      {u"FLEX", 0.5, 0.25},
-      {u"GRASS", r2, r2},
-      {u"GRATE", 0.125, 0.03125},
-      {u"HEX", 0.75, 0.25 * r3},
-      {u"HONEY", 0.375, 0.125 * r3},
-      {u"HOUND", 1.5, 1.5},
-      {u"INSUL", 0.25, 0.375},
-      {u"ACAD_ISO02W100", 15, 5},
-      {u"ACAD_ISO03W100", 30, 5},
-      {u"ACAD_ISO04W100", 30.5, 5},
-      {u"ACAD_ISO05W100", 34, 5},
-      {u"ACAD_ISO06W100", 37.5, 5},
-      {u"ACAD_ISO07W100", 3.5, 5},
-      {u"ACAD_ISO08W100", 36, 5},
-      {u"ACAD_ISO09W100", 45, 5},
-      {u"ACAD_ISO10W100", 18.5, 5},
-      {u"ACAD_ISO11W100", 33.5, 5},
-      {u"ACAD_ISO12W100", 22, 5},
-      {u"ACAD_ISO13W100", 37, 5},
-      {u"ACAD_ISO14W100", 25.5, 5},
-      {u"ACAD_ISO15W100", 40.5, 5},
-      {u"MUDST", 1, 0.5},
-      {u"NET3", 0.25 / r3, 0.25},
-      {u"SACNCR", 0.09375 * r2, 0.09375 * r2},
-      {u"SQUARE", 0.25, 0.25},
-      {u"STARS", 0.5, 0.5 * r3},
-      {u"STEEL", 0.125 * r2, 0.125 * r2},
-      {u"SWAMP", 1, r3},
-      {u"TRANS", 0.25, 0.25},
-      {u"TRIANG", 0.375, 0.375 * r3},
-      {u"ZIGZAG", 0.25, 0.25},
-      {u"CATASTO1", 0.25 * r2, 0.125 * r2},
-  };
   const auto isWhole = [](double value) { return std::abs(value - std::round(value)) < 1e-5; };
   const auto repeats = [&](const HATCH_LINE& line, double x, double y) {
     const double along = x * std::cos(line.angle) + y * std::sin(line.angle);
@@ -279,12 +142,13 @@ TEST(Catalogue, FamiliesOfAPatternRepeatTogether) {
     return isWhole(steps) &&
            (line.numDash == 0 || isWhole((along - std::round(steps) * line.dx) / periodOf(line)));
   };
-  for (const auto& t : kTiles) {
-    for (const HATCH_LINE* line : familiesOf(patternOf(t.pattern))) {
-      SCOPED_TRACE(zim::WString(t.pattern).toUtf8());
-      EXPECT_TRUE(repeats(*line, t.width, 0));
-      EXPECT_TRUE(repeats(*line, 0, t.height));
-      EXPECT_FALSE(repeats(*line, t.width * 0.3127, t.height * 0.4643));
+  const Definitions names{{"r2", r2}, {"r3", r3}};
+  for (const Row& t : rowsWith(names)) {
+    for (const HATCH_LINE* line : familiesOf(patternOf(t.wide("pattern")))) {
+      SCOPED_TRACE(zim::WString(t.wide("pattern")).toUtf8());
+      EXPECT_TRUE(repeats(*line, t.real("width"), 0));
+      EXPECT_TRUE(repeats(*line, 0, t.real("height")));
+      EXPECT_FALSE(repeats(*line, t.real("width") * 0.3127, t.real("height") * 0.4643));
     }
   }
 }
@@ -322,7 +186,7 @@ TEST(Catalogue, TellsItsRecordsFromCopies) {
 }
 
 /// One row of a definition file; false when it holds fewer than five numbers.
-bool parseRow(const std::string& text, Row& row) {
+bool parseRow(const std::string& text, PatternLine& row) {
   std::vector<double> numbers;
   for (std::size_t at = 0; at != std::string::npos;) {
     const std::size_t comma = text.find(',', at);
@@ -338,7 +202,7 @@ bool parseRow(const std::string& text, Row& row) {
 
 struct Definition {
   std::string name;
-  Rows rows;
+  Pattern rows;
 };
 
 std::vector<Definition> readDefinitions(const std::filesystem::path& file) {
@@ -346,7 +210,7 @@ std::vector<Definition> readDefinitions(const std::filesystem::path& file) {
   std::ifstream in(file);
   for (std::string text; std::getline(in, text);) {
     text.resize(std::min(text.find_first_of(";\r"), text.size()));
-    Row row;
+    PatternLine row;
     if (!text.empty() && text[0] == '*') {
       definitions.push_back({text.substr(1, text.find(',') - 1), {}});
     } else if (!definitions.empty() && parseRow(text, row)) {
@@ -357,7 +221,7 @@ std::vector<Definition> readDefinitions(const std::filesystem::path& file) {
 }
 
 /// Whether the row is the family at that scale, to the six digits of the files.
-bool agrees(const HATCH_LINE& line, const Row& row, double scale) {
+bool agrees(const HATCH_LINE& line, const PatternLine& row, double scale) {
   const auto isNear = [](double a, double b) { return std::abs(a - b) <= 5.1e-6 * std::abs(b); };
   std::vector<double> dashes = row.dashes;
   // Dots that end a sequence do not change it; the catalogue has one more of them.
@@ -370,11 +234,11 @@ bool agrees(const HATCH_LINE& line, const Row& row, double scale) {
                     [&](double a, double b) { return isNear(a * scale, b); });
 }
 
-bool agrees(const HATCH_TYPE& type, const Rows& rows, double scale) {
+bool agrees(const HATCH_TYPE& type, const Pattern& rows, double scale) {
   const std::vector<const HATCH_LINE*> lines = familiesOf(type);
   return std::equal(
       lines.begin(), lines.end(), rows.begin(), rows.end(),
-      [&](const HATCH_LINE* line, const Row& row) { return agrees(*line, row, scale); });
+      [&](const HATCH_LINE* line, const PatternLine& row) { return agrees(*line, row, scale); });
 }
 
 TEST(CatalogueCorpus, AgreesWithPublicDefinitions) {

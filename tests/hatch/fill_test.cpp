@@ -1,19 +1,7 @@
-#include "vek0core/hatch/fill.h"
-
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <limits>
-#include <map>
-
 #include "hatch/areas.h"
-#include "vek0core/hatch/boundary.h"
+#include "support/test.h"
 
-using vek0::test::AreaMaker;
-using vek0::test::contains;
-using vek0::test::Points;
-using vek0::test::Rings;
-using vek0::test::rings;
+using namespace vek0::test;
 
 namespace {
 
@@ -180,47 +168,13 @@ void expectSame(const Drawn& got, const Drawn& want, double angle, double dx, do
 }  // namespace
 
 TEST(FillHatch, Cases) {
-  const HATCH_LINE level = {0, 0, 0, 0, 5, {}, 0};
-  const HATCH_LINE upright = {kQuarter, 1, 0, 0, 4, {}, 0};
-  const HATCH_LINE dashed = {0, 0, 0, 1, 5, {2, -1}, 2};
-  const HATCH_LINE back = {0, 0, 0, -1, -5, {2, -1}, 2};
-  const HATCH_LINE dots = {0, 0, 0, 0, 5, {0, -5}, 2};
-  const HATCH_LINE dotLast = {0, 0, 0, 0, 5, {-5, 0}, 2};
-  const struct {
-    const char* name;
-    HATCH_LINE line;
-    const char* area;
-    const char* drawn;
-  } cases[] = {
-      {"bottom edge belongs to the area", level, "0,0 10,0 10,10 0,10", "0,0>10,0 0,5>10,5"},
-      {"whichever way round", level, "0,10 10,10 10,0 0,0", "0,0>10,0 0,5>10,5"},
-      {"corners on the line", level, "-5,5 0,0 5,5 0,10", "-5,5>5,5"},
-      {"touches itself on the line", level, "0,0 4,5 8,0 8,9 4,5 0,9", "0,5>8,5"},
-      {"notch down to the line", level, "0,1 8,1 8,9 6,9 4,5 2,9 0,9", "0,5>8,5"},
-      {"notch up to the line", level, "0,1 2,1 4,5 6,1 8,1 8,9 0,9", "0,5>8,5"},
-      {"step down on the line", level, "0,1 8,1 8,5 4,5 4,9 0,9", "0,5>4,5"},
-      {"step up on the line", level, "0,5 4,5 4,1 8,1 8,9 0,9", "0,5>8,5"},
-      {"concave", level, "0,1 9,1 9,9 6,9 6,3 3,3 3,9 0,9", "0,5>3,5 6,5>9,5"},
-      {"hole", level, "0,1 9,1 9,9 0,9/3,3 6,3 6,7 3,7", "0,5>3,5 6,5>9,5"},
-      {"island", level, "0,1 9,1 9,9 0,9/2,3 7,3 7,7 2,7/4,4 5,4 5,6 4,6",
-       "0,5>2,5 4,5>5,5 7,5>9,5"},
-      {"holes with an edge in common", level, "0,1 9,1 9,9 0,9/3,3 5,3 5,7 3,7/5,3 6,3 6,7 5,7",
-       "0,5>3,5 6,5>9,5"},
-      {"crosses itself", level, "0,1 8,9 8,1 0,9", "0,5>8,5"},
-      {"left of the line comes later", upright, "0,0 10,0 10,3 0,3", "9,0>9,3 5,0>5,3 1,0>1,3"},
-      {"dashes are cut", dashed, "1,1 7,1 7,9 1,9", "1,5>3,5 4,5>6,5"},
-      {"dash ends on the boundary", dashed, "3,1 7,1 7,9 3,9", "4,5>6,5"},
-      {"dashes start at the origin", dashed, "-4,-1 4,-1 4,1 -4,1", "-3,0>-1,0 0,0>2,0 3,0>4,0"},
-      {"negative spacing", back, "-1,-1 4,-1 4,6 -1,6", "0,0>2,0 3,0>4,0 -1,5>0,5 1,5>3,5"},
-      {"dots", dots, "-5,1 5,1 5,9 -5,9", "-5,5 0,5"},
-      {"dots at the end of the period", dotLast, "-5,1 5,1 5,9 -5,9", "-5,5 0,5"},
-      {"two points", level, "0,0 9,9", ""},
-      {"nothing", level, "", ""},
-      {"no area", level, "0,0 9,0 4,0", ""},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_EQ(Hatch{{t.line}}.fill(rings(t.area)).text(), t.drawn);
+  const std::map<std::string, HATCH_LINE> lines{
+      {"level", {0, 0, 0, 0, 5, {}, 0}},       {"upright", {kQuarter, 1, 0, 0, 4, {}, 0}},
+      {"dashed", {0, 0, 0, 1, 5, {2, -1}, 2}}, {"back", {0, 0, 0, -1, -5, {2, -1}, 2}},
+      {"dots", {0, 0, 0, 0, 5, {0, -5}, 2}},   {"dotLast", {0, 0, 0, 0, 5, {-5, 0}, 2}}};
+  for (const Row& t : rows()) {
+    EXPECT_EQ(Hatch{{lines.at(t.text("line"))}}.fill(rings(t.text("area"))).text(),
+              t.text("drawn"));
   }
 }
 
@@ -236,8 +190,7 @@ TEST(FillHatch, FamiliesComeInOrderAtTheHeightOfTheFirstPoint) {
 TEST(FillHatch, EveryLineIsInside) {
   constexpr double kAside = 1e-10;
   std::size_t count = 0;
-  for (unsigned seed = 0; seed < 600; ++seed) {
-    SCOPED_TRACE(seed);
+  for (const unsigned seed : rounds<unsigned>(600)) {
     AreaMaker make(seed);
     const Rings area = make.area();
     const Hatch hatch = randomHatch(make);
@@ -257,8 +210,7 @@ TEST(FillHatch, EveryLineIsInside) {
 }
 
 TEST(FillHatch, EveryLineHasTheLengthOfItsInside) {
-  for (unsigned seed = 0; seed < 600; ++seed) {
-    SCOPED_TRACE(seed);
+  for (const unsigned seed : rounds<unsigned>(600)) {
     AreaMaker make(seed);
     const Rings area = make.area();
     const Hatch hatch = randomHatch(make);
@@ -281,8 +233,7 @@ TEST(FillHatch, EveryLineHasTheLengthOfItsInside) {
 }
 
 TEST(FillHatch, TurnsWithItsArea) {
-  for (unsigned seed = 0; seed < 500; ++seed) {
-    SCOPED_TRACE(seed);
+  for (const unsigned seed : rounds<unsigned>(500)) {
     AreaMaker make(seed);
     const Rings area = make.starArea();
     const Hatch hatch = randomHatch(make);
@@ -295,8 +246,7 @@ TEST(FillHatch, TurnsWithItsArea) {
 }
 
 TEST(FillHatch, MovesByItsLattice) {
-  for (unsigned seed = 0; seed < 500; ++seed) {
-    SCOPED_TRACE(seed);
+  for (const unsigned seed : rounds<unsigned>(500)) {
     AreaMaker make(seed);
     const Rings area = make.starArea();
     const Hatch hatch = randomHatch(make);
@@ -314,8 +264,7 @@ TEST(FillHatch, MovesByItsLattice) {
 
 // Cut in two, an area has the same lines: they meet in equal points on the cut.
 TEST(FillHatch, NeighboursMeetExactly) {
-  for (unsigned seed = 0; seed < 1000; ++seed) {
-    SCOPED_TRACE(seed);
+  for (const unsigned seed : rounds<unsigned>(1000)) {
     AreaMaker make(seed);
     const bool isOnGrid = make.whole(0, 1) > 0;
     Points ring = make.star(make.whole(6, isOnGrid ? 12 : 30), 0, 0, 8, 12);
@@ -338,8 +287,7 @@ TEST(FillHatch, NeighboursMeetExactly) {
 }
 
 TEST(FillHatch, AHoleAndWhatIsInItMakeTheWhole) {
-  for (unsigned seed = 0; seed < 1000; ++seed) {
-    SCOPED_TRACE(seed);
+  for (const unsigned seed : rounds<unsigned>(1000)) {
     AreaMaker make(seed);
     const Points outer = make.star(40, 0, 0, 8, 12),
                  hole = make.star(make.whole(8, 30), 0, 0, 3, 5);
@@ -370,75 +318,24 @@ TEST(FillHatch, DashesDoNotDrift) {
 }
 
 TEST(FillHatch, RefusesWhatWouldNotEnd) {
-  const double inf = std::numeric_limits<double>::infinity(), nan = std::nan(""),
-               tiny = std::numeric_limits<double>::denorm_min();
-  const HATCH_LINE good = {0, 0, 0, 0, 1, {1, -1}, 2};
-  const auto with = [&](double HATCH_LINE::*field, double value) {
-    HATCH_LINE line = good;
-    line.*field = value;
-    return line;
-  };
-  const auto dashes = [&](double a, double b, std::int32_t count) {
-    HATCH_LINE line = good;
-    line.dash[0] = a;
-    line.dash[1] = b;
-    line.numDash = count;
-    return line;
-  };
-  constexpr HatchStatus done = HatchStatus::Done, dense = HatchStatus::TooDense,
-                        pattern_ = HatchStatus::BadPattern, boundary = HatchStatus::BadBoundary;
-  const struct {
-    const char* name;
-    HATCH_LINE line;
-    double scale, rotate;
-    double size;  // of the square that is filled
-    double limit;
-    HatchStatus status;
-  } cases[] = {
-      {"fits exactly", good, 1, 0, 10, 50, done},
-      {"does not fit", good, 1, 0, 10, 49, dense},
-      {"lines alone", dashes(1, -1, 0), 1, 0, 10, 10, done},
-      {"one line alone too many", dashes(1, -1, 0), 1, 0, 10, 9, dense},
-      {"scaled up", good, 10, 0, 10, 1, done},
-      {"thin and long", good, 1e3, 0, 1e6, 4e5, dense},
-      {"nothing allowed", good, 1, 0, 10, 0, dense},
-      {"limit is no number", good, 1, 0, 10, nan, dense},
-      {"no limit", good, 1e-9, 0, 10, inf, dense},
-      {"no spacing", with(&HATCH_LINE::dy, 0), 1, 0, 10, 1e6, pattern_},
-      {"spacing is no number", with(&HATCH_LINE::dy, nan), 1, 0, 10, 1e6, pattern_},
-      {"tiny spacing", with(&HATCH_LINE::dy, tiny), 1, 0, 10, 1e6, dense},
-      {"spacing scaled to nothing", with(&HATCH_LINE::dy, tiny), 1e-9, 0, 10, 1e6, pattern_},
-      {"shift is no number", with(&HATCH_LINE::dx, inf), 1, 0, 10, 1e6, pattern_},
-      {"large shift", with(&HATCH_LINE::dx, 1e140), 1, 0, 10, 1e6, done},
-      {"start is no number", with(&HATCH_LINE::x0, nan), 1, 0, 10, 1e6, pattern_},
-      {"start out of reach", with(&HATCH_LINE::y0, 1e140), 1, 0, 10, 1e6, dense},
-      {"angle is no number", with(&HATCH_LINE::angle, inf), 1, 0, 10, 1e6, pattern_},
-      {"dashes of no length", dashes(0, 0, 2), 1, 0, 10, 1e6, pattern_},
-      {"dashes without number", dashes(nan, -1, 2), 1, 0, 10, 1e6, pattern_},
-      {"tiny dashes", dashes(tiny, -tiny, 2), 1, 0, 10, 1e6, dense},
-      {"too many dashes", dashes(1, -1, 7), 1, 0, 10, 1e6, pattern_},
-      {"negative count", dashes(1, -1, -1), 1, 0, 10, 1e6, pattern_},
-      {"scale 0", good, 0, 0, 10, 1e6, pattern_},
-      {"negative scale", good, -1, 0, 10, 1e6, pattern_},
-      {"scale is no number", good, nan, 0, 10, 1e6, pattern_},
-      {"infinite scale", good, inf, 0, 10, 1e6, pattern_},
-      {"huge scale", good, 1e140, 0, 10, 1e6, done},
-      {"turned by no number", good, 1, nan, 10, 1e6, pattern_},
-      {"turned far", good, 1, 1e15, 10, 1e6, done},
-      {"size is no number", good, 1, 0, nan, 1e6, boundary},
-      {"infinite size", good, 1, 0, inf, 1e6, boundary},
-      {"huge size", good, 1, 0, 1e300, 1e6, boundary},
-      {"large size", good, 1, 0, 1e140, 1e6, dense},
-      {"large size and scale", good, 1e139, 0, 1e140, 1e6, done},
-      {"tiny size", good, 1, 0, tiny, 1e6, done},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const std::vector<HATCH_LINE> lines = {t.line};
-    const Points square = {{0, 0, 0}, {t.size, 0, 0}, {t.size, t.size, 0}, {0, t.size, 0}};
+  constexpr double tiny = std::numeric_limits<double>::denorm_min();
+  const Definitions names{{"tiny", tiny},
+                          {"done", HatchStatus::Done},
+                          {"dense", HatchStatus::TooDense},
+                          {"pattern", HatchStatus::BadPattern},
+                          {"boundary", HatchStatus::BadBoundary}};
+  for (const Row& t : rowsWith(names)) {
+    const std::vector<double> n = t.reals("line");
+    const std::vector<HATCH_LINE> lines = {
+        {n[0], n[1], n[2], n[3], n[4], {n[5], n[6]}, static_cast<std::int32_t>(n[7])}};
+    const double size = t.real("size");
+    const auto status = t.whole<HatchStatus>("status");
+    const Points square = {{0, 0, 0}, {size, 0, 0}, {size, size, 0}, {0, size, 0}};
     Drawn drawn;
-    EXPECT_EQ(fillHatch(pattern(lines), t.scale, t.rotate, square, t.limit, drawn), t.status);
-    EXPECT_TRUE(t.status == done || drawn.lines.empty());
+    EXPECT_EQ(fillHatch(pattern(lines), t.real("scale"), t.real("rotate"), square, t.real("limit"),
+                        drawn),
+              status);
+    EXPECT_TRUE(status == HatchStatus::Done || drawn.lines.empty());
     EXPECT_LE(drawn.lines.size(), 100u);
   }
 }

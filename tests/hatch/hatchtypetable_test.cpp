@@ -1,12 +1,6 @@
-#include "vek0core/hatch/hatchtypetable.h"
-
-#include <gtest/gtest.h>
-
 #include <chrono>
-#include <functional>
-#include <limits>
-#include <set>
-#include <vector>
+
+#include "support/test.h"
 
 namespace {
 

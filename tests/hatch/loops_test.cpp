@@ -1,19 +1,12 @@
 // Rings from the edges of hatch loops, and which of them a style regards.
 
-#include "vek0core/hatch/loops.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <limits>
-#include <random>
-#include <sstream>
-#include <string>
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 using Points = std::vector<PNT_3D>;
@@ -200,8 +193,7 @@ TEST(HatchLoopBuilder, RefusesBrokenEdges) {
 TEST(HatchLoopBuilder, ClockwiseEdgesAreMirrored) {
   std::mt19937 random(71);
   std::uniform_real_distribution<double> real(-1, 1);
-  for (int i = 0; i < 200; ++i) {
-    SCOPED_TRACE(testing::Message() << "seed 71, round " << i);
+  for ([[maybe_unused]] const int i : rounds(200)) {
     const double start = 7 * real(random), end = 7 * real(random), ratio = 1.01 + real(random);
     Rings left, right;
     HatchLoopBuilder b;
@@ -307,20 +299,11 @@ TEST(HatchLoopBuilder, SharedVertexesFillTheSame) {
 TEST(HatchLoopBuilder, ManyLooseEdges) {
   std::mt19937 random(74);
   std::uniform_real_distribution<double> real(-1, 1);
-  const struct {
-    const char* name;
-    double spread;  // of the beginnings
-  } cases[] = {
-      {"anywhere", 1},
-      {"crowded, not the same", 1e-8},
-      {"from one point", 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
+    const double spread = t.real("spread");
     HatchLoopBuilder b;
     for (int i = 0; i < 20000; ++i) {
-      b.addLine({t.spread * real(random), t.spread * real(random), 0},
-                {real(random), real(random), 0});
+      b.addLine({spread * real(random), spread * real(random), 0}, {real(random), real(random), 0});
     }
     Rings rings;
     EXPECT_FALSE(b.build(rings));
@@ -370,8 +353,7 @@ TEST(ApplyHatchStyle, Nesting) {
   add("the same ring twice", {square(0, 0, 4), square(0, 0, 4)}, 2, 2);
   add("a ring without area", {square(0, 0, 4), flat}, 2, 1);
   add("less than a ring", {square(0, 0, 4), {}, {PNT_3D(1, 1, 0)}}, 3, 3);
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     const Kept kept = keptOf(t.rings);
     EXPECT_EQ(kept.outermost, t.kept.outermost);
     EXPECT_EQ(kept.ignore, t.kept.ignore);

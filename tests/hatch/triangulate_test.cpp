@@ -1,18 +1,7 @@
-#include "vek0core/hatch/triangulate.h"
-
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <set>
-
 #include "hatch/areas.h"
-#include "vek0core/hatch/boundary.h"
+#include "support/test.h"
 
-using vek0::test::AreaMaker;
-using vek0::test::contains;
-using vek0::test::Points;
-using vek0::test::Rings;
-using vek0::test::rings;
+using namespace vek0::test;
 
 namespace {
 
@@ -42,7 +31,7 @@ double areaOf(const Faces& faces) {
 }
 
 bool contains(const HatchFace& face, double x, double y) {
-  return contains(Rings{{face.p, face.p + 4}}, x, y);
+  return vek0::test::contains(Rings{{face.p, face.p + 4}}, x, y);
 }
 
 // The area the slow way: between the heights of all corners and of all crossings, each
@@ -88,41 +77,18 @@ void expectCovered(const Rings& area, AreaMaker& make) {
     const double x = make.number(-12, 12), y = make.number(-12, 12);
     int count = 0;
     for (const HatchFace& face : faces) count += contains(face, x, y) ? 1 : 0;
-    ASSERT_EQ(count, contains(area, x, y) ? 1 : 0) << x << ',' << y;
+    ASSERT_EQ(count, vek0::test::contains(area, x, y) ? 1 : 0) << x << ',' << y;
   }
 }
 
 }  // namespace
 
 TEST(FillSolid, Cases) {
-  const struct {
-    const char* name;
-    const char* area;
-    std::size_t faces;
-    double size;
-  } cases[] = {
-      {"nothing", "", 0, 0},
-      {"two points", "0,0 9,9", 0, 0},
-      {"square", "0,0 4,0 4,4 0,4", 1, 16},
-      {"whichever way round", "0,4 4,4 4,0 0,0", 1, 16},
-      {"points in line", "0,0 2,0 4,0 4,4 2,4 0,4", 1, 16},
-      {"triangle", "0,0 4,0 4,4", 1, 8},
-      {"no area", "0,0 4,0 2,0", 0, 0},
-      {"spike", "0,0 4,0 4,4 9,9 4,4 0,4", 1, 16},
-      {"crosses itself", "0,0 4,4 4,0 0,4", 4, 8},
-      {"touches itself", "0,0 4,4 8,0 8,8 4,4 0,8", 4, 32},
-      {"run twice", "0,0 4,0 4,4 0,0 4,0 4,4", 0, 0},
-      {"hole", "0,0 9,0 9,9 0,9/3,3 6,3 6,6 3,6", 4, 72},
-      {"hole that touches the edge", "0,0 9,0 9,9 0,9/0,3 6,3 6,6 0,6", 3, 63},
-      {"hole that touches the corner", "0,0 9,0 9,9 0,9/0,0 6,3 6,6", 4, 72},
-      {"rings that overlap", "0,0 6,0 6,6 0,6/3,3 9,3 9,9 3,9", 4, 54},
-      {"star of one line", "0,-10 6,8 -9,-3 9,-3 -6,8", 7, 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Faces faces = fill(rings(t.area));
-    EXPECT_EQ(faces.size(), t.faces);
-    EXPECT_NEAR(areaOf(faces), t.size > 0 ? t.size : areaOf(rings(t.area)), 1e-12);
+  for (const Row& t : rows()) {
+    const Faces faces = fill(rings(t.text("area")));
+    EXPECT_EQ(faces.size(), t.count("faces"));
+    EXPECT_NEAR(areaOf(faces), t.real("size") > 0 ? t.real("size") : areaOf(rings(t.text("area"))),
+                1e-12);
   }
 }
 
@@ -135,8 +101,7 @@ TEST(FillSolid, TrianglesRepeatTheirThirdCornerAtTheHeightOfTheFirstPoint) {
 }
 
 TEST(FillSolid, CoversTheInsideOnce) {
-  for (unsigned seed = 0; seed < 1000; ++seed) {
-    SCOPED_TRACE(seed);
+  for (const unsigned seed : rounds<unsigned>(1000)) {
     AreaMaker make(seed);
     const Rings area = make.area();
     expectCovered(area, make);
@@ -148,8 +113,7 @@ TEST(FillSolid, CoversTheInsideOnce) {
 
 // Hundreds of points on a line that rounding bends, there and back.
 TEST(FillSolid, TakesEdgesThatNearlyCoincide) {
-  for (unsigned seed = 0; seed < 300; ++seed) {
-    SCOPED_TRACE(seed);
+  for (const unsigned seed : rounds<unsigned>(300)) {
     AreaMaker make(seed);
     Points ring = {{0, 0, 0}, {10, 3, 0}, {10, 5, 0}};
     for (int i = make.whole(2, 60); i > 0; --i) {

@@ -1,14 +1,6 @@
-#include "vek0core/ltypefile/addltypes.h"
-
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <memory>
-#include <sstream>
-
 #include "ltypefile/isoltypes.h"
 #include "ltypefile/loading.h"
-#include "support/samples.h"
+#include "support/test.h"
 
 namespace {
 

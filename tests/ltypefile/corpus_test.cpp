@@ -1,12 +1,7 @@
 // Definition files of other programs: what was read and saved must read the same again.
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "ltypefile/loading.h"
+#include "support/test.h"
 
 namespace fs = std::filesystem;
 

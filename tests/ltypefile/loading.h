@@ -1,13 +1,7 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstddef>
-#include <string>
-
 #include "files/number.h"
-#include "vek0core/vek0core.h"
+#include "support/test.h"
 
 /// Makes the styles it is asked for and remembers how often that was.
 class StyleMaker : public CLtypeLoader::IErrorNotifier {

@@ -1,17 +1,12 @@
-#include "vek0core/ltypefile/ltypeloader.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
 #include <locale>
-#include <memory>
-#include <random>
 
 #include "ltypefile/loading.h"
+#include "support/test.h"
+
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
 
 std::string patternOf(const std::string& line) {
   const Loading loaded("*N,D\n" + line + "\n");
@@ -47,93 +42,34 @@ class FullFile : public CFileMemory {
 }  // namespace
 
 TEST(LtypeLoader, Files) {
-  const struct {
-    const char* name;
-    std::string bytes;
-    const char* names;  // with their descriptions
-  } cases[] = {
-      {"nothing", "", ""},
-      {"comments only", ";; a\n;;*b,c\n", ""},
-      {"two definitions", "*A,first\nA,1\n*B,second\nA,2\n", "A=first B=second"},
-      {"no comma, no description", "*A\nA,1\n", "A="},
-      {"commas in a description", "*A,x,y\nA,1\n", "A=x,y"},
-      {"other lines are skipped", "title\n; note\n*A,\nA,1\nA,2\n", "A="},
-      {"comments between", "*A,\n\n;; c\n \t\nA,1\n", "A="},
-      {"the pattern is missing", "*A,\nA,1\n*B,", "A="},
-      {"a name twice", "*A,1\nA,1\n*a,2\nA,2\n", "A=1 a=2"},
-      {"no name", "*,d\nA,1\n", "=d"},
-      {"CR LF", "*A,d\r\nA,1\r\n", "A=d"},
-      {"trailing blanks", "*A,d \t\nA,1\n", "A=d"},
-      {"UTF-8 behind a mark", "\xEF\xBB\xBF*\u00E9,\nA,1\n", "\u00E9="},
-      {"Windows 1252", "*\xE9,\nA,1\n", "\u00E9="},
-      {"an escape", "*\\U+4E2D,\\U+00e9\nA,1\n", "\u4E2D=\u00E9"},
-      {"no escape", "*\\U+4E2,\\U+\nA,1\n", "\\U+4E2=\\U+"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loading loaded(t.bytes);
+  for (const Row& t : rows()) {
+    const Loading loaded(t.text("bytes"));
     std::string names;
     for (int i = 0; i < loaded.loader.GetNoLtype(); ++i) {
       if (i > 0) names += ' ';
       names += loaded[i].getName().toUtf8() + '=' + loaded[i].getDesc().toUtf8();
       EXPECT_EQ(loaded[i].getFlags(), 0);
     }
-    EXPECT_EQ(names, t.names);
+    EXPECT_EQ(names, t.text("names"));
     EXPECT_EQ(loaded.loader.GetStatus(), CLtypeLoader::Done);
   }
 }
 
 TEST(LtypeLoader, Patterns) {
   const std::string plain = "/1.0/0.0/0.0/0.0";  // a text without parameters
-  const struct {
-    const char* name;
-    const char* line;
-    std::string elements;
-  } cases[] = {
-      {"dash, gap, dot", "A,1,-.5,0,+2", "1.0 -0.5 0.0 2.0"},
-      {"alignment in any dress", " a ,1", "1.0"},
-      {"no alignment", "1,-1", "1.0 -1.0"},
-      {"A is the alignment first", "A,A,1", "0.0 1.0"},
-      {"alignment alone", "A", ""},
-      {"blanks", "A, 1 ,\t-2 ", "1.0 -2.0"},
-      {"nothing between commas", "A,1,,2,", "1.0 2.0"},
-      {"malformed", "A,x,1.5y,-", "0.0 1.5 0.0"},
-      {"not finite", "A,1e999,nan,1", "0.0 0.0 1.0"},
-      {"exponent", "A,1e-3", "0.001"},
-      {"text", "A,[\"HW\",ST,S=.1,R=90,X=-.2,Y=3],1", "HW/ST/0.1/90.0/-0.2/3.0 1.0"},
-      {"small letters, any order", "A,[\"a\",ST,y=1,x=2,r=3,s=4]", "a/ST/4.0/3.0/2.0/1.0"},
-      {"parameters missing", "A,[\"a\",ST]", "a/ST" + plain},
-      {"unknown ones are ignored", "A,[\"a\",ST,U=5,S=2,SX=7,Q]", "a/ST/2.0/0.0/0.0/0.0"},
-      {"no style", "A,[\"a\",,S=2]", "a/none/2.0/0.0/0.0/0.0"},
-      {"text alone", "A,[\"a\"]", "a/none" + plain},
-      {"separators in quotes", "A,[\"a,]b\",ST],1", "a,]b/ST" + plain + " 1.0"},
-      {"blanks in brackets", "A, [ \" a \" , ST , S = 2 ] ,1", " a /ST/2.0/0.0/0.0/0.0 1.0"},
-      {"junk behind a bracket", "A,[\"a\",ST]x,1", "a/ST" + plain + " 1.0"},
-      {"bracket never closed", "A,[\"a\",ST,S=2,1,-1", "a/ST/2.0/0.0/0.0/0.0"},
-      {"quote never closed", "A,[\"a,ST,S=2],1", "a,ST,S=2],1/none" + plain},
-      {"bracket alone", "A,1,[", "1.0"},
-      {"shapes are left out", "A,1,[BOX,f.shx,x=-.1,s=.1],-1", "1.0 -1.0"},
-  };
-  for (const auto& t : cases) EXPECT_EQ(patternOf(t.line), t.elements) << t.name;
+  const Definitions names{{"plain", plain}};
+  for (const Row& t : rowsWith(names))
+    EXPECT_EQ(patternOf(t.text("line")), t.text("elements")) << t.text("name");
 }
 
 TEST(LtypeLoader, RotationsLieWithinOneTurn) {
-  const struct {
-    const char* degrees;
-    double radians;  // -1: any
-  } cases[] = {
-      {"-90", 3 * kPi / 2}, {"270", 3 * kPi / 2},    {"360", 0},   {"-360", 0},
-      {"1e300", -1},        {"-1e300", -1},          {"1e999", 0}, {"nan", 0},
-      {"7290", kPi / 2},    {"-36090", 3 * kPi / 2},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.degrees);
-    const Loading loaded("*N,\nA,[\"a\",ST,R=" + std::string(t.degrees) + "]\n");
+  for (const Row& t : rows()) {
+    const Loading loaded("*N,\nA,[\"a\",ST,R=" + t.text("degrees") + "]\n");
     const double angle = loaded[0][0]->GetText()->getContext().getRotate();
     EXPECT_GE(angle, 0);
     EXPECT_LT(angle, 2 * kPi);
-    if (t.radians < 0) continue;
-    EXPECT_NEAR(std::remainder(angle - t.radians, 2 * kPi), 0, 1e-9);
+    if (t.real("radians") < 0) continue;
+    EXPECT_NEAR(std::remainder(angle - t.real("radians"), 2 * kPi), 0, 1e-9);
   }
 }
 
@@ -157,23 +93,14 @@ TEST(LtypeLoader, AnUnknownStyleIsTheNotifiersBusiness) {
 }
 
 TEST(LtypeLoader, TheReportNamesWhatWasNotTaken) {
-  const struct {
-    const char* line;
-    const char* code;
-    std::u16string_view sample;
-  } cases[] = {
-      {"A,[BOX,f.shx]", "shape-left-out", u"BOX"},    {"A,x", "number-expected", u"x"},
-      {"A,1e999", "number-range", u"1e999"},          {"A,1,,2", "empty-field", u""},
-      {"A,[\"a\",S", "unclosed-element", u"\"a\",S"}, {"*B,\nA,1", "missing-pattern", u"N"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.code);
-    const Loading loaded(std::string(";;\n*N,\n") + t.line + "\n");
+  for (const Row& t : rows()) {
+    SCOPED_TRACE(t.text("code"));
+    const Loading loaded(";;\n*N,\n" + t.text("line") + "\n");
     const CFileReport& report = loaded.loader.GetReport();
     ASSERT_FALSE(report.empty());
-    EXPECT_STREQ(textOf(report.entries()[0].code), t.code);
+    EXPECT_EQ(textOf(report.entries()[0].code), t.text("code"));
     EXPECT_EQ(report.entries()[0].firstLine, 3);
-    EXPECT_EQ(report.entries()[0].sample, t.sample);
+    EXPECT_EQ(report.entries()[0].sample, t.wide("sample"));
   }
 }
 

@@ -1,14 +1,6 @@
-#include <fstream>
-#include <memory>
-#include <sstream>
-#include <string>
-#include <utility>
-
-#include <gtest/gtest.h>
-
 #include "draw/recorder.h"
 #include "memory/trial.h"
-#include "support/samples.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 

@@ -1,13 +1,5 @@
-#include <functional>
-#include <list>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "memory/trial.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 

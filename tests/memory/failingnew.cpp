@@ -1,8 +1,5 @@
 #include "memory/failingnew.h"
-
-#include <cstdlib>
-#include <limits>
-#include <new>
+#include "support/test.h"
 
 namespace {
 

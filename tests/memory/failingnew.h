@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/test.h"
+
 namespace vek0::test {
 
 /// What `operator new` of this executable does: it counts, and fails when told to.

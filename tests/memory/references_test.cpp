@@ -1,11 +1,5 @@
-#include <functional>
-#include <memory>
-#include <string>
-#include <utility>
-
-#include <gtest/gtest.h>
-
 #include "memory/trial.h"
+#include "support/test.h"
 #include "xref/referred.h"
 
 using namespace vek0::test;

@@ -1,13 +1,6 @@
 #include "memory/trial.h"
-
-#include <algorithm>
-#include <cstdlib>
-#include <new>
-
-#include <gtest/gtest.h>
-
 #include "memory/failingnew.h"
-#include "support/samples.h"
+#include "support/test.h"
 
 namespace vek0::test {
 namespace {

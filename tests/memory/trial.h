@@ -1,11 +1,7 @@
 #pragma once
 
-#include <functional>
-#include <memory>
-#include <string>
-#include <utility>
-
 #include "drawing/drawings.h"
+#include "support/test.h"
 
 namespace vek0::test {
 

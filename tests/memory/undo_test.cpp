@@ -1,10 +1,6 @@
-#include <memory>
-#include <string>
-
-#include <gtest/gtest.h>
-
 #include "drawing/randomeditor.h"
 #include "memory/trial.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 

@@ -1,18 +1,13 @@
-#include "vek0core/polyline/curve.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <random>
-
-#include "vek0core/geometry/arc.h"
+using namespace vek0::test;
+using vek0::detail::kTwoPi;
 
 namespace {
 
 using Vertexes = std::vector<CURVE_VERTEX>;
 
 constexpr short kFit = 2, kSpline = 4, kBezier = 8;
-constexpr double kTwoPi = 6.283185307179586;
 
 PNT_3D pnt(const CURVE_VERTEX& v) { return {v.x, v.y, v.z}; }
 
@@ -38,36 +33,15 @@ void expectSame(const CURVE_VERTEX& got, const CURVE_VERTEX& want, double within
 }
 
 TEST(Curve, NumberOfVertexes) {
-  const struct {
-    const char* name;
-    short type, degree;
-    std::size_t controls;
-    bool closed;
-    int chords;
-    std::size_t vertexes;
-  } cases[] = {
-      {"no controls", kSpline, 3, 0, true, 8, 0},
-      {"two controls stay", kSpline, 3, 2, false, 8, 2},
-      {"not a curve", 0, 3, 5, false, 8, 5},
-      {"both bits", 6, 3, 5, false, 8, 5},
-      {"open spline", kSpline, 3, 5, false, 8, 33},
-      {"closed spline", kSpline, 3, 5, true, 8, 40},
-      {"degree above the controls", kSpline, 3, 3, false, 8, 17},
-      {"degree out of range", kSpline, 99, 5, false, 8, 33},
-      {"negative degree", kSpline, -9, 5, false, 8, 33},
-      {"too few chords", kSpline, 3, 5, false, 0, 9},
-      {"too many chords", kSpline, 3, 5, false, 999, 257},
-      {"Bezier, pieces fit", kBezier, 3, 7, false, 8, 49},
-      {"Bezier, one span left over", kBezier, 3, 8, false, 8, 57},
-      {"Bezier, closed, two left over", kBezier, 3, 5, true, 8, 40},
-      {"open fit: joints between", kFit, 0, 5, false, 8, 9},
-      {"closed fit", kFit, 0, 5, true, 8, 10},
-  };
   const std::vector<PNT_2D> ring{{0, 0}, {5, -1}, {9, 2}, {9, 7}, {5, 9}, {1, 8}, {-2, 5}, {-2, 2}};
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Vertexes controls = frame({ring.begin(), ring.begin() + static_cast<long>(t.controls)});
-    EXPECT_EQ(curveVertexes(controls, t.type, t.degree, t.closed, t.chords).size(), t.vertexes);
+  const Definitions names{{"kSpline", kSpline}, {"kBezier", kBezier}, {"kFit", kFit}};
+  for (const Row& t : rowsWith(names)) {
+    const Vertexes controls =
+        frame({ring.begin(), ring.begin() + static_cast<long>(t.count("controls"))});
+    EXPECT_EQ(curveVertexes(controls, t.whole<short>("type"), t.whole<short>("degree"),
+                            t.flag("closed"), t.whole("chords"))
+                  .size(),
+              t.count("vertexes"));
   }
 }
 
@@ -103,8 +77,7 @@ TEST(Curve, DegreesBeyondTheLimitsAreTheLimits) {
 // Splines and Bezier pieces mix their controls with shares between 0 and 1.
 TEST(Curve, SplinesStayInTheBoxOfTheirControls) {
   std::mt19937 random(58);
-  for (int round = 0; round < 200; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed 58, round " << round);
+  for (const int round : rounds(200)) {
     const Vertexes controls = randomFrame(random, 3 + static_cast<std::size_t>(round % 9));
     RECT_3D box;
     box.initRegion();
@@ -131,8 +104,7 @@ TEST(Curve, SmallestOpenSplineIsABezierPiece) {
     const Vertexes spline = curveVertexes(controls, kSpline, degree, false);
     const Vertexes bezier = curveVertexes(controls, kBezier, degree, false);
     ASSERT_EQ(spline.size(), bezier.size());
-    for (std::size_t i = 0; i < spline.size(); ++i) {
-      SCOPED_TRACE(testing::Message() << "degree " << degree << ", vertex " << i);
+    for (const std::size_t i : rounds<std::size_t>(spline.size())) {
       const double t = static_cast<double>(i) / static_cast<double>(spline.size() - 1), u = 1 - t;
       const double b2[] = {u * u, 2 * u * t, t * t};
       const double b3[] = {u * u * u, 3 * u * u * t, 3 * u * t * t, t * t * t};
@@ -179,8 +151,7 @@ TEST(Curve, SplinesTurnSlowly) {
 TEST(Curve, ReversedControlsGiveTheReversedCurve) {
   std::mt19937 random(54);
   for (const short type : {kFit, kSpline, kBezier}) {
-    for (int round = 0; round < 50; ++round) {
-      SCOPED_TRACE(testing::Message() << "seed 54, type " << type << ", round " << round);
+    for ([[maybe_unused]] const int round : rounds(50)) {
       // Seven controls: the Bezier pieces come out the same from both ends.
       const Vertexes controls = randomFrame(random, 7);
       const Vertexes reversed(controls.rbegin(), controls.rend());
@@ -203,8 +174,7 @@ TEST(Curve, WidthsFollowTheFrame) {
     controls[i].widthStart = widths[i][0];
     controls[i].widthEnd = widths[i][1];
   }
-  for (const short type : {kFit, kSpline, kBezier}) {
-    SCOPED_TRACE(type);
+  for (const short type : named<short>({kFit, kSpline, kBezier})) {
     const Vertexes curve = curveVertexes(controls, type, 3, false, 2);
     ASSERT_EQ(curve.size(), 7u);
     const double want[][2] = {{1, 2}, {2, 3}, {3, 1.5}, {1.5, 0}, {8, 8}, {8, 8}};
@@ -264,8 +234,7 @@ double direction(const Vertexes& curve, std::size_t i, bool end) {
 TEST(FitCurve, PassesThroughAllControlsWithoutAKink) {
   std::mt19937 random(55);
   std::uniform_real_distribution<double> real(-1, 1);
-  for (int round = 0; round < 200; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed 55, round " << round);
+  for ([[maybe_unused]] const int round : rounds(200)) {
     // A path that wanders but does not double back.
     Vertexes controls;
     double x = 0, y = 0, heading = 0;
@@ -297,8 +266,7 @@ TEST(FitCurve, EqualTangentsAcrossTheWayGiveTwoHalfCircles) {
 
 // Points of the parabola y = s * x^2: each span turns by 2 * s, each arc by half of it.
 TEST(FitCurve, FlatArcsKeepTheirDigits) {
-  for (const double s : {1e-4, 1e-5, 1e-6, 1e-7}) {
-    SCOPED_TRACE(s);
+  for (const double s : named<double>({1e-4, 1e-5, 1e-6, 1e-7})) {
     const Vertexes curve =
         curveVertexes(frame({{-1, s}, {0, 0}, {1, s}, {2, 4 * s}}), kFit, 0, false);
     ASSERT_EQ(curve.size(), 7u);
@@ -342,8 +310,7 @@ TEST(Curve, HugeAndRepeatedControlsGiveFiniteCurves) {
   std::mt19937 random(56);
   std::uniform_int_distribution<int> exponent(-300, 300);
   std::uniform_int_distribution<int> same(0, 3);
-  for (int round = 0; round < 2000; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed 56, round " << round);
+  for (const int round : rounds(2000)) {
     Vertexes controls = randomFrame(random, 3 + static_cast<std::size_t>(round % 6));
     for (std::size_t i = 0; i < controls.size(); ++i) {
       const double size = std::pow(10, exponent(random));

@@ -1,11 +1,6 @@
-#include "vek0core/polyline/offset.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <random>
-#include <sstream>
+using namespace vek0::test;
 
 namespace {
 
@@ -20,47 +15,21 @@ std::vector<PNT_2D> pts(const std::string& text) {
 void expectPoints(const std::vector<PNT_2D>& got, const std::string& expected) {
   const std::vector<PNT_2D> want = pts(expected);
   ASSERT_EQ(got.size(), want.size());
-  for (std::size_t i = 0; i < got.size(); ++i) {
-    SCOPED_TRACE(i);
+  for (const std::size_t i : rounds<std::size_t>(got.size())) {
     EXPECT_NEAR(got[i].x, want[i].x, 1e-9);
     EXPECT_NEAR(got[i].y, want[i].y, 1e-9);
   }
 }
 
 TEST(CalcParalLine, KnownChains) {
-  const struct {
-    const char* name;
-    const char* points;
-    bool closed;
-    double dist;
-    const char* expected;
-  } cases[] = {
-      {"left turn, outside", "0,0 10,0 10,10", false, 1, "0,-1 11,-1 11,10"},
-      {"left turn, inside", "0,0 10,0 10,10", false, -1, "0,1 9,1 9,10"},
-      {"two points", "0,0 10,0", false, 2, "0,-2 10,-2"},
-      {"two points, closed or not", "0,0 10,0", true, 2, "0,-2 10,-2"},
-      {"one segment and its repeats", "0,0 0,0 10,0 10,0", true, 2, "0,-2 10,-2"},
-      {"square inwards from corner 1", "0,0 10,0 10,10 0,10", true, -1, "9,1 9,9 1,9 1,1"},
-      {"square outwards from corner 1", "0,0 10,0 10,10 0,10", true, 1, "11,-1 11,11 -1,11 -1,-1"},
-      {"closed by its last point", "0,0 10,0 10,10 0,10 0,0", true, -1, "9,1 9,9 1,9 1,1"},
-      {"straight on", "0,0 5,0 10,0", false, 1, "0,-1 5,-1 10,-1"},
-      {"points that coincide", "0,0 5,0 5,0 5,5", false, 1, "0,-1 6,-1 6,5"},
-      {"nothing but one point", "3,3 3,3 3,3", true, 1, ""},
-      {"a single point", "3,3", false, 1, ""},
-      {"no distance", "0,0 10,0 10,10", false, 0, "0,0 10,0 10,10"},
-      {"turns back: the second goes", "0,0 10,0 1,0", false, 1, "0,-1 10,-1"},
-      {"turns back: the first goes", "0,0 9,0 -1,0", false, 1, "9,1 -1,1"},
-      {"spike beyond ten lengths", "0,0 10,0 0.1,0.1", false, 1, "0,-1 10,-1"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    const std::vector<PNT_2D> points = pts(c.points);
-    expectPoints(CalcParalLine(points, c.dist, c.closed), c.expected);
+  for (const Row& c : rows()) {
+    const std::vector<PNT_2D> points = pts(c.text("points"));
+    expectPoints(CalcParalLine(points, c.real("dist"), c.flag("closed")), c.text("expected"));
     std::vector<PNT_2D> out(points.size() + 2, PNT_2D(77, 77));
-    const int n =
-        CalcParalLine(points.data(), static_cast<int>(points.size()), c.dist, c.closed, out.data());
+    const int n = CalcParalLine(points.data(), static_cast<int>(points.size()), c.real("dist"),
+                                c.flag("closed"), out.data());
     out.resize(static_cast<std::size_t>(n));
-    expectPoints(out, c.expected);
+    expectPoints(out, c.text("expected"));
   }
   EXPECT_EQ(CalcParalLine(static_cast<const PNT_2D*>(nullptr), 0, 1, true, nullptr), 0);
 }
@@ -130,8 +99,7 @@ std::vector<PNT_2D> bySteps(const std::vector<PNT_2D>& pts, double dist, bool cl
 TEST(CalcParalLine, GoesOnWhereANewPassWouldComeAgain) {
   std::mt19937 random(1);
   std::uniform_real_distribution<double> place(-10, 10), distance(-3, 3);
-  for (int round = 0; round < 5000; ++round) {
-    SCOPED_TRACE(round);
+  for (const int round : rounds(5000)) {
     std::vector<PNT_2D> points;
     const bool onLattice = round % 4 == 0;
     for (auto n = random() % 12; n-- > 0;) {
@@ -174,34 +142,11 @@ TEST(CalcParalLine, NumbersThatAreNoneDropTheirSegments) {
 }
 
 TEST(PtLeftSide, NearestSegmentDecides) {
-  const struct {
-    const char* name;
-    const char* points;
-    bool closed;
-    double x, y;
-    bool left;
-  } cases[] = {
-      {"beside the first", "0,0 10,0 10,10", false, 5, 1, true},
-      {"beside the other side of it", "0,0 10,0 10,10", false, 5, -1, false},
-      {"on it", "0,0 10,0 10,10", false, 5, 0, false},
-      {"outside a left turn's corner", "0,0 10,0 10,10", false, 11, -1, false},
-      {"above its first, beyond the other", "0,0 10,0 10,10", false, 10.1, 9, false},
-      {"inside a right turn's corner", "0,0 10,0 10,-10", false, 9, -1, false},
-      {"outside a right turn's corner", "0,0 10,0 10,-10", false, 11, 1, true},
-      {"beyond the start", "0,0 10,0 10,10", false, -5, 1, true},
-      {"closed: nearest is the last", "0,0 10,0 10,10 0,10", true, 1, 5, true},
-      {"open: nearest is the first", "0,0 10,0 10,10 0,10", false, 1, 4, true},
-      {"outside the closed square", "0,0 10,0 10,10 0,10", true, -1, -1, false},
-      {"repeated points", "0,0 0,0 10,0 10,0", false, 5, 1, true},
-      {"one point", "0,0", false, 5, 1, false},
-      {"one place", "0,0 0,0", true, 5, 1, false},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    const std::vector<PNT_2D> points = pts(c.points);
-    EXPECT_EQ(
-        PtLeftSide(points.data(), static_cast<int>(points.size()), c.closed, PNT_2D(c.x, c.y)),
-        c.left);
+  for (const Row& c : rows()) {
+    const std::vector<PNT_2D> points = pts(c.text("points"));
+    EXPECT_EQ(PtLeftSide(points.data(), static_cast<int>(points.size()), c.flag("closed"),
+                         PNT_2D(c.real("x"), c.real("y"))),
+              c.flag("left"));
   }
 }
 
@@ -209,8 +154,7 @@ TEST(PtLeftSide, NearestSegmentDecides) {
 TEST(PtLeftSide, OfARingIsItsInside) {
   std::mt19937 random(2);
   std::uniform_real_distribution<double> radius(2, 10), place(-11, 11);
-  for (int round = 0; round < 200; ++round) {
-    SCOPED_TRACE(round);
+  for ([[maybe_unused]] const int round : rounds(200)) {
     std::vector<PNT_2D> ring;
     for (int i = 0; i < 12; ++i) {
       const double r = radius(random), a = 6.283185307179586 * i / 12;

@@ -1,15 +1,9 @@
-#include <gtest/gtest.h>
+#include "support/test.h"
 
-#include <algorithm>
-#include <cmath>
-#include <limits>
-#include <random>
-
-#include "vek0core/polyline/offset.h"
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
 
 std::vector<PATH_3D> offsetsOf(const PATH_3D& path, double dist,
                                OFFSET_JOIN join = OFFSET_JOIN::round) {
@@ -88,8 +82,7 @@ TEST(OffsetPath, KnownShapes) {
       {"arcs stay arcs inwards", pill, -1, round, 1, 4, 16 + kPi},
       {"a waist too narrow gives two", waist, -2, round, 2, 14, waistArea},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+  for (const auto& c : named(cases)) {
     const std::vector<PATH_3D> out = offsetsOf(c.path, c.dist, c.join);
     EXPECT_EQ(out.size(), c.paths);
     std::size_t edges = 0;
@@ -148,8 +141,7 @@ TEST(OffsetPath, KeepsItsDistanceAndMissesNothing) {
   std::mt19937 random(1);
   std::uniform_real_distribution<double> distance(-3, 3), share(0, 1);
   int wanted = 0;
-  for (int round = 0; round < 600; ++round) {
-    SCOPED_TRACE(round);
+  for (const int round : rounds(600)) {
     const PATH_3D path = randomChain(random, round % 2 == 0);
     const double dist = distance(random), d = std::fabs(dist);
     const std::vector<PATH_3D> out = offsetsOf(path, dist);
@@ -176,8 +168,7 @@ TEST(OffsetPath, KeepsItsDistanceAndMissesNothing) {
 // Turned, mirrored, begun elsewhere: the same results.
 TEST(OffsetPath, DoesNotDependOnTheStartOrTheFrame) {
   std::mt19937 random(2);
-  for (int round = 0; round < 150; ++round) {
-    SCOPED_TRACE(round);
+  for ([[maybe_unused]] const int round : rounds(150)) {
     const PATH_3D path = randomChain(random, true);
     const std::vector<PATH_3D> out = offsetsOf(path, 0.8);
     PATH_3D other = path;
@@ -196,8 +187,7 @@ TEST(OffsetPath, DoesNotDependOnTheStartOrTheFrame) {
 TEST(OffsetPath, RingsStayClosed) {
   std::mt19937 random(3);
   std::uniform_real_distribution<double> radius(2, 10), bulge(-0.2, 0.2);
-  for (int round = 0; round < 200; ++round) {
-    SCOPED_TRACE(round);
+  for (const int round : rounds(200)) {
     std::vector<PNT_3D> points;
     std::vector<double> bulges;
     const bool onLattice = round % 2 == 0;

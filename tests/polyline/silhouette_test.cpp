@@ -1,14 +1,6 @@
-#include "vek0core/polyline/silhouette.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <random>
-#include <sstream>
-#include <string>
-
-#include "vek0core/geometry/line.h"
-#include "vek0core/geometry/rect.h"
+using namespace vek0::test;
 
 namespace {
 
@@ -57,55 +49,11 @@ double area(const Ring& ring) {
 }
 
 TEST(Silhouette, Rings) {
-  const struct {
-    const char* name;
-    const char* vertexes;
-    bool closed;
-    std::vector<const char*> rings;
-  } cases[] = {
-      {"a segment", "0,0 10,0", false, {"0,1 10,1 10,-1 0,-1"}},
-      {"a tapered segment", "0,0,2,0 10,0", false, {"0,1 10,0 10,0 0,-1"}},
-      {"a corner is mitred", "0,0 10,0 10,10", false, {"0,1 9,1 9,10 11,10 11,-1 0,-1"}},
-      {"going straight on", "0,0 5,0 10,0", false, {"0,1 5,1 10,1 10,-1 5,-1 0,-1"}},
-      {"a step in width",
-       "0,0,2,2 5,0,4,4 10,0",
-       false,
-       {"0,1 5,1 5,0 5,2 10,2 10,-2 5,-2 5,0 5,-1 0,-1"}},
-      {"a wide one leaves a narrow one",
-       "0,0,2,2 100,0,40,40 100,100",
-       false,
-       {"0,1 80,1 80,100 120,100 120,0 100,0 100,-1 0,-1"}},
-      {"a narrow one leaves a wide one",
-       "0,0,40,40 100,0,2,2 100,100",
-       false,
-       {"0,20 99,20 99,100 101,100 101,0 100,0 100,-20 0,-20"}},
-      {"turning back",
-       "0,0 10,0 5,0",
-       false,
-       {"0,1 10,1 10,0 10,-1 5,-1 5,1 10,1 10,0 10,-1 0,-1"}},
-      {"repeated vertices",
-       "0,0 0,0 10,0 10,0 10,10 10,10",
-       false,
-       {"0,1 9,1 9,10 11,10 11,-1 0,-1"}},
-      {"a closed square",
-       "0,0 10,0 10,10 0,10",
-       true,
-       {"9,1 9,9 1,9 1,1", "11,-1 11,11 -1,11 -1,-1"}},
-      {"closed, last vertex repeats the first",
-       "0,0 10,0 10,10 0,10 0,0",
-       true,
-       {"9,1 9,9 1,9 1,1", "11,-1 11,11 -1,11 -1,-1"}},
-      {"negative widths count as sizes", "0,0,-2,-2 10,0", false, {"0,1 10,1 10,-1 0,-1"}},
-      {"no widths", "0,0,0,0 10,0,0,0 10,10,0,0", false, {"0,0 10,0 10,10 10,10 10,0 0,0"}},
-      {"no length", "3,3 3,3", false, {"3,3 3,3"}},
-      {"a closed point", "3,3", true, {"3,3"}},
-      {"nothing", "", true, {}},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const CPolylineSilhouette silhouette(wide(t.vertexes, 2), t.closed);
-    ASSERT_EQ(silhouette.getNoRuns(), t.rings.size());
-    for (std::size_t i = 0; i < t.rings.size(); ++i) expectRing(silhouette.getRun(i), t.rings[i]);
+  for (const Row& t : rows()) {
+    const CPolylineSilhouette silhouette(wide(t.text("vertexes"), 2), t.flag("closed"));
+    const std::vector<std::string> rings = t.list("rings");
+    ASSERT_EQ(silhouette.getNoRuns(), rings.size());
+    for (std::size_t i = 0; i < rings.size(); ++i) expectRing(silhouette.getRun(i), rings[i]);
   }
 }
 
@@ -130,8 +78,7 @@ TEST(Silhouette, StraightJointsStayAtTheirVertexes) {
 
 // The mitre of width 2 reaches 1 / sin(a / 2) out of a corner of angle a: 8 is the limit.
 TEST(Silhouette, SharpCornersAreBevelled) {
-  for (const double degrees : {20.0, 15.0, 14.0, 5.0, 0.1}) {
-    SCOPED_TRACE(degrees);
+  for (const double degrees : named<double>({20.0, 15.0, 14.0, 5.0, 0.1})) {
     const double a = degrees * 3.141592653589793 / 180;
     const Wide corner{{PNT_3D(100, 0, 0), 2, 2},
                       {PNT_3D(0, 0, 0), 2, 2},
@@ -170,8 +117,7 @@ Wide gentlePath(std::mt19937& random, std::size_t n, double width) {
 // Mitres take from one side what they give to the other, so the area is width * length.
 TEST(Silhouette, AreaIsWidthTimesLengthAndDirectionDoesNotMatter) {
   std::mt19937 random(61);
-  for (int round = 0; round < 200; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed 61, round " << round);
+  for ([[maybe_unused]] const int round : rounds(200)) {
     const Wide path = gentlePath(random, 20, 1.5);
     double length = 0;
     for (std::size_t i = 0; i + 1 < path.size(); ++i) length += path[i].pnt.dist(path[i + 1].pnt);
@@ -194,8 +140,7 @@ TEST(Silhouette, AreaIsWidthTimesLengthAndDirectionDoesNotMatter) {
 TEST(Silhouette, MovesAndTurnsWithThePolyline) {
   std::mt19937 random(62);
   std::uniform_real_distribution<double> real(-50, 50);
-  for (int round = 0; round < 300; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed 62, round " << round);
+  for ([[maybe_unused]] const int round : rounds(300)) {
     Wide path, moved;
     for (int i = 0; i < 8; ++i) {
       path.push_back({PNT_3D(real(random), real(random), 0), std::fabs(real(random)) / 5, 3});
@@ -257,8 +202,7 @@ bool isInBody(const Wide& path, std::size_t i, const PNT_2D& p) {
 TEST(Silhouette, HoldsWhatIsDrawn) {
   std::mt19937 random(64);
   std::uniform_real_distribution<double> real(-50, 50), share(0.001, 0.999);
-  for (int round = 0; round < 3000; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed 64, round " << round);
+  for (const int round : rounds(3000)) {
     const bool closed = round % 2 == 0, jumps = round % 3 == 0, tapers = round % 3 == 1;
     Wide path;
     for (int i = 0; i < 3 + round % 5; ++i) {
@@ -293,8 +237,7 @@ TEST(Silhouette, WildInputStaysBoundedAndANumber) {
   std::mt19937 random(63);
   std::uniform_real_distribution<double> real(-1, 1);
   std::uniform_int_distribution<int> exponent(-300, 300), pick(0, 3);
-  for (int round = 0; round < 3000; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed 63, round " << round);
+  for (const int round : rounds(3000)) {
     const int spread = round % 2 == 0 ? 0 : 300;
     const auto value = [&] {
       return real(random) * std::pow(10, std::min(spread, std::max(-spread, exponent(random))));

@@ -1,10 +1,4 @@
-#include "vek0core/tables/colors.h"
-
-#include <gtest/gtest.h>
-
-#include <set>
-#include <string>
-
+#include "support/test.h"
 #include "zim0lang/stringloader.h"
 
 namespace {

@@ -1,12 +1,8 @@
 // Restoring items between their old neighbors, in arrays that were compacted meanwhile.
 #include "tables/holes.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstddef>
-#include <random>
-#include <vector>
+using namespace vek0::test;
 
 namespace {
 
@@ -22,11 +18,11 @@ class Shelf {
     m_slots[m_things[number].pos] = nullptr;
     ++m_holes;
   }
-  // Before the next of the numbers that is there.
-  void restore(std::size_t number, const std::vector<bool>& isThere) {
-    std::size_t next = number + 1;
-    while (next < m_things.size() && !isThere[next]) ++next;
-    const std::size_t at = next < m_things.size() ? m_things[next].pos : m_slots.size();
+  // Before the next of the numbers that is there: `present` has an 'x' for each of those. A string,
+  // because its search is fast even without optimization.
+  void restore(std::size_t number, const std::string& present) {
+    const std::size_t next = present.find('x', number + 1);
+    const std::size_t at = next != std::string::npos ? m_things[next].pos : m_slots.size();
     const std::size_t slot =
         vek0::detail::holeBefore(m_slots, at, m_holes, [this](Thing& thing, std::size_t pos) {
           thing.pos = pos;
@@ -76,19 +72,19 @@ std::vector<std::size_t> shuffled(std::size_t count, unsigned seed) {
 }  // namespace
 
 TEST(HoleBefore, KeepsOrderAndCountWhateverComesBack) {
-  for (unsigned seed = 0; seed < 200; ++seed) {
-    SCOPED_TRACE(testing::Message() << "seed " << seed);
+  for (const unsigned seed : rounds<unsigned>(200)) {
     std::mt19937 random(seed);
     const std::size_t count = 1 + random() % 150;
     Shelf shelf(count);
-    std::vector<bool> isThere(count, true);
+    std::string present(count, 'x');
     for (int i = 0; i < 600; ++i) {
       const std::size_t number = random() % count;
-      if (isThere[number])
+      const bool isPresent = present[number] == 'x';
+      if (isPresent)
         shelf.remove(number);
       else
-        shelf.restore(number, isThere);
-      isThere[number] = !isThere[number];
+        shelf.restore(number, present);
+      present[number] = isPresent ? ' ' : 'x';
       if (random() % 20 == 0) shelf.closeUp();
       ASSERT_TRUE(shelf.isSound());
     }
@@ -110,18 +106,17 @@ TEST(HoleBefore, GrowsAndMovesWithWhatIsInUse) {
       {"forwards", forwards},
       {"backwards", backwards},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     Shelf shelf(kCount);
-    std::vector<bool> isThere(kCount, false);
-    isThere[kCount / 2] = true;
+    std::string present(kCount, ' ');
+    present[kCount / 2] = 'x';
     for (const std::size_t number : t.order)
-      if (!isThere[number]) shelf.remove(number);
+      if (present[number] != 'x') shelf.remove(number);
     shelf.closeUp();
     for (const std::size_t number : t.order) {
-      if (isThere[number]) continue;
-      shelf.restore(number, isThere);
-      isThere[number] = true;
+      if (present[number] == 'x') continue;
+      shelf.restore(number, present);
+      present[number] = 'x';
     }
     EXPECT_TRUE(shelf.isSound());
     EXPECT_LE(shelf.size(), 2 * kCount);

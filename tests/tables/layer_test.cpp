@@ -1,15 +1,9 @@
-#include "vek0core/tables/layer.h"
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-
+#include "support/test.h"
 #include "tables/tableitems.h"
 
-namespace {
+using namespace vek0::test;
 
-using vek0::test::Tables;
+namespace {
 
 TEST(Layer, EachSwitchIsOneBit) {
   const struct {
@@ -24,8 +18,7 @@ TEST(Layer, EachSwitchIsOneBit) {
       {"private", &CLayer::setPrivate, &CLayer::isPrivate, 0x8000},
   };
   constexpr long others = 0x1240;
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     const auto layer = vek0::test::layer(u"L", nullptr, 7, others);
     (layer.get()->*t.set)(true);
     EXPECT_TRUE((layer.get()->*t.is)());
@@ -104,8 +97,7 @@ TEST(LayerMemento, HoldsNameLinetypeFlagsAndColour) {
       {"flags", [](CLayer& l, Tables&) { l.setFrozen(true); }},
       {"colour", [](CLayer& l, Tables&) { l.setColor(4); }},
   };
-  for (const auto& c : changes) {
-    SCOPED_TRACE(c.name);
+  for (const auto& c : named(changes)) {
     EXPECT_TRUE(*memento == *layer);
     c.change(*layer, t);
     EXPECT_TRUE(*memento != *layer);

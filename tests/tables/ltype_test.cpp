@@ -1,15 +1,9 @@
-#include "vek0core/tables/ltype.h"
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-
+#include "support/test.h"
 #include "tables/tableitems.h"
 
-namespace {
+using namespace vek0::test;
 
-using vek0::test::Tables;
+namespace {
 
 std::unique_ptr<CLtype> make(const zim::WString& name, const zim::WString& desc, double* values,
                              long count, long flags) {
@@ -31,8 +25,7 @@ TEST(Ltype, EqualityIsTheCheapOne) {
       {"flags differ", make(u"DASHED", u"_ _", values, 3, 0), false},
       {"one element fewer", make(u"DASHED", u"_ _", values, 2, 1), false},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     EXPECT_EQ(*reference == *t.other, t.equal);
     EXPECT_EQ(*reference != *t.other, !t.equal);
   }
@@ -84,8 +77,7 @@ TEST(LtypeMemento, BringsTheWholeDefinitionBack) {
          l.AddDashDouble(0.5);
        }},
   };
-  for (const auto& c : changes) {
-    SCOPED_TRACE(c.name);
+  for (const auto& c : named(changes)) {
     EXPECT_TRUE(*memento == *ltype);
     c.change(*ltype);
     EXPECT_TRUE(*memento != *ltype);

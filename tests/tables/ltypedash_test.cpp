@@ -1,15 +1,7 @@
-#include "vek0core/tables/ltypedash.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <memory>
-#include <random>
-#include <string>
-#include <vector>
-
+#include "support/test.h"
 #include "tables/tableitems.h"
+
+using namespace vek0::test;
 
 namespace {
 
@@ -91,8 +83,7 @@ TEST(LtypeDashes, EqualityComparesEveryElement) {
       {"same text", text, text, true},
       {"text in another case", text, otherText, false},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     EXPECT_EQ(t.a == t.b, t.equal);
     EXPECT_EQ(t.b != t.a, !t.equal);
   }

@@ -1,12 +1,6 @@
-#include "vek0core/tables/nameditem.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <memory>
-#include <random>
-#include <string>
-#include <vector>
+using namespace vek0::test;
 
 namespace {
 
@@ -128,8 +122,7 @@ TEST(NamedItemTable, NumbersAreTheSmallestThatNoNameTakes) {
       {"another prefix with that number", {u"*PATX1", u"PAT1"}, 1},
       {"the gap in the middle", {u"*PAT3", u"*PAT1", u"*PAT4"}, 2},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     Table before, after;
     EXPECT_EQ(before.getProgNum(u"*PAT"), 1);
     for (const zim::WString& name : t.taken) {

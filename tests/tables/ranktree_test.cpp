@@ -1,10 +1,5 @@
 #include "tables/ranktree.h"
-
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <random>
-#include <vector>
+#include "support/test.h"
 
 namespace {
 

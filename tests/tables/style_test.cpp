@@ -1,13 +1,7 @@
-#include "vek0core/tables/style.h"
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-
+#include "support/test.h"
 #include "tables/tableitems.h"
-#include "vek0core/tables/font.h"
-#include "vek0core/tables/styletable.h"
+
+using namespace vek0::test;
 
 namespace {
 
@@ -58,29 +52,16 @@ TEST_F(Fonts, AreDeletedOnceHoweverOftenAdded) {
 }
 
 TEST(FontMetrics, DefaultsMeasureByTheLetter) {
-  const struct {
-    const char* name;
-    const char* text;
-    bool bold;
-    double width;
-  } cases[] = {
-      {"nothing", "", false, 0},
-      {"letters", "abc", false, 2.7},
-      {"bold", "abc", true, 2.97},
-      {"Chinese", "\xE5\x9B\xBE\xE7\xBA\xB8", false, 3.6},
-      {"Hangul and a letter", "\xED\x95\x9Cx", false, 2.7},
-      {"two units, one letter", "\xF0\x9F\x93\x90", false, 0.9},
-      {"two units, one ideograph", "\xF0\xA0\x80\x80", false, 1.8},
-      {"half-width katakana", "\xEF\xBD\xB1", false, 0.9},
-  };
   const Font font(u"name only");
   EXPECT_DOUBLE_EQ(font.getHeightUnit(), 1);
   EXPECT_DOUBLE_EQ(font.getFullHeight(), 1);
   EXPECT_DOUBLE_EQ(font.getDescent(), 1.0 / 3);
-  for (const auto& t : cases) {
-    const zim::WString text = zim::WString::fromUtf8(t.text);
-    EXPECT_DOUBLE_EQ(font.getStringWidth(text, false, t.bold, false), t.width) << t.name;
-    EXPECT_DOUBLE_EQ(defaultFontMetrics().getStringWidth(text, true, t.bold, true), t.width);
+  for (const Row& t : rows()) {
+    const zim::WString text = t.wide("text");
+    EXPECT_DOUBLE_EQ(font.getStringWidth(text, false, t.flag("bold"), false), t.real("width"))
+        << t.text("name");
+    EXPECT_DOUBLE_EQ(defaultFontMetrics().getStringWidth(text, true, t.flag("bold"), true),
+                     t.real("width"));
   }
 }
 
@@ -102,8 +83,7 @@ TEST(Style, EqualityLeavesOutTheLastHeight) {
       {"oblique", [](CStyle& s) { s.setOblique(0.1); }, false},
       {"flags", [](CStyle& s) { s.setItalic(true); }, false},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     const std::unique_ptr<CStyle> other(CStyleFactory().create(*reference));
     const std::unique_ptr<CStyleMemento> memento(other->createMemento());
     t.change(*other);

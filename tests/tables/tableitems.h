@@ -1,15 +1,6 @@
 #pragma once
 
-#include <memory>
-#include <string>
-
-#include "vek0core/tables/font.h"
-#include "vek0core/tables/layer.h"
-#include "vek0core/tables/layertable.h"
-#include "vek0core/tables/ltype.h"
-#include "vek0core/tables/ltypetable.h"
-#include "vek0core/tables/style.h"
-#include "vek0core/tables/text.h"
+#include "support/test.h"
 
 namespace vek0::test {
 

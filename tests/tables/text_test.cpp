@@ -1,17 +1,10 @@
-#include "vek0core/tables/text.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <memory>
-#include <random>
-#include <string>
-
+#include "support/test.h"
 #include "tables/tableitems.h"
+
+using vek0::detail::kPi;
 
 namespace {
 
-constexpr double kPi = 3.141592653589793;
 constexpr double kTolerance = 1e-9;
 
 // Ten units high, capitals of eight, a descent of two, five per character.

@@ -1,32 +1,19 @@
 // Edits as scripts make them: what steps do, in which order, and what they reject.
-#include <gtest/gtest.h>
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
-#include <string>
-#include <vector>
 
-#include "support/samples.h"
+#include "support/test.h"
 #include "tooltest.h"
+
+using namespace vek0::test;
 
 using Json = nlohmann::json;
 
 namespace {
 
-// "0 LINE|8 A" as pairs on two lines each.
-std::string pairs(const std::string& text) {
-  std::string lines;
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t end = std::min(text.find('|', at), text.size()), gap = text.find(' ', at);
-    lines += text.substr(at, gap - at) + "\n" + text.substr(gap + 1, end - gap - 1) + "\n";
-    at = end + 1;
-  }
-  return lines;
-}
-
 // Two walls that meet at (10,0) on separate layers, a circle on a layer with a comma in its name, a
 // closed clockwise square, a block inserted once, and unused items.
-const std::string kPlan = pairs(
+const std::string kPlan = pairsOf(
     "0 SECTION|2 TABLES|"
     "0 TABLE|2 LTYPE|70 2|0 LTYPE|2 USED|70 0|3 |72 65|73 2|40 2|49 1|49 -1|"
     "0 LTYPE|2 SPARE|70 0|3 |72 65|73 2|40 2|49 1|49 -1|0 ENDTAB|"
@@ -69,32 +56,12 @@ class Edit : public Tool {
 }  // namespace
 
 TEST_F(Edit, SelectsByLayerKindAndWindow) {
-  const struct {
-    const char* select;
-    int count;  // 0: fails
-  } cases[] = {
-      {"all", 5},
-      {"layer=WALL1", 2},
-      {"layer=wall?", 3},
-      {"layer=WALL1,WALL2,kind=LINE", 2},
-      {"kind=line,circle", 3},
-      {"kind=Line,layer=WALL2", 1},
-      {"\"layer=\\\"A,B\\\"\"", 1},
-      {"'layer=\"A,B\",AREA'", 2},
-      {"layer=A*", 2},
-      {"window=0,0,10,30", 3},
-      {"window=10,30,0,0,kind=polyline", 1},
-      {"window=0,0,9.99,30", 0},
-      {"window=44.9,44,55,55.1,layer=*", 1},
-      {"layer=A,B", 0},
-      {"layer=WALL1,kind=circle", 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.select);
-    const Outcome got = edit(std::string("--select ") + t.select + " --set-color red");
-    ASSERT_EQ(got.code, t.count == 0 ? 1 : 0) << got.err;
-    if (t.count == 0) continue;
-    const std::string number = std::to_string(t.count) + (t.count == 1 ? " entity" : " entities");
+  for (const Row& t : rows()) {
+    const Outcome got = edit(std::string("--select ") + t.text("select") + " --set-color red");
+    ASSERT_EQ(got.code, t.whole("count") == 0 ? 1 : 0) << got.err;
+    if (t.whole("count") == 0) continue;
+    const std::string number =
+        std::to_string(t.whole("count")) + (t.whole("count") == 1 ? " entity" : " entities");
     EXPECT_NE(got.err.find(": " + number + " selected\n"), std::string::npos) << got.err;
     EXPECT_NE(got.err.find(": " + number + " colored red\n"), std::string::npos) << got.err;
   }
@@ -103,28 +70,13 @@ TEST_F(Edit, SelectsByLayerKindAndWindow) {
 TEST_F(Edit, TransformsWhatIsSelectedInTheOrderGiven) {
   const std::string wall = "--select layer=WALL1,kind=line ";  // from 0,0 to 10,0
   const std::string alone = " --select layer=WALL2,AREA,A?B --delete --select kind=insert --delete";
-  const struct {
-    const char* name;
-    const char* steps;
-    std::vector<double> min, max;
-  } cases[] = {
-      {"moved", "--move -5,3", {-5, 3, 0}, {5, 3, 0}},
-      {"moved in space", "--move 0,0,7", {0, 0, 7}, {10, 0, 7}},
-      {"moved then turned", "--move 10,0 --rotate 180@0,0", {-20, 0, 0}, {-10, 0, 0}},
-      {"turned then moved", "--rotate 180@0,0 --move 10,0", {0, 0, 0}, {10, 0, 0}},
-      {"scaled about a point", "--scale 2@10,1", {-10, -1, 0}, {10, -1, 0}},
-      {"scaled by less than 0", "--scale -1@0,2", {-10, 4, 0}, {0, 4, 0}},
-      {"values after signs", "--move=1,1 --scale=0.5@0,0", {.5, .5, 0}, {5.5, .5, 0}},
-      {"selected anew", "--move 1,0 --select layer=AREA --move 5,5", {1, 0, 0}, {11, 0, 0}},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Outcome got = edit(wall + t.steps + alone);
+  for (const Row& t : rows()) {
+    const Outcome got = edit(wall + t.text("steps") + alone);
     ASSERT_EQ(got.code, 0) << got.err;
     const Json extents = info()["extents"];
     for (std::size_t i = 0; i < 3; ++i) {
-      EXPECT_NEAR(extents["min"][i].get<double>(), t.min[i], 1e-12) << i;
-      EXPECT_NEAR(extents["max"][i].get<double>(), t.max[i], 1e-12) << i;
+      EXPECT_NEAR(extents["min"][i].get<double>(), t.reals("min")[i], 1e-12) << i;
+      EXPECT_NEAR(extents["max"][i].get<double>(), t.reals("max")[i], 1e-12) << i;
     }
   }
 }
@@ -160,8 +112,7 @@ TEST_F(Edit, CurvesComeApartTogetherAndBesides) {
        "--select kind=circle --offset -6",
        {{"LINE", 2}, {"CIRCLE", 1}, {"POLYLINE", 1}, {"INSERT", 1}}},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     const Outcome got = edit(t.steps);
     ASSERT_EQ(got.code, 0) << got.err;
     EXPECT_EQ(info()["entities"], t.entities) << got.err;
@@ -170,21 +121,11 @@ TEST_F(Edit, CurvesComeApartTogetherAndBesides) {
 
 // The square of the plan is clockwise, the circle counterclockwise.
 TEST_F(Edit, ParallelsOfClosedCurvesAreOutsideForMoreThanNothing) {
-  const struct {
-    const char* offset;
-    double side;  // of the parallel
-  } cases[] = {
-      {"1", 12},
-      {"-1", 8},
-      {"1,mitre", 12},
-      {"-2,bevel", 6},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.offset);
+  for (const Row& t : rows()) {
     const std::string rest = " --move 1000,0 --select window=-100,-100,500,500 --delete";
-    ASSERT_EQ(edit(std::string("--select layer=AREA --offset ") + t.offset + rest).code, 0);
+    ASSERT_EQ(edit(std::string("--select layer=AREA --offset ") + t.text("offset") + rest).code, 0);
     const Json box = info()["extents"];
-    EXPECT_NEAR(box["max"][0].get<double>() - box["min"][0].get<double>(), t.side, 1e-9);
+    EXPECT_NEAR(box["max"][0].get<double>() - box["min"][0].get<double>(), t.real("side"), 1e-9);
   }
 }
 
@@ -228,8 +169,8 @@ TEST_F(Edit, PurgeTakesWhatNothingUsesAndNoMore) {
 
 // In whole degrees, and two quarter turns make a half turn.
 TEST_F(Edit, TurnedTextsHaveTheDegreesThatWereAskedFor) {
-  write("text.dxf", pairs("0 SECTION|2 ENTITIES|0 TEXT|8 0|10 1000|20 0|40 1|50 30|1 A|"
-                          "0 ARC|8 0|10 0|20 0|40 1|50 350|51 20|0 ENDSEC|0 EOF"));
+  write("text.dxf", pairsOf("0 SECTION|2 ENTITIES|0 TEXT|8 0|10 1000|20 0|40 1|50 30|1 A|"
+                            "0 ARC|8 0|10 0|20 0|40 1|50 350|51 20|0 ENDSEC|0 EOF"));
   const Outcome got = run("edit text.dxf -o - --rotate 90@0,0 --rotate 33@0,0 --rotate -363@0,0");
   ASSERT_EQ(got.code, 0) << got.err;
   EXPECT_NE(got.out.find(" 50\n150.0\n"), std::string::npos) << got.out;
@@ -238,64 +179,18 @@ TEST_F(Edit, TurnedTextsHaveTheDegreesThatWereAskedFor) {
 }
 
 TEST_F(Edit, WhatIsBeyondNumbersAlreadyDoesNotStopOthers) {
-  write("far.dxf", pairs("0 SECTION|2 ENTITIES|0 CIRCLE|8 0|10 1e308|20 0|40 1e308|"
-                         "0 LINE|8 0|10 0|20 0|11 1|21 1|0 ENDSEC|0 EOF"));
+  write("far.dxf", pairsOf("0 SECTION|2 ENTITIES|0 CIRCLE|8 0|10 1e308|20 0|40 1e308|"
+                           "0 LINE|8 0|10 0|20 0|11 1|21 1|0 ENDSEC|0 EOF"));
   const Outcome got = run("edit far.dxf -o - --move 1,1 --undo-check");
   EXPECT_EQ(got.code, 0) << got.err;
   EXPECT_NE(got.out.find(" 11\n2.0\n"), std::string::npos) << got.out;
 }
 
 TEST_F(Edit, WrongStepsAreRefusedAndNothingIsWritten) {
-  const struct {
-    const char* steps;
-    int code;
-    const char* said;
-  } cases[] = {
-      {"", 2, "no steps given"},
-      {"--undo-check", 2, "no steps given"},
-      {"--move 1", 2, "is not a vector"},
-      {"--move 1,2,3,4", 2, "is not a vector"},
-      {"--move 1,inf", 2, "is not a vector"},
-      {"--rotate 90", 2, "is not an angle and a point"},
-      {"--rotate 90@1", 2, "is not an angle and a point"},
-      {"--scale 0@1,1", 2, "a factor of 0"},
-      {"--scale 2", 2, "is not a factor and a point"},
-      {"--join -1", 2, "neither a tolerance like 0.01 nor auto"},
-      {"--join auto,all", 2, "is not a tolerance"},
-      {"--offset 0", 2, "the curve itself"},
-      {"--offset 1,sharp", 2, "is not a distance"},
-      {"--set-color 257", 2, "is not a color"},
-      {"--set-color blu", 2, "is not a color"},
-      {"--select kind=lines", 2, "'lines' is not one of POINT, LINE"},
-      {"--select window=0,0,1", 2, "is not a window"},
-      {"--select color=3", 2, "'color=3' is not all"},
-      {"--select WALL1", 2, "'WALL1' is not all"},
-      {"--select layer=", 2, "missing value"},
-      {"--select 'layer=\"A'", 2, "unclosed quote"},
-      {"--remap-layer WALL1", 2, "is not of the form OLD=NEW"},
-      {"--remap-layer =WALL1", 2, "is not of the form OLD=NEW"},
-      {"--select layer=DOOR --delete", 1, "--select layer=DOOR: no layer is named"},
-      {"--select kind=text --delete", 1, "no entity matches"},
-      {"--delete --move 1,1", 1, "--move 1,1: nothing is selected"},
-      {"--set-linetype DOTS", 1, "there is no linetype DOTS"},
-      {"--set-layer XREF@A --set-layer 'X|A'", 1, "there is no layer X|A"},
-      {"--remap-layer DOOR=WALL1", 1, "there is no layer DOOR"},
-      {"--remap-layer WALL1=wall1", 1, "no layer WALL1 other than wall1"},
-      {"--remap-layer 'WALL*=NEW*'", 1, "there is no layer NEW*"},
-      {"--set-layer 'WALL?'", 1, "there is no layer WALL?"},
-      {"--remap-linetype USED=BYLAYER", 1, "layer WALL1 has linetype USED"},
-      {"--remap-linetype '*=BYBLOCK'", 1, "a layer cannot have BYBLOCK"},
-      {"--move 1e308,0 --move 1e308,0", 1, "exceed the range of numbers"},
-      {"--scale 1e308@0,0", 1, "exceed the range of numbers"},
-      {"--delete=no", 2, "disallowed flag"},
-      {"--remap-linetype USED=DOTS", 1, "there is no linetype DOTS"},
-      {"--remap-style SPARE=ROMANS", 1, "there is no text style ROMANS"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.steps);
-    const Outcome got = edit(t.steps);
-    EXPECT_EQ(got.code, t.code);
-    EXPECT_NE(got.err.find(t.said), std::string::npos) << got.err;
+  for (const Row& t : rows()) {
+    const Outcome got = edit(t.text("steps"));
+    EXPECT_EQ(got.code, t.whole("code"));
+    EXPECT_NE(got.err.find(t.text("said")), std::string::npos) << got.err;
     EXPECT_FALSE(fs::exists(path("out.dxf")));
   }
 }
@@ -305,8 +200,8 @@ TEST_F(Edit, ExplodingKeepsExternalReferencesOrSaysThatItCannot) {
       "0 SECTION|2 BLOCKS|0 BLOCK|8 0|2 PLAN|70 4|10 0|20 0|1 other.dxf|0 ENDBLK|"
       "0 BLOCK|8 0|2 B|70 0|10 0|20 0|0 INSERT|8 0|2 PLAN|10 1|20 1|50 30|0 ENDBLK|"
       "0 ENDSEC|0 SECTION|2 ENTITIES|0 INSERT|8 0|2 B|10 0|20 0|42 ";
-  write("even.dxf", pairs(drawing + "1|0 ENDSEC|0 EOF"));
-  write("sheared.dxf", pairs(drawing + "2|0 ENDSEC|0 EOF"));
+  write("even.dxf", pairsOf(drawing + "1|0 ENDSEC|0 EOF"));
+  write("sheared.dxf", pairsOf(drawing + "2|0 ENDSEC|0 EOF"));
   const Outcome even = run("edit even.dxf -o - --explode --explode --undo-check");
   EXPECT_EQ(even.code, 0);
   EXPECT_NE(even.err.find(" 1 entity exploded into 1\n"), std::string::npos) << even.err;
@@ -336,7 +231,7 @@ TEST_F(Edit, UndoCheckHoldsForEveryKindAndStepAndChangesNothing) {
       {flange, remaps + steps},
       {kinds, remaps + steps},
       {"plan.dxf", remaps + steps},
-      {vek0::test::quotedSample("hatches_ac1015.dxf"), steps},
+      {quotedSample("hatches_ac1015.dxf"), steps},
   };
   for (const auto& t : cases) {
     SCOPED_TRACE(t.in);

@@ -1,21 +1,11 @@
 // Pictures created by the tool: files, layout, and what can be read back from them.
 #include <cairo.h>
-#include <gtest/gtest.h>
 #include <zlib.h>
 
-#include <algorithm>
-#include <charconv>
-#include <cmath>
-#include <cstdint>
-#include <map>
-#include <set>
-#include <sstream>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include "support/samples.h"
+#include "support/test.h"
 #include "tooltest.h"
+
+using namespace vek0::test;
 
 namespace {
 
@@ -254,50 +244,9 @@ TEST_F(Render, ExitCodes) {
   write("array.dxf", nested(0, 32767));
   write("deep.dxf", nested(250, 1));
   write("old.svg", "old");
-  const struct {
-    const char* name;
-    const char* arguments;
-    int code;
-  } cases[] = {
-      {"all well", "good.dxf -o a.svg", 0},
-      {"no output", "good.dxf", 2},
-      {"unknown format", "good.dxf -o a.gif", 2},
-      {"unknown paper", "good.dxf -o b.svg --paper B5", 2},
-      {"paper and size", "good.dxf -o b.svg --paper A4 --size 10x10", 2},
-      {"size without height", "good.dxf -o b.svg --size 10", 2},
-      {"scale 1:0", "good.dxf -o b.svg --scale 1:0", 2},
-      {"window without area", "good.dxf -o b.svg --window 1,1,1,5", 2},
-      {"view that is a line", "good.dxf -o b.svg --view parallel:1,1,1,1", 2},
-      {"unknown color", "good.dxf -o b.svg --background reddish", 2},
-      {"standing and lying", "good.dxf -o b.svg --portrait --landscape", 2},
-      {"margin eats the sheet", "good.dxf -o b.svg --size 100x100 --margin 50", 2},
-      {"numbers that are none", "good.dxf -o b.svg --dpi nan", 2},
-      {"window that is none", "good.dxf -o b.svg --window 0,0,inf,1", 2},
-      {"window without measure", "good.dxf -o b.svg --window -1e308,0,1e308,1", 2},
-      {"scale that shows nothing", "good.dxf -o b.svg --scale 1:1e308", 2},
-      {"scale without measure", "good.dxf -o b.svg --scale 1e308:1", 2},
-      {"scale of a single number", "good.dxf -o b.svg --scale 50", 2},
-      {"sheet without measure", "good.dxf -o b.svg --size 1e30x1e30", 2},
-      {"paper without measure", "good.dxf -o b.pdf --paper 1e9x1e9", 2},
-      {"image too large", "good.dxf -o b.png --size 40000x10", 2},
-      {"page too large", "good.dxf -o b.pdf --scale 1000:1", 2},
-      {"several without --all", "good.dxf good.dxf -o b.svg", 2},
-      {"a stream for a folder", "good.dxf --all -o -", 2},
-      {"drawing with an error", "broken.dxf -o b.svg", 1},
-      {"drawing that is not there", "missing.dxf -o b.svg", 1},
-      {"output exists", "good.dxf -o old.svg", 3},
-      {"output in no folder", "good.dxf -o nowhere/b.svg", 3},
-      {"folder that is a file", "good.dxf --all -o old.svg", 3},
-      {"layer that is not there", "good.dxf -o b.svg --layers NONE", 1},
-      {"one of two layers", "good.dxf -o c.svg --layers NONE A", 0},
-      {"sheet as small as an icon", "good.dxf -o c.png --size 16x16", 0},
-      {"a billion cells", "array.dxf -o d.svg", 0},
-      {"more than can be shown", "deep.dxf -o e.svg", 1},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Outcome got = run(std::string("render ") + t.arguments);
-    EXPECT_EQ(got.code, t.code) << got.out << got.err;
+  for (const Row& t : rows()) {
+    const Outcome got = run(std::string("render ") + t.text("arguments"));
+    EXPECT_EQ(got.code, t.whole("code")) << got.out << got.err;
   }
   EXPECT_EQ(contents(path("old.svg")), "old");
   EXPECT_LT(fs::file_size(path("d.svg")), 2000U);
@@ -369,7 +318,7 @@ TEST_F(Render, SamplesAreWellFormedInEveryForm) {
          {"", "--text outlines", "--mono --background '#102030'", "--paper A3 --scale 1:2",
           "--view parallel:1,0,0.5,0.5", "--window 0,0,1,1", "--view front", "--split-layers"}) {
       SCOPED_TRACE(std::string(name) + " " + options);
-      const std::string file = vek0::test::quotedSample(name + std::string(".dxf"));
+      const std::string file = quotedSample(name + std::string(".dxf"));
       const Outcome got = run("render -q " + file + " -f -o a.svg " + options);
       ASSERT_EQ(got.code, 0) << got.err;
       const std::string svg = contents(path("a.svg"));
@@ -381,43 +330,19 @@ TEST_F(Render, SamplesAreWellFormedInEveryForm) {
 }
 
 TEST_F(Render, PngHasTheSizeAskedFor) {
-  const struct {
-    const char* options;
-    int width, height;
-  } cases[] = {
-      {"--size 320x200", 320, 200},
-      {"--size 25.4x50.8mm --dpi 100", 100, 200},
-      {"--paper A4 --dpi 25.4", 297, 210},
-      {"--paper A4 --dpi 25.4 --portrait", 210, 297},
-      {"", 1600, 820},
-  };
   write("a.dxf", drawing(line("A", 0, 0, 200, 100)));
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.options);
-    ASSERT_EQ(run(std::string("render a.dxf -f -o a.png ") + t.options).code, 0);
+  for (const Row& t : rows()) {
+    ASSERT_EQ(run(std::string("render a.dxf -f -o a.png ") + t.text("options")).code, 0);
     const Image image(path("a.png"));
-    EXPECT_EQ(image.width, t.width);
-    EXPECT_EQ(image.height, t.height);
+    EXPECT_EQ(image.width, t.whole("width"));
+    EXPECT_EQ(image.height, t.whole("height"));
   }
 }
 
 TEST_F(Render, PdfPagesHaveTheirSize) {
-  const struct {
-    const char* options;
-    double width, height;  // mm
-  } cases[] = {
-      {"", 297, 210},
-      {"--portrait", 210, 297},
-      {"--paper A0", 1189, 841},
-      {"--paper 100x80mm", 100, 80},
-      {"--size 80x100mm", 80, 100},
-      {"--scale 1:2 --margin 5", 110, 60},
-      {"--scale 1:1 --unit cm --margin 0", 2000, 1000},
-  };
   write("a.dxf", drawing(line("A", 0, 0, 200, 100)));
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.options);
-    ASSERT_EQ(run(std::string("render a.dxf -f -o a.pdf ") + t.options).code, 0);
+  for (const Row& t : rows()) {
+    ASSERT_EQ(run(std::string("render a.dxf -f -o a.pdf ") + t.text("options")).code, 0);
     const std::string pdf = contents(path("a.pdf"));
     ASSERT_EQ(pdf.substr(0, 5), "%PDF-");
     const std::size_t at = pdf.find("/MediaBox [ 0 0 ");
@@ -425,53 +350,29 @@ TEST_F(Render, PdfPagesHaveTheirSize) {
     std::istringstream box(pdf.substr(at + 16, 60));
     double width = 0, height = 0;
     box >> width >> height;
-    EXPECT_NEAR(width * 25.4 / 72, t.width, 0.01);
-    EXPECT_NEAR(height * 25.4 / 72, t.height, 0.01);
+    EXPECT_NEAR(width * 25.4 / 72, t.real("width"), 0.01);
+    EXPECT_NEAR(height * 25.4 / 72, t.real("height"), 0.01);
   }
 }
 
 TEST_F(Render, LengthsOnPaperAreTrue) {
-  const struct {
-    const char* scale;
-    double expected;    // mm, of a line of 50 drawing units
-    const char* units;  // stated in the file
-  } cases[] = {
-      {"--scale 1:1", 50, "0"},
-      {"--scale 1:2", 25, "4"},
-      {"--scale 2:1", 100, "0"},
-      {"--scale 1:50 --unit cm", 10, "6"},
-      {"--scale 1:500", 100, "6"},
-      {"--scale 1:20", 63.5, "1"},
-      {"--scale 1:3 --window 10,10,25,20", 50 / 3.0, "0"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.scale);
-    write("a.dxf", "0\nSECTION\n2\nHEADER\n9\n$INSUNITS\n70\n" + std::string(t.units) +
+  for (const Row& t : rows()) {
+    write("a.dxf", "0\nSECTION\n2\nHEADER\n9\n$INSUNITS\n70\n" + std::string(t.text("units")) +
                        "\n0\nENDSEC\n" + drawing(line("A", 0, 0, 30, 40)));
-    ASSERT_EQ(run(std::string("render -q a.dxf -f -o a.pdf --paper A3 ") + t.scale).code, 0);
+    ASSERT_EQ(run(std::string("render -q a.dxf -f -o a.pdf --paper A3 ") + t.text("scale")).code,
+              0);
     const std::vector<double> lengths = segmentLengths(pageContent(contents(path("a.pdf"))));
     ASSERT_FALSE(lengths.empty());
-    EXPECT_NEAR(lengths.back() * 25.4 / 72, t.expected, 0.01);
+    EXPECT_NEAR(lengths.back() * 25.4 / 72, t.real("expected"), 0.01);
   }
 }
 
 TEST_F(Render, LayersAreChosenByNameAndPattern) {
   write("a.dxf",
         drawing(line("WALLS", 0, 0, 1, 1) + line("DOOR1", 0, 0, 1, 1) + line("DOOR2", 0, 0, 1, 1)));
-  const struct {
-    const char* options;
-    const char* groups;
-  } cases[] = {
-      {"", "layer-WALLS layer-DOOR1 layer-DOOR2 "},
-      {"--layers walls", "layer-WALLS "},
-      {"--layers 'door?' WALLS", "layer-WALLS layer-DOOR1 layer-DOOR2 "},
-      {"--hide-layers '*R2' WALLS", "layer-DOOR1 "},
-      {"--layers 'D*' --hide-layers DOOR1", "layer-DOOR2 "},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.options);
-    ASSERT_EQ(run(std::string("render -q a.dxf -f -o a.svg ") + t.options).code, 0);
-    EXPECT_EQ(groups(XmlReader(contents(path("a.svg")))), t.groups);
+  for (const Row& t : rows()) {
+    ASSERT_EQ(run(std::string("render -q a.dxf -f -o a.svg ") + t.text("options")).code, 0);
+    EXPECT_EQ(groups(XmlReader(contents(path("a.svg")))), t.text("groups"));
   }
   EXPECT_NE(run("render a.dxf -f -o a.svg --layers WINDOWS").err.find("WINDOWS"),
             std::string::npos);
@@ -503,27 +404,16 @@ TEST_F(Render, AllGoesOnAfterAFailure) {
 
 TEST_F(Render, BackgroundIsPaintedUnlessNone) {
   write("a.dxf", drawing(line("A", 0, 0, 1, 1)));
-  const struct {
-    const char* options;
-    const char* rect;
-    const char* stroke;  // of color 7
-  } cases[] = {
-      {"", "#ffffff", "#000000"},
-      {"--background black", "#000000", "#ffffff"},
-      {"--background '#123'", "#112233", "#ffffff"},
-      {"--background none", "", "#000000"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.options);
-    ASSERT_EQ(run(std::string("render a.dxf -f -o a.svg ") + t.options).code, 0);
+  for (const Row& t : rows()) {
+    ASSERT_EQ(run(std::string("render a.dxf -f -o a.svg ") + t.text("options")).code, 0);
     const XmlReader xml(contents(path("a.svg")));
-    ASSERT_EQ(xml.count("rect"), *t.rect ? 1 : 0);
-    if (*t.rect) {
+    ASSERT_EQ(xml.count("rect"), t.text("rect").empty() ? 0 : 1);
+    if (!t.text("rect").empty()) {
       const auto rect = std::find_if(xml.elements.begin(), xml.elements.end(),
                                      [](const XmlElement& e) { return e.name == "rect"; });
-      EXPECT_EQ(rect->attributes.at("fill"), t.rect);
+      EXPECT_EQ(rect->attributes.at("fill"), t.text("rect"));
     }
-    EXPECT_EQ(xml.byId("layer-A")->attributes.at("stroke"), t.stroke);
+    EXPECT_EQ(xml.byId("layer-A")->attributes.at("stroke"), t.text("stroke"));
   }
 }
 
@@ -595,7 +485,7 @@ TEST_F(Render, InkFollowsLengthAndWidth) {
 
 // Adjacent strips, antialiased separately, would let the background show through.
 TEST_F(Render, SolidHatchesHaveNoSeams) {
-  const std::string hatches = vek0::test::quotedSample("hatches_ac1015.dxf");
+  const std::string hatches = quotedSample("hatches_ac1015.dxf");
   ASSERT_EQ(run("render -q " + hatches + " -o a.png --size 900x900 --layers HATCH").code, 0);
   const Image image(path("a.png"));
   constexpr std::uint32_t kGreenBlue = 0xFFFF;
@@ -613,29 +503,18 @@ TEST_F(Render, SolidHatchesHaveNoSeams) {
 TEST_F(Render, ViewsShowTheAxes) {
   write("a.dxf", drawing(line("X", 0, 0, 5, 0, "1") + line("Y", 0, 0, 0, 5, "2") +
                          "0\nLINE\n5\n3\n8\nZ\n10\n0\n20\n0\n30\n0\n11\n0\n21\n0\n31\n5\n"));
-  const struct {
-    const char* view;
-    const char *x, *y, *z;
-  } cases[] = {
-      {"plan", "h25", "v-25", "h0"},
-      {"plan:90", "v25", "h25", "h0"},
-      {"front", "h25", "h0", "v-25"},
-      {"side", "h0", "h-25", "v-25"},
-      {"parallel:1,0,0.5,0.5", "h25", "l12.5-12.5", "v-25"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.view);
+  for (const Row& t : rows()) {
     ASSERT_EQ(run(std::string("render a.dxf -f -o a.svg --size 100x100 --window -10,-10,10,10 ") +
-                  "--view " + t.view)
+                  "--view " + t.text("view"))
                   .code,
               0);
     const XmlReader xml(contents(path("a.svg")));
     const auto way = [&](const char* id) {
       return xml.byId(id) ? xml.byId(id)->attributes.at("d").substr(6) : "none";
     };
-    EXPECT_EQ(way("h1"), t.x);
-    EXPECT_EQ(way("h2"), t.y);
-    EXPECT_EQ(way("h3"), t.z);
+    EXPECT_EQ(way("h1"), t.text("x"));
+    EXPECT_EQ(way("h2"), t.text("y"));
+    EXPECT_EQ(way("h3"), t.text("z"));
   }
 }
 

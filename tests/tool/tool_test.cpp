@@ -1,12 +1,11 @@
 // The tool as scripts see it: exit codes, streams, JSON, files on disk.
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-
 #include <nlohmann/json.hpp>
-#include <sstream>
-#include <string>
 
+#include "support/test.h"
 #include "tooltest.h"
+
+using namespace vek0::test;
 
 using Json = nlohmann::json;
 
@@ -72,16 +71,8 @@ TEST_F(Tool, SaysWhyAnInputCannotBeRead) {
   write("good.dxf", kOneLine);
   fs::create_directory(path("folder"));
   fs::create_symlink("loop", path("loop"));
-  const struct {
-    const char *input, *kind, *message;
-  } inputs[] = {
-      {"missing", "file missing", "There is no such file"},
-      {"folder", "folder", "It is a folder"},
-      {"loop", "file unreadable", "cannot be read: "},
-  };
-  for (const auto& t : inputs) {
-    SCOPED_TRACE(t.input);
-    const std::string input = t.input;
+  for (const Row& t : rows()) {
+    const std::string input = t.text("input");
     for (const std::string& command :
          {"info " + input, "check " + input, "convert -f " + input + " out.dxf",
           "import -f good.dxf " + input + " -o out.dxf", "edit -f " + input + " -o out.dxf --purge",
@@ -90,11 +81,12 @@ TEST_F(Tool, SaysWhyAnInputCannotBeRead) {
           "hatch -f " + input + " -o out.dxf --pattern ANSI31 --boundary 0,0 1,0 1,1"}) {
       const Outcome got = run(command);
       EXPECT_EQ(got.code, 1) << command;
-      EXPECT_NE((got.out + got.err).find(t.message), std::string::npos) << command << got.err;
+      EXPECT_NE((got.out + got.err).find(t.text("message")), std::string::npos)
+          << command << got.err;
     }
     for (const char* command : {"info", "check", "xrefs list", "linetypes"}) {
       const Json line = Json::parse(run(command + (" --json " + input)).out);
-      EXPECT_EQ(line["error"]["kind"], t.kind) << command;
+      EXPECT_EQ(line["error"]["kind"], t.text("kind")) << command;
     }
   }
   write("empty.dxf", "");
@@ -181,8 +173,7 @@ TEST_F(Tool, ExitCodes) {
   };
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
   fs::create_symlink("loop", path("loop"));
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     const Outcome got = run(t.arguments);
     EXPECT_EQ(got.code, t.code) << got.out << got.err;
   }
@@ -335,20 +326,8 @@ TEST_F(Tool, SaysWhenHatchesMakeTheOutputLarge) {
 
 TEST_F(Tool, HatchRefusesBoundariesWithoutArea) {
   write("one.dxf", kOneLine);
-  const struct {
-    const char* name;
-    const char* points;
-  } cases[] = {
-      {"one point", "0,0 0,0 0,0"},
-      {"there and back", "0,0 1,0 0,0"},
-      {"there and back, twice", "0,0 1,0 0,0 1,0"},
-      {"on a line", "0.1,0.1 0.3,0.3 0.7,0.7"},
-      {"far away on a line", "1e200,0 2e200,0 3e200,0"},
-      {"to and fro on a line", "0,0 1,2 0,0 2,4 -1,-2 4,8"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Outcome got = run(std::string("hatch one.dxf -o h.dxf --boundary ") + t.points);
+  for (const Row& t : rows()) {
+    const Outcome got = run(std::string("hatch one.dxf -o h.dxf --boundary ") + t.text("points"));
     EXPECT_EQ(got.code, 2);
     EXPECT_NE(got.err.find("encloses no area"), std::string::npos) << got.err;
     EXPECT_FALSE(fs::exists(path("h.dxf")));
@@ -427,22 +406,11 @@ TEST_F(Tool, ConvertScalesToAUnit) {
   write("inches.dxf",
         std::string("0\nSECTION\n2\nHEADER\n9\n$INSUNITS\n70\n1\n9\n$LTSCALE\n40\n2\n0\nENDSEC\n") +
             kOneLine);
-  const struct {
-    const char* options;
-    double factor;
-  } cases[] = {
-      {"--to-units mm inches.dxf", 25.4},
-      {"--to-units in inches.dxf", 1},
-      {"--to-units ft inches.dxf", 1.0 / 12},
-      {"--to-units mm --from-units m inches.dxf", 1000},
-      {"--to-units in --from-units mm bare.dxf", 1.0 / 25.4},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.options);
-    ASSERT_EQ(run(std::string("convert -f ") + t.options + " out.dxf").code, 0);
+  for (const Row& t : rows()) {
+    ASSERT_EQ(run(std::string("convert -f ") + t.text("options") + " out.dxf").code, 0);
     const Json box = Json::parse(run("info --json out.dxf").out)["extents"];
-    EXPECT_NEAR(box["min"][0].get<double>(), 1 * t.factor, 1e-9 * t.factor);
-    EXPECT_NEAR(box["max"][1].get<double>(), 6 * t.factor, 1e-9 * t.factor);
+    EXPECT_NEAR(box["min"][0].get<double>(), 1 * t.real("factor"), 1e-9 * t.real("factor"));
+    EXPECT_NEAR(box["max"][1].get<double>(), 6 * t.real("factor"), 1e-9 * t.real("factor"));
   }
   ASSERT_EQ(run("convert -f --to-units mm inches.dxf out.dxf").code, 0);
   EXPECT_NE(contents(path("out.dxf")).find("$LTSCALE\n 40\n50.8\n"), std::string::npos);

@@ -1,16 +1,9 @@
 #pragma once
 
-#include <gtest/gtest.h>
 #include <sys/wait.h>
-
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <string>
 
-#include "support/samples.h"
+#include "support/test.h"
 
 namespace fs = std::filesystem;
 

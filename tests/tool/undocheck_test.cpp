@@ -1,8 +1,5 @@
 #include "vek0host/undocheck.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
+#include "support/test.h"
 
 namespace {
 

@@ -1,29 +1,15 @@
 // References as used by scripts: a sheet with two plans, one of which shows a third.
-#include <gtest/gtest.h>
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
-#include <string>
-#include <utility>
-#include <vector>
 
-#include "support/samples.h"
+#include "support/test.h"
 #include "tooltest.h"
-#include "vek0core/geometry/pnt.h"
+
+using namespace vek0::test;
 
 using Json = nlohmann::json;
 
 namespace {
-
-std::string pairs(const std::string& text) {
-  std::string lines;
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t end = std::min(text.find('|', at), text.size()), gap = text.find(' ', at);
-    lines += text.substr(at, gap - at) + "\n" + text.substr(gap + 1, end - gap - 1) + "\n";
-    at = end + 1;
-  }
-  return lines;
-}
 
 // References to NAME=PATH each, inserted once at the origin, and a line on LAYER.
 std::string drawing(const std::vector<std::pair<std::string, std::string>>& references,
@@ -33,8 +19,8 @@ std::string drawing(const std::vector<std::pair<std::string, std::string>>& refe
     blocks += "0 BLOCK|8 0|2 " + name + "|70 4|10 0|20 0|3 " + name + "|1 " + path + "|0 ENDBLK|";
     inserts += "0 INSERT|8 0|2 " + name + "|10 0|20 0|";
   }
-  return pairs("0 SECTION|2 BLOCKS|" + blocks + "0 ENDSEC|0 SECTION|2 ENTITIES|" + inserts +
-               "0 LINE|8 " + layer + "|10 0|20 0|11 10|21 5|0 ENDSEC|0 EOF");
+  return pairsOf("0 SECTION|2 BLOCKS|" + blocks + "0 ENDSEC|0 SECTION|2 ENTITIES|" + inserts +
+                 "0 LINE|8 " + layer + "|10 0|20 0|11 10|21 5|0 ENDSEC|0 EOF");
 }
 
 class Xrefs : public Tool {
@@ -146,29 +132,10 @@ TEST_F(Xrefs, CheckFailsWhereAReferenceDoes) {
   overlay.replace(overlay.find("70\n4"), 4, "70\n12");
   write("overlay.dxf", overlay);
   write("above.dxf", drawing({{"BELOW", "overlay.dxf"}}));
-  const struct {
-    const char *arguments, *said;
-    int code;
-  } cases[] = {
-      {"sheet.dxf --search library", "sheet.dxf: ok, 3 references", 0},
-      {"parts/bed.dxf", "parts/bed.dxf: ok, 0 references", 0},
-      {"sheet.dxf", "sheet.dxf: 3 references, 1 cannot be shown", 1},
-      {"sheet.dxf", "reference missing 'TREE: C:\\lib", 1},
-      {"self.dxf", "reference circular 'SELF: self.dxf'", 1},
-      {"there.dxf", "there.dxf: 1 reference, 1 cannot be shown", 1},
-      {"overlay.dxf", "overlay.dxf: ok, 1 reference", 0},
-      {"above.dxf", "note: reference overlaid 'BELOW|BED: parts/bed.dxf'", 0},
-      {"out.dxf", "reference missing 'OUT: parts/", 1},
-      {"folder.dxf", "reference no file 'FOLDER: parts'", 1},
-      {"device.dxf", "reference no file 'DEVICE: /dev/zero'", 1},
-      {"system.dxf", "reference forbidden 'SYSTEM: /etc/passwd", 1},
-      {"text.dxf --strict", "reference broken 'TEXT: kBroken.dxf'", 1},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.arguments);
-    const Outcome got = run(std::string("xrefs check ") + t.arguments);
-    EXPECT_EQ(got.code, t.code) << got.err;
-    EXPECT_TRUE(has(got.out, t.said)) << got.out;
+  for (const Row& t : rows()) {
+    const Outcome got = run(std::string("xrefs check ") + t.text("arguments"));
+    EXPECT_EQ(got.code, t.whole("code")) << got.err;
+    EXPECT_TRUE(has(got.out, t.text("said"))) << got.out;
   }
   EXPECT_EQ(json("check sheet.dxf")["ok"], false);
   EXPECT_EQ(json("check sheet.dxf --search library")["ok"], true);
@@ -197,22 +164,10 @@ TEST_F(Xrefs, BoundDrawingStandsAlone) {
 }
 
 TEST_F(Xrefs, BindWritesNothingWhenOneCannotBeBound) {
-  const struct {
-    const char *arguments, *said;
-    int code;
-  } cases[] = {
-      {"--all", "TREE (C:\\lib\\Tree.dwg) is missing", 1},
-      {"HOUSE TREE", "TREE (C:\\lib\\Tree.dwg) is missing", 1},
-      {"SHED", "there is no reference SHED", 1},
-      {"BED", "BED (bed.dxf) is nested in another reference", 1},
-      {"", "name the references, or use --all", 2},
-      {"--all HOUSE", "--all excludes names", 2},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.arguments);
-    const Outcome got = run(std::string("xrefs bind sheet.dxf -o out.dxf ") + t.arguments);
-    EXPECT_EQ(got.code, t.code);
-    EXPECT_TRUE(has(got.err, t.said)) << got.err;
+  for (const Row& t : rows()) {
+    const Outcome got = run(std::string("xrefs bind sheet.dxf -o out.dxf ") + t.text("arguments"));
+    EXPECT_EQ(got.code, t.whole("code"));
+    EXPECT_TRUE(has(got.err, t.text("said"))) << got.err;
     EXPECT_FALSE(fs::exists(path("out.dxf")));
   }
   const Outcome some = run("xrefs bind sheet.dxf 'HO*' -o out.dxf");
@@ -234,34 +189,19 @@ TEST_F(Xrefs, DetachTakesWhatOnlyItShows) {
 }
 
 TEST_F(Xrefs, RepathChangesPathsAndNothingElse) {
-  const struct {
-    const char *arguments, *paths;
-    int code;
-  } cases[] = {
-      {"HOUSE=new/house.dxf TREE=tree.dxf", "new/house.dxf tree.dxf", 0},
-      {"'TREE=\"a=b.dxf\"'", "parts\\house.dxf a=b.dxf", 0},
-      {"--from c:/LIB/ --to library/", "parts\\house.dxf library/Tree.dwg", 0},
-      {"--from parts --to ''", "\\house.dxf C:\\lib\\Tree.dwg", 0},
-      {"--from D: --to E:", "no path begins with 'D:'", 1},
-      {"SHED=shed.dxf", "there is no reference SHED", 1},
-      {"HOUSE", "'HOUSE' is not of the form NAME=PATH", 2},
-      {"", "specify NAME=PATH, or --from and --to", 2},
-      {"--from C:", "--to", 2},
-      {"--from C: --to D: HOUSE=x", "specify NAME=PATH, or --from and --to", 2},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.arguments);
-    const Outcome got = run(std::string("xrefs repath -f sheet.dxf -o out.dxf ") + t.arguments);
-    EXPECT_EQ(got.code, t.code) << got.err;
+  for (const Row& t : rows()) {
+    const Outcome got =
+        run(std::string("xrefs repath -f sheet.dxf -o out.dxf ") + t.text("arguments"));
+    EXPECT_EQ(got.code, t.whole("code")) << got.err;
     if (got.code != 0) {
-      EXPECT_TRUE(has(got.err, t.paths)) << got.err;
+      EXPECT_TRUE(has(got.err, t.text("paths"))) << got.err;
       continue;
     }
     std::string paths;
     const Json out = info("out.dxf");
     for (const Json& row : out["references"])
       paths += (paths.empty() ? "" : " ") + row["path"].get<std::string>();
-    EXPECT_EQ(paths, t.paths);
+    EXPECT_EQ(paths, t.text("paths"));
   }
 }
 
@@ -316,7 +256,7 @@ TEST_F(Xrefs, InfoListsReferencesWithoutLookingForThem) {
 }
 
 TEST_F(Xrefs, TheSampleResolves) {
-  const std::string site = vek0::test::quotedSample("site.dxf");
+  const std::string site = quotedSample("site.dxf");
   const Outcome strict = run("--strict xrefs check " + site);
   EXPECT_EQ(strict.code, 0) << strict.out << strict.err;
   EXPECT_TRUE(has(strict.out, "ok, 3 references\n")) << strict.out;

@@ -1,16 +1,9 @@
-#include "vek0core/view/projector.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <memory>
-#include <random>
-#include <string>
-#include <vector>
+using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
-
-constexpr double kPi = 3.14159265358979323846;
 
 struct Named {
   std::string name;
@@ -71,8 +64,7 @@ TEST(Projector, KnownPoints) {
       {"right of the centre", aboutCentre, {11, 20, 7}, {0, -1}, 7},
       {"parallel", parallel, {1, 10, 5}, {31, 47}, 5},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     PNT_2D flat;
     double depth = 0;
     t.projector.to2D(t.p, flat, depth);

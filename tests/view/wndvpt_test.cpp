@@ -1,11 +1,6 @@
-#include "vek0core/view/wndvpt.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <memory>
-#include <random>
+using namespace vek0::test;
 
 namespace {
 
@@ -63,31 +58,15 @@ TEST(WndVpt, BeforeTheDeviceIsKnown) {
 }
 
 TEST(WndVpt, SetShowsAllOfTheRectangle) {
-  const struct {
-    const char* name;
-    long width, height;
-    double ratio;
-    RECT_2D asked, window;
-  } cases[] = {
-      {"same proportions", 101, 51, 1, {0, 0, 10, 5}, {0, 0, 10, 5}},
-      {"extended upright", 101, 101, 1, {0, 0, 10, 5}, {0, -2.5, 10, 7.5}},
-      {"extended sideways", 201, 101, 1, {0, 0, 10, 10}, {-5, 0, 15, 10}},
-      {"corners in any order", 101, 51, 1, {10, 5, 0, 0}, {0, 0, 10, 5}},
-      {"a point", 101, 101, 1, {4, 4, 4, 4}, {3.5, 3.5, 4.5, 4.5}},
-      {"an upright line", 101, 101, 1, {0, 0, 0, 10}, {-5, 0, 5, 10}},
-      {"x twice as large as y", 101, 101, 2, {0, 0, 10, 10}, {0, -5, 10, 15}},
-      {"x half as large as y", 101, 101, .5, {0, 0, 10, 10}, {-5, 0, 15, 10}},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    CWndVpt v = viewport(t.width, t.height, t.ratio);
-    v.set(t.asked);
-    expectNear(v.getWindow(), t.window);
-    EXPECT_NEAR(scaleX(v) / scaleY(v), t.ratio, 1e-12);
-    EXPECT_NEAR(v.getViewX(t.window.min.x), 0, 1e-9);
-    EXPECT_NEAR(v.getViewY(t.window.max.y), 0, 1e-9) << "the top is the first row";
-    EXPECT_EQ(v.getViewXInt(t.window.max.x), t.width - 1);
-    EXPECT_EQ(v.getViewYInt(t.window.min.y), t.height - 1);
+  for (const Row& t : rows()) {
+    CWndVpt v = viewport(t.whole<long>("width"), t.whole<long>("height"), t.real("ratio"));
+    v.set(t.rect<RECT_2D>("asked"));
+    expectNear(v.getWindow(), t.rect<RECT_2D>("window"));
+    EXPECT_NEAR(scaleX(v) / scaleY(v), t.real("ratio"), 1e-12);
+    EXPECT_NEAR(v.getViewX(t.rect<RECT_2D>("window").min.x), 0, 1e-9);
+    EXPECT_NEAR(v.getViewY(t.rect<RECT_2D>("window").max.y), 0, 1e-9) << "the top is the first row";
+    EXPECT_EQ(v.getViewXInt(t.rect<RECT_2D>("window").max.x), t.whole<long>("width") - 1);
+    EXPECT_EQ(v.getViewYInt(t.rect<RECT_2D>("window").min.y), t.whole<long>("height") - 1);
   }
 }
 
@@ -171,22 +150,12 @@ TEST(WndVpt, ResizeKeepsTheScaleOnceThereIsOne) {
 }
 
 TEST(WndVpt, AViewSurvivesBeingHidden) {
-  const struct {
-    const char* name;
-    long width, height;
-  } cases[] = {
-      {"one pixel", 1, 1},
-      {"a row", 500, 1},
-      {"nothing", 0, 0},
-      {"unknown", -1, -1},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     CWndVpt v = viewport(101, 101);
     v.set(0, 0, 10, 10);
-    v.resize(t.width, t.height);
+    v.resize(t.whole<long>("width"), t.whole<long>("height"));
     v.resize(0, 5);
-    v.resize(t.width, t.height);
+    v.resize(t.whole<long>("width"), t.whole<long>("height"));
     v.resize(101, 101);
     expectNear(v.getWindow(), RECT_2D(0, 0, 10, 10));
     EXPECT_NEAR(scaleX(v), 10, 1e-9);

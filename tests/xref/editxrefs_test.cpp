@@ -1,28 +1,11 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <fstream>
-#include <iterator>
-#include <random>
-
-#include "support/samples.h"
+#include "support/test.h"
 #include "xref/referred.h"
+
+using namespace vek0::test;
 
 namespace {
 
 using testing::SizeIs;
-using vek0::test::countsOf;
-using vek0::test::drawingOf;
-using vek0::test::insertAt;
-using vek0::test::layerEntry;
-using vek0::test::linesShown;
-using vek0::test::lineTo;
-using vek0::test::recountOf;
-using vek0::test::referenceTo;
-using vek0::test::saved;
-using vek0::test::Sheet;
-using vek0::test::siteSheet;
 using Lines = std::vector<std::string>;
 
 // Everything that can be told of a drawing.
@@ -324,8 +307,7 @@ std::string randomDrawing(std::mt19937& random, int drawings, int self) {
 }
 
 TEST(BindXRef, BindingEverythingAndExplodingItShowsTheSame) {
-  for (unsigned seed = 0; seed < 60; ++seed) {
-    SCOPED_TRACE(seed);
+  for (const unsigned seed : rounds<unsigned>(60)) {
     std::mt19937 random(seed);
     Sheet sheet;
     for (int i = 0; i < 6; ++i)

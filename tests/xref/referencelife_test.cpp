@@ -1,7 +1,7 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
+#include "support/test.h"
 #include "xref/referred.h"
+
+using namespace vek0::test;
 
 // What undo steps, other references and the drawing itself still name when references are
 // read anew, taken out or bound.
@@ -10,19 +10,6 @@ namespace {
 
 using testing::Contains;
 using testing::HasSubstr;
-using vek0::test::countsOf;
-using vek0::test::drawingOf;
-using vek0::test::insertAt;
-using vek0::test::layerEntry;
-using vek0::test::linesShown;
-using vek0::test::lineTo;
-using vek0::test::pairs;
-using vek0::test::pairText;
-using vek0::test::recountOf;
-using vek0::test::referenceTo;
-using vek0::test::saved;
-using vek0::test::Sheet;
-using vek0::test::siteSheet;
 using Lines = std::vector<std::string>;
 
 bool isInDrawing(const CData& data, const CEnt& ent) {

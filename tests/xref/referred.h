@@ -1,16 +1,7 @@
 #pragma once
 
-#include <algorithm>
-#include <map>
-#include <memory>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "drawing/drawings.h"
-#include "support/dxftext.h"
-#include "vek0core/vek0core.h"
+#include "support/test.h"
 
 namespace vek0::test {
 

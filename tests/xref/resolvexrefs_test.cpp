@@ -1,30 +1,13 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
-#include <set>
-
-#include "support/samples.h"
+#include "support/test.h"
 #include "xref/referred.h"
+
+using namespace vek0::test;
 
 namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
 using testing::SizeIs;
-using vek0::test::countsOf;
-using vek0::test::drawingOf;
-using vek0::test::insertAt;
-using vek0::test::layerEntry;
-using vek0::test::linesShown;
-using vek0::test::lineTo;
-using vek0::test::recountOf;
-using vek0::test::referenceTo;
-using vek0::test::saved;
-using vek0::test::Sheet;
-using vek0::test::siteSheet;
 using Status = CBlockXRef::Status;
 
 // How many references are within one another at most.
@@ -239,8 +222,7 @@ TEST(ResolveXRefs, BreaksCirclesWhereTheyClose) {
 
 // A chain of drawings, of which the sheet shows the first, or all, from either end.
 TEST(ResolveXRefs, StopsAtADepth) {
-  for (const int shown : {1, 300, -300}) {
-    SCOPED_TRACE(shown);
+  for (const int shown : named<int>({1, 300, -300})) {
     Sheet sheet;
     const auto name = [](int i) { return "d" + std::to_string(i); };
     for (int i = 0; i < 300; ++i)

@@ -1,14 +1,10 @@
 // Folders of a made-up job, and what paths in its drawings lead to.
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-
 #include <chrono>
-#include <filesystem>
-#include <fstream>
-#include <string>
 
-#include "vek0core/files/file.h"
-#include "vek0core/xref/xrefresolver.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 namespace fs = std::filesystem;
 
@@ -83,71 +79,10 @@ TEST_F(XRefFolders, WhatPathsLeadTo) {
   const std::string tooLong = std::string(5000, 'a') + "/house.dxf";
   std::string manyUps;
   while (manyUps.size() < 4000) manyUps += "../";
-  const struct {
-    const char* name;
-    std::string path, expected;
-  } cases[] = {
-      {"beside the drawing, before search folders", "house.dxf", "job/house.dxf"},
-      {"below the drawing", "Parts/Door.dxf", "job/Parts/Door.dxf"},
-      {"with a dot", "./house.dxf", "job/house.dxf"},
-      {"there and back", "Parts/../house.dxf", "job/house.dxf"},
-      {"back from a folder that is not there", "gone/../house.dxf", "job/house.dxf"},
-      {"the drawing itself", "site.dxf", "job/site.dxf"},
-      {"in a search folder", "tree.dxf", "lib/tree.dxf"},
-      {"below a search folder", "deep/palm.dxf", "lib/deep/palm.dxf"},
-      {"in the second search folder", "palm.dxf", "lib/deep/palm.dxf"},
-      {"by the bare name beside the drawing", "plans/house.dxf", "job/house.dxf"},
-      {"by the bare name in a search folder", "plans/tree.dxf", "lib/tree.dxf"},
-      {"absolute", root + "/lib/tree.dxf", "lib/tree.dxf"},
-      {"absolute in an allowed folder", root + "/library/wall.dxf", "library/wall.dxf"},
-      {"allowed is not searched", "fence.dxf", "missing"},
-      {"absolute from another machine", "/home/ann/house.dxf", "job/house.dxf"},
-      {"backslashes", "Parts\\Door.dxf", "job/Parts/Door.dxf"},
-      {"with a drive", "C:\\jobs\\house.dxf", "job/house.dxf"},
-      {"with a drive, the rest right", "c:" + root + "/lib/tree.dxf", "lib/tree.dxf"},
-      {"relative to a drive's folder", "C:house.dxf", "job/house.dxf"},
-      {"a drive alone", "C:", "no file"},
-      {"on a server", "\\\\server\\share\\house.dxf", "job/house.dxf"},
-      {"on a server, and not here", "\\\\server\\share\\lost.dxf", "missing"},
-      {"other letter case", "HOUSE.DXF", "job/house.dxf"},
-      {"other letter case of a folder", "PARTS\\DOOR.DXF", "job/Parts/Door.dxf"},
-      {"other letter case beyond ASCII", "GRÜN.dxf", "job/Grün.dxf"},
-      {"other letter case in a search folder", "Tree.dxf", "lib/tree.dxf"},
-      {"a drawing that is not read, and its other form", "shed.dwg", "job/shed.dxf"},
-      {"the other form in a search folder", "old.DWG", "lib/deep/old.dxf"},
-      {"no other form", "job\\lost.dwg", "missing"},
-      {"without an ending", "house", "job/house.dxf"},
-      {"without an ending in the file either", "bare", "job/bare"},
-      {"with another ending", "house.txt", "missing"},
-      {"a link that stays inside", "within.dxf", "job/Parts/Door.dxf"},
-      {"a link to an allowed folder", "wall.dxf", "library/wall.dxf"},
-      {"a link that leads out", "leak.dxf", "forbidden"},
-      {"through a folder that is a link", "tunnel/secret.dxf", "forbidden"},
-      {"out, by the letter case of what lies there", "tunnel/SECRET.dxf", "missing"},
-      {"up and out", "../else/secret.dxf", "forbidden"},
-      {"up and out, and by its name in a search folder", "../else/tree.dxf", "lib/tree.dxf"},
-      {"up beyond everything", "../../../../../../../../../../tmp/lost.dxf", "missing"},
-      {"a file of the system", "/etc/passwd", "forbidden"},
-      {"a link to nothing", "dangling.dxf", "missing"},
-      {"a link to itself", "loop.dxf", "missing"},
-      {"a folder", "folder.dxf", "no file"},
-      {"a folder by a slash", "folder.dxf/", "no file"},
-      {"the folder of the drawing", ".", "no file"},
-      {"the folder above", "..", "no file"},
-      {"the root", "/", "no file"},
-      {"a pipe", "pipe.dxf", "no file"},
-      {"a device", "/dev/zero", "no file"},
-      {"below a file", "house.dxf/lost", "missing"},
-      {"no path", "", "missing"},
-      {"blanks", "  ", "missing"},
-      {"a slash too many", "Parts//Door.dxf", "job/Parts/Door.dxf"},
-      {"a name longer than platforms have", tooLongName, "missing"},
-      {"longer than platforms take", tooLong, "missing"},
-      {"of very many parts", manyUps + "house.dxf", "job/house.dxf"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_EQ(find(folders, t.path), t.expected);
+  const Definitions names{
+      {"root", root}, {"tooLongName", tooLongName}, {"tooLong", tooLong}, {"manyUps", manyUps}};
+  for (const Row& t : rowsWith(names)) {
+    EXPECT_EQ(find(folders, t.text("path")), t.text("expected"));
   }
 }
 
@@ -180,18 +115,8 @@ TEST_F(XRefFolders, WithoutADrawingOnlySearchFoldersCount) {
 }
 
 TEST_F(XRefFolders, TheDrawingHasTheNameThatReferencesToItFind) {
-  const struct {
-    const char *name, *drawing, *expected;
-  } cases[] = {
-      {"plain", "job/site.dxf", "job/site.dxf"},
-      {"roundabout", "lib/../job/./site.dxf", "job/site.dxf"},
-      {"a link", "job/within.dxf", "job/Parts/Door.dxf"},
-      {"not yet there", "job/new.dxf", "job/new.dxf"},
-      {"nor is its folder", "job/new/sheet.dxf", "job/new/sheet.dxf"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_EQ(CXRefFolders(at(t.drawing)).getDrawing(), at(t.expected));
+  for (const Row& t : rows()) {
+    EXPECT_EQ(CXRefFolders(at(t.text("drawing"))).getDrawing(), at(t.text("expected")));
   }
 }
 

@@ -1,13 +1,5 @@
 #include "zim0lang/casefold.h"
-
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <map>
-#include <random>
-#include <string>
-
-#include "zim0lang/wstring.h"
+#include "support/test.h"
 
 using zim::foldCase;
 

@@ -1,6 +1,5 @@
 #include "zim0lang/stringloader.h"
-
-#include <gtest/gtest.h>
+#include "support/test.h"
 
 using zim::CStringLoader;
 using zim::WString;

@@ -1,49 +1,22 @@
 #include "zim0lang/utf8.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include "zim0lang/wstring.h"
+using namespace vek0::test;
 
 using zim::WString;
 
 TEST(Utf8, KnownTexts) {
-  const struct {
-    const char* name;
-    const char* utf8;
-    const char16_t* utf16;
-  } cases[] = {
-      {"ascii", "LINE", u"LINE"},
-      {"two bytes", "\xC3\xA9", u"\u00E9"},
-      {"three bytes", "\xE2\x82\xAC", u"\u20AC"},
-      {"surrogate pair", "\xF0\x9F\x98\x80", u"\U0001F600"},
-      {"empty", "", u""},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_EQ(WString::fromUtf8(t.utf8), WString(t.utf16));
-    EXPECT_EQ(WString(t.utf16).toUtf8(), t.utf8);
-    EXPECT_TRUE(zim::isValidUtf8(t.utf8));
+  for (const Row& t : rows()) {
+    EXPECT_EQ(t.wide("utf8"), t.wide("utf16"));
+    EXPECT_EQ(t.wide("utf16").toUtf8(), t.text("utf8"));
+    EXPECT_TRUE(zim::isValidUtf8(t.text("utf8")));
   }
 }
 
 TEST(Utf8, MalformedBytesBecomeReplacements) {
-  const struct {
-    const char* name;
-    const char* utf8;
-    const char16_t* utf16;
-  } cases[] = {
-      {"lone continuation", "a\x80z", u"a\uFFFDz"},
-      {"cut sequence", "a\xE2\x82", u"a\uFFFD\uFFFD"},
-      {"overlong slash", "\xC0\xAF", u"\uFFFD\uFFFD"},
-      {"overlong three bytes", "\xE0\x80\xAF", u"\uFFFD\uFFFD\uFFFD"},
-      {"encoded surrogate", "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
-      {"beyond the last", "\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
-      {"goes on after it", "\xC3(", u"\uFFFD("},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_EQ(WString::fromUtf8(t.utf8), WString(t.utf16));
-    EXPECT_FALSE(zim::isValidUtf8(t.utf8));
+  for (const Row& t : rows()) {
+    EXPECT_EQ(t.wide("utf8"), t.wide("utf16"));
+    EXPECT_FALSE(zim::isValidUtf8(t.text("utf8")));
   }
 }
 

@@ -1,13 +1,6 @@
 // Where files keep what clips an insert, and what becomes of it.
-#include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
-#include "support/dxftext.h"
-#include "vek0core/dxf/out/savedxf.h"
-#include "vek0core/entities/blocks/entinsert.h"
-#include "vek0core/files/file.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 

@@ -1,10 +1,7 @@
-#include "vek0core/dxf/in/filedxfierror.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
-
+#include "support/test.h"
 #include "zim0lang/stringloader.h"
+
+using namespace vek0::test;
 
 namespace {
 
@@ -25,20 +22,12 @@ class IdTexts : public zim::CStringLoader {
 };
 
 TEST(DxfError, EveryValueHasItsMessage) {
-  const struct {
-    int kind;
-    int id;
-  } cases[] = {
-      {0, 10000},  {1, 10000},  {2, 10002},  {3, 10001},  {4, 10009},  {5, 10000},
-      {6, 10005},  {7, 10004},  {8, 10003},  {9, 10023},  {10, 10000}, {11, 10000},
-      {12, 10000}, {13, 10006}, {14, 10007}, {15, 10008}, {16, 10020}, {17, 10021},
-      {18, 10022}, {19, 10034}, {20, 10000}, {21, 10000},
-  };
   const IdTexts texts;
-  for (const auto& t : cases) {
+  for (const Row& t : rows()) {
     Error error;
-    error.SetError(static_cast<Error::TDXFErrors>(t.kind));
-    EXPECT_EQ(error.GetErrorMessage().toUtf8(), std::to_string(t.id)) << "kind " << t.kind;
+    error.SetError(static_cast<Error::TDXFErrors>(t.whole("kind")));
+    EXPECT_EQ(error.GetErrorMessage().toUtf8(), std::to_string(t.whole("id")))
+        << "kind " << t.whole("kind");
   }
 }
 
@@ -61,24 +50,12 @@ TEST(DxfError, TheLastErrorCountsAndTheRestStays) {
 }
 
 TEST(DxfError, FullMessageSaysWhereAndWhat) {
-  const struct {
-    const char* name;
-    int kind;
-    long line, param1, param2;
-    const char* text;
-  } cases[] = {
-      {"text of the string library", 6, 12, 0, 0, "Line 12: A numeric value is missing."},
-      {"text of its own", 5, 3, 0, 0, "Line 3: A group code is missing."},
-      {"no line known", 5, 0, 0, 0, "A group code is missing."},
-      {"parameters", 16, 40, 2, -64, "Line 40: An entity lacks data that it needs. (2, -64)"},
-      {"no error", 0, 40, 2, 64, ""},
-  };
-  for (const auto& t : cases) {
+  for (const Row& t : rows()) {
     Error error;
-    error.SetError(static_cast<Error::TDXFErrors>(t.kind));
-    error.SetErrorLine(t.line);
-    error.SetErrorExtraParam(t.param1, t.param2);
-    EXPECT_EQ(error.GetFullMessage().toUtf8(), t.text) << t.name;
+    error.SetError(static_cast<Error::TDXFErrors>(t.whole("kind")));
+    error.SetErrorLine(t.whole<long>("line"));
+    error.SetErrorExtraParam(t.whole<long>("param1"), t.whole<long>("param2"));
+    EXPECT_EQ(error.GetFullMessage().toUtf8(), t.text("text")) << t.text("name");
   }
 }
 

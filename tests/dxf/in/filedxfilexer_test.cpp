@@ -1,17 +1,6 @@
-#include "vek0core/dxf/in/filedxfilexer.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <iterator>
-#include <memory>
-#include <random>
-#include <string>
-#include <utility>
-
-#include "vek0core/dxf/in/filedxfierror.h"
-#include "vek0core/files/filememory.h"
-#include "vek0core/files/report.h"
+using namespace vek0::test;
 
 namespace {
 
@@ -82,68 +71,29 @@ std::string transcript(const std::string& text, bool byBytes) {
 }
 
 TEST(DxfLexer, FirstPairs) {
-  const struct {
-    const char* name;
-    std::string text;
-    long code;
-    const char* value;
-    long line;
-  } cases[] = {
-      {"plain", "0\nSECTION\n", 0, "SECTION", 2},
-      {"two blanks and a zero", "  0\nSECTION\n", 0, "SECTION", 2},
-      {"junk behind the code", "10abc\n1.5\n", 10, "1.5", 2},
-      {"blanks for a code", "   \nx\n", 0, "x", 2},
-      {"tab before the code", "\t8\nx\n", 8, "x", 2},
-      {"negative code", "-5\nx\n", -5, "x", 2},
-      {"code beyond 32 bits", "99999999999\nx\n", 2147483647, "x", 2},
-      {"code with five digits", "10000\nx\n", 10000, "x", 2},
-      {"trailing blank, tab, ends", "0\r\nLINE \t\r\n", 0, "LINE", 2},
-      {"leading blank is kept", "0\n LINE\n", 0, " LINE", 2},
-      {"empty value", "1\n\n", 1, "", 2},
-      {"comment before it", "999\nhi\n999\n\n0\nEOF\n", 0, "EOF", 6},
-      {"no end at the end", "0\nEOF", 0, "EOF", 2},
-      {"old line ends", "0\rLINE\r", 0, "LINE", 2},
-      {"marked utf-8", "\357\273\2771\n\xC3\xA9\n", 1, "\xC3\xA9", 2},
-      {"western", "1\n\xE9\n", 1, "\xC3\xA9", 2},
-  };
-  for (const auto& t : cases) {
+  for (const Row& t : rows()) {
     for (const bool byBytes : {true, false}) {
-      SCOPED_TRACE(testing::Message() << t.name << (byBytes ? ", bytes" : ", lines"));
-      Reader reader(t.text, byBytes);
-      EXPECT_EQ(reader.lexer.read(), t.code);
-      EXPECT_EQ(reader.lexer.getGroupValue(), t.code);
-      EXPECT_EQ(utf8(reader.lexer.getString()), t.value);
-      EXPECT_EQ(reader.lexer.getLine(), t.line);
+      SCOPED_TRACE(testing::Message() << t.text("name") << (byBytes ? ", bytes" : ", lines"));
+      Reader reader(t.text("text"), byBytes);
+      EXPECT_EQ(reader.lexer.read(), t.whole<long>("code"));
+      EXPECT_EQ(reader.lexer.getGroupValue(), t.whole<long>("code"));
+      EXPECT_EQ(utf8(reader.lexer.getString()), t.text("value"));
+      EXPECT_EQ(reader.lexer.getLine(), t.whole<long>("line"));
       EXPECT_FALSE(reader.error.HasAnError());
     }
   }
 }
 
 TEST(DxfLexer, ErrorsOfStructure) {
-  const struct {
-    const char* name;
-    std::string text;
-    int kind;
-    long line;  // lines read until then
-  } cases[] = {
-      {"empty code line", "\nx\n", 5, 0},
-      {"empty with cr", "\r\nx\n", 5, 0},
-      {"empty after a pair", "0\nLINE\n\n8\n", 5, 2},
-      {"empty file", "", 13, 0},
-      {"end after a pair", "0\nLINE\n", 13, 2},
-      {"end after a code", "0\nLINE\n8\n", 13, 3},
-      {"end after a comment", "999\nx\n", 13, 2},
-      {"ctrl-z before the end", "0\nLINE\n\032\n0\n", 13, 2},
-  };
-  for (const auto& t : cases) {
+  for (const Row& t : rows()) {
     for (const bool byBytes : {true, false}) {
-      SCOPED_TRACE(testing::Message() << t.name << (byBytes ? ", bytes" : ", lines"));
-      Reader reader(t.text, byBytes);
+      SCOPED_TRACE(testing::Message() << t.text("name") << (byBytes ? ", bytes" : ", lines"));
+      Reader reader(t.text("text"), byBytes);
       long code = 0;
       for (int i = 0; i < 9 && !reader.error.HasAnError(); ++i) code = reader.lexer.read();
       EXPECT_EQ(code, -1);
-      EXPECT_EQ(reader.error.GetErrorType(), t.kind);
-      EXPECT_EQ(reader.lexer.getLine(), t.line);
+      EXPECT_EQ(reader.error.GetErrorType(), t.whole("kind"));
+      EXPECT_EQ(reader.lexer.getLine(), t.whole<long>("line"));
     }
   }
 }
@@ -177,8 +127,7 @@ TEST(DxfLexer, NumbersOfAValue) {
       {"printed so", "1.#F", 15, 0, 1, ((16 - 2) * 16 - 13) * 16 + 15},
       {"beyond range", "1e999", 15, 0, 1, 0x1e999},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     Reader reader(std::string("40\n") + t.value + "\n");
     reader.lexer.read();
     EXPECT_EQ(reader.lexer.getDouble(), t.real);
@@ -221,27 +170,14 @@ TEST(DxfLexer, TextsAreFreedOfEscapesAndStringsAreNot) {
 }
 
 TEST(DxfLexer, TheHeadersCodePageHoldsUnlessThereIsAMark) {
-  const struct {
-    const char* name;
-    std::string text;
-    bool byBytes;
-    const char* value;
-    const char* encoding;
-  } cases[] = {
-      {"declared", "1\n\x9D\n", true, "\xC3\x98", "ibm850"},
-      {"marked utf-8", "\357\273\2771\n\xC3\x98\n", true, "\xC3\x98", "utf-8"},
-      {"marked utf-16", "\xFF\xFE\x31\0\n\0\xD8\0\n\0"s, true, "\xC3\x98", "utf-16le"},
-      {"read by lines", "1\n\xC3\x98\n", false, "\xC3\x98", "utf-16"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    Reader reader("", t.byBytes);
-    *reader.file = CFileMemory(u"m", 1, t.text);
+  for (const Row& t : rows()) {
+    Reader reader("", t.flag("byBytes"));
+    *reader.file = CFileMemory(u"m", 1, t.text("text"));
     reader.file->open();
     ASSERT_EQ(reader.lexer.read(), 1);
     reader.lexer.setCodePage(850);
-    EXPECT_EQ(utf8(reader.lexer.getString()), t.value);
-    EXPECT_EQ(reader.lexer.getEncodingName(), t.encoding);
+    EXPECT_EQ(utf8(reader.lexer.getString()), t.text("value"));
+    EXPECT_EQ(reader.lexer.getEncodingName(), t.text("encoding"));
   }
 }
 

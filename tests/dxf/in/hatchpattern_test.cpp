@@ -1,13 +1,7 @@
 #include "dxf/in/convert/hatchpattern.h"
+#include "support/test.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <iterator>
-#include <set>
-#include <string>
-
-#include "vek0core/geometry/angle.h"
+using vek0::detail::kPi;
 
 using vek0::detail::findPattern;
 using vek0::detail::Pattern;
@@ -15,8 +9,6 @@ using vek0::detail::PatternLine;
 using vek0::detail::PatternRecord;
 
 namespace {
-
-const double kPi = std::acos(-1.0);
 
 struct Placing {
   double scale, angleDeg;

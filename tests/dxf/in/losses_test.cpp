@@ -1,7 +1,6 @@
 // What a drawing has no place for is in the report, and what says nothing is not.
-#include <gtest/gtest.h>
 
-#include "support/dxftext.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 

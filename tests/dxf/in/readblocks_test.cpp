@@ -1,14 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
-#include "support/dxftext.h"
-#include "vek0core/entities/blocks/block.h"
-#include "vek0core/entities/blocks/blockxref.h"
-#include "vek0core/entities/blocks/entinsert.h"
-#include "vek0core/entities/entcast.h"
-#include "vek0core/entities/entpnt.h"
-#include "vek0core/tables/layer.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 
@@ -46,27 +36,11 @@ TEST(ReadBlocks, EntitiesAreHeldRelativeToTheBasePoint) {
 }
 
 TEST(ReadBlocks, WhichBlocksAreKept) {
-  const struct {
-    const char* why;
-    const char* name;
-    bool empty;
-    const char* header;
-    bool kept;
-  } cases[] = {
-      {"ordinary", "A", true, "", true},
-      {"model space", "*Model_Space", false, "", false},
-      {"model space, older", "$MODEL_SPACE", false, "", false},
-      {"a further layout", "*PAPER_SPACE12", false, "", false},
-      {"anonymous", "*U1", false, "", true},
-      {"anonymous and empty", "*U1", true, "", false},
-      {"empty but meant so", "*U1", true, "70 1", true},
-      {"external reference", "X", true, "70 4|1 x.dwg", false},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.why);
-    const Loaded got = loadText(blocks(block(t.name, t.empty ? "" : kPoint, t.header)) + dxf());
+  for (const Row& t : rows()) {
+    const Loaded got = loadText(
+        blocks(block(t.text("name"), t.flag("empty") ? "" : kPoint, t.text("header"))) + dxf());
     EXPECT_FALSE(got.error.HasAnError());
-    EXPECT_EQ(find(got, zim::WString::fromUtf8(t.name)) != nullptr, t.kept);
+    EXPECT_EQ(find(got, t.wide("name")) != nullptr, t.flag("kept"));
   }
 }
 
@@ -145,27 +119,15 @@ TEST(LoadAndImport, LayerZeroStyleVariablesAndHandles) {
       section("HEADER", pairsOf("9 $LTSCALE|40 5|9 $CELAYER|8 A")) +
       section("TABLES", table("LAYER", pairsOf("0 LAYER|2 0|62 -1|70 4|0 LAYER|2 A|62 2"))) +
       entities("0 POINT|5 2F|8 A|10 0|20 0") + dxf();
-  const struct {
-    bool importing;
-    short colour0;
-    long flags0;
-    double scale;
-    const char16_t* current;
-    vek0::Handle handle;
-  } cases[] = {
-      {false, 1, 132, 5, u"A", 0x2F},
-      {true, 7, 0, 1, u"0", 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.importing);
+  for (const Row& t : rows()) {
     Loaded got;
-    t.importing ? importInto(got, text) : loadInto(got, text);
+    t.flag("importing") ? importInto(got, text) : loadInto(got, text);
     ASSERT_FALSE(got.error.HasAnError());
-    EXPECT_EQ(got.data->getLayer0().getColor(), t.colour0);
-    EXPECT_EQ(got.data->getLayer0().getFlags(), t.flags0);
-    EXPECT_DOUBLE_EQ(getLtypeScale(*got.data), t.scale);
-    EXPECT_EQ(getCurLayer(*got.data), getLayer(*got.data, t.current));
-    EXPECT_EQ(got.only()->GetHandle(), t.handle);
+    EXPECT_EQ(got.data->getLayer0().getColor(), t.whole<short>("colour0"));
+    EXPECT_EQ(got.data->getLayer0().getFlags(), t.whole<long>("flags0"));
+    EXPECT_DOUBLE_EQ(getLtypeScale(*got.data), t.real("scale"));
+    EXPECT_EQ(getCurLayer(*got.data), getLayer(*got.data, t.wide("current")));
+    EXPECT_EQ(got.only()->GetHandle(), t.whole<long>("handle"));
     EXPECT_EQ(getLayer(*got.data, u"A")->getColor(), 2);
   }
 }

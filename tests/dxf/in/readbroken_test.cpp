@@ -1,15 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <fstream>
-#include <iterator>
-#include <random>
-#include <unordered_map>
-
-#include "support/dxftext.h"
-#include "support/quietasserts.h"
-#include "support/samples.h"
-#include "vek0core/entities/blocks/block.h"
-#include "vek0core/entities/blocks/entinsert.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 
@@ -165,8 +154,7 @@ TEST(ReadBroken, ChangedBytes) {
   std::mt19937 random(seed);
   const std::string texts[] = {smallDrawing(), readSample("every_kind_r12.dxf"),
                                readSample("room_ac1015.dxf")};
-  for (int round = 0; round < 600; ++round) {
-    SCOPED_TRACE(testing::Message() << "seed " << seed << ", round " << round);
+  for (const int round : rounds(600)) {
     std::string text = texts[round % 3];
     ASSERT_FALSE(text.empty());
     for (unsigned changes = 1 + random() % 8; changes > 0; --changes) {
@@ -190,8 +178,7 @@ TEST(ReadBroken, NumbersThatPromiseTooMuch) {
       "0 POLYLINE|8 0|66 1|70 64|0 VERTEX|8 0|10 0|20 0|70 128|71 -2147483648|72 1|0 SEQEND",
       "0 INSERT|8 0|2 A|10 0|20 0|70 2147483647|71 2147483647|44 1e300|45 1e300",
   };
-  for (const char* text : cases) {
-    SCOPED_TRACE(text);
+  for (const char* text : named(cases)) {
     const Loaded got = loadText(entitiesOf("AC1015", text));
     expectConsistent(got);
   }

@@ -1,21 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <vector>
-
 #include "dxf/in/convert/curvereaders.h"
 #include "dxf/in/convert/dimstyles.h"
-#include "support/dxftext.h"
-#include "vek0core/dxf/in/parse/filedxfiloaddatasemantor.h"
-#include "vek0core/entities/entcast.h"
-#include "vek0core/entities/entpolyline.h"
+#include "support/test.h"
 
 using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
-
-constexpr double kPi = 3.14159265358979;
 
 Loaded loadCurve(const std::string& list, double chordError = 1e-4) {
   CFileDXFIPolicy policy = CFileDXFIPolicy::forAnyFile();
@@ -55,96 +45,24 @@ const std::string kFits = "11 0|21 0|31 0|11 4|21 3|31 1|11 8|21 0|31 2";
 }  // namespace
 
 TEST(ReadCurves, EllipsesBecomeChains) {
-  const struct {
-    const char* name;
-    std::string pairs;
-    PNT_3D center, major, minor, first, last;
-    bool closed;
-  } cases[] = {
-      {"full",
-       "10 1|20 2|30 3|11 4|21 0|31 0|40 0.5|41 0|42 6.283185307179586",
-       {1, 2, 3},
-       {4, 0, 0},
-       {0, 2, 0},
-       {5, 2, 3},
-       {},
-       true},
-      {"without parameters",
-       "10 1|20 2|11 4|21 0|40 0.5",
-       {1, 2, 0},
-       {4, 0, 0},
-       {0, 2, 0},
-       {5, 2, 0},
-       {},
-       true},
-      {"quarter",
-       "10 0|20 0|11 0|21 4|40 0.25|41 0|42 1.5707963267948966",
-       {0, 0, 0},
-       {0, 4, 0},
-       {-1, 0, 0},
-       {0, 4, 0},
-       {-1, 0, 0},
-       false},
-      {"through the seam",
-       "10 0|20 0|11 4|21 0|40 0.5|41 4.71238898038469|42 7.853981633974483",
-       {0, 0, 0},
-       {4, 0, 0},
-       {0, 2, 0},
-       {0, -2, 0},
-       {0, 2, 0},
-       false},
-      {"seen from below",
-       "10 0|20 0|11 4|21 0|40 0.5|41 0|42 1.5707963267948966|210 0|220 0|230 -1",
-       {0, 0, 0},
-       {4, 0, 0},
-       {0, -2, 0},
-       {4, 0, 0},
-       {0, -2, 0},
-       false},
-      {"negative ratio",
-       "10 0|20 0|11 4|21 0|40 -0.5|41 0|42 1.5707963267948966",
-       {0, 0, 0},
-       {4, 0, 0},
-       {0, -2, 0},
-       {4, 0, 0},
-       {0, -2, 0},
-       false},
-      {"upright",
-       "10 5|20 0|11 2|21 0|40 0.5|41 0|42 1.5707963267948966|210 0|220 -3|230 0",
-       {5, 0, 0},
-       {2, 0, 0},
-       {0, 0, 1},
-       {7, 0, 0},
-       {5, 0, 1},
-       false},
-      {"no normal",
-       "10 0|20 0|11 4|21 0|40 0.5|41 0|42 1.5707963267948966|210 0|220 0|230 0",
-       {0, 0, 0},
-       {4, 0, 0},
-       {0, 2, 0},
-       {4, 0, 0},
-       {0, 2, 0},
-       false},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadCurve("0 ELLIPSE|8 0|" + t.pairs);
+  for (const Row& t : rows()) {
+    const Loaded got = loadCurve("0 ELLIPSE|8 0|" + t.text("pairs"));
     const CEntPolyline* polyline = castPolyline(got.only());
     ASSERT_NE(polyline, nullptr) << got.error.GetErrorLine();
-    EXPECT_EQ(polyline->isClosed(), t.closed);
+    EXPECT_EQ(polyline->isClosed(), t.flag("closed"));
     const std::vector<PNT_3D> points = pointsOf(*polyline);
-    expectNear(points.front(), t.first, 1e-9);
-    if (t.closed)
+    expectNear(points.front(), t.point("first"), 1e-9);
+    if (t.flag("closed"))
       EXPECT_GT(points.front().dist(points.back()), 0.01) << "the start is not repeated";
     else
-      expectNear(points.back(), t.last, 1e-9);
+      expectNear(points.back(), t.point("last"), 1e-9);
     // In the ellipse's own frame it is the unit circle.
     const auto radius = [&](const PNT_3D& p) {
-      const PNT_3D d = p - t.center;
+      const PNT_3D d = p - t.point("center");
       const auto part = [&](const PNT_3D& a) {
         return (d.x * a.x + d.y * a.y + d.z * a.z) / (a.x * a.x + a.y * a.y + a.z * a.z);
       };
-      return std::hypot(part(t.major), part(t.minor));
+      return std::hypot(part(t.point("major")), part(t.point("minor")));
     };
     forEachChord(*polyline, [&](const PNT_3D& vertex, const PNT_3D& middle) {
       EXPECT_NEAR(radius(vertex), 1, 1e-9);
@@ -196,68 +114,39 @@ TEST(ReadCurves, ClosedRationalSpline) {
 }
 
 TEST(ReadCurves, WhatASplineLacks) {
-  const struct {
-    const char* name;
-    std::string pairs;
-    const char* note;
-    std::size_t fewest, most;
-  } cases[] = {
-      {"complete", kClamped + kControls, "", 8, 999},
-      {"no knots", kControls, "curve as frame", 4, 4},
-      {"knots that fall", "40 1|40 0|40 0|40 0|40 1|40 1|40 1|40 1|" + kControls, "curve as frame",
-       4, 4},
-      {"a degree too high", "71 9|" + kClamped + kControls, "curve as frame", 4, 4},
-      {"a degree below 0", "71 -2147483648|" + kClamped + kControls, "curve as frame", 4, 4},
-      {"a weight missing", kClamped + "41 1|41 2|41 1|" + kControls, "weights ignored", 8, 999},
-      {"a weight of 0", kClamped + "41 1|41 0|41 1|41 1|" + kControls, "weights ignored", 8, 999},
-      {"controls", kFits, "", 8, 999},
-      {"all but one control", "10 5|20 5|" + kFits, "", 8, 999},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadCurve(kSpline + t.pairs);
+  const Definitions names{{"kClamped", kClamped}, {"kControls", kControls}, {"kFits", kFits}};
+  for (const Row& t : rowsWith(names)) {
+    const Loaded got = loadCurve(kSpline + t.text("pairs"));
     const CEntPolyline* polyline = castPolyline(got.only());
     ASSERT_NE(polyline, nullptr) << got.error.GetErrorLine();
     const std::size_t points = pointsOf(*polyline).size();
-    EXPECT_GE(points, t.fewest);
-    EXPECT_LE(points, t.most);
+    EXPECT_GE(points, t.count("fewest"));
+    EXPECT_LE(points, t.count("most"));
     for (const char* note : {"curve as frame", "weights ignored"})
-      EXPECT_EQ(got.report.count(note), std::string(note) == t.note);
+      EXPECT_EQ(got.report.count(note), std::string(note) == t.text("note"));
   }
 }
 
 TEST(ReadCurves, FitPointsAreOnTheCurve) {
-  const struct {
-    const char* name;
-    std::string pairs;
-    PNT_2D start, end;  // directions
-    bool closed;
-  } cases[] = {
-      {"tangents", kFits + "|12 0|22 1|32 0|13 0|23 -2|33 0", {0, 1}, {0, -1}, false},
-      {"closed",
-       "70 1|" + kFits + "|11 0|21 0|31 0|12 0|22 1|32 0|13 0|23 1|33 0",
-       {0, 1},
-       {0, 1},
-       true},
-      {"closed, the first not repeated", "70 2|" + kFits, {-0.8, 0.6}, {-0.8, 0.6}, true},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadCurve(kSpline + t.pairs, 1e-6);
+  const Definitions names{{"kFits", kFits}};
+  for (const Row& t : rowsWith(names)) {
+    const Loaded got = loadCurve(kSpline + t.text("pairs"), 1e-6);
     const CEntPolyline* polyline = castPolyline(got.only());
     ASSERT_NE(polyline, nullptr) << got.error.GetErrorLine();
-    EXPECT_EQ(polyline->isClosed(), t.closed);
+    EXPECT_EQ(polyline->isClosed(), t.flag("closed"));
     std::vector<PNT_3D> points = pointsOf(*polyline);
     for (const PNT_3D& through : {PNT_3D(0, 0, 0), PNT_3D(4, 3, 1), PNT_3D(8, 0, 2)}) {
       double nearest = 1;
       for (const PNT_3D& p : points) nearest = std::min(nearest, p.dist(through));
       EXPECT_LT(nearest, 1e-9);
     }
-    if (t.closed) points.push_back(points.front());
+    if (t.flag("closed")) points.push_back(points.front());
     const std::size_t last = points.size() - 1;
     const PNT_2D leaving = points[1] - points[0], arriving = points[last] - points[last - 1];
-    EXPECT_GT(leaving.x * t.start.x + leaving.y * t.start.y, 0.99 * leaving.dist(0, 0));
-    EXPECT_GT(arriving.x * t.end.x + arriving.y * t.end.y, 0.99 * arriving.dist(0, 0));
+    EXPECT_GT(leaving.x * t.point("start").x + leaving.y * t.point("start").y,
+              0.99 * leaving.dist(0, 0));
+    EXPECT_GT(arriving.x * t.point("end").x + arriving.y * t.point("end").y,
+              0.99 * arriving.dist(0, 0));
   }
 }
 
@@ -274,28 +163,18 @@ TEST(ReadCurves, AHelixIsItsSpline) {
 
 TEST(ReadCurves, Leaders) {
   const std::string path = "10 0|20 0|30 1|10 4|20 3|30 1|10 8|20 0|30 1";
-  const struct {
-    const char* name;
-    std::string pairs;
-    bool curved, arrow;
-  } cases[] = {
-      {"straight", "71 0|72 0|" + path, false, false},
-      {"arrow head", "71 1|72 0|" + path, false, true},
-      {"arrow head by itself", path, false, true},
-      {"curved", "71 0|72 1|" + path, true, false},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadCurve("0 LEADER|8 0|3 STANDARD|" + t.pairs);
+  const Definitions names{{"path", path}};
+  for (const Row& t : rowsWith(names)) {
+    const Loaded got = loadCurve("0 LEADER|8 0|3 STANDARD|" + t.text("pairs"));
     const auto& entities = got.data->getEntTable().getEntityTbl();
-    ASSERT_EQ(entities.size(), 1u + t.arrow) << got.error.GetErrorLine();
+    ASSERT_EQ(entities.size(), 1u + t.flag("arrow")) << got.error.GetErrorLine();
     const CEntPolyline* polyline = castPolyline(entities.front());
     ASSERT_NE(polyline, nullptr);
     const std::vector<PNT_3D> points = pointsOf(*polyline);
-    EXPECT_EQ(points.size() > 3, t.curved);
+    EXPECT_EQ(points.size() > 3, t.flag("curved"));
     expectNear(points.front(), PNT_3D(0, 0, 1), 1e-9);
     expectNear(points.back(), PNT_3D(8, 0, 1), 1e-9);
-    if (t.arrow) expectNear(entities.back()->getBdry().min, PNT_3D(0, 0, 1), 1e-9);
+    if (t.flag("arrow")) expectNear(entities.back()->getBdry().min, PNT_3D(0, 0, 1), 1e-9);
   }
 }
 
@@ -329,8 +208,7 @@ TEST(ReadCurves, NonsenseGivesNothing) {
       "0 LEADER|8 0|10 1|20 1",
       "0 LEADER|8 0|30 1",
   };
-  for (const char* list : cases) {
-    SCOPED_TRACE(list);
+  for (const char* list : named(cases)) {
     EXPECT_EQ(loadCurve(list).drawing().getEntTable().getEntityTbl().size(), 0u);
   }
 }

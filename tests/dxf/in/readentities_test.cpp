@@ -1,26 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-
-#include "support/dxftext.h"
-#include "vek0core/entities/blocks/block.h"
-#include "vek0core/entities/blocks/blockxref.h"
-#include "vek0core/entities/blocks/entinsert.h"
-#include "vek0core/entities/ent3dface.h"
-#include "vek0core/entities/entarc.h"
-#include "vek0core/entities/entattdef.h"
-#include "vek0core/entities/entattrib.h"
-#include "vek0core/entities/entcast.h"
-#include "vek0core/entities/entcircle.h"
-#include "vek0core/entities/entline.h"
-#include "vek0core/entities/entpnt.h"
-#include "vek0core/entities/enttext.h"
+#include "support/test.h"
 
 using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 constexpr double kDegreeTolerance = 1e-9;  // the factor of the format has 13 digits
 
 #define EXPECT_POINT(p, ex, ey, ez) \
@@ -106,29 +90,11 @@ TEST(ReadEntities, UndeclaredLayerIsMade) {
 }
 
 TEST(ReadEntities, SkipsWhatItDoesNotRead) {
-  const struct {
-    const char* name;
-    const char* version;
-    const char* list;
-    std::size_t read;
-    long skipped;
-  } cases[] = {
-      {"unknown kind", "AC1009", "0 SPLINE|8 0|40 x|0 POINT|8 0|10 0|20 0", 1, 1},
-      {"light polyline in R12", "AC1009", "0 LWPOLYLINE|90 99", 0, 1},
-      {"light polyline in R13", "AC1012", "0 LWPOLYLINE|90 99", 0, 1},
-      {"no version means R12", "", "0 LWPOLYLINE|90 99", 0, 1},
-      {"old version of no name", "AC1010", "0 LWPOLYLINE|90 99", 0, 1},
-      {"light polyline in R14", "AC1014", "0 LWPOLYLINE|8 0", 1, 0},
-      {"attribute on its own", "AC1009", "0 ATTRIB|8 0", 0, 1},
-      {"codes not read", "AC1009", "0 POINT|8 0|10 0|20 0|50 junk|100 x", 1, 0},
-      {"embedded object", "AC1015", "0 POINT|8 0|10 0|20 0|101 x|10 junk|8 ", 1, 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadText(entitiesOf(t.version, t.list));
+  for (const Row& t : rows()) {
+    const Loaded got = loadText(entitiesOf(t.text("version"), t.text("list")));
     EXPECT_FALSE(got.error.HasAnError());
-    EXPECT_EQ(got.data->getEntTable().getEntityTbl().size(), t.read);
-    EXPECT_EQ(got.report.count("kind skipped"), t.skipped);
+    EXPECT_EQ(got.data->getEntTable().getEntityTbl().size(), t.count("read"));
+    EXPECT_EQ(got.report.count("kind skipped"), t.whole<long>("skipped"));
   }
 }
 
@@ -143,30 +109,12 @@ TEST(ReadEntities, ReportsWhatADrawingHasNoPlaceFor) {
 // -- texts ---------------------------------------------------------------------
 
 TEST(ReadEntities, TextAlignment) {
-  const struct {
-    const char* name;
-    const char* codes;
-    long align;
-    double x;
-  } cases[] = {
-      {"left", "", 0, 1},
-      {"second point not used", "|72 0|11 5|21 2", 0, 1},
-      {"center", "|72 1|11 5|21 2", 1, 5},
-      {"right", "|72 2|11 5|21 2", 2, 5},
-      {"top left", "|73 3|11 5|21 2", 3, 5},
-      {"middle center", "|72 1|73 2|11 5", 7, 5},
-      {"bottom right", "|72 2|73 1|11 5", 11, 5},
-      {"middle", "|72 4|11 5|21 2", 7, 5},
-      {"second point missing", "|72 1", 1, 1},
-      {"code of no meaning is left", "|72 9|11 5", 0, 5},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadEntities(std::string("0 TEXT|8 0|1 abc|10 1|20 2|40 3") + t.codes);
+  for (const Row& t : rows()) {
+    const Loaded got = loadEntities("0 TEXT|8 0|1 abc|10 1|20 2|40 3" + t.text("codes"));
     const CEntText* text = castText(got.only());
     ASSERT_NE(text, nullptr);
-    EXPECT_EQ(text->getText().getAlign(), t.align);
-    EXPECT_DOUBLE_EQ(text->getText().x, t.x);
+    EXPECT_EQ(text->getText().getAlign(), t.whole<long>("align"));
+    EXPECT_DOUBLE_EQ(text->getText().x, t.real("x"));
   }
 }
 
@@ -186,44 +134,24 @@ TEST(ReadEntities, TextValues) {
 }
 
 TEST(ReadEntities, MirroredText) {
-  const struct {
-    const char* name;
-    const char* code;
-    double width, rotation;
-  } cases[] = {
-      {"upright", "71 0", 1, 0},
-      {"backward", "71 2", -1, 0},
-      {"upside down", "71 4", -1, kPi},
-      {"both", "71 6", 1, kPi},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadEntities(std::string("0 TEXT|8 0|1 a|10 0|20 0|40 1|") + t.code);
+  for (const Row& t : rows()) {
+    const Loaded got = loadEntities("0 TEXT|8 0|1 a|10 0|20 0|40 1|" + t.text("code"));
     const CTextContext& context = castText(got.only())->getText().getContext();
-    EXPECT_DOUBLE_EQ(context.getWidthScale(), t.width);
-    EXPECT_DOUBLE_EQ(context.getRotate(), t.rotation);
+    EXPECT_DOUBLE_EQ(context.getWidthScale(), t.real("width"));
+    EXPECT_DOUBLE_EQ(context.getRotate(), t.real("rotation"));
   }
 }
 
 // Three characters of the built-in metrics, 0.9 each: 2.7 wide at height 1.
 TEST(ReadEntities, AlignedAndFittedText) {
-  const struct {
-    const char* name;
-    const char* code;
-    double height, width;
-  } cases[] = {
-      {"aligned", "72 3", 2, 1},
-      {"fit", "72 5", 1, 2},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     const Loaded got =
-        loadEntities(std::string("0 TEXT|8 0|1 abc|10 1|20 1|11 1|21 6.4|40 1|50 7|") + t.code);
+        loadEntities("0 TEXT|8 0|1 abc|10 1|20 1|11 1|21 6.4|40 1|50 7|" + t.text("code"));
     const TEXT_3D& text = castText(got.only())->getText();
     EXPECT_EQ(text.getAlign(), 0);
     EXPECT_POINT(text, 1, 1, 0);
-    EXPECT_DOUBLE_EQ(text.getContext().getHeight(), t.height);
-    EXPECT_DOUBLE_EQ(text.getContext().getWidthScale(), t.width);
+    EXPECT_DOUBLE_EQ(text.getContext().getHeight(), t.real("height"));
+    EXPECT_DOUBLE_EQ(text.getContext().getWidthScale(), t.real("width"));
     EXPECT_DOUBLE_EQ(text.getContext().getRotate(), kPi / 2);
     EXPECT_EQ(got.report.count("text fitted"), 1);
   }
@@ -246,19 +174,8 @@ TEST(ReadEntities, Attdef) {
 // -- inserts -------------------------------------------------------------------
 
 TEST(ReadEntities, InsertDefaultsAndValues) {
-  const struct {
-    const char* name;
-    const char* codes;
-    double sx, sy, sz, rotation;
-    long columns, rows;
-    double columnSpacing, rowSpacing;
-  } cases[] = {
-      {"nothing said", "", 1, 1, 1, 0, 1, 1, 0, 0},
-      {"all said", "|41 2|42 3|43 4|50 90|70 2|71 3|44 10|45 20", 2, 3, 4, kPi / 2, 2, 3, 10, 20},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadEntities(std::string("0 INSERT|8 0|2 A|10 1|20 2") + t.codes);
+  for (const Row& t : rows()) {
+    const Loaded got = loadEntities("0 INSERT|8 0|2 A|10 1|20 2" + t.text("codes"));
     ASSERT_NE(got.only(), nullptr);
     CEntInsertBase* insert = got.only()->getEntInsert();
     ASSERT_NE(insert, nullptr);
@@ -268,12 +185,12 @@ TEST(ReadEntities, InsertDefaultsAndValues) {
     insert->getInsertParams(1, at, sx, sy, sz, rotation);
     insert->getArray(columns, rows, columnSpacing, rowSpacing);
     EXPECT_POINT(at, 1, 2, 0);
-    EXPECT_POINT(PNT_3D(sx, sy, sz), t.sx, t.sy, t.sz);
-    EXPECT_NEAR(rotation, t.rotation, kDegreeTolerance);
-    EXPECT_EQ(columns, t.columns);
-    EXPECT_EQ(rows, t.rows);
-    EXPECT_DOUBLE_EQ(columnSpacing, t.columnSpacing);
-    EXPECT_DOUBLE_EQ(rowSpacing, t.rowSpacing);
+    EXPECT_POINT(PNT_3D(sx, sy, sz), t.real("sx"), t.real("sy"), t.real("sz"));
+    EXPECT_NEAR(rotation, t.real("rotation"), kDegreeTolerance);
+    EXPECT_EQ(columns, t.whole<long>("columns"));
+    EXPECT_EQ(rows, t.whole<long>("rows"));
+    EXPECT_DOUBLE_EQ(columnSpacing, t.real("columnSpacing"));
+    EXPECT_DOUBLE_EQ(rowSpacing, t.real("rowSpacing"));
     EXPECT_EQ(insert->getBlock()->getName(), zim::WString(u"A"));
     EXPECT_EQ(got.report.count("block undefined"), 1);
   }

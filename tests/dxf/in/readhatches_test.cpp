@@ -1,13 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-
-#include "support/dxftext.h"
-#include "vek0core/entities/blocks/block.h"
-#include "vek0core/entities/blocks/enthatch.h"
-#include "vek0core/entities/entcast.h"
-#include "vek0core/entities/entpolyline.h"
-#include "vek0core/hatch/boundary.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 
@@ -42,43 +33,14 @@ long notes(const Loaded& got, const std::string& code) {
 }  // namespace
 
 TEST(ReadHatches, LoopsBecomeRings) {
-  const double pi = std::acos(-1.0);
-  const struct {
-    const char* name;
-    const char* loop;
-    double area, tolerance;
-  } cases[] = {
-      {"polyline", "92 2|72 0|73 1|93 3|10 0|20 0|10 4|20 0|10 4|20 4|97 0", 8, 0},
-      {"bulges", "92 2|72 1|73 1|93 2|10 0|20 0|42 1|10 4|20 0|42 1|97 0", 4 * pi, 0.01},
-      {"no sources", "92 2|72 0|73 1|93 3|10 0|20 0|10 4|20 0|10 4|20 4", 8, 0},
-      {"lines out of order",
-       "92 1|93 3|72 1|10 4|20 4|11 0|21 0|72 1|10 4|20 0|11 0|21 0|72 1|10 4|20 0|11 4|21 4|97 0",
-       8, 0},
-      {"circle", "92 1|93 1|72 2|10 5|20 5|40 2|50 0|51 360|73 1|97 0", 4 * pi, 0.01},
-      {"clockwise circle", "92 1|93 1|72 2|10 5|20 5|40 2|50 0|51 360|73 0|97 0", 4 * pi, 0.01},
-      {"half circle and chord",
-       "92 1|93 2|72 2|10 0|20 0|40 2|50 0|51 180|73 1|72 1|10 -2|20 0|11 2|21 0|97 0", 2 * pi,
-       0.01},
-      {"clockwise half",
-       "92 1|93 2|72 2|10 0|20 0|40 2|50 180|51 360|73 0|72 1|10 -2|20 0|11 2|21 0|97 0", 2 * pi,
-       0.01},
-      {"ellipse", "92 1|93 1|72 3|10 0|20 0|11 3|21 0|40 0.5|50 0|51 360|73 1|97 0", 4.5 * pi,
-       0.01},
-      {"straight spline",
-       "92 1|93 2|72 4|94 1|73 0|74 0|95 5|96 3|40 0|40 0|40 1|40 2|40 2|10 0|20 0|10 4|20 0|10 "
-       "4|20 4|"
-       "72 1|10 4|20 4|11 0|21 0|97 1|330 1F",
-       8, 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadHatch(kHead + "91 1|" + t.loop + kTail);
+  for (const Row& t : rows()) {
+    const Loaded got = loadHatch(kHead + "91 1|" + t.text("loop") + kTail);
     ASSERT_FALSE(got.error.HasAnError()) << got.error.GetErrorLine();
     const CEntHatch* hatch = onlyHatch(got);
     ASSERT_NE(hatch, nullptr);
     const auto rings = hatchRings(hatch->getBoundary());
     ASSERT_EQ(rings.size(), 1u);
-    EXPECT_NEAR(area(*hatch, rings[0]), t.area, t.tolerance);
+    EXPECT_NEAR(area(*hatch, rings[0]), t.real("area"), t.real("tolerance"));
     EXPECT_EQ(hatch->getPnt(0).z, 2);
     EXPECT_GT(hatch->getBlock()->size(), 0u);
     EXPECT_EQ(notes(got, "hatch open"), 0);
@@ -108,20 +70,11 @@ TEST(ReadHatches, FittedEdges) {
 }
 
 TEST(ReadHatches, StylesLeaveOutInnerLoops) {
-  const struct {
-    const char* style;
-    std::size_t rings;
-  } cases[] = {
-      {"75 0", 3},
-      {"75 1", 2},
-      {"75 2", 1},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.style);
+  for (const Row& t : rows()) {
     const Loaded got = loadHatch(kHead + "91 3|" + kDot + "|" + kSquare + "|" + kIsland + "|" +
-                                 t.style + "|76 1|52 0|41 1");
+                                 t.text("style") + "|76 1|52 0|41 1");
     ASSERT_NE(onlyHatch(got), nullptr) << got.error.GetErrorLine();
-    EXPECT_EQ(hatchRings(onlyHatch(got)->getBoundary()).size(), t.rings);
+    EXPECT_EQ(hatchRings(onlyHatch(got)->getBoundary()).size(), t.count("rings"));
   }
 }
 
@@ -130,32 +83,16 @@ TEST(ReadHatches, Patterns) {
   const std::string metric = "78 1|53 45|43 0|44 0|45 -2.2450640|46 2.2450640|79 0";
   const std::string turned = "78 1|53 75|43 0|44 0|45 -0.2414814566|46 0.0647047613|79 0";
   const std::string other = "78 1|53 45|43 0|44 0|45 -1|46 1|79 2|49 1|49 -1";
-  const struct {
-    const char* name;
-    std::string pairs;
-    const zim::Char* type;
-    bool known;
-    double scale, angleDeg;
-  } cases[] = {
-      {"catalogue", "2 ANSI31|76 1|52 0|41 1|" + ansi31, u"ANSI31", true, 1, 0},
-      {"the same in mm", "2 ANSI31|76 1|52 0|41 1|" + metric, u"ANSI31", true, 25.4, 0},
-      {"turned and scaled", "2 ansi31|76 1|52 30|41 2|" + turned, u"ANSI31", true, 2, 30},
-      {"other lines", "2 ANSI31|76 1|52 0|41 1|" + other, u"ANSI31", false, 1, 0},
-      {"unknown with lines", "2 MYOWN|76 2|52 0|41 1|" + other, u"MYOWN", false, 1, 0},
-      {"user-defined", "2 _USER|76 0|52 10|41 3|77 1", u"_USER", false, 3, 10},
-      {"name alone", "2 NET|76 1|52 0|41 5", u"NET", true, 5, 0},
-      {"solid", "2 SOLID|70 1|76 1", u"SOLID", false, 1, 0},
-      {"scale without meaning", "2 ANSI31|76 1|41 0|" + ansi31, u"ANSI31", true, 1, 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadHatch(kHead + "91 1|" + kSquare + "|" + t.pairs);
+  const Definitions names{
+      {"ansi31", ansi31}, {"metric", metric}, {"turned", turned}, {"other", other}};
+  for (const Row& t : rowsWith(names)) {
+    const Loaded got = loadHatch(kHead + "91 1|" + kSquare + "|" + t.text("pairs"));
     const CEntHatch* hatch = onlyHatch(got);
     ASSERT_NE(hatch, nullptr) << got.error.GetErrorLine();
-    EXPECT_EQ(zim::WString(hatch->getHatchType().name), zim::WString(t.type));
-    EXPECT_EQ(getHatch(hatch->getHatchType()) >= 0, t.known);
-    EXPECT_NEAR(hatch->getHatchScale(), t.scale, 1e-6 * t.scale);
-    EXPECT_NEAR(hatch->getHatchRotate(), t.angleDeg * 0.01745329251994, 1e-12);
+    EXPECT_EQ(zim::WString(hatch->getHatchType().name), zim::WString(t.wide("type")));
+    EXPECT_EQ(getHatch(hatch->getHatchType()) >= 0, t.flag("known"));
+    EXPECT_NEAR(hatch->getHatchScale(), t.real("scale"), 1e-6 * t.real("scale"));
+    EXPECT_NEAR(hatch->getHatchRotate(), t.real("angleDeg") * 0.01745329251994, 1e-12);
     EXPECT_GT(hatch->getBlock()->size(), 0u);
   }
 }
@@ -195,23 +132,9 @@ TEST(ReadHatches, LongDashSequencesAreKept) {
 }
 
 TEST(ReadHatches, WhatDoesNotFitIsAnError) {
-  const struct {
-    const char* name;
-    std::string list;
-  } cases[] = {
-      {"more vertices than told", "91 1|92 2|72 0|73 1|93 2|10 0|20 0|10 1|20 0|10 2|20 2|97 0"},
-      {"fewer", "91 1|92 2|72 0|73 1|93 2000000000|10 0|20 0|97 0"},
-      {"fewer loops", "91 2000000000|" + kSquare},
-      {"unknown edge", "91 1|92 1|93 1|72 9|10 0|20 0"},
-      {"fewer edges", "91 1|92 1|93 100|72 1|10 0|20 0|11 1|21 1|97 0"},
-      {"fewer knots", "91 1|92 1|93 1|72 4|94 3|73 0|74 0|95 9|96 4|40 0|10 0"},
-      {"fewer dashes", "78 1|53 0|43 0|44 0|45 0|46 1|79 3|49 1|91 1|" + kSquare},
-      {"other sources than told", "91 1|92 2|72 0|73 1|93 1|10 0|20 0|97 2|330 1|92 2"},
-      {"fewer seeds", "91 1|" + kSquare + "|98 2|10 0|20 0"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadHatch(kHead + t.list);
+  const Definitions names{{"kSquare", kSquare}};
+  for (const Row& t : rowsWith(names)) {
+    const Loaded got = loadHatch(kHead + t.text("list"));
     EXPECT_EQ(got.error.GetErrorType(), CFileDXFIError::InconsistentRecord);
     EXPECT_TRUE(got.data->getEntTable().getEntityTbl().empty());
   }

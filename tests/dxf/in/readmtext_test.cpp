@@ -1,20 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <random>
-#include <string>
-
-#include "support/dxftext.h"
-#include "vek0core/entities/entcast.h"
-#include "vek0core/entities/entpolyline.h"
-#include "vek0core/entities/enttext.h"
-#include "vek0core/tables/text.h"
+#include "support/test.h"
 
 using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 constexpr double kLine = 5.0 / 3;                          // from line to line, in heights
 constexpr double kLetter = 19.0 / 21, kDigit = 20.0 / 21;  // wide, in heights: a, b; any digit
 
@@ -45,52 +35,10 @@ std::string shown(const Loaded& got) {
 }  // namespace
 
 TEST(ReadMText, CodesBecomeRuns) {
-  const struct {
-    const char* name;
-    const char* text;
-    const char* shown;
-  } cases[] = {
-      {"plain", "two words", "two words"},
-      {"lines", "a\\Pb\\P\\Pc", "a|b|c"},
-      {"line break by a caret", "a^Jb", "a|b"},
-      {"escaped", "\\{a\\\\b\\}", "{a\\b}"},
-      {"hard blank", "a\\~b", "a b"},
-      {"tab", "a^Ib", "a|b"},
-      {"caret", "a^ b", "a^b"},
-      {"unit escape", "3\\U+00B0", "3\xC2\xB0"},
-      {"escape that is escaped", "\\\\U+00B0", "\\U+00B0"},
-      {"brace by its number", "\\U+007Ba", "{a"},
-      {"pair of units", "\\U+D83D\\U+DE00", "\xF0\x9F\x98\x80"},
-      {"kept for metrics", "%%c20%%d", "%%c20%%d"},
-      {"group of no effect", "{a}b", "ab"},
-      {"lone braces", "a}b{", "ab"},
-      {"height within a group", "a{\\H2;b}c", "a|b|c"},
-      {"height and back", "a\\H2;b\\H1;c {\\H2;}d", "a|b|c d"},
-      {"same height again", "a\\H1;b", "ab"},
-      {"underlined", "\\La\\lb", "%%ua|b"},
-      {"over and struck", "\\O\\Ka", "%%o%%ka"},
-      {"font", "{\\fArial;a}b", "ab"},
-      {"symbols", "{\\Fgdt;j}j", "\xE2\x8C\x96j"},
-      {"fraction", "\\S1/20;", "1|%%o20"},
-      {"fraction, longer above", "\\S10/2;", "%%u10|2"},
-      {"tolerance", "\\S+0.1^ -0.2;", "+0.1|-0.2"},
-      {"bare caret", "\\S1^2;", "1|2"},
-      {"slanted", "a\\S1#2;b", "a1/2b"},
-      {"raised", "x\\S2^ ;", "x|2"},
-      {"stack of escaped signs", "\\Sa\\/b/c\\;;", "%%ua/b|c;"},
-      {"stack without an end", "\\S1/2", "%%u1|2"},
-      {"paragraph", "\\pi1,l2,qc,t4,8;a", "a"},
-      {"unknown code", "a\\zb", "a\\zb"},
-      {"backslash at the end", "a\\", "a\\"},
-      {"code without its end", "\\fArial a", "Arial a"},
-      {"height that makes none", "\\H0;a\\H-1x;b\\H1e9999;c", "abc"},
-      {"blanks around", " a  b ", "a  b"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadMText(t.text);
+  for (const Row& t : rows()) {
+    const Loaded got = loadMText(t.text("text"));
     EXPECT_FALSE(got.error.HasAnError());
-    EXPECT_EQ(shown(got), t.shown);
+    EXPECT_EQ(shown(got), t.text("shown"));
   }
 }
 
@@ -111,50 +59,19 @@ TEST(ReadMText, RunsKeepTheirLook) {
 }
 
 TEST(ReadMText, LinesBreakAtTheWidth) {
-  const struct {
-    const char* name;
-    const char* text;
-    double letters;  // that fit a line
-    const char* shown;
-  } cases[] = {
-      {"fits", "aa bb", 5, "aa bb"},
-      {"may fit", "aa bb", 3.5, "aa bb"},
-      {"does not", "aa bb", 3.4, "aa|bb"},
-      {"a little too long", "aa bb aa bb", 4.7, "aa bb|aa bb"},
-      {"too long", "aa bb aa bb", 4.6, "aa|bb|aa|bb"},
-      {"no width", "aa bb", 0, "aa bb"},
-      {"long words stay whole", "a bbbbbbbb c", 3, "a|bbbbbbbb|c"},
-      {"hard blank", "aa\\~bb", 3, "aa bb"},
-      {"word of two looks", "aa b{\\C1;b}b", 4.1, "aa|b|b|b"},
-      {"word with a stack", "aa b\\S1/2;", 3, "aa|b|%%u1|2"},
-      {"blanks at the break go", "aa   bb", 3, "aa|bb"},
-      {"blanks at the start stay", "   bbbb", 3, "bbbb"},
-      {"ideographs", "\\U+4E00\\U+4E01\\U+4E02", 3, "\xE4\xB8\x80\xE4\xB8\x81|\xE4\xB8\x82"},
-      {"a code is one letter", "a%%d bb", 5, "a%%d bb"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadMText(t.text, "|41 " + std::to_string(t.letters * kLetter));
-    EXPECT_EQ(shown(got), t.shown);
+  for (const Row& t : rows()) {
+    const Loaded got =
+        loadMText(t.text("text"), "|41 " + std::to_string(t.real("letters") * kLetter));
+    EXPECT_EQ(shown(got), t.text("shown"));
   }
 }
 
 // The width of all lines and their height are those of the file's own font.
 TEST(ReadMText, ToldExtentsDecide) {
-  const struct {
-    const char* name;
-    const char* more;
-    const char* shown;
-  } cases[] = {
-      {"one line", "|41 3|42 3|43 1.2", "aa bb aa bb"},
-      {"two lines", "|41 9.7|42 9|43 2.7", "aa bb aa|bb"},
-      {"of newer files", "|41 3|101 E|42 3|43 1", "aa bb aa bb"},
-      {"that cannot be so", "|41 3|42 3|43 99", "aa|bb|aa|bb"},
-  };
-  for (const auto& t : cases)
+  for (const Row& t : rows())
     for (const char* text : {"aa bb aa bb", "{\\fArial;aa bb aa bb}"}) {
-      SCOPED_TRACE(std::string(t.name) + ": " + text);
-      EXPECT_EQ(shown(loadMText(text, t.more)), t.shown);
+      SCOPED_TRACE(t.text("name") + ": " + text);
+      EXPECT_EQ(shown(loadMText(text, t.text("more"))), t.text("shown"));
     }
 }
 
@@ -187,56 +104,22 @@ TEST(ReadMText, TheAttachmentPlacesTheBox) {
 }
 
 TEST(ReadMText, LinesAreSpaced) {
-  const struct {
-    const char* name;
-    const char* text;
-    const char* more;
-    double first, second;
-  } cases[] = {
-      {"usual", "a\\Pb", "", -1, -1 - kLine},
-      {"factor", "a\\Pb", "|44 1.5", -1, -1 - 2.5},
-      {"factor without sense", "a\\Pb", "|44 0", -1, -1 - kLine},
-      {"at least", "a\\P{\\H2;b}", "|73 1", -1, -1 - 2 * kLine},
-      {"exactly", "a\\P{\\H2;b}", "|73 2", -1, -1 - kLine},
-      {"empty line", "a\\P\\Pb", "", -1, -1 - 2 * kLine},
-      {"first line is high", "{\\H3;a}\\Pb", "", -3, -3 - kLine},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const auto texts = textsOf(loadMText(t.text, t.more));
+  const Definitions names{{"kLine", kLine}};
+  for (const Row& t : rowsWith(names)) {
+    const auto texts = textsOf(loadMText(t.text("text"), t.text("more")));
     ASSERT_EQ(texts.size(), 2u);
-    EXPECT_NEAR(texts[0].y, t.first, 1e-12);
-    EXPECT_NEAR(texts[1].y, t.second, 1e-12);
+    EXPECT_NEAR(texts[0].y, t.real("first"), 1e-12);
+    EXPECT_NEAR(texts[1].y, t.real("second"), 1e-12);
   }
 }
 
 TEST(ReadMText, WithinALine) {
-  const struct {
-    const char* name;
-    const char* text;
-    const char* more;
-    double x, y;  // of the last run
-  } cases[] = {
-      {"tab", "a^Ib", "", 4, -1},
-      {"own tab", "\\pt2,6;a^Ib", "", 2, -1},
-      {"behind the own tabs", "\\pt1;aa^Ib", "", 4, -1},
-      {"low run below", "\\A0;{\\H4;a}b", "", 4 * kLetter, -4},
-      {"in the middle", "\\A1;{\\H4;a}b", "", 4 * kLetter, -4 + 1.5},
-      {"above", "\\A2;{\\H4;a}b", "", 4 * kLetter, -4 + 3},
-      {"lower row of a stack", "\\S111/2;", "", kDigit, -2.4},
-      {"the same without a line", "\\S111^ 2;", "", 0, -2.4},
-      {"indent of the first line", "\\pi1,l2;a", "", 3, -1},
-      {"no indent of the second", "\\pi1,l2;a b", "|41 1", 2, -1 - kLine},
-      {"indent taken back", "\\pi1,l2;a\\P\\pi*,l*;b", "", 0, -1 - kLine},
-      {"centred paragraph", "\\pqc;a", "|41 9", 4.5, -1},
-      {"right paragraph", "\\pqr,r1;a", "|41 9", 8, -1},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const auto texts = textsOf(loadMText(t.text, t.more));
+  const Definitions names{{"kLetter", kLetter}, {"kDigit", kDigit}, {"kLine", kLine}};
+  for (const Row& t : rowsWith(names)) {
+    const auto texts = textsOf(loadMText(t.text("text"), t.text("more")));
     ASSERT_FALSE(texts.empty());
-    EXPECT_NEAR(texts.back().x, t.x, 1e-12);
-    EXPECT_NEAR(texts.back().y, t.y, 1e-12);
+    EXPECT_NEAR(texts.back().x, t.real("x"), 1e-12);
+    EXPECT_NEAR(texts.back().y, t.real("y"), 1e-12);
   }
 }
 
@@ -250,33 +133,18 @@ TEST(ReadMText, TheRowsOfAStackStandWithinTheLine) {
 // Direction and angle may both stand there: the later one counts.
 TEST(ReadMText, TheTextIsTurnedAndMirrored) {
   const double n = kLetter;
-  const struct {
-    const char* name;
-    const char* more;
-    double rotate, widthScale;
-    double x, y;  // of the second run, which is one letter on, one height below the point
-  } cases[] = {
-      {"angle", "|50 90", kPi / 2, 1, 1, n},
-      {"direction", "|11 0|21 2|31 0", kPi / 2, 1, 1, n},
-      {"direction later", "|50 45|11 0|21 1|31 0", kPi / 2, 1, 1, n},
-      {"angle later", "|11 -1|21 0|31 0|50 90", kPi / 2, 1, 1, n},
-      {"direction of no length", "|50 90|11 0|21 0|31 0", kPi / 2, 1, 1, n},
-      {"from below", "|230 -1", 0, -1, -n, -1},
-      {"from below, turned", "|230 -1|50 90", -kPi / 2, -1, -1, n},
-      {"below with direction", "|11 -1|21 0|31 0|230 -1", 0, -1, -n, -1},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const std::string more = t.more;
+  const Definitions names{{"n", n}};
+  for (const Row& t : rowsWith(names)) {
+    const std::string more = t.text("more");
     const bool isBelow = more.find("230") != std::string::npos;
     const Loaded got = loadMText("a{\\C1;b}", more + (isBelow ? "|210 0|220 0" : ""));
     const auto texts = textsOf(got);
     ASSERT_EQ(texts.size(), 2u);
     const CTextContext& c = texts[1].getContext();
-    EXPECT_NEAR(texts[1].x, t.x, 1e-9);
-    EXPECT_NEAR(texts[1].y, t.y, 1e-9);
-    EXPECT_NEAR(std::remainder(c.getRotate() - t.rotate, 2 * kPi), 0, 1e-9);
-    EXPECT_EQ(c.getWidthScale(), t.widthScale);
+    EXPECT_NEAR(texts[1].x, t.real("x"), 1e-9);
+    EXPECT_NEAR(texts[1].y, t.real("y"), 1e-9);
+    EXPECT_NEAR(std::remainder(c.getRotate() - t.real("rotate"), 2 * kPi), 0, 1e-9);
+    EXPECT_EQ(c.getWidthScale(), t.real("widthScale"));
   }
 }
 
@@ -308,22 +176,8 @@ TEST(ReadMText, ColumnsStandSideBySide) {
 }
 
 TEST(ReadMText, LossesAreTold) {
-  const struct {
-    const char* text;
-    const char* code;
-  } cases[] = {
-      {"a", "kind replaced"},
-      {"\\fArial;a", "text code dropped"},
-      {"\\c255;a", "color approximated"},
-      {"\\psm2;a", "text code dropped"},
-      {"\\T2;a", "text code dropped"},
-      {" ", "text empty"},
-      {"a|210 0|220 1|230 1", "extrusion ignored"},
-      {"a|40 0", "number replaced"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.text);
-    EXPECT_EQ(loadMText(t.text).report.count(t.code), 1);
+  for (const Row& t : rows()) {
+    EXPECT_EQ(loadMText(t.text("text")).report.count(t.text("code")), 1);
   }
   EXPECT_EQ(loadMText("a").report.entries().size(), 1u);
 }

@@ -1,11 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <sstream>
-
-#include "support/dxftext.h"
-#include "vek0core/entities/ent3dface.h"
-#include "vek0core/entities/entcast.h"
-#include "vek0core/entities/entpolyline.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 
@@ -35,24 +28,12 @@ const std::string kSquare =
 }  // namespace
 
 TEST(ReadPolylines, PlainFlagsAndVertices) {
-  const struct {
-    const char* name;
-    const char* codes;
-    bool closed, ltGen;
-  } cases[] = {
-      {"open", "", false, false},
-      {"closed", "|70 1", true, false},
-      {"linetype runs on", "|70 128", false, true},
-      {"3D is a plain chain", "|70 9", true, false},
-      {"bits of later versions", "|70 256", false, false},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadEntities(polyline(t.codes, kSquare));
+  for (const Row& t : rows()) {
+    const Loaded got = loadEntities(polyline(t.text("codes"), kSquare));
     const CEntPolyline* chain = castPolyline(got.only());
     ASSERT_NE(chain, nullptr);
-    EXPECT_EQ(chain->isClosed(), t.closed);
-    EXPECT_EQ(chain->IsLtGen(), t.ltGen);
+    EXPECT_EQ(chain->isClosed(), t.flag("closed"));
+    EXPECT_EQ(chain->IsLtGen(), t.flag("ltGen"));
     EXPECT_FALSE(chain->isCurve());
     ASSERT_EQ(chain->getNoTotalVertexes(), 4);
     EXPECT_DOUBLE_EQ(chain->GetVertexPos(2).x, 4);
@@ -96,61 +77,29 @@ TEST(ReadPolylines, Bulge) {
 
 TEST(ReadPolylines, Curves) {
   constexpr long made = -1;  // generated here, more than the controls
-  const struct {
-    const char* name;
-    const char* codes;
-    const char* vertexes;
-    short curve, degree;
-    long controls, visible;
-  } cases[] = {
-      {"spline and frame", "|70 4|75 5", "0,0,16 2,4,16 4,0,16 0,0,8 2,2,8", 4, 2, 3, 2},
-      {"cubic otherwise", "|70 4", "0,0,16 2,4,16 4,0,16 0,0,8", 4, 3, 3, 1},
-      {"frame alone", "|70 4|75 6", "0,0,16 2,4,16 4,0,16", 4, 3, 3, made},
-      {"frame not marked", "|70 4|75 6", "0,0,0 2,4,0 4,0,0 0,0,8 2,2,8", 4, 3, 3, 2},
-      {"Bezier", "|70 4|75 8", "0,0,16 2,4,16 4,0,16 0,0,8", 8, 3, 3, 1},
-      {"fit goes through its controls", "|70 2", "0,0,0 1,1,1 2,0,0", 2, 0, 2, 3},
-      {"fit and frame", "|70 2", "0,0,16 2,0,16 0,0,0 1,1,1 2,0,0", 2, 0, 2, 3},
-      {"fit not yet made", "|70 2", "0,0,0 4,0,0 4,4,0 0,4,0", 2, 0, 4, made},
-      {"too few controls", "|70 4", "0,0,8 1,1,8", 0, 0, 2, 2},
-      {"no vertices", "|70 4", "", 0, 0, 0, 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadEntities(polyline(t.codes, flagged(t.vertexes)));
+  const Definitions names{{"made", made}};
+  for (const Row& t : rowsWith(names)) {
+    const Loaded got = loadEntities(polyline(t.text("codes"), flagged(t.text("vertexes"))));
     const CEntPolyline* chain = castPolyline(got.only());
     ASSERT_NE(chain, nullptr);
-    EXPECT_EQ(chain->getCurve(), t.curve);
-    EXPECT_EQ(chain->getDegree(), t.degree);
-    EXPECT_EQ(chain->getNoCtrlPnts(), t.controls);
-    if (t.visible == made)
-      EXPECT_GT(chain->getNoVisibleVertexes(), t.controls);
+    EXPECT_EQ(chain->getCurve(), t.whole<short>("curve"));
+    EXPECT_EQ(chain->getDegree(), t.whole<short>("degree"));
+    EXPECT_EQ(chain->getNoCtrlPnts(), t.whole<long>("controls"));
+    if (t.whole<long>("visible") == made)
+      EXPECT_GT(chain->getNoVisibleVertexes(), t.whole<long>("controls"));
     else
-      EXPECT_EQ(chain->getNoVisibleVertexes(), t.visible);
+      EXPECT_EQ(chain->getNoVisibleVertexes(), t.whole<long>("visible"));
   }
 }
 
 TEST(ReadPolylines, MeshBecomesFaces) {
-  const struct {
-    const char* name;
-    const char* codes;
-    long faces, incomplete;
-  } cases[] = {
-      {"open", "|70 16|71 2|72 3", 2, 0},
-      {"closed across", "|70 48|71 2|72 3", 3, 0},
-      {"closed both ways", "|70 49|71 2|72 3", 6, 0},
-      {"fewer rows", "|70 16|71 9|72 3", 2, 1},
-      {"last row cut", "|70 16|71 2|72 4", 0, 2},
-      {"size beyond all", "|70 16|71 2000000000|72 2000000000", 0, 1},
-      {"size below 0", "|70 16|71 -1|72 -3", 0, 1},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got =
-        loadEntities(polyline(t.codes, flagged("0,0,64 1,0,64 2,0,64 0,1,64 1,1,64 2,1,64")));
+  for (const Row& t : rows()) {
+    const Loaded got = loadEntities(
+        polyline(t.text("codes"), flagged("0,0,64 1,0,64 2,0,64 0,1,64 1,1,64 2,1,64")));
     EXPECT_FALSE(got.error.HasAnError());
-    EXPECT_EQ(got.count(11), t.faces);
+    EXPECT_EQ(got.count(11), t.whole<long>("faces"));
     EXPECT_EQ(got.count(5), 0);
-    EXPECT_EQ(got.report.count("mesh incomplete"), t.incomplete);
+    EXPECT_EQ(got.report.count("mesh incomplete"), t.whole<long>("incomplete"));
   }
 }
 

@@ -1,15 +1,5 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <random>
-#include <vector>
-
 #include "dxf/ocs.h"
-#include "support/dxftext.h"
-#include "vek0core/entities/blocks/enthatch.h"
-#include "vek0core/entities/ent3dface.h"
-#include "vek0core/entities/entcast.h"
-#include "vek0core/entities/entpolyline.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 using vek0::detail::PlaneAxes;
@@ -42,26 +32,10 @@ const std::string kVertexes =
 }  // namespace
 
 TEST(PlaneAxes, TheArbitraryAxisRule) {
-  const struct {
-    const char* name;
-    PNT_3D normal, x, y;
-  } cases[] = {
-      {"world", {0, 0, 1}, {1, 0, 0}, {0, 1, 0}},
-      {"any length", {0, 0, 7}, {1, 0, 0}, {0, 1, 0}},
-      {"mirrored", {0, 0, -1}, {-1, 0, 0}, {0, 1, 0}},
-      {"towards x", {1, 0, 0}, {0, 1, 0}, {0, 0, 1}},
-      {"towards y", {0, 1, 0}, {-1, 0, 0}, {0, 0, 1}},
-      {"away from y", {0, -2, 0}, {1, 0, 0}, {0, 0, 1}},
-      {"none", {0, 0, 0}, {1, 0, 0}, {0, 1, 0}},
-      {"not a number", {NAN, 0, 1}, {1, 0, 0}, {0, 1, 0}},
-      {"beyond the limit", {0, 0.02, 0.99980}, {-1, 0, 0}, {0, -0.9998, 0.02}},
-      {"within the limit", {0, 0.01, 0.99995}, {1, 0, 0}, {0, 0.99995, -0.01}},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const PlaneAxes plane(t.normal);
-    EXPECT_LT(plane.toWorld(PNT_3D(1, 0, 0)).dist(t.x), 1e-5);
-    EXPECT_LT(plane.toWorld(PNT_3D(0, 1, 0)).dist(t.y), 1e-5);
+  for (const Row& t : rows()) {
+    const PlaneAxes plane(t.point("normal"));
+    EXPECT_LT(plane.toWorld(PNT_3D(1, 0, 0)).dist(t.point("x")), 1e-5);
+    EXPECT_LT(plane.toWorld(PNT_3D(0, 1, 0)).dist(t.point("y")), 1e-5);
   }
 }
 
@@ -82,38 +56,16 @@ TEST(PlaneAxes, AreSquareAndRightHanded) {
 
 TEST(ReadShapes, SolidsBecomeFilledFaces) {
   const std::string corners = "10 0|20 0|30 1|11 4|21 0|31 1|12 0|22 3|32 1";
-  const struct {
-    const char* name;
-    std::string pairs;
-    PNT_3D want[4];
-    bool triangle;
-  } cases[] = {
-      {"four corners",
-       corners + "|13 4|23 3|33 1",
-       {{0, 0, 1}, {4, 0, 1}, {4, 3, 1}, {0, 3, 1}},
-       false},
-      {"the third repeated",
-       corners + "|13 0|23 3|33 1",
-       {{0, 0, 1}, {4, 0, 1}, {0, 3, 1}, {0, 3, 1}},
-       true},
-      {"no fourth", corners, {{0, 0, 1}, {4, 0, 1}, {0, 3, 1}, {0, 3, 1}}, true},
-      {"mirrored",
-       corners + "|210 0|220 0|230 -1",
-       {{0, 0, -1}, {-4, 0, -1}, {0, 3, -1}, {0, 3, -1}},
-       true},
-      {"upright",
-       corners + "|210 1|220 0|230 0",
-       {{1, 0, 0}, {1, 4, 0}, {1, 0, 3}, {1, 0, 3}},
-       true},
-  };
   for (const char* kind : {"SOLID", "TRACE"}) {
-    for (const auto& t : cases) {
-      SCOPED_TRACE(t.name);
-      const Loaded got = loadShape("0 " + std::string(kind) + "|8 0|62 3|" + t.pairs);
+    for (const Row& t : rows()) {
+      const Loaded got =
+          loadShape("0 " + std::string(kind) + "|8 0|62 3|" + corners + t.text("pairs"));
       const CEnt3DFace* face = cast3DFace(got.only());
       ASSERT_NE(face, nullptr) << got.error.GetErrorLine();
-      for (long i = 0; i < 4; ++i) EXPECT_LT(face->getVertex(i).dist(t.want[i]), 1e-12) << i;
-      EXPECT_EQ(face->isTriangular(), t.triangle);
+      for (long i = 0; i < 4; ++i)
+        EXPECT_LT(face->getVertex(i).dist(t.points("want").at(static_cast<std::size_t>(i))), 1e-12)
+            << i;
+      EXPECT_EQ(face->isTriangular(), t.flag("triangle"));
       EXPECT_EQ(face->getColor(), 3);
       EXPECT_EQ(face->getFill(), kind[0] == 'S' ? FaceFill::Solid : FaceFill::Trace);
       EXPECT_TRUE(got.report.empty());
@@ -147,69 +99,38 @@ TEST(ReadShapes, ClosedMultilinesGoBack) {
 
 // A line along x from 0 through 10 to 20, where it ends or returns.
 TEST(ReadShapes, MultilinesAreCut) {
-  const struct {
-    const char* name;
-    std::string first, second;  // cuts of the two segments
-    bool closed;
-    std::vector<std::vector<double>> pieces;  // x of their vertices
-  } cases[] = {
-      {"whole", "|41 0", "|41 0", false, {{0, 10, 20}}},
-      {"without a word", "", "", false, {{0, 10, 20}}},
-      {"interrupted", "|41 0|41 2|41 3", "|41 0", false, {{0, 2}, {3, 10, 20}}},
-      {"begins late", "|41 1", "|41 0", false, {{1, 10, 20}}},
-      {"ends early", "|41 0|41 8", "|41 0", false, {{0, 8}, {10, 20}}},
-      {"begins late at a corner", "|41 0", "|41 4", false, {{0, 10}, {14, 20}}},
-      {"twice",
-       "|41 0|41 1|41 2|41 3|41 4|41 5",
-       "|41 0",
-       false,
-       {{0, 1}, {2, 3}, {4, 5}, {10, 20}}},
-      {"closed", "|41 0", "|41 0", true, {{0, 10, 20}}},
-      {"closed and interrupted", "|41 0|41 2|41 3", "|41 0", true, {{0, 2}, {3, 10, 20, 0}}},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
+    const bool closed = t.flag("closed");
     const std::string vertex = "|12 1|22 0|13 0|23 1|74 9|41 1";
-    const Loaded got =
-        loadShape("0 MLINE|8 0|71 " + std::string(t.closed ? "3" : "1") + "|11 0|21 0" + vertex +
-                  t.first + "|11 10|21 0" + vertex + t.second + "|11 20|21 0" + vertex + "|41 0");
+    const Loaded got = loadShape("0 MLINE|8 0|71 " + std::string(closed ? "3" : "1") +
+                                 "|11 0|21 0" + vertex + t.text("first") + "|11 10|21 0" + vertex +
+                                 t.text("second") + "|11 20|21 0" + vertex + "|41 0");
     const std::vector<CEnt*> ents = entsOf(got);
-    ASSERT_EQ(ents.size(), t.pieces.size()) << got.error.GetErrorLine();
+    const std::vector<std::string> pieces = t.list("pieces");
+    ASSERT_EQ(ents.size(), pieces.size()) << got.error.GetErrorLine();
     for (std::size_t i = 0; i < ents.size(); ++i) {
       const CEntPolyline* polyline = castPolyline(ents[i]);
-      EXPECT_EQ(polyline->isClosed(), t.closed && ents.size() == 1);
-      ASSERT_EQ(polyline->getNoTotalVertexes(), static_cast<long>(t.pieces[i].size()));
-      for (std::size_t v = 0; v < t.pieces[i].size(); ++v)
-        EXPECT_EQ(polyline->GetVertexPos(static_cast<int>(v)), PNT_3D(t.pieces[i][v], 1, 0));
+      EXPECT_EQ(polyline->isClosed(), closed && ents.size() == 1);
+      std::ostringstream xs;
+      xs.precision(17);
+      for (int v = 0; v < polyline->getNoTotalVertexes(); ++v) {
+        const PNT_3D at = polyline->GetVertexPos(v);
+        EXPECT_EQ(at, PNT_3D(at.x, 1, 0));
+        xs << (v == 0 ? "" : " ") << at.x;
+      }
+      EXPECT_EQ(xs.str(), pieces[i]);
     }
   }
 }
 
 TEST(ReadShapes, MeshesBecomeFaces) {
-  const struct {
-    const char* name;
-    std::string faces;
-    std::vector<long> hidden;  // edge bits of each face
-    long incomplete;
-  } cases[] = {
-      {"triangle and quadrangle", "93 9|90 3|90 0|90 1|90 2|90 4|90 0|90 1|90 3|90 4", {0, 0}, 0},
-      {"hexagon", "93 7|90 6|90 0|90 1|90 2|90 3|90 4|90 5", {8, 9, 9, 1}, 0},
-      {"edges are no faces", "93 4|90 3|90 0|90 1|90 2|94 1|90 0|90 1|95 1|140 0|90 0", {0}, 0},
-      {"the count lies", "93 -7|90 3|90 0|90 1|90 2", {0}, 0},
-      {"list cut", "93 9|90 3|90 0|90 1|90 2|90 4|90 0|90 1", {0}, 1},
-      {"vertex missing", "93 8|90 3|90 0|90 1|90 6|90 3|90 0|90 1|90 2", {0}, 1},
-      {"negative vertex", "93 8|90 3|90 0|90 1|90 -1|90 3|90 0|90 1|90 2", {0}, 1},
-      {"an edge alone", "93 7|90 2|90 0|90 1|90 3|90 0|90 1|90 2", {0}, 1},
-      {"negative number of corners", "93 7|90 3|90 0|90 1|90 2|90 -4|90 0", {0}, 1},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadShape(kVertexes + t.faces);
+  for (const Row& t : rows()) {
+    const Loaded got = loadShape(kVertexes + t.text("faces"));
     const std::vector<CEnt*> ents = entsOf(got);
-    ASSERT_EQ(ents.size(), t.hidden.size()) << got.error.GetErrorLine();
+    ASSERT_EQ(ents.size(), t.reals("hidden").size()) << got.error.GetErrorLine();
     for (std::size_t i = 0; i < ents.size(); ++i)
-      EXPECT_EQ(cast3DFace(ents[i])->getFlags(), t.hidden[i]) << i;
-    EXPECT_EQ(got.report.count("mesh incomplete"), t.incomplete);
+      EXPECT_EQ(cast3DFace(ents[i])->getFlags(), t.reals("hidden")[i]) << i;
+    EXPECT_EQ(got.report.count("mesh incomplete"), t.whole<long>("incomplete"));
   }
 }
 
@@ -240,24 +161,11 @@ TEST(ReadShapes, PolygonsWithHatches) {
       "91 2|92 2|73 1|72 0|93 4|10 0|20 0|10 9|20 0|10 9|20 9|10 0|20 9|"
       "92 2|73 1|72 1|93 2|10 3|20 3|42 1|10 5|20 3|42 1";
   const std::string head = "0 MPOLYGON|8 0|70 1|10 0|20 0|30 2|";
-  const struct {
-    const char* name;
-    std::string pairs;
-    bool solid, hatch;
-  } cases[] = {
-      {"solid", "2 SOLID|71 1|" + loops + "|76 1|63 1|11 0|21 0|99 0", true, true},
-      {"pattern",
-       "2 ANSI31|71 0|" + loops +
-           "|76 1|52 0|41 1|77 0|78 1|53 45|43 0|44 0|45 -0.0883883476|"
-           "46 0.0883883476|79 0|11 0|21 0|99 0",
-       false, true},
-      {"hollow", "2|71 0|" + loops + "|76 1|11 0|21 0|99 0", false, false},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadShape(head + t.pairs);
+  const Definitions names{{"loops", loops}};
+  for (const Row& t : rowsWith(names)) {
+    const Loaded got = loadShape(head + t.text("pairs"));
     const std::vector<CEnt*> ents = entsOf(got);
-    ASSERT_EQ(ents.size(), t.hatch ? 3u : 2u) << got.error.GetErrorLine();
+    ASSERT_EQ(ents.size(), t.flag("hatch") ? 3u : 2u) << got.error.GetErrorLine();
     for (std::size_t i = 0; i < 2; ++i) {
       ASSERT_NE(castPolyline(ents[i]), nullptr);
       EXPECT_TRUE(castPolyline(ents[i])->isClosed());
@@ -265,11 +173,11 @@ TEST(ReadShapes, PolygonsWithHatches) {
     }
     EXPECT_EQ(castPolyline(ents[0])->getNoTotalVertexes(), 4);
     EXPECT_GT(castPolyline(ents[1])->getNoTotalVertexes(), 100);
-    if (!t.hatch) continue;
+    if (!t.flag("hatch")) continue;
     const CEntHatch* hatch = castHatch(ents[2]);
     ASSERT_NE(hatch, nullptr);
     EXPECT_EQ(std::string(zim::WString(hatch->getHatchType().name).toUtf8()),
-              t.solid ? "SOLID" : "ANSI31");
+              t.flag("solid") ? "SOLID" : "ANSI31");
   }
 }
 
@@ -284,8 +192,7 @@ TEST(ReadShapes, NonsenseGivesNothing) {
       "0 MESH|8 0|20 0",
       "0 MPOLYGON|8 0|91 1|92 2|73 1|72 0|93 1|10 0|20 0",
   };
-  for (const char* list : cases) {
-    SCOPED_TRACE(list);
+  for (const char* list : named(cases)) {
     EXPECT_EQ(entsOf(loadShape(list)).size(), 0u);
   }
 }

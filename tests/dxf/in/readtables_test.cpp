@@ -1,8 +1,4 @@
-#include <gtest/gtest.h>
-
-#include "support/dxftext.h"
-#include "vek0core/entities/blocks/blockxref.h"
-#include "vek0core/tables/font.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 
@@ -54,8 +50,7 @@ TEST(ReadHeader, ValuesThatAreNotTaken) {
       "9 $CECOLOR|62 -1",    "9 $CECOLOR|3 5",     "9 $LTSCALE",         "9 $LTSCALE|90 5",
       "9 $LTSCALE|40 5|1 x", "9 $ORTHOMODE|290 1", "999 $AUNITS",
   };
-  for (const char* text : cases) {
-    SCOPED_TRACE(text);
+  for (const char* text : named(cases)) {
     const Loaded got = loadText(header(text));
     EXPECT_FALSE(got.error.HasAnError());
     EXPECT_EQ(got.data->getVars().getAngFormat(), 0);
@@ -87,28 +82,14 @@ TEST(ReadHeader, SaysVersionAndEncoding) {
 }
 
 TEST(ReadTables, Layers) {
-  const struct {
-    const char* name;
-    const char* entry;
-    short colour;
-    long flags;
-    bool off;
-  } cases[] = {
-      {"plain", "62 3|70 0", 3, 0, false},
-      {"off", "62 -3|70 0", 3, 128, true},
-      {"off and frozen, any order", "70 1|62 -3", 3, 129, true},
-      {"referenced is not kept", "62 3|70 68", 3, 4, false},
-      {"nothing said", "6 continuous", 7, 0, false},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadText(tables("LAYER", std::string("0 LAYER|2 A|") + t.entry));
+  for (const Row& t : rows()) {
+    const Loaded got = loadText(tables("LAYER", "0 LAYER|2 A|" + t.text("entry")));
     ASSERT_FALSE(got.error.HasAnError());
     const CLayer* layer = getLayer(*got.data, u"a");
     ASSERT_NE(layer, nullptr);
-    EXPECT_EQ(layer->getColor(), t.colour);
-    EXPECT_EQ(layer->getFlags(), t.flags);
-    EXPECT_EQ(layer->isOff(), t.off);
+    EXPECT_EQ(layer->getColor(), t.whole<short>("colour"));
+    EXPECT_EQ(layer->getFlags(), t.whole<long>("flags"));
+    EXPECT_EQ(layer->isOff(), t.flag("off"));
     EXPECT_TRUE(layer->getLtype()->isContinuous());
   }
 }

@@ -1,17 +1,6 @@
 // What a strict reader refuses and a tolerant one makes the best of.
-#include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
-#include <cstring>
-#include <fstream>
-#include <random>
-
-#include "support/dxftext.h"
-#include "support/samples.h"
-#include "vek0core/entities/blocks/block.h"
-#include "vek0core/entities/entcast.h"
-#include "vek0core/vek0core.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 
@@ -166,8 +155,7 @@ TEST(Tolerant, WhatIsNoDrawingIsRefused) {
       "1\n2\n3\n4\n",
       "0\nLIMITS\n1\n0.5,1\n",
   };
-  for (const std::string& text : cases) {
-    SCOPED_TRACE(text);
+  for (const std::string& text : named(cases)) {
     const Loaded got = loadAny(text);
     EXPECT_EQ(got.result.status, CFileDXFIResult::Failed);
     EXPECT_EQ(got.error.GetErrorType(), CFileDXFIError::WrongStructure);
@@ -200,35 +188,11 @@ TEST(Tolerant, WhatIsNoTextDxfIsNamed) {
 }
 
 TEST(Tolerant, PolylinesTakeWhatThereIs) {
-  const struct {
-    const char* name;
-    const char* list;
-    double x;
-  } cases[] = {
-      {"no 66", "0 POLYLINE|8 A|0 VERTEX|8 A|10 0|20 0|0 VERTEX|8 A|10 4|20 0|0 SEQEND", 4},
-      {"no SEQEND", "0 POLYLINE|8 A|66 1|0 VERTEX|8 A|10 0|20 0|0 VERTEX|8 A|10 4|20 0", 4},
-      {"vertices without layer",
-       "0 POLYLINE|8 A|66 1|0 VERTEX|10 0|20 0|0 VERTEX|10 4|20 0|0 SEQEND", 4},
-      {"curve of nobody",
-       "0 POLYLINE|8 A|66 1|70 4|75 3|0 VERTEX|8 A|10 0|20 0|70 16|0 VERTEX|8 A|10 4|20 0|70 16|0 "
-       "SEQEND",
-       4},
-      {"wrong count", "0 LWPOLYLINE|8 A|90 7|10 0|20 0|10 4|20 0", 4},
-      {"broken vertex",
-       "0 POLYLINE|8 A|66 1|0 VERTEX|8 A|10 0|20 0|0 VERTEX|8 A|10 nan|20 0|0 VERTEX|8 A|10 4|20 "
-       "0|0 "
-       "SEQEND",
-       4},
-      {"negative flags",
-       "0 POLYLINE|8 A|66 1|70 -1|0 VERTEX|8 A|10 0|20 0|70 -1|0 VERTEX|8 A|10 4|20 0|0 SEQEND", 4},
-      {"negative width", "0 LWPOLYLINE|8 A|90 2|43 -1|10 0|20 0|10 4|20 0", 4},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadAnyEntities(t.list + std::string("|0 POINT|8 A|10 9|20 9"));
+  for (const Row& t : rows()) {
+    const Loaded got = loadAnyEntities(t.text("list") + "|0 POINT|8 A|10 9|20 9");
     ASSERT_EQ(got.count(CEntPolyline::kType), 1);
     EXPECT_EQ(got.count(CEntPnt::kType), 1);
-    EXPECT_NEAR(got.data->getEntTable().getEntityTbl().front()->getBdry().max.x, t.x, 1e-9);
+    EXPECT_NEAR(got.data->getEntTable().getEntityTbl().front()->getBdry().max.x, t.real("x"), 1e-9);
   }
 }
 
@@ -270,23 +234,12 @@ TEST(Tolerant, InsertsTakeWhatThereIs) {
 }
 
 TEST(Tolerant, BlocksTakeWhatThereIs) {
-  const struct {
-    const char* name;
-    const char* head;
-    const char* code;
-  } cases[] = {
-      {"no number", "0 BLOCK|2 B|10 nan|20 0|", "number dropped"},
-      {"nothing", "0 BLOCK|2 B|10 0|20 |", "number replaced"},
-      {"negative flags", "0 BLOCK|2 B|70 -1|10 0|20 0|", "flags replaced"},
-      {"that of a model", "0 BLOCK|2 *Model_Space|10 0|20 0|", "block dropped"},
-      {"that of a sheet", "0 BLOCK|2 *Paper_Space3|10 0|20 0|", "on paper"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadAny(section("BLOCKS", pairsOf(t.head + kLine + "|0 ENDBLK")) + dxf());
+  for (const Row& t : rows()) {
+    const Loaded got =
+        loadAny(section("BLOCKS", pairsOf(t.text("head") + kLine + "|0 ENDBLK")) + dxf());
     EXPECT_EQ(got.result.status, CFileDXFIResult::Done);
-    EXPECT_EQ(got.report.count(t.code), 1);
-    const bool isLayout = std::string_view(t.head).find('*') != std::string_view::npos;
+    EXPECT_EQ(got.report.count(t.text("code")), 1);
+    const bool isLayout = std::string_view(t.text("head")).find('*') != std::string_view::npos;
     const CBlock* block = got.data->getBlockTable().get(u"B");
     EXPECT_EQ(block ? block->size() : 0, isLayout ? 0u : 1u);
   }
@@ -360,8 +313,8 @@ TEST(Tolerant, ReadingEndsWhereTheHostSays) {
 // What nothing is wrong with is the same drawing under both policies, to the last byte.
 TEST(Tolerant, CleanFilesAreReadAsEver) {
   CFontTable::getInstance().addPlainDefault();
-  for (const char* name : {"flange.dxf", "every_kind_r12.dxf", "hatches_ac1015.dxf"}) {
-    SCOPED_TRACE(name);
+  for (const char* name :
+       named<const char*>({"flange.dxf", "every_kind_r12.dxf", "hatches_ac1015.dxf"})) {
     std::ifstream in(vek0::test::samplePath(name), std::ios::binary);
     std::string text(std::istreambuf_iterator<char>(in), {});
     // The strict reader forgets the names of unknown fonts and knows another current layer.
@@ -376,47 +329,22 @@ TEST(Tolerant, CleanFilesAreReadAsEver) {
 
 // Drawn in the plane that is the world's seen from below.
 TEST(Tolerant, EntitiesSeenFromBelowAreMirrored) {
-  const struct {
-    const char* name;
-    const char* list;
-    double x0, y0, x1, y1;
-  } cases[] = {
-      {"circle", "0 CIRCLE|8 A|10 5|20 1|40 1", -6, 0, -4, 2},
-      {"arc", "0 ARC|8 A|10 5|20 0|40 1|50 0|51 90", -6, 0, -5, 1},
-      {"chain", "0 LWPOLYLINE|8 A|90 2|10 1|20 0|10 3|20 1", -3, 0, -1, 1},
-      {"bulge", "0 LWPOLYLINE|8 A|90 2|10 1|20 0|42 1|10 3|20 0", -3, -1, -1, 0},
-      {"old chain",
-       "0 POLYLINE|8 A|66 1|210 0|220 0|230 -1|0 VERTEX|8 A|10 1|20 0|0 VERTEX|8 A|10 3|20 1|0 "
-       "SEQEND",
-       -3, 0, -1, 1},
-      {"chain in space",
-       "0 POLYLINE|8 A|66 1|70 8|210 0|220 0|230 -1|0 VERTEX|8 A|10 1|20 0|0 VERTEX|8 A|10 3|20 "
-       "1|0 SEQEND",
-       1, 0, 3, 1},
-      {"insert", "0 INSERT|8 A|2 B|10 5|20 0|50 90", -5, 0, -4.5, 1},
-      {"array", "0 INSERT|8 A|2 B|10 5|20 0|70 3|44 2", -10, 0, -5, 0.5},
-      {"line", "0 LINE|8 A|10 1|20 0|11 2|21 1", 1, 0, 2, 1},
-      {"hatch",
-       "0 HATCH|8 A|10 0|20 0|30 0|2 SOLID|70 1|71 0|91 1|92 2|72 0|73 1|93 3|10 1|20 0|10 3|20 "
-       "0|10 3|20 1|75 0|76 1",
-       -3, 0, -1, 1},
-  };
   const std::string block =
       section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|0 LINE|8 0|10 0|20 0|11 1|21 0.5|0 ENDBLK"));
   // What is all but the world's plane seen from below looks all but the same.
-  for (const auto& t : cases) {
+  for (const Row& t : rows()) {
     for (const char* tilt : {"0", "0.0001"}) {
-      SCOPED_TRACE(t.name + std::string(", tilted by ") + tilt);
-      std::string list = t.list;
+      SCOPED_TRACE(t.text("name") + ", tilted by " + tilt);
+      std::string list = t.text("list");
       if (list.find("230") == std::string::npos)
         list += std::string("|210 ") + tilt + "|220 0|230 -1";
       const Loaded got = loadAny(block + section("ENTITIES", pairsOf(list)) + dxf());
       ASSERT_NE(got.only(), nullptr);
       const RECT_3D box = got.only()->getBdry();
-      EXPECT_NEAR(box.min.x, t.x0, 1e-3);
-      EXPECT_NEAR(box.min.y, t.y0, 1e-3);
-      EXPECT_NEAR(box.max.x, t.x1, 1e-3);
-      EXPECT_NEAR(box.max.y, t.y1, 1e-3);
+      EXPECT_NEAR(box.min.x, t.real("x0"), 1e-3);
+      EXPECT_NEAR(box.min.y, t.real("y0"), 1e-3);
+      EXPECT_NEAR(box.max.x, t.real("x1"), 1e-3);
+      EXPECT_NEAR(box.max.y, t.real("y1"), 1e-3);
     }
   }
 }
@@ -527,39 +455,19 @@ TEST(Tolerant, BlocksAreReadForPaperToo) {
 }
 
 TEST(Tolerant, EncodingsAreNotTakenAtTheirWord) {
-  const auto named = [](const char* version, const char* page, const std::string& layer) {
-    return section("HEADER", pairs("9 $ACADVER") + pairText(std::string("1 ") + version) +
-                                 pairs("9 $DWGCODEPAGE") + pairText(std::string("3 ") + page)) +
+  const auto layerOf = [](const std::string& version, const std::string& page,
+                          const std::string& layer) {
+    return section("HEADER", pairs("9 $ACADVER") + pairText("1 " + version) +
+                                 pairs("9 $DWGCODEPAGE") + pairText("3 " + page)) +
            section("ENTITIES", pairsOf("0 POINT|8 " + layer + "|10 0|20 0")) + dxf();
   };
-  const struct {
-    const char *name, *version, *page;
-    std::string bytes;
-    const zim::Char* layer;
-    const char* encoding;
-    long told;
-  } cases[] = {
-      {"as declared", "AC1015", "ANSI_1252", "caf\xE9", u"café", "windows-1252", 0},
-      {"UTF-8 against the page", "AC1015", "ANSI_1252", "caf\xC3\xA9", u"café", "utf-8", 1},
-      {"UTF-8 against a Cyrillic page", "AC1015", "ANSI_1251", "\xD0\xB4\xD0\xB0", u"да", "utf-8",
-       1},
-      {"Cyrillic", "AC1015", "ANSI_1251", "\xE4\xE0", u"да", "windows-1251", 0},
-      {"UTF-8", "AC1021", "ANSI_1252", "caf\xC3\xA9", u"café", "utf-8", 0},
-      {"not the UTF-8 of the version", "AC1021", "ANSI_1252", "caf\xE9", u"café", "windows-1252",
-       1},
-      {"Cyrillic instead of UTF-8", "AC1021", "ANSI_1251", "\xE4\xE0", u"да", "windows-1251", 1},
-      {"UTF-8 and a broken byte", "AC1021", "ANSI_1252", "\xD0\xB4 \xE9 x", u"д é x",
-       "windows-1252", 1},
-      {"UTF-8 without its end", "AC1021", "ANSI_1251", "\xD0\xB4\xD0", u"дÐ", "utf-8", 0},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const Loaded got = loadAny(named(t.version, t.page, t.bytes));
-    EXPECT_NE(got.data->getLayerTable().get(t.layer), nullptr);
-    EXPECT_EQ(got.report.count("encoding differs"), t.told);
-    EXPECT_EQ(got.result.encoding, t.encoding);
+  for (const Row& t : rows()) {
+    const Loaded got = loadAny(layerOf(t.text("version"), t.text("page"), t.text("bytes")));
+    EXPECT_NE(got.data->getLayerTable().get(t.wide("layer")), nullptr);
+    EXPECT_EQ(got.report.count("encoding differs"), t.whole<long>("told"));
+    EXPECT_EQ(got.result.encoding, t.text("encoding"));
   }
-  CFileMemory file(u"in.dxf", IFile::kRead, named("AC1021", "ANSI_1252", "\xE4\xE0"));
+  CFileMemory file(u"in.dxf", IFile::kRead, layerOf("AC1021", "ANSI_1252", "\xE4\xE0"));
   CFileDXFIOptions options;
   options.policy = CFileDXFIPolicy::forAnyFile();
   options.codePage = 1251;

@@ -1,9 +1,6 @@
 // What tolerant reading makes of colors, radii, curves, attributes and names.
-#include <gtest/gtest.h>
 
-#include "support/dxftext.h"
-#include "vek0core/entities/entcast.h"
-#include "vek0core/vek0core.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 
@@ -26,21 +23,13 @@ std::string saved(const Loaded& got, unsigned flags) {
 }  // namespace
 
 TEST(TolerantLook, TrueColorsBecomeTheNearest) {
-  const struct {
-    long rgb;
-    short color;
-  } cases[] = {
-      {0xFF0000, 1}, {0x00FF00, 3}, {0x0000FF, 5}, {0xFE0101, 1},   {0x000000, 7},
-      {0x050505, 7}, {0xFFFFFF, 7}, {0x808080, 8}, {0x333333, 250}, {0xFF8000, 30},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.rgb);
-    const std::string code = "|420 " + std::to_string(t.rgb);
+  for (const Row& t : rows()) {
+    const std::string code = "|420 " + std::to_string(t.whole<long>("rgb"));
     const Loaded got = loadAny(layers("0 LAYER|2 A|62 -4" + code) +
                                section("ENTITIES", pairsOf(kLine + "|62 4" + code)) + dxf());
     ASSERT_TRUE(got.only());
-    EXPECT_EQ(got.only()->getColor(), t.color);
-    EXPECT_EQ(got.only()->getLayer()->getColor(), t.color);
+    EXPECT_EQ(got.only()->getColor(), t.whole<short>("color"));
+    EXPECT_EQ(got.only()->getLayer()->getColor(), t.whole<short>("color"));
     EXPECT_TRUE(got.only()->getLayer()->isOff());
     EXPECT_EQ(got.report.count("color approximated"), 2);
   }
@@ -107,8 +96,7 @@ TEST(TolerantLook, LayersNamedAfterABlockAreOrdinary) {
                             pairs("0 LINE", "8 X|L", "6 X|D", "10 0", "20 0", "11 1", "21 1") +
                             pairs("0 ENDBLK"));
   const std::string insert = section("ENTITIES", pairs("0 INSERT", "8 X|L", "2 X", "10 0", "20 0"));
-  for (const bool tolerant : {true, false}) {
-    SCOPED_TRACE(tolerant);
+  for (const bool tolerant : named<bool>({true, false})) {
     CFileDXFIPolicy policy = tolerant ? CFileDXFIPolicy::forAnyFile() : CFileDXFIPolicy();
     const Loaded got = loadText(version("AC1009") + tables + blocks + insert + dxf(), policy);
     EXPECT_FALSE(got.error.HasAnError());

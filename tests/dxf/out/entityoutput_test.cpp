@@ -1,16 +1,11 @@
-#include <cmath>
-#include <limits>
-
 #include "dxf/out/saveddrawing.h"
-#include "support/quietasserts.h"
-#include "vek0core/dxf/out/filedxfovisitor.h"
-#include "vek0core/dxf/out/filedxfowriter.h"
+#include "support/test.h"
 
 using namespace vek0::test;
+using vek0::detail::kPi;
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 /// Adds to the entity table of a drawing that already has a layer WALL with a
@@ -210,17 +205,17 @@ CEnt* badFixedInsert(CData& d) {
 
 std::string vertex(const char* handle, const char* x, const char* y, const char* z,
                    const char* flags, const char* width = "0.000000") {
-  return pairs(std::string("0 VERTEX; 5 ") + handle + "; 8 WALL; 10 " + x + "; 20 " + y + "; 30 " +
-               z + "; 70 " + flags + "; 40 " + width + "; 41 " + width);
+  return savedPairs(std::string("0 VERTEX; 5 ") + handle + "; 8 WALL; 10 " + x + "; 20 " + y +
+                    "; 30 " + z + "; 70 " + flags + "; 40 " + width + "; 41 " + width);
 }
 
 std::string polylineHead(const char* z, const char* flags, const char* width = "0.000000") {
-  return pairs(std::string("0 POLYLINE; 5 1; 8 WALL; 10 0.000000; 20 0.000000; 30 ") + z + "; 70 " +
-               flags + "; 40 " + width + "; 41 " + width + "; 66 1");
+  return savedPairs(std::string("0 POLYLINE; 5 1; 8 WALL; 10 0.000000; 20 0.000000; 30 ") + z +
+                    "; 70 " + flags + "; 40 " + width + "; 41 " + width + "; 66 1");
 }
 
 std::string seqend(const char* handle) {
-  return pairs(std::string("0 SEQEND; 5 ") + handle + "; 8 WALL");
+  return savedPairs(std::string("0 SEQEND; 5 ") + handle + "; 8 WALL");
 }
 
 const char* const kZero = "0.000000";
@@ -234,54 +229,67 @@ void expectClassic(const char* name, Adding adding, const std::string& expected)
 
 TEST(EntityOutput, ClassicForm) {
   expectClassic("point", addPoint,
-                pairs("0 POINT; 5 1F; 8 WALL; 10 1.000000; 20 2.000000; 30 3.000000"));
-  expectClassic("line with nothing of its own", addPlainLine,
-                pairs("0 LINE; 5 A; 8 0; 10 0.000000; 20 0.000000; 30 0.000000; 11 1.000000; 21 "
-                      "2.000000; 31 3.000000"));
-  expectClassic("line with linetype and BYBLOCK", addColoredLine,
-                pairs("0 LINE; 5 1; 8 WALL; 6 DASH; 62 0; 10 0.125000; 20 0.000000; 30 0.000000; "
-                      "11 1.000000; 21 0.000000; 31 0.000000"));
+                savedPairs("0 POINT; 5 1F; 8 WALL; 10 1.000000; 20 2.000000; 30 3.000000"));
+  expectClassic(
+      "line with nothing of its own", addPlainLine,
+      savedPairs("0 LINE; 5 A; 8 0; 10 0.000000; 20 0.000000; 30 0.000000; 11 1.000000; 21 "
+                 "2.000000; 31 3.000000"));
+  expectClassic(
+      "line with linetype and BYBLOCK", addColoredLine,
+      savedPairs("0 LINE; 5 1; 8 WALL; 6 DASH; 62 0; 10 0.125000; 20 0.000000; 30 0.000000; "
+                 "11 1.000000; 21 0.000000; 31 0.000000"));
   expectClassic(
       "circle", addCircle,
-      pairs("0 CIRCLE; 5 1; 8 WALL; 62 3; 10 1.000000; 20 2.000000; 30 3.000000; 40 0.500000"));
-  expectClassic("quarter arc", addQuarterArc,
-                pairs("0 ARC; 5 1; 8 WALL; 10 0.000000; 20 0.000000; 30 0.000000; 40 2.000000; 50 "
-                      "0.000000; 51 90.000000"));
-  expectClassic("3D face with hidden edges", addFace,
-                pairs("0 3DFACE; 5 1; 8 WALL; 10 0.000000; 20 0.000000; 30 0.000000; 11 1.000000; "
-                      "21 0.000000; 31 0.000000; 12 1.000000; 22 1.000000; 32 1.000000; 13 "
-                      "0.000000; 23 1.000000; 33 1.000000; 70 5"));
-  expectClassic("text, left", addText,
-                pairs("0 TEXT; 5 1; 8 WALL; 40 2.500000; 1 \xD8 12; 50 90.000000; 41 1.000000; 51 "
-                      "0.000000; 7 STANDARD; 10 1.000000; 20 2.000000; 30 0.000000; 72 0; 73 0; 11 "
-                      "1.000000; 21 2.000000; 31 0.000000"));
-  expectClassic("text, middle centre", addCenteredText,
-                pairs("0 TEXT; 5 1; 8 WALL; 40 2.000000; 1 ab; 50 0.000000; 41 1.000000; 51 "
-                      "0.000000; 7 STANDARD; 10 8.200000; 20 -1.000000; 30 0.000000; 72 1; 73 2; "
-                      "11 10.000000; 21 0.000000; 31 0.000000"));
-  expectClassic("text, backward, without style", addBackwardText,
-                pairs("0 TEXT; 5 1; 8 WALL; 40 2.000000; 1 ab; 50 0.000000; 41 1.000000; 51 "
-                      "0.000000; 7 STANDARD; 10 0.000000; 20 0.000000; 30 0.000000; 71 2; 72 0; 73 "
-                      "0; 11 0.000000; 21 0.000000; 31 0.000000"));
-  expectClassic("attribute definition", addAttdef,
-                pairs("0 ATTDEF; 5 1; 8 WALL; 70 8; 1 M12; 3 Size?; 40 1.000000; 2 SIZE; 50 "
-                      "0.000000; 41 1.000000; 51 0.000000; 7 STANDARD; 10 0.000000; 20 0.000000; "
-                      "30 0.000000; 72 0; 74 0; 11 0.000000; 21 0.000000; 31 0.000000"));
+      savedPairs(
+          "0 CIRCLE; 5 1; 8 WALL; 62 3; 10 1.000000; 20 2.000000; 30 3.000000; 40 0.500000"));
+  expectClassic(
+      "quarter arc", addQuarterArc,
+      savedPairs("0 ARC; 5 1; 8 WALL; 10 0.000000; 20 0.000000; 30 0.000000; 40 2.000000; 50 "
+                 "0.000000; 51 90.000000"));
+  expectClassic(
+      "3D face with hidden edges", addFace,
+      savedPairs("0 3DFACE; 5 1; 8 WALL; 10 0.000000; 20 0.000000; 30 0.000000; 11 1.000000; "
+                 "21 0.000000; 31 0.000000; 12 1.000000; 22 1.000000; 32 1.000000; 13 "
+                 "0.000000; 23 1.000000; 33 1.000000; 70 5"));
+  expectClassic(
+      "text, left", addText,
+      savedPairs("0 TEXT; 5 1; 8 WALL; 40 2.500000; 1 \xD8 12; 50 90.000000; 41 1.000000; 51 "
+                 "0.000000; 7 STANDARD; 10 1.000000; 20 2.000000; 30 0.000000; 72 0; 73 0; 11 "
+                 "1.000000; 21 2.000000; 31 0.000000"));
+  expectClassic(
+      "text, middle centre", addCenteredText,
+      savedPairs("0 TEXT; 5 1; 8 WALL; 40 2.000000; 1 ab; 50 0.000000; 41 1.000000; 51 "
+                 "0.000000; 7 STANDARD; 10 8.200000; 20 -1.000000; 30 0.000000; 72 1; 73 2; "
+                 "11 10.000000; 21 0.000000; 31 0.000000"));
+  expectClassic(
+      "text, backward, without style", addBackwardText,
+      savedPairs("0 TEXT; 5 1; 8 WALL; 40 2.000000; 1 ab; 50 0.000000; 41 1.000000; 51 "
+                 "0.000000; 7 STANDARD; 10 0.000000; 20 0.000000; 30 0.000000; 71 2; 72 0; 73 "
+                 "0; 11 0.000000; 21 0.000000; 31 0.000000"));
+  expectClassic(
+      "attribute definition", addAttdef,
+      savedPairs("0 ATTDEF; 5 1; 8 WALL; 70 8; 1 M12; 3 Size?; 40 1.000000; 2 SIZE; 50 "
+                 "0.000000; 41 1.000000; 51 0.000000; 7 STANDARD; 10 0.000000; 20 0.000000; "
+                 "30 0.000000; 72 0; 74 0; 11 0.000000; 21 0.000000; 31 0.000000"));
   expectClassic(
       "insert, two columns and three rows", addInsert,
-      pairs("0 INSERT; 5 1; 8 WALL; 2 BOLT; 10 5.000000; 20 6.000000; 30 0.000000; 41 1.000000; 42 "
-            "-2.000000; 43 3.000000; 50 180.000000; 70 2; 71 3; 44 10.000000; 45 20.000000"));
+      savedPairs(
+          "0 INSERT; 5 1; 8 WALL; 2 BOLT; 10 5.000000; 20 6.000000; 30 0.000000; 41 1.000000; 42 "
+          "-2.000000; 43 3.000000; 50 180.000000; 70 2; 71 3; 44 10.000000; 45 20.000000"));
   expectClassic(
       "insert of fixed pixel size", addFixedInsert,
-      pairs("0 INSERT; 5 1; 8 WALL; 2 BOLT; 10 5.000000; 20 6.000000; 30 0.000000; 41 5.000000; 42 "
-            "5.000000; 43 5.000000; 50 0.000000; 70 1; 71 1; 44 0.000000; 45 0.000000"));
+      savedPairs(
+          "0 INSERT; 5 1; 8 WALL; 2 BOLT; 10 5.000000; 20 6.000000; 30 0.000000; 41 5.000000; 42 "
+          "5.000000; 43 5.000000; 50 0.000000; 70 1; 71 1; 44 0.000000; 45 0.000000"));
   expectClassic(
       "insert with an attribute", addInsertWithAttribute,
-      pairs("0 INSERT; 5 1; 8 WALL; 2 BOLT; 10 5.000000; 20 6.000000; 30 0.000000; 41 2.000000; 42 "
-            "2.000000; 43 2.000000; 50 90.000000; 70 1; 71 1; 44 0.000000; 45 0.000000; 66 1") +
-          pairs("0 ATTRIB; 5 2; 8 0; 70 0; 2 SIZE; 40 2.000000; 1 M12; 50 90.000000; 41 1.000000; "
-                "51 0.000000; 7 STANDARD; 10 5.000000; 20 8.000000; 30 0.000000; 72 0; 74 0; 11 "
-                "5.000000; 21 8.000000; 31 0.000000") +
+      savedPairs(
+          "0 INSERT; 5 1; 8 WALL; 2 BOLT; 10 5.000000; 20 6.000000; 30 0.000000; 41 2.000000; 42 "
+          "2.000000; 43 2.000000; 50 90.000000; 70 1; 71 1; 44 0.000000; 45 0.000000; 66 1") +
+          savedPairs(
+              "0 ATTRIB; 5 2; 8 0; 70 0; 2 SIZE; 40 2.000000; 1 M12; 50 90.000000; 41 1.000000; "
+              "51 0.000000; 7 STANDARD; 10 5.000000; 20 8.000000; 30 0.000000; 72 0; 74 0; 11 "
+              "5.000000; 21 8.000000; 31 0.000000") +
           seqend("3"));
   expectClassic("wide closed polyline", addWideTriangle,
                 polylineHead("7.000000", "129", "0.500000") +
@@ -290,12 +298,12 @@ TEST(EntityOutput, ClassicForm) {
   expectClassic("polyline in space", addSlopingPolyline,
                 polylineHead("1.000000", "8") + vertex("2", kZero, kZero, "1.000000", "32") +
                     vertex("3", "1.000000", kZero, "2.000000", "32") + seqend("4"));
-  expectClassic("spline: frame, then curve", addSpline,
-                pairs("0 POLYLINE; 5 1; 8 WALL; 10 0.000000; 20 0.000000; 30 0.000000; 70 4; 75 5; "
-                      "40 0.000000; 41 0.000000; 66 1") +
-                    vertex("2", kZero, kZero, kZero, "16") +
-                    vertex("3", "4.000000", kZero, kZero, "16") +
-                    vertex("4", "1.000000", "1.000000", kZero, "8") + seqend("5"));
+  expectClassic(
+      "spline: frame, then curve", addSpline,
+      savedPairs("0 POLYLINE; 5 1; 8 WALL; 10 0.000000; 20 0.000000; 30 0.000000; 70 4; 75 5; "
+                 "40 0.000000; 41 0.000000; 66 1") +
+          vertex("2", kZero, kZero, kZero, "16") + vertex("3", "4.000000", kZero, kZero, "16") +
+          vertex("4", "1.000000", "1.000000", kZero, "8") + seqend("5"));
   expectClassic("fitted arcs: controls in the chain", addFit,
                 polylineHead(kZero, "2") + vertex("2", kZero, kZero, kZero, "0") +
                     vertex("3", "2.000000", kZero, kZero, "1") +
@@ -307,7 +315,7 @@ TEST(EntityOutput, ClassicForm) {
 
 TEST(EntityOutput, FlattenedPointsLoseTheirHeight) {
   EXPECT_EQ(written(addPoint, kSaveFlatten),
-            pairs("0 POINT; 5 1F; 8 WALL; 10 1.000000; 20 2.000000; 30 0.000000"));
+            savedPairs("0 POINT; 5 1F; 8 WALL; 10 1.000000; 20 2.000000; 30 0.000000"));
   EXPECT_EQ(written(addSlopingPolyline, kSaveFlatten),
             polylineHead(kZero, "0") + vertex("2", kZero, kZero, kZero, "0") +
                 vertex("3", "1.000000", kZero, kZero, "0") + seqend("4"))
@@ -319,10 +327,11 @@ TEST(EntityOutput, FilledFacesAreSolids) {
   const std::string corners =
       "11 1.0; 21 0.0; 31 0.0; 12 0.0; 22 1.0; 32 0.0; 13 1.0; 23 1.0; 33 0.0";
   EXPECT_EQ(written(addFilledFace, kSaveExchange | kSaveFlatten),
-            pairs("0 SOLID; 5 1; 8 WALL; 10 0.0; 20 0.0; 30 0.0; " + corners));
-  EXPECT_EQ(written(addLeaningTrace, kSaveExchange),
-            pairs("0 TRACE; 5 1; 8 WALL; 10 0.0; 20 0.0; 30 0.0; 11 -2.0; 21 0.0; 31 0.0; "
-                  "12 0.0; 22 5.0; 32 0.0; 13 -2.0; 23 5.0; 33 0.0; 210 -0.6; 220 0.0; 230 0.8"));
+            savedPairs("0 SOLID; 5 1; 8 WALL; 10 0.0; 20 0.0; 30 0.0; " + corners));
+  EXPECT_EQ(
+      written(addLeaningTrace, kSaveExchange),
+      savedPairs("0 TRACE; 5 1; 8 WALL; 10 0.0; 20 0.0; 30 0.0; 11 -2.0; 21 0.0; 31 0.0; "
+                 "12 0.0; 22 5.0; 32 0.0; 13 -2.0; 23 5.0; 33 0.0; 210 -0.6; 220 0.0; 230 0.8"));
   EXPECT_EQ(written(addFilledFace, 0), written(addFace, 0)) << "the classic form has none";
   const Drawing warped = prepared();
   addFilledFace(*warped);
@@ -337,14 +346,16 @@ TEST(EntityOutput, FilledFacesAreSolids) {
 TEST(EntityOutput, ExchangeFormWritesShortNumbersAndBulges) {
   EXPECT_EQ(
       written(addColoredLine, kSaveExchange),
-      pairs("0 LINE; 5 1; 8 WALL; 6 DASH; 62 0; 10 0.125; 20 0.0; 30 0.0; 11 1.0; 21 0.0; 31 0.0"));
+      savedPairs(
+          "0 LINE; 5 1; 8 WALL; 6 DASH; 62 0; 10 0.125; 20 0.0; 30 0.0; 11 1.0; 21 0.0; 31 0.0"));
   const std::string head =
-      pairs("0 POLYLINE; 5 1; 8 WALL; 10 0.0; 20 0.0; 30 0.0; 70 0; 40 0.0; 41 0.0; 66 1");
-  EXPECT_EQ(
-      written(addSemicircle, kSaveExchange),
-      head + pairs("0 VERTEX; 5 2; 8 WALL; 10 0.0; 20 0.0; 30 0.0; 70 0; 40 0.0; 41 0.0; 42 1.0") +
-          pairs("0 VERTEX; 5 3; 8 WALL; 10 2.0; 20 0.0; 30 0.0; 70 0; 40 0.0; 41 0.0") +
-          seqend("4"));
+      savedPairs("0 POLYLINE; 5 1; 8 WALL; 10 0.0; 20 0.0; 30 0.0; 70 0; 40 0.0; 41 0.0; 66 1");
+  EXPECT_EQ(written(addSemicircle, kSaveExchange),
+            head +
+                savedPairs(
+                    "0 VERTEX; 5 2; 8 WALL; 10 0.0; 20 0.0; 30 0.0; 70 0; 40 0.0; 41 0.0; 42 1.0") +
+                savedPairs("0 VERTEX; 5 3; 8 WALL; 10 2.0; 20 0.0; 30 0.0; 70 0; 40 0.0; 41 0.0") +
+                seqend("4"));
 }
 
 // The chords of a half circle of radius 1 about (1, 0), counterclockwise from (0, 0).
@@ -369,8 +380,7 @@ TEST(EntityOutput, EntitiesThatNoFileCanHoldAreLeftOutAndReported) {
       {"point", badPoint}, {"line", badLine}, {"circle", badCircle}, {"arc", badArc},
       {"face", badFace},   {"text", badText}, {"insert", badInsert}, {"fixed", badFixedInsert},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     const Drawing d = prepared();
     add(*d, t.make(*d));
     CFileReport report;
@@ -416,7 +426,7 @@ TEST(EntityOutput, OddPropertiesBecomeWhatReadersTake) {
   add(*d, createEntPnt(*d, nullptr, nullptr, 300, PNT_3D(0, 0, 0), 1));
   CFileReport report;
   EXPECT_EQ(section(saved(*d, 0, &report), "ENTITIES"),
-            pairs("0 POINT; 5 1; 8 0; 10 0.000000; 20 0.000000; 30 0.000000"));
+            savedPairs("0 POINT; 5 1; 8 0; 10 0.000000; 20 0.000000; 30 0.000000"));
   EXPECT_EQ(report.count("color out of range"), 1);
 }
 

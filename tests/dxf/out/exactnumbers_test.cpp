@@ -1,9 +1,5 @@
 #include "dxf/out/exactnumbers.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <random>
+#include "support/test.h"
 
 using namespace vek0::detail;
 

@@ -1,5 +1,6 @@
 // Every write may fail, and whoever saves must hear of it.
 #include "dxf/out/saveddrawing.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 

@@ -1,10 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <random>
-#include <set>
-#include <vector>
-
 #include "dxf/out/savehandles.h"
+#include "support/test.h"
+
+using namespace vek0::test;
 
 using vek0::Handle;
 using vek0::detail::SaveHandles;
@@ -48,8 +45,7 @@ TEST(SaveHandles, FirstUserKeepsItAndOthersGetFreeNumbers) {
       {"the highest", {0x7FFFFFFFFFFFFFFF, 0}, 1, {0x7FFFFFFFFFFFFFFF, 1}, {2}, 3},
       {"same digits", {-1, 0xFFFFFFFF}, 0, {-1, 1}, {}, 0x100000000},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     const Given given = give(t.carried, t.ends);
     EXPECT_EQ(given.things, t.things);
     EXPECT_EQ(given.ends, t.endNumbers);
@@ -59,8 +55,7 @@ TEST(SaveHandles, FirstUserKeepsItAndOthersGetFreeNumbers) {
 
 TEST(SaveHandles, RandomHandlesAreUniqueKeptAndStableOnceWritten) {
   std::mt19937 random(11);
-  for (int round = 0; round < 300; ++round) {
-    SCOPED_TRACE(testing::Message() << "round " << round);
+  for ([[maybe_unused]] const int round : rounds(300)) {
     std::vector<Handle> carried;
     for (auto n = random() % 40; n > 0; --n) carried.push_back(static_cast<Handle>(random() % 30));
     const int ends = static_cast<int>(random() % 5);

@@ -1,8 +1,8 @@
 // The version that is written has no hatches: they travel as inserts of their lines, with
 // data that makes hatches of them again.
-#include <cmath>
 
 #include "dxf/out/saveddrawing.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 
@@ -105,7 +105,7 @@ TEST_F(SavedHatches, ComeBackAsTheyWere) {
       const HATCH_TYPE& type = known       ? *known
                                : t.pattern ? types.solid()
                                            : types.intern(u"Own one", {dashed});
-      add(*d, type, 2.0 / 3, 0.7, t.boundary);
+      add(*d, type, 20.0 / 3, 0.7, t.boundary);  // coarse: each dot is an entity of the file
       const std::string bytes = saved(*d, flags);
       for (const CFileDXFIPolicy& policy : {CFileDXFIPolicy(), CFileDXFIPolicy::forAnyFile()}) {
         const Drawing back = loaded(bytes, policy);
@@ -152,24 +152,11 @@ TEST_F(SavedHatches, AnythingThatDiffersLeavesAnInsert) {
   const Drawing d = newDrawing();
   add(*d, *getHatch(zim::WString(u"NET")), 1, 0, kOuter);
   const std::string bytes = saved(*d, kSaveExchange);
-  const struct {
-    const char *name, *is, *becomes;
-  } cases[] = {
-      {"version", "1070\n19\n", "1070\n18\n"},
-      {"number", "1070\n2\n1070\n0\n", "1070\n3\n1070\n0\n"},
-      {"zero", "1070\n0\n1000\nASC", "1070\n1\n1000\nASC"},
-      {"even-odd", "1070\n0\n1071", "1070\n1\n1071"},
-      {"kind of ring", "1070\n2\n1040", "1070\n7\n1040"},
-      {"pattern", "1000\nNET\n", "1000\nNOT\n"},
-      {"more behind", "1002\n}\n", "1002\n}\n1000\nmore\n"},
-      {"another owner", "1001\nACAD\n1000\nHATCH\n", "1001\nACAD\n1000\nMATCH\n"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const Row& t : rows()) {
     std::string changed = bytes;
-    const std::size_t at = changed.find(t.is, changed.rfind("  0\nINSERT\n"));
+    const std::size_t at = changed.find(t.text("is"), changed.rfind("  0\nINSERT\n"));
     ASSERT_NE(at, std::string::npos);
-    changed.replace(at, std::string(t.is).size(), t.becomes);
+    changed.replace(at, t.text("is").size(), t.text("becomes"));
     CFileMemory file(u"in.dxf", IFile::kRead, changed);
     CFileDXFIError error;
     CFileReport report;
@@ -190,23 +177,24 @@ TEST_F(SavedHatches, AnythingThatDiffersLeavesAnInsert) {
 TEST_F(SavedHatches, HatchesAreNotNested) {
   const int depth = 5000;
   const auto hatch = [](int i) {
-    return pairs("0 INSERT; 8 0; 2 *P" + std::to_string(i) +
-                 "; 10 0; 20 0; 1001 ACAD; 1000 HATCH; 1002 {; 1070 19; 1000 NET; 1040 1; 1040 0; "
-                 "1000 ASC_BOUNDS; 1070 2; 1070 0; 1000 ASC_SEEDPOINT; 1010 0; 1020 0; 1030 0; "
-                 "1000 R14_HATCH_DATA; 1000 1; 1010 0; 1020 0; 1030 0; 1011 0; 1021 0; 1031 1; "
-                 "1070 0; 1071 1; 1070 2; 1040 0; 1071 2; 1010 0; 1020 0; 1030 0; "
-                 "1010 1; 1020 0; 1030 0; 1010 1; 1020 1; 1030 0; 1002 }");
+    return savedPairs(
+        "0 INSERT; 8 0; 2 *P" + std::to_string(i) +
+        "; 10 0; 20 0; 1001 ACAD; 1000 HATCH; 1002 {; 1070 19; 1000 NET; 1040 1; 1040 0; "
+        "1000 ASC_BOUNDS; 1070 2; 1070 0; 1000 ASC_SEEDPOINT; 1010 0; 1020 0; 1030 0; "
+        "1000 R14_HATCH_DATA; 1000 1; 1010 0; 1020 0; 1030 0; 1011 0; 1021 0; 1031 1; "
+        "1070 0; 1071 1; 1070 2; 1040 0; 1071 2; 1010 0; 1020 0; 1030 0; "
+        "1010 1; 1020 0; 1030 0; 1010 1; 1020 1; 1030 0; 1002 }");
   };
   const auto block = [&](int i) {
-    return pairs("0 BLOCK; 8 0; 2 *P" + std::to_string(i) + "; 70 1; 10 0; 20 0") +
-           (i == 0 ? pairs("0 LINE; 8 0; 10 0; 20 0; 11 1; 21 1") : hatch(i - 1)) +
-           pairs("0 ENDBLK");
+    return savedPairs("0 BLOCK; 8 0; 2 *P" + std::to_string(i) + "; 70 1; 10 0; 20 0") +
+           (i == 0 ? savedPairs("0 LINE; 8 0; 10 0; 20 0; 11 1; 21 1") : hatch(i - 1)) +
+           savedPairs("0 ENDBLK");
   };
-  for (const bool innerFirst : {true, false}) {
-    SCOPED_TRACE(innerFirst);
-    std::string bytes = pairs("0 SECTION; 2 BLOCKS");
+  for (const bool innerFirst : named<bool>({true, false})) {
+    std::string bytes = savedPairs("0 SECTION; 2 BLOCKS");
     for (int i = 0; i < depth; ++i) bytes += block(innerFirst ? i : depth - 1 - i);
-    bytes += pairs("0 ENDSEC; 0 SECTION; 2 ENTITIES") + hatch(depth - 1) + pairs("0 ENDSEC; 0 EOF");
+    bytes += savedPairs("0 ENDSEC; 0 SECTION; 2 ENTITIES") + hatch(depth - 1) +
+             savedPairs("0 ENDSEC; 0 EOF");
     const Drawing d = loaded(bytes);
     ASSERT_EQ(d->getEntTable().getEntityTbl().size(), 1u);
     CBlockTable& blocks = d->getBlockTable();

@@ -1,10 +1,7 @@
 #include <cctype>
-#include <map>
-#include <random>
-#include <set>
-#include <vector>
 
 #include "dxf/out/saveddrawing.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 
@@ -81,8 +78,7 @@ TEST(NameAcadConverter, Names) {
       {"32 become 30", {zim::WString::fromUtf8(kLong30 + "yz")}, {kLong30}, {kLong30}},
       {"second layer 0", {u"0"}, {"0"}, {"00"}},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     EXPECT_EQ(converted(t.own, false), t.classic);
     EXPECT_EQ(converted(t.own, true), t.unique);
   }
@@ -146,8 +142,7 @@ TEST(NameAcadConverter, ReportsWhatChangedAndWhatBecameOne) {
 
 TEST(NameAcadConverter, RandomTablesAgreeWithThePlainRule) {
   std::mt19937 random(20240607);
-  for (int round = 0; round < 200; ++round) {
-    SCOPED_TRACE(testing::Message() << "round " << round);
+  for ([[maybe_unused]] const int round : rounds(200)) {
     // Few characters and lengths about the limit, so that names meet often.
     std::vector<std::string> own;
     for (int i = 0; i < 60; ++i) {

@@ -1,11 +1,8 @@
 // What we write and read again is what it was: the reader and the writer are told the
 // same about every kind of entity.
-#include <cmath>
-#include <fstream>
-#include <random>
-#include <sstream>
 
 #include "dxf/out/saveddrawing.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 

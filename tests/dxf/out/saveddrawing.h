@@ -1,13 +1,7 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <string_view>
-
 #include "support/r12lint.h"
-#include "vek0core/vek0core.h"
+#include "support/test.h"
 
 namespace vek0::test {
 
@@ -37,7 +31,7 @@ inline std::string saved(const CData& data, unsigned flags, CFileReport* report 
 }
 
 /// DXF text of pairs written as "code value" with semicolons between: "0 LINE; 8 0".
-inline std::string pairs(std::string_view list) {
+inline std::string savedPairs(std::string_view list) {
   std::string text;
   for (std::size_t end = 0; end != std::string_view::npos; list.remove_prefix(end + 2)) {
     end = list.find("; ");

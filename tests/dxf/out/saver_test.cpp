@@ -1,7 +1,5 @@
-#include <limits>
-#include <set>
-
 #include "dxf/out/saveddrawing.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 
@@ -10,17 +8,19 @@ namespace {
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 std::string emptyDrawing() {
-  return pairs("0 SECTION; 2 HEADER; 9 $ACADVER; 1 AC1009") +
-         pairs("9 $LIMMIN; 10 0.000000; 20 0.000000; 9 $LIMMAX; 10 420.000000; 20 297.000000") +
-         pairs("9 $LTSCALE; 40 1.000000; 9 $TEXTSTYLE; 7 STANDARD; 9 $CLAYER; 8 0") +
-         pairs("9 $CELTYPE; 6 BYLAYER; 9 $ORTHOMODE; 70 0; 9 $PLINEGEN; 70 0") +
-         pairs("9 $PLINEWID; 40 0.000000; 9 $AUNITS; 70 0; 9 $ANGBASE; 50 0.000000") +
-         pairs("9 $ANGDIR; 70 0; 0 ENDSEC; 0 SECTION; 2 TABLES; 0 TABLE; 2 LTYPE; 70 1") +
-         pairs("0 LTYPE; 2 Continuous; 70 0; 3 SolidLine; 72 65; 73 0; 40 0.000000; 0 ENDTAB") +
-         pairs("0 TABLE; 2 LAYER; 70 1; 0 LAYER; 2 0; 70 0; 62 7; 6 Continuous; 0 ENDTAB") +
-         pairs("0 TABLE; 2 STYLE; 70 1; 0 STYLE; 2 STANDARD; 70 0; 40 0.000000; 41 1.000000") +
-         pairs("50 0.000000; 71 0; 42 0.200000; 3 txt; 0 ENDTAB; 0 ENDSEC") +
-         pairs("0 SECTION; 2 BLOCKS; 0 ENDSEC; 0 SECTION; 2 ENTITIES; 0 ENDSEC; 0 EOF");
+  return savedPairs("0 SECTION; 2 HEADER; 9 $ACADVER; 1 AC1009") +
+         savedPairs(
+             "9 $LIMMIN; 10 0.000000; 20 0.000000; 9 $LIMMAX; 10 420.000000; 20 297.000000") +
+         savedPairs("9 $LTSCALE; 40 1.000000; 9 $TEXTSTYLE; 7 STANDARD; 9 $CLAYER; 8 0") +
+         savedPairs("9 $CELTYPE; 6 BYLAYER; 9 $ORTHOMODE; 70 0; 9 $PLINEGEN; 70 0") +
+         savedPairs("9 $PLINEWID; 40 0.000000; 9 $AUNITS; 70 0; 9 $ANGBASE; 50 0.000000") +
+         savedPairs("9 $ANGDIR; 70 0; 0 ENDSEC; 0 SECTION; 2 TABLES; 0 TABLE; 2 LTYPE; 70 1") +
+         savedPairs(
+             "0 LTYPE; 2 Continuous; 70 0; 3 SolidLine; 72 65; 73 0; 40 0.000000; 0 ENDTAB") +
+         savedPairs("0 TABLE; 2 LAYER; 70 1; 0 LAYER; 2 0; 70 0; 62 7; 6 Continuous; 0 ENDTAB") +
+         savedPairs("0 TABLE; 2 STYLE; 70 1; 0 STYLE; 2 STANDARD; 70 0; 40 0.000000; 41 1.000000") +
+         savedPairs("50 0.000000; 71 0; 42 0.200000; 3 txt; 0 ENDTAB; 0 ENDSEC") +
+         savedPairs("0 SECTION; 2 BLOCKS; 0 ENDSEC; 0 SECTION; 2 ENTITIES; 0 ENDSEC; 0 EOF");
 }
 
 /// The records of one table, its head included.
@@ -81,8 +81,7 @@ TEST(Saver, FlagsChooseTheEntities) {
       {"selected, in order", kSaveSelectedOnly, "31"},
       {"visible and selected", kSaveVisibleOnly | kSaveSelectedOnly, "1"},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     const std::string entities = section(saved(*d, t.flags), "ENTITIES");
     std::string handles;
     for (std::size_t at = 0; (at = entities.find("  5\n", at)) != std::string::npos; ++at)
@@ -105,8 +104,8 @@ TEST(Saver, ExchangeHeader) {
   setCurColor(*d, 3);
   addLine(*d, getLayer0(*d), 0x2A);
   const std::string header = section(saved(*d, kSaveExchange), "HEADER");
-  EXPECT_TRUE(contains(header, pairs("9 $CELTYPE; 6 BYLAYER; 9 $CECOLOR; 62 3")));
-  EXPECT_TRUE(contains(header, pairs("9 $HANDSEED; 5 2B")));
+  EXPECT_TRUE(contains(header, savedPairs("9 $CELTYPE; 6 BYLAYER; 9 $CECOLOR; 62 3")));
+  EXPECT_TRUE(contains(header, savedPairs("9 $HANDSEED; 5 2B")));
 }
 
 TEST(Saver, HeaderVariables) {
@@ -124,13 +123,14 @@ TEST(Saver, HeaderVariables) {
   vars.setCurStyle(nullptr);
   CFileReport report;
   const std::string header = section(saved(*d, 0, &report), "HEADER");
-  EXPECT_TRUE(contains(header, pairs("9 $LIMMIN; 10 -1.000000; 20 0.000000")));
-  EXPECT_TRUE(contains(header, pairs("9 $LTSCALE; 40 1.000000")));
-  EXPECT_TRUE(contains(header, pairs("9 $TEXTSTYLE; 7 STANDARD; 9 $CLAYER; 8 a_b; 9 $CELTYPE; 6 "
-                                     "CONTINUOUS; 9 $ORTHOMODE; 70 1")));
+  EXPECT_TRUE(contains(header, savedPairs("9 $LIMMIN; 10 -1.000000; 20 0.000000")));
+  EXPECT_TRUE(contains(header, savedPairs("9 $LTSCALE; 40 1.000000")));
+  EXPECT_TRUE(
+      contains(header, savedPairs("9 $TEXTSTYLE; 7 STANDARD; 9 $CLAYER; 8 a_b; 9 $CELTYPE; 6 "
+                                  "CONTINUOUS; 9 $ORTHOMODE; 70 1")));
   EXPECT_TRUE(contains(
       header,
-      pairs(
+      savedPairs(
           "9 $PLINEWID; 40 0.250000; 9 $AUNITS; 70 2; 9 $ANGBASE; 50 90.000000; 9 $ANGDIR; 70 1")));
   EXPECT_EQ(report.count("number not finite"), 2);
 }
@@ -140,15 +140,15 @@ TEST(Saver, Linetypes) {
   CLtype* ltype = addNewLtype(*d, u"GAS", 0x8000 | 1);
   ltype->AddDashText(TEXT_3D(textContext(u"GAS", 1, 0), nullptr, 0, 0, 0, 0));
   const std::string head =
-      pairs("0 TABLE; 2 LTYPE; 70 2; 0 LTYPE; 2 Continuous; 70 0; 3 SolidLine; 72 65; 73 0");
+      savedPairs("0 TABLE; 2 LTYPE; 70 2; 0 LTYPE; 2 Continuous; 70 0; 3 SolidLine; 72 65; 73 0");
   EXPECT_EQ(table(saved(*d, 0), "LTYPE"),
-            head + pairs("40 0.000000; 0 LTYPE; 2 GAS; 70 32769; 3 a pattern; 72 65; 73 3; 40 "
-                         "0.750000; 49 0.500000; 49 -0.250000"))
+            head + savedPairs("40 0.000000; 0 LTYPE; 2 GAS; 70 32769; 3 a pattern; 72 65; 73 3; 40 "
+                              "0.750000; 49 0.500000; 49 -0.250000"))
       << "the classic form counts the text too";
   EXPECT_EQ(
       table(saved(*d, kSaveExchange), "LTYPE"),
       head +
-          pairs(
+          savedPairs(
               "40 0.0; 0 LTYPE; 2 GAS; 70 1; 3 a pattern; 72 65; 73 2; 40 0.75; 49 0.5; 49 -0.25"));
 }
 
@@ -158,10 +158,11 @@ TEST(Saver, Layers) {
   addNewLayer(*d, u"ODD")->setColor(300);
   addLayer(*d, d->getLayerFactory().create(u"BARE", nullptr, 1, 0));
   CFileReport report;
-  EXPECT_EQ(table(saved(*d, 0, &report), "LAYER"),
-            pairs("0 TABLE; 2 LAYER; 70 4; 0 LAYER; 2 0; 70 0; 62 7; 6 Continuous; 0 LAYER; 2 OFF; "
-                  "70 4; 62 -5; 6 Continuous; 0 LAYER; 2 ODD; 70 0; 62 7; 6 Continuous; 0 LAYER; 2 "
-                  "BARE; 70 0; 62 1; 6 CONTINUOUS"));
+  EXPECT_EQ(
+      table(saved(*d, 0, &report), "LAYER"),
+      savedPairs("0 TABLE; 2 LAYER; 70 4; 0 LAYER; 2 0; 70 0; 62 7; 6 Continuous; 0 LAYER; 2 OFF; "
+                 "70 4; 62 -5; 6 Continuous; 0 LAYER; 2 ODD; 70 0; 62 7; 6 Continuous; 0 LAYER; 2 "
+                 "BARE; 70 0; 62 1; 6 CONTINUOUS"));
   EXPECT_EQ(report.count("color out of range"), 1);
 }
 
@@ -171,11 +172,12 @@ TEST(Saver, StylesLeaveOutShapes) {
   addStyle(*d, d->getStyleFactory().create(u"NOTES", &font, 2, 0.8, 0.5, kNan, 4));
   addStyle(*d, d->getStyleFactory().create(u"SHAPES", &font, 0, 1, 0, 0, 1));
   CFileReport report;
-  EXPECT_EQ(table(saved(*d, 0, &report), "STYLE"),
-            pairs("0 TABLE; 2 STYLE; 70 2; 0 STYLE; 2 STANDARD; 70 0; 40 0.000000; 41 1.000000; 50 "
-                  "0.000000; 71 0; 42 0.200000; 3 txt") +
-                pairs("0 STYLE; 2 NOTES; 70 4; 40 2.000000; 41 0.800000; 50 28.647890; 71 0; 42 "
-                      "0.200000; 3 romans.shx"));
+  EXPECT_EQ(
+      table(saved(*d, 0, &report), "STYLE"),
+      savedPairs("0 TABLE; 2 STYLE; 70 2; 0 STYLE; 2 STANDARD; 70 0; 40 0.000000; 41 1.000000; 50 "
+                 "0.000000; 71 0; 42 0.200000; 3 txt") +
+          savedPairs("0 STYLE; 2 NOTES; 70 4; 40 2.000000; 41 0.800000; 50 28.647890; 71 0; 42 "
+                     "0.200000; 3 romans.shx"));
   EXPECT_EQ(report.count("number not finite"), 1);
 }
 
@@ -187,12 +189,12 @@ TEST(Saver, BlocksComeAfterThoseTheyInsert) {
   d->getBlockTable().add(inner);
   ASSERT_EQ(d->getBlockTable().Redefine(outer, PNT_3D(0, 0, 0), 0, {newInsert(*d, *inner, 2)}), 0);
   const std::string blocks = section(saved(*d, 0), "BLOCKS");
-  EXPECT_EQ(blocks.find(pairs(
+  EXPECT_EQ(blocks.find(savedPairs(
                 "0 BLOCK; 8 0; 2 INNER; 70 0; 10 0.000000; 20 0.000000; 30 0.000000; 3 INNER; 1 ; "
                 "0 POINT; 5 1; 8 0; 10 1.000000; 20 1.000000; 30 1.000000; 0 ENDBLK")),
             0u);
   EXPECT_TRUE(contains(blocks, "OUTER"));
-  EXPECT_TRUE(contains(section(saved(*d, kSaveExchange), "BLOCKS"), pairs("0 ENDBLK; 8 0")));
+  EXPECT_TRUE(contains(section(saved(*d, kSaveExchange), "BLOCKS"), savedPairs("0 ENDBLK; 8 0")));
 }
 
 TEST(Saver, BlocksThatInsertEachOtherFail) {
@@ -213,10 +215,10 @@ TEST(Saver, AnonymousBlocksSayThatTheyArePrivate) {
   const Drawing d = newDrawing();
   addNewBlock(*d, u"*D1");
   addNewBlock(*d, u"PLAIN", 4);
-  EXPECT_TRUE(contains(saved(*d, 0), pairs("2 *D1; 70 0")));
+  EXPECT_TRUE(contains(saved(*d, 0), savedPairs("2 *D1; 70 0")));
   const std::string bytes = saved(*d, kSaveExchange);
-  EXPECT_TRUE(contains(bytes, pairs("2 *D1; 70 1")));
-  EXPECT_TRUE(contains(bytes, pairs("2 PLAIN; 70 0"))) << "no file stands behind it";
+  EXPECT_TRUE(contains(bytes, savedPairs("2 *D1; 70 1")));
+  EXPECT_TRUE(contains(bytes, savedPairs("2 PLAIN; 70 0"))) << "no file stands behind it";
 }
 
 TEST(Saver, BlocksOfHatchesThatAreGoneAreSkipped) {
@@ -241,12 +243,13 @@ TEST(Saver, ExternalReferencesAndWhatDependsOnThem) {
   d->getEntTable().add(createEntInsertXRef(*d, layer, getLtypeByLayer(*d), 256, *xref,
                                            PNT_3D(0, 0, 0), 1, 1, 1, 0, 1, 1, 0, 0, 1));
   const std::string bytes = saved(*d, 0);
-  EXPECT_EQ(section(bytes, "BLOCKS"),
-            pairs("0 BLOCK; 8 0; 2 SITE; 70 4; 10 0.000000; 20 0.000000; 30 0.000000; 3 SITE; 1 "
-                  "C:\\plans\\site.dxf; 0 ENDBLK"));
-  EXPECT_TRUE(contains(table(bytes, "LAYER"), pairs("2 SITE|WALL; 70 48")));
-  EXPECT_TRUE(contains(section(bytes, "ENTITIES"), pairs("8 SITE|WALL; 2 SITE")));
-  EXPECT_TRUE(contains(saved(*d, kSaveExchange), pairs("10 1.0; 20 2.0; 30 3.0; 3 SITE")));
+  EXPECT_EQ(
+      section(bytes, "BLOCKS"),
+      savedPairs("0 BLOCK; 8 0; 2 SITE; 70 4; 10 0.000000; 20 0.000000; 30 0.000000; 3 SITE; 1 "
+                 "C:\\plans\\site.dxf; 0 ENDBLK"));
+  EXPECT_TRUE(contains(table(bytes, "LAYER"), savedPairs("2 SITE|WALL; 70 48")));
+  EXPECT_TRUE(contains(section(bytes, "ENTITIES"), savedPairs("8 SITE|WALL; 2 SITE")));
+  EXPECT_TRUE(contains(saved(*d, kSaveExchange), savedPairs("10 1.0; 20 2.0; 30 3.0; 3 SITE")));
 }
 
 TEST(Saver, ADependentFlagWithoutADependentNameIsDropped) {
@@ -255,8 +258,8 @@ TEST(Saver, ADependentFlagWithoutADependentNameIsDropped) {
   addNewLtype(*d, u"GAS", 16);
   CFileReport report;
   const std::string bytes = saved(*d, 0, &report);
-  EXPECT_TRUE(contains(bytes, pairs("2 WALL; 70 4")));
-  EXPECT_TRUE(contains(bytes, pairs("2 GAS; 70 0")));
+  EXPECT_TRUE(contains(bytes, savedPairs("2 WALL; 70 4")));
+  EXPECT_TRUE(contains(bytes, savedPairs("2 GAS; 70 0")));
   EXPECT_EQ(report.count("name not dependent"), 2);
 }
 
@@ -280,10 +283,10 @@ TEST(Saver, NamesThatCoincideAreOneInTheClassicFormOnly) {
   addLine(*d, addNewLayer(*d, u"a.b"), 2);
   CFileReport report;
   const std::string classic = section(saved(*d, 0, &report), "ENTITIES");
-  EXPECT_TRUE(contains(classic, pairs("5 1; 8 a_b")));
-  EXPECT_TRUE(contains(classic, pairs("5 2; 8 a_b")));
+  EXPECT_TRUE(contains(classic, savedPairs("5 1; 8 a_b")));
+  EXPECT_TRUE(contains(classic, savedPairs("5 2; 8 a_b")));
   EXPECT_EQ(report.count("names coincide"), 1);
-  EXPECT_TRUE(contains(saved(*d, kSaveExchange), pairs("5 2; 8 a_b0")));
+  EXPECT_TRUE(contains(saved(*d, kSaveExchange), savedPairs("5 2; 8 a_b0")));
 }
 
 TEST(Saver, ASecondSaveFindsTheDrawingAsItWas) {

@@ -1,10 +1,5 @@
-#include <clocale>
-#include <cmath>
-#include <limits>
-#include <string>
-
 #include "dxf/out/saveddrawing.h"
-#include "vek0core/dxf/out/filedxfowriter.h"
+#include "support/test.h"
 
 using namespace vek0::test;
 
@@ -40,43 +35,17 @@ class LineFile : public IFile {
 }  // namespace
 
 TEST(DxfWriter, GroupCodesTakeThreeColumns) {
-  const struct {
-    long code;
-    const char* line;
-  } cases[] = {
-      {0, "  0\n"},   {9, "  9\n"},     {10, " 10\n"},    {100, "100\n"},
-      {999, "999\n"}, {1000, "1000\n"}, {1071, "1071\n"}, {-5, "-5\n"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.code);
-    EXPECT_EQ(written([&](CFileDXFOWriter& w) { w.write(t.code, 7L); }),
-              t.line + std::string("7\n"));
+  for (const Row& t : rows()) {
+    EXPECT_EQ(written([&](CFileDXFOWriter& w) { w.write(t.whole<long>("code"), 7L); }),
+              t.text("line") + "7\n");
   }
 }
 
 TEST(DxfWriter, Reals) {
-  constexpr double kInf = std::numeric_limits<double>::infinity();
-  const struct {
-    const char* name;
-    double value;
-    const char* classic;
-    const char* exact;
-  } cases[] = {
-      {"a third", 1.0 / 3, "0.333333", "0.3333333333333333"},
-      {"no exponent", 1e20, "100000000000000000000.000000", "1e+20"},
-      {"whole", 25, "25.000000", "25.0"},
-      {"negative zero", -0.0, "-0.000000", "0.0"},
-      {"rounds to zero", -1e-9, "-0.000000", "-1e-09"},
-      {"rounds up", 0.9999999, "1.000000", "0.9999999"},
-      {"half goes to even", 0.0000005, "0.000000", "5e-07"},
-      {"no form for NaN", std::nan(""), "0.000000", "0.0"},
-      {"nor for infinity", -kInf, "0.000000", "0.0"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    const auto write = [&](CFileDXFOWriter& w) { w.write(40, t.value); };
-    EXPECT_EQ(written(write), " 40\n" + std::string(t.classic) + "\n");
-    EXPECT_EQ(written(write, true), " 40\n" + std::string(t.exact) + "\n");
+  for (const Row& t : rows()) {
+    const auto write = [&](CFileDXFOWriter& w) { w.write(40, t.real("value")); };
+    EXPECT_EQ(written(write), " 40\n" + t.text("classic") + "\n");
+    EXPECT_EQ(written(write, true), " 40\n" + t.text("exact") + "\n");
   }
 }
 
@@ -107,23 +76,9 @@ TEST(DxfWriter, OtherValues) {
 }
 
 TEST(DxfWriter, NoTextCanEndItsLine) {
-  const struct {
-    const char* name;
-    const zim::Char* text;
-    const char* value;
-  } cases[] = {
-      {"plain", u"Bolt M12 %%c", "Bolt M12 %%c"},
-      {"line feed", u"a\nb", "a^Jb"},
-      {"injected record", u"x\r\n  0\nEOF", "x^M^J  0^JEOF"},
-      {"caret", u"2^3", "2^ 3"},
-      {"Western letter", u"\u00D8 12", "\xD8 12"},
-      {"letter of no page", u"\u4E2D", "\\U+4E2D"},
-      {"escape by chance", u"\\U+0041", "\\U+005CU+0041"},
-  };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
-    EXPECT_EQ(written([&](CFileDXFOWriter& w) { w.write(1, t.text); }),
-              "  1\n" + std::string(t.value) + "\n");
+  for (const Row& t : rows()) {
+    EXPECT_EQ(written([&](CFileDXFOWriter& w) { w.write(1, t.wide("text").c_str()); }),
+              "  1\n" + t.text("value") + "\n");
   }
 }
 
@@ -139,8 +94,7 @@ TEST(DxfWriter, TextIsCutAtTheLongestLineThatReadersTake) {
       {"escapes count", std::u16string(1170, u'\u4E2D'), 8190, false},
       {"an escape is never halved", std::u16string(1171, u'\u4E2D'), 8190, true},
   };
-  for (const auto& t : cases) {
-    SCOPED_TRACE(t.name);
+  for (const auto& t : named(cases)) {
     CFileReport report;
     const std::string text = written([&](CFileDXFOWriter& w) {
       w.setReport(&report);
