@@ -9,9 +9,6 @@
 namespace vek0::detail {
 namespace {
 
-// Of a point of the drawing's blocks, beyond the effort of the options: blocks are inserted
-// some dozen times, and more often where they are small.
-constexpr double kEffortPerPoint = 16;
 constexpr int kMostLooks = 64;  // at what an insert holds, to find what it shows first
 constexpr std::size_t kMostFirsts = 100'000;
 constexpr double kSamePlace = 1.0 / 16;  // of a detail
@@ -26,6 +23,8 @@ CEntInsertBase* onlyInsertOf(CBlock& block) {
   const bool isPlain = insert->getBlock() && insert->GetNoAttribs() == 0 && !insert->isClipped();
   return isPlain ? insert : nullptr;
 }
+
+PNT_3D place(const BULGED_VERTEX& v) { return PNT_3D(v.x, v.y, v.z); }
 
 PNT_2D times(const PNT_2D& step, long count) {
   return PNT_2D(step.x * static_cast<double>(count), step.y * static_cast<double>(count));
@@ -45,9 +44,9 @@ bool Walker::isScarce(double points) {
 void Walker::learnEffort() {
   if (m_isEffortKnown) return;
   m_isEffortKnown = true;
-  double points = 0;
+  double effort = 0;
   const auto add = [&](const CBlock& block) {
-    if (!isHatchName(block.getName())) points += m_boxes.sum(block).own;
+    if (!isHatchName(block.getName())) effort += m_boxes.sum(block).effort;
   };
   const CBlockTable& blocks = m_data.getBlockTable();
   for (int i = 0; i < static_cast<int>(blocks.size()); ++i) add(*blocks[i]);
@@ -56,7 +55,7 @@ void Walker::learnEffort() {
     add(*xrefs[i]);
     for (const auto& block : xrefs[i]->getBlocks()) add(*block);
   }
-  m_out.addEffort(kEffortPerPoint * points);
+  m_out.addEffort(effort);
 }
 
 bool Walker::isSmall(const RECT_2D& box) const { return isSmall(box.max - box.min); }
@@ -91,6 +90,7 @@ void Walker::drawSpeck(CEnt& ent, const PNT_2D& at) {
 void Walker::putSpeck(const PNT_2D& at, bool isPoint) {
   if (m_specks.has(at, m_out.epoch())) return;
   m_specks.add(at, m_out.epoch());
+  m_out.charge(1);  // dots make paths of their own
   if (isPoint) return m_points.draw(at, m_out);
   m_out.dot(at);
 }
@@ -268,15 +268,46 @@ void Walker::drawArea(const Area& area, bool isPoint) {
   m_out.fill(m_device, m_ends, FillRule::NonZero);
 }
 
+// --- Arcs
+
+void Walker::gatherCoarseWay(const CEntPolyline& ent) {
+  m_out.noteSimplified();
+  const std::vector<BULGED_VERTEX> corners = cornersOf(ent);
+  for (std::size_t i = 0; i < corners.size(); ++i) {
+    const BULGED_VERTEX& to = corners[(i + 1) % corners.size()];
+    const bool isLast = i + 1 == corners.size() && !ent.isClosed();
+    addCoarseChords(corners[i], isLast ? place(corners[i]) : place(to));
+  }
+}
+
+// Chords that keep within a detail of the arc, without its end; the width changes evenly.
+void Walker::addCoarseChords(const BULGED_VERTEX& from, const PNT_3D& to) {
+  const PNT_3D start = place(from);
+  ARC_3D arc;
+  if (!createArcFromBulge(start, to, from.bulge, arc))
+    return m_way.push_back({start, from.widthStart, from.widthEnd});
+  const double sweep = 4 * std::atan(from.bulge);
+  const int count =
+      std::min(arcChords(sweep), arcChords(sweep, m_detail / (arc.radius * m_place.scale())));
+  for (int i = 0; i < count; ++i) {
+    PNT_3D at = start;
+    at.rotate(arc, sweep * i / count);
+    const double share = static_cast<double>(i) / count, growth = from.widthEnd - from.widthStart;
+    at.z += share * (to.z - start.z);
+    m_way.push_back(
+        {at, from.widthStart + share * growth, from.widthStart + (share + 1.0 / count) * growth});
+  }
+}
+
 // --- Hatches and linetypes
 
 // Whether lines of the pattern are too near each other to be told apart.
 bool Walker::isFinerThanDetail(const CEntHatch& ent) const {
   const HATCH_TYPE& type = ent.getHatchType();
   const double scale = ent.getHatchScale() * m_place.scale();
-  return std::any_of(type.lines, type.lines + type.numLines, [&](const HATCH_LINE& line) {
-    return std::fabs(line.dy) * scale < m_options.finestDetail;
-  });
+  const double finest = std::max(m_options.finestDetail, m_options.penReach);
+  return std::any_of(type.lines, type.lines + type.numLines,
+                     [&](const HATCH_LINE& line) { return std::fabs(line.dy) * scale < finest; });
 }
 
 void Walker::drawLinelessHatch(const CEntHatch& ent) {

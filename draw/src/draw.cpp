@@ -12,10 +12,11 @@ DRAW_RESULT drawData(const CData& data, const IProjector& projector, const CWndV
 RECT_2D drawnExtents(const CData& data, const IProjector& projector, const DRAW_OPTIONS& options) {
   RECT_2D all, one;
   all.initRegion();
+  vek0::detail::ShownBoxes boxes;
   for (const CEnt* ent : data.getEntTable().getEntityTbl()) {
     const CLayer* layer = ent->getLayer();
     if (!options.hiddenLayers && layer && vek0::detail::isHidden(*ent, *layer)) continue;
-    const RECT_3D box = vek0::detail::drawnBox(*ent);
+    const RECT_3D box = boxes.drawn(*ent);
     if (!box.validRegion()) continue;
     projector.to2D(box, one);
     if (vek0::detail::isFinite(one)) all.updateRegion(one);

@@ -12,11 +12,17 @@
 namespace vek0::detail {
 namespace {
 
-// What takes as long as handing over points. A new layer may be a new group in a file.
-constexpr double kPointsPerLook = 0.1, kPointsPerItem = 0.25, kPointsPerLayer = 32;
+// What takes as long as handing over points. A new color is a new path, a new layer may be a new
+// group in a file.
+constexpr double kPointsPerLook = 0.1, kPointsPerItem = 0.25, kPointsPerColor = 3,
+                 kPointsPerLayer = 32;
 
-// What a stroke takes goes by its length, as many pixels' time as lines of a pixel need.
-constexpr double kPixelsPerLength = 15;
+// What a stroke takes goes by its length, as many pixels' time as lines of a pixel need. Chains
+// take longer: their segments share pixels.
+constexpr double kPixelsPerLength = 27, kPixelsPerChainLength = 40;
+
+// A fill is sorted line by line, more finely than pixels.
+constexpr double kPixelsPerFillHeight = 150;
 
 // Far outside the device, but products are still finite for painters.
 constexpr double kFarthest = 1e150;
@@ -96,39 +102,47 @@ void Emitter::tellItem() {
   if (m_item.layer && m_item.layer != m_layer)
     charge(kPointsPerLayer + static_cast<double>(m_item.layer->view().size()));
   m_layer = m_item.layer;
+  if (m_item.color != m_color) charge(kPointsPerColor);
+  m_color = m_item.color;
   m_painter.begin(m_item);
   m_isTold = true;
 }
 
 // As long as it is on the device, and a few pixels wide.
-void Emitter::chargeStroke(const std::vector<PNT_2D>& points) {
+void Emitter::chargeStroke(const std::vector<PNT_2D>& points, bool closed) {
   if (!isUnfolding() || m_pixelsPerPoint <= 0) return;
-  double length = 0;
+  double length = closed ? std::min(points.front().dist(points.back()), m_longest) : 0;
   for (std::size_t i = 1; i < points.size(); ++i)
     length += std::min(points[i].dist(points[i - 1]), m_longest);
-  charge(length * kPixelsPerLength / m_pixelsPerPoint);
+  const double pixels = points.size() == 2 ? kPixelsPerLength : kPixelsPerChainLength;
+  charge(length * pixels / m_pixelsPerPoint);
 }
 
 void Emitter::chargeFill(const std::vector<PNT_2D>& points) {
   if (!isUnfolding() || m_pixelsPerPoint <= 0) return;
   RECT_2D box;
   box.set(points.data(), static_cast<int>(points.size()));
-  charge(std::min(box.max.x - box.min.x, m_longest) * std::min(box.max.y - box.min.y, m_longest) /
-         m_pixelsPerPoint);
+  double height = 0;
+  for (std::size_t i = 1; i < points.size(); ++i)
+    height += std::min(std::fabs(points[i].y - points[i - 1].y), m_longest);
+  const double area =
+      std::min(box.max.x - box.min.x, m_longest) * std::min(box.max.y - box.min.y, m_longest);
+  charge((area + height * kPixelsPerFillHeight) / m_pixelsPerPoint);
 }
 
 void Emitter::stroke(const std::vector<PNT_2D>& points, bool closed) {
   if (!spend(points.size()) || points.size() < 2 || !areNear(points) || !admit()) return;
-  chargeStroke(points);
+  chargeStroke(points, closed);
   m_painter.stroke(points.data(), points.size(), closed);
 }
 
 bool Emitter::arc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
   const bool near = isNear(center) && isNear({radius, startRad}) && isNear(sweepRad);
   if (!spend(kPointsPerArc) || !near || !admit()) return true;
-  if (m_pixelsPerPoint > 0)
-    charge(std::min(std::fabs(radius * sweepRad), 4 * m_longest) * kPixelsPerLength /
-           m_pixelsPerPoint);
+  // On a page, a curve takes twice as long as the chords that it is worth.
+  const double length = std::min(std::fabs(radius * sweepRad), 4 * m_longest);
+  charge(m_pixelsPerPoint > 0 ? length * kPixelsPerChainLength / m_pixelsPerPoint
+                              : static_cast<double>(kPointsPerArc));
   if (m_painter.arc(center, radius, startRad, sweepRad)) return true;
   --m_result.emitted;
   return false;

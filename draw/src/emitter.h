@@ -75,7 +75,7 @@ class Emitter {
  private:
   bool admit();
   void tellItem();
-  void chargeStroke(const std::vector<PNT_2D>& points);
+  void chargeStroke(const std::vector<PNT_2D>& points, bool closed);
   void chargeFill(const std::vector<PNT_2D>& points);
 
   IPainter& m_painter;
@@ -86,6 +86,7 @@ class Emitter {
   int m_unfolding = 0;
   std::size_t m_epoch = 0;
   const zim::WString* m_layer = nullptr;  // that the painter was told of last
+  RGB_COLOR m_color{};                    // likewise
   DrawItem m_item;
   bool m_isTold = false;
   DRAW_RESULT m_result;

@@ -6,21 +6,17 @@
 #include <cmath>
 
 #include "arraycells.h"
+#include "pointcost.h"
 #include "walker.h"
 
 namespace vek0::detail {
-namespace {
-
-constexpr double kEffortPerLine = 4;  // of a hatch: a stroke, and what goes with it
-
-}  // namespace
 
 // The lines of a file's hatches are bounded, those of the inserts that show them are not.
 void Walker::visit(CEntHatch& ent) {
   if (isSolid(ent.getHatchType())) return fillHatch(ent);
   const double lines = ent.getBlock() ? static_cast<double>(ent.getBlock()->size()) : 0;
   if (lines == 0) return drawLinelessHatch(ent);
-  if (!m_out.isUnfolding()) m_out.addEffort(kEffortPerLine * lines);
+  if (!m_out.isUnfolding()) m_out.addEffort(effortOfLines(ent));
   if (!isScarce(lines * m_out.pointsOfLine()) || !isFinerThanDetail(ent)) return drawInsert(ent);
   m_out.noteSimplified();
   fillHatch(ent);

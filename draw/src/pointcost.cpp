@@ -1,13 +1,24 @@
 #include "pointcost.h"
 
+#include <algorithm>
+
 #include "vek0core/vek0core.h"
 
 namespace vek0::detail {
 namespace {
 
-double pointsOfText(const CEnt& ent) {
+// Of an entity of a block, beyond the effort of the options: blocks are inserted some dozen times,
+// and more often where they are small. Texts are larger than what the others have in a file.
+constexpr double kEffortPerPoint = 16, kEffortPerLetter = 32;
+constexpr double kMostEffortOfLines = 1000;
+
+double lettersOf(const CEnt& ent) {
   const zim::WString& string = static_cast<const CEntText&>(ent).getText().getContext().getString();
-  return static_cast<double>(kPointsPerLetter * (1 + string.view().size()));
+  return 1 + static_cast<double>(string.view().size());
+}
+
+double pointsOfText(const CEnt& ent) {
+  return static_cast<double>(kPointsPerLetter) * lettersOf(ent);
 }
 
 double pointsOfHatch(const CEntHatch& hatch) {
@@ -44,6 +55,38 @@ double pointsOf(const CEnt& ent) {
     default:
       return ent.getEntInsert() ? pointsOfAttributes(*ent.getEntInsert()) : ends;
   }
+}
+
+// The lines of a file's hatches are bounded: those outside of blocks may take what they need.
+double effortOfLines(const CEntHatch& hatch) {
+  constexpr double effortPerLine = 4;  // a stroke, and what goes with it
+  return hatch.getBlock() ? effortPerLine * static_cast<double>(hatch.getBlock()->size()) : 0;
+}
+
+double effortOf(const CEnt& ent) {
+  double effort = 0;
+  switch (ent.getType()) {
+    case CEntPolyline::kType:
+      static_cast<const CEntPolyline&>(ent).forEachBulged(
+          [&](const PNT_3D&, double, double, double bulge, vek0::Handle) {
+            effort += kEffortPerPoint * (bulge == 0 ? 1 : static_cast<double>(kPointsPerArc));
+          });
+      return effort;
+    case CEntText::kType:
+    case CEntAttdef::kType:
+    case CEntAttrib::kType:
+      return kEffortPerLetter * lettersOf(ent);
+    case CEntHatch::kType:
+      return kEffortPerPoint * static_cast<double>(static_cast<const CEntHatch&>(ent).getNoPnts()) +
+             std::min(effortOfLines(static_cast<const CEntHatch&>(ent)), kMostEffortOfLines);
+    default:
+      break;
+  }
+  const CEntInsertBase* insert = ent.getEntInsert();
+  if (!insert) return kEffortPerPoint * pointsOf(ent);
+  for (unsigned i = 0; i < insert->GetNoAttribs(); ++i)
+    effort += kEffortPerLetter * lettersOf(*insert->GetAttrib(i));
+  return effort;
 }
 
 }  // namespace vek0::detail

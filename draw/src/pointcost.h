@@ -3,6 +3,7 @@
 #include <cstddef>
 
 class CEnt;
+class CEntHatch;
 
 namespace vek0::detail {
 
@@ -12,5 +13,11 @@ constexpr std::size_t kPointsPerArc = 16;
 
 /// About how many points it takes to draw an entity of a block, without what inserts show.
 double pointsOf(const CEnt& ent);
+
+/// How many points what inserts show may take for an entity of a block: several times as many as
+/// the entity takes itself, but no more than in proportion to its part of a file.
+double effortOf(const CEnt& ent);
+/// The same for the lines of a hatch outside of blocks.
+double effortOfLines(const CEntHatch& hatch);
 
 }  // namespace vek0::detail

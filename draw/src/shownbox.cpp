@@ -43,14 +43,35 @@ double cellsOf(const CEntInsertBase& insert) {
          (rowSpacing == 0 ? 1.0 : std::max(1.0, static_cast<double>(rows)));
 }
 
+// Of an entity, with what it inserts, or nothing.
+void growByLineless(const CEnt& ent, const BLOCK_SUM& inner, RECT_3D& box) {
+  if (ent.getType() == CEntHatch::kType) {
+    const auto& hatch = static_cast<const CEntHatch&>(ent);
+    if (!ent.getBdry().validRegion() && lacksLines(hatch))
+      for (const PNT_3D& p : hatch.getBoundary()) box.updateRegion(p);
+  }
+  if (!inner.lineless.validRegion()) return;
+  const CEntInsertBase& insert = *ent.getEntInsert();
+  long columns, rows;
+  double columnSpacing, rowSpacing;
+  insert.getArray(columns, rows, columnSpacing, rowSpacing);
+  for (const long row : {0L, std::max(0L, rows - 1)}) {
+    for (const long column : {0L, std::max(0L, columns - 1)}) {
+      RECT_3D cell;
+      CEntInsertMatrix(0, insert, row, column).transform(inner.lineless, cell);
+      box.updateRegion(cell);
+    }
+  }
+}
+
 // `inner` is what it inserts, or nothing.
 void add(const CEnt& ent, const BLOCK_SUM& inner, BLOCK_SUM& sum) {
   constexpr double most = 1e200;  // further products stay finite
-  const double own = pointsOf(ent);
-  sum.own += own;
+  sum.effort += effortOf(ent);
   const double shown = inner.all > 0 ? inner.all * cellsOf(*ent.getEntInsert()) : 0;
-  sum.all = std::min(sum.all + own + shown, most);
+  sum.all = std::min(sum.all + pointsOf(ent) + shown, most);
   sum.holdsEndless = sum.holdsEndless || inner.holdsEndless || isEndless(ent);
+  growByLineless(ent, inner, sum.lineless);
   sum.holdsPoints = sum.holdsPoints || inner.holdsPoints || ent.getType() == CEntPnt::kType;
 }
 
@@ -75,19 +96,18 @@ bool lacksLines(const CEntHatch& hatch) {
   return estimate.status == HatchStatus::Done && estimate.pieces >= surelyHit;
 }
 
-RECT_3D drawnBox(const CEnt& ent) {
+RECT_3D ShownBoxes::drawn(const CEnt& ent) {
   RECT_3D box = ent.getBdry();
-  if (box.validRegion() || ent.getType() != CEntHatch::kType) return box;
-  const auto& hatch = static_cast<const CEntHatch&>(ent);
-  if (lacksLines(hatch))
-    for (const PNT_3D& p : hatch.getBoundary()) box.updateRegion(p);
+  if (!ent.getEntInsert()) return box;
+  const CBlock* shown = blockOf(ent);
+  growByLineless(ent, shown ? sum(*shown) : BLOCK_SUM(), box);
   return box;
 }
 
 RECT_3D ShownBoxes::of(const CEnt& ent, double pixelSize) {
   const CBlock* shown = blockOf(ent);
   if (isEndless(ent) || (shown && holdsEndless(*shown))) return everywhere();
-  RECT_3D box = drawnBox(ent);
+  RECT_3D box = drawn(ent);
   if (ent.getType() == CEntFixedInsert::kType) ent.GetBdry(pixelSize, box);
   if (!isText(ent) || !box.validRegion()) return box;
   const double more =
@@ -96,7 +116,11 @@ RECT_3D ShownBoxes::of(const CEnt& ent, double pixelSize) {
 }
 
 RECT_3D ShownBoxes::of(const CBlock& block) {
-  return holdsEndless(block) ? everywhere() : block.getBdry();
+  const BLOCK_SUM known = sum(block);
+  if (known.holdsEndless) return everywhere();
+  RECT_3D box = block.getBdry();
+  if (known.lineless.validRegion()) box.updateRegion(known.lineless);
+  return box;
 }
 
 const ShownBoxes::Known* ShownBoxes::find(const CBlock& block) const {

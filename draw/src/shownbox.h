@@ -20,15 +20,16 @@ bool isPlaced(const CEnt& ent, const RECT_3D& box);
 /// Whether a hatch has no lines since its pattern makes too many; it is drawn by its boundary.
 bool lacksLines(const CEntHatch& hatch);
 
-/// The extents of an entity, or of the boundary that is drawn in its place.
-RECT_3D drawnBox(const CEnt& ent);
-
 /// What a block comes to.
 struct BLOCK_SUM {
+  BLOCK_SUM() { lineless.initRegion(); }
+
+  RECT_3D lineless;           ///< of hatches without lines, which its extents lack
   bool holdsEndless = false;  ///< rays or endless lines, at whatever depth
   bool holdsPoints = false;   ///< point entities, likewise
-  double own = 0;             ///< about how many points its own entities take to draw
-  double all = 0;             ///< the same with all that they insert, as often as they do
+  double effort = 0;          ///< what its own entities add to the effort (`effortOf`)
+  double all = 0;             ///< about how many points it takes to draw, with all that it inserts,
+                              ///< as often as it does
 };
 
 /// Tells where entities can be seen, and how much there is of them.
@@ -39,7 +40,10 @@ class ShownBoxes {
   /// extents; that of a ray or infinite line, or of an insert that shows one, is infinite.
   RECT_3D of(const CEnt& ent, double pixelSize);
 
-  /// The same for the content of a block, without the overhang of glyphs.
+  /// The extents of an entity, and of the boundaries that are drawn in place of hatches.
+  RECT_3D drawn(const CEnt& ent);
+
+  /// The same as `of` for the content of a block, without the overhang of glyphs.
   RECT_3D of(const CBlock& block);
 
   /// Linear in the block and those that it inserts the first time, and after an edit.

@@ -11,12 +11,14 @@
 
 #include "quadshape.h"
 #include "textcodes.h"
+#include "vek0core/polyline/silhouettepieces.h"
 
 namespace vek0::detail {
 namespace {
 
 constexpr int kMostChords = 4096;
 constexpr int kPlacedBits = 20;
+constexpr long kManyChords = 1 << 16;     // of a polyline: more count as unfolding
 constexpr double kEffortPerEntity = 128;  // of model space, beyond that of the options
 constexpr long kInvisible = 1;            // bit of the flags of attributes
 constexpr double kRuleBelow = 0.2, kRuleThrough = 0.5, kRuleAbove = 1.2;  // of the height unit
@@ -196,9 +198,16 @@ void Walker::stroke(const WIDE_VERTEX* points, std::size_t count, bool closed) {
   m_out.stroke(m_device, closed);
 }
 
-// The area between the sides of a closed chain is the difference of the areas that they enclose.
 void Walker::fillOutline(const std::vector<WIDE_VERTEX>& points, bool closed) {
-  const CPolylineSilhouette outline(points, closed);
+  if (points.size() <= CSilhouettePieces::kMostVertexes)
+    return fillSilhouette(CPolylineSilhouette(points, closed));
+  CSilhouettePieces pieces([this](const CPolylineSilhouette& outline) { fillSilhouette(outline); });
+  for (const WIDE_VERTEX& point : points) pieces.add(point);
+  pieces.finish(closed);
+}
+
+// The area between the sides of a closed chain is the difference of the areas that they enclose.
+void Walker::fillSilhouette(const CPolylineSilhouette& outline) {
   m_device.clear();
   m_ends.clear();
   for (std::size_t i = 0; i < outline.getNoRuns(); ++i) {
@@ -243,19 +252,34 @@ void Walker::visit(CEntPolyline& ent) {
   if (pattern() && !ent.IsLtGen() && !ent.isCurve()) return strokeSegments(ent);
   if (!pattern() && ent.hasArcRuns() && !ent.isWide() && m_place.isSimilar())
     return strokeRuns(ent);
+  const bool unfolds = ent.getNoVisibleVertexes() > kManyChords && ent.hasArcRuns();
+  if (unfolds) m_out.beginUnfolding();
+  gatherWay(ent, unfolds);
+  strokeWay(ent.isClosed());
+  if (unfolds) m_out.endUnfolding();
+}
+
+// A bulge unfolds to hundreds of chords, which have twice as many points if it is wide.
+void Walker::gatherWay(const CEntPolyline& ent, bool unfolds) {
   m_way.clear();
+  if (unfolds && isScarce(2 * static_cast<double>(ent.getNoVisibleVertexes())))
+    return gatherCoarseWay(ent);
   ent.forEachVisible([this](const PNT_3D& p, double start, double end, double, long) {
     m_way.push_back({p, start, end});
   });
-  strokeWay(ent.isClosed());
+}
+
+std::vector<BULGED_VERTEX> Walker::cornersOf(const CEntPolyline& ent) {
+  std::vector<BULGED_VERTEX> corners;
+  ent.forEachBulged([&](const PNT_3D& p, double start, double end, double bulge, long) {
+    corners.push_back({p.x, p.y, p.z, start, end, bulge, 0});
+  });
+  return corners;
 }
 
 // Draws straight runs as one stroke, arcs as arcs.
 void Walker::strokeRuns(const CEntPolyline& ent) {
-  std::vector<BULGED_VERTEX> corners;
-  ent.forEachBulged([&](const PNT_3D& p, double, double, double bulge, long) {
-    corners.push_back({p.x, p.y, p.z, 0, 0, bulge, 0});
-  });
+  const std::vector<BULGED_VERTEX> corners = cornersOf(ent);
   const std::size_t segments = corners.size() - (ent.isClosed() || corners.empty() ? 0 : 1);
   std::vector<WIDE_VERTEX> run;
   for (std::size_t i = 0; i < segments; ++i) {
@@ -289,10 +313,7 @@ void Walker::drawBulge(const PNT_3D& from, const PNT_3D& to, double bulge) {
 
 // Each segment of the file restarts the pattern; an arc is one segment.
 void Walker::strokeSegments(const CEntPolyline& ent) {
-  std::vector<BULGED_VERTEX> corners;
-  ent.forEachBulged([&](const PNT_3D& p, double start, double end, double bulge, long) {
-    corners.push_back({p.x, p.y, p.z, start, end, bulge, 0});
-  });
+  const std::vector<BULGED_VERTEX> corners = cornersOf(ent);
   const std::size_t segments = corners.size() - (ent.isClosed() || corners.empty() ? 0 : 1);
   std::vector<PNT_3D> chords;
   for (std::size_t i = 0; i < segments && !m_out.isCut(); ++i) {

@@ -80,9 +80,14 @@ class Walker final : public IEntVisitor, private IPatternSink {
   void drawMixedChain(std::vector<WIDE_VERTEX> points);
   void stroke(const WIDE_VERTEX* points, std::size_t count, bool closed);
   void fillOutline(const std::vector<WIDE_VERTEX>& points, bool closed);
+  void fillSilhouette(const CPolylineSilhouette& outline);
   void fillFace(const CEnt3DFace& ent);
   void strokeLine(const PNT_3D& from, const PNT_3D& to);
   void strokeEndless(const LINE_3D& line, LineReach reach);
+  static std::vector<BULGED_VERTEX> cornersOf(const CEntPolyline& ent);
+  void gatherWay(const CEntPolyline& ent, bool unfolds);
+  void gatherCoarseWay(const CEntPolyline& ent);
+  void addCoarseChords(const BULGED_VERTEX& from, const PNT_3D& to);
   void strokeSegments(const CEntPolyline& ent);
   void strokeRuns(const CEntPolyline& ent);
   void drawBulge(const PNT_3D& from, const PNT_3D& to, double bulge);

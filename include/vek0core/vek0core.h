@@ -48,6 +48,7 @@
 #include "vek0core/polyline/curve.h"
 #include "vek0core/polyline/offset.h"
 #include "vek0core/polyline/silhouette.h"
+#include "vek0core/polyline/silhouettepieces.h"
 
 #include "vek0core/hatch/boundary.h"
 #include "vek0core/hatch/catalogue.h"

@@ -211,7 +211,8 @@ class Renderer {
   void reportShortcomings(const std::string& path, const DRAW_RESULT& result) {
     if (result.simplified > 0)
       warn("'" + path + "' shows " + std::to_string(result.simplified) +
-           " parts that are too small or too numerous as dots, areas or continuous lines");
+           " parts that are too small or too numerous as dots, areas, continuous lines or rough "
+           "arcs");
     if (result.missing > 0)
       fail(kDrawingFailed, "'" + path + "' shows " + std::to_string(result.missing) +
                                " hatches by their boundaries: their patterns are too dense");

@@ -13,7 +13,7 @@
 #include "vek0core/entities/entfactory.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entvisitor.h"
-#include "vek0core/polyline/silhouette.h"
+#include "vek0core/polyline/silhouettepieces.h"
 
 using vek0::detail::ChainVertex;
 using vek0::detail::orThrow;
@@ -247,12 +247,13 @@ void CEntPolyline::calcBdry() {
 }
 
 void CEntPolyline::growBySilhouette(RECT_3D& box) const {
-  std::vector<WIDE_VERTEX> vertexes;
-  forEachVisible([&vertexes](const PNT_3D& pnt, double ws, double we, double, long) {
-    vertexes.push_back({pnt, ws, we});
+  CSilhouettePieces pieces([&box](const CPolylineSilhouette& silhouette) {
+    for (std::size_t i = 0; i < silhouette.getNoRuns(); ++i)
+      for (const PNT_3D& pnt : silhouette.getRun(i)) box.updateRegion(pnt);
   });
-  const CPolylineSilhouette silhouette(vertexes, isClosed());
-  for (std::size_t i = 0; i < silhouette.getNoRuns(); ++i) {
-    for (const PNT_3D& pnt : silhouette.getRun(i)) box.updateRegion(pnt);
-  }
+  pieces.leaveOutWithin(box);
+  forEachVisible([&pieces](const PNT_3D& pnt, double ws, double we, double, long) {
+    pieces.add({pnt, ws, we});
+  });
+  pieces.finish(isClosed());
 }

@@ -47,7 +47,9 @@ constexpr int kReadings = 3;  // of a file that is being written
 // A drawing can expand to many times its size: by names that repeatedly lead to one file, and by
 // files with many hatches.
 constexpr long kMostRepeated = 4000000;  // entities of files that were read before
-constexpr double kHatchShares = 0.6;     // of what one hatch of the drawing may have
+// As shares of what one hatch of the drawing may have: the hatches of all files, each of which is
+// limited itself, and those of files that were read before.
+constexpr double kHatchShares = 5, kRepeatedHatchShares = 0.3;
 
 long countEntities(const CData& drawing) {
   auto count = static_cast<long>(drawing.getEntTable().getEntityTbl().size());
@@ -187,6 +189,10 @@ class Resolving {
     return false;
   }
 
+  double& hatchLinesLeft(const zim::WString& file) {
+    return m_sizes.count(file) != 0 ? m_repeatedHatchLinesLeft : m_hatchLinesLeft;
+  }
+
   // No fault if canceled, which changes nothing.
   Fault read(const Job& job) {
     for (int reading = 0; reading < kReadings; ++reading) {
@@ -195,8 +201,8 @@ class Resolving {
       const std::unique_ptr<IFile> file = m_resolver.open(job.place.file);
       if (!drawing) throw std::bad_alloc();
       if (!file) return ReportCode::ReferenceBroken;
-      drawing->setHatchLimit(
-          std::min(m_data.getHatchLimit(), m_hatchLinesLeft / vek0::detail::kHatchesShare));
+      drawing->setHatchLimit(std::min(
+          m_data.getHatchLimit(), hatchLinesLeft(job.place.file) / vek0::detail::kHatchesShare));
       CFileReport report;
       m_options.reading.report = &report;
       CFileDXFIError error;
@@ -219,8 +225,9 @@ class Resolving {
       content.stand(*nested[i], isShown(*nested[i], job) ? standIn(*nested[i], job) : nullptr);
     content.adopt();
     m_read.push_back(job.xref);
+    double& linesLeft = hatchLinesLeft(job.place.file);
+    linesLeft = std::max(0.0, linesLeft - countHatchLines(drawing));
     m_sizes[job.place.file] = countEntities(drawing);
-    m_hatchLinesLeft = std::max(0.0, m_hatchLinesLeft - countHatchLines(drawing));
     job.xref->setOwnBase(result.insertionBase);
     job.xref->setStatus(Status::loaded);
   }
@@ -379,6 +386,7 @@ class Resolving {
   std::unordered_map<zim::WString, long> m_sizes;  // entities, by file
   long m_repeatsLeft = kMostRepeated;
   double m_hatchLinesLeft = kHatchShares * m_data.getHatchLimit();
+  double m_repeatedHatchLinesLeft = kRepeatedHatchShares * m_data.getHatchLimit();
   bool m_isCancelled = false;
 };
 

@@ -186,3 +186,194 @@ TEST(Coarse, ShowsTheSameInk) {
   }
   EXPECT_GT(coarse, 5);
 }
+
+// A dot stands for the first thing that can be seen.
+TEST(Coarse, DotsLookLikeWhatTheyStandFor) {
+  const struct {
+    const char* name;
+    std::function<std::vector<CEnt*>(Maker&, CLayer*, CLayer*)> content;
+    const char* layer;
+    RGB_COLOR color;
+    double radius;
+  } cases[] = {
+      {"the first one is hidden",
+       [](Maker& m, CLayer* red, CLayer* frozen) -> std::vector<CEnt*> {
+         CBlock* inner = m.block({m.scene.unit(red, nullptr, 256)});
+         return {m.scene.unit(frozen, nullptr, 4), m.insert(*inner, 0, 0)};
+       },
+       "RED",
+       {255, 0, 0},
+       0},
+      {"as the insert",
+       [](Maker& m, CLayer*, CLayer*) -> std::vector<CEnt*> {
+         return {m.scene.unit(nullptr, nullptr, 0)};
+       },
+       "0",
+       {0, 255, 0},
+       0},
+      {"points",
+       [](Maker& m, CLayer*, CLayer*) -> std::vector<CEnt*> {
+         return {createEntPnt(*m.scene.data, PNT_3D(0, 0, 0), 0)};
+       },
+       "0",
+       {0, 0, 0},
+       1.5},
+      {"nothing to see",
+       [](Maker& m, CLayer*, CLayer* frozen) -> std::vector<CEnt*> {
+         return {m.scene.unit(frozen, nullptr, 4)};
+       },
+       nullptr,
+       {},
+       0},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    Maker m;
+    CLayer *red = m.scene.layer(u"RED", 1), *frozen = m.scene.layer(u"FROZEN", 4, 1);
+    CEnt* inner = m.insert(*m.block(t.content(m, red, frozen)), 0, 0, .01);
+    inner->setColor(0);
+    CEnt* array = m.array(*m.block({inner}), 100, 100, 9, 9);
+    array->setColor(3);
+    m.scene.add(array);
+    DRAW_OPTIONS options;
+    options.effort = 36'000;
+    const Recorder drawn = m.scene.draw(options);
+    EXPECT_EQ(drawn.things.empty(), t.layer == nullptr);
+    EXPECT_EQ(drawn.count(Thing::Dot), drawn.things.size());
+    for (const Thing& dot : drawn.things) {
+      EXPECT_EQ(dot.layer, t.layer);
+      EXPECT_EQ(dot.color, t.color);
+      EXPECT_EQ(dot.radius, t.radius);
+    }
+  }
+}
+
+// What lies on itself is drawn once, unless it looks otherwise or was covered meanwhile.
+TEST(Coarse, WhatWasCoveredIsDrawnAgain) {
+  Maker m;
+  CBlock* block = m.block({m.scene.unit(nullptr, nullptr, 0)});
+  for (int i = 0; i < 40; ++i) {
+    const std::vector<CEnt*> both{m.insert(*block, 0, 0), m.insert(*block, 0, 0)};
+    for (CEnt* ent : both) ent->setColor(0);
+    block = m.block(both);
+  }
+  const auto insert = [&](short color) {
+    m.scene.add(m.insert(*block, 100, 100, 500))->setColor(color);
+  };
+  insert(1);
+  insert(2);
+  insert(2);
+  m.scene.add(createEntHatch(*m.scene.data, m.scene.data->getHatchTypeTable().solid(), 1, 0,
+                             {{0, 0, 0}, {900, 0, 0}, {0, 900, 0}}, 0));
+  insert(2);
+  DRAW_OPTIONS options;
+  options.effort = 10'000;
+  std::string kinds;
+  for (const Thing& thing : m.scene.draw(options).things)
+    kinds += thing.kind == Thing::Fill ? "fill " : thing.color.g > 0 ? "yellow " : "red ";
+  EXPECT_EQ(kinds, "red yellow fill yellow ");
+}
+
+// The effort grows with what a file holds: only what is shown a hundred times is too much.
+TEST(Coarse, LargeBlocksAreDrawnAsTheyAre) {
+  Maker m;
+  std::vector<CEnt*> ents;
+  for (int i = 0; i < 500; ++i)
+    ents.push_back(createEntLine(*m.scene.data, LINE_3D(0, i, 0, 900, i, 0), 0));
+  CBlock* block = m.block(ents);
+  DRAW_OPTIONS options;
+  options.effort = 100;
+  for (const bool isOften : {false, true}) {
+    for (int i = 0; i < (isOften ? 200 : 4); ++i) m.scene.add(m.insert(*block, i, i));
+    const Recorder drawn = m.scene.draw(options);
+    EXPECT_EQ(m.scene.result.cut, isOften);
+    EXPECT_EQ(m.scene.result.simplified, 0U);
+  }
+}
+
+namespace {
+
+std::vector<PNT_3D> squareOf(double side) {
+  return {{0, 0, 0}, {side, 0, 0}, {side, side, 0}, {0, side, 0}};
+}
+
+// A hatch of horizontal lines that far apart.
+CEntHatch* lines(Maker& m, double apart, double side) {
+  const HATCH_TYPE& type = *getHatch(u"LINE");
+  return createEntHatch(*m.scene.data, type, apart / std::fabs(type.lines[0].dy), 0, squareOf(side),
+                        0);
+}
+
+// The same as a file has it that asked for too many lines.
+CEntHatch* lineless(Maker& m, double apart, double side) {
+  CEntHatch* hatch = lines(m, apart, side);
+  hatch->getBlock()->disposeEntities();
+  hatch->getBlock()->calcBdry();
+  hatch->calcBdry();
+  return hatch;
+}
+
+void dashes(Maker& m, int count) {
+  CLtype* dashed = m.scene.ltype(u"D", {30, -10});
+  for (int i = 0; i < count; ++i) m.scene.line(0, i, 1000, i)->setLtype(dashed);
+}
+
+}  // namespace
+
+// Hatches and dashes become plain only when there are too many and they are too fine.
+TEST(Coarse, WhatIsTooFineBecomesPlain) {
+  const struct {
+    const char* name;
+    std::function<void(Maker&)> make;
+    Thing::Kind kind;
+    std::size_t count, simplified, missing;
+  } cases[] = {
+      {"few lines", [](Maker& m) { m.scene.add(lines(m, .9, 90)); }, Thing::Stroke, 100, 0, 0},
+      {"many", [](Maker& m) { m.scene.add(m.insert(*m.block({lines(m, 1.5, 900)}), 0, 0)); },
+       Thing::Stroke, 600, 0, 0},
+      {"many fine ones",
+       [](Maker& m) { m.scene.add(m.insert(*m.block({lines(m, .9, 900)}), 0, 0)); }, Thing::Fill, 1,
+       1, 0},
+      {"lost fine ones", [](Maker& m) { m.scene.add(lineless(m, .9, 1000)); }, Thing::Fill, 1, 1,
+       0},
+      {"lost ones", [](Maker& m) { m.scene.add(lineless(m, 1.5, 3000)); }, Thing::Stroke, 1, 0, 1},
+      {"lost ones in a block",
+       [](Maker& m) {
+         m.scene.add(
+             m.insert(*m.block({m.insert(*m.block({lineless(m, 1.5, 3000)}), 9, 9)}), 9, 9));
+       },
+       Thing::Stroke, 1, 0, 1},
+      {"few dashes", [](Maker& m) { dashes(m, 1); }, Thing::Stroke, 25, 0, 0},
+  };
+  for (const auto& t : cases) {
+    SCOPED_TRACE(t.name);
+    Maker m;
+    t.make(m);
+    DRAW_OPTIONS options;
+    options.effort = 900;
+    const Recorder drawn = m.scene.draw(options);
+    EXPECT_EQ(drawn.things.size(), t.count);
+    EXPECT_EQ(drawn.count(t.kind), t.count);
+    EXPECT_EQ(m.scene.result.simplified, t.simplified);
+    EXPECT_EQ(m.scene.result.missing, t.missing);
+  }
+}
+
+// A wide ring of radius 100 about (500, 500), 350 times around.
+TEST(Coarse, ArcsKeepWithinADetail) {
+  Maker m;
+  CEntPolyline* ring = createEntPolyline(*m.scene.data, CEntPolyline::kClosed, 0, 0);
+  std::vector<BULGED_VERTEX> ends;
+  for (int i = 0; i < 700; ++i) ends.push_back({i % 2 * 200 + 400.0, 500, 0, 10, 10, 1, 0});
+  ring->setBulgedVertexes(ends.data(), ends.size());
+  m.scene.add(ring);
+  DRAW_OPTIONS options;
+  options.effort = 60'000;
+  const Recorder drawn = m.scene.draw(options);
+  EXPECT_FALSE(m.scene.result.cut);
+  EXPECT_EQ(m.scene.result.simplified, 1U);
+  ASSERT_EQ(drawn.things.size(), 1U);
+  EXPECT_GT(drawn.things[0].points.size(), 10'000U);
+  for (const PNT_2D& p : drawn.things[0].points)
+    EXPECT_NEAR(std::fabs(p.dist(500, 500) - 100), 5, 1);
+}

@@ -233,6 +233,51 @@ TEST(Silhouette, HoldsWhatIsDrawn) {
   }
 }
 
+RECT_3D boxOf(const std::vector<CPolylineSilhouette>& silhouettes) {
+  RECT_3D box;
+  box.initRegion();
+  for (const CPolylineSilhouette& silhouette : silhouettes)
+    for (std::size_t i = 0; i < silhouette.getNoRuns(); ++i)
+      for (const PNT_3D& p : silhouette.getRun(i)) box.updateRegion(p);
+  return box;
+}
+
+// Filled one by one, and left out where they make no box larger.
+TEST(SilhouettePieces, CoverWhatTheWholeCovers) {
+  std::mt19937 random(65);
+  std::uniform_real_distribution<double> real(-50, 50);
+  std::size_t most = 0;
+  for (int round = 0; round < 3000; ++round) {
+    SCOPED_TRACE(testing::Message() << "seed 65, round " << round);
+    const bool closed = round % 2 == 0;
+    Wide path;
+    for (int i = 0; i < 3 + round % 11; ++i) {
+      const bool repeats = i > 0 && real(random) < -20;
+      const PNT_3D at = repeats ? path.back().pnt : PNT_3D(real(random), real(random), 0);
+      path.push_back({at, 20, real(random) < 0 ? 20.0 : 30.0});
+    }
+    const CPolylineSilhouette whole(path, closed);
+    std::vector<CPolylineSilhouette> pieces;
+    CSilhouettePieces cut([&](const CPolylineSilhouette& piece) { pieces.push_back(piece); }, 4);
+    for (const WIDE_VERTEX& vertex : path) cut.add(vertex);
+    cut.finish(closed);
+    most = std::max(most, pieces.size());
+    RECT_3D box = boxOf({whole}), grown = boxOf({});
+    CSilhouettePieces outer([&](const auto& piece) { grown.updateRegion(boxOf({piece})); }, 4);
+    outer.leaveOutWithin(grown);
+    for (const WIDE_VERTEX& vertex : path) outer.add(vertex);
+    outer.finish(closed);
+    EXPECT_LT(grown.min.dist(box.min) + grown.max.dist(box.max), 1e-9);
+    for (const WIDE_VERTEX& vertex : path) {
+      const PNT_2D p(vertex.pnt.x + real(random) / 2, vertex.pnt.y + real(random) / 2);
+      bool isCovered = false;
+      for (const auto& piece : pieces) isCovered = isCovered || windings(piece, p) != 0;
+      EXPECT_EQ(isCovered, windings(whole, p) != 0);
+    }
+  }
+  EXPECT_GT(most, 4u);
+}
+
 TEST(Silhouette, WildInputStaysBoundedAndANumber) {
   std::mt19937 random(63);
   std::uniform_real_distribution<double> real(-1, 1);

@@ -34,7 +34,7 @@ struct DRAW_OPTIONS {
   double finestDetail = 1;
   /// What inserts, hatches and linetypes may unfold to, in points, beyond a generous multiple of
   /// what the drawing holds itself. When it is used up, the picture is cut.
-  double effort = 3'500'000;
+  double effort = 3'000'000;
   /// For painters of pixels: how many of them take as long as a point; 0 when the size of things
   /// makes no difference.
   double pixelsPerPoint = 0;
@@ -52,8 +52,8 @@ struct DRAW_RESULT {
   /// Clipped inserts that are shown unclipped: the painter cannot clip, the boundary has more than
   /// 1000 corners, or the view is not a plan view, for which a boundary is meaningless.
   std::size_t unclipped = 0;
-  /// Things drawn as dots, areas or continuous lines since there are too many; each cell of an
-  /// array that was met counts, each hatch once.
+  /// Things drawn as dots, areas, continuous lines or with fewer chords since there are too many;
+  /// each cell of an array that was met counts, each hatch once.
   std::size_t simplified = 0;
   /// Hatches whose pattern was too dense for lines (`CData::getHatchLimit`), and that show their
   /// boundaries instead.

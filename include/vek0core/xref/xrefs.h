@@ -42,8 +42,8 @@ struct CXRefOptions {
 /// that the drawing has changed since; items no longer in the file are removed unless the drawing
 /// uses them. Steps of an undo stack remain valid: this is not an edit and cannot be undone.
 ///
-/// All drawings together may have six tenths of the hatch lines of a single hatch
-/// (`CData::getHatchLimit`); hatches beyond that keep only their boundaries.
+/// Hatches keep only their boundaries beyond 5 * `CData::getHatchLimit` lines of all files, and
+/// beyond 0.3 * `CData::getHatchLimit` of files that are read again by other names.
 ///
 /// Returns the number of references that are not loaded afterwards. Linear in the data read. Throws
 /// `std::bad_alloc` with nothing changed.

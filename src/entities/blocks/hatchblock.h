@@ -18,7 +18,7 @@ namespace vek0::detail {
 
 /// Maximum number of lines and points of all hatches of a file, as shares of the limit for one
 /// hatch (`CData::getHatchLimit`): a fixed share, plus another one per hatch.
-constexpr double kHatchesShare = 0.3, kShareOfEachHatch = 0.001;
+constexpr double kHatchesShare = 0.2, kShareOfEachHatch = 0.0007;
 
 /// Adds the already named block of a new hatch to the table, which takes ownership. Returns false
 /// when out of memory; the caller then still owns it.
