@@ -24,8 +24,6 @@ CEntInsertBase* onlyInsertOf(CBlock& block) {
   return isPlain ? insert : nullptr;
 }
 
-PNT_3D place(const BULGED_VERTEX& v) { return PNT_3D(v.x, v.y, v.z); }
-
 PNT_2D times(const PNT_2D& step, long count) {
   return PNT_2D(step.x * static_cast<double>(count), step.y * static_cast<double>(count));
 }
@@ -271,18 +269,17 @@ void Walker::drawArea(const Area& area, bool isPoint) {
 // --- Arcs
 
 void Walker::gatherCoarseWay(const CEntPolyline& ent) {
-  m_out.noteSimplified();
   const std::vector<BULGED_VERTEX> corners = cornersOf(ent);
   for (std::size_t i = 0; i < corners.size(); ++i) {
     const BULGED_VERTEX& to = corners[(i + 1) % corners.size()];
     const bool isLast = i + 1 == corners.size() && !ent.isClosed();
-    addCoarseChords(corners[i], isLast ? place(corners[i]) : place(to));
+    addCoarseChords(corners[i], isLast ? pointOf(corners[i]) : pointOf(to));
   }
 }
 
 // Chords that keep within a detail of the arc, without its end; the width changes evenly.
 void Walker::addCoarseChords(const BULGED_VERTEX& from, const PNT_3D& to) {
-  const PNT_3D start = place(from);
+  const PNT_3D start = pointOf(from);
   ARC_3D arc;
   if (!createArcFromBulge(start, to, from.bulge, arc))
     return m_way.push_back({start, from.widthStart, from.widthEnd});

@@ -249,21 +249,25 @@ void Walker::strokeEndless(const LINE_3D& line, LineReach reach) {
 }
 
 void Walker::visit(CEntPolyline& ent) {
-  if (pattern() && !ent.IsLtGen() && !ent.isCurve()) return strokeSegments(ent);
   if (!pattern() && ent.hasArcRuns() && !ent.isWide() && m_place.isSimilar())
     return strokeRuns(ent);
   const bool unfolds = ent.getNoVisibleVertexes() > kManyChords && ent.hasArcRuns();
   if (unfolds) m_out.beginUnfolding();
-  gatherWay(ent, unfolds);
-  strokeWay(ent.isClosed());
+  // A bulge unfolds to hundreds of chords, which have twice as many points if it is wide.
+  const bool isCoarse = unfolds && isScarce(2 * static_cast<double>(ent.getNoVisibleVertexes()));
+  if (isCoarse) m_out.noteSimplified();
+  if (pattern() && !ent.IsLtGen() && !ent.isCurve()) {
+    strokeSegments(ent, isCoarse);
+  } else {
+    gatherWay(ent, isCoarse);
+    strokeWay(ent.isClosed());
+  }
   if (unfolds) m_out.endUnfolding();
 }
 
-// A bulge unfolds to hundreds of chords, which have twice as many points if it is wide.
-void Walker::gatherWay(const CEntPolyline& ent, bool unfolds) {
+void Walker::gatherWay(const CEntPolyline& ent, bool isCoarse) {
   m_way.clear();
-  if (unfolds && isScarce(2 * static_cast<double>(ent.getNoVisibleVertexes())))
-    return gatherCoarseWay(ent);
+  if (isCoarse) return gatherCoarseWay(ent);
   ent.forEachVisible([this](const PNT_3D& p, double start, double end, double, long) {
     m_way.push_back({p, start, end});
   });
@@ -312,23 +316,31 @@ void Walker::drawBulge(const PNT_3D& from, const PNT_3D& to, double bulge) {
 }
 
 // Each segment of the file restarts the pattern; an arc is one segment.
-void Walker::strokeSegments(const CEntPolyline& ent) {
+void Walker::strokeSegments(const CEntPolyline& ent, bool isCoarse) {
   const std::vector<BULGED_VERTEX> corners = cornersOf(ent);
   const std::size_t segments = corners.size() - (ent.isClosed() || corners.empty() ? 0 : 1);
-  std::vector<PNT_3D> chords;
   for (std::size_t i = 0; i < segments && !m_out.isCut(); ++i) {
     const BULGED_VERTEX &from = corners[i], &to = corners[(i + 1) % corners.size()];
-    chords.assign(1, PNT_3D(from.x, from.y, from.z));
-    bulgePoints(chords[0], PNT_3D(to.x, to.y, to.z), from.bulge, chords);
-    const double count = static_cast<double>(chords.size() - 1);
-    const double growth = (from.widthEnd - from.widthStart) / count;
-    double width = from.widthStart;
     m_way.clear();
-    for (const PNT_3D& p : chords) {
-      m_way.push_back({p, width, width + growth});
-      width += growth;
+    if (isCoarse) {
+      addCoarseChords(from, pointOf(to));
+      m_way.push_back({pointOf(to), from.widthEnd, from.widthEnd});
+    } else {
+      addChords(from, pointOf(to));
     }
     strokeWay(false);
+  }
+}
+
+// The chords of an arc, with its end; the width changes evenly.
+void Walker::addChords(const BULGED_VERTEX& from, const PNT_3D& to) {
+  std::vector<PNT_3D> chords{pointOf(from)};
+  bulgePoints(chords[0], to, from.bulge, chords);
+  const double growth = (from.widthEnd - from.widthStart) / static_cast<double>(chords.size() - 1);
+  double width = from.widthStart;
+  for (const PNT_3D& p : chords) {
+    m_way.push_back({p, width, width + growth});
+    width += growth;
   }
 }
 

@@ -24,6 +24,8 @@ bool isHidden(const CEnt& ent, const CLayer& layer);
 
 constexpr int kMostNested = 200;  ///< inserts within inserts; each takes stack
 
+inline PNT_3D pointOf(const BULGED_VERTEX& v) { return PNT_3D(v.x, v.y, v.z); }
+
 /// Draws the entities of model space, and those of inserted blocks within it.
 class Walker final : public IEntVisitor, private IPatternSink {
  public:
@@ -85,10 +87,11 @@ class Walker final : public IEntVisitor, private IPatternSink {
   void strokeLine(const PNT_3D& from, const PNT_3D& to);
   void strokeEndless(const LINE_3D& line, LineReach reach);
   static std::vector<BULGED_VERTEX> cornersOf(const CEntPolyline& ent);
-  void gatherWay(const CEntPolyline& ent, bool unfolds);
+  void gatherWay(const CEntPolyline& ent, bool isCoarse);
   void gatherCoarseWay(const CEntPolyline& ent);
   void addCoarseChords(const BULGED_VERTEX& from, const PNT_3D& to);
-  void strokeSegments(const CEntPolyline& ent);
+  void addChords(const BULGED_VERTEX& from, const PNT_3D& to);
+  void strokeSegments(const CEntPolyline& ent, bool isCoarse);
   void strokeRuns(const CEntPolyline& ent);
   void drawBulge(const PNT_3D& from, const PNT_3D& to, double bulge);
   void drawArc(const PNT_3D& center, double radius, double start, double sweep);

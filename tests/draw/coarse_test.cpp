@@ -361,19 +361,27 @@ TEST(Coarse, WhatIsTooFineBecomesPlain) {
 
 // A wide ring of radius 100 about (500, 500), 350 times around.
 TEST(Coarse, ArcsKeepWithinADetail) {
-  Maker m;
-  CEntPolyline* ring = createEntPolyline(*m.scene.data, CEntPolyline::kClosed, 0, 0);
-  std::vector<BULGED_VERTEX> ends;
-  for (int i = 0; i < 700; ++i) ends.push_back({i % 2 * 200 + 400.0, 500, 0, 10, 10, 1, 0});
-  ring->setBulgedVertexes(ends.data(), ends.size());
-  m.scene.add(ring);
-  DRAW_OPTIONS options;
-  options.effort = 60'000;
-  const Recorder drawn = m.scene.draw(options);
-  EXPECT_FALSE(m.scene.result.cut);
-  EXPECT_EQ(m.scene.result.simplified, 1U);
-  ASSERT_EQ(drawn.things.size(), 1U);
-  EXPECT_GT(drawn.things[0].points.size(), 10'000U);
-  for (const PNT_2D& p : drawn.things[0].points)
-    EXPECT_NEAR(std::fabs(p.dist(500, 500) - 100), 5, 1);
+  for (const bool isDashed : {false, true}) {
+    SCOPED_TRACE(isDashed);
+    Maker m;
+    CEntPolyline* ring = createEntPolyline(*m.scene.data, CEntPolyline::kClosed, 0, 0);
+    if (isDashed) ring->setLtype(m.scene.ltype(u"D", {300, -10}));
+    std::vector<BULGED_VERTEX> ends;
+    for (int i = 0; i < 700; ++i) ends.push_back({i % 2 * 200 + 400.0, 500, 0, 10, 10, 1, 0});
+    ring->setBulgedVertexes(ends.data(), ends.size());
+    m.scene.add(ring);
+    DRAW_OPTIONS options;
+    options.effort = isDashed ? 120'000 : 60'000;
+    const Recorder drawn = m.scene.draw(options);
+    EXPECT_FALSE(m.scene.result.cut);
+    EXPECT_EQ(m.scene.result.simplified, 1U);
+    EXPECT_EQ(drawn.things.size(), isDashed ? 1400U : 1U);
+    std::size_t points = 0;
+    for (const Thing& thing : drawn.things) {
+      points += thing.points.size();
+      for (const PNT_2D& p : thing.points) EXPECT_NEAR(std::fabs(p.dist(500, 500) - 100), 5, 1);
+    }
+    EXPECT_GT(points, 10'000U);
+    EXPECT_LT(points, 120'000U);
+  }
 }
