@@ -1,5 +1,6 @@
 #include "interruption.h"
 
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -35,9 +36,14 @@ void endCleanlyOn(int signal) {
 void watch(const std::filesystem::path& unfinished) {
   const auto& name = unfinished.native();
   if (name.size() >= std::size(g_unfinished)) return;
-  name.copy(g_unfinished, name.size());
-  g_unfinished[name.size()] = 0;
+  // A signal in between finds an empty name: the first unit comes last.
+  g_unfinished[0] = 0;
+  std::atomic_signal_fence(std::memory_order_seq_cst);
   if (name.empty()) return;
+  name.copy(g_unfinished + 1, name.size() - 1, 1);
+  g_unfinished[name.size()] = 0;
+  std::atomic_signal_fence(std::memory_order_seq_cst);
+  g_unfinished[0] = name[0];
   endCleanlyOn(SIGINT);
   endCleanlyOn(SIGTERM);
 #ifndef _WIN32

@@ -109,12 +109,16 @@ int parseAndRun(std::vector<std::string> arguments) {
   try {
     app.parse(arguments);
   } catch (const CLI::ParseError& problem) {
-    const bool asked = problem.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);
-    std::ostringstream help, complaint;
-    app.exit(problem, help, complaint);
+    if (problem.get_exit_code() != static_cast<int>(CLI::ExitCodes::Success)) {
+      // The message may quote a file name that looks like an option.
+      printError(host::visible(problem.what()) +
+                 "\nRun with --help or --help-all for more information.\n");
+      return kWrongUsage;
+    }
+    std::ostringstream help;
+    app.exit(problem, help, help);
     print(help.str());
-    printError(complaint.str());
-    return asked ? kNoFailure : kWrongUsage;
+    return kNoFailure;
   }
   return session.worst;
 }

@@ -139,13 +139,15 @@ void Emitter::stroke(const std::vector<PNT_2D>& points, bool closed) {
 bool Emitter::arc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
   const bool near = isNear(center) && isNear({radius, startRad}) && isNear(sweepRad);
   if (!spend(kPointsPerArc) || !near || !admit()) return true;
+  if (!m_painter.arc(center, radius, startRad, sweepRad)) {
+    --m_result.emitted;
+    return false;
+  }
   // On a page, a curve takes twice as long as the chords that it is worth.
   const double length = std::min(std::fabs(radius * sweepRad), 4 * m_longest);
   charge(m_pixelsPerPoint > 0 ? length * kPixelsPerChainLength / m_pixelsPerPoint
                               : static_cast<double>(kPointsPerArc));
-  if (m_painter.arc(center, radius, startRad, sweepRad)) return true;
-  --m_result.emitted;
-  return false;
+  return true;
 }
 
 void Emitter::fill(const std::vector<PNT_2D>& points, const std::vector<std::size_t>& ends,

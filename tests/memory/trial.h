@@ -36,8 +36,9 @@ class DrawingTrial : public Trial {
 
 using TrialMaker = std::function<std::unique_ptr<Trial>()>;
 
-/// Makes every allocation of the call fail, alone and together with all that follow. A call that
-/// fails leaves everything as it was, and succeeds the next time; nothing is leaked.
+/// Makes allocations of the call fail, alone and together with all that follow: some, evenly
+/// spread, or each one if VEK0_EVERY_ALLOCATION is set. A call that fails leaves everything as it
+/// was, and succeeds the next time; nothing is leaked.
 void failEachAllocation(const std::string& name, const TrialMaker& make);
 
 }  // namespace vek0::test

@@ -5,7 +5,10 @@
 #include "dxf/in/recordreader.h"
 
 #include <algorithm>
+#include <cctype>
+#include <cstdint>
 #include <iterator>
+#include <limits>
 #include <string>
 
 #include "dxf/in/coordinate.h"
@@ -29,6 +32,17 @@ constexpr long kExtrusionZ = 230;  // exactly 1 if the other two are 0
 bool isTransparent(long value) {
   constexpr long byValue = 2, opaque = 255;
   return value >> 24 == byValue && (value & opaque) != opaque;
+}
+
+// Whether the value is a handle that can be kept: positive, and with a successor for the seed.
+bool isHandle(std::string_view bytes) {
+  constexpr std::size_t mostDigits = 16;
+  constexpr auto most = static_cast<std::uint64_t>(std::numeric_limits<vek0::Handle>::max());
+  const bool isHex = !bytes.empty() && std::all_of(bytes.begin(), bytes.end(), [](unsigned char c) {
+    return std::isxdigit(c);
+  });
+  bytes.remove_prefix(std::min(bytes.find_first_not_of('0'), bytes.size()));
+  return isHex && bytes.size() <= mostDigits && parseHex(bytes) < most;
 }
 
 // Whether dropping the current pair changes an entity: thickness, linetype scale, visibility, line
@@ -123,7 +137,7 @@ void RecordReader::take(long code) {
 
 void RecordReader::takeHandle() {
   if (!m_context.semantor.shouldRespectHandles()) return;
-  if (isTolerant() && lexer().getBytes().empty()) return note(ReportCode::NumberReplaced);
+  if (isTolerant() && !isHandle(lexer().getBytes())) return note(ReportCode::NumberReplaced, u"5");
   m_record.handle = lexer().getHex();
 }
 

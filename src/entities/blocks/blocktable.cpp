@@ -104,11 +104,8 @@ int CBlockTable::Redefine(CBlock* block, const PNT_3D& base, long flags,
 }
 
 void CBlockTable::setMemento(CBlock* block, const CBlockMemento& memento) {
-  if (!holds(block)) return;
-  block->removeBlock(m_gestor);
-  block->setMemento(memento);
-  block->insertBlock(m_gestor);
-  m_graph->updateBlock(*block);
+  CBlockMemento copy(memento);
+  exchange(block, copy);
 }
 
 void CBlockTable::exchange(CBlock* block, CBlockMemento& memento) {

@@ -46,6 +46,9 @@ TEST(Losses, AreToldUnlessNothingIsLost) {
   expectCount("on paper", 1, entities(line + "67 1"));
   expectCount("flags replaced", 0, entities("0 INSERT|8 A|2 B|10 0|20 0|70 -1"));
   expectCount("number replaced", 1, entities("0 INSERT|8 A|2 B|10 0|20 0|70 -1"));
+  expectCount("number replaced", 0, entities(line + "5 00007FFFFFFFFFFFFFFE"));
+  for (const char* handle : {"7FFFFFFFFFFFFFFF", "12345678901234567", "FFFFFFFFFFFFFFFF"})
+    expectCount("number replaced", 1, entities(line + "5 " + handle));
   expectCount("gradient dropped", 0, entities(hatch + "0"));
   expectCount("gradient dropped", 1, entities(hatch + "1"));
   expectCount("text background dropped", 1, entities("0 MTEXT|8 A|1 T|10 0|20 0|40 1|90 1"));
