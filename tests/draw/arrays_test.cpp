@@ -40,14 +40,14 @@ TEST(Arrays, CellsThatLieOnEachOtherAreDrawnOnce) {
   EXPECT_EQ(scene.draw().things.size(), 7U);
 }
 
-// A file says a billion as easily as it says ten.
+// A few bytes in a file can declare an array of a billion cells.
 TEST(Arrays, CellsOutsideTheWindowCostNothing) {
   for (const Row& t : rows()) {
     Scene scene;
     CEntInsert* array =
         arrayOf(scene, *unitBlock(scene), t.real("rotation"), t.whole<long>("columns"),
                 t.whole<long>("rows"), t.real("columnSpacing"), 10);
-    // The middle of the array in the middle of the window.
+    // Moves the middle of the array to the middle of the window.
     PNT_3D middle;
     CEntInsertMatrix(1, *array, t.whole<long>("rows") / 2, t.whole<long>("columns") / 2)
         .transform(PNT_3D(0, 0, 0), middle);
@@ -60,7 +60,7 @@ TEST(Arrays, CellsOutsideTheWindowCostNothing) {
   }
 }
 
-// Against a look at every cell.
+// Compares the search with a test of every cell.
 TEST(Arrays, TheCellsThatAreMetAreFound) {
   std::mt19937 random(5);
   const auto number = [&](double reach) {

@@ -1,4 +1,4 @@
-// Drawings of a few lines that unfold to more than anybody can see.
+// Small files that expand to far more geometry than anyone can see.
 
 #include "recorder.h"
 #include "support/test.h"
@@ -7,7 +7,7 @@ using namespace vek0::test;
 
 namespace {
 
-constexpr long kMost = 32767;  // cells each way
+constexpr long kMost = 32767;  // cells in each direction
 
 struct Maker {
   Scene scene;
@@ -30,7 +30,7 @@ struct Maker {
 
 using Make = std::function<CEnt*(Maker&)>;
 
-// Two inserts of each level in the next.
+// Each level inserts the previous one twice.
 Make doubled(int levels, double step, double growth) {
   return [=](Maker& m) {
     CBlock* block = m.line(900, 500);
@@ -41,7 +41,7 @@ Make doubled(int levels, double step, double growth) {
   };
 }
 
-// Marks the places, in cells of that size, on which a picture has ink.
+// The cells of a grid, `cell` units wide, in which a picture has ink.
 class Ink {
  public:
   Ink(const Recorder& picture, double cell) : m_cell(cell) {
@@ -57,7 +57,7 @@ class Ink {
     }
   }
 
-  /// Of the places on which another picture has ink, how many have none here or beside.
+  /// Number of cells with ink in `other` that have none here, nor in any neighboring cell.
   std::size_t missing(const Ink& other) const {
     std::size_t count = 0;
     for (const auto& [x, y] : other.m_cells) {
@@ -91,7 +91,7 @@ TEST(Coarse, TheCostFollowsTheWindow) {
   const struct {
     const char* name;
     Make make;
-    std::size_t most;  // things
+    std::size_t most;  // recorded items
     Thing::Kind kind;
   } cases[] = {
       {"an array", [](Maker& m) { return m.array(*m.line(.01, .01), kMost, kMost, .02, .02); }, 1,
@@ -142,7 +142,7 @@ TEST(Coarse, TheCostFollowsTheWindow) {
   }
 }
 
-// What cannot be shown coarsely either is cut; what lies outside of inserts never is.
+// Content of inserts is cut when even its coarse form costs too much; entities outside are not.
 TEST(Coarse, TheEffortIsBounded) {
   for (const bool isSpread : {false, true}) {
     Maker maker;
@@ -156,7 +156,7 @@ TEST(Coarse, TheEffortIsBounded) {
   }
 }
 
-// Whatever is left out or replaced, ink is where it was.
+// Whatever is omitted or simplified, the ink stays where it was.
 TEST(Coarse, ShowsTheSameInk) {
   std::mt19937 random(7);
   const auto number = [&](double from, double to) {
@@ -187,7 +187,7 @@ TEST(Coarse, ShowsTheSameInk) {
   EXPECT_GT(coarse, 5);
 }
 
-// A dot stands for the first thing that can be seen.
+// A dot represents the first visible entity of the content.
 TEST(Coarse, DotsLookLikeWhatTheyStandFor) {
   const struct {
     const char* name;
@@ -248,7 +248,8 @@ TEST(Coarse, DotsLookLikeWhatTheyStandFor) {
   }
 }
 
-// What lies on itself is drawn once, unless it looks otherwise or was covered meanwhile.
+// Identical content in the same place is drawn once, unless its properties differ or something else
+// was drawn over it in between.
 TEST(Coarse, WhatWasCoveredIsDrawnAgain) {
   Maker m;
   CBlock* block = m.block({m.scene.unit(nullptr, nullptr, 0)});
@@ -274,7 +275,7 @@ TEST(Coarse, WhatWasCoveredIsDrawnAgain) {
   EXPECT_EQ(kinds, "red yellow fill yellow ");
 }
 
-// The effort grows with what a file holds: only what is shown a hundred times is too much.
+// The permitted effort grows with the file: only what is drawn a hundred times over is too much.
 TEST(Coarse, LargeBlocksAreDrawnAsTheyAre) {
   Maker m;
   std::vector<CEnt*> ents;
@@ -297,14 +298,14 @@ std::vector<PNT_3D> squareOf(double side) {
   return {{0, 0, 0}, {side, 0, 0}, {side, side, 0}, {0, side, 0}};
 }
 
-// A hatch of horizontal lines that far apart.
+// A square hatch of horizontal lines, `apart` units from each other.
 CEntHatch* lines(Maker& m, double apart, double side) {
   const HATCH_TYPE& type = *getHatch(u"LINE");
   return createEntHatch(*m.scene.data, type, apart / std::fabs(type.lines[0].dy), 0, squareOf(side),
                         0);
 }
 
-// The same as a file has it that asked for too many lines.
+// The same hatch without its lines, as when a file requests too many.
 CEntHatch* lineless(Maker& m, double apart, double side) {
   CEntHatch* hatch = lines(m, apart, side);
   hatch->getBlock()->disposeEntities();
@@ -320,7 +321,7 @@ void dashes(Maker& m, int count) {
 
 }  // namespace
 
-// Hatches and dashes become plain only when there are too many and they are too fine.
+// Hatches and dashes are simplified only if they are both too many and too fine.
 TEST(Coarse, WhatIsTooFineBecomesPlain) {
   const struct {
     const char* name;
@@ -359,7 +360,7 @@ TEST(Coarse, WhatIsTooFineBecomesPlain) {
   }
 }
 
-// A wide ring of radius 100 about (500, 500), 350 times around.
+// A wide circular band of radius 100 about (500, 500) that goes around 350 times.
 TEST(Coarse, ArcsKeepWithinADetail) {
   for (const bool isDashed : {false, true}) {
     SCOPED_TRACE(isDashed);

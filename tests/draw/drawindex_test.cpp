@@ -7,7 +7,7 @@ using vek0::detail::kPi;
 
 namespace {
 
-// A drawing of all kinds over ten thousand units, and edits of it.
+// A drawing with all kinds of entities across ten thousand units, and random edits of it.
 class Draughtsman {
  public:
   explicit Draughtsman(unsigned seed) : m_random(seed) {
@@ -52,7 +52,7 @@ class Draughtsman {
     m_ents.clear();
   }
 
-  /// A block with so many entities that it is worth a tree, and the other block in it.
+  /// A block large enough to get a tree, which also inserts the other block.
   void addLargeBlock() {
     std::vector<CEnt*> ents;
     for (int i = 0; i < 1000; ++i) ents.push_back(make());
@@ -83,7 +83,7 @@ class Draughtsman {
     data().getEntTable().recalcBdry();
   }
 
-  // A window of that size somewhere.
+  // Moves the window to a random place, `size` units wide.
   void look(double size) {
     const double x = number(-1000, 11000), y = number(-1000, 11000);
     scene.window.set(x, y, x + size, y + size);
@@ -154,7 +154,7 @@ class Draughtsman {
     switch (below(4)) {
       case 0:
         return ent->accept(mover);
-      case 1:  // to the top
+      case 1:  // drawn last, hence on top
         data().getEntTable().remove(ent);
         data().getEntTable().add(ent);
         return;
@@ -191,7 +191,7 @@ std::unique_ptr<IProjector> anyView(Draughtsman& author) {
   }
 }
 
-// Whether the box of a stroke, an arc or a fill comes into the window.
+// Whether the bounding box of a stroke, an arc or a fill meets the window.
 bool isNear(const Thing& thing, const RECT_2D& window) {
   std::vector<PNT_2D> points = thing.points;
   if (thing.kind == Thing::Arc) {
@@ -210,7 +210,7 @@ bool isNear(const Thing& thing, const RECT_2D& window) {
 
 }  // namespace
 
-// The index against a walk through everything, over random windows and edits.
+// Compares the index with a full walk, over random windows and edits.
 TEST(DrawIndex, EmitsWhatAFullWalkEmits) {
   for (unsigned seed = 0; seed < 4; ++seed) {
     Draughtsman author(seed);
@@ -264,7 +264,7 @@ TEST(DrawIndex, AFrameLooksAtLittleMoreThanItShows) {
   }
 }
 
-// A box too large to be mapped tells nothing of its neighbors.
+// A box too large to be indexed must not hide its neighbors.
 TEST(DrawIndex, HugeEntitiesHideNothing) {
   Scene scene;
   for (int i = 0; i < 100; ++i) scene.line(i * 100, 0, i * 100 + 50, 50);
@@ -281,7 +281,7 @@ TEST(DrawIndex, HugeEntitiesHideNothing) {
   }
 }
 
-// Nobody asks for the extents of the outer block between the two edits.
+// Nothing reads the extents of the outer block between the two edits.
 TEST(DrawIndex, EditsOfBlocksWithinBlocksAreHeardOf) {
   Scene scene;
   CBlock* inner = scene.block(u"INNER", {scene.unit(nullptr, nullptr, 1)});
@@ -304,7 +304,7 @@ TEST(DrawIndex, EditsOfBlocksWithinBlocksAreHeardOf) {
   EXPECT_EQ(recorder.things.size(), 1U);
 }
 
-// A drawing that is one block is as quick as one that is none.
+// A drawing in a single block is as fast as the same entities in model space.
 TEST(DrawIndex, LargeBlocksAreLookedAtWhereTheWindowIs) {
   Scene scene;
   std::vector<CEnt*> ents;
@@ -331,7 +331,7 @@ TEST(DrawIndex, EditsDoNotMakeItLookAtEverything) {
     author.look(200);
     Recorder recorder;
     const DRAW_RESULT result = index.draw(CPOProjector(), author.scene.window, recorder);
-    EXPECT_LE(result.looked, 6000U);  // fixed inserts are one in nine
+    EXPECT_LE(result.looked, 6000U);  // one insert in nine is fixed
   }
 }
 
@@ -353,12 +353,12 @@ TEST(DrawIndex, TwoIndexesOfADrawingAndNoneAfterwards) {
   }
   drawData(author.data(), CPOProjector(), author.scene.window, walked);
   expectSame(first, walked);
-  author.editSome(50);  // nobody listens any more
+  author.editSome(50);  // no index is registered any more
   author.removeSome(50);
 }
 
-// What comes into the window when everything is drawn is drawn for the window too. The
-// pen's reach is left out: painters clip.
+// Whatever meets the window when everything is drawn must also be drawn for the window alone. The
+// pen's width is not considered, because painters clip.
 TEST(Culling, NothingThatMeetsTheWindowIsMissing) {
   for (unsigned seed = 10; seed < 14; ++seed) {
     Draughtsman author(seed);

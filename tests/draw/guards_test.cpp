@@ -1,4 +1,4 @@
-// Numbers and structures that no draughtsman draws.
+// Extreme numbers and structures that occur only in malformed or hostile files.
 
 #include "recorder.h"
 #include "support/test.h"
@@ -7,7 +7,7 @@ using namespace vek0::test;
 
 namespace {
 
-// Whatever a painter multiplies.
+// Whether all numbers are finite, and their squares: painters multiply them.
 bool isFinite(const Thing& thing) {
   for (const PNT_2D& p : thing.points)
     if (!std::isfinite(p.x * p.x) || !std::isfinite(p.y * p.y)) return false;
@@ -15,7 +15,7 @@ bool isFinite(const Thing& thing) {
          std::isfinite(thing.sweep);
 }
 
-// One of each kind about that point, of that size.
+// One entity of each kind at (`at`, `at`), `size` units large.
 void addAllKinds(Scene& scene, double at, double size) {
   const PNT_3D p(at, at, 0), q(at + size, at + size, 0);
   CLtype* dashed = scene.ltype(u"D", {10, -5});
@@ -102,7 +102,7 @@ TEST(Guards, PointsAndLettersAreCountedToo) {
   }
 }
 
-// Where maps lie. A pixel here is as wide as the coordinates are exact, times a thousand.
+// Coordinates of maps. A pixel is about a thousand times as wide as their resolution.
 TEST(Guards, FarFromTheOriginThingsStayWhereTheyAre) {
   const double far = 5e6, side = 1e-3;
   const CPOProjector plan;
@@ -112,7 +112,7 @@ TEST(Guards, FarFromTheOriginThingsStayWhereTheyAre) {
        std::initializer_list<const IProjector*>{&plan, &turned, &turnedHere, &askew}) {
     Scene scene;
     scene.line(far, far, far + side, far + side);
-    // The same line from a block that has such coordinates as well.
+    // The same line in a block whose coordinates are as large.
     CBlock* block = scene.block(
         u"B", {createEntLine(*scene.data, LINE_3D(far, far, 0, far - side, far - side, 0), 0)});
     scene.add(scene.insert(*block, 2 * far, 2 * far, -1, -1));
@@ -131,7 +131,7 @@ TEST(Guards, FarFromTheOriginThingsStayWhereTheyAre) {
   }
 }
 
-// Thirty levels of two inserts each are a thousand million lines, each at a place of its own.
+// Thirty levels of two inserts each yield 10^9 lines, each in a different place.
 TEST(Guards, NestsThatGrowWithoutBoundsAreCut) {
   for (const bool isEmpty : {false, true}) {
     Scene scene;

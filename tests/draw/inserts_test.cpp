@@ -1,4 +1,4 @@
-// What entities of blocks take over from the inserts around them.
+// Properties that entities of blocks inherit from the enclosing inserts.
 
 #include "recorder.h"
 #include "support/test.h"
@@ -11,7 +11,7 @@ constexpr short kByBlock = 0, kByLayer = 256;
 constexpr RGB_COLOR kRed{255, 0, 0}, kYellow{255, 255, 0}, kGreen{0, 255, 0}, kBlue{0, 0, 255},
     kBlack{0, 0, 0};
 
-// A line in a block in a block. "INNER" is green, "OUTER" blue, "OWN" yellow.
+// A line in a block within a block. "INNER" is green, "OUTER" blue, "OWN" yellow.
 struct Nest {
   Nest() {
     own = scene.layer(u"OWN", 2);
@@ -105,7 +105,7 @@ TEST(Inserts, AHatchHidesWithItsLayer) {
   EXPECT_FALSE(scene.draw().things.empty());
 }
 
-// Linetypes follow the rules of colors.
+// Linetypes are inherited by the same rules as colors.
 TEST(Inserts, LinetypesComeFromOutside) {
   enum Which { None, ByLayer, ByBlock, Dashed };
   const Definitions names{
@@ -165,8 +165,8 @@ TEST(Inserts, VisibleDefinitionsShowTheirTagOutsideOfBlocksOnly) {
   EXPECT_EQ(drawn.things[0].string, "TAG");
 }
 
-// Drawing a nest of blocks gives what drawing the entities themselves gives that stand
-// where the nested placements put them.
+// Drawing nested blocks is the same as drawing their entities at the places that the product of the
+// inserts' matrices puts them.
 TEST(Inserts, NestedPlacementsAreTheProductOfTheirs) {
   std::mt19937 random(8);
   const auto number = [&](double low, double high) {
@@ -210,8 +210,8 @@ TEST(Inserts, FixedOnesKeepTheirSizeOnTheDisplay) {
   }
 }
 
-// A clipped insert in a turned and scaled one: what the boundary hides is not emitted, and the
-// boundary lies where the content that it was drawn around lies.
+// A clipped insert inside a rotated and scaled one: hidden content is not emitted, and the boundary
+// moves with the content.
 TEST(Inserts, ClipsArePlacedLikeTheirContent) {
   Scene scene;
   CBlock* content = scene.data->getBlockFactory().create(u"C", PNT_3D(3, 4, 0), 0);
@@ -220,7 +220,7 @@ TEST(Inserts, ClipsArePlacedLikeTheirContent) {
   scene.data->getBlockTable().add(content);
   CEntInsert* clipped = scene.insert(*content, 5, 6, 2, 3, 0.5);
   auto clip = std::make_shared<INSERT_CLIP>();
-  clip->boundary = {PNT_2D(20, 0), PNT_2D(40, 0), PNT_2D(40, 8)};  // corners are ends of lines
+  clip->boundary = {PNT_2D(20, 0), PNT_2D(40, 0), PNT_2D(40, 8)};  // corners lie on ends of lines
   clipped->setClip(clip);
   scene.add(scene.insert(*scene.block(u"OUTER", {clipped}), 300, 300, -1.5, 1, 1));
   const Recorder clipping = scene.draw();

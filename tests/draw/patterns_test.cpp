@@ -1,4 +1,4 @@
-// Linetypes along what is drawn.
+// Linetypes along lines, polylines, arcs and circles.
 
 #include "recorder.h"
 #include "support/test.h"
@@ -22,7 +22,7 @@ double lengthOfAll(const Recorder& drawn) {
   return sum;
 }
 
-// How much of [0, way) the dashes cover.
+// Length of [0, `way`) that dashes cover.
 double covered(const std::vector<double>& dashes, double way) {
   double sum = 0, at = 0;
   for (std::size_t i = 0; at < way; i = (i + 1) % dashes.size()) {
@@ -80,7 +80,8 @@ TEST(Patterns, DashesOfCurvesAddUp) {
   }
 }
 
-// Either along the whole, or from each corner on. An arc has no corners within.
+// The pattern either continues along the whole polyline or restarts at each vertex; arcs have no
+// vertices of their own.
 TEST(Patterns, PolylinesGoOnOrBeginAnew) {
   const double quarter = std::tan(kPi / 8);
   const std::vector<BULGED_VERTEX> way = {{100, 100, 0, 0, 0, 0, 0},
@@ -105,7 +106,7 @@ TEST(Patterns, PolylinesGoOnOrBeginAnew) {
   }
 }
 
-// Dashes and gaps follow each other without a break over corners.
+// Dashes and gaps continue across corners without a break.
 TEST(Patterns, ThePhaseGoesOnOverCorners) {
   std::mt19937 random(3);
   std::uniform_real_distribution<> coordinate(0, 1000);
@@ -145,7 +146,7 @@ TEST(Patterns, TooFineOnesAreDrawnThrough) {
   EXPECT_EQ(scene.draw().things.size(), 1U);
 }
 
-// Only what the window shows of a line is worth laying, with the dashes where they are.
+// Only the visible part of a line gets dashes, at the same places as in the whole line.
 TEST(Patterns, DashesOutsideTheWindowCostNothing) {
   Scene scene;
   CLtype* ltype = scene.ltype(u"D", {10, -5});
@@ -160,8 +161,7 @@ TEST(Patterns, DashesOutsideTheWindowCostNothing) {
   EXPECT_TRUE(found);
 }
 
-// What the window shows of dashes is the same whether they were laid for it or for a
-// window that shows all.
+// The visible dashes are the same, whether the line was clipped to this window or drawn whole.
 TEST(Patterns, CuttingTheWayMovesNoDash) {
   std::mt19937 random(11);
   std::uniform_real_distribution<> coordinate(-3000, 4000);
@@ -173,7 +173,7 @@ TEST(Patterns, CuttingTheWayMovesNoDash) {
       way.push_back({coordinate(random), coordinate(random), 0, 0, 0, 0, 0});
     polyline(scene, 128, way, ltype);
     const Recorder cut = scene.draw();
-    // The same scale on a device that holds everything: 3000 pixels more each way.
+    // The same scale on a device that shows everything: 3000 pixels more on each side.
     scene.window = CWndVpt(1);
     scene.window.resize(7001, 7001);
     scene.window.set(-3000, -3000, 4000, 4000);
@@ -214,7 +214,7 @@ TEST(Patterns, WideDashesAreFilled) {
   }
 }
 
-// The middle of the line is outside, but half its width is not.
+// The center line is outside the window, but half of the width reaches into it.
 TEST(Patterns, WideDashesThatReachIntoTheWindowAreSeen) {
   Scene scene;
   CLtype* ltype = scene.ltype(u"D", {100, -100});
@@ -231,7 +231,7 @@ TEST(Patterns, TextsStandAlongTheWay) {
   dashes.AddDashDouble(-10);
   addLtype(*scene.data, scene.data->getLtypeFactory().create(u"GAS", u"", dashes, 0));
   scene.data->getVars().setLtypeScale(2);
-  // Straight up: along is y, left is -x.
+  // Straight up: the line's direction is +y, its left is -x.
   scene.line(100, 100, 100, 250)->setLtype(getLtype(*scene.data, u"GAS"));
   const Recorder drawn = scene.draw();
   ASSERT_EQ(drawn.count(Thing::Text), 2U);
@@ -239,12 +239,12 @@ TEST(Patterns, TextsStandAlongTheWay) {
   const Thing& text = drawn.things[1];
   EXPECT_EQ(text.string, "GAS");
   EXPECT_LT(text.points[0].dist(seen(100 - 2, 140 - 6)), 1e-9);
-  // A quarter turn in a line that goes up: to the left.
+  // A text rotated by 90 degrees in a line that goes up points left.
   EXPECT_NEAR(text.matrix.a, -8, 1e-9);
   EXPECT_NEAR(text.matrix.b, 0, 1e-9);
 }
 
-// The line is outside, but its letters are not.
+// The line is outside the window, but its glyphs reach into it.
 TEST(Patterns, TextsThatReachIntoTheWindowAreSeen) {
   Scene scene;
   CLtypeComplexDashSeq dashes;

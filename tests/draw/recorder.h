@@ -11,12 +11,12 @@ inline std::ostream& operator<<(std::ostream& out, const PNT_2D& p) {
 
 namespace vek0::test {
 
-/// One thing that a painter was given.
+/// One call that a painter received.
 struct Thing {
   enum Kind { Stroke, Arc, Fill, Dot, Text } kind;
-  std::vector<PNT_2D> points;     ///< of an arc the center, of a text the start of its line
-  std::vector<std::size_t> ends;  ///< of the rings of a fill
-  FillRule rule{};                ///< likewise
+  std::vector<PNT_2D> points;     ///< center of an arc, start of a text's baseline
+  std::vector<std::size_t> ends;  ///< ends of the rings of a fill, as indices into `points`
+  FillRule rule{};                ///< of a fill
   bool closed = false;
   double radius = 0, start = 0, sweep = 0;
   std::string string;
@@ -32,7 +32,7 @@ struct Thing {
   }
 };
 
-/// Writes down what it is given.
+/// Records the calls that it receives.
 class Recorder : public IPainter {
  public:
   explicit Recorder(bool hasArcs = true) : m_hasArcs(hasArcs) {}
@@ -85,7 +85,7 @@ class Recorder : public IPainter {
 
   std::vector<Thing> things;
   std::vector<std::vector<PNT_2D>> clips;
-  std::size_t popped = 0;  // of them
+  std::size_t popped = 0;  // number of clips removed again
   bool canClip = true;
 
  private:
@@ -103,8 +103,8 @@ class Recorder : public IPainter {
   DrawItem m_item;
 };
 
-/// A drawing, and what a window of 1000 by 1000 units shows of it: one pixel a unit, so
-/// that (x, y) is seen at (x, 1000 - y).
+/// A drawing and a window of 1000 by 1000 units with one pixel per unit: (x, y) appears at (x, 1000
+/// - y).
 struct Scene {
   Scene() : data(CDataFactory().createData()), window(1) {
     window.resize(1001, 1001);
@@ -139,7 +139,7 @@ struct Scene {
                      double rotation = 0) {
     return createEntInsert(*data, of, PNT_3D(x, y, 0), sx, sy, 1, rotation, 1, 1, 0, 0, 0);
   }
-  /// A unit line from the block's origin along x, on that layer with those properties.
+  /// A line of length 1 along x from the block's origin, with these properties.
   CEntLine* unit(CLayer* layer, CLtype* ltype, short color) {
     return createEntLine(*data, layer, ltype, color, LINE_3D(0, 0, 0, 1, 0, 0), 0);
   }
@@ -155,7 +155,7 @@ struct Scene {
   DRAW_RESULT result;
 };
 
-/// Where the window of a scene shows a point.
+/// The device coordinates of a point of a scene.
 inline PNT_2D seen(double x, double y) { return {x, 1000 - y}; }
 
 }  // namespace vek0::test

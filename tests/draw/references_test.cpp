@@ -7,7 +7,7 @@ using namespace vek0::test;
 
 namespace {
 
-// A frame of the index, which has to be what a full walk draws.
+// Draws a frame with the index and checks that a full walk draws the same.
 std::size_t shownBy(CDrawIndex& index, const CData& data) {
   CWndVpt window(1);
   window.resize(501, 501);
@@ -23,7 +23,7 @@ std::size_t shownBy(CDrawIndex& index, const CData& data) {
 
 }  // namespace
 
-// An index that lives through the whole life of a reference.
+// One index, kept while a reference is attached, reloaded and detached.
 TEST(DrawIndex, FollowsReferences) {
   vek0::test::Sheet sheet = vek0::test::siteSheet();
   CData& data = sheet.data();

@@ -1,4 +1,4 @@
-// Kinds of entities, each as a painter gets it.
+// The geometry that painters receive for each kind of entity.
 
 #include "recorder.h"
 #include "support/test.h"
@@ -14,7 +14,7 @@ CEntPolyline* polyline(Scene& scene, bool closed, const std::vector<BULGED_VERTE
   return scene.add(made);
 }
 
-// Twice the area of all rings, signs left.
+// Twice the signed area of all rings.
 double doubleArea(const Thing& fill) {
   double sum = 0;
   std::size_t first = 0;
@@ -28,7 +28,7 @@ double doubleArea(const Thing& fill) {
   return sum;
 }
 
-// How often the rings of a fill run around a point.
+// Winding number of a fill's rings about a point.
 int windings(const Thing& fill, const PNT_2D& p) {
   int turns = 0;
   std::size_t first = 0;
@@ -56,7 +56,7 @@ std::vector<PNT_3D> square(double x, double y, double side) {
   return {{x, y, 0}, {x + side, y, 0}, {x + side, y + side, 0}, {x, y + side, 0}};
 }
 
-// Whether a stroke runs over a point.
+// Whether a stroke passes through a point.
 bool runsOver(const Thing& stroke, const PNT_2D& p) {
   const PNT_2D &a = stroke.points.front(), &b = stroke.points.back();
   return std::fabs(a.dist(p) + p.dist(b) - a.dist(b)) < 1e-6;
@@ -77,7 +77,7 @@ TEST(Shapes, PointsAreDotsAndLinesAreStrokes) {
   EXPECT_LT(drawn.things[1].points[1].dist(seen(30, 40)), 1e-9);
 }
 
-// A size of 0 is 5 percent of the window, one below 0 as many as it says.
+// A size of 0 means 5 percent of the window; a negative size is a percentage of it.
 TEST(Shapes, PointsLookAsTheDrawingSays) {
   for (const Row& t : rows()) {
     Scene scene;
@@ -98,7 +98,7 @@ TEST(Shapes, PointsLookAsTheDrawingSays) {
   }
 }
 
-// Those of patterns are dots without a size, those of dimensions belong to the screen.
+// Points of patterns are dots without a size; points of dimensions are not shown.
 TEST(Shapes, PointsThatAreNoEntitiesOfTheirOwn) {
   Scene scene;
   scene.data->getVars().setPointMode(3);
@@ -112,7 +112,7 @@ TEST(Shapes, PointsThatAreNoEntitiesOfTheirOwn) {
   EXPECT_EQ(drawn.things[0].radius, 0);
 }
 
-// Device angles run clockwise, for y grows downwards there.
+// Device angles run clockwise, because y points down.
 TEST(Shapes, ArcsStartAndEndWhereTheyDo) {
   for (const Row& t : rows()) {
     Scene scene;
@@ -152,13 +152,13 @@ TEST(Shapes, ChordsStayNearTheirCurve) {
   EXPECT_LT(points.front().dist(points.back()), 1e-9);
   for (std::size_t i = 1; i < points.size(); ++i) {
     const PNT_2D middle((points[i].x + points[i - 1].x) / 2, (points[i].y + points[i - 1].y) / 2);
-    // In the circle's own measure the chord is as near at least.
+    // The chord is at least as close in the circle's own coordinates.
     const double own = std::hypot((middle.x - 500) / 3, middle.y - 500);
     EXPECT_LE(100 - own, 0.25 + 1e-9);
   }
 }
 
-// Those that fold have no room for the corners of their sides.
+// In folded segments the corners of the sides have no room.
 TEST(Shapes, WidthsCoverWhatTheirSegmentsDo) {
   const auto at = [](double x, double y, double width, double bulge = 0) {
     return BULGED_VERTEX{x, y, 0, width, width, bulge, 0};
@@ -224,7 +224,7 @@ TEST(Shapes, WidthsCoverEverySegmentWhateverItsNeighbours) {
   }
 }
 
-// An arrow is often a polyline whose shaft has no width.
+// Arrows are often polylines whose shaft has no width.
 TEST(Shapes, SegmentsWithoutWidthAmongWideOnesAreStrokes) {
   Scene scene;
   polyline(scene, false,
@@ -240,7 +240,7 @@ TEST(Shapes, SegmentsWithoutWidthAmongWideOnesAreStrokes) {
   EXPECT_NEAR(std::fabs(doubleArea(drawn.things[1])) / 2, 200, 1e-9);
 }
 
-// Where a stroke or an arc starts and ends.
+// Start and end point of a stroke or an arc.
 std::pair<PNT_2D, PNT_2D> ends(const Thing& thing) {
   if (thing.kind != Thing::Arc) return {thing.points.front(), thing.points.back()};
   const auto at = [&](double angle) {
@@ -250,8 +250,8 @@ std::pair<PNT_2D, PNT_2D> ends(const Thing& thing) {
   return {at(thing.start), at(thing.start + thing.sweep)};
 }
 
-// Straight runs and arcs follow each other from corner to corner, also in a mirror and for
-// painters that have no arcs.
+// Lines and arcs follow each other from vertex to vertex, also when mirrored and for painters
+// without arcs.
 TEST(Shapes, BulgesAreCurves) {
   const std::vector<BULGED_VERTEX> way = {{0, 0, 0, 0, 0, 0, 0},
                                           {50, 0, 0, 0, 0, 0, 0},
@@ -278,7 +278,7 @@ TEST(Shapes, BulgesAreCurves) {
         EXPECT_LT(from.dist(seen(500 + scale * a.x, 500 + a.y)), 1e-9) << i;
         EXPECT_LT(to.dist(seen(500 + scale * b.x, 500 + b.y)), 1e-9) << i;
       }
-      // A half turn to the left of the way up: its middle is 30 to the right.
+      // A half circle of radius 30: it turns left while the polyline runs up, so it bulges right.
       const Thing& half = drawn.things[1];
       const PNT_2D middle(500 + scale * 80, 1000 - 530);
       for (const PNT_2D& p : half.points)
@@ -294,7 +294,7 @@ TEST(Shapes, FacesShowTheirVisibleEdges) {
     scene.add(createEnt3DFace(*scene.data, PNT_3D(0, 0, 0), PNT_3D(100, 0, 0), PNT_3D(100, 100, 0),
                               PNT_3D(t.real("lastX"), 100, 0), t.whole<long>("flags"), 0));
     EXPECT_EQ(scene.draw().count(Thing::Stroke), t.count("edges"));
-    if (t.real("lastX") != 0) continue;  // which has a longer edge
+    if (t.real("lastX") != 0) continue;  // such a face has a longer edge
     scene.data->getEntTable().getEntityTbl().front()->setLtype(scene.ltype(u"D", {10, -10}));
     EXPECT_EQ(scene.draw().count(Thing::Stroke), 5 * t.count("edges")) << "each begins anew";
   }
@@ -332,7 +332,7 @@ TEST(Shapes, FilledFacesShowTheirArea) {
   }
 }
 
-// The faces of its block would leave seams.
+// Drawing the faces of its block would leave seams.
 TEST(Shapes, ASolidHatchIsOneFillWithItsHoles) {
   Scene scene;
   const std::vector<PNT_3D> rings =
@@ -380,7 +380,7 @@ TEST(Shapes, ViewsFromTheSideShowHeights) {
   for (const PNT_2D& p : front.things[1].points) EXPECT_NEAR(p.y, seen(0, 300).y, 1e-9);
 }
 
-// Rays and endless lines in arrays of inserts within each other, from the plainest on.
+// Rays and construction lines in nested arrays of inserts, from simple to complex.
 TEST(Endless, LinesCoverTheWindowFromTheirFirstPointOn) {
   std::mt19937 random(1);
   const auto number = [&](double low, double high) {

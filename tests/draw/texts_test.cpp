@@ -9,9 +9,9 @@ using vek0::detail::decodeTextCodes;
 
 namespace {
 
-constexpr double kAdvance = 0.9, kDescent = 1.0 / 3;  // of the default measures
+constexpr double kAdvance = 0.9, kDescent = 1.0 / 3;  // default metrics
 
-// Corner of the text's box by shares of its length and height, in drawing coordinates.
+// The point of the text's box at these fractions of its length and height, in drawing coordinates.
 PNT_2D corner(const Thing& text, double along, double up) {
   const double letters = static_cast<double>(text.string.size());
   const PNT_2D p = text.matrix.apply(along * letters * kAdvance, up);
@@ -29,7 +29,7 @@ Recorder draw(Scene& scene, const zim::WString& string, double oblique, double w
 
 }  // namespace
 
-// The insertion point is that point of the text's box which the justification names.
+// The insertion point is the point of the text's box that the justification names.
 TEST(Texts, AllJustifications) {
   const double along[] = {0, 0.5, 1};
   for (const Row& way : rows()) {
@@ -37,7 +37,7 @@ TEST(Texts, AllJustifications) {
       Scene scene;
       const Recorder drawn = draw(scene, u"abcd", 0, way.real("wide"), way.real("rotate"), i);
       ASSERT_EQ(drawn.things.size(), 1U);
-      const double up[] = {0, 1, 0.5, -kDescent};  // by rows of three: base, top, middle, bottom
+      const double up[] = {0, 1, 0.5, -kDescent};  // three each: base, top, middle, bottom
       EXPECT_LT(corner(drawn.things[0], along[i % 3], up[i / 3]).dist(PNT_2D(500, 500)), 1e-9);
     }
   }
@@ -89,7 +89,7 @@ TEST(Texts, LinesUnderAndOverThem) {
   }
 }
 
-// Centerd is what is read, not what is written.
+// Justification measures the decoded text, without its control codes.
 TEST(Texts, CodesDoNotCountForJustification) {
   Scene scene;
   const Recorder drawn = draw(scene, u"%%uab%%068", 0, 1, 0, 2);
@@ -97,7 +97,7 @@ TEST(Texts, CodesDoNotCountForJustification) {
   EXPECT_LT(corner(drawn.things[0], 1, 0).dist(PNT_2D(500, 500)), 1e-9);
 }
 
-// Accents and overlines reach above the measures of a text.
+// Accents and overlines extend above the text's metrics.
 TEST(Texts, LettersThatReachIntoTheWindowAreSeen) {
   Scene scene;
   scene.add(createEntText(

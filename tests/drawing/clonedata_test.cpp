@@ -25,7 +25,7 @@ void addArcs(CData& data) {
   data.getEntTable().add(polyline);
 }
 
-// Blocks that name each other against their order in the table, with attributes.
+// Blocks that insert blocks later in the table, with attributes.
 void addBlocks(CData& data, CStyle* style) {
   CBlock* outer = data.getBlockFactory().create(u"OUTER", PNT_3D(5, 5, 0), 0);
   data.getBlockTable().add(outer);
@@ -53,7 +53,7 @@ void addReference(CData& data) {
                                              PNT_3D(0, 0, 0), 1, 1, 1, 0, 1, 1, 0, 0, 0x80));
 }
 
-// One of everything that a drawing can hold.
+// A drawing with everything that it can contain.
 Drawing everything() {
   Drawing drawing = newDrawing();
   CData& data = *drawing;
@@ -93,7 +93,7 @@ Drawing everything() {
   return drawing;
 }
 
-// Deleting the source first shows that the copy names nothing of it.
+// The source is deleted before the copy is saved, so a reference to it would be detected.
 TEST(CloneData, TheCopySavesToTheSameFileWhenTheSourceIsGone) {
   Drawing source = everything();
   const std::string before = saved(*source);
@@ -145,7 +145,7 @@ TEST(CloneData, KeepsWhatAFileDoesNot) {
   EXPECT_TRUE(castPolyline(table.get(0x60))->hasArcRuns());
 }
 
-// The copy's counts are right even where the source's have gone astray.
+// Counts in the copy are exact even if those of the source are wrong.
 TEST(CloneData, CountsAnew) {
   Drawing source = everything();
   const Drawing reference = clone(*source);
@@ -187,7 +187,7 @@ TEST(CloneData, FollowsNamesBetweenTheDrawingAndItsReferences) {
   EXPECT_EQ(getLayer(data, u"Y|YL")->getLtype(), getLtype(data, u"X|XT"));
 }
 
-// What refers to nothing, or to something outside the drawing, stays as it is.
+// Null references, and references to objects outside the drawing, are copied unchanged.
 TEST(CloneData, SurvivesGapsAndStrangers) {
   const std::unique_ptr<CBlock> stranger(CBlockFactory().create(u"STRANGER", 0));
   const Drawing source = newDrawing();

@@ -9,7 +9,7 @@ const PNT_3D kPnt(1, 2, 3);
 
 TEXT_3D someText() { return TEXT_3D(u"text", nullptr, 1, 2, 3, 4, 0, 1, 0, 0); }
 
-// A drawing with things to refer to, and items that are not its current ones.
+// A drawing with items to refer to, some of which are not its current ones.
 struct Scene {
   Drawing drawing = newDrawing();
   CData& data = *drawing;
@@ -159,7 +159,7 @@ TEST(CreateEnt, InsertsPassTheirValuesInOrder) {
   }
 }
 
-// The explicit form knows the drawing's record, the current one is handed another.
+// One overload receives the drawing's record explicitly; the other uses the current record.
 TEST(CreateEnt, ReferencesAreCountedOnTheRightRecord) {
   Scene s;
   CBlockXRefDepend other;

@@ -128,8 +128,8 @@ TEST(Data, OwnFontsKeepTheNamesOfFiles) {
   EXPECT_EQ(font->getDescent(), defaultFontMetrics().getDescent());
 }
 
-// Everything at once, in the order that names most: an insert of a block with an
-// attribute, on a layer with a linetype whose pattern has a text of a style.
+// Contains the deepest chain of uses: an insert of a block with an attribute, on a layer with a
+// linetype whose pattern contains a text in a style.
 TEST(Data, IsTakenApartUsersFirst) {
   Drawing drawing = newDrawing();
   CData& data = *drawing;
@@ -152,7 +152,7 @@ TEST(Data, IsTakenApartUsersFirst) {
   deleteData(nullptr);
 }
 
-// No order of tables is right here.
+// No order of deleting whole tables would work here.
 TEST(Data, IsTakenApartThoughReferencesAndDrawingNameEachOther) {
   const Drawing drawing = newDrawing();
   CData& data = *drawing;

@@ -27,7 +27,7 @@ inline CStyle* addedStyle(CData& data, const zim::WString& name) {
   return getStyle(data, name);
 }
 
-/// A block that holds one line.
+/// Adds a block that contains one line.
 inline CBlock* addedBlock(CData& data, const zim::WString& name) {
   CBlock* block = data.getBlockFactory().create(name, PNT_3D(1, 2, 0), 0);
   block->add(createEntLine(data, LINE_3D(0, 0, 0, 10, 5, 0), 0));
@@ -60,8 +60,8 @@ inline void addDependentLayer(CData& data, CBlockXRef& xref, const zim::WString&
   xref.getLayerTable().add(data.getLayerFactory().createXRef(xref, name, ltype, 1, 0));
 }
 
-/// The drawing and its references "X" and "Y" name linetypes and styles of each other, in
-/// every direction that there is.
+/// Lets the drawing and its references "X" and "Y" name linetypes and styles of each other, in
+/// every possible direction.
 inline void addCrossNames(CData& data) {
   CBlockXRef& x = *addedXRef(data, u"X");
   CBlockXRef& y = *addedXRef(data, u"Y");
@@ -78,13 +78,13 @@ inline void addCrossNames(CData& data) {
   addDependentLayer(data, y, u"YL", ofX);
 }
 
-/// The drawing as other programs would read it.
+/// The drawing in exchange form.
 inline std::string saved(const CData& data) {
   CFileMemory file(u"out.dxf", IFile::kWrite);
   return SaveDXF(data, file, kSaveExchange) ? file.bytes() : std::string();
 }
 
-/// Every use count of the drawing, by table and position.
+/// All use counts of the drawing, by table and position.
 inline std::string countsOf(const CData& data) {
   std::string out;
   const auto write = [&out](const char* kind, long first, long second) {
@@ -101,7 +101,7 @@ inline std::string countsOf(const CData& data) {
   return out;
 }
 
-/// A copy is counted afresh.
+/// Exact counts: copying a drawing recounts everything.
 inline std::string recountOf(const CData& data) {
   const CDataPtr copy(cloneData(data));
   return countsOf(*copy);

@@ -113,7 +113,7 @@ TEST(PurgeHatchBlocks, DeletesWhatNobodyInserts) {
   CBlock* user = addedBlock(data, u"USER");
   user->add(vek0::test::insertOf(data, *inBlock, 0));
   addedXRef(data, u"X")->add(vek0::test::insertOf(data, *addedBlock(data, u"*PAT7"), 0));
-  inModel->zeroEntities();  // counts are not what decides
+  inModel->zeroEntities();  // use counts do not decide
   EXPECT_EQ(purgeHatchBlocks(data), 2);
   for (const Row& t : rows()) {
     EXPECT_EQ(data.getBlockTable().get(t.wide("name")) != nullptr, t.flag("there"))

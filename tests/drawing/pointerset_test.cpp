@@ -6,7 +6,7 @@ using vek0::detail::PointerSet;
 
 namespace {
 
-// Never followed, so that any number will do.
+// The pointers are never followed, so any number is valid.
 const void* at(std::uintptr_t address) { return reinterpret_cast<const void*>(address); }
 
 }  // namespace
@@ -34,8 +34,8 @@ TEST(PointerSet, NullIsNeverInIt) {
   EXPECT_FALSE(set.contains(nullptr));
 }
 
-// Objects of one size, pages, and larger pieces: no distance between addresses may make slow
-// what another makes fast.
+// Objects of one size, pages, and larger blocks: no distance between addresses may cause many
+// collisions.
 TEST(PointerSet, IsFastForEveryDistanceOfAddresses) {
   constexpr int kCount = 1 << 15;
   const auto millisecondsFor = [](std::uintptr_t distance) {
@@ -46,7 +46,7 @@ TEST(PointerSet, IsFastForEveryDistanceOfAddresses) {
   };
   for (int bits = 0; bits < 14; ++bits) {
     const auto power = std::uintptr_t{1} << bits;
-    // Comparing every pair would take a second and more.
+    // Comparing every pair takes more than a second.
     EXPECT_LT(millisecondsFor(power), 200) << power;
     EXPECT_LT(millisecondsFor(power * 12 + 8), 200) << power;
   }

@@ -5,7 +5,7 @@
 
 namespace vek0::test {
 
-/// Makes random edits of every sort through an undo stack, one step each at most.
+/// Makes random edits of every sort through an undo stack, each in at most one step.
 class RandomEditor {
  public:
   RandomEditor(CData& data, CUndoStack& undo, unsigned seed)
@@ -150,7 +150,7 @@ class RandomEditor {
     CEntInsertBase* insert = ent->getEntInsert();
     if (insert != nullptr && ent->getType() == CEntInsert::kType) {
       insert->add(newAttrib());
-      // Blocks are left alone: the graph would have to agree.
+      // Inserts inside blocks keep their block, because the graph would have to be updated too.
       CBlock* other = block();
       if (other != nullptr && ent->getOwnerBlock() == nullptr) insert->setBlock(other);
     }

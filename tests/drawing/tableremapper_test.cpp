@@ -5,7 +5,7 @@ using namespace vek0::test;
 
 namespace {
 
-/// A drawing in which everything that can name an item names the old ones.
+/// A drawing in which every property that can name an item names the old ones.
 class Remapper : public testing::Test {
  protected:
   Remapper()
@@ -33,7 +33,8 @@ class Remapper : public testing::Test {
     outer->add(createEntAttdef(*data, dashText(oldStyle), u"v", u"p", 0, 0));
     xref = addedXRef(*data, u"X");
     xref->add(createEntText(*data, dashText(oldStyle), 0));
-    // Counted as after reading; what was added to blocks in the table is not yet.
+    // Recounts the uses, as loading does, because adding to blocks in the table does not count
+    // them.
     data = Drawing(cloneData(*data));
     oldLayer = getLayer(*data, u"old");
     newLayer = getLayer(*data, u"new");
@@ -65,7 +66,7 @@ class Remapper : public testing::Test {
   }
   std::vector<long> recount() const { return counts(*Drawing(cloneData(*data))); }
 
-  // Entities that name an old item, attributes included.
+  // Number of objects that name an old item, attributes included.
   int oldUsers(const CEnt& ent) const {
     int found = ent.getLayer() == oldLayer || ent.getLtype() == oldLtype ||
                 (ent.getStyle() != nullptr && ent.getStyle() == oldStyle);
@@ -109,7 +110,7 @@ TEST_F(Remapper, NothingNamesWhatWasReplaced) {
     EXPECT_EQ(after[i], 0);
     EXPECT_EQ(after[i + 5], before[i] + before[i + 5]);
   }
-  // So all of them can be taken out and deleted.
+  // With all uses replaced, the old items can be removed and deleted.
   removeLayer(*data, oldLayer);
   removeLtype(*data, oldLtype);
   removeStyle(*data, oldStyle);

@@ -21,7 +21,7 @@ Snapshot snapshotOf(const CData& data) {
   return {saved(data), countsOf(data)};
 }
 
-// What a drawing was after so many steps.
+// The states of a drawing after each step.
 class History {
  public:
   History(const CData& data, const CUndoStack& undo) : m_data(data), m_undo(undo) {}
@@ -63,7 +63,7 @@ void walkBackAndForth(CUndoStack& undo, const History& history) {
   EXPECT_EQ(undo.getNoRedo(), 0u);
 }
 
-// What takes minutes without optimization is for those who ask for it.
+// Tests that take minutes without optimization run only on request.
 bool isLong() { return std::getenv("VEK0_LONG_TESTS") != nullptr; }
 
 TEST(UndoStack, EveryStateComesBackFromAnyOther) {
@@ -151,7 +151,7 @@ TEST(UndoStack, RollbackTakesTheWholeStepBack) {
   EXPECT_EQ(undo.getNoUndo(), 1u);
 }
 
-// The second entity from the front has to come back between its neighbors.
+// The second entity in drawing order must return to its place between its neighbors.
 TEST(UndoStack, TheOrderOfDrawingComesBack) {
   const Drawing data = newDrawing();
   CUndoStack undo(*data);
@@ -170,7 +170,7 @@ TEST(UndoStack, TheOrderOfDrawingComesBack) {
   EXPECT_EQ(back, ranks);
 }
 
-// Files flag blocks as ones with attribute definitions that have none.
+// In files, blocks without attribute definitions may be flagged as having some.
 TEST(UndoStack, FalseFlagsOfBlocksComeBack) {
   const Drawing data = newDrawing();
   CUndoStack undo(*data);
@@ -207,7 +207,8 @@ TEST(UndoStack, WhatTheDrawingUsesIsNotRemoved) {
   EXPECT_EQ(getLayer(*data, u"idle"), idle);
 }
 
-// The step before names the layer, so it may not be deleted with what removed it.
+// An earlier step names the layer, so it must not be deleted together with the step that removed
+// it.
 TEST(UndoStack, ARemovedLayerAndBlockOutliveTheStepsThatNameThem) {
   const Drawing data = newDrawing();
   CUndoStack undo(*data);
@@ -274,7 +275,8 @@ TEST(UndoStack, OldStepsGoBeyondTheLimitAndTheLastOneStays) {
   EXPECT_EQ(undo.size(), 0u);
 }
 
-// A drag is a thousand edits; joined they take what one takes, and go back in one.
+// A drag makes a thousand edits. Merged, they need the memory of one edit and are undone by one
+// step.
 TEST(UndoStack, MergedStepsKeepTheOldestSnapshot) {
   const Drawing data = newDrawing();
   CUndoStack undo(*data);

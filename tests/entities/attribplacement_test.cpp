@@ -33,7 +33,7 @@ class AttribPlacement : public testing::Test, protected BlockWorld {
   }
 };
 
-// Where a point of the text's own plane lies: `along` widths and `up` heights.
+// A point of the text, at `along` widths and `up` heights in its own plane.
 PNT_2D pointOf(const Placed& p, double along, double up) {
   const double c = std::cos(p.rotation), s = std::sin(p.rotation), t = std::tan(p.oblique);
   const double x = p.height * (p.width * along + t * up), y = p.height * up;
@@ -56,8 +56,8 @@ TEST_F(AttribPlacement, KnownPlacements) {
   }
 }
 
-// Of a text without a backward width, any point of the text must come out where the
-// insert's own placement puts it; mirrored texts run the other way along one line.
+// For texts that are not written backward, every point must appear where the insert's own placement
+// puts it; mirrored texts run in the opposite direction on the same line.
 TEST_F(AttribPlacement, RandomTextsGoThereAndBack) {
   std::mt19937 random(20240607);
   const auto between = [&](double low, double high) {
@@ -98,7 +98,7 @@ TEST_F(AttribPlacement, RandomTextsGoThereAndBack) {
   EXPECT_LT(worst, 1e-12);
 }
 
-// Rounding would change drawings that are only loaded and saved.
+// Rounding would change drawings that are merely loaded and saved.
 TEST_F(AttribPlacement, APlainInsertChangesNoDigit) {
   const auto insert = placed(PNT_3D(0, 0, 0), 1, 1, 0);
   const TEXT_3D logical = text(PNT_3D(0.1, 0.7, 0.3), 2.3, 0.9, 1.1, 0.2);

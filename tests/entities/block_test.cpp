@@ -67,7 +67,7 @@ TEST_F(Block, AttributeDefinitionsSetAFlagAndNoExtents) {
   delete def;
 }
 
-// Against a plain vector; the extents against the union of the points.
+// Compares the order with a vector, and the extents with the union of all points.
 TEST_F(Block, RandomEditsKeepOrderAndExtents) {
   for (unsigned seed = 1; seed <= 20; ++seed) {
     SCOPED_TRACE(seed);
@@ -135,25 +135,25 @@ TEST_F(Block, ExtentsFollowTheBlocksInserted) {
   EXPECT_EQ(a->getBdry(), RECT_3D(10, 0, 0, 12, 2, 0));
   EXPECT_EQ((*a)[0]->getBdry(), RECT_3D(10, 0, 0, 12, 2, 0));
 
-  // Growing B after A was computed, and C after B was grown.
+  // B grows after the extents of A were computed, and C grows after B.
   b->add(line(0, 0, 0, 5));
   c->add(line(0, 0, -1, 0));
   EXPECT_EQ((*a)[0]->getBdry(), RECT_3D(8, 0, 0, 12, 10, 0));
   EXPECT_EQ(a->getBdry(), RECT_3D(8, 0, 0, 12, 10, 0));
 
-  // A pending addition must not hide that what was there before has changed.
+  // A pending addition must not hide that earlier content has changed.
   a->add(pnt(0, 0));
   redefine(c, {});
   EXPECT_EQ(a->getBdry(), RECT_3D(0, 0, 0, 10, 10, 0));
 
-  // In place behind everybody's back.
+  // Changed in place, without notification.
   static_cast<CEntLine&>(*(*b)[1]).setLine(0, 0, 0, 0, 7, 0);
   EXPECT_EQ(a->getBdry(), RECT_3D(0, 0, 0, 10, 10, 0));
   table.recalcBdry();
   EXPECT_EQ(a->getBdry(), RECT_3D(0, 0, 0, 10, 14, 0));
 }
 
-// Outside a table nobody knows who inserts a block.
+// For a block outside a table, the blocks that insert it are unknown.
 TEST_F(Block, ComputingAnewLooksAtTheInsertedBlocksAgain) {
   const std::unique_ptr<CBlock> inner(block("I")), outer(block("O"));
   outer->add(insert(inner.get()));
@@ -172,7 +172,7 @@ TEST_F(Block, RecomputingLeavesDefinitionsOut) {
   EXPECT_EQ(made->getBdry(), RECT_3D(0, 0, 0, 0, 0, 0));
 }
 
-// Files can state it before the table refuses it.
+// Files can contain such a circle before the table rejects it.
 TEST_F(Block, InsertsThatCloseACircleEndTheComputation) {
   const std::unique_ptr<CBlock> a(block("A")), b(block("B"));
   a->add(insert(b.get(), PNT_3D(1, 0, 0)));
@@ -250,7 +250,7 @@ TEST_F(Block, ATableRegistersWhatItsBlocksHold) {
   EXPECT_EQ(table.get(u"B"), nullptr);
 }
 
-// Whoever keeps what it has computed of a block asks whether that still holds.
+// Caches of a block's content compare editions to detect changes.
 TEST_F(Block, EveryEditMakesAnEditionOfTheBlockAndOfItsUsers) {
   CBlock* inner = tabled("I");
   CBlock* outer = tabled("O", {inner});

@@ -12,11 +12,11 @@ Blocks reversed(Blocks blocks) {
   return blocks;
 }
 
-// The graph as one would write it down: everything by search and recursion.
+// The graph by definition: searches and recursion instead of caches.
 class NaiveGraph {
  public:
-  // What the block inserts from now on, but for what would close a circle. Blocks may be
-  // inserted before they are added.
+  // Sets the blocks that `block` inserts, without those that would close a circle. Blocks may be
+  // inserted before they are added to the table.
   void set(CBlock* block, const Blocks& inserted) {
     if (!has(block)) m_order.push_back(block);
     Blocks& edges = m_edges[block];
@@ -75,7 +75,7 @@ class NaiveGraph {
   std::map<CBlock*, Blocks> m_edges;
 };
 
-// A block that says when it goes.
+// A block that records its destruction.
 class MortalBlock final : public CBlock {
  public:
   MortalBlock(const zim::WString& name, std::vector<const CBlock*>& graves)
@@ -97,7 +97,7 @@ Blocks insertedBy(const CBlock& block) {
   return inserted;
 }
 
-// Blocks come and go, are redefined, and are inserted while they are not in the table.
+// Blocks are added, removed and redefined, and inserted while they are not in the table.
 TEST_F(BlockGraph, RandomEditsGiveWhatSearchingGives) {
   for (unsigned seed = 1; seed <= 8; ++seed) {
     SCOPED_TRACE(seed);
@@ -147,7 +147,7 @@ TEST_F(BlockGraph, RandomEditsGiveWhatSearchingGives) {
   }
 }
 
-// Asks of every block, in the middle of a visit, whether it may insert each other.
+// During a visit, asks for every pair of blocks whether one may insert the other.
 class Asking final : public IBlockOperation {
  public:
   Asking(const CBlockGraph& graph, const NaiveGraph& naive) : m_graph(graph), m_naive(naive) {}
@@ -166,7 +166,7 @@ class Asking final : public IBlockOperation {
   const NaiveGraph& m_naive;
 };
 
-// Each round goes against the order of the last, so what was first is to be last.
+// Each round reverses the order of the previous one, so the first block must become the last.
 TEST_F(BlockGraph, AnOrderTurnedOverAndOverStaysFreeOfCircles) {
   std::mt19937 random(1);
   NaiveGraph naive;
@@ -224,13 +224,13 @@ TEST_F(BlockGraph, RefusesToRedefineInCircles) {
   EXPECT_EQ(c->size(), 0u);
   EXPECT_TRUE(table.canRedefine(c, {}));
   EXPECT_FALSE(table.canRedefine(nullptr, {}));
-  // A block that is not in the graph counts as one about to be added.
+  // A block outside the graph is treated as one that is about to be added.
   const std::unique_ptr<CBlock> fresh(block("F"));
   EXPECT_TRUE(graph().canSubstitute(*fresh, {a, b}));
   EXPECT_FALSE(graph().canSubstitute(*fresh, {a, fresh.get()}));
 }
 
-// The search goes on from both ends, so either may come upon the other.
+// The search proceeds from both ends, so either side may meet the other.
 TEST_F(BlockGraph, SeesACircleThroughAnyOfMany) {
   CBlock* used = tabled("USED");
   Blocks middle;
@@ -337,7 +337,7 @@ TEST_F(BlockGraph, ClearingDestroysACycleToo) {
   EXPECT_EQ(graves, (std::vector<const CBlock*>{a, b}));
 }
 
-// Recursion would need a stack frame a block.
+// Recursion would need a stack frame per block.
 TEST_F(BlockGraph, NestingMayBeOfAnyDepth) {
   constexpr int kDepth = 100000;
   CBlock* innermost = block("INNERMOST");
@@ -356,12 +356,12 @@ TEST_F(BlockGraph, NestingMayBeOfAnyDepth) {
   EXPECT_EQ(journal.blocks.back(), last);
   EXPECT_EQ(last->getBdry(), RECT_3D(kDepth, 0, 0, kDepth + 1, 0, 0));
   EXPECT_FALSE(table.canRedefine(innermost, {(*last)[0]}));
-  // From the innermost block to all that show it.
+  // The change reaches all blocks that show the innermost one.
   redefine(innermost, {line(0, 0, 2, 0)});
   EXPECT_EQ(last->getBdry().max.x, kDepth + 2);
 }
 
-// A view is what a copied drawing has.
+// Copied drawings get such a view.
 TEST_F(BlockGraph, ACopiedTableIsAView) {
   CBlock* b = tabled("B");
   tabled("A", {b});

@@ -2,7 +2,7 @@
 
 #include "support/test.h"
 
-/// A block table with what it needs, and short ways to make blocks and entities.
+/// A block table and everything it needs, with shortcuts to create blocks and entities.
 struct BlockWorld {
   CHandleGestorFoo gestor;
   CBlockXRefDepend depend;
@@ -14,7 +14,7 @@ struct BlockWorld {
     return blocks.create(zim::WString::fromUtf8(name), base, 0);
   }
 
-  /// A block in the table that inserts these ones.
+  /// Adds a block to the table that inserts the given ones.
   CBlock* tabled(const std::string& name, const std::vector<CBlock*>& inserted = {}) {
     CBlock* made = block(name);
     for (CBlock* inner : inserted) made->add(insert(inner));
@@ -57,8 +57,7 @@ struct BlockWorld {
     return made;
   }
 
-  /// Redefines as a reader does, which keeps no undo: whatever list is left over is
-  /// deleted.
+  /// Redefines a block as loading does, which keeps no undo: the remaining list is deleted.
   int redefine(CBlock* block, std::list<CEnt*> entities) {
     const std::unique_ptr<CBlockMemento> old(block->createMemento());
     const int result = table.Redefine(block, PNT_3D(0, 0, 0), 0, entities);
@@ -70,7 +69,7 @@ struct BlockWorld {
   }
 };
 
-/// Notes the blocks that it is applied to, and ends the visit at one of them.
+/// Records the blocks that it is applied to, and ends the visit at one of them.
 class Journal final : public IBlockOperation {
  public:
   explicit Journal(const CBlock* last = nullptr) : m_last(last) {}

@@ -26,7 +26,7 @@ RECT_3D boxOf(const std::vector<ChainVertex>& vertexes) {
   return box;
 }
 
-/// A chain of up to 12 vertices with flat, steep, huge and useless bulges.
+/// A chain of up to 12 vertices with flat, steep, huge and invalid bulges.
 BulgedChain randomChain(std::mt19937& random, bool closed) {
   std::uniform_real_distribution<double> real(-1, 1);
   std::uniform_int_distribution<int> pick(0, 9);
@@ -77,7 +77,7 @@ TEST(BulgedChain, ChordVerticesLieOnTheArcOfTheBulge) {
       const PNT_2D& p = vertexes[i].pnt;
       EXPECT_NEAR(arc.PNT_2D::dist(p), arc.radius, within);
       EXPECT_TRUE(arc.angle_in_arc(arc.angle(p)));
-      // Equal chords: each as long as the first.
+      // All chords are as long as the first one.
       EXPECT_NEAR(p.dist(vertexes[i - 1].pnt), vertexes[1].pnt.PNT_2D::dist(vertexes[0].pnt),
                   within);
     }
@@ -85,7 +85,7 @@ TEST(BulgedChain, ChordVerticesLieOnTheArcOfTheBulge) {
 }
 
 TEST(BulgedChain, FlatArcsKeepTheirDigits) {
-  // Radius 2.5e11: seen from the center, everything about this arc would be noise.
+  // Radius 2.5e11: computing this arc from its center would yield only noise.
   BulgedChain chain(false);
   chain.add(vertex(0, 0, 1e-12));
   chain.add(vertex(1, 0));

@@ -6,13 +6,13 @@ using vek0::detail::kPi;
 
 namespace {
 
-// The drawing's memory targets stand on this: with the allocator's eight bytes a line
-// takes 224, and its list node 32.
+// The memory targets of drawings depend on this: with eight bytes of the allocator, a line occupies
+// 224 bytes, and its list node 32.
 static_assert(sizeof(void*) > 8 || sizeof(CEntLine) <= 216);
 
 using EntPtr = std::unique_ptr<CEnt>;
 
-/// One entity of each kind that holds nothing but geometry.
+/// One entity of each kind that contains nothing but geometry.
 std::vector<EntPtr> oneOfEach(Scene& s) {
   std::vector<EntPtr> ents;
   CEntFactory& f = s.factory;

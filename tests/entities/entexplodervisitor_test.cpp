@@ -104,12 +104,12 @@ TEST_F(Explode, InsertsKeepLayersAndLendWhatIsByBlock) {
   EXPECT_EQ(own->getEntities(), before);
   const LINE_3D& first = static_cast<CEntLine&>(*ents[0]).getLine();
   EXPECT_NEAR(first.p2.dist(PNT_3D(100, 2, 5)), 0, 1e-12);
-  // The last cell is one column up and two rows to the left.
+  // The last cell is offset by one column upward and two rows to the left.
   const LINE_3D& last = static_cast<CEntLine&>(*ents[10]).getLine();
   EXPECT_NEAR(last.p1.dist(PNT_3D(60, 10, 5)), 0, 1e-12);
 }
 
-// Whatever the placement, the pieces lie where the insert shows them.
+// For any placement, the exploded entities are where the insert showed them.
 TEST_F(Explode, WhatIsShownStaysWhereItIs) {
   const Definitions names{
       {"Circle", CEntCircle::kType}, {"Arc", CEntArc::kType}, {"Polyline", CEntPolyline::kType}};
@@ -163,7 +163,7 @@ TEST_F(Explode, NestedInsertsStayInsertsUnlessTheyWouldShear) {
   }
 }
 
-// On the way through undo and copies a clip stays; what an insert gives is whole.
+// Undo and copies keep a clip; exploding a clipped insert yields its whole content.
 TEST_F(Explode, ClipsAreKeptOrCountedAsLost) {
   CEntInsert* inner = insert(block("IN", {line(0, 0, 1, 0)}), PNT_3D(0, 0, 0), 1, 1, 0, 1, 1);
   auto clip = std::make_shared<INSERT_CLIP>();
@@ -219,7 +219,7 @@ TEST_F(Explode, HatchesGiveLinesAndStayHatchesInBlocks) {
   purgeHatchBlocks(*data);
 }
 
-// Mirrored and sheared by unequal scales as well, whether the fill stays a hatch or comes apart.
+// Also mirrored and sheared by unequal scales, whether the fill stays a hatch or is exploded.
 TEST_F(Explode, FillsOfSolidHatchesStayVisible) {
   const std::vector<PNT_3D> ring = vek0::test::pts("0,0 10,0 10,10 5,3 0,10");
   CEntHatch* hatch =
@@ -258,7 +258,7 @@ TEST_F(Explode, ArraysAndNestingBeyondTheLimitAreRefused) {
   EXPECT_TRUE(made->isRefused());
   EXPECT_EQ(explode(*keptInsert(b, PNT_3D(0, 0, 0), 1, 1, 0, -5, 3)).size(), 3u);
   EXPECT_FALSE(made->isRefused());
-  // Every level shows the next ten times, all of them sheared: ten to the thirtieth.
+  // Each level inserts the previous one ten times, all sheared: 10^30 entities in total.
   for (int level = 0; level < 30; ++level) {
     std::vector<CEnt*> ten;
     for (int i = 0; i < 10; ++i) ten.push_back(insert(b, PNT_3D(i, 0, 0), 1, 2, 0.3 + i));
@@ -285,7 +285,7 @@ TEST_F(Explode, TheLimitIsThatOfAllThatIsGiven) {
   }
 }
 
-// The corners of a text go where the matrix puts them, whatever its justification.
+// The corners of a text follow the matrix for any justification.
 TEST_F(Explode, BoxesOfTextsFollowTheMatrix) {
   std::mt19937 random(1);
   std::uniform_real_distribution<double> number(-3, 3), angle(-0.5, 0.5);
@@ -301,7 +301,7 @@ TEST_F(Explode, BoxesOfTextsFollowTheMatrix) {
     text.getExtremes(before);
     transform_text(matrix, text);
     text.getExtremes(after);
-    // A mirrored text is written backward from the same corner; both start at the left.
+    // A mirrored text is written backward, starting at the same corner on the left.
     for (int i = 0; i < 4; ++i) {
       PNT_3D expected;
       matrix.transform(before[i], expected);

@@ -24,7 +24,7 @@ TEST(EntFactory, CreatorsKeepTheHandleCopiesHaveNone) {
   EXPECT_TRUE(s.gestor.reserved.empty()) << "making an entity does not register it";
 }
 
-/// Stands for a host's factory; runs out of memory after a number of vertices.
+/// A host's factory that runs out of memory after a number of vertices.
 class MeagreFactory : public CEntFactory {
  public:
   explicit MeagreFactory(int vertexes) : m_left(vertexes) {}

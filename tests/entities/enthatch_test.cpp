@@ -8,7 +8,7 @@ const Ring kSquare = {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}};
 
 const HATCH_TYPE& pattern(const zim::Char* name) { return *getHatch(zim::WString(name)); }
 
-// What a hatch shows, as text.
+// The content of a hatch's block as text.
 std::string shown(const CEntHatch& hatch) {
   std::string text;
   const CBlock& block = *hatch.getBlock();
@@ -172,7 +172,7 @@ TEST_F(Hatches, MementosRestoreLinesWhereTheyCan) {
   EXPECT_EQ(kept->size(), 0u);
 }
 
-// As one is when the lines that a file asks for were too many.
+// A hatch has no lines if a file requests too many.
 TEST_F(Hatches, MementosOfHatchesWithoutLinesRestoreThat) {
   CEntHatch* hatch = added();
   hatch->getBlock()->disposeEntities();
@@ -187,7 +187,7 @@ TEST_F(Hatches, MementosOfHatchesWithoutLinesRestoreThat) {
   EXPECT_EQ(blocks().size(), 1);
 }
 
-// A block keeps a list of what it inserts, and a hatch replaces what it shows.
+// A hatch replaces its own block, so the list of blocks that its owner inserts must follow.
 TEST_F(Hatches, LiveInBlocks) {
   CBlock* block = data->getBlockFactory().create(u"B", PNT_3D(1, 1, 0), 0);
   CEntHatch* hatch = make();

@@ -253,7 +253,7 @@ TEST_F(Insert, MementosBringAttributesBackAndTakeThemAway) {
   EXPECT_EQ(remade.getColor(), 4);
   EXPECT_EQ(style->getEntities(), 1) << "of a registered insert";
 
-  // One of two present ones is named by the memento and stays the same object.
+  // Restoring a memento keeps the attribute objects that still exist.
   const Snapshot oneLess(ent->createDerivedMemento());
   CEntAttrib* first = ent->GetAttrib(0);
   ent->add(attrib(u"third", 0, 0));

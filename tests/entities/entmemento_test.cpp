@@ -7,7 +7,7 @@ namespace {
 
 using Derived = std::unique_ptr<IEntDerivedMemento>;
 
-// What a memento holds beside the numbers of the shape: words and named items.
+// State that a memento holds besides the numbers of the shape: strings and named items.
 std::string wordsOf(CEnt& ent, const CData& data) {
   std::string out;
   const auto item = [&out](const CNamedItem* named) {
@@ -35,7 +35,7 @@ std::string wordsOf(CEnt& ent, const CData& data) {
   return out;
 }
 
-// Changes as much of an entity as it has.
+// Randomly changes the properties and the geometry that an entity has.
 class RandomChange {
  public:
   explicit RandomChange(EveryKind& all) : m_all(all) {}
@@ -118,7 +118,7 @@ TEST(EntMementos, RestoreEveryKindAfterRandomChanges) {
       const std::string words = wordsOf(*ent, all.data());
       const RECT_3D box = ent->getBdry();
       random.change(*ent);
-      // An empty polyline may stay one.
+      // An empty polyline may remain empty.
       EXPECT_TRUE(ShapeNumbers::of(*ent) == shape || (*ent != *derived && *derived != *ent));
       ent->setMemento(base.get());
       ent->setMemento(all.data(), derived.get());
@@ -167,7 +167,7 @@ TEST(EntMementos, OnesOfTheHostAreNoKinds) {
   }
 }
 
-// Undoing the creation of a block takes its entities along, but never from under it.
+// Undoing the creation of a block deletes its entities, but none that the block still contains.
 TEST(BlockMemento, DestroysOnlyWhatNobodyHolds) {
   EveryKind all;
   CData& data = all.data();

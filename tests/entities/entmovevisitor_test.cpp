@@ -16,7 +16,7 @@ class MoveVisitor : public testing::Test, protected BlockWorld {
   }
 };
 
-// Whether the cached box was moved or computed, it must be that of the moved geometry.
+// Whether the cached extents were moved or recomputed, they must match the moved geometry.
 TEST_F(MoveVisitor, EveryKindMovesWithItsExtents) {
   CBlock* shown = block("B");
   shown->add(line(0, 0, 1, 1));

@@ -36,7 +36,7 @@ std::vector<BulgedRow> visible(const CEntPolyline& p) {
   return rows;
 }
 
-/// Everything that can be asked of a polyline without unpacking it.
+/// Compares everything that can be read from a polyline without unpacking it.
 void expectSameAnswers(const CEntPolyline& a, const CEntPolyline& b) {
   ASSERT_EQ(bulged(a), bulged(b));
   ASSERT_EQ(visible(a), visible(b));
@@ -75,7 +75,7 @@ class Random {
   std::mt19937 m_engine;
 };
 
-/// A polyline as a file gives it, packed; `wide` gives it widths.
+/// A packed polyline, as loading creates it; `wide` adds widths.
 PolylinePtr randomPacked(Scene& s, Random& random, bool wide) {
   PolylinePtr p = polyline(s, random.below(2));
   for (int n = random.below(7); n > 0; --n) {
@@ -90,7 +90,7 @@ PolylinePtr copyOf(Scene& s, const CEntPolyline& p) {
   return PolylinePtr(s.factory.createEntPolyline(s.gestor, p));
 }
 
-/// The same polyline holding vertex objects.
+/// The same polyline with vertex objects.
 PolylinePtr unpackedCopy(Scene& s, const CEntPolyline& p) {
   PolylinePtr copy = copyOf(s, p);
   if (copy->getNoTotalVertexes() > 0) copy->GetVertex(0);
@@ -106,7 +106,7 @@ TEST(Polyline, PackedAndUnpackedAnswerAlike) {
   }
 }
 
-/// One random edit, the same for every polyline that gets the same numbers.
+/// A random edit; equal numbers mean the same edit of every polyline.
 void edit(Scene& s, CEntPolyline& p, int action, int where, const PNT_3D& pnt, double width) {
   const long total = p.getNoTotalVertexes();
   const int i = total == 0 ? 0 : where % static_cast<int>(total);
@@ -135,18 +135,18 @@ void edit(Scene& s, CEntPolyline& p, int action, int where, const PNT_3D& pnt, d
     default:
       p.setWidth(width);
   }
-  if (action < 2) p.calcBdry();  // writing one vertex leaves that to the caller
+  if (action < 2) p.calcBdry();  // writing one vertex leaves the extents to the caller
 }
 
-/// Extents that were kept up are those computed from scratch.
+/// Extents that were updated incrementally must equal those computed from scratch.
 void expectFreshExtents(Scene& s, const CEntPolyline& p) {
   const PolylinePtr copy = copyOf(s, p);
   copy->calcBdry();
   ASSERT_EQ(p.getBdry(), copy->getBdry());
 }
 
-/// What is still told as an arc is that arc: regenerated from the arcs alone, the chain of chords
-/// is the one that there is.
+/// Segments still stored as arcs must be those arcs: regenerating the chords from the arcs alone
+/// yields the existing chain.
 void expectTrueArcs(Scene& s, const CEntPolyline& p) {
   const PolylinePtr again = polyline(s, p.getFlags());
   p.forEachBulged(
@@ -204,7 +204,7 @@ TEST(Polyline, ArcsOutliveEditsElsewhere) {
   for (const auto& t : named(cases)) {
     Scene s;
     const PolylinePtr p = polyline(s);
-    // Half circles of 112 chords from (1, 0) over (2, 0) to (3, 0).
+    // Half circles of 112 chords from (1, 0) through (2, 0) to (3, 0).
     for (const double x : {0, 1, 2, 3}) {
       p->addBulgedVertex(PNT_3D(x, 0, 0), 0, 0, x == 1 || x == 2 ? 1 : 0, 0);
     }
@@ -350,7 +350,7 @@ TEST(Polyline, PackedVerticesAreRegisteredWhereHandlesAreManaged) {
 
 // --- Curves
 
-/// A curve through or near the given control points.
+/// A curve through or near the given controls.
 PolylinePtr curve(Scene& s, const std::string& controls, short type, short degree,
                   bool closed = false) {
   PolylinePtr p = polyline(s, controls, closed ? CEntPolyline::kClosed : 0);

@@ -5,7 +5,7 @@ using namespace vek0::test;
 
 namespace {
 
-/// A table beside a drawing's own, with helpers to fill it.
+/// A table separate from the drawing's own, with helpers to fill it.
 struct TableScene : Scene {
   TableScene() : table(gestor, data->getDepend()) {}
 
@@ -20,7 +20,7 @@ struct TableScene : Scene {
 
 std::vector<CEnt*> contents(const std::list<CEnt*>& list) { return {list.begin(), list.end()}; }
 
-/// The extents as the definition has them, without any cache.
+/// The extents by definition, without any cache.
 RECT_3D plainExtents(const CEntTable& table) {
   RECT_3D box;
   box.initRegion();
@@ -127,7 +127,7 @@ TEST(EntTable, InvalidatedExtentsFollowAnEditInPlace) {
   EXPECT_EQ(s.table.getBdry().max.x, 1) << "the table cannot know";
   s.table.invalidateBdry();
   EXPECT_EQ(s.table.getBdry(), ent->getBdry());
-  // A removal is as good, wherever the removed entity lies.
+  // A removal also triggers the recomputation, wherever the removed entity lies.
   const std::unique_ptr<CEntLine> inside(s.add(5.5, 5.5, 5.6, 5.6));
   ent->setLine(0, 0, 0, 1, 1, 0);
   s.table.remove(inside.get());
@@ -238,7 +238,7 @@ TEST(EntTable, CopyIsAViewThatOwnsNothing) {
   EXPECT_EQ(s.layer()->getEntities(), users);
 }
 
-/// What a watcher can know: the entities by rank, with the extents that it saw last.
+/// What a watcher can observe: the entities by rank, with the extents last seen.
 class Mirror : public IEntTableWatcher {
  public:
   explicit Mirror(const CEntTable& table) : m_table(table) {
@@ -252,7 +252,7 @@ class Mirror : public IEntTableWatcher {
   void reshaped(CEnt& ent) override { m_told.push_back(CEntTable::getRank(ent)); }
   void cleared() override { m_boxes.clear(); }
 
-  /// Looks again at what it was told of, then compares everything.
+  /// Refreshes the entities reported as changed, then compares everything.
   void expectInStep() {
     for (const std::size_t rank : m_told) {
       const auto at = m_boxes.find(rank);
@@ -309,7 +309,7 @@ TEST(EntTableWatcher, HearsOfEveryChangeOfExtents) {
     if (first && random() % 3 == 0) first->expectInStep();
     second.expectInStep();
   }
-  // What left a watched table is watched no more.
+  // Entities removed from a watched table are no longer watched.
   for (const auto& ent : removed) ent->moveBdry(PNT_3D(1, 1, 1));
 }
 

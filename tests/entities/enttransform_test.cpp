@@ -1,4 +1,4 @@
-// Laws that hold for all three transform visitors, kind by kind.
+// Laws for all three transform visitors, tested for each kind.
 
 #include "entities/everykind.h"
 #include "support/test.h"
@@ -21,7 +21,7 @@ void expectNear(const RECT_3D& a, const RECT_3D& b, double within) {
   EXPECT_LT(a.max.dist(b.max), within);
 }
 
-// The two ways to the extents agree: what the visitor left and what the shape says.
+// The extents that the visitor left must equal those computed from the shape.
 void expectFreshBdry(CEnt& ent) {
   const RECT_3D cached = ent.getBdry();
   ent.calcBdry();
@@ -56,7 +56,7 @@ TEST(Transforms, TheInverseGivesEveryKindBack) {
   }
 }
 
-// Seen from above, a negative factor is its magnitude and half a turn.
+// In plan view, a negative factor scales by its magnitude and rotates by 180 degrees.
 TEST(Transforms, ANegativeFactorIsAHalfTurn) {
   for (unsigned seed = 1; seed <= 5; ++seed) {
     EveryKind scaled(seed), turned(seed);
@@ -78,7 +78,7 @@ TEST(Transforms, ANegativeFactorIsAHalfTurn) {
   }
 }
 
-// What an insert shows has to scale with it, array and all.
+// The content of an insert must scale with it, including its array.
 TEST(Transforms, ExtentsScaleWithTheFactor) {
   EveryKind all;
   CEntScaleVisitor scaler(PNT_3D(0, 0, 0), 3);
@@ -136,7 +136,7 @@ TEST(RotateVisitor, BringsRotationsIntoOneTurn) {
   }
 }
 
-// What was read as whole degrees is whole degrees again, and lies where it belongs.
+// Angles read in whole degrees remain whole degrees, and geometry is where it belongs.
 TEST(RotateVisitor, ByDegreesAddsDegreesAsFilesHaveThem) {
   for (const Row& t : rows()) {
     SCOPED_TRACE(testing::Message() << t.real("before") << " by " << t.real("by"));
@@ -196,7 +196,7 @@ TEST(ScaleVisitor, ScalesWidthsAndLeavesArcsArcs) {
   }
 }
 
-// The vertex is part of a polyline, which is what is moved, turned and scaled.
+// A vertex is part of a polyline, and only the polyline is transformed.
 TEST(Transforms, AVertexAloneIsLeftAlone) {
   CVertex vertex(PNT_3D(1, 2, 3), 4, 5, 0);
   CEntRotateXYVisitor turner(PNT_3D(0, 0, 0), 1);

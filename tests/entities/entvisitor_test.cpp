@@ -5,7 +5,7 @@ using namespace vek0::test;
 
 namespace {
 
-/// One entity of each kind, in order of its code.
+/// One entity of each kind, ordered by type code.
 std::vector<std::unique_ptr<CEnt>> zoo(Scene& s) {
   std::vector<std::unique_ptr<CEnt>> ents;
   CEntFactory& f = s.factory;
@@ -60,7 +60,7 @@ TEST(EntCast, OneVisitorAnswersEachQuestionAnew) {
   EXPECT_EQ(visitor.getLine(ents[0].get()), nullptr);
 }
 
-/// Writes down the overload in which a forwarded visit ended.
+/// Records the overload in which a forwarded visit ended.
 class Branches final : public IEntInheritVisitor {
  public:
   using IEntInheritVisitor::visit;
@@ -83,7 +83,7 @@ TEST(EntInheritVisitor, ForwardsToTheNearestOverride) {
   }
 }
 
-/// Counts the lines, and vertices, that it is shown.
+/// Counts the lines and vertices that it visits.
 class Counter final : public IEntFooVisitor {
  public:
   using IEntFooVisitor::visit;

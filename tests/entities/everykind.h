@@ -4,7 +4,7 @@
 
 namespace vek0::test {
 
-/// A drawing with one entity of every kind and of odd shapes of them, all registered.
+/// A drawing with an entity of every kind, including unusual shapes, all registered.
 class EveryKind {
  public:
   explicit EveryKind(unsigned seed = 1) : m_random(seed), m_data(CDataFactory().createData()) {
@@ -92,7 +92,7 @@ class EveryKind {
   CBlock* m_block = nullptr;
 };
 
-/// Every number that describes the shape of an entity, in a fixed order.
+/// All numbers that describe the shape of an entity, in a fixed order.
 class ShapeNumbers final : public IEntVisitor {
  public:
   static std::vector<double> of(CEnt& ent) {
@@ -159,7 +159,7 @@ class ShapeNumbers final : public IEntVisitor {
   void put(double first, Numbers... more) {
     m_numbers.insert(m_numbers.end(), {first, static_cast<double>(more)...});
   }
-  // Directions, so that a whole turn is no difference.
+  // Directions, so that angles compare equal modulo full turns.
   void putAngle(double angleRad) { put(std::cos(angleRad), std::sin(angleRad)); }
   void putText(const TEXT_3D& t) {
     const CTextContext& c = t.getContext();

@@ -2,7 +2,7 @@
 
 namespace {
 
-/// A vertex of the host's own.
+/// A vertex class of the host.
 struct HostVertex : CVertex {
   using CVertex::CVertex;
 };
@@ -18,7 +18,7 @@ class HostEntFactory : public CEntFactory {
   }
 };
 
-/// Notes the names that it is given.
+/// Records the names that it receives.
 class HostBlockFactory : public CBlockFactory {
  public:
   explicit HostBlockFactory(zim::WString& last) : m_last(last) {}
@@ -67,7 +67,7 @@ TEST_F(HostFactories, MakeTheVertexesOfPolylinesReadAndCopied) {
   EXPECT_TRUE(castPolyline(read)->hasArcRuns());
   const std::unique_ptr<CEnt> copy(cloneEnt(data, *read));
   countOfHostVertexes(copy.get());
-  // Here they are made from a packed polyline, which the library's own factory leaves so.
+  // The host's vertices are created from a packed polyline; the library's factory keeps it packed.
   CEntFactory plain;
   const std::unique_ptr<CEntPolyline> packed(
       plain.createEntPolyline(data.getHandleGestor(), nullptr, nullptr, 7, 0, 0, 0));

@@ -51,7 +51,7 @@ TEST_F(InsertMatrix, IsotropicOnlyWhenScalesAreExactlyEqual) {
   EXPECT_FALSE((matrix * turned).IsIsotropicXY());
 }
 
-// Columns run along the insert's x axis, rows along y; scales leave them alone.
+// Columns run along the insert's x axis, rows along its y axis; scales do not affect spacing.
 TEST_F(InsertMatrix, CellsAreOffsetAlongTheTurnedAxes) {
   const std::unique_ptr<CEntInsert> ent(insert(nullptr, PNT_3D(10, 20, 0), 5, 7, kPi / 2));
   ent->setArray(2, 3, 100, 1000);
@@ -62,7 +62,7 @@ TEST_F(InsertMatrix, CellsAreOffsetAlongTheTurnedAxes) {
   }
 }
 
-// The entities of a block are stored relative to its base already.
+// Entities of a block are already stored relative to its base point.
 TEST_F(InsertMatrix, OnlyExternalReferencesCountTheirBasePoint) {
   const std::unique_ptr<CBlock> plain(block("B", PNT_3D(1, 2, 3)));
   const std::unique_ptr<CEntInsert> ent(insert(plain.get()));

@@ -43,7 +43,7 @@ double lengthOf(const CEnt& ent) {
 }
 
 TEST_F(Join, EitherEndEitherWay) {
-  segment(PNT_3D(10, 0, 0), PNT_3D(20, 0, 0), 3);  // first: its color and direction
+  segment(PNT_3D(10, 0, 0), PNT_3D(20, 0, 0), 3);  // joined first: determines color and direction
   segment(PNT_3D(30, 5, 0), PNT_3D(20, 0, 0));     // onwards, reversed
   segment(PNT_3D(0, 5, 0), PNT_3D(10, 0, 0));      // before it
   segment(PNT_3D(0, 5, 0), PNT_3D(-10, 5, 0));     // before that, reversed
@@ -61,7 +61,7 @@ TEST_F(Join, EitherEndEitherWay) {
   EXPECT_EQ(made[0].parts, parts);
 }
 
-// Angles that are equal mean the full turn.
+// Equal angles mean a full turn, so an arc of length 0 must not become one.
 TEST_F(Join, AnArcWithoutLengthIsNotTakenForACircle) {
   const CEnt& like = *segment(PNT_3D(0, 0, 0), PNT_3D(1, 0, 0));
   const Definitions names{
@@ -112,7 +112,7 @@ TEST_F(Join, GapsWithinTheToleranceOnly) {
   EXPECT_EQ(made[0].polyline->GetVertexPos(1).x, 1);
 }
 
-// A chain whose segments lie on layers at random: two shown, a frozen and a hidden one.
+// A chain of segments on random layers: two shown, one frozen, one hidden.
 TEST_F(Join, LayersStayApartUnlessAsked) {
   CLayer* layers[4];
   for (CLayer*& each : layers) {
@@ -138,7 +138,7 @@ TEST_F(Join, LayersStayApartUnlessAsked) {
   }
 }
 
-// Segments of many chains in any order and direction come together again, each once.
+// Segments of many chains in any order and direction are rejoined, each exactly once.
 TEST_F(Join, ShuffledSegmentsComeTogetherAgain) {
   std::mt19937 random(1);
   constexpr int kChains = 20, kSegments = 500;
@@ -170,7 +170,7 @@ TEST_F(Join, ShuffledSegmentsComeTogetherAgain) {
   EXPECT_NEAR(joined, length, 1e-6);
 }
 
-// A star of ends at one point, and odd coordinates: every entity is used once at most.
+// Many ends at one point, and invalid coordinates: every entity is used at most once.
 TEST_F(Join, CrowdsAndOddNumbersAreHarmless) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   for (int i = 0; i < 2000; ++i)
@@ -188,7 +188,7 @@ TEST_F(Join, CrowdsAndOddNumbersAreHarmless) {
   EXPECT_EQ(std::unique(used.begin(), used.end()), used.end());
 }
 
-// Taken apart and joined again.
+// Polylines are exploded and joined again.
 TEST_F(Join, UndoesExploding) {
   std::mt19937 random(2);
   std::uniform_real_distribution<double> bulge(-2, 2);

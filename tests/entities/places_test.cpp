@@ -1,4 +1,4 @@
-// What was taken out of a table or a block goes back to where it stood.
+// Objects removed from a table or a block return to their previous position.
 
 #include "entities/blockworld.h"
 #include "entities/scene.h"
@@ -8,8 +8,8 @@ using namespace vek0::test;
 
 namespace {
 
-/// Takes things out and puts them back last to first, in runs of random length, between
-/// other additions; the plain list says where each has to be.
+/// Removes objects and restores them in reverse order, in runs of random length between other
+/// additions; a plain list holds the expected order.
 template <class Thing, class Owner>
 class PlacesTrial {
  public:
@@ -22,7 +22,7 @@ class PlacesTrial {
       const std::vector<Thing*> before = m_expected;
       const int count = static_cast<int>(m_random() % 30);
       for (int i = 0; i < count && !m_expected.empty(); ++i) takeOne(i % 3 == 0);
-      // Looking at everything makes the owner close up now and then.
+      // Reading everything occasionally makes the owner compact its array.
       if (m_random() % 2 == 0) {
         ASSERT_EQ(read(), m_expected);
       }
@@ -69,7 +69,7 @@ TEST(Places, EntitiesGoBackIntoATable) {
     Scene scene;
     CEntTable& table = scene.data->getEntTable();
     PlacesTrial<CEnt, CEntTable> trial(table, seed);
-    // All of one handle: the first one in order is found by it.
+    // All have the same handle, which must find the first one in order.
     trial.run([&] { return scene.line(0, 0, 1, 1, 5); },
               [&] {
                 const std::list<CEnt*>& all = table.getEntityTbl();
@@ -89,7 +89,7 @@ TEST(Places, RanksOfTableEntitiesGrowAlongTheOrder) {
   const CEntTable::Place place = table.getPlace(*first);
   table.remove(second);
   table.remove(first);
-  table.add(second);  // behind the stack's back: its rank is a new one
+  table.add(second);  // without the undo stack: it gets a new rank
   table.restore(first, place);
   std::vector<std::size_t> ranks;
   for (const CEnt* ent : table.getEntityTbl()) ranks.push_back(CEntTable::getRank(*ent));
@@ -108,7 +108,7 @@ TEST(Places, EntitiesGoBackIntoABlock) {
                 for (unsigned i = 0; i < block->size(); ++i) all.push_back((*block)[i]);
                 return all;
               });
-    // Not moved by the base point once more, and still in the extents.
+    // Must not be moved by the base point a second time, and must still be in the extents.
     const RECT_3D box = block->getBdry();
     const CBlock::Place place = block->getPlace(*(*block)[0]);
     CEnt* ent = (*block)[0];
@@ -124,7 +124,7 @@ TEST(Places, StylesGoBackIntoTheirTable) {
     CStyleFactory factory;
     std::vector<CStyle*> all;
     PlacesTrial<CStyle, CStyleTable> trial(table, seed);
-    // Of two equal names the first one added is found, wherever it was meanwhile.
+    // Of two equal names, the first one added is found, even after it was removed and restored.
     trial.run([&] { return factory.create(u"same", nullptr, 0, 1, 0, 0, 0); },
               [&] {
                 all.clear();
@@ -142,7 +142,7 @@ TEST(Places, StylesGoBackIntoTheirTable) {
   }
 }
 
-// The graph writes blocks in its own order, which has to come back too.
+// The graph has its own order for writing blocks, which must be restored too.
 TEST(Places, BlocksGoBackIntoTableAndGraph) {
   BlockWorld world;
   CBlock* inner = world.tabled("inner");

@@ -4,8 +4,7 @@
 
 namespace vek0::test {
 
-/// Handle manager that writes down what it is asked; with `manages` it says that it
-/// manages handles.
+/// Handle manager that records its calls; `manages` is its answer to whether it manages handles.
 class RecordingGestor : public CHandleGestorFoo {
  public:
   explicit RecordingGestor(bool manages = false) : m_manages(manages) {}
@@ -20,7 +19,7 @@ class RecordingGestor : public CHandleGestorFoo {
   bool m_manages;
 };
 
-/// A new drawing with what tests of entities need at hand.
+/// A new drawing with shortcuts for tests of entities.
 struct Scene {
   Scene() : data(CDataFactory().createData()) {}
   ~Scene() { deleteData(data); }
@@ -40,7 +39,7 @@ struct Scene {
   CEntFactory factory;
 };
 
-/// Points written "x,y x,y ..." or "x,y,z ...".
+/// Parses points written as "x,y x,y ..." or "x,y,z ...".
 inline std::vector<PNT_3D> pts(const std::string& text) {
   std::vector<PNT_3D> points;
   std::istringstream words(text);
@@ -59,7 +58,7 @@ inline std::vector<PNT_3D> pts(const std::string& text) {
 
 }  // namespace vek0::test
 
-/// How failed expectations show these; found by argument-dependent lookup.
+/// Output of values in failed expectations, found by argument-dependent lookup.
 inline std::ostream& operator<<(std::ostream& out, const PNT_3D& p) {
   return out << '(' << p.x << ", " << p.y << ", " << p.z << ')';
 }

@@ -8,7 +8,7 @@ using std::string_literals::operator""s;
 using zim::Char;
 using zim::WString;
 
-// A unique path for the running test, removed afterwards: tests run in parallel.
+// A unique path for the running test, removed afterwards, because tests run in parallel.
 class TempFile {
  public:
   explicit TempFile(const std::string& name = "file.txt")
@@ -33,7 +33,7 @@ class TempFile {
   std::string m_folder, m_path;
 };
 
-// All lines with a bar between them.
+// All lines, joined by a vertical bar.
 std::u16string linesOf(IFile& file, long n) {
   std::u16string lines;
   std::vector<Char> buffer(static_cast<std::size_t>(n));
@@ -44,7 +44,7 @@ std::u16string linesOf(IFile& file, long n) {
   return lines;
 }
 
-// The same bytes as a file of the platform and as one in memory.
+// Runs the same bytes through a file of the platform and one in memory.
 struct TwoFiles {
   explicit TwoFiles(const std::string& bytes) : memory(u"memory", IFile::kRead, bytes) {
     temp.put(bytes);

@@ -53,7 +53,7 @@ TEST(LineReader, BlocksAndPortionsDoNotMatter) {
   for (int i = 0; i < 2000; ++i) {
     std::string text = random() % 2 ? "" : random() % 2 ? "\xFF\xFE" : "\xEF\xBB\xBF";
     const bool wide = text.starts_with("\xFF");
-    std::size_t column = 0;  // lines stay shorter than the small block
+    std::size_t column = 0;  // keeps lines shorter than the small block
     for (auto left = random() % 400; left > 0; --left) {
       char c = alphabet[random() % alphabet.size()];
       if (++column > 15) c = '\n';
@@ -120,7 +120,7 @@ TEST(LineReader, ShortNumbersAreTakenOnlyWhole) {
     LineReader reader(sourceOf(text, kLargeBlock), 64);
     ASSERT_TRUE(reader.begin());
     std::string_view line;
-    ASSERT_TRUE(reader.next(line));  // brings the block in
+    ASSERT_TRUE(reader.next(line));  // loads the block
     long number = 77;
     EXPECT_EQ(reader.nextIfShortNumber(number), t.flag("taken"));
     if (t.flag("taken")) {

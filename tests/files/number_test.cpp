@@ -23,7 +23,7 @@ std::string shortest(double value) {
   return {buffer, formatShortest(buffer, value)};
 }
 
-// Any finite double, with uniformly distributed exponents.
+// Any finite double, with exponents distributed uniformly.
 double anyDouble(std::mt19937_64& random) {
   for (;;) {
     const std::uint64_t bits = random();
@@ -48,7 +48,7 @@ std::string anyDecimal(std::mt19937_64& random) {
   return text;
 }
 
-// Halfway between two doubles, or next to it by a digit far behind.
+// A decimal halfway between two doubles, or off by one digit far to the right.
 std::string anyTie(std::mt19937_64& random) {
   const int drop = static_cast<int>(random() % 10) + 1;
   const std::uint64_t half = std::uint64_t{1} << (drop - 1);
@@ -142,13 +142,13 @@ TEST(FormatFixed, AgreesWithTheLibrary) {
     ASSERT_EQ(fixed(any), expected(any)) << "seed " << kSeed;
     const double usual = std::uniform_real_distribution<>(-1e4, 1e4)(random);
     ASSERT_EQ(fixed(usual), expected(usual)) << "seed " << kSeed;
-    // Multiples of 2^-7 are ties at the sixth decimal half of the time.
+    // Half of the multiples of 2^-7 are ties at the sixth decimal.
     const double tie = std::ldexp(static_cast<double>(random() % 100000), -7);
     ASSERT_EQ(fixed(tie), expected(tie)) << "seed " << kSeed;
     const double tiny = std::ldexp(usual, -static_cast<int>(random() % 80));
     ASSERT_EQ(fixed(tiny), expected(tiny)) << "seed " << kSeed;
   }
-  // Decimals that end in a five lie so near a tie that every bit of the double decides.
+  // Decimals that end in 5 are so close to a tie that every bit of the double matters.
   for (int digits = 5; digits < 10'000'000; digits += 10) {
     const double near = digits / 1e7;
     ASSERT_EQ(fixed(near), expected(near));
@@ -185,7 +185,7 @@ void expectShortest(double value) {
   ASSERT_EQ(parseDouble(std::string_view(text)).value, value);
   ASSERT_NE(text.find_first_of(".e"), std::string::npos);
   ASSERT_LE(text.size(), kShortestRoom);
-  if (value == std::trunc(value)) return;  // all digits of whole numbers are shown
+  if (value == std::trunc(value)) return;  // whole numbers show all their digits
   char buffer[64];
   const auto end =
       std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::scientific).ptr;
@@ -221,7 +221,7 @@ TEST(FormatInteger, LimitsAndHex) {
   EXPECT_EQ(std::string(buffer, formatHex(buffer, ~std::uint64_t{0})), "FFFFFFFFFFFFFFFF");
 }
 
-// A host program that writes decimal commas must not make us write or read them.
+// A host program whose locale has decimal commas must not affect reading or writing.
 class CommaLocale {
  public:
   CommaLocale() : m_before(std::locale::global(std::locale(std::locale(), new Comma))) {

@@ -39,7 +39,7 @@ std::string encodedLine(std::u16string_view text) {
   return bytes;
 }
 
-// Installs a decoder for pages of several bytes while it lives.
+// Installs a decoder for multibyte pages and removes it on destruction.
 class WithDecoder {
  public:
   explicit WithDecoder(MultiByteDecoder decoder) : m_before(setMultiByteDecoder(decoder)) {}
@@ -103,8 +103,8 @@ TEST(CodePages, AreComplete) {
 }
 
 #if defined(__GLIBC__)
-// Byte by byte against the C library's tables, made by other people. Its Macintosh
-// page is of an older edition.
+// Compares each byte with the C library's tables, an independent source. Its Macintosh page is from
+// an older edition.
 TEST(CodePages, AgreeWithTheCLibrary) {
   int compared = 0;
   for (const int page : kPages) {
@@ -119,7 +119,7 @@ TEST(CodePages, AgreeWithTheCLibrary) {
       char *from = in, *to = out;
       std::size_t fromLeft = 1, toLeft = sizeof out;
       iconv(converter, nullptr, nullptr, nullptr, nullptr);
-      // Some pages have combining marks that iconv holds back until it is flushed.
+      // iconv holds back combining marks of some pages until it is flushed.
       const bool defined = iconv(converter, &from, &fromLeft, &to, &toLeft) == 0 &&
                            iconv(converter, nullptr, nullptr, &to, &toLeft) == 0;
       if (!defined || to - out != 2) continue;

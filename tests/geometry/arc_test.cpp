@@ -11,7 +11,7 @@ constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 double degrees(double d) { return d * kPi / 180; }
 
-/// Arc about the origin of radius 1, angles in degrees.
+/// An arc of radius 1 about the origin, angles in degrees.
 ARC_3D arcOf(double start, double end) { return {0, 0, 0, 1, degrees(start), degrees(end)}; }
 
 class Randoms {
@@ -36,7 +36,7 @@ TEST(Arc, AnglesAreNormalised) {
   }
 }
 
-// A stepping loop would not terminate here.
+// A loop that adds full turns would not terminate here.
 TEST(Arc, HugeAnglesAreNormalisedAtOnce) {
   for (const double angle :
        named<double>({1e9, -1e9, 1e17, -1e300, std::numeric_limits<double>::max()})) {
@@ -121,7 +121,7 @@ TEST(Arc, ExtentsAreThoseOfManyOfItsPoints) {
     double s = 0, e = 0;
     arc.getSafeAngles(s, e);
     for (int k = 0; k <= 2000; ++k) sampled.updateRegion(arc.getPntAngle(s + (e - s) * k / 2000));
-    // 2000 steps miss an extreme by r * (pi / 2000)^2 / 2 at most.
+    // With 2000 steps, an extreme is missed by at most r * (pi / 2000)^2 / 2.
     EXPECT_LT(box.min.dist(sampled.min) + box.max.dist(sampled.max), 1e-4);
   }
 }
@@ -204,8 +204,8 @@ TEST(Arc, LinesMeetOnlyThePartThatIsThere) {
   }
 }
 
-/// How often the curve passes through `side` = 0 along the arc, by its points: -1 when a
-/// crossing is too near to an end of the arc, or to another crossing, for that to be known.
+/// How often the arc crosses `side` = 0, counted by samples; -1 if a crossing is too close to an
+/// end of the arc, or to another crossing, to be certain.
 template <class Side>
 int sampledCrossings(const ARC_3D& arc, Side side) {
   constexpr int kSteps = 2000;

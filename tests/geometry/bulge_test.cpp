@@ -36,7 +36,7 @@ TEST(Bulge, ArcOfASegment) {
   }
 }
 
-// Half circles are common (slots, doughnuts): they come out exact, not nearly.
+// Half circles are common (slots, doughnuts) and must be exact.
 TEST(Bulge, HalfCirclesAreExact) {
   ARC_3D arc;
   ASSERT_TRUE(createArcFromBulge(PNT_3D(0, 0, 2), PNT_3D(2, 0, 4), 1, arc));
@@ -54,7 +54,7 @@ TEST(Bulge, StraightSegments) {
   }
 }
 
-// From the flattest valid arc to almost full circles, at any position and size.
+// From the flattest valid arc to almost full circles, anywhere and of any size.
 TEST(Bulge, ArcEndsAtThePointsAndHasTheAngle) {
   std::mt19937 random(41);
   std::uniform_real_distribution<double> real(-1, 1);
@@ -74,7 +74,7 @@ TEST(Bulge, ArcEndsAtThePointsAndHasTheAngle) {
     double s = 0, e = 0;
     left.getSafeAngles(s, e);
     EXPECT_NEAR(std::tan((e - s) / 4), bulge, 1e-6 * (1 + bulge * bulge));
-    // Seen from the other end, the same arc has the opposite bulge.
+    // Traversed backward, the same arc has the opposite bulge.
     ARC_3D back;
     ASSERT_TRUE(createArcFromBulge(p1, p0, -bulge, back));
     EXPECT_LT(PNT_2D(left).dist(back), near);
@@ -85,14 +85,14 @@ TEST(ArcChords, CountForAngles) {
   for (const Row& t : rows()) {
     EXPECT_EQ(arcChords(t.real("angle")), t.whole("count"));
   }
-  // The promise behind the count: one chord more, and the error is below 1e-4.
+  // The smallest number of chords with an error of at most 1e-4 radii.
   for (const double angle : {0.5, 1.0, 3.0, 6.0}) {
     EXPECT_LE(1 - std::cos(angle / arcChords(angle) / 2), 1e-4);
     EXPECT_GT(1 - std::cos(angle / (arcChords(angle) - 1) / 2), 1e-4);
   }
 }
 
-// Against the points by their angles from the center, in long double.
+// Compares with points computed from their angles about the center, in long double.
 TEST(BulgePoints, LieOnTheArcAtEqualSteps) {
   std::mt19937 random(42);
   std::uniform_real_distribution<double> real(-1, 1);
@@ -121,7 +121,7 @@ TEST(BulgePoints, LieOnTheArcAtEqualSteps) {
   }
 }
 
-// An arc of 1e-7 radians has its center 1e7 chords away; its points must not jump.
+// The center of an arc of 1e-7 radians is 1e7 chord lengths away; its points must not jump.
 TEST(BulgePoints, FlatArcsKeepTheirDigits) {
   const std::vector<PNT_3D> points = chordsOf(PNT_3D(0, 0, 0), PNT_3D(2, 0, 0), 2.5e-8);
   ASSERT_EQ(points.size(), 2u);

@@ -7,7 +7,7 @@ namespace {
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kUntouched = 77;
 
-/// The two outputs of an intersection, as they were before the call.
+/// Both outputs of an intersection, preset to detect whether a call writes them.
 struct Found {
   PNT_2D p1{kUntouched, kUntouched}, p2{kUntouched, kUntouched};
   bool untouched() const { return p1 == PNT_2D(kUntouched, kUntouched) && p2 == p1; }
@@ -163,9 +163,9 @@ TEST(Circle, NoCircleThroughPointsInLine) {
       {{0, 0, 0}, {3, 3, 0}, {0, 0, 0}},
       {{5, 5, 5}, {5, 5, 5}, {5, 5, 5}},
       {{0, 0, 0}, {1e6, 0, 0}, {2e6, 1e-7, 0}},
-      {{0, 0, 0}, {0, 1e-7, 0}, {1e6, 0, 0}},  // a corner, but lost in the longest side
+      {{0, 0, 0}, {0, 1e-7, 0}, {1e6, 0, 0}},  // a corner, but negligible beside the longest side
       {{0, 0, 0}, {kNan, 0, 0}, {1, 1, 0}},
-      {{0, 0, 0}, {1e200, 0, 0}, {0, 1e200, 0}},  // its squares overflow
+      {{0, 0, 0}, {1e200, 0, 0}, {0, 1e200, 0}},  // squares overflow
   };
   for (const auto& p : cases) {
     CIRCLE_3D circle(1, 2, 3, 4);

@@ -86,7 +86,7 @@ TEST(Constructions, CirclesTouchWhatTheyWereMadeFrom) {
   }
 }
 
-// The four circles of radius 1 in the corners of two lines: the picks select one.
+// Four circles of radius 1 touch two crossing lines; the picks select one of them.
 TEST(Constructions, PicksChooseTheCornerOfTheCircle) {
   const EDGE_3D x(PNT_3D(-9, 0, 0), PNT_3D(9, 0, 0)), y(PNT_3D(0, -9, 0), PNT_3D(0, 9, 0));
   for (const double sx : {-1.0, 1.0}) {

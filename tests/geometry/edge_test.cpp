@@ -50,7 +50,7 @@ TEST(Edge, ParametersOfItsPointsComeBack) {
   }
 }
 
-// The nearest point by calculus against the nearest of many.
+// Compares the computed nearest point with the nearest of many samples.
 TEST(Edge, NoPointIsNearerThanTheNearest) {
   std::mt19937 random(2);
   std::uniform_real_distribution<double> place(-8, 8);

@@ -30,7 +30,7 @@ TEST(Edits, TrimTakesWhatIsBetweenTheCrossings) {
   EXPECT_TRUE(left.empty());
 }
 
-// The half of a circle on the pick's side is removed, and the rest is on the same circle.
+// The half of the circle on the pick's side is removed; the rest lies on the same circle.
 TEST(Edits, TrimOfACircleLeavesAnArc) {
   const CIRCLE_3D circle(1, 1, 0, 3);
   for (const double side : {-1.0, 1.0}) {
@@ -76,7 +76,7 @@ TEST(Edits, ExtendedArcsStayOnTheirCircle) {
       << "its own beginning is no bound";
 }
 
-// For any edges, the joint begins and ends on them and continues their direction.
+// The joint of any two edges starts and ends on them and continues their directions.
 TEST(Edits, FilletsAreTangent) {
   std::mt19937 random(1);
   std::uniform_real_distribution<double> place(-9, 9);
@@ -104,7 +104,8 @@ TEST(Edits, FilletsAreTangent) {
   EXPECT_GT(made, 500);
 }
 
-// Wherever on its side of the corner the pick is; and an arc beyond an edge does not fit.
+// The result does not depend on where the pick is on its side of the corner; an arc that would
+// extend beyond an edge does not fit.
 TEST(Edits, FilletsCutTheCornerOff) {
   const EDGE_3D x(PNT_3D(0, 0, 0), PNT_3D(10, 0, 0)), y(PNT_3D(0, 10, 0), PNT_3D(0, 0, 0));
   for (const double pick : named<double>({0.5, 1.9, 2.1, 9.0})) {
@@ -172,7 +173,7 @@ TEST(Edits, MarksLieAtEqualLengths) {
   EXPECT_NEAR(marks[0].PNT_2D::dist(0, 1), 0, 1e-12);
   marks.clear();
   ASSERT_TRUE(measurePath(line(0, 0, 1, 0), 0.1, marks));
-  EXPECT_EQ(marks.size(), 10u);  // ten tenths add up to less than one
+  EXPECT_EQ(marks.size(), 10u);  // in floating point, ten tenths add up to less than 1
   marks.clear();
   EXPECT_FALSE(measurePath(line(0, 0, 1, 0), 1e-300, marks));
   EXPECT_FALSE(measurePath(line(0, 0, 1, 0), 0, marks));

@@ -32,14 +32,14 @@ TEST(Ellipse, SweepBetweenParameters) {
   }
 }
 
-// With ratio 1 it equals the circular arc: ends, extents, number of chords, points.
+// With ratio 1 it equals the circular arc in ends, extents, number of chords and points.
 TEST(Ellipse, OfRatioOneIsTheArc) {
   std::mt19937 random(51);
   std::uniform_real_distribution<double> real(-1, 1);
   for ([[maybe_unused]] const int i : rounds(500)) {
     const ARC_3D arc(real(random), real(random), real(random), 2 + real(random), 7 * real(random),
                      7 * real(random));
-    const double turn = 4 * real(random), r = arc.radius;  // where the major axis points
+    const double turn = 4 * real(random), r = arc.radius;  // direction of the major axis
     ELLIPSE_3D e;
     ASSERT_TRUE(e.set(arc, PNT_3D(r * std::cos(turn), r * std::sin(turn), 0), 1,
                       arc.startAngle - turn, arc.endAngle - turn));
@@ -59,7 +59,8 @@ TEST(Ellipse, OfRatioOneIsTheArc) {
   }
 }
 
-// In any plane: the equation holds, the box is that of many points, and chords stay near.
+// In any plane, points satisfy the equation, the box is that of many samples, and chords stay
+// within tolerance.
 TEST(Ellipse, LawsInSpace) {
   std::mt19937 random(52);
   std::uniform_real_distribution<double> real(-1, 1);

@@ -54,7 +54,7 @@ TEST(Line, DistanceSignComesFromTheLineNotItsDirection) {
   EXPECT_DOUBLE_EQ(back.dist(PNT_2D(7, 3)), 2);
   EXPECT_DOUBLE_EQ(back.dist(PNT_2D(-7, 0)), -1);
   EXPECT_EQ(line.dist(PNT_2D(2, 1)), 0);
-  // A point instead of a segment: the plain distance.
+  // A segment of length 0: the distance between two points.
   EXPECT_EQ(LINE_2D(1, 1, 1, 1 + 1e-13).dist(PNT_2D(4, 5)), 5);
 }
 
@@ -159,7 +159,7 @@ TEST(ParLine, CodesOfCommonPoints) {
   EXPECT_EQ(u, 0.25);
   EXPECT_EQ(ray.intersect(IMP_LINE_2D(1, 0, -7), t), 2);
   EXPECT_EQ(t, 3);
-  // Zero is compared exactly, so the shortest direction still crosses.
+  // Only an exact 0 counts as parallel, so the shortest direction still has an intersection.
   const PAR_LINE_2D brief(0, 0, 1e-13, 0);
   EXPECT_EQ(brief.intersect(IMP_LINE_2D(1, 0, -1), t), 2);
   EXPECT_DOUBLE_EQ(t, 1e13);

@@ -43,7 +43,7 @@ TEST(Path, PartsAddUpToTheWhole) {
   }
 }
 
-// Compares the index with all pairs.
+// Compares the index with a search over all pairs.
 TEST(Path, CrossingsAreThoseOfAllPairsOfEdges) {
   std::mt19937 random(3);
   for (const int round : rounds(100)) {
@@ -71,7 +71,7 @@ TEST(Path, MeetsItselfWhereItCrosses) {
   EXPECT_TRUE(selfIntersections(square).empty());
 }
 
-// A corner lies on two edges, and the one where a closed path begins on the first and last.
+// A vertex lies on two edges; the start of a closed path lies on the first and the last one.
 TEST(Path, CornersCountOnceWhereverThePathBegins) {
   PATH_3D path(
       {PNT_3D(0, 0, 0), PNT_3D(4, 0, 0), PNT_3D(4, 4, 0), PNT_3D(-4, -4, 0), PNT_3D(-4, 0, 0)}, {},

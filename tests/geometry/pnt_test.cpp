@@ -77,7 +77,7 @@ TEST(Pnt, ExtentsAreThePointItself) {
 TEST(ProdVect, NormalOfATurn) {
   EXPECT_TRUE(prodVect(PNT_3D(1, 0, 0), PNT_3D(0, 1, 0)) == PNT_3D(0, 0, 1));
   EXPECT_TRUE(prodVect(PNT_3D(2, 3, 5), PNT_3D(7, 11, 13)) == PNT_3D(-16, 9, 1));
-  // From (1,1,0) east by 2, then north by 3: a left turn, so the normal points up.
+  // Edges of 2 to the east and 3 to the north turn left, so the normal points up.
   EXPECT_TRUE(prodVect(PNT_3D(1, 1, 0), PNT_3D(3, 1, 0), PNT_3D(3, 4, 0)) == PNT_3D(0, 0, 6));
 }
 
@@ -99,7 +99,7 @@ TEST(Rounding, HalvesAndLimits) {
   EXPECT_EQ(fround_down(-2.5), -3);
 }
 
-constexpr double kUntouched = 77;  // what x1 and x2 hold before the call
+constexpr double kUntouched = 77;  // preset value of x1 and x2
 
 TEST(Risolvi, CountsAndRoots) {
   const Definitions names{{"kUntouched", kUntouched}};

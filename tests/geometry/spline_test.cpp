@@ -27,7 +27,7 @@ Points chordsOf(const SPLINE_3D& s, double tolerance) {
   return points;
 }
 
-// Knots 0 to `spans`, each end `degree` + 1 times.
+// Clamped knots from 0 to `spans`: each end occurs `degree` + 1 times.
 std::vector<double> clamped(int degree, int spans) {
   std::vector<double> knots(static_cast<std::size_t>(degree), 0);
   for (int i = 0; i <= spans; ++i) knots.push_back(i);
@@ -44,7 +44,7 @@ struct Random {
     for (int i = 0; i < n; ++i) p.emplace_back(real(), real(), real());
     return p;
   }
-  // Any degree, knots in clusters and unclamped ends included, weights over six decades.
+  // Any degree, including clustered knots and unclamped ends, with weights over six decades.
   SPLINE_3D spline() {
     const int degree = 1 + below(7), n = degree + 1 + below(12);
     SPLINE_3D s;
@@ -106,7 +106,7 @@ TEST(Spline, OfDegreeOneIsItsPolygon) {
   for (std::size_t i = 0; i < chain.size(); ++i) EXPECT_TRUE(chain[i] == polygon[i]);
 }
 
-// Against the sum of Bernstein polynomials.
+// Compares with the sum of Bernstein polynomials.
 TEST(Spline, OfOneSpanIsTheBezierCurve) {
   Random random(62);
   for (int degree = 1; degree <= SPLINE_3D::kMaxDegree; ++degree) {
@@ -128,7 +128,7 @@ TEST(Spline, OfOneSpanIsTheBezierCurve) {
   }
 }
 
-// Against the recursion of Cox and de Boor for the basis functions.
+// Compares with the Cox-de Boor recursion for the basis functions.
 double basis(const SPLINE_3D& s, std::size_t i, int degree, double t) {
   const auto p = static_cast<std::size_t>(degree);
   if (degree == 0) return s.knots[i] <= t && t < s.knots[i + 1] ? 1 : 0;
@@ -164,8 +164,8 @@ TEST(Spline, PointsAreTheWeightedSumOfTheControls) {
   EXPECT_GT(valid, 150);
 }
 
-// Every point of the curve is near the chain, every point of the chain is on the curve, and
-// a finer tolerance never gives fewer chords.
+// Every point of the curve is near the chain, every vertex of the chain is on the curve, and a
+// finer tolerance never yields fewer chords.
 TEST(Spline, ChordsKeepTheTolerance) {
   Random random(64);
   for ([[maybe_unused]] const int round : rounds(150)) {
@@ -194,7 +194,7 @@ TEST(Spline, ClampedEndsAreExact) {
   }
 }
 
-// The most common rational curve in files: a circle as quadratic pieces.
+// The most common rational curve in files: a circle made of quadratic pieces.
 TEST(Spline, RationalQuadraticIsTheCircle) {
   const double w = std::sqrt(0.5);
   const SPLINE_3D s = spline(2,
@@ -218,7 +218,7 @@ TEST(Spline, RationalQuadraticIsTheCircle) {
   EXPECT_LT(chain.size(), 600u);
 }
 
-// A periodic curve as in files: the first controls again at the end, uniform knots.
+// A periodic curve as files store it: uniform knots, the first controls repeated at the end.
 TEST(Spline, PeriodicOneClosesSmoothly) {
   Random random(66);
   Points controls = random.points(8);
@@ -232,7 +232,7 @@ TEST(Spline, PeriodicOneClosesSmoothly) {
   EXPECT_LT(leaves.dist(arrives), 1e-11);
 }
 
-// Four equal knots within a cubic: two curves, and the way between them is a chord.
+// Four equal knots inside a cubic make two separate curves, connected by a chord.
 TEST(Spline, JumpsAreKept) {
   const SPLINE_3D s = spline(
       3, {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {3, 5, 0}, {2, 5, 0}, {1, 5, 0}, {0, 5, 0}},
@@ -244,7 +244,7 @@ TEST(Spline, JumpsAreKept) {
   EXPECT_TRUE(s.getPnt(1) == PNT_3D(3, 5, 0));
 }
 
-// Invalid tolerances, and more spans than the limit of chords.
+// Invalid tolerances, and more spans than chords are allowed.
 TEST(Spline, ChordsAreBounded) {
   Random random(67);
   for (const double tolerance : {0.0, -1.0, kNan}) {
@@ -253,7 +253,7 @@ TEST(Spline, ChordsAreBounded) {
   }
   const SPLINE_3D longOne = spline(2, random.points(100002), clamped(2, 100000));
   EXPECT_EQ(chordsOf(longOne, 0).size(), 400001u);
-  // Weights of any size, and coordinates as far out as they may be, stay finite.
+  // Results stay finite for weights of any size and coordinates up to the limit.
   SPLINE_3D wild = spline(3, random.points(9), clamped(3, 6));
   wild.weights = {1e-320, 1e308, 1e-320, 1, 1e300, 1e-300, 1e308, 1e308, 5e-324};
   for (PNT_3D& p : wild.controls) p.scale(PNT_3D(0, 0, 0), 1e100);
@@ -270,7 +270,7 @@ TEST(Spline, FallsBackOnItsControls) {
   EXPECT_EQ(s.size(), 2);
 }
 
-// --- The cubic through points
+// --- The cubic through given points
 
 PNT_3D derivative(const SPLINE_3D& s, double t, double h) {
   const PNT_3D d = s.getPnt(t + h) - s.getPnt(t - h);
@@ -301,7 +301,7 @@ TEST(SplineFit, PassesThroughThePointsSmoothly) {
     if (round % 2) {
       EXPECT_NEAR(leaves.x * 4, leaves.y * 3, 1e-12);
       EXPECT_GT(leaves.x, 0);
-    } else {  // no curvature: the first three controls of the piece lie at equal steps
+    } else {  // no curvature: the first three controls of the piece are equally spaced
       EXPECT_LT(leaves.dist(s.controls[2] - s.controls[1]), 1e-12);
     }
   }
@@ -314,7 +314,7 @@ TEST(SplineFit, StraightLinesStayStraight) {
     EXPECT_NEAR(c.y, 2 * c.x, 1e-14);
     EXPECT_NEAR(c.z, 3 * c.x, 1e-14);
   }
-  EXPECT_EQ(chordsOf(s, 1e-9).size(), 4u);  // the equal neighbors counted once
+  EXPECT_EQ(chordsOf(s, 1e-9).size(), 4u);  // equal neighbors count once
 }
 
 TEST(SplineFit, RefusesWhatIsNoPath) {

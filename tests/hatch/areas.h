@@ -7,7 +7,7 @@ namespace vek0::test {
 using Points = std::vector<PNT_3D>;
 using Rings = std::vector<Points>;
 
-/// "0,0 10,0 10,10" with an optional third coordinate.
+/// Parses points such as "0,0 10,0 10,10", each with an optional third coordinate.
 inline Points pts(const std::string& text) {
   Points points;
   std::istringstream words(text);
@@ -21,7 +21,7 @@ inline Points pts(const std::string& text) {
   return points;
 }
 
-/// The same for rings separated by "/".
+/// The same for several rings, separated by "/".
 inline Rings rings(const std::string& text) {
   Rings result;
   std::istringstream parts(text);
@@ -35,8 +35,8 @@ inline std::string text(const Points& points) {
   return out.str();
 }
 
-/// Whether a point is inside an odd number of rings: a ray to the right, in numbers wider
-/// than those of the library where the machine has them.
+/// Whether an odd number of rings encloses the point. Casts a ray to the right, with numbers wider
+/// than the library's where the machine has them.
 inline bool contains(const Rings& area, long double x, long double y) {
   bool isInside = false;
   for (const Points& ring : area) {
@@ -64,7 +64,7 @@ inline Rings moved(Rings area, double dx, double dy) {
   return area;
 }
 
-/// Random areas; the seed decides all of them.
+/// Makes random areas, determined by the seed.
 class AreaMaker {
  public:
   explicit AreaMaker(unsigned seed) : m_random(seed) {}
@@ -74,7 +74,7 @@ class AreaMaker {
   }
   int whole(int from, int to) { return std::uniform_int_distribution<int>(from, to)(m_random); }
 
-  /// Simple and as a rule concave, seen whole from its center.
+  /// A simple, usually concave ring, entirely visible from its center.
   Points star(int corners, double x, double y, double innerRadius, double outerRadius) {
     Points ring;
     for (int i = 0; i < corners; ++i) {
@@ -85,7 +85,7 @@ class AreaMaker {
     return ring;
   }
 
-  /// A star with a hole and an island in it, or without.
+  /// A star, with or without a hole and an island in it.
   Rings starArea() {
     const double x = number(-20, 20), y = number(-20, 20);
     Rings area = {star(whole(3, 40), x, y, 8, 12)};
@@ -94,8 +94,8 @@ class AreaMaker {
     return area;
   }
 
-  /// Corners on a coarse grid, in any order: it crosses and touches itself, runs along
-  /// itself and along the lines of patterns, and comes back to the same corners.
+  /// Vertices on a coarse grid in any order. The area crosses and touches itself, overlaps itself
+  /// and the lines of patterns, and revisits vertices.
   Rings gridArea() {
     Rings area;
     for (int n = whole(1, 3); n > 0; --n) {
@@ -108,7 +108,7 @@ class AreaMaker {
     return area;
   }
 
-  /// Walls along the axes, as buildings have them: every edge may lie on a line.
+  /// Walls parallel to the axes, as in floor plans: every edge may lie on a pattern line.
   Rings stairArea() {
     Points ring = {{0, 0, 0}};
     const int steps = whole(2, 15);

@@ -22,7 +22,7 @@ std::string text(const Rings& rings) {
   return result;
 }
 
-// Whether two areas are the same wherever a point off the grid is looked up.
+// Whether two areas agree at random points off the grid.
 bool coverTheSame(const Rings& a, const Rings& b, AreaMaker& make) {
   for (int i = 0; i < 40; ++i) {
     const double x = make.number(-6, 6), y = make.number(-6, 6);

@@ -1,4 +1,4 @@
-// VEK0_CORPUS names a folder that may hold public pattern definition files under pat/.
+// If VEK0_CORPUS names a folder, it may contain public pattern definition files under pat/.
 
 #include <stdexcept>
 
@@ -12,7 +12,7 @@ namespace {
 constexpr long kNoPatterns = 68;
 constexpr double kRadPerDeg = 0.01745329251994;
 
-/// A family as definition files print it: degrees, and as many dashes as there are.
+/// A family as definition files state it: the angle in degrees and any number of dashes.
 struct PatternLine {
   double angleDeg, x0, y0, dx, dy;
   std::vector<double> dashes;
@@ -131,8 +131,8 @@ TEST(Catalogue, HasFamiliesThatCanBeDrawn) {
   }
 }
 
-// Families that are moved by a tile of their pattern must fall on themselves: on lines of the
-// family, and dashes on dashes. A wrong angle, offset or dash breaks this, whatever its source.
+// Families moved by a tile of their pattern must coincide with themselves, lines with lines and
+// dashes with dashes. Any wrong angle, offset or dash breaks this.
 TEST(Catalogue, FamiliesOfAPatternRepeatTogether) {
   const double r2 = std::sqrt(2), r3 = std::sqrt(3);
   const auto isWhole = [](double value) { return std::abs(value - std::round(value)) < 1e-5; };
@@ -185,7 +185,7 @@ TEST(Catalogue, TellsItsRecordsFromCopies) {
   EXPECT_EQ(getHatch(empty), -1);
 }
 
-/// One row of a definition file; false when it holds fewer than five numbers.
+/// Parses a row of a definition file; false if it has fewer than five numbers.
 bool parseRow(const std::string& text, PatternLine& row) {
   std::vector<double> numbers;
   for (std::size_t at = 0; at != std::string::npos;) {
@@ -220,11 +220,11 @@ std::vector<Definition> readDefinitions(const std::filesystem::path& file) {
   return definitions;
 }
 
-/// Whether the row is the family at that scale, to the six digits of the files.
+/// Whether the row states the family at this scale, to the six digits of the files.
 bool agrees(const HATCH_LINE& line, const PatternLine& row, double scale) {
   const auto isNear = [](double a, double b) { return std::abs(a - b) <= 5.1e-6 * std::abs(b); };
   std::vector<double> dashes = row.dashes;
-  // Dots that end a sequence do not change it; the catalogue has one more of them.
+  // Dots at the end of a sequence do not change it; the catalogue has one more of them.
   if (dashes.size() < static_cast<std::size_t>(line.numDash)) dashes.push_back(0);
   const std::vector<double> own = dashesOf(line);
   return isNear(line.angle, row.angleDeg * kRadPerDeg) && isNear(line.x0 * scale, row.x0) &&
@@ -252,7 +252,7 @@ TEST(CatalogueCorpus, AgreesWithPublicDefinitions) {
     for (const Definition& definition : readDefinitions(entry.path())) {
       const HATCH_TYPE* type = getHatch(zim::WString::fromUtf8(definition.name));
       if (!type) continue;
-      // Metric files carry the same patterns in millimeters.
+      // Metric files contain the same patterns in millimeters.
       EXPECT_TRUE(agrees(*type, definition.rows, 1) || agrees(*type, definition.rows, 25.4))
           << definition.name << " in " << entry.path();
       ++confirmed[type];

@@ -8,7 +8,7 @@ namespace {
 constexpr double kQuarter = 1.5707963267948966;
 constexpr double kAnyNumber = 1e6;
 
-// What was drawn, in order; a dot is a line from a point to itself.
+// Records the lines in order; a dot is a line from a point to itself.
 class Drawn : public IHatchSink {
  public:
   struct Line {
@@ -55,11 +55,11 @@ Hatch continuous(const Hatch& hatch) {
   return result;
 }
 
-// One family: coarse and fine, with and without dashes, on the grid and off it.
+// A single family: coarse or fine, with or without dashes, on the grid or off it.
 Hatch randomHatch(AreaMaker& make) {
   HATCH_LINE line = {};
   const bool isOnGrid = make.whole(0, 1) > 0;
-  // Turned, lines on the grid would be beside it by rounding, on one side or the other.
+  // In a rotated family, rounding would move lines on the grid to one side or the other.
   line.angle = isOnGrid ? 0 : make.number(-7, 7);
   line.x0 = isOnGrid ? make.whole(-3, 3) : make.number(-9, 9);
   line.y0 = isOnGrid ? make.whole(-3, 3) : make.number(-9, 9);
@@ -74,7 +74,7 @@ Hatch randomHatch(AreaMaker& make) {
   return {{line}, isOnGrid ? 1 : make.number(0.5, 2), isOnGrid ? 0 : make.number(-7, 7)};
 }
 
-// The family once more, in wider numbers and straight from its definition.
+// Geometry of the family, straight from its definition and in wider numbers.
 struct Frame {
   explicit Frame(const Hatch& hatch) : line(hatch.lines[0]), scale(hatch.scale) {
     const long double angle = static_cast<long double>(line.angle + hatch.rotate);
@@ -93,7 +93,7 @@ struct Frame {
     return std::lround((across(p) - acrossOf(0)) / (scale * line.dy));
   }
 
-  // Drawn length between the start of a line's dashes and a place on it.
+  // Length drawn between the start of a line's dashes and a place on it.
   long double drawnUpTo(long double place) const {
     long double period = 0, drawn = 0, result = 0;
     for (int i = 0; i < line.numDash; ++i) period += scale * std::fabs(line.dash[i]);
@@ -113,8 +113,8 @@ struct Frame {
   long double scale, ux, uy, x0, y0;
 };
 
-// Length of a line's dashes inside an area: all edges are asked. The line is looked at a
-// little to its left, where it belongs when an edge runs along it.
+// Length of a line's dashes inside an area, by testing all edges. The line is evaluated slightly to
+// its left, because it belongs there if an edge runs along it.
 long double lengthInside(const Rings& area, const Frame& frame, long k) {
   const long double across = frame.acrossOf(k) + 1e-9L;
   std::vector<long double> cuts;
@@ -135,7 +135,7 @@ long double lengthInside(const Rings& area, const Frame& frame, long k) {
   return length;
 }
 
-// Continuous lines by where they start and end, joined where one ends as another starts.
+// Continuous lines from start to end, joined where one ends and another starts.
 std::map<std::pair<double, double>, std::pair<double, double>> joined(
     const std::vector<const Drawn*>& parts) {
   std::map<std::pair<double, double>, std::pair<double, double>> lines;
@@ -185,8 +185,9 @@ TEST(FillHatch, FamiliesComeInOrderAtTheHeightOfTheFirstPoint) {
   for (const auto& line : drawn.lines) EXPECT_TRUE(line.from.z == 7 && line.to.z == 7);
 }
 
-// Near the ends as well as within, off the corners of the grid. Lines on an edge belong to its
-// left, so that is where we look, closer than any two corners of the areas are in that direction.
+// Tests points near the ends as well as in between, away from vertices on the grid. Lines on an
+// edge belong to its left, so the points are moved left, by less than any distance of two vertices
+// in that direction.
 TEST(FillHatch, EveryLineIsInside) {
   constexpr double kAside = 1e-10;
   std::size_t count = 0;
@@ -262,7 +263,7 @@ TEST(FillHatch, MovesByItsLattice) {
   }
 }
 
-// Cut in two, an area has the same lines: they meet in equal points on the cut.
+// Cutting an area in two does not change its lines: they meet at equal points on the cut.
 TEST(FillHatch, NeighboursMeetExactly) {
   for (const unsigned seed : rounds<unsigned>(1000)) {
     AreaMaker make(seed);
@@ -298,7 +299,7 @@ TEST(FillHatch, AHoleAndWhatIsInItMakeTheWhole) {
   }
 }
 
-// Ten million units from the origin, a hundred million lines and dashes away.
+// Ten million units from the origin, which is a hundred million lines and dashes away.
 TEST(FillHatch, DashesDoNotDrift) {
   const double far = 1e7;
   const Hatch hatch = {{{0, 0, 0, 0.3, 0.1, {0.25, -0.125}, 2}}};
@@ -340,7 +341,7 @@ TEST(FillHatch, RefusesWhatWouldNotEnd) {
   }
 }
 
-// A comb has few lines across it, but each of its teeth cuts all of them.
+// Few lines cross a comb, but each tooth cuts all of them.
 TEST(FillHatch, CountsThePiecesOfComplicatedBoundaries) {
   const std::vector<HATCH_LINE> lines = {{0, 0, 0.5, 0, 1, {}, 0}};
   Points comb;

@@ -63,8 +63,8 @@ TEST(HatchTypeTable, WhatDrawsTheSameIsTheSame) {
   }
 }
 
-// A file may give every hatch lines of its own under one name. Comparing each with all
-// that came before takes minutes here.
+// A file may define different lines for every hatch under one name. Comparing each with all earlier
+// ones would take minutes.
 TEST(HatchTypeTable, ManyPatternsOfOneNameAreNotComparedWithEachOther) {
   constexpr int kNoPatterns = 100000;
   const auto start = std::chrono::steady_clock::now();

@@ -1,4 +1,4 @@
-// Rings from the edges of hatch loops, and which of them a style regards.
+// Building rings from the edges of hatch loops, and selecting rings by style.
 
 #include "support/test.h"
 
@@ -27,7 +27,7 @@ HATCH_RING square(double x, double y, double size) {
   return {{x, y, 0}, {x + size, y, 0}, {x + size, y + size, 0}, {x, y + size, 0}};
 }
 
-// Coordinates in turn, x and y.
+// Coordinates as x and y in turn.
 HATCH_RING ring(const char* text) {
   HATCH_RING points;
   std::istringstream words(text);
@@ -65,9 +65,9 @@ bool isInside(const HATCH_RING& ring, double x, double y) {
 
 // --- Edges
 
-// Edges as text, separated by ';': line x y x y; arc x y radius start end ccw, angles in
-// degrees; ellipse x y majorX majorY ratio start end ccw; cubic, four controls, knots when
-// the word `knots` follows; poly x y x y ..., which is closed when `close` follows.
+// Parses edges separated by ';': line x y x y; arc x y radius start end ccw, with angles in
+// degrees; ellipse x y majorX majorY ratio start end ccw; cubic, four controls, with knots if the
+// word `knots` follows; poly x y x y ..., closed if `close` follows.
 void addEdges(HatchLoopBuilder& b, const std::string& text) {
   std::istringstream edges(text);
   for (std::string edge; std::getline(edges, edge, ';');) {
@@ -189,7 +189,7 @@ TEST(HatchLoopBuilder, RefusesBrokenEdges) {
   EXPECT_TRUE(rings.empty());
 }
 
-// A clockwise edge is the counterclockwise one of the same angles, seen in a mirror.
+// A clockwise edge is the mirror image of the counterclockwise edge with the same angles.
 TEST(HatchLoopBuilder, ClockwiseEdgesAreMirrored) {
   std::mt19937 random(71);
   std::uniform_real_distribution<double> real(-1, 1);
@@ -210,7 +210,7 @@ TEST(HatchLoopBuilder, ClockwiseEdgesAreMirrored) {
   }
 }
 
-// Edges that close by themselves are rings of their own; nothing is open then.
+// Edges that are closed by themselves form separate rings, and nothing is left open.
 TEST(HatchLoopBuilder, SeveralRingsInOneLoop) {
   HatchLoopBuilder b;
   addEdges(b,
@@ -225,8 +225,8 @@ TEST(HatchLoopBuilder, SeveralRingsInOneLoop) {
   EXPECT_LT(signedArea(rings[3]), 0);
 }
 
-// Whatever the order and the direction, the polygon comes back, also when the ends are off by
-// less than the tolerance.
+// The polygon is rebuilt for any order and direction of its edges, also if the ends differ by less
+// than the tolerance.
 TEST(HatchLoopBuilder, ShuffledAndReversedEdgesChain) {
   std::mt19937 random(72);
   std::uniform_real_distribution<double> noise(-1e-7, 1e-7);
@@ -255,7 +255,7 @@ TEST(HatchLoopBuilder, ShuffledAndReversedEdgesChain) {
   }
 }
 
-// Ends that nearly meet close a ring just as those that meet do; the rest is not drawn in.
+// Nearly coincident ends close a ring without an additional edge.
 TEST(HatchLoopBuilder, RingsThatNearlyClose) {
   HatchLoopBuilder b;
   addEdges(b,
@@ -268,8 +268,8 @@ TEST(HatchLoopBuilder, RingsThatNearlyClose) {
   EXPECT_NEAR(area(rings[1]), 6, 1e-6);
 }
 
-// Wedges that share their tips, edge by edge in any order: rings may differ from the wedges,
-// what they fill does not.
+// Wedges with shared tips, edge by edge in any order. The rings may differ from the wedges, but not
+// the filled area.
 TEST(HatchLoopBuilder, SharedVertexesFillTheSame) {
   std::mt19937 random(73);
   Rings wedges;
@@ -295,7 +295,7 @@ TEST(HatchLoopBuilder, SharedVertexesFillTheSame) {
   }
 }
 
-// Edges that do not belong together at all, and all in one place: it ends, and soon.
+// Unrelated edges in one place must not take long.
 TEST(HatchLoopBuilder, ManyLooseEdges) {
   std::mt19937 random(74);
   std::uniform_real_distribution<double> real(-1, 1);
@@ -360,7 +360,7 @@ TEST(ApplyHatchStyle, Nesting) {
   }
 }
 
-// Squares in squares, beside each other and alone, turned: depth by counting holders.
+// Rotated squares, nested, adjacent and separate. The expected depth counts the enclosing squares.
 class RandomSquares {
  public:
   explicit RandomSquares(unsigned seed) : m_random(seed) { fill(0, 0, 1024, 0); }
@@ -394,7 +394,7 @@ TEST(ApplyHatchStyle, AgreesWithCounting) {
     RandomSquares random(seed);
     std::shuffle(random.squares.begin(), random.squares.end(), std::mt19937(seed));
     Rings rings;
-    std::vector<double> one, two;  // the corners' x of what has to stay
+    std::vector<double> one, two;  // x of the corners of the rings that must be kept
     for (const auto& s : random.squares) {
       HATCH_RING ring = square(s.x, s.y, s.size);
       for (PNT_3D& p : ring) p.rotate(PNT_3D(0, 0, 0), 0.1 * (seed - 80));
@@ -415,7 +415,7 @@ TEST(ApplyHatchStyle, AgreesWithCounting) {
   }
 }
 
-// Sizes at which a scan of all pairs would be felt.
+// Sizes at which comparing all pairs would take noticeably long.
 TEST(ApplyHatchStyle, ManyRings) {
   Rings rows, targets, islands{circle(0, 0, 1000, 10000)};
   for (int i = 0; i < 20000; ++i) rows.push_back(square(2 * i, 0, 1));
@@ -429,8 +429,8 @@ TEST(ApplyHatchStyle, ManyRings) {
   EXPECT_EQ(kept.outermost, 10001u);
 }
 
-// Slivers whose boxes all hold each other's points, though the slivers do not: it is given up
-// in time, and what was not judged stays.
+// Slivers whose boxes contain each other's points, although the slivers do not. The search gives up
+// in time and keeps the rings that were not classified.
 TEST(ApplyHatchStyle, EntangledRingsEnd) {
   Rings rings;
   for (int i = 0; i < 2000; ++i) {

@@ -13,7 +13,7 @@ Faces fill(const Rings& area) {
   return faces;
 }
 
-// Twice the area of a triangle, positive when it turns to the left.
+// Twice the signed area of a triangle, positive if counterclockwise.
 long double turnOf(const PNT_3D& a, const PNT_3D& b, const PNT_3D& c) {
   return (static_cast<long double>(b.x) - a.x) * (static_cast<long double>(c.y) - a.y) -
          (static_cast<long double>(b.y) - a.y) * (static_cast<long double>(c.x) - a.x);
@@ -34,8 +34,8 @@ bool contains(const HatchFace& face, double x, double y) {
   return vek0::test::contains(Rings{{face.p, face.p + 4}}, x, y);
 }
 
-// The area the slow way: between the heights of all corners and of all crossings, each
-// edge with each, the width of the inside changes evenly.
+// The area by a slow method: between the heights of all vertices and of the crossings of all pairs
+// of edges, the width of the inside changes linearly.
 double areaOf(const Rings& area) {
   std::vector<std::pair<PNT_3D, PNT_3D>> edges;
   for (const Points& ring : area) {
@@ -68,7 +68,7 @@ double areaOf(const Rings& area) {
   return static_cast<double>(sum);
 }
 
-// Faces turn to the left, cover the area once and nothing else.
+// Checks that faces are counterclockwise and cover the area exactly once, and nothing else.
 void expectCovered(const Rings& area, AreaMaker& make) {
   const Faces faces = fill(area);
   ASSERT_NEAR(areaOf(faces), areaOf(area), 1e-9) << vek0::test::text(joinHatchRings(area));
@@ -105,13 +105,13 @@ TEST(FillSolid, CoversTheInsideOnce) {
     AreaMaker make(seed);
     const Rings area = make.area();
     expectCovered(area, make);
-    // Turned by quarters, what was upright is level; turned otherwise, nothing fits exactly.
+    // Quarter turns exchange horizontal and vertical; other angles fit nothing exactly.
     expectCovered(vek0::test::turned(area, 1.5707963267948966), make);
     expectCovered(vek0::test::turned(area, make.number(-3, 3)), make);
   }
 }
 
-// Hundreds of points on a line that rounding bends, there and back.
+// Hundreds of points on a line, out and back, displaced by rounding.
 TEST(FillSolid, TakesEdgesThatNearlyCoincide) {
   for (const unsigned seed : rounds<unsigned>(300)) {
     AreaMaker make(seed);

@@ -1,4 +1,4 @@
-// Definition files of other programs: what was read and saved must read the same again.
+// Definition files from other programs: saving and loading again must not change them.
 
 #include "ltypefile/loading.h"
 #include "support/test.h"

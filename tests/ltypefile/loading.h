@@ -3,7 +3,7 @@
 #include "files/number.h"
 #include "support/test.h"
 
-/// Makes the styles it is asked for and remembers how often that was.
+/// Creates the requested styles and counts the requests.
 class StyleMaker : public CLtypeLoader::IErrorNotifier {
  public:
   explicit StyleMaker(CStyleTable& styles) : m_styles(styles) {}
@@ -20,7 +20,7 @@ class StyleMaker : public CLtypeLoader::IErrorNotifier {
   CStyleTable& m_styles;
 };
 
-/// A loader with a style table of its own, in which every style is found.
+/// A loader with its own style table, in which every style is found.
 struct Loading {
   CStyleTable styles;
   CLtypeFactory factory;
@@ -43,8 +43,8 @@ struct Loading {
   const CLtype& operator[](int i) const { return *loader.GetLtypeNo(i); }
 };
 
-/// "1.0 -0.5 HW/LineType/0.1/90.0/0.0/-1.0": the elements of a linetype, its texts as
-/// text, style, scale, degrees and offset.
+/// Elements of a linetype as "1.0 -0.5 HW/LineType/0.1/90.0/0.0/-1.0"; a text has string, style,
+/// scale, rotation in degrees and offset.
 inline std::string pattern(const CLtype& ltype) {
   const auto number = [](double value) {
     char digits[vek0::detail::kShortestRoom];

@@ -13,7 +13,7 @@ std::string patternOf(const std::string& line) {
   return loaded.loader.GetNoLtype() == 1 ? pattern(loaded[0]) : "not one linetype";
 }
 
-// Gives its lines, then fails as often as it is asked.
+// Returns its lines; every further read yields an empty line and a failure.
 class BrokenFile : public CFileMemory {
  public:
   explicit BrokenFile(const std::string& bytes) : CFileMemory(u"broken.lin", kRead, bytes) {}
@@ -82,7 +82,7 @@ TEST(LtypeLoader, AnUnknownStyleIsTheNotifiersBusiness) {
   EXPECT_TRUE(asked.loader.GetReport().empty());
 
   asked.loader.SetNotifier(nullptr);
-  asked.load("");  // nothing may name the styles any more
+  asked.load("");  // releases the linetypes, so that nothing refers to the styles
   asked.styles.clearAll();
   asked.load(bytes);
   EXPECT_EQ(pattern(asked[0]),
@@ -128,8 +128,8 @@ TEST(LtypeLoader, WhatTheFormatCannotHoldIsReplacedAndReported) {
   EXPECT_EQ(report.count("number-range"), 1);
 }
 
-// Any names and texts, control characters, blanks at the ends and escapes included, and
-// dash lengths of any size: what was written reads back.
+// Any names and texts, including control characters, escapes, and blanks at the ends, with dashes
+// of any length: a saved file loads as the same.
 TEST(LtypeLoader, LoadUndoesSave) {
   std::mt19937 engine(3);
   const std::u16string units = u"aB \t\n\r\\U+0041;*[]'^%\x1A\x85\u00E9\u00C3\u20AC\u4E2D";
@@ -175,7 +175,7 @@ TEST(LtypeLoader, LoadUndoesSave) {
 }
 
 TEST(LtypeLoader, LinesMayBeOfAnyLength) {
-  // Around the size of one buffer, where a line is put together, and far beyond it.
+  // Around the size of the buffer in which a line is assembled, and far beyond it.
   for (const std::size_t length : {8189u, 8190u, 8191u, 8192u, 8193u, 16382u, 1000000u}) {
     for (const char* end : {"", "\n", "\r\n"}) {
       const std::string line = "A," + std::string(length - 3, ' ') + "1" + end;

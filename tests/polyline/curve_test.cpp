@@ -11,7 +11,7 @@ constexpr short kFit = 2, kSpline = 4, kBezier = 8;
 
 PNT_3D pnt(const CURVE_VERTEX& v) { return {v.x, v.y, v.z}; }
 
-/// Controls without width at the given points.
+/// Control points without width.
 Vertexes frame(const std::vector<PNT_2D>& points) {
   Vertexes controls;
   for (const PNT_2D& p : points) controls.push_back({p.x, p.y, 0, 0, 0, 0});
@@ -74,7 +74,7 @@ TEST(Curve, DegreesBeyondTheLimitsAreTheLimits) {
   }
 }
 
-// Splines and Bezier pieces mix their controls with shares between 0 and 1.
+// Every point of a spline or Bezier curve is a convex combination of its controls.
 TEST(Curve, SplinesStayInTheBoxOfTheirControls) {
   std::mt19937 random(58);
   for (const int round : rounds(200)) {
@@ -95,7 +95,7 @@ TEST(Curve, SplinesStayInTheBoxOfTheirControls) {
   }
 }
 
-// With as few controls as the degree allows, a clamped spline is a Bezier piece, whose
+// With the minimum number of controls for its degree, a clamped spline is a Bezier curve, whose
 // points follow from the Bernstein polynomials.
 TEST(Curve, SmallestOpenSplineIsABezierPiece) {
   std::mt19937 random(52);
@@ -121,7 +121,8 @@ TEST(Curve, SmallestOpenSplineIsABezierPiece) {
   }
 }
 
-// At a knot a periodic cubic is (1, 4, 1) / 6 of three controls, a quadratic (1, 1) / 2.
+// At a knot, a periodic cubic is the (1, 4, 1) / 6 average of three controls, a quadratic the (1,
+// 1) / 2 average of two.
 TEST(Curve, ClosedSplineAtItsKnots) {
   std::mt19937 random(53);
   const Vertexes controls = randomFrame(random, 6);
@@ -137,7 +138,7 @@ TEST(Curve, ClosedSplineAtItsKnots) {
   }
 }
 
-// At its inner knots a clamped cubic is smooth: no kink, however far the controls.
+// A clamped cubic is smooth at its inner knots: no kink, however far apart the controls.
 TEST(Curve, SplinesTurnSlowly) {
   const Vertexes zigzag = frame({{0, 0}, {10, 10}, {20, 0}, {30, 10}, {40, 0}, {50, 10}});
   const Vertexes curve = curveVertexes(zigzag, kSpline, 3, false, 64);
@@ -152,7 +153,7 @@ TEST(Curve, ReversedControlsGiveTheReversedCurve) {
   std::mt19937 random(54);
   for (const short type : {kFit, kSpline, kBezier}) {
     for ([[maybe_unused]] const int round : rounds(50)) {
-      // Seven controls: the Bezier pieces come out the same from both ends.
+      // Seven controls: the Bezier curve is the same from both ends.
       const Vertexes controls = randomFrame(random, 7);
       const Vertexes reversed(controls.rbegin(), controls.rend());
       const Vertexes curve = curveVertexes(controls, type, 3, false);
@@ -185,7 +186,7 @@ TEST(Curve, WidthsFollowTheFrame) {
   }
 }
 
-// A closed cubic begins at the second control, so it must begin with that one's width.
+// A closed cubic begins at the second control, hence with that control's width.
 TEST(Curve, WidthsOfAClosedSplineAreThoseOfTheNearControls) {
   Vertexes controls = frame({{0, 0}, {10, 0}, {10, 10}, {0, 10}});
   for (std::size_t i = 0; i < 4; ++i) {
@@ -200,7 +201,7 @@ TEST(Curve, WidthsOfAClosedSplineAreThoseOfTheNearControls) {
   EXPECT_DOUBLE_EQ(curveVertexes(controls, kSpline, 2, true, 2)[0].widthStart, 0.5);
 }
 
-// --- Arcs through the points
+// --- Arcs through given points
 
 TEST(FitCurve, PointsOfACircleGiveTheCircle) {
   const CIRCLE_3D circle(3, 4, 0, 50);
@@ -224,7 +225,7 @@ TEST(FitCurve, PointsOfACircleGiveTheCircle) {
   }
 }
 
-/// Direction of travel where segment `i` begins, or where it ends.
+/// Direction of travel at the start or the end of segment `i`.
 double direction(const Vertexes& curve, std::size_t i, bool end) {
   const CURVE_VERTEX& a = curve[i];
   const double along = pnt(a).angle(pnt(curve[(i + 1) % curve.size()]));
@@ -235,7 +236,7 @@ TEST(FitCurve, PassesThroughAllControlsWithoutAKink) {
   std::mt19937 random(55);
   std::uniform_real_distribution<double> real(-1, 1);
   for ([[maybe_unused]] const int round : rounds(200)) {
-    // A path that wanders but does not double back.
+    // A path that wanders without doubling back.
     Vertexes controls;
     double x = 0, y = 0, heading = 0;
     for (int i = 0; i < 12; ++i) {

@@ -25,7 +25,7 @@ using geos::operation::buffer::BufferParameters;
 using GeometryPtr = std::unique_ptr<Geometry>;
 
 constexpr int kQuadrantSegments = 256;
-// Chords of its arcs: 1 - cos(pi / 4 / 64) of the distance, and some rounding of its own.
+// The peer replaces arcs by chords: 1 - cos(pi / 4 / 64) of the distance, plus some rounding.
 constexpr double kChordShare = 1e-3;
 
 const GeometryFactory& factory() { return *GeometryFactory::getDefaultInstance(); }
@@ -51,7 +51,7 @@ GeometryPtr borderOf(const Geometry& geometry, double dist) {
   return BufferOp(&geometry, parameters).getResultGeometry(dist)->getBoundary();
 }
 
-// Points along the results, dense enough to stand for them.
+// Points along the results, densely sampled.
 std::vector<PNT_3D> samples(const std::vector<PATH_3D>& paths) {
   std::vector<PNT_3D> points;
   for (const PATH_3D& path : paths)
@@ -95,7 +95,7 @@ std::vector<PATH_3D> offsetsOf(const std::vector<PNT_3D>& points, bool closed, d
   return out;
 }
 
-// A star of random radii about the origin crosses itself nowhere.
+// A star with random radii about the origin, which never crosses itself.
 std::vector<PNT_3D> randomRing(std::mt19937& random) {
   std::uniform_real_distribution<double> radius(2, 10);
   const int n = std::uniform_int_distribution<int>(3, 40)(random);
@@ -115,8 +115,7 @@ std::vector<PNT_3D> randomChain(std::mt19937& random) {
   return points;
 }
 
-// Runs along itself, meets itself at right angles, turns back: nothing is in general
-// position.
+// Overlaps itself, meets itself at right angles and reverses: nothing is in general position.
 std::vector<PNT_3D> latticeWalk(std::mt19937& random) {
   std::vector<PNT_3D> points{PNT_3D(0, 0, 0)};
   for (int i = 0; i < 30; ++i) {
@@ -156,7 +155,7 @@ void expectBorderOfBuffer(const std::vector<PNT_3D>& chain, double dist) {
   EXPECT_LE(farthest(*theirs, ours, {chain.front(), chain.back()}, dist), kChordShare * dist);
 }
 
-// The border of a chain's buffer is its offsets to both sides and the round ends.
+// The border of a chain's buffer consists of the offsets on both sides and the round ends.
 TEST(OffsetPeer, BothSidesOfAChainAreTheBorderOfItsBuffer) {
   std::mt19937 random(2);
   std::uniform_real_distribution<double> distance(0.05, 3);

@@ -34,13 +34,13 @@ TEST(CalcParalLine, KnownChains) {
   EXPECT_EQ(CalcParalLine(static_cast<const PNT_2D*>(nullptr), 0, 1, true, nullptr), 0);
 }
 
-// A short step between two long segments, swallowed by their offsets: these meet directly.
+// The offsets of two long segments meet directly and swallow the short step between them.
 TEST(CalcParalLine, SwallowedSegmentLeavesItsNeighboursToMeet) {
   const std::vector<PNT_2D> out = CalcParalLine(pts("0,0 10,0 10.5,0.5 10.5,10"), -2, false);
   expectPoints(out, "0,2 8.5,2 8.5,10");
 }
 
-// The steps as they are told, with a new pass after every removal.
+// The algorithm as specified, which starts over after every removal.
 std::vector<PNT_2D> bySteps(const std::vector<PNT_2D>& pts, double dist, bool closed) {
   const auto same = [](const PNT_2D& a, const PNT_2D& b) {
     return std::fabs(a.x - b.x) <= 1e-12 && std::fabs(a.y - b.y) <= 1e-12;
@@ -119,7 +119,7 @@ TEST(CalcParalLine, HeightsAreThoseOfTheSharedPoints) {
   EXPECT_TRUE(out[0] == PNT_3D(0, -1, 1));
   EXPECT_TRUE(out[1] == PNT_3D(11, -1, 2));
   EXPECT_TRUE(out[2] == PNT_3D(11, 10, 4));
-  // The short step goes; the corner lies on the first segment, at 85 % of it.
+  // The short step is removed; the corner lies on the first segment, at 85 % of it.
   const std::vector<PNT_3D> step{PNT_3D(0, 0, 0), PNT_3D(10, 0, 10), PNT_3D(10.5, 0.5, 10),
                                  PNT_3D(10.5, 10, 0)};
   const std::vector<PNT_3D> met = CalcParalLine(step, -2, false);
@@ -150,7 +150,7 @@ TEST(PtLeftSide, NearestSegmentDecides) {
   }
 }
 
-// Left of a counterclockwise ring is inside it.
+// The left side of a counterclockwise ring is its inside.
 TEST(PtLeftSide, OfARingIsItsInside) {
   std::mt19937 random(2);
   std::uniform_real_distribution<double> radius(2, 10), place(-11, 11);

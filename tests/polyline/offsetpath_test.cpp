@@ -36,7 +36,7 @@ double distanceOf(const PATH_3D& path, const PNT_2D& p) {
   return path.edges[edge].at(t).PNT_2D::dist(p);
 }
 
-// Edges follow each other, and closed paths close.
+// Each edge starts where the previous one ends, and closed paths end where they start.
 void expectConnected(const PATH_3D& path) {
   ASSERT_FALSE(path.empty());
   for (std::size_t i = 0; i + 1 < path.edges.size(); ++i)
@@ -58,7 +58,7 @@ TEST(OffsetPath, KnownShapes) {
       closedPath({PNT_3D(0, 0, 0), PNT_3D(10, 0, 0), PNT_3D(10, 4, 0), PNT_3D(20, 4, 0),
                   PNT_3D(20, 0, 0), PNT_3D(30, 0, 0), PNT_3D(30, 10, 0), PNT_3D(20, 10, 0),
                   PNT_3D(20, 6, 0), PNT_3D(10, 6, 0), PNT_3D(10, 10, 0), PNT_3D(0, 10, 0)});
-  // Two squares of 6, each with what two arcs about the waist's corners leave.
+  // Two squares of 6, each with the rest that two arcs about the corners of the waist leave.
   const double waistArea = 72 + 4 * (2 - std::sqrt(0.75) - kPi / 3);
   const struct {
     const char* name;
@@ -135,8 +135,8 @@ PATH_3D randomChain(std::mt19937& random, bool closed) {
   return PATH_3D(points, bulges, closed);
 }
 
-// What is promised of every result, and that nothing is missing: a point beside the path,
-// exactly the distance away, that nothing else comes near, must lie on one.
+// Checks the guarantees of every result, and completeness: a point at exactly the distance from the
+// path that is no closer to any other part of it must lie on a result.
 TEST(OffsetPath, KeepsItsDistanceAndMissesNothing) {
   std::mt19937 random(1);
   std::uniform_real_distribution<double> distance(-3, 3), share(0, 1);
@@ -165,7 +165,7 @@ TEST(OffsetPath, KeepsItsDistanceAndMissesNothing) {
   EXPECT_GT(wanted, 800);
 }
 
-// Turned, mirrored, begun elsewhere: the same results.
+// Rotating or mirroring the path, or starting elsewhere, leads to the same results.
 TEST(OffsetPath, DoesNotDependOnTheStartOrTheFrame) {
   std::mt19937 random(2);
   for ([[maybe_unused]] const int round : rounds(150)) {
@@ -208,7 +208,7 @@ TEST(OffsetPath, RingsStayClosed) {
   }
 }
 
-// A path twice along itself has the parallels of the path once.
+// A path that runs twice along itself has the same offsets as a single pass.
 TEST(OffsetPath, RunningTwiceAlongItselfChangesNothing) {
   const PATH_3D once({PNT_3D(0, 0, 0), PNT_3D(10, 0, 0), PNT_3D(10, 5, 0), PNT_3D(0, 5, 0)}, {},
                      true);
@@ -254,8 +254,8 @@ TEST(OffsetPath, OddNumbersAreRefusedOrHarmless) {
   }
 }
 
-// A coast with ten times the detail takes about ten times as long: each part of it is
-// compared with its surroundings alone. Counted in results here, measured in the bench.
+// Time must grow linearly with the detail of a coastline: each part is compared only with its
+// surroundings. This test counts the results; the benchmark measures the time.
 TEST(OffsetPath, LongChainsGiveOneResult) {
   std::vector<PNT_3D> points;
   for (int i = 0; i < 8000; ++i) points.emplace_back(i, 5 * std::sin(i * 0.1), 0);

@@ -7,7 +7,7 @@ namespace {
 using Ring = std::vector<PNT_3D>;
 using Wide = std::vector<WIDE_VERTEX>;
 
-/// Points written as "0,0 10,0"; a vertex may add its widths: "0,0,1,2".
+/// Parses points written as "0,0 10,0"; a vertex may add its widths: "0,0,1,2".
 std::vector<std::vector<double>> numbers(const std::string& text) {
   std::vector<std::vector<double>> out;
   std::istringstream points(text);
@@ -20,7 +20,7 @@ std::vector<std::vector<double>> numbers(const std::string& text) {
   return out;
 }
 
-/// Vertices of the width `width` where the text gives none.
+/// Vertices with the given width, unless the text specifies one.
 Wide wide(const std::string& text, double width) {
   Wide out;
   for (const auto& v : numbers(text)) {
@@ -57,7 +57,7 @@ TEST(Silhouette, Rings) {
   }
 }
 
-// Going straight on, where rounding decides how the sides meet.
+// Along a straight line, rounding decides how the sides meet.
 TEST(Silhouette, StraightJointsStayAtTheirVertexes) {
   for (int degrees = 0; degrees < 360; degrees += 7) {
     SCOPED_TRACE(degrees);
@@ -76,7 +76,7 @@ TEST(Silhouette, StraightJointsStayAtTheirVertexes) {
   }
 }
 
-// The mitre of width 2 reaches 1 / sin(a / 2) out of a corner of angle a: 8 is the limit.
+// A mitre reaches 1 / sin(a / 2) half widths out of a corner of angle a; the limit is 8.
 TEST(Silhouette, SharpCornersAreBevelled) {
   for (const double degrees : named<double>({20.0, 15.0, 14.0, 5.0, 0.1})) {
     const double a = degrees * 3.141592653589793 / 180;
@@ -100,7 +100,7 @@ TEST(Silhouette, KeepsTheHeightOfItsVertices) {
   for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(silhouette.getRun(0)[i].z, want[i]);
 }
 
-/// A path of gentle turns and constant width.
+/// A path of constant width with gentle turns.
 Wide gentlePath(std::mt19937& random, std::size_t n, double width) {
   std::uniform_real_distribution<double> real(-1, 1);
   Wide path;
@@ -114,7 +114,7 @@ Wide gentlePath(std::mt19937& random, std::size_t n, double width) {
   return path;
 }
 
-// Mitres take from one side what they give to the other, so the area is width * length.
+// A mitre adds to one side what it removes from the other, so the area is width * length.
 TEST(Silhouette, AreaIsWidthTimesLengthAndDirectionDoesNotMatter) {
   std::mt19937 random(61);
   for ([[maybe_unused]] const int round : rounds(200)) {
@@ -125,7 +125,7 @@ TEST(Silhouette, AreaIsWidthTimesLengthAndDirectionDoesNotMatter) {
     const CPolylineSilhouette there(path, false), again(back, false);
     EXPECT_NEAR(area(there.getRun(0)), -1.5 * length, 1e-9);
     EXPECT_NEAR(area(again.getRun(0)), -1.5 * length, 1e-9);
-    // Each side of the outline keeps half the width from its segment's line.
+    // Each side of the outline runs half the width away from the line of its segment.
     const Ring& ring = there.getRun(0);
     ASSERT_EQ(ring.size(), 2 * path.size());
     for (std::size_t i = 0; i + 1 < path.size(); ++i) {
@@ -165,7 +165,7 @@ TEST(Silhouette, MovesAndTurnsWithThePolyline) {
   }
 }
 
-// How often the rings run around a point.
+// Winding number of the rings about a point.
 int windings(const CPolylineSilhouette& silhouette, const PNT_2D& p) {
   int turns = 0;
   for (std::size_t r = 0; r < silhouette.getNoRuns(); ++r) {
@@ -180,7 +180,7 @@ int windings(const CPolylineSilhouette& silhouette, const PNT_2D& p) {
   return turns;
 }
 
-// The part of a segment at `along` of its length, `across` of its half width to the left.
+// The point of segment `i` at `along` of its length, `across` half widths to the left.
 PNT_2D bodyPoint(const Wide& path, std::size_t i, double along, double across) {
   const PNT_3D &from = path[i].pnt, &to = path[(i + 1) % path.size()].pnt;
   const double half = (path[i].widthStart * (1 - along) + path[i].widthEnd * along) / 2;
@@ -197,8 +197,8 @@ bool isInBody(const Wide& path, std::size_t i, const PNT_2D& p) {
   return along >= 0 && along <= 1 && std::fabs(dx * way.y - dy * way.x) <= half * length;
 }
 
-// What a chain of constant width, of tapers, or of jumps draws lies within its outline, and
-// that within its extents. Nothing joins bodies where the width jumps.
+// The bodies of segments lie within the outline, and the outline within the extents, whether widths
+// are constant, taper or jump. Nothing connects bodies where the width jumps.
 TEST(Silhouette, HoldsWhatIsDrawn) {
   std::mt19937 random(64);
   std::uniform_real_distribution<double> real(-50, 50), share(0.001, 0.999);
@@ -242,7 +242,7 @@ RECT_3D boxOf(const std::vector<CPolylineSilhouette>& silhouettes) {
   return box;
 }
 
-// Filled one by one, and left out where they make no box larger.
+// The pieces may be filled one by one; those that do not enlarge the box are skipped.
 TEST(SilhouettePieces, CoverWhatTheWholeCovers) {
   std::mt19937 random(65);
   std::uniform_real_distribution<double> real(-50, 50);

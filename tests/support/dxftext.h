@@ -12,13 +12,12 @@
 #include "vek0core/files/filememory.h"
 #include "vek0core/files/report.h"
 
-// DXF text in tests is pairs, "code value" each; the helpers add what every file
-// needs around them.
+// Tests write DXF text as pairs, "code value" each; the helpers add the parts that every file
+// needs.
 
 namespace vek0::test {
 
-/// One pair as its two lines. The value is what follows the first blank; a pair
-/// without one has an empty value.
+/// One pair as two lines. The value follows the first blank; without one it is empty.
 inline std::string pairText(std::string_view pair) {
   const std::size_t blank = pair.find(' ');
   const std::string_view code = pair.substr(0, blank);
@@ -32,7 +31,7 @@ std::string pairs(const Pairs&... pair) {
   return (std::string() + ... + pairText(pair));
 }
 
-/// Pairs in one text, separated by '|', for tables of cases.
+/// Pairs in one text, separated by '|', as tables of cases use them.
 inline std::string pairsOf(std::string_view list) {
   std::string text;
   while (!list.empty()) {
@@ -43,7 +42,7 @@ inline std::string pairsOf(std::string_view list) {
   return text;
 }
 
-/// A whole file: the pairs and the end mark.
+/// A whole file: the pairs followed by EOF.
 template <class... Pairs>
 std::string dxf(const Pairs&... pair) {
   return pairs(pair...) + "0\nEOF\n";
@@ -58,12 +57,12 @@ inline std::string table(std::string_view name, const std::string& entries) {
          pairs("0 ENDTAB");
 }
 
-/// HEADER with only a version.
+/// A HEADER section with only the version.
 inline std::string version(std::string_view name) {
   return section("HEADER", pairs("9 $ACADVER") + pairText("1 " + std::string(name)));
 }
 
-/// A drawing with the result of reading a text into it.
+/// A drawing and the result of loading a text into it.
 struct Loaded {
   CDataPtr data{CDataFactory().createData()};
   CFileDXFIError error;

@@ -11,7 +11,7 @@
 
 namespace vek0::test {
 
-/// Where a loop stands.
+/// Source position of a loop.
 struct Place {
   const char* file;
   int line;

@@ -13,7 +13,7 @@ constexpr std::size_t kLongestLine = 255;
 constexpr std::size_t kLongestName = 31;
 
 struct Pair {
-  long line = 0;  // of the group code
+  long line = 0;  // line of the group code
   long code = 0;
   std::string value;
 };
@@ -251,7 +251,7 @@ class Lint {
     while (at("BLOCK")) {
       const Record& block = next();
       checkEntityRecords();
-      // Only now, so that an insert of the block in itself precedes its definition.
+      // Only here, so that an insert of the block in itself counts as preceding its definition.
       declare(block, m_blocks);
       if (m_exchange && at("ENDBLK") && m_records[m_at].text(8) != "0")
         complain(m_records[m_at].line, "ENDBLK without its layer");

@@ -13,10 +13,10 @@ namespace vek0::test {
 
 namespace {
 
-/// Failures are exceptions: a test cannot go on without its data.
+/// Failures are exceptions, because a test cannot continue without its data.
 [[noreturn]] void fail(const std::string& what) { throw std::runtime_error(what); }
 
-/// The character of an escape that starts behind the backslash; moves `at` behind it.
+/// The character for the escape sequence at `at`, behind the backslash; moves `at` past it.
 char unescaped(const std::string& line, std::size_t& at) {
   const char c = line[at++];
   if (c == 'x') {
@@ -90,7 +90,7 @@ Tables readTables(const std::string& path) {
   return tables;
 }
 
-/// The data file of a test file, whatever folder the compiler was started in.
+/// The data file of a test file, whatever the compiler's working directory was.
 std::string dataFileOf(const std::string& testFile) {
   const std::size_t tests = testFile.rfind("tests/"), name = testFile.rfind('/') + 1;
   const std::string folder = testFile.substr(tests + 5, name - tests - 5);

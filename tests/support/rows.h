@@ -12,7 +12,7 @@
 
 // Tables of cases live in files: tests/<room>/data/<name>.txt belongs to
 // tests/<room>/<name>_test.cpp and has a section per test:
-//
+// tests/<room>/<name>_test.cpp and has a section per test:
 //     # Two or more blanks separate cells. A cell in quotes is a C string literal; the others
 //     # stand for themselves.
 //     [Suite.Test]
@@ -25,7 +25,7 @@
 
 namespace vek0::test {
 
-/// A name that the cells of a table may use for a value of the test.
+/// A name by which the cells of a table refer to a value of the test.
 struct Definition {
   Definition(std::string n, const std::string& value) : name(std::move(n)), text(value) {}
   Definition(std::string n, const char* value) : name(std::move(n)), text(value) {}
@@ -46,28 +46,28 @@ class Row {
   Row(const std::vector<std::string>& columns, std::vector<std::string> cells, Place place)
       : m_columns(&columns), m_cells(std::move(cells)), m_place(place) {}
 
-  /// The same row in a test that defines names; they must outlive it.
+  /// The same row with names that the test defines; they must outlive it.
   Row with(const Definitions& names) const;
 
   std::string text(std::string_view column) const;
-  /// The texts between bars.
+  /// The texts between vertical bars.
   std::vector<std::string> list(std::string_view column) const;
   zim::WString wide(std::string_view column) const { return zim::WString::fromUtf8(text(column)); }
   /// A sum of products of numbers, `pi`, `inf` and `nan`, evaluated as C++ does.
   double real(std::string_view column) const { return number(cell(column)); }
-  /// Such numbers, separated by blanks or commas.
+  /// Such sums, separated by blanks or commas.
   std::vector<double> reals(std::string_view column) const;
-  /// Such as "1,2" or "1,2,3".
+  /// Coordinates such as "1,2" or "1,2,3".
   PNT_3D point(std::string_view column) const;
   std::vector<PNT_3D> points(std::string_view column) const;
-  /// Two corners, as points.
+  /// A box given by its two corners, as points.
   template <class Rect = RECT_3D>
   Rect rect(std::string_view column) const {
     const std::vector<PNT_3D> all = points(column);
     if (all.size() != 2) fail("not two corners: " + text(column));
     return Rect(all[0], all[1]);
   }
-  /// A shape made of three, four or six numbers.
+  /// A shape given by three, four or six numbers.
   template <class Shape>
   Shape shape(std::string_view column) const {
     const std::vector<double> n = reals(column);
@@ -114,7 +114,7 @@ inline Named<const std::vector<Row>&> rows(std::string section = {}) {
   return named(rowsOf(std::move(section)));
 }
 
-/// The same where cells use names of the test, which must outlive the loop.
+/// The same with names that the test defines; they must outlive the loop.
 Named<std::vector<Row>> rowsWith(const Definitions& names, std::string section = {});
 
 }  // namespace vek0::test

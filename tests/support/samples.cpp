@@ -2,7 +2,7 @@
 
 namespace vek0::test {
 
-// Only this file contains the folder, so that a compiler cache works across checkouts.
+// The only file that contains the folder's path, so that a compiler cache works across checkouts.
 std::string samplePath(const std::string& name) {
   return name.empty() ? VEK0_SAMPLES : std::string(VEK0_SAMPLES) + "/" + name;
 }

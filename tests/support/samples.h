@@ -4,7 +4,7 @@
 
 namespace vek0::test {
 
-/// Path of a file in the folder of sample drawings; of the folder itself without a name.
+/// Path of a file in the folder of sample drawings; without a name, of the folder itself.
 std::string samplePath(const std::string& name = {});
 
 /// The same in quotes, for a command line.

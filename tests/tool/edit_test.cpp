@@ -167,7 +167,7 @@ TEST_F(Edit, PurgeTakesWhatNothingUsesAndNoMore) {
   EXPECT_TRUE(info()["blocks"].empty());
 }
 
-// In whole degrees, and two quarter turns make a half turn.
+// Angles given in whole degrees are whole degrees in the file, too.
 TEST_F(Edit, TurnedTextsHaveTheDegreesThatWereAskedFor) {
   write("text.dxf", pairsOf("0 SECTION|2 ENTITIES|0 TEXT|8 0|10 1000|20 0|40 1|50 30|1 A|"
                             "0 ARC|8 0|10 0|20 0|40 1|50 350|51 20|0 ENDSEC|0 EOF"));

@@ -170,7 +170,7 @@ std::string pageContent(const std::string& pdf) {
   return inflated(pdf.substr(start, pdf.find("endstream", start) - start));
 }
 
-// Lengths in points of the segments that are drawn, in all matrices of the page.
+// Lengths in points of all segments, transformed by the page's matrices.
 std::vector<double> segmentLengths(const std::string& content) {
   std::vector<double> lengths;
   double scale = 1, fromX = 0, fromY = 0;
@@ -210,7 +210,7 @@ std::string line(const std::string& layer, double x1, double y1, double x2, doub
   return out.str();
 }
 
-// An entity with a color of its own.
+// An entity with an explicit color.
 std::string colored(int color, std::string entity) {
   return entity + "62\n" + std::to_string(color) + "\n";
 }
@@ -219,7 +219,7 @@ std::string drawing(const std::string& entities) {
   return "0\nSECTION\n2\nENTITIES\n" + entities + "0\nENDSEC\n0\nEOF\n";
 }
 
-// Blocks within each other, the outermost in a square array.
+// Nested blocks, the outermost in a square array.
 std::string nested(int levels, int cells) {
   std::string blocks = "0\nBLOCK\n2\nB0\n" + line("A", 0, 0, 1, 1) + "0\nENDBLK\n", insert;
   for (int i = 0; i <= levels; ++i) {
@@ -282,7 +282,7 @@ TEST_F(Render, SvgKeepsTheGeometry) {
   EXPECT_EQ(xml.byId("hC1")->attributes.at("r"), "50");
 }
 
-// Programs that cut along a path need it whole, closed, and with its arcs.
+// Cutting machines need a path whole, closed, and with its arcs.
 TEST_F(Render, PolylinesStayClosedAndKeepTheirArcs) {
   const char* const corners[] = {"0\n20\n0", "10\n20\n0\n42\n1", "10\n20\n10", "0\n20\n10\n42\n1"};
   std::string slot = "0\nPOLYLINE\n5\n1\n8\nA\n66\n1\n70\n1\n";
@@ -454,7 +454,7 @@ TEST_F(Render, WhatIsSmallOrThinIsSeen) {
   for (const char* id : {"h1", "h2"}) EXPECT_EQ(dots.byId(id)->attributes.at("d"), "M50 50h0");
 }
 
-// However a line is split, and whatever its direction, its ink is its length times its width.
+// The ink of a line is its length times its width, however it is split and whatever its direction.
 TEST_F(Render, InkFollowsLengthAndWidth) {
   const auto inkOf = [&](const std::string& entities, const std::string& options) {
     write("a.dxf", drawing(entities));
@@ -571,7 +571,7 @@ TEST_F(Render, FitsWhatIsShown) {
   EXPECT_EQ(XmlReader(contents(path("a.svg"))).byId("h1")->attributes.at("d"), "M70 170l100-100");
 }
 
-// A black square is clipped to a diamond, and that to its left half.
+// A black square, clipped to a diamond that is in turn clipped to its left half.
 TEST_F(Render, ClipsHoldWithinEachOther) {
   using Points = std::vector<std::pair<int, int>>;
   const auto insert = [](const std::string& block, int own) {

@@ -66,7 +66,7 @@ TEST_F(Tool, CheckGoesOnAfterAFailureAndSaysWhere) {
   EXPECT_EQ(line["error"]["line"], 12);
 }
 
-// A link to itself exists but cannot be opened.
+// A symbolic link to itself exists but cannot be opened.
 TEST_F(Tool, SaysWhyAnInputCannotBeRead) {
   write("good.dxf", kOneLine);
   fs::create_directory(path("folder"));
@@ -241,7 +241,7 @@ TEST_F(Tool, SaveOptionsReachTheWriter) {
 }
 
 TEST_F(Tool, InterruptionRemovesTheUnfinishedOutput) {
-  // A pipe that nobody writes keeps the tool waiting after it has begun its output.
+  // A pipe without a writer blocks the tool after it has begun its output.
   const std::string command = "cd '" + path("").string() +
                               "' && mkfifo pipe && { \"$VEK0_TOOL\" convert pipe out.dxf & } && "
                               "for i in $(seq 400); do ls .*.tmp >.seen 2>/dev/null && break; "
@@ -309,7 +309,7 @@ TEST_F(Tool, HatchesAreas) {
   EXPECT_FALSE(fs::exists(path("d.dxf")));
 }
 
-// 0.125 by 0.05 apart: 2263 lines.
+// Lines 0.125 * 0.05 units apart: 2263 of them.
 TEST_F(Tool, SaysWhenHatchesMakeTheOutputLarge) {
   write("fine.dxf",
         "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1015\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n0\n"

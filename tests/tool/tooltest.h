@@ -27,7 +27,8 @@ class Tool : public testing::Test {
     char name[] = "/tmp/vek0_tool_XXXXXX";
     ASSERT_NE(mkdtemp(name), nullptr);
     m_folder = name;
-    setenv("VEK0_TOOL", VEK0_TOOL, 0);  // unless it names another build of the tool to try
+    // Keeps a preset path, so that another build of the tool can be tested.
+    setenv("VEK0_TOOL", VEK0_TOOL, 0);
   }
   void TearDown() override { fs::remove_all(m_folder); }
 

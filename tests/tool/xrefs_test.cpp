@@ -216,8 +216,8 @@ TEST_F(Xrefs, AttachedDrawingIsShownWhereItWasPut) {
   EXPECT_EQ(out["references"], Json::parse("[{\"name\":\"tree\",\"path\":\"library/tree.dxf\","
                                            "\"overlay\":false}]"));
   EXPECT_EQ(out["entities"]["INSERT"], 1);
-  // The tree's line runs from 0,0 to 10,5: turned and doubled, from 100,50 to 90,70; put there
-  // by its end, from 110,30 to 100,50.
+  // The tree's line runs from 0,0 to 10,5. Rotated and scaled by 2, it runs from 100,50 to 90,70;
+  // with its end as base point, from 110,30 to 100,50.
   ASSERT_EQ(run(attach + "--base 10,5 -o based.dxf").code, 0);
   const std::pair<const char*, PNT_2D> kExpected[] = {
       {"out.dxf", PNT_2D(100, 70)},

@@ -80,15 +80,15 @@ TEST(WndVpt, WhatMakesNoWindowChangesNothing) {
   v.set(0, 0, kInf, 1);
   v.set(0, kNan, 1, 1);
   v.set(-1.7e308, 0, 1.7e308, 1);
-  v.set(1e20, 1e20, 1e20, 1e20);  // a unit is nothing there
+  v.set(1e20, 1e20, 1e20, 1e20);  // a unit of the drawing is below the resolution here
   for (const double f : {0.0, -1.0, kInf, kNan, 5e-324}) {
     v.zoom(f);
     v.setScaleFactor(f);
   }
   v.pan(kInf, 0);
   v.pan(0, kNan);
-  v.zoom(1e300);    // the window would lose its extent to rounding,
-  v.pan(1e300, 0);  // here too
+  v.zoom(1e300);    // the window would collapse by rounding,
+  v.pan(1e300, 0);  // and here as well
   EXPECT_TRUE(same(v, before));
   EXPECT_EQ(v.getRatioFactor(), 1);
   EXPECT_TRUE(CWndVpt(0).isIsotropic());

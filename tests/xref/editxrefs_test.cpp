@@ -8,7 +8,7 @@ namespace {
 using testing::SizeIs;
 using Lines = std::vector<std::string>;
 
-// Everything that can be told of a drawing.
+// Everything observable in a drawing.
 struct State {
   std::string file, counts;
   Lines lines;
@@ -20,7 +20,7 @@ State stateOf(const CData& data) {
   return {saved(data), countsOf(data), linesShown(data), data.getDepend().size()};
 }
 
-// Undoing and doing again what `edit` does gives the same drawings, every time.
+// Undoes and redoes `edit` twice and expects the same drawings each time.
 template <class Edit>
 void expectTurnsBack(CData& data, CUndoStack& undo, const Edit& edit) {
   const State before = stateOf(data);
@@ -37,14 +37,14 @@ void expectTurnsBack(CData& data, CUndoStack& undo, const Edit& edit) {
   }
 }
 
-// Exploding leaves what is on layer "0" there, so colors change.
+// Entities on layer "0" stay there when exploded, so colors change and are not compared.
 Lines endsOf(Lines lines) {
   for (std::string& line : lines) line.resize(line.find("color"));
   std::sort(lines.begin(), lines.end());
   return lines;
 }
 
-// Explodes what shows something in pieces until nothing is left to explode.
+// Explodes inserts until none is left.
 void explodeAll(CData& data) {
   std::vector<CEnt*> inserts;
   do {
@@ -86,7 +86,7 @@ TEST(SetXRefPath, CanBeUndone) {
   EXPECT_EQ(sheet.xref(u"HOUSE")->getPath(), u"elsewhere.dxf");
 }
 
-// The drawing has things of its own on items of the reference, in every way there is.
+// Adds entities of the drawing that use items of the reference in every possible way.
 void useItemsOf(CData& data, CBlockXRef& xref) {
   CLayer* wall = xref.getLayerTable().get(u"WALL");
   CLtype* dashed = vek0::test::addedDependentLtype(data, xref, u"DASHED");
@@ -102,7 +102,8 @@ void useItemsOf(CData& data, CBlockXRef& xref) {
   vek0::test::addedLayer(data, u"DASHES")->setLtype(dashed);
   vek0::test::addedLtype(data, u"TEXTS")->AddDashText(vek0::test::dashText(style));
   vek0::test::addedStyle(data, xref.getName() + u"|NOTES");
-  vek0::test::addedBlock(data, xref.getName() + u"|DOOR");  // as other programs list them
+  // Some programs declare the blocks of references like this.
+  vek0::test::addedBlock(data, xref.getName() + u"|DOOR");
   setCurLayer(data, wall);
   setCurLtype(data, dashed);
 }
@@ -114,7 +115,7 @@ TEST(DetachXRef, LeavesNoNameAndNoCount) {
     sheet.resolve();
     if (used) useItemsOf(data, *sheet.xref(u"HOUSE"));
     CUndoStack undo(data);
-    EXPECT_FALSE(detachXRef(data, undo, *sheet.xref(u"FURNITURE")));  // the house shows it
+    EXPECT_FALSE(detachXRef(data, undo, *sheet.xref(u"FURNITURE")));  // the house still inserts it
     expectTurnsBack(data, undo,
                     [&] { EXPECT_TRUE(detachXRef(data, undo, *sheet.xref(u"HOUSE"))); });
     EXPECT_EQ(data.getBlockXRefTable().size(), 0);
@@ -245,8 +246,8 @@ TEST(BindXRef, LeavesReferencesThatAreNotLoaded) {
   }
 }
 
-// What lines do not tell: fills and their private blocks, texts in their styles, attributes,
-// dashes with texts.
+// Content that lines do not represent: fills with their private blocks, texts with styles,
+// attributes, dashes with texts.
 TEST(BindXRef, TakesEveryKindAlong) {
   std::ifstream in(vek0::test::samplePath("hatches_ac1015.dxf"), std::ios::binary);
   std::ifstream kinds(vek0::test::samplePath("every_kind_r12.dxf"), std::ios::binary);
@@ -269,13 +270,13 @@ TEST(BindXRef, TakesEveryKindAlong) {
   EXPECT_TRUE(data.getEntTable().getBdry() == box);
   EXPECT_NE(data.getBlockTable().get(u"*PAT1"), nullptr);
 
-  // What is saved reads back as the same.
+  // The saved file loads as the same drawing.
   const vek0::test::Loaded again = vek0::test::loadText(saved(data), CFileDXFIPolicy::forAnyFile());
   EXPECT_EQ(again.result.status, CFileDXFIResult::Done);
   EXPECT_THAT(linesShown(*again.data), SizeIs(lines.size()));
 }
 
-// Drawings that refer to one another at random, circles included.
+// Drawings with random references to each other, including circles.
 std::string randomDrawing(std::mt19937& random, int drawings, int self) {
   const auto pick = [&random](int n) {
     return static_cast<int>(random() % static_cast<unsigned>(n));

@@ -3,8 +3,8 @@
 
 using namespace vek0::test;
 
-// What undo steps, other references and the drawing itself still name when references are
-// read anew, taken out or bound.
+// Undo steps, other references and the drawing itself may still name items of a reference that is
+// reloaded, detached or bound.
 
 namespace {
 
@@ -19,7 +19,7 @@ bool isInDrawing(const CData& data, const CEnt& ent) {
          (ltype->isByLayer() || ltype->isByBlock() || ltype->isHeld());
 }
 
-// Whether everything that is shown is on layers and linetypes of a table.
+// Whether everything shown uses layers and linetypes of a table.
 bool areItemsInDrawing(const CData& data) {
   bool are = true;
   const auto look = [&](const CBlock& block) {
@@ -33,7 +33,7 @@ bool areItemsInDrawing(const CData& data) {
   return are;
 }
 
-// A house with a line of its own on a layer of the furniture.
+// A house with its own line on a layer of the furniture.
 std::string houseOnIron(const std::string& ltype) {
   const std::string dashed =
       pairs("0 LTYPE", "2 DASHED", "70 0", "3 -", "72 65", "73 2", "40 2", "49 1", "49 -1");
@@ -88,7 +88,7 @@ TEST(ReferenceLife, UndoingBringsItemsBackThatTheFileHasNoMore) {
   EXPECT_TRUE(areItemsInDrawing(data));
   EXPECT_EQ(countsOf(data), recountOf(data));
 
-  // It is the same layer when the file has it again, and goes when nothing is on it.
+  // The same layer is reused when the file contains it again, and removed when it is unused.
   sheet.drawings.files["house.dxf"] = house;
   ASSERT_EQ(sheet.resolve(), 0);
   EXPECT_EQ(getLayer(data, u"HOUSE|FURN"), furn);
@@ -148,7 +148,7 @@ TEST(ReferenceLife, ContentIsNeitherAddedToNorTakenFrom) {
   EXPECT_EQ(undo.getNoUndo(), 0u);
 }
 
-// The sheet and the house refer to one file, and mean different points of it.
+// The sheet and the house refer to the same file with different base points.
 TEST(ReferenceLife, OneFileMayHaveSeveralBasePoints) {
   const auto based = [](double x) {
     return pairs("0 BLOCK", "8 0", "70 4", "2 F", "20 0", "30 0", "1 furniture.dxf") +
@@ -207,7 +207,7 @@ TEST(ReferenceLife, NamesAndPathsComeBackFromTheFile) {
   }
 }
 
-// A host may give a layer of one reference a linetype of another one.
+// A host may assign a linetype of one reference to a layer of another.
 TEST(ReferenceLife, LayersLeaveLinetypesOfWhatGoes) {
   for (const bool binds : {false, true}) {
     Sheet sheet = siteSheet();

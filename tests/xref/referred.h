@@ -5,11 +5,11 @@
 
 namespace vek0::test {
 
-/// Drawings in memory, by name; paths are names. "secret" may not be read, "folder" is none.
+/// Drawings in memory by path. "secret" is unreadable, "folder" is not a file.
 class ReferredDrawings final : public IXRefResolver {
  public:
   std::map<std::string, std::string> files;
-  int changes = 0;  ///< how often a file is still written while somebody looks
+  int changes = 0;  ///< number of further calls of `getState` that report a change
 
   Found find(const zim::WString& path, const zim::WString&, zim::WString& file) override {
     if (path == u"secret.dxf") return Found::Forbidden;
@@ -27,7 +27,7 @@ class ReferredDrawings final : public IXRefResolver {
   }
 };
 
-/// BLOCK of a reference.
+/// A BLOCK record of a reference.
 inline std::string referenceTo(const std::string& name, const std::string& path, long flags = 4) {
   return pairs("0 BLOCK", "8 0") + pairText("2 " + name) + pairText("70 " + std::to_string(flags)) +
          pairs("10 0", "20 0", "30 0") + pairText("1 " + path) + pairs("0 ENDBLK");
@@ -57,8 +57,8 @@ inline std::string drawingOf(const std::string& layers, const std::string& block
          section("ENTITIES", entities) + dxf();
 }
 
-/// Every line that the drawing shows, in place and color, sorted: what blocks, references
-/// and arrays come to.
+/// Every line that the drawing shows, with its place and color, sorted. Blocks, references and
+/// arrays are expanded.
 class LinesShown {
  public:
   explicit LinesShown(const CData& data) : m_stack(1) {
@@ -101,13 +101,13 @@ class LinesShown {
 
 inline std::vector<std::string> linesShown(const CData& data) { return LinesShown(data).lines(); }
 
-/// A drawing that refers to others, and those.
+/// A drawing and the drawings that it refers to.
 struct Sheet {
   ReferredDrawings drawings;
   Loaded loaded;
   CFileReport report;
 
-  /// Reads "sheet.dxf" of `drawings`.
+  /// Loads "sheet.dxf" from `drawings`.
   void load() {
     loaded = loadText(drawings.files["sheet.dxf"], CFileDXFIPolicy::forAnyFile());
     ASSERT_EQ(loaded.result.status, CFileDXFIResult::Done);
@@ -134,7 +134,7 @@ struct Sheet {
   }
 };
 
-/// A site with a house twice, whose drawing has a door and refers to the furniture.
+/// A site with two inserts of a house, whose drawing has a door and refers to the furniture.
 inline Sheet siteSheet() {
   Sheet sheet;
   sheet.drawings.files["furniture.dxf"] =

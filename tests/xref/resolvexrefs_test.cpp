@@ -10,7 +10,7 @@ using testing::ElementsAre;
 using testing::SizeIs;
 using Status = CBlockXRef::Status;
 
-// How many references are within one another at most.
+// Depth of nesting of the references.
 int depthOf(const std::vector<CBlockXRef*>& xrefs) {
   int depth = 0;
   for (std::vector<CBlockXRef*> level = xrefs; !level.empty() && depth < 1000; ++depth) {
@@ -35,7 +35,7 @@ TEST(ResolveXRefs, ShowsWhatDrawingsAndTheirReferencesHold) {
   const auto line = [](const char* ends, int color) {
     return std::string(ends) + "color " + std::to_string(color) + " dashes 0";
   };
-  // The sheet's color of the dependent layer, layer 0 as the insert, BYBLOCK, nested layers.
+  // The sheet's color of a dependent layer, layer 0 like the insert, BYBLOCK, nested layers.
   EXPECT_THAT(lines, Contains(line("100.000000 0.000000 110.000000 0.000000 ", 6)));
   EXPECT_THAT(lines, Contains(line("100.000000 0.000000 100.000000 10.000000 ", 2)));
   EXPECT_THAT(lines, Contains(line("105.000000 0.000000 105.000000 4.000000 ", 1)));
@@ -59,7 +59,7 @@ TEST(ResolveXRefs, LeavesTheDrawingItsOwn) {
   EXPECT_EQ(file.find("DOOR"), std::string::npos);
   EXPECT_NE(file.find("FURNITURE|WOOD"), std::string::npos);
 
-  // A copy shows the same, and what it saves is the same.
+  // A copy shows the same and saves to the same file.
   const CDataPtr copy(cloneData(sheet.data()));
   EXPECT_EQ(linesShown(*copy), linesShown(sheet.data()));
   EXPECT_EQ(saved(*copy), file);
@@ -104,11 +104,11 @@ TEST(ResolveXRefs, FollowsTheFileButForWhatTheDrawingChanged) {
   sheet.resolve();
   EXPECT_EQ(linesShown(sheet.data()).size(), 2u + 1);
   EXPECT_EQ(layer(u"WALL"), wall);
-  EXPECT_EQ(wall->getColor(), 6);  // the sheet's own when it was read
+  EXPECT_EQ(wall->getColor(), 6);  // the color that the sheet had when it was read
   EXPECT_EQ(layer(u"FURN")->getColor(), 9);
   EXPECT_TRUE(layer(u"FURN")->isFrozen());
 
-  // What is gone goes, but for what the drawing uses.
+  // Items that the file no longer contains are removed, unless the drawing uses them.
   CData& data = sheet.data();
   data.getEntTable().add(
       createEntLine(data, wall, &data.getLtypeByLayer(), 256, LINE_3D(0, 0, 0, 1, 1, 0), 0));
@@ -141,7 +141,7 @@ TEST(ResolveXRefs, BasePointsAreThoseOfTheReferenceOrOfItsDrawing) {
 struct Refusal {
   const char* title;
   const char* path;
-  const char* file;  // what is there
+  const char* file;  // content of the referenced file
   Status status;
   const char* reported;
 };
@@ -220,7 +220,7 @@ TEST(ResolveXRefs, BreaksCirclesWhereTheyClose) {
   EXPECT_EQ(saved(*CDataPtr(cloneData(sheet.data()))), saved(sheet.data()));
 }
 
-// A chain of drawings, of which the sheet shows the first, or all, from either end.
+// A chain of drawings, of which the sheet inserts the first one, or all, starting at either end.
 TEST(ResolveXRefs, StopsAtADepth) {
   for (const int shown : named<int>({1, 300, -300})) {
     Sheet sheet;
@@ -290,7 +290,7 @@ TEST(ResolveXRefs, TwoDrawingsOfOneNameAreTwoReferences) {
   EXPECT_EQ(sheet.xref(u"a")->getNested(), sheet.xref(u"c")->getNested());
   const std::vector<std::string> lines = linesShown(sheet.data());
 
-  // The same after saving, reading, and resolving again.
+  // The same after saving, loading and resolving again.
   const std::string file = saved(sheet.data());
   sheet.drawings.files["sheet.dxf"] = file;
   sheet.load();
@@ -299,7 +299,7 @@ TEST(ResolveXRefs, TwoDrawingsOfOneNameAreTwoReferences) {
   EXPECT_EQ(saved(sheet.data()), file);
 }
 
-// The path of a nested reference changes in the drawing that has it: no trace of the old one.
+// A drawing changes the path of its nested reference: no trace of the old path may remain.
 TEST(ResolveXRefs, ANestedReferenceFollowsItsDrawing) {
   for (const bool reopened : {false, true}) {
     Sheet sheet = siteSheet();
@@ -319,7 +319,7 @@ TEST(ResolveXRefs, ANestedReferenceFollowsItsDrawing) {
   }
 }
 
-// One that the drawing itself attached keeps its path, shown or not, found or not.
+// A reference that the drawing itself attached keeps its path, whether shown or not, found or not.
 TEST(ResolveXRefs, ANestedReferenceTakesNothingOfTheDrawing) {
   Sheet sheet = siteSheet();
   CUndoStack undo(sheet.data());
@@ -364,7 +364,7 @@ TEST(ResolveXRefs, ACancelledReadingLeavesWhatWasThere) {
   EXPECT_EQ(linesShown(sheet.data()), lines);
 }
 
-// Fonts that nobody has belong to drawings, and the one that was read is gone afterwards.
+// Missing fonts are registered by drawings; the drawing that was read is destroyed afterwards.
 TEST(ResolveXRefs, FontsOutliveTheDrawingsThatNameThem) {
   const std::string styled =
       vek0::test::section(
@@ -385,8 +385,8 @@ TEST(ResolveXRefs, FontsOutliveTheDrawingsThatNameThem) {
   EXPECT_NE(saved(sheet.data()).find("unheard.shx"), std::string::npos);
 }
 
-// A sheet with many names for one drawing of many hatches: the first ones have their lines,
-// and all of them their entities. Other drawings have theirs.
+// Many references to a drawing with many hatches: the first ones get their lines, and all keep
+// their entities. Every drawing has its own limit.
 TEST(ResolveXRefs, HatchesOfAllDrawingsTogetherAreBounded) {
   std::ifstream in(vek0::test::samplePath("hatches_ac1015.dxf"), std::ios::binary);
   Sheet sheet;
@@ -419,7 +419,7 @@ TEST(ResolveXRefs, HatchesOfAllDrawingsTogetherAreBounded) {
   EXPECT_EQ(sheet.xref(u"R0")->size(), sheet.xref(u"R39")->size());
 }
 
-// Replacing a dependent layer leaves none of the content on the old one.
+// After replacing a dependent layer, no content remains on the old one.
 TEST(TableRemapper, ReachesIntoReferences) {
   Sheet sheet = siteSheet();
   sheet.resolve();

@@ -1,4 +1,4 @@
-// Folders of a made-up job, and what paths in its drawings lead to.
+// Resolution of paths in the folders of a fictitious project.
 #include <sys/stat.h>
 #include <chrono>
 
@@ -35,7 +35,7 @@ class XRefFolders : public testing::Test {
     fs::create_symlink("nowhere.dxf", m_root / "job/dangling.dxf");
     fs::create_symlink("loop.dxf", m_root / "job/loop.dxf");
     ASSERT_EQ(mkfifo((m_root / "job/pipe.dxf").c_str(), 0600), 0);
-    // Long enough ago for the folders' times to tell of every change from now on.
+    // Set well in the past, so that every later change is visible in the modification time.
     for (const char* folder : {"job", "job/Parts", "lib"}) {
       fs::last_write_time(m_root / folder,
                           fs::file_time_type::clock::now() - std::chrono::hours(1));
@@ -49,7 +49,7 @@ class XRefFolders : public testing::Test {
   }
   zim::WString at(const std::string& file) const { return wide((m_root / file).string()); }
 
-  // The file below the root that the path leads to, or a word for why there is none.
+  // The file that the path resolves to, relative to the root, or a word for the reason of failure.
   std::string find(CXRefFolders& folders, const std::string& path,
                    const std::string& from = "job/site.dxf") const {
     return find(folders, wide(path), at(from));
@@ -183,7 +183,7 @@ TEST_F(XRefFolders, StateChangesWithTheFile) {
   EXPECT_TRUE(folders.getState(at("job/lost.dxf")).empty());
 }
 
-// Without the listings kept in memory this would read ten million names.
+// Without cached directory listings, this would read ten million names.
 TEST_F(XRefFolders, ThousandsOfMissingFilesInALargeFolder) {
   for (int i = 0; i < 1000; ++i) make("big/f" + std::to_string(i));
   make("big/site.dxf");

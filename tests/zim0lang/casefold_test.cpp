@@ -3,8 +3,8 @@
 
 using zim::foldCase;
 
-// Of the Unicode character database: "capital small" in hexadecimal digits, one pair a line.
-// No other unit folds: signs between letters and halves of surrogates least of all.
+// Pairs of the Unicode character database, one per line: "capital small" in hexadecimal.
+// All other units must stay unchanged, symbols between letters and surrogates included.
 TEST(FoldCase, FollowsTheTableAndNothingElse) {
   std::ifstream table(VEK0_CASE_FOLDING);
   std::map<unsigned, unsigned> folds;
@@ -17,7 +17,7 @@ TEST(FoldCase, FollowsTheTableAndNothingElse) {
   }
 }
 
-// Hash tables of names rely on exactly this.
+// Hash tables of names depend on this.
 TEST(FoldCase, EqualTextsHaveEqualHashesAndCompareAsZero) {
   std::mt19937 random(20240611);
   const std::u16string letters = u"aAbBzZ\u00C4\u00E4\u0416\u0436\u01AF\u01B0\u212A_1";

@@ -41,7 +41,7 @@ TEST(StringLoader, AnUnknownIdEmptiesTheText) {
   EXPECT_TRUE(text.empty());
 }
 
-// Every message that the reader and the color table ask for has a text.
+// Every message that the reader and the color table use has a text.
 TEST(StringLoader, NoMessageIsMissing) {
   for (const long id :
        {10000, 10001, 10002, 10003, 10004, 10005, 10006, 10007, 10008, 10009, 10020, 10021,
