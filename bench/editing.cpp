@@ -28,7 +28,7 @@ void countItems(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-// --- Transforms of everything: lines, circles, arcs, texts, polylines and inserts
+// --- Transforms of whole drawings: lines, circles, arcs, texts, polylines and inserts
 
 template <class Visitor>
 void transform(benchmark::State& state, Visitor visitor) {
@@ -256,7 +256,7 @@ void explode(benchmark::State& state, CData& data, const std::vector<CEnt*>& ent
   state.counters["parts"] = static_cast<double>(parts);
 }
 
-// A hundred polylines with that many segments in total.
+// A hundred polylines with the given total number of segments.
 void BM_ExplodePolylines(benchmark::State& state) {
   const Drawing drawing = vek0::bench::newDrawing();
   const Ents ents = shuffledSegments(*drawing, static_cast<int>(state.range(0)));
@@ -269,7 +269,7 @@ void BM_ExplodePolylines(benchmark::State& state) {
 }
 BENCHMARK(BM_ExplodePolylines)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
-// One insert with an array of that many cells, of a block of five lines and five circles.
+// An insert of a block of five lines and five circles, as an array with the given number of cells.
 void explodeArray(benchmark::State& state, double scaleY) {
   const Drawing drawing = vek0::bench::newDrawing();
   CBlock* block = drawing->getBlockFactory().create(u"B", PNT_3D(0, 0, 0), 0);

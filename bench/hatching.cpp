@@ -54,7 +54,7 @@ void fill(benchmark::State& state, const HATCH_LINE& line, const std::vector<PNT
   state.counters["pieces"] = static_cast<double>(counter.count() / state.iterations());
 }
 
-// 1000 lines across a boundary with that many edges.
+// 1000 lines across a boundary with the given number of edges.
 void BM_FillManyEdges(benchmark::State& state) {
   fill(state, slanted(1, false), wheel(static_cast<int>(state.range(0))), 1);
 }
@@ -65,7 +65,7 @@ void BM_FillManyEdgesDashed(benchmark::State& state) {
 }
 BENCHMARK(BM_FillManyEdgesDashed)->Arg(10000)->Unit(benchmark::kMillisecond);
 
-// That many rooms of twenty lines each.
+// The given number of rooms with twenty lines each.
 void BM_FillManyAreas(benchmark::State& state) {
   fill(state, slanted(0.5, false),
        {{3, 4, 0}, {9, 4, 0}, {9, 8, 0}, {6, 8, 0}, {6, 12, 0}, {3, 12, 0}},
@@ -86,7 +86,8 @@ void BM_FillSolid(benchmark::State& state) {
 }
 BENCHMARK(BM_FillSolid)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
-// That many hatches of twenty lines each in one drawing: their blocks are numbered, named and
+// The given number of hatches with twenty lines each in one drawing: their blocks are numbered,
+// named and registered one by one.
 // registered one by one.
 void BM_CreateHatches(benchmark::State& state) {
   const std::vector<PNT_3D> room = {{3, 4, 0}, {9, 4, 0},  {9, 8, 0},

@@ -35,7 +35,7 @@ void insert(CData& data, CUndoStack& undo, const zim::WString& name) {
                                0, 0));
 }
 
-// A sheet with that many references, each with ten lines and a common part.
+// A sheet with the given number of references, each with ten lines and a common nested reference.
 struct Sheet {
   explicit Sheet(int count) {
     shelf.files[u"common"] = vek0::bench::lineText(10);

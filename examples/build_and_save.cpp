@@ -1,4 +1,4 @@
-// Builds a drawing from nothing: a layer, a block, two inserts of it. usage: build_and_save OUT.dxf
+// Builds a new drawing: a layer, a block, and two inserts of it. usage: build_and_save OUT.dxf
 #include <vek0core/vek0core.h>
 #include <cstdio>
 
@@ -6,7 +6,7 @@ int main(int argc, char** argv) {
   if (argc != 2) return 2;
   const CDataPtr drawing(CDataFactory().createData());
   if (!drawing) return 1;
-  CUndoStack edit(*drawing);  // counts what is used, and could take it all back
+  CUndoStack edit(*drawing);  // counts uses, and could undo all of it
 
   CLayer* holes = drawing->getLayerFactory().create(u"HOLES", &drawing->getLtypeContinuous(), 1, 0);
   CBlock* bolt = drawing->getBlockFactory().create(u"BOLT", PNT_3D(0, 0, 0), 0);

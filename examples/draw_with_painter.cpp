@@ -1,4 +1,4 @@
-// Draws a drawing with characters. usage: draw_with_painter DRAWING.dxf
+// Draws a drawing with text characters. usage: draw_with_painter DRAWING.dxf
 #include <vek0core/vek0core.h>
 #include <vek0draw/draw.h>
 #include <algorithm>
@@ -11,7 +11,7 @@ namespace {
 
 constexpr long kColumns = 78, kRows = 36;
 
-// Whatever drawData emits is in device coordinates: here, a pixel is a character.
+// Receives device coordinates from drawData; here, a pixel is a character.
 class CharacterPainter final : public IPainter {
  public:
   void begin(const DrawItem&) override {}

@@ -19,7 +19,7 @@ int main(int argc, char** argv) {
       ent->accept(mover);
   if (!edits.add(createEntLine(drawing, LINE_3D(0, 0, 0, 10, 5, 0), 0))) return 1;
   if (!edits.commit()) return 1;
-  if (!edits.undo() || !edits.redo()) return 1;  // either takes the whole step
+  if (!edits.undo() || !edits.redo()) return 1;  // each applies to the whole step
 
   if (saveDrawing(drawing, argv[3])) return 0;
   std::fprintf(stderr, "%s cannot be written\n", argv[3]);

@@ -8,7 +8,8 @@ int main(int argc, char** argv) {
   if (argc != 2) return 2;
   const CDataPtr drawing(CDataFactory().createData());
   if (!drawing) return 1;
-  CEntTable& model = drawing->getEntTable();  // ignores null, which creating returns on failure
+  // Adding ignores null, which the create functions return on failure.
+  CEntTable& model = drawing->getEntTable();
 
   // An L-shaped room; a wall of 0.3 runs along the inside of its outline.
   const std::vector<PNT_3D> corners = {{0, 0, 0}, {6, 0, 0}, {6, 3, 0},
@@ -19,8 +20,8 @@ int main(int argc, char** argv) {
   std::vector<PATH_3D> inner;
   OFFSET_OPTIONS options;
   options.join = OFFSET_JOIN::mitre;
-  if (!offsetPath(outline, 0.3, options, inner))
-    return 1;  // positive: to the left, which is inside
+  // Positive distances are to the left, which is inside a counterclockwise outline.
+  if (!offsetPath(outline, 0.3, options, inner)) return 1;
   for (const PATH_3D& path : {outline, inner.at(0)})
     model.add(
         createEntFromPath(drawing->getHandleGestor(), drawing->getEntFactory(), path, *likeThis));

@@ -1,4 +1,4 @@
-// Opens a drawing and lists what is in it. usage: open_and_list DRAWING.dxf
+// Opens a drawing and lists its content. usage: open_and_list DRAWING.dxf
 #include <vek0core/vek0core.h>
 #include <cstdio>
 #include <map>

@@ -1,5 +1,5 @@
-// Lists the external references of a drawing, makes those that are found a part of it, and saves
-// it. usage: resolve_references IN.dxf OUT.dxf
+// Lists the external references of a drawing, binds those that are found, and saves the result.
+// usage: resolve_references IN.dxf OUT.dxf
 #include <vek0core/vek0core.h>
 #include <cstdio>
 #include <vector>

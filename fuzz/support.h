@@ -11,7 +11,8 @@ namespace vek0::fuzz {
 
 using Drawing = CDataPtr;
 
-/// A new drawing; the first call registers a default font, as hosts do, so that
+/// A new drawing; the first call registers a default font, as hosts do, because strict reading
+/// rejects text styles without any font.
 /// style tables get past their font names.
 inline Drawing newDrawing() {
   CFontTable::getInstance().addPlainDefault();

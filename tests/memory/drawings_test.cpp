@@ -6,7 +6,7 @@ using namespace vek0::test;
 
 namespace {
 
-// The process' fonts and colours go too, so that what they take is no leak.
+// Also releases the fonts and colors of the process, so that they do not count as leaks.
 class CreateTrial final : public Trial {
  public:
   ~CreateTrial() override {

@@ -11,7 +11,7 @@ class EditTrial final : public DrawingTrial {
  public:
   EditTrial(const std::string& sample, Edit edit)
       : DrawingTrial(loadedSample(sample)), m_undo(*m_data), m_edit(std::move(edit)) {
-    m_undo.keepVars();  // two steps to join
+    m_undo.keepVars();  // two steps to merge
     m_undo.keepVars();
     m_undo.undo();
     m_undo.redo();
@@ -27,7 +27,7 @@ class EditTrial final : public DrawingTrial {
   Edit m_edit;
 };
 
-// Edits in one step, which is taken back when one of them fails.
+// Several edits in one step, which is rolled back if one of them fails.
 bool inOneStep(CUndoStack& undo, const std::function<bool()>& edits) {
   undo.begin(u"step");
   bool done = false;
@@ -68,7 +68,7 @@ bool transformed(CData& data, CUndoStack& undo, IEntVisitor& visitor) {
   });
 }
 
-// A hatch that nobody takes goes with its block.
+// A hatch that cannot be added is deleted with its block.
 bool added(CData& data, CUndoStack& undo, CEnt* made, CBlock* into) {
   std::unique_ptr<CEnt> ent(made);
   if (ent && (into != nullptr ? undo.add(*into, made) : undo.add(made))) {

@@ -4,14 +4,14 @@
 
 namespace vek0::test {
 
-/// What `operator new` of this executable does: it counts, and fails when told to.
+/// Controls `operator new` of this executable, which counts allocations and fails on demand.
 struct FailingNew {
-  /// The allocation after `skipped` further ones fails: that one alone, or all from then on.
+  /// Lets the allocation after `skipped` others fail: only that one, or all later ones too.
   static void arm(long skipped, bool forever);
   static void disarm();  ///< allocations succeed again
-  /// Allocations since `arm`, those that failed included.
+  /// Number of allocations since `arm`, including failed ones.
   static long count();
-  /// Allocations that are not given back.
+  /// Number of allocations that were not released.
   static long living();
 };
 

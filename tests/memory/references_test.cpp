@@ -34,7 +34,7 @@ class SheetTrial final : public Trial {
 bool unresolved(Sheet&, CUndoStack&) { return true; }
 bool resolved(Sheet& sheet, CUndoStack&) { return sheet.resolve() == 0; }
 
-// Layers and blocks come and go, and so does what is referred to.
+// Layers and blocks appear and disappear, and so do the referenced files.
 bool rewritten(Sheet& sheet, CUndoStack& undo) {
   if (!resolved(sheet, undo)) return false;
   sheet.xref(u"HOUSE")->getLayerTable().get(u"WALL")->setColor(3);
@@ -48,7 +48,7 @@ bool rewritten(Sheet& sheet, CUndoStack& undo) {
 bool rewrittenTwice(Sheet& sheet, CUndoStack& undo) {
   const std::string house = sheet.drawings.files["house.dxf"];
   if (!rewritten(sheet, undo) || !resolved(sheet, undo)) return false;
-  sheet.drawings.files["house.dxf"] = house;  // what was retired is back
+  sheet.drawings.files["house.dxf"] = house;  // the retired items are in use again
   return true;
 }
 

@@ -15,7 +15,7 @@ std::string briefly(const std::string& text, const std::string& other) {
   return text.substr(at > 60 ? at - 60 : 0, 160);
 }
 
-// What the call makes of everything when memory suffices.
+// Result of the call when memory suffices.
 struct Expected {
   std::string before, after;
   long allocations = 0;
@@ -40,7 +40,7 @@ std::string difference(Trial& trial, const std::string& expected, const char* wh
          briefly(expected, look);
 }
 
-// What is wrong, if anything.
+// Describes the violation, if any.
 std::string failAt(long point, bool forever, const TrialMaker& make, const Expected& expected) {
   const std::unique_ptr<Trial> trial = make();
   FailingNew::arm(point, forever);
@@ -95,7 +95,7 @@ std::string lookOf(const CData& data) {
 }
 
 void failEachAllocation(const std::string& name, const TrialMaker& make) {
-  constexpr long kMostPoints = 15;  // of one call in one mode, unless told to try them all
+  constexpr long kMostPoints = 15;  // per call and mode, unless all are to be tried
   const bool all = std::getenv("VEK0_EVERY_ALLOCATION") != nullptr;
   const Expected expected = runFreely(make);
   const long step = all ? 1 : std::max(1L, expected.allocations / kMostPoints);

@@ -5,18 +5,18 @@
 
 namespace vek0::test {
 
-/// A call to be tried, with what it works on.
+/// A call to test, with the objects that it works on.
 class Trial {
  public:
   virtual ~Trial() = default;
-  /// The call; answers whether it says that it has succeeded. May throw `std::bad_alloc`.
+  /// Makes the call and returns whether it reports success. May throw `std::bad_alloc`.
   virtual bool run() = 0;
-  /// All that a failed call must leave as it was.
+  /// Everything that a failed call must leave unchanged.
   virtual std::string look() = 0;
 };
 
-/// What a drawing saves, and what saving does not show: blocks and who inserts them, table sizes,
-/// use counts, the selection and the extents.
+/// The saved drawing and the state that saving omits: blocks and the blocks that insert them, table
+/// sizes, use counts, the selection and the extents.
 std::string lookOf(const CData& data);
 
 /// Samples with every kind of entity, hatches, blocks and references.
@@ -24,7 +24,7 @@ inline constexpr const char* kSamples[] = {"every_kind_r12.dxf", "hatches_ac1015
                                            "room_ac1015.dxf", "site.dxf"};
 Drawing loadedSample(const std::string& name);
 
-/// A call on a drawing that it must not change.
+/// A call that reads a drawing and must not change it.
 class DrawingTrial : public Trial {
  public:
   explicit DrawingTrial(Drawing data) : m_data(std::move(data)) {}
@@ -36,9 +36,9 @@ class DrawingTrial : public Trial {
 
 using TrialMaker = std::function<std::unique_ptr<Trial>()>;
 
-/// Makes allocations of the call fail, alone and together with all that follow: some, evenly
-/// spread, or each one if VEK0_EVERY_ALLOCATION is set. A call that fails leaves everything as it
-/// was, and succeeds the next time; nothing is leaked.
+/// Makes allocations of the call fail, alone and together with all later ones: a selection spread
+/// evenly, or every one if VEK0_EVERY_ALLOCATION is set. A failed call must leave everything
+/// unchanged, succeed when repeated, and leak nothing.
 void failEachAllocation(const std::string& name, const TrialMaker& make);
 
 }  // namespace vek0::test

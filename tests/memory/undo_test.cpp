@@ -6,7 +6,7 @@ using namespace vek0::test;
 
 namespace {
 
-// One step of many edits, to be undone or done again.
+// One step with many edits, to be undone or redone.
 class StepTrial final : public DrawingTrial {
  public:
   StepTrial(const std::string& sample, unsigned seed, bool redoes)

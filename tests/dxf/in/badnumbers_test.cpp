@@ -1,4 +1,4 @@
-// What a value costs that is no number, wherever it stands.
+// A value that is not a number costs at most its entity, or its pair if the value is optional.
 
 #include "support/test.h"
 
@@ -26,7 +26,8 @@ const std::string kSquare =
 
 }  // namespace
 
-// Each number of each record in turn. Those of `spare` cost their pair, all others the entity.
+// Breaks each number of each record in turn. The codes in `spare` lose only their pair, all others
+// the entity.
 TEST(BadNumbers, CostTheEntityOrThePair) {
   for (const Row& t : rows()) {
     const std::vector<std::string> pairs = split(t.text("list"));
@@ -46,8 +47,8 @@ TEST(BadNumbers, CostTheEntityOrThePair) {
   }
 }
 
-// Of entries, whether or not anything reads them. Strict reading passes over codes that mean
-// nothing to it.
+// Breaks the numbers of table entries and blocks, whether or not anything reads them. Strict
+// reading ignores codes that it does not use.
 TEST(BadNumbers, CostTablesAndBlocksThePair) {
   for (const Row& t : rows()) {
     SCOPED_TRACE(t.text("list"));
@@ -66,7 +67,7 @@ TEST(BadNumbers, CostTablesAndBlocksThePair) {
   }
 }
 
-// Of a hatch with two loops, a pattern and a seed.
+// Breaks the numbers of a hatch with two loops, a pattern and a seed.
 TEST(BadNumbers, CostAHatchALoopAtMost) {
   const std::string head = "0 HATCH|8 A|2 P|30 0|70 0|91 2|" + kSquare;
   const std::string list = head + kSquare +

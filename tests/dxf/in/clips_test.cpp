@@ -1,4 +1,4 @@
-// Where files keep what clips an insert, and what becomes of it.
+// Where files store the clips of inserts, and how they are read.
 
 #include "support/test.h"
 
@@ -6,7 +6,7 @@ using namespace vek0::test;
 
 namespace {
 
-// An insert at 10, 20 with a scale of 2, clipped to 0, 0 and 4, 2 from there.
+// An insert at 10, 20 with a scale of 2, clipped to the box from 0, 0 to 4, 2 relative to it.
 const std::string kBlocks =
     section("BLOCKS", pairsOf("0 BLOCK|8 0|2 B|70 0|10 0|20 0|0 POINT|8 A|10 0|20 0|0 ENDBLK|8 0"));
 const std::string kInsert =
@@ -26,7 +26,7 @@ std::string filter(const char* on, const char* y, const std::string& matrices) {
          "|72 0|73 0|" + matrices;
 }
 
-// What becomes of the insert, the objects standing in front of it or behind.
+// Checks the insert's clip, with the OBJECTS section before or after the insert.
 void expectClip(const char* what, const std::string& list, bool isClipped, long lost,
                 bool isFirst = false) {
   SCOPED_TRACE(what);

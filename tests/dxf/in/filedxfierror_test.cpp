@@ -7,7 +7,7 @@ namespace {
 
 using Error = CFileDXFIError;
 
-// Texts that name their id, so that a test sees which one was asked for.
+// Texts that name their id, so that a test sees which one was requested.
 class IdTexts : public zim::CStringLoader {
  public:
   IdTexts() : m_before(setLoader(this)) {}

@@ -9,14 +9,14 @@ using std::string_literals::operator""s;
 
 constexpr unsigned kSeed = 20240607;
 
-// The same bytes for a reader that is only offered lines.
+// The same bytes for a reader with only line access.
 class LinesFile : public CFileMemory {
  public:
   using CFileMemory::CFileMemory;
   long readBytes(char*, long) override { return -1; }
 };
 
-// Fails at the n-th read and at every later one.
+// Fails at the n-th read and all later ones.
 class FailingFile : public CFileMemory {
  public:
   FailingFile(std::string bytes, long failsAt, bool offersBytes)
@@ -25,7 +25,7 @@ class FailingFile : public CFileMemory {
         m_offersBytes(offersBytes) {}
   long readBytes(char* buf, long n) override {
     if (!m_offersBytes) return -1;
-    constexpr long kPortion = 7;  // so that there is more than one read
+    constexpr long kPortion = 7;  // so that there are several reads
     return --m_left > 0 ? CFileMemory::readBytes(buf, std::min(n, kPortion)) : 0;
   }
   bool readLn(zim::Char* buf, long n) override {
@@ -38,7 +38,7 @@ class FailingFile : public CFileMemory {
   bool m_offersBytes;
 };
 
-// A lexer over a text in memory, by bytes or by lines.
+// A lexer over a text in memory, reading bytes or lines.
 struct Reader {
   explicit Reader(const std::string& text, bool byBytes = true)
       : file(byBytes ? std::make_unique<CFileMemory>(u"m", 1, text)
@@ -55,7 +55,7 @@ struct Reader {
 
 std::string utf8(const SmartString& text) { return zim::WString(text.c_str()).toUtf8(); }
 
-// Everything that a lexer can tell about a text, a line a pair.
+// Everything that a lexer reports about a text, one line per pair.
 std::string transcript(const std::string& text, bool byBytes) {
   Reader reader(text, byBytes);
   CFileDXFILexer& lexer = reader.lexer;
@@ -112,7 +112,7 @@ TEST(DxfLexer, NumbersOfAValue) {
   const struct {
     const char* name;
     const char* value;
-    int realError;  // that reading it as a real number gives
+    int realError;  // error when read as a real number
     double real;
     long whole;
     long hex;
@@ -181,7 +181,8 @@ TEST(DxfLexer, TheHeadersCodePageHoldsUnlessThereIsAMark) {
   }
 }
 
-// The line at the limit is whole, the next one is cut; both leave the pairs in step.
+// The longest valid line is kept whole and the next longer one is cut; both leave the pairs in
+// step.
 TEST(DxfLexer, LongLinesAreCutAndReported) {
   constexpr long kMost = CFileDXFILexer::kBufferUnits - 1;
   const struct {
@@ -251,7 +252,7 @@ TEST(DxfLexer, ManyPairsOverManyBlocks) {
   EXPECT_EQ(reader.lexer.getLine(), 2 * kPairs);
 }
 
-// Whatever read fails first: an error 13, and the pairs before it as in the file.
+// Whichever read fails first causes error 13, after the same pairs as in the file.
 TEST(DxfLexer, EveryFailingReadIsAnError) {
   std::string text;
   for (int i = 0; i < 40; ++i) text += "10\n" + std::to_string(1000 + i) + "\n";

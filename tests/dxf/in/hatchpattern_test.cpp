@@ -17,7 +17,7 @@ constexpr Placing kPlacings[] = {
     {1, 0}, {25.4, 0}, {0.37, 33}, {1000, 45}, {3, 90}, {1.0 / 3, 217.3}, {7e-4, 350},
 };
 
-// What other programs write: with pi itself, and the hatch's scale and angle in it.
+// As other programs write it: with rounded pi, and with the hatch's scale and angle included.
 PatternLine written(const HATCH_LINE& line, const Placing& at) {
   const double deg = std::round(line.angle / kRadiansPerDegree * 1e6) / 1e6 + at.angleDeg;
   const double a = deg * kPi / 180, turn = at.angleDeg * kPi / 180, s = at.scale;
@@ -59,7 +59,7 @@ TEST(HatchPattern, TheCatalogueIsKnownAtAnyScaleAndAngle) {
   }
 }
 
-// Definitions have this pattern's second family with five dashes, the catalogue has a dot more.
+// Definition files have five dashes in this pattern's second family; the catalogue has a dot more.
 TEST(HatchPattern, DotsAtTheEndDoNotMatter) {
   const HATCH_TYPE& type = *getHatch(u"ACAD_ISO15W100");
   CHatchTypeTable types;
@@ -82,7 +82,7 @@ TEST(HatchPattern, OwnPatternsMeetThemselvesAtAnyScaleAndAngle) {
     EXPECT_EQ(found.size(), 1u) << nameOf(*type);
     all.merge(found);
   }
-  // Two of the catalogue have the same lines under two names.
+  // Two patterns of the catalogue have the same lines under different names.
   EXPECT_GE(all.size(), 60u);
 }
 
@@ -105,7 +105,7 @@ TEST(HatchPattern, RoundingKeepsSmallDifferences) {
   EXPECT_EQ(found.size(), std::size(lines));
 }
 
-// Nothing in a file must stop at a size that has no logarithm.
+// Sizes without a finite logarithm must not cause a failure.
 TEST(HatchPattern, SizesWithoutMeasureAreKept) {
   CHatchTypeTable types;
   for (const double size : {0.0, 5e-324, 1e-300, 1e300, 1.7e308}) {

@@ -1,4 +1,4 @@
-// What a drawing has no place for is in the report, and what says nothing is not.
+// Everything that a drawing cannot represent is reported; default values are not.
 
 #include "support/test.h"
 
@@ -54,7 +54,7 @@ TEST(Losses, AreToldUnlessNothingIsLost) {
   expectCount("text background dropped", 1, entities("0 MTEXT|8 A|1 T|10 0|20 0|40 1|90 1"));
 }
 
-// A layout of a usual name counts when something stands on its sheet.
+// A layout with a default name is reported only if its sheet has content.
 TEST(Losses, SheetsAreNamed) {
   const std::string line = "0 LINE|8 A|10 0|20 0|11 1|21 1|";
   const std::string blocks =

@@ -82,14 +82,14 @@ TEST(ReadBlocks, UndefinedBlockIsEmpty) {
   EXPECT_EQ(got.report.count("block undefined"), 1);
 }
 
-// A layer named "X|L" speaks of a reference X that nobody declares; the block X is the
-// one that the file defines, and it keeps its content.
+// A layer named "X|L" implies a reference X that nothing declares. The file defines a block X,
+// which keeps its content.
 TEST(ReadBlocks, ABlockComesBeforeAReferenceThatOnlyALayerNames) {
   for (std::string text :
        {blocks(block("X", "0 LINE|8 0|10 0|20 0|11 1|21 1")) +
             entities("0 POINT|8 X~L|10 0|20 0|" + insertOf("X")),
         blocks(block("X", "0 LINE|8 X~L|10 0|20 0|11 1|21 1")) + entities(insertOf("X"))}) {
-    std::replace(text.begin(), text.end(), '~', '|');  // which parts pairs in short texts
+    std::replace(text.begin(), text.end(), '~', '|');  // '|' separates pairs in short texts
     const Loaded got = loadText(text + dxf());
     ASSERT_FALSE(got.error.HasAnError());
     const CBlock* own = find(got, u"X");
@@ -112,7 +112,7 @@ TEST(ReadBlocks, InsertBeforeItsExternalReference) {
   EXPECT_EQ(find(got, u"X"), nullptr);
 }
 
-// -- load beside import ----------------------------------------------------------
+// -- loading compared with importing ---------------------------------------------
 
 TEST(LoadAndImport, LayerZeroStyleVariablesAndHandles) {
   const std::string text =
@@ -145,7 +145,7 @@ TEST(LoadAndImport, ImportKeepsWhatTheDrawingDefines) {
   EXPECT_EQ(got.only()->getEntInsert()->getBlock(), a);
   EXPECT_EQ(getLayer(*got.data, u"L")->getColor(), 3);
   EXPECT_EQ(got.report.count("block kept"), 1);
-  // Only the definition that was dropped inserted it.
+  // Only the discarded definition inserted it.
   EXPECT_EQ(find(got, u"GONE"), nullptr);
 }
 

@@ -9,7 +9,7 @@ std::string readSample(const char* name) {
   return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
-// Small enough to be read at every cut, with something of everything.
+// Small enough to be read once per truncation, yet with every kind of content.
 const std::string& smallDrawing() {
   static const std::string text =
       section("HEADER", pairsOf("9 $ACADVER|1 AC1014|9 $LTSCALE|40 2|9 $CELAYER|8 A")) +
@@ -33,8 +33,8 @@ const std::string& smallDrawing() {
   return text;
 }
 
-// Layers count their entities, so do blocks; a count that is off means that something
-// was left registered or deleted too often.
+// Layers and blocks count their uses. A wrong count reveals an entity that was left registered or
+// deleted twice.
 void expectConsistent(const Loaded& got) {
   std::unordered_map<const CNamedItem*, long> counts;
   const auto count = [&](const CEnt* ent) {
@@ -62,7 +62,7 @@ long lineCount(std::string_view text) {
   return std::count(text.begin(), text.end(), '\n') + (text.empty() || text.back() == '\n' ? 0 : 1);
 }
 
-// A file whose n-th read and all after it fail.
+// A file whose n-th read fails, and all later ones.
 class FailingFile : public CFileMemory {
  public:
   FailingFile(const std::string& text, long good, bool offersBytes)
@@ -71,7 +71,7 @@ class FailingFile : public CFileMemory {
   bool readLn(zim::Char* buf, long n) override {
     return m_good-- > 0 ? CFileMemory::readLn(buf, n) : true;
   }
-  // In small pieces, so that there are many calls to fail.
+  // Small pieces, so that many calls can fail.
   long readBytes(char* buf, long n) override {
     if (!m_offersBytes) return -1;
     return m_good-- > 0 ? CFileMemory::readBytes(buf, std::min(n, 64L)) : 0;
@@ -93,7 +93,7 @@ TEST(ReadBroken, TheSmallDrawingIsWhole) {
   expectConsistent(got);
 }
 
-// A copy that stopped half way is the commonest broken file there is.
+// An interrupted copy is the most common kind of damaged file.
 TEST(ReadBroken, EveryTruncationGivesAnErrorOrADrawing) {
   const QuietAsserts asserts;
   const std::string& whole = smallDrawing();
@@ -102,7 +102,7 @@ TEST(ReadBroken, EveryTruncationGivesAnErrorOrADrawing) {
     const std::string text = whole.substr(0, n);
     const Loaded loaded = loadText(text);
     EXPECT_LE(loaded.error.GetErrorLine(), lineCount(text));
-    EXPECT_EQ(loaded.error.HasAnError(), n + 1 < whole.size());  // the last line end may go
+    EXPECT_EQ(loaded.error.HasAnError(), n + 1 < whole.size());  // the last line end may be missing
     expectConsistent(loaded);
     Loaded imported;
     importInto(imported, text);
@@ -170,7 +170,7 @@ TEST(ReadBroken, ChangedBytes) {
   EXPECT_TRUE(asserts.failures().empty());
 }
 
-// Growth by what a file claims: none of these may cost time or memory.
+// Files may declare huge counts; none of these may cost time or memory.
 TEST(ReadBroken, NumbersThatPromiseTooMuch) {
   const char* const cases[] = {
       "0 LWPOLYLINE|8 0|90 2147483647",

@@ -20,7 +20,7 @@ std::vector<PNT_3D> pointsOf(const CEntPolyline& polyline) {
   return points;
 }
 
-// Both ends of every chord and its middle, the closing one included.
+// Visits the middle and both ends of every chord, including the closing one.
 template <class Check>
 void forEachChord(const CEntPolyline& polyline, const Check& check) {
   const std::vector<PNT_3D> points = pointsOf(polyline);
@@ -56,7 +56,7 @@ TEST(ReadCurves, EllipsesBecomeChains) {
       EXPECT_GT(points.front().dist(points.back()), 0.01) << "the start is not repeated";
     else
       expectNear(points.back(), t.point("last"), 1e-9);
-    // In the ellipse's own frame it is the unit circle.
+    // In the ellipse's own frame, it is the unit circle.
     const auto radius = [&](const PNT_3D& p) {
       const PNT_3D d = p - t.point("center");
       const auto part = [&](const PNT_3D& a) {
@@ -80,7 +80,7 @@ TEST(ReadCurves, SplinesBecomeChains) {
   const std::vector<PNT_3D> points = pointsOf(*polyline);
   EXPECT_EQ(points.front(), PNT_3D(0, 0, 0));
   EXPECT_EQ(points.back(), PNT_3D(4, 0, 3));
-  // z of these controls is three times the parameter.
+  // z of these controls is three times the parameter of the curve.
   for (const PNT_3D& p : points) {
     const double t = p.z / 3;
     EXPECT_NEAR(p.x, 12 * t * t * (1 - t) + 4 * t * t * t, 1e-9);
@@ -89,7 +89,7 @@ TEST(ReadCurves, SplinesBecomeChains) {
   EXPECT_GT(points.size(), 8u);
 }
 
-// Four rational arcs make an exact circle.
+// Four rational arcs form an exact circle.
 TEST(ReadCurves, ClosedRationalSpline) {
   const std::string w = "0.7071067811865476";
   const std::string circle =
@@ -199,8 +199,8 @@ TEST(ReadCurves, ThePolicySaysHowClose) {
 TEST(ReadCurves, NonsenseGivesNothing) {
   const char* const cases[] = {
       "0 ELLIPSE|8 0|10 0|20 0|11 0|21 0|40 0.5",                    // no axis
-      "0 ELLIPSE|8 0|10 0|20 0|11 1e300|21 0|40 0.5",                // beyond reach
-      "0 ELLIPSE|8 0|10 0|20 0|11 1|21 0|40 0.5|210 1|220 0|230 0",  // axis along the normal
+      "0 ELLIPSE|8 0|10 0|20 0|11 1e300|21 0|40 0.5",                // out of range
+      "0 ELLIPSE|8 0|10 0|20 0|11 1|21 0|40 0.5|210 1|220 0|230 0",  // axis parallel to the normal
       "0 SPLINE|8 0|71 3",
       "0 SPLINE|8 0|71 3|10 1|20 1",
       "0 SPLINE|8 0|71 3|20 1",
@@ -220,7 +220,7 @@ TEST(ReadCurves, StrictlyTheyAreSkipped) {
   EXPECT_EQ(got.report.count("kind skipped"), 1);
 }
 
-// A thousand points of one ellipse come from a few lines of the file.
+// A few lines of a file suffice for a thousand points of an ellipse.
 TEST(ReadCurves, TheCurvesOfAFileHaveABound) {
   const std::string ellipse = "0 ELLIPSE|8 0|10 0|20 0|11 4|21 0|40 0.5|42 3";
   CFileMemory file(u"test.dxf", IFile::kRead, pairsOf(ellipse + "|" + ellipse + "|0 EOF"));

@@ -51,7 +51,7 @@ TEST(ReadDimensions, ShowTheirPicture) {
   }
 }
 
-// A block may hold the dimension of a picture that stands further on.
+// A block may contain a dimension whose picture is defined later in the file.
 TEST(ReadDimensions, PicturesMayFollow) {
   const std::string outer = section(
       "BLOCKS", pairsOf("0 BLOCK|8 0|2 A|70 0|10 0|20 0|0 DIMENSION|8 0|2 *D1|70 0|0 ENDBLK|5 8"));
@@ -81,7 +81,7 @@ TEST(ReadDimensions, WithoutAPictureAreDrawn) {
   }
 }
 
-// Styles, what a dimension changes of its own, and in old files the header.
+// Numbers follow the style, the dimension's overrides, and in old files the header.
 TEST(ReadDimensions, NumbersAreWrittenAsTheStyleSays) {
   for (const Row& t : rows()) {
     const std::string tables =
@@ -96,7 +96,8 @@ TEST(ReadDimensions, NumbersAreWrittenAsTheStyleSays) {
   }
 }
 
-// Of the current style or none; in old files the drawing's units.
+// Header variables apply to dimensions of the current style or without one; in old files, the
+// drawing's units do, too.
 TEST(ReadDimensions, TheHeaderSaysWhatTheStyleDoesNot) {
   const std::string length = "70 0|10 9|20 5|13 0|23 0|14 9|24 1";
   const std::string angle = "70 5|10 3|20 3|13 2|23 0|14 0|24 2|15 0|25 0|42 0.5323254218582705";
@@ -144,7 +145,7 @@ TEST(ReadDimensions, TextsHaveTheHeightOfTheHeader) {
   }
 }
 
-// A text is read from below or from the right whichever way its line runs.
+// Text along a line reads from below or from the right, whatever the line's direction.
 TEST(ReadDimensions, TextsAlongALineAreNotUpsideDown) {
   for (int degrees = -180; degrees <= 360; degrees += 15) {
     SCOPED_TRACE(degrees);
@@ -163,7 +164,7 @@ TEST(ReadDimensions, WithoutSenseAreNoHarm) {
   EXPECT_EQ(table.report.count("kind skipped"), 1);
 }
 
-// A picture may come after the dimension, but not after all blocks.
+// A picture may be defined after its dimension; without a picture, the dimension is drawn.
 TEST(ReadDimensions, AreDrawnWhereTheirPictureIsMissing) {
   const std::string dimension = "0 DIMENSION|8 0|2 *D7|70 0|10 9|20 5|13 0|23 0|14 9|24 1";
   const std::string entities = section("ENTITIES", pairsOf(dimension));

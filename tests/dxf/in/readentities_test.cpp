@@ -5,7 +5,7 @@ using vek0::detail::kPi;
 
 namespace {
 
-constexpr double kDegreeTolerance = 1e-9;  // the factor of the format has 13 digits
+constexpr double kDegreeTolerance = 1e-9;  // the format's factor has 13 digits
 
 #define EXPECT_POINT(p, ex, ey, ez) \
   do {                              \
@@ -157,7 +157,7 @@ TEST(ReadEntities, AlignedAndFittedText) {
   }
 }
 
-// In an attribute 73 is the length of a field; 74 says how it stands.
+// In an attribute, code 73 is the field length; the vertical alignment is in code 74.
 TEST(ReadEntities, Attdef) {
   const Loaded got = loadEntities(
       "0 ATTDEF|8 0|10 1|20 2|11 5|21 6|40 3|1 value|2 TAG|3 Prompt?|70 8|72 1|73 3|74 2");
@@ -196,8 +196,8 @@ TEST(ReadEntities, InsertDefaultsAndValues) {
   }
 }
 
-// An attribute stands where the insert puts it: at (12, 0) of the drawing, which an
-// insert at (10, 0) of scale 2 draws from (1, 0) of the block.
+// Attributes have drawing coordinates: at (12, 0), which an insert at (10, 0) with scale 2 shows
+// for (1, 0) of the block.
 TEST(ReadEntities, AttributesOfAnInsert) {
   const Loaded got = loadEntities(
       "0 INSERT|8 0|2 A|10 10|20 0|41 2|42 2|66 1|"

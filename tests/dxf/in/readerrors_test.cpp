@@ -5,8 +5,8 @@ using E = CFileDXFIError;
 
 namespace {
 
-// What a case is about, in the place where it belongs: "" is a whole file without its
-// end mark, a name that of a section or of a table, behind a version if one is needed.
+// Puts the pairs under test in their place: "" means a whole file without its EOF; a name is that
+// of a section or of a table, preceded by a version if one is needed.
 std::string fileOf(std::string_view place, std::string_view list) {
   if (place.empty()) return pairsOf(list);
   if (place.substr(0, 2) == "AC")
@@ -56,7 +56,7 @@ TEST(ReadErrors, FileThatCannotBeOpenedLeavesNoError) {
   EXPECT_FALSE(target.error.HasAnError());
 }
 
-// What was read before the error is a drawing in good order.
+// Everything read before the error forms a consistent drawing.
 TEST(ReadErrors, KeepsWhatWasReadBefore) {
   const Loaded got = loadText(entities("0 POINT|8 A|10 1|20 2|0 POINT|8 A|10 9"));
   EXPECT_EQ(got.error.GetErrorType(), E::EntityNotBuilt);

@@ -47,8 +47,8 @@ TEST(ReadHatches, LoopsBecomeRings) {
   }
 }
 
-// Newer versions tell the points that a curve was fitted to, with the code of the number of
-// sources; with no controls they are the curve.
+// Newer versions store fit points of a curve under the same code as the number of source objects;
+// without control points they define the curve.
 TEST(ReadHatches, FittedEdges) {
   const std::string controls = "95 5|96 3|40 0|40 0|40 1|40 2|40 2|10 0|20 0|10 4|20 0|10 4|20 4",
                     chord = "72 1|10 4|20 4|11 0|21 0", fits = "11 0|21 0|11 4|21 0|11 4|21 4",
@@ -97,8 +97,8 @@ TEST(ReadHatches, Patterns) {
   }
 }
 
-// The lines of a file's own pattern fall where the file says, whatever hatch angle and scale it was
-// exploded with.
+// The lines of a pattern defined in the file are where the file says, regardless of the hatch angle
+// and scale, which they already include.
 TEST(ReadHatches, OwnLinesFallWhereTheFileSays) {
   const Loaded got = loadHatch(kHead + "91 1|" + kSquare +
                                "|2 OWN|76 2|52 30|41 2|78 1|53 90|43 3|44 0|45 -4|46 0|79 0");
@@ -115,7 +115,8 @@ TEST(ReadHatches, OwnLinesFallWhereTheFileSays) {
   EXPECT_NEAR(sum, 10, 1e-9);
 }
 
-// A family holds six dashes; sequences of more are shared out and draw the same.
+// A family holds up to six dashes; longer sequences are split into several families that draw the
+// same.
 TEST(ReadHatches, LongDashSequencesAreKept) {
   const Loaded got = loadHatch(kHead + "91 1|" + kSquare +
                                "|2 OWN|76 2|52 0|41 1|78 1|53 0|43 0|44 5|45 0|46 20|79 8|"
@@ -163,7 +164,7 @@ TEST(ReadHatches, LossesAreTold) {
   EXPECT_EQ(notes(unknown, "hatch empty"), 1);
 }
 
-// A short record can make a million points of curves.
+// A short record can expand to a million points of curves.
 TEST(ReadHatches, CurvesHaveABound) {
   const int count = 5000;
   std::string loop = "92 2|72 1|73 1|93 " + std::to_string(count);
@@ -237,7 +238,7 @@ TEST(ReadHatches, OldVersionsSkipThem) {
   EXPECT_EQ(got.only(), nullptr);
 }
 
-// The name that the lines of a hatch were given may be that of a block further on.
+// The block of a hatch's lines may get a name that a later block of the file claims.
 TEST(ReadHatches, GiveTheirBlockNameUpToTheFile) {
   const std::string text =
       version("AC1015") +

@@ -5,8 +5,8 @@ using vek0::detail::kPi;
 
 namespace {
 
-constexpr double kLine = 5.0 / 3;                          // from line to line, in heights
-constexpr double kLetter = 19.0 / 21, kDigit = 20.0 / 21;  // wide, in heights: a, b; any digit
+constexpr double kLine = 5.0 / 3;  // line spacing, in text heights
+constexpr double kLetter = 19.0 / 21, kDigit = 20.0 / 21;  // widths in text heights
 
 Loaded loadAny(const std::string& list) {
   return loadText(entitiesOf("AC1015", list), CFileDXFIPolicy::forAnyFile());
@@ -25,7 +25,7 @@ std::vector<TEXT_3D> textsOf(const Loaded& got) {
 
 std::string string(const TEXT_3D& text) { return text.getContext().getString().toUtf8(); }
 
-/// What the runs show, parted by '|'.
+/// The strings of all runs, separated by '|'.
 std::string shown(const Loaded& got) {
   std::string all;
   for (const TEXT_3D& text : textsOf(got)) all += (all.empty() ? "" : "|") + string(text);
@@ -66,7 +66,7 @@ TEST(ReadMText, LinesBreakAtTheWidth) {
   }
 }
 
-// The width of all lines and their height are those of the file's own font.
+// The width and height stated in the file are measured with the file's own font.
 TEST(ReadMText, ToldExtentsDecide) {
   for (const Row& t : rows())
     for (const char* text : {"aa bb aa bb", "{\\fArial;aa bb aa bb}"}) {
@@ -130,7 +130,7 @@ TEST(ReadMText, TheRowsOfAStackStandWithinTheLine) {
   EXPECT_NEAR(texts[2].y, -3.6, 1e-12) << "2.4 high, in the middle of 4.8";
 }
 
-// Direction and angle may both stand there: the later one counts.
+// If both the direction and the angle are present, the later one applies.
 TEST(ReadMText, TheTextIsTurnedAndMirrored) {
   const double n = kLetter;
   const Definitions names{{"n", n}};
@@ -193,12 +193,12 @@ TEST(ReadMText, AreBounded) {
   std::string deep = "0 MTEXT|8 0|10 0|20 0|40 1";
   for (int i = 0; i < 100; ++i) deep += "|3 " + std::string(1000, i < 50 ? '{' : '}');
   EXPECT_EQ(shown(loadAny(deep + "|1 b")), "b");
-  std::string endless = "0 MTEXT|8 0|10 0|20 0|40 1";  // arguments that nothing ends
+  std::string endless = "0 MTEXT|8 0|10 0|20 0|40 1";  // arguments without an end
   for (int i = 0; i < 1000; ++i) endless += "|3 \\f\\p" + lines;
   EXPECT_EQ(textsOf(loadAny(endless + "|1 b")).size(), 10'000u);
 }
 
-// Any text whatever gives a drawing, and never more runs than letters.
+// Random text must yield a drawing, with no more runs than characters.
 TEST(ReadMText, NoiseIsHarmless) {
   constexpr unsigned seed = 5;
   std::mt19937 random(seed);
@@ -234,7 +234,7 @@ TEST(ReadMultileader, LinesAndText) {
       "12 5|22 6|32 0|13 1|23 0|33 0|43 0|45 1|170 1|171 1|296 0|302 LEADER{|290 1|291 1|10 4|20 5|"
       "30 0|11 1|21 0|31 0|40 0.5|304 LEADER_LINE{|10 0|20 0|30 0|10 1|20 3|30 0|305 }|303 }|301 }|"
       "170 ";
-  // The point behind the lines scales a block and is no vertex.
+  // The point after the lines scales a block and is not a vertex.
   const Loaded got = loadAny(record + "1|41 0.5|10 1|20 1|30 1");
   ASSERT_FALSE(got.error.HasAnError());
   EXPECT_EQ(shown(got), "a|b");

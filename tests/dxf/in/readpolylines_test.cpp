@@ -4,12 +4,12 @@ using namespace vek0::test;
 
 namespace {
 
-// A vertex record: "x y" and further pairs.
+// A vertex record with the given coordinates and further pairs.
 std::string vertex(const char* x, const char* y, const char* more = "") {
   return std::string("|0 VERTEX|8 0|10 ") + x + "|20 " + y + more;
 }
 
-// Vertex records of "x,y,flags x,y,flags ...".
+// Vertex records from "x,y,flags x,y,flags ...".
 std::string flagged(const std::string& list) {
   std::istringstream in(list);
   std::string records, x, y, flags;
@@ -76,7 +76,7 @@ TEST(ReadPolylines, Bulge) {
 }
 
 TEST(ReadPolylines, Curves) {
-  constexpr long made = -1;  // generated here, more than the controls
+  constexpr long made = -1;  // generated on reading, more than the controls
   const Definitions names{{"made", made}};
   for (const Row& t : rowsWith(names)) {
     const Loaded got = loadEntities(polyline(t.text("codes"), flagged(t.text("vertexes"))));

@@ -17,7 +17,7 @@ std::vector<CEnt*> entsOf(const Loaded& got) {
 
 double dot(const PNT_3D& a, const PNT_3D& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 
-// Two lines about a path of three points, the mitre at the corner being 1.5 of a length.
+// Two lines along a path of three points; the mitre at the corner has a length of 1.5.
 const std::string kMultiline =
     "0 MLINE|8 0|2 STANDARD|40 1|70 1|72 3|73 2|10 0|20 0|30 0|210 0|220 0|230 1|"
     "11 0|21 0|31 2|12 1|22 0|32 0|13 0|23 1|33 0|74 2|41 1|41 0|75 0|74 2|41 -1|41 0|75 0|"
@@ -43,7 +43,7 @@ TEST(PlaneAxes, AreSquareAndRightHanded) {
   std::mt19937 random(1);
   std::uniform_real_distribution<double> number(-1, 1);
   for (int i = 0; i < 1000; ++i) {
-    const double flat = i % 2 == 0 ? 1 : 0.02;  // about the limit of the rule too
+    const double flat = i % 2 == 0 ? 1 : 0.02;  // also around the limit of the rule
     const PNT_3D normal(flat * number(random), flat * number(random), number(random));
     const PlaneAxes plane(normal);
     EXPECT_NEAR(dot(plane.x, plane.y), 0, 1e-12);
@@ -97,7 +97,7 @@ TEST(ReadShapes, ClosedMultilinesGoBack) {
   }
 }
 
-// A line along x from 0 through 10 to 20, where it ends or returns.
+// A line along x from 0 through 10 to 20, which ends there or returns.
 TEST(ReadShapes, MultilinesAreCut) {
   for (const Row& t : rows()) {
     const bool closed = t.flag("closed");
@@ -134,7 +134,7 @@ TEST(ReadShapes, MeshesBecomeFaces) {
   }
 }
 
-// The visible edges of a fan are those of its polygon.
+// The visible edges of a fan are those of its outline.
 TEST(ReadShapes, AFanShowsItsOutline) {
   const Loaded got = loadShape(kVertexes + "93 7|90 6|90 0|90 1|90 2|90 3|90 4|90 5");
   const PNT_3D corners[] = {{0, 0, 0}, {4, 0, 0}, {5, 2, 0}, {4, 4, 1}, {0, 4, 0}, {-1, 2, 0}};

@@ -4,14 +4,14 @@ using namespace vek0::test;
 
 namespace {
 
-constexpr double kDegreeTolerance = 1e-9;  // the factor of the format has 13 digits
+constexpr double kDegreeTolerance = 1e-9;  // the format's factor has 13 digits
 
 std::string tables(std::string_view name, std::string_view list) {
   return section("TABLES", table(name, pairsOf(list))) + dxf();
 }
 std::string header(std::string_view list) { return section("HEADER", pairsOf(list)) + dxf(); }
 
-// Fonts of the process, in every test that needs some.
+// Fonts are shared by the process; every test that needs some registers them.
 class ReadStyles : public testing::Test {
  protected:
   struct Font : ICADFont {
@@ -162,7 +162,7 @@ TEST(ReadTables, LtypeWithTextAndShape) {
   EXPECT_DOUBLE_EQ(text->y, -0.05);
   EXPECT_EQ(got.report.count("shape dropped"), 1);
 
-  // The older form ignores 74 and what follows it, but for the dashes.
+  // The older form ignores code 74 and the codes that belong to it, but keeps the dashes.
   const Loaded old = loadText(version("AC1012") + tables("LTYPE", entry));
   ASSERT_FALSE(old.error.HasAnError());
   EXPECT_EQ(getLtype(*old.data, u"GAS")->getNoDashes(), 3);

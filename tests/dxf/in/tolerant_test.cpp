@@ -1,4 +1,4 @@
-// What a strict reader refuses and a tolerant one makes the best of.
+// Input that strict reading rejects and tolerant reading repairs.
 
 #include "support/test.h"
 
@@ -44,8 +44,7 @@ TEST(Tolerant, ReadsHowPointsLookAndSavesIt) {
   EXPECT_EQ(loadText(text).data->getVars().getPointMode(), 0) << "strict";
 }
 
-// Each text is refused by the strict reader, or read otherwise; the line in model space
-// survives.
+// Strict reading rejects each text or reads it differently; the line in model space is always read.
 TEST(Tolerant, WhatIsRefusedIsRepairedAndTold) {
   const std::string good = section("ENTITIES", pairsOf(kLine)) + dxf(), line = pairsOf(kLine);
   const auto entry = [&](const char* kind, const char* list) {
@@ -182,7 +181,7 @@ TEST(Tolerant, WhatIsNoTextDxfIsNamed) {
     EXPECT_EQ(got.report.count(t.code), 1);
     EXPECT_EQ(got.report.count("stray line") + got.report.count("file cut"),
               t.bytes == "\n \r\n" || t.bytes.empty() ? 1 : 0);
-    const bool isBlank = t.bytes == "\n \r\n";  // which breaks another rule first
+    const bool isBlank = t.bytes == "\n \r\n";  // breaks another rule first
     EXPECT_EQ(loadText(t.bytes).error.GetForm(), isBlank ? CFileDXFIError::TextForm : t.form);
   }
 }
@@ -196,7 +195,8 @@ TEST(Tolerant, PolylinesTakeWhatThereIs) {
   }
 }
 
-// Faces count the vertices: those of a broken one are missing, the others as they were.
+// Faces refer to vertices by number: those of a broken vertex are skipped, the others must not
+// change.
 TEST(Tolerant, SurfacesSpareABrokenVertex) {
   const auto vertex = [](const char* x, const char* y) {
     return std::string("|0 VERTEX|8 A|70 192|10 ") + x + "|20 " + y;
@@ -262,7 +262,8 @@ TEST(Tolerant, LinetypesTakeWhatThereIs) {
   EXPECT_EQ(got.report.count("linetype unknown"), 0);
 }
 
-// Linetypes may come after the layers that name them, but a layer that is there already
+// Linetypes may follow the layers that name them, but a layer that already exists keeps its
+// linetype.
 // keeps its own.
 TEST(Tolerant, LayersWaitForTheirLinetypes) {
   const std::string later = table("LTYPE", pairsOf("0 LTYPE|2 D|70 0|72 65|73 1|49 1"));
@@ -282,7 +283,8 @@ TEST(Tolerant, LayersWaitForTheirLinetypes) {
   EXPECT_EQ(got.report.count("linetype unknown"), 1);
 }
 
-// What is asked for ends the reading without an error under either policy, in a block as well.
+// Limits and cancellation by the host end reading without an error, under both policies and inside
+// blocks too.
 TEST(Tolerant, ReadingEndsWhereTheHostSays) {
   const std::string block =
       section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|" + kLine + "|" + kLine + "|0 ENDBLK"));
@@ -310,14 +312,15 @@ TEST(Tolerant, ReadingEndsWhereTheHostSays) {
   }
 }
 
-// What nothing is wrong with is the same drawing under both policies, to the last byte.
+// A valid file yields the same drawing under both policies, to the last byte.
 TEST(Tolerant, CleanFilesAreReadAsEver) {
   CFontTable::getInstance().addPlainDefault();
   for (const char* name :
        named<const char*>({"flange.dxf", "every_kind_r12.dxf", "hatches_ac1015.dxf"})) {
     std::ifstream in(vek0::test::samplePath(name), std::ios::binary);
     std::string text(std::istreambuf_iterator<char>(in), {});
-    // The strict reader forgets the names of unknown fonts and knows another current layer.
+    // Strict reading drops the names of unknown fonts and uses another variable for the current
+    // layer.
     for (const auto& [from, to] : {std::pair("romans", "txt"), std::pair("$CLAYER", "$CELAYER")})
       for (std::size_t i = 0; (i = text.find(from, i)) != std::string::npos;)
         text.replace(i, std::strlen(from), to);
@@ -327,11 +330,11 @@ TEST(Tolerant, CleanFilesAreReadAsEver) {
   }
 }
 
-// Drawn in the plane that is the world's seen from below.
+// Drawn in the world plane seen from below.
 TEST(Tolerant, EntitiesSeenFromBelowAreMirrored) {
   const std::string block =
       section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|0 LINE|8 0|10 0|20 0|11 1|21 0.5|0 ENDBLK"));
-  // What is all but the world's plane seen from below looks all but the same.
+  // A plane that is almost the world plane must give almost the same result.
   for (const Row& t : rows()) {
     for (const char* tilt : {"0", "0.0001"}) {
       SCOPED_TRACE(t.text("name") + ", tilted by " + tilt);
@@ -360,7 +363,7 @@ TEST(Tolerant, MirroredTextsRunBackwards) {
       1e-9);
 }
 
-// In any other plane curves are chains of points that lie in it, at the right distance.
+// In any other plane, curves become chains of points in that plane, at the right distance.
 TEST(Tolerant, CurvesInOtherPlanesBecomeChains) {
   std::mt19937 random(3);
   std::uniform_real_distribution<double> number(-1, 1);
@@ -376,7 +379,8 @@ TEST(Tolerant, CurvesInOtherPlanesBecomeChains) {
       const Loaded got = loadAnyEntities(curve + plane);
       CEntPolyline* chain = castPolyline(got.only());
       ASSERT_NE(chain, nullptr);
-      // The center is as far from the origin in every plane, and the points from both.
+      // The center has the same distance from the origin in every plane, and all points have the
+      // radius as distance from it.
       const double fromOrigin = std::sqrt(3.0 * 3 + 4 * 4 + 5 * 5);
       int count = 0;
       chain->forEachVisible([&](const PNT_3D& p, double, double, double, long) {
@@ -440,7 +444,7 @@ TEST(Tolerant, WhatIsInvisibleStaysSo) {
   EXPECT_EQ(with.GetAttrib(1)->getFlags(), 0);
 }
 
-// The entities of a block are those of both spaces.
+// A block contains the entities of both spaces.
 TEST(Tolerant, BlocksAreReadForPaperToo) {
   const std::string text = section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|" + kLine + "|67 1|" +
                                                      kLine + "|0 ENDBLK")) +

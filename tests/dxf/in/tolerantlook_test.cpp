@@ -1,4 +1,4 @@
-// What tolerant reading makes of colors, radii, curves, attributes and names.
+// Tolerant reading of colors, radii, curves, attributes and names.
 
 #include "support/test.h"
 
@@ -36,7 +36,7 @@ TEST(TolerantLook, TrueColorsBecomeTheNearest) {
   EXPECT_EQ(severityOf(ReportCode::ColorApproximated), ReportSeverity::Change);
 }
 
-// The law of the search: no other color of the palette is nearer.
+// By definition of the search, no other color of the palette is closer.
 TEST(TolerantLook, EveryPaletteColorIsNearestToItself) {
   for (int i = 1; i < 256; ++i)
     EXPECT_EQ(paletteColor(nearestPaletteColor(paletteColor(i))), paletteColor(i)) << i;
@@ -61,7 +61,7 @@ TEST(TolerantLook, PatternsRunOnAlongCurves) {
     EXPECT_TRUE(static_cast<const CEntPolyline*>(ent)->getFlags() & CEntPolyline::kLtGen);
 }
 
-// Wherever the plane of the insert faces, an attribute is where its own plane has it.
+// An attribute is placed by its own plane, whatever the plane of the insert.
 TEST(TolerantLook, AttributesHaveAPlaneOfTheirOwn) {
   for (const char* insertZ : {"1", "-1"})
     for (const char* attribZ : {"1", "-1"}) {
@@ -87,7 +87,7 @@ TEST(TolerantLook, AttributesHaveAPlaneOfTheirOwn) {
 
 TEST(TolerantLook, LayersNamedAfterABlockAreOrdinary) {
   CFontTable::getInstance().addPlainDefault();
-  // '|' parts the pairs of lists: these hold one.
+  // '|' separates the pairs of lists, but these values contain one.
   const std::string tables = section(
       "TABLES", table("LTYPE", pairs("0 LTYPE", "2 X|D", "70 16", "72 65", "73 1", "49 1")) +
                     table("LAYER", pairs("0 LAYER", "2 X|L", "62 3", "6 X|D", "70 48")));

@@ -8,8 +8,7 @@ namespace {
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
-/// Adds to the entity table of a drawing that already has a layer WALL with a
-/// linetype DASH, and a block BOLT.
+/// Adds to a drawing that already has a layer WALL with a linetype DASH, and a block BOLT.
 using Adding = void (*)(CData&);
 
 void add(CData& d, CEnt* ent) { d.getEntTable().add(ent); }
@@ -26,7 +25,7 @@ Drawing prepared() {
   return d;
 }
 
-/// What the entities become; the lint looks at the file too.
+/// The ENTITIES section as saved; the lint checks the file, too.
 std::string written(Adding adding, unsigned flags) {
   const Drawing d = prepared();
   adding(*d);
@@ -56,7 +55,7 @@ void addFace(CData& d) {
                          PNT_3D(1, 1, 1), PNT_3D(0, 1, 1), 5, 1));
 }
 
-// In a plane that leans to the left: 3 up and 4 to the side.
+// In an inclined plane that rises by 3 over 4.
 void addLeaningTrace(CData& d) {
   add(d, d.getEntFactory().createEntSolid(getHandleGestor(d), wall(d), byLayer(d), 256,
                                           PNT_3D(0, 0, 0), PNT_3D(0, 2, 0), PNT_3D(4, 2, 3),
@@ -74,7 +73,7 @@ void addText(CData& d) {
                        TEXT_3D(context, getStyleStandard(d), 1, 2, 0, 0), 1));
 }
 
-// Width 0.9 a character at height 1: "ab" is 3.6 long at height 2.
+// The width is 0.9 per character at height 1: "ab" is 3.6 long at height 2.
 void addCenteredText(CData& d) {
   add(d, createEntText(d, wall(d), byLayer(d), 256,
                        TEXT_3D(textContext(u"ab", 2, 0), getStyleStandard(d), 10, 0, 0, 7), 1));
@@ -101,7 +100,7 @@ void addFixedInsert(CData& d) {
   add(d, createEntFixedInsert(d, wall(d), byLayer(d), 256, bolt(d), PNT_3D(5, 6, 0), 10, 50, 0, 1));
 }
 
-// The attribute stands at (1, 0) in the block and the insert doubles and turns it.
+// The attribute is at (1, 0) in the block; the insert doubles and rotates it.
 void addInsertWithAttribute(CData& d) {
   CEntInsert* insert = createEntInsert(d, wall(d), byLayer(d), 256, bolt(d), PNT_3D(5, 6, 0), 2, 2,
                                        2, kPi / 2, 1, 1, 0, 0, 1);
@@ -177,7 +176,7 @@ CEnt* badCircle(CData& d) {
   return createEntCircle(d, wall(d), byLayer(d), 256, CIRCLE_3D(0, 0, 0, kNan), 1);
 }
 
-// The constructor refuses such an angle; a host writes the field.
+// The constructor rejects such an angle, but a host can assign the member.
 CEnt* badArc(CData& d) {
   CEntArc* arc = createEntArc(d, wall(d), byLayer(d), 256, ARC_3D(0, 0, 0, 1, 0, 1), 1);
   arc->getArc().endAngle = HUGE_VAL;
@@ -322,7 +321,7 @@ TEST(EntityOutput, FlattenedPointsLoseTheirHeight) {
       << "what is flat now is no polyline in space";
 }
 
-// Its record has the last two corners the other way round, and one plane for all of them.
+// In its record the last two corners are swapped, and all lie in a single plane.
 TEST(EntityOutput, FilledFacesAreSolids) {
   const std::string corners =
       "11 1.0; 21 0.0; 31 0.0; 12 0.0; 22 1.0; 32 0.0; 13 1.0; 23 1.0; 33 0.0";
@@ -358,7 +357,7 @@ TEST(EntityOutput, ExchangeFormWritesShortNumbersAndBulges) {
                 seqend("4"));
 }
 
-// The chords of a half circle of radius 1 about (1, 0), counterclockwise from (0, 0).
+// Chords of a half circle of radius 1 about (1, 0), counterclockwise from (0, 0).
 TEST(EntityOutput, ClassicFormWritesTheChordsOfABulge) {
   const std::string text = written(addSemicircle, 0);
   EXPECT_FALSE(contains(text, " 42\n"));

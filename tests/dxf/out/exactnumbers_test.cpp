@@ -19,8 +19,8 @@ TEST(ExactDegrees, AnAngleThatWasReadIsReadAgainExactly) {
   }
 }
 
-// Not every angle comes out of some number of degrees. Saving must come to rest at
-// once all the same, or files would differ each time.
+// Some angles equal no number of degrees exactly. They must still be stable after one round trip,
+// or else files would change with every saving.
 TEST(ExactDegrees, AnyAngleStaysPutAfterOneReading) {
   std::mt19937_64 random(8);
   std::uniform_real_distribution<double> angles(-20, 20);

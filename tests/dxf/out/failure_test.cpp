@@ -1,4 +1,4 @@
-// Every write may fail, and whoever saves must hear of it.
+// Any write may fail, and the caller must learn of it.
 #include "dxf/out/saveddrawing.h"
 #include "support/test.h"
 
@@ -6,7 +6,7 @@ using namespace vek0::test;
 
 namespace {
 
-/// A file in memory whose n-th write fails; counts its writes and its closings.
+/// A file in memory whose n-th write fails; counts writes and closings.
 class FailingFile : public CFileMemory {
  public:
   explicit FailingFile(long failAt) : CFileMemory(u"out", kWrite), m_failAt(failAt) {}
@@ -28,7 +28,7 @@ class FailingFile : public CFileMemory {
   long m_failAt;
 };
 
-/// Says yes to every write and tells of the failure only when it is asked.
+/// Reports success for every write, and the failure only through `fail`.
 class SilentlyFailingFile : public FailingFile {
  public:
   explicit SilentlyFailingFile(long failAt) : FailingFile(-1), m_failAt(failAt) {}
@@ -44,7 +44,7 @@ class ClosedFile : public FailingFile {
   bool open() override { return false; }
 };
 
-/// More than one buffer in each section.
+/// Each section exceeds the buffer.
 Drawing largeDrawing() {
   Drawing d = newDrawing();
   CBlock* block = d->getBlockFactory().create(u"B", 0);

@@ -1,5 +1,5 @@
-// The version that is written has no hatches: they travel as inserts of their lines, with
-// data that makes hatches of them again.
+// The version written has no hatches. They are saved as inserts of their lines, with extended data
+// from which they are restored.
 
 #include "dxf/out/saveddrawing.h"
 #include "support/test.h"
@@ -69,7 +69,7 @@ void expectSame(CEnt* a, CEnt* b, double tolerance) {
   expectSameLines(*p->getBlock(), *q->getBlock(), tolerance);
 }
 
-// The lines of the file from the INSERT record on.
+// The lines of the file, starting at the INSERT record.
 std::string insertRecord(const std::string& bytes) {
   return bytes.substr(bytes.rfind("  0\nINSERT\n"));
 }
@@ -105,7 +105,8 @@ TEST_F(SavedHatches, ComeBackAsTheyWere) {
       const HATCH_TYPE& type = known       ? *known
                                : t.pattern ? types.solid()
                                            : types.intern(u"Own one", {dashed});
-      add(*d, type, 20.0 / 3, 0.7, t.boundary);  // coarse: each dot is an entity of the file
+      // A coarse pattern, because each dot is an entity of the file.
+      add(*d, type, 20.0 / 3, 0.7, t.boundary);
       const std::string bytes = saved(*d, flags);
       for (const CFileDXFIPolicy& policy : {CFileDXFIPolicy(), CFileDXFIPolicy::forAnyFile()}) {
         const Drawing back = loaded(bytes, policy);
@@ -127,7 +128,7 @@ TEST_F(SavedHatches, FlattenedHatchesAreFlat) {
   EXPECT_EQ(first(back)->getBdry().max.z, 0);
 }
 
-// Whatever is missing or different, no line is lost: the insert stays.
+// No line is lost if anything is missing or different: the insert remains.
 TEST_F(SavedHatches, ForeignDataLeavesAnInsert) {
   const Drawing d = newDrawing();
   add(*d, d->getHatchTypeTable().intern(u"OWN", {{0, 0, 0, 0, 1, {1, -1}, 2}}), 1, 0, kOuter);
@@ -137,7 +138,7 @@ TEST_F(SavedHatches, ForeignDataLeavesAnInsert) {
   ASSERT_NE(at, std::string::npos);
   for (int pair = 0; bytes.compare(at, 4, "  0\n") != 0; ++pair) {
     const std::size_t end = bytes.find('\n', bytes.find('\n', at) + 1) + 1;
-    // Which application it is for, and comments that nothing depends on, may go.
+    // Without any one of the pairs, the application's name included, no hatch is restored.
     const Drawing back = loaded(bytes.substr(0, at) + bytes.substr(end));
     ASSERT_EQ(back->getEntTable().getEntityTbl().size(), 1u) << pair;
     CEnt* ent = first(back);
@@ -172,8 +173,7 @@ TEST_F(SavedHatches, AnythingThatDiffersLeavesAnInsert) {
   }
 }
 
-// Each block shows the one before, as a hatch: what is done to a hatch would go down all
-// the way.
+// Each block shows the previous one as a hatch: a change of one would descend through all of them.
 TEST_F(SavedHatches, HatchesAreNotNested) {
   const int depth = 5000;
   const auto hatch = [](int i) {

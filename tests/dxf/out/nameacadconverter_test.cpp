@@ -9,7 +9,7 @@ namespace {
 
 const std::string kLong30(30, 'x');
 
-/// Names that layers of these names get, in order.
+/// The names that layers with the given names are saved under, in order.
 std::vector<std::string> converted(const std::vector<zim::WString>& names, bool unique,
                                    CFileReport* report = nullptr) {
   const Drawing drawing = newDrawing();
@@ -26,7 +26,7 @@ std::string folded(std::string name) {
   return name;
 }
 
-/// The rule as it reads, one scan of the table a candidate; ASCII names only.
+/// The rule by definition, scanning the table for each candidate; ASCII names only.
 std::string naive(const std::vector<std::string>& own, const std::string& name) {
   std::string corrected = name;
   for (std::size_t i = 0; i < corrected.size(); ++i) {
@@ -143,7 +143,7 @@ TEST(NameAcadConverter, ReportsWhatChangedAndWhatBecameOne) {
 TEST(NameAcadConverter, RandomTablesAgreeWithThePlainRule) {
   std::mt19937 random(20240607);
   for ([[maybe_unused]] const int round : rounds(200)) {
-    // Few characters and lengths about the limit, so that names meet often.
+    // Few characters, and lengths around the limit, so that names often collide.
     std::vector<std::string> own;
     for (int i = 0; i < 60; ++i) {
       std::string name = random() % 2 ? std::string(26 + random() % 6, 'x') : std::string();

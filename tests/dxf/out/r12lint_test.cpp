@@ -1,5 +1,5 @@
-// The lint judges everything that the other tests write, so it is tried on faults
-// that it must find: each case changes one thing in a sound file.
+// All other tests of saving rely on the lint. Each case changes one thing in a valid file and
+// expects the lint to find it.
 #include "dxf/out/saveddrawing.h"
 #include "support/test.h"
 

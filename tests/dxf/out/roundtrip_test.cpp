@@ -1,5 +1,5 @@
-// What we write and read again is what it was: the reader and the writer are told the
-// same about every kind of entity.
+// A saved drawing loads as the same drawing: the reader and the writer interpret every kind of
+// entity in the same way.
 
 #include "dxf/out/saveddrawing.h"
 #include "support/test.h"
@@ -29,7 +29,7 @@ Drawing loaded(const std::string& bytes, const CFileDXFIPolicy& policy = {}) {
 
 double coordinate(std::mt19937_64& random) {
   const double units = std::uniform_real_distribution<double>(-1000, 1000)(random);
-  if (random() % 16 == 0) return units * 1e-10;  // nothing within six decimals
+  if (random() % 16 == 0) return units * 1e-10;  // zero when rounded to six decimals
   return random() % 2 ? units : std::round(units * 100) / 100;
 }
 
@@ -123,8 +123,7 @@ CEnt* anyEntity(CData& d, CLayer* layer, CBlock* block, std::mt19937_64& random)
   }
 }
 
-/// Filled faces with two sides along these; some have three corners. Strict reading passes over
-/// them.
+/// Fills with two sides along these vectors; some have three corners. Strict reading skips them.
 void addFills(CData& d, const PNT_3D& right, const PNT_3D& up, std::mt19937_64& random) {
   for (int i = 0; i < 6; ++i) {
     const PNT_3D a = point(random), b = a + right, c = b + up;
@@ -134,7 +133,7 @@ void addFills(CData& d, const PNT_3D& right, const PNT_3D& up, std::mt19937_64& 
   }
 }
 
-/// A drawing of all kinds, blocks in blocks among them, with names to convert.
+/// A drawing with all kinds of entities, nested blocks, and names that need conversion.
 Drawing anyDrawing(unsigned seed) {
   std::mt19937_64 random(seed);
   Drawing d = newDrawing();
@@ -160,8 +159,8 @@ Drawing anyDrawing(unsigned seed) {
 
 }  // namespace
 
-// Of drawings made anyhow, in part of what they were saved as. A high handle leaves no room for
-// others above it.
+// Saving a loaded drawing reproduces the file. Some drawings have a handle so high that no further
+// handles fit above it.
 TEST_F(RoundTrip, SavingWhatWasReadGivesTheSameFile) {
   for (unsigned seed = 1; seed <= 24; ++seed) {
     const unsigned flags = seed % 2 ? kSaveExchange : 0;
@@ -183,7 +182,7 @@ TEST_F(RoundTrip, SavingWhatWasReadGivesTheSameFile) {
   }
 }
 
-// The planes of files have a normal and an origin, which are computed, so that digits change.
+// Files state planes by a computed normal and origin, so the last digits change.
 TEST_F(RoundTrip, InclinedFillsComeBackButForRounding) {
   std::mt19937_64 random(7);
   const Drawing d = newDrawing();

@@ -13,14 +13,13 @@ inline Drawing newDrawing() {
   return Drawing(factory.createData());
 }
 
-/// The drawing as DXF, whatever a lint says of it; empty when saving fails.
+/// The drawing as DXF without any check of the file; empty if saving fails.
 inline std::string savedAnyhow(const CData& data, unsigned flags, CFileReport* report = nullptr) {
   CFileMemory file(u"out.dxf", IFile::kWrite);
   return SaveDXF(data, file, flags, report) ? file.bytes() : std::string();
 }
 
-/// The drawing as DXF; the test fails when that does, or when a strict reader could
-/// refuse the file.
+/// The drawing as DXF; the test fails if saving does, or if a strict reader could reject the file.
 inline std::string saved(const CData& data, unsigned flags, CFileReport* report = nullptr) {
   const std::string bytes = savedAnyhow(data, flags, report);
   EXPECT_FALSE(bytes.empty());
@@ -30,7 +29,7 @@ inline std::string saved(const CData& data, unsigned flags, CFileReport* report 
   return bytes;
 }
 
-/// DXF text of pairs written as "code value" with semicolons between: "0 LINE; 8 0".
+/// DXF text of pairs written as "code value", separated by semicolons: "0 LINE; 8 0".
 inline std::string savedPairs(std::string_view list) {
   std::string text;
   for (std::size_t end = 0; end != std::string_view::npos; list.remove_prefix(end + 2)) {
@@ -45,7 +44,7 @@ inline std::string savedPairs(std::string_view list) {
   return text;
 }
 
-/// What stands in the section between its name and its ENDSEC.
+/// Content of the section between its name and its ENDSEC.
 inline std::string section(const std::string& bytes, const std::string& name) {
   const std::string head = "  2\n" + name + "\n", tail = "  0\nENDSEC\n";
   const std::size_t at = bytes.find("  0\nSECTION\n" + head);
@@ -54,7 +53,7 @@ inline std::string section(const std::string& bytes, const std::string& name) {
   return bytes.substr(from, bytes.find(tail, from) - from);
 }
 
-/// Where two files part: the lines about the first that differs; empty when none does.
+/// The lines around the first difference of two files; empty if they are equal.
 inline std::string firstDifference(const std::string& a, const std::string& b) {
   if (a == b) return {};
   std::size_t at = 0;
@@ -67,7 +66,7 @@ inline bool contains(const std::string& bytes, const std::string& part) {
   return bytes.find(part) != std::string::npos;
 }
 
-/// Adds a line from the origin to (1, 2, 3) with that handle.
+/// Adds a line from the origin to (1, 2, 3) with the given handle.
 inline CEntLine* addLine(CData& data, CLayer* layer, vek0::Handle handle) {
   CEntLine* line =
       createEntLine(data, layer, getLtypeByLayer(data), 256, LINE_3D(0, 0, 0, 1, 2, 3), handle);
@@ -95,7 +94,7 @@ inline CBlockXRef* addNewXRef(CData& data, const zim::WString& name) {
   return xref;
 }
 
-/// Makes an insert at (5, 6, 0) that nobody owns yet.
+/// Creates an insert at (5, 6, 0) without an owner.
 inline CEntInsert* newInsert(CData& data, CBlock& block, vek0::Handle handle) {
   return createEntInsert(data, getLayer0(data), getLtypeByLayer(data), 256, block, PNT_3D(5, 6, 0),
                          1, 1, 1, 0, 1, 1, 0, 0, handle);

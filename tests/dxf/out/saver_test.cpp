@@ -23,7 +23,7 @@ std::string emptyDrawing() {
          savedPairs("0 SECTION; 2 BLOCKS; 0 ENDSEC; 0 SECTION; 2 ENTITIES; 0 ENDSEC; 0 EOF");
 }
 
-/// The records of one table, its head included.
+/// The records of one table, including its header record.
 std::string table(const std::string& bytes, const std::string& name) {
   const std::size_t from = bytes.find("  0\nTABLE\n  2\n" + name + "\n");
   return bytes.substr(from, bytes.find("  0\nENDTAB\n", from) - from);
@@ -203,7 +203,7 @@ TEST(Saver, BlocksThatInsertEachOtherFail) {
   CBlock* b = addNewBlock(*d, u"B");
   a->add(newInsert(*d, *b, 1));
   b->add(newInsert(*d, *a, 2));
-  // The table leaves such an edge out; behind its back the graph can be bent.
+  // The table rejects such an edge, so the test changes the graph directly.
   d->getBlockTable().getBlockGraph().doSubstitute(*a, {b});
   d->getBlockTable().getBlockGraph().doSubstitute(*b, {a});
   CFileReport report;

@@ -16,7 +16,7 @@ std::string written(Write write, bool exact = false) {
   return file.bytes();
 }
 
-/// A host's file that knows lines only.
+/// A host's file with only line access.
 class LineFile : public IFile {
  public:
   LineFile() : IFile(u"lines", kWrite) {}
@@ -69,7 +69,7 @@ TEST(DxfWriter, OtherValues) {
   EXPECT_EQ(written([](CFileDXFOWriter& w) { w.write(70, false); }), " 70\n0\n");
   EXPECT_EQ(written([](CFileDXFOWriter& w) { w.write(62, -7L); }), " 62\n-7\n");
   EXPECT_EQ(written([](CFileDXFOWriter& w) { w.writeHex(5, 255); }), "  5\nFF\n");
-  // As a `long` of 32 bits would be.
+  // Like a `long` of 32 bits.
   EXPECT_EQ(written([](CFileDXFOWriter& w) { w.writeHex(5, -1); }), "  5\nFFFFFFFF\n");
   EXPECT_EQ(written([](CFileDXFOWriter& w) { w.write(1, static_cast<zim::Char*>(nullptr)); }),
             "  1\n\n");
@@ -133,7 +133,6 @@ TEST(DxfWriter, FilesOfLinesGetTheSameContent) {
     writer.write(40, 1.5);
     EXPECT_TRUE(file.text.ends_with(u"4E2D\n")) << "when it is flushed, here by the destructor";
   }
-  // Both letters of the code page, the second of those that it has where Latin-1
-  // has control characters.
+  // Both characters exist in the code page; the second lies where Latin-1 has control characters.
   EXPECT_EQ(file.text, u"  1\n\u00D8 \u20AC \\U+4E2D\n 40\n1.500000\n");
 }
