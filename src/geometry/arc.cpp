@@ -10,6 +10,7 @@ namespace {
 
 constexpr double kStepLimit = 64 * kTwoPi;
 constexpr double kAngleEps = 1e-12;
+// Bounds the points that one arc of a file can cause.
 constexpr double kMaxChords = 1024;
 
 // Within [s, e], with a tolerance that grows with the angles.
@@ -27,12 +28,18 @@ double largestCoordinate(const PNT_3D& a, const PNT_3D& b) {
 bool isStraight(const PNT_3D& p0, const PNT_3D& p1, double bulge) {
   if (bulge == 0 || !std::isfinite(bulge)) return true;
   const double h = p0.PNT_2D::dist(p1) / 2;
+  // A chord below the tolerance determines no direction.
   if (!(h > kAngleEps)) return true;
   const double radius = h / 2 * (std::fabs(bulge) + 1 / std::fabs(bulge));
+  // Intersections square the radius.
   if (!std::isfinite(radius * radius)) return true;
+  // The sagitta is bulge * half the chord. Below the rounding of the coordinates the arc cannot be
+  // distinguished from its chord.
   return std::fabs(bulge) * h < kAngleEps * (1 + largestCoordinate(p0, p1));
 }
 
+// Computed separately: tan(pi / 2) is finite in floating point and would put the center beside the
+// middle of the chord.
 void halfCircle(const PNT_3D& p0, const PNT_3D& p1, double bulge, ARC_3D& arc) {
   const PNT_3D centre((p0.x + p1.x) / 2, (p0.y + p1.y) / 2, (p0.z + p1.z) / 2);
   const double start = centre.angle(bulge > 0 ? p0 : p1);
@@ -40,6 +47,7 @@ void halfCircle(const PNT_3D& p0, const PNT_3D& p1, double bulge, ARC_3D& arc) {
 }
 
 // Angle of the chord that deviates from the unit circle by `error`.
+// sagitta = 1 - cos(angle / 2) on the unit circle
 double chordAngle(double error) { return error > 0 ? 2 * std::acos(1 - std::min(error, 1.0)) : 0; }
 
 // Multiplies the vector by the complex number c + i*s.
@@ -80,6 +88,7 @@ double ARC_3D::normal(double angleRad) {
 bool ARC_3D::Create(const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3) {
   CIRCLE_3D circle;
   if (!circle.Create(p1, p2, p3)) return false;
+  // The points are in counterclockwise order if the third is left of the line through the others.
   const bool left = prodVect(p2 - p1, p3 - p1).z > 0;
   const PNT_3D &from = left ? p1 : p3, &to = left ? p3 : p1;
   set(circle.x, circle.y, p1.z, circle.radius, circle.angle(from), circle.angle(to));
@@ -88,6 +97,7 @@ bool ARC_3D::Create(const PNT_3D& p1, const PNT_3D& p2, const PNT_3D& p3) {
 
 void ARC_3D::getSafeAngles(double& start, double& end) const {
   start = startAngle;
+  // Equal angles mean a full circle in files, so the end is always above the start.
   end = endAngle > startAngle ? endAngle : endAngle + kTwoPi;
 }
 
@@ -113,6 +123,7 @@ void ARC_3D::calc_bdry(RECT_3D& box) const {
   box.set(ps, pe);
   double s, e;
   getSafeAngles(s, e);
+  // Axis crossings beyond the ends extend the box to the full radius.
   if (e > kTwoPi) box.updateRegion(PNT_3D(x + radius, ps.y, z));
   if (passes(s, e, kPi)) box.updateRegion(PNT_3D(x - radius, ps.y, z));
   if (passes(s, e, kPi / 2)) box.updateRegion(PNT_3D(ps.x, y + radius, z));
@@ -139,6 +150,7 @@ long ARC_3D::filter(long count, PNT_2D& p1, const PNT_2D& p2) const {
   if (count == 0) return 0;
   const bool first = holds(p1);
   const bool second = count == 2 && holds(p2);
+  // The caller expects the remaining point in p1.
   if (!first) p1 = p2;
   return first + second;
 }
@@ -186,6 +198,7 @@ bool createArcFromBulge(const PNT_3D& p0, const PNT_3D& p1, double bulge, ARC_3D
   const double h = std::sqrt(hx * hx + hy * hy);
   const double ux = hx / h, uy = hy / h;
   // Signed distance of the center from the chord's middle, to the left.
+  // Half the sweep, 2 * atan(bulge), is the angle at the center over half the chord.
   const double d = h / std::tan(2 * std::atan(bulge));
   const PNT_3D centre(p0.x + ux * h - d * uy, p0.y + uy * h + d * ux, (p0.z + p1.z) / 2);
   const double a0 = centre.angle(p0), a1 = centre.angle(p1);
@@ -198,6 +211,7 @@ int arcChords(double angleRad, double chordError) {
   static const double usual = chordAngle(kArcChordError);
   const double step = chordError == kArcChordError ? usual : chordAngle(chordError);
   const double n = std::ceil(std::fabs(angleRad) / step);
+  // At least two chords, so that even a flat arc remains recognizable.
   return n > 2 ? static_cast<int>(std::min(n, kMaxChords)) : 2;
 }
 

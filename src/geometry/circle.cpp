@@ -27,6 +27,7 @@ double halfChord(double radius, double distance) {
   const double off = std::fabs(distance);
   if (!(off <= r + touchTolerance(r))) return -1;
   if (off >= r - touchTolerance(r)) return 0;
+  // Sum times difference: r * r - off * off would cancel for almost tangent lines.
   return std::sqrt((r - off) * (r + off));
 }
 
@@ -41,6 +42,7 @@ bool onSegment(double& t) {
 bool circumcentre(const PNT_2D& a, const PNT_2D& b, PNT_2D& centre) {
   const double cross = a.x * b.y - a.y * b.x;
   const double aa = a.x * a.x + a.y * a.y, bb = b.x * b.x + b.y * b.y;
+  // Relative to the longest side, because the cross product is twice the triangle's area.
   const double longest = std::max({aa, bb, a.dist_square(b)});
   if (!(std::fabs(cross) > kParamEps * longest)) return false;
   centre.set((aa * b.y - bb * a.y) / (2 * cross), (bb * a.x - aa * b.x) / (2 * cross));
@@ -92,6 +94,7 @@ long CIRCLE_3D::intersect(const LINE_2D& line, PNT_2D* p1, PNT_2D* p2) const {
 long CIRCLE_3D::intersect(const IMP_LINE_2D& line, PNT_2D* p1, PNT_2D* p2) const {
   const double length = std::sqrt(line.a * line.a + line.b * line.b);
   if (length == 0) return 0;
+  // Normalized first, so that `eval` yields a distance.
   const double a = line.a / length, b = line.b / length;
   const double distance = line.eval(x, y) / length;
   const double half = halfChord(radius, distance);
@@ -106,6 +109,7 @@ long CIRCLE_3D::intersect(const PAR_LINE_2D& line, double& t1, double& t2) const
   if (length == 0) return 0;
   const double half = halfChord(radius, line.dist(*this));
   if (half < 0) return 0;
+  // Divided twice, because the square of a long line's length may overflow.
   const double middle = ((x - line.x0) * line.dx + (y - line.y0) * line.dy) / length / length;
   t1 = middle - half / length;
   t2 = middle + half / length;
@@ -116,6 +120,7 @@ long CIRCLE_3D::intersect(const CIRCLE_3D& other, PNT_2D* p1, PNT_2D* p2) const 
   const double r1 = std::fabs(radius), r2 = std::fabs(other.radius);
   const double d = PNT_2D::dist(other);
   const double tolerance = touchTolerance(std::max(r1, r2));
+  // Concentric circles have no crossing or infinitely many, and no line of centers.
   if (!(d > tolerance && d <= r1 + r2 + tolerance && d >= std::fabs(r1 - r2) - tolerance)) return 0;
   const bool outside = d >= r1 + r2 - tolerance, within = d <= std::fabs(r1 - r2) + tolerance;
   // Distance of the common chord from this center, along the line of centers. Touching circles have
@@ -132,6 +137,7 @@ long CIRCLE_3D::intersect_hor(const LINE_2D& line, PNT_2D* p1, PNT_2D* p2) const
   const double half = halfChord(radius, line.p1.y - y);
   if (half < 0) return 0;
   const double low = std::min(line.p1.x, line.p2.x), high = std::max(line.p1.x, line.p2.x);
+  // The tolerance of `onSegment`, converted from a parameter to a length.
   const double reach = kParamEps * (1 + std::fabs(high - low));
   PNT_2D found[2];
   long kept = 0;

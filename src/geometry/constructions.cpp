@@ -1,6 +1,6 @@
-// Points and edges constructed from others. A result that is not finite counts as none, so that
-// callers need not check their input for degenerate cases one by one. Circles tangent to two edges
-// have their centers where the parallels of both edges at the distance of the radius cross.
+// Points and edges constructed from others. A result that is not finite counts as none, so callers
+// need not check their input for degenerate cases. Circles tangent to two edges have their centers
+// where the parallels of both edges at the distance of the radius intersect.
 #include "vek0core/geometry/constructions.h"
 
 #include <algorithm>
@@ -32,6 +32,7 @@ PNT_2D toward(const PNT_2D& from, const PNT_2D& to, double length) {
 std::vector<EDGE_3D> centreWays(const EDGE_3D& edge, double radius) {
   if (edge.isArc()) {
     const EDGE_3D outer(edge.center, edge.radius + radius, 0, kTwoPi, 0, 0);
+    // The inner locus degenerates to the center of the arc.
     if (edge.radius == radius) return {outer};
     return {outer, EDGE_3D(edge.center, std::fabs(edge.radius - radius), 0, kTwoPi, 0, 0)};
   }
@@ -60,6 +61,7 @@ bool CalcolaPuntoIntersezione(const LINE_2D& a, const LINE_2D& b, PNT_2D& out) {
   constexpr int oneCrossing = 2;
   const PAR_LINE_2D line(a);
   double t = 0, u = 0;
+  // Parallel lines have no intersection, coincident ones no single one.
   if (line.intersect(PAR_LINE_2D(b), t, u) != oneCrossing) return false;
   PNT_2D crossing(0, 0);
   line.calcPt(t, crossing);
@@ -87,6 +89,7 @@ bool pntNearest(const PNT_2D& p, const LINE_2D& line, PNT_2D& out) {
 }
 
 bool pntNearest(const PNT_2D& p, const CIRCLE_3D& circle, PNT_2D& out) {
+  // At the center, all points of the circle are equally near.
   return pntPerp(p, circle, out) || (p == circle && give(circle.getPntAngle(0), out));
 }
 
@@ -125,6 +128,7 @@ bool CreateCircle(const EDGE_3D& a, const EDGE_3D& b, double radius, const PNT_2
                   const PNT_2D& pickB, CIRCLE_3D& out, PNT_2D* onA, PNT_2D* onB) {
   if (!(radius > 0) || !std::isfinite(radius) || !touches(a) || !touches(b)) return false;
   std::vector<EDGE_CROSSING> centres;
+  // Up to eight candidates; the one whose contacts are closest to the picks wins.
   for (const EDGE_3D& wayA : centreWays(a, radius))
     for (const EDGE_3D& wayB : centreWays(b, radius))
       wayA.intersect(wayB, centres, touchTolerance(radius), true);
@@ -150,6 +154,7 @@ int pntTang(const PNT_2D& p, const CIRCLE_3D& circle, PNT_2D& t1, PNT_2D& t2) {
     return 1;
   }
   // Seen from the center, the chord of contact is r * r / d away.
+  // Quotients before products, because r * r could overflow.
   const double along = r / d * r, across = r / d * std::sqrt((d - r) * (d + r));
   const PNT_2D u((p.x - centre.x) / d, (p.y - centre.y) / d);
   t1.set(centre.x + u.x * along + u.y * across, centre.y + u.y * along - u.x * across);
@@ -178,8 +183,10 @@ int lineTang(const CIRCLE_3D& a, const CIRCLE_3D& b, LINE_2D (&lines)[4]) {
   // one whose cosine is the difference of the signed radii over d.
   for (const double signedB : {rb, -rb}) {
     const double difference = ra - signedB;
+    // One circle inside the other: this pair of tangents does not exist.
     if (std::fabs(difference) > d + tolerance) continue;
     const bool isTouching = std::fabs(difference) >= d - tolerance;
+    // Touching circles have a single tangent, at their common point.
     const double c = isTouching ? std::copysign(1.0, difference) : difference / d;
     const double s = isTouching ? 0 : std::sqrt((1 - c) * (1 + c));
     for (const double side : {1.0, -1.0}) {

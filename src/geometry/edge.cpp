@@ -1,8 +1,8 @@
 // A segment or an arc behind one interface: parameters run from 0 at the start to 1 at the end.
 // Crossings are computed on the carriers, the line or the circle, and kept if their parameters lie
-// on both edges; parameters within the tolerance of an end are set to that end exactly, so that
+// on both edges. Parameters within the tolerance of an end are set to that end exactly, so that
 // callers recognize crossings in a vertex without a tolerance of their own. Edges on one carrier
-// have no crossings but their ends.
+// have no crossings except at their ends.
 #include "vek0core/geometry/edge.h"
 #include "vek0core/geometry/angle.h"
 
@@ -31,6 +31,7 @@ double shareOf(double angle, const EDGE_3D& edge) { return angle / edge.sweep; }
 
 // Snaps to the parameters 0 and 1 within the tolerance; false outside them.
 bool snap(double& t, double length, double tolerance) {
+  // The tolerance is a length, but parameters are fractions of the edge.
   const double near = length > 0 ? tolerance / length : 1;
   if (t < -near || t > 1 + near) return false;
   if (t <= near) t = 0;
@@ -56,6 +57,7 @@ class Crossings {
   void lines() {
     const PNT_2D d = m_a.p2 - m_a.p1, e = m_b.p2 - m_b.p1, w = m_b.p1 - m_a.p1;
     const double det = cross(d, e), dd = dot(d, d), ee = dot(e, e);
+    // Compares the sine of the angle, so that long edges do not count as less parallel.
     if (std::fabs(det) <= kParallel * std::sqrt(dd) * std::sqrt(ee)) return sameCarrier();
     take(cross(w, e) / det, cross(w, d) / det);
   }
@@ -78,6 +80,7 @@ class Crossings {
     const double apart = m_a.center.dist(m_b.center);
     if (apart <= m_tolerance && std::fabs(m_a.radius - m_b.radius) <= m_tolerance)
       return sameCarrier();
+    // Concentric circles with different radii do not cross.
     if (apart <= 1e-15 * most) return;
     PNT_2D p[2] = {PNT_2D(0, 0), PNT_2D(0, 0)};
     const CIRCLE_3D a(m_a.center.x, m_a.center.y, 0, m_a.radius);
@@ -87,6 +90,7 @@ class Crossings {
   }
 
   // Adds the ends of each edge that lie on the other; coincident ends only once.
+  // Carriers that coincide cross everywhere, which callers that extend edges cannot use.
   void sameCarrier() {
     if (m_carriers) return;
     const std::size_t first = m_out.size();
@@ -104,6 +108,7 @@ class Crossings {
   void take(double t, double u) {
     if (!std::isfinite(t) || !std::isfinite(u)) return;
     if (!m_carriers && !(snap(t, m_a.length(), m_tolerance) && snap(u, m_b.length(), m_tolerance)))
+      // Carriers ignore the ends, so parameters outside 0 to 1 are kept.
       return;
     m_out.push_back({m_a.at(t), t, u});
   }
@@ -123,12 +128,14 @@ EDGE_3D::EDGE_3D(const PNT_2D& centre, double r, double start, double turn, doub
       radius(r),
       startAngle(start),
       sweep(turn) {
+  // Rounding must not open a full circle.
   if (std::fabs(turn) == kTwoPi) p2.set(p1.x, p1.y);
 }
 
 EDGE_3D::EDGE_3D(const ARC_3D& arc) {
   double start, end;
   arc.getSafeAngles(start, end);
+  // Files contain negative radii; the arc is the opposite one.
   const double turned = arc.radius < 0 ? kPi : 0;
   const double turn = arc.startAngle == arc.endAngle ? kTwoPi : end - start;
   *this = EDGE_3D(PNT_2D(arc.x, arc.y), std::fabs(arc.radius), start + turned, turn, arc.z, arc.z);
@@ -149,6 +156,7 @@ EDGE_3D::EDGE_3D(const PNT_3D& a, const PNT_3D& b, double bulge) : p1(a), p2(b) 
 double EDGE_3D::length() const { return isArc() ? radius * std::fabs(sweep) : p1.PNT_2D::dist(p2); }
 
 PNT_3D EDGE_3D::at(double t) const {
+  // Exact at the ends, so that adjacent edges meet without a gap.
   if (t == 0) return p1;
   if (t == 1) return p2;
   const double z = p1.z + (p2.z - p1.z) * t;
@@ -182,6 +190,7 @@ double EDGE_3D::paramOf(const PNT_2D& p) const {
 double EDGE_3D::nearest(const PNT_2D& p) const {
   const double t = paramOf(p);
   if (t >= 0 && t <= 1) return t;
+  // Beyond the ends of an arc, either end may be the nearer one.
   return p1.PNT_2D::dist_square(p) <= p2.PNT_2D::dist_square(p) ? 0 : 1;
 }
 
@@ -208,6 +217,7 @@ ARC_3D EDGE_3D::toArc() const {
   const double end = startAngle + sweep;
   const double from = sweep > 0 ? startAngle : end, to = sweep > 0 ? end : startAngle;
   ARC_3D arc(center.x, center.y, p1.z, radius, from, to);
+  // Equal angles denote a full circle in an `ARC_3D`.
   if (std::fabs(sweep) >= kTwoPi) arc.endAngle = arc.startAngle;
   return arc;
 }
@@ -217,6 +227,7 @@ RECT_2D EDGE_3D::bdry() const {
   if (!isArc()) return box;
   const double low = std::min(startAngle, startAngle + sweep);
   const double high = std::max(startAngle, startAngle + sweep);
+  // At most four axis crossings per turn, plus one at the start.
   const double first = std::ceil(low / (kPi / 2));
   for (int i = 0; i < 5 && (first + i) * (kPi / 2) < high; ++i)
     box.updateRegion(around(center, radius, (first + i) * (kPi / 2)));

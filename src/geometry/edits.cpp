@@ -1,7 +1,7 @@
-// Trims, extends, fillets and chamfers. All work on paths of edges: the places where other paths
-// cross are found first, as edge and parameter, and the result is put together from parts of edges.
-// The points that a user picked decide which side of a crossing remains. Tolerances are relative to
-// the coordinates, because the crossings themselves are no more precise.
+// Trims, extends, fillets and chamfers paths of edges. Crossings with other paths are found first,
+// as edge and parameter, and the result is assembled from parts of edges. The points that a user
+// picked decide which side of a crossing remains. Tolerances are relative to the coordinates,
+// because the crossings themselves are no more precise.
 #include "vek0core/geometry/edits.h"
 #include "vek0core/geometry/angle.h"
 
@@ -45,6 +45,7 @@ std::vector<Place> placesOf(const PATH_3D& path, const std::vector<PATH_3D>& cut
 
 bool isSame(const PATH_3D& path, const Place& a, const Place& b) {
   const PNT_3D p = path.edges[a.edge].at(a.t), q = path.edges[b.edge].at(b.t);
+  // Both places are rounded independently, hence a multiple of the tolerance.
   return p.PNT_2D::dist(q) <= 4 * toleranceAt(path.edges[a.edge]);
 }
 
@@ -59,9 +60,12 @@ double firstBeyond(const EDGE_3D& edge, const std::vector<PATH_3D>& bounds) {
   for (const PATH_3D& bound : bounds) {
     for (const EDGE_3D& other : bound.edges) {
       found.clear();
+      // On carriers, because the crossing lies beyond the end of the edge.
       edge.intersect(other, found, tolerance, true);
       for (const EDGE_CROSSING& c : found) {
+        // The carrier of the boundary may be crossed where the boundary itself does not extend.
         if (other.dist(c.pnt) > 4 * tolerance) continue;
+        // On a circle, a point before the end is reached by going around.
         const double t = turn > 0 && c.t <= 1 + slack ? c.t + turn : c.t;
         if (t > 1 + slack && (turn == 0 || t < turn - slack)) best = std::min(best, t);
       }
@@ -80,6 +84,7 @@ EDGE_3D sideOf(const EDGE_3D& edge, double t, const PNT_2D& pick) {
 // no such part.
 bool comingTo(const EDGE_3D& edge, double t, const PNT_2D& onwards, EDGE_3D& out) {
   const bool isBefore = dot(edge.direction(t), onwards) > 0;
+  // On an arc, the tangent point may be beyond an end; going around the circle reaches it.
   const double turn = edge.isArc() ? kTwoPi / std::fabs(edge.sweep) : 0;
   if (isBefore && t <= 0) t += turn;
   if (!isBefore && t >= 1) t -= turn;
@@ -116,6 +121,7 @@ bool isFine(const EDGE_3D& edge) { return PATH_3D(edge).isFinite() && edge.lengt
 
 // The shorter of the two arcs.
 EDGE_3D arcBetween(const CIRCLE_3D& circle, const PNT_3D& from, const PNT_3D& to) {
+  // atan2 of cross and dot product is the signed angle below half a turn: the shorter way.
   const PNT_2D a = from - circle, b = to - circle;
   EDGE_3D arc(circle, circle.radius, circle.angle(from), std::atan2(cross(a, b), dot(a, b)), from.z,
               to.z);
@@ -140,6 +146,7 @@ int cutCorners(PATH_3D& path, Reach reach, Joint joint) {
     const EDGE_3D &a = path.edges[i], &b = path.edges[j];
     double before = 0, after = 0;
     if (a.isArc() || b.isArc() || !reach(a, b, before, after)) continue;
+    // Cuts at both ends of an edge must not overlap; such a corner stays sharp.
     if (!(to[i] - before >= from[i]) || !(from[j] + after <= to[j])) continue;
     to[i] -= before;
     from[j] += after;
@@ -149,6 +156,7 @@ int cutCorners(PATH_3D& path, Reach reach, Joint joint) {
   if (count == 0) return 0;
   const auto cut = [&](std::size_t i) {
     const double length = path.edges[i].length();
+    // Unchanged edges are copied exactly instead of being recomputed.
     if (from[i] == 0 && to[i] == length) return path.edges[i];
     return path.edges[i].part(from[i] / length, to[i] / length);
   };
@@ -158,6 +166,7 @@ int cutCorners(PATH_3D& path, Reach reach, Joint joint) {
       const std::size_t before = (i + n - 1) % n;
       out.push_back(joint(cut(before).p2, edge.p1, path.edges[before], path.edges[i]));
     }
+    // A cut that consumed the whole edge leaves nothing to draw.
     if (edge.length() > toleranceAt(edge)) out.push_back(edge);
   }
   // The joint at a closed path's beginning precedes its first edge, so the path begins with it.
@@ -170,10 +179,12 @@ void walk(const PATH_3D& path, double first, double step, int count, Take take) 
   std::size_t i = 0;
   double passed = 0;
   for (int k = 0; k < count; ++k) {
+    // Multiplied instead of accumulated, so that rounding errors do not add up.
     const double at = first + step * k;
     while (i + 1 < path.edges.size() && passed + path.edges[i].length() < at)
       passed += path.edges[i++].length();
     const double length = path.edges[i].length();
+    // The last mark may be past the end by rounding.
     take(path.edges[i].at(length > 0 ? std::min((at - passed) / length, 1.0) : 1));
   }
 }
@@ -188,6 +199,8 @@ bool trimPath(const PATH_3D& path, const std::vector<PATH_3D>& cutters, const PN
   path.nearest(pick, at.edge, at.t);
   const auto next = std::upper_bound(places.begin(), places.end(), at);
   if (path.closed) {
+    // The piece around the pick is removed; what remains runs from the next crossing around to the
+    // previous one.
     const Place to = next == places.begin() ? places.back() : *(next - 1);
     const Place from = next == places.end() ? places.front() : *next;
     if (isSame(path, from, to)) return false;
@@ -208,6 +221,7 @@ bool extendPath(PATH_3D& path, const std::vector<PATH_3D>& bounds, const PNT_2D&
   const bool atEnd = pick.dist_square(path.end()) <= pick.dist_square(path.start());
   EDGE_3D& edge = atEnd ? path.edges.back() : path.edges.front();
   if (!(edge.length() > 0)) return false;
+  // Extending the start is extending the end of the reversed edge.
   const double t = firstBeyond(atEnd ? edge : edge.reversed(), bounds);
   if (!std::isfinite(t)) return false;
   edge = atEnd ? edge.part(0, t) : edge.part(1 - t, 1);
@@ -260,6 +274,7 @@ int filletPath(PATH_3D& path, double radius) {
   if (!(radius > 0) || !path.isFinite()) return 0;
   const auto reach = [&](const EDGE_3D& a, const EDGE_3D& b, double& before, double& after) {
     const PNT_2D u = a.direction(1), v = b.direction(0);
+    // The tangent length of a fillet is radius * tan(turn / 2).
     const double turn = std::atan2(cross(u, v), dot(u, v));
     before = after = radius * std::fabs(std::tan(turn / 2));
     return before > kStraightOn * radius;
@@ -289,6 +304,7 @@ int chamferPath(PATH_3D& path, double dist1, double dist2) {
 bool dividePath(const PATH_3D& path, int count, std::vector<PNT_3D>& out) {
   const double length = path.length();
   if (count < 2 || count > kMostMarks || !path.isFinite() || !(length > 0)) return false;
+  // A closed path has a mark at its start, an open one none at its ends.
   const double step = length / count;
   const auto take = [&](const PNT_3D& p) { out.push_back(p); };
   walk(path, path.closed ? 0 : step, step, path.closed ? count : count - 1, take);

@@ -17,12 +17,14 @@ using vek0::detail::kTwoPi;
 
 namespace {
 
+// Equal parameters denote the whole ellipse.
 // Tolerance in radians below and above a full turn: files round 2*pi to a few digits, often upward.
 constexpr double kTurnShort = 1e-9, kTurnOver = 1e-4;
 
 double sweepBetween(double start, double end) {
   const double turn = std::fabs(end - start);
   if (turn >= kTwoPi - kTurnShort && turn <= kTwoPi + kTurnOver) return kTwoPi;
+  // The extremum of a * cos(t) + b * sin(t) is hypot(a, b), at atan2(b, a).
   const double sweep = ARC_3D::normal(end - start);
   return sweep == 0 ? kTwoPi : sweep;
 }
@@ -37,6 +39,8 @@ void growRange(const ELLIPSE_3D& e, double center, double a, double b, double& l
 }  // namespace
 
 bool ELLIPSE_3D::set(const PNT_3D& centerPoint, const PNT_3D& majorAxis, double ratio, double start,
+                     // The minor axis is perpendicular to normal and major axis, whatever the
+                     // file's rounding.
                      double end, const PNT_3D& normal) {
   if (!inReach(centerPoint) || !inReach(majorAxis) || !inReach(normal)) return false;
   if (!std::isfinite(start) || !std::isfinite(end) || !(ratio > 0)) return false;

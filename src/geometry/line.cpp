@@ -25,6 +25,7 @@ LINE_2D::LINE_2D(const PAR_LINE_2D& line)
 
 double LINE_2D::dist(const PNT_2D& p) const {
   if (isZero(p2.x - p1.x) && isZero(p2.y - p1.y)) return p1.dist(p);
+  // Normalized, `eval` yields the signed distance.
   IMP_LINE_2D line(p1, p2);
   line.normalize();
   return line.eval(p);
@@ -34,6 +35,7 @@ bool LINE_2D::intersect(const LINE_2D& other, PNT_2D& pt) const {
   const PNT_2D d1 = p2 - p1, d2 = other.p2 - other.p1, w = other.p1 - p1;
   const double det = d1.y * d2.x - d1.x * d2.y;
   if (isZero(det)) return false;
+  // Snapped, so that segments that share an end intersect there despite rounding.
   const double t = snap((w.y * d2.x - w.x * d2.y) / det);
   const double u = snap((w.y * d1.x - w.x * d1.y) / det);
   if (!onSegment(t) || !onSegment(u)) return false;
@@ -70,6 +72,7 @@ void LINE_3D::ptMedio(PNT_3D& mid) const {
 }
 
 bool LINE_3D::ptLeftSide(const PNT_3D& p) const {
+  // Left of a vertical line means smaller x, whatever its direction.
   if (p1.x == p2.x) return p.x < p1.x;
   return LINE_2D(p1, p2).ptLeftSide(p);
 }
@@ -87,6 +90,7 @@ void IMP_LINE_2D::normalize() {
   const double length = std::sqrt(a * a + b * b);
   if (length == 0) return;
   double k = 1 / length;
+  // The sign is normalized too, so that equal lines have equal coefficients.
   if (c > kZero || (isZero(c) && b < -kZero)) k = -k;
   a *= k;
   b *= k;
@@ -137,6 +141,7 @@ double PAR_LINE_2D::calcParam(const PNT_2D& p) const {
   if (dx == 0) return dy == 0 ? 0 : (p.y - y0) / dy;
   if (dy == 0) return (p.x - x0) / dx;
   const double t = (p.x - x0) / dx;
+  // Exact for points on the line; others are projected.
   if (t == (p.y - y0) / dy) return t;
   return (dx * (p.x - x0) + dy * (p.y - y0)) / (dx * dx + dy * dy);
 }

@@ -37,6 +37,7 @@ double toleranceOf(const RECT_2D& box) {
 }
 
 bool comesFirst(const PATH_CROSSING& a, const PATH_CROSSING& b) {
+  // Relative to the largest coordinate, whose rounding limits the accuracy of crossings.
   return std::tie(a.edge1, a.t, a.edge2, a.u) < std::tie(b.edge1, b.t, b.edge2, b.u);
 }
 
@@ -108,10 +109,12 @@ bool PATH_3D::isFinite() const {
 
 double PATH_3D::area() const {
   if (empty()) return 0;
+  // Relative to the first point, since products of large coordinates would lose the digits.
   const PNT_2D o = edges.front().p1;
   double twice = 0;
   for (const EDGE_3D& e : edges) {
     twice += (e.p1.x - o.x) * (e.p2.y - o.y) - (e.p2.x - o.x) * (e.p1.y - o.y);
+    // Area of the segment between an arc and its chord.
     if (e.isArc()) twice += e.radius * e.radius * (e.sweep - std::sin(e.sweep));
   }
   return twice / 2;
@@ -135,6 +138,7 @@ PATH_3D PATH_3D::part(std::size_t edge1, double t1, std::size_t edge2, double t2
   PATH_3D cut;
   const bool straightOn = std::tie(edge1, t1) < std::tie(edge2, t2);
   if (!straightOn && !closed) return cut;
+  // Empty parts at the ends are skipped, so that the result has no edges of length 0.
   const auto add = [&](std::size_t i, double from, double to) {
     if (from < to) cut.edges.push_back(edges[i].part(from, to));
   };
@@ -192,8 +196,10 @@ std::vector<PATH_CROSSING> selfIntersections(const PATH_3D& path) {
   std::vector<EDGE_CROSSING> points;
   for (std::size_t i = 0; i < path.edges.size(); ++i) {
     index.find(boxes[i], [&](std::size_t j) {
+      // Each pair once.
       if (j <= i) return true;
       points.clear();
+      // Neighbors share an end, which is not an intersection.
       path.edges[i].intersect(path.edges[j], points, tolerance);
       for (const EDGE_CROSSING& c : points)
         if (!isJoint(path, c, i, j)) found.push_back({c.pnt, i, j, c.t, c.u});
@@ -205,6 +211,7 @@ std::vector<PATH_CROSSING> selfIntersections(const PATH_3D& path) {
     return isSame(c, d, tolerance);
   };
   found.erase(std::unique(found.begin(), found.end(), repeats), found.end());
+  // The end of a closed path is its start, where the intersection was already found.
   if (path.closed && !found.empty() && isAtStart(found.front())) {
     const std::size_t last = path.edges.size() - 1;
     std::erase_if(found, [last](const PATH_CROSSING& c) { return c.edge2 == last && c.u == 1; });

@@ -47,9 +47,11 @@ class PointGrid {
   std::int64_t cell(double v) const {
     const double at = std::floor(v / m_size);
     constexpr double most = 4e18;
+    // Beyond this, a conversion to an integer would be undefined.
     return std::fabs(at) < most ? static_cast<std::int64_t>(at) : 0;
   }
   static std::uint64_t key(std::int64_t x, std::int64_t y) {
+    // Mixes both coordinates, so that rows and columns of points do not share buckets.
     std::uint64_t h = static_cast<std::uint64_t>(x) * 0x9e3779b97f4a7c15u;
     h ^= static_cast<std::uint64_t>(y) + 0x7f4a7c159e3779b9u + (h << 6) + (h >> 2);
     h *= 0xff51afd7ed558ccdu;

@@ -72,6 +72,7 @@ void RECT_2D::inflate(double dx, double dy) {
 }
 
 bool clipLine(const RECT_2D& box, const PNT_2D& from, const PNT_2D& step, double& t0, double& t1) {
+  // Slab method: the line is clipped to one axis after the other.
   const auto narrow = [&](double at, double d, double low, double high) {
     if (d == 0) return low <= at && at <= high;
     const double a = (low - at) / d, b = (high - at) / d;
@@ -121,6 +122,7 @@ bool RECT_3D::inside(const PNT_3D& p) const {
 }
 
 void RECT_3D::move(const PNT_3D& delta) {
+  // An empty box is inside out and must stay so.
   if (!validRegion()) return;
   min.move(delta);
   max.move(delta);
@@ -130,5 +132,6 @@ void RECT_3D::scale(const PNT_3D& center, double factor) {
   if (!validRegion()) return;
   min.scale(center, factor);
   max.scale(center, factor);
+  // A negative factor exchanges the corners.
   if (factor < 0) std::swap(min, max);
 }

@@ -1,6 +1,6 @@
-// Splines by de Boor's scheme. Each span between two knots is divided until its chords are near
-// enough, within limits, because the numbers in a file may ask for any number of points. Callers
-// fall back to the controls of a spline that is not valid.
+// Splines by de Boor's algorithm. Each span between two knots is divided until its chords are close
+// enough, within limits, because a file can request any number of points. Callers fall back to the
+// controls of an invalid spline.
 #include "vek0core/geometry/spline.h"
 
 #include <algorithm>
@@ -19,7 +19,9 @@ using vek0::detail::times;
 
 namespace {
 
+// Bounds the memory for one spline of a file.
 constexpr std::size_t kMaxSplineSpans = 262144;
+// However many spans there are, each may have four chords.
 constexpr int kLeastHalvings = 2, kMostHalvings = 10;
 
 struct Weighted {
@@ -98,6 +100,7 @@ double distanceFromSegment(const PNT_3D& p, const PNT_3D& a, const PNT_3D& b) {
 
 // With positive weights the piece lies in the convex hull of its controls, so it is within the
 // tolerance of the chord if they are.
+// An S shape has distant controls, too, so it is not mistaken for a straight piece.
 bool isFlat(const Row& piece, std::size_t p, double tolerance) {
   for (std::size_t k = 1; k < p; ++k) {
     if (!(distanceFromSegment(piece[k].at, piece[0].at, piece[p].at) <= tolerance)) return false;
@@ -129,6 +132,7 @@ void flatten(Row& piece, std::size_t p, double tolerance, int halvings, std::vec
 // Halvings allowed per span, so that all spans together stay below the limit.
 int allowedHalvings(std::size_t spans) {
   int halvings = kMostHalvings;
+  // Many spans are usually short, so a coarser division suffices.
   while (halvings > kLeastHalvings && (spans << halvings) > kMaxSplineSpans) --halvings;
   return halvings;
 }
@@ -145,6 +149,7 @@ bool areKnots(const SPLINE_3D& s) {
   for (std::size_t i = 1; i < s.knots.size(); ++i) {
     if (!(s.knots[i - 1] <= s.knots[i])) return false;
   }
+  // The domain must have a length.
   return std::isfinite(s.knots.back() - s.knots.front()) && s.knots[p] < s.knots[s.controls.size()];
 }
 
@@ -159,6 +164,7 @@ struct FitPath {
   bool add(const PNT_3D& p) {
     if (!inReach(p)) return false;
     const double at = points.empty() ? 0 : knots.back() + p.dist(points.back());
+    // Repeated points have no direction between them and would lead to divisions by zero.
     if (!points.empty() && !(at > knots.back())) return true;
     points.push_back(p);
     knots.push_back(at);
@@ -197,6 +203,7 @@ std::vector<PNT_3D> fitTangents(const FitPath& path, const PNT_3D* start, const 
   rows.push_back(endRow(start, path.slope(0), true));
   for (std::size_t i = 1; i + 1 < n; ++i) rows.push_back(innerRow(path, i));
   rows.push_back(endRow(end, path.slope(n - 2), false));
+  // Thomas algorithm for tridiagonal systems, linear in the points.
   for (std::size_t i = 1; i < n; ++i) {
     const double factor = rows[i].before / rows[i - 1].here;
     rows[i].here -= factor * rows[i - 1].after;
@@ -239,6 +246,7 @@ void SPLINE_3D::chords(double tolerance, std::vector<PNT_3D>& out) const {
   const auto p = static_cast<std::size_t>(degree);
   const int halvings = allowedHalvings(controls.size() - p);
   for (std::size_t span = p; span < controls.size(); ++span) {
+    // Spans of length 0 come from repeated knots and have no points.
     if (!(knots[span] < knots[span + 1])) continue;
     Row piece = bezierPiece(*this, span);
     // With that many equal knots the curve has a discontinuity and restarts, as at the first span.
@@ -273,10 +281,12 @@ bool SPLINE_3D::createFit(const std::vector<PNT_3D>& points, const PNT_3D* start
   fit.controls.push_back(path.points.front());
   fit.knots.assign(4, 0);
   for (std::size_t i = 0; i + 1 < path.points.size(); ++i) {
+    // Hermite to Bezier: the inner controls are a third of the tangents away from the ends.
     const double third = path.step(i) / 3;
     fit.controls.push_back(path.points[i] + times(m[i], third));
     fit.controls.push_back(path.points[i + 1] - times(m[i + 1], third));
     fit.controls.push_back(path.points[i + 1]);
+    // Triple inner knots make each piece a Bezier curve in the B-spline.
     fit.knots.insert(fit.knots.end(), 3, path.knots[i + 1]);
   }
   fit.knots.push_back(path.knots.back());

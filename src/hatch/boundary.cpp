@@ -18,6 +18,7 @@ using Points = std::vector<PNT_3D>;
 // Index where the ring that starts at `first` closes; the end of the boundary if it does not.
 std::size_t closingPoint(const Points& boundary, std::size_t first) {
   std::size_t i = first + 1;
+  // Repetitions of the first point do not close the ring, which would be empty.
   while (i < boundary.size() && boundary[i] == boundary[first]) ++i;
   while (i < boundary.size() && boundary[i] != boundary[first]) ++i;
   return i;
@@ -112,9 +113,10 @@ class RingJoiner {
     Points path;
     std::vector<std::size_t> pathNumbers;
     for (std::size_t i = 0; i < ring.size(); ++i) {
-      std::size_t& place = m_place[numbers[i]];  // position position on the path, counted from 1
+      std::size_t& place = m_place[numbers[i]];  // position on the path, counted from 1
       if (place > 0) {
         appendLoop(path, place - 1);
+        // The loop from the repeated point is complete, and the path continues from that point.
         for (; pathNumbers.size() > place; pathNumbers.pop_back()) m_place[pathNumbers.back()] = 0;
         path.resize(place);
         continue;
@@ -128,6 +130,7 @@ class RingJoiner {
   }
 
   void appendLoop(const Points& path, std::size_t first) {
+    // Two points, there and back, enclose nothing.
     if (path.size() - first < 3) return;
     m_out.insert(m_out.end(), path.begin() + static_cast<std::ptrdiff_t>(first), path.end());
     m_out.push_back(path[first]);
@@ -159,6 +162,8 @@ std::vector<HatchRing> hatchRings(const Points& boundary) {
   std::vector<HatchRing> rings;
   for (std::size_t first = 0; first < boundary.size();) {
     const std::size_t end = closingPoint(boundary, first);
+    // A rest that does not close means that earlier repetitions were accidental: the whole boundary
+    // is one open ring.
     if (end == boundary.size()) return {{0, boundary.size()}};
     rings.push_back({first, end - first});
     first = end + 1;

@@ -53,11 +53,13 @@ struct Family {
         spacing(scale * std::fabs(line.dy)) {
     for (int i = 0; i < line.numDash; ++i) {
       dashStart[i] = period;
+      // Negative lengths are gaps, but -0 is a dot like 0.
       isDrawn[i] = !std::signbit(line.dash[i]) || line.dash[i] == 0;
       period += scale * std::fabs(line.dash[i]);
       dashEnd[i] = period;
     }
     numDash = line.numDash;
+    // Only the position within a period matters, and a small shift keeps later products exact.
     if (numDash > 0) shift = std::fmod(shift, period);
   }
 
@@ -69,6 +71,7 @@ struct Family {
   // must not cost digits.
   double phaseOf(double lineNumber) const {
     const double whole = lineNumber * shift;
+    // fma yields the rounding error of the product, which is added back after the reduction.
     const double lost = std::fma(lineNumber, shift, -whole);
     return std::fmod(whole, period) + lost + std::fmod(along0, period);
   }
@@ -114,6 +117,7 @@ Range rangeOf(const Points& boundary, Project project) {
 
 // Range of the line numbers that may meet the boundary.
 Range lineNumbers(const Family& family, const Range& across) {
+  // Rounded outward: a superfluous line crosses no edge, but none may be missing.
   return {std::floor((across.min - family.across0) / family.spacing),
           std::ceil((across.max - family.across0) / family.spacing)};
 }
@@ -137,6 +141,8 @@ double estimateFamily(const Points& boundary, const std::vector<vek0::detail::Ri
   const bool tellsApart = lineNumbers(family, across).farthest() < kCountLimit &&
                           (family.numDash == 0 || along.farthest() / family.period < kCountLimit);
   if (!tellsApart) return HUGE_VAL;
+  // About one piece per line and period in the bounding box, or one per pair of crossings if the
+  // boundary is complicated, whichever is more.
   const double lines = across.length() / family.spacing;
   return std::max(std::max(lines, 1.0) * std::max(periods, 1.0), countCuts(edges, family));
 }
@@ -171,6 +177,7 @@ class FamilyFiller {
     double along;
     std::size_t edge;
     bool operator<(const Crossing& c) const {
+      // Ties are broken by the edge, so that the result does not depend on the sort.
       return along != c.along ? along < c.along : edge < c.edge;
     }
   };
@@ -195,6 +202,8 @@ class FamilyFiller {
       std::swap(edge.from, edge.to);
       std::swap(edge.acrossFrom, edge.acrossTo);
     }
+    // Half-open: a line through a vertex crosses one of the two edges if the boundary passes
+    // through it, and none or both if the boundary only touches it.
     edge.firstLine = firstLineFrom(edge.acrossFrom);
     edge.endLine = firstLineFrom(edge.acrossTo);
     if (edge.firstLine < edge.endLine) m_edges.push_back(edge);
@@ -211,6 +220,7 @@ class FamilyFiller {
       m_firstCrossing[line] += m_firstCrossing[line - 1];
     }
     m_crossings.resize(m_firstCrossing.back());
+    // A counting sort by line: two passes over the edges instead of a vector per line.
     std::vector<std::size_t> next(m_firstCrossing.begin(), m_firstCrossing.end() - 1);
     for (std::size_t i = 0; i < m_edges.size(); ++i) {
       for (std::size_t line = m_edges[i].firstLine; line < m_edges[i].endLine; ++line) {
@@ -244,6 +254,7 @@ class FamilyFiller {
     std::sort(first, last);
     for (auto start = first; start != last;) {
       auto end = start + 1;
+      // The next piece needs both a start and an end.
       while (last - end > 2 && end[1].along == end->along) end += 2;
       if (start->along < end->along) fillSpan(*start, *end, line);
       start = end + 1;
@@ -256,6 +267,7 @@ class FamilyFiller {
     const double phase = m_family.phaseOf(numberOf(line));
     // One more period on both sides, because divisions round and the last dot of a period may
     // coincide with the start of the next one.
+    // Counted in doubles, which kCountLimit keeps exact.
     const double lastPeriod = std::floor((end.along - phase) / m_family.period) + 1;
     for (double period = std::floor((start.along - phase) / m_family.period) - 1;
          period <= lastPeriod; ++period) {
@@ -271,10 +283,13 @@ class FamilyFiller {
                 std::size_t line) {
     const double dashStart = base + m_family.dashStart[i], dashEnd = base + m_family.dashEnd[i];
     if (m_family.dashStart[i] == m_family.dashEnd[i]) {
+      // Half-open, so that areas that share an edge draw a dot on it only once.
       if (start <= dashStart && dashStart < end) m_sink.dot(pointAt(dashStart, line));
       return;
     }
     if (std::max(dashStart, start) >= std::min(dashEnd, end)) return;
+    // Ends on the boundary use the point on the edge, which adjacent areas share to the last bit; a
+    // point computed along the line could differ in its last digits.
     drawLine(dashStart <= start ? from : pointAt(dashStart, line),
              dashEnd >= end ? to : pointAt(dashEnd, line));
   }
@@ -286,6 +301,7 @@ class FamilyFiller {
   }
 
   void drawLine(const PNT_3D& from, const PNT_3D& to) {
+    // A dash reduced to a point by rounding would look like a dot of the pattern.
     if (from != to) m_sink.line(from, to);
   }
 

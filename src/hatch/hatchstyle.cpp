@@ -1,6 +1,6 @@
-// Which rings a hatch style leaves. Rings are nested by a point inside each, whose crossings with
-// another ring are counted. Trees over the boxes of rings and of their edges avoid comparing all
-// with all, and a limit on the steps bounds files that are made to defeat them.
+// Selects the rings that a hatch style keeps. Nesting is determined by a point inside each ring,
+// whose crossings with other rings are counted. Trees over the boxes of rings and of their edges
+// avoid comparing all pairs, and a limit on the steps bounds files made to defeat them.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -44,9 +44,11 @@ class BoxTree {
     for (size_t i = low; i < high; ++i) cover.updateRegion(m_boxes[m_order[i]]);
     m_cover[mid] = cover;
     if (high - low == 1) return;
+    // Halving along the longer side keeps the parts compact, so that queries reach few of them.
     const bool wide = cover.max.x - cover.min.x > cover.max.y - cover.min.y;
     const auto place = [&](size_t i) {
       const RECT_2D& b = m_boxes[i];
+      // Halved before the addition, because the sum of large coordinates could overflow.
       return wide ? b.min.x / 2 + b.max.x / 2 : b.min.y / 2 + b.max.y / 2;
     };
     const auto at = [&](size_t i) { return m_order.begin() + static_cast<std::ptrdiff_t>(i); };
@@ -106,9 +108,11 @@ PNT_2D insidePoint(const HATCH_RING& ring) {
     double x = 0;
     if (crossing(ring[i], following(ring, i), y, x)) xs.push_back(x);
   }
+  // Only a ring without height has no crossing there; any of its points will do.
   if (xs.empty()) return ring.front();
   std::sort(xs.begin(), xs.end());
   size_t best = 0;
+  // Crossings alternate between entering and leaving, so every second gap is interior.
   for (size_t i = 2; i + 1 < xs.size(); i += 2) {
     if (xs[i + 1] - xs[i] > xs[best + 1] - xs[best]) best = i;
   }
@@ -183,6 +187,7 @@ class Nesting {
   // Counts the edges to the left.
   bool holds(size_t i, const PNT_2D& p) {
     const HATCH_RING& ring = m_rings[i];
+    // Most rings are never asked about a point; their edges need no tree.
     if (!m_edges[i]) m_edges[i] = std::make_unique<BoxTree>(edgeBoxes(ring));
     bool isIn = false;
     const auto found = [&](size_t edge) {
@@ -190,6 +195,7 @@ class Nesting {
       if (crossing(ring[edge], following(ring, edge), p.y, x) && x < p.x) isIn = !isIn;
       return gaveUp();
     };
+    // The box of the ray from the point to the left border of the ring.
     const bool broken = m_edges[i]->visit(RECT_2D(m_boxes[i].min.x, p.y, p.x, p.y), m_steps, found);
     return isIn && !broken;
   }
@@ -205,7 +211,9 @@ class Nesting {
 }  // namespace
 
 bool applyHatchStyle(std::vector<HATCH_RING>& rings, HatchStyle style) {
+  // The even-odd rule of filling handles all rings, whatever their nesting.
   if (style == HatchStyle::kEvenOdd || rings.empty()) return true;
+  // `kOutermost` also keeps the rings directly inside outer ones, which are holes.
   const int depth = style == HatchStyle::kOutermost ? 1 : 0;
   Nesting nesting(rings);
   std::vector<bool> drop(rings.size());
@@ -218,6 +226,7 @@ bool applyHatchStyle(std::vector<HATCH_RING>& rings, HatchStyle style) {
     if (kept != i) rings[kept] = std::move(rings[i]);
     ++kept;
   }
+  // Rings that were not classified are kept: too much is drawn rather than too little.
   const bool complete = !nesting.gaveUp();
   rings.resize(kept);
   return complete;

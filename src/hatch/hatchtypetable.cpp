@@ -61,6 +61,7 @@ CHatchTypeTable::~CHatchTypeTable() = default;
 const HATCH_TYPE& CHatchTypeTable::intern(const zim::WString& name,
                                           const std::vector<HATCH_LINE>& lines) {
   const std::size_t hash = hashOf(name, lines);
+  // Comparing hashes first keeps this fast if a file has many patterns with one name.
   const auto [first, last] = m_patterns.equal_range(hash);
   const auto known = std::find_if(first, last, [&](const auto& entry) {
     const Pattern& own = *entry.second;
@@ -72,6 +73,7 @@ const HATCH_TYPE& CHatchTypeTable::intern(const zim::WString& name,
 }
 
 const HATCH_TYPE& CHatchTypeTable::intern(const HATCH_TYPE& type) {
+  // Patterns of the catalogue have static storage and need no copy.
   if (getHatch(type) >= 0) return type;
   return intern(type.name, std::vector<HATCH_LINE>(type.lines, type.lines + type.numLines));
 }

@@ -1,7 +1,7 @@
-// Joins the edges of a loop, which files hold in any order and direction and with gaps, to rings.
-// Each end of an edge is matched with the end of another: first those that follow each other in the
-// file, then those near each other, with growing reach, and last whatever is left. The chains of
-// matched edges are then walked as rings.
+// Joins the edges of a loop to rings. Files store edges in any order and direction, with gaps. Each
+// end of an edge is matched with another end: first with its successor in the file, then with one
+// nearby, with increasing reach, and last with whatever is left. Rings are walks along matched
+// ends.
 #include "vek0core/hatch/loops.h"
 
 #include <algorithm>
@@ -21,9 +21,9 @@ namespace {
 using std::size_t;
 using vek0::detail::boxOf;
 
-constexpr double kJoinTolerance = 1e-6;  // of the loop's size
-constexpr double kReachGrowth = 8;       // from one search across a gap to the next
-constexpr int kMostCandidates = 16;      // compared in one cell
+constexpr double kJoinTolerance = 1e-6;  // fraction of the loop's size
+constexpr double kReachGrowth = 8;       // factor between two searches across a gap
+constexpr int kMostCandidates = 16;      // per cell
 
 bool samePlace(const PNT_2D& a, const PNT_2D& b) { return a == b; }
 
@@ -35,6 +35,7 @@ class Joints {
  public:
   Joints(std::vector<PNT_2D> ends, double tolerance)
       : m_ends(std::move(ends)), m_tolerance(tolerance), m_mate(m_ends.size(), kFree) {
+    // Each edge is a chain of its own: its ends 2e and 2e + 1 differ in the lowest bit only.
     for (size_t e = 0; e < m_ends.size(); ++e) m_far.push_back(e ^ 1);
   }
 
@@ -52,6 +53,7 @@ class Joints {
     m_hasGaps = m_hasGaps || !isNear(a, b);
     m_mate[a] = b;
     m_mate[b] = a;
+    // Only the entries of free ends are ever read, so those inside a chain may become stale.
     const size_t farA = m_far[a], farB = m_far[b];
     m_far[farA] = farB;
     m_far[farB] = farA;
@@ -90,10 +92,12 @@ class FreeEnds {
     const auto look = [&](size_t other) {
       if (other == end || (!ownChain && other == m_joints.far(end))) return;
       const double dist = m_joints.at(end).dist(m_joints.at(other));
+      // Of equally near ends the first one wins, which makes the result reproducible.
       if (dist > bestDist || (dist == bestDist && best != end)) return;
       best = other;
       bestDist = dist;
     };
+    // With a reach of at most one cell, the nine cells around the end suffice.
     for (int dx = -1; dx <= 1; ++dx) {
       for (int dy = -1; dy <= 1; ++dy) forEachIn(keyOf(m_joints.at(end), dx, dy), look);
     }
@@ -104,6 +108,7 @@ class FreeEnds {
   using Slot = std::pair<std::uint64_t, size_t>;  // cell, end
 
   std::uint64_t keyOf(const PNT_2D& p, int dx, int dy) const {
+    // The added 1 keeps the cells before the first column and row from being negative.
     const auto column = static_cast<std::int64_t>((p.x - m_corner.x) / m_cellSize) + dx + 1;
     const auto row = static_cast<std::int64_t>((p.y - m_corner.y) / m_cellSize) + dy + 1;
     return (static_cast<std::uint64_t>(column) << 32) + static_cast<std::uint64_t>(row);
@@ -113,6 +118,7 @@ class FreeEnds {
   void forEachIn(std::uint64_t key, const Look& look) {
     const auto first = std::lower_bound(m_slots.begin(), m_slots.end(), Slot{key, 0});
     size_t i = stillFree(static_cast<size_t>(first - m_slots.begin()));
+    // Thousands of ends in one place would make this quadratic; any of the nearest will do.
     for (int looked = 0; looked < kMostCandidates; ++looked) {
       if (i >= m_slots.size() || m_slots[i].first != key) return;
       look(m_slots[i].second);
@@ -173,8 +179,11 @@ void joinRest(Joints& joints) {
 void joinAll(Joints& joints, const PNT_2D& corner, double size, double tolerance) {
   joinInOrder(joints);
   if (joints.freeCount() > 0 && tolerance > 0) {
+    // First exact matches, then the tolerance, then reaches that grow by a constant factor: the
+    // number of searches is logarithmic in the size.
     joinNear(joints, corner, 0, tolerance, true);
     joinNear(joints, corner, tolerance, tolerance, true);
+    // The last two free ends belong to one chain, which `joinRest` closes.
     for (double reach = tolerance; joints.freeCount() > 2 && reach < size;) {
       reach *= kReachGrowth;
       joinNear(joints, corner, reach, reach, false);
@@ -186,6 +195,7 @@ void joinAll(Joints& joints, const PNT_2D& corner, double size, double tolerance
 // --- Rings from joined edges
 
 void appendPoint(const PNT_3D& p, double tolerance, bool isJoint, HATCH_RING& ring) {
+  // Only joints merge points within the tolerance; inside an edge, close points are detail.
   const bool same = !ring.empty() && (samePlace(ring.back(), p) ||
                                       (isJoint && ring.back().PNT_2D::dist(p) <= tolerance));
   if (!same) ring.push_back(p);
@@ -224,6 +234,7 @@ void HatchLoopBuilder::thinCurve(size_t first) {
   if (count <= few) return;
   if (count <= m_curveRoom) {
     m_curveRoom -= count;
+    // The budget is spent only on curves that keep all their points.
     return;
   }
   for (size_t k = 1; k <= few; ++k) m_points[first + k - 1] = m_points[first + k * count / few - 1];
@@ -246,6 +257,8 @@ bool HatchLoopBuilder::addArc(const PNT_3D& center, double radius, double start,
 bool HatchLoopBuilder::addEllipse(const PNT_3D& center, const PNT_3D& major, double ratio,
                                   double start, double end, bool ccw) {
   ELLIPSE_3D ellipse;
+  // The ellipse is evaluated counterclockwise; a clockwise edge uses mirrored angles and is
+  // reversed.
   if (!ellipse.set(center, major, ratio, ccw ? start : -end, ccw ? end : -start)) return false;
   const size_t first = m_points.size();
   ellipse.chords(m_points);
@@ -282,6 +295,7 @@ bool HatchLoopBuilder::addPolyline(const std::vector<PNT_3D>& points,
 
 bool HatchLoopBuilder::build(std::vector<HATCH_RING>& rings) {
   const RECT_2D box = boxOf(m_points);
+  // Relative to the size, because hatches range from screws to maps.
   const double size = std::max(box.max.x - box.min.x, box.max.y - box.min.y);
   const double tolerance = m_edges.empty() ? 0 : kJoinTolerance * size;
   std::vector<PNT_2D> ends;
@@ -296,6 +310,8 @@ bool HatchLoopBuilder::build(std::vector<HATCH_RING>& rings) {
   std::vector<bool> used(m_edges.size());
   for (size_t i = 0; i < m_edges.size(); ++i) {
     HATCH_RING ring;
+    // `mate(end ^ 1)` passes to the far end of the edge and on to the end joined with it. After
+    // `joinAll` every end has a mate, so the walk returns to edge i.
     for (size_t end = 2 * i; !used[end / 2]; end = joints.mate(end ^ 1)) {
       const Edge& e = m_edges[end / 2];
       used[end / 2] = true;

@@ -10,9 +10,9 @@
 
 #include "hatch/ringedges.h"
 
-// A line sweeps over the boundary from bottom to top. It maintains the left-to-right order of the
-// sides that it cuts, which changes only where a side ends, starts or crosses its neighbor; between
-// two such events the interior consists of trapezoids.
+// A line sweeps over the boundary from bottom to top and maintains the left-to-right order of the
+// sides that it cuts. The order changes only where a side ends, starts or crosses its neighbor;
+// between two such events the interior consists of trapezoids.
 //
 // Because of rounding, sides that nearly touch may temporarily be in the wrong order. Nothing
 // relies on the order: neighbors found in the wrong order at a height are swapped immediately.
@@ -76,6 +76,7 @@ struct Side {
   }
 
   double xAt(double y) const {
+    // Clamped, because extrapolating an almost horizontal side could yield any x.
     if (y <= low.y) return low.x;
     if (y >= high.y) return high.x;
     return low.x + (y - low.y) / (high.y - low.y) * (high.x - low.x);
@@ -88,6 +89,7 @@ double turn(const Side& a, const Side& b) {
 }
 
 bool PlaceOrder::operator()(const Place& place, const Fork& fork) const {
+  // If the point lies on the side, at a shared vertex for example, the directions decide.
   const double leftness = place.side->leftness(fork.at);
   return leftness != 0 ? leftness < 0 : turn(*place.side, *fork.left) < 0;
 }
@@ -111,10 +113,12 @@ Spot crossing(const Side& a, const Side& b) {
   const double aRise = a.high.y - a.low.y, bRise = b.high.y - b.low.y;
   if (bRise < aRise || (bRise == aRise && &b < &a)) return crossing(b, a);
   const double turned = turn(a, b);
+  // Parallel sides in the wrong order overlap up to rounding; any common point will do.
   if (turned == 0) return a.low;
   // b.leftness(a.low) is the distance still to go, in the units of `turned`.
   const double t = std::clamp(b.leftness(a.low) / turned, 0.0, 1.0);
   const Spot at = {a.low.x + t * (a.high.x - a.low.x), a.low.y + t * (a.high.y - a.low.y)};
+  // The crossing must not lie above the lower upper end, or the swap would come too late.
   const Spot& firstEnd = isBefore(a.high, b.high) ? a.high : b.high;
   return isBefore(firstEnd, at) ? firstEnd : at;
 }
@@ -132,6 +136,7 @@ class SolidSweep {
   // False if the limit is exceeded.
   bool run() {
     for (const Vertex& vertex : m_vertices) {
+      // Crossings below the vertex come first, because handling it assumes the order at its height.
       exchangeUpTo(vertex.at);
       if (isTooDense()) return false;
       m_now = vertex.at;
@@ -162,6 +167,7 @@ class SolidSweep {
   // --- setting up
 
   void addSides(const std::vector<vek0::detail::RingEdge>& edges) {
+    // Other structures refer to sides by pointer, so the vector must not grow afterwards.
     m_sides.resize(edges.size());
     for (std::size_t i = 0; i < edges.size(); ++i) {
       m_sides[i].low = spotOf(*edges[i].from);
@@ -174,6 +180,7 @@ class SolidSweep {
       addVertex(spotOf(*edges[i].to), m_sides[i], m_sides[isRingEnd ? ringStart : i + 1]);
       if (isRingEnd) ringStart = i + 1;
     }
+    // Stable, so that the result does not depend on the implementation of the sort.
     std::stable_sort(m_vertices.begin(), m_vertices.end(), [](const Vertex& a, const Vertex& b) {
       return a.at == b.at ? a.kind < b.kind : isBefore(a.at, b.at);
     });
@@ -210,8 +217,10 @@ class SolidSweep {
     bool isInside = false;
     if (next != m_places.begin()) {
       const auto previous = std::prev(next);
+      // The new sides divide the trapezoid to the right of `previous`, so it ends here.
       cut(previous);
       isInside = previous->isInside;
+      // By the even-odd rule, every side separates inside from outside.
     }
     const auto left = m_places.emplace_hint(next, Place{nullptr, !isInside, m_now.y});
     const auto right = m_places.emplace_hint(next, Place{nullptr, isInside, m_now.y});
@@ -224,6 +233,7 @@ class SolidSweep {
   void pass(Side& ending, Side& starting) {
     const auto place = ending.place;
     cutBefore(place);
+    // The starting side takes over the place: the order of the other sides is unchanged.
     cut(place);
     ending.isCut = false;
     put(starting, place);
@@ -257,6 +267,7 @@ class SolidSweep {
   // Swaps the side at a place with the one to its right.
   void exchange(Places::iterator left) {
     const auto right = std::next(left);
+    // Counted, because a file could make every pair of sides cross.
     ++m_exchanges;
     cutBefore(left);
     cut(left);
@@ -271,10 +282,13 @@ class SolidSweep {
 
   void exchangeUpTo(const Spot& at) {
     while (!m_meetings.empty() && !isBefore(at, m_meetings.top().at) && !isTooDense()) {
+      // A copy, because exchanging pushes further meetings.
       const Meeting meeting = m_meetings.top();
       m_meetings.pop();
+      // Meetings are not removed when the order changes, so outdated ones are skipped here.
       if (!meeting.left->isCut || !meeting.right->isCut) continue;
       if (std::next(meeting.left->place) != meeting.right->place) continue;
+      // Rounding may put a crossing below the sweep line, which must not move back.
       if (isBefore(m_now, meeting.at)) m_now = meeting.at;
       exchange(meeting.left->place);
     }
@@ -292,9 +306,12 @@ class SolidSweep {
     if (next == m_places.end()) return;
     Side &left = *place->side, &right = *next->side;
     const bool before = startsExchanged(left, right), after = endsExchanged(left, right);
+    // In order at both ends, so they do not cross.
     if (!before && !after) return;
     const Spot at = crossing(left, right);
     if (!before) return m_meetings.push({at, &left, &right});
+    // Out of order up to the crossing, or throughout: swapped at once, unless the crossing is
+    // behind.
     if (after || isBefore(m_now, at)) m_meetings.push({m_now, &left, &right});
   }
 
@@ -318,6 +335,7 @@ class SolidSweep {
   }
 
   void addFace(const Side& left, const Side& right, double bottom, double top) {
+    // Also skips the trapezoids between events at the same height.
     if (top - bottom <= m_sliver) return;
     const double x0 = left.xAt(bottom), x1 = right.xAt(bottom);
     const double x2 = right.xAt(top), x3 = left.xAt(top);
@@ -329,6 +347,7 @@ class SolidSweep {
     if (hasBottom) face.p[n++] = {x1, bottom, m_z};
     face.p[n++] = {x2, top, m_z};
     if (hasTop) face.p[n++] = {x3, top, m_z};
+    // A triangle is stored as a quad with its last corner repeated.
     if (n == 3) face.p[3] = face.p[2];
     m_faces.push_back(face);
   }

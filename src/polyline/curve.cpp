@@ -1,7 +1,7 @@
-// The visible vertices of a curve from its control points. A fitted curve consists of two arcs
-// between adjacent points, which meet in a joint with a common tangent; splines and Bezier curves
-// of degree 3 at most become chords. Widths follow the frame by fraction of its length, not the
-// curve, so they do not depend on its shape.
+// Computes the visible vertices of a curve from its controls. A fitted curve has two arcs between
+// adjacent points, which meet in a joint with a common tangent; splines and Bezier curves of degree
+// 3 at most become chords. Widths are spread by fraction of the frame's length, so they do not
+// depend on the curve's shape.
 #include "vek0core/polyline/curve.h"
 
 #include <algorithm>
@@ -54,6 +54,7 @@ void spreadWidths(const Vertexes& controls, bool closed, double first, Vertexes&
   for (std::size_t i = 0; i < steps; ++i) {
     const double from = place(i), to = place(i + 1);
     curve[i].widthStart = widthAt(controls, from, static_cast<std::size_t>(from));
+    // At a control, the end of a segment uses the width before a jump, its start the width after.
     curve[i].widthEnd = widthAt(controls, to, static_cast<std::size_t>(std::ceil(to)) - 1);
   }
   // The segment after the end of an open curve is not drawn; its width is continued.
@@ -81,6 +82,7 @@ struct Knots {
 // Point at `t`, 0 <= t <= spans, by de Boor.
 CURVE_VERTEX deBoor(const Vertexes& controls, const Knots& knots, double t) {
   const int p = knots.degree;
+  // The last point belongs to the last span, as there is no knot interval after it.
   const long span = std::min(static_cast<long>(t), knots.spans - 1);
   std::array<CURVE_VERTEX, kMaxDegree + 1> d{};
   for (int j = 0; j <= p; ++j) {
@@ -129,6 +131,7 @@ Vertexes bezier(const Vertexes& controls, int p, bool closed, int chords) {
   const std::size_t spans = closed ? controls.size() : controls.size() - 1;
   Vertexes curve;
   for (std::size_t first = 0; first < spans;) {
+    // A rest too short for the degree makes one curve of lower degree.
     const std::size_t degree = std::min(static_cast<std::size_t>(p), spans - first);
     const std::size_t steps = degree * static_cast<std::size_t>(chords);
     for (std::size_t c = 0; c < steps; ++c) {
@@ -141,7 +144,7 @@ Vertexes bezier(const Vertexes& controls, int p, bool closed, int chords) {
   return curve;
 }
 
-// --- Arcs through the points
+// --- Arcs through given points
 
 struct Vector {
   double x, y;
@@ -202,6 +205,7 @@ void appendSpan(const CURVE_VERTEX& a, const CURVE_VERTEX& b, Vector from, Vecto
                 Vertexes& curve) {
   curve.push_back(a);
   curve.back().bulge = 0;
+  // The bulge of a straight span is 0, and it needs no joint.
   const Vector way = between(a, b), offset = jointOffset(way, from, to);
   if (!(way.length() > 0 && offset.length() <= kFarJoint * way.length())) return;
   CURVE_VERTEX joint = a;
@@ -242,6 +246,7 @@ std::vector<CURVE_VERTEX> curveVertexes(const std::vector<CURVE_VERTEX>& control
   if (curveType == kFit) return fit(controls, closed);
   if (curveType != kSpline && curveType != kBezier) return controls;
   const int below = static_cast<int>(std::min<std::size_t>(controls.size() - 1, kMaxDegree));
+  // A spline needs more controls than its degree.
   const int p = std::min(std::clamp<int>(degree, 2, kMaxDegree), below);
   const int steps = std::clamp(chords, 2, 64);
   const bool isSpline = curveType == kSpline;

@@ -1,6 +1,6 @@
-// The older kind of offset: each segment is shifted, and adjacent ones meet at their crossing.
-// Where the corner would be farther than the limit for mitres, or a segment would run backwards,
-// segments are dropped. What the chain crosses elsewhere is not examined; `offsetPath` does that.
+// The simple offset: each segment is shifted, and adjacent ones meet at their intersection.
+// Segments are dropped where the corner would exceed the miter limit or a segment would be
+// reversed. Other self-intersections remain; `offsetPath` handles those.
 #include "vek0core/polyline/offset.h"
 
 #include <cmath>
@@ -24,8 +24,8 @@ double heightOf(const PNT_3D& p) { return p.z; }
 void place(PNT_2D& out, double x, double y, double) { out.set(x, y); }
 void place(PNT_3D& out, double x, double y, double z) { out.set(x, y, z); }
 
-// The parallel of a segment: its start, its direction, and the original points, which identify the
-// corners of the chain.
+// The parallel of a segment: its line, the heights of its ends, and the indices of the original
+// points, which identify the corners of the chain.
 struct Ray {
   PAR_LINE_2D line;
   double z1, z2;
@@ -46,6 +46,7 @@ class Parallel {
     if (n < 2) return;
     m_rays.reserve(static_cast<std::size_t>(n) + 1);
     for (int i = 0; i + 1 < n; ++i) add(pts, i, i + 1);
+    // One segment has no second corner at which it could close.
     if (m_rays.size() == 1) m_closed = false;
     if (m_closed) {
       add(pts, n - 1, 0);
@@ -65,6 +66,8 @@ class Parallel {
     for (; m_rays[i].after != kNone; i = m_rays[i].after) {
       const Ray &a = m_rays[i], &b = m_rays[a.after];
       const double t = cornerOf(a, b, 0).t;
+      // Adjacent segments meet at the height of their common vertex. Where segments between them
+      // were dropped, the height is interpolated along the first one.
       const double z = a.to == b.from ? a.z2 : a.z1 + t * (a.z2 - a.z1);
       put(a.line.x0 + t * a.line.dx, a.line.y0 + t * a.line.dy, z);
     }
@@ -85,6 +88,7 @@ class Parallel {
     for (Ray& ray : m_rays) {
       LINE_2D line(ray.line);
       TranslateLine(line, dist);
+      // Adding a large distance can make the ends of a short segment equal.
       if (!areApart(line.p1, line.p2)) continue;
       ray.line.x0 = line.p1.x;
       ray.line.y0 = line.p1.y;
@@ -101,6 +105,7 @@ class Parallel {
   static Corner cornerOf(const Ray& a, const Ray& b, double u0) {
     double t = 1, u = 0;
     if (a.line.intersect(b.line, t, u) == 0) return {false, t, u};
+    // t before the segment's own start corner means that the segment would run backward.
     return {t >= u0 && t <= kLongestMitre && u <= kLongestMitre, t, u};
   }
 
@@ -115,6 +120,7 @@ class Parallel {
       if (corner.accepted) {
         b.u = corner.u;
         i = a.after;
+        // Of two segments that do not meet, the shorter one is dropped: it changes the shape less.
       } else if (a.line.length() < b.line.length()) {
         i = remove(i);
       } else {

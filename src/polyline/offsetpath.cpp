@@ -1,10 +1,9 @@
-// The offset of a path is what keeps its distance. Each edge contributes its parallel, each corner
-// on the outside a join; from each such piece everything is cut that is too near to any edge or
-// inside a mitre (`keepOutside`), and what remains is linked at common ends. No other rule is
-// needed for corners that vanish, loops or self-crossings.
-//
-// The path is moved to the origin first, and "too near" has a margin for rounding (`m_margin`): a
-// piece must not be cut by the edge that it belongs to.
+// The offset of a path consists of the points at the given distance from it. Each edge contributes
+// its parallel and each outer corner a join. From each such piece, the parts too close to any edge
+// or inside a miter are removed (`keepOutside`); the rest is linked at common ends. Vanishing
+// corners, loops and self-crossings need no other rule, and open paths no winding numbers. The path
+// is first moved to the origin, and "too close" has a margin for rounding (`m_margin`): a piece
+// must not be cut by its own edge.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -17,10 +16,6 @@
 #include "vek0core/geometry/angle.h"
 #include "vek0core/polyline/offset.h"
 
-// Every edge and every outer corner has its own parallel. From each we remove the parts too near to
-// another part of the path; the remaining pieces meet end to end. No crossing has to be found
-// twice, and no winding numbers are needed: a self-intersecting open path is no special case.
-
 namespace vek0::detail {
 namespace {
 
@@ -30,6 +25,7 @@ constexpr double kRounding = 4e-15;   // of the path's size
 constexpr double kPlaces = 1e-15;     // of its coordinates, for the rounding of the input
 constexpr double kFinest = 1e-9;      // fraction of the size below which a distance counts as zero
 constexpr double kStraightOn = 1e-9;  // radians
+// Bounds the time for paths that overlap themselves thousands of times.
 constexpr double kMostTests = 4e8;
 constexpr std::size_t kNearby = 4;  // edges to either side that are examined first
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
@@ -90,6 +86,7 @@ class Offset {
   void takeEdges(const PATH_3D& path) {
     m_edges.reserve(path.edges.size());
     for (EDGE_3D edge : path.edges) {
+      // Edges shorter than the rounding of coordinates have no reliable direction.
       if (!(edge.length() > kRounding * m_size)) continue;
       edge.move(-m_middle);
       m_edges.push_back(edge);
@@ -104,10 +101,12 @@ class Offset {
   // the right side goes around.
   double cornerTurn(std::size_t i) const {
     const double turn = turnOf(before(i).direction(1), m_edges[i].direction(0));
+    // Angles near -pi and pi are the same reversal, whose side must not depend on rounding.
     return turn < kStraightOn - kPi ? kPi : turn;
   }
 
   bool hasMitre(double turn) const {
+    // The tip is 1 / cos(turn / 2) distances from the corner.
     return m_options.join == OFFSET_JOIN::mitre && std::fabs(turn) > kStraightOn &&
            std::cos(turn / 2) * m_options.mitreLimit >= 1;
   }
@@ -161,6 +160,7 @@ class Offset {
 
   void addJoin(std::size_t i) {
     const double turn = cornerTurn(i);
+    // At inner corners the parallels cross each other; the removal of close parts shortens them.
     if (turn <= kStraightOn) return;
     const PNT_3D corner = m_edges[i].p1;
     const PNT_2D from = rightOf(before(i).direction(1));
@@ -203,6 +203,7 @@ class Offset {
     for (const Span& span : remaining) {
       m_spans.assign(1, span);
       const RECT_2D box = piece.edge.part(span.from, span.to).bdry();
+      // Looked up span by span, because the box of a span is much smaller than that of the piece.
       edges.findWithin(box, m_dist, [&](std::size_t j) {
         leaveEdge(j);
         return !m_spans.empty() && m_tests <= kMostTests;
@@ -219,16 +220,19 @@ class Offset {
   }
 
   void leaveEdge(std::size_t j) {
+    // An edge cannot cut its own parallel, which lies exactly on the border of its zone.
     if (m_piece->isJoin || j != m_piece->source) {
       const EdgeZone& zone = m_edgeZones[j];
       leave(
           zone, [&](const PNT_2D& p) { return isSpareBesideEdge(zone, j, p); }, [](EdgeCuts&) {});
     }
     leaveVertex(m_edges[j].p1, j);
+    // Each edge covers the vertex at its start; an open path has one more at its end.
     if (!m_closed && j + 1 == count()) leaveVertex(m_edges[j].p2, kNone);
   }
 
   void leaveVertex(const PNT_2D& at, std::size_t j) {
+    // A join lies on the border of the zone of its own vertex.
     if (m_piece->isJoin && j == m_piece->source) return;
     const VertexZone zone(at, m_dist);
     const bool isTwin = isTwinJoin(at, j);
@@ -246,7 +250,7 @@ class Offset {
     return cross(m_piece->edge.direction(m_piece->edge.paramOf(p)), source - p) < 0;
   }
 
-  // A path that retraces itself yields its parallel once; miters yield to edges.
+  // A path that retraces itself yields its parallel once; joins yield to edges.
   bool isSpareBesideEdge(const EdgeZone& zone, std::size_t j, const PNT_2D& p) const {
     if (isBetween(p, zone.source(p))) return true;
     if (m_piece->isJoin && m_piece->edge.isArc()) return false;
@@ -287,6 +291,7 @@ class Offset {
     const EDGE_3D& edge = m_piece->edge;
     const PNT_2D middle = edge.at((span.from + span.to) / 2);
     const double reach = edge.length() * (span.to - span.from) / 2;
+    // Cheap tests on discs decide most cases without computing any cut.
     if (zone.misses(middle, reach + m_margin)) {
       m_left.push_back(span);
       return false;
@@ -296,11 +301,13 @@ class Offset {
     zone.addCuts(cuts);
     moreCuts(cuts);
     const std::vector<double>& at = cuts.sorted();
+    // Between adjacent cuts the piece is entirely inside or outside, so its middle decides.
     bool isChanged = false, isOpen = false;
     for (std::size_t i = 0; i + 1 < at.size(); ++i) {
       if (isTaken(zone, at[i], at[i + 1], spare)) {
         isChanged = true;
         isOpen = false;
+        // Rejoins adjacent parts, so that cuts that removed nothing leave no trace.
       } else if (isOpen) {
         m_left.back().to = at[i + 1];
       } else {
@@ -329,16 +336,19 @@ class Offset {
 
   void addSlice(const Piece& piece, const Span& span) {
     const double shortest = kShortest * m_dist + kRounding * m_size;
+    // Such remains are rounding errors where pieces cross.
     if ((span.to - span.from) * piece.edge.length() < shortest) return;
     EDGE_3D edge = piece.edge.part(span.from, span.to);
     m_in.push_back(edge.direction(1));
     m_out.push_back(edge.direction(0));
+    // Only now: a bevel is cut as the arc that it replaces, whose parameters the spans refer to.
     if (piece.isChord) edge = EDGE_3D(edge.p1, edge.p2);
     m_slices.push_back(edge);
   }
 
   void link() {
     PointGrid starts(m_meeting, PNT_2D(0, 0));
+    // Gaps below this are considered equal, and the directions decide.
     const double here = kShortest * m_dist;
     for (std::size_t i = 0; i < m_slices.size(); ++i)
       starts.add(m_slices[i].p1, static_cast<std::uint32_t>(i));
@@ -352,6 +362,7 @@ class Offset {
             // Of several slices that begin here, the one closest to the path continues, so that
             // results may touch but never cross.
             const double gap = std::max(m_slices[i].p2.PNT_2D::dist(m_slices[j].p1), here);
+            // A reversal is the worst continuation, whichever sign rounding gives it.
             double turn = turnOf(m_in[i], m_out[j]);
             if (turn > kPi - kStraightOn) turn = -kPi;
             if (gap > least || (gap == least && turn <= best)) return;
@@ -359,12 +370,14 @@ class Offset {
             best = turn;
             m_next[i] = j;
           });
+      // Each slice is followed by at most one other, so the links form chains and rings.
       if (m_next[i] != kNone) m_isFollowed[m_next[i]] = true;
     }
   }
 
   void collect(std::vector<PATH_3D>& out) {
     m_isUsed.assign(m_slices.size(), false);
+    // Chains first, from slices without a predecessor; the slices left over form rings.
     for (std::size_t i = 0; i < m_slices.size(); ++i)
       if (!m_isFollowed[i]) collectFrom(i, out);
     for (std::size_t i = 0; i < m_slices.size(); ++i)
@@ -378,6 +391,7 @@ class Offset {
       m_isUsed[i] = true;
       EDGE_3D edge = m_slices[i];
       if (!path.empty()) {
+        // Closes the gap that rounding left by moving the start of the next edge.
         beginAt(edge, path.end());
         path.edges.back().p2.z = edge.p1.z;
       }
@@ -388,6 +402,7 @@ class Offset {
       beginAt(path.edges.front(), path.end());
       path.edges.back().p2.z = path.start().z;
     }
+    // Results this short are rounding errors.
     if (path.length() < 4 * m_meeting) return;
     for (EDGE_3D& edge : path.edges) edge.move(m_middle);
     out.push_back(std::move(path));
@@ -430,6 +445,7 @@ bool offsetPath(const PATH_3D& path, double dist, const OFFSET_OPTIONS& options,
                 std::vector<PATH_3D>& out) {
   constexpr double largest = 1e100;
   if (!(std::fabs(dist) < largest) || !path.isFinite()) return false;
+  // Indices have 32 bits, and each edge yields several pieces.
   if (path.edges.size() > std::numeric_limits<std::uint32_t>::max() / 8) return false;
   const RECT_2D box = path.bdry();
   if (!box.validRegion() || !(path.length() > 0)) return true;
@@ -440,6 +456,7 @@ bool offsetPath(const PATH_3D& path, double dist, const OFFSET_OPTIONS& options,
   }
   std::vector<PATH_3D> found;
   const bool isLeft = dist < 0;
+  // The algorithm handles the right side only; the left is the right of the reversed path.
   vek0::detail::Offset offset(isLeft ? path.reversed() : path, std::fabs(dist), options);
   if (!offset.run(found)) return false;
   if (isLeft) std::reverse(found.begin(), found.end());

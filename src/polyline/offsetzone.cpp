@@ -1,6 +1,6 @@
-// The area that is too near to an edge, or inside a mitre. The depth of a point in it is positive
-// inside, so that "deeper than the margin" tells real intrusion from rounding. Tests with a radius
-// decide for whole pieces at once, before any point of them is computed.
+// The area too close to an edge, or inside a miter. Depth is positive inside, so comparing it with
+// the margin separates intrusion from rounding. Tests of discs decide for whole pieces at once,
+// before any point of them is computed.
 #include "polyline/offsetzone.h"
 
 #include <algorithm>
@@ -29,6 +29,7 @@ EdgeZone::EdgeZone(const EDGE_3D& edge, double dist)
 
 double EdgeZone::depth(const PNT_2D& p) const {
   if (m_edge.isArc()) {
+    // Perpendicular distance only: the areas beyond the ends belong to the zones of vertices.
     const double t = m_edge.paramOf(p);
     if (t < -kEndShare || t > 1 + kEndShare) return kOutside;
     return m_dist - std::fabs(m_edge.center.dist(p) - m_edge.radius);
@@ -50,6 +51,7 @@ bool EdgeZone::misses(const PNT_2D& p, double radius) const {
 }
 
 bool EdgeZone::swallows(const PNT_2D& p, double radius, double margin) const {
+  // Always a valid answer; for arcs, the cuts decide.
   if (m_edge.isArc()) return false;
   const PNT_2D d = p - m_edge.p1;
   const double along = dot(d, m_along);
@@ -59,6 +61,7 @@ bool EdgeZone::swallows(const PNT_2D& p, double radius, double margin) const {
 
 double MitreZone::depth(const PNT_2D& p) const {
   double least = std::numeric_limits<double>::infinity();
+  // The kite is convex and counterclockwise, so the nearest side determines the depth.
   for (int i = 0; i < 4; ++i) {
     const PNT_2D &a = m_corners[i], d = m_corners[(i + 1) % 4] - a;
     least = std::min(least, cross(d, p - a) / std::sqrt(dot(d, d)));
@@ -87,7 +90,9 @@ void EdgeCuts::addLine(const PNT_2D& a, const PNT_2D& b) {
   }
   const double length = std::sqrt(dot(d, d));
   const double off = cross(d, m_edge.center - a) / length;  // of the center, to the left
+  // A line that misses the circle, or a NaN, causes no cuts.
   if (!(std::fabs(off) <= m_edge.radius)) return;
+  // The crossings are symmetric about the foot of the perpendicular from the center.
   const double toFoot = std::atan2(-d.x, d.y), half = std::acos(off / m_edge.radius);
   addAngle(toFoot + half);
   addAngle(toFoot - half);
@@ -100,6 +105,7 @@ void EdgeCuts::addCircle(const PNT_2D& center, double radius) {
     const double length = std::sqrt(dot(e, e)), off = cross(e, w) / length;
     if (!(std::fabs(off) <= radius)) return;
     const double middle = dot(e, w) / length;
+    // Sum times difference loses no digits when the line is almost tangent.
     const double half = std::sqrt((radius - off) * (radius + off));
     add((middle - half) / length);
     add((middle + half) / length);
@@ -107,6 +113,7 @@ void EdgeCuts::addCircle(const PNT_2D& center, double radius) {
   }
   const double apart = std::sqrt(dot(w, w)), r = m_edge.radius;
   if (apart == 0) return;
+  // Law of cosines in the triangle of both centers and a crossing.
   const double cosine = (apart * apart + (r - radius) * (r + radius)) / (2 * apart * r);
   if (!(std::fabs(cosine) <= 1)) return;
   const double toward = std::atan2(w.y, w.x), half = std::acos(cosine);

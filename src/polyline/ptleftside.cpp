@@ -11,6 +11,7 @@ double turn(const LINE_2D& a, const LINE_2D& b) {
 
 bool leftOfCorner(const LINE_2D& a, const LINE_2D& b, const PNT_2D& p) {
   const bool ofA = a.ptLeftSide(p), ofB = b.ptLeftSide(p);
+  // Left of a convex corner means left of both lines, left of a reflex corner left of either.
   return turn(a, b) > 0 ? ofA && ofB : ofA || ofB;
 }
 
@@ -19,6 +20,7 @@ bool leftOfCorner(const LINE_2D& a, const LINE_2D& b, const PNT_2D& p) {
 bool PtLeftSide(const PNT_2D* pts, int n, bool closed, const PNT_2D& p) {
   std::vector<LINE_2D> lines;
   for (int i = 0; i + 1 < n; ++i)
+    // Segments without length have no side.
     if (pts[i] != pts[i + 1]) lines.emplace_back(pts[i], pts[i + 1]);
   if (lines.empty()) return false;
   if (closed && pts[n - 1] != pts[0]) lines.emplace_back(pts[n - 1], pts[0]);
@@ -39,6 +41,8 @@ bool PtLeftSide(const PNT_2D* pts, int n, bool closed, const PNT_2D& p) {
     bestSquare = square;
   }
   const bool isRing = closed && count > 1;
+  // The nearest point is a corner: both of its segments decide, as the extension of either alone
+  // would be wrong on one side.
   if (bestT <= 0 && (best > 0 || isRing))
     return leftOfCorner(lines[(best + count - 1) % count], lines[best], p);
   if (bestT >= 1 && (best + 1 < count || isRing))

@@ -1,7 +1,6 @@
-// The outline of a polyline with width: the left sides forward, the right sides back. Adjacent
-// sides are mitred where they meet within the limit. Where widths jump or a mitre would be too
-// long, the outline goes through the vertex; it may cross itself there, and is filled by the non-
-// zero rule.
+// The outline of a wide polyline: its left sides forward, its right sides back. Adjacent sides meet
+// in a miter within the limit. Where widths jump or a miter would be too long, the outline passes
+// through the vertex; it may cross itself there, and is filled by the non-zero rule.
 #include "vek0core/polyline/silhouette.h"
 
 #include <algorithm>
@@ -44,6 +43,7 @@ struct Segment {
 
 std::vector<Segment> segmentsOf(const std::vector<WIDE_VERTEX>& vertexes, bool closed) {
   std::vector<Segment> segments;
+  // Directions need a length; vertices in the same place add nothing to the outline.
   const std::size_t n = vertexes.size();
   for (std::size_t i = 0; i + (closed ? 0 : 1) < n; ++i) {
     const WIDE_VERTEX& v = vertexes[i];
@@ -68,6 +68,7 @@ bool sidesCross(const Segment& a, const Segment& b, double side, Crossing& cross
   const PNT_3D a0 = a.start(side), b0 = b.start(side);
   const PNT_2D da = a.end(side) - a0, db = b.end(side) - b0, between = b0 - a0;
   const double sine = cross(da, db);
+  // Compared without division, so that sides of length 0 count as parallel.
   if (!(std::fabs(sine) > kParallel * std::hypot(da.x, da.y) * std::hypot(db.x, db.y)))
     return false;
   crossing.along = cross(between, db) / sine;
@@ -85,6 +86,7 @@ double outerSide(const Segment& a, const Segment& b) {
 }
 
 bool isSameWidth(const Segment& a, const Segment& b) {
+  // Relative, because widths of one joint computed in two ways differ by rounding only.
   const double wider = std::max(a.halfEnd, b.halfStart);
   return std::fabs(a.halfEnd - b.halfStart) <= kSameWidth * wider;
 }
@@ -135,6 +137,7 @@ void appendJoint(const Segment& a, const Segment& b, double side, bool isPlain,
                  std::vector<PNT_3D>& ring) {
   const PNT_3D end = a.end(side), start = b.start(side);
   ring.push_back(end);
+  // Nothing to join: the sides meet already.
   if (end.PNT_2D::dist(start) <= kSameWidth * std::max(a.halfEnd, b.halfStart)) return;
   const double outer = outerSide(a, b);
   PNT_3D corner;
@@ -169,6 +172,7 @@ std::vector<PNT_3D> sideOf(const std::vector<Segment>& segments, bool closed, do
 
 CPolylineSilhouette::CPolylineSilhouette(const std::vector<WIDE_VERTEX>& vertexes, bool closed) {
   const std::vector<Segment> segments = segmentsOf(vertexes, closed);
+  // Zero length: the vertices still mark the place, for extents and selection.
   if (segments.empty()) {
     if (vertexes.empty()) return;
     m_runs.emplace_back();

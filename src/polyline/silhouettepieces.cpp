@@ -6,14 +6,14 @@
 
 namespace {
 
-// Of the pieces after the first: they fit into the processor's cache and in memory that is not
-// returned to the system each time.
+// Vertices in the pieces after the first. Such pieces fit into the processor's cache, and into
+// memory that is not returned to the system each time.
 constexpr std::size_t kMostNext = 2048;
 
-// How far the outline of a joint is from its vertex, at most, in widths: as the corner of a miter
-// is, and much less where the turn is less than a right angle and the width hardly changes.
+// Maximum distance of a joint's outline from its vertex, in widths: that of a miter's corner, and
+// much less where the turn is below a right angle and the width hardly changes.
 constexpr double kSharpReach = 4.01, kBluntReach = 0.8;
-constexpr double kEvenTaper = 0.2;  // change of the width along a segment, by its length
+constexpr double kEvenTaper = 0.2;  // change of the width along a segment, relative to its length
 
 bool isEven(const WIDE_VERTEX& v, const PNT_3D& way) {
   const double change = v.widthEnd - v.widthStart;
@@ -24,6 +24,7 @@ bool isWithin(const WIDE_VERTEX* joint, const RECT_3D& box) {
   const PNT_3D &at = joint[1].pnt, before = at - joint[0].pnt, after = joint[2].pnt - at;
   const bool isBlunt = before.x * after.x + before.y * after.y > 0 && isEven(joint[0], before) &&
                        isEven(joint[1], after);
+  // The widest of both segments at the vertex bounds either side of the joint.
   const double width = std::max(std::fabs(joint[0].widthEnd), std::fabs(joint[1].widthStart));
   const double reach = width * (isBlunt ? kBluntReach : kSharpReach);
   return at.x - reach >= box.min.x && at.x + reach <= box.max.x && at.y - reach >= box.min.y &&
@@ -40,7 +41,8 @@ void CSilhouettePieces::add(const WIDE_VERTEX& vertex) {
   m_vertexes.push_back(vertex);
 }
 
-// Stretches of vertices whose joints are not within the box, with a neighbor on either side.
+// Passes on the stretches of vertices whose joints are not within the box, each with a neighbor on
+// either side.
 void CSilhouettePieces::passOnOutside() {
   if (!m_box || m_vertexes.size() < 3) return m_sink(CPolylineSilhouette(m_vertexes, false));
   const WIDE_VERTEX* const vertexes = m_vertexes.data();
@@ -52,7 +54,7 @@ void CSilhouettePieces::passOnOutside() {
   }
 }
 
-// Keeps the last segment that has a length: what follows it is at its end.
+// Keeps the last segment with a length, which the next joint needs; later vertices are at its end.
 void CSilhouettePieces::passOn() {
   passOnOutside();
   m_most = std::min(m_most, kMostNext);
@@ -63,6 +65,7 @@ void CSilhouettePieces::passOn() {
   for (std::size_t i = m_vertexes.size() - 1; i > 0 && kept.empty(); --i)
     if (isSegment(m_vertexes[i - 1], m_vertexes[i])) kept.push_back(m_vertexes[i - 1]);
   kept.push_back(m_vertexes.back());
+  // The first segment of a closed polyline is repeated at the end, to join it with the last.
   if (m_first.empty() && kept.size() == 2) {
     const auto first = std::adjacent_find(m_vertexes.begin(), m_vertexes.end(), isSegment);
     m_first.assign(first, first + 2);

@@ -76,7 +76,7 @@ TEST(Silhouette, StraightJointsStayAtTheirVertexes) {
   }
 }
 
-// A mitre reaches 1 / sin(a / 2) half widths out of a corner of angle a; the limit is 8.
+// A miter reaches 1 / sin(a / 2) half widths out of a corner of angle a; the limit is 8.
 TEST(Silhouette, SharpCornersAreBevelled) {
   for (const double degrees : named<double>({20.0, 15.0, 14.0, 5.0, 0.1})) {
     const double a = degrees * 3.141592653589793 / 180;
@@ -114,7 +114,7 @@ Wide gentlePath(std::mt19937& random, std::size_t n, double width) {
   return path;
 }
 
-// A mitre adds to one side what it removes from the other, so the area is width * length.
+// A miter adds to one side what it removes from the other, so the area is width * length.
 TEST(Silhouette, AreaIsWidthTimesLengthAndDirectionDoesNotMatter) {
   std::mt19937 random(61);
   for ([[maybe_unused]] const int round : rounds(200)) {

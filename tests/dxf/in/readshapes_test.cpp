@@ -17,7 +17,7 @@ std::vector<CEnt*> entsOf(const Loaded& got) {
 
 double dot(const PNT_3D& a, const PNT_3D& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 
-// Two lines along a path of three points; the mitre at the corner has a length of 1.5.
+// Two lines along a path of three points; the miter at the corner has a length of 1.5.
 const std::string kMultiline =
     "0 MLINE|8 0|2 STANDARD|40 1|70 1|72 3|73 2|10 0|20 0|30 0|210 0|220 0|230 1|"
     "11 0|21 0|31 2|12 1|22 0|32 0|13 0|23 1|33 0|74 2|41 1|41 0|75 0|74 2|41 -1|41 0|75 0|"

@@ -102,7 +102,7 @@ class Multiline {
 
   RecordReader& m_in;
   std::vector<ParallelLine> m_lines;
-  // Place, direction and mitre: codes 11, 12 and 13.
+  // Place, direction and miter: codes 11, 12 and 13.
   PNT_3D m_vectors[3] = {PNT_3D(0, 0, 0), PNT_3D(0, 0, 0), PNT_3D(0, 0, 0)};
   std::size_t m_next = 0;  // line whose distances come next
   bool m_hasCorner = false;
