@@ -53,6 +53,7 @@ void CData::clearAll() {
   clearUsers();
   for (int i = m_styles.size(); i-- > 0;) {
     CStyle* style = m_styles[i];
+    // STANDARD is part of every drawing.
     if (style->isStandard()) continue;
     m_styles.remove(style);
     delete style;

@@ -21,6 +21,7 @@ std::uint64_t hashOf(const void* pointer) {
 // The slot of the pointer, or the free one where it would be inserted.
 std::size_t PointerSet::locate(const void* pointer) const {
   auto slot = static_cast<std::size_t>(hashOf(pointer) >> m_shift);
+  // Linear probing; the table is at most half full, so runs are short.
   while (m_slots[slot] != nullptr && m_slots[slot] != pointer)
     slot = (slot + 1) & (m_slots.size() - 1);
   return slot;
@@ -39,6 +40,7 @@ bool PointerSet::insert(const void* pointer) {
 }
 
 void PointerSet::reserve(std::size_t more) {
+  // At most half full, see `locate`.
   while (2 * (m_used + more) > m_slots.size()) grow();
 }
 

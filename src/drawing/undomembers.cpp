@@ -1,7 +1,6 @@
-// Additions, removals and exchanges. Whoever does not hold the object at present owns it: the
-// drawing, or the action. An action remembers the place that the object had, so that undoing
-// restores the order of drawing as well. The sizes are estimates, used to limit the memory of the
-// stack.
+// Additions, removals and exchanges. An object belongs either to the drawing or, while it is out of
+// the drawing, to the action. An action remembers the object's place, so that undo restores the
+// drawing order as well. Sizes are estimates that limit the memory of the stack.
 #include "drawing/undomembers.h"
 
 #include <new>
@@ -13,7 +12,7 @@ namespace vek0::detail {
 namespace {
 
 constexpr std::size_t kEntBytes = 256;   // including allocator overhead
-constexpr std::size_t kItemBytes = 256;  // likewise
+constexpr std::size_t kItemBytes = 256;  // including allocator overhead
 
 }  // namespace
 
@@ -56,18 +55,21 @@ void countUses(const CBlockXRef& xref, bool on) {
 
 void EntMembership::take(CData& data) {
   CEntTable& table = data.getEntTable();
+  // The place is only valid until the next change, hence before the removal.
   m_place = table.getPlace(*m_item);
   table.remove(m_item, m_slots);
 }
 
 void EntMembership::put(CData& data) {
   CEntTable& table = data.getEntTable();
+  // The first addition has no previous place and appends.
   m_place ? table.restore(m_item, *m_place, m_slots) : table.add(m_item, m_slots);
 }
 
 void BlockEntMembership::take(CData& data) {
   const bool hadAttdefs = (m_block.getFlags() & CBlock::kHasAttdefs) != 0;
   m_place = m_block.getPlace(*m_item);
+  // The block corrects the flag when its content changes, see `swapAttdefFlag`.
   m_block.remove(m_item);
   swapAttdefFlag(hadAttdefs);
   if (isRegistered(data)) m_item->removeTbls(data.getHandleGestor());
@@ -77,6 +79,7 @@ void BlockEntMembership::take(CData& data) {
 void BlockEntMembership::put(CData& data) {
   const bool hadAttdefs = (m_block.getFlags() & CBlock::kHasAttdefs) != 0;
   const bool isCounted = isRegistered(data);
+  // Registered first: this can fail, while restoring within the reserved capacity cannot.
   if (isCounted) m_item->addTbls(data.getHandleGestor());
   try {
     // On first insertion, the block moves the entity by its base point.
@@ -111,10 +114,12 @@ ContentExchange::ContentExchange(CBlock& block) : m_block(block), m_memento(bloc
 }
 
 ContentExchange::~ContentExchange() {
+  // Entities in the memento belong to it only after the redefinition was made.
   if (m_isMade) m_memento->destroyEntity();
 }
 
 void ContentExchange::swap(CData& data) {
+  // The memento holds the other content afterwards.
   data.getBlockTable().exchange(&m_block, *m_memento);
   data.getEntTable().invalidateBdry();
 }
@@ -134,6 +139,7 @@ void HatchExchange::swap(CData& data) {
   m_block = block;
   m_parameters = present;
   data.getEntTable().invalidateBdry();
+  // The containing block has an edge to the hatch's block.
   if (CBlock* owner = m_hatch.getOwnerBlock()) {
     owner->invalidateBdry();
     data.getBlockTable().updateBlock(owner);

@@ -1,7 +1,7 @@
-// Snapshots of what a host changes in place. A swap exchanges the memento for one of the present
-// state and then refreshes whatever depends on the object: extents, graph edges, use counts.
-// Entities of a reference's content are skipped once the content has been reloaded (`ContentMark`):
-// the object of the snapshot no longer exists.
+// Snapshots of objects that a host changes in place. A swap exchanges the memento for one of the
+// present state and then refreshes whatever depends on the object: extents, graph edges, use
+// counts. Entities of a reference's content are skipped once the content has been reloaded
+// (`ContentMark`), because they no longer exist.
 #include "drawing/undosnapshots.h"
 
 #include <new>
@@ -25,6 +25,7 @@ void refreshOwner(CData& data, CEnt& ent) {
   CBlock* block = ent.getOwnerBlock();
   if (block == nullptr) return;
   block->invalidateBdry();
+  // An insert may have changed its block, hence the edges of the block that contains it.
   if (ent.getEntInsert() != nullptr) data.getBlockTable().updateBlock(block);
 }
 
@@ -51,6 +52,7 @@ void setMemento(CLtype& ltype, const CLtypeMemento& memento, CLtypeComplexDashSe
 }
 
 void refreshUsers(CData& data, const CLayer&) { data.getEntTable().invalidateBdry(); }
+// Linetypes do not influence extents.
 void refreshUsers(CData&, const CLtype&) {}
 void refreshUsers(CData& data, const CStyle& style) { refreshTexts(data, style); }
 
@@ -77,6 +79,7 @@ bool ContentMark::isGone() const {
 void PropertiesSnapshot::swap(CData& data) {
   if (m_mark.isGone()) return;
   std::optional<UncountedEdit> edit;
+  // Entities of references are not counted, but their setters count.
   if (UncountedEdit::isFor(m_ent.getOwnerBlock())) edit.emplace(m_ent);
   m_ent.exchange(*m_memento);
   data.getEntTable().invalidateBdry();  // the layer may be frozen
@@ -84,6 +87,7 @@ void PropertiesSnapshot::swap(CData& data) {
 
 void GeometrySnapshot::swap(CData& data) {
   if (m_mark.isGone()) return;
+  // Created first: after a failure here, nothing has changed.
   std::unique_ptr<IEntDerivedMemento> present(m_ent.createDerivedMemento());
   if (present == nullptr) throw std::bad_alloc();
   std::optional<UncountedEdit> edit;
@@ -92,6 +96,7 @@ void GeometrySnapshot::swap(CData& data) {
   m_set = std::move(m_memento);
   m_memento = std::move(present);
   try {
+    // If the parts cover everything, the geometry is already restored.
     if (!m_displaced || !m_displaced->isAll()) m_ent.setMemento(data, m_set.get());
   } catch (const std::bad_alloc&) {
     swapBack(data);
@@ -104,6 +109,7 @@ void GeometrySnapshot::swapBack(CData& data) {
   if (m_mark.isGone()) return;
   std::optional<UncountedEdit> edit;
   if (UncountedEdit::isFor(m_ent.getOwnerBlock())) edit.emplace(m_ent);
+  // The parts first, because the memento describes the original ones.
   if (m_displaced) m_displaced->putBack();
   m_ent.setMemento(data, m_memento.get());
   m_memento = std::move(m_set);
@@ -134,6 +140,7 @@ template <class Item, class Memento>
 void ItemSnapshot<Item, Memento>::swap(CData& data) {
   std::unique_ptr<Memento> present(m_item.createMemento());
   if (present == nullptr) throw std::bad_alloc();
+  // The elements are created in advance, so that setting them cannot fail.
   m_displaced.emplace(makeParts(*m_memento));
   setMemento(m_item, *m_memento, *m_displaced);
   m_set = std::exchange(m_memento, std::move(present));
@@ -192,6 +199,7 @@ void BlockHeadSnapshot::swap(CData& data) {
 }
 
 void BlockHeadSnapshot::takeBack(CData&) {
+  // The path first; if the name fails for lack of memory, the old path fits again.
   if (xref() != nullptr) xref()->setPath(m_path);
   try {
     m_block.setName(m_name);

@@ -1,8 +1,8 @@
 #pragma once
 
-// Snapshots of objects that a host changes in place. Undoing exchanges the snapshot for one of the
-// current state, so an edit has one of them at a time, but for the one that was set while its step
-// is not through.
+// Snapshots of objects that a host changes in place. Undo exchanges the snapshot for one of the
+// current state, so an edit has one of them at a time, plus the one just set until its step is
+// complete.
 
 #include <memory>
 #include <optional>

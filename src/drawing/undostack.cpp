@@ -1,10 +1,8 @@
-// The undo stack. A step is a list of actions; undoing swaps them from the last to the first,
-// redoing from the first to the last. Making an edit is redoing its action for the first time
-// (`perform`), so that doing, undoing and redoing share one path. Changes in place are made by the
-// host after `keep`, which records a snapshot once per object and step.
-//
-// If a swap runs out of memory, the actions swapped so far are swapped back. That needs no memory,
-// because each keeps what it displaced until the whole step has succeeded.
+// The undo stack. A step is a list of actions; undo swaps them from last to first, redo from first
+// to last. Making an edit means redoing its action for the first time (`perform`), so that all
+// three share one path. Hosts make changes in place after `keep`, which records a snapshot once per
+// object and step. If a swap runs out of memory, the actions swapped so far are swapped back. That
+// needs no memory, because each keeps what it displaced until the whole step has succeeded.
 #include "vek0core/drawing/undostack.h"
 
 #include <algorithm>
@@ -96,6 +94,7 @@ bool CUndoStack::commit() {
   if (m_depth == 0 || --m_depth != 0) return false;
   forgetTargets(m_kept);
   if (actions().empty()) {
+    // A step without edits must not discard what can be redone.
     m_open.clear();
     return false;
   }
@@ -128,6 +127,7 @@ void CUndoStack::unwind(std::size_t count) {
 bool CUndoStack::undo() {
   if (m_depth != 0 || m_done.empty() || !trySwap(m_done.back(), false)) return false;
   m_undone.splice(m_undone.end(), m_done, std::prev(m_done.end()));
+  // Sizes change: an action that holds a removed object counts its memory.
   measure(m_undone.back());
   return true;
 }
@@ -155,6 +155,7 @@ void CUndoStack::swapAll(Step& step, bool forward) {
   std::size_t done = 0;
   try {
     for (; done < count; ++done) action(done).swap(m_data);
+    // Within the protected range, because it may need memory too.
     reinstateUsed(m_data);
   } catch (const std::bad_alloc&) {
     while (done > 0) action(--done).swapBack(m_data);
@@ -169,6 +170,7 @@ bool CUndoStack::merge() {
   Step& from = m_done.back();
   std::vector<bool> isNews;
   try {
+    // All allocations come first; afterwards nothing can fail.
     noteSnapshots(into);
     into.actions.reserve(into.actions.size() + from.actions.size());
     for (const auto& action : from.actions) {
@@ -205,6 +207,7 @@ void CUndoStack::clear() {
   try {
     rollback();
   } catch (const std::bad_alloc&) {
+    // Without memory the open edits cannot be taken back, but they can be dropped.
     while (!actions().empty()) actions().pop_back();
     rollback();
   }
@@ -238,6 +241,7 @@ void CUndoStack::measure(Step& step) {
 }
 
 void CUndoStack::trim() {
+  // The last step remains, whatever its size: undoing it must always be possible.
   while (m_bytes > m_limit && m_done.size() > 1) dropOldest();
 }
 
@@ -262,6 +266,7 @@ void CUndoStack::forgetUndone() {
 bool CUndoStack::record(std::unique_ptr<Action> action) {
   if (!action) return false;
   try {
+    // The slot first: after that, storing the action cannot fail.
     actions().push_back(nullptr);
   } catch (const std::bad_alloc&) {
     action->letGo();
@@ -280,6 +285,7 @@ bool CUndoStack::perform(std::unique_ptr<Action> action) {
     edit->settle();
     return true;
   } catch (const std::bad_alloc&) {
+    // The edit was not made, so the action must not delete its object.
     edit->letGo();
     actions().pop_back();
     return false;
@@ -310,6 +316,7 @@ template <class... Snapshots, class Target>
 bool CUndoStack::keepOnce(Target& target) {
   return attempt([&] {
     std::unique_ptr<Action> made[] = {makeOnce<Snapshots>(target)...};
+    // All memory is reserved before the first snapshot is stored: all or nothing.
     const std::size_t needed = actions().size() + sizeof...(Snapshots);
     if (needed > actions().capacity()) actions().reserve(2 * needed);
     for (PointerSet& part : m_kept) part.reserve(1);
@@ -354,6 +361,7 @@ bool CUndoStack::add(CBlock& block, CEnt* ent) try {
   const CBlockGraph& graph = m_data.getBlockTable().getBlockGraph();
   const CEntInsertBase* insert = ent->getEntInsert();
   CBlock* inner = insert != nullptr ? insert->getBlock() : nullptr;
+  // Inserting would make the block contain itself.
   if (inner != nullptr && !graph.canSubstitute(block, {inner})) return false;
   return attempt([&] {
     const std::size_t before = actions().size();
@@ -368,6 +376,7 @@ bool CUndoStack::add(CBlock& block, CEnt* ent) try {
 bool CUndoStack::remove(CEnt* ent) {
   if (ent == nullptr) return false;
   CBlock* owner = ent->getOwnerBlock();
+  // Content of references is reloaded and cannot be edited.
   if (owner == nullptr ? !m_data.getEntTable().contains(ent) : isContent(owner)) return false;
   return attempt([&] {
     const std::size_t before = actions().size();
@@ -416,6 +425,7 @@ template <class Table, class Item>
 bool CUndoStack::removeItem(Table& table, Item* item) {
   if (item == nullptr || !table.contains(item)) return false;
   return attempt([&] {
+    // An item in use cannot be removed, as its users would refer to an object outside the drawing.
     return !isUsed(m_data, *item) &&
            perform(newAction<ItemMembership<Table, Item>>(table, *item, true));
   });

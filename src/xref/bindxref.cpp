@@ -1,7 +1,7 @@
 // Binding copies the content of a reference into the drawing: its items under new names, its
 // blocks, and the reference itself as a block, all as additions on the undo stack. Nested
 // references are bound first, because the content that shows them refers to their blocks. Inserts
-// of the reference are then pointed at the block that replaces it.
+// of the reference are then redirected to the block that replaces it.
 #include <algorithm>
 #include <memory>
 #include <new>
@@ -48,6 +48,7 @@ bool isLoaded(const CBlockXRef& xref) { return xref.getStatus() == CBlockXRef::S
 zim::WString pathSeenFrom(const zim::WString& from, const zim::WString& path) {
   constexpr std::u16string_view kSlashes = u"/\\";
   const std::u16string_view own = path.view(), outer = from.view();
+  // A colon follows the letter of a drive.
   const bool isAbsolute = own.find_first_of(kSlashes) == 0 || own.substr(0, 2).ends_with(u':');
   const std::size_t folderEnd = outer.find_last_of(kSlashes);
   if (isAbsolute || folderEnd == std::u16string_view::npos) return path;
@@ -67,6 +68,7 @@ class Binder {
       const zim::WString& name = nesting.xref->getName();
       const bool keepsName = asked.count(nesting.xref) != 0;
       bindOne(
+          // A nested reference gets a name that shows where it came from.
           *nesting.xref,
           keepsName ? name : boundName(m_data.getBlockTable(), nesting.shownBy->getName(), name));
     }
@@ -81,6 +83,7 @@ class Binder {
       if (CBlock* owner = ent->getOwnerBlock()) owners.insert(owner);
       vek0::detail::spreadBdry(m_data, *ent);
     }
+    // Once per block, because updating the graph costs a pass over its entities.
     for (CBlock* owner : owners) m_data.getBlockTable().updateBlock(owner);
   }
 
@@ -130,12 +133,14 @@ class Binder {
   // relative to this one.
   void movePaths(const std::vector<Nesting>& order) {
     std::unordered_map<const CBlockXRef*, zim::WString> paths;
-    for (auto it = order.rbegin(); it != order.rend(); ++it) {  // each before those that it shows
+    for (auto it = order.rbegin(); it != order.rend(); ++it) {  // outer references first
       const CBlockXRef& shower = *it->xref;
       const zim::WString& from = paths.try_emplace(&shower, shower.getPath()).first->second;
       for (CBlockXRef* nested : shower.getNested()) {
-        if (nested->getEntities() > 0) continue;  // the drawing's own too
+        // The drawing inserts it as well, so its path is already relative to the drawing.
+        if (nested->getEntities() > 0) continue;
         const auto [at, isNew] = paths.try_emplace(nested, pathSeenFrom(from, nested->getPath()));
+        // The first reference that shows it decides.
         if (!isNew || isLoaded(*nested) || at->second == nested->getPath()) continue;
         if (!setXRefPath(m_undo, *nested, at->second)) throw std::bad_alloc();
       }
@@ -143,6 +148,7 @@ class Binder {
   }
 
   void bindOne(const CBlockXRef& xref, const zim::WString& blockName) {
+    // In the order of use: linetypes name styles, layers name linetypes, entities all of them.
     bindStyles(xref);
     bindLtypes(xref);
     bindLayers(xref);
@@ -162,6 +168,7 @@ class Binder {
     const CStyleTable& table = xref.getStyleTable();
     for (int i = 0; i < table.size(); ++i) {
       CStyle* own = getStyleStandard(m_data);
+      // Equal STANDARD styles are shared, as every drawing has one.
       if (table[i] != table.getStyleStandard() || CStyleMemento(*own) != *table[i]) {
         std::unique_ptr<CStyle> copy(orThrow(m_data.getStyleFactory().create(*table[i])));
         copy->setName(boundName(m_data.getStyleTable(), xref.getName(), table[i]->getName()));
@@ -199,6 +206,7 @@ class Binder {
 
   zim::WString innerName(const CBlockXRef& xref, const zim::WString& name) const {
     const CBlockTable& table = m_data.getBlockTable();
+    // Names of generated blocks must stay recognizable as such.
     if (isHatchName(name)) return getHatchName(table);
     if (name.view().substr(0, 1) != u"*") return boundName(table, xref.getName(), name);
     return GetBlockProgressiveName(
@@ -207,9 +215,11 @@ class Binder {
 
   void bindBlock(const CBlock& from, const zim::WString& name, const PNT_3D& base) {
     std::unique_ptr<CBlock> block(orThrow(m_data.getBlockFactory().create(
+        // Attribute definitions are counted by the block when they are added.
         name, base, from.isXRef() ? 0 : from.getFlags() & ~CBlock::kHasAttdefs)));
     for (unsigned i = 0; i < from.size(); ++i) {
       std::unique_ptr<CEnt> copy = cloneOnto(m_data, m_map, *from[i]);
+      // The entities of a reference are in its own coordinates; `add` moves them by the base point.
       if (from.isXRef())
         vek0::detail::addTo(*block, std::move(copy));
       else
@@ -238,6 +248,7 @@ bool bindXRefs(CData& data, CUndoStack& undo, const std::vector<CBlockXRef*>& xr
   EditStep step(undo);
   Binder binder(data, undo);
   binder.bind(xrefs);
+  // First the entities, then the tables: a reference is removed only when nothing uses it.
   binder.repoint(vek0::detail::insertsOf(data, xrefs));
   const XRefs going = vek0::detail::shownOnlyBy(xrefs);
   CTableRemapper items(data, false);

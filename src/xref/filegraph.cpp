@@ -10,6 +10,7 @@ namespace vek0::detail {
 std::optional<ReportCode> FileGraph::add(const zim::WString& from, const zim::WString& to) {
   Node& outer = m_nodes[from];
   Node& inner = m_nodes[to];
+  // Checked before the edge exists, so that the graph never contains a circle.
   if (leads(inner, outer)) return ReportCode::ReferenceCircular;
   if (!sink(inner, outer.level + 1)) return ReportCode::ReferenceTooDeep;
   outer.refersTo.push_back(&inner);
@@ -40,6 +41,7 @@ bool FileGraph::sink(Node& top, int level) {
     const auto [node, least] = open.back();
     open.pop_back();
     if (least > kMaxXRefDepth) {
+      // In reverse, because a node may have been moved several times.
       for (std::size_t i = before.size(); i-- > 0;) before[i].first->level = before[i].second;
       return false;
     }

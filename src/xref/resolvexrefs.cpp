@@ -1,10 +1,9 @@
-// Resolves references breadth first: each job reads one file, takes its content and schedules the
-// references nested in it, so that a reference of the drawing itself gets its name before a nested
-// one can. Every change goes through the journal, which reverts all of them if memory runs out.
-//
-// Different readers may mean different drawings by one name; `Namesakes` maps names, numbered where
-// necessary, to files and base points, so that the same reference is found again by every reader
-// and by the next run.
+// Resolves references breadth first: each job reads one file, adopts its content and schedules the
+// references nested in it, so that references of the drawing itself get their names before nested
+// ones. Every change is recorded in the journal, which reverts all of them if memory runs out.
+// Different files may use one name for different drawings; `Namesakes` maps names, numbered where
+// necessary, to files and base points, so that every file and the next run find the same reference
+// again.
 #include <algorithm>
 #include <deque>
 #include <map>
@@ -42,13 +41,13 @@ using vek0::detail::FileGraph;
 using vek0::detail::kDependent;
 using vek0::detail::XRefContent;
 
-constexpr int kReadings = 3;  // of a file that is being written
+constexpr int kReadings = 3;  // attempts to read a file that is being written
 
 // A drawing can expand to many times its size: by names that repeatedly lead to one file, and by
 // files with many hatches.
 constexpr long kMostRepeated = 4000000;  // entities of files that were read before
-// As shares of what one hatch of the drawing may have: the hatches of all files, each of which is
-// limited itself, and those of files that were read before.
+// As shares of the limit for one hatch of the drawing: the hatches of all files together, and those
+// of files that were read before. Each file has its own limit besides.
 constexpr double kHatchShares = 5, kRepeatedHatchShares = 0.3;
 
 long countEntities(const CData& drawing) {
@@ -71,13 +70,14 @@ class Resolving {
  public:
   Resolving(CData& data, IXRefResolver& resolver, const CXRefOptions& options)
       : m_data(data), m_resolver(resolver), m_options(options) {
+    // A reference shows model space only.
     m_options.reading.policy.paperSpace = false;
   }
 
   void resolveAll() {
     const std::vector<CBlockXRef*> xrefs = listed();
-    // References that the drawing itself shows get their names first; the rest is shown by nothing,
-    // unless by one of these.
+    // References that the drawing itself inserts get their names first; the others are shown by
+    // nothing, unless by one of these.
     for (CBlockXRef* xref : xrefs)
       if (xref->getEntities() > 0) schedule(*xref);
     run();
@@ -90,6 +90,7 @@ class Resolving {
   void resolveOne(CBlockXRef& one) {
     const std::unordered_set<const CBlockXRef*> anew = shownBy(one);
     for (CBlockXRef* xref : listed())
+      // References that stay take part in the search for circles, and keep their items.
       if (anew.count(xref) == 0) noteStaying(*xref);
     schedule(one);
     run();
@@ -119,7 +120,7 @@ class Resolving {
     if (!xref.getNested().empty()) vek0::detail::noteItems(xref, m_present);
   }
 
-  // The reference and all that it shows.
+  // The reference and everything that it shows.
   static std::unordered_set<const CBlockXRef*> shownBy(const CBlockXRef& xref) {
     std::unordered_set<const CBlockXRef*> shown{&xref};
     std::vector<const CBlockXRef*> open{&xref};
@@ -143,6 +144,7 @@ class Resolving {
   void schedule(CBlockXRef& xref) { schedule(xref, find(xref.getPath(), m_options.drawing)); }
 
   void schedule(CBlockXRef& xref, Place place) {
+    // Each reference is read once, however many drawings show it.
     if (m_files.emplace(&xref, place.file).second) m_jobs.push_back({&xref, std::move(place)});
   }
 
@@ -152,6 +154,7 @@ class Resolving {
       m_journal.keep(*job.xref);
       job.xref->setFile(job.place.file);
       if (const Fault fault = resolve(job)) note(*fault, *job.xref, {});
+      // A reference that cannot be read shows nothing, rather than outdated content.
       if (job.xref->getStatus() != Status::loaded) m_journal.setContent(*job.xref, {{}, {}});
     }
   }
@@ -159,6 +162,7 @@ class Resolving {
   // Sets the status.
   Fault resolve(const Job& job) {
     CBlockXRef& xref = *job.xref;
+    // The default for all failures but the ones below.
     if (job.place.found != Found::Yes) xref.setStatus(Status::refused);
     switch (job.place.found) {
       case Found::Missing:
@@ -171,6 +175,7 @@ class Resolving {
       case Found::Yes:
         break;
     }
+    // The drawing would contain itself.
     if (job.place.file == m_options.drawing) {
       xref.setStatus(Status::refused);
       return ReportCode::ReferenceCircular;
@@ -185,6 +190,7 @@ class Resolving {
     const auto known = m_sizes.find(file);
     if (known == m_sizes.end()) return false;
     if (known->second > m_repeatsLeft) return true;
+    // Charged in advance: the entities are known from the first reading.
     m_repeatsLeft -= known->second;
     return false;
   }
@@ -196,6 +202,7 @@ class Resolving {
   // No fault if canceled, which changes nothing.
   Fault read(const Job& job) {
     for (int reading = 0; reading < kReadings; ++reading) {
+      // The state is taken before opening, so that a change during reading is noticed.
       const zim::WString state = m_resolver.getState(job.place.file);
       const CDataPtr drawing(CDataFactory().createData());
       const std::unique_ptr<IFile> file = m_resolver.open(job.place.file);
@@ -208,6 +215,7 @@ class Resolving {
       CFileDXFIError error;
       const CFileDXFIResult result = loadDXF(*drawing, *file, &error, m_options.reading);
       if (error.GetErrorType() == CFileDXFIError::GeneralError) throw std::bad_alloc();
+      // The file changed while it was read, so it may be inconsistent.
       if (m_resolver.getState(job.place.file) != state) continue;
       if (m_options.onRead) m_options.onRead(*job.xref, result, report);
       m_isCancelled = result.status == CFileDXFIResult::Cancelled;
@@ -234,6 +242,7 @@ class Resolving {
 
   bool isShown(const CBlockXRef& nested, const Job& job) {
     if (nested.getEntities() <= 0) return false;
+    // Overlays are shown in the drawing that attaches them, but not further up.
     if (nested.isOverlay()) note(ReportCode::ReferenceOverlaid, nested, job.xref->getName());
     return !nested.isOverlay();
   }
@@ -244,6 +253,7 @@ class Resolving {
     Place place = find(nested.getPath(), job.place.file);
     Fault fault;
     if (place.found == Found::Yes)
+      // The graph also contains references that other drawings state.
       fault = place.file == m_options.drawing ? ReportCode::ReferenceCircular
                                               : m_graph.add(job.place.file, place.file);
     if (fault) {
@@ -255,8 +265,9 @@ class Resolving {
     return &xref;
   }
 
-  // References with the same name, or that name and a number where several drawings mean different
-  // ones. Those resolved in this run are found by their key; the rest is searched linearly.
+  // References with the same name, followed by a number where several drawings use the name for
+  // different files. Those resolved in this run are found by their key; the others are searched
+  // linearly.
   struct Namesakes {
     using Key = std::tuple<zim::WString, double, double, double>;  // file or path, base point
     std::vector<CBlockXRef*> all;  // by number; null where a block has the name
@@ -264,8 +275,8 @@ class Resolving {
     std::map<Key, std::size_t> byFile, byPath;  // of those resolved, by path if no file was found
   };
 
-  // The reference of that file that has the name, or the name with a number if another
-  // file has it.
+  // The reference to that file with this name, or with the name and a number if another file has
+  // the name.
   CBlockXRef& named(const CBlockXRef& nested, const Place& place, const Job& job) {
     Namesakes& namesakes = m_namesakes[nested.getName()];
     const zim::WString name = firstFree(namesakes, nested.getName());
@@ -285,6 +296,7 @@ class Resolving {
       const zim::WString name =
           n == 0 ? base : base + u"$" + zim::WString::fromUtf8(std::to_string(n));
       CBlockXRef* xref = m_data.getBlockXRefTable().get(name);
+      // A block with the name makes it unavailable, too.
       if (xref == nullptr && m_data.getBlockTable().get(name) == nullptr) return name;
       if (xref != nullptr) namesakes.unmet.emplace(n, xref);
       namesakes.all.push_back(xref);
@@ -296,11 +308,13 @@ class Resolving {
                         const Job& job) {
     const std::size_t met = std::min(numberIn(namesakes.byFile, place.file, nested),
                                      numberIn(namesakes.byPath, nested.getPath(), nested));
+    // Earlier numbers win over the one found by key, so that results do not depend on the order.
     for (auto it = namesakes.unmet.begin(); it != namesakes.unmet.end() && it->first < met;) {
       const auto [number, xref] = *it;
       if (isFor(*xref, nested, place, job)) return xref;
       ++it;
       if (!isKnown(*xref)) continue;
+      // Resolved meanwhile: from now on it is found by its key.
       meet(namesakes, number, *xref);
       namesakes.unmet.erase(number);
     }
@@ -333,8 +347,10 @@ class Resolving {
     const bool isTaken = known != m_files.end() || xref.getEntities() > 0;
     if (xref.getPnt() == nested.getPnt()) {
       if (!file.empty() && file == place.file) return true;
+      // While no file is known, the same path means the same reference.
       if (xref.getPath() == nested.getPath() && (!isTaken || file.empty())) return true;
     }
+    // A reference that only this file used can be reassigned to the new path.
     if (isTaken || !isFree(xref, *job.xref)) return false;
     m_journal.keep(xref);
     m_data.getBlockFactory().initXRef(xref, nested.getPath(), nested.getPnt(), xref.getFlags());
@@ -362,6 +378,7 @@ class Resolving {
     m_journal.done();  // nothing below needs memory
     for (CBlockXRef* xref : m_read)
       if (!m_isCancelled) vek0::detail::retireOthers(m_data, *xref, m_present);
+    // Extents of blocks and inserts depend on the content that was exchanged.
     const CBlockXRefTable& xrefs = m_data.getBlockXRefTable();
     for (int i = 0; i < xrefs.size(); ++i) {
       for (const auto& block : xrefs[i]->getBlocks()) block->invalidateBdry();

@@ -1,6 +1,6 @@
-// Brings the content of another drawing into a reference. Items of the reference that have the same
-// name are updated in place, since entities of the drawing may be on them; others are added. The
-// entities are copied with their items mapped, blocks before those that insert them.
+// Copies the content of another drawing into a reference. Items of the reference with the same name
+// are updated in place, because entities of the drawing may use them; others are added. Entities
+// are copied with their items mapped, and blocks before the blocks that insert them.
 #include "xref/xrefcontent.h"
 
 #include "entities/blocks/collectblocks.h"
@@ -63,6 +63,7 @@ XRefContent::XRefContent(CData& data, CBlockXRef& xref, const CData& src, Items&
 }
 
 void XRefContent::adoptFixed() {
+  // Fixed items correspond to those of the drawing.
   const CLtypeTable& ltypes = m_src.getLtypeTable();
   m_map.add<CLtype>(ltypes.getLtypeContinuous(), &m_data.getLtypeContinuous());
   m_map.add<CLtype>(ltypes.getLtypeByLayer(), &m_data.getLtypeByLayer());
@@ -100,6 +101,7 @@ void XRefContent::adoptItem(const CLtype& from, CBlockXRef& to, const zim::WStri
         to.getLtypeTable(),
         m_data.getLtypeFactory().createXRef(to, name, from.getDesc(), cloneDashes(from, m_map),
                                             from.getFlags()));
+    // Items of a nested reference are defined by its own file.
   } else if (&to == &m_xref) {
     m_journal.define(*ltype, from.getDesc(), cloneDashes(from, m_map));
   }
@@ -120,6 +122,7 @@ void XRefContent::adoptItem(const CLayer& from, CBlockXRef& to, const zim::WStri
   } else {
     m_journal.keep(*layer);
   }
+  // Only the file that defines the layer decides on its properties.
   if (layer->isXRef() && (&to == &m_xref || isNew)) static_cast<CLayerXRef*>(layer)->follow(look);
   m_map.add(&from, layer);
   m_present.insert(layer);
@@ -147,6 +150,7 @@ void XRefContent::adoptItems(const Table& (CData::*own)() const,
 }
 
 void XRefContent::adopt() {
+  // Linetypes first, because layers name them.
   adoptItems<CLtypeTable>(&CData::getLtypeTable, &CBlockXRef::getLtypeTable);
   adoptItems<CLayerTable>(&CData::getLayerTable, &CBlockXRef::getLayerTable);
   fill();
@@ -168,6 +172,7 @@ void XRefContent::fill() {
     CBlock& block = *blocks.back();
     m_map.add(from, &block);
     for (unsigned i = 0; i < from->size(); ++i)
+      // Inserts of skipped references have no counterpart.
       if (isShown(*(*from)[i])) restoreTo(block, cloneOnto(m_data, m_map, *(*from)[i]));
   }
   std::vector<std::unique_ptr<CEnt>> entities;

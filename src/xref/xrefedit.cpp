@@ -31,6 +31,7 @@ auto namedAfter(const CData& data, const Table& table, const XRefs& xrefs) {
 std::vector<CEnt*> insertsOf(CData& data, const XRefs& xrefs) {
   std::unordered_set<const CBlock*> inserted;
   for (const CBlockXRef* xref : xrefs)
+    // Nothing is inserted, so the search through the drawing is unnecessary.
     if (xref->getEntities() > 0) inserted.insert(xref);
   std::vector<CEnt*> inserts;
   if (inserted.empty()) return inserts;
@@ -47,9 +48,11 @@ XRefs shownOnlyBy(const XRefs& xrefs) {
   std::unordered_map<const CBlockXRef*, long> passed;  // of the references that show it
   XRefs going;
   for (CBlockXRef* xref : xrefs)
+    // Shown by nothing else, so it disappears with its inserts.
     if (asked.insert(xref).second && xref->getShows() == 0) going.push_back(xref);
   for (std::size_t i = 0; i < going.size(); ++i)
     for (CBlockXRef* nested : going[i]->getNested())
+      // The last reference that showed it is going as well.
       if (++passed[nested] == nested->getShows() &&
           (asked.count(nested) != 0 || nested->getEntities() <= 0))
         going.push_back(nested);
@@ -70,6 +73,7 @@ bool leaveLtypes(CData& data, CUndoStack& undo, const XRefs& going,
   const auto isTheirs = [&owners](const auto& item) { return owners.count(&item.getXRef()) != 0; };
   for (CData::CLayerIterator layer(data, true); *layer != nullptr; ++layer) {
     CLtype* ltype = (*layer)->getLtype();
+    // Only layers of the remaining references matter; those of the drawing are remapped elsewhere.
     if (!(*layer)->isXRef() || isTheirs(static_cast<const CLayerXRef&>(**layer))) continue;
     if (ltype == nullptr || !ltype->isXRef() || !isTheirs(static_cast<const CLtypeXRef&>(*ltype)))
       continue;
@@ -80,6 +84,7 @@ bool leaveLtypes(CData& data, CUndoStack& undo, const XRefs& going,
 }
 
 bool removeXRefs(CData& data, CUndoStack& undo, const XRefs& going) {
+  // By name, because styles and blocks of references are listed in the drawing's tables.
   for (CStyle* style : namedAfter(data, data.getStyleTable(), going))
     if (!isUsed(data, *style) && !undo.remove(style)) return false;
   for (CBlock* block : namedAfter(data, data.getBlockTable(), going))

@@ -1,7 +1,7 @@
 // Finds the files of references in folders that the host allows. Paths come from other platforms
-// and may differ in letter case, so a file that is not found as written is looked up in the listing
+// and may differ in letter case, so a file that is not found as written is searched in the listing
 // of its folder. Listings are cached until their folder changes. Symbolic links are resolved before
-// a path is compared with the allowed folders, or a link could lead out of them.
+// a path is compared with the allowed folders, as a link could lead outside.
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
@@ -48,6 +48,7 @@ bool hasText(const fs::path& path) { return pathOf(textOf(path)) == path; }
 bool canBePath(const zim::WString& text) {
   return !text.empty() && text.Length() <= kMaxPath &&
          text.view().find(zim::Char{0}) == std::u16string_view::npos &&
+         // Text that does not survive the conversion to bytes would name a different file.
          fileNameFromBytes(fileNameToBytes(text)) == text;
 }
 
@@ -58,6 +59,7 @@ fs::path platformPath(const zim::WString& path) {
   std::string text = fileNameToBytes(path);
   std::replace(text.begin(), text.end(), '\\', '/');
   static const bool hasDrives = fs::path("C:").has_root_name();
+  // Drive letters mean nothing here; the rest of the path may still match.
   if (!hasDrives && text.size() > 1 && text[1] == ':' && isDriveLetter(text[0])) text.erase(0, 2);
   return pathOf(fileNameFromBytes(text)).lexically_normal();
 }
@@ -66,6 +68,7 @@ fs::path platformPath(const zim::WString& path) {
 std::vector<fs::path> spellingsOf(const fs::path& path) {
   fs::path asDxf = path;
   asDxf.replace_extension(".dxf");
+  // References often name another format whose DXF version is beside it.
   if (textOf(path.extension()).EqualsIgnoreCase(u".dwg")) return {asDxf, path};
   if (path.has_extension() || !path.has_filename() || path.filename() == "..") return {path};
   return {path, asDxf};
@@ -90,9 +93,9 @@ struct CXRefFolders::Folders {
   // The names in a folder. Of names that differ only in case, the first in code unit order is used,
   // whatever the order in which the platform lists them.
   struct Listing {
-    std::unordered_map<std::u16string, fs::path> names;  // by the folded one
+    std::unordered_map<std::u16string, fs::path> names;  // by folded name
     fs::file_time_type changed;
-    bool isLasting = false;  // as long as the folder has not changed
+    bool isLasting = false;  // until the folder changes
 
     void read(const fs::path& folder) {
       names.clear();
@@ -107,7 +110,7 @@ struct CXRefFolders::Folders {
     }
   };
 
-  std::vector<fs::path> searched, allowed;  // links resolved; what is searched is allowed too
+  std::vector<fs::path> searched, allowed;  // links resolved; searched folders are allowed, too
   std::unordered_map<std::u16string, Listing> listings;
 
   bool isAllowed(const fs::path& path) const {
@@ -138,19 +141,21 @@ struct CXRefFolders::Folders {
   fs::path alikeIn(const fs::path& folder, const fs::path& name) {
     std::error_code failure;
     const fs::path real = fs::canonical(folder, failure);
+    // Listing a folder outside the allowed ones would reveal its content.
     if (failure || !isAllowed(real)) return {};
     const Listing& listing = list(real);
     const auto at = listing.names.find(folded(textOf(name)));
     return at == listing.names.end() ? fs::path() : at->second;
   }
 
-  // Follows the path component by component, so that a wrong one costs no more than those before
-  // it. Empty if there is nothing.
+  // Follows the path component by component, so that a wrong component costs no more than those
+  // before it. Empty if a component does not exist.
   fs::path follow(const fs::path& path) {
     fs::path there = path.root_path();
     std::error_code failure;
     for (fs::path part : path.relative_path()) {
       if (part.empty()) continue;  // after a trailing slash
+      // Existence of the link itself counts; its target is checked at the end.
       if (!fs::exists(fs::symlink_status(there / part, failure))) part = alikeIn(there, part);
       if (part.empty()) return part;
       there /= part;
@@ -177,6 +182,7 @@ struct CXRefFolders::Folders {
     const Found found = look((folder / path).lexically_normal(), file);
     if (found == Found::Yes || !path.has_filename() || path == path.filename()) return found;
     const Found byName = look(folder / path.filename(), file);
+    // If both fail, the more informative reason is reported.
     return byName == Found::Yes ? byName : std::max(found, byName);
   }
 };

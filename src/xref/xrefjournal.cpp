@@ -1,6 +1,6 @@
 // Every change of a resolve is recorded with a function that reverts it, before it is made. The
-// destructor runs those that are left, last to first; a resolve that succeeds clears them. Each
-// holds the state that it restores.
+// destructor runs the recorded functions, last to first; a successful resolve clears them first.
+// Each function holds the state that it restores.
 #include "xref/xrefjournal.h"
 
 #include <optional>
@@ -87,6 +87,7 @@ void XRefJournal::setContent(CBlockXRef& xref, CBlockXRef::Content content) {
 
 void XRefJournal::reinstate(CBlockXRef& xref) {
   auto items = std::make_shared<Reinstated>();
+  // Recorded before the first item returns, so that a failure halfway is reverted, too.
   m_changes.emplace_back([&xref, items] { retireAgain(xref, *items); });
   xref.reinstate([&](auto& item) {
     items->note(item);

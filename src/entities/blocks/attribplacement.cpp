@@ -14,6 +14,7 @@ using vek0::detail::oneTurn;
 using vek0::detail::TextFrame;
 
 // A scale that cannot be inverted counts as 1.
+// 1 / NaN, 1 / 0 and 1 / subnormal are not finite.
 double nonZero(double scale) { return std::isfinite(1 / scale) ? scale : 1; }
 
 // The insert parameters for the placement, with invertible scales.
@@ -60,6 +61,7 @@ void transform_attrib_phisic_2_logic(double pixelSize, const CEntInsertBase& ins
   if (at.matrix.invert(text, position)) text.set(position.x, position.y, position.z);
   CTextContext context = text.getContext();
   TextFrame f(context);
+  // Rotated back before the inverse scales, the reverse of the order in which they were applied.
   f.rotation -= at.rotation;
   stretch(f, 1 / at.sx, 1 / at.sy);
   f.rotation = oneTurn(f.rotation);
@@ -69,6 +71,7 @@ void transform_attrib_phisic_2_logic(double pixelSize, const CEntInsertBase& ins
 
 void placeAttrib(const CEntInsertBase& insert, const TEXT_3D& text, CEntAttrib& attrib) {
   const CTextContext& c = text.getContext();
+  // The original is stored besides the computed placement, so that saving reproduces it exactly.
   attrib.setReadPlace(std::make_shared<const ATTRIB_PLACE>(
       ATTRIB_PLACE{text, c.getHeight(), c.getWidthScale(), c.getRotate(), c.getOblique()}));
   TEXT_3D inBlock(text);
@@ -81,6 +84,7 @@ const ATTRIB_PLACE* rememberedPlace(const CEntInsertBase& insert, const CEntAttr
   const ATTRIB_PLACE* place = attrib.getReadPlace();
   if (place == nullptr) return nullptr;
   TEXT_3D text(attrib.getText());
+  // Maps the remembered placement again and compares: equal only if nothing was changed.
   text.set(place->position.x, place->position.y, place->position.z);
   CTextContext context = text.getContext();
   context.setHeight(place->height);

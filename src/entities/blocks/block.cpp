@@ -1,7 +1,8 @@
 // A block owns its entities in an array with holes. Removing an entity leaves a hole, so that the
-// others keep their positions and none must be searched for; holes are reused when an entity is put
-// back, and closed when they are more than half. Extents are computed when asked for. A change
-// marks the block and all blocks that show it as stale, which stops at blocks whose extents nobody
+// others keep their positions. Restored entities reuse holes, and holes are closed when they exceed
+// half of the array. Extents are computed on request. A change marks the block and all blocks that
+// show it as stale, and stops at blocks whose extents were not requested since they were last
+// marked.
 // has asked for since they were marked.
 #include "vek0core/entities/blocks/block.h"
 
@@ -34,9 +35,9 @@ std::uint64_t CBlock::nextSerial() {
   return ++last;
 }
 
-// Brings extents up to date, those of inserted blocks first. A recursion would go as
-// deep as blocks are nested, which a file decides; a stack of its own would need memory, so
-// the blocks themselves are the stack.
+// Brings extents up to date, those of inserted blocks first. Recursion would go as deep as blocks
+// are nested, which a file decides, and a separate stack would need memory, so the blocks
+// themselves form the stack.
 class CBlock::BdryWalk {
  public:
   ~BdryWalk() {
@@ -57,6 +58,8 @@ class CBlock::BdryWalk {
 
  private:
   void enter(CBlock& block) {
+    // Content that is only appended extends the extents, so the entities already included are
+    // skipped.
     block.m_bdryNext = block.m_bdryStale ? 0 : block.m_noBoxed;
     block.m_bdryFrom = m_top;
     block.m_bdryBusy = true;
@@ -74,6 +77,7 @@ class CBlock::BdryWalk {
       const CEnt* ent = entities[block.m_bdryNext++];
       const CEntInsertBase* insert = ent != nullptr ? ent->getEntInsert() : nullptr;
       CBlock* inner = insert != nullptr ? insert->getBlock() : nullptr;
+      // A busy block is on the stack already, so this insert closes a circle.
       if (inner != nullptr && inner->isBdryStale() && !inner->m_bdryBusy) return inner;
     }
     return nullptr;
@@ -90,6 +94,7 @@ CBlock::CBlock(const zim::WString& name, const PNT_3D& base, long flags)
 }
 
 CBlock::CBlock(const CBlock& src) : CBlock(src.getName(), src.m_base, src.getFlags()) {
+  // Copies have no entities, hence no attribute definitions either.
   SetUserInfo(src.m_userType, src.m_userData);
   CNamedItem::setFlags(kHasAttdefs, false);
 }
@@ -105,6 +110,7 @@ CBlock& CBlock::operator=(const CBlock& src) {
 }
 
 CBlock::~CBlock() {
+  // The graph's items of other blocks refer to this one.
   if (m_item != nullptr) m_item->graph->forget(*this);
   for (const CEnt* ent : m_entities) delete ent;
 }
@@ -112,6 +118,7 @@ CBlock::~CBlock() {
 void CBlock::add(CEnt* ent) {
   if (ent == nullptr || ent->isHeld()) return;
   makeRoom(1);
+  // The entity is given in drawing coordinates; blocks store entities relative to their base point.
   if (m_base != PNT_3D(0, 0, 0)) {
     CEntMoveVisitor mover(-m_base);
     ent->accept(mover);
@@ -125,10 +132,12 @@ void CBlock::restore(CEnt* ent) {
 
 void CBlock::makeRoom(std::size_t more) {
   const std::size_t needed = m_entities.size() + more;
+  // Doubles like the vector would, but before anything changes, as only this can fail.
   if (needed > m_entities.capacity()) m_entities.reserve(std::max(needed, 2 * m_entities.size()));
 }
 
 void CBlock::append(CEnt* ent) {
+  // Closing the holes costs a pass, which the removals that made them have paid for.
   if (m_noHoles > m_entities.size() / 2) compact();
   m_entities.push_back(ent);
   ++m_edition;
@@ -147,6 +156,7 @@ void CBlock::own(CEnt& ent, std::size_t pos) {
 
 CBlock::Place CBlock::getPlace(const CEnt& ent) const {
   std::size_t next = firstRaw(ent.m_pos + 1);
+  // A long run of holes would make a sequence of calls quadratic.
   if (next > ent.m_pos + kLongRun) {
     compact();
     next = ent.m_pos + 1;
@@ -156,6 +166,7 @@ CBlock::Place CBlock::getPlace(const CEnt& ent) const {
 
 void CBlock::restore(CEnt* ent, const Place& place) {
   if (ent == nullptr || ent->isHeld()) return;
+  // The old successor may have been removed or moved to another block meanwhile.
   const bool isNextHere = place.next != nullptr && place.next->m_owner == &m_asOwner;
   const std::size_t at = isNextHere ? place.next->m_pos : m_entities.size();
   const std::size_t before = m_entities.size();
@@ -165,6 +176,7 @@ void CBlock::restore(CEnt* ent, const Place& place) {
     isMoved = true;
   };
   const std::size_t slot = vek0::detail::holeBefore(m_entities, at, m_noHoles, moved);
+  // Ranks count positions, which have shifted.
   if (isMoved || m_entities.size() != before) m_ranks.reset();
   m_entities[slot] = ent;
   --m_noHoles;
@@ -191,6 +203,7 @@ bool CBlock::isXRef() const { return false; }
 void CBlock::calcBdry() {
   invalidateBdry();
   refreshBdry();
+  // Attribute definitions are not shown by inserts, so only an explicit request includes them.
   for (const CEnt* ent : m_entities)
     if (ent != nullptr && isAttdef(*ent)) m_bdry.updateRegion(ent->getBdry());
 }
@@ -229,6 +242,7 @@ void CBlock::disposeEntities() {
 }
 
 const RECT_3D& CBlock::getBdry() const {
+  // From now on, changes must be reported to the blocks that show this one.
   m_bdryAsked = true;
   if (isBdryStale() && !m_bdryBusy) refreshBdry();
   return m_bdry;
@@ -247,6 +261,7 @@ void CBlock::insertBlock(IHandleGestor& gestor) const {
     for (; ent != m_entities.rend(); ++ent)
       if (*ent != nullptr) (*ent)->addTbls(gestor);
   } catch (const std::bad_alloc&) {
+    // This undoes exactly what the loop above has registered.
     for (auto done = m_entities.rbegin(); done != ent; ++done)
       if (*done != nullptr) (*done)->removeTbls(gestor);
     throw;
@@ -275,6 +290,7 @@ void CBlock::exchange(CBlockMemento& memento) {
 }
 
 void CBlock::swapEntities(std::vector<CEnt*>& entities) {
+  // Mementos hold entities without holes.
   compact();
   m_ranks.reset();
   m_noLookups = m_noAttdefs = 0;
@@ -301,6 +317,7 @@ void CBlock::setMemento(const CBlockMemento& memento) {
 
 bool CBlock::operator==(const CBlockMemento& memento) const {
   if (m_base != memento.m_base || getFlags() != memento.m_flags) return false;
+  // A memento's list has no holes.
   compact();
   return m_entities == memento.m_entities;
 }
@@ -329,6 +346,7 @@ void CBlock::compact() const {
   for (std::size_t raw = 0; raw < m_entities.size(); ++raw) {
     CEnt* ent = m_entities[raw];
     if (ent == nullptr) continue;
+    // `m_noBoxed` must keep separating the entities that the extents include from later ones.
     if (raw < m_noBoxed) ++boxed;
     ent->m_pos = kept;
     m_entities[kept++] = ent;
@@ -363,8 +381,10 @@ void CBlock::growBdry() {
 // the computation that it invalidates. The same applies to indirect users.
 void CBlock::tellUsers() {
   if (m_item == nullptr || !std::exchange(m_bdryAsked, false)) return;
+  // Edges may be missing after a lack of memory, so every block is told.
   if (m_item->graph->isOutdated()) return m_item->graph->tellAll();
   BlockGraphItem* told = m_item;
+  // The list of blocks to tell is linked through their items and needs no memory.
   told->nextTold = nullptr;
   while (told != nullptr) {
     const BlockGraphItem* item = std::exchange(told, told->nextTold);
@@ -376,8 +396,8 @@ void CBlock::tellUsers() {
   }
 }
 
-// Something that the block shows has other extents; answers whether its own users have to be
-// told.
+// Marks the extents as stale because something that the block shows has changed; returns whether
+// its own users must be told.
 bool CBlock::hearOfChange() {
   if (m_bdryStale) return false;
   ++m_edition;
@@ -462,6 +482,7 @@ CBlockMemento::CBlockMemento(const PNT_3D& base, long flags, const std::list<CEn
 CBlockMemento::~CBlockMemento() = default;
 
 void CBlockMemento::destroyEntity() {
+  // Entities that are part of a block or the drawing again are not this memento's to delete.
   std::erase_if(m_entities, [](const CEnt* ent) { return ent->isHeld(); });
   for (const CEnt* ent : m_entities) delete ent;
   m_entities.clear();

@@ -1,12 +1,11 @@
-// The graph of which block inserts which. Every block that the graph has met has an item, present
-// or absent: an insert may refer to a block that is out of the table, and finds its edge when that
+// The graph of which block inserts which. Every block that the graph has encountered has an item,
+// present or absent: an insert may refer to a block outside the table, and finds its edge when that
 // block returns. Edges are in two linked lists, that of their user and that of their target, so
-// that both directions are walked without a search.
-//
-// Edges follow the content of blocks lazily: where memory runs out, the item is marked as outdated
-// and refreshed by the next question. `BlockOrder` keeps a topological order, in which a cycle is
-// found by searching only between the two blocks concerned. It is given up while a host has created
-// a cycle by `doSubstitute`, and every question searches the graph instead.
+// that both directions are walked without a search. Edges follow the content of blocks lazily: if
+// memory runs out, the item is marked as outdated and refreshed by the next query. `BlockOrder`
+// maintains a topological order, in which finding a cycle requires a search between the two blocks
+// only. The order is abandoned while there is a cycle that a host created by `doSubstitute`, and
+// queries search the graph instead.
 #include "vek0core/entities/blocks/blockgraph.h"
 
 #include <algorithm>
@@ -42,6 +41,7 @@ int visitStep(std::vector<Entered>& stack, IBlockOperation& op) {
     item.mark = Mark::done;
     return result;
   }
+  // The target is null if the block was deleted while still inserted.
   Item* target = std::exchange(top.edge, top.edge->nextOfUser)->target;
   if (target == nullptr || target->mark == Mark::done) return ZORA_BLOCK_VISIT_RESULT_SUCCESS;
   if (target->mark == Mark::entered) return ZORA_BLOCK_VISIT_RESULT_CYCLE;
@@ -70,10 +70,12 @@ void CBlockGraph::reserve(CBlock& block) {
 }
 
 void CBlockGraph::addBlock(CBlock& block, const CBlock* next) {
+  // Already in the graph: adding twice must not change the order of writing.
   if (block.m_item != nullptr && block.m_item->isPresent) return;
   Item* item = need(&block);
   if (item == nullptr) return;
   const Item* after = next != nullptr ? find(*next) : nullptr;
+  // `next` restores the previous place after undo; otherwise the block comes last.
   m_items.splice(after != nullptr ? after->place : m_items.end(), m_absent, item->place);
   item->isPresent = true;
   updateBlock(block);
@@ -96,6 +98,7 @@ void CBlockGraph::dropBlock(CBlock& block) {
   if (item == nullptr) return;
   replaceEdges(*item, {});
   m_absent.splice(m_absent.end(), m_items, item->place);
+  // Marked as done, so that visits skip it while it is absent.
   item->isPresent = item->isOutdated = false;
   item->mark = Mark::done;
 }
@@ -125,12 +128,14 @@ void CBlockGraph::updateBlock(CBlock& block) {
     refresh(*item);
   } catch (const std::bad_alloc&) {
     item->isOutdated = m_isOutdated = true;  // until somebody asks for edges
+    // As `replaceEdges` would have done.
     block.invalidateBdry();
   }
 }
 
 void CBlockGraph::refresh(Item& item) const {
   std::vector<Item*> targets = insertedItems(*item.block);
+  // A file may contain circles: only the inserts that close one are left out of the graph.
   if (!makeWay(item, targets)) {
     std::erase_if(targets, [&](Item* target) { return isCircle(item, {target}); });
     makeWay(item, targets);
@@ -157,6 +162,7 @@ int CBlockGraph::VisitUndep(IBlockOperation& op) const {
 
 int CBlockGraph::visitUndep(IBlockOperation& op) const {
   for (const auto& item : m_items) item->mark = Mark::open;
+  // An explicit stack, because blocks can be nested arbitrarily deep.
   std::vector<Entered> stack;
   for (const auto& item : m_items) {
     if (item->mark != Mark::open) continue;
@@ -171,6 +177,7 @@ int CBlockGraph::visitUndep(IBlockOperation& op) const {
 }
 
 int CBlockGraph::VisitDep(IBlockOperation& op) const {
+  // The reverse of the order in which inserted blocks come first.
   vek0::detail::CollectBlocks collect;
   int result = VisitUndep(collect);
   for (auto block = collect.blocks.rbegin();
@@ -181,8 +188,10 @@ int CBlockGraph::VisitDep(IBlockOperation& op) const {
 
 bool CBlockGraph::canSubstitute(CBlock& block, const std::list<CBlock*>& deps) const {
   refresh();
+  // A block must not insert itself; references have no edges, so it does not matter there.
   if (std::find(deps.begin(), deps.end(), &block) != deps.end()) return block.isXRef();
   Item* item = block.m_item;
+  // Nothing in the graph leads to an unknown block, so it cannot close a cycle.
   if (item == nullptr || item->graph != this) return true;
   std::vector<Item*> targets;
   for (const CBlock* dep : deps)
@@ -195,6 +204,7 @@ void CBlockGraph::doSubstitute(CBlock& block, const std::list<CBlock*>& deps) {
   Item* item = find(block);
   if (item == nullptr) return;
   const std::vector<Item*> targets = itemsOf(deps);
+  // The host takes responsibility for the cycle; from now on queries search the graph.
   if (!makeWay(*item, targets)) m_isOrdered = false;
   replaceEdges(*item, targets);
 }
@@ -252,6 +262,7 @@ CBlockGraph::Item* CBlockGraph::find(const CBlock& block) const {
 CBlockGraph::Item* CBlockGraph::need(CBlock* block) const {
   if (block == nullptr) return nullptr;
   Item* item = block->m_item;
+  // The block was removed from another graph, which still has an absent item for it.
   if (item != nullptr && item->graph != this && !item->isPresent) {
     item->graph->forget(*block);
     item = nullptr;
@@ -262,6 +273,7 @@ CBlockGraph::Item* CBlockGraph::need(CBlock* block) const {
   item->block = block;
   item->graph = const_cast<CBlockGraph*>(this);
   item->place = std::prev(m_absent.end());
+  // A new item has no users, so it may come first.
   m_order->addFirst(*item);
   block->m_item = item;
   return item;
@@ -270,6 +282,7 @@ CBlockGraph::Item* CBlockGraph::need(CBlock* block) const {
 std::vector<CBlockGraph::Item*> CBlockGraph::insertedItems(const CBlock& block) const {
   ++m_collections;
   std::vector<Item*> items;
+  // External references are not part of the graph: their content is replaced as a whole.
   for (CBlock::CInsertIterator insert(block); *insert != nullptr && !block.isXRef(); ++insert)
     collect((*insert)->getBlock(), items);
   return items;
@@ -285,6 +298,7 @@ std::vector<CBlockGraph::Item*> CBlockGraph::itemsOf(const std::list<CBlock*>& b
 
 void CBlockGraph::collect(CBlock* block, std::vector<Item*>& items) const {
   Item* item = block != nullptr && !block->isXRef() ? need(block) : nullptr;
+  // Numbering the collections detects repetitions without a set.
   if (item == nullptr || item->collected == m_collections) return;
   item->collected = m_collections;
   items.push_back(item);
@@ -298,6 +312,7 @@ bool CBlockGraph::isCircle(Item& user, const std::vector<Item*>& targets) const 
 bool CBlockGraph::leadsTo(const std::vector<Item*>& from, const Item& to) const {
   ++m_collections;
   std::vector<Item*> found = from;
+  // Also counts as visited, so each item is expanded once.
   while (!found.empty()) {
     Item* item = found.back();
     found.pop_back();
@@ -335,6 +350,7 @@ void CBlockGraph::replaceEdges(Item& item, const std::vector<Item*>& targets) co
   }
   while (old != nullptr) cutEdge(*std::exchange(old, old->nextOfUser));
   if (!m_isOrdered) orderAll();
+  // Extents depend on the blocks inserted.
   item.block->invalidateBdry();
 }
 
@@ -342,6 +358,7 @@ void CBlockGraph::replaceEdges(Item& item, const std::vector<Item*>& targets) co
 void CBlockGraph::cutEdge(const Edge& edge) const {
   const std::unique_ptr<const Edge> owned(&edge);
   if (edge.target == nullptr) return;
+  // Hubs summarize paths that may have used the edge.
   m_order->forgetHubs();
   Edge* next = edge.nextToTarget;
   Edge* previous = edge.previousToTarget;

@@ -25,11 +25,11 @@ struct BlockGraphEdge {
 
 /// A block in its graph.
 ///
-/// A block that blocks of the graph insert, or that was in the graph and may come back, and that is
-/// not in the graph itself, has an item too: the edges to it are there when it comes, and it comes
-/// without memory being needed. It has no edges of its own, and visits pass it over. All data that
-/// a search uses is in the first 64 bytes: in large graphs, fetching them dominates the cost.
-/// Processors prefetch the other half.
+/// A block has an item even while it is outside the graph, if blocks of the graph insert it or if
+/// it was in the graph and may return: then the edges to it already exist, and its return needs no
+/// memory. Such an item has no edges of its own and is skipped by visits. All data that a search
+/// uses is in the first 64 bytes: in large graphs, fetching them dominates the cost. Processors
+/// prefetch the other half.
 struct alignas(128) BlockGraphItem {
   using Edge = BlockGraphEdge;
 

@@ -1,7 +1,7 @@
-// A topological order of blocks that is kept up to date edge by edge. A new edge that agrees with
-// the order costs nothing. Otherwise the blocks above its user and below its target are searched
-// from both ends, in the order of their labels, until the searches meet; these blocks alone are
-// moved. Labels are integers with gaps, which are redistributed locally where they run out.
+// A topological order of blocks, maintained edge by edge. A new edge that agrees with the order
+// costs nothing. Otherwise the blocks above its user and below its target are searched from both
+// ends, in the order of their labels, until the searches meet; only these blocks are moved. Labels
+// are integers with gaps, which are redistributed locally where they run out.
 #include "entities/blocks/blockorder.h"
 
 #include <algorithm>
@@ -11,7 +11,7 @@ namespace {
 
 using Item = BlockGraphItem;
 
-constexpr std::uint64_t kLabels = std::uint64_t{1} << 62;  // labels are below
+constexpr std::uint64_t kLabels = std::uint64_t{1} << 62;  // exclusive upper bound
 constexpr std::uint64_t kStep = std::uint64_t{1} << 40;    // spacing of labels at the ends
 
 bool isFirst(const Item* a, const Item* b) { return a->label < b->label; }
@@ -56,10 +56,12 @@ void BlockOrder::remove(Item& item) {
 void BlockOrder::insertAfter(Item& place, Item& item) {
   const auto labelBelow = [&] { return &place == &m_ends ? 0 : place.label; };
   const auto labelAbove = [&] { return place.after == &m_ends ? kLabels : place.after->label; };
+  // No free label between the neighbors.
   if (labelAbove() - labelBelow() < 2) relabel(&place == &m_ends ? *place.after : place);
   const std::uint64_t low = labelBelow(), high = labelAbove();
   const std::uint64_t half = (high - low) / 2;
   item.label = low + half;
+  // At either end, a fixed step leaves room for further insertions there.
   if (low != 0 && high == kLabels) item.label = low + std::min(half, kStep);
   if (low == 0 && high != kLabels) item.label = high - std::min(half, kStep);
   link(place, item);
@@ -101,10 +103,13 @@ bool BlockOrder::isCircle(Item& user, const std::vector<Item*>& targets) {
   m_up.clear();
   m_downLive.clear();
   m_upLive.clear();
+  // An edge from a block to itself is the shortest cycle.
   if (std::find(targets.begin(), targets.end(), &user) != targets.end()) return true;
   for (Item* target : targets) meetDown(*target, nullptr);
+  // All targets already come after the user.
   if (m_down.empty()) return false;
   if (meetUp(user, nullptr)) return true;
+  // Once the searches have passed each other, what remains on either side cannot meet.
   while (!m_downLive.empty() && !m_upLive.empty() &&
          m_downLive.front().label < m_upLive.front().label)
     if (stepDown() || stepUp()) return true;
@@ -139,8 +144,10 @@ bool BlockOrder::meetUp(Item& item, Item* from) {
 
 bool BlockOrder::stepDown() {
   const BlockGraphEdge& edge = follow(m_downLive, &BlockGraphEdge::nextOfUser, kLowest);
+  // The target was deleted.
   if (edge.target == nullptr) return false;
   if (!isMet(*edge.target, up)) return meetDown(*edge.target, edge.user);
+  // The searches have met, so this edge is part of a cycle; others are likely to pass through it.
   learnHub(*edge.user, *edge.target);
   return true;
 }
@@ -169,6 +176,7 @@ void BlockOrder::learn(Item* above, Item* below, std::uint64_t hubs) {
 
 void BlockOrder::connect(Item& user, Item& target) const {
   touchHubs(user);
+  // Information from before the last removal of an edge is void.
   touchHubs(target);
   user.hubsBelow |= target.hubsBelow;
   target.hubsAbove |= user.hubsAbove;
@@ -188,7 +196,9 @@ void BlockOrder::forgetHubs() {
 // Items reached from above move after the user, and those reached from below before it: to the
 // point where the two searches passed each other.
 void BlockOrder::settle() {
+  // The item that the downward search has reached.
   Item* const middle = m_downLive.empty() ? m_user : m_downLive.front().next->user;
+  // Items on the right side of the middle need not move.
   std::erase_if(m_down, [&](const Item* item) { return !isFirst(item, middle); });
   std::erase_if(m_up, [&](const Item* item) { return !isFirst(middle, item); });
   std::sort(m_down.begin(), m_down.end(), isFirst);
@@ -211,6 +221,7 @@ void BlockOrder::insertAllAfter(Item& place, const std::vector<Item*>& items) {
   std::uint64_t label = isFront ? high - step * (items.size() + 1) : low;
   Item* last = &place;
   for (Item* item : items) {
+    // No gap is left for all of them, so each makes its own room.
     if (step == 0) {
       insertAfter(*last, *item);
     } else {

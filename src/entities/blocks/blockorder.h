@@ -23,7 +23,7 @@ class BlockOrder {
   void addFirst(BlockGraphItem& item) { insertAfter(m_ends, item); }
   void addLast(BlockGraphItem& item) { insertAfter(*m_ends.before, item); }
   static void remove(BlockGraphItem& item);
-  void clear();  ///< of items that are gone
+  void clear();  ///< all items are gone
 
   /// Whether `user` is reachable from any of `targets`, itself included.
   ///

@@ -1,6 +1,6 @@
 // The table of blocks keeps the graph of blocks and the registration of entities up to date. Adding
 // a block reserves its place in the graph first and registers its entities last, so that a failure
-// on the way leaves nothing behind.
+// in between leaves nothing behind.
 #include "vek0core/entities/blocks/blocktable.h"
 
 #include "entities/blocks/collectblocks.h"
@@ -20,6 +20,7 @@ std::list<CBlock*> insertedBlocks(const std::list<CEnt*>& entities) {
   for (const CEnt* ent : entities) {
     const CEntInsertBase* insert = ent != nullptr ? ent->getEntInsert() : nullptr;
     CBlock* block = insert != nullptr ? insert->getBlock() : nullptr;
+    // References are not in the graph of blocks.
     if (block != nullptr && !block->isXRef()) blocks.push_back(block);
   }
   return blocks;
@@ -53,7 +54,7 @@ void CBlockTable::add(CBlock* block) {
   m_graph->addBlock(*block);
 }
 
-// The last that can run out of memory.
+// The last operation that can run out of memory, so only the table must be restored.
 void CBlockTable::registerBlock(CBlock& block) try {
   block.insertBlock(m_gestor);
 } catch (const std::bad_alloc&) {
@@ -95,8 +96,10 @@ bool CBlockTable::canRedefine(CBlock* block, const std::list<CEnt*>& newEntities
 int CBlockTable::Redefine(CBlock* block, const PNT_3D& base, long flags,
                           const std::list<CEnt*>& newEntities) {
   if (!canRedefine(block, newEntities)) return -1;
+  // The memento takes the new entities, and afterwards holds the old ones.
   CBlockMemento content(base, flags, newEntities);
   holds(block) ? exchange(block, content) : block->exchange(content);
+  // Applied in place: the entities were given in drawing coordinates.
   if (base == PNT_3D(0, 0, 0) || block->isXRef()) return 0;
   CEntMoveVisitor mover(-base);
   for (unsigned i = 0; i < block->size(); ++i) (*block)[i]->accept(mover);
@@ -110,11 +113,13 @@ void CBlockTable::setMemento(CBlock* block, const CBlockMemento& memento) {
 
 void CBlockTable::exchange(CBlock* block, CBlockMemento& memento) {
   if (!holds(block)) return;
+  // Registrations are counted by layers and linetypes, so those of the old content end first.
   block->removeBlock(m_gestor);
   block->exchange(memento);
   try {
     block->insertBlock(m_gestor);
   } catch (const std::bad_alloc&) {
+    // Exchanging back needs no memory, and neither does registering what was registered before.
     block->exchange(memento);
     block->insertBlock(m_gestor);
     throw;
@@ -138,6 +143,7 @@ void CBlockTable::clearAll() {
   // Table and graph release all blocks at once: looking up each block's name and edges took a
   // quarter of the time of closing a drawing with many blocks.
   std::vector<CNamedItem*> others = removeAll();
+  // Blocks that the order does not cover are deleted last.
   if (!ordered.empty())
     std::erase_if(others,
                   [&](CNamedItem* b) { return m_graph->contains(*static_cast<CBlock*>(b)); });

@@ -1,7 +1,7 @@
-// A reference is a block with tables of its own, for the layers, linetypes and styles of its file.
-// Items that the file no longer has are retired, not deleted: entities and undo steps may refer to
-// them, and they return if the drawing uses them again (`reinstate`). Content is swapped as a whole
-// and numbered, by which undo steps recognize that it is another one.
+// A reference is a block with its own tables for the layers, linetypes and styles of its file.
+// Items that the file no longer contains are retired, not deleted: entities and undo steps may
+// refer to them, and they return if the drawing uses them again (`reinstate`). Content is exchanged
+// as a whole and numbered, so that undo steps recognize that it was replaced.
 #include "vek0core/entities/blocks/blockxref.h"
 
 #include <new>
@@ -37,6 +37,7 @@ std::vector<CBlockXRef*> shownBy(const std::vector<std::unique_ptr<CEnt>>& entit
   std::vector<CBlockXRef*> nested;
   std::unordered_set<const CBlock*> seen;
   const auto note = [&](const CEnt& ent) {
+    // Once each, however often it is inserted.
     const CEntInsertBase* insert = ent.getEntInsert();
     CBlock* shown = insert != nullptr ? insert->getBlock() : nullptr;
     if (shown != nullptr && shown->isXRef() && seen.insert(shown).second)
@@ -65,6 +66,7 @@ void CBlockXRef::add(CEnt* ent) { restore(ent); }
 bool CBlockXRef::isXRef() const { return true; }
 
 const PNT_3D& CBlockXRef::getContentBase() const {
+  // A base point given in the drawing overrides that of the file.
   return getPnt() != PNT_3D(0, 0, 0) ? getPnt() : m_ownBase;
 }
 
@@ -85,9 +87,11 @@ void CBlockXRef::setContent(std::vector<std::unique_ptr<CEnt>> entities, Blocks 
 }
 
 void CBlockXRef::exchange(Content& content) {
+  // Only references in the drawing count what they show.
   if (isHeld()) countNested(-1);
   m_nested.swap(content.m_nested);
   if (isHeld()) countNested(1);
+  // Each content gets a number once, which it keeps when it is exchanged back.
   if (content.m_number == 0) content.m_number = ++m_lastContent;
   std::swap(m_noContents, content.m_number);
   for (const std::unique_ptr<CBlock>& block : m_blocks) block->m_contentOf = nullptr;
@@ -97,6 +101,7 @@ void CBlockXRef::exchange(Content& content) {
 }
 
 void CBlockXRef::setHead(const Head& head) {
+  // Reserved first, so that assigning the head cannot fail halfway.
   m_path.reserve(head.path.Length());
   m_file.reserve(head.file.Length());
   init(head.path, head.base, head.flags);
@@ -111,7 +116,7 @@ void CBlockXRef::reserveRetired() {
   m_retiredStyles.reserve(m_retiredStyles.size() + static_cast<std::size_t>(m_styles.size()));
 }
 
-// A reference outside the drawing shows nothing.
+// References outside the drawing show nothing, so nothing nested is counted for them.
 void CBlockXRef::countNested(long by) {
   for (CBlockXRef* nested : m_nested) nested->m_shows += by;
 }
@@ -157,6 +162,7 @@ CBlockXRefDepend& CBlockXRefDepend::operator=(const CBlockXRefDepend& src) {
   for (auto entry = list.begin(); entry != list.end(); ++entry) places.emplace(entry->first, entry);
   m_list.swap(list);
   m_places.swap(places);
+  // Unused entries serve only to avoid allocations in `add`.
   m_unused.clear();
   return *this;
 }
@@ -170,6 +176,7 @@ void CBlockXRefDepend::add(CBlockXRef* xref) {
     std::list<Entry> made(1, Entry(xref, 1));
     m_places.emplace(xref, made.begin());
     m_list.splice(m_list.end(), made);
+    // Entries that were used before return to the list without an allocation.
   } else if (place->second->second++ == 0) {
     m_list.splice(m_list.end(), m_unused, place->second);
   }
@@ -224,6 +231,7 @@ void CLayerXRef::setFlags(long flags) { CLayer::setFlags(flags | kDependent | kR
 
 void CLayerXRef::follow(const Look& look) {
   if (m_told) {
+    // Only properties that the host has not changed since the last reading follow the file.
     if (getLtype() == m_told->ltype) setLtype(look.ltype);
     if (getColor() == m_told->color) setColor(look.color);
     if (getLineWidth() == m_told->width) setLineWidth(look.width);

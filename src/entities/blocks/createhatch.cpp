@@ -40,12 +40,13 @@ const zim::Char* messageOf(HatchStatus status) {
   }
 }
 
-// Adds what a pattern draws to a block.
+// Adds the output of a pattern to a block.
 class BlockSink final : public IHatchSink {
  public:
   BlockSink(const EntServices& services, CBlock& block) : m_services(services), m_block(block) {}
 
   void line(const PNT_3D& from, const PNT_3D& to) override {
+    // On layer 0 and BYBLOCK, the lines take the properties of the hatch.
     keep(factory().createEntLine(gestor(), layer(), ltype(), kColorByBlock, LINE_3D(from, to), 0));
   }
   void dot(const PNT_3D& at) override {
@@ -74,6 +75,7 @@ class BlockSink final : public IHatchSink {
 HatchStatus fill(const HatchParameters& with, const std::vector<PNT_3D>& boundary,
                  const EntServices& services, CBlock& block) {
   BlockSink sink(services, block);
+  // A solid fill has no lines and consists of faces.
   if (!isSolid(*with.type))
     return fillHatch(*with.type, with.scale, with.rotate, boundary, services.hatchLimit, sink);
   std::vector<HatchFace> faces;
@@ -95,6 +97,7 @@ zim::WString getHatchName(const CBlockTable& table) {
 
 bool isHatchName(const zim::WString& name) {
   const std::u16string_view prefix = u"*PAT", text = name;
+  // A name that merely starts with the prefix may be that of a user's block.
   if (text.substr(0, prefix.size()) != prefix) return false;
   const std::u16string_view number = text.substr(prefix.size());
   return !number.empty() && number.find_first_not_of(u"0123456789") == std::u16string_view::npos;

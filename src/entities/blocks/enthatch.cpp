@@ -1,6 +1,6 @@
-// A hatch shows a private block of generated lines. Whatever changes the lines makes a new block
-// and puts it in place of the old one, which is kept until the change is complete: generation can
-// fail, and undo puts the old block back with its name and place.
+// A hatch shows a private block of generated lines. Changes of the lines create a new block, which
+// replaces the old one. The old block is kept until the change is complete: generation can fail,
+// and undo restores the old block with its name and place.
 #include "vek0core/entities/blocks/enthatch.h"
 
 #include <new>
@@ -55,6 +55,7 @@ void CEntHatch::getInsertParams(double, PNT_3D& point, double& sx, double& sy, d
 bool CEntHatch::redefine(CData& data, double scale, double rotate, const HATCH_TYPE& type) try {
   const HatchParameters wanted{&type, scale, rotate};
   if (wanted == m_parameters) return true;
+  // The parameters change only after the new lines exist.
   const auto displaced =
       replaceLines(vek0::detail::servicesOf(data).blockTable, [&](const zim::WString& name) {
         return vek0::detail::makeHatchBlock(name, wanted, m_boundary, data);
@@ -67,13 +68,13 @@ bool CEntHatch::redefine(CData& data, double scale, double rotate, const HATCH_T
 
 void CEntHatch::setParameters(const HatchParameters& parameters,
                               const std::vector<PNT_3D>& boundary) {
-  m_boundary = boundary;  // first: this alone can fail
+  m_boundary = boundary;  // first: only this can fail
   m_parameters = parameters;
   dirtyBdry();
 }
 
-// The block of a hatch that another one has taken the place of. It is out of the table unless
-// something else shows it too.
+// The block of a hatch after another one has replaced it. It is outside the table unless something
+// else shows it too.
 class CEntHatch::ReplacedBlock final : public vek0::detail::EntParts {
  public:
   ReplacedBlock(CEntHatch& hatch, CBlockTable& table)
@@ -111,10 +112,11 @@ class CEntHatch::ReplacedBlock final : public vek0::detail::EntParts {
     tellUsers();
   }
 
-  // With parameters that fit.
+  // The parameters that belong to the block are restored with it.
   bool isAll() const override { return true; }
 
  private:
+  // Until the hatch shows the new block, it must not count as a user of the old one.
   void takeOut() {
     m_hatch.replaceBlock(nullptr);
     m_place.reset();
@@ -132,12 +134,14 @@ class CEntHatch::ReplacedBlock final : public vek0::detail::EntParts {
   bool show(std::unique_ptr<CBlock> fresh) {
     CBlock* const shown = fresh.get();
     if (!shown) return false;
+    // `addHatchBlock` fails only for lack of memory.
     if (!vek0::detail::addHatchBlock(m_table, fresh)) throw std::bad_alloc();
     m_hatch.replaceBlock(shown);
     return true;
   }
 
   void tellUsers() {
+    // Blocks that contain the hatch have an edge to its block, and extents that depend on it.
     for (CBlock* user : m_users) {
       m_table.updateBlock(user);
       user->invalidateBdry();
@@ -146,13 +150,13 @@ class CEntHatch::ReplacedBlock final : public vek0::detail::EntParts {
 
   CEntHatch& m_hatch;
   CBlockTable& m_table;
-  CBlock* m_block;  // what the hatch does not show
+  CBlock* m_block;  // the block that the hatch does not show now
   std::vector<CBlock*> m_users;
-  std::optional<CBlockTable::Place> m_place;  // that it had in the table, if any
-  bool m_isIdle = false;                      // nothing shows it, so that it belongs to this
+  std::optional<CBlockTable::Place> m_place;  // its previous place in the table, if any
+  bool m_isIdle = false;                      // nothing shows it, so it belongs to this
 };
 
-// Null, with nothing changed, when no lines can be made.
+// Null, with nothing changed, if no lines can be generated.
 std::unique_ptr<CEntHatch::ReplacedBlock> CEntHatch::replaceLines(CBlockTable& table,
                                                                   const BlockMaker& make) {
   auto replaced = std::make_unique<ReplacedBlock>(*this, table);
@@ -166,6 +170,7 @@ void CEntHatch::setShown(CBlock* block, double scale, double rotate, const HATCH
 
 CEnt* CEntHatch::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFactory& blockFactory,
                        CBlockTable& blockTable, vek0::Handle handle) const {
+  // Each copy needs its own block: editing one hatch must not affect the other.
   std::unique_ptr<CBlock> block(
       blockFactory.create(getHatchName(blockTable), PNT_3D(0, 0, 0), CBlock::kAnonymous));
   if (!block) return nullptr;
@@ -183,12 +188,14 @@ CEnt* CEntHatch::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlockFac
 void CEntHatch::setMemento(CData& data, const IEntDerivedMemento* memento) {
   const auto* state = vek0::detail::mementoOf<CEntHatch, CEntHatchMemento>(memento);
   if (!state) return;
+  // The block was replaced meanwhile, so its lines must be generated again.
   if (!state->showsSameBlock(*this)) {
     replaceParts(data, *state);
     return;
   }
-  m_boundary.reserve(state->m_boundary.size());  // first: this alone can fail
+  m_boundary.reserve(state->m_boundary.size());  // first: only this can fail
   if (CBlock* block = getBlock()) {
+    // The lines may have been transformed in place together with the boundary.
     for (unsigned i = 0; i < state->m_lines.size(); ++i)
       (*block)[i]->setMemento(data, state->m_lines[i].state.get());
     block->invalidateBdry();
@@ -196,7 +203,7 @@ void CEntHatch::setMemento(CData& data, const IEntDerivedMemento* memento) {
   setParameters(state->m_parameters, state->m_boundary);
 }
 
-// For a hatch without lines, generation may have failed.
+// A hatch without lines is restored without generating any: generation may have failed before.
 std::unique_ptr<vek0::detail::EntParts> CEntHatch::replaceParts(CData& data,
                                                                 const IEntDerivedMemento& memento) {
   const auto* state = vek0::detail::mementoOf<CEntHatch, CEntHatchMemento>(&memento);
@@ -240,6 +247,7 @@ bool CEntHatchMemento::showsSameBlock(const CEntHatch& hatch) const {
   const CBlock* block = hatch.getBlock();
   if (!block) return m_serial == 0;
   if (block->getSerial() != m_serial || block->size() != m_lines.size()) return false;
+  // Lines could have been replaced by others of the same number.
   for (unsigned i = 0; i < m_lines.size(); ++i)
     if ((*block)[i]->getType() != m_lines[i].type) return false;
   return true;

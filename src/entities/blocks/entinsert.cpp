@@ -1,9 +1,8 @@
 // Inserts of three kinds. An insert counts as a use of its block from `addTbls` to `removeTbls`, so
-// that one in an undo step or on its way into a drawing does not keep the block in use.
-//
-// A snapshot keeps the addresses of attributes besides their values. Those that the insert still
-// has are set back in place, and a host's pointers to them stay valid; the rest is made anew or
-// handed to the action that replaced them (`AttribsMemento::Replaced`).
+// an insert held by an undo step does not keep the block in use. A memento stores the addresses of
+// attributes besides their values. Attributes that the insert still has are restored in place, so
+// that a host's pointers to them stay valid; the others are created anew or exchanged with the
+// action that replaced them (`AttribsMemento::Replaced`).
 #include "vek0core/entities/blocks/entinsert.h"
 
 #include <algorithm>
@@ -32,6 +31,7 @@ CEntInsertBase::CEntInsertBase(IHandleGestor& gestor, CEntFactory& factory,
     : CEnt(src, handle), m_block(src.m_block) {
   m_attribs.reserve(src.m_attribs.size());
   for (const auto& attrib : src.m_attribs) {
+    // A factory reports a lack of memory by null, which a constructor cannot return.
     m_attribs.emplace_back(factory.createEntAttrib(gestor, *attrib));
     if (!m_attribs.back()) throw std::bad_alloc();
   }
@@ -66,8 +66,9 @@ void CEntInsertBase::calcBdry() {
 
 void CEntInsertBase::add(CEntAttrib* attrib) {
   if (attrib == nullptr) return;
-  m_attribs.emplace_back();  // first: this alone can fail
+  m_attribs.emplace_back();  // first: only this can fail
   m_attribs.back().reset(attrib);
+  // An insert that is already registered must register later attributes itself.
   if (m_gestor != nullptr) attrib->addTbls(*m_gestor);
   dirtyBdry();
 }
@@ -85,7 +86,7 @@ void CEntInsertBase::getArray(long& columns, long& rows, double& columnSpacing,
 }
 
 void CEntInsertBase::setBlock(CBlock* block) {
-  if (m_gestor != nullptr) countReference(block, true);  // first: this alone can fail
+  if (m_gestor != nullptr) countReference(block, true);  // first: only this can fail
   if (m_gestor != nullptr) countReference(m_block, false);
   if (m_block != nullptr) m_block->decEntity();
   m_block = block;
@@ -126,6 +127,7 @@ void CEntInsertBase::DoCalcBdry(double pixelSize, RECT_3D& box) const {
       box.updateRegion(part);
     }
   }
+  // Huge scales overflow; empty extents keep the rest of the drawing reachable.
   if (!vek0::detail::isFinite(box)) box.initRegion();
 }
 
@@ -268,6 +270,7 @@ void CEntFixedInsert::setMemento(CData& data, const IEntDerivedMemento* memento)
 void CEntFixedInsert::GetBdry(double pixelSize, RECT_3D& box) const { DoCalcBdry(pixelSize, box); }
 
 void CEntFixedInsert::calcBdry() {
+  // Depends on the zoom: only the insertion point counts for the drawing's extents.
   RECT_3D box;
   m_pnt.calc_bdry(box);
   setBdry(box);
@@ -286,6 +289,7 @@ IEntDerivedMemento* CEntFixedInsert::createDerivedMemento() const {
 void CEntFixedInsert::getInsertParams(double pixelSize, PNT_3D& point, double& sx, double& sy,
                                       double& sz, double& rotation) const {
   point = m_pnt;
+  // The size in pixels is fixed, so the scale depends on the size of a pixel.
   sx = sy = sz = m_refSize == 0 ? 0 : m_pixels / m_refSize * pixelSize;
   rotation = m_rotation;
 }
@@ -324,7 +328,7 @@ void CEntInsertXRef::accept(IEntVisitor& visitor) {
 }
 
 void CEntInsertXRef::addTbls(IHandleGestor& gestor) const {
-  countReference(getBlock(), true);  // first: this alone can fail
+  countReference(getBlock(), true);  // first: only this can fail
   CEntInsert::addTbls(gestor);
 }
 
@@ -413,10 +417,13 @@ class AttribsMemento::Replaced final : public EntParts {
 
   void exchange() {
     IHandleGestor* gestor = m_insert.m_gestor;
+    // Attributes that return are registered before the others are released, so that no count drops
+    // to 0 in between.
     for (const auto& attrib : m_attribs)
       if (attrib && gestor != nullptr) attrib->addTbls(*gestor);
     for (auto& [here, there] : m_shared) {
       m_insert.m_attribs[here].swap(m_attribs[there]);
+      // The places are relative to each list, so they swap with the lists.
       std::swap(here, there);
     }
     m_insert.m_attribs.swap(m_attribs);
@@ -439,6 +446,7 @@ class AttribsMemento::Replaced final : public EntParts {
 
 std::unique_ptr<EntParts> AttribsMemento::replaceAttribs(CData& data,
                                                          CEntInsertBase& insert) const {
+  // With the same number of attributes, all are restored in place.
   if (m_attribs.size() == insert.m_attribs.size()) return nullptr;
   auto replaced = std::make_unique<Replaced>(insert);
   replaced->prepare(data, m_attribs);

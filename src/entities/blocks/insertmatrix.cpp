@@ -21,6 +21,7 @@ CEntInsertMatrix::CEntInsertMatrix(double pixelSize, const CEntInsertBase& inser
   long columns, rows;
   double columnSpacing, rowSpacing;
   insert.getArray(columns, rows, columnSpacing, rowSpacing);
+  // In double precision, where the product of index and spacing cannot overflow.
   const double dx = static_cast<double>(col) * columnSpacing;
   const double dy = static_cast<double>(row) * rowSpacing;
   const double c = std::cos(rotation), s = std::sin(rotation);
@@ -35,6 +36,7 @@ void CEntInsertMatrix::set(const PNT_3D& base, double sx, double sy, double sz, 
   m_m10 = s * sx;
   m_m11 = c * sy;
   m_mz = sz;
+  // The base point maps to the insertion point.
   m_tx = insertion.x - (c * sx * base.x - s * sy * base.y);
   m_ty = insertion.y - (s * sx * base.x + c * sy * base.y);
   m_tz = insertion.z - sz * base.z;
@@ -50,6 +52,7 @@ void CEntInsertMatrix::transform(const PNT_3D& p, PNT_3D& out) const {
 }
 
 void CEntInsertMatrix::transform(const RECT_3D& box, RECT_3D& out) const {
+  // A copy, because `out` may be `box`.
   const RECT_3D in = box;
   out.initRegion();
   // The corners of an empty box are large numbers, which would map to a huge, valid box.
@@ -64,6 +67,7 @@ void CEntInsertMatrix::transform(const RECT_3D& box, RECT_3D& out) const {
 
 bool CEntInsertMatrix::invert(const PNT_3D& p, PNT_3D& out) const {
   const double det = m_m00 * m_m11 - m_m01 * m_m10;
+  // A scale of 0 flattens the block and cannot be inverted.
   if (det == 0 || m_mz == 0) return false;
   const double dx = p.x - m_tx, dy = p.y - m_ty;
   out.set((m_m11 * dx - m_m01 * dy) / det, (m_m00 * dy - m_m10 * dx) / det, (p.z - m_tz) / m_mz);
@@ -93,6 +97,7 @@ CEntInsertMatrix CEntInsertMatrix::operator*(const CEntInsertMatrix& inner) cons
 }
 
 PNT_3D CEntInsertMatrix::basePoint(const CEntInsertBase& insert) {
+  // Ordinary blocks store entities relative to the base point, references do not.
   const CBlock* block = insert.getBlock();
   if (block == nullptr || !block->isXRef()) return PNT_3D(0, 0, 0);
   return static_cast<const CBlockXRef*>(block)->getContentBase();

@@ -25,11 +25,13 @@ const CEntInsertBase* CEntInsertStackState::GetInsert(int i) const {
 
 CLayer* CEntInsertStackState::ResolveLayer(const CEnt& ent) const {
   CLayer* layer = ent.getLayer();
+  // Entities on layer 0 float to the layer of the insert.
   const bool floats = layer == nullptr || layer->is0();
   return floats && m_layer != nullptr ? m_layer : layer;
 }
 
 short CEntInsertStackState::ResolveColor(const CEnt& ent) const {
+  // BYBLOCK takes the insert's color, BYLAYER that of the layer after floating.
   if (ent.getColor() == kColorByBlock) return m_color;
   if (ent.getColor() != kColorByLayer) return ent.getColor();
   const CLayer* layer = ResolveLayer(ent);
@@ -47,6 +49,7 @@ CEntInsertStack::CEntInsertStack(double pixelSize) : m_pixelSize(pixelSize) {
 }
 
 void CEntInsertStack::Push(const CEntInsertBase* insert, int row, int col) {
+  // Saved instead of recomputed, because inverting a matrix would lose precision.
   const Saved outer{m_matrix, m_layer, m_color, m_ltype};
   m_saved.push_back(outer);
   m_inserts.push_back(insert);

@@ -28,21 +28,26 @@ void TextFrame::map(const PNT_2D& x, const PNT_2D& y) {
     if (turn != 0) rotation = std::remainder(rotation + turn, kTwoPi);
     return;
   }
+  // A negative width factor writes backward, hence reverses the text's direction.
   const double backward = std::signbit(widthScale) ? -1 : 1;
   const double c = std::cos(rotation), s = std::sin(rotation), t = std::tan(oblique);
   const auto image = [&](double u, double v) {
     return PNT_2D(x.x * u + y.x * v, x.y * u + y.y * v);
   };
+  // Images of the text's unit vectors along its line and upward, including the oblique angle.
   PNT_2D along = image(backward * c, backward * s);
   const PNT_2D up = image(t * c - s, t * s + c);
   double area = cross(along, up), sign = 1;
+  // A mirrored frame is written backward, which makes its area positive again.
   if (area < 0) {
     along = -along;
     area = -area;
     sign = -1;
   }
+  // The height is the component of the image that is perpendicular to the line.
   const double square = dot(along, along), newHeight = height * area / std::sqrt(square);
   const double newWidth = sign * std::fabs(widthScale) * square / area;
+  // A degenerate matrix leaves the text as it was.
   if (!std::isfinite(newHeight) || !std::isfinite(newWidth)) return;
   height = newHeight;
   widthScale = newWidth;
