@@ -1,4 +1,4 @@
-// How drawings are shown that unfold to more than anybody can see.
+// Simplified drawing for files that unfold to far more geometry than anyone can see.
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -9,13 +9,13 @@
 namespace vek0::detail {
 namespace {
 
-constexpr int kMostLooks = 64;  // at what an insert holds, to find what it shows first
+constexpr int kMostLooks = 64;  // entities examined in an insert to find the first visible one
 constexpr std::size_t kMostFirsts = 100'000;
-constexpr double kSamePlace = 1.0 / 16;  // of a detail
+constexpr double kSamePlace = 1.0 / 16;  // fraction of a detail
 
 double longerSide(const PNT_2D& step) { return std::max(std::fabs(step.x), std::fabs(step.y)); }
 
-// The insert that is all that a block shows; null for another block.
+// The insert that is the only content of a block; null for any other block.
 CEntInsertBase* onlyInsertOf(CBlock& block) {
   CEnt* only = block.size() == 1 ? block[0] : nullptr;
   if (!only || only->getType() != CEntInsert::kType) return nullptr;
@@ -30,9 +30,9 @@ PNT_2D times(const PNT_2D& step, long count) {
 
 }  // namespace
 
-// --- When
+// --- When to simplify
 
-// Whether so many points would take more than half of the effort that is left.
+// Whether so many points would take more than half of the remaining effort.
 bool Walker::isScarce(double points) {
   if (!m_out.isScarce(points) && !m_out.isLow()) return false;
   learnEffort();
@@ -40,10 +40,12 @@ bool Walker::isScarce(double points) {
 }
 
 void Walker::learnEffort() {
+  // Summing all blocks takes time, so it waits until the effort is actually short.
   if (m_isEffortKnown) return;
   m_isEffortKnown = true;
   double effort = 0;
   const auto add = [&](const CBlock& block) {
+    // The lines of hatches have their own allowance.
     if (!isHatchName(block.getName())) effort += m_boxes.sum(block).effort;
   };
   const CBlockTable& blocks = m_data.getBlockTable();
@@ -60,12 +62,12 @@ bool Walker::isSmall(const RECT_2D& box) const { return isSmall(box.max - box.mi
 
 bool Walker::isSmall(const PNT_2D& step) const { return longerSide(step) < m_detail; }
 
-// Whether its strokes are hardly longer than wide.
+// Whether its strokes are hardly longer than the pen is wide.
 bool Walker::isPenSized(const RECT_2D& box) const {
   return longerSide(box.max - box.min) < std::max(m_detail, m_options.penReach);
 }
 
-// Of how many cells one is drawn, so that those drawn are a detail apart.
+// Draws one of so many cells that those drawn are a detail apart.
 long Walker::strideOf(const PNT_2D& step) {
   if (!isSmall(step) || !isCoarse()) return 1;
   const double stride = std::ceil(m_detail / longerSide(step));
@@ -76,7 +78,7 @@ long Walker::strideOf(const PNT_2D& step) {
 // --- Dots
 
 void Walker::drawSpeck(CEnt& ent, const PNT_2D& at) {
-  constexpr double points = 0.8;  // that the search for its place costs
+  constexpr double points = 0.8;  // cost of finding its place
   m_out.noteSimplified();
   m_out.charge(points);
   if (m_specks.has(at, m_out.epoch()) || !beginAsFirst(ent)) return;
@@ -88,13 +90,13 @@ void Walker::drawSpeck(CEnt& ent, const PNT_2D& at) {
 void Walker::putSpeck(const PNT_2D& at, bool isPoint) {
   if (m_specks.has(at, m_out.epoch())) return;
   m_specks.add(at, m_out.epoch());
-  m_out.charge(1);  // dots make paths of their own
+  m_out.charge(1);  // each dot is a path of its own
   if (isPoint) return m_points.draw(at, m_out);
   m_out.dot(at);
 }
 
-// The first thing that an insert shows speaks for all of them, by its layer and colour. False
-// when it shows nothing.
+// The first visible entity of an insert provides layer and color for all others. False if nothing
+// is visible.
 bool Walker::beginAsFirst(CEnt& ent) {
   const CEntInsertBase* insert = ent.getEntInsert();
   if (!insert || !insert->getBlock()) {
@@ -103,10 +105,12 @@ bool Walker::beginAsFirst(CEnt& ent) {
   }
   KeyMixer mixer;
   mixer << insert->getBlock()->getSerial()
+        // Layer and color are part of the key, because entities on layer 0 inherit them.
         << reinterpret_cast<std::uintptr_t>(m_stack.ResolveLayer(ent))
         << static_cast<std::uint64_t>(m_stack.ResolveColor(ent));
   auto found = m_firsts.find(mixer.key());
   if (found == m_firsts.end()) {
+    // Bounds the memory; the entries can be found again.
     if (m_firsts.size() >= kMostFirsts) m_firsts.clear();
     int looks = kMostLooks;
     const bool isFound = findFirst(ent, looks);
@@ -141,10 +145,10 @@ bool Walker::findFirst(CEnt& ent, int& looks) {
 
 // --- Places
 
-// Whether the innermost block was drawn at the same place, in the same look. Nests of inserts
-// double what they show with every level, mostly on itself.
+// Whether the innermost block was already drawn at this place with the same properties. Nested
+// inserts double their content with every level, mostly on top of itself.
 bool Walker::isDrawnAlready(const CBlock& block) {
-  m_out.charge(1);  // about what it takes to find that out
+  m_out.charge(1);  // about the cost of finding out
   const RECT_3D& box = block.getBdry();
   const double step = m_detail * kSamePlace;
   KeyMixer mixer;
@@ -156,6 +160,7 @@ bool Walker::isDrawnAlready(const CBlock& block) {
       box.min, {box.max.x, box.min.y, box.min.z}, {box.min.x, box.max.y, box.min.z}, box.max};
   for (const PNT_3D& corner : corners) {
     const PNT_2D at = m_place.apply(corner);
+    // Beyond the range of the key, the block is simply drawn.
     if (!mixer.length(at.x, step) || !mixer.length(at.y, step)) return false;
   }
   return !m_placed.add(mixer.key(), mixer.key());
@@ -163,7 +168,7 @@ bool Walker::isDrawnAlready(const CBlock& block) {
 
 // --- Arrays
 
-// False when its cells are to be drawn after all.
+// False if the cells must be drawn individually.
 bool Walker::drawCoarseArray(CEntInsertBase& ent, const Cells& cells) {
   Area area;
   if (findArea(ent, cells, area)) {
@@ -176,7 +181,7 @@ bool Walker::drawCoarseArray(CEntInsertBase& ent, const Cells& cells) {
   return true;
 }
 
-// One dense way or none.
+// At most one direction is dense here.
 void Walker::drawSmallCells(CEntInsertBase& ent, const Cells& array) {
   m_out.noteSimplified();
   if (!beginAsFirst(ent)) return;
@@ -186,6 +191,7 @@ void Walker::drawSmallCells(CEntInsertBase& ent, const Cells& array) {
     std::swap(cells.right, cells.up);
     std::swap(cells.columns, cells.rows);
   }
+  // Only rows and columns in the window are visited.
   const ArrayCells lattice(cells.first, cells.right, cells.up, cells.columns, cells.rows, m_window);
   const IndexRange rows = lattice.rows();
   for (long row = rows.first; row <= rows.last && !m_out.look(); ++row)
@@ -211,7 +217,7 @@ bool Walker::isDense(const Cells& cells) const {
   return (cells.columns == 1 || isSmall(cells.right)) && (cells.rows == 1 || isSmall(cells.up));
 }
 
-// What the cells tile, of which the first one is there.
+// The area tiled by the cells, the first of which has its center at `at`.
 Walker::Area Walker::areaOf(const Cells& cells, const PNT_2D& at) const {
   const PNT_2D none(0, 0);
   const PNT_2D right = cells.columns > 1 ? cells.right : none,
@@ -220,8 +226,8 @@ Walker::Area Walker::areaOf(const Cells& cells, const PNT_2D& at) const {
   return {from, times(right, cells.columns), times(up, cells.rows)};
 }
 
-// Whether nothing of what is between the cells can be told: they are as small as the pen and
-// dense, or such areas that meet.
+// Whether nothing between the cells can be distinguished: they are as small as the pen and dense,
+// or form areas that touch.
 bool Walker::findArea(CEntInsertBase& ent, const Cells& cells, Area& area) {
   if (isPenSized(cells.first) && isDense(cells)) {
     area = areaOf(cells, middleOf(cells.first));
@@ -237,7 +243,7 @@ bool Walker::findArea(CEntInsertBase& ent, const Cells& cells, Area& area) {
          extend(area, cells.up, cells.rows, area.high);
 }
 
-// Repeats the area along one of its sides, if there are no gaps between.
+// Repeats the area along one of its sides; false if that leaves gaps.
 bool Walker::extend(Area& area, const PNT_2D& step, long count, PNT_2D& side) const {
   if (count == 1) return true;
   const double length = std::hypot(side.x, side.y);
@@ -253,7 +259,7 @@ bool Walker::extend(Area& area, const PNT_2D& step, long count, PNT_2D& side) co
   return true;
 }
 
-// One that a fill would hardly show is a line.
+// Draws the area, as a line if a fill would hardly show it.
 void Walker::drawArea(const Area& area, bool isPoint) {
   const PNT_2D &from = area.from, &wide = area.wide, &high = area.high;
   if (isSmall(wide) && isSmall(high))
@@ -277,7 +283,7 @@ void Walker::gatherCoarseWay(const CEntPolyline& ent) {
   }
 }
 
-// Chords that keep within a detail of the arc, without its end; the width changes evenly.
+// Appends chords within a detail of the arc, without its end; the width changes linearly.
 void Walker::addCoarseChords(const BULGED_VERTEX& from, const PNT_3D& to) {
   const PNT_3D start = pointOf(from);
   ARC_3D arc;
@@ -298,7 +304,7 @@ void Walker::addCoarseChords(const BULGED_VERTEX& from, const PNT_3D& to) {
 
 // --- Hatches and linetypes
 
-// Whether lines of the pattern are too near each other to be told apart.
+// Whether lines of the pattern are too close to each other to be distinguished.
 bool Walker::isFinerThanDetail(const CEntHatch& ent) const {
   const HATCH_TYPE& type = ent.getHatchType();
   const double scale = ent.getHatchScale() * m_place.scale();

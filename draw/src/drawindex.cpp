@@ -1,6 +1,6 @@
-// For hosts that draw the same drawing again and again. Entities are in a few trees of very
-// different sizes, as in a log-structured store: a change makes an entity loose and outdates its
-// entry in a tree, and only when many are loose is another tree built.
+// For hosts that draw the same drawing repeatedly. Entities are in a few trees of very different
+// sizes, as in a log-structured store: a change makes an entity loose and outdates its entry in a
+// tree, and another tree is built only when many are loose.
 #include "vek0draw/drawindex.h"
 
 #include <cstdint>
@@ -40,6 +40,7 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
 
   void added(CEnt& ent) override {
     orGiveUp([&] {
+      // Fixed inserts have no box that is independent of the zoom.
       auto& place = ent.getType() == CEntFixedInsert::kType ? m_placeless : m_loose;
       place.emplace(CEntTable::getRank(ent), &ent);
     });
@@ -52,6 +53,7 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
   }
 
   void reshaped(CEnt& ent) override {
+    // Entities without a box are visited in every frame anyway.
     if (m_placeless.count(CEntTable::getRank(ent)) != 0) return;
     orGiveUp([&] {
       outdate(ent);
@@ -70,6 +72,7 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
 
   /// Updates the trees; may be expensive.
   void prepare() {
+    // Blocks with infinite lines have no bounded box, so their inserts must be classified anew.
     if (holdOthersEndless() || !m_isWhole) return build();
     const bool isMostlyOutdated = m_outdated.size() > size() / 2 + kMostLoose;
     if (m_loose.size() > kMostLoose || isMostlyOutdated) gather(isMostlyOutdated);
@@ -77,6 +80,7 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
 
   /// Whether the window shows so much that visiting all entities is no more expensive.
   bool isAllSeen(const Placement& place, const RECT_2D& window) const {
+    // The largest tree stands for the whole drawing.
     return m_trees.empty() || window.inside(place.apply(m_trees.front().boxes.box()));
   }
 
@@ -141,6 +145,7 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
   }
 
   void build() {
+    // If the build runs out of memory, the next frame starts over.
     m_isWhole = false;
     cleared();
     Items items;
@@ -156,12 +161,14 @@ class CDrawIndex::Entities final : public IEntTableWatcher {
     Items items;
     for (const auto& [rank, ent] : m_loose) take({rank, ent}, items);
     m_loose.clear();
+    // Merging with trees of at most twice the size moves each entity a logarithmic number of times.
     while (!m_trees.empty() && (everything || m_trees.back().boxes.size() < 2 * items.size())) {
       const Tree tree = std::move(m_trees.back());
       m_trees.pop_back();
       for (const RankedEnt& entry : tree.boxes.entries())
         if (isCurrent(tree, entry)) take(entry, items);
     }
+    // Without older trees there is nothing left to outdate.
     if (m_trees.empty()) m_outdated.clear();
     plant(items);
     m_isWhole = true;

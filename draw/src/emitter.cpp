@@ -1,7 +1,7 @@
 // The last step before the painter, which limits and counts. Painters need not handle coordinates
 // so large that their own arithmetic would overflow; such primitives are dropped here. Effort is
-// measured in points, as a picture of nested arrays can take any time, and what costs differently
-// (a new layer, a long stroke) is converted to points by the constants below.
+// measured in points, because a picture of nested arrays can take any time. Costs of another kind
+// (a new layer, a long stroke) are converted to points by the constants below.
 #include "emitter.h"
 
 #include <algorithm>
@@ -12,13 +12,13 @@
 namespace vek0::detail {
 namespace {
 
-// What takes as long as handing over points. A new color is a new path, a new layer may be a new
-// group in a file.
+// Cost of other operations, in points handed over. A new color is a new path, a new layer may be a
+// new group in a file.
 constexpr double kPointsPerLook = 0.1, kPointsPerItem = 0.25, kPointsPerColor = 3,
                  kPointsPerLayer = 32;
 
-// What a stroke takes goes by its length, as many pixels' time as lines of a pixel need. Chains
-// take longer: their segments share pixels.
+// The cost of a stroke grows with its length, here in pixels per unit of length. Chains cost more,
+// because their segments share pixels.
 constexpr double kPixelsPerLength = 27, kPixelsPerChainLength = 40;
 
 // A fill is sorted line by line, more finely than pixels.
@@ -45,12 +45,14 @@ bool isSound(const AFFINE_2D& m) {
 
 void Emitter::begin(const DrawItem& item) {
   m_item = item;
+  // The painter is told of the item only if something of it is emitted.
   m_isTold = false;
 }
 
 bool Emitter::pushClip(const std::vector<PNT_2D>& points) {
   const bool isPushed = areNear(points) && m_painter.pushClip(points.data(), points.size());
   if (!isPushed) noteUnclipped();
+  // What was drawn under another clip may be hidden now.
   ++m_epoch;
   return isPushed;
 }
@@ -108,10 +110,11 @@ void Emitter::tellItem() {
   m_isTold = true;
 }
 
-// As long as it is on the device, and a few pixels wide.
+// A stroke covers its length on the device, with a width of a few pixels.
 void Emitter::chargeStroke(const std::vector<PNT_2D>& points, bool closed) {
   if (!isUnfolding() || m_pixelsPerPoint <= 0) return;
   double length = closed ? std::min(points.front().dist(points.back()), m_longest) : 0;
+  // Painters clip, so only the part that fits on the device costs time.
   for (std::size_t i = 1; i < points.size(); ++i)
     length += std::min(points[i].dist(points[i - 1]), m_longest);
   const double pixels = points.size() == 2 ? kPixelsPerLength : kPixelsPerChainLength;

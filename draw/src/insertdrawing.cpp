@@ -1,6 +1,6 @@
-// Draws inserts and hatches, whose cost a file multiplies at will. Of an array, only the cells that
-// meet the window are drawn; a hatch whose lines are finer than the detail of the picture becomes a
-// fill, when effort is scarce.
+// Draws inserts and hatches, whose cost a file can multiply at will. Of an array, only the cells
+// that meet the window are drawn. A hatch whose lines are finer than the detail of the picture
+// becomes a fill when effort is scarce.
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -11,7 +11,7 @@
 
 namespace vek0::detail {
 
-// The lines of a file's hatches are bounded, those of the inserts that show them are not.
+// A file's hatches have a bounded number of lines, but the inserts that show them do not.
 void Walker::visit(CEntHatch& ent) {
   if (isSolid(ent.getHatchType())) return fillHatch(ent);
   const double lines = ent.getBlock() ? static_cast<double>(ent.getBlock()->size()) : 0;
@@ -36,11 +36,13 @@ void Walker::fillHatch(const CEntHatch& ent) {
 
 void Walker::drawInsert(CEntInsertBase& ent) {
   if (!ent.getBlock()) return;
+  // Bounds the recursion.
   if (m_stack.GetNoInsert() >= kMostNested) return m_out.cut();
   if (ent.getType() == CEntInsert::kType && static_cast<CEntInsert&>(ent).isClipped())
     drawClipped(static_cast<CEntInsert&>(ent));
   else
     drawCells(ent);
+  // Attributes have their own layers and are not clipped.
   if (ent.GetNoAttribs() == 0) return;
   enter(ent, 0, 0);
   for (unsigned i = 0; i < ent.GetNoAttribs(); ++i) draw(*ent.GetAttrib(i));
@@ -48,6 +50,7 @@ void Walker::drawInsert(CEntInsertBase& ent) {
 }
 
 void Walker::drawCells(CEntInsertBase& ent) {
+  // Restored afterwards, because coarse drawing applies to the content of this insert only.
   const bool isCoarseOutside = m_isCoarse;
   const Cells cells = cellsOf(ent);
   if (cells.columns == 1 && cells.rows == 1) {
@@ -67,7 +70,7 @@ Walker::Cells Walker::cellsOf(CEntInsertBase& ent) {
   ent.getArray(cells.columns, cells.rows, columnSpacing, rowSpacing);
   cells.columns = std::clamp(cells.columns, 1L, static_cast<long>(INT_MAX));
   cells.rows = std::clamp(cells.rows, 1L, static_cast<long>(INT_MAX));
-  // Cells that lie on each other show no more than one.
+  // Cells in the same place show no more than one.
   if (columnSpacing == 0) cells.columns = 1;
   if (rowSpacing == 0) cells.rows = 1;
   if (cells.columns == 1 && cells.rows == 1) return cells;
@@ -82,6 +85,7 @@ void Walker::drawArray(CEntInsertBase& ent, const Cells& array) {
   const ArrayCells cells(array.first, array.right, array.up, array.columns, array.rows, m_window);
   const IndexRange rows = cells.rows();
   if (rows.first > rows.last) return;
+  // The middle row represents the others: rows of a rotated array differ in length.
   const double seen = static_cast<double>(rows.count()) *
                       static_cast<double>(cells.columns((rows.first + rows.last) / 2).count());
   m_isCoarse = m_isCoarse || isScarce(m_boxes.sum(*ent.getBlock()).all * seen);
@@ -119,6 +123,7 @@ void Walker::drawCell(CEntInsertBase& ent, long row, long column) {
 
 void Walker::enter(const CEntInsertBase& ent, long row, long column) {
   m_stack.Push(&ent, static_cast<int>(row), static_cast<int>(column));
+  // Composed from the drawing's placement each time, so that errors do not accumulate.
   m_place = m_drawing.after(m_stack.GetCurMatrix());
   m_out.beginUnfolding();
   m_out.charge(1);

@@ -27,6 +27,7 @@ class Walk {
       m_drawn.emplace_back();
       way.toDrawing.transform(v.pnt, m_drawn.back());
     }
+    // Distances are measured in the drawing, so that scaled inserts do not stretch the pattern.
     m_at.push_back(0);
     for (std::size_t i = 1; i < m_drawn.size(); ++i)
       m_at.push_back(m_at.back() + m_drawn[i].dist(m_drawn[i - 1]));
@@ -78,6 +79,7 @@ class Walk {
     return v.widthStart + share(distance) * (v.widthEnd - v.widthStart);
   }
   void advance(double distance) {
+    // `<=`, so that a vertex belongs to the segment that it starts.
     while (m_next + 1 < m_at.size() && m_at[m_next] <= distance) ++m_next;
   }
 
@@ -94,6 +96,7 @@ std::vector<Stretch> seenStretches(const PatternWay& way, const Walk& walk) {
   for (const WIDE_VERTEX& v : way.points)
     widest = std::max({widest, std::fabs(v.widthStart), std::fabs(v.widthEnd)});
   RECT_2D window = way.window;
+  // Wide segments reach into the window before their middle does.
   window.inflate(widest * way.toDevice.scale(), widest * way.toDevice.scale());
   std::vector<Stretch> seen;
   for (std::size_t i = 1; i < way.points.size(); ++i) {
@@ -103,6 +106,7 @@ std::vector<Stretch> seenStretches(const PatternWay& way, const Walk& walk) {
     if (!clipLine(window, p, q - p, t0, t1)) continue;
     const double span = walk.at(i) - walk.at(i - 1);
     const double from = walk.at(i - 1) + t0 * span;
+    // Exact at the end of a segment, so that adjacent stretches merge.
     const double to = t1 < 1 ? walk.at(i - 1) + t1 * span : walk.at(i);
     if (!seen.empty() && from <= seen.back().to)
       seen.back().to = to;
@@ -129,6 +133,7 @@ void layStretch(const CLtypeComplexDashSeq& dashes, double scale, Walk& walk,
     }
   };
   const double length = stretch.to - stretch.from;
+  // Too many dashes for the stretch: it looks continuous anyway.
   if (!(length > 0) || forEachDash(dashes, scale, stretch.from, length, kMostDashes, lay)) return;
   walk.piece(stretch, piece);
   sink.dash(piece);
@@ -142,6 +147,7 @@ bool layPattern(const CLtypeComplexDashSeq& dashes, double scale, const PatternW
   Walk walk(way);
   const double period = dashes.GetPatternLen() * scale;
   if (!(walk.length() > 0) || !std::isfinite(walk.length())) return false;
+  // A pattern without length would never advance.
   if (!(period > 0) || !std::isfinite(period)) return false;
   for (const Stretch& stretch : seenStretches(way, walk)) {
     if (sink.isFull()) break;
@@ -153,6 +159,7 @@ bool layPattern(const CLtypeComplexDashSeq& dashes, double scale, const PatternW
 TEXT_3D placeElement(const TEXT_3D& element, const PNT_3D& at, double directionRad, double scale) {
   const double c = std::cos(directionRad), s = std::sin(directionRad);
   const CStyle* style = element.getStyle();
+  // Elements of a linetype have heights relative to the fixed height of their style.
   const double fixed = style ? style->getFixedHeight() : 0;
   CTextContext context(element.getContext());
   context.setHeight(context.getHeight() * scale * (fixed > 0 ? fixed : 1));

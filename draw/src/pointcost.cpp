@@ -7,8 +7,8 @@
 namespace vek0::detail {
 namespace {
 
-// Of an entity of a block, beyond the effort of the options: blocks are inserted some dozen times,
-// and more often where they are small. Texts are larger than what the others have in a file.
+// Effort per point of an entity of a block, beyond that of the options: blocks are inserted some
+// dozen times, and more often if they are small. Texts need more effort for their size in a file.
 constexpr double kEffortPerPoint = 16, kEffortPerLetter = 32;
 constexpr double kMostEffortOfLines = 1000;
 
@@ -22,6 +22,7 @@ double pointsOfText(const CEnt& ent) {
 }
 
 double pointsOfHatch(const CEntHatch& hatch) {
+  // A solid fill is drawn from its boundary.
   const CBlock* lines = hatch.getBlock();
   if (isSolid(hatch.getHatchType()) || !lines) return static_cast<double>(hatch.getNoPnts());
   return 2 * static_cast<double>(lines->size());
@@ -57,7 +58,8 @@ double pointsOf(const CEnt& ent) {
   }
 }
 
-// The lines of a file's hatches are bounded: those outside of blocks may take what they need.
+// A file's hatches have a bounded number of lines, so hatches outside blocks may use what they
+// need.
 double effortOfLines(const CEntHatch& hatch) {
   constexpr double effortPerLine = 4;  // a stroke, and what goes with it
   return hatch.getBlock() ? effortPerLine * static_cast<double>(hatch.getBlock()->size()) : 0;

@@ -1,6 +1,6 @@
-// The boxes by which entities are skipped. They must contain whatever is drawn: texts overhang
-// their extents, infinite lines are everywhere, fixed inserts depend on the size of a pixel. For
-// blocks it also sums what they expand to, which decides when drawing becomes coarse.
+// The boxes by which entities are skipped. They must contain everything drawn: texts overhang their
+// extents, infinite lines are everywhere, fixed inserts depend on the size of a pixel. For blocks
+// it also sums up their expansion, which decides when drawing is simplified.
 #include "shownbox.h"
 
 #include <algorithm>
@@ -39,11 +39,12 @@ double cellsOf(const CEntInsertBase& insert) {
   long columns, rows;
   double columnSpacing, rowSpacing;
   insert.getArray(columns, rows, columnSpacing, rowSpacing);
+  // Cells in the same place count once.
   return (columnSpacing == 0 ? 1.0 : std::max(1.0, static_cast<double>(columns))) *
          (rowSpacing == 0 ? 1.0 : std::max(1.0, static_cast<double>(rows)));
 }
 
-// Of an entity, with what it inserts, or nothing.
+// Extends the box by hatches without lines: the entity itself, and those that it inserts.
 void growByLineless(const CEnt& ent, const BLOCK_SUM& inner, RECT_3D& box) {
   if (ent.getType() == CEntHatch::kType) {
     const auto& hatch = static_cast<const CEntHatch&>(ent);
@@ -55,6 +56,7 @@ void growByLineless(const CEnt& ent, const BLOCK_SUM& inner, RECT_3D& box) {
   long columns, rows;
   double columnSpacing, rowSpacing;
   insert.getArray(columns, rows, columnSpacing, rowSpacing);
+  // The corner cells bound the whole array.
   for (const long row : {0L, std::max(0L, rows - 1)}) {
     for (const long column : {0L, std::max(0L, columns - 1)}) {
       RECT_3D cell;
@@ -64,7 +66,7 @@ void growByLineless(const CEnt& ent, const BLOCK_SUM& inner, RECT_3D& box) {
   }
 }
 
-// `inner` is what it inserts, or nothing.
+// `inner` is the sum of the inserted block, or empty.
 void add(const CEnt& ent, const BLOCK_SUM& inner, BLOCK_SUM& sum) {
   constexpr double most = 1e200;  // further products stay finite
   sum.effort += effortOf(ent);
@@ -86,7 +88,7 @@ bool isPlaced(const CEnt& ent, const RECT_3D& box) {
   return ent.getType() != CEntFixedInsert::kType && isFinite(box);
 }
 
-// One whose pattern misses its boundary has none either.
+// A hatch whose pattern misses its boundary has no lines either, but is not meant.
 bool lacksLines(const CEntHatch& hatch) {
   constexpr double surelyHit = 1000;  // pieces that are estimated
   const bool hasLines = hatch.getBlock() && hatch.getBlock()->size() > 0;
@@ -110,6 +112,7 @@ RECT_3D ShownBoxes::of(const CEnt& ent, double pixelSize) {
   RECT_3D box = drawn(ent);
   if (ent.getType() == CEntFixedInsert::kType) ent.GetBdry(pixelSize, box);
   if (!isText(ent) || !box.validRegion()) return box;
+  // Accents and descenders extend beyond the metrics of a text.
   const double more =
       kOverhang * std::fabs(static_cast<const CEntText&>(ent).getText().getContext().getHeight());
   return RECT_3D(box.min - PNT_3D(more, more, 0), box.max + PNT_3D(more, more, 0));
@@ -140,8 +143,8 @@ const CBlock* ShownBoxes::look(Level& level) const {
   return nullptr;
 }
 
-// Files nest as deep as they like: no recursion. A block that is being looked at is known to
-// hold what was found so far, so that one within itself ends too.
+// Files can nest blocks arbitrarily deep, hence no recursion. A block that is being examined
+// already has its sum so far, so a block within itself ends the search, too.
 BLOCK_SUM ShownBoxes::sum(const CBlock& block) {
   if (const Known* known = find(block)) return known->sum;
   static_cast<void>(block.getBdry());  // from here on its edition reflects the blocks within

@@ -14,6 +14,7 @@ class Decoder {
 
   DecodedText run() {
     while (!m_rest.empty()) step();
+    // Lines that are not ended extend to the end of the text.
     close(m_under, false);
     close(m_over, true);
     m_result.string = zim::WString(m_seen);
@@ -25,6 +26,7 @@ class Decoder {
   static constexpr int kFirstPrinted = 32;  // lower codes are control characters
 
   void step() {
+    // Unknown codes are shown literally.
     if (m_rest.size() > 2 && m_rest.substr(0, 2) == u"%%" && takeCode(m_rest[2])) return;
     m_seen += m_rest[0];
     m_rest.remove_prefix(1);
@@ -58,12 +60,13 @@ class Decoder {
     if (m_rest.size() < 5 || !isDigit(m_rest[2]) || !isDigit(m_rest[3]) || !isDigit(m_rest[4]))
       return false;
     const int number = (m_rest[2] - u'0') * 100 + (m_rest[3] - u'0') * 10 + (m_rest[4] - u'0');
+    // Control characters have no glyph.
     if (number >= kFirstPrinted) m_seen += static_cast<zim::Char>(number);
     m_rest.remove_prefix(5);
     return true;
   }
 
-  // The code's own character was the third.
+  // Every such code has three characters.
   bool put(zim::Char unit) {
     m_seen += unit;
     m_rest.remove_prefix(3);

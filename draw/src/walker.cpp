@@ -1,8 +1,8 @@
-// Visits the entities of model space and of the blocks that they insert, and hands what they show
+// Visits the entities of model space and of the blocks that they insert, and hands their geometry
 // to the emitter. The stack of inserts resolves layer, color and linetype; `m_place` maps from the
 // innermost block to the device. An entity is skipped as early as possible: by its layer, then by
-// its box, and only then is it asked for its geometry. Within inserts, things too small to see
-// become dots once the drawing has used up its effort.
+// its box, and only then by its geometry. Inside inserts, entities too small to see become dots
+// once the drawing has used up its effort.
 #include "walker.h"
 
 #include <algorithm>
@@ -50,7 +50,7 @@ bool definesDimension(const CBlock* block) {
   return name.size() > 2 && name.substr(0, 2) == u"*D" && name[2] >= u'0' && name[2] <= u'9';
 }
 
-// How near each other dots may stand: pens are a little wider than their strokes' middles.
+// Smallest distance between dots: pens are slightly wider than the middle of their strokes.
 double cellOfDots(const DRAW_OPTIONS& options) {
   constexpr double share = 0.25;
   return std::max({options.finestDetail, share * options.penReach, 1e-9});
@@ -68,6 +68,7 @@ double heightOf(const CWndVpt& window) {
 
 bool isHidden(const CEnt& ent, const CLayer& layer) {
   const bool isInsert = ent.getEntInsert() && ent.getType() != CEntHatch::kType;
+  // Turning off the layer of an insert does not hide its content, which is on layers of its own.
   return layer.isFrozen() || (layer.isOff() && !isInsert);
 }
 
@@ -91,10 +92,12 @@ Walker::Walker(const CData& data, const IProjector& projector, const CWndVpt& wi
   long width, height;
   window.get(width, height);
   m_window.set(0, 0, static_cast<double>(width), static_cast<double>(height));
+  // What lies just outside may still reach into the window: wide pens, texts of linetypes, points.
   const double reach =
       options.penReach + std::max(reachOfLtypes(data) * m_drawing.scale(), m_points.reach());
   m_window.inflate(reach, reach);
   m_out.setLongest(static_cast<double>(std::max(width, height)));
+  // Large drawings may take proportionally longer.
   m_out.addEffort(kEffortPerEntity * static_cast<double>(data.getEntTable().getEntityTbl().size()));
 }
 
@@ -115,7 +118,7 @@ void Walker::draw(CEnt& ent) {
   ent.accept(*this);
 }
 
-// Points reach farther than their boxes.
+// Points extend beyond their boxes, because their size depends on the display.
 bool Walker::isSkipped(const CEnt& ent, const RECT_2D& box) {
   if (!m_out.skips(box)) return false;
   const CEntInsertBase* insert = ent.getEntInsert();
@@ -137,7 +140,7 @@ void Walker::begin(const CEnt& ent) {
 
 // --- Points
 
-// Those of a hatch are the dots of its pattern.
+// Points of a hatch are the dots of its pattern.
 void Walker::visit(CEntPnt& ent) {
   const CEntInsertBase* insert = m_stack.GetTopMostInsert();
   if (insert && insert->getType() == CEntHatch::kType) return dot(ent.getPnt());
@@ -152,6 +155,7 @@ const CLtypeComplexDashSeq* Walker::pattern() const {
   if (!m_ltype || m_ltype->getNoDashes() == 0) return nullptr;
   const CLtypeComplexDashSeq& dashes = m_ltype->GetLtypeComplexDashSeq();
   const double period = dashes.GetPatternLen() * patternScale();
+  // Patterns finer than the device can resolve look continuous.
   return period * m_drawing.scale() > m_options.finestPattern ? &dashes : nullptr;
 }
 
@@ -159,6 +163,7 @@ void Walker::strokeWay(bool closed) {
   const CLtypeComplexDashSeq* dashes = pattern();
   if (!dashes || isTooManyDashes(*dashes)) return drawChain(m_way, closed);
   if (!m_out.spend(m_way.size())) return;
+  // A pattern continues across the closing segment.
   if (closed && !m_way.empty()) m_way.push_back(m_way.front());
   const PatternWay way{m_way, m_stack.GetCurMatrix(), m_place, m_window};
   m_out.beginUnfolding();
@@ -178,6 +183,7 @@ void Walker::drawChain(const std::vector<WIDE_VERTEX>& points, bool closed) {
 }
 
 void Walker::drawMixedChain(std::vector<WIDE_VERTEX> points) {
+  // The last vertex has no segment.
   points.back().widthStart = points.back().widthEnd = 0;
   for (std::size_t first = 0; first + 1 < points.size();) {
     std::size_t last = first + 1;
@@ -213,6 +219,7 @@ void Walker::fillSilhouette(const CPolylineSilhouette& outline) {
   for (std::size_t i = 0; i < outline.getNoRuns(); ++i) {
     const auto start = static_cast<std::ptrdiff_t>(m_device.size());
     for (const PNT_3D& p : outline.getRun(i)) m_device.push_back(m_place.apply(p));
+    // The inner ring runs in the opposite direction, so the non-zero rule leaves it empty.
     if (i > 0) std::reverse(m_device.begin() + start, m_device.end());
     m_ends.push_back(m_device.size());
   }
@@ -284,6 +291,7 @@ std::vector<BULGED_VERTEX> Walker::cornersOf(const CEntPolyline& ent) {
 // Draws straight runs as one stroke, arcs as arcs.
 void Walker::strokeRuns(const CEntPolyline& ent) {
   const std::vector<BULGED_VERTEX> corners = cornersOf(ent);
+  // Every vertex starts a segment, except the last of an open polyline.
   const std::size_t segments = corners.size() - (ent.isClosed() || corners.empty() ? 0 : 1);
   std::vector<WIDE_VERTEX> run;
   for (std::size_t i = 0; i < segments; ++i) {
@@ -303,6 +311,7 @@ void Walker::strokeRuns(const CEntPolyline& ent) {
 
 void Walker::drawBulge(const PNT_3D& from, const PNT_3D& to, double bulge) {
   ARC_3D arc;
+  // Ends at different heights make no planar arc.
   const bool isLevel = from.z == to.z && createArcFromBulge(from, to, bulge, arc);
   if (isLevel) {
     const double start = std::atan2(from.y - arc.y, from.x - arc.x);
@@ -315,7 +324,7 @@ void Walker::drawBulge(const PNT_3D& from, const PNT_3D& to, double bulge) {
   stroke(chords.data(), chords.size(), false);
 }
 
-// Each segment of the file restarts the pattern; an arc is one segment.
+// The pattern restarts at each segment of the file; an arc is one segment.
 void Walker::strokeSegments(const CEntPolyline& ent, bool isCoarse) {
   const std::vector<BULGED_VERTEX> corners = cornersOf(ent);
   const std::size_t segments = corners.size() - (ent.isClosed() || corners.empty() ? 0 : 1);
@@ -332,7 +341,7 @@ void Walker::strokeSegments(const CEntPolyline& ent, bool isCoarse) {
   }
 }
 
-// The chords of an arc, with its end; the width changes evenly.
+// Appends the chords of an arc, with its end; the width changes linearly.
 void Walker::addChords(const BULGED_VERTEX& from, const PNT_3D& to) {
   std::vector<PNT_3D> chords{pointOf(from)};
   bulgePoints(chords[0], to, from.bulge, chords);
@@ -398,6 +407,7 @@ int Walker::chordsOf(double reach, double sweep) const {
 bool Walker::drawTrueArc(const PNT_3D& center, double radius, double start, double sweep) {
   const PNT_2D toStart = m_place.direction(radius * std::cos(start), radius * std::sin(start));
   return m_out.arc(m_place.apply(center), std::hypot(toStart.x, toStart.y),
+                   // A mirrored placement reverses the direction of the sweep.
                    std::atan2(toStart.y, toStart.x), m_place.mirrors() ? -sweep : sweep);
 }
 
@@ -405,7 +415,7 @@ bool Walker::drawTrueArc(const PNT_3D& center, double radius, double start, doub
 
 void Walker::visit(CEntText& ent) { drawText(ent.getText(), m_place); }
 
-// In a block it is only a template for inserts.
+// In a block, an attribute definition is only a template for the attributes of inserts.
 void Walker::visit(CEntAttdef& ent) {
   if (m_stack.GetNoInsert() == 0 && (ent.getFlags() & kInvisible) == 0)
     drawText(ent.getText(), m_place);
@@ -417,7 +427,7 @@ void Walker::visit(CEntAttrib& ent) {
 
 void Walker::text(const TEXT_3D& element) { drawText(element, m_drawing); }
 
-// It is justified as displayed, without its codes.
+// Justified as displayed, without its codes.
 void Walker::drawText(const TEXT_3D& text, const Placement& place) {
   CTextContext context = text.getContext();
   const DecodedText decoded = decodeTextCodes(context.getString());

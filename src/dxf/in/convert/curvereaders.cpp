@@ -1,6 +1,6 @@
 // Ellipses, splines, helices and leaders become plain polylines through points of the curve. The
-// chord error is relative to the curve's size, so that the picture is the same at any scale, and a
-// limit per file on the points applies to all of them.
+// chord error is relative to the curve's size, so that the picture is the same at any scale. A
+// limit per file on the number of points applies to all curves together.
 #include "dxf/in/convert/curvereaders.h"
 
 #include <algorithm>
@@ -58,6 +58,7 @@ EntPtr CurveReader::readEllipse() {
   const Record& r = m_in.record();
   // A negative ratio reverses the minor axis, like the opposite normal.
   const PNT_3D up = PlaneAxes(r.extrusion).z;
+  // Flatter ellipses are invalid; rounding by the writer must not lose the entity.
   const double ratio = std::max(std::fabs(r.real(40)), kFlattest);
   ELLIPSE_3D ellipse;
   if (!ellipse.set(r.point(0), r.point(1), ratio, r.real(41), r.real(42, kTwoPi),
@@ -88,6 +89,7 @@ bool CurveReader::readSplineRecord() {
 
 void CurveReader::takeSplinePair(long code) {
   if (code == kSubclass) {
+    // A helix repeats the codes for its own data after the spline.
     m_isSpline = !m_in.lexer().isKeyword("ACDBHELIX");
   } else if (!m_isSpline) {
     m_in.passOver();
@@ -106,6 +108,7 @@ EntPtr CurveReader::buildSpline(const zim::WString& kind) {
   const bool closed = (r.integer(70) & (kSplineClosed | kPeriodic)) != 0;
   m_spline.degree = static_cast<int>(r.integer(71, 3));
   m_chain.clear();
+  // Without a curve through the fit points, the controls are all there is.
   if (m_spline.controls.size() >= 2 || !fit(closed)) addChords();
   return finish(closed, kind);
 }
@@ -116,6 +119,7 @@ bool CurveReader::fit(bool closed) {
   const Record& r = m_in.record();
   PNT_3D start = r.point(2), end = r.point(3);
   if (closed && m_fits.size() > 2) {
+    // Some files repeat the first point of a closed curve, others do not.
     if (!endsMeet(m_fits)) m_fits.push_back(m_fits.front());
     const PNT_3D zero(0, 0, 0);
     if (start == zero && end == zero) start = end = m_fits[1] - m_fits[m_fits.size() - 2];
@@ -133,6 +137,7 @@ void CurveReader::addChords() {
     m_in.note(ReportCode::WeightsIgnored);
     weights.clear();
   }
+  // An invalid spline is approximated by its control polygon, and reported.
   if (!m_spline.isValid()) {
     m_spline.controlPolygon(m_chain);
     if (m_chain.size() >= 2) m_in.note(ReportCode::CurveAsFrame);
@@ -144,8 +149,10 @@ void CurveReader::addChords() {
 
 void CurveReader::keepWithinRoom() {
   constexpr std::size_t few = 8;
+  // Already short: thinning would gain nothing.
   if (m_chain.size() <= few + 1 || m_in.takeCurveRoom(m_chain.size())) return;
   const std::size_t last = m_chain.size() - 1;
+  // Evenly distributed, including both ends.
   for (std::size_t i = 1; i <= few; ++i) m_chain[i] = m_chain[i * last / few];
   m_chain.resize(few + 1);
 }
@@ -155,6 +162,7 @@ EntPtr CurveReader::finish(bool closed, const zim::WString& kind) {
 }
 
 std::vector<EntPtr> CurveReader::buildPolyline(bool closed) {
+  // The closing flag replaces the repeated point.
   if (closed && m_chain.size() > 2 && endsMeet(m_chain)) m_chain.pop_back();
   std::vector<EntPtr> built;
   const short flags = CEntPolyline::kLtGen | (closed ? CEntPolyline::kClosed : 0);
@@ -173,6 +181,7 @@ EntPtr CurveReader::readLeader() {
     if (!styleReader.take(m_in.lexer())) m_in.note(ReportCode::CodeDropped, u"1001");
   };
   if (!m_in.read(kind, LeaderCodes(), 2, takeOwn)) return nullptr;
+  // A leader's vertices are fit points of its spline.
   if (m_in.record().integer(72) == kSplinePath && m_chain.size() > 2 &&
       m_spline.createFit(m_chain)) {
     m_chain.clear();

@@ -1,7 +1,7 @@
-// Draws a dimension that has no block, as its style says: extension lines, dimension line with
-// heads, and the text. The definition points are in the world, the dimension line in the plane of
-// the record; everything is computed in that plane and converted when an entity is made. Heads move
-// outside where the line is too short for them.
+// Draws a dimension without a block according to its style: extension lines, dimension line with
+// heads, and the text. Definition points are in world coordinates, the dimension line in the plane
+// of the record; everything is computed in that plane and converted when an entity is created.
+// Heads move outside if the line is too short for them.
 #include "dxf/in/convert/dimensiondrawing.h"
 
 #include <algorithm>
@@ -49,6 +49,7 @@ PNT_3D DimensionDrawing::worldPoint(long i) const { return m_in.record().point(i
 
 // Measured points are in world coordinates; here they are converted to the plane of the line.
 PNT_3D DimensionDrawing::planePoint(long i) const {
+  // The dimension line determines the height; measured points may be anywhere above or below.
   const double height = m_axes.fromWorld(worldPoint(0)).z;
   const PNT_3D p = m_axes.fromWorld(worldPoint(i));
   return PNT_3D(p.x, p.y, height);
@@ -60,11 +61,13 @@ double DimensionDrawing::angleOf(const PNT_3D& from, const PNT_3D& to) const {
 
 void DimensionDrawing::setColor(DimStyle::Code code) {
   const double color = m_style.number(code);
+  // 0 stands for BYBLOCK, which means the color of the dimension.
   m_in.setColor(color >= 1 && color <= 256 ? static_cast<short>(color) : m_color);
 }
 
 void DimensionDrawing::draw(const MTextRecord& given) {
   MTextRecord text = given;
+  // "<>" stands for the measurement, and is also the default text.
   if (text.text.empty()) text.text = u"<>";
   const std::size_t mark = text.text.find(u"<>");
   if (mark != std::u16string::npos) text.text.replace(mark, 2, measured());
@@ -98,7 +101,8 @@ void DimensionDrawing::drawLine(const PNT_3D& from, const PNT_3D& to) {
   if (!std::isfinite(distance(start, end))) return m_in.fail(CFileDXFIError::InconsistentRecord);
   const Record& r = m_in.record();
   if (EntPtr line =
-          m_in.make().line(r.withHandle(built.empty() ? r.handle : 0), LINE_3D(start, end)))
+          // The first entity inherits the record's handle, so that references to it remain valid.
+      m_in.make().line(r.withHandle(built.empty() ? r.handle : 0), LINE_3D(start, end)))
     built.push_back(std::move(line));
 }
 
@@ -107,6 +111,7 @@ void DimensionDrawing::drawExtension(const PNT_3D& from, const PNT_3D& to,
                                      DimStyle::Code suppression) {
   const double start = m_style.length(DimStyle::kExtensionStart);
   const double length = distance(from, to);
+  // Suppressed, or the measured point is closer to the line than the offset.
   if (m_style.isSet(suppression) || !(length > start)) return;
   setColor(DimStyle::kExtensionColor);
   const double angle = angleOf(from, to);
@@ -115,6 +120,7 @@ void DimensionDrawing::drawExtension(const PNT_3D& from, const PNT_3D& to,
 
 double DimensionDrawing::lineAngle() const {
   const PNT_3D from = planePoint(3), to = planePoint(4);
+  // Without a distance there is no direction to align with.
   const bool isAligned = m_type == DimensionType::Aligned && (from.x != to.x || from.y != to.y);
   return isAligned ? angleOf(from, to) : m_in.record().real(50) * kRadiansPerDegree;
 }
@@ -122,6 +128,7 @@ double DimensionDrawing::lineAngle() const {
 void DimensionDrawing::drawLinear() {
   const double angle = lineAngle(), x = std::cos(angle), y = std::sin(angle);
   const PNT_3D on = planePoint(0);
+  // The foot of the perpendicular from a measured point on the dimension line.
   const auto foot = [&](const PNT_3D& p) {
     return along(on, angle, (p.x - on.x) * x + (p.y - on.y) * y);
   };
@@ -141,12 +148,14 @@ void DimensionDrawing::drawBetween(const PNT_3D& from, const PNT_3D& to) {
   if (isOutside) {
     drawOutside(0, from, angle);
     drawOutside(1, to, angle + kPi);
+    // A missing flag counts as set: a missing line would be more misleading than a superfluous one.
     const bool hasLine =
         !m_style.has(DimStyle::kLineInside) || m_style.isSet(DimStyle::kLineInside);
     if (hasLine) drawBroken(from, to);
     return;
   }
   const auto reach = [&](int end) {
+    // Strokes extend the line by the style's amount, filled heads replace its end.
     if (m_heads.isStroke(end)) return m_style.length(DimStyle::kLineEnd);
     return m_heads.isThin(end) ? 0 : -size;
   };
@@ -175,6 +184,7 @@ void DimensionDrawing::drawBroken(const PNT_3D& from, const PNT_3D& to) {
   const double aside = std::fabs((text.y - from.y) * x - (text.x - from.x) * y);
   const double half = textReach(angle) + m_style.length(DimStyle::kGap);
   const double length = distance(from, to);
+  // The text interrupts the line only if its box touches it.
   const bool isOn =
       m_textWidth > 0 && aside < textReach(angle + kPi / 2) && at + half > 0 && at - half < length;
   if (!isOn) return drawLine(from, to);
@@ -183,6 +193,7 @@ void DimensionDrawing::drawBroken(const PNT_3D& from, const PNT_3D& to) {
 }
 
 void DimensionDrawing::drawOrdinate() {
+  // Ordinates have a leader only, no dimension line.
   setColor(DimStyle::kExtensionColor);
   m_middle = planePoint(4);
   drawLine(planePoint(3), planePoint(4));
@@ -215,7 +226,10 @@ void DimensionDrawing::drawLeader(const PNT_3D& tip) {
   const PNT_3D text = textPoint();
   const double angle = angleOf(text, tip), length = distance(text, tip);
   const double side = std::fabs(std::remainder(angle - textAngle(), kPi));
+  // Distance from the center of the text's box to its border in the direction of the leader:
+  // whichever pair of sides is hit first.
   const double edge = std::min(m_textWidth / std::cos(side), m_textHeight / std::sin(side)) / 2;
+  // Never beyond the tip.
   const double clear = std::min(edge + m_style.length(DimStyle::kGap), length);
   const double back = m_heads.isThin(1) ? 0 : std::min(m_heads.size(), length - clear);
   drawLine(along(text, angle, clear), along(tip, angle, -back));
@@ -233,6 +247,7 @@ bool DimensionDrawing::findCenter(PNT_3D& center) const {
     return true;
   }
   const PNT_3D a = planePoint(3), b = planePoint(4), c = planePoint(5), d = planePoint(0);
+  // Zero for parallel lines, whose intersection is then infinite and rejected below.
   const double cross = (b.x - a.x) * (d.y - c.y) - (b.y - a.y) * (d.x - c.x);
   const double t = ((c.x - a.x) * (d.y - c.y) - (c.y - a.y) * (d.x - c.x)) / cross;
   center = PNT_3D(a.x + t * (b.x - a.x), a.y + t * (b.y - a.y), a.z);
@@ -295,6 +310,7 @@ void DimensionDrawing::drawAngle() {
 void DimensionDrawing::drawArc(const Sweep& arc) {
   setColor(DimStyle::kLineColor);
   const double size = m_heads.size(), end = arc.start + arc.sweep;
+  // The angle at the center that a head spans on the arc.
   const double turn = std::min(size / arc.radius, kPi);
   const bool isOutside = arc.sweep < kRoomForHeads * turn && !m_heads.isStroke(0);
   // Heads are chords of the arc: they are rotated by half the angle they span.
@@ -327,8 +343,10 @@ void DimensionDrawing::drawBroken(const Sweep& arc) {
 }
 
 void DimensionDrawing::drawChords(const Sweep& arc) {
+  // A text at an end leaves a part of negative length.
   if (!(arc.sweep > 0) || m_in.failed()) return;
   int count = std::max(2, arcChords(arc.sweep, m_in.context().options.policy.chordError));
+  // Without room for the chords, two of them still show the angle.
   if (!m_in.takeCurveRoom(static_cast<std::size_t>(count))) count = 2;
   std::vector<PNT_3D> points;
   for (int i = 0; i <= count; ++i)
@@ -357,6 +375,7 @@ double DimensionDrawing::measurement() const {
     case DimensionType::Angular:
     case DimensionType::AngularByPoints:
       return sweep().sweep;
+    // The length of the arc, not of its chord.
     case DimensionType::Arc:
       return sweep().sweep * distance(planePoint(5), zero);
     default:
@@ -393,6 +412,7 @@ double DimensionDrawing::textAngle() const {
   if (!isLine || isLevel) return 0;
   constexpr double tolerance = 1e-9;  // of a direction's length
   const double angle = lineAngle(), x = std::cos(angle), y = std::sin(angle);
+  // Almost vertical lines count as vertical: rounding must not turn the text over.
   const bool isBack = x < -tolerance || (x < tolerance && y < 0);
   return isBack ? angle + kPi : angle;
 }
@@ -401,6 +421,7 @@ void DimensionDrawing::drawText(const MTextRecord& given) {
   setColor(DimStyle::kTextColor);
   MTextRecord text = given;
   text.box.height = m_textHeight;
+  // 5 is middle center.
   text.box.attachment = 5;
   text.style = m_in.context().semantor.getStyleStandard();
   text.at = m_axes.toWorld(textPoint());

@@ -23,6 +23,7 @@ struct Picture {
   /// Whether it can be inserted; if not, records an error. A block that is not defined yet is
   /// created.
   bool ready(RecordReader& in) {
+    // Blocks may follow in the file, so the reference creates it and the definition fills it.
     if (!block) block = in.context().semantor.createBlockHurried(name, 0);
     if (block && !block->isXRef()) return true;
     if (!in.failed()) in.fail(CFileDXFIError::BlockNotFound);
@@ -43,6 +44,7 @@ EntPtr insertPicture(RecordReader& in, Picture& picture, const PNT_3D& at, doubl
 
 DimensionType typeOf(const RecordReader& in, bool isArc, bool isLargeRadius) {
   constexpr long mask = 7, last = static_cast<long>(DimensionType::Ordinate);
+  // Unknown types are drawn as the last known one.
   if (isArc) return DimensionType::Arc;
   if (isLargeRadius) return DimensionType::LargeRadius;
   return static_cast<DimensionType>(std::min(in.record().integer(70) & mask, last));
@@ -71,6 +73,7 @@ EntPtr readDimension(RecordReader& in) {
     if (!styleReader.take(in.lexer())) in.note(ReportCode::CodeDropped, u"1001");
   };
   if (!in.read(kind, DimensionCodes(), 2, take)) return nullptr;
+  // A named block may still be defined later while the BLOCKS section is not complete.
   const bool isShown = picture.block || (!picture.name.empty() && !in.blocksRead);
   if (isShown) {
     // A copy of a dimension shares the picture of the first one, moved.

@@ -1,6 +1,6 @@
 // The text of a measured value in the units of a style: decimal, feet and inches with fractions,
 // angles in degrees or parts of them. Values are rounded once, to a whole number of the smallest
-// parts shown, and everything is formatted from that integer, so that no carry is lost.
+// parts shown, and formatted from that integer, so that no carry is lost.
 #include "dxf/in/convert/dimensiontext.h"
 
 #include <algorithm>
@@ -48,6 +48,7 @@ std::u16string decimalOfParts(std::int64_t parts, const Form& form) {
   std::u16string text = integer(parts);
   const auto decimals = static_cast<std::size_t>(form.decimals);
   if (decimals == 0) return text;
+  // At least one digit before the separator.
   if (text.size() <= decimals) text.insert(0, decimals + 1 - text.size(), u'0');
   text.insert(text.size() - decimals, 1, form.separator);
   if (!form.trailing) text.erase(text.find_last_not_of(u'0') + 1);
@@ -65,6 +66,7 @@ std::u16string decimal(double value, const Form& form) {
 std::u16string scientific(double value, const Form& form) {
   long exponent = value == 0 ? 0 : static_cast<long>(std::floor(std::log10(std::fabs(value))));
   std::int64_t parts = partsOf(value / powerOf(10, exponent), powerOf(10, form.decimals));
+  // Rounding carried into another digit.
   if (static_cast<double>(parts) >= powerOf(10, form.decimals + 1)) {
     parts /= 10;
     ++exponent;
@@ -79,6 +81,7 @@ std::u16string scientific(double value, const Form& form) {
 std::u16string fraction(std::int64_t parts, std::int64_t partsOfOne) {
   const std::int64_t whole = parts / partsOfOne, rest = parts % partsOfOne;
   if (rest == 0) return integer(whole);
+  // Reduced, as drawings show 1/2 instead of 8/16.
   const std::int64_t common = std::gcd(rest, partsOfOne);
   return (whole > 0 ? integer(whole) + u" " : u"") + integer(rest / common) + u"/" +
          integer(partsOfOne / common);
@@ -92,6 +95,7 @@ std::u16string feetAndInches(std::int64_t parts, std::int64_t partsOfInch, long 
   const std::int64_t partsOfFoot = 12 * partsOfInch;
   const std::int64_t feet = parts / partsOfFoot, inches = parts % partsOfFoot;
   const bool hasFeet = feet > 0 || zeroes == 1 || zeroes == 2;
+  // A value of zero is shown as inches, rather than as nothing.
   const bool hasInches = inches > 0 || zeroes == 1 || zeroes == 3 || !hasFeet;
   std::u16string text;
   if (hasFeet) text = integer(feet) + u"'";
@@ -102,6 +106,7 @@ std::u16string feetAndInches(std::int64_t parts, std::int64_t partsOfInch, long 
 std::u16string lengthNumber(double value, long unit, long zeroes, const Form& form) {
   enum { Scientific = 1, Engineering = 3, Architectural, Fractional };
   constexpr long ofFeet = 3;
+  // These units count binary fractions of an inch, so the decimals are a power of two.
   const bool isByHalves = unit == Architectural || unit == Fractional;
   const double partsOfOne = powerOf(isByHalves ? 2 : 10, form.decimals);
   const std::int64_t parts = partsOf(value, partsOfOne);
@@ -109,6 +114,7 @@ std::u16string lengthNumber(double value, long unit, long zeroes, const Form& fo
   if (unit == Scientific) return scientific(value, form);
   if (!isInches) return decimal(value, form);
   const auto whole = static_cast<std::int64_t>(partsOfOne);
+  // A value that rounds to zero has no sign.
   const std::u16string sign = value < 0 && parts > 0 ? u"-" : u"";
   if (unit == Fractional) return sign + fraction(parts, whole);
   return sign + feetAndInches(parts, whole, zeroes & ofFeet, [&](std::int64_t inches) {
@@ -122,6 +128,7 @@ std::u16string degreesAndMinutes(double degrees, const Form& form) {
   const long decimals = std::max(form.decimals - 4, 0L);
   const double partsOfSecond = powerOf(10, decimals);
   double partsOfDegree = 3600 * partsOfSecond;
+  // 0 decimals show degrees, 1 and 2 minutes, 3 and 4 seconds, and more fractions of a second.
   if (form.decimals < 3) partsOfDegree = form.decimals == 0 ? 1 : 60;
   std::int64_t parts = partsOf(degrees, partsOfDegree);
   if (parts < 0) return shortest(degrees) + u"%%d";
@@ -143,6 +150,7 @@ long decimalsOf(const DimStyle& style, long code) {
 
 char16_t separatorOf(const DimStyle& style) {
   const double letter = style.number(DimStyle::kSeparator);
+  // Surrogates and control characters cannot separate anything.
   return letter > u' ' && letter < 0xD800 ? static_cast<char16_t>(letter) : u'.';
 }
 
@@ -151,6 +159,7 @@ char16_t separatorOf(const DimStyle& style) {
 std::u16string lengthText(const DimStyle& style, double length, std::u16string_view sign) {
   const double factor = style.number(DimStyle::kFactor), round = style.number(DimStyle::kRound);
   double value = length * (factor > 0 ? factor : 1);
+  // The style's rounding step applies before the decimals.
   if (round > 0) value = std::floor(value / round + 0.5) * round;
   constexpr long noLeading = 4, noTrailing = 8;
   const long zeroes = style.integer(DimStyle::kZeroes);
@@ -161,6 +170,7 @@ std::u16string lengthText(const DimStyle& style, double length, std::u16string_v
   const std::u16string around(style.text(DimStyle::kPost).view());
   const std::size_t mark = around.find(u"<>");
   if (mark == std::u16string::npos) return std::u16string(sign) + number + around;
+  // A prefix in the style replaces the sign of a radius or diameter.
   return (mark == 0 ? std::u16string(sign) : around.substr(0, mark)) + number +
          around.substr(mark + 2);
 }

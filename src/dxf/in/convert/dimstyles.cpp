@@ -1,6 +1,6 @@
-// Dimension styles as tables of numbers and texts by group code, with the same codes for entries of
-// the DIMSTYLE table, header variables and overrides in a dimension's extended data. Only what the
-// drawing of dimensions uses has a name in `DimStyle`; the other codes serve to recognize a style
+// Dimension styles as tables of numbers and texts by group code. Entries of the DIMSTYLE table,
+// header variables and overrides in a dimension's extended data share these codes. Only codes that
+// the drawing of dimensions uses have names in `DimStyle`; the others serve to recognize a style
 // that is not at its defaults, and is therefore reported as lost.
 #include "dxf/in/convert/dimstyles.h"
 
@@ -130,11 +130,13 @@ void DimStyle::take(long code, const CFileDXFILexer& lexer) {
   if (code >= kPost && code <= kLastText) {
     m_texts[code] = lexer.getText();
   } else if (code >= vek0::detail::kFirstHandle && code <= kLastHandle) {
+    // Handles of 48 bits are exact in a double.
     m_numbers[code] = static_cast<double>(parseHex(bytes) & 0xFFFFFFFFFFFF);
   } else if (isNumber(code) && beginsWithNumber(bytes)) {
     const ParsedDouble value = parseDouble(bytes);
     if (value.finite) m_numbers[code] = value.value;
     if (value.finite && code == kOldUnit)
+      // An explicit unit takes precedence over the older code.
       m_numbers.try_emplace(kUnit, value.value > 5 ? value.value - 2 : value.value);
   }
 }
@@ -160,6 +162,7 @@ double DimStyle::number(long code) const {
 }
 
 long DimStyle::integer(long code) const {
+  // Files contain any number; a conversion beyond `long` would be undefined.
   constexpr double most = 1e9;
   return static_cast<long>(std::clamp(number(code), -most, most));
 }
@@ -171,6 +174,7 @@ zim::WString DimStyle::text(long code) const {
 
 double DimStyle::length(long code) const {
   const double scale = number(kScale);
+  // 0 is the scale of a style that a layout determines, and means 1 here.
   return number(code) * (scale > 0 ? scale : 1);
 }
 
@@ -207,9 +211,11 @@ void DimStyles::takeVariable(const zim::WString& name, const zim::WString& value
 DimStyle DimStyles::get(const zim::WString& name) const {
   const auto known = m_styles.find(folded(name));
   const bool isKnown = known != m_styles.end();
+  // Old files state no decimals and use the units of the drawing.
   const bool isOld = !m_header.has(DimStyle::kDecimals);
   DimStyle style;
   if (isOld) style.change(m_units);
+  // The header states the current style, and supplies what the style itself does not state.
   if (!isKnown || zim::equalsIgnoreCase(name, m_current)) style.change(m_header);
   if (isKnown) style.change(known->second);
   return style;
@@ -229,6 +235,8 @@ bool DimStyleReader::take(const CFileDXFILexer& lexer) {
     m_place = lexer.isKeyword("ACAD") ? Application : Outside;
     return m_place == Application;
   } else if (m_place == Application) {
+    // Overrides follow the text "DSTYLE" in braces, as pairs of code and value. Anything unexpected
+    // ends them.
     m_place = code == text && lexer.isKeyword("DSTYLE") ? Mark : Outside;
   } else if (m_place == Mark) {
     m_place = code == brace ? Code : Outside;

@@ -1,6 +1,6 @@
 // Recognizes catalogue patterns and normalizes others. A record states the lines of its pattern
-// already scaled and rotated; these are undone first, and rounded, because computing them back and
-// forth leaves noise by which equal patterns would differ.
+// already scaled and rotated. Both are undone first and the results rounded, because the
+// conversions leave noise that would make equal patterns differ.
 #include "dxf/in/convert/hatchpattern.h"
 
 #include <algorithm>
@@ -30,6 +30,7 @@ std::vector<Stroke> strokesOf(const std::vector<double>& dashes, double& period)
   std::vector<Stroke> strokes;
   period = 0;
   for (const double dash : dashes) {
+    // Adjacent strokes without a gap are one stroke; dots remain dots.
     const bool touches = !strokes.empty() && strokes.back().start + strokes.back().length == period;
     if (dash > 0 && touches && strokes.back().length > 0)
       strokes.back().length += dash;
@@ -48,10 +49,12 @@ void addLongFamily(const HATCH_LINE& line, const std::vector<double>& dashes,
   const std::vector<Stroke> strokes = strokesOf(dashes, period);
   for (std::size_t first = 0; first < strokes.size(); first += kMaxDashes / 2) {
     const std::size_t end = std::min(first + kMaxDashes / 2, strokes.size());
+    // Each part starts at its first stroke, so its period needs no leading gap.
     HATCH_LINE part = line;
     part.x0 += strokes[first].start * std::cos(line.angle);
     part.y0 += strokes[first].start * std::sin(line.angle);
     for (std::size_t i = first; i < end; ++i) {
+      // The last gap extends to the first stroke of the next period.
       const double next = i + 1 < end ? strokes[i + 1].start : strokes[first].start + period;
       part.dash[part.numDash++] = strokes[i].length;
       part.dash[part.numDash++] = strokes[i].start + strokes[i].length - next;
@@ -71,11 +74,13 @@ void addFamily(HATCH_LINE line, const std::vector<double>& dashes, std::vector<H
 // frame: along the line and across it.
 std::vector<HATCH_LINE> ownLines(const PatternRecord& record) {
   std::vector<HATCH_LINE> lines;
+  // Rotated back about the origin, which the base point of a line refers to.
   const double s = record.scale, back = -record.angleRad;
   for (const PatternLine& from : record.lines) {
     const double a = from.angleDeg * kRadiansPerDegree;
     const double x0 = (from.base[0] * std::cos(back) - from.base[1] * std::sin(back)) / s;
     const double y0 = (from.base[0] * std::sin(back) + from.base[1] * std::cos(back)) / s;
+    // The record's offset is in world directions; a family counts it along and across its lines.
     const double dx = (from.offset[0] * std::cos(a) + from.offset[1] * std::sin(a)) / s;
     const double dy = (from.offset[1] * std::cos(a) - from.offset[0] * std::sin(a)) / s;
     std::vector<double> dashes(from.dashes);
@@ -109,6 +114,7 @@ double rounded(double value, double perUnit) {
 
 // Rounds last, because subtracting a turn also leaves noise.
 double roundedAngle(double angleRad) {
+  // Reduced to one turn first, so that equal directions become equal numbers.
   const double turn = 360, degrees = angleRad / kRadiansPerDegree;
   const double within = rounded(degrees - turn * std::floor(degrees / turn), kDegreeSteps);
   return (within < turn ? within : 0) * kRadiansPerDegree;
@@ -121,6 +127,7 @@ HATCH_LINE rounded(HATCH_LINE line) {
   constexpr double kOffRound = 0.37;
   const double perUnit =
       std::pow(10, kSizeDigits - std::floor(std::log10(sizeOf(line)) + kOffRound));
+  // Zero or extreme sizes have no useful step.
   if (!std::isnormal(perUnit)) return line;
   line.angle = roundedAngle(line.angle);
   for (double* length : {&line.x0, &line.y0, &line.dx, &line.dy})
@@ -137,6 +144,7 @@ int noDashes(const HATCH_LINE& line) {
 }
 
 bool isMultiple(const HATCH_LINE& line, const HATCH_LINE& of, double factor) {
+  // Compared relative to the family's size, because small offsets of large patterns carry noise.
   const double size = sizeOf(of) * factor;
   const double turns = (line.angle - of.angle) / (360 * kRadiansPerDegree);
   if (noDashes(line) != noDashes(of) || !isNear(turns, std::round(turns), 1) ||
@@ -151,6 +159,7 @@ bool isMultiple(const HATCH_LINE& line, const HATCH_LINE& of, double factor) {
 // Scale of the lines relative to the catalogue's; 0 if they differ.
 double factorOf(const std::vector<HATCH_LINE>& lines, const HATCH_TYPE& type) {
   if (lines.size() != static_cast<std::size_t>(type.numLines)) return 0;
+  // Any scale matches if it is common to all lines; the first line determines it.
   const double factor = lines[0].dy / type.lines[0].dy;
   if (!std::isfinite(factor) || factor <= 0) return 0;
   const auto isOne = [&](const HATCH_LINE& a, const HATCH_LINE& b) {
@@ -165,11 +174,13 @@ Pattern findPattern(const PatternRecord& record, CHatchTypeTable& types) {
   if (record.solid) return {&types.solid(), record.scale};
   const HATCH_TYPE* named = getHatch(record.name);
   if (record.lines.empty()) {
+    // A user-defined pattern has no lines in the record: one family, or two if crossed.
     if (record.kind == PatternRecord::UserDefined)
       return {&types.intern(record.name, userLines(record.crossed)), record.scale};
     return {named ? named : &types.intern(record.name, {}), record.scale};
   }
   std::vector<HATCH_LINE> lines = ownLines(record);
+  // Compared before rounding: the tolerance is larger than the noise.
   const double factor = named ? factorOf(lines, *named) : 0;
   if (factor > 0) return {named, record.scale * factor};
   std::transform(lines.begin(), lines.end(), lines.begin(),

@@ -1,7 +1,7 @@
 // Decodes the codes within an MTEXT into pieces of text, each with the index of its format, and
-// paragraphs. Formats repeat, so the recent ones are compared before a new one is stored. Braces
-// save and restore the format. An unknown code is text. Codes that cannot be shown are recorded for
-// the report.
+// paragraphs. Formats repeat, so recent ones are compared before a new one is stored. Braces save
+// and restore the format. Unknown codes are treated as text. Codes that cannot be shown are
+// recorded for the report.
 #include "dxf/in/convert/mtextcodes.h"
 
 #include <algorithm>
@@ -92,8 +92,8 @@ class Decoder {
   MTextFormat m_base;
   MTextContent m_content;
   Look m_look;
-  std::vector<Look> m_groups;    // outside the open braces
-  std::size_t m_deepGroups = 0;  // open beyond those
+  std::vector<Look> m_groups;    // looks outside the open braces
+  std::size_t m_deepGroups = 0;  // open braces beyond those
 };
 
 void Decoder::step() {
@@ -153,6 +153,7 @@ void Decoder::escape() {
     return;
   }
   m_in.skip(1);
+  // A backslash at the end of the text stands for itself.
   if (m_in.empty()) return addLetter(u'\\');
   m_in.skip(1);
   if (formatCode(code)) return;
@@ -240,6 +241,7 @@ void Decoder::factor(double MTextFormat::*member, double base) {
   m_in.skipIf(u';');
   MTextFormat f = format();
   if (isRelative) value *= f.*member;
+  // Accumulated relative heights could overflow or vanish; such a code is ignored.
   if (!isNumber || !(value > 0) || !(value >= base / kScaleLimit) || !(value <= base * kScaleLimit))
     return;
   f.*member = value;
@@ -273,6 +275,7 @@ void Decoder::trueColor() {
   m_in.skipIf(u';');
   constexpr double most = 0xFFFFFF;
   if (!isNumber || !(value >= 0 && value <= most)) return drop(u"c");
+  // Unpacked with red and blue exchanged, hence swapped back.
   const RGB_COLOR swapped = unpackColor(static_cast<long>(value));
   MTextFormat f = format();
   f.color = nearestPaletteColor({swapped.b, swapped.g, swapped.r});
@@ -301,10 +304,12 @@ void Decoder::tracking() {
 }
 
 void Decoder::font() {
+  // Without a semicolon in the rest, the code has no argument and would swallow the text.
   if (!hasArgument()) return;
   const std::u16string_view argument = m_in.takeArgument();
   const std::u16string_view name =
       argument.substr(0, std::min(argument.find(u'|'), argument.size()));
+  // The symbol font has its own glyphs for letters.
   m_look.symbols = zim::equalsIgnoreCase(name.substr(0, 3), u"gdt");
   if (m_look.symbols) return;
   drop(u"f" + std::u16string(name));
@@ -358,6 +363,7 @@ void Decoder::stack() {
 void Decoder::paragraph() {
   if (!hasArgument()) return;
   MTextCursor in(m_in.takeArgument());
+  // Settings that the code does not mention are inherited from the previous paragraph.
   MTextParagraph paragraph = m_content.paragraphs.back();
   while (!in.empty()) {
     const char16_t code = in.take();
@@ -412,9 +418,11 @@ MTextPiece& Decoder::add(MTextPiece::Kind kind) {
 }
 
 void Decoder::addLetter(char16_t c) {
+  // Control characters have no glyph.
   if (c < u' ') return;
   auto& pieces = m_content.pieces;
   const bool afterLetter = !pieces.empty() && pieces.back().kind == MTextPiece::Word;
+  // Lines may break before and after ideographs, so each is a word of its own.
   const bool parts = isIdeographic(c) || (afterLetter && isIdeographic(pieces.back().text.back()));
   if (!afterLetter || parts || pieces.back().format != m_look.format) {
     MTextPiece& piece = add(MTextPiece::Word);
@@ -458,8 +466,10 @@ double measure(std::u16string_view text, const MTextFormat& format) {
     const bool isLine =
         code == zim::foldCase(u'u') || code == zim::foldCase(u'o') || code == zim::foldCase(u'k');
     const bool isNumber = code >= u'0' && code <= u'9';
+    // Codes for lines have no width; all other codes show a single character.
     if (!isLine) width += letterWidth(u'o', format.form);
     i += 2;
+    // A number has up to three digits.
     for (int digits = 1; isNumber && digits < 3 && i + 1 < text.size() && text[i + 1] >= u'0' &&
                          text[i + 1] <= u'9';
          ++digits)

@@ -1,7 +1,7 @@
-// Breaks the pieces of a formatted text into lines and places them. We have no font of the original
-// program, so widths are estimates, and a line that ought to fit may come out a little too long.
-// Hence the layout prefers what the record states: the number of lines and the width that its
-// program has measured; characters are stretched to match, within limits, and text that may fit on
+// Breaks the pieces of a formatted text into lines and places them. The font of the original
+// program is not available, so widths are estimates, and a line that should fit may be slightly too
+// long. Hence the layout prefers what the record states: the number of lines and the width that its
+// program has measured. Characters are stretched to match, within limits, and text that may fit on
 // one line stays there.
 #include "dxf/in/convert/mtextlayout.h"
 
@@ -81,7 +81,7 @@ class Layout {
   const MTextContent& m_content;
   const MTextBox& m_box;
   std::size_t m_most;
-  double m_stretch = 1;      // of all letters
+  double m_stretch = 1;      // of all characters
   bool m_mayBreak = true;    // lines may be wrapped between explicit breaks
   bool m_isLenient = true;   // lets text that may fit stay in one line
   bool m_isOneLine = false;  // the text up to the next explicit break
@@ -91,7 +91,7 @@ class Layout {
   std::vector<MTextRun> m_runs;
   Line m_line;
   bool m_isParagraphStart = true;  // the line begins one
-  double m_x = 0;                  // where the next piece goes
+  double m_x = 0;                  // position of the next piece
   double m_bottom = 0;             // of all columns
 };
 
@@ -111,10 +111,12 @@ double Layout::height(const MTextPiece& piece) const {
 
 // Number of lines according to the record; 0 if not stated, or if lines differ in height.
 std::size_t Layout::toldLines() const {
+  // Columns distribute the height differently.
   if (!(m_box.shownHeight > 0) || m_box.columns > 1) return 0;
   double tall = 0;
   for (const MTextPiece& piece : m_content.pieces) {
     if (!piece.isWord()) continue;
+    // With lines of several heights, the total does not determine their number.
     if (tall > 0 && height(piece) != tall) return 0;
     tall = height(piece);
   }
@@ -129,12 +131,14 @@ void Layout::breakAsTold() {
   breakLines();
   const std::size_t told = toldLines();
   if (told > 0 && m_lines.size() != told) fitLines(told);
+  // Matches the widest line to the stated width. Limited, as the estimate may fail entirely.
   const double stretch = m_box.shownWidth / std::max(widestLine(), m_box.shownWidth / kMostStretch);
   if (m_box.columns > 1 || !(stretch > 1 / kMostStretch)) return;
   const double before = m_stretch;
   const std::size_t lines = m_lines.size();
   m_stretch *= stretch;
   breakLines();
+  // Stretching must not change the line breaks that were just matched.
   if (m_lines.size() == lines) return;
   m_stretch = before;
   breakLines();
@@ -150,12 +154,15 @@ void Layout::fitLines(std::size_t told) {
   if (m_lines.size() >= told) return;
   m_mayBreak = true;
   double least = 1 / kMostStretch, most = kMostStretch;
+  // Bisection of the stretch on a logarithmic scale, because it is a factor.
   for (int i = 0; i < rounds; ++i) {
     m_stretch = std::sqrt(least * most);
     breakLines();
     if (m_lines.size() == told) return;
+    // Wider characters yield more lines.
     (m_lines.size() < told ? least : most) = m_stretch;
   }
+  // No stretch yields that number of lines, so the estimate is used as it is.
   m_stretch = 1;
   breakLines();
 }
@@ -220,6 +227,7 @@ void Layout::placeUnit(std::size_t first, std::size_t last) {
   if (pieces[first].isWord() && m_box.width > 0) {
     double unit = 0;
     for (std::size_t i = first; i < last; ++i) unit += width(pieces[i]);
+    // The first unit of a line is placed even if it is too long: a line break would not help.
     const bool isFull = m_line.width > 0 && m_x + unit > rightEdge() + kFew * m_box.width;
     if (isFull && m_mayBreak && !m_isOneLine) {
       endLine(0);
@@ -238,6 +246,7 @@ void Layout::placePiece(const MTextPiece& piece) {
   const double length = piece.kind == MTextPiece::Tab ? nextTab(paragraph()) - m_x : width(piece);
   m_items.push_back({&piece, m_x, length});
   m_x += length;
+  // Blanks count only if a word follows.
   if (!piece.isWord()) return;
   m_line.width = m_x;
   m_line.height = std::max(m_line.height, height(piece));
@@ -254,6 +263,7 @@ void Layout::startLine(std::size_t paragraph, bool first) {
 void Layout::endLine(double height) {
   if (m_line.width == 0) m_line.height = height;
   m_line.last = m_items.size();
+  // Trailing blanks are not drawn.
   while (m_line.last > m_line.first && !m_items[m_line.last - 1].piece->isWord()) --m_line.last;
   m_lines.push_back(m_line);
 }
@@ -263,6 +273,7 @@ double Layout::rightEdge() const { return m_box.width - m_box.height * paragraph
 double Layout::nextTab(const MTextParagraph& paragraph) const {
   for (const double tab : paragraph.tabs)
     if (tab * m_box.height > m_x) return tab * m_box.height;
+  // Default tab stops are evenly spaced.
   const double stop = kTabStop * m_box.height;
   return (std::floor(m_x / stop) + 1) * stop;
 }
@@ -284,6 +295,7 @@ void Layout::stackLines() {
     const bool isBreak = nextBreak < m_columnBreaks.size() && m_columnBreaks[nextBreak] == i;
     if (isBreak) ++nextBreak;
     const double end = columnEnd(column);
+    // The first line of a column is placed even if it exceeds its height.
     const bool isFull = !isTop && end > 0 && y + step > end;
     if ((isBreak || isFull) && column + 1 < m_box.columns) {
       ++column;
@@ -334,6 +346,7 @@ double Layout::rise(const Line& line, const MTextFormat& f, double height) const
 }
 
 void Layout::add(double x, double y, std::size_t format, const std::u16string& text, long across) {
+  // Bounds the entities that one record can create.
   if (text.empty() || m_runs.size() >= m_most) return;
   const MTextFormat& f = m_content.formats[format];
   std::u16string codes;
@@ -350,6 +363,7 @@ void Layout::emitStack(const Line& line, const Item& item, double x, double y) {
   y += rise(line, f, height(piece));
   const double above = m_stretch * measure(piece.text, f);
   const double below = m_stretch * measure(piece.below, f);
+  // Rows with a line between them are centered, rows without one aligned at the left.
   const double share = piece.ruled ? 0.5 : 0;
   const bool isAboveLonger = above >= below;
   const std::u16string under = piece.ruled && isAboveLonger && !f.under ? u"%%u" : u"";
@@ -391,6 +405,7 @@ void Layout::emit(const Line& line, double left, double top) {
       text += next.kind == MTextPiece::Blank ? u" " : next.text;
     }
     const bool isCut = cutBlanks(text, format(piece));
+    // With the trailing blanks removed, its width differs from that of the line.
     const bool isAlone = !isCut && &item == &m_items[line.first] && i == line.last;
     const long point = isAlone ? across(line) : 0;
     add(x + (line.width - item.x) * static_cast<double>(point) / 2,
@@ -403,6 +418,7 @@ std::vector<MTextRun> Layout::run() {
   stackLines();
   const double column = totalWidth(), step = column + m_box.gutter;
   const double whole = column + step * static_cast<double>(m_box.columns - 1);
+  // Attachment points run from 1, top left, to 9, bottom right, row by row.
   const long across = (m_box.attachment - 1) % 3, down = (m_box.attachment - 1) / 3;
   const double left = -whole * static_cast<double>(across) / 2;
   const double top = m_bottom * static_cast<double>(down) / 2;

@@ -1,7 +1,7 @@
-// Reads MTEXT and builds texts from it: the codes within the text become pieces (mtextcodes), these
-// become lines in a box (mtextlayout), and each run of equal format in a line becomes one text.
-// Newer files state columns, and the size of the text as its program saw it, in an embedded object
-// that repeats the codes of the text with other meanings (`takeEmbedded`).
+// Reads MTEXT and builds texts from it: the codes within the text become pieces (mtextcodes), the
+// pieces become lines in a box (mtextlayout), and each run of equal format in a line becomes one
+// text. Newer files state columns, and the size of the text as measured by its program, in an
+// embedded object that repeats the codes of the text with other meanings (`takeEmbedded`).
 #include "dxf/in/convert/mtextreader.h"
 
 #include <algorithm>
@@ -20,6 +20,7 @@
 namespace vek0::detail {
 namespace {
 
+// Bounds the work for one record, far above real texts.
 constexpr std::size_t kMostColumns = 1000;
 constexpr double kMostSpacing = 100;
 
@@ -36,6 +37,7 @@ class TextPlane {
     const PNT_3D& along = length(direction) > 0 ? direction : axes.x;
     const double angle = std::atan2(along.y, along.x);
     m_x = PNT_2D(std::cos(angle), std::sin(angle));
+    // Seen from below, up is on the other side of the line.
     m_y = m_isMirrored ? PNT_2D(m_x.y, -m_x.x) : PNT_2D(-m_x.y, m_x.x);
   }
 
@@ -158,8 +160,10 @@ void MTextReader::take(long code) {
 void MTextReader::takeEmbedded() {
   for (long code = m_in.next(); code != 0 && !m_in.failed(); code = m_in.next()) {
     takeColumns(code);
+    // A damaged number of the embedded object must not cost the text.
     if (m_in.failed()) m_in.spareNumber();
   }
+  // Code 0 belongs to the next record.
   m_in.putBack();
 }
 
@@ -207,6 +211,7 @@ void MTextReader::finishBox() {
   const double spacing = r.real(44, 1);
   if (spacing > 0 && spacing < kMostSpacing) box.spacing = spacing;
   box.exactSpacing = r.integer(73) == 2;
+  // A value of the record itself takes precedence over that of the embedded object.
   box.shownWidth = std::max(r.real(42, box.shownWidth), 0.0);
   box.shownHeight = std::max(r.real(43, box.shownHeight), 0.0);
   if (!m_hasColumns || box.columns < 2) {
@@ -228,6 +233,7 @@ PNT_3D MTextReader::direction() const {
 
 // Writes the frame of a tolerance with bars, without trailing empty cells.
 std::u16string barred(std::u16string_view text) {
+  // "%%v" separates the cells of a frame, "^J" its rows.
   std::u16string out;
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (zim::equalsIgnoreCase(text.substr(i, 3), u"%%v")) {
@@ -264,6 +270,7 @@ void buildMText(RecordReader& in, const MTextRecord& record, vek0::Handle handle
   for (const MTextRun& run : runs) {
     const MTextFormat& f = content.formats[run.format];
     const PNT_3D at = plane.at(record.at, run.x, run.y);
+    // Adding large coordinates to large offsets may overflow.
     if (!isFinite(at)) return in.fail(CFileDXFIError::InconsistentRecord);
     TEXT_3D text(plane.context(f, zim::WString(run.text)), record.style, at.x, at.y, at.z, 0);
     text.setAlign(text.findJustify(run.across, 0));

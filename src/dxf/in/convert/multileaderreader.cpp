@@ -1,6 +1,6 @@
-// A multileader nests its data in braces, that is, in codes that begin and end a part, and the same
-// code means different things in different parts; `m_place` says where the reader is. The result is
-// the leader's lines and its text, without the head of a line.
+// A multileader nests its data in braces, that is, in codes that begin and end a part. The same
+// code has different meanings in different parts; `m_place` records the current part. The result
+// consists of the leader's lines and its text, without the head of a line.
 #include <algorithm>
 #include <cmath>
 
@@ -56,7 +56,7 @@ struct MultileaderCodes {
   }
 };
 
-// One coordinate of a point whose codes are `first`, `first` + 10 and `first` + 20.
+// One coordinate of a point with the codes `first`, `first` + 10 and `first` + 20.
 void takeInto(PNT_3D& p, long code, long first, double value) {
   coordinate(p, (code - first) / 10) = value;
 }
@@ -75,6 +75,7 @@ EntPtr MultileaderReader::read() {
 
 void MultileaderReader::take(long code) {
   if (code >= kBegin) return takeBrace(code);
+  // Type of the leader lines; 0 means none.
   if (m_place == Outside && code == 170) {
     m_isDrawn = m_in.lexer().getInt() != 0;
   } else if (m_place == Content) {
@@ -104,9 +105,11 @@ void MultileaderReader::takeBrace(long code) {
       m_place = Content;
       break;
     case kLineEnd:
+      // After damaged nesting there may be no leader to return to.
       m_place = m_leaders.empty() ? Content : Leader;
       break;
     case kTextOrLine:
+      // The code has two meanings: a text in the content, the beginning of a line in a leader.
       if (m_place == Content) return m_text.take(m_in.lexer());
       if (m_place != Leader) return;
       m_place = Line;
@@ -188,6 +191,7 @@ void MultileaderReader::buildLines(std::vector<EntPtr>& built) {
     const double factor = length > 0 ? leader.landingLength / length : 0;
     for (std::vector<PNT_3D>& line : leader.lines) {
       if (leader.hasEnd) line.push_back(leader.end);
+      // The landing leads from the end of the line toward the text.
       if (leader.hasEnd && leader.hasLanding && factor > 0)
         line.emplace_back(leader.end.x + factor * way.x, leader.end.y + factor * way.y,
                           leader.end.z + factor * way.z);
@@ -202,6 +206,7 @@ void MultileaderReader::buildLines(std::vector<EntPtr>& built) {
 
 void MultileaderReader::buildText(std::vector<EntPtr>& built) {
   MTextBox& box = m_text.box;
+  // A multileader may have a block, or nothing, instead of a text.
   if (m_text.text.empty()) return;
   if (!(box.height > 0)) box.height = m_in.context().dimStyles.header().textHeight();
   if (!(box.spacing > 0)) box.spacing = 1;

@@ -1,6 +1,6 @@
 // Entities lie in a plane given by its normal, in coordinates of that plane. A normal along -z only
-// mirrors: most kinds stay what they are. In an inclined plane, circles and arcs become chains of
-// chords in space, while texts and inserts, which cannot be inclined, are laid flat at their point,
+// mirrors them, and most kinds are preserved. In an inclined plane, circles and arcs become chains
+// of chords in space. Texts and inserts cannot be inclined; they are laid flat at their point,
 // which is reported.
 #include "dxf/in/convert/planeplacement.h"
 
@@ -42,6 +42,7 @@ EntPtr placeCircle(RecordReader& in, EntPtr ent, const PlaneAxes& axes) {
   auto& circle = static_cast<CEntCircle&>(*ent);
   const CIRCLE_3D c = circle.getCircle();
   if (!axes.isMirrored()) return chordsOf(in, c, 0, 2 * kPi, true, axes);
+  // The axes of a plane with normal -z are -x, y and -z.
   circle.setCircle(-c.x, c.y, -c.z, c.radius);
   return ent;
 }
@@ -50,6 +51,7 @@ EntPtr placeArc(RecordReader& in, EntPtr ent, const PlaneAxes& axes) {
   auto& arc = static_cast<CEntArc&>(*ent);
   const ARC_3D a = arc.getArc();
   if (axes.isMirrored()) {
+    // Mirroring exchanges the ends, because arcs always run counterclockwise.
     arc.setArc(-a.x, a.y, -a.z, a.radius, kPi - a.endAngle, kPi - a.startAngle);
     return ent;
   }
@@ -79,6 +81,7 @@ EntPtr placeText(RecordReader& in, EntPtr ent, const PlaneAxes& axes) {
   text.PNT_3D::operator=(axes.toWorld(text));
   context.setRotate(flatAngle(axes, context.getRotate()));
   if (axes.isFromBelow()) turnOver(context);
+  // A mirrored text is exact; in other planes its inclination is lost.
   if (!axes.isMirrored()) in.note(ReportCode::ExtrusionIgnored, u"TEXT");
   text.setContext(context);
   owner.setText(text);
@@ -95,6 +98,7 @@ EntPtr placeInsert(RecordReader& in, EntPtr ent, const PlaneAxes& axes) {
     long columns, rows;
     double columnSpacing, rowSpacing;
     insert.getArray(columns, rows, columnSpacing, rowSpacing);
+    // The x axis of the plane is reversed, so columns run the other way.
     insert.setArray(columns, rows, -columnSpacing, rowSpacing);
   }
   insert.setInsert(axes.toWorld(at), side * sx, sy, side * sz, flatAngle(axes, rotation));
@@ -139,6 +143,7 @@ void placeInWorld(RecordReader& in, std::vector<BULGED_VERTEX>& vertexes, const 
     for (BULGED_VERTEX& v : vertexes) {
       v.x = -v.x;
       v.z = -v.z;
+      // Seen from the other side, a left turn is a right turn.
       v.bulge = -v.bulge;
     }
     return;
@@ -150,6 +155,7 @@ void placeInWorld(RecordReader& in, std::vector<BULGED_VERTEX>& vertexes, const 
     if (from.bulge != 0 && (closed || i + 1 < vertexes.size())) {
       bulgePoints(points[0], PNT_3D(to.x, to.y, to.z), from.bulge, points);
       points.pop_back();  // which is the next vertex
+      // Without room for its chords, the arc is drawn as one segment.
       if (!in.takeCurveRoom(points.size())) points.resize(1);
     }
     for (std::size_t k = 0; k < points.size(); ++k) {

@@ -1,5 +1,5 @@
-// Kinds that become polylines or faces: SOLID and TRACE, multilines, subdivision meshes. They share
-// the limits and the reporting of the other approximated kinds (replacement.h).
+// Reads kinds that become polylines or faces: SOLID and TRACE, multilines, subdivision meshes. They
+// share the limits and the reporting of the other approximated kinds (replacement.h).
 #include "dxf/in/convert/shapereaders.h"
 
 #include <cstddef>
@@ -29,6 +29,7 @@ class ParallelLine {
     const std::size_t count = m_corners.size();
     for (std::size_t i = 0; i + (closed ? 0 : 1) < count; ++i) {
       addSegment(m_corners[i], chains);
+      // An odd number of cuts ends with a beginning, so the line continues to the next corner.
       if (m_corners[i].cuts.size() % 2 == 1 || m_corners[i].cuts.empty())
         chains.back().push_back(m_corners[(i + 1) % count].at);
       else
@@ -51,6 +52,7 @@ class ParallelLine {
     for (std::size_t i = 0; i < corner.cuts.size(); ++i) {
       const double cut = corner.cuts[i];
       const bool begins = i % 2 == 0;
+      // The line already passes through the corner without a gap.
       if (begins && i == 0 && cut == 0 && !chains.back().empty()) continue;
       if (begins && !chains.back().empty()) chains.emplace_back();
       chains.back().emplace_back(corner.at.x + cut * corner.along.x,
@@ -90,6 +92,7 @@ class Multiline {
     m_hasCorner = false;
   }
   void takeDistance(double distance) {
+    // A distance before the first line belongs to nothing.
     if (m_next == 0) return m_in.fail(CFileDXFIError::InconsistentRecord);
     ParallelLine& line = m_lines[m_next - 1];
     if (m_hasCorner) return line.addCut(distance);
@@ -129,6 +132,7 @@ class Faces {
   std::vector<EntPtr> build() {
     for (std::size_t i = 0; i < m_list.size();) {
       const long corners = m_list[i++];
+      // A count beyond the list means that the file is damaged.
       if (corners < 0 || static_cast<std::size_t>(corners) > m_list.size() - i) {
         m_in.note(ReportCode::MeshIncomplete);
         break;
@@ -142,6 +146,7 @@ class Faces {
  private:
   bool isComplete(const long* corners, std::size_t count) const {
     for (std::size_t i = 0; i < count; ++i)
+      // Checked before any face is built, so that a polygon is complete or missing.
       if (corners[i] < 0 || static_cast<std::size_t>(corners[i]) >= m_vertexes.size()) return false;
     return count >= 3;
   }
@@ -153,6 +158,8 @@ class Faces {
     if (count == 4)
       return addFace({at(corners[0]), at(corners[1]), at(corners[2]), at(corners[3])}, 0);
     for (std::size_t i = 1; i + 1 < count && !m_in.failed(); ++i) {
+      // Edges between the triangles of the fan are hidden: the first one unless it is the first
+      // triangle's, the last one unless it is the last triangle's.
       const long hidden = (i > 1 ? 1 : 0) | (i + 2 < count ? 8 : 0);
       const PNT_3D& last = at(corners[i + 1]);
       addFace({at(corners[0]), at(corners[i]), last, last}, hidden);
