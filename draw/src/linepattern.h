@@ -16,7 +16,7 @@ class IPatternSink {
  public:
   /// In the coordinates of the path, with its widths there.
   virtual void dash(const std::vector<WIDE_VERTEX>& points) = 0;
-  virtual void dot(const PNT_3D& at) = 0;  ///< likewise
+  virtual void dot(const PNT_3D& at) = 0;  ///< in the same coordinates
   /// A text of the pattern, placed in the drawing.
   virtual void text(const TEXT_3D& text) = 0;
   /// Whether it accepts no more.

@@ -7,17 +7,18 @@ class CEntHatch;
 
 namespace vek0::detail {
 
-// Pictures are budgeted in points handed to a painter; what else takes time is worth some.
+// Pictures are budgeted in points handed to a painter; other costs are converted to points.
 constexpr std::size_t kPointsPerLetter = 16;
 constexpr std::size_t kPointsPerArc = 16;
 
-/// About how many points it takes to draw an entity of a block, without what inserts show.
+/// Approximate number of points needed to draw an entity of a block, without the content of
+/// inserts.
 double pointsOf(const CEnt& ent);
 
-/// How many points what inserts show may take for an entity of a block: several times as many as
-/// the entity takes itself, but no more than in proportion to its part of a file.
+/// Effort, in points, that an entity of a block adds: several times as many as it needs itself, but
+/// only in proportion to its part of the file.
 double effortOf(const CEnt& ent);
-/// The same for the lines of a hatch outside of blocks.
+/// The same for the lines of a hatch outside blocks.
 double effortOfLines(const CEntHatch& hatch);
 
 }  // namespace vek0::detail

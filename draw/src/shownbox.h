@@ -17,22 +17,22 @@ bool isEndless(const CEnt& ent);
 /// Whether an entity can be indexed: it has a finite box that does not depend on the pixel size.
 bool isPlaced(const CEnt& ent, const RECT_3D& box);
 
-/// Whether a hatch has no lines since its pattern makes too many; it is drawn by its boundary.
+/// Whether a hatch has no lines because its pattern makes too many; it is drawn by its boundary.
 bool lacksLines(const CEntHatch& hatch);
 
-/// What a block comes to.
+/// Totals of a block's content.
 struct BLOCK_SUM {
   BLOCK_SUM() { lineless.initRegion(); }
 
-  RECT_3D lineless;           ///< of hatches without lines, which its extents lack
-  bool holdsEndless = false;  ///< rays or endless lines, at whatever depth
-  bool holdsPoints = false;   ///< point entities, likewise
-  double effort = 0;          ///< what its own entities add to the effort (`effortOf`)
+  RECT_3D lineless;           ///< of hatches without lines, which the extents do not include
+  bool holdsEndless = false;  ///< rays or infinite lines, at any depth
+  bool holdsPoints = false;   ///< point entities, at any depth
+  double effort = 0;          ///< contribution of its own entities to the effort (`effortOf`)
   double all = 0;             ///< about how many points it takes to draw, with all that it inserts,
                               ///< as often as it does
 };
 
-/// Tells where entities can be seen, and how much there is of them.
+/// Computes where entities are visible, and how much they expand to.
 class ShownBoxes {
  public:
   /// Box of everything that an entity of model space or of a block shows on a display with that

@@ -8,14 +8,14 @@
 
 namespace vek0::detail {
 
-/// Remembers keys as long as no other one takes their slot: a bounded memory that may forget
-/// and never invents.
+/// Remembers keys until another one takes their slot: bounded memory that may forget keys, but
+/// never reports one that was not added.
 class RecentKeys {
  public:
   explicit RecentKeys(int bits) : m_count(std::size_t{1} << bits) {}
 
-  /// Whether the key is not the one that its slot holds; now it is. The first call takes the
-  /// memory, eight bytes a slot.
+  /// Stores the key in its slot; returns whether the slot held another one. The first call
+  /// allocates eight bytes per slot.
   bool add(std::uint64_t slot, std::uint64_t key);
   bool has(std::uint64_t slot, std::uint64_t key) const {
     return !m_keys.empty() && m_keys[slot & (m_count - 1)] == key;
@@ -26,11 +26,11 @@ class RecentKeys {
   std::vector<std::uint64_t> m_keys;
 };
 
-/// Mixes numbers to a key that tells them apart.
+/// Mixes numbers into a key for comparison.
 class KeyMixer {
  public:
   KeyMixer& operator<<(std::uint64_t value);
-  /// A length on the device; false, and nothing mixed, where it is too large to be told.
+  /// Mixes a length on the device; false, mixing nothing, if it is too large to be represented.
   bool length(double value, double step);
   std::uint64_t key() const { return m_key; }
 
@@ -38,20 +38,20 @@ class KeyMixer {
   std::uint64_t m_key = 0x9E3779B97F4A7C15;
 };
 
-/// Where dots stand already, in cells as large as a dot.
+/// The places that already have dots, in cells as large as a dot.
 class Specks {
  public:
   /// Device units.
   Specks(double cell, double width) : m_cell(cell), m_columns(width / cell + 2) {}
 
-  /// Whether a dot stands near the point. `epoch` tells pictures apart between which something may
-  /// have covered the dots.
+  /// Whether there is a dot near the point. Dots of another `epoch` do not count, because something
+  /// may have covered them since.
   bool has(const PNT_2D& at, std::size_t epoch) const;
   void add(const PNT_2D& at, std::size_t epoch);
 
  private:
   struct Place {
-    std::uint64_t slot, key;  // no key: too far away to be told
+    std::uint64_t slot, key;  // no key: out of range
   };
   Place placeOf(const PNT_2D& at, std::size_t epoch) const;
 

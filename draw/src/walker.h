@@ -126,7 +126,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
   void enter(const CEntInsertBase& ent, long row, long column);
   void leave();
 
-  // When there is too much to draw all of it.
+  // Simplified drawing, when there is too much to draw all of it.
   bool isScarce(double points);
   bool isCoarse() { return m_isCoarse || (m_out.isLow() && isScarce(0)); }
   void learnEffort();
@@ -169,8 +169,8 @@ class Walker final : public IEntVisitor, private IPatternSink {
   const zim::WString m_noLayer;
 
   bool m_isEffortKnown = false;  // in full
-  bool m_isCoarse = false;       // what is being unfolded does not fit into the effort
-  const double m_detail;         // what is smaller is a dot then
+  bool m_isCoarse = false;       // the current content exceeds the effort
+  const double m_detail;         // smaller content becomes dots then
   Specks m_specks;
   RecentKeys m_placed;
   struct First {
@@ -178,13 +178,13 @@ class Walker final : public IEntVisitor, private IPatternSink {
     const zim::WString* layer;
     RGB_COLOR color;
   };
-  std::unordered_map<std::uint64_t, First> m_firsts;  // what inserts show first
+  std::unordered_map<std::uint64_t, First> m_firsts;  // first visible entity of each insert
 
   DrawItem m_item;                  // of the entity being drawn
-  const CLtype* m_ltype = nullptr;  // likewise
+  const CLtype* m_ltype = nullptr;  // of the entity being drawn
   std::vector<WIDE_VERTEX> m_way;   // scratch
-  std::vector<PNT_2D> m_device;     // likewise
-  std::vector<std::size_t> m_ends;  // likewise
+  std::vector<PNT_2D> m_device;     // scratch
+  std::vector<std::size_t> m_ends;  // scratch
 };
 
 inline PNT_2D middleOf(const RECT_2D& box) {

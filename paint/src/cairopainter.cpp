@@ -26,8 +26,8 @@ constexpr double kPointsPerInch = 72;
 // stay together, or the background shows through their seams.
 constexpr std::size_t kStrokePoints = 512, kFillPoints = 1 << 16;
 
-// Limit for the cost of clipping per picture, in group pixels of about 8 ns: some seconds. A row of
-// a group costs as much as that many pixels per corner of the boundary.
+// Limit for the cost of clipping per picture, in group pixels of about 8 ns each: a few seconds.
+// Each corner of the boundary costs as much as `kPixelsPerCorner` pixels per row of a group.
 constexpr double kMostClipPixels = 400e6, kPixelsPerCorner = 16;
 
 // Axis-aligned rectangles, to which Cairo clips at no cost.
@@ -57,6 +57,7 @@ std::string creationDate() {
   constexpr long long kBeyond = 253402300800;  // year 10000
   long long count = -1;
   if (text) std::from_chars(text, text + std::strlen(text), count);
+  // Invalid times are ignored, like a missing one.
   if (count < 0 || count >= kBeyond) return {};
   const std::chrono::sys_seconds moment{std::chrono::seconds(count)};
   const auto day = std::chrono::floor<std::chrono::days>(moment);
@@ -97,6 +98,7 @@ class PathSink final : public IOutlineSink {
   void move(const PNT_2D& to) override { cairo_move_to(m_context, to.x, to.y); }
   void line(const PNT_2D& to) override { cairo_line_to(m_context, to.x, to.y); }
   void quad(const PNT_2D& from, const PNT_2D& control, const PNT_2D& to) override {
+    // Degree elevation: the inner controls are two thirds of the way to the quadratic's control.
     // The same curve one degree higher.
     const auto towards = [&](const PNT_2D& end) {
       return PNT_2D(end.x + (control.x - end.x) * 2 / 3, end.y + (control.y - end.y) * 2 / 3);
@@ -123,6 +125,7 @@ CairoPainter::CairoPainter(Kind kind, IFile& file, const SHEET& sheet, IOutlineF
   cairo_t* context = m_context.get();
   if (kind == Pdf) cairo_scale(context, pointsPerUnit(sheet), pointsPerUnit(sheet));
   cairo_set_line_width(context, sheet.lineWidth);
+  // Round caps make a line of length 0 a visible dot.
   cairo_set_line_cap(context, CAIRO_LINE_CAP_ROUND);
   cairo_set_line_join(context, CAIRO_LINE_JOIN_ROUND);
   if (!sheet.transparent) {
@@ -139,6 +142,7 @@ CairoPainter::CairoPainter(Kind kind, IFile& file, const SHEET& sheet, IOutlineF
 }
 
 void CairoPainter::begin(const DrawItem& item) {
+  // Paths end only when the color changes, as each path has a fixed cost.
   if (item.color == m_color) return;
   endPath();
   m_color = item.color;
@@ -198,6 +202,7 @@ void CairoPainter::plainArc(const PNT_2D& center, double radius, double startRad
 void CairoPainter::strokeArc(const PNT_2D& center, double radius, double startRad,
                              double sweepRad) {
   constexpr double kError = 0.1;
+  // The error is relative to the radius.
   const int count = arcChords(sweepRad, kError / std::max(radius, kError));
   m_chords.clear();
   for (int i = 0; i <= count; ++i) {
@@ -223,6 +228,7 @@ void CairoPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std:
     startPath(Fills);
   else
     endPath();
+  // United rings need a common orientation for the non-zero rule.
   const bool reversed = unites && turnLeft(points, ends, rings);
   for (std::size_t ring = 0, start = 0; ring < rings; start = ends[ring++])
     addRing(points + start, ends[ring] - start, reversed);
@@ -287,6 +293,7 @@ bool CairoPainter::startGroup(const std::vector<PNT_2D>& ring) {
   const double rows = box.max.y - box.min.y;
   const double cost =
       (box.max.x - box.min.x + kPixelsPerCorner * static_cast<double>(ring.size())) * rows;
+  // The caller reports the insert as unclipped.
   if (cost > m_clipPixels) return false;
   m_clipPixels -= cost;
   cairo_push_group(context);

@@ -20,8 +20,10 @@ constexpr const char* kTechnicalFamily = "osifont";
 constexpr const char* kFallbackFamily = "DejaVu Sans";
 // Default capital height of a face that does not state it, relative to the em square.
 constexpr double kUsualCapHeight = 0.7;
-// Synthetic bold grows by that fraction of the em square, synthetic italic slants by that slope.
+// Synthetic bold grows by one part in `kBoldPart` of the em square; synthetic italic slants by
+// `kItalicSlope`.
 constexpr long kBoldPart = 24;
+// About 12 degrees, the usual slant of italics.
 constexpr double kItalicSlope = 0.2126;
 
 // Font files and their families; stroke fonts end in ".shx" and need no entry.
@@ -75,6 +77,7 @@ bool takeExtension(std::string& name, std::string_view extension) {
 // after a comma.
 std::string familyOf(const zim::WString& fontName) {
   std::string name = host::lowered(fontName.toUtf8());
+  // A comma separates the second font, for wide characters.
   name.resize(std::min(name.size(), name.find(',')));
   if (const std::size_t slash = name.find_last_of("/\\"); slash != std::string::npos) {
     name.erase(0, slash + 1);
@@ -109,7 +112,7 @@ PNT_2D toPoint(const FT_Vector* v) {
   return {static_cast<double>(v->x), static_cast<double>(v->y)};
 }
 
-// Receives what FreeType decomposes a glyph into.
+// Receives the segments of a glyph's outline from FreeType.
 struct OutlineBuilder {
   GLYPH_OUTLINE& out;
 
@@ -191,6 +194,7 @@ class Face {
   FT_UInt index(char32_t character) const { return FT_Get_Char_Index(m_face, character); }
 
   const GLYPH_OUTLINE& glyph(FT_UInt index) {
+    // Outlines are loaded once; drawings repeat few characters many times.
     const auto [found, isNew] = m_glyphs.try_emplace(index);
     if (isNew) load(index, found->second);
     return found->second;
@@ -214,6 +218,7 @@ class Face {
     if (m_makeBold) {
       const FT_Pos strength = m_face->units_per_EM / kBoldPart;
       FT_Outline_Embolden(&slot->outline, strength);
+      // Combining marks have no advance and must not get any.
       if (glyph.advance > 0) glyph.advance += static_cast<double>(strength);
     }
     OutlineBuilder builder{glyph};
@@ -229,6 +234,7 @@ class Face {
   }
 
   double measureCapitals() {
+    // Measured, because not all faces state it.
     if (const FT_UInt h = index(U'H'); h != 0 && FT_Load_Glyph(m_face, h, FT_LOAD_NO_SCALE) == 0) {
       const auto top = static_cast<double>(m_face->glyph->metrics.horiBearingY);
       if (top > 0) return top;
@@ -289,14 +295,17 @@ double FaceFont::walk(const zim::WString& text, Face& primary, Visit&& visit) co
   const Face* lastFace = nullptr;
   for (std::u16string_view rest = text; !rest.empty();) {
     char32_t character = zim::takeUtf16(rest);
+    // Control characters have no glyph and occupy a blank.
     if (character < U' ') character = U' ';
     Face* face = &primary;
     FT_UInt index = face->index(character);
+    // Characters missing in the font are taken from another one.
     if (index == 0) {
       if (Face* other = m_library.faceWith(character)) face = other;
       index = face->index(character);
     }
     const double scale = unit / face->capHeight();
+    // Kerning is defined only between glyphs of one face.
     if (face == lastFace) x += scale * face->kerning(last, index);
     visit(*face, index, x, scale);
     x += scale * face->glyph(index).advance;
@@ -373,6 +382,7 @@ Face* FontLibrary::findFace(const zim::WString& name, bool bold, bool italic) {
   if (!m_system->works()) return nullptr;
   Pattern pattern = newPattern();
   addString(pattern.get(), FC_FAMILY, familyOf(name));
+  // The fallback ensures a known result if the family is not installed.
   addString(pattern.get(), FC_FAMILY, kFallbackFamily);
   FcPatternAddInteger(pattern.get(), FC_WEIGHT, bold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
   FcPatternAddInteger(pattern.get(), FC_SLANT, italic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
@@ -384,12 +394,14 @@ Face* FontLibrary::findFace(const zim::WString& name, bool bold, bool italic) {
     FcPatternGetInteger(match.get(), FC_INDEX, 0, &index);
     face = openFace(reinterpret_cast<const char*>(path), index, bold, italic);
   }
+  // A family without the requested style uses its upright face, with synthetic style.
   return face || !(bold || italic) ? face : findFace(name, false, false);
 }
 
 Face* FontLibrary::openFace(const std::string& path, int index, bool bold, bool italic) {
   const std::string key =
       path + '\n' + std::to_string(index) + (bold ? "b" : "") + (italic ? "i" : "");
+  // Faces are shared by fonts that match the same file.
   const auto [found, isNew] = m_faces.try_emplace(key);
   FT_Face face = nullptr;
   if (isNew && FT_New_Face(m_system->freetype, path.c_str(), index, &face) == 0) {
@@ -399,6 +411,7 @@ Face* FontLibrary::openFace(const std::string& path, int index, bool bold, bool 
 }
 
 Face* FontLibrary::faceWith(char32_t character) {
+  // Failures are stored as well, because the search is slow.
   const auto [found, isNew] = m_substitutes.try_emplace(character, nullptr);
   if (!isNew) return found->second;
   Pattern pattern = newPattern();

@@ -122,7 +122,7 @@ class ContentExchange final : public UndoAction {
   void swap(CData& data) override;
   std::size_t size() const override;
   void letGo() override { m_isMade = false; }
-  /// After the redefinition: what the block had is this action's.
+  /// Call it after the redefinition: the previous content then belongs to this action.
   void adopt() { m_isMade = true; }
 
  private:

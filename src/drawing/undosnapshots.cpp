@@ -189,7 +189,7 @@ CBlockXRef* BlockHeadSnapshot::xref() const {
   return m_block.isXRef() ? static_cast<CBlockXRef*>(&m_block) : nullptr;
 }
 
-// The spare texts have room for what is there, so that the way back needs no memory.
+// The spare texts reserve room for the present ones, so that swapping back needs no memory.
 void BlockHeadSnapshot::swap(CData& data) {
   m_spareName = m_block.getName();
   if (xref() != nullptr) m_sparePath = xref()->getPath();

@@ -146,7 +146,8 @@ bool CUndoStack::trySwap(Step& step, bool forward) try {
   return false;
 }
 
-// All of a step or nothing: what was done before a failure is turned back, which cannot fail.
+// Swaps all actions of a step or none: after a failure those already swapped are swapped back,
+// which cannot fail.
 void CUndoStack::swapAll(Step& step, bool forward) {
   const std::size_t count = step.actions.size();
   const auto action = [&](std::size_t i) -> Action& {

@@ -1,6 +1,6 @@
-// Vertices with bulges, kept as they are in files, and their chords, which are computed each time
-// they are asked for: a drawing would take many times the memory if it stored them. The points of
-// an arc are computed from its chord and angle, without the center.
+// Vertices with bulges, stored as in files, and their chords, which are computed on each request:
+// storing them would multiply the memory of a drawing. The points of an arc are computed from its
+// chord and angle, without the center.
 #include "vek0core/entities/bulgedchain.h"
 
 #include <algorithm>

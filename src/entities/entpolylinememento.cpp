@@ -50,8 +50,8 @@ void CEntPolyline::resetVertex(CVertex& vertex, const MementoEntry& entry, bool 
   vertex.setMemento(&entry.values);
 }
 
-// A list of vertices in exchange for another one; those of one list alone belong to this while
-// the polyline has the other.
+// A list of vertices in exchange for another one. Vertices that occur in one list only belong to
+// this object while the polyline has the other list.
 class CEntPolyline::ReplacedVertexes final : public vek0::detail::EntParts {
  public:
   explicit ReplacedVertexes(CEntPolyline& polyline, IHandleGestor& gestor)
@@ -60,7 +60,7 @@ class CEntPolyline::ReplacedVertexes final : public vek0::detail::EntParts {
   ReplacedVertexes& operator=(const ReplacedVertexes&) = delete;
   ~ReplacedVertexes() override { deleteAll(m_own, 0); }
 
-  // Takes the memento's vertices from those present, or makes them. Throws before anything
+  // Takes the memento's vertices from those present, or creates them. Throws before anything
   // changes.
   void prepare(CEntFactory& factory, const std::vector<MementoEntry>& entries) {
     const std::vector<CVertex*>& present = m_polyline.m_vertexes;
@@ -90,9 +90,9 @@ class CEntPolyline::ReplacedVertexes final : public vek0::detail::EntParts {
  private:
   CEntPolyline& m_polyline;
   IHandleGestor& m_gestor;
-  std::vector<CVertex*> m_list;       // what the polyline has not
-  std::vector<CVertex*> m_own;        // of that, what it has not in its own list either
-  std::vector<CVertex*> m_displaced;  // what is in its own list alone
+  std::vector<CVertex*> m_list;       // list that the polyline does not have now
+  std::vector<CVertex*> m_own;        // vertices in that list only
+  std::vector<CVertex*> m_displaced;  // vertices in the polyline's list only
 };
 
 std::unique_ptr<vek0::detail::EntParts> CEntPolyline::replaceParts(

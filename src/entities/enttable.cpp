@@ -1,7 +1,7 @@
-// The entities of model space. They are in a linked list, and each keeps its node, its owner and
-// its rank, so that removing, restoring and checking for membership need no search. The index by
-// handle is built at the first look-up and kept up to date from then on; extents are kept while
-// entities are added and recomputed after a removal, which may have shrunk them.
+// The entities of model space. They are in a linked list, and each stores its node, owner and rank,
+// so that removing, restoring and testing for membership need no search. The index by handle is
+// built on the first look-up and maintained from then on. Extents grow as entities are added, and
+// are recomputed after a removal, which may have shrunk them.
 #include "vek0core/entities/enttable.h"
 
 #include <algorithm>
@@ -110,7 +110,7 @@ void CEntTable::restore(CEnt* ent, const Place& place, Slots& slots) {
 }
 
 void CEntTable::insert(CEnt* ent, Node before, std::size_t rank, Slots& slots) {
-  ent->addTbls(*m_gestor);  // first: nothing behind it throws
+  ent->addTbls(*m_gestor);  // first: nothing after it throws
   m_entities.splice(before, slots, slots.begin());
   ent->m_node = std::prev(before);
   *ent->m_node = ent;
@@ -121,7 +121,7 @@ void CEntTable::insert(CEnt* ent, Node before, std::size_t rank, Slots& slots) {
   for (IEntTableWatcher* watcher : m_watchers) watcher->added(*ent);
 }
 
-// What has no memory left is computed anew when somebody asks for it.
+// Caches for which memory has run out are rebuilt on the next request.
 void CEntTable::noteAdded(CEnt& ent) const {
   try {
     if (m_index != nullptr) m_index->add(&ent);

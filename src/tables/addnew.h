@@ -7,8 +7,8 @@
 
 namespace vek0::detail {
 
-/// Puts what a factory has made into a table, and returns it. Null, and a table without memory,
-/// throw `std::bad_alloc`; the item is deleted then.
+/// Adds an item created by a factory to a table, and returns it. Throws `std::bad_alloc` if the
+/// item is null or the table has no memory; the item is deleted then.
 template <class Table, class Item>
 Item* addNew(Table& table, Item* made) {
   if (made == nullptr) throw std::bad_alloc();

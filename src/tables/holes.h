@@ -41,7 +41,7 @@ std::size_t spreadAround(std::vector<T*>& slots, std::size_t first, std::size_t 
   return hole;
 }
 
-/// Appends that many holes, or as many as there is room for when memory ends.
+/// Appends that many holes, or as many as memory permits.
 template <class T>
 void appendHoles(std::vector<T*>& slots, std::size_t count, std::size_t& holes) {
   try {
@@ -54,7 +54,8 @@ void appendHoles(std::vector<T*>& slots, std::size_t count, std::size_t& holes) 
   holes += count;
 }
 
-/// Position of a new hole at the end; when memory ends, of the last one, which is moved there.
+/// Position of a new hole at the end; without memory for it, that of the last hole, which is moved
+/// there.
 template <class T, class Moved>
 std::size_t holeAtEnd(std::vector<T*>& slots, std::size_t& holes, const Moved& moved) {
   try {

@@ -58,8 +58,8 @@ class RankTree {
   std::vector<std::size_t> m_counts;  // [n]: used slots among the lowBit(n) before n
 };
 
-/// Whether there is a tree of the array; without memory there is none, and the array has to be
-/// closed up instead.
+/// Whether the array has a tree. Creating it fails without memory; then the array must be compacted
+/// instead.
 template <class T>
 bool needRanks(std::unique_ptr<RankTree>& ranks, const std::vector<T*>& slots) try {
   if (!ranks) ranks = std::make_unique<RankTree>(slots);
@@ -68,11 +68,11 @@ bool needRanks(std::unique_ptr<RankTree>& ranks, const std::vector<T*>& slots) t
   return false;
 }
 
-/// Tells the tree, if there is one, that the array has got one more slot, which is in use.
+/// Informs the tree, if there is one, that the array has one more slot, which is in use.
 inline void appendUsed(std::unique_ptr<RankTree>& ranks) try {
   if (ranks) ranks->append(true);
 } catch (const std::bad_alloc&) {
-  ranks.reset();  // it is made anew when somebody needs it
+  ranks.reset();  // rebuilt on the next request
 }
 
 }  // namespace vek0::detail

@@ -28,18 +28,18 @@ struct DRAW_OPTIONS {
   bool endless = true;
   /// Minimum size of points, in device units: three screen pixels.
   double leastPoint = 3;
-  /// How large on the device a thing is at least that is drawn as it is, when inserts, hatches or
-  /// linetypes unfold to more than `effort`. Smaller ones become dots, of which no two fall on one
-  /// place, arrays of them areas; of larger ones that follow each other by less, not all are drawn.
+  /// Minimum size on the device, in device units, for content to be drawn faithfully once inserts,
+  /// hatches or linetypes unfold to more than `effort`. Smaller content becomes dots, at most one
+  /// per place, and arrays of it become areas; of larger content spaced more closely than this,
+  /// some is skipped.
   double finestDetail = 1;
-  /// What inserts, hatches and linetypes may unfold to, in points, beyond a generous multiple of
-  /// what the drawing holds itself. When it is used up, the picture is cut.
+  /// Limit, in points, for what inserts, hatches and linetypes may unfold to, beyond a generous
+  /// multiple of the drawing's own content. The picture is cut when it is used up.
   double effort = 3'000'000;
-  /// For painters of pixels: how many of them take as long as a point; 0 when the size of things
-  /// makes no difference.
+  /// For painters of pixels: number of pixels that take as long as a point; 0 if sizes do not
+  /// affect the cost.
   double pixelsPerPoint = 0;
-  /// How many things are emitted, and how many entities looked at, at most; what follows
-  /// is cut.
+  /// Maximum number of primitives emitted, and of entities visited; the rest is cut.
   std::size_t limit = 50'000'000;
   /// Maximum total number of points; a character counts as several.
   std::size_t pointLimit = 200'000'000;
@@ -52,8 +52,8 @@ struct DRAW_RESULT {
   /// Clipped inserts that are shown unclipped: the painter cannot clip, the boundary has more than
   /// 1000 corners, or the view is not a plan view, for which a boundary is meaningless.
   std::size_t unclipped = 0;
-  /// Things drawn as dots, areas, continuous lines or with fewer chords since there are too many;
-  /// each cell of an array that was met counts, each hatch once.
+  /// Primitives drawn as dots, areas, continuous lines or with fewer chords because there are too
+  /// many; counts each visited cell of an array, and each hatch once.
   std::size_t simplified = 0;
   /// Hatches whose pattern was too dense for lines (`CData::getHatchLimit`), and that show their
   /// boundaries instead.
@@ -66,17 +66,17 @@ struct DRAW_RESULT {
 /// Layers and colors are resolved from the drawing's tables, BYLAYER and BYBLOCK through all levels
 /// of nesting.
 ///
-/// Entities whose extents lie outside the window cost a comparison (for drawing again and
-/// again, see `CDrawIndex`); cells of an array outside it cost nothing, and neither do
-/// dashes, nor what clipped inserts hide. A few lines of a file can unfold to billions of things:
-/// then the cost follows what the window can show (`DRAW_OPTIONS::effort`). A window without pixels
-/// shows nothing. Throws `std::bad_alloc`, as does `drawnExtents`; the drawing is as it was then,
-/// and the painter has got a part of it.
+/// Entities whose extents lie outside the window cost a comparison (to draw repeatedly, see
+/// `CDrawIndex`). Cells of arrays and dashes outside the window cost nothing, and neither does
+/// content hidden by a clip. A few lines of a file can unfold to billions of primitives: then the
+/// cost is bounded by what the window can show (`DRAW_OPTIONS::effort`). A window without pixels
+/// shows nothing. Throws `std::bad_alloc`, as does `drawnExtents`: the drawing is unchanged then,
+/// and the painter has received a part of it.
 DRAW_RESULT drawData(const CData& data, const IProjector& projector, const CWndVpt& window,
                      IPainter& painter, const DRAW_OPTIONS& options = {});
 
-/// Extents of what `drawData` would show, in the plane of the view; empty if there is nothing. Only
-/// the points of rays and infinite lines count.
+/// Extents of the content that `drawData` would show, in the plane of the view; empty if nothing is
+/// shown. Of rays and infinite lines, only the points count.
 RECT_2D drawnExtents(const CData& data, const IProjector& projector,
                      const DRAW_OPTIONS& options = {});
 

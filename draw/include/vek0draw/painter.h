@@ -25,12 +25,11 @@ struct DrawItem {
   vek0::Handle handle = 0;              ///< of the entity of model space; 0 for none
 };
 
-/// A line of text in one font: the baseline starts at the origin of text space and runs
-/// along its x axis, y grows upwards, and the font's height unit measures
-/// `ICADFont::getHeightUnit`.
+/// A line of text in one font: the baseline starts at the origin of text space and runs along its x
+/// axis, y points up, and the font's height unit is `ICADFont::getHeightUnit` long.
 struct DrawText {
-  const zim::WString* string = nullptr;  ///< codes like %%d are decoded already; borrowed
-  const ICADFont* font = nullptr;        ///< null: the default measures
+  const zim::WString* string = nullptr;  ///< codes such as %%d are already decoded; borrowed
+  const ICADFont* font = nullptr;        ///< null: the default metrics
   bool bold = false, italic = false;
   AFFINE_2D matrix;  ///< from text space to device space; mirrored for backward texts
 };
@@ -42,8 +41,8 @@ enum class FillRule { EvenOdd, NonZero };
 /// Receives the content of a drawing in device coordinates: x to the right and y down from the
 /// upper left corner, in pixels or in whatever unit the host chose for its window.
 ///
-/// Calls come in drawing order, `begin` before the things that it describes. Points are finite, and
-/// so are their squares. Content outside the window may be passed or not; painters clip it.
+/// Calls come in drawing order, `begin` before the primitives that it describes. Points are finite,
+/// and so are their squares. Content outside the window may be passed or not; painters clip it.
 class IPainter {
  public:
   virtual ~IPainter() = default;
@@ -69,14 +68,13 @@ class IPainter {
   virtual void disc(const PNT_2D& center, double diameter);
   virtual void text(const DrawText& text) = 0;
 
-  /// Whether nothing that is drawn within the box makes a difference, so that it may be left out.
+  /// Whether content within the box cannot affect the result and may be skipped.
   virtual bool skips(const RECT_2D& /*box*/) const { return false; }
 
-  /// Hides, up to the matching `popClip`, what lies outside of the polygon (even-odd rule; the
-  /// last point is joined to the first). Clips nest, and only what lies in all of them is seen.
-  /// `begin` may come in between. A painter that does not clip, as here, or not this time answers
-  /// false: no `popClip` follows, what would be hidden is drawn, and `DRAW_RESULT::unclipped`
-  /// counts it.
+  /// Hides everything outside the polygon until the matching `popClip` (even-odd rule; the last
+  /// point is joined to the first). Clips nest, and only their intersection is visible. `begin` may
+  /// be called in between. A painter that cannot clip, or not this polygon, returns false: then no
+  /// `popClip` follows, the content is drawn unclipped, and `DRAW_RESULT::unclipped` counts it.
   virtual bool pushClip(const PNT_2D* /*points*/, std::size_t /*count*/) { return false; }
   virtual void popClip() {}
 };

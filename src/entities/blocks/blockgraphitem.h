@@ -66,7 +66,7 @@ struct alignas(128) BlockGraphItem {
   std::list<std::unique_ptr<BlockGraphItem>>::iterator place;
   Mark mark = Mark::done;   // of a visit
   bool isPresent = false;   // in the graph, see above
-  bool isOutdated = false;  // its edges are to be set anew
+  bool isOutdated = false;  // its edges must be rebuilt
 };
 
 }  // namespace vek0::detail

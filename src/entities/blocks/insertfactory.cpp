@@ -1,4 +1,4 @@
-// What the factory makes of blocks; the rest stands in the room of the simple kinds.
+// The part of the factory that depends on blocks; the simple kinds are created elsewhere.
 
 #include "entities/makeent.h"
 #include "vek0core/entities/blocks/enthatch.h"

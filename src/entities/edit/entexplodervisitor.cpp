@@ -1,6 +1,5 @@
-// Explodes one entity into those that it consists of. All results are collected first and taken
-// over together, so that an entity is exploded completely or not at all; contents of blocks are
-// copied by `EntPlacer`.
+// Explodes an entity into its parts. Results are collected first and adopted together, so that an
+// entity is exploded completely or not at all. `EntPlacer` copies the content of blocks.
 #include "vek0core/entities/edit/entexplodervisitor.h"
 
 #include <iterator>
@@ -36,6 +35,7 @@ class Segments {
   void add(const PNT_3D& from, const PNT_3D& to, double bulge) {
     ARC_3D arc;
     if (!createArcFromBulge(from, to, bulge, arc)) return addLine(from, to);
+    // An arc whose ends differ in height is not planar, so its chords are used.
     if (from.z == to.z) return addArc(arc);
     m_chords.assign(1, from);
     bulgePoints(from, to, bulge, m_chords);
@@ -100,6 +100,7 @@ void CEntExploderVisitor::collect(Fill fill) {
   }
   m_isRefused = maker.isRefused;
   if (m_isRefused) return dropHatchBlocks(maker);
+  // The limit applies to all entities exploded by one visitor.
   m_limit -= maker.cost;
   m_noLostClips += maker.lostClips;
 }

@@ -49,6 +49,7 @@ bool isClipped(const CEntInsertBase& insert) {
 }  // namespace
 
 bool EntMaker::spend(double units) {
+  // Compared in doubles, because the product of array sizes exceeds any integer.
   if (units > static_cast<double>(limit - cost)) isRefused = true;
   if (!isRefused) cost += static_cast<long>(units);
   return !isRefused;
@@ -56,6 +57,7 @@ bool EntMaker::spend(double units) {
 
 void EntMaker::take(CEnt* ent) {
   std::unique_ptr<CEnt> owned(ent);
+  // A factory returns null if memory runs out; the whole result is refused then.
   if (owned)
     made.push_back(std::move(owned));
   else
@@ -71,6 +73,7 @@ EntPlacer::EntPlacer(EntMaker& maker, const CEntInsertMatrix& matrix, const Bloc
   m_scale = std::sqrt(std::fabs(det));
   m_mirrors = det < 0;
   m_keepsAngles =
+      // Conformal: the axes are perpendicular and have the same length.
       det != 0 && std::fabs(xx - yy) <= kSquare * xx && std::fabs(dot(m_x, m_y)) <= kSquare * xx;
 }
 
@@ -82,10 +85,12 @@ PNT_3D EntPlacer::placed(const PNT_3D& p) const {
 
 // For a conformal matrix.
 double EntPlacer::turned(double angleRad) const {
+  // A mirrored matrix reverses the direction in which angles grow.
   return std::atan2(m_x.y, m_x.x) + (m_mirrors ? -angleRad : angleRad);
 }
 
 CLayer* EntPlacer::layerOf(const CEnt& ent) const {
+  // A hatch passes its own layer on to its lines; entities of blocks keep theirs.
   return m_look && m_look->layer ? m_look->layer : ent.getLayer();
 }
 
@@ -132,10 +137,12 @@ void EntPlacer::visit(CEntArc& ent) {
   if (!m_keepsAngles) {
     double start, end;
     a.getSafeAngles(start, end);
+    // Equal angles mean a full circle.
     const bool isFull = a.startAngle == a.endAngle;
     return takeChords(ent, a, a.radius, start, isFull ? kTwoPi : end - start, isFull);
   }
   const PNT_3D center = placed(a);
+  // Arcs run counterclockwise, so mirroring exchanges the ends.
   const double start = turned(m_mirrors ? a.endAngle : a.startAngle);
   const double end = turned(m_mirrors ? a.startAngle : a.endAngle);
   ARC_3D arc(center.x, center.y, center.z, a.radius * m_scale, start, end);
@@ -171,6 +178,7 @@ void EntPlacer::visit(CEntPolyline& ent) {
     vertexes.push_back(
         {at.x, at.y, at.z, start * m_scale, end * m_scale, m_mirrors ? -bulge : bulge, 0});
   };
+  // Sheared arcs are no arcs any more, so their chords are used.
   m_keepsAngles ? ent.forEachBulged(add) : ent.forEachVisible(add);
   CEntPolyline* made = m_maker.ents.createEntPolyline(
       m_maker.gestor, layerOf(ent), ltypeOf(ent), colorOf(ent), ent.getFlags(), ent.getDegree(), 0);
@@ -208,6 +216,7 @@ void EntPlacer::visit(CEntText& ent) {
       ent);
 }
 
+// Attribute definitions are templates and are never shown by an insert.
 void EntPlacer::visit(CEntAttdef&) {}
 
 // An attribute becomes an ordinary text once its insert is gone.
@@ -231,11 +240,13 @@ void EntPlacer::visit(CEnt3DFace& ent) {
 
 bool EntPlacer::setPlaced(CEntInsert& copy, const CEntInsert& ent) const {
   const double c = std::cos(ent.getRotate()), s = std::sin(ent.getRotate());
+  // Images of the insert's own axes; only if they remain perpendicular can the insert be kept.
   const PNT_2D right(m_x.x * c + m_y.x * s, m_x.y * c + m_y.y * s);
   const PNT_2D up(m_y.x * c - m_x.x * s, m_y.y * c - m_x.y * s);
   const double along = std::sqrt(dot(right, right)), across = std::sqrt(dot(up, up));
   if (!(along > 0) || !(across > 0) || !(std::fabs(dot(right, up)) <= kSquare * along * across))
     return false;
+  // An insert has no flag for mirroring, but a negative scale.
   const double sign = m_mirrors ? -1 : 1;
   double sx, sy, sz, columnSpacing, rowSpacing;
   long columns, rows;
@@ -275,6 +286,7 @@ void EntPlacer::visit(CEntInsertXRef& ent) {
 }
 
 void EntPlacer::visit(CEntFixedInsert& ent) {
+  // Fixed inserts keep their size, and in a sheared matrix their direction, too.
   const double angle = m_keepsAngles ? turned(ent.getRotate()) : ent.getRotate();
   CEntFixedInsert* copy = m_maker.ents.createEntFixedInsert(
       m_maker.gestor, layerOf(ent), ltypeOf(ent), colorOf(ent), ent.getBlock(),
@@ -304,6 +316,7 @@ void EntPlacer::placeContents(EntMaker& maker, const CEntInsertMatrix& outer,
   if (!maker.spend(static_cast<double>(columns) * static_cast<double>(rows) *
                    static_cast<double>(size)))
     return;
+  // An empty block has no content for any number of cells.
   for (long row = 0; row < rows && size > 0; ++row) {
     for (long column = 0; column < columns; ++column) {
       const CEntInsertMatrix matrix =
@@ -322,6 +335,8 @@ void EntPlacer::placeContents(EntMaker& maker, const CEntInsertMatrix& outer,
 // --- Hatches
 
 void EntPlacer::visit(CEntHatch& ent) {
+  // A solid fill has no lines whose spacing could be distorted, so it stays a hatch if its area
+  // does not vanish.
   const bool staysHatch = isSolid(ent.getHatchType()) ? m_scale > 0 : m_keepsAngles && !m_mirrors;
   if (staysHatch && placeHatch(ent)) return;
   placeContents(m_maker, m_matrix, ent, BlockLook{colorOf(ent), ltypeOf(ent), layerOf(ent)},
@@ -341,6 +356,7 @@ bool EntPlacer::placeHatch(CEntHatch& ent) {
   const std::size_t before = m_maker.made.size();
   EntPlacer lines(m_maker, m_matrix, nullptr, m_depth + 1);
   for (std::size_t i = 0; i < own->size(); ++i) (*own)[static_cast<unsigned>(i)]->accept(lines);
+  // The lines were collected with the results and move to the hatch's own block.
   for (std::size_t i = before; i < m_maker.made.size(); ++i)
     restoreTo(*block, std::move(m_maker.made[i]));
   m_maker.made.resize(before);

@@ -1,6 +1,6 @@
 // Joins open chains whose ends meet. Ends are in a grid of cells as wide as the tolerance, so that
-// each search looks at few candidates; a chain grows from its first entity at the end, then at the
-// start, always by the nearest end that is left.
+// each search examines few candidates. A chain grows from its first entity, first at its end, then
+// at its start, always by the nearest free end.
 #include "vek0core/entities/edit/joinents.h"
 
 #include <algorithm>
@@ -50,6 +50,7 @@ std::vector<std::vector<const CEnt*>> groupsOf(const std::vector<CEnt*>& ents, J
     if (!ent) continue;
     const CLayer* layer = ent->getLayer();
     const bool isShown = !layer || !(layer->isFrozen() || layer->isOff());
+    // All shown layers form one group; hidden layers are joined separately.
     if (layers == JOIN_LAYERS::together && isShown) layer = nullptr;
     const auto [place, isNew] = places.try_emplace(layer, groups.size());
     if (isNew) groups.emplace_back();
@@ -65,6 +66,7 @@ class Joiner {
     OpenChain chain;
     for (const CEnt* ent : ents) {
       if (!chain.take(*ent, tolerance)) continue;
+      // Ends with invalid coordinates cannot meet anything.
       if (isFinite(chain.start()) && isFinite(chain.end()))
         m_parts.push_back({ent, chain.start(), chain.end()});
     }
@@ -72,6 +74,7 @@ class Joiner {
   }
 
   void run(IHandleGestor& gestor, CEntFactory& factory, std::vector<JOINED_ENT>& joined) {
+    // Indices of ends have 32 bits in the grid.
     if (m_parts.empty() || m_parts.size() > std::numeric_limits<std::uint32_t>::max() / 4) return;
     PNT_2D lowest(0, 0);
     const double size = sizeOf(m_parts, lowest);
@@ -98,6 +101,7 @@ class Joiner {
     bool isClosed = false;
     for (std::size_t end; !isClosed && (end = nearestEnd(ends, chain.end())) != kNone;) {
       use(end / 2, next, onwards);
+      // An even number is a start, which continues the chain forward.
       end % 2 == 0 ? chain.append(next) : chain.appendReversed(next);
       isClosed = chain.close(m_tolerance);
     }
@@ -107,6 +111,7 @@ class Joiner {
       isClosed = chain.close(m_tolerance);
     }
     JOINED_ENT made;
+    // A single entity is already what it would become.
     if (onwards.size() + backwards.size() < 2) return made;
     const CEnt& like = *m_parts[first].ent;
     const short flags = isClosed ? CEntPolyline::kClosed : short{0};
@@ -115,6 +120,7 @@ class Joiner {
     if (!made.polyline) return made;
     made.polyline->setUserInfo(like.getUserType(), like.getUserData());
     chain.write(gestor, factory, *made.polyline);
+    // The entities before the first one were found in reverse order.
     made.parts.assign(backwards.rbegin(), backwards.rend());
     made.parts.insert(made.parts.end(), onwards.begin(), onwards.end());
     return made;
@@ -134,6 +140,7 @@ class Joiner {
         [&](std::uint32_t end) {
           const Part& part = m_parts[end / 2];
           const double off = p.dist(end % 2 == 0 ? part.start : part.end);
+          // Of equally near ends the earliest wins, so that the result does not depend on the grid.
           if (off > least || (off == least && end > best)) return;
           least = off;
           best = end;

@@ -10,6 +10,7 @@ namespace {
 
 // The reversed segment, from `to` back to `from`.
 BULGED_VERTEX turnedBack(const BULGED_VERTEX& to, const BULGED_VERTEX& from) {
+  // Reversal exchanges the widths and negates the bulge.
   return {to.x, to.y, to.z, from.widthEnd, from.widthStart, -from.bulge, 0};
 }
 
@@ -24,6 +25,7 @@ bool OpenChain::take(const CEnt& ent, double tolerance) {
   m_vertexes.clear();
   if (ent.getType() == CEntLine::kType) {
     const auto& line = static_cast<const CEntLine&>(ent);
+    // Rays and infinite lines have no ends to join.
     if (line.getReach() != LineReach::Segment) return false;
     m_vertexes = {vertexAt(line.getLine().p1, 0), vertexAt(line.getLine().p2, 0)};
   } else if (ent.getType() == CEntArc::kType) {
@@ -37,6 +39,7 @@ bool OpenChain::take(const CEnt& ent, double tolerance) {
       m_vertexes.push_back({p.x, p.y, p.z, start, end, bulge, 0});
     });
   }
+  // A chain whose ends meet is closed already.
   return m_vertexes.size() > 1 && start().dist(end()) > tolerance;
 }
 
@@ -63,6 +66,7 @@ void OpenChain::prependReversed(const OpenChain& other) {
 }
 
 bool OpenChain::close(double tolerance) {
+  // Two vertices would enclose nothing.
   if (size() < 3 || start().dist(end()) > tolerance) return false;
   m_vertexes.pop_back();
   return true;

@@ -1,6 +1,6 @@
-// Puts what the parser reads into a drawing; what differs between loading and importing is up to
-// the two derived classes. Inserts may precede the definitions of their blocks, so unknown names
-// get an empty block as a placeholder, which the definition fills or an external reference replaces
+// Puts the parser's results into a drawing; the two derived classes decide where loading and
+// importing differ. Inserts may precede the definitions of their blocks, so unknown names get an
+// empty block as a placeholder, which the definition fills or an external reference replaces
 // (`repoint`). Hatches share a limit per file on generated lines, because a few bytes can request
 // millions.
 #include "vek0core/dxf/in/parse/filedxfidatasemantor.h"
@@ -102,6 +102,8 @@ void IFileDXFIDataSemantor::createLayer(const zim::WString& name, CLtype* ltype,
                                         long flags) {
   if (!ltype) ltype = &m_data.getLtypeContinuous();
   if (CLayer* known = m_data.getLayerTable().get(name)) {
+    // A layer that was only implied by a name gets its properties from its declaration; otherwise
+    // the first declaration applies.
     if (m_hurriedLayers.erase(known) == 0) return;
     known->setLtype(ltype);
     known->setColor(colour);
@@ -128,6 +130,7 @@ void IFileDXFIDataSemantor::createLayerXRef(const zim::WString& xref, const zim:
 }
 
 CLayer* IFileDXFIDataSemantor::createLayerHurried(const zim::WString& name) {
+  // Layers that entities name without a declaration are continuous, with the default color.
   CLtype* continuous = getLtype(u"continuous");
   zim::WString xref, local;
   if (scomposeName(name, xref, local))
@@ -141,6 +144,7 @@ CLayer* IFileDXFIDataSemantor::createLayerHurried(const zim::WString& name) {
 
 void IFileDXFIDataSemantor::createLtype(const zim::WString& name, const zim::WString& description,
                                         CLtypeComplexDashSeq& dashes, long flags) {
+  // The first definition of a name applies.
   if (m_data.getLtypeTable().get(name)) return;
   addNew(m_data.getLtypeTable(), m_data.getLtypeFactory().create(name, description, dashes, flags));
 }

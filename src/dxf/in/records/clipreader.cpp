@@ -1,6 +1,6 @@
-// A clipped insert names a dictionary, which leads over a second one to a filter, all in the
-// OBJECTS section and in any order. So inserts get a clip that is still empty, objects are
-// collected, and the clips are filled at the end of the file (`settle`).
+// A clipped insert names a dictionary, which leads to a second dictionary and from there to a
+// filter, all in the OBJECTS section and in any order. So inserts get a clip that is still empty,
+// objects are collected, and the clips are filled at the end of the file (`settle`).
 #include "dxf/in/records/clipreader.h"
 
 #include <algorithm>
@@ -37,6 +37,7 @@ Matrix inverse(const Matrix& of) {
   const auto dot = [](const PNT_3D& a, const PNT_3D& b) {
     return a.x * b.x + a.y * b.y + a.z * b.z;
   };
+  // Volume of the parallelepiped of the columns, which is the determinant.
   const double volume = dot(x, rows[0]);
   Matrix result;
   for (int i = 0; i < 3; ++i) {
@@ -62,6 +63,7 @@ void ClipReader::Filter::take(long code, std::string_view bytes) {
       points.emplace_back(number.value, 0);
       break;
     case 20:
+      // A y without an x before it belongs to no point.
       if (!points.empty()) points.back().y = number.value;
       break;
     case 40:
@@ -77,6 +79,7 @@ void ClipReader::Filter::take(long code, std::string_view bytes) {
     default:
       return;
   }
+  // Any invalid number invalidates the filter: a wrong boundary would hide the wrong content.
   isSound = isSound && number.finite && number.whole;
 }
 
@@ -85,6 +88,7 @@ void ClipReader::Filter::take(long code, std::string_view bytes) {
 bool ClipReader::Filter::place(std::vector<PNT_2D>& boundary) const {
   constexpr std::size_t numbersOfMatrix = 12;
   constexpr std::size_t wanted = 2 * numbersOfMatrix;
+  // Front and back planes may precede the two matrices with one number each.
   if (!isSound || points.size() < 2 || numbers.size() < wanted || numbers.size() > wanted + 2)
     return false;
   const auto matrices = numbers.end() - wanted;
@@ -96,9 +100,11 @@ bool ClipReader::Filter::place(std::vector<PNT_2D>& boundary) const {
     const PNT_3D world = toWorld.apply(x, y, z);
     return toBlock.apply(world.x, world.y, world.z);
   };
+  // Content is clipped perpendicularly in the block; a slanted boundary cannot be represented.
   const PNT_3D up = placed(0, 0, 1) - placed(0, 0, 0);
   if (!(std::hypot(up.x, up.y) <= kUpright * std::fabs(up.z))) return false;
   std::vector<PNT_2D> corners = points;
+  // Two points are opposite corners of a rectangle.
   if (points.size() == 2) {
     const PNT_2D &a = points[0], &b = points[1];
     corners = {a, PNT_2D(b.x, a.y), b, PNT_2D(a.x, b.y)};
@@ -168,7 +174,7 @@ bool ClipReader::isInverted(const Filter& filter) const {
   return extension != m_entries.end() && m_inversions.count(extension->second) != 0;
 }
 
-// Null if there is none; `isLost` returns whether there should be one.
+// Null if the insert is not clipped; `isLost` returns whether a filter is named but missing.
 const ClipReader::Filter* ClipReader::filterOf(std::uint64_t dictionary, bool& isLost) const {
   isLost = false;
   const auto filters = m_entries.find(dictionary);
@@ -182,8 +188,9 @@ const ClipReader::Filter* ClipReader::filterOf(std::uint64_t dictionary, bool& i
 }
 
 void ClipReader::settle() {
-  std::vector<std::pair<long, std::uint64_t>> inOrder;  // by line, as they are reported
+  std::vector<std::pair<long, std::uint64_t>> inOrder;  // sorted by line, the order of the report
   for (const auto& [dictionary, promised] : m_records.clips)
+    // Clips that only this table still holds belong to inserts that were not built.
     if (promised.clip.use_count() > 1) inOrder.emplace_back(promised.line, dictionary);
   std::sort(inOrder.begin(), inOrder.end());
   std::size_t room = kMostPoints;
@@ -197,6 +204,7 @@ void ClipReader::settle(long line, std::uint64_t dictionary, INSERT_CLIP& clip, 
   const Filter* filter = filterOf(dictionary, isLost);
   if (!isLost && !(filter && filter->isOn)) return;
   std::vector<PNT_2D> boundary;
+  // A boundary that cannot be represented is reported rather than shown wrongly.
   if (isLost || isInverted(*filter) || !filter->place(boundary) || boundary.size() > room)
     return m_records.noteAt(line, ReportCode::ClipIgnored, u"INSERT");
   if (filter->hasDepth) m_records.noteAt(line, ReportCode::ClipIgnored, u"depth");

@@ -1,7 +1,7 @@
 // Reads POLYLINE with its VERTEX records, and LWPOLYLINE. One record type serves five kinds of
-// objects: plain polylines, curves, of which the file holds control points and the points computed
-// from them, meshes, polyfaces and polylines in space. The vertices are collected first, and the
-// flags decide what is built from them.
+// objects: plain polylines, curves (with their controls and the points computed from them), meshes,
+// polyfaces and polylines in space. The vertices are collected first, and the flags determine the
+// result.
 #include "dxf/in/records/polylinereader.h"
 
 #include <algorithm>
@@ -33,6 +33,7 @@ bool isSomewhere(const PNT_3D& p) { return !std::isnan(p.x); }
 
 long hiddenEdge(const long (&corner)[4]) {
   long hidden = 0;
+  // A negative vertex number marks a hidden edge.
   for (int i = 0; i < 4; ++i)
     if (corner[i] < 0) hidden |= 1L << i;
   return hidden;
@@ -100,6 +101,8 @@ bool PolylineReader::readVertexes() {
   while (!m_in.lexer().isKeyword("SEQEND")) {
     if (!m_in.lexer().isKeyword("VERTEX")) {
       if (m_in.isTolerant()) {
+        // Files that were cut or merged may lack the end of the sequence; the vertices read are
+        // valid.
         m_in.note(ReportCode::SequenceCut, u"POLYLINE");
         return true;
       }
@@ -116,6 +119,7 @@ bool PolylineReader::readVertexes() {
 bool PolylineReader::spareVertex() {
   if (!m_in.recover(u"VERTEX")) return false;
   if ((m_head.flags & (kMesh | kPolyface)) == 0) return true;
+  // A placeholder, recognized by `isSomewhere`.
   m_vertexes.push_back({kNowhere, kNowhere, kNowhere, 0, 0, 0, 0});
   m_flags.push_back(0);
   return true;
@@ -124,6 +128,7 @@ bool PolylineReader::spareVertex() {
 bool PolylineReader::readVertex() {
   static constexpr RecordKind kind({10, 20, 30, 42, 70, 71, 72, 73, 74}, {8, 10, 20}, {40, 41});
   if (!m_in.read(kind, {40, 41}, 2, [&](long code) { m_in.takeWidth(code); })) return false;
+  // Vertices of polyfaces have both bits, face records only one.
   if ((m_in.record().integer(70) & (kFaceRecord | kMeshVertex)) == kFaceRecord)
     keepFace();
   else
@@ -173,12 +178,14 @@ void PolylineReader::splitCurve(short type, std::vector<BULGED_VERTEX>& controls
     if (!isGenerated) controls.push_back(m_vertexes[i]);
     if (isGenerated || (isFit && !framed)) fitted.push_back(m_vertexes[i]);
   }
+  // Without generated vertices there is no curve in the file, and it is computed.
   if (!anyGenerated) fitted.clear();
 }
 
 EntPtr PolylineReader::buildCurve(short type, short degree) {
   std::vector<BULGED_VERTEX> controls, fitted;
   splitCurve(type, controls, fitted);
+  // A curve needs controls; its points alone make a plain polyline.
   if (controls.size() < 2) {
     m_in.note(ReportCode::CurveWithoutFrame);
     return buildPlain();
@@ -202,6 +209,7 @@ EntPtr PolylineReader::buildCurve(short type, short degree) {
 void PolylineReader::addFitted(CEntPolyline& polyline, const std::vector<BULGED_VERTEX>& fitted) {
   BulgedChain chain(polyline.isClosed());
   chain.assign(fitted.data(), fitted.size());
+  // The chords of fitted arcs count towards a limit per file.
   if (chain.size() - fitted.size() > m_fittedLeft) {
     m_in.note(ReportCode::ArcsStraightened);
     std::vector<BULGED_VERTEX> straight(fitted);
@@ -232,6 +240,7 @@ EntPtr PolylineReader::buildMesh() {
   for (std::size_t i = 0; i < m_vertexes.size(); ++i)
     if (!smoothed || (m_flags[i] & kControl) == 0) points.push_back(at(i));
   const long wantedM = smoothed ? m_head.fitM : m_head.m, n = smoothed ? m_head.fitN : m_head.n;
+  // Too few points for a single row, or no row length at all.
   if (n < 2 || static_cast<std::size_t>(n) > points.size()) return firstFace();
   const auto columns = static_cast<std::size_t>(n), rows = points.size() / columns;
   if (wantedM < 0 || static_cast<std::size_t>(wantedM) != rows || points.size() % columns != 0)
@@ -240,6 +249,7 @@ EntPtr PolylineReader::buildMesh() {
   const std::size_t lastColumn = (m_head.flags & kClosedN) != 0 ? columns : columns - 1;
   const EntProperties properties = m_head.properties.withHandle(0);
   for (std::size_t i = 0; i < lastRow; ++i) {
+    // Closed meshes wrap around in either direction.
     const std::size_t row = i * columns, next = (i + 1) % rows * columns;
     for (std::size_t j = 0; j < lastColumn; ++j) {
       const std::size_t right = (j + 1) % columns;
@@ -312,13 +322,14 @@ void PolylineReader::takeWidth(double& width) const {
   if (!m_in.failed()) width = value;
 }
 
-// A 10 begins a vertex; what follows up to the next 10 belongs to it.
+// Code 10 starts a vertex; the following codes up to the next 10 belong to it.
 void PolylineReader::takeLwVertexPair(long code) {
   if (code == 10) {
     m_vertexes.push_back({m_in.lexer().getDouble(), 0, 0, kUnset, kUnset, 0, 0});
     return;
   }
   if (m_vertexes.empty()) {
+    // Codes before the first vertex belong to nothing.
     if (!m_in.isTolerant()) m_in.fail(CFileDXFIError::InconsistentRecord);
     return;
   }
@@ -338,7 +349,7 @@ void PolylineReader::takeLwVertexPair(long code) {
   }
 }
 
-// The count and the common width and height may stand before or after the vertices.
+// The count, the common width and the common height may precede or follow the vertices.
 bool PolylineReader::finishLwPolyline() {
   const Record& r = m_in.record();
   const long count = r.integer(90, static_cast<long>(m_vertexes.size()));
