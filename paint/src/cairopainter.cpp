@@ -21,9 +21,9 @@ namespace vek0::paint {
 namespace {
 
 constexpr double kPointsPerInch = 72;
-// A path is stroked after that many points: the cost of a stroke grows faster than its length, and
-// overlaps have the same color. The cost of a fill does not, and the strips of a solid hatch must
-// stay together, or the background shows through their seams.
+// A path is stroked after this many points, because the cost of a stroke grows faster than its
+// length, and overlaps have the same color. Fills grow linearly, and the strips of a solid hatch
+// must stay together, or else the background shows through their seams.
 constexpr std::size_t kStrokePoints = 512, kFillPoints = 1 << 16;
 
 // Limit for the cost of clipping per picture, in group pixels of about 8 ns each: a few seconds.

@@ -33,6 +33,7 @@ class Arc {
 
   bool exists() const {
     if (m_from.bulge == 0 || (m_dx == 0 && m_dy == 0)) return false;
+    // Bounds the reach of the arc by its start and twice its diameter, chord / sin(angle / 2).
     const double reach = std::fabs(m_from.x) + std::fabs(m_from.y) +
                          2 * std::hypot(m_dx, m_dy) / std::fabs(m_halfSin);
     return std::isfinite(reach);
@@ -55,6 +56,7 @@ class Arc {
 
   void growBdry(RECT_3D& box) const {
     const int n = chords();
+    // For few chords the search below would cost more than testing all.
     if (n <= kFewChords) {
       for (int k = 1; k < n; ++k) box.updateRegion(pntAt(k, n));
       return;
@@ -111,12 +113,14 @@ void BulgedChain::add(const BULGED_VERTEX& vertex) {
 
 void BulgedChain::assign(const BULGED_VERTEX* vertexes, std::size_t count) {
   m_vertexes.assign(vertexes, vertexes + count);
+  // Chains without bulges skip all computations of arcs.
   m_hasBulges = std::any_of(m_vertexes.begin(), m_vertexes.end(),
                             [](const BULGED_VERTEX& v) { return v.bulge != 0; });
   m_starts.clear();
 }
 
 void BulgedChain::clear() {
+  // Releases the memory as well, because a cleared chain is usually not refilled.
   std::vector<BULGED_VERTEX>().swap(m_vertexes);
   std::vector<std::size_t>().swap(m_starts);
   m_hasBulges = false;
@@ -144,6 +148,7 @@ double BulgedChain::bulge(std::size_t i) const {
 }
 
 const std::vector<std::size_t>& BulgedChain::starts() const {
+  // Only random access needs the table, so it is built on demand.
   if (m_starts.empty() && m_hasBulges) {
     std::vector<std::size_t> starts{0};
     for (std::size_t i = 0; i < m_vertexes.size(); ++i) {

@@ -1,8 +1,8 @@
 // The vertices of a polyline, in one of two forms. A polyline from a file is packed: one entry per
-// stated vertex, arcs as bulges. As soon as a vertex object is requested or a vertex is edited, a
-// list of vertex objects replaces it, with the ends of chords for every arc; `m_runs` then
-// remembers which vertices form an arc, until one of them is edited. So a drawing that is only
-// read, drawn and saved never pays for vertex objects, and arcs survive as arcs.
+// stated vertex, with arcs as bulges. When a vertex object is requested or a vertex is edited, a
+// list of vertex objects replaces it, including the ends of chords for every arc. `m_runs` then
+// records which vertices form an arc, until one of them is edited. So a drawing that is only read,
+// drawn and saved never pays for vertex objects, and arcs remain arcs.
 #include "vek0core/entities/entpolyline.h"
 
 #include <algorithm>
@@ -54,6 +54,7 @@ void CEntPolyline::unpackFor(const CEntFactory& factory, const VertexMaker& make
 
 void CEntPolyline::unpack(const VertexMaker& make) const {
   if (!isPacked()) return;
+  // Everything is created before the packed form is given up.
   std::vector<ArcRun> runs;
   runs.reserve(mostRunsOf(m_packed));
   addRunsOf(m_packed, runs);
@@ -96,6 +97,7 @@ void CEntPolyline::dropClosingRun() {
 }
 
 void CEntPolyline::shiftRuns(long from, long by) {
+  // Dropped runs are removed here, since the list is traversed anyway.
   std::erase_if(m_runs, [](const ArcRun& run) { return run.bulge == 0; });
   for (ArcRun& run : m_runs) {
     if (run.first >= from) run.first += by;
@@ -130,6 +132,7 @@ void CEntPolyline::forEachBulged(const VertexSink& sink) const {
     const CVertex& v = at(i);
     const ArcRun* run = runAt(nextRun, i);
     const double bulge = run == nullptr ? 0 : run->bulge;
+    // An arc is reported once, by its first vertex.
     if (run != nullptr) i += run->count;
     sink(v.getPnt(), v.GetWidthStart(), at(i).GetWidthEnd(), bulge, v.GetHandle());
   }
@@ -170,6 +173,7 @@ void CEntPolyline::addVertex(CVertex& vertex) {
     addVisibleVertex(vertex);
     return;
   }
+  // Controls precede the visible vertices in the list.
   placeVertex(vertex, m_firstVisible);
   ++m_firstVisible;
 }
@@ -203,6 +207,7 @@ CVertex* CEntPolyline::removeVertex(long i) {
   dropRunsAt(i, true);
   shiftRuns(i + 1, -1);
   m_vertexes.erase(m_vertexes.begin() + i);
+  // Removing a control leaves fewer of them.
   m_firstVisible = std::min(m_firstVisible, listSize());
   if (!isCurve()) dirtyBdry();
   return vertex;

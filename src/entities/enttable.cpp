@@ -32,6 +32,7 @@ class CEntTable::HandleIndex {
     if (handle == 0) return;
     const auto [at, isNew] = m_first.try_emplace(handle, ent);
     if (isNew) return;
+    // The first in drawing order is the one to be found by its handle.
     if (ent->m_pos < at->second->m_pos) std::swap(ent, at->second);
     m_others.emplace(std::make_pair(handle, ent->m_pos), ent);
   }
@@ -44,6 +45,7 @@ class CEntTable::HandleIndex {
       m_others.erase({handle, ent->m_pos});
       return;
     }
+    // The next entity with the handle takes its place.
     const auto next = m_others.lower_bound({handle, 0});
     if (next == m_others.end() || next->first.first != handle) {
       m_first.erase(first);
@@ -103,6 +105,8 @@ void CEntTable::restore(CEnt* ent, const Place& place) {
 void CEntTable::restore(CEnt* ent, const Place& place, Slots& slots) {
   if (ent == nullptr || ent->isHeld() || m_isView) return;
   const auto next = holds(place.next) ? Node(place.next->m_node) : m_entities.end();
+  // The rank must still lie between those of its neighbors, or the order would contradict the
+  // ranks.
   const bool fits = (next == m_entities.end() || place.rank < (*next)->m_pos) &&
                     (next == m_entities.begin() || (*std::prev(next))->m_pos < place.rank);
   if (!fits) return add(ent, slots);
@@ -117,6 +121,7 @@ void CEntTable::insert(CEnt* ent, Node before, std::size_t rank, Slots& slots) {
   ent->m_owner = &m_asOwner;
   ent->m_pos = rank;
   noteAdded(*ent);
+  // Marked, so that unwatched entities report nothing and cost nothing.
   ent->m_watched = !m_watchers.empty();
   for (IEntTableWatcher* watcher : m_watchers) watcher->added(*ent);
 }
@@ -143,6 +148,7 @@ void CEntTable::remove(CEnt* ent) {
 void CEntTable::remove(CEnt* ent, Slots& slots) {
   if (!holds(ent)) return;
   unselect(ent);
+  // The entity may have determined a side of the box.
   m_bdryValid = false;
   if (m_index != nullptr) m_index->remove(ent);
   slots.splice(slots.begin(), m_entities, ent->m_node);
@@ -195,6 +201,7 @@ void CEntTable::recalcBdry() const {
   m_bdry.initRegion();
   for (CEnt* ent : m_entities) {
     if (isFrozen(*ent)) continue;
+    // The content of an insert may have changed without notice.
     if (ent->getEntInsert() != nullptr) ent->calcBdry();
     m_bdry.updateRegion(ent->getBdry());
   }
@@ -204,6 +211,7 @@ void CEntTable::recalcBdry() const {
 void CEntTable::clearAll() {
   unselectAll();
   m_index.reset();
+  // Before the entities are deleted, because watchers may still refer to them.
   for (IEntTableWatcher* watcher : m_watchers) watcher->cleared();
   if (!m_isView) {
     for (CEnt* ent : m_entities) {

@@ -78,6 +78,7 @@ bool CLtypeComplexDashSeq::operator==(const CLtypeComplexDashSeq& other) const {
 void CLtypeComplexDashSeq::insert(int pos, std::unique_ptr<ILtypeComplexDash> dash) {
   const bool atEnd = pos == GetNoDashes();
   m_dashes.insert(m_dashes.begin() + pos, std::move(dash));
+  // Adding at the end keeps the order of summation.
   if (atEnd) {
     m_length += std::fabs(m_dashes.back()->GetValue());
   } else {
@@ -139,6 +140,7 @@ CLtypeComplexDashSeqMemento* CLtypeComplexDashSeq::CreateMemento() const try {
 
 void CLtypeComplexDashSeq::SetMemento(const CLtypeComplexDashSeqMemento* memento) {
   if (!memento) return;
+  // Elements of the same shape are filled in place, which needs no memory.
   if (hasShapeOf(*memento)) return fill(*memento);
   CLtypeComplexDashSeq restored;
   for (const auto& dash : memento->m_dashes) {

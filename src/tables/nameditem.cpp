@@ -1,7 +1,7 @@
-// The base of all tables: an array in the order of addition, and an index by name. Removing leaves
-// a hole, so that positions of the others stay; look-ups by position skip the holes by a tree of
-// ranks, and the array is compacted when they become too many. Prefixes with numbers, such as *U12,
-// are counted from the first request on, so that generating names is not quadratic.
+// The base of all tables: an array in the order of addition, and an index by name. Removal leaves a
+// hole, so that the positions of other items do not change. Look-ups by position skip holes with a
+// tree of ranks, and the array is compacted when holes become too many. Numbers after prefixes,
+// such as *U12, are counted from the first request on, so that generating names is not quadratic.
 #include "vek0core/tables/nameditem.h"
 
 #include <algorithm>
@@ -23,6 +23,7 @@ bool isDigit(zim::Char unit) { return unit >= u'0' && unit <= u'9'; }
 
 // The number that these digits spell in our canonical form, if any.
 std::optional<int> canonicalNumber(std::u16string_view digits) {
+  // A leading zero makes another name: "*U07" is not "*U7".
   if (digits.empty() || digits.size() > kMostDigits || digits[0] == u'0') return std::nullopt;
   long long value = 0;
   for (const zim::Char unit : digits) {
@@ -64,6 +65,7 @@ CNamedItem& CNamedItem::operator=(const CNamedItem& src) {
 void CNamedItemTableImp::Numbers::take(int number) {
   auto range = free.upper_bound(number);
   if (range == free.begin() || (--range)->second < number) {
+    // Several items may have one name, and only the last of them releases its number.
     ++repeated[number];
     return;
   }
@@ -81,6 +83,7 @@ void CNamedItemTableImp::Numbers::give(int number) {
     return;
   }
   int first = number, last = number;
+  // Merges the neighboring free ranges.
   const auto next = free.upper_bound(number);
   if (next != free.begin() && std::prev(next)->second == number - 1) first = std::prev(next)->first;
   if (next != free.end() && next->first == number + 1) {
@@ -102,10 +105,12 @@ CNamedItemTableImp::~CNamedItemTableImp() { CNamedItemTableImp::clearAll(); }
 
 void CNamedItemTableImp::add(CNamedItem* item) {
   if (!item || item->m_table || m_isView) return;
+  // Paid for by the removals that made the holes.
   if (m_holes > m_items.size() / 2) compact();
   if (m_items.size() == m_items.capacity()) {
     m_items.reserve(m_items.empty() ? 1 : 2 * m_items.size());
   }
+  // Reserved before the first change, so that a lack of memory changes nothing.
   m_byName.reserveOne();
   item->m_rank = m_nextRank;
   m_byName.insert(item);
@@ -137,6 +142,7 @@ CNamedItemTableImp::Place CNamedItemTableImp::getPlace(const CNamedItem& item) c
 }
 
 std::size_t CNamedItemTableImp::slotFor(const Place& place) {
+  // If the former successor is gone, the item is appended.
   const std::size_t at = contains(place.next) ? place.next->m_pos : m_items.size();
   const std::size_t before = m_items.size();
   bool isMoved = false;
@@ -214,6 +220,7 @@ zim::WString CNamedItemTableImp::GetProgName(const zim::WString& prefix) const {
 }
 
 void CNamedItemTableImp::rename(CNamedItem* item, const zim::WString& name) {
+  // Reserved first: after this, the assignment of the name cannot fail.
   item->m_name.reserve(name.Length());
   m_byName.remove(item);
   try {
@@ -235,6 +242,7 @@ void CNamedItemTableImp::changeNumbers(std::u16string_view name, NumberChange ch
   try {
     for (std::size_t digits = 1; digits <= std::min(kMostDigits, name.size()); ++digits) {
       const std::size_t at = name.size() - digits;
+      // Longer suffixes contain this unit as well, so none of them is a number.
       if (!isDigit(name[at])) return;
       const auto found = m_numbers.find(name.substr(0, at));
       if (found == m_numbers.end()) continue;

@@ -89,6 +89,7 @@ double TEXT_3D::getStringLength() const {
 
 void TEXT_3D::getDeltaXY(double& dx, double& dy) const {
   dx = dy = 0;
+  // Without a style there are no metrics to align with.
   if (!m_style) return;
   const ICADFont& font = fontOf(m_style);
   const double k = unitScale();
@@ -106,6 +107,7 @@ void TEXT_3D::getDeltaXY(double& dx, double& dy) const {
       break;
   }
   if (getHorizAlign() != 0) dx = -getStringLength() * (getHorizAlign() == 1 ? 0.5 : 1.0);
+  // Most texts are not rotated; this avoids rounding as well.
   if (m_context.getRotate() == 0) return;
   PNT_2D delta(dx, dy);
   delta.rotate(PNT_2D(0, 0), m_context.getRotate());
@@ -124,6 +126,7 @@ void TEXT_3D::getExtremes(PNT_3D* corners) const {
     return;
   }
   const PNT_3D base = getBasePoint();
+  // Obliqueness slants the text about its baseline.
   const double length = getStringLength(), slant = std::tan(m_context.getOblique());
   const double low = -fontOf(m_style).getDescent() * unitScale(), high = m_context.getHeight();
   const double along[4] = {0, length, length, 0}, up[4] = {low, low, high, high};
@@ -150,6 +153,7 @@ void TEXT_3D::calc_bdry(RECT_3D& box) const {
 void TEXT_3D::scale(const PNT_3D& center, double factor) {
   PNT_3D::scale(center, factor);
   m_context.setHeight(m_context.getHeight() * std::fabs(factor));
+  // A negative factor mirrors at the center, which for a text is half a turn.
   if (factor < 0) m_context.setRotate(m_context.getRotate() + kPi);
 }
 

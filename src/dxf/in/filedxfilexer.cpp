@@ -1,11 +1,10 @@
-// The lexer keeps a value as the bytes of the file and converts it only when asked: most values are
-// numbers or keywords, and never become wide strings. Files that offer no bytes, as those of a host
-// may, are read as wide lines and encoded, so that everything behind `readLine` sees bytes.
-//
-// Under the tolerant policy the lexer also keeps pairs aligned. A text that its program broke over
-// two lines shifts all pairs behind it by one, and would cost the rest of the file; so lines that
-// cannot be group codes are skipped, and a pair whose value cannot belong to its code is shifted
-// back (`alignPair`). The end of the file then reads as an EOF record, however it comes.
+// The lexer keeps a value as bytes of the file and converts it only on request: most values are
+// numbers or keywords and never become wide strings. Files with line access only, such as those of
+// a host, are read as wide lines and encoded, so that everything after `readLine` sees bytes. Under
+// the tolerant policy the lexer also keeps pairs aligned. A text that its program broke over two
+// lines shifts all later pairs by one, and would cost the rest of the file. So lines that cannot be
+// group codes are skipped, and a pair whose value cannot belong to its code is shifted back
+// (`alignPair`). The end of the file then reads as an EOF record, whatever its cause.
 #include "vek0core/dxf/in/filedxfilexer.h"
 
 #include <algorithm>
@@ -50,6 +49,7 @@ LineReader::Source bytesOf(IFile& file) {
 
 // Number of UTF-8 bytes of the first `units` units; malformed bytes count as one unit each.
 std::size_t bytesOfUnits(std::string_view bytes, std::size_t units) {
+  // Each unit needs at least one byte.
   if (bytes.size() <= units) return bytes.size();
   if (!zim::isValidUtf8(bytes)) return units;
   std::string_view rest = bytes;
@@ -76,6 +76,7 @@ std::string_view trimmed(std::string_view line) {
 
 bool isNumber(std::string_view text) {
   if (!text.empty() && text[0] == '-') text.remove_prefix(1);
+  // Longer numbers are values, not codes.
   return !text.empty() && text.size() < 6 &&
          std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
@@ -147,6 +148,7 @@ CFileDXFILexer::~CFileDXFILexer() = default;
 
 void CFileDXFILexer::note(ReportCode code, std::string_view sample) const {
   if (!m_report) return;
+  // A copy, because decoding changes what a decoder has sensed.
   CTextDecoder decoder = m_decoder;
   std::u16string text;
   decoder.decode(sample, text);
@@ -160,6 +162,7 @@ void CFileDXFILexer::setError(int kind) const {
 void CFileDXFILexer::start() {
   m_started = true;
   m_byBytes = m_lines->begin();
+  // A byte order mark overrides the declared code page.
   if (!m_byBytes || m_lines->mark() != LineReader::Mark::None) m_decoder.setPage(kCodePageUtf8);
 }
 
@@ -199,6 +202,8 @@ long CFileDXFILexer::read() {
   do {
     if (m_stopped) return endFile();
     if (!readCode() || !readValue()) return m_tolerant ? endFile() : fail();
+    // A cheap test, as it runs for every pair: misaligned pairs have an empty value, or a number
+    // for a keyword.
     const bool isUsual = !m_value.empty() && (m_group != 0 || m_value.front() >= 'A');
     if (m_tolerant && !isUsual && !alignPair()) return endFile();
   } while (m_group == kComment);
@@ -253,6 +258,7 @@ bool CFileDXFILexer::readCode() {
   std::string_view line;
   bool whole = false;
   bool got = readLine(line, whole);
+  // Binary formats are recognized in the first line, before their bytes are taken for text.
   if (got && m_line == 0 && isForeign(line)) {
     if (!m_tolerant) setError(CFileDXFIError::WrongStructure);
     return false;
@@ -306,6 +312,7 @@ bool CFileDXFILexer::readValue() {
     if (!m_tolerant) setError(CFileDXFIError::WrongStructure);
     return false;
   }
+  // A value cut off by the end of the file may be incomplete, and so invalid.
   if (m_tolerant && !whole && isCutOff(line)) return false;
   ++m_line;
   if (!m_byBytes) {
@@ -315,6 +322,7 @@ bool CFileDXFILexer::readValue() {
   m_value = withoutTrailing(line);
   m_widened = false;
   if (!whole || m_value.size() > kMostUnits) finishLongValue(whole);
+  // A copy of this lexer may advance the shared buffer.
   if (m_lines.use_count() > 1) keepValue();
   return true;
 }
@@ -375,6 +383,7 @@ const SmartString& CFileDXFILexer::getString() const {
 
 bool CFileDXFILexer::equals(std::string_view keyword) const {
   std::string_view value = m_value;
+  // Some programs indent keywords.
   while (m_tolerant && !value.empty() && (value.front() == ' ' || value.front() == '\t'))
     value.remove_prefix(1);
   if (value.size() != keyword.size()) return false;
@@ -417,6 +426,7 @@ double CFileDXFILexer::repairedDouble() const {
 
 long CFileDXFILexer::getInt() const {
   if (isNumberMissing()) return -1;
+  // parseLong returns 0 for text, too.
   const long number{vek0::detail::parseLong(m_value)};
   if (number == 0 && m_refusesJunk && !vek0::detail::beginsWithNumber(m_value))
     setError(CFileDXFIError::OutOfRange);

@@ -1,7 +1,7 @@
 // Reads one record into a `Record`: values by group code, and names resolved to the items of the
-// drawing. Items are cached by the bytes of their names (`NameCache`), since most entities name the
-// layer of the one before. What every kind has in common is treated here: required codes, pairs
-// that a drawing cannot store, invalid numbers, the plane, the layout that the entity is on.
+// drawing. Items are cached by the bytes of their names (`NameCache`), because most entities name
+// the layer of the previous one. Everything common to all kinds is handled here: required codes,
+// pairs that a drawing cannot store, invalid numbers, the plane, and the layout of the entity.
 #include "dxf/in/recordreader.h"
 
 #include <algorithm>
@@ -148,6 +148,7 @@ void RecordReader::takeLayer() {
   const zim::WString name = lexer().getText();
   CLayer* layer = m_context.semantor.getLayer(name);
   if (!layer) {
+    // An undeclared layer is created, so that the entity is not lost.
     layer = m_context.semantor.createLayerHurried(name);
     note(ReportCode::LayerUndeclared, name);
   }
@@ -205,6 +206,7 @@ void RecordReader::takeCount(long code) {
 
 double RecordReader::radius(double value) {
   if (!isTolerant() || value > 0) return value;
+  // The sign is dropped: the size is what the file states.
   if (value < 0)
     note(ReportCode::NumberReplaced, u"40");
   else
@@ -254,6 +256,7 @@ void RecordReader::takeTrueColor() {
 }
 
 short RecordReader::nearestColor(long trueColor) {
+  // Consecutive entities often share their color, and the search is slow.
   if (trueColor != m_lastTrueColor) {
     m_lastTrueColor = trueColor;
     m_lastNearest = nearestPaletteColor(unpackColor(trueColor));
@@ -263,6 +266,7 @@ short RecordReader::nearestColor(long trueColor) {
 
 bool RecordReader::check(const RecordKind& kind, long missingParam) {
   if (failed()) return false;
+  // The true color takes precedence over the index.
   if (m_record.trueColor != Record::kNoTrueColor) m_record.color = nearestColor(m_record.trueColor);
   static constexpr CodeSet spared{1, 2, 3, 8, 66, 70};
   if (isTolerant()) supply();
@@ -299,6 +303,7 @@ bool RecordReader::takeCurveRoom(std::size_t points) {
 }
 
 bool RecordReader::recover(const zim::WString& kind) {
+  // Nothing is recovered after a lack of memory, as the next entity would fail as well.
   if (!isTolerant() || m_context.err.GetErrorType() == CFileDXFIError::GeneralError) return false;
   note(ReportCode::EntityDropped, kind);
   m_context.err = CFileDXFIError();

@@ -1,7 +1,7 @@
 // Writes a drawing section by section. Handles are collected before anything is written
-// (`SaveHandles`): each one in the file must be unique, and the header of the exchange form states
-// the next free one. Blocks are written in the order of the block graph, so that a block comes
-// before those that insert it.
+// (`SaveHandles`): each must be unique in the file, and the header of the exchange form states the
+// next free one. Blocks are written in the order of the block graph, so that each precedes the
+// blocks that insert it.
 #include "vek0core/dxf/out/filedxfosaver.h"
 
 #include <algorithm>
@@ -58,6 +58,7 @@ class WrittenBlocks final : public IBlockOperation {
  public:
   WrittenBlocks(const CData& data, unsigned flags, IBlockOperation& op)
       : m_hatchBlocks(hatchBlocksOf(data)), m_op(op) {
+    // The search for uses is skipped for drawings without hatches.
     if (!m_hatchBlocks.empty()) noteUses(data, flags);
   }
 
@@ -93,7 +94,7 @@ class WrittenBlocks final : public IBlockOperation {
   IBlockOperation& m_op;
 };
 
-/// Shows every entity of a block to a visitor.
+/// Passes every entity of a block to a visitor.
 class BlockVisit final : public IBlockOperation {
  public:
   explicit BlockVisit(IEntVisitor& visitor) : m_visitor(visitor) {}
@@ -147,6 +148,7 @@ CFileDXFOSaver::~CFileDXFOSaver() = default;
 
 bool CFileDXFOSaver::save() {
   if (!m_file.open()) return false;
+  // A lack of memory leaves an incomplete file, which counts as a failure.
   bool saved = false;
   try {
     saved = dosave();
@@ -172,6 +174,7 @@ bool CFileDXFOSaver::dosave() {
   return sectionDone();
 }
 
+// Each section ends with a check, so that a full medium is noticed early.
 bool CFileDXFOSaver::sectionDone() { return m_writer.flush() && !m_file.fail(); }
 
 void CFileDXFOSaver::collectHandles() {
@@ -228,6 +231,7 @@ void CFileDXFOSaver::writeCurrentItems() {
   const bool known = vek0::detail::isEntityColor(color);
   if (!known) report(ReportCode::ColorOutOfRange, u"$CECOLOR");
   write(9, u"$CECOLOR");
+  // BYLAYER, the default of every drawing.
   write(62, static_cast<long>(known ? color : kColorByLayer));
 }
 
@@ -298,12 +302,14 @@ void CFileDXFOSaver::writeLayer(const CLayer& layer) {
   write(0, u"LAYER");
   m_writer.writeText(2, name);
   write(70, dependentFlags(layer.getFlags(), name) & kFlagBits);
+  // A layer that is off is written with a negative color.
   write(62, static_cast<long>(layer.isOff() ? -color : color));
   m_writer.writeText(6, m_converter.GetName(layer.getLtype()));
 }
 
 void CFileDXFOSaver::writeStyles() {
   std::vector<vek0::detail::ListedStyle> styles = vek0::detail::stylesOf(m_data);
+  // Shape files are not text styles.
   std::erase_if(styles, [](const auto& listed) { return (listed.flags & kShapeStyle) != 0; });
   beginTable(u"STYLE", styles.size());
   for (const auto& [style, name, flags] : styles) writeStyle(*style, flags);
@@ -329,7 +335,7 @@ bool CFileDXFOSaver::writeBlocks() {
   CFileDXFOBlockWriter writer(m_writer, m_visitor, m_converter);
   writer.setExchange(isExchange());
   WrittenBlocks written(m_data, m_flags, writer);
-  // Not an assertion: a host can make a block insert itself behind the table's back.
+  // Not an assertion: a host can make a block insert itself by changing the graph directly.
   const int iResult = m_data.getBlockTable().getBlockGraph().VisitUndep(written);
   write(0, u"ENDSEC");
   if (iResult != ZORA_BLOCK_VISIT_RESULT_SUCCESS)

@@ -1,7 +1,8 @@
-// Writes one record per entity. The classic form has six decimals and shows arcs of polylines as
-// chords. The exchange form writes numbers that read back exactly; numbers that were computed on
-// the way (attributes, for example, are stored relative to their insert) are rounded to the
-// precision of their inputs first (`steady`), or each round trip would change their last digits.
+// Writes one record per entity. The classic form has six decimals and writes arcs of polylines as
+// chords. The exchange form writes numbers that read back exactly. Numbers that were computed in
+// between (attributes, for example, are stored relative to their insert) are first rounded to the
+// precision of their inputs (`steady`), as each round trip would change their last digits
+// otherwise.
 #include "vek0core/dxf/out/filedxfovisitor.h"
 
 #include <algorithm>
@@ -137,6 +138,7 @@ void CFileDXFOVisitor::visit(CEnt3DFace& ent) {
   if (refuses(ent, "3DFACE")) return;
   if (ent.isFilled()) {
     const char* kind = ent.getFill() == FaceFill::Trace ? "TRACE" : "SOLID";
+    // The classic form has no records for fills.
     if (m_exchange && solid_visit(ent, kind)) return;
     report(ReportCode::FillAsOutline, kind);
   }
@@ -208,6 +210,7 @@ void CFileDXFOVisitor::visit(CEntPolyline& ent) {
                          form.curve | (form.solid ? kPolyline3D : 0));
   if (form.curve == CEntPolyline::kSpline)
     m_writer.write(75, ent.getDegree() == 2 ? kQuadratic : kCubic);
+  // A constant width is stated once, for all vertices.
   m_writer.write(40, form.widthConstant ? form.width : 0.0);
   m_writer.write(41, form.widthConstant ? form.width : 0.0);
   m_writer.write(66, 1L);
@@ -232,6 +235,7 @@ vek0::Handle CFileDXFOVisitor::begin(const char* kind, const CEnt& ent) {
 vek0::Handle CFileDXFOVisitor::def_visit(const CEnt& ent) {
   const vek0::Handle handle = writeHandle(ent.GetHandle());
   m_writer.writeEncoded(8, m_names->layer(ent.getLayer()));
+  // BYLAYER is the default of files and is omitted.
   if (ent.getLtype() && !ent.getLtype()->isByLayer())
     m_writer.writeEncoded(6, m_names->ltype(ent.getLtype()));
   if (ent.getColor() == kColorByLayer) return handle;
@@ -250,6 +254,7 @@ void CFileDXFOVisitor::txt_visit(const TextRecord& text, long stringCode, long v
   writeAngle(51, text.obliqueRad);
   m_writer.writeEncoded(7, m_names->style(text.style));
   writePoint(0, text.base);
+  // Backward texts have a positive width and a flag.
   if (text.widthScale < 0) m_writer.write(71, kBackward);
   m_writer.write(72, text.horizontal);
   m_writer.write(verticalCode, text.vertical);
@@ -281,6 +286,7 @@ void CFileDXFOVisitor::attribs_visit(const CEntInsertBase& ent) {
   m_sequence.clear();
   for (unsigned i = 0; i < static_cast<unsigned>(ent.GetNoAttribs()); ++i) {
     const CEntAttrib* attrib = ent.GetAttrib(i);
+    // Attributes that cannot be written must not start a sequence.
     if (attrib && !refuses(*attrib, "ATTRIB")) m_sequence.push_back(attrib);
   }
   if (m_sequence.empty()) return;
@@ -336,6 +342,7 @@ vek0::Handle CFileDXFOVisitor::writeHandle(vek0::Handle handle) {
 // Computed from the values that readers will get: otherwise it would move again when the file is
 // read and saved.
 PNT_3D CFileDXFOVisitor::basePoint(const TEXT_3D& text) const {
+  // Left-aligned texts have the same point twice.
   if (text.getAlign() == 0) return text;
   const auto asRead = [this](double value) { return m_exchange ? value : sixDecimals(value); };
   TEXT_3D read(text);
@@ -358,6 +365,7 @@ CFileDXFOVisitor::TextRecord CFileDXFOVisitor::placed(const TEXT_3D& text) const
 // An attribute is in block coordinates, but in drawing coordinates in the file.
 CFileDXFOVisitor::TextRecord CFileDXFOVisitor::placed(const CEntInsertBase& insert,
                                                       const CEntAttrib& attrib) const {
+  // The place read from the file reproduces it exactly, as long as nothing was changed.
   const ATTRIB_PLACE* remembered = rememberedPlace(insert, attrib);
   const ATTRIB_PLACE place = remembered ? *remembered : computedPlace(insert, attrib);
   TEXT_3D text(attrib.getText());

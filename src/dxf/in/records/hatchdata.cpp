@@ -1,6 +1,6 @@
 // Restores the hatch from the extended data of an insert (see dxf/hatchdatalayout.h). The pairs are
-// collected as they come and parsed at the end of the record; anything unexpected means that the
-// insert is an ordinary one, never an error.
+// collected as they are read and parsed at the end of the record. Anything unexpected means that it
+// is an ordinary insert, never an error.
 #include "dxf/in/records/hatchdata.h"
 
 #include <algorithm>
@@ -34,6 +34,7 @@ bool HatchData::take(const CFileDXFILexer& lexer) {
   else
     pair.text = lexer.getText();
   m_pairs.push_back(std::move(pair));
+  // The second pair decides whether the rest is worth collecting.
   m_taking = m_pairs.size() != 2 || claimsHatch();
   return m_taking;
 }

@@ -1,11 +1,9 @@
-// Reads HATCH and MPOLYGON records. Their codes mean different things in different parts of the
-// record, so a record is not a set of pairs as for other kinds: counts say how many groups follow,
-// and each group is read pair by pair in its order.
-//
-// A damaged record is cut down as far as necessary: an invalid number of the pattern is read as 0,
-// one in a loop costs that loop, an edge that makes no sense leaves a gap, which the loop builder
-// closes by a straight line. Where a count itself is invalid, groups are read as long as the code
-// that begins one follows (`Count`).
+// Reads HATCH and MPOLYGON records. Their codes have different meanings in different parts of the
+// record, so a record is not a set of pairs as for other kinds: counts state how many groups
+// follow, and each group is read pair by pair in its order. A damaged record is reduced as far as
+// necessary: an invalid number of the pattern is read as 0, one in a loop costs that loop, and an
+// invalid edge leaves a gap, which the loop builder closes by a straight line. If a count itself is
+// invalid, groups are read as long as the code that begins one follows (`Count`).
 #include "dxf/in/records/hatchreader.h"
 
 #include <algorithm>
@@ -65,6 +63,7 @@ EntPtr HatchReader::read() {
   if (!readRecord() || !finishRings()) return nullptr;
   const PatternRecord pattern = patternRecord();
   if (!isOutlined(pattern)) return build();
+  // The outlines are in world coordinates already.
   m_in.setPlaced();
   return outlineHatch(m_in, m_rings, pattern.name);
 }
@@ -91,6 +90,7 @@ bool HatchReader::readRecord() {
   static constexpr RecordKind mpolygon({2, 30, 41, 52, 71, 75, 76, 77}, {8}, {41, 52});
   m_lines.clear();
   m_rings.clear();
+  // Two limits: per record, and per file for all hatches.
   const std::size_t room = std::min(m_curveRoom, kRecordCurvePoints);
   m_loop.setCurveRoom(room);
   const bool complete = m_in.read(m_isMpolygon ? mpolygon : hatch, HatchCodes(), 2,
@@ -137,6 +137,7 @@ bool HatchReader::takePoint(long code, PNT_3D& pnt) {
 HatchReader::Count HatchReader::takeCount(long code) {
   const long count = m_in.lexer().getInt();
   const bool isKnown = !m_in.failed() || !m_in.spareNumber();
+  // An unknown count is replaced by the code that begins a group.
   return {count, isKnown ? 0 : code};
 }
 
@@ -144,6 +145,7 @@ bool HatchReader::goesOn(Count& count) {
   if (m_in.failed()) return false;
   if (count.code == 0) return count.left-- > 0;
   const bool follows = m_in.next() == count.code;
+  // Looks ahead by one pair.
   m_in.putBack();
   return follows;
 }
@@ -221,6 +223,7 @@ bool HatchReader::readLoop() {
 
 bool HatchReader::readPolylineLoop() {
   long bulged = 0, closed = 0, count;
+  // The two kinds of records list these flags in opposite orders.
   const bool flags = m_isMpolygon ? takeInteger(73, closed) && takeInteger(72, bulged)
                                   : takeInteger(72, bulged) && takeInteger(73, closed);
   if (!flags || !takeInteger(93, count)) return false;
@@ -302,6 +305,7 @@ bool HatchReader::readSpline() {
     if (!takeReal(40, spline.knots.back())) return false;
   }
   if (!readControls(spline, noControls, rational != 0)) return false;
+  // Only newer files have them, which strict reading does not accept.
   std::vector<PNT_3D> fits;
   if (m_in.isTolerant() && !readFits(fits)) return false;
   if (spline.controls.empty()) spline.createFit(fits);
@@ -335,6 +339,7 @@ bool HatchReader::readControls(SPLINE_3D& spline, long noControls, bool rational
 // Skips the source entities of the loop; not every program writes their number.
 bool HatchReader::skipSources() {
   const long code = m_in.next();
+  // Points here mean that a count before was too small.
   if (code == 10 || code == 20) m_in.fail(CFileDXFIError::InconsistentRecord);
   if (code != kCount || m_in.failed()) {
     m_in.putBack();
@@ -383,6 +388,7 @@ void HatchReader::placeInWorld() {
 bool HatchReader::finishRings() {
   const Record& r = m_in.record();
   const long style = r.integer(75);
+  // Style 0 fills alternately, as the drawing does for all rings.
   if ((style == 1 || style == 2) && !applyHatchStyle(m_rings, static_cast<HatchStyle>(style)))
     m_in.note(ReportCode::HatchIslands);
   if (m_rings.empty()) m_in.note(ReportCode::HatchDropped);
@@ -396,6 +402,7 @@ EntPtr HatchReader::build() {
   const Record& r = m_in.record();
   IFileDXFISemantor& semantor = m_in.context().semantor;
   PatternRecord record = patternRecord();
+  // Seen from below, the pattern is mirrored like the boundary.
   if (PlaneAxes(m_in.frame().normal).isFromBelow()) mirror(record);
   const Pattern pattern = findPattern(record, semantor.getHatchTypeTable());
   return EntPtr(semantor.createHatch(r.layer, r.ltype, r.color, *pattern.type, pattern.scale,

@@ -96,6 +96,7 @@ void LtypeReader::takeCount(Entry& entry) {
     entry.announced = count;
     return;
   }
+  // Strict reading requires the count before the dashes.
   if (count < 0 || entry.dashes > 0) return fail(CFileDXFIError::WrongStructure);
   entry.announced = count;
 }
@@ -113,6 +114,7 @@ void LtypeReader::takeElementType(Entry& entry) {
   if (failed()) return;
   if (++entry.types > entry.dashes && !isTolerant()) return fail(CFileDXFIError::WrongStructure);
   if (isTolerant()) {
+    // Other bits do not make an element.
     if ((type & (kTextDash | kShapeDash)) != 0) takeElement(type, entry);
     return;
   }
@@ -225,6 +227,7 @@ double LtypeReader::expectDouble(long code) {
 void LtypeReader::create(Entry& entry) {
   IFileDXFISemantor& semantor = m_context.semantor;
   if (entry.name.empty()) return fail(CFileDXFIError::WrongStructure);
+  // The fixed linetypes exist already and cannot be redefined.
   for (const zim::Char* fixed : {u"continuous", u"byblock", u"bylayer"})
     if (zim::equalsIgnoreCase(entry.name, fixed)) return;
   if (isTolerant() && std::max(entry.announced, 0L) != entry.dashes)
@@ -232,6 +235,7 @@ void LtypeReader::create(Entry& entry) {
   if ((entry.flags & kOfXRef) == 0)
     return semantor.createLtype(entry.name, entry.description, entry.sequence, entry.flags);
   zim::WString xref, local;
+  // The flag requires a dependent name.
   if (scomposeName(entry.name, xref, local))
     return semantor.createLtypeXRef(xref, local, entry.description, entry.sequence, entry.flags);
   if (!isTolerant()) return fail(CFileDXFIError::WrongStructure);
