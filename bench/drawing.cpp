@@ -11,7 +11,7 @@ namespace {
 
 using vek0::bench::Drawing;
 
-constexpr double kExtent = 10000;  // of the drawings, each way
+constexpr double kExtent = 10000;  // width and height of the drawings
 
 class NullPainter : public IPainter {
  public:

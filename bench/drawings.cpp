@@ -44,7 +44,7 @@ class Text {
     pair(2, block);
     point();
   }
-  // A square of 1.7 by lines 0.125 apart.
+  // A square with sides of 1.7, hatched with lines 0.125 apart.
   void hatch(const std::string& layer) {
     constexpr double side = 1.7;
     const double x = coordinate(), y = coordinate();

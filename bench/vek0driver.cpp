@@ -4,7 +4,7 @@
 //   load_ms=… [save_ms=…] rss_kib=… peak_kib=… layers=… blocks=… points=… lines=… …
 //
 // rss_kib is the growth of the resident set over the load, peak_kib the largest one.
-// Entities are those of model space and of every block.
+// Counts the entities of model space and of every block.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>

@@ -20,7 +20,7 @@ int main(int argc, char** argv) {
   std::vector<PATH_3D> inner;
   OFFSET_OPTIONS options;
   options.join = OFFSET_JOIN::mitre;
-  // Positive distances are to the left, which is inside a counterclockwise outline.
+  // Positive distances are to the right of the direction of travel, negative ones to the left.
   if (!offsetPath(outline, 0.3, options, inner)) return 1;
   for (const PATH_3D& path : {outline, inner.at(0)})
     model.add(

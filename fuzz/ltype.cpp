@@ -1,5 +1,5 @@
-// Linetype definition files: whatever a file contains, saving and rereading what was read must
-// yield the same, and saving that the same bytes.
+// Linetype definition files: for any content, saving what was read and reading it again must yield
+// the same linetypes, and saving those the same bytes.
 #include <cstdlib>
 
 #include "support.h"

@@ -1,6 +1,6 @@
-// We must read what we write: saves whatever loaded, in both forms, and loads it again. Rejecting
-// our own file is a failure, and so is a drawing in the exchange form that changes when read and
-// saved again.
+// We must read what we write: saves any drawing that loads, in both forms, and loads it again. It
+// is a failure if we reject our own file, or if a drawing in exchange form changes when it is read
+// and saved again.
 #include <cstdlib>
 
 #include "support.h"

@@ -34,6 +34,7 @@ StepOutcome explode(Editing& editing) {
       return StepOutcome::failed("more than " + std::to_string(CEntExploderVisitor::kLimit) +
                                  " entities and vertices would result, an external reference would "
                                  "be sheared, or memory ran out");
+    // Nothing to explode: the entity stays selected.
     if (exploder.getEnts().empty()) {
       chosen.push_back(ent);
       continue;
@@ -74,7 +75,7 @@ StepOutcome join(Editing& editing, std::optional<double> tolerance, JOIN_LAYERS 
                            counted(joined.size(), "polyline", "polylines") + skipped(left));
 }
 
-// Closed curves have an outside, whatever their direction.
+// Positive distances are outside closed curves, whatever their direction.
 double towards(const PATH_3D& path, double distance) {
   return path.closed && path.area() < 0 ? -distance : distance;
 }

@@ -53,6 +53,7 @@ bool hasArea(const std::vector<PNT_3D>& boundary) {
 // The boundary to hatch; empty, with an error message, if there is none.
 std::vector<PNT_3D> boundaryOf(const CData& data, const HatchRequest& request,
                                const std::string& name, Session& session) {
+  // Without closed polylines, the given corners are the only ring.
   std::vector<PNT_3D> boundary = joinHatchRings(
       request.closedPolylines ? outlinesOf(data) : std::vector<HATCH_RING>{request.corners});
   if (hasArea(boundary)) return boundary;
@@ -67,6 +68,7 @@ std::vector<PNT_3D> boundaryOf(const CData& data, const HatchRequest& request,
 
 CLayer* layerNamed(CData& data, const zim::WString& name) {
   if (CLayer* layer = getLayer(data, name)) return layer;
+  // An unknown layer is created with the default color.
   addLayer(data, data.getLayerFactory().create(name, &data.getLtypeContinuous(), 7, 0));
   return getLayer(data, name);
 }

@@ -21,12 +21,13 @@ constexpr long kWrite = 2;
 
 OutputFile::Watch g_watch = nullptr;
 
+// Lets the tool remove an unfinished file when it is interrupted.
 void watch(const std::filesystem::path& unfinished) {
   if (g_watch) g_watch(unfinished);
 }
 
-// In the target's folder, so that the rename stays within one file system. Not derived from its
-// name, which may already have the maximum length.
+// In the target's folder, so that the rename stays within one file system. The name is not derived
+// from the target's, which may already have the maximum length.
 std::filesystem::path temporaryFor(const std::filesystem::path& target) {
   std::random_device random;
   return target.parent_path() / (".vek0-" + std::to_string(random()) + ".tmp");
@@ -38,6 +39,7 @@ std::filesystem::path followed(std::filesystem::path path) {
   std::error_code failure;
   for (int i = 0; i < kMostLinks; ++i) {
     if (!std::filesystem::is_symlink(path, failure)) return path;
+    // Relative links are relative to their own folder.
     path = path.parent_path() / std::filesystem::read_symlink(path, failure);
   }
   return {};
@@ -79,7 +81,8 @@ std::string OutputFile::faultOf(const std::string& path, bool force) const {
   return {};
 }
 
-// From the beginning only the owner may read it, if it replaces a file: that may be private.
+// If it replaces a file, only the owner may read it from the beginning, because the old file may be
+// private.
 void OutputFile::createTemporary() {
   std::error_code ignored;
   const auto before = std::filesystem::status(m_target, ignored);
@@ -98,6 +101,7 @@ void OutputFile::createTemporary() {
 OutputFile::~OutputFile() {
   watch({});
   std::error_code ignored;
+  // A file that was not committed is incomplete.
   if (!m_temporary.empty()) std::filesystem::remove(m_temporary, ignored);
 }
 
@@ -114,6 +118,7 @@ std::uintmax_t OutputFile::size() const {
 bool OutputFile::commit() {
   if (m_temporary.empty()) return writeToStandardOutput();
   std::error_code failure;
+  // The permissions of the replaced file are restored before it becomes visible.
   std::filesystem::permissions(m_temporary, m_permissions, failure);
   std::filesystem::rename(m_temporary, m_target, failure);
   if (failure) {

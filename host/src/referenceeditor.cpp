@@ -45,6 +45,7 @@ bool ReferenceEditor::fail(const std::string& message) {
 bool ReferenceEditor::bind(const ReferenceChoice& choice) {
   resolve("lost or changed when bound");
   const auto chosen = choose(choice);
+  // With --all, a missing reference is an error; chosen ones are checked individually.
   if (!chosen || (choice.all && !isAllLoaded())) return false;
   for (const CBlockXRef* xref : *chosen) {
     if (xref->getStatus() != CBlockXRef::Status::loaded)
@@ -132,6 +133,7 @@ std::optional<std::vector<CBlockXRef*>> ReferenceEditor::choose(const ReferenceC
 }
 
 bool ReferenceEditor::edit(const std::vector<CBlockXRef*>& chosen, const char* done, Edit work) {
+  // The names are collected first, because the references may be deleted.
   std::vector<std::string> names;
   for (const CBlockXRef* xref : chosen) names.push_back(toText(*xref));
   if (!work(m_data, m_undo, chosen)) return fail("out of memory");

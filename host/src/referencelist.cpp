@@ -29,8 +29,8 @@ std::string countedReferences(std::size_t count) {
   return counted(count, "reference", "references");
 }
 
-// Traverses a drawing's references and the nested ones. One shown by several others is entered
-// once: nested diamonds have exponentially many paths.
+// Traverses a drawing's references and the nested ones. A reference shown by several others is
+// entered once, because diamonds have exponentially many paths.
 class Tree {
  public:
   explicit Tree(const ResolvedDrawing& drawing) : m_drawing(drawing) {}

@@ -25,7 +25,7 @@ using namespace host;
 
 namespace {
 
-constexpr double kPixelsPerPoint = 600;  // about a microsecond either way
+constexpr double kPixelsPerPoint = 600;  // about a microsecond each
 constexpr double kLeastPointPixels = 3;  // or points would hardly be seen
 
 // The drawing unit: from the options, else from the file, else a millimeter.
@@ -92,6 +92,7 @@ class Renderer {
   }
 
   void render(const std::string& in, const std::string& out) {
+    // With several layers there are several files, which are checked one by one.
     if (!m_options.splitLayers && !isWritable(out)) return;
     const Drawing data = newDrawing();
     // Fonts are found by name.
@@ -195,6 +196,7 @@ class Renderer {
     if (written) {
       const auto painter = makePainter(m_options, file, picture.sheet, m_fonts);
       result = drawData(data, *m_projector, window, *painter, m_drawOptions);
+      // The painter writes the rest of the document, so its success counts as well.
       written = painter->finish() && !file.fail();
       file.close();
     }
@@ -204,6 +206,7 @@ class Renderer {
            " clipped inserts whole: clipping needs a plan view, and boundaries that are neither "
            "too long nor too many");
     reportShortcomings(output.path(), result);
+    // Of split layers, those that show nothing get no file.
     if (result.emitted == 0 && !evenEmpty) return;
     if (!output.commit()) fail(kOutputFailed, output.error());
   }
@@ -220,13 +223,14 @@ class Renderer {
       fail(kDrawingFailed, "'" + path + "' is incomplete: the drawing shows too much");
   }
 
-  // One picture a layer that shows something, all laid out alike.
+  // One picture per layer with content, all with the same layout.
   void renderLayers(CData& data, const LayerChoice& layers, const PICTURE& picture,
                     const std::string& out) {
     std::unordered_set<std::string> names;
     const std::filesystem::path path = toPath(out);
     // Names may have 255 bytes, of which number and extension need a few.
     constexpr std::size_t kMostForBoth = 235, kMostForLayer = 100;
+    // At least some room remains for the layer, even with a very long file name.
     const std::size_t room = kMostForBoth - std::min(kMostForBoth, stemOf(out).size());
     for (const CLayer* layer : layers.visible()) {
       layers.showOnly(layer);
@@ -245,6 +249,7 @@ class Renderer {
   static std::string fileName(std::string name, std::size_t most) {
     if (name.size() > most) {
       std::size_t end = most;
+      // Bytes 10xxxxxx continue a UTF-8 character.
       while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80) --end;
       name.resize(end);
     }
@@ -286,6 +291,7 @@ void renderDrawings(const std::vector<std::string>& files, const std::string& ta
     std::filesystem::path name = toPath(in).stem();
     name += std::string(".") + nameOf(options.picture.format);
     const std::u8string out = (folder / name).u8string();
+    // Two drawings of one name in different folders must not overwrite each other.
     if (!written.insert(std::string(out.begin(), out.end())).second) {
       session.fail(kOutputFailed, in + ": a drawing of the same name has already been rendered");
       continue;

@@ -11,6 +11,7 @@
 namespace vek0::paint {
 namespace {
 
+// Bytes per write.
 constexpr std::size_t kBlock = 1 << 16;
 // Groups are written at the latest when they reach this size.
 constexpr std::size_t kBuffered = 1 << 28;
@@ -94,12 +95,14 @@ bool SvgPainter::finish() {
 std::string SvgPainter::groupId(const std::string& layer) {
   const std::string wanted = "layer-" + idPart(layer);
   std::string id = wanted;
+  // Different names may reduce to one id, which must be unique.
   for (int n = 2; !m_groupIds.insert(id).second; ++n) id = wanted + "-" + std::to_string(n);
   return id;
 }
 
 std::string SvgPainter::nextHandleId() {
   const int n = ++m_handles[m_handle];
+  // An entity can appear several times: in several groups, or clipped.
   return "h" + hexText(m_handle) + (n > 1 ? "-" + std::to_string(n) : std::string());
 }
 
@@ -150,6 +153,8 @@ SvgPainter::Group& SvgPainter::groupOfItem() {
 // Ensures that the next element may be added to its layer's group.
 void SvgPainter::reach(const RECT_2D& box, bool isFill) {
   groupOfItem();
+  // A group is written as a whole, so content that must be drawn over that of a later group cannot
+  // join an earlier one: then all groups are written first.
   if (!m_cover.admits(box, static_cast<int>(m_group), isFill)) {
     endEntity();
     flushGroups();
@@ -180,6 +185,7 @@ void SvgPainter::endPath() {
 }
 
 std::string SvgPainter::strokeAttribute() {
+  // The group already states the color of its first element.
   return groupOfItem().color == m_color ? std::string() : " stroke=\"" + colorText(m_color) + "\"";
 }
 

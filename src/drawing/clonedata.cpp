@@ -1,5 +1,5 @@
-// Copies a drawing. `ItemMap` maps each item to its copy, so items are copied before whatever
-// refers to them: styles, linetypes, layers, blocks, entities. Blocks are created empty before any
+// Copies a drawing. `ItemMap` maps each item to its copy, so items are copied before the items that
+// refer to them: styles, linetypes, layers, blocks, entities. Blocks are created empty before any
 // is filled, because their contents refer to each other.
 #include <memory>
 #include <new>
@@ -28,6 +28,7 @@ class DrawingCopy {
   DrawingCopy(const CData& src, CData& copy) : m_src(src), m_copy(copy) {}
 
   void run() {
+    // Styles refer to fonts, which the copy shares with its source.
     m_src.shareFonts(m_copy);
     copyTables();
     copyBlocks();
@@ -46,6 +47,7 @@ class DrawingCopy {
     forEachXRef([this](const CBlockXRef& from, CBlockXRef& to) { copyLtypes(from, to); });
     copyLayers(m_src.getLayerTable());
     forEachXRef([this](const CBlockXRef& from, CBlockXRef& to) { copyLayers(from, to); });
+    // Layer 0 refers to a linetype, which must have been copied.
     copyLayer(*m_src.getLayerTable().getLayer0(), m_copy.getLayer0());
   }
 
@@ -73,6 +75,7 @@ class DrawingCopy {
   }
 
   void copyStyles(const CStyleTable& from, CStyleTable& to) {
+    // A host may have removed the style that every new drawing has.
     if (!from.getStyleStandard()) removeStandard(to);
     for (int i = 0; i < from.size(); ++i) {
       const CStyle& style = *from[i];
@@ -157,6 +160,7 @@ class DrawingCopy {
       made->setLineWidth(layer.getLineWidth());
       m_map.add<CLayer>(&layer, made);
       if (!layer.isXRef()) continue;
+      // The copy must recognize later changes of the file in the same way.
       auto told = static_cast<const CLayerXRef&>(layer).getTold();
       if (told) made->follow({m_map(told->ltype), told->color, told->flags, told->width});
     }
@@ -178,6 +182,7 @@ class DrawingCopy {
 
   void fill(const CBlock& from, CBlock& to) {
     for (unsigned i = 0; i < from.size(); ++i) restoreTo(to, cloneOnto(m_copy, m_map, *from[i]));
+    // The block was added empty, so its entities are registered and its edges computed now.
     to.insertBlock(m_copy.getHandleGestor());
     m_copy.getBlockTable().updateBlock(&to);
   }
@@ -202,12 +207,14 @@ class DrawingCopy {
 
   void copyEntities() {
     CEntTable& to = m_copy.getEntTable();
+    // Invalid extents are not updated with every addition.
     to.invalidateBdry();
     std::unordered_map<const CEnt*, CEnt*> selected;
     for (const CEnt* ent : m_src.getEntTable().getEntityTbl()) {
       CEnt* copy = addNew(to, cloneOnto(m_copy, m_map, *ent).release());
       if (ent->isSelected()) selected.emplace(ent, copy);
     }
+    // The order of the selection is kept as well.
     for (const CEnt* ent : m_src.getEntTable().getSelectedEntityTbl()) to.select(selected[ent]);
   }
 

@@ -125,6 +125,7 @@ zim::WString GetBlockProgressiveName(const zim::WString& prefix, const CBlockTab
 bool scomposeName(const zim::WString& full, zim::WString& xrefName, zim::WString& itemName) {
   const std::u16string_view name = full;
   const std::size_t bar = name.find(u'|');
+  // "|" must separate two names; at either end it is part of an ordinary name.
   if (bar == std::u16string_view::npos || bar == 0 || bar + 1 == name.size()) return false;
   const zim::WString head(name.substr(0, bar)), tail(name.substr(bar + 1));
   xrefName = head;
@@ -141,6 +142,7 @@ CEnt* cloneEnt(CData& data, const CEnt& ent) {
 
 long purgeHatchBlocks(CData& data) {
   const UsedBlocks used(data);
+  // Collected first, because removal changes the positions.
   CBlockTable& table = data.getBlockTable();
   std::vector<CBlock*> unused;
   for (int i = 0; i < table.size(); ++i) {

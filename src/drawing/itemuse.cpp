@@ -23,6 +23,7 @@ std::unordered_map<const void*, long> innerUses(const CBlockXRef& xref) {
 
 bool isUsed(const CData& data, const CBlockXRef& xref) {
   if (xref.getEntities() > 0 || xref.getShows() > 0) return true;
+  // Uses of items by items of the same reference do not count: they disappear together.
   std::unordered_map<const void*, long> own = innerUses(xref);
   const CDataVariables& vars = data.getVars();
   for (int i = 0; i < xref.getLayerTable().size(); ++i)

@@ -1,6 +1,6 @@
 // Replaces items throughout a drawing: styles in linetypes, linetypes in layers, all three in
-// entities and attributes, and in the current settings. With an undo stack, each object is kept
-// before it is changed, and all changes are one step.
+// entities and attributes, and in the current settings. With an undo stack, each object is recorded
+// before it is changed, and all changes form one step.
 #include "vek0core/drawing/tableremapper.h"
 
 #include <new>
@@ -30,6 +30,7 @@ CTableRemapper::CTableRemapper(CData& data, bool withXRefs)
 void CTableRemapper::Remap() { remapAll(nullptr); }
 
 bool CTableRemapper::Remap(CUndoStack& undo) {
+  // Within an open step, its owner decides about a rollback.
   const bool isOwnStep = !undo.isOpen();
   try {
     undo.begin({});
@@ -60,6 +61,7 @@ bool CTableRemapper::remapTexts(CLtype& ltype, CUndoStack* undo) {
     const TEXT_3D* old = dashes[i]->GetText();
     CStyle* style = old != nullptr ? replacementOf(m_styles, old->getStyle()) : nullptr;
     if (style == nullptr) continue;
+    // Kept once per step, however many elements change.
     if (undo != nullptr && !undo->keep(ltype)) return false;
     dashes.SetTextStyle(i, style);
   }
@@ -94,6 +96,7 @@ bool CTableRemapper::remapEnt(CEnt& ent, CUndoStack* undo) {
     restyled = restyled || hasStyle(attrib);
     ofAttribs = ofAttribs || hasStyle(attrib) || hasItem(attrib);
   });
+  // Layer and linetype are properties; styles and attributes belong to the geometry's snapshot.
   const bool properties = hasItem(ent), geometry = restyled || ofAttribs;
   if (!properties && !geometry) return true;
   if (undo != nullptr && properties && !undo->keepProperties(ent)) return false;

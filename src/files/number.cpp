@@ -41,6 +41,7 @@ bool isBlank(C c) {
 // The digit's value, or a value above 9.
 template <class C>
 unsigned digitOf(C c) {
+  // Negative differences wrap to large values, which are no digits.
   return static_cast<unsigned>(std::make_unsigned_t<C>(c)) - unsigned{'0'};
 }
 template <>
@@ -50,6 +51,7 @@ unsigned digitOf(char16_t c) {
 
 template <class C>
 bool isWord(const C* p, const C* end, const char* word) {
+  // `word` is in lower case; the file may use either case.
   for (; *word; ++word, ++p) {
     if (p == end || (*p != C(*word) && *p != C(*word - 'a' + 'A'))) return false;
   }
@@ -85,10 +87,12 @@ long takeExponent(const C*& p, const C* end) {
   const C* q = p + 1;
   const bool negative = q != end && *q == C('-');
   if (q != end && (*q == C('-') || *q == C('+'))) ++q;
+  // "1e" and "1e+" are the number 1 followed by other text.
   if (q == end || digitOf(*q) > 9) return 0;
   constexpr long kHuge = 100'000'000;
   long value = 0;
   for (; q != end && digitOf(*q) <= 9; ++q) {
+    // Saturated, so that a long exponent cannot overflow.
     value = std::min(kHuge, value * 10 + static_cast<long>(digitOf(*q)));
   }
   p = q;

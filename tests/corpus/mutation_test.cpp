@@ -16,7 +16,7 @@ std::vector<std::string> samples() {
   return texts;
 }
 
-// One to eight changes of the kinds that broken writers and copies make.
+// One to eight changes like those made by defective writers and interrupted copies.
 std::string mutate(std::string text, std::mt19937& random) {
   const auto below = [&random](std::size_t n) { return n ? random() % n : 0; };
   for (std::size_t edit = 1 + below(8); edit > 0 && !text.empty(); --edit) {

@@ -5,8 +5,8 @@
 
 namespace vek0::test {
 
-/// While it exists, records failed internal checks instead of terminating the process. A test that
-/// provokes none asserts that `failures()` stays empty.
+/// While it exists, failed internal checks are recorded instead of terminating the process. A test
+/// that expects none asserts that `failures()` stays empty.
 class QuietAsserts {
  public:
   QuietAsserts();

@@ -12,16 +12,16 @@
 
 // Tables of cases live in files: tests/<room>/data/<name>.txt belongs to
 // tests/<room>/<name>_test.cpp and has a section per test:
-// tests/<room>/<name>_test.cpp and has a section per test:
-//     # Two or more blanks separate cells. A cell in quotes is a C string literal; the others
-//     # stand for themselves.
+//
+//     # Two or more blanks separate cells. A cell in quotes is a C string literal; all others
+//     # are literal text.
 //     [Suite.Test]
 //     name         text         width
 //     two words    a b          2*pi
 //     line break   "a\nb"       1e300
 //
-// The first line of a section names its columns, by which a test asks for cells. Where a test gives
-// names to values, cells use them: `${name}` in texts, `name` in numbers.
+// The first line of a section names its columns, by which a test accesses cells. Cells can use
+// names that a test defines for values: `${name}` in texts, `name` in numbers.
 
 namespace vek0::test {
 

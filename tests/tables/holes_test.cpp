@@ -18,8 +18,8 @@ class Shelf {
     m_slots[m_things[number].pos] = nullptr;
     ++m_holes;
   }
-  // Before the next of the numbers that is there: `present` has an 'x' for each of those. A string,
-  // because its search is fast even without optimization.
+  // Restores before the next higher number that is present: `present` has an 'x' for each. It is a
+  // string because its search is fast even without optimization.
   void restore(std::size_t number, const std::string& present) {
     const std::size_t next = present.find('x', number + 1);
     const std::size_t at = next != std::string::npos ? m_things[next].pos : m_slots.size();
@@ -39,7 +39,7 @@ class Shelf {
     m_holes = 0;
   }
 
-  // Whether numbers ascend, positions are correct and the holes are counted.
+  // Whether numbers ascend, positions are correct, and the count of holes is right.
   bool isSound() const {
     std::vector<std::size_t> numbers;
     for (std::size_t i = 0; i < m_slots.size(); ++i) {

@@ -10,7 +10,7 @@ std::unique_ptr<CLtype> make(const zim::WString& name, const zim::WString& desc,
   return std::unique_ptr<CLtype>(CLtypeFactory().create(name, desc, values, count, flags));
 }
 
-// Matching linetypes by definition looks at the number of elements and at none of them.
+// Comparing linetypes by definition considers the number of elements, but not the elements.
 TEST(Ltype, EqualityIsTheCheapOne) {
   double values[] = {0.5, -0.25, 0}, others[] = {1, -1, 2};
   const auto reference = make(u"DASHED", u"_ _", values, 3, 1);

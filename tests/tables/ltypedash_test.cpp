@@ -26,8 +26,8 @@ TEST(LtypeDashes, PatternLengthIsThatOfTheNumbers) {
   EXPECT_EQ(seq.GetNoDashes(), 2);
 }
 
-// Lengths are compared exactly, so the same elements must have the same length
-// whatever was there in between.
+// Lengths are compared exactly, so equal elements must have equal lengths, whatever edits led to
+// them.
 TEST(LtypeDashes, LengthDoesNotDependOnHistory) {
   constexpr unsigned kSeed = 11;
   std::mt19937 random(kSeed);
@@ -98,7 +98,7 @@ TEST(LtypeDashes, BoxSpansTheLengthAndTheTexts) {
   for (const double value : {0.5, -0.25, 0.0}) seq.AddDashDouble(value);
   seq.GetBdry(box);
   EXPECT_TRUE(box == RECT_2D(0, 0, 0.75, 0));
-  // Two characters of 0.9 from 0.75 on, 1 high, a third below the line.
+  // Two characters 0.9 wide, starting at 0.75, 1 high, a third below the line.
   seq.AddDashText(vek0::test::text(u"ab", nullptr));
   seq.AddDashDouble(-0.25);
   seq.GetBdry(box);
@@ -119,7 +119,7 @@ TEST(LtypeDashes, MementoKeepsItsOwnElements) {
   EXPECT_EQ(seq.GetNoDashes(), 2);
 }
 
-// "value from-to" of each element along the path.
+// Describes each element along the path as "value from-to".
 std::string laid(const CLtypeComplexDashSeq& seq, double scale, double phase, double length,
                  long most = 1000) {
   std::string out;

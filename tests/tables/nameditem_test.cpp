@@ -47,7 +47,7 @@ struct Scan {
   }
 };
 
-// Few names, many collisions: case, leading zeros, numbers that are parts of others.
+// Few names that often collide: by case, leading zeros, and numbers that are parts of others.
 class Names {
  public:
   explicit Names(unsigned seed) : m_random(seed) {}

@@ -3,7 +3,7 @@
 
 namespace {
 
-// Position of the used slot with `rank` used slots before it, by counting.
+// Position of the used slot with `rank` used slots before it, found by counting.
 std::size_t scan(const std::vector<int*>& slots, std::size_t rank) {
   std::size_t position = 0;
   for (; position < slots.size(); ++position) {

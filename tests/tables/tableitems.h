@@ -4,7 +4,7 @@
 
 namespace vek0::test {
 
-// The fixed items, which only a drawing creates.
+// The fixed items, which otherwise only a drawing creates.
 struct Continuous : CLtypeContinuous {};
 struct ByLayer : CLtypeByLayer {};
 struct ByBlock : CLtypeByBlock {};

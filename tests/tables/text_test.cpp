@@ -7,7 +7,7 @@ namespace {
 
 constexpr double kTolerance = 1e-9;
 
-// Ten units high, capitals of eight, a descent of two, five per character.
+// Height 10, capitals 8, descent 2, width 5 per character.
 struct Font : ICADFont {
   explicit Font(double heightUnit = 8) : ICADFont(u"font"), m_heightUnit(heightUnit) {}
   double getHeightUnit() const override { return m_heightUnit; }
@@ -67,7 +67,7 @@ TEST(TextJustification, WhatIsNotInTheTableIsLeft) {
   EXPECT_EQ(text.getAlign(), 0) << "the horizontal code goes with it";
 }
 
-// Height 4 of capitals of 8 units: half a drawing unit each, so the string is 10 long.
+// Height 4 with capitals of 8 units: half a drawing unit per font unit, so the string is 10 long.
 TEST(TextBasePoint, FollowsTheFontsMeasures) {
   const double dxs[] = {0, -5, -10};
   const double dys[] = {0, 1, -2.5, -4};

@@ -1,4 +1,4 @@
-// Edits as scripts make them: what steps do, in which order, and what they reject.
+// Edits from scripts: the effect of steps, their order, and the input that they reject.
 
 #include <nlohmann/json.hpp>
 

@@ -1,4 +1,4 @@
-// Pictures created by the tool: files, layout, and what can be read back from them.
+// Pictures created by the tool: files, layout, and content read back from them.
 #include <cairo.h>
 #include <zlib.h>
 
