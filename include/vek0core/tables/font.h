@@ -37,38 +37,38 @@ class VEK0_API ICADFont {
   zim::WString m_name;
 };
 
-/// A font that is a name and the default measures: what a host needs that draws no
-/// texts, and what stands for a font that the process does not have.
+/// A font with a name and the default metrics: for hosts that draw no texts, and in place of fonts
+/// that the process does not have.
 class VEK0_API CNamedFont final : public ICADFont {
  public:
   explicit CNamedFont(const zim::WString& name) : ICADFont(name) {}
 };
 
-/// The measures of `ICADFont`'s defaults, for a style that has no font.
+/// The default metrics of `ICADFont`, for a style without a font.
 VEK0_API const ICADFont& defaultFontMetrics();
 
-/// The fonts of the process. It owns them; drawings and styles borrow them, so
-/// `shutdown` comes after the last drawing is gone. Not for concurrent use.
+/// The fonts of the process. The table owns them; drawings and styles borrow them, so call
+/// `shutdown` after the last drawing is destroyed. Not for concurrent use.
 class VEK0_API CFontTable {
  public:
   static CFontTable& getInstance();
-  /// Deletes every font and the table; the next `getInstance` makes a new one.
+  /// Deletes every font and the table; the next `getInstance` creates a new one.
   static void shutdown();
 
-  /// Appends and takes over; null is ignored, and so is a font that is there already.
+  /// Appends the font and takes ownership; null and fonts already in the table are ignored.
   void add(ICADFont* font);
-  /// First font added of exactly this name, case-sensitive; otherwise the default font when
+  /// First font added with exactly this name, case-sensitive; otherwise the default font if
   /// `orDefault`, else null.
   const ICADFont* get(const zim::WString& name, bool orDefault) const;
   int size() const { return static_cast<int>(m_fonts.size()); }
   /// Font `i` in order of addition; unchecked.
   const ICADFont* operator[](int i) const { return m_fonts[static_cast<std::size_t>(i)].get(); }
 
-  /// The font of new drawings' "STANDARD" style; null until a host sets one. Borrowed.
+  /// The font of the "STANDARD" style of new drawings; null until a host sets one. Borrowed.
   const ICADFont* getDefault() const { return m_default; }
   void setDefault(const ICADFont* font) { m_default = font; }
-  /// For hosts without fonts of their own, before they load or make a drawing: a
-  /// default font that has the default measures, unless there is a default already.
+  /// For hosts without fonts, before they load or create a drawing: registers a default font with
+  /// the default metrics, unless there is a default already.
   void addPlainDefault();
 
  private:

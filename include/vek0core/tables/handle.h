@@ -7,13 +7,13 @@
 
 namespace vek0 {
 
-/// A number that names a thing inside one drawing, as files write it in hexadecimal; 0 is
-/// no handle. It has 64 bits everywhere: it is `long` where that has as many.
+/// A number that identifies an object within one drawing, written in hexadecimal in files; 0 means
+/// no handle. It has 64 bits on all platforms: `long` where that is wide enough.
 using Handle = std::conditional_t<sizeof(long) == sizeof(std::int64_t), long, std::int64_t>;
 
 }  // namespace vek0
 
-/// Base of what bears a handle.
+/// Base of objects with a handle.
 class VEK0_API IHandleEnt {
  public:
   explicit IHandleEnt(vek0::Handle handle) : m_handle(handle) {}
@@ -30,27 +30,27 @@ class VEK0_API IHandleEnt {
   vek0::Handle m_handle;
 };
 
-/// What a drawing asks about handles: the seam for a host that manages them.
+/// The interface through which a drawing requests handles; hosts that manage handles implement it.
 class VEK0_API IHandleGestor {
  public:
   virtual ~IHandleGestor() = default;
-  /// Books the next free handle and returns it.
+  /// Reserves the next free handle and returns it.
   virtual vek0::Handle bookNext() = 0;
-  /// Books this handle if it is free, else another one; returns what was booked.
+  /// Reserves this handle if it is free, another one otherwise; returns the reserved one.
   virtual vek0::Handle bookHandle(vek0::Handle handle) = 0;
   virtual void unbook(vek0::Handle handle) = 0;
-  /// Called when something that bears a handle comes into the drawing.
+  /// Called when an object with a handle is added to the drawing.
   virtual void reserve(const IHandleEnt* ent) = 0;
-  /// Called when something with this handle leaves the drawing.
+  /// Called when an object with this handle is removed from the drawing.
   virtual void release(vek0::Handle handle) = 0;
   /// Whether handles are managed at all.
   virtual bool handling() const = 0;
-  /// The handle that `bookNext` would give.
+  /// The handle that `bookNext` would return.
   virtual vek0::Handle nextseed() const = 0;
 };
 
-/// The manager that manages nothing: every drawing has one. Handles are what the
-/// callers of the creation functions pass.
+/// A manager that manages nothing, which every drawing has by default: handles are those passed to
+/// the creation functions.
 class VEK0_API CHandleGestorFoo : public IHandleGestor {
  public:
   vek0::Handle bookNext() override { return 0; }

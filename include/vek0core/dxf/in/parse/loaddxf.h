@@ -14,9 +14,9 @@ class IFile;
 /// Reads `file` into `data`, which should be new and empty; otherwise the file's definitions
 /// replace those of equal names.
 ///
-/// The outcome is in `err` (null: nobody wants to know). After an error the drawing holds what was
-/// read until then, in good order. Failure to open the file records no error: check `file.fail()`.
-/// Handles are kept. Linear in the file.
+/// The outcome is stored in `err`, unless it is null. After an error the drawing holds everything
+/// read until then, in a consistent state. Failure to open the file records no error: check
+/// `file.fail()`. Handles are kept. Linear in the file.
 ///
 /// Running out of memory is error 1, and a drawing that was new is reset to that state.
 VEK0_API void loadDXF(CData& data, IFile& file, CFileDXFIError* err);
