@@ -107,8 +107,8 @@ class Crossings {
 
   void take(double t, double u) {
     if (!std::isfinite(t) || !std::isfinite(u)) return;
+    // Carriers ignore the ends, so parameters outside 0 to 1 are kept.
     if (!m_carriers && !(snap(t, m_a.length(), m_tolerance) && snap(u, m_b.length(), m_tolerance)))
-      // Carriers ignore the ends, so parameters outside 0 to 1 are kept.
       return;
     m_out.push_back({m_a.at(t), t, u});
   }
@@ -227,8 +227,8 @@ RECT_2D EDGE_3D::bdry() const {
   if (!isArc()) return box;
   const double low = std::min(startAngle, startAngle + sweep);
   const double high = std::max(startAngle, startAngle + sweep);
-  // At most four axis crossings per turn, plus one at the start.
   const double first = std::ceil(low / (kPi / 2));
+  // At most four axis crossings per turn, plus one at the start.
   for (int i = 0; i < 5 && (first + i) * (kPi / 2) < high; ++i)
     box.updateRegion(around(center, radius, (first + i) * (kPi / 2)));
   return box;

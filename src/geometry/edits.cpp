@@ -274,8 +274,8 @@ int filletPath(PATH_3D& path, double radius) {
   if (!(radius > 0) || !path.isFinite()) return 0;
   const auto reach = [&](const EDGE_3D& a, const EDGE_3D& b, double& before, double& after) {
     const PNT_2D u = a.direction(1), v = b.direction(0);
-    // The tangent length of a fillet is radius * tan(turn / 2).
     const double turn = std::atan2(cross(u, v), dot(u, v));
+    // From the corner to where the fillet touches an edge.
     before = after = radius * std::fabs(std::tan(turn / 2));
     return before > kStraightOn * radius;
   };

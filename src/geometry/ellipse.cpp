@@ -17,20 +17,20 @@ using vek0::detail::kTwoPi;
 
 namespace {
 
-// Equal parameters denote the whole ellipse.
 // Tolerance in radians below and above a full turn: files round 2*pi to a few digits, often upward.
 constexpr double kTurnShort = 1e-9, kTurnOver = 1e-4;
 
 double sweepBetween(double start, double end) {
   const double turn = std::fabs(end - start);
   if (turn >= kTwoPi - kTurnShort && turn <= kTwoPi + kTurnOver) return kTwoPi;
-  // The extremum of a * cos(t) + b * sin(t) is hypot(a, b), at atan2(b, a).
+  // Equal parameters denote the whole ellipse.
   const double sweep = ARC_3D::normal(end - start);
   return sweep == 0 ? kTwoPi : sweep;
 }
 
 // Extends the range by the extrema of center + cos(t) * a + sin(t) * b within the arc.
 void growRange(const ELLIPSE_3D& e, double center, double a, double b, double& low, double& high) {
+  // The extremum of a * cos(t) + b * sin(t) is hypot(a, b), at atan2(b, a).
   const double extent = std::hypot(a, b), top = std::atan2(b, a);
   if (ARC_3D::normal(top - e.startParam) < e.sweep) high = center + extent;
   if (ARC_3D::normal(top + kPi - e.startParam) < e.sweep) low = center - extent;
@@ -39,13 +39,12 @@ void growRange(const ELLIPSE_3D& e, double center, double a, double b, double& l
 }  // namespace
 
 bool ELLIPSE_3D::set(const PNT_3D& centerPoint, const PNT_3D& majorAxis, double ratio, double start,
-                     // The minor axis is perpendicular to normal and major axis, whatever the
-                     // file's rounding.
                      double end, const PNT_3D& normal) {
   if (!inReach(centerPoint) || !inReach(majorAxis) || !inReach(normal)) return false;
   if (!std::isfinite(start) || !std::isfinite(end) || !(ratio > 0)) return false;
   PNT_3D across = normal, along = majorAxis;
   if (!makeUnit(across) || !makeUnit(along)) return false;
+  // The minor axis is perpendicular to the normal and the major axis, which files round.
   across = prodVect(across, along);
   if (!makeUnit(across)) return false;
   across = times(across, vek0::detail::length(majorAxis) * ratio);

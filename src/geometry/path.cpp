@@ -30,6 +30,7 @@ std::vector<RECT_2D> boxesOf(const PATH_3D& path, double more) {
   return boxes;
 }
 
+// Relative to the largest coordinate, whose rounding limits the accuracy of crossings.
 double toleranceOf(const RECT_2D& box) {
   if (!box.validRegion()) return kTouchShare;
   return kTouchShare * (1 + std::max({std::fabs(box.min.x), std::fabs(box.min.y),
@@ -37,7 +38,6 @@ double toleranceOf(const RECT_2D& box) {
 }
 
 bool comesFirst(const PATH_CROSSING& a, const PATH_CROSSING& b) {
-  // Relative to the largest coordinate, whose rounding limits the accuracy of crossings.
   return std::tie(a.edge1, a.t, a.edge2, a.u) < std::tie(b.edge1, b.t, b.edge2, b.u);
 }
 

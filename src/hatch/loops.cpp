@@ -232,9 +232,9 @@ void HatchLoopBuilder::thinCurve(size_t first) {
   constexpr size_t few = 4;
   const size_t count = m_points.size() - first;
   if (count <= few) return;
+  // The budget is spent only on curves that keep all their points.
   if (count <= m_curveRoom) {
     m_curveRoom -= count;
-    // The budget is spent only on curves that keep all their points.
     return;
   }
   for (size_t k = 1; k <= few; ++k) m_points[first + k - 1] = m_points[first + k * count / few - 1];

@@ -220,8 +220,8 @@ class SolidSweep {
       // The new sides divide the trapezoid to the right of `previous`, so it ends here.
       cut(previous);
       isInside = previous->isInside;
-      // By the even-odd rule, every side separates inside from outside.
     }
+    // By the even-odd rule, every side separates inside from outside.
     const auto left = m_places.emplace_hint(next, Place{nullptr, !isInside, m_now.y});
     const auto right = m_places.emplace_hint(next, Place{nullptr, isInside, m_now.y});
     put(*fork.left, left);
@@ -233,9 +233,9 @@ class SolidSweep {
   void pass(Side& ending, Side& starting) {
     const auto place = ending.place;
     cutBefore(place);
-    // The starting side takes over the place: the order of the other sides is unchanged.
     cut(place);
     ending.isCut = false;
+    // The starting side takes over the place: the order of the other sides is unchanged.
     put(starting, place);
     watchBefore(place);
     watch(place);
