@@ -67,8 +67,8 @@ class Binder {
     for (const Nesting& nesting : order) {
       const zim::WString& name = nesting.xref->getName();
       const bool keepsName = asked.count(nesting.xref) != 0;
+      // A nested reference gets a name that shows where it came from.
       bindOne(
-          // A nested reference gets a name that shows where it came from.
           *nesting.xref,
           keepsName ? name : boundName(m_data.getBlockTable(), nesting.shownBy->getName(), name));
     }
@@ -214,8 +214,8 @@ class Binder {
   }
 
   void bindBlock(const CBlock& from, const zim::WString& name, const PNT_3D& base) {
+    // Attribute definitions are counted by the block when they are added.
     std::unique_ptr<CBlock> block(orThrow(m_data.getBlockFactory().create(
-        // Attribute definitions are counted by the block when they are added.
         name, base, from.isXRef() ? 0 : from.getFlags() & ~CBlock::kHasAttdefs)));
     for (unsigned i = 0; i < from.size(); ++i) {
       std::unique_ptr<CEnt> copy = cloneOnto(m_data, m_map, *from[i]);

@@ -31,9 +31,9 @@ auto namedAfter(const CData& data, const Table& table, const XRefs& xrefs) {
 std::vector<CEnt*> insertsOf(CData& data, const XRefs& xrefs) {
   std::unordered_set<const CBlock*> inserted;
   for (const CBlockXRef* xref : xrefs)
-    // Nothing is inserted, so the search through the drawing is unnecessary.
     if (xref->getEntities() > 0) inserted.insert(xref);
   std::vector<CEnt*> inserts;
+  // A reference without entities has no inserts, which saves the search through the drawing.
   if (inserted.empty()) return inserts;
   forEveryEntity(data, false, [&](CEnt& ent) {
     const CEntInsertBase* insert = ent.getEntInsert();

@@ -3,7 +3,6 @@
 // half of the array. Extents are computed on request. A change marks the block and all blocks that
 // show it as stale, and stops at blocks whose extents were not requested since they were last
 // marked.
-// has asked for since they were marked.
 #include "vek0core/entities/blocks/block.h"
 
 #include <algorithm>
@@ -94,8 +93,8 @@ CBlock::CBlock(const zim::WString& name, const PNT_3D& base, long flags)
 }
 
 CBlock::CBlock(const CBlock& src) : CBlock(src.getName(), src.m_base, src.getFlags()) {
-  // Copies have no entities, hence no attribute definitions either.
   SetUserInfo(src.m_userType, src.m_userData);
+  // Copies have no entities, hence no attribute definitions either.
   CNamedItem::setFlags(kHasAttdefs, false);
 }
 

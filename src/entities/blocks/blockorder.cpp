@@ -175,8 +175,8 @@ void BlockOrder::learn(Item* above, Item* below, std::uint64_t hubs) {
 }
 
 void BlockOrder::connect(Item& user, Item& target) const {
-  touchHubs(user);
   // Information from before the last removal of an edge is void.
+  touchHubs(user);
   touchHubs(target);
   user.hubsBelow |= target.hubsBelow;
   target.hubsAbove |= user.hubsAbove;

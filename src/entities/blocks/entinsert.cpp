@@ -31,8 +31,8 @@ CEntInsertBase::CEntInsertBase(IHandleGestor& gestor, CEntFactory& factory,
     : CEnt(src, handle), m_block(src.m_block) {
   m_attribs.reserve(src.m_attribs.size());
   for (const auto& attrib : src.m_attribs) {
-    // A factory reports a lack of memory by null, which a constructor cannot return.
     m_attribs.emplace_back(factory.createEntAttrib(gestor, *attrib));
+    // A factory reports a lack of memory by null, which a constructor cannot return.
     if (!m_attribs.back()) throw std::bad_alloc();
   }
 }

@@ -100,9 +100,9 @@ void DimensionDrawing::drawLine(const PNT_3D& from, const PNT_3D& to) {
   const PNT_3D start = m_axes.toWorld(from), end = m_axes.toWorld(to);
   if (!std::isfinite(distance(start, end))) return m_in.fail(CFileDXFIError::InconsistentRecord);
   const Record& r = m_in.record();
+  // The first entity inherits the record's handle, so that references to it remain valid.
   if (EntPtr line =
-          // The first entity inherits the record's handle, so that references to it remain valid.
-      m_in.make().line(r.withHandle(built.empty() ? r.handle : 0), LINE_3D(start, end)))
+          m_in.make().line(r.withHandle(built.empty() ? r.handle : 0), LINE_3D(start, end)))
     built.push_back(std::move(line));
 }
 
