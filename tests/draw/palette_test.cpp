@@ -5,7 +5,7 @@ using namespace vek0::test;
 
 namespace {
 
-constexpr RGB_COLOR kWhite{255, 255, 255}, kBlack{0, 0, 0};
+constexpr RGB_COLOR kWhite{255, 255, 255}, kDark{0, 0, 0};
 
 }  // namespace
 
@@ -24,9 +24,9 @@ TEST(Palette, KnownColours) {
       {"orange", 30, {255, 127, 0}},
       {"hues come round", 240, {255, 0, 63}},
       {"last grey", 255, {255, 255, 255}},
-      {"white paper, 7", 7, kBlack},
-      {"no colour of its own", 256, kBlack},
-      {"negative", -3, kBlack},
+      {"white paper, 7", 7, kDark},
+      {"no colour of its own", 256, kDark},
+      {"negative", -3, kDark},
   };
   for (const auto& t : named(cases)) {
     const RGB_COLOR got = paletteColor(t.index, kWhite);
@@ -37,7 +37,7 @@ TEST(Palette, KnownColours) {
 }
 
 TEST(Palette, SevenIsSeenOnAnyBackground) {
-  EXPECT_EQ(paletteColor(7, kBlack), kWhite);
-  EXPECT_EQ(paletteColor(7, {255, 255, 0}), kBlack);
+  EXPECT_EQ(paletteColor(7, kDark), kWhite);
+  EXPECT_EQ(paletteColor(7, {255, 255, 0}), kDark);
   EXPECT_EQ(paletteColor(7, {0, 0, 255}), kWhite);
 }

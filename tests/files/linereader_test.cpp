@@ -8,7 +8,7 @@ namespace {
 
 using std::string_literals::operator""s;
 
-constexpr unsigned kSeed = 20240607;
+constexpr unsigned kLineSeed = 20240607;
 constexpr std::size_t kLargeBlock = 1 << 16;
 
 // Delivers a text in portions of at most `portion` bytes.
@@ -48,7 +48,7 @@ TEST(LineReader, LineEndsAndMarks) {
 
 // Block boundaries must not affect the result.
 TEST(LineReader, BlocksAndPortionsDoNotMatter) {
-  std::mt19937_64 random(kSeed);
+  std::mt19937_64 random(kLineSeed);
   const std::string alphabet = "ab \n\n\r\r";
   for (int i = 0; i < 2000; ++i) {
     std::string text = random() % 2 ? "" : random() % 2 ? "\xFF\xFE" : "\xEF\xBB\xBF";
@@ -62,7 +62,8 @@ TEST(LineReader, BlocksAndPortionsDoNotMatter) {
       if (wide) text += '\0';
     }
     const Lines expected = linesOf(text);
-    ASSERT_EQ(linesOf(text, 64, 1 + random() % 70), expected) << "seed " << kSeed << " round " << i;
+    ASSERT_EQ(linesOf(text, 64, 1 + random() % 70), expected)
+        << "seed " << kLineSeed << " round " << i;
   }
 }
 

@@ -8,7 +8,7 @@ using namespace vek0::test;
 namespace vek0::detail {
 namespace {
 
-constexpr unsigned kSeed = 20240607;
+constexpr unsigned kNumberSeed = 20240607;
 constexpr int kRounds = 20000;
 
 std::u16string widen(const std::string& text) { return {text.begin(), text.end()}; }
@@ -82,13 +82,14 @@ TEST(ParseDouble, WhatIsNoNumberIsNotFinite) {
 }
 
 TEST(ParseDouble, AgreesWithTheLibraryOnRandomDecimals) {
-  std::mt19937_64 random(kSeed);
+  std::mt19937_64 random(kNumberSeed);
   for (int i = 0; i < kRounds; ++i) {
     const std::string text = i % 4 ? anyDecimal(random) : anyTie(random);
     double expected = 0;
     std::from_chars(text.data(), text.data() + text.size(), expected);
-    ASSERT_EQ(parseDouble(std::string_view(text)).value, expected) << text << " seed " << kSeed;
-    ASSERT_EQ(parseDouble(widen(text + "x")).value, expected) << text << " seed " << kSeed;
+    ASSERT_EQ(parseDouble(std::string_view(text)).value, expected)
+        << text << " seed " << kNumberSeed;
+    ASSERT_EQ(parseDouble(widen(text + "x")).value, expected) << text << " seed " << kNumberSeed;
   }
 }
 
@@ -130,7 +131,7 @@ TEST(FormatFixed, KnownNumbers) {
 }
 
 TEST(FormatFixed, AgreesWithTheLibrary) {
-  std::mt19937_64 random(kSeed);
+  std::mt19937_64 random(kNumberSeed);
   const auto expected = [](double value) {
     char buffer[kFixedRoom];
     const auto end =
@@ -139,14 +140,14 @@ TEST(FormatFixed, AgreesWithTheLibrary) {
   };
   for (int i = 0; i < kRounds; ++i) {
     const double any = anyDouble(random);
-    ASSERT_EQ(fixed(any), expected(any)) << "seed " << kSeed;
+    ASSERT_EQ(fixed(any), expected(any)) << "seed " << kNumberSeed;
     const double usual = std::uniform_real_distribution<>(-1e4, 1e4)(random);
-    ASSERT_EQ(fixed(usual), expected(usual)) << "seed " << kSeed;
+    ASSERT_EQ(fixed(usual), expected(usual)) << "seed " << kNumberSeed;
     // Half of the multiples of 2^-7 are ties at the sixth decimal.
     const double tie = std::ldexp(static_cast<double>(random() % 100000), -7);
-    ASSERT_EQ(fixed(tie), expected(tie)) << "seed " << kSeed;
+    ASSERT_EQ(fixed(tie), expected(tie)) << "seed " << kNumberSeed;
     const double tiny = std::ldexp(usual, -static_cast<int>(random() % 80));
-    ASSERT_EQ(fixed(tiny), expected(tiny)) << "seed " << kSeed;
+    ASSERT_EQ(fixed(tiny), expected(tiny)) << "seed " << kNumberSeed;
   }
   // Decimals that end in 5 are so close to a tie that every bit of the double matters.
   for (int digits = 5; digits < 10'000'000; digits += 10) {
@@ -181,7 +182,7 @@ TEST(FormatShortest, KnownNumbers) {
 
 void expectShortest(double value) {
   const std::string text = shortest(value);
-  SCOPED_TRACE(testing::Message() << text << " seed " << kSeed);
+  SCOPED_TRACE(testing::Message() << text << " seed " << kNumberSeed);
   ASSERT_EQ(parseDouble(std::string_view(text)).value, value);
   ASSERT_NE(text.find_first_of(".e"), std::string::npos);
   ASSERT_LE(text.size(), kShortestRoom);
@@ -201,7 +202,7 @@ void expectShortest(double value) {
 }
 
 TEST(FormatShortest, ReadsBackAndHasTheFewestDigits) {
-  std::mt19937_64 random(kSeed);
+  std::mt19937_64 random(kNumberSeed);
   for (int i = 0; i < kRounds; ++i) {
     ASSERT_NO_FATAL_FAILURE(expectShortest(anyDouble(random)));
     ASSERT_NO_FATAL_FAILURE(expectShortest(parseDouble(anyDecimal(random)).value));

@@ -6,9 +6,6 @@ using vek0::detail::kTwoPi;
 
 namespace {
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-
 double degrees(double d) { return d * kPi / 180; }
 
 /// An arc of radius 1 about the origin, angles in degrees.

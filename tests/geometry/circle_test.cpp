@@ -4,18 +4,15 @@ using namespace vek0::test;
 
 namespace {
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kUntouched = 77;
-
 /// Both outputs of an intersection, preset to detect whether a call writes them.
 struct Found {
   PNT_2D p1{kUntouched, kUntouched}, p2{kUntouched, kUntouched};
   bool untouched() const { return p1 == PNT_2D(kUntouched, kUntouched) && p2 == p1; }
 };
 
-class Randoms {
+class RandomCircles {
  public:
-  explicit Randoms(unsigned seed) : m_random(seed) {}
+  explicit RandomCircles(unsigned seed) : m_random(seed) {}
   double real(double low, double high) {
     return std::uniform_real_distribution<double>(low, high)(m_random);
   }
@@ -61,7 +58,7 @@ TEST(Circle, NegativeRadiusMeetsTheSameLines) {
 }
 
 TEST(Circle, LinePointsLieOnBoth) {
-  Randoms random(21);
+  RandomCircles random(21);
   int crossings = 0;
   for ([[maybe_unused]] const int i : rounds(1000)) {
     const CIRCLE_3D circle = random.circle();
@@ -84,7 +81,7 @@ TEST(Circle, LinePointsLieOnBoth) {
 }
 
 TEST(Circle, LevelAndUprightSegmentsAgreeWithTheGeneralWay) {
-  Randoms random(22);
+  RandomCircles random(22);
   for ([[maybe_unused]] const int i : rounds(1000)) {
     const CIRCLE_3D circle = random.circle();
     const double at = random.real(-12, 12), from = random.real(-12, 12), to = random.real(-12, 12);
@@ -129,7 +126,7 @@ TEST(Circle, CommonPointsOfTwoCircles) {
 }
 
 TEST(Circle, CircleIntersectionIsSymmetric) {
-  Randoms random(23);
+  RandomCircles random(23);
   for ([[maybe_unused]] const int i : rounds(1000)) {
     const CIRCLE_3D a = random.circle(), b = random.circle();
     Found ab, ba;
@@ -144,7 +141,7 @@ TEST(Circle, CircleIntersectionIsSymmetric) {
 }
 
 TEST(Circle, CreatePassesThroughItsPoints) {
-  Randoms random(24);
+  RandomCircles random(24);
   for ([[maybe_unused]] const int i : rounds(1000)) {
     const double size = std::pow(10, random.real(-6, 6));
     PNT_3D p[3];

@@ -5,8 +5,6 @@ using vek0::detail::kPi;
 
 namespace {
 
-constexpr double kUntouched = 77;
-
 struct Random {
   explicit Random(unsigned seed) : engine(seed) {}
   double operator()(double low, double high) {

@@ -4,8 +4,6 @@ using namespace vek0::test;
 
 namespace {
 
-constexpr double kUntouched = 77;
-
 /// Random points of the plane within 100 units, from a fixed seed.
 class Points {
  public:

@@ -5,8 +5,6 @@ using vek0::detail::kTwoPi;
 
 namespace {
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-
 static_assert(std::is_same_v<decltype(PNT_3D(0, 0, 0) - PNT_3D(0, 0, 0)), PNT_3D>);
 static_assert(std::is_same_v<decltype(PNT_3D(0, 0, 0) + PNT_2D(0, 0)), PNT_2D>);
 static_assert(std::is_same_v<decltype(-PNT_3D(0, 0, 0)), PNT_3D>);
@@ -98,8 +96,6 @@ TEST(Rounding, HalvesAndLimits) {
   EXPECT_EQ(fround(1e17), 1e17);
   EXPECT_EQ(fround_down(-2.5), -3);
 }
-
-constexpr double kUntouched = 77;  // preset value of x1 and x2
 
 TEST(Risolvi, CountsAndRoots) {
   const Definitions names{{"kUntouched", kUntouched}};

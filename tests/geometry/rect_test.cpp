@@ -4,8 +4,6 @@ using namespace vek0::test;
 
 namespace {
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-
 TEST(Rect, EmptyBoxGrowsToItsFirstPoint) {
   RECT_3D box;
   box.initRegion();

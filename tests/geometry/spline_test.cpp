@@ -6,12 +6,9 @@ using namespace vek0::test;
 
 namespace {
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+using PointList = std::vector<PNT_3D>;
 
-using Points = std::vector<PNT_3D>;
-
-SPLINE_3D spline(int degree, Points controls, std::vector<double> knots,
+SPLINE_3D spline(int degree, PointList controls, std::vector<double> knots,
                  std::vector<double> weights = {}) {
   SPLINE_3D s;
   s.degree = degree;
@@ -21,8 +18,8 @@ SPLINE_3D spline(int degree, Points controls, std::vector<double> knots,
   return s;
 }
 
-Points chordsOf(const SPLINE_3D& s, double tolerance) {
-  Points points;
+PointList chordsOf(const SPLINE_3D& s, double tolerance) {
+  PointList points;
   s.chords(tolerance, points);
   return points;
 }
@@ -35,12 +32,12 @@ std::vector<double> clamped(int degree, int spans) {
   return knots;
 }
 
-struct Random {
-  explicit Random(unsigned seed) : engine(seed) {}
+struct RandomSplines {
+  explicit RandomSplines(unsigned seed) : engine(seed) {}
   double real() { return std::uniform_real_distribution<double>(-1, 1)(engine); }
   int below(int n) { return std::uniform_int_distribution<int>(0, n - 1)(engine); }
-  Points points(int n) {
-    Points p;
+  PointList points(int n) {
+    PointList p;
     for (int i = 0; i < n; ++i) p.emplace_back(real(), real(), real());
     return p;
   }
@@ -66,7 +63,7 @@ double distance(const PNT_3D& p, const PNT_3D& a, const PNT_3D& b) {
   return p.dist(a.x + way.x * t, a.y + way.y * t, a.z + way.z * t);
 }
 
-double distance(const PNT_3D& p, const Points& chain) {
+double distance(const PNT_3D& p, const PointList& chain) {
   double best = p.dist(chain[0]);
   for (std::size_t i = 1; i < chain.size(); ++i) {
     best = std::min(best, distance(p, chain[i - 1], chain[i]));
@@ -75,18 +72,18 @@ double distance(const PNT_3D& p, const Points& chain) {
 }
 
 TEST(Spline, Validity) {
-  const Points four{PNT_3D(0, 0, 0), PNT_3D(1, 2, 0), PNT_3D(3, 2, 0), PNT_3D(4, 0, 0)};
+  const PointList four{PNT_3D(0, 0, 0), PNT_3D(1, 2, 0), PNT_3D(3, 2, 0), PNT_3D(4, 0, 0)};
   for (const Row& t : rows()) {
     EXPECT_EQ(spline(t.whole("degree"), four, t.reals("knots"), t.reals("weights")).isValid(),
               t.flag("valid"));
   }
-  EXPECT_TRUE(spline(25, Points(40, four[0]), clamped(25, 15)).isValid());
-  EXPECT_FALSE(spline(26, Points(40, four[0]), clamped(26, 14)).isValid());
+  EXPECT_TRUE(spline(25, PointList(40, four[0]), clamped(25, 15)).isValid());
+  EXPECT_FALSE(spline(26, PointList(40, four[0]), clamped(26, 14)).isValid());
   EXPECT_FALSE(SPLINE_3D().isValid());
 }
 
 TEST(Spline, NumbersThatAreNoneAreNotValid) {
-  Random random(60);
+  RandomSplines random(60);
   const SPLINE_3D good = spline(2, random.points(3), clamped(2, 1), {1, 1, 1});
   ASSERT_TRUE(good.isValid());
   for (const double bad : {kNan, kInf, -kInf}) {
@@ -99,16 +96,16 @@ TEST(Spline, NumbersThatAreNoneAreNotValid) {
 }
 
 TEST(Spline, OfDegreeOneIsItsPolygon) {
-  Random random(61);
-  const Points polygon = random.points(20);
-  const Points chain = chordsOf(spline(1, polygon, clamped(1, 19)), 1e-6);
+  RandomSplines random(61);
+  const PointList polygon = random.points(20);
+  const PointList chain = chordsOf(spline(1, polygon, clamped(1, 19)), 1e-6);
   ASSERT_EQ(chain.size(), polygon.size());
   for (std::size_t i = 0; i < chain.size(); ++i) EXPECT_TRUE(chain[i] == polygon[i]);
 }
 
 // Compares with the sum of Bernstein polynomials.
 TEST(Spline, OfOneSpanIsTheBezierCurve) {
-  Random random(62);
+  RandomSplines random(62);
   for (int degree = 1; degree <= SPLINE_3D::kMaxDegree; ++degree) {
     SCOPED_TRACE(testing::Message() << "seed 62, degree " << degree);
     const SPLINE_3D s = spline(degree, random.points(degree + 1), clamped(degree, 1));
@@ -140,7 +137,7 @@ double basis(const SPLINE_3D& s, std::size_t i, int degree, double t) {
 }
 
 TEST(Spline, PointsAreTheWeightedSumOfTheControls) {
-  Random random(63);
+  RandomSplines random(63);
   int valid = 0;
   for ([[maybe_unused]] const int round : rounds(300)) {
     const SPLINE_3D s = random.spline();
@@ -167,12 +164,12 @@ TEST(Spline, PointsAreTheWeightedSumOfTheControls) {
 // Every point of the curve is near the chain, every vertex of the chain is on the curve, and a
 // finer tolerance never yields fewer chords.
 TEST(Spline, ChordsKeepTheTolerance) {
-  Random random(64);
+  RandomSplines random(64);
   for ([[maybe_unused]] const int round : rounds(150)) {
     const SPLINE_3D s = random.spline();
     if (!s.isValid()) continue;
     const double tolerance = std::pow(10, -1.5 + 1.5 * random.real());
-    const Points chain = chordsOf(s, tolerance);
+    const PointList chain = chordsOf(s, tolerance);
     double from = 0, to = 0;
     s.getDomain(from, to);
     for (int k = 0; k <= 300; ++k) {
@@ -184,10 +181,10 @@ TEST(Spline, ChordsKeepTheTolerance) {
 }
 
 TEST(Spline, ClampedEndsAreExact) {
-  Random random(65);
+  RandomSplines random(65);
   for (int degree = 1; degree <= 10; ++degree) {
     const SPLINE_3D s = spline(degree, random.points(degree + 4), clamped(degree, 4));
-    const Points chain = chordsOf(s, 0.01);
+    const PointList chain = chordsOf(s, 0.01);
     EXPECT_TRUE(chain.front() == s.controls.front() && chain.back() == s.controls.back());
     EXPECT_TRUE(s.getPnt(-kInf) == s.controls.front() && s.getPnt(kInf) == s.controls.back());
     EXPECT_TRUE(s.getPnt(kNan) == s.controls.front());
@@ -210,7 +207,7 @@ TEST(Spline, RationalQuadraticIsTheCircle) {
                              {0, 0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 4}, {1, w, 1, w, 1, w, 1, w, 1});
   ASSERT_TRUE(s.isValid());
   EXPECT_EQ(s.size(), 1);
-  const Points chain = chordsOf(s, 1e-4);
+  const PointList chain = chordsOf(s, 1e-4);
   for (std::size_t i = 1; i < chain.size(); ++i) {
     EXPECT_NEAR(std::hypot(chain[i].x, chain[i].y), 1, 1e-15);
     EXPECT_LT(1 - std::hypot(chain[i].x + chain[i - 1].x, chain[i].y + chain[i - 1].y) / 2, 1e-4);
@@ -220,8 +217,8 @@ TEST(Spline, RationalQuadraticIsTheCircle) {
 
 // A periodic curve as files store it: uniform knots, the first controls repeated at the end.
 TEST(Spline, PeriodicOneClosesSmoothly) {
-  Random random(66);
-  Points controls = random.points(8);
+  RandomSplines random(66);
+  PointList controls = random.points(8);
   controls.insert(controls.end(), controls.begin(), controls.begin() + 3);
   std::vector<double> knots;
   for (int i = 0; i < 15; ++i) knots.push_back(i);
@@ -238,7 +235,7 @@ TEST(Spline, JumpsAreKept) {
       3, {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {3, 5, 0}, {2, 5, 0}, {1, 5, 0}, {0, 5, 0}},
       {0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2});
   ASSERT_TRUE(s.isValid());
-  const Points chain = chordsOf(s, 1e-3);
+  const PointList chain = chordsOf(s, 1e-3);
   ASSERT_EQ(chain.size(), 4u);
   EXPECT_TRUE(chain[1] == PNT_3D(3, 0, 0) && chain[2] == PNT_3D(3, 5, 0));
   EXPECT_TRUE(s.getPnt(1) == PNT_3D(3, 5, 0));
@@ -246,7 +243,7 @@ TEST(Spline, JumpsAreKept) {
 
 // Invalid tolerances, and more spans than chords are allowed.
 TEST(Spline, ChordsAreBounded) {
-  Random random(67);
+  RandomSplines random(67);
   for (const double tolerance : {0.0, -1.0, kNan}) {
     const SPLINE_3D s = spline(3, random.points(103), clamped(3, 100));
     EXPECT_EQ(chordsOf(s, tolerance).size(), 102401u);
@@ -263,7 +260,7 @@ TEST(Spline, ChordsAreBounded) {
 
 TEST(Spline, FallsBackOnItsControls) {
   SPLINE_3D s = spline(3, {{0, 0, 0}, {kNan, 1, 0}, {2, 4, 0}, {1e200, 0, 0}}, {});
-  Points polygon{{9, 9, 9}};
+  PointList polygon{{9, 9, 9}};
   s.controlPolygon(polygon);
   ASSERT_EQ(polygon.size(), 3u);
   EXPECT_TRUE(polygon[0] == PNT_3D(9, 9, 9) && polygon[2] == PNT_3D(2, 4, 0));
@@ -278,9 +275,9 @@ PNT_3D derivative(const SPLINE_3D& s, double t, double h) {
 }
 
 TEST(SplineFit, PassesThroughThePointsSmoothly) {
-  Random random(68);
+  RandomSplines random(68);
   for (const int round : rounds(100)) {
-    const Points points = random.points(3 + random.below(20));
+    const PointList points = random.points(3 + random.below(20));
     const PNT_3D start(3, 4, 0), end(0, 0, -2);
     SPLINE_3D s;
     ASSERT_TRUE(s.createFit(points, round % 2 ? &start : nullptr, round % 2 ? &end : nullptr));
@@ -320,7 +317,7 @@ TEST(SplineFit, StraightLinesStayStraight) {
 TEST(SplineFit, RefusesWhatIsNoPath) {
   const struct {
     const char* name;
-    Points points;
+    PointList points;
   } cases[] = {
       {"nothing", {}},
       {"one point", {{1, 2, 3}}},

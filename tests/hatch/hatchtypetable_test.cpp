@@ -66,17 +66,17 @@ TEST(HatchTypeTable, WhatDrawsTheSameIsTheSame) {
 // A file may define different lines for every hatch under one name. Comparing each with all earlier
 // ones would take minutes.
 TEST(HatchTypeTable, ManyPatternsOfOneNameAreNotComparedWithEachOther) {
-  constexpr int kNoPatterns = 100000;
+  constexpr int kManyPatterns = 100000;
   const auto start = std::chrono::steady_clock::now();
   CHatchTypeTable table;
   std::set<const HATCH_TYPE*> types;
   HATCH_LINE line = kDashed;
   for (const int round : {1, 2}) {
-    for (int i = 0; i < kNoPatterns; ++i) {
+    for (int i = 0; i < kManyPatterns; ++i) {
       line.dy = i + 1;
       types.insert(&table.intern(u"OWN", {line}));
     }
-    EXPECT_EQ(types.size(), std::size_t{kNoPatterns}) << round;
+    EXPECT_EQ(types.size(), std::size_t{kManyPatterns}) << round;
   }
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
 }

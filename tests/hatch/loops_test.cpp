@@ -7,8 +7,6 @@ using vek0::detail::kPi;
 
 namespace {
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-
 using Points = std::vector<PNT_3D>;
 using Rings = std::vector<HATCH_RING>;
 

@@ -107,4 +107,13 @@ inline std::string entitiesOf(std::string_view name, std::string_view list) {
 
 inline Loaded loadEntities(std::string_view list) { return loadText(entitiesOf("AC1009", list)); }
 
+/// Reads with the most tolerant policy.
+inline Loaded loadAny(const std::string& text) {
+  return loadText(text, CFileDXFIPolicy::forAnyFile());
+}
+inline Loaded loadAnyEntities(std::string_view list) { return loadAny(entitiesOf("AC1015", list)); }
+
+/// A line from (0, 0) to (1, 1) on layer A, as pairs.
+inline const std::string kDiagonal = "0 LINE|8 A|10 0|20 0|11 1|21 1";
+
 }  // namespace vek0::test

@@ -46,3 +46,11 @@
 #include "support/rows.h"
 #include "support/samples.h"
 #include "vek0core/vek0core.h"
+
+namespace vek0::test {
+
+inline constexpr double kInf = std::numeric_limits<double>::infinity();
+inline constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+inline constexpr double kUntouched = 77;  ///< preset value of outputs that a call may leave alone
+
+}  // namespace vek0::test

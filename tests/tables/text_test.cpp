@@ -5,11 +5,11 @@ using vek0::detail::kPi;
 
 namespace {
 
-constexpr double kTolerance = 1e-9;
+constexpr double kMetricTolerance = 1e-9;
 
 // Height 10, capitals 8, descent 2, width 5 per character.
-struct Font : ICADFont {
-  explicit Font(double heightUnit = 8) : ICADFont(u"font"), m_heightUnit(heightUnit) {}
+struct MetricFont : ICADFont {
+  explicit MetricFont(double heightUnit = 8) : ICADFont(u"font"), m_heightUnit(heightUnit) {}
   double getHeightUnit() const override { return m_heightUnit; }
   double getFullHeight() const override { return 10; }
   double getDescent() const override { return 2; }
@@ -71,15 +71,15 @@ TEST(TextJustification, WhatIsNotInTheTableIsLeft) {
 TEST(TextBasePoint, FollowsTheFontsMeasures) {
   const double dxs[] = {0, -5, -10};
   const double dys[] = {0, 1, -2.5, -4};
-  const Font font;
+  const MetricFont font;
   const auto style = vek0::test::style(&font);
   for (long i = 0; i < TEXT_3D::kJustifications; ++i) {
     const TEXT_3D text = placed(style.get(), i);
     SCOPED_TRACE(text.getAlignName().toUtf8());
     double dx, dy;
     text.getDeltaXY(dx, dy);
-    EXPECT_NEAR(dx, dxs[text.getHorizAlign()], kTolerance);
-    EXPECT_NEAR(dy, dys[text.getVertAlign()], kTolerance);
+    EXPECT_NEAR(dx, dxs[text.getHorizAlign()], kMetricTolerance);
+    EXPECT_NEAR(dy, dys[text.getVertAlign()], kMetricTolerance);
     EXPECT_TRUE(text.getBasePoint() == PNT_3D(100 + dx, 50 + dy, 3));
     const TEXT_3D styleless = placed(nullptr, i);
     EXPECT_TRUE(styleless.getBasePoint() == PNT_3D(100, 50, 3));
@@ -87,18 +87,18 @@ TEST(TextBasePoint, FollowsTheFontsMeasures) {
 }
 
 TEST(TextBasePoint, TurnsWithTheText) {
-  const Font font;
+  const MetricFont font;
   const auto style = vek0::test::style(&font);
   double dx, dy;
   placed(style.get(), 2, kPi / 2).getDeltaXY(dx, dy);
-  EXPECT_NEAR(dx, 0, kTolerance);
-  EXPECT_NEAR(dy, -10, kTolerance);
+  EXPECT_NEAR(dx, 0, kMetricTolerance);
+  EXPECT_NEAR(dy, -10, kMetricTolerance);
   placed(style.get(), 0, 1).getDeltaXY(dx, dy);
   EXPECT_TRUE(dx == 0 && dy == 0);
 }
 
 TEST(TextBasePoint, TakesWidthScaleAndBoldIntoAccount) {
-  const Font font;
+  const MetricFont font;
   const auto style = vek0::test::style(&font, u"S", CStyle::kBold);
   EXPECT_DOUBLE_EQ(placed(style.get(), 0, 0, 0, 0.5).getStringLength(), 6);
   double dx, dy;
@@ -108,7 +108,7 @@ TEST(TextBasePoint, TakesWidthScaleAndBoldIntoAccount) {
 
 TEST(TextBasePoint, SurvivesFontsWithoutHeight) {
   for (const double unit : {0.0, -3.0, std::nan("")}) {
-    const Font font(unit);
+    const MetricFont font(unit);
     const auto style = vek0::test::style(&font);
     double dx, dy;
     placed(style.get(), 5).getDeltaXY(dx, dy);
@@ -121,8 +121,8 @@ TEST(TextBasePoint, StyleWithoutFontUsesTheDefaults) {
   const auto style = vek0::test::style();
   double dx, dy;
   placed(style.get(), 11).getDeltaXY(dx, dy);
-  EXPECT_NEAR(dx, -4 * 4 * 0.9, kTolerance);
-  EXPECT_NEAR(dy, 4.0 / 3, kTolerance);
+  EXPECT_NEAR(dx, -4 * 4 * 0.9, kMetricTolerance);
+  EXPECT_NEAR(dy, 4.0 / 3, kMetricTolerance);
 }
 
 void expectBox(const TEXT_3D& text, double x1, double y1, double x2, double y2) {
@@ -130,16 +130,16 @@ void expectBox(const TEXT_3D& text, double x1, double y1, double x2, double y2) 
   RECT_2D flat;
   text.calc_bdry(box);
   text.calc_bdry(flat);
-  EXPECT_NEAR(box.min.x, x1, kTolerance);
-  EXPECT_NEAR(box.min.y, y1, kTolerance);
-  EXPECT_NEAR(box.max.x, x2, kTolerance);
-  EXPECT_NEAR(box.max.y, y2, kTolerance);
+  EXPECT_NEAR(box.min.x, x1, kMetricTolerance);
+  EXPECT_NEAR(box.min.y, y1, kMetricTolerance);
+  EXPECT_NEAR(box.max.x, x2, kMetricTolerance);
+  EXPECT_NEAR(box.max.y, y2, kMetricTolerance);
   EXPECT_TRUE(box.min.z == text.z && box.max.z == text.z);
   EXPECT_TRUE(flat == RECT_2D(box.min.x, box.min.y, box.max.x, box.max.y));
 }
 
 TEST(TextExtents, ReachFromTheDescentToTheHeight) {
-  const Font font;
+  const MetricFont font;
   const auto style = vek0::test::style(&font);
   {
     SCOPED_TRACE("left");
@@ -177,7 +177,7 @@ TEST(TextTransforms, CornersFollow) {
   std::mt19937 random(kSeed);
   std::uniform_real_distribution<double> coordinate(-50, 50), angle(-7, 7), slant(-1, 1),
       factor(-3, 3);
-  const Font font;
+  const MetricFont font;
   const auto style = vek0::test::style(&font);
   for (int round = 0; round < 200; ++round) {
     const TEXT_3D text(u"abcd", style.get(), coordinate(random), coordinate(random),
@@ -196,8 +196,8 @@ TEST(TextTransforms, CornersFollow) {
       PNT_3D viaTurn(corners[i]), viaScale(corners[i]);
       viaTurn.rotate(center, turn);
       viaScale.scale(center, f);
-      EXPECT_LT(turnedCorners[i].dist(viaTurn), kTolerance) << "seed " << kSeed;
-      EXPECT_LT(scaledCorners[i].dist(viaScale), kTolerance) << "seed " << kSeed;
+      EXPECT_LT(turnedCorners[i].dist(viaTurn), kMetricTolerance) << "seed " << kSeed;
+      EXPECT_LT(scaledCorners[i].dist(viaScale), kMetricTolerance) << "seed " << kSeed;
     }
   }
 }

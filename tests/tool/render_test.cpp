@@ -215,7 +215,7 @@ std::string colored(int color, std::string entity) {
   return entity + "62\n" + std::to_string(color) + "\n";
 }
 
-std::string drawing(const std::string& entities) {
+std::string drawingWith(const std::string& entities) {
   return "0\nSECTION\n2\nENTITIES\n" + entities + "0\nENDSEC\n0\nEOF\n";
 }
 
@@ -228,7 +228,7 @@ std::string nested(int levels, int cells) {
   }
   const std::string count = std::to_string(cells) + "\n";
   return "0\nSECTION\n2\nBLOCKS\n" + blocks + "0\nENDSEC\n" +
-         drawing(insert + "70\n" + count + "71\n" + count + "44\n2\n45\n2\n");
+         drawingWith(insert + "70\n" + count + "71\n" + count + "44\n2\n45\n2\n");
 }
 
 const std::string kCircle = "0\nCIRCLE\n5\nC1\n8\nB\n10\n50\n20\n50\n40\n25\n";
@@ -240,7 +240,7 @@ using Render = Tool;
 
 TEST_F(Render, ExitCodes) {
   write("broken.dxf", kBroken);
-  write("good.dxf", drawing(line("A", 0, 0, 30, 40)));
+  write("good.dxf", drawingWith(line("A", 0, 0, 30, 40)));
   write("array.dxf", nested(0, 32767));
   write("deep.dxf", nested(250, 1));
   write("old.svg", "old");
@@ -256,8 +256,8 @@ TEST_F(Render, ExitCodes) {
 }
 
 TEST_F(Render, SvgNamesLayersAndEntities) {
-  write("a.dxf",
-        drawing(line("A", 0, 0, 100, 0, "1F") + kCircle + line("A", 0, 0, 0, 100, "20") + kText));
+  write("a.dxf", drawingWith(line("A", 0, 0, 100, 0, "1F") + kCircle +
+                             line("A", 0, 0, 0, 100, "20") + kText));
   ASSERT_EQ(run("render a.dxf -o a.svg --size 400x400 --margin 0").code, 0);
   const std::string svg = contents(path("a.svg"));
   const XmlReader xml(svg);
@@ -273,7 +273,7 @@ TEST_F(Render, SvgNamesLayersAndEntities) {
 }
 
 TEST_F(Render, SvgKeepsTheGeometry) {
-  write("a.dxf", drawing(line("A", 0, 0, 100, 100, "1") + kCircle));
+  write("a.dxf", drawingWith(line("A", 0, 0, 100, 100, "1") + kCircle));
   ASSERT_EQ(run("render a.dxf -o a.svg --window 0,0,100,100 --size 200x200").code, 0);
   const XmlReader xml(contents(path("a.svg")));
   ASSERT_TRUE(xml.byId("h1") && xml.byId("hC1"));
@@ -287,7 +287,7 @@ TEST_F(Render, PolylinesStayClosedAndKeepTheirArcs) {
   const char* const corners[] = {"0\n20\n0", "10\n20\n0\n42\n1", "10\n20\n10", "0\n20\n10\n42\n1"};
   std::string slot = "0\nPOLYLINE\n5\n1\n8\nA\n66\n1\n70\n1\n";
   for (const char* corner : corners) slot += std::string("0\nVERTEX\n8\nA\n10\n") + corner + "\n";
-  write("a.dxf", drawing(slot + "0\nSEQEND\n"));
+  write("a.dxf", drawingWith(slot + "0\nSEQEND\n"));
   ASSERT_EQ(run("render a.dxf -o a.svg --window -10,-10,20,20 --size 300x300").code, 0);
   const XmlReader xml(contents(path("a.svg")));
   ASSERT_TRUE(xml.byId("h1"));
@@ -296,8 +296,8 @@ TEST_F(Render, PolylinesStayClosedAndKeepTheirArcs) {
 }
 
 TEST_F(Render, IdsAreUniqueWhateverTheNames) {
-  write("a.dxf", drawing(line("A B", 0, 0, 1, 1, "1") + line("A_B", 0, 0, 1, 2, "1") +
-                         line("A&B", 0, 0, 1, 3, "1") + line("<\"x\">", 0, 0, 1, 4, "2")));
+  write("a.dxf", drawingWith(line("A B", 0, 0, 1, 1, "1") + line("A_B", 0, 0, 1, 2, "1") +
+                             line("A&B", 0, 0, 1, 3, "1") + line("<\"x\">", 0, 0, 1, 4, "2")));
   ASSERT_EQ(run("render a.dxf -o a.svg").code, 0);
   const std::string svg = contents(path("a.svg"));
   const XmlReader xml(svg);
@@ -330,7 +330,7 @@ TEST_F(Render, SamplesAreWellFormedInEveryForm) {
 }
 
 TEST_F(Render, PngHasTheSizeAskedFor) {
-  write("a.dxf", drawing(line("A", 0, 0, 200, 100)));
+  write("a.dxf", drawingWith(line("A", 0, 0, 200, 100)));
   for (const Row& t : rows()) {
     ASSERT_EQ(run(std::string("render a.dxf -f -o a.png ") + t.text("options")).code, 0);
     const Image image(path("a.png"));
@@ -340,7 +340,7 @@ TEST_F(Render, PngHasTheSizeAskedFor) {
 }
 
 TEST_F(Render, PdfPagesHaveTheirSize) {
-  write("a.dxf", drawing(line("A", 0, 0, 200, 100)));
+  write("a.dxf", drawingWith(line("A", 0, 0, 200, 100)));
   for (const Row& t : rows()) {
     ASSERT_EQ(run(std::string("render a.dxf -f -o a.pdf ") + t.text("options")).code, 0);
     const std::string pdf = contents(path("a.pdf"));
@@ -358,7 +358,7 @@ TEST_F(Render, PdfPagesHaveTheirSize) {
 TEST_F(Render, LengthsOnPaperAreTrue) {
   for (const Row& t : rows()) {
     write("a.dxf", "0\nSECTION\n2\nHEADER\n9\n$INSUNITS\n70\n" + std::string(t.text("units")) +
-                       "\n0\nENDSEC\n" + drawing(line("A", 0, 0, 30, 40)));
+                       "\n0\nENDSEC\n" + drawingWith(line("A", 0, 0, 30, 40)));
     ASSERT_EQ(run(std::string("render -q a.dxf -f -o a.pdf --paper A3 ") + t.text("scale")).code,
               0);
     const std::vector<double> lengths = segmentLengths(pageContent(contents(path("a.pdf"))));
@@ -368,8 +368,8 @@ TEST_F(Render, LengthsOnPaperAreTrue) {
 }
 
 TEST_F(Render, LayersAreChosenByNameAndPattern) {
-  write("a.dxf",
-        drawing(line("WALLS", 0, 0, 1, 1) + line("DOOR1", 0, 0, 1, 1) + line("DOOR2", 0, 0, 1, 1)));
+  write("a.dxf", drawingWith(line("WALLS", 0, 0, 1, 1) + line("DOOR1", 0, 0, 1, 1) +
+                             line("DOOR2", 0, 0, 1, 1)));
   for (const Row& t : rows()) {
     ASSERT_EQ(run(std::string("render -q a.dxf -f -o a.svg ") + t.text("options")).code, 0);
     EXPECT_EQ(groups(XmlReader(contents(path("a.svg")))), t.text("groups"));
@@ -380,8 +380,8 @@ TEST_F(Render, LayersAreChosenByNameAndPattern) {
 
 TEST_F(Render, SplitLayersWritesOneAlikePictureALayer) {
   const std::string longest(300, 'L');
-  write("a.dxf", drawing(line("A/B", 0, 0, 100, 100) + line("C", 0, 0, 50, 0) +
-                         line(longest + "1", 0, 0, 1, 0) + line(longest + "2", 0, 0, 1, 0)));
+  write("a.dxf", drawingWith(line("A/B", 0, 0, 100, 100) + line("C", 0, 0, 50, 0) +
+                             line(longest + "1", 0, 0, 1, 0) + line(longest + "2", 0, 0, 1, 0)));
   ASSERT_EQ(run("render a.dxf --split-layers -o a.svg --size 240x240").code, 0);
   EXPECT_FALSE(fs::exists(path("a.svg")));
   EXPECT_FALSE(fs::exists(path("a-0.svg"))) << "nothing is on layer 0";
@@ -391,9 +391,9 @@ TEST_F(Render, SplitLayersWritesOneAlikePictureALayer) {
 
 TEST_F(Render, AllGoesOnAfterAFailure) {
   write("broken.dxf", kBroken);
-  write("good.dxf", drawing(line("A", 0, 0, 1, 1)));
+  write("good.dxf", drawingWith(line("A", 0, 0, 1, 1)));
   fs::create_directory(path("other"));
-  write("other/good.dxf", drawing(line("B", 0, 0, 1, 1)));
+  write("other/good.dxf", drawingWith(line("B", 0, 0, 1, 1)));
   const Outcome got =
       run("render broken.dxf good.dxf other/good.dxf --all --format png -o pictures");
   EXPECT_EQ(got.code, 3) << got.err;
@@ -403,7 +403,7 @@ TEST_F(Render, AllGoesOnAfterAFailure) {
 }
 
 TEST_F(Render, BackgroundIsPaintedUnlessNone) {
-  write("a.dxf", drawing(line("A", 0, 0, 1, 1)));
+  write("a.dxf", drawingWith(line("A", 0, 0, 1, 1)));
   for (const Row& t : rows()) {
     ASSERT_EQ(run(std::string("render a.dxf -f -o a.svg ") + t.text("options")).code, 0);
     const XmlReader xml(contents(path("a.svg")));
@@ -418,7 +418,7 @@ TEST_F(Render, BackgroundIsPaintedUnlessNone) {
 }
 
 TEST_F(Render, MonoDrawsEverythingInTheColorThatIsSeen) {
-  write("a.dxf", drawing(colored(1, line("A", 0, 0, 1, 1)) + colored(3, kCircle)));
+  write("a.dxf", drawingWith(colored(1, line("A", 0, 0, 1, 1)) + colored(3, kCircle)));
   const std::map<std::string, std::uint32_t> pens = {{"white", 0xFF000000}, {"black", 0xFFFFFFFF}};
   for (const auto& [background, pen] : pens) {
     SCOPED_TRACE(background);
@@ -434,7 +434,7 @@ TEST_F(Render, MonoDrawsEverythingInTheColorThatIsSeen) {
 }
 
 TEST_F(Render, EdgesOfImagesAreSoft) {
-  write("a.dxf", drawing(line("A", 0, 0, 100, 37)));
+  write("a.dxf", drawingWith(line("A", 0, 0, 100, 37)));
   ASSERT_EQ(run("render a.dxf -o a.png --size 200x100").code, 0);
   const Image image(path("a.png"));
   EXPECT_GT(image.colors.size(), 16u) << "shades between paper and pen";
@@ -442,13 +442,14 @@ TEST_F(Render, EdgesOfImagesAreSoft) {
 }
 
 TEST_F(Render, WhatIsSmallOrThinIsSeen) {
-  write("a.dxf", drawing("0\nPOINT\n8\nA\n10\n3.3\n20\n7.8\n" + line("A", 10, 10, 20, 10, "1")));
+  write("a.dxf",
+        drawingWith("0\nPOINT\n8\nA\n10\n3.3\n20\n7.8\n" + line("A", 10, 10, 20, 10, "1")));
   ASSERT_EQ(run("render a.dxf -o a.png --size 100x100 --window 0,0,9,9").code, 0);
   EXPECT_EQ(Image(path("a.png")).count(0xFF000000), 5) << "three pixels wide, but for corners";
   ASSERT_EQ(run("render a.dxf -o a.svg --lineweight 0.001").code, 0);
   EXPECT_NE(XmlReader(contents(path("a.svg"))).elements[0].attributes.at("stroke-width"), "0");
   const std::string tiny = "\n8\nA\n10\n5\n20\n5\n40\n1e-5\n50\n0\n51\n90\n";
-  write("b.dxf", drawing("0\nCIRCLE\n5\n1" + tiny + "0\nARC\n5\n2" + tiny));
+  write("b.dxf", drawingWith("0\nCIRCLE\n5\n1" + tiny + "0\nARC\n5\n2" + tiny));
   ASSERT_EQ(run("render b.dxf -o b.svg --size 100x100 --window 0,0,10,10").code, 0);
   const XmlReader dots(contents(path("b.svg")));
   for (const char* id : {"h1", "h2"}) EXPECT_EQ(dots.byId(id)->attributes.at("d"), "M50 50h0");
@@ -457,7 +458,7 @@ TEST_F(Render, WhatIsSmallOrThinIsSeen) {
 // The ink of a line is its length times its width, however it is split and whatever its direction.
 TEST_F(Render, InkFollowsLengthAndWidth) {
   const auto inkOf = [&](const std::string& entities, const std::string& options) {
-    write("a.dxf", drawing(entities));
+    write("a.dxf", drawingWith(entities));
     EXPECT_EQ(
         run("render a.dxf -f -o a.png --size 200x200mm --dpi 25.4 --window 0,0,200,200" + options)
             .code,
@@ -501,8 +502,8 @@ TEST_F(Render, SolidHatchesHaveNoSeams) {
 
 // A line along each axis; its image in a sheet of 100 by 100 around the origin.
 TEST_F(Render, ViewsShowTheAxes) {
-  write("a.dxf", drawing(line("X", 0, 0, 5, 0, "1") + line("Y", 0, 0, 0, 5, "2") +
-                         "0\nLINE\n5\n3\n8\nZ\n10\n0\n20\n0\n30\n0\n11\n0\n21\n0\n31\n5\n"));
+  write("a.dxf", drawingWith(line("X", 0, 0, 5, 0, "1") + line("Y", 0, 0, 0, 5, "2") +
+                             "0\nLINE\n5\n3\n8\nZ\n10\n0\n20\n0\n30\n0\n11\n0\n21\n0\n31\n5\n"));
   for (const Row& t : rows()) {
     ASSERT_EQ(run(std::string("render a.dxf -f -o a.svg --size 100x100 --window -10,-10,10,10 ") +
                   "--view " + t.text("view"))
@@ -525,15 +526,15 @@ TEST_F(Render, GroupingKeepsWhatCovers) {
       "0\nLWPOLYLINE\n100\nAcDbPolyline\n5\nF\n8\nFILL\n90\n2\n43\n20\n"
       "10\n0\n20\n0\n10\n50\n20\n0\n";
   write("a.dxf", "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1015\n0\nENDSEC\n" +
-                     drawing(line("A", 0, 0, 50, 0) + wide + line("A", 0, 5, 50, 5) +
-                             line("B", 0, 50, 50, 50) + line("A", 0, 60, 50, 60)));
+                     drawingWith(line("A", 0, 0, 50, 0) + wide + line("A", 0, 5, 50, 5) +
+                                 line("B", 0, 50, 50, 50) + line("A", 0, 60, 50, 60)));
   const Outcome got = run("render a.dxf -o a.svg");
   ASSERT_EQ(got.code, 0) << got.err;
   EXPECT_EQ(groups(XmlReader(contents(path("a.svg")))), "layer-A layer-FILL layer-A-2 layer-B ");
 }
 
 TEST_F(Render, TextsStayTextsOrBecomeOutlines) {
-  write("a.dxf", drawing(kText));
+  write("a.dxf", drawingWith(kText));
   ASSERT_EQ(run("render a.dxf -o a.svg").code, 0);
   EXPECT_EQ(XmlReader(contents(path("a.svg"))).count("text"), 1);
   ASSERT_EQ(run("render a.dxf -o b.svg --text outlines").code, 0);
@@ -547,10 +548,10 @@ TEST_F(Render, TextsStayTextsOrBecomeOutlines) {
 }
 
 TEST_F(Render, SaysWhatIsNotShown) {
-  write("a.dxf", drawing(line("A", 0, 0, 1, 1) + "0\nBODY\n8\n0\n0\nBODY\n8\n0\n"));
+  write("a.dxf", drawingWith(line("A", 0, 0, 1, 1) + "0\nBODY\n8\n0\n0\nBODY\n8\n0\n"));
   EXPECT_NE(run("render a.dxf -o a.svg").err.find("not shown: 2 BODY"), std::string::npos);
   EXPECT_EQ(run("render -q a.dxf -f -o a.svg").err, "");
-  write("b.dxf", drawing(line("A", 0, 0, 1, 1) + "67\n1\n"));
+  write("b.dxf", drawingWith(line("A", 0, 0, 1, 1) + "67\n1\n"));
   const Outcome sheet = run("render b.dxf -o b.svg");
   EXPECT_EQ(sheet.code, 0);
   EXPECT_NE(sheet.err.find("1 entity is on a sheet, which --paper-space shows"), std::string::npos)
@@ -563,10 +564,11 @@ TEST_F(Render, SaysWhatIsNotShown) {
 
 // Hidden or unprinted content must neither shrink the picture nor coarsen its arcs.
 TEST_F(Render, FitsWhatIsShown) {
-  write("a.dxf", drawing(line("A", 0, 0, 100, 100, "1") + line("B", 0, 0, 9000, 9000) +
-                         line("DEFPOINTS", 0, 0, 9e9, 9e9) +
-                         "0\nARC\n8\nA\n10\n50\n20\n50\n40\n100\n50\n20\n51\n19\n"
-                         "0\nATTDEF\n8\nA\n10\n9e9\n20\n0\n40\n5\n1\nv\n2\nTAG\n3\n?\n70\n1\n"));
+  write("a.dxf",
+        drawingWith(line("A", 0, 0, 100, 100, "1") + line("B", 0, 0, 9000, 9000) +
+                    line("DEFPOINTS", 0, 0, 9e9, 9e9) +
+                    "0\nARC\n8\nA\n10\n50\n20\n50\n40\n100\n50\n20\n51\n19\n"
+                    "0\nATTDEF\n8\nA\n10\n9e9\n20\n0\n40\n5\n1\nv\n2\nTAG\n3\n?\n70\n1\n"));
   ASSERT_EQ(run("render a.dxf -o a.svg --size 240x240 --hide-layers B").code, 0);
   EXPECT_EQ(XmlReader(contents(path("a.svg"))).byId("h1")->attributes.at("d"), "M70 170l100-100");
 }
@@ -611,7 +613,8 @@ TEST_F(Render, ClipsHoldWithinEachOther) {
 }
 
 TEST_F(Render, WhatLiesFarOffTheWindowIsCutOff) {
-  write("a.dxf", drawing(line("A", -1e12, 5, 1e12, 5, "1") + line("A", 1e9, 1e9, 2e9, 1e9, "2")));
+  write("a.dxf",
+        drawingWith(line("A", -1e12, 5, 1e12, 5, "1") + line("A", 1e9, 1e9, 2e9, 1e9, "2")));
   for (const char* name : {"a.svg", "a.png", "a.pdf"}) {
     ASSERT_EQ(run(std::string("render a.dxf --window 0,0,10,10 --size 100x100 -o ") + name).code,
               0);
@@ -623,7 +626,7 @@ TEST_F(Render, WhatLiesFarOffTheWindowIsCutOff) {
 }
 
 TEST_F(Render, StandardOutputTakesEveryFormat) {
-  write("a.dxf", drawing(line("A", 0, 0, 1, 1)));
+  write("a.dxf", drawingWith(line("A", 0, 0, 1, 1)));
   EXPECT_EQ(run("render - -o - --format png", "a.dxf").out.substr(1, 3), "PNG");
   EXPECT_EQ(run("render - -o - --format pdf", "a.dxf").out.substr(0, 5), "%PDF-");
   EXPECT_EQ(XmlReader(run("render - -o - --format svg", "a.dxf").out).error, "");

@@ -4,9 +4,6 @@ using namespace vek0::test;
 
 namespace {
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-
 CWndVpt viewport(long width, long height, double ratio = 1) {
   CWndVpt result(ratio);
   result.resize(width, height);

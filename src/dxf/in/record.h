@@ -60,7 +60,11 @@ struct EntProperties {
   vek0::Handle handle = 0;
 
   /// The same for another object.
-  EntProperties withHandle(vek0::Handle other) const { return {layer, ltype, color, other}; }
+  EntProperties withHandle(vek0::Handle other) const {
+    EntProperties copy = *this;
+    copy.handle = other;
+    return copy;
+  }
 };
 
 /// The pairs of one entity record, reused from record to record: a value is valid only if its code

@@ -63,9 +63,9 @@ long lineCount(std::string_view text) {
 }
 
 // A file whose n-th read fails, and all later ones.
-class FailingFile : public CFileMemory {
+class CutFile : public CFileMemory {
  public:
-  FailingFile(const std::string& text, long good, bool offersBytes)
+  CutFile(const std::string& text, long good, bool offersBytes)
       : CFileMemory(u"test.dxf", kRead, text), m_good(good), m_offersBytes(offersBytes) {}
 
   bool readLn(zim::Char* buf, long n) override {
@@ -136,7 +136,7 @@ TEST(ReadBroken, EveryFailingReadIsAnError) {
     for (long good = 0; reached; ++good) {
       SCOPED_TRACE(testing::Message() << good << (bytes ? " blocks" : " lines") << " are read");
       ASSERT_LT(good, 10000);
-      FailingFile file(smallDrawing(), good, bytes);
+      CutFile file(smallDrawing(), good, bytes);
       Loaded got = loadText(entitiesOf("AC1009", "0 POINT|8 OLD|10 0|20 0"));
       importDXF(got.drawing(), file, &got.error);
       reached = file.wasReached();

@@ -4,13 +4,13 @@ using namespace vek0::test;
 
 namespace {
 
-Loaded loadAny(const std::string& body, const std::string& header = "") {
+Loaded loadBody(const std::string& body, const std::string& header = "") {
   const std::string head = section("HEADER", pairs("9 $ACADVER", "1 AC1015") + pairsOf(header));
   return loadText(head + body + dxf(), CFileDXFIPolicy::forAnyFile());
 }
 
 Loaded loadDimension(const std::string& list, const std::string& header = "") {
-  return loadAny(section("ENTITIES", pairsOf("0 DIMENSION|8 0|" + list)), header);
+  return loadBody(section("ENTITIES", pairsOf("0 DIMENSION|8 0|" + list)), header);
 }
 
 std::string blockOf(const std::string& name) {
@@ -38,7 +38,7 @@ RECT_2D box(const Loaded& got) {
 
 TEST(ReadDimensions, ShowTheirPicture) {
   for (const Row& t : rows()) {
-    const Loaded got = loadAny(blockOf("*D1") + section("ENTITIES", pairsOf(t.text("record"))));
+    const Loaded got = loadBody(blockOf("*D1") + section("ENTITIES", pairsOf(t.text("record"))));
     ASSERT_FALSE(got.error.HasAnError());
     ASSERT_NE(got.only(), nullptr);
     ASSERT_NE(got.only()->getEntInsert(), nullptr);
@@ -55,7 +55,7 @@ TEST(ReadDimensions, ShowTheirPicture) {
 TEST(ReadDimensions, PicturesMayFollow) {
   const std::string outer = section(
       "BLOCKS", pairsOf("0 BLOCK|8 0|2 A|70 0|10 0|20 0|0 DIMENSION|8 0|2 *D1|70 0|0 ENDBLK|5 8"));
-  const Loaded got = loadAny(outer + blockOf("*D1"));
+  const Loaded got = loadBody(outer + blockOf("*D1"));
   ASSERT_FALSE(got.error.HasAnError());
   CBlock* a = got.drawing().getBlockTable().get(u"A");
   ASSERT_NE(a, nullptr);
@@ -87,7 +87,7 @@ TEST(ReadDimensions, NumbersAreWrittenAsTheStyleSays) {
     const std::string tables =
         section("TABLES", table("DIMSTYLE", pairsOf("0 DIMSTYLE|2 s|" + t.text("style"))));
     const std::string changes = "|1001 ACAD|1000 DSTYLE|1002 {|" + t.text("changes") + "|1002 }";
-    const Loaded got = loadAny(
+    const Loaded got = loadBody(
         tables + section("ENTITIES", pairsOf("0 DIMENSION|8 0|3 S|70 0|10 9.5|20 5|11 4|21 6|"
                                              "13 0|23 0|14 9.5|24 1" +
                                              (t.text("changes").empty() ? "" : changes))));
@@ -104,9 +104,9 @@ TEST(ReadDimensions, TheHeaderSaysWhatTheStyleDoesNot) {
   const Definitions names{{"length", length}, {"angle", angle}};
   for (const Row& t : rowsWith(names)) {
     const Loaded got =
-        loadAny(section("HEADER", pairsOf(t.text("header"))) +
-                section("TABLES", table("DIMSTYLE", pairsOf("0 DIMSTYLE|2 S|271 2"))) +
-                section("ENTITIES", pairsOf("0 DIMENSION|8 0|" + t.text("record"))));
+        loadBody(section("HEADER", pairsOf(t.text("header"))) +
+                 section("TABLES", table("DIMSTYLE", pairsOf("0 DIMSTYLE|2 S|271 2"))) +
+                 section("ENTITIES", pairsOf("0 DIMENSION|8 0|" + t.text("record"))));
     ASSERT_NE(textOf(got), nullptr);
     EXPECT_EQ(textOf(got)->getContext().getString().toUtf8(), t.text("text"));
   }
@@ -115,7 +115,7 @@ TEST(ReadDimensions, TheHeaderSaysWhatTheStyleDoesNot) {
 TEST(ReadDimensions, HeadsAreThoseOfTheStyle) {
   const std::string record = "3 S|70 0|10 9|20 5|11 4|21 6|13 0|23 0|14 9|24 1";
   const auto load = [&](const std::string& style) {
-    return loadAny(
+    return loadBody(
         section("TABLES", table("DIMSTYLE", pairsOf("0 DIMSTYLE|2 S|41 0.5|40 2|" + style)) +
                               table("BLOCK_RECORD", pairsOf("0 BLOCK_RECORD|5 1A|2 Head"))) +
         blockOf("Head") + section("ENTITIES", pairsOf("0 DIMENSION|8 0|" + record)));
@@ -160,7 +160,7 @@ TEST(ReadDimensions, TextsAlongALineAreNotUpsideDown) {
 
 TEST(ReadDimensions, WithoutSenseAreNoHarm) {
   EXPECT_EQ(loadDimension("70 0").drawing().getEntTable().getEntityTbl().size(), 1u) << "a text";
-  const Loaded table = loadAny(section("ENTITIES", pairsOf("0 ACAD_TABLE|8 0|10 0|20 0")));
+  const Loaded table = loadBody(section("ENTITIES", pairsOf("0 ACAD_TABLE|8 0|10 0|20 0")));
   EXPECT_EQ(table.report.count("kind skipped"), 1);
 }
 
@@ -168,8 +168,8 @@ TEST(ReadDimensions, WithoutSenseAreNoHarm) {
 TEST(ReadDimensions, AreDrawnWhereTheirPictureIsMissing) {
   const std::string dimension = "0 DIMENSION|8 0|2 *D7|70 0|10 9|20 5|13 0|23 0|14 9|24 1";
   const std::string entities = section("ENTITIES", pairsOf(dimension));
-  const Loaded never = loadAny(blockOf("*D1") + entities),
-               late = loadAny(entities + blockOf("*D7"));
+  const Loaded never = loadBody(blockOf("*D1") + entities),
+               late = loadBody(entities + blockOf("*D7"));
   EXPECT_EQ(never.report.count("dimension drawn"), 1);
   EXPECT_NE(textOf(never), nullptr);
   ASSERT_NE(late.only(), nullptr);

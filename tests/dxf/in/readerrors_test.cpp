@@ -16,7 +16,7 @@ std::string fileOf(std::string_view place, std::string_view list) {
   return section(place, pairsOf(list)) + dxf();
 }
 
-std::string entities(std::string_view list) { return fileOf("ENTITIES", list); }
+std::string strictEntities(std::string_view list) { return fileOf("ENTITIES", list); }
 
 }  // namespace
 
@@ -38,10 +38,10 @@ TEST(ReadErrors, TheFirstOneStopsReading) {
 }
 
 TEST(ReadErrors, MissingCodesAreTold) {
-  const Loaded line = loadText(entities("0 LINE|8 0|10 0|21 1"));
+  const Loaded line = loadText(strictEntities("0 LINE|8 0|10 0|21 1"));
   EXPECT_EQ(line.error.GetErrorParam1(), 2);
   EXPECT_EQ(line.error.GetErrorParam2(), 0b10011);  // of 8, 10, 11, 20, 21: bits 0, 1 and 4
-  const Loaded polyline = loadText(entities("0 POLYLINE|8 0"));
+  const Loaded polyline = loadText(strictEntities("0 POLYLINE|8 0"));
   EXPECT_EQ(polyline.error.GetErrorParam1(), 5);
 }
 
@@ -58,7 +58,7 @@ TEST(ReadErrors, FileThatCannotBeOpenedLeavesNoError) {
 
 // Everything read before the error forms a consistent drawing.
 TEST(ReadErrors, KeepsWhatWasReadBefore) {
-  const Loaded got = loadText(entities("0 POINT|8 A|10 1|20 2|0 POINT|8 A|10 9"));
+  const Loaded got = loadText(strictEntities("0 POINT|8 A|10 1|20 2|0 POINT|8 A|10 9"));
   EXPECT_EQ(got.error.GetErrorType(), E::EntityNotBuilt);
   ASSERT_EQ(got.count(1), 1);
   EXPECT_EQ(got.only()->getLayer()->getEntities(), 1);
@@ -66,9 +66,9 @@ TEST(ReadErrors, KeepsWhatWasReadBefore) {
 
 TEST(ReadErrors, ARecordServesFileAfterFile) {
   Loaded target;
-  loadInto(target, entities("0 POINT|8 A"));
+  loadInto(target, strictEntities("0 POINT|8 A"));
   ASSERT_TRUE(target.error.HasAnError());
-  loadInto(target, entities("0 POINT|8 A|10 1|20 2"));
+  loadInto(target, strictEntities("0 POINT|8 A|10 1|20 2"));
   EXPECT_FALSE(target.error.HasAnError());
   EXPECT_EQ(target.count(1), 1);
 }
@@ -90,7 +90,7 @@ TEST(ReadErrors, OutOfMemory) {
                            "0 VERTEX|8 A|10 1|20 0|70 16|0 SEQEND"})) {
     Loaded target;
     CFileMemory file(u"test.dxf", IFile::kRead,
-                     entities(std::string("0 LINE|8 A|10 0|20 0|11 1|21 1|") + list));
+                     strictEntities(std::string("0 LINE|8 A|10 0|20 0|11 1|21 1|") + list));
     CFileDXFILoadDataSemantor semantor(target.drawing(), &target.error);
     EXPECT_FALSE(CFileDXFIParser(file, semantor, factory, &target.error).load());
     EXPECT_EQ(target.error.GetErrorType(), E::GeneralError);

@@ -6,7 +6,8 @@ namespace {
 
 const std::string kHead = "0 HATCH|8 0|10 0|20 0|30 2|2 ANSI31|70 0|71 0|";
 const std::string kTail = "|75 0|76 1|52 0|41 1|77 0|98 1|10 0.5|20 0.5";
-const std::string kSquare = "92 3|72 0|73 1|93 4|10 0|20 0|10 10|20 0|10 10|20 10|10 0|20 10|97 0";
+const std::string kSquareEdges =
+    "92 3|72 0|73 1|93 4|10 0|20 0|10 10|20 0|10 10|20 10|10 0|20 10|97 0";
 const std::string kIsland = "92 2|72 0|73 1|93 4|10 2|20 2|10 8|20 2|10 8|20 8|10 2|20 8";
 const std::string kDot = "92 2|72 0|73 1|93 4|10 4|20 4|10 6|20 4|10 6|20 6|10 4|20 6|97 0";
 
@@ -71,7 +72,7 @@ TEST(ReadHatches, FittedEdges) {
 
 TEST(ReadHatches, StylesLeaveOutInnerLoops) {
   for (const Row& t : rows()) {
-    const Loaded got = loadHatch(kHead + "91 3|" + kDot + "|" + kSquare + "|" + kIsland + "|" +
+    const Loaded got = loadHatch(kHead + "91 3|" + kDot + "|" + kSquareEdges + "|" + kIsland + "|" +
                                  t.text("style") + "|76 1|52 0|41 1");
     ASSERT_NE(onlyHatch(got), nullptr) << got.error.GetErrorLine();
     EXPECT_EQ(hatchRings(onlyHatch(got)->getBoundary()).size(), t.count("rings"));
@@ -86,7 +87,7 @@ TEST(ReadHatches, Patterns) {
   const Definitions names{
       {"ansi31", ansi31}, {"metric", metric}, {"turned", turned}, {"other", other}};
   for (const Row& t : rowsWith(names)) {
-    const Loaded got = loadHatch(kHead + "91 1|" + kSquare + "|" + t.text("pairs"));
+    const Loaded got = loadHatch(kHead + "91 1|" + kSquareEdges + "|" + t.text("pairs"));
     const CEntHatch* hatch = onlyHatch(got);
     ASSERT_NE(hatch, nullptr) << got.error.GetErrorLine();
     EXPECT_EQ(zim::WString(hatch->getHatchType().name), zim::WString(t.wide("type")));
@@ -100,7 +101,7 @@ TEST(ReadHatches, Patterns) {
 // The lines of a pattern defined in the file are where the file says, regardless of the hatch angle
 // and scale, which they already include.
 TEST(ReadHatches, OwnLinesFallWhereTheFileSays) {
-  const Loaded got = loadHatch(kHead + "91 1|" + kSquare +
+  const Loaded got = loadHatch(kHead + "91 1|" + kSquareEdges +
                                "|2 OWN|76 2|52 30|41 2|78 1|53 90|43 3|44 0|45 -4|46 0|79 0");
   const CEntHatch* hatch = onlyHatch(got);
   ASSERT_NE(hatch, nullptr);
@@ -118,7 +119,7 @@ TEST(ReadHatches, OwnLinesFallWhereTheFileSays) {
 // A family holds up to six dashes; longer sequences are split into several families that draw the
 // same.
 TEST(ReadHatches, LongDashSequencesAreKept) {
-  const Loaded got = loadHatch(kHead + "91 1|" + kSquare +
+  const Loaded got = loadHatch(kHead + "91 1|" + kSquareEdges +
                                "|2 OWN|76 2|52 0|41 1|78 1|53 0|43 0|44 5|45 0|46 20|79 8|"
                                "49 1|49 -0.5|49 2|49 -0.5|49 0.5|49 -0.5|49 3|49 -2");
   const CEntHatch* hatch = onlyHatch(got);
@@ -133,7 +134,7 @@ TEST(ReadHatches, LongDashSequencesAreKept) {
 }
 
 TEST(ReadHatches, WhatDoesNotFitIsAnError) {
-  const Definitions names{{"kSquare", kSquare}};
+  const Definitions names{{"kSquareEdges", kSquareEdges}};
   for (const Row& t : rowsWith(names)) {
     const Loaded got = loadHatch(kHead + t.text("list"));
     EXPECT_EQ(got.error.GetErrorType(), CFileDXFIError::InconsistentRecord);
@@ -148,7 +149,7 @@ TEST(ReadHatches, LossesAreTold) {
   const Loaded dropped = loadHatch(kHead + "91 1|" + point + kTail);
   EXPECT_EQ(notes(dropped, "hatch dropped"), 1);
   EXPECT_EQ(dropped.only(), nullptr);
-  const Loaded dense = loadHatch(kHead + "91 1|" + kSquare + "|76 1|52 0|41 1e-9");
+  const Loaded dense = loadHatch(kHead + "91 1|" + kSquareEdges + "|76 1|52 0|41 1e-9");
   EXPECT_EQ(notes(dense, "hatch empty"), 1);
   ASSERT_NE(onlyHatch(dense), nullptr);
   EXPECT_EQ(onlyHatch(dense)->getNoPnts(), 4) << "nothing of what the file said is lost";
@@ -160,7 +161,7 @@ TEST(ReadHatches, LossesAreTold) {
                 "50 0|51 90|73 1|72 1|10 9|20 0|11 9|21 9|72 1|10 9|20 9|11 0|21 0|97 0" +
                 kTail);
   EXPECT_EQ(notes(flat, "hatch open"), 1) << "an edge that is none";
-  const Loaded unknown = loadHatch(kHead + "91 1|" + kSquare + "|2 WHAT|76 1");
+  const Loaded unknown = loadHatch(kHead + "91 1|" + kSquareEdges + "|2 WHAT|76 1");
   EXPECT_EQ(notes(unknown, "hatch empty"), 1);
 }
 
@@ -178,7 +179,7 @@ TEST(ReadHatches, CurvesHaveABound) {
 }
 
 TEST(ReadHatches, TheLinesOfAFileHaveABound) {
-  const std::string hatch = kHead + "91 1|" + kSquare + kTail + "|";
+  const std::string hatch = kHead + "91 1|" + kSquareEdges + kTail + "|";
   std::string list;
   for (int i = 0; i < 100; ++i) list += hatch;
   list.pop_back();
@@ -208,7 +209,7 @@ TEST(ReadHatches, BecomeOutlinesWhenAsked) {
   CFileDXFIPolicy policy = CFileDXFIPolicy::forAnyFile();
   policy.hatchOutlines = true;
   const std::string record =
-      kHead + "5 2F|210 0|220 0|230 -1|91 2|" + kSquare + "|" + kIsland + kTail;
+      kHead + "5 2F|210 0|220 0|230 -1|91 2|" + kSquareEdges + "|" + kIsland + kTail;
   const Loaded got = loadText(entitiesOf("AC1015", record), policy);
   EXPECT_EQ(notes(got, "hatch as outline"), 1);
   EXPECT_EQ(got.count(CEntPolyline::kType), 2);
@@ -225,7 +226,7 @@ TEST(ReadHatches, BecomeOutlinesWhenAsked) {
 TEST(ReadHatches, OnPaperLeaveNothingBehind) {
   const std::string text = version("AC1015") +
                            section("BLOCKS", pairsOf("0 BLOCK|2 *Paper_Space|" + kHead + "91 1|" +
-                                                     kSquare + kTail + "|0 ENDBLK|5 9")) +
+                                                     kSquareEdges + kTail + "|0 ENDBLK|5 9")) +
                            dxf();
   const Loaded got = loadText(text);
   ASSERT_FALSE(got.error.HasAnError()) << got.error.GetErrorLine();
@@ -233,7 +234,7 @@ TEST(ReadHatches, OnPaperLeaveNothingBehind) {
 }
 
 TEST(ReadHatches, OldVersionsSkipThem) {
-  const Loaded got = loadEntities(kHead + "91 1|" + kSquare + kTail);
+  const Loaded got = loadEntities(kHead + "91 1|" + kSquareEdges + kTail);
   EXPECT_EQ(notes(got, "kind skipped"), 1);
   EXPECT_EQ(got.only(), nullptr);
 }
@@ -242,7 +243,7 @@ TEST(ReadHatches, OldVersionsSkipThem) {
 TEST(ReadHatches, GiveTheirBlockNameUpToTheFile) {
   const std::string text =
       version("AC1015") +
-      section("BLOCKS", pairsOf("0 BLOCK|2 A|" + kHead + "91 1|" + kSquare + kTail +
+      section("BLOCKS", pairsOf("0 BLOCK|2 A|" + kHead + "91 1|" + kSquareEdges + kTail +
                                 "|0 INSERT|8 0|2 *PAT1|10 0|20 0|0 ENDBLK|5 9|"
                                 "0 BLOCK|2 *PAT1|70 1|0 POINT|8 0|10 1|20 1|0 ENDBLK|5 9")) +
       dxf();

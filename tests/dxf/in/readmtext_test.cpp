@@ -5,15 +5,11 @@ using vek0::detail::kPi;
 
 namespace {
 
-constexpr double kLine = 5.0 / 3;  // line spacing, in text heights
-constexpr double kLetter = 19.0 / 21, kDigit = 20.0 / 21;  // widths in text heights
-
-Loaded loadAny(const std::string& list) {
-  return loadText(entitiesOf("AC1015", list), CFileDXFIPolicy::forAnyFile());
-}
+constexpr double kLineStep = 5.0 / 3;                      // line spacing, in text heights
+constexpr double kLetter = 19.0 / 21, kDigit = 20.0 / 21;  // widths of a, b and digits, in heights
 
 Loaded loadMText(const std::string& text, const std::string& more = "") {
-  return loadAny("0 MTEXT|8 0|10 0|20 0|40 1|1 " + text + more);
+  return loadAnyEntities("0 MTEXT|8 0|10 0|20 0|40 1|1 " + text + more);
 }
 
 std::vector<TEXT_3D> textsOf(const Loaded& got) {
@@ -87,7 +83,7 @@ TEST(ReadMText, LettersAreAsWideAsThoseOfTheirFont) {
 }
 
 TEST(ReadMText, TheAttachmentPlacesTheBox) {
-  const double high = 1 + kLine;  // "aa" above "b"
+  const double high = 1 + kLineStep;  // "aa" above "b"
   for (int attachment = 1; attachment <= 9; ++attachment) {
     SCOPED_TRACE(attachment);
     const Loaded got = loadMText("aa\\Pb", "|71 " + std::to_string(attachment));
@@ -99,12 +95,12 @@ TEST(ReadMText, TheAttachmentPlacesTheBox) {
       EXPECT_EQ(text.getHorizAlign(), (attachment - 1) % 3);
     }
     EXPECT_NEAR(texts[0].y, high * down - 1, 1e-12);
-    EXPECT_NEAR(texts[1].y, texts[0].y - kLine, 1e-12);
+    EXPECT_NEAR(texts[1].y, texts[0].y - kLineStep, 1e-12);
   }
 }
 
 TEST(ReadMText, LinesAreSpaced) {
-  const Definitions names{{"kLine", kLine}};
+  const Definitions names{{"kLineStep", kLineStep}};
   for (const Row& t : rowsWith(names)) {
     const auto texts = textsOf(loadMText(t.text("text"), t.text("more")));
     ASSERT_EQ(texts.size(), 2u);
@@ -114,7 +110,7 @@ TEST(ReadMText, LinesAreSpaced) {
 }
 
 TEST(ReadMText, WithinALine) {
-  const Definitions names{{"kLetter", kLetter}, {"kDigit", kDigit}, {"kLine", kLine}};
+  const Definitions names{{"kLetter", kLetter}, {"kDigit", kDigit}, {"kLineStep", kLineStep}};
   for (const Row& t : rowsWith(names)) {
     const auto texts = textsOf(loadMText(t.text("text"), t.text("more")));
     ASSERT_FALSE(texts.empty());
@@ -151,7 +147,7 @@ TEST(ReadMText, TheTextIsTurnedAndMirrored) {
 TEST(ReadMText, LongTextsComeInChunks) {
   const std::string blankAtTheEnd = std::string(249, 'a'), whole = std::string(250, 'a');
   const auto load = [](const std::string& chunk) {
-    return shown(loadAny("0 MTEXT|8 0|10 0|20 0|40 1|3 " + chunk + "|1 b"));
+    return shown(loadAnyEntities("0 MTEXT|8 0|10 0|20 0|40 1|3 " + chunk + "|1 b"));
   };
   EXPECT_EQ(load(whole), whole + "b");
   EXPECT_EQ(load(blankAtTheEnd + " "), blankAtTheEnd + " b");
@@ -187,15 +183,15 @@ TEST(ReadMText, AreBounded) {
   for (int i = 0; i < 60; ++i) lines += "a\\P";
   std::string list = "0 MTEXT|8 0|10 0|20 0|40 1";
   for (int i = 0; i < 1000; ++i) list += "|3 " + lines;
-  const Loaded many = loadAny(list + "|1 b");
+  const Loaded many = loadAnyEntities(list + "|1 b");
   EXPECT_EQ(textsOf(many).size(), 10'000u);
   EXPECT_EQ(many.report.count("text cut"), 1);
   std::string deep = "0 MTEXT|8 0|10 0|20 0|40 1";
   for (int i = 0; i < 100; ++i) deep += "|3 " + std::string(1000, i < 50 ? '{' : '}');
-  EXPECT_EQ(shown(loadAny(deep + "|1 b")), "b");
+  EXPECT_EQ(shown(loadAnyEntities(deep + "|1 b")), "b");
   std::string endless = "0 MTEXT|8 0|10 0|20 0|40 1";  // arguments without an end
   for (int i = 0; i < 1000; ++i) endless += "|3 \\f\\p" + lines;
-  EXPECT_EQ(textsOf(loadAny(endless + "|1 b")).size(), 10'000u);
+  EXPECT_EQ(textsOf(loadAnyEntities(endless + "|1 b")).size(), 10'000u);
 }
 
 // Random text must yield a drawing, with no more runs than characters.
@@ -221,8 +217,8 @@ TEST(ReadMText, StrictReadingSkipsIt) {
 }
 
 TEST(ReadTolerance, TheFrameIsWrittenWithBars) {
-  const Loaded got =
-      loadAny("0 TOLERANCE|8 0|3 Standard|10 1|20 2|1 {\\Fgdt;j}%%v{\\Fgdt;n}0.1%%vA%%v%%v^J5");
+  const Loaded got = loadAnyEntities(
+      "0 TOLERANCE|8 0|3 Standard|10 1|20 2|1 {\\Fgdt;j}%%v{\\Fgdt;n}0.1%%vA%%v%%v^J5");
   ASSERT_EQ(shown(got),
             "\xE2\x8C\x96|\xE2\x8C\x80"
             "0.1|A|5");
@@ -235,7 +231,7 @@ TEST(ReadMultileader, LinesAndText) {
       "30 0|11 1|21 0|31 0|40 0.5|304 LEADER_LINE{|10 0|20 0|30 0|10 1|20 3|30 0|305 }|303 }|301 }|"
       "170 ";
   // The point after the lines scales a block and is not a vertex.
-  const Loaded got = loadAny(record + "1|41 0.5|10 1|20 1|30 1");
+  const Loaded got = loadAnyEntities(record + "1|41 0.5|10 1|20 1|30 1");
   ASSERT_FALSE(got.error.HasAnError());
   EXPECT_EQ(shown(got), "a|b");
   EXPECT_EQ(textsOf(got)[0].x, 5);
@@ -245,8 +241,8 @@ TEST(ReadMultileader, LinesAndText) {
   EXPECT_EQ(line->getBdry().max.x, 4.5);
   EXPECT_EQ(line->getBdry().max.y, 5);
   EXPECT_EQ(got.report.count("arrow dropped"), 1);
-  EXPECT_EQ(loadAny(record + "0").drawing().getEntTable().getEntityTbl().size(), 2u);
+  EXPECT_EQ(loadAnyEntities(record + "0").drawing().getEntTable().getEntityTbl().size(), 2u);
   const Loaded cut =
-      loadAny("0 MULTILEADER|8 0|10 1|302 LEADER{|304 LEADER_LINE{|305 }|303 }|301 }");
+      loadAnyEntities("0 MULTILEADER|8 0|10 1|302 LEADER{|304 LEADER_LINE{|305 }|303 }|301 }");
   EXPECT_EQ(cut.report.count("kind skipped"), 1);
 }

@@ -22,14 +22,14 @@ std::string polyline(const std::string& codes, const std::string& vertexes) {
   return "0 POLYLINE|8 0|66 1" + codes + vertexes + "|0 SEQEND";
 }
 
-const std::string kSquare =
+const std::string kClosedSquare =
     vertex("0", "0") + vertex("4", "0") + vertex("4", "4") + vertex("0", "4");
 
 }  // namespace
 
 TEST(ReadPolylines, PlainFlagsAndVertices) {
   for (const Row& t : rows()) {
-    const Loaded got = loadEntities(polyline(t.text("codes"), kSquare));
+    const Loaded got = loadEntities(polyline(t.text("codes"), kClosedSquare));
     const CEntPolyline* chain = castPolyline(got.only());
     ASSERT_NE(chain, nullptr);
     EXPECT_EQ(chain->isClosed(), t.flag("closed"));

@@ -4,7 +4,7 @@ using namespace vek0::test;
 
 namespace {
 
-constexpr double kDegreeTolerance = 1e-9;  // the format's factor has 13 digits
+constexpr double kAngleTolerance = 1e-9;  // the format's factor has 13 digits
 
 std::string tables(std::string_view name, std::string_view list) {
   return section("TABLES", table(name, pairsOf(list))) + dxf();
@@ -36,7 +36,7 @@ TEST(ReadHeader, Variables) {
   EXPECT_DOUBLE_EQ(vars.getLimMax().y, 4);
   EXPECT_DOUBLE_EQ(vars.getLtypeScale(), 5);
   EXPECT_DOUBLE_EQ(vars.getPLineWid(), 6);
-  EXPECT_NEAR(vars.getAngDir(), 1.5707963267948966, kDegreeTolerance);
+  EXPECT_NEAR(vars.getAngDir(), 1.5707963267948966, kAngleTolerance);
   EXPECT_EQ(vars.getCurColor(), 7);
   EXPECT_TRUE(vars.isOrtho());
   EXPECT_TRUE(vars.isPLineGen());
@@ -157,7 +157,7 @@ TEST(ReadTables, LtypeWithTextAndShape) {
   EXPECT_EQ(text->getContext().getString(), zim::WString(u"GAS"));
   EXPECT_DOUBLE_EQ(text->getContext().getHeight(), 0.1);
   EXPECT_DOUBLE_EQ(text->getContext().getWidthScale(), 1);
-  EXPECT_NEAR(text->getContext().getRotate(), 1.5707963267948966, kDegreeTolerance);
+  EXPECT_NEAR(text->getContext().getRotate(), 1.5707963267948966, kAngleTolerance);
   EXPECT_DOUBLE_EQ(text->x, -0.1);
   EXPECT_DOUBLE_EQ(text->y, -0.05);
   EXPECT_EQ(got.report.count("shape dropped"), 1);
@@ -211,7 +211,7 @@ TEST_F(ReadStyles, ValuesAndStandard) {
   EXPECT_DOUBLE_EQ(style->getFixedHeight(), 1);
   EXPECT_DOUBLE_EQ(style->getWidthScale(), 2);
   EXPECT_DOUBLE_EQ(style->getLastHeight(), 3);
-  EXPECT_NEAR(style->getOblique(), 0.7853981633974483, kDegreeTolerance);
+  EXPECT_NEAR(style->getOblique(), 0.7853981633974483, kAngleTolerance);
   EXPECT_EQ(style->getFlags(), 4);
   EXPECT_DOUBLE_EQ(getStyleStandard(*got.data)->getWidthScale(), 0.5);
 }

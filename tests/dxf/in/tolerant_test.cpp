@@ -6,14 +6,9 @@ using namespace vek0::test;
 
 namespace {
 
-Loaded loadAny(const std::string& text) { return loadText(text, CFileDXFIPolicy::forAnyFile()); }
-Loaded loadAnyEntities(std::string_view list) { return loadAny(entitiesOf("AC1015", list)); }
-
-const std::string kLine = "0 LINE|8 A|10 0|20 0|11 1|21 1";
-
 std::string manyLines(int count) {
-  std::string list = kLine;
-  while (--count > 0) list += "|" + kLine;
+  std::string list = kDiagonal;
+  while (--count > 0) list += "|" + kDiagonal;
   return list;
 }
 
@@ -46,7 +41,8 @@ TEST(Tolerant, ReadsHowPointsLookAndSavesIt) {
 
 // Strict reading rejects each text or reads it differently; the line in model space is always read.
 TEST(Tolerant, WhatIsRefusedIsRepairedAndTold) {
-  const std::string good = section("ENTITIES", pairsOf(kLine)) + dxf(), line = pairsOf(kLine);
+  const std::string good = section("ENTITIES", pairsOf(kDiagonal)) + dxf(),
+                    line = pairsOf(kDiagonal);
   const auto entry = [&](const char* kind, const char* list) {
     return section("TABLES", table(kind, pairsOf(list))) + good;
   };
@@ -100,13 +96,14 @@ TEST(Tolerant, WhatIsRefusedIsRepairedAndTold) {
   expectRepaired("block within itself",
                  blocks("0 BLOCK|2 B|10 0|20 0|0 INSERT|8 A|2 B|10 0|20 0|0 ENDBLK"),
                  "insert dropped");
-  expectRepaired("entity colour", entities(kLine + "|62 999"), "color replaced");
+  expectRepaired("entity colour", entities(kDiagonal + "|62 999"), "color replaced");
   expectRepaired("no layer", entities("0 LINE|10 0|20 0|11 1|21 1"), "layer missing");
-  expectRepaired("handle", entities(kLine + "|5 "), "number replaced");
+  expectRepaired("handle", entities(kDiagonal + "|5 "), "number replaced");
   expectRepaired("comma", entities("0 LINE|8 A|10 0,0|20 0|11 0,9999999999999999|21 1"),
                  "number repaired");
-  expectRepaired("entity without end", entities("0 LINE|8 A|10 0|20 0|" + kLine), "entity dropped");
-  expectRepaired("no number", entities("0 CIRCLE|8 A|10 0|20 0|40 1e999|" + kLine),
+  expectRepaired("entity without end", entities("0 LINE|8 A|10 0|20 0|" + kDiagonal),
+                 "entity dropped");
+  expectRepaired("no number", entities("0 CIRCLE|8 A|10 0|20 0|40 1e999|" + kDiagonal),
                  "entity dropped");
   expectRepaired("indented keywords", indented + dxf(), nullptr);
   expectRepaired("front lost", line + pairsOf("0 ENDSEC") + section("OBJECTS", "") + dxf(),
@@ -115,13 +112,13 @@ TEST(Tolerant, WhatIsRefusedIsRepairedAndTold) {
                  "record skipped");
   expectRepaired("begin of a section broken",
                  header + "what\nSECTION\n2\nENTITIES\n" + line + dxf(), "stray line");
-  expectRepaired("SECTION misspelt", header + pairsOf("0 SECTOIN|2 ENTITIES|" + kLine) + dxf(),
+  expectRepaired("SECTION misspelt", header + pairsOf("0 SECTOIN|2 ENTITIES|" + kDiagonal) + dxf(),
                  "record skipped");
   expectRepaired("blank before a number",
                  open + pairsOf("0 LINE|8 A|10 ") + "\n0.0\n20\n0\n11\n1\n21\n1.0\n" +
                      pairsOf("0 ENDSEC") + dxf(),
                  "blank line");
-  expectRepaired("number missing", entities("0 CIRCLE|8 A|10 |20 1|40 1|" + kLine),
+  expectRepaired("number missing", entities("0 CIRCLE|8 A|10 |20 1|40 1|" + kDiagonal),
                  "number replaced");
   expectRepaired("code missing before a 0",
                  open + pairsOf("0 LINE|8 A|10 5") + "0\n30\n5\n11\n9\n" + line + dxf(),
@@ -132,15 +129,16 @@ TEST(Tolerant, WhatIsRefusedIsRepairedAndTold) {
                  "flags replaced");
   expectRepaired("flags of references", entry("LTYPE", "0 LTYPE|2 D|70 16|72 65|73 0"),
                  "flags replaced");
-  expectRepaired("number of nothing", entities(kLine + "|62 "), "number replaced");
-  expectRepaired("three corners", entities("0 3DFACE|8 A|10 0|20 0|11 1|21 0|12 1|22 1|" + kLine),
+  expectRepaired("number of nothing", entities(kDiagonal + "|62 "), "number replaced");
+  expectRepaired("three corners",
+                 entities("0 3DFACE|8 A|10 0|20 0|11 1|21 0|12 1|22 1|" + kDiagonal),
                  "code missing");
 }
 
 TEST(Tolerant, SectionsThatAreLeftOutAreTold) {
   for (const auto& [name, code] : {std::pair("OBJECTS", ReportCode::SectionSkipped),
                                    std::pair("ENTITES", ReportCode::SectionUnknown)}) {
-    const Loaded got = loadAny(section(name, pairsOf(kLine)) + dxf());
+    const Loaded got = loadAny(section(name, pairsOf(kDiagonal)) + dxf());
     EXPECT_EQ(got.report.count(code), 1) << name;
     EXPECT_EQ(severityOf(code), name[0] == 'O' ? ReportSeverity::Note : ReportSeverity::Loss);
   }
@@ -212,7 +210,7 @@ TEST(Tolerant, SurfacesSpareABrokenVertex) {
 
 TEST(Tolerant, InsertsTakeWhatThereIs) {
   const std::string block =
-      section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|" + kLine + "|0 ENDBLK"));
+      section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|" + kDiagonal + "|0 ENDBLK"));
   const auto load = [&](const std::string& list) {
     return loadAny(block + section("ENTITIES", pairsOf(list)) + dxf());
   };
@@ -230,13 +228,14 @@ TEST(Tolerant, InsertsTakeWhatThereIs) {
   ASSERT_EQ(broken.count(CEntInsert::kType), 1);
   EXPECT_EQ(broken.only()->getEntInsert()->GetNoAttribs(), 1u);
   EXPECT_EQ(broken.report.count("entity dropped"), 1);
-  EXPECT_EQ(load("0 INSERT|8 A|10 0|20 0|" + kLine).count(CEntInsert::kType), 0) << "of nothing";
+  EXPECT_EQ(load("0 INSERT|8 A|10 0|20 0|" + kDiagonal).count(CEntInsert::kType), 0)
+      << "of nothing";
 }
 
 TEST(Tolerant, BlocksTakeWhatThereIs) {
   for (const Row& t : rows()) {
     const Loaded got =
-        loadAny(section("BLOCKS", pairsOf(t.text("head") + kLine + "|0 ENDBLK")) + dxf());
+        loadAny(section("BLOCKS", pairsOf(t.text("head") + kDiagonal + "|0 ENDBLK")) + dxf());
     EXPECT_EQ(got.result.status, CFileDXFIResult::Done);
     EXPECT_EQ(got.report.count(t.text("code")), 1);
     const bool isLayout = std::string_view(t.text("head")).find('*') != std::string_view::npos;
@@ -251,7 +250,7 @@ TEST(Tolerant, LinetypesTakeWhatThereIs) {
       "49 0|74 5|75 1|340 1|46 1|50 0|44 0|45 0";
   const std::string text = section("TABLES", table("LAYER", pairsOf("0 LAYER|2 A|62 1|6 D")) +
                                                  table("LTYPE", pairsOf(entry))) +
-                           section("ENTITIES", pairsOf(kLine)) + dxf();
+                           section("ENTITIES", pairsOf(kDiagonal)) + dxf();
   const Loaded got = loadAny(text);
   ASSERT_FALSE(got.error.HasAnError());
   const CLtype* ltype = got.data->getLtypeTable().get(u"D");
@@ -286,9 +285,10 @@ TEST(Tolerant, LayersWaitForTheirLinetypes) {
 // Limits and cancellation by the host end reading without an error, under both policies and inside
 // blocks too.
 TEST(Tolerant, ReadingEndsWhereTheHostSays) {
-  const std::string block =
-      section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|" + kLine + "|" + kLine + "|0 ENDBLK"));
-  const std::string text = block + section("ENTITIES", pairsOf(kLine + "|" + kLine)) + dxf();
+  const std::string block = section(
+      "BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|" + kDiagonal + "|" + kDiagonal + "|0 ENDBLK"));
+  const std::string text =
+      block + section("ENTITIES", pairsOf(kDiagonal + "|" + kDiagonal)) + dxf();
   for (const CFileDXFIPolicy& policy : {CFileDXFIPolicy(), CFileDXFIPolicy::forAnyFile()}) {
     for (const long most : {1L, 3L}) {
       Loaded got;
@@ -415,7 +415,7 @@ TEST(Tolerant, EndlessLinesAreSavedAsFarAsTheDrawingReaches) {
 
 TEST(Tolerant, PaperIsKeptApart) {
   const std::string text = entitiesOf(
-      "AC1015", kLine +
+      "AC1015", kDiagonal +
                     "|0 CIRCLE|8 A|67 1|10 0|20 0|40 1|0 POLYLINE|8 A|66 1|67 1|0 VERTEX|8 A|10 0|"
                     "20 0|0 VERTEX|8 A|10 1|20 0|0 SEQEND");
   const Loaded model = loadAny(text);
@@ -433,7 +433,7 @@ TEST(Tolerant, WhatIsInvisibleStaysSo) {
   const std::string block = "0 BLOCK|2 B|10 0|20 0|0 CIRCLE|8 A|60 1|10 0|20 0|40 1|";
   const std::string insert = "0 POINT|8 A|60 1|10 0|20 0|0 INSERT|8 A|60 0|2 B|10 0|20 0|66 1";
   const Loaded got = loadAny(
-      section("BLOCKS", pairsOf(block + kLine + "|0 ENDBLK")) +
+      section("BLOCKS", pairsOf(block + kDiagonal + "|0 ENDBLK")) +
       section("ENTITIES", pairsOf(insert + attrib + "|60 1" + attrib + "|60 0|0 SEQEND")) + dxf());
   EXPECT_EQ(got.report.count("entity invisible"), 2);
   EXPECT_EQ(got.data->getBlockTable().get(u"B")->size(), 1u);
@@ -446,8 +446,8 @@ TEST(Tolerant, WhatIsInvisibleStaysSo) {
 
 // A block contains the entities of both spaces.
 TEST(Tolerant, BlocksAreReadForPaperToo) {
-  const std::string text = section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|" + kLine + "|67 1|" +
-                                                     kLine + "|0 ENDBLK")) +
+  const std::string text = section("BLOCKS", pairsOf("0 BLOCK|2 B|10 0|20 0|" + kDiagonal +
+                                                     "|67 1|" + kDiagonal + "|0 ENDBLK")) +
                            section("ENTITIES", pairsOf("0 INSERT|8 A|67 1|2 B|10 0|20 0")) + dxf();
   for (const bool paper : {false, true}) {
     CFileDXFIPolicy policy = CFileDXFIPolicy::forAnyFile();

@@ -6,14 +6,9 @@ using namespace vek0::test;
 
 namespace {
 
-Loaded loadAny(const std::string& text) { return loadText(text, CFileDXFIPolicy::forAnyFile()); }
-Loaded loadAnyEntities(std::string_view list) { return loadAny(entitiesOf("AC1015", list)); }
-
 std::string layers(std::string_view list) {
   return section("TABLES", table("LAYER", pairsOf(list)));
 }
-
-const std::string kLine = "0 LINE|8 A|10 0|20 0|11 1|21 1";
 
 std::string saved(const Loaded& got, unsigned flags) {
   CFileMemory file(u"saved.dxf", IFile::kWrite);
@@ -26,7 +21,7 @@ TEST(TolerantLook, TrueColorsBecomeTheNearest) {
   for (const Row& t : rows()) {
     const std::string code = "|420 " + std::to_string(t.whole<long>("rgb"));
     const Loaded got = loadAny(layers("0 LAYER|2 A|62 -4" + code) +
-                               section("ENTITIES", pairsOf(kLine + "|62 4" + code)) + dxf());
+                               section("ENTITIES", pairsOf(kDiagonal + "|62 4" + code)) + dxf());
     ASSERT_TRUE(got.only());
     EXPECT_EQ(got.only()->getColor(), t.whole<short>("color"));
     EXPECT_EQ(got.only()->getLayer()->getColor(), t.whole<short>("color"));
@@ -122,7 +117,7 @@ TEST(TolerantLook, OnlyStarsAndDollarsMarkLayouts) {
        {std::pair("Xmodel_space", true), std::pair("*Model_Space", false),
         std::pair("$PAPER_SPACE", false), std::pair("_paper_space", true)}) {
     const Loaded got = loadAny(section("BLOCKS", pairsOf(std::string("0 BLOCK|10 0|20 0|2 ") +
-                                                         name + "|" + kLine + "|0 ENDBLK")) +
+                                                         name + "|" + kDiagonal + "|0 ENDBLK")) +
                                dxf());
     EXPECT_EQ(got.data->getBlockTable().get(zim::WString::fromUtf8(name)) != nullptr, isKept)
         << name;

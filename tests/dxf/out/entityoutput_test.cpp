@@ -6,8 +6,6 @@ using vek0::detail::kPi;
 
 namespace {
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-
 /// Adds to a drawing that already has a layer WALL with a linetype DASH, and a block BOLT.
 using Adding = void (*)(CData&);
 

@@ -13,17 +13,6 @@ using Ring = std::vector<PNT_3D>;
 const Ring kOuter = {{0, 0, 1}, {10, 0, 1}, {10, 10, 1}, {1.0 / 3, 10, 1}};
 const Ring kHole = {{2, 2, 1}, {8, 2, 1}, {8, 8, 1}};
 
-Drawing loaded(const std::string& bytes, const CFileDXFIPolicy& policy = {}) {
-  Drawing d = newDrawing();
-  CFileMemory file(u"in.dxf", IFile::kRead, bytes);
-  CFileDXFIError error;
-  CFileDXFIOptions options;
-  options.policy = policy;
-  loadDXF(*d, file, &error, options);
-  EXPECT_FALSE(error.HasAnError()) << error.GetErrorType() << " " << error.GetErrorLine();
-  return d;
-}
-
 CEnt* first(const Drawing& d) { return d->getEntTable().getEntityTbl().front(); }
 
 void add(CData& data, const HATCH_TYPE& type, double scale, double rotate, const Ring& boundary) {

@@ -15,18 +15,6 @@ class RoundTrip : public testing::Test {
   static void TearDownTestSuite() { shutdownCore(); }
 };
 
-Drawing loaded(const std::string& bytes, const CFileDXFIPolicy& policy = {}) {
-  Drawing d = newDrawing();
-  CFileMemory file(u"in.dxf", IFile::kRead, bytes);
-  CFileDXFIError error;
-  CFileDXFIOptions options;
-  options.policy = policy;
-  loadDXF(*d, file, &error, options);
-  EXPECT_FALSE(error.HasAnError())
-      << "kind " << error.GetErrorType() << ", line " << error.GetErrorLine();
-  return d;
-}
-
 double coordinate(std::mt19937_64& random) {
   const double units = std::uniform_real_distribution<double>(-1000, 1000)(random);
   if (random() % 16 == 0) return units * 1e-10;  // zero when rounded to six decimals

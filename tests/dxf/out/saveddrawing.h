@@ -110,4 +110,17 @@ inline CTextContext textContext(const zim::WString& string, double height, doubl
   return context;
 }
 
+/// Loads a drawing and expects no error.
+inline Drawing loaded(const std::string& bytes, const CFileDXFIPolicy& policy = {}) {
+  Drawing d = newDrawing();
+  CFileMemory file(u"in.dxf", IFile::kRead, bytes);
+  CFileDXFIError error;
+  CFileDXFIOptions options;
+  options.policy = policy;
+  loadDXF(*d, file, &error, options);
+  EXPECT_FALSE(error.HasAnError())
+      << "kind " << error.GetErrorType() << ", line " << error.GetErrorLine();
+  return d;
+}
+
 }  // namespace vek0::test

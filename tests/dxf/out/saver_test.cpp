@@ -5,8 +5,6 @@ using namespace vek0::test;
 
 namespace {
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-
 std::string emptyDrawing() {
   return savedPairs("0 SECTION; 2 HEADER; 9 $ACADVER; 1 AC1009") +
          savedPairs(

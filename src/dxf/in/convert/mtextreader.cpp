@@ -274,8 +274,9 @@ void buildMText(RecordReader& in, const MTextRecord& record, vek0::Handle handle
     if (!isFinite(at)) return in.fail(CFileDXFIError::InconsistentRecord);
     TEXT_3D text(plane.context(f, zim::WString(run.text)), record.style, at.x, at.y, at.z, 0);
     text.setAlign(text.findJustify(run.across, 0));
-    EntPtr ent =
-        in.make().text(EntProperties{r.layer, r.ltype, f.color, built.empty() ? handle : 0}, text);
+    EntProperties properties = r.withHandle(built.empty() ? handle : 0);
+    properties.color = f.color;
+    EntPtr ent = in.make().text(properties, text);
     if (!ent) return;
     built.push_back(std::move(ent));
   }
