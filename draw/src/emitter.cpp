@@ -52,7 +52,7 @@ void Emitter::begin(const DrawItem& item) {
 bool Emitter::pushClip(const std::vector<PNT_2D>& points) {
   const bool isPushed = areNear(points) && m_painter.pushClip(points.data(), points.size());
   if (!isPushed) noteUnclipped();
-  // What was drawn under another clip may be hidden now.
+  // A place counts as drawn only under the same clip.
   ++m_epoch;
   return isPushed;
 }

@@ -99,7 +99,6 @@ class PathSink final : public IOutlineSink {
   void line(const PNT_2D& to) override { cairo_line_to(m_context, to.x, to.y); }
   void quad(const PNT_2D& from, const PNT_2D& control, const PNT_2D& to) override {
     // Degree elevation: the inner controls are two thirds of the way to the quadratic's control.
-    // The same curve one degree higher.
     const auto towards = [&](const PNT_2D& end) {
       return PNT_2D(end.x + (control.x - end.x) * 2 / 3, end.y + (control.y - end.y) * 2 / 3);
     };

@@ -394,7 +394,7 @@ Face* FontLibrary::findFace(const zim::WString& name, bool bold, bool italic) {
     FcPatternGetInteger(match.get(), FC_INDEX, 0, &index);
     face = openFace(reinterpret_cast<const char*>(path), index, bold, italic);
   }
-  // A family without the requested style uses its upright face, with synthetic style.
+  // If the file of the styled face cannot be opened, the regular face is better than none.
   return face || !(bold || italic) ? face : findFace(name, false, false);
 }
 

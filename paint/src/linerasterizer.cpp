@@ -59,7 +59,6 @@ std::uint32_t* LineRasterizer::rowOf(long y) const {
 
 // Both lanes at once: old and new values add up to at most 255 * 256.
 void LineRasterizer::mix(std::uint32_t& pixel, std::uint32_t coverage) const {
-  // Fixed-point blending with two channels per operation.
   const std::uint32_t left = kFull - coverage;
   const std::uint32_t redBlue = (pixel & kLanes) * left + m_redBlue * coverage + kRounding;
   const std::uint32_t alphaGreen =

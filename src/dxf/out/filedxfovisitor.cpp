@@ -138,7 +138,7 @@ void CFileDXFOVisitor::visit(CEnt3DFace& ent) {
   if (refuses(ent, "3DFACE")) return;
   if (ent.isFilled()) {
     const char* kind = ent.getFill() == FaceFill::Trace ? "TRACE" : "SOLID";
-    // The classic form has no records for fills.
+    // The classic form writes fills as outlines.
     if (m_exchange && solid_visit(ent, kind)) return;
     report(ReportCode::FillAsOutline, kind);
   }
