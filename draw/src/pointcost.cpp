@@ -61,7 +61,7 @@ double pointsOf(const CEnt& ent) {
 // A file's hatches have a bounded number of lines, so hatches outside blocks may use what they
 // need.
 double effortOfLines(const CEntHatch& hatch) {
-  constexpr double effortPerLine = 4;  // a stroke, and what goes with it
+  constexpr double effortPerLine = 4;  // a stroke with its fixed costs
   return hatch.getBlock() ? effortPerLine * static_cast<double>(hatch.getBlock()->size()) : 0;
 }
 

@@ -1,5 +1,5 @@
 // The shape of a polyline: closed or open, straight or a curve. A curve keeps its control points at
-// the front of the vertex list and generates the visible vertices behind them; whatever changes a
+// the front of the vertex list and generates the visible vertices after them; every change of a
 // control point regenerates these.
 #include "vek0core/entities/entpolyline.h"
 

@@ -14,7 +14,7 @@ inline CVertex* orThrow(CVertex* vertex) {
   return vertex;
 }
 
-/// Deletes the vertices at `from` and behind it, last to first.
+/// Deletes the vertices from `from` on, last to first.
 inline void deleteAll(const std::vector<CVertex*>& vertexes, std::size_t from) {
   for (std::size_t i = vertexes.size(); i > from; --i) delete vertexes[i - 1];
 }

@@ -1,6 +1,6 @@
-// Lines as views into a buffer of blocks. A line feed behind the last byte serves as a sentinel, so
+// Lines as views into a buffer of blocks. A line feed after the last byte serves as a sentinel, so
 // the search for the end of a line needs no bound. UTF-16 and the line ends of other platforms are
-// converted block by block, so that what looks at lines sees bytes and line feeds only.
+// converted block by block, so that code that reads lines sees only bytes and line feeds.
 #include "files/linereader.h"
 
 #include "files/surrogates.h"

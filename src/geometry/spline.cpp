@@ -234,7 +234,7 @@ void SPLINE_3D::getDomain(double& from, double& to) const {
 PNT_3D SPLINE_3D::getPnt(double t) const {
   double from, to;
   getDomain(from, to);
-  t = t > from ? std::min(t, to) : from;  // what is not a number counts as the beginning
+  t = t > from ? std::min(t, to) : from;  // NaN counts as the beginning
   // The last non-empty span that begins at or before t.
   const auto last = knots.begin() + static_cast<std::ptrdiff_t>(controls.size());
   auto next = std::upper_bound(knots.begin() + degree, last, t);

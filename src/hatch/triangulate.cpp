@@ -310,8 +310,8 @@ class SolidSweep {
     if (!before && !after) return;
     const Spot at = crossing(left, right);
     if (!before) return m_meetings.push({at, &left, &right});
-    // Out of order up to the crossing, or throughout: swapped at once, unless the crossing is
-    // behind.
+    // Out of order up to the crossing, or throughout: swapped at once, unless the sweep has
+    // already passed the crossing.
     if (after || isBefore(m_now, at)) m_meetings.push({m_now, &left, &right});
   }
 

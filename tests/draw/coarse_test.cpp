@@ -275,7 +275,7 @@ TEST(Coarse, WhatWasCoveredIsDrawnAgain) {
   EXPECT_EQ(kinds, "red yellow fill yellow ");
 }
 
-// The permitted effort grows with the file: only what is drawn a hundred times over is too much.
+// The permitted effort grows with the file: only content drawn a hundred times is too much.
 TEST(Coarse, LargeBlocksAreDrawnAsTheyAre) {
   Maker m;
   std::vector<CEnt*> ents;

@@ -16,7 +16,7 @@ namespace {
 /// Failures are exceptions, because a test cannot continue without its data.
 [[noreturn]] void fail(const std::string& what) { throw std::runtime_error(what); }
 
-/// The character for the escape sequence at `at`, behind the backslash; moves `at` past it.
+/// The character for the escape sequence at `at`, which follows the backslash; moves `at` past it.
 char unescaped(const std::string& line, std::size_t& at) {
   const char c = line[at++];
   if (c == 'x') {

@@ -48,7 +48,7 @@ struct DRAW_OPTIONS {
 /// Result of rendering a drawing.
 struct DRAW_RESULT {
   std::size_t emitted = 0;  ///< strokes, arcs, fills, dots and texts
-  std::size_t looked = 0;   ///< entities visited, those of blocks as often as they are shown
+  std::size_t looked = 0;   ///< entities visited; those of blocks count each time they are shown
   /// Clipped inserts that are shown unclipped: the painter cannot clip, the boundary has more than
   /// 1000 corners, or the view is not a plan view, for which a boundary is meaningless.
   std::size_t unclipped = 0;

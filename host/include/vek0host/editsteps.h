@@ -41,8 +41,8 @@ std::string readSetColor(const std::string& text, EditStep& step);
 std::string readSetLtype(const std::string& text, EditStep& step);  ///< a name
 
 std::string readRemapLayer(const std::string& text, EditStep& step);  ///< "OLD=NEW"
-std::string readRemapLtype(const std::string& text, EditStep& step);  ///< likewise
-std::string readRemapStyle(const std::string& text, EditStep& step);  ///< likewise
+std::string readRemapLtype(const std::string& text, EditStep& step);  ///< "OLD=NEW"
+std::string readRemapStyle(const std::string& text, EditStep& step);  ///< "OLD=NEW"
 
 std::string readPurge(const std::string& text, EditStep& step);  ///< without a value
 

@@ -17,7 +17,8 @@ namespace vek0::detail {
 
 /// Layers, those of external references included.
 std::vector<const CLayer*> layersOf(const CData& data);
-/// Linetypes likewise; BYLAYER and BYBLOCK only on request: a file never lists them.
+/// Linetypes, those of external references included. BYLAYER and BYBLOCK only on request, because
+/// files never list them.
 std::vector<const CLtype*> ltypesOf(const CData& data, bool withByLayerByBlock);
 /// A style with its name and flags as seen from outside its external reference.
 struct ListedStyle {

@@ -7,7 +7,7 @@
 
 namespace vek0::detail {
 
-/// A vertex as it is written.
+/// The values of a vertex in the file.
 struct SavedVertex {
   PNT_3D pnt;
   double widthStart, widthEnd;

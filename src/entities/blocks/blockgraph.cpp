@@ -127,7 +127,7 @@ void CBlockGraph::updateBlock(CBlock& block) {
     refresh();
     refresh(*item);
   } catch (const std::bad_alloc&) {
-    item->isOutdated = m_isOutdated = true;  // until somebody asks for edges
+    item->isOutdated = m_isOutdated = true;  // until edges are requested
     // As `replaceEdges` would have done.
     block.invalidateBdry();
   }

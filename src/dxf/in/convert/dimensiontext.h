@@ -11,7 +11,7 @@ namespace vek0::detail {
 /// style does not state decimals, there are four, without trailing zeros.
 std::u16string lengthText(const DimStyle& style, double length, std::u16string_view sign);
 
-/// An angle likewise, in degrees, gradians or radians.
+/// Formats an angle according to a style, in degrees, gradians or radians.
 std::u16string angleText(const DimStyle& style, double angleRad);
 
 }  // namespace vek0::detail

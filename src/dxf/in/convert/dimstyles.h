@@ -17,19 +17,19 @@ class DimStyle {
   enum Code : long {
     kPost = 3,             ///< text around the number, with "<>" as its placeholder
     kBlock = 5,            ///< name of the arrow head's block
-    kFirstBlock = 6,       ///< the same at the first end, where the ends differ
-    kSecondBlock = 7,      ///< likewise
+    kFirstBlock = 6,       ///< block at the first end, if the ends differ
+    kSecondBlock = 7,      ///< block at the second end
     kScale = 40,           ///< 0: determined by the sheet
     kArrow = 41,           ///< size of arrow heads
     kExtensionStart = 42,  ///< offset of extension lines from the measured points
     kExtensionEnd = 44,    ///< length of extension lines beyond the dimension line
     kRound = 45,           ///< numbers are rounded to multiples of it
     kLineEnd = 46,         ///< length of the dimension line beyond ticks
-    kTextLevel = 73,       ///< texts are horizontal whatever the line
+    kTextLevel = 73,       ///< texts are horizontal in any direction of the line
     kNoFirst = 75,         ///< no first extension line
     kNoSecond = 76,        ///< no second one
     kZeroes = 78,          ///< suppressed zeros: 4 leading, 8 trailing
-    kAngleZeroes = 79,     ///< likewise of angles: 1 leading, 2 trailing
+    kAngleZeroes = 79,     ///< suppressed zeros of angles: 1 leading, 2 trailing
     kTextHeight = 140,     ///< height of texts
     kTick = 142,           ///< size of ticks, which replace arrow heads unless it is 0
     kFactor = 144,         ///< of lengths

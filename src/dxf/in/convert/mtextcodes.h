@@ -42,7 +42,7 @@ struct MTextPiece {
   bool joins = false;         ///< no line break is allowed before it
   bool ruled = false;         ///< of a stack: with a line between the rows
   std::size_t format = 0;     ///< index into `MTextContent::formats`
-  std::size_t paragraph = 0;  ///< likewise into `paragraphs`
+  std::size_t paragraph = 0;  ///< index into `MTextContent::paragraphs`
   std::u16string text;        ///< of a word; the upper row of a stack
   std::u16string below;       ///< of a stack
 

@@ -13,8 +13,8 @@ namespace {
 
 constexpr double kLineAdvance = 5.0 / 3;  // from baseline to baseline, in heights
 constexpr double kTabStop = 4;            // spacing of default tabs, in heights
-constexpr double kStackHeight = 2.4;      // of two rows, in heights of one
-constexpr double kUpperRow = 1.4;         // baseline of the row above, likewise
+constexpr double kStackHeight = 2.4;      // height of two stacked rows, in heights of one
+constexpr double kUpperRow = 1.4;         // baseline of the upper row, in heights of one
 constexpr double kFew = 0.05;             // by which a line may be too long, as a fraction of the
                                           // box's width
 constexpr double kMostStretch = 2;        // of characters, to match the stated width of a line
@@ -162,7 +162,7 @@ void Layout::fitLines(std::size_t told) {
     // Wider characters yield more lines.
     (m_lines.size() < told ? least : most) = m_stretch;
   }
-  // No stretch yields that number of lines, so the estimate is used as it is.
+  // No stretch yields that number of lines, so the estimate remains unchanged.
   m_stretch = 1;
   breakLines();
 }

@@ -10,8 +10,8 @@ namespace vek0::detail {
 
 /// Reads POLYLINE, with the records that follow it up to SEQEND, and LWPOLYLINE.
 ///
-/// A POLYLINE record means one of four things: a plain chain of vertices, a curve with its frame, a
-/// polygon mesh or a polyface. The last two become 3D faces: as a chain they would be a tangle.
+/// A POLYLINE record is a plain chain of vertices, a curve with its frame, a polygon mesh or a
+/// polyface. The last two become 3D faces: as a chain they would be a tangle.
 /// Buffers are reused from polyline to polyline.
 class PolylineReader {
  public:
