@@ -32,7 +32,7 @@ std::string readDelete(const std::string& text, EditStep& step);  ///< without a
 
 std::string readExplode(const std::string& text, EditStep& step);  ///< without a value
 std::string readJoin(const std::string& text, EditStep& step);     ///< a tolerance, or "auto"
-/// A distance, optionally followed by ",round", ",miter" or ",bevel" for the corners.
+/// A distance, optionally followed by ",round", ",mitre" or ",bevel" for the corners.
 std::string readOffset(const std::string& text, EditStep& step);
 
 std::string readSetLayer(const std::string& text, EditStep& step);  ///< a name
