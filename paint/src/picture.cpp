@@ -93,6 +93,7 @@ class Layout {
   // Drawing units per device unit.
   double perUnit() const {
     if (m_options.scale) return m_unitMm / (m_options.unitMm * *m_options.scale);
+    // The larger ratio, so that both width and height fit.
     return std::max(contentWidth() / (m_width - 2 * m_margin),
                     contentHeight() / (m_height - 2 * m_margin));
   }
@@ -115,6 +116,7 @@ class Layout {
     m_width = size.width * factor;
     m_height = size.height * factor;
     if (!turnable && !m_options.landscape) return;
+    // Without an explicit orientation, the sheet follows the shape of the content.
     const bool landscape = m_options.landscape.value_or(contentWidth() > contentHeight());
     if (landscape != (m_width > m_height)) std::swap(m_width, m_height);
   }

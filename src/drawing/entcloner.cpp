@@ -86,6 +86,7 @@ class EntCloner final : public IEntVisitor {
                                                  e.GetNoPixel(), e.getRotate(), e.GetHandle()));
   }
   void visit(CEntHatch& e) override {
+    // The pattern may belong to the source drawing, so the target needs one of its own.
     keep(factory().createEntHatch(gestor(), layer(e), ltype(e), e.getColor(), m_map(e.getBlock()),
                                   m_data.getHatchTypeTable().intern(e.getHatchType()),
                                   e.getHatchScale(), e.getHatchRotate(), e.getBoundary(),

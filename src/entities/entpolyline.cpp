@@ -39,6 +39,7 @@ CEntPolyline::CEntPolyline(const CEntPolyline& src, vek0::Handle handle)
 CEntPolyline::CEntPolyline(IHandleGestor& gestor, CEntFactory& factory, const CEntPolyline& src,
                            vek0::Handle handle)
     : CEntPolyline(src, handle) {
+  // Handles are unique, so copies of packed vertices have none.
   m_packed.clearHandles();
   unpackFor(factory, [&](const ChainVertex& v) {
     return factory.createVertex(gestor, CVertex(v.pnt, v.widthStart, v.widthEnd, v.handle));
@@ -74,6 +75,7 @@ CEnt* CEntPolyline::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlock
 
 void CEntPolyline::addTbls(IHandleGestor& gestor) const {
   CEnt::addTbls(gestor);
+  // Only vertex objects can be registered with a manager of handles.
   if (gestor.handling()) unpack();
   for (auto at = m_vertexes.rbegin(); at != m_vertexes.rend(); ++at) gestor.reserve(*at);
 }
@@ -159,6 +161,7 @@ PNT_3D CEntPolyline::GetVertexPos(int i) const {
 
 void CEntPolyline::SetVertexPos(int i, const PNT_3D& pnt) {
   if (!isIndex(i)) return;
+  // Moving an end of an arc turns its chords into ordinary segments, which the packed form lacks.
   if (m_packed.hasBulges()) unpack();
   if (isPacked()) {
     m_packed.setPos(static_cast<std::size_t>(i), pnt);

@@ -125,6 +125,7 @@ long CFileStdLib::write(const zim::Char* buf, long n) {
 bool CFileStdLib::readLn(zim::Char* buf, long n) {
   if (!isReading() || n <= 0) return false;
   if (m_stream->lineDecoder().readLn(buf, n)) return true;
+  // A read error yields an empty line; `fail` reports the error.
   if (!std::ferror(m_stream->handle)) return false;
   buf[0] = 0;
   return true;
@@ -138,12 +139,14 @@ bool CFileStdLib::writeLn(const zim::Char* text) {
 
 bool CFileStdLib::fail() {
   if (!isOpened()) return true;
+  // Errors may show only when buffered bytes are written.
   if (m_mode == kWrite) std::fflush(m_stream->handle);
   return std::ferror(m_stream->handle) != 0;
 }
 
 long CFileStdLib::readBytes(char* buf, long n) {
   if (!isReading()) return 0;
+  // Refused after `readLn`, whose decoder has read ahead.
   return m_stream->lines ? -1 : m_stream->readBytes(buf, n);
 }
 

@@ -1,3 +1,5 @@
+// Elements of linetypes. A text element counts as a use of its style as long as it exists, so that
+// the style is not taken for unused.
 #include "vek0core/tables/ltypedash.h"
 
 #include <algorithm>
@@ -61,6 +63,7 @@ CLtypeComplexDashSeq::CLtypeComplexDashSeq(const CLtypeComplexDashSeq& src)
 }
 
 CLtypeComplexDashSeq& CLtypeComplexDashSeq::operator=(const CLtypeComplexDashSeq& src) {
+  // Copied first, so that a lack of memory changes nothing.
   CLtypeComplexDashSeq copy(src);
   m_dashes.swap(copy.m_dashes);
   m_length = copy.m_length;

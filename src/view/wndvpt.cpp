@@ -1,3 +1,5 @@
+// Maps between a window of the drawing and a device. Changes are computed in a copy, which is
+// adopted only if it is sound, so that no input makes the view unusable.
 #include "vek0core/view/wndvpt.h"
 #include "vek0core/geometry/finite.h"
 
@@ -28,6 +30,7 @@ double CWndVpt::getWorldX(double vx) const {
 }
 
 double CWndVpt::getWorldY(double vy) const {
+  // Device coordinates grow downwards.
   return m_scaleY == 0 ? m_window.min.y : -(vy - m_offsetY) / m_scaleY;
 }
 
@@ -38,6 +41,8 @@ void CWndVpt::DoRealizePosition() {
 
 void CWndVpt::DoCalcExtUsingCenterAndScale() {
   if (hasDevice() && m_scaleX > 0 && m_scaleY > 0) {
+    // The first and the last pixel lie on opposite sides of the window, hence one step less than
+    // pixels.
     const double halfWidth = static_cast<double>(m_width - 1) / (2 * m_scaleX);
     const double halfHeight = static_cast<double>(m_height - 1) / (2 * m_scaleY);
     m_window.min.set(m_center.x - halfWidth, m_center.y - halfHeight);
@@ -152,6 +157,7 @@ CWndVptMemento* CWndVpt::createMemento() const { return new (std::nothrow) CWndV
 
 void CWndVpt::setMemento(const CWndVptMemento& memento) {
   CWndVpt next(memento.m_state);
+  // The device may have been resized since, and keeps its size.
   const bool sameDevice = next.m_width == m_width && next.m_height == m_height;
   next.m_width = m_width;
   next.m_height = m_height;

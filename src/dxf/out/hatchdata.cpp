@@ -50,6 +50,7 @@ class HatchDataWriter {
     m_writer.write(kShort, kEvenOdd);
     m_writer.write(kLong, static_cast<long>(rings.size()));
     for (const HatchRing& ring : rings) writeRing(ring);
+    // Readers know the lines of catalogue patterns, but not those of others.
     if (getHatch(m_hatch.getHatchType()) < 0) writePatternLines();
     m_writer.writeEncoded(kBrace, kClose);
   }

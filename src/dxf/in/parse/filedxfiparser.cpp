@@ -108,6 +108,7 @@ void CFileDXFIParser::readGlobal() {
     if (in.isKeyword("EOF")) return readEnd();
     m_isDrawing = true;
     readSection();
+    // The record at which a section failed may begin the next one.
     if (in.recover(ReportCode::SectionCut, {})) in.keepRecord();
     if (in.failed()) return;
   }

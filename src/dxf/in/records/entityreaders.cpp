@@ -52,6 +52,7 @@ EntPtr read3DFace(RecordReader& in) {
   const RecordKind& asked = in.isTolerant() ? kindTolerant : kind;
   if (!in.read(asked)) return nullptr;
   const Record& r = in.record();
+  // Without a fourth corner, the face is a triangle.
   const long fourth = r.seen.has(13) && r.seen.has(23) ? 3 : 2;
   if (fourth == 2) in.note(ReportCode::CodeMissing);
   return in.make().face(r, r.point(0), r.point(1), r.point(2), r.point(fourth), r.integer(70));
