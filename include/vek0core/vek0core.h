@@ -29,6 +29,7 @@
 #include "vek0core/files/textcodec.h"
 
 #include "vek0core/tables/colors.h"
+#include "vek0core/tables/enttraits.h"
 #include "vek0core/tables/font.h"
 #include "vek0core/tables/handle.h"
 #include "vek0core/tables/layer.h"

@@ -35,7 +35,7 @@ class EntCloner final : public IEntVisitor {
   std::unique_ptr<CEnt> clone(const CEnt& src) {
     // Visitors take non-const entities, but this one only reads.
     const_cast<CEnt&>(src).accept(*this);
-    if (m_clone) m_clone->setUserInfo(src.getUserType(), src.getUserData());
+    if (m_clone) m_clone->copyExtras(src);
     return std::move(m_clone);
   }
 
@@ -133,7 +133,7 @@ class EntCloner final : public IEntVisitor {
     std::unique_ptr<CEntAttrib> copy(
         orThrow(factory().createEntAttrib(gestor(), layer(e), ltype(e), e.getColor(), text(e),
                                           e.getTag(), e.getFlags(), e.GetHandle())));
-    copy->setUserInfo(e.getUserType(), e.getUserData());
+    copy->copyExtras(e);
     return copy;
   }
 

@@ -31,6 +31,7 @@ CEnt::CEnt(const CEnt& src, vek0::Handle handle)
       m_ltype(src.m_ltype),
       m_userType(src.m_userType),
       m_userData(src.m_userData),
+      m_traits(src.m_traits),
       m_color(src.m_color),
       m_bdryDirty(src.m_bdryDirty) {}
 
@@ -68,6 +69,20 @@ void CEnt::setLtype(CLtype* ltype) {
   m_ltype = ltype;
 }
 
+void CEnt::setColor(short color) {
+  if (getTraits().hasTrueColor()) {
+    ENT_TRAITS traits = getTraits();
+    traits.trueColor = ENT_TRAITS::kNoTrueColor;
+    setTraits(traits);
+  }
+  m_color = color;
+}
+
+void CEnt::copyExtras(const CEnt& src) {
+  m_traits = src.m_traits;
+  setUserInfo(src.m_userType, src.m_userData);
+}
+
 void CEnt::setUserInfo(long type, long data) {
   m_userType = type;
   m_userData = data;
@@ -81,18 +96,19 @@ void CEnt::moveBdry(const PNT_3D& delta) {
 }
 
 CEntBaseMemento* CEnt::createBaseMemento() const {
-  return new (std::nothrow) CEntBaseMemento(m_layer, m_ltype, m_color);
+  return new (std::nothrow) CEntBaseMemento(m_layer, m_ltype, m_color, m_traits);
 }
 
 void CEnt::setMemento(const CEntBaseMemento* memento) {
   if (memento == nullptr) return;
   setLayer(memento->m_layer);
   setLtype(memento->m_ltype);
-  setColor(memento->m_color);
+  m_traits = memento->m_traits;
+  m_color = memento->m_color;
 }
 
 void CEnt::exchange(CEntBaseMemento& memento) {
-  CEntBaseMemento present(m_layer, m_ltype, m_color);
+  CEntBaseMemento present(m_layer, m_ltype, m_color, m_traits);
   setMemento(&memento);
   std::swap(memento, present);
 }
@@ -102,7 +118,8 @@ std::unique_ptr<vek0::detail::EntParts> CEnt::replaceParts(CData&, const IEntDer
 }
 
 bool CEnt::operator==(const CEntBaseMemento& memento) const {
-  return memento.m_ltype == m_ltype && memento.m_layer == m_layer && memento.m_color == m_color;
+  return memento.m_ltype == m_ltype && memento.m_layer == m_layer && memento.m_color == m_color &&
+         memento.m_traits == m_traits;
 }
 
 bool CEnt::operator!=(const CEntBaseMemento& memento) const { return !(*this == memento); }

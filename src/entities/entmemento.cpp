@@ -1,7 +1,8 @@
 #include "vek0core/entities/entmemento.h"
 
-CEntBaseMemento::CEntBaseMemento(CLayer* layer, CLtype* ltype, short color)
-    : m_layer(layer), m_ltype(ltype), m_color(color) {}
+CEntBaseMemento::CEntBaseMemento(CLayer* layer, CLtype* ltype, short color,
+                                 const vek0::detail::EntTraitsRef& traits)
+    : m_layer(layer), m_ltype(ltype), m_traits(traits), m_color(color) {}
 
 CEntBaseMemento::~CEntBaseMemento() = default;
 

@@ -84,9 +84,27 @@ inline std::string saved(const CData& data) {
   return SaveDXF(data, file, kSaveExchange) ? file.bytes() : std::string();
 }
 
-/// All use counts of the drawing, by table and position.
+/// The traits of an entity and its attributes; nothing for default ones.
+inline std::string traitsOf(const CEnt& ent) {
+  const ENT_TRAITS& t = ent.getTraits();
+  std::ostringstream out;
+  if (t != ENT_TRAITS())
+    out << ent.getType() << ':' << t.trueColor << ',' << t.lineweight << ',' << t.opacity << ','
+        << t.isVisible << ',' << t.ltypeScale << ',' << t.thickness << ' ';
+  const CEntInsertBase* insert = ent.getEntInsert();
+  for (unsigned i = 0; insert && i < insert->GetNoAttribs(); ++i)
+    out << traitsOf(*insert->GetAttrib(i));
+  return out.str();
+}
+
+/// What saving does not show: every use count, by table and position, and the traits of entities.
 inline std::string countsOf(const CData& data) {
   std::string out;
+  for (const CEnt* ent : data.getEntTable().getEntityTbl()) out += traitsOf(*ent);
+  for (int i = 0; i < data.getBlockTable().size(); ++i) {
+    const CBlock& block = *data.getBlockTable()[i];
+    for (unsigned j = 0; j < block.size(); ++j) out += traitsOf(*block[j]);
+  }
   const auto write = [&out](const char* kind, long first, long second) {
     out += std::string(kind) + std::to_string(first) + "/" + std::to_string(second) + " ";
   };

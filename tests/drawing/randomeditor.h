@@ -70,8 +70,10 @@ class RandomEditor {
     return made;
   }
   CEntAttrib* newAttrib() {
-    return m_data.getEntFactory().createEntAttrib(m_data.getHandleGestor(), layer(), ltype(), 3,
-                                                  text(), u"TAG", 0, m_handle++);
+    CEntAttrib* made = m_data.getEntFactory().createEntAttrib(
+        m_data.getHandleGestor(), layer(), ltype(), 3, text(), u"TAG", 0, m_handle++);
+    made->setTraits(traits());
+    return made;
   }
   CEnt* newHatch() {
     const PNT_3D p = point();
@@ -134,12 +136,23 @@ class RandomEditor {
     ent->accept(*visitors[number(3)]);
     touch(*ent);
   }
+  ENT_TRAITS traits() {
+    ENT_TRAITS traits;
+    traits.trueColor = static_cast<std::uint32_t>(number(3));
+    traits.lineweight = static_cast<short>(number(5));
+    traits.opacity = static_cast<short>(number(4) - 2);
+    traits.isVisible = number(2) == 0;
+    traits.ltypeScale = 1 + number(3);
+    traits.thickness = coordinate();
+    return traits;
+  }
   void setProperties() {
     CEnt* ent = anyEntity();
     if (ent == nullptr || !m_undo.keepProperties(*ent)) return;
     ent->setLayer(layer());
     ent->setLtype(ltype());
     ent->setColor(static_cast<short>(number(256)));
+    ent->setTraits(traits());
     m_data.getEntTable().invalidateBdry();
   }
   void changeKind() {

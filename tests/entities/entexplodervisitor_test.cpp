@@ -109,6 +109,35 @@ TEST_F(Explode, InsertsKeepLayersAndLendWhatIsByBlock) {
   EXPECT_NEAR(last.p1.dist(PNT_3D(60, 10, 5)), 0, 1e-12);
 }
 
+// Traits that are BYBLOCK become those of the insert; the others stay.
+TEST_F(Explode, InsertsLendTraitsThatAreByBlock) {
+  ENT_TRAITS own, byInsert, lent;
+  byInsert.lineweight = ENT_TRAITS::kWeightByBlock;
+  byInsert.opacity = ENT_TRAITS::kOpacityByBlock;
+  own.trueColor = 0x10;
+  own.lineweight = 25;
+  own.thickness = 3;
+  lent.trueColor = 0x20;
+  lent.lineweight = 50;
+  lent.opacity = 99;
+  lent.isVisible = false;
+  std::vector<CEnt*> lines;
+  for (const ENT_TRAITS& traits : {byInsert, own}) {
+    lines.push_back(createEntLine(*data, layer(), ltype(), 0, LINE_3D(0, 0, 0, 1, 0, 0), 0));
+    lines.back()->setTraits(traits);
+  }
+  CEntInsert* ins = keptInsert(block("B", lines), PNT_3D(0, 0, 0), 1, 1, 0);
+  ins->setTraits(lent);
+  const Ents& ents = explode(*ins);
+  ASSERT_EQ(ents.size(), 2u);
+  EXPECT_TRUE(ents[0]->getTraits() == lent);
+  own.isVisible = false;
+  EXPECT_TRUE(ents[1]->getTraits() == own);
+  ents[1]->setColor(4);
+  own.trueColor = ENT_TRAITS::kNoTrueColor;
+  EXPECT_TRUE(ents[1]->getTraits() == own);
+}
+
 // For any placement, the exploded entities are where the insert showed them.
 TEST_F(Explode, WhatIsShownStaysWhereItIs) {
   const Definitions names{

@@ -6,6 +6,8 @@ using vek0::detail::kPi;
 
 namespace {
 
+const ENT_TRAITS kWide{.lineweight = 50};
+
 class Join : public testing::Test, protected Scene {
  protected:
   ~Join() {
@@ -43,16 +45,18 @@ double lengthOf(const CEnt& ent) {
 }
 
 TEST_F(Join, EitherEndEitherWay) {
-  segment(PNT_3D(10, 0, 0), PNT_3D(20, 0, 0), 3);  // joined first: determines color and direction
-  segment(PNT_3D(30, 5, 0), PNT_3D(20, 0, 0));     // onwards, reversed
-  segment(PNT_3D(0, 5, 0), PNT_3D(10, 0, 0));      // before it
-  segment(PNT_3D(0, 5, 0), PNT_3D(-10, 5, 0));     // before that, reversed
-  segment(PNT_3D(99, 0, 0), PNT_3D(99, 9, 0));     // by itself
-  segment(PNT_3D(30, 5, 1), PNT_3D(30, 9, 1));     // above
+  // The first gives its properties and its direction.
+  segment(PNT_3D(10, 0, 0), PNT_3D(20, 0, 0), 3)->setTraits(kWide);
+  segment(PNT_3D(30, 5, 0), PNT_3D(20, 0, 0));  // onwards, reversed
+  segment(PNT_3D(0, 5, 0), PNT_3D(10, 0, 0));   // before it
+  segment(PNT_3D(0, 5, 0), PNT_3D(-10, 5, 0));  // before that, reversed
+  segment(PNT_3D(99, 0, 0), PNT_3D(99, 9, 0));  // by itself
+  segment(PNT_3D(30, 5, 1), PNT_3D(30, 9, 1));  // above
   const std::vector<JOINED_ENT> made = join(1e-9);
   ASSERT_EQ(made.size(), 1u);
   const CEntPolyline& p = *made[0].polyline;
   EXPECT_EQ(p.getColor(), 3);
+  EXPECT_TRUE(p.getTraits() == kWide);
   EXPECT_FALSE(p.isClosed());
   const double xs[] = {-10, 0, 10, 20, 30};
   ASSERT_EQ(p.getNoTotalVertexes(), 5);
@@ -231,10 +235,12 @@ TEST_F(Join, AdderLengthensOnePolyline) {
 }
 
 TEST_F(Join, PathsBecomeTheKindThatFits) {
-  const CEntLine* like = segment(PNT_3D(0, 0, 0), PNT_3D(1, 0, 0), 4);
+  CEntLine* like = segment(PNT_3D(0, 0, 0), PNT_3D(1, 0, 0), 4);
+  like->setTraits(kWide);
   const auto kindOf = [&](const PATH_3D& path) {
     const std::unique_ptr<CEnt> made(createEntFromPath(gestor, factory, path, *like));
     EXPECT_EQ(made->getColor(), 4);
+    EXPECT_TRUE(made->getTraits() == kWide);
     EXPECT_NEAR(lengthOf(*made), path.length(), 1e-9);
     return made->getType();
   };

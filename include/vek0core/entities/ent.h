@@ -6,6 +6,7 @@
 
 #include "vek0core/export.h"
 #include "vek0core/geometry/rect.h"
+#include "vek0core/tables/enttraits.h"
 #include "vek0core/tables/handle.h"
 
 class CBlock;
@@ -23,6 +24,7 @@ class IEntDerivedMemento;
 class IEntVisitor;
 
 namespace vek0::detail {
+class AttribsMemento;
 class EntParts;
 
 // Who owns an entity. Tables and blocks each contain one that refers to themselves, so that an
@@ -129,7 +131,15 @@ class VEK0_API CEnt : public IHandleEnt {
   /// of linetype and style behave the same.
   void setLayer(CLayer* layer);
   void setLtype(CLtype* ltype);  ///< see `setLayer`
-  void setColor(short color) { m_color = color; }
+  /// Also removes the true color, which would hide the new one. Throws `std::bad_alloc` with
+  /// nothing changed if other traits are left.
+  void setColor(short color);
+  /// Color beyond the color number, lineweight, opacity, visibility, linetype scale and thickness.
+  const ENT_TRAITS& getTraits() const { return m_traits.get(); }
+  /// Throws `std::bad_alloc` with nothing changed.
+  void setTraits(const ENT_TRAITS& traits) { m_traits = vek0::detail::EntTraitsRef(traits); }
+  /// Copies what no factory takes: traits and user info. Allocates nothing.
+  void copyExtras(const CEnt& src);
   void setUserType(long type) { m_userType = type; }
   void setUserData(long data) { m_userData = data; }
   /// Sets both words of host data at once.
@@ -139,10 +149,10 @@ class VEK0_API CEnt : public IHandleEnt {
   /// stale extents stay stale.
   void moveBdry(const PNT_3D& delta);
 
-  /// Snapshot of layer, linetype and color. The caller owns it; null when out of memory.
+  /// Snapshot of layer, linetype, color and traits. The caller owns it; null when out of memory.
   CEntBaseMemento* createBaseMemento() const;
 
-  /// Restores layer, linetype and color and updates the counts as `setLayer` does.
+  /// Restores them and updates the counts as `setLayer` does. Allocates nothing.
   void setMemento(const CEntBaseMemento* memento);
   /// The same, and `memento` becomes one of what the entity was. Allocates nothing.
   void exchange(CEntBaseMemento& memento);
@@ -159,6 +169,7 @@ class VEK0_API CEnt : public IHandleEnt {
  protected:
   friend class CEntFactory;
   friend class CEntTable;
+  friend class vek0::detail::AttribsMemento;
   friend class CBlock;
 
   /// Position in a list of entities; the tables store it in each of their entities.
@@ -166,8 +177,8 @@ class VEK0_API CEnt : public IHandleEnt {
 
   CEnt(vek0::Handle handle, CLayer* layer, CLtype* ltype, short color);
 
-  /// Copies the extents, layer, linetype, color and user info. The copy is in no table, is not
-  /// selected, and is not counted.
+  /// Copies the extents, layer, linetype, color, traits and user info. The copy is in no table, is
+  /// not selected, and is not counted.
   CEnt(const CEnt& src, vek0::Handle handle);
 
   /// New heap copy with the given handle; the caller owns it, null when out of memory. The
@@ -212,11 +223,13 @@ class VEK0_API CEnt : public IHandleEnt {
   CLtype* m_ltype;
   long m_userType = 0;
   long m_userData = 0;
+  vek0::detail::EntTraitsRef m_traits;
   short m_color;
-  bool m_bdryDirty = false;
-  bool m_selected = false;
-  bool m_watched = false;  // in a table whose watchers are notified of changed extents
   unsigned char m_ownByte = 0;
+  // One byte, which the traits need: a line fills its allocation.
+  bool m_bdryDirty : 1 = false;
+  bool m_selected : 1 = false;
+  bool m_watched : 1 = false;  // in a table whose watchers are notified of changed extents
 
   // A drawing has millions of entities, and removing one must not search: each stores the table or
   // block that owns it (null while the caller does) and its position there.

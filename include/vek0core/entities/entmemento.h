@@ -5,7 +5,7 @@
 #include "vek0core/entities/ent.h"
 #include "vek0core/export.h"
 
-/// Undo snapshot of the properties common to all kinds: layer, linetype and color.
+/// Undo snapshot of the properties common to all kinds: layer, linetype, color and traits.
 ///
 /// Created by `CEnt::createBaseMemento`, applied by `CEnt::setMemento`; the caller owns it. It is
 /// not counted as a user: the items it refers to must outlive it.
@@ -13,16 +13,18 @@ class VEK0_API CEntBaseMemento {
  public:
   virtual ~CEntBaseMemento();
 
-  /// Whether the entity has the same layer and linetype objects and the same color.
+  /// Whether the entity has the same layer and linetype objects, color and traits.
   bool operator==(const CEnt& ent) const;
   bool operator!=(const CEnt& ent) const;
 
  private:
   friend class CEnt;
-  CEntBaseMemento(CLayer* layer, CLtype* ltype, short color);
+  CEntBaseMemento(CLayer* layer, CLtype* ltype, short color,
+                  const vek0::detail::EntTraitsRef& traits);
 
   CLayer* m_layer;
   CLtype* m_ltype;
+  vek0::detail::EntTraitsRef m_traits;
   short m_color;
 };
 

@@ -359,7 +359,7 @@ AttribsMemento::AttribsMemento(const CEntInsertBase& insert) : m_block(insert.ge
   m_attribs.reserve(insert.m_attribs.size());
   for (const auto& attrib : insert.m_attribs)
     m_attribs.push_back({attrib.get(), attrib->getLayer(), attrib->getLtype(), attrib->getColor(),
-                         attrib->GetHandle(), CEntAttribMemento(*attrib)});
+                         attrib->m_traits, attrib->GetHandle(), CEntAttribMemento(*attrib)});
 }
 
 bool AttribsMemento::matches(const CEntInsertBase& insert) const {
@@ -368,7 +368,8 @@ bool AttribsMemento::matches(const CEntInsertBase& insert) const {
                     insert.m_attribs.end(), [](const Entry& entry, const auto& attrib) {
                       return attrib.get() == entry.attrib && attrib->getLayer() == entry.layer &&
                              attrib->getLtype() == entry.ltype &&
-                             attrib->getColor() == entry.color && entry.state == *attrib;
+                             attrib->getColor() == entry.color &&
+                             attrib->m_traits == entry.traits && entry.state == *attrib;
                     });
 }
 
@@ -381,16 +382,19 @@ void AttribsMemento::restore(CData& data, CEntInsertBase& insert) const {
 void AttribsMemento::reset(CData& data, CEntAttrib& attrib, const Entry& entry) {
   attrib.setLayer(entry.layer);
   attrib.setLtype(entry.ltype);
-  attrib.setColor(entry.color);
+  attrib.m_color = entry.color;
+  attrib.m_traits = entry.traits;
   attrib.setMemento(data, &entry.state);
 }
 
 std::unique_ptr<CEntAttrib> AttribsMemento::remake(CData& data, const Entry& entry) {
   const CEntAttribMemento& state = entry.state;
   const EntServices services = servicesOf(data);
-  return std::unique_ptr<CEntAttrib>(services.entFactory.createEntAttrib(
+  std::unique_ptr<CEntAttrib> attrib(services.entFactory.createEntAttrib(
       services.gestor, entry.layer, entry.ltype, entry.color, state.getText(), state.getTag(),
       state.getFlags(), entry.handle));
+  if (attrib) attrib->m_traits = entry.traits;
+  return attrib;
 }
 
 // The attributes of one list that the other one lacks belong to this; the rest is on both.

@@ -54,7 +54,7 @@ class Segments {
                                      m_like.getColor(), arc, 0));
   }
   void take(CEnt* made) {
-    if (made) made->setUserInfo(m_like.getUserType(), m_like.getUserData());
+    if (made) made->copyExtras(m_like);
     m_maker.take(made);
   }
 
@@ -120,7 +120,7 @@ void CEntExploderVisitor::visit(CEntPolyline& ent) {
 
 void CEntExploderVisitor::showContents(CEntInsertBase& ent, CLayer* layer) {
   collect([&](EntMaker& maker) {
-    const BlockLook look{ent.getColor(), ent.getLtype(), layer};
+    const BlockLook look{ent.getColor(), ent.getLtype(), layer, ent.getTraits()};
     EntPlacer::placeContents(maker, CEntInsertMatrix(), ent, look, 0);
   });
 }

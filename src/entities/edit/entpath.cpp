@@ -37,6 +37,23 @@ CEnt* createPolyline(IHandleGestor& gestor, CEntFactory& factory, const PATH_3D&
   return made;
 }
 
+CEnt* createOf(IHandleGestor& gestor, CEntFactory& factory, const PATH_3D& path, const CEnt& like) {
+  if (path.empty()) return nullptr;
+  const EDGE_3D& edge = path.edges.front();
+  if (path.edges.size() > 1 || (edge.isArc() && edge.p1.z != edge.p2.z))
+    return createPolyline(gestor, factory, path, like);
+  CLayer* layer = like.getLayer();
+  CLtype* ltype = like.getLtype();
+  const short color = like.getColor();
+  const ARC_3D arc = edge.toArc();
+  const bool isFull = arc.startAngle == arc.endAngle;
+  // An arc so short that its end angles coincide would be mistaken for a circle.
+  if (!edge.isArc() || (isFull && std::fabs(edge.sweep) < vek0::detail::kPi))
+    return factory.createEntLine(gestor, layer, ltype, color, LINE_3D(edge.p1, edge.p2), 0);
+  if (isFull) return factory.createEntCircle(gestor, layer, ltype, color, arc, 0);
+  return factory.createEntArc(gestor, layer, ltype, color, arc, 0);
+}
+
 }  // namespace
 
 bool getEntPath(const CEnt& ent, PATH_3D& out) {
@@ -59,18 +76,7 @@ bool getEntPath(const CEnt& ent, PATH_3D& out) {
 
 CEnt* createEntFromPath(IHandleGestor& gestor, CEntFactory& factory, const PATH_3D& path,
                         const CEnt& like) {
-  if (path.empty()) return nullptr;
-  const EDGE_3D& edge = path.edges.front();
-  if (path.edges.size() > 1 || (edge.isArc() && edge.p1.z != edge.p2.z))
-    return createPolyline(gestor, factory, path, like);
-  CLayer* layer = like.getLayer();
-  CLtype* ltype = like.getLtype();
-  const short color = like.getColor();
-  const ARC_3D arc = edge.toArc();
-  const bool isFull = arc.startAngle == arc.endAngle;
-  // An arc so short that its end angles coincide would be mistaken for a circle.
-  if (!edge.isArc() || (isFull && std::fabs(edge.sweep) < vek0::detail::kPi))
-    return factory.createEntLine(gestor, layer, ltype, color, LINE_3D(edge.p1, edge.p2), 0);
-  if (isFull) return factory.createEntCircle(gestor, layer, ltype, color, arc, 0);
-  return factory.createEntArc(gestor, layer, ltype, color, arc, 0);
+  CEnt* made = createOf(gestor, factory, path, like);
+  if (made) made->copyExtras(like);
+  return made;
 }

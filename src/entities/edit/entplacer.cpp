@@ -103,9 +103,26 @@ short EntPlacer::colorOf(const CEnt& ent) const {
   return m_look && ent.getColor() == kColorByBlock ? m_look->color : ent.getColor();
 }
 
+// An invisible insert hides its content.
+ENT_TRAITS EntPlacer::traitsOf(const CEnt& ent) const {
+  ENT_TRAITS traits = ent.getTraits();
+  if (!m_look) return traits;
+  const ENT_TRAITS& insert = m_look->traits;
+  if (ent.getColor() == kColorByBlock && !traits.hasTrueColor())
+    traits.trueColor = insert.trueColor;
+  if (traits.lineweight == ENT_TRAITS::kWeightByBlock) traits.lineweight = insert.lineweight;
+  if (traits.opacity == ENT_TRAITS::kOpacityByBlock) traits.opacity = insert.opacity;
+  traits.isVisible = traits.isVisible && insert.isVisible;
+  return traits;
+}
+
 void EntPlacer::take(CEnt* made, const CEnt& src) {
-  if (made) made->setUserInfo(src.getUserType(), src.getUserData());
-  m_maker.take(made);
+  std::unique_ptr<CEnt> owned(made);
+  if (owned) {
+    owned->copyExtras(src);
+    owned->setTraits(traitsOf(src));
+  }
+  m_maker.take(owned.release());
 }
 
 void EntPlacer::visit(CEntPnt& ent) {
@@ -282,7 +299,7 @@ void EntPlacer::visit(CEntInsertXRef& ent) {
     return;
   }
   copy->setColor(colorOf(ent));
-  m_maker.take(copy.release());
+  take(copy.release(), ent);
 }
 
 void EntPlacer::visit(CEntFixedInsert& ent) {
@@ -296,8 +313,8 @@ void EntPlacer::visit(CEntFixedInsert& ent) {
 }
 
 void EntPlacer::placeBlock(CEntInsertBase& ent) {
-  placeContents(m_maker, m_matrix, ent, BlockLook{colorOf(ent), ltypeOf(ent), nullptr},
-                m_depth + 1);
+  placeContents(m_maker, m_matrix, ent,
+                BlockLook{colorOf(ent), ltypeOf(ent), nullptr, traitsOf(ent)}, m_depth + 1);
 }
 
 void EntPlacer::placeContents(EntMaker& maker, const CEntInsertMatrix& outer,
@@ -339,8 +356,8 @@ void EntPlacer::visit(CEntHatch& ent) {
   // does not vanish.
   const bool staysHatch = isSolid(ent.getHatchType()) ? m_scale > 0 : m_keepsAngles && !m_mirrors;
   if (staysHatch && placeHatch(ent)) return;
-  placeContents(m_maker, m_matrix, ent, BlockLook{colorOf(ent), ltypeOf(ent), layerOf(ent)},
-                m_depth + 1);
+  placeContents(m_maker, m_matrix, ent,
+                BlockLook{colorOf(ent), ltypeOf(ent), layerOf(ent), traitsOf(ent)}, m_depth + 1);
 }
 
 // False for one without lines, which shows nothing.

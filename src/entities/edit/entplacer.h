@@ -5,6 +5,7 @@
 
 #include "vek0core/entities/blocks/insertmatrix.h"
 #include "vek0core/entities/entvisitor.h"
+#include "vek0core/tables/enttraits.h"
 #include "vek0core/tables/handle.h"
 
 class CBlock;
@@ -41,6 +42,7 @@ struct BlockLook {
   short color;
   CLtype* ltype;
   CLayer* layer;  ///< null: they keep their own
+  ENT_TRAITS traits;
 };
 
 /// Creates copies of entities transformed by a matrix.
@@ -79,6 +81,7 @@ class EntPlacer final : public IEntVisitor {
   CLayer* layerOf(const CEnt& ent) const;
   CLtype* ltypeOf(const CEnt& ent) const;
   short colorOf(const CEnt& ent) const;
+  ENT_TRAITS traitsOf(const CEnt& ent) const;
   void take(CEnt* made, const CEnt& src);
   void takeChords(const CEnt& src, const PNT_3D& center, double radius, double start, double sweep,
                   bool isClosed);

@@ -118,7 +118,7 @@ class Joiner {
     made.polyline.reset(factory.createEntPolyline(gestor, like.getLayer(), like.getLtype(),
                                                   like.getColor(), flags, 0, 0));
     if (!made.polyline) return made;
-    made.polyline->setUserInfo(like.getUserType(), like.getUserData());
+    made.polyline->copyExtras(like);
     chain.write(gestor, factory, *made.polyline);
     // The entities before the first one were found in reverse order.
     made.parts.assign(backwards.rbegin(), backwards.rend());

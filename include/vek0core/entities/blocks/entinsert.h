@@ -258,6 +258,7 @@ class AttribsMemento {
     CLayer* layer;
     CLtype* ltype;
     short color;
+    EntTraitsRef traits;
     vek0::Handle handle;
     CEntAttribMemento state;
   };

@@ -12,7 +12,7 @@ class CEntFactory;
 /// polyline of fewer than two vertices.
 VEK0_API bool getEntPath(const CEnt& ent, PATH_3D& out);
 
-/// Creates an entity along the path, with the layer, linetype and color of another: a line, arc or
+/// Creates an entity along the path, with the properties of another: a line, arc or
 /// circle if the path is a single edge, otherwise a polyline of zero width. It has handle 0 and is
 /// in no table; the caller owns it. Null for an empty path or when out of memory.
 VEK0_API CEnt* createEntFromPath(IHandleGestor& gestor, CEntFactory& factory, const PATH_3D& path,
