@@ -57,7 +57,7 @@ CLayer* needLayer(Editing& editing, const zim::WString& name, const CLayer* mode
   CLayer* layer = data.getLayerFactory().create(name, ltype, model ? model->getColor() : short{7},
                                                 model ? model->getFlags() : 0);
   if (layer == nullptr) return nullptr;
-  if (model != nullptr) layer->setLineWidth(model->getLineWidth());
+  if (model != nullptr) layer->copyExtras(*model);
   if (editing.undo.add(layer)) return layer;
   delete layer;
   return nullptr;

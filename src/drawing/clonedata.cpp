@@ -110,7 +110,7 @@ class DrawingCopy {
       CLayer* made = addNew(m_copy.getLayerTable(), m_copy.getLayerFactory().create(
                                                         layer.getName(), m_map(layer.getLtype()),
                                                         layer.getColor(), layer.getFlags()));
-      made->setLineWidth(layer.getLineWidth());
+      made->copyExtras(layer);
       m_map.add(&layer, made);
     }
   }
@@ -119,7 +119,7 @@ class DrawingCopy {
     to.setLtype(m_map(from.getLtype()));
     to.setColor(from.getColor());
     to.setFlags(from.getFlags());
-    to.setLineWidth(from.getLineWidth());
+    to.copyExtras(from);
   }
 
   void copyXRefs() {
@@ -157,12 +157,13 @@ class DrawingCopy {
           addNew(to.getLayerTable(),
                  m_copy.getLayerFactory().createXRef(to, layer.getName(), m_map(layer.getLtype()),
                                                      layer.getColor(), layer.getFlags()));
-      made->setLineWidth(layer.getLineWidth());
+      made->copyExtras(layer);
       m_map.add<CLayer>(&layer, made);
       if (!layer.isXRef()) continue;
       // The copy must recognize later changes of the file in the same way.
       auto told = static_cast<const CLayerXRef&>(layer).getTold();
-      if (told) made->follow({m_map(told->ltype), told->color, told->flags, told->width});
+      if (told)
+        made->follow({m_map(told->ltype), told->color, told->flags, told->width, told->traits});
     }
   }
 

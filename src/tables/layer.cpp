@@ -9,11 +9,23 @@ CLayerMemento::CLayerMemento(const CLayer& layer)
       m_ltype(layer.getLtype()),
       m_flags(layer.getFlags()),
       m_color(layer.getColor()),
-      m_lineWidth(layer.getLineWidth()) {}
+      m_lineWidth(layer.getLineWidth()),
+      m_traits(layer.getTraits()) {}
 
 bool CLayerMemento::operator==(const CLayer& layer) const {
   return m_name == layer.getName() && m_ltype == layer.getLtype() && m_flags == layer.getFlags() &&
-         m_color == layer.getColor() && m_lineWidth == layer.getLineWidth();
+         m_color == layer.getColor() && m_lineWidth == layer.getLineWidth() &&
+         m_traits == layer.getTraits();
+}
+
+void CLayer::setColor(short color) {
+  m_color = color;
+  m_traits.trueColor = ENT_TRAITS::kNoTrueColor;
+}
+
+void CLayer::copyExtras(const CLayer& src) {
+  m_lineWidth = src.m_lineWidth;
+  m_traits = src.m_traits;
 }
 
 void CLayer::setLtype(CLtype* ltype) {
@@ -34,6 +46,7 @@ void CLayer::setMemento(const CLayerMemento& memento) {
   setLtype(memento.m_ltype);
   m_color = memento.m_color;
   m_lineWidth = memento.m_lineWidth;
+  m_traits = memento.m_traits;
 }
 
 CLayer* CLayerFactory::create(const CLayer& src) try {

@@ -195,7 +195,7 @@ class Binder {
       const zim::WString name = boundName(m_data.getLayerTable(), xref.getName(), layer.getName());
       CLayer& made = added(m_data.getLayerFactory().create(name, m_map(layer.getLtype()),
                                                            layer.getColor(), ownFlags(layer)));
-      made.setLineWidth(layer.getLineWidth());
+      made.copyExtras(layer);
       m_map.add(table[i], &made);
     }
   }

@@ -111,14 +111,14 @@ void XRefContent::adoptItem(const CLtype& from, CBlockXRef& to, const zim::WStri
 
 void XRefContent::adoptItem(const CLayer& from, CBlockXRef& to, const zim::WString& name) {
   const CLayerXRef::Look look{m_map(from.getLtype()), from.getColor(), from.getFlags(),
-                              from.getLineWidth()};
+                              from.getLineWidth(), from.getTraits()};
   CLayer* layer = to.getLayerTable().get(name);
   const bool isNew = layer == nullptr;
   if (isNew) {
     layer = m_journal.add<CLayerTable, CLayer>(
         to.getLayerTable(),
         m_data.getLayerFactory().createXRef(to, name, look.ltype, look.color, look.flags));
-    layer->setLineWidth(look.width);
+    layer->copyExtras(from);
   } else {
     m_journal.keep(*layer);
   }

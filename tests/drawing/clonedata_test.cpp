@@ -64,6 +64,7 @@ Drawing everything() {
   CLayer* layer = addedLayer(data, u"Walls", 3, 4);
   layer->setLtype(ltype);
   layer->setLineWidth(static_cast<enumLineWidth>(2));
+  layer->setTraits({0x123456, 35, 99, false});
   data.getLayer0().setColor(2);
   data.getLtypeContinuous().setDesc(u"solid");
   data.getLtypeByBlock().setFlags(5);
@@ -118,6 +119,7 @@ TEST(CloneData, KeepsWhatAFileDoesNot) {
   EXPECT_EQ(cast3DFace(table.get(0x46))->getFill(), FaceFill::Trace);
   EXPECT_EQ(table.getSelectedEntityTbl(), (std::list<CEnt*>{table.get(0x44), table.get(0x42)}));
   EXPECT_EQ(getLayer(data, u"Walls")->getLineWidth(), static_cast<enumLineWidth>(2));
+  EXPECT_TRUE(getLayer(data, u"Walls")->getTraits() == (LAYER_TRAITS{0x123456, 35, 99, false}));
   EXPECT_EQ(data.getLtypeContinuous().getDesc(), u"solid");
   EXPECT_EQ(data.getLtypeByBlock().getFlags(), 5);
   EXPECT_EQ(getStyleStandard(data)->getWidthScale(), 0.8);

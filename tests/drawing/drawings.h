@@ -97,7 +97,7 @@ inline std::string traitsOf(const CEnt& ent) {
   return out.str();
 }
 
-/// What saving does not show: every use count, by table and position, and the traits of entities.
+/// What saving does not show: every use count, by table and position, and traits.
 inline std::string countsOf(const CData& data) {
   std::string out;
   for (const CEnt* ent : data.getEntTable().getEntityTbl()) out += traitsOf(*ent);
@@ -108,8 +108,11 @@ inline std::string countsOf(const CData& data) {
   const auto write = [&out](const char* kind, long first, long second) {
     out += std::string(kind) + std::to_string(first) + "/" + std::to_string(second) + " ";
   };
-  for (CData::CLayerIterator i(data, true); *i != nullptr; ++i)
-    write("layer", (*i)->getEntities(), 0);
+  for (CData::CLayerIterator i(data, true); *i != nullptr; ++i) {
+    const LAYER_TRAITS& t = (*i)->getTraits();
+    write("layer", (*i)->getEntities(), t.trueColor);
+    write(t.isPlotted ? "plotted" : "", t.lineweight, t.opacity);
+  }
   for (CData::CLtypeIterator i(data, true, true); *i != nullptr; ++i)
     write("ltype", (*i)->getEntities(), (*i)->getLayers());
   for (CData::CStyleIterator i(data, true); *i != nullptr; ++i)

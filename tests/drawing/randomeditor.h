@@ -221,6 +221,8 @@ class RandomEditor {
       changed->setLtype(ltype());
       if (!changed->is0()) changed->setName(name("renamed"));
       changed->setFrozen(number(2) == 0);
+      const ENT_TRAITS t = traits();
+      changed->setTraits({t.trueColor, t.lineweight, t.opacity, t.isVisible});
       m_data.getEntTable().invalidateBdry();
     }
     if (!pattern->isByLayer() && m_undo.keep(*pattern)) {

@@ -67,6 +67,26 @@ TEST_F(BlockXRef, DependentItemsHaveComposedNamesAndTwoFlags) {
   EXPECT_EQ(ltype->getFlags(), 16 | 32);
 }
 
+TEST_F(BlockXRef, TraitsOfLayersFollowTheFileUnlessChanged) {
+  CBlockXRef* made = xref(u"X");
+  CLayerXRef* layer = scene.data->getLayerFactory().createXRef(*made, u"L", scene.ltype(), 1, 0);
+  made->getLayerTable().add(layer);
+  const auto follow = [&](const LAYER_TRAITS& traits) {
+    layer->follow({layer->getLtype(), 1, 0, lineWidthDefault, traits});
+  };
+  const LAYER_TRAITS first{1, 10, 100, true}, second{2, 20, 200, false};
+  layer->setTraits(first);
+  follow(first);
+  follow(second);
+  EXPECT_TRUE(layer->getTraits() == second);
+  layer->setTraits({2, 99, 200, false});
+  follow(first);
+  EXPECT_TRUE(layer->getTraits() == (LAYER_TRAITS{1, 99, 100, true}));
+  layer->setTraits({7, 99, 100, true});
+  follow(second);
+  EXPECT_TRUE(layer->getTraits() == (LAYER_TRAITS{7, 99, 200, false}));
+}
+
 TEST_F(BlockXRef, VisitorsTellDependentItems) {
   struct LayerKinds : ILayerVisitor {
     void visit(CLayerXRef&) override { ++dependent; }

@@ -124,4 +124,55 @@ TEST_F(InsertStack, ResolvesWhatEntitiesTakeOver) {
   }
 }
 
+// Every way to inherit, two inserts deep: traits are what the innermost that has a value says.
+TEST_F(InsertStack, ResolvesTraitsFromEntityLayerAndInserts) {
+  const auto traitsOf = [](std::uint32_t color, short weight, short opacity, bool isVisible) {
+    return ENT_TRAITS{color, weight, opacity, isVisible, 1, 0};
+  };
+  const std::uint32_t none = ENT_TRAITS::kNoTrueColor;
+  wall->setTraits({0x111111, 13, 100, true});
+  const auto outer = insert(wall, byLayer(), kByLayer), inner = insert(door, byLayer(), kByBlock);
+  inner->setTraits(traitsOf(none, ENT_TRAITS::kWeightByBlock, 50, true));
+  const ENT_TRAITS byLayers = traitsOf(none, -1, -1, true), byBlocks = traitsOf(none, -2, -2, true);
+  const struct {
+    const char* name;
+    std::vector<const CEntInsertBase*> inserts;
+    CLayer* layer;
+    short color;
+    ENT_TRAITS own, expected;
+  } cases[] = {
+      {"own", {}, wall, 9, traitsOf(5, 7, 9, false), traitsOf(5, 7, 9, false)},
+      {"own color number", {}, wall, 9, byLayers, traitsOf(none, 13, 100, true)},
+      {"by layer", {}, wall, kByLayer, byLayers, traitsOf(0x111111, 13, 100, true)},
+      {"layer without", {}, door, kByLayer, byLayers, traitsOf(none, -3, 255, true)},
+      {"no layer", {}, nullptr, kByLayer, byLayers, traitsOf(none, -3, 255, true)},
+      {"no insert", {}, wall, kByBlock, byBlocks, traitsOf(none, -3, 255, true)},
+      {"insert", {outer.get()}, door, kByBlock, byBlocks, traitsOf(0x111111, 13, 100, true)},
+      {"layer 0",
+       {outer.get()},
+       scene.layer(),
+       kByLayer,
+       byLayers,
+       traitsOf(0x111111, 13, 100, true)},
+      {"inner insert",
+       {outer.get(), inner.get()},
+       door,
+       kByBlock,
+       byBlocks,
+       traitsOf(0x111111, 13, 50, true)},
+  };
+  for (const auto& t : named(cases)) {
+    CEntInsertStack stack(1);
+    for (const CEntInsertBase* entered : t.inserts) stack.Push(entered, 0, 0);
+    const auto ent = insert(t.layer, byLayer(), t.color);
+    ent->setTraits(t.own);
+    EXPECT_TRUE(stack.ResolveTraits(*ent) == t.expected);
+  }
+  outer->setTraits(traitsOf(none, -1, -1, false));
+  CEntInsertStack stack(1);
+  stack.Push(outer.get(), 0, 0);
+  stack.Push(inner.get(), 0, 0);
+  EXPECT_FALSE(stack.ResolveTraits(*inner).isVisible);
+}
+
 }  // namespace

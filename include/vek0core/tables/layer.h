@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vek0core/export.h"
+#include "vek0core/tables/enttraits.h"
 #include "vek0core/tables/nameditem.h"
 
 class CBlockXRef;
@@ -22,7 +23,20 @@ class VEK0_API ILayerVisitor {
 /// default.
 enum enumLineWidth : int { lineWidthDefault = 0 };
 
-/// Snapshot of a layer, for undo: name, linetype, flags, color and line width. Borrows the
+/// Properties of a layer besides linetype, color number and flags: what its entities have BYLAYER.
+struct LAYER_TRAITS {
+  /// 0xRRGGBB, or `ENT_TRAITS::kNoTrueColor` if the color number determines the color.
+  std::uint32_t trueColor = ENT_TRAITS::kNoTrueColor;
+  /// In hundredths of a millimeter, 0 to 211, or `ENT_TRAITS::kWeightDefault`.
+  short lineweight = ENT_TRAITS::kWeightDefault;
+  /// From 0, invisible, to 255, opaque.
+  short opacity = ENT_TRAITS::kOpaque;
+  bool isPlotted = true;
+
+  bool operator==(const LAYER_TRAITS&) const = default;
+};
+
+/// Snapshot of a layer, for undo: name, linetype, flags, color, line width and traits. Borrows the
 /// linetype.
 class VEK0_API CLayerMemento {
  public:
@@ -39,6 +53,7 @@ class VEK0_API CLayerMemento {
   long m_flags;
   short m_color;
   enumLineWidth m_lineWidth;
+  LAYER_TRAITS m_traits;
 };
 
 /// Layer: default color and linetype of entities, and whether they are shown and may be changed.
@@ -76,9 +91,14 @@ class VEK0_API CLayer : public CNamedItem {
   /// a table.
   void setLtype(CLtype* ltype);
   short getColor() const { return m_color; }
-  void setColor(short color) { m_color = color; }
+  /// Also removes the true color, which would hide the new one.
+  void setColor(short color);
   enumLineWidth getLineWidth() const { return m_lineWidth; }
   void setLineWidth(enumLineWidth width) { m_lineWidth = width; }
+  const LAYER_TRAITS& getTraits() const { return m_traits; }
+  void setTraits(const LAYER_TRAITS& traits) { m_traits = traits; }
+  /// Copies what no factory takes: line width and traits.
+  void copyExtras(const CLayer& src);
 
   /// The caller owns the snapshot; null when out of memory.
   CLayerMemento* createMemento() const;
@@ -94,6 +114,7 @@ class VEK0_API CLayer : public CNamedItem {
   CLtype* m_ltype;
   short m_color;
   enumLineWidth m_lineWidth = lineWidthDefault;
+  LAYER_TRAITS m_traits;
 };
 
 /// Layer "0", which every drawing has.

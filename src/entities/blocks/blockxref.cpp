@@ -229,12 +229,26 @@ const zim::WString& CLayerXRef::getFullName() const {
 
 void CLayerXRef::setFlags(long flags) { CLayer::setFlags(flags | kDependent | kResolved); }
 
+// Color number and true color are one property.
+void CLayerXRef::followColor(const Look& look) {
+  LAYER_TRAITS traits = getTraits();
+  if (getColor() != m_told->color || traits.trueColor != m_told->traits.trueColor) return;
+  setColor(look.color);
+  traits.trueColor = look.traits.trueColor;
+  setTraits(traits);
+}
+
 void CLayerXRef::follow(const Look& look) {
   if (m_told) {
     // Only properties that the host has not changed since the last reading follow the file.
     if (getLtype() == m_told->ltype) setLtype(look.ltype);
-    if (getColor() == m_told->color) setColor(look.color);
+    followColor(look);
     if (getLineWidth() == m_told->width) setLineWidth(look.width);
+    LAYER_TRAITS traits = getTraits();
+    if (traits.lineweight == m_told->traits.lineweight) traits.lineweight = look.traits.lineweight;
+    if (traits.opacity == m_told->traits.opacity) traits.opacity = look.traits.opacity;
+    if (traits.isPlotted == m_told->traits.isPlotted) traits.isPlotted = look.traits.isPlotted;
+    setTraits(traits);
     for (const long bit : {kFrozen, kLocked, kOff})
       if (((getFlags() ^ m_told->flags) & bit) == 0) setFlags(bit, (look.flags & bit) != 0);
   }

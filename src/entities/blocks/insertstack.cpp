@@ -44,13 +44,36 @@ CLtype* CEntInsertStackState::ResolveLtype(const CEnt& ent) const {
   return ltype->isByBlock() ? m_ltype : ltype;
 }
 
+ENT_TRAITS CEntInsertStackState::plainTraits() {
+  ENT_TRAITS traits;
+  traits.lineweight = ENT_TRAITS::kWeightDefault;
+  traits.opacity = ENT_TRAITS::kOpaque;
+  return traits;
+}
+
+ENT_TRAITS CEntInsertStackState::ResolveTraits(const CEnt& ent) const {
+  ENT_TRAITS traits = ent.getTraits();
+  const CLayer* layer = ResolveLayer(ent);
+  const LAYER_TRAITS ofLayer = layer != nullptr ? layer->getTraits() : LAYER_TRAITS();
+  if (!traits.hasTrueColor() && ent.getColor() == kColorByLayer)
+    traits.trueColor = ofLayer.trueColor;
+  if (!traits.hasTrueColor() && ent.getColor() == kColorByBlock)
+    traits.trueColor = m_traits.trueColor;
+  if (traits.lineweight == ENT_TRAITS::kWeightByLayer) traits.lineweight = ofLayer.lineweight;
+  if (traits.lineweight == ENT_TRAITS::kWeightByBlock) traits.lineweight = m_traits.lineweight;
+  if (traits.opacity == ENT_TRAITS::kOpacityByLayer) traits.opacity = ofLayer.opacity;
+  if (traits.opacity == ENT_TRAITS::kOpacityByBlock) traits.opacity = m_traits.opacity;
+  traits.isVisible = traits.isVisible && m_traits.isVisible;
+  return traits;
+}
+
 CEntInsertStack::CEntInsertStack(double pixelSize) : m_pixelSize(pixelSize) {
   m_saved.reserve(kUsualDepth);
 }
 
 void CEntInsertStack::Push(const CEntInsertBase* insert, int row, int col) {
   // Saved instead of recomputed, because inverting a matrix would lose precision.
-  const Saved outer{m_matrix, m_layer, m_color, m_ltype};
+  const Saved outer{m_matrix, m_layer, m_color, m_ltype, m_traits};
   m_saved.push_back(outer);
   m_inserts.push_back(insert);
   m_matrix = outer.matrix * CEntInsertMatrix(m_pixelSize, *insert, row, col);
@@ -58,6 +81,7 @@ void CEntInsertStack::Push(const CEntInsertBase* insert, int row, int col) {
   // last.
   m_color = ResolveColor(*insert);
   m_ltype = ResolveLtype(*insert);
+  m_traits = ResolveTraits(*insert);
   m_layer = ResolveLayer(*insert);
 }
 
@@ -68,6 +92,7 @@ void CEntInsertStack::Pop() {
   m_layer = outer.layer;
   m_color = outer.color;
   m_ltype = outer.ltype;
+  m_traits = outer.traits;
   m_saved.pop_back();
   m_inserts.pop_back();
 }

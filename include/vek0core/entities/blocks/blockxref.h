@@ -248,14 +248,15 @@ class VEK0_API CLayerXRef : public CLayer {
 
   CBlockXRef& getXRef() const { return m_xref; }
 
-  /// The layer's properties in the other drawing. Linetype, color, line width and visibility are
-  /// set to these, except where they were changed since the last update. On the first update the
-  /// layer keeps its properties.
+  /// The layer's properties in the other drawing. Linetype, color, line width, traits and
+  /// visibility are set to these, except where they were changed since the last update. On the
+  /// first update the layer keeps its properties.
   struct Look {
     CLtype* ltype;
     short color;
     long flags;
     enumLineWidth width;
+    LAYER_TRAITS traits;
   };
   void follow(const Look& look);
   /// The properties from the last update.
@@ -268,6 +269,8 @@ class VEK0_API CLayerXRef : public CLayer {
   CLayerXRef(CBlockXRef& xref, const zim::WString& name, CLtype* ltype, short color, long flags);
 
  private:
+  void followColor(const Look& look);
+
   CBlockXRef& m_xref;
   std::optional<Look> m_told;
   mutable zim::WString m_fullName;  // composed on demand, because either name may change

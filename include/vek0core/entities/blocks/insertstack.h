@@ -4,6 +4,7 @@
 
 #include "vek0core/entities/blocks/insertmatrix.h"
 #include "vek0core/export.h"
+#include "vek0core/tables/enttraits.h"
 
 class CEnt;
 class CEntInsertBase;
@@ -17,6 +18,9 @@ class CLtype;
 /// linetypes are those of the insert, BYLAYER ones those of the layer found this way. Outside all
 /// inserts BYBLOCK is color 7 and Continuous. A null linetype means Continuous here, and so does
 /// BYLAYER or BYBLOCK as the linetype of a layer.
+///
+/// True color, lineweight and opacity are inherited likewise. Outside all inserts the lineweight
+/// BYBLOCK is the default, the opacity BYBLOCK full. An invisible insert hides its block.
 class VEK0_API CEntInsertStackState {
  public:
   int GetNoInsert() const { return static_cast<int>(m_inserts.size()); }
@@ -43,17 +47,23 @@ class VEK0_API CEntInsertStackState {
   short ResolveColor(const CEnt& ent) const;
   /// Its effective linetype; null is Continuous.
   CLtype* ResolveLtype(const CEnt& ent) const;
+  /// Its effective traits: nothing is BYLAYER or BYBLOCK. The true color is that of the entity, its
+  /// layer or an insert, wherever `ResolveColor` finds the color number.
+  ENT_TRAITS ResolveTraits(const CEnt& ent) const;
 
  protected:
   friend class CEntInsertStack;
   CEntInsertStackState() = default;
 
  private:
+  static ENT_TRAITS plainTraits();
+
   std::vector<const CEntInsertBase*> m_inserts;
   CEntInsertMatrix m_matrix;
   CLayer* m_layer = nullptr;
   short m_color = 7;
   CLtype* m_ltype = nullptr;
+  ENT_TRAITS m_traits = plainTraits();  // the current meaning of BYBLOCK
 };
 
 /// Stack for the state of a traversal of nested inserts. The caller must bound the depth: recursive
@@ -77,6 +87,7 @@ class VEK0_API CEntInsertStack : public CEntInsertStackState {
     CLayer* layer;
     short color;
     CLtype* ltype;
+    ENT_TRAITS traits;
   };
 
   double m_pixelSize;

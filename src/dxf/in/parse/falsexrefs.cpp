@@ -28,7 +28,8 @@ void replaceItems(CData& data, CBlockXRef& xref, CTableRemapper& items) {
     const zim::WString name = of.getFullName();
     if (!data.getLayerTable().get(name))
       addNew(data.getLayerTable(),
-             data.getLayerFactory().create(name, of.getLtype(), of.getColor(), ownFlags(of)));
+             data.getLayerFactory().create(name, of.getLtype(), of.getColor(), ownFlags(of)))
+          ->copyExtras(of);
     items.ChangeInto(&of, data.getLayerTable().get(name));
   }
 }
