@@ -21,14 +21,14 @@ int main(int argc, char** argv) {
   OFFSET_OPTIONS options;
   options.join = OFFSET_JOIN::mitre;
   // Positive distances are to the right of the direction of travel, negative ones to the left.
-  if (!offsetPath(outline, 0.3, options, inner)) return 1;
+  if (!offsetPath(outline, -0.3, options, inner)) return 1;
   for (const PATH_3D& path : {outline, inner.at(0)})
     model.add(
         createEntFromPath(drawing->getHandleGestor(), drawing->getEntFactory(), path, *likeThis));
 
   std::vector<PNT_3D> floor;
   for (const EDGE_3D& edge : inner[0].edges) floor.push_back(edge.p1);
-  model.add(createEntHatch(*drawing, *getHatch(u"ANSI31"), 0.05, 0, floor, 0));
+  model.add(createEntHatch(*drawing, *getHatch(u"ANSI31"), 2, 0, floor, 0));
   std::printf("the floor measures %g\n", inner[0].area());
   return saveDrawing(*drawing, argv[1]) ? 0 : 1;
 }

@@ -15,8 +15,7 @@ class Decoder {
   DecodedText run() {
     while (!m_rest.empty()) step();
     // Lines that are not ended extend to the end of the text.
-    close(m_under, false);
-    close(m_over, true);
+    for (const TextRule each : {TextRule::Under, TextRule::Over, TextRule::Through}) close(each);
     m_result.string = zim::WString(m_seen);
     return std::move(m_result);
   }
@@ -47,10 +46,13 @@ class Decoder {
         return put(u'%');
       case u'u':
       case u'U':
-        return rule(m_under, false);
+        return rule(TextRule::Under);
       case u'o':
       case u'O':
-        return rule(m_over, true);
+        return rule(TextRule::Over);
+      case u'k':
+      case u'K':
+        return rule(TextRule::Through);
       default:
         return takeNumber();
     }
@@ -73,24 +75,26 @@ class Decoder {
     return true;
   }
 
-  bool rule(std::size_t& since, bool over) {
+  bool rule(TextRule which) {
     m_rest.remove_prefix(3);
+    std::size_t& since = m_since[static_cast<std::size_t>(which)];
     if (since == kNone)
       since = m_seen.size();
     else
-      close(since, over);
+      close(which);
     return true;
   }
 
-  void close(std::size_t& since, bool over) {
+  void close(TextRule which) {
+    std::size_t& since = m_since[static_cast<std::size_t>(which)];
     if (since != kNone && since < m_seen.size())
-      m_result.ruled.push_back({since, m_seen.size(), over});
+      m_result.ruled.push_back({since, m_seen.size(), which});
     since = kNone;
   }
 
   std::u16string_view m_rest;
   std::u16string m_seen;
-  std::size_t m_under = kNone, m_over = kNone;
+  std::size_t m_since[3] = {kNone, kNone, kNone};  // where the lines begin, by `TextRule`
   DecodedText m_result;
 };
 

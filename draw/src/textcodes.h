@@ -7,10 +7,12 @@
 
 namespace vek0::detail {
 
-/// A range of a text with a line under or over it: characters from `first` up to `end`.
+enum class TextRule { Under, Over, Through };
+
+/// A range of a text with a line under, over or through it: characters from `first` up to `end`.
 struct RuledStretch {
   std::size_t first, end;
-  bool over;
+  TextRule rule;
 };
 
 /// A text as displayed.
@@ -20,8 +22,8 @@ struct DecodedText {
 };
 
 /// Replaces %%d by the degree sign, %%p by plus-minus, %%c by the diameter sign, %%nnn by the
-/// character of that number (by nothing below 32) and %%% by %, and removes %%u and %%o, which
-/// toggle underline and overline.
+/// character of that number (by nothing below 32) and %%% by %, and removes %%u, %%o and %%k,
+/// which toggle lines under, over and through the text.
 DecodedText decodeTextCodes(const zim::WString& text);
 
 }  // namespace vek0::detail

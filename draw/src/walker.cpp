@@ -21,7 +21,7 @@ constexpr int kPlacedBits = 20;
 constexpr long kManyChords = 1 << 16;     // of a polyline: more count as unfolding
 constexpr double kEffortPerEntity = 128;  // of model space, beyond that of the options
 constexpr long kInvisible = 1;            // bit of the flags of attributes
-constexpr double kRuleBelow = 0.2, kRuleThrough = 0.5, kRuleAbove = 1.2;  // of the height unit
+constexpr double kRuleUnder = -0.2, kRuleThrough = 0.5, kRuleOver = 1.2;  // of the height unit
 
 bool isWide(const WIDE_VERTEX& v) { return v.widthStart != 0 || v.widthEnd != 0; }
 
@@ -62,6 +62,11 @@ double widthOf(const CWndVpt& window) {
 
 double heightOf(const CWndVpt& window) {
   return window.getViewYDistance(window.getWindow().max.y - window.getWindow().min.y);
+}
+
+double heightOf(TextRule rule) {
+  if (rule == TextRule::Through) return kRuleThrough;
+  return rule == TextRule::Over ? kRuleOver : kRuleUnder;
 }
 
 }  // namespace
@@ -455,7 +460,7 @@ void Walker::drawText(const TEXT_3D& text, const Placement& place) {
   }
   m_out.text(run);
   for (const RuledStretch& ruled : decoded.ruled)
-    drawRule(run, ruled.first, ruled.end, (ruled.over ? kRuleAbove : -kRuleBelow) * unit);
+    drawRule(run, ruled.first, ruled.end, heightOf(ruled.rule) * unit);
 }
 
 void Walker::drawRule(const DrawText& run, std::size_t first, std::size_t end, double y) {

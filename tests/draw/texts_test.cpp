@@ -74,7 +74,7 @@ TEST(Texts, Codes) {
   }
 }
 
-TEST(Texts, LinesUnderAndOverThem) {
+TEST(Texts, LinesUnderOverAndThroughThem) {
   for (const Row& t : rows()) {
     SCOPED_TRACE(t.wide("text").toUtf8());
     Scene scene;
@@ -84,8 +84,8 @@ TEST(Texts, LinesUnderAndOverThem) {
     const auto& rule = drawn.things[1].points;
     EXPECT_NEAR(rule[0].x, 500 + t.real("from") * kAdvance * 10, 1e-9);
     EXPECT_NEAR(rule[1].x, 500 + t.real("to") * kAdvance * 10, 1e-9);
-    EXPECT_EQ(rule[0].y < 500 - 10, t.flag("over"));
-    EXPECT_EQ(rule[0].y > 500, !t.flag("over"));
+    EXPECT_EQ(rule[0].y < 500 - 10, t.text("side") == "over");
+    EXPECT_EQ(rule[0].y > 500, t.text("side") == "under");
   }
 }
 

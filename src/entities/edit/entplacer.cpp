@@ -197,16 +197,18 @@ void EntPlacer::visit(CEntPolyline& ent) {
   };
   // Sheared arcs are no arcs any more, so their chords are used.
   m_keepsAngles ? ent.forEachBulged(add) : ent.forEachVisible(add);
-  CEntPolyline* made = m_maker.ents.createEntPolyline(
-      m_maker.gestor, layerOf(ent), ltypeOf(ent), colorOf(ent), ent.getFlags(), ent.getDegree(), 0);
+  std::unique_ptr<CEntPolyline> made(
+      m_maker.ents.createEntPolyline(m_maker.gestor, layerOf(ent), ltypeOf(ent), colorOf(ent),
+                                     ent.getFlags(), ent.getDegree(), 0));
   if (made) made->setBulgedVertexes(m_maker.gestor, m_maker.ents, vertexes.data(), vertexes.size());
-  take(made, ent);
+  take(made.release(), ent);
 }
 
 // The curve is defined by the placed control points, so both are placed the same way.
 void EntPlacer::placeCurve(CEntPolyline& ent) {
-  CEntPolyline* made = m_maker.ents.createEntPolyline(
-      m_maker.gestor, layerOf(ent), ltypeOf(ent), colorOf(ent), ent.getFlags(), ent.getDegree(), 0);
+  std::unique_ptr<CEntPolyline> made(
+      m_maker.ents.createEntPolyline(m_maker.gestor, layerOf(ent), ltypeOf(ent), colorOf(ent),
+                                     ent.getFlags(), ent.getDegree(), 0));
   if (!made) return m_maker.take(nullptr);
   const auto add = [&](long i, bool isVisible) {
     const CVertex& v = ent.GetVertex(static_cast<int>(i));
@@ -221,7 +223,7 @@ void EntPlacer::placeCurve(CEntPolyline& ent) {
   for (long i = 0; i < ent.getNoTotalVertexes() && isWhole; ++i)
     isWhole = add(i, i >= ent.getFirstVisibleVertex());
   made->calcBdry();
-  take(made, ent);
+  take(made.release(), ent);
   if (!isWhole) m_maker.isRefused = true;
 }
 
@@ -276,8 +278,11 @@ bool EntPlacer::setPlaced(CEntInsert& copy, const CEntInsert& ent) const {
 }
 
 void EntPlacer::copyAttribs(const CEntInsertBase& from, CEntInsertBase& to) {
-  for (unsigned i = 0; i < from.GetNoAttribs(); ++i)
-    to.add(m_maker.ents.createEntAttrib(m_maker.gestor, *from.GetAttrib(i)));
+  for (unsigned i = 0; i < from.GetNoAttribs(); ++i) {
+    CEntAttrib* copy = m_maker.ents.createEntAttrib(m_maker.gestor, *from.GetAttrib(i));
+    if (!copy) m_maker.isRefused = true;
+    to.add(copy);
+  }
 }
 
 void EntPlacer::visit(CEntInsert& ent) {
