@@ -45,7 +45,7 @@ double cellsOf(const CEntInsertBase& insert) {
 }
 
 // Extends the box by hatches without lines: the entity itself, and those that it inserts.
-void growByLineless(const CEnt& ent, const BLOCK_SUM& inner, RECT_3D& box) {
+void growByLineless(const CEnt& ent, const BLOCK_SUM& inner, double pixelSize, RECT_3D& box) {
   if (ent.getType() == CEntHatch::kType) {
     const auto& hatch = static_cast<const CEntHatch&>(ent);
     if (!ent.getBdry().validRegion() && lacksLines(hatch))
@@ -60,7 +60,7 @@ void growByLineless(const CEnt& ent, const BLOCK_SUM& inner, RECT_3D& box) {
   for (const long row : {0L, std::max(0L, rows - 1)}) {
     for (const long column : {0L, std::max(0L, columns - 1)}) {
       RECT_3D cell;
-      CEntInsertMatrix(0, insert, row, column).transform(inner.lineless, cell);
+      CEntInsertMatrix(pixelSize, insert, row, column).transform(inner.lineless, cell);
       box.updateRegion(cell);
     }
   }
@@ -73,7 +73,7 @@ void add(const CEnt& ent, const BLOCK_SUM& inner, BLOCK_SUM& sum) {
   const double shown = inner.all > 0 ? inner.all * cellsOf(*ent.getEntInsert()) : 0;
   sum.all = std::min(sum.all + pointsOf(ent) + shown, most);
   sum.holdsEndless = sum.holdsEndless || inner.holdsEndless || isEndless(ent);
-  growByLineless(ent, inner, sum.lineless);
+  growByLineless(ent, inner, 0, sum.lineless);
   sum.holdsPoints = sum.holdsPoints || inner.holdsPoints || ent.getType() == CEntPnt::kType;
 }
 
@@ -102,15 +102,17 @@ RECT_3D ShownBoxes::drawn(const CEnt& ent) {
   RECT_3D box = ent.getBdry();
   if (!ent.getEntInsert()) return box;
   const CBlock* shown = blockOf(ent);
-  growByLineless(ent, shown ? sum(*shown) : BLOCK_SUM(), box);
+  growByLineless(ent, shown ? sum(*shown) : BLOCK_SUM(), 0, box);
   return box;
 }
 
 RECT_3D ShownBoxes::of(const CEnt& ent, double pixelSize) {
   const CBlock* shown = blockOf(ent);
-  if (isEndless(ent) || (shown && holdsEndless(*shown))) return everywhere();
-  RECT_3D box = drawn(ent);
+  const BLOCK_SUM inner = shown ? sum(*shown) : BLOCK_SUM();
+  if (isEndless(ent) || inner.holdsEndless) return everywhere();
+  RECT_3D box = ent.getBdry();
   if (ent.getType() == CEntFixedInsert::kType) ent.GetBdry(pixelSize, box);
+  if (ent.getEntInsert()) growByLineless(ent, inner, pixelSize, box);
   if (!isText(ent) || !box.validRegion()) return box;
   // Accents and descenders extend beyond the metrics of a text.
   const double more =

@@ -64,6 +64,15 @@ double heightOf(const CWndVpt& window) {
   return window.getViewYDistance(window.getWindow().max.y - window.getWindow().min.y);
 }
 
+// Whether arcs make many times as many chords as the file has vertices.
+bool unfoldsArcs(const CEntPolyline& ent) {
+  constexpr long manyTimes = 8;
+  if (ent.getNoVisibleVertexes() <= kManyChords || !ent.hasArcRuns()) return false;
+  long given = 0;
+  ent.forEachBulged([&](const PNT_3D&, double, double, double, vek0::Handle) { ++given; });
+  return ent.getNoVisibleVertexes() > manyTimes * given;
+}
+
 double heightOf(TextRule rule) {
   if (rule == TextRule::Through) return kRuleThrough;
   return rule == TextRule::Over ? kRuleOver : kRuleUnder;
@@ -263,7 +272,7 @@ void Walker::strokeEndless(const LINE_3D& line, LineReach reach) {
 void Walker::visit(CEntPolyline& ent) {
   if (!pattern() && ent.hasArcRuns() && !ent.isWide() && m_place.isSimilar())
     return strokeRuns(ent);
-  const bool unfolds = ent.getNoVisibleVertexes() > kManyChords && ent.hasArcRuns();
+  const bool unfolds = unfoldsArcs(ent);
   if (unfolds) m_out.beginUnfolding();
   // A bulge unfolds to hundreds of chords, which have twice as many points if it is wide.
   const bool isCoarse = unfolds && isScarce(2 * static_cast<double>(ent.getNoVisibleVertexes()));
@@ -348,6 +357,10 @@ void Walker::strokeSegments(const CEntPolyline& ent, bool isCoarse) {
 
 // Appends the chords of an arc, with its end; the width changes linearly.
 void Walker::addChords(const BULGED_VERTEX& from, const PNT_3D& to) {
+  if (from.bulge == 0) {
+    m_way.push_back({pointOf(from), from.widthStart, from.widthEnd});
+    return m_way.push_back({to, from.widthEnd, from.widthEnd});
+  }
   std::vector<PNT_3D> chords{pointOf(from)};
   bulgePoints(chords[0], to, from.bulge, chords);
   const double growth = (from.widthEnd - from.widthStart) / static_cast<double>(chords.size() - 1);

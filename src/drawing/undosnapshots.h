@@ -32,7 +32,7 @@ class ContentMark {
   unsigned long m_noContents;
 };
 
-/// Layer, linetype and color of an entity.
+/// Layer, linetype, color and traits of an entity.
 class PropertiesSnapshot final : public UndoAction {
  public:
   static constexpr int kPart = 0;

@@ -42,9 +42,11 @@ bool isIdleHatchBlock(const CBlockTable& table, const CBlock* block) {
 }
 
 // Steps may restore objects that refer to items retired by references meanwhile.
-void reinstateUsed(CData& data) {
+void reinstateUsed(CData& data) try {
   for (int i = 0; i < data.getBlockXRefTable().size(); ++i)
     data.getBlockXRefTable()[i]->reinstate([&](const auto& item) { return isUsed(data, item); });
+} catch (const std::bad_alloc&) {
+  // The next step retries.
 }
 
 // The content of a reference is reloaded, so its edits could not be undone.
@@ -109,11 +111,7 @@ bool CUndoStack::commit() {
 void CUndoStack::rollback() {
   if (m_depth == 0) return;
   unwind(0);
-  try {
-    reinstateUsed(m_data);
-  } catch (const std::bad_alloc&) {
-    // The next step retries.
-  }
+  reinstateUsed(m_data);
   m_depth = 0;
   m_open.clear();
   forgetTargets(m_kept);
@@ -126,6 +124,7 @@ void CUndoStack::unwind(std::size_t count) {
 
 bool CUndoStack::undo() {
   if (m_depth != 0 || m_done.empty() || !trySwap(m_done.back(), false)) return false;
+  reinstateUsed(m_data);
   m_undone.splice(m_undone.end(), m_done, std::prev(m_done.end()));
   // Sizes change: an action that holds a removed object counts its memory.
   measure(m_undone.back());
@@ -134,6 +133,7 @@ bool CUndoStack::undo() {
 
 bool CUndoStack::redo() {
   if (m_depth != 0 || m_undone.empty() || !trySwap(m_undone.back(), true)) return false;
+  reinstateUsed(m_data);
   m_done.splice(m_done.end(), m_undone, std::prev(m_undone.end()));
   measure(m_done.back());
   return true;
@@ -156,8 +156,6 @@ void CUndoStack::swapAll(Step& step, bool forward) {
   std::size_t done = 0;
   try {
     for (; done < count; ++done) action(done).swap(m_data);
-    // Within the protected range, because it may need memory too.
-    reinstateUsed(m_data);
   } catch (const std::bad_alloc&) {
     while (done > 0) action(--done).swapBack(m_data);
     throw;

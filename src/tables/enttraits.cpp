@@ -41,7 +41,7 @@ class Table {
     Slot& slot = at(index);
     slot.traits = traits;
     m_listed.insert(index);
-    if (index == m_free) m_free = slot.nextFree;
+    m_free = slot.nextFree;
     slot.isListed = true;
     slot.uses = 1;
     return index;

@@ -386,3 +386,19 @@ TEST(Coarse, ArcsKeepWithinADetail) {
     EXPECT_LT(points, 120'000U);
   }
 }
+
+// Vertices that the file holds itself are no unfolding, even with an arc among them.
+TEST(Coarse, LongPolylinesAreDrawnAsTheyAre) {
+  Maker m;
+  std::vector<BULGED_VERTEX> zigzag;
+  for (int i = 0; i < 70'000; ++i)
+    zigzag.push_back({i % 500 * 2.0, i % 2 * 900.0, 0, 1, 1, i == 0 ? 0.5 : 0, 0});
+  CEntPolyline* polyline = createEntPolyline(*m.scene.data, 0, 0, 0);
+  polyline->setBulgedVertexes(zigzag.data(), zigzag.size());
+  m.scene.add(polyline);
+  DRAW_OPTIONS options;
+  options.effort = 1000;
+  m.scene.draw(options);
+  EXPECT_FALSE(m.scene.result.cut);
+  EXPECT_EQ(m.scene.result.simplified, 0U);
+}

@@ -233,7 +233,10 @@ TEST_F(Explode, HatchesGiveLinesAndStayHatchesInBlocks) {
       createEntHatch(*data, layer(), ltype(), 4, *getHatch(u"ANSI31"), 8, 0, ring, 0);
   ASSERT_NE(hatch, nullptr);
   const std::size_t lines = hatch->getBlock()->size();
+  const ENT_TRAITS traits{5, 25, 99, true, 1, 0};
+  hatch->setTraits(traits);
   EXPECT_EQ(explode(*hatch).size(), lines);
+  for (const auto& line : explode(*hatch)) EXPECT_TRUE(line->getTraits() == traits);
   EXPECT_EQ(made->getEnts()[0]->getColor(), 4);
   CBlock* b = block("B", {hatch});
   const Ents& kept = explode(*keptInsert(b, PNT_3D(5, 0, 0), 2, 2, 0.5));

@@ -33,8 +33,9 @@ struct DRAW_OPTIONS {
   /// per place, and arrays of it become areas; of larger content spaced more closely than this,
   /// some is skipped.
   double finestDetail = 1;
-  /// Limit, in points, for what inserts, hatches and linetypes may unfold to, beyond a generous
-  /// multiple of the drawing's own content. The picture is cut when it is used up.
+  /// Limit, in points, for what inserts, hatches, linetypes and the arcs of long polylines may
+  /// unfold to, beyond a generous multiple of the drawing's own content. The picture is cut when it
+  /// is used up.
   double effort = 3'000'000;
   /// For painters of pixels: number of pixels that take as long as a point; 0 if sizes do not
   /// affect the cost.

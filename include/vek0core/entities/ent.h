@@ -134,7 +134,8 @@ class VEK0_API CEnt : public IHandleEnt {
   /// Also removes the true color, which would hide the new one. Throws `std::bad_alloc` with
   /// nothing changed if other traits are left.
   void setColor(short color);
-  /// Color beyond the color number, lineweight, opacity, visibility, linetype scale and thickness.
+  /// True color, lineweight, opacity, visibility, linetype scale and thickness. Valid until they
+  /// change.
   const ENT_TRAITS& getTraits() const { return m_traits.get(); }
   /// Throws `std::bad_alloc` with nothing changed.
   void setTraits(const ENT_TRAITS& traits) { m_traits = vek0::detail::EntTraitsRef(traits); }

@@ -299,6 +299,7 @@ void CFileDXFOSaver::writeLayer(const CLayer& layer) {
     color = vek0::detail::kColorDefault;
   }
   if (layer.getLineWidth() != lineWidthDefault) report(ReportCode::LineweightDropped, name);
+  if (layer.getTraits() != LAYER_TRAITS()) report(ReportCode::CodeDropped, name);
   write(0, u"LAYER");
   m_writer.writeText(2, name);
   write(70, dependentFlags(layer.getFlags(), name) & kFlagBits);

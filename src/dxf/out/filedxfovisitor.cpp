@@ -232,8 +232,24 @@ vek0::Handle CFileDXFOVisitor::begin(const char* kind, const CEnt& ent) {
   return def_visit(ent);
 }
 
+// Traits are not written yet.
+void CFileDXFOVisitor::reportTraits(const ENT_TRAITS& traits) {
+  const ENT_TRAITS none;
+  if (traits == none) return;
+  const auto drop = [this](bool isLoss, const char* code) {
+    if (isLoss) report(ReportCode::CodeDropped, code);
+  };
+  drop(traits.thickness != none.thickness, "39");
+  drop(traits.ltypeScale != none.ltypeScale, "48");
+  drop(traits.isVisible != none.isVisible, "60");
+  drop(traits.lineweight != none.lineweight, "370");
+  drop(traits.trueColor != none.trueColor, "420");
+  drop(traits.opacity != none.opacity, "440");
+}
+
 vek0::Handle CFileDXFOVisitor::def_visit(const CEnt& ent) {
   const vek0::Handle handle = writeHandle(ent.GetHandle());
+  reportTraits(ent.getTraits());
   m_writer.writeEncoded(8, m_names->layer(ent.getLayer()));
   // BYLAYER is the default of files and is omitted.
   if (ent.getLtype() && !ent.getLtype()->isByLayer())

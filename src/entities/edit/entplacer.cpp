@@ -103,25 +103,32 @@ short EntPlacer::colorOf(const CEnt& ent) const {
   return m_look && ent.getColor() == kColorByBlock ? m_look->color : ent.getColor();
 }
 
-// An invisible insert hides its content.
+// An invisible insert hides its content. The lines of a hatch have no properties of their own.
 ENT_TRAITS EntPlacer::traitsOf(const CEnt& ent) const {
   ENT_TRAITS traits = ent.getTraits();
+  traits.thickness *= m_matrix.getScaleZ();
   if (!m_look) return traits;
   const ENT_TRAITS& insert = m_look->traits;
+  const bool isOfHatch = m_look->layer != nullptr;
   if (ent.getColor() == kColorByBlock && !traits.hasTrueColor())
     traits.trueColor = insert.trueColor;
-  if (traits.lineweight == ENT_TRAITS::kWeightByBlock) traits.lineweight = insert.lineweight;
-  if (traits.opacity == ENT_TRAITS::kOpacityByBlock) traits.opacity = insert.opacity;
+  if (isOfHatch || traits.lineweight == ENT_TRAITS::kWeightByBlock)
+    traits.lineweight = insert.lineweight;
+  if (isOfHatch || traits.opacity == ENT_TRAITS::kOpacityByBlock) traits.opacity = insert.opacity;
   traits.isVisible = traits.isVisible && insert.isVisible;
   return traits;
 }
 
+// Gives a copy what no factory takes.
+void EntPlacer::dress(CEnt& made, const CEnt& src) const {
+  made.copyExtras(src);
+  const ENT_TRAITS traits = traitsOf(src);
+  if (traits != src.getTraits()) made.setTraits(traits);
+}
+
 void EntPlacer::take(CEnt* made, const CEnt& src) {
   std::unique_ptr<CEnt> owned(made);
-  if (owned) {
-    owned->copyExtras(src);
-    owned->setTraits(traitsOf(src));
-  }
+  if (owned) dress(*owned, src);
   m_maker.take(owned.release());
 }
 
@@ -387,11 +394,14 @@ bool EntPlacer::placeHatch(CEntHatch& ent) {
   std::unique_ptr<CEntHatch> copy(m_maker.ents.createEntHatch(
       m_maker.gestor, layerOf(ent), ltypeOf(ent), colorOf(ent), block.get(), ent.getHatchType(),
       ent.getHatchScale() * m_scale, turned(ent.getHatchRotate()), boundary, 0));
+  // Nothing may throw once the table owns the block.
+  if (copy) dress(*copy, ent);
+  m_maker.made.reserve(before + 1);
   if (!copy || m_maker.isRefused || !addHatchBlock(m_maker.table, block)) {
     m_maker.isRefused = true;
     return true;
   }
-  take(copy.release(), ent);
+  m_maker.take(copy.release());
   return true;
 }
 

@@ -51,7 +51,7 @@ struct BlockLook {
 /// arcs if the matrix is conformal, and become chords otherwise. Inserts stay inserts if their axes
 /// remain perpendicular, and are exploded otherwise; hatches stay hatches if the matrix is
 /// conformal and does not mirror, solid ones if it is not singular, and become the content of their
-/// blocks otherwise. Attribute definitions are not copied. A null look keeps colors and linetypes.
+/// blocks otherwise. Attribute definitions are not copied. A null look keeps what is BYBLOCK.
 class EntPlacer final : public IEntVisitor {
  public:
   EntPlacer(EntMaker& maker, const CEntInsertMatrix& matrix, const BlockLook* look, int depth);
@@ -82,6 +82,7 @@ class EntPlacer final : public IEntVisitor {
   CLtype* ltypeOf(const CEnt& ent) const;
   short colorOf(const CEnt& ent) const;
   ENT_TRAITS traitsOf(const CEnt& ent) const;
+  void dress(CEnt& made, const CEnt& src) const;
   void take(CEnt* made, const CEnt& src);
   void takeChords(const CEnt& src, const PNT_3D& center, double radius, double start, double sweep,
                   bool isClosed);

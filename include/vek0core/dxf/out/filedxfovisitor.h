@@ -18,6 +18,7 @@ class LINE_3D;
 class PNT_3D;
 class TEXT_3D;
 struct ATTRIB_PLACE;
+struct ENT_TRAITS;
 
 namespace vek0::detail {
 class SaveFilter;
@@ -76,6 +77,7 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   bool isReady() const;
   vek0::Handle begin(const char* kind, const CEnt& ent);
   vek0::Handle def_visit(const CEnt& ent);
+  void reportTraits(const ENT_TRAITS& traits);
   bool solid_visit(const CEnt3DFace& ent, const char* kind);
   void txt_visit(const TextRecord& text, long stringCode, long verticalCode);
   vek0::Handle insert_visit(const CEntInsertBase& ent);

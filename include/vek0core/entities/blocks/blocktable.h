@@ -69,7 +69,7 @@ class VEK0_API CBlockTable : public CNamedItemTableImp {
   int Redefine(CBlock* block, const PNT_3D& base, long flags, const std::list<CEnt*>& newEntities);
 
   /// Restores a memento of the block and updates registration, graph and extents accordingly.
-  /// Undoes `Redefine`.
+  /// Undoes `Redefine`. Throws `std::bad_alloc` with nothing changed.
   void setMemento(CBlock* block, const CBlockMemento& memento);
   /// The same; `memento` receives the block's previous state. Throws `std::bad_alloc` with nothing
   /// changed; reverting needs no memory.

@@ -17,8 +17,8 @@ class CLayer;
 /// replacing it is up to the caller.
 ///
 /// - An insert yields copies of its block's entities, for every cell of its array, and its
-///   visible attributes as texts. They keep their own layers; color and linetype BYBLOCK
-///   become those of the insert. Inserts in the block stay inserts, one level at a time,
+///   visible attributes as texts. They keep their own layers; what is BYBLOCK
+///   becomes that of the insert. Inserts in the block stay inserts, one level at a time,
 ///     except those that unequal scales would shear: these yield what they show. Where the
 ///   scales are unequal, circles and arcs become polylines of chords (`arcChords`), and so
 ///     do the arcs of polylines; scales that differ only in sign keep arcs.

@@ -28,7 +28,7 @@ VEK0_API double joinTolerance(const std::vector<CEnt*>& ents);
 /// space) into new polylines, each of at least two entities.
 ///
 /// Entities are processed in order, layer by layer if layers are kept apart. A polyline has the
-/// layer, linetype, color and direction of the first of its parts, is extended at its end, then at
+/// properties and direction of the first of its parts, is extended at its end, then at
 /// its start, and is closed if its ends meet. Where several ends meet at a point, the nearest is
 /// joined, the earliest among equals. Joined ends get the point of the part that came first. Other
 /// kinds, closed polylines, null, and entities no longer than the tolerance are skipped. The
