@@ -22,7 +22,7 @@ void keepRandomRefs(unsigned seed, long& faults) {
   std::mt19937 random(seed);
   std::vector<std::pair<unsigned, EntTraitsRef>> held;
   for (int i = 0; i < 40000; ++i) {
-    const unsigned number = random() % 600;
+    const auto number = static_cast<unsigned>(random() % 600);
     if (held.size() < 50) {
       held.emplace_back(number, EntTraitsRef(traitsOf(number)));
     } else if (number % 3 == 0) {
