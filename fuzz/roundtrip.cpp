@@ -1,6 +1,7 @@
 // We must read what we write: saves any drawing that loads, in both forms, and loads it again. It
 // is a failure if we reject our own file, or if a drawing in exchange form changes when it is read
-// and saved again.
+// and saved again. Only values that strict reading keeps and tolerant reading repairs, such as a
+// text without height, may change once, and must then be reported.
 #include <cstdlib>
 
 #include "support.h"
@@ -10,6 +11,13 @@ namespace {
 std::string saved(CData& drawing, unsigned flags) {
   CFileMemory out(u"out.dxf", 2);
   return SaveDXF(drawing, out, flags) ? out.bytes() : std::string();
+}
+
+std::string savedAgain(const std::string& exchanged, CFileReport& report) {
+  const auto drawing = vek0::fuzz::newDrawing();
+  CFileMemory in(u"out.dxf", 1, exchanged);
+  loadDXF(*drawing, in, nullptr, {&report, CFileDXFIPolicy::forAnyFile()});
+  return saved(*drawing, kSaveExchange);
 }
 
 }  // namespace
@@ -30,9 +38,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (again.HasAnError()) std::abort();
   }
   const std::string first = saved(*drawing, kSaveExchange);
-  const auto copy = vek0::fuzz::newDrawing();
-  CFileMemory in(u"out.dxf", 1, first);
-  loadDXF(*copy, in, nullptr, {nullptr, CFileDXFIPolicy::forAnyFile()});
-  if (saved(*copy, kSaveExchange) != first) std::abort();
+  CFileReport repairs;
+  const std::string second = savedAgain(first, repairs);
+  if (second == first) return 0;
+  if (repairs.empty() || savedAgain(second, repairs) != second) std::abort();
   return 0;
 }

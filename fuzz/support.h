@@ -13,7 +13,6 @@ using Drawing = CDataPtr;
 
 /// A new drawing; the first call registers a default font, as hosts do, because strict reading
 /// rejects text styles without any font.
-/// style tables get past their font names.
 inline Drawing newDrawing() {
   CFontTable::getInstance().addPlainDefault();
   return Drawing(CDataFactory().createData());

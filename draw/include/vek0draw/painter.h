@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "vek0core/geometry/pnt.h"
@@ -21,6 +22,8 @@ struct AFFINE_2D {
 /// The source of the next strokes, fills and texts.
 struct DrawItem {
   RGB_COLOR color;
+  double width = 0;                     ///< of strokes, in device units; 0: the painter's own width
+  std::uint8_t alpha = 255;             ///< opacity; 255 is opaque
   const zim::WString* layer = nullptr;  ///< name of the layer that determines visibility; borrowed
   vek0::Handle handle = 0;              ///< of the entity of model space; 0 for none
 };
