@@ -43,6 +43,10 @@ class VEK0_API CDataVariables {
   short getCurColor() const { return m_curColor; }
   void setCurColor(short color) { m_curColor = color; }
 
+  /// Linetype scale of new entities (`$CELTSCALE`), besides that of all linetypes.
+  double getCurLtypeScale() const { return m_curLtypeScale; }
+  void setCurLtypeScale(double scale) { m_curLtypeScale = scale; }
+
   /// Display of angles: 0 decimal degrees, 2 gradians, 3 radians.
   short getAngFormat() const { return m_angFormat; }
   void setAngFormat(short format) { m_angFormat = format; }
@@ -63,6 +67,17 @@ class VEK0_API CDataVariables {
   double getPointSize() const { return m_pointSize; }
   void setPointSize(double size) { m_pointSize = size; }
 
+  /// The lineweight that "default" means (`$LWDEFAULT`), in hundredths of a millimeter.
+  short getDefaultLineweight() const { return m_defaultLineweight; }
+  void setDefaultLineweight(short weight) { m_defaultLineweight = weight; }
+  /// Whether screens show lineweights (`$LWDISPLAY`).
+  bool isLineweightShown() const { return m_lineweightShown; }
+  void setLineweightShown(bool on) { m_lineweightShown = on; }
+  /// The drawing unit as the number that files state (`$INSUNITS`): 0 none, 1 inch, 2 foot, 4
+  /// millimeter, 5 centimeter, 6 meter and so on.
+  short getUnits() const { return m_units; }
+  void setUnits(short units) { m_units = units; }
+
  private:
   friend class CData;
   CDataVariables(CLayer0& layer0, CLtypeByLayer& byLayer);
@@ -82,4 +97,8 @@ class VEK0_API CDataVariables {
   bool m_angClockWise = false;
   short m_pointMode = 0;
   double m_pointSize = 0.0;
+  double m_curLtypeScale = 1.0;
+  short m_defaultLineweight = 25;
+  short m_units = 0;
+  bool m_lineweightShown = false;
 };

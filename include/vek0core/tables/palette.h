@@ -16,6 +16,11 @@ constexpr RGB_COLOR unpackColor(long packed) {
           static_cast<std::uint8_t>(packed)};
 }
 
+/// The inverse.
+constexpr std::uint32_t packColor(const RGB_COLOR& color) {
+  return static_cast<std::uint32_t>(color.r << 16 | color.g << 8 | color.b);
+}
+
 /// The RGB value of a color number from 1 to 255. Color 7, which is black or white depending on the
 /// background, is white here, as is any number out of range.
 VEK0_API RGB_COLOR paletteColor(int number);

@@ -19,67 +19,80 @@ class EntBuilder {
 
   template <class... Args>
   auto point(const EntProperties& p, Args&&... args) const {
-    return owned(m_factory.createEntPnt(m_gestor, p.layer, p.ltype, p.color,
-                                        std::forward<Args>(args)..., p.handle));
+    return dressed(m_factory.createEntPnt(m_gestor, p.layer, p.ltype, p.color,
+                                          std::forward<Args>(args)..., p.handle),
+                   p);
   }
   template <class... Args>
   auto line(const EntProperties& p, Args&&... args) const {
-    return owned(m_factory.createEntLine(m_gestor, p.layer, p.ltype, p.color,
-                                         std::forward<Args>(args)..., p.handle));
+    return dressed(m_factory.createEntLine(m_gestor, p.layer, p.ltype, p.color,
+                                           std::forward<Args>(args)..., p.handle),
+                   p);
   }
   template <class... Args>
   auto circle(const EntProperties& p, Args&&... args) const {
-    return owned(m_factory.createEntCircle(m_gestor, p.layer, p.ltype, p.color,
-                                           std::forward<Args>(args)..., p.handle));
+    return dressed(m_factory.createEntCircle(m_gestor, p.layer, p.ltype, p.color,
+                                             std::forward<Args>(args)..., p.handle),
+                   p);
   }
   template <class... Args>
   auto arc(const EntProperties& p, Args&&... args) const {
-    return owned(m_factory.createEntArc(m_gestor, p.layer, p.ltype, p.color,
-                                        std::forward<Args>(args)..., p.handle));
+    return dressed(m_factory.createEntArc(m_gestor, p.layer, p.ltype, p.color,
+                                          std::forward<Args>(args)..., p.handle),
+                   p);
   }
   std::unique_ptr<CEntPolyline> polyline(const EntProperties& p, short flags, short degree) const {
-    return owned(
-        m_factory.createEntPolyline(m_gestor, p.layer, p.ltype, p.color, flags, degree, p.handle));
+    return dressed(
+        m_factory.createEntPolyline(m_gestor, p.layer, p.ltype, p.color, flags, degree, p.handle),
+        p);
   }
   template <class... Args>
   auto text(const EntProperties& p, Args&&... args) const {
-    return owned(m_factory.createEntText(m_gestor, p.layer, p.ltype, p.color,
-                                         std::forward<Args>(args)..., p.handle));
+    return dressed(m_factory.createEntText(m_gestor, p.layer, p.ltype, p.color,
+                                           std::forward<Args>(args)..., p.handle),
+                   p);
   }
   template <class... Args>
   auto attdef(const EntProperties& p, Args&&... args) const {
-    return owned(m_factory.createEntAttdef(m_gestor, p.layer, p.ltype, p.color,
-                                           std::forward<Args>(args)..., p.handle));
+    return dressed(m_factory.createEntAttdef(m_gestor, p.layer, p.ltype, p.color,
+                                             std::forward<Args>(args)..., p.handle),
+                   p);
   }
   template <class... Args>
   auto attrib(const EntProperties& p, Args&&... args) const {
-    return owned(m_factory.createEntAttrib(m_gestor, p.layer, p.ltype, p.color,
-                                           std::forward<Args>(args)..., p.handle));
+    return dressed(m_factory.createEntAttrib(m_gestor, p.layer, p.ltype, p.color,
+                                             std::forward<Args>(args)..., p.handle),
+                   p);
   }
   template <class... Args>
   auto insert(const EntProperties& p, Args&&... args) const {
-    return owned(m_factory.createEntInsert(m_gestor, p.layer, p.ltype, p.color,
-                                           std::forward<Args>(args)..., p.handle));
+    return dressed(m_factory.createEntInsert(m_gestor, p.layer, p.ltype, p.color,
+                                             std::forward<Args>(args)..., p.handle),
+                   p);
   }
   template <class... Args>
   auto xrefInsert(const EntProperties& p, Args&&... args) const {
-    return owned(m_factory.createEntInsertXRef(m_gestor, p.layer, p.ltype, p.color,
-                                               std::forward<Args>(args)..., p.handle));
+    return dressed(m_factory.createEntInsertXRef(m_gestor, p.layer, p.ltype, p.color,
+                                                 std::forward<Args>(args)..., p.handle),
+                   p);
   }
   template <class... Args>
   auto hatch(const EntProperties& p, Args&&... args) const {
-    return owned(m_factory.createEntHatch(m_gestor, p.layer, p.ltype, p.color,
-                                          std::forward<Args>(args)..., p.handle));
+    return dressed(m_factory.createEntHatch(m_gestor, p.layer, p.ltype, p.color,
+                                            std::forward<Args>(args)..., p.handle),
+                   p);
   }
   template <class... Args>
   auto face(const EntProperties& p, Args&&... args) const {
-    return owned(m_factory.createEnt3DFace(m_gestor, p.layer, p.ltype, p.color,
-                                           std::forward<Args>(args)..., p.handle));
+    return dressed(m_factory.createEnt3DFace(m_gestor, p.layer, p.ltype, p.color,
+                                             std::forward<Args>(args)..., p.handle),
+                   p);
   }
   template <class... Args>
   auto filledFace(const EntProperties& p, Args&&... args) const {
-    return owned(m_factory.createEntSolid(m_gestor, p.layer, p.ltype, p.color,
-                                          std::forward<Args>(args)..., p.handle));
+    return dressed(m_factory.createEntSolid(m_gestor, p.layer, p.ltype, p.color,
+                                            std::forward<Args>(args)..., p.handle),
+                   p);
   }
   /// Wraps an object that the factory made; null is the same error.
   template <class Ent>
@@ -89,6 +102,13 @@ class EntBuilder {
   }
 
  private:
+  template <class Ent>
+  std::unique_ptr<Ent> dressed(Ent* ent, const EntProperties& p) const {
+    std::unique_ptr<Ent> made = owned(ent);
+    if (made && p.traits != ENT_TRAITS()) made->setTraits(p.traits);
+    return made;
+  }
+
   CEntFactory& m_factory;
   IHandleGestor& m_gestor;
   CFileDXFIError& m_err;

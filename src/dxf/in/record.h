@@ -4,6 +4,7 @@
 #include <initializer_list>
 
 #include "vek0core/geometry/pnt.h"
+#include "vek0core/tables/enttraits.h"
 #include "vek0core/tables/handle.h"
 #include "zim0lang/wstring.h"
 
@@ -58,6 +59,7 @@ struct EntProperties {
   CLtype* ltype = nullptr;
   short color = 256;
   vek0::Handle handle = 0;
+  ENT_TRAITS traits = {};
 
   /// The same for another object.
   EntProperties withHandle(vek0::Handle other) const {
@@ -73,12 +75,9 @@ class Record : public EntProperties {
  public:
   /// Texts are the codes up to 3, reals those of 10 to 59, integers 60 to 99.
   static constexpr long kTexts = 4, kReals = 60, kIntegers = 100;
-  static constexpr long kNoTrueColor = -1;
 
   CodeSet seen;
   CStyle* style = nullptr;
-  long trueColor = kNoTrueColor;       ///< red, green and blue, one byte each; takes precedence
-                                       ///< over `color`
   PNT_3D extrusion = PNT_3D(0, 0, 1);  ///< normal of the record's plane
 
   /// Starts a record with the default linetype of entities.
@@ -87,7 +86,6 @@ class Record : public EntProperties {
     seen = {};
     ltype = byLayer;
     style = nullptr;
-    trueColor = kNoTrueColor;
     extrusion.set(0, 0, 1);
   }
 

@@ -9,9 +9,11 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
+#include <optional>
 #include <string>
 
 #include "dxf/in/coordinate.h"
+#include "dxf/in/opacity.h"
 #include "files/number.h"
 #include "vek0core/files/report.h"
 #include "vek0core/tables/colors.h"
@@ -23,16 +25,10 @@ namespace vek0::detail {
 namespace {
 
 constexpr long kLayer = 8, kEmbeddedObject = 101;
-constexpr long kTrueColor = 420;
+constexpr long kThickness = 39, kLtypeScale = 48, kHidden = 60;
+constexpr long kLineweight = 370, kTrueColor = 420, kTransparency = 440;
 constexpr long kExtrusionX = 210, kExtrusionY = 220;
 constexpr long kExtrusionZ = 230;  // exactly 1 if the other two are 0
-
-// The bytes of the value are the source of the transparency, two unused ones, and the opacity, 255
-// for opaque.
-bool isTransparent(long value) {
-  constexpr long byValue = 2, opaque = 255;
-  return value >> 24 == byValue && (value & opaque) != opaque;
-}
 
 // Whether the value is a handle that can be kept: positive, and with a successor for the seed.
 bool isHandle(std::string_view bytes) {
@@ -46,24 +42,25 @@ bool isHandle(std::string_view bytes) {
 }
 
 // Whether dropping the current pair changes an entity: thickness, linetype scale, visibility, line
-// weight, true color, its name, transparency, and data of other programs. Default values are no
-// loss: a weight below 0 is that of the layer, the block or none.
+// weight, true color, its name, transparency, all but the name only of strict reading, and data of
+// other programs. Default values are no loss: a weight below 0 is that of the layer, the block or
+// none.
 bool isLoss(const CFileDXFILexer& lexer) {
   const std::string_view bytes = lexer.getBytes();
   switch (lexer.getGroupValue()) {
-    case 39:
+    case kThickness:
       return parseDouble(bytes).value != 0;
-    case 48:
+    case kLtypeScale:
       return parseDouble(bytes).value != 1;
-    case 60:
+    case kHidden:
       return parseLong(bytes) != 0;
-    case 370:
+    case kLineweight:
       return parseLong(bytes) >= 0;
     case 430:
       return !bytes.empty();
-    case 440:
-      return isTransparent(parseLong(bytes));
-    case 420:
+    case kTransparency:
+      return opacityOf(parseLong(bytes)).value_or(ENT_TRAITS::kOpaque) != ENT_TRAITS::kOpaque;
+    case kTrueColor:
     case 1001:
       return true;
     default:
@@ -74,7 +71,8 @@ bool isLoss(const CFileDXFILexer& lexer) {
 // Whether the code has the same meaning in every entity, supported or not: a strict reader must not
 // skip it.
 bool isMeant(long code) {
-  constexpr long meant[] = {38, 39, 48, 60, 67, 210, 220, 230, 370, 420, 440};
+  constexpr long meant[] = {38,  kThickness,  kLtypeScale, kHidden,    67,           210,
+                            220, kExtrusionZ, kLineweight, kTrueColor, kTransparency};
   return std::find(std::begin(meant), std::end(meant), code) != std::end(meant);
 }
 
@@ -128,6 +126,10 @@ void RecordReader::take(long code) {
       return takeLayer();
     case 62:
       return takeColor();
+    case kThickness:
+      return takeThickness();
+    case kLtypeScale:
+      return takeLtypeScale();
     default:
       if (code < Record::kTexts) return m_record.setText(code, lexer().getText());
       if (code < Record::kReals) return m_record.setReal(code, lexer().getDouble());
@@ -227,10 +229,7 @@ bool RecordReader::leaveOut(long code) {
     skip();
     return false;
   }
-  if (code == kTrueColor && isTolerant()) {
-    takeTrueColor();
-    return true;
-  }
+  if (isTolerant() && takeTrait(code)) return true;
   if (isTolerant() && (code == kExtrusionX || code == kExtrusionY || code == kExtrusionZ)) {
     const double value = lexer().getDouble();
     coordinate(m_record.extrusion, (code - kExtrusionX) / 10) = value;
@@ -247,27 +246,71 @@ bool RecordReader::leaveOut(long code) {
   return true;
 }
 
+bool RecordReader::takeTrait(long code) {
+  switch (code) {
+    case kLineweight:
+      takeLineweight();
+      return true;
+    case kTrueColor:
+      takeTrueColor();
+      return true;
+    case kTransparency:
+      takeTransparency();
+      return true;
+    default:
+      return false;
+  }
+}
+
 void RecordReader::takeTrueColor() {
   constexpr long mask = 0xFFFFFF;
   const long value = lexer().getInt();
-  if (failed()) return;
-  m_record.trueColor = value & mask;
-  note(ReportCode::ColorApproximated);
+  if (!failed()) m_record.traits.trueColor = static_cast<std::uint32_t>(value & mask);
 }
 
-short RecordReader::nearestColor(long trueColor) {
+void RecordReader::takeLineweight() {
+  const long value = lexer().getInt();
+  if (failed()) return;
+  if (value < ENT_TRAITS::kWeightDefault || value > ENT_TRAITS::kWidestWeight)
+    return note(ReportCode::NumberReplaced, decimal(kLineweight));
+  m_record.traits.lineweight = static_cast<short>(value);
+}
+
+void RecordReader::takeTransparency() {
+  const long value = lexer().getInt();
+  if (failed()) return;
+  const std::optional<short> opacity = opacityOf(value);
+  if (!opacity) return note(ReportCode::NumberReplaced, decimal(kTransparency));
+  m_record.traits.opacity = *opacity;
+}
+
+void RecordReader::takeLtypeScale() {
+  const double scale = lexer().getDouble();
+  if (failed()) return;
+  if (!(scale > 0)) return note(ReportCode::NumberReplaced, decimal(kLtypeScale));
+  m_record.traits.ltypeScale = scale;
+}
+
+void RecordReader::takeThickness() {
+  const double thickness = lexer().getDouble();
+  if (!failed()) m_record.traits.thickness = thickness;
+}
+
+short RecordReader::nearestColor(std::uint32_t trueColor) {
   // Consecutive entities often share their color, and the search is slow.
   if (trueColor != m_lastTrueColor) {
     m_lastTrueColor = trueColor;
-    m_lastNearest = nearestPaletteColor(unpackColor(trueColor));
+    m_lastNearest = nearestPaletteColor(unpackColor(static_cast<long>(trueColor)));
   }
   return m_lastNearest;
 }
 
 bool RecordReader::check(const RecordKind& kind, long missingParam) {
   if (failed()) return false;
-  // The true color takes precedence over the index.
-  if (m_record.trueColor != Record::kNoTrueColor) m_record.color = nearestColor(m_record.trueColor);
+  // The true color takes precedence over the index, for which the file's own is kept.
+  const bool isIndexed = m_record.color >= 1 && m_record.color < kColorByLayer;
+  if (m_record.traits.hasTrueColor() && !isIndexed)
+    m_record.color = nearestColor(m_record.traits.trueColor);
   static constexpr CodeSet spared{1, 2, 3, 8, 66, 70};
   if (isTolerant()) supply();
   const CodeSet have = isTolerant() ? m_record.seen | spared : m_record.seen;
@@ -288,9 +331,10 @@ void RecordReader::supply() {
     m_record.layer = m_context.semantor.getLayer(zero);
     note(ReportCode::LayerMissing);
   }
+  m_record.traits.isVisible = m_record.integer(kHidden) == 0;
   if (m_frameTaken) return;
   m_frameTaken = true;
-  m_frame = {m_record.extrusion, m_record.integer(67) != 0, m_record.integer(60) != 0};
+  m_frame = {m_record.extrusion, m_record.integer(67) != 0};
 }
 
 bool RecordReader::takeCurveRoom(std::size_t points) {
@@ -314,6 +358,7 @@ bool RecordReader::recover(const zim::WString& kind) {
 // Numbers other than points, sizes and angles are dispensable, but lists that a reader processes
 // itself must be complete.
 bool RecordReader::isSpare(long code, const CodeSet& wanted, const CodeSet& optional) {
+  if (code == kThickness || code == kLtypeScale) return wanted.has(code);
   const bool isPlace = (code >= 10 && code < Record::kReals) || (code >= 210 && code < 240);
   return isPlace ? optional.has(code) : code >= CodeSet::kEnd || wanted.has(code);
 }

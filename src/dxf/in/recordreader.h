@@ -97,7 +97,7 @@ class RecordReader {
   /// Data that applies to an entity as a whole, from its first record.
   struct Frame {
     PNT_3D normal = PNT_3D(0, 0, 1);  ///< of its plane
-    bool onPaper = false, isInvisible = false;
+    bool onPaper = false;
   };
   /// Begins an entity; tolerant reading uses its frame afterwards.
   void begin() {
@@ -124,7 +124,12 @@ class RecordReader {
 
   const Record& record() const { return m_record; }
   /// Changes the color of entities built from now on.
-  void setColor(short color) { m_record.color = color; }
+  void setColor(short color, std::uint32_t trueColor = ENT_TRAITS::kNoTrueColor) {
+    m_record.color = color;
+    m_record.traits.trueColor = trueColor;
+  }
+  /// Takes the current value as the entity's linetype scale.
+  void takeLtypeScale();
   bool isTolerant() const { return m_context.options.policy.tolerant; }
   const ReadContext& context() const { return m_context; }
   CFileDXFILexer& lexer() const { return m_context.lexer; }
@@ -186,7 +191,7 @@ class RecordReader {
   std::unordered_set<const CBlock*> hatchBlocks;
 
  private:
-  static constexpr CodeSet kCommon{5, 6, 8, 62}, kCommonTolerant{5, 6, 8, 60, 62, 67};
+  static constexpr CodeSet kCommon{5, 6, 8, 62}, kCommonTolerant{5, 6, 8, 39, 48, 60, 62, 67};
 
   CLtype* findByLayer();
   void takeWanted(long code);
@@ -198,8 +203,12 @@ class RecordReader {
   void takeStyle();
   void takeColor();
   bool leaveOut(long code);
+  bool takeTrait(long code);
   void takeTrueColor();
-  short nearestColor(long trueColor);
+  void takeLineweight();
+  void takeTransparency();
+  void takeThickness();
+  short nearestColor(std::uint32_t trueColor);
   static bool isSpare(long code, const CodeSet& wanted, const CodeSet& optional);
   bool check(const RecordKind& kind, long missingParam);
   void supply();
@@ -209,7 +218,7 @@ class RecordReader {
   bool m_putBack = false;
   bool m_frameTaken = false;
   Frame m_frame;
-  long m_lastTrueColor = Record::kNoTrueColor;  // most entities have the previous color
+  std::uint32_t m_lastTrueColor = ENT_TRAITS::kNoTrueColor;  // most entities have the previous one
   short m_lastNearest = 0;
   CLtype* m_byLayer = nullptr;
   NameCache<CLayer> m_layers;

@@ -79,7 +79,8 @@ class WrittenBlocks final : public IBlockOperation {
     vek0::detail::PointerSet all;
     for (const CBlock* block : m_hatchBlocks) all.insert(block);
     const auto note = [&](const CEntInsertBase& insert) {
-      if (all.contains(insert.getBlock())) m_used.insert(insert.getBlock());
+      const bool isWritten = insert.getTraits().isVisible;
+      if (isWritten && all.contains(insert.getBlock())) m_used.insert(insert.getBlock());
     };
     for (const CBlock* block : vek0::detail::blocksOf(data))
       for (CBlock::CInsertIterator insert(*block); *insert; ++insert) note(**insert);
@@ -215,7 +216,16 @@ void CFileDXFOSaver::writeHeaders() {
     write(9, u"$HANDSEED");
     writeHex(5, m_handles->seed());
   }
+  reportVariables();
   write(0, u"ENDSEC");
+}
+
+// Variables that this version does not have.
+void CFileDXFOSaver::reportVariables() {
+  const CDataVariables& vars = m_data.getVars();
+  if (vars.getUnits() != 0) report(ReportCode::UnitDropped, u"$INSUNITS");
+  if (vars.getCurLtypeScale() != 1) report(ReportCode::SettingDropped, u"$CELTSCALE");
+  if (vars.isLineweightShown()) report(ReportCode::SettingDropped, u"$LWDISPLAY");
 }
 
 void CFileDXFOSaver::writeCurrentItems() {
@@ -293,19 +303,39 @@ void CFileDXFOSaver::writeLayers() {
 
 void CFileDXFOSaver::writeLayer(const CLayer& layer) {
   const zim::WString name = m_converter.GetName(&layer);
-  short color = layer.getColor();
+  short color = colorOf(layer);
   if (!vek0::detail::isLayerColor(color)) {
     report(ReportCode::ColorOutOfRange, name);
     color = vek0::detail::kColorDefault;
   }
   if (layer.getLineWidth() != lineWidthDefault) report(ReportCode::LineweightDropped, name);
-  if (layer.getTraits() != LAYER_TRAITS()) report(ReportCode::CodeDropped, name);
+  reportTraits(layer);
   write(0, u"LAYER");
   m_writer.writeText(2, name);
   write(70, dependentFlags(layer.getFlags(), name) & kFlagBits);
   // A layer that is off is written with a negative color.
   write(62, static_cast<long>(layer.isOff() ? -color : color));
   m_writer.writeText(6, m_converter.GetName(layer.getLtype()));
+}
+
+// The color number nearest to a true color.
+short CFileDXFOSaver::colorOf(const CLayer& layer) {
+  const std::uint32_t trueColor = layer.getTraits().trueColor;
+  if (trueColor == ENT_TRAITS::kNoTrueColor) return layer.getColor();
+  const vek0::detail::SavedColor color = vek0::detail::savedColor(trueColor);
+  if (color.isApproximated) report(ReportCode::ColorApproximated, u"LAYER");
+  return color.number;
+}
+
+void CFileDXFOSaver::reportTraits(const CLayer& layer) {
+  const LAYER_TRAITS &traits = layer.getTraits(), none;
+  const auto drop = [this](bool isLoss, const zim::Char* code) {
+    if (isLoss) report(ReportCode::CodeDropped, code);
+  };
+  drop(traits.lineweight != none.lineweight, u"LAYER 370");
+  drop(traits.opacity != none.opacity, u"LAYER 1071");
+  // Definition points are never plotted.
+  drop(!traits.isPlotted && !layer.getName().EqualsIgnoreCase(u"Defpoints"), u"LAYER 290");
 }
 
 void CFileDXFOSaver::writeStyles() {

@@ -54,6 +54,8 @@ constexpr long kPolyline3D = 8;
 constexpr long kQuadratic = 5, kCubic = 6;
 // Code 71 of texts.
 constexpr long kBackward = 2;
+// Code 70 of attributes.
+constexpr long kInvisibleAttrib = 1;
 // The codes of the string and of the vertical alignment differ by kind of text.
 constexpr long kTextString = 1, kTagString = 2, kTextVertical = 73, kAttribVertical = 74;
 
@@ -203,7 +205,8 @@ void CFileDXFOVisitor::visit(CEntFixedInsert& ent) {
 void CFileDXFOVisitor::visit(CEntPolyline& ent) {
   if (!isReady()) return;
   const auto form = vek0::detail::polylineForm(ent, m_flatten, m_exchange);
-  if (!form.finite) return report(ReportCode::EntityNotFinite, "POLYLINE");
+  if (const auto objection = m_filter->objection(ent, form.finite))
+    return report(*objection, "POLYLINE");
   begin("POLYLINE", ent);
   writePoint(0, PNT_3D(0, 0, form.elevation));
   m_writer.write(70, (ent.getFlags() & (CEntPolyline::kClosed | CEntPolyline::kLtGen)) |
@@ -232,33 +235,49 @@ vek0::Handle CFileDXFOVisitor::begin(const char* kind, const CEnt& ent) {
   return def_visit(ent);
 }
 
-// Traits are not written yet.
-void CFileDXFOVisitor::reportTraits(const ENT_TRAITS& traits) {
+// This version has a thickness, which the classic form leaves out, but none of the others.
+void CFileDXFOVisitor::writeTraits(const ENT_TRAITS& traits) {
   const ENT_TRAITS none;
   if (traits == none) return;
   const auto drop = [this](bool isLoss, const char* code) {
     if (isLoss) report(ReportCode::CodeDropped, code);
   };
-  drop(traits.thickness != none.thickness, "39");
+  const bool isThick = traits.thickness != none.thickness;
+  const bool isWritten = m_exchange && std::isfinite(traits.thickness);
+  if (isThick && isWritten) m_writer.write(39, traits.thickness);
+  drop(isThick && !isWritten, "39");
   drop(traits.ltypeScale != none.ltypeScale, "48");
-  drop(traits.isVisible != none.isVisible, "60");
   drop(traits.lineweight != none.lineweight, "370");
-  drop(traits.trueColor != none.trueColor, "420");
   drop(traits.opacity != none.opacity, "440");
+}
+
+// The color number nearest to a true color.
+short CFileDXFOVisitor::colorOf(const CEnt& ent) {
+  const std::uint32_t color = ent.getTraits().trueColor;
+  if (color == ENT_TRAITS::kNoTrueColor) return ent.getColor();
+  // Consecutive entities often share their color, and the search is slow.
+  if (color != m_trueColor) {
+    const vek0::detail::SavedColor saved = vek0::detail::savedColor(color);
+    m_trueColor = color;
+    m_nearest = saved.number;
+    m_isApproximated = saved.isApproximated;
+  }
+  if (m_isApproximated) report(ReportCode::ColorApproximated, "");
+  return m_nearest;
 }
 
 vek0::Handle CFileDXFOVisitor::def_visit(const CEnt& ent) {
   const vek0::Handle handle = writeHandle(ent.GetHandle());
-  reportTraits(ent.getTraits());
   m_writer.writeEncoded(8, m_names->layer(ent.getLayer()));
   // BYLAYER is the default of files and is omitted.
   if (ent.getLtype() && !ent.getLtype()->isByLayer())
     m_writer.writeEncoded(6, m_names->ltype(ent.getLtype()));
-  if (ent.getColor() == kColorByLayer) return handle;
-  if (vek0::detail::isEntityColor(ent.getColor()))
-    m_writer.write(62, static_cast<long>(ent.getColor()));
-  else
+  const short color = colorOf(ent);
+  if (!vek0::detail::isEntityColor(color))
     report(ReportCode::ColorOutOfRange, "");
+  else if (color != kColorByLayer)
+    m_writer.write(62, static_cast<long>(color));
+  writeTraits(ent.getTraits());
   return handle;
 }
 
@@ -313,7 +332,7 @@ void CFileDXFOVisitor::attribs_visit(const CEntInsertBase& ent) {
 
 void CFileDXFOVisitor::attrib_visit(const CEntInsertBase& ent, const CEntAttrib& attrib) {
   begin("ATTRIB", attrib);
-  m_writer.write(70, attrib.getFlags());
+  m_writer.write(70, attrib.getFlags() | (attrib.getTraits().isVisible ? 0 : kInvisibleAttrib));
   m_writer.writeText(2, attrib.getTag());
   txt_visit(placed(ent, attrib), kTextString, kAttribVertical);
 }

@@ -14,6 +14,7 @@ class CEntCircle;
 class CEntInsertBase;
 class CEntLine;
 class CEntPnt;
+class CEntPolyline;
 class CEntText;
 
 namespace vek0::detail {
@@ -34,6 +35,8 @@ class SaveFilter {
   std::optional<ReportCode> objection(const CEntText& ent) const;
   /// Checks only the insert, not its attributes.
   std::optional<ReportCode> objection(const CEntInsertBase& ent) const;
+  /// The caller checks whether all numbers are `finite`.
+  std::optional<ReportCode> objection(const CEntPolyline& ent, bool finite) const;
 
  private:
   // Only addresses are compared: an insert may refer to a deleted block.

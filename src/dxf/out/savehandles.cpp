@@ -115,7 +115,7 @@ void HandleCollector::visit(CEnt3DFace& ent) { note(ent); }
 
 void HandleCollector::visit(CEntPolyline& ent) {
   const PolylineForm form = polylineForm(ent, m_flatten, m_exchange);
-  if (!form.finite) return;
+  if (m_filter.objection(ent, form.finite)) return;
   m_handles.note(ent.GetHandle());
   forEachSaved(ent, form, [this](const SavedVertex& v) { m_handles.note(v.handle); });
   m_handles.noteEnd();

@@ -435,13 +435,23 @@ TEST(Tolerant, WhatIsInvisibleStaysSo) {
   const Loaded got = loadAny(
       section("BLOCKS", pairsOf(block + kDiagonal + "|0 ENDBLK")) +
       section("ENTITIES", pairsOf(insert + attrib + "|60 1" + attrib + "|60 0|0 SEQEND")) + dxf());
-  EXPECT_EQ(got.report.count("entity invisible"), 2);
-  EXPECT_EQ(got.data->getBlockTable().get(u"B")->size(), 1u);
-  ASSERT_NE(got.only(), nullptr);
-  const CEntInsertBase& with = *got.only()->getEntInsert();
+  EXPECT_EQ(got.report.count("entity invisible"), 0);
+  const CBlock& b = *got.data->getBlockTable().get(u"B");
+  ASSERT_EQ(b.size(), 2u);
+  EXPECT_FALSE(b[0]->getTraits().isVisible);
+  EXPECT_TRUE(b[1]->getTraits().isVisible);
+  const auto& ents = got.data->getEntTable().getEntityTbl();
+  ASSERT_EQ(ents.size(), 2u);
+  EXPECT_FALSE(ents.front()->getTraits().isVisible);
+  const CEntInsertBase& with = *ents.back()->getEntInsert();
   ASSERT_EQ(with.GetNoAttribs(), 2u);
   EXPECT_EQ(with.GetAttrib(0)->getFlags(), 1);
   EXPECT_EQ(with.GetAttrib(1)->getFlags(), 0);
+  CFileMemory file(u"saved.dxf", IFile::kWrite);
+  CFileReport report;
+  ASSERT_TRUE(SaveDXF(got.drawing(), file, kSaveExchange, &report));
+  EXPECT_EQ(report.count("entity invisible"), 2);
+  EXPECT_EQ(loadText(file.bytes()).data->getBlockTable().get(u"B")->size(), 1u);
 }
 
 // A block contains the entities of both spaces.

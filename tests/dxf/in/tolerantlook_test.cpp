@@ -17,18 +17,50 @@ std::string saved(const Loaded& got, unsigned flags) {
 
 }  // namespace
 
-TEST(TolerantLook, TrueColorsBecomeTheNearest) {
+// The number that the file states is kept; the nearest one is for programs without true colors.
+TEST(TolerantLook, TrueColorsAreKeptAndSavedAsTheNearest) {
   for (const Row& t : rows()) {
-    const std::string code = "|420 " + std::to_string(t.whole<long>("rgb"));
+    const auto rgb = t.whole<std::uint32_t>("rgb");
+    const std::string code = "|420 " + std::to_string(rgb);
     const Loaded got = loadAny(layers("0 LAYER|2 A|62 -4" + code) +
                                section("ENTITIES", pairsOf(kDiagonal + "|62 4" + code)) + dxf());
     ASSERT_TRUE(got.only());
-    EXPECT_EQ(got.only()->getColor(), t.whole<short>("color"));
-    EXPECT_EQ(got.only()->getLayer()->getColor(), t.whole<short>("color"));
+    EXPECT_EQ(got.only()->getColor(), 4);
+    EXPECT_EQ(got.only()->getTraits().trueColor, rgb);
+    EXPECT_EQ(got.only()->getLayer()->getTraits().trueColor, rgb);
     EXPECT_TRUE(got.only()->getLayer()->isOff());
-    EXPECT_EQ(got.report.count("color approximated"), 2);
+    EXPECT_TRUE(got.report.empty());
+    const Loaded again = loadText(saved(got, kSaveExchange));
+    EXPECT_EQ(again.only()->getColor(), t.whole<short>("color"));
+    EXPECT_EQ(again.only()->getLayer()->getColor(), t.whole<short>("color"));
+    EXPECT_EQ(loadAnyEntities(kDiagonal + code).only()->getColor(), t.whole<short>("color"));
   }
-  EXPECT_EQ(severityOf(ReportCode::ColorApproximated), ReportSeverity::Change);
+}
+
+TEST(TolerantLook, EntitiesHaveTraits) {
+  for (const Row& t : rows()) {
+    const Loaded got = loadAnyEntities(kDiagonal + "|" + t.text("codes"));
+    ASSERT_TRUE(got.only());
+    const ENT_TRAITS expected{
+        t.whole<std::uint32_t>("rgb"), t.whole<short>("weight"), t.whole<short>("opacity"),
+        t.whole<int>("visible") != 0,  t.real("scale"),          t.real("thickness")};
+    EXPECT_EQ(got.only()->getTraits(), expected);
+    EXPECT_EQ(got.report.count("number replaced") + got.report.count("number dropped"),
+              t.whole<long>("bad"));
+  }
+}
+
+TEST(TolerantLook, LayersHaveTraits) {
+  for (const Row& t : rows()) {
+    const Loaded got = loadAny(layers("0 LAYER|2 A|6 CONTINUOUS|" + t.text("codes")) + dxf());
+    const CLayer* layer = got.data->getLayerTable().get(u"A");
+    ASSERT_TRUE(layer);
+    EXPECT_EQ(layer->getTraits(),
+              (LAYER_TRAITS{ENT_TRAITS::kNoTrueColor, t.whole<short>("weight"),
+                            t.whole<short>("opacity"), t.whole<int>("plotted") != 0}));
+    EXPECT_EQ(layer->getLtype(), got.data->getLtypeTable().get(u"Continuous"));
+    EXPECT_EQ(got.report.count("number replaced"), t.whole<long>("bad"));
+  }
 }
 
 // By definition of the search, no other color of the palette is closer.

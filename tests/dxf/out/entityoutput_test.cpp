@@ -430,12 +430,13 @@ TEST(EntityOutput, OddPropertiesBecomeWhatReadersTake) {
 TEST(EntityOutput, TraitsAreReported) {
   const Drawing d = prepared();
   CEntPnt* point = createEntPnt(*d, nullptr, nullptr, 256, PNT_3D(0, 0, 0), 1);
-  point->setTraits({0x123456, 25, 99, false, 2, 3});
+  point->setTraits({0x123456, 25, 99, true, 2, 3});
   add(*d, point);
   getLayer0(*d)->setTraits({0x123456, 25, 99, false});
   CFileReport report;
   saved(*d, 0, &report);
-  EXPECT_EQ(report.count("code dropped"), 6 + 1);
+  EXPECT_EQ(report.count("code dropped"), 4 + 3);
+  EXPECT_EQ(report.count("color approximated"), 2);
 }
 
 TEST(EntityOutput, FixedInsertsAreReported) {

@@ -36,6 +36,7 @@ class VEK0_API CFileDXFOSaver {
   bool dosave();
 
   void writeHeaders();
+  void reportVariables();
   void writeTables();
   /// False if the block graph has a cycle.
   bool writeBlocks();
@@ -60,6 +61,8 @@ class VEK0_API CFileDXFOSaver {
   void writeLtype(const CLtype& ltype);
   void writeLayers();
   void writeLayer(const CLayer& layer);
+  short colorOf(const CLayer& layer);
+  void reportTraits(const CLayer& layer);
   void writeStyles();
   void writeStyle(const CStyle& style, long flags);
   void writeXRef(const CBlockXRef& xref);

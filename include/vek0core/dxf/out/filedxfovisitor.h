@@ -1,11 +1,13 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
 #include "vek0core/entities/entvisitor.h"
 #include "vek0core/export.h"
 #include "vek0core/files/reportcode.h"
+#include "vek0core/tables/enttraits.h"
 #include "vek0core/tables/handle.h"
 
 class CData;
@@ -18,7 +20,6 @@ class LINE_3D;
 class PNT_3D;
 class TEXT_3D;
 struct ATTRIB_PLACE;
-struct ENT_TRAITS;
 
 namespace vek0::detail {
 class SaveFilter;
@@ -77,7 +78,8 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   bool isReady() const;
   vek0::Handle begin(const char* kind, const CEnt& ent);
   vek0::Handle def_visit(const CEnt& ent);
-  void reportTraits(const ENT_TRAITS& traits);
+  void writeTraits(const ENT_TRAITS& traits);
+  short colorOf(const CEnt& ent);
   bool solid_visit(const CEnt3DFace& ent, const char* kind);
   void txt_visit(const TextRecord& text, long stringCode, long verticalCode);
   vek0::Handle insert_visit(const CEntInsertBase& ent);
@@ -108,4 +110,7 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   std::unique_ptr<vek0::detail::SavedNames> m_names;
   vek0::detail::SaveHandles* m_handles = nullptr;
   CFileReport* m_report = nullptr;
+  std::uint32_t m_trueColor = ENT_TRAITS::kNoTrueColor;  // the last one
+  short m_nearest = 0;                                   // the number that stands for it
+  bool m_isApproximated = false;                         // whether the number shows another color
 };

@@ -43,6 +43,7 @@ DimensionDrawing::DimensionDrawing(RecordReader& in, DimensionType type, const D
       m_style(style),
       m_heads(in, style, m_axes),
       m_color(in.record().color),
+      m_trueColor(in.record().traits.trueColor),
       m_textHeight(style.textHeight()) {}
 
 PNT_3D DimensionDrawing::worldPoint(long i) const { return m_in.record().point(i); }
@@ -61,8 +62,9 @@ double DimensionDrawing::angleOf(const PNT_3D& from, const PNT_3D& to) const {
 
 void DimensionDrawing::setColor(DimStyle::Code code) {
   const double color = m_style.number(code);
+  if (color >= 1 && color <= 256) return m_in.setColor(static_cast<short>(color));
   // 0 stands for BYBLOCK, which means the color of the dimension.
-  m_in.setColor(color >= 1 && color <= 256 ? static_cast<short>(color) : m_color);
+  m_in.setColor(m_color, m_trueColor);
 }
 
 void DimensionDrawing::draw(const MTextRecord& given) {

@@ -77,6 +77,7 @@ class DimensionDrawing {
   const DimStyle& m_style;
   ArrowHeads m_heads;
   short m_color;
+  std::uint32_t m_trueColor;
   double m_textHeight, m_textWidth = 0;
   PNT_3D m_middle;  // default position of the text, in the plane
 };

@@ -265,6 +265,7 @@ void Decoder::color() {
   if (!isNumber || index < 0 || index > kMaxColor) return drop(u"C");
   MTextFormat f = format();
   f.color = static_cast<short>(index);
+  f.trueColor = ENT_TRAITS::kNoTrueColor;
   change(f);
 }
 
@@ -278,8 +279,9 @@ void Decoder::trueColor() {
   // Unpacked with red and blue exchanged, hence swapped back.
   const RGB_COLOR swapped = unpackColor(static_cast<long>(value));
   MTextFormat f = format();
-  f.color = nearestPaletteColor({swapped.b, swapped.g, swapped.r});
-  ++m_content.approximatedColors;
+  const RGB_COLOR color{swapped.b, swapped.g, swapped.r};
+  f.color = nearestPaletteColor(color);
+  f.trueColor = packColor(color);
   change(f);
 }
 

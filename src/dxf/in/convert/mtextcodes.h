@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "dxf/in/convert/letterwidths.h"
+#include "vek0core/tables/enttraits.h"
 
 namespace vek0::detail {
 
@@ -14,10 +16,11 @@ struct MTextFormat {
   /// Vertical alignment of characters smaller than their line.
   enum Align { Bottom, Middle, Top };
 
-  double height = 1;      ///< of capitals, drawing units
-  double widthScale = 1;  ///< factor
-  double oblique = 0;     ///< radians
-  short color = 256;      ///< number, as in entities
+  double height = 1;                                   ///< of capitals, drawing units
+  double widthScale = 1;                               ///< factor
+  double oblique = 0;                                  ///< radians
+  short color = 256;                                   ///< number, as in entities
+  std::uint32_t trueColor = ENT_TRAITS::kNoTrueColor;  ///< takes precedence
   LetterForm form = LetterForm::Stroke;
   Align align = Bottom;
   bool under = false, over = false, struck = false;  ///< underline, overline, strikethrough
@@ -55,7 +58,6 @@ struct MTextContent {
   std::vector<MTextParagraph> paragraphs;
   std::vector<MTextPiece> pieces;
   std::vector<std::u16string> dropped;  ///< unsupported codes, each once
-  long approximatedColors = 0;          ///< number of true colors replaced by the nearest index
 };
 
 /// Parses a text with its codes: `\P` line break, `\N` column break, `\~` non-breaking space,

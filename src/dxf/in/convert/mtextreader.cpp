@@ -61,6 +61,7 @@ MTextFormat baseFormat(const RecordReader& in, const MTextRecord& record) {
   MTextFormat f;
   f.height = record.box.height;
   f.color = in.record().color;
+  f.trueColor = in.record().traits.trueColor;
   if (!record.style) return f;
   if (record.style->getFont()) f.form = letterFormOf(record.style->getFont()->getName());
   if (record.style->getWidthScale() > 0) f.widthScale = record.style->getWidthScale();
@@ -70,7 +71,6 @@ MTextFormat baseFormat(const RecordReader& in, const MTextRecord& record) {
 
 void noteCodes(const RecordReader& in, const MTextRecord& record, const MTextContent& content,
                std::size_t runs) {
-  for (long i = 0; i < content.approximatedColors; ++i) in.note(ReportCode::ColorApproximated);
   for (const std::u16string& code : content.dropped)
     in.note(ReportCode::TextCodeDropped, zim::WString(u"\\" + code));
   if (record.text.size() >= MTextRecord::kMostUnits || runs >= MTextRecord::kMostRuns)
@@ -124,7 +124,8 @@ class MTextReader {
 EntPtr MTextReader::read() {
   static constexpr RecordKind kind({7, 10, 20, 30, 40, 41, 42, 43, 44, 71, 73, 90, 21, 31},
                                    {8, 10, 20}, {41, 42, 43, 44});
-  if (!m_in.read(kind, {1, 3, 11, 50, 101}, 2, [this](long code) { take(code); })) return nullptr;
+  if (!m_in.read(kind, {1, 3, 11, 48, 50, 101}, 2, [this](long code) { take(code); }))
+    return nullptr;
   const Record& r = m_in.record();
   if (r.integer(90) != 0) m_in.note(ReportCode::TextBackgroundDropped);
   m_text.style = styleOf(m_in);
@@ -143,6 +144,10 @@ void MTextReader::take(long code) {
     case 11:
       m_byVector = true;
       m_vector.x = m_in.lexer().getDouble();
+      break;
+    case 48:
+      // After the point, it is a width of columns.
+      if (!m_in.record().seen.has(10)) m_in.takeLtypeScale();
       break;
     case 50:
       m_byVector = false;
@@ -276,6 +281,7 @@ void buildMText(RecordReader& in, const MTextRecord& record, vek0::Handle handle
     text.setAlign(text.findJustify(run.across, 0));
     EntProperties properties = r.withHandle(built.empty() ? handle : 0);
     properties.color = f.color;
+    properties.traits.trueColor = f.trueColor;
     EntPtr ent = in.make().text(properties, text);
     if (!ent) return;
     built.push_back(std::move(ent));

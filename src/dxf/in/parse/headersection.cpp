@@ -11,6 +11,7 @@
 #include "vek0core/assert.h"
 #include "vek0core/drawing/datavariables.h"
 #include "vek0core/files/textcodec.h"
+#include "vek0core/tables/enttraits.h"
 
 namespace vek0::detail {
 namespace {
@@ -49,6 +50,9 @@ bool isReadVersion(const zim::WString& name) {
                      [&](const zim::Char* number) { return name.view().substr(4) == number; });
 }
 
+// Whether newer versions store integers under this code.
+bool isFurtherInteger(long code) { return (code >= 280 && code < 300) || code / 10 == 37; }
+
 template <class Value>
 struct Variable {
   const zim::Char* name;
@@ -62,13 +66,40 @@ void setPointMode(CDataVariables& vars, const long& value) {
   if (value >= 0 && value <= most) vars.setPointMode(static_cast<short>(value));
 }
 
+void setCurLtypeScale(CDataVariables& vars, const Reals& v) {
+  if (v[0] > 0) vars.setCurLtypeScale(v[0]);
+}
+void setDefaultLineweight(CDataVariables& vars, const long& value) {
+  if (value >= 0 && value <= ENT_TRAITS::kWidestWeight)
+    vars.setDefaultLineweight(static_cast<short>(value));
+}
+void setLineweightShown(CDataVariables& vars, const long& value) {
+  vars.setLineweightShown(value != 0);
+}
+void setUnits(CDataVariables& vars, const long& value) {
+  constexpr long most = 24;  // the last unit defined
+  if (value >= 0 && value <= most) vars.setUnits(static_cast<short>(value));
+}
+
 constexpr Variable<Reals> kRealVariables[] = {
-    {u"$LIMMIN", setLimMin},     {u"$LIMMAX", setLimMax},  {u"$LTSCALE", setLtypeScale},
-    {u"$PLINEWID", setPLineWid}, {u"$ANGBASE", setAngDir}, {u"$PDSIZE", setPointSize, true},
+    {u"$LIMMIN", setLimMin},
+    {u"$LIMMAX", setLimMax},
+    {u"$LTSCALE", setLtypeScale},
+    {u"$PLINEWID", setPLineWid},
+    {u"$ANGBASE", setAngDir},
+    {u"$PDSIZE", setPointSize, true},
+    {u"$CELTSCALE", setCurLtypeScale, true},
 };
 constexpr Variable<long> kIntegerVariables[] = {
-    {u"$CECOLOR", setColor},     {u"$AUNITS", setAngleUnit}, {u"$ORTHOMODE", setOrtho},
-    {u"$PLINEGEN", setPLineGen}, {u"$ANGDIR", setClockWise}, {u"$PDMODE", setPointMode, true},
+    {u"$CECOLOR", setColor},
+    {u"$AUNITS", setAngleUnit},
+    {u"$ORTHOMODE", setOrtho},
+    {u"$PLINEGEN", setPLineGen},
+    {u"$ANGDIR", setClockWise},
+    {u"$PDMODE", setPointMode, true},
+    {u"$LWDEFAULT", setDefaultLineweight, true},
+    {u"$LWDISPLAY", setLineweightShown, true},
+    {u"$INSUNITS", setUnits, true},
 };
 
 /// Variables that a drawing cannot store, which lose nothing at their default value: units, and the
@@ -77,11 +108,15 @@ struct Setting {
   const zim::Char* name;
   long usual;
   ReportCode code;
+  bool isKept = false;  // by tolerant reading
 };
 constexpr Setting kSettings[] = {
-    {u"$INSUNITS", 0, ReportCode::UnitDropped},   {u"$MEASUREMENT", 0, ReportCode::UnitDropped},
-    {u"$LUNITS", 2, ReportCode::UnitDropped},     {u"$FILLMODE", 1, ReportCode::SettingDropped},
-    {u"$ATTMODE", 1, ReportCode::SettingDropped}, {u"$QTEXTMODE", 0, ReportCode::SettingDropped},
+    {u"$INSUNITS", 0, ReportCode::UnitDropped, true},
+    {u"$MEASUREMENT", 0, ReportCode::UnitDropped},
+    {u"$LUNITS", 2, ReportCode::UnitDropped},
+    {u"$FILLMODE", 1, ReportCode::SettingDropped},
+    {u"$ATTMODE", 1, ReportCode::SettingDropped},
+    {u"$QTEXTMODE", 0, ReportCode::SettingDropped},
 };
 
 template <class Value, std::size_t count>
@@ -143,7 +178,7 @@ void HeaderSection::collect(long code, Value& value) {
     const double real = m_in.lexer.getDouble();
     value.kind = Value::Real;
     if (value.count < 3) value.reals[value.count++] = real;
-  } else if (code >= 60 && code < 80) {
+  } else if ((code >= 60 && code < 80) || (m_in.isTolerant() && isFurtherInteger(code))) {
     value.kind = Value::Integer;
     value.integer = m_in.lexer.getInt();
   } else {
@@ -193,7 +228,8 @@ void HeaderSection::takeInteger(const zim::WString& name, long value) {
   if (zim::equalsIgnoreCase(name, u"$MEASUREMENT")) m_measurement = value;
   m_dimStyles.takeVariable(name, static_cast<double>(value));
   for (const Setting& setting : kSettings)
-    if (zim::equalsIgnoreCase(name, setting.name) && value != setting.usual)
+    if (zim::equalsIgnoreCase(name, setting.name) && value != setting.usual &&
+        !(setting.isKept && m_in.isTolerant()))
       noteSetting(setting.code, name);
   if (!m_in.semantor.shouldReadHeaders()) return;
   setVariable(kIntegerVariables, name, m_in, value);

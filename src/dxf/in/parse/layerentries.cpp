@@ -1,9 +1,10 @@
-// A layer's linetype may be declared by a later table. The layer then gets a substitute that no
-// other layer can have, by which `create` recognizes whether the semantor took the entry, and is
-// given the right linetype at the end of the file (`settle`).
+// The semantor knows neither traits nor linetypes that a later table declares. A layer with either
+// is created with a linetype that no other layer can have, by which `create` recognizes whether the
+// semantor took the entry. An unknown linetype is set at the end of the file (`settle`).
 #include "dxf/in/parse/layerentries.h"
 
 #include "dxf/in/itemflags.h"
+#include "dxf/in/opacity.h"
 #include "files/number.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/tables/layer.h"
@@ -14,7 +15,8 @@ namespace {
 
 constexpr long kLayerOff = 128;  // our own bit for a color below 0
 constexpr long kWhite = 7;
-constexpr long kNotPlotted = 290, kWeight = 370, kTrueColor = 420;
+constexpr long kPlotted = 290, kWeight = 370, kTrueColor = 420;
+constexpr long kApplication = 1001, kApplicationNumber = 1071;
 
 }  // namespace
 
@@ -23,9 +25,11 @@ struct LayerEntries::Entry {
   CLtype* ltype = nullptr;
   zim::WString unknownLtype;  // for which ltype is substituted until a table defines it
   short colour = 7;
-  short trueColour = 0;  // the nearest index to the true color, which takes precedence; 0 for none
+  bool hasColour = false;
   bool off = false;
   long flags = 0;
+  LAYER_TRAITS traits;
+  bool isTransparency = false;  // of the application whose data is being read
 };
 
 void LayerEntries::read() {
@@ -51,11 +55,8 @@ void LayerEntries::takePair(long code, Entry& entry) {
     case 70:
       entry.flags = m_in.flags() & ~kReferenced;
       break;
-    case kTrueColor:
-      if (m_in.isTolerant()) return takeTrueColor(entry);
-      [[fallthrough]];
     default:
-      leaveOut(code, entry);
+      if (!m_in.isTolerant() || !takeTrait(code, entry)) leaveOut(code, entry);
   }
 }
 
@@ -63,7 +64,6 @@ void LayerEntries::takeLtype(Entry& entry) {
   entry.ltype = m_in.semantor.getLtype(m_in.lexer.getText());
   if (entry.ltype || !m_in.tolerates(CFileDXFIError::LtypeNotFound)) return;
   entry.unknownLtype = m_in.lexer.getText();
-  entry.ltype = m_in.semantor.getLtypeByLayer();  // invalid for a layer
 }
 
 void LayerEntries::takeColor(Entry& entry) {
@@ -74,45 +74,94 @@ void LayerEntries::takeColor(Entry& entry) {
     m_in.note(ReportCode::ColorReplaced, m_in.lexer.getText());
     colour = colour < 0 ? -kWhite : kWhite;
   }
+  entry.hasColour = true;
   entry.off = colour < 0;
   entry.colour = static_cast<short>(colour < 0 ? -colour : colour);
 }
 
+bool LayerEntries::takeTrait(long code, Entry& entry) {
+  switch (code) {
+    case kPlotted:
+      entry.traits.isPlotted = m_in.lexer.getInt() != 0;
+      return true;
+    case kWeight:
+      takeWeight(entry);
+      return true;
+    case kTrueColor:
+      takeTrueColor(entry);
+      return true;
+    case kApplication:
+      // The application that stores the transparency of layers.
+      entry.isTransparency = m_in.lexer.isKeyword("ACCMTRANSPARENCY");
+      return true;
+    case kApplicationNumber:
+      if (entry.isTransparency) takeTransparency(entry);
+      return true;
+    default:
+      return false;
+  }
+}
+
 void LayerEntries::takeTrueColor(Entry& entry) {
   constexpr long mask = 0xFFFFFF;
-  m_in.lexer.checkNumber();
+  const long value = m_in.lexer.getInt();
+  if (!m_in.failed()) entry.traits.trueColor = static_cast<std::uint32_t>(value & mask);
+}
+
+// Layers cannot refer to a layer or block.
+void LayerEntries::takeWeight(Entry& entry) {
+  const long weight = m_in.lexer.getInt();
   if (m_in.failed()) return;
-  const RGB_COLOR color = unpackColor(m_in.lexer.getInt() & mask);
+  if (weight != ENT_TRAITS::kWeightDefault && (weight < 0 || weight > ENT_TRAITS::kWidestWeight))
+    return m_in.note(ReportCode::NumberReplaced, u"LAYER 370");
+  entry.traits.lineweight = static_cast<short>(weight);
+}
+
+void LayerEntries::takeTransparency(Entry& entry) {
+  const long value = m_in.lexer.getInt();
   if (m_in.failed()) return;
-  entry.trueColour = nearestPaletteColor(color);
-  m_in.note(ReportCode::ColorApproximated, u"LAYER");
+  const short opacity = opacityOf(value).value_or(ENT_TRAITS::kOpacityByLayer);
+  if (opacity < 0) return m_in.note(ReportCode::NumberReplaced, u"LAYER 1071");
+  entry.traits.opacity = opacity;
 }
 
 // Line weights and the mark of layers that are not plotted are numbers in every file; a strict
 // reader does not look at other codes at all. No loss are the default weight, which is negative,
 // and the mark on the layer that is never plotted.
 void LayerEntries::leaveOut(long code, const Entry& entry) {
-  if (code == kWeight || code == kNotPlotted)
+  if (code == kWeight || code == kPlotted)
     m_in.lexer.checkNumber();
   else
     m_in.passPair();
-  if (m_in.failed()) return;
+  if (m_in.failed() || m_in.isTolerant()) return;
   const bool isWeight = code == kWeight && parseLong(m_in.lexer.getBytes()) >= 0;
-  const bool isHidden = code == kNotPlotted && parseLong(m_in.lexer.getBytes()) == 0 &&
+  const bool isHidden = code == kPlotted && parseLong(m_in.lexer.getBytes()) == 0 &&
                         !zim::equalsIgnoreCase(entry.name, u"DEFPOINTS");
   if (isWeight || isHidden || code == kTrueColor)
     m_in.note(ReportCode::CodeDropped, zim::WString::fromUtf8("LAYER " + std::to_string(code)));
 }
 
-// The substitute linetype shows whether the layer was set from the entry or existed before.
 void LayerEntries::create(Entry& entry) {
-  if (entry.trueColour != 0) entry.colour = entry.trueColour;
+  IFileDXFISemantor& semantor = m_in.semantor;
+  if (entry.traits.trueColor != ENT_TRAITS::kNoTrueColor && !entry.hasColour)
+    entry.colour = nearestPaletteColor(unpackColor(static_cast<long>(entry.traits.trueColor)));
+  const bool isMarked = !entry.unknownLtype.empty() || entry.traits != LAYER_TRAITS();
+  if (!isMarked) return place(entry);
+  CLtype* const ltype = entry.ltype ? entry.ltype : usualLtype(entry.name);
+  entry.ltype = semantor.getLtypeByLayer();  // invalid for a layer
   place(entry);
-  if (m_in.failed() || entry.unknownLtype.empty()) return;
-  CLayer* made = m_in.semantor.getLayer(entry.name);
+  CLayer* made = m_in.failed() ? nullptr : semantor.getLayer(entry.name);
+  // A layer without the mark existed before.
   if (!made || made->getLtype() != entry.ltype) return;
-  made->setLtype(m_in.semantor.getLtype(u"Continuous"));
-  m_unsettled.push_back({made, entry.unknownLtype});
+  made->setLtype(ltype);
+  made->setTraits(entry.traits);
+  if (!entry.unknownLtype.empty()) m_unsettled.push_back({made, entry.unknownLtype});
+}
+
+// The linetype of an entry without one.
+CLtype* LayerEntries::usualLtype(const zim::WString& name) const {
+  CLayer* const layer0 = name.view() == u"0" ? m_in.semantor.getLayer(name) : nullptr;
+  return layer0 ? layer0->getLtype() : m_in.semantor.getLtype(u"Continuous");
 }
 
 // The color, whose sign marks a layer as off, and the flags come in any order: they are combined

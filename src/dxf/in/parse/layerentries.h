@@ -6,6 +6,7 @@
 #include "dxf/in/parse/sectioninput.h"
 
 class CLayer;
+class CLtype;
 
 namespace vek0::detail {
 
@@ -26,8 +27,12 @@ class LayerEntries {
   void takePair(long code, Entry& entry);
   void takeLtype(Entry& entry);
   void takeColor(Entry& entry);
+  bool takeTrait(long code, Entry& entry);
   void takeTrueColor(Entry& entry);
+  void takeWeight(Entry& entry);
+  void takeTransparency(Entry& entry);
   void leaveOut(long code, const Entry& entry);
+  CLtype* usualLtype(const zim::WString& name) const;
   void create(Entry& entry);
   void place(const Entry& entry);
 

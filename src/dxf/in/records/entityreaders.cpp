@@ -167,16 +167,10 @@ void EntityReader::skipKind(std::optional<ReportCode> loss) {
 }
 
 // Entities on a layout's sheet are not in model space and vice versa; blocks belong to both,
-// whatever their entities state. We have no invisible entities: those hidden by their program, such
-// as the inactive states of a block, would become visible.
+// whatever their entities state.
 bool EntityReader::isLeftOut() {
-  const RecordReader::Frame& frame = records.frame();
-  const bool isElsewhere = isOtherSpace(frame.onPaper);
-  if (!isElsewhere && !frame.isInvisible) return false;
-  if (isElsewhere)
-    records.note(ReportCode::OnPaper, records.sheet);
-  else
-    records.note(ReportCode::EntityInvisible);
+  if (!isOtherSpace(records.frame().onPaper)) return false;
+  records.note(ReportCode::OnPaper, records.sheet);
   records.further.clear();
   return true;
 }

@@ -405,8 +405,10 @@ EntPtr HatchReader::build() {
   // Seen from below, the pattern is mirrored like the boundary.
   if (PlaneAxes(m_in.frame().normal).isFromBelow()) mirror(record);
   const Pattern pattern = findPattern(record, semantor.getHatchTypeTable());
-  return EntPtr(semantor.createHatch(r.layer, r.ltype, r.color, *pattern.type, pattern.scale,
-                                     record.angleRad, joinHatchRings(m_rings), r.handle));
+  EntPtr hatch(semantor.createHatch(r.layer, r.ltype, r.color, *pattern.type, pattern.scale,
+                                    record.angleRad, joinHatchRings(m_rings), r.handle));
+  if (hatch) hatch->setTraits(r.traits);
+  return hatch;
 }
 
 }  // namespace vek0::detail
