@@ -24,6 +24,14 @@ CEntInsertBase* onlyInsertOf(CBlock& block) {
   return isPlain ? insert : nullptr;
 }
 
+// Equal for traits that nested content inherits alike.
+std::uint64_t keyOf(const ENT_TRAITS& traits) {
+  KeyMixer mixer;
+  mixer << traits.trueColor << static_cast<std::uint64_t>(traits.lineweight)
+        << static_cast<std::uint64_t>(traits.opacity);
+  return mixer.key();
+}
+
 PNT_2D times(const PNT_2D& step, long count) {
   return PNT_2D(step.x * static_cast<double>(count), step.y * static_cast<double>(count));
 }
@@ -95,8 +103,8 @@ void Walker::putSpeck(const PNT_2D& at, bool isPoint) {
   m_out.dot(at);
 }
 
-// The first visible entity of an insert provides layer and color for all others. False if nothing
-// is visible.
+// The first visible entity of an insert provides layer, color and traits for all others. False if
+// nothing is visible.
 bool Walker::beginAsFirst(CEnt& ent) {
   const CEntInsertBase* insert = ent.getEntInsert();
   if (!insert || !insert->getBlock()) {
@@ -105,9 +113,10 @@ bool Walker::beginAsFirst(CEnt& ent) {
   }
   KeyMixer mixer;
   mixer << insert->getBlock()->getSerial()
-        // Layer and color are part of the key, because entities on layer 0 inherit them.
+        // Layer, color and traits are part of the key, because entities on layer 0 inherit them.
         << reinterpret_cast<std::uintptr_t>(m_stack.ResolveLayer(ent))
-        << static_cast<std::uint64_t>(m_stack.ResolveColor(ent));
+        << static_cast<std::uint64_t>(m_stack.ResolveColor(ent))
+        << keyOf(m_stack.ResolveTraits(ent));
   auto found = m_firsts.find(mixer.key());
   if (found == m_firsts.end()) {
     // Bounds the memory; the entries can be found again.
@@ -115,11 +124,11 @@ bool Walker::beginAsFirst(CEnt& ent) {
     int looks = kMostLooks;
     const bool isFound = findFirst(ent, looks);
     if (!isFound) begin(ent);
-    const First first{isFound || looks == 0, m_item.layer, m_item.color};
-    found = m_firsts.emplace(mixer.key(), first).first;
+    found = m_firsts.emplace(mixer.key(), First{isFound || looks == 0, m_item}).first;
   }
-  m_item.layer = found->second.layer;
-  m_item.color = found->second.color;
+  const vek0::Handle handle = m_item.handle;
+  m_item = found->second.item;
+  m_item.handle = handle;
   m_out.begin(m_item);
   return found->second.isShown;
 }
@@ -155,7 +164,7 @@ bool Walker::isDrawnAlready(const CBlock& block) {
   mixer << block.getSerial() << m_out.epoch()
         << reinterpret_cast<std::uintptr_t>(m_stack.GetCurLayer())
         << reinterpret_cast<std::uintptr_t>(m_stack.GetCurLtype())
-        << static_cast<std::uint64_t>(m_stack.GetCurColor());
+        << static_cast<std::uint64_t>(m_stack.GetCurColor()) << keyOf(m_stack.GetCurTraits());
   const PNT_3D corners[] = {
       box.min, {box.max.x, box.min.y, box.min.z}, {box.min.x, box.max.y, box.min.z}, box.max};
   for (const PNT_3D& corner : corners) {

@@ -104,8 +104,11 @@ void Emitter::tellItem() {
   if (m_item.layer && m_item.layer != m_layer)
     charge(kPointsPerLayer + static_cast<double>(m_item.layer->view().size()));
   m_layer = m_item.layer;
-  if (m_item.color != m_color) charge(kPointsPerColor);
+  if (m_item.color != m_color || m_item.width != m_width || m_item.alpha != m_alpha)
+    charge(kPointsPerColor);
   m_color = m_item.color;
+  m_width = m_item.width;
+  m_alpha = m_item.alpha;
   m_painter.begin(m_item);
   m_isTold = true;
 }

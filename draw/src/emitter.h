@@ -88,6 +88,8 @@ class Emitter {
   std::size_t m_epoch = 0;
   const zim::WString* m_layer = nullptr;  // last one passed to the painter
   RGB_COLOR m_color{};                    // last one passed to the painter
+  double m_width = 0;                     // likewise
+  std::uint8_t m_alpha = 255;             // likewise
   DrawItem m_item;
   bool m_isTold = false;
   DRAW_RESULT m_result;

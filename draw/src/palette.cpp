@@ -6,6 +6,9 @@
 RGB_COLOR paletteColor(int index, const RGB_COLOR& background) {
   constexpr int foreground = 7, last = 255;
   if (index >= 1 && index <= last && index != foreground) return paletteColor(index);
-  const double light = 0.299 * background.r + 0.587 * background.g + 0.114 * background.b;
-  return light < 128 ? RGB_COLOR{255, 255, 255} : RGB_COLOR{0, 0, 0};
+  return brightness(background) < 128 ? RGB_COLOR{255, 255, 255} : RGB_COLOR{0, 0, 0};
+}
+
+double brightness(const RGB_COLOR& color) {
+  return 0.299 * color.r + 0.587 * color.g + 0.114 * color.b;
 }

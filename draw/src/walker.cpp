@@ -95,7 +95,9 @@ Walker::Walker(const CData& data, const IProjector& projector, const CWndVpt& wi
       m_out(painter, options),
       m_pixelSize(window.GetPixelSize()),
       m_hasDevice(m_pixelSize > 0),
+      m_penReach(std::max(options.penReach, options.weights.widest() / 2)),
       m_drawing(projector, window),
+      m_textReach(reachOfLtypes(data) * m_drawing.scale()),
       m_place(m_drawing),
       m_stack(m_pixelSize),
       m_points(data.getVars(), m_drawing.scale(), heightOf(window), options.leastPoint),
@@ -107,8 +109,7 @@ Walker::Walker(const CData& data, const IProjector& projector, const CWndVpt& wi
   window.get(width, height);
   m_window.set(0, 0, static_cast<double>(width), static_cast<double>(height));
   // What lies just outside may still reach into the window: wide pens, texts of linetypes, points.
-  const double reach =
-      options.penReach + std::max(reachOfLtypes(data) * m_drawing.scale(), m_points.reach());
+  const double reach = m_penReach + std::max(m_textReach, m_points.reach());
   m_window.inflate(reach, reach);
   m_out.setLongest(static_cast<double>(std::max(width, height)));
   // Large drawings may take proportionally longer.
@@ -118,6 +119,7 @@ Walker::Walker(const CData& data, const IProjector& projector, const CWndVpt& wi
 // --- What is seen
 
 bool Walker::isShown(const CEnt& ent) const {
+  if (!ent.getTraits().isVisible) return false;
   const CLayer* layer = m_stack.ResolveLayer(ent);
   return m_options.hiddenLayers || !layer || !isHidden(ent, *layer);
 }
@@ -125,11 +127,21 @@ bool Walker::isShown(const CEnt& ent) const {
 void Walker::draw(CEnt& ent) {
   if (m_out.look() || !isShown(ent)) return;
   const RECT_2D box = m_place.apply(m_boxes.of(ent, m_pixelSize));
-  if (!box.intersect(m_window) || isSkipped(ent, box)) return;
+  if (!reaches(ent, box) || isSkipped(ent, box)) return;
   const bool unfolds = m_out.isUnfolding() || ent.getEntInsert();
   if (unfolds && isCoarse() && isSmall(box)) return drawSpeck(ent, middleOf(box));
   begin(ent);
   ent.accept(*this);
+}
+
+bool Walker::reaches(const CEnt& ent, const RECT_2D& box) const {
+  if (box.intersect(m_window)) return true;
+  const double scale = ent.getTraits().ltypeScale;
+  if (scale <= 1 || m_textReach == 0) return false;
+  // The window allows for a scale of 1.
+  RECT_2D reached = box;
+  reached.inflate(scale * m_textReach, scale * m_textReach);
+  return reached.intersect(m_window);
 }
 
 // Points extend beyond their boxes, because their size depends on the display.
@@ -147,9 +159,28 @@ bool Walker::isSkipped(const CEnt& ent, const RECT_2D& box) {
 void Walker::begin(const CEnt& ent) {
   const CLayer* layer = m_stack.ResolveLayer(ent);
   m_item.layer = layer ? &layer->getFullName() : &m_noLayer;
-  m_item.color = paletteColor(m_options.mono ? 7 : m_stack.ResolveColor(ent), m_options.background);
+  const ENT_TRAITS traits = m_stack.ResolveTraits(ent);
+  m_item.color = colorOf(ent, traits);
+  m_item.alpha = static_cast<std::uint8_t>(traits.opacity);
+  const short weight = traits.lineweight == ENT_TRAITS::kWeightDefault
+                           ? m_data.getVars().getDefaultLineweight()
+                           : traits.lineweight;
+  m_item.width = m_options.weights.widthOf(weight / 100.0);
   m_ltype = m_stack.ResolveLtype(ent);
+  m_ltypeScale = traits.ltypeScale;
   m_out.begin(m_item);
+}
+
+RGB_COLOR Walker::colorOf(const CEnt& ent, const ENT_TRAITS& traits) const {
+  constexpr int foreground = 7;
+  const RGB_COLOR& background = m_options.background;
+  if (m_options.colors == DrawColors::Mono) return paletteColor(foreground, background);
+  const RGB_COLOR color = traits.hasTrueColor()
+                              ? unpackColor(static_cast<long>(traits.trueColor))
+                              : paletteColor(m_stack.ResolveColor(ent), background);
+  if (m_options.colors == DrawColors::Keep) return color;
+  const auto gray = static_cast<std::uint8_t>(std::lround(brightness(color)));
+  return {gray, gray, gray};
 }
 
 // --- Points
@@ -169,8 +200,9 @@ const CLtypeComplexDashSeq* Walker::pattern() const {
   if (!m_ltype || m_ltype->getNoDashes() == 0) return nullptr;
   const CLtypeComplexDashSeq& dashes = m_ltype->GetLtypeComplexDashSeq();
   const double period = dashes.GetPatternLen() * patternScale();
-  // Patterns finer than the device can resolve look continuous.
-  return period * m_drawing.scale() > m_options.finestPattern ? &dashes : nullptr;
+  // Patterns finer than the device or the pen can resolve look continuous.
+  const double finest = std::max(m_options.finestPattern, 2 * m_item.width);
+  return period * m_drawing.scale() > finest ? &dashes : nullptr;
 }
 
 void Walker::strokeWay(bool closed) {

@@ -75,7 +75,9 @@ class Walker final : public IEntVisitor, private IPatternSink {
   void begin(const CEnt& ent);
 
   // Paths: lines and entities made of them.
-  double patternScale() const { return m_data.getVars().getLtypeScale(); }
+  double patternScale() const { return m_data.getVars().getLtypeScale() * m_ltypeScale; }
+  bool reaches(const CEnt& ent, const RECT_2D& box) const;
+  RGB_COLOR colorOf(const CEnt& ent, const ENT_TRAITS& traits) const;
   const CLtypeComplexDashSeq* pattern() const;
   void strokeWay(bool closed);
   void drawChain(const std::vector<WIDE_VERTEX>& points, bool closed);
@@ -162,7 +164,9 @@ class Walker final : public IEntVisitor, private IPatternSink {
   const double m_pixelSize;
   bool m_hasDevice;
   RECT_2D m_window;
+  const double m_penReach;    // of the widest stroke
   const Placement m_drawing;  // from the drawing to the device
+  const double m_textReach;   // of texts in linetypes of scale 1, on the device
   Placement m_place;          // from the innermost block to the device
   CEntInsertStack m_stack;
   const PointFigure m_points;
@@ -175,13 +179,13 @@ class Walker final : public IEntVisitor, private IPatternSink {
   RecentKeys m_placed;
   struct First {
     bool isShown;
-    const zim::WString* layer;
-    RGB_COLOR color;
+    DrawItem item;
   };
   std::unordered_map<std::uint64_t, First> m_firsts;  // first visible entity of each insert
 
   DrawItem m_item;                  // of the entity being drawn
   const CLtype* m_ltype = nullptr;  // of the entity being drawn
+  double m_ltypeScale = 1;          // likewise
   std::vector<WIDE_VERTEX> m_way;   // scratch
   std::vector<PNT_2D> m_device;     // scratch
   std::vector<std::size_t> m_ends;  // scratch

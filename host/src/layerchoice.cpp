@@ -34,7 +34,8 @@ namespace {
 
 bool isUnprinted(const CLayer& layer) {
   const zim::WString& name = layer.getFullName();
-  return matchesPattern(name, u"defpoints") || matchesPattern(name, u"*|defpoints");
+  return !layer.getTraits().isPlotted || matchesPattern(name, u"defpoints") ||
+         matchesPattern(name, u"*|defpoints");
 }
 
 }  // namespace
@@ -50,7 +51,8 @@ LayerChoice::LayerChoice(const CData& data, const std::vector<std::string>& show
       layers[i]->setOff(!isShown[i]);
       if (isShown[i]) layers[i]->setFrozen(false);
     } else if (isUnprinted(*layers[i])) {
-      m_hidesUnprinted = m_hidesUnprinted || layers[i]->getEntities() > 0;
+      if (m_unprinted.empty() && layers[i]->getEntities() > 0)
+        m_unprinted = layers[i]->getFullName();
       layers[i]->setOff(true);
     }
     if (isHidden[i]) layers[i]->setOff(true);

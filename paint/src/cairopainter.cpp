@@ -87,8 +87,8 @@ cairo_surface_t* makeSurface(CairoPainter::Kind kind, IFile& file, const SHEET& 
   return surface;
 }
 
-void setColor(cairo_t* context, const RGB_COLOR& color) {
-  cairo_set_source_rgb(context, color.r / 255.0, color.g / 255.0, color.b / 255.0);
+void setColor(cairo_t* context, const RGB_COLOR& color, std::uint8_t alpha = 255) {
+  cairo_set_source_rgba(context, color.r / 255.0, color.g / 255.0, color.b / 255.0, alpha / 255.0);
 }
 
 // Contours as Cairo's path.
@@ -120,10 +120,12 @@ CairoPainter::CairoPainter(Kind kind, IFile& file, const SHEET& sheet, IOutlineF
       m_file(file),
       m_surface(makeSurface(kind, file, sheet)),
       m_context(cairo_create(m_surface.get())),
+      m_lineWidth(sheet.lineWidth),
+      m_width(sheet.lineWidth),
       m_clipPixels(kMostClipPixels) {
   cairo_t* context = m_context.get();
   if (kind == Pdf) cairo_scale(context, pointsPerUnit(sheet), pointsPerUnit(sheet));
-  cairo_set_line_width(context, sheet.lineWidth);
+  cairo_set_line_width(context, m_width);
   // Round caps make a line of length 0 a visible dot.
   cairo_set_line_cap(context, CAIRO_LINE_CAP_ROUND);
   cairo_set_line_join(context, CAIRO_LINE_JOIN_ROUND);
@@ -135,18 +137,21 @@ CairoPainter::CairoPainter(Kind kind, IFile& file, const SHEET& sheet, IOutlineF
   unsigned char* pixels = kind == Png ? cairo_image_surface_get_data(m_surface.get()) : nullptr;
   if (!pixels) return;
   m_lines = std::make_unique<LineRasterizer>(pixels, sheet.width, sheet.height,
-                                             cairo_image_surface_get_stride(m_surface.get()),
-                                             sheet.lineWidth);
-  m_lines->setColor(m_color);
+                                             cairo_image_surface_get_stride(m_surface.get()));
+  m_lines->setPen(m_color, m_alpha, m_width);
 }
 
 void CairoPainter::begin(const DrawItem& item) {
-  // Paths end only when the color changes, as each path has a fixed cost.
-  if (item.color == m_color) return;
+  const double width = item.width > 0 ? item.width : m_lineWidth;
+  // Paths end only when their look changes, as each path has a fixed cost.
+  if (item.color == m_color && item.alpha == m_alpha && width == m_width) return;
   endPath();
   m_color = item.color;
-  setColor(m_context.get(), m_color);
-  if (m_lines) m_lines->setColor(m_color);
+  m_alpha = item.alpha;
+  m_width = width;
+  setColor(m_context.get(), m_color, m_alpha);
+  cairo_set_line_width(m_context.get(), m_width);
+  if (m_lines) m_lines->setPen(m_color, m_alpha, m_width);
 }
 
 // Cairo and the rasterizer, which does not support clips, alternate in accessing the pixels.
@@ -310,7 +315,7 @@ void CairoPainter::plainPopClip() {
     cairo_fill(context);
   }
   cairo_restore(context);
-  setColor(context, m_color);
+  setColor(context, m_color, m_alpha);
   m_clips.pop_back();
 }
 

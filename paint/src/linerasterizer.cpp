@@ -7,7 +7,8 @@
 namespace vek0::paint {
 namespace {
 
-constexpr std::uint32_t kFull = 256;             // coverage of a fully covered pixel
+constexpr std::uint32_t kFull = 256;  // coverage of a fully covered pixel
+constexpr std::uint8_t kOpaque = 255;
 constexpr std::uint32_t kLanes = 0x00FF00FF;     // two parts of a color, 16 bits each
 constexpr std::uint32_t kRounding = 0x00800080;  // halves of both
 
@@ -35,22 +36,24 @@ bool inside(double low, double high, long count, long& first, long& last) {
 }  // namespace
 
 LineRasterizer::LineRasterizer(unsigned char* pixels, long width, long height,
-                               std::ptrdiff_t stride, double lineWidth)
+                               std::ptrdiff_t stride)
     : m_pixels(pixels),
       m_width(width),
       m_height(height),
       m_stride(stride),
-      m_reach(reachOf(lineWidth)),
-      // Lines thinner than a pixel are drawn one pixel wide with reduced strength.
-      m_strength(kFull * std::min(lineWidth, 1.0)),
-      m_mask(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) {}
+      m_mask(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) {
+  setPen({0, 0, 0}, kOpaque, 1);
+}
 
 double LineRasterizer::reachOf(double width) { return std::max(width, 1.0) / 2 + 0.5; }
 
-void LineRasterizer::setColor(const RGB_COLOR& color) {
-  constexpr std::uint32_t opaque = 255;
+void LineRasterizer::setPen(const RGB_COLOR& color, std::uint8_t alpha, double lineWidth) {
   m_redBlue = std::uint32_t{color.r} << 16 | color.b;
-  m_alphaGreen = opaque << 16 | color.g;
+  m_alphaGreen = std::uint32_t{kOpaque} << 16 | color.g;
+  m_reach = reachOf(lineWidth);
+  m_full = static_cast<double>(kFull) * alpha / kOpaque;
+  // Lines thinner than a pixel are drawn one pixel wide with reduced strength.
+  m_strength = m_full * std::min(lineWidth, 1.0);
 }
 
 std::uint32_t* LineRasterizer::rowOf(long y) const {
@@ -91,7 +94,7 @@ void LineRasterizer::stroke(const PNT_2D* points, std::size_t count, bool closed
 // A stroke of zero length is a disc with the diameter of the line width.
 void LineRasterizer::disc(const PNT_2D& center, double diameter) {
   const double reach = std::exchange(m_reach, reachOf(diameter));
-  const double strength = std::exchange(m_strength, double{kFull});
+  const double strength = std::exchange(m_strength, m_full);
   stroke(&center, 1, false);
   m_reach = reach;
   m_strength = strength;

@@ -13,7 +13,8 @@ constexpr double kImageSide = 1600;  // pixels
 constexpr double kMinImageSide = 200;
 constexpr double kMarginMm = 10, kMarginPixels = 20;
 constexpr double kMostMargin = 0.125;  // of a sheet's shorter side, unless specified
-constexpr double kLineMm = 0.25, kLinePixels = 1;
+// On screen, the usual lineweight of 0.25 mm is a pixel. Thinner lines would hardly be visible.
+constexpr double kPixelsPerMm = 4, kLeastPixels = 1, kLeastMm = 0.05, kUsualMm = 0.25;
 constexpr SHEET_SIZE kA4{210, 297, true};
 // Maximum page side in PDF readers: 200 inches.
 constexpr double kMaxPageMm = 5080;
@@ -58,6 +59,7 @@ class Layout {
     picture.sheet.height = std::max(1L, std::lround(m_height));
     picture.sheet.unitMm = m_unitMm;
     picture.sheet.paper = m_paper && m_options.format != Format::Png;
+    picture.sheet.weights = weights();
     picture.sheet.lineWidth = lineWidth();
     if (m_options.format == Format::Png) picture.error = imageRefusal(picture.sheet);
     placeContent(picture);
@@ -85,9 +87,17 @@ class Layout {
     return size.mm ? 1 / m_unitMm : m_paper ? pixelMm / m_unitMm : 1;
   }
 
+  DRAW_WEIGHTS weights() const {
+    if (m_options.lineWidth) return {};
+    if (!m_paper) return {m_options.weightFactor * kPixelsPerMm, kLeastPixels};
+    const double perMm = fromMm(m_options.weightFactor);
+    if (m_options.format != Format::Png) return {perMm, fromMm(kLeastMm)};
+    // At a low resolution, the usual width is less than a pixel.
+    return {perMm, std::min(kLeastPixels, fromMm(kUsualMm))};
+  }
   double lineWidth() const {
     if (m_options.lineWidth) return fromMm(*m_options.lineWidth);
-    return m_paper ? fromMm(kLineMm) : kLinePixels;
+    return weights().widthOf(m_options.defaultWeight);
   }
 
   // Drawing units per device unit.

@@ -14,6 +14,7 @@
 #include "vek0host/outputfile.h"
 #include "vek0host/paths.h"
 #include "vek0host/units.h"
+#include "vek0host/visibletext.h"
 #include "vek0paint/cairopainter.h"
 #include "vek0paint/fonts.h"
 #include "vek0paint/shownextents.h"
@@ -62,8 +63,9 @@ std::string missingFrom(const CFileReport& report) {
 std::string whyNothing(const ReadResult& result, const LayerChoice& layers) {
   const std::string elsewhere = result.elsewhere();
   if (!elsewhere.empty()) return ": " + elsewhere;
-  return layers.hidesUnprinted() ? ": layer Defpoints is not printed; --layers Defpoints shows it"
-                                 : "";
+  if (layers.unprinted().empty()) return "";
+  const std::string name = visible(layers.unprinted());
+  return ": layer " + name + " is not printed; --layers " + name + " shows it";
 }
 
 std::string joined(const std::vector<std::string>& names) {
@@ -81,7 +83,7 @@ class Renderer {
         m_session(session),
         m_projector(makeProjector(options.view)) {
     m_fonts.registerFonts();
-    m_drawOptions.mono = options.mono;
+    m_drawOptions.colors = options.colors;
     // A point of a page is by far the most expensive.
     if (m_format == Format::Pdf) {
       m_drawOptions.pointLimit /= 4;
@@ -153,6 +155,7 @@ class Renderer {
     constexpr double kMmPerMeter = 1000;
     PICTURE_OPTIONS layout = m_options.picture;
     layout.unitMm = unitInMeters(drawingUnit).value_or(1 / kMmPerMeter) * kMmPerMeter;
+    layout.defaultWeight = data.getVars().getDefaultLineweight() / 100.0;
     PICTURE picture = layOut(layout, extents);
     if (!picture.error.empty() && layout.scale && m_options.unit.empty())
       picture.error +=
@@ -162,6 +165,7 @@ class Renderer {
     if (in != "-") picture.sheet.title = fileTitle(in);
     // A tenth of a pixel is invisible, and so are two hundredths of a millimeter on paper.
     const double line = picture.sheet.lineWidth, unit = picture.sheet.unitMm;
+    m_drawOptions.weights = picture.sheet.weights;
     m_drawOptions.chordError = picture.sheet.paper ? 0.02 / unit : 0.1;
     m_drawOptions.penReach = std::max(1.0, line);
     const double pixel = picture.sheet.paper ? kMmPerInch / kCssDpi / unit : 1;

@@ -52,7 +52,9 @@ SvgPainter::SvgPainter(IFile& file, const SHEET& sheet, IOutlineFonts& fonts, Te
     : SheetPainter(sheet, fonts),
       m_file(file),
       m_texts(texts),
-      m_cover(static_cast<double>(sheet.width), static_cast<double>(sheet.height)) {
+      m_lineWidth(sheet.lineWidth),
+      m_cover(static_cast<double>(sheet.width), static_cast<double>(sheet.height)),
+      m_width(sheet.lineWidth) {
   writeHead(sheet);
 }
 
@@ -110,7 +112,8 @@ void SvgPainter::flushGroups() {
   for (const Group& group : m_groups) {
     const std::string name = escapedXml(group.layer);
     write("<g id=\"" + groupId(group.layer) + "\" inkscape:groupmode=\"layer\" inkscape:label=\"" +
-          name + "\" data-layer=\"" + name + "\" stroke=\"" + colorText(group.color) + "\">\n");
+          name + "\" data-layer=\"" + name + "\" stroke=\"" + colorText(group.color) + "\"" +
+          (group.width == m_lineWidth ? std::string() : widthAttribute(group.width)) + ">\n");
     write(group.body);
     write(group.leavesClips + "</g>\n");
   }
@@ -128,13 +131,17 @@ void SvgPainter::begin(const DrawItem& item) {
   const zim::WString& layer = item.layer ? *item.layer : none;
   const bool sameLayer = layer == m_layer;
   // Indistinguishable fills are merged: adjacent filled faces would show seams.
-  const bool unites = item.handle == 0 && m_pathFills && item.color == m_color;
+  const double width = item.width > 0 ? item.width : m_lineWidth;
+  const bool isFillSame = item.color == m_color && item.alpha == m_alpha;
+  const bool unites = item.handle == 0 && m_pathFills && isFillSame;
   if (!sameLayer || item.handle != m_handle || (item.handle == 0 && !unites)) {
     endEntity();
-  } else if (!(item.color == m_color)) {
+  } else if (!isFillSame || width != m_width) {
     endPath();
   }
   m_color = item.color;
+  m_alpha = item.alpha;
+  m_width = width;
   m_handle = item.handle;
   if (sameLayer) return;
   m_layer = layer;
@@ -145,7 +152,7 @@ void SvgPainter::begin(const DrawItem& item) {
 SvgPainter::Group& SvgPainter::groupOfItem() {
   if (m_group == kNoGroup) {
     m_group = m_groupOf.try_emplace(m_layerUtf8, m_groups.size()).first->second;
-    if (m_group == m_groups.size()) m_groups.push_back({m_layerUtf8, m_color});
+    if (m_group == m_groups.size()) m_groups.push_back({m_layerUtf8, m_color, m_width});
   }
   return m_groups[m_group];
 }
@@ -185,12 +192,26 @@ void SvgPainter::endPath() {
 }
 
 std::string SvgPainter::strokeAttribute() {
-  // The group already states the color of its first element.
-  return groupOfItem().color == m_color ? std::string() : " stroke=\"" + colorText(m_color) + "\"";
+  // The group already states the color and width of its first element.
+  const Group& group = groupOfItem();
+  std::string attributes;
+  if (group.color != m_color) attributes += " stroke=\"" + colorText(m_color) + "\"";
+  if (group.width != m_width) attributes += widthAttribute(m_width);
+  return attributes + opacityAttribute("stroke");
 }
 
 std::string SvgPainter::fillAttribute() const {
-  return " fill=\"" + colorText(m_color) + "\" stroke=\"none\"";
+  return " fill=\"" + colorText(m_color) + "\" stroke=\"none\"" + opacityAttribute("fill");
+}
+
+std::string SvgPainter::widthAttribute(double width) {
+  return " stroke-width=\"" + factorText(width) + "\"";
+}
+
+std::string SvgPainter::opacityAttribute(const char* of) const {
+  constexpr int opaque = 255;
+  if (m_alpha == opaque) return {};
+  return std::string(" ") + of + "-opacity=\"" + factorText(m_alpha / double{opaque}) + "\"";
 }
 
 // A single element gets the handle itself, several get a group with it.

@@ -21,7 +21,8 @@ constexpr const char* kNoBackground = "none";
 struct Arguments {
   std::vector<std::string> files;
   std::string out, format, size, paper, scale, window, background = "white", texts = "text";
-  bool portrait = false, landscape = false, all = false;
+  std::string lineweight = "file", color;
+  bool portrait = false, landscape = false, all = false, mono = false;
   RenderOptions render;
 };
 
@@ -50,6 +51,26 @@ std::string scaleComplaint(const std::string& text) {
   return "'" + text + "' can mean two scales: use 1:" + text + " or " + text + ":1";
 }
 
+// A lineweight: as in the file, a multiple of that, or one width for all lines, in millimeters.
+bool parseLineweight(const std::string& text, PICTURE_OPTIONS& picture) {
+  constexpr double least = 0.001, most = 100;
+  if (text == "file") return true;
+  const bool isFactor = !text.empty() && text.back() == 'x';
+  double value;
+  if (!parseNumbers(text.substr(0, text.size() - isFactor), ',', &value, 1)) return false;
+  if (!(value >= least && value <= most)) return false;
+  if (isFactor)
+    picture.weightFactor = value;
+  else
+    picture.lineWidth = value;
+  return true;
+}
+
+DrawColors colorsOf(const Arguments& arguments) {
+  if (arguments.mono || arguments.color == "mono") return DrawColors::Mono;
+  return arguments.color == "gray" ? DrawColors::Gray : DrawColors::Keep;
+}
+
 void useArguments(Arguments& arguments) {
   PICTURE_OPTIONS& picture = arguments.render.picture;
   picture.size = arguments.paper.empty() ? parseSize(arguments.size) : parsePaper(arguments.paper);
@@ -57,6 +78,8 @@ void useArguments(Arguments& arguments) {
   if (arguments.portrait || arguments.landscape) picture.landscape = arguments.landscape;
   picture.scale = parseScale(arguments.scale);
   picture.window = parseWindow(arguments.window);
+  parseLineweight(arguments.lineweight, picture);
+  arguments.render.colors = colorsOf(arguments);
   arguments.render.background = parseColor(arguments.background);
   arguments.render.textsAsOutlines = arguments.texts == "outlines";
 }
@@ -135,10 +158,22 @@ void addLookOptions(CLI::App& verb, Arguments& arguments) {
           isA("a color like white or #203040",
               [](const std::string& text) { return text == kNoBackground || parseColor(text); }))
       ->capture_default_str();
-  verb.add_flag("--mono", arguments.render.mono, "Draw everything in one color");
-  verb.add_option("--lineweight", arguments.render.picture.lineWidth, "Line width in mm")
-      ->type_name("MM")
-      ->check(isNumber(0.001, 100, "from 0.001 to 100"));
+  CLI::Option* color =
+      verb.add_option("--color", arguments.color,
+                      "Colors of the picture: keep those of the drawing (the default), draw "
+                      "everything in one color (mono), or in grays of the same brightness (gray)");
+  color->check(CLI::IsMember({"keep", "mono", "gray"}));
+  verb.add_flag("--mono", arguments.mono, "The same as --color mono")->excludes(color);
+  const auto isLineweight = [](const std::string& text) {
+    PICTURE_OPTIONS ignored;
+    return parseLineweight(text, ignored);
+  };
+  verb.add_option("--lineweight", arguments.lineweight,
+                  "Width of lines: that of the file, a multiple of it like 0.5x, or one width for "
+                  "all lines in mm. A screen pixel stands for 0.25 mm")
+      ->type_name("file|FACTORx|MM")
+      ->check(isA("file, a factor like 0.5x, or a width in mm, from 0.001 to 100", isLineweight))
+      ->capture_default_str();
   verb.add_option("--text", arguments.texts, "Write the texts of SVG as text or as outlines")
       ->check(CLI::IsMember({"text", "outlines"}))
       ->capture_default_str();

@@ -1,18 +1,35 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 
 #include "vek0core/drawing/data.h"
+#include "vek0core/tables/enttraits.h"
 #include "vek0core/view/projector.h"
 #include "vek0core/view/wndvpt.h"
 #include "vek0draw/painter.h"
+
+/// What becomes of a drawing's colors: they are kept, replaced by the one that contrasts with the
+/// background, or by grays of the same brightness.
+enum class DrawColors { Keep, Mono, Gray };
+
+/// How wide strokes are, by lineweight. By default, painters use a width of their own for all.
+struct DRAW_WEIGHTS {
+  double perMm = 0;  ///< device units per millimeter; 0: all strokes have the painter's width
+  double least = 0;  ///< minimum width, in device units
+
+  /// Width on the device, 0 for the painter's.
+  double widthOf(double mm) const { return perMm > 0 ? std::max(least, mm * perMm) : 0; }
+  /// Width of the widest stroke that a drawing can have.
+  double widest() const { return widthOf(ENT_TRAITS::kWidestWeight / 100.0); }
+};
 
 /// Options for rendering a drawing.
 struct DRAW_OPTIONS {
   /// Color 7 is black or white, whichever contrasts with it.
   RGB_COLOR background{255, 255, 255};
-  /// Draw everything in the color that contrasts with the background.
-  bool mono = false;
+  DrawColors colors = DrawColors::Keep;
+  DRAW_WEIGHTS weights;
   /// Maximum deviation of chords from their curve, in device units.
   double chordError = 0.1;
   /// Linetypes with a shorter period, in device units, are drawn continuous: their dashes would
@@ -20,8 +37,8 @@ struct DRAW_OPTIONS {
   double finestPattern = 1;
   /// Whether to show layers that are off or frozen.
   bool hiddenLayers = false;
-  /// Extent of the pen beyond the points passed to the painter, in device units: half the width of
-  /// the widest stroke.
+  /// Extent of the painter's own pen beyond the points passed to it, in device units: half its
+  /// width.
   double penReach = 1;
   /// Whether to draw rays and infinite lines as far as the window shows them; otherwise as a dot at
   /// their first point.
@@ -64,8 +81,8 @@ struct DRAW_RESULT {
 
 /// Emits the part of model space visible in the window to the painter, in drawing order: inserts
 /// with all their cells and attributes, linetypes as dashes, widths as fills, texts, hatches.
-/// Layers and colors are resolved from the drawing's tables, BYLAYER and BYBLOCK through all levels
-/// of nesting.
+/// Layers, colors, lineweights, transparency and linetype scales are resolved from the drawing's
+/// tables, BYLAYER and BYBLOCK through all levels of nesting; invisible entities are skipped.
 ///
 /// Entities whose extents lie outside the window cost a comparison (to draw repeatedly, see
 /// `CDrawIndex`). Cells of arrays and dashes outside the window cost nothing, and neither does
@@ -84,3 +101,6 @@ RECT_2D drawnExtents(const CData& data, const IProjector& projector,
 /// The ordinary palette of 255 colors; 7 and any index outside 1 to 255 is black or white,
 /// whichever contrasts with the background.
 RGB_COLOR paletteColor(int index, const RGB_COLOR& background);
+
+/// The brightness that a color is perceived with, 0 to 255: luma of ITU-R BT.601.
+double brightness(const RGB_COLOR& color);

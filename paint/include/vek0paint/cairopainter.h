@@ -2,6 +2,7 @@
 
 #include <cairo.h>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -68,7 +69,10 @@ class CairoPainter final : public SheetPainter {
   std::unique_ptr<LineRasterizer> m_lines;  // set if the image could be created
   std::vector<PNT_2D> m_chords;             // scratch
   std::unordered_map<const FACE_FILE*, Font> m_faces;
+  const double m_lineWidth;  // of items without a width
   RGB_COLOR m_color;
+  std::uint8_t m_alpha = 255;
+  double m_width;
   // The active clips: the ring that clips a group, or an empty one.
   std::vector<std::vector<PNT_2D>> m_clips;
   double m_clipPixels;  // remaining cost for groups

@@ -8,18 +8,19 @@
 
 namespace vek0::paint {
 
-/// Strokes of one width on an image, antialiased, with round caps and joins.
+/// Strokes on an image, antialiased, with round caps and joins.
 ///
 /// Drawings are mostly thin lines, for which general stroking takes ten times as long, because it
 /// converts them to polygons. Here the coverage of a pixel follows from its distance to the stroke.
 class LineRasterizer {
  public:
   /// The image is borrowed: rows of premultiplied 32-bit pixels, `stride` bytes from one to the
-  /// next. `lineWidth` is in pixels; lines thinner than one pixel are drawn fainter instead.
-  LineRasterizer(unsigned char* pixels, long width, long height, std::ptrdiff_t stride,
-                 double lineWidth);
+  /// next.
+  LineRasterizer(unsigned char* pixels, long width, long height, std::ptrdiff_t stride);
 
-  void setColor(const RGB_COLOR& color);
+  /// Sets color, opacity and line width. The width is in pixels; lines thinner than one pixel are
+  /// drawn fainter instead. Initially black, opaque and one pixel.
+  void setPen(const RGB_COLOR& color, std::uint8_t alpha, double lineWidth);
   /// Draws the chain, or a dot if all points coincide. Coordinates are in pixels, finite, and may
   /// be outside the image. The cost is proportional to the pixels touched.
   void stroke(const PNT_2D* points, std::size_t count, bool closed);
@@ -48,10 +49,11 @@ class LineRasterizer {
   unsigned char* m_pixels;
   long m_width, m_height;
   std::ptrdiff_t m_stride;
-  double m_reach;     // distance from the center line within which pixels are touched
-  double m_strength;  // of full coverage, below 1 for thin lines
-  std::uint32_t m_redBlue = 0, m_alphaGreen = 0;  // of the color, each in 16 bits
-  std::vector<std::uint16_t> m_mask;              // coverage by the current chain, per pixel
+  // By `setPen`: the distance from the center line within which pixels are touched; full coverage
+  // of areas and of lines, which is less for thin ones; the color, each part in 16 bits.
+  double m_reach = 0, m_full = 0, m_strength = 0;
+  std::uint32_t m_redBlue = 0, m_alphaGreen = 0;
+  std::vector<std::uint16_t> m_mask;  // coverage by the current chain, per pixel
   struct Place {
     std::uint32_t* pixel;
     std::uint16_t* mask;

@@ -31,7 +31,9 @@ struct PICTURE_OPTIONS {
   double unitMm = 1;                ///< millimeters per drawing unit
   std::optional<RECT_2D> window;    ///< part of the view's plane to show
   std::optional<double> margin;     ///< millimeters on paper, else pixels
-  std::optional<double> lineWidth;  ///< millimeters
+  std::optional<double> lineWidth;  ///< millimeters, of all lines regardless of their lineweights
+  double weightFactor = 1;          ///< of lineweights
+  double defaultWeight = 0.25;      ///< lineweight "default", millimeters
   double dpi = 150;                 ///< of images of paper
 };
 

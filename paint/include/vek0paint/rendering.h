@@ -16,10 +16,10 @@ struct RenderOptions {
   std::string unit;         ///< drawing unit; empty: the one stated by the file, else a millimeter
   std::string view = "plan";                             ///< see `makeProjector`
   std::optional<RGB_COLOR> background{{255, 255, 255}};  ///< nothing: transparent
-  bool mono = false;                                     ///< draw everything in one color
-  bool textsAsOutlines = false;                          ///< of SVG
-  std::vector<std::string> layers, hiddenLayers;         ///< see `LayerChoice`
-  bool withReferences = true;                            ///< show external references
+  DrawColors colors = DrawColors::Keep;
+  bool textsAsOutlines = false;                   ///< of SVG
+  std::vector<std::string> layers, hiddenLayers;  ///< see `LayerChoice`
+  bool withReferences = true;                     ///< show external references
   host::ReferenceOptions references;
   bool splitLayers = false;  ///< one picture per layer that shows something
   bool force = false;        ///< replace existing files

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "vek0core/geometry/rect.h"
+#include "vek0draw/draw.h"
 #include "vek0draw/painter.h"
 
 namespace vek0::paint {
@@ -19,7 +20,8 @@ struct SHEET {
   long width = 0, height = 0;            ///< device units: pixels, or `kPaperUnitMm` on paper
   double unitMm = kMmPerInch / kCssDpi;  ///< size of a device unit
   bool paper = false;                    ///< measured in millimeters
-  double lineWidth = 1;                  ///< device units
+  double lineWidth = 1;                  ///< of strokes without a width of their own, device units
+  DRAW_WEIGHTS weights;
   RGB_COLOR background{255, 255, 255};
   bool transparent = false;  ///< the background is not painted
   std::string title;         ///< UTF-8

@@ -45,7 +45,8 @@ class SvgPainter final : public SheetPainter {
  private:
   struct Group {
     std::string layer;  // UTF-8
-    RGB_COLOR color;    // of its first element
+    RGB_COLOR color;    // of its first element, like the next
+    double width;
     std::string body = {};
     int clip = 0;                  // the innermost one that its end is in
     std::string leavesClips = {};  // the tags that leave it and those around
@@ -67,10 +68,13 @@ class SvgPainter final : public SheetPainter {
   void enterClips();
   std::string strokeAttribute();
   std::string fillAttribute() const;
+  static std::string widthAttribute(double width);
+  std::string opacityAttribute(const char* of) const;
   std::string textAttributes(const DrawText& text, const OutlineFont& font) const;
 
   IFile& m_file;
   Texts m_texts;
+  const double m_lineWidth;  // of items without a width
   bool m_good = true;
   std::string m_out;  // not written yet
 
@@ -85,6 +89,8 @@ class SvgPainter final : public SheetPainter {
   zim::WString m_layer;
   std::string m_layerUtf8;
   RGB_COLOR m_color;
+  double m_width;  // of strokes
+  std::uint8_t m_alpha = 255;
   vek0::Handle m_handle = 0;
   static constexpr std::size_t kNoGroup = static_cast<std::size_t>(-1);
   std::size_t m_group = kNoGroup;  // of the layer, once it has drawn something

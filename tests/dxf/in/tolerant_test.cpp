@@ -429,6 +429,7 @@ TEST(Tolerant, PaperIsKeptApart) {
 }
 
 TEST(Tolerant, WhatIsInvisibleStaysSo) {
+  CFontTable::getInstance().addPlainDefault();
   const std::string attrib = "|0 ATTRIB|8 A|10 0|20 0|40 1|2 T|1 v";
   const std::string block = "0 BLOCK|2 B|10 0|20 0|0 CIRCLE|8 A|60 1|10 0|20 0|40 1|";
   const std::string insert = "0 POINT|8 A|60 1|10 0|20 0|0 INSERT|8 A|60 0|2 B|10 0|20 0|66 1";

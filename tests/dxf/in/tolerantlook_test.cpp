@@ -19,6 +19,7 @@ std::string saved(const Loaded& got, unsigned flags) {
 
 // The number that the file states is kept; the nearest one is for programs without true colors.
 TEST(TolerantLook, TrueColorsAreKeptAndSavedAsTheNearest) {
+  CFontTable::getInstance().addPlainDefault();
   for (const Row& t : rows()) {
     const auto rgb = t.whole<std::uint32_t>("rgb");
     const std::string code = "|420 " + std::to_string(rgb);

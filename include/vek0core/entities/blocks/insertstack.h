@@ -39,6 +39,8 @@ class VEK0_API CEntInsertStackState {
   short GetCurColor() const { return m_color; }
   /// The current meaning of linetype BYBLOCK; null is Continuous.
   CLtype* GetCurLtype() const { return m_ltype; }
+  /// The current meaning of BYBLOCK in traits.
+  const ENT_TRAITS& GetCurTraits() const { return m_traits; }
 
   /// Effective layer of an entity of the innermost block; null only for an entity without a layer
   /// outside all inserts.
