@@ -34,12 +34,15 @@ std::FILE* openStream(const zim::WString& name, bool forReading) {
 #endif
 }
 
-std::string withCrLf(std::string_view text) {
+// `last` is the character before the text, and becomes the last one of it: the two characters of a
+// line end may be written separately.
+std::string withCrLf(std::string_view text, char& last) {
   std::string out;
   out.reserve(text.size() + text.size() / 8);
   for (const char c : text) {
-    if (c == '\n' && (out.empty() || out.back() != '\r')) out += '\r';
+    if (c == '\n' && last != '\r') out += '\r';
     out += c;
+    last = c;
   }
   return out;
 }
@@ -52,6 +55,7 @@ struct CFileStdLib::Stream {
   std::FILE* handle;
   std::unique_ptr<char[]> buffer;
   std::unique_ptr<vek0::detail::LineDecoder> lines;
+  char lastWritten = '\0';
 
   Stream(std::FILE* opened, bool forReading) : handle(opened) {
     if (!forReading) buffer = std::make_unique<char[]>(kWriteBuffer);
@@ -152,10 +156,13 @@ long CFileStdLib::readBytes(char* buf, long n) {
 
 bool CFileStdLib::writeBytes(const char* text, long n) {
   if (!isWriting() || n < 0) return false;
-  const std::string_view bytes(text, static_cast<std::size_t>(n));
+  std::string_view bytes(text, static_cast<std::size_t>(n));
+  std::string expanded;
   if (m_lineEnd == CrLf) {
-    const std::string expanded = withCrLf(bytes);
-    return std::fwrite(expanded.data(), 1, expanded.size(), m_stream->handle) == expanded.size();
+    expanded = withCrLf(bytes, m_stream->lastWritten);
+    bytes = expanded;
+  } else if (n > 0) {
+    m_stream->lastWritten = bytes.back();
   }
   return std::fwrite(bytes.data(), 1, bytes.size(), m_stream->handle) == bytes.size();
 }

@@ -1,7 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 using std::string_literals::operator""s;
@@ -156,8 +154,9 @@ TEST(FileStdLib, WritesCrLfWhenAskedTo) {
   ASSERT_TRUE(file.open());
   EXPECT_TRUE(file.writeLn(u"a\nb\r\n"));
   EXPECT_TRUE(file.writeBytes("c\n\n", 3));
+  EXPECT_TRUE(file.writeBytes("d\r", 2) && file.writeBytes("\n\n", 2));
   file.close();
-  EXPECT_EQ(temp.bytes(), "a\r\nb\r\nc\r\n\r\n");
+  EXPECT_EQ(temp.bytes(), "a\r\nb\r\nc\r\n\r\nd\r\n\r\n");
 }
 
 TEST(FileStdLib, NamesAreUnicode) {
