@@ -13,8 +13,9 @@
 namespace vek0::detail {
 namespace {
 
-constexpr double kEndShare = 1e-12;  // extends an edge beyond its ends, so that adjacent zones
-                                     // leave no seam
+// Extends an edge beyond its ends, as a fraction of its length, so that adjacent zones leave no
+// seam.
+constexpr double kEndShare = 1e-12;
 constexpr double kOutside = -std::numeric_limits<double>::infinity();
 
 double turned(double angle) {
@@ -27,6 +28,8 @@ double turned(double angle) {
 EdgeZone::EdgeZone(const EDGE_3D& edge, double dist)
     : m_edge(edge), m_along(edge.direction(0)), m_length(edge.length()), m_dist(dist) {}
 
+double EdgeZone::endSlack() const { return kEndShare * m_length; }
+
 double EdgeZone::depth(const PNT_2D& p) const {
   if (m_edge.isArc()) {
     // Perpendicular distance only: the areas beyond the ends belong to the zones of vertices.
@@ -35,8 +38,8 @@ double EdgeZone::depth(const PNT_2D& p) const {
     return m_dist - std::fabs(m_edge.center.dist(p) - m_edge.radius);
   }
   const PNT_2D d = p - m_edge.p1;
-  const double along = dot(d, m_along), slack = kEndShare * m_length;
-  if (along < -slack || along > m_length + slack) return kOutside;
+  const double along = dot(d, m_along);
+  if (along < -endSlack() || along > m_length + endSlack()) return kOutside;
   return m_dist - std::fabs(cross(m_along, d));
 }
 
@@ -46,8 +49,9 @@ bool EdgeZone::misses(const PNT_2D& p, double radius) const {
   if (m_edge.isArc()) return std::fabs(m_edge.center.dist(p) - m_edge.radius) >= m_dist + radius;
   const PNT_2D d = p - m_edge.p1;
   const double along = dot(d, m_along);
-  return std::fabs(cross(m_along, d)) >= m_dist + radius || along < -radius - m_dist * 1e-9 ||
-         along > m_length + radius + m_dist * 1e-9;
+  const double beyond = radius + endSlack();
+  return std::fabs(cross(m_along, d)) >= m_dist + radius || along < -beyond ||
+         along > m_length + beyond;
 }
 
 bool EdgeZone::swallows(const PNT_2D& p, double radius, double margin) const {

@@ -29,6 +29,8 @@ class EdgeZone {
   void addCuts(Cuts& cuts) const;
 
  private:
+  double endSlack() const;
+
   EDGE_3D m_edge;
   PNT_2D m_along;
   double m_length, m_dist;

@@ -1,7 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 std::vector<PNT_2D> pts(const std::string& text) {

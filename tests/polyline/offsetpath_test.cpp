@@ -1,6 +1,6 @@
+#include "polyline/offsetzone.h"
 #include "support/test.h"
 
-using namespace vek0::test;
 using vek0::detail::kPi;
 
 namespace {
@@ -262,6 +262,15 @@ TEST(OffsetPath, LongChainsGiveOneResult) {
   for (const double dist : {1.0, -20.0}) {
     const std::vector<PATH_3D> out = offsetsOf(PATH_3D(points, {}, false), dist);
     EXPECT_EQ(out.size(), 1u);
+  }
+}
+
+// Very long edges extend beyond their ends by more than rounding.
+TEST(OffsetZone, ADiscThatMissesItIsOutside) {
+  const vek0::detail::EdgeZone zone(EDGE_3D(PNT_3D(0, 0, 0), PNT_3D(1e6, 0, 0)), 1);
+  for (const double x : {-5e-7, 1e6 + 5e-7}) {
+    EXPECT_GT(zone.depth(PNT_2D(x, 0)), 0);
+    EXPECT_FALSE(zone.misses(PNT_2D(x, 0), 1e-12));
   }
 }
 

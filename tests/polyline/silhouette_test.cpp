@@ -1,7 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 using Ring = std::vector<PNT_3D>;
@@ -85,9 +83,8 @@ TEST(Silhouette, SharpCornersAreBevelled) {
                       {PNT_3D(100 * std::cos(a), 100 * std::sin(a), 0), 2, 2}};
     const CPolylineSilhouette silhouette(corner, false);
     double farthest = 0;
-    for (const PNT_3D& p : silhouette.getRun(0)) {
+    for (const PNT_3D& p : silhouette.getRun(0))
       if (p.x < 2) farthest = std::fmax(farthest, p.PNT_2D::dist(0, 0));
-    }
     const double reach = 1 / std::sin(a / 2);
     EXPECT_NEAR(farthest, reach <= 8 ? reach : 1, 1e-9);
   }
@@ -130,9 +127,8 @@ TEST(Silhouette, AreaIsWidthTimesLengthAndDirectionDoesNotMatter) {
     ASSERT_EQ(ring.size(), 2 * path.size());
     for (std::size_t i = 0; i + 1 < path.size(); ++i) {
       const LINE_2D line(path[i].pnt, path[i + 1].pnt);
-      for (const std::size_t k : {i, i + 1, ring.size() - 1 - i, ring.size() - 2 - i}) {
+      for (const std::size_t k : {i, i + 1, ring.size() - 1 - i, ring.size() - 2 - i})
         EXPECT_NEAR(std::fabs(line.dist(ring[k])), 0.75, 1e-9);
-      }
     }
   }
 }
@@ -142,9 +138,8 @@ TEST(Silhouette, MovesAndTurnsWithThePolyline) {
   std::uniform_real_distribution<double> real(-50, 50);
   for ([[maybe_unused]] const int round : rounds(300)) {
     Wide path, moved;
-    for (int i = 0; i < 8; ++i) {
+    for (int i = 0; i < 8; ++i)
       path.push_back({PNT_3D(real(random), real(random), 0), std::fabs(real(random)) / 5, 3});
-    }
     const PNT_3D center(real(random), real(random), 0);
     for (const WIDE_VERTEX& v : path) {
       moved.push_back(v);
