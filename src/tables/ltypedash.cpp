@@ -17,6 +17,12 @@ bool sameDash(const ILtypeComplexDash& a, const ILtypeComplexDash& b) {
   return a.IsText() ? *a.GetText() == *b.GetText() : a.GetValue() == b.GetValue();
 }
 
+// The new use counts first, so that a style that remains in use never counts as unused.
+void exchangeUse(CStyle* from, CStyle* to) {
+  if (to) to->addDash();
+  if (from) from->decDash();
+}
+
 }  // namespace
 
 void CDoubleLtypeComplexDash::GetBdry(RECT_2D& box) const { box.set(0, 0, std::fabs(m_value), 0); }
@@ -36,14 +42,12 @@ CFontLtypeComplexDash::~CFontLtypeComplexDash() {
 void CFontLtypeComplexDash::setText(const TEXT_3D& text) {
   CStyle* const old = m_text.getStyle();
   m_text = text;
-  if (old) old->decDash();
-  if (CStyle* style = m_text.getStyle()) style->addDash();
+  exchangeUse(old, m_text.getStyle());
 }
 
 void CFontLtypeComplexDash::setStyle(CStyle* style) {
-  if (CStyle* old = m_text.getStyle()) old->decDash();
+  exchangeUse(m_text.getStyle(), style);
   m_text.setStyle(style);
-  if (style) style->addDash();
 }
 
 ILtypeComplexDash* CFontLtypeComplexDash::Clone() const try {
