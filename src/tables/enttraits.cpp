@@ -63,7 +63,7 @@ class Table {
   }
 
   Slot& at(std::uint32_t index) {
-    const auto chunk = static_cast<std::size_t>(std::bit_width(index)) - 1;
+    const std::size_t chunk = chunkOf(index);
     Slot* slots = m_chunks[chunk].load(std::memory_order_acquire);
     return slots[index - (std::uint32_t{1} << chunk)];
   }
@@ -95,10 +95,14 @@ class Table {
     bool operator()(std::uint32_t a, const ENT_TRAITS& b) const { return b == table->at(a).traits; }
   };
 
-  // Chunk k has the indexes from 2^k on, which are 2^k.
+  // Chunk k has the 2^k indexes from 2^k on; index 0, the default traits, has no slot.
+  static std::size_t chunkOf(std::uint32_t index) {
+    return static_cast<std::size_t>(std::bit_width(index / 2));
+  }
+
   std::uint32_t addSlot() {
     if (m_next == 0) throw std::bad_alloc();  // all indexes are used
-    const auto chunk = static_cast<std::size_t>(std::bit_width(m_next)) - 1;
+    const std::size_t chunk = chunkOf(m_next);
     if (m_chunks[chunk].load(std::memory_order_relaxed) == nullptr)
       m_chunks[chunk].store(new Slot[std::size_t{1} << chunk], std::memory_order_release);
     const std::uint32_t index = m_next++;

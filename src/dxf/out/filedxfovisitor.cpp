@@ -226,7 +226,8 @@ void CFileDXFOVisitor::visit(CEntPolyline& ent) {
 }
 
 bool CFileDXFOVisitor::isReady() const {
-  ZORA_ASSERT(m_pACADNameConverter != NULL);
+  // The failure message contains the text of the condition.
+  ZORA_ASSERT(m_pACADNameConverter != NULL);  // NOLINT(modernize-use-nullptr)
   return m_pACADNameConverter != nullptr;
 }
 
