@@ -1,40 +1,6 @@
-#include "entities/scene.h"
-#include "support/test.h"
-
-using namespace vek0::test;
+#include "entities/polylines.h"
 
 namespace {
-
-using PolylinePtr = std::unique_ptr<CEntPolyline>;
-/// x, y, z, start width, end width, bulge, handle.
-using BulgedRow = std::tuple<double, double, double, double, double, double, long>;
-
-PolylinePtr polyline(Scene& s, int flags = 0, int degree = 0) {
-  return PolylinePtr(s.factory.createEntPolyline(
-      s.gestor, s.layer(), s.ltype(), 7, static_cast<short>(flags), static_cast<short>(degree), 0));
-}
-
-PolylinePtr polyline(Scene& s, const std::string& points, int flags = 0) {
-  PolylinePtr p = polyline(s, flags);
-  for (const PNT_3D& pnt : pts(points)) p->addVertex(*new CVertex(pnt, 0, 0, 0));
-  return p;
-}
-
-std::vector<BulgedRow> bulged(const CEntPolyline& p) {
-  std::vector<BulgedRow> rows;
-  p.forEachBulged([&](const PNT_3D& q, double ws, double we, double bulge, vek0::Handle handle) {
-    rows.emplace_back(q.x, q.y, q.z, ws, we, bulge, handle);
-  });
-  return rows;
-}
-
-std::vector<BulgedRow> visible(const CEntPolyline& p) {
-  std::vector<BulgedRow> rows;
-  p.forEachVisible([&](const PNT_3D& q, double ws, double we, double bulge, vek0::Handle handle) {
-    rows.emplace_back(q.x, q.y, q.z, ws, we, bulge, handle);
-  });
-  return rows;
-}
 
 /// Compares everything that can be read from a polyline without unpacking it.
 void expectSameAnswers(const CEntPolyline& a, const CEntPolyline& b) {
@@ -84,10 +50,6 @@ PolylinePtr randomPacked(Scene& s, Random& random, bool wide) {
     p->addBulgedVertex(random.pnt(), ws, we, random.bulge(), n);
   }
   return p;
-}
-
-PolylinePtr copyOf(Scene& s, const CEntPolyline& p) {
-  return PolylinePtr(s.factory.createEntPolyline(s.gestor, p));
 }
 
 /// The same polyline with vertex objects.
@@ -154,9 +116,8 @@ void expectTrueArcs(Scene& s, const CEntPolyline& p) {
         again->addBulgedVertex(pnt, ws, we, bulge, handle);
       });
   ASSERT_EQ(again->getNoTotalVertexes(), p.getNoTotalVertexes());
-  for (int i = 0; i < p.getNoTotalVertexes(); ++i) {
+  for (int i = 0; i < p.getNoTotalVertexes(); ++i)
     ASSERT_LE(again->GetVertexPos(i).dist(p.GetVertexPos(i)), 1e-9) << "vertex " << i;
-  }
 }
 
 TEST(Polyline, EditsOfPackedAndUnpackedAgree) {
@@ -205,9 +166,8 @@ TEST(Polyline, ArcsOutliveEditsElsewhere) {
     Scene s;
     const PolylinePtr p = polyline(s);
     // Half circles of 112 chords from (1, 0) through (2, 0) to (3, 0).
-    for (const double x : {0, 1, 2, 3}) {
+    for (const double x : {0, 1, 2, 3})
       p->addBulgedVertex(PNT_3D(x, 0, 0), 0, 0, x == 1 || x == 2 ? 1 : 0, 0);
-    }
     ASSERT_EQ(p->getNoTotalVertexes(), 1 + 112 + 112 + 1);
     t.edit(*p);
     int arcs = 0;
@@ -348,133 +308,6 @@ TEST(Polyline, PackedVerticesAreRegisteredWhereHandlesAreManaged) {
   }
 }
 
-// --- Curves
-
-/// A curve through or near the given controls.
-PolylinePtr curve(Scene& s, const std::string& controls, short type, short degree,
-                  bool closed = false) {
-  PolylinePtr p = polyline(s, controls, closed ? CEntPolyline::kClosed : 0);
-  p->gener(s.gestor, s.factory, type, degree, false);
-  return p;
-}
-
-TEST(PolylineCurve, ControlPointsComeFirstAndAreNotShown) {
-  Scene s;
-  for (const short type :
-       named<short>({CEntPolyline::kFit, CEntPolyline::kSpline, CEntPolyline::kBezier})) {
-    const PolylinePtr p = curve(s, "0,0 10,100 20,0 30,50", type, 3);
-    EXPECT_EQ(p->getFirstVisibleVertex(), 4);
-    EXPECT_EQ(p->getNoCtrlPnts(), 4);
-    EXPECT_GT(p->getNoVisibleVertexes(), 8);
-    EXPECT_EQ(p->GetVertexPos(0), p->GetVertexPos(4)) << "open curves start at the first one";
-    EXPECT_EQ(p->GetVertexPos(3), p->GetVertexPos(static_cast<int>(p->getLastVisibleVertex()) - 1));
-    RECT_3D box;
-    box.initRegion();
-    for (const BulgedRow& row : visible(*p)) {
-      box.updateRegion(PNT_3D(std::get<0>(row), std::get<1>(row), std::get<2>(row)));
-    }
-    EXPECT_EQ(p->getBdry(), box);
-    std::vector<PNT_3D> points;
-    p->createPartition(points);
-    EXPECT_EQ(static_cast<long>(points.size()), p->getNoVisibleVertexes());
-  }
-}
-
-TEST(PolylineCurve, AddVertexAppendsAControlPoint) {
-  Scene s;
-  const PolylinePtr p = polyline(s, CEntPolyline::kSpline, 2);
-  for (const double x : {0, 1}) p->addVertex(*new CVertex(PNT_3D(x, 0, 0), 0, 0, 0));
-  for (const double x : {5, 6, 7, 8, 9}) {
-    p->addVisibleVertex(*new CVertex(PNT_3D(x, 0, 0), 0, 0, 0));
-  }
-  p->addVertex(*new CVertex(PNT_3D(2, 0, 0), 0, 0, 0));
-  EXPECT_EQ(p->getFirstVisibleVertex(), 3);
-  EXPECT_EQ(p->GetVertexPos(2), PNT_3D(2, 0, 0));
-  EXPECT_EQ(p->GetVertexPos(3), PNT_3D(5, 0, 0));
-}
-
-TEST(PolylineCurve, GenerWithTheSameCurveDoesNothing) {
-  Scene s;
-  const PolylinePtr p = curve(s, "0,0 1,1 2,0", CEntPolyline::kSpline, 2);
-  const CVertex* generated = &p->GetVertex(3);
-  p->gener(s.gestor, s.factory, CEntPolyline::kSpline, 2, true);
-  EXPECT_EQ(&p->GetVertex(3), generated);
-  EXPECT_TRUE(s.gestor.released.empty());
-  p->gener(s.gestor, s.factory, CEntPolyline::kBezier, 2, false);
-  EXPECT_EQ(p->getCurve(), CEntPolyline::kBezier);
-  EXPECT_EQ(p->getNoCtrlPnts(), 3);
-}
-
-TEST(PolylineCurve, GenerToPlainKeepsTheControlPointsRectifyTheCurve) {
-  Scene s;
-  const PolylinePtr kept = curve(s, "0,0 1,1 2,0", CEntPolyline::kSpline, 2);
-  const PolylinePtr rectified = copyOf(s, *kept);
-  const std::vector<BulgedRow> shown = visible(*kept);
-  kept->gener(s.gestor, s.factory, 0, 0, false);
-  EXPECT_EQ(kept->getNoTotalVertexes(), 3);
-  EXPECT_EQ(kept->getFirstVisibleVertex(), 0);
-  EXPECT_EQ(kept->getBdry(), RECT_3D(0, 0, 0, 2, 1, 0));
-
-  const RECT_3D box = rectified->getBdry();
-  rectified->Rectify();
-  EXPECT_FALSE(rectified->isCurve());
-  EXPECT_EQ(visible(*rectified), shown);
-  EXPECT_EQ(rectified->getBdry(), box);
-}
-
-TEST(PolylineCurve, RegenReleasesAndReservesWhenAsked) {
-  Scene s;
-  const PolylinePtr p = curve(s, "0,0 1,1 2,0", CEntPolyline::kSpline, 2);
-  EXPECT_TRUE(s.gestor.reserved.empty());
-  const auto count = static_cast<std::size_t>(p->getNoVisibleVertexes());
-  p->regen(s.gestor, s.factory, true);
-  EXPECT_EQ(s.gestor.released.size(), count);
-  EXPECT_EQ(s.gestor.reserved.size(), count);
-}
-
-TEST(PolylineCurve, ControlPointsAreInsertedAndRemovedWithTheirCurve) {
-  Scene s;
-  const PolylinePtr p = curve(s, "0,0 2,1 3,0", CEntPolyline::kSpline, 2);
-  const std::vector<BulgedRow> before = visible(*p);
-  p->insertControl(s.gestor, s.factory, *new CVertex(PNT_3D(1, 5, 0), 0, 0, 0), 1, false);
-  EXPECT_EQ(p->getNoCtrlPnts(), 4);
-  EXPECT_EQ(p->GetVertexPos(1), PNT_3D(1, 5, 0));
-  EXPECT_NE(visible(*p), before);
-  EXPECT_EQ(p->removeControl(s.gestor, s.factory, 4, false), nullptr) << "that one is generated";
-  delete p->removeControl(s.gestor, s.factory, 1, false);
-  EXPECT_EQ(visible(*p), before);
-}
-
-TEST(PolylineCurve, RemovingBelowTheFirstVisibleKeepsTheIndexInRange) {
-  Scene s;
-  const PolylinePtr p = polyline(s, CEntPolyline::kSpline, 2);
-  for (const double x : {0, 1}) p->addVertex(*new CVertex(PNT_3D(x, 0, 0), 0, 0, 0));
-  delete p->removeVertex(0);
-  EXPECT_EQ(p->getFirstVisibleVertex(), 1);
-  EXPECT_EQ(p->getNoVisibleSegments(), 0);
-}
-
-TEST(PolylineCurve, WidthsOfControlPointsDoNotMakeItWide) {
-  Scene s;
-  const PolylinePtr p = polyline(s, CEntPolyline::kSpline, 2);
-  p->addVertex(*new CVertex(PNT_3D(0, 0, 0), 5, 5, 0));
-  p->addVisibleVertex(*new CVertex(PNT_3D(0, 0, 0), 0, 0, 0));
-  EXPECT_FALSE(p->isWide());
-  p->addVisibleVertex(*new CVertex(PNT_3D(1, 0, 0), 0, 1, 0));
-  EXPECT_TRUE(p->isWide());
-}
-
-TEST(PolylineCurve, ClosingRegenerates) {
-  Scene s;
-  const PolylinePtr p = curve(s, "0,0 10,0 10,10 0,10", CEntPolyline::kSpline, 3);
-  const std::vector<BulgedRow> openCurve = visible(*p);
-  p->close(s.gestor, s.factory, false);
-  EXPECT_TRUE(p->isClosed());
-  EXPECT_NE(visible(*p), openCurve);
-  p->open(s.gestor, s.factory, false);
-  EXPECT_EQ(visible(*p), openCurve);
-}
-
 // --- Copies and undo
 
 TEST(Polyline, CopiesHaveNoHandlesAndLinesBecomeTwoVertices) {
@@ -506,9 +339,8 @@ TEST(PolylineMemento, RestoresWhateverWasEdited) {
     const PolylinePtr before = copyOf(s, *p);
     const std::unique_ptr<IEntDerivedMemento> memento(p->createDerivedMemento());
     ASSERT_TRUE(*p == *memento);
-    for (int step = random.below(4); step >= 0; --step) {
+    for (int step = random.below(4); step >= 0; --step)
       edit(s, *p, random.below(8), random.below(1000), random.pnt(), random.below(2));
-    }
     ASSERT_EQ(*p == *memento, bulged(*p) == bulged(*before) && p->getFlags() == before->getFlags());
     p->setMemento(*s.data, memento.get());
     ASSERT_TRUE(*p == *memento);

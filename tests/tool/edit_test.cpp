@@ -5,8 +5,6 @@
 #include "support/test.h"
 #include "tooltest.h"
 
-using namespace vek0::test;
-
 using Json = nlohmann::json;
 
 namespace {
@@ -81,41 +79,11 @@ TEST_F(Edit, TransformsWhatIsSelectedInTheOrderGiven) {
   }
 }
 
-TEST_F(Edit, CurvesComeApartTogetherAndBesides) {
-  const struct {
-    const char* name;
-    const char* steps;
-    Json entities;
-  } cases[] = {
-      {"insert with an array",
-       "--select kind=insert --explode",
-       {{"POINT", 3}, {"LINE", 5}, {"CIRCLE", 1}, {"POLYLINE", 1}}},
-      {"polyline", "--select layer=AREA --explode", {{"LINE", 6}, {"CIRCLE", 1}, {"INSERT", 1}}},
-      {"all that comes apart", "--explode", {{"POINT", 3}, {"LINE", 9}, {"CIRCLE", 1}}},
-      {"walls that meet", "--join auto,across", {{"CIRCLE", 1}, {"POLYLINE", 2}, {"INSERT", 1}}},
-      {"layers stay apart",
-       "--join auto",
-       {{"LINE", 2}, {"CIRCLE", 1}, {"POLYLINE", 1}, {"INSERT", 1}}},
-      {"apart and together",
-       "--select layer=AREA --explode --join 1e-6",
-       {{"LINE", 2}, {"CIRCLE", 1}, {"POLYLINE", 1}, {"INSERT", 1}}},
-      {"what was joined is selected",
-       "--select layer=WALL?,kind=line --join 0,across --delete",
-       {{"CIRCLE", 1}, {"POLYLINE", 1}, {"INSERT", 1}}},
-      {"parallels of all curves",
-       "--offset 1",
-       {{"LINE", 4}, {"CIRCLE", 2}, {"POLYLINE", 2}, {"INSERT", 1}}},
-      {"parallels are selected",
-       "--offset 1 --delete",
-       {{"LINE", 2}, {"CIRCLE", 1}, {"POLYLINE", 1}, {"INSERT", 1}}},
-      {"a circle has no inside that deep",
-       "--select kind=circle --offset -6",
-       {{"LINE", 2}, {"CIRCLE", 1}, {"POLYLINE", 1}, {"INSERT", 1}}},
-  };
-  for (const auto& t : named(cases)) {
-    const Outcome got = edit(t.steps);
+TEST_F(Edit, CurvesAreExplodedJoinedAndOffset) {
+  for (const Row& t : rows()) {
+    const Outcome got = edit(t.text("steps"));
     ASSERT_EQ(got.code, 0) << got.err;
-    EXPECT_EQ(info()["entities"], t.entities) << got.err;
+    EXPECT_EQ(info()["entities"], Json::parse("{" + t.text("entities") + "}")) << got.err;
   }
 }
 

@@ -5,8 +5,6 @@
 #include "support/test.h"
 #include "tooltest.h"
 
-using namespace vek0::test;
-
 using Json = nlohmann::json;
 
 namespace {
@@ -48,9 +46,8 @@ TEST_F(Tool, InfoPrintsOneJsonObjectALine) {
 TEST_F(Tool, InfoForPeopleNamesWhatCounts) {
   const Outcome got = run("info " + flange);
   EXPECT_EQ(got.code, 0);
-  for (const char* word : {"AC1009", "OUTLINE", "CENTER", "BOLT", "9 INSERT", "limits", "off"}) {
+  for (const char* word : {"AC1009", "OUTLINE", "CENTER", "BOLT", "9 INSERT", "limits", "off"})
     EXPECT_NE(got.out.find(word), std::string::npos) << word;
-  }
 }
 
 TEST_F(Tool, CheckGoesOnAfterAFailureAndSaysWhere) {
@@ -136,46 +133,11 @@ TEST_F(Tool, ExitCodes) {
   write("broken.dxf", kBroken);
   write("good.dxf", kOneLine);
   write("a.lin", kPipes);
-  const struct {
-    const char* name;
-    const char* arguments;
-    int code;
-  } cases[] = {
-      {"help", "--help", 0},
-      {"help of a verb", "help convert", 0},
-      {"help of no verb", "help bogus", 2},
-      {"version", "--version", 0},
-      {"no verb", "", 2},
-      {"unknown verb", "infos good.dxf", 2},
-      {"unknown option", "info --colour good.dxf", 2},
-      {"missing operand", "convert good.dxf", 2},
-      {"drawing with an error", "convert broken.dxf out.dxf", 1},
-      {"drawing that is not there", "convert missing.dxf out.dxf", 1},
-      {"output in no folder", "convert good.dxf nowhere/out.dxf", 3},
-      {"output exists", "convert good.dxf broken.dxf", 3},
-      {"output is a folder", "convert -f good.dxf .", 3},
-      {"output is a pipe", "convert -f good.dxf pipe", 3},
-      {"output leads to itself", "convert -f good.dxf loop", 3},
-      {"output grows too large", "--version; ulimit -f 1; \"$VEK0_TOOL\" convert good.dxf out.dxf",
-       3},
-      {"broken part of an import", "import good.dxf broken.dxf -o o.dxf", 1},
-      {"hatch of nothing", "hatch good.dxf -o out.dxf --closed-polylines", 1},
-      {"hatch without area", "hatch good.dxf -o out.dxf", 2},
-      {"hatch of no point", "hatch good.dxf -o out.dxf --boundary 0,0 a 1,1", 2},
-      {"pattern of no name", "hatch good.dxf -o out.dxf --pattern NO", 2},
-      {"linetypes not there", "linetypes a.lin missing.lin", 1},
-      {"linetypes from a folder", "linetypes .", 1},
-      {"linetypes for a drawing", "convert --linetypes missing.lin good.dxf out.dxf", 1},
-      {"two files to save", "linetypes a.lin a.lin --save out.dxf", 2},
-      {"nothing to list", "linetypes", 2},
-      {"saved upon another", "linetypes a.lin --save broken.dxf", 3},
-      {"saved in no folder", "linetypes a.lin --save nowhere/o", 3},
-  };
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
   fs::create_symlink("loop", path("loop"));
-  for (const auto& t : named(cases)) {
-    const Outcome got = run(t.arguments);
-    EXPECT_EQ(got.code, t.code) << got.out << got.err;
+  for (const Row& t : rows()) {
+    const Outcome got = run(t.text("arguments"));
+    EXPECT_EQ(got.code, t.whole("code")) << got.out << got.err;
   }
   EXPECT_EQ(contents(path("broken.dxf")), kBroken) << "an existing file was touched";
   EXPECT_FALSE(fs::exists(path("out.dxf")));
@@ -383,9 +345,8 @@ TEST_F(Tool, LinetypesListsWhatAFileDefines) {
 
   const Outcome text = run("linetypes pipes.lin");
   EXPECT_EQ(text.code, 0);
-  for (const char* word : {"2 linetypes", "DRAIN", "2.0 -1.0", "\"GAS\"", "shape-left-out 'BOX'"}) {
+  for (const char* word : {"2 linetypes", "DRAIN", "2.0 -1.0", "\"GAS\"", "shape-left-out 'BOX'"})
     EXPECT_NE(text.out.find(word), std::string::npos) << word;
-  }
 }
 
 TEST_F(Tool, LinetypesSavesWhatItRead) {
@@ -432,9 +393,8 @@ TEST_F(Tool, ConvertAddsLinetypes) {
   EXPECT_NE(got.err.find("'Signs'"), std::string::npos) << got.err;
   const Json line = Json::parse(run("info --json out.dxf").out);
   std::string names = line["linetypes"].dump();
-  for (const char* name : {"GAS", "DRAIN", "MORE"}) {
+  for (const char* name : {"GAS", "DRAIN", "MORE"})
     EXPECT_NE(names.find(name), std::string::npos) << names;
-  }
   EXPECT_EQ(names.find("Gas"), std::string::npos) << "the first of a name stays";
   EXPECT_NE(line["styles"].dump().find("Signs", 0), std::string::npos) << line["styles"].dump();
   EXPECT_EQ(run("convert -q -f --linetypes pipes.lin good.dxf out.dxf").err, "");

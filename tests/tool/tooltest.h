@@ -45,9 +45,8 @@ class Tool : public testing::Test {
   }
   fs::path path(const std::string& name) const { return m_folder / name; }
   bool leftovers() const {
-    for (const auto& entry : fs::directory_iterator(m_folder)) {
+    for (const auto& entry : fs::directory_iterator(m_folder))
       if (entry.path().extension() == ".tmp") return true;
-    }
     return false;
   }
 

@@ -5,8 +5,6 @@
 #include "support/test.h"
 #include "tooltest.h"
 
-using namespace vek0::test;
-
 using Json = nlohmann::json;
 
 namespace {
