@@ -4,16 +4,14 @@
 #include "support/r12lint.h"
 #include "support/test.h"
 
-using namespace vek0::test;
 namespace fs = std::filesystem;
 
 namespace {
 
 std::vector<fs::path> drawingsIn(const fs::path& folder) {
   std::vector<fs::path> paths;
-  for (const auto& entry : fs::directory_iterator(folder)) {
+  for (const auto& entry : fs::directory_iterator(folder))
     if (entry.path().extension() == ".dxf") paths.push_back(entry.path());
-  }
   std::sort(paths.begin(), paths.end());
   return paths;
 }
@@ -84,9 +82,8 @@ void checkFile(const fs::path& path) {
   SCOPED_TRACE(path.filename().string());
   const std::string bytes = readFile(path.string());
   const LoadedFile tolerant = load(bytes, CFileDXFIPolicy::forAnyFile());
-  if (!tolerant.error.HasAnError()) {
+  if (!tolerant.error.HasAnError())
     for (const unsigned flags : {0u, kSaveExchange + 0u}) expectSettled(*tolerant.drawing, flags);
-  }
   LoadedFile loaded = load(bytes);
   EXPECT_EQ(inconsistency(*loaded.drawing), "");
   if (loaded.error.HasAnError()) {
@@ -97,9 +94,7 @@ void checkFile(const fs::path& path) {
   }
   expectRoundTrip(*loaded.drawing, 0);
   const std::string exchange = expectRoundTrip(*loaded.drawing, kSaveExchange);
-  for (const std::string& complaint : lintR12(exchange, true)) {
-    ADD_FAILURE() << complaint;
-  }
+  for (const std::string& complaint : lintR12(exchange, true)) ADD_FAILURE() << complaint;
 }
 
 }  // namespace

@@ -30,9 +30,8 @@ class Recount {
       m_fault = "an entity's layer is not in the drawing";
     if (!m_items.ltypes.count(entity.getLtype()))
       m_fault = "an entity's linetype is not in the drawing";
-    if (entity.getStyle() && !m_items.styles.count(entity.getStyle())) {
+    if (entity.getStyle() && !m_items.styles.count(entity.getStyle()))
       m_fault = "an entity's style is not in the drawing";
-    }
     ++m_used[entity.getLayer()];
     ++m_used[entity.getLtype()];
     if (entity.getStyle()) ++m_used[entity.getStyle()];
@@ -77,9 +76,8 @@ bool finite(const PNT_3D& p) {
 std::string extentsFault(CData& data) {
   CEntTable& table = data.getEntTable();
   const RECT_3D cached = table.getBdry();
-  if (cached.validRegion() && !(finite(cached.min) && finite(cached.max))) {
+  if (cached.validRegion() && !(finite(cached.min) && finite(cached.max)))
     return "the extents are not finite";
-  }
   table.recalcBdry();
   const bool equal = cached.min == table.getBdry().min && cached.max == table.getBdry().max;
   return equal ? "" : "the cached extents are not those of the entities";
@@ -123,15 +121,13 @@ std::string inconsistency(CData& data) {
   Recount recount(data);
   for (CEnt* entity : data.getEntTable().getEntityTbl()) recount.add(*entity);
   CBlockTable& table = data.getBlockTable();
-  for (int i = 0; i < static_cast<int>(table.size()); ++i) {
+  for (int i = 0; i < static_cast<int>(table.size()); ++i)
     for (unsigned e = 0; e < table[i]->size(); ++e) recount.add(*(*table[i])[e]);
-  }
   recount.compareAll();
   if (!recount.fault().empty()) return recount.fault();
   Keep keep;
-  if (table.getBlockGraph().VisitUndep(keep) != ZORA_BLOCK_VISIT_RESULT_SUCCESS) {
+  if (table.getBlockGraph().VisitUndep(keep) != ZORA_BLOCK_VISIT_RESULT_SUCCESS)
     return "a block contains itself";
-  }
   return extentsFault(data);
 }
 

@@ -4,15 +4,12 @@
 #include "corpus/drawingchecks.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 std::vector<std::string> samples() {
   std::vector<std::string> texts;
-  for (const auto& entry : std::filesystem::directory_iterator(vek0::test::samplePath())) {
+  for (const auto& entry : std::filesystem::directory_iterator(vek0::test::samplePath()))
     if (entry.path().extension() == ".dxf") texts.push_back(readFile(entry.path().string()));
-  }
   return texts;
 }
 

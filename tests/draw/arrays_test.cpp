@@ -2,8 +2,6 @@
 #include "recorder.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 using vek0::detail::ArrayCells;
 using vek0::detail::IndexRange;
 

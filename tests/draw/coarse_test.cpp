@@ -3,8 +3,6 @@
 #include "recorder.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 constexpr long kMost = 32767;  // cells in each direction

@@ -2,7 +2,6 @@
 #include "recorder.h"
 #include "support/test.h"
 
-using namespace vek0::test;
 using vek0::detail::kPi;
 
 namespace {

@@ -3,8 +3,6 @@
 #include "recorder.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 // Whether all numbers are finite, and their squares: painters multiply them.

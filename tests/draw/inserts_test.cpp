@@ -3,8 +3,6 @@
 #include "recorder.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 constexpr short kByBlock = 0, kByLayer = 256;
@@ -40,38 +38,20 @@ struct Nest {
 
 }  // namespace
 
-TEST(Inserts, ColoursAndLayersComeFromOutside) {
-  enum Which { Zero, Own, Inner, Outer };
-  const struct {
-    const char* name;
-    Which line;
-    short lineColor;
-    Which inner;
-    short innerColor;
-    Which outer;
-    short outerColor;
-    RGB_COLOR color;
-    const char* layer;
-  } cases[] = {
-      {"its own colour", Zero, 1, Inner, 3, Outer, 5, kRed, "INNER"},
-      {"its own layer's", Own, kByLayer, Inner, 1, Outer, 1, kYellow, "OWN"},
-      {"layer 0 is the insert's layer", Zero, kByLayer, Inner, 1, Outer, 1, kGreen, "INNER"},
-      {"layer 0 twice", Zero, kByLayer, Zero, 1, Outer, 1, kBlue, "OUTER"},
-      {"by block", Own, kByBlock, Inner, 1, Outer, 5, kRed, "OWN"},
-      {"by block, by layer", Own, kByBlock, Inner, kByLayer, Outer, 1, kGreen, "OWN"},
-      {"by block twice", Own, kByBlock, Inner, kByBlock, Outer, 1, kRed, "OWN"},
-      {"by block twice, by layer", Own, kByBlock, Inner, kByBlock, Outer, kByLayer, kBlue, "OWN"},
-      {"by block all through", Own, kByBlock, Inner, kByBlock, Outer, kByBlock, kBlack, "OWN"},
-      {"by block of a by layer on 0", Zero, kByBlock, Zero, kByLayer, Outer, 1, kBlue, "OUTER"},
-  };
-  for (const auto& t : named(cases)) {
+TEST(Inserts, ColorsAndLayersComeFromOutside) {
+  const Definitions names{{"byBlock", kByBlock}, {"byLayer", kByLayer}};
+  for (const Row& t : rowsWith(names)) {
     Nest nest;
-    CLayer* layers[] = {nest.layer0(), nest.own, nest.inner, nest.outer};
-    const Recorder drawn = nest.draw(layers[t.line], t.lineColor, layers[t.inner], t.innerColor,
-                                     layers[t.outer], t.outerColor);
+    std::map<std::string, CLayer*> layers{
+        {"0", nest.layer0()}, {"OWN", nest.own}, {"INNER", nest.inner}, {"OUTER", nest.outer}};
+    const auto color = [&](const char* column) { return t.whole<short>(column); };
+    const Recorder drawn =
+        nest.draw(layers.at(t.text("line")), color("lineColor"), layers.at(t.text("inner")),
+                  color("innerColor"), layers.at(t.text("outer")), color("outerColor"));
     ASSERT_EQ(drawn.things.size(), 1U);
-    EXPECT_EQ(drawn.things[0].color, t.color);
-    EXPECT_EQ(drawn.things[0].layer, t.layer);
+    const RGB_COLOR& got = drawn.things[0].color;
+    EXPECT_EQ((std::vector<double>{1. * got.r, 1. * got.g, 1. * got.b}), t.reals("rgb"));
+    EXPECT_EQ(drawn.things[0].layer, t.text("layer"));
   }
 }
 
@@ -183,11 +163,10 @@ TEST(Inserts, NestedPlacementsAreTheProductOfTheirs) {
       const CEntInsertMatrix matrix(1, *insert, 0, 0);
       matrix.transform(from, from);
       matrix.transform(to, to);
-      if (level == 4) {
+      if (level == 4)
         scene.add(insert);
-      } else {
+      else
         block = scene.block(zim::WString::fromUtf8("B" + std::to_string(level)), {insert});
-      }
     }
     const Recorder drawn = scene.draw();
     ASSERT_EQ(drawn.things.size(), 1U);

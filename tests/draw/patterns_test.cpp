@@ -3,7 +3,6 @@
 #include "recorder.h"
 #include "support/test.h"
 
-using namespace vek0::test;
 using vek0::detail::kPi;
 
 namespace {
@@ -187,10 +186,9 @@ TEST(Patterns, CuttingTheWayMovesNoDash) {
       for (const PNT_2D& p : thing.points) points.emplace_back(p.x - 3000, p.y - 3000);
       if (isIn(points.front()) && isIn(points.back())) inside += 1 + points.front().x;
     }
-    for (const Thing& thing : cut.things) {
+    for (const Thing& thing : cut.things)
       if (isIn(thing.points.front()) && isIn(thing.points.back()))
         insideOfCut += 1 + thing.points.front().x;
-    }
     EXPECT_NEAR(inside, insideOfCut, 1e-4);
   }
 }

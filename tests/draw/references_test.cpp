@@ -3,8 +3,6 @@
 #include "vek0draw/drawindex.h"
 #include "xref/referred.h"
 
-using namespace vek0::test;
-
 namespace {
 
 // Draws a frame with the index and checks that a full walk draws the same.

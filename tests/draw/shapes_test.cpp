@@ -3,7 +3,6 @@
 #include "recorder.h"
 #include "support/test.h"
 
-using namespace vek0::test;
 using vek0::detail::kPi;
 
 namespace {

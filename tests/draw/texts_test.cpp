@@ -2,8 +2,6 @@
 #include "support/test.h"
 #include "textcodes.h"
 
-using namespace vek0::test;
-
 using vek0::detail::DecodedText;
 using vek0::detail::decodeTextCodes;
 

@@ -1,8 +1,6 @@
 #include "drawing/drawings.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 const PNT_3D kPnt(1, 2, 3);
@@ -21,90 +19,63 @@ struct Scene {
 
 struct Kind {
   using Create = std::function<CEnt*(Scene&, vek0::Handle handle)>;
-  Kind(const char* ofName, short ofType, Create explicitForm, Create currentForm)
-      : name(ofName),
-        type(ofType),
-        explicitly(std::move(explicitForm)),
-        current(std::move(currentForm)) {}
-
   const char* name;
   short type;
-  Create explicitly;
-  Create current;
+  Create explicitly, current;
 };
 
+// `create` receives the drawing alone, or with layer, linetype and color.
+template <class Created>
+Kind kind(const char* name, short type, Created create) {
+  return {
+      name, type,
+      [=](Scene& s, vek0::Handle h) { return create(s, h, s.data, s.layer, s.ltype, short{5}); },
+      [=](Scene& s, vek0::Handle h) { return create(s, h, s.data); }};
+}
+
 std::vector<Kind> allKinds() {
-  std::vector<Kind> kinds;
-  kinds.emplace_back(
-      "point", 1,
-      [](Scene& s, long h) { return createEntPnt(s.data, s.layer, s.ltype, 5, kPnt, h); },
-      [](Scene& s, long h) { return createEntPnt(s.data, kPnt, h); });
-  kinds.emplace_back(
-      "line", 2,
-      [](Scene& s, long h) {
-        return createEntLine(s.data, s.layer, s.ltype, 5, LINE_3D(kPnt, kPnt), h);
-      },
-      [](Scene& s, long h) { return createEntLine(s.data, LINE_3D(kPnt, kPnt), h); });
-  kinds.emplace_back(
-      "circle", 3,
-      [](Scene& s, long h) {
-        return createEntCircle(s.data, s.layer, s.ltype, 5, CIRCLE_3D(1, 2, 3, 4), h);
-      },
-      [](Scene& s, long h) { return createEntCircle(s.data, CIRCLE_3D(1, 2, 3, 4), h); });
-  kinds.emplace_back(
-      "arc", 4,
-      [](Scene& s, long h) {
-        return createEntArc(s.data, s.layer, s.ltype, 5, ARC_3D(1, 2, 3, 4, 1, 2), h);
-      },
-      [](Scene& s, long h) { return createEntArc(s.data, ARC_3D(1, 2, 3, 4, 1, 2), h); });
-  kinds.emplace_back(
-      "polyline", 5,
-      [](Scene& s, long h) { return createEntPolyline(s.data, s.layer, s.ltype, 5, 1L, 0, h); },
-      [](Scene& s, long h) { return createEntPolyline(s.data, 1L, 0, h); });
-  kinds.emplace_back(
-      "text", 6,
-      [](Scene& s, long h) { return createEntText(s.data, s.layer, s.ltype, 5, someText(), h); },
-      [](Scene& s, long h) { return createEntText(s.data, someText(), h); });
-  kinds.emplace_back(
-      "attribute definition", 7,
-      [](Scene& s, long h) {
-        return createEntAttdef(s.data, s.layer, s.ltype, 5, someText(), u"value", u"prompt", 8, h);
-      },
-      [](Scene& s, long h) {
-        return createEntAttdef(s.data, someText(), u"value", u"prompt", 8, h);
-      });
-  kinds.emplace_back(
-      "insert", 8,
-      [](Scene& s, long h) {
-        return createEntInsert(s.data, s.layer, s.ltype, 5, s.block, kPnt, 2, 3, 4, 0.5, 6, 7, 8, 9,
-                               h);
-      },
-      [](Scene& s, long h) {
-        return createEntInsert(s.data, s.block, kPnt, 2, 3, 4, 0.5, 6, 7, 8, 9, h);
-      });
-  kinds.emplace_back(
-      "insert of an external reference", 8,
-      [](Scene& s, long h) {
-        return createEntInsertXRef(s.data, s.layer, s.ltype, 5, s.xref, kPnt, 2, 3, 4, 0.5, 6, 7, 8,
-                                   9, h);
-      },
-      [](Scene& s, long h) {
-        return createEntInsertXRef(s.data, s.data.getDepend(), s.xref, kPnt, 2, 3, 4, 0.5, 6, 7, 8,
-                                   9, h);
-      });
-  kinds.emplace_back(
-      "insert of fixed size", 12,
-      [](Scene& s, long h) {
-        return createEntFixedInsert(s.data, s.layer, s.ltype, 5, s.block, kPnt, 2, 3, 0.5, h);
-      },
-      [](Scene& s, long h) { return createEntFixedInsert(s.data, s.block, kPnt, 2, 3, 0.5, h); });
-  kinds.emplace_back(
-      "3D face", 11,
-      [](Scene& s, long h) {
-        return createEnt3DFace(s.data, s.layer, s.ltype, 5, kPnt, kPnt, kPnt, kPnt, 3, h);
-      },
-      [](Scene& s, long h) { return createEnt3DFace(s.data, kPnt, kPnt, kPnt, kPnt, 3, h); });
-  return kinds;
+  return {
+      kind("point", 1, [](Scene&, auto h, auto&&... p) { return createEntPnt(p..., kPnt, h); }),
+      kind("line", 2,
+           [](Scene&, auto h, auto&&... p) { return createEntLine(p..., LINE_3D(kPnt, kPnt), h); }),
+      kind("circle", 3,
+           [](Scene&, auto h, auto&&... p) {
+             return createEntCircle(p..., CIRCLE_3D(1, 2, 3, 4), h);
+           }),
+      kind("arc", 4,
+           [](Scene&, auto h, auto&&... p) {
+             return createEntArc(p..., ARC_3D(1, 2, 3, 4, 1, 2), h);
+           }),
+      kind("polyline", 5,
+           [](Scene&, auto h, auto&&... p) { return createEntPolyline(p..., 1L, 0, h); }),
+      kind("text", 6,
+           [](Scene&, auto h, auto&&... p) { return createEntText(p..., someText(), h); }),
+      kind("attribute definition", 7,
+           [](Scene&, auto h, auto&&... p) {
+             return createEntAttdef(p..., someText(), u"value", u"prompt", 8, h);
+           }),
+      kind("insert", 8,
+           [](Scene& s, auto h, auto&&... p) {
+             return createEntInsert(p..., s.block, kPnt, 2, 3, 4, 0.5, 6, 7, 8, 9, h);
+           }),
+      {"insert of an external reference", 8,
+       [](Scene& s, long h) {
+         return createEntInsertXRef(s.data, s.layer, s.ltype, 5, s.xref, kPnt, 2, 3, 4, 0.5, 6, 7,
+                                    8, 9, h);
+       },
+       [](Scene& s, long h) {
+         return createEntInsertXRef(s.data, s.data.getDepend(), s.xref, kPnt, 2, 3, 4, 0.5, 6, 7, 8,
+                                    9, h);
+       }},
+      kind("insert of fixed size", 12,
+           [](Scene& s, auto h, auto&&... p) {
+             return createEntFixedInsert(p..., s.block, kPnt, 2, 3, 0.5, h);
+           }),
+      kind("3D face", 11,
+           [](Scene&, auto h, auto&&... p) {
+             return createEnt3DFace(p..., kPnt, kPnt, kPnt, kPnt, 3, h);
+           }),
+  };
 }
 
 TEST(CreateEnt, TheExplicitFormTakesWhatItIsGiven) {

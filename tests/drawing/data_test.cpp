@@ -1,8 +1,6 @@
 #include "drawing/drawings.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 template <class Iterator>

@@ -2,8 +2,6 @@
 #include "drawing/randomeditor.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 CEntLine* newLine(CData& data, CLayer* layer = nullptr) {
@@ -78,9 +76,7 @@ TEST(UndoStack, EveryStateComesBackFromAnyOther) {
     for (int i = 0; i < 150; ++i) {
       editor.edit();
       ASSERT_NO_FATAL_FAILURE(history.note(true));
-      if (editor.number(10) == 0 && undo.merge()) {
-        ASSERT_NO_FATAL_FAILURE(history.note(true));
-      }
+      if (editor.number(10) == 0 && undo.merge()) ASSERT_NO_FATAL_FAILURE(history.note(true));
       if (editor.number(10) != 0) continue;
       for (int back = editor.number(6); back > 0 && undo.undo(); --back)
         ASSERT_NO_FATAL_FAILURE(history.check());

@@ -1,8 +1,6 @@
 #include "entities/blockworld.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 using Blocks = std::vector<CBlock*>;

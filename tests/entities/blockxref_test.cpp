@@ -1,8 +1,6 @@
 #include "entities/scene.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 class BlockXRef : public testing::Test {

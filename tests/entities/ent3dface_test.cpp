@@ -1,8 +1,6 @@
 #include "entities/scene.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 std::unique_ptr<CEnt3DFace> face(Scene& s, const std::string& corners, long flags = 0) {

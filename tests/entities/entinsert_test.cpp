@@ -1,8 +1,6 @@
 #include "entities/blockworld.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 using Snapshot = std::unique_ptr<IEntDerivedMemento>;
@@ -126,9 +124,7 @@ TEST_F(Insert, ExtentsOfOddInserts) {
     const auto ent = owned(insert(t.block, PNT_3D(0, 0, 0), t.scale, t.scale));
     ent->setArray(t.columns, t.rows, t.spacing, t.spacing);
     EXPECT_EQ(ent->getBdry().validRegion(), !t.empty);
-    if (!t.empty) {
-      EXPECT_EQ(ent->getBdry(), t.expect);
-    }
+    if (!t.empty) EXPECT_EQ(ent->getBdry(), t.expect);
   }
 }
 

@@ -1,8 +1,6 @@
 #include "entities/everykind.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 using Derived = std::unique_ptr<IEntDerivedMemento>;

@@ -1,8 +1,6 @@
 #include "entities/scene.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 /// A table separate from the drawing's own, with helpers to fill it.
@@ -195,9 +193,8 @@ TEST(EntTable, RandomEditsAgreeWithAPlainModel) {
     } else if (action < 8) {
       s.table.select(some);
       drop(selected, nullptr);
-      if (some != nullptr && std::count(selected.begin(), selected.end(), some) == 0) {
+      if (some != nullptr && std::count(selected.begin(), selected.end(), some) == 0)
         selected.push_back(some);
-      }
     } else if (action < 9) {
       s.table.unselect(some);
       drop(selected, some);

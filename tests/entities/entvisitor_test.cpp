@@ -1,8 +1,6 @@
 #include "entities/scene.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 /// One entity of each kind, ordered by type code.
@@ -44,9 +42,8 @@ TEST(EntCast, MatchesExactlyOneKind) {
         {1, castPnt(e)},      {2, castLine(e)},   {3, castCircle(e)}, {4, castArc(e)},
         {5, castPolyline(e)}, {6, castText(e)},   {7, castAttdef(e)}, {9, castAttrib(e)},
         {10, castHatch(e)},   {11, cast3DFace(e)}};
-    for (const auto& [code, answer] : answers) {
+    for (const auto& [code, answer] : answers)
       EXPECT_EQ(answer != nullptr, code == e->getType()) << "cast of kind " << code;
-    }
     EXPECT_EQ(e->getEntInsert() != nullptr, e->getType() == 8 || e->getType() == 12);
   }
   EXPECT_EQ(castLine(nullptr), nullptr);

@@ -1,7 +1,6 @@
 #include "entities/blockworld.h"
 #include "support/test.h"
 
-using namespace vek0::test;
 using vek0::detail::kPi;
 
 namespace {

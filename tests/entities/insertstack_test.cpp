@@ -1,8 +1,6 @@
 #include "entities/scene.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 constexpr short kByBlock = 0, kByLayer = 256;
@@ -73,54 +71,29 @@ TEST_F(InsertStack, TheLayerOfTheInsertCountsUnlessItIsLayer0Inside) {
   EXPECT_EQ(stack.GetCurLayer(), wall);
 }
 
-TEST_F(InsertStack, ResolvesWhatEntitiesTakeOver) {
+TEST_F(InsertStack, ResolvesWhatEntitiesInherit) {
   CLayer* zero = scene.layer();
   CLayer* circular = createLayer(u"CIRCULAR", byLayer(), 6);
-  const auto plain = insert(wall, byLayer(), kByLayer), coloured = insert(door, dashed, 1),
+  const auto plain = insert(wall, byLayer(), kByLayer), colored = insert(door, dashed, 1),
              passing = insert(zero, byBlock(), kByBlock);
-  const struct {
-    const char* name;
-    std::vector<const CEntInsertBase*> inserts;
-    CLayer* layer;
-    CLtype* ltype;
-    short color;
-    CLayer* expectLayer;
-    CLtype* expectLtype;  // null is Continuous
-    short expectColor;
-  } cases[] = {
-      {"own values", {}, wall, dotted, 9, wall, dotted, 9},
-      {"by layer", {}, wall, byLayer(), kByLayer, wall, dashed, 3},
-      {"by block without a block", {}, wall, byBlock(), kByBlock, wall, nullptr, 7},
-      {"the layer's linetype refers back", {}, circular, byLayer(), kByLayer, circular, nullptr, 6},
-      {"no layer, no linetype", {}, nullptr, nullptr, kByLayer, nullptr, nullptr, 7},
-      {"layer 0 takes the insert's", {plain.get()}, zero, byLayer(), kByLayer, wall, dashed, 3},
-      {"other layers stay", {plain.get()}, door, byLayer(), kByLayer, door, dotted, 5},
-      {"by block is the insert's layer", {plain.get()}, door, byBlock(), kByBlock, door, dashed, 3},
-      {"by block is the insert's own",
-       {coloured.get()},
-       zero,
-       byBlock(),
-       kByBlock,
-       door,
-       dashed,
-       1},
-      {"passed on from further out",
-       {coloured.get(), passing.get()},
-       zero,
-       byBlock(),
-       kByBlock,
-       door,
-       dashed,
-       1},
-      {"nobody gives a colour", {passing.get()}, zero, byBlock(), kByBlock, zero, nullptr, 7},
-  };
-  for (const auto& t : named(cases)) {
+  const std::map<std::string, CLayer*> layers{
+      {"0", zero}, {"WALL", wall}, {"DOOR", door}, {"CIRCULAR", circular}, {"none", nullptr}};
+  const std::map<std::string, CLtype*> ltypes{{"dashed", dashed},
+                                              {"dotted", dotted},
+                                              {"byLayer", byLayer()},
+                                              {"byBlock", byBlock()},
+                                              {"none", nullptr}};
+  const std::map<std::string, CEntInsert*> inserts{
+      {"plain", plain.get()}, {"colored", colored.get()}, {"passing", passing.get()}};
+  const Definitions names{{"byBlock", kByBlock}, {"byLayer", kByLayer}};
+  for (const Row& t : rowsWith(names)) {
     CEntInsertStack stack(1);
-    for (const CEntInsertBase* entered : t.inserts) stack.Push(entered, 0, 0);
-    const auto ent = insert(t.layer, t.ltype, t.color);
-    EXPECT_EQ(stack.ResolveLayer(*ent), t.expectLayer);
-    EXPECT_EQ(stack.ResolveLtype(*ent), t.expectLtype);
-    EXPECT_EQ(stack.ResolveColor(*ent), t.expectColor);
+    for (const std::string& entered : t.list("inserts")) stack.Push(inserts.at(entered), 0, 0);
+    const auto ent =
+        insert(layers.at(t.text("layer")), ltypes.at(t.text("ltype")), t.whole<short>("color"));
+    EXPECT_EQ(stack.ResolveLayer(*ent), layers.at(t.text("shownLayer")));
+    EXPECT_EQ(stack.ResolveLtype(*ent), ltypes.at(t.text("shownLtype")));
+    EXPECT_EQ(stack.ResolveColor(*ent), t.whole("shownColor"));
   }
 }
 
@@ -134,40 +107,26 @@ TEST_F(InsertStack, ResolvesTraitsFromEntityLayerAndInserts) {
   const auto outer = insert(wall, byLayer(), kByLayer), inner = insert(door, byLayer(), kByBlock);
   inner->setTraits(traitsOf(none, ENT_TRAITS::kWeightByBlock, 50, true));
   const ENT_TRAITS byLayers = traitsOf(none, -1, -1, true), byBlocks = traitsOf(none, -2, -2, true);
-  const struct {
-    const char* name;
-    std::vector<const CEntInsertBase*> inserts;
-    CLayer* layer;
-    short color;
-    ENT_TRAITS own, expected;
-  } cases[] = {
-      {"own", {}, wall, 9, traitsOf(5, 7, 9, false), traitsOf(5, 7, 9, false)},
-      {"own color number", {}, wall, 9, byLayers, traitsOf(none, 13, 100, true)},
-      {"by layer", {}, wall, kByLayer, byLayers, traitsOf(0x111111, 13, 100, true)},
-      {"layer without", {}, door, kByLayer, byLayers, traitsOf(none, -3, 255, true)},
-      {"no layer", {}, nullptr, kByLayer, byLayers, traitsOf(none, -3, 255, true)},
-      {"no insert", {}, wall, kByBlock, byBlocks, traitsOf(none, -3, 255, true)},
-      {"insert", {outer.get()}, door, kByBlock, byBlocks, traitsOf(0x111111, 13, 100, true)},
-      {"layer 0",
-       {outer.get()},
-       scene.layer(),
-       kByLayer,
-       byLayers,
-       traitsOf(0x111111, 13, 100, true)},
-      {"inner insert",
-       {outer.get(), inner.get()},
-       door,
-       kByBlock,
-       byBlocks,
-       traitsOf(0x111111, 13, 50, true)},
-  };
-  for (const auto& t : named(cases)) {
+  const auto expectTraits = [&](const std::vector<const CEntInsertBase*>& inserts, CLayer* layer,
+                                short color, const ENT_TRAITS& own, const ENT_TRAITS& expected) {
     CEntInsertStack stack(1);
-    for (const CEntInsertBase* entered : t.inserts) stack.Push(entered, 0, 0);
-    const auto ent = insert(t.layer, byLayer(), t.color);
-    ent->setTraits(t.own);
-    EXPECT_TRUE(stack.ResolveTraits(*ent) == t.expected);
-  }
+    for (const CEntInsertBase* entered : inserts) stack.Push(entered, 0, 0);
+    const auto ent = insert(layer, byLayer(), color);
+    ent->setTraits(own);
+    EXPECT_TRUE(stack.ResolveTraits(*ent) == expected);
+  };
+  const ENT_TRAITS defaults = traitsOf(none, -3, 255, true),
+                   outside = traitsOf(0x111111, 13, 100, true);
+  const CEntInsertBase *out = outer.get(), *in = inner.get();
+  expectTraits({}, wall, 9, traitsOf(5, 7, 9, false), traitsOf(5, 7, 9, false));
+  expectTraits({}, wall, 9, byLayers, traitsOf(none, 13, 100, true));  // its own color number
+  expectTraits({}, wall, kByLayer, byLayers, outside);
+  expectTraits({}, door, kByLayer, byLayers, defaults);
+  expectTraits({}, nullptr, kByLayer, byLayers, defaults);
+  expectTraits({}, wall, kByBlock, byBlocks, defaults);
+  expectTraits({out}, door, kByBlock, byBlocks, outside);
+  expectTraits({out}, scene.layer(), kByLayer, byLayers, outside);
+  expectTraits({out, in}, door, kByBlock, byBlocks, traitsOf(0x111111, 13, 50, true));
   outer->setTraits(traitsOf(none, -1, -1, false));
   CEntInsertStack stack(1);
   stack.Push(outer.get(), 0, 0);

@@ -4,8 +4,6 @@
 #include "entities/scene.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 /// Removes objects and restores them in reverse order, in runs of random length between other
@@ -23,9 +21,7 @@ class PlacesTrial {
       const int count = static_cast<int>(m_random() % 30);
       for (int i = 0; i < count && !m_expected.empty(); ++i) takeOne(i % 3 == 0);
       // Reading everything occasionally makes the owner compact its array.
-      if (m_random() % 2 == 0) {
-        ASSERT_EQ(read(), m_expected);
-      }
+      if (m_random() % 2 == 0) ASSERT_EQ(read(), m_expected);
       while (!m_out.empty()) putBack();
       ASSERT_EQ(m_expected, before);
       ASSERT_EQ(read(), m_expected) << "round " << round;

@@ -1,8 +1,6 @@
 #include "files/linereader.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace vek0::detail {
 namespace {
 

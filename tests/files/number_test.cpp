@@ -3,8 +3,6 @@
 #include "files/number.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace vek0::detail {
 namespace {
 
@@ -37,9 +35,8 @@ double anyDouble(std::mt19937_64& random) {
 std::string anyDecimal(std::mt19937_64& random) {
   std::string text = random() % 2 ? "-" : "";
   const auto digits = [&](std::uint64_t most) {
-    for (auto left = random() % (most + 1); left > 0; --left) {
+    for (auto left = random() % (most + 1); left > 0; --left)
       text += static_cast<char>('0' + random() % 10);
-    }
   };
   text += static_cast<char>('0' + random() % 10);
   digits(random() % 8 ? 6 : 40);
@@ -94,27 +91,9 @@ TEST(ParseDouble, AgreesWithTheLibraryOnRandomDecimals) {
 }
 
 TEST(ParseLong, LenientAndWithin32Bits) {
-  const struct {
-    const char* name;
-    const char* text;
-    std::int32_t value;
-  } cases[] = {
-      {"blanks before", "  0", 0},
-      {"junk behind", "10AB", 10},
-      {"junk alone", "AB", 0},
-      {"negative", "-7", -7},
-      {"plus", "+7", 7},
-      {"stops at point", "62.9", 62},
-      {"largest", "2147483647", 2147483647},
-      {"one above it", "2147483648", 2147483647},
-      {"smallest", "-2147483648", -2147483647 - 1},
-      {"one below it", "-2147483649", -2147483647 - 1},
-      {"beyond 64 bits", "99999999999999999999999999999999999", 2147483647},
-      {"empty", "", 0},
-  };
-  for (const auto& t : cases) {
-    EXPECT_EQ(parseLong(std::string_view(t.text)), t.value) << t.name;
-    EXPECT_EQ(parseLong(widen(t.text)), t.value) << t.name;
+  for (const Row& t : rows()) {
+    EXPECT_EQ(parseLong(std::string_view(t.text("text"))), t.whole("value"));
+    EXPECT_EQ(parseLong(widen(t.text("text"))), t.whole("value"));
   }
 }
 
@@ -157,27 +136,7 @@ TEST(FormatFixed, AgreesWithTheLibrary) {
 }
 
 TEST(FormatShortest, KnownNumbers) {
-  const struct {
-    const char* name;
-    double value;
-    const char* text;
-  } cases[] = {
-      {"zero", 0, "0.0"},
-      {"negative zero", -0.0, "0.0"},
-      {"whole", 5, "5.0"},
-      {"half", -0.5, "-0.5"},
-      {"few decimals", 19.05, "19.05"},
-      {"many decimals", 0.1 + 0.2, "0.30000000000000004"},
-      {"smallest plain", 1e-5, "0.00001"},
-      {"below it", 9e-6, "9e-06"},
-      {"whole beyond six digits", 123456789012.0, "123456789012.0"},
-      {"largest plain", 99999999999999984.0, "99999999999999984.0"},
-      {"above it", 1e17, "1e+17"},
-      {"largest", std::numeric_limits<double>::max(), "1.7976931348623157e+308"},
-      {"smallest", 5e-324, "5e-324"},
-      {"not a number", std::nan(""), "0.0"},
-  };
-  for (const auto& t : cases) EXPECT_EQ(shortest(t.value), t.text) << t.name;
+  for (const Row& t : rows()) EXPECT_EQ(shortest(t.real("value")), t.text("text"));
 }
 
 void expectShortest(double value) {
@@ -226,9 +185,8 @@ TEST(FormatInteger, LimitsAndHex) {
 class CommaLocale {
  public:
   CommaLocale() : m_before(std::locale::global(std::locale(std::locale(), new Comma))) {
-    for (const char* name : {"de_DE.UTF-8", "it_IT.UTF-8", "de_DE", "German"}) {
+    for (const char* name : {"de_DE.UTF-8", "it_IT.UTF-8", "de_DE", "German"})
       if (std::setlocale(LC_NUMERIC, name)) break;
-    }
   }
   ~CommaLocale() {
     std::locale::global(m_before);

@@ -3,8 +3,6 @@
 #include "files/codepages.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 #if defined(__GLIBC__)
 
 #endif
@@ -149,9 +147,8 @@ TEST(CodePages, OfADrawing) {
 }
 
 TEST(Escapes, Decoded) {
-  for (const Row& t : rows()) {
+  for (const Row& t : rows())
     EXPECT_EQ(decodeEscapes(t.wide("escaped")), t.wide("text").c_str()) << t.text("name");
-  }
 }
 
 TEST(MultiByte, GoesThroughTheInstalledDecoder) {
@@ -181,15 +178,13 @@ TEST(EncodeText, ComesBackAndNeverBreaksALine) {
                           u'\n', u'\r', 0,    0x7F, 0x81, 0xC3, 0xA9, 0xE9, 0x20AC, 0x2205};
   for (int i = 0; i < 20000; ++i) {
     std::u16string text;
-    for (auto left = random() % 12; left > 0; --left) {
-      if (random() % 4) {
+    for (auto left = random() % 12; left > 0; --left)
+      if (random() % 4)
         text += odd[random() % std::size(odd)];
-      } else if (random() % 8) {
+      else if (random() % 8)
         text += static_cast<char16_t>(random() % 0xD800);
-      } else {
+      else
         text += {0xD83D, static_cast<char16_t>(0xDC00 + random() % 0x400)};
-      }
-    }
     const std::string bytes = encodedText(text);
     ASSERT_EQ(decodedText(kCodePageAuto, bytes), text) << bytes << " seed " << kSeed;
     ASSERT_EQ(decodedText(kCodePage1252, bytes), text) << bytes << " seed " << kSeed;

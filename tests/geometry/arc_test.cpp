@@ -1,6 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
 using vek0::detail::kPi;
 using vek0::detail::kTwoPi;
 
@@ -56,55 +55,17 @@ TEST(Arc, SafeAnglesSweepForward) {
 }
 
 TEST(Arc, AnglesInAndOutOfTheSweep) {
-  const struct {
-    const char* name;
-    ARC_3D arc;
-    double angle;
-    bool in;
-  } cases[] = {
-      {"across 0, at 0", arcOf(350, 10), 0, true},
-      {"across 0, at its end", arcOf(350, 10), degrees(10), true},
-      {"across 0, opposite", arcOf(350, 10), degrees(180), false},
-      {"a turn further", arcOf(20, 40), degrees(390), true},
-      {"a turn back", arcOf(20, 40), degrees(-330), true},
-      {"full turn from 0", arcOf(0, 0), degrees(123), true},
-      {"full turn from 90, before it", arcOf(90, 90), degrees(89), true},
-      {"within the tolerance of the start", arcOf(90, 180), degrees(90) - 2e-12, true},
-      {"outside the tolerance", arcOf(90, 180), degrees(90) - 3e-12, false},
-      {"starts at 0, just below the turn", arcOf(0, 90), kTwoPi - 1e-13, true},
-      {"starts at 0, too far below", arcOf(0, 90), kTwoPi - 1e-11, false},
-      {"ends at 0, at its end", arcOf(270, 0), 0, true},
-      {"ends at 0, just past it", arcOf(270, 0), 1e-13, true},
-      {"ends at 0, too far past", arcOf(270, 0), 1e-10, false},
-      {"not a number counts as 0", arcOf(90, 180), kNan, false},
-  };
-  for (const auto& t : named(cases)) {
-    EXPECT_EQ(t.arc.angle_in_arc(t.angle), t.in);
-  }
+  for (const Row& t : rows())
+    EXPECT_EQ(arcOf(t.real("from"), t.real("to")).angle_in_arc(t.real("radians")), t.flag("in"));
 }
 
 TEST(Arc, Extents) {
-  const double h = std::sqrt(0.5);
-  const struct {
-    const char* name;
-    ARC_3D arc;
-    RECT_2D box;
-  } cases[] = {
-      {"a quarter", arcOf(0, 90), {0, 0, 1, 1}},
-      {"across 0", arcOf(315, 45), {h, -h, 1, h}},
-      {"across 90", arcOf(45, 135), {-h, h, h, 1}},
-      {"across 180", arcOf(135, 225), {-1, -h, -h, h}},
-      {"across 270", arcOf(225, 315), {-h, -1, h, -h}},
-      {"all but a quarter", arcOf(45, 315), {-1, -1, h, 1}},
-      {"three extremes past 0", arcOf(315, 225), {-1, -h, 1, 1}},
-      {"full turn", arcOf(33, 33), {-1, -1, 1, 1}},
-      {"full turn from 0", arcOf(0, 0), {-1, -1, 1, 1}},
-  };
-  for (const auto& t : named(cases)) {
+  const Definitions names{{"h", std::sqrt(0.5)}};
+  for (const Row& t : rowsWith(names)) {
     RECT_3D box;
-    t.arc.calc_bdry(box);
-    EXPECT_NEAR(PNT_2D(box.min).dist(t.box.min), 0, 1e-15);
-    EXPECT_NEAR(PNT_2D(box.max).dist(t.box.max), 0, 1e-15);
+    arcOf(t.real("from"), t.real("to")).calc_bdry(box);
+    EXPECT_NEAR(box.min.dist(t.rect("box").min), 0, 1e-15);
+    EXPECT_NEAR(box.max.dist(t.rect("box").max), 0, 1e-15);
   }
 }
 
@@ -168,9 +129,8 @@ TEST(Arc, DistanceIsThatOfTheNearestPoint) {
     const PNT_2D p = random.point();
     double s = 0, e = 0, nearest = kInf;
     arc.getSafeAngles(s, e);
-    for (int k = 0; k <= 2000; ++k) {
+    for (int k = 0; k <= 2000; ++k)
       nearest = std::fmin(nearest, p.dist(arc.getPntAngle(s + (e - s) * k / 2000)));
-    }
     EXPECT_NEAR(arc.dist(p), nearest, 0.03);
     EXPECT_LE(arc.dist(p), nearest + 1e-9);
     EXPECT_LE(arc.dist(p), arc.dist_endpoints(p) + 1e-9);
@@ -183,21 +143,15 @@ TEST(Arc, LinesMeetOnlyThePartThatIsThere) {
     PNT_2D p1(0, 0), p2(0, 0);
     EXPECT_EQ(upper.intersect(t.shape<LINE_2D>("line"), p1, p2), t.whole<long>("count"));
     EXPECT_EQ(upper.intersect(t.shape<LINE_2D>("line")), t.whole<long>("count"));
-    if (t.whole<long>("count") > 0) {
-      EXPECT_NEAR(p1.dist(t.point("first")), 0, 1e-12);
-    }
+    if (t.whole<long>("count") > 0) EXPECT_NEAR(p1.dist(t.point("first")), 0, 1e-12);
     EXPECT_EQ(upper.intersect(IMP_LINE_2D(t.shape<LINE_2D>("line")), p1, p2),
               t.whole<long>("count"));
-    if (t.whole<long>("count") > 0) {
-      EXPECT_NEAR(upper.dist(p1), 0, 1e-12);
-    }
+    if (t.whole<long>("count") > 0) EXPECT_NEAR(upper.dist(p1), 0, 1e-12);
     double t1 = 0, t2 = 0;
     EXPECT_EQ(upper.intersect(PAR_LINE_2D(t.shape<LINE_2D>("line")), t1, t2),
               t.whole<long>("count"));
     PAR_LINE_2D(t.shape<LINE_2D>("line")).calcPt(t1, p1);
-    if (t.whole<long>("count") > 0) {
-      EXPECT_NEAR(p1.dist(t.point("first")), 0, 1e-12);
-    }
+    if (t.whole<long>("count") > 0) EXPECT_NEAR(p1.dist(t.point("first")), 0, 1e-12);
   }
 }
 
@@ -262,15 +216,9 @@ TEST(Arc, ArcsMeetInPointsOfBoth) {
     const long count = a.intersect(b, p1, p2);
     ASSERT_EQ(b.intersect(a, q1, q2), count);
     ++counts[count];
-    if (count > 0) {
-      EXPECT_LT(a.dist(p1) + b.dist(p1), 1e-8);
-    }
-    if (count == 2) {
-      EXPECT_LT(a.dist(p2) + b.dist(p2), 1e-8);
-    }
-    if (count == 1) {
-      EXPECT_LT(p1.dist(q1), 1e-8);
-    }
+    if (count > 0) EXPECT_LT(a.dist(p1) + b.dist(p1), 1e-8);
+    if (count == 2) EXPECT_LT(a.dist(p2) + b.dist(p2), 1e-8);
+    if (count == 1) EXPECT_LT(p1.dist(q1), 1e-8);
     const long withCircle = a.intersect(static_cast<const CIRCLE_3D&>(b), q1, q2);
     EXPECT_GE(withCircle, count);
   }

@@ -2,7 +2,6 @@
 
 #include "support/test.h"
 
-using namespace vek0::test;
 using vek0::detail::kPi;
 
 namespace {
@@ -82,9 +81,7 @@ TEST(Bulge, ArcEndsAtThePointsAndHasTheAngle) {
 }
 
 TEST(ArcChords, CountForAngles) {
-  for (const Row& t : rows()) {
-    EXPECT_EQ(arcChords(t.real("angle")), t.whole("count"));
-  }
+  for (const Row& t : rows()) EXPECT_EQ(arcChords(t.real("angle")), t.whole("count"));
   // The smallest number of chords with an error of at most 1e-4 radii.
   for (const double angle : {0.5, 1.0, 3.0, 6.0}) {
     EXPECT_LE(1 - std::cos(angle / arcChords(angle) / 2), 1e-4);

@@ -1,7 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 /// Both outputs of an intersection, preset to detect whether a call writes them.
@@ -97,9 +95,7 @@ TEST(Circle, LevelAndUprightSegmentsAgreeWithTheGeneralWay) {
     }
     const long across = circle.intersect(upright, &general.p1, &general.p2);
     ASSERT_EQ(circle.intersect_ver(upright, &upright2.p1, &upright2.p2), across);
-    if (across > 0) {
-      EXPECT_EQ(upright2.p2.x, at);
-    }
+    if (across > 0) EXPECT_EQ(upright2.p2.x, at);
   }
   Found touching;
   EXPECT_EQ(

@@ -2,7 +2,6 @@
 
 #include "support/test.h"
 
-using namespace vek0::test;
 using vek0::detail::kPi;
 
 namespace {
@@ -105,9 +104,7 @@ TEST(Ellipse, FullTurnComesBackExactly) {
 }
 
 TEST(ArcChords, CountForOtherErrors) {
-  for (const Row& t : rows()) {
-    EXPECT_EQ(arcChords(2 * kPi, t.real("error")), t.whole("count"));
-  }
+  for (const Row& t : rows()) EXPECT_EQ(arcChords(2 * kPi, t.real("error")), t.whole("count"));
 }
 
 }  // namespace

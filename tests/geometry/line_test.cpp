@@ -1,7 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 /// Random points of the plane within 100 units, from a fixed seed.
@@ -167,9 +165,8 @@ TEST(ParLine, CodesOfCommonPoints) {
 }
 
 TEST(ParLine, ParameterOfAPointOrItsProjection) {
-  for (const Row& t : rows()) {
+  for (const Row& t : rows())
     EXPECT_DOUBLE_EQ(t.shape<PAR_LINE_2D>("line").calcParam(t.point("p")), t.real("t"));
-  }
   EXPECT_EQ(PAR_LINE_3D(1, 1, 1, 0, 0, 0).calcParam(PNT_3D(5, 5, 5)), 0);
   EXPECT_DOUBLE_EQ(PAR_LINE_3D(0, 0, 0, 0, 3, 4).calcParam(PNT_3D(7, 6, 8)), 2);
 }

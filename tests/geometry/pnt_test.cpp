@@ -1,6 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
 using vek0::detail::kTwoPi;
 
 namespace {
@@ -35,9 +34,8 @@ TEST(Pnt, PlaneOperationsOnASpacePointSeeXAndYOnly) {
 }
 
 TEST(Pnt, AngleLiesInTheFullTurn) {
-  for (const Row& t : rows()) {
+  for (const Row& t : rows())
     EXPECT_DOUBLE_EQ(PNT_2D(0, 0).angle(PNT_2D(t.real("x"), t.real("y"))), t.real("angle"));
-  }
 }
 
 TEST(Pnt, RotateKeepsDistanceAndHeightAndTurnsByTheAngle) {

@@ -1,7 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 TEST(Rect, EmptyBoxGrowsToItsFirstPoint) {

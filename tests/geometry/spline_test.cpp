@@ -2,8 +2,6 @@
 
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 using PointList = std::vector<PNT_3D>;
@@ -65,9 +63,8 @@ double distance(const PNT_3D& p, const PNT_3D& a, const PNT_3D& b) {
 
 double distance(const PNT_3D& p, const PointList& chain) {
   double best = p.dist(chain[0]);
-  for (std::size_t i = 1; i < chain.size(); ++i) {
+  for (std::size_t i = 1; i < chain.size(); ++i)
     best = std::min(best, distance(p, chain[i - 1], chain[i]));
-  }
   return best;
 }
 
@@ -172,9 +169,8 @@ TEST(Spline, ChordsKeepTheTolerance) {
     const PointList chain = chordsOf(s, tolerance);
     double from = 0, to = 0;
     s.getDomain(from, to);
-    for (int k = 0; k <= 300; ++k) {
+    for (int k = 0; k <= 300; ++k)
       EXPECT_LT(distance(s.getPnt(from + (to - from) * k / 300), chain), tolerance + 1e-12);
-    }
     EXPECT_LT(chain.front().dist(s.getPnt(from)) + chain.back().dist(s.getPnt(to)), 1e-12);
     EXPECT_GE(chordsOf(s, tolerance / 10).size(), chain.size());
   }

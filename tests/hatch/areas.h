@@ -51,16 +51,14 @@ inline bool contains(const Rings& area, long double x, long double y) {
 }
 
 inline Rings turned(Rings area, double angle) {
-  for (Points& ring : area) {
+  for (Points& ring : area)
     for (PNT_3D& p : ring) p.rotate(PNT_3D(0, 0, 0), angle);
-  }
   return area;
 }
 
 inline Rings moved(Rings area, double dx, double dy) {
-  for (Points& ring : area) {
+  for (Points& ring : area)
     for (PNT_3D& p : ring) p.move(PNT_3D(dx, dy, 0));
-  }
   return area;
 }
 
@@ -100,9 +98,8 @@ class AreaMaker {
     Rings area;
     for (int n = whole(1, 3); n > 0; --n) {
       Points ring;
-      for (int corners = whole(3, 12); corners > 0; --corners) {
+      for (int corners = whole(3, 12); corners > 0; --corners)
         ring.emplace_back(whole(-5, 5), whole(-5, 5), 0);
-      }
       area.push_back(ring);
     }
     return area;

@@ -1,8 +1,6 @@
 #include "hatch/areas.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 Rings split(const Points& boundary) {
@@ -16,9 +14,7 @@ Rings split(const Points& boundary) {
 
 std::string text(const Rings& rings) {
   std::string result;
-  for (const Points& ring : rings) {
-    result += (result.empty() ? "" : " / ") + vek0::test::text(ring);
-  }
+  for (const Points& ring : rings) result += (result.empty() ? "" : " / ") + vek0::test::text(ring);
   return result;
 }
 
@@ -34,9 +30,7 @@ bool coverTheSame(const Rings& a, const Rings& b, AreaMaker& make) {
 }  // namespace
 
 TEST(HatchRings, AreReadFromABoundary) {
-  for (const Row& t : rows()) {
-    EXPECT_EQ(text(split(pts(t.text("boundary")))), t.text("rings"));
-  }
+  for (const Row& t : rows()) EXPECT_EQ(text(split(pts(t.text("boundary")))), t.text("rings"));
 }
 
 TEST(HatchRings, ZeroHasNoSign) {

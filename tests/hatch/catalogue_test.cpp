@@ -5,8 +5,6 @@
 #include "files/number.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 constexpr long kNoPatterns = 68;
@@ -66,9 +64,8 @@ TEST(Catalogue, HasItsPatternsInOrder) {
 
 TEST(Catalogue, HasTheKnownNumberOfFamiliesForEachNumberOfDashes) {
   std::map<int, int> families;
-  for (const HATCH_TYPE* type : patterns()) {
+  for (const HATCH_TYPE* type : patterns())
     for (const HATCH_LINE* line : familiesOf(*type)) ++families[line->numDash];
-  }
   EXPECT_EQ(families, (std::map<int, int>{{0, 45}, {2, 139}, {3, 3}, {4, 10}, {6, 19}}));
 }
 
@@ -117,9 +114,8 @@ TEST(Catalogue, HasFamiliesThatCanBeDrawn) {
   for (const HATCH_TYPE* type : patterns()) {
     for (const HATCH_LINE* line : familiesOf(*type)) {
       SCOPED_TRACE(nameOf(*type));
-      for (const double value : {line->angle, line->x0, line->y0, line->dx, line->dy}) {
+      for (const double value : {line->angle, line->x0, line->y0, line->dx, line->dy})
         EXPECT_TRUE(std::isfinite(value));
-      }
       EXPECT_NE(line->dy, 0);
       ASSERT_TRUE(line->numDash >= 0 && line->numDash <= 6);
       const double period = periodOf(*line);
@@ -161,18 +157,16 @@ TEST(Catalogue, FindsNamesInAnyCase) {
       lower += zim::foldCase(unit);
       mixed += mixed.size() % 2 ? zim::foldCase(unit) : unit;
     }
-    for (const std::u16string& name : {std::u16string(type->name), lower, mixed}) {
+    for (const std::u16string& name : {std::u16string(type->name), lower, mixed})
       EXPECT_EQ(getHatch(zim::WString(name)), type) << nameOf(*type);
-    }
     found.insert(type);
   }
   EXPECT_EQ(found.size(), static_cast<std::size_t>(kNoPatterns));
   EXPECT_EQ(getHatch(zim::WString(u"aNsI31")), getHatch(1));
   EXPECT_EQ(getHatch(zim::WString(u"Catasto1")), getHatch(67));
   for (const char16_t* name : {u"", u"A", u"ANSI3", u"ANSI311", u"ANSI31 ", u" ANSI31", u"ZZZ",
-                               u"SOLID", u"Star of David", u"Angle steel", u"\uFFFF"}) {
+                               u"SOLID", u"Star of David", u"Angle steel", u"\uFFFF"})
     EXPECT_FALSE(getHatch(zim::WString(name))) << zim::WString(name).toUtf8();
-  }
 }
 
 TEST(Catalogue, TellsItsRecordsFromCopies) {
@@ -211,11 +205,10 @@ std::vector<Definition> readDefinitions(const std::filesystem::path& file) {
   for (std::string text; std::getline(in, text);) {
     text.resize(std::min(text.find_first_of(";\r"), text.size()));
     PatternLine row;
-    if (!text.empty() && text[0] == '*') {
+    if (!text.empty() && text[0] == '*')
       definitions.push_back({text.substr(1, text.find(',') - 1), {}});
-    } else if (!definitions.empty() && parseRow(text, row)) {
+    else if (!definitions.empty() && parseRow(text, row))
       definitions.back().rows.push_back(row);
-    }
   }
   return definitions;
 }
@@ -243,9 +236,8 @@ bool agrees(const HATCH_TYPE& type, const Pattern& rows, double scale) {
 
 TEST(CatalogueCorpus, AgreesWithPublicDefinitions) {
   const char* folder = std::getenv("VEK0_CORPUS");
-  if (!folder || !std::filesystem::is_directory(std::filesystem::path(folder) / "pat")) {
+  if (!folder || !std::filesystem::is_directory(std::filesystem::path(folder) / "pat"))
     GTEST_SKIP() << "VEK0_CORPUS has no pattern files";
-  }
   std::map<const HATCH_TYPE*, int> confirmed;
   for (const auto& entry :
        std::filesystem::directory_iterator(std::filesystem::path(folder) / "pat")) {

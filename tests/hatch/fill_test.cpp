@@ -1,8 +1,6 @@
 #include "hatch/areas.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 constexpr double kQuarter = 1.5707963267948966;
@@ -217,13 +215,11 @@ TEST(FillHatch, EveryLineHasTheLengthOfItsInside) {
     const Hatch hatch = randomHatch(make);
     const Frame frame(hatch);
     std::map<long, long double> lengths;
-    for (const auto& line : hatch.fill(area).lines) {
+    for (const auto& line : hatch.fill(area).lines)
       lengths[frame.lineOf(line.from)] += line.length();
-    }
     std::vector<long> ends;
-    for (const Points& ring : area) {
+    for (const Points& ring : area)
       for (const PNT_3D& p : ring) ends.push_back(frame.lineOf(p));
-    }
     const auto [first, last] = std::minmax_element(ends.begin(), ends.end());
     for (long k = *first - 1; k <= *last + 1; ++k) {
       ASSERT_NEAR(static_cast<double>(lengths[k]),

@@ -2,7 +2,6 @@
 
 #include "support/test.h"
 
-using namespace vek0::test;
 using vek0::detail::kPi;
 
 namespace {
@@ -35,9 +34,8 @@ HATCH_RING ring(const char* text) {
 
 HATCH_RING circle(double x, double y, double r, int n = 40) {
   HATCH_RING points;
-  for (int k = 0; k < n; ++k) {
+  for (int k = 0; k < n; ++k)
     points.emplace_back(x + r * std::cos(2 * kPi * k / n), y + r * std::sin(2 * kPi * k / n), 0);
-  }
   return points;
 }
 
@@ -202,9 +200,8 @@ TEST(HatchLoopBuilder, ClockwiseEdgesAreMirrored) {
     ASSERT_EQ(left.size(), right.size());
     if (left.empty()) continue;
     ASSERT_EQ(left[0].size(), right[0].size());
-    for (std::size_t k = 0; k < left[0].size(); ++k) {
+    for (std::size_t k = 0; k < left[0].size(); ++k)
       EXPECT_LT(right[0][k].dist(left[0][k].x, 4 - left[0][k].y, 3), 1e-12);
-    }
   }
 }
 
@@ -276,9 +273,8 @@ TEST(HatchLoopBuilder, SharedVertexesFillTheSame) {
     wedges.push_back({{0, 0, 0}, {std::cos(a), std::sin(a), 0}, {std::cos(b), std::sin(b), 0}});
   }
   std::vector<std::pair<PNT_3D, PNT_3D>> edges;
-  for (const HATCH_RING& w : wedges) {
+  for (const HATCH_RING& w : wedges)
     for (std::size_t i = 0; i < 3; ++i) edges.emplace_back(w[i], w[(i + 1) % 3]);
-  }
   std::shuffle(edges.begin(), edges.end(), random);
   HatchLoopBuilder builder;
   for (const auto& e : edges) builder.addLine(e.first, e.second);
@@ -300,9 +296,8 @@ TEST(HatchLoopBuilder, ManyLooseEdges) {
   for (const Row& t : rows()) {
     const double spread = t.real("spread");
     HatchLoopBuilder b;
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < 20000; ++i)
       b.addLine({spread * real(random), spread * real(random), 0}, {real(random), real(random), 0});
-    }
     Rings rings;
     EXPECT_FALSE(b.build(rings));
     std::size_t points = 0;

@@ -1,8 +1,6 @@
 #include "hatch/areas.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 using Faces = std::vector<HatchFace>;
@@ -38,11 +36,9 @@ bool contains(const HatchFace& face, double x, double y) {
 // of edges, the width of the inside changes linearly.
 double areaOf(const Rings& area) {
   std::vector<std::pair<PNT_3D, PNT_3D>> edges;
-  for (const Points& ring : area) {
-    for (std::size_t i = 0; i < ring.size(); ++i) {
+  for (const Points& ring : area)
+    for (std::size_t i = 0; i < ring.size(); ++i)
       edges.emplace_back(ring[i], ring[(i + 1) % ring.size()]);
-    }
-  }
   std::set<long double> heights;
   for (const auto& [a, b] : edges) {
     heights.insert(a.y);
@@ -56,13 +52,11 @@ double areaOf(const Rings& area) {
   for (const long double high : heights) {
     const long double y = (low + high) / 2;
     std::vector<long double> cuts;
-    for (const auto& [a, b] : edges) {
+    for (const auto& [a, b] : edges)
       if ((a.y > y) != (b.y > y)) cuts.push_back(a.x + (b.x - a.x) * (y - a.y) / (b.y - a.y));
-    }
     std::sort(cuts.begin(), cuts.end());
-    for (std::size_t i = 0; i + 1 < cuts.size(); i += 2) {
+    for (std::size_t i = 0; i + 1 < cuts.size(); i += 2)
       sum += (cuts[i + 1] - cuts[i]) * (high - low);
-    }
     low = high;
   }
   return static_cast<double>(sum);

@@ -65,8 +65,7 @@ TEST(AddIsoLtypes, TheFileIsWhatTheFunctionAdds) {
   EXPECT_EQ(bytes.str().substr(bytes.str().find('*')), saved) << "it stands in the plain form";
   for (int i = 0; i < file.loader.GetNoLtype(); ++i) {
     ASSERT_EQ(file[i].getNoDashes() % 2, 0);
-    for (int k = 0; k < file[i].getNoDashes(); ++k) {
+    for (int k = 0; k < file[i].getNoDashes(); ++k)
       EXPECT_EQ(file[i][k]->GetValue() < 0, k % 2 == 1) << file[i].getName().toUtf8();
-    }
   }
 }

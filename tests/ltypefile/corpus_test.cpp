@@ -33,9 +33,8 @@ void expectSameAfterSaving(const fs::path& path) {
 
 TEST(LtypeCorpus, SavingAndLoadingGivesTheSameSequences) {
   const char* const folder = std::getenv("VEK0_CORPUS");
-  if (!folder || !fs::is_directory(fs::path(folder) / "lin")) {
+  if (!folder || !fs::is_directory(fs::path(folder) / "lin"))
     GTEST_SKIP() << "VEK0_CORPUS names no folder with definition files";
-  }
   int files = 0;
   for (const auto& entry : fs::recursive_directory_iterator(fs::path(folder) / "lin")) {
     if (entry.path().extension() != ".lin") continue;

@@ -3,7 +3,6 @@
 #include "ltypefile/loading.h"
 #include "support/test.h"
 
-using namespace vek0::test;
 using vek0::detail::kPi;
 
 namespace {
@@ -136,9 +135,8 @@ TEST(LtypeLoader, LoadUndoesSave) {
   const auto below = [&engine](std::size_t n) { return static_cast<std::size_t>(engine() % n); };
   const auto text = [&] {
     std::u16string out;
-    for (std::size_t n = below(9); n > 0; --n) {
+    for (std::size_t n = below(9); n > 0; --n)
       out += below(6) == 0 ? std::u16string(u"\\U+0041") : units.substr(below(units.size()), 1);
-    }
     return zim::WString(std::u16string_view(out));
   };
   const auto name = [&] {

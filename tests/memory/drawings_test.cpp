@@ -2,8 +2,6 @@
 #include "memory/trial.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 // Also releases the fonts and colors of the process, so that they do not count as leaks.

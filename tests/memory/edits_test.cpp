@@ -1,8 +1,6 @@
 #include "memory/trial.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 using Edit = std::function<bool(CData&, CUndoStack&)>;

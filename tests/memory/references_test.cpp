@@ -2,8 +2,6 @@
 #include "support/test.h"
 #include "xref/referred.h"
 
-using namespace vek0::test;
-
 namespace {
 
 using Work = std::function<bool(Sheet&, CUndoStack&)>;

@@ -2,8 +2,6 @@
 #include "memory/trial.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 // One step with many edits, to be undone or redone.

@@ -41,13 +41,12 @@ class Named {
    private:
     template <class T>
     void trace(const T& value) {
-      if constexpr (requires { value.place(); }) {
+      if constexpr (requires { value.place(); })
         m_trace.emplace(value.place().file, value.place().line, value.name());
-      } else if constexpr (requires { value.name; }) {
+      else if constexpr (requires { value.name; })
         m_trace.emplace(m_place.file, m_place.line, value.name);
-      } else {
+      else
         m_trace.emplace(m_place.file, m_place.line, testing::PrintToString(value));
-      }
     }
 
     Inner m_at;

@@ -38,9 +38,8 @@ bool isNamePart(std::string_view name) {
     const char c = name[i];
     const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
     if (!letter && !(c >= '0' && c <= '9') && c != '_' && c != '-' && c != '$' &&
-        !(c == '*' && i == 0)) {
+        !(c == '*' && i == 0))
       return false;
-    }
   }
   return true;
 }
@@ -59,9 +58,8 @@ struct Record {
   std::vector<Pair> pairs;
 
   const Pair* find(long code) const {
-    for (const Pair& pair : pairs) {
+    for (const Pair& pair : pairs)
       if (pair.code == code) return &pair;
-    }
     return nullptr;
   }
   std::string text(long code) const {
@@ -127,22 +125,19 @@ class Lint {
   }
 
   void splitRecords() {
-    for (const Pair& pair : m_pairs) {
-      if (pair.code == 0) {
+    for (const Pair& pair : m_pairs)
+      if (pair.code == 0)
         m_records.push_back({pair.value, pair.line, {}});
-      } else if (m_records.empty()) {
+      else if (m_records.empty())
         complain(pair.line, "a pair before the first record");
-      } else {
+      else
         m_records.back().pairs.push_back(pair);
-      }
-    }
   }
 
   void checkValue(const Pair& pair) {
     if (pair.value.size() > kLongestLine) complain(pair.line, "a value over 255 bytes");
-    for (const char c : pair.value) {
+    for (const char c : pair.value)
       if (static_cast<unsigned char>(c) < 0x20) complain(pair.line, "a control character");
-    }
     if (isReal(pair.code)) return checkReal(pair);
     if (isInteger(pair.code)) return checkInteger(pair);
     if (!isText(pair.code)) complain(pair.line, "no such code: " + std::to_string(pair.code));
@@ -212,9 +207,8 @@ class Lint {
   bool checkTables() {
     if (!beginSection("TABLES")) return false;
     if (!checkTable("LTYPE", m_ltypes) || !checkTable("LAYER", m_layers) ||
-        !checkTable("STYLE", m_styles)) {
+        !checkTable("STYLE", m_styles))
       return false;
-    }
     if (m_layers.count("0") == 0) complain(0, "no layer 0");
     return expect("ENDSEC");
   }
@@ -304,9 +298,8 @@ class Lint {
   void checkHandle(const Record& entity) {
     const std::string text = entity.text(5);
     if (text.empty() || text.front() == '0' ||
-        text.find_first_not_of("0123456789ABCDEF") != std::string::npos || text.size() > 8) {
+        text.find_first_not_of("0123456789ABCDEF") != std::string::npos || text.size() > 8)
       return complain(entity.line, "not a handle: " + text);
-    }
     const unsigned long long handle = std::stoull(text, nullptr, 16);
     if (!m_handles.insert(handle).second) complain(entity.line, "a second handle " + text);
   }
@@ -327,9 +320,8 @@ class Lint {
   }
 
   void checkDeclared(const Uses& uses, const std::set<std::string>& names, const char* what) {
-    for (const auto& [name, line] : uses) {
+    for (const auto& [name, line] : uses)
       if (names.count(name) == 0) complain(line, std::string("undeclared ") + what + " " + name);
-    }
   }
 
   void checkSeed() {

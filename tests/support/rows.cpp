@@ -79,13 +79,12 @@ Tables readTables(const std::string& path) {
     }
     std::vector<std::string> cells = cellsOf(line);
     if (!table) fail(path + ": no section above " + line);
-    if (table->columns.empty()) {
+    if (table->columns.empty())
       table->columns = std::move(cells);
-    } else if (cells.size() != table->columns.size()) {
+    else if (cells.size() != table->columns.size())
       fail(path + ":" + std::to_string(number) + ": the number of cells differs from the header's");
-    } else {
+    else
       table->rows.emplace_back(table->columns, std::move(cells), Place{file, number});
-    }
   }
   return tables;
 }
@@ -124,28 +123,24 @@ class Expression {
 
   double sum() {
     double value = product();
-    while (true) {
-      if (take('+')) {
+    while (true)
+      if (take('+'))
         value += product();
-      } else if (take('-')) {
+      else if (take('-'))
         value -= product();
-      } else {
+      else
         return value;
-      }
-    }
   }
 
   double product() {
     double value = factor();
-    while (true) {
-      if (take('*')) {
+    while (true)
+      if (take('*'))
         value *= factor();
-      } else if (take('/')) {
+      else if (take('/'))
         value /= factor();
-      } else {
+      else
         return value;
-      }
-    }
   }
 
   double factor() {

@@ -54,3 +54,6 @@ inline constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 inline constexpr double kUntouched = 77;  ///< preset value of outputs that a call may leave alone
 
 }  // namespace vek0::test
+
+// Every test file is about these names.
+using namespace vek0::test;

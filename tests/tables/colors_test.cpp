@@ -5,9 +5,8 @@ namespace {
 
 TEST(Colors, NumbersWithoutANameAreDecimal) {
   CColors& colors = CColors::getInstance();
-  for (const int color : {8, 42, 242, 255, -1, 257, 100000}) {
+  for (const int color : {8, 42, 242, 255, -1, 257, 100000})
     EXPECT_EQ(colors[color].toUtf8(), std::to_string(color));
-  }
   EXPECT_EQ(&colors[242], &colors[242]);
 }
 

@@ -2,8 +2,6 @@
 #include "tables/holes.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 // Numbered items in an array with holes; each stores its position, as in real use.

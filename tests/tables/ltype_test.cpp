@@ -1,8 +1,6 @@
 #include "support/test.h"
 #include "tables/tableitems.h"
 
-using namespace vek0::test;
-
 namespace {
 
 std::unique_ptr<CLtype> make(const zim::WString& name, const zim::WString& desc, double* values,
@@ -100,9 +98,8 @@ TEST(LtypeTable, FixedLinetypesComeFirst) {
       {"CONTINUOUS", &t.continuous}, {"continuous", &t.continuous}, {"ByLayer", &t.byLayer},
       {"byblock", &t.byBlock},       {"CONTINUOUS2", other},        {"DASHED", nullptr},
   };
-  for (const auto& c : cases) {
+  for (const auto& c : cases)
     EXPECT_EQ(t.ltypes.get(zim::WString::fromUtf8(c.name)), c.found) << c.name;
-  }
   EXPECT_EQ(t.ltypes.size(), 2);
 }
 

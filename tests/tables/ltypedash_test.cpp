@@ -1,8 +1,6 @@
 #include "support/test.h"
 #include "tables/tableitems.h"
 
-using namespace vek0::test;
-
 namespace {
 
 constexpr double kTolerance = 1e-12;
@@ -132,37 +130,10 @@ std::string laid(const CLtypeComplexDashSeq& seq, double scale, double phase, do
   return done ? out : "continuous";
 }
 
-TEST(ForEachDash, LaysThePatternAlongTheWay) {
-  constexpr double infinite = std::numeric_limits<double>::infinity();
-  const CLtypeComplexDashSeq dashDot = dashes({2, -1, 0, -1});
-  const struct {
-    const char* name;
-    CLtypeComplexDashSeq seq;
-    double scale, phase, length;
-    const char* expect;
-  } cases[] = {
-      {"once", dashDot, 1, 0, 4, "2 0-2, -1 2-3, 0 3-3, -1 3-4"},
-      {"cut at the end", dashDot, 1, 0, 1, "2 0-1"},
-      {"ends with the dot", dashDot, 1, 0, 3, "2 0-2, -1 2-3, 0 3-3"},
-      {"begins inside a dash", dashDot, 1, 1, 2, "2 0-1, -1 1-2, 0 2-2"},
-      {"begins behind the dash", dashDot, 1, 2, 1.5, "-1 0-1, 0 1-1, -1 1-1.5"},
-      {"begins a round later", dashDot, 1, 9, 2, "2 0-1, -1 1-2, 0 2-2"},
-      {"negative phase", dashDot, 1, -1, 2, "0 0-0, -1 0-1, 2 1-2"},
-      {"scaled", dashDot, 0.5, 0, 1.5, "2 0-1, -1 1-1.5, 0 1.5-1.5"},
-      {"dots only", dashes({0, 0}), 1, 0, 5, "continuous"},
-      {"no elements", {}, 1, 0, 5, "continuous"},
-      {"scale of nothing", dashDot, 0, 0, 5, "continuous"},
-      {"negative scale", dashDot, -1, 0, 5, "continuous"},
-      {"no way", dashDot, 1, 0, 0, "continuous"},
-      {"too many to draw", dashDot, 1, 0, 1e6, "continuous"},
-      {"endless way", dashDot, 1, 0, infinite, "continuous"},
-      {"way that is no number", dashDot, 1, 0, NAN, "continuous"},
-      {"phase that is no number", dashDot, 1, infinite, 4, "continuous"},
-      {"pattern beyond all sizes", dashes({1e308, 1e308}), 1, 0, 4, "continuous"},
-  };
-  for (const auto& t : cases) {
-    EXPECT_EQ(laid(t.seq, t.scale, t.phase, t.length), t.expect) << t.name;
-  }
+TEST(ForEachDash, LaysThePatternAlongThePath) {
+  for (const Row& t : rows())
+    EXPECT_EQ(laid(dashes(t.reals("dashes")), t.real("scale"), t.real("phase"), t.real("length")),
+              t.text("expected"));
 }
 
 TEST(ForEachDash, DashesAndGapsCoverTheWayWithoutHolesAndTheCapHolds) {
@@ -185,11 +156,10 @@ TEST(ForEachDash, DashesAndGapsCoverTheWayWithoutHolesAndTheCapHolds) {
                                     ++count;
                                   });
     EXPECT_LE(count, most) << "seed " << kSeed << ", round " << round;
-    if (done) {
+    if (done)
       EXPECT_NEAR(at, way, 1e-9);
-    } else {
+    else
       EXPECT_EQ(count, 0);
-    }
   }
 }
 

@@ -1,7 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 struct Item : CNamedItem {
@@ -106,32 +104,16 @@ TEST(NamedItemTable, AnswersWhatAScanAnswers) {
 }
 
 TEST(NamedItemTable, NumbersAreTheSmallestThatNoNameTakes) {
-  const struct {
-    const char* name;
-    std::vector<zim::WString> taken;
-    int number;
-  } cases[] = {
-      {"empty table", {}, 1},
-      {"the next one", {u"*PAT1", u"*PAT2"}, 3},
-      {"a gap comes first", {u"*PAT2"}, 1},
-      {"letter case counts", {u"*pat1"}, 1},
-      {"a leading zero is another name", {u"*PAT01"}, 1},
-      {"what follows the number counts", {u"*PAT1a", u"*PAT1 "}, 1},
-      {"twice the same number", {u"*PAT1", u"*PAT1"}, 2},
-      {"the largest number and beyond", {u"*PAT2147483647", u"*PAT99999999999"}, 1},
-      {"another prefix with that number", {u"*PATX1", u"PAT1"}, 1},
-      {"the gap in the middle", {u"*PAT3", u"*PAT1", u"*PAT4"}, 2},
-  };
-  for (const auto& t : named(cases)) {
+  for (const Row& t : rows()) {
     Table before, after;
     EXPECT_EQ(before.getProgNum(u"*PAT"), 1);
-    for (const zim::WString& name : t.taken) {
-      before.make(name);
-      after.make(name);
+    for (const std::string& name : t.list("taken")) {
+      before.make(zim::WString::fromUtf8(name));
+      after.make(zim::WString::fromUtf8(name));
     }
-    EXPECT_EQ(before.getProgNum(u"*PAT"), t.number) << "asked before the names were there";
-    EXPECT_EQ(after.getProgNum(u"*PAT"), t.number) << "asked for the first time";
-    EXPECT_EQ(after.GetProgName(u"*PAT").toUtf8(), "*PAT" + std::to_string(t.number));
+    EXPECT_EQ(before.getProgNum(u"*PAT"), t.whole("number")) << "asked before the names were there";
+    EXPECT_EQ(after.getProgNum(u"*PAT"), t.whole("number")) << "asked for the first time";
+    EXPECT_EQ(after.GetProgName(u"*PAT").toUtf8(), "*PAT" + t.text("number"));
   }
 }
 

@@ -6,9 +6,8 @@ namespace {
 // Position of the used slot with `rank` used slots before it, found by counting.
 std::size_t scan(const std::vector<int*>& slots, std::size_t rank) {
   std::size_t position = 0;
-  for (; position < slots.size(); ++position) {
+  for (; position < slots.size(); ++position)
     if (slots[position] && rank-- == 0) break;
-  }
   return position;
 }
 
@@ -30,9 +29,8 @@ TEST(RankTree, FindsWhatCountingFinds) {
         slots.push_back(used ? &item : nullptr);
         tree.append(used);
       }
-      for (std::size_t rank = 0; rank < slots.size(); rank += 1 + random() % 5) {
+      for (std::size_t rank = 0; rank < slots.size(); rank += 1 + random() % 5)
         ASSERT_EQ(tree.select(rank), scan(slots, rank)) << "of " << initial << ", step " << step;
-      }
     }
   }
 }

@@ -1,8 +1,6 @@
 #include "support/test.h"
 #include "tables/tableitems.h"
 
-using namespace vek0::test;
-
 namespace {
 
 struct Font : ICADFont {

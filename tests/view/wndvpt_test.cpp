@@ -1,7 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 CWndVpt viewport(long width, long height, double ratio = 1) {

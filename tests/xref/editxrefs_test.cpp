@@ -1,8 +1,6 @@
 #include "support/test.h"
 #include "xref/referred.h"
 
-using namespace vek0::test;
-
 namespace {
 
 using testing::SizeIs;
@@ -193,9 +191,7 @@ TEST(BindXRef, MakesWhatIsShownTheDrawingsOwn) {
       EXPECT_NE(data.getBlockTable().get(name), nullptr);
     EXPECT_EQ(getLayer(data, u"HOUSE$0$WALL")->getColor(), 6);
     EXPECT_NE(getLayer(data, u"FURNITURE$0$WOOD"), nullptr);
-    if (used) {
-      EXPECT_EQ(getCurLayer(data), getLayer(data, u"HOUSE$0$WALL"));
-    }
+    if (used) EXPECT_EQ(getCurLayer(data), getLayer(data, u"HOUSE$0$WALL"));
     EXPECT_EQ(saved(data).find('|'), std::string::npos);
 
     undo.clear();

@@ -1,8 +1,6 @@
 #include "support/test.h"
 #include "xref/referred.h"
 
-using namespace vek0::test;
-
 // Undo steps, other references and the drawing itself may still name items of a reference that is
 // reloaded, detached or bound.
 

@@ -1,8 +1,6 @@
 #include "support/test.h"
 #include "xref/referred.h"
 
-using namespace vek0::test;
-
 namespace {
 
 using testing::Contains;

@@ -4,8 +4,6 @@
 
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace fs = std::filesystem;
 
 namespace {
@@ -24,9 +22,8 @@ class XRefFolders : public testing::Test {
          {"job/site.dxf", "job/house.dxf", "job/Parts/Door.dxf", "job/Parts/site.dxf",
           "job/shed.dwg", "job/shed.dxf", "job/old.dwg", "job/bare", "job/Grün.dxf",
           "lib/house.dxf", "lib/tree.dxf", "lib/deep/old.dxf", "lib/deep/palm.dxf",
-          "library/fence.dxf", "library/wall.dxf", "else/secret.dxf", "else/tree.dxf"}) {
+          "library/fence.dxf", "library/wall.dxf", "else/secret.dxf", "else/tree.dxf"})
       make(file);
-    }
     fs::create_directories(m_root / "job/folder.dxf");
     fs::create_symlink("Parts/Door.dxf", m_root / "job/within.dxf");
     fs::create_symlink("../else/secret.dxf", m_root / "job/leak.dxf");
@@ -81,9 +78,7 @@ TEST_F(XRefFolders, WhatPathsLeadTo) {
   while (manyUps.size() < 4000) manyUps += "../";
   const Definitions names{
       {"root", root}, {"tooLongName", tooLongName}, {"tooLong", tooLong}, {"manyUps", manyUps}};
-  for (const Row& t : rowsWith(names)) {
-    EXPECT_EQ(find(folders, t.text("path")), t.text("expected"));
-  }
+  for (const Row& t : rowsWith(names)) EXPECT_EQ(find(folders, t.text("path")), t.text("expected"));
 }
 
 TEST_F(XRefFolders, NestedDrawingsAreLookedForFromTheOneThatNamesThem) {
@@ -115,9 +110,8 @@ TEST_F(XRefFolders, WithoutADrawingOnlySearchFoldersCount) {
 }
 
 TEST_F(XRefFolders, TheDrawingHasTheNameThatReferencesToItFind) {
-  for (const Row& t : rows()) {
+  for (const Row& t : rows())
     EXPECT_EQ(CXRefFolders(at(t.text("drawing"))).getDrawing(), at(t.text("expected")));
-  }
 }
 
 TEST_F(XRefFolders, RelativeNamesStartFromTheCurrentFolder) {
@@ -151,9 +145,8 @@ TEST_F(XRefFolders, OpensWhatItHasFoundAndNothingElse) {
   char bytes[16];
   EXPECT_EQ(file->readBytes(bytes, 16), 6);
   for (const char* other : {"job/pipe.dxf", "job/folder.dxf", "job/leak.dxf", "job/within.dxf",
-                            "else/secret.dxf", "job/lost.dxf"}) {
+                            "else/secret.dxf", "job/lost.dxf"})
     EXPECT_EQ(folders.open(at(other)), nullptr) << other;
-  }
   EXPECT_EQ(folders.open(u""), nullptr);
   EXPECT_EQ(folders.open(u"house.dxf"), nullptr) << "no name of the resolver";
 }

@@ -1,8 +1,6 @@
 #include "zim0lang/utf8.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 using zim::WString;
 
 TEST(Utf8, KnownTexts) {

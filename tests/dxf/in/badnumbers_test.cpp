@@ -2,8 +2,6 @@
 
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 std::vector<std::string> split(const std::string& list) {

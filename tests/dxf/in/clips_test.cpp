@@ -2,8 +2,6 @@
 
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 // An insert at 10, 20 with a scale of 2, clipped to the box from 0, 0 to 4, 2 relative to it.

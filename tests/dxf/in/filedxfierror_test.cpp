@@ -1,8 +1,6 @@
 #include "support/test.h"
 #include "zim0lang/stringloader.h"
 
-using namespace vek0::test;
-
 namespace {
 
 using Error = CFileDXFIError;

@@ -1,7 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 using Error = CFileDXFIError;
@@ -109,35 +107,17 @@ TEST(DxfLexer, AskingBeyondTheEndGoesOnFailing) {
 }
 
 TEST(DxfLexer, NumbersOfAValue) {
-  const struct {
-    const char* name;
-    const char* value;
-    int realError;  // error when read as a real number
-    double real;
-    long whole;
-    long hex;
-  } cases[] = {
-      {"whole", "26", 0, 26, 26, 0x26},
-      {"hex upper", "1A", 0, 1, 1, 26},
-      {"hex lower", "1a", 0, 1, 1, 26},
-      {"exponent", "1e2", 0, 100, 1, 0x1e2},
-      {"junk behind", "2.5g", 0, 2.5, 2, ((2 * 16 - 2) * 16 + 5) * 16 + 16},
-      {"empty", "", 6, 0, -1, -1},
-      {"not a number", "nan", 15, 0, 0, (23 * 16 + 10) * 16 + 23},
-      {"printed so", "1.#F", 15, 0, 1, ((16 - 2) * 16 - 13) * 16 + 15},
-      {"beyond range", "1e999", 15, 0, 1, 0x1e999},
-  };
-  for (const auto& t : named(cases)) {
-    Reader reader(std::string("40\n") + t.value + "\n");
+  for (const Row& t : rows()) {
+    Reader reader("40\n" + t.text("value") + "\n");
     reader.lexer.read();
-    EXPECT_EQ(reader.lexer.getDouble(), t.real);
-    EXPECT_EQ(reader.error.GetErrorType(), t.realError);
-    const bool isMissing = t.realError == 6;
+    EXPECT_EQ(reader.lexer.getDouble(), t.real("real"));
+    EXPECT_EQ(reader.error.GetErrorType(), t.whole("error"));
+    const bool isMissing = t.whole("error") == 6;
     reader.error.SetError(Error::NoError);
-    EXPECT_EQ(reader.lexer.getInt(), t.whole);
+    EXPECT_EQ(reader.lexer.getInt(), t.whole<long>("whole"));
     EXPECT_EQ(reader.error.HasAnError(), isMissing);
     reader.error.SetError(Error::NoError);
-    EXPECT_EQ(reader.lexer.getHex(), t.hex);
+    EXPECT_EQ(reader.lexer.getHex(), t.whole<long>("hex"));
     EXPECT_EQ(reader.error.HasAnError(), isMissing);
   }
 }
@@ -225,11 +205,10 @@ TEST(DxfLexer, BytesAndLinesGiveTheSamePairs) {
   for (int round = 0; round < 3000; ++round) {
     std::string text = random() % 8 ? "" : "\xEF\xBB\xBF";
     for (auto lines = random() % 20; lines > 0; --lines) {
-      if (random() % 64 == 0) {
+      if (random() % 64 == 0)
         text += std::string(8180 + random() % 20, random() % 2 ? 'a' : ' ');
-      } else {
+      else
         for (auto n = random() % 4; n > 0; --n) text += parts[random() % std::size(parts)];
-      }
       text += ends[random() % std::size(ends)];
     }
     ASSERT_EQ(transcript(text, true), transcript(text, false))
@@ -266,11 +245,10 @@ TEST(DxfLexer, EveryFailingReadIsAnError) {
       CFileDXFILexer lexer(file, &error);
       long pairs = 0;
       while (lexer.read() == 10) ASSERT_EQ(lexer.getInt(), 1000 + pairs++);
-      if (error.HasAnError()) {
+      if (error.HasAnError())
         EXPECT_EQ(error.GetErrorType(), 13);
-      } else {
+      else
         EXPECT_EQ(pairs, 40);
-      }
     }
   }
 }

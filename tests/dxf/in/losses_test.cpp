@@ -2,8 +2,6 @@
 
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 void expectCount(const char* code, long count, const std::string& text) {

@@ -1,7 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 std::string block(std::string_view name, std::string_view content, std::string_view more = "") {

@@ -2,7 +2,6 @@
 #include "dxf/in/convert/dimstyles.h"
 #include "support/test.h"
 
-using namespace vek0::test;
 using vek0::detail::kPi;
 
 namespace {
@@ -197,20 +196,8 @@ TEST(ReadCurves, ThePolicySaysHowClose) {
 }
 
 TEST(ReadCurves, NonsenseGivesNothing) {
-  const char* const cases[] = {
-      "0 ELLIPSE|8 0|10 0|20 0|11 0|21 0|40 0.5",                    // no axis
-      "0 ELLIPSE|8 0|10 0|20 0|11 1e300|21 0|40 0.5",                // out of range
-      "0 ELLIPSE|8 0|10 0|20 0|11 1|21 0|40 0.5|210 1|220 0|230 0",  // axis parallel to the normal
-      "0 SPLINE|8 0|71 3",
-      "0 SPLINE|8 0|71 3|10 1|20 1",
-      "0 SPLINE|8 0|71 3|20 1",
-      "0 SPLINE|8 0|71 3|11 1|21 1|11 1|21 1",
-      "0 LEADER|8 0|10 1|20 1",
-      "0 LEADER|8 0|30 1",
-  };
-  for (const char* list : named(cases)) {
-    EXPECT_EQ(loadCurve(list).drawing().getEntTable().getEntityTbl().size(), 0u);
-  }
+  for (const Row& t : rows())
+    EXPECT_EQ(loadCurve(t.text("list")).drawing().getEntTable().getEntityTbl().size(), 0u);
 }
 
 TEST(ReadCurves, StrictlyTheyAreSkipped) {

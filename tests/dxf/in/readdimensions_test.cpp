@@ -1,7 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 Loaded loadBody(const std::string& body, const std::string& header = "") {

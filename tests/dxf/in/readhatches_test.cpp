@@ -1,7 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 const std::string kHead = "0 HATCH|8 0|10 0|20 0|30 2|2 ANSI31|70 0|71 0|";

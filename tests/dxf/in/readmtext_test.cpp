@@ -1,6 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
 using vek0::detail::kPi;
 
 namespace {
@@ -172,9 +171,7 @@ TEST(ReadMText, ColumnsStandSideBySide) {
 }
 
 TEST(ReadMText, LossesAreTold) {
-  for (const Row& t : rows()) {
-    EXPECT_EQ(loadMText(t.text("text")).report.count(t.text("code")), 1);
-  }
+  for (const Row& t : rows()) EXPECT_EQ(loadMText(t.text("text")).report.count(t.text("code")), 1);
   EXPECT_EQ(loadMText("a").report.entries().size(), 1u);
 }
 

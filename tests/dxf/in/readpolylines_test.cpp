@@ -1,7 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 // A vertex record with the given coordinates and further pairs.

@@ -1,7 +1,5 @@
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 constexpr double kAngleTolerance = 1e-9;  // the format's factor has 13 digits

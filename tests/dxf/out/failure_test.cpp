@@ -2,8 +2,6 @@
 #include "dxf/out/saveddrawing.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 /// A file in memory whose n-th write fails; counts writes and closings.

@@ -1,8 +1,6 @@
 #include "dxf/out/savehandles.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 using vek0::Handle;
 using vek0::detail::SaveHandles;
 

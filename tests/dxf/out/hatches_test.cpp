@@ -4,8 +4,6 @@
 #include "dxf/out/saveddrawing.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 using Ring = std::vector<PNT_3D>;
@@ -101,9 +99,7 @@ TEST_F(SavedHatches, ComeBackAsTheyWere) {
         const Drawing back = loaded(bytes, policy);
         ASSERT_EQ(back->getEntTable().getEntityTbl().size(), 1u);
         expectSame(first(d), first(back), flags ? 1e-9 : 1e-6);
-        if (flags != 0) {
-          EXPECT_EQ(firstDifference(bytes, saved(*back, flags)), "");
-        }
+        if (flags != 0) EXPECT_EQ(firstDifference(bytes, saved(*back, flags)), "");
       }
     }
   }

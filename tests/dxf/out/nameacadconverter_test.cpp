@@ -3,8 +3,6 @@
 #include "dxf/out/saveddrawing.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 const std::string kLong30(30, 'x');
@@ -37,9 +35,8 @@ std::string naive(const std::vector<std::string>& own, const std::string& name) 
   if (corrected.size() >= 32) corrected.resize(30);
   if (corrected == name) return name;
   const auto taken = [&](const std::string& candidate) {
-    for (const std::string& other : own) {
+    for (const std::string& other : own)
       if (folded(other) == folded(candidate)) return true;
-    }
     return folded(candidate) == "0";
   };
   std::string candidate = corrected;
@@ -54,33 +51,16 @@ std::string naive(const std::vector<std::string>& own, const std::string& name) 
 }  // namespace
 
 TEST(NameAcadConverter, Names) {
-  const struct {
-    const char* name;
+  const Definitions names{{"long", kLong30}};
+  for (const Row& t : rowsWith(names)) {
     std::vector<zim::WString> own;
-    std::vector<std::string> classic, unique;
-  } cases[] = {
-      {"valid", {u"A-z_09$"}, {"A-z_09$"}, {"A-z_09$"}},
-      {"blank", {u"a b"}, {"a_b"}, {"a_b"}},
-      {"the result is taken", {u"a b", u"A_B"}, {"a_b0", "A_B"}, {"a_b0", "A_B"}},
-      {"so is its first number",
-       {u"a b", u"a_b", u"a_b0"},
-       {"a_b1", "a_b", "a_b0"},
-       {"a_b1", "a_b", "a_b0"}},
-      {"equal after conversion", {u"a b", u"a.b"}, {"a_b", "a_b"}, {"a_b", "a_b0"}},
-      {"differ in case", {u"*pat1", u"*PAT1"}, {"*pat1", "*PAT1"}, {"*pat1", "*PAT10"}},
-      {"equal", {u"X", u"X"}, {"X", "X"}, {"X", "X0"}},
-      {"leading asterisk stays", {u"*D3", u"a*"}, {"*D3", "a_"}, {"*D3", "a_"}},
-      {"letters of no code", {u"\u00D8\u4E2D"}, {"__"}, {"__"}},
-      {"empty", {u""}, {"_"}, {"_"}},
-      {"bar without reference", {u"x|y"}, {"x_y"}, {"x_y"}},
-      {"line feed", {u"a\n  0"}, {"a___0"}, {"a___0"}},
-      {"31 characters", {zim::WString::fromUtf8(kLong30 + "y")}, {kLong30 + "y"}, {kLong30 + "y"}},
-      {"32 become 30", {zim::WString::fromUtf8(kLong30 + "yz")}, {kLong30}, {kLong30}},
-      {"second layer 0", {u"0"}, {"0"}, {"00"}},
-  };
-  for (const auto& t : named(cases)) {
-    EXPECT_EQ(converted(t.own, false), t.classic);
-    EXPECT_EQ(converted(t.own, true), t.unique);
+    for (const std::string& name : t.list("own")) own.push_back(zim::WString::fromUtf8(name));
+    EXPECT_EQ(converted(own, false), t.list("classic"));
+    EXPECT_EQ(converted(own, true), t.list("unique"));
+  }
+  for (const bool unique : {false, true}) {
+    EXPECT_EQ(converted({u""}, unique), std::vector<std::string>{"_"});
+    EXPECT_EQ(converted({u"x|y"}, unique), std::vector<std::string>{"x_y"}) << "without reference";
   }
 }
 

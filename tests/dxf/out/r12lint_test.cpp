@@ -3,8 +3,6 @@
 #include "dxf/out/saveddrawing.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 std::string soundFile() {

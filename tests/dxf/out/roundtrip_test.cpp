@@ -4,8 +4,6 @@
 #include "dxf/out/saveddrawing.h"
 #include "support/test.h"
 
-using namespace vek0::test;
-
 namespace {
 
 /// Strict reading needs a font for every style.
