@@ -159,7 +159,7 @@ BLOCK_SUM ShownBoxes::sum(const CBlock& block) {
       levels.push_back({unknown});
       continue;
     }
-    const BLOCK_SUM result = level.sum;
+    BLOCK_SUM result = level.sum;
     levels.pop_back();
     if (levels.empty()) return result;
   }

@@ -366,6 +366,7 @@ void Walker::drawBulge(const PNT_3D& from, const PNT_3D& to, double bulge) {
   std::vector<PNT_3D> points{from};
   bulgePoints(from, to, bulge, points);
   std::vector<WIDE_VERTEX> chords;
+  chords.reserve(points.size());
   for (const PNT_3D& p : points) chords.push_back({p, 0, 0});
   stroke(chords.data(), chords.size(), false);
 }

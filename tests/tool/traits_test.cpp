@@ -2,8 +2,6 @@
 #include "support/test.h"
 #include "tooltest.h"
 
-using namespace vek0::test;
-
 namespace {
 
 using Traits = Tool;

@@ -37,4 +37,5 @@ VEK0_API std::vector<PNT_3D> joinHatchRings(const std::vector<std::vector<PNT_3D
 /// Normalizes a boundary for storage in a hatch: `out` becomes `in` without consecutive equal
 /// points inside a ring, without rings of fewer than three points, and, if one ring remains,
 /// without its closing point. `in` and `out` may be the same vector.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): a given name
 VEK0_API void _hatch_compactVertex(const std::vector<PNT_3D>& in, std::vector<PNT_3D>& out);
