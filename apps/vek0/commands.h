@@ -17,6 +17,7 @@ int runTool(const std::vector<std::string>& arguments);
 
 /// Each adds one verb with its options and help; `session` must outlive `app`.
 void addInfoCommand(CLI::App& app, Session& session);
+void addListCommand(CLI::App& app, Session& session);
 void addCheckCommand(CLI::App& app, Session& session);
 void addConvertCommand(CLI::App& app, Session& session);
 void addImportCommand(CLI::App& app, Session& session);

@@ -87,6 +87,7 @@ int parseAndRun(std::vector<std::string> arguments) {
   app.add_flag("-q,--quiet", session.quiet, "Print only errors");
   addReadOptions(app, session.reading);
   addInfoCommand(app, session);
+  addListCommand(app, session);
   addCheckCommand(app, session);
   addConvertCommand(app, session);
   addImportCommand(app, session);

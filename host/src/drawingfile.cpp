@@ -146,13 +146,18 @@ CFileDXFIOptions readingOptions(const Session& session) {
 }
 
 Drawing newDrawing() {
-  CDataFactory factory;
-  return Drawing(factory.createData());
+  return Drawing(CDataFactory().createData(std::make_unique<CHandleManager>()));
+}
+
+void startHandles(CData& data) {
+  if (auto* manager = dynamic_cast<CHandleManager*>(&data.getHandleGestor())) manager->start(data);
 }
 
 ReadResult loadFile(CData& data, const std::string& path, const Session& session,
                     bool keepFontNames) {
-  return readWith(loadDXF, data, path, session, keepFontNames);
+  ReadResult result = readWith(loadDXF, data, path, session, keepFontNames);
+  startHandles(data);
+  return result;
 }
 
 ReadResult importFile(CData& data, const std::string& path, const Session& session) {

@@ -1,5 +1,8 @@
 #include "vek0host/entitycounts.h"
 
+#include <algorithm>
+#include <string_view>
+
 namespace vek0::host {
 namespace {
 
@@ -79,10 +82,27 @@ std::string EntityCounts::toText() const {
   return text.empty() ? "none" : text;
 }
 
-std::string kindNameOf(CEnt& ent) {
+const char* kindNameOf(CEnt& ent) {
   KindVisitor visitor;
   ent.accept(visitor);
   return EntityCounts::kKinds[visitor.kind];
+}
+
+const char* recordNameOf(CEnt& ent) {
+  if (ent.getRecord() != EntRecord::Own) return nameOf(ent.getRecord());
+  const char* kind = kindNameOf(ent);
+  // Hatches are saved as inserts.
+  return kind == EntityCounts::kKinds[kHatch] ? EntityCounts::kKinds[kInsert] : kind;
+}
+
+std::vector<const char*> entityKinds() {
+  std::vector<const char*> kinds(EntityCounts::kKinds.begin(), EntityCounts::kKinds.end());
+  for (auto i = static_cast<unsigned char>(EntRecord::Own); ++i < kEntRecords;) {
+    const char* name = nameOf(static_cast<EntRecord>(i));
+    const auto isSame = [&](const char* kind) { return std::string_view(kind) == name; };
+    if (std::none_of(kinds.begin(), kinds.end(), isSame)) kinds.push_back(name);
+  }
+  return kinds;
 }
 
 }  // namespace vek0::host

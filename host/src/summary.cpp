@@ -1,30 +1,13 @@
 #include "vek0host/summary.h"
 
-#include <cmath>
-
 #include "vek0host/entitycounts.h"
+#include "vek0host/propertytext.h"
 #include "vek0host/reports.h"
 #include "vek0host/units.h"
 #include "vek0host/visibletext.h"
 
 namespace vek0::host {
 namespace {
-
-Json pointToJson(const PNT_3D& p) { return Json::array({p.x, p.y, p.z}); }
-
-bool isFinite(const PNT_3D& p) {
-  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
-
-Json extentsToJson(const CData& data) {
-  const RECT_3D& box = data.getEntTable().getBdry();
-  if (!box.validRegion() || !isFinite(box.min) || !isFinite(box.max)) return nullptr;
-  return Json{{"min", pointToJson(box.min)}, {"max", pointToJson(box.max)}};
-}
-
-std::string ltypeName(const CLtype* ltype) {
-  return ltype ? ltype->getFullName().toUtf8() : std::string("Continuous");
-}
 
 // Every drawing has some initial items. For a failed file they are listed only if they are used.
 bool isListed(const CNamedItem& item, const CData& data, const ReadResult& result) {
@@ -36,12 +19,16 @@ Json layersToJson(const CData& data, const ReadResult& result) {
   Json layers = Json::array();
   for (CData::CLayerIterator it(data, true); const CLayer* layer = *it; ++it) {
     if (!isListed(*layer, data, result)) continue;
-    layers.push_back({{"name", layer->getFullName().toUtf8()},
-                      {"color", layer->getColor()},
-                      {"linetype", ltypeName(layer->getLtype())},
-                      {"frozen", layer->isFrozen()},
-                      {"locked", layer->isLocked()},
-                      {"off", layer->isOff()}});
+    layers.push_back(
+        {{"name", layer->getFullName().toUtf8()},
+         {"color", layer->getColor()},
+         {"rgb", colorText(colorOnWhite(layer->getTraits().trueColor, layer->getColor()))},
+         {"lineweight", weightInMm(data, layer->getTraits().lineweight)},
+         {"plot", layer->getTraits().isPlotted},
+         {"linetype", ltypeName(layer->getLtype())},
+         {"frozen", layer->isFrozen()},
+         {"locked", layer->isLocked()},
+         {"off", layer->isOff()}});
   }
   return layers;
 }
@@ -193,7 +180,7 @@ Json summaryToJson(const std::string& path, CData& data, const ReadResult& resul
   summary["blocks"] = blocksToJson(data);
   summary["references"] = referencesToJson(data);
   summary["entities"] = EntityCounts(data).toJson();
-  summary["extents"] = extentsToJson(data);
+  summary["extents"] = extentsToJson(data.getEntTable().getBdry());
   return summary;
 }
 

@@ -9,7 +9,10 @@
 #include "vek0core/entities/entfactory.h"
 
 CData* CDataFactory::createData() {
-  std::unique_ptr<IHandleGestor> gestor(doCreateHandleGestor());
+  return createData(std::unique_ptr<IHandleGestor>(doCreateHandleGestor()));
+}
+
+CData* CDataFactory::createData(std::unique_ptr<IHandleGestor> gestor) {
   std::unique_ptr<CLtypeFactory> ltypes(doCreateLtypeFactory());
   std::unique_ptr<CLayerFactory> layers(doCreateLayerFactory());
   std::unique_ptr<CStyleFactory> styles(doCreateStyleFactory());

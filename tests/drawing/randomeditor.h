@@ -20,6 +20,8 @@ class RandomEditor {
   int number(int below) { return static_cast<int>(m_random() % static_cast<unsigned long>(below)); }
 
  private:
+  // A manager of handles chooses them itself.
+  vek0::Handle handle() { return m_data.getHandleGestor().nextseed() != 0 ? 0 : m_handle++; }
   double coordinate() { return number(2001) / 10.0 - 100; }
   PNT_3D point() { return PNT_3D(coordinate(), coordinate(), coordinate()); }
   zim::WString name(const char* prefix) {
@@ -56,22 +58,22 @@ class RandomEditor {
   }
 
   CEnt* newPolyline() {
-    CEntPolyline* made = createEntPolyline(m_data, layer(), ltype(), 1, number(2), 0, m_handle++);
+    CEntPolyline* made = createEntPolyline(m_data, layer(), ltype(), 1, number(2), 0, handle());
     for (int i = number(6); i >= 0; --i)
-      made->addBulgedVertex(point(), number(2), number(2), number(3) - 1, m_handle++);
+      made->addBulgedVertex(point(), number(2), number(2), number(3) - 1, handle());
     return made;
   }
   CEnt* newInsert() {
     CBlock* shown = block();
     if (shown == nullptr) return nullptr;
     CEntInsert* made = createEntInsert(m_data, layer(), ltype(), 2, *shown, point(), 1, 2, 3, 0.5,
-                                       1 + number(2), 1, 3, 4, m_handle++);
+                                       1 + number(2), 1, 3, 4, handle());
     if (number(2) == 0) made->add(newAttrib());
     return made;
   }
   CEntAttrib* newAttrib() {
     CEntAttrib* made = m_data.getEntFactory().createEntAttrib(
-        m_data.getHandleGestor(), layer(), ltype(), 3, text(), u"TAG", 0, m_handle++);
+        m_data.getHandleGestor(), layer(), ltype(), 3, text(), u"TAG", 0, handle());
     made->setTraits(traits());
     return made;
   }
@@ -80,7 +82,7 @@ class RandomEditor {
     const std::vector<PNT_3D> square{p, p + PNT_3D(9, 0, 0), p + PNT_3D(9, 9, 0),
                                      p + PNT_3D(0, 9, 0)};
     return createEntHatch(m_data, layer(), ltype(), 4, pattern(), 10 + number(9), 0.3, square,
-                          m_handle++);
+                          handle());
   }
   const HATCH_TYPE& pattern() {
     return *getHatch(zim::WString(number(2) == 0 ? u"ANSI31" : u"ANSI37"));
@@ -88,7 +90,7 @@ class RandomEditor {
   CEnt* newEntity() {
     switch (number(10)) {
       case 0:
-        return createEntPnt(m_data, layer(), ltype(), 5, point(), m_handle++);
+        return createEntPnt(m_data, layer(), ltype(), 5, point(), handle());
       case 1:
         return createEntCircle(m_data, layer(), ltype(), 6, CIRCLE_3D(1, 2, 3, 4), 0);
       case 2:
@@ -96,7 +98,7 @@ class RandomEditor {
       case 3:
         return newPolyline();
       case 4:
-        return createEntText(m_data, layer(), ltype(), 8, text(), m_handle++);
+        return createEntText(m_data, layer(), ltype(), 8, text(), handle());
       case 5:
         return createEntAttdef(m_data, layer(), ltype(), 9, text(), u"value", u"prompt", 1, 0);
       case 6:
@@ -105,9 +107,9 @@ class RandomEditor {
         return newHatch();
       case 8:
         return createEnt3DFace(m_data, layer(), ltype(), 10, point(), point(), point(), point(),
-                               number(16), m_handle++);
+                               number(16), handle());
       default:
-        return createEntLine(m_data, layer(), ltype(), 11, LINE_3D(point(), point()), m_handle++);
+        return createEntLine(m_data, layer(), ltype(), 11, LINE_3D(point(), point()), handle());
     }
   }
   void drop(CEnt* ent, bool taken) {
@@ -173,7 +175,7 @@ class RandomEditor {
     const long count = polyline.getNoTotalVertexes();
     switch (number(4)) {
       case 0:
-        polyline.addVertex(*createVertex(m_data, point(), 0, 1, m_handle++));
+        polyline.addVertex(*createVertex(m_data, point(), 0, 1, handle()));
         break;
       case 1:
         delete polyline.removeVertex(number(static_cast<int>(count) + 1));

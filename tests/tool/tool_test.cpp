@@ -32,6 +32,9 @@ TEST_F(Tool, InfoPrintsOneJsonObjectALine) {
   EXPECT_EQ(one["error"], nullptr);
   EXPECT_EQ(one["layers"][1], Json({{"name", "A"},
                                     {"color", 7},
+                                    {"rgb", "#000000"},
+                                    {"lineweight", 0.25},
+                                    {"plot", true},
                                     {"linetype", "Continuous"},
                                     {"frozen", false},
                                     {"locked", false},

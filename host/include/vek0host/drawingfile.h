@@ -31,8 +31,11 @@ struct ReadResult {
   std::string elsewhere() const;
 };
 
-/// A new, empty drawing.
+/// A new, empty drawing with a `CHandleManager`, which waits for `startHandles`.
 Drawing newDrawing();
+
+/// Gives every entity a handle, now and when entities are added. `loadFile` calls it.
+void startHandles(CData& data);
 
 /// The file `path` ("-": standard input), closed, as `session.onRead` returns it.
 std::unique_ptr<IFile> openForReading(const std::string& path, const Session& session);

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 #include "vek0core/vek0core.h"
 #include "vek0host/json.h"
@@ -26,7 +27,13 @@ class EntityCounts {
   std::array<long, kKinds.size()> m_counts{};
 };
 
-/// The kind of an entity, one of `EntityCounts::kKinds`.
-std::string kindNameOf(CEnt& ent);
+/// The kind of an entity by its class, one of `EntityCounts::kKinds`.
+const char* kindNameOf(CEnt& ent);
+
+/// The kind of record that the entity had in its file, such as "LWPOLYLINE", or will be saved as.
+const char* recordNameOf(CEnt& ent);
+
+/// All kinds that `kindNameOf` and `recordNameOf` return.
+std::vector<const char*> entityKinds();
 
 }  // namespace vek0::host

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "vek0core/export.h"
 
 class CBlockFactory;
@@ -21,6 +23,8 @@ class VEK0_API CDataFactory {
   /// font table's default font, and the default variables. Destroy it with `deleteData`. Returns
   /// null, leaking nothing, when out of memory.
   CData* createData();
+  /// The same with this handle manager. Null, deleting it, also for a null manager.
+  CData* createData(std::unique_ptr<IHandleGestor> gestor);
 
  protected:
   // Each creates one object, or returns null when out of memory.

@@ -4,6 +4,7 @@
 #include <list>
 #include <memory>
 
+#include "vek0core/entities/entrecord.h"
 #include "vek0core/export.h"
 #include "vek0core/geometry/rect.h"
 #include "vek0core/tables/enttraits.h"
@@ -141,6 +142,9 @@ class VEK0_API CEnt : public IHandleEnt {
   void setTraits(const ENT_TRAITS& traits) { m_traits = vek0::detail::EntTraitsRef(traits); }
   /// Copies what no factory takes: traits and user info. Allocates nothing.
   void copyExtras(const CEnt& src);
+  /// The kind of record in the file that it comes from. Copies are `EntRecord::Own`.
+  EntRecord getRecord() const { return static_cast<EntRecord>(m_record); }
+  void setRecord(EntRecord record) { m_record = static_cast<unsigned char>(record); }
   void setUserType(long type) { m_userType = type; }
   void setUserData(long data) { m_userData = data; }
   /// Sets both words of host data at once.
@@ -231,6 +235,7 @@ class VEK0_API CEnt : public IHandleEnt {
   bool m_bdryDirty : 1 = false;
   bool m_selected : 1 = false;
   bool m_watched : 1 = false;  // in a table whose watchers are notified of changed extents
+  unsigned char m_record : 5 = 0;
 
   // A drawing has millions of entities, and removing one must not search: each stores the table or
   // block that owns it (null while the caller does) and its position there.

@@ -70,7 +70,7 @@ enum class ReportCode : std::uint8_t {
   NumberDropped,      ///< text or a non-finite number where a number was expected
   LoopDropped,        ///< the same in a loop of a hatch, which was dropped
   NumberReplaced,     ///< a value out of range was replaced by the nearest meaningful one
-  ColorApproximated,  ///< a true color became the nearest of the palette
+  ColorApproximated,  ///< the nearest color number stands for a true color
   ColorReplaced,      ///< a color out of range: 7 of a layer, BYLAYER of an entity
   FlagsReplaced,      ///< flags that contradict the rest were read as 0
   LayerMissing,       ///< an entity without a layer name was put on layer 0
@@ -79,7 +79,7 @@ enum class ReportCode : std::uint8_t {
   EntryDropped,       ///< an unreadable table entry
   EntityDropped,      ///< an unreadable entity
   BlockDropped,       ///< an unreadable block
-  EntityInvisible,    ///< an entity marked invisible was dropped
+  EntityInvisible,    ///< an entity marked invisible was omitted
   InsertDropped,      ///< an insert that would make a block contain itself
   CurveAsPolyline,    ///< an arc or circle in a plane other than X, Y
   OnPaper,  ///< an entity of the space not being read; the sample names the sheet unless it is the

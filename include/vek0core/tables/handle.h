@@ -5,6 +5,8 @@
 
 #include "vek0core/export.h"
 
+class CHandleManager;
+
 namespace vek0 {
 
 /// A number that identifies an object within one drawing, written in hexadecimal in files; 0 means
@@ -27,6 +29,7 @@ class VEK0_API IHandleEnt {
   void SetHandle(vek0::Handle handle) { m_handle = handle; }
 
  private:
+  friend class CHandleManager;
   vek0::Handle m_handle;
 };
 

@@ -19,7 +19,6 @@
 #include "vek0core/tables/colors.h"
 #include "vek0core/tables/layer.h"
 #include "vek0core/tables/ltype.h"
-#include "vek0core/tables/palette.h"
 
 namespace vek0::detail {
 namespace {
@@ -296,21 +295,8 @@ void RecordReader::takeThickness() {
   if (!failed()) m_record.traits.thickness = thickness;
 }
 
-short RecordReader::nearestColor(std::uint32_t trueColor) {
-  // Consecutive entities often share their color, and the search is slow.
-  if (trueColor != m_lastTrueColor) {
-    m_lastTrueColor = trueColor;
-    m_lastNearest = nearestPaletteColor(unpackColor(static_cast<long>(trueColor)));
-  }
-  return m_lastNearest;
-}
-
 bool RecordReader::check(const RecordKind& kind, long missingParam) {
   if (failed()) return false;
-  // The true color takes precedence over the index, for which the file's own is kept.
-  const bool isIndexed = m_record.color >= 1 && m_record.color < kColorByLayer;
-  if (m_record.traits.hasTrueColor() && !isIndexed)
-    m_record.color = nearestColor(m_record.traits.trueColor);
   static constexpr CodeSet spared{1, 2, 3, 8, 66, 70};
   if (isTolerant()) supply();
   const CodeSet have = isTolerant() ? m_record.seen | spared : m_record.seen;

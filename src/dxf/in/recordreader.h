@@ -208,7 +208,6 @@ class RecordReader {
   void takeLineweight();
   void takeTransparency();
   void takeThickness();
-  short nearestColor(std::uint32_t trueColor);
   static bool isSpare(long code, const CodeSet& wanted, const CodeSet& optional);
   bool check(const RecordKind& kind, long missingParam);
   void supply();
@@ -218,8 +217,6 @@ class RecordReader {
   bool m_putBack = false;
   bool m_frameTaken = false;
   Frame m_frame;
-  std::uint32_t m_lastTrueColor = ENT_TRAITS::kNoTrueColor;  // most entities have the previous one
-  short m_lastNearest = 0;
   CLtype* m_byLayer = nullptr;
   NameCache<CLayer> m_layers;
   NameCache<CLtype> m_ltypes;

@@ -8,7 +8,6 @@
 #include "files/number.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/tables/layer.h"
-#include "vek0core/tables/palette.h"
 
 namespace vek0::detail {
 namespace {
@@ -25,7 +24,6 @@ struct LayerEntries::Entry {
   CLtype* ltype = nullptr;
   zim::WString unknownLtype;  // for which ltype is substituted until a table defines it
   short colour = 7;
-  bool hasColour = false;
   bool off = false;
   long flags = 0;
   LAYER_TRAITS traits;
@@ -74,7 +72,6 @@ void LayerEntries::takeColor(Entry& entry) {
     m_in.note(ReportCode::ColorReplaced, m_in.lexer.getText());
     colour = colour < 0 ? -kWhite : kWhite;
   }
-  entry.hasColour = true;
   entry.off = colour < 0;
   entry.colour = static_cast<short>(colour < 0 ? -colour : colour);
 }
@@ -143,8 +140,6 @@ void LayerEntries::leaveOut(long code, const Entry& entry) {
 
 void LayerEntries::create(Entry& entry) {
   IFileDXFISemantor& semantor = m_in.semantor;
-  if (entry.traits.trueColor != ENT_TRAITS::kNoTrueColor && !entry.hasColour)
-    entry.colour = nearestPaletteColor(unpackColor(static_cast<long>(entry.traits.trueColor)));
   const bool isMarked = !entry.unknownLtype.empty() || entry.traits != LAYER_TRAITS();
   if (!isMarked) return place(entry);
   CLtype* const ltype = entry.ltype ? entry.ltype : usualLtype(entry.name);

@@ -62,6 +62,7 @@ struct Reader {
   std::string_view name;
   EntityKinds since;
   EntPtr (*read)(EntityReader&);
+  EntRecord record = EntRecord::Own;
 };
 
 template <EntPtr (*readRecord)(RecordReader&)>
@@ -80,35 +81,36 @@ EntPtr curve(EntityReader& reader) {
 // The most frequent first.
 constexpr Reader kReaders[] = {
     {"LINE", EntityKinds::R12, one<readLine>},
-    {"POLYLINE", EntityKinds::R12, readPolyline},
-    {"LWPOLYLINE", EntityKinds::AC1014, readLwPolyline},
+    {"POLYLINE", EntityKinds::R12, readPolyline, EntRecord::Polyline},
+    {"LWPOLYLINE", EntityKinds::AC1014, readLwPolyline, EntRecord::Lwpolyline},
     {"TEXT", EntityKinds::R12, one<readText>},
-    {"ARC", EntityKinds::R12, one<readArc>},
-    {"CIRCLE", EntityKinds::R12, one<readCircle>},
+    {"ARC", EntityKinds::R12, one<readArc>, EntRecord::Arc},
+    {"CIRCLE", EntityKinds::R12, one<readCircle>, EntRecord::Circle},
     {"INSERT", EntityKinds::R12, one<readInsert>},
     {"POINT", EntityKinds::R12, one<readPoint>},
     {"3DFACE", EntityKinds::R12, one<read3DFace>},
-    {"HATCH", EntityKinds::AC1014, readHatch},
+    {"HATCH", EntityKinds::AC1014, readHatch, EntRecord::Hatch},
     {"ATTDEF", EntityKinds::R12, one<readAttdef>},
     {"SOLID", EntityKinds::All, one<readSolid>},
-    {"SPLINE", EntityKinds::All, curve<&CurveReader::readSpline>},
-    {"ELLIPSE", EntityKinds::All, curve<&CurveReader::readEllipse>},
-    {"LEADER", EntityKinds::All, curve<&CurveReader::readLeader>},
+    {"SPLINE", EntityKinds::All, curve<&CurveReader::readSpline>, EntRecord::Spline},
+    {"ELLIPSE", EntityKinds::All, curve<&CurveReader::readEllipse>, EntRecord::Ellipse},
+    {"LEADER", EntityKinds::All, curve<&CurveReader::readLeader>, EntRecord::Leader},
     {"TRACE", EntityKinds::All, one<readSolid>},
-    {"MLINE", EntityKinds::All, one<readMultiline>},
-    {"MESH", EntityKinds::All, one<readSubdivisionMesh>},
-    {"MPOLYGON", EntityKinds::All, readMpolygon},
+    {"MLINE", EntityKinds::All, one<readMultiline>, EntRecord::Mline},
+    {"MESH", EntityKinds::All, one<readSubdivisionMesh>, EntRecord::Mesh},
+    {"MPOLYGON", EntityKinds::All, readMpolygon, EntRecord::Mpolygon},
     {"XLINE", EntityKinds::All, one<readXline>},
     {"RAY", EntityKinds::All, one<readRay>},
-    {"HELIX", EntityKinds::All, curve<&CurveReader::readHelix>},
-    {"MTEXT", EntityKinds::All, one<readMText>},
-    {"DIMENSION", EntityKinds::All, one<readDimension>},
-    {"MULTILEADER", EntityKinds::All, one<readMultileader>},
-    {"MLEADER", EntityKinds::All, one<readMultileader>},
-    {"TOLERANCE", EntityKinds::All, one<readTolerance>},
-    {"ACAD_TABLE", EntityKinds::All, one<readTable>},
-    {"ARC_DIMENSION", EntityKinds::All, one<readDimension>},
-    {"LARGE_RADIAL_DIMENSION", EntityKinds::All, one<readDimension>},
+    {"HELIX", EntityKinds::All, curve<&CurveReader::readHelix>, EntRecord::Helix},
+    {"MTEXT", EntityKinds::All, one<readMText>, EntRecord::MText},
+    {"DIMENSION", EntityKinds::All, one<readDimension>, EntRecord::Dimension},
+    {"MULTILEADER", EntityKinds::All, one<readMultileader>, EntRecord::Multileader},
+    {"MLEADER", EntityKinds::All, one<readMultileader>, EntRecord::Mleader},
+    {"TOLERANCE", EntityKinds::All, one<readTolerance>, EntRecord::Tolerance},
+    {"ACAD_TABLE", EntityKinds::All, one<readTable>, EntRecord::Table},
+    {"ARC_DIMENSION", EntityKinds::All, one<readDimension>, EntRecord::ArcDimension},
+    {"LARGE_RADIAL_DIMENSION", EntityKinds::All, one<readDimension>,
+     EntRecord::LargeRadialDimension},
 };
 
 // The report code for a record that is not read; none if nothing is lost. Parts follow an entity
@@ -132,6 +134,8 @@ EntPtr EntityReader::read(EntityKinds kinds) {
   if (const Reader* reader = findReader(records.lexer(), kinds)) {
     records.begin();
     EntPtr ent = reader->read(*this);
+    if (ent) ent->setRecord(reader->record);
+    for (const EntPtr& more : records.further) more->setRecord(reader->record);
     if (kinds != EntityKinds::All || records.failed()) return ent;
     // Readers of approximated kinds have already placed their results.
     const bool inPlane = reader->since != EntityKinds::All;
@@ -186,7 +190,11 @@ EntPtr EntityReader::placed(EntPtr ent) {
   const PNT_3D& normal = records.frame().normal;
   if (!ent || normal == PNT_3D(0, 0, 1)) return ent;
   const PlaneAxes axes(normal);
-  return axes.isWorld() ? std::move(ent) : placeInWorld(records, std::move(ent), axes);
+  if (axes.isWorld()) return ent;
+  const EntRecord record = ent->getRecord();
+  EntPtr there = placeInWorld(records, std::move(ent), axes);
+  if (there) there->setRecord(record);
+  return there;
 }
 
 }  // namespace vek0::detail

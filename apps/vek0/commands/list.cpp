@@ -1,0 +1,64 @@
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "commands.h"
+#include "terminal.h"
+#include "vek0host/drawingfile.h"
+#include "vek0host/entitylist.h"
+
+namespace vek0::tool {
+namespace {
+
+struct ListOptions {
+  std::string file, place, where = "all";
+  bool json = false;
+};
+
+void list(const ListOptions& options, Session& session) {
+  const Drawing data = newDrawing();
+  const ReadResult result = loadFile(*data, options.file, session);
+  if (!result.ok()) session.fail(kDrawingFailed, options.file + ": " + result.message());
+  if (!result.opened()) return;
+  Selection selection;
+  selection.parse(options.where);
+  if (!options.json) print(tableHead());
+  const auto show = [&](const ListedEntity& entity) {
+    if (options.json)
+      std::printf("%s\n", toLine(toJson(entity)).c_str());
+    else
+      print(toTableLine(entity));
+  };
+  const std::string problem = listEntities(*data, options.place, selection, show);
+  if (!problem.empty()) session.fail(kDrawingFailed, options.file + ": " + problem);
+}
+
+}  // namespace
+
+void addListCommand(CLI::App& app, Session& session) {
+  auto options = std::make_shared<ListOptions>();
+  CLI::App* verb = app.add_subcommand(
+      "list", "List the entities of a drawing: handle, kind, layer, color, lineweight, linetype");
+  verb->add_option("FILE", options->file, "DXF file; - is the standard input")->required();
+  verb->add_option("--in", options->place, "Only those of this block or layout; Model is a layout")
+      ->type_name("BLOCK|LAYOUT");
+  const auto check = [](const std::string& text) { return Selection().parse(text); };
+  verb->add_option("--where", options->where,
+                   "Only the entities of a selection, as for vek0 edit --select")
+      ->type_name("layer=...,kind=...,window=...")
+      ->check(check);
+  verb->add_flag("--json", options->json, "One JSON object per entity, one per line");
+  verb->footer(
+      "Examples:\n"
+      "  vek0 list plan.dxf\n"
+      "  vek0 list plan.dxf --where 'layer=WALL*,kind=lwpolyline'\n"
+      "  vek0 list plan.dxf --in DOOR\n"
+      "  vek0 list --json plan.dxf | jq -r 'select(.lineweight > 0.5) | .handle'\n\n"
+      "Color, lineweight, linetype and visibility are those that an entity is drawn with, black "
+      "on\n"
+      "white. The kind is that of the record in the file. Attributes follow their insert, whose\n"
+      "handle \"of\" gives. Entities of a block are shown as if it were inserted on layer 0.");
+  verb->callback([options, &session] { list(*options, session); });
+}
+
+}  // namespace vek0::tool

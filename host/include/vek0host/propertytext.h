@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+#include "vek0core/vek0core.h"
+#include "vek0host/json.h"
+
+namespace vek0::host {
+
+/// "#rrggbb".
+std::string colorText(const RGB_COLOR& color);
+
+/// The color of a number on a white background, where 7 is black; of a true color if there is one.
+RGB_COLOR colorOnWhite(std::uint32_t trueColor, short number);
+
+/// A lineweight of the traits in millimeters; that of the drawing for "default".
+double weightInMm(const CData& data, short weight);
+
+/// The full name of a linetype; null is Continuous.
+std::string ltypeName(const CLtype* ltype);
+
+/// {"min": [x, y, z], "max": [x, y, z]}; null for an empty box or one that is not finite.
+Json extentsToJson(const RECT_3D& box);
+
+}  // namespace vek0::host

@@ -1,0 +1,142 @@
+#include "vek0host/entitylist.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "vek0host/entitycounts.h"
+#include "vek0host/propertytext.h"
+#include "vek0host/visibletext.h"
+
+namespace vek0::host {
+namespace {
+
+const zim::WString kModel(u"Model");
+
+std::string hexText(vek0::Handle handle) {
+  char text[20];
+  std::snprintf(text, sizeof text, "%llX", static_cast<unsigned long long>(handle));
+  return text;
+}
+
+bool isShown(const CEntInsertStackState& state, const CEnt& ent) {
+  constexpr long invisible = 1;
+  const CLayer* layer = state.ResolveLayer(ent);
+  if (layer && (layer->isOff() || layer->isFrozen())) return false;
+  const bool isHiddenAttrib = ent.getType() == CEntAttrib::kType &&
+                              (static_cast<const CEntAttrib&>(ent).getFlags() & invisible) != 0;
+  return ent.getTraits().isVisible && !isHiddenAttrib;
+}
+
+const TEXT_3D* textOf(const CEnt& ent) {
+  const short type = ent.getType();
+  const bool isText =
+      type == CEntText::kType || type == CEntAttdef::kType || type == CEntAttrib::kType;
+  return isText ? &static_cast<const CEntText&>(ent).getText() : nullptr;
+}
+
+// The block that an insert shows; the blocks of hatches are private.
+const CBlock* blockOf(const CEnt& ent) {
+  const CEntInsertBase* insert = ent.getEntInsert();
+  return insert && ent.getType() != CEntHatch::kType ? insert->getBlock() : nullptr;
+}
+
+class Lister {
+ public:
+  Lister(const CData& data, const Selection& selection,
+         const std::function<void(const ListedEntity&)>& show)
+      : m_data(data), m_selection(selection), m_show(show) {}
+
+  void list(CEnt& ent, const zim::WString* layout) {
+    if (m_selection.includes(ent)) show(ent, nullptr, layout);
+    const CEntInsertBase* insert = ent.getEntInsert();
+    if (!insert || insert->GetNoAttribs() == 0) return;
+    m_stack.Push(insert, 0, 0);
+    for (unsigned i = 0; i < static_cast<unsigned>(insert->GetNoAttribs()); ++i)
+      if (CEntAttrib* attrib = insert->GetAttrib(i); m_selection.includes(*attrib))
+        show(*attrib, insert, layout);
+    m_stack.Pop();
+  }
+
+ private:
+  void show(CEnt& ent, const CEntInsertBase* of, const zim::WString* layout) {
+    constexpr double opaque = ENT_TRAITS::kOpaque;
+    const ENT_TRAITS traits = m_stack.ResolveTraits(ent);
+    m_show({ent, recordNameOf(ent), of, layout,
+            colorOnWhite(traits.trueColor, m_stack.ResolveColor(ent)),
+            weightInMm(m_data, traits.lineweight), m_stack.ResolveLtype(ent),
+            1 - traits.opacity / opaque, isShown(m_stack, ent)});
+  }
+
+  const CData& m_data;
+  const Selection& m_selection;
+  const std::function<void(const ListedEntity&)>& m_show;
+  CEntInsertStack m_stack{1};
+};
+
+}  // namespace
+
+std::string listEntities(const CData& data, const std::string& place, Selection selection,
+                         const std::function<void(const ListedEntity&)>& show) {
+  const std::string problem = selection.findLayers(data);
+  if (!problem.empty()) return problem;
+  Lister lister(data, selection, show);
+  const zim::WString name = zim::WString::fromUtf8(place);
+  if (place.empty() || zim::equalsIgnoreCase(name, kModel)) {
+    for (CEnt* ent : data.getEntTable().getEntityTbl()) lister.list(*ent, &kModel);
+    return {};
+  }
+  CBlock* block = data.getBlockTable().get(name);
+  if (!block) return "there is no block or layout " + place;
+  for (unsigned i = 0; i < block->size(); ++i) lister.list(*(*block)[i], nullptr);
+  return {};
+}
+
+Json toJson(const ListedEntity& e) {
+  Json json;
+  const CLayer* layer = e.ent.getLayer();
+  const CBlock* block = blockOf(e.ent);
+  const TEXT_3D* text = textOf(e.ent);
+  const auto orNull = [](const zim::WString* name) { return name ? Json(name->toUtf8()) : Json(); };
+  json["handle"] = hexText(e.ent.GetHandle());
+  if (e.of) json["of"] = hexText(e.of->GetHandle());
+  json["kind"] = e.kind;
+  json["layer"] = orNull(layer ? &layer->getFullName() : nullptr);
+  json["layout"] = orNull(e.layout);
+  json["block"] = orNull(block ? &block->getName() : nullptr);
+  json["color"] = e.ent.getColor();
+  json["rgb"] = colorText(e.color);
+  json["lineweight"] = e.weightMm;
+  json["linetype"] = ltypeName(e.ltype);
+  json["linetype_scale"] = e.ent.getTraits().ltypeScale;
+  json["transparency"] = e.transparency;
+  json["visible"] = e.isVisible;
+  json["extents"] = extentsToJson(e.ent.getBdry());
+  json["text"] = orNull(text ? &text->getContext().getString() : nullptr);
+  return json;
+}
+
+std::string tableHead() {
+  return "HANDLE    KIND         LAYER                COLOR    WEIGHT  LINETYPE          TEXT\n";
+}
+
+std::string toTableLine(const ListedEntity& e) {
+  const auto cell = [](std::string text, std::size_t width) {
+    text = visible(text);
+    text.resize(std::max(text.size(), width), ' ');
+    return text + "  ";
+  };
+  char weight[8];
+  std::snprintf(weight, sizeof weight, "%6.2f", e.weightMm);
+  const CLayer* layer = e.ent.getLayer();
+  const TEXT_3D* text = textOf(e.ent);
+  std::string shown = e.isVisible ? "" : "(hidden) ";
+  if (const CBlock* block = blockOf(e.ent)) shown += visible(block->getName());
+  if (text) shown += visible(text->getContext().getString());
+  std::string line = cell(hexText(e.ent.GetHandle()), 8) + cell(e.kind, 11) +
+                     cell(layer ? layer->getFullName().toUtf8() : "-", 19) + colorText(e.color) +
+                     "  " + weight + "  " + cell(ltypeName(e.ltype), 16) + shown;
+  line.resize(line.find_last_not_of(' ') + 1);
+  return line + "\n";
+}
+
+}  // namespace vek0::host

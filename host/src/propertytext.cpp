@@ -1,0 +1,44 @@
+#include "vek0host/propertytext.h"
+
+#include <cmath>
+#include <cstdio>
+
+namespace vek0::host {
+namespace {
+
+Json pointToJson(const PNT_3D& p) { return Json::array({p.x, p.y, p.z}); }
+
+bool isFinite(const PNT_3D& p) {
+  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+}  // namespace
+
+std::string colorText(const RGB_COLOR& color) {
+  char text[8];
+  std::snprintf(text, sizeof text, "#%02x%02x%02x", color.r, color.g, color.b);
+  return text;
+}
+
+RGB_COLOR colorOnWhite(std::uint32_t trueColor, short number) {
+  constexpr int foreground = 7;
+  if (trueColor != ENT_TRAITS::kNoTrueColor) return unpackColor(static_cast<long>(trueColor));
+  return number == foreground ? RGB_COLOR{0, 0, 0} : paletteColor(number);
+}
+
+double weightInMm(const CData& data, short weight) {
+  constexpr double hundredths = 100;
+  return (weight == ENT_TRAITS::kWeightDefault ? data.getVars().getDefaultLineweight() : weight) /
+         hundredths;
+}
+
+std::string ltypeName(const CLtype* ltype) {
+  return ltype ? ltype->getFullName().toUtf8() : std::string("Continuous");
+}
+
+Json extentsToJson(const RECT_3D& box) {
+  if (!box.validRegion() || !isFinite(box.min) || !isFinite(box.max)) return nullptr;
+  return Json{{"min", pointToJson(box.min)}, {"max", pointToJson(box.max)}};
+}
+
+}  // namespace vek0::host

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "vek0core/export.h"
+
+/// The kind of record that an entity of a file had, if it is not the one that an entity of its
+/// class is saved as.
+enum class EntRecord : unsigned char {
+  Own,  ///< the one that it is saved as
+  Lwpolyline,
+  Polyline,
+  Circle,
+  Arc,
+  Hatch,
+  Spline,
+  Ellipse,
+  Leader,
+  Mline,
+  Mesh,
+  Mpolygon,
+  Helix,
+  MText,
+  Dimension,
+  ArcDimension,
+  LargeRadialDimension,
+  Multileader,
+  Mleader,
+  Tolerance,
+  Table,
+};
+
+/// Number of values.
+inline constexpr unsigned char kEntRecords = static_cast<unsigned char>(EntRecord::Table) + 1;
+
+/// The name of the record in files, such as "LWPOLYLINE"; empty for `Own`.
+VEK0_API const char* nameOf(EntRecord record);
