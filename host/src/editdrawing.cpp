@@ -44,7 +44,7 @@ bool editDrawing(CData& data, const std::vector<NamedStep>& steps, bool undoChec
   CUndoStack undo(data, undoCheck ? std::numeric_limits<std::size_t>::max() : 0);
   const auto& all = data.getEntTable().getEntityTbl();
   Editing editing{data, undo, {all.begin(), all.end()}};
-  const std::string before = undoCheck ? bytesOf(data) : std::string();
+  const std::string before = undoCheck ? stateOf(data) : std::string();
   return runSteps(editing, steps, session) &&
          (!undoCheck || passesUndoCheck(editing, before, session));
 }

@@ -18,10 +18,17 @@ std::string hexText(vek0::Handle handle) {
   return text;
 }
 
+// The block that an insert shows; the blocks of hatches are private.
+const CBlock* blockOf(const CEnt& ent) {
+  const CEntInsertBase* insert = ent.getEntInsert();
+  return insert && ent.getType() != CEntHatch::kType ? insert->getBlock() : nullptr;
+}
+
 bool isShown(const CEntInsertStackState& state, const CEnt& ent) {
   constexpr long invisible = 1;
   const CLayer* layer = state.ResolveLayer(ent);
-  if (layer && (layer->isOff() || layer->isFrozen())) return false;
+  // What an insert shows is on layers of its own.
+  if (layer && (layer->isFrozen() || (layer->isOff() && !blockOf(ent)))) return false;
   const bool isHiddenAttrib = ent.getType() == CEntAttrib::kType &&
                               (static_cast<const CEntAttrib&>(ent).getFlags() & invisible) != 0;
   return ent.getTraits().isVisible && !isHiddenAttrib;
@@ -32,12 +39,6 @@ const TEXT_3D* textOf(const CEnt& ent) {
   const bool isText =
       type == CEntText::kType || type == CEntAttdef::kType || type == CEntAttrib::kType;
   return isText ? &static_cast<const CEntText&>(ent).getText() : nullptr;
-}
-
-// The block that an insert shows; the blocks of hatches are private.
-const CBlock* blockOf(const CEnt& ent) {
-  const CEntInsertBase* insert = ent.getEntInsert();
-  return insert && ent.getType() != CEntHatch::kType ? insert->getBlock() : nullptr;
 }
 
 class Lister {

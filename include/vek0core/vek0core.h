@@ -103,6 +103,7 @@
 #include "vek0core/drawing/data.h"
 #include "vek0core/drawing/datafactory.h"
 #include "vek0core/drawing/datavariables.h"
+#include "vek0core/drawing/everyent.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/drawing/handlemanager.h"
 #include "vek0core/drawing/pointerset.h"

@@ -6,43 +6,13 @@
 #include <limits>
 #include <vector>
 
-#include "vek0core/drawing/data.h"
-#include "vek0core/entities/blocks/block.h"
-#include "vek0core/entities/blocks/blockxref.h"
-#include "vek0core/entities/blocks/entinsert.h"
-#include "vek0core/entities/entattrib.h"
-#include "vek0core/entities/entcast.h"
+#include "vek0core/drawing/everyent.h"
 #include "vek0core/entities/entpolyline.h"
 
 namespace {
 
 // The seed of a file must be above all handles.
 constexpr vek0::Handle kHighest = std::numeric_limits<vek0::Handle>::max() - 1;
-
-template <class Visit>
-void forEachEnt(CEnt& ent, const Visit& visit) {
-  visit(ent);
-  const CEntInsertBase* insert = ent.getEntInsert();
-  for (unsigned i = 0; insert && i < static_cast<unsigned>(insert->GetNoAttribs()); ++i)
-    if (CEntAttrib* attrib = insert->GetAttrib(i)) visit(*attrib);
-}
-
-template <class Visit>
-void forEachEnt(CBlock& block, const Visit& visit) {
-  for (unsigned i = 0; i < block.size(); ++i) forEachEnt(*block[i], visit);
-}
-
-template <class Visit>
-void forEachEnt(CData& data, const Visit& visit) {
-  const CBlockTable& blocks = data.getBlockTable();
-  for (int i = 0; i < static_cast<int>(blocks.size()); ++i) forEachEnt(*blocks[i], visit);
-  const CBlockXRefTable& xrefs = data.getBlockXRefTable();
-  for (int i = 0; i < xrefs.size(); ++i) {
-    forEachEnt(*xrefs[i], visit);
-    for (const auto& block : xrefs[i]->getBlocks()) forEachEnt(*block, visit);
-  }
-  for (CEnt* ent : data.getEntTable().getEntityTbl()) forEachEnt(*ent, visit);
-}
 
 vek0::Handle highestVertex(const CEnt& ent) {
   vek0::Handle highest = 0;
@@ -59,7 +29,7 @@ vek0::Handle highestVertex(const CEnt& ent) {
 void CHandleManager::start(CData& data) {
   std::vector<CEnt*> without;
   vek0::Handle highest = 0;
-  forEachEnt(data, [&](CEnt& ent) {
+  vek0::forEachEnt(data, [&](CEnt& ent) {
     const vek0::Handle handle = ent.GetHandle();
     if (!take(handle)) without.push_back(&ent);
     highest = std::max({highest, handle, highestVertex(ent)});

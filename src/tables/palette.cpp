@@ -21,9 +21,9 @@ constexpr RGB_COLOR kGreys[] = {
 // Tens from 10 to 240 are hues 15 degrees apart; of the ten shades of each, pairs grow
 // darker, and every second one is half as saturated.
 RGB_COLOR hueColor(int number) {
-  constexpr double values[] = {255, 165, 127, 76, 38};
-  const double value = values[number % 10 / 2];
-  const double least = number % 2 != 0 ? std::floor(value / 2) : 0;
+  constexpr double shades[] = {1, 0.65, 0.5, 0.3, 0.15};
+  const double value = 255 * shades[number % 10 / 2];
+  const double least = number % 2 != 0 ? value / 2 : 0;
   const double hue = (number / 10 - 1) / 4.0;  // in sixths of the circle
   const int sixth = static_cast<int>(hue);
   const double rise = hue - sixth, span = value - least;

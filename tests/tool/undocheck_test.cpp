@@ -3,8 +3,8 @@
 
 namespace {
 
-using vek0::host::bytesOf;
 using vek0::host::checkUndo;
+using vek0::host::stateOf;
 
 // A drawing with one line, and the step that moves it.
 class UndoCheck : public testing::Test {
@@ -12,7 +12,7 @@ class UndoCheck : public testing::Test {
   void SetUp() override {
     line = createEntLine(*data, LINE_3D(0, 0, 0, 1, 2, 3), 0);
     data->getEntTable().add(line);
-    before = bytesOf(*data);
+    before = stateOf(*data);
   }
   void moveKept() {
     ASSERT_TRUE(undo.keepGeometry(*line));
@@ -32,14 +32,22 @@ class UndoCheck : public testing::Test {
 
 TEST_F(UndoCheck, PassesWhatWasKept) {
   moveKept();
-  const std::string after = bytesOf(*data);
+  const std::string after = stateOf(*data);
   EXPECT_EQ(checkUndo(*data, undo, before), "");
-  EXPECT_EQ(bytesOf(*data), after);
+  EXPECT_EQ(stateOf(*data), after);
 }
 
 TEST_F(UndoCheck, SeesAChangeThatNobodyKept) {
   moveKept();
   line->setColor(3);
+  EXPECT_EQ(checkUndo(*data, undo, before), "undoing did not restore the drawing");
+}
+
+TEST_F(UndoCheck, SeesTraitsThatFilesCannotHold) {
+  moveKept();
+  ENT_TRAITS traits;
+  traits.opacity = 99;
+  line->setTraits(traits);
   EXPECT_EQ(checkUndo(*data, undo, before), "undoing did not restore the drawing");
 }
 

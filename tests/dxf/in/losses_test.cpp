@@ -45,6 +45,14 @@ TEST(Losses, AreToldUnlessNothingIsLost) {
     expectCount("number replaced", 1, entities(line + "5 " + handle));
   expectCount("gradient dropped", 0, entities(hatch + "0"));
   expectCount("gradient dropped", 1, entities(hatch + "1"));
+  const auto filled = [&](const char* colors) {
+    return loadAny(entities(hatch + "1|463 0|" + colors) + dxf());
+  };
+  const Loaded indexed = filled("63 3|463 1|63 4"),
+               colored = filled("63 3|421 255|463 1|63 4|421 9");
+  EXPECT_EQ(indexed.only()->getColor(), 3);
+  EXPECT_FALSE(indexed.only()->getTraits().hasTrueColor());
+  EXPECT_EQ(colored.only()->getTraits().trueColor, 255u);
   expectCount("text background dropped", 1, entities("0 MTEXT|8 A|1 T|10 0|20 0|40 1|90 1"));
 }
 

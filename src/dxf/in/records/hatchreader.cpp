@@ -10,6 +10,7 @@
 
 #include "dxf/in/convert/replacement.h"
 #include "dxf/ocs.h"
+#include "files/number.h"
 #include "vek0core/entities/blocks/enthatch.h"
 #include "vek0core/entities/entpolyline.h"
 #include "vek0core/hatch/boundary.h"
@@ -20,7 +21,7 @@ namespace {
 // The counted groups, by the code of their count.
 constexpr long kPatternLineCount = 78, kLoopCount = 91, kSeedCount = 98;
 constexpr long kLoop = 92;
-constexpr long kGradient = 450;
+constexpr long kGradient = 450, kGradientIndex = 63, kGradientColor = 421;
 // Kinds of loops and of edges.
 constexpr long kPolylineLoop = 2;
 constexpr long kLine = 1, kArc = 2, kEllipse = 3, kSpline = 4;
@@ -32,7 +33,7 @@ constexpr long kFitX = 11, kFitY = 21;
 struct HatchCodes {
   static bool has(long code) {
     return code == kPatternLineCount || code == kLoopCount || code == kSeedCount ||
-           code == kGradient;
+           code == kGradient || code == kGradientIndex || code == kGradientColor;
   }
 };
 
@@ -42,6 +43,8 @@ bool isOfLoop(long code) {
                                  50, 51, 72, 73, 74, 93, 94, 95, 96, 97};
   return codes.has(code) || code == kSource;
 }
+
+bool isPaletteIndex(long color) { return color >= 1 && color <= 255; }
 
 bool isFit(long code) { return (code >= kFitX && code <= 13) || (code >= kFitY && code <= 23); }
 
@@ -90,6 +93,7 @@ bool HatchReader::readRecord() {
   static constexpr RecordKind mpolygon({2, 30, 41, 52, 71, 75, 76, 77}, {8}, {41, 52});
   m_lines.clear();
   m_rings.clear();
+  m_gradient = Gradient::None;
   // Two limits: per record, and per file for all hatches.
   const std::size_t room = std::min(m_curveRoom, kRecordCurvePoints);
   m_loop.setCurveRoom(room);
@@ -101,13 +105,32 @@ bool HatchReader::readRecord() {
 }
 
 void HatchReader::takeGroup(long code) {
-  if (code == kGradient) {
-    if (m_in.lexer().getInt() != 0 && !m_in.failed()) m_in.note(ReportCode::GradientDropped);
-    return;
-  }
+  if (code == kGradient || code == kGradientIndex || code == kGradientColor)
+    return takeGradient(code);
   if (code == kPatternLineCount) return readPatternLines();
   if (code == kLoopCount) return readLoops();
   readSeeds();
+}
+
+// A gradient is filled with its first color: the true one, which follows the index, if there is
+// one.
+void HatchReader::takeGradient(long code) {
+  constexpr long mask = 0xFFFFFF;
+  if (code == kGradient) {
+    const bool isGradient = m_in.lexer().getInt() != 0 && !m_in.failed();
+    m_gradient = isGradient ? Gradient::Begun : Gradient::None;
+    if (isGradient) m_in.note(ReportCode::GradientDropped);
+    return;
+  }
+  const long value = parseLong(m_in.lexer().getBytes());
+  if (!m_in.isTolerant()) return;
+  if (code == kGradientIndex && m_gradient == Gradient::Begun && isPaletteIndex(value)) {
+    m_in.setColor(static_cast<short>(value));
+    m_gradient = Gradient::Indexed;
+  } else if (code == kGradientColor && m_gradient != Gradient::None) {
+    m_in.setColor(m_in.record().color, static_cast<std::uint32_t>(value & mask));
+    m_gradient = Gradient::None;  // the other colors are dropped
+  }
 }
 
 bool HatchReader::expect(long code) {

@@ -36,6 +36,7 @@ class HatchReader {
 
   bool readRecord();
   void takeGroup(long code);
+  void takeGradient(long code);
   bool expect(long code);
   bool takeReal(long code, double& value);
   bool takeInteger(long code, long& value);
@@ -70,7 +71,8 @@ class HatchReader {
   std::vector<PatternLine> m_lines;
   std::vector<HATCH_RING> m_rings;
   HatchLoopBuilder m_loop;
-  bool m_refused = false;                      // an edge of the loop
+  enum class Gradient { None, Begun, Indexed } m_gradient = Gradient::None;  // colors read
+  bool m_refused = false;                                                    // an edge of the loop
   bool m_isMpolygon = false;                   // kind of the current record; otherwise HATCH
   std::size_t m_curveRoom = kFileCurvePoints;  // remaining points for curves of the file
 };
