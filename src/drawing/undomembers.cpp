@@ -127,7 +127,7 @@ void ContentExchange::swap(CData& data) {
 std::size_t ContentExchange::size() const {
   std::size_t bytes = sizeof *this + sizeof *m_memento;
   if (!m_isMade) return bytes;
-  for (const CEnt* ent : m_memento->getEntities()) bytes += bytesOf(*ent) + 2 * sizeof(ent);
+  for (const CEnt* ent : m_memento->getEntities()) bytes += bytesOf(*ent) + 2 * sizeof(void*);
   return bytes;
 }
 

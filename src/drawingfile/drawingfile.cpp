@@ -64,7 +64,7 @@ bool createNew(const fs::path& path) {
 // not derived from the target's, which may already have the maximum length.
 fs::path temporaryFor(const fs::path& target) {
   std::random_device random;
-  const fs::path path = target.parent_path() / (".vek0-" + std::to_string(random()) + ".tmp");
+  fs::path path = target.parent_path() / (".vek0-" + std::to_string(random()) + ".tmp");
   if (!createNew(path)) return {};
   std::error_code failure;
   const fs::file_status before = fs::status(target, failure);

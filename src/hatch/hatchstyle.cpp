@@ -122,7 +122,7 @@ PNT_2D insidePoint(const HATCH_RING& ring) {
 double areaOf(const HATCH_RING& ring) {
   if (ring.empty()) return 0;
   double twice = 0;
-  const PNT_2D origin = ring.front();  // far from zero, products would lose the digits
+  const PNT_2D& origin = ring.front();  // far from zero, products would lose the digits
   for (size_t i = 0; i < ring.size(); ++i) {
     const PNT_2D a = ring[i] - origin, b = following(ring, i) - origin;
     twice += a.x * b.y - b.x * a.y;

@@ -245,7 +245,7 @@ std::u16string formatted(double value, char* (*format)(char*, double), CFileRepo
 }
 
 std::u16string sixDecimals(double value, CFileReport& report) {
-  const std::u16string digits = formatted(value, formatFixed, report);
+  std::u16string digits = formatted(value, formatFixed, report);
   if (parseDouble(std::u16string_view(digits)).value != value && std::isfinite(value)) {
     report.add(ReportCode::RoundedNumber, 0, digits);
   }

@@ -24,7 +24,8 @@ RGB_COLOR hueColor(int number) {
   constexpr double shades[] = {1, 0.65, 0.5, 0.3, 0.15};
   const double value = 255 * shades[number % 10 / 2];
   const double least = number % 2 != 0 ? value / 2 : 0;
-  const double hue = (number / 10 - 1) / 4.0;  // in sixths of the circle
+  const int tens = number / 10;
+  const double hue = (tens - 1) / 4.0;  // in sixths of the circle
   const int sixth = static_cast<int>(hue);
   const double rise = hue - sixth, span = value - least;
   const auto up = static_cast<Byte>(least + span * rise);

@@ -110,6 +110,7 @@ class Resolving {
   std::vector<CBlockXRef*> listed() const {
     std::vector<CBlockXRef*> xrefs;
     const CBlockXRefTable& table = m_data.getBlockXRefTable();
+    xrefs.reserve(static_cast<std::size_t>(table.size()));
     for (int i = 0; i < table.size(); ++i) xrefs.push_back(table[i]);
     return xrefs;
   }
@@ -293,8 +294,7 @@ class Resolving {
   zim::WString firstFree(Namesakes& namesakes, const zim::WString& base) const {
     for (;;) {
       const std::size_t n = namesakes.all.size();
-      const zim::WString name =
-          n == 0 ? base : base + u"$" + zim::WString::fromUtf8(std::to_string(n));
+      zim::WString name = n == 0 ? base : base + u"$" + zim::WString::fromUtf8(std::to_string(n));
       CBlockXRef* xref = m_data.getBlockXRefTable().get(name);
       // A block with the name makes it unavailable, too.
       if (xref == nullptr && m_data.getBlockTable().get(name) == nullptr) return name;

@@ -26,7 +26,7 @@ using vek0::detail::formatShortest;
 using vek0::detail::kFixedRoom;
 using vek0::detail::kIntegerRoom;
 
-constexpr std::size_t kBufferSize = 64 * 1024;
+constexpr std::size_t kBufferSize = std::size_t{64} * 1024;
 // Readers accept lines of 8192 units including line end and terminator.
 constexpr std::size_t kLongestValue = 8190;
 static_assert(kLongestValue + 1 <= kBufferSize && kFixedRoom + 1 <= kBufferSize);

@@ -154,6 +154,7 @@ void CNameAcadConverter::Convert() {
 void CNameAcadConverter::ConvertLayers() {
   const auto layers = vek0::detail::layersOf(m_data);
   std::vector<Entry> entries;
+  entries.reserve(layers.size());
   for (const CLayer* layer : layers)
     entries.push_back(entry(layer->getFullName(), vek0::detail::isDependent(*layer)));
   convertTable(layers, entries, m_layers);
@@ -162,6 +163,7 @@ void CNameAcadConverter::ConvertLayers() {
 void CNameAcadConverter::ConvertLtypes() {
   const auto ltypes = vek0::detail::ltypesOf(m_data, true);
   std::vector<Entry> entries;
+  entries.reserve(ltypes.size());
   for (const CLtype* ltype : ltypes)
     entries.push_back(entry(ltype->getFullName(), vek0::detail::isDependent(*ltype)));
   convertTable(ltypes, entries, m_ltypes);

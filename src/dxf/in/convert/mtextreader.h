@@ -12,7 +12,7 @@ namespace vek0::detail {
 /// A formatted text as read from a record.
 struct MTextRecord {
   /// Limits per record; the rest is dropped and reported.
-  static constexpr std::size_t kMostRuns = 10'000, kMostUnits = 256 * 1024;
+  static constexpr std::size_t kMostRuns = 10'000, kMostUnits = std::size_t{256} * 1024;
 
   std::u16string text;  ///< with its codes
   MTextBox box;
