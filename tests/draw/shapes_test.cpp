@@ -159,42 +159,16 @@ TEST(Shapes, ChordsStayNearTheirCurve) {
 
 // In folded segments the corners of the sides have no room.
 TEST(Shapes, WidthsCoverWhatTheirSegmentsDo) {
-  const auto at = [](double x, double y, double width, double bulge = 0) {
-    return BULGED_VERTEX{x, y, 0, width, width, bulge, 0};
-  };
-  const struct {
-    const char* name;
-    bool closed;
-    std::vector<BULGED_VERTEX> way;
-    std::vector<PNT_2D> in, out;
-  } cases[] = {
-      {"a frame",
-       true,
-       {at(100, 100, 10), at(200, 100, 10), at(200, 200, 10), at(100, 200, 10)},
-       {{100, 150}, {204, 204}},
-       {{150, 150}, {206, 150}}},
-      {"one that crosses itself",
-       true,
-       {at(100, 100, 10), at(200, 200, 10), at(200, 100, 10), at(100, 200, 10)},
-       {{150, 150}, {150, 154}, {100, 150}},
-       {{120, 150}, {150, 170}}},
-      {"a disc whose width exceeds it",
-       true,
-       {at(300, 300, 60, 1), at(340, 300, 60, 1)},
-       {{320, 300}, {322, 305}, {320, 349}},
-       {{320, 352}}},
-      {"a step shorter than it is wide",
-       false,
-       {at(100, 300, 40), at(200, 300, 40), at(200, 305, 40), at(100, 305, 40)},
-       {{150, 290}, {195, 302}, {150, 322}},
-       {{150, 330}}},
-  };
-  for (const auto& t : cases) {
+  for (const Row& t : rows()) {
     Scene scene;
-    polyline(scene, t.closed, t.way);
+    std::vector<BULGED_VERTEX> path;
+    for (const PNT_3D& p : t.points("path"))
+      path.push_back({p.x, p.y, 0, p.z, p.z, t.real("bulge"), 0});
+    polyline(scene, t.flag("closed"), path);
     const Recorder drawn = scene.draw();
-    for (const PNT_2D& p : t.in) EXPECT_TRUE(covers(drawn, seen(p.x, p.y))) << t.name << p;
-    for (const PNT_2D& p : t.out) EXPECT_FALSE(covers(drawn, seen(p.x, p.y))) << t.name << p;
+    for (const PNT_3D& p : t.points("in")) EXPECT_TRUE(covers(drawn, seen(p.x, p.y))) << PNT_2D(p);
+    for (const PNT_3D& p : t.points("out"))
+      EXPECT_FALSE(covers(drawn, seen(p.x, p.y))) << PNT_2D(p);
   }
 }
 
@@ -300,31 +274,16 @@ TEST(Shapes, FacesShowTheirVisibleEdges) {
 }
 
 TEST(Shapes, FilledFacesShowTheirArea) {
-  const struct {
-    const char* name;
-    std::vector<PNT_3D> corners;
-    PNT_2D in, out;
-  } cases[] = {
-      {"four corners", square(100, 100, 50), {101, 149}, {99, 149}},
-      {"a triangle",
-       {{100, 100, 0}, {200, 100, 0}, {200, 200, 0}, {200, 200, 0}},
-       {190, 110},
-       {110, 190}},
-      {"sides that cross",
-       {{100, 100, 0}, {200, 100, 0}, {100, 200, 0}, {200, 200, 0}},
-       {150, 110},
-       {110, 150}},
-  };
-  for (const auto& t : named(cases)) {
+  for (const Row& t : rows()) {
     Scene scene;
-    const auto& p = t.corners;
+    const std::vector<PNT_3D> p = t.points("corners");
     CEnt3DFace* face = createEnt3DFace(*scene.data, p[0], p[1], p[2], p[3], 15, 0);
     face->setFill(FaceFill::Solid);
     scene.add(face);
     const Recorder drawn = scene.draw();
     EXPECT_EQ(drawn.count(Thing::Fill), drawn.things.size());
-    EXPECT_TRUE(covers(drawn, seen(t.in.x, t.in.y)));
-    EXPECT_FALSE(covers(drawn, seen(t.out.x, t.out.y)));
+    EXPECT_TRUE(covers(drawn, seen(t.point("in").x, t.point("in").y)));
+    EXPECT_FALSE(covers(drawn, seen(t.point("out").x, t.point("out").y)));
     long corner = 0;
     for (const PNT_3D& at : p) face->setVertex(corner++, PNT_3D(at.x, 100, at.y));
     EXPECT_EQ(scene.draw().count(Thing::Stroke), 1U) << "seen from its edge";

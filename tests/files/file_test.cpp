@@ -48,6 +48,7 @@ struct TwoFiles {
     temp.put(bytes);
     stdlib = std::make_unique<CFileStdLib>(temp.name(), IFile::kRead);
   }
+  std::vector<IFile*> both() { return {stdlib.get(), &memory}; }
   TempFile temp;
   CFileMemory memory;
   std::unique_ptr<CFileStdLib> stdlib;
@@ -57,8 +58,7 @@ TEST(File, ReadsLinesAsTheyStand) {
   for (const Row& t : rows()) {
     SCOPED_TRACE(t.text("name"));
     TwoFiles files(t.text("bytes"));
-    for (IFile* file :
-         {static_cast<IFile*>(files.stdlib.get()), static_cast<IFile*>(&files.memory)}) {
+    for (IFile* file : files.both()) {
       ASSERT_TRUE(file->open());
       EXPECT_EQ(linesOf(*file, t.whole<long>("units")), t.wide("lines").c_str());
       EXPECT_FALSE(file->fail()) << "the end is no failure";
@@ -73,8 +73,7 @@ TEST(File, ReadsLinesAsTheyStand) {
 
 TEST(File, AtTheEndTheBufferKeepsWhatItHeld) {
   TwoFiles files("a\n");
-  for (IFile* file :
-       {static_cast<IFile*>(files.stdlib.get()), static_cast<IFile*>(&files.memory)}) {
+  for (IFile* file : files.both()) {
     Char buffer[8] = {};
     ASSERT_TRUE(file->open());
     EXPECT_TRUE(file->readLn(buffer, 8));
@@ -86,8 +85,7 @@ TEST(File, AtTheEndTheBufferKeepsWhatItHeld) {
 
 TEST(File, BytesAreOfferedUntilLinesAreRead) {
   TwoFiles files("ab\ncd\n");
-  for (IFile* file :
-       {static_cast<IFile*>(files.stdlib.get()), static_cast<IFile*>(&files.memory)}) {
+  for (IFile* file : files.both()) {
     char bytes[16];
     ASSERT_TRUE(file->open());
     EXPECT_EQ(file->readBytes(bytes, 3), 3);
@@ -117,8 +115,7 @@ TEST(File, UnitsAreReadAndWrittenRaw) {
   }
   EXPECT_EQ(temp.bytes(), memory.bytes());
   TwoFiles files(memory.bytes());
-  for (IFile* file :
-       {static_cast<IFile*>(files.stdlib.get()), static_cast<IFile*>(&files.memory)}) {
+  for (IFile* file : files.both()) {
     Char back[4] = {};
     ASSERT_TRUE(file->open());
     EXPECT_EQ(file->read(back, 4), 3);

@@ -107,22 +107,11 @@ TEST(ImpLine, ParallelsAndPerpendicularsKeepTheirPromises) {
 // The coefficients are not normalized: 1e-12 is relatively far less for a long line than for a
 // short one.
 TEST(ImpLine, NearlyEqualLinesDoNotMeet) {
-  const IMP_LINE_2D line(1000, 1000, 5);
-  const struct {
-    const char* name;
-    IMP_LINE_2D a, b;
-    bool meet;
-  } cases[] = {
-      {"the same within 1e-12", line, {1000 + 9e-13, 1000, 5 + 9e-13}, false},
-      {"the same but for c", line, {1000 + 9e-13, 1000, 6}, true},
-      {"turned by more than that", line, {1000 + 9e-12, 1000, 5}, true},
-      {"parallel within the determinant", {1, 0, 0}, {1, 1e-13, 5}, false},
-      {"short, at right angles", {1e-7, 0, 0}, {0, 1e-7, 0}, false},
-  };
-  for (const auto& t : named(cases)) {
+  for (const Row& t : rows()) {
+    const auto a = t.shape<IMP_LINE_2D>("a"), b = t.shape<IMP_LINE_2D>("b");
     PNT_2D at(0, 0);
-    EXPECT_EQ(t.a.intersect(t.b, at), t.meet);
-    EXPECT_EQ(t.b.intersect(t.a, at), t.meet);
+    EXPECT_EQ(a.intersect(b, at), t.flag("meet"));
+    EXPECT_EQ(b.intersect(a, at), t.flag("meet"));
   }
 }
 

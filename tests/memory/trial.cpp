@@ -95,7 +95,7 @@ std::string lookOf(const CData& data) {
 }
 
 void failEachAllocation(const std::string& name, const TrialMaker& make) {
-  constexpr long kMostPoints = 15;  // per call and mode, unless all are to be tried
+  constexpr long kMostPoints = 8;  // per call and mode, unless all are to be tried
   const bool all = std::getenv("VEK0_EVERY_ALLOCATION") != nullptr;
   const Expected expected = runFreely(make);
   const long step = all ? 1 : std::max(1L, expected.allocations / kMostPoints);

@@ -212,26 +212,11 @@ TEST(Text, EqualityIsExact) {
       {"point", [](TEXT_3D& t) { t.z = 4; }},
       {"style", [](TEXT_3D& t) { t.setStyle(nullptr); }},
       {"justification", [](TEXT_3D& t) { t.setAlign(4); }},
-      {"letter case",
-       [](TEXT_3D& t) {
-         t.setContext({4, 0, 1, 0, u"abcD"});
-       }},
-      {"height",
-       [](TEXT_3D& t) {
-         t.setContext({4.5, 0, 1, 0, u"abcd"});
-       }},
-      {"oblique",
-       [](TEXT_3D& t) {
-         t.setContext({4, 1, 1, 0, u"abcd"});
-       }},
-      {"width scale",
-       [](TEXT_3D& t) {
-         t.setContext({4, 0, 2, 0, u"abcd"});
-       }},
-      {"rotation",
-       [](TEXT_3D& t) {
-         t.setContext({4, 0, 1, 1, u"abcd"});
-       }},
+      {"letter case", [](TEXT_3D& t) { t.setContext(CTextContext(4, 0, 1, 0, u"abcD")); }},
+      {"height", [](TEXT_3D& t) { t.setContext(CTextContext(4.5, 0, 1, 0, u"abcd")); }},
+      {"oblique", [](TEXT_3D& t) { t.setContext(CTextContext(4, 1, 1, 0, u"abcd")); }},
+      {"width scale", [](TEXT_3D& t) { t.setContext(CTextContext(4, 0, 2, 0, u"abcd")); }},
+      {"rotation", [](TEXT_3D& t) { t.setContext(CTextContext(4, 0, 1, 1, u"abcd")); }},
   };
   for (const auto& t : changes) {
     TEXT_3D other(reference);

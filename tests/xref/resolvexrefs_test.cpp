@@ -136,35 +136,20 @@ TEST(ResolveXRefs, BasePointsAreThoseOfTheReferenceOrOfItsDrawing) {
   }
 }
 
-struct Refusal {
-  const char* title;
-  const char* path;
-  const char* file;  // content of the referenced file
-  Status status;
-  const char* reported;
-};
-
 TEST(ResolveXRefs, SaysWhyAReferenceShowsNothing) {
-  const Refusal kRefusals[] = {
-      {"missing", "gone.dxf", nullptr, Status::missing, "reference missing"},
-      {"no path", "", nullptr, Status::missing, "reference missing"},
-      {"forbidden", "secret.dxf", nullptr, Status::refused, "reference forbidden"},
-      {"folder", "folder", nullptr, Status::refused, "reference no file"},
-      {"itself", "sheet.dxf", nullptr, Status::refused, "reference circular"},
-      {"no DXF", "broken.dxf", "Once upon a time", Status::broken, "reference broken"},
-      {"empty", "broken.dxf", "", Status::broken, "reference broken"},
-  };
-  for (const Refusal& refusal : kRefusals) {
-    SCOPED_TRACE(refusal.title);
+  const Definitions names{
+      {"missing", Status::missing}, {"refused", Status::refused}, {"broken", Status::broken}};
+  for (const Row& t : rowsWith(names)) {
     Sheet sheet;
-    if (refusal.file) sheet.drawings.files[refusal.path] = refusal.file;
+    const std::string path = t.text("path");
+    if (t.text("file") != "none") sheet.drawings.files[path] = t.text("file");
     sheet.drawings.files["sheet.dxf"] =
-        drawingOf("", referenceTo("R", refusal.path), insertAt("R", 5) + lineTo(1, 1));
+        drawingOf("", referenceTo("R", path), insertAt("R", 5) + lineTo(1, 1));
     sheet.load();
     const std::string before = saved(sheet.data());
     EXPECT_EQ(sheet.resolve(), 1);
-    EXPECT_EQ(sheet.xref(u"R")->getStatus(), refusal.status);
-    EXPECT_EQ(sheet.reported(), std::string(refusal.reported) + " R: " + refusal.path);
+    EXPECT_EQ(sheet.xref(u"R")->getStatus(), t.whole<Status>("status"));
+    EXPECT_EQ(sheet.reported(), t.text("reported") + " R: " + path);
     EXPECT_THAT(linesShown(sheet.data()), SizeIs(1));
     EXPECT_EQ(saved(sheet.data()), before);
   }
