@@ -3,25 +3,6 @@
 
 namespace {
 
-TEST(EntFactory, CreatorsKeepTheHandleCopiesHaveNone) {
-  Scene s;
-  const PNT_3D p(0, 0, 0);
-  const std::unique_ptr<CEntPnt> pnt(s.factory.createEntPnt(s.gestor, nullptr, nullptr, 7, p, 5));
-  const std::unique_ptr<CEntPnt> pntCopy(s.factory.createEntPnt(s.gestor, *pnt));
-  const std::unique_ptr<CVertex> vertex(s.factory.createVertex(s.gestor, p, 1, 2, 6));
-  const std::unique_ptr<CVertex> vertexCopy(s.factory.createVertex(s.gestor, *vertex));
-  const std::unique_ptr<CEntLine> line(s.line(0, 0, 1, 1, -7));
-  const std::unique_ptr<CEntLine> lineCopy(s.factory.createEntLine(s.gestor, *line));
-  EXPECT_EQ(pnt->GetHandle(), 5);
-  EXPECT_EQ(pntCopy->GetHandle(), 0);
-  EXPECT_EQ(vertex->GetHandle(), 6);
-  EXPECT_EQ(vertexCopy->GetHandle(), 0);
-  EXPECT_EQ(vertexCopy->GetWidthEnd(), 2);
-  EXPECT_EQ(line->GetHandle(), -7);
-  EXPECT_EQ(lineCopy->GetHandle(), 0);
-  EXPECT_TRUE(s.gestor.reserved.empty()) << "making an entity does not register it";
-}
-
 /// A host's factory that runs out of memory after a number of vertices.
 class MeagreFactory : public CEntFactory {
  public:

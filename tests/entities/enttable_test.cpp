@@ -26,13 +26,6 @@ RECT_3D plainExtents(const CEntTable& table) {
   return box;
 }
 
-TEST(EntTable, EmptyTableHasAnEmptyBox) {
-  TableScene s;
-  EXPECT_FALSE(s.table.getBdry().validRegion());
-  EXPECT_EQ(s.table.getBdry().min.x, 1.7e200);
-  EXPECT_EQ(s.table.getBdry().max.z, -1.7e200);
-}
-
 TEST(EntTable, WhatDoesNotFitIsIgnored) {
   TableScene s;
   CEntTable other(s.gestor, s.data->getDepend());

@@ -3,10 +3,6 @@
 #include "files/codepages.h"
 #include "support/test.h"
 
-#if defined(__GLIBC__)
-
-#endif
-
 namespace {
 
 constexpr unsigned kSeed = 20240607;

@@ -64,12 +64,6 @@ TEST(Pnt, ScaleKeepsTheCentreAndIncludesZ) {
   EXPECT_TRUE(p == PNT_3D(-3, -7, -11));
 }
 
-TEST(Pnt, ExtentsAreThePointItself) {
-  RECT_3D box;
-  PNT_3D(1, -2, 3).calc_bdry(box);
-  EXPECT_TRUE(box == RECT_3D(1, -2, 3, 1, -2, 3));
-}
-
 TEST(ProdVect, NormalOfATurn) {
   EXPECT_TRUE(prodVect(PNT_3D(1, 0, 0), PNT_3D(0, 1, 0)) == PNT_3D(0, 0, 1));
   EXPECT_TRUE(prodVect(PNT_3D(2, 3, 5), PNT_3D(7, 11, 13)) == PNT_3D(-16, 9, 1));
