@@ -51,6 +51,8 @@ ReadResult readWith(Reader reader, CData& data, const std::string& path, const S
   result.onPaper = options.policy.paperSpace;
   options.policy.keepFontNames |= keepFontNames;
   result.outcome = reader(data, *file, &result.error, options);
+  for (int i = 0; i < data.getLayouts().size(); ++i)
+    result.onSheets += static_cast<long>(data.getLayouts()[i].getBlock().size());
   if (!result.opened()) result.fault = {"file unreadable", "The file cannot be opened."};
   return result;
 }
@@ -128,11 +130,12 @@ std::string ReadResult::elsewhere() const {
   long counts[2] = {0, 0};  // in the other space; on sheets that no option shows
   for (const CFileReport::Entry& entry : report.entries())
     if (entry.code == ReportCode::OnPaper) counts[!entry.sample.empty()] += entry.count;
-  const long count = counts[0] > 0 ? counts[0] : counts[1];
+  const bool isModel = onPaper && counts[0] > 0;
+  const long count = onSheets > 0 ? onSheets : counts[isModel ? 0 : 1];
   if (count == 0) return {};
   const char* where = "on other sheets, which are not read; --paper-space shows the current one";
-  if (counts[0] > 0 && onPaper) where = "in model space, which is shown without --paper-space";
-  if (counts[0] > 0 && !onPaper) where = "on a sheet, which --paper-space shows";
+  if (isModel) where = "in model space, which is shown without --paper-space";
+  if (onSheets > 0) where = "on sheets, which render --layout shows";
   return std::to_string(count) + (count == 1 ? " entity is " : " entities are ") + where;
 }
 

@@ -19,7 +19,7 @@ ReferenceReader::ReferenceReader(const std::string& path, const ReferenceOptions
     m_folders.addSearchFolder(toName(toPath(folder)));
   for (const std::string& folder : options.allowed) m_folders.allowFolder(toName(toPath(folder)));
   m_options.reading = readingOptions(session);
-  m_options.reading.policy.paperSpace = false;
+  m_options.reading.policy.paperSpace = m_options.reading.policy.layouts = false;
   // Fonts are found by name, and bound content must keep its font names.
   m_options.reading.policy.keepFontNames = true;
   m_options.drawing = m_folders.getDrawing();

@@ -1,5 +1,8 @@
 #include "vek0host/summary.h"
 
+#include <cmath>
+
+#include "vek0host/editing.h"
 #include "vek0host/entitycounts.h"
 #include "vek0host/propertytext.h"
 #include "vek0host/reports.h"
@@ -54,9 +57,43 @@ Json blocksToJson(const CData& data) {
   Json blocks = Json::array();
   const CBlockTable& table = data.getBlockTable();
   for (int i = 0; i < static_cast<int>(table.size()); ++i) {
+    if (table[i]->isSheet()) continue;
     blocks.push_back({{"name", table[i]->getName().toUtf8()}, {"entities", table[i]->size()}});
   }
   return blocks;
+}
+
+// A number that JSON can hold.
+Json finite(double value) { return std::isfinite(value) ? Json(value) : Json(); }
+Json finite(const PNT_2D& point) { return Json::array({finite(point.x), finite(point.y)}); }
+
+Json viewportToJson(const VIEWPORT& viewport) {
+  Json frozen = Json::array();
+  for (const CLayer* layer : viewport.frozen) frozen.push_back(layer->getFullName().toUtf8());
+  return {{"center", finite(viewport.center)},
+          {"width", finite(viewport.width)},
+          {"height", finite(viewport.height)},
+          {"view_center", finite(viewport.viewCenter)},
+          {"view_height", finite(viewport.viewHeight)},
+          {"twist", finite(viewport.twistRad / kRadiansPerDegree)},
+          {"frozen", frozen}};
+}
+
+Json layoutsToJson(const CData& data) {
+  Json layouts = Json::array();
+  for (int i = 0; i < data.getLayouts().size(); ++i) {
+    const CLayout& layout = data.getLayouts()[i];
+    const PLOT_SETTINGS& plot = layout.getPlot();
+    Json viewports = Json::array();
+    for (const VIEWPORT& viewport : layout.getViewports())
+      viewports.push_back(viewportToJson(viewport));
+    layouts.push_back({{"name", layout.getName().toUtf8()},
+                       {"paper", finite(PNT_2D(plot.width, plot.height))},
+                       {"scale", finite(plot.scale)},
+                       {"entities", layout.getBlock().size()},
+                       {"viewports", viewports}});
+  }
+  return layouts;
 }
 
 Json referencesToJson(const CData& data) {
@@ -120,6 +157,21 @@ std::string referenceLines(const Json& references) {
   return text;
 }
 
+std::string layoutLines(const Json& layouts) {
+  std::string text = "  layouts (" + std::to_string(layouts.size()) + "):\n";
+  for (const Json& layout : layouts) {
+    const Json &paper = layout["paper"], &scale = layout["scale"];
+    const std::size_t entities = layout["entities"].get<std::size_t>();
+    text += "    " + visible(layout["name"].get<std::string>()) + ": ";
+    text += paper == Json{0.0, 0.0} ? "no paper size"
+                                    : paper[0].dump() + " x " + paper[1].dump() + " mm, " +
+                                          scale.dump() + " mm per unit";
+    text += ", " + counted(entities, "entity", "entities") + ", " +
+            counted(layout["viewports"].size(), "viewport", "viewports") + "\n";
+  }
+  return text;
+}
+
 std::string number(double value) {
   const Json json = value;
   return json.dump();
@@ -178,6 +230,7 @@ Json summaryToJson(const std::string& path, CData& data, const ReadResult& resul
   summary["linetypes"] = ltypesToJson(data, result);
   summary["styles"] = stylesToJson(data, result);
   summary["blocks"] = blocksToJson(data);
+  summary["layouts"] = layoutsToJson(data);
   summary["references"] = referencesToJson(data);
   summary["entities"] = EntityCounts(data).toJson();
   summary["extents"] = extentsToJson(data.getEntTable().getBdry());
@@ -193,6 +246,8 @@ std::string summaryToText(const std::string& path, CData& data, const ReadResult
   text += listLine("linetypes", namesIn(ltypesToJson(data, result)));
   text += listLine("text styles", namesIn(stylesToJson(data, result)));
   text += listLine("blocks", namesIn(blocksToJson(data)));
+  const Json layouts = layoutsToJson(data);
+  if (!layouts.empty()) text += layoutLines(layouts);
   const Json references = referencesToJson(data);
   if (!references.empty()) text += referenceLines(references);
   text += "  entities: " + EntityCounts(data).toText();

@@ -52,6 +52,17 @@ void scaleVariables(CDataVariables& variables, double factor) {
   if (variables.getPointSize() > 0) variables.setPointSize(variables.getPointSize() * factor);
 }
 
+// Sheets keep their size and show the same.
+void scaleViews(CLayout& layout, double factor) {
+  std::vector<VIEWPORT> viewports = layout.setViewports({});
+  for (VIEWPORT& viewport : viewports) {
+    viewport.viewHeight *= factor;
+    viewport.viewCenter = PNT_2D(viewport.viewCenter.x * factor, viewport.viewCenter.y * factor);
+    viewport.target = PNT_2D(viewport.target.x * factor, viewport.target.y * factor);
+  }
+  layout.setViewports(std::move(viewports));
+}
+
 }  // namespace
 
 const char* unitName(long code) {
@@ -82,6 +93,7 @@ void scaleDrawing(CData& data, double factor) {
     style->setLastHeight(style->getLastHeight() * factor);
   }
   scaleVariables(data.getVars(), factor);
+  for (int i = 0; i < data.getLayouts().size(); ++i) scaleViews(data.getLayouts()[i], factor);
 }
 
 bool convertUnits(CData& data, long stated, const std::string& from, const std::string& to) {

@@ -106,6 +106,7 @@
 #include "vek0core/drawing/everyent.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/drawing/handlemanager.h"
+#include "vek0core/drawing/layout.h"
 #include "vek0core/drawing/pointerset.h"
 #include "vek0core/drawing/refcounter.h"
 #include "vek0core/drawing/tableremapper.h"

@@ -32,6 +32,7 @@ class DrawingCopy {
     m_src.shareFonts(m_copy);
     copyTables();
     copyBlocks();
+    copyLayouts();
     copyEntities();
     copyVariables();
   }
@@ -204,6 +205,23 @@ class DrawingCopy {
     for (unsigned i = 0; i < from.size(); ++i)
       entities.push_back(cloneOnto(m_copy, m_map, *from[i]));
     to.setContent(std::move(entities), std::move(blocks));
+  }
+
+  void copyLayouts() {
+    const CLayoutTable& from = m_src.getLayouts();
+    for (int i = 0; i < from.size(); ++i) {
+      CLayout& made = m_copy.getLayouts().add(
+          std::make_unique<CLayout>(from[i].getName(), *m_map(&from[i].getBlock())));
+      made.setPlot(from[i].getPlot());
+      std::vector<VIEWPORT> viewports = from[i].getViewports();
+      for (VIEWPORT& viewport : viewports) {
+        viewport.layer = m_map(viewport.layer);
+        viewport.ltype = m_map(viewport.ltype);
+        for (CLayer*& layer : viewport.frozen) layer = m_map(layer);
+      }
+      made.setViewports(std::move(viewports));
+      if (&from[i] == from.getActive()) m_copy.getLayouts().setActive(made);
+    }
   }
 
   void copyEntities() {

@@ -25,6 +25,7 @@ CData::CData(std::unique_ptr<IHandleGestor> gestor, std::unique_ptr<CLtypeFactor
       m_ltypes(m_continuous, m_byLayer, m_byBlock),
       m_layers(m_layer0),
       m_blocks(*m_gestor, m_depend),
+      m_layouts(std::make_shared<CLayoutTable>()),
       m_entities(*m_gestor, m_depend),
       m_ltypeFactory(std::move(ltypeFactory)),
       m_layerFactory(std::move(layerFactory)),
@@ -63,10 +64,13 @@ void CData::clearAll() {
   if (CStyle* standard = m_styles.getStyleStandard()) standard->zeroEntities();
 }
 
-// Users before the items they use: entities refer to blocks, blocks and entities to layers, layers
-// to linetypes, linetypes to styles.
+// Users before the items they use: layouts and entities refer to blocks, all three to layers,
+// layers to linetypes, linetypes to styles.
 void CData::clearUsers() {
-  if (!isView()) releaseCounts();
+  if (!isView()) {
+    releaseCounts();
+    m_layouts->clearAll();
+  }
   m_entities.clearAll();
   m_blocks.clearAll();
   m_xrefs.clearAll();

@@ -3,8 +3,11 @@
 // before it is changed, and all changes form one step.
 #include "vek0core/drawing/tableremapper.h"
 
+#include <algorithm>
 #include <new>
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include "drawing/everyentity.h"
 #include "drawing/uncountededit.h"
@@ -46,7 +49,8 @@ bool CTableRemapper::Remap(CUndoStack& undo) {
 }
 
 bool CTableRemapper::remapAll(CUndoStack* undo) {
-  return remapLtypes(undo) && remapLayers(undo) && remapEntities(undo) && remapCurrent(undo);
+  return remapLtypes(undo) && remapLayers(undo) && remapEntities(undo) && remapViewports(undo) &&
+         remapCurrent(undo);
 }
 
 bool CTableRemapper::remapLtypes(CUndoStack* undo) {
@@ -121,6 +125,37 @@ void CTableRemapper::replace(CEnt& ent) {
   if (CLayer* layer = replacementOf(m_layers, ent.getLayer())) ent.setLayer(layer);
   if (CLtype* ltype = replacementOf(m_ltypes, ent.getLtype())) ent.setLtype(ltype);
   if (CStyle* style = replacementOf(m_styles, ent.getStyle())) ent.setStyle(style);
+}
+
+bool CTableRemapper::isAffected(const VIEWPORT& viewport) const {
+  const auto changes = [this](CLayer* layer) { return replacementOf(m_layers, layer) != nullptr; };
+  return changes(viewport.layer) || replacementOf(m_ltypes, viewport.ltype) != nullptr ||
+         std::any_of(viewport.frozen.begin(), viewport.frozen.end(), changes);
+}
+
+// A viewport that hid a layer must not hide layer "0" instead, where other entities are.
+void CTableRemapper::replaceItems(VIEWPORT& viewport) {
+  if (CLayer* layer = replacementOf(m_layers, viewport.layer)) viewport.layer = layer;
+  if (CLtype* ltype = replacementOf(m_ltypes, viewport.ltype)) viewport.ltype = ltype;
+  for (CLayer*& layer : viewport.frozen)
+    if (CLayer* other = replacementOf(m_layers, layer))
+      layer = other == &m_data.getLayer0() ? nullptr : other;
+  std::erase(viewport.frozen, nullptr);
+}
+
+bool CTableRemapper::remapViewports(CUndoStack* undo) {
+  for (int i = 0; i < m_data.getLayouts().size(); ++i) {
+    CLayout& layout = m_data.getLayouts()[i];
+    const std::vector<VIEWPORT>& all = layout.getViewports();
+    if (std::none_of(all.begin(), all.end(), [this](const auto& v) { return isAffected(v); }))
+      continue;
+    if (undo != nullptr && !undo->keep(layout)) return false;
+    // Taken out meanwhile, so that the use counts are updated without a copy.
+    std::vector<VIEWPORT> viewports = layout.setViewports({});
+    for (VIEWPORT& viewport : viewports) replaceItems(viewport);
+    layout.setViewports(std::move(viewports));
+  }
+  return true;
 }
 
 bool CTableRemapper::remapCurrent(CUndoStack* undo) {

@@ -228,4 +228,11 @@ std::size_t BlockHeadSnapshot::size() const {
 
 void VarsSnapshot::swap(CData&) { std::swap(m_vars, m_kept); }
 
+void LayoutSnapshot::swap(CData&) {
+  const PLOT_SETTINGS present = m_layout.getPlot();
+  m_layout.setPlot(m_plot);
+  m_plot = present;
+  m_viewports = m_layout.setViewports(std::move(m_viewports));
+}
+
 }  // namespace vek0::detail

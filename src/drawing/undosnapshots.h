@@ -10,6 +10,7 @@
 
 #include "drawing/undoaction.h"
 #include "vek0core/drawing/datavariables.h"
+#include "vek0core/drawing/layout.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/entmemento.h"
 #include "vek0core/tables/layer.h"
@@ -143,6 +144,24 @@ class VarsSnapshot final : public UndoAction {
  private:
   CDataVariables& m_vars;
   CDataVariables m_kept;
+};
+
+/// The plot settings and viewports of a layout.
+class LayoutSnapshot final : public UndoAction {
+ public:
+  static constexpr int kPart = 0;
+
+  explicit LayoutSnapshot(CLayout& layout)
+      : m_layout(layout), m_plot(layout.getPlot()), m_viewports(layout.getViewports()) {}
+  bool isValid() const { return true; }
+  void swap(CData& data) override;
+  std::size_t size() const override { return sizeof *this + m_viewports.size() * sizeof(VIEWPORT); }
+  const void* snapshotOf() const override { return &m_layout; }
+
+ private:
+  CLayout& m_layout;
+  PLOT_SETTINGS m_plot;
+  std::vector<VIEWPORT> m_viewports;
 };
 
 }  // namespace vek0::detail

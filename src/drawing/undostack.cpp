@@ -25,6 +25,7 @@ using vek0::detail::GeometrySnapshot;
 using vek0::detail::HatchExchange;
 using vek0::detail::ItemMembership;
 using vek0::detail::ItemSnapshot;
+using vek0::detail::LayoutSnapshot;
 using vek0::detail::PointerSet;
 using vek0::detail::PropertiesSnapshot;
 using vek0::detail::VarsSnapshot;
@@ -342,6 +343,7 @@ bool CUndoStack::keep(CStyle& style) {
   return keepOnce<ItemSnapshot<CStyle, CStyleMemento>>(style);
 }
 bool CUndoStack::keep(CBlock& block) { return keepOnce<BlockHeadSnapshot>(block); }
+bool CUndoStack::keep(CLayout& layout) { return keepOnce<LayoutSnapshot>(layout); }
 bool CUndoStack::keepVars() { return keepOnce<VarsSnapshot>(m_data.getVars()); }
 
 // --- Adding, removing, redefining

@@ -71,7 +71,7 @@ class Resolving {
   Resolving(CData& data, IXRefResolver& resolver, const CXRefOptions& options)
       : m_data(data), m_resolver(resolver), m_options(options) {
     // A reference shows model space only.
-    m_options.reading.policy.paperSpace = false;
+    m_options.reading.policy.paperSpace = m_options.reading.policy.layouts = false;
   }
 
   void resolveAll() {

@@ -19,6 +19,7 @@ struct ReadResult {
   CFileReport report;       ///< what was skipped or repaired
   InputFault fault;         ///< why nothing was read
   bool onPaper = false;     ///< the sheets were requested instead of the model
+  long onSheets = 0;        ///< number of entities on the sheets of layouts
 
   bool ok() const { return outcome.status == CFileDXFIResult::Done; }
   bool opened() const { return outcome.status != CFileDXFIResult::NotOpened; }
@@ -26,8 +27,8 @@ struct ReadResult {
   std::string kind() const;
   /// One sentence with the line, or an empty text on success.
   std::string message() const;
-  /// Describes what was skipped because it is on a sheet, or in the model if a sheet was requested:
-  /// "3 entities are on a sheet, which --paper-space shows", or an empty text.
+  /// Describes what is on sheets, or in the model if a sheet was requested instead of it: "3
+  /// entities are on sheets, which render --layout shows", or an empty text.
   std::string elsewhere() const;
 };
 

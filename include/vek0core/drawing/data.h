@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "vek0core/drawing/datavariables.h"
+#include "vek0core/drawing/layout.h"
 #include "vek0core/entities/blocks/blocktable.h"
 #include "vek0core/entities/blocks/blockxref.h"
 #include "vek0core/entities/enttable.h"
@@ -94,6 +95,9 @@ class VEK0_API CData {
   const CEntTable& getEntTable() const { return m_entities; }
   CEntTable& getEntTable() { return m_entities; }
 
+  const CLayoutTable& getLayouts() const { return *m_layouts; }
+  CLayoutTable& getLayouts() { return *m_layouts; }
+
   CLtypeFactory& getLtypeFactory() const { return *m_ltypeFactory; }
   CLayerFactory& getLayerFactory() const { return *m_layerFactory; }
   CStyleFactory& getStyleFactory() const { return *m_styleFactory; }
@@ -136,6 +140,7 @@ class VEK0_API CData {
   CLayerTable m_layers;
   CBlockXRefTable m_xrefs;
   CBlockTable m_blocks;
+  std::shared_ptr<CLayoutTable> m_layouts;  // views share the source's
   CEntTable m_entities;
   std::shared_ptr<CLtypeFactory> m_ltypeFactory;
   std::shared_ptr<CLayerFactory> m_layerFactory;

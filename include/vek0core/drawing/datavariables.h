@@ -70,6 +70,9 @@ class VEK0_API CDataVariables {
   /// The lineweight that "default" means (`$LWDEFAULT`), in hundredths of a millimeter.
   short getDefaultLineweight() const { return m_defaultLineweight; }
   void setDefaultLineweight(short weight) { m_defaultLineweight = weight; }
+  /// Whether dashes in viewports are as long as those on their sheet (`$PSLTSCALE`).
+  bool isPaperLtypeScale() const { return m_paperLtypeScale; }
+  void setPaperLtypeScale(bool on) { m_paperLtypeScale = on; }
   /// Whether screens show lineweights (`$LWDISPLAY`).
   bool isLineweightShown() const { return m_lineweightShown; }
   void setLineweightShown(bool on) { m_lineweightShown = on; }
@@ -101,4 +104,5 @@ class VEK0_API CDataVariables {
   short m_defaultLineweight = 25;
   short m_units = 0;
   bool m_lineweightShown = false;
+  bool m_paperLtypeScale = true;
 };

@@ -10,10 +10,12 @@ class CLayer;
 class CLtype;
 class CStyle;
 class CUndoStack;
+struct VIEWPORT;
 
 /// Replaces layers, linetypes and text styles by others wherever a drawing refers to them: in
 /// layers, in the texts of linetypes, in the entities of model space and of every block, in the
-/// attributes of inserts, and among the current items.
+/// attributes of inserts, in the viewports of layouts, and among the current items. Layers that a
+/// viewport hides are not replaced by layer "0", but forgotten.
 ///
 /// The replaced items remain in their tables; nothing refers to them afterwards, so the caller may
 /// remove and delete them. Use counts are updated. A replacement is not replaced in turn. The
@@ -40,6 +42,9 @@ class VEK0_API CTableRemapper {
   bool remapLtypes(CUndoStack* undo);
   bool remapLayers(CUndoStack* undo);
   bool remapEntities(CUndoStack* undo);
+  bool isAffected(const VIEWPORT& viewport) const;
+  void replaceItems(VIEWPORT& viewport);
+  bool remapViewports(CUndoStack* undo);
   bool remapCurrent(CUndoStack* undo);
   bool remapAll(CUndoStack* undo);
   bool remapTexts(CLtype& ltype, CUndoStack* undo);

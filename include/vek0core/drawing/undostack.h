@@ -15,6 +15,7 @@ class CData;
 class CEnt;
 class CEntHatch;
 class CLayer;
+class CLayout;
 class CLtype;
 class CStyle;
 class PNT_3D;
@@ -106,6 +107,8 @@ class VEK0_API CUndoStack {
   /// Before a change of a block's name, flags or host data, or of a reference's path; for base
   /// point and content, use `redefine` and the edits of single entities.
   bool keep(CBlock& block);
+  /// Before a change of a layout's plot settings or viewports; its entities are those of its block.
+  bool keep(CLayout& layout);
   /// Before a change of variables or current items.
   bool keepVars();
 

@@ -84,9 +84,12 @@ enum class ReportCode : std::uint8_t {
   CurveAsPolyline,    ///< an arc or circle in a plane other than X, Y
   OnPaper,  ///< an entity of the space not being read; the sample names the sheet unless it is the
             ///< active one
-  LayoutDropped,  ///< a layout: of any name but "Model" and "Layout1" and so on, or with something
-                  ///< on its sheet
-  GroupDropped,   ///< a group of entities
+  LayoutDropped,   ///< a layout: of any name but "Model" and "Layout1" and so on, or with something
+                   ///< on its sheet
+  ViewSimplified,  ///< a viewport whose view is not from above, in perspective, limited in depth or
+                   ///< hides lines; the sample says which. Views that are not from above or in
+                   ///< perspective are not drawn
+  GroupDropped,    ///< a group of entities
   DimensionStyleDropped,  ///< any style other than STANDARD with the format's default values
   UnitDropped,            ///< a unit stated by the header; for the drawing's see `CFileDXFIResult`
   SettingDropped,  ///< another variable that is not at its default: $INSBASE, $FILLMODE, $ATTMODE
@@ -112,6 +115,7 @@ enum class ReportCode : std::uint8_t {
   ClipLost,        ///< a clipped insert shows all of its block
   FixedInsert,     ///< an insert of fixed pixel size became an ordinary one
   HatchAsInsert,   ///< a hatch without the data of its boundary became an insert of its lines
+  PlotSettingsDropped,  ///< name, paper and plot settings of the layout whose sheet was saved
   LinetypeTextDropped,  ///< elements of a linetype other than dashes were omitted
   LineweightDropped,    ///< the line width of a layer was omitted
   BlocksInACircle,      ///< blocks insert each other in a cycle, so saving failed

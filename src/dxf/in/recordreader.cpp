@@ -25,7 +25,7 @@ namespace {
 
 constexpr long kLayer = 8, kEmbeddedObject = 101;
 constexpr long kThickness = 39, kLtypeScale = 48, kHidden = 60;
-constexpr long kLineweight = 370, kTrueColor = 420, kTransparency = 440;
+constexpr long kLineweight = 370, kLayoutName = 410, kTrueColor = 420, kTransparency = 440;
 constexpr long kExtrusionX = 210, kExtrusionY = 220;
 constexpr long kExtrusionZ = 230;  // exactly 1 if the other two are 0
 
@@ -90,6 +90,11 @@ bool ReadContext::spareNumber(ReportCode code) const {
   note(code, decimal(lexer.getGroupValue()));
   err = CFileDXFIError();
   return true;
+}
+
+bool RecordReader::isKeepingSheets(const ReadContext& context) {
+  const CFileDXFIPolicy& policy = context.options.policy;
+  return policy.tolerant && policy.layouts && !policy.paperSpace && context.semantor.keepsLayouts();
 }
 
 CLtype* RecordReader::findByLayer() { return m_byLayer = m_context.semantor.getLtypeByLayer(); }
@@ -229,6 +234,11 @@ bool RecordReader::leaveOut(long code) {
     return false;
   }
   if (isTolerant() && takeTrait(code)) return true;
+  if (code == kLayoutName) {
+    // Entities of the model name their layout as well.
+    if (m_keepsSheets && !m_frameTaken && m_record.integer(67) != 0) m_layout = lexer().getText();
+    return true;
+  }
   if (isTolerant() && (code == kExtrusionX || code == kExtrusionY || code == kExtrusionZ)) {
     const double value = lexer().getDouble();
     coordinate(m_record.extrusion, (code - kExtrusionX) / 10) = value;

@@ -57,7 +57,8 @@ struct RecordKind {
 /// Reads one record at a time into a `Record` and resolves the names in it.
 class RecordReader {
  public:
-  explicit RecordReader(const ReadContext& context) : m_context(context) {}
+  explicit RecordReader(const ReadContext& context)
+      : m_context(context), m_keepsSheets(isKeepingSheets(context)) {}
 
   /// Reads the pairs up to the next group 0 and leaves the lexer there. False if an error is
   /// recorded: of a value, 16 if a required code is missing (`missingParam` is its first
@@ -104,8 +105,13 @@ class RecordReader {
     m_putBack = false;
     m_frameTaken = false;
     m_frame = {};
+    if (!m_layout.empty()) m_layout = zim::WString();
   }
   const Frame& frame() const { return m_frame; }
+  /// Whether the drawing has layouts, so that the contents of sheets are read.
+  bool keepsSheets() const { return m_keepsSheets; }
+  /// Name of the layout on whose sheet the entity is, if the file states it; otherwise empty.
+  const zim::WString& layout() const { return m_layout; }
   /// Declares that the entities of the current record are already in world coordinates.
   void setPlaced() { m_frame.normal = PNT_3D(0, 0, 1); }
 
@@ -172,7 +178,7 @@ class RecordReader {
   /// Whether a block definition is being read, and the block, if one of that name exists yet.
   bool inBlock = false;
   const CBlock* owner = nullptr;
-  /// Name of the block if it holds a sheet, which is not read.
+  /// Name of the block if it holds a sheet.
   zim::WString sheet;
   /// Whether the sheet whose entities are not in a block has content, and whether that of the
   /// current block has.
@@ -193,6 +199,7 @@ class RecordReader {
  private:
   static constexpr CodeSet kCommon{5, 6, 8, 62}, kCommonTolerant{5, 6, 8, 39, 48, 60, 62, 67};
 
+  static bool isKeepingSheets(const ReadContext& context);
   CLtype* findByLayer();
   void takeWanted(long code);
   void take(long code);
@@ -214,6 +221,8 @@ class RecordReader {
 
   ReadContext m_context;
   Record m_record;
+  const bool m_keepsSheets;
+  zim::WString m_layout;
   bool m_putBack = false;
   bool m_frameTaken = false;
   Frame m_frame;

@@ -12,6 +12,7 @@
 #include "dxf/out/exactnumbers.h"
 #include "dxf/out/itemlists.h"
 #include "dxf/out/savedcolor.h"
+#include "dxf/out/savedsheet.h"
 #include "dxf/out/savefilter.h"
 #include "dxf/out/savehandles.h"
 #include "vek0core/drawing/data.h"
@@ -43,17 +44,34 @@ bool isWritten(const CEnt& ent, unsigned flags) {
   return (ent.getLayer()->getFlags() & (kLayerFrozen | kLayerOff)) == 0;
 }
 
+// The layout whose sheet is written with the model; null if there is none. The classic form has no
+// sheets.
+const CLayout* writtenSheet(const CData& data, unsigned flags) {
+  const bool isWhole = (flags & kSaveExchange) != 0 && (flags & kSaveSelectedOnly) == 0;
+  return isWhole ? vek0::detail::savedSheet(data) : nullptr;
+}
+
 // Calls `each` with every entity of model space selected by the flags, until it returns false.
 template <class Each>
-void forEachWritten(const CData& data, unsigned flags, const Each& each) {
+void forEachInModel(const CData& data, unsigned flags, const Each& each) {
   const CEntTable& table = data.getEntTable();
   const bool selected = (flags & kSaveSelectedOnly) != 0;
   for (CEnt* ent : selected ? table.getSelectedEntityTbl() : table.getEntityTbl())
     if (isWritten(*ent, flags) && !each(*ent)) return;
 }
 
-/// Passes the blocks to be written to another operation: all except those of hatches that were
-/// deleted or are not written, which are useless to readers.
+// The same for the entities of the sheet that is written.
+template <class Each>
+void forEachOnSheet(const CData& data, unsigned flags, const Each& each) {
+  const CLayout* layout = writtenSheet(data, flags);
+  if (!layout) return;
+  CBlock& sheet = layout->getBlock();
+  for (unsigned i = 0; i < sheet.size(); ++i)
+    if (isWritten(*sheet[i], flags) && !each(*sheet[i])) return;
+}
+
+/// Passes the blocks to be written to another operation: all except sheets, and those of hatches
+/// that were deleted or are not written, which are useless to readers.
 class WrittenBlocks final : public IBlockOperation {
  public:
   WrittenBlocks(const CData& data, unsigned flags, IBlockOperation& op)
@@ -63,6 +81,7 @@ class WrittenBlocks final : public IBlockOperation {
   }
 
   int doOperation(CBlock& block) override {
+    if (block.isSheet()) return ZORA_BLOCK_VISIT_RESULT_SUCCESS;
     const bool lost = isHatchName(block.getName()) && !m_used.contains(&block);
     return lost ? ZORA_BLOCK_VISIT_RESULT_SUCCESS : m_op.doOperation(block);
   }
@@ -84,10 +103,12 @@ class WrittenBlocks final : public IBlockOperation {
     };
     for (const CBlock* block : vek0::detail::blocksOf(data))
       for (CBlock::CInsertIterator insert(*block); *insert; ++insert) note(**insert);
-    forEachWritten(data, flags, [&](const CEnt& ent) {
+    const auto look = [&](const CEnt& ent) {
       if (const CEntInsertBase* insert = ent.getEntInsert()) note(*insert);
       return true;
-    });
+    };
+    forEachInModel(data, flags, look);
+    forEachOnSheet(data, flags, look);
   }
 
   std::vector<const CBlock*> m_hatchBlocks;
@@ -187,6 +208,8 @@ void CFileDXFOSaver::collectHandles() {
   // A cycle is detected again when the blocks are written.
   m_data.getBlockTable().getBlockGraph().VisitUndep(written);
   visitEntities(collector);
+  if (const CLayout* layout = writtenSheet(m_data, m_flags))
+    vek0::detail::SavedViewports::collect(*layout, *m_handles);
   m_handles->settle();
 }
 
@@ -209,6 +232,7 @@ void CFileDXFOSaver::writeHeaders() {
   writeVariable(u"$ANGBASE", 50, degrees(vars.getAngDir()), 0);
   write(9, u"$ANGDIR");
   write(70, vars.isAngClockWise());
+  if (const CLayout* layout = writtenSheet(m_data, m_flags)) writeSheetVariables(*layout);
   if (isExchange()) {
     write(9, u"$PDMODE");
     write(70, static_cast<long>(vars.getPointMode()));
@@ -256,6 +280,15 @@ void CFileDXFOSaver::writeLimit(const zim::Char* name, const PNT_2D& limit,
   write(9, name);
   write(10, finite(limit.x, fallback.x, name));
   write(20, finite(limit.y, fallback.y, name));
+}
+
+void CFileDXFOSaver::writeSheetVariables(const CLayout& layout) {
+  write(9, u"$PSLTSCALE");
+  write(70, m_data.getVars().isPaperLtypeScale());
+  const RECT_2D limits = vek0::detail::sheetLimits(layout);
+  if (!limits.validRegion()) return;
+  writeLimit(u"$PLIMMIN", limits.min, limits.min);
+  writeLimit(u"$PLIMMAX", limits.max, limits.max);
 }
 
 void CFileDXFOSaver::writeTables() {
@@ -384,17 +417,25 @@ void CFileDXFOSaver::writeXRef(const CBlockXRef& xref) {
 }
 
 void CFileDXFOSaver::writeEntities() {
+  const CLayout* layout = writtenSheet(m_data, m_flags);
   beginSection(u"ENTITIES");
   visitEntities(m_visitor);
+  if (layout) m_visitor.viewports_visit(*layout);
   write(0, u"ENDSEC");
+  if (m_report && (m_flags & kSaveSelectedOnly) == 0)
+    vek0::detail::reportLayouts(m_data, layout, *m_report);
 }
 
 void CFileDXFOSaver::visitEntities(IEntVisitor& visitor) {
-  forEachWritten(m_data, m_flags, [&](CEnt& ent) {
+  const auto visit = [&](CEnt& ent) {
     if (m_writer.fail()) return false;
     ent.accept(visitor);
     return true;
-  });
+  };
+  forEachInModel(m_data, m_flags, visit);
+  m_visitor.setOnSheet(true);
+  forEachOnSheet(m_data, m_flags, visit);
+  m_visitor.setOnSheet(false);
 }
 
 void CFileDXFOSaver::beginSection(const zim::Char* name) {

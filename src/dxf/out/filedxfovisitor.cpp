@@ -13,6 +13,7 @@
 #include "dxf/out/hatchdata.h"
 #include "dxf/out/savedcolor.h"
 #include "dxf/out/savednames.h"
+#include "dxf/out/savedsheet.h"
 #include "dxf/out/savedsolid.h"
 #include "dxf/out/savedvertexes.h"
 #include "dxf/out/savefilter.h"
@@ -269,6 +270,7 @@ short CFileDXFOVisitor::colorOf(const CEnt& ent) {
 
 vek0::Handle CFileDXFOVisitor::def_visit(const CEnt& ent) {
   const vek0::Handle handle = writeHandle(ent.GetHandle());
+  writeSpace();
   m_writer.writeEncoded(8, m_names->layer(ent.getLayer()));
   // BYLAYER is the default of files and is omitted.
   if (ent.getLtype() && !ent.getLtype()->isByLayer())
@@ -341,6 +343,7 @@ void CFileDXFOVisitor::attrib_visit(const CEntInsertBase& ent, const CEntAttrib&
 void CFileDXFOVisitor::vertex_visit(const CEnt& owner, const SavedVertex& vertex) {
   m_writer.writeEncoded(0, "VERTEX");
   writeHandle(vertex.handle);
+  writeSpace();
   m_writer.writeEncoded(8, m_names->layer(owner.getLayer()));
   writePoint(0, vertex.pnt);
   m_writer.write(70, vertex.flags);
@@ -352,7 +355,18 @@ void CFileDXFOVisitor::vertex_visit(const CEnt& owner, const SavedVertex& vertex
 void CFileDXFOVisitor::seq_visit(const CEnt& owner) {
   m_writer.writeEncoded(0, "SEQEND");
   m_writer.writeHex(5, m_handles ? m_handles->takeEnd() : 0);
+  writeSpace();
   m_writer.writeEncoded(8, m_names->layer(owner.getLayer()));
+}
+
+void CFileDXFOVisitor::writeSpace() {
+  if (m_isOnSheet) m_writer.write(67, 1L);
+}
+
+void CFileDXFOVisitor::viewports_visit(const CLayout& layout) {
+  if (isReady() && m_handles)
+    vek0::detail::SavedViewports(m_writer, *m_names, *m_handles, m_report)
+        .write(layout, m_data.getLayer0());
 }
 
 void CFileDXFOVisitor::writePoint(long index, const PNT_3D& pnt) {

@@ -52,7 +52,9 @@ std::vector<ListedStyle> stylesOf(const CData& data) {
 }
 
 std::vector<const CBlock*> blocksOf(const CData& data) {
-  return listed<CBlock>(data.getBlockTable());
+  std::vector<const CBlock*> blocks = listed<CBlock>(data.getBlockTable());
+  std::erase_if(blocks, [](const CBlock* block) { return block->isSheet(); });
+  return blocks;
 }
 
 std::vector<const CBlockXRef*> xrefsOf(const CData& data) {

@@ -21,7 +21,6 @@ TEST(Losses, AreToldUnlessNothingIsLost) {
   };
   const auto entities = [](const std::string& list) { return section("ENTITIES", pairsOf(list)); };
   const std::string line = "0 LINE|8 A|10 0|20 0|11 1|21 1|";
-  const std::string layout = "0 LAYOUT|5 A|100 AcDbPlotSettings|1 p|100 AcDbLayout|1 ";
   const std::string hatch =
       "0 HATCH|8 A|2 SOLID|70 1|91 1|92 2|72 0|73 1|93 3|10 0|20 0|10 1|20 0|"
       "10 1|20 1|97 0|75 0|76 1|98 0|450 ";
@@ -30,14 +29,10 @@ TEST(Losses, AreToldUnlessNothingIsLost) {
   expectCount("setting dropped", 0, header("9 $FILLMODE|70 1|9 $INSBASE|10 0|20 0|30 0"));
   expectCount("setting dropped", 2, header("9 $FILLMODE|70 0|9 $INSBASE|10 0|20 1|30 0"));
   expectCount("group dropped", 2, objects("0 GROUP|5 A|300 g|0 DICTIONARY|5 B|0 GROUP|5 C"));
-  expectCount("layout dropped", 0, objects(layout + "Model|" + layout + "Layout12"));
-  expectCount("layout dropped", 0, entities(line + "67 1") + objects(layout + "Model"));
-  expectCount("layout dropped", 1, objects(layout + "Plan A3"));
   expectCount("dimension style dropped", 0,
               tableOf("DIMSTYLE", "0 DIMSTYLE|2 Standard|40 1|41 0.18|270 2"));
   expectCount("dimension style dropped", 2,
               tableOf("DIMSTYLE", "0 DIMSTYLE|2 Standard|41 2.5|0 DIMSTYLE|2 ISO"));
-  expectCount("on paper", 1, entities(line + "67 1"));
   expectCount("flags replaced", 0, entities("0 INSERT|8 A|2 B|10 0|20 0|70 -1"));
   expectCount("number replaced", 1, entities("0 INSERT|8 A|2 B|10 0|20 0|70 -1"));
   expectCount("number replaced", 0, entities(line + "5 00007FFFFFFFFFFFFFFE"));
@@ -56,21 +51,26 @@ TEST(Losses, AreToldUnlessNothingIsLost) {
   expectCount("text background dropped", 1, entities("0 MTEXT|8 A|1 T|10 0|20 0|40 1|90 1"));
 }
 
-// A layout with a default name is reported only if its sheet has content.
-TEST(Losses, SheetsAreNamed) {
+// Drawings without layouts, such as external references, report those with a name of their own or
+// with something on their sheets.
+TEST(Losses, SheetsThatAreNotReadAreNamed) {
   const std::string line = "0 LINE|8 A|10 0|20 0|11 1|21 1|";
   const std::string blocks =
       section("BLOCKS", pairsOf("0 BLOCK|330 1A|2 *Paper_Space|10 0|20 0|0 ENDBLK|0 BLOCK|330 1B|"
                                 "2 *Paper_Space0|10 0|20 0|" +
                                 line + "67 1|0 ENDBLK"));
   const std::string layouts =
-      "0 LAYOUT|100 AcDbLayout|1 Layout1|330 1A|0 LAYOUT|100 AcDbLayout|1 Layout2|330 1B";
+      "0 LAYOUT|100 AcDbLayout|1 Layout1|330 1A|0 LAYOUT|100 AcDbLayout|1 Layout2|330 1B|"
+      "0 LAYOUT|100 AcDbPlotSettings|1 p|100 AcDbLayout|1 Plan|0 LAYOUT|100 AcDbLayout|1 Model";
+  CFileDXFIPolicy policy = CFileDXFIPolicy::forAnyFile();
+  policy.layouts = false;
   for (const bool isActiveUsed : {false, true}) {
     const Loaded got =
         loadText(blocks + section("ENTITIES", pairsOf(line + (isActiveUsed ? "67 1" : "67 0"))) +
                      section("OBJECTS", pairsOf(layouts)) + dxf(),
-                 CFileDXFIPolicy::forAnyFile());
+                 policy);
     EXPECT_EQ(got.report.count("on paper"), 1 + isActiveUsed);
-    EXPECT_EQ(got.report.count("layout dropped"), 1 + isActiveUsed);
+    EXPECT_EQ(got.report.count("layout dropped"), 2 + isActiveUsed);
+    EXPECT_EQ(got.data->getLayouts().size(), 0);
   }
 }

@@ -350,8 +350,12 @@ TEST(Tolerant, PaperIsKeptApart) {
   const Loaded model = loadAny(text);
   EXPECT_EQ(model.count(CEntLine::kType), 1);
   EXPECT_EQ(model.data->getEntTable().getEntityTbl().size(), 1u);
-  EXPECT_EQ(model.report.count("on paper"), 2);
+  EXPECT_EQ(model.report.count("on paper"), 0);
+  ASSERT_EQ(model.data->getLayouts().size(), 1);
+  EXPECT_EQ(model.data->getLayouts()[0].getBlock().size(), 2u);
   CFileDXFIPolicy policy = CFileDXFIPolicy::forAnyFile();
+  policy.layouts = false;
+  EXPECT_EQ(loadText(text, policy).report.count("on paper"), 2);
   policy.paperSpace = true;
   EXPECT_EQ(loadText(text, policy).count(CEntLine::kType), 0);
   EXPECT_EQ(loadText(text, policy).data->getEntTable().getEntityTbl().size(), 2u);

@@ -25,6 +25,10 @@ struct CFileDXFIPolicy {
   /// Read the entities of paper space instead of those of model space (tolerant only).
   bool paperSpace = false;
 
+  /// Read the layouts with their sheets (loading under the tolerant policy only, and not together
+  /// with `paperSpace`). Otherwise their contents are skipped and reported.
+  bool layouts = true;
+
   /// Convert each ring of a patterned hatch to a closed polyline instead of generating lines, of
   /// which a few bytes in a file can request thousands. Solid hatches are not affected.
   bool hatchOutlines = false;

@@ -17,6 +17,7 @@ class CEntFactory;
 class CEntHatch;
 class CHatchTypeTable;
 class CLayer;
+class CLayout;
 class CLtype;
 class CLtypeByLayer;
 class CLtypeComplexDashSeq;
@@ -126,6 +127,15 @@ class VEK0_API IFileDXFISemantor {
   /// Called for each hatch stored as an insert in the file. After reading, its block may have
   /// content that does not suit a hatch, or none. Does nothing by default.
   virtual void adoptHatch(CEntHatch& /*hatch*/) {}
+
+  /// Whether layouts are created; by default they are not.
+  virtual bool keepsLayouts() const { return false; }
+  /// Creates a layout with these entities, which are removed from the list. `block` is the name of
+  /// the sheet's block in the file, or empty. Null, with the list unchanged, unless `keepsLayouts`.
+  virtual CLayout* createLayout(const zim::WString& /*name*/, const zim::WString& /*block*/,
+                                bool /*isActive*/, std::list<CEnt*>& /*entities*/) {
+    return nullptr;
+  }
 
   virtual ~IFileDXFISemantor() = default;
 

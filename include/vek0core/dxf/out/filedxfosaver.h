@@ -12,6 +12,7 @@
 
 class CBlockXRef;
 class CLayer;
+class CLayout;
 class CLtype;
 class CStyle;
 class PNT_2D;
@@ -57,6 +58,7 @@ class VEK0_API CFileDXFOSaver {
   void writeCurrentItems();
   void writeVariable(const zim::Char* name, long code, double value, double fallback);
   void writeLimit(const zim::Char* name, const PNT_2D& limit, const PNT_2D& fallback);
+  void writeSheetVariables(const CLayout& layout);
   void writeLtypes();
   void writeLtype(const CLtype& ltype);
   void writeLayers();

@@ -12,6 +12,7 @@
 
 class CData;
 class CEnt;
+class CLayout;
 class CFileDXFOWriter;
 class CFileReport;
 class CNameAcadConverter;
@@ -55,6 +56,11 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   /// with their own handles and sequence ends with 0.
   void setHandles(vek0::detail::SaveHandles* handles) { m_handles = handles; }
 
+  /// Whether the next entities are on the current sheet, and marked so; off by default.
+  void setOnSheet(bool isOnSheet) { m_isOnSheet = isOnSheet; }
+  /// Writes the viewports of the layout whose sheet is written.
+  void viewports_visit(const CLayout& layout);
+
   using IEntFooVisitor::visit;  // vertices are written with their polyline
   void visit(CEnt3DFace& ent) override;
   void visit(CEntHatch& ent) override;
@@ -88,6 +94,7 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   void vertex_visit(const CEnt& owner, const vek0::detail::SavedVertex& vertex);
   void seq_visit(const CEnt& owner);
   LINE_3D cut(const CEntLine& ent);
+  void writeSpace();
   void writePoint(long index, const PNT_3D& pnt);
   void writeAngle(long code, double angleRad);
   vek0::Handle writeHandle(vek0::Handle handle);
@@ -106,6 +113,7 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   std::vector<const CEntAttrib*> m_sequence;  // attributes of the insert being written
   bool m_flatten;
   bool m_exchange = false;
+  bool m_isOnSheet = false;
   CNameAcadConverter* m_pACADNameConverter = nullptr;
   std::unique_ptr<vek0::detail::SavedNames> m_names;
   vek0::detail::SaveHandles* m_handles = nullptr;

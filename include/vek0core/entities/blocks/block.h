@@ -69,6 +69,11 @@ class VEK0_API CBlock : public CNamedItem {
   /// The external reference whose content this block is a part of; null in the drawing.
   const CBlockXRef* getContentOf() const { return m_contentOf; }
 
+  /// Whether it holds the entities of a layout's sheet (`CLayout`). Such a block belongs to its
+  /// layout: it is not listed among the blocks of the drawing, and no insert shows it.
+  bool isSheet() const { return m_isSheet; }
+  void setSheet(bool isSheet) { m_isSheet = isSheet; }  ///< for `CLayout`
+
   /// Appends an entity that is already relative to the base point.
   void restore(CEnt* ent);
 
@@ -196,6 +201,7 @@ class VEK0_API CBlock : public CNamedItem {
   // until the extents are requested.
   mutable std::size_t m_noBoxed = 0;
   mutable bool m_bdryStale = false;
+  bool m_isSheet = false;
   mutable bool m_bdryBusy = false;   // being computed: stops the recursion of a block that inserts
                                      // itself
   mutable bool m_bdryAsked = false;  // extents were requested since the last notification of the

@@ -1,6 +1,6 @@
 // The blocks of layouts have names like any other block, but their contents are sheets: the model,
-// or the paper space of one layout. They are read all the same: whether a sheet holds anything
-// decides what the report says about its layout.
+// or the paper space of one layout. They are read even if the drawing has no layouts: whether a
+// sheet holds anything decides what the report says about its layout.
 #include "dxf/in/parse/blockssection.h"
 
 #include <list>
@@ -139,6 +139,9 @@ bool BlocksSection::isLayoutName(const zim::WString& name) const {
 void BlocksSection::create(const Header& block, OwnedEntities& entities) {
   if (block.name.empty()) return m_in.fail(CFileDXFIError::WrongStructure);
   if (isLayoutName(block.name)) {
+    if (m_in.loader->keepsSheets() && isLayout(block.name, kPaperName))
+      return m_sheets.addBlock(block.name, block.owner, entities.list(),
+                               std::exchange(m_in.loader->getViewports(), {}));
     if (m_in.isTolerant() && !entities.list().empty())
       m_in.note(ReportCode::BlockDropped, block.name);
     return;

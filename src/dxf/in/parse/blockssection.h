@@ -13,8 +13,9 @@ namespace vek0::detail {
 class BlocksSection {
  public:
   /// All are borrowed.
-  BlocksSection(SectionInput& in, EntitiesSection& entities, DroppedObjects& dropped)
-      : m_in(in), m_entities(entities), m_dropped(dropped) {}
+  BlocksSection(SectionInput& in, EntitiesSection& entities, Sheets& sheets,
+                DroppedObjects& dropped)
+      : m_in(in), m_entities(entities), m_sheets(sheets), m_dropped(dropped) {}
 
   /// Reads the pairs after the section's name, up to its end.
   void read();
@@ -37,6 +38,7 @@ class BlocksSection {
 
   SectionInput& m_in;
   EntitiesSection& m_entities;
+  Sheets& m_sheets;
   DroppedObjects& m_dropped;
   bool m_isMeasured = false;
   std::uint64_t m_activeSheet = 0;

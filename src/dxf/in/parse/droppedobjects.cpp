@@ -1,26 +1,10 @@
 #include "dxf/in/parse/droppedobjects.h"
 
-#include <algorithm>
-
+#include "dxf/layoutname.h"
 #include "files/number.h"
 #include "vek0core/files/report.h"
-#include "zim0lang/casefold.h"
 
 namespace vek0::detail {
-namespace {
-
-// Whether it is "Model", or "Layout1" and so on, which every file has.
-bool isUsualName(const zim::WString& name) {
-  constexpr std::u16string_view model = u"MODEL", sheet = u"LAYOUT";
-  const std::u16string_view text = name.view();
-  const std::u16string_view number = text.substr(std::min(sheet.size(), text.size()));
-  return zim::equalsIgnoreCase(text, model) ||
-         (zim::equalsIgnoreCase(text.substr(0, sheet.size()), sheet) &&
-          number.find_first_not_of(u"0123456789") == std::u16string_view::npos);
-}
-
-}  // namespace
-
 void DroppedObjects::readRecord() {
   if (m_lexer.isKeyword("LAYOUT")) return readLayout();
   if (m_lexer.isKeyword("GROUP") && m_report)
@@ -43,7 +27,7 @@ void DroppedObjects::readLayout() {
 
 void DroppedObjects::tell() const {
   for (const Layout& layout : m_layouts)
-    if (m_report && (m_sheets.count(layout.sheet) != 0 || !isUsualName(layout.name)))
+    if (m_report && (m_sheets.count(layout.sheet) != 0 || !isUsualLayoutName(layout.name.view())))
       m_report->add(ReportCode::LayoutDropped, layout.line, layout.name);
 }
 

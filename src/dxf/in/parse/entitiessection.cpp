@@ -14,11 +14,14 @@ void EntitiesSection::addOne() {
   add(readOne());
   for (EntPtr& ent : m_in.loader->getFurther()) add(std::move(ent));
   m_in.loader->getFurther().clear();
+  for (ReadViewport& viewport : m_in.loader->getViewports()) m_sheets.add(std::move(viewport));
+  m_in.loader->getViewports().clear();
 }
 
 void EntitiesSection::add(EntPtr ent) {
   if (!ent) return;
   m_hasAdded = true;
+  if (m_in.loader->isOnSheet()) return m_sheets.add(std::move(ent), m_in.loader->getLayout());
   addTo(m_in.semantor, std::move(ent));
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "dxf/in/parse/sectioninput.h"
+#include "dxf/in/parse/sheets.h"
 
 namespace vek0::detail {
 
@@ -11,9 +12,9 @@ namespace vek0::detail {
 /// and its progress callback apply to their sum.
 class EntitiesSection {
  public:
-  /// Both are borrowed.
-  EntitiesSection(SectionInput& in, const CFileDXFIOptions& options)
-      : m_in(in), m_options(options) {}
+  /// All are borrowed.
+  EntitiesSection(SectionInput& in, Sheets& sheets, const CFileDXFIOptions& options)
+      : m_in(in), m_sheets(sheets), m_options(options) {}
 
   /// Reads the pairs after the section's name, up to its end.
   void read();
@@ -31,6 +32,7 @@ class EntitiesSection {
   bool isTimeToStop();
 
   SectionInput& m_in;
+  Sheets& m_sheets;
   const CFileDXFIOptions& m_options;
   bool m_hasAdded = false;
   bool m_isCancelled = false;

@@ -1,7 +1,12 @@
 #include "vek0core/dxf/in/parse/filedxfiloaddatasemantor.h"
 
+#include <memory>
+#include <string>
+
+#include "tables/addnew.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/entities/blocks/block.h"
+#include "vek0core/entities/blocks/blockfactory.h"
 #include "vek0core/entities/blocks/blocktable.h"
 #include "vek0core/tables/style.h"
 
@@ -40,4 +45,19 @@ void CFileDXFILoadDataSemantor::createBlock(const zim::WString& name, const PNT_
   } else {
     createFreshBlock(name, base, flags, entities);
   }
+}
+
+CLayout* CFileDXFILoadDataSemantor::createLayout(const zim::WString& name,
+                                                 const zim::WString& block, bool isActive,
+                                                 std::list<CEnt*>& entities) {
+  const zim::WString prefix(u"*Paper_Space");
+  zim::WString own = block;
+  while (own.empty() || getBlockTable().get(own))
+    own = prefix + zim::WString::fromUtf8(std::to_string(m_lastSheet++));
+  std::unique_ptr<CBlock> made(getBlockFactory().create(own, PNT_3D(0, 0, 0), 0));
+  for (; made && !entities.empty(); entities.pop_front()) made->add(entities.front());
+  CBlock* sheet = vek0::detail::addNew(getBlockTable(), made.release());
+  CLayout& layout = data().getLayouts().add(std::make_unique<CLayout>(name, *sheet));
+  if (isActive) data().getLayouts().setActive(layout);
+  return &layout;
 }

@@ -11,6 +11,7 @@
 #include "dxf/in/parse/entitiessection.h"
 #include "dxf/in/parse/headersection.h"
 #include "dxf/in/parse/sectioninput.h"
+#include "dxf/in/parse/sheets.h"
 #include "dxf/in/parse/tablessection.h"
 #include "vek0core/files/file.h"
 #include "vek0core/files/textcodec.h"
@@ -21,15 +22,17 @@ struct CFileDXFIParser::Sections {
            const CFileDXFIOptions& options)
       : in(lexer, semantor, err, options),
         dropped(lexer, err, options.report),
-        entities(in, options) {}
+        sheets(in, err, dimStyles, tables),
+        entities(in, sheets, options) {}
 
   vek0::detail::SectionInput in;
   vek0::detail::DimStyles dimStyles;
   vek0::detail::DroppedObjects dropped;
   vek0::detail::HeaderSection header{in, dimStyles};
   vek0::detail::TablesSection tables{in, dimStyles};
+  vek0::detail::Sheets sheets;
   vek0::detail::EntitiesSection entities;
-  vek0::detail::BlocksSection blocks{in, entities, dropped};
+  vek0::detail::BlocksSection blocks{in, entities, sheets, dropped};
 };
 
 CFileDXFIParser::CFileDXFIParser(IFile& file, IFileDXFISemantor& semantor, CEntFactory& factory,
@@ -164,6 +167,7 @@ void CFileDXFIParser::readEnd() {
   if (all.in.loader && all.in.loader->isSheetUsed())
     all.dropped.addSheet(all.blocks.getActiveSheet());
   all.dropped.tell();
+  all.sheets.settle(all.header.getSheetLimits());
   if (all.in.loader) all.in.loader->getClips().settle();
   all.tables.settle();
   all.header.takeCurrentItems();
@@ -204,7 +208,11 @@ void CFileDXFIParser::readObjects() {
   in.read();
   while (in.atRecord() && !in.atSectionEnd()) {
     const bool isClip = in.loader && in.loader->getClips().readObject();
-    if (!isClip) m_sections->dropped.readRecord();
+    if (isClip) continue;
+    if (in.loader && in.loader->keepsSheets() && in.isKeyword("LAYOUT"))
+      m_sections->sheets.readObject();
+    else
+      m_sections->dropped.readRecord();
   }
 }
 

@@ -21,8 +21,16 @@ class CFileDXFIVersionLoader {
   bool hasReadInsert() const { return m_entities.records.insertRead; }
   /// The reader of clip boundaries.
   ClipReader& getClips() { return m_entities.clips; }
+  /// Whether the contents of sheets are read.
+  bool keepsSheets() const { return m_entities.records.keepsSheets(); }
+  /// Whether the entity that was read last is on a sheet that is read, and is not in a block.
+  bool isOnSheet() const { return keepsSheets() && m_entities.records.frame().onPaper; }
+  /// Name of the layout of that sheet; empty for the current one.
+  const zim::WString& getLayout() const { return m_entities.records.layout(); }
+  /// The viewports read so far, which the caller takes.
+  std::vector<ReadViewport>& getViewports() { return m_entities.viewports; }
   /// Declares that the next entities belong to a block; null if it is new. `sheet` is its name if
-  /// it holds a sheet, which is not read; empty otherwise.
+  /// it holds a sheet, empty otherwise.
   void enterBlock(const CBlock* block, const zim::WString& sheet) {
     m_entities.records.inBlock = true;
     m_entities.records.owner = block;

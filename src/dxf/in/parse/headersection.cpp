@@ -73,6 +73,9 @@ void setDefaultLineweight(CDataVariables& vars, const long& value) {
   if (value >= 0 && value <= ENT_TRAITS::kWidestWeight)
     vars.setDefaultLineweight(static_cast<short>(value));
 }
+void setPaperLtypeScale(CDataVariables& vars, const long& value) {
+  vars.setPaperLtypeScale(value != 0);
+}
 void setLineweightShown(CDataVariables& vars, const long& value) {
   vars.setLineweightShown(value != 0);
 }
@@ -99,6 +102,7 @@ constexpr Variable<long> kIntegerVariables[] = {
     {u"$PDMODE", setPointMode, true},
     {u"$LWDEFAULT", setDefaultLineweight, true},
     {u"$LWDISPLAY", setLineweightShown, true},
+    {u"$PSLTSCALE", setPaperLtypeScale, true},
     {u"$INSUNITS", setUnits, true},
 };
 
@@ -219,6 +223,8 @@ void HeaderSection::takeReals(const zim::WString& name, const double (&value)[3]
     m_insertionBase = PNT_3D(value[0], value[1], value[2]);
     if (m_insertionBase != PNT_3D(0, 0, 0)) noteSetting(ReportCode::SettingDropped, name);
   }
+  if (zim::equalsIgnoreCase(name, u"$PLIMMIN")) m_sheetMin = PNT_2D(value[0], value[1]);
+  if (zim::equalsIgnoreCase(name, u"$PLIMMAX")) m_sheetMax = PNT_2D(value[0], value[1]);
   if (!m_in.semantor.shouldReadHeaders()) return;
   setVariable(kRealVariables, name, m_in, value);
 }
@@ -233,6 +239,14 @@ void HeaderSection::takeInteger(const zim::WString& name, long value) {
       noteSetting(setting.code, name);
   if (!m_in.semantor.shouldReadHeaders()) return;
   setVariable(kIntegerVariables, name, m_in, value);
+}
+
+RECT_2D HeaderSection::getSheetLimits() const {
+  RECT_2D limits;
+  limits.initRegion();
+  if (m_sheetMin.x < m_sheetMax.x && m_sheetMin.y < m_sheetMax.y)
+    limits.set(m_sheetMin.x, m_sheetMin.y, m_sheetMax.x, m_sheetMax.y);
+  return limits;
 }
 
 // When importing, the drawing keeps its own.

@@ -3,6 +3,7 @@
 #include "dxf/in/convert/dimstyles.h"
 #include "dxf/in/parse/sectioninput.h"
 #include "vek0core/geometry/pnt.h"
+#include "vek0core/geometry/rect.h"
 
 namespace vek0::detail {
 
@@ -30,6 +31,8 @@ class HeaderSection {
   long getUnits() const { return m_units; }
   long getMeasurement() const { return m_measurement; }
   const PNT_3D& getInsertionBase() const { return m_insertionBase; }
+  /// Limits of the current sheet; empty unless the header states both corners in order.
+  RECT_2D getSheetLimits() const;
 
  private:
   struct Value;
@@ -49,6 +52,7 @@ class HeaderSection {
   zim::WString m_versionName, m_codePageName;
   long m_units = 0, m_measurement = -1;
   PNT_3D m_insertionBase{0, 0, 0};
+  PNT_2D m_sheetMin{0, 0}, m_sheetMax{0, 0};
 };
 
 }  // namespace vek0::detail

@@ -28,6 +28,7 @@ struct LayerEntries::Entry {
   long flags = 0;
   LAYER_TRAITS traits;
   bool isTransparency = false;  // of the application whose data is being read
+  std::uint64_t handle = 0;     // 0 for none
 };
 
 void LayerEntries::read() {
@@ -35,14 +36,25 @@ void LayerEntries::read() {
   for (;;) {
     const long code = m_in.read();
     if (m_in.failed()) return;
-    if (code == 0) return create(entry);
+    if (code == 0) {
+      create(entry);
+      return keepHandle(entry);
+    }
     takePair(code, entry);
     if (m_in.failed() && !m_in.spareNumber()) return;
   }
 }
 
+void LayerEntries::keepHandle(const Entry& entry) {
+  if (m_in.failed() || entry.handle == 0) return;
+  if (CLayer* layer = m_in.semantor.getLayer(entry.name)) m_handles.emplace(entry.handle, layer);
+}
+
 void LayerEntries::takePair(long code, Entry& entry) {
   switch (code) {
+    case 5:
+      entry.handle = parseHex(m_in.lexer.getBytes());
+      break;
     case 2:
       entry.name = m_in.lexer.getText();
       break;

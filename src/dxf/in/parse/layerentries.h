@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -20,6 +22,11 @@ class LayerEntries {
   /// Gives the layers of linetypes that were still unknown the linetypes that later tables
   /// declared.
   void settle();
+  /// The layer whose entry has the handle; null if there is none.
+  CLayer* find(std::uint64_t handle) const {
+    const auto found = m_handles.find(handle);
+    return found == m_handles.end() ? nullptr : found->second;
+  }
 
  private:
   struct Entry;
@@ -34,10 +41,12 @@ class LayerEntries {
   void leaveOut(long code, const Entry& entry);
   CLtype* usualLtype(const zim::WString& name) const;
   void create(Entry& entry);
+  void keepHandle(const Entry& entry);
   void place(const Entry& entry);
 
   SectionInput& m_in;
   std::vector<std::pair<CLayer*, zim::WString>> m_unsettled;  // layers of unknown linetypes
+  std::unordered_map<std::uint64_t, CLayer*> m_handles;
 };
 
 }  // namespace vek0::detail

@@ -63,6 +63,10 @@ void SectionInput::note(ReportCode code, const zim::WString& sample) const {
   if (m_options.report) m_options.report->add(code, lexer.getLine(), sample);
 }
 
+void SectionInput::noteAt(long line, ReportCode code, const zim::WString& sample) const {
+  if (m_options.report) m_options.report->add(code, line, sample);
+}
+
 bool SectionInput::tolerates(CFileDXFIError::TDXFErrors kind) {
   if (!isTolerant()) fail(kind);
   return isTolerant();

@@ -63,6 +63,8 @@ class SectionInput {
   long faultLine() const { return m_faultLine != 0 ? m_faultLine : lexer.getLine(); }
 
   void note(ReportCode code, const zim::WString& sample = {}) const;
+  /// The same for an earlier line.
+  void noteAt(long line, ReportCode code, const zim::WString& sample) const;
   /// Whether reading goes on despite a violation of the rules; under the strict policy it is an
   /// error. The caller notes how the violation was repaired.
   bool tolerates(CFileDXFIError::TDXFErrors kind);

@@ -25,6 +25,8 @@ class TablesSection {
   void skipTable() { m_in.skipTo("ENDTAB"); }
   /// Finishes layers whose linetypes follow later in the file. Call it at the end of the file.
   void settle() { m_layers.settle(); }
+  /// The layer whose entry has the handle; null if there is none.
+  CLayer* findLayer(std::uint64_t handle) const { return m_layers.find(handle); }
 
  private:
   template <class ReadEntry>

@@ -142,6 +142,10 @@ EntPtr EntityReader::read(EntityKinds kinds) {
     if (isLeftOut()) return nullptr;
     return inPlane ? placed(std::move(ent)) : std::move(ent);
   }
+  if (kinds == EntityKinds::All && records.lexer().isKeyword("VIEWPORT") && isOnKeptSheet()) {
+    takeViewport();
+    return nullptr;
+  }
   const std::optional<ReportCode> loss = lossOf(records.lexer(), kinds);
   if (kinds == EntityKinds::All) {
     skipKind(loss);
@@ -150,6 +154,17 @@ EntPtr EntityReader::read(EntityKinds kinds) {
     records.skip();
   }
   return nullptr;
+}
+
+// Outside blocks, viewports are always on a sheet.
+bool EntityReader::isOnKeptSheet() const {
+  return records.keepsSheets() && (!records.inBlock || !records.sheet.empty());
+}
+
+void EntityReader::takeViewport() {
+  records.begin();
+  ReadViewport viewport;
+  if (readViewport(records, viewport)) viewports.push_back(std::move(viewport));
 }
 
 // Viewport number 1 is the sheet itself.
@@ -180,6 +195,7 @@ bool EntityReader::isLeftOut() {
 }
 
 bool EntityReader::isOtherSpace(bool onPaper) {
+  if (records.keepsSheets()) return false;
   const bool isSheet = !records.sheet.empty();
   if (isSheet || (onPaper && !records.inBlock)) records.sheetUsed[isSheet] = true;
   if (records.inBlock) return isSheet;

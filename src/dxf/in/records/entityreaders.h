@@ -9,6 +9,7 @@
 #include "dxf/in/records/clipreader.h"
 #include "dxf/in/records/hatchreader.h"
 #include "dxf/in/records/polylinereader.h"
+#include "dxf/in/records/viewportreader.h"
 #include "vek0core/files/reportcode.h"
 
 namespace vek0::detail {
@@ -32,8 +33,12 @@ class EntityReader {
   HatchReader hatches{records};
   CurveReader curves{records};
   ClipReader clips{records};
+  /// The viewports read since the host took them, if sheets are kept.
+  std::vector<ReadViewport> viewports;
 
  private:
+  bool isOnKeptSheet() const;
+  void takeViewport();
   void skipKind(std::optional<ReportCode> loss);
   bool isLeftOut();
   bool isOtherSpace(bool onPaper);
