@@ -10,7 +10,8 @@ void addReadOptions(CLI::App& app, ReadOptions& options) {
   CLI::Option* strict =
       app.add_flag("--strict", options.strict,
                    "Reject files that violate the format; skip unsupported entities");
-  app.add_flag("--paper-space", options.paperSpace, "Read paper space instead of model space")
+  app.add_flag("--paper-space", options.paperSpace,
+               "Read the current sheet instead of the model; render plots its layout")
       ->excludes(strict);
   app.add_option_function<std::string>(
          "--encoding",

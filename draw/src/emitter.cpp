@@ -87,6 +87,7 @@ bool Emitter::look() {
 bool Emitter::spend(std::size_t points) {
   if (points > m_pointsLeft) m_result.cut = true;
   m_pointsLeft -= std::min(points, m_pointsLeft);
+  m_result.points += points;
   charge(static_cast<double>(points));
   return !m_result.cut;
 }

@@ -121,7 +121,8 @@ Walker::Walker(const CData& data, const IProjector& projector, const CWndVpt& wi
 bool Walker::isShown(const CEnt& ent) const {
   if (!ent.getTraits().isVisible) return false;
   const CLayer* layer = m_stack.ResolveLayer(ent);
-  return m_options.hiddenLayers || !layer || !isHidden(ent, *layer);
+  if (m_options.hiddenLayers || !layer) return true;
+  return !isHidden(ent, *layer) && (!m_frozen || m_frozen->count(layer) == 0);
 }
 
 void Walker::draw(CEnt& ent) {
@@ -142,6 +143,15 @@ bool Walker::reaches(const CEnt& ent, const RECT_2D& box) const {
   RECT_2D reached = box;
   reached.inflate(scale * m_textReach, scale * m_textReach);
   return reached.intersect(m_window);
+}
+
+// Returns whether anything of the polygon is in the window.
+bool Walker::narrowWindow(const std::vector<PNT_2D>& boundary) {
+  RECT_2D box;
+  box.set(boundary.data(), static_cast<int>(boundary.size()));
+  box.inflate(m_penReach, m_penReach);
+  const RECT_2D window = m_window;
+  return window.intersect(box, m_window);
 }
 
 // Points extend beyond their boxes, because their size depends on the display.

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "arraycells.h"
@@ -53,6 +54,21 @@ class Walker final : public IEntVisitor, private IPatternSink {
     return m_out.result();
   }
 
+  using Layers = std::unordered_set<const CLayer*>;
+  /// The same within a polygon of the device, and without these layers.
+  template <class Entities>
+  DRAW_RESULT runWithin(const Entities& entities, const std::vector<PNT_2D>& boundary,
+                        const Layers& hidden) {
+    m_frozen = hidden.empty() ? nullptr : &hidden;
+    if (m_hasDevice && narrowWindow(boundary)) {
+      const bool clips = m_out.pushClip(boundary);
+      run(entities);
+      if (clips) m_out.popClip();
+    }
+    m_frozen = nullptr;
+    return m_out.result();
+  }
+
   using IEntVisitor::visit;
   void visit(CEntPnt& ent) override;
   void visit(CEntLine& ent) override;
@@ -69,13 +85,16 @@ class Walker final : public IEntVisitor, private IPatternSink {
   void visit(CEnt3DFace& ent) override;
 
  private:
+  bool narrowWindow(const std::vector<PNT_2D>& boundary);
   bool isShown(const CEnt& ent) const;
   void draw(CEnt& ent);
   bool isSkipped(const CEnt& ent, const RECT_2D& box);
   void begin(const CEnt& ent);
 
   // Paths: lines and entities made of them.
-  double patternScale() const { return m_data.getVars().getLtypeScale() * m_ltypeScale; }
+  double patternScale() const {
+    return m_data.getVars().getLtypeScale() * m_ltypeScale * m_options.patternFactor;
+  }
   bool reaches(const CEnt& ent, const RECT_2D& box) const;
   RGB_COLOR colorOf(const CEnt& ent, const ENT_TRAITS& traits) const;
   const CLtypeComplexDashSeq* pattern() const;
@@ -157,6 +176,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
 
   const CData& m_data;
   const DRAW_OPTIONS& m_options;
+  const Layers* m_frozen = nullptr;  // hidden in addition to those of the drawing; null for none
   BlockTrees* const m_blocks;
   ShownBoxes m_ownBoxes;
   ShownBoxes& m_boxes;

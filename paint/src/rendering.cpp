@@ -9,6 +9,7 @@
 
 #include "vek0core/view/wndvpt.h"
 #include "vek0draw/draw.h"
+#include "vek0draw/layoutdrawing.h"
 #include "vek0host/drawingfile.h"
 #include "vek0host/layerchoice.h"
 #include "vek0host/outputfile.h"
@@ -74,6 +75,53 @@ std::string joined(const std::vector<std::string>& names) {
   return text;
 }
 
+std::string stemOf(const std::string& path) {
+  const std::u8string stem = toPath(path).stem().u8string();
+  return std::string(stem.begin(), stem.end());
+}
+
+// The files of pictures that show parts of a drawing: the output's name, with that of the part.
+class PartNames {
+ public:
+  PartNames(const std::string& out, const char* extension)
+      : m_folder(toPath(out).parent_path()), m_stem(stemOf(out)), m_extension(extension) {}
+
+  // Each call returns another name.
+  std::string next(const zim::WString& part) {
+    // Names may have 255 bytes, of which number and extension need a few.
+    constexpr std::size_t kMostForBoth = 235, kMostForPart = 100;
+    // At least some room remains for the part, even with a very long file name.
+    const std::size_t room = kMostForBoth - std::min(kMostForBoth, m_stem.size());
+    const std::string wanted = m_stem + "-" + fileName(part.toUtf8(), std::min(kMostForPart, room));
+    std::string stem = wanted;
+    for (int n = 2; !m_names.insert(stem).second; ++n) stem = wanted + "-" + std::to_string(n);
+    const std::u8string file = (m_folder / toPath(stem + "." + m_extension)).u8string();
+    return std::string(file.begin(), file.end());
+  }
+
+ private:
+  // A name without characters invalid in file names; long names are cut between characters.
+  static std::string fileName(std::string name, std::size_t most) {
+    if (name.size() > most) {
+      std::size_t end = most;
+      // Bytes 10xxxxxx continue a UTF-8 character.
+      while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80) --end;
+      name.resize(end);
+    }
+    for (char& c : name) {
+      if (static_cast<unsigned char>(c) < ' ' ||
+          std::string("/\\:*?\"<>|").find(c) != std::string::npos) {
+        c = '_';
+      }
+    }
+    return name;
+  }
+
+  std::filesystem::path m_folder;
+  std::string m_stem, m_extension;
+  std::unordered_set<std::string> m_names;
+};
+
 // Renders drawings one after the other; failures go to the session.
 class Renderer {
  public:
@@ -95,7 +143,7 @@ class Renderer {
 
   void render(const std::string& in, const std::string& out) {
     // With several layers there are several files, which are checked one by one.
-    if (!m_options.splitLayers && !isWritable(out)) return;
+    if (!isNamedAfter() && !isWritable(out)) return;
     const Drawing data = newDrawing();
     // Fonts are found by name.
     const ReadResult result = loadFile(*data, in, m_session, true);
@@ -107,6 +155,7 @@ class Renderer {
     if (layers.showsNone())
       return fail(kDrawingFailed, in + ": no layer is named " + joined(m_options.layers));
     for (const std::string& name : layers.unmatched()) warn(in + ": no layer is named " + name);
+    if (m_options.layout || m_options.currentLayout) return renderLayouts(*data, in, out);
     const PICTURE picture = layOutDrawing(*data, in, result, layers);
     if (!picture.error.empty()) return fail(kWrongUsage, in + ": " + picture.error);
     if (m_options.splitLayers) {
@@ -117,6 +166,10 @@ class Renderer {
   }
 
  private:
+  // Whether the pictures have names of their own, made from that of the output.
+  bool isNamedAfter() const { return m_options.splitLayers || plotsAll(); }
+  bool plotsAll() const { return m_options.layout == "all"; }
+
   void fail(Failure code, const std::string& message) { m_session.fail(code, message); }
   void warn(const std::string& message, const std::string& details = "") const {
     m_session.notify(message, details);
@@ -155,11 +208,36 @@ class Renderer {
     constexpr double kMmPerMeter = 1000;
     PICTURE_OPTIONS layout = m_options.picture;
     layout.unitMm = unitInMeters(drawingUnit).value_or(1 / kMmPerMeter) * kMmPerMeter;
-    layout.defaultWeight = data.getVars().getDefaultLineweight() / 100.0;
-    PICTURE picture = layOut(layout, extents);
+    PICTURE picture = layOutIn(data, in, layout, extents);
     if (!picture.error.empty() && layout.scale && m_options.unit.empty())
       picture.error +=
           "; the drawing unit is assumed to be 1 " + drawingUnit + "; --unit overrides it";
+    return picture;
+  }
+
+  // A plot shows the paper; options replace its size, scale or window.
+  PICTURE layOutSheet(const CData& data, const std::string& in, const CLayout& layout) {
+    const PLOT_SETTINGS& plot = layout.getPlot();
+    PICTURE_OPTIONS options = m_options.picture;
+    options.unitMm = plot.scale > 0 ? plot.scale : 1;
+    const RECT_2D paper = layout.getPaper();
+    const std::string name = layout.getName().toUtf8();
+    if (!paper.validRegion()) {
+      warn(in + ": layout " + name + " has no paper size and is fitted to its content");
+      if (!layout.getBdry().validRegion()) warn(in + ": layout " + name + " is empty");
+      return layOutIn(data, in, options, layout.getBdry());
+    }
+    const bool isPlain = !options.size && !options.scale && !options.window;
+    if (isPlain) options.size = {plot.width, plot.height, true};
+    if (isPlain) options.scale = 1;
+    if (!options.window) options.window = paper;
+    return layOutIn(data, in, options, paper);
+  }
+
+  PICTURE layOutIn(const CData& data, const std::string& in, PICTURE_OPTIONS layout,
+                   const RECT_2D& extents) {
+    layout.defaultWeight = data.getVars().getDefaultLineweight() / 100.0;
+    PICTURE picture = layOut(layout, extents);
     picture.sheet.background = m_drawOptions.background;
     picture.sheet.transparent = !m_options.background;
     if (in != "-") picture.sheet.title = fileTitle(in);
@@ -177,17 +255,14 @@ class Renderer {
     return picture;
   }
 
-  static std::string stemOf(const std::string& path) {
-    const std::u8string stem = toPath(path).stem().u8string();
-    return std::string(stem.begin(), stem.end());
-  }
-
   static std::string fileTitle(const std::string& path) {
     // File names may be any bytes, titles may not.
     return zim::WString::fromUtf8(stemOf(path)).toUtf8();
   }
 
-  void draw(const CData& data, const PICTURE& picture, const std::string& out, bool evenEmpty) {
+  // `layout` is null for the model.
+  void draw(const CData& data, const PICTURE& picture, const std::string& out, bool evenEmpty,
+            const CLayout* layout = nullptr) {
     OutputFile output(out, m_options.force, OutputFile::Bytes);
     if (!output.error().empty()) return fail(kOutputFailed, output.error());
     CWndVpt window(1);
@@ -199,7 +274,8 @@ class Renderer {
     bool written = file.open();
     if (written) {
       const auto painter = makePainter(m_options, file, picture.sheet, m_fonts);
-      result = drawData(data, *m_projector, window, *painter, m_drawOptions);
+      result = layout ? drawLayout(data, *layout, window, *painter, m_drawOptions)
+                      : drawData(data, *m_projector, window, *painter, m_drawOptions);
       // The painter writes the rest of the document, so its success counts as well.
       written = painter->finish() && !file.fail();
       file.close();
@@ -230,40 +306,49 @@ class Renderer {
   // One picture per layer with content, all with the same layout.
   void renderLayers(CData& data, const LayerChoice& layers, const PICTURE& picture,
                     const std::string& out) {
-    std::unordered_set<std::string> names;
-    const std::filesystem::path path = toPath(out);
-    // Names may have 255 bytes, of which number and extension need a few.
-    constexpr std::size_t kMostForBoth = 235, kMostForLayer = 100;
-    // At least some room remains for the layer, even with a very long file name.
-    const std::size_t room = kMostForBoth - std::min(kMostForBoth, stemOf(out).size());
+    PartNames names(out, nameOf(m_format));
     for (const CLayer* layer : layers.visible()) {
       layers.showOnly(layer);
-      const std::string wanted =
-          stemOf(out) + "-" +
-          fileName(layer->getFullName().toUtf8(), std::min(kMostForLayer, room));
-      std::string stem = wanted;
-      for (int n = 2; !names.insert(stem).second; ++n) stem = wanted + "-" + std::to_string(n);
-      const std::u8string file =
-          (path.parent_path() / toPath(stem + "." + nameOf(m_format))).u8string();
-      draw(data, picture, std::string(file.begin(), file.end()), false);
+      draw(data, picture, names.next(layer->getFullName()), false);
     }
   }
 
-  // A layer's name without characters invalid in file names; long names are cut between characters.
-  static std::string fileName(std::string name, std::size_t most) {
-    if (name.size() > most) {
-      std::size_t end = most;
-      // Bytes 10xxxxxx continue a UTF-8 character.
-      while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80) --end;
-      name.resize(end);
-    }
-    for (char& c : name) {
-      if (static_cast<unsigned char>(c) < ' ' ||
-          std::string("/\\:*?\"<>|").find(c) != std::string::npos) {
-        c = '_';
+  void renderLayouts(const CData& data, const std::string& in, const std::string& out) {
+    const std::vector<const CLayout*> layouts = chosenLayouts(data);
+    if (layouts.empty()) return fail(kDrawingFailed, in + ": " + whyNoLayout(data));
+    PartNames names(out, nameOf(m_format));
+    for (const CLayout* layout : layouts) {
+      const PICTURE picture = layOutSheet(data, in, *layout);
+      const std::string name = layout->getName().toUtf8();
+      if (!picture.error.empty()) {
+        fail(kWrongUsage, in + ": layout " + name + ": " + picture.error);
+        continue;
       }
+      const std::vector<VIEWPORT>& views = layout->getViewports();
+      if (std::any_of(views.begin(), views.end(), [](const auto& v) { return !v.isPlan; }))
+        warn(in + ": layout " + name + ": views that are not from above are not shown");
+      draw(data, picture, plotsAll() ? names.next(layout->getName()) : out, true, layout);
     }
-    return name;
+  }
+
+  std::vector<const CLayout*> chosenLayouts(const CData& data) const {
+    const CLayoutTable& all = data.getLayouts();
+    std::vector<const CLayout*> chosen;
+    if (!m_options.layout)
+      chosen.push_back(all.getActive());
+    else if (!plotsAll())
+      chosen.push_back(all.get(zim::WString::fromUtf8(*m_options.layout)));
+    for (int i = 0; plotsAll() && i < all.size(); ++i) chosen.push_back(&all[i]);
+    std::erase(chosen, nullptr);
+    return chosen;
+  }
+
+  std::string whyNoLayout(const CData& data) const {
+    std::vector<std::string> names;
+    for (int i = 0; i < data.getLayouts().size(); ++i)
+      names.push_back(data.getLayouts()[i].getName().toUtf8());
+    if (names.empty()) return "the drawing has no layouts";
+    return "no layout is named " + *m_options.layout + "; there are: " + joined(names);
   }
 
   const RenderOptions& m_options;

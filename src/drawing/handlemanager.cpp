@@ -36,6 +36,11 @@ void CHandleManager::start(CData& data) {
   });
   m_next = std::min(highest, kHighest) + 1;
   m_isStarted = true;
+  for (int i = 0; i < data.getLayouts().size(); ++i) {
+    std::vector<VIEWPORT> viewports = data.getLayouts()[i].setViewports({});
+    for (VIEWPORT& viewport : viewports) viewport.handle = bookHandle(viewport.handle);
+    data.getLayouts()[i].setViewports(std::move(viewports));
+  }
   for (const CEnt* ent : without) reserve(ent);
 }
 

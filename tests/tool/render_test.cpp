@@ -75,12 +75,12 @@ TEST_F(Render, SaysWhatIsNotShown) {
   write("b.dxf", drawingWith(line("A", 0, 0, 1, 1) + "67\n1\n"));
   const Outcome sheet = run("render b.dxf -o b.svg");
   EXPECT_EQ(sheet.code, 0);
-  EXPECT_NE(sheet.err.find("1 entity is on a sheet, which --paper-space shows"), std::string::npos)
+  EXPECT_NE(sheet.err.find("1 entity is on sheets, which render --layout shows"), std::string::npos)
       << sheet.err;
   write("c.dxf", "0\nSECTION\n2\nBLOCKS\n0\nBLOCK\n2\n*Paper_Space0\n" + line("A", 0, 0, 1, 1) +
                      "0\nENDBLK\n0\nENDSEC\n0\nEOF\n");
   const Outcome other = run("render c.dxf -o c.svg");
-  EXPECT_NE(other.err.find("1 entity is on other sheets"), std::string::npos) << other.err;
+  EXPECT_NE(other.err.find("1 entity is on sheets"), std::string::npos) << other.err;
 }
 
 // Hidden or unprinted content must neither shrink the picture nor coarsen its arcs.

@@ -91,7 +91,11 @@ void run(Arguments& arguments, Session& session) {
   if (!format)
     return session.fail(kWrongUsage,
                         "the output must end in .svg, .png or .pdf, unless --format is given");
-  if (arguments.out == "-" && (arguments.all || arguments.render.splitLayers))
+  // The short form for the current layout; elsewhere the option reads the sheet as the model.
+  if (session.reading.paperSpace) arguments.render.currentLayout = !arguments.render.layout;
+  session.reading.paperSpace = false;
+  const bool isPlural = arguments.render.splitLayers || arguments.render.layout == "all";
+  if (arguments.out == "-" && (arguments.all || isPlural))
     return session.fail(kWrongUsage, "several pictures cannot be written to the standard output");
   useArguments(arguments);
   arguments.render.picture.format = *format;
@@ -139,6 +143,9 @@ void addViewOptions(CLI::App& verb, Arguments& arguments) {
   verb.add_option("--window", arguments.window, "Part to show, in drawing units of the view")
       ->type_name("X1,Y1,X2,Y2")
       ->check(isA("a window like 0,0,100,50", parseWindow));
+  verb.add_option("--layout", arguments.render.layout,
+                  "Plot this layout to scale on its paper, with its viewports; all plots every one")
+      ->type_name("NAME");
   verb.add_option("--view", arguments.render.view,
                   "plan, front, side, plan:DEG or parallel:a,b,c,d")
       ->type_name("VIEW")
@@ -203,12 +210,14 @@ void addRenderCommand(CLI::App& app, Session& session) {
   addReferenceOptions(*verb, arguments->render.references);
   verb->add_flag("--all", arguments->all, "Render every IN into the folder given by -o");
   verb->add_flag("--split-layers", arguments->render.splitLayers,
-                 "One picture per layer (OUT-LAYER.svg and so on), all with the same window");
+                 "One picture per layer (OUT-LAYER.svg and so on), all with the same window")
+      ->excludes("--layout");
   verb->add_flag("-f,--force", arguments->render.force, "Replace output files that exist");
   verb->footer(
       "Examples:\n"
       "  vek0 render plan.dxf -o plan.svg\n"
       "  vek0 render plan.dxf -o plan.pdf --paper A3 --scale 1:50\n"
+      "  vek0 render plan.dxf -o plan.pdf --layout all\n"
       "  vek0 render plan.dxf -o plan.png --size 1920x1080 --background black\n"
       "  vek0 render plan.dxf -o part.svg --window 0,0,500,300 --layers WALLS 'DOOR*'\n"
       "  vek0 render site.dxf -o site.svg --search /library\n"

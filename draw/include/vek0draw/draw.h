@@ -35,6 +35,8 @@ struct DRAW_OPTIONS {
   /// Linetypes with a shorter period, in device units, are drawn continuous: their dashes would
   /// merge.
   double finestPattern = 1;
+  /// Factor of all linetype patterns, besides the scales of the drawing and its entities.
+  double patternFactor = 1;
   /// Whether to show layers that are off or frozen.
   bool hiddenLayers = false;
   /// Extent of the painter's own pen beyond the points passed to it, in device units: half its
@@ -76,7 +78,8 @@ struct DRAW_RESULT {
   /// Hatches whose pattern was too dense for lines (`CData::getHatchLimit`), and that show their
   /// boundaries instead.
   std::size_t missing = 0;
-  bool cut = false;  ///< a limit was reached, or inserts are nested too deep
+  std::size_t points = 0;  ///< what counts towards `pointLimit`
+  bool cut = false;        ///< a limit was reached, or inserts are nested too deep
 };
 
 /// Emits the part of model space visible in the window to the painter, in drawing order: inserts

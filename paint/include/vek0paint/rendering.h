@@ -21,8 +21,12 @@ struct RenderOptions {
   std::vector<std::string> layers, hiddenLayers;  ///< see `LayerChoice`
   bool withReferences = true;                     ///< show external references
   host::ReferenceOptions references;
-  bool splitLayers = false;  ///< one picture per layer that shows something
-  bool force = false;        ///< replace existing files
+  /// Name of the layout to plot; "all": every layout, in one PDF or one picture each. Nothing: the
+  /// model.
+  std::optional<std::string> layout;
+  bool currentLayout = false;  ///< plot the layout that was current when the drawing was saved
+  bool splitLayers = false;    ///< one picture per layer that shows something
+  bool force = false;          ///< replace existing files
 };
 
 /// Renders a drawing ("-": standard input) to a file ("-": standard output). Reports failures and

@@ -40,6 +40,9 @@ bool isActive(const zim::WString& block) {
 
 // The corners of a boundary made of that entity; none if it encloses nothing or has too many.
 std::vector<PNT_2D> cornersOf(const CEnt& ent, std::size_t room) {
+  // Boundaries drawn by hand have dozens, and painters look at each again and again.
+  constexpr std::size_t most = 10'000;
+  room = std::min(room, most);
   std::vector<PNT_2D> corners;
   if (ent.getType() == CEntCircle::kType) {
     constexpr int chords = 128;

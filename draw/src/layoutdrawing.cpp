@@ -1,0 +1,145 @@
+// A viewport is another view of the same device: the window that it would have if it filled the
+// page is set from the page's, so that the model lands where the viewport is. The walker then
+// narrows its window to the boundary.
+#include "vek0draw/layoutdrawing.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <new>
+#include <unordered_set>
+#include <vector>
+
+#include "vek0core/geometry/finite.h"
+#include "walker.h"
+
+namespace vek0::detail {
+namespace {
+
+// Entities that take as long to visit as it takes to prepare a view, even an empty one.
+constexpr std::size_t kCostOfView = 20'000;
+
+class LayoutDrawing {
+ public:
+  LayoutDrawing(const CData& data, const CLayout& layout, const CWndVpt& window, IPainter& painter,
+                const DRAW_OPTIONS& options)
+      : m_data(data), m_layout(layout), m_window(window), m_painter(painter), m_options(options) {}
+
+  DRAW_RESULT run() {
+    const bool viewsFirst = m_layout.getPlot().viewportsFirst;
+    if (viewsFirst) drawViews();
+    drawSheet();
+    if (!viewsFirst) drawViews();
+    return m_result;
+  }
+
+ private:
+  void drawSheet() {
+    std::vector<CEnt*> entities;
+    CBlock& sheet = m_layout.getBlock();
+    for (unsigned i = 0; i < sheet.size(); ++i) entities.push_back(sheet[i]);
+    std::vector<std::unique_ptr<CEnt>> frames;
+    for (const VIEWPORT& viewport : m_layout.getViewports()) {
+      frames.push_back(frameOf(viewport));
+      entities.push_back(frames.back().get());
+    }
+    Walker walker(m_data, CPOProjector(), m_window, m_painter, m_options);
+    add(walker.run(entities));
+  }
+
+  // The frame as the entity that it looks like. It is in no table, and gets no handle of the
+  // drawing.
+  std::unique_ptr<CEnt> frameOf(const VIEWPORT& viewport) const {
+    CHandleGestorFoo none;
+    CEntFactory& factory = m_data.getEntFactory();
+    std::unique_ptr<CEntPolyline> frame(
+        factory.createEntPolyline(none, viewport.layer, viewport.ltype, viewport.color,
+                                  CEntPolyline::kClosed, 0, viewport.handle));
+    if (!frame) throw std::bad_alloc();
+    frame->setTraits(viewport.traits);
+    for (const PNT_2D& corner : viewport.outline()) {
+      std::unique_ptr<CVertex> vertex(
+          factory.createVertex(none, PNT_3D(corner.x, corner.y, 0), 0, 0, 0));
+      if (!vertex) throw std::bad_alloc();
+      frame->addVertex(*vertex.release());
+    }
+    return frame;
+  }
+
+  void drawViews() {
+    for (const VIEWPORT& viewport : m_layout.getViewports()) {
+      const bool isOver = m_options.limit == 0 || m_options.pointLimit == 0;
+      if (isOver) m_result.cut = true;
+      if (isOver) return;
+      if (viewport.isOn && viewport.isPlan) drawView(viewport);
+    }
+  }
+
+  void drawView(const VIEWPORT& viewport) {
+    CWndVpt window(1);
+    std::vector<PNT_2D> boundary;
+    for (const PNT_2D& corner : viewport.outline())
+      boundary.emplace_back(m_window.getViewX(corner.x), m_window.getViewY(corner.y));
+    if (!isOnPage(boundary) || !findWindow(viewport, window)) return;
+    m_options.limit -= std::min(m_options.limit, kCostOfView);
+    DRAW_OPTIONS options = m_options;
+    if (m_data.getVars().isPaperLtypeScale()) options.patternFactor /= viewport.scale();
+    const CPORotatedProjector projector(-viewport.twistRad, viewport.target.x, viewport.target.y);
+    Walker walker(m_data, projector, window, m_painter, options);
+    const std::unordered_set<const CLayer*> frozen(viewport.frozen.begin(), viewport.frozen.end());
+    add(walker.runWithin(m_data.getEntTable().getEntityTbl(), boundary, frozen));
+  }
+
+  bool isOnPage(const std::vector<PNT_2D>& boundary) const {
+    long width, height;
+    m_window.get(width, height);
+    RECT_2D box, page(0, 0, static_cast<double>(width), static_cast<double>(height));
+    box.set(boundary.data(), static_cast<int>(boundary.size()));
+    return box.intersect(page);
+  }
+
+  // The part of the view's plane that would fill the device.
+  bool findWindow(const VIEWPORT& viewport, CWndVpt& window) const {
+    const double scale = viewport.scale();
+    const RECT_2D& page = m_window.getWindow();
+    const auto toView = [&](const PNT_2D& p) {
+      return PNT_2D(viewport.viewCenter.x + (p.x - viewport.center.x) / scale,
+                    viewport.viewCenter.y + (p.y - viewport.center.y) / scale);
+    };
+    const RECT_2D shown(toView(page.min), toView(page.max));
+    if (!(scale > 0) || !isFinite(shown)) return false;
+    long width, height;
+    m_window.get(width, height);
+    window.resize(width, height);
+    window.set(shown);
+    return true;
+  }
+
+  // What one view used up is not available to the others.
+  void add(const DRAW_RESULT& part) {
+    m_result.emitted += part.emitted;
+    m_result.looked += part.looked;
+    m_result.points += part.points;
+    m_result.unclipped += part.unclipped;
+    m_result.simplified += part.simplified;
+    m_result.missing += part.missing;
+    m_result.cut = m_result.cut || part.cut;
+    m_options.limit -= std::min(m_options.limit, std::max(part.emitted, part.looked));
+    m_options.pointLimit -= std::min(m_options.pointLimit, part.points);
+  }
+
+  const CData& m_data;
+  const CLayout& m_layout;
+  const CWndVpt& m_window;
+  IPainter& m_painter;
+  DRAW_OPTIONS m_options;
+  DRAW_RESULT m_result;
+};
+
+}  // namespace
+}  // namespace vek0::detail
+
+DRAW_RESULT drawLayout(const CData& data, const CLayout& layout, const CWndVpt& window,
+                       IPainter& painter, const DRAW_OPTIONS& options) {
+  return vek0::detail::LayoutDrawing(data, layout, window, painter, options).run();
+}
