@@ -143,6 +143,12 @@ void Emitter::stroke(const std::vector<PNT_2D>& points, bool closed) {
   m_painter.stroke(points.data(), points.size(), closed);
 }
 
+void Emitter::dashedStroke(const std::vector<PNT_2D>& points, const DrawDashes& dashes,
+                           double distance) {
+  if (!spend(points.size()) || points.size() < 2 || !areNear(points) || !admit()) return;
+  m_painter.dashedStroke(points.data(), points.size(), dashes, distance);
+}
+
 bool Emitter::arc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
   const bool near = isNear(center) && isNear({radius, startRad}) && isNear(sweepRad);
   if (!spend(kPointsPerArc) || !near || !admit()) return true;

@@ -23,6 +23,8 @@ class Emitter {
   void begin(const DrawItem& item);
 
   void stroke(const std::vector<PNT_2D>& points, bool closed);
+  bool hasDashes() const { return m_painter.hasDashes(); }
+  void dashedStroke(const std::vector<PNT_2D>& points, const DrawDashes& dashes, double distance);
   /// Returns false, emitting nothing, if the painter has no arcs.
   bool arc(const PNT_2D& center, double radius, double startRad, double sweepRad);
   void fill(const std::vector<PNT_2D>& points, const std::vector<std::size_t>& ends, FillRule rule);

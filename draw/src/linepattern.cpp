@@ -35,6 +35,8 @@ class Walk {
 
   double length() const { return m_at.back(); }
   double at(std::size_t i) const { return m_at[i]; }
+  std::size_t position() const { return m_next; }
+  void goBack(std::size_t position) { m_next = position; }
 
   // The point in the coordinates of the path.
   PNT_3D point(double distance) {
@@ -149,11 +151,42 @@ bool layPattern(const CLtypeComplexDashSeq& dashes, double scale, const PatternW
   if (!(walk.length() > 0) || !std::isfinite(walk.length())) return false;
   // A pattern without length would never advance.
   if (!(period > 0) || !std::isfinite(period)) return false;
+  std::vector<WIDE_VERTEX> piece;
   for (const Stretch& stretch : seenStretches(way, walk)) {
     if (sink.isFull()) break;
+    if (sink.hasStretches()) {
+      const std::size_t start = walk.position();
+      walk.piece(stretch, piece);
+      if (sink.stretch(piece, stretch.from, stretch.to - stretch.from)) continue;
+      walk.goBack(start);
+    }
     layStretch(dashes, scale, walk, stretch, sink);
   }
   return true;
+}
+
+DrawDashes dashesOf(const CLtypeComplexDashSeq& dashes, double scale) {
+  DrawDashes result;
+  std::vector<double>& lengths = result.lengths;
+  double leadingGap = 0, period = 0;
+  for (int i = 0; i < dashes.GetNoDashes(); ++i) {
+    if (dashes[i]->IsText()) return {};
+    const bool isGap = dashes[i]->GetValue() < 0;
+    const double length = std::fabs(dashes[i]->GetValue()) * scale;
+    period += length;
+    if (isGap && lengths.empty())
+      leadingGap += length;
+    else if (isGap == (lengths.size() % 2 == 1))
+      lengths.push_back(length);
+    else
+      lengths.back() += length;
+  }
+  if (lengths.empty()) return {};
+  if (lengths.size() % 2 == 1) lengths.push_back(0);
+  // The pattern begins with a dash, so a gap at its start moves to its end.
+  lengths.back() += leadingGap;
+  result.phase = leadingGap > 0 ? period - leadingGap : 0;
+  return result;
 }
 
 TEXT_3D placeElement(const TEXT_3D& element, const PNT_3D& at, double directionRad, double scale) {

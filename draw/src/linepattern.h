@@ -14,6 +14,11 @@ namespace vek0::detail {
 /// Receives the pieces of a patterned path.
 class IPatternSink {
  public:
+  /// Whether to call `stretch` before the elements of a stretch.
+  virtual bool hasStretches() const = 0;
+  /// Part of the path that begins at `distance` from its start; both lengths are measured in the
+  /// drawing, like the pattern. Returns false to receive its elements one by one.
+  virtual bool stretch(const std::vector<WIDE_VERTEX>& points, double distance, double length) = 0;
   /// In the coordinates of the path, with its widths there.
   virtual void dash(const std::vector<WIDE_VERTEX>& points) = 0;
   virtual void dot(const PNT_3D& at) = 0;  ///< in the same coordinates
@@ -40,6 +45,10 @@ struct PatternWay {
 /// path.
 bool layPattern(const CLtypeComplexDashSeq& dashes, double scale, const PatternWay& way,
                 IPatternSink& sink);
+
+/// The pattern in lengths on the device, where `scale` is that of a unit of the pattern. Empty if
+/// the pattern has texts or no dashes.
+DrawDashes dashesOf(const CLtypeComplexDashSeq& dashes, double scale);
 
 /// Places a text element at the current position and direction of the pattern; `scale` is the
 /// pattern's. Texts without a height use that of their style.

@@ -217,7 +217,11 @@ const CLtypeComplexDashSeq* Walker::pattern() const {
 
 void Walker::strokeWay(bool closed) {
   const CLtypeComplexDashSeq* dashes = pattern();
-  if (!dashes || isTooManyDashes(*dashes)) return drawChain(m_way, closed);
+  m_dashes = dashes && m_out.hasDashes() && m_drawing.isSimilar()
+                 ? dashesOf(*dashes, patternScale() * m_drawing.scale())
+                 : DrawDashes();
+  const bool isDivided = dashes && m_dashes.lengths.empty();
+  if (!dashes || (isDivided && isTooManyDashes(*dashes))) return drawChain(m_way, closed);
   if (!m_out.spend(m_way.size())) return;
   // A pattern continues across the closing segment.
   if (closed && !m_way.empty()) m_way.push_back(m_way.front());
@@ -225,6 +229,22 @@ void Walker::strokeWay(bool closed) {
   m_out.beginUnfolding();
   if (!layPattern(*dashes, patternScale(), way, *this)) drawChain(m_way, false);
   m_out.endUnfolding();
+}
+
+// Dashes of a painter are measured on the device, so a path that the view shortens is divided here.
+bool Walker::stretch(const std::vector<WIDE_VERTEX>& points, double distance, double length) {
+  constexpr double kShortened = 1e-6;
+  if (std::any_of(points.begin(), points.end(), isWide)) return false;
+  m_device.clear();
+  double shown = 0;
+  for (const WIDE_VERTEX& v : points) {
+    m_device.push_back(m_place.apply(v.pnt));
+    if (m_device.size() > 1) shown += m_device.back().dist(m_device[m_device.size() - 2]);
+  }
+  const double scale = m_drawing.scale();
+  if (!(std::fabs(shown - length * scale) <= kShortened * shown)) return false;
+  m_out.dashedStroke(m_device, m_dashes, distance * scale);
+  return true;
 }
 
 // Segments of zero width are strokes, however wide their neighbors are.

@@ -119,6 +119,8 @@ class Walker final : public IEntVisitor, private IPatternSink {
   bool drawTrueArc(const PNT_3D& center, double radius, double start, double sweep);
   int chordsOf(double reach, double sweep) const;
   bool isTooManyDashes(const CLtypeComplexDashSeq& dashes);
+  bool hasStretches() const override { return !m_dashes.lengths.empty(); }
+  bool stretch(const std::vector<WIDE_VERTEX>& points, double distance, double length) override;
   void dash(const std::vector<WIDE_VERTEX>& points) override { drawChain(points, false); }
   void dot(const PNT_3D& at) override { m_out.dot(m_place.apply(at)); }
   void text(const TEXT_3D& element) override;
@@ -208,6 +210,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
   double m_ltypeScale = 1;          // likewise
   std::vector<WIDE_VERTEX> m_way;   // scratch
   std::vector<PNT_2D> m_device;     // scratch
+  DrawDashes m_dashes;              // for painters that have them, with the phase of a path's start
   std::vector<std::size_t> m_ends;  // scratch
 };
 

@@ -1,16 +1,8 @@
 #include "vek0paint/cairopainter.h"
 
-#include <cairo-ft.h>
-#include <cairo-pdf.h>
-
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <chrono>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <numbers>
 #include <vector>
 
@@ -20,7 +12,6 @@
 namespace vek0::paint {
 namespace {
 
-constexpr double kPointsPerInch = 72;
 // A path is stroked after this many points, because the cost of a stroke grows faster than its
 // length, and overlaps have the same color. Fills grow linearly, and the strips of a solid hatch
 // must stay together, or else the background shows through their seams.
@@ -49,47 +40,12 @@ cairo_status_t writeTo(void* file, const unsigned char* bytes, unsigned length) 
   return good ? CAIRO_STATUS_SUCCESS : CAIRO_STATUS_WRITE_ERROR;
 }
 
-double pointsPerUnit(const SHEET& sheet) { return sheet.unitMm / kMmPerInch * kPointsPerInch; }
-
-// The time requested by package builders, otherwise none: equal drawings yield equal bytes.
-std::string creationDate() {
-  const char* const text = std::getenv("SOURCE_DATE_EPOCH");
-  constexpr long long kBeyond = 253402300800;  // year 10000
-  long long count = -1;
-  if (text) std::from_chars(text, text + std::strlen(text), count);
-  // Invalid times are ignored, like a missing one.
-  if (count < 0 || count >= kBeyond) return {};
-  const std::chrono::sys_seconds moment{std::chrono::seconds(count)};
-  const auto day = std::chrono::floor<std::chrono::days>(moment);
-  const std::chrono::year_month_day date(day);
-  const std::chrono::hh_mm_ss time(moment - day);
-  char iso[32];
-  std::snprintf(iso, sizeof iso, "%04d-%02u-%02uT%02d:%02d:%02dZ", static_cast<int>(date.year()),
-                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
-                static_cast<int>(time.seconds().count()));
-  return iso;
-}
-
-cairo_surface_t* makeSurface(CairoPainter::Kind kind, IFile& file, const SHEET& sheet) {
-  if (kind == CairoPainter::Png) {
-    return cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(sheet.width),
-                                      static_cast<int>(sheet.height));
-  }
-  const double points = pointsPerUnit(sheet);
-  cairo_surface_t* surface =
-      cairo_pdf_surface_create_for_stream(writeTo, &file, static_cast<double>(sheet.width) * points,
-                                          static_cast<double>(sheet.height) * points);
-  if (!sheet.title.empty()) {
-    cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_TITLE, sheet.title.c_str());
-  }
-  cairo_pdf_surface_set_metadata(surface, CAIRO_PDF_METADATA_CREATE_DATE, creationDate().c_str());
-  return surface;
-}
-
 void setColor(cairo_t* context, const RGB_COLOR& color, std::uint8_t alpha = 255) {
   cairo_set_source_rgba(context, color.r / 255.0, color.g / 255.0, color.b / 255.0, alpha / 255.0);
 }
+
+// Centered on its pixel: spread over four it would hardly be visible.
+PNT_2D pixelOf(const PNT_2D& at) { return {std::floor(at.x) + 0.5, std::floor(at.y) + 0.5}; }
 
 // Contours as Cairo's path.
 class PathSink final : public IOutlineSink {
@@ -114,17 +70,16 @@ class PathSink final : public IOutlineSink {
 
 }  // namespace
 
-CairoPainter::CairoPainter(Kind kind, IFile& file, const SHEET& sheet, IOutlineFonts& fonts)
+CairoPainter::CairoPainter(IFile& file, const SHEET& sheet, IOutlineFonts& fonts)
     : SheetPainter(sheet, fonts),
-      m_kind(kind),
       m_file(file),
-      m_surface(makeSurface(kind, file, sheet)),
+      m_surface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(sheet.width),
+                                           static_cast<int>(sheet.height))),
       m_context(cairo_create(m_surface.get())),
       m_lineWidth(sheet.lineWidth),
       m_width(sheet.lineWidth),
       m_clipPixels(kMostClipPixels) {
   cairo_t* context = m_context.get();
-  if (kind == Pdf) cairo_scale(context, pointsPerUnit(sheet), pointsPerUnit(sheet));
   cairo_set_line_width(context, m_width);
   // Round caps make a line of length 0 a visible dot.
   cairo_set_line_cap(context, CAIRO_LINE_CAP_ROUND);
@@ -134,7 +89,7 @@ CairoPainter::CairoPainter(Kind kind, IFile& file, const SHEET& sheet, IOutlineF
     cairo_paint(context);
   }
   setColor(context, m_color);
-  unsigned char* pixels = kind == Png ? cairo_image_surface_get_data(m_surface.get()) : nullptr;
+  unsigned char* pixels = cairo_image_surface_get_data(m_surface.get());
   if (!pixels) return;
   m_lines = std::make_unique<LineRasterizer>(pixels, sheet.width, sheet.height,
                                              cairo_image_surface_get_stride(m_surface.get()));
@@ -242,11 +197,6 @@ void CairoPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std:
   cairo_set_fill_rule(m_context.get(), CAIRO_FILL_RULE_WINDING);
 }
 
-// In an image, centered on its pixel: spread over four it would hardly be visible.
-PNT_2D CairoPainter::pixelOf(const PNT_2D& at) const {
-  return m_kind == Png ? PNT_2D(std::floor(at.x) + 0.5, std::floor(at.y) + 0.5) : at;
-}
-
 void CairoPainter::plainDot(const PNT_2D& at) {
   const PNT_2D dot = pixelOf(at);
   plainStroke(std::array{dot, dot}.data(), 2, false);
@@ -262,14 +212,14 @@ void CairoPainter::plainDisc(const PNT_2D& center, double diameter) {
   countPoints(kPoints);
 }
 
-// Cairo clips every stroke to a polygon separately. In an image, all strokes are drawn to a group
-// instead, which is clipped once.
+// Cairo clips every stroke to a polygon separately. All strokes are drawn to a group instead, which
+// is clipped once.
 bool CairoPainter::plainClip(const PNT_2D* points, std::size_t count) {
   endPath();
   cairo_t* context = m_context.get();
   std::vector<PNT_2D> ring;
   cairo_save(context);
-  if (m_kind == Pdf || isUpright(points, count)) {
+  if (isUpright(points, count)) {
     addRing(points, count, false);
     cairo_set_fill_rule(context, CAIRO_FILL_RULE_EVEN_ODD);
     cairo_clip(context);
@@ -322,59 +272,16 @@ void CairoPainter::plainPopClip() {
 void CairoPainter::plainText(const DrawText& text, const OutlineFont& font,
                              const RECT_2D& /*bounds*/) {
   endPath();
-  if (m_kind == Pdf && showGlyphs(text, font)) return;
   PathSink sink(m_context.get());
   font.outline(text, sink);
   cairo_fill(m_context.get());
 }
 
-cairo_font_face_t* CairoPainter::fontOf(const FACE_FILE& file) {
-  const auto [found, isNew] = m_faces.try_emplace(&file);
-  if (isNew) {
-    // Cairo opens the file itself: it keeps fonts longer than we keep our faces.
-    FcPattern* pattern = FcPatternCreate();
-    FcPatternAddString(pattern, FC_FILE, reinterpret_cast<const FcChar8*>(file.path.c_str()));
-    FcPatternAddInteger(pattern, FC_INDEX, file.index);
-    found->second.reset(cairo_ft_font_face_create_for_pattern(pattern));
-    FcPatternDestroy(pattern);
-  }
-  return found->second.get();
-}
-
-// Returns false if the text must be drawn as outlines: a singular matrix puts Cairo into a
-// permanent error state, and altered glyphs are not supported.
-bool CairoPainter::showGlyphs(const DrawText& text, const OutlineFont& font) {
-  const AFFINE_2D& m = text.matrix;
-  const std::vector<FACE_GLYPH> glyphs = font.glyphs(text);
-  if (!std::isnormal(m.a * m.d - m.b * m.c)) return false;
-  for (const FACE_GLYPH& glyph : glyphs) {
-    if (glyph.file->altered || cairo_font_face_status(fontOf(*glyph.file))) return false;
-  }
-  std::vector<cairo_glyph_t> run;
-  for (std::size_t i = 0; i < glyphs.size(); ++i) {
-    run.push_back({glyphs[i].index, glyphs[i].at.x, glyphs[i].at.y});
-    if (i + 1 < glyphs.size() && glyphs[i + 1].file == glyphs[i].file) continue;
-    const double size = glyphs[i].size;
-    // A font's y axis points downwards here.
-    const cairo_matrix_t matrix = {m.a * size, m.b * size, -m.c * size, -m.d * size, 0, 0};
-    cairo_set_font_face(m_context.get(), fontOf(*glyphs[i].file));
-    cairo_set_font_matrix(m_context.get(), &matrix);
-    cairo_show_glyphs(m_context.get(), run.data(), static_cast<int>(run.size()));
-    run.clear();
-  }
-  return true;
-}
-
 bool CairoPainter::finish() {
   endPath();
   if (cairo_status(m_context.get()) != CAIRO_STATUS_SUCCESS) return false;
-  if (m_kind == Png) {
-    return cairo_surface_write_to_png_stream(m_surface.get(), writeTo, &m_file) ==
-           CAIRO_STATUS_SUCCESS;
-  }
-  cairo_show_page(m_context.get());
-  cairo_surface_finish(m_surface.get());
-  return cairo_surface_status(m_surface.get()) == CAIRO_STATUS_SUCCESS;
+  return cairo_surface_write_to_png_stream(m_surface.get(), writeTo, &m_file) ==
+         CAIRO_STATUS_SUCCESS;
 }
 
 }  // namespace vek0::paint

@@ -178,7 +178,8 @@ class Face {
         m_makeBold(bold && (face->style_flags & FT_STYLE_FLAG_BOLD) == 0),
         m_makeItalic(italic && (face->style_flags & FT_STYLE_FLAG_ITALIC) == 0),
         m_capHeight(measureCapitals()) {
-    m_file.altered = m_makeBold || m_makeItalic;
+    if (m_makeBold) m_file.boldness = 1.0 / kBoldPart;
+    if (m_makeItalic) m_file.slant = kItalicSlope;
   }
   ~Face() { FT_Done_Face(m_face); }
   Face(const Face&) = delete;
@@ -285,7 +286,8 @@ double FaceFont::getDescent() const { return face(false, false).descent(); }
 double FaceFont::unitsPerEm() const { return face(false, false).unitsPerEm(); }
 std::string FaceFont::family() const { return face(false, false).family(); }
 
-// Visits every glyph with its position on the baseline and its scale; returns the width.
+// Visits every glyph with its position on the baseline, its scale and its character; returns the
+// width.
 template <class Visit>
 double FaceFont::walk(const zim::WString& text, Face& primary, Visit&& visit) const {
   // The unit is the upright face's, also for a bold one with other capitals.
@@ -307,7 +309,7 @@ double FaceFont::walk(const zim::WString& text, Face& primary, Visit&& visit) co
     const double scale = unit / face->capHeight();
     // Kerning is defined only between glyphs of one face.
     if (face == lastFace) x += scale * face->kerning(last, index);
-    visit(*face, index, x, scale);
+    visit(*face, index, x, scale, character);
     x += scale * face->glyph(index).advance;
     last = index;
     lastFace = face;
@@ -317,15 +319,16 @@ double FaceFont::walk(const zim::WString& text, Face& primary, Visit&& visit) co
 
 double FaceFont::getStringWidth(const zim::WString& text, bool /*horiz*/, bool bold,
                                 bool italic) const {
-  return walk(text, face(bold, italic), [](Face&, FT_UInt, double, double) {});
+  return walk(text, face(bold, italic), [](Face&, FT_UInt, double, double, char32_t) {});
 }
 
 std::vector<FACE_GLYPH> FaceFont::glyphs(const DrawText& text) const {
   std::vector<FACE_GLYPH> result;
   walk(
       *text.string, face(text.bold, text.italic),
-      [&](Face& face, FT_UInt index, double x, double scale) {
+      [&](Face& face, FT_UInt index, double x, double scale, char32_t character) {
         result.push_back({&face.file(), index, text.matrix.apply(x, 0), scale * face.unitsPerEm()});
+        zim::appendUtf16(result.back().text, character);
       });
   return result;
 }
@@ -333,7 +336,7 @@ std::vector<FACE_GLYPH> FaceFont::glyphs(const DrawText& text) const {
 void FaceFont::outline(const DrawText& text, IOutlineSink& sink) const {
   const AFFINE_2D& m = text.matrix;
   walk(*text.string, face(text.bold, text.italic),
-       [&](Face& face, FT_UInt index, double x, double scale) {
+       [&](Face& face, FT_UInt index, double x, double scale, char32_t) {
          const PNT_2D at = m.apply(x, 0);
          emitGlyph(face.glyph(index),
                    {m.a * scale, m.b * scale, m.c * scale, m.d * scale, at.x, at.y}, sink);

@@ -18,6 +18,7 @@
 #include "vek0host/visibletext.h"
 #include "vek0paint/cairopainter.h"
 #include "vek0paint/fonts.h"
+#include "vek0paint/pdfpainter.h"
 #include "vek0paint/shownextents.h"
 #include "vek0paint/svgpainter.h"
 
@@ -40,10 +41,8 @@ std::string unitOf(const RenderOptions& options, const ReadResult& result) {
 std::unique_ptr<SheetPainter> makePainter(const RenderOptions& options, IFile& file,
                                           const SHEET& sheet, FontLibrary& fonts) {
   const Format format = options.picture.format;
-  if (format != Format::Svg) {
-    const auto kind = format == Format::Png ? CairoPainter::Png : CairoPainter::Pdf;
-    return std::make_unique<CairoPainter>(kind, file, sheet, fonts);
-  }
+  if (format == Format::Png) return std::make_unique<CairoPainter>(file, sheet, fonts);
+  if (format == Format::Pdf) return std::make_unique<PdfPainter>(file, sheet, fonts);
   const auto texts = options.textsAsOutlines ? SvgPainter::AsOutlines : SvgPainter::AsText;
   return std::make_unique<SvgPainter>(file, sheet, fonts, texts);
 }
@@ -132,11 +131,6 @@ class Renderer {
         m_projector(makeProjector(options.view)) {
     m_fonts.registerFonts();
     m_drawOptions.colors = options.colors;
-    // A point of a page is by far the most expensive.
-    if (m_format == Format::Pdf) {
-      m_drawOptions.pointLimit /= 4;
-      m_drawOptions.effort /= 4;
-    }
     if (m_format == Format::Png) m_drawOptions.pixelsPerPoint = kPixelsPerPoint;
     m_drawOptions.background = options.background.value_or(RGB_COLOR{255, 255, 255});
   }

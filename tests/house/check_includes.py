@@ -10,7 +10,7 @@ import re
 import sys
 
 QUOTED = re.compile(r'#include "([^"]+)"')
-FOREIGN = re.compile(r"#include <(CLI|nlohmann|cairo|fontconfig|ft2build)\b")
+FOREIGN = re.compile(r"#include <(CLI|nlohmann|cairo|fontconfig|ft2build|hb|zlib)\b")
 ROOM = re.compile(r"^vek0_room\(([\w/]+)", re.MULTILINE)
 # In dependency order: public headers, sources, the foreign libraries that they may use.
 LIBRARIES = [
@@ -18,7 +18,7 @@ LIBRARIES = [
     ("include", "src", []),
     ("draw/include", "draw/src", []),
     ("host/include", "host/src", ["nlohmann"]),
-    ("paint/include", "paint/src", ["nlohmann", "cairo", "fontconfig", "ft2build"]),
+    ("paint/include", "paint/src", ["nlohmann", "cairo", "fontconfig", "ft2build", "hb", "zlib"]),
     (None, "apps/vek0", ["nlohmann", "CLI"]),
 ]
 BELOW = ["vek0core", "zim0lang"]  # assert.h and export.h, and the library underneath

@@ -74,3 +74,97 @@ TEST_F(Render, LengthsOnPaperAreTrue) {
     EXPECT_NEAR(lengths.back() * 25.4 / 72, t.real("expected"), 0.01);
   }
 }
+
+namespace {
+
+bool hasProgram(const std::string& name) {
+  return std::system(("command -v " + name + " >/dev/null").c_str()) == 0;
+}
+
+long occurrences(const std::string& text, const std::string& part) {
+  long count = 0;
+  for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; ++at) ++count;
+  return count;
+}
+
+// Layers with odd names and sizes beyond all measure; the tool may refuse the values.
+std::string oddDrawing() {
+  std::string entities;
+  for (const char* layer :
+       {"", " ", "\x1B(B)", "\xED\xA0\x80", "a/b<>[]#%", "\xE6\x97\xA5", "\\U+D800"})
+    entities += line(layer, 0, 0, 1, 1) + "0\nTEXT\n8\n" + layer + "\n10\n1\n20\n2\n40\n0.5\n1\n" +
+                layer + "(\\)\x01\x7F%%u\n";
+  for (const char* size : {"0", "1e-300", "1e300", "nan", "1e9", "-1"})
+    entities += "0\nCIRCLE\n8\n0\n10\n0\n20\n0\n40\n" + std::string(size) +
+                "\n0\nTEXT\n8\n0\n10\n1\n20\n2\n40\n" + size + "\n1\nabc\n0\nLINE\n8\n0\n10\n" +
+                size + "\n20\n0\n11\n1\n21\n" + size + "\n";
+  return drawingWith(entities);
+}
+
+// The mean difference of two images of about the same size, where 1 is that of black and white.
+double differenceOf(const fs::path& a, const fs::path& b) {
+  cairo_surface_t* images[] = {cairo_image_surface_create_from_png(a.c_str()),
+                               cairo_image_surface_create_from_png(b.c_str())};
+  const auto least = [&](int (*size)(cairo_surface_t*)) {
+    return std::min(size(images[0]), size(images[1]));
+  };
+  const int width = least(cairo_image_surface_get_width);
+  const int height = least(cairo_image_surface_get_height);
+  double sum = 0;
+  for (int y = 0; y < height; ++y) {
+    const unsigned char* rows[2];
+    for (int i = 0; i < 2; ++i)
+      rows[i] =
+          cairo_image_surface_get_data(images[i]) + y * cairo_image_surface_get_stride(images[i]);
+    for (int x = 0; x < width; ++x)
+      sum += std::abs(rows[0][4 * x + 1] - rows[1][4 * x + 1]) / 255.0;
+  }
+  for (cairo_surface_t* image : images) cairo_surface_destroy(image);
+  return sum / width / height;
+}
+
+}  // namespace
+
+// qpdf accepts every PDF, and its layers are the groups of the SVG.
+TEST_F(Render, PdfsAreSound) {
+  if (!hasProgram("qpdf")) GTEST_SKIP() << "qpdf is not installed";
+  write("odd.dxf", oddDrawing());
+  for (const char* name :
+       {"every_kind_r12.dxf", "house.dxf", "room_ac1015.dxf", "hatches_ac1015.dxf", "odd.dxf"}) {
+    const std::string file = std::string(name) == "odd.dxf" ? name : quotedSample(name);
+    ASSERT_EQ(run("render -q " + file + " -f -o a.pdf").code, 0) << name;
+    EXPECT_EQ(std::system(("qpdf --check " + path("a.pdf").string() + " >/dev/null").c_str()), 0)
+        << name;
+    run("render -q " + file + " -f -o a.svg");
+    std::set<std::string> layers;
+    for (const XmlElement& e : XmlReader(contents(path("a.svg"))).elements)
+      if (e.attributes.count("inkscape:groupmode")) layers.insert(e.attributes.at("data-layer"));
+    EXPECT_EQ(occurrences(contents(path("a.pdf")), "/Type /OCG"), layers.size()) << name;
+  }
+}
+
+TEST_F(Render, PdfsAreReproducible) {
+  ASSERT_EQ(run("render " + kinds + " -o a.pdf").code, 0);
+  ASSERT_EQ(run("render " + kinds + " -o b.pdf").code, 0);
+  EXPECT_EQ(contents(path("a.pdf")), contents(path("b.pdf")));
+  setenv("SOURCE_DATE_EPOCH", "1577836800", 1);
+  run("render " + kinds + " -f -o b.pdf");
+  unsetenv("SOURCE_DATE_EPOCH");
+  EXPECT_NE(contents(path("b.pdf")).find("/CreationDate (D:20200101000000Z)"), std::string::npos);
+}
+
+TEST_F(Render, PdfsLookLikeImagesAndHaveTexts) {
+  if (!hasProgram("pdftocairo")) GTEST_SKIP() << "poppler-utils is not installed";
+  const std::string at = "cd " + path("").string() + " && ";
+  for (const char* name : {"every_kind_r12.dxf", "flange.dxf", "room_ac1015.dxf"}) {
+    const std::string options = "render -q " + quotedSample(name) + " --paper A4 -f -o ";
+    run(options + "a.pdf");
+    run(options + "a.png --dpi 150");
+    ASSERT_EQ(std::system((at + "pdftocairo -singlefile -png -r 150 a.pdf b").c_str()), 0);
+    EXPECT_LT(differenceOf(path("a.png"), path("b.png")), 0.004) << name;
+  }
+  write("t.dxf", drawingWith("0\nTEXT\n8\nA\n10\n0\n20\n0\n40\n5\n1\nCaf\xE9 \xD8 (12)\n"));
+  run("render t.dxf -o t.pdf");
+  ASSERT_EQ(std::system((at + "pdftotext t.pdf t.txt").c_str()), 0);
+  EXPECT_EQ(contents(path("t.txt")).substr(0, 13), "Caf\xC3\xA9 \xC3\x98 (12)");
+}

@@ -41,6 +41,13 @@ struct DrawText {
 /// non-zero one.
 enum class FillRule { EvenOdd, NonZero };
 
+/// How a stroke is divided: lengths of dashes and gaps in turn, in device units, repeated along the
+/// stroke. A dash of length 0 is a dot.
+struct DrawDashes {
+  std::vector<double> lengths;  ///< an even number of them, not all 0
+  double phase = 0;             ///< position in the pattern at the start of a path
+};
+
 /// Receives the content of a drawing in device coordinates: x to the right and y down from the
 /// upper left corner, in pixels or in whatever unit the host chose for its window.
 ///
@@ -54,6 +61,13 @@ class IPainter {
 
   /// A stroke through the points; and back to the first if `closed`. At least two points.
   virtual void stroke(const PNT_2D* points, std::size_t count, bool closed) = 0;
+  /// Whether `dashedStroke` is called for strokes with a pattern. Otherwise every dash is a stroke,
+  /// and every dot a dot.
+  virtual bool hasDashes() const { return false; }
+  /// An open stroke with a pattern that continues across its points. It is the part of a path that
+  /// begins at `distance` from the start. At least two points, not far outside the window.
+  virtual void dashedStroke(const PNT_2D* /*points*/, std::size_t /*count*/,
+                            const DrawDashes& /*dashes*/, double /*distance*/) {}
   /// An arc of a circle from `startRad` through `sweepRad` (sign: direction), angles measured from
   /// the x axis towards the y axis of the device. A painter without arcs returns false and receives
   /// a stroke instead; the full circle has a sweep of 2*pi.

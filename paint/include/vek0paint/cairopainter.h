@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "vek0paint/linerasterizer.h"
@@ -13,15 +12,11 @@
 
 namespace vek0::paint {
 
-/// Draws a PNG image or a PDF page with Cairo; strokes of an image use a separate rasterizer. A
-/// page contains real text with embedded glyphs, so that it can be searched and copied.
+/// Draws a PNG image with Cairo; unclipped strokes use a separate rasterizer.
 class CairoPainter final : public SheetPainter {
  public:
-  enum Kind { Png, Pdf };
-
-  /// `file` is open, and borrowed like `fonts`. If the image or page cannot be created, `finish`
-  /// fails.
-  CairoPainter(Kind kind, IFile& file, const SHEET& sheet, IOutlineFonts& fonts);
+  /// `file` is open, and borrowed like `fonts`. If the image cannot be created, `finish` fails.
+  CairoPainter(IFile& file, const SHEET& sheet, IOutlineFonts& fonts);
 
   void begin(const DrawItem& item) override;
   bool finish() override;
@@ -45,15 +40,7 @@ class CairoPainter final : public SheetPainter {
     void operator()(cairo_t* context) const { cairo_destroy(context); }
   };
 
-  struct DestroyFont {
-    void operator()(cairo_font_face_t* font) const { cairo_font_face_destroy(font); }
-  };
-  using Font = std::unique_ptr<cairo_font_face_t, DestroyFont>;
-
-  PNT_2D pixelOf(const PNT_2D& at) const;
   bool strokesItself();
-  bool showGlyphs(const DrawText& text, const OutlineFont& font);
-  cairo_font_face_t* fontOf(const FACE_FILE& file);
   enum Path { None, Strokes, Fills, Pixels };  // purpose of the current path
   void startPath(Path path);
   void strokeArc(const PNT_2D& center, double radius, double startRad, double sweepRad);
@@ -62,14 +49,12 @@ class CairoPainter final : public SheetPainter {
   bool startGroup(const std::vector<PNT_2D>& ring);
   void addRing(const PNT_2D* points, std::size_t count, bool reversed);
 
-  Kind m_kind;
   IFile& m_file;
   std::unique_ptr<cairo_surface_t, DestroySurface> m_surface;
   std::unique_ptr<cairo_t, DestroyContext> m_context;
   std::unique_ptr<LineRasterizer> m_lines;  // set if the image could be created
   std::vector<PNT_2D> m_chords;             // scratch
-  std::unordered_map<const FACE_FILE*, Font> m_faces;
-  const double m_lineWidth;  // of items without a width
+  const double m_lineWidth;                 // of items without a width
   RGB_COLOR m_color;
   std::uint8_t m_alpha = 255;
   double m_width;

@@ -22,7 +22,9 @@ class ClippingPainter : public IPainter {
   void popClip() final;
 
  protected:
-  ClippingPainter(double width, double height) : m_box(-width, -height, 2 * width, 2 * height) {}
+  ClippingPainter(double width, double height) { setSize(width, height); }
+
+  void setSize(double width, double height) { m_box.set(-width, -height, 2 * width, 2 * height); }
 
   const RECT_2D& box() const { return m_box; }
 

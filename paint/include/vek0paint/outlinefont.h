@@ -11,16 +11,19 @@ namespace vek0::paint {
 /// The file that a face is read from.
 struct FACE_FILE {
   std::string path;
-  int index = 0;         ///< of the face in the file
-  bool altered = false;  ///< synthetic bold or italic: its glyphs differ from those in the file
+  int index = 0;  ///< of the face in the file
+  // Of synthetic styles, which change the glyphs in the file.
+  double boldness = 0;  ///< growth to the right and upwards, relative to the em square
+  double slant = 0;     ///< shift to the right per unit of height
 };
 
 /// A glyph of a text, on the device.
 struct FACE_GLYPH {
   const FACE_FILE* file = nullptr;
-  unsigned index = 0;  ///< in the file's face
-  PNT_2D at;           ///< position of its origin
-  double size = 0;     ///< of the em square, in the units of the text
+  unsigned index = 0;        ///< in the file's face
+  PNT_2D at;                 ///< position of its origin
+  double size = 0;           ///< of the em square, in the units of the text
+  std::u16string text = {};  ///< the characters that it shows
 };
 
 /// Receives the contours of a text in device coordinates. Each is closed by the next `move` or by
