@@ -77,9 +77,6 @@ std::string deflated(std::string_view bytes) {
 
 // Where no thread can be started, the block is compressed when it is passed on.
 void PdfStream::compress() {
-  // qpdf reports a stream as damaged whose length is a multiple of its buffer's.
-  constexpr std::size_t kQpdfBuffer = 1 << 16;
-  if (m_text.size() % kQpdfBuffer == 0) m_text += '\n';
   passOn();
   m_block = std::async([text = std::exchange(m_text, {})] { return deflated(text); });
   m_text.reserve(kBlock + kBlock / 4);

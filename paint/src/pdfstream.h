@@ -48,7 +48,9 @@ class PdfStream {
   void finish();
 
  private:
-  static constexpr std::size_t kBlock = 1 << 20;
+  // Less than the 64 KB of qpdf's buffer: where the text of a longer stream exactly fills it at the
+  // end of a piece of input, qpdf warns that the stream might be incomplete.
+  static constexpr std::size_t kBlock = 48 << 10;
 
   void compress();
   void passOn();
