@@ -3,6 +3,17 @@
 #include "vek0core/vek0core.h"
 #include "walker.h"
 
+DRAW_RESULT& DRAW_RESULT::operator+=(const DRAW_RESULT& part) {
+  emitted += part.emitted;
+  looked += part.looked;
+  unclipped += part.unclipped;
+  simplified += part.simplified;
+  missing += part.missing;
+  points += part.points;
+  cut = cut || part.cut;
+  return *this;
+}
+
 DRAW_RESULT drawData(const CData& data, const IProjector& projector, const CWndVpt& window,
                      IPainter& painter, const DRAW_OPTIONS& options) {
   vek0::detail::Walker walker(data, projector, window, painter, options);

@@ -117,13 +117,7 @@ class LayoutDrawing {
 
   // What one view used up is not available to the others.
   void add(const DRAW_RESULT& part) {
-    m_result.emitted += part.emitted;
-    m_result.looked += part.looked;
-    m_result.points += part.points;
-    m_result.unclipped += part.unclipped;
-    m_result.simplified += part.simplified;
-    m_result.missing += part.missing;
-    m_result.cut = m_result.cut || part.cut;
+    m_result += part;
     m_options.limit -= std::min(m_options.limit, std::max(part.emitted, part.looked));
     m_options.pointLimit -= std::min(m_options.pointLimit, part.points);
   }

@@ -82,12 +82,21 @@ std::string listEntities(const CData& data, const std::string& place, Selection 
   if (!problem.empty()) return problem;
   Lister lister(data, selection, show);
   const zim::WString name = zim::WString::fromUtf8(place);
+  bool isLayout = false;
   if (place.empty() || zim::equalsIgnoreCase(name, kModel)) {
+    isLayout = true;
     for (CEnt* ent : data.getEntTable().getEntityTbl()) lister.list(*ent, &kModel);
-    return {};
   }
+  for (int i = 0; i < data.getLayouts().size(); ++i) {
+    const CLayout& layout = data.getLayouts()[i];
+    if (!place.empty() && !zim::equalsIgnoreCase(name, layout.getName())) continue;
+    isLayout = true;
+    CBlock& sheet = layout.getBlock();
+    for (unsigned k = 0; k < sheet.size(); ++k) lister.list(*sheet[k], &layout.getName());
+  }
+  if (isLayout) return {};
   CBlock* block = data.getBlockTable().get(name);
-  if (!block) return "there is no block or layout " + place;
+  if (!block || block->isSheet()) return "there is no block or layout " + place;
   for (unsigned i = 0; i < block->size(); ++i) lister.list(*(*block)[i], nullptr);
   return {};
 }

@@ -155,13 +155,21 @@ class Renderer {
     if (m_options.splitLayers) {
       renderLayers(*data, layers, picture, out);
     } else {
-      draw(*data, picture, out, true);
+      draw(*data, {{picture, nullptr, m_drawOptions}}, out, true);
     }
   }
 
  private:
+  // A picture, of the model if the layout is null, and how it is drawn.
+  struct Page {
+    PICTURE picture;
+    const CLayout* layout;
+    DRAW_OPTIONS options;
+  };
+
   // Whether the pictures have names of their own, made from that of the output.
-  bool isNamedAfter() const { return m_options.splitLayers || plotsAll(); }
+  bool isNamedAfter() const { return m_options.splitLayers || (plotsAll() && !hasPages()); }
+  bool hasPages() const { return m_format == Format::Pdf; }
   bool plotsAll() const { return m_options.layout == "all"; }
 
   void fail(Failure code, const std::string& message) { m_session.fail(code, message); }
@@ -254,22 +262,29 @@ class Renderer {
     return zim::WString::fromUtf8(stemOf(path)).toUtf8();
   }
 
-  // `layout` is null for the model.
-  void draw(const CData& data, const PICTURE& picture, const std::string& out, bool evenEmpty,
-            const CLayout* layout = nullptr) {
-    OutputFile output(out, m_options.force, OutputFile::Bytes);
-    if (!output.error().empty()) return fail(kOutputFailed, output.error());
+  DRAW_RESULT draw(const CData& data, const Page& page, IPainter& painter) const {
     CWndVpt window(1);
     // A device of n pixels spans n - 1 steps, and the sheet as many as it has units.
-    window.resize(picture.sheet.width + 1, picture.sheet.height + 1);
-    window.set(picture.world);
+    window.resize(page.picture.sheet.width + 1, page.picture.sheet.height + 1);
+    window.set(page.picture.world);
+    return page.layout ? drawLayout(data, *page.layout, window, painter, page.options)
+                       : drawData(data, *m_projector, window, painter, page.options);
+  }
+
+  // At least one page; several only of a format that has pages.
+  void draw(const CData& data, const std::vector<Page>& pages, const std::string& out,
+            bool evenEmpty) {
+    OutputFile output(out, m_options.force, OutputFile::Bytes);
+    if (!output.error().empty()) return fail(kOutputFailed, output.error());
     IFile& file = output.file();
     DRAW_RESULT result;
     bool written = file.open();
     if (written) {
-      const auto painter = makePainter(m_options, file, picture.sheet, m_fonts);
-      result = layout ? drawLayout(data, *layout, window, *painter, m_drawOptions)
-                      : drawData(data, *m_projector, window, *painter, m_drawOptions);
+      const auto painter = makePainter(m_options, file, pages[0].picture.sheet, m_fonts);
+      for (std::size_t i = 0; i < pages.size(); ++i) {
+        if (i > 0) painter->nextPage(pages[i].picture.sheet);
+        result += draw(data, pages[i], *painter);
+      }
       // The painter writes the rest of the document, so its success counts as well.
       written = painter->finish() && !file.fail();
       file.close();
@@ -303,14 +318,14 @@ class Renderer {
     PartNames names(out, nameOf(m_format));
     for (const CLayer* layer : layers.visible()) {
       layers.showOnly(layer);
-      draw(data, picture, names.next(layer->getFullName()), false);
+      draw(data, {{picture, nullptr, m_drawOptions}}, names.next(layer->getFullName()), false);
     }
   }
 
   void renderLayouts(const CData& data, const std::string& in, const std::string& out) {
     const std::vector<const CLayout*> layouts = chosenLayouts(data);
     if (layouts.empty()) return fail(kDrawingFailed, in + ": " + whyNoLayout(data));
-    PartNames names(out, nameOf(m_format));
+    std::vector<Page> pages;
     for (const CLayout* layout : layouts) {
       const PICTURE picture = layOutSheet(data, in, *layout);
       const std::string name = layout->getName().toUtf8();
@@ -321,8 +336,12 @@ class Renderer {
       const std::vector<VIEWPORT>& views = layout->getViewports();
       if (std::any_of(views.begin(), views.end(), [](const auto& v) { return !v.isPlan; }))
         warn(in + ": layout " + name + ": views that are not from above are not shown");
-      draw(data, picture, plotsAll() ? names.next(layout->getName()) : out, true, layout);
+      pages.push_back({picture, layout, m_drawOptions});
     }
+    if (pages.empty()) return;
+    if (!isNamedAfter()) return draw(data, pages, out, true);
+    PartNames names(out, nameOf(m_format));
+    for (const Page& page : pages) draw(data, {page}, names.next(page.layout->getName()), true);
   }
 
   std::vector<const CLayout*> chosenLayouts(const CData& data) const {

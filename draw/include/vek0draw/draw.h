@@ -80,6 +80,9 @@ struct DRAW_RESULT {
   std::size_t missing = 0;
   std::size_t points = 0;  ///< what counts towards `pointLimit`
   bool cut = false;        ///< a limit was reached, or inserts are nested too deep
+
+  /// Adds the result of another part of the picture.
+  DRAW_RESULT& operator+=(const DRAW_RESULT& part);
 };
 
 /// Emits the part of model space visible in the window to the painter, in drawing order: inserts
