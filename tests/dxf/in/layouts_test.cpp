@@ -124,10 +124,10 @@ TEST(Layouts, RandomSheetsSurviveSaving) {
              (random() % 2 != 0 ? ".375|" : "|");
     };
     std::string entities = kDiagonal;
-    for (unsigned i = 0, n = random() % 9; i < n; ++i)
+    for (unsigned i = 0, n = static_cast<unsigned>(random() % 9); i < n; ++i)
       entities += "|" + kDiagonal + "|67 1|0 POLYLINE|8 B|67 1|66 1|0 VERTEX|8 B|" + number(10, 9) +
                   number(20, 9) + "0 VERTEX|8 B|" + number(10, 9) + number(20, 9) + "0 SEQEND";
-    for (unsigned i = 0, n = 1 + random() % 3; i < n; ++i)
+    for (unsigned i = 0, n = static_cast<unsigned>(1 + random() % 3); i < n; ++i)
       entities += "|0 VIEWPORT|8 B|67 1|" + number(10, 99) + number(20, 99) + "40 1" +
                   number(0, 9).substr(2) + "41 5|69 " + std::to_string(i + 2) + "|" +
                   number(12, 99) + number(22, 99) + number(51, 360) + number(17, 9) + "45 3";
