@@ -12,9 +12,10 @@
 namespace vek0::paint {
 namespace {
 
-// Level 4 takes half as long as 6. Little data deserves the best.
+// Level 4 takes a third of the time of 6 for 4 % more bytes. Less than a full block deserves the
+// best.
 constexpr int kFastLevel = 4;
-constexpr std::size_t kLittle = 1 << 18;
+constexpr std::size_t kLittle = 48 << 10;
 
 }  // namespace
 
