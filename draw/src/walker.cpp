@@ -10,7 +10,6 @@
 #include <limits>
 
 #include "quadshape.h"
-#include "textcodes.h"
 #include "vek0core/polyline/silhouettepieces.h"
 
 namespace vek0::detail {
@@ -20,8 +19,6 @@ constexpr int kMostChords = 4096;
 constexpr int kPlacedBits = 20;
 constexpr long kManyChords = 1 << 16;     // of a polyline: more count as unfolding
 constexpr double kEffortPerEntity = 128;  // of model space, beyond that of the options
-constexpr long kInvisible = 1;            // bit of the flags of attributes
-constexpr double kRuleUnder = -0.2, kRuleThrough = 0.5, kRuleOver = 1.2;  // of the height unit
 
 bool isWide(const WIDE_VERTEX& v) { return v.widthStart != 0 || v.widthEnd != 0; }
 
@@ -32,15 +29,6 @@ double reachOfLtypes(const CData& data) {
     reach = std::max(reach, reachOfTexts((*it)->GetLtypeComplexDashSeq(),
                                          std::fabs(data.getVars().getLtypeScale())));
   return reach;
-}
-
-const ICADFont& fontOf(const CStyle* style) {
-  const ICADFont* font = style ? style->getFont() : nullptr;
-  return font ? *font : defaultFontMetrics();
-}
-
-double heightUnit(const ICADFont& font) {
-  return font.getHeightUnit() > 0 ? font.getHeightUnit() : 1;
 }
 
 // Programs draw a dimension's definition points only on screen.
@@ -71,11 +59,6 @@ bool unfoldsArcs(const CEntPolyline& ent) {
   long given = 0;
   ent.forEachBulged([&](const PNT_3D&, double, double, double, vek0::Handle) { ++given; });
   return ent.getNoVisibleVertexes() > manyTimes * given;
-}
-
-double heightOf(TextRule rule) {
-  if (rule == TextRule::Through) return kRuleThrough;
-  return rule == TextRule::Over ? kRuleOver : kRuleUnder;
 }
 
 }  // namespace
@@ -490,63 +473,6 @@ bool Walker::drawTrueArc(const PNT_3D& center, double radius, double start, doub
   return m_out.arc(m_place.apply(center), std::hypot(toStart.x, toStart.y),
                    // A mirrored placement reverses the direction of the sweep.
                    std::atan2(toStart.y, toStart.x), m_place.mirrors() ? -sweep : sweep);
-}
-
-// --- Texts
-
-void Walker::visit(CEntText& ent) { drawText(ent.getText(), m_place); }
-
-// In a block, an attribute definition is only a template for the attributes of inserts.
-void Walker::visit(CEntAttdef& ent) {
-  if (m_stack.GetNoInsert() == 0 && (ent.getFlags() & kInvisible) == 0)
-    drawText(ent.getText(), m_place);
-}
-
-void Walker::visit(CEntAttrib& ent) {
-  if ((ent.getFlags() & kInvisible) == 0) drawText(ent.getText(), m_place);
-}
-
-void Walker::text(const TEXT_3D& element) { drawText(element, m_drawing); }
-
-// Justified as displayed, without its codes.
-void Walker::drawText(const TEXT_3D& text, const Placement& place) {
-  CTextContext context = text.getContext();
-  const DecodedText decoded = decodeTextCodes(context.getString());
-  if (decoded.string.empty()) return;
-  context.setString(decoded.string);
-  const CStyle* style = text.getStyle();
-  const TEXT_3D seen(context, text.getStyle(), text.x, text.y, text.z, text.getAlign());
-  const double unit = heightUnit(fontOf(style)), k = context.getHeight() / unit;
-  const double c = std::cos(context.getRotate()) * k, s = std::sin(context.getRotate()) * k;
-  const double slant = std::tan(context.getOblique()), wide = context.getWidthScale();
-  const PNT_2D x = place.direction(c * wide, s * wide);
-  const PNT_2D y = place.direction(slant * c - s, slant * s + c);
-  const PNT_2D base = place.apply(seen.getBasePoint());
-  DrawText run;
-  run.string = &decoded.string;
-  run.font = style ? style->getFont() : nullptr;
-  run.bold = style && style->isBold();
-  run.italic = style && style->isItalic();
-  run.matrix = {x.x, x.y, y.x, y.y, base.x, base.y};
-  const double height = std::hypot(run.matrix.c, run.matrix.d) * unit;
-  if (m_out.isUnfolding() && height < m_options.finestDetail && isCoarse()) {
-    m_out.noteSimplified();
-    m_out.charge(static_cast<double>(decoded.string.view().size()));
-    return drawRule(run, 0, decoded.string.view().size(), kRuleThrough * unit);
-  }
-  m_out.text(run);
-  for (const RuledStretch& ruled : decoded.ruled)
-    drawRule(run, ruled.first, ruled.end, heightOf(ruled.rule) * unit);
-}
-
-void Walker::drawRule(const DrawText& run, std::size_t first, std::size_t end, double y) {
-  const ICADFont& font = run.font ? *run.font : defaultFontMetrics();
-  const auto width = [&](std::size_t count) {
-    const zim::WString head(run.string->view().substr(0, count));
-    return font.getStringWidth(head, false, run.bold, run.italic);
-  };
-  m_device.assign({run.matrix.apply(width(first), y), run.matrix.apply(width(end), y)});
-  m_out.stroke(m_device, false);
 }
 
 }  // namespace vek0::detail

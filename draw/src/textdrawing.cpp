@@ -1,0 +1,84 @@
+// Texts, with their codes decoded and the lines under, over and through them.
+#include <cmath>
+
+#include "textcodes.h"
+#include "walker.h"
+
+namespace vek0::detail {
+namespace {
+
+constexpr long kInvisible = 1;  // bit of the flags of attributes
+constexpr double kRuleUnder = -0.2, kRuleThrough = 0.5, kRuleOver = 1.2;  // of the height unit
+
+const ICADFont& fontOf(const CStyle* style) {
+  const ICADFont* font = style ? style->getFont() : nullptr;
+  return font ? *font : defaultFontMetrics();
+}
+
+double heightUnit(const ICADFont& font) {
+  return font.getHeightUnit() > 0 ? font.getHeightUnit() : 1;
+}
+
+double heightOf(TextRule rule) {
+  if (rule == TextRule::Through) return kRuleThrough;
+  return rule == TextRule::Over ? kRuleOver : kRuleUnder;
+}
+
+}  // namespace
+
+void Walker::visit(CEntText& ent) { drawText(ent.getText(), m_place); }
+
+// In a block, an attribute definition is only a template for the attributes of inserts.
+void Walker::visit(CEntAttdef& ent) {
+  if (m_stack.GetNoInsert() == 0 && (ent.getFlags() & kInvisible) == 0)
+    drawText(ent.getText(), m_place);
+}
+
+void Walker::visit(CEntAttrib& ent) {
+  if ((ent.getFlags() & kInvisible) == 0) drawText(ent.getText(), m_place);
+}
+
+void Walker::text(const TEXT_3D& element) { drawText(element, m_drawing); }
+
+// Justified as displayed, without its codes.
+void Walker::drawText(const TEXT_3D& text, const Placement& place) {
+  CTextContext context = text.getContext();
+  const DecodedText decoded = decodeTextCodes(context.getString());
+  if (decoded.string.empty()) return;
+  context.setString(decoded.string);
+  const CStyle* style = text.getStyle();
+  const TEXT_3D seen(context, text.getStyle(), text.x, text.y, text.z, text.getAlign());
+  const double unit = heightUnit(fontOf(style)), k = context.getHeight() / unit;
+  const double c = std::cos(context.getRotate()) * k, s = std::sin(context.getRotate()) * k;
+  const double slant = std::tan(context.getOblique()), wide = context.getWidthScale();
+  const PNT_2D x = place.direction(c * wide, s * wide);
+  const PNT_2D y = place.direction(slant * c - s, slant * s + c);
+  const PNT_2D base = place.apply(seen.getBasePoint());
+  DrawText run;
+  run.string = &decoded.string;
+  run.font = style ? style->getFont() : nullptr;
+  run.bold = style && style->isBold();
+  run.italic = style && style->isItalic();
+  run.matrix = {x.x, x.y, y.x, y.y, base.x, base.y};
+  const double height = std::hypot(run.matrix.c, run.matrix.d) * unit;
+  if (m_out.isUnfolding() && height < m_options.finestDetail && isCoarse()) {
+    m_out.noteSimplified();
+    m_out.charge(static_cast<double>(decoded.string.view().size()));
+    return drawRule(run, 0, decoded.string.view().size(), kRuleThrough * unit);
+  }
+  m_out.text(run);
+  for (const RuledStretch& ruled : decoded.ruled)
+    drawRule(run, ruled.first, ruled.end, heightOf(ruled.rule) * unit);
+}
+
+void Walker::drawRule(const DrawText& run, std::size_t first, std::size_t end, double y) {
+  const ICADFont& font = run.font ? *run.font : defaultFontMetrics();
+  const auto width = [&](std::size_t count) {
+    const zim::WString head(run.string->view().substr(0, count));
+    return font.getStringWidth(head, false, run.bold, run.italic);
+  };
+  m_device.assign({run.matrix.apply(width(first), y), run.matrix.apply(width(end), y)});
+  m_out.stroke(m_device, false);
+}
+
+}  // namespace vek0::detail
