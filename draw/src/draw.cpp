@@ -24,9 +24,10 @@ RECT_2D drawnExtents(const CData& data, const IProjector& projector, const DRAW_
   RECT_2D all, one;
   all.initRegion();
   vek0::detail::ShownBoxes boxes;
+  const CEntInsertStack stack(1);
   for (const CEnt* ent : data.getEntTable().getEntityTbl()) {
-    const CLayer* layer = ent->getLayer();
-    if (!options.hiddenLayers && layer && vek0::detail::isHidden(*ent, *layer)) continue;
+    if (!ent->getTraits().isVisible) continue;
+    if (!options.hiddenLayers && !stack.IsOnShownLayer(*ent)) continue;
     const RECT_3D box = boxes.drawn(*ent);
     if (!box.validRegion()) continue;
     projector.to2D(box, one);

@@ -7,7 +7,6 @@
 namespace vek0::detail {
 namespace {
 
-constexpr long kInvisible = 1;  // bit of the flags of attributes
 constexpr double kRuleUnder = -0.2, kRuleThrough = 0.5, kRuleOver = 1.2;  // of the height unit
 
 const ICADFont& fontOf(const CStyle* style) {
@@ -30,12 +29,12 @@ void Walker::visit(CEntText& ent) { drawText(ent.getText(), m_place); }
 
 // In a block, an attribute definition is only a template for the attributes of inserts.
 void Walker::visit(CEntAttdef& ent) {
-  if (m_stack.GetNoInsert() == 0 && (ent.getFlags() & kInvisible) == 0)
+  if (m_stack.GetNoInsert() == 0 && (ent.getFlags() & CEntAttrib::kInvisible) == 0)
     drawText(ent.getText(), m_place);
 }
 
 void Walker::visit(CEntAttrib& ent) {
-  if ((ent.getFlags() & kInvisible) == 0) drawText(ent.getText(), m_place);
+  if ((ent.getFlags() & CEntAttrib::kInvisible) == 0) drawText(ent.getText(), m_place);
 }
 
 void Walker::text(const TEXT_3D& element) { drawText(element, m_drawing); }

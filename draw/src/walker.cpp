@@ -63,12 +63,6 @@ bool unfoldsArcs(const CEntPolyline& ent) {
 
 }  // namespace
 
-bool isHidden(const CEnt& ent, const CLayer& layer) {
-  const bool isInsert = ent.getEntInsert() && ent.getType() != CEntHatch::kType;
-  // Turning off the layer of an insert does not hide its content, which is on layers of its own.
-  return layer.isFrozen() || (layer.isOff() && !isInsert);
-}
-
 Walker::Walker(const CData& data, const IProjector& projector, const CWndVpt& window,
                IPainter& painter, const DRAW_OPTIONS& options, BlockTrees* blocks)
     : m_data(data),
@@ -103,9 +97,9 @@ Walker::Walker(const CData& data, const IProjector& projector, const CWndVpt& wi
 
 bool Walker::isShown(const CEnt& ent) const {
   if (!ent.getTraits().isVisible) return false;
-  const CLayer* layer = m_stack.ResolveLayer(ent);
-  if (m_options.hiddenLayers || !layer) return true;
-  return !isHidden(ent, *layer) && (!m_frozen || m_frozen->count(layer) == 0);
+  if (m_options.hiddenLayers) return true;
+  return m_stack.IsOnShownLayer(ent) &&
+         (!m_frozen || m_frozen->count(m_stack.ResolveLayer(ent)) == 0);
 }
 
 void Walker::draw(CEnt& ent) {

@@ -19,10 +19,6 @@
 
 namespace vek0::detail {
 
-/// Whether an entity on this layer is hidden. The content of an insert has its own layers, which
-/// may be on when the insert's is off.
-bool isHidden(const CEnt& ent, const CLayer& layer);
-
 constexpr int kMostNested = 200;  ///< inserts within inserts; each takes stack
 
 inline PNT_3D pointOf(const BULGED_VERTEX& v) { return PNT_3D(v.x, v.y, v.z); }

@@ -5,6 +5,7 @@
 
 #include "vek0host/entitycounts.h"
 #include "vek0host/propertytext.h"
+#include "vek0host/textvalues.h"
 #include "vek0host/visibletext.h"
 
 namespace vek0::host {
@@ -12,26 +13,19 @@ namespace {
 
 const zim::WString kModel(u"Model");
 
-std::string hexText(vek0::Handle handle) {
-  char text[20];
-  std::snprintf(text, sizeof text, "%llX", static_cast<unsigned long long>(handle));
-  return text;
-}
-
 // The block that an insert shows; the blocks of hatches are private.
 const CBlock* blockOf(const CEnt& ent) {
   const CEntInsertBase* insert = ent.getEntInsert();
   return insert && ent.getType() != CEntHatch::kType ? insert->getBlock() : nullptr;
 }
 
-bool isShown(const CEntInsertStackState& state, const CEnt& ent) {
-  constexpr long invisible = 1;
-  const CLayer* layer = state.ResolveLayer(ent);
-  // What an insert shows is on layers of its own.
-  if (layer && (layer->isFrozen() || (layer->isOff() && !blockOf(ent)))) return false;
-  const bool isHiddenAttrib = ent.getType() == CEntAttrib::kType &&
-                              (static_cast<const CEntAttrib&>(ent).getFlags() & invisible) != 0;
-  return ent.getTraits().isVisible && !isHiddenAttrib;
+// In a block, an attribute definition is only a template for the attributes of inserts.
+bool isHiddenByFlag(const CEnt& ent, bool isInBlock) {
+  if (ent.getType() == CEntAttrib::kType)
+    return (static_cast<const CEntAttrib&>(ent).getFlags() & CEntAttrib::kInvisible) != 0;
+  if (ent.getType() != CEntAttdef::kType) return false;
+  return isInBlock ||
+         (static_cast<const CEntAttdef&>(ent).getFlags() & CEntAttrib::kInvisible) != 0;
 }
 
 const TEXT_3D* textOf(const CEnt& ent) {
@@ -47,25 +41,40 @@ class Lister {
          const std::function<void(const ListedEntity&)>& show)
       : m_data(data), m_selection(selection), m_show(show) {}
 
+  // A null layout: the entity of a block.
   void list(CEnt& ent, const zim::WString* layout) {
-    if (m_selection.includes(ent)) show(ent, nullptr, layout);
+    ListedEntity entity = listed(ent, layout);
+    if (m_selection.includes(ent)) m_show(entity);
     const CEntInsertBase* insert = ent.getEntInsert();
     if (!insert || insert->GetNoAttribs() == 0) return;
+    const bool isShown = entity.isVisible;
     m_stack.Push(insert, 0, 0);
-    for (unsigned i = 0; i < static_cast<unsigned>(insert->GetNoAttribs()); ++i)
-      if (CEntAttrib* attrib = insert->GetAttrib(i); m_selection.includes(*attrib))
-        show(*attrib, insert, layout);
+    for (unsigned i = 0; i < static_cast<unsigned>(insert->GetNoAttribs()); ++i) {
+      entity = listed(*insert->GetAttrib(i), layout);
+      entity.of = insert;
+      entity.isVisible = entity.isVisible && isShown;
+      m_stack.GetCurMatrix().transform(entity.ent->getBdry(), entity.extents);
+      if (m_selection.includes(*entity.ent, entity.extents)) m_show(entity);
+    }
     m_stack.Pop();
   }
 
  private:
-  void show(CEnt& ent, const CEntInsertBase* of, const zim::WString* layout) {
+  ListedEntity listed(CEnt& ent, const zim::WString* layout) const {
     constexpr double opaque = ENT_TRAITS::kOpaque;
     const ENT_TRAITS traits = m_stack.ResolveTraits(ent);
-    m_show({ent, recordNameOf(ent), of, layout,
-            colorOnWhite(traits.trueColor, m_stack.ResolveColor(ent)),
-            weightInMm(m_data, traits.lineweight), m_stack.ResolveLtype(ent),
-            1 - traits.opacity / opaque, isShown(m_stack, ent)});
+    ListedEntity entity;
+    entity.ent = &ent;
+    entity.kind = recordNameOf(ent);
+    entity.layout = layout;
+    entity.color = colorOnWhite(traits.trueColor, m_stack.ResolveColor(ent));
+    entity.weightMm = weightInMm(m_data, traits.lineweight);
+    entity.ltype = m_stack.ResolveLtype(ent);
+    entity.transparency = 1 - traits.opacity / opaque;
+    entity.extents = ent.getBdry();
+    entity.isVisible =
+        traits.isVisible && m_stack.IsOnShownLayer(ent) && !isHiddenByFlag(ent, layout == nullptr);
+    return entity;
   }
 
   const CData& m_data;
@@ -103,24 +112,24 @@ std::string listEntities(const CData& data, const std::string& place, Selection 
 
 Json toJson(const ListedEntity& e) {
   Json json;
-  const CLayer* layer = e.ent.getLayer();
-  const CBlock* block = blockOf(e.ent);
-  const TEXT_3D* text = textOf(e.ent);
+  const CLayer* layer = e.ent->getLayer();
+  const CBlock* block = blockOf(*e.ent);
+  const TEXT_3D* text = textOf(*e.ent);
   const auto orNull = [](const zim::WString* name) { return name ? Json(name->toUtf8()) : Json(); };
-  json["handle"] = hexText(e.ent.GetHandle());
+  json["handle"] = hexText(e.ent->GetHandle());
   if (e.of) json["of"] = hexText(e.of->GetHandle());
   json["kind"] = e.kind;
   json["layer"] = orNull(layer ? &layer->getFullName() : nullptr);
   json["layout"] = orNull(e.layout);
   json["block"] = orNull(block ? &block->getName() : nullptr);
-  json["color"] = e.ent.getColor();
+  json["color"] = e.ent->getColor();
   json["rgb"] = colorText(e.color);
   json["lineweight"] = e.weightMm;
   json["linetype"] = ltypeName(e.ltype);
-  json["linetype_scale"] = e.ent.getTraits().ltypeScale;
+  json["linetype_scale"] = e.ent->getTraits().ltypeScale;
   json["transparency"] = e.transparency;
   json["visible"] = e.isVisible;
-  json["extents"] = extentsToJson(e.ent.getBdry());
+  json["extents"] = extentsToJson(e.extents);
   json["text"] = orNull(text ? &text->getContext().getString() : nullptr);
   return json;
 }
@@ -132,17 +141,19 @@ std::string tableHead() {
 std::string toTableLine(const ListedEntity& e) {
   const auto cell = [](std::string text, std::size_t width) {
     text = visible(text);
-    text.resize(std::max(text.size(), width), ' ');
-    return text + "  ";
+    const auto isContinued = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
+    const auto length = text.size() - static_cast<std::size_t>(
+                                          std::count_if(text.begin(), text.end(), isContinued));
+    return text + std::string(std::max(width, length) - length + 2, ' ');
   };
   char weight[8];
   std::snprintf(weight, sizeof weight, "%6.2f", e.weightMm);
-  const CLayer* layer = e.ent.getLayer();
-  const TEXT_3D* text = textOf(e.ent);
+  const CLayer* layer = e.ent->getLayer();
+  const TEXT_3D* text = textOf(*e.ent);
   std::string shown = e.isVisible ? "" : "(hidden) ";
-  if (const CBlock* block = blockOf(e.ent)) shown += visible(block->getName());
+  if (const CBlock* block = blockOf(*e.ent)) shown += visible(block->getName());
   if (text) shown += visible(text->getContext().getString());
-  std::string line = cell(hexText(e.ent.GetHandle()), 8) + cell(e.kind, 11) +
+  std::string line = cell(hexText(e.ent->GetHandle()), 8) + cell(e.kind, 11) +
                      cell(layer ? layer->getFullName().toUtf8() : "-", 19) + colorText(e.color) +
                      "  " + weight + "  " + cell(ltypeName(e.ltype), 16) + shown;
   line.resize(line.find_last_not_of(' ') + 1);

@@ -1,7 +1,6 @@
 #include "vek0host/propertytext.h"
 
 #include <cmath>
-#include <cstdio>
 
 namespace vek0::host {
 namespace {
@@ -13,12 +12,6 @@ bool isFinite(const PNT_3D& p) {
 }
 
 }  // namespace
-
-std::string colorText(const RGB_COLOR& color) {
-  char text[8];
-  std::snprintf(text, sizeof text, "#%02x%02x%02x", color.r, color.g, color.b);
-  return text;
-}
 
 RGB_COLOR colorOnWhite(std::uint32_t trueColor, short number) {
   constexpr int foreground = 7;

@@ -9,8 +9,7 @@
 namespace vek0::host {
 namespace {
 
-bool isWithin(const RECT_2D& window, const CEnt& ent) {
-  const RECT_3D& box = ent.getBdry();
+bool isWithin(const RECT_2D& window, const RECT_3D& box) {
   return box.validRegion() && window.min.x <= box.min.x && window.min.y <= box.min.y &&
          box.max.x <= window.max.x && box.max.y <= window.max.y;
 }
@@ -91,11 +90,13 @@ std::string Selection::findLayers(const CData& data) {
   return {};
 }
 
-bool Selection::includes(CEnt& ent) const {
+bool Selection::includes(CEnt& ent) const { return includes(ent, ent.getBdry()); }
+
+bool Selection::includes(CEnt& ent, const RECT_3D& box) const {
   if (!m_patterns.empty() && m_layers.count(ent.getLayer()) == 0) return false;
   const bool isKind =
       m_kinds.empty() || contains(m_kinds, kindNameOf(ent)) || contains(m_kinds, recordNameOf(ent));
-  return isKind && (!m_window || isWithin(*m_window, ent));
+  return isKind && (!m_window || isWithin(*m_window, box));
 }
 
 }  // namespace vek0::host

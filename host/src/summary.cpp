@@ -6,6 +6,7 @@
 #include "vek0host/entitycounts.h"
 #include "vek0host/propertytext.h"
 #include "vek0host/reports.h"
+#include "vek0host/textvalues.h"
 #include "vek0host/units.h"
 #include "vek0host/visibletext.h"
 

@@ -1,8 +1,10 @@
 #include "vek0host/textvalues.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 
 namespace vek0::host {
@@ -74,6 +76,27 @@ std::string unquoted(std::string_view text) {
     }
   }
   return result;
+}
+
+std::string colorText(const RGB_COLOR& color) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::string text = "#";
+  for (const std::uint8_t part : {color.r, color.g, color.b}) {
+    text += kDigits[part >> 4];
+    text += kDigits[part & 15];
+  }
+  return text;
+}
+
+std::string hexText(vek0::Handle handle) {
+  char digits[24];
+  const auto end =
+      std::to_chars(digits, digits + sizeof digits, static_cast<std::uint64_t>(handle), 16).ptr;
+  std::string text(digits, end);
+  for (char& c : text) {
+    if (c >= 'a') c = static_cast<char>(c - 'a' + 'A');
+  }
+  return text;
 }
 
 }  // namespace vek0::host

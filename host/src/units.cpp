@@ -102,6 +102,8 @@ bool convertUnits(CData& data, long stated, const std::string& from, const std::
   const auto target = unitInMeters(to);
   if (!source || !target) return false;
   scaleDrawing(data, *source / *target);
+  for (long code = 1; unitName(code) != nullptr; ++code)
+    if (to == unitName(code)) data.getVars().setUnits(static_cast<short>(code));
   return true;
 }
 

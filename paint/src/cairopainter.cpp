@@ -13,8 +13,8 @@ namespace vek0::paint {
 namespace {
 
 // A path is stroked after this many points, because the cost of a stroke grows faster than its
-// length, and overlaps have the same color. Fills grow linearly, and the strips of a solid hatch
-// must stay together, or else the background shows through their seams.
+// length, and opaque overlaps have the same color. Fills grow linearly, and the strips of a solid
+// hatch must stay together, or else the background shows through their seams.
 constexpr std::size_t kStrokePoints = 512, kFillPoints = 1 << 16;
 
 // Limit for the cost of clipping per picture, in group pixels of about 8 ns each: a few seconds.
@@ -265,7 +265,9 @@ void CairoPainter::plainPopClip() {
     cairo_fill(context);
   }
   cairo_restore(context);
+  // The state before the clip is that of an earlier item.
   setColor(context, m_color, m_alpha);
+  cairo_set_line_width(context, m_width);
   m_clips.pop_back();
 }
 

@@ -96,7 +96,8 @@ class Layout {
     return {perMm, std::min(kLeastPixels, fromMm(kUsualMm))};
   }
   double lineWidth() const {
-    if (m_options.lineWidth) return fromMm(*m_options.lineWidth);
+    if (m_options.lineWidth && m_paper) return fromMm(*m_options.lineWidth);
+    if (m_options.lineWidth) return std::max(*m_options.lineWidth * kPixelsPerMm, kLeastPixels);
     return weights().widthOf(m_options.defaultWeight);
   }
 

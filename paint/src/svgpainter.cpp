@@ -6,6 +6,7 @@
 #include <numbers>
 
 #include "vek0core/files/file.h"
+#include "vek0host/textvalues.h"
 #include "vek0paint/svgtext.h"
 
 namespace vek0::paint {
@@ -76,7 +77,7 @@ void SvgPainter::writeHead(const SHEET& sheet) {
   if (!sheet.paper) m_out += "<style>path,circle{vector-effect:non-scaling-stroke}</style>\n";
   if (!sheet.transparent) {
     m_out += "<rect width=\"" + width + "\" height=\"" + height + "\" fill=\"" +
-             colorText(sheet.background) + "\"/>\n";
+             host::colorText(sheet.background) + "\"/>\n";
   }
 }
 
@@ -105,14 +106,14 @@ std::string SvgPainter::groupId(const std::string& layer) {
 std::string SvgPainter::nextHandleId() {
   const int n = ++m_handles[m_handle];
   // An entity can appear several times: in several groups, or clipped.
-  return "h" + hexText(m_handle) + (n > 1 ? "-" + std::to_string(n) : std::string());
+  return "h" + host::hexText(m_handle) + (n > 1 ? "-" + std::to_string(n) : std::string());
 }
 
 void SvgPainter::flushGroups() {
   for (const Group& group : m_groups) {
     const std::string name = escapedXml(group.layer);
     write("<g id=\"" + groupId(group.layer) + "\" inkscape:groupmode=\"layer\" inkscape:label=\"" +
-          name + "\" data-layer=\"" + name + "\" stroke=\"" + colorText(group.color) + "\"" +
+          name + "\" data-layer=\"" + name + "\" stroke=\"" + host::colorText(group.color) + "\"" +
           (group.width == m_lineWidth ? std::string() : widthAttribute(group.width)) + ">\n");
     write(group.body);
     write(group.leavesClips + "</g>\n");
@@ -195,13 +196,13 @@ std::string SvgPainter::strokeAttribute() {
   // The group already states the color and width of its first element.
   const Group& group = groupOfItem();
   std::string attributes;
-  if (group.color != m_color) attributes += " stroke=\"" + colorText(m_color) + "\"";
+  if (group.color != m_color) attributes += " stroke=\"" + host::colorText(m_color) + "\"";
   if (group.width != m_width) attributes += widthAttribute(m_width);
   return attributes + opacityAttribute("stroke");
 }
 
 std::string SvgPainter::fillAttribute() const {
-  return " fill=\"" + colorText(m_color) + "\" stroke=\"none\"" + opacityAttribute("fill");
+  return " fill=\"" + host::colorText(m_color) + "\" stroke=\"none\"" + opacityAttribute("fill");
 }
 
 std::string SvgPainter::widthAttribute(double width) {

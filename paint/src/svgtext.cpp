@@ -14,16 +14,6 @@ std::string factorText(double value) {
   return std::string(digits, end);
 }
 
-std::string colorText(const RGB_COLOR& color) {
-  constexpr char kDigits[] = "0123456789abcdef";
-  std::string text = "#";
-  for (const std::uint8_t part : {color.r, color.g, color.b}) {
-    text += kDigits[part >> 4];
-    text += kDigits[part & 15];
-  }
-  return text;
-}
-
 namespace {
 
 // Removes characters that are invalid in XML: control characters, U+FFFE and U+FFFF.
@@ -77,17 +67,6 @@ std::string idPart(const std::string& layer) {
     id += plain ? c : '_';
   }
   return id;
-}
-
-std::string hexText(vek0::Handle handle) {
-  char digits[24];
-  const auto end =
-      std::to_chars(digits, digits + sizeof digits, static_cast<std::uint64_t>(handle), 16).ptr;
-  std::string text(digits, end);
-  for (char& c : text) {
-    if (c >= 'a') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return text;
 }
 
 }  // namespace vek0::paint

@@ -30,7 +30,8 @@ namespace {
 // Creates copies of the visited source entities in the target.
 class EntCloner final : public IEntVisitor {
  public:
-  EntCloner(CData& data, const ItemMap& map) : m_data(data), m_map(map) {}
+  EntCloner(CData& data, const ItemMap& map, VertexHandles handles)
+      : m_data(data), m_map(map), m_keeps(handles == VertexHandles::Keep) {}
 
   std::unique_ptr<CEnt> clone(const CEnt& src) {
     // Visitors take non-const entities, but this one only reads.
@@ -140,7 +141,7 @@ class EntCloner final : public IEntVisitor {
   std::unique_ptr<CVertex> vertex(const PNT_3D& pnt, double widthStart, double widthEnd,
                                   vek0::Handle handle) const {
     return std::unique_ptr<CVertex>(
-        orThrow(createVertex(m_data, pnt, widthStart, widthEnd, handle)));
+        orThrow(createVertex(m_data, pnt, widthStart, widthEnd, m_keeps ? handle : 0)));
   }
 
   // A plain polyline is copied packed or unpacked as it is; a curve consists of its frame and the
@@ -152,7 +153,7 @@ class EntCloner final : public IEntVisitor {
       std::vector<BULGED_VERTEX> vertexes;
       e.forEachBulged(
           [&](const PNT_3D& pnt, double ws, double we, double bulge, vek0::Handle handle) {
-            vertexes.push_back({pnt.x, pnt.y, pnt.z, ws, we, bulge, handle});
+            vertexes.push_back({pnt.x, pnt.y, pnt.z, ws, we, bulge, m_keeps ? handle : 0});
           });
       copy->setBulgedVertexes(gestor(), factory(), vertexes.data(), vertexes.size());
       return copy;
@@ -171,13 +172,15 @@ class EntCloner final : public IEntVisitor {
 
   CData& m_data;
   const ItemMap& m_map;
+  const bool m_keeps;  // the handles of vertices
   std::unique_ptr<CEnt> m_clone;
 };
 
 }  // namespace
 
-std::unique_ptr<CEnt> cloneOnto(CData& data, const ItemMap& map, const CEnt& src) {
-  return EntCloner(data, map).clone(src);
+std::unique_ptr<CEnt> cloneOnto(CData& data, const ItemMap& map, const CEnt& src,
+                                VertexHandles handles) {
+  return EntCloner(data, map, handles).clone(src);
 }
 
 CLtypeComplexDashSeq cloneDashes(const CLtype& ltype, const ItemMap& map) {

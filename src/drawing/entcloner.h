@@ -36,10 +36,13 @@ class ItemMap {
   std::unordered_map<const void*, void*> m_items;
 };
 
+enum class VertexHandles { Keep, Drop };
+
 /// A copy for `data`, in no table, with its items mapped: the new block determines whether an
-/// insert becomes an ordinary one or one of an external reference. Keeps the handle. Throws
-/// `std::bad_alloc`.
-std::unique_ptr<CEnt> cloneOnto(CData& data, const ItemMap& map, const CEnt& src);
+/// insert becomes an ordinary one or one of an external reference. Keeps the handle, and those of
+/// vertices if requested. Throws `std::bad_alloc`.
+std::unique_ptr<CEnt> cloneOnto(CData& data, const ItemMap& map, const CEnt& src,
+                                VertexHandles handles = VertexHandles::Keep);
 
 /// Copies the elements of a linetype, with mapped styles.
 CLtypeComplexDashSeq cloneDashes(const CLtype& ltype, const ItemMap& map);

@@ -27,6 +27,9 @@ vek0::Handle highestVertex(const CEnt& ent) {
 }  // namespace
 
 void CHandleManager::start(CData& data) {
+  m_pages.clear();
+  m_lastPage = nullptr;
+  m_lowest = 1;
   std::vector<CEnt*> without;
   vek0::Handle highest = 0;
   vek0::forEachEnt(data, [&](CEnt& ent) {
@@ -37,7 +40,7 @@ void CHandleManager::start(CData& data) {
   m_next = std::min(highest, kHighest) + 1;
   m_isStarted = true;
   for (int i = 0; i < data.getLayouts().size(); ++i) {
-    std::vector<VIEWPORT> viewports = data.getLayouts()[i].setViewports({});
+    std::vector<VIEWPORT> viewports = data.getLayouts()[i].getViewports();
     for (VIEWPORT& viewport : viewports) viewport.handle = bookHandle(viewport.handle);
     data.getLayouts()[i].setViewports(std::move(viewports));
   }
@@ -69,7 +72,7 @@ bool CHandleManager::take(vek0::Handle handle) {
 // Above all others, or, if there is no room, the lowest free one.
 vek0::Handle CHandleManager::free() const {
   if (m_next <= kHighest) return m_next;
-  vek0::Handle handle = 1;
+  vek0::Handle handle = m_lowest;
   while (isTaken(handle)) ++handle;
   return handle;
 }
@@ -78,6 +81,7 @@ vek0::Handle CHandleManager::bookNext() {
   if (!m_isStarted) return 0;
   const vek0::Handle handle = free();
   take(handle);
+  if (m_next > kHighest) m_lowest = handle + 1;
   return handle;
 }
 
@@ -90,6 +94,7 @@ void CHandleManager::unbook(vek0::Handle handle) {
   const auto page = m_pages.find(handle >> kPageBits);
   if (page == m_pages.end()) return;
   page->second[static_cast<std::size_t>(handle >> 6 & 7)] &= ~(std::uint64_t{1} << (handle & 63));
+  m_lowest = std::min(m_lowest, handle);
 }
 
 void CHandleManager::reserve(const IHandleEnt* ent) {

@@ -218,7 +218,9 @@ class Binder {
     std::unique_ptr<CBlock> block(orThrow(m_data.getBlockFactory().create(
         name, base, from.isXRef() ? 0 : from.getFlags() & ~CBlock::kHasAttdefs)));
     for (unsigned i = 0; i < from.size(); ++i) {
-      std::unique_ptr<CEnt> copy = cloneOnto(m_data, m_map, *from[i]);
+      // Vertices of the host may have the same handles.
+      std::unique_ptr<CEnt> copy =
+          cloneOnto(m_data, m_map, *from[i], vek0::detail::VertexHandles::Drop);
       // The entities of a reference are in its own coordinates; `add` moves them by the base point.
       if (from.isXRef())
         vek0::detail::addTo(*block, std::move(copy));

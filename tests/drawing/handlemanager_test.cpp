@@ -77,3 +77,28 @@ TEST(HandleManager, TheFirstOwnerKeepsAHandle) {
   EXPECT_EQ(addPoint(*data, highest)->GetHandle(), 1);
   EXPECT_EQ(manager.bookNext(), 2);
 }
+
+// Undo deletes added attributes, and redo makes them again.
+TEST(HandleManager, AttributesThatReturnHaveTheirHandles) {
+  const CDataPtr data = managed();
+  static_cast<CHandleManager&>(data->getHandleGestor()).start(*data);
+  CLayer* layer = &data->getLayer0();
+  CEntInsertBase* insert =
+      data->getEntFactory().createEntInsert(data->getHandleGestor(), layer, nullptr, 7, nullptr,
+                                            PNT_3D(0, 0, 0), 1, 1, 1, 0, 1, 1, 0, 0, 0);
+  data->getEntTable().add(insert);
+  CUndoStack undo(*data);
+  for (int i = 0; i < 5; ++i) {
+    undo.begin(u"add");
+    ASSERT_TRUE(undo.keep(*insert));
+    insert->add(data->getEntFactory().createEntAttrib(
+        data->getHandleGestor(), layer, nullptr, 7, TEXT_3D(u"v", nullptr, 0, 0, 0, 1, 0, 1, 0, 0),
+        u"T", 0, 0));
+  }
+  const Handles before = handlesOf(*data);
+  while (undo.undo()) {
+  }
+  while (undo.redo()) {
+  }
+  EXPECT_EQ(handlesOf(*data), before);
+}

@@ -132,6 +132,14 @@ TEST_F(InsertStack, ResolvesTraitsFromEntityLayerAndInserts) {
   stack.Push(outer.get(), 0, 0);
   stack.Push(inner.get(), 0, 0);
   EXPECT_FALSE(stack.ResolveTraits(*inner).isVisible);
+  // The lines of a hatch have the traits of the hatch.
+  const std::unique_ptr<CEntHatch> hatch(
+      createEntHatch(*scene.data, wall, byLayer(), kByLayer, *getHatch(zim::WString(u"ANSI31")), 1,
+                     0, {PNT_3D(0, 0, 0), PNT_3D(9, 0, 0), PNT_3D(9, 9, 0)}, 0));
+  hatch->setTraits(traitsOf(none, 50, 60, true));
+  CEntInsertStack inHatch(1);
+  inHatch.Push(hatch.get(), 0, 0);
+  EXPECT_EQ(inHatch.ResolveTraits(*(*hatch->getBlock())[0]), traitsOf(0x111111, 50, 60, true));
 }
 
 }  // namespace

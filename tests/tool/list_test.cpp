@@ -25,8 +25,8 @@ TEST_F(List, ShowsWhatIsDrawn) {
   const std::string block = pairsOf(
       "0 BLOCK|2 X|10 0|20 0|0 LINE|8 0|10 0|20 0|11 1|21 1|62 0|370 -2|6 BYBLOCK|0 CIRCLE|8 B|10 "
       "0|20 0|40 1|0 ENDBLK");
-  const std::string insert = "0 INSERT|5 A1|8 B|2 X|10 0|20 0|370 30|420 255|66 1";
-  const std::string attrib = "|0 ATTRIB|5 A2|8 0|10 0|20 0|40 1|1 v|2 T|62 0|70 1|0 SEQEND|";
+  const std::string insert = "0 INSERT|5 A1|8 B|2 X|10 100|20 200|370 30|420 255|66 1";
+  const std::string attrib = "|0 ATTRIB|5 A2|8 0|10 100|20 200|40 1|1 v|2 T|62 0|70 1|0 SEQEND|";
   write("a.dxf", section("TABLES", tables) + section("BLOCKS", block) +
                      section("ENTITIES", pairsOf(insert + attrib +
                                                  "0 LWPOLYLINE|5 A3|8 A|90 2|70 0|10 1|20 2|10 3|"
@@ -48,6 +48,7 @@ TEST_F(List, ShowsWhatIsDrawn) {
   EXPECT_EQ(lines[1]["lineweight"], 0.25);
   EXPECT_EQ(lines[1]["text"], "v");
   EXPECT_FALSE(lines[1]["visible"]);
+  EXPECT_EQ(lines[1]["extents"]["min"][0], 100.0);
   const std::vector<Json> inside = linesOf(run("list --json a.dxf --in x").out);
   ASSERT_EQ(inside.size(), 2u);
   EXPECT_EQ(inside[0]["rgb"], "#000000");
@@ -57,7 +58,8 @@ TEST_F(List, ShowsWhatIsDrawn) {
   EXPECT_EQ(inside[1]["rgb"], "#00ff00");
   for (const auto& [where, count] :
        {std::pair("layer=A", 1), std::pair("kind=lwpolyline", 1), std::pair("kind=polyline", 1),
-        std::pair("kind=text", 0), std::pair("layer=B,kind=insert", 1)})
+        std::pair("kind=text", 0), std::pair("layer=B,kind=insert", 1),
+        std::pair("window=90,190,300,300", 2)})
     EXPECT_EQ(linesOf(run(std::string("list --json a.dxf --where ") + where).out).size(), count);
   EXPECT_EQ(run("list a.dxf --in Y").code, 1);
   EXPECT_EQ(run("list a.dxf --where layer=Y").code, 1);

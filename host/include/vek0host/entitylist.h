@@ -12,15 +12,16 @@ namespace vek0::host {
 /// An entity as `vek0 list` shows it. Color, lineweight, linetype and visibility are those that it
 /// is drawn with, for black on white.
 struct ListedEntity {
-  const CEnt& ent;
-  const char* kind;            ///< of the record, see `recordNameOf`
-  const CEntInsertBase* of;    ///< the insert of an attribute, else null
-  const zim::WString* layout;  ///< null for entities of a block
-  RGB_COLOR color;
-  double weightMm;
-  const CLtype* ltype;  ///< null: Continuous
-  double transparency;  ///< from 0, opaque, to 1
-  bool isVisible;
+  CEnt* ent = nullptr;                   ///< never null when listed
+  const char* kind = "";                 ///< of the record, see `recordNameOf`
+  const CEntInsertBase* of = nullptr;    ///< the insert of an attribute, else null
+  const zim::WString* layout = nullptr;  ///< null for entities of a block
+  RGB_COLOR color{};
+  double weightMm = 0;
+  const CLtype* ltype = nullptr;  ///< null: Continuous
+  double transparency = 0;        ///< from 0, opaque, to 1
+  RECT_3D extents;                ///< those of an attribute are not in the coordinates of the block
+  bool isVisible = true;
 };
 
 /// Calls `show` for the entities that the selection includes, each followed by its attributes:

@@ -7,9 +7,6 @@
 
 namespace vek0::host {
 
-/// "#rrggbb".
-std::string colorText(const RGB_COLOR& color);
-
 /// The color of a number on a white background, where 7 is black; of a true color if there is one.
 RGB_COLOR colorOnWhite(std::uint32_t trueColor, short number);
 

@@ -20,6 +20,8 @@ class Selection {
   /// matches none, else an empty text.
   std::string findLayers(const CData& data);
   bool includes(CEnt& ent) const;
+  /// The same for an entity that has other extents where it is shown, such as an attribute.
+  bool includes(CEnt& ent, const RECT_3D& extents) const;
 
  private:
   std::string sortValues(const std::string& text, std::vector<std::string>& window);

@@ -6,6 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "vek0core/tables/handle.h"
+#include "vek0core/tables/palette.h"
+
 namespace vek0::host {
 
 /// Parses finite numbers such as "1,2.5,-3e2"; nothing on any other text. The decimal separator is
@@ -24,5 +27,11 @@ std::optional<std::vector<std::string>> splitUnquoted(std::string_view text, cha
 
 /// The text without its quotes; a doubled quote inside them is a quote.
 std::string unquoted(std::string_view text);
+
+/// "#rrggbb".
+std::string colorText(const RGB_COLOR& color);
+
+/// In uppercase hexadecimal digits.
+std::string hexText(vek0::Handle handle);
 
 }  // namespace vek0::host

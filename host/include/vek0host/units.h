@@ -25,8 +25,8 @@ std::optional<double> unitInMeters(std::string_view name);
 void scaleDrawing(CData& data, double factor);
 
 /// Scales everything from one unit to another. `stated` is the number of the unit in the file,
-/// which is often wrong, so that a name in `from` takes precedence. Returns false without a change
-/// if a unit is unknown.
+/// which is often wrong, so that a name in `from` takes precedence. The drawing's unit is the
+/// target then. Returns false without a change if a unit is unknown.
 bool convertUnits(CData& data, long stated, const std::string& from, const std::string& to);
 
 }  // namespace vek0::host

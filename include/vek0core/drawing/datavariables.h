@@ -43,7 +43,8 @@ class VEK0_API CDataVariables {
   short getCurColor() const { return m_curColor; }
   void setCurColor(short color) { m_curColor = color; }
 
-  /// Linetype scale of new entities (`$CELTSCALE`), besides that of all linetypes.
+  /// Linetype scale that an editor gives to new entities (`$CELTSCALE`), besides that of all
+  /// linetypes. Stored only: the functions that create entities do not use it.
   double getCurLtypeScale() const { return m_curLtypeScale; }
   void setCurLtypeScale(double scale) { m_curLtypeScale = scale; }
 
@@ -67,6 +68,7 @@ class VEK0_API CDataVariables {
   double getPointSize() const { return m_pointSize; }
   void setPointSize(double size) { m_pointSize = size; }
 
+  static constexpr short kUsualLineweight = 25;  ///< of drawings that state no default
   /// The lineweight that "default" means (`$LWDEFAULT`), in hundredths of a millimeter.
   short getDefaultLineweight() const { return m_defaultLineweight; }
   void setDefaultLineweight(short weight) { m_defaultLineweight = weight; }
@@ -101,7 +103,7 @@ class VEK0_API CDataVariables {
   short m_pointMode = 0;
   double m_pointSize = 0.0;
   double m_curLtypeScale = 1.0;
-  short m_defaultLineweight = 25;
+  short m_defaultLineweight = kUsualLineweight;
   short m_units = 0;
   bool m_lineweightShown = false;
   bool m_paperLtypeScale = true;

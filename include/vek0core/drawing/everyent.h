@@ -23,18 +23,18 @@ void forEachEnt(CBlock& block, const Visit& visit) {
   for (unsigned i = 0; i < block.size(); ++i) forEachEnt(*block[i], visit);
 }
 
-/// The same for every entity of the drawing: blocks, those of external references, then model
-/// space, each in drawing order.
+/// The same for every entity of the drawing: blocks, model space, then external references with
+/// their blocks, each in drawing order.
 template <class Visit>
 void forEachEnt(const CData& data, const Visit& visit) {
   const CBlockTable& blocks = data.getBlockTable();
   for (int i = 0; i < static_cast<int>(blocks.size()); ++i) forEachEnt(*blocks[i], visit);
+  for (CEnt* ent : data.getEntTable().getEntityTbl()) forEachEnt(*ent, visit);
   const CBlockXRefTable& xrefs = data.getBlockXRefTable();
   for (int i = 0; i < static_cast<int>(xrefs.size()); ++i) {
     forEachEnt(static_cast<CBlock&>(*xrefs[i]), visit);
     for (const auto& block : xrefs[i]->getBlocks()) forEachEnt(*block, visit);
   }
-  for (CEnt* ent : data.getEntTable().getEntityTbl()) forEachEnt(*ent, visit);
 }
 
 }  // namespace vek0

@@ -45,7 +45,8 @@ class VEK0_API CHandleManager final : public IHandleGestor {
   vek0::Handle free() const;
 
   bool m_isStarted = false;
-  vek0::Handle m_next = 1;  // above all handles that were ever used
+  vek0::Handle m_next = 1;    // above all handles that were ever used
+  vek0::Handle m_lowest = 1;  // all below are used
   std::unordered_map<vek0::Handle, Page> m_pages;
   Page* m_lastPage = nullptr;  // most handles are near the previous one
   vek0::Handle m_lastKey = -1;

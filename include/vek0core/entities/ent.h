@@ -144,7 +144,10 @@ class VEK0_API CEnt : public IHandleEnt {
   void copyExtras(const CEnt& src);
   /// The kind of record in the file that it comes from. Copies are `EntRecord::Own`.
   EntRecord getRecord() const { return static_cast<EntRecord>(m_record); }
-  void setRecord(EntRecord record) { m_record = static_cast<unsigned char>(record) & 31; }
+  void setRecord(EntRecord record) {
+    static_assert(kEntRecords <= 32);
+    m_record = static_cast<unsigned char>(record) & 31;
+  }
   void setUserType(long type) { m_userType = type; }
   void setUserData(long data) { m_userData = data; }
   /// Sets both words of host data at once.

@@ -24,7 +24,8 @@ struct ATTRIB_PLACE {
 /// `transform_attrib_logic_2_phisic` converts it to drawing coordinates.
 class VEK0_API CEntAttrib : public CEntText {
  public:
-  static constexpr short kType = 9;  ///< what `getType` answers
+  static constexpr short kType = 9;      ///< what `getType` answers
+  static constexpr long kInvisible = 1;  ///< flag of attributes and definitions that are not shown
 
   void accept(IEntVisitor& visitor) override;
   using CEnt::setMemento;

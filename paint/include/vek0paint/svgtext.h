@@ -11,17 +11,11 @@ namespace vek0::paint {
 /// A factor of unknown magnitude, with as many digits as a picture can show.
 std::string factorText(double value);
 
-/// "#rrggbb".
-std::string colorText(const RGB_COLOR& color);
-
 /// Text or an attribute's value in UTF-8, without characters that are invalid in XML.
 std::string escapedXml(std::string_view utf8);
 
 /// The name of a layer in UTF-8 as part of an id: other characters than letters, digits, "-" and
 /// "_" become "_".
 std::string idPart(const std::string& layer);
-
-/// In uppercase hexadecimal digits.
-std::string hexText(vek0::Handle handle);
 
 }  // namespace vek0::paint

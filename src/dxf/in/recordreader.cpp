@@ -13,7 +13,7 @@
 #include <string>
 
 #include "dxf/in/coordinate.h"
-#include "dxf/in/opacity.h"
+#include "dxf/in/traitvalues.h"
 #include "files/number.h"
 #include "vek0core/files/report.h"
 #include "vek0core/tables/colors.h"
@@ -272,9 +272,11 @@ bool RecordReader::takeTrait(long code) {
 }
 
 void RecordReader::takeTrueColor() {
-  constexpr long mask = 0xFFFFFF;
   const long value = lexer().getInt();
-  if (!failed()) m_record.traits.trueColor = static_cast<std::uint32_t>(value & mask);
+  if (failed()) return;
+  const std::optional<std::uint32_t> color = trueColorOf(value);
+  if (!color) return note(ReportCode::NumberReplaced, decimal(kTrueColor));
+  m_record.traits.trueColor = *color;
 }
 
 void RecordReader::takeLineweight() {
@@ -327,7 +329,9 @@ void RecordReader::supply() {
     m_record.layer = m_context.semantor.getLayer(zero);
     note(ReportCode::LayerMissing);
   }
-  m_record.traits.isVisible = m_record.integer(kHidden) == 0;
+  const long hidden = m_record.integer(kHidden);
+  m_record.traits.isVisible = hidden != 1;
+  if (hidden != 0 && hidden != 1) note(ReportCode::NumberReplaced, decimal(kHidden));
   if (m_frameTaken) return;
   m_frameTaken = true;
   m_frame = {m_record.extrusion, m_record.integer(67) != 0};

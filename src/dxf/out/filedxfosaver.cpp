@@ -249,6 +249,8 @@ void CFileDXFOSaver::reportVariables() {
   const CDataVariables& vars = m_data.getVars();
   if (vars.getUnits() != 0) report(ReportCode::UnitDropped, u"$INSUNITS");
   if (vars.getCurLtypeScale() != 1) report(ReportCode::SettingDropped, u"$CELTSCALE");
+  if (vars.getDefaultLineweight() != CDataVariables::kUsualLineweight)
+    report(ReportCode::SettingDropped, u"$LWDEFAULT");
   if (vars.isLineweightShown()) report(ReportCode::SettingDropped, u"$LWDISPLAY");
 }
 

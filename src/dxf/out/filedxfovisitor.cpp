@@ -56,7 +56,6 @@ constexpr long kQuadratic = 5, kCubic = 6;
 // Code 71 of texts.
 constexpr long kBackward = 2;
 // Code 70 of attributes.
-constexpr long kInvisibleAttrib = 1;
 // The codes of the string and of the vertical alignment differ by kind of text.
 constexpr long kTextString = 1, kTagString = 2, kTextVertical = 73, kAttribVertical = 74;
 
@@ -335,7 +334,8 @@ void CFileDXFOVisitor::attribs_visit(const CEntInsertBase& ent) {
 
 void CFileDXFOVisitor::attrib_visit(const CEntInsertBase& ent, const CEntAttrib& attrib) {
   begin("ATTRIB", attrib);
-  m_writer.write(70, attrib.getFlags() | (attrib.getTraits().isVisible ? 0 : kInvisibleAttrib));
+  m_writer.write(70,
+                 attrib.getFlags() | (attrib.getTraits().isVisible ? 0 : CEntAttrib::kInvisible));
   m_writer.writeText(2, attrib.getTag());
   txt_visit(placed(ent, attrib), kTextString, kAttribVertical);
 }

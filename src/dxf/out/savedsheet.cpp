@@ -103,18 +103,28 @@ void SavedViewports::write(const CLayout& layout, const CLayer& layer0) {
     begin(m_handles.take(viewport.handle), viewport.layer ? viewport.layer : &layer0);
     if (viewport.ltype && !viewport.ltype->isByLayer())
       m_writer.writeEncoded(6, m_names.ltype(viewport.ltype));
-    if (viewport.color != kColorByLayer && isEntityColor(viewport.color))
-      m_writer.write(62, static_cast<long>(viewport.color));
+    if (const short color = colorOf(viewport); color != kColorByLayer && isEntityColor(color))
+      m_writer.write(62, static_cast<long>(color));
     writeFrame(viewport, viewport.isOn && viewport.isPlan ? number : 0, number);
     writeView(viewport);
     reportLosses(viewport);
   }
 }
 
+short SavedViewports::colorOf(const VIEWPORT& viewport) const {
+  if (!viewport.traits.hasTrueColor()) return viewport.color;
+  const SavedColor color = savedColor(viewport.traits.trueColor);
+  if (color.isApproximated && m_report)
+    m_report->add(ReportCode::ColorApproximated, 0, u"VIEWPORT");
+  return color.number;
+}
+
 void SavedViewports::reportLosses(const VIEWPORT& viewport) {
   if (!m_report) return;
   if (!viewport.boundary.empty()) m_report->add(ReportCode::ClipLost, 0, u"VIEWPORT");
-  if (viewport.traits != ENT_TRAITS()) m_report->add(ReportCode::CodeDropped, 0, u"VIEWPORT");
+  ENT_TRAITS traits = viewport.traits;
+  traits.trueColor = ENT_TRAITS::kNoTrueColor;
+  if (traits != ENT_TRAITS()) m_report->add(ReportCode::CodeDropped, 0, u"VIEWPORT");
 }
 
 void SavedViewports::begin(vek0::Handle handle, const CLayer* layer) {

@@ -38,6 +38,7 @@ class SavedViewports {
   void begin(vek0::Handle handle, const CLayer* layer);
   void writeFrame(const VIEWPORT& viewport, long status, long number);
   void writeView(const VIEWPORT& viewport);
+  short colorOf(const VIEWPORT& viewport) const;
   void reportLosses(const VIEWPORT& viewport);
 
   CFileDXFOWriter& m_writer;

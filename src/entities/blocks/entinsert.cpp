@@ -7,8 +7,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <new>
-#include <unordered_map>
 #include <utility>
 
 #include "entities/entservices.h"
@@ -46,8 +46,15 @@ CEntInsertBase::~CEntInsertBase() = default;
 
 void CEntInsertBase::addTbls(IHandleGestor& gestor) const {
   CEnt::addTbls(gestor);
+  std::size_t done = 0;
+  try {
+    for (; done < m_attribs.size(); ++done) m_attribs[done]->addTbls(gestor);
+  } catch (const std::bad_alloc&) {
+    while (done-- > 0) m_attribs[done]->removeTbls(gestor);
+    CEnt::removeTbls(gestor);
+    throw;
+  }
   if (m_block != nullptr) m_block->addEntity();
-  for (const auto& attrib : m_attribs) attrib->addTbls(gestor);
   m_gestor = &gestor;
 }
 
@@ -66,10 +73,15 @@ void CEntInsertBase::calcBdry() {
 
 void CEntInsertBase::add(CEntAttrib* attrib) {
   if (attrib == nullptr) return;
-  m_attribs.emplace_back();  // first: only this can fail
+  m_attribs.emplace_back();
+  try {
+    // An insert that is already registered must register later attributes itself.
+    if (m_gestor != nullptr) attrib->addTbls(*m_gestor);
+  } catch (const std::bad_alloc&) {
+    m_attribs.pop_back();
+    throw;
+  }
   m_attribs.back().reset(attrib);
-  // An insert that is already registered must register later attributes itself.
-  if (m_gestor != nullptr) attrib->addTbls(*m_gestor);
   dirtyBdry();
 }
 
@@ -405,17 +417,24 @@ class AttribsMemento::Replaced final : public EntParts {
   // Takes the memento's attributes from those present, or makes them. Throws before anything
   // changes.
   void prepare(CData& data, const std::vector<Entry>& entries) {
-    std::unordered_map<const CEntAttrib*, std::size_t> present;
-    for (std::size_t i = 0; i < m_insert.m_attribs.size(); ++i)
-      present.emplace(m_insert.m_attribs[i].get(), i);
+    Present present;
+    for (std::size_t i = 0; i < m_insert.m_attribs.size(); ++i) {
+      const CEntAttrib& attrib = *m_insert.m_attribs[i];
+      present.emplace(Identity(&attrib, attrib.GetHandle()), i);
+      if (attrib.GetHandle() != 0) present.emplace(Identity(nullptr, attrib.GetHandle()), i);
+    }
+    std::vector<bool> isTaken(m_insert.m_attribs.size());
     m_attribs.resize(entries.size());
     for (std::size_t i = 0; i < entries.size(); ++i) {
-      // Another one may have been allocated at the address of a deleted one.
-      const auto found = present.find(entries[i].attrib);
-      if (found != present.end() && found->first->GetHandle() == entries[i].handle)
-        m_shared.emplace_back(found->second, i);
-      else
+      auto found = present.find(Identity(entries[i].attrib, entries[i].handle));
+      // One that was remade has another address.
+      if (found == present.end()) found = present.find(Identity(nullptr, entries[i].handle));
+      if (found == present.end() || isTaken[found->second]) {
         m_attribs[i] = orThrow(remake(data, entries[i]));
+      } else {
+        isTaken[found->second] = true;
+        m_shared.emplace_back(found->second, i);
+      }
     }
   }
 
@@ -438,6 +457,11 @@ class AttribsMemento::Replaced final : public EntParts {
   void putBack() override { exchange(); }
 
  private:
+  // By address and handle, because another one may have been allocated at the address of a deleted
+  // one.
+  using Identity = std::pair<const CEntAttrib*, vek0::Handle>;
+  using Present = std::map<Identity, std::size_t>;
+
   static std::unique_ptr<CEntAttrib> orThrow(std::unique_ptr<CEntAttrib> made) {
     if (made == nullptr) throw std::bad_alloc();
     return made;

@@ -2,6 +2,7 @@
 
 #include "vek0core/tables/colors.h"
 
+#include "vek0core/entities/blocks/enthatch.h"
 #include "vek0core/entities/blocks/entinsert.h"
 #include "vek0core/tables/layer.h"
 #include "vek0core/tables/ltype.h"
@@ -30,6 +31,13 @@ CLayer* CEntInsertStackState::ResolveLayer(const CEnt& ent) const {
   return floats && m_layer != nullptr ? m_layer : layer;
 }
 
+bool CEntInsertStackState::IsOnShownLayer(const CEnt& ent) const {
+  const CLayer* layer = ResolveLayer(ent);
+  if (layer == nullptr) return true;
+  const bool isInsert = ent.getEntInsert() != nullptr && ent.getType() != CEntHatch::kType;
+  return !layer->isFrozen() && (!layer->isOff() || isInsert);
+}
+
 short CEntInsertStackState::ResolveColor(const CEnt& ent) const {
   // BYBLOCK takes the insert's color, BYLAYER that of the layer after floating.
   if (ent.getColor() == kColorByBlock) return m_color;
@@ -53,6 +61,11 @@ ENT_TRAITS CEntInsertStackState::plainTraits() {
 
 ENT_TRAITS CEntInsertStackState::ResolveTraits(const CEnt& ent) const {
   ENT_TRAITS traits = ent.getTraits();
+  if (m_isHatch) {
+    // The lines of a hatch have no weight and opacity of their own.
+    traits.lineweight = ENT_TRAITS::kWeightByBlock;
+    traits.opacity = ENT_TRAITS::kOpacityByBlock;
+  }
   const CLayer* layer = ResolveLayer(ent);
   const LAYER_TRAITS ofLayer = layer != nullptr ? layer->getTraits() : LAYER_TRAITS();
   if (!traits.hasTrueColor() && ent.getColor() == kColorByLayer)
@@ -73,7 +86,7 @@ CEntInsertStack::CEntInsertStack(double pixelSize) : m_pixelSize(pixelSize) {
 
 void CEntInsertStack::Push(const CEntInsertBase* insert, int row, int col) {
   // Saved instead of recomputed, because inverting a matrix would lose precision.
-  const Saved outer{m_matrix, m_layer, m_color, m_ltype, m_traits};
+  const Saved outer{m_matrix, m_layer, m_color, m_ltype, m_traits, m_isHatch};
   m_saved.push_back(outer);
   m_inserts.push_back(insert);
   m_matrix = outer.matrix * CEntInsertMatrix(m_pixelSize, *insert, row, col);
@@ -83,6 +96,7 @@ void CEntInsertStack::Push(const CEntInsertBase* insert, int row, int col) {
   m_ltype = ResolveLtype(*insert);
   m_traits = ResolveTraits(*insert);
   m_layer = ResolveLayer(*insert);
+  m_isHatch = insert->getType() == CEntHatch::kType;
 }
 
 void CEntInsertStack::Pop() {
@@ -93,6 +107,7 @@ void CEntInsertStack::Pop() {
   m_color = outer.color;
   m_ltype = outer.ltype;
   m_traits = outer.traits;
+  m_isHatch = outer.isHatch;
   m_saved.pop_back();
   m_inserts.pop_back();
 }

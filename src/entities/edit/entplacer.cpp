@@ -39,7 +39,6 @@ namespace {
 
 constexpr double kSquare = 1e-12;  // relative tolerance for perpendicular axes and equal lengths
 constexpr int kMostNested = 200;
-constexpr long kInvisible = 1;  // bit of an attribute's flags
 
 bool isClipped(const CEntInsertBase& insert) {
   return insert.getType() == CEntInsert::kType &&
@@ -247,7 +246,7 @@ void EntPlacer::visit(CEntAttdef&) {}
 
 // An attribute becomes an ordinary text once its insert is gone.
 void EntPlacer::visit(CEntAttrib& ent) {
-  if ((ent.getFlags() & kInvisible) == 0) visit(static_cast<CEntText&>(ent));
+  if ((ent.getFlags() & CEntAttrib::kInvisible) == 0) visit(static_cast<CEntText&>(ent));
 }
 
 // The faces of a hatch have hidden edges. Exploded, they get them back: otherwise the file form

@@ -379,7 +379,7 @@ TEST(Tolerant, WhatIsInvisibleStaysSo) {
   EXPECT_FALSE(ents.front()->getTraits().isVisible);
   const CEntInsertBase& with = *ents.back()->getEntInsert();
   ASSERT_EQ(with.GetNoAttribs(), 2u);
-  EXPECT_EQ(with.GetAttrib(0)->getFlags(), 1);
+  EXPECT_FALSE(with.GetAttrib(0)->getTraits().isVisible);
   EXPECT_EQ(with.GetAttrib(1)->getFlags(), 0);
   CFileMemory file(u"saved.dxf", IFile::kWrite);
   CFileReport report;

@@ -20,7 +20,8 @@ class CLtype;
 /// BYLAYER or BYBLOCK as the linetype of a layer.
 ///
 /// True color, lineweight and opacity are inherited likewise. Outside all inserts the lineweight
-/// BYBLOCK is the default, the opacity BYBLOCK full. An invisible insert hides its block.
+/// BYBLOCK is the default, the opacity BYBLOCK full. The lines of a hatch take both from the hatch.
+/// An invisible insert hides its block.
 class VEK0_API CEntInsertStackState {
  public:
   int GetNoInsert() const { return static_cast<int>(m_inserts.size()); }
@@ -45,6 +46,9 @@ class VEK0_API CEntInsertStackState {
   /// Effective layer of an entity of the innermost block; null only for an entity without a layer
   /// outside all inserts.
   CLayer* ResolveLayer(const CEnt& ent) const;
+  /// Whether that layer is neither frozen nor off. Turning off the layer of an insert does not hide
+  /// its content, which is on layers of its own.
+  bool IsOnShownLayer(const CEnt& ent) const;
   /// Its effective color index; 7 if there is no layer.
   short ResolveColor(const CEnt& ent) const;
   /// Its effective linetype; null is Continuous.
@@ -66,6 +70,7 @@ class VEK0_API CEntInsertStackState {
   short m_color = 7;
   CLtype* m_ltype = nullptr;
   ENT_TRAITS m_traits = plainTraits();  // the current meaning of BYBLOCK
+  bool m_isHatch = false;               // the innermost insert is one
 };
 
 /// Stack for the state of a traversal of nested inserts. The caller must bound the depth: recursive
@@ -90,6 +95,7 @@ class VEK0_API CEntInsertStack : public CEntInsertStackState {
     short color;
     CLtype* ltype;
     ENT_TRAITS traits;
+    bool isHatch;
   };
 
   double m_pixelSize;

@@ -78,6 +78,8 @@ void MultileaderReader::take(long code) {
   // Type of the leader lines; 0 means none.
   if (m_place == Outside && code == 170) {
     m_isDrawn = m_in.lexer().getInt() != 0;
+  } else if (m_place == Outside && code == 48) {
+    m_in.takeLtypeScale();
   } else if (m_place == Content) {
     takeOfContent(code);
   } else if (m_place == Leader) {

@@ -57,7 +57,8 @@ template <class Value>
 struct Variable {
   const zim::Char* name;
   void (*set)(CDataVariables& vars, const Value& value);
-  bool isFurther = false;  // read only by tolerant reading
+  bool isFurther = false;                         // read only by tolerant reading
+  bool (*isValid)(const Value& value) = nullptr;  // null: every value is, or is replaced silently
 };
 
 void setPointSize(CDataVariables& vars, const Reals& v) { vars.setPointSize(v[0]); }
@@ -66,22 +67,22 @@ void setPointMode(CDataVariables& vars, const long& value) {
   if (value >= 0 && value <= most) vars.setPointMode(static_cast<short>(value));
 }
 
-void setCurLtypeScale(CDataVariables& vars, const Reals& v) {
-  if (v[0] > 0) vars.setCurLtypeScale(v[0]);
-}
+void setCurLtypeScale(CDataVariables& vars, const Reals& v) { vars.setCurLtypeScale(v[0]); }
+bool isPositive(const Reals& v) { return v[0] > 0; }
 void setDefaultLineweight(CDataVariables& vars, const long& value) {
-  if (value >= 0 && value <= ENT_TRAITS::kWidestWeight)
-    vars.setDefaultLineweight(static_cast<short>(value));
+  vars.setDefaultLineweight(static_cast<short>(value));
 }
+bool isWeight(const long& value) { return value >= 0 && value <= ENT_TRAITS::kWidestWeight; }
 void setPaperLtypeScale(CDataVariables& vars, const long& value) {
   vars.setPaperLtypeScale(value != 0);
 }
 void setLineweightShown(CDataVariables& vars, const long& value) {
   vars.setLineweightShown(value != 0);
 }
-void setUnits(CDataVariables& vars, const long& value) {
+void setUnits(CDataVariables& vars, const long& value) { vars.setUnits(static_cast<short>(value)); }
+bool isUnit(const long& value) {
   constexpr long most = 24;  // the last unit defined
-  if (value >= 0 && value <= most) vars.setUnits(static_cast<short>(value));
+  return value >= 0 && value <= most;
 }
 
 constexpr Variable<Reals> kRealVariables[] = {
@@ -91,7 +92,7 @@ constexpr Variable<Reals> kRealVariables[] = {
     {u"$PLINEWID", setPLineWid},
     {u"$ANGBASE", setAngDir},
     {u"$PDSIZE", setPointSize, true},
-    {u"$CELTSCALE", setCurLtypeScale, true},
+    {u"$CELTSCALE", setCurLtypeScale, true, isPositive},
 };
 constexpr Variable<long> kIntegerVariables[] = {
     {u"$CECOLOR", setColor},
@@ -100,10 +101,10 @@ constexpr Variable<long> kIntegerVariables[] = {
     {u"$PLINEGEN", setPLineGen},
     {u"$ANGDIR", setClockWise},
     {u"$PDMODE", setPointMode, true},
-    {u"$LWDEFAULT", setDefaultLineweight, true},
+    {u"$LWDEFAULT", setDefaultLineweight, true, isWeight},
     {u"$LWDISPLAY", setLineweightShown, true},
     {u"$PSLTSCALE", setPaperLtypeScale, true},
-    {u"$INSUNITS", setUnits, true},
+    {u"$INSUNITS", setUnits, true, isUnit},
 };
 
 /// Variables that a drawing cannot store, which lose nothing at their default value: units, and the
@@ -125,10 +126,14 @@ constexpr Setting kSettings[] = {
 
 template <class Value, std::size_t count>
 void setVariable(const Variable<Value> (&variables)[count], const zim::WString& name,
-                 const SectionInput& in, const Value& value) {
-  for (const Variable<Value>& variable : variables)
-    if (zim::equalsIgnoreCase(name, variable.name) && (!variable.isFurther || in.isTolerant()))
-      variable.set(*in.semantor.getVars(), value);
+                 SectionInput& in, const Value& value) {
+  for (const Variable<Value>& variable : variables) {
+    if (!zim::equalsIgnoreCase(name, variable.name)) continue;
+    if (variable.isFurther && !in.isTolerant()) return;
+    if (variable.isValid && !variable.isValid(value))
+      return in.note(ReportCode::NumberReplaced, name);
+    return variable.set(*in.semantor.getVars(), value);
+  }
 }
 
 }  // namespace

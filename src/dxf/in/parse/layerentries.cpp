@@ -4,7 +4,7 @@
 #include "dxf/in/parse/layerentries.h"
 
 #include "dxf/in/itemflags.h"
-#include "dxf/in/opacity.h"
+#include "dxf/in/traitvalues.h"
 #include "files/number.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/tables/layer.h"
@@ -14,7 +14,7 @@ namespace {
 
 constexpr long kLayerOff = 128;  // our own bit for a color below 0
 constexpr long kWhite = 7;
-constexpr long kPlotted = 290, kWeight = 370, kTrueColor = 420;
+constexpr long kPlotted = 290, kWeight = 370, kTrueColor = 420, kColorName = 430;
 constexpr long kApplication = 1001, kApplicationNumber = 1071;
 
 }  // namespace
@@ -91,7 +91,7 @@ void LayerEntries::takeColor(Entry& entry) {
 bool LayerEntries::takeTrait(long code, Entry& entry) {
   switch (code) {
     case kPlotted:
-      entry.traits.isPlotted = m_in.lexer.getInt() != 0;
+      takePlotted(entry);
       return true;
     case kWeight:
       takeWeight(entry);
@@ -111,10 +111,19 @@ bool LayerEntries::takeTrait(long code, Entry& entry) {
   }
 }
 
-void LayerEntries::takeTrueColor(Entry& entry) {
-  constexpr long mask = 0xFFFFFF;
+void LayerEntries::takePlotted(Entry& entry) {
   const long value = m_in.lexer.getInt();
-  if (!m_in.failed()) entry.traits.trueColor = static_cast<std::uint32_t>(value & mask);
+  if (m_in.failed()) return;
+  if (value != 0 && value != 1) return m_in.note(ReportCode::NumberReplaced, u"LAYER 290");
+  entry.traits.isPlotted = value != 0;
+}
+
+void LayerEntries::takeTrueColor(Entry& entry) {
+  const long value = m_in.lexer.getInt();
+  if (m_in.failed()) return;
+  const std::optional<std::uint32_t> color = trueColorOf(value);
+  if (!color) return m_in.note(ReportCode::NumberReplaced, u"LAYER 420");
+  entry.traits.trueColor = *color;
 }
 
 // Layers cannot refer to a layer or block.
@@ -142,7 +151,10 @@ void LayerEntries::leaveOut(long code, const Entry& entry) {
     m_in.lexer.checkNumber();
   else
     m_in.passPair();
-  if (m_in.failed() || m_in.isTolerant()) return;
+  if (m_in.failed()) return;
+  const bool isColorName = code == kColorName && !m_in.lexer.getBytes().empty();
+  if (isColorName) m_in.note(ReportCode::CodeDropped, u"LAYER 430");
+  if (m_in.isTolerant()) return;
   const bool isWeight = code == kWeight && parseLong(m_in.lexer.getBytes()) >= 0;
   const bool isHidden = code == kPlotted && parseLong(m_in.lexer.getBytes()) == 0 &&
                         !zim::equalsIgnoreCase(entry.name, u"DEFPOINTS");

@@ -35,6 +35,7 @@ class LayerEntries {
   void takeLtype(Entry& entry);
   void takeColor(Entry& entry);
   bool takeTrait(long code, Entry& entry);
+  void takePlotted(Entry& entry);
   void takeTrueColor(Entry& entry);
   void takeWeight(Entry& entry);
   void takeTransparency(Entry& entry);

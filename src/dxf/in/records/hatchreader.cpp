@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include "dxf/in/convert/replacement.h"
+#include "dxf/in/traitvalues.h"
 #include "dxf/ocs.h"
 #include "files/number.h"
 #include "vek0core/entities/blocks/enthatch.h"
@@ -115,7 +116,6 @@ void HatchReader::takeGroup(long code) {
 // A gradient is filled with its first color: the true one, which follows the index, if there is
 // one.
 void HatchReader::takeGradient(long code) {
-  constexpr long mask = 0xFFFFFF;
   if (code == kGradient) {
     const bool isGradient = m_in.lexer().getInt() != 0 && !m_in.failed();
     m_gradient = isGradient ? Gradient::Begun : Gradient::None;
@@ -128,7 +128,8 @@ void HatchReader::takeGradient(long code) {
     m_in.setColor(static_cast<short>(value));
     m_gradient = Gradient::Indexed;
   } else if (code == kGradientColor && m_gradient != Gradient::None) {
-    m_in.setColor(m_in.record().color, static_cast<std::uint32_t>(value & mask));
+    const std::optional<std::uint32_t> color = trueColorOf(value);
+    if (color) m_in.setColor(m_in.record().color, *color);
     m_gradient = Gradient::None;  // the other colors are dropped
   }
 }

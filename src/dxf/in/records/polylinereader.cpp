@@ -141,6 +141,12 @@ void PolylineReader::keepFace() {
   Face& face = m_faces.emplace_back();
   for (long i = 0; i < 4; ++i) face.corner[i] = r.integer(71 + i);
   face.properties = r.withHandle(0);
+  // A face may state other traits than the polyface.
+  const ENT_TRAITS& whole = m_head.properties.traits;
+  ENT_TRAITS& traits = face.properties.traits;
+  traits.isVisible = traits.isVisible && whole.isVisible;
+  if (traits.lineweight == ENT_TRAITS::kWeightByLayer) traits.lineweight = whole.lineweight;
+  if (traits.opacity == ENT_TRAITS::kOpacityByLayer) traits.opacity = whole.opacity;
 }
 
 void PolylineReader::keepVertex() {

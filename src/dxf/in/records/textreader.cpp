@@ -15,7 +15,6 @@ constexpr CodeSet kTextCodes{1, 7, 10, 20, 30, 11, 21, 31, 40, 41, 50, 51, 71, 7
 constexpr CodeSet kTextVital{10, 20};
 
 // Code 70 of attributes.
-constexpr long kInvisibleAttrib = 1;
 // Code 71.
 constexpr long kBackward = 2, kUpsideDown = 4;
 // Code 72 beyond left, center and right.
@@ -118,7 +117,9 @@ std::unique_ptr<CEntAttrib> readAttrib(RecordReader& in) {
   static constexpr RecordKind kind(kTextCodes | CodeSet{2, 70, 74}, {8, 10, 20, 40, 1, 2, 70});
   if (!read(in, kind)) return nullptr;
   const Record& r = in.record();
-  const long flags = r.integer(70) | (r.integer(60) != 0 ? kInvisibleAttrib : 0);
+  long flags = r.integer(70);
+  // Tolerant reading makes it a trait.
+  if (!in.isTolerant() && r.integer(60) != 0) flags |= CEntAttrib::kInvisible;
   return in.make().attrib(r, placedText(in, r.text(1), 74), r.text(2), flags);
 }
 
