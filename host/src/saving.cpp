@@ -1,5 +1,8 @@
 #include "vek0host/saving.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "vek0host/drawingfile.h"
 #include "vek0host/outputfile.h"
 #include "vek0host/reports.h"
@@ -13,9 +16,12 @@ unsigned SaveOptions::flags() const {
 
 namespace {
 
+constexpr const char* kVersionNames[] = {"r12", "2000", "2004", "2007", "2010", "2013", "2018"};
+static_assert(std::size(kVersionNames) == kDxfVersions);
+
 bool save(const CData& data, OutputFile& output, const SaveOptions& options, Session& session) {
   CFileReport report;
-  if (!SaveDXF(data, output.file(), options.flags(), &report)) {
+  if (!SaveDXF(data, output.file(), {options.version, options.flags(), &report})) {
     session.fail(kOutputFailed, "'" + output.path() + "' cannot be written");
     return false;
   }
@@ -30,6 +36,15 @@ bool save(const CData& data, OutputFile& output, const SaveOptions& options, Ses
 }
 
 }  // namespace
+
+std::vector<std::string> versionNames() {
+  return {std::begin(kVersionNames), std::end(kVersionNames)};
+}
+
+DxfVersion versionOf(const std::string& name) {
+  const auto found = std::find(std::begin(kVersionNames), std::end(kVersionNames), name);
+  return static_cast<DxfVersion>(found - std::begin(kVersionNames));
+}
 
 void warnOfLosses(const std::string& in, const ReadResult& result, const Session& session) {
   const std::string losses = lossesToText(result.report);

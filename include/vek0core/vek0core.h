@@ -130,6 +130,7 @@
 #include "vek0core/dxf/out/filedxfosaver.h"
 #include "vek0core/dxf/out/filedxfovisitor.h"
 #include "vek0core/dxf/out/filedxfowriter.h"
+#include "vek0core/dxf/out/modern/saveoptions.h"
 #include "vek0core/dxf/out/nameacadconverter.h"
 #include "vek0core/dxf/out/savedxf.h"
 

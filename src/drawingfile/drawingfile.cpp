@@ -72,9 +72,9 @@ fs::path temporaryFor(const fs::path& target) {
   return path;
 }
 
-bool saveTo(const CData& data, const zim::WString& name, unsigned flags, CFileReport* report) {
+bool saveTo(const CData& data, const zim::WString& name, const CFileDXFOOptions& options) {
   CFileStdLib file(name, IFile::kWrite);
-  return SaveDXF(data, file, flags, report);
+  return SaveDXF(data, file, options);
 }
 
 }  // namespace
@@ -104,18 +104,26 @@ COpenedDrawing openDrawing(std::string_view path, const CFileDXFIPolicy& policy)
   return openDrawing(fileNameFromBytes(path), policy);
 }
 
-bool saveDrawing(const CData& data, const zim::WString& path, unsigned flags, CFileReport* report) {
+bool saveDrawing(const CData& data, const zim::WString& path, const CFileDXFOOptions& options) {
   const fs::path target = followed(toPath(path));
-  if (!isReplaceable(target)) return saveTo(data, path, flags, report);
+  if (!isReplaceable(target)) return saveTo(data, path, options);
   const fs::path fresh = temporaryFor(target);
   if (fresh.empty()) return false;
   std::error_code failure;
-  if (saveTo(data, toName(fresh), flags, report)) {
+  if (saveTo(data, toName(fresh), options)) {
     fs::rename(fresh, target, failure);
     if (!failure) return true;
   }
   fs::remove(fresh, failure);
   return false;
+}
+
+bool saveDrawing(const CData& data, std::string_view path, const CFileDXFOOptions& options) {
+  return saveDrawing(data, fileNameFromBytes(path), options);
+}
+
+bool saveDrawing(const CData& data, const zim::WString& path, unsigned flags, CFileReport* report) {
+  return saveDrawing(data, path, CFileDXFOOptions{DxfVersion::R12, flags, report});
 }
 
 bool saveDrawing(const CData& data, std::string_view path, unsigned flags, CFileReport* report) {

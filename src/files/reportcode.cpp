@@ -106,6 +106,7 @@ constexpr Row kRows[] = {
     {ReportCode::PlotSettingsDropped, "plot settings dropped", kLoss},
     {ReportCode::LinetypeTextDropped, "linetype text dropped", kLoss},
     {ReportCode::LineweightDropped, "lineweight dropped", kLoss},
+    {ReportCode::LineweightRounded, "lineweight rounded", kChange},
     {ReportCode::BlocksInACircle, "blocks in a circle", kLoss},
     {ReportCode::ReferenceMissing, "reference missing", kLoss},
     {ReportCode::ReferenceForbidden, "reference forbidden", kLoss},

@@ -353,4 +353,16 @@ std::u16string decodeEscapes(std::u16string_view text) {
 
 void encodeText(std::u16string_view text, std::string& out) { encode(text, true, out); }
 
+void encodeUtf8Text(std::u16string_view text, std::string& out) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (encodeSpecial(text, i, out)) continue;
+    std::u16string_view rest = text.substr(i);
+    if (text[i] == 0x85)
+      appendUnitEscape(text[i], out);
+    else
+      zim::appendUtf8(out, zim::takeUtf16(rest));
+    if (rest.size() + 2 == text.size() - i) ++i;  // a surrogate pair
+  }
+}
+
 void encodeLine(std::u16string_view text, std::string& out) { encode(text, false, out); }

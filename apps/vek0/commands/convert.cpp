@@ -18,6 +18,7 @@ struct ConvertOptions {
   std::vector<std::string> linetypes;
   std::string toUnits, fromUnits;
   std::string hatch = "lines";
+  std::string version = "r12";
   SaveOptions save;
 };
 
@@ -38,13 +39,29 @@ void warnIfGrown(const ConvertOptions& options, std::uintmax_t written, std::siz
                  const Session& session) {
   constexpr std::uintmax_t kMuch = 10;
   const std::uintmax_t read = sizeOf(options.in);
+  // Later versions have hatches.
+  if (options.save.version != DxfVersion::R12) return;
   if (hatchLines == 0 || read == 0 || written <= kMuch * read) return;
   session.notify("'" + options.out + "' is " + std::to_string(written / read) +
                  " times as large as the input; it contains " + std::to_string(hatchLines) +
                  " lines of hatch patterns, which --hatch outline omits");
 }
 
-void convert(const ConvertOptions& options, Session& session) {
+// The first of the given options that belongs to R12 alone; empty if there is none.
+std::string optionOfR12(const ConvertOptions& options) {
+  const SaveOptions& save = options.save;
+  if (save.flatten) return "--flatten";
+  if (save.visibleOnly) return "--visible-only";
+  if (save.noTables) return "--no-tables";
+  if (save.plain) return "--plain";
+  return options.linetypes.empty() ? "" : "--linetypes";
+}
+
+void convert(ConvertOptions& options, Session& session) {
+  options.save.version = versionOf(options.version);
+  const std::string ofR12 = optionOfR12(options);
+  if (options.save.version != DxfVersion::R12 && !ofR12.empty())
+    return session.fail(kWrongUsage, ofR12 + " requires --to r12");
   session.reading.hatchOutlines = options.hatch == "outline";
   std::size_t hatchLines = 0;
   const std::uintmax_t written = rewrite(
@@ -60,13 +77,20 @@ void convert(const ConvertOptions& options, Session& session) {
 
 void addConvertCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<ConvertOptions>();
-  CLI::App* verb = app.add_subcommand("convert", "Load a drawing and save it as DXF R12");
+  CLI::App* verb =
+      app.add_subcommand("convert", "Load a drawing and save it as DXF R12 or a later version");
   verb->add_option("IN", options->in, "DXF file; - is the standard input")->required();
   verb->add_option("OUT", options->out, "File to write; - is the standard output")->required();
   verb->add_option("--linetypes", options->linetypes,
                    "Add the linetypes of a definition file; those that the drawing has are kept")
       ->type_name("FILE.lin")
       ->allow_extra_args(false);
+  verb->add_option(
+          "--to", options->version,
+          "Version to write; entities and properties that R12 lacks are native from 2000 on")
+      ->check(CLI::IsMember(versionNames()))
+      ->type_name("VERSION")
+      ->capture_default_str();
   CLI::Option* toUnits =
       verb->add_option("--to-units", options->toUnits,
                        "Scale the drawing to this unit: mm, cm, m, in, ft and others")
@@ -86,10 +110,12 @@ void addConvertCommand(CLI::App& app, Session& session) {
   verb->footer(
       "Examples:\n"
       "  vek0 convert plan.dxf plan_r12.dxf\n"
+      "  vek0 convert --to 2018 plan.dxf plan_2018.dxf\n"
       "  vek0 convert --flatten --visible-only - - < in.dxf > out.dxf\n"
       "  vek0 convert --linetypes pipes.lin plan.dxf plan_with_pipes.dxf\n"
       "  vek0 convert --to-units mm --from-units in part.dxf part_mm.dxf\n"
       "  vek0 convert --hatch outline plan.dxf small.dxf\n\n"
+      "--flatten, --visible-only, --no-tables, --plain and --linetypes require R12.\n"
       "The output is written completely or not at all. Nothing is written for a file with an\n"
       "error.");
   verb->callback([options, &session] { convert(*options, session); });

@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "vek0core/drawing/data.h"
+#include "vek0core/dxf/out/modern/saveoptions.h"
 #include "vek0host/drawingfile.h"
 #include "vek0host/session.h"
 
@@ -17,10 +19,16 @@ struct SaveOptions {
   bool noTables = false;
   bool plain = false;
   bool force = false;
+  DxfVersion version = DxfVersion::R12;
 
   /// The flags of `SaveDXF`.
   unsigned flags() const;
 };
+
+/// The versions by the names that `--to` accepts: "r12", "2000" and so on, in order.
+std::vector<std::string> versionNames();
+/// The version of that name, which must be one of them.
+DxfVersion versionOf(const std::string& name);
 
 /// Warns about losses and changes in reading `in`, unless the session is quiet.
 void warnOfLosses(const std::string& in, const ReadResult& result, const Session& session);

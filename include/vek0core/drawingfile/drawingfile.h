@@ -6,6 +6,7 @@
 #include "vek0core/dxf/in/filedxfierror.h"
 #include "vek0core/dxf/in/filedxfioptions.h"
 #include "vek0core/dxf/in/parse/loaddxf.h"
+#include "vek0core/dxf/out/modern/saveoptions.h"
 #include "vek0core/dxf/out/savedxf.h"
 #include "vek0core/export.h"
 #include "vek0core/files/report.h"
@@ -34,10 +35,16 @@ VEK0_API COpenedDrawing openDrawing(const zim::WString& path,
 VEK0_API COpenedDrawing openDrawing(std::string_view path,
                                     const CFileDXFIPolicy& policy = CFileDXFIPolicy::forAnyFile());
 
-/// Writes a drawing to the file `path` as `SaveDXF` does; `report` may be null. An existing file is
+/// Writes a drawing to the file `path` as `SaveDXF` does with these options. An existing file is
 /// replaced only once the new one is complete: false, if anything fails, leaves it as it was. Links
 /// and permissions stay; devices and pipes are written directly. Throws `std::bad_alloc` as
 /// `openDrawing` does, with the file as it was.
+VEK0_API bool saveDrawing(const CData& data, const zim::WString& path,
+                          const CFileDXFOOptions& options);
+/// The same for a path in the platform's bytes.
+VEK0_API bool saveDrawing(const CData& data, std::string_view path,
+                          const CFileDXFOOptions& options);
+/// The same in R12; `report` may be null.
 VEK0_API bool saveDrawing(const CData& data, const zim::WString& path,
                           unsigned flags = kSaveExchange, CFileReport* report = nullptr);
 /// The same for a path in the platform's bytes.

@@ -118,6 +118,7 @@ enum class ReportCode : std::uint8_t {
   PlotSettingsDropped,  ///< name, paper and plot settings of the layout whose sheet was saved
   LinetypeTextDropped,  ///< elements of a linetype other than dashes were omitted
   LineweightDropped,    ///< the line width of a layer was omitted
+  LineweightRounded,    ///< a lineweight became the nearest one that the format has
   BlocksInACircle,      ///< blocks insert each other in a cycle, so saving failed
 
   // External references; the sample is "name: path".

@@ -90,6 +90,10 @@ VEK0_API std::u16string decodeEscapes(std::u16string_view text);
 /// decoding with `CTextDecoder(kCodePageAuto).decodeText` or `kCodePage1252` restores the text.
 VEK0_API void encodeText(std::u16string_view text, std::string& out);
 
-/// The same for a complete, already formatted line: control characters, carets and backslashes are
-/// left unchanged.
+/// As `encodeText`, but in UTF-8, as files from version AC1021 on require; only U+0085, which some
+/// readers take for a line end, is written as `\U+0085`.
+VEK0_API void encodeUtf8Text(std::u16string_view text, std::string& out);
+
+/// As `encodeText` for a complete, already formatted line: control characters, carets and
+/// backslashes are left unchanged.
 VEK0_API void encodeLine(std::u16string_view text, std::string& out);

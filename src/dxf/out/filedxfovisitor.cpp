@@ -15,13 +15,13 @@
 #include "dxf/out/savednames.h"
 #include "dxf/out/savedsheet.h"
 #include "dxf/out/savedsolid.h"
+#include "dxf/out/savedtext.h"
 #include "dxf/out/savedvertexes.h"
 #include "dxf/out/savefilter.h"
 #include "dxf/out/savehandles.h"
 #include "vek0core/assert.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/dxf/out/filedxfowriter.h"
-#include "vek0core/entities/blocks/attribplacement.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/blocks/enthatch.h"
 #include "vek0core/entities/blocks/entinsert.h"
@@ -38,11 +38,10 @@
 
 using vek0::detail::classicDegrees;
 using vek0::detail::exactDegrees;
-using vek0::detail::readRadians;
+using vek0::detail::savedAttrib;
+using vek0::detail::SavedText;
+using vek0::detail::savedText;
 using vek0::detail::SavedVertex;
-using vek0::detail::sixDecimals;
-using vek0::detail::steady;
-using vek0::detail::steadyAngle;
 
 namespace {
 
@@ -59,31 +58,7 @@ constexpr long kBackward = 2;
 // The codes of the string and of the vertical alignment differ by kind of text.
 constexpr long kTextString = 1, kTagString = 2, kTextVertical = 73, kAttribVertical = 74;
 
-double larger(double a, double b) { return std::max(std::fabs(a), std::fabs(b)); }
-
-// A computed point is as precise as its largest input: its own coordinates, and those of the point
-// that it was placed from. Rotation mixes x and y.
-PNT_3D steadyPoint(const PNT_3D& pnt, const PNT_3D& from) {
-  const double size = std::max(larger(pnt.x, pnt.y), larger(from.x, from.y));
-  return {steady(pnt.x, size), steady(pnt.y, size), steady(pnt.z, larger(pnt.z, from.z))};
-}
-
-PNT_3D insertionPoint(const CEntInsertBase& insert) {
-  PNT_3D pnt;
-  double sx, sy, sz, rotationRad;
-  insert.getInsertParams(kPixelSize, pnt, sx, sy, sz, rotationRad);
-  return pnt;
-}
-
 }  // namespace
-
-struct CFileDXFOVisitor::TextRecord {
-  const zim::WString* string;
-  const CStyle* style;
-  PNT_3D base, insertion;
-  double height, widthScale, rotationRad, obliqueRad;
-  long horizontal, vertical;
-};
 
 CFileDXFOVisitor::CFileDXFOVisitor(const CData& data, CFileDXFOWriter& writer, bool flatten)
     : m_data(data),
@@ -165,7 +140,7 @@ bool CFileDXFOVisitor::solid_visit(const CEnt3DFace& ent, const char* kind) {
 void CFileDXFOVisitor::visit(CEntText& ent) {
   if (refuses(ent, "TEXT")) return;
   begin("TEXT", ent);
-  txt_visit(placed(ent.getText()), kTextString, kTextVertical);
+  txt_visit(savedText(ent.getText(), m_exchange), kTextString, kTextVertical);
 }
 
 void CFileDXFOVisitor::visit(CEntAttdef& ent) {
@@ -174,7 +149,7 @@ void CFileDXFOVisitor::visit(CEntAttdef& ent) {
   m_writer.write(70, ent.getFlags());
   m_writer.writeText(1, ent.getValue());
   m_writer.writeText(3, ent.getPrompt());
-  txt_visit(placed(ent.getText()), kTagString, kAttribVertical);
+  txt_visit(savedText(ent.getText(), m_exchange), kTagString, kAttribVertical);
 }
 
 // This version has no hatches: writes an insert of the lines, with the data by which a reader
@@ -283,7 +258,7 @@ vek0::Handle CFileDXFOVisitor::def_visit(const CEnt& ent) {
   return handle;
 }
 
-void CFileDXFOVisitor::txt_visit(const TextRecord& text, long stringCode, long verticalCode) {
+void CFileDXFOVisitor::txt_visit(const SavedText& text, long stringCode, long verticalCode) {
   m_writer.write(40, text.height);
   m_writer.writeText(stringCode, *text.string);
   writeAngle(50, text.rotationRad);
@@ -337,7 +312,7 @@ void CFileDXFOVisitor::attrib_visit(const CEntInsertBase& ent, const CEntAttrib&
   m_writer.write(70,
                  attrib.getFlags() | (attrib.getTraits().isVisible ? 0 : CEntAttrib::kInvisible));
   m_writer.writeText(2, attrib.getTag());
-  txt_visit(placed(ent, attrib), kTextString, kAttribVertical);
+  txt_visit(savedAttrib(ent, attrib, m_exchange), kTextString, kAttribVertical);
 }
 
 void CFileDXFOVisitor::vertex_visit(const CEnt& owner, const SavedVertex& vertex) {
@@ -387,62 +362,6 @@ vek0::Handle CFileDXFOVisitor::writeHandle(vek0::Handle handle) {
   const vek0::Handle written = m_handles ? m_handles->take(handle) : handle;
   m_writer.writeHex(5, written);
   return written;
-}
-
-// Computed from the values that readers will get: otherwise it would move again when the file is
-// read and saved.
-PNT_3D CFileDXFOVisitor::basePoint(const TEXT_3D& text) const {
-  // Left-aligned texts have the same point twice.
-  if (text.getAlign() == 0) return text;
-  const auto asRead = [this](double value) { return m_exchange ? value : sixDecimals(value); };
-  TEXT_3D read(text);
-  read.set(asRead(text.x), asRead(text.y), text.z);
-  CTextContext context(text.getContext());
-  context.setHeight(asRead(context.getHeight()));
-  context.setWidthScale(asRead(context.getWidthScale()));
-  context.setRotate(readRadians(asRead(degrees(context.getRotate()))));
-  read.setContext(context);
-  return m_exchange ? steadyPoint(read.getBasePoint(), read) : read.getBasePoint();
-}
-
-CFileDXFOVisitor::TextRecord CFileDXFOVisitor::placed(const TEXT_3D& text) const {
-  const CTextContext& context = text.getContext();
-  return {&context.getString(), text.getStyle(),         basePoint(text),     text,
-          context.getHeight(),  context.getWidthScale(), context.getRotate(), context.getOblique(),
-          text.getHorizAlign(), text.getVertAlign()};
-}
-
-// An attribute is in block coordinates, but in drawing coordinates in the file.
-CFileDXFOVisitor::TextRecord CFileDXFOVisitor::placed(const CEntInsertBase& insert,
-                                                      const CEntAttrib& attrib) const {
-  // The place read from the file reproduces it exactly, as long as nothing was changed.
-  const ATTRIB_PLACE* remembered = rememberedPlace(insert, attrib);
-  const ATTRIB_PLACE place = remembered ? *remembered : computedPlace(insert, attrib);
-  TEXT_3D text(attrib.getText());
-  text.set(place.position.x, place.position.y, place.position.z);
-  CTextContext context(text.getContext());
-  context.setHeight(place.height);
-  context.setWidthScale(place.widthScale);
-  context.setRotate(place.rotation);
-  context.setOblique(place.oblique);
-  text.setContext(context);
-  TextRecord record = placed(text);
-  record.string = &attrib.getValue();
-  return record;
-}
-
-ATTRIB_PLACE CFileDXFOVisitor::computedPlace(const CEntInsertBase& insert,
-                                             const CEntAttrib& attrib) const {
-  ATTRIB_PLACE place;
-  transform_attrib_logic_2_phisic(kPixelSize, insert, attrib, place.position, place.height,
-                                  place.widthScale, place.rotation, place.oblique);
-  if (!m_exchange) return place;
-  place.position = steadyPoint(place.position, insertionPoint(insert));
-  place.height = steady(place.height);
-  place.widthScale = steady(place.widthScale);
-  place.rotation = steadyAngle(place.rotation);
-  place.oblique = steadyAngle(place.oblique);
-  return place;
 }
 
 template <class Ent>

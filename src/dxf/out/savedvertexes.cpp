@@ -47,11 +47,13 @@ void takeVisible(const CEntPolyline& ent, Sameness same, PolylineForm& form) {
   ent.forEachBulged([&seen](const PNT_3D& pnt, double ws, double we, double bulge, long) {
     if (seen.first) seen.form.elevation = pnt.z;
     seen.first = false;
+    ++seen.form.noBulged;
     seen.wide = seen.wide || !seen.same(ws, 0) || !seen.same(we, 0);
     seen.sloping = seen.sloping || !seen.same(pnt.z, seen.form.elevation);
     seen.finiteBulges = seen.finiteBulges && isFinite(bulge, 0);
     takeVertex(pnt, ws, we, seen.same, seen.form);
   });
+  form.sloping = seen.sloping;
   form.solid = seen.sloping && !seen.wide;
   form.finite = form.finite && seen.finiteBulges;
 }

@@ -21,11 +21,13 @@ struct PolylineForm {
   bool exact = true;     // numbers are written exactly
   bool finite = true;    // every coordinate and width is a number
   bool solid = false;    // has an extent in z that must be written
+  bool sloping = false;  // the same, or only wide vertices, which lie flat, differ in z
   bool bulges = false;   // arcs are written as one vertex with a bulge
   bool framed = false;   // control points are written before the visible vertices
   bool inChain = false;  // control points are also visible vertices
   bool empty = true;     // no vertex is written
   double elevation = 0;  // z of the first visible vertex
+  long noBulged = 0;     // visible vertices, if arcs are written as such
   bool widthConstant = true;
   double width = 0;  // of every vertex when constant
   short curve = 0;   // 0, `kFit` or `kSpline`; other curves are written as plain chains

@@ -19,19 +19,19 @@ namespace {
 // A fixed insert has a scale only for a display.
 constexpr double kPixelSize = 1;
 
-// Attributes have a flag for invisible ones.
-std::optional<ReportCode> objectionUnless(const CEnt& ent, bool finite) {
-  if (!ent.getTraits().isVisible && ent.getType() != CEntAttrib::kType)
-    return ReportCode::EntityInvisible;
-  if (finite) return std::nullopt;
-  return ReportCode::EntityNotFinite;
-}
-
 }  // namespace
 
-SaveFilter::SaveFilter(const CData& data) {
+SaveFilter::SaveFilter(const CData& data, bool keepsInvisible) : m_keepsInvisible(keepsInvisible) {
   for (const CBlock* block : blocksOf(data)) m_blocks.insert(block);
   for (const CBlock* xref : xrefsOf(data)) m_blocks.insert(xref);
+}
+
+// Attributes have a flag for invisible ones.
+std::optional<ReportCode> SaveFilter::objectionUnless(const CEnt& ent, bool finite) const {
+  const bool isLost = !m_keepsInvisible && ent.getType() != CEntAttrib::kType;
+  if (isLost && !ent.getTraits().isVisible) return ReportCode::EntityInvisible;
+  if (finite) return std::nullopt;
+  return ReportCode::EntityNotFinite;
 }
 
 std::optional<ReportCode> SaveFilter::objection(const CEntPnt& ent) const {

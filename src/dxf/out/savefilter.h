@@ -8,6 +8,7 @@
 
 class CBlock;
 class CData;
+class CEnt;
 class CEnt3DFace;
 class CEntArc;
 class CEntCircle;
@@ -22,8 +23,9 @@ namespace vek0::detail {
 /// Determines which entities can be written.
 class SaveFilter {
  public:
-  /// Examines the blocks of the drawing once.
-  explicit SaveFilter(const CData& data);
+  /// Examines the blocks of the drawing once. `keepsInvisible`: the format has a code for invisible
+  /// entities.
+  explicit SaveFilter(const CData& data, bool keepsInvisible = false);
 
   /// The reason why the entity cannot be written; none if it can.
   std::optional<ReportCode> objection(const CEntPnt& ent) const;
@@ -39,8 +41,11 @@ class SaveFilter {
   std::optional<ReportCode> objection(const CEntPolyline& ent, bool finite) const;
 
  private:
+  std::optional<ReportCode> objectionUnless(const CEnt& ent, bool finite) const;
+
   // Only addresses are compared: an insert may refer to a deleted block.
   PointerSet m_blocks;
+  bool m_keepsInvisible;
 };
 
 }  // namespace vek0::detail

@@ -16,16 +16,14 @@ class CLayout;
 class CFileDXFOWriter;
 class CFileReport;
 class CNameAcadConverter;
-class CStyle;
 class LINE_3D;
 class PNT_3D;
-class TEXT_3D;
-struct ATTRIB_PLACE;
 
 namespace vek0::detail {
 class SaveFilter;
 class SaveHandles;
 class SavedNames;
+struct SavedText;
 struct SavedVertex;
 }  // namespace vek0::detail
 
@@ -78,16 +76,13 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   void visit(CEntPnt& ent) override;
 
  private:
-  /// The contents of a text record beyond the common properties.
-  struct TextRecord;
-
   bool isReady() const;
   vek0::Handle begin(const char* kind, const CEnt& ent);
   vek0::Handle def_visit(const CEnt& ent);
   void writeTraits(const ENT_TRAITS& traits);
   short colorOf(const CEnt& ent);
   bool solid_visit(const CEnt3DFace& ent, const char* kind);
-  void txt_visit(const TextRecord& text, long stringCode, long verticalCode);
+  void txt_visit(const vek0::detail::SavedText& text, long stringCode, long verticalCode);
   vek0::Handle insert_visit(const CEntInsertBase& ent);
   void attribs_visit(const CEntInsertBase& ent);
   void attrib_visit(const CEntInsertBase& ent, const CEntAttrib& attrib);
@@ -98,10 +93,6 @@ class VEK0_API CFileDXFOVisitor final : public IEntFooVisitor {
   void writePoint(long index, const PNT_3D& pnt);
   void writeAngle(long code, double angleRad);
   vek0::Handle writeHandle(vek0::Handle handle);
-  TextRecord placed(const TEXT_3D& text) const;
-  TextRecord placed(const CEntInsertBase& insert, const CEntAttrib& attrib) const;
-  ATTRIB_PLACE computedPlace(const CEntInsertBase& insert, const CEntAttrib& attrib) const;
-  PNT_3D basePoint(const TEXT_3D& text) const;
   double degrees(double angleRad) const;
   template <class Ent>
   bool refuses(const Ent& ent, const char* kind);

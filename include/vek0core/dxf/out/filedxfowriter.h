@@ -51,6 +51,9 @@ class VEK0_API CFileDXFOWriter {
   /// Whether to write real numbers as the shortest decimals that read back exactly; off by default.
   void setExact(bool exact) { m_exact = exact; }
 
+  /// Whether texts are UTF-8 instead of windows-1252; off by default.
+  void setUtf8(bool utf8) { m_utf8 = utf8; }
+
   /// Sets the report that receives cut texts; null, the default, for none. Borrowed.
   void setReport(CFileReport* report) { m_report = report; }
 
@@ -77,6 +80,7 @@ class VEK0_API CFileDXFOWriter {
   std::string m_text;  // the text being encoded; a member to reuse its capacity
   CFileReport* m_report = nullptr;
   bool m_exact = false;
+  bool m_utf8 = false;
   bool m_buffered = false;
   bool m_failed = false;
 };

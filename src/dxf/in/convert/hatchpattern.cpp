@@ -13,6 +13,7 @@ namespace {
 
 constexpr int kMaxDashes = 6;
 constexpr double kTolerance = 1e-3;   // files contain few digits and rounded factors
+constexpr double kNoise = 1e-12;      // of factors
 constexpr double kDegreeSteps = 1e9;  // per degree
 constexpr double kSizeDigits = 10;    // relative to a family's size; arithmetic leaves noise at
                                       // 1e-12
@@ -165,7 +166,10 @@ double factorOf(const std::vector<HATCH_LINE>& lines, const HATCH_TYPE& type) {
   const auto isOne = [&](const HATCH_LINE& a, const HATCH_LINE& b) {
     return isMultiple(a, b, factor);
   };
-  return std::equal(lines.begin(), lines.end(), type.lines, isOne) ? factor : 0;
+  if (!std::equal(lines.begin(), lines.end(), type.lines, isOne)) return 0;
+  // Undoing scale and rotation leaves noise, by which the scale would drift each time that a
+  // drawing is saved and read.
+  return std::fabs(factor - 1) < kNoise ? 1 : factor;
 }
 
 }  // namespace

@@ -1,0 +1,282 @@
+// Handles of entities come from the drawing; everything else is numbered above them, so that a file
+// that was read and written again gets the same numbers.
+#include "dxf/out/modern/fileplan.h"
+
+#include <cmath>
+#include <map>
+#include <string>
+#include <tuple>
+#include <utility>
+
+#include "dxf/out/hatchdata.h"
+#include "dxf/out/modern/itemnames.h"
+#include "dxf/out/modern/noteentities.h"
+#include "dxf/out/savedvertexes.h"
+#include "vek0core/entities/blocks/block.h"
+#include "vek0core/entities/blocks/blockxref.h"
+#include "vek0core/entities/blocks/enthatch.h"
+#include "vek0core/entities/entcircle.h"
+#include "vek0core/files/textcodec.h"
+
+namespace vek0::detail {
+namespace {
+
+// Lists the blocks to be written: all except sheets, and those of hatches, which readers generate.
+class BlockLister final : public IBlockOperation {
+ public:
+  BlockLister(FilePlan& plan, const PointerSet& ofHatches, const PointerSet& inserted)
+      : m_plan(plan), m_ofHatches(ofHatches), m_inserted(inserted) {}
+
+  int doOperation(CBlock& block) override {
+    const bool isOfHatch = m_ofHatches.contains(&block) || isHatchName(block.getName());
+    const bool isWritten = !block.isSheet() && (!isOfHatch || m_inserted.contains(&block));
+    if (isWritten) m_plan.blocks.push_back({&block, false});
+    return ZORA_BLOCK_VISIT_RESULT_SUCCESS;
+  }
+
+ private:
+  FilePlan& m_plan;
+  const PointerSet &m_ofHatches, &m_inserted;
+};
+
+// A boundary is found by the number of its corners and the first of them.
+using BoundaryKey = std::tuple<std::size_t, double, double>;
+
+constexpr std::size_t kCircleCorners = 128;  // of the boundary that a reader makes of a circle
+
+BoundaryKey keyOf(const CEntPolyline& chain) {
+  BoundaryKey key{0, 0, 0};
+  struct {
+    BoundaryKey& key;
+    std::size_t count = 0;
+  } run{key};
+  chain.forEachVisible([&run](const PNT_3D& p, double, double, double, Handle) {
+    if (run.count++ == 0) run.key = {0, p.x, p.y};
+  });
+  std::get<0>(key) = run.count;
+  return key;
+}
+
+bool bounds(const CEntPolyline& chain, const std::vector<PNT_2D>& corners) {
+  struct {
+    const std::vector<PNT_2D>& corners;
+    std::size_t next = 0;
+    bool isSame = true;
+  } run{corners};
+  chain.forEachVisible([&run](const PNT_3D& p, double, double, double, Handle) {
+    run.isSame =
+        run.isSame && run.next < run.corners.size() && run.corners[run.next] == PNT_2D(p.x, p.y);
+    ++run.next;
+  });
+  return run.isSame && run.next == corners.size();
+}
+
+bool bounds(const CIRCLE_3D& circle, const std::vector<PNT_2D>& corners) {
+  constexpr double precision = 1e-9;
+  for (const PNT_2D& p : corners) {
+    const double away = std::hypot(p.x - circle.x, p.y - circle.y) - circle.radius;
+    if (!(std::fabs(away) <= precision * circle.radius)) return false;
+  }
+  return corners.size() == kCircleCorners;
+}
+
+bool bounds(const CEnt& ent, const std::vector<PNT_2D>& corners) {
+  if (ent.getType() == CEntCircle::kType)
+    return bounds(static_cast<const CEntCircle&>(ent).getCircle(), corners);
+  return bounds(static_cast<const CEntPolyline&>(ent), corners);
+}
+
+}  // namespace
+
+FilePlan::FilePlan(const CData& of, const VersionRules& by, bool isSelectedOnly, CFileReport* to)
+    : data(of), rules(by), report(to), filter(of, true), m_isSelectedOnly(isSelectedOnly) {
+  listSpaces();
+  listBlocks();
+  nameItems();
+  nameBlocks();
+  nameSpaces();
+  countObjects();
+  handles.settle();
+  takeHandles();
+}
+
+long FilePlan::tabOf(const SavedSpace& space) const {
+  const CLayoutTable& layouts = data.getLayouts();
+  for (int i = 0; i < layouts.size(); ++i)
+    if (space.layout == &layouts[i]) return i + 1;
+  return &space == &spaces.front() ? 0 : 1;
+}
+
+bool FilePlan::isNative(const CEntHatch& hatch) const { return hasHatchData(hatch); }
+
+// Only old polylines have vertices at different heights, curves or three dimensions.
+bool FilePlan::isLight(const PolylineForm& form) {
+  return form.curve == 0 && !form.solid && !form.sloping;
+}
+
+double FilePlan::finite(double value, double fallback, std::u16string_view where) const {
+  if (std::isfinite(value)) return value;
+  note(ReportCode::NumberNotFinite, where);
+  return fallback;
+}
+
+std::string FilePlan::encoded(std::u16string_view text) const {
+  std::string bytes;
+  rules.utf8 ? encodeUtf8Text(text, bytes) : encodeText(text, bytes);
+  return bytes;
+}
+
+void FilePlan::listBlocks() {
+  PointerSet ofHatches, inserted;
+  const auto look = [&](const CEnt& ent) {
+    const CEntInsertBase* insert = ent.getEntInsert();
+    if (!insert || !insert->getBlock()) return true;
+    const bool isHatch =
+        ent.getType() == CEntHatch::kType && isNative(static_cast<const CEntHatch&>(ent));
+    (isHatch ? ofHatches : inserted).insert(insert->getBlock());
+    return true;
+  };
+  for (const CBlock* block : blocksOf(data))
+    for (CBlock::CInsertIterator insert(*block); *insert; ++insert) look(**insert);
+  for (const SavedSpace& space : spaces) forEachIn(space, look);
+  const CBlockXRefTable& xrefs = data.getBlockXRefTable();
+  for (int i = 0; i < static_cast<int>(xrefs.size()); ++i)
+    if (xrefs[i]) blocks.push_back({xrefs[i], true});
+  BlockLister lister(*this, ofHatches, inserted);
+  const int result = data.getBlockTable().getBlockGraph().VisitUndep(lister);
+  isCyclic = result != ZORA_BLOCK_VISIT_RESULT_SUCCESS;
+}
+
+// The current sheet comes first: the entities of its block are in the ENTITIES section.
+void FilePlan::listSpaces() {
+  spaces.push_back({nullptr, "*Model_Space", u"Model"});
+  const CLayoutTable& layouts = data.getLayouts();
+  const CLayout* active = m_isSelectedOnly ? nullptr : layouts.getActive();
+  if (!active && !m_isSelectedOnly && layouts.size() > 0) active = &layouts[0];
+  addSpace(active);
+  for (int i = 0; i < layouts.size() && !m_isSelectedOnly; ++i)
+    if (&layouts[i] != active) addSpace(&layouts[i]);
+}
+
+void FilePlan::addSpace(const CLayout* layout) {
+  const std::size_t number = spaces.size();
+  SavedSpace space{layout, "*Paper_Space", u"Layout1"};
+  if (number > 1) space.block += std::to_string(number - 2);
+  if (layout) space.name = layout->getName();
+  if (layout) findBoundaries(space);
+  spaces.push_back(std::move(space));
+}
+
+void FilePlan::findBoundaries(SavedSpace& space) {
+  std::map<BoundaryKey, const CEnt*> found;
+  bool isAny = false;
+  for (const VIEWPORT& viewport : space.layout->getViewports()) {
+    space.viewports.push_back({&viewport});
+    isAny = isAny || !viewport.boundary.empty();
+  }
+  if (!isAny) return;
+  CBlock& sheet = space.layout->getBlock();
+  for (unsigned i = 0; i < sheet.size(); ++i) {
+    const CEnt& ent = *sheet[i];
+    if (ent.getType() == CEntPolyline::kType) {
+      found.emplace(keyOf(static_cast<const CEntPolyline&>(ent)), &ent);
+    } else if (ent.getType() == CEntCircle::kType) {
+      const CIRCLE_3D& circle = static_cast<const CEntCircle&>(ent).getCircle();
+      found.emplace(BoundaryKey(kCircleCorners, circle.x + circle.radius, circle.y), &ent);
+    }
+  }
+  for (SavedViewport& saved : space.viewports) {
+    const std::vector<PNT_2D>& corners = saved.viewport->boundary;
+    if (corners.empty()) continue;
+    const auto known = found.find({corners.size(), corners[0].x, corners[0].y});
+    if (known == found.end() || !bounds(*known->second, corners)) continue;
+    saved.boundary = known->second;
+    boundaries.emplace(saved.boundary, 0);
+  }
+}
+
+void FilePlan::nameItems() {
+  layerList = layersOf(data);
+  ltypeList = ltypesOf(data, false);
+  styleList = stylesOf(data);
+  std::vector<OwnName> own;
+  for (const CLayer* layer : layerList) own.push_back({layer->getFullName(), isDependent(*layer)});
+  std::vector<zim::WString> names = itemNames(own, {}, false, report);
+  for (std::size_t i = 0; i < layerList.size(); ++i)
+    layers.add(layerList[i], {encoded(names[i]), 0});
+  layers.setDefault(layerList.front());
+  own.clear();
+  for (const CLtype* ltype : ltypeList)
+    own.push_back({ltype->isContinuous() ? zim::WString(u"Continuous") : ltype->getFullName(),
+                   isDependent(*ltype)});
+  names = itemNames(own, {u"ByLayer", u"ByBlock"}, false, report);
+  for (std::size_t i = 0; i < ltypeList.size(); ++i)
+    ltypes.add(ltypeList[i], {encoded(names[i]), 0});
+  ltypes.add(&data.getLtypeByLayer(), {"ByLayer", 0});
+  ltypes.add(&data.getLtypeByBlock(), {"ByBlock", 0});
+  ltypes.setDefault(&data.getLtypeContinuous());
+  own.clear();
+  for (const ListedStyle& listed : styleList)
+    own.push_back({listed.style->isStandard() ? zim::WString(u"Standard") : listed.name,
+                   (listed.flags & kDependent) != 0});
+  names = itemNames(own, {}, false, report);
+  for (std::size_t i = 0; i < styleList.size(); ++i)
+    styles.add(styleList[i].style, {encoded(names[i]), 0});
+  styles.setDefault(styleList.front().style);
+}
+
+void FilePlan::nameBlocks() {
+  std::vector<OwnName> own;
+  for (const SavedBlock& saved : blocks)
+    own.push_back({saved.block->getName(), isDependent(*saved.block)});
+  const std::vector<zim::WString> names = itemNames(own, {}, true, report);
+  for (std::size_t i = 0; i < blocks.size(); ++i)
+    blockNames.add(blocks[i].block, {encoded(names[i]), 0});
+}
+
+void FilePlan::nameSpaces() {
+  std::vector<OwnName> own;
+  for (const SavedSpace& space : spaces) own.push_back({space.name});
+  const std::vector<zim::WString> names = itemNames(own, {}, false, report);
+  for (std::size_t i = 0; i < spaces.size(); ++i) spaces[i].name = names[i];
+}
+
+void FilePlan::countObjects() {
+  EntityNotes notes(*this);
+  const auto visit = [&notes](CEnt& ent) {
+    ent.accept(notes);
+    return true;
+  };
+  std::size_t objects = m_fixed.size() + layerList.size() + ltypeList.size() + styleList.size() +
+                        3 * blocks.size() + 5 * spaces.size();
+  for (const SavedBlock& saved : blocks)
+    for (unsigned i = 0; i < saved.block->size() && !saved.isXRef; ++i) visit(*(*saved.block)[i]);
+  for (const SavedSpace& space : spaces) {
+    forEachIn(space, visit);
+    for (const SavedViewport& saved : space.viewports) {
+      handles.note(saved.viewport->handle);
+      if (!saved.viewport->boundary.empty() && !saved.boundary) ++objects;
+    }
+  }
+  for (; objects > 0; --objects) handles.noteEnd();
+}
+
+void FilePlan::takeHandles() {
+  for (Handle& handle : m_fixed) handle = takeObject();
+  for (const CLayer* layer : layerList) layers.setHandle(layer, takeObject());
+  for (const CLtype* ltype : ltypeList) ltypes.setHandle(ltype, takeObject());
+  ltypes.setHandle(&data.getLtypeByLayer(), of(FixedObject::ByLayer));
+  ltypes.setHandle(&data.getLtypeByBlock(), of(FixedObject::ByBlock));
+  for (const ListedStyle& listed : styleList) styles.setHandle(listed.style, takeObject());
+  for (SavedSpace& space : spaces) {
+    for (Handle* handle :
+         {&space.record, &space.begin, &space.end, &space.object, &space.ownViewport})
+      *handle = takeObject();
+    for (SavedViewport& saved : space.viewports)
+      if (!saved.viewport->boundary.empty() && !saved.boundary) saved.ownBoundary = takeObject();
+  }
+  for (SavedBlock& saved : blocks)
+    for (Handle* handle : {&saved.record, &saved.begin, &saved.end}) *handle = takeObject();
+}
+
+}  // namespace vek0::detail
