@@ -97,9 +97,15 @@ bool SvgPainter::finish() {
 
 std::string SvgPainter::groupId(const std::string& layer) {
   const std::string wanted = "layer-" + idPart(layer);
-  std::string id = wanted;
-  // Different names may reduce to one id, which must be unique.
-  for (int n = 2; !m_groupIds.insert(id).second; ++n) id = wanted + "-" + std::to_string(n);
+  const auto [known, isNew] = m_groupIds.try_emplace(wanted, 1);
+  if (isNew) return wanted;
+  // A layer may have many groups, so numbers that are taken are not tried again. Different names
+  // may reduce to one id, which must be unique.
+  int& number = known->second;
+  std::string id;
+  do {
+    id = wanted + "-" + std::to_string(++number);
+  } while (!m_groupIds.try_emplace(id, 1).second);
   return id;
 }
 

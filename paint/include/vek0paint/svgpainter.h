@@ -4,7 +4,6 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "vek0paint/covergrid.h"
@@ -81,9 +80,9 @@ class SvgPainter final : public SheetPainter {
   CoverGrid m_cover;
   std::vector<Group> m_groups;                             // not written yet, in their order
   std::unordered_map<std::string, std::size_t> m_groupOf;  // by the layer
-  std::unordered_set<std::string> m_groupIds;
-  std::size_t m_buffered = 0;                       // bytes in the groups
-  std::unordered_map<vek0::Handle, int> m_handles;  // how many ids each has
+  std::unordered_map<std::string, int> m_groupIds;         // last number appended to each
+  std::size_t m_buffered = 0;                              // bytes in the groups
+  std::unordered_map<vek0::Handle, int> m_handles;         // how many ids each has
 
   // Set by `begin`.
   zim::WString m_layer;
