@@ -1,5 +1,6 @@
 #include "drawing/itemuse.h"
 
+#include <new>
 #include <unordered_map>
 
 #include "vek0core/entities/blocks/blockxref.h"
@@ -39,6 +40,13 @@ bool isUsed(const CData& data, const CBlockXRef& xref) {
     if (vars.getCurStyle() == style) return true;
   }
   return false;
+}
+
+void reinstateUsed(CData& data) try {
+  for (int i = 0; i < data.getBlockXRefTable().size(); ++i)
+    data.getBlockXRefTable()[i]->reinstate([&](const auto& item) { return isUsed(data, item); });
+} catch (const std::bad_alloc&) {
+  // Items that stay retired are valid.
 }
 
 }  // namespace vek0::detail

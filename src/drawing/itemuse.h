@@ -19,4 +19,8 @@ inline bool isUsed(const CData&, const CBlock& block) { return block.getEntities
 /// the items of the reference.
 bool isUsed(const CData& data, const CBlockXRef& xref);
 
+/// Takes back items that references have retired but that are used again: undo may restore objects
+/// that refer to them. Without enough memory, the next call retries.
+void reinstateUsed(CData& data);
+
 }  // namespace vek0::detail

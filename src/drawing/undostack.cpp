@@ -35,19 +35,12 @@ namespace {
 constexpr std::size_t kAllocatorBytes = 16;  // overhead of a heap object
 
 using vek0::detail::isUsed;
+using vek0::detail::reinstateUsed;
 
 // Whether the block was created for a hatch and nothing shows it at present.
 bool isIdleHatchBlock(const CBlockTable& table, const CBlock* block) {
   return block != nullptr && table.contains(block) && isHatchName(block->getName()) &&
          block->getEntities() <= 0;
-}
-
-// Steps may restore objects that refer to items retired by references meanwhile.
-void reinstateUsed(CData& data) try {
-  for (int i = 0; i < data.getBlockXRefTable().size(); ++i)
-    data.getBlockXRefTable()[i]->reinstate([&](const auto& item) { return isUsed(data, item); });
-} catch (const std::bad_alloc&) {
-  // The next step retries.
 }
 
 // The content of a reference is reloaded, so its edits could not be undone.
