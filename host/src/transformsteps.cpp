@@ -20,7 +20,10 @@ EditStep transformStep(Visitor visitor, const char* done) {
   return onChosen([visitor, done](Editing& editing) {
     Visitor transform = visitor;
     for (CEnt* ent : editing.chosen) {
-      if (!editing.undo.keepGeometry(*ent)) return StepOutcome::noMemory();
+      // Scaling changes the thickness, too, which is a property.
+      const bool isThick = ent->getTraits().thickness != 0;
+      if (!(isThick ? editing.undo.keep(*ent) : editing.undo.keepGeometry(*ent)))
+        return StepOutcome::noMemory();
       // Entities from files may already have non-finite extents; these are accepted.
       const bool wasFinite = isFinite(ent->getBdry());
       ent->accept(transform);

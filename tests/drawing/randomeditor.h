@@ -130,7 +130,7 @@ class RandomEditor {
   }
   void transform() {
     CEnt* ent = anyEntity();
-    if (ent == nullptr || !m_undo.keepGeometry(*ent)) return;
+    if (ent == nullptr || !m_undo.keep(*ent)) return;
     CEntMoveVisitor mover(point());
     CEntRotateXYVisitor turner(point(), number(100));
     CEntScaleVisitor scaler(point(), number(2) == 0 ? -0.5 : 2);

@@ -127,10 +127,12 @@ TEST_F(Explode, InsertsLendTraitsThatAreByBlock) {
   }
   CEntInsert* ins = keptInsert(block("B", lines), PNT_3D(0, 0, 0), 1, 1, 0);
   ins->setTraits(lent);
+  ins->setInsert(PNT_3D(0, 0, 0), 1, 1, -2, 0);
   const Ents& ents = explode(*ins);
   ASSERT_EQ(ents.size(), 2u);
   EXPECT_TRUE(ents[0]->getTraits() == lent);
   own.isVisible = false;
+  own.thickness = -6;
   EXPECT_TRUE(ents[1]->getTraits() == own);
   ents[1]->setColor(4);
   own.trueColor = ENT_TRAITS::kNoTrueColor;

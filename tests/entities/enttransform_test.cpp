@@ -92,6 +92,25 @@ TEST(Transforms, ExtentsScaleWithTheFactor) {
   }
 }
 
+TEST(Transforms, ThicknessScalesWithTheMagnitude) {
+  EveryKind all;
+  ENT_TRAITS traits;
+  traits.lineweight = 35;
+  for (const auto& [name, ent] : all.kinds) {
+    SCOPED_TRACE(name);
+    for (const double thickness : {0.0, -2.5, 1e308}) {
+      traits.thickness = thickness;
+      ent->setTraits(traits);
+      CEntScaleVisitor scaler(all.point(), -3);
+      ent->accept(scaler);
+      ENT_TRAITS expected = traits;
+      expected.thickness = std::max(3 * thickness, -7.5);
+      if (thickness > 1e300) expected.thickness = std::numeric_limits<double>::max();
+      EXPECT_TRUE(ent->getTraits() == expected);
+    }
+  }
+}
+
 TEST(Transforms, WhatIsNoTransformChangesNothing) {
   constexpr double inf = std::numeric_limits<double>::infinity();
   constexpr double nan = std::numeric_limits<double>::quiet_NaN();

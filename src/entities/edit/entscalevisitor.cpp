@@ -1,6 +1,8 @@
 #include "vek0core/entities/edit/entscalevisitor.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "entities/blocks/hatchtransform.h"
 #include "vek0core/entities/blocks/entinsert.h"
@@ -53,22 +55,35 @@ CEntScaleVisitor::CEntScaleVisitor(const PNT_3D& centre, double factor)
   }
 }
 
+// Comes first, because it may fail. The product stays finite.
+void CEntScaleVisitor::scaleThickness(CEnt& ent) const {
+  constexpr double most = std::numeric_limits<double>::max();
+  ENT_TRAITS traits = ent.getTraits();
+  if (traits.thickness == 0 || m_isInHatch) return;
+  traits.thickness = std::clamp(traits.thickness * std::fabs(m_factor), -most, most);
+  ent.setTraits(traits);
+}
+
 void CEntScaleVisitor::visit(CEntPnt& ent) {
+  scaleThickness(ent);
   ent.getPnt().scale(m_centre, m_factor);
   ent.calcBdry();
 }
 
 void CEntScaleVisitor::visit(CEntLine& ent) {
+  scaleThickness(ent);
   ent.getLine().scale(m_centre, m_factor);
   ent.calcBdry();
 }
 
 void CEntScaleVisitor::visit(CEntCircle& ent) {
+  scaleThickness(ent);
   scaleCircle(ent.getCircle(), m_centre, m_factor);
   ent.calcBdry();
 }
 
 void CEntScaleVisitor::visit(CEntArc& ent) {
+  scaleThickness(ent);
   ARC_3D& arc = ent.getArc();
   scaleCircle(arc, m_centre, m_factor);
   if (isHalfTurned()) {
@@ -79,33 +94,55 @@ void CEntScaleVisitor::visit(CEntArc& ent) {
 }
 
 void CEntScaleVisitor::visit(CEntPolyline& ent) {
+  scaleThickness(ent);
   ent.scale(m_centre, m_factor);
   ent.invalidateBdry();
 }
 
-void CEntScaleVisitor::visit(CEntText& ent) { scaleText(ent, m_centre, m_factor); }
+void CEntScaleVisitor::visit(CEntText& ent) {
+  scaleThickness(ent);
+  scaleText(ent, m_centre, m_factor);
+}
 
-void CEntScaleVisitor::visit(CEntAttdef& ent) { scaleText(ent, m_centre, m_factor); }
+void CEntScaleVisitor::visit(CEntAttdef& ent) {
+  scaleThickness(ent);
+  scaleText(ent, m_centre, m_factor);
+}
 
-void CEntScaleVisitor::visit(CEntAttrib& ent) { scaleText(ent, m_centre, m_factor); }
+void CEntScaleVisitor::visit(CEntAttrib& ent) {
+  scaleThickness(ent);
+  scaleText(ent, m_centre, m_factor);
+}
 
-void CEntScaleVisitor::visit(CEntInsert& ent) { scaleInsert(ent, m_centre, m_factor); }
+void CEntScaleVisitor::visit(CEntInsert& ent) {
+  scaleThickness(ent);
+  scaleInsert(ent, m_centre, m_factor);
+}
 
 void CEntScaleVisitor::visit(CEntFixedInsert& ent) {
+  scaleThickness(ent);
   PNT_3D pnt = ent.getPnt();
   pnt.scale(m_centre, m_factor);
   ent.setInsert(pnt, ent.GetNoPixel() * m_factor, ent.getRotate());
 }
 
-void CEntScaleVisitor::visit(CEntInsertXRef& ent) { scaleInsert(ent, m_centre, m_factor); }
+void CEntScaleVisitor::visit(CEntInsertXRef& ent) {
+  scaleThickness(ent);
+  scaleInsert(ent, m_centre, m_factor);
+}
 
 void CEntScaleVisitor::visit(CEntHatch& ent) {
-  vek0::detail::transformHatch(ent, *this, [this](PNT_3D& p) { p.scale(m_centre, m_factor); });
+  scaleThickness(ent);
+  // Snapshots of a hatch have no properties of its lines.
+  CEntScaleVisitor lines = *this;
+  lines.m_isInHatch = true;
+  vek0::detail::transformHatch(ent, lines, [this](PNT_3D& p) { p.scale(m_centre, m_factor); });
   ent.setHatchScale(ent.getHatchScale() * std::fabs(m_factor));
   if (isHalfTurned()) ent.setHatchRotate(ARC_3D::normal(ent.getHatchRotate() + vek0::detail::kPi));
 }
 
 void CEntScaleVisitor::visit(CEnt3DFace& ent) {
+  scaleThickness(ent);
   for (long i = 0; i < 4; ++i) ent.getVertex(i).scale(m_centre, m_factor);
   ent.calcBdry();
 }

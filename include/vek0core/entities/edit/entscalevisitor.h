@@ -10,9 +10,12 @@
 /// and pattern scales are multiplied by the magnitude, the angles of texts, arcs and hatch patterns
 /// increase by pi, and inserts use the signed factor, which is equivalent. The spacings of an
 /// insert's array are multiplied too, since the insert's own scales do not affect them. Attributes
-/// are in block coordinates and unchanged; a hatch scales with the lines that it shows. A factor of
-/// 0, which could not be undone, and a non-finite center or factor have no effect. A `CVertex`
-/// alone is not scaled.
+/// are in block coordinates and unchanged; a hatch scales with the lines that it shows. The
+/// thickness, which is one of the properties, is multiplied by the magnitude, except that of the
+/// lines of a hatch. A factor of 0, which could not be undone, and a non-finite center or factor
+/// have no effect. A `CVertex` alone is not scaled.
+///
+/// For an entity with a thickness, throws `std::bad_alloc` with nothing changed.
 class VEK0_API CEntScaleVisitor final : public IEntVisitor {
  public:
   CEntScaleVisitor(const PNT_3D& centre, double factor);
@@ -34,7 +37,9 @@ class VEK0_API CEntScaleVisitor final : public IEntVisitor {
 
  private:
   bool isHalfTurned() const { return m_factor < 0; }
+  void scaleThickness(CEnt& ent) const;
 
   PNT_3D m_centre;
   double m_factor;
+  bool m_isInHatch = false;
 };
