@@ -40,30 +40,11 @@ class LayoutDrawing {
     for (unsigned i = 0; i < sheet.size(); ++i) entities.push_back(sheet[i]);
     std::vector<std::unique_ptr<CEnt>> frames;
     for (const VIEWPORT& viewport : m_layout.getViewports()) {
-      frames.push_back(frameOf(viewport));
+      frames.push_back(createFrame(viewport, m_data.getEntFactory()));
       entities.push_back(frames.back().get());
     }
     Walker walker(m_data, CPOProjector(), m_window, m_painter, m_options);
     add(walker.run(entities));
-  }
-
-  // The frame as the entity that it looks like. It is in no table, and gets no handle of the
-  // drawing.
-  std::unique_ptr<CEnt> frameOf(const VIEWPORT& viewport) const {
-    CHandleGestorFoo none;
-    CEntFactory& factory = m_data.getEntFactory();
-    std::unique_ptr<CEntPolyline> frame(
-        factory.createEntPolyline(none, viewport.layer, viewport.ltype, viewport.color,
-                                  CEntPolyline::kClosed, 0, viewport.handle));
-    if (!frame) throw std::bad_alloc();
-    frame->setTraits(viewport.traits);
-    for (const PNT_2D& corner : viewport.outline()) {
-      std::unique_ptr<CVertex> vertex(
-          factory.createVertex(none, PNT_3D(corner.x, corner.y, 0), 0, 0, 0));
-      if (!vertex) throw std::bad_alloc();
-      frame->addVertex(*vertex.release());
-    }
-    return frame;
   }
 
   void drawViews() {

@@ -102,6 +102,8 @@ std::string listEntities(const CData& data, const std::string& place, Selection 
     isLayout = true;
     CBlock& sheet = layout.getBlock();
     for (unsigned k = 0; k < sheet.size(); ++k) lister.list(*sheet[k], &layout.getName());
+    for (const VIEWPORT& viewport : layout.getViewports())
+      lister.list(*createFrame(viewport, data.getEntFactory()), &layout.getName());
   }
   if (isLayout) return {};
   CBlock* block = data.getBlockTable().get(name);

@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <utility>
 
 #include "vek0core/entities/blocks/block.h"
+#include "vek0core/entities/entfactory.h"
+#include "vek0core/entities/entpolyline.h"
 #include "vek0core/tables/layer.h"
 #include "vek0core/tables/ltype.h"
 #include "zim0lang/casefold.h"
@@ -21,6 +24,23 @@ std::vector<PNT_2D> VIEWPORT::outline() const {
   const double x = width / 2, y = height / 2;
   return {PNT_2D(center.x - x, center.y - y), PNT_2D(center.x + x, center.y - y),
           PNT_2D(center.x + x, center.y + y), PNT_2D(center.x - x, center.y + y)};
+}
+
+std::unique_ptr<CEntPolyline> createFrame(const VIEWPORT& viewport, CEntFactory& factory) {
+  CHandleGestorFoo none;
+  std::unique_ptr<CEntPolyline> frame(
+      factory.createEntPolyline(none, viewport.layer, viewport.ltype, viewport.color,
+                                CEntPolyline::kClosed, 0, viewport.handle));
+  if (!frame) throw std::bad_alloc();
+  frame->setRecord(EntRecord::Viewport);
+  frame->setTraits(viewport.traits);
+  for (const PNT_2D& corner : viewport.outline()) {
+    std::unique_ptr<CVertex> vertex(
+        factory.createVertex(none, PNT_3D(corner.x, corner.y, 0), 0, 0, 0));
+    if (!vertex) throw std::bad_alloc();
+    frame->addVertex(*vertex.release());
+  }
+  return frame;
 }
 
 bool PLOT_SETTINGS::hasPaper() const {

@@ -23,6 +23,7 @@ const char* nameOf(EntRecord record) {
       "MLEADER",
       "TOLERANCE",
       "ACAD_TABLE",
+      "VIEWPORT",
   };
   return names[static_cast<unsigned char>(record)];
 }

@@ -60,4 +60,9 @@ TEST_F(Layouts, AreFoundByName) {
       info.npos)
       << info;
   EXPECT_NE(info.find(R"("blocks":[])"), info.npos) << "sheets are not listed";
+  const Json frame = Json::parse(run("list --json a.dxf --where kind=viewport").out);
+  EXPECT_EQ(frame["handle"], "4");
+  EXPECT_EQ(frame["layout"], "Plan");
+  EXPECT_EQ(frame["layer"], "A");
+  EXPECT_EQ(frame["extents"]["max"], (Json{140.0, 70.0, 0.0}));
 }

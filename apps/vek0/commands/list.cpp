@@ -55,10 +55,9 @@ void addListCommand(CLI::App& app, Session& session) {
       "  vek0 list plan.dxf --in DOOR\n"
       "  vek0 list --json plan.dxf | jq -r 'select(.lineweight > 0.5) | .handle'\n\n"
       "Color, lineweight, linetype and visibility are those that an entity is drawn with, for\n"
-      "black on white. The kind is that of the record in the file. Attributes follow their "
-      "insert,\n"
-      "whose handle is in \"of\". Entities of a block are listed as if it were inserted on layer "
-      "0.");
+      "black on white. The kind is that of the record in the file. Attributes follow their\n"
+      "insert, whose handle is in \"of\"; viewports follow the entities of their layout.\n"
+      "Entities of a block are listed as if it were inserted on layer 0.");
   verb->callback([options, &session] { list(*options, session); });
 }
 

@@ -26,6 +26,7 @@ struct ListedEntity {
 
 /// Calls `show` for the entities that the selection includes, each followed by its attributes:
 /// those of model space and of all layouts, or, if `place` is not empty, of that layout or block.
+/// Viewports follow the entities of their layout, as their frames.
 /// Entities of a block are resolved as if it were inserted on layer 0 with color 7. Returns an
 /// error message if there is no such place, or if the selection names no layer; else an empty text.
 std::string listEntities(const CData& data, const std::string& place, Selection selection,

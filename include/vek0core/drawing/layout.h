@@ -12,6 +12,8 @@
 #include "zim0lang/wstring.h"
 
 class CBlock;
+class CEntFactory;
+class CEntPolyline;
 class CLayer;
 class CLtype;
 
@@ -48,6 +50,10 @@ struct VEK0_API VIEWPORT {
   std::vector<PNT_2D> outline() const;
   bool operator==(const VIEWPORT&) const = default;
 };
+
+/// The frame of a viewport as a closed polyline, whose record is `EntRecord::Viewport`. It is in no
+/// table and books no handle. Throws `std::bad_alloc`.
+VEK0_API std::unique_ptr<CEntPolyline> createFrame(const VIEWPORT& viewport, CEntFactory& factory);
 
 /// What a layout plots.
 enum class PlotArea { Display, Extents, Limits, View, Window, Layout };

@@ -26,10 +26,11 @@ enum class EntRecord : unsigned char {
   Mleader,
   Tolerance,
   Table,
+  Viewport,  ///< of the frame of a viewport, see `createFrame`
 };
 
 /// Number of values.
-inline constexpr unsigned char kEntRecords = static_cast<unsigned char>(EntRecord::Table) + 1;
+inline constexpr unsigned char kEntRecords = static_cast<unsigned char>(EntRecord::Viewport) + 1;
 
 /// The name of the record in files, such as "LWPOLYLINE"; empty for `Own`.
 VEK0_API const char* nameOf(EntRecord record);
