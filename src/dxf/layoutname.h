@@ -16,4 +16,13 @@ inline bool isUsualLayoutName(std::u16string_view name) {
           number.find_first_not_of(u"0123456789") == std::u16string_view::npos);
 }
 
+/// Names of the blocks of layouts, without their first letter; those of further sheets go on with a
+/// number.
+inline constexpr std::u16string_view kModelBlock = u"model_space", kPaperBlock = u"paper_space";
+
+/// Whether a block of that name holds the model (`kModelBlock`) or a sheet (`kPaperBlock`).
+inline bool isLayoutBlock(std::u16string_view name, std::u16string_view kind) {
+  return !name.empty() && zim::equalsIgnoreCase(name.substr(1, kind.size()), kind);
+}
+
 }  // namespace vek0::detail

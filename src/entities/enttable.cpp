@@ -158,6 +158,23 @@ void CEntTable::remove(CEnt* ent, Slots& slots) {
   for (IEntTableWatcher* watcher : m_watchers) watcher->removed(*ent);
 }
 
+void CEntTable::reorder(const std::vector<CEnt*>& order) {
+  if (m_isView) return;
+  const auto first =
+      std::mismatch(order.begin(), order.end(), m_entities.begin(), m_entities.end()).first;
+  if (first == order.end()) return;
+  // Of equal handles, it finds the first in drawing order.
+  m_index.reset();
+  for (auto at = first; at != order.end(); ++at) {
+    CEnt* ent = *at;
+    if (!holds(ent)) continue;
+    for (IEntTableWatcher* watcher : m_watchers) watcher->removed(*ent);
+    m_entities.splice(m_entities.end(), m_entities, ent->m_node);
+    ent->m_pos = m_nextRank++;
+    for (IEntTableWatcher* watcher : m_watchers) watcher->added(*ent);
+  }
+}
+
 void CEntTable::select(CEnt* ent) {
   if (!holds(ent) || ent->isSelected()) return;
   ent->setSelectStatus(m_selected.insert(m_selected.end(), ent));

@@ -83,6 +83,7 @@ constexpr Row kRows[] = {
     {ReportCode::OnPaper, "on paper", kLoss},
     {ReportCode::LayoutDropped, "layout dropped", kLoss},
     {ReportCode::ViewSimplified, "view simplified", kLoss},
+    {ReportCode::DrawOrderDropped, "draw order dropped", kLoss},
     {ReportCode::GroupDropped, "group dropped", kLoss},
     {ReportCode::DimensionStyleDropped, "dimension style dropped", kLoss},
     {ReportCode::UnitDropped, "unit dropped", kLoss},

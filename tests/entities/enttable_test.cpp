@@ -183,6 +183,9 @@ TEST(EntTable, RandomEditsAgreeWithAPlainModel) {
     } else if (action < 9) {
       s.table.unselect(some);
       drop(selected, some);
+    } else if (below(9) == 0) {
+      std::shuffle(all.begin() + below(static_cast<int>(all.size()) + 1), all.end(), random);
+      s.table.reorder(all);
     } else if (below(30) == 0) {
       s.table.unselectAll();
       selected.clear();

@@ -82,6 +82,11 @@ class VEK0_API CEntTable {
   void remove(CEnt* ent, Slots& slots);
   void restore(CEnt* ent, const Place& place, Slots& slots);
 
+  /// Changes the drawing order to that of `order`, which lists all entities of the table. Those
+  /// before the first change keep their rank; watchers see the others removed and added. Linear;
+  /// does not throw.
+  void reorder(const std::vector<CEnt*>& order);
+
   /// Whether the entity is in this table.
   bool contains(const CEnt* ent) const { return holds(ent); }
 

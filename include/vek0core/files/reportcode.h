@@ -89,7 +89,9 @@ enum class ReportCode : std::uint8_t {
   ViewSimplified,  ///< a viewport whose view is not from above, in perspective, limited in depth or
                    ///< hides lines; the sample says which. Views that are not from above or in
                    ///< perspective are not drawn
-  GroupDropped,    ///< a group of entities
+  DrawOrderDropped,  ///< a sort table of an unknown block (sample 330), or entries of one that are
+                     ///< incomplete (331) or contradict others (5)
+  GroupDropped,      ///< a group of entities
   DimensionStyleDropped,  ///< any style other than STANDARD with the format's default values
   UnitDropped,            ///< a unit stated by the header; for the drawing's see `CFileDXFIResult`
   SettingDropped,  ///< another variable that is not at its default: $INSBASE, $FILLMODE, $ATTMODE

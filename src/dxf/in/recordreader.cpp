@@ -142,9 +142,12 @@ void RecordReader::take(long code) {
 }
 
 void RecordReader::takeHandle() {
-  if (!m_context.semantor.shouldRespectHandles()) return;
-  if (isTolerant() && !isHandle(lexer().getBytes())) return note(ReportCode::NumberReplaced, u"5");
-  m_record.handle = lexer().getHex();
+  const bool isKept = m_context.semantor.shouldRespectHandles();
+  if (isTolerant() && !isHandle(lexer().getBytes()))
+    return isKept ? note(ReportCode::NumberReplaced, u"5") : void();
+  // Parts of an entity follow with handles of their own.
+  if (isTolerant() && m_handle == 0) m_handle = lexer().getHex();
+  if (isKept) m_record.handle = lexer().getHex();
 }
 
 void RecordReader::takeLayer() {

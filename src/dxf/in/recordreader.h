@@ -105,6 +105,7 @@ class RecordReader {
     m_putBack = false;
     m_frameTaken = false;
     m_frame = {};
+    m_handle = 0;
     if (!m_layout.empty()) m_layout = zim::WString();
   }
   const Frame& frame() const { return m_frame; }
@@ -112,6 +113,9 @@ class RecordReader {
   bool keepsSheets() const { return m_keepsSheets; }
   /// Name of the layout on whose sheet the entity is, if the file states it; otherwise empty.
   const zim::WString& layout() const { return m_layout; }
+  /// Handle of the current entity in the file, even if the drawing numbers its entities itself; 0
+  /// if it has none, and under the strict policy.
+  vek0::Handle handle() const { return m_handle; }
   /// Declares that the entities of the current record are already in world coordinates.
   void setPlaced() { m_frame.normal = PNT_3D(0, 0, 1); }
 
@@ -223,6 +227,7 @@ class RecordReader {
   Record m_record;
   const bool m_keepsSheets;
   zim::WString m_layout;
+  vek0::Handle m_handle = 0;
   bool m_putBack = false;
   bool m_frameTaken = false;
   Frame m_frame;

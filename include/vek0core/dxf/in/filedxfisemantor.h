@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <list>
 #include <vector>
 
@@ -136,6 +137,12 @@ class VEK0_API IFileDXFISemantor {
                                 bool /*isActive*/, std::list<CEnt*>& /*entities*/) {
     return nullptr;
   }
+
+  /// Sorts entities, which it receives in drawing order; returns whether that changed the order.
+  using EntSorter = std::function<bool(std::vector<CEnt*>& entities)>;
+  /// Brings the entities of a block, or of model space if it is null, into the order of `sorter`.
+  /// Called at the end of the file. By default they stay as they are.
+  virtual void reorder(CBlock* /*block*/, const EntSorter& /*sorter*/) {}
 
   virtual ~IFileDXFISemantor() = default;
 

@@ -6,6 +6,7 @@
 #include <list>
 #include <utility>
 
+#include "dxf/layoutname.h"
 #include "files/number.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/blocks/blocktable.h"
@@ -14,13 +15,6 @@ namespace vek0::detail {
 namespace {
 
 constexpr long kXRefBlock = 4;  // of a block's flags
-
-// Names of the layout blocks, without their first letter: their content is not drawn.
-constexpr std::u16string_view kModelName = u"model_space", kPaperName = u"paper_space";
-
-bool isLayout(const zim::WString& name, std::u16string_view layout) {
-  return !name.empty() && zim::equalsIgnoreCase(name.view().substr(1, layout.size()), layout);
-}
 
 }  // namespace
 
@@ -66,13 +60,13 @@ void BlocksSection::readBlock() {
   Header block;
   OwnedEntities entities;
   readHeader(block);
-  const bool isSheet = isLayoutName(block.name) && isLayout(block.name, kPaperName);
+  const bool isSheet = isLayoutName(block.name) && isLayoutBlock(block.name, kPaperBlock);
   m_in.loader->enterBlock(m_in.semantor.findBlock(block.name),
                           isSheet ? block.name : zim::WString());
   readContent(entities);
   if (m_in.loader->leaveBlock()) m_dropped.addSheet(block.owner);
   // The names of further sheets have a number.
-  if (isSheet && block.name.Length() == 1 + kPaperName.size()) m_activeSheet = block.owner;
+  if (isSheet && block.name.Length() == 1 + kPaperBlock.size()) m_activeSheet = block.owner;
   if (!m_in.failed()) create(block, entities);
   m_in.recover(ReportCode::BlockDropped, block.name);
 }
@@ -132,14 +126,14 @@ bool BlocksSection::isBlockCut() {
 
 // The strict rule ignores the first letter, and so also skips ordinary blocks of such names.
 bool BlocksSection::isLayoutName(const zim::WString& name) const {
-  if (!isLayout(name, kModelName) && !isLayout(name, kPaperName)) return false;
+  if (!isLayoutBlock(name, kModelBlock) && !isLayoutBlock(name, kPaperBlock)) return false;
   return !m_in.isTolerant() || name[0] == u'*' || name[0] == u'$';
 }
 
 void BlocksSection::create(const Header& block, OwnedEntities& entities) {
   if (block.name.empty()) return m_in.fail(CFileDXFIError::WrongStructure);
   if (isLayoutName(block.name)) {
-    if (m_in.loader->keepsSheets() && isLayout(block.name, kPaperName))
+    if (m_in.loader->keepsSheets() && isLayoutBlock(block.name, kPaperBlock))
       return m_sheets.addBlock(block.name, block.owner, entities.list(),
                                std::exchange(m_in.loader->getViewports(), {}));
     if (m_in.isTolerant() && !entities.list().empty())

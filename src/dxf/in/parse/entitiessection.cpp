@@ -50,6 +50,9 @@ EntPtr EntitiesSection::readOne() {
   EntPtr ent(m_in.loader->readEntity());
   if (m_in.failed() && m_in.recover(ReportCode::EntityDropped, zim::WString::fromUtf8(m_kind)))
     m_in.loader->getFurther().clear();
+  if (ent) m_order.note(*ent, m_in.loader->getHandle());
+  for (const EntPtr& more : m_in.loader->getFurther())
+    m_order.note(*more, m_in.loader->getHandle());
   return ent;
 }
 

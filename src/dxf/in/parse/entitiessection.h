@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "dxf/in/parse/draworder.h"
 #include "dxf/in/parse/sectioninput.h"
 #include "dxf/in/parse/sheets.h"
 
@@ -13,8 +14,9 @@ namespace vek0::detail {
 class EntitiesSection {
  public:
   /// All are borrowed.
-  EntitiesSection(SectionInput& in, Sheets& sheets, const CFileDXFIOptions& options)
-      : m_in(in), m_sheets(sheets), m_options(options) {}
+  EntitiesSection(SectionInput& in, Sheets& sheets, DrawOrder& order,
+                  const CFileDXFIOptions& options)
+      : m_in(in), m_sheets(sheets), m_order(order), m_options(options) {}
 
   /// Reads the pairs after the section's name, up to its end.
   void read();
@@ -33,6 +35,7 @@ class EntitiesSection {
 
   SectionInput& m_in;
   Sheets& m_sheets;
+  DrawOrder& m_order;
   const CFileDXFIOptions& m_options;
   bool m_hasAdded = false;
   bool m_isCancelled = false;

@@ -441,6 +441,18 @@ void IFileDXFIDataSemantor::refill(const CEntHatch& hatch) {
   }
 }
 
+void IFileDXFIDataSemantor::reorder(CBlock* block, const EntSorter& sorter) {
+  CEntTable& table = m_data.getEntTable();
+  std::vector<CEnt*> entities(block ? 0 : table.getEntityTbl().size());
+  if (!block) std::copy(table.getEntityTbl().begin(), table.getEntityTbl().end(), entities.begin());
+  for (unsigned i = 0; block && i < block->size(); ++i) entities.push_back((*block)[i]);
+  if (!sorter(entities)) return;
+  if (!block) return table.reorder(entities);
+  // The block keeps its memory, so that nothing can fail.
+  block->clearEntities();
+  for (CEnt* ent : entities) block->restore(ent);
+}
+
 bool IFileDXFIDataSemantor::repoint(CEntInsertBase& insert) {
   Placeholder* placeholder = insert.getBlock() ? findPlaceholder(*insert.getBlock()) : nullptr;
   if (!placeholder || !placeholder->xref) return false;

@@ -7,6 +7,7 @@
 #include <new>
 
 #include "dxf/in/parse/blockssection.h"
+#include "dxf/in/parse/draworder.h"
 #include "dxf/in/parse/droppedobjects.h"
 #include "dxf/in/parse/entitiessection.h"
 #include "dxf/in/parse/headersection.h"
@@ -23,7 +24,8 @@ struct CFileDXFIParser::Sections {
       : in(lexer, semantor, err, options),
         dropped(lexer, err, options.report),
         sheets(in, err, dimStyles, tables),
-        entities(in, sheets, options) {}
+        order(in, dimStyles, options),
+        entities(in, sheets, order, options) {}
 
   vek0::detail::SectionInput in;
   vek0::detail::DimStyles dimStyles;
@@ -31,6 +33,7 @@ struct CFileDXFIParser::Sections {
   vek0::detail::HeaderSection header{in, dimStyles};
   vek0::detail::TablesSection tables{in, dimStyles};
   vek0::detail::Sheets sheets;
+  vek0::detail::DrawOrder order;
   vek0::detail::EntitiesSection entities;
   vek0::detail::BlocksSection blocks{in, entities, sheets, dropped};
 };
@@ -156,7 +159,7 @@ void CFileDXFIParser::readFragment() {
 }
 
 // A file of a different format has no section either. What depends on everything that was read
-// comes last: names in the header and in layers, clips of inserts, sheets.
+// comes last: names in the header and in layers, clips of inserts, sheets, drawing order.
 void CFileDXFIParser::readEnd() {
   Sections& all = *m_sections;
   const bool isDrawing = m_isDrawing || all.entities.hasAdded();
@@ -168,6 +171,7 @@ void CFileDXFIParser::readEnd() {
     all.dropped.addSheet(all.blocks.getActiveSheet());
   all.dropped.tell();
   all.sheets.settle(all.header.getSheetLimits());
+  all.order.settle();
   if (all.in.loader) all.in.loader->getClips().settle();
   all.tables.settle();
   all.header.takeCurrentItems();
@@ -211,6 +215,8 @@ void CFileDXFIParser::readObjects() {
     if (isClip) continue;
     if (in.loader && in.loader->keepsSheets() && in.isKeyword("LAYOUT"))
       m_sections->sheets.readObject();
+    else if (in.isKeyword("SORTENTSTABLE"))
+      m_sections->order.readTable();
     else
       m_sections->dropped.readRecord();
   }

@@ -17,6 +17,8 @@ class CFileDXFIVersionLoader {
   virtual CEnt* readEntity() = 0;
 
   std::vector<EntPtr>& getFurther() { return m_entities.records.further; }
+  /// Handle in the file of the entity that was read last, see `RecordReader::handle`.
+  vek0::Handle getHandle() const { return m_entities.records.handle(); }
   /// Whether any insert was read.
   bool hasReadInsert() const { return m_entities.records.insertRead; }
   /// The reader of clip boundaries.

@@ -64,6 +64,7 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
                          vek0::Handle handle) override;
   CHatchTypeTable& getHatchTypeTable() override;
   void adoptHatch(CEntHatch& hatch) override;
+  void reorder(CBlock* block, const EntSorter& sorter) override;
 
  protected:
   IFileDXFIDataSemantor(const IFileDXFIDataSemantor&) = default;
