@@ -31,13 +31,6 @@ double reachOfLtypes(const CData& data) {
   return reach;
 }
 
-// Programs draw a dimension's definition points only on screen.
-bool definesDimension(const CBlock* block) {
-  if (!block) return false;
-  const std::u16string_view name = block->getName().view();
-  return name.size() > 2 && name.substr(0, 2) == u"*D" && name[2] >= u'0' && name[2] <= u'9';
-}
-
 // Smallest distance between dots: pens are slightly wider than the middle of their strokes.
 double cellOfDots(const DRAW_OPTIONS& options) {
   constexpr double share = 0.25;
@@ -176,7 +169,8 @@ RGB_COLOR Walker::colorOf(const CEnt& ent, const ENT_TRAITS& traits) const {
 void Walker::visit(CEntPnt& ent) {
   const CEntInsertBase* insert = m_stack.GetTopMostInsert();
   if (insert && insert->getType() == CEntHatch::kType) return dot(ent.getPnt());
-  if (insert && definesDimension(insert->getBlock())) return;
+  // Programs draw a dimension's definition points only on screen.
+  if (insert && insert->getBlock() && insert->getBlock()->isOfDimension()) return;
   m_points.draw(m_place.apply(ent.getPnt()), m_out);
 }
 

@@ -254,6 +254,11 @@ void CBlock::SetUserInfo(int type, int data) {
   m_userData = data;
 }
 
+bool CBlock::isOfDimension() const {
+  const std::u16string_view name = getName().view();
+  return name.size() > 2 && name.substr(0, 2) == u"*D" && name[2] >= u'0' && name[2] <= u'9';
+}
+
 void CBlock::insertBlock(IHandleGestor& gestor) const {
   auto ent = m_entities.rbegin();
   try {

@@ -2,6 +2,7 @@
 
 #include "vek0core/tables/colors.h"
 
+#include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/blocks/enthatch.h"
 #include "vek0core/entities/blocks/entinsert.h"
 #include "vek0core/tables/layer.h"
@@ -34,8 +35,11 @@ CLayer* CEntInsertStackState::ResolveLayer(const CEnt& ent) const {
 bool CEntInsertStackState::IsOnShownLayer(const CEnt& ent) const {
   const CLayer* layer = ResolveLayer(ent);
   if (layer == nullptr) return true;
-  const bool isInsert = ent.getEntInsert() != nullptr && ent.getType() != CEntHatch::kType;
-  return !layer->isFrozen() && (!layer->isOff() || isInsert);
+  if (layer->isFrozen()) return false;
+  if (!layer->isOff()) return true;
+  const CEntInsertBase* insert = ent.getEntInsert();
+  if (insert == nullptr || ent.getType() == CEntHatch::kType) return false;
+  return insert->getBlock() == nullptr || !insert->getBlock()->isOfDimension();
 }
 
 short CEntInsertStackState::ResolveColor(const CEnt& ent) const {

@@ -74,6 +74,9 @@ class VEK0_API CBlock : public CNamedItem {
   bool isSheet() const { return m_isSheet; }
   void setSheet(bool isSheet) { m_isSheet = isSheet; }  ///< for `CLayout`
 
+  /// Whether it is the content of a dimension: its name is "*D" and a number.
+  bool isOfDimension() const;
+
   /// Appends an entity that is already relative to the base point.
   void restore(CEnt* ent);
 

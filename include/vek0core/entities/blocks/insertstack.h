@@ -47,7 +47,7 @@ class VEK0_API CEntInsertStackState {
   /// outside all inserts.
   CLayer* ResolveLayer(const CEnt& ent) const;
   /// Whether that layer is neither frozen nor off. Turning off the layer of an insert does not hide
-  /// its content, which is on layers of its own.
+  /// its content, which is on layers of its own; that of a dimension is hidden.
   bool IsOnShownLayer(const CEnt& ent) const;
   /// Its effective color index; 7 if there is no layer.
   short ResolveColor(const CEnt& ent) const;
