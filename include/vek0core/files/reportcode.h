@@ -96,7 +96,7 @@ enum class ReportCode : std::uint8_t {
   UnitDropped,            ///< a unit stated by the header; for the drawing's see `CFileDXFIResult`
   SettingDropped,  ///< another variable that is not at its default: $INSBASE, $FILLMODE, $ATTMODE
                    ///< or $QTEXTMODE
-  BinaryFile,      ///< the file is binary DXF, which is not supported
+  BinaryFile,      ///< the file is binary DXF, which only tolerant reading reads
   DwgFile,         ///< the file is DWG, not DXF
   EmptyFile,       ///< the file is empty
   LimitReached,    ///< more entities than `maxEntities`

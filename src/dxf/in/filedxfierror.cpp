@@ -43,7 +43,7 @@ const zim::Char* ownText(CFileDXFIError::TDXFErrors kind) {
 const zim::Char* formText(CFileDXFIError::Form form) {
   switch (form) {
     case CFileDXFIError::BinaryForm:
-      return u"This is a binary DXF file; only text DXF is read.";
+      return u"This is a binary DXF file; strict reading accepts only text.";
     case CFileDXFIError::DwgForm:
       return u"This is a DWG file, not a DXF file.";
     case CFileDXFIError::EmptyForm:

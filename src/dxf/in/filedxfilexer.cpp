@@ -10,12 +10,14 @@
 #include <algorithm>
 #include <iterator>
 
+#include "dxf/in/binarytext.h"
 #include "files/linereader.h"
 #include "files/number.h"
 #include "vek0core/dxf/in/filedxfierror.h"
 #include "vek0core/files/report.h"
 #include "zim0lang/utf8.h"
 
+using vek0::detail::BinaryText;
 using vek0::detail::LineReader;
 
 namespace {
@@ -116,7 +118,9 @@ void assignUtf8(std::u16string_view units, std::string& out) {
 CFileDXFILexer::CFileDXFILexer(IFile& file, CFileDXFIError* err)
     : m_file(file),
       m_error(err),
-      m_lines(std::make_shared<LineReader>(bytesOf(file), kBlock)),
+      m_bytes(std::make_shared<BinaryText>(bytesOf(file))),
+      m_lines(std::make_shared<LineReader>(
+          [bytes = m_bytes](char* out, long room) { return bytes->read(out, room); }, kBlock)),
       m_string(u"") {}
 
 // Both get their own copy of the value, because its buffer is overwritten when either of them reads
@@ -125,6 +129,7 @@ CFileDXFILexer::CFileDXFILexer(const CFileDXFILexer& other)
     : m_file(other.m_file),
       m_error(other.m_error),
       m_report(other.m_report),
+      m_bytes(other.m_bytes),
       m_lines(other.m_lines),
       m_started(other.m_started),
       m_byBytes(other.m_byBytes),
@@ -168,6 +173,7 @@ void CFileDXFILexer::start() {
 
 void CFileDXFILexer::setTolerant() {
   m_tolerant = true;
+  m_bytes->recognize();
   refuseJunk();
   m_decoder.setSense(true);
 }

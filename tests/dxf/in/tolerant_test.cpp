@@ -1,5 +1,6 @@
 // Input that strict reading rejects and tolerant reading repairs.
 
+#include "dxf/in/savedtext.h"
 #include "support/test.h"
 
 namespace {
@@ -17,11 +18,6 @@ void expectBox(const RECT_3D& box, double x0, double y0, double x1, double y1) {
   EXPECT_NEAR(box.min.y, y0, 1e-9);
   EXPECT_NEAR(box.max.x, x1, 1e-9);
   EXPECT_NEAR(box.max.y, y1, 1e-9);
-}
-
-std::string saved(const Loaded& got) {
-  CFileMemory file(u"saved.dxf", IFile::kWrite);
-  return SaveDXF(got.drawing(), file, kSaveExchange) ? file.bytes() : std::string();
 }
 
 }  // namespace

@@ -1,16 +1,12 @@
 // Tolerant reading of colors, radii, curves, attributes and names.
 
+#include "dxf/in/savedtext.h"
 #include "support/test.h"
 
 namespace {
 
 std::string layers(std::string_view list) {
   return section("TABLES", table("LAYER", pairsOf(list)));
-}
-
-std::string saved(const Loaded& got, unsigned flags) {
-  CFileMemory file(u"saved.dxf", IFile::kWrite);
-  return SaveDXF(got.drawing(), file, flags) ? file.bytes() : std::string();
 }
 
 }  // namespace

@@ -17,6 +17,7 @@ class CFileDXFIError;
 class CFileReport;
 
 namespace vek0::detail {
+class BinaryText;
 class LineReader;
 }
 
@@ -101,7 +102,8 @@ class VEK0_API CFileDXFILexer {
   /// non-empty but does not begin with a number.
   void checkNumber() const;
 
-  /// Enables tolerant reading: lines that cannot be group codes are skipped, keywords may be
+  /// Enables tolerant reading, before the first `read`: binary files are read as the text files with
+  /// the same pairs, two lines each; lines that cannot be group codes are skipped, keywords may be
   /// indented, numbers may have a decimal comma or a D exponent, and texts may be UTF-8 contrary to
   /// the header. The end of the file reads as the pair (0, "EOF"); a last value line without its
   /// line end is then dropped, unless it is that mark itself. All of this is reported.
@@ -142,7 +144,8 @@ class VEK0_API CFileDXFILexer {
   IFile& m_file;
   CFileDXFIError* m_error;
   CFileReport* m_report = nullptr;
-  std::shared_ptr<vek0::detail::LineReader> m_lines;  // shared with copies
+  std::shared_ptr<vek0::detail::BinaryText> m_bytes;  // shared with copies, as is m_lines
+  std::shared_ptr<vek0::detail::LineReader> m_lines;
   bool m_started = false;
   bool m_byBytes = false;  // known once started
   bool m_tolerant = false;

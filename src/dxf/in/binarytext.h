@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "files/linereader.h"
+
+namespace vek0::detail {
+
+/// Passes on the bytes of a file, and those of binary DXF as the lines that a text file with the
+/// same pairs would have, so that only this class knows binary files. Control characters in texts
+/// become carets and a letter, as in text files. Binary chunks become hexadecimal digits.
+class BinaryText {
+ public:
+  explicit BinaryText(LineReader::Source source) : m_source(std::move(source)) {}
+
+  /// Lets it recognize binary files, which it passes on as they are otherwise. Call it before the
+  /// first `read`.
+  void recognize() { m_recognizes = true; }
+  bool isBinary() const { return m_isBinary; }
+
+  /// As `LineReader::Source`. A binary file that is cut, or that has a code out of range, ends
+  /// after the last pair that is complete.
+  long read(char* out, long room);
+
+ private:
+  long start();
+  bool convert();
+  bool convertPair();
+  bool takeCode();
+  bool takeText();
+  bool takeChunk();
+  bool have(std::size_t count);
+  long fill();
+  std::string_view rest() const { return std::string_view(m_raw).substr(m_position); }
+
+  LineReader::Source m_source;
+  bool m_recognizes = false, m_started = false, m_isBinary = false;
+  bool m_isWide = false;   // group codes have two bytes
+  bool m_inText = false;   // within a text
+  bool m_isEnded = false;  // nothing more to convert
+  long m_code = 0;
+  std::string m_raw;  // read and, from m_position on, not yet passed on or converted
+  std::size_t m_position = 0;
+  std::string m_text;  // converted and, from m_passed on, not yet passed on
+  std::size_t m_passed = 0;
+};
+
+}  // namespace vek0::detail
