@@ -19,7 +19,7 @@ class CFileReport;
 namespace vek0::detail {
 class BinaryText;
 class LineReader;
-}
+}  // namespace vek0::detail
 
 /// Splits a file into pairs of group code and value.
 ///
@@ -102,11 +102,11 @@ class VEK0_API CFileDXFILexer {
   /// non-empty but does not begin with a number.
   void checkNumber() const;
 
-  /// Enables tolerant reading, before the first `read`: binary files are read as the text files with
-  /// the same pairs, two lines each; lines that cannot be group codes are skipped, keywords may be
-  /// indented, numbers may have a decimal comma or a D exponent, and texts may be UTF-8 contrary to
-  /// the header. The end of the file reads as the pair (0, "EOF"); a last value line without its
-  /// line end is then dropped, unless it is that mark itself. All of this is reported.
+  /// Enables tolerant reading, before the first `read`: binary files are read as the text files
+  /// with the same pairs, two lines each; lines that cannot be group codes are skipped, keywords
+  /// may be indented, numbers may have a decimal comma or a D exponent, and texts may be UTF-8
+  /// contrary to the header. The end of the file reads as the pair (0, "EOF"); a last value line
+  /// without its line end is then dropped, unless it is that mark itself. All of this is reported.
   void setTolerant();
   /// Treats the current position as the end of the file, without a report entry.
   void stop() { m_stopped = true; }
