@@ -23,6 +23,21 @@ double heightOf(TextRule rule) {
   return rule == TextRule::Over ? kRuleOver : kRuleUnder;
 }
 
+// The directions of a text of that height unit.
+AFFINE_2D axesOf(const CTextContext& context, double unit, const Placement& place) {
+  const double k = context.getHeight() / unit;
+  const double c = std::cos(context.getRotate()) * k, s = std::sin(context.getRotate()) * k;
+  const double slant = std::tan(context.getOblique()), wide = context.getWidthScale();
+  const PNT_2D x = place.direction(c * wide, s * wide);
+  const PNT_2D y = place.direction(slant * c - s, slant * s + c);
+  return {x.x, x.y, y.x, y.y, 0, 0};
+}
+
+void moveTo(const PNT_2D& base, DrawText& run) {
+  run.matrix.e = base.x;
+  run.matrix.f = base.y;
+}
+
 }  // namespace
 
 void Walker::visit(CEntText& ent) { drawText(ent.getText(), m_place); }
@@ -41,33 +56,61 @@ void Walker::text(const TEXT_3D& element) { drawText(element, m_drawing); }
 
 // Justified as displayed, without its codes.
 void Walker::drawText(const TEXT_3D& text, const Placement& place) {
-  CTextContext context = text.getContext();
-  const DecodedText decoded = decodeTextCodes(context.getString());
+  const DecodedText decoded = decodeTextCodes(text.getContext().getString());
   if (decoded.string.empty()) return;
+  TEXT_3D seen(text);
+  CTextContext context = text.getContext();
   context.setString(decoded.string);
+  seen.setContext(context);
   const CStyle* style = text.getStyle();
-  const TEXT_3D seen(context, text.getStyle(), text.x, text.y, text.z, text.getAlign());
-  const double unit = heightUnit(fontOf(style)), k = context.getHeight() / unit;
-  const double c = std::cos(context.getRotate()) * k, s = std::sin(context.getRotate()) * k;
-  const double slant = std::tan(context.getOblique()), wide = context.getWidthScale();
-  const PNT_2D x = place.direction(c * wide, s * wide);
-  const PNT_2D y = place.direction(slant * c - s, slant * s + c);
-  const PNT_2D base = place.apply(seen.getBasePoint());
+  const double unit = heightUnit(fontOf(style));
   DrawText run;
   run.string = &decoded.string;
   run.font = style ? style->getFont() : nullptr;
   run.bold = style && style->isBold();
   run.italic = style && style->isItalic();
-  run.matrix = {x.x, x.y, y.x, y.y, base.x, base.y};
+  run.matrix = axesOf(seen.getShownContext(), unit, place);
+  moveTo(place.apply(seen.getBasePoint()), run);
   const double height = std::hypot(run.matrix.c, run.matrix.d) * unit;
   if (m_out.isUnfolding() && height < m_options.finestDetail && isCoarse()) {
     m_out.noteSimplified();
     m_out.charge(static_cast<double>(decoded.string.view().size()));
+    if (seen.isVertical()) return strokeColumn(seen, place);
     return drawRule(run, 0, decoded.string.view().size(), kRuleThrough * unit);
   }
+  if (seen.isVertical()) return drawStack(run, seen, decoded.ruled, place);
   m_out.text(run);
   for (const RuledStretch& ruled : decoded.ruled)
     drawRule(run, ruled.first, ruled.end, heightOf(ruled.rule) * unit);
+}
+
+// Every character is a text.
+void Walker::drawStack(DrawText run, const TEXT_3D& text, const std::vector<RuledStretch>& ruled,
+                       const Placement& place) {
+  const zim::WString& string = text.getContext().getString();
+  const double unit = heightUnit(fontOf(text.getStyle()));
+  for (const STACKED_CHARACTER& c : text.getStack()) {
+    const zim::WString character(string.view().substr(c.first, c.end - c.first));
+    run.string = &character;
+    moveTo(place.apply(c.base), run);
+    m_out.text(run);
+    for (const RuledStretch& rule : ruled) {
+      if (rule.first <= c.first && c.first < rule.end)
+        drawRule(run, 0, character.view().size(), heightOf(rule.rule) * unit);
+    }
+  }
+}
+
+// The column as a line.
+void Walker::strokeColumn(const TEXT_3D& text, const Placement& place) {
+  PNT_3D corners[4];
+  text.getExtremes(corners);
+  m_device.clear();
+  for (const int i : {0, 2}) {
+    const PNT_2D a = place.apply(corners[i]), b = place.apply(corners[i + 1]);
+    m_device.emplace_back((a.x + b.x) / 2, (a.y + b.y) / 2);
+  }
+  m_out.stroke(m_device, false);
 }
 
 void Walker::drawRule(const DrawText& run, std::size_t first, std::size_t end, double y) {

@@ -1,30 +1,21 @@
 #include "vek0paint/fonts.h"
 
 #include <fontconfig/fontconfig.h>
-#include <ft2build.h>
 
 #include <algorithm>
 #include <string_view>
 #include <utility>
 
+#include "shaping.h"
 #include "vek0core/drawing/data.h"
 #include "vek0host/textvalues.h"
 #include "zim0lang/utf8.h"
-#include FT_FREETYPE_H
-#include FT_OUTLINE_H
 
 namespace vek0::paint {
 namespace {
 
 constexpr const char* kTechnicalFamily = "osifont";
 constexpr const char* kFallbackFamily = "DejaVu Sans";
-// Default capital height of a face that does not state it, relative to the em square.
-constexpr double kUsualCapHeight = 0.7;
-// Synthetic bold grows by one part in `kBoldPart` of the em square; synthetic italic slants by
-// `kItalicSlope`.
-constexpr long kBoldPart = 24;
-// About 12 degrees, the usual slant of italics.
-constexpr double kItalicSlope = 0.2126;
 
 // Font files and their families; stroke fonts end in ".shx" and need no entry.
 constexpr struct {
@@ -108,34 +99,6 @@ Pattern newPattern() {
   return pattern;
 }
 
-PNT_2D toPoint(const FT_Vector* v) {
-  return {static_cast<double>(v->x), static_cast<double>(v->y)};
-}
-
-// Receives the segments of a glyph's outline from FreeType.
-struct OutlineBuilder {
-  GLYPH_OUTLINE& out;
-
-  int add(GLYPH_OUTLINE::Step step, std::initializer_list<const FT_Vector*> points) {
-    out.steps.push_back(step);
-    for (const FT_Vector* point : points) out.points.push_back(toPoint(point));
-    return 0;
-  }
-  static int move(const FT_Vector* to, void* self) {
-    return static_cast<OutlineBuilder*>(self)->add(GLYPH_OUTLINE::Move, {to});
-  }
-  static int line(const FT_Vector* to, void* self) {
-    return static_cast<OutlineBuilder*>(self)->add(GLYPH_OUTLINE::Line, {to});
-  }
-  static int quad(const FT_Vector* control, const FT_Vector* to, void* self) {
-    return static_cast<OutlineBuilder*>(self)->add(GLYPH_OUTLINE::Quad, {control, to});
-  }
-  static int cubic(const FT_Vector* control1, const FT_Vector* control2, const FT_Vector* to,
-                   void* self) {
-    return static_cast<OutlineBuilder*>(self)->add(GLYPH_OUTLINE::Cubic, {control1, control2, to});
-  }
-};
-
 // Passes a glyph's contours to the sink, with mapped points.
 void emitGlyph(const GLYPH_OUTLINE& glyph, const AFFINE_2D& map, IOutlineSink& sink) {
   const PNT_2D* p = glyph.points.data();
@@ -169,87 +132,6 @@ void emitGlyph(const GLYPH_OUTLINE& glyph, const AFFINE_2D& map, IOutlineSink& s
 
 }  // namespace
 
-/// One face of the system with the glyphs used so far, in its design units.
-class Face {
- public:
-  Face(FT_Face face, FACE_FILE file, bool bold, bool italic)
-      : m_face(face),
-        m_file(std::move(file)),
-        m_makeBold(bold && (face->style_flags & FT_STYLE_FLAG_BOLD) == 0),
-        m_makeItalic(italic && (face->style_flags & FT_STYLE_FLAG_ITALIC) == 0),
-        m_capHeight(measureCapitals()) {
-    if (m_makeBold) m_file.boldness = 1.0 / kBoldPart;
-    if (m_makeItalic) m_file.slant = kItalicSlope;
-  }
-  ~Face() { FT_Done_Face(m_face); }
-  Face(const Face&) = delete;
-  Face& operator=(const Face&) = delete;
-
-  const FACE_FILE& file() const { return m_file; }
-  double capHeight() const { return m_capHeight; }
-  double descent() const { return std::max(0.0, -static_cast<double>(m_face->descender)); }
-  double unitsPerEm() const { return m_face->units_per_EM; }
-  std::string family() const { return m_face->family_name ? m_face->family_name : "sans-serif"; }
-
-  /// 0 for a character that the face lacks; glyph 0 represents missing ones.
-  FT_UInt index(char32_t character) const { return FT_Get_Char_Index(m_face, character); }
-
-  const GLYPH_OUTLINE& glyph(FT_UInt index) {
-    // Outlines are loaded once; drawings repeat few characters many times.
-    const auto [found, isNew] = m_glyphs.try_emplace(index);
-    if (isNew) load(index, found->second);
-    return found->second;
-  }
-
-  double kerning(FT_UInt left, FT_UInt right) const {
-    FT_Vector delta{0, 0};
-    if (left == 0 || !FT_HAS_KERNING(m_face) ||
-        FT_Get_Kerning(m_face, left, right, FT_KERNING_UNSCALED, &delta) != 0) {
-      return 0;
-    }
-    return static_cast<double>(delta.x);
-  }
-
- private:
-  void load(FT_UInt index, GLYPH_OUTLINE& glyph) {
-    if (FT_Load_Glyph(m_face, index, FT_LOAD_NO_SCALE) != 0) return;
-    FT_GlyphSlot slot = m_face->glyph;
-    glyph.advance = static_cast<double>(slot->metrics.horiAdvance);
-    if (slot->format != FT_GLYPH_FORMAT_OUTLINE) return;
-    if (m_makeBold) {
-      const FT_Pos strength = m_face->units_per_EM / kBoldPart;
-      FT_Outline_Embolden(&slot->outline, strength);
-      // Combining marks have no advance and must not get any.
-      if (glyph.advance > 0) glyph.advance += static_cast<double>(strength);
-    }
-    OutlineBuilder builder{glyph};
-    const FT_Outline_Funcs steps = {OutlineBuilder::move,
-                                    OutlineBuilder::line,
-                                    OutlineBuilder::quad,
-                                    OutlineBuilder::cubic,
-                                    0,
-                                    0};
-    FT_Outline_Decompose(&slot->outline, &steps, &builder);
-    if (!m_makeItalic) return;
-    for (PNT_2D& p : glyph.points) p.x += kItalicSlope * p.y;
-  }
-
-  double measureCapitals() {
-    // Measured, because not all faces state it.
-    if (const FT_UInt h = index(U'H'); h != 0 && FT_Load_Glyph(m_face, h, FT_LOAD_NO_SCALE) == 0) {
-      const auto top = static_cast<double>(m_face->glyph->metrics.horiBearingY);
-      if (top > 0) return top;
-    }
-    return kUsualCapHeight * std::max<double>(1, m_face->units_per_EM);
-  }
-
-  FT_Face m_face;
-  FACE_FILE m_file;
-  bool m_makeBold, m_makeItalic;
-  double m_capHeight;
-  std::unordered_map<FT_UInt, GLYPH_OUTLINE> m_glyphs;
-};
-
 /// State of the two libraries that must outlive all faces.
 struct FontLibrary::System {
   FT_Library freetype = nullptr;
@@ -281,24 +163,53 @@ Face& FaceFont::face(bool bold, bool italic) const {
   return *face;
 }
 
+FaceFont::FaceFont(const zim::WString& name, FontLibrary& library)
+    : OutlineFont(name), m_library(library) {}
+
+FaceFont::~FaceFont() = default;
+
 double FaceFont::getHeightUnit() const { return face(false, false).capHeight(); }
 double FaceFont::getDescent() const { return face(false, false).descent(); }
 double FaceFont::unitsPerEm() const { return face(false, false).unitsPerEm(); }
 std::string FaceFont::family() const { return face(false, false).family(); }
 
-// Visits every glyph with its position on the baseline, its scale and its character; returns the
-// width.
+struct FaceFont::LINE {
+  zim::WString string;
+  const Face* face = nullptr;
+  std::vector<SHAPED_GLYPH> glyphs;
+};
+
+// A glyph on the baseline, in the units of the font.
+struct FaceFont::PLACED {
+  Face& face;
+  FT_UInt index;
+  double x, y, scale;
+  std::u16string_view text;
+  bool isRightToLeft;
+};
+
+// Visits every glyph from left to right; returns the width.
 template <class Visit>
 double FaceFont::walk(const zim::WString& text, Face& primary, Visit&& visit) const {
+  return isSimple(text) ? walkSimple(text, primary, visit) : walkShaped(text, primary, visit);
+}
+
+template <class Visit>
+double FaceFont::walkSimple(const zim::WString& text, Face& primary, Visit&& visit) const {
   // The unit is the upright face's, also for a bold one with other capitals.
   const double unit = getHeightUnit();
   double x = 0;
   FT_UInt last = 0;
   const Face* lastFace = nullptr;
   for (std::u16string_view rest = text; !rest.empty();) {
+    const std::u16string_view from = rest;
     char32_t character = zim::takeUtf16(rest);
+    std::u16string_view shown = from.substr(0, from.size() - rest.size());
     // Control characters have no glyph and occupy a blank.
-    if (character < U' ') character = U' ';
+    if (character < U' ') {
+      character = U' ';
+      shown = u" ";
+    }
     Face* face = &primary;
     FT_UInt index = face->index(character);
     // Characters missing in the font are taken from another one.
@@ -309,7 +220,7 @@ double FaceFont::walk(const zim::WString& text, Face& primary, Visit&& visit) co
     const double scale = unit / face->capHeight();
     // Kerning is defined only between glyphs of one face.
     if (face == lastFace) x += scale * face->kerning(last, index);
-    visit(*face, index, x, scale, character);
+    visit(PLACED{*face, index, x, 0, scale, shown, false});
     x += scale * face->glyph(index).advance;
     last = index;
     lastFace = face;
@@ -317,30 +228,53 @@ double FaceFont::walk(const zim::WString& text, Face& primary, Visit&& visit) co
   return x;
 }
 
+template <class Visit>
+double FaceFont::walkShaped(const zim::WString& text, Face& primary, Visit&& visit) const {
+  const double unit = getHeightUnit();
+  double x = 0;
+  for (const SHAPED_GLYPH& glyph : shaped(text, primary)) {
+    const double scale = unit / glyph.face->capHeight();
+    const std::u16string_view shown = text.view().substr(glyph.first, glyph.end - glyph.first);
+    visit(PLACED{*glyph.face, glyph.index, x + scale * glyph.dx, scale * glyph.dy, scale, shown,
+                 glyph.isRightToLeft});
+    x += scale * glyph.advance;
+  }
+  return x;
+}
+
+// A line is measured several times, then drawn.
+const std::vector<SHAPED_GLYPH>& FaceFont::shaped(const zim::WString& text, Face& primary) const {
+  if (m_line && m_line->face == &primary && m_line->string == text) return m_line->glyphs;
+  const auto find = [this](char32_t character) { return m_library.faceWith(character); };
+  m_line = std::make_unique<LINE>(LINE{text, &primary, shapeLine(text, primary, find)});
+  return m_line->glyphs;
+}
+
 double FaceFont::getStringWidth(const zim::WString& text, bool /*horiz*/, bool bold,
                                 bool italic) const {
-  return walk(text, face(bold, italic), [](Face&, FT_UInt, double, double, char32_t) {});
+  return walk(text, face(bold, italic), [](const PLACED&) {});
 }
+
+bool FaceFont::isRightToLeft(const zim::WString& text) const { return paint::isRightToLeft(text); }
 
 std::vector<FACE_GLYPH> FaceFont::glyphs(const DrawText& text) const {
   std::vector<FACE_GLYPH> result;
-  walk(
-      *text.string, face(text.bold, text.italic),
-      [&](Face& face, FT_UInt index, double x, double scale, char32_t character) {
-        result.push_back({&face.file(), index, text.matrix.apply(x, 0), scale * face.unitsPerEm()});
-        zim::appendUtf16(result.back().text, character);
-      });
+  walk(*text.string, face(text.bold, text.italic), [&](const PLACED& glyph) {
+    result.push_back({&glyph.face.file(), glyph.index, text.matrix.apply(glyph.x, glyph.y),
+                      glyph.scale * glyph.face.unitsPerEm(), std::u16string(glyph.text),
+                      glyph.isRightToLeft});
+  });
   return result;
 }
 
 void FaceFont::outline(const DrawText& text, IOutlineSink& sink) const {
   const AFFINE_2D& m = text.matrix;
-  walk(*text.string, face(text.bold, text.italic),
-       [&](Face& face, FT_UInt index, double x, double scale, char32_t) {
-         const PNT_2D at = m.apply(x, 0);
-         emitGlyph(face.glyph(index),
-                   {m.a * scale, m.b * scale, m.c * scale, m.d * scale, at.x, at.y}, sink);
-       });
+  walk(*text.string, face(text.bold, text.italic), [&](const PLACED& glyph) {
+    const PNT_2D at = m.apply(glyph.x, glyph.y);
+    const double scale = glyph.scale;
+    emitGlyph(glyph.face.glyph(glyph.index),
+              {m.a * scale, m.b * scale, m.c * scale, m.d * scale, at.x, at.y}, sink);
+  });
 }
 
 // -- the library ---------------------------------------------------------------------

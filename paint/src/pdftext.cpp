@@ -31,18 +31,26 @@ class RunBuilder {
 
   // Returns false if the glyph belongs to another run.
   bool add(const FACE_GLYPH& glyph) {
-    if (glyph.file != m_first.file || glyph.size != m_first.size) return false;
+    if (glyph.file != m_first.file || glyph.size != m_first.size ||
+        glyph.isRightToLeft != m_first.isRightToLeft) {
+      return false;
+    }
     const PNT_2D step = glyph.at - m_first.at;
     const double area = m_em.a * m_em.d - m_em.b * m_em.c;
     const double x = (m_em.d * step.x - m_em.c * step.y) / area;
     const double y = (m_em.a * step.y - m_em.b * step.x) / area;
     if (!(std::fabs(y) < kOnBaseline)) return false;
-    moveTo(x * kUnitsPerEm);
     const PdfFont::GLYPH& used = m_font.use(glyph.index, glyph.text);
+    const bool differs = used.text != glyph.text;
+    // Readers reverse what they find from right to left, but not all of them a replaced text: it
+    // must be that of a single glyph.
+    const bool isFirst = &glyph == &m_first;
+    if (glyph.isRightToLeft && !isFirst && (differs || m_differs)) return false;
+    moveTo(x * kUnitsPerEm);
     appendUnit(m_run.glyphs, used.code);
     m_pen += used.advance;
     m_text += glyph.text;
-    m_differs = m_differs || used.text != glyph.text;
+    m_differs = m_differs || differs;
     return true;
   }
 

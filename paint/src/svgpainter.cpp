@@ -366,6 +366,8 @@ std::string SvgPainter::textAttributes(const DrawText& text, const OutlineFont& 
                            ",sans-serif\" font-size=\"100\"";
   if (text.bold) attributes += " font-weight=\"bold\"";
   if (text.italic) attributes += " font-style=\"italic\"";
+  // The matrix places the left end.
+  if (font.isRightToLeft(*text.string)) attributes += " direction=\"rtl\" text-anchor=\"end\"";
   if (width > 0) {
     attributes += " textLength=\"" + lengthText(width) + "\" lengthAdjust=\"spacingAndGlyphs\"";
   }

@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "vek0core/tables/font.h"
 #include "vek0core/tables/style.h"
+#include "zim0lang/utf8.h"
 
 using vek0::detail::kPi;
 
@@ -18,8 +20,32 @@ constexpr const zim::Char* s_lpszAlignNames[TEXT_3D::kJustifications] = {
     u"Top center",   u"Top right",   u"Middle left",   u"Middle center",
     u"Middle right", u"Bottom left", u"Bottom center", u"Bottom right"};
 
-long valid(long justification) {
-  return justification >= 0 && justification < TEXT_3D::kJustifications ? justification : 0;
+// In a column, from one baseline to the next, relative to the height: the advance of stroke fonts.
+constexpr double kPitch = 1.5;
+
+// Relative difference of lengths that are the same but for rounding.
+constexpr double kSameLength = 1e-9;
+
+// The rotation of a vertical text can also be the direction of its column, which then stands
+// upright.
+constexpr double kDownward = 1.5 * kPi, kSameAngle = 1e-6;
+
+// Characters that combine with the one before.
+constexpr struct {
+  char32_t first, last;
+} kMarks[] = {{0x0300, 0x036F}, {0x0483, 0x0489}, {0x0591, 0x05C7},  {0x0610, 0x061A},
+              {0x064B, 0x065F}, {0x0670, 0x0670}, {0x06D6, 0x06ED},  {0x1AB0, 0x1AFF},
+              {0x1DC0, 0x1DFF}, {0x200D, 0x200D}, {0x20D0, 0x20FF},  {0x3099, 0x309A},
+              {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F}, {0xE0100, 0xE01EF}};
+
+bool isMark(char32_t c) {
+  return std::any_of(std::begin(kMarks), std::end(kMarks),
+                     [c](const auto& range) { return c >= range.first && c <= range.last; });
+}
+
+std::int32_t valid(long justification) {
+  const bool isValid = justification >= 0 && justification < TEXT_3D::kJustifications;
+  return isValid ? static_cast<std::int32_t>(justification) : 0;
 }
 
 const ICADFont& fontOf(const CStyle* style) {
@@ -56,18 +82,18 @@ TEXT_3D::TEXT_3D(const zim::WString& string, CStyle* style, double px, double py
 
 bool TEXT_3D::operator==(const TEXT_3D& t) const {
   return PNT_3D::operator==(t) && m_style == t.m_style && m_justification == t.m_justification &&
-         m_context == t.m_context;
+         m_context == t.m_context && m_fit == t.m_fit && m_span == t.m_span;
 }
 
-void TEXT_3D::setAlign(long justification) { m_justification = valid(justification); }
+void TEXT_3D::setAlign(long justification) {
+  m_justification = valid(justification);
+  m_fit = TextFit::None;
+  m_span = 0;
+}
 long TEXT_3D::getHorizAlign() const { return s_hAlign[m_justification]; }
 long TEXT_3D::getVertAlign() const { return s_vAlign[m_justification]; }
-void TEXT_3D::setHorizAlign(long horizontal) {
-  m_justification = findJustify(horizontal, getVertAlign());
-}
-void TEXT_3D::setVertAlign(long vertical) {
-  m_justification = findJustify(getHorizAlign(), vertical);
-}
+void TEXT_3D::setHorizAlign(long horizontal) { setAlign(findJustify(horizontal, getVertAlign())); }
+void TEXT_3D::setVertAlign(long vertical) { setAlign(findJustify(getHorizAlign(), vertical)); }
 
 long TEXT_3D::findJustify(long horizontal, long vertical) {
   for (long i = 0; i < kJustifications; ++i) {
@@ -83,8 +109,41 @@ zim::WString TEXT_3D::getAlignName(long justification) {
 // Drawing units per font unit.
 double TEXT_3D::unitScale() const { return m_context.getHeight() / heightUnitOf(m_style); }
 
+void TEXT_3D::setFit(TextFit fit, double length) {
+  setAlign(0);
+  const double span = length / std::fabs(m_context.getHeight() * m_context.getWidthScale());
+  if (fit == TextFit::None || !(span > 0) || !std::isfinite(span)) return;
+  m_fit = fit;
+  m_span = span;
+}
+
+double TEXT_3D::getFitLength() const {
+  return m_span * std::fabs(m_context.getHeight() * m_context.getWidthScale());
+}
+
+// Factor by which the fit changes the length of the string.
+double TEXT_3D::stretch() const {
+  if (m_fit == TextFit::None || isVertical()) return 1;
+  const double width = widthOf(m_style, m_context.getString());
+  const double factor = m_span * heightUnitOf(m_style) / width;
+  // Without rounding if the text has its length already.
+  const bool isNone =
+      !(factor > 0) || !std::isfinite(factor) || std::fabs(factor - 1) < kSameLength;
+  return isNone ? 1 : factor;
+}
+
+CTextContext TEXT_3D::getShownContext() const {
+  CTextContext shown(m_context);
+  if (m_fit == TextFit::Width) shown.setWidthScale(shown.getWidthScale() * stretch());
+  if (m_fit == TextFit::Size) shown.setHeight(shown.getHeight() * stretch());
+  const double turn = std::remainder(shown.getRotate() - kDownward, 2 * kPi);
+  if (isVertical() && std::fabs(turn) < kSameAngle) shown.setRotate(0);
+  return shown;
+}
+
 double TEXT_3D::getStringLength() const {
-  return widthOf(m_style, m_context.getString()) * m_context.getWidthScale() * unitScale();
+  return widthOf(m_style, m_context.getString()) * m_context.getWidthScale() * unitScale() *
+         stretch();
 }
 
 void TEXT_3D::getDeltaXY(double& dx, double& dy) const {
@@ -120,19 +179,67 @@ PNT_3D TEXT_3D::getBasePoint() const {
   return {x + dx, y + dy, z};
 }
 
+bool TEXT_3D::isVertical() const { return m_style && m_style->isHoriz(); }
+
+double TEXT_3D::widthOfPart(std::size_t first, std::size_t end) const {
+  const zim::WString part(m_context.getString().view().substr(first, end - first));
+  return widthOf(m_style, part) * m_context.getWidthScale() * unitScale();
+}
+
+// From the top of a column to its last baseline.
+double TEXT_3D::columnLength(std::size_t count) const {
+  return m_context.getHeight() * (kPitch * static_cast<double>(count) - (kPitch - 1));
+}
+
+std::vector<STACKED_CHARACTER> TEXT_3D::getStack() const {
+  std::vector<STACKED_CHARACTER> stack;
+  const std::u16string_view string = m_context.getString();
+  for (std::u16string_view rest = string; !rest.empty();) {
+    const std::size_t at = string.size() - rest.size();
+    const bool combines = isMark(zim::takeUtf16(rest)) && !stack.empty();
+    if (!combines) stack.push_back({at, at, *this});
+    stack.back().end = string.size() - rest.size();
+  }
+  const CTextContext shown = getShownContext();
+  const double height = shown.getHeight(), slant = std::tan(shown.getOblique());
+  double up = columnLength(stack.size()) * static_cast<double>(getHorizAlign()) / 2 - height;
+  for (STACKED_CHARACTER& character : stack) {
+    const double width = widthOfPart(character.first, character.end);
+    character.base.set(x - width / 2 + up * slant, y + up, z);
+    character.base.rotate(*this, shown.getRotate());
+    up -= kPitch * height;
+  }
+  return stack;
+}
+
+// As wide as the widest character.
+TEXT_3D::Box TEXT_3D::columnBox() const {
+  const std::vector<STACKED_CHARACTER> stack = getStack();
+  double half = 0;
+  for (const STACKED_CHARACTER& c : stack)
+    half = std::max(half, std::fabs(widthOfPart(c.first, c.end)) / 2);
+  const double length = columnLength(stack.size());
+  const double top = length * static_cast<double>(getHorizAlign()) / 2;
+  return {-half, half, top - length - fontOf(m_style).getDescent() * unitScale(), top};
+}
+
 void TEXT_3D::getExtremes(PNT_3D* corners) const {
   if (m_context.getString().empty()) {
     std::fill_n(corners, 4, PNT_3D(*this));
     return;
   }
-  const PNT_3D base = getBasePoint();
+  const CTextContext shown = getShownContext();
+  const double height = shown.getHeight();
+  const double descent = fontOf(m_style).getDescent() * (height / heightUnitOf(m_style));
+  const Box box = isVertical() ? columnBox() : Box{0, getStringLength(), -descent, height};
+  const PNT_3D base = isVertical() ? PNT_3D(*this) : getBasePoint();
+  const double along[4] = {box.left, box.right, box.right, box.left};
+  const double up[4] = {box.low, box.low, box.high, box.high};
   // Obliqueness slants the text about its baseline.
-  const double length = getStringLength(), slant = std::tan(m_context.getOblique());
-  const double low = -fontOf(m_style).getDescent() * unitScale(), high = m_context.getHeight();
-  const double along[4] = {0, length, length, 0}, up[4] = {low, low, high, high};
+  const double slant = std::tan(shown.getOblique());
   for (int i = 0; i < 4; ++i) {
     corners[i].set(base.x + along[i] + up[i] * slant, base.y + up[i], z);
-    corners[i].rotate(base, m_context.getRotate());
+    corners[i].rotate(base, shown.getRotate());
   }
 }
 

@@ -41,6 +41,29 @@ TEST(Texts, AllJustifications) {
   }
 }
 
+// At the top, in the middle and at the bottom of the column, with marks on their letters.
+TEST(Texts, VerticalStyles) {
+  for (const long i : rounds<long>(3)) {
+    Scene scene;
+    getStyleStandard(*scene.data)->setHoriz(true);
+    const Recorder drawn = draw(scene, u"ae\u0301c", 0, 1, i == 0 ? 1.5 * kPi : 0, i);
+    ASSERT_EQ(drawn.things.size(), 3U);
+    const std::string letters[] = {"a", "e\xCC\x81", "c"};
+    const double length = 10 * (1 + 2 * 1.5), top = 500 + length * static_cast<double>(i) / 2;
+    for (std::size_t k = 0; k < 3; ++k) {
+      const Thing& letter = drawn.things[k];
+      EXPECT_EQ(letter.string, letters[k]);
+      const double y = top - 15 * static_cast<double>(k);
+      const PNT_2D middle = letter.matrix.apply(kAdvance * (k == 1 ? 2 : 1) / 2, 1);
+      EXPECT_LT(PNT_2D(middle.x, 1000 - middle.y).dist(PNT_2D(500, y)), 1e-9) << i;
+    }
+    const RECT_3D box = scene.data->getEntTable().getEntityTbl().front()->getBdry();
+    EXPECT_NEAR(box.max.y, top, 1e-9);
+    EXPECT_NEAR(box.min.y, top - length - 10 * kDescent, 1e-9);
+    EXPECT_NEAR(box.max.x, 509, 1e-9) << "as wide as the letter with its mark";
+  }
+}
+
 TEST(Texts, HeightWidthAndDirection) {
   for (const Row& t : rows()) {
     Scene scene;

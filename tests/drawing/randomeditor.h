@@ -50,7 +50,11 @@ class RandomEditor {
                : (*of)[static_cast<unsigned>(number(static_cast<int>(of->size())))];
   }
   CEnt* anyEntity() { return number(4) == 0 ? entityOf(block()) : entity(); }
-  TEXT_3D text() { return TEXT_3D(name("text "), style(), coordinate(), 1, 0, 2, 0, 1, 0.5, 0); }
+  TEXT_3D text() {
+    TEXT_3D text(name("text "), style(), coordinate(), 1, 0, 2, 0, 1, 0.5, 0);
+    text.setFit(static_cast<TextFit>(number(3)), 7);
+    return text;
+  }
   void touch(CEnt& ent) {
     ent.calcBdry();
     if (CBlock* owner = ent.getOwnerBlock()) owner->invalidateBdry();

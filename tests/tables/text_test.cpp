@@ -171,6 +171,29 @@ TEST(TextExtents, ReachFromTheDescentToTheHeight) {
   }
 }
 
+// In any font, and after the string or the proportions change.
+TEST(TextFits, SpanTheirLength) {
+  const MetricFont font;
+  const auto style = vek0::test::style(&font);
+  for (const bool isWidth : {true, false}) {
+    TEXT_3D text = placed(nullptr, 3);
+    text.setFit(isWidth ? TextFit::Width : TextFit::Size, 36);
+    EXPECT_EQ(text.getAlign(), 0);
+    text.setStyle(style.get());  // 10 long at height 4
+    EXPECT_DOUBLE_EQ(text.getStringLength(), 36);
+    EXPECT_DOUBLE_EQ(text.getShownContext().getHeight(), isWidth ? 4 : 4 * 3.6);
+    EXPECT_DOUBLE_EQ(text.getShownContext().getWidthScale(), isWidth ? 3.6 : 1);
+    text.setContext(CTextContext(2, 0, -3, 0, u"a longer string"));
+    EXPECT_DOUBLE_EQ(text.getStringLength(), -36 * 3 / 2.0) << "follows height and width factor";
+    text.setContext(CTextContext(2, 0, 3, 0, u""));
+    EXPECT_EQ(text.getStringLength(), 0);
+    for (const double length : {0.0, -1.0, std::nan(""), HUGE_VAL}) {
+      text.setFit(TextFit::Size, length);
+      EXPECT_EQ(text.getFit(), TextFit::None);
+    }
+  }
+}
+
 // Rotating, scaling and measuring commute.
 TEST(TextTransforms, CornersFollow) {
   constexpr unsigned kSeed = 3;
@@ -180,9 +203,9 @@ TEST(TextTransforms, CornersFollow) {
   const MetricFont font;
   const auto style = vek0::test::style(&font);
   for (int round = 0; round < 200; ++round) {
-    const TEXT_3D text(u"abcd", style.get(), coordinate(random), coordinate(random),
-                       coordinate(random), 4, slant(random), factor(random), angle(random),
-                       static_cast<long>(random() % 12));
+    TEXT_3D text(u"abcd", style.get(), coordinate(random), coordinate(random), coordinate(random),
+                 4, slant(random), factor(random), angle(random), static_cast<long>(random() % 12));
+    if (round % 3 > 0) text.setFit(static_cast<TextFit>(round % 3), 1 + round);
     const PNT_3D center(coordinate(random), coordinate(random), coordinate(random));
     const double turn = angle(random), f = factor(random);
     TEXT_3D turned(text), scaled(text);
@@ -210,6 +233,7 @@ TEST(Text, EqualityIsExact) {
     void (*change)(TEXT_3D&);
   } changes[] = {
       {"point", [](TEXT_3D& t) { t.z = 4; }},
+      {"length to span", [](TEXT_3D& t) { t.setFit(TextFit::Size, 1); }},
       {"style", [](TEXT_3D& t) { t.setStyle(nullptr); }},
       {"justification", [](TEXT_3D& t) { t.setAlign(4); }},
       {"letter case", [](TEXT_3D& t) { t.setContext(CTextContext(4, 0, 1, 0, u"abcD")); }},

@@ -163,8 +163,11 @@ TEST_F(Render, PdfsLookLikeImagesAndHaveTexts) {
     ASSERT_EQ(std::system((at + "pdftocairo -singlefile -png -r 150 a.pdf b").c_str()), 0);
     EXPECT_LT(differenceOf(path("a.png"), path("b.png")), 0.004) << name;
   }
-  write("t.dxf", drawingWith("0\nTEXT\n8\nA\n10\n0\n20\n0\n40\n5\n1\nCaf\xE9 \xD8 (12)\n"));
+  write("t.dxf", drawingWith("0\nTEXT\n8\nA\n10\n0\n20\n0\n40\n5\n1\nCaf\xE9 \xD8 (12)\n"
+                             "0\nTEXT\n8\nA\n10\n0\n20\n-9\n40\n5\n1\n\\U+0645\\U+0631\\U+062D\n"));
   run("render t.dxf -o t.pdf");
   ASSERT_EQ(std::system((at + "pdftotext t.pdf t.txt").c_str()), 0);
   EXPECT_EQ(contents(path("t.txt")).substr(0, 13), "Caf\xC3\xA9 \xC3\x98 (12)");
+  EXPECT_NE(contents(path("t.txt")).find("\xD9\x85\xD8\xB1\xD8\xAD"), std::string::npos)
+      << "Arabic in logical order";
 }

@@ -27,6 +27,23 @@ TEST_F(Render, SvgKeepsTheGeometry) {
   EXPECT_EQ(xml.byId("hC1")->attributes.at("r"), "50");
 }
 
+// The same as their glyphs from left to right, with any reordering overridden.
+TEST_F(Render, TextsAreOrderedAndShaped) {
+  const auto shapeOf = [&](const std::string& string) {
+    write("a.dxf", drawingWith("0\nTEXT\n5\nA7\n8\nB\n10\n0\n20\n0\n40\n5\n1\n" + string + "\n"));
+    run("render a.dxf -f -o a.svg --text outlines");
+    const XmlReader xml(contents(path("a.svg")));
+    return xml.byId("hA7") ? xml.byId("hA7")->attributes.at("d") : "nothing";
+  };
+  for (const Row& t : rows())
+    EXPECT_EQ(shapeOf(t.text("text")), shapeOf("\\U+202D" + t.text("glyphs")));
+  run("render a.dxf -f -o a.svg");
+  EXPECT_EQ(contents(path("a.svg")).find("rtl"), std::string::npos);
+  shapeOf("12 \\U+05D0 a");
+  run("render a.dxf -f -o a.svg");
+  EXPECT_NE(contents(path("a.svg")).find("direction=\"rtl\""), std::string::npos);
+}
+
 // Cutting machines need a path whole, closed, and with its arcs.
 TEST_F(Render, PolylinesStayClosedAndKeepTheirArcs) {
   const char* const corners[] = {"0\n20\n0", "10\n20\n0\n42\n1", "10\n20\n10", "0\n20\n10\n42\n1"};

@@ -14,6 +14,7 @@ namespace vek0::paint {
 
 class Face;
 class FontLibrary;
+struct SHAPED_GLYPH;
 
 /// Outline of a glyph in the units of its face, y upwards: closed contours, each begun
 /// by a `Move`.
@@ -31,6 +32,7 @@ struct GLYPH_OUTLINE {
 /// Bold and italic faces are searched on first use; a family without them is emboldened and slanted
 /// synthetically. A character that the face lacks is taken from another one, scaled to the same
 /// capital height. Strings are measured and drawn by the same traversal, so the results agree.
+/// Scripts that need it are ordered and shaped.
 class FaceFont final : public OutlineFont {
  public:
   double getHeightUnit() const override;
@@ -42,18 +44,29 @@ class FaceFont final : public OutlineFont {
   void outline(const DrawText& text, IOutlineSink& sink) const override;
   std::string family() const override;
   double unitsPerEm() const override;
+  bool isRightToLeft(const zim::WString& text) const override;
+
+  ~FaceFont() override;
 
  private:
   friend class FontLibrary;
-  FaceFont(const zim::WString& name, FontLibrary& library)
-      : OutlineFont(name), m_library(library) {}
+  struct LINE;
+  struct PLACED;
+
+  FaceFont(const zim::WString& name, FontLibrary& library);
 
   Face& face(bool bold, bool italic) const;
   template <class Visit>
   double walk(const zim::WString& text, Face& face, Visit&& visit) const;
+  template <class Visit>
+  double walkSimple(const zim::WString& text, Face& face, Visit&& visit) const;
+  template <class Visit>
+  double walkShaped(const zim::WString& text, Face& face, Visit&& visit) const;
+  const std::vector<SHAPED_GLYPH>& shaped(const zim::WString& text, Face& face) const;
 
   FontLibrary& m_library;
   mutable Face* m_faces[4] = {};
+  mutable std::unique_ptr<LINE> m_line;  // the last one that was shaped
 };
 
 /// System fonts as fonts of drawings. Must outlive the drawings that use them and be destroyed

@@ -20,10 +20,11 @@ struct FACE_FILE {
 /// A glyph of a text, on the device.
 struct FACE_GLYPH {
   const FACE_FILE* file = nullptr;
-  unsigned index = 0;        ///< in the file's face
-  PNT_2D at;                 ///< position of its origin
-  double size = 0;           ///< of the em square, in the units of the text
-  std::u16string text = {};  ///< the characters that it shows
+  unsigned index = 0;          ///< in the file's face
+  PNT_2D at;                   ///< position of its origin
+  double size = 0;             ///< of the em square, in the units of the text
+  std::u16string text = {};    ///< the characters that it shows; empty if another glyph shows them
+  bool isRightToLeft = false;  ///< whether the next character is at the left
 };
 
 /// Receives the contours of a text in device coordinates. Each is closed by the next `move` or by
@@ -42,13 +43,15 @@ class OutlineFont : public ICADFont {
  public:
   /// The contours of a text's glyphs.
   virtual void outline(const DrawText& text, IOutlineSink& sink) const = 0;
-  /// The glyphs in the order of the text, for formats that embed fonts; empty if the font is not
-  /// read from a file.
+  /// The glyphs from left to right as displayed, for formats that embed fonts; empty if the font is
+  /// not read from a file.
   virtual std::vector<FACE_GLYPH> glyphs(const DrawText& /*text*/) const { return {}; }
   /// Name of the font's family in UTF-8.
   virtual std::string family() const = 0;
   /// Size of the em square in font units, which other programs call the font size.
   virtual double unitsPerEm() const = 0;
+  /// Whether a line begins at its right end. Default: false.
+  virtual bool isRightToLeft(const zim::WString& /*text*/) const { return false; }
 
  protected:
   using ICADFont::ICADFont;

@@ -271,6 +271,7 @@ void CFileDXFOVisitor::txt_visit(const SavedText& text, long stringCode, long ve
   m_writer.write(72, text.horizontal);
   m_writer.write(verticalCode, text.vertical);
   writePoint(1, text.insertion);
+  if (text.losesFit) report(ReportCode::TextFitted, "TEXT");
 }
 
 vek0::Handle CFileDXFOVisitor::insert_visit(const CEntInsertBase& ent) {

@@ -62,6 +62,22 @@ ATTRIB_PLACE computedPlace(const CEntInsertBase& insert, const CEntAttrib& attri
   return place;
 }
 
+// From the first point to the second, with the proportions that the text has. The rotation follows
+// from the points as written, so that it stays the same when the file is read and saved.
+void span(const TEXT_3D& text, SavedText& saved) {
+  constexpr long kAligned = 3, kFitted = 5;  // code 72
+  const CTextContext shown = text.getShownContext();
+  saved.height = shown.getHeight();
+  saved.widthScale = shown.getWidthScale();
+  const bool isBackward = saved.widthScale < 0;
+  PNT_3D end(text.getFitLength() * (isBackward ? -1 : 1), 0, 0);
+  end.rotate(PNT_3D(0, 0, 0), saved.rotationRad);
+  saved.insertion = steadyFrom(text + end, text);
+  saved.rotationRad = isBackward ? saved.insertion.angle(text) : text.angle(saved.insertion);
+  saved.horizontal = text.getFit() == TextFit::Width ? kFitted : kAligned;
+  saved.vertical = 0;
+}
+
 }  // namespace
 
 SavedText savedText(const TEXT_3D& text, bool exact) {
@@ -73,6 +89,8 @@ SavedText savedText(const TEXT_3D& text, bool exact) {
   saved.widthScale = context.getWidthScale();
   saved.rotationRad = context.getRotate();
   saved.obliqueRad = context.getOblique();
+  if (text.getFit() != TextFit::None && exact) span(text, saved);
+  saved.losesFit = text.getFit() != TextFit::None && !exact;
   return saved;
 }
 

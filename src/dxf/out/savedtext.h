@@ -15,8 +15,10 @@ struct SavedText {
   const zim::WString* string;  ///< borrowed
   const CStyle* style;         ///< borrowed, may be null
   PNT_3D base, insertion;      ///< start of the string as drawn, and the point that it is placed at
+                               ///< or, for fitted texts, the end of the string
   double height, widthScale, rotationRad, obliqueRad;
   long horizontal, vertical;
+  bool losesFit = false;  ///< whether it had a length to span
 };
 
 /// `exact` is the number format of the writer.

@@ -148,12 +148,19 @@ TEST(ReadEntities, AlignedAndFittedText) {
         loadEntities("0 TEXT|8 0|1 abc|10 1|20 1|11 1|21 6.4|40 1|50 7|" + t.text("code"));
     const TEXT_3D& text = castText(got.only())->getText();
     EXPECT_EQ(text.getAlign(), 0);
-    EXPECT_POINT(text, 1, 1, 0);
+    EXPECT_POINT(text, 1, t.real("y"), 0);
     EXPECT_DOUBLE_EQ(text.getContext().getHeight(), t.real("height"));
     EXPECT_DOUBLE_EQ(text.getContext().getWidthScale(), t.real("width"));
-    EXPECT_DOUBLE_EQ(text.getContext().getRotate(), kPi / 2);
-    EXPECT_EQ(got.report.count("text fitted"), 1);
+    EXPECT_DOUBLE_EQ(text.getContext().getRotate(), t.real("rotation"));
+    EXPECT_EQ(text.getFit(), t.text("name") == "aligned" ? TextFit::Size : TextFit::Width);
+    EXPECT_DOUBLE_EQ(text.getFitLength(), 5.4);
+    EXPECT_EQ(got.report.count("text fitted"), 0);
   }
+  const Loaded nowhere = loadEntities("0 TEXT|8 0|1 abc|10 1|20 1|11 1|21 1|40 1|50 90|72 5");
+  const TEXT_3D& text = castText(nowhere.only())->getText();
+  EXPECT_EQ(text.getFit(), TextFit::None);
+  EXPECT_NEAR(text.getContext().getRotate(), kPi / 2, kDegreeTolerance);
+  EXPECT_EQ(nowhere.report.count("text fitted"), 1);
 }
 
 // In an attribute, code 73 is the field length; the vertical alignment is in code 74.

@@ -34,7 +34,9 @@ TEXT_3D text(CData& d, std::mt19937_64& random) {
   context.setWidthScale(random() % 4 ? 0.8 : -1);
   context.setOblique(random() % 2 ? 0 : 0.2);
   const PNT_3D at = point(random);
-  return TEXT_3D(context, getStyleStandard(d), at.x, at.y, at.z, static_cast<long>(random() % 12));
+  TEXT_3D text(context, getStyleStandard(d), at.x, at.y, at.z, static_cast<long>(random() % 12));
+  if (random() % 4 == 0) text.setFit(random() % 2 ? TextFit::Width : TextFit::Size, angle(random));
+  return text;
 }
 
 CEntPolyline* polyline(CData& d, CLayer* layer, std::mt19937_64& random) {

@@ -30,21 +30,29 @@ void mirror(long generation, CTextContext& context) {
   if (upsideDown) context.setRotate(context.getRotate() + kPi);
 }
 
-// Aligned and fitted text runs from the first point to the second. Here it becomes left-justified
-// text of that length: fitted text by its width, aligned text by its height.
-void stretch(long horizontal, const PNT_3D& from, const PNT_3D& to, TEXT_3D& text) {
+// Lets aligned or fitted text run from the first point to the second, also if it is mirrored.
+// Returns false if it cannot.
+bool span(TextFit fit, const PNT_3D& from, const PNT_3D& to, bool isMirrored, TEXT_3D& text) {
+  constexpr double kSame = 1e-9;  // relative difference of a length that was computed
+  const double length = std::hypot(to.x - from.x, to.y - from.y), way = from.angle(to);
+  if (text.isVertical() || !(length > 0) || !std::isfinite(length)) return false;
   CTextContext context = text.getContext();
-  const double dx = to.x - from.x, dy = to.y - from.y;
-  const double length = std::hypot(dx, dy), present = std::fabs(text.getStringLength());
-  context.setRotate(from.angle(to));
-  if (length > 0 && present > 0) {
-    const double factor = length / present;
-    if (horizontal == kFit)
+  // Mirrored text runs against its baseline or is upside down, as its rotation says.
+  const bool isTurned = isMirrored && std::cos(context.getRotate() - way) < 0;
+  context.setRotate(isTurned ? std::remainder(way + kPi, 2 * kPi) : way);
+  if ((context.getWidthScale() < 0) != isTurned) text.set(to.x, to.y, text.z);
+  // In the metrics of the present font; in others it is stretched when drawn.
+  const double present = std::fabs(text.getStringLength());
+  const double factor = present > 0 ? length / present : 1;
+  if (std::fabs(factor - 1) > kSame) {
+    if (fit == TextFit::Width)
       context.setWidthScale(context.getWidthScale() * factor);
     else
       context.setHeight(context.getHeight() * factor);
   }
   text.setContext(context);
+  text.setFit(fit, length);
+  return text.getFit() == fit;
 }
 
 // For a height that is not positive: its absolute value, or that of the style, if either is.
@@ -82,10 +90,12 @@ TEXT_3D placedText(RecordReader& in, const zim::WString& string, long verticalCo
   const bool second = (horizontal != 0 || vertical != 0) && !stretched && r.seen.has(11);
   const PNT_3D at = r.point(second ? 1 : 0);
   TEXT_3D text(c, style, at.x, at.y, at.z, 0);
-  if (stretched && r.seen.has(11)) {
-    stretch(horizontal, r.point(0), r.point(1), text);
-    in.note(ReportCode::TextFitted, string);
-  } else if (!stretched) {
+  if (stretched) {
+    const TextFit fit = horizontal == kFit ? TextFit::Width : TextFit::Size;
+    const bool isMirrored = (r.integer(71) & (kBackward | kUpsideDown)) != 0;
+    const bool spans = r.seen.has(11) && span(fit, r.point(0), r.point(1), isMirrored, text);
+    if (!spans) in.note(ReportCode::TextFitted, string);
+  } else {
     text.setAlign(horizontal == kMiddle ? text.findJustify(1, kVertMiddle)
                                         : text.findJustify(horizontal, vertical));
   }
