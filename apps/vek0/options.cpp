@@ -28,8 +28,20 @@ void addSaveOptions(CLI::App& verb, SaveOptions& options) {
   verb.add_flag("--visible-only", options.visibleOnly,
                 "Omit entities on layers that are frozen or off");
   verb.add_flag("--no-tables", options.noTables, "Write only blocks and entities");
-  verb.add_flag("--plain", options.plain,
-                "Write the classic form: six decimals, chords instead of arcs in polylines");
+  CLI::Option* plain =
+      verb.add_flag("--plain", options.plain,
+                    "Write the classic form: six decimals, chords instead of arcs in polylines");
+  const auto setNames = [&options](const std::string& names) {
+    options.keepNames = names == "keep";
+  };
+  verb.add_option_function<std::string>(
+          "--names", setNames,
+          "Names that R12 does not allow: convert transliterates them (M\u00F6bel becomes MOEBEL), "
+          "keep writes them as they are; later versions keep all names")
+      ->check(CLI::IsMember({"convert", "keep"}))
+      ->type_name("convert|keep")
+      ->default_str("convert")
+      ->excludes(plain);
   verb.add_flag("-f,--force", options.force, "Replace the output file if it exists");
 }
 

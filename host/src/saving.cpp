@@ -11,7 +11,8 @@ namespace vek0::host {
 
 unsigned SaveOptions::flags() const {
   return (flatten ? kSaveFlatten : 0u) | (visibleOnly ? kSaveVisibleOnly : 0u) |
-         (noTables ? kSaveNoTables : 0u) | (plain ? 0u : kSaveExchange);
+         (noTables ? kSaveNoTables : 0u) | (plain ? 0u : kSaveExchange) |
+         (keepNames ? kSaveKeepNames : 0u);
 }
 
 namespace {

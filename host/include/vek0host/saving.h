@@ -19,6 +19,7 @@ struct SaveOptions {
   bool noTables = false;
   bool plain = false;
   bool force = false;
+  bool keepNames = false;
   DxfVersion version = DxfVersion::R12;
 
   /// The flags of `SaveDXF`.

@@ -146,6 +146,12 @@ long countOfDashes(const CLtype& ltype) {
   return count;
 }
 
+CNameAcadConverter::Form nameForm(unsigned flags) {
+  using Form = CNameAcadConverter::Form;
+  if ((flags & kSaveExchange) == 0) return Form::Classic;
+  return (flags & kSaveKeepNames) == 0 ? Form::Unique : Form::Kept;
+}
+
 }  // namespace
 
 CFileDXFOSaver::CFileDXFOSaver(const CData& data, IFile& file, unsigned flags, CFileReport* report)
@@ -153,7 +159,7 @@ CFileDXFOSaver::CFileDXFOSaver(const CData& data, IFile& file, unsigned flags, C
       m_file(file),
       m_writer(file),
       m_visitor(data, m_writer, (flags & kSaveFlatten) != 0),
-      m_converter(data, (flags & kSaveExchange) != 0, report),
+      m_converter(data, nameForm(flags), report),
       m_flags(flags),
       m_report(report),
       m_handles(std::make_unique<vek0::detail::SaveHandles>()) {

@@ -1,7 +1,7 @@
 // Converts names to those of R12: at most 31 characters of a small set. Names that are valid stay,
-// and so do not depend on the others; the rest is corrected character by character and numbered
-// until it differs from every name in the drawing. The numbers tried for a base are remembered, or
-// a table of similar names would take quadratic time.
+// and so do not depend on the others; the rest is transliterated in the exchange form, corrected
+// character by character and numbered until it differs from every name in the drawing. The numbers
+// tried for a base are remembered, or a table of similar names would take quadratic time.
 #include "vek0core/dxf/out/nameacadconverter.h"
 
 #include <algorithm>
@@ -11,6 +11,7 @@
 
 #include "dxf/out/foldednames.h"
 #include "dxf/out/itemlists.h"
+#include "dxf/out/transliteration.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/entities/blocks/block.h"
@@ -25,6 +26,19 @@ namespace {
 constexpr std::size_t kLongestName = 31;
 // Length that overlong names are cut to, with or without a numeric suffix.
 constexpr std::size_t kCutLength = 30;
+
+bool isLetter(zim::Char unit) {
+  return (unit >= u'A' && unit <= u'Z') || (unit >= u'a' && unit <= u'z');
+}
+bool isDigit(zim::Char unit) { return unit >= u'0' && unit <= u'9'; }
+bool isAscii(zim::Char unit) { return unit < 0x80; }
+
+// Whether a converted name still says something: digits alone do if nothing else was lost.
+bool isTelling(std::u16string_view name, std::u16string_view converted) {
+  return std::any_of(converted.begin(), converted.end(), isLetter) ||
+         (std::any_of(converted.begin(), converted.end(), isDigit) &&
+          std::all_of(name.begin(), name.end(), isAscii));
+}
 
 zim::WString decimal(int value) { return zim::WString::fromUtf8(std::to_string(value)); }
 
@@ -44,7 +58,9 @@ zim::WString nameIn(const std::unordered_map<const Item*, zim::WString>& names, 
 /// The names of one table while they are converted. Readers look up names ignoring case.
 class CNameAcadConverter::Table {
  public:
-  Table(const std::vector<Entry>& entries, bool unique) : m_unique(unique) {
+  /// `word` and a number stand for names without a letter or digit that R12 has, if unique.
+  Table(const std::vector<Entry>& entries, Form form, std::u16string_view word)
+      : m_form(form), m_word(word) {
     for (const Entry& entry : entries) m_taken.insert(entry.own);
   }
 
@@ -55,10 +71,14 @@ class CNameAcadConverter::Table {
 
  private:
   zim::WString freeName(const zim::WString& prefix, const zim::WString& corrected);
+  zim::WString uniqueName(const Entry& entry);
+  bool isUnique() const { return m_form != Form::Classic; }
   int& tried(const zim::WString& prefix, zim::WString& base, int counter);
   void skipTried(const zim::WString& prefix, zim::WString& base, int& counter);
 
-  bool m_unique;
+  Form m_form;
+  std::u16string_view m_word;
+  int m_numbered = 0;                 // the last number with the word
   vek0::detail::FoldedNames m_taken;  // the drawing's own names, plus the generated ones when
                                       // unique
   vek0::detail::FoldedNames m_given;
@@ -70,24 +90,34 @@ class CNameAcadConverter::Table {
 // A generated name differs from all names in the drawing.
 bool CNameAcadConverter::Table::keeps(const Entry& entry) {
   const std::u16string_view name = entry.name();
-  return !name.empty() && isValid(name) &&
-         entry.prefix == entry.own.view().substr(0, entry.nameAt) &&
-         (!m_unique || m_given.insert(entry.own));
+  const bool isKept = m_form == Form::Kept ||
+                      (isValid(name) && entry.prefix == entry.own.view().substr(0, entry.nameAt));
+  return !name.empty() && isKept && (!isUnique() || m_given.insert(entry.own));
 }
 
 zim::WString CNameAcadConverter::Table::convert(const Entry& entry) {
+  if (isUnique()) {
+    m_made.push_back(uniqueName(entry));
+    m_taken.insert(m_made.back());
+    return m_made.back();
+  }
   zim::WString corrected;
   IsValidName(zim::WString(entry.name()), corrected);
   if (corrected.empty()) corrected = u"_";
-  if (!m_unique) {
-    // The set of taken names never changes, so equal corrected names get equal results.
-    const auto [known, isNew] = m_converted.try_emplace(entry.prefix + corrected.view());
-    if (isNew) known->second = freeName(entry.prefix, corrected);
-    return known->second;
+  // The set of taken names never changes, so equal corrected names get equal results.
+  const auto [known, isNew] = m_converted.try_emplace(entry.prefix + corrected.view());
+  if (isNew) known->second = freeName(entry.prefix, corrected);
+  return known->second;
+}
+
+zim::WString CNameAcadConverter::Table::uniqueName(const Entry& entry) {
+  zim::WString corrected;
+  IsValidName(zim::WString(vek0::detail::transliterated(entry.name())), corrected);
+  if (isTelling(entry.name(), corrected.view())) return freeName(entry.prefix, corrected);
+  for (;;) {
+    const zim::WString candidate = entry.prefix + m_word + decimal(++m_numbered).view();
+    if (!m_taken.has(candidate)) return candidate;
   }
-  m_made.push_back(freeName(entry.prefix, corrected));
-  m_taken.insert(m_made.back());
-  return m_made.back();
 }
 
 zim::WString CNameAcadConverter::Table::freeName(const zim::WString& prefix,
@@ -121,10 +151,10 @@ void CNameAcadConverter::Table::skipTried(const zim::WString& prefix, zim::WStri
 }
 
 CNameAcadConverter::CNameAcadConverter(const CData& data)
-    : CNameAcadConverter(data, false, nullptr) {}
+    : CNameAcadConverter(data, Form::Classic, nullptr) {}
 
-CNameAcadConverter::CNameAcadConverter(const CData& data, bool unique, CFileReport* report)
-    : m_data(data), m_unique(unique), m_report(report) {
+CNameAcadConverter::CNameAcadConverter(const CData& data, Form form, CFileReport* report)
+    : m_data(data), m_form(form), m_report(report) {
   Convert();
 }
 
@@ -157,7 +187,7 @@ void CNameAcadConverter::ConvertLayers() {
   entries.reserve(layers.size());
   for (const CLayer* layer : layers)
     entries.push_back(entry(layer->getFullName(), vek0::detail::isDependent(*layer)));
-  convertTable(layers, entries, m_layers);
+  convertTable(layers, entries, u"LAYER", m_layers);
 }
 
 void CNameAcadConverter::ConvertLtypes() {
@@ -166,7 +196,7 @@ void CNameAcadConverter::ConvertLtypes() {
   entries.reserve(ltypes.size());
   for (const CLtype* ltype : ltypes)
     entries.push_back(entry(ltype->getFullName(), vek0::detail::isDependent(*ltype)));
-  convertTable(ltypes, entries, m_ltypes);
+  convertTable(ltypes, entries, u"LTYPE", m_ltypes);
 }
 
 void CNameAcadConverter::ConvertStyles() {
@@ -176,7 +206,7 @@ void CNameAcadConverter::ConvertStyles() {
     styles.push_back(listed.style);
     entries.push_back(entry(listed.name, (listed.flags & vek0::detail::kDependent) != 0));
   }
-  convertTable(styles, entries, m_styles);
+  convertTable(styles, entries, u"STYLE", m_styles);
   for (std::size_t i = 0; i < styles.size(); ++i)
     if (styles[i]->getName() != entries[i].own) m_styles.try_emplace(styles[i], entries[i].own);
 }
@@ -192,7 +222,7 @@ void CNameAcadConverter::ConvertBlocks() {
   for (const CBlockXRef* xref : vek0::detail::xrefsOf(m_data)) add(*xref, false);
   for (const CBlock* block : vek0::detail::blocksOf(m_data))
     add(*block, vek0::detail::isDependent(*block));
-  convertTable(blocks, entries, m_blocks);
+  convertTable(blocks, entries, u"BLOCK", m_blocks);
 }
 
 bool CNameAcadConverter::isValid(std::u16string_view name) {
@@ -235,6 +265,8 @@ CNameAcadConverter::Entry CNameAcadConverter::entry(const zim::WString& own, boo
   zim::WString prefix;
   if (const CBlock* block = m_data.getBlockXRefTable().get(xref))
     prefix = GetName(block);
+  else if (m_form == Form::Kept)
+    prefix = xref;
   else
     IsValidName(xref, prefix);
   return {own, prefix + u"|", xref.Length() + 1};
@@ -242,8 +274,9 @@ CNameAcadConverter::Entry CNameAcadConverter::entry(const zim::WString& own, boo
 
 template <class Item>
 void CNameAcadConverter::convertTable(const std::vector<const Item*>& items,
-                                      const std::vector<Entry>& entries, Names<Item>& names) const {
-  Table table(entries, m_unique);
+                                      const std::vector<Entry>& entries, std::u16string_view word,
+                                      Names<Item>& names) const {
+  Table table(entries, m_form, word);
   vek0::detail::FoldedNames written;
   for (std::size_t i = 0; i < items.size(); ++i) {
     const zim::WString* name = &entries[i].own;
@@ -252,7 +285,7 @@ void CNameAcadConverter::convertTable(const std::vector<const Item*>& items,
       if (*name != entries[i].own)
         report(ReportCode::NameChanged, entries[i].own + u" -> " + *name);
     }
-    if (!m_unique && !written.insert(*name)) report(ReportCode::NamesCoincide, *name);
+    if (m_form == Form::Classic && !written.insert(*name)) report(ReportCode::NamesCoincide, *name);
   }
 }
 

@@ -7,13 +7,15 @@ namespace {
 
 const std::string kLong30(30, 'x');
 
-/// The names that layers with the given names are saved under, in order.
-std::vector<std::string> converted(const std::vector<zim::WString>& names, bool unique,
+// The names that layers with the given names are saved under, in order.
+using Form = CNameAcadConverter::Form;
+
+std::vector<std::string> converted(const std::vector<zim::WString>& names, Form form,
                                    CFileReport* report = nullptr) {
   const Drawing drawing = newDrawing();
   std::vector<CLayer*> layers;
   for (const zim::WString& name : names) layers.push_back(addNewLayer(*drawing, name));
-  const CNameAcadConverter converter(*drawing, unique, report);
+  const CNameAcadConverter converter(*drawing, form, report);
   std::vector<std::string> results;
   for (const CLayer* layer : layers) results.push_back(converter.GetName(layer).toUtf8());
   return results;
@@ -55,13 +57,15 @@ TEST(NameAcadConverter, Names) {
   for (const Row& t : rowsWith(names)) {
     std::vector<zim::WString> own;
     for (const std::string& name : t.list("own")) own.push_back(zim::WString::fromUtf8(name));
-    EXPECT_EQ(converted(own, false), t.list("classic"));
-    EXPECT_EQ(converted(own, true), t.list("unique"));
+    EXPECT_EQ(converted(own, Form::Classic), t.list("classic"));
+    EXPECT_EQ(converted(own, Form::Unique), t.list("unique"));
   }
-  for (const bool unique : {false, true}) {
-    EXPECT_EQ(converted({u""}, unique), std::vector<std::string>{"_"});
-    EXPECT_EQ(converted({u"x|y"}, unique), std::vector<std::string>{"x_y"}) << "without reference";
-  }
+  EXPECT_EQ(converted({u""}, Form::Classic), std::vector<std::string>{"_"});
+  EXPECT_EQ(converted({u""}, Form::Unique), std::vector<std::string>{"LAYER1"});
+  for (const Form form : {Form::Classic, Form::Unique})
+    EXPECT_EQ(converted({u"x|y"}, form), std::vector<std::string>{"x_y"}) << "without reference";
+  EXPECT_EQ(converted({u"a b", u"墙", u"A B"}, Form::Kept),
+            (std::vector<std::string>{"a b", "墙", "A_B"}));
 }
 
 TEST(NameAcadConverter, EachTableConvertsItsOwn) {
@@ -72,7 +76,7 @@ TEST(NameAcadConverter, EachTableConvertsItsOwn) {
   CStyle* style = d->getStyleFactory().create(u"a b", nullptr, 0, 1, 0, 0.2, 0);
   addStyle(*d, style);
   CBlock* block = addNewBlock(*d, u"a b");
-  const CNameAcadConverter converter(*d, true, nullptr);
+  const CNameAcadConverter converter(*d, Form::Unique, nullptr);
   EXPECT_EQ(converter.GetName(layer), u"a_b");
   EXPECT_EQ(converter.GetName(ltype), u"a_b");
   EXPECT_EQ(converter.GetName(style), u"a_b");
@@ -84,7 +88,7 @@ TEST(NameAcadConverter, ALinetypeCannotTakeAFixedName) {
   CLtype* ltype = d->getLtypeFactory().create(u"ByLayer", u"", nullptr, 0, 0);
   addLtype(*d, ltype);
   EXPECT_EQ(CNameAcadConverter(*d).GetName(ltype), u"ByLayer");
-  EXPECT_EQ(CNameAcadConverter(*d, true, nullptr).GetName(ltype), u"ByLayer0");
+  EXPECT_EQ(CNameAcadConverter(*d, Form::Unique, nullptr).GetName(ltype), u"ByLayer0");
 }
 
 TEST(NameAcadConverter, MissingItemsHaveStandIns) {
@@ -111,11 +115,11 @@ TEST(NameAcadConverter, DependentNamesKeepTheirBar) {
 
 TEST(NameAcadConverter, ReportsWhatChangedAndWhatBecameOne) {
   CFileReport report;
-  converted({u"a b", u"a.b", u"ok", u"OK"}, false, &report);
+  converted({u"a b", u"a.b", u"ok", u"OK"}, Form::Classic, &report);
   EXPECT_EQ(report.count("name changed"), 2);
   EXPECT_EQ(report.count("names coincide"), 2);
   CFileReport unique;
-  converted({u"a b", u"a.b", u"ok", u"OK"}, true, &unique);
+  converted({u"a b", u"a.b", u"ok", u"OK"}, Form::Unique, &unique);
   EXPECT_EQ(unique.count("name changed"), 3);
   EXPECT_EQ(unique.count("names coincide"), 0);
 }
@@ -132,11 +136,11 @@ TEST(NameAcadConverter, RandomTablesAgreeWithThePlainRule) {
     }
     std::vector<zim::WString> names;
     for (const std::string& name : own) names.push_back(zim::WString::fromUtf8(name));
-    const auto classic = converted(names, false);
+    const auto classic = converted(names, Form::Classic);
     for (std::size_t i = 0; i < own.size(); ++i)
       EXPECT_EQ(classic[i], naive(own, own[i])) << own[i];
     std::set<std::string> seen;
-    for (const std::string& name : converted(names, true)) {
+    for (const std::string& name : converted(names, Form::Unique)) {
       EXPECT_TRUE(seen.insert(folded(name)).second) << name;
       EXPECT_LE(name.size(), 31u);
     }
@@ -147,6 +151,6 @@ TEST(NameAcadConverter, ThousandsOfNamesWithOneBeginningStayFast) {
   std::vector<zim::WString> names;
   for (int i = 0; i < 20000; ++i)
     names.push_back(zim::WString::fromUtf8(std::string(40, 'n') + std::to_string(i)));
-  const auto unique = converted(names, true);
+  const auto unique = converted(names, Form::Unique);
   EXPECT_EQ(std::set<std::string>(unique.begin(), unique.end()).size(), names.size());
 }

@@ -29,12 +29,18 @@ class VEK0_API CNameAcadConverter {
  public:
   /// The classic form: a candidate is compared with the drawing's own names only, so two items
   /// whose corrected names are equal both get the same name, and names that differ only in case are
-  /// kept. Readers then see a single item; `unique` below prevents that.
+  /// kept. Readers then see a single item; `Unique` prevents that.
   explicit CNameAcadConverter(const CData& data);
-  /// With `unique`, no two items of a table have the same name, ignoring case; the first item in
-  /// table order keeps it. Changed and coinciding names are added to `report` (may be null) under
-  /// the codes listed at `SaveDXF`.
-  CNameAcadConverter(const CData& data, bool unique, CFileReport* report);
+  enum class Form {
+    Classic,  ///< names may coincide
+    Unique,   ///< see below
+    Kept,     ///< names stay, valid or not, as long as they are unique
+  };
+  /// With `Unique`, no two items of a table have the same name, ignoring case; the first item in
+  /// table order keeps it. Letters that are not valid are transliterated, and names without any
+  /// letter become numbered ones, such as LAYER1. Changed and coinciding names are added
+  /// to `report` (may be null) under the codes listed at `SaveDXF`.
+  CNameAcadConverter(const CData& data, Form form, CFileReport* report);
   CNameAcadConverter(const CNameAcadConverter&) = default;
   ~CNameAcadConverter() = default;
 
@@ -82,7 +88,7 @@ class VEK0_API CNameAcadConverter {
   Entry entry(const zim::WString& own, bool dependent);
   template <class Item>
   void convertTable(const std::vector<const Item*>& items, const std::vector<Entry>& entries,
-                    Names<Item>& names) const;
+                    std::u16string_view word, Names<Item>& names) const;
   void report(ReportCode code, const zim::WString& sample) const;
 
   const CData& m_data;
@@ -91,6 +97,6 @@ class VEK0_API CNameAcadConverter {
   Names<CStyle> m_styles;
   Names<CBlock> m_blocks;
   bool m_hasBlocks = false;
-  bool m_unique = false;
+  Form m_form = Form::Classic;
   CFileReport* m_report = nullptr;
 };

@@ -22,6 +22,9 @@ inline constexpr unsigned kSaveNoTables = 8;
 /// and SOLID or TRACE for filled faces. Without it the output has the classic form: six decimals,
 /// chords, outlines, and names that may coincide once converted.
 inline constexpr unsigned kSaveExchange = 16;
+/// With the exchange form: names keep characters and lengths that R12 does not allow. Many programs
+/// read them.
+inline constexpr unsigned kSaveKeepNames = 32;
 
 /// Writes the drawing as a DXF file of version "AC1009" (sections HEADER, TABLES, BLOCKS,
 /// ENTITIES): opens `file`, writes it and closes it. `flags` is any combination of the constants
