@@ -16,7 +16,9 @@ DRAW_RESULT& DRAW_RESULT::operator+=(const DRAW_RESULT& part) {
 
 DRAW_RESULT drawData(const CData& data, const IProjector& projector, const CWndVpt& window,
                      IPainter& painter, const DRAW_OPTIONS& options) {
-  vek0::detail::Walker walker(data, projector, window, painter, options);
+  vek0::detail::ShownBoxes boxes;
+  vek0::detail::Walker walker(data, projector, window, painter, options,
+                              vek0::detail::WalkerAids(data, boxes));
   return walker.run(data.getEntTable().getEntityTbl());
 }
 

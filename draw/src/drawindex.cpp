@@ -21,6 +21,7 @@ using vek0::detail::isPlaced;
 using vek0::detail::Placement;
 using vek0::detail::RankedEnt;
 using vek0::detail::Walker;
+using vek0::detail::WalkerAids;
 
 namespace {
 
@@ -207,7 +208,9 @@ CDrawIndex::~CDrawIndex() = default;
 
 DRAW_RESULT CDrawIndex::draw(const IProjector& projector, const CWndVpt& window, IPainter& painter,
                              const DRAW_OPTIONS& options) {
-  Walker walker(m_data, projector, window, painter, options, &m_entities->blocks());
+  BlockTrees& blocks = m_entities->blocks();
+  Walker walker(m_data, projector, window, painter, options,
+                WalkerAids(m_data, blocks.boxes(), &blocks));
   if (!walker.hasDevice()) return {};
   m_entities->prepare();
   if (m_entities->isAllSeen(walker.placement(), walker.window()))

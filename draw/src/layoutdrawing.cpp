@@ -17,13 +17,18 @@ namespace vek0::detail {
 namespace {
 
 // Entities that take as long to visit as it takes to prepare a view, even an empty one.
-constexpr std::size_t kCostOfView = 20'000;
+constexpr std::size_t kCostOfView = 500;
 
 class LayoutDrawing {
  public:
   LayoutDrawing(const CData& data, const CLayout& layout, const CWndVpt& window, IPainter& painter,
                 const DRAW_OPTIONS& options)
-      : m_data(data), m_layout(layout), m_window(window), m_painter(painter), m_options(options) {}
+      : m_data(data),
+        m_layout(layout),
+        m_window(window),
+        m_painter(painter),
+        m_options(options),
+        m_aids(data, m_boxes) {}
 
   DRAW_RESULT run() {
     const bool viewsFirst = m_layout.getPlot().viewportsFirst;
@@ -43,7 +48,7 @@ class LayoutDrawing {
       frames.push_back(createFrame(viewport, m_data.getEntFactory()));
       entities.push_back(frames.back().get());
     }
-    Walker walker(m_data, CPOProjector(), m_window, m_painter, m_options);
+    Walker walker(m_data, CPOProjector(), m_window, m_painter, m_options, m_aids);
     add(walker.run(entities));
   }
 
@@ -66,7 +71,7 @@ class LayoutDrawing {
     DRAW_OPTIONS options = m_options;
     if (m_data.getVars().isPaperLtypeScale()) options.patternFactor /= viewport.scale();
     const CPORotatedProjector projector(-viewport.twistRad, viewport.target.x, viewport.target.y);
-    Walker walker(m_data, projector, window, m_painter, options);
+    Walker walker(m_data, projector, window, m_painter, options, m_aids);
     const std::unordered_set<const CLayer*> frozen(viewport.frozen.begin(), viewport.frozen.end());
     add(walker.runWithin(m_data.getEntTable().getEntityTbl(), boundary, frozen));
   }
@@ -108,6 +113,8 @@ class LayoutDrawing {
   const CWndVpt& m_window;
   IPainter& m_painter;
   DRAW_OPTIONS m_options;
+  ShownBoxes m_boxes;
+  const WalkerAids m_aids;  // there may be thousands of views
   DRAW_RESULT m_result;
 };
 

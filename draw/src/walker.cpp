@@ -56,18 +56,21 @@ bool unfoldsArcs(const CEntPolyline& ent) {
 
 }  // namespace
 
+WalkerAids::WalkerAids(const CData& data, ShownBoxes& shownBoxes, BlockTrees* trees)
+    : boxes(shownBoxes), blocks(trees), ltypeReach(reachOfLtypes(data)) {}
+
 Walker::Walker(const CData& data, const IProjector& projector, const CWndVpt& window,
-               IPainter& painter, const DRAW_OPTIONS& options, BlockTrees* blocks)
+               IPainter& painter, const DRAW_OPTIONS& options, const WalkerAids& aids)
     : m_data(data),
       m_options(options),
-      m_blocks(blocks),
-      m_boxes(blocks ? blocks->boxes() : m_ownBoxes),
+      m_blocks(aids.blocks),
+      m_boxes(aids.boxes),
       m_out(painter, options),
       m_pixelSize(window.GetPixelSize()),
       m_hasDevice(m_pixelSize > 0),
       m_penReach(std::max(options.penReach, options.weights.widest() / 2)),
       m_drawing(projector, window),
-      m_textReach(reachOfLtypes(data) * m_drawing.scale()),
+      m_textReach(aids.ltypeReach * m_drawing.scale()),
       m_place(m_drawing),
       m_stack(m_pixelSize),
       m_points(data.getVars(), m_drawing.scale(), heightOf(window), options.leastPoint),

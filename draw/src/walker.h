@@ -24,13 +24,23 @@ constexpr int kMostNested = 200;  ///< inserts within inserts; each takes stack
 
 inline PNT_3D pointOf(const BULGED_VERTEX& v) { return PNT_3D(v.x, v.y, v.z); }
 
+/// What all walkers of a drawing have in common.
+struct WalkerAids {
+  /// Linear in the linetypes. Both are borrowed; `trees`, which may be null, finds the visible
+  /// parts of blocks.
+  WalkerAids(const CData& data, ShownBoxes& shownBoxes, BlockTrees* trees = nullptr);
+
+  ShownBoxes& boxes;
+  BlockTrees* blocks;
+  double ltypeReach;  ///< largest distance of the texts of linetypes from their lines
+};
+
 /// Draws the entities of model space, and those of inserted blocks within it.
 class Walker final : public IEntVisitor, private IPatternSink {
  public:
-  /// All except projector and window must outlive it. `blocks`, which may be null, finds the
-  /// visible parts of blocks.
+  /// All except projector, window and aids must outlive it.
   Walker(const CData& data, const IProjector& projector, const CWndVpt& window, IPainter& painter,
-         const DRAW_OPTIONS& options, BlockTrees* blocks = nullptr);
+         const DRAW_OPTIONS& options, const WalkerAids& aids);
 
   /// From the drawing to the device.
   const Placement& placement() const { return m_drawing; }
@@ -180,7 +190,6 @@ class Walker final : public IEntVisitor, private IPatternSink {
   const DRAW_OPTIONS& m_options;
   const Layers* m_frozen = nullptr;  // hidden in addition to those of the drawing; null for none
   BlockTrees* const m_blocks;
-  ShownBoxes m_ownBoxes;
   ShownBoxes& m_boxes;
   Emitter m_out;
   const double m_pixelSize;

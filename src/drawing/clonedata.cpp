@@ -209,6 +209,7 @@ class DrawingCopy {
 
   void copyLayouts() {
     const CLayoutTable& from = m_src.getLayouts();
+    const CLayout* const active = from.getActive();
     for (int i = 0; i < from.size(); ++i) {
       CLayout& made = m_copy.getLayouts().add(
           std::make_unique<CLayout>(from[i].getName(), *m_map(&from[i].getBlock())));
@@ -220,7 +221,7 @@ class DrawingCopy {
         for (CLayer*& layer : viewport.frozen) layer = m_map(layer);
       }
       made.setViewports(std::move(viewports));
-      if (&from[i] == from.getActive()) m_copy.getLayouts().setActive(made);
+      if (&from[i] == active) m_copy.getLayouts().setActive(made);
     }
   }
 

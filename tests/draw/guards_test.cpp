@@ -2,6 +2,7 @@
 
 #include "recorder.h"
 #include "support/test.h"
+#include "vek0draw/layoutdrawing.h"
 
 namespace {
 
@@ -54,6 +55,20 @@ TEST(Guards, HugeAndTinyNumbersGiveFinitePoints) {
       }
     }
   }
+}
+
+TEST(Guards, SheetsMayHaveThousandsOfViewports) {
+  constexpr std::size_t count = 20'000;
+  Scene scene;
+  scene.add(createEntLine(*scene.data, LINE_3D(0, 0, 0, 1, 1, 0), 0));
+  CLayout layout(u"S", *scene.block(u"S", {}));
+  VIEWPORT view;
+  view.width = view.height = view.viewHeight = 2;
+  layout.setViewports(std::vector<VIEWPORT>(count, view));
+  Recorder recorder;
+  const DRAW_RESULT result = drawLayout(*scene.data, layout, scene.window, recorder);
+  EXPECT_FALSE(result.cut);
+  EXPECT_EQ(result.emitted, 2 * count);
 }
 
 TEST(Guards, AWindowWithoutPixelsShowsNothing) {
