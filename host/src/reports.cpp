@@ -45,18 +45,27 @@ std::string lossesToText(const CFileReport& report) {
 }
 
 std::string reportToText(const CFileReport& report) {
-  return linesOf(report, ReportSeverity::Note);
+  return linesOf(report, ReportSeverity::Fault);
 }
 
-Json checkToJson(const std::string& path, const ReadResult& result) {
+CFileReport auditOf(const std::string& path, const Session& session) {
+  CFileReport report;
+  auditDXF(*openForReading(path, session), report);
+  return report;
+}
+
+Json checkToJson(const std::string& path, const ReadResult& result, const CFileReport& audit) {
   return {{"file", path},
           {"ok", result.ok()},
           {"error", errorToJson(result)},
-          {"report", reportToJson(result.report)}};
+          {"report", reportToJson(result.report)},
+          {"audit", reportToJson(audit)}};
 }
 
-std::string checkToText(const std::string& path, const ReadResult& result) {
-  if (result.ok()) return visible(path) + ": ok\n" + reportToText(result.report);
+std::string checkToText(const std::string& path, const ReadResult& result,
+                        const CFileReport& audit) {
+  if (result.ok())
+    return visible(path) + ": ok\n" + reportToText(result.report) + reportToText(audit);
   return visible(path) + ": error (" + result.kind() + "): " + visible(result.message()) + "\n";
 }
 

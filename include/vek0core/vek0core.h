@@ -112,6 +112,7 @@
 #include "vek0core/drawing/tableremapper.h"
 #include "vek0core/drawing/undostack.h"
 
+#include "vek0core/dxf/in/audit.h"
 #include "vek0core/dxf/in/filedxfierror.h"
 #include "vek0core/dxf/in/filedxfilexer.h"
 #include "vek0core/dxf/in/filedxfioptions.h"

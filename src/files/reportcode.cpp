@@ -12,7 +12,8 @@ struct Row {
 };
 
 constexpr auto kNote = ReportSeverity::Note, kRepair = ReportSeverity::Repair,
-               kChange = ReportSeverity::Change, kLoss = ReportSeverity::Loss;
+               kChange = ReportSeverity::Change, kLoss = ReportSeverity::Loss,
+               kFault = ReportSeverity::Fault;
 
 // In the order of the enumeration, so that a code is the index of its row.
 constexpr Row kRows[] = {
@@ -92,6 +93,10 @@ constexpr Row kRows[] = {
     {ReportCode::DwgFile, "dwg file", kLoss},
     {ReportCode::EmptyFile, "empty file", kLoss},
     {ReportCode::LimitReached, "limit reached", kLoss},
+    {ReportCode::HandleRepeated, "handle repeated", kFault},
+    {ReportCode::OwnerMissing, "owner missing", kFault},
+    {ReportCode::PointerDangling, "pointer dangling", kFault},
+    {ReportCode::NameUndeclared, "name undeclared", kFault},
     {ReportCode::NameChanged, "name changed", kChange},
     {ReportCode::NamesCoincide, "names coincide", kLoss},
     {ReportCode::NameNotDependent, "name not dependent", kLoss},
@@ -155,6 +160,8 @@ ReportSeverity severityOf(ReportCode code) { return rowOf(code).severity; }
 
 const char* nameOf(ReportSeverity severity) {
   switch (severity) {
+    case ReportSeverity::Fault:
+      return "fault";
     case ReportSeverity::Note:
       return "note";
     case ReportSeverity::Repair:

@@ -16,6 +16,7 @@ struct CheckOptions {
 };
 
 void run(const CheckOptions& options, Session& session) {
+  session.readsTwice = true;
   long failures = 0;
   for (const std::string& path : options.files) {
     const Drawing data = newDrawing();
@@ -24,10 +25,12 @@ void run(const CheckOptions& options, Session& session) {
       ++failures;
       session.failed(kDrawingFailed);
     }
+    const bool isAudited = result.ok() && (options.json || !session.quiet);
+    const CFileReport audit = isAudited ? auditOf(path, session) : CFileReport();
     if (options.json) {
-      std::printf("%s\n", toLine(checkToJson(path, result)).c_str());
+      std::printf("%s\n", toLine(checkToJson(path, result, audit)).c_str());
     } else if (!session.quiet || !result.ok()) {
-      print(checkToText(path, result));
+      print(checkToText(path, result, audit));
     }
   }
   if (options.files.size() > 1 && !options.json && !session.quiet) {
@@ -47,9 +50,10 @@ void addCheckCommand(CLI::App& app, Session& session) {
       "Examples:\n"
       "  vek0 check *.dxf             one line per file; exit code 1 if any file fails\n"
       "  vek0 check --json a.dxf      "
-      "{\"file\":\"a.dxf\",\"ok\":true,\"error\":null,\"report\":[]}\n\n"
-      "Repairs, changes and losses are listed below the line of their file. With --strict, a\n"
-      "file that violates the format fails.");
+      "{\"file\":\"a.dxf\",\"ok\":true,\"error\":null,\"report\":[],\"audit\":[]}\n\n"
+      "Repairs, changes and losses are listed below the line of their file, and so are faults that\n"
+      "an audit finds in it: repeated handles, missing owners, dangling pointers, undeclared names.\n"
+      "Faults do not change the exit code. With --strict, a file that violates the format fails.");
   verb->callback([options, &session] { run(*options, session); });
 }
 

@@ -20,9 +20,15 @@ std::string reportToText(const CFileReport& report);
 /// The same for entries about lost or changed content only.
 std::string lossesToText(const CFileReport& report);
 
-/// One line of `vek0 check --json`: whether the file could be read, the error and the report.
-Json checkToJson(const std::string& path, const ReadResult& result);
+/// What `auditDXF` finds in a file that could be read. Reads it again, so that
+/// `session.readsTwice` must be set if it may be the standard input.
+CFileReport auditOf(const std::string& path, const Session& session);
+
+/// One line of `vek0 check --json`: whether the file could be read, the error, the report and the
+/// findings of the audit.
+Json checkToJson(const std::string& path, const ReadResult& result, const CFileReport& audit);
 /// The same as lines for humans.
-std::string checkToText(const std::string& path, const ReadResult& result);
+std::string checkToText(const std::string& path, const ReadResult& result,
+                        const CFileReport& audit);
 
 }  // namespace vek0::host

@@ -101,6 +101,12 @@ enum class ReportCode : std::uint8_t {
   EmptyFile,       ///< the file is empty
   LimitReached,    ///< more entities than `maxEntities`
 
+  // Audits (`auditDXF`).
+  HandleRepeated,   ///< several objects have the handle
+  OwnerMissing,     ///< objects of the kind have no owner, or one that is not in the file
+  PointerDangling,  ///< a pointer to an object that is not in the file: group code and handle
+  NameUndeclared,   ///< a name that neither a table nor a block declares
+
   // Saving.
   NameChanged,         ///< a name was made valid for the format, or unique: "old -> new"
   NamesCoincide,       ///< two items of a table became one (classic form only)
@@ -153,6 +159,7 @@ inline constexpr std::size_t kReportCodes = static_cast<std::size_t>(ReportCode:
 
 /// Severity of a report entry.
 enum class ReportSeverity {
+  Fault,   ///< of the file, found by an audit; the drawing may not depend on it
   Note,    ///< the drawing matches the file
   Repair,  ///< the file violates the rules, but its meaning was clear
   Change,  ///< nearly the same appearance, but a different object: a curve became a chain
@@ -167,5 +174,5 @@ VEK0_API std::optional<ReportCode> findReportCode(std::string_view text);
 
 VEK0_API ReportSeverity severityOf(ReportCode code);
 
-/// "note", "repair", "change" or "loss".
+/// "fault", "note", "repair", "change" or "loss".
 VEK0_API const char* nameOf(ReportSeverity severity);
