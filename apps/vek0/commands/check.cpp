@@ -51,8 +51,10 @@ void addCheckCommand(CLI::App& app, Session& session) {
       "  vek0 check *.dxf             one line per file; exit code 1 if any file fails\n"
       "  vek0 check --json a.dxf      "
       "{\"file\":\"a.dxf\",\"ok\":true,\"error\":null,\"report\":[],\"audit\":[]}\n\n"
-      "Repairs, changes and losses are listed below the line of their file, and so are faults that\n"
-      "an audit finds in it: repeated handles, missing owners, dangling pointers, undeclared names.\n"
+      "Repairs, changes and losses are listed below the line of their file, and so are faults "
+      "that\n"
+      "an audit finds in it: repeated handles, missing owners, dangling pointers, undeclared "
+      "names.\n"
       "Faults do not change the exit code. With --strict, a file that violates the format fails.");
   verb->callback([options, &session] { run(*options, session); });
 }
