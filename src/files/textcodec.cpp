@@ -353,16 +353,79 @@ std::u16string decodeEscapes(std::u16string_view text) {
 
 void encodeText(std::u16string_view text, std::string& out) { encode(text, true, out); }
 
-void encodeUtf8Text(std::u16string_view text, std::string& out) {
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (encodeSpecial(text, i, out)) continue;
-    std::u16string_view rest = text.substr(i);
-    if (text[i] == 0x85)
-      appendUnitEscape(text[i], out);
-    else
-      zim::appendUtf8(out, zim::takeUtf16(rest));
-    if (rest.size() + 2 == text.size() - i) ++i;  // a surrogate pair
+CTextEncoder::CTextEncoder(int page) : m_page(page) {
+  if (page == kCodePageUtf8) return;
+  m_codes.resize(0x10000);
+  if (page == kCodePage1252) {
+    for (unsigned unit = 0x80; unit < m_codes.size(); ++unit)
+      if (const auto byte = byteIn1252(static_cast<zim::Char>(unit)))
+        m_codes[unit] = static_cast<unsigned char>(*byte);
+  } else if (const UpperHalf* upper = upperHalfOf(page)) {
+    for (unsigned byte = 0x80; byte < 0x100; ++byte) {
+      const zim::Char unit = (*upper)[byte - 0x80];
+      if (unit >= 0xA0 && unit != zim::kReplacement)
+        m_codes[unit] = static_cast<std::uint16_t>(byte);
+    }
+  } else {
+    learn();
   }
+}
+
+// One line for each character of two bytes: line feeds are no second bytes.
+void CTextEncoder::learn() {
+  constexpr unsigned firstLead = 0x81, lastLead = 0xFE, firstTrail = 0x40, lastTrail = 0xFE;
+  for (unsigned lead = firstLead; lead <= lastLead; ++lead) {
+    std::string bytes;
+    for (unsigned trail = firstTrail; trail <= lastTrail; ++trail)
+      bytes += {static_cast<char>(lead), static_cast<char>(trail), '\n'};
+    std::u16string decoded;
+    if (!decodeMultiByte(m_page, bytes, decoded)) return;
+    std::u16string_view rest(decoded);
+    for (unsigned trail = firstTrail; trail <= lastTrail && !rest.empty(); ++trail) {
+      const std::size_t length = std::min(rest.find(u'\n'), rest.size());
+      const bool isOne = length == 1 && rest[0] >= 0xA0 && rest[0] != zim::kReplacement;
+      if (isOne && m_codes[rest[0]] == 0)
+        m_codes[rest[0]] = static_cast<std::uint16_t>(lead << 8 | trail);
+      rest.remove_prefix(std::min(length + 1, rest.size()));
+    }
+  }
+}
+
+std::string CTextEncoder::getName() const {
+  return "ANSI_" + std::to_string(m_page == kCodePageUtf8 ? kCodePage1252 : m_page);
+}
+
+bool CTextEncoder::has(zim::Char unit) const {
+  if (unit < 0x80) return true;
+  return m_page == kCodePageUtf8 ? unit != 0x85 : m_codes[unit] != 0;
+}
+
+void CTextEncoder::append(std::u16string_view text, bool asciiOnly, std::string& out) const {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const zim::Char unit = text[i];
+    if (encodeSpecial(text, i, out)) continue;
+    if (!has(unit) || (asciiOnly && unit >= 0x80)) {
+      appendUnitEscape(isUnpaired(text, i) ? zim::Char{zim::kReplacement} : unit, out);
+    } else if (m_page == kCodePageUtf8) {
+      std::u16string_view rest = text.substr(i);
+      zim::appendUtf8(out, zim::takeUtf16(rest));
+      i = text.size() - rest.size() - 1;
+    } else {
+      const unsigned code = unit < 0x80 ? unit : m_codes[unit];
+      if (code > 0xFF) out += static_cast<char>(code >> 8);
+      out += static_cast<char>(code & 0xFF);
+    }
+  }
+}
+
+// Readers may take bytes that are valid UTF-8 for that whatever the header says.
+void CTextEncoder::encode(std::u16string_view text, std::string& out) const {
+  const std::size_t start = out.size();
+  append(text, false, out);
+  const std::string_view made = std::string_view(out).substr(start);
+  if (m_page == kCodePageUtf8 || isAscii(made) || !zim::isValidUtf8(made)) return;
+  out.resize(start);
+  append(text, true, out);
 }
 
 void encodeLine(std::u16string_view text, std::string& out) { encode(text, false, out); }

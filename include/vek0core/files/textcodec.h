@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "vek0core/export.h"
 #include "zim0lang/wstring.h"
@@ -90,9 +92,30 @@ VEK0_API std::u16string decodeEscapes(std::u16string_view text);
 /// decoding with `CTextDecoder(kCodePageAuto).decodeText` or `kCodePage1252` restores the text.
 VEK0_API void encodeText(std::u16string_view text, std::string& out);
 
-/// As `encodeText`, but in UTF-8, as files from version AC1021 on require; only U+0085, which some
-/// readers take for a line end, is written as `\U+0085`.
-VEK0_API void encodeUtf8Text(std::u16string_view text, std::string& out);
+/// Encodes texts for a written file in any code page, with the escapes of `encodeText`.
+class VEK0_API CTextEncoder {
+ public:
+  /// `page` is UTF-8 or built in; or 932, 936, 949 or 950 if there is a `MultiByteDecoder`, from
+  /// which the encoder learns the page: it then contains only what the decoder yields. With any
+  /// other page, everything but ASCII is escaped. In UTF-8 only U+0085, which some readers take for
+  /// a line end, is.
+  explicit CTextEncoder(int page = kCodePage1252);
+
+  /// The name of the page in the header of a drawing, such as "ANSI_1252", which also stands for
+  /// UTF-8.
+  std::string getName() const;
+  /// Whether the unit is written without an escape.
+  bool has(zim::Char unit) const;
+  /// Appends the text to `out`.
+  void encode(std::u16string_view text, std::string& out) const;
+
+ private:
+  void learn();
+  void append(std::u16string_view text, bool asciiOnly, std::string& out) const;
+
+  int m_page;
+  std::vector<std::uint16_t> m_codes;  // of every unit, one or two bytes; 0: none
+};
 
 /// As `encodeText` for a complete, already formatted line: control characters, carets and
 /// backslashes are left unchanged.

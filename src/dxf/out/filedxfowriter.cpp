@@ -132,8 +132,8 @@ std::string_view CFileDXFOWriter::encoded(std::u16string_view text) {
   for (;;) {
     if (keep < text.size() && vek0::detail::isHighSurrogate(text[keep - 1])) --keep;
     m_text.clear();
-    m_utf8 ? encodeUtf8Text(text.substr(0, keep), m_text)
-           : encodeText(text.substr(0, keep), m_text);
+    const std::u16string_view kept = text.substr(0, keep);
+    m_encoder ? m_encoder->encode(kept, m_text) : encodeText(kept, m_text);
     if (m_text.size() <= kLongestValue) break;
     cut = true;
     keep = std::min(keep - 1, keep * kLongestValue / m_text.size());

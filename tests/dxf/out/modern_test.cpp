@@ -141,6 +141,18 @@ TEST_F(Modern, NamesAndTextsKeepTheirCharacters) {
   }
 }
 
+// Before UTF-8, the code page has the characters of all names, if there is such a page.
+TEST_F(ModernNames, DetermineTheCodePage) {
+  for (const Row& t : rows()) {
+    const Drawing d = newDrawing();
+    addNewLayer(*d, t.wide("name"));
+    const std::string bytes = savedAs(*d, DxfVersion::R2000);
+    EXPECT_TRUE(contains(bytes, "\n" + t.text("bytes") + "\n"));
+    EXPECT_TRUE(contains(bytes, "$DWGCODEPAGE\n  3\n" + t.text("page") + "\n"));
+    EXPECT_TRUE(getLayer(*loadedAnyhow(bytes), t.wide("name")));
+  }
+}
+
 TEST_F(Modern, RefusesWhatBelongsToR12AndWritesR12AsBefore) {
   const Drawing d = drawingOf("0 POINT; 10 0; 20 0");
   for (const unsigned flag : {kSaveFlatten, kSaveVisibleOnly, kSaveNoTables}) {

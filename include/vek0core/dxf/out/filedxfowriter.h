@@ -11,6 +11,7 @@
 #include "zim0lang/casefold.h"
 
 class CFileReport;
+class CTextEncoder;
 class IFile;
 
 /// Formats DXF group pairs, two lines each, and writes them to a file.
@@ -51,8 +52,8 @@ class VEK0_API CFileDXFOWriter {
   /// Whether to write real numbers as the shortest decimals that read back exactly; off by default.
   void setExact(bool exact) { m_exact = exact; }
 
-  /// Whether texts are UTF-8 instead of windows-1252; off by default.
-  void setUtf8(bool utf8) { m_utf8 = utf8; }
+  /// Sets the encoding of texts (borrowed); null, the default, for windows-1252.
+  void setEncoder(const CTextEncoder* encoder) { m_encoder = encoder; }
 
   /// Sets the report that receives cut texts; null, the default, for none. Borrowed.
   void setReport(CFileReport* report) { m_report = report; }
@@ -78,9 +79,9 @@ class VEK0_API CFileDXFOWriter {
   std::unique_ptr<char[]> m_buffer;
   std::size_t m_used = 0;
   std::string m_text;  // the text being encoded; a member to reuse its capacity
+  const CTextEncoder* m_encoder = nullptr;
   CFileReport* m_report = nullptr;
   bool m_exact = false;
-  bool m_utf8 = false;
   bool m_buffered = false;
   bool m_failed = false;
 };

@@ -2,8 +2,10 @@
 // that was read and written again gets the same numbers.
 #include "dxf/out/modern/fileplan.h"
 
+#include <algorithm>
 #include <cmath>
 #include <map>
+#include <set>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -92,6 +94,8 @@ FilePlan::FilePlan(const CData& of, const VersionRules& by, bool isSelectedOnly,
     : data(of), rules(by), report(to), filter(of, true), m_isSelectedOnly(isSelectedOnly) {
   listSpaces();
   listBlocks();
+  listItems();
+  chooseEncoding();
   nameItems();
   nameBlocks();
   nameSpaces();
@@ -122,7 +126,7 @@ double FilePlan::finite(double value, double fallback, std::u16string_view where
 
 std::string FilePlan::encoded(std::u16string_view text) const {
   std::string bytes;
-  rules.utf8 ? encodeUtf8Text(text, bytes) : encodeText(text, bytes);
+  encoder.encode(text, bytes);
   return bytes;
 }
 
@@ -195,10 +199,40 @@ void FilePlan::findBoundaries(SavedSpace& space) {
   }
 }
 
-void FilePlan::nameItems() {
+void FilePlan::listItems() {
   layerList = layersOf(data);
   ltypeList = ltypesOf(data, false);
   styleList = stylesOf(data);
+}
+
+// Not every program decodes escapes in names: the first code page that has all their characters.
+void FilePlan::chooseEncoding() {
+  constexpr int pages[] = {1252, 1250, 1251, 1253, 1254, 1255, 1256,
+                           1257, 1258, 874,  936,  932,  949,  950};
+  if (rules.utf8) {
+    encoder = CTextEncoder(kCodePageUtf8);
+    return;
+  }
+  std::set<zim::Char> used;
+  const auto note = [&used](const zim::WString& name) {
+    for (const zim::Char unit : name.view())
+      if (unit >= 0x80) used.insert(unit);
+  };
+  for (const CLayer* layer : layerList) note(layer->getFullName());
+  for (const CLtype* ltype : ltypeList) note(ltype->getFullName());
+  for (const ListedStyle& listed : styleList) note(listed.name);
+  for (const SavedBlock& saved : blocks) note(saved.block->getName());
+  for (const SavedSpace& space : spaces) note(space.name);
+  for (const int page : pages) {
+    const CTextEncoder fitting(page);
+    const auto isIn = [&fitting](zim::Char unit) { return fitting.has(unit); };
+    if (!std::all_of(used.begin(), used.end(), isIn)) continue;
+    encoder = fitting;
+    return;
+  }
+}
+
+void FilePlan::nameItems() {
   std::vector<OwnName> own;
   for (const CLayer* layer : layerList) own.push_back({layer->getFullName(), isDependent(*layer)});
   std::vector<zim::WString> names = itemNames(own, {}, false, report);

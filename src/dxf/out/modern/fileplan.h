@@ -14,6 +14,7 @@
 #include "vek0core/drawing/layout.h"
 #include "vek0core/entities/blocks/insertclip.h"
 #include "vek0core/files/report.h"
+#include "vek0core/files/textcodec.h"
 
 class CBlock;
 class CEntHatch;
@@ -111,6 +112,7 @@ class FilePlan {
   const CData& data;
   const VersionRules& rules;
   CFileReport* report;
+  CTextEncoder encoder;
   SaveFilter filter;
   SaveHandles handles;
   SavedItems<CLayer> layers;
@@ -134,6 +136,8 @@ class FilePlan {
   void addSpace(const CLayout* layout);
   void findBoundaries(SavedSpace& space);
   void countObjects();
+  void listItems();
+  void chooseEncoding();
   void nameItems();
   void nameBlocks();
   void nameSpaces();

@@ -18,7 +18,7 @@ class HeaderWriter {
 
   void write() {
     name("$ACADVER", 1, m_plan.rules.name);
-    name("$DWGCODEPAGE", 3, "ANSI_1252");
+    name("$DWGCODEPAGE", 3, m_plan.encoder.getName());
     writeAreas();
     writeCurrentItems();
     writeSettings();

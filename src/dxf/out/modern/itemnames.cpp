@@ -16,7 +16,8 @@ constexpr std::size_t kLongestItemName = 255;
 constexpr std::u16string_view kForbidden = u"<>/\\\":;?*|,=`";
 
 bool isForbidden(zim::Char c) {
-  return c < 0x20 || kForbidden.find(c) != std::u16string_view::npos;
+  const bool isControl = c < 0x20 || (c >= 0x7F && c < 0xA0);
+  return isControl || kForbidden.find(c) != std::u16string_view::npos;
 }
 
 std::u16string_view cut(std::u16string_view name, std::size_t length) {

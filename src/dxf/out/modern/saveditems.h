@@ -31,8 +31,10 @@ class SavedItems {
   /// Valid as long as the table.
   const SavedItem& operator[](const Item* item) {
     Slot& slot = m_slots[std::hash<const Item*>()(item) % kSlots];
-    if (slot.saved == nullptr || slot.item != item) slot = {item, &find(item)};
-    return *slot.saved;
+    if (slot.saved != nullptr && slot.item == item) return *slot.saved;
+    const SavedItem& found = find(item);
+    slot = {item, &found};
+    return found;
   }
 
  private:

@@ -32,7 +32,7 @@ class ModernSaver {
       : m_plan(plan), m_file(file), m_out(file), m_records(plan, m_out) {
     m_out.setBuffered(true);
     m_out.setExact(true);
-    m_out.setUtf8(plan.rules.utf8);
+    m_out.setEncoder(&plan.encoder);
     m_out.setReport(plan.report);
   }
 
@@ -142,7 +142,7 @@ void ModernSaver::writeContent(const SavedSpace& space) {
 }
 
 bool saveModern(const CData& data, IFile& file, const CFileDXFOOptions& options) {
-  constexpr unsigned accepted = kSaveExchange | kSaveSelectedOnly;
+  constexpr unsigned accepted = kSaveExchange | kSaveSelectedOnly | kSaveKeepNames;
   if ((options.flags & ~accepted) != 0 || !file.open()) return false;
   bool isSaved = false;
   try {

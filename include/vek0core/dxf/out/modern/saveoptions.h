@@ -17,7 +17,8 @@ VEK0_API const char* nameOf(DxfVersion version);
 struct CFileDXFOOptions {
   DxfVersion version = DxfVersion::R12;
   /// The constants of savedxf.h. Only R12 has all of them: later versions always write exact
-  /// numbers and unique names, and accept `kSaveExchange` and `kSaveSelectedOnly` alone.
+  /// numbers and unique names, and accept only `kSaveExchange`, `kSaveKeepNames`, which change
+  /// nothing, and `kSaveSelectedOnly`.
   unsigned flags = kSaveExchange;
   /// Borrowed, may be null; receives each difference between the file and the drawing.
   CFileReport* report = nullptr;
