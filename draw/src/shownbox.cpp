@@ -116,7 +116,7 @@ RECT_3D ShownBoxes::of(const CEnt& ent, double pixelSize) {
   if (!isText(ent) || !box.validRegion()) return box;
   // Accents and descenders extend beyond the metrics of a text.
   const double more =
-      kOverhang * std::fabs(static_cast<const CEntText&>(ent).getText().getContext().getHeight());
+      kOverhang * std::fabs(static_cast<const CEntText&>(ent).getText().getShownHeight());
   return RECT_3D(box.min - PNT_3D(more, more, 0), box.max + PNT_3D(more, more, 0));
 }
 

@@ -132,12 +132,21 @@ double TEXT_3D::stretch() const {
   return isNone ? 1 : factor;
 }
 
+double TEXT_3D::getShownHeight() const {
+  return m_context.getHeight() * (m_fit == TextFit::Size ? stretch() : 1);
+}
+
+double TEXT_3D::shownRotation() const {
+  const double rotation = m_context.getRotate();
+  if (!isVertical()) return rotation;
+  return std::fabs(std::remainder(rotation - kDownward, 2 * kPi)) < kSameAngle ? 0 : rotation;
+}
+
 CTextContext TEXT_3D::getShownContext() const {
   CTextContext shown(m_context);
+  shown.setHeight(getShownHeight());
+  shown.setRotate(shownRotation());
   if (m_fit == TextFit::Width) shown.setWidthScale(shown.getWidthScale() * stretch());
-  if (m_fit == TextFit::Size) shown.setHeight(shown.getHeight() * stretch());
-  const double turn = std::remainder(shown.getRotate() - kDownward, 2 * kPi);
-  if (isVertical() && std::fabs(turn) < kSameAngle) shown.setRotate(0);
   return shown;
 }
 
@@ -200,13 +209,13 @@ std::vector<STACKED_CHARACTER> TEXT_3D::getStack() const {
     if (!combines) stack.push_back({at, at, *this});
     stack.back().end = string.size() - rest.size();
   }
-  const CTextContext shown = getShownContext();
-  const double height = shown.getHeight(), slant = std::tan(shown.getOblique());
+  const double height = m_context.getHeight(), slant = std::tan(m_context.getOblique());
+  const double rotation = shownRotation();
   double up = columnLength(stack.size()) * static_cast<double>(getHorizAlign()) / 2 - height;
   for (STACKED_CHARACTER& character : stack) {
     const double width = widthOfPart(character.first, character.end);
     character.base.set(x - width / 2 + up * slant, y + up, z);
-    character.base.rotate(*this, shown.getRotate());
+    character.base.rotate(*this, rotation);
     up -= kPitch * height;
   }
   return stack;
@@ -228,18 +237,17 @@ void TEXT_3D::getExtremes(PNT_3D* corners) const {
     std::fill_n(corners, 4, PNT_3D(*this));
     return;
   }
-  const CTextContext shown = getShownContext();
-  const double height = shown.getHeight();
+  const double height = getShownHeight(), rotation = shownRotation();
   const double descent = fontOf(m_style).getDescent() * (height / heightUnitOf(m_style));
   const Box box = isVertical() ? columnBox() : Box{0, getStringLength(), -descent, height};
   const PNT_3D base = isVertical() ? PNT_3D(*this) : getBasePoint();
   const double along[4] = {box.left, box.right, box.right, box.left};
   const double up[4] = {box.low, box.low, box.high, box.high};
   // Obliqueness slants the text about its baseline.
-  const double slant = std::tan(shown.getOblique());
+  const double slant = std::tan(m_context.getOblique());
   for (int i = 0; i < 4; ++i) {
     corners[i].set(base.x + along[i] + up[i] * slant, base.y + up[i], z);
-    corners[i].rotate(base, shown.getRotate());
+    corners[i].rotate(base, rotation);
   }
 }
 

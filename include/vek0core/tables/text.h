@@ -80,6 +80,7 @@ class VEK0_API TEXT_3D : public PNT_3D {
   /// makes the string span its length, and the rotation is that of the characters. A string without
   /// width stays as it is.
   CTextContext getShownContext() const;
+  double getShownHeight() const;
 
   /// Offset from the insertion point to the start of the string as drawn; zero without a style.
   void getDeltaXY(double& dx, double& dy) const;
@@ -114,6 +115,7 @@ class VEK0_API TEXT_3D : public PNT_3D {
  private:
   double unitScale() const;
   double stretch() const;
+  double shownRotation() const;
   double widthOfPart(std::size_t first, std::size_t end) const;
   double columnLength(std::size_t count) const;
   // In the text's own directions.
