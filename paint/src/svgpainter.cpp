@@ -96,7 +96,7 @@ bool SvgPainter::finish() {
 }
 
 std::string SvgPainter::groupId(const std::string& layer) {
-  const std::string wanted = "layer-" + idPart(layer);
+  std::string wanted = "layer-" + idPart(layer);
   const auto [known, isNew] = m_groupIds.try_emplace(wanted, 1);
   if (isNew) return wanted;
   // A layer may have many groups, so numbers that are taken are not tried again. Different names
@@ -109,6 +109,13 @@ std::string SvgPainter::groupId(const std::string& layer) {
   return id;
 }
 
+std::string SvgPainter::openingTag(const Group& group) {
+  const std::string name = escapedXml(group.layer);
+  return "<g id=\"" + groupId(group.layer) + "\" inkscape:groupmode=\"layer\" inkscape:label=\"" +
+         name + "\" data-layer=\"" + name + "\" stroke=\"" + host::colorText(group.color) + "\"" +
+         (group.width == m_lineWidth ? std::string() : widthAttribute(group.width)) + ">\n";
+}
+
 std::string SvgPainter::nextHandleId() {
   const int n = ++m_handles[m_handle];
   // An entity can appear several times: in several groups, or clipped.
@@ -117,10 +124,7 @@ std::string SvgPainter::nextHandleId() {
 
 void SvgPainter::flushGroups() {
   for (const Group& group : m_groups) {
-    const std::string name = escapedXml(group.layer);
-    write("<g id=\"" + groupId(group.layer) + "\" inkscape:groupmode=\"layer\" inkscape:label=\"" +
-          name + "\" data-layer=\"" + name + "\" stroke=\"" + host::colorText(group.color) + "\"" +
-          (group.width == m_lineWidth ? std::string() : widthAttribute(group.width)) + ">\n");
+    write(openingTag(group));
     write(group.body);
     write(group.leavesClips + "</g>\n");
   }

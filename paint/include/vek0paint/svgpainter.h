@@ -56,6 +56,7 @@ class SvgPainter final : public SheetPainter {
   void flushGroups();
   Group& groupOfItem();
   std::string groupId(const std::string& layer);
+  std::string openingTag(const Group& group);
   std::string nextHandleId();
 
   void reach(const RECT_2D& box, bool isFill);
