@@ -6,7 +6,7 @@ namespace {
 
 // An insert at 10, 20 with a scale of 2, clipped to the box from 0, 0 to 4, 2 relative to it.
 const std::string kBlocks =
-    section("BLOCKS", pairsOf("0 BLOCK|8 0|2 B|70 0|10 0|20 0|0 POINT|8 A|10 0|20 0|0 ENDBLK|8 0"));
+    section("BLOCKS", pairsOf("0 BLOCK|8 0|2 B|70 0|10 0|20 1|0 POINT|8 A|10 0|20 0|0 ENDBLK|8 0"));
 const std::string kInsert =
     section("ENTITIES",
             pairsOf("0 INSERT|8 A|102 {ACAD_XDICTIONARY|360 A1|102 }|2 B|10 10|20 20|41 2|42 2"));
@@ -43,6 +43,13 @@ void expectClip(const char* what, const std::string& list, bool isClipped, long 
   CFileReport report;
   EXPECT_TRUE(SaveDXF(got.drawing(), file, kSaveExchange, &report));
   EXPECT_EQ(report.count("clip lost"), 1);
+  // Later versions keep it; their blocks have the base point 0.
+  CFileMemory later(u"later.dxf", IFile::kWrite);
+  EXPECT_TRUE(SaveDXF(got.drawing(), later, CFileDXFOOptions{DxfVersion::R2018}));
+  const Loaded again = loadText(later.bytes(), CFileDXFIPolicy::forAnyFile());
+  ASSERT_TRUE(again.only());
+  const std::vector<PNT_2D> moved{PNT_2D(0, -1), PNT_2D(2, -1), PNT_2D(2, 0), PNT_2D(0, 0)};
+  EXPECT_TRUE(static_cast<const CEntInsert&>(*again.only()).getClip()->boundary == moved);
 }
 
 }  // namespace

@@ -140,9 +140,13 @@ void FilePlan::listBlocks() {
     (isHatch ? ofHatches : inserted).insert(insert->getBlock());
     return true;
   };
-  for (const CBlock* block : blocksOf(data))
-    for (CBlock::CInsertIterator insert(*block); *insert; ++insert) look(**insert);
-  for (const SavedSpace& space : spaces) forEachIn(space, look);
+  // The search for uses is skipped for drawings without private blocks.
+  const std::vector<const CBlock*> own = blocksOf(data);
+  const auto isPrivate = [](const CBlock* block) { return block->getName()[0] == u'*'; };
+  const bool isNeeded = std::any_of(own.begin(), own.end(), isPrivate);
+  for (std::size_t i = 0; i < own.size() && isNeeded; ++i)
+    for (CBlock::CInsertIterator insert(*own[i]); *insert; ++insert) look(**insert);
+  for (std::size_t i = 0; i < spaces.size() && isNeeded; ++i) forEachIn(spaces[i], look);
   const CBlockXRefTable& xrefs = data.getBlockXRefTable();
   for (int i = 0; i < static_cast<int>(xrefs.size()); ++i)
     if (xrefs[i]) blocks.push_back({xrefs[i], true});

@@ -102,7 +102,7 @@ void writeLayout(const FilePlan& plan, CFileDXFOWriter& out, std::size_t index) 
   const RECT_2D paper = paperOf(space);
   out.writeEncoded(100, "AcDbLayout");
   out.writeText(1, space.name);
-  out.write(70, 1L);  // linetype patterns are as long as on paper
+  out.write(70, plan.data.getVars().isPaperLtypeScale());
   out.write(71, plan.tabOf(space));
   writePoint(out, 10, paper.min.x, paper.min.y);
   writePoint(out, 11, paper.max.x, paper.max.y);
