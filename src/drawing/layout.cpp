@@ -118,6 +118,15 @@ RECT_2D CLayout::getPaper() const {
   return paper;
 }
 
+RECT_2D CLayout::getPlottedArea() const {
+  const RECT_2D& window = m_plot.window;
+  const bool isPart = m_plot.area == PlotArea::Window && m_plot.hasPaper() && !m_plot.isWhole() &&
+                      window.min.x < window.max.x && window.min.y < window.max.y;
+  RECT_2D area;
+  area.initRegion();
+  return isPart ? window : area;
+}
+
 CLayout* CLayoutTable::get(std::u16string_view name) const {
   const auto found = std::find_if(m_layouts.begin(), m_layouts.end(), [name](const auto& layout) {
     return zim::equalsIgnoreCase(layout->getName().view(), name);

@@ -49,6 +49,10 @@ bool CTableRemapper::Remap(CUndoStack& undo) {
 }
 
 bool CTableRemapper::remapAll(CUndoStack* undo) {
+  m_unused.clear();
+  for (const auto& [layer, other] : m_layers)
+    if (other != nullptr && other != &m_data.getLayer0() && other->getEntities() <= 0)
+      m_unused.insert(other);
   return remapLtypes(undo) && remapLayers(undo) && remapEntities(undo) && remapViewports(undo) &&
          remapCurrent(undo);
 }
@@ -133,13 +137,17 @@ bool CTableRemapper::isAffected(const VIEWPORT& viewport) const {
          std::any_of(viewport.frozen.begin(), viewport.frozen.end(), changes);
 }
 
-// A viewport that hid a layer must not hide layer "0" instead, where other entities are.
+// A viewport that hid a layer must not hide another one instead that shows entities.
 void CTableRemapper::replaceItems(VIEWPORT& viewport) {
   if (CLayer* layer = replacementOf(m_layers, viewport.layer)) viewport.layer = layer;
   if (CLtype* ltype = replacementOf(m_ltypes, viewport.ltype)) viewport.ltype = ltype;
+  const std::set<CLayer*> frozen(viewport.frozen.begin(), viewport.frozen.end());
+  std::set<CLayer*> added;
   for (CLayer*& layer : viewport.frozen)
-    if (CLayer* other = replacementOf(m_layers, layer))
-      layer = other == &m_data.getLayer0() ? nullptr : other;
+    if (CLayer* other = replacementOf(m_layers, layer)) {
+      const bool isHidden = m_unused.count(other) != 0 && frozen.count(other) == 0;
+      layer = isHidden && added.insert(other).second ? other : nullptr;
+    }
   std::erase(viewport.frozen, nullptr);
 }
 

@@ -228,6 +228,13 @@ std::size_t BlockHeadSnapshot::size() const {
 
 void VarsSnapshot::swap(CData&) { std::swap(m_vars, m_kept); }
 
+std::size_t LayoutSnapshot::size() const {
+  std::size_t bytes = sizeof *this + m_viewports.size() * sizeof(VIEWPORT);
+  for (const VIEWPORT& viewport : m_viewports)
+    bytes += viewport.boundary.size() * sizeof(PNT_2D) + viewport.frozen.size() * sizeof(CLayer*);
+  return bytes;
+}
+
 void LayoutSnapshot::swap(CData&) {
   const PLOT_SETTINGS present = m_layout.getPlot();
   m_layout.setPlot(m_plot);

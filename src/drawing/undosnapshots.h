@@ -155,7 +155,7 @@ class LayoutSnapshot final : public UndoAction {
       : m_layout(layout), m_plot(layout.getPlot()), m_viewports(layout.getViewports()) {}
   bool isValid() const { return true; }
   void swap(CData& data) override;
-  std::size_t size() const override { return sizeof *this + m_viewports.size() * sizeof(VIEWPORT); }
+  std::size_t size() const override;
   const void* snapshotOf() const override { return &m_layout; }
 
  private:

@@ -55,7 +55,7 @@ struct VEK0_API VIEWPORT {
 /// table and books no handle. Throws `std::bad_alloc`.
 VEK0_API std::unique_ptr<CEntPolyline> createFrame(const VIEWPORT& viewport, CEntFactory& factory);
 
-/// What a layout plots.
+/// What a layout plots. Only `Extents`, `Window` and `Layout` differ: the others count as `Layout`.
 enum class PlotArea { Display, Extents, Limits, View, Window, Layout };
 
 /// How a sheet is plotted. Lengths on paper are millimeters as plotted: width and height are those
@@ -103,6 +103,9 @@ class VEK0_API CLayout {
   RECT_2D getBdry() const;
   /// The paper in drawing units of the sheet: what a plot shows. Empty without a known paper size.
   RECT_2D getPaper() const;
+  /// The part of the paper outside which nothing is plotted; empty if the paper itself is the
+  /// limit.
+  RECT_2D getPlottedArea() const;
 
  private:
   void count(bool isAdded) const;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 
 #include "vek0core/export.h"
 
@@ -15,7 +16,8 @@ struct VIEWPORT;
 /// Replaces layers, linetypes and text styles by others wherever a drawing refers to them: in
 /// layers, in the texts of linetypes, in the entities of model space and of every block, in the
 /// attributes of inserts, in the viewports of layouts, and among the current items. Layers that a
-/// viewport hides are not replaced by layer "0", but forgotten.
+/// viewport hides are replaced only by layers without entities, else they are removed from its
+/// list: it goes on showing those entities.
 ///
 /// The replaced items remain in their tables; nothing refers to them afterwards, so the caller may
 /// remove and delete them. Use counts are updated. A replacement is not replaced in turn. The
@@ -55,5 +57,6 @@ class VEK0_API CTableRemapper {
   std::map<CLayer*, CLayer*> m_layers;
   std::map<CLtype*, CLtype*> m_ltypes;
   std::map<CStyle*, CStyle*> m_styles;
+  std::set<CLayer*> m_unused;  // replacements without entities before they replace anything
   bool m_withXRefs;
 };

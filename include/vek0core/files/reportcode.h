@@ -86,9 +86,9 @@ enum class ReportCode : std::uint8_t {
             ///< active one
   LayoutDropped,   ///< a layout: of any name but "Model" and "Layout1" and so on, or with something
                    ///< on its sheet
-  ViewSimplified,  ///< a viewport whose view is not from above, in perspective, limited in depth or
-                   ///< hides lines; the sample says which. Views that are not from above or in
-                   ///< perspective are not drawn
+  ViewSimplified,  ///< a viewport whose view is not from above, in perspective, limited in depth,
+                   ///< hides lines or has no height; the sample says which. Views that are not from
+                   ///< above, in perspective or without a height are not drawn
   DrawOrderDropped,  ///< a sort table of an unknown block (sample 330), or entries of one that are
                      ///< incomplete (331) or contradict others (5)
   GroupDropped,      ///< a group of entities
@@ -123,7 +123,9 @@ enum class ReportCode : std::uint8_t {
   ClipLost,        ///< a clipped insert shows all of its block
   FixedInsert,     ///< an insert of fixed pixel size became an ordinary one
   HatchAsInsert,   ///< a hatch without the data of its boundary became an insert of its lines
-  PlotSettingsDropped,  ///< name, paper and plot settings of the layout whose sheet was saved
+  PlotSettingsDropped,  ///< name, paper and plot settings of the layout whose sheet was saved; of
+                        ///< a layout that was read, the plotted area "display" or "view", which
+                        ///< became the layout's, or the named table of plot styles
   LinetypeTextDropped,  ///< elements of a linetype other than dashes were omitted
   LineweightDropped,    ///< the line width of a layer was omitted
   LineweightRounded,    ///< a lineweight became the nearest one that the format has

@@ -8,6 +8,7 @@
 #include "dxf/out/savedcolor.h"
 #include "dxf/out/savednames.h"
 #include "dxf/out/savehandles.h"
+#include "dxf/sheetplot.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/dxf/out/filedxfowriter.h"
 #include "vek0core/entities/blocks/block.h"
@@ -32,17 +33,6 @@ bool showsNothing(const CLayout& layout) {
   return layout.getBlock().size() == 0 && layout.getViewports().empty();
 }
 
-// The plot settings that a reader derives from the limits.
-PLOT_SETTINGS impliedBy(const RECT_2D& limits) {
-  PLOT_SETTINGS plot;
-  if (!limits.validRegion()) return plot;
-  plot.width = limits.max.x - limits.min.x;
-  plot.height = limits.max.y - limits.min.y;
-  plot.area = PlotArea::Window;
-  plot.window = limits;
-  return plot;
-}
-
 }  // namespace
 
 const CLayout* savedSheet(const CData& data) {
@@ -64,7 +54,7 @@ void reportLayouts(const CData& data, const CLayout* saved, CFileReport& report)
     const CLayout& layout = data.getLayouts()[i];
     if (&layout == saved) {
       const bool isImplied = zim::equalsIgnoreCase(layout.getName(), u"LAYOUT1") &&
-                             layout.getPlot() == impliedBy(sheetLimits(layout));
+                             layout.getPlot() == plotOfLimits(sheetLimits(layout));
       if (!isImplied) report.add(ReportCode::PlotSettingsDropped, 0, layout.getName());
     } else if (!showsNothing(layout) || !isUsualLayoutName(layout.getName())) {
       report.add(ReportCode::LayoutDropped, 0, layout.getName());

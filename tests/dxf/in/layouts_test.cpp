@@ -60,10 +60,28 @@ TEST(Layouts, ViewportsShowTheModel) {
   }
 }
 
+// Of files without LAYOUT objects. The viewport is that of `kFrame`, 20 x 10 at (50, 40).
+TEST(Layouts, LimitsAreThePaper) {
+  for (const Row& t : rows()) {
+    const Loaded got = loadAny(section("HEADER", pairsOf(t.text("header"))) +
+                               section("ENTITIES", pairsOf(kFrame + "45 20")) + dxf());
+    ASSERT_EQ(got.data->getLayouts().size(), 1);
+    const PLOT_SETTINGS& plot = got.data->getLayouts()[0].getPlot();
+    EXPECT_LT(PNT_2D(plot.width, plot.height).dist(t.point("paper")), 1e-9);
+    EXPECT_EQ(plot.scale, t.real("scale"));
+    CFileReport report;
+    CFileMemory file(u"saved.dxf", IFile::kWrite);
+    EXPECT_TRUE(SaveDXF(got.drawing(), file, kSaveExchange, &report));
+    EXPECT_EQ(loadAny(file.bytes()).data->getLayouts()[0].getPlot() == plot,
+              report.count("plot settings dropped") == 0);
+  }
+}
+
 // Layers and boundaries are named by handles, which the file defines earlier or later.
 TEST(Layouts, ViewportsAreClippedAndHideLayers) {
   const std::string tables =
-      section("TABLES", table("LAYER", pairsOf("0 LAYER|5 2F|2 A|62 1|0 LAYER|5 30|2 B|62 1")));
+      section("TABLES", table("LAYER", pairsOf("0 LAYER|5 2F|2 A|62 1|0 LAYER|5 30|2 B|62 1|"
+                                               "0 LAYER|5 31|2 C|62 1")));
   const std::string boundary =
       "|0 LWPOLYLINE|5 77|8 A|67 1|70 1|90 3|10 0|20 0|10 4|20 0|10 4|20 3";
   for (const bool isKnown : {true, false}) {
@@ -80,10 +98,14 @@ TEST(Layouts, ViewportsAreClippedAndHideLayers) {
     CUndoStack undo(*got.data);
     EXPECT_FALSE(undo.remove(view.frozen[0])) << "it is in use";
     CTableRemapper remapper(*got.data, false);
-    remapper.ChangeInto(view.frozen[0], got.data->getLayerTable().get(u"A"));
+    // Entities on A remain visible, and C has none.
+    CLayer* const other = got.data->getLayerTable().get(isKnown ? u"A" : u"C");
+    remapper.ChangeInto(view.frozen[0], other);
     EXPECT_TRUE(remapper.Remap(undo));
-    EXPECT_EQ(onlyViewport(got).frozen[0]->getName(), u"A");
+    const std::vector<CLayer*> hidden = onlyViewport(got).frozen;
+    EXPECT_EQ(hidden, isKnown ? std::vector<CLayer*>() : std::vector<CLayer*>{other});
     undo.undo();
+    ASSERT_EQ(onlyViewport(got).frozen.size(), 1u);
     EXPECT_EQ(onlyViewport(got).frozen[0]->getName(), u"B");
     const CDataPtr copy(cloneData(*got.data));
     EXPECT_EQ(copy->getLayouts()[0].getViewports()[0].frozen[0], copy->getLayerTable().get(u"B"));

@@ -1,7 +1,7 @@
 #include "dxf/in/parse/droppedobjects.h"
 
+#include "dxf/in/parse/layoutobject.h"
 #include "dxf/layoutname.h"
-#include "files/number.h"
 #include "vek0core/files/report.h"
 
 namespace vek0::detail {
@@ -13,16 +13,10 @@ void DroppedObjects::readRecord() {
   }
 }
 
-// The plot settings come first and use the same codes.
 void DroppedObjects::readLayout() {
-  Layout layout{{}, 0, m_lexer.getLine()};
-  bool isLayout = true;
-  for (long code = m_lexer.read(); code != 0 && !m_err.HasAnError(); code = m_lexer.read()) {
-    if (code == 100) isLayout = !m_lexer.isKeyword("ACDBPLOTSETTINGS");
-    if (isLayout && code == 1) layout.name = m_lexer.getText();
-    if (isLayout && code == 330) layout.sheet = parseHex(m_lexer.getBytes());
-  }
-  m_layouts.push_back(std::move(layout));
+  LayoutObject layout;
+  layout.read(m_lexer, m_err);
+  m_layouts.push_back({layout.name, layout.sheet, layout.line});
 }
 
 void DroppedObjects::tell() const {

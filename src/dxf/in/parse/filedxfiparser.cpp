@@ -14,6 +14,7 @@
 #include "dxf/in/parse/sectioninput.h"
 #include "dxf/in/parse/sheets.h"
 #include "dxf/in/parse/tablessection.h"
+#include "dxf/sheetplot.h"
 #include "vek0core/files/file.h"
 #include "vek0core/files/textcodec.h"
 
@@ -170,7 +171,7 @@ void CFileDXFIParser::readEnd() {
   if (all.in.loader && all.in.loader->isSheetUsed())
     all.dropped.addSheet(all.blocks.getActiveSheet());
   all.dropped.tell();
-  all.sheets.settle(all.header.getSheetLimits());
+  all.sheets.settle(vek0::detail::plotOfLimits(all.header.getSheetLimits(), all.header.isMetric()));
   all.order.settle();
   if (all.in.loader) all.in.loader->getClips().settle();
   all.tables.settle();

@@ -30,6 +30,8 @@ class HeaderSection {
   const zim::WString& getCodePageName() const { return m_codePageName; }
   long getUnits() const { return m_units; }
   long getMeasurement() const { return m_measurement; }
+  /// Whether the drawing is known to be in metric units.
+  bool isMetric() const { return m_measurement == 1 || m_units > kFeet; }
   const PNT_3D& getInsertionBase() const { return m_insertionBase; }
   /// Limits of the current sheet; empty unless the header states both corners in order.
   RECT_2D getSheetLimits() const;
@@ -50,6 +52,7 @@ class HeaderSection {
   zim::WString m_curLtype = u"ByLayer", m_curLayer = u"0", m_curStyle = u"Standard";
   short m_version = 0;  // 0 none seen, 1 R12 ... 4 AC1015
   zim::WString m_versionName, m_codePageName;
+  static constexpr long kFeet = 2;
   long m_units = 0, m_measurement = -1;
   PNT_3D m_insertionBase{0, 0, 0};
   PNT_2D m_sheetMin{0, 0}, m_sheetMax{0, 0};

@@ -13,7 +13,6 @@
 
 #include "vek0core/entities/entcircle.h"
 #include "vek0core/entities/entpolyline.h"
-#include "vek0core/geometry/finite.h"
 #include "zim0lang/casefold.h"
 
 namespace vek0::detail {
@@ -69,6 +68,23 @@ std::size_t ownOf(const std::vector<ReadViewport>& viewports) {
   for (std::size_t i = 0; i < viewports.size(); ++i)
     if (viewports[i].number == 1) return i;
   return !viewports.empty() && viewports[0].number <= 0 ? 0 : viewports.size();
+}
+
+// Limits that nobody has set: A3, or its American counterpart.
+bool isUsual(const RECT_2D& limits) {
+  return limits.min == PNT_2D(0, 0) &&
+         (limits.max == PNT_2D(420, 297) || limits.max == PNT_2D(12, 9));
+}
+
+bool isWithin(const RECT_2D& limits, const std::vector<ReadViewport>& viewports) {
+  for (std::size_t i = 0, own = ownOf(viewports); i < viewports.size(); ++i) {
+    const VIEWPORT& view = viewports[i].view;
+    const double x = view.width / 2, y = view.height / 2;
+    if (i != own && !limits.inside(RECT_2D(view.center.x - x, view.center.y - y, view.center.x + x,
+                                           view.center.y + y)))
+      return false;
+  }
+  return true;
 }
 
 }  // namespace
@@ -132,13 +148,13 @@ Sheets::Content* Sheets::blockOf(std::uint64_t record) {
   return found == m_blocks.end() ? nullptr : &found->second;
 }
 
-void Sheets::settle(const RECT_2D& limits) {
+void Sheets::settle(const PLOT_SETTINGS& plot) {
   std::stable_sort(m_objects.begin(), m_objects.end(),
                    [](const LayoutObject& a, const LayoutObject& b) { return a.tab < b.tab; });
   const LayoutObject* active = findActive();
   for (const LayoutObject& object : m_objects)
     if (!object.isModel() && !m_err.HasAnError()) create(object, &object == active);
-  if (!m_err.HasAnError()) createRest(limits);
+  if (!m_err.HasAnError()) createRest(plot);
 }
 
 // The layout of the current sheet: the one with its block, or if files name no blocks, the first.
@@ -165,18 +181,14 @@ void Sheets::create(const LayoutObject& object, bool isCurrent) {
     content.append(m_named[{}]);
     content.block = zim::WString(kActiveBlock);
   }
+  if (!content.showsNothing())
+    for (const zim::WString& lost : object.losses())
+      m_in.noteAt(object.line, ReportCode::PlotSettingsDropped, lost);
   fill(object.name, object.settings(), content);
 }
 
 // Sheets without a LAYOUT object. A sheet that shows nothing is no layout then.
-void Sheets::createRest(const RECT_2D& limits) {
-  PLOT_SETTINGS plot;
-  if (limits.validRegion() && isFinite(limits.max - limits.min)) {
-    plot.width = limits.max.x - limits.min.x;
-    plot.height = limits.max.y - limits.min.y;
-    plot.area = PlotArea::Window;
-    plot.window = limits;
-  }
+void Sheets::createRest(const PLOT_SETTINGS& plot) {
   const auto active = m_named.find({});
   for (auto& [name, content] : m_blocks)
     if (isActive(content.block) && active != m_named.end()) content.append(active->second);
@@ -191,7 +203,8 @@ void Sheets::createRest(const RECT_2D& limits) {
       while (!isNamed && (name.empty() || !names.insert(folded(name)).second))
         name = kUsualName + toText(++number);
       if (content.block.empty() && key.empty()) content.block = zim::WString(kActiveBlock);
-      fill(zim::WString(name), plot, content);
+      const bool isPaper = !isUsual(plot.window) || isWithin(plot.window, content.viewports);
+      fill(zim::WString(name), isPaper ? plot : PLOT_SETTINGS(), content);
     }
 }
 

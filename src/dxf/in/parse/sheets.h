@@ -10,7 +10,6 @@
 #include "dxf/in/parse/layoutobject.h"
 #include "dxf/in/parse/tablessection.h"
 #include "dxf/in/records/viewportreader.h"
-#include "vek0core/geometry/rect.h"
 
 namespace vek0::detail {
 
@@ -33,8 +32,8 @@ class Sheets {
                 std::vector<ReadViewport> viewports);
   /// Reads the LAYOUT object at whose group 0 the lexer is positioned.
   void readObject();
-  /// Creates the layouts. `limits` are those of the sheet of files without LAYOUT objects.
-  void settle(const RECT_2D& limits);
+  /// Creates the layouts. `plot` is that of sheets without LAYOUT objects.
+  void settle(const PLOT_SETTINGS& plot);
 
  private:
   // Owns its entities.
@@ -60,7 +59,7 @@ class Sheets {
   Content* blockOf(std::uint64_t record);
   const LayoutObject* findActive();
   void create(const LayoutObject& object, bool isCurrent);
-  void createRest(const RECT_2D& limits);
+  void createRest(const PLOT_SETTINGS& plot);
   void fill(const zim::WString& name, const PLOT_SETTINGS& plot, Content& content);
   std::vector<VIEWPORT> viewportsOf(Content& content);
   void settleView(ReadViewport& viewport, const Handles& entities);
@@ -73,7 +72,7 @@ class Sheets {
   std::unordered_map<std::uint64_t, std::u16string> m_records;  // their names, by block record
   std::map<std::u16string, Content> m_named;  // by folded names of layouts; "": the current one
   std::vector<LayoutObject> m_objects;
-  std::size_t m_room = 10'000'000;  // points left for boundaries, of which viewports may share one
+  std::size_t m_room = 1'000'000;  // points left for boundaries, of which viewports may share one
 };
 
 }  // namespace vek0::detail

@@ -5,12 +5,13 @@
 #include <cmath>
 
 #include "files/number.h"
+#include "zim0lang/casefold.h"
 
 namespace vek0::detail {
 namespace {
 
 constexpr long kFrozen = 331, kAlsoFrozen = 341, kBoundary = 340;
-constexpr long kName = 1003, kPoint = 1010, kReal = 1040;
+constexpr long kMark = 1000, kOwner = 1001, kName = 1003, kPoint = 1010, kReal = 1040;
 
 // Bits of code 90.
 constexpr long kPerspective = 1, kFrontClip = 2, kBackClip = 4, kHidesLines = 0x800,
@@ -22,17 +23,19 @@ struct ViewportCodes {
   }
 };
 
-// The data under "MVIEW": target, direction; twist, height and center of the view, and others.
+// The data under "MVIEW": target, direction; twist, height and center of the view, and others. The
+// data of other programs is lost.
 class ViewData {
  public:
-  void take(long code, const CFileDXFILexer& lexer, ReadViewport& viewport) {
-    const double value = parseDouble(lexer.getBytes()).value;
-    if (code == kName) viewport.frozenNames.push_back(lexer.getText());
-    const long axis = (code - kPoint) / 10;
-    const bool isPoint = code >= kPoint && code < kReal && (code - kPoint) % 10 == 0;
-    if (isPoint && axis == 0) ++m_noPoints;
-    if (isPoint && m_noPoints >= 1 && m_noPoints <= 2) m_points[m_noPoints - 1][axis] = value;
-    if (code == kReal && m_noReals < kReals) m_reals[m_noReals++] = value;
+  void take(long code, const RecordReader& in, ReadViewport& viewport) {
+    const CFileDXFILexer& lexer = in.lexer();
+    if (code == kOwner) {
+      m_isOurs = zim::equalsIgnoreCase(lexer.getText(), u"ACAD");
+      m_isView = false;
+      if (!m_isOurs) in.note(ReportCode::CodeDropped, u"1001");
+    }
+    if (code == kMark) m_isView = m_isOurs && zim::equalsIgnoreCase(lexer.getText(), u"MVIEW");
+    if (m_isView) takeView(code, lexer, viewport);
   }
   bool isWhole() const { return m_noPoints >= 2 && m_noReals >= 4; }
   PNT_3D target() const { return PNT_3D(m_points[0][0], m_points[0][1], m_points[0][2]); }
@@ -42,7 +45,17 @@ class ViewData {
   PNT_2D center() const { return PNT_2D(m_reals[2], m_reals[3]); }
 
  private:
+  void takeView(long code, const CFileDXFILexer& lexer, ReadViewport& viewport) {
+    const double value = parseDouble(lexer.getBytes()).value;
+    if (code == kName) viewport.frozenNames.push_back(lexer.getText());
+    const long axis = (code - kPoint) / 10;
+    const bool isPoint = code >= kPoint && code < kReal && (code - kPoint) % 10 == 0;
+    if (isPoint && axis == 0) ++m_noPoints;
+    if (isPoint && m_noPoints >= 1 && m_noPoints <= 2) m_points[m_noPoints - 1][axis] = value;
+    if (code == kReal && m_noReals < kReals) m_reals[m_noReals++] = value;
+  }
   static constexpr int kReals = 4;
+  bool m_isOurs = false, m_isView = false;
   int m_noPoints = 0, m_noReals = 0;
   double m_points[2][3] = {{0, 0, 0}, {0, 0, 1}};
   double m_reals[kReals] = {};
@@ -82,7 +95,7 @@ bool readViewport(RecordReader& in, ReadViewport& viewport) {
     else if (code < 1000)
       viewport.frozen.push_back(handle);
     else
-      data.take(code, in.lexer(), viewport);
+      data.take(code, in, viewport);
   };
   if (!in.read(kind, ViewportCodes(), 2, take)) return false;
   const Record& r = in.record();
@@ -92,6 +105,7 @@ bool readViewport(RecordReader& in, ReadViewport& viewport) {
   view.height = r.real(41);
   PNT_3D direction;
   takeView(r, data, view, direction);
+  if (r.seen.has(45)) viewport.frozenNames.clear();
   constexpr double upright = 1e-9;
   const long flags = r.integer(90);
   view.isPlan = direction.z > 0 && std::hypot(direction.x, direction.y) <= upright * direction.z &&
@@ -101,6 +115,7 @@ bool readViewport(RecordReader& in, ReadViewport& viewport) {
   if (r.seen.has(90) && (flags & kHasBoundary) == 0) viewport.boundary = 0;
   viewport.number = r.integer(69);
   viewport.simplified = simplifiedOf(flags, view.isPlan);
+  if (view.isOn && !(view.viewHeight > 0)) viewport.simplified = "height";
   view.layer = r.layer;
   view.ltype = r.ltype;
   view.color = r.color;
