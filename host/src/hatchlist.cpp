@@ -1,11 +1,10 @@
 #include "vek0host/hatchlist.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <vector>
 
-#include "vek0core/geometry/angle.h"
+#include "degrees.h"
 #include "vek0core/hatch/catalogue.h"
 #include "zim0lang/wstring.h"
 
@@ -13,9 +12,6 @@ namespace vek0::host {
 namespace {
 
 std::string utf8(const zim::Char* text) { return zim::WString(text).toUtf8(); }
-
-// The catalog's angles have thirteen decimals; the original degrees have fewer.
-double degreesOf(double angleRad) { return std::round(angleRad / kRadiansPerDegree * 1e9) / 1e9; }
 
 Json toJson(const HATCH_LINE& line) {
   Json family;

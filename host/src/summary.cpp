@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "degrees.h"
 #include "vek0host/editing.h"
 #include "vek0host/entitycounts.h"
 #include "vek0host/propertytext.h"
@@ -76,7 +77,7 @@ Json viewportToJson(const VIEWPORT& viewport) {
           {"height", finite(viewport.height)},
           {"view_center", finite(viewport.viewCenter)},
           {"view_height", finite(viewport.viewHeight)},
-          {"twist", finite(viewport.twistRad / kRadiansPerDegree)},
+          {"twist", finite(degreesOf(viewport.twistRad))},
           {"frozen", frozen}};
 }
 
