@@ -32,7 +32,7 @@ void Walker::drawClipped(CEntInsert& ent) {
   }
   RECT_2D box;
   box.set(boundary.data(), static_cast<int>(boundary.size()));
-  box.inflate(m_penReach, m_penReach);
+  box.inflate(m_reach, m_reach);
   const RECT_2D window = m_window;
   if (window.intersect(box, m_window)) {
     const bool clips = m_out.pushClip(boundary);

@@ -49,11 +49,27 @@ void Emitter::begin(const DrawItem& item) {
   m_isTold = false;
 }
 
-bool Emitter::pushClip(const std::vector<PNT_2D>& points) {
+bool Emitter::tryClip(const std::vector<PNT_2D>& points) {
   const bool isPushed = areNear(points) && m_painter.pushClip(points.data(), points.size());
-  if (!isPushed) noteUnclipped();
   // A place counts as drawn only under the same clip.
   ++m_epoch;
+  return isPushed;
+}
+
+bool Emitter::pushClip(const std::vector<PNT_2D>& points) {
+  const bool isPushed = tryClip(points);
+  if (!isPushed) noteUnclipped();
+  return isPushed;
+}
+
+// Without a clip, the view would cover the sheet.
+bool Emitter::pushViewClip(const std::vector<PNT_2D>& points) {
+  if (tryClip(points)) return true;
+  RECT_2D box;
+  box.set(points.data(), static_cast<int>(points.size()));
+  const bool isPushed =
+      tryClip({box.min, PNT_2D(box.max.x, box.min.y), box.max, PNT_2D(box.min.x, box.max.y)});
+  ++(isPushed ? m_result.boxed : m_result.blank);
   return isPushed;
 }
 

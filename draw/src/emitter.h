@@ -35,6 +35,9 @@ class Emitter {
 
   /// Returns false, and counts it, if the following content cannot be clipped.
   bool pushClip(const std::vector<PNT_2D>& points);
+  /// The same for a view, which may be clipped to the box of its polygon instead. Returns false,
+  /// and counts it, if nothing of the view may be shown.
+  bool pushViewClip(const std::vector<PNT_2D>& points);
   void popClip();
   void noteUnclipped() { ++m_result.unclipped; }
 
@@ -77,6 +80,7 @@ class Emitter {
 
  private:
   bool admit();
+  bool tryClip(const std::vector<PNT_2D>& points);
   void tellItem();
   void chargeStroke(const std::vector<PNT_2D>& points, bool closed);
   void chargeFill(const std::vector<PNT_2D>& points);

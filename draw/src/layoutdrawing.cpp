@@ -4,9 +4,9 @@
 #include "vek0draw/layoutdrawing.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <memory>
-#include <new>
 #include <unordered_set>
 #include <vector>
 
@@ -28,7 +28,7 @@ class LayoutDrawing {
         m_window(window),
         m_painter(painter),
         m_options(options),
-        m_aids(data, m_boxes) {}
+        m_aids(data, m_trees.boxes(), &m_trees) {}
 
   DRAW_RESULT run() {
     const bool viewsFirst = m_layout.getPlot().viewportsFirst;
@@ -39,17 +39,18 @@ class LayoutDrawing {
   }
 
  private:
+  // One frame at a time: viewports may share a long boundary.
   void drawSheet() {
     std::vector<CEnt*> entities;
     CBlock& sheet = m_layout.getBlock();
     for (unsigned i = 0; i < sheet.size(); ++i) entities.push_back(sheet[i]);
-    std::vector<std::unique_ptr<CEnt>> frames;
-    for (const VIEWPORT& viewport : m_layout.getViewports()) {
-      frames.push_back(createFrame(viewport, m_data.getEntFactory()));
-      entities.push_back(frames.back().get());
-    }
     Walker walker(m_data, CPOProjector(), m_window, m_painter, m_options, m_aids);
-    add(walker.run(entities));
+    DRAW_RESULT drawn = walker.run(entities);
+    for (const VIEWPORT& viewport : m_layout.getViewports()) {
+      const std::unique_ptr<CEnt> frame = createFrame(viewport, m_data.getEntFactory());
+      drawn = walker.run(std::array{frame.get()});
+    }
+    add(drawn);
   }
 
   void drawViews() {
@@ -57,7 +58,7 @@ class LayoutDrawing {
       const bool isOver = m_options.limit == 0 || m_options.pointLimit == 0;
       if (isOver) m_result.cut = true;
       if (isOver) return;
-      if (viewport.isOn && viewport.isPlan) drawView(viewport);
+      if (viewport.isOn) drawView(viewport);
     }
   }
 
@@ -66,7 +67,10 @@ class LayoutDrawing {
     std::vector<PNT_2D> boundary;
     for (const PNT_2D& corner : viewport.outline())
       boundary.emplace_back(m_window.getViewX(corner.x), m_window.getViewY(corner.y));
-    if (!isOnPage(boundary) || !findWindow(viewport, window)) return;
+    if (!isOnPage(boundary)) return;
+    const bool isBlank = !viewport.isPlan || !findWindow(viewport, window);
+    if (isBlank) ++m_result.blank;
+    if (isBlank) return;
     m_options.limit -= std::min(m_options.limit, kCostOfView);
     DRAW_OPTIONS options = m_options;
     if (m_data.getVars().isPaperLtypeScale()) options.patternFactor /= viewport.scale();
@@ -98,7 +102,9 @@ class LayoutDrawing {
     m_window.get(width, height);
     window.resize(width, height);
     window.set(shown);
-    return true;
+    // A window whose size was lost to rounding is rejected or enlarged.
+    constexpr double deviation = 1e-6;
+    return std::fabs(window.GetPixelSize() * scale / m_window.GetPixelSize() - 1) < deviation;
   }
 
   // What one view used up is not available to the others.
@@ -113,7 +119,7 @@ class LayoutDrawing {
   const CWndVpt& m_window;
   IPainter& m_painter;
   DRAW_OPTIONS m_options;
-  ShownBoxes m_boxes;
+  BlockTrees m_trees;
   const WalkerAids m_aids;  // there may be thousands of views
   DRAW_RESULT m_result;
 };

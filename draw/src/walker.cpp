@@ -18,6 +18,7 @@ namespace {
 constexpr int kMostChords = 4096;
 constexpr int kPlacedBits = 20;
 constexpr long kManyChords = 1 << 16;     // of a polyline: more count as unfolding
+constexpr double kLongestPattern = 100;   // that painters divide strokes by, in sides of the device
 constexpr double kEffortPerEntity = 128;  // of model space, beyond that of the options
 
 bool isWide(const WIDE_VERTEX& v) { return v.widthStart != 0 || v.widthEnd != 0; }
@@ -74,6 +75,7 @@ Walker::Walker(const CData& data, const IProjector& projector, const CWndVpt& wi
       m_place(m_drawing),
       m_stack(m_pixelSize),
       m_points(data.getVars(), m_drawing.scale(), heightOf(window), options.leastPoint),
+      m_reach(m_penReach + std::max(m_textReach, m_points.reach())),
       m_noLayer(u"0"),
       m_detail(cellOfDots(options)),
       m_specks(m_detail, widthOf(window)),
@@ -81,10 +83,10 @@ Walker::Walker(const CData& data, const IProjector& projector, const CWndVpt& wi
   long width, height;
   window.get(width, height);
   m_window.set(0, 0, static_cast<double>(width), static_cast<double>(height));
-  // What lies just outside may still reach into the window: wide pens, texts of linetypes, points.
-  const double reach = m_penReach + std::max(m_textReach, m_points.reach());
-  m_window.inflate(reach, reach);
+  // Content just outside may still reach into the window.
+  m_window.inflate(m_reach, m_reach);
   m_out.setLongest(static_cast<double>(std::max(width, height)));
+  m_longestPattern = kLongestPattern * static_cast<double>(std::max(width, height));
   // Large drawings may take proportionally longer.
   m_out.addEffort(kEffortPerEntity * static_cast<double>(data.getEntTable().getEntityTbl().size()));
 }
@@ -122,7 +124,7 @@ bool Walker::reaches(const CEnt& ent, const RECT_2D& box) const {
 bool Walker::narrowWindow(const std::vector<PNT_2D>& boundary) {
   RECT_2D box;
   box.set(boundary.data(), static_cast<int>(boundary.size()));
-  box.inflate(m_penReach, m_penReach);
+  box.inflate(m_reach, m_reach);
   const RECT_2D window = m_window;
   return window.intersect(box, m_window);
 }
@@ -191,8 +193,10 @@ const CLtypeComplexDashSeq* Walker::pattern() const {
 
 void Walker::strokeWay(bool closed) {
   const CLtypeComplexDashSeq* dashes = pattern();
-  m_dashes = dashes && m_out.hasDashes() && m_drawing.isSimilar()
-                 ? dashesOf(*dashes, patternScale() * m_drawing.scale())
+  const double scale = patternScale() * m_drawing.scale();
+  m_dashes = dashes && dashes->GetPatternLen() * scale <= m_longestPattern && m_out.hasDashes() &&
+                     m_drawing.isSimilar()
+                 ? dashesOf(*dashes, scale)
                  : DrawDashes();
   const bool isDivided = dashes && m_dashes.lengths.empty();
   if (!dashes || (isDivided && isTooManyDashes(*dashes))) return drawChain(m_way, closed);

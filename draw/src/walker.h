@@ -62,15 +62,15 @@ class Walker final : public IEntVisitor, private IPatternSink {
   }
 
   using Layers = std::unordered_set<const CLayer*>;
-  /// The same within a polygon of the device, and without these layers.
+  /// The same within a polygon of the device, and without these layers; within the polygon's box if
+  /// the painter cannot clip to it (`DRAW_RESULT::boxed`).
   template <class Entities>
   DRAW_RESULT runWithin(const Entities& entities, const std::vector<PNT_2D>& boundary,
                         const Layers& hidden) {
     m_frozen = hidden.empty() ? nullptr : &hidden;
-    if (m_hasDevice && narrowWindow(boundary)) {
-      const bool clips = m_out.pushClip(boundary);
+    if (m_hasDevice && narrowWindow(boundary) && m_out.pushViewClip(boundary)) {
       run(entities);
-      if (clips) m_out.popClip();
+      m_out.popClip();
     }
     m_frozen = nullptr;
     return m_out.result();
@@ -201,6 +201,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
   Placement m_place;          // from the innermost block to the device
   CEntInsertStack m_stack;
   const PointFigure m_points;
+  const double m_reach;  // of content beyond its box: wide pens, texts of linetypes, points
   const zim::WString m_noLayer;
 
   bool m_isEffortKnown = false;  // in full
@@ -219,6 +220,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
   double m_ltypeScale = 1;          // likewise
   std::vector<WIDE_VERTEX> m_way;   // scratch
   std::vector<PNT_2D> m_device;     // scratch
+  double m_longestPattern = 0;      // on the device, that painters receive
   DrawDashes m_dashes;              // for painters that have them, with the phase of a path's start
   std::vector<std::size_t> m_ends;  // scratch
 };

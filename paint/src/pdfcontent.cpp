@@ -151,6 +151,12 @@ void PdfContent::useWidth(long width) {
   m_out += " w\n";
 }
 
+void PdfContent::useDashes(const std::string& dashes) {
+  if (m_state.dashes == dashes) return;
+  m_state.dashes = dashes;
+  m_out += dashes + " d\n";
+}
+
 void PdfContent::startStrokes(long width, const std::string& dashes) {
   if (m_path != Strokes || m_state.width != width || m_state.dashes != dashes ||
       m_points >= kStrokeLimit) {
@@ -162,9 +168,7 @@ void PdfContent::startStrokes(long width, const std::string& dashes) {
   useAlpha();
   useColor(&State::stroke, " G\n", " RG\n");
   useWidth(width);
-  if (m_state.dashes == dashes) return;
-  m_state.dashes = dashes;
-  m_out += dashes + " d\n";
+  useDashes(dashes);
 }
 
 void PdfContent::startFills() {
@@ -314,6 +318,7 @@ void PdfContent::useTextMode(const PDF_RUN& run) {
   if (mode == 2) {
     useColor(&State::stroke, " G\n", " RG\n");
     useWidth(steps(run.stroke));
+    useDashes(kNoDashes);
   }
   if (m_state.textMode == mode) return;
   m_state.textMode = mode;

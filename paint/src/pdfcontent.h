@@ -63,17 +63,18 @@ class PdfContent {
 
   /// Numbers of the layers that have content on any page, by their names.
   const std::map<zim::WString, int>& layers() const { return m_layers; }
-  /// The opacities used on any page, other than 255.
+  /// The opacities that operators on any page name.
   const std::set<std::uint8_t>& alphas() const { return m_alphas; }
 
  private:
   enum Path { None, Strokes, Fills };
+  static constexpr const char* kNoDashes = "[] 0";
 
   // The graphics state, as the operators have set it.
   struct State {
     RGB_COLOR stroke, fill;
     long width = -1;  // steps; -1: not set
-    std::string dashes = "[] 0";
+    std::string dashes = kNoDashes;
     std::uint8_t alpha = 255;
     int font = -1;
     int textMode = 0;
@@ -84,7 +85,7 @@ class PdfContent {
   void appendPoint(long x, long y);
   void ring(const PNT_2D* points, std::size_t count, bool reversed);
 
-  void startStrokes(long width, const std::string& dashes = "[] 0");
+  void startStrokes(long width, const std::string& dashes = kNoDashes);
   void chain(const PNT_2D* points, std::size_t count);
   void startFills();
   void endPath();
@@ -95,6 +96,7 @@ class PdfContent {
   void useAlpha();
   void useColor(RGB_COLOR State::*color, const char* gray, const char* rgb);
   void useWidth(long width);
+  void useDashes(const std::string& dashes);
   void useTextMode(const PDF_RUN& run);
 
   PdfStream m_stream;

@@ -10,6 +10,8 @@ namespace vek0::paint {
 namespace {
 
 constexpr std::size_t kWriteSize = 1 << 16;
+// The table of objects states each position in ten digits.
+constexpr std::uint64_t kMostBytes = 10'000'000'000;
 constexpr std::uint64_t kHashBasis = 14695981039346656037ULL, kHashPrime = 1099511628211ULL;
 
 }  // namespace
@@ -39,7 +41,8 @@ void PdfFile::put(std::string_view bytes) {
 }
 
 void PdfFile::flush() {
-  m_good = m_good && m_file.writeBytes(m_buffer.data(), static_cast<long>(m_buffer.size()));
+  m_good = m_good && m_size < kMostBytes &&
+           m_file.writeBytes(m_buffer.data(), static_cast<long>(m_buffer.size()));
   m_buffer.clear();
 }
 

@@ -27,7 +27,8 @@ class PdfFile {
   int addStream(std::string_view bytes, const std::string& entries = {});
 
   /// Writes the table of objects, and an identifier computed from all bytes so far. Returns false
-  /// if anything could not be written. Call it once, after all reserved objects are written.
+  /// if anything could not be written, or if the file reached 10^10 bytes, which the table cannot
+  /// express. Call it once, after all reserved objects are written.
   bool finish(int catalog, int info);
 
  private:

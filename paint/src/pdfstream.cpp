@@ -2,6 +2,7 @@
 
 #include <zlib.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <new>
@@ -26,7 +27,9 @@ void appendInteger(std::string& out, std::int64_t value) {
 
 void appendReal(std::string& out, double value) {
   constexpr int kMostDecimals = 12;
-  const double size = std::fabs(value);
+  // The nearest integer and its digits are exact up to here.
+  constexpr double kMost = 1e15;
+  const double size = std::min(kMost, std::fabs(value));
   int decimals = 6;
   for (double limit = 1; decimals > 0 && size >= limit; limit *= 10) --decimals;
   for (double limit = 0.1; decimals < kMostDecimals && size < limit; limit /= 10) ++decimals;

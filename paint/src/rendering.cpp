@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -30,6 +31,14 @@ namespace {
 
 constexpr double kPixelsPerPoint = 600;  // about a microsecond each
 constexpr double kLeastPointPixels = 3;  // or points would hardly be seen
+// The layouts of a drawing together may take as long as so many of the largest.
+constexpr std::size_t kLargestPages = 4;
+
+// What a page may use of a limit, if the pages before it used that much.
+std::size_t remaining(std::size_t limit, std::size_t used) {
+  const std::size_t all = kLargestPages * limit;
+  return std::min(limit, all - std::min(all, used));
+}
 
 // The drawing unit: from the options, else from the file, else a millimeter.
 std::string unitOf(const RenderOptions& options, const ReadResult& result) {
@@ -93,7 +102,12 @@ class PartNames {
     const std::size_t room = kMostForBoth - std::min(kMostForBoth, m_stem.size());
     const std::string wanted = m_stem + "-" + fileName(part.toUtf8(), std::min(kMostForPart, room));
     std::string stem = wanted;
-    for (int n = 2; !m_names.insert(stem).second; ++n) stem = wanted + "-" + std::to_string(n);
+    const auto [known, isNew] = m_names.try_emplace(wanted, 1);
+    // Numbers that are taken are not tried again: many layouts may have the same name.
+    for (int& number = known->second; !isNew;) {
+      stem = wanted + "-" + std::to_string(++number);
+      if (m_names.try_emplace(stem, 1).second) break;
+    }
     const std::u8string file = (m_folder / toPath(stem + "." + m_extension)).u8string();
     return std::string(file.begin(), file.end());
   }
@@ -118,7 +132,7 @@ class PartNames {
 
   std::filesystem::path m_folder;
   std::string m_stem, m_extension;
-  std::unordered_set<std::string> m_names;
+  std::unordered_map<std::string, int> m_names;  // with the last number appended to each
 };
 
 // Renders drawings one after the other; failures go to the session.
@@ -229,14 +243,15 @@ class Renderer {
       if (!layout.getBdry().validRegion()) warn(in + ": layout " + name + " is empty");
       return layOutIn(data, in, options, layout.getBdry());
     }
-    const bool isPlain = !options.size && !options.scale && !options.window;
-    if (isPlain) options.size = {plot.width, plot.height, true};
+    const bool isPlain = !options.size && !options.scale;
+    if (isPlain && !options.window) options.size = {plot.width, plot.height, true};
     if (isPlain) options.scale = 1;
     if (!options.window) options.window = paper;
     return layOutIn(data, in, options, paper);
   }
 
-  PICTURE layOutIn(const CData& data, const std::string& in, PICTURE_OPTIONS layout,
+  // Completes the options.
+  PICTURE layOutIn(const CData& data, const std::string& in, PICTURE_OPTIONS& layout,
                    const RECT_2D& extents) {
     layout.defaultWeight = data.getVars().getDefaultLineweight() / 100.0;
     PICTURE picture = layOut(layout, extents);
@@ -262,13 +277,30 @@ class Renderer {
     return zim::WString::fromUtf8(stemOf(path)).toUtf8();
   }
 
-  DRAW_RESULT draw(const CData& data, const Page& page, IPainter& painter) const {
+  DRAW_RESULT draw(const CData& data, const Page& page, IPainter& painter) {
     CWndVpt window(1);
     // A device of n pixels spans n - 1 steps, and the sheet as many as it has units.
     window.resize(page.picture.sheet.width + 1, page.picture.sheet.height + 1);
     window.set(page.picture.world);
-    return page.layout ? drawLayout(data, *page.layout, window, painter, page.options)
-                       : drawData(data, *m_projector, window, painter, page.options);
+    if (!page.layout) return drawData(data, *m_projector, window, painter, page.options);
+    const bool isClipped = clipToPlot(*page.layout, window, painter);
+    DRAW_OPTIONS options = page.options;
+    options.limit = remaining(options.limit, std::max(m_drawn.emitted, m_drawn.looked));
+    options.pointLimit = remaining(options.pointLimit, m_drawn.points);
+    const DRAW_RESULT result = drawLayout(data, *page.layout, window, painter, options);
+    m_drawn += result;
+    if (isClipped) painter.popClip();
+    return result;
+  }
+
+  // A plot of a part of the sheet shows nothing outside it, unless the user chooses the part.
+  bool clipToPlot(const CLayout& layout, const CWndVpt& window, IPainter& painter) const {
+    const RECT_2D area = layout.getPlottedArea();
+    if (m_options.picture.window || !area.validRegion()) return false;
+    const double left = window.getViewX(area.min.x), right = window.getViewX(area.max.x);
+    const double bottom = window.getViewY(area.min.y), top = window.getViewY(area.max.y);
+    const PNT_2D corners[] = {{left, bottom}, {right, bottom}, {right, top}, {left, top}};
+    return painter.pushClip(corners, std::size(corners));
   }
 
   // At least one page; several only of a format that has pages.
@@ -281,12 +313,12 @@ class Renderer {
     bool written = file.open();
     if (written) {
       const auto painter = makePainter(m_options, file, pages[0].picture.sheet, m_fonts);
-      for (std::size_t i = 0; i < pages.size(); ++i) {
-        if (i > 0) painter->nextPage(pages[i].picture.sheet);
-        result += draw(data, pages[i], *painter);
+      for (std::size_t i = 0; i < pages.size() && written; ++i) {
+        written = i == 0 || painter->nextPage(pages[i].picture.sheet);
+        if (written) result += draw(data, pages[i], *painter);
       }
       // The painter writes the rest of the document, so its success counts as well.
-      written = painter->finish() && !file.fail();
+      written = painter->finish() && written && !file.fail();
       file.close();
     }
     if (!written) return fail(kOutputFailed, "'" + output.path() + "' cannot be written");
@@ -294,6 +326,12 @@ class Renderer {
       warn("'" + output.path() + "' shows " + std::to_string(result.unclipped) +
            " clipped inserts whole: clipping needs a plan view, and boundaries that are neither "
            "too long nor too many");
+    if (result.boxed > 0)
+      warn("'" + output.path() + "' shows " + std::to_string(result.boxed) +
+           " views within the rectangle around their boundary: there is too much to clip");
+    if (result.blank > 0)
+      warn("'" + output.path() + "' shows " + std::to_string(result.blank) +
+           " viewports empty: their views are not from above, or without a valid scale");
     reportShortcomings(output.path(), result);
     // Of split layers, those that show nothing get no file.
     if (result.emitted == 0 && !evenEmpty) return;
@@ -325,17 +363,18 @@ class Renderer {
   void renderLayouts(const CData& data, const std::string& in, const std::string& out) {
     const std::vector<const CLayout*> layouts = chosenLayouts(data);
     if (layouts.empty()) return fail(kDrawingFailed, in + ": " + whyNoLayout(data));
+    m_drawn = {};
     std::vector<Page> pages;
     for (const CLayout* layout : layouts) {
       const PICTURE picture = layOutSheet(data, in, *layout);
       const std::string name = layout->getName().toUtf8();
       if (!picture.error.empty()) {
-        fail(kWrongUsage, in + ": layout " + name + ": " + picture.error);
+        // A paper size that the file states is no fault of the user.
+        const bool isChosen = m_options.picture.size || m_options.picture.scale;
+        fail(isChosen ? kWrongUsage : kDrawingFailed,
+             in + ": layout " + name + ": " + picture.error);
         continue;
       }
-      const std::vector<VIEWPORT>& views = layout->getViewports();
-      if (std::any_of(views.begin(), views.end(), [](const auto& v) { return !v.isPlan; }))
-        warn(in + ": layout " + name + ": views that are not from above are not shown");
       pages.push_back({picture, layout, m_drawOptions});
     }
     if (pages.empty()) return;
@@ -360,6 +399,7 @@ class Renderer {
     std::vector<std::string> names;
     for (int i = 0; i < data.getLayouts().size(); ++i)
       names.push_back(data.getLayouts()[i].getName().toUtf8());
+    if (m_session.reading.strict) return "strict reading skips layouts";
     if (names.empty()) return "the drawing has no layouts";
     return "no layout is named " + *m_options.layout + "; there are: " + joined(names);
   }
@@ -370,6 +410,7 @@ class Renderer {
   FontLibrary m_fonts;
   std::unique_ptr<IProjector> m_projector;
   DRAW_OPTIONS m_drawOptions;
+  DRAW_RESULT m_drawn;  // of the layouts of the drawing so far
 };
 
 }  // namespace

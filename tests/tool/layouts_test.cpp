@@ -42,6 +42,23 @@ TEST_F(Layouts, ArePlottedToScale) {
   EXPECT_EQ(contents(path("current.svg")).substr(0, 500), svg.substr(0, 500));
 }
 
+// Nothing outside the plotted part of a sheet is shown, unless the user chooses the part.
+TEST_F(Layouts, PlotsOfAPartAreCutAtIt) {
+  write("a.dxf",
+        section("ENTITIES", pairsOf("0 LINE|5 1|8 A|67 1|10 0|20 0|11 150|21 0")) +
+            section("OBJECTS", pairsOf("0 LAYOUT|100 AcDbPlotSettings|44 200|45 100|72 1|74 4|48 0|"
+                                       "49 0|140 100|141 50|100 AcDbLayout|1 Plan|71 1")) +
+            dxf());
+  const auto clips = [this](const std::string& options) {
+    EXPECT_EQ(run("render a.dxf -f -o a.svg --layout Plan " + options).code, 0);
+    return contents(path("a.svg"));
+  };
+  EXPECT_NE(clips("").find("d=\"M0 10000h10000v-5000h-10000z\""), std::string::npos);
+  const std::string chosen = clips("--window 50,0,150,20");
+  EXPECT_EQ(chosen.find("clipPath"), std::string::npos);
+  EXPECT_NE(chosen.find("width=\"100mm\" height=\"20mm\""), std::string::npos) << "at its scale";
+}
+
 TEST_F(Layouts, AreFoundByName) {
   write("a.dxf", drawing());
   const Outcome missing = run("render a.dxf -o a.svg --layout Other");
@@ -50,6 +67,11 @@ TEST_F(Layouts, AreFoundByName) {
   const Outcome all = run("render a.dxf -o a.svg --layout all");
   EXPECT_EQ(all.code, 0);
   EXPECT_NE(all.err.find("Empty has no paper size"), all.err.npos);
+  EXPECT_EQ(run("render a.dxf --format pdf -o - --layout all").out.substr(0, 5), "%PDF-");
+  for (const char* options :
+       {"-o - --format svg --layout all", "-o b.svg --paper-space --split-layers",
+        "-o b.svg --layout Plan --view front", "-o b.svg --layout Plan --unit m"})
+    EXPECT_EQ(run(std::string("render a.dxf ") + options).code, 2) << options;
   EXPECT_NE(contents(path("a-Plan.svg")), "");
   EXPECT_NE(contents(path("a-Empty.svg")), "");
   const std::string info = run("info --json a.dxf").out;

@@ -143,6 +143,23 @@ TEST_F(Render, PdfsAreSound) {
   }
 }
 
+// Bold without a bold font is a stroke around the glyphs; dashes longer than the page are none.
+TEST_F(Render, DashesOfPdfsEndWithTheirLine) {
+  write("a.dxf",
+        section("TABLES", table("LTYPE", pairsOf("0 LTYPE|2 D|73 2|40 15|49 10|49 -5|"
+                                                 "0 LTYPE|2 H|73 2|40 2e17|49 1e17|49 -1e17")) +
+                              table("STYLE", pairsOf("0 STYLE|2 B|70 256|3 cmr10.ttf"))) +
+            section("ENTITIES", pairsOf("0 LINE|8 A|6 D|10 0|20 0|11 99|21 0|0 TEXT|8 A|7 B|"
+                                        "10 0|20 9|40 9|1 Bold|0 LINE|8 A|6 H|10 0|20 5|"
+                                        "11 99|21 5")) +
+            dxf());
+  ASSERT_EQ(run("render a.dxf -o a.pdf").code, 0);
+  const std::string content = pageContent(contents(path("a.pdf")));
+  if (content.find(" Tr\n") == std::string::npos) GTEST_SKIP() << "the font is bold";
+  EXPECT_LT(content.find("[] 0 d"), content.find(" Tr\n"));
+  EXPECT_EQ(occurrences(content, " d\n"), 2u) << "a dashed line, and none again";
+}
+
 TEST_F(Render, PdfsAreReproducible) {
   ASSERT_EQ(run("render " + kinds + " -o a.pdf").code, 0);
   ASSERT_EQ(run("render " + kinds + " -o b.pdf").code, 0);

@@ -84,6 +84,15 @@ void useArguments(Arguments& arguments) {
   arguments.render.textsAsOutlines = arguments.texts == "outlines";
 }
 
+// The error in options that only pictures of the model have, or an empty text.
+std::string layoutComplaint(const RenderOptions& options) {
+  if (!options.layout && !options.currentLayout) return {};
+  const char* const name = options.layout ? "--layout" : "--paper-space";
+  if (options.splitLayers) return std::string("--split-layers excludes ") + name;
+  if (!options.unit.empty()) return std::string("--unit excludes ") + name;
+  return options.view == "plan" ? std::string() : std::string("--view excludes ") + name;
+}
+
 void run(Arguments& arguments, Session& session) {
   const std::string& name = arguments.format.empty() ? arguments.out : arguments.format;
   std::optional<Format> format = formatOf(name);
@@ -94,8 +103,12 @@ void run(Arguments& arguments, Session& session) {
   // The short form for the current layout; elsewhere the option reads the sheet as the model.
   if (session.reading.paperSpace) arguments.render.currentLayout = !arguments.render.layout;
   session.reading.paperSpace = false;
-  const bool isPlural = arguments.render.splitLayers || arguments.render.layout == "all";
-  if (arguments.out == "-" && (arguments.all || isPlural))
+  if (const std::string complaint = layoutComplaint(arguments.render); !complaint.empty())
+    return session.fail(kWrongUsage, complaint);
+  // A PDF has a page per layout.
+  const bool isPlural = arguments.all || arguments.render.splitLayers ||
+                        (arguments.render.layout == "all" && format != Format::Pdf);
+  if (arguments.out == "-" && isPlural)
     return session.fail(kWrongUsage, "several pictures cannot be written to the standard output");
   useArguments(arguments);
   arguments.render.picture.format = *format;
@@ -144,7 +157,8 @@ void addViewOptions(CLI::App& verb, Arguments& arguments) {
       ->type_name("X1,Y1,X2,Y2")
       ->check(isA("a window like 0,0,100,50", parseWindow));
   verb.add_option("--layout", arguments.render.layout,
-                  "Plot this layout to scale on its paper, with its viewports; all plots every one")
+                  "Plot the layout NAME to scale on its paper; all plots every layout, as pages of "
+                  "one PDF or as OUT-NAME.svg and so on")
       ->type_name("NAME");
   verb.add_option("--view", arguments.render.view,
                   "plan, front, side, plan:DEG or parallel:a,b,c,d")
@@ -196,7 +210,8 @@ void addRenderCommand(CLI::App& app, Session& session) {
       ->required();
   verb->add_option(
           "-o,--output", arguments->out,
-          "File to write, .svg, .png or .pdf; - is the standard output; with --all a folder")
+          "File to write, .svg, .png or .pdf; - is the standard output; with --all a folder. "
+          "Pictures of layers or layouts append a name to it")
       ->type_name("FILE")
       ->required();
   verb->add_option("--format", arguments->format,
@@ -210,8 +225,7 @@ void addRenderCommand(CLI::App& app, Session& session) {
   addReferenceOptions(*verb, arguments->render.references);
   verb->add_flag("--all", arguments->all, "Render every IN into the folder given by -o");
   verb->add_flag("--split-layers", arguments->render.splitLayers,
-                 "One picture per layer (OUT-LAYER.svg and so on), all with the same window")
-      ->excludes("--layout");
+                 "One picture per layer (OUT-LAYER.svg and so on), all with the same window");
   verb->add_flag("-f,--force", arguments->render.force, "Replace output files that exist");
   verb->footer(
       "Examples:\n"

@@ -72,6 +72,12 @@ struct DRAW_RESULT {
   /// Clipped inserts that are shown unclipped: the painter cannot clip, the boundary has more than
   /// 1000 corners, or the view is not a plan view, for which a boundary is meaningless.
   std::size_t unclipped = 0;
+  /// Viewports that show the rectangle around their boundary, because the painter cannot clip to
+  /// the boundary itself.
+  std::size_t boxed = 0;
+  /// Viewports on the page whose view is not shown: it is not from above, states no scale, lies too
+  /// far from the origin for its scale, or the painter cannot clip at all.
+  std::size_t blank = 0;
   /// Primitives drawn as dots, areas, continuous lines or with fewer chords because there are too
   /// many; counts each visited cell of an array, and each hatch once.
   std::size_t simplified = 0;

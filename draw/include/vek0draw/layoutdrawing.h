@@ -5,7 +5,8 @@
 
 /// Emits the part of a sheet visible in the window, which is in drawing units of the sheet: its
 /// entities, the frames of its viewports, and through those that are on the model, clipped to their
-/// boundaries and without the layers frozen in them. Views that are not from above show nothing.
+/// boundaries and without the layers frozen in them. `DRAW_RESULT::blank` counts views that cannot
+/// be shown.
 ///
 /// Each viewport costs as much as `drawData` for its part of the window; the limits of the options
 /// apply to all of them together. Points and lineweights have the same size in

@@ -91,7 +91,8 @@ class IPainter {
   /// Hides everything outside the polygon until the matching `popClip` (even-odd rule; the last
   /// point is joined to the first). Clips nest, and only their intersection is visible. `begin` may
   /// be called in between. A painter that cannot clip, or not this polygon, returns false: then no
-  /// `popClip` follows, the content is drawn unclipped, and `DRAW_RESULT::unclipped` counts it.
+  /// `popClip` follows, the content of an insert is drawn unclipped, and `DRAW_RESULT::unclipped`
+  /// counts it; for a viewport, the rectangle around the polygon is tried next.
   virtual bool pushClip(const PNT_2D* /*points*/, std::size_t /*count*/) { return false; }
   virtual void popClip() {}
 };
