@@ -50,7 +50,7 @@ std::string reportToText(const CFileReport& report) {
 
 CFileReport auditOf(const std::string& path, const Session& session) {
   CFileReport report;
-  auditDXF(*openForReading(path, session), report);
+  auditDXF(*openForReading(path, session), report, session.reading.codePage);
   return report;
 }
 

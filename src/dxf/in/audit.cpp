@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <compare>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -16,6 +18,7 @@
 #include "vek0core/dxf/in/filedxfilexer.h"
 #include "vek0core/files/file.h"
 #include "vek0core/files/report.h"
+#include "vek0core/files/textcodec.h"
 #include "zim0lang/casefold.h"
 #include "zim0lang/wstring.h"
 
@@ -56,25 +59,18 @@ struct Use {
   long count = 0;
 };
 
-void count(Use& use, long line) {
-  if (use.count++ == 0) use.line = line;
-}
-
 struct Finding {
   ReportCode code;
   Use use;
   zim::WString sample;
 };
 
-struct Pointer {
-  long code;
-  Handle target;
-  bool operator==(const Pointer&) const = default;
-};
-struct PointerHash {
-  std::size_t operator()(const Pointer& p) const {
-    return std::hash<Handle>()(p.target * 512 + static_cast<Handle>(p.code));
-  }
+// A number that a record has or refers to: a handle, with what the finding is about.
+struct Reference {
+  Handle handle;
+  long about;  // a group code, or the number of a kind
+  long line;
+  auto operator<=>(const Reference&) const = default;
 };
 
 std::string hexDigits(Handle handle) {
@@ -99,14 +95,22 @@ class NameUses {
   }
 
   void report(const NameKind& kind, std::vector<Finding>& findings) const {
+    std::map<std::u16string, Name> undeclared;
     for (const auto& [bytes, name] : m_uses) {
-      bool isKnown = m_declared.count(folded(name.text)) != 0;
+      const std::u16string key = folded(name.text);
+      bool isKnown = m_declared.count(key) != 0;
       for (const std::u16string_view usual : kind.usual)
         isKnown = isKnown || zim::equalsIgnoreCase(name.text.view(), usual);
       if (isKnown) continue;
+      // The same name in other case.
+      Name& found = undeclared[key];
+      const long count = found.use.count + name.use.count;
+      if (found.use.count == 0 || name.use.line < found.use.line) found = name;
+      found.use.count = count;
+    }
+    for (const auto& [key, name] : undeclared)
       findings.push_back({ReportCode::NameUndeclared, name.use,
                           zim::WString::fromUtf8(kind.word) + u" " + name.text.view()});
-    }
   }
 
  private:
@@ -128,7 +132,10 @@ class NameUses {
 
 class Audit {
  public:
-  explicit Audit(IFile& file) : m_lexer(file, nullptr) { m_lexer.setTolerant(); }
+  Audit(IFile& file, int codePage) : m_lexer(file, nullptr) {
+    m_lexer.setTolerant();
+    if (codePage != kCodePageAuto) m_lexer.fixCodePage(codePage);
+  }
 
   void read() {
     while (!m_lexer.isCut()) {
@@ -144,17 +151,15 @@ class Audit {
   }
 
   void report(CFileReport& report) {
-    for (const auto& [handle, use] : m_repeated)
-      m_findings.push_back({ReportCode::HandleRepeated, use, text(hexDigits(handle))});
-    for (const auto& [kind, use] : m_ownerless)
-      m_findings.push_back({ReportCode::OwnerMissing, use, text(kind)});
-    for (const auto& [owner, uses] : m_owners)
-      if (m_handles.count(owner) == 0) addOwnerless(uses);
-    for (const auto& [pointer, use] : m_pointers)
-      if (m_handles.count(pointer.target) == 0)
-        m_findings.push_back(
-            {ReportCode::PointerDangling, use,
-             text(std::to_string(pointer.code) + " " + hexDigits(pointer.target))});
+    findRepeated();
+    findMissing(m_owners, [this](const Reference& owner) {
+      return Finding{ReportCode::OwnerMissing, {}, text(m_kinds[asIndex(owner.about)])};
+    });
+    findMissing(m_pointers, [](const Reference& pointer) {
+      return Finding{ReportCode::PointerDangling,
+                     {},
+                     text(std::to_string(pointer.about) + " " + hexDigits(pointer.handle))};
+    });
     for (int i = 0; i < kNames; ++i) m_names[i].report(kNameKinds[i], m_findings);
     const auto isBefore = [](const Finding& a, const Finding& b) {
       return std::pair(a.use.line, a.sample) < std::pair(b.use.line, b.sample);
@@ -166,11 +171,45 @@ class Audit {
   }
 
  private:
-  using UsesByKind = std::unordered_map<std::string, Use>;
-
   static zim::WString text(const std::string& utf8) { return zim::WString::fromUtf8(utf8); }
   bool is(std::string_view kind) const { return m_kind == kind; }
+  static std::size_t asIndex(long number) { return static_cast<std::size_t>(number); }
   bool isInObjects() const { return m_section != Section::Other && m_section != Section::Header; }
+
+  // Sorts the handles, of which only the first owner of each stays.
+  void findRepeated() {
+    std::sort(m_handles.begin(), m_handles.end());
+    std::size_t kept = 0;
+    for (const Reference& reference : m_handles) {
+      if (kept > 0 && m_handles[kept - 1].handle == reference.handle) {
+        addFinding({ReportCode::HandleRepeated, {}, text(hexDigits(reference.handle))},
+                   reference.line);
+      } else {
+        m_handles[kept++] = reference;
+      }
+    }
+    m_handles.resize(kept);
+  }
+
+  template <class MakeFinding>
+  void findMissing(std::vector<Reference>& references, const MakeFinding& make) {
+    std::sort(references.begin(), references.end());
+    auto handle = m_handles.begin();
+    for (const Reference& reference : references) {
+      while (handle != m_handles.end() && handle->handle < reference.handle) ++handle;
+      if (handle != m_handles.end() && handle->handle == reference.handle) continue;
+      addFinding(make(reference), reference.line);
+    }
+  }
+
+  // Equal findings follow one another.
+  void addFinding(Finding finding, long line) {
+    const bool isNew = m_findings.empty() || m_findings.back().code != finding.code ||
+                       m_findings.back().sample != finding.sample;
+    if (isNew) m_findings.push_back(std::move(finding));
+    Use& use = m_findings.back().use;
+    use.line = use.count++ == 0 ? line : std::min(use.line, line);
+  }
 
   void beginRecord() {
     m_kind = m_lexer.getBytes();
@@ -183,16 +222,17 @@ class Audit {
   // The frame of sections and tables are no objects.
   void endRecord() {
     if (!isInObjects() || m_kind.empty() || is("SECTION") || is("ENDTAB")) return;
-    if (m_handle != 0 && !m_handles.insert(m_handle).second) count(m_repeated[m_handle], m_line);
-    if (m_handle == 0 || !m_isOwned) return;
+    if (m_handle == 0) return;
+    m_handles.push_back({m_handle, 0, m_line});
     const bool isTop = m_hasOwner && m_owner == 0 && (is("TABLE") || is("DICTIONARY"));
-    if (isTop) return;
-    count(m_owner == 0 ? m_ownerless[m_kind] : m_owners[m_owner][m_kind], m_line);
+    if (m_isOwned && !isTop) m_owners.push_back({m_owner, numberOfKind(), m_line});
   }
 
-  void addOwnerless(const UsesByKind& uses) {
-    for (const auto& [kind, use] : uses)
-      m_findings.push_back({ReportCode::OwnerMissing, use, text(kind)});
+  // Of the record.
+  long numberOfKind() {
+    const auto [found, isNew] = m_kindNumbers.try_emplace(m_kind, m_kinds.size());
+    if (isNew) m_kinds.push_back(m_kind);
+    return static_cast<long>(found->second);
   }
 
   void take(long code) {
@@ -203,15 +243,20 @@ class Audit {
     takeName(code);
   }
 
-  // Owners of objects are in files from this version on.
   void takeVariable(long code) {
-    if (code == 9) m_isVersion = m_lexer.isKeyword("$ACADVER");
-    if (code == 1 && m_isVersion) m_isOwned = m_lexer.getBytes() >= "AC1015";
+    if (code == 9) m_variable = m_lexer.getBytes();
+    if (code == 1 && m_variable == "$ACADVER") m_version = m_lexer.getBytes();
+    if (code == 3 && m_variable == "$DWGCODEPAGE") m_codePage = m_lexer.getBytes();
+    if (code != 1 && code != 3) return;
+    m_isOwned = m_version >= "AC1015";
+    using namespace vek0::detail;
+    m_lexer.setCodePage(codePageOfDrawing(m_version, m_codePage), codePageFromName(m_codePage));
   }
 
   void takeReference(long code) {
     if (code == 102) m_isInGroup = m_lexer.getBytes().starts_with('{');
     if (code == 100) m_isInClass = true;
+    // Handle and owner precede the first subclass marker, outside groups of applications.
     const bool isHead = !m_isInClass && !m_isInGroup;
     // In a dimension style, 5 is a name.
     const long handleCode = m_section == Section::Tables && is("DIMSTYLE") ? 105 : 5;
@@ -222,7 +267,7 @@ class Audit {
       m_owner = value();
       m_hasOwner = true;
     } else if (isPointer(code) && value() != 0) {
-      count(m_pointers[{code, value()}], m_lexer.getLine());
+      m_pointers.push_back({value(), code, m_lexer.getLine()});
     }
   }
 
@@ -252,7 +297,8 @@ class Audit {
 
   CFileDXFILexer m_lexer;
   Section m_section = Section::Other;
-  bool m_isVersion = false, m_isOwned = false;
+  std::string m_variable, m_version, m_codePage;
+  bool m_isOwned = false;  // the version states the owners of objects
   // The record.
   std::string m_kind;
   long m_line = 0;
@@ -261,20 +307,19 @@ class Audit {
   bool m_isInClass = false;  // after its first subclass marker
   bool m_isInGroup = false;  // of an application
 
-  std::unordered_set<Handle> m_handles;
-  std::unordered_map<Handle, Use> m_repeated;
-  UsesByKind m_ownerless;
-  std::unordered_map<Handle, UsesByKind> m_owners;  // the kinds that each one owns
-  std::unordered_map<Pointer, Use, PointerHash> m_pointers;
+  // Sorted at the end rather than hashed: a file could choose handles that collide.
+  std::vector<Reference> m_handles, m_owners, m_pointers;
+  std::vector<std::string> m_kinds;
+  std::unordered_map<std::string, std::size_t> m_kindNumbers;
   NameUses m_names[kNames];
   std::vector<Finding> m_findings;
 };
 
 }  // namespace
 
-bool auditDXF(IFile& file, CFileReport& report) {
+bool auditDXF(IFile& file, CFileReport& report, int codePage) {
   if (!file.open()) return false;
-  Audit audit(file);
+  Audit audit(file, codePage);
   audit.read();
   file.close();
   audit.report(report);

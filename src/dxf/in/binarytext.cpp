@@ -16,7 +16,7 @@ using namespace std::string_view_literals;
 constexpr std::string_view kMark = " Binary DXF\r\n\x1A\0"sv;
 constexpr std::size_t kMarkEnd = 22;  // of the whole mark
 constexpr std::size_t kBlock = std::size_t{64} * 1024;
-constexpr long kComment = 999;
+constexpr long kComment = 999, kHighestCode = 1071;
 
 enum class Type { Text, Real, Short, Long, Huge, Byte, Chunk };
 
@@ -150,6 +150,7 @@ bool BinaryText::takeCode() {
     m_code = static_cast<long>(unsignedAt(rest().data(), 2));
     m_position += 2;
   }
+  if (m_code > kHighestCode) return false;
   append(m_text, m_code);
   const Type type = typeOf(m_code);
   if (type == Type::Text) return m_inText = true;

@@ -19,10 +19,9 @@ class BinaryText {
   /// Lets it recognize binary files, which it passes on as they are otherwise. Call it before the
   /// first `read`.
   void recognize() { m_recognizes = true; }
-  bool isBinary() const { return m_isBinary; }
 
-  /// As `LineReader::Source`. A binary file that is cut, or that has a code out of range, ends
-  /// after the last pair that is complete.
+  /// As `LineReader::Source`. A binary file that is cut, or damaged so that a code is out of
+  /// range, ends after the last complete pair.
   long read(char* out, long room);
 
  private:

@@ -29,6 +29,23 @@ constexpr std::u16string_view kFurther =
     u"WWWWWWWWWWXXXXYYZZZZZZHTWYAS....AAAAAAAAAAAAAAAAAAAAAAAAEEEEEEEE"
     u"EEEEEEEEIIIIOOOOOOOOOOOOOOOOOOOOOOOOUUUUUUUUUUUUUUYYYYYYYY......";
 
+// The letters of other scripts that these decompose into, which are in the table below.
+constexpr char16_t kGreekFirst = 0x370;
+constexpr std::u16string_view kGreekAndCyrillic =
+    u"................................ι..............................."
+    u"υ.................σ............................................."
+    u"................"
+    u"е............и.................................................."
+    u"................е............и.................................."
+    u"................................................................"
+    u".жж.............аааа..ее..әәжжзз..ииииоо..өөээуууууучч..ыы......";
+constexpr char16_t kPolytonicFirst = 0x1F00;
+constexpr std::u16string_view kPolytonic =
+    u"ααααααααααααααααεεεεεε..εεεεεε..ηηηηηηηηηηηηηηηηιιιιιιιιιιιιιιιι"
+    u"οοοοοο..οοοοοο..υυυυυυυυ.υ.υ.υ.υωωωωωωωωωωωωωωωωααεεηηιιοουυωω.."
+    u"ααααααααααααααααηηηηηηηηηηηηηηηηωωωωωωωωωωωωωωωωααααα.ααααααα.ι."
+    u"..ηηη.ηηεεηηη...ιιιι..ιιιιιι....υυυυρρυυυυυυρ.....ωωω.ωωοοωωω...";
+
 struct Letter {
   char16_t letter;
   std::u16string_view latin;
@@ -60,9 +77,11 @@ constexpr Letter kLetters[] = {
     {u'\u0454', u"YE"}, {u'\u0455', u"DZ"}, {u'\u0456', u"I"},    {u'\u0457', u"YI"},
     {u'\u0458', u"J"},  {u'\u0459', u"LJ"}, {u'\u045A', u"NJ"},   {u'\u045B', u"C"},
     {u'\u045C', u"K"},  {u'\u045E', u"U"},  {u'\u045F', u"DZ"},   {u'\u0491', u"G"},
+    {u'\u0493', u"G"},  {u'\u049B', u"K"},  {u'\u04A3', u"N"},    {u'\u04AF', u"U"},
+    {u'\u04B1', u"U"},  {u'\u04BB', u"H"},  {u'\u04D9', u"A"},    {u'\u04E9', u"O"},
 };
 
-constexpr char16_t kFirstMark = 0x300, kLastMark = 0x36F, kDiaeresis = 0x308;
+constexpr char16_t kFirstMark = 0x300, kLastMark = 0x36F, kBreve = 0x306, kDiaeresis = 0x308;
 
 bool isMark(char16_t unit) { return unit >= kFirstMark && unit <= kLastMark; }
 
@@ -71,13 +90,20 @@ char16_t letterAt(std::u16string_view letters, char16_t first, char16_t unit) {
   return unit >= first && at < letters.size() ? letters[at] : kNone;
 }
 
+// The letter without its accents if it has a decomposition into a letter of another script.
+char16_t withoutAccents(char16_t unit) {
+  char16_t letter = letterAt(kGreekAndCyrillic, kGreekFirst, unit);
+  if (letter == kNone) letter = letterAt(kPolytonic, kPolytonicFirst, unit);
+  return letter == kNone ? zim::foldCase(unit) : letter;
+}
+
 // Appends the letters that stand for the unit, which may be none; false if it has no such letters.
 bool appendLatin(char16_t unit, std::u16string& out) {
-  const char16_t folded = zim::foldCase(unit);
+  const char16_t letter = withoutAccents(unit);
   const auto known =
-      std::lower_bound(std::begin(kLetters), std::end(kLetters), folded,
-                       [](const Letter& letter, char16_t value) { return letter.letter < value; });
-  if (known != std::end(kLetters) && known->letter == folded) {
+      std::lower_bound(std::begin(kLetters), std::end(kLetters), letter,
+                       [](const Letter& row, char16_t value) { return row.letter < value; });
+  if (known != std::end(kLetters) && known->letter == letter) {
     out += known->latin;
     return true;
   }
@@ -88,10 +114,15 @@ bool appendLatin(char16_t unit, std::u16string& out) {
   return true;
 }
 
-// A separate mark; the diaeresis of A, O and U is an E.
-void takeMark(char16_t mark, std::u16string& out) {
-  constexpr std::u16string_view umlauts = u"AOU";
-  if (mark == kDiaeresis && !out.empty() && umlauts.find(out.back()) != umlauts.npos) out += u'E';
+// A mark after its letter, where both together have a row of their own in the table.
+void takeMark(char16_t letter, char16_t mark, std::u16string& out) {
+  const char16_t folded = zim::foldCase(letter);
+  if (mark == kDiaeresis && (folded == u'a' || folded == u'o' || folded == u'u'))
+    out += u'E';
+  else if (mark == kBreve && folded == u'\u0438')
+    out.back() = u'Y';
+  else if (mark == kDiaeresis && folded == u'\u0456')
+    out.insert(out.size() - 1, 1, u'Y');
 }
 
 }  // namespace
@@ -99,11 +130,15 @@ void takeMark(char16_t mark, std::u16string& out) {
 std::u16string transliterated(std::u16string_view name) {
   std::u16string out;
   bool isChanged = false;
+  char16_t letter = 0;  // before a mark
   for (const char16_t unit : name) {
     if (isMark(unit)) {
-      takeMark(unit, out);
+      takeMark(letter, unit, out);
       isChanged = true;
-    } else if (unit < kLatinFirst) {
+      continue;
+    }
+    letter = unit;
+    if (unit < kLatinFirst) {
       out += unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - u'a' + u'A') : unit;
     } else if (appendLatin(unit, out)) {
       isChanged = true;

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 #include "entities/blocks/hatchblock.h"
@@ -105,7 +106,8 @@ short EntPlacer::colorOf(const CEnt& ent) const {
 // An invisible insert hides its content. The lines of a hatch have no properties of their own.
 ENT_TRAITS EntPlacer::traitsOf(const CEnt& ent) const {
   ENT_TRAITS traits = ent.getTraits();
-  traits.thickness *= m_matrix.getScaleZ();
+  constexpr double most = std::numeric_limits<double>::max();
+  traits.thickness = std::clamp(traits.thickness * m_matrix.getScaleZ(), -most, most);
   if (!m_look) return traits;
   const ENT_TRAITS& insert = m_look->traits;
   const bool isOfHatch = m_look->layer != nullptr;
