@@ -7,6 +7,7 @@
 namespace vek0::detail {
 namespace {
 
+constexpr std::size_t kPointsPerMeasured = 8;  // cost of a character whose width is measured
 constexpr double kRuleUnder = -0.2, kRuleThrough = 0.5, kRuleOver = 1.2;  // of the height unit
 
 const ICADFont& fontOf(const CStyle* style) {
@@ -80,8 +81,13 @@ void Walker::drawText(const TEXT_3D& text, const Placement& place) {
   }
   if (seen.isVertical()) return drawStack(run, seen, decoded.ruled, place);
   m_out.text(run);
-  for (const RuledStretch& ruled : decoded.ruled)
+  bool isFirst = true;
+  for (const RuledStretch& ruled : decoded.ruled) {
+    // Each measures the text up to its end.
+    if (!isFirst && !m_out.spend(kPointsPerMeasured * ruled.end)) return;
+    isFirst = false;
     drawRule(run, ruled.first, ruled.end, heightOf(ruled.rule) * unit);
+  }
 }
 
 // Every character is a text.
