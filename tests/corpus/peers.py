@@ -6,6 +6,7 @@ usage: peers.py VEK0 FOLDER...
 Every drawing of the folders (and of $VEK0_CORPUS/dxf) that vek0 loads is converted
 and then
   - audited by ezdxf, and its entity counts compared with vek0's;
+  - written in later versions too, which ezdxf audits as well;
   - read by GDAL, original and copy, whose flattened geometry must lie within 1e-5 of
     each other layer by layer (Hausdorff distance).
 Geometry is compared where nothing has to be replaced: files that also hold other kinds,
@@ -23,6 +24,7 @@ import sys
 import tempfile
 
 WITHIN = 1e-5  # drawing units
+LATER = ["2000", "2007", "2018"]  # versions besides R12
 KINDS = {"POINT", "LINE", "CIRCLE", "ARC", "POLYLINE", "TEXT", "INSERT", "3DFACE", "SOLID", "TRACE",
          "ATTDEF"}
 PYTHON = "/usr/bin/python3" if os.path.exists("/usr/bin/python3") else sys.executable
@@ -136,6 +138,17 @@ def gdal_faults(original, copy):
     return faults
 
 
+def later_faults(vek0, path, copy, judges):
+    """Faults that the audit finds in later versions; `copy` is overwritten."""
+    faults = []
+    for version in LATER if judges["ezdxf"] else []:
+        subprocess.run([vek0, "convert", "-q", "-f", "--to", version, path, copy], check=True)
+        read = ask(EZDXF, copy)
+        errors = ["cannot be read"] if read is None else read["errors"]
+        faults += [f"ezdxf audit of {version}: {text}" for text in errors][:3]
+    return faults
+
+
 def judge(path, info, copy, judges):
     before = ask(EZDXF, path) if judges["ezdxf"] else None
     faults = ezdxf_faults(info, before, copy) if judges["ezdxf"] else []
@@ -161,6 +174,7 @@ def main():
             copy = pathlib.Path(scratch) / path.name
             subprocess.run([vek0, "convert", "-q", "-f", path, copy], check=True)
             faults, depth = judge(path, info, copy, judges)
+            faults += later_faults(vek0, path, copy, judges)
             explained = faults and path.name in EXPLAINED
             tally["explained" if explained else "with faults" if faults else depth] += 1
             for fault in faults:

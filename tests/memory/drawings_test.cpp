@@ -63,10 +63,11 @@ class CloneTrial final : public DrawingTrial {
 
 class SaveTrial final : public DrawingTrial {
  public:
-  SaveTrial(Drawing data, unsigned flags) : DrawingTrial(std::move(data)), m_flags(flags) {}
+  SaveTrial(Drawing data, DxfVersion version, unsigned flags)
+      : DrawingTrial(std::move(data)), m_version(version), m_flags(flags) {}
   bool run() override {
     CFileReport report;
-    m_isSaved = SaveDXF(*m_data, m_file, m_flags, &report);
+    m_isSaved = SaveDXF(*m_data, m_file, CFileDXFOOptions{m_version, m_flags, &report});
     EXPECT_FALSE(m_file.isOpened());
     return m_isSaved;
   }
@@ -74,6 +75,7 @@ class SaveTrial final : public DrawingTrial {
 
  private:
   CFileMemory m_file{u"out.dxf", IFile::kWrite};
+  DxfVersion m_version;
   unsigned m_flags;
   bool m_isSaved = false;
 };
@@ -119,8 +121,12 @@ TEST(OutOfMemory, CloningAndSavingChangeNothing) {
     failEachAllocation(std::string("clone ") + sample,
                        [=] { return std::make_unique<CloneTrial>(loadedSample(sample)); });
     for (const unsigned flags : {0u, kSaveExchange})
-      failEachAllocation(std::string("save ") + sample,
-                         [=] { return std::make_unique<SaveTrial>(loadedSample(sample), flags); });
+      failEachAllocation(std::string("save ") + sample, [=] {
+        return std::make_unique<SaveTrial>(loadedSample(sample), DxfVersion::R12, flags);
+      });
+    failEachAllocation(std::string("save as 2018 ") + sample, [=] {
+      return std::make_unique<SaveTrial>(loadedSample(sample), DxfVersion::R2018, kSaveExchange);
+    });
   }
 }
 
