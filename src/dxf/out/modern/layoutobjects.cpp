@@ -32,7 +32,9 @@ PLOT_SETTINGS usualSheet() {
 
 PLOT_SETTINGS plotOf(const SavedSpace& space, bool isModel) {
   PLOT_SETTINGS plot = space.layout ? space.layout->getPlot() : usualSheet();
-  if (isModel) plot.area = PlotArea::Display;
+  // The others count as the whole sheet, but readers may look for a display, view or limits.
+  const bool isPart = plot.area == PlotArea::Extents || plot.area == PlotArea::Window;
+  if (!isPart) plot.area = isModel ? PlotArea::Display : PlotArea::Layout;
   return plot;
 }
 
