@@ -87,7 +87,7 @@ class Lister {
 
 std::string listEntities(const CData& data, const std::string& place, Selection selection,
                          const std::function<void(const ListedEntity&)>& show) {
-  const std::string problem = selection.findLayers(data);
+  std::string problem = selection.findLayers(data);
   if (!problem.empty()) return problem;
   Lister lister(data, selection, show);
   const zim::WString name = zim::WString::fromUtf8(place);

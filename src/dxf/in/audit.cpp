@@ -4,11 +4,11 @@
 
 #include <algorithm>
 #include <array>
-#include <compare>
 #include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -70,7 +70,9 @@ struct Reference {
   Handle handle;
   long about;  // a group code, or the number of a kind
   long line;
-  auto operator<=>(const Reference&) const = default;
+  bool operator<(const Reference& other) const {
+    return std::tie(handle, about, line) < std::tie(other.handle, other.about, other.line);
+  }
 };
 
 std::string hexDigits(Handle handle) {

@@ -115,7 +115,7 @@ zim::WString CNameAcadConverter::Table::uniqueName(const Entry& entry) {
   IsValidName(zim::WString(vek0::detail::transliterated(entry.name())), corrected);
   if (isTelling(entry.name(), corrected.view())) return freeName(entry.prefix, corrected);
   for (;;) {
-    const zim::WString candidate = entry.prefix + m_word + decimal(++m_numbered).view();
+    zim::WString candidate = entry.prefix + m_word + decimal(++m_numbered).view();
     if (!m_taken.has(candidate)) return candidate;
   }
 }
