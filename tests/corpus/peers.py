@@ -172,7 +172,7 @@ def main():
                 tally[f"not loaded, error {info['error']['kind']}"] += 1
                 continue
             copy = pathlib.Path(scratch) / path.name
-            subprocess.run([vek0, "convert", "-q", "-f", path, copy], check=True)
+            subprocess.run([vek0, "convert", "-q", "-f", "--names", "keep", path, copy], check=True)
             faults, depth = judge(path, info, copy, judges)
             faults += later_faults(vek0, path, copy, judges)
             explained = faults and path.name in EXPLAINED
