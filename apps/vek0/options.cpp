@@ -37,12 +37,22 @@ void addSaveOptions(CLI::App& verb, SaveOptions& options) {
   verb.add_option_function<std::string>(
           "--names", setNames,
           "Names that R12 does not allow: convert transliterates them (M\u00F6bel becomes MOEBEL), "
-          "keep writes them as they are; later versions keep all names")
+          "keep writes them as they are; later versions allow nearly all names")
       ->check(CLI::IsMember({"convert", "keep"}))
       ->type_name("convert|keep")
       ->default_str("convert")
       ->excludes(plain);
   verb.add_flag("-f,--force", options.force, "Replace the output file if it exists");
+}
+
+void addTargetOption(CLI::App& verb, SaveOptions& options, const char* name) {
+  options.form = SaveForm::Kept;
+  verb.add_option_function<std::string>(
+          name, [&options](const std::string& target) { options.setTarget(target); },
+          "Version to write from scratch; keep changes nothing in the file but what is edited")
+      ->check(CLI::IsMember(targetNames()))
+      ->type_name("VERSION")
+      ->default_str("keep");
 }
 
 void addReferenceOptions(CLI::App& verb, ReferenceOptions& options) {

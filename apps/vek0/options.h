@@ -12,6 +12,10 @@ void addReadOptions(CLI::App& app, ReadOptions& options);
 /// Adds the options of commands that write a drawing.
 void addSaveOptions(CLI::App& verb, SaveOptions& options);
 
+/// Adds `--to` to a command that edits a drawing, which keeps the form of its file by default,
+/// under another name if `--to` means something else.
+void addTargetOption(CLI::App& verb, SaveOptions& options, const char* name = "--to");
+
 /// Adds the options of commands that read external references.
 void addReferenceOptions(CLI::App& verb, ReferenceOptions& options);
 

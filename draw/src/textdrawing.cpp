@@ -1,7 +1,7 @@
 // Texts, with their codes decoded and the lines under, over and through them.
 #include <cmath>
 
-#include "textcodes.h"
+#include "vek0core/tables/textcodes.h"
 #include "walker.h"
 
 namespace vek0::detail {
@@ -53,16 +53,19 @@ void Walker::visit(CEntAttrib& ent) {
   if ((ent.getFlags() & CEntAttrib::kInvisible) == 0) drawText(ent.getText(), m_place);
 }
 
-void Walker::text(const TEXT_3D& element) { drawText(element, m_drawing); }
+// Unlike texts, those of linetypes do not follow a vertical style.
+void Walker::text(const TEXT_3D& element) {
+  if (!element.isVertical()) return drawText(element, m_drawing);
+  CStyle horizontal(*element.getStyle());
+  horizontal.setHoriz(false);
+  TEXT_3D seen(element);
+  seen.setStyle(&horizontal);
+  drawText(seen, m_drawing);
+}
 
-// Justified as displayed, without its codes.
 void Walker::drawText(const TEXT_3D& text, const Placement& place) {
   const DecodedText decoded = decodeTextCodes(text.getContext().getString());
   if (decoded.string.empty()) return;
-  TEXT_3D seen(text);
-  CTextContext context = text.getContext();
-  context.setString(decoded.string);
-  seen.setContext(context);
   const CStyle* style = text.getStyle();
   const double unit = heightUnit(fontOf(style));
   DrawText run;
@@ -70,16 +73,16 @@ void Walker::drawText(const TEXT_3D& text, const Placement& place) {
   run.font = style ? style->getFont() : nullptr;
   run.bold = style && style->isBold();
   run.italic = style && style->isItalic();
-  run.matrix = axesOf(seen.getShownContext(), unit, place);
-  moveTo(place.apply(seen.getBasePoint()), run);
+  run.matrix = axesOf(text.getShownContext(), unit, place);
+  moveTo(place.apply(text.getBasePoint()), run);
   const double height = std::hypot(run.matrix.c, run.matrix.d) * unit;
   if (m_out.isUnfolding() && height < m_options.finestDetail && isCoarse()) {
     m_out.noteSimplified();
     m_out.charge(static_cast<double>(decoded.string.view().size()));
-    if (seen.isVertical()) return strokeColumn(seen, place);
+    if (text.isVertical()) return strokeColumn(text, place);
     return drawRule(run, 0, decoded.string.view().size(), kRuleThrough * unit);
   }
-  if (seen.isVertical()) return drawStack(run, seen, decoded.ruled, place);
+  if (text.isVertical()) return drawStack(run, text, decoded, place);
   m_out.text(run);
   bool isFirst = true;
   for (const RuledStretch& ruled : decoded.ruled) {
@@ -91,16 +94,15 @@ void Walker::drawText(const TEXT_3D& text, const Placement& place) {
 }
 
 // Every character is a text.
-void Walker::drawStack(DrawText run, const TEXT_3D& text, const std::vector<RuledStretch>& ruled,
+void Walker::drawStack(DrawText run, const TEXT_3D& text, const DecodedText& decoded,
                        const Placement& place) {
-  const zim::WString& string = text.getContext().getString();
   const double unit = heightUnit(fontOf(text.getStyle()));
   for (const STACKED_CHARACTER& c : text.getStack()) {
-    const zim::WString character(string.view().substr(c.first, c.end - c.first));
+    const zim::WString character(decoded.string.view().substr(c.first, c.end - c.first));
     run.string = &character;
     moveTo(place.apply(c.base), run);
     m_out.text(run);
-    for (const RuledStretch& rule : ruled) {
+    for (const RuledStretch& rule : decoded.ruled) {
       if (rule.first <= c.first && c.first < rule.end)
         drawRule(run, 0, character.view().size(), heightOf(rule.rule) * unit);
     }

@@ -14,7 +14,6 @@
 #include "pointfigure.h"
 #include "shownbox.h"
 #include "specks.h"
-#include "textcodes.h"
 #include "vek0core/vek0core.h"
 #include "vek0draw/draw.h"
 
@@ -134,7 +133,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
   bool isFull() const override { return m_out.isCut(); }
 
   void drawText(const TEXT_3D& text, const Placement& place);
-  void drawStack(DrawText run, const TEXT_3D& text, const std::vector<RuledStretch>& ruled,
+  void drawStack(DrawText run, const TEXT_3D& text, const DecodedText& decoded,
                  const Placement& place);
   void strokeColumn(const TEXT_3D& text, const Placement& place);
   void drawRule(const DrawText& run, std::size_t first, std::size_t end, double y);

@@ -26,14 +26,18 @@ StepOutcome explode(Editing& editing) {
   CData& data = editing.data;
   CEntExploderVisitor exploder(data.getHandleGestor(), data.getEntFactory(), data.getBlockFactory(),
                                data.getBlockTable());
-  std::vector<CEnt*> chosen;
+  std::vector<CEnt*> chosen, ents = editing.chosen;
+  std::string unsupported;
+  const std::string problem = leaveUnsupported(editing, true, "exploded", ents, unsupported);
+  if (!problem.empty()) return StepOutcome::failed(problem);
   std::size_t exploded = 0, parts = 0;
-  for (CEnt* ent : editing.chosen) {
+  for (CEnt* ent : ents) {
     ent->accept(exploder);
     if (exploder.isRefused())
       return StepOutcome::failed("more than " + std::to_string(CEntExploderVisitor::kLimit) +
                                  " entities and vertices would result, an external reference would "
-                                 "be sheared, or memory ran out");
+                                 "be sheared, a nested entity of an unsupported kind would be "
+                                 "transformed, or memory ran out");
     // Nothing to explode: the entity stays selected.
     if (exploder.getEnts().empty()) {
       chosen.push_back(ent);
@@ -46,11 +50,11 @@ StepOutcome explode(Editing& editing) {
     exploder.getEnts().clear();
     if (!editing.undo.remove(ent)) return StepOutcome::noMemory();
   }
-  const std::size_t left = editing.chosen.size() - exploded;
+  const std::size_t left = ents.size() - exploded;
   editing.chosen = std::move(chosen);
   const long unclipped = exploder.getNoLostClips();
   return StepOutcome::done(countedEntities(exploded) + " exploded into " + std::to_string(parts) +
-                           skipped(left) +
+                           skipped(left) + unsupported +
                            (unclipped > 0 ? ", clips lost: " + std::to_string(unclipped) : ""));
 }
 

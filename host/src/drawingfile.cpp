@@ -38,19 +38,18 @@ std::unique_ptr<IFile> openStandardInput(bool isKept) {
   return direct;
 }
 
-using Reader = CFileDXFIResult (*)(CData&, IFile&, CFileDXFIError*, const CFileDXFIOptions&);
-
-ReadResult readWith(Reader reader, CData& data, const std::string& path, const Session& session,
+// `read` takes the record of the error and the options.
+template <class Read>
+ReadResult readWith(const Read& read, CData& data, const std::string& path, const Session& session,
                     bool keepFontNames) {
   ReadResult result;
   result.fault = inputFault(path);
   if (result.fault.kind) return result;
-  const std::unique_ptr<IFile> file = openForReading(path, session);
   CFileDXFIOptions options = readingOptions(session);
   options.report = &result.report;
   result.onPaper = options.policy.paperSpace;
   options.policy.keepFontNames |= keepFontNames;
-  result.outcome = reader(data, *file, &result.error, options);
+  result.outcome = read(&result.error, options);
   for (int i = 0; i < data.getLayouts().size(); ++i)
     result.onSheets += static_cast<long>(data.getLayouts()[i].getBlock().size());
   if (!result.opened()) result.fault = {"file unreadable", "The file cannot be opened."};
@@ -144,6 +143,7 @@ CFileDXFIOptions readingOptions(const Session& session) {
   if (!session.reading.strict) options.policy = CFileDXFIPolicy::forAnyFile();
   options.policy.paperSpace = session.reading.paperSpace;
   options.policy.hatchOutlines = session.reading.hatchOutlines;
+  options.policy.wholeRecords = session.reading.wholeRecords;
   options.codePage = session.reading.codePage;
   return options;
 }
@@ -158,13 +158,29 @@ void startHandles(CData& data) {
 
 ReadResult loadFile(CData& data, const std::string& path, const Session& session,
                     bool keepFontNames) {
-  ReadResult result = readWith(loadDXF, data, path, session, keepFontNames);
+  const auto read = [&](CFileDXFIError* err, const CFileDXFIOptions& options) {
+    return loadDXF(data, *openForReading(path, session), err, options);
+  };
+  ReadResult result = readWith(read, data, path, session, keepFontNames);
   startHandles(data);
   return result;
 }
 
+ReadResult loadFile(CData& data, CDXFSource& source, const std::string& path,
+                    const Session& session) {
+  const auto read = [&](CFileDXFIError* err, const CFileDXFIOptions& options) {
+    CFileDXFIOptions whole = options;
+    whole.policy.wholeRecords = true;
+    return source.load(data, err, whole);
+  };
+  return readWith(read, data, path, session, false);
+}
+
 ReadResult importFile(CData& data, const std::string& path, const Session& session) {
-  return readWith(importDXF, data, path, session, false);
+  const auto read = [&](CFileDXFIError* err, const CFileDXFIOptions& options) {
+    return importDXF(data, *openForReading(path, session), err, options);
+  };
+  return readWith(read, data, path, session, false);
 }
 
 }  // namespace vek0::host

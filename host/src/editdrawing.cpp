@@ -36,17 +36,30 @@ bool passesUndoCheck(Editing& editing, const std::string& before, Session& sessi
   return problem.empty();
 }
 
+bool undoAll(CUndoStack& undo, Session& session) {
+  const std::size_t count = undo.getNoUndo();
+  while (undo.getNoUndo() > 0) {
+    if (undo.undo()) continue;
+    session.fail(kDrawingFailed, "a step cannot be undone");
+    return false;
+  }
+  session.notify(counted(count, "step", "steps") + " undone");
+  return true;
+}
+
 }  // namespace
 
-bool editDrawing(CData& data, const std::vector<NamedStep>& steps, bool undoCheck,
+bool editDrawing(CData& data, const std::vector<NamedStep>& steps, const EditOptions& options,
                  Session& session) {
-  // Without the check nothing is undone, so only the last step is kept.
-  CUndoStack undo(data, undoCheck ? std::numeric_limits<std::size_t>::max() : 0);
+  // If nothing is undone, only the last step is kept.
+  const bool isUndone = options.undoCheck || options.undoAll;
+  CUndoStack undo(data, isUndone ? std::numeric_limits<std::size_t>::max() : 0);
   const auto& all = data.getEntTable().getEntityTbl();
-  Editing editing{data, undo, {all.begin(), all.end()}};
-  const std::string before = undoCheck ? stateOf(data) : std::string();
+  Editing editing{data, undo, {all.begin(), all.end()}, options.leaveUnsupported};
+  const std::string before = options.undoCheck ? stateOf(data) : std::string();
   return runSteps(editing, steps, session) &&
-         (!undoCheck || passesUndoCheck(editing, before, session));
+         (!options.undoCheck || passesUndoCheck(editing, before, session)) &&
+         (!options.undoAll || undoAll(undo, session));
 }
 
 }  // namespace vek0::host

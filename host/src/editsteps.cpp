@@ -1,6 +1,7 @@
 #include "vek0host/editsteps.h"
 
 #include "vek0host/layerchoice.h"
+#include "vek0host/textvalues.h"
 
 namespace vek0::host {
 
@@ -46,6 +47,36 @@ EditStep onChosen(EditStep work) {
   return [work = std::move(work)](Editing& editing) {
     return editing.chosen.empty() ? StepOutcome::failed("nothing is selected") : work(editing);
   };
+}
+
+namespace {
+
+// The entity itself, or the first in the block that it shows; null if there is none.
+const CEnt* findUnsupported(const CEnt& ent, bool withContents) {
+  if (ent.getRecord() == EntRecord::Opaque) return &ent;
+  const CEntInsertBase* insert = withContents ? ent.getEntInsert() : nullptr;
+  const CBlock* block = insert ? insert->getBlock() : nullptr;
+  for (unsigned i = 0; block && i < block->size(); ++i)
+    if ((*block)[i]->getRecord() == EntRecord::Opaque) return (*block)[i];
+  return nullptr;
+}
+
+}  // namespace
+
+std::string leaveUnsupported(const Editing& editing, bool withContents, const char* done,
+                             std::vector<CEnt*>& ents, std::string& left) {
+  const CEnt* first = nullptr;
+  const std::size_t count = std::erase_if(ents, [&](const CEnt* ent) {
+    const CEnt* found = findUnsupported(*ent, withContents);
+    if (!first) first = found;
+    return found != nullptr;
+  });
+  if (count == 0) return {};
+  if (!editing.leaveUnsupported)
+    return opaqueKindOf(*first).toUtf8() + " " + hexText(first->GetHandle()) + " cannot be " +
+           done + "; --leave-unsupported leaves it as it is";
+  left = ", " + countedEntities(count) + " of unsupported kinds left";
+  return {};
 }
 
 CLayer* needLayer(Editing& editing, const zim::WString& name, const CLayer* model) {

@@ -24,6 +24,29 @@ enum Kind {
   kTrace
 };
 
+constexpr const char* kUnsupported[] = {"3DSOLID",
+                                        "BODY",
+                                        "REGION",
+                                        "SURFACE",
+                                        "PLANESURFACE",
+                                        "EXTRUDEDSURFACE",
+                                        "LOFTEDSURFACE",
+                                        "REVOLVEDSURFACE",
+                                        "SWEPTSURFACE",
+                                        "NURBSURFACE",
+                                        "IMAGE",
+                                        "WIPEOUT",
+                                        "ACAD_PROXY_ENTITY",
+                                        "OLEFRAME",
+                                        "OLE2FRAME",
+                                        "LIGHT",
+                                        "SHAPE",
+                                        "PDFUNDERLAY",
+                                        "DGNUNDERLAY",
+                                        "DWFUNDERLAY",
+                                        "SUN",
+                                        "CAMERA"};
+
 // Determines the row of the counts for each visited entity.
 class KindVisitor final : public IEntVisitor {
  public:
@@ -82,15 +105,30 @@ std::string EntityCounts::toText() const {
   return text.empty() ? "none" : text;
 }
 
-const char* kindNameOf(CEnt& ent) {
+namespace {
+
+const char* classNameOf(CEnt& ent) {
   KindVisitor visitor;
   ent.accept(visitor);
   return EntityCounts::kKinds[visitor.kind];
 }
 
-const char* recordNameOf(CEnt& ent) {
+}  // namespace
+
+std::string kindNameOf(CEnt& ent) {
+  const CEntInsertBase* insert = ent.getEntInsert();
+  CBlock* pieces = insert ? insert->getBlock() : nullptr;
+  if (!pieces || !pieces->isOfRecord()) return classNameOf(ent);
+  std::string kind = pieces->size() > 0 ? classNameOf(*(*pieces)[0]) : nameOf(EntRecord::Opaque);
+  for (unsigned i = 1; i < pieces->size(); ++i)
+    if (classNameOf(*(*pieces)[i]) != kind) return nameOf(ent.getRecord());
+  return kind;
+}
+
+std::string recordNameOf(CEnt& ent) {
+  if (ent.getRecord() == EntRecord::Opaque) return opaqueKindOf(ent).toUtf8();
   if (ent.getRecord() != EntRecord::Own) return nameOf(ent.getRecord());
-  const char* kind = kindNameOf(ent);
+  const std::string kind = kindNameOf(ent);
   // Hatches are saved as inserts.
   return kind == EntityCounts::kKinds[kHatch] ? EntityCounts::kKinds[kInsert] : kind;
 }
@@ -102,6 +140,7 @@ std::vector<const char*> entityKinds() {
     const auto isSame = [&](const char* kind) { return std::string_view(kind) == name; };
     if (std::none_of(kinds.begin(), kinds.end(), isSame)) kinds.push_back(name);
   }
+  kinds.insert(kinds.end(), std::begin(kUnsupported), std::end(kUnsupported));
   return kinds;
 }
 

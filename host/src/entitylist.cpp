@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 
 #include "vek0host/entitycounts.h"
 #include "vek0host/propertytext.h"
@@ -13,10 +14,11 @@ namespace {
 
 const zim::WString kModel(u"Model");
 
-// The block that an insert shows; the blocks of hatches are private.
+// The block that an insert shows; the blocks of hatches and of the pieces of records are private.
 const CBlock* blockOf(const CEnt& ent) {
   const CEntInsertBase* insert = ent.getEntInsert();
-  return insert && ent.getType() != CEntHatch::kType ? insert->getBlock() : nullptr;
+  const CBlock* block = insert && ent.getType() != CEntHatch::kType ? insert->getBlock() : nullptr;
+  return block && !block->isOfRecord() ? block : nullptr;
 }
 
 // In a block, an attribute definition is only a template for the attributes of inserts.
@@ -28,11 +30,19 @@ bool isHiddenByFlag(const CEnt& ent, bool isInBlock) {
          (static_cast<const CEntAttdef&>(ent).getFlags() & CEntAttrib::kInvisible) != 0;
 }
 
-const TEXT_3D* textOf(const CEnt& ent) {
+// The text; of a record with several, the lines.
+std::optional<std::string> textOf(const CEnt& ent) {
   const short type = ent.getType();
   const bool isText =
       type == CEntText::kType || type == CEntAttdef::kType || type == CEntAttrib::kType;
-  return isText ? &static_cast<const CEntText&>(ent).getText() : nullptr;
+  if (isText) return static_cast<const CEntText&>(ent).getText().getContext().getString().toUtf8();
+  const CEntInsertBase* insert = ent.getEntInsert();
+  const CBlock* pieces = insert ? insert->getBlock() : nullptr;
+  if (!pieces || !pieces->isOfRecord()) return std::nullopt;
+  std::optional<std::string> lines;
+  for (unsigned i = 0; i < pieces->size(); ++i)
+    if (const auto line = textOf(*(*pieces)[i])) lines = lines ? *lines + "\n" + *line : *line;
+  return lines;
 }
 
 class Lister {
@@ -107,7 +117,8 @@ std::string listEntities(const CData& data, const std::string& place, Selection 
   }
   if (isLayout) return {};
   CBlock* block = data.getBlockTable().get(name);
-  if (!block || block->isSheet()) return "there is no block or layout " + place;
+  if (!block || block->isSheet() || block->isOfRecord())
+    return "there is no block or layout " + place;
   for (unsigned i = 0; i < block->size(); ++i) lister.list(*(*block)[i], nullptr);
   return {};
 }
@@ -116,7 +127,7 @@ Json toJson(const ListedEntity& e) {
   Json json;
   const CLayer* layer = e.ent->getLayer();
   const CBlock* block = blockOf(*e.ent);
-  const TEXT_3D* text = textOf(*e.ent);
+  const std::optional<std::string> text = textOf(*e.ent);
   const auto orNull = [](const zim::WString* name) { return name ? Json(name->toUtf8()) : Json(); };
   json["handle"] = hexText(e.ent->GetHandle());
   if (e.of) json["of"] = hexText(e.of->GetHandle());
@@ -132,7 +143,7 @@ Json toJson(const ListedEntity& e) {
   json["transparency"] = e.transparency;
   json["visible"] = e.isVisible;
   json["extents"] = extentsToJson(e.extents);
-  json["text"] = orNull(text ? &text->getContext().getString() : nullptr);
+  json["text"] = text ? Json(*text) : Json();
   return json;
 }
 
@@ -151,10 +162,10 @@ std::string toTableLine(const ListedEntity& e) {
   char weight[8];
   std::snprintf(weight, sizeof weight, "%6.2f", e.weightMm);
   const CLayer* layer = e.ent->getLayer();
-  const TEXT_3D* text = textOf(*e.ent);
+  const std::optional<std::string> text = textOf(*e.ent);
   std::string shown = e.isVisible ? "" : "(hidden) ";
   if (const CBlock* block = blockOf(*e.ent)) shown += visible(block->getName());
-  if (text) shown += visible(text->getContext().getString());
+  if (text) shown += visible(*text);
   std::string line = cell(hexText(e.ent->GetHandle()), 8) + cell(e.kind, 11) +
                      cell(layer ? layer->getFullName().toUtf8() : "-", 19) + colorText(e.color) +
                      "  " + weight + "  " + cell(ltypeName(e.ltype), 16) + shown;

@@ -86,7 +86,7 @@ std::size_t purgeBlocks(Editing& editing) {
   std::size_t count = 0;
   for (CBlock* block : all.blocks) {
     if (used.count(block) == 0 && editing.undo.remove(block)) {
-      ++count;
+      count += block->isOfRecord() ? 0 : 1;
       continue;
     }
     for (unsigned i = 0; i < block->size(); ++i) use(*(*block)[i]);

@@ -1,10 +1,13 @@
 #include "vek0host/saving.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
+#include <optional>
 
 #include "vek0host/drawingfile.h"
 #include "vek0host/outputfile.h"
+#include "vek0host/paths.h"
 #include "vek0host/reports.h"
 
 namespace vek0::host {
@@ -19,32 +22,102 @@ namespace {
 
 constexpr const char* kVersionNames[] = {"r12", "2000", "2004", "2007", "2010", "2013", "2018"};
 static_assert(std::size(kVersionNames) == kDxfVersions);
+constexpr const char* kKeep = "keep";
 
-bool save(const CData& data, OutputFile& output, const SaveOptions& options, Session& session) {
-  CFileReport report;
-  if (!SaveDXF(data, output.file(), {options.version, options.flags(), &report})) {
-    session.fail(kOutputFailed, "'" + output.path() + "' cannot be written");
-    return false;
+std::string problemOf(CDXFSource::Outcome outcome, const std::string& in, const std::string& out) {
+  switch (outcome) {
+    case CDXFSource::Outcome::Saved:
+      return {};
+    case CDXFSource::Outcome::NotLoaded:
+      return "'" + in + "' cannot be kept; use --to";
+    case CDXFSource::Outcome::Changed:
+      return "'" + in + "' has changed since it was read";
+    case CDXFSource::Outcome::NotWritten:
+      break;
   }
-  if (!output.commit()) {
-    session.fail(kOutputFailed, output.error());
-    return false;
-  }
-  if (!report.empty()) {
-    session.notify("not everything could be written unchanged:", reportToText(report));
-  }
-  return true;
+  return "'" + out + "' cannot be written";
 }
+
+// A drawing with the file that it comes from, if that is to be kept.
+class RewrittenDrawing {
+ public:
+  RewrittenDrawing(const std::string& in, const SaveOptions& options, Session& session)
+      : m_in(in), m_options(options), m_session(session), data(newDrawing()) {
+    if (options.form == SaveForm::Kept) m_source.emplace(openForReading(in, session));
+  }
+
+  ReadResult load() {
+    return m_source ? loadFile(*data, *m_source, m_in, m_session)
+                    : loadFile(*data, m_in, m_session);
+  }
+
+  bool save(OutputFile& output) const {
+    CFileReport report;
+    const std::string problem = write(output, report);
+    if (!problem.empty()) {
+      m_session.fail(kOutputFailed, problem);
+      if (!report.empty()) m_session.notify("reasons:", reportToText(report));
+      return false;
+    }
+    if (!backUp(output.path()) || !output.commit()) {
+      if (!output.error().empty()) m_session.fail(kOutputFailed, output.error());
+      return false;
+    }
+    if (!report.empty())
+      m_session.notify("not everything could be written unchanged:", reportToText(report));
+    return true;
+  }
+
+ private:
+  bool backUp(const std::string& path) const {
+    if (!m_options.backup) return true;
+    std::filesystem::path copy = toPath(path);
+    copy += ".bak";
+    std::error_code failure;
+    std::filesystem::copy_file(toPath(path), copy,
+                               std::filesystem::copy_options::overwrite_existing, failure);
+    if (failure)
+      m_session.fail(kOutputFailed, "'" + path + ".bak' cannot be written: " + failure.message());
+    return !failure;
+  }
+  std::string write(OutputFile& output, CFileReport& report) const {
+    const auto damage = m_options.repair ? CDXFSource::Damage::Repaired : CDXFSource::Damage::Kept;
+    if (m_source)
+      return problemOf(m_source->save(*data, output.file(), &report, damage), m_in, output.path());
+    if (SaveDXF(*data, output.file(), {m_options.version, m_options.flags(), &report})) return {};
+    return "'" + output.path() + "' cannot be written";
+  }
+
+  const std::string& m_in;
+  const SaveOptions& m_options;
+  Session& m_session;
+  std::optional<CDXFSource> m_source;
+
+ public:
+  const Drawing data;
+};
 
 }  // namespace
 
-std::vector<std::string> versionNames() {
-  return {std::begin(kVersionNames), std::end(kVersionNames)};
+std::vector<std::string> targetNames() {
+  std::vector<std::string> names(std::begin(kVersionNames), std::end(kVersionNames));
+  names.emplace_back(kKeep);
+  return names;
 }
 
-DxfVersion versionOf(const std::string& name) {
+void SaveOptions::setTarget(const std::string& name) {
+  form = name == kKeep ? SaveForm::Kept : SaveForm::New;
+  if (form == SaveForm::Kept) return;
   const auto found = std::find(std::begin(kVersionNames), std::end(kVersionNames), name);
-  return static_cast<DxfVersion>(found - std::begin(kVersionNames));
+  version = static_cast<DxfVersion>(found - std::begin(kVersionNames));
+}
+
+std::string SaveOptions::misplacedOption() const {
+  if (isR12()) return {};
+  if (flatten) return "--flatten";
+  if (visibleOnly) return "--visible-only";
+  if (noTables) return "--no-tables";
+  return plain ? "--plain" : "";
 }
 
 void warnOfLosses(const std::string& in, const ReadResult& result, const Session& session) {
@@ -55,19 +128,27 @@ void warnOfLosses(const std::string& in, const ReadResult& result, const Session
 std::uintmax_t rewrite(const std::string& in, const std::string& out, const SaveOptions& options,
                        Session& session,
                        const std::function<bool(CData&, const ReadResult&)>& change) {
-  OutputFile output(out, options.force);
+  if (const std::string misplaced = options.misplacedOption(); !misplaced.empty()) {
+    session.fail(kWrongUsage, misplaced + " requires --to r12");
+    return 0;
+  }
+  // Lines end as those of the source do.
+  const bool isKept = options.form == SaveForm::Kept;
+  OutputFile output(out, options.force, isKept ? OutputFile::Bytes : OutputFile::Text);
   if (!output.error().empty()) {
     session.fail(kOutputFailed, output.error());
     return 0;
   }
-  const Drawing data = newDrawing();
-  const ReadResult result = loadFile(*data, in, session);
+  session.readsTwice = session.readsTwice || isKept;
+  RewrittenDrawing drawing(in, options, session);
+  const ReadResult result = drawing.load();
   if (!result.ok()) {
     session.fail(kDrawingFailed, in + ": " + result.message());
     return 0;
   }
-  warnOfLosses(in, result, session);
-  return change(*data, result) && save(*data, output, options, session) ? output.size() : 0;
+  // What is not read stays in the file.
+  if (!isKept) warnOfLosses(in, result, session);
+  return change(*drawing.data, result) && drawing.save(output) ? output.size() : 0;
 }
 
 }  // namespace vek0::host

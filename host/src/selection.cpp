@@ -14,7 +14,7 @@ bool isWithin(const RECT_2D& window, const RECT_3D& box) {
          box.max.x <= window.max.x && box.max.y <= window.max.y;
 }
 
-bool contains(const std::vector<std::string>& list, const char* text) {
+bool contains(const std::vector<std::string>& list, const std::string& text) {
   return std::find(list.begin(), list.end(), text) != list.end();
 }
 

@@ -59,7 +59,7 @@ Json blocksToJson(const CData& data) {
   Json blocks = Json::array();
   const CBlockTable& table = data.getBlockTable();
   for (int i = 0; i < static_cast<int>(table.size()); ++i) {
-    if (table[i]->isSheet()) continue;
+    if (table[i]->isSheet() || table[i]->isOfRecord()) continue;
     blocks.push_back({{"name", table[i]->getName().toUtf8()}, {"entities", table[i]->size()}});
   }
   return blocks;

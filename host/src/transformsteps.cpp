@@ -19,7 +19,11 @@ template <class Visitor>
 EditStep transformStep(Visitor visitor, const char* done) {
   return onChosen([visitor, done](Editing& editing) {
     Visitor transform = visitor;
-    for (CEnt* ent : editing.chosen) {
+    std::vector<CEnt*> ents = editing.chosen;
+    std::string left;
+    const std::string problem = leaveUnsupported(editing, false, done, ents, left);
+    if (!problem.empty()) return StepOutcome::failed(problem);
+    for (CEnt* ent : ents) {
       // Scaling changes the thickness, too, which is a property.
       const bool isThick = ent->getTraits().thickness != 0;
       if (!(isThick ? editing.undo.keep(*ent) : editing.undo.keepGeometry(*ent)))
@@ -31,7 +35,7 @@ EditStep transformStep(Visitor visitor, const char* done) {
         return StepOutcome::failed("coordinates would exceed the range of numbers");
     }
     editing.data.getEntTable().invalidateBdry();
-    return StepOutcome::done(countedEntities(editing.chosen.size()) + done);
+    return StepOutcome::done(countedEntities(ents.size()) + " " + done + left);
   });
 }
 
@@ -57,14 +61,14 @@ std::string readMove(const std::string& text, EditStep& step) {
   if (!numbers || numbers->size() < 2 || numbers->size() > 3)
     return "'" + text + "' is not a vector like 12.5,-3 or 0,0,2";
   const double dz = numbers->size() > 2 ? (*numbers)[2] : 0;
-  step = transformStep(CEntMoveVisitor(PNT_3D((*numbers)[0], (*numbers)[1], dz)), " moved");
+  step = transformStep(CEntMoveVisitor(PNT_3D((*numbers)[0], (*numbers)[1], dz)), "moved");
   return {};
 }
 
 std::string readRotate(const std::string& text, EditStep& step) {
   const auto value = readNumberAtPoint(text);
   if (!value) return "'" + text + "' is not an angle and a point like 90@10,5";
-  step = transformStep(CEntRotateXYVisitor::byDegrees(value->center, value->number), " rotated");
+  step = transformStep(CEntRotateXYVisitor::byDegrees(value->center, value->number), "rotated");
   return {};
 }
 
@@ -72,7 +76,7 @@ std::string readScale(const std::string& text, EditStep& step) {
   const auto value = readNumberAtPoint(text);
   if (!value) return "'" + text + "' is not a factor and a point like 2.5@10,5";
   if (value->number == 0) return "a factor of 0 would shrink everything to a point";
-  step = transformStep(CEntScaleVisitor(value->center, value->number), " scaled");
+  step = transformStep(CEntScaleVisitor(value->center, value->number), "scaled");
   return {};
 }
 

@@ -18,7 +18,8 @@ void addLayout(std::ostream& text, const CLayout& layout) {
   text << layout.getName().toUtf8() << ' ' << plot.width << ' ' << plot.height << ' ' << plot.left
        << ' ' << plot.bottom << ' ' << plot.right << ' ' << plot.top << ' ' << plot.origin << ' '
        << plot.scale << ' ' << static_cast<int>(plot.area) << ' ' << plot.window.min << ' '
-       << plot.window.max << ' ' << plot.isCentered << plot.viewportsFirst << '\n';
+       << plot.window.max << ' ' << plot.isCentered << plot.viewportsFirst << plot.hasLineweights
+       << '\n';
   for (const VIEWPORT& v : layout.getViewports()) {
     text << v.handle << ' ' << v.center << ' ' << v.width << ' ' << v.height << ' ' << v.viewCenter
          << ' ' << v.viewHeight << ' ' << v.target << ' ' << v.twistRad << ' ' << v.isOn << v.isPlan
@@ -44,8 +45,10 @@ std::string modernStateOf(const CData& data) {
   }
   for (int i = 0; i < data.getLayouts().size(); ++i) addLayout(text, data.getLayouts()[i]);
   const CDataVariables& vars = data.getVars();
+  const PNT_3D& base = vars.getInsertionBase();
   text << vars.getUnits() << ' ' << vars.getCurLtypeScale() << ' ' << vars.getDefaultLineweight()
-       << ' ' << vars.isLineweightShown() << ' ' << vars.isPaperLtypeScale() << '\n';
+       << ' ' << vars.isLineweightShown() << ' ' << vars.isPaperLtypeScale() << ' ' << base.x << ' '
+       << base.y << ' ' << base.z << '\n';
   return text.str();
 }
 

@@ -47,6 +47,8 @@ void scaleVariables(CDataVariables& variables, double factor) {
   const PNT_2D min = variables.getLimMin(), max = variables.getLimMax();
   variables.setLimMin(PNT_2D(min.x * factor, min.y * factor));
   variables.setLimMax(PNT_2D(max.x * factor, max.y * factor));
+  const PNT_3D base = variables.getInsertionBase();
+  variables.setInsertionBase(PNT_3D(base.x * factor, base.y * factor, base.z * factor));
   variables.setLtypeScale(variables.getLtypeScale() * factor);
   variables.setPLineWid(variables.getPLineWid() * factor);
   if (variables.getPointSize() > 0) variables.setPointSize(variables.getPointSize() * factor);

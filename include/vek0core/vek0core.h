@@ -44,6 +44,7 @@
 #include "vek0core/tables/style.h"
 #include "vek0core/tables/styletable.h"
 #include "vek0core/tables/text.h"
+#include "vek0core/tables/textcodes.h"
 #include "vek0core/tables/textcontext.h"
 
 #include "vek0core/polyline/curve.h"
@@ -127,6 +128,7 @@
 #include "vek0core/xref/xrefresolver.h"
 #include "vek0core/xref/xrefs.h"
 
+#include "vek0core/dxf/keep/source.h"
 #include "vek0core/dxf/out/filedxfoblockwriter.h"
 #include "vek0core/dxf/out/filedxfosaver.h"
 #include "vek0core/dxf/out/filedxfovisitor.h"

@@ -236,6 +236,8 @@ class Renderer {
     const PLOT_SETTINGS& plot = layout.getPlot();
     PICTURE_OPTIONS options = m_options.picture;
     options.unitMm = plot.scale > 0 ? plot.scale : 1;
+    constexpr double invisible = 1e-6;
+    if (!plot.hasLineweights) options.weightFactor = invisible;
     const RECT_2D paper = layout.getPaper();
     const std::string name = layout.getName().toUtf8();
     if (!paper.validRegion()) {

@@ -124,6 +124,7 @@ class EntCloner final : public IEntVisitor {
   template <class Insert>
   void keepInsert(const CEntInsertBase& src, Insert* made) {
     std::unique_ptr<Insert> insert(orThrow(made));
+    insert->copyRecord(src);
     for (unsigned i = 0; i < src.GetNoAttribs(); ++i) {
       addTo(*insert, attrib(*src.GetAttrib(i)));
     }

@@ -24,6 +24,7 @@ const char* nameOf(EntRecord record) {
       "TOLERANCE",
       "ACAD_TABLE",
       "VIEWPORT",
+      "OPAQUE",
   };
   return names[static_cast<unsigned char>(record)];
 }

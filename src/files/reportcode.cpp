@@ -113,6 +113,7 @@ constexpr Row kRows[] = {
     {ReportCode::LinetypeTextDropped, "linetype text dropped", kLoss},
     {ReportCode::LineweightDropped, "lineweight dropped", kLoss},
     {ReportCode::LineweightRounded, "lineweight rounded", kChange},
+    {ReportCode::RecordLeft, "record left", kLoss},
     {ReportCode::BlocksInACircle, "blocks in a circle", kLoss},
     {ReportCode::ReferenceMissing, "reference missing", kLoss},
     {ReportCode::ReferenceForbidden, "reference forbidden", kLoss},

@@ -373,6 +373,12 @@ CTextEncoder::CTextEncoder(int page) : m_page(page) {
 
 // One line for each character of two bytes: line feeds are no second bytes.
 void CTextEncoder::learn() {
+  for (unsigned byte = 0x80; byte < 0x100; ++byte) {
+    std::u16string decoded;
+    if (!decodeMultiByte(m_page, std::string(1, static_cast<char>(byte)), decoded)) continue;
+    const bool isOne = decoded.size() == 1 && decoded[0] >= 0xA0 && decoded[0] != zim::kReplacement;
+    if (isOne) m_codes[decoded[0]] = static_cast<std::uint16_t>(byte);
+  }
   constexpr unsigned firstLead = 0x81, lastLead = 0xFE, firstTrail = 0x40, lastTrail = 0xFE;
   for (unsigned lead = firstLead; lead <= lastLead; ++lead) {
     std::string bytes;
@@ -392,7 +398,14 @@ void CTextEncoder::learn() {
 }
 
 std::string CTextEncoder::getName() const {
-  return "ANSI_" + std::to_string(m_page == kCodePageUtf8 ? kCodePage1252 : m_page);
+  constexpr int lastDosPage = 869, macintosh = 10000, johab = 1361;
+  if (m_page == macintosh) return "mac-roman";
+  if (m_page == johab) return "johab";
+  if (m_page > kLatinBase && m_page < kCodePageUtf8)
+    return "ISO8859-" + std::to_string(m_page - kLatinBase);
+  const bool isDos = m_page <= lastDosPage;
+  return (isDos ? "dos" : "ANSI_") +
+         std::to_string(m_page == kCodePageUtf8 ? kCodePage1252 : m_page);
 }
 
 bool CTextEncoder::has(zim::Char unit) const {

@@ -7,6 +7,7 @@
 
 #include "vek0core/tables/font.h"
 #include "vek0core/tables/style.h"
+#include "vek0core/tables/textcodes.h"
 #include "zim0lang/utf8.h"
 
 using vek0::detail::kPi;
@@ -63,6 +64,12 @@ double widthOf(const CStyle* style, const zim::WString& text) {
   const bool horiz = style && style->isHoriz(), bold = style && style->isBold(),
              italic = style && style->isItalic();
   return fontOf(style).getStringWidth(text, horiz, bold, italic);
+}
+
+// Without codes.
+double shownWidthOf(const CStyle* style, const zim::WString& text) {
+  if (!vek0::hasTextCodes(text)) return widthOf(style, text);
+  return widthOf(style, vek0::decodeTextCodes(text).string);
 }
 
 }  // namespace
@@ -124,7 +131,7 @@ double TEXT_3D::getFitLength() const {
 // Factor by which the fit changes the length of the string.
 double TEXT_3D::stretch() const {
   if (m_fit == TextFit::None || isVertical()) return 1;
-  const double width = widthOf(m_style, m_context.getString());
+  const double width = shownWidthOf(m_style, m_context.getString());
   const double factor = m_span * heightUnitOf(m_style) / width;
   // Without rounding if the text has its length already.
   const bool isNone =
@@ -151,7 +158,7 @@ CTextContext TEXT_3D::getShownContext() const {
 }
 
 double TEXT_3D::getStringLength() const {
-  return widthOf(m_style, m_context.getString()) * m_context.getWidthScale() * unitScale() *
+  return shownWidthOf(m_style, m_context.getString()) * m_context.getWidthScale() * unitScale() *
          stretch();
 }
 
@@ -190,11 +197,6 @@ PNT_3D TEXT_3D::getBasePoint() const {
 
 bool TEXT_3D::isVertical() const { return m_style && m_style->isHoriz(); }
 
-double TEXT_3D::widthOfPart(std::size_t first, std::size_t end) const {
-  const zim::WString part(m_context.getString().view().substr(first, end - first));
-  return widthOf(m_style, part) * m_context.getWidthScale() * unitScale();
-}
-
 // From the top of a column to its last baseline.
 double TEXT_3D::columnLength(std::size_t count) const {
   return m_context.getHeight() * (kPitch * static_cast<double>(count) - (kPitch - 1));
@@ -202,19 +204,21 @@ double TEXT_3D::columnLength(std::size_t count) const {
 
 std::vector<STACKED_CHARACTER> TEXT_3D::getStack() const {
   std::vector<STACKED_CHARACTER> stack;
-  const std::u16string_view string = m_context.getString();
+  const zim::WString decoded = vek0::decodeTextCodes(m_context.getString()).string;
+  const std::u16string_view string = decoded;
   for (std::u16string_view rest = string; !rest.empty();) {
     const std::size_t at = string.size() - rest.size();
     const bool combines = isMark(zim::takeUtf16(rest)) && !stack.empty();
-    if (!combines) stack.push_back({at, at, *this});
+    if (!combines) stack.push_back({at, at, *this, 0});
     stack.back().end = string.size() - rest.size();
   }
   const double height = m_context.getHeight(), slant = std::tan(m_context.getOblique());
   const double rotation = shownRotation();
   double up = columnLength(stack.size()) * static_cast<double>(getHorizAlign()) / 2 - height;
   for (STACKED_CHARACTER& character : stack) {
-    const double width = widthOfPart(character.first, character.end);
-    character.base.set(x - width / 2 + up * slant, y + up, z);
+    const zim::WString part(string.substr(character.first, character.end - character.first));
+    character.width = widthOf(m_style, part) * m_context.getWidthScale() * unitScale();
+    character.base.set(x - character.width / 2 + up * slant, y + up, z);
     character.base.rotate(*this, rotation);
     up -= kPitch * height;
   }
@@ -224,9 +228,9 @@ std::vector<STACKED_CHARACTER> TEXT_3D::getStack() const {
 // As wide as the widest character.
 TEXT_3D::Box TEXT_3D::columnBox() const {
   const std::vector<STACKED_CHARACTER> stack = getStack();
+  if (stack.empty()) return {0, 0, 0, 0};
   double half = 0;
-  for (const STACKED_CHARACTER& c : stack)
-    half = std::max(half, std::fabs(widthOfPart(c.first, c.end)) / 2);
+  for (const STACKED_CHARACTER& c : stack) half = std::max(half, std::fabs(c.width) / 2);
   const double length = columnLength(stack.size());
   const double top = length * static_cast<double>(getHorizAlign()) / 2;
   return {-half, half, top - length - fontOf(m_style).getDescent() * unitScale(), top};

@@ -25,7 +25,10 @@ class ModernLint {
     if (isHandle) takeHandle(value);
     const bool isPointer = (code >= 330 && code < 370) || code == 390;
     if (isPointer && value != "0") m_pointers.emplace(parseHex(value), m_kind);
-    if (code == 330 && m_kind != "TABLE") m_hasOwner = true;
+    if (code == 102) m_isInGroup = value != "}";
+    if (code == 330 && !m_isInGroup && !m_hasOwner) takeOwner(parseHex(value));
+    if (code == 5 && (m_kind == "TABLE" || m_kind == "POLYLINE" || m_kind == "INSERT"))
+      m_enclosing = parseHex(value);
     if (m_kind == "TABLE" && code == 2) m_table = value;
     if (m_kind == "TABLE" && code == 70) m_announced = parseLong(value);
     if (code == 100) ++m_classes;
@@ -60,14 +63,31 @@ class ModernLint {
 
   void takeHandle(const std::string& value) {
     m_hasHandle = true;
+    m_handle = parseHex(value);
     if (!m_handles.insert(parseHex(value)).second || parseHex(value) == 0)
       complain(m_kind + " has the handle " + value);
+  }
+
+  // The record of the block, the table, or the head of the sequence that the object is in.
+  void takeOwner(std::uint64_t owner) {
+    m_hasOwner = true;
+    const bool isPart = m_kind == "VERTEX" || m_kind == "ATTRIB" || m_kind == "SEQEND";
+    if (m_kind == "BLOCK_RECORD") m_records.insert(m_handle);
+    if (m_kind == "BLOCK") m_block = owner;
+    if ((isPart || (m_section == "TABLES" && m_kind != "TABLE")) && owner != m_enclosing)
+      complain(m_kind + " is not owned by what it is in");
+    if (m_section == "BLOCKS" && !isPart && owner != m_block)
+      complain(m_kind + " is not owned by its block");
+    if (m_section == "ENTITIES" && !isPart && !m_records.count(owner))
+      complain(m_kind + " is not owned by a block");
   }
 
   void complain(const std::string& text) { m_complaints.push_back(text); }
 
   std::string m_kind, m_section, m_table, m_variable;
-  bool m_hasHandle = false, m_hasOwner = false;
+  bool m_hasHandle = false, m_hasOwner = false, m_isInGroup = false;
+  std::uint64_t m_handle = 0, m_enclosing = 0, m_block = 0;  // m_handle: of the current record
+  std::set<std::uint64_t> m_records;
   long m_announced = 0, m_entries = 0, m_blocks = 0, m_classes = 0;
   std::uint64_t m_seed = 0;
   std::set<std::uint64_t> m_handles;

@@ -181,6 +181,7 @@ TEST(TextFits, SpanTheirLength) {
     EXPECT_EQ(text.getAlign(), 0);
     text.setStyle(style.get());  // 10 long at height 4
     EXPECT_DOUBLE_EQ(text.getStringLength(), 36);
+    text.setContext(CTextContext(4, 0, 1, 0, u"%%uabcd%%u"));  // the codes have no width
     EXPECT_DOUBLE_EQ(text.getShownContext().getHeight(), isWidth ? 4 : 4 * 3.6);
     EXPECT_DOUBLE_EQ(text.getShownContext().getWidthScale(), isWidth ? 3.6 : 1);
     text.setContext(CTextContext(2, 0, -3, 0, u"a longer string"));

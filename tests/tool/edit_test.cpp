@@ -109,8 +109,7 @@ TEST_F(Edit, PropertiesAndNames) {
   ASSERT_EQ(got.code, 0) << got.err;
   EXPECT_NE(got.err.find("2 layers replaced by WALLS in 3 entities"), std::string::npos) << got.err;
   const Json after = info();
-  EXPECT_EQ(namesOf(after["layers"]), (std::vector<std::string>{"0", "A_B", "AREA", "WALLS"}))
-      << "the comma is none of R12";
+  EXPECT_EQ(namesOf(after["layers"]), (std::vector<std::string>{"0", "A,B", "AREA", "WALLS"}));
   EXPECT_EQ(after["layers"].back()["color"], 1) << "made like the first that it replaces";
   EXPECT_EQ(after["layers"].back()["linetype"], "SPARE");
   EXPECT_FALSE(has(namesOf(after["linetypes"]), "USED"));
@@ -141,9 +140,9 @@ TEST_F(Edit, TurnedTextsHaveTheDegreesThatWereAskedFor) {
                             "0 ARC|8 0|10 0|20 0|40 1|50 350|51 20|0 ENDSEC|0 EOF"));
   const Outcome got = run("edit text.dxf -o - --rotate 90@0,0 --rotate 33@0,0 --rotate -363@0,0");
   ASSERT_EQ(got.code, 0) << got.err;
-  EXPECT_NE(got.out.find(" 50\n150.0\n"), std::string::npos) << got.out;
-  EXPECT_NE(got.out.find(" 50\n110.0\n"), std::string::npos) << got.out;
-  EXPECT_NE(got.out.find(" 51\n140.0\n"), std::string::npos) << got.out;
+  EXPECT_NE(got.out.find("\n50\n150.0\n"), std::string::npos) << got.out;
+  EXPECT_NE(got.out.find("\n50\n110.0\n"), std::string::npos) << got.out;
+  EXPECT_NE(got.out.find("\n51\n140.0\n"), std::string::npos) << got.out;
 }
 
 TEST_F(Edit, WhatIsBeyondNumbersAlreadyDoesNotStopOthers) {
@@ -151,7 +150,66 @@ TEST_F(Edit, WhatIsBeyondNumbersAlreadyDoesNotStopOthers) {
                            "0 LINE|8 0|10 0|20 0|11 1|21 1|0 ENDSEC|0 EOF"));
   const Outcome got = run("edit far.dxf -o - --move 1,1 --undo-check");
   EXPECT_EQ(got.code, 0) << got.err;
-  EXPECT_NE(got.out.find(" 11\n2.0\n"), std::string::npos) << got.out;
+  EXPECT_NE(got.out.find("\n11\n2.0\n"), std::string::npos) << got.out;
+}
+
+TEST_F(Edit, WhatIsNotEditedStaysInTheFile) {
+  const std::string odd =
+      "999\r\na comment\r\n  0\r\nSECTION\r\n2\r\nENTITIES\r\n0\r\nLINE\r\n"
+      "8\r\nNONE\r\n 10\r\n0.50\r\n20\r\n0\r\n11\r\n1\r\n21\r\n1e0\r\n1001\r\nOWN\r\n";
+  const std::string end = "0\r\nENDSEC\r\n0\r\nEOF\r\n";
+  write("odd.dxf", odd + end);
+  for (const char* steps : {"", "--move 1,1 --undo-all"}) {
+    ASSERT_EQ(run(std::string("edit -f odd.dxf -o same.dxf ") + steps).code, 0);
+    EXPECT_EQ(contents(path("same.dxf")), odd + end);
+  }
+  ASSERT_EQ(run("edit -i --backup odd.dxf --move 0.25,0").code, 0);
+  std::string moved = odd;
+  moved.replace(moved.find("0.50"), 4, "0.75");
+  moved.replace(moved.find("11\r\n1\r\n"), 7, "11\r\n1.25\r\n");
+  EXPECT_EQ(contents(path("odd.dxf")), moved + end);
+  EXPECT_EQ(contents(path("odd.dxf.bak")), odd + end);
+  ASSERT_EQ(run("edit odd.dxf -o repaired.dxf --repair").code, 0);
+  EXPECT_NE(contents(path("repaired.dxf")).find("LAYER\r\n2\r\nNONE\r\n"), std::string::npos);
+}
+
+// Two lines of text, one solid in the model and one in a block.
+TEST_F(Edit, TakesRecordsAsAWhole) {
+  write("plan.dxf",
+        pairsOf("0 SECTION|2 HEADER|9 $ACADVER|1 AC1015|0 ENDSEC|0 SECTION|2 BLOCKS|"
+                "0 BLOCK|8 0|2 BOX|70 0|10 0|20 0|0 3DSOLID|5 B1|8 0|1 data|0 ENDBLK|0 ENDSEC|"
+                "0 SECTION|2 ENTITIES|0 MTEXT|5 A1|8 0|10 0|20 0|40 2|41 0|1 one\\Ptwo|"
+                "0 3DSOLID|5 A2|100 AcDbEntity|8 0|100 AcDbModelerGeometry|62 9|1 data|"
+                "0 INSERT|5 A3|8 0|2 BOX|10 0|20 0|0 ENDSEC|0 EOF"));
+  for (const Row& t : rows()) {
+    const Outcome got = edit(t.text("steps"));
+    EXPECT_EQ(got.code, t.whole("code")) << got.err;
+    EXPECT_NE(got.err.find(t.text("said")), std::string::npos) << got.err;
+    if (got.code != 0) continue;
+    std::istringstream listed(run("list --json out.dxf").out);
+    std::string seen;
+    for (std::string line; std::getline(listed, line);) {
+      const Json ent = Json::parse(line);
+      seen += ent["kind"].get<std::string>() + " " + ent["color"].dump() + " ";
+    }
+    EXPECT_EQ(seen, t.text("then") + std::string(" "));
+  }
+}
+
+// A sheared insert explodes what it shows; a block of the file has the name for a kind.
+TEST_F(Edit, LosesNoUnsupportedRecord) {
+  write("plan.dxf",
+        pairsOf("0 SECTION|2 HEADER|9 $ACADVER|1 AC1015|0 ENDSEC|0 SECTION|2 BLOCKS|"
+                "0 BLOCK|8 0|2 IN|70 0|10 0|20 0|0 IMAGE|5 B1|8 0|0 ENDBLK|"
+                "0 BLOCK|8 0|2 *KIMAGE|70 0|10 0|20 0|0 POINT|5 B3|8 0|10 0|20 0|0 ENDBLK|"
+                "0 BLOCK|8 0|2 OUT|70 0|10 0|20 0|0 INSERT|5 B2|8 0|2 IN|10 0|20 0|50 30|0 ENDBLK|"
+                "0 ENDSEC|0 SECTION|2 ENTITIES|0 INSERT|5 A1|8 0|2 OUT|10 0|20 0|42 3|"
+                "0 IMAGE|5 A2|8 0|0 ACAD_TABLE|5 A3|8 0|0 ENDSEC|0 EOF"));
+  EXPECT_EQ(edit("--explode --leave-unsupported").code, 1);
+  EXPECT_EQ(run("list --json plan.dxf --where kind=image,acad_table").out.find("IMAGE*"),
+            std::string::npos);
+  EXPECT_EQ(edit("--select kind=image,acad_table --set-color 5").code, 0);
+  EXPECT_EQ(edit("--select kind=acad_table --move 1,0").code, 1);
 }
 
 TEST_F(Edit, WrongStepsAreRefusedAndNothingIsWritten) {

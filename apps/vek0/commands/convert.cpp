@@ -18,7 +18,7 @@ struct ConvertOptions {
   std::vector<std::string> linetypes;
   std::string toUnits, fromUnits;
   std::string hatch = "lines";
-  std::string version = "r12";
+  std::string target = "r12";
   SaveOptions save;
 };
 
@@ -40,28 +40,17 @@ void warnIfGrown(const ConvertOptions& options, std::uintmax_t written, std::siz
   constexpr std::uintmax_t kMuch = 10;
   const std::uintmax_t read = sizeOf(options.in);
   // Later versions have hatches.
-  if (options.save.version != DxfVersion::R12) return;
+  if (!options.save.isR12()) return;
   if (hatchLines == 0 || read == 0 || written <= kMuch * read) return;
   session.notify("'" + options.out + "' is " + std::to_string(written / read) +
                  " times as large as the input; it contains " + std::to_string(hatchLines) +
                  " lines of hatch patterns, which --hatch outline omits");
 }
 
-// The first of the given options that belongs to R12 alone; empty if there is none.
-std::string optionOfR12(const ConvertOptions& options) {
-  const SaveOptions& save = options.save;
-  if (save.flatten) return "--flatten";
-  if (save.visibleOnly) return "--visible-only";
-  if (save.noTables) return "--no-tables";
-  if (save.plain) return "--plain";
-  return options.linetypes.empty() ? "" : "--linetypes";
-}
-
 void convert(ConvertOptions& options, Session& session) {
-  options.save.version = versionOf(options.version);
-  const std::string ofR12 = optionOfR12(options);
-  if (options.save.version != DxfVersion::R12 && !ofR12.empty())
-    return session.fail(kWrongUsage, ofR12 + " requires --to r12");
+  options.save.setTarget(options.target);
+  if (!options.linetypes.empty() && !options.save.isR12())
+    return session.fail(kWrongUsage, "--linetypes requires --to r12");
   session.reading.hatchOutlines = options.hatch == "outline";
   std::size_t hatchLines = 0;
   const std::uintmax_t written = rewrite(
@@ -86,9 +75,10 @@ void addConvertCommand(CLI::App& app, Session& session) {
       ->type_name("FILE.lin")
       ->allow_extra_args(false);
   verb->add_option(
-          "--to", options->version,
-          "Version to write; entities and properties that R12 lacks are native from 2000 on")
-      ->check(CLI::IsMember(versionNames()))
+          "--to", options->target,
+          "Version to write; entities and properties that R12 lacks are native from 2000 on; keep "
+          "copies the file but for changed units")
+      ->check(CLI::IsMember(targetNames()))
       ->type_name("VERSION")
       ->capture_default_str();
   CLI::Option* toUnits =
@@ -102,8 +92,8 @@ void addConvertCommand(CLI::App& app, Session& session) {
       ->type_name("UNIT")
       ->needs(toUnits);
   verb->add_option("--hatch", options->hatch,
-                   "Write patterned hatches as the lines of their patterns, or as their outlines "
-                   "(boundaries) only; solid hatches stay filled")
+                   "Write patterned hatches as the lines of their patterns (from 2000 on as "
+                   "hatches), or as their outlines (boundaries) only; solid hatches stay filled")
       ->check(CLI::IsMember({"lines", "outline"}))
       ->capture_default_str();
   addSaveOptions(*verb, options->save);

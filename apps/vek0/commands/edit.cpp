@@ -14,15 +14,16 @@
 namespace vek0::tool {
 namespace {
 
-struct EditOptions {
+struct EditCommand {
   std::string in, out;
   std::map<std::string, std::vector<std::string>> values;  // by option, in order
-  bool undoCheck = false;
+  bool inPlace = false;
+  EditOptions edit;
   SaveOptions save;
 };
 
 // Determines the steps in command-line order, which the parser does not keep for their values.
-std::vector<NamedStep> stepsInOrder(const CLI::App& verb, const EditOptions& options) {
+std::vector<NamedStep> stepsInOrder(const CLI::App& verb, const EditCommand& options) {
   std::vector<NamedStep> steps;
   std::map<std::string, std::size_t> taken;
   for (const CLI::Option* option : verb.parse_order()) {
@@ -38,7 +39,7 @@ std::vector<NamedStep> stepsInOrder(const CLI::App& verb, const EditOptions& opt
   return steps;
 }
 
-void addStepOptions(CLI::App& verb, EditOptions& options) {
+void addStepOptions(CLI::App& verb, EditCommand& options) {
   for (const StepKind& kind : stepKinds()) {
     CLI::Option* option = nullptr;
     if (kind.value == nullptr) {
@@ -58,21 +59,50 @@ void addStepOptions(CLI::App& verb, EditOptions& options) {
   }
 }
 
+void addOutputOptions(CLI::App& verb, EditCommand& options) {
+  CLI::Option_group* output = verb.add_option_group("output");
+  output->add_option("-o,--output", options.out, "File to write; - is the standard output");
+  CLI::Option* inPlace = output->add_flag("-i,--in-place", options.inPlace, "Replace IN");
+  output->require_option(1);
+  verb.add_flag("--backup", options.save.backup, "Copy the replaced file to IN.bak")
+      ->needs(inPlace);
+}
+
+void edit(EditCommand& options, const std::vector<NamedStep>& steps, Session& session) {
+  if (options.inPlace && options.in == "-")
+    return session.fail(kWrongUsage, "the standard input cannot be edited in place");
+  if (options.save.repair && options.save.form != SaveForm::Kept)
+    return session.fail(kWrongUsage, "--repair requires --to keep");
+  if (options.inPlace) options.out = options.in;
+  options.save.force = options.save.force || options.inPlace;
+  rewrite(options.in, options.out, options.save, session, [&](CData& data, const ReadResult&) {
+    return editDrawing(data, steps, options.edit, session);
+  });
+}
+
 }  // namespace
 
 void addEditCommand(CLI::App& app, Session& session) {
-  auto options = std::make_shared<EditOptions>();
+  auto options = std::make_shared<EditCommand>();
   CLI::App* verb = app.add_subcommand("edit", "Edit a drawing step by step");
   verb->add_option("IN", options->in, "DXF file; - is the standard input")->required();
-  verb->add_option("-o,--output", options->out, "File to write; - is the standard output")
-      ->required();
-  verb->add_flag("--undo-check", options->undoCheck,
+  addOutputOptions(*verb, *options);
+  verb->add_flag("--undo-check", options->edit.undoCheck,
                  "Undo all steps, verify that this restores the drawing, and redo them");
+  verb->add_flag("--undo-all", options->edit.undoAll, "Undo all steps before writing");
+  verb->add_flag("--repair", options->save.repair,
+                 "Also declare undeclared names, replace repeated handles, remove pointers to "
+                 "nothing, and end a cut file");
+  verb->add_flag("--leave-unsupported", options->edit.leaveUnsupported,
+                 "Leave entities that cannot be moved, rotated, scaled or exploded, such as "
+                 "3DSOLID and IMAGE, where they are; otherwise such a step fails");
   addSaveOptions(*verb, options->save);
+  addTargetOption(*verb, options->save);
   addStepOptions(*verb, *options);
   verb->footer(
       "Examples:\n"
       "  vek0 edit plan.dxf -o moved.dxf --move 1000,0\n"
+      "  vek0 edit -i --backup plan.dxf --select layer=OLD --delete\n"
       "  vek0 edit plan.dxf -o out.dxf --select 'layer=WALL*,kind=line,arc' --join 0.01 \\\n"
       "      --offset 12.5 --set-layer PLASTER --select window=0,0,500,300 --rotate 90@250,150\n"
       "  vek0 edit plan.dxf -o out.dxf --remap-layer '0-*=OLD' --remap-style 'TXT=STANDARD' "
@@ -80,16 +110,11 @@ void addEditCommand(CLI::App& app, Session& session) {
       "Steps apply to all of model space until the first --select; each --select starts a new\n"
       "selection. The entities that --explode, --join and --offset create are selected for\n"
       "the steps that follow. Names may contain * and ?; quote those that contain commas or\n"
-      "equals signs: 'layer=\"A,B\"'. Nothing is written if a step fails.");
-  verb->callback([options, verb, &session] {
-    const std::vector<NamedStep> steps = stepsInOrder(*verb, *options);
-    if (steps.empty()) {
-      return session.fail(kWrongUsage, "no steps given; vek0 edit --help lists them");
-    }
-    rewrite(options->in, options->out, options->save, session, [&](CData& data, const ReadResult&) {
-      return editDrawing(data, steps, options->undoCheck, session);
-    });
-  });
+      "equals signs: 'layer=\"A,B\"'. Nothing is written if a step fails.\n\n"
+      "Whatever is not edited stays as it is in the file, byte for byte; --to writes the\n"
+      "drawing anew instead. Without steps, the output is a copy.");
+  verb->callback(
+      [options, verb, &session] { edit(*options, stepsInOrder(*verb, *options), session); });
 }
 
 }  // namespace vek0::tool

@@ -72,6 +72,7 @@ void addHatchCommand(CLI::App& app, Session& session) {
                  "Hatch the closed polylines of model space, excluding islands");
   area->require_option(1);
   addSaveOptions(*verb, options->save);
+  addTargetOption(*verb, options->save);
   verb->footer(
       "Examples:\n"
       "  vek0 hatch plan.dxf -o hatched.dxf --pattern ANSI31 --scale 25 --closed-polylines\n"

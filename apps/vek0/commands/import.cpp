@@ -35,6 +35,7 @@ void addImportCommand(CLI::App& app, Session& session) {
   verb->add_option("-o,--output", options->out, "File to write; - is the standard output")
       ->required();
   addSaveOptions(*verb, options->save);
+  addTargetOption(*verb, options->save);
   verb->footer(
       "Examples:\n"
       "  vek0 import frame.dxf part1.dxf part2.dxf -o sheet.dxf\n\n"

@@ -17,6 +17,7 @@ struct ListOptions {
 
 void list(const ListOptions& options, Session& session) {
   const Drawing data = newDrawing();
+  session.reading.wholeRecords = true;
   const ReadResult result = loadFile(*data, options.file, session);
   if (!result.ok()) session.fail(kDrawingFailed, options.file + ": " + result.message());
   if (!result.opened()) return;

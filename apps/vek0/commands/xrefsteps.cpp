@@ -76,13 +76,15 @@ bool attach(ReferenceEditor& editor, const AttachOptions& options) {
 template <class Kind>
 CLI::App* addStep(CLI::App& group, const char* name, const char* help,
                   const std::shared_ptr<Kind>& options, bool (*work)(ReferenceEditor&, const Kind&),
-                  std::string (*misuse)(const Kind&), Session& session) {
+                  std::string (*misuse)(const Kind&), Session& session,
+                  const char* targetOption = "--to") {
   CLI::App* verb = group.add_subcommand(name, help);
   verb->add_option("FILE", options->in, "DXF file; - is the standard input")->required();
   verb->add_option("-o,--output", options->out, "File to write; - is the standard output")
       ->required();
   addReferenceOptions(*verb, options->references);
   addSaveOptions(*verb, options->save);
+  addTargetOption(*verb, options->save, targetOption);
   verb->callback([options, work, misuse, &session] {
     if (const std::string problem = misuse(*options); !problem.empty()) {
       return session.fail(kWrongUsage, problem);
@@ -145,7 +147,7 @@ std::string pathsOrPrefix(const RepathOptions& options) {
 void addRepath(CLI::App& group, Session& session) {
   auto options = std::make_shared<RepathOptions>();
   CLI::App* verb = addStep<RepathOptions>(group, "repath", "Change the paths of references",
-                                          options, repath, pathsOrPrefix, session);
+                                          options, repath, pathsOrPrefix, session, "--to-version");
   verb->add_option("NAME=PATH", options->changes, "New path of a reference");
   CLI::Option* from =
       verb->add_option("--from", options->from, "How the old paths begin")->type_name("PREFIX");

@@ -49,6 +49,11 @@ std::uintmax_t sizeOf(const std::string& path);
 ReadResult loadFile(CData& data, const std::string& path, const Session& session,
                     bool keepFontNames = false);
 
+/// The same through the source of the drawing, whose file is that of `path`; with one entity for
+/// each record (`CFileDXFIPolicy::wholeRecords`).
+ReadResult loadFile(CData& data, CDXFSource& source, const std::string& path,
+                    const Session& session);
+
 /// The session's options for reading drawings; without a report.
 CFileDXFIOptions readingOptions(const Session& session);
 

@@ -14,11 +14,21 @@ struct NamedStep {
   EditStep work;
 };
 
+/// How steps are taken.
+struct EditOptions {
+  /// Undo all steps in the end, compare the drawing with the original one and redo them, which
+  /// costs the memory to undo them all.
+  bool undoCheck = false;
+  /// Undo all steps in the end.
+  bool undoAll = false;
+  /// As in `Editing`.
+  bool leaveUnsupported = false;
+};
+
 /// Takes the steps in their order, beginning with all of model space selected, and reports the
 /// outcome of each to the session. Returns false at the first step that fails; the drawing is then
-/// partly changed. `undoCheck` undoes all steps in the end, compares the drawing with the original
-/// one and redoes them, which costs the memory to undo them all.
-bool editDrawing(CData& data, const std::vector<NamedStep>& steps, bool undoCheck,
+/// partly changed.
+bool editDrawing(CData& data, const std::vector<NamedStep>& steps, const EditOptions& options,
                  Session& session);
 
 }  // namespace vek0::host

@@ -15,6 +15,9 @@ struct Editing {
   CData& data;
   CUndoStack& undo;           ///< records every change
   std::vector<CEnt*> chosen;  ///< entities that the next step works on, in drawing order
+  /// Leave entities unchanged that a step cannot transform or explode (`EntRecord::Opaque`);
+  /// otherwise the step fails.
+  bool leaveUnsupported = false;
 };
 
 /// Result of a step: what it has done, or why it failed. A failed step may have made changes; undo

@@ -51,6 +51,12 @@ std::string readPurge(const std::string& text, EditStep& step);  ///< without a 
 /// Wraps the step `work` so that it fails if nothing is selected.
 EditStep onChosen(EditStep work);
 
+/// Removes from `ents` the entities that cannot be transformed: those of unsupported kinds, and, if
+/// `withContents`, inserts of blocks that hold some. Sets `left` to what to add to the outcome. If
+/// these may not be left, returns why, with what cannot be `done`.
+std::string leaveUnsupported(const Editing& editing, bool withContents, const char* done,
+                             std::vector<CEnt*>& ents, std::string& left);
+
 /// The layer of that name, created if necessary, like `model`, or with color 7 if that is null.
 /// Null when out of memory, for a pattern, and for a nonexistent layer of an external reference:
 /// only the reference could define it.

@@ -27,13 +27,14 @@ class EntityCounts {
   std::array<long, kKinds.size()> m_counts{};
 };
 
-/// The kind of an entity by its class, one of `EntityCounts::kKinds`.
-const char* kindNameOf(CEnt& ent);
+/// The kind of an entity by its class, one of `EntityCounts::kKinds`. That of a record with several
+/// pieces is the kind of all of them, or else of the record; "OPAQUE" for an unsupported kind.
+std::string kindNameOf(CEnt& ent);
 
 /// The kind of record that the entity had in its file, such as "LWPOLYLINE", or will be saved as.
-const char* recordNameOf(CEnt& ent);
+std::string recordNameOf(CEnt& ent);
 
-/// All kinds that `kindNameOf` and `recordNameOf` return.
+/// The kinds that `kindNameOf` and `recordNameOf` return, of the unsupported ones the usual.
 std::vector<const char*> entityKinds();
 
 }  // namespace vek0::host

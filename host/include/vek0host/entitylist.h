@@ -13,7 +13,7 @@ namespace vek0::host {
 /// is drawn with, for black on white.
 struct ListedEntity {
   CEnt* ent = nullptr;                   ///< never null when listed
-  const char* kind = "";                 ///< of the record, see `recordNameOf`
+  std::string kind;                      ///< of the record, see `recordNameOf`
   const CEntInsertBase* of = nullptr;    ///< the insert of an attribute, else null
   const zim::WString* layout = nullptr;  ///< null for entities of a block
   RGB_COLOR color{};

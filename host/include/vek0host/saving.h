@@ -12,6 +12,12 @@
 
 namespace vek0::host {
 
+/// How a drawing is written.
+enum class SaveForm {
+  Kept,  ///< as the file that it was read from, but for the edits
+  New,   ///< in one of the versions, from scratch
+};
+
 /// Options common to all commands that write a drawing.
 struct SaveOptions {
   bool flatten = false;
@@ -20,16 +26,23 @@ struct SaveOptions {
   bool plain = false;
   bool force = false;
   bool keepNames = false;
-  DxfVersion version = DxfVersion::R12;
+  bool backup = false;  ///< copy the replaced file to one with ".bak" behind its name
+  bool repair = false;  ///< of `SaveForm::Kept`: see `CDXFSource::Damage`
+  SaveForm form = SaveForm::New;
+  DxfVersion version = DxfVersion::R12;  ///< for `SaveForm::New`
 
   /// The flags of `SaveDXF`.
   unsigned flags() const;
+  bool isR12() const { return form == SaveForm::New && version == DxfVersion::R12; }
+  /// Sets form and version by a name of `targetNames`.
+  void setTarget(const std::string& name);
+  /// The first of the options that belongs to R12 but is given for something else; empty if there
+  /// is none.
+  std::string misplacedOption() const;
 };
 
-/// The versions by the names that `--to` accepts: "r12", "2000" and so on, in order.
-std::vector<std::string> versionNames();
-/// The version of that name, which must be one of them.
-DxfVersion versionOf(const std::string& name);
+/// What `--to` accepts: the versions "r12", "2000" and so on, in order, and "keep".
+std::vector<std::string> targetNames();
 
 /// Warns about losses and changes in reading `in`, unless the session is quiet.
 void warnOfLosses(const std::string& in, const ReadResult& result, const Session& session);

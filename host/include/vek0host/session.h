@@ -22,6 +22,7 @@ struct ReadOptions {
   bool strict = false;         ///< stop at the first error and repair nothing
   bool paperSpace = false;     ///< read the sheets instead of the model
   bool hatchOutlines = false;  ///< convert patterned hatches to their boundaries
+  bool wholeRecords = false;   ///< one entity for each record, unless strict
   int codePage = 0;            ///< overrides the file's code page; 0: as stated by the file
 };
 

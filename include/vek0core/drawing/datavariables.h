@@ -23,6 +23,10 @@ class VEK0_API CDataVariables {
   const PNT_2D& getLimMin() const { return m_limMin; }
   void setLimMin(const PNT_2D& p) { m_limMin = p; }
 
+  /// The point by which other drawings insert this one (`$INSBASE`). Stored only.
+  const PNT_3D& getInsertionBase() const { return m_insertionBase; }
+  void setInsertionBase(const PNT_3D& p) { m_insertionBase = p; }
+
   /// Scale factor of all linetypes.
   double getLtypeScale() const { return m_ltypeScale; }
   void setLtypeScale(double scale) { m_ltypeScale = scale; }
@@ -89,6 +93,7 @@ class VEK0_API CDataVariables {
 
   PNT_2D m_limMax{420.0, 297.0};
   PNT_2D m_limMin{0.0, 0.0};
+  PNT_3D m_insertionBase{0.0, 0.0, 0.0};
   double m_ltypeScale = 1.0;
   double m_plineWid = 0.0;
   double m_angDir = 0.0;

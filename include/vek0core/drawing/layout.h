@@ -69,6 +69,7 @@ struct VEK0_API PLOT_SETTINGS {
   RECT_2D window{0, 0, 0, 0};   ///< in drawing units, for `PlotArea::Window`
   bool isCentered = false;      ///< the area is centered instead of placed at the origin
   bool viewportsFirst = false;  ///< the sheet's entities are drawn over the viewports
+  bool hasLineweights = true;   ///< otherwise all lines are plotted as thin as possible
 
   /// Whether the size of the paper is known and the scale positive.
   bool hasPaper() const;

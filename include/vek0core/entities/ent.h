@@ -142,7 +142,8 @@ class VEK0_API CEnt : public IHandleEnt {
   void setTraits(const ENT_TRAITS& traits) { m_traits = vek0::detail::EntTraitsRef(traits); }
   /// Copies what no factory takes: traits and user info. Allocates nothing.
   void copyExtras(const CEnt& src);
-  /// The kind of record in the file that it comes from. Copies are `EntRecord::Own`.
+  /// The kind of record in the file that it comes from. Copies are `EntRecord::Own`,
+  /// but for inserts of a `CBlock::isOfRecord`, which only stand for a record.
   EntRecord getRecord() const { return static_cast<EntRecord>(m_record); }
   void setRecord(EntRecord record) {
     static_assert(kEntRecords <= 32);

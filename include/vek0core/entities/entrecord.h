@@ -27,10 +27,11 @@ enum class EntRecord : unsigned char {
   Tolerance,
   Table,
   Viewport,  ///< of the frame of a viewport, see `createFrame`
+  Opaque,    ///< of an unsupported kind, which its block names, see `opaqueKindOf`
 };
 
 /// Number of values.
-inline constexpr unsigned char kEntRecords = static_cast<unsigned char>(EntRecord::Viewport) + 1;
+inline constexpr unsigned char kEntRecords = static_cast<unsigned char>(EntRecord::Opaque) + 1;
 
-/// The name of the record in files, such as "LWPOLYLINE"; empty for `Own`.
+/// The name of the record in files, such as "LWPOLYLINE"; empty for `Own`, "OPAQUE" for `Opaque`.
 VEK0_API const char* nameOf(EntRecord record);

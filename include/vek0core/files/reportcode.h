@@ -94,12 +94,11 @@ enum class ReportCode : std::uint8_t {
   GroupDropped,      ///< a group of entities
   DimensionStyleDropped,  ///< any style other than STANDARD with the format's default values
   UnitDropped,            ///< a unit stated by the header; for the drawing's see `CFileDXFIResult`
-  SettingDropped,  ///< another variable that is not at its default: $INSBASE, $FILLMODE, $ATTMODE
-                   ///< or $QTEXTMODE
-  BinaryFile,      ///< the file is binary DXF, which only tolerant reading reads
-  DwgFile,         ///< the file is DWG, not DXF
-  EmptyFile,       ///< the file is empty
-  LimitReached,    ///< more entities than `maxEntities`
+  SettingDropped,         ///< another variable that is not at its default, such as $FILLMODE
+  BinaryFile,             ///< the file is binary DXF, which only tolerant reading reads
+  DwgFile,                ///< the file is DWG, not DXF
+  EmptyFile,              ///< the file is empty
+  LimitReached,           ///< more entities than `maxEntities`
 
   // Audits (`auditDXF`).
   HandleRepeated,   ///< several objects have the handle
@@ -113,13 +112,13 @@ enum class ReportCode : std::uint8_t {
   NameNotDependent,    ///< an item flagged as part of an external reference, but not named so, lost
                        ///< the flag
   EntityNotFinite,     ///< an entity with a NaN or infinite number was omitted
-  NumberNotFinite,     ///< a NaN or infinite number in a variable or a table item was replaced
+  NumberNotFinite,     ///< a NaN or infinite number elsewhere was replaced
   ColorOutOfRange,     ///< a color that the format does not support was replaced
   InsertWithoutBlock,  ///< an insert of a block that is not in the drawing was omitted
   FillAsOutline,   ///< a filled face became one that shows its visible edges: in the classic form,
                    ///< or with corners that are not in one plane
   EndlessLineCut,  ///< a ray or infinite line became a line as long as the extents of the drawing
-                   ///< or block, grown a little
+                   ///< or block, grown a little; in later versions, one without a direction
   ClipLost,        ///< a clipped insert shows all of its block
   FixedInsert,     ///< an insert of fixed pixel size became an ordinary one
   HatchAsInsert,   ///< a hatch without the data of its boundary became an insert of its lines
@@ -129,7 +128,9 @@ enum class ReportCode : std::uint8_t {
   LinetypeTextDropped,  ///< elements of a linetype other than dashes were omitted
   LineweightDropped,    ///< the line width of a layer was omitted
   LineweightRounded,    ///< a lineweight became the nearest one that the format has
-  BlocksInACircle,      ///< blocks insert each other in a cycle, so saving failed
+  RecordLeft,  ///< an entity of an unsupported kind was moved or copied, but its record stays as it
+               ///< was
+  BlocksInACircle,  ///< blocks insert each other in a cycle, so saving failed
 
   // External references; the sample is "name: path".
   ReferenceMissing,    ///< the file does not exist

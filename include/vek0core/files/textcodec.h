@@ -102,7 +102,7 @@ class VEK0_API CTextEncoder {
   explicit CTextEncoder(int page = kCodePage1252);
 
   /// The name of the page in the header of a drawing, such as "ANSI_1252", which also stands for
-  /// UTF-8.
+  /// UTF-8, "dos850" or "ISO8859-1".
   std::string getName() const;
   /// Whether the unit is written without an escape.
   bool has(zim::Char unit) const;

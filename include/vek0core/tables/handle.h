@@ -7,6 +7,10 @@
 
 class CHandleManager;
 
+namespace vek0::detail {
+class EntityReader;
+}
+
 namespace vek0 {
 
 /// A number that identifies an object within one drawing, written in hexadecimal in files; 0 means
@@ -30,6 +34,7 @@ class VEK0_API IHandleEnt {
 
  private:
   friend class CHandleManager;
+  friend class vek0::detail::EntityReader;  // until the entity is registered
   vek0::Handle m_handle;
 };
 

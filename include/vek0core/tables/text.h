@@ -20,8 +20,9 @@ enum class TextFit : std::uint8_t {
 
 /// A character of a vertical text with the marks that combine with it.
 struct STACKED_CHARACTER {
-  std::size_t first, end;  ///< its part of the string
+  std::size_t first, end;  ///< its part of the string without codes (`vek0::decodeTextCodes`)
   PNT_3D base;             ///< start of its baseline
+  double width;            ///< in drawing units, negative when it is written backward
 };
 
 /// A placed text: an insertion point (the base class), a string with its proportions, a style
@@ -34,6 +35,8 @@ struct STACKED_CHARACTER {
 /// Horizontal codes: 0 left, 1 center, 2 right. Vertical codes: 0 baseline, 1 bottom, 2 middle, 3
 /// top. Middle is half the capital height above the baseline. Texts without a style, or whose style
 /// has no font, use the default metrics of `ICADFont`.
+///
+/// The string is measured as displayed, without its codes (`vek0::decodeTextCodes`).
 ///
 /// A left text can have a length to span (`setFit`). The length is relative to height and width
 /// factor, so it follows every transformation.
@@ -116,7 +119,6 @@ class VEK0_API TEXT_3D : public PNT_3D {
   double unitScale() const;
   double stretch() const;
   double shownRotation() const;
-  double widthOfPart(std::size_t first, std::size_t end) const;
   double columnLength(std::size_t count) const;
   // In the text's own directions.
   struct Box {

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "files/number.h"
+
 namespace vek0::detail {
 namespace {
 
@@ -17,6 +19,7 @@ constexpr std::string_view kMark = " Binary DXF\r\n\x1A\0"sv;
 constexpr std::size_t kMarkEnd = 22;  // of the whole mark
 constexpr std::size_t kBlock = std::size_t{64} * 1024;
 constexpr long kComment = 999, kHighestCode = 1071;
+constexpr std::uint64_t kLongCode = 255;  // announces a code of two bytes in older files
 
 enum class Type { Text, Real, Short, Long, Huge, Byte, Chunk };
 
@@ -69,7 +72,89 @@ void append(std::string& out, Number value) {
   out += '\n';
 }
 
+void appendNumber(std::string& out, std::uint64_t value, std::size_t size) {
+  for (std::size_t i = 0; i < size; ++i) out += static_cast<char>(value >> 8 * i & 0xFF);
+}
+
+std::uint64_t bitsOf(double value) {
+  std::uint64_t bits;
+  std::memcpy(&bits, &value, sizeof bits);
+  return bits;
+}
+
+int digitOf(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  constexpr int ten = 10;
+  const char letter = static_cast<char>(c & ~0x20);
+  return letter >= 'A' && letter <= 'F' ? letter - 'A' + ten : 0;
+}
+
+void appendChunk(std::string& out, std::string_view digits) {
+  out += static_cast<char>(digits.size() / 2);
+  for (std::size_t i = 0; i + 1 < digits.size(); i += 2)
+    out += static_cast<char>(digitOf(digits[i]) << 4 | digitOf(digits[i + 1]));
+}
+
+// A caret and a letter stand for a control character.
+void appendZeroEnded(std::string& out, std::string_view text) {
+  constexpr char letters = '@', beyond = '_';
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool isControl =
+        text[i] == '^' && i + 1 < text.size() && text[i + 1] > letters && text[i + 1] <= beyond;
+    out += isControl ? static_cast<char>(text[++i] - letters) : text[i];
+  }
+  out += '\0';
+}
+
 }  // namespace
+
+std::size_t binaryStart(std::string_view bytes) {
+  return bytes.size() >= kMarkEnd && bytes.substr(0, kMarkEnd).ends_with(kMark) ? kMarkEnd : 0;
+}
+
+// The first pair is that of a section, unless it is a comment.
+bool isWideBinary(std::string_view pairs) {
+  if (pairs.size() < 2) return false;
+  const std::uint64_t code = unsignedAt(pairs.data(), 2);
+  return code == 0 || code == std::uint64_t{kComment};
+}
+
+std::size_t binaryPairSize(std::string_view pairs, bool isWide) {
+  std::size_t at = isWide ? 2 : 1;
+  if (pairs.size() < at) return 0;
+  std::uint64_t code = unsignedAt(pairs.data(), at);
+  if (!isWide && code == kLongCode) {
+    at = 3;
+    if (pairs.size() < at) return 0;
+    code = unsignedAt(pairs.data() + 1, 2);
+  }
+  const Type type = typeOf(static_cast<long>(code));
+  if (type == Type::Text) {
+    const std::size_t end = pairs.find('\0', at);
+    return end == std::string_view::npos ? 0 : end + 1;
+  }
+  if (pairs.size() <= at) return 0;
+  const std::size_t length = type == Type::Chunk ? static_cast<unsigned char>(pairs[at]) : 0;
+  const std::size_t size = at + sizeOf(type) + length;
+  return size <= pairs.size() ? size : 0;
+}
+
+void appendBinaryPair(std::string& out, long code, std::string_view value, bool isWide) {
+  const auto bits = static_cast<std::uint64_t>(code);
+  const bool isLong = !isWide && bits >= kLongCode;
+  if (isLong) out += static_cast<char>(kLongCode);
+  appendNumber(out, bits, isWide || isLong ? 2 : 1);
+  switch (const Type type = typeOf(code)) {
+    case Type::Text:
+      return appendZeroEnded(out, value);
+    case Type::Chunk:
+      return appendChunk(out, value);
+    case Type::Real:
+      return appendNumber(out, bitsOf(parseDouble(value).value), sizeof(double));
+    default:
+      appendNumber(out, static_cast<std::uint64_t>(parseLong(value)), sizeOf(type));
+  }
+}
 
 long BinaryText::read(char* out, long room) {
   if (!m_started) {
@@ -102,12 +187,10 @@ long BinaryText::start() {
     if (got < 0) return got;
     if (got == 0) break;
   }
-  m_isBinary = m_raw.size() >= kMarkEnd && rest().substr(0, kMarkEnd).ends_with(kMark);
+  m_isBinary = binaryStart(m_raw) != 0;
   if (!m_isBinary) return 0;
   m_position = kMarkEnd;
-  // The first pair is that of a section, unless it is a comment.
-  m_isWide = have(2) && (unsignedAt(rest().data(), 2) == 0 ||
-                         unsignedAt(rest().data(), 2) == std::uint64_t{kComment});
+  m_isWide = have(2) && isWideBinary(rest());
   return 0;
 }
 
@@ -145,7 +228,7 @@ bool BinaryText::takeCode() {
   if (!have(m_isWide ? 2 : 1)) return false;
   m_code = static_cast<long>(unsignedAt(rest().data(), m_isWide ? 2 : 1));
   m_position += m_isWide ? 2 : 1;
-  if (!m_isWide && m_code == 255) {
+  if (!m_isWide && m_code == static_cast<long>(kLongCode)) {
     if (!have(2)) return false;
     m_code = static_cast<long>(unsignedAt(rest().data(), 2));
     m_position += 2;

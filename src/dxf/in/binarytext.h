@@ -47,4 +47,13 @@ class BinaryText {
   std::size_t m_passed = 0;
 };
 
+/// Offset of the first pair of a binary file; 0 if the bytes are not the start of one.
+std::size_t binaryStart(std::string_view bytes);
+/// Whether group codes have two bytes, judging by the first pair.
+bool isWideBinary(std::string_view pairs);
+/// Size of the pair at the front of the bytes; 0 if it is cut or damaged.
+std::size_t binaryPairSize(std::string_view pairs, bool isWide);
+/// Appends a pair, the inverse of the conversion into text.
+void appendBinaryPair(std::string& out, long code, std::string_view value, bool isWide);
+
 }  // namespace vek0::detail

@@ -14,6 +14,7 @@
 
 #include "dxf/in/coordinate.h"
 #include "dxf/in/traitvalues.h"
+#include "dxf/ocs.h"
 #include "files/number.h"
 #include "vek0core/files/report.h"
 #include "vek0core/tables/colors.h"
@@ -105,7 +106,20 @@ void RecordReader::takeWanted(long code) {
   if (code >= firstNumber && isTolerant() && lexer().getBytes().empty())
     return note(ReportCode::NumberReplaced, decimal(code));
   m_record.seen.add(code);
-  take(code);
+  // Most pairs of a file are coordinates, which need no further distinction.
+  if (code >= firstNumber && code < kThickness)
+    m_record.setReal(code, lexer().getDouble());
+  else
+    take(code);
+}
+
+void RecordReader::takeCommon(long code) {
+  if (kCommonTolerant.has(code))
+    takeWanted(code);
+  else if (code == kLayoutName)
+    leaveOut(code);
+  else
+    takeTrait(code);
 }
 
 void RecordReader::takeInteger(long code) {
@@ -334,10 +348,24 @@ void RecordReader::supply() {
   }
   const long hidden = m_record.integer(kHidden);
   m_record.traits.isVisible = hidden != 1;
+  if (m_record.traits.thickness != 0) placeThickness();
   if (hidden != 0 && hidden != 1) note(ReportCode::NumberReplaced, decimal(kHidden));
   if (m_frameTaken) return;
   m_frameTaken = true;
-  m_frame = {m_record.extrusion, m_record.integer(67) != 0};
+  m_frame = {m_record.extrusion, m_record.integer(67) != 0, m_record};
+}
+
+// Entities are thick along the normal. Seen from below, they become thick downward; a drawing
+// cannot hold other directions.
+void RecordReader::placeThickness() {
+  const PlaneAxes plane(m_record.extrusion);
+  double& thickness = m_record.traits.thickness;
+  if (plane.isMirrored()) {
+    thickness = -thickness;
+  } else if (!plane.isWorld()) {
+    thickness = 0;
+    note(ReportCode::CodeDropped, decimal(kThickness));
+  }
 }
 
 bool RecordReader::takeCurveRoom(std::size_t points) {

@@ -99,6 +99,7 @@ class RecordReader {
   struct Frame {
     PNT_3D normal = PNT_3D(0, 0, 1);  ///< of its plane
     bool onPaper = false;
+    EntProperties properties = {};
   };
   /// Begins an entity; tolerant reading uses its frame afterwards.
   void begin() {
@@ -121,6 +122,23 @@ class RecordReader {
 
   /// Skips the current record.
   void skip();
+  /// Reads the common properties of a record whose kind is not supported, and passes all its pairs
+  /// to `look`. False if an error is recorded.
+  template <class Look>
+  bool readCommon(const Look& look) {
+    constexpr long subclass = 100;
+    m_record.start(m_byLayer ? m_byLayer : findByLayer());
+    bool isCommon = true;
+    for (long code = next(); code != 0 && !failed(); code = next()) {
+      look(code);
+      // The codes of subclasses have other meanings.
+      if (code == subclass) isCommon = isCommon && lexer().getBytes() == "AcDbEntity";
+      if (isCommon) takeCommon(code);
+      if (failed() && !spareNumber()) return false;
+    }
+    if (!failed()) supply();
+    return !failed();
+  }
   /// Downgrades an error in a dispensable record of that `kind` to a report entry and continues
   /// with the next record. False if reading is strict or the error is fatal.
   bool recover(const zim::WString& kind);
@@ -207,6 +225,7 @@ class RecordReader {
   CLtype* findByLayer();
   void takeWanted(long code);
   void take(long code);
+  void takeCommon(long code);
   void takeInteger(long code);
   void takeHandle();
   void takeLayer();
@@ -219,6 +238,7 @@ class RecordReader {
   void takeLineweight();
   void takeTransparency();
   void takeThickness();
+  void placeThickness();
   static bool isSpare(long code, const CodeSet& wanted, const CodeSet& optional);
   bool check(const RecordKind& kind, long missingParam);
   void supply();

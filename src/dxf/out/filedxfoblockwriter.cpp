@@ -13,7 +13,7 @@ namespace {
 
 long flagsOf(const CBlock& block, bool exchange) {
   // Readers would look for a file behind a block that says it is external.
-  const long flags = block.getFlags() & ~vek0::detail::kExternal;
+  const long flags = block.getFlags() & ~(vek0::detail::kExternal | CBlock::kOfRecord);
   // They also drop an empty block with such a name unless it is flagged as private.
   return exchange && block.getName()[0] == u'*' ? flags | CBlock::kAnonymous : flags;
 }

@@ -224,6 +224,7 @@ void CFileDXFOSaver::writeHeaders() {
   beginSection(u"HEADER");
   write(9, u"$ACADVER");
   write(1, u"AC1009");
+  if (isExchange() && vars.getInsertionBase() != PNT_3D(0, 0, 0)) writeInsertionBase();
   writeLimit(u"$LIMMIN", vars.getLimMin(), PNT_2D(0, 0));
   writeLimit(u"$LIMMAX", vars.getLimMax(), PNT_2D(420, 297));
   writeVariable(u"$LTSCALE", 40, vars.getLtypeScale(), 1);
@@ -254,6 +255,8 @@ void CFileDXFOSaver::writeHeaders() {
 void CFileDXFOSaver::reportVariables() {
   const CDataVariables& vars = m_data.getVars();
   if (vars.getUnits() != 0) report(ReportCode::UnitDropped, u"$INSUNITS");
+  if (!isExchange() && vars.getInsertionBase() != PNT_3D(0, 0, 0))
+    report(ReportCode::SettingDropped, u"$INSBASE");
   if (vars.getCurLtypeScale() != 1) report(ReportCode::SettingDropped, u"$CELTSCALE");
   if (vars.getDefaultLineweight() != CDataVariables::kUsualLineweight)
     report(ReportCode::SettingDropped, u"$LWDEFAULT");
@@ -281,6 +284,14 @@ void CFileDXFOSaver::writeVariable(const zim::Char* name, long code, double valu
                                    double fallback) {
   write(9, name);
   write(code, finite(value, fallback, name));
+}
+
+// The classic form has no place for it, and the usual one is not worth a line.
+void CFileDXFOSaver::writeInsertionBase() {
+  const PNT_3D& base = m_data.getVars().getInsertionBase();
+  constexpr const zim::Char* name = u"$INSBASE";
+  writeLimit(name, PNT_2D(base.x, base.y), PNT_2D(0, 0));
+  write(30, finite(base.z, 0, name));
 }
 
 void CFileDXFOSaver::writeLimit(const zim::Char* name, const PNT_2D& limit,

@@ -54,7 +54,6 @@ constexpr long kPolyline3D = 8;
 constexpr long kQuadratic = 5, kCubic = 6;
 // Code 71 of texts.
 constexpr long kBackward = 2;
-// Code 70 of attributes.
 // The codes of the string and of the vertical alignment differ by kind of text.
 constexpr long kTextString = 1, kTagString = 2, kTextVertical = 73, kAttribVertical = 74;
 
@@ -318,7 +317,7 @@ void CFileDXFOVisitor::attrib_visit(const CEntInsertBase& ent, const CEntAttrib&
 
 void CFileDXFOVisitor::vertex_visit(const CEnt& owner, const SavedVertex& vertex) {
   m_writer.writeEncoded(0, "VERTEX");
-  writeHandle(vertex.handle);
+  m_writer.writeHex(5, m_handles ? m_handles->takeVertex(vertex.handle) : vertex.handle);
   writeSpace();
   m_writer.writeEncoded(8, m_names->layer(owner.getLayer()));
   writePoint(0, vertex.pnt);

@@ -7,10 +7,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <limits>
 #include <new>
+#include <string>
 
 #include "files/number.h"
 #include "vek0core/files/file.h"
@@ -86,6 +88,8 @@ void CFileDXFOWriter::write(long code, long value) {
 void CFileDXFOWriter::write(long code, bool value) { write(code, value ? 1L : 0L); }
 
 void CFileDXFOWriter::write(long code, double value) {
+  if (m_report && !std::isfinite(value))
+    m_report->add(ReportCode::NumberNotFinite, 0, zim::WString::fromUtf8(std::to_string(code)));
   writeGroup(code);
   char* out = room(kFixedRoom);
   endLine(m_exact ? formatShortest(out, value) : formatFixed(out, value));

@@ -8,6 +8,16 @@
 
 namespace vek0::detail {
 
+/// For unordered containers whose keys are names, ignoring case.
+struct FoldedHash {
+  std::size_t operator()(std::u16string_view name) const { return zim::hashIgnoreCase(name); }
+};
+struct FoldedEqual {
+  bool operator()(std::u16string_view a, std::u16string_view b) const {
+    return zim::equalsIgnoreCase(a, b);
+  }
+};
+
 /// A set of names, ignoring case. It borrows their text.
 ///
 /// Open addressing: converting a table of 80,000 names takes half the time of a node-based set, and

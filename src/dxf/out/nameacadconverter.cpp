@@ -84,7 +84,8 @@ class CNameAcadConverter::Table {
   vek0::detail::FoldedNames m_given;
   std::deque<zim::WString> m_made;
   std::unordered_map<zim::WString, zim::WString> m_converted;  // by corrected name, not unique
-  std::unordered_map<zim::WString, int> m_tried;               // see `tried`
+  std::unordered_map<zim::WString, int, vek0::detail::FoldedHash, vek0::detail::FoldedEqual>
+      m_tried;  // see `tried`
 };
 
 // A generated name differs from all names in the drawing.

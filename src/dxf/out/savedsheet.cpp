@@ -23,17 +23,17 @@ constexpr long kViewOwner = 1001, kViewMark = 1000, kViewBrace = 1002, kViewLaye
 constexpr long kViewPoint = 1010, kViewReal = 1040, kViewShort = 1070;
 constexpr long kViewVersion = 16, kLens = 50, kCircleZoom = 1000;
 
-bool isSaved(const VIEWPORT& v) {
-  return isFinite(v.center.x, v.center.y) && isFinite(v.width, v.height) &&
-         isFinite(v.viewCenter.x, v.viewCenter.y) && isFinite(v.target.x, v.target.y) &&
-         isFinite(v.viewHeight, v.twistRad);
-}
-
 bool showsNothing(const CLayout& layout) {
   return layout.getBlock().size() == 0 && layout.getViewports().empty();
 }
 
 }  // namespace
+
+bool isFiniteView(const VIEWPORT& v) {
+  return isFinite(v.center.x, v.center.y) && isFinite(v.width, v.height) &&
+         isFinite(v.viewCenter.x, v.viewCenter.y) && isFinite(v.target.x, v.target.y) &&
+         isFinite(v.viewHeight, v.twistRad);
+}
 
 const CLayout* savedSheet(const CData& data) {
   const CLayout* active = data.getLayouts().getActive();
@@ -65,7 +65,7 @@ void reportLayouts(const CData& data, const CLayout* saved, CFileReport& report)
 void SavedViewports::collect(const CLayout& layout, SaveHandles& handles) {
   handles.noteEnd();
   for (const VIEWPORT& viewport : layout.getViewports())
-    if (isSaved(viewport)) handles.note(viewport.handle);
+    if (isFiniteView(viewport)) handles.note(viewport.handle);
 }
 
 // Readers discard the viewport of the sheet itself, so its handle is numbered like those of
@@ -85,7 +85,7 @@ void SavedViewports::write(const CLayout& layout, const CLayer& layer0) {
   writeView(own);
   long number = 1;
   for (const VIEWPORT& viewport : layout.getViewports()) {
-    if (!isSaved(viewport)) {
+    if (!isFiniteView(viewport)) {
       if (m_report) m_report->add(ReportCode::EntityNotFinite, 0, u"VIEWPORT");
       continue;
     }

@@ -17,6 +17,9 @@ const CLayout* savedSheet(const CData& data);
 /// Limits of the paper of the saved sheet, as stated by the header; empty if unknown.
 RECT_2D sheetLimits(const CLayout& layout);
 
+/// Whether all numbers of the view are finite, so that it can be written.
+bool isFiniteView(const VIEWPORT& viewport);
+
 /// Reports what the format cannot hold of the layouts when `saved`, which may be null, is saved:
 /// the other layouts, and plot settings that the limits do not imply. Empty layouts with the usual
 /// names are no loss.

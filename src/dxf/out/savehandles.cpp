@@ -1,11 +1,13 @@
 // Assigns the handles of a file. Objects keep theirs if it is not 0 and no other object has been
 // written with it. Further numbers are taken above the highest one, where no program remembers
-// another object, and from the gaps below if there is no room. Ends of sequences (SEQEND) have no
-// handle in a drawing; they are numbered apart from the rest, so that a file that is read and
-// written again gets the same numbers.
+// another object, and from the gaps below if there is no room. Vertices yield to all others,
+// because a drawing makes sure only that the handles of entities differ. Ends of sequences (SEQEND)
+// have no handle in a drawing; they are numbered apart from the rest, so that a file that is read
+// and written again gets the same numbers.
 #include "dxf/out/savehandles.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 
 #include "dxf/out/savedvertexes.h"
@@ -29,18 +31,23 @@ constexpr std::uint64_t kHighestFresh = 0x7FFFFFFF;
 
 }  // namespace
 
-void SaveHandles::note(Handle handle) {
+void SaveHandles::note(Handle handle, std::vector<Key>& noted) {
   const Key key = CFileDXFOWriter::hexBits(handle);
   if (key == 0)
     ++m_without;
   else
-    m_taken.push_back(key);
+    noted.push_back(key);
 }
 
 void SaveHandles::settle() {
-  if (!std::is_sorted(m_taken.begin(), m_taken.end())) std::sort(m_taken.begin(), m_taken.end());
-  const std::size_t noted = m_taken.size();
+  for (std::vector<Key>* noted : {&m_taken, &m_ofVertices})
+    if (!std::is_sorted(noted->begin(), noted->end())) std::sort(noted->begin(), noted->end());
   findRepeated();
+  const std::size_t noted = m_taken.size() + m_ofVertices.size();
+  const auto middle = static_cast<std::ptrdiff_t>(m_taken.size());
+  m_taken.insert(m_taken.end(), m_ofVertices.begin(), m_ofVertices.end());
+  std::vector<Key>().swap(m_ofVertices);
+  std::inplace_merge(m_taken.begin(), m_taken.begin() + middle, m_taken.end());
   m_taken.erase(std::unique(m_taken.begin(), m_taken.end()), m_taken.end());
   const std::size_t things = m_without + noted - m_taken.size();
   // Above the highest, so that formerly used numbers are not reused; from the bottom if there is no
@@ -60,19 +67,27 @@ void SaveHandles::settle() {
 }
 
 void SaveHandles::findRepeated() {
-  for (std::size_t i = 1; i < m_taken.size(); ++i) {
-    if (m_taken[i] == m_taken[i - 1]) m_repeated.emplace(m_taken[i], false);
-  }
+  std::vector<Key> common;
+  std::set_intersection(m_taken.begin(), m_taken.end(), m_ofVertices.begin(), m_ofVertices.end(),
+                        std::back_inserter(common));
+  for (const Key key : common) m_repeated.emplace(key, Owner::Other);
+  findRepeated(m_taken, Owner::Other);
+  findRepeated(m_ofVertices, Owner::Vertex);
 }
 
-Handle SaveHandles::take(Handle handle) {
+void SaveHandles::findRepeated(const std::vector<Key>& sorted, Owner owner) {
+  for (std::size_t i = 1; i < sorted.size(); ++i)
+    if (sorted[i] == sorted[i - 1]) m_repeated.emplace(sorted[i], owner);
+}
+
+Handle SaveHandles::take(Handle handle, Owner owner) {
   const Key key = CFileDXFOWriter::hexBits(handle);
   if (key == 0) return fresh(m_nextThing);
   if (m_repeated.empty()) return handle;
   const auto repeated = m_repeated.find(key);
   if (repeated == m_repeated.end()) return handle;
-  if (repeated->second) return fresh(m_nextThing);
-  repeated->second = true;
+  if (repeated->second != owner) return fresh(m_nextThing);
+  repeated->second = Owner::None;
   return handle;
 }
 
@@ -117,7 +132,7 @@ void HandleCollector::visit(CEntPolyline& ent) {
   const PolylineForm form = polylineForm(ent, m_flatten, m_exchange);
   if (m_filter.objection(ent, form.finite)) return;
   m_handles.note(ent.GetHandle());
-  forEachSaved(ent, form, [this](const SavedVertex& v) { m_handles.note(v.handle); });
+  forEachSaved(ent, form, [this](const SavedVertex& v) { m_handles.noteVertex(v.handle); });
   m_handles.noteEnd();
 }
 

@@ -31,6 +31,7 @@ CEntInsertBase::CEntInsertBase(IHandleGestor& gestor, CEntFactory& factory,
     // A factory reports a lack of memory by null, which a constructor cannot return.
     if (!m_attribs.back()) throw std::bad_alloc();
   }
+  copyRecord(src);
 }
 
 CEntInsertBase::CEntInsertBase(const CEntInsertBase& src, CBlock* block, vek0::Handle handle)
@@ -39,6 +40,20 @@ CEntInsertBase::CEntInsertBase(const CEntInsertBase& src, CBlock* block, vek0::H
 }
 
 CEntInsertBase::~CEntInsertBase() = default;
+
+void CEntInsertBase::copyRecord(const CEntInsertBase& src) {
+  if (src.m_block && src.m_block->isOfRecord()) setRecord(src.getRecord());
+}
+
+zim::WString opaqueKindOf(const CEnt& ent) {
+  constexpr std::size_t prefix = 2;  // "*K"
+  const CEntInsertBase* insert = ent.getEntInsert();
+  const bool isOpaque = ent.getRecord() == EntRecord::Opaque && insert && insert->getBlock();
+  if (!isOpaque) return {};
+  std::u16string_view kind = insert->getBlock()->getName().view().substr(prefix);
+  while (kind.ends_with(vek0::detail::kNextName)) kind.remove_suffix(1);
+  return zim::WString(kind);
+}
 
 void CEntInsertBase::addTbls(IHandleGestor& gestor) const {
   CEnt::addTbls(gestor);

@@ -120,7 +120,8 @@ void CEntExploderVisitor::visit(CEntPolyline& ent) {
 
 void CEntExploderVisitor::showContents(CEntInsertBase& ent, CLayer* layer) {
   collect([&](EntMaker& maker) {
-    const BlockLook look{ent.getColor(), ent.getLtype(), layer, ent.getTraits()};
+    BlockLook look{ent.getColor(), ent.getLtype(), layer, ent.getTraits()};
+    look.instead0 = EntPlacer::layerOfRecord(ent, ent.getLayer());
     EntPlacer::placeContents(maker, CEntInsertMatrix(), ent, look, 0);
   });
 }

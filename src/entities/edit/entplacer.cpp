@@ -33,6 +33,7 @@
 #include "vek0core/geometry/angle.h"
 #include "vek0core/geometry/edge.h"
 #include "vek0core/hatch/hatchtypetable.h"
+#include "vek0core/tables/layer.h"
 #include "vek0core/tables/ltype.h"
 
 namespace vek0::detail {
@@ -91,7 +92,9 @@ double EntPlacer::turned(double angleRad) const {
 
 CLayer* EntPlacer::layerOf(const CEnt& ent) const {
   // A hatch passes its own layer on to its lines; entities of blocks keep theirs.
-  return m_look && m_look->layer ? m_look->layer : ent.getLayer();
+  if (m_look && m_look->layer) return m_look->layer;
+  CLayer* layer = ent.getLayer();
+  return m_look && m_look->instead0 && layer && layer->is0() ? m_look->instead0 : layer;
 }
 
 CLtype* EntPlacer::ltypeOf(const CEnt& ent) const {
@@ -294,11 +297,17 @@ void EntPlacer::copyAttribs(const CEntInsertBase& from, CEntInsertBase& to) {
 }
 
 void EntPlacer::visit(CEntInsert& ent) {
+  // Its record can be neither transformed nor dropped.
+  if (ent.getRecord() == EntRecord::Opaque) {
+    m_maker.isRefused = true;
+    return;
+  }
   std::unique_ptr<CEntInsert> copy(
       m_maker.ents.createEntInsert(m_maker.gestor, layerOf(ent), ltypeOf(ent), colorOf(ent),
                                    ent.getBlock(), ent.getPnt(), 1, 1, 1, 0, 1, 1, 0, 0, 0));
   if (!copy) return m_maker.take(nullptr);
   if (!setPlaced(*copy, ent)) return placeBlock(ent);
+  copy->copyRecord(ent);
   copy->setClip(ent.getClip());
   copyAttribs(ent, *copy);
   take(copy.release(), ent);
@@ -326,8 +335,13 @@ void EntPlacer::visit(CEntFixedInsert& ent) {
 }
 
 void EntPlacer::placeBlock(CEntInsertBase& ent) {
-  placeContents(m_maker, m_matrix, ent,
-                BlockLook{colorOf(ent), ltypeOf(ent), nullptr, traitsOf(ent)}, m_depth + 1);
+  BlockLook look{colorOf(ent), ltypeOf(ent), nullptr, traitsOf(ent)};
+  look.instead0 = layerOfRecord(ent, layerOf(ent));
+  placeContents(m_maker, m_matrix, ent, look, m_depth + 1);
+}
+
+CLayer* EntPlacer::layerOfRecord(const CEntInsertBase& ent, CLayer* layer) {
+  return ent.getBlock() && ent.getBlock()->isOfRecord() ? layer : nullptr;
 }
 
 void EntPlacer::placeContents(EntMaker& maker, const CEntInsertMatrix& outer,

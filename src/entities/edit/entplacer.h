@@ -43,6 +43,7 @@ struct BlockLook {
   CLtype* ltype;
   CLayer* layer;  ///< null: they keep their own
   ENT_TRAITS traits;
+  CLayer* instead0 = nullptr;  ///< for those on layer "0"; null: they stay there
 };
 
 /// Creates copies of entities transformed by a matrix.
@@ -59,6 +60,10 @@ class EntPlacer final : public IEntVisitor {
   /// Copies everything that the insert shows, given the matrix of its container.
   static void placeContents(EntMaker& maker, const CEntInsertMatrix& outer,
                             const CEntInsertBase& insert, const BlockLook& look, int depth);
+
+  /// `BlockLook::instead0` for the insert, which is on that layer: the pieces of a record are where
+  /// the record is.
+  static CLayer* layerOfRecord(const CEntInsertBase& insert, CLayer* layer);
 
   using IEntVisitor::visit;
   void visit(CEntPnt& ent) override;

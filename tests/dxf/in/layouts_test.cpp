@@ -41,6 +41,7 @@ TEST(Layouts, PaperIsThatOfThePlot) {
     EXPECT_EQ(layout.getName(), u"Plan");
     EXPECT_EQ(PNT_2D(layout.getPlot().width, layout.getPlot().height), PNT_2D(t.point("paper")));
     EXPECT_DOUBLE_EQ(layout.getPlot().scale, t.real("scale"));
+    EXPECT_EQ(layout.getPlot().hasLineweights, t.whole<int>("weights") != 0);
     const RECT_2D shown = layout.getPaper();
     ASSERT_EQ(shown.validRegion(), !t.text("shown").empty());
     if (!shown.validRegion()) continue;

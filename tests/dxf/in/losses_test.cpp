@@ -26,8 +26,8 @@ TEST(Losses, AreToldUnlessNothingIsLost) {
       "10 1|20 1|97 0|75 0|76 1|98 0|450 ";
   expectCount("unit dropped", 0, header("9 $INSUNITS|70 0|9 $MEASUREMENT|70 0|9 $LUNITS|70 2"));
   expectCount("unit dropped", 2, header("9 $INSUNITS|70 4|9 $MEASUREMENT|70 1|9 $LUNITS|70 4"));
-  expectCount("setting dropped", 0, header("9 $FILLMODE|70 1|9 $INSBASE|10 0|20 0|30 0"));
-  expectCount("setting dropped", 2, header("9 $FILLMODE|70 0|9 $INSBASE|10 0|20 1|30 0"));
+  expectCount("setting dropped", 0, header("9 $FILLMODE|70 1|9 $INSBASE|10 0|20 1|30 0"));
+  expectCount("setting dropped", 2, header("9 $FILLMODE|70 0|9 $ATTMODE|70 0"));
   expectCount("group dropped", 2, objects("0 GROUP|5 A|300 g|0 DICTIONARY|5 B|0 GROUP|5 C"));
   expectCount("dimension style dropped", 0,
               tableOf("DIMSTYLE", "0 DIMSTYLE|2 Standard|40 1|41 0.18|270 2"));

@@ -1,3 +1,4 @@
+#include "dxf/in/savedtext.h"
 #include "support/test.h"
 
 using vek0::detail::kPi;
@@ -51,6 +52,21 @@ TEST(ReadMText, RunsKeepTheirLook) {
   EXPECT_EQ(look("\\H4;\\H0.5x;a").first.getHeight(), 2);
   EXPECT_EQ(look("\\W0.5;a").first.getWidthScale(), 0.5);
   EXPECT_NEAR(look("\\Q15;a").first.getOblique(), kPi / 12, 1e-9);
+}
+
+// Only single-line texts follow a vertical style. Saving must not make the pieces vertical.
+TEST(ReadMText, IsHorizontalInVerticalStyles) {
+  const Loaded got = loadAny(section("TABLES", table("STYLE", pairsOf("0 STYLE|2 V|3 txt|70 4"))) +
+                             section("ENTITIES", pairsOf("0 MTEXT|8 0|10 0|20 0|40 1|7 V|1 ab|"
+                                                         "0 TEXT|8 0|10 0|20 0|40 1|7 V|1 ab")) +
+                             dxf());
+  const Loaded again = loadText(saved(got, kSaveExchange));
+  for (const Loaded* loaded : {&got, &again}) {
+    const std::vector<TEXT_3D> texts = textsOf(*loaded);
+    ASSERT_EQ(texts.size(), 2u);
+    EXPECT_FALSE(texts[0].isVertical());
+    EXPECT_TRUE(texts[1].isVertical());
+  }
 }
 
 TEST(ReadMText, LinesBreakAtTheWidth) {

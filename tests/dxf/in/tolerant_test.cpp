@@ -187,6 +187,18 @@ TEST(Tolerant, LinetypesTakeWhatThereIs) {
   EXPECT_EQ(got.report.count("linetype unknown"), 0);
 }
 
+// Such as BATTING, whose shapes are the line.
+TEST(Tolerant, LinetypesOfShapesAreContinuous) {
+  const std::string shape = "|74 4|340 5|75 130|46 0.1|50 0|44 0|45 0|49 -0.1";
+  for (const auto& [dash, dashes] : {std::pair("49 0.0001", 0u), std::pair("49 0.2", 2u)}) {
+    const Loaded got = loadAny(
+        section("TABLES",
+                table("LTYPE", pairsOf("0 LTYPE|2 B|3 b|70 0|72 65|73 2|" + (dash + shape)))) +
+        dxf());
+    EXPECT_EQ(got.data->getLtypeTable().get(u"B")->getNoDashes(), dashes);
+  }
+}
+
 // Linetypes may follow the layers that name them, but a layer that already exists keeps its
 // linetype.
 TEST(Tolerant, LayersWaitForTheirLinetypes) {

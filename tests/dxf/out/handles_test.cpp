@@ -51,6 +51,18 @@ TEST(SaveHandles, FirstUserKeepsItAndOthersGetFreeNumbers) {
   }
 }
 
+// Wherever they are in the file.
+TEST(SaveHandles, VerticesYieldToAllOthers) {
+  SaveHandles handles;
+  for (const Handle vertex : {5, 6, 6, 7}) handles.noteVertex(vertex);
+  for (const Handle other : {5, 9, 9}) handles.note(other);
+  handles.settle();
+  std::vector<Handle> given;
+  for (const Handle vertex : {5, 6, 6, 7}) given.push_back(handles.takeVertex(vertex));
+  for (const Handle other : {5, 9, 9}) given.push_back(handles.take(other));
+  EXPECT_EQ(given, (std::vector<Handle>{10, 6, 11, 7, 5, 9, 12}));
+}
+
 TEST(SaveHandles, RandomHandlesAreUniqueKeptAndStableOnceWritten) {
   std::mt19937 random(11);
   for ([[maybe_unused]] const int round : rounds(300)) {

@@ -5,6 +5,7 @@
 #include "vek0core/export.h"
 #include "vek0core/files/textcodec.h"
 
+class CEnt;
 class CFileReport;
 
 /// How the reader handles files that deviate from the rules. The defaults are strict; every
@@ -33,6 +34,13 @@ struct CFileDXFIPolicy {
   /// which a few bytes in a file can request thousands. Solid hatches are not affected.
   bool hatchOutlines = false;
 
+  /// Make one entity of each record (tolerant only). A record that becomes several entities is an
+  /// insert at (0, 0, 0) of a block that holds them, `CBlock::isOfRecord`; it has the properties of
+  /// the record, and the pieces inherit those that they share with it. A record of an unsupported
+  /// kind is an insert of an empty block, `EntRecord::Opaque`: it has layer, linetype, color,
+  /// traits and handle, but shows nothing. The report is the same.
+  bool wholeRecords = false;
+
   /// The policy for hosts that open files of unknown origin.
   static CFileDXFIPolicy forAnyFile() {
     CFileDXFIPolicy policy;
@@ -54,6 +62,9 @@ struct CFileDXFIOptions {
   /// Called every thousand entities with the number of lines read; returning false stops the
   /// reading and keeps what was read until then.
   std::function<bool(long)> progress = {};
+  /// Called with each entity, before it joins the drawing, and the line at which its record begins;
+  /// with every entity of a record that yields several. It may still be dropped.
+  std::function<void(const CEnt& ent, long line)> onEntity = {};
   /// Maximum number of entities to read, those of blocks included; 0 for no limit. Further ones are
   /// skipped and reported.
   long maxEntities = 0;

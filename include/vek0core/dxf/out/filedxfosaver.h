@@ -57,6 +57,7 @@ class VEK0_API CFileDXFOSaver {
   void beginTable(const zim::Char* name, std::size_t entries);
   void writeCurrentItems();
   void writeVariable(const zim::Char* name, long code, double value, double fallback);
+  void writeInsertionBase();
   void writeLimit(const zim::Char* name, const PNT_2D& limit, const PNT_2D& fallback);
   void writeSheetVariables(const CLayout& layout);
   void writeLtypes();

@@ -32,8 +32,8 @@ class VEK0_API CFileDXFOWriter {
   /// Writes 1 or 0.
   void write(long code, bool value);
   /// Writes fixed notation with six decimals and no exponent, like "%.6f", or the shortest exact
-  /// decimal after `setExact(true)`. `value` must be finite: other numbers have no form that
-  /// readers accept and are written as 0.
+  /// decimal after `setExact(true)`. Numbers that are not finite have no form that readers
+  /// accept: they are written as 0 and reported.
   void write(long code, double value);
   /// Writes the text in the encoding of the file; null counts as empty.
   void write(long code, const zim::Char* text);
@@ -55,7 +55,8 @@ class VEK0_API CFileDXFOWriter {
   /// Sets the encoding of texts (borrowed); null, the default, for windows-1252.
   void setEncoder(const CTextEncoder* encoder) { m_encoder = encoder; }
 
-  /// Sets the report that receives cut texts; null, the default, for none. Borrowed.
+  /// Sets the report that receives cut texts and replaced numbers; null, the default, for none.
+  /// Borrowed.
   void setReport(CFileReport* report) { m_report = report; }
 
   /// Whether to collect output in a buffer of 64 KiB, which is several times faster; off by

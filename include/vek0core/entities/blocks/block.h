@@ -45,6 +45,7 @@ class VEK0_API CBlock : public CNamedItem {
   // Bits of the flags.
   static constexpr long kAnonymous = 1;   ///< private to its inserting object: a hatch, an array
   static constexpr long kHasAttdefs = 2;  ///< see the class
+  static constexpr long kOfRecord = 256;  ///< see `isOfRecord`; not in files
 
   /// Copies name, base point, flags and user info. The copy has no entities, hence no flag bit 2,
   /// and is in no table.
@@ -76,6 +77,11 @@ class VEK0_API CBlock : public CNamedItem {
 
   /// Whether it is the content of a dimension: its name is "*D" and a number.
   bool isOfDimension() const;
+
+  /// Whether it is private to inserts that stand for records of another kind: it holds the pieces
+  /// of one record, or is empty and named after a kind that is not supported (see
+  /// `CFileDXFIPolicy::wholeRecords`). No file has it.
+  bool isOfRecord() const { return (getFlags() & kOfRecord) != 0; }
 
   /// Appends an entity that is already relative to the base point.
   void restore(CEnt* ent);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -63,6 +64,9 @@ class VEK0_API CEntInsertBase : public CEnt {
   /// the insert is registered; call `CBlockTable::updateBlock` to update the owning block's edges
   /// in the block graph.
   void setBlock(CBlock* block);
+  /// Takes over the kind of record of an insert that this one is a copy of, if that only stands for
+  /// a record (`CBlock::isOfRecord`).
+  void copyRecord(const CEntInsertBase& src);
 
  protected:
   friend class vek0::detail::AttribsMemento;
@@ -89,6 +93,16 @@ class VEK0_API CEntInsertBase : public CEnt {
   std::vector<std::unique_ptr<CEntAttrib>> m_attribs;
   mutable IHandleGestor* m_gestor = nullptr;  // set while registered
 };
+
+namespace vek0::detail {
+/// Ends the name of the block for a kind if the file has a block of that name; kinds do not have
+/// it.
+inline constexpr std::u16string_view kNextName = u"*";
+}  // namespace vek0::detail
+
+/// The kind of the record that an `EntRecord::Opaque` entity stands for, such as "3DSOLID"; empty
+/// for any other entity.
+VEK0_API zim::WString opaqueKindOf(const CEnt& ent);
 
 /// Insert of a block at a point, with scales, a rotation and an array of copies.
 ///

@@ -83,6 +83,20 @@ CStyle* styleOf(const RecordReader& in) {
   return style ? style : in.context().semantor.getStyleStandard();
 }
 
+// Texts follow the direction of their style, but those that this file builds are horizontal in any
+// style. Files can say so only by a style.
+CStyle* horizontalStyle(const RecordReader& in, CStyle* style) {
+  IFileDXFISemantor& semantor = in.context().semantor;
+  while (style && style->isHoriz()) {
+    const zim::WString name = style->getName() + u"_HORIZONTAL";
+    semantor.createStyle(name, style->getFont(), style->getFixedHeight(), style->getWidthScale(),
+                         style->getOblique(), style->getLastHeight(),
+                         style->getFlags() & (CStyle::kBold | CStyle::kItalic));
+    style = semantor.getStyle(name);
+  }
+  return style;
+}
+
 // A usable height.
 double heightOf(const RecordReader& in, double height, const CStyle* style) {
   if (height > 0) return height;
@@ -272,12 +286,13 @@ void buildMText(RecordReader& in, const MTextRecord& record, vek0::Handle handle
   const std::vector<MTextRun> runs = layoutMText(content, record.box, MTextRecord::kMostRuns);
   const Record& r = in.record();
   const TextPlane plane(record.normal, record.direction);
+  CStyle* style = horizontalStyle(in, record.style);
   for (const MTextRun& run : runs) {
     const MTextFormat& f = content.formats[run.format];
     const PNT_3D at = plane.at(record.at, run.x, run.y);
     // Adding large coordinates to large offsets may overflow.
     if (!isFinite(at)) return in.fail(CFileDXFIError::InconsistentRecord);
-    TEXT_3D text(plane.context(f, zim::WString(run.text)), record.style, at.x, at.y, at.z, 0);
+    TEXT_3D text(plane.context(f, zim::WString(run.text)), style, at.x, at.y, at.z, 0);
     text.setAlign(text.findJustify(run.across, 0));
     EntProperties properties = r.withHandle(built.empty() ? handle : 0);
     properties.color = f.color;

@@ -98,7 +98,7 @@ void BlocksSection::takePair(long code, Header& block) {
       block.base[2] = m_in.lexer.getDouble();
       break;
     case 70:
-      block.flags = m_in.flags();
+      block.flags = m_in.flags() & ~CBlock::kOfRecord;
       break;
     case 330:
       if (block.owner == 0) block.owner = parseHex(m_in.lexer.getBytes());

@@ -30,8 +30,9 @@ auto findLast(const Pairs& pairs, const Key& key) {
 
 // Entities that are imported get new handles, which may be handles of the file by accident.
 void DrawOrder::note(const CEnt& ent, vek0::Handle handle) {
-  const bool isKept = m_in.semantor.shouldRespectHandles() && ent.GetHandle() == handle;
-  if (handle != 0 && !isKept) m_handles.emplace_back(&ent, static_cast<Key>(handle));
+  if (handle == 0) return;
+  const bool isKept = ent.GetHandle() == handle && m_in.semantor.shouldRespectHandles();
+  if (!isKept) m_handles.emplace_back(&ent, static_cast<Key>(handle));
 }
 
 // The last handle of an owner before the entries is that of the block record.

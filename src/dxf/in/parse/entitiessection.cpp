@@ -39,6 +39,11 @@ bool EntitiesSection::isTimeToStop() {
   return true;
 }
 
+void EntitiesSection::note(const CEnt& ent, long line) {
+  m_order.note(ent, m_in.loader->getHandle());
+  if (m_options.onEntity) m_options.onEntity(ent, line);
+}
+
 // Neither section nor file may end inside a block or before its ENDSEC.
 EntPtr EntitiesSection::readOne() {
   if (isTimeToStop()) return nullptr;
@@ -47,12 +52,12 @@ EntPtr EntitiesSection::readOne() {
     return nullptr;
   }
   m_kind = m_in.lexer.getBytes();
+  const long line = m_in.lexer.getLine() - 1;
   EntPtr ent(m_in.loader->readEntity());
   if (m_in.failed() && m_in.recover(ReportCode::EntityDropped, zim::WString::fromUtf8(m_kind)))
     m_in.loader->getFurther().clear();
-  if (ent) m_order.note(*ent, m_in.loader->getHandle());
-  for (const EntPtr& more : m_in.loader->getFurther())
-    m_order.note(*more, m_in.loader->getHandle());
+  if (ent) note(*ent, line);
+  for (const EntPtr& more : m_in.loader->getFurther()) note(*more, line);
   return ent;
 }
 

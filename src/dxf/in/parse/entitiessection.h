@@ -31,6 +31,7 @@ class EntitiesSection {
 
  private:
   void add(EntPtr ent);
+  void note(const CEnt& ent, long line);
   bool isTimeToStop();
 
   SectionInput& m_in;

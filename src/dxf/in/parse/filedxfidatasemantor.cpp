@@ -237,10 +237,24 @@ CBlock* IFileDXFIDataSemantor::getBlock(const zim::WString& name) {
 }
 
 void IFileDXFIDataSemantor::freeHatchName(const zim::WString& name) {
+  if (name.Length() > 2 && name[0] == u'*' && (name[1] == u'K' || name[1] == u'k'))
+    freeRecordName(name);
   if (m_hatchBlocks.empty()) return;
   CBlock* block = m_data.getBlockTable().get(name);
   if (block && m_hatchBlocks.count(block) != 0)
     block->setName(getHatchName(m_data.getBlockTable()));
+}
+
+// Files do not use the names for the blocks of records, but they may.
+void IFileDXFIDataSemantor::freeRecordName(const zim::WString& name) {
+  CBlockTable& blocks = m_data.getBlockTable();
+  CBlock* block = blocks.get(name);
+  if (!block || !block->isOfRecord()) return;
+  zim::WString free = block->getName();
+  do {
+    free += vek0::detail::kNextName;
+  } while (blocks.get(free));
+  block->setName(free);
 }
 
 // A hatch that cannot be generated keeps its data from the file.

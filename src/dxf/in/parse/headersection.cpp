@@ -22,6 +22,9 @@ using Reals = double[3];
 
 void setLimMin(CDataVariables& vars, const Reals& v) { vars.setLimMin(PNT_2D(v[0], v[1])); }
 void setLimMax(CDataVariables& vars, const Reals& v) { vars.setLimMax(PNT_2D(v[0], v[1])); }
+void setInsertionBase(CDataVariables& vars, const Reals& v) {
+  vars.setInsertionBase(PNT_3D(v[0], v[1], v[2]));
+}
 void setLtypeScale(CDataVariables& vars, const Reals& v) { vars.setLtypeScale(v[0]); }
 void setPLineWid(CDataVariables& vars, const Reals& v) { vars.setPLineWid(v[0]); }
 void setAngDir(CDataVariables& vars, const Reals& v) { vars.setAngDir(v[0] * kRadiansPerDegree); }
@@ -92,6 +95,7 @@ constexpr Variable<Reals> kRealVariables[] = {
     {u"$PLINEWID", setPLineWid},
     {u"$ANGBASE", setAngDir},
     {u"$PDSIZE", setPointSize, true},
+    {u"$INSBASE", setInsertionBase, true},
     {u"$CELTSCALE", setCurLtypeScale, true, isPositive},
 };
 constexpr Variable<long> kIntegerVariables[] = {
@@ -226,7 +230,8 @@ void HeaderSection::takeReals(const zim::WString& name, const double (&value)[3]
   m_dimStyles.takeVariable(name, value[0]);
   if (zim::equalsIgnoreCase(name, u"$INSBASE")) {
     m_insertionBase = PNT_3D(value[0], value[1], value[2]);
-    if (m_insertionBase != PNT_3D(0, 0, 0)) noteSetting(ReportCode::SettingDropped, name);
+    if (m_insertionBase != PNT_3D(0, 0, 0) && !m_in.isTolerant())
+      noteSetting(ReportCode::SettingDropped, name);
   }
   if (zim::equalsIgnoreCase(name, u"$PLIMMIN")) m_sheetMin = PNT_2D(value[0], value[1]);
   if (zim::equalsIgnoreCase(name, u"$PLIMMAX")) m_sheetMax = PNT_2D(value[0], value[1]);

@@ -11,7 +11,8 @@ namespace {
 
 constexpr double kMmPerInch = 25.4;
 // Bits of code 70.
-constexpr long kCentered = 4, kStandardScale = 16, kPlotStyles = 32, kViewportsFirst = 512;
+constexpr long kCentered = 4, kStandardScale = 16, kPlotStyles = 32, kPlotsWeights = 128,
+               kViewportsFirst = 512;
 
 constexpr PlotArea kAreas[] = {PlotArea::Display, PlotArea::Extents, PlotArea::Limits,
                                PlotArea::View,    PlotArea::Window,  PlotArea::Layout};
@@ -115,6 +116,8 @@ PLOT_SETTINGS LayoutObject::settings() const {
   }
   plotted.isCentered = (flags() & kCentered) != 0;
   plotted.viewportsFirst = (flags() & kViewportsFirst) != 0;
+  // With plot styles, programs do not ask whether to plot lineweights.
+  plotted.hasLineweights = (integer(70, 65535, kPlotsWeights) & (kPlotStyles | kPlotsWeights)) != 0;
   return plotted;
 }
 

@@ -70,6 +70,14 @@ std::size_t ownOf(const std::vector<ReadViewport>& viewports) {
   return !viewports.empty() && viewports[0].number <= 0 ? 0 : viewports.size();
 }
 
+// Files with renumbered viewports still begin with the one that the sheet itself had before: its
+// view is the sheet, as that of number 1.
+bool isFormerOwn(const std::vector<ReadViewport>& viewports, std::size_t i, std::size_t own) {
+  const VIEWPORT& view = viewports[i].view;
+  return i == 0 && own > 0 && own < viewports.size() && view.viewCenter == view.center &&
+         view.viewHeight == view.height && view.target == PNT_2D(0, 0) && view.twistRad == 0;
+}
+
 // Limits that nobody has set: A3, or its American counterpart.
 bool isUsual(const RECT_2D& limits) {
   return limits.min == PNT_2D(0, 0) &&
@@ -229,7 +237,7 @@ std::vector<VIEWPORT> Sheets::viewportsOf(Content& content) {
   const std::size_t own = ownOf(content.viewports);
   for (std::size_t i = 0; i < content.viewports.size(); ++i) {
     ReadViewport& viewport = content.viewports[i];
-    if (i == own) continue;
+    if (i == own || isFormerOwn(content.viewports, i, own)) continue;
     if (viewport.view.width > 0 && viewport.view.height > 0) {
       settleView(viewport, entities);
       viewports.push_back(std::move(viewport.view));

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "dxf/in/itemflags.h"
+#include "files/number.h"
 #include "vek0core/geometry/angle.h"
 
 namespace vek0::detail {
@@ -58,6 +59,14 @@ void takePair(SectionInput& in, long code, Style& style) {
       break;
     case 70:
       style.flags = in.flags() & ~kReferenced;
+      break;
+    case 4:
+      if (!in.lexer.getBytes().empty()) in.note(ReportCode::CodeDropped, u"STYLE 4");
+      break;
+    case 71:
+      in.passPair();
+      if (!in.failed() && parseLong(in.lexer.getBytes()) != 0)
+        in.note(ReportCode::CodeDropped, u"STYLE 71");
       break;
     default:
       in.passPair();

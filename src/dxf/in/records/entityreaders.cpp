@@ -122,6 +122,14 @@ std::optional<ReportCode> lossOf(const CFileDXFILexer& lexer, EntityKinds kinds)
   return isPart ? ReportCode::RecordSkipped : ReportCode::KindSkipped;
 }
 
+// Whether the record does not belong among entities, as in damaged files.
+bool isOfStructure(const CFileDXFILexer& lexer) {
+  constexpr std::string_view names[] = {"SECTION", "TABLE",  "ENDTAB", "CLASS",
+                                        "BLOCK",   "ENDBLK", "ENDSEQ", "DICTIONARY"};
+  return std::any_of(std::begin(names), std::end(names),
+                     [&](std::string_view name) { return lexer.isKeyword(name); });
+}
+
 const Reader* findReader(const CFileDXFILexer& lexer, EntityKinds kinds) {
   for (const Reader& reader : kReaders)
     if (reader.since <= kinds && lexer.isKeyword(reader.name)) return &reader;
@@ -140,19 +148,20 @@ EntPtr EntityReader::read(EntityKinds kinds) {
     // Readers of approximated kinds have already placed their results.
     const bool inPlane = reader->since != EntityKinds::All;
     if (isLeftOut()) return nullptr;
-    return inPlane ? placed(std::move(ent)) : std::move(ent);
+    if (inPlane) ent = placed(std::move(ent));
+    // One without a picture.
+    const bool isHeld = isWhole() && reader->record == EntRecord::Table && !ent;
+    if (isHeld) return opaque(zim::WString::fromUtf8(reader->name));
+    return isWhole() ? whole(std::move(ent), reader->record) : std::move(ent);
   }
   if (kinds == EntityKinds::All && records.lexer().isKeyword("VIEWPORT") && isOnKeptSheet()) {
     takeViewport();
     return nullptr;
   }
   const std::optional<ReportCode> loss = lossOf(records.lexer(), kinds);
-  if (kinds == EntityKinds::All) {
-    skipKind(loss);
-  } else {
-    if (loss) records.note(*loss, records.lexer().getText());
-    records.skip();
-  }
+  if (kinds == EntityKinds::All) return skipOrHold(loss);
+  if (loss) records.note(*loss, records.lexer().getText());
+  records.skip();
   return nullptr;
 }
 
@@ -168,21 +177,30 @@ void EntityReader::takeViewport() {
 }
 
 // Viewport number 1 is the sheet itself.
-void EntityReader::skipKind(std::optional<ReportCode> loss) {
+EntPtr EntityReader::skipOrHold(std::optional<ReportCode> loss) {
   constexpr long space = 67, number = 69;
   const zim::WString kind = records.lexer().getText();
   const long line = records.lexer().getLine();
   bool isSheet = false, onPaper = false;
   const bool isViewport = records.lexer().isKeyword("VIEWPORT");
-  for (long code = records.next(); code != 0 && !records.failed(); code = records.next()) {
+  const bool isHeld = isWhole() && loss == ReportCode::KindSkipped && !isViewport &&
+                      !isOfStructure(records.lexer());
+  const auto look = [&](long code) {
     const std::string_view bytes = records.lexer().getBytes();
     if (code == space) onPaper = parseLong(bytes) != 0;
     if (code == number && isViewport) isSheet = parseLong(bytes) == 1;
-  }
-  if (!loss || isSheet) return;
+  };
+  records.begin();
+  if (isHeld)
+    records.readCommon(look);
+  else
+    for (long code = records.next(); code != 0 && !records.failed(); code = records.next())
+      look(code);
+  if (!loss || isSheet) return nullptr;
   const bool isElsewhere = isOtherSpace(onPaper);
   records.noteAt(line, isElsewhere ? ReportCode::OnPaper : *loss,
                  isElsewhere ? records.sheet : kind);
+  return isHeld && !isElsewhere && !records.failed() ? opaque(kind) : nullptr;
 }
 
 // Entities on a layout's sheet are not in model space and vice versa; blocks belong to both,

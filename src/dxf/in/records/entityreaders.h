@@ -39,10 +39,19 @@ class EntityReader {
  private:
   bool isOnKeptSheet() const;
   void takeViewport();
-  void skipKind(std::optional<ReportCode> loss);
   bool isLeftOut();
   bool isOtherSpace(bool onPaper);
   EntPtr placed(EntPtr ent);
+  bool isWhole() const {
+    return records.isTolerant() && records.context().options.policy.wholeRecords;
+  }
+  EntPtr whole(EntPtr first, EntRecord record);
+  EntPtr skipOrHold(std::optional<ReportCode> loss);
+  EntPtr opaque(const zim::WString& kind);
+  CBlock* createBlock(const zim::WString& name, std::vector<EntPtr> pieces);
+  void inherit(CEnt& piece, const EntProperties& from) const;
+
+  long m_lastWhole = 0;  // the number of its block
 };
 
 // One reader per kind. Each starts at the group 0 of its record.

@@ -12,7 +12,7 @@ namespace {
 
 constexpr long kAlignment = 65;  // 'A', the only one defined
 // Code 74.
-constexpr long kPlainDash = 0, kTextDash = 2, kShapeDash = 4;
+constexpr long kPlainDash = 0, kAbsoluteAngle = 1, kTextDash = 2, kShapeDash = 4;
 
 }  // namespace
 
@@ -23,6 +23,7 @@ struct LtypeReader::Entry {
   long dashes = 0;      // codes 49 seen
   long types = 0;       // codes 74 seen
   CLtypeComplexDashSeq sequence;
+  bool lostShapes = false;
 };
 
 void LtypeReader::read() {
@@ -167,11 +168,13 @@ void LtypeReader::takeElement(long type, Entry& entry) {
   }
   m_putBack = true;
   if (failed()) return;
+  if ((type & kAbsoluteAngle) != 0) m_context.note(ReportCode::CodeDropped, u"LTYPE 74");
   const CTextContext context(height, 0, 1, angleDeg * kRadiansPerDegree, text);
   if ((type & kTextDash) != 0)
     entry.sequence.AddDashText(TEXT_3D(context, m_context.semantor.getStyleStandard(), x, y, 0, 0));
   else
     m_context.note(ReportCode::ShapeDropped, {});
+  entry.lostShapes = entry.lostShapes || (type & kTextDash) == 0;
 }
 
 // If the number is invalid, the element keeps its value.
@@ -224,6 +227,14 @@ double LtypeReader::expectDouble(long code) {
   return expect(code) ? m_context.lexer.getDouble() : 0;
 }
 
+// Whether a pattern has more than dots.
+bool LtypeReader::isVisible(const CLtypeComplexDashSeq& sequence) {
+  const double dot = sequence.GetPatternLen() / 100;
+  for (int i = 0; i < sequence.GetNoDashes(); ++i)
+    if (!sequence[i]->IsDoubleDash() || sequence[i]->GetValue() > dot) return true;
+  return false;
+}
+
 void LtypeReader::create(Entry& entry) {
   IFileDXFISemantor& semantor = m_context.semantor;
   if (entry.name.empty()) return fail(CFileDXFIError::WrongStructure);
@@ -232,6 +243,8 @@ void LtypeReader::create(Entry& entry) {
     if (zim::equalsIgnoreCase(entry.name, fixed)) return;
   if (isTolerant() && std::max(entry.announced, 0L) != entry.dashes)
     m_context.note(ReportCode::NumberReplaced, u"73");
+  // Most of its line were the shapes.
+  if (entry.lostShapes && !isVisible(entry.sequence)) entry.sequence.ClearDashes();
   if ((entry.flags & kOfXRef) == 0)
     return semantor.createLtype(entry.name, entry.description, entry.sequence, entry.flags);
   zim::WString xref, local;

@@ -35,6 +35,7 @@ class LtypeReader {
   void skipShape();
   bool expect(long code);
   double expectDouble(long code);
+  static bool isVisible(const CLtypeComplexDashSeq& sequence);
   void create(Entry& entry);
 
   bool isTolerant() const { return m_context.options.policy.tolerant; }

@@ -2,6 +2,7 @@
 // common pairs come first, and every further class of the object begins with its name (100).
 #include "dxf/out/modern/entityrecords.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "dxf/out/exactnumbers.h"
@@ -23,12 +24,18 @@ namespace {
 
 constexpr long kBackwardText = 2;
 
-// Unit length up to noise, which is what files state; directions that were read stay as they were.
+// Of unit length. Directions that are so up to noise stay, because they were read from a file.
 PNT_3D direction(const LINE_3D& line) {
-  constexpr double noise = 1e-6;
-  const PNT_3D d = line.p2 - line.p1;
+  constexpr double noise = 1e-6, half = 0.5;
+  PNT_3D d = line.p2 - line.p1;
+  if (std::fabs(std::hypot(d.x, d.y, d.z) - 1) <= noise) return d;
+  // The difference of huge coordinates overflows, as do the squares of large ones.
+  if (!isFinite(d))
+    d = PNT_3D(line.p2.x * half - line.p1.x * half, line.p2.y * half - line.p1.y * half,
+               line.p2.z * half - line.p1.z * half);
+  const double size = std::max({std::fabs(d.x), std::fabs(d.y), std::fabs(d.z)});
+  d = PNT_3D(d.x / size, d.y / size, d.z / size);
   const double length = std::hypot(d.x, d.y, d.z);
-  if (!(std::fabs(length - 1) > noise)) return d;
   return PNT_3D(d.x / length, d.y / length, d.z / length);
 }
 
@@ -75,7 +82,7 @@ void EntityRecords::writeThickness(const CEnt& ent) {
     note(ReportCode::NumberNotFinite, "39");
 }
 
-// Of kinds that have none.
+// For kinds without a thickness.
 void EntityRecords::dropThickness(const CEnt& ent) {
   if (ent.getTraits().thickness != 0) note(ReportCode::CodeDropped, "39");
 }
@@ -97,17 +104,20 @@ void EntityRecords::visit(CEntPnt& ent) {
 
 void EntityRecords::visit(CEntLine& ent) {
   const LINE_3D& line = ent.getLine();
-  if (ent.getReach() == LineReach::Segment) {
+  const char* endless = ent.getReach() == LineReach::Ray ? "RAY" : "XLINE";
+  const bool isSegment = ent.getReach() == LineReach::Segment;
+  // An infinite line between equal points has no direction.
+  if (isSegment || line.p1 == line.p2) {
     if (refuses(ent, "LINE")) return;
+    if (!isSegment) note(ReportCode::EndlessLineCut, endless);
     begin("LINE", ent, "AcDbLine");
     writeThickness(ent);
     writeCorner(m_out, 0, line.p1);
     writeCorner(m_out, 1, line.p2);
     return;
   }
-  const bool isRay = ent.getReach() == LineReach::Ray;
-  if (refuses(ent, isRay ? "RAY" : "XLINE")) return;
-  begin(isRay ? "RAY" : "XLINE", ent, isRay ? "AcDbRay" : "AcDbXline");
+  if (refuses(ent, endless)) return;
+  begin(endless, ent, ent.getReach() == LineReach::Ray ? "AcDbRay" : "AcDbXline");
   dropThickness(ent);
   writeCorner(m_out, 0, line.p1);
   writeCorner(m_out, 1, direction(line));
@@ -151,7 +161,9 @@ bool EntityRecords::writeSolid(const CEnt3DFace& ent, const char* kind) {
   if (!savedSolid(ent, false, solid)) return false;
   begin(kind, ent, "AcDbTrace");
   for (long corner = 0; corner < 4; ++corner) writeCorner(m_out, corner, solid.corners[corner]);
-  writeThickness(ent);
+  // Entities are thick along their normal, but those of a drawing along the Z axis.
+  const bool isLevel = solid.normal == PNT_3D(0, 0, 1);
+  isLevel ? writeThickness(ent) : dropThickness(ent);
   writePlane(solid.normal);
   return true;
 }
@@ -196,7 +208,7 @@ void EntityRecords::writeText(const CEnt& ent, const SavedText& text, const Text
     m_out.write(70, kind.flags);
   }
   if (text.vertical != 0) m_out.write(kind.verticalCode, text.vertical);
-  if (kind.tag && m_plan.rules.attribVersions) m_out.write(280, 1L);  // its place is locked
+  if (kind.tag && m_plan.rules.attribVersions) m_out.write(280, 0L);  // its place is not locked
 }
 
 void EntityRecords::visit(CEntHatch& ent) {

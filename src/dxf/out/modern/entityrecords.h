@@ -29,6 +29,8 @@ class EntityRecords final : public IEntFooVisitor {
     m_record = record;
     m_isSheet = isSheet;
   }
+  /// Whether plane polylines are written as POLYLINE instead of LWPOLYLINE; off by default.
+  void setOldPolylines(bool isOld) { m_writesOld = isOld; }
   PropertyPairs& properties() { return m_properties; }
   /// Begins a record up to its common properties.
   void begin(const char* kind, Handle handle, Handle owner, Handle dictionary = 0);
@@ -87,6 +89,7 @@ class EntityRecords final : public IEntFooVisitor {
   PropertyPairs m_properties;
   Handle m_record = 0;
   bool m_isSheet = false;
+  bool m_writesOld = false;
   std::vector<const CEntAttrib*> m_attribs;  // of the insert being written
 };
 

@@ -4,16 +4,16 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <map>
-#include <set>
 #include <string>
 #include <tuple>
 #include <utility>
 
 #include "dxf/out/hatchdata.h"
-#include "dxf/out/modern/itemnames.h"
 #include "dxf/out/modern/noteentities.h"
 #include "dxf/out/savedvertexes.h"
+#include "vek0core/drawing/functions.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/blocks/blockxref.h"
 #include "vek0core/entities/blocks/enthatch.h"
@@ -90,32 +90,55 @@ bool bounds(const CEnt& ent, const std::vector<PNT_2D>& corners) {
 
 }  // namespace
 
-FilePlan::FilePlan(const CData& of, const VersionRules& by, bool isSelectedOnly, CFileReport* to)
+FilePlan::FilePlan(const CData& of, const VersionRules& by, bool isSelectedOnly, CFileReport* to,
+                   int codePage)
     : data(of), rules(by), report(to), filter(of, true), m_isSelectedOnly(isSelectedOnly) {
   listSpaces();
   listBlocks();
   listItems();
-  chooseEncoding();
-  nameItems();
+  chooseEncoding(codePage);
   nameBlocks();
+  nameItems();
   nameSpaces();
   countObjects();
   handles.settle();
   takeHandles();
 }
 
-long FilePlan::tabOf(const SavedSpace& space) const {
-  const CLayoutTable& layouts = data.getLayouts();
-  for (int i = 0; i < layouts.size(); ++i)
-    if (space.layout == &layouts[i]) return i + 1;
-  return &space == &spaces.front() ? 0 : 1;
+RECT_3D FilePlan::modelExtents() const {
+  if (!m_isSelectedOnly) return data.getEntTable().getBdry();
+  RECT_3D box;
+  box.initRegion();
+  forEachIn(spaces.front(), [&box](const CEnt& ent) {
+    box.updateRegion(ent.getBdry());
+    return true;
+  });
+  return box;
 }
 
-bool FilePlan::isNative(const CEntHatch& hatch) const { return hasHatchData(hatch); }
+std::optional<ReportCode> FilePlan::objection(const CEntPolyline& ent,
+                                              const PolylineForm& form) const {
+  // Readers reject polylines without vertices.
+  if (form.empty) return ReportCode::EntityDropped;
+  return filter.objection(ent, form.finite);
+}
+
+bool FilePlan::isNative(const CEntHatch& hatch) const {
+  return hasHatchData(hatch) && *hatch.getHatchType().name != 0;
+}
 
 // Only old polylines have vertices at different heights, curves or three dimensions.
 bool FilePlan::isLight(const PolylineForm& form) {
   return form.curve == 0 && !form.solid && !form.sloping;
+}
+
+// Readers split the name of an item with that flag and fail if it cannot be split.
+long FilePlan::fileFlags(long flags, const SavedItem& saved, const zim::WString& name) const {
+  constexpr long ofFiles = 0x7F;
+  flags &= ofFiles;
+  if ((flags & kDependent) == 0 || saved.isDependent) return flags;
+  note(ReportCode::NameNotDependent, name);
+  return flags & ~(kDependent | kResolved);
 }
 
 double FilePlan::finite(double value, double fallback, std::u16string_view where) const {
@@ -161,14 +184,19 @@ void FilePlan::listSpaces() {
   const CLayoutTable& layouts = data.getLayouts();
   const CLayout* active = m_isSelectedOnly ? nullptr : layouts.getActive();
   if (!active && !m_isSelectedOnly && layouts.size() > 0) active = &layouts[0];
-  addSpace(active);
-  for (int i = 0; i < layouts.size() && !m_isSelectedOnly; ++i)
-    if (&layouts[i] != active) addSpace(&layouts[i]);
+  addSpace(active, 1);
+  for (int i = 0; i < layouts.size() && !m_isSelectedOnly; ++i) {
+    if (&layouts[i] == active)
+      spaces[1].tab = i + 1;
+    else
+      addSpace(&layouts[i], i + 1);
+  }
 }
 
-void FilePlan::addSpace(const CLayout* layout) {
+void FilePlan::addSpace(const CLayout* layout, long tab) {
   const std::size_t number = spaces.size();
   SavedSpace space{layout, "*Paper_Space", u"Layout1"};
+  space.tab = tab;
   if (number > 1) space.block += std::to_string(number - 2);
   if (layout) space.name = layout->getName();
   if (layout) findBoundaries(space);
@@ -183,19 +211,23 @@ void FilePlan::findBoundaries(SavedSpace& space) {
     isAny = isAny || !viewport.boundary.empty();
   }
   if (!isAny) return;
+  const auto add = [&found](const BoundaryKey& key, const CEnt& ent) {
+    // The order of keys is undefined for NaN.
+    if (isFinite(std::get<1>(key), std::get<2>(key))) found.emplace(key, &ent);
+  };
   CBlock& sheet = space.layout->getBlock();
   for (unsigned i = 0; i < sheet.size(); ++i) {
     const CEnt& ent = *sheet[i];
     if (ent.getType() == CEntPolyline::kType) {
-      found.emplace(keyOf(static_cast<const CEntPolyline&>(ent)), &ent);
+      add(keyOf(static_cast<const CEntPolyline&>(ent)), ent);
     } else if (ent.getType() == CEntCircle::kType) {
       const CIRCLE_3D& circle = static_cast<const CEntCircle&>(ent).getCircle();
-      found.emplace(BoundaryKey(kCircleCorners, circle.x + circle.radius, circle.y), &ent);
+      add({kCircleCorners, circle.x + circle.radius, circle.y}, ent);
     }
   }
   for (SavedViewport& saved : space.viewports) {
     const std::vector<PNT_2D>& corners = saved.viewport->boundary;
-    if (corners.empty()) continue;
+    if (corners.empty() || !isFinite(corners[0])) continue;
     const auto known = found.find({corners.size(), corners[0].x, corners[0].y});
     if (known == found.end() || !bounds(*known->second, corners)) continue;
     saved.boundary = known->second;
@@ -209,67 +241,106 @@ void FilePlan::listItems() {
   styleList = stylesOf(data);
 }
 
-// Not every program decodes escapes in names: the first code page that has all their characters.
-void FilePlan::chooseEncoding() {
+// Not every program decodes escapes in names: the first code page that lacks the fewest names.
+void FilePlan::chooseEncoding(int codePage) {
   constexpr int pages[] = {1252, 1250, 1251, 1253, 1254, 1255, 1256,
                            1257, 1258, 874,  936,  932,  949,  950};
-  if (rules.utf8) {
-    encoder = CTextEncoder(kCodePageUtf8);
+  if (rules.utf8 && codePage == kCodePageAuto) codePage = kCodePageUtf8;
+  if (codePage != kCodePageAuto) {
+    encoder = CTextEncoder(codePage);
     return;
   }
-  std::set<zim::Char> used;
+  // The distinct characters of names, and how many names have the same ones.
+  std::map<std::u16string, std::size_t> used;
   const auto note = [&used](const zim::WString& name) {
-    for (const zim::Char unit : name.view())
-      if (unit >= 0x80) used.insert(unit);
+    std::u16string units(name.view());
+    std::erase_if(units, [](zim::Char unit) { return unit < 0x80; });
+    std::sort(units.begin(), units.end());
+    units.erase(std::unique(units.begin(), units.end()), units.end());
+    if (!units.empty()) ++used[units];
   };
   for (const CLayer* layer : layerList) note(layer->getFullName());
   for (const CLtype* ltype : ltypeList) note(ltype->getFullName());
   for (const ListedStyle& listed : styleList) note(listed.name);
   for (const SavedBlock& saved : blocks) note(saved.block->getName());
   for (const SavedSpace& space : spaces) note(space.name);
+  std::size_t fewest = std::numeric_limits<std::size_t>::max();
   for (const int page : pages) {
-    const CTextEncoder fitting(page);
-    const auto isIn = [&fitting](zim::Char unit) { return fitting.has(unit); };
-    if (!std::all_of(used.begin(), used.end(), isIn)) continue;
-    encoder = fitting;
-    return;
+    CTextEncoder candidate(page);
+    const auto isIn = [&candidate](zim::Char unit) { return candidate.has(unit); };
+    std::size_t lacking = 0;
+    for (const auto& [units, names] : used)
+      if (!std::all_of(units.begin(), units.end(), isIn)) lacking += names;
+    if (lacking >= fewest) continue;
+    fewest = lacking;
+    encoder = std::move(candidate);
+    if (fewest == 0) return;
   }
 }
 
-void FilePlan::nameItems() {
-  std::vector<OwnName> own;
-  for (const CLayer* layer : layerList) own.push_back({layer->getFullName(), isDependent(*layer)});
-  std::vector<zim::WString> names = itemNames(own, {}, false, report);
-  for (std::size_t i = 0; i < layerList.size(); ++i)
-    layers.add(layerList[i], {encoded(names[i]), 0});
-  layers.setDefault(layerList.front());
-  own.clear();
-  for (const CLtype* ltype : ltypeList)
-    own.push_back({ltype->isContinuous() ? zim::WString(u"Continuous") : ltype->getFullName(),
-                   isDependent(*ltype)});
-  names = itemNames(own, {u"ByLayer", u"ByBlock"}, false, report);
-  for (std::size_t i = 0; i < ltypeList.size(); ++i)
-    ltypes.add(ltypeList[i], {encoded(names[i]), 0});
-  ltypes.add(&data.getLtypeByLayer(), {"ByLayer", 0});
-  ltypes.add(&data.getLtypeByBlock(), {"ByBlock", 0});
-  ltypes.setDefault(&data.getLtypeContinuous());
-  own.clear();
-  for (const ListedStyle& listed : styleList)
-    own.push_back({listed.style->isStandard() ? zim::WString(u"Standard") : listed.name,
-                   (listed.flags & kDependent) != 0});
-  names = itemNames(own, {}, false, report);
-  for (std::size_t i = 0; i < styleList.size(); ++i)
-    styles.add(styleList[i].style, {encoded(names[i]), 0});
-  styles.setDefault(styleList.front().style);
-}
-
+// The names of references come first: those of their items begin with them.
 void FilePlan::nameBlocks() {
   std::vector<OwnName> own;
   for (const SavedBlock& saved : blocks)
     own.push_back({saved.block->getName(), isDependent(*saved.block)});
-  const std::vector<zim::WString> names = itemNames(own, {}, true, report);
-  for (std::size_t i = 0; i < blocks.size(); ++i)
-    blockNames.add(blocks[i].block, {encoded(names[i]), 0});
+  const auto name = [&](CFileReport* to) {
+    const std::vector<zim::WString> names = itemNames(own, {}, true, to);
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+      if (blocks[i].isXRef) m_references[blocks[i].block] = names[i];
+      blockNames.add(blocks[i].block, savedItem(own[i], names[i]));
+    }
+  };
+  const auto isOfReference = [](const OwnName& block) { return block.isDependent; };
+  if (std::any_of(own.begin(), own.end(), isOfReference)) {
+    name(nullptr);
+    for (OwnName& block : own) block = ownName(block.name, block.isDependent);
+  }
+  name(report);
+}
+
+OwnName FilePlan::ownName(const zim::WString& name, bool isDependent) const {
+  OwnName own{name, isDependent};
+  zim::WString xref, item;
+  if (!isDependent || !scomposeName(name, xref, item)) return own;
+  const auto reference = m_references.find(data.getBlockXRefTable().get(xref));
+  if (reference != m_references.end()) own.reference = reference->second;
+  return own;
+}
+
+SavedItem FilePlan::savedItem(const OwnName& own, const zim::WString& name) const {
+  zim::WString xref, item;
+  return {encoded(name), 0, own.isDependent && scomposeName(name, xref, item)};
+}
+
+void FilePlan::nameItems() {
+  const auto nameAll = [this](const std::vector<OwnName>& own, const auto& list, auto& items,
+                              const std::vector<std::u16string_view>& reserved) {
+    const std::vector<zim::WString> names = itemNames(own, reserved, false, report);
+    for (std::size_t i = 0; i < list.size(); ++i) items.add(list[i], savedItem(own[i], names[i]));
+  };
+  std::vector<OwnName> own;
+  for (const CLayer* layer : layerList)
+    own.push_back(ownName(layer->getFullName(), isDependent(*layer)));
+  nameAll(own, layerList, layers, {});
+  layers.setDefault(layerList.front());
+  own.clear();
+  for (const CLtype* ltype : ltypeList)
+    own.push_back(
+        ownName(ltype->isContinuous() ? zim::WString(u"Continuous") : ltype->getFullName(),
+                isDependent(*ltype)));
+  nameAll(own, ltypeList, ltypes, {u"ByLayer", u"ByBlock"});
+  ltypes.add(&data.getLtypeByLayer(), {"ByLayer"});
+  ltypes.add(&data.getLtypeByBlock(), {"ByBlock"});
+  ltypes.setDefault(&data.getLtypeContinuous());
+  own.clear();
+  std::vector<const CStyle*> listedStyles;
+  for (const ListedStyle& listed : styleList) {
+    listedStyles.push_back(listed.style);
+    own.push_back(ownName(listed.style->isStandard() ? zim::WString(u"Standard") : listed.name,
+                          (listed.flags & kDependent) != 0));
+  }
+  nameAll(own, listedStyles, styles, {});
+  styles.setDefault(styleList.front().style);
 }
 
 void FilePlan::nameSpaces() {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "dxf/out/itemlists.h"
+#include "dxf/out/modern/itemnames.h"
 #include "dxf/out/modern/saveditems.h"
 #include "dxf/out/modern/versionrules.h"
 #include "dxf/out/savefilter.h"
@@ -70,6 +71,7 @@ struct SavedSpace {
   const CLayout* layout = nullptr;  ///< null: model space, or the sheet of a file without layouts
   std::string block;                ///< its name
   zim::WString name;
+  long tab = 0;  ///< position among the layouts; 0 for the model
   Handle record = 0, begin = 0, end = 0;
   Handle object = 0;       ///< the LAYOUT object
   Handle ownViewport = 0;  ///< that stands for the sheet itself
@@ -87,12 +89,16 @@ struct SavedClip {
 /// with their names and handles.
 class FilePlan {
  public:
-  /// The report may be null. All arguments are borrowed.
-  FilePlan(const CData& data, const VersionRules& rules, bool isSelectedOnly, CFileReport* report);
+  /// The report may be null. All arguments are borrowed. Texts are encoded in `codePage`, or, for
+  /// `kCodePageAuto`, in the one that suits the version and the names.
+  FilePlan(const CData& data, const VersionRules& rules, bool isSelectedOnly, CFileReport* report,
+           int codePage = kCodePageAuto);
 
   Handle of(FixedObject object) const { return m_fixed[static_cast<std::size_t>(object)]; }
-  /// Position of the space among the tabs of layouts; 0 for the model.
-  long tabOf(const SavedSpace& space) const;
+  /// The extents of what is written of model space; empty if there is nothing.
+  RECT_3D modelExtents() const;
+  /// The reason why the polyline cannot be written; none if it can.
+  std::optional<ReportCode> objection(const CEntPolyline& ent, const PolylineForm& form) const;
   /// Whether the hatch is written as such, and not as an insert of its lines.
   bool isNative(const CEntHatch& hatch) const;
   /// Whether the polyline is written as a light one.
@@ -104,6 +110,9 @@ class FilePlan {
   void note(ReportCode code, std::u16string_view sample) const {
     if (report) report->add(code, 0, sample);
   }
+  /// The bits of an item's flags that files have. Reports an item of that `name` that is flagged as
+  /// part of an external reference, but not written under such a name.
+  long fileFlags(long flags, const SavedItem& saved, const zim::WString& name) const;
   /// `value` if it is finite; otherwise, reported, the fallback.
   double finite(double value, double fallback, std::u16string_view where) const;
   /// The text in the encoding of the file.
@@ -133,18 +142,21 @@ class FilePlan {
  private:
   void listBlocks();
   void listSpaces();
-  void addSpace(const CLayout* layout);
+  void addSpace(const CLayout* layout, long tab);
   void findBoundaries(SavedSpace& space);
   void countObjects();
   void listItems();
-  void chooseEncoding();
-  void nameItems();
+  void chooseEncoding(int codePage);
   void nameBlocks();
+  OwnName ownName(const zim::WString& name, bool isDependent) const;
+  SavedItem savedItem(const OwnName& own, const zim::WString& name) const;
+  void nameItems();
   void nameSpaces();
   void takeHandles();
   Handle takeObject() { return handles.takeEnd(); }
 
   bool m_isSelectedOnly;
+  std::unordered_map<const CBlock*, zim::WString> m_references;  // the names of external ones
   std::array<Handle, static_cast<std::size_t>(FixedObject::Count)> m_fixed{};
 };
 

@@ -12,6 +12,11 @@ void writeClassesSection(const FilePlan& plan, CFileDXFOWriter& out);
 void writeTablesSection(FilePlan& plan, CFileDXFOWriter& out);
 void writeObjectsSection(const FilePlan& plan, CFileDXFOWriter& out);
 
+// Single records of tables.
+void writeEntry(FilePlan& plan, CFileDXFOWriter& out, const CLayer& layer);
+void writeEntry(FilePlan& plan, CFileDXFOWriter& out, const CLtype& ltype);
+void writeEntry(FilePlan& plan, CFileDXFOWriter& out, const ListedStyle& style);
+
 inline void beginSection(CFileDXFOWriter& out, const char* name) {
   out.writeEncoded(0, "SECTION");
   out.writeEncoded(2, name);

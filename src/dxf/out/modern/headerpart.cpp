@@ -55,7 +55,9 @@ class HeaderWriter {
   void writeAreas() {
     const ShownArea shown(m_plan);
     const PNT_3D none(kNowhereMin, kNowhereMin, kNowhereMin);
-    point("$INSBASE", PNT_3D(0, 0, 0));
+    const PNT_3D base = m_vars.getInsertionBase();
+    point("$INSBASE", PNT_3D(finite(base.x, 0, "$INSBASE"), finite(base.y, 0, "$INSBASE"),
+                             finite(base.z, 0, "$INSBASE")));
     point("$EXTMIN", shown.isEmpty ? none : shown.extents.min);
     point("$EXTMAX", shown.isEmpty ? -none : shown.extents.max);
     point("$LIMMIN", m_vars.getLimMin(), PNT_2D(0, 0));
@@ -90,7 +92,7 @@ class HeaderWriter {
     integer("$PSLTSCALE", 70, m_vars.isPaperLtypeScale());
     integer("$INSUNITS", 70, m_vars.getUnits());
     integer("$LWDISPLAY", 290, m_vars.isLineweightShown());
-    // Not a variable of every program, so only files that need it have it.
+    // Not every program knows this variable, so only files that need it contain it.
     if (m_vars.getDefaultLineweight() != 25)
       integer("$LWDEFAULT", 370, m_vars.getDefaultLineweight());
     integer("$PSTYLEMODE", 290, 1);  // colors determine how entities are plotted
@@ -104,18 +106,20 @@ class HeaderWriter {
 struct ObjectClass {
   const char* record;
   const char* name;
-  bool isNeeded;
   std::size_t count;
 };
 
 }  // namespace
 
 ShownArea::ShownArea(const FilePlan& plan) {
-  const RECT_3D& box = plan.data.getEntTable().getBdry();
-  const PNT_3D size = box.max - box.min;
-  isEmpty = !box.validRegion() || !isFinite(box) || !isFinite(size);
+  RECT_3D box = plan.modelExtents();
+  isEmpty = !box.validRegion() || !isFinite(box) || !isFinite(box.max - box.min);
   if (isEmpty) return;
+  // Extents of arcs differ in the last bits after reading and writing.
+  for (double* value : {&box.min.x, &box.min.y, &box.min.z, &box.max.x, &box.max.y, &box.max.z})
+    *value = steady(*value);
   extents = box;
+  const PNT_3D size = box.max - box.min;
   center = PNT_2D(box.min.x + size.x / 2, box.min.y + size.y / 2);
   if (size.x > 0) width = size.x;
   height = size.y > 0 ? size.y : width;
@@ -130,14 +134,14 @@ void writeHeaderSection(FilePlan& plan, CFileDXFOWriter& out) {
 // Kinds of objects that the format itself does not define.
 void writeClassesSection(const FilePlan& plan, CFileDXFOWriter& out) {
   const ObjectClass classes[] = {
-      {"ACDBDICTIONARYWDFLT", "AcDbDictionaryWithDefault", true, 1},
-      {"ACDBPLACEHOLDER", "AcDbPlaceHolder", true, 1},
-      {"LAYOUT", "AcDbLayout", true, plan.spaces.size()},
-      {"SPATIAL_FILTER", "AcDbSpatialFilter", plan.noClips > 0, plan.noClips},
+      {"ACDBDICTIONARYWDFLT", "AcDbDictionaryWithDefault", 1},
+      {"ACDBPLACEHOLDER", "AcDbPlaceHolder", 1},
+      {"LAYOUT", "AcDbLayout", plan.spaces.size()},
+      {"SPATIAL_FILTER", "AcDbSpatialFilter", plan.noClips},
   };
   beginSection(out, "CLASSES");
   for (const ObjectClass& object : classes) {
-    if (!object.isNeeded) continue;
+    if (object.count == 0) continue;
     out.writeEncoded(0, "CLASS");
     out.writeEncoded(1, object.record);
     out.writeEncoded(2, object.name);

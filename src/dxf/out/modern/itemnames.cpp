@@ -2,6 +2,7 @@
 #include "dxf/out/modern/itemnames.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <unordered_map>
 
@@ -15,9 +16,16 @@ namespace {
 constexpr std::size_t kLongestItemName = 255;
 constexpr std::u16string_view kForbidden = u"<>/\\\":;?*|,=`";
 
+bool isSurrogate(zim::Char c) { return isHighSurrogate(c) || isLowSurrogate(c); }
+
 bool isForbidden(zim::Char c) {
   const bool isControl = c < 0x20 || (c >= 0x7F && c < 0xA0);
-  return isControl || kForbidden.find(c) != std::u16string_view::npos;
+  // Encodings replace single surrogates, all by the same character.
+  return isControl || isSurrogate(c) || kForbidden.find(c) != std::u16string_view::npos;
+}
+
+bool isPair(std::u16string_view name, std::size_t at) {
+  return at + 1 < name.size() && isHighSurrogate(name[at]) && isLowSurrogate(name[at + 1]);
 }
 
 std::u16string_view cut(std::u16string_view name, std::size_t length) {
@@ -35,12 +43,21 @@ bool isOfSpace(std::u16string_view name) {
 }
 
 std::u16string corrected(const OwnName& own, bool stars) {
-  std::u16string name(cut(own.name.view(), kLongestItemName));
+  std::u16string name(own.name.view());
+  std::size_t bar = own.isDependent ? name.find(u'|') : std::u16string::npos;
+  if (bar != std::u16string::npos && !own.reference.empty()) {
+    name.replace(0, bar, own.reference.view());
+    bar = own.reference.view().size();
+  }
+  name.resize(cut(name, kLongestItemName).size());
   if (name.empty()) return u"_";
-  const std::size_t bar = own.isDependent ? name.find(u'|') : std::u16string::npos;
   const bool isStarred = stars && name[0] == u'*' && !isOfSpace(name);
-  for (std::size_t i = isStarred ? 1 : 0; i < name.size(); ++i)
-    if (isForbidden(name[i]) && i != bar) name[i] = u'_';
+  for (std::size_t i = isStarred ? 1 : 0; i < name.size(); ++i) {
+    if (isPair(name, i))
+      ++i;
+    else if (isForbidden(name[i]) && i != bar)
+      name[i] = u'_';
+  }
   return name;
 }
 
@@ -52,19 +69,28 @@ class NameTable {
   /// The table borrows the name.
   bool take(std::u16string_view name) { return m_given.insert(name); }
   /// A free name that begins with `base`, or as much of it as leaves room for the number.
-  zim::WString numbered(const std::u16string& base) {
-    long& number = m_numbers[base];
-    for (;;) {
-      const std::string digits = std::to_string(++number);
-      std::u16string name(cut(base, kLongestItemName - digits.size()));
-      name.append(digits.begin(), digits.end());
-      if (!m_given.has(name)) return zim::WString(name);
+  zim::WString numbered(std::u16string_view base) {
+    for (std::size_t digits = 0;; ++digits) {
+      if (digits == m_numbers.size()) m_numbers.emplace_back();
+      const std::u16string_view stem = cut(base, kLongestItemName - (digits + 1));
+      const auto [found, isNew] = m_numbers[digits].try_emplace(std::u16string(stem));
+      long& next = found->second;
+      if (isNew) next = std::lround(std::pow(10, digits));
+      for (; next < std::lround(std::pow(10, digits + 1)); ++next) {
+        const std::string number = std::to_string(next);
+        std::u16string name(stem);
+        name.append(number.begin(), number.end());
+        if (!m_given.has(name)) return zim::WString(name);
+      }
     }
   }
 
  private:
+  // The next number to try for a name that is cut to make room for it.
+  using NextNumbers = std::unordered_map<std::u16string, long, FoldedHash, FoldedEqual>;
+
   FoldedNames m_given;
-  std::unordered_map<std::u16string, long> m_numbers;  // last one tried
+  std::vector<NextNumbers> m_numbers;  // by number of digits, less 1
 };
 
 }  // namespace

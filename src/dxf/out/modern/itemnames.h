@@ -13,6 +13,8 @@ namespace vek0::detail {
 struct OwnName {
   zim::WString name;
   bool isDependent = false;  ///< of an external reference, and therefore with a '|'
+  /// Replaces the part before the '|', unless empty: the name under which the reference is written.
+  zim::WString reference = {};
 };
 
 /// The names under which the items are written: unique, ignoring case, different from `reserved`,

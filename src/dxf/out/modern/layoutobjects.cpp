@@ -3,13 +3,14 @@
 #include "dxf/out/exactnumbers.h"
 #include "dxf/out/modern/fixedpairs.h"
 #include "dxf/out/savedcolor.h"
+#include "dxf/out/savedsheet.h"
 #include "vek0core/geometry/finite.h"
 
 namespace vek0::detail {
 namespace {
 
 // Bits of code 70 of plot settings.
-constexpr long kIsCentered = 4, kViewportsFirst = 512, kIsModel = 1024;
+constexpr long kIsCentered = 4, kPlotsWeights = 128, kViewportsFirst = 512, kIsModel = 1024;
 // Bits of code 90 of a viewport: those that every one has, a boundary, and being off.
 constexpr long kUsualBits = 0x8060, kHasBoundary = 0x10000, kIsOff = 0x20000;
 
@@ -22,7 +23,7 @@ constexpr FixedPair kViewportFrame[] = {{1, ""},      {281, "0"},   {71, "1"},  
                                         {121, "0.0"}, {131, "0.0"}, {112, "0.0"}, {122, "1.0"},
                                         {132, "0.0"}, {79, "0"},    {146, "0.0"}};
 
-// Of the sheet that every file has, though the drawing has none: A4.
+// The settings of the sheet that stands for a missing one, and the size of sheets without any: A4.
 PLOT_SETTINGS usualSheet() {
   PLOT_SETTINGS plot;
   plot.width = 297;
@@ -38,18 +39,15 @@ PLOT_SETTINGS plotOf(const SavedSpace& space, bool isModel) {
   return plot;
 }
 
-RECT_2D paperOf(const SavedSpace& space) {
-  RECT_2D paper(0, 0, usualSheet().width, usualSheet().height);
-  if (!space.layout) return paper;
-  paper = space.layout->getPaper();
-  if (!paper.validRegion() || !isFinite(paper)) paper = space.layout->getBdry();
-  return paper.validRegion() && isFinite(paper) ? paper : RECT_2D(0, 0, 0, 0);
+bool hasArea(const RECT_2D& r) {
+  return r.min.x < r.max.x && r.min.y < r.max.y && isFinite(r) && isFinite(r.max - r.min);
 }
 
-bool isFiniteView(const VIEWPORT& v) {
-  return isFinite(v.center.x, v.center.y) && isFinite(v.width, v.height) &&
-         isFinite(v.viewCenter.x, v.viewCenter.y) && isFinite(v.target.x, v.target.y) &&
-         isFinite(v.viewHeight, v.twistRad);
+// The paper, or what is on the sheet. Readers may divide by its height.
+RECT_2D paperOf(const SavedSpace& space) {
+  if (space.layout && hasArea(space.layout->getPaper())) return space.layout->getPaper();
+  if (space.layout && hasArea(space.layout->getBdry())) return space.layout->getBdry();
+  return RECT_2D(0, 0, usualSheet().width, usualSheet().height);
 }
 
 class PlotPairs {
@@ -67,6 +65,7 @@ class PlotPairs {
                plot.origin.y, plot.window.min.x, plot.window.min.y});
     reals(140, {plot.window.max.x, plot.window.max.y, plot.scale, 1.0});
     if (plot.isCentered) flags |= kIsCentered;
+    if (plot.hasLineweights) flags |= kPlotsWeights;
     if (plot.viewportsFirst) flags |= kViewportsFirst;
     m_out.write(70, flags);
     m_out.write(72, 1L);  // millimeters
@@ -105,7 +104,7 @@ void writeLayout(const FilePlan& plan, CFileDXFOWriter& out, std::size_t index) 
   out.writeEncoded(100, "AcDbLayout");
   out.writeText(1, space.name);
   out.write(70, plan.data.getVars().isPaperLtypeScale());
-  out.write(71, plan.tabOf(space));
+  out.write(71, space.tab);
   writePoint(out, 10, paper.min.x, paper.min.y);
   writePoint(out, 11, paper.max.x, paper.max.y);
   writePoint(out, 12, 0, 0, 0);
@@ -126,7 +125,6 @@ void SheetViewports::write(const SavedSpace& space) {
   }
 }
 
-// It shows the paper, or what is on the sheet.
 void SheetViewports::writeOwn(const SavedSpace& space) {
   const RECT_2D shown = paperOf(space);
   VIEWPORT own;
@@ -145,8 +143,9 @@ void SheetViewports::write(const SavedSpace& space, const SavedViewport& saved, 
   m_records.begin("VIEWPORT", m_plan.handles.take(view.handle), space.record);
   m_records.properties().write(view.layer, view.ltype, view.color, view.traits);
   if (view.traits.thickness != 0) m_plan.note(ReportCode::CodeDropped, u"39");
-  // Views that are not from above are not known otherwise.
+  // A drawing does not hold the direction of views that are not from above.
   const bool isOn = view.isOn && view.isPlan;
+  if (isOn != view.isOn) m_plan.note(ReportCode::ViewSimplified, u"direction");
   const long flags = kUsualBits | (isOn ? 0 : kIsOff) | (boundary != 0 ? kHasBoundary : 0);
   writeView(view, isOn ? number : 0, number, flags, boundary);
 }

@@ -3,43 +3,14 @@
 #include "dxf/out/modern/fileplan.h"
 #include "dxf/out/savedvertexes.h"
 #include "vek0core/entities/blocks/enthatch.h"
-#include "vek0core/entities/ent3dface.h"
-#include "vek0core/entities/entarc.h"
-#include "vek0core/entities/entattdef.h"
-#include "vek0core/entities/entattrib.h"
-#include "vek0core/entities/entcircle.h"
-#include "vek0core/entities/entline.h"
-#include "vek0core/entities/entpnt.h"
+#include "vek0core/entities/blocks/entinsert.h"
 
 namespace vek0::detail {
 
-template <class Ent>
-void EntityNotes::note(const Ent& ent) {
-  if (!m_plan.filter.objection(ent)) m_plan.handles.note(ent.GetHandle());
-}
+EntityNotes::EntityNotes(FilePlan& plan)
+    : HandleCollector(plan.handles, plan.filter, false, true), m_plan(plan) {}
 
-void EntityNotes::noteInsert(const CEntInsertBase& ent) {
-  if (m_plan.filter.objection(ent)) return;
-  m_plan.handles.note(ent.GetHandle());
-  bool any = false;
-  for (unsigned i = 0; i < ent.GetNoAttribs(); ++i) {
-    const CEntAttrib* attrib = ent.GetAttrib(i);
-    if (!attrib || m_plan.filter.objection(*attrib)) continue;
-    m_plan.handles.note(attrib->GetHandle());
-    any = true;
-  }
-  if (any) m_plan.handles.noteEnd();
-}
-
-void EntityNotes::visit(CEntPnt& ent) { note(ent); }
-void EntityNotes::visit(CEntLine& ent) { note(ent); }
-void EntityNotes::visit(CEntCircle& ent) { note(ent); }
-void EntityNotes::visit(CEntArc& ent) { note(ent); }
-void EntityNotes::visit(CEntText& ent) { note(ent); }
-void EntityNotes::visit(CEntAttdef& ent) { note(ent); }
-void EntityNotes::visit(CEntFixedInsert& ent) { noteInsert(ent); }
 void EntityNotes::visit(CEntInsertXRef& ent) { visit(static_cast<CEntInsert&>(ent)); }
-void EntityNotes::visit(CEnt3DFace& ent) { note(ent); }
 
 void EntityNotes::visit(CEntInsert& ent) {
   noteInsert(ent);
@@ -58,10 +29,10 @@ void EntityNotes::visit(CEntHatch& ent) {
 
 void EntityNotes::visit(CEntPolyline& ent) {
   const PolylineForm form = polylineForm(ent, false, true);
-  if (m_plan.filter.objection(ent, form.finite)) return;
+  if (m_plan.objection(ent, form)) return;
   m_plan.handles.note(ent.GetHandle());
   if (FilePlan::isLight(form)) return;
-  forEachSaved(ent, form, [this](const SavedVertex& v) { m_plan.handles.note(v.handle); });
+  forEachSaved(ent, form, [this](const SavedVertex& v) { m_plan.handles.noteVertex(v.handle); });
   m_plan.handles.noteEnd();
 }
 

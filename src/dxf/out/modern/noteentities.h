@@ -1,8 +1,6 @@
 #pragma once
 
-#include "vek0core/entities/entvisitor.h"
-
-class CEnt;
+#include "dxf/out/savehandles.h"
 
 namespace vek0::detail {
 
@@ -10,29 +8,17 @@ class FilePlan;
 
 /// Notes the handles of the entities that it visits in the plan, in the way `EntityRecords` takes
 /// them.
-class EntityNotes final : public IEntFooVisitor {
+class EntityNotes final : public HandleCollector {
  public:
-  explicit EntityNotes(FilePlan& plan) : m_plan(plan) {}
+  explicit EntityNotes(FilePlan& plan);
 
-  using IEntFooVisitor::visit;
-  void visit(CEntPnt& ent) override;
-  void visit(CEntLine& ent) override;
-  void visit(CEntCircle& ent) override;
-  void visit(CEntArc& ent) override;
+  using HandleCollector::visit;
   void visit(CEntPolyline& ent) override;
-  void visit(CEntText& ent) override;
-  void visit(CEntAttdef& ent) override;
   void visit(CEntInsert& ent) override;
-  void visit(CEntFixedInsert& ent) override;
   void visit(CEntInsertXRef& ent) override;
   void visit(CEntHatch& ent) override;
-  void visit(CEnt3DFace& ent) override;
 
  private:
-  template <class Ent>
-  void note(const Ent& ent);
-  void noteInsert(const CEntInsertBase& ent);
-
   FilePlan& m_plan;
 };
 

@@ -18,9 +18,8 @@ long polylineFlags(const CEntPolyline& ent) {
 
 void EntityRecords::visit(CEntPolyline& ent) {
   const PolylineForm form = polylineForm(ent, false, true);
-  if (const auto objection = m_plan.filter.objection(ent, form.finite))
-    return note(*objection, "POLYLINE");
-  FilePlan::isLight(form) ? writeLight(ent, form) : writeOld(ent, form);
+  if (const auto objection = m_plan.objection(ent, form)) return note(*objection, "POLYLINE");
+  FilePlan::isLight(form) && !m_writesOld ? writeLight(ent, form) : writeOld(ent, form);
 }
 
 void EntityRecords::writeLight(const CEntPolyline& ent, const PolylineForm& form) {
@@ -70,7 +69,7 @@ void EntityRecords::writeOld(const CEntPolyline& ent, const PolylineForm& form) 
 
 void EntityRecords::writeVertex(const CEnt& owner, Handle polyline, const PolylineForm& form,
                                 const SavedVertex& vertex) {
-  begin("VERTEX", m_plan.handles.take(vertex.handle), polyline);
+  begin("VERTEX", m_plan.handles.takeVertex(vertex.handle), polyline);
   m_out.writeEncoded(8, m_plan.layers[owner.getLayer()].name);
   m_out.writeEncoded(100, "AcDbVertex");
   m_out.writeEncoded(100, form.solid ? "AcDb3dPolylineVertex" : "AcDb2dVertex");

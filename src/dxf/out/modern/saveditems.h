@@ -14,6 +14,7 @@ namespace vek0::detail {
 struct SavedItem {
   std::string name;  ///< in the encoding of the file
   Handle handle = 0;
+  bool isDependent = false;  ///< the name has the form "reference|item"
 };
 
 /// The items of one table by address. Drawings refer to a few layers a million times: recent
@@ -23,7 +24,7 @@ class SavedItems {
  public:
   SavedItems() : m_slots(kSlots) {}
 
-  void add(const Item* item, SavedItem saved) { m_items.emplace(item, std::move(saved)); }
+  void add(const Item* item, SavedItem saved) { m_items[item] = std::move(saved); }
   void setHandle(const Item* item, Handle handle) { m_items.at(item).handle = handle; }
   /// The item that stands for null and for items that the drawing does not list.
   void setDefault(const Item* item) { m_default = item; }

@@ -6,7 +6,6 @@
 #include "dxf/out/modern/propertypairs.h"
 #include "dxf/out/modern/styledata.h"
 #include "dxf/out/savedcolor.h"
-#include "vek0core/drawing/functions.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/tables/font.h"
 #include "vek0core/tables/layer.h"
@@ -16,9 +15,8 @@
 namespace vek0::detail {
 namespace {
 
-constexpr long kNoInternalBits = 0x7F;  // the bits of code 70 that files have
-constexpr long kLtypeAlignment = 65;    // the letter A: fitted to the ends of a line
-constexpr long kTextElement = 2;        // code 74
+constexpr long kLtypeAlignment = 65;  // the letter A: fitted to the ends of a line
+constexpr long kTextElement = 2;      // code 74
 
 // The rest of the view that is shown when the drawing is opened.
 constexpr FixedPair kViewTail[] = {
@@ -43,6 +41,9 @@ class TablesWriter {
     writeDimstyles();
     writeBlockRecords();
   }
+  void writeLtype(const CLtype& ltype);
+  void writeLayer(const CLayer& layer);
+  void writeStyle(const ListedStyle& listed);
 
  private:
   void writeTable(const char* name, FixedObject table, std::size_t entries) {
@@ -70,19 +71,15 @@ class TablesWriter {
 
   void writeVports();
   void writeLtypes();
-  void writeLtype(const CLtype& ltype);
   void writeElements(const CLtype& ltype);
   void writeTextElement(const TEXT_3D& text);
   void writeLayers();
-  void writeLayer(const CLayer& layer);
   void writeLayerColor(const CLayer& layer);
   void writeStyles();
-  void writeStyle(const ListedStyle& listed);
   void writeAppids();
   void writeDimstyles();
   void writeBlockRecords();
   void writeBlockRecord(Handle handle, std::string_view name, Handle layout);
-  long dependentFlags(long flags, const zim::WString& name) const;
 
   FilePlan& m_plan;
   CFileDXFOWriter& m_out;
@@ -131,7 +128,7 @@ void TablesWriter::writeLtypes() {
 void TablesWriter::writeLtype(const CLtype& ltype) {
   const SavedItem& saved = m_plan.ltypes[&ltype];
   writeEntry("LTYPE", saved.handle, "AcDbLinetypeTableRecord", saved.name);
-  m_out.write(70, dependentFlags(ltype.getFlags(), ltype.getFullName()));
+  m_out.write(70, m_plan.fileFlags(ltype.getFlags(), saved, ltype.getFullName()));
   m_out.writeText(3, ltype.getDesc());
   m_out.write(72, kLtypeAlignment);
   writeElements(ltype);
@@ -186,7 +183,7 @@ void TablesWriter::writeLayer(const CLayer& layer) {
   const SavedItem& saved = m_plan.layers[&layer];
   const LAYER_TRAITS& traits = layer.getTraits();
   writeEntry("LAYER", saved.handle, "AcDbLayerTableRecord", saved.name);
-  m_out.write(70, dependentFlags(layer.getFlags(), layer.getFullName()));
+  m_out.write(70, m_plan.fileFlags(layer.getFlags(), saved, layer.getFullName()));
   writeLayerColor(layer);
   const CLtype* ltype = layer.getLtype();
   // The others mean nothing to a layer.
@@ -230,7 +227,7 @@ void TablesWriter::writeStyle(const ListedStyle& listed) {
   const SavedItem& saved = m_plan.styles[&style];
   const zim::WString& where = listed.name;
   writeEntry("STYLE", saved.handle, "AcDbTextStyleTableRecord", saved.name);
-  m_out.write(70, dependentFlags(listed.flags, listed.name));
+  m_out.write(70, m_plan.fileFlags(listed.flags, saved, listed.name));
   m_out.write(40, finite(style.getFixedHeight(), 0, where));
   m_out.write(41, finite(style.getWidthScale(), 1, where));
   m_out.write(50, finite(exactDegrees(style.getOblique()), 0, where));
@@ -286,16 +283,19 @@ void TablesWriter::writeBlockRecord(Handle handle, std::string_view name, Handle
   m_out.write(281, 0L);  // may be scaled unequally
 }
 
-// Readers split the name of an item with that flag and fail if it cannot be split.
-long TablesWriter::dependentFlags(long flags, const zim::WString& name) const {
-  zim::WString xref, item;
-  flags &= kNoInternalBits;
-  if ((flags & kDependent) == 0 || scomposeName(name, xref, item)) return flags;
-  m_plan.note(ReportCode::NameNotDependent, name);
-  return flags & ~(kDependent | kResolved);
+}  // namespace
+
+void writeEntry(FilePlan& plan, CFileDXFOWriter& out, const CLayer& layer) {
+  TablesWriter(plan, out).writeLayer(layer);
 }
 
-}  // namespace
+void writeEntry(FilePlan& plan, CFileDXFOWriter& out, const CLtype& ltype) {
+  TablesWriter(plan, out).writeLtype(ltype);
+}
+
+void writeEntry(FilePlan& plan, CFileDXFOWriter& out, const ListedStyle& style) {
+  TablesWriter(plan, out).writeStyle(style);
+}
 
 void writeTablesSection(FilePlan& plan, CFileDXFOWriter& out) {
   beginSection(out, "TABLES");

@@ -6,14 +6,14 @@ namespace vek0::detail {
 
 /// How a version differs from the others that one writer writes.
 struct VersionRules {
-  const char* name;     ///< value of $ACADVER
-  bool utf8;            ///< texts are UTF-8 instead of windows-1252
-  bool trueColors;      ///< 420
-  bool transparency;    ///< 440, and that of layers
-  bool classCounts;     ///< 91 of CLASS
-  bool shadePlots;      ///< 76 to 78 of plot settings
-  bool blockUnits;      ///< 70, 280 and 281 of BLOCK_RECORD
-  bool attribVersions;  ///< 280 of ATTRIB and ATTDEF
+  const char* name;             ///< value of $ACADVER
+  bool utf8 = false;            ///< texts are UTF-8 instead of windows-1252
+  bool trueColors = false;      ///< 420
+  bool transparency = false;    ///< 440, and that of layers
+  bool classCounts = false;     ///< 91 of CLASS
+  bool shadePlots = false;      ///< 76 to 78 of plot settings
+  bool blockUnits = false;      ///< 70, 280 and 281 of BLOCK_RECORD
+  bool attribVersions = false;  ///< 280 of ATTRIB and ATTDEF
 };
 
 /// Null for R12.

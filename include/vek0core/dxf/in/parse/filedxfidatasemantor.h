@@ -93,8 +93,10 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   /// Removes a block from the drawing and deletes it; nothing may insert it.
   void dropBlock(CBlock& block);
 
-  /// Frees the name for a block of the file if an earlier hatch uses it for its generated lines.
+  /// Frees the name for a block of the file if an earlier hatch uses it for its generated lines, or
+  /// an earlier record for its pieces.
   void freeHatchName(const zim::WString& name);
+  void freeRecordName(const zim::WString& name);  ///< the latter
 
   /// Deletes entities that could not be placed.
   static void discard(std::list<CEnt*>& entities);

@@ -18,7 +18,7 @@ struct CFileDXFOOptions {
   DxfVersion version = DxfVersion::R12;
   /// The constants of savedxf.h. Only R12 has all of them: later versions always write exact
   /// numbers and unique names, and accept only `kSaveExchange`, `kSaveKeepNames`, which change
-  /// nothing, and `kSaveSelectedOnly`.
+  /// nothing, and `kSaveSelectedOnly`, which leaves out the layouts.
   unsigned flags = kSaveExchange;
   /// Borrowed, may be null; receives each difference between the file and the drawing.
   CFileReport* report = nullptr;
@@ -36,7 +36,7 @@ struct CFileDXFOOptions {
 /// vertices of light polylines have none in a drawing. A drawing without layouts gets the empty one
 /// that every file has.
 ///
-/// False, with nothing written, if `flags` has a constant that the version lacks; otherwise false
-/// in the cases of the functions in savedxf.h. Linear in the drawing; additional memory is 8 bytes
-/// per handle, the names and 64 KiB.
+/// False, with nothing written, if the version is none of the enumeration or lacks one of `flags`;
+/// otherwise false in the cases of the functions in savedxf.h. Linear in the drawing; additional
+/// memory is 8 bytes per handle, the names and 200 KiB.
 VEK0_API bool SaveDXF(const CData& data, IFile& file, const CFileDXFOOptions& options);

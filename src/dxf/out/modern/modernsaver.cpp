@@ -15,8 +15,6 @@
 namespace vek0::detail {
 namespace {
 
-constexpr long kFileBits = 0x7F;  // of a block's flags
-
 struct BlockHead {
   Handle record, begin, end;
   std::string_view name;
@@ -89,8 +87,10 @@ void ModernSaver::writeSpace(const SavedSpace& space, bool withContent) {
 // Entities are relative to the base point of their block, but those of references are not.
 void ModernSaver::writeBlock(const SavedBlock& saved) {
   CBlock& block = *saved.block;
-  BlockHead head{saved.record, saved.begin, saved.end, m_plan.blockNames[&block].name};
-  head.flags = block.getFlags() & kFileBits & ~kExternal;
+  const SavedItem& item = m_plan.blockNames[&block];
+  BlockHead head{saved.record, saved.begin, saved.end, item.name};
+  head.flags = m_plan.fileFlags(block.getFlags(), item, block.getName());
+  head.flags &= ~(kExternal | CBlock::kAnonymous);
   if (head.name.starts_with('*')) head.flags |= CBlock::kAnonymous;
   if (saved.isXRef) {
     const auto& xref = static_cast<const CBlockXRef&>(block);
@@ -141,22 +141,27 @@ void ModernSaver::writeContent(const SavedSpace& space) {
   if (isSheet) SheetViewports(m_plan, m_out, m_records).write(space);
 }
 
+bool savePlanned(const CData& data, IFile& file, const CFileDXFOOptions& options) {
+  FilePlan plan(data, *rulesOf(options.version), (options.flags & kSaveSelectedOnly) != 0,
+                options.report);
+  if (!plan.isCyclic) return ModernSaver(plan, file).save();
+  plan.note(ReportCode::BlocksInACircle, {});
+  return false;
+}
+
 bool saveModern(const CData& data, IFile& file, const CFileDXFOOptions& options) {
   constexpr unsigned accepted = kSaveExchange | kSaveSelectedOnly | kSaveKeepNames;
-  if ((options.flags & ~accepted) != 0 || !file.open()) return false;
-  bool isSaved = false;
+  const bool isVersion = options.version <= DxfVersion::R2018;
+  if (!isVersion || (options.flags & ~accepted) != 0 || !file.open()) return false;
+  const struct Closer {
+    ~Closer() { opened.close(); }
+    IFile& opened;
+  } closer{file};
   try {
-    FilePlan plan(data, *rulesOf(options.version), (options.flags & kSaveSelectedOnly) != 0,
-                  options.report);
-    if (plan.isCyclic)
-      plan.note(ReportCode::BlocksInACircle, {});
-    else
-      isSaved = ModernSaver(plan, file).save();
+    return savePlanned(data, file, options);
   } catch (const std::bad_alloc&) {
-    isSaved = false;
+    return false;
   }
-  file.close();
-  return isSaved;
 }
 
 }  // namespace

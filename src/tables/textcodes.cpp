@@ -1,9 +1,9 @@
-#include "textcodes.h"
+#include "vek0core/tables/textcodes.h"
 
 #include <string>
 #include <string_view>
 
-namespace vek0::detail {
+namespace vek0 {
 namespace {
 
 bool isDigit(zim::Char unit) { return unit >= u'0' && unit <= u'9'; }
@@ -100,9 +100,13 @@ class Decoder {
 
 }  // namespace
 
+bool hasTextCodes(const zim::WString& text) {
+  return text.view().find(u"%%") != std::u16string_view::npos;
+}
+
 DecodedText decodeTextCodes(const zim::WString& text) {
-  if (text.view().find(u"%%") == std::u16string_view::npos) return {text, {}};
+  if (!hasTextCodes(text)) return {text, {}};
   return Decoder(text).run();
 }
 
-}  // namespace vek0::detail
+}  // namespace vek0

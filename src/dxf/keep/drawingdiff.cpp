@@ -1,0 +1,36 @@
+#include "dxf/keep/drawingdiff.h"
+
+#include "vek0core/drawing/data.h"
+#include "vek0core/entities/blocks/block.h"
+#include "vek0core/entities/blocks/blocktable.h"
+#include "vek0core/entities/blocks/enthatch.h"
+#include "vek0core/entities/enttable.h"
+
+namespace vek0::detail {
+
+HeldEnts::HeldEnts(const CData& data) {
+  for (const CEnt* ent : data.getEntTable().getEntityTbl()) add(*ent, {});
+  const CBlockTable& blocks = data.getBlockTable();
+  for (int i = 0; i < static_cast<int>(blocks.size()); ++i) {
+    const CBlock& block = *blocks[i];
+    if ((isHatchName(block.getName()) && !block.isSheet()) || block.isOfRecord()) continue;
+    for (unsigned k = 0; k < block.size(); ++k) add(*block[k], {&block, block.isSheet()});
+  }
+}
+
+void HeldEnts::add(const CEnt& ent, const Container& container) {
+  m_places.emplace(ent.GetHandle(), m_all.size());
+  m_all.push_back({&ent, container});
+}
+
+const HeldEnt* HeldEnts::find(Handle handle) const {
+  const auto found = m_places.find(handle);
+  return found == m_places.end() ? nullptr : &m_all[found->second];
+}
+
+bool isSamePlace(const Container& a, const Container& b) {
+  if (!a.block || !b.block) return a.block == b.block;
+  return a.isSheet == b.isSheet && a.block->getName().EqualsIgnoreCase(b.block->getName());
+}
+
+}  // namespace vek0::detail

@@ -1,0 +1,70 @@
+#include "dxf/keep/editedfile.h"
+
+#include "dxf/keep/editcontext.h"
+#include "dxf/keep/entityedits.h"
+#include "dxf/keep/headeredits.h"
+#include "dxf/keep/itemedits.h"
+#include "dxf/keep/newrecords.h"
+#include "dxf/keep/repairs.h"
+#include "vek0core/drawing/datafactory.h"
+#include "vek0core/drawing/handlemanager.h"
+#include "vek0core/dxf/in/filedxfierror.h"
+#include "vek0core/dxf/in/parse/loaddxf.h"
+#include "vek0core/files/textcodec.h"
+
+namespace vek0::detail {
+namespace {
+
+// Reads the source again and finds the records of its entities.
+bool readPristine(EditContext& on, const CFileDXFIOptions& options) {
+  auto owned = std::make_unique<CHandleManager>();
+  CHandleManager& manager = *owned;
+  on.pristine.reset(CDataFactory().createData(std::move(owned)));
+  if (!on.pristine) return false;
+  on.pristine->setHatchLimit(on.data.getHatchLimit());
+  CFileDXFIOptions noting = options;
+  noting.onEntity = [&on](const CEnt& ent, long line) {
+    const std::size_t entry = on.index.atLine(line);
+    if (entry != SourceIndex::kNone) on.entries.insert_or_assign(&ent, entry);
+  };
+  BytesFile file(on.text.bytes());
+  CFileDXFIError error;
+  const CFileDXFIResult result = loadDXF(*on.pristine, file, &error, noting);
+  if (result.status != CFileDXFIResult::Done) return false;
+  manager.start(*on.pristine);
+  const std::string version = result.version.toUtf8();
+  on.version = SourceVersion::of(version);
+  on.version.hasHandles = !on.version.isOld || on.index.highest() != 0;
+  const int page = codePageFromName(result.encoding);
+  on.decoder = CTextDecoder(page);
+  on.decoder.setSense(true);
+  on.before = std::make_unique<RecordWriter>(*on.pristine, on.version, version, page, nullptr);
+  on.after = std::make_unique<RecordWriter>(on.data, on.version, version, page, on.report);
+  return true;
+}
+
+}  // namespace
+
+bool saveEdited(const CData& data, std::string source, const CFileDXFIOptions& options,
+                bool isRepaired, IFile& file, CFileReport* report) {
+  EditContext on(data, std::move(source), report);
+  if (!readPristine(on, options)) return false;
+  HeaderEdits header(on);
+  ItemEdits items(on);
+  EntityEdits entities(on, items);
+  entities.plan();
+  items.plan();
+  entities.addNew();
+  if (isRepaired) repair(on, items);
+  items.finish();
+  header.plan(entities.reserved());
+  const auto rewrite = [&](std::size_t entry, std::vector<SourceRecord> records) {
+    return entities.rewrite(entry, std::move(records));
+  };
+  const auto dangling = [&](std::size_t, long, Handle handle) {
+    on.note(ReportCode::PointerDangling, zim::WString::fromUtf8(hexOf(handle)));
+  };
+  return on.edits.write(file, rewrite, dangling);
+}
+
+}  // namespace vek0::detail

@@ -1,0 +1,185 @@
+// Laws of saving a drawing as its source, over the samples and, if there are any, the drawings of
+// other programs in the folder that VEK0_CORPUS names.
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "dxf/keep/fingerprint.h"
+#include "dxf/keep/sourceindex.h"
+#include "support/samples.h"
+#include "support/test.h"
+#include "vek0core/vek0core.h"
+
+namespace fs = std::filesystem;
+using vek0::detail::SourceIndex;
+using vek0::detail::SourceText;
+
+namespace {
+
+std::string bytesOf(const fs::path& path) {
+  std::ostringstream bytes;
+  bytes << std::ifstream(path, std::ios::binary).rdbuf();
+  return bytes.str();
+}
+
+std::vector<fs::path> drawings() {
+  constexpr std::uintmax_t most = 500'000;
+  std::vector<fs::path> paths;
+  const char* corpus = std::getenv("VEK0_CORPUS");
+  for (const fs::path& folder :
+       {fs::path(vek0::test::samplePath()), fs::path(corpus ? corpus : "")})
+    if (!folder.empty())
+      for (const auto& entry : fs::recursive_directory_iterator(folder))
+        if (entry.path().extension() == ".dxf" && entry.file_size() < most)
+          paths.push_back(entry.path());
+  std::sort(paths.begin(), paths.end());
+  return paths;
+}
+
+// A drawing with its source in memory.
+struct Kept {
+  explicit Kept(const std::string& bytes)
+      : data(CDataFactory().createData(std::make_unique<CHandleManager>())),
+        source(std::make_unique<CFileMemory>(u"source", IFile::kRead, bytes)) {
+    CFileDXFIOptions options;
+    options.policy = CFileDXFIPolicy::forAnyFile();
+    options.policy.wholeRecords = true;
+    isLoaded = source.load(*data, nullptr, options).status == CFileDXFIResult::Done;
+  }
+  std::string saved(CDXFSource::Damage damage = CDXFSource::Damage::Kept) const {
+    CFileMemory file(u"out", IFile::kWrite);
+    EXPECT_EQ(source.save(*data, file, nullptr, damage), CDXFSource::Outcome::Saved);
+    return file.bytes();
+  }
+  std::vector<CEnt*> model() const {
+    const auto& list = data->getEntTable().getEntityTbl();
+    return {list.begin(), list.end()};
+  }
+
+  CDataPtr data;
+  CDXFSource source;
+  bool isLoaded = false;
+};
+
+// Whether the extents follow from the geometry alone: those of turned inserts cover the turned box,
+// those of hatches their lines, and infinite lines are as long as their direction.
+bool hasExactExtents(const CEnt& ent) {
+  if (ent.getEntInsert()) return false;
+  return ent.getType() != CEntLine::kType ||
+         static_cast<const CEntLine&>(ent).getReach() == LineReach::Segment;
+}
+
+// What differs between the entities of two models, apart from noise: properties and extents.
+std::string difference(const Kept& a, const Kept& b) {
+  const std::vector<CEnt*> left = a.model(), right = b.model();
+  if (left.size() != right.size())
+    return std::to_string(left.size()) + " entities, now " + std::to_string(right.size());
+  for (std::size_t i = 0; i < left.size(); ++i) {
+    const RECT_3D &l = left[i]->getBdry(), &r = right[i]->getBdry();
+    const double size = std::max(
+        {1.0, std::fabs(l.min.x), std::fabs(l.min.y), std::fabs(l.max.x), std::fabs(l.max.y)});
+    const double away = std::max({std::fabs(l.min.x - r.min.x), std::fabs(l.min.y - r.min.y),
+                                  std::fabs(l.max.x - r.max.x), std::fabs(l.max.y - r.max.y)});
+    const bool isSame =
+        vek0::detail::printOf(*left[i]).properties == vek0::detail::printOf(*right[i]).properties;
+    const bool isPlaced = away <= 1e-6 * size || l.min.x > l.max.x || !hasExactExtents(*left[i]);
+    if (isSame && isPlaced) continue;
+    std::ostringstream text;
+    text << "entity " << i << ", handle " << std::hex << left[i]->GetHandle() << std::dec
+         << " of type " << left[i]->getType() << ", record " << nameOf(left[i]->getRecord()) << ": "
+         << (isSame ? "" : "other properties ") << away;
+    return text.str();
+  }
+  return {};
+}
+
+// Every fifth entity is moved, turned, scaled, coloured or deleted.
+std::vector<const CEnt*> edit(Kept& kept, CUndoStack& undo) {
+  std::vector<const CEnt*> edited;
+  CEntMoveVisitor move(PNT_3D(12.5, -3, 0));
+  CEntRotateXYVisitor turn = CEntRotateXYVisitor::byDegrees(PNT_3D(5, 5, 0), 30);
+  CEntScaleVisitor scale(PNT_3D(1, 2, 0), 2.5);
+  std::size_t number = 0;
+  undo.begin(u"edit");
+  for (CEnt* ent : kept.model()) {
+    const std::size_t kind = number++ % 9;
+    if (kind > 4) continue;
+    edited.push_back(ent);
+    if (kind < 4) undo.keep(*ent);
+    if (kind == 0) ent->accept(move);
+    if (kind == 1) ent->accept(turn);
+    if (kind == 2) ent->accept(scale);
+    if (kind == 3) ent->setColor(5);
+    if (kind == 4) undo.remove(ent);
+  }
+  undo.commit();
+  return edited;
+}
+
+// The records with a handle, as bytes.
+std::map<vek0::Handle, std::string> recordsOf(const std::string& bytes) {
+  const SourceText text(bytes);
+  const SourceIndex index(text);
+  std::map<vek0::Handle, std::string> records;
+  for (std::size_t i = 0; i < index.entries().size(); ++i)
+    if (index[i].handle != 0)
+      records[index[i].handle] = bytes.substr(index[i].begin, index.endOf(i) - index[i].begin);
+  return records;
+}
+
+}  // namespace
+
+TEST(Source, IsReturnedUnlessTheDrawingIsEdited) {
+  for (const fs::path& path : drawings()) {
+    const std::string bytes = bytesOf(path);
+    Kept kept(bytes);
+    if (!kept.isLoaded) continue;
+    EXPECT_EQ(kept.saved() == bytes, true) << path;
+    CUndoStack undo(*kept.data);
+    edit(kept, undo);
+    if (undo.getNoUndo() == 0) continue;
+    undo.undo();
+    EXPECT_EQ(kept.saved() == bytes, true) << path << " after undoing all";
+  }
+}
+
+TEST(Source, ChangesWhereTheDrawingIsEdited) {
+  for (const fs::path& path : drawings()) {
+    SCOPED_TRACE(path.string());
+    const std::string bytes = bytesOf(path);
+    Kept kept(bytes);
+    if (!kept.isLoaded) continue;
+    CUndoStack undo(*kept.data);
+    const std::vector<const CEnt*> edited = edit(kept, undo);
+    const std::string saved = kept.saved();
+    const Kept again(saved);
+    ASSERT_TRUE(again.isLoaded);
+    EXPECT_EQ(difference(kept, again), "");
+    EXPECT_EQ(Kept(saved).saved() == saved, true);
+    // Records of other entities stay, apart from pointers to what was deleted.
+    const auto before = recordsOf(bytes), after = recordsOf(saved);
+    std::set<vek0::Handle> touched;
+    std::vector<std::string> deleted;
+    for (const CEnt* ent : edited) {
+      touched.insert(ent->GetHandle());
+      std::ostringstream hex;
+      hex << std::uppercase << std::hex << ent->GetHandle();
+      if (!ent->isHeld()) deleted.push_back('\n' + hex.str());
+    }
+    for (const CEnt* ent : kept.model()) {
+      const auto was = before.find(ent->GetHandle()), is = after.find(ent->GetHandle());
+      if (touched.contains(ent->GetHandle()) || was == before.end()) continue;
+      const bool isKept = is != after.end() && is->second == was->second;
+      const bool isWatched = was->second.find("{ACAD_REACTORS") != std::string::npos;
+      const bool isPointing =
+          isWatched || std::any_of(deleted.begin(), deleted.end(), [&](const auto& handle) {
+            return was->second.find(handle) != std::string::npos;
+          });
+      EXPECT_TRUE(isKept || isPointing) << std::hex << ent->GetHandle();
+      if (!isKept && !isPointing) break;
+    }
+  }
+}
