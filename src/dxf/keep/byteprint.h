@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "dxf/keep/mixer.h"
+#include "files/mixer.h"
 
 namespace vek0::detail {
 

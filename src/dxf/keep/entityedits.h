@@ -6,7 +6,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "dxf/keep/drawingdiff.h"
+#include "compare/heldents.h"
 #include "dxf/keep/editcontext.h"
 #include "dxf/keep/itemedits.h"
 #include "dxf/keep/spacemap.h"

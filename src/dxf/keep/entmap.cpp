@@ -9,7 +9,7 @@
 
 #include "dxf/keep/fingerprint.h"
 #include "dxf/keep/measuredmap.h"
-#include "dxf/keep/mixer.h"
+#include "files/mixer.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/blocks/enthatch.h"
 #include "vek0core/entities/blocks/entinsert.h"

@@ -1,21 +1,10 @@
 #include "dxf/keep/fingerprint.h"
 
-#include <cstring>
-
-#include "dxf/keep/mixer.h"
+#include "compare/entshape.h"
+#include "files/mixer.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/drawing/everyent.h"
 #include "vek0core/drawing/layout.h"
-#include "vek0core/entities/blocks/enthatch.h"
-#include "vek0core/entities/ent3dface.h"
-#include "vek0core/entities/entarc.h"
-#include "vek0core/entities/entattdef.h"
-#include "vek0core/entities/entcircle.h"
-#include "vek0core/entities/entline.h"
-#include "vek0core/entities/entpnt.h"
-#include "vek0core/entities/entpolyline.h"
-#include "vek0core/entities/entvisitor.h"
-#include "vek0core/entities/vertex.h"
 #include "vek0core/tables/font.h"
 
 namespace vek0::detail {
@@ -64,113 +53,39 @@ void addProperties(Mixer& mix, const CEnt& ent) {
   addProperties(mix, ent.getLayer(), ent.getLtype(), ent.getColor(), ent.getTraits());
 }
 
-void add(Mixer& mix, const TEXT_3D& text) {
-  add(mix, static_cast<const PNT_3D&>(text));
-  const CTextContext& context = text.getContext();
-  for (const double number : {context.getHeight(), context.getOblique(), context.getWidthScale(),
-                              context.getRotate(), text.getFitLength()})
-    mix.add(number);
-  mix.add(context.getString().view());
-  addName(mix, static_cast<const CNamedItem*>(text.getStyle()));
-  mix.addInteger(text.getAlign());
-  mix.addInteger(static_cast<long>(text.getFit()));
-}
-
-class Shapes final : public IEntVisitor {
+// Mixes the shape of an entity.
+class ShapeMixer final : public IShapeSink {
  public:
-  explicit Shapes(Mixer& mix) : m_mix(mix) {}
+  explicit ShapeMixer(Mixer& mix) : m_mix(mix) {}
 
-  using IEntVisitor::visit;
-  void visit(CEntPnt& ent) override { add(m_mix, ent.getPnt()); }
-  void visit(CEntLine& ent) override {
-    add(m_mix, ent.getLine().p1);
-    add(m_mix, ent.getLine().p2);
-    m_mix.addInteger(static_cast<long>(ent.getReach()));
+  void point(const PNT_3D& p) override { add(m_mix, p); }
+  void length(double length) override { m_mix.add(length); }
+  void ratio(double ratio) override { m_mix.add(ratio); }
+  void angle(double angleRad) override { m_mix.add(angleRad); }
+  void word(long word) override { m_mix.addInteger(word); }
+  void text(std::u16string_view text) override { m_mix.add(text); }
+  void style(const CStyle* style) override {
+    addName(m_mix, static_cast<const CNamedItem*>(style));
   }
-  void visit(CEntCircle& ent) override {
-    add(m_mix, ent.getCircle());
-    m_mix.add(ent.getCircle().radius);
-  }
-  void visit(CEntArc& ent) override {
-    const ARC_3D& arc = ent.getArc();
-    add(m_mix, arc);
-    for (const double number : {arc.radius, arc.startAngle, arc.endAngle}) m_mix.add(number);
-  }
-  void visit(CEntPolyline& ent) override {
-    m_mix.addInteger(ent.getFlags());
-    m_mix.addInteger(ent.getDegree());
-    for (int i = 0; ent.isCurve() && i < ent.getFirstVisibleVertex(); ++i) {
-      const CVertex& v = ent.GetVertex(i);
-      addVertex(v.getPnt(), v.GetWidthStart(), v.GetWidthEnd(), 0);
-    }
-    ent.forEachBulged([this](const PNT_3D& p, double ws, double we, double bulge, vek0::Handle) {
-      addVertex(p, ws, we, bulge);
-    });
-  }
-  void visit(CEntText& ent) override { add(m_mix, ent.getText()); }
-  void visit(CEntAttdef& ent) override {
-    add(m_mix, ent.getText());
-    m_mix.add(ent.getValue().view());
-    m_mix.add(ent.getPrompt().view());
-    m_mix.addInteger(ent.getFlags());
-  }
-  void visit(CEntAttrib& ent) override {
-    add(m_mix, ent.getText());
-    m_mix.add(ent.getTag().view());
-    m_mix.addInteger(ent.getFlags());
-  }
-  void visit(CEntInsert& ent) override {
-    double sx, sy, sz, columnSpacing, rowSpacing;
-    long columns, rows;
-    ent.getScale(sx, sy, sz);
-    ent.getArray(columns, rows, columnSpacing, rowSpacing);
-    add(m_mix, ent.getPnt());
-    for (const double number : {sx, sy, sz, ent.getRotate(), columnSpacing, rowSpacing})
-      m_mix.add(number);
-    m_mix.addInteger(columns);
-    m_mix.addInteger(rows);
-    if (ent.isClipped())
-      for (const PNT_2D& p : ent.getClip()->boundary) add(m_mix, p);
-    addContent(ent);
-  }
-  void visit(CEntInsertXRef& ent) override { visit(static_cast<CEntInsert&>(ent)); }
-  void visit(CEntFixedInsert& ent) override {
-    add(m_mix, ent.getPnt());
-    for (const double number : {ent.GetDefArea(), ent.GetNoPixel(), ent.getRotate()})
-      m_mix.add(number);
-    addContent(ent);
-  }
-  void visit(CEntHatch& ent) override {
-    const HATCH_TYPE& type = ent.getHatchType();
+  void pattern(const HATCH_TYPE& type, double scale, double angleRad) override {
     m_mix.add(std::u16string_view(type.name));
     for (const HATCH_LINE* line = type.lines; line != type.lines + type.numLines; ++line)
       addFamily(*line);
-    m_mix.add(ent.getHatchScale());
-    m_mix.add(ent.getHatchRotate());
-    for (const PNT_3D& p : ent.getBoundary()) add(m_mix, p);
+    m_mix.add(scale);
+    m_mix.add(angleRad);
   }
-  void visit(CEnt3DFace& ent) override {
-    for (long i = 0; i < 4; ++i) add(m_mix, ent.getVertex(i));
-    m_mix.addInteger(ent.getFlags());
-    m_mix.addInteger(static_cast<long>(ent.getFill()));
+  void block(const CEntInsertBase& insert) override {
+    addName(m_mix, static_cast<const CNamedItem*>(insert.getBlock()));
+  }
+  void attrib(const CEntAttrib& attrib) override {
+    m_mix.add(static_cast<std::uint64_t>(attrib.GetHandle()));
+    describeShape(attrib, *this);
   }
 
  private:
-  void addVertex(const PNT_3D& p, double ws, double we, double bulge) {
-    add(m_mix, p);
-    for (const double number : {ws, we, bulge}) m_mix.add(number);
-  }
   void addFamily(const HATCH_LINE& line) {
     for (const double number : {line.angle, line.x0, line.y0, line.dx, line.dy}) m_mix.add(number);
     for (int i = 0; i < line.numDash; ++i) m_mix.add(line.dash[i]);
-  }
-  void addContent(const CEntInsertBase& ent) {
-    addName(m_mix, static_cast<const CNamedItem*>(ent.getBlock()));
-    for (unsigned i = 0; i < ent.GetNoAttribs(); ++i) {
-      CEntAttrib& attrib = *ent.GetAttrib(i);
-      m_mix.add(static_cast<std::uint64_t>(attrib.GetHandle()));
-      visit(attrib);
-    }
   }
 
   Mixer& m_mix;
@@ -249,9 +164,8 @@ EntPrint printOf(const CEnt& ent) {
   if (const CEntInsertBase* insert = ent.getEntInsert())
     for (unsigned i = 0; i < insert->GetNoAttribs(); ++i)
       addProperties(properties, *insert->GetAttrib(i));
-  shape.addInteger(ent.getType());
-  Shapes shapes(shape);
-  const_cast<CEnt&>(ent).accept(shapes);  // visitors take non-const entities; this one only reads
+  ShapeMixer mixer(shape);
+  describeShape(ent, mixer);
   return {properties.value(), shape.value()};
 }
 
@@ -277,7 +191,10 @@ std::uint64_t printOf(const CLtype& ltype) {
   mix.addInteger(ltype.getFlags());
   for (int i = 0; i < ltype.getNoDashes(); ++i) {
     mix.add(ltype[i]->IsDoubleDash() ? ltype[i]->GetValue() : 0);
-    if (const TEXT_3D* text = ltype[i]->GetText()) add(mix, *text);
+    if (const TEXT_3D* text = ltype[i]->GetText()) {
+      ShapeMixer mixer(mix);
+      describeText(*text, mixer);
+    }
   }
   return mix.value();
 }

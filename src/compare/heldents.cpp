@@ -1,4 +1,4 @@
-#include "dxf/keep/drawingdiff.h"
+#include "compare/heldents.h"
 
 #include "vek0core/drawing/data.h"
 #include "vek0core/entities/blocks/block.h"
