@@ -11,6 +11,7 @@ const std::vector<StepKind>& stepKinds() {
        "Select what the next steps apply to: layer=NAMES,kind=KINDS,window=X1,Y1,X2,Y2, or all",
        readSelect},
       {"--move", "DX,DY[,DZ]", "Move", readMove},
+      {"--copy", "DX,DY[,DZ]", "Copy to there, and select the copies", readCopy},
       {"--rotate", "DEG@X,Y", "Rotate counter-clockwise about a point", readRotate},
       {"--scale", "F@X,Y", "Scale about a point", readScale},
       {"--explode", nullptr, "Explode polylines, inserts and hatches by one level", readExplode},

@@ -65,6 +65,27 @@ std::string readMove(const std::string& text, EditStep& step) {
   return {};
 }
 
+std::string readCopy(const std::string& text, EditStep& step) {
+  EditStep move;
+  const std::string problem = readMove(text, move);
+  if (!problem.empty()) return problem;
+  step = onChosen([move = std::move(move)](Editing& editing) {
+    std::vector<CEnt*> ents = editing.chosen;
+    std::string left;
+    const std::string refusal = leaveUnsupported(editing, false, "copied", ents, left);
+    if (!refusal.empty()) return StepOutcome::failed(refusal);
+    for (CEnt*& ent : ents) {
+      ent = editing.undo.copy(*ent);
+      if (!ent) return StepOutcome::noMemory();
+    }
+    editing.chosen = std::move(ents);
+    const std::string done = countedEntities(editing.chosen.size()) + " copied" + left;
+    const StepOutcome moved = editing.chosen.empty() ? StepOutcome::done({}) : move(editing);
+    return moved.ok ? StepOutcome::done(done) : moved;
+  });
+  return {};
+}
+
 std::string readRotate(const std::string& text, EditStep& step) {
   const auto value = readNumberAtPoint(text);
   if (!value) return "'" + text + "' is not an angle and a point like 90@10,5";

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <vector>
 
 #include "vek0core/drawing/everyent.h"
@@ -26,8 +27,9 @@ vek0::Handle highestVertex(const CEnt& ent) {
 
 }  // namespace
 
-void CHandleManager::start(CData& data) {
+void CHandleManager::start(CData& data, vek0::Handle seed) {
   m_pages.clear();
+  m_origins.clear();
   m_lastPage = nullptr;
   m_lowest = 1;
   std::vector<CEnt*> without;
@@ -38,6 +40,8 @@ void CHandleManager::start(CData& data) {
     highest = std::max({highest, handle, highestVertex(ent)});
   });
   m_next = std::min(highest, kHighest) + 1;
+  // Some programs state a seed that leaves no room.
+  if (seed <= kHighest / 2) m_next = std::max(m_next, seed);
   m_isStarted = true;
   for (int i = 0; i < data.getLayouts().size(); ++i) {
     std::vector<VIEWPORT> viewports = data.getLayouts()[i].getViewports();
@@ -82,6 +86,7 @@ vek0::Handle CHandleManager::bookNext() {
   const vek0::Handle handle = free();
   take(handle);
   if (m_next > kHighest) m_lowest = handle + 1;
+  m_origins.erase(handle);
   return handle;
 }
 
@@ -108,3 +113,14 @@ void CHandleManager::release(vek0::Handle handle) {
 }
 
 vek0::Handle CHandleManager::nextseed() const { return m_isStarted ? free() : 0; }
+
+void CHandleManager::setOrigin(vek0::Handle copy, vek0::Handle original) noexcept try {
+  m_origins.insert_or_assign(copy, original);
+} catch (const std::bad_alloc&) {
+  // The copy is then written like any other new entity.
+}
+
+vek0::Handle CHandleManager::originOf(vek0::Handle copy) const {
+  const auto found = m_origins.find(copy);
+  return found == m_origins.end() ? 0 : found->second;
+}

@@ -26,6 +26,8 @@ const std::vector<StepKind>& stepKinds();
 std::string readSelect(const std::string& text, EditStep& step);
 
 std::string readMove(const std::string& text, EditStep& step);    ///< "dx,dy" or "dx,dy,dz"
+/// As `readMove`; the copies are selected then.
+std::string readCopy(const std::string& text, EditStep& step);
 std::string readRotate(const std::string& text, EditStep& step);  ///< "degrees@x,y"
 std::string readScale(const std::string& text, EditStep& step);   ///< "factor@x,y"
 std::string readDelete(const std::string& text, EditStep& step);  ///< without a value

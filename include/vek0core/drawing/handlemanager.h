@@ -21,9 +21,11 @@ class CEnt;
 class VEK0_API CHandleManager final : public IHandleGestor {
  public:
   /// Gives new handles to the entities of the drawing, whose manager it is, that have none or one
-  /// that an earlier entity has, and from now on to those that are added. Linear in the entities
-  /// and vertices. Throws `std::bad_alloc`; entities may have got handles then.
-  void start(CData& data);
+  /// that an earlier entity has, and from now on to those that are added. New handles are not below
+  /// `seed`, that of the file, so that none is that of something which a drawing does not hold.
+  /// Linear in the entities and vertices. Throws `std::bad_alloc`; entities may have got handles
+  /// then.
+  void start(CData& data, vek0::Handle seed = 0);
 
   /// 0 before `start`.
   vek0::Handle bookNext() override;
@@ -35,6 +37,13 @@ class VEK0_API CHandleManager final : public IHandleGestor {
   void release(vek0::Handle handle) override;
   bool handling() const override { return false; }
   vek0::Handle nextseed() const override;
+
+  /// Notes that the entity with handle `copy` was copied from another one, so that `CDXFSource`
+  /// writes it as a copy of that one's record. Without memory, it is not noted.
+  void setOrigin(vek0::Handle copy, vek0::Handle original) noexcept;
+  /// The handle of what the entity was copied from, which may be gone or a copy itself; 0 if it is
+  /// no copy.
+  vek0::Handle originOf(vek0::Handle copy) const;
 
  private:
   static constexpr vek0::Handle kPageBits = 9;
@@ -48,6 +57,7 @@ class VEK0_API CHandleManager final : public IHandleGestor {
   vek0::Handle m_next = 1;    // above all handles that were ever used
   vek0::Handle m_lowest = 1;  // all below are used
   std::unordered_map<vek0::Handle, Page> m_pages;
+  std::unordered_map<vek0::Handle, vek0::Handle> m_origins;  // of copies
   Page* m_lastPage = nullptr;  // most handles are near the previous one
   vek0::Handle m_lastKey = -1;
 };

@@ -124,6 +124,10 @@ class VEK0_API CUndoStack {
   /// Adds the entity to a block as `CBlock::add` does. False if the block would insert itself,
   /// directly or indirectly, or belongs to a loaded reference.
   bool add(CBlock& block, CEnt* ent);
+  /// Appends a copy of the entity to what holds it, model space or a block. Saving the drawing as
+  /// its source (`CDXFSource`) copies the record of the original along with what the drawing does
+  /// not hold of it. Returns the copy, which belongs to the drawing, or null.
+  CEnt* copy(const CEnt& ent);
 
   /// Adds the item to its table, or removes it. Items in use, by their counts or as current item,
   /// and the fixed items cannot be removed.

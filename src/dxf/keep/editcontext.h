@@ -29,6 +29,12 @@ struct EditContext {
   std::unique_ptr<RecordWriter> before, after;           ///< of the pristine drawing; of the other
   std::unordered_map<const CEnt*, std::size_t> entries;  ///< of the pristine entities
 
+  /// The handle of a new entity: its own, unless something in the file has that.
+  Handle handleFor(const CEnt& ent) {
+    const Handle own = ent.GetHandle();
+    const bool isFree = own > 0 && index.withHandle(own) == SourceIndex::kNone;
+    return isFree ? edits.useHandle(own) : edits.takeHandle();
+  }
   void note(ReportCode code, std::u16string_view sample) const {
     if (report) report->add(code, 0, sample);
   }

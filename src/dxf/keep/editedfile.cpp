@@ -31,7 +31,7 @@ bool readPristine(EditContext& on, const CFileDXFIOptions& options) {
   CFileDXFIError error;
   const CFileDXFIResult result = loadDXF(*on.pristine, file, &error, noting);
   if (result.status != CFileDXFIResult::Done) return false;
-  manager.start(*on.pristine);
+  manager.start(*on.pristine, result.handleSeed);
   const std::string version = result.version.toUtf8();
   on.version = SourceVersion::of(version);
   on.version.hasHandles = !on.version.isOld || on.index.highest() != 0;

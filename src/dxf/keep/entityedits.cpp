@@ -10,6 +10,7 @@
 #include "dxf/keep/recordtransform.h"
 #include "dxf/layoutname.h"
 #include "vek0core/drawing/data.h"
+#include "vek0core/drawing/handlemanager.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/blocks/entinsert.h"
 #include "vek0core/entities/edit/entexplodervisitor.h"
@@ -62,15 +63,21 @@ bool saysMore(const std::vector<SourceRecord>& records) {
   return record.integerOf(generation) != 0 || record.find(alignment) == SourceRecord::kNone;
 }
 
-// Whether the record belongs to the entity before it.
-bool isPart(const SourceRecord& record) {
-  return record.is("VERTEX") || record.is("ATTRIB") || record.is("SEQEND");
+// Makes a dimension show that block; an empty name leaves it its own.
+void setBlock(std::vector<SourceRecord>& records, const std::string& block) {
+  const std::size_t name = records[0].find(2);
+  if (!block.empty() && name != SourceRecord::kNone) records[0].setText(name, block);
 }
 
 }  // namespace
 
 EntityEdits::EntityEdits(EditContext& context, ItemEdits& items)
-    : m_on(context), m_items(items), m_before(*context.pristine), m_after(context.data) {}
+    : m_on(context), m_items(items), m_before(*context.pristine), m_after(context.data) {
+  // New entities keep their handles, so fresh ones are above.
+  Handle highest = 0;
+  for (const HeldEnt& held : m_after.all()) highest = std::max(highest, held.ent->GetHandle());
+  m_on.edits.setSeed(highest + 1);
+}
 
 void EntityEdits::plan() {
   for (const HeldEnt& held : m_before.all()) {
@@ -104,7 +111,7 @@ void EntityEdits::planEntity(const HeldEnt& before, std::size_t entry) {
   m_items.need(*after->ent, before.ent);
   if (was.shape == is.shape) return;
   if (isWhole(*after->ent)) return planPieces(entry, action);
-  planBlockOf(action);
+  planBlockOf(action, false);
   if (after->ent->getType() != CEntPolyline::kType || !m_on.index.is(entry, "POLYLINE")) return;
   const auto& polyline = static_cast<const CEntPolyline&>(*after->ent);
   const long had = static_cast<long>(m_on.index.afterEntity(entry) - entry);
@@ -137,12 +144,12 @@ std::vector<SourceRecord> EntityEdits::writeWhole(const CEnt& ent) {
 }
 
 // The content of a dimension's block is where the dimension is. Other dimensions keep theirs.
-void EntityEdits::planBlockOf(Action& action) {
+void EntityEdits::planBlockOf(Action& action, bool isCopy) {
   const CBlock* block = blockOf(*action.before);
   if (!block || !block->isOfDimension()) return;
   const std::optional<SpaceMap> map = mapBetween(*action.before, *action.after);
   if (!map) return;
-  if (m_users[block] > 1) {
+  if (isCopy || m_users[block] > 1) {
     action.block = m_items.copyBlock(*block, m_contents[block], *map);
     return;
   }
@@ -205,9 +212,7 @@ std::vector<SourceRecord> EntityEdits::rewrite(std::size_t entry,
   }
   if (action.map && !transformRecords(records, *action.map))
     m_on.note(ReportCode::EntityDropped, zim::WString::fromUtf8(records[0].kind()));
-  if (const std::size_t name = records[0].find(2);
-      !action.block.empty() && name != SourceRecord::kNone)
-    records[0].setText(name, action.block);
+  setBlock(records, action.block);
   if (action.before)
     patchProperties(records, *action.before, *action.after, *m_on.after, m_on.version, m_on.report);
   return records;
@@ -282,11 +287,12 @@ void EntityEdits::addNew() {
       continue;
     }
     m_items.need(*held.ent);
-    std::vector<SourceRecord> records =
-        isWhole(*held.ent) ? writeWhole(*held.ent) : m_on.after->write(*held.ent, false);
-    if (held.ent->getRecord() == EntRecord::Opaque)
+    std::vector<SourceRecord> records = copyOf(held);
+    if (records.empty())
+      records = isWhole(*held.ent) ? writeWhole(*held.ent) : m_on.after->write(*held.ent, false);
+    if (records.empty() && held.ent->getRecord() == EntRecord::Opaque)
       m_on.note(ReportCode::RecordLeft, opaqueKindOf(*held.ent));
-    setFrames(records, target.owner, m_on.edits);
+    setFrames(records, m_on.handleFor(*held.ent), target.owner, m_on.edits);
     for (SourceRecord& record : records) {
       if (target.isOnPaper) {
         const std::size_t layer = record.find(8);
@@ -295,6 +301,41 @@ void EntityEdits::addNew() {
       m_on.edits.addBefore(target.before, record);
     }
   }
+}
+
+// The entity of the source that this one was copied from, directly or not; null if there is none.
+const HeldEnt* EntityEdits::originOf(const CEnt& ent) const {
+  const auto* manager = dynamic_cast<const CHandleManager*>(&m_on.data.getHandleGestor());
+  Handle handle = manager ? manager->originOf(ent.GetHandle()) : 0;
+  // A copy is younger than its origin, so this ends.
+  while (handle != 0 && !m_before.find(handle)) handle = manager->originOf(handle);
+  return handle != 0 ? m_before.find(handle) : nullptr;
+}
+
+// The record of the origin, changed like it; nothing if the entity is no copy, or became something
+// else.
+std::vector<SourceRecord> EntityEdits::copyOf(const HeldEnt& held) {
+  std::vector<SourceRecord> records;
+  const HeldEnt* origin = originOf(*held.ent);
+  const auto entry = origin ? m_on.entries.find(origin->ent) : m_on.entries.end();
+  if (entry == m_on.entries.end() || !isSamePlace(origin->container, held.container))
+    return records;
+  Action action;
+  action.before = origin->ent;
+  action.after = held.ent;
+  if (held.container.block && !held.container.isSheet)
+    action.base = origin->container.block->getPnt();
+  for (std::size_t i = entry->second; i < m_on.index.afterEntity(entry->second); ++i) {
+    records.push_back(m_on.index.read(i));
+    detach(records.back());
+  }
+  if (printOf(*action.before).shape != printOf(*action.after).shape) {
+    if (!patchShape(action, records)) return {};
+    planBlockOf(action, true);
+  }
+  setBlock(records, action.block);
+  patchProperties(records, *action.before, *action.after, *m_on.after, m_on.version, m_on.report);
+  return records;
 }
 
 // Whether the content has been written with the block, or belongs to no block of the file.

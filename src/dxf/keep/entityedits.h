@@ -48,7 +48,9 @@ class EntityEdits {
   void planEntity(const HeldEnt& before, std::size_t entry);
   void remove(std::size_t entry);
   void removeOwned(Handle owner);
-  void planBlockOf(Action& action);
+  void planBlockOf(Action& action, bool isCopy);
+  std::vector<SourceRecord> copyOf(const HeldEnt& held);
+  const HeldEnt* originOf(const CEnt& ent) const;
   void planPieces(std::size_t entry, Action& action);
   std::vector<SourceRecord> writeWhole(const CEnt& ent);
   void dropPrivateBlocks();

@@ -67,17 +67,6 @@ std::string keyOf(const Item* item) {
   return keyOf(item->getName());
 }
 
-// A copy has no reactors and no extension dictionary.
-void dropGroups(SourceRecord& record) {
-  constexpr long group = 102;
-  bool isInside = false;
-  std::erase_if(record.pairs, [&](const SourcePair& pair) {
-    const bool isMark = pair.code == group;
-    if (isMark) isInside = pair.value.starts_with('{');
-    return isMark || isInside;
-  });
-}
-
 }  // namespace
 
 ItemEdits::ItemEdits(EditContext& context) : m_on(context) {
@@ -328,7 +317,7 @@ void ItemEdits::addBlock(const CBlock& block) {
   for (unsigned i = 0; !xref && i < block.size(); ++i) {
     need(*block[i]);
     std::vector<SourceRecord> records = m_on.after->write(*block[i], false);
-    setFrames(records, owner, m_on.edits);
+    setFrames(records, m_on.handleFor(*block[i]), owner, m_on.edits);
     for (SourceRecord& record : records) m_newBlocks.push_back(std::move(record));
   }
   m_newBlocks.push_back(head("ENDBLK", "AcDbBlockEnd"));
@@ -345,8 +334,8 @@ std::string ItemEdits::copyBlock(const CBlock& block, const std::vector<std::siz
   const Handle owner = m_on.version.isOld ? 0 : m_on.edits.takeHandle();
   if (owner != 0) addBlockRecord(name, owner);
   const auto add = [&](std::vector<SourceRecord> records) {
-    for (SourceRecord& record : records) dropGroups(record);
-    setFrames(records, owner, m_on.edits);
+    for (SourceRecord& record : records) detach(record);
+    setFrames(records, m_on.edits.takeHandle(), owner, m_on.edits);
     std::move(records.begin(), records.end(), std::back_inserter(m_newBlocks));
   };
   SourceRecord begin = m_on.index.read(source);

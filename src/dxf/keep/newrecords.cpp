@@ -24,12 +24,16 @@ void setFrame(SourceRecord& record, Handle handle, Handle owner) {
   if (of != SourceRecord::kNone) record.setText(of, hexOf(owner));
 }
 
-void setFrames(std::span<SourceRecord> records, Handle owner, SourceEdits& edits) {
-  Handle first = 0;
+bool isPart(const SourceRecord& record) {
+  return record.is("VERTEX") || record.is("ATTRIB") || record.is("SEQEND");
+}
+
+void setFrames(std::span<SourceRecord> records, Handle first, Handle owner, SourceEdits& edits) {
+  Handle entity = first;
   for (SourceRecord& record : records) {
-    const Handle handle = edits.takeHandle();
-    setFrame(record, handle, first == 0 ? owner : first);
-    if (first == 0) first = handle;
+    const Handle handle = &record == &records.front() ? first : edits.takeHandle();
+    if (!isPart(record)) entity = handle;
+    setFrame(record, handle, isPart(record) ? entity : owner);
   }
 }
 

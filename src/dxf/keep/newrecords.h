@@ -12,8 +12,10 @@ std::string hexOf(Handle handle);
 
 /// Sets handle and owner of a record that has pairs for them.
 void setFrame(SourceRecord& record, Handle handle, Handle owner);
-/// The same for an entity's records with fresh handles: the first belongs to `owner`, the others to
-/// the first.
-void setFrames(std::span<SourceRecord> records, Handle owner, SourceEdits& edits);
+/// Whether the record belongs to the entity before it.
+bool isPart(const SourceRecord& record);
+/// The same for the records of entities, with `first` and fresh handles: parts belong to their
+/// entity, the entities to `owner`.
+void setFrames(std::span<SourceRecord> records, Handle first, Handle owner, SourceEdits& edits);
 
 }  // namespace vek0::detail

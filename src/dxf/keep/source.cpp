@@ -79,7 +79,7 @@ CFileDXFIResult CDXFSource::load(CData& data, CFileDXFIError* err,
   PrintedFile file(*m_file);
   const CFileDXFIResult result = loadDXF(data, file, err, options);
   auto* const manager = dynamic_cast<CHandleManager*>(&data.getHandleGestor());
-  if (manager) manager->start(data);
+  if (manager) manager->start(data, result.handleSeed);
   m_options = options;
   m_options.report = nullptr;
   m_options.progress = {};

@@ -37,7 +37,12 @@ class SourceEdits {
   /// A handle that nothing in the file has.
   Handle takeHandle() { return m_next++; }
   Handle nextHandle() const { return m_next; }
-  bool hasTaken() const { return m_next != m_firstFresh; }
+  /// Uses a handle that nothing in the file has, below `nextHandle`.
+  Handle useHandle(Handle handle) {
+    m_hasUsed = true;
+    return handle;
+  }
+  bool hasTaken() const { return m_hasUsed || m_next != m_firstFresh; }
   /// Handles below this one are taken; before the first `takeHandle`.
   void setSeed(Handle seed);
 
@@ -70,6 +75,7 @@ class SourceEdits {
   std::map<std::size_t, Change> m_changed;
   std::unordered_set<Handle> m_forgotten;
   Handle m_firstFresh = 1, m_next = 1;
+  bool m_hasUsed = false;
 };
 
 }  // namespace vek0::detail

@@ -71,13 +71,14 @@ void SourceIndex::takePair(SourceEntry& entry, long code, std::string_view value
     if (code == 360 && m_isDictionary) entry.dictionary = handle();
     return;
   }
-  if (entry.handle == 0 && (isStyle ? code == 105 : code == 5)) {
+  const bool isSection = m_names[entry.kind] == "SECTION";  // the header states the handle seed
+  if (entry.handle == 0 && !isSection && (isStyle ? code == 105 : code == 5)) {
     entry.handle = handle();
     m_highest = std::max(m_highest, entry.handle);
   }
   if (code == 330 && entry.owner == 0) entry.owner = handle();
   if (code == 67) entry.isOnPaper = parseLong(value) != 0;
-  const bool isNamed = m_section <= SourceSection::Blocks || m_names[entry.kind] == "SECTION";
+  const bool isNamed = m_section <= SourceSection::Blocks || isSection;
   if (code == 2 && entry.name == 0 && isNamed) entry.name = intern(value);
 }
 

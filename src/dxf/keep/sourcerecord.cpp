@@ -18,11 +18,38 @@ ParsedDouble numberIn(std::string_view value) {
   return parseDouble(text);
 }
 
+// Each loop ends with the number of its entities and their handles.
+void detachBoundary(SourceRecord& record) {
+  constexpr long number = 97, handle = 330, isAssociative = 71;
+  const auto isHandle = [&](std::size_t i) {
+    return i < record.pairs.size() && record.pairs[i].code == handle;
+  };
+  std::size_t at = record.find(number);
+  for (; at != SourceRecord::kNone; at = record.find(number, at + 1)) {
+    if (!isHandle(at + 1)) continue;
+    while (isHandle(at + 1)) record.erase(at + 1);
+    record.setInteger(at, 0);
+    const std::size_t flag = record.find(isAssociative);
+    if (flag != SourceRecord::kNone) record.setInteger(flag, 0);
+  }
+}
+
 }  // namespace
 
 std::string shortestText(double value) {
   char text[kShortestRoom];
   return std::string(text, formatShortest(text, value));
+}
+
+void detach(SourceRecord& record) {
+  constexpr long owned[] = {350, 360};
+  bool isInside = false;
+  std::erase_if(record.pairs, [&](const SourcePair& pair) {
+    const bool isMark = pair.code == kGroupCode;
+    if (isMark) isInside = pair.value.starts_with('{');
+    return isMark || isInside || pair.code == owned[0] || pair.code == owned[1];
+  });
+  if (record.is("HATCH")) detachBoundary(record);
 }
 
 double numberOf(std::string_view value) { return numberIn(value).value; }

@@ -69,6 +69,10 @@ class SourceRecord {
   void erase(std::size_t index);
 };
 
+/// Makes the record that of a copy: without reactors and extension dictionary, owning no objects,
+/// and as a hatch not bound to the entities of its boundary.
+void detach(SourceRecord& record);
+
 /// The number that readers see in a value, with a comma or the exponent of Fortran repaired.
 double numberOf(std::string_view value);
 

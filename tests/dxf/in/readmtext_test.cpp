@@ -60,7 +60,7 @@ TEST(ReadMText, IsHorizontalInVerticalStyles) {
                              section("ENTITIES", pairsOf("0 MTEXT|8 0|10 0|20 0|40 1|7 V|1 ab|"
                                                          "0 TEXT|8 0|10 0|20 0|40 1|7 V|1 ab")) +
                              dxf());
-  const Loaded again = loadText(saved(got, kSaveExchange));
+  const Loaded again = loadAny(saved(got, kSaveExchange));
   for (const Loaded* loaded : {&got, &again}) {
     const std::vector<TEXT_3D> texts = textsOf(*loaded);
     ASSERT_EQ(texts.size(), 2u);

@@ -84,6 +84,7 @@ std::string difference(const Kept& a, const Kept& b) {
     const double away = std::max({std::fabs(l.min.x - r.min.x), std::fabs(l.min.y - r.min.y),
                                   std::fabs(l.max.x - r.max.x), std::fabs(l.max.y - r.max.y)});
     const bool isSame =
+        left[i]->getRecord() == right[i]->getRecord() &&
         vek0::detail::printOf(*left[i]).properties == vek0::detail::printOf(*right[i]).properties;
     const bool isPlaced = away <= 1e-6 * size || l.min.x > l.max.x || !hasExactExtents(*left[i]);
     if (isSame && isPlaced) continue;
@@ -96,7 +97,7 @@ std::string difference(const Kept& a, const Kept& b) {
   return {};
 }
 
-// Every fifth entity is moved, turned, scaled, coloured or deleted.
+// Of nine entities each, five are moved, turned, scaled, coloured or deleted, and one is copied.
 std::vector<const CEnt*> edit(Kept& kept, CUndoStack& undo) {
   std::vector<const CEnt*> edited;
   CEntMoveVisitor move(PNT_3D(12.5, -3, 0));
@@ -106,6 +107,8 @@ std::vector<const CEnt*> edit(Kept& kept, CUndoStack& undo) {
   undo.begin(u"edit");
   for (CEnt* ent : kept.model()) {
     const std::size_t kind = number++ % 9;
+    CEnt* copy = kind == 5 ? undo.copy(*ent) : nullptr;
+    if (copy) copy->accept(move);
     if (kind > 4) continue;
     edited.push_back(ent);
     if (kind < 4) undo.keep(*ent);

@@ -62,6 +62,7 @@ const zim::WString& CFileDXFIParser::getVersionName() const {
 }
 long CFileDXFIParser::getUnits() const { return m_sections->header.getUnits(); }
 long CFileDXFIParser::getMeasurement() const { return m_sections->header.getMeasurement(); }
+vek0::Handle CFileDXFIParser::getHandleSeed() const { return m_sections->header.getHandleSeed(); }
 const PNT_3D& CFileDXFIParser::getInsertionBase() const {
   return m_sections->header.getInsertionBase();
 }

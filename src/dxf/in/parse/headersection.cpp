@@ -140,6 +140,12 @@ void setVariable(const Variable<Value> (&variables)[count], const zim::WString& 
   }
 }
 
+// Some programs put blanks before it.
+Handle handleIn(std::u16string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(u' '), text.size()));
+  return static_cast<Handle>(parseHex(text));
+}
+
 }  // namespace
 
 // Its kind is that of its last pair.
@@ -218,6 +224,8 @@ void HeaderSection::takeString(const zim::WString& name, const zim::WString& val
     m_codePageName = value;
     return takeCodePage();
   }
+  if (zim::equalsIgnoreCase(name, u"$HANDSEED"))
+    m_handleSeed = handleIn(value.view());
   m_dimStyles.takeVariable(name, value);
   if (!m_in.semantor.shouldReadHeaders()) return;
   if (zim::equalsIgnoreCase(name, u"$CELTYPE")) m_curLtype = value;

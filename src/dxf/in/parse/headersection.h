@@ -32,6 +32,8 @@ class HeaderSection {
   long getMeasurement() const { return m_measurement; }
   /// Whether the drawing is known to be in metric units.
   bool isMetric() const { return m_measurement == 1 || m_units > kFeet; }
+  /// `$HANDSEED`; 0 or less if it states none.
+  Handle getHandleSeed() const { return m_handleSeed; }
   const PNT_3D& getInsertionBase() const { return m_insertionBase; }
   /// Limits of the current sheet; empty unless the header states both corners in order.
   RECT_2D getSheetLimits() const;
@@ -54,6 +56,7 @@ class HeaderSection {
   zim::WString m_versionName, m_codePageName;
   static constexpr long kFeet = 2;
   long m_units = 0, m_measurement = -1;
+  Handle m_handleSeed = 0;
   PNT_3D m_insertionBase{0, 0, 0};
   PNT_2D m_sheetMin{0, 0}, m_sheetMax{0, 0};
 };

@@ -64,6 +64,7 @@ CFileDXFIResult parse(CData& data, IFile& file, CFileDXFIError& record,
   result.units = parser.getUnits();
   result.measurement = parser.getMeasurement();
   result.insertionBase = parser.getInsertionBase();
+  result.handleSeed = parser.getHandleSeed();
   if (parser.isCancelled())
     result.status = CFileDXFIResult::Cancelled;
   else if (done)

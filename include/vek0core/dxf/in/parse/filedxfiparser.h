@@ -58,6 +58,7 @@ class VEK0_API CFileDXFIParser {
   long getMeasurement() const;
   /// `$INSBASE`; the origin if missing.
   const PNT_3D& getInsertionBase() const;
+  vek0::Handle getHandleSeed() const;  ///< `$HANDSEED`; 0 or less if there is none
   /// The encoding used to decode the file.
   std::string getEncodingName() const { return m_lexer.getEncodingName(); }
 

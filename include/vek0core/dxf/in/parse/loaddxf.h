@@ -34,6 +34,7 @@ struct CFileDXFIResult {
   long units = 0;                 ///< `$INSUNITS`: 0 not stated, 1 inches, 4 mm, 5 cm, 6 m, ...
   long measurement = -1;          ///< `$MEASUREMENT`: 0 imperial, 1 metric; -1 not stated
   PNT_3D insertionBase{0, 0, 0};  ///< `$INSBASE`: point to insert the drawing by
+  vek0::Handle handleSeed = 0;    ///< `$HANDSEED`: above all handles of the file; 0 not stated
 };
 
 /// The same with options: report and policy.
