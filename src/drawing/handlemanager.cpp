@@ -43,12 +43,21 @@ void CHandleManager::start(CData& data, vek0::Handle seed) {
   // Some programs state a seed that leaves no room.
   if (seed <= kHighest / 2) m_next = std::max(m_next, seed);
   m_isStarted = true;
+  try {
+    startViewports(data);
+    for (const CEnt* ent : without) reserve(ent);
+  } catch (const std::bad_alloc&) {
+    m_isStarted = false;
+    throw;
+  }
+}
+
+void CHandleManager::startViewports(CData& data) {
   for (int i = 0; i < data.getLayouts().size(); ++i) {
     std::vector<VIEWPORT> viewports = data.getLayouts()[i].getViewports();
     for (VIEWPORT& viewport : viewports) viewport.handle = bookHandle(viewport.handle);
     data.getLayouts()[i].setViewports(std::move(viewports));
   }
-  for (const CEnt* ent : without) reserve(ent);
 }
 
 bool CHandleManager::isTaken(vek0::Handle handle) const {

@@ -23,8 +23,8 @@ class VEK0_API CHandleManager final : public IHandleGestor {
   /// Gives new handles to the entities of the drawing, whose manager it is, that have none or one
   /// that an earlier entity has, and from now on to those that are added. New handles are not below
   /// `seed`, that of the file, so that none is that of something which a drawing does not hold.
-  /// Linear in the entities and vertices. Throws `std::bad_alloc`; entities may have got handles
-  /// then.
+  /// Linear in the entities and vertices. Throws `std::bad_alloc`; it has not started then, but
+  /// entities may have got handles.
   void start(CData& data, vek0::Handle seed = 0);
 
   /// 0 before `start`.
@@ -49,6 +49,7 @@ class VEK0_API CHandleManager final : public IHandleGestor {
   static constexpr vek0::Handle kPageBits = 9;
   using Page = std::array<std::uint64_t, 8>;
 
+  void startViewports(CData& data);
   bool take(vek0::Handle handle);
   bool isTaken(vek0::Handle handle) const;
   vek0::Handle free() const;

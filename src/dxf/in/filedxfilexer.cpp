@@ -22,7 +22,6 @@ using vek0::detail::LineReader;
 
 namespace {
 
-constexpr std::size_t kBlock = std::size_t{256} * 1024;
 constexpr long kComment = 999;
 constexpr std::size_t kMostUnits = CFileDXFILexer::kBufferUnits - 1;
 
@@ -104,7 +103,8 @@ bool isNumeric(long code) {
 
 // Whether a line without a line end is cut off: the end mark may omit it.
 bool isCutOff(std::string_view line) {
-  constexpr std::size_t longest = kBlock / 2;  // a longer one may be the first piece of its line
+  constexpr std::size_t longest =
+      CFileDXFILexer::kBlockBytes / 2;  // a longer one may be the first piece of its line
   return line.size() < longest && trimmed(line) != "EOF";
 }
 
@@ -115,12 +115,12 @@ void assignUtf8(std::u16string_view units, std::string& out) {
 
 }  // namespace
 
-CFileDXFILexer::CFileDXFILexer(IFile& file, CFileDXFIError* err)
+CFileDXFILexer::CFileDXFILexer(IFile& file, CFileDXFIError* err, std::size_t block)
     : m_file(file),
       m_error(err),
       m_bytes(std::make_shared<BinaryText>(bytesOf(file))),
       m_lines(std::make_shared<LineReader>(
-          [bytes = m_bytes](char* out, long room) { return bytes->read(out, room); }, kBlock)),
+          [bytes = m_bytes](char* out, long room) { return bytes->read(out, room); }, block)),
       m_string(u"") {}
 
 // Both get their own copy of the value, because its buffer is overwritten when either of them reads

@@ -6,10 +6,12 @@
 #include "dxf/keep/itemedits.h"
 #include "dxf/keep/newrecords.h"
 #include "dxf/keep/repairs.h"
+#include "vek0core/drawing/data.h"
 #include "vek0core/drawing/datafactory.h"
 #include "vek0core/drawing/handlemanager.h"
 #include "vek0core/dxf/in/filedxfierror.h"
 #include "vek0core/dxf/in/parse/loaddxf.h"
+#include "vek0core/entities/enttable.h"
 #include "vek0core/files/textcodec.h"
 
 namespace vek0::detail {
@@ -43,21 +45,31 @@ bool readPristine(EditContext& on, const CFileDXFIOptions& options) {
   return true;
 }
 
+// Nothing but entities tells that a file without sections and end mark is a drawing.
+void endEmptyFragment(EditContext& on) {
+  const bool isEmpty = on.data.getEntTable().getEntityTbl().empty();
+  if (!isEmpty || !on.index.isFragment() || !on.index.isCut()) return;
+  on.edits.addBefore(on.index.entries().size() - 1, {{pairOf(0, "EOF")}});
+  on.note(ReportCode::SectionCut, {});
+}
+
 }  // namespace
 
 bool saveEdited(const CData& data, std::string source, const CFileDXFIOptions& options,
                 bool isRepaired, IFile& file, CFileReport* report) {
   EditContext on(data, std::move(source), report);
-  if (!readPristine(on, options)) return false;
+  if (!on.index.isSound() || !readPristine(on, options)) return false;
   HeaderEdits header(on);
   ItemEdits items(on);
   EntityEdits entities(on, items);
+  header.planVariables();
   entities.plan();
   items.plan();
   entities.addNew();
   if (isRepaired) repair(on, items);
   items.finish();
-  header.plan(entities.reserved());
+  endEmptyFragment(on);
+  header.planCounters(entities.reserved());
   const auto rewrite = [&](std::size_t entry, std::vector<SourceRecord> records) {
     return entities.rewrite(entry, std::move(records));
   };

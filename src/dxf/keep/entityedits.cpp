@@ -9,6 +9,7 @@
 #include "dxf/keep/recorddiff.h"
 #include "dxf/keep/recordtransform.h"
 #include "dxf/layoutname.h"
+#include "files/mixer.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/drawing/handlemanager.h"
 #include "vek0core/entities/blocks/block.h"
@@ -149,14 +150,21 @@ void EntityEdits::planBlockOf(Action& action, bool isCopy) {
   if (!block || !block->isOfDimension()) return;
   const std::optional<SpaceMap> map = mapBetween(*action.before, *action.after);
   if (!map) return;
-  if (isCopy || m_users[block] > 1) {
-    action.block = m_items.copyBlock(*block, m_contents[block], *map);
-    return;
-  }
+  if (isCopy || m_users[block] > 1) return planCopy(action, *block, *map);
   for (const std::size_t entry : m_contents[block]) {
     m_actions[entry].map = map;
     m_on.edits.rewrite(entry);
   }
+}
+
+// Dimensions that moved in the same way go on sharing.
+void EntityEdits::planCopy(Action& action, const CBlock& block, const SpaceMap& map) {
+  Mixer mix;
+  for (const PNT_3D* p : {&map.x, &map.y, &map.z, &map.origin, &map.from})
+    for (const double number : {p->x, p->y, p->z}) mix.add(number);
+  const auto [copy, isNew] = m_copies[&block].try_emplace(mix.value());
+  if (isNew) copy->second = m_items.copyBlock(block, m_contents[&block], map);
+  action.block = copy->second;
 }
 
 // Blocks without a name of their own go with the last insert.
@@ -358,7 +366,8 @@ EntityEdits::Target EntityEdits::findTarget(const Container& container) {
   const std::size_t record = m_items.find("BLOCK_RECORD", block);
   if (record != SourceIndex::kNone) target.owner = index[record].handle;
   const bool isCurrent =
-      container.isSheet && isLayoutBlock(container.block->getName(), kPaperBlock) &&
+      container.block && container.isSheet &&
+      isLayoutBlock(container.block->getName(), kPaperBlock) &&
       container.block->getName().Length() == static_cast<int>(1 + kPaperBlock.size());
   const bool isInSection = !container.block || isCurrent;
   target.isOnPaper = container.isSheet;
@@ -387,8 +396,8 @@ std::size_t EntityEdits::endOfEntities() {
 
 std::size_t EntityEdits::endOfBlock(std::size_t begin) const {
   const SourceIndex& index = m_on.index;
-  for (std::size_t i = begin + 1; i < index.entries().size(); ++i)
-    if (index[i].group == begin && index.is(i, "ENDBLK")) return i;
+  for (std::size_t i = begin + 1; i < index.entries().size() && index[i].group == begin; ++i)
+    if (index.is(i, "ENDBLK")) return i;
   return SourceIndex::kNone;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -49,6 +50,7 @@ class EntityEdits {
   void remove(std::size_t entry);
   void removeOwned(Handle owner);
   void planBlockOf(Action& action, bool isCopy);
+  void planCopy(Action& action, const CBlock& block, const SpaceMap& map);
   std::vector<SourceRecord> copyOf(const HeldEnt& held);
   const HeldEnt* originOf(const CEnt& ent) const;
   void planPieces(std::size_t entry, Action& action);
@@ -73,7 +75,9 @@ class EntityEdits {
   std::unordered_map<Handle, std::vector<std::size_t>> m_owned;  // objects by owner
   std::unordered_map<const CBlock*, std::vector<std::size_t>> m_contents;
   std::unordered_map<const CBlock*, std::size_t> m_users;  // inserts of the pristine drawing
-  std::unordered_set<const CBlock*> m_left;                // that an insert was removed of
+  // Copies of the blocks of dimensions, by fingerprints of their maps.
+  std::unordered_map<const CBlock*, std::unordered_map<std::uint64_t, std::string>> m_copies;
+  std::unordered_set<const CBlock*> m_left;  // that an insert was removed of
 };
 
 }  // namespace vek0::detail

@@ -1,5 +1,8 @@
 #include "dxf/keep/forgetting.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "files/number.h"
 
 namespace vek0::detail {
@@ -7,6 +10,11 @@ namespace {
 
 constexpr long kHandleGroup = 102;
 
+bool isOpening(const SourcePair& pair) {
+  return pair.code == kHandleGroup && pair.value.starts_with('{');
+}
+
+// Copies a record without the pointers, in one pass, since a group may lose all of its members.
 class Forgetting {
  public:
   Forgetting(SourceRecord& record, const std::unordered_set<Handle>& handles,
@@ -14,68 +22,78 @@ class Forgetting {
       : m_record(record), m_handles(handles), m_dangling(dangling) {}
 
   bool run() {
-    bool isInGroup = false;
-    bool isOwned = false;
-    for (std::size_t i = 1; i < m_record.pairs.size();) {
-      const SourcePair& pair = m_record.pairs[i];
-      if (pair.code == kHandleGroup) isInGroup = pair.value.starts_with('{');
-      const bool isOwner = pair.code == 330 && !isInGroup && !isOwned;
-      if (isOwner) isOwned = true;
-      const bool isGone = isPointer(pair.code) && !isOwner && m_handles.contains(handleOf(pair));
-      i = isGone ? forget(i, isInGroup) : i + 1;
+    if (m_record.pairs.empty() || !pointsToAny()) return false;
+    const bool isDictionary = m_record.is("DICTIONARY") || m_record.is("ACDBDICTIONARYWDFLT");
+    m_left.pairs.reserve(m_record.pairs.size());
+    for (m_next = 0; m_next < m_record.pairs.size(); ++m_next) {
+      SourcePair& pair = m_record.pairs[m_next];
+      const bool isForgotten = isGone(pair) && forget(pair, isDictionary);
+      if (isForgotten) m_isChanged = true;
+      if (isForgotten || endsEmptyGroup(pair)) continue;
+      if (pair.code == kBoundaryObjects) m_number = m_left.pairs.size();
+      m_left.pairs.push_back(std::move(pair));
     }
-    dropEmptyGroups();
+    m_record.pairs = std::move(m_left.pairs);
     return m_isChanged;
   }
 
  private:
-  // Returns the index of the next pair.
-  std::size_t forget(std::size_t i, bool isInGroup) {
-    const long code = m_record.pairs[i].code;
-    if (isInGroup) return erase(i, 1);
-    if (m_record.is("DICTIONARY") || m_record.is("ACDBDICTIONARYWDFLT")) {
-      const bool isEntry = (code == 350 || code == 360) && m_record.pairs[i - 1].code == 3;
-      if (isEntry) return erase(i - 1, 2);
-    }
-    if (m_record.is("GROUP") && code == 340) return erase(i, 1);
-    if (m_record.is("SORTENTSTABLE") && code == 331) {
-      const bool isPair = i + 1 < m_record.pairs.size() && m_record.pairs[i + 1].code == 5;
-      return erase(i, isPair ? 2 : 1);
-    }
-    if (m_record.is("HATCH") && code == 330) return forgetBoundary(i);
-    m_dangling(code, handleOf(m_record.pairs[i]));
-    return i + 1;
+  static constexpr long kBoundaryObjects = 97;
+
+  bool pointsToAny() const {
+    return std::any_of(m_record.pairs.begin(), m_record.pairs.end(), [this](const auto& pair) {
+      return isPointer(pair.code) && m_handles.contains(handleOf(pair));
+    });
   }
 
-  // The objects of a boundary follow their number.
-  std::size_t forgetBoundary(std::size_t i) {
-    constexpr long number = 97;
-    std::size_t at = i;
-    while (at > 0 && m_record.pairs[at].code != number) --at;
-    if (at == 0) return erase(i, 1);
-    m_record.setInteger(at, m_record.integerOf(number, 1, at) - 1);
-    return erase(i, 1);
+  // The first pointer outside of groups is that to the owner.
+  bool isGone(const SourcePair& pair) {
+    if (pair.code == kHandleGroup) m_isInGroup = isOpening(pair);
+    if (isOpening(pair)) m_isEmptied = false;
+    const bool isOwner = pair.code == 330 && !m_isInGroup && !m_isOwned;
+    if (isOwner) m_isOwned = true;
+    return !isOwner && isPointer(pair.code) && m_handles.contains(handleOf(pair));
   }
 
-  std::size_t erase(std::size_t first, std::size_t count) {
-    for (; count > 0; --count) m_record.erase(first);
-    m_isChanged = true;
-    return first;
-  }
-
-  void dropEmptyGroups() {
-    for (std::size_t i = 1; m_isChanged && i + 1 < m_record.pairs.size(); ++i) {
-      const bool isEmpty =
-          m_record.pairs[i].code == kHandleGroup && m_record.pairs[i].value.starts_with('{') &&
-          m_record.pairs[i + 1].code == kHandleGroup && m_record.pairs[i + 1].value == "}";
-      if (isEmpty) i = erase(i, 2) - 1;
+  // Whether the pointer can be left out.
+  bool forget(const SourcePair& pair, bool isDictionary) {
+    if (m_isInGroup) {
+      m_isEmptied = true;
+      return true;
     }
+    if (isDictionary && (pair.code == 350 || pair.code == 360) && m_left.pairs.back().code == 3) {
+      m_left.pairs.pop_back();
+      return true;
+    }
+    if (m_record.is("GROUP") && pair.code == 340) return true;
+    if (m_record.is("SORTENTSTABLE") && pair.code == 331) {
+      const std::size_t next = m_next + 1;
+      if (next < m_record.pairs.size() && m_record.pairs[next].code == 5) m_next = next;
+      return true;
+    }
+    if (m_record.is("HATCH") && pair.code == 330) {
+      // The objects of a boundary follow their number.
+      if (m_number != 0) m_left.setInteger(m_number, m_left.integer(m_number) - 1);
+      return true;
+    }
+    m_dangling(pair.code, handleOf(pair));
+    return false;
+  }
+
+  bool endsEmptyGroup(const SourcePair& pair) {
+    if (pair.code != kHandleGroup) return false;
+    const bool isEmpty = m_isEmptied && pair.value == "}" && isOpening(m_left.pairs.back());
+    if (isEmpty) m_left.pairs.pop_back();
+    return isEmpty;
   }
 
   SourceRecord& m_record;
   const std::unordered_set<Handle>& m_handles;
   const std::function<void(long, Handle)>& m_dangling;
-  bool m_isChanged = false;
+  SourceRecord m_left;
+  std::size_t m_next = 0;
+  std::size_t m_number = 0;  // where the last number of objects is, in what is left
+  bool m_isInGroup = false, m_isEmptied = false, m_isOwned = false, m_isChanged = false;
 };
 
 }  // namespace

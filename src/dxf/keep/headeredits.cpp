@@ -49,15 +49,16 @@ HeaderEdits::Variables HeaderEdits::variablesOf(const SourceRecord& header) {
   return variables;
 }
 
-void HeaderEdits::plan(Handle reserved) {
+void HeaderEdits::planCounters(Handle reserved) {
   if (m_entry == SourceIndex::kNone) return;
-  planVariables();
   planExtents();
-  if (!m_on.edits.hasTaken() && reserved == 0) return;
+  const bool isUnchanged = !m_on.edits.hasTaken() && reserved == 0;
+  if (isUnchanged || !m_on.edits.hasRoomAbove()) return;
   set("$HANDSEED", {pairOf(5, hexOf(m_on.edits.nextHandle() + reserved))}, !m_on.version.isOld);
 }
 
 void HeaderEdits::planVariables() {
+  if (m_entry == SourceIndex::kNone) return;
   const Variables before = variablesOf(m_on.before->header());
   const Variables after = variablesOf(m_on.after->header());
   for (const auto& [name, values] : after) {

@@ -15,16 +15,17 @@ class HeaderEdits {
   /// Lets the edits begin with the handle that the header names as the next. Borrows the context.
   explicit HeaderEdits(EditContext& context);
 
-  /// Changes the variables that differ, the extents and the next handle. `reserved` is the number
-  /// of handles that are still to be taken.
-  void plan(Handle reserved);
+  /// Changes the variables that differ.
+  void planVariables();
+  /// Changes the extents and the next handle. `reserved` is the number of handles that are still to
+  /// be taken.
+  void planCounters(Handle reserved);
 
  private:
   using Values = std::vector<SourcePair>;
   using Variables = std::map<std::string, Values>;
 
   static Variables variablesOf(const SourceRecord& header);
-  void planVariables();
   void planExtents();
   void set(const std::string& name, const Values& values, bool isNeeded);
 

@@ -20,7 +20,6 @@
 #include "vek0core/tables/layer.h"
 #include "vek0core/tables/ltype.h"
 #include "vek0core/tables/style.h"
-#include "zim0lang/casefold.h"
 
 namespace vek0::detail {
 namespace {
@@ -55,16 +54,9 @@ std::string nameIn(RecordWriter& writer, const CNamedItem* item) {
   return writer.encoded(item->getName());
 }
 
-// Files spell names in several ways, so items are known by their decoded names.
-std::string keyOf(const zim::WString& name) {
-  std::u16string key(name.view());
-  for (char16_t& unit : key) unit = zim::foldCase(unit);
-  return zim::WString(key).toUtf8();
-}
-
 template <class Item>
 std::string keyOf(const Item* item) {
-  return keyOf(item->getName());
+  return detail::keyOf(item->getName());
 }
 
 }  // namespace
@@ -87,8 +79,7 @@ ItemEdits::ItemEdits(EditContext& context) : m_on(context) {
 }
 
 std::string ItemEdits::keyOfText(std::string_view text) const {
-  CTextDecoder decoder = m_on.decoder;
-  return keyOf(decoder.decodeText(text));
+  return detail::keyOfText(m_on, text);
 }
 
 std::size_t ItemEdits::find(const std::string& table, std::string_view name) const {
@@ -144,7 +135,7 @@ void ItemEdits::planTable(const std::string& table, const std::vector<Item>& bef
   }
   for (const auto& [name, item] : was) {
     const std::size_t entry = findKey(table, name);
-    if (entry != SourceIndex::kNone) m_gone.push_back({table, entry});
+    if (entry != SourceIndex::kNone) leave(table, entry);
   }
 }
 
@@ -271,7 +262,7 @@ void ItemEdits::planBlocks() {
   }
   for (const auto& [name, block] : was) {
     const auto entry = m_blocks.find(name);
-    if (entry != m_blocks.end()) m_gone.push_back({"BLOCK", entry->second});
+    if (entry != m_blocks.end()) leave("BLOCK", entry->second);
   }
 }
 
@@ -356,7 +347,7 @@ std::string ItemEdits::copyBlock(const CBlock& block, const std::vector<std::siz
 
 void ItemEdits::drop(const CBlock& block) {
   const auto known = m_blocks.find(keyOf(&block));
-  if (known != m_blocks.end()) m_gone.push_back({"BLOCK", known->second});
+  if (known != m_blocks.end()) leave("BLOCK", known->second);
 }
 
 void ItemEdits::addBlockRecord(const std::string& name, Handle handle) {
@@ -405,60 +396,29 @@ void ItemEdits::becomeBlock(SourceRecord& record) {
 
 // -- removal -------------------------------------------------------------------
 
-ItemEdits::Usage ItemEdits::usage() const {
-  std::unordered_set<std::size_t> gone;
-  for (const Gone& item : m_gone) {
-    const bool isBlock = item.table == "BLOCK";
-    const std::size_t end = isBlock ? endOfBlock(item.entry) : item.entry;
-    for (std::size_t i = item.entry; i <= end; ++i) gone.insert(i);
-    const std::size_t record =
-        isBlock ? find("BLOCK_RECORD", m_on.index.nameOf(item.entry)) : SourceIndex::kNone;
-    if (record != SourceIndex::kNone) gone.insert(record);
+// An item goes with its record in a table and, if it is a block, its content.
+void ItemEdits::leave(const std::string& table, std::size_t entry) {
+  GoneItem item{table, keyOfText(m_on.index.nameOf(entry)), entry, entry, entry};
+  if (table == "BLOCK") {
+    item.last = std::min(endOfBlock(entry), m_on.index.entries().size() - 1);
+    item.entry = findKey("BLOCK_RECORD", item.key);
   }
-  Usage used;
-  for (std::size_t i = 0; i < m_on.index.entries().size(); ++i) {
-    if (gone.contains(i) || m_on.edits.isRemoved(i) || m_on.edits.isRewritten(i)) continue;
-    const SourceRecord record = m_on.index.read(i);
-    const bool isTable = m_on.index[i].section == SourceSection::Tables;
-    for (const SourcePair& pair : record.pairs) {
-      if (isPointer(pair.code)) used.handles.insert(handleOf(pair));
-      const bool isName = pair.code == 8 || pair.code == 6 || pair.code == 7 || pair.code == 1003 ||
-                          (pair.code == 2 && !isTable && !record.is("BLOCK"));
-      if (isName) used.names.insert(std::to_string(pair.code) + keyOfText(pair.value));
-    }
-  }
-  return used;
+  m_gone.push_back(std::move(item));
 }
 
 void ItemEdits::removeUnused() {
-  const Usage used = usage();
-  const auto isUsed = [&](const Gone& item) {
-    const std::string name = keyOfText(m_on.index.nameOf(item.entry));
-    const std::size_t record = item.table == "BLOCK" ? findKey("BLOCK_RECORD", name) : item.entry;
-    if (record != SourceIndex::kNone && used.handles.contains(m_on.index[record].handle))
-      return true;
-    const auto has = [&](const char* code) { return used.names.contains(code + name); };
-    if (item.table == "LAYER") return has("8") || has("1003");
-    if (item.table == "LTYPE") return has("6");
-    if (item.table == "STYLE") return has("7");
-    return has("2");
+  markUsed(m_on, m_gone);
+  const auto remove = [this](std::size_t entry) {
+    m_on.edits.remove(entry);
+    if (m_on.index[entry].handle != 0) m_on.edits.forgotten().insert(m_on.index[entry].handle);
   };
-  for (const Gone& item : m_gone) {
-    if (isUsed(item)) continue;
-    const bool isBlock = item.table == "BLOCK";
-    const std::size_t end = isBlock ? endOfBlock(item.entry) : item.entry;
-    for (std::size_t i = item.entry; i <= end; ++i) {
-      m_on.edits.remove(i);
-      m_on.edits.forgotten().insert(m_on.index[i].handle);
-    }
-    const std::string table = isBlock ? "BLOCK_RECORD" : item.table;
-    const std::size_t record = isBlock ? find(table, m_on.index.nameOf(item.entry)) : item.entry;
-    if (record == SourceIndex::kNone) continue;
-    m_on.edits.remove(record);
-    m_on.edits.forgotten().insert(m_on.index[record].handle);
-    --m_tables[table].change;
+  for (const GoneItem& item : m_gone) {
+    if (item.isUsed) continue;
+    for (std::size_t i = item.first; i <= item.last; ++i) remove(i);
+    if (item.entry == SourceIndex::kNone) continue;
+    remove(item.entry);
+    --m_tables[item.table == "BLOCK" ? "BLOCK_RECORD" : item.table].change;
   }
-  m_on.edits.forgotten().erase(0);
 }
 
 }  // namespace vek0::detail

@@ -3,10 +3,10 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "dxf/keep/editcontext.h"
+#include "dxf/keep/itemusage.h"
 #include "dxf/keep/spacemap.h"
 
 class CBlock;
@@ -49,10 +49,6 @@ class ItemEdits {
     long change = 0;
     std::vector<SourceRecord> added = {};
   };
-  struct Usage {
-    std::unordered_set<std::string> names;
-    std::unordered_set<Handle> handles;
-  };
 
   template <class Item>
   void planTable(const std::string& table, const std::vector<Item>& before,
@@ -71,7 +67,7 @@ class ItemEdits {
   void patchXRef(const CBlock& before, const CBlock& after);
   static void becomeBlock(SourceRecord& record);
   void removeUnused();
-  Usage usage() const;
+  void leave(const std::string& table, std::size_t entry);
   std::size_t endOfBlock(std::size_t entry) const;
 
   EditContext& m_on;
@@ -79,12 +75,7 @@ class ItemEdits {
   std::unordered_map<std::string, std::size_t> m_blocks;
   std::vector<SourceRecord> m_newBlocks;
   std::size_t m_lastCopy = 0;  // the number of a dimension's block
-  // Records of items that the drawing no longer has.
-  struct Gone {
-    std::string table;
-    std::size_t entry;
-  };
-  std::vector<Gone> m_gone;
+  std::vector<GoneItem> m_gone;
 };
 
 }  // namespace vek0::detail

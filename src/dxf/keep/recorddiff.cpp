@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <map>
 #include <utility>
 #include <vector>
@@ -43,16 +44,10 @@ class Patch {
     std::vector<std::pair<std::size_t, Key>> order;
     for (const auto& [key, place] : is) order.emplace_back(place, key);
     std::sort(order.begin(), order.end());
+    Places now = placesOf(record, part);
     for (const auto& [place, key] : order)
-      if (!set(record, part, before, was, after, is, key)) return false;
-    for (auto gone = was.rbegin(); gone != was.rend(); ++gone) {
-      if (is.contains(gone->first)) continue;
-      const Places now = placesOf(record, part);
-      const auto found = now.find(gone->first);
-      if (found == now.end()) continue;
-      record.erase(found->second);
-      --part.last;
-    }
+      if (!set(record, part, now, before, was, after, is, key)) return false;
+    removeGone(record, part, now, was, is);
     return true;
   }
 
@@ -71,17 +66,35 @@ class Patch {
     return places;
   }
 
-  bool set(SourceRecord& record, Part& part, const SourceRecord& before, const Places& was,
-           const SourceRecord& after, const Places& is, const Key& key) const {
+  // Removes what only `was` has.
+  static void removeGone(SourceRecord& record, Part part, const Places& now, const Places& was,
+                         const Places& is) {
+    std::vector<bool> isGone(part.last, false);
+    for (const auto& [key, place] : was) {
+      const auto found = is.contains(key) ? now.end() : now.find(key);
+      if (found != now.end()) isGone[found->second] = true;
+    }
+    std::size_t kept = part.first;
+    for (std::size_t i = part.first; i < record.pairs.size(); ++i) {
+      if (i < part.last && isGone[i]) continue;
+      if (kept != i) record.pairs[kept] = std::move(record.pairs[i]);
+      ++kept;
+    }
+    record.pairs.resize(kept);
+  }
+
+  // `now` are the places in the record.
+  bool set(SourceRecord& record, Part& part, Places& now, const SourceRecord& before,
+           const Places& was, const SourceRecord& after, const Places& is, const Key& key) const {
     const std::string& value = after.pairs[is.at(key)].value;
     const auto old = was.find(key);
     if (old != was.end() && before.pairs[old->second].value == value) return true;
-    const Places now = placesOf(record, part);
     const auto found = now.find(key);
     if (found == now.end()) {
       if (old != was.end() && !isDefault(key.first, before.pairs[old->second].value)) return false;
       record.insert(placeFor(now, is, key, part), key.first, value);
       ++part.last;
+      now = placesOf(record, part);
       return true;
     }
     // What changes has to mean the same in both.
@@ -141,16 +154,32 @@ std::vector<Part> vertexesOf(const SourceRecord& record) {
   return parts;
 }
 
-bool patchLight(SourceRecord& record, const SourceRecord& before, const SourceRecord& after) {
-  std::vector<Part> parts = vertexesOf(record);
-  const std::vector<Part> was = vertexesOf(before), is = vertexesOf(after);
-  if (parts.size() != was.size()) return false;
+// Each part becomes a record, so that an insertion moves only its own vertex.
+bool patchVertexes(SourceRecord& record, const std::vector<Part>& parts, const SourceRecord& before,
+                   const std::vector<Part>& was, const SourceRecord& after,
+                   const std::vector<Part>& is) {
   const Patch patch(false);
-  if (parts.size() == is.size()) {
-    for (std::size_t i = parts.size(); i-- > 0;)
-      if (!patch.apply(record, parts[i], before, was[i], after, is[i])) return false;
-    return true;
+  std::vector<SourcePair> patched;
+  const auto take = [&](std::vector<SourcePair>& to, std::size_t first, std::size_t last) {
+    std::move(record.pairs.begin() + static_cast<std::ptrdiff_t>(first),
+              record.pairs.begin() + static_cast<std::ptrdiff_t>(last), std::back_inserter(to));
+  };
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    SourceRecord part;
+    take(part.pairs, parts[i].first, parts[i].last);
+    if (!patch.apply(part, {0, part.pairs.size()}, before, was[i], after, is[i])) return false;
+    std::move(part.pairs.begin(), part.pairs.end(), std::back_inserter(patched));
   }
+  take(patched, parts.back().last, record.pairs.size());
+  record.pairs = std::move(patched);
+  return true;
+}
+
+bool patchLight(SourceRecord& record, const SourceRecord& before, const SourceRecord& after) {
+  const std::vector<Part> parts = vertexesOf(record), was = vertexesOf(before),
+                          is = vertexesOf(after);
+  if (parts.size() != was.size()) return false;
+  if (parts.size() == is.size()) return patchVertexes(record, parts, before, was, after, is);
   if (parts.size() < 2 || is.size() < 2) return false;
   // Other vertices replace all; their number changes with the head.
   auto first = record.pairs.begin() + static_cast<std::ptrdiff_t>(parts[1].first);
@@ -158,7 +187,7 @@ bool patchLight(SourceRecord& record, const SourceRecord& before, const SourceRe
                              record.pairs.begin() + static_cast<std::ptrdiff_t>(parts.back().last));
   record.pairs.insert(first, after.pairs.begin() + static_cast<std::ptrdiff_t>(is[1].first),
                       after.pairs.begin() + static_cast<std::ptrdiff_t>(is.back().last));
-  return patch.apply(record, parts[0], before, was[0], after, is[0]);
+  return Patch(false).apply(record, parts[0], before, was[0], after, is[0]);
 }
 
 }  // namespace

@@ -1,10 +1,12 @@
 #include "vek0core/dxf/keep/source.h"
 
 #include <new>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "dxf/in/parse/drawingbefore.h"
 #include "dxf/keep/byteprint.h"
 #include "dxf/keep/editedfile.h"
 #include "dxf/keep/fingerprint.h"
@@ -15,6 +17,7 @@
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{256} * 1024;
+constexpr long kRest = 4096;
 
 // Passes on a file to a reader and computes its fingerprint.
 class PrintedFile final : public IFile {
@@ -24,8 +27,9 @@ class PrintedFile final : public IFile {
   bool open() override { return m_file.open(); }
   // Readers stop at the end mark, but the source goes on to the end of the file.
   void close() override {
-    std::vector<char> rest(kBlock);
-    while (m_isBytes && readBytes(rest.data(), static_cast<long>(rest.size())) > 0) {
+    // Memory may be what has run out.
+    char rest[kRest];
+    while (m_isBytes && readBytes(rest, kRest) > 0) {
     }
     m_file.close();
   }
@@ -76,19 +80,32 @@ CDXFSource::~CDXFSource() = default;
 
 CFileDXFIResult CDXFSource::load(CData& data, CFileDXFIError* err,
                                  const CFileDXFIOptions& options) {
+  m_isLoaded = false;
   PrintedFile file(*m_file);
-  const CFileDXFIResult result = loadDXF(data, file, err, options);
-  auto* const manager = dynamic_cast<CHandleManager*>(&data.getHandleGestor());
-  if (manager) manager->start(data, result.handleSeed);
-  m_options = options;
-  m_options.report = nullptr;
-  m_options.progress = {};
-  m_options.onEntity = {};
-  m_isLoaded = manager && file.isBytes() && result.status == CFileDXFIResult::Done;
-  if (!m_isLoaded) return result;
-  m_size = file.print().size();
-  m_bytesPrint = file.print().value();
-  m_drawingPrint = vek0::detail::printOf(data);
+  CFileDXFIError ownErr;
+  CFileDXFIError& record = err ? *err : ownErr;
+  CFileDXFIResult result;
+  std::optional<vek0::detail::DrawingBefore> before;
+  try {
+    before.emplace(data);
+    m_options = options;
+    m_options.report = nullptr;
+    m_options.progress = {};
+    m_options.onEntity = {};
+    result = loadDXF(data, file, &record, options);
+    auto* const manager = dynamic_cast<CHandleManager*>(&data.getHandleGestor());
+    if (manager && record.GetErrorType() != CFileDXFIError::GeneralError)
+      manager->start(data, result.handleSeed);
+    if (!manager || !file.isBytes() || result.status != CFileDXFIResult::Done) return result;
+    m_size = file.print().size();
+    m_bytesPrint = file.print().value();
+    m_drawingPrint = vek0::detail::printOf(data);
+    m_isLoaded = true;
+  } catch (const std::bad_alloc&) {
+    record.SetError(CFileDXFIError::GeneralError);
+    result.status = CFileDXFIResult::Failed;
+    if (before) before->restore();
+  }
   return result;
 }
 
@@ -116,7 +133,8 @@ CDXFSource::Outcome CDXFSource::save(const CData& data, IFile& file, CFileReport
     if (!isWritten) return Outcome::NotWritten;
     return isRead ? Outcome::Saved : Outcome::Changed;
   } catch (const std::bad_alloc&) {
-    file.close();
+    for (IFile* open : {&file, m_file.get()})
+      if (open->isOpened()) open->close();
     return Outcome::NotWritten;
   }
 }

@@ -55,17 +55,28 @@ class SourceEdits::Output {
 
 SourceEdits::SourceEdits(const SourceText& text, const SourceIndex& index)
     : m_text(text), m_index(index) {
-  setSeed(index.highest() + 1);
+  if (hasRoomAbove()) setSeed(index.highest() + 1);
 }
 
 void SourceEdits::setSeed(Handle seed) {
-  if (seed > m_next) m_firstFresh = m_next = seed;
+  if (seed > m_next && seed <= kMostSeed) m_firstFresh = m_next = seed;
+}
+
+// Only a file with a handle near the highest possible has any in the way.
+Handle SourceEdits::takeHandle() {
+  while (m_index.withHandle(m_next) != SourceIndex::kNone) ++m_next;
+  return m_next++;
+}
+
+SourceRecord SourceEdits::read(std::size_t entry) const {
+  const auto changed = m_changed.find(entry);
+  return changed == m_changed.end() ? m_index.read(entry) : changed->second;
 }
 
 SourceRecord& SourceEdits::change(std::size_t entry) {
   const auto [found, isNew] = m_changed.try_emplace(entry);
-  if (isNew) found->second.original = found->second.edited = m_index.read(entry);
-  return found->second.edited;
+  if (isNew) found->second = m_index.read(entry);
+  return found->second;
 }
 
 bool SourceEdits::write(IFile& file, const Rewrite& rewrite, const Dangling& dangling) const {
@@ -92,10 +103,10 @@ bool SourceEdits::write(IFile& file, const Rewrite& rewrite, const Dangling& dan
       out.passTo(m_index.endOf(after - 1));
       i = after - 1;
     } else if (const auto changed = m_changed.find(i); changed != m_changed.end()) {
-      SourceRecord edited = changed->second.edited;
+      SourceRecord edited = changed->second;
       forget(i, edited, dangling);
       out.copyTo(begin);
-      out.add(m_text.write(begin, end, changed->second.original, edited));
+      out.add(m_text.write(begin, end, m_index.read(i), edited));
       out.passTo(end);
     } else if (!m_forgotten.empty()) {
       const SourceRecord original = m_index.read(i);

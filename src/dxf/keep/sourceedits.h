@@ -28,6 +28,8 @@ class SourceEdits {
   /// Ends the section before that record, behind all that is added there, and with it the file if
   /// it is cut.
   void close(std::size_t entry) { m_closed.insert(entry); }
+  /// The record with its changes so far.
+  SourceRecord read(std::size_t entry) const;
   /// The record, to be changed.
   SourceRecord& change(std::size_t entry);
   /// The entity's records will be rewritten (`Rewrite`).
@@ -35,7 +37,7 @@ class SourceEdits {
   bool isRewritten(std::size_t entry) const { return m_rewritten.contains(entry); }
 
   /// A handle that nothing in the file has.
-  Handle takeHandle() { return m_next++; }
+  Handle takeHandle();
   Handle nextHandle() const { return m_next; }
   /// Uses a handle that nothing in the file has, below `nextHandle`.
   Handle useHandle(Handle handle) {
@@ -43,7 +45,9 @@ class SourceEdits {
     return handle;
   }
   bool hasTaken() const { return m_hasUsed || m_next != m_firstFresh; }
-  /// Handles below this one are taken; before the first `takeHandle`.
+  /// Whether handles above all others are left, so that `nextHandle` is above those taken.
+  bool hasRoomAbove() const { return m_index.highest() < kMostSeed; }
+  /// Handles below this one are taken, unless it is absurdly high; before the first `takeHandle`.
   void setSeed(Handle seed);
 
   /// The handles of what was removed: every pointer to them goes, as far as the format allows.
@@ -58,10 +62,10 @@ class SourceEdits {
   bool write(IFile& file, const Rewrite& rewrite, const Dangling& dangling) const;
 
  private:
+  // Leaves room for as many handles as a file can need.
+  static constexpr Handle kMostSeed = Handle{1} << 62;
+
   class Output;
-  struct Change {
-    SourceRecord original, edited;
-  };
 
   void writeEntity(Output& out, std::size_t entry, const Rewrite& rewrite,
                    const Dangling& dangling) const;
@@ -72,7 +76,7 @@ class SourceEdits {
   const SourceIndex& m_index;
   std::unordered_set<std::size_t> m_removed, m_rewritten, m_closed;
   std::map<std::size_t, std::string> m_added;
-  std::map<std::size_t, Change> m_changed;
+  std::map<std::size_t, SourceRecord> m_changed;
   std::unordered_set<Handle> m_forgotten;
   Handle m_firstFresh = 1, m_next = 1;
   bool m_hasUsed = false;

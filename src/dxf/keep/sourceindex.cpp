@@ -41,8 +41,8 @@ SourceIndex::SourceIndex(const SourceText& text) : m_text(text), m_end(text.byte
   bool isInGroup = false;
   for (;;) {
     const long code = lexer.read();
+    // Damaged files have negative codes, too.
     if (code != 0) {
-      if (code < 0) break;
       if (!m_entries.empty()) takePair(m_entries.back(), code, lexer.getBytes(), isInGroup);
       continue;
     }
@@ -51,6 +51,7 @@ SourceIndex::SourceIndex(const SourceText& text) : m_text(text), m_end(text.byte
     const bool isEnd = lexer.isKeyword("EOF");
     entry.line = lexer.getLine() - 1;
     at = lexer.isCut() ? m_end : text.pass(at, entry.line - line);
+    m_isSound = m_isSound && (lexer.isCut() || text.mayBeginRecord(at));
     line = entry.line;
     entry.begin = at;
     entry.kind = intern(upperCase(lexer.getBytes()));

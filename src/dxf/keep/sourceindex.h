@@ -71,6 +71,8 @@ class SourceIndex {
   bool isFragment() const { return !m_hasSections; }
   /// Whether the file ended without its end mark.
   bool isCut() const { return m_isCut; }
+  /// Whether every record was found where its line is. Nothing is known of the others.
+  bool isSound() const { return m_isSound; }
 
   static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
@@ -87,6 +89,7 @@ class SourceIndex {
   std::size_t m_end = 0;
   Handle m_highest = 0;
   bool m_isCut = false;
+  bool m_isSound = true;
   bool m_hasSections = false;
   SourceSection m_section = SourceSection::Entities;  // of a file that begins in the middle
   std::uint32_t m_group = 0;

@@ -60,7 +60,8 @@ SourceText::SourceText(std::string bytes) : m_bytes(std::move(bytes)) {
     m_start = kLittleMark.size();
     m_form = all[0] == kLittleMark[0] ? Form::Utf16Le : Form::Utf16Be;
   }
-  const std::string line = text(m_start, lineEnd(m_start));
+  std::size_t lone = 0;
+  const std::string line = text(m_start, lineEnd(m_start, lone));
   const std::size_t content = line.find_last_not_of("\r\n") + 1;  // npos + 1 is 0
   if (content < line.size()) m_lineEnd = line.substr(content);
   m_isAligned = line.starts_with("  ");
@@ -83,35 +84,53 @@ char16_t SourceText::unitAt(std::size_t at) const {
 }
 
 // A run of CRs ends a line together with the LF after it; any other CR ends one by itself. NULs do
-// not count.
-std::size_t SourceText::lineEnd(std::size_t begin) const {
-  if (m_form != Form::Bytes) return wideLineEnd(begin);
+// not count. Offsets before `lone` are known to be in a run that no LF follows, so that long runs
+// are searched once.
+std::size_t SourceText::lineEnd(std::size_t begin, std::size_t& lone) const {
+  if (m_form != Form::Bytes) return wideLineEnd(begin, lone);
   const std::string_view all = m_bytes;
-  const std::size_t lf = std::min(all.find('\n', begin), all.size());
-  const std::string_view line = all.substr(begin, lf - begin);
-  const std::size_t cr = line.find('\r');
-  if (cr != std::string_view::npos) {
-    constexpr std::string_view run("\r\0", 2);
-    const bool isEnd = lf < all.size() && line.find_first_not_of(run, cr) == std::string_view::npos;
-    if (!isEnd) return begin + cr + 1;
-  }
-  return std::min(lf + 1, all.size());
+  const std::size_t end = plainLineEnd(begin);
+  if (end == all.size() || all[end] == '\n') return std::min(end + 1, all.size());
+  if (end < lone) return end + 1;
+  constexpr std::string_view run("\r\0", 2);
+  const std::size_t after = std::min(all.find_first_not_of(run, end), all.size());
+  if (after < all.size() && all[after] == '\n') return after + 1;
+  lone = after;
+  return end + 1;
 }
 
-std::size_t SourceText::wideLineEnd(std::size_t begin) const {
+// The first CR or LF; a CR directly before an LF counts as that. Looks for both in windows, because
+// a file may have no LF at all.
+std::size_t SourceText::plainLineEnd(std::size_t begin) const {
+  constexpr std::size_t window = 512;
+  const std::string_view all = m_bytes;
+  for (std::size_t at = begin; at < all.size(); at += window) {
+    const std::string_view part = all.substr(at, window);
+    const std::size_t lf = part.find('\n');
+    const std::size_t cr = part.substr(0, lf).find('\r');
+    if (cr != std::string_view::npos) return lf == cr + 1 ? at + lf : at + cr;
+    if (lf != std::string_view::npos) return at + lf;
+  }
+  return all.size();
+}
+
+std::size_t SourceText::wideLineEnd(std::size_t begin, std::size_t& lone) const {
   std::size_t at = begin;
   while (at + 1 < m_bytes.size() && unitAt(at) != u'\n' && unitAt(at) != u'\r') at += 2;
+  if (at + 1 >= m_bytes.size()) return m_bytes.size();
+  if (at < lone || unitAt(at) == u'\n') return at + 2;
   std::size_t run = at;
   while (run + 1 < m_bytes.size() && (unitAt(run) == u'\r' || unitAt(run) == 0)) run += 2;
   if (run + 1 < m_bytes.size() && unitAt(run) == u'\n') return run + 2;
-  return at + 1 < m_bytes.size() ? at + 2 : m_bytes.size();
+  lone = run;
+  return at + 2;
 }
 
 std::size_t SourceText::pass(std::size_t begin, long count) const {
-  std::size_t at = begin;
+  std::size_t at = begin, lone = 0;
   for (; count > 0 && at < m_bytes.size(); --count) {
     if (!isBinary()) {
-      at = lineEnd(at);
+      at = lineEnd(at, lone);
     } else if (count % 2 == 0) {
       const std::size_t size =
           binaryPairSize(std::string_view(m_bytes).substr(at), m_form == Form::Wide);
@@ -121,18 +140,30 @@ std::size_t SourceText::pass(std::size_t begin, long count) const {
   return at;
 }
 
+bool SourceText::mayBeginRecord(std::size_t at) const {
+  const std::size_t unit = m_form == Form::Bytes || m_form == Form::Narrow ? 1 : 2;
+  const auto next = [&] { return unit == 1 ? static_cast<char16_t>(m_bytes[at]) : unitAt(at); };
+  if (isBinary()) return at + unit <= m_bytes.size() && next() == 0;
+  constexpr std::u16string_view leading(u"\0 \t-", 4);
+  while (at + unit <= m_bytes.size() && leading.find(next()) != std::u16string_view::npos)
+    at += unit;
+  return at + unit <= m_bytes.size() && next() == u'0';
+}
+
 SourceRecord SourceText::read(std::size_t begin, std::size_t end) const {
   SourceRecord record;
   if (m_form == Form::Bytes && readPlain(begin, end, record)) return record;
   record.pairs.clear();
   const std::string_view all = m_bytes;
   BytesFile file(all.substr(0, m_start), all.substr(begin, end - begin));
-  CFileDXFILexer lexer(file, nullptr);
+  // No line is longer than this, in any form; most records are much smaller than the usual block.
+  const std::size_t room = std::min(CFileDXFILexer::kBlockBytes, 4 * (end - begin) + m_start);
+  CFileDXFILexer lexer(file, nullptr, room);
   lexer.setTolerant();
   if (!file.open()) return record;
   for (bool isFirst = true;; isFirst = false) {
     const long code = lexer.read();
-    if (code < 0 || (code == 0 && !isFirst)) break;
+    if (code == 0 && !isFirst) break;
     record.pairs.push_back(
         SourcePair{code, std::string(lexer.getBytes()), lexer.getLine() - 1, false});
   }
@@ -143,9 +174,10 @@ SourceRecord SourceText::read(std::size_t begin, std::size_t end) const {
 bool SourceText::readPlain(std::size_t begin, std::size_t end, SourceRecord& record) const {
   const std::string_view all = m_bytes;
   long line = 1;
+  std::size_t lone = 0;
   for (std::size_t at = begin; at < end; line += 2) {
-    const std::size_t middle = lineEnd(at);
-    const std::size_t after = middle < end ? lineEnd(middle) : middle;
+    const std::size_t middle = lineEnd(at, lone);
+    const std::size_t after = middle < end ? lineEnd(middle, lone) : middle;
     const long code = codeOf(all.substr(at, middle - at));
     const std::string_view raw = all.substr(middle, after - middle);
     const std::string_view value = withoutTrailing(raw);
@@ -203,9 +235,10 @@ std::string SourceText::write(const SourceRecord& record) const {
 // Keeps the line of the code, and the end of the line of the value.
 void SourceText::rewrite(std::string& out, std::size_t at, const SourcePair& pair) const {
   if (isBinary()) return append(out, pair);
-  const std::size_t middle = lineEnd(at);
+  std::size_t lone = 0;
+  const std::size_t middle = lineEnd(at, lone);
   out += std::string_view(m_bytes).substr(at, middle - at);
-  const std::string value = text(middle, lineEnd(middle));
+  const std::string value = text(middle, lineEnd(middle, lone));
   appendText(out, pair.value);
   appendText(out, value.substr(value.find_last_not_of("\r\n") + 1));
 }

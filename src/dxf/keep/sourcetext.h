@@ -43,6 +43,8 @@ class SourceText {
   std::size_t start() const { return m_start; }
   /// Offset after `count` lines, an even number in binary files, from the offset `begin`.
   std::size_t pass(std::size_t begin, long count) const;
+  /// Whether a pair with code 0 may begin at that offset.
+  bool mayBeginRecord(std::size_t at) const;
 
   /// The pairs of the record from `begin` to `end`. Their lines count from 1 within the record.
   SourceRecord read(std::size_t begin, std::size_t end) const;
@@ -58,8 +60,9 @@ class SourceText {
   enum class Form { Bytes, Utf16Le, Utf16Be, Narrow, Wide };
 
   bool isBinary() const { return m_form == Form::Narrow || m_form == Form::Wide; }
-  std::size_t lineEnd(std::size_t begin) const;
-  std::size_t wideLineEnd(std::size_t begin) const;
+  std::size_t lineEnd(std::size_t begin, std::size_t& lone) const;
+  std::size_t plainLineEnd(std::size_t begin) const;
+  std::size_t wideLineEnd(std::size_t begin, std::size_t& lone) const;
   char16_t unitAt(std::size_t at) const;
   std::string text(std::size_t begin, std::size_t end) const;
   bool readPlain(std::size_t begin, std::size_t end, SourceRecord& record) const;

@@ -9,6 +9,7 @@
 
 #include "dxf/keep/fingerprint.h"
 #include "dxf/keep/sourceindex.h"
+#include "support/forms.h"
 #include "support/samples.h"
 #include "support/test.h"
 #include "vek0core/vek0core.h"
@@ -25,18 +26,36 @@ std::string bytesOf(const fs::path& path) {
   return bytes.str();
 }
 
-std::vector<fs::path> drawings() {
+struct Source {
+  std::string name, bytes;
+};
+
+// A sample in every form of a file.
+void addForms(std::vector<Source>& sources, const Source& sample) {
+  using namespace vek0::test;
+  const auto& [name, text] = sample;
+  sources.push_back({name + ", binary", binaryOf(text, true)});
+  sources.push_back({name + ", old binary", binaryOf(text, false)});
+  sources.push_back({name + ", UTF-16", utf16Of(text, false)});
+  sources.push_back({name + ", big-endian UTF-16", utf16Of(text, true)});
+  sources.push_back({name + ", CR", withLineEnds(text, "\r")});
+  sources.push_back({name + ", CR CR LF", withLineEnds(text, "\r\r\n")});
+}
+
+void addDrawings(std::vector<Source>& sources, const fs::path& folder) {
   constexpr std::uintmax_t most = 500'000;
-  std::vector<fs::path> paths;
-  const char* corpus = std::getenv("VEK0_CORPUS");
-  for (const fs::path& folder :
-       {fs::path(vek0::test::samplePath()), fs::path(corpus ? corpus : "")})
-    if (!folder.empty())
-      for (const auto& entry : fs::recursive_directory_iterator(folder))
-        if (entry.path().extension() == ".dxf" && entry.file_size() < most)
-          paths.push_back(entry.path());
-  std::sort(paths.begin(), paths.end());
-  return paths;
+  for (const auto& entry : fs::recursive_directory_iterator(folder))
+    if (entry.path().extension() == ".dxf" && entry.file_size() < most)
+      sources.push_back({entry.path().string(), bytesOf(entry.path())});
+}
+
+std::vector<Source> drawings() {
+  std::vector<Source> sources;
+  addDrawings(sources, vek0::test::samplePath());
+  for (std::size_t i = 0, count = sources.size(); i < count; ++i)
+    addForms(sources, Source(sources[i]));
+  if (const char* corpus = std::getenv("VEK0_CORPUS")) addDrawings(sources, corpus);
+  return sources;
 }
 
 // A drawing with its source in memory.
@@ -136,23 +155,21 @@ std::map<vek0::Handle, std::string> recordsOf(const std::string& bytes) {
 }  // namespace
 
 TEST(Source, IsReturnedUnlessTheDrawingIsEdited) {
-  for (const fs::path& path : drawings()) {
-    const std::string bytes = bytesOf(path);
+  for (const auto& [name, bytes] : drawings()) {
     Kept kept(bytes);
     if (!kept.isLoaded) continue;
-    EXPECT_EQ(kept.saved() == bytes, true) << path;
+    EXPECT_EQ(kept.saved() == bytes, true) << name;
     CUndoStack undo(*kept.data);
     edit(kept, undo);
     if (undo.getNoUndo() == 0) continue;
     undo.undo();
-    EXPECT_EQ(kept.saved() == bytes, true) << path << " after undoing all";
+    EXPECT_EQ(kept.saved() == bytes, true) << name << " after undoing all";
   }
 }
 
 TEST(Source, ChangesWhereTheDrawingIsEdited) {
-  for (const fs::path& path : drawings()) {
-    SCOPED_TRACE(path.string());
-    const std::string bytes = bytesOf(path);
+  for (const auto& [name, bytes] : drawings()) {
+    SCOPED_TRACE(name);
     Kept kept(bytes);
     if (!kept.isLoaded) continue;
     CUndoStack undo(*kept.data);

@@ -36,8 +36,12 @@ class VEK0_API CFileDXFILexer {
   /// and reported ("line cut").
   static constexpr long kBufferUnits = 8192;
 
-  /// Both are borrowed; the error record may be null, and errors are then not recorded.
-  CFileDXFILexer(IFile& file, CFileDXFIError* err);
+  /// Bytes that are read at once.
+  static constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
+
+  /// Both are borrowed; the error record may be null, and errors are then not recorded. A smaller
+  /// block suits short texts: it must hold their longest line, in UTF-8.
+  CFileDXFILexer(IFile& file, CFileDXFIError* err, std::size_t block = kBlockBytes);
   CFileDXFILexer(const CFileDXFILexer& other);
   CFileDXFILexer& operator=(const CFileDXFILexer&) = delete;
   ~CFileDXFILexer();

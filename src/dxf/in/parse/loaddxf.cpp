@@ -1,12 +1,11 @@
-// The entry points of reading. If memory runs out, a drawing that was new is emptied again; one
-// that had content keeps what was imported until then.
+// The entry points of reading. A drawing that had content keeps what was imported until memory ran
+// out.
 #include "vek0core/dxf/in/parse/loaddxf.h"
 
 #include <new>
 #include <optional>
 
-#include "vek0core/drawing/data.h"
-#include "vek0core/drawing/functions.h"
+#include "dxf/in/parse/drawingbefore.h"
 #include "vek0core/dxf/in/filedxfierror.h"
 #include "vek0core/dxf/in/parse/filedxfiimportdatasemantor.h"
 #include "vek0core/dxf/in/parse/filedxfiloaddatasemantor.h"
@@ -14,41 +13,6 @@
 #include "vek0core/entities/enttable.h"
 
 namespace {
-
-// The state of a drawing before reading. Only a drawing without content can be restored.
-class DrawingBefore {
- public:
-  explicit DrawingBefore(CData& data)
-      : m_data(data),
-        m_isNew(isNew(data)),
-        m_vars(data.getVars()),
-        m_layer0(data.getLayer0()),
-        m_standard(m_isNew ? std::optional<CStyleMemento>(*getStyleStandard(data)) : std::nullopt) {
-  }
-
-  // Needs no memory.
-  void restore() const {
-    if (!m_isNew) return;
-    m_data.clearAll();
-    m_data.getVars() = m_vars;
-    m_data.getLayer0().setMemento(m_layer0);
-    getStyleStandard(m_data)->setMemento(*m_standard);
-  }
-
- private:
-  static bool isNew(CData& data) {
-    return data.getEntTable().getEntityTbl().empty() && data.getBlockTable().size() == 0 &&
-           data.getBlockXRefTable().size() == 0 && data.getLayerTable().size() == 0 &&
-           data.getLtypeTable().size() == 0 && data.getStyleTable().size() == 1 &&
-           getStyleStandard(data) != nullptr;
-  }
-
-  CData& m_data;
-  bool m_isNew;
-  CDataVariables m_vars;
-  CLayerMemento m_layer0;
-  std::optional<CStyleMemento> m_standard;
-};
 
 template <class Semantor>
 CFileDXFIResult parse(CData& data, IFile& file, CFileDXFIError& record,
@@ -80,7 +44,7 @@ CFileDXFIResult readDXF(CData& data, IFile& file, CFileDXFIError* err,
   CFileDXFIError ownErr;
   CFileDXFIError& record = err ? *err : ownErr;
   CFileDXFIResult result;
-  std::optional<DrawingBefore> before;
+  std::optional<vek0::detail::DrawingBefore> before;
   try {
     before.emplace(data);
     result = parse<Semantor>(data, file, record, options);
