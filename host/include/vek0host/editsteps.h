@@ -25,7 +25,7 @@ const std::vector<StepKind>& stepKinds();
 /// keyword continues the previous list; quotes allow commas and equals signs in a name.
 std::string readSelect(const std::string& text, EditStep& step);
 
-std::string readMove(const std::string& text, EditStep& step);    ///< "dx,dy" or "dx,dy,dz"
+std::string readMove(const std::string& text, EditStep& step);  ///< "dx,dy" or "dx,dy,dz"
 /// As `readMove`; the copies are selected then.
 std::string readCopy(const std::string& text, EditStep& step);
 std::string readRotate(const std::string& text, EditStep& step);  ///< "degrees@x,y"

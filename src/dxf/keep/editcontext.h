@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "dxf/keep/recordwriter.h"
+#include "dxf/keep/renames.h"
 #include "dxf/keep/sourceedits.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/files/report.h"
@@ -16,13 +17,18 @@ namespace vek0::detail {
 /// What the steps of saving an edited source share: both drawings, the source and its edits.
 struct EditContext {
   EditContext(const CData& edited, std::string source, CFileReport* to)
-      : data(edited), report(to), text(std::move(source)), index(text), edits(text, index) {}
+      : data(edited),
+        report(to),
+        text(std::move(source)),
+        index(text),
+        edits(text, index, renames) {}
 
   const CData& data;  ///< as it is now
   CDataPtr pristine;  ///< as it was loaded
   CFileReport* report;
   SourceText text;
   SourceIndex index;
+  Renames renames{};
   SourceEdits edits;
   SourceVersion version;
   CTextDecoder decoder{};                                ///< of the texts of the source

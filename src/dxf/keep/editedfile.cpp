@@ -40,8 +40,11 @@ bool readPristine(EditContext& on, const CFileDXFIOptions& options) {
   const int page = codePageFromName(result.encoding);
   on.decoder = CTextDecoder(page);
   on.decoder.setSense(true);
+  on.renames.find(*on.pristine, on.data);
   on.before = std::make_unique<RecordWriter>(*on.pristine, on.version, version, page, nullptr);
   on.after = std::make_unique<RecordWriter>(on.data, on.version, version, page, on.report);
+  on.renames.encode(on.decoder,
+                    [&on](std::u16string_view name) { return on.after->encoded(name); });
   return true;
 }
 

@@ -4,11 +4,13 @@
 
 #include "dxf/keep/entmap.h"
 #include "dxf/keep/fingerprint.h"
+#include "dxf/keep/forgetting.h"
 #include "dxf/keep/newrecords.h"
 #include "dxf/keep/propertypatch.h"
 #include "dxf/keep/recorddiff.h"
 #include "dxf/keep/recordtransform.h"
 #include "dxf/layoutname.h"
+#include "dxf/out/modern/fileplan.h"
 #include "files/mixer.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/drawing/handlemanager.h"
@@ -123,7 +125,7 @@ void EntityEdits::planEntity(const HeldEnt& before, std::size_t entry) {
 void EntityEdits::planPieces(std::size_t entry, Action& action) {
   std::vector<SourceRecord> records;
   for (std::size_t i = entry; i < m_on.index.afterEntity(entry); ++i)
-    records.push_back(m_on.index.read(i));
+    records.push_back(m_on.edits.read(i));
   if (patchShape(action, records)) return;
   action.pieces = writeWhole(*action.after);
   m_reserved += static_cast<Handle>(action.pieces.size());
@@ -301,6 +303,7 @@ void EntityEdits::addNew() {
     if (records.empty() && held.ent->getRecord() == EntRecord::Opaque)
       m_on.note(ReportCode::RecordLeft, opaqueKindOf(*held.ent));
     setFrames(records, m_on.handleFor(*held.ent), target.owner, m_on.edits);
+    if (!records.empty()) addClip(*held.ent, records.front());
     for (SourceRecord& record : records) {
       if (target.isOnPaper) {
         const std::size_t layer = record.find(8);
@@ -309,6 +312,24 @@ void EntityEdits::addNew() {
       m_on.edits.addBefore(target.before, record);
     }
   }
+}
+
+// The clip of a new insert is in objects that its extension dictionary leads to.
+void EntityEdits::addClip(const CEnt& ent, SourceRecord& record) {
+  const auto* insert = dynamic_cast<const CEntInsert*>(&ent);
+  if (!insert || !insert->isClipped()) return;
+  const std::size_t end = m_items.endOf(SourceSection::Objects);
+  const std::size_t handle = record.find(5);
+  if (end == SourceIndex::kNone || handle == SourceRecord::kNone || m_on.version.isOld)
+    return m_on.note(ReportCode::ClipLost, u"INSERT");
+  SavedClip clip(*insert);
+  clip.insert = handleOf(record.pairs[handle]);
+  for (Handle* object : {&clip.dictionary, &clip.filters, &clip.filter})
+    *object = m_on.edits.takeHandle();
+  for (const SourceRecord& object : m_on.after->write(clip)) m_on.edits.addBefore(end, object);
+  record.insert(handle + 1, kGroupCode, "{ACAD_XDICTIONARY");
+  record.insert(handle + 2, 360, hexOf(clip.dictionary));
+  record.insert(handle + 3, kGroupCode, "}");
 }
 
 // The entity of the source that this one was copied from, directly or not; null if there is none.
@@ -334,7 +355,7 @@ std::vector<SourceRecord> EntityEdits::copyOf(const HeldEnt& held) {
   if (held.container.block && !held.container.isSheet)
     action.base = origin->container.block->getPnt();
   for (std::size_t i = entry->second; i < m_on.index.afterEntity(entry->second); ++i) {
-    records.push_back(m_on.index.read(i));
+    records.push_back(m_on.edits.read(i));
     detach(records.back());
   }
   if (printOf(*action.before).shape != printOf(*action.after).shape) {

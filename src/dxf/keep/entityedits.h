@@ -52,6 +52,7 @@ class EntityEdits {
   void planBlockOf(Action& action, bool isCopy);
   void planCopy(Action& action, const CBlock& block, const SpaceMap& map);
   std::vector<SourceRecord> copyOf(const HeldEnt& held);
+  void addClip(const CEnt& ent, SourceRecord& record);
   const HeldEnt* originOf(const CEnt& ent) const;
   void planPieces(std::size_t entry, Action& action);
   std::vector<SourceRecord> writeWhole(const CEnt& ent);

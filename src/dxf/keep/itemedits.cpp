@@ -56,8 +56,13 @@ std::string nameIn(RecordWriter& writer, const CNamedItem* item) {
 
 template <class Item>
 std::string keyOf(const Item* item) {
-  return detail::keyOf(item->getName());
+  return nameKey(item->getName().view());
 }
+
+constexpr std::pair<std::string_view, Renames::Table> kRenamed[] = {
+    {"LAYER", Renames::Layers}, {"LTYPE", Renames::Ltypes},        {"STYLE", Renames::Styles},
+    {"BLOCK", Renames::Blocks}, {"BLOCK_RECORD", Renames::Blocks},
+};
 
 }  // namespace
 
@@ -65,16 +70,16 @@ ItemEdits::ItemEdits(EditContext& context) : m_on(context) {
   const SourceIndex& index = m_on.index;
   for (std::size_t i = 0; i < index.entries().size(); ++i) {
     const SourceEntry& entry = index[i];
-    const std::string name = keyOfText(index.nameOf(i));
-    if (index.is(i, "BLOCK")) m_blocks.emplace(name, i);
+    if (index.is(i, "BLOCK")) m_blocks.emplace(currentKey("BLOCK", index.nameOf(i)), i);
     if (entry.section != SourceSection::Tables || index.is(i, "SECTION")) continue;
-    Table& table = m_tables[upperCase(index.nameOf(entry.group))];
+    const std::string name = upperCase(index.nameOf(entry.group));
+    Table& table = m_tables[name];
     if (index.is(i, "TABLE"))
       table.begin = i;
     else if (index.is(i, "ENDTAB"))
       table.end = i;
     else
-      table.records.emplace(name, i);
+      table.records.emplace(currentKey(name, index.nameOf(i)), i);
   }
 }
 
@@ -82,8 +87,18 @@ std::string ItemEdits::keyOfText(std::string_view text) const {
   return detail::keyOfText(m_on, text);
 }
 
+// The key of the name that an item of the source has today.
+std::string ItemEdits::currentKey(std::string_view table, std::string_view name) const {
+  std::string key = keyOfText(name);
+  for (const auto& [known, number] : kRenamed) {
+    const zim::WString* renamed = table == known ? m_on.renames.nameOf(number, key) : nullptr;
+    if (renamed) return nameKey(renamed->view());
+  }
+  return key;
+}
+
 std::size_t ItemEdits::find(const std::string& table, std::string_view name) const {
-  return findKey(table, keyOfText(name));
+  return findKey(table, currentKey(table, name));
 }
 
 std::size_t ItemEdits::findKey(const std::string& table, const std::string& key) const {
@@ -94,16 +109,19 @@ std::size_t ItemEdits::findKey(const std::string& table, const std::string& key)
 }
 
 std::size_t ItemEdits::findBlock(std::string_view name) const {
-  const auto found = m_blocks.find(keyOfText(name));
+  const auto found = m_blocks.find(currentKey("BLOCK", name));
   return found == m_blocks.end() ? SourceIndex::kNone : found->second;
 }
 
 void ItemEdits::plan() {
+  const auto isSpelled = [this](std::size_t entry, const auto* item) {
+    return entry != SourceIndex::kNone && keyOfText(m_on.index.nameOf(entry)) == keyOf(item);
+  };
   for (const CLayer* layer : layersIn(m_on.data))
-    if (const std::size_t entry = findKey("LAYER", keyOf(layer)); entry != SourceIndex::kNone)
+    if (const std::size_t entry = findKey("LAYER", keyOf(layer)); isSpelled(entry, layer))
       m_on.after->spell(layer, m_on.index.nameOf(entry));
   for (const CLtype* ltype : ltypesIn(m_on.data))
-    if (const std::size_t entry = findKey("LTYPE", keyOf(ltype)); entry != SourceIndex::kNone)
+    if (const std::size_t entry = findKey("LTYPE", keyOf(ltype)); isSpelled(entry, ltype))
       m_on.after->spell(ltype, m_on.index.nameOf(entry));
   planTable("LTYPE", ltypesIn(*m_on.pristine), ltypesIn(m_on.data));
   planTable("LAYER", layersIn(*m_on.pristine), layersIn(m_on.data));
@@ -224,7 +242,6 @@ void ItemEdits::addTables() {
   if (isBegun && end == SourceIndex::kNone) add({{pairOf(0, "ENDSEC")}});
 }
 
-// The end of a section; `kNone` without it.
 std::size_t ItemEdits::endOf(SourceSection section) const {
   const SourceIndex& index = m_on.index;
   for (std::size_t i = index.entries().size(); i-- > 0;)
@@ -329,19 +346,19 @@ std::string ItemEdits::copyBlock(const CBlock& block, const std::vector<std::siz
     setFrames(records, m_on.edits.takeHandle(), owner, m_on.edits);
     std::move(records.begin(), records.end(), std::back_inserter(m_newBlocks));
   };
-  SourceRecord begin = m_on.index.read(source);
+  SourceRecord begin = m_on.edits.read(source);
   for (const long code : {2, 3})
     if (const std::size_t at = begin.find(code); at != SourceRecord::kNone) begin.setText(at, name);
   add({std::move(begin)});
   for (const std::size_t entry : contents) {
     std::vector<SourceRecord> records;
     for (std::size_t i = entry; i < m_on.index.afterEntity(entry); ++i)
-      records.push_back(m_on.index.read(i));
+      records.push_back(m_on.edits.read(i));
     transformRecords(records, map);
     add(std::move(records));
   }
   const std::size_t end = endOfBlock(source);
-  if (m_on.index.is(end, "ENDBLK")) add({m_on.index.read(end)});
+  if (m_on.index.is(end, "ENDBLK")) add({m_on.edits.read(end)});
   return name;
 }
 

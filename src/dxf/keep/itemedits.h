@@ -38,6 +38,8 @@ class ItemEdits {
   /// `SourceIndex::kNone` if there is none.
   std::size_t find(const std::string& table, std::string_view name) const;
   std::size_t findBlock(std::string_view name) const;
+  /// The end of a section; `kNone` without it.
+  std::size_t endOf(SourceSection section) const;
   /// Writes the numbers of records into the tables that have gained or lost some, and adds the
   /// tables and sections that the file did not have. The last step.
   void finish();
@@ -56,10 +58,10 @@ class ItemEdits {
   template <class Item>
   void needItem(const std::string& table, const Item& item);
   std::string keyOfText(std::string_view text) const;
+  std::string currentKey(std::string_view table, std::string_view name) const;
   std::size_t findKey(const std::string& table, const std::string& key) const;
   void add(const std::string& table, SourceRecord record);
   void addTables();
-  std::size_t endOf(SourceSection section) const;
   std::size_t placeOf(SourceSection section) const;
   void planBlocks();
   void addBlock(const CBlock& block);

@@ -4,19 +4,12 @@
 #include <unordered_set>
 
 #include "dxf/keep/forgetting.h"
-#include "zim0lang/casefold.h"
 
 namespace vek0::detail {
 
-std::string keyOf(const zim::WString& name) {
-  std::u16string key(name.view());
-  for (char16_t& unit : key) unit = zim::foldCase(unit);
-  return zim::WString(key).toUtf8();
-}
-
 std::string keyOfText(const EditContext& context, std::string_view text) {
   CTextDecoder decoder = context.decoder;
-  return keyOf(decoder.decodeText(text));
+  return nameKey(decoder.decodeText(text).view());
 }
 
 namespace {

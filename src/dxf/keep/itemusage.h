@@ -16,8 +16,7 @@ struct GoneItem {
   bool isUsed = false;
 };
 
-/// A name as the key of an item: files spell names in several ways.
-std::string keyOf(const zim::WString& name);
+/// `nameKey` of a name as the file spells it.
 std::string keyOfText(const EditContext& context, std::string_view text);
 
 /// Marks the items that a record which stays names or points to; those of a marked item stay, too.

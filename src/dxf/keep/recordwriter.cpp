@@ -111,13 +111,19 @@ std::vector<SourceRecord> RecordWriter::collect(const Write& write) {
   return records;
 }
 
+std::vector<SourceRecord> RecordWriter::write(const SavedClip& clip) {
+  return collect([&] { writeEntry(m_parts->plan, m_parts->writer, clip); });
+}
+
 std::vector<SourceRecord> RecordWriter::write(const CEnt& ent, bool isOldPolyline) {
   // Visitors take non-const entities; these only read.
   CEnt& source = const_cast<CEnt&>(ent);
-  return collect([&] {
+  std::vector<SourceRecord> records = collect([&] {
     m_parts->records.setOldPolylines(isOldPolyline || !m_version.hasLight);
     m_version.isOld ? source.accept(m_parts->old) : source.accept(m_parts->records);
   });
+  for (SourceRecord& record : records) dropGroups(record);
+  return records;
 }
 
 SourceRecord RecordWriter::write(const CLayer& layer) {

@@ -18,6 +18,8 @@ class CFileReport;
 
 namespace vek0::detail {
 
+struct SavedClip;
+
 /// What the versions of source files can hold, as far as it concerns their records.
 struct SourceVersion {
   bool isOld = true;        ///< before R13: neither owners nor class names
@@ -40,9 +42,12 @@ class RecordWriter {
                int codePage, CFileReport* report);
   ~RecordWriter();
 
-  /// The record and those that belong to it; none if it cannot be written, which is reported.
+  /// The record and those that belong to it; none if it cannot be written, which is reported. The
+  /// clip of an insert is left to the caller.
   /// Polylines become the kind that the source has (`isOldPolyline`).
   std::vector<SourceRecord> write(const CEnt& ent, bool isOldPolyline);
+  /// The objects of a clip, whose handles are set.
+  std::vector<SourceRecord> write(const SavedClip& clip);
   SourceRecord write(const CLayer& layer);
   SourceRecord write(const CLtype& ltype);
   SourceRecord write(const ListedStyle& style);

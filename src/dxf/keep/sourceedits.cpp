@@ -53,8 +53,8 @@ class SourceEdits::Output {
   bool m_isDone = true;
 };
 
-SourceEdits::SourceEdits(const SourceText& text, const SourceIndex& index)
-    : m_text(text), m_index(index) {
+SourceEdits::SourceEdits(const SourceText& text, const SourceIndex& index, const Renames& renames)
+    : m_text(text), m_index(index), m_renames(renames) {
   if (hasRoomAbove()) setSeed(index.highest() + 1);
 }
 
@@ -70,13 +70,20 @@ Handle SourceEdits::takeHandle() {
 
 SourceRecord SourceEdits::read(std::size_t entry) const {
   const auto changed = m_changed.find(entry);
-  return changed == m_changed.end() ? m_index.read(entry) : changed->second;
+  return changed == m_changed.end() ? current(entry) : changed->second;
 }
 
 SourceRecord& SourceEdits::change(std::size_t entry) {
   const auto [found, isNew] = m_changed.try_emplace(entry);
-  if (isNew) found->second = m_index.read(entry);
+  if (isNew) found->second = current(entry);
   return found->second;
+}
+
+// With the names of today.
+SourceRecord SourceEdits::current(std::size_t entry) const {
+  SourceRecord record = m_index.read(entry);
+  if (!m_renames.empty()) m_renames.apply(record, m_index[entry].section);
+  return record;
 }
 
 bool SourceEdits::write(IFile& file, const Rewrite& rewrite, const Dangling& dangling) const {
@@ -108,10 +115,10 @@ bool SourceEdits::write(IFile& file, const Rewrite& rewrite, const Dangling& dan
       out.copyTo(begin);
       out.add(m_text.write(begin, end, m_index.read(i), edited));
       out.passTo(end);
-    } else if (!m_forgotten.empty()) {
+    } else if (!m_forgotten.empty() || !m_renames.empty()) {
       const SourceRecord original = m_index.read(i);
       SourceRecord edited = original;
-      if (!forget(i, edited, dangling)) continue;
+      if (!follow(i, edited, dangling)) continue;
       out.copyTo(begin);
       out.add(m_text.write(begin, end, original, edited));
       out.passTo(end);
@@ -122,10 +129,12 @@ bool SourceEdits::write(IFile& file, const Rewrite& rewrite, const Dangling& dan
 
 void SourceEdits::writeEntity(Output& out, std::size_t entry, const Rewrite& rewrite,
                               const Dangling& dangling) const {
-  std::vector<SourceRecord> originals;
-  for (std::size_t i = entry; i < m_index.afterEntity(entry); ++i)
+  std::vector<SourceRecord> originals, current;
+  for (std::size_t i = entry; i < m_index.afterEntity(entry); ++i) {
     originals.push_back(m_index.read(i));
-  std::vector<SourceRecord> edited = rewrite(entry, originals);
+    current.push_back(read(i));
+  }
+  std::vector<SourceRecord> edited = rewrite(entry, std::move(current));
   const bool isSame = edited.size() == originals.size();
   for (std::size_t i = 0; i < edited.size(); ++i) {
     forget(entry, edited[i], dangling);
@@ -136,6 +145,12 @@ void SourceEdits::writeEntity(Output& out, std::size_t entry, const Rewrite& rew
     else
       out.add(m_text.write(edited[i]));
   }
+}
+
+// Names and pointers of a record that is not edited itself.
+bool SourceEdits::follow(std::size_t entry, SourceRecord& record, const Dangling& dangling) const {
+  const bool isRenamed = !m_renames.empty() && m_renames.apply(record, m_index[entry].section);
+  return forget(entry, record, dangling) || isRenamed;
 }
 
 bool SourceEdits::forget(std::size_t entry, SourceRecord& record, const Dangling& dangling) const {

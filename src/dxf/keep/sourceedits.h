@@ -6,6 +6,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "dxf/keep/renames.h"
 #include "dxf/keep/sourceindex.h"
 
 class IFile;
@@ -16,8 +17,8 @@ namespace vek0::detail {
 /// go, records that come before others, and records that change.
 class SourceEdits {
  public:
-  /// Both are borrowed.
-  SourceEdits(const SourceText& text, const SourceIndex& index);
+  /// All are borrowed.
+  SourceEdits(const SourceText& text, const SourceIndex& index, const Renames& renames);
 
   void remove(std::size_t entry) { m_removed.insert(entry); }
   bool isRemoved(std::size_t entry) const { return m_removed.contains(entry); }
@@ -28,7 +29,7 @@ class SourceEdits {
   /// Ends the section before that record, behind all that is added there, and with it the file if
   /// it is cut.
   void close(std::size_t entry) { m_closed.insert(entry); }
-  /// The record with its changes so far.
+  /// The record with its changes so far, renamed items included.
   SourceRecord read(std::size_t entry) const;
   /// The record, to be changed.
   SourceRecord& change(std::size_t entry);
@@ -69,11 +70,14 @@ class SourceEdits {
 
   void writeEntity(Output& out, std::size_t entry, const Rewrite& rewrite,
                    const Dangling& dangling) const;
+  SourceRecord current(std::size_t entry) const;
+  bool follow(std::size_t entry, SourceRecord& record, const Dangling& dangling) const;
   bool forget(std::size_t entry, SourceRecord& record, const Dangling& dangling) const;
   std::size_t cutEnd() const;
 
   const SourceText& m_text;
   const SourceIndex& m_index;
+  const Renames& m_renames;
   std::unordered_set<std::size_t> m_removed, m_rewritten, m_closed;
   std::map<std::size_t, std::string> m_added;
   std::map<std::size_t, SourceRecord> m_changed;

@@ -41,13 +41,20 @@ std::string shortestText(double value) {
   return std::string(text, formatShortest(text, value));
 }
 
-void detach(SourceRecord& record) {
-  constexpr long owned[] = {350, 360};
+void dropGroups(SourceRecord& record) {
   bool isInside = false;
   std::erase_if(record.pairs, [&](const SourcePair& pair) {
     const bool isMark = pair.code == kGroupCode;
     if (isMark) isInside = pair.value.starts_with('{');
-    return isMark || isInside || pair.code == owned[0] || pair.code == owned[1];
+    return isMark || isInside;
+  });
+}
+
+void detach(SourceRecord& record) {
+  constexpr long owned[] = {350, 360};
+  dropGroups(record);
+  std::erase_if(record.pairs, [&](const SourcePair& pair) {
+    return pair.code == owned[0] || pair.code == owned[1];
   });
   if (record.is("HATCH")) detachBoundary(record);
 }

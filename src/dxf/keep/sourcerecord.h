@@ -69,6 +69,8 @@ class SourceRecord {
   void erase(std::size_t index);
 };
 
+/// Removes the groups of handles (102): reactors and the extension dictionary.
+void dropGroups(SourceRecord& record);
 /// Makes the record that of a copy: without reactors and extension dictionary, owning no objects,
 /// and as a hatch not bound to the entities of its boundary.
 void detach(SourceRecord& record);

@@ -203,3 +203,23 @@ TEST(Source, ChangesWhereTheDrawingIsEdited) {
     }
   }
 }
+
+// Records that no drawing holds name the layer, too.
+TEST(Source, FollowsRenamedItems) {
+  const std::string bytes = pairsOf(
+      "0 SECTION|2 HEADER|9 $ACADVER|1 AC1015|9 $CLAYER|8 wall|0 ENDSEC|0 SECTION|2 TABLES|"
+      "0 TABLE|2 LAYER|5 2|70 1|0 LAYER|5 10|2 WALL|70 0|62 3|6 CONTINUOUS|0 ENDTAB|0 ENDSEC|"
+      "0 SECTION|2 BLOCKS|0 BLOCK|5 21|8 Wall|2 BOX|70 0|10 0|20 0|3 BOX|1 |0 POINT|5 22|8 0|10 0|"
+      "20 0|0 ENDBLK|5 23|8 Wall|0 ENDSEC|0 SECTION|2 ENTITIES|0 LINE|5 30|8 WALL|10 0|20 0|11 1|"
+      "21 1|1001 ODD|1003 WALL|0 ODD|5 31|8 wall|0 INSERT|5 32|8 0|2 box|10 0|20 0|0 ENDSEC|0 EOF");
+  Kept kept(bytes);
+  ASSERT_TRUE(kept.isLoaded);
+  getLayer(*kept.data, u"WALL")->setName(u"FACADE");
+  kept.data->getBlockTable().get(u"BOX")->setName(u"CRATE");
+  std::string expected = bytes;
+  for (const char* name : {"WALL", "Wall", "wall", "BOX", "box"})
+    for (std::size_t at; (at = expected.find(name)) != std::string::npos;)
+      expected.replace(at, std::string_view(name).size(),
+                       std::string_view(name).size() == 4 ? "FACADE" : "CRATE");
+  EXPECT_EQ(kept.saved(), expected);
+}

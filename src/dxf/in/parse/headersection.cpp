@@ -224,8 +224,7 @@ void HeaderSection::takeString(const zim::WString& name, const zim::WString& val
     m_codePageName = value;
     return takeCodePage();
   }
-  if (zim::equalsIgnoreCase(name, u"$HANDSEED"))
-    m_handleSeed = handleIn(value.view());
+  if (zim::equalsIgnoreCase(name, u"$HANDSEED")) m_handleSeed = handleIn(value.view());
   m_dimStyles.takeVariable(name, value);
   if (!m_in.semantor.shouldReadHeaders()) return;
   if (zim::equalsIgnoreCase(name, u"$CELTYPE")) m_curLtype = value;

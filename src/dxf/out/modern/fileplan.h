@@ -80,6 +80,9 @@ struct SavedSpace {
 
 /// A clipped insert that was written.
 struct SavedClip {
+  /// The insert must be clipped; the handles are still to be set.
+  explicit SavedClip(const CEntInsert& ent);
+
   Handle insert = 0, dictionary = 0, filters = 0, filter = 0;
   std::shared_ptr<const INSERT_CLIP> clip;
   PNT_2D base;  ///< by which the boundary is moved

@@ -12,10 +12,11 @@ void writeClassesSection(const FilePlan& plan, CFileDXFOWriter& out);
 void writeTablesSection(FilePlan& plan, CFileDXFOWriter& out);
 void writeObjectsSection(const FilePlan& plan, CFileDXFOWriter& out);
 
-// Single records of tables.
+// Single records of tables, and the objects of a clipped insert.
 void writeEntry(FilePlan& plan, CFileDXFOWriter& out, const CLayer& layer);
 void writeEntry(FilePlan& plan, CFileDXFOWriter& out, const CLtype& ltype);
 void writeEntry(FilePlan& plan, CFileDXFOWriter& out, const ListedStyle& style);
+void writeEntry(FilePlan& plan, CFileDXFOWriter& out, const SavedClip& clip);
 
 inline void beginSection(CFileDXFOWriter& out, const char* name) {
   out.writeEncoded(0, "SECTION");

@@ -22,13 +22,15 @@ void EntityRecords::visit(CEntFixedInsert& ent) {
   note(ReportCode::FixedInsert, "INSERT");
 }
 
-// Returns the handle of the dictionary that leads to the clip. Entities of blocks are relative to
-// the base point, so the boundary becomes so too.
-Handle EntityRecords::planClip(const CEntInsert& ent) {
+// Entities of blocks are relative to the base point, so the boundary becomes so too.
+SavedClip::SavedClip(const CEntInsert& ent) : clip(ent.getClip()), base(0, 0) {
   const CBlock& block = *ent.getBlock();
-  SavedClip saved;
-  saved.clip = ent.getClip();
-  saved.base = block.isXRef() ? PNT_2D(0, 0) : PNT_2D(block.getPnt());
+  if (!block.isXRef()) base = PNT_2D(block.getPnt());
+}
+
+// Returns the handle of the dictionary that leads to the clip.
+Handle EntityRecords::planClip(const CEntInsert& ent) {
+  SavedClip saved(ent);
   for (Handle* handle : {&saved.dictionary, &saved.filters, &saved.filter})
     *handle = m_plan.handles.takeEnd();
   m_plan.clips.push_back(saved);

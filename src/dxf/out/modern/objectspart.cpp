@@ -45,6 +45,7 @@ class ObjectsWriter {
     for (std::size_t i = 0; i < m_plan.spaces.size(); ++i) writeLayout(m_plan, m_out, i);
     for (const SavedClip& saved : m_plan.clips) writeClip(saved);
   }
+  void writeClip(const SavedClip& saved);
 
  private:
   void begin(const char* kind, Handle handle, Handle owner) {
@@ -73,7 +74,6 @@ class ObjectsWriter {
   void writeRoot();
   void writeLayoutDictionary();
   void writePlotStyles();
-  void writeClip(const SavedClip& saved);
   void writeMatrix();
 
   const FilePlan& m_plan;
@@ -135,6 +135,10 @@ void ObjectsWriter::writeMatrix() {
 }
 
 }  // namespace
+
+void writeEntry(FilePlan& plan, CFileDXFOWriter& out, const SavedClip& clip) {
+  ObjectsWriter(plan, out).writeClip(clip);
+}
 
 void writeObjectsSection(const FilePlan& plan, CFileDXFOWriter& out) {
   beginSection(out, "OBJECTS");
