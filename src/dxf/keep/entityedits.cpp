@@ -146,10 +146,11 @@ std::vector<SourceRecord> EntityEdits::writeWhole(const CEnt& ent) {
   return all;
 }
 
-// The content of a dimension's block is where the dimension is. Other dimensions keep theirs.
+// The content of a dimension's block is where the dimension is. Other dimensions keep theirs. An
+// insert of such a block is where its insertion point is.
 void EntityEdits::planBlockOf(Action& action, bool isCopy) {
   const CBlock* block = blockOf(*action.before);
-  if (!block || !block->isOfDimension()) return;
+  if (!block || !block->isOfDimension() || action.before->getRecord() == EntRecord::Own) return;
   const std::optional<SpaceMap> map = mapBetween(*action.before, *action.after);
   if (!map) return;
   if (isCopy || m_users[block] > 1) return planCopy(action, *block, *map);
