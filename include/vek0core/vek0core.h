@@ -113,6 +113,8 @@
 #include "vek0core/drawing/tableremapper.h"
 #include "vek0core/drawing/undostack.h"
 
+#include "vek0core/compare/comparison.h"
+
 #include "vek0core/dxf/in/audit.h"
 #include "vek0core/dxf/in/filedxfierror.h"
 #include "vek0core/dxf/in/filedxfilexer.h"

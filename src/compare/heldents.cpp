@@ -1,5 +1,7 @@
 #include "compare/heldents.h"
 
+#include <algorithm>
+
 #include "vek0core/drawing/data.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/blocks/blocktable.h"
@@ -16,16 +18,18 @@ HeldEnts::HeldEnts(const CData& data) {
     if ((isHatchName(block.getName()) && !block.isSheet()) || block.isOfRecord()) continue;
     for (unsigned k = 0; k < block.size(); ++k) add(*block[k], {&block, block.isSheet()});
   }
+  std::sort(m_places.begin(), m_places.end());
 }
 
 void HeldEnts::add(const CEnt& ent, const Container& container) {
-  m_places.emplace(ent.GetHandle(), m_all.size());
+  m_places.emplace_back(ent.GetHandle(), m_all.size());
   m_all.push_back({&ent, container});
 }
 
 const HeldEnt* HeldEnts::find(Handle handle) const {
-  const auto found = m_places.find(handle);
-  return found == m_places.end() ? nullptr : &m_all[found->second];
+  const auto found =
+      std::lower_bound(m_places.begin(), m_places.end(), std::pair(handle, std::size_t{0}));
+  return found == m_places.end() || found->first != handle ? nullptr : &m_all[found->second];
 }
 
 bool isSamePlace(const Container& a, const Container& b) {

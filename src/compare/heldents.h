@@ -1,7 +1,7 @@
 #pragma once
 
-#include <string>
-#include <unordered_map>
+#include <cstddef>
+#include <utility>
 #include <vector>
 
 #include "vek0core/tables/handle.h"
@@ -33,14 +33,14 @@ class HeldEnts {
   explicit HeldEnts(const CData& data);
 
   const std::vector<HeldEnt>& all() const { return m_all; }
-  /// Null if there is none.
+  /// The first of that handle; null if there is none.
   const HeldEnt* find(Handle handle) const;
 
  private:
   void add(const CEnt& ent, const Container& container);
 
   std::vector<HeldEnt> m_all;
-  std::unordered_map<Handle, std::size_t> m_places;
+  std::vector<std::pair<Handle, std::size_t>> m_places;  // sorted; files are nearly
 };
 
 /// Whether both are model space, sheets or blocks of the same name, in two drawings.

@@ -42,10 +42,12 @@ void CHandleManager::start(CData& data, vek0::Handle seed) {
   m_next = std::min(highest, kHighest) + 1;
   // Some programs state a seed that leaves no room.
   if (seed <= kHighest / 2) m_next = std::max(m_next, seed);
+  m_firstGiven = m_next;
   m_isStarted = true;
   try {
     startViewports(data);
     for (const CEnt* ent : without) reserve(ent);
+    m_endGiven = m_next;
   } catch (const std::bad_alloc&) {
     m_isStarted = false;
     throw;

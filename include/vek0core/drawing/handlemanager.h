@@ -27,6 +27,9 @@ class VEK0_API CHandleManager final : public IHandleGestor {
   /// entities may have got handles.
   void start(CData& data, vek0::Handle seed = 0);
 
+  /// Whether `start` gave this handle, so that it says nothing about the file.
+  bool isGiven(vek0::Handle handle) const { return m_firstGiven <= handle && handle < m_endGiven; }
+
   /// 0 before `start`.
   vek0::Handle bookNext() override;
   vek0::Handle bookHandle(vek0::Handle handle) override;
@@ -55,8 +58,9 @@ class VEK0_API CHandleManager final : public IHandleGestor {
   vek0::Handle free() const;
 
   bool m_isStarted = false;
-  vek0::Handle m_next = 1;    // above all handles that were ever used
-  vek0::Handle m_lowest = 1;  // all below are used
+  vek0::Handle m_next = 1;                        // above all handles that were ever used
+  vek0::Handle m_lowest = 1;                      // all below are used
+  vek0::Handle m_firstGiven = 0, m_endGiven = 0;  // by `start`
   std::unordered_map<vek0::Handle, Page> m_pages;
   std::unordered_map<vek0::Handle, vek0::Handle> m_origins;  // of copies
   Page* m_lastPage = nullptr;  // most handles are near the previous one

@@ -10,6 +10,7 @@
 #include "dxf/keep/fingerprint.h"
 #include "dxf/keep/sourceindex.h"
 #include "support/forms.h"
+#include "support/kept.h"
 #include "support/samples.h"
 #include "support/test.h"
 #include "vek0core/vek0core.h"
@@ -19,16 +20,6 @@ using vek0::detail::SourceIndex;
 using vek0::detail::SourceText;
 
 namespace {
-
-std::string bytesOf(const fs::path& path) {
-  std::ostringstream bytes;
-  bytes << std::ifstream(path, std::ios::binary).rdbuf();
-  return bytes.str();
-}
-
-struct Source {
-  std::string name, bytes;
-};
 
 // A sample in every form of a file.
 void addForms(std::vector<Source>& sources, const Source& sample) {
@@ -42,13 +33,6 @@ void addForms(std::vector<Source>& sources, const Source& sample) {
   sources.push_back({name + ", CR CR LF", withLineEnds(text, "\r\r\n")});
 }
 
-void addDrawings(std::vector<Source>& sources, const fs::path& folder) {
-  constexpr std::uintmax_t most = 500'000;
-  for (const auto& entry : fs::recursive_directory_iterator(folder))
-    if (entry.path().extension() == ".dxf" && entry.file_size() < most)
-      sources.push_back({entry.path().string(), bytesOf(entry.path())});
-}
-
 std::vector<Source> drawings() {
   std::vector<Source> sources;
   addDrawings(sources, vek0::test::samplePath());
@@ -57,31 +41,6 @@ std::vector<Source> drawings() {
   if (const char* corpus = std::getenv("VEK0_CORPUS")) addDrawings(sources, corpus);
   return sources;
 }
-
-// A drawing with its source in memory.
-struct Kept {
-  explicit Kept(const std::string& bytes)
-      : data(CDataFactory().createData(std::make_unique<CHandleManager>())),
-        source(std::make_unique<CFileMemory>(u"source", IFile::kRead, bytes)) {
-    CFileDXFIOptions options;
-    options.policy = CFileDXFIPolicy::forAnyFile();
-    options.policy.wholeRecords = true;
-    isLoaded = source.load(*data, nullptr, options).status == CFileDXFIResult::Done;
-  }
-  std::string saved(CDXFSource::Damage damage = CDXFSource::Damage::Kept) const {
-    CFileMemory file(u"out", IFile::kWrite);
-    EXPECT_EQ(source.save(*data, file, nullptr, damage), CDXFSource::Outcome::Saved);
-    return file.bytes();
-  }
-  std::vector<CEnt*> model() const {
-    const auto& list = data->getEntTable().getEntityTbl();
-    return {list.begin(), list.end()};
-  }
-
-  CDataPtr data;
-  CDXFSource source;
-  bool isLoaded = false;
-};
 
 // Whether the extents follow from the geometry alone: those of turned inserts cover the turned box,
 // those of hatches their lines, and infinite lines are as long as their direction.
