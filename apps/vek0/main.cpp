@@ -69,7 +69,13 @@ bool isUnknownVerb(const CLI::App& app, const std::string& word) {
   return true;
 }
 
-int parseAndRun(std::vector<std::string> arguments) {
+// What the process exits with, after that failure.
+int exitCode(const Session& session, Failure failure) {
+  if (!session.answer) return failure;
+  return failure == kNoFailure ? *session.answer : kWrongUsage;
+}
+
+int parseAndRun(std::vector<std::string> arguments, Session& session) {
   CLI::App app{
       "vek0 reads, describes, draws, edits, merges and writes DXF drawings.\n\n"
       "Examples:\n"
@@ -81,7 +87,6 @@ int parseAndRun(std::vector<std::string> arguments) {
   app.set_help_all_flag("--help-all", "Print the help of every command and exit");
   app.require_subcommand(1);
   app.fallthrough();
-  Session session;
   session.onMessage = printMessage;
   session.onRead = withProgress;
   app.add_flag("-q,--quiet", session.quiet, "Print only errors");
@@ -89,6 +94,7 @@ int parseAndRun(std::vector<std::string> arguments) {
   addInfoCommand(app, session);
   addListCommand(app, session);
   addCheckCommand(app, session);
+  addDiffCommand(app, session);
   addConvertCommand(app, session);
   addImportCommand(app, session);
   addEditCommand(app, session);
@@ -99,7 +105,7 @@ int parseAndRun(std::vector<std::string> arguments) {
   addXrefsCommand(app, session);
   app.footer(
       "Exit codes: 0 success, 1 a drawing failed, 2 wrong usage, 3 an output could not be "
-      "written.");
+      "written.\nOf diff: 0 equal, 1 different, 2 any failure.");
 
   if (!arguments.empty() && arguments[0] == "help") {
     arguments.erase(arguments.begin());
@@ -121,12 +127,13 @@ int parseAndRun(std::vector<std::string> arguments) {
     print(help.str());
     return kNoFailure;
   }
-  return session.worst;
+  return exitCode(session, session.worst);
 }
 
 }  // namespace
 
 int runTool(const std::vector<std::string>& arguments) {
+  Session session;
   try {
     initCore();
 #ifdef VEK0_RENDER
@@ -135,14 +142,14 @@ int runTool(const std::vector<std::string>& arguments) {
     setAssertHandler(reportAssertion);
     removeOutputsOnInterruption();
     CFontTable::getInstance().addPlainDefault();
-    const int code = parseAndRun(arguments);
+    const int code = parseAndRun(arguments, session);
     shutdownCore();
     if (flushOutput()) return code;
     printMessage("cannot write to the standard output", "");
-    return kOutputFailed;
+    return exitCode(session, kOutputFailed);
   } catch (const std::exception& problem) {
     printMessage(problem.what(), "");
-    return kDrawingFailed;
+    return exitCode(session, kDrawingFailed);
   }
 }
 

@@ -116,7 +116,7 @@ bool Walker::beginAsFirst(CEnt& ent) {
         // Layer, color and traits are part of the key, because entities on layer 0 inherit them.
         << reinterpret_cast<std::uintptr_t>(m_stack.ResolveLayer(ent))
         << static_cast<std::uint64_t>(m_stack.ResolveColor(ent))
-        << keyOf(m_stack.ResolveTraits(ent));
+        << keyOf(m_stack.ResolveTraits(ent)) << reinterpret_cast<std::uintptr_t>(m_mark);
   auto found = m_firsts.find(mixer.key());
   if (found == m_firsts.end()) {
     // Bounds the memory; the entries can be found again.
@@ -164,7 +164,8 @@ bool Walker::isDrawnAlready(const CBlock& block) {
   mixer << block.getSerial() << m_out.epoch()
         << reinterpret_cast<std::uintptr_t>(m_stack.GetCurLayer())
         << reinterpret_cast<std::uintptr_t>(m_stack.GetCurLtype())
-        << static_cast<std::uint64_t>(m_stack.GetCurColor()) << keyOf(m_stack.GetCurTraits());
+        << static_cast<std::uint64_t>(m_stack.GetCurColor()) << keyOf(m_stack.GetCurTraits())
+        << reinterpret_cast<std::uintptr_t>(m_mark);
   const PNT_3D corners[] = {
       box.min, {box.max.x, box.min.y, box.min.z}, {box.min.x, box.max.y, box.min.z}, box.max};
   for (const PNT_3D& corner : corners) {

@@ -89,7 +89,7 @@ void Walker::drawArray(CEntInsertBase& ent, const Cells& array) {
   const double seen = static_cast<double>(rows.count()) *
                       static_cast<double>(cells.columns((rows.first + rows.last) / 2).count());
   m_isCoarse = m_isCoarse || isScarce(m_boxes.sum(*ent.getBlock()).all * seen);
-  if (isCoarse() && drawCoarseArray(ent, array)) return;
+  if (isCoarse() && !isCarrier() && drawCoarseArray(ent, array)) return;
   for (long row = rows.first; row <= rows.last && !m_out.look();) {
     const IndexRange columns = cells.columns(row);
     for (long column = columns.first; column <= columns.last && !m_out.isCut();) {

@@ -102,10 +102,31 @@ bool Walker::isShown(const CEnt& ent) const {
 
 void Walker::draw(CEnt& ent) {
   if (m_out.look() || !isShown(ent)) return;
+  if (m_options.marks)
+    drawMarked(ent);
+  else
+    drawShown(ent);
+}
+
+void Walker::drawMarked(CEnt& ent) {
+  const RGB_COLOR* const outer = m_mark;
+  if (!outer) {
+    const auto found = m_options.marks->colors.find(&ent);
+    if (found != m_options.marks->colors.end()) m_mark = &found->second;
+  }
+  const bool showsOthers = ent.getEntInsert() && ent.getType() != CEntHatch::kType;
+  if (!isCarrier() || showsOthers) drawShown(ent);
+  m_mark = outer;
+}
+
+void Walker::drawShown(CEnt& ent) {
   const RECT_2D box = m_place.apply(m_boxes.of(ent, m_pixelSize));
   if (!reaches(ent, box) || isSkipped(ent, box)) return;
   const bool unfolds = m_out.isUnfolding() || ent.getEntInsert();
-  if (unfolds && isCoarse() && isSmall(box)) return drawSpeck(ent, middleOf(box));
+  if (unfolds && isCoarse() && isSmall(box)) {
+    if (!isCarrier()) drawSpeck(ent, middleOf(box));
+    return;
+  }
   begin(ent);
   ent.accept(*this);
 }
@@ -159,6 +180,8 @@ void Walker::begin(const CEnt& ent) {
 RGB_COLOR Walker::colorOf(const CEnt& ent, const ENT_TRAITS& traits) const {
   constexpr int foreground = 7;
   const RGB_COLOR& background = m_options.background;
+  if (m_mark) return *m_mark;
+  if (m_options.marks && m_options.marks->rest) return *m_options.marks->rest;
   if (m_options.colors == DrawColors::Mono) return paletteColor(foreground, background);
   const RGB_COLOR color = traits.hasTrueColor()
                               ? unpackColor(static_cast<long>(traits.trueColor))

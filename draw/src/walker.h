@@ -94,6 +94,10 @@ class Walker final : public IEntVisitor, private IPatternSink {
   bool narrowWindow(const std::vector<PNT_2D>& boundary);
   bool isShown(const CEnt& ent) const;
   void draw(CEnt& ent);
+  void drawMarked(CEnt& ent);
+  void drawShown(CEnt& ent);
+  /// Whether the current entity is drawn only for the marked ones that it may show.
+  bool isCarrier() const { return m_options.marks && !m_mark && !m_options.marks->rest; }
   bool isSkipped(const CEnt& ent, const RECT_2D& box);
   void begin(const CEnt& ent);
 
@@ -187,7 +191,8 @@ class Walker final : public IEntVisitor, private IPatternSink {
 
   const CData& m_data;
   const DRAW_OPTIONS& m_options;
-  const Layers* m_frozen = nullptr;  // hidden in addition to those of the drawing; null for none
+  const RGB_COLOR* m_mark = nullptr;  // of the marked entity that is being drawn; null for none
+  const Layers* m_frozen = nullptr;   // hidden in addition to those of the drawing; null for none
   BlockTrees* const m_blocks;
   ShownBoxes& m_boxes;
   Emitter m_out;

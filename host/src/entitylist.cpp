@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <optional>
 
 #include "vek0host/entitycounts.h"
 #include "vek0host/propertytext.h"
@@ -28,21 +27,6 @@ bool isHiddenByFlag(const CEnt& ent, bool isInBlock) {
   if (ent.getType() != CEntAttdef::kType) return false;
   return isInBlock ||
          (static_cast<const CEntAttdef&>(ent).getFlags() & CEntAttrib::kInvisible) != 0;
-}
-
-// The text; of a record with several, the lines.
-std::optional<std::string> textOf(const CEnt& ent) {
-  const short type = ent.getType();
-  const bool isText =
-      type == CEntText::kType || type == CEntAttdef::kType || type == CEntAttrib::kType;
-  if (isText) return static_cast<const CEntText&>(ent).getText().getContext().getString().toUtf8();
-  const CEntInsertBase* insert = ent.getEntInsert();
-  const CBlock* pieces = insert ? insert->getBlock() : nullptr;
-  if (!pieces || !pieces->isOfRecord()) return std::nullopt;
-  std::optional<std::string> lines;
-  for (unsigned i = 0; i < pieces->size(); ++i)
-    if (const auto line = textOf(*(*pieces)[i])) lines = lines ? *lines + "\n" + *line : *line;
-  return lines;
 }
 
 class Lister {
@@ -94,6 +78,20 @@ class Lister {
 };
 
 }  // namespace
+
+std::optional<std::string> textOf(const CEnt& ent) {
+  const short type = ent.getType();
+  const bool isText =
+      type == CEntText::kType || type == CEntAttdef::kType || type == CEntAttrib::kType;
+  if (isText) return static_cast<const CEntText&>(ent).getText().getContext().getString().toUtf8();
+  const CEntInsertBase* insert = ent.getEntInsert();
+  const CBlock* pieces = insert ? insert->getBlock() : nullptr;
+  if (!pieces || !pieces->isOfRecord()) return std::nullopt;
+  std::optional<std::string> lines;
+  for (unsigned i = 0; i < pieces->size(); ++i)
+    if (const auto line = textOf(*(*pieces)[i])) lines = lines ? *lines + "\n" + *line : *line;
+  return lines;
+}
 
 std::string listEntities(const CData& data, const std::string& place, Selection selection,
                          const std::function<void(const ListedEntity&)>& show) {

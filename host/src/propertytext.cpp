@@ -2,10 +2,10 @@
 
 #include <cmath>
 
+#include "vek0host/textvalues.h"
+
 namespace vek0::host {
 namespace {
-
-Json pointToJson(const PNT_3D& p) { return Json::array({p.x, p.y, p.z}); }
 
 bool isFinite(const PNT_3D& p) {
   return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
@@ -28,6 +28,31 @@ double weightInMm(const CData& data, short weight) {
 std::string ltypeName(const CLtype* ltype) {
   return ltype ? ltype->getFullName().toUtf8() : std::string("Continuous");
 }
+
+Json ownColorToJson(const CEnt& ent) {
+  const ENT_TRAITS& traits = ent.getTraits();
+  if (!traits.hasTrueColor()) return ent.getColor();
+  return colorText(unpackColor(static_cast<long>(traits.trueColor)));
+}
+
+Json ownWeightToJson(const CEnt& ent) {
+  constexpr double hundredths = 100;
+  const short weight = ent.getTraits().lineweight;
+  if (weight == ENT_TRAITS::kWeightByLayer) return "BYLAYER";
+  if (weight == ENT_TRAITS::kWeightByBlock) return "BYBLOCK";
+  if (weight == ENT_TRAITS::kWeightDefault) return "DEFAULT";
+  return weight / hundredths;
+}
+
+Json ownTransparencyToJson(const CEnt& ent) {
+  constexpr double opaque = ENT_TRAITS::kOpaque;
+  const short opacity = ent.getTraits().opacity;
+  if (opacity == ENT_TRAITS::kOpacityByLayer) return "BYLAYER";
+  if (opacity == ENT_TRAITS::kOpacityByBlock) return "BYBLOCK";
+  return 1 - opacity / opaque;
+}
+
+Json pointToJson(const PNT_3D& p) { return Json::array({p.x, p.y, p.z}); }
 
 Json extentsToJson(const RECT_3D& box) {
   if (!box.validRegion() || !isFinite(box.min) || !isFinite(box.max)) return nullptr;

@@ -4,10 +4,10 @@
 #include <filesystem>
 #include <memory>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
+#include "partnames.h"
 #include "vek0core/view/wndvpt.h"
 #include "vek0draw/draw.h"
 #include "vek0draw/layoutdrawing.h"
@@ -30,6 +30,8 @@ using namespace host;
 namespace {
 
 constexpr double kPixelsPerPoint = 600;  // about a microsecond each
+// Of differences.
+constexpr RGB_COLOR kSame{200, 200, 200}, kRemoved{220, 20, 20}, kAdded{0, 150, 40};
 constexpr double kLeastPointPixels = 3;  // or points would hardly be seen
 // The layouts of a drawing together may take as long as so many of the largest.
 constexpr std::size_t kLargestPages = 4;
@@ -83,58 +85,6 @@ std::string joined(const std::vector<std::string>& names) {
   return text;
 }
 
-std::string stemOf(const std::string& path) {
-  const std::u8string stem = toPath(path).stem().u8string();
-  return std::string(stem.begin(), stem.end());
-}
-
-// The files of pictures that show parts of a drawing: the output's name, with that of the part.
-class PartNames {
- public:
-  PartNames(const std::string& out, const char* extension)
-      : m_folder(toPath(out).parent_path()), m_stem(stemOf(out)), m_extension(extension) {}
-
-  // Each call returns another name.
-  std::string next(const zim::WString& part) {
-    // Names may have 255 bytes, of which number and extension need a few.
-    constexpr std::size_t kMostForBoth = 235, kMostForPart = 100;
-    // At least some room remains for the part, even with a very long file name.
-    const std::size_t room = kMostForBoth - std::min(kMostForBoth, m_stem.size());
-    const std::string wanted = m_stem + "-" + fileName(part.toUtf8(), std::min(kMostForPart, room));
-    std::string stem = wanted;
-    const auto [known, isNew] = m_names.try_emplace(wanted, 1);
-    // Numbers that are taken are not tried again: many layouts may have the same name.
-    for (int& number = known->second; !isNew;) {
-      stem = wanted + "-" + std::to_string(++number);
-      if (m_names.try_emplace(stem, 1).second) break;
-    }
-    const std::u8string file = (m_folder / toPath(stem + "." + m_extension)).u8string();
-    return std::string(file.begin(), file.end());
-  }
-
- private:
-  // A name without characters invalid in file names; long names are cut between characters.
-  static std::string fileName(std::string name, std::size_t most) {
-    if (name.size() > most) {
-      std::size_t end = most;
-      // Bytes 10xxxxxx continue a UTF-8 character.
-      while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80) --end;
-      name.resize(end);
-    }
-    for (char& c : name) {
-      if (static_cast<unsigned char>(c) < ' ' ||
-          std::string("/\\:*?\"<>|").find(c) != std::string::npos) {
-        c = '_';
-      }
-    }
-    return name;
-  }
-
-  std::filesystem::path m_folder;
-  std::string m_stem, m_extension;
-  std::unordered_map<std::string, int> m_names;  // with the last number appended to each
-};
-
 // Renders drawings one after the other; failures go to the session.
 class Renderer {
  public:
@@ -171,6 +121,40 @@ class Renderer {
     } else {
       draw(*data, {{picture, nullptr, m_drawOptions}}, out, true);
     }
+  }
+
+  // The old state is drawn over the new one, which has all that is the same.
+  void renderDifferences(CData& before, CData& after, const COMPARISON& comparison,
+                         const std::string& in, const std::string& out) {
+    for (CData* data : {&before, &after}) {
+      if (m_options.withReferences) readReferences(*data, in);
+      m_fonts.adopt(*data);
+    }
+    RECT_2D extents = shownExtents(before, *m_projector, m_drawOptions);
+    const RECT_2D now = shownExtents(after, *m_projector, m_drawOptions);
+    if (!extents.validRegion())
+      extents = now;
+    else if (now.validRegion())
+      extents.updateRegion(now);
+    PICTURE_OPTIONS layout = m_options.picture;
+    const PICTURE picture = layOutIn(after, in, layout, extents);
+    if (!picture.error.empty()) return fail(kWrongUsage, in + ": " + picture.error);
+    DRAW_MARKS added{{}, kSame}, removed;
+    for (const CEnt* ent : comparison.added) added.colors[ent] = kAdded;
+    for (const CEnt* ent : comparison.removed) removed.colors[ent] = kRemoved;
+    for (const std::vector<ENT_CHANGE>* changes : {&comparison.moved, &comparison.changed})
+      for (const ENT_CHANGE& change : *changes) {
+        added.colors[change.after] = kAdded;
+        removed.colors[change.before] = kRemoved;
+      }
+    write(picture.sheet, out, true, [&](SheetPainter& painter, DRAW_RESULT& result) {
+      Page page{picture, nullptr, m_drawOptions};
+      page.options.marks = &added;
+      result += draw(after, page, painter);
+      page.options.marks = &removed;
+      result += draw(before, page, painter);
+      return true;
+    });
   }
 
  private:
@@ -308,17 +292,29 @@ class Renderer {
   // At least one page; several only of a format that has pages.
   void draw(const CData& data, const std::vector<Page>& pages, const std::string& out,
             bool evenEmpty) {
+    const auto drawPages = [&](SheetPainter& painter, DRAW_RESULT& result) {
+      bool written = true;
+      for (std::size_t i = 0; i < pages.size() && written; ++i) {
+        written = i == 0 || painter.nextPage(pages[i].picture.sheet);
+        if (written) result += draw(data, pages[i], painter);
+      }
+      return written;
+    };
+    write(pages[0].picture.sheet, out, evenEmpty, drawPages);
+  }
+
+  // `drawPages` returns whether the pages could be written.
+  template <class DrawPages>
+  void write(const SHEET& first, const std::string& out, bool evenEmpty,
+             const DrawPages& drawPages) {
     OutputFile output(out, m_options.force, OutputFile::Bytes);
     if (!output.error().empty()) return fail(kOutputFailed, output.error());
     IFile& file = output.file();
     DRAW_RESULT result;
     bool written = file.open();
     if (written) {
-      const auto painter = makePainter(m_options, file, pages[0].picture.sheet, m_fonts);
-      for (std::size_t i = 0; i < pages.size() && written; ++i) {
-        written = i == 0 || painter->nextPage(pages[i].picture.sheet);
-        if (written) result += draw(data, pages[i], *painter);
-      }
+      const auto painter = makePainter(m_options, file, first, m_fonts);
+      written = drawPages(*painter, result);
       // The painter writes the rest of the document, so its success counts as well.
       written = painter->finish() && written && !file.fail();
       file.close();
@@ -420,6 +416,12 @@ class Renderer {
 void renderDrawing(const std::string& in, const std::string& out, const RenderOptions& options,
                    Session& session) {
   Renderer(options, session).render(in, out);
+}
+
+void renderDifferences(CData& before, CData& after, const COMPARISON& comparison,
+                       const std::string& in, const std::string& out, const RenderOptions& options,
+                       Session& session) {
+  Renderer(options, session).renderDifferences(before, after, comparison, in, out);
 }
 
 void renderDrawings(const std::vector<std::string>& files, const std::string& target,

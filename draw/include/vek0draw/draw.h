@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
+#include <unordered_map>
 
 #include "vek0core/drawing/data.h"
 #include "vek0core/tables/enttraits.h"
@@ -24,11 +26,21 @@ struct DRAW_WEIGHTS {
   double widest() const { return widthOf(ENT_TRAITS::kWidestWeight / 100.0); }
 };
 
+/// Entities that stand out from the rest.
+struct DRAW_MARKS {
+  /// The colors of these entities, with all that they show.
+  std::unordered_map<const CEnt*, RGB_COLOR> colors;
+  /// The color of all others; nothing: they are not drawn.
+  std::optional<RGB_COLOR> rest;
+};
+
 /// Options for rendering a drawing.
 struct DRAW_OPTIONS {
   /// Color 7 is black or white, whichever contrasts with it.
   RGB_COLOR background{255, 255, 255};
   DrawColors colors = DrawColors::Keep;
+  /// Borrowed; null: no entity stands out. Overrides `colors`.
+  const DRAW_MARKS* marks = nullptr;
   DRAW_WEIGHTS weights;
   /// Maximum deviation of chords from their curve, in device units.
   double chordError = 0.1;

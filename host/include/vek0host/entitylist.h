@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "vek0core/vek0core.h"
@@ -36,6 +37,9 @@ std::string listEntities(const CData& data, const std::string& place, Selection 
 /// "linetype_scale", "transparency", "visible", "extents", "text"}, for attributes also "of".
 /// "block" is that of an insert, "text" that of a text, both else null.
 Json toJson(const ListedEntity& entity);
+
+/// The text of an entity, the lines of a record with several; nothing for other kinds.
+std::optional<std::string> textOf(const CEnt& ent);
 
 /// The columns of the table, and the line for an entity, with line breaks.
 std::string tableHead();

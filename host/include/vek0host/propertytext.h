@@ -16,6 +16,16 @@ double weightInMm(const CData& data, short weight);
 /// The full name of a linetype; null is Continuous.
 std::string ltypeName(const CLtype* ltype);
 
+/// The color that an entity has itself: its number, or "#rrggbb".
+Json ownColorToJson(const CEnt& ent);
+/// The lineweight that it has itself: "BYLAYER", "BYBLOCK", "DEFAULT" or millimeters.
+Json ownWeightToJson(const CEnt& ent);
+/// The transparency that it has itself: "BYLAYER", "BYBLOCK", or 0, opaque, to 1.
+Json ownTransparencyToJson(const CEnt& ent);
+
+/// [x, y, z].
+Json pointToJson(const PNT_3D& p);
+
 /// {"min": [x, y, z], "max": [x, y, z]}; null for an empty box or one that is not finite.
 Json extentsToJson(const RECT_3D& box);
 

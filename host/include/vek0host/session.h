@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "vek0core/files/file.h"
@@ -33,6 +34,8 @@ struct Session {
   bool readsTwice = false;  ///< the content of a pipe must be kept in memory
   ReadOptions reading;
   Failure worst = kNoFailure;
+  /// Set by verbs whose exit code answers a question: 0 or 1. Any failure is then `kWrongUsage`.
+  std::optional<int> answer;
 
   /// Receives every message; while it is empty, messages are dropped. A message is one sentence
   /// and may contain any character; `details` are complete lines below it, in which `visible` has

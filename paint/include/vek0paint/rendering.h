@@ -4,9 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "vek0core/compare/comparison.h"
 #include "vek0host/references.h"
 #include "vek0host/session.h"
 #include "vek0paint/picture.h"
+
+class CData;
 
 namespace vek0::paint {
 
@@ -33,6 +36,13 @@ struct RenderOptions {
 /// whatever the picture lacks to the session.
 void renderDrawing(const std::string& in, const std::string& out, const RenderOptions& options,
                    host::Session& session);
+
+/// Renders the differences between two drawings: what is the same in light gray, what is removed or
+/// was otherwise before in red, what is added or is otherwise now in green. The drawings take over
+/// fonts for their pictures. `in` is the name of the second one, for messages.
+void renderDifferences(CData& before, CData& after, const COMPARISON& comparison,
+                       const std::string& in, const std::string& out, const RenderOptions& options,
+                       host::Session& session);
 
 /// Renders each drawing to a file of its name in the folder `target`, which is created if
 /// necessary.
