@@ -44,6 +44,7 @@ SourceIndex::SourceIndex(const SourceText& text) : m_text(text), m_end(text.byte
     // Damaged files have negative codes, too.
     if (code != 0) {
       if (!m_entries.empty()) takePair(m_entries.back(), code, lexer.getBytes(), isInGroup);
+      if (m_entries.empty() && code == 2) beginSection(lexer.getBytes());
       continue;
     }
     if (!m_entries.empty()) place(m_entries.back());
@@ -79,7 +80,8 @@ void SourceIndex::takePair(SourceEntry& entry, long code, std::string_view value
   }
   if (code == 330 && entry.owner == 0) entry.owner = handle();
   if (code == 67) entry.isOnPaper = parseLong(value) != 0;
-  const bool isNamed = m_section <= SourceSection::Blocks || isSection;
+  const bool isNamed = m_section <= SourceSection::Blocks || m_isBetween || isSection ||
+                       m_names[entry.kind] == "ENDSEC";
   if (code == 2 && entry.name == 0 && isNamed) entry.name = intern(value);
 }
 
@@ -87,14 +89,23 @@ void SourceIndex::takePair(SourceEntry& entry, long code, std::string_view value
 void SourceIndex::place(SourceEntry& entry) {
   const std::string& kind = m_names[entry.kind];
   const auto index = static_cast<std::uint32_t>(m_entries.size() - 1);
-  if (kind == "SECTION") {
-    m_section = sectionOf(m_names[entry.name]);
-    m_hasSections = true;
-  }
-  if (kind == "SECTION" || kind == "TABLE" || kind == "BLOCK") m_group = index;
+  const bool isSection = kind == "SECTION";
+  if (isSection) m_section = SourceSection::Other;
+  m_hasSections = m_hasSections || isSection;
+  if (isSection || m_isBetween) m_isBetween = !beginSection(m_names[entry.name]) && !isSection;
+  if (isSection || kind == "TABLE" || kind == "BLOCK") m_group = index;
   entry.section = m_section;
   entry.group = m_group;
+  if (kind == "ENDSEC") m_isBetween = !beginSection(m_names[entry.name]);
   if (entry.handle != 0) m_handles[entry.handle] = index;
+}
+
+// As for the reader, the name says enough where the line that begins a section is damaged.
+bool SourceIndex::beginSection(std::string_view name) {
+  const SourceSection section = sectionOf(upperCase(name));
+  if (section == SourceSection::Other) return false;
+  m_section = section;
+  return m_hasSections = true;
 }
 
 std::uint32_t SourceIndex::intern(std::string_view name) {

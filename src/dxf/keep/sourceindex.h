@@ -79,6 +79,7 @@ class SourceIndex {
  private:
   void takePair(SourceEntry& entry, long code, std::string_view value, bool& isInGroup);
   void place(SourceEntry& entry);
+  bool beginSection(std::string_view name);
   std::uint32_t intern(std::string_view name);
 
   const SourceText& m_text;
@@ -91,6 +92,7 @@ class SourceIndex {
   bool m_isCut = false;
   bool m_isSound = true;
   bool m_hasSections = false;
+  bool m_isBetween = false;  // behind the end of a section
   SourceSection m_section = SourceSection::Entities;  // of a file that begins in the middle
   std::uint32_t m_group = 0;
   std::uint32_t m_lastId = 0;
