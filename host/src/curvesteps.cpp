@@ -31,7 +31,14 @@ StepOutcome explode(Editing& editing) {
   const std::string problem = leaveUnsupported(editing, true, "exploded", ents, unsupported);
   if (!problem.empty()) return StepOutcome::failed(problem);
   std::size_t exploded = 0, parts = 0;
-  for (CEnt* ent : ents) {
+  auto next = ents.begin();
+  for (CEnt* ent : editing.chosen) {
+    // What is left stays selected.
+    if (next == ents.end() || *next != ent) {
+      chosen.push_back(ent);
+      continue;
+    }
+    ++next;
     ent->accept(exploder);
     if (exploder.isRefused())
       return StepOutcome::failed("more than " + std::to_string(CEntExploderVisitor::kLimit) +

@@ -96,8 +96,7 @@ bool CTableRemapper::remapEnt(CEnt& ent, CUndoStack* undo) {
     return replacementOf(m_styles, e.getStyle()) != nullptr;
   };
   const auto hasItem = [this](const CEnt& e) {
-    return replacementOf(m_layers, e.getLayer()) != nullptr ||
-           replacementOf(m_ltypes, e.getLtype()) != nullptr;
+    return layerFor(e) != nullptr || ltypeFor(e) != nullptr;
   };
   bool ofAttribs = false, restyled = hasStyle(ent);
   vek0::detail::forEveryAttrib(ent, [&](CEntAttrib& attrib) {
@@ -126,9 +125,23 @@ bool CTableRemapper::remapEnt(CEnt& ent, CUndoStack* undo) {
 void CTableRemapper::replace(CEnt& ent) {
   std::optional<UncountedEdit> edit;
   if (UncountedEdit::isFor(ent.getOwnerBlock())) edit.emplace(ent);
-  if (CLayer* layer = replacementOf(m_layers, ent.getLayer())) ent.setLayer(layer);
-  if (CLtype* ltype = replacementOf(m_ltypes, ent.getLtype())) ent.setLtype(ltype);
+  if (CLayer* layer = layerFor(ent)) ent.setLayer(layer);
+  if (CLtype* ltype = ltypeFor(ent)) ent.setLtype(ltype);
   if (CStyle* style = replacementOf(m_styles, ent.getStyle())) ent.setStyle(style);
+}
+
+// The pieces of a record are on layer 0, and have the linetype BYBLOCK, where the record has said
+// nothing about them: they follow it.
+CLayer* CTableRemapper::layerFor(const CEnt& ent) const {
+  const CBlock* owner = ent.getOwnerBlock();
+  const bool follows = owner && owner->isOfRecord() && ent.getLayer() == &m_data.getLayer0();
+  return follows ? nullptr : replacementOf(m_layers, ent.getLayer());
+}
+
+CLtype* CTableRemapper::ltypeFor(const CEnt& ent) const {
+  const CBlock* owner = ent.getOwnerBlock();
+  const bool follows = owner && owner->isOfRecord() && ent.getLtype()->isByBlock();
+  return follows ? nullptr : replacementOf(m_ltypes, ent.getLtype());
 }
 
 bool CTableRemapper::isAffected(const VIEWPORT& viewport) const {

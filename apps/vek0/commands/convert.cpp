@@ -8,6 +8,7 @@
 #include "vek0host/hatching.h"
 #include "vek0host/linetypefile.h"
 #include "vek0host/saving.h"
+#include "vek0host/textvalues.h"
 #include "vek0host/units.h"
 
 namespace vek0::tool {
@@ -19,6 +20,7 @@ struct ConvertOptions {
   std::string toUnits, fromUnits;
   std::string hatch = "lines";
   std::string target = "r12";
+  bool leaveUnsupported = false;
   SaveOptions save;
 };
 
@@ -27,9 +29,25 @@ bool addAllLinetypes(CData& data, const ConvertOptions& options, Session& sessio
                      [&](const std::string& path) { return addLinetypes(data, path, session); });
 }
 
+// The first entity that cannot be scaled; null if there is none.
+const CEnt* findUnsupported(const CData& data) {
+  const CEnt* first = nullptr;
+  forEachEnt(data, [&first](const CEnt& ent) {
+    if (!first && ent.getRecord() == EntRecord::Opaque) first = &ent;
+  });
+  return first;
+}
+
 bool changeUnits(CData& data, const ConvertOptions& options, long stated, Session& session) {
-  if (options.toUnits.empty() || convertUnits(data, stated, options.fromUnits, options.toUnits))
-    return true;
+  if (options.toUnits.empty()) return true;
+  const CEnt* unsupported = options.leaveUnsupported ? nullptr : findUnsupported(data);
+  if (unsupported) {
+    session.fail(kDrawingFailed, options.in + ": " + opaqueKindOf(*unsupported).toUtf8() + " " +
+                                     hexText(unsupported->GetHandle()) +
+                                     " cannot be scaled; --leave-unsupported leaves it as it is");
+    return false;
+  }
+  if (convertUnits(data, stated, options.fromUnits, options.toUnits)) return true;
   session.fail(kDrawingFailed,
                options.in + ": the drawing does not state its unit; use --from-units");
   return false;
@@ -90,6 +108,10 @@ void addConvertCommand(CLI::App& app, Session& session) {
                    "Unit of the drawing, overriding the one that the file states")
       ->check(CLI::IsMember(unitNames()))
       ->type_name("UNIT")
+      ->needs(toUnits);
+  verb->add_flag("--leave-unsupported", options->leaveUnsupported,
+                 "Leave entities that cannot be scaled, such as 3DSOLID and IMAGE, as they are; "
+                 "otherwise --to keep refuses them")
       ->needs(toUnits);
   verb->add_option("--hatch", options->hatch,
                    "Write patterned hatches as the lines of their patterns (from 2000 on as "

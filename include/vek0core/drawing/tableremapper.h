@@ -52,6 +52,8 @@ class VEK0_API CTableRemapper {
   bool remapTexts(CLtype& ltype, CUndoStack* undo);
   bool remapEnt(CEnt& ent, CUndoStack* undo);
   void replace(CEnt& ent);
+  CLayer* layerFor(const CEnt& ent) const;
+  CLtype* ltypeFor(const CEnt& ent) const;
 
   CData& m_data;
   std::map<CLayer*, CLayer*> m_layers;

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <algorithm>
+#include <functional>
+#include <iterator>
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "dxf/keep/recordwriter.h"
 #include "dxf/keep/renames.h"
@@ -13,6 +16,28 @@
 #include "vek0core/files/textcodec.h"
 
 namespace vek0::detail {
+
+/// The records of entities. Entities are added first and then looked up.
+class EntryMap {
+ public:
+  void add(const CEnt& ent, std::size_t entry) { m_pairs.emplace_back(&ent, entry); }
+  /// Among those of an entity, the last counts: the earlier ones were those of a dropped entity.
+  void sort() { std::stable_sort(m_pairs.begin(), m_pairs.end(), isBefore); }
+  /// `SourceIndex::kNone` if the entity has none.
+  std::size_t find(const CEnt* ent) const {
+    const auto after = std::upper_bound(m_pairs.begin(), m_pairs.end(), Pair(ent, 0), isBefore);
+    const bool isFound = after != m_pairs.begin() && std::prev(after)->first == ent;
+    return isFound ? std::prev(after)->second : SourceIndex::kNone;
+  }
+
+ private:
+  using Pair = std::pair<const CEnt*, std::size_t>;
+  static bool isBefore(const Pair& a, const Pair& b) {
+    return std::less<const CEnt*>()(a.first, b.first);
+  }
+
+  std::vector<Pair> m_pairs;
+};
 
 /// What the steps of saving an edited source share: both drawings, the source and its edits.
 struct EditContext {
@@ -31,9 +56,9 @@ struct EditContext {
   Renames renames{};
   SourceEdits edits;
   SourceVersion version;
-  CTextDecoder decoder{};                                ///< of the texts of the source
-  std::unique_ptr<RecordWriter> before, after;           ///< of the pristine drawing; of the other
-  std::unordered_map<const CEnt*, std::size_t> entries;  ///< of the pristine entities
+  CTextDecoder decoder{};                       ///< of the texts of the source
+  std::unique_ptr<RecordWriter> before, after;  ///< of the pristine drawing; of the other
+  EntryMap entries;                             ///< of the pristine entities
 
   /// The handle of a new entity: its own, unless something in the file has that.
   Handle handleFor(const CEnt& ent) {

@@ -27,12 +27,13 @@ bool readPristine(EditContext& on, const CFileDXFIOptions& options) {
   CFileDXFIOptions noting = options;
   noting.onEntity = [&on](const CEnt& ent, long line) {
     const std::size_t entry = on.index.atLine(line);
-    if (entry != SourceIndex::kNone) on.entries.insert_or_assign(&ent, entry);
+    if (entry != SourceIndex::kNone) on.entries.add(ent, entry);
   };
   BytesFile file(on.text.bytes());
   CFileDXFIError error;
   const CFileDXFIResult result = loadDXF(*on.pristine, file, &error, noting);
   if (result.status != CFileDXFIResult::Done) return false;
+  on.entries.sort();
   manager.start(*on.pristine, result.handleSeed);
   const std::string version = result.version.toUtf8();
   on.version = SourceVersion::of(version);
@@ -68,6 +69,7 @@ bool saveEdited(const CData& data, std::string source, const CFileDXFIOptions& o
   header.planVariables();
   entities.plan();
   items.plan();
+  entities.removeOwnedByGone();
   entities.addNew();
   if (isRepaired) repair(on, items);
   items.finish();

@@ -85,22 +85,27 @@ EntityEdits::EntityEdits(EditContext& context, ItemEdits& items)
 void EntityEdits::plan() {
   for (const HeldEnt& held : m_before.all()) {
     if (const CBlock* block = blockOf(*held.ent)) ++m_users[block];
-    const auto entry = m_on.entries.find(held.ent);
-    if (entry != m_on.entries.end() && held.container.block)
-      m_contents[held.container.block].push_back(entry->second);
+    const std::size_t entry = m_on.entries.find(held.ent);
+    if (entry != SourceIndex::kNone && held.container.block)
+      m_contents[held.container.block].push_back(entry);
   }
   for (const HeldEnt& held : m_before.all()) {
-    const auto entry = m_on.entries.find(held.ent);
-    if (entry != m_on.entries.end()) planEntity(held, entry->second);
+    const std::size_t entry = m_on.entries.find(held.ent);
+    if (entry != SourceIndex::kNone) planEntity(held, entry);
   }
   if (!m_left.empty()) dropPrivateBlocks();
 }
 
 void EntityEdits::planEntity(const HeldEnt& before, std::size_t entry) {
+  // A block goes as a whole, or stays as it is because a record that stays names it.
+  if (isOfGoneBlock(before.container)) {
+    m_ofGone.push_back(entry);
+    leaveBlockOf(*before.ent);
+    return;
+  }
   const HeldEnt* after = m_after.find(before.ent->GetHandle());
   if (!after || !isSamePlace(before.container, after->container)) {
-    const CBlock* block = blockOf(*before.ent);
-    if (block && block->getName()[0] == u'*') m_left.insert(block);
+    leaveBlockOf(*before.ent);
     return remove(entry);
   }
   const EntPrint was = printOf(*before.ent), is = printOf(*after->ent);
@@ -119,6 +124,21 @@ void EntityEdits::planEntity(const HeldEnt& before, std::size_t entry) {
   const auto& polyline = static_cast<const CEntPolyline&>(*after->ent);
   const long had = static_cast<long>(m_on.index.afterEntity(entry) - entry);
   m_reserved += std::max(0L, polyline.getNoTotalVertexes() + 2 - had);
+}
+
+bool EntityEdits::isOfGoneBlock(const Container& container) const {
+  return container.block && !container.isSheet &&
+         !m_on.data.getBlockTable().get(container.block->getName());
+}
+
+void EntityEdits::leaveBlockOf(const CEnt& ent) {
+  const CBlock* block = blockOf(ent);
+  if (block && block->getName()[0] == u'*') m_left.insert(block);
+}
+
+void EntityEdits::removeOwnedByGone() {
+  for (const std::size_t entry : m_ofGone)
+    if (m_on.edits.isRemoved(entry)) remove(entry);
 }
 
 // The pieces stand in for a record that cannot be where it is now.
@@ -347,15 +367,15 @@ const HeldEnt* EntityEdits::originOf(const CEnt& ent) const {
 std::vector<SourceRecord> EntityEdits::copyOf(const HeldEnt& held) {
   std::vector<SourceRecord> records;
   const HeldEnt* origin = originOf(*held.ent);
-  const auto entry = origin ? m_on.entries.find(origin->ent) : m_on.entries.end();
-  if (entry == m_on.entries.end() || !isSamePlace(origin->container, held.container))
+  const std::size_t entry = origin ? m_on.entries.find(origin->ent) : SourceIndex::kNone;
+  if (entry == SourceIndex::kNone || !isSamePlace(origin->container, held.container))
     return records;
   Action action;
   action.before = origin->ent;
   action.after = held.ent;
   if (held.container.block && !held.container.isSheet)
     action.base = origin->container.block->getPnt();
-  for (std::size_t i = entry->second; i < m_on.index.afterEntity(entry->second); ++i) {
+  for (std::size_t i = entry; i < m_on.index.afterEntity(entry); ++i) {
     records.push_back(m_on.edits.read(i));
     detach(records.back());
   }

@@ -22,6 +22,8 @@ class EntityEdits {
 
   /// Plans what is removed and changed.
   void plan();
+  /// Removes what belongs to the content of blocks that went. Call it when the items are planned.
+  void removeOwnedByGone();
   /// Adds the records of new entities. Call it when the items are planned.
   void addNew();
   /// How many handles `rewrite` may need at most, for vertices that an entity did not have
@@ -47,6 +49,8 @@ class EntityEdits {
   };
 
   void planEntity(const HeldEnt& before, std::size_t entry);
+  bool isOfGoneBlock(const Container& container) const;
+  void leaveBlockOf(const CEnt& ent);
   void remove(std::size_t entry);
   void removeOwned(Handle owner);
   void planBlockOf(Action& action, bool isCopy);
@@ -71,6 +75,7 @@ class EntityEdits {
   ItemEdits& m_items;
   HeldEnts m_before, m_after;
   std::unordered_map<std::size_t, Action> m_actions;
+  std::vector<std::size_t> m_ofGone;  // the content of blocks that the drawing no longer has
   Handle m_reserved = 0;
   std::unordered_map<const CBlock*, Target> m_targets;
   std::unordered_map<Handle, std::vector<std::size_t>> m_owned;  // objects by owner

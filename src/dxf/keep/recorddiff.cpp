@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <map>
 #include <utility>
 #include <vector>
 
@@ -16,7 +15,36 @@ constexpr long kBraces = 102, kExtendedData = 1000, kVertex = 10;
 
 // A code and the number of its occurrence.
 using Key = std::pair<long, std::size_t>;
-using Places = std::map<Key, std::size_t>;
+
+/// Where the keys of a part are, sorted. Most records are small, so a vector is faster than a tree.
+class Places {
+ public:
+  using Entry = std::pair<Key, std::size_t>;
+
+  /// Several times for a code, with ascending places.
+  void add(long code, std::size_t place) { m_all.emplace_back(Key(code, 0), place); }
+  /// When all are added.
+  void count() {
+    std::sort(m_all.begin(), m_all.end(), [](const Entry& a, const Entry& b) {
+      return std::pair(a.first.first, a.second) < std::pair(b.first.first, b.second);
+    });
+    for (std::size_t i = 1; i < m_all.size(); ++i)
+      if (m_all[i].first.first == m_all[i - 1].first.first)
+        m_all[i].first.second = m_all[i - 1].first.second + 1;
+  }
+  auto begin() const { return m_all.begin(); }
+  auto end() const { return m_all.end(); }
+  std::vector<Entry>::const_iterator find(const Key& key) const {
+    const auto found =
+        std::lower_bound(m_all.begin(), m_all.end(), key,
+                         [](const Entry& entry, const Key& k) { return entry.first < k; });
+    return found != m_all.end() && found->first == key ? found : m_all.end();
+  }
+  bool contains(const Key& key) const { return find(key) != end(); }
+
+ private:
+  std::vector<Entry> m_all;
+};
 
 bool isOfFrame(long code) {
   constexpr long codes[] = {0, 5, 100, 105, 330, 360, 390};
@@ -54,15 +82,15 @@ class Patch {
  private:
   Places placesOf(const SourceRecord& record, Part part) const {
     Places places;
-    std::map<long, std::size_t> counts;
     bool isInGroup = false;
     for (std::size_t i = part.first; i < part.last; ++i) {
       const SourcePair& pair = record.pairs[i];
       if (pair.code == kBraces) isInGroup = pair.value.starts_with('{');
       const bool isLeftOut = isInGroup || pair.code == kBraces || pair.code >= kExtendedData ||
                              isOfFrame(pair.code) || (!m_withCommon && isCommon(pair.code));
-      if (!isLeftOut) places.emplace(Key(pair.code, counts[pair.code]++), i);
+      if (!isLeftOut) places.add(pair.code, i);
     }
+    places.count();
     return places;
   }
 
@@ -86,7 +114,7 @@ class Patch {
   // `now` are the places in the record.
   bool set(SourceRecord& record, Part& part, Places& now, const SourceRecord& before,
            const Places& was, const SourceRecord& after, const Places& is, const Key& key) const {
-    const std::string& value = after.pairs[is.at(key)].value;
+    const std::string& value = after.pairs[is.find(key)->second].value;
     const auto old = was.find(key);
     if (old != was.end() && before.pairs[old->second].value == value) return true;
     const auto found = now.find(key);
@@ -107,11 +135,12 @@ class Patch {
 
   // Behind the nearest pair before it that the record has.
   static std::size_t placeFor(const Places& now, const Places& is, const Key& key, Part part) {
+    const std::size_t own = is.find(key)->second;
     std::size_t place = part.first, nearest = 0;
     bool isFound = false;
     for (const auto& [other, at] : is) {
       const auto there = now.find(other);
-      const bool isCloser = at < is.at(key) && (!isFound || at > nearest);
+      const bool isCloser = at < own && (!isFound || at > nearest);
       if (there == now.end() || !isCloser) continue;
       isFound = true;
       nearest = at;

@@ -4,6 +4,7 @@
 
 #include "dxf/out/modern/entityrecords.h"
 #include "dxf/out/modern/filesections.h"
+#include "files/number.h"
 #include "vek0core/dxf/out/filedxfovisitor.h"
 #include "vek0core/dxf/out/nameacadconverter.h"
 #include "vek0core/entities/blocks/block.h"
@@ -32,7 +33,7 @@ std::vector<SourceRecord> split(std::string_view text) {
     const std::size_t middle = text.find('\n');
     const std::size_t end = text.find('\n', middle + 1);
     if (end == std::string_view::npos) break;
-    const long code = std::stol(std::string(text.substr(0, middle)));
+    const long code = parseLong(text.substr(0, middle));
     if (code == 0) records.emplace_back();
     std::string value(text.substr(middle + 1, end - middle - 1));
     value.erase(value.find_last_not_of("\r \t") + 1);

@@ -65,6 +65,9 @@ SourceIndex::SourceIndex(const SourceText& text) : m_text(text), m_end(text.byte
 
 void SourceIndex::takePair(SourceEntry& entry, long code, std::string_view value, bool& isInGroup) {
   constexpr std::string_view dictionary = "{ACAD_XDICTIONARY";
+  // A cheap test, as it runs for every pair.
+  const bool isOfInterest = code < 8 || code == 67 || (code >= 102 && code <= 105) || code >= 330;
+  if (!isOfInterest) return;
   const bool isStyle = m_names[entry.kind] == "DIMSTYLE";
   if (code == 102) isInGroup = value.starts_with('{');
   if (code == 102) m_isDictionary = value == dictionary;

@@ -92,7 +92,7 @@ class SourceIndex {
   bool m_isCut = false;
   bool m_isSound = true;
   bool m_hasSections = false;
-  bool m_isBetween = false;  // behind the end of a section
+  bool m_isBetween = false;                           // behind the end of a section
   SourceSection m_section = SourceSection::Entities;  // of a file that begins in the middle
   std::uint32_t m_group = 0;
   std::uint32_t m_lastId = 0;
