@@ -173,6 +173,45 @@ TEST_F(Edit, WhatIsNotEditedStaysInTheFile) {
   EXPECT_NE(contents(path("repaired.dxf")).find("LAYER\r\n2\r\nNONE\r\n"), std::string::npos);
 }
 
+// A style, a variable and extended data name blocks, and extended data names a layer, whose
+// linetype is needed. No drawing knows of these.
+TEST_F(Edit, WhatRecordsNameIsNotPurged) {
+  std::string blocks;
+  for (const char* name : {"FIRST", "SECOND", "THIRD", "OFHEADER", "OFDATA"})
+    blocks +=
+        std::string("0 BLOCK|8 0|2 ") + name + "|70 0|10 0|20 0|0 POINT|8 0|10 1|20 2|0 ENDBLK|";
+  const auto planWith = [&](const std::string& more, const std::string& block) {
+    return pairsOf(
+        "0 SECTION|2 HEADER|9 $DIMBLK|1 OFHEADER|0 ENDSEC|0 SECTION|2 TABLES|0 TABLE|2 LTYPE|70 1|"
+        "0 LTYPE|2 OFLAYER|70 0|3 |72 65|73 2|40 2|49 1|49 -1|0 ENDTAB|0 TABLE|2 LAYER|70 " +
+        more +
+        "0 LAYER|2 OFDATA|70 0|62 1|6 OFLAYER|0 ENDTAB|0 TABLE|2 DIMSTYLE|70 1|0 DIMSTYLE|2 MINE|"
+        "70 0|5 FIRST|6 SECOND|7 THIRD|0 ENDTAB|0 ENDSEC|0 SECTION|2 BLOCKS|" +
+        blocks + block +
+        "0 ENDSEC|0 SECTION|2 ENTITIES|0 LINE|8 0|10 0|20 0|11 1|21 1|1001 ACAD|1000 DSTYLE|1002 "
+        "{|1070 5|1000 OFDATA|1002 }|1003 OFDATA|0 ENDSEC|0 EOF");
+  };
+  write("plan.dxf", planWith("2|0 LAYER|2 SPARE|70 0|62 1|6 OFLAYER|",
+                             "0 BLOCK|8 0|2 SPARE|70 0|10 0|20 0|0 INSERT|8 SPARE|2 "
+                             "FIRST|10 0|20 0|0 ENDBLK|"));
+  ASSERT_EQ(edit("--purge").code, 0);
+  EXPECT_EQ(contents(path("out.dxf")), planWith("1|", ""));
+}
+
+TEST_F(Edit, UnitsOfWhatCannotBeScaledAreRefused) {
+  write("plan.dxf", pairsOf("0 SECTION|2 ENTITIES|0 LINE|8 0|10 0|20 0|11 1000|21 0|"
+                            "0 3DSOLID|5 A2|8 0|1 data|0 ENDSEC|0 EOF"));
+  const std::string convert = "convert --to keep --to-units m --from-units mm plan.dxf out.dxf";
+  const Outcome refused = run(convert);
+  EXPECT_EQ(refused.code, 1);
+  EXPECT_NE(refused.err.find("3DSOLID A2 cannot be scaled"), std::string::npos) << refused.err;
+  EXPECT_FALSE(fs::exists(path("out.dxf")));
+  const Outcome left = run(convert + " --leave-unsupported");
+  EXPECT_EQ(left.code, 0);
+  EXPECT_NE(left.err.find("3DSOLID"), std::string::npos) << left.err;
+  EXPECT_NE(contents(path("out.dxf")).find("11\n1.0\n"), std::string::npos);
+}
+
 // Two lines of text, one solid in the model and one in a block.
 TEST_F(Edit, TakesRecordsAsAWhole) {
   write("plan.dxf",

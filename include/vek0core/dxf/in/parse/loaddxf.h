@@ -5,6 +5,7 @@
 #include "vek0core/dxf/in/filedxfioptions.h"
 #include "vek0core/export.h"
 #include "vek0core/geometry/pnt.h"
+#include "vek0core/tables/handle.h"
 #include "zim0lang/wstring.h"
 
 class CData;
