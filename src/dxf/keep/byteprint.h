@@ -9,7 +9,7 @@
 namespace vek0::detail {
 
 /// Size and fingerprint of bytes that come in pieces of any size. Four mixers take turns, because
-/// each step of one has to wait for its last: 3 times as fast as a single one.
+/// each step of one has to wait for its last.
 class BytePrint {
  public:
   void add(const char* bytes, std::size_t size) {
