@@ -15,6 +15,8 @@
 #include "progressfile.h"
 #include "terminal.h"
 #include "vek0core/vek0core.h"
+#include "vek0host/losslog.h"
+#include "vek0host/outputfile.h"
 #include "vek0host/visibletext.h"
 
 #ifdef VEK0_RENDER
@@ -75,6 +77,16 @@ int exitCode(const Session& session, Failure failure) {
   return failure == kNoFailure ? *session.answer : kWrongUsage;
 }
 
+// The standard output cannot hold the report and the results of a verb.
+void refuseSecondUse(const CLI::App& verb) {
+  const CLI::Option* json = verb.get_option_no_throw("--json");
+  const CLI::Option* output = verb.get_option_no_throw("--output");
+  const bool isUsed = (json && json->count() > 0) ||
+                      (output && output->count() > 0 && output->as<std::string>() == "-");
+  if (isUsed)
+    throw CLI::ValidationError("--report", "the standard output has another use; name a file");
+}
+
 int parseAndRun(std::vector<std::string> arguments, Session& session) {
   CLI::App app{
       "vek0 reads, describes, draws, edits, merges and writes DXF drawings.\n\n"
@@ -91,6 +103,8 @@ int parseAndRun(std::vector<std::string> arguments, Session& session) {
   session.onRead = withProgress;
   app.add_flag("-q,--quiet", session.quiet, "Print only errors");
   addReadOptions(app, session.reading);
+  ReportOptions reporting;
+  addReportOptions(app, reporting);
   addInfoCommand(app, session);
   addListCommand(app, session);
   addCheckCommand(app, session);
@@ -113,6 +127,13 @@ int parseAndRun(std::vector<std::string> arguments, Session& session) {
   }
   if (!arguments.empty() && isUnknownVerb(app, arguments[0])) return kWrongUsage;
   std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
+  LossLog log;
+  // Commands run while their options are parsed.
+  app.parse_complete_callback([&] {
+    if (reporting.path == "-") refuseSecondUse(*app.get_subcommands().front());
+    if (!reporting.path.empty() || !reporting.failOn.empty()) session.log = &log;
+    OutputFile::setDryRun(reporting.dryRun);
+  });
   try {
     app.parse(arguments);
   } catch (const CLI::ParseError& problem) {
@@ -127,6 +148,7 @@ int parseAndRun(std::vector<std::string> arguments, Session& session) {
     print(help.str());
     return kNoFailure;
   }
+  finishReport(reporting, app.get_subcommands().front()->get_name(), session);
   return exitCode(session, session.worst);
 }
 

@@ -3,6 +3,8 @@
 #include <string>
 
 #include "vek0core/files/textcodec.h"
+#include "vek0host/losslog.h"
+#include "vek0host/outputfile.h"
 
 namespace vek0::tool {
 
@@ -21,6 +23,44 @@ void addReadOptions(CLI::App& app, ReadOptions& options) {
         return codePageFromName(name) == kCodePageAuto ? "'" + name + "' is not a known encoding"
                                                        : std::string();
       });
+}
+
+void addReportOptions(CLI::App& app, ReportOptions& options) {
+  app.add_option("--report", options.path,
+                 "Write what was repaired, changed or lost to a file, one JSON object per drawing; "
+                 "- is the standard output")
+      ->type_name("FILE");
+  app.add_option("--fail-on", options.failOn,
+                 "Exit with code 1 if a drawing has an entry of this severity or a worse one in "
+                 "its report")
+      ->check(CLI::IsMember({"repair", "change", "loss"}))
+      ->type_name("repair|change|loss");
+  app.add_flag("--dry-run", options.dryRun, "Do everything but put the outputs into place");
+}
+
+void finishReport(const ReportOptions& options, const std::string& verb, Session& session) {
+  if (!session.log) return;
+  const auto severity = options.failOn == "repair"   ? ReportSeverity::Repair
+                        : options.failOn == "change" ? ReportSeverity::Change
+                                                     : ReportSeverity::Loss;
+  if (!options.failOn.empty() && session.log->has(severity)) {
+    if (session.answer)
+      session.answer = 1;
+    else
+      session.failed(kDrawingFailed);
+  }
+  if (options.path.empty()) return;
+  std::string text;
+  for (const Json& drawing : session.log->toJson(verb)) text += toLine(drawing) + "\n";
+  // It describes what would be written, and is written itself.
+  OutputFile::setDryRun(false);
+  OutputFile output(options.path, true);
+  const bool isWritten = output.error().empty() && output.file().open() &&
+                         output.file().writeBytes(text.data(), static_cast<long>(text.size()));
+  if (isWritten) output.file().close();
+  if (!isWritten || !output.commit())
+    session.fail(kOutputFailed, output.error().empty() ? "'" + options.path + "' cannot be written"
+                                                       : output.error());
 }
 
 void addSaveOptions(CLI::App& verb, SaveOptions& options) {

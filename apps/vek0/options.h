@@ -9,6 +9,19 @@ namespace vek0::tool {
 /// Adds the reading options shared by all commands.
 void addReadOptions(CLI::App& app, ReadOptions& options);
 
+/// What becomes of the lists of losses.
+struct ReportOptions {
+  std::string path;    ///< file for them; "-": standard output; empty: none
+  std::string failOn;  ///< the severity from which on a drawing has failed; empty: none
+  bool dryRun = false;
+};
+
+/// Adds these options, which all commands share.
+void addReportOptions(CLI::App& app, ReportOptions& options);
+
+/// Writes the lists of the session, and fails if they say so.
+void finishReport(const ReportOptions& options, const std::string& verb, Session& session);
+
 /// Adds the options of commands that write a drawing.
 void addSaveOptions(CLI::App& verb, SaveOptions& options);
 

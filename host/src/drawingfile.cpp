@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "vek0host/losslog.h"
 #include "vek0host/paths.h"
 
 namespace vek0::host {
@@ -38,13 +39,24 @@ std::unique_ptr<IFile> openStandardInput(bool isKept) {
   return direct;
 }
 
+// What was read for an edit of the file itself is not lost: it stays there.
+void logReading(const std::string& path, const ReadResult& result, const Session& session) {
+  if (!session.log) return;
+  session.log->begin(path);
+  if (!session.keepsSource) session.log->add(LossLog::Read, result.report);
+  if (!result.ok()) session.log->addFailure(LossLog::Read, result.kind(), result.message());
+}
+
 // `read` takes the record of the error and the options.
 template <class Read>
 ReadResult readWith(const Read& read, CData& data, const std::string& path, const Session& session,
                     bool keepFontNames) {
   ReadResult result;
   result.fault = inputFault(path);
-  if (result.fault.kind) return result;
+  if (result.fault.kind) {
+    logReading(path, result, session);
+    return result;
+  }
   CFileDXFIOptions options = readingOptions(session);
   options.report = &result.report;
   result.onPaper = options.policy.paperSpace;
@@ -53,6 +65,7 @@ ReadResult readWith(const Read& read, CData& data, const std::string& path, cons
   for (int i = 0; i < data.getLayouts().size(); ++i)
     result.onSheets += static_cast<long>(data.getLayouts()[i].getBlock().size());
   if (!result.opened()) result.fault = {"file unreadable", "The file cannot be opened."};
+  logReading(path, result, session);
   return result;
 }
 

@@ -5,9 +5,11 @@
 #include <unistd.h>
 #endif
 
+#include <cerrno>
 #include <cstdio>
 #include <fstream>
 #include <random>
+#include <system_error>
 #include <utility>
 
 #include "vek0core/files/filememory.h"
@@ -20,6 +22,7 @@ namespace {
 constexpr long kWrite = 2;
 
 OutputFile::Watch g_watch = nullptr;
+bool g_isDryRun = false;
 
 // Lets the tool remove an unfinished file when it is interrupted.
 void watch(const std::filesystem::path& unfinished) {
@@ -90,12 +93,19 @@ void OutputFile::createTemporary() {
   if (std::filesystem::exists(before)) {
     m_permissions = before.permissions();
     const int file = ::open(m_temporary.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0600);
-    if (file >= 0) ::close(file);
+    if (file < 0) return noteUnwritable();
+    ::close(file);
     return;
   }
 #endif
-  std::ofstream(m_temporary).close();
+  if (!std::ofstream(m_temporary)) return noteUnwritable();
   m_permissions = std::filesystem::status(m_temporary, ignored).permissions();
+}
+
+void OutputFile::noteUnwritable() {
+  const std::string reason = std::generic_category().message(errno);
+  m_error = "'" + path() + "' cannot be written: " + reason +
+            "; choose another folder, or allow writing there";
 }
 
 OutputFile::~OutputFile() {
@@ -115,7 +125,11 @@ std::uintmax_t OutputFile::size() const {
   return failure ? 0 : size;
 }
 
+void OutputFile::setDryRun(bool isDry) { g_isDryRun = isDry; }
+bool OutputFile::isDryRun() { return g_isDryRun; }
+
 bool OutputFile::commit() {
+  if (g_isDryRun) return true;
   if (m_temporary.empty()) return writeToStandardOutput();
   std::error_code failure;
   // The permissions of the replaced file are restored before it becomes visible.

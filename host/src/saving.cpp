@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "vek0host/drawingfile.h"
+#include "vek0host/losslog.h"
 #include "vek0host/outputfile.h"
 #include "vek0host/paths.h"
 #include "vek0host/reports.h"
@@ -54,6 +55,10 @@ class RewrittenDrawing {
   bool save(OutputFile& output) const {
     CFileReport report;
     const std::string problem = write(output, report);
+    if (m_session.log) {
+      m_session.log->begin(m_in);
+      m_session.log->add(LossLog::Write, report);
+    }
     if (!problem.empty()) {
       m_session.fail(kOutputFailed, problem);
       if (!report.empty()) m_session.notify("reasons:", reportToText(report));
@@ -70,7 +75,7 @@ class RewrittenDrawing {
 
  private:
   bool backUp(const std::string& path) const {
-    if (!m_options.backup) return true;
+    if (!m_options.backup || OutputFile::isDryRun()) return true;
     std::filesystem::path copy = toPath(path);
     copy += ".bak";
     std::error_code failure;
@@ -112,6 +117,11 @@ void SaveOptions::setTarget(const std::string& name) {
   version = static_cast<DxfVersion>(found - std::begin(kVersionNames));
 }
 
+std::string SaveOptions::targetName() const {
+  if (form == SaveForm::Kept) return "the file";
+  return isR12() ? "R12" : kVersionNames[static_cast<std::size_t>(version)];
+}
+
 std::string SaveOptions::misplacedOption() const {
   if (isR12()) return {};
   if (flatten) return "--flatten";
@@ -140,6 +150,8 @@ std::uintmax_t rewrite(const std::string& in, const std::string& out, const Save
     return 0;
   }
   session.readsTwice = session.readsTwice || isKept;
+  session.keepsSource = isKept;
+  if (session.log) session.log->setTarget(options.targetName());
   RewrittenDrawing drawing(in, options, session);
   const ReadResult result = drawing.load();
   if (!result.ok()) {

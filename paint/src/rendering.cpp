@@ -13,6 +13,7 @@
 #include "vek0draw/layoutdrawing.h"
 #include "vek0host/drawingfile.h"
 #include "vek0host/layerchoice.h"
+#include "vek0host/losslog.h"
 #include "vek0host/outputfile.h"
 #include "vek0host/paths.h"
 #include "vek0host/units.h"
@@ -174,6 +175,15 @@ class Renderer {
   void warn(const std::string& message, const std::string& details = "") const {
     m_session.notify(message, details);
   }
+  void failDrawing(const char* code, long count, const std::string& message) const {
+    m_session.fail(kDrawingFailed, message);
+    if (m_session.log) m_session.log->addLoss(LossLog::Draw, code, count, message);
+  }
+  // Something that the picture does not show as it is.
+  void lack(const char* code, long count, const std::string& message) const {
+    warn(message);
+    if (m_session.log) m_session.log->addLoss(LossLog::Draw, code, count, message);
+  }
 
   void reportLosses(const std::string& in, const CFileReport& report) const {
     const std::string missing = missingFrom(report);
@@ -321,15 +331,19 @@ class Renderer {
     }
     if (!written) return fail(kOutputFailed, "'" + output.path() + "' cannot be written");
     if (result.unclipped > 0)
-      warn("'" + output.path() + "' shows " + std::to_string(result.unclipped) +
-           " clipped inserts whole: clipping needs a plan view, and boundaries that are neither "
-           "too long nor too many");
+      lack(
+          "clip not drawn", static_cast<long>(result.unclipped),
+          "'" + output.path() + "' shows " + std::to_string(result.unclipped) +
+              " clipped inserts whole: clipping needs a plan view, and boundaries that are neither "
+              "too long nor too many");
     if (result.boxed > 0)
-      warn("'" + output.path() + "' shows " + std::to_string(result.boxed) +
-           " views within the rectangle around their boundary: there is too much to clip");
+      lack("view not clipped", static_cast<long>(result.boxed),
+           "'" + output.path() + "' shows " + std::to_string(result.boxed) +
+               " views within the rectangle around their boundary: there is too much to clip");
     if (result.blank > 0)
-      warn("'" + output.path() + "' shows " + std::to_string(result.blank) +
-           " viewports empty: their views are not from above, or without a valid scale");
+      lack("view not drawn", static_cast<long>(result.blank),
+           "'" + output.path() + "' shows " + std::to_string(result.blank) +
+               " viewports empty: their views are not from above, or without a valid scale");
     reportShortcomings(output.path(), result);
     // Of split layers, those that show nothing get no file.
     if (result.emitted == 0 && !evenEmpty) return;
@@ -338,14 +352,17 @@ class Renderer {
 
   void reportShortcomings(const std::string& path, const DRAW_RESULT& result) {
     if (result.simplified > 0)
-      warn("'" + path + "' shows " + std::to_string(result.simplified) +
-           " parts that are too small or too numerous as dots, areas, continuous lines or rough "
-           "arcs");
+      lack(
+          "parts simplified", static_cast<long>(result.simplified),
+          "'" + path + "' shows " + std::to_string(result.simplified) +
+              " parts that are too small or too numerous as dots, areas, continuous lines or rough "
+              "arcs");
     if (result.missing > 0)
-      fail(kDrawingFailed, "'" + path + "' shows " + std::to_string(result.missing) +
-                               " hatches by their boundaries: their patterns are too dense");
+      failDrawing("hatch not drawn", static_cast<long>(result.missing),
+                  "'" + path + "' shows " + std::to_string(result.missing) +
+                      " hatches by their boundaries: their patterns are too dense");
     if (result.cut)
-      fail(kDrawingFailed, "'" + path + "' is incomplete: the drawing shows too much");
+      failDrawing("picture cut", 1, "'" + path + "' is incomplete: the drawing shows too much");
   }
 
   // One picture per layer with content, all with the same layout.
@@ -422,29 +439,6 @@ void renderDifferences(CData& before, CData& after, const COMPARISON& comparison
                        const std::string& in, const std::string& out, const RenderOptions& options,
                        Session& session) {
   Renderer(options, session).renderDifferences(before, after, comparison, in, out);
-}
-
-void renderDrawings(const std::vector<std::string>& files, const std::string& target,
-                    const RenderOptions& options, Session& session) {
-  const std::filesystem::path folder = toPath(target);
-  std::error_code failure;
-  std::filesystem::create_directories(folder, failure);
-  if (!std::filesystem::is_directory(folder, failure)) {
-    return session.fail(kOutputFailed, "'" + target + "' is not a folder and cannot be created");
-  }
-  Renderer renderer(options, session);
-  std::unordered_set<std::string> written;
-  for (const std::string& in : files) {
-    std::filesystem::path name = toPath(in).stem();
-    name += std::string(".") + nameOf(options.picture.format);
-    const std::u8string out = (folder / name).u8string();
-    // Two drawings of one name in different folders must not overwrite each other.
-    if (!written.insert(std::string(out.begin(), out.end())).second) {
-      session.fail(kOutputFailed, in + ": a drawing of the same name has already been rendered");
-      continue;
-    }
-    renderer.render(in, std::string(out.begin(), out.end()));
-  }
 }
 
 }  // namespace vek0::paint

@@ -41,19 +41,6 @@ TEST_F(Render, SplitLayersWritesOneAlikePictureALayer) {
   EXPECT_NE(contents(path("a-C.svg")).find("M20 220h100"), std::string::npos);
 }
 
-TEST_F(Render, AllGoesOnAfterAFailure) {
-  write("broken.dxf", kBroken);
-  write("good.dxf", drawingWith(line("A", 0, 0, 1, 1)));
-  fs::create_directory(path("other"));
-  write("other/good.dxf", drawingWith(line("B", 0, 0, 1, 1)));
-  const Outcome got =
-      run("render broken.dxf good.dxf other/good.dxf --all --format png -o pictures");
-  EXPECT_EQ(got.code, 3) << got.err;
-  EXPECT_NE(got.err.find("other/good.dxf"), std::string::npos);
-  EXPECT_TRUE(fs::exists(path("pictures/good.png")));
-  EXPECT_FALSE(fs::exists(path("pictures/broken.png")));
-}
-
 TEST_F(Render, TextsStayTextsOrBecomeOutlines) {
   write("a.dxf", drawingWith(kText));
   ASSERT_EQ(run("render a.dxf -o a.svg").code, 0);

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "batch.h"
 #include "commands.h"
 #include "options.h"
 #include "vek0host/hatching.h"
@@ -15,7 +16,7 @@ namespace vek0::tool {
 namespace {
 
 struct ConvertOptions {
-  std::string in, out;
+  BatchOptions batch;
   std::vector<std::string> linetypes;
   std::string toUnits, fromUnits;
   std::string hatch = "lines";
@@ -38,46 +39,60 @@ const CEnt* findUnsupported(const CData& data) {
   return first;
 }
 
-bool changeUnits(CData& data, const ConvertOptions& options, long stated, Session& session) {
+bool changeUnits(CData& data, const ConvertOptions& options, const std::string& in, long stated,
+                 Session& session) {
   if (options.toUnits.empty()) return true;
   const CEnt* unsupported = options.leaveUnsupported ? nullptr : findUnsupported(data);
   if (unsupported) {
-    session.fail(kDrawingFailed, options.in + ": " + opaqueKindOf(*unsupported).toUtf8() + " " +
+    session.fail(kDrawingFailed, in + ": " + opaqueKindOf(*unsupported).toUtf8() + " " +
                                      hexText(unsupported->GetHandle()) +
                                      " cannot be scaled; --leave-unsupported leaves it as it is");
     return false;
   }
   if (convertUnits(data, stated, options.fromUnits, options.toUnits)) return true;
-  session.fail(kDrawingFailed,
-               options.in + ": the drawing does not state its unit; use --from-units");
+  session.fail(kDrawingFailed, in + ": the drawing does not state its unit; use --from-units");
   return false;
 }
 
-void warnIfGrown(const ConvertOptions& options, std::uintmax_t written, std::size_t hatchLines,
-                 const Session& session) {
+void warnIfGrown(const ConvertOptions& options, const BatchJob& job, std::uintmax_t written,
+                 std::size_t hatchLines, const Session& session) {
   constexpr std::uintmax_t kMuch = 10;
-  const std::uintmax_t read = sizeOf(options.in);
+  const std::uintmax_t read = sizeOf(job.in);
   // Later versions have hatches.
   if (!options.save.isR12()) return;
   if (hatchLines == 0 || read == 0 || written <= kMuch * read) return;
-  session.notify("'" + options.out + "' is " + std::to_string(written / read) +
+  session.notify("'" + job.out + "' is " + std::to_string(written / read) +
                  " times as large as the input; it contains " + std::to_string(hatchLines) +
                  " lines of hatch patterns, which --hatch outline omits");
 }
 
-void convert(ConvertOptions& options, Session& session) {
+void convert(const ConvertOptions& options, const BatchJob& job, Session& session) {
+  std::size_t hatchLines = 0;
+  const std::uintmax_t written =
+      rewrite(job.in, job.out, options.save, session, [&](CData& data, const ReadResult& result) {
+        hatchLines = countHatchLines(data);
+        return addAllLinetypes(data, options, session) &&
+               changeUnits(data, options, job.in, result.outcome.units, session);
+      });
+  warnIfGrown(options, job, written, hatchLines, session);
+}
+
+// Without a folder, the second name is that of the output.
+std::vector<BatchJob> jobsOf(const ConvertOptions& options, Session& session) {
+  if (!options.batch.outDir.empty()) return jobsOf(options.batch, ".dxf", session);
+  if (options.batch.files.size() == 2 && options.batch.filesFrom.empty())
+    return {{options.batch.files[0], options.batch.files[1]}};
+  session.fail(kWrongUsage, "give IN and OUT, or any number of drawings with --out-dir");
+  return {};
+}
+
+void run(ConvertOptions& options, Session& session) {
   options.save.setTarget(options.target);
   if (!options.linetypes.empty() && !options.save.isR12())
     return session.fail(kWrongUsage, "--linetypes requires --to r12");
   session.reading.hatchOutlines = options.hatch == "outline";
-  std::size_t hatchLines = 0;
-  const std::uintmax_t written = rewrite(
-      options.in, options.out, options.save, session, [&](CData& data, const ReadResult& result) {
-        hatchLines = countHatchLines(data);
-        return addAllLinetypes(data, options, session) &&
-               changeUnits(data, options, result.outcome.units, session);
-      });
-  warnIfGrown(options, written, hatchLines, session);
+  runBatch(jobsOf(options, session), options.batch, session,
+           [&](const BatchJob& job) { convert(options, job, session); });
 }
 
 }  // namespace
@@ -86,8 +101,11 @@ void addConvertCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<ConvertOptions>();
   CLI::App* verb =
       app.add_subcommand("convert", "Load a drawing and save it as DXF R12 or a later version");
-  verb->add_option("IN", options->in, "DXF file; - is the standard input")->required();
-  verb->add_option("OUT", options->out, "File to write; - is the standard output")->required();
+  verb->add_option("IN OUT", options->batch.files,
+                   "DXF file and the file to write, - for the standard input and output; with "
+                   "--out-dir any number of drawings")
+      ->type_name("");
+  addBatchOutputOptions(*verb, options->batch);
   verb->add_option("--linetypes", options->linetypes,
                    "Add the linetypes of a definition file; those that the drawing has are kept")
       ->type_name("FILE.lin")
@@ -123,6 +141,7 @@ void addConvertCommand(CLI::App& app, Session& session) {
       "Examples:\n"
       "  vek0 convert plan.dxf plan_r12.dxf\n"
       "  vek0 convert --to 2018 plan.dxf plan_2018.dxf\n"
+      "  vek0 convert --to 2000 --out-dir old *.dxf\n"
       "  vek0 convert --flatten --visible-only - - < in.dxf > out.dxf\n"
       "  vek0 convert --linetypes pipes.lin plan.dxf plan_with_pipes.dxf\n"
       "  vek0 convert --to-units mm --from-units in part.dxf part_mm.dxf\n"
@@ -130,7 +149,7 @@ void addConvertCommand(CLI::App& app, Session& session) {
       "--flatten, --visible-only, --no-tables, --plain and --linetypes require R12.\n"
       "The output is written completely or not at all. Nothing is written for a file with an\n"
       "error.");
-  verb->callback([options, &session] { convert(*options, session); });
+  verb->callback([options, &session] { run(*options, session); });
 }
 
 }  // namespace vek0::tool

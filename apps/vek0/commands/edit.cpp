@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "batch.h"
 #include "commands.h"
 #include "options.h"
 #include "vek0host/editdrawing.h"
@@ -15,7 +16,8 @@ namespace vek0::tool {
 namespace {
 
 struct EditCommand {
-  std::string in, out;
+  BatchOptions batch;
+  std::string out;
   std::map<std::string, std::vector<std::string>> values;  // by option, in order
   bool inPlace = false;
   EditOptions edit;
@@ -60,24 +62,23 @@ void addStepOptions(CLI::App& verb, EditCommand& options) {
 }
 
 void addOutputOptions(CLI::App& verb, EditCommand& options) {
-  CLI::Option_group* output = verb.add_option_group("output");
-  output->add_option("-o,--output", options.out, "File to write; - is the standard output");
-  CLI::Option* inPlace = output->add_flag("-i,--in-place", options.inPlace, "Replace IN");
-  output->require_option(1);
+  verb.add_option("-o,--output", options.out, "File to write; - is the standard output");
+  CLI::Option* inPlace = verb.add_flag("-i,--in-place", options.inPlace, "Replace IN");
+  addBatchOutputOptions(verb, options.batch);
   verb.add_flag("--backup", options.save.backup, "Copy the replaced file to IN.bak")
       ->needs(inPlace);
 }
 
 void edit(EditCommand& options, const std::vector<NamedStep>& steps, Session& session) {
-  if (options.inPlace && options.in == "-")
-    return session.fail(kWrongUsage, "the standard input cannot be edited in place");
   if (options.save.repair && options.save.form != SaveForm::Kept)
     return session.fail(kWrongUsage, "--repair requires --to keep");
-  if (options.inPlace) options.out = options.in;
   options.save.force = options.save.force || options.inPlace;
-  rewrite(options.in, options.out, options.save, session, [&](CData& data, const ReadResult&) {
-    return editDrawing(data, steps, options.edit, session);
-  });
+  runBatch(editJobsOf(options.batch, options.out, options.inPlace, session), options.batch, session,
+           [&](const BatchJob& job) {
+             rewrite(job.in, job.out, options.save, session, [&](CData& data, const ReadResult&) {
+               return editDrawing(data, steps, options.edit, session);
+             });
+           });
 }
 
 }  // namespace
@@ -85,7 +86,7 @@ void edit(EditCommand& options, const std::vector<NamedStep>& steps, Session& se
 void addEditCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<EditCommand>();
   CLI::App* verb = app.add_subcommand("edit", "Edit a drawing step by step");
-  verb->add_option("IN", options->in, "DXF file; - is the standard input")->required();
+  verb->add_option("IN", options->batch.files, "DXF files; - is the standard input");
   addOutputOptions(*verb, *options);
   verb->add_flag("--undo-check", options->edit.undoCheck,
                  "Undo all steps, verify that this restores the drawing, and redo them");

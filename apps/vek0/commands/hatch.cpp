@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "batch.h"
 #include "commands.h"
 #include "options.h"
 #include "vek0host/hatching.h"
@@ -13,7 +14,8 @@ namespace vek0::tool {
 namespace {
 
 struct HatchOptions {
-  std::string in, out;
+  BatchOptions batch;
+  std::string out;
   HatchRequest hatch;
   std::vector<std::string> boundary;  // points
   SaveOptions save;
@@ -43,9 +45,9 @@ std::string checkPattern(const std::string& name) {
 void addHatchCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<HatchOptions>();
   CLI::App* verb = app.add_subcommand("hatch", "Hatch an area of a drawing");
-  verb->add_option("IN", options->in, "DXF file; - is the standard input")->required();
-  verb->add_option("-o,--output", options->out, "File to write; - is the standard output")
-      ->required();
+  verb->add_option("IN", options->batch.files, "DXF files; - is the standard input");
+  verb->add_option("-o,--output", options->out, "File to write; - is the standard output");
+  addBatchOutputOptions(*verb, options->batch);
   verb->add_option("--pattern", options->hatch.pattern,
                    "Pattern of the catalog (see vek0 hatches), or SOLID")
       ->capture_default_str()
@@ -81,9 +83,13 @@ void addHatchCommand(CLI::App& app, Session& session) {
       "when the file is read again.");
   verb->callback([options, &session] {
     options->hatch.corners = ringOf(options->boundary);
-    rewrite(options->in, options->out, options->save, session, [&](CData& data, const ReadResult&) {
-      return addHatch(data, options->hatch, options->in, session);
-    });
+    const auto hatch = [&](const BatchJob& job) {
+      rewrite(job.in, job.out, options->save, session, [&](CData& data, const ReadResult&) {
+        return addHatch(data, options->hatch, job.in, session);
+      });
+    };
+    runBatch(editJobsOf(options->batch, options->out, false, session), options->batch, session,
+             hatch);
   });
 }
 

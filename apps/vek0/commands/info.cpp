@@ -1,8 +1,8 @@
 #include <cstdio>
 #include <memory>
 #include <string>
-#include <vector>
 
+#include "batch.h"
 #include "commands.h"
 #include "terminal.h"
 #include "vek0host/summary.h"
@@ -11,7 +11,7 @@ namespace vek0::tool {
 namespace {
 
 struct InfoOptions {
-  std::vector<std::string> files;
+  BatchOptions batch;
   bool json = false;
 };
 
@@ -33,15 +33,17 @@ void addInfoCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<InfoOptions>();
   CLI::App* verb = app.add_subcommand(
       "info", "Describe drawings: version, tables, blocks, entities, extents, variables");
-  verb->add_option("FILE", options->files, "DXF files; - is the standard input")->required();
+  verb->add_option("FILE", options->batch.files, "DXF files; - is the standard input");
   verb->add_flag("--json", options->json, "One JSON object per file, one per line");
+  addBatchOptions(*verb, options->batch);
   verb->footer(
       "Examples:\n"
       "  vek0 info plan.dxf\n"
       "  vek0 info --json *.dxf | jq -r 'select(.entities.INSERT > 100) | .file'\n\n"
       "A file with an error is described as far as it could be read; the exit code is then 1.");
   verb->callback([options, &session] {
-    for (const std::string& path : options->files) describe(path, *options, session);
+    runBatch(jobsOf(options->batch, "", session), options->batch, session,
+             [&](const BatchJob& job) { describe(job.in, *options, session); });
   });
 }
 

@@ -2,6 +2,7 @@
 #include <memory>
 #include <string>
 
+#include "batch.h"
 #include "commands.h"
 #include "terminal.h"
 #include "vek0host/drawingfile.h"
@@ -11,15 +12,16 @@ namespace vek0::tool {
 namespace {
 
 struct ListOptions {
-  std::string file, place, where = "all";
+  BatchOptions batch;
+  std::string place, where = "all";
   bool json = false;
 };
 
-void list(const ListOptions& options, Session& session) {
+void list(const std::string& path, const ListOptions& options, Session& session) {
   const Drawing data = newDrawing();
   session.reading.wholeRecords = true;
-  const ReadResult result = loadFile(*data, options.file, session);
-  if (!result.ok()) session.fail(kDrawingFailed, options.file + ": " + result.message());
+  const ReadResult result = loadFile(*data, path, session);
+  if (!result.ok()) session.fail(kDrawingFailed, path + ": " + result.message());
   if (!result.opened()) return;
   Selection selection;
   selection.parse(options.where);
@@ -31,7 +33,7 @@ void list(const ListOptions& options, Session& session) {
       print(toTableLine(entity));
   };
   const std::string problem = listEntities(*data, options.place, selection, show);
-  if (!problem.empty()) session.fail(kDrawingFailed, options.file + ": " + problem);
+  if (!problem.empty()) session.fail(kDrawingFailed, path + ": " + problem);
 }
 
 }  // namespace
@@ -40,7 +42,7 @@ void addListCommand(CLI::App& app, Session& session) {
   auto options = std::make_shared<ListOptions>();
   CLI::App* verb = app.add_subcommand(
       "list", "List the entities of a drawing: handle, kind, layer, color, lineweight, linetype");
-  verb->add_option("FILE", options->file, "DXF file; - is the standard input")->required();
+  verb->add_option("FILE", options->batch.files, "DXF files; - is the standard input");
   verb->add_option("--in", options->place, "Only those of this block or layout; Model is a layout")
       ->type_name("BLOCK|LAYOUT");
   const auto check = [](const std::string& text) { return Selection().parse(text); };
@@ -49,6 +51,7 @@ void addListCommand(CLI::App& app, Session& session) {
       ->type_name("layer=...,kind=...,window=...")
       ->check(check);
   verb->add_flag("--json", options->json, "One JSON object per entity, one per line");
+  addBatchOptions(*verb, options->batch);
   verb->footer(
       "Examples:\n"
       "  vek0 list plan.dxf\n"
@@ -59,7 +62,10 @@ void addListCommand(CLI::App& app, Session& session) {
       "black on white. The kind is that of the record in the file. Attributes follow their\n"
       "insert, whose handle is in \"of\"; viewports follow the entities of their layout.\n"
       "Entities of a block are listed as if it were inserted on layer 0.");
-  verb->callback([options, &session] { list(*options, session); });
+  verb->callback([options, &session] {
+    runBatch(jobsOf(options->batch, "", session), options->batch, session,
+             [&](const BatchJob& job) { list(job.in, *options, session); });
+  });
 }
 
 }  // namespace vek0::tool

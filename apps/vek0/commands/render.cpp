@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "batch.h"
 #include "commands.h"
 #include "options.h"
 #include "vek0host/textvalues.h"
@@ -19,7 +20,7 @@ constexpr const char* kNoBackground = "none";
 
 // The arguments, as texts where `RenderOptions` has values.
 struct Arguments {
-  std::vector<std::string> files;
+  BatchOptions batch;
   std::string out, format, size, paper, scale, window, background = "white", texts = "text";
   std::string lineweight = "file", color;
   bool portrait = false, landscape = false, all = false, mono = false;
@@ -96,7 +97,12 @@ std::string layoutComplaint(const RenderOptions& options) {
 void run(Arguments& arguments, Session& session) {
   const std::string& name = arguments.format.empty() ? arguments.out : arguments.format;
   std::optional<Format> format = formatOf(name);
-  if (!format && arguments.all) format = Format::Svg;
+  if (arguments.all && arguments.batch.outDir.empty())
+    std::swap(arguments.batch.outDir, arguments.out);
+  const bool isMany = !arguments.batch.outDir.empty();
+  if (isMany == !arguments.out.empty())
+    return session.fail(kWrongUsage, "give one of -o and --out-dir");
+  if (!format && isMany) format = Format::Svg;
   if (!format)
     return session.fail(kWrongUsage,
                         "the output must end in .svg, .png or .pdf, unless --format is given");
@@ -106,17 +112,18 @@ void run(Arguments& arguments, Session& session) {
   if (const std::string complaint = layoutComplaint(arguments.render); !complaint.empty())
     return session.fail(kWrongUsage, complaint);
   // A PDF has a page per layout.
-  const bool isPlural = arguments.all || arguments.render.splitLayers ||
+  const bool isPlural = isMany || arguments.render.splitLayers ||
                         (arguments.render.layout == "all" && format != Format::Pdf);
-  if (arguments.out == "-" && isPlural)
+  if ((arguments.out == "-" || arguments.batch.outDir == "-") && isPlural)
     return session.fail(kWrongUsage, "several pictures cannot be written to the standard output");
   useArguments(arguments);
   arguments.render.picture.format = *format;
-  if (arguments.all)
-    return renderDrawings(arguments.files, arguments.out, arguments.render, session);
-  if (arguments.files.size() > 1)
-    return session.fail(kWrongUsage, "several drawings require --all, and -o then names a folder");
-  renderDrawing(arguments.files[0], arguments.out, arguments.render, session);
+  std::vector<BatchJob> jobs = jobsOf(arguments.batch, std::string(".") + nameOf(*format), session);
+  if (!isMany && jobs.size() > 1)
+    return session.fail(kWrongUsage, "several drawings require --out-dir");
+  if (!isMany && !jobs.empty()) jobs.front().out = arguments.out;
+  runBatch(jobs, arguments.batch, session,
+           [&](const BatchJob& job) { renderDrawing(job.in, job.out, arguments.render, session); });
 }
 
 void addSheetOptions(CLI::App& verb, Arguments& arguments) {
@@ -205,15 +212,14 @@ void addLookOptions(CLI::App& verb, Arguments& arguments) {
 void addRenderCommand(CLI::App& app, Session& session) {
   auto arguments = std::make_shared<Arguments>();
   CLI::App* verb = app.add_subcommand("render", "Render a drawing as SVG, PNG or PDF");
-  verb->add_option("IN", arguments->files, "DXF files; - is the standard input")
-      ->type_name("")
-      ->required();
+  verb->add_option("IN", arguments->batch.files, "DXF files; - is the standard input")
+      ->type_name("");
   verb->add_option(
           "-o,--output", arguments->out,
-          "File to write, .svg, .png or .pdf; - is the standard output; with --all a folder. "
-          "Pictures of layers or layouts append a name to it")
-      ->type_name("FILE")
-      ->required();
+          "File to write, .svg, .png or .pdf; - is the standard output. Pictures of layers or "
+          "layouts append a name to it")
+      ->type_name("FILE");
+  addBatchOutputOptions(*verb, arguments->batch);
   verb->add_option("--format", arguments->format,
                    "svg, png or pdf, regardless of the output's name")
       ->check(CLI::IsMember({"svg", "png", "pdf"}));
@@ -223,7 +229,7 @@ void addRenderCommand(CLI::App& app, Session& session) {
   verb->add_flag("--with-xrefs,!--no-xrefs", arguments->render.withReferences,
                  "Show external references that are found (the default), or none");
   addReferenceOptions(*verb, arguments->render.references);
-  verb->add_flag("--all", arguments->all, "Render every IN into the folder given by -o");
+  verb->add_flag("--all", arguments->all, "The same as --out-dir with the folder given by -o");
   verb->add_flag("--split-layers", arguments->render.splitLayers,
                  "One picture per layer (OUT-LAYER.svg and so on), all with the same window");
   verb->add_flag("-f,--force", arguments->render.force, "Replace output files that exist");
@@ -235,7 +241,7 @@ void addRenderCommand(CLI::App& app, Session& session) {
       "  vek0 render plan.dxf -o plan.png --size 1920x1080 --background black\n"
       "  vek0 render plan.dxf -o part.svg --window 0,0,500,300 --layers WALLS 'DOOR*'\n"
       "  vek0 render site.dxf -o site.svg --search /library\n"
-      "  vek0 render *.dxf --all --format png -o pictures\n\n"
+      "  vek0 render *.dxf --format png --out-dir pictures\n\n"
       "The output is written completely or not at all.");
   verb->callback([arguments, &session] { run(*arguments, session); });
 }

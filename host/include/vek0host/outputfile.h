@@ -25,6 +25,10 @@ class OutputFile {
   /// Sets the process-wide watch, for programs that remove the file when they are interrupted.
   static void setWatch(Watch watch);
 
+  /// Whether all outputs of the process are written, but never put into place.
+  static void setDryRun(bool isDry);
+  static bool isDryRun();
+
   /// Rejects an existing target unless `force`, with the reason in `error()`.
   OutputFile(const std::string& path, bool force, Content content = Text);
   ~OutputFile();
@@ -43,12 +47,14 @@ class OutputFile {
   /// The bytes of the finished file, before or after `commit`; 0 if unknown.
   std::uintmax_t size() const;
 
-  /// Moves the finished file into place. Returns false and sets `error()` on failure.
+  /// Moves the finished file into place, unless in a dry run. Returns false and sets `error()` on
+  /// failure.
   bool commit();
 
  private:
   std::string faultOf(const std::string& path, bool force) const;
   void createTemporary();
+  void noteUnwritable();
   bool writeToStandardOutput();
 
   std::filesystem::path m_target;

@@ -36,6 +36,8 @@ struct SaveOptions {
   bool isR12() const { return form == SaveForm::New && version == DxfVersion::R12; }
   /// Sets form and version by a name of `targetNames`.
   void setTarget(const std::string& name);
+  /// The format as messages name it: "R12", "2018", or "the file" if that is kept.
+  std::string targetName() const;
   /// The first of the options that belongs to R12 but is given for something else; empty if there
   /// is none.
   std::string misplacedOption() const;

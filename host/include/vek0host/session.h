@@ -10,6 +10,8 @@
 
 namespace vek0::host {
 
+class LossLog;
+
 /// What a program may fail at, worst last. The tool exits with these numbers.
 enum Failure {
   kNoFailure = 0,
@@ -30,12 +32,14 @@ struct ReadOptions {
 /// State shared by all operations that one user requested: how to read, whom to notify, and the
 /// worst failure.
 struct Session {
-  bool quiet = false;       ///< report errors, but no warnings and no results
-  bool readsTwice = false;  ///< the content of a pipe must be kept in memory
+  bool quiet = false;        ///< report errors, but no warnings and no results
+  bool keepsSource = false;  ///< drawings are saved as the files that they come from
+  bool readsTwice = false;   ///< the content of a pipe must be kept in memory
   ReadOptions reading;
   Failure worst = kNoFailure;
   /// Set by verbs whose exit code answers a question: 0 or 1. Any failure is then `kWrongUsage`.
   std::optional<int> answer;
+  LossLog* log = nullptr;  ///< lists what becomes of every drawing; may be null
 
   /// Receives every message; while it is empty, messages are dropped. A message is one sentence
   /// and may contain any character; `details` are complete lines below it, in which `visible` has

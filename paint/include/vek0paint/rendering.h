@@ -44,9 +44,4 @@ void renderDifferences(CData& before, CData& after, const COMPARISON& comparison
                        const std::string& in, const std::string& out, const RenderOptions& options,
                        host::Session& session);
 
-/// Renders each drawing to a file of its name in the folder `target`, which is created if
-/// necessary.
-void renderDrawings(const std::vector<std::string>& files, const std::string& target,
-                    const RenderOptions& options, host::Session& session);
-
 }  // namespace vek0::paint
