@@ -124,36 +124,38 @@ class Renderer {
     }
   }
 
-  // The old state is drawn over the new one, which has all that is the same.
-  void renderDifferences(CData& before, CData& after, const COMPARISON& comparison,
-                         const std::string& in, const std::string& out) {
-    for (CData* data : {&before, &after}) {
-      if (m_options.withReferences) readReferences(*data, in);
-      m_fonts.adopt(*data);
+  void renderDifferences(const NamedDrawing& before, const NamedDrawing& after,
+                         const COMPARISON& comparison, const std::string& out) {
+    RECT_2D extents;
+    extents.initRegion();
+    for (const NamedDrawing* drawing : {&before, &after}) {
+      if (m_options.withReferences) readReferences(drawing->data, drawing->name);
+      m_fonts.adopt(drawing->data);
+      const RECT_2D shown = shownExtents(drawing->data, *m_projector, m_drawOptions);
+      if (shown.validRegion()) extents.updateRegion(shown);
     }
-    RECT_2D extents = shownExtents(before, *m_projector, m_drawOptions);
-    const RECT_2D now = shownExtents(after, *m_projector, m_drawOptions);
-    if (!extents.validRegion())
-      extents = now;
-    else if (now.validRegion())
-      extents.updateRegion(now);
     PICTURE_OPTIONS layout = m_options.picture;
-    const PICTURE picture = layOutIn(after, in, layout, extents);
-    if (!picture.error.empty()) return fail(kWrongUsage, in + ": " + picture.error);
-    DRAW_MARKS added{{}, kSame}, removed;
-    for (const CEnt* ent : comparison.added) added.colors[ent] = kAdded;
-    for (const CEnt* ent : comparison.removed) removed.colors[ent] = kRemoved;
+    const PICTURE picture = layOutIn(after.data, after.name, layout, extents);
+    if (!picture.error.empty()) return fail(kWrongUsage, after.name + ": " + picture.error);
+    DRAW_MARKS now{{}, kSame}, old;
+    for (const CEnt* ent : comparison.added) now.colors[ent] = kAdded;
+    for (const CEnt* ent : comparison.removed) old.colors[ent] = kRemoved;
     for (const std::vector<ENT_CHANGE>* changes : {&comparison.moved, &comparison.changed})
       for (const ENT_CHANGE& change : *changes) {
-        added.colors[change.after] = kAdded;
-        removed.colors[change.before] = kRemoved;
+        now.colors[change.after] = kAdded;
+        old.colors[change.before] = kRemoved;
       }
     write(picture.sheet, out, true, [&](SheetPainter& painter, DRAW_RESULT& result) {
       Page page{picture, nullptr, m_drawOptions};
-      page.options.marks = &added;
-      result += draw(after, page, painter);
-      page.options.marks = &removed;
-      result += draw(before, page, painter);
+      const auto add = [&](const CData& data, const DRAW_MARKS& marks) {
+        page.options.marks = &marks;
+        result += draw(data, page, painter);
+      };
+      // What is the same would cover the old state, and the old state the new one.
+      add(after.data, now);
+      add(before.data, old);
+      now.rest.reset();
+      if (!old.colors.empty()) add(after.data, now);
       return true;
     });
   }
@@ -435,10 +437,10 @@ void renderDrawing(const std::string& in, const std::string& out, const RenderOp
   Renderer(options, session).render(in, out);
 }
 
-void renderDifferences(CData& before, CData& after, const COMPARISON& comparison,
-                       const std::string& in, const std::string& out, const RenderOptions& options,
-                       Session& session) {
-  Renderer(options, session).renderDifferences(before, after, comparison, in, out);
+void renderDifferences(const NamedDrawing& before, const NamedDrawing& after,
+                       const COMPARISON& comparison, const std::string& out,
+                       const RenderOptions& options, Session& session) {
+  Renderer(options, session).renderDifferences(before, after, comparison, out);
 }
 
 }  // namespace vek0::paint

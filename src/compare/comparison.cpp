@@ -77,8 +77,8 @@ class DrawingComparer {
         m_after(after),
         m_options(options),
         m_lists(before, after),
-        m_was(gather(HeldEnts(before), before)),
-        m_is(gather(HeldEnts(after), after)),
+        m_was(gather(HeldEnts(before, HeldEnts::WithoutIndex), before)),
+        m_is(gather(HeldEnts(after, HeldEnts::WithoutIndex), after)),
         m_comparer(closenessOf(before, after, options), m_ids,
                    kLeastEffort + kEffortPerEnt * (m_was.size() + m_is.size())),
         m_layers(m_lists.layers, m_ids.layers),
@@ -221,6 +221,7 @@ class DrawingComparer {
         if (isReported(was)) result.removed.push_back(was.ent);
         continue;
       }
+      if (was.isSame) continue;
       const MatchEnt& is = m_is[static_cast<std::size_t>(was.partner)];
       ENT_CHANGE change = m_comparer.compare(*was.ent, *is.ent);
       if (was.place != is.place) change.add(EntAspect::Place);

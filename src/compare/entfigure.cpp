@@ -45,6 +45,11 @@ void EntFigure::point(const PNT_3D& p) {
   points.push_back(image);
 }
 
+void EntFigure::direction(const PNT_3D& d) {
+  const double length = std::hypot(d.x, d.y, d.z);
+  for (const double part : {d.x, d.y, d.z}) ratio(length > 0 ? part / length : 0);
+}
+
 // As a direction: equal angles may differ by full turns.
 void EntFigure::angle(double angleRad) {
   lengths.push_back(std::cos(angleRad) * m_size);

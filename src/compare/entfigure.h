@@ -39,6 +39,7 @@ class EntFigure final : public IShapeSink {
   std::vector<const CEntAttrib*> attribs;
 
   void point(const PNT_3D& p) override;
+  void direction(const PNT_3D& d) override;
   void length(double length) override { lengths.push_back(length); }
   void ratio(double ratio) override { lengths.push_back(ratio * m_size); }
   void angle(double angleRad) override;

@@ -16,6 +16,7 @@ struct MatchEnt {
   Handle handle = 0;              ///< 0: none, or not that of the file
   std::int32_t place = 0;         ///< equal for corresponding places
   std::int32_t partner = kAlone;  ///< index in the other drawing
+  bool isSame = false;            ///< known to differ in nothing from the partner
 };
 using MatchEnts = std::vector<MatchEnt>;
 
@@ -46,6 +47,7 @@ class EntMatcher {
 
   std::vector<std::pair<std::int32_t, std::int32_t>> sharedHandles() const;
   bool explainsMost(const std::vector<std::pair<std::int32_t, std::int32_t>>& pairs);
+  void matchInOrder();
   void run(const Pass& pass, bool byHandles);
   std::vector<Key> keysOf(const Pass& pass, Side side);
   void pairUp(const Pass& pass, bool byHandles, const Key* before, const Key* beforeEnd,

@@ -23,8 +23,12 @@ class Describer final : public IEntVisitor {
   using IEntVisitor::visit;
   void visit(CEntPnt& ent) override { m_to.point(ent.getPnt()); }
   void visit(CEntLine& ent) override {
-    m_to.point(ent.getLine().p1);
-    m_to.point(ent.getLine().p2);
+    const LINE_3D& line = ent.getLine();
+    m_to.point(line.p1);
+    if (ent.getReach() == LineReach::Segment)
+      m_to.point(line.p2);
+    else
+      m_to.direction(line.p2 - line.p1);
     m_to.word(static_cast<long>(ent.getReach()));
   }
   void visit(CEntCircle& ent) override {

@@ -20,6 +20,8 @@ class IShapeSink {
   virtual ~IShapeSink() = default;
   /// A point, which follows every move.
   virtual void point(const PNT_3D& p) = 0;
+  /// A direction, of which the length has no meaning.
+  virtual void direction(const PNT_3D& d) = 0;
   /// A length in drawing units.
   virtual void length(double length) = 0;
   /// A number without unit: a scale, a bulge.

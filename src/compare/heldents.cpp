@@ -10,7 +10,7 @@
 
 namespace vek0::detail {
 
-HeldEnts::HeldEnts(const CData& data) {
+HeldEnts::HeldEnts(const CData& data, Index index) {
   for (const CEnt* ent : data.getEntTable().getEntityTbl()) add(*ent, {});
   const CBlockTable& blocks = data.getBlockTable();
   for (int i = 0; i < static_cast<int>(blocks.size()); ++i) {
@@ -18,11 +18,13 @@ HeldEnts::HeldEnts(const CData& data) {
     if ((isHatchName(block.getName()) && !block.isSheet()) || block.isOfRecord()) continue;
     for (unsigned k = 0; k < block.size(); ++k) add(*block[k], {&block, block.isSheet()});
   }
+  if (index == WithoutIndex) return;
+  for (std::size_t i = 0; i < m_all.size(); ++i)
+    m_places.emplace_back(m_all[i].ent->GetHandle(), i);
   std::sort(m_places.begin(), m_places.end());
 }
 
 void HeldEnts::add(const CEnt& ent, const Container& container) {
-  m_places.emplace_back(ent.GetHandle(), m_all.size());
   m_all.push_back({&ent, container});
 }
 

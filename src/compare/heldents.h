@@ -29,8 +29,9 @@ struct HeldEnt {
 /// left out.
 class HeldEnts {
  public:
-  /// Borrows the drawing. Linear.
-  explicit HeldEnts(const CData& data);
+  enum Index { WithIndex, WithoutIndex };
+  /// Borrows the drawing. `find` needs the index. n log n with it, else linear.
+  explicit HeldEnts(const CData& data, Index index = WithIndex);
 
   const std::vector<HeldEnt>& all() const { return m_all; }
   /// The first of that handle; null if there is none.

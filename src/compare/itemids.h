@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <string>
 #include <unordered_map>
 
@@ -36,7 +37,7 @@ class ItemIds {
     return m_names.try_emplace(name, static_cast<int>(m_names.size())).first->second;
   }
   int operator()(Side side, const Item* item) {
-    Last& last = m_last[static_cast<std::size_t>(side)];
+    Last& last = m_last[slotOf(side, item)];
     if (last.item != item || last.id < 0) last = {item, find(item)};
     return last.id;
   }
@@ -51,6 +52,11 @@ class ItemIds {
     int id = -1;
   };
 
+  static std::size_t slotOf(Side side, const Item* item) {
+    constexpr std::size_t bits = 5, size = 32;
+    const auto address = reinterpret_cast<std::uintptr_t>(item) / size;
+    return (address ^ address >> bits) % size + static_cast<std::size_t>(side) * size;
+  }
   int find(const Item* item) {
     const auto known = m_ids.find(item);
     if (known != m_ids.end()) return known->second;
@@ -66,7 +72,7 @@ class ItemIds {
 
   NameMap<int> m_names;
   std::unordered_map<const Item*, int> m_ids;
-  std::array<Last, 2> m_last;  // most entities have the items of the previous one
+  std::array<Last, 64> m_last;  // most entities have the items of one before them
 };
 
 }  // namespace vek0::detail

@@ -109,8 +109,8 @@ void run(DiffOptions& options, Session& session) {
   show(options, *before, *after, found, session);
 #ifdef VEK0_RENDER
   if (!options.picture.empty())
-    paint::renderDifferences(*before, *after, found, options.after, options.picture, options.render,
-                             session);
+    paint::renderDifferences({*before, options.before}, {*after, options.after}, found,
+                             options.picture, options.render, session);
 #endif
 }
 

@@ -37,11 +37,17 @@ struct RenderOptions {
 void renderDrawing(const std::string& in, const std::string& out, const RenderOptions& options,
                    host::Session& session);
 
-/// Renders the differences between two drawings: what is the same in light gray, what is removed or
-/// was otherwise before in red, what is added or is otherwise now in green. The drawings take over
-/// fonts for their pictures. `in` is the name of the second one, for messages.
-void renderDifferences(CData& before, CData& after, const COMPARISON& comparison,
-                       const std::string& in, const std::string& out, const RenderOptions& options,
-                       host::Session& session);
+/// A drawing that has been read, with the name of its file.
+struct NamedDrawing {
+  CData& data;
+  std::string name;
+};
+
+/// Renders the differences between the models of two drawings: what is the same in light gray, what
+/// is removed or was otherwise before in red, what is added or is otherwise now in green. The
+/// drawings get fonts for their picture.
+void renderDifferences(const NamedDrawing& before, const NamedDrawing& after,
+                       const COMPARISON& comparison, const std::string& out,
+                       const RenderOptions& options, host::Session& session);
 
 }  // namespace vek0::paint

@@ -59,6 +59,7 @@ class ShapeMixer final : public IShapeSink {
   explicit ShapeMixer(Mixer& mix) : m_mix(mix) {}
 
   void point(const PNT_3D& p) override { add(m_mix, p); }
+  void direction(const PNT_3D& d) override { add(m_mix, d); }
   void length(double length) override { m_mix.add(length); }
   void ratio(double ratio) override { m_mix.add(ratio); }
   void angle(double angleRad) override { m_mix.add(angleRad); }
