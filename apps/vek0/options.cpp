@@ -89,7 +89,7 @@ void addTargetOption(CLI::App& verb, SaveOptions& options, const char* name) {
   options.form = SaveForm::Kept;
   verb.add_option_function<std::string>(
           name, [&options](const std::string& target) { options.setTarget(target); },
-          "Version to write from scratch; keep changes nothing in the file but what is edited")
+          "Version to write; keep changes nothing in the file but what is edited")
       ->check(CLI::IsMember(targetNames()))
       ->type_name("VERSION")
       ->default_str("keep");

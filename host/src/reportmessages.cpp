@@ -109,6 +109,7 @@ constexpr auto kMessages = std::to_array<const char*>({
     "the lineweights of # <layer are|layers are> lost",
     "# <lineweight was|lineweights were> rounded",
     "# @ <record stays as it was|records stay as they were>, though moved or copied",
+    "# <part|parts> that the version lacks <was|were> left out: @",
     "blocks insert each other in a circle: @",
     "the external reference @ does not exist",
     "the external reference @ is outside of the allowed folders",

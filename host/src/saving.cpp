@@ -31,6 +31,8 @@ std::string problemOf(CDXFSource::Outcome outcome, const std::string& in, const 
       return {};
     case CDXFSource::Outcome::NotLoaded:
       return "'" + in + "' cannot be kept; use --to";
+    case CDXFSource::Outcome::Incomplete:
+      return "'" + in + "' is not complete enough for another version";
     case CDXFSource::Outcome::Changed:
       return "'" + in + "' has changed since it was read";
     case CDXFSource::Outcome::NotWritten:
@@ -39,13 +41,19 @@ std::string problemOf(CDXFSource::Outcome outcome, const std::string& in, const 
   return "'" + out + "' cannot be written";
 }
 
-// A drawing with the file that it comes from, if that is to be kept.
+// A drawing with the file that it comes from, if that or its records are to be kept.
 class RewrittenDrawing {
  public:
   RewrittenDrawing(const std::string& in, const SaveOptions& options, Session& session)
       : m_in(in), m_options(options), m_session(session), data(newDrawing()) {
-    if (options.form == SaveForm::Kept) m_source.emplace(openForReading(in, session));
+    if (options.isR12()) return;
+    m_source.emplace(openForReading(in, session));
+    const bool isNew = options.form == SaveForm::New;
+    if (isNew && (session.reading.hatchOutlines || !m_source->isComplete())) m_source.reset();
   }
+
+  /// Whether what is not read stays in the file.
+  bool isCarriedOver() const { return m_source.has_value(); }
 
   ReadResult load() {
     return m_source ? loadFile(*data, *m_source, m_in, m_session)
@@ -87,8 +95,13 @@ class RewrittenDrawing {
   }
   std::string write(OutputFile& output, CFileReport& report) const {
     const auto damage = m_options.repair ? CDXFSource::Damage::Repaired : CDXFSource::Damage::Kept;
-    if (m_source)
-      return problemOf(m_source->save(*data, output.file(), &report, damage), m_in, output.path());
+    if (m_source) {
+      const bool isKept = m_options.form == SaveForm::Kept;
+      const CDXFSource::Outcome outcome =
+          isKept ? m_source->save(*data, output.file(), &report, damage)
+                 : m_source->saveAs(*data, output.file(), m_options.version, &report);
+      return problemOf(outcome, m_in, output.path());
+    }
     if (SaveDXF(*data, output.file(), {m_options.version, m_options.flags(), &report})) return {};
     return "'" + output.path() + "' cannot be written";
   }
@@ -142,24 +155,23 @@ std::uintmax_t rewrite(const std::string& in, const std::string& out, const Save
     session.fail(kWrongUsage, misplaced + " requires --to r12");
     return 0;
   }
+  session.readsTwice = session.readsTwice || !options.isR12();
+  if (session.log) session.log->setTarget(options.targetName());
+  RewrittenDrawing drawing(in, options, session);
+  session.keepsSource = drawing.isCarriedOver();
   // Lines end as those of the source do.
-  const bool isKept = options.form == SaveForm::Kept;
-  OutputFile output(out, options.force, isKept ? OutputFile::Bytes : OutputFile::Text);
+  OutputFile output(out, options.force,
+                    drawing.isCarriedOver() ? OutputFile::Bytes : OutputFile::Text);
   if (!output.error().empty()) {
     session.fail(kOutputFailed, output.error());
     return 0;
   }
-  session.readsTwice = session.readsTwice || isKept;
-  session.keepsSource = isKept;
-  if (session.log) session.log->setTarget(options.targetName());
-  RewrittenDrawing drawing(in, options, session);
   const ReadResult result = drawing.load();
   if (!result.ok()) {
     session.fail(kDrawingFailed, in + ": " + result.message());
     return 0;
   }
-  // What is not read stays in the file.
-  if (!isKept) warnOfLosses(in, result, session);
+  if (!drawing.isCarriedOver()) warnOfLosses(in, result, session);
   return change(*drawing.data, result) && drawing.save(output) ? output.size() : 0;
 }
 

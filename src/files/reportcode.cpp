@@ -114,6 +114,7 @@ constexpr Row kRows[] = {
     {ReportCode::LineweightDropped, "lineweight dropped", kLoss},
     {ReportCode::LineweightRounded, "lineweight rounded", kChange},
     {ReportCode::RecordLeft, "record left", kLoss},
+    {ReportCode::NotInVersion, "not in version", kLoss},
     {ReportCode::BlocksInACircle, "blocks in a circle", kLoss},
     {ReportCode::ReferenceMissing, "reference missing", kLoss},
     {ReportCode::ReferenceForbidden, "reference forbidden", kLoss},

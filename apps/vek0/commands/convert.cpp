@@ -110,10 +110,10 @@ void addConvertCommand(CLI::App& app, Session& session) {
                    "Add the linetypes of a definition file; those that the drawing has are kept")
       ->type_name("FILE.lin")
       ->allow_extra_args(false);
-  verb->add_option(
-          "--to", options->target,
-          "Version to write; entities and properties that R12 lacks are native from 2000 on; keep "
-          "copies the file but for changed units")
+  verb->add_option("--to", options->target,
+                   "Version to write; from 2000 on, the records of later files than R14 stay as "
+                   "they are, apart "
+                   "from what the version lacks; keep copies the file but for changed units")
       ->check(CLI::IsMember(targetNames()))
       ->type_name("VERSION")
       ->capture_default_str();

@@ -130,6 +130,8 @@ enum class ReportCode : std::uint8_t {
   LineweightRounded,    ///< a lineweight became the nearest one that the format has
   RecordLeft,  ///< an entity of an unsupported kind was moved or copied, but its record stays as it
                ///< was
+  NotInVersion,     ///< what the version of the file lacks was left out: a section, a kind, a kind
+                    ///< with a group code, or a variable
   BlocksInACircle,  ///< blocks insert each other in a cycle, so saving failed
 
   // External references; the sample is "name: path".

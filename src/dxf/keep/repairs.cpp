@@ -1,5 +1,7 @@
 #include "dxf/keep/repairs.h"
 
+#include <algorithm>
+
 #include "dxf/keep/forgetting.h"
 #include "dxf/keep/newrecords.h"
 #include "vek0core/drawing/everyent.h"
@@ -33,11 +35,40 @@ void forgetDangling(EditContext& on) {
     }
 }
 
+// Objects without an owner go to the dictionary or object that names them as its own.
+void giveOwners(EditContext& on) {
+  std::unordered_map<Handle, Handle> owners;
+  const std::size_t count = on.index.entries().size();
+  const auto isObject = [&on](std::size_t i) {
+    return on.index[i].section == SourceSection::Objects && on.index[i].handle != 0;
+  };
+  for (std::size_t i = 0; i < count; ++i)
+    if (isObject(i))
+      for (const SourcePair& pair : on.index.read(i).pairs)
+        if (pair.code == 350 || pair.code == 360)
+          owners.try_emplace(handleOf(pair), on.index[i].handle);
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto owner = owners.find(on.index[i].handle);
+    if (!isObject(i) || owner == owners.end() || on.edits.isRemoved(i)) continue;
+    const SourceRecord record = on.edits.read(i);
+    const std::size_t at = record.find(330);
+    const std::size_t body = std::min(record.find(kSubclassCode), record.extendedData());
+    const bool isStated = at < body;
+    if (isStated && on.index.withHandle(handleOf(record.pairs[at])) != SourceIndex::kNone) continue;
+    if (isStated)
+      on.edits.change(i).setText(at, hexOf(owner->second));
+    else
+      on.edits.change(i).insert(body, 330, hexOf(owner->second));
+    on.note(ReportCode::OwnerMissing, zim::WString::fromUtf8(std::string(on.index.kindOf(i))));
+  }
+}
+
 }  // namespace
 
 void repair(EditContext& on, ItemEdits& items) {
   forEachEnt(on.data, [&items](const CEnt& ent) { items.need(ent); });
   replaceRepeated(on);
+  if (!on.version.isOld) giveOwners(on);
   forgetDangling(on);
   if (on.index.isCut()) on.edits.close(on.index.entries().size() - 1);
 }

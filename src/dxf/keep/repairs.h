@@ -6,7 +6,8 @@
 namespace vek0::detail {
 
 /// Plans the repairs of what is damaged in the source apart from the edits: items that entities use
-/// but no table declares, repeated handles, pointers to nothing, a missing end. Call it when the
+/// but no table declares, repeated handles, objects without an
+/// owner, pointers to nothing, a missing end. Call it when the
 /// other edits are planned. Linear in the file.
 void repair(EditContext& context, ItemEdits& items);
 

@@ -10,9 +10,13 @@
 #include "dxf/keep/byteprint.h"
 #include "dxf/keep/editedfile.h"
 #include "dxf/keep/fingerprint.h"
+#include "dxf/keep/sourceindex.h"
+#include "dxf/keep/versionchange.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/drawing/handlemanager.h"
 #include "vek0core/dxf/in/filedxfierror.h"
+#include "vek0core/files/filememory.h"
+#include "vek0core/files/textcodec.h"
 
 namespace {
 
@@ -100,6 +104,8 @@ CFileDXFIResult CDXFSource::load(CData& data, CFileDXFIError* err,
     m_size = file.print().size();
     m_bytesPrint = file.print().value();
     m_drawingPrint = vek0::detail::printOf(data);
+    m_version = result.version.toUtf8();
+    m_encoding = result.encoding;
     m_isLoaded = true;
   } catch (const std::bad_alloc&) {
     record.SetError(CFileDXFIError::GeneralError);
@@ -135,6 +141,54 @@ CDXFSource::Outcome CDXFSource::save(const CData& data, IFile& file, CFileReport
   } catch (const std::bad_alloc&) {
     for (IFile* open : {&file, m_file.get()})
       if (open->isOpened()) open->close();
+    return Outcome::NotWritten;
+  }
+}
+
+bool CDXFSource::isComplete() const {
+  try {
+    if (!m_file->open()) return false;
+    std::string source;
+    std::vector<char> block(kBlock);
+    bool isNew = true;  // as far as known
+    while (isNew) {
+      const long got = m_file->readBytes(block.data(), static_cast<long>(block.size()));
+      if (got <= 0) break;
+      const bool isFirst = source.empty();
+      source.append(block.data(), static_cast<std::size_t>(got));
+      if (isFirst) isNew = vek0::detail::isFromAC1015(source);
+    }
+    m_file->close();
+    if (!isNew || source.empty()) return false;
+    const vek0::detail::SourceText text(std::move(source));
+    return vek0::detail::isComplete(vek0::detail::SourceIndex(text));
+  } catch (const std::bad_alloc&) {
+    if (m_file->isOpened()) m_file->close();
+    return false;
+  }
+}
+
+CDXFSource::Outcome CDXFSource::saveAs(const CData& data, IFile& file, DxfVersion version,
+                                       CFileReport* report) const {
+  if (!m_isLoaded) return Outcome::NotLoaded;
+  if (version == DxfVersion::R12 || m_version < nameOf(DxfVersion::R2000))
+    return Outcome::Incomplete;
+  if (m_version == nameOf(version)) return save(data, file, report, Damage::Repaired);
+  try {
+    CFileMemory kept(u"kept", IFile::kWrite);
+    const Outcome outcome = save(data, kept, report, Damage::Repaired);
+    if (outcome != Outcome::Saved) return outcome;
+    std::string bytes = kept.bytes();
+    kept.open();  // frees its copy
+    const int page = codePageFromName(m_encoding);
+    if (!vek0::detail::changeVersion(bytes, page, version, report)) return Outcome::Incomplete;
+    if (!file.open()) return Outcome::NotWritten;
+    const bool isWritten =
+        file.writeBytes(bytes.data(), static_cast<long>(bytes.size())) && !file.fail();
+    file.close();
+    return isWritten ? Outcome::Saved : Outcome::NotWritten;
+  } catch (const std::bad_alloc&) {
+    if (file.isOpened()) file.close();
     return Outcome::NotWritten;
   }
 }

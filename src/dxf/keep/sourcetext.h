@@ -39,6 +39,8 @@ class SourceText {
   explicit SourceText(std::string bytes);
 
   std::string_view bytes() const { return m_bytes; }
+  /// Whether the lines are those of the file: neither binary nor UTF-16.
+  bool isPlain() const { return m_form == Form::Bytes; }
   /// Offset of the first line.
   std::size_t start() const { return m_start; }
   /// Offset after `count` lines, an even number in binary files, from the offset `begin`.

@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "vek0core/dxf/in/filedxfioptions.h"
 #include "vek0core/dxf/in/parse/loaddxf.h"
+#include "vek0core/dxf/out/modern/saveoptions.h"
 #include "vek0core/export.h"
 #include "vek0core/files/file.h"
 
@@ -39,6 +41,7 @@ class VEK0_API CDXFSource {
   enum class Outcome {
     Saved,
     NotLoaded,   ///< `load` has failed, or the file offers no bytes
+    Incomplete,  ///< `saveAs` cannot carry the records over
     Changed,     ///< the source is no longer what was loaded, or cannot be read
     NotWritten,  ///< `file` cannot be written, or memory ran out
   };
@@ -46,8 +49,9 @@ class VEK0_API CDXFSource {
   /// What becomes of damage in the source that concerns no edit.
   enum class Damage {
     Kept,
-    /// Undeclared layers, linetypes and styles are declared, repeated handles replaced, pointers to
-    /// nothing removed where the format allows it, and a cut file gets its end.
+    /// Undeclared layers, linetypes and styles are declared, repeated handles replaced, objects
+    /// given the owners that name them, pointers to nothing removed where the format allows it, and
+    /// a cut file gets its end.
     Repaired,
   };
 
@@ -58,10 +62,27 @@ class VEK0_API CDXFSource {
   Outcome save(const CData& data, IFile& file, CFileReport* report = nullptr,
                Damage damage = Damage::Kept) const;
 
+  /// Whether `saveAs` can carry records over: whether the file is of AC1015 or later, has its end
+  /// mark, the tables BLOCK_RECORD and LAYER, a root dictionary, blocks for its dimensions, layouts
+  /// for its paper spaces, and a handle for every entity, table entry and object, none of them
+  /// twice. Needs no `load`. Costs as much as indexing the file, in
+  /// time and memory, or as reading its header if that states an older version.
+  bool isComplete() const;
+
+  /// As `save` with `Damage::Repaired`, in another version from AC1015 on: records are carried over
+  /// as they are. What the version lacks is left out and reported. Texts are encoded as the version
+  /// demands: in UTF-8 from AC1021 on, before that in the code page that the header states, with
+  /// escapes for all other characters. Binary files become text files. With the version that the
+  /// file has, only edits and repairs change. Returns `Incomplete`, with nothing written, for R12
+  /// and if `isComplete` is false.
+  Outcome saveAs(const CData& data, IFile& file, DxfVersion version,
+                 CFileReport* report = nullptr) const;
+
  private:
   std::unique_ptr<IFile> m_file;
   CFileDXFIOptions m_options;
   bool m_isLoaded = false;
+  std::string m_version, m_encoding;  // as loaded
   std::uint64_t m_size = 0;
   std::uint64_t m_bytesPrint = 0;    // of the file's content
   std::uint64_t m_drawingPrint = 0;  // of the drawing as loaded
