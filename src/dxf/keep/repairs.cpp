@@ -63,12 +63,38 @@ void giveOwners(EditContext& on) {
   }
 }
 
+// Texts in styles that no table has get the usual one, as when they are read.
+void replaceStyles(EditContext& on) {
+  std::unordered_set<std::string> declared;
+  const std::size_t count = on.index.entries().size();
+  for (std::size_t i = 0; i < count; ++i)
+    if (on.index.is(i, "STYLE")) declared.insert(upperCase(on.index.nameOf(i)));
+  for (std::size_t i = 0; i < count; ++i) {
+    const SourceSection section = on.index[i].section;
+    const bool isEntity = section == SourceSection::Blocks || section == SourceSection::Entities;
+    if (!isEntity || on.edits.isRemoved(i) || on.edits.isRewritten(i)) continue;
+    const SourceRecord record = on.edits.read(i);
+    const bool isText = std::any_of(record.pairs.begin(), record.pairs.end(), [](const auto& pair) {
+      return pair.code == kSubclassCode && (pair.value == "AcDbText" || pair.value == "AcDbMText");
+    });
+    const std::size_t style = isText ? record.find(7) : SourceRecord::kNone;
+    if (style == SourceRecord::kNone) continue;
+    const std::string name = record.pairs[style].value;
+    if (declared.contains(upperCase(name))) continue;
+    on.edits.change(i).erase(style);
+    on.note(ReportCode::StyleUnknown, zim::WString::fromUtf8(name));
+  }
+}
+
 }  // namespace
 
 void repair(EditContext& on, ItemEdits& items) {
   forEachEnt(on.data, [&items](const CEnt& ent) { items.need(ent); });
   replaceRepeated(on);
-  if (!on.version.isOld) giveOwners(on);
+  if (!on.version.isOld) {
+    giveOwners(on);
+    replaceStyles(on);
+  }
   forgetDangling(on);
   if (on.index.isCut()) on.edits.close(on.index.entries().size() - 1);
 }

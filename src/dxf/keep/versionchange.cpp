@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <unordered_set>
+#include <vector>
 
 #include "dxf/keep/forgetting.h"
 #include "dxf/keep/newrecords.h"
@@ -74,6 +75,31 @@ class Transcoder {
   std::u16string m_text;
 };
 
+// The stated code page or another one that has all letters of the file, so that names need no
+// escapes, which few programs expect there.
+int pageWithLetters(std::string_view lines, int from, int stated) {
+  constexpr std::size_t units = 0x10000;
+  std::vector<bool> isUsed(units);
+  CTextDecoder decoder(from);
+  decoder.setSense(true);
+  std::u16string text;
+  while (!lines.empty()) {
+    const std::string_view line = lines.substr(0, lines.find_first_of("\r\n"));
+    text.clear();
+    if (!isAscii(line)) decoder.decode(line, text);
+    for (const char16_t unit : text) isUsed[unit] = unit >= 0x80;
+    lines.remove_prefix(std::min(line.size() + 1, lines.size()));
+  }
+  for (const int page : {stated, kCodePage1252, 1250, 1251, 1253, 1254, 1257}) {
+    const CTextEncoder encoder(page);
+    bool hasAll = true;
+    for (std::size_t unit = 0; unit < units && hasAll; ++unit)
+      hasAll = !isUsed[unit] || encoder.has(static_cast<zim::Char>(unit));
+    if (hasAll) return page;
+  }
+  return stated;
+}
+
 // The place after the name of a variable of the header; `kNone` if it is not there.
 std::size_t valueOf(const SourceRecord& header, std::string_view variable) {
   for (std::size_t i = 0; i + 1 < header.pairs.size(); ++i)
@@ -93,7 +119,8 @@ class VersionChange {
 
   std::string run(int codePage) {
     survey();
-    Transcoder transcoder(codePage, pageOfTarget());
+    m_page = pageOfTarget(codePage);
+    Transcoder transcoder(codePage, m_page);
     std::string out;
     const std::string_view all = m_text.bytes();
     const std::size_t first = m_index.entries().front().begin;
@@ -118,8 +145,6 @@ class VersionChange {
 
   void survey() {
     m_dropped.assign(m_index.entries().size(), false);
-    for (std::size_t i = 0; i < m_dropped.size(); ++i)
-      if (m_index.is(i, "STYLE")) m_styles.insert(upperCase(m_index.nameOf(i)));
     if (!m_differences.lacksStoredData()) return;
     bool isInData = false;
     for (std::size_t i = 0; i < m_dropped.size(); ++i) {
@@ -133,13 +158,13 @@ class VersionChange {
     }
   }
 
-  // The code page that the target states. Texts of all others are escaped.
-  int pageOfTarget() const {
+  int pageOfTarget(int codePage) const {
     if (m_version >= DxfVersion::R2007) return kCodePageUtf8;
     const SourceRecord header = m_index.read(0);
     const std::size_t at = valueOf(header, "$DWGCODEPAGE");
     const int page = at == SourceRecord::kNone ? 0 : codePageFromName(header.pairs[at].value);
-    return page == kCodePageAuto || page == kCodePageUtf8 ? kCodePage1252 : page;
+    const int stated = page == kCodePageAuto || page == kCodePageUtf8 ? kCodePage1252 : page;
+    return m_text.isPlain() ? pageWithLetters(m_text.bytes(), codePage, stated) : stated;
   }
 
   std::string written(std::size_t entry) {
@@ -168,12 +193,12 @@ class VersionChange {
     });
     header.setText(valueOf(header, "$ACADVER"), nameOf(m_version));
     const std::size_t page = valueOf(header, "$DWGCODEPAGE");
-    const std::string name = CTextEncoder(pageOfTarget()).getName();
+    const std::string name = CTextEncoder(m_page).getName();
     if (page == SourceRecord::kNone) {
       header.pairs.push_back(pairOf(kVariable, "$DWGCODEPAGE"));
       header.pairs.push_back(pairOf(3, name));
     } else if (m_version < DxfVersion::R2007 &&
-               codePageFromName(header.pairs[page].value) != pageOfTarget()) {
+               codePageFromName(header.pairs[page].value) != m_page) {
       header.setText(page, name);
     }
   }
@@ -200,7 +225,6 @@ class VersionChange {
       }
       if (isInGroup) return false;
       renumber(pair, part);
-      if (isUndeclaredStyle(pair, part)) return true;
       if (!codes || !lacks(*codes, pair.code, seen)) return false;
       note(kind + " " + std::to_string(pair.code));
       return true;
@@ -216,13 +240,6 @@ class VersionChange {
     const bool isRepeated = has(seen, code);
     seen.push_back(static_cast<short>(code));
     return isRepeated;
-  }
-
-  bool isUndeclaredStyle(const SourcePair& pair, std::string_view part) const {
-    const bool isStyle = pair.code == 7 && (part == "AcDbText" || part == "AcDbMText");
-    if (!isStyle || m_styles.contains(upperCase(pair.value))) return false;
-    if (m_report) m_report->add(ReportCode::StyleUnknown, 0, zim::WString::fromUtf8(pair.value));
-    return true;
   }
 
   // The size of proxy graphics.
@@ -244,9 +261,9 @@ class VersionChange {
   const VersionDifferences m_differences;
   CFileReport* const m_report;
   const SourceText m_plain{std::string()};
+  int m_page = kCodePageUtf8;
   std::vector<bool> m_dropped;
   std::unordered_set<Handle> m_forgotten;
-  std::unordered_set<std::string> m_styles;
 };
 
 bool needsHandle(const SourceIndex& index, std::size_t entry) {

@@ -13,8 +13,8 @@ class SourceIndex;
 /// Whether a file has what every version from AC1015 on requires, so that its records can be
 /// carried over to another one: its end mark, the tables BLOCK_RECORD and LAYER, the block of the
 /// model, a root dictionary, the plot style that every file has, blocks for its dimensions, layouts
-/// for its further paper spaces, and a handle for every entity, table entry and object, none of them twice.
-/// Linear.
+/// for its further paper spaces, and a handle for every entity, table entry and object, none of
+/// them twice. Linear.
 bool isComplete(const SourceIndex& index);
 
 /// Whether the header of `bytes` states AC1015 or a later version. Reads the header only.

@@ -49,9 +49,10 @@ class VEK0_API CDXFSource {
   /// What becomes of damage in the source that concerns no edit.
   enum class Damage {
     Kept,
-    /// Undeclared layers, linetypes and styles are declared, repeated handles replaced, objects
-    /// given the owners that name them, pointers to nothing removed where the format allows it, and
-    /// a cut file gets its end.
+    /// Undeclared layers, linetypes and styles are declared, unless only texts of kinds without a
+    /// class name the style: they get the usual one. Repeated handles are replaced, objects given
+    /// the owners that name them, pointers to nothing removed where the format allows it, and a cut
+    /// file gets its end.
     Repaired,
   };
 
@@ -71,10 +72,10 @@ class VEK0_API CDXFSource {
 
   /// As `save` with `Damage::Repaired`, in another version from AC1015 on: records are carried over
   /// as they are. What the version lacks is left out and reported. Texts are encoded as the version
-  /// demands: in UTF-8 from AC1021 on, before that in the code page that the header states, with
-  /// escapes for all other characters. Binary files become text files. With the version that the
-  /// file has, only edits and repairs change. Returns `Incomplete`, with nothing written, for R12
-  /// and if `isComplete` is false.
+  /// demands: in UTF-8 from AC1021 on, before that in the code page that the header states, or in
+  /// another one if that has all letters, with escapes for all other characters. Binary files
+  /// become text files. With the version that the file has, only edits and repairs change. Returns
+  /// `Incomplete`, with nothing written, for R12 and if `isComplete` is false.
   Outcome saveAs(const CData& data, IFile& file, DxfVersion version,
                  CFileReport* report = nullptr) const;
 
