@@ -8,7 +8,9 @@ namespace vek0::host {
 const std::vector<StepKind>& stepKinds() {
   static const std::vector<StepKind> kinds = {
       {"--select", "WHAT",
-       "Select what the next steps apply to: layer=NAMES,kind=KINDS,window=X1,Y1,X2,Y2, or all",
+       "Select what the next steps apply to: 'kind=LINE,ARC layer=WALL* color=1..7 !handle=1F', "
+       "also "
+       "text, block, linetype, window=X1,Y1,X2,Y2 and crossing; or all",
        readSelect},
       {"--move", "DX,DY[,DZ]", "Move", readMove},
       {"--copy", "DX,DY[,DZ]", "Copy to there, and select the copies", readCopy},
@@ -28,6 +30,11 @@ const std::vector<StepKind>& stepKinds() {
        readSetColor},
       {"--set-linetype", "NAME", "Set the linetype: one of the drawing's, bylayer or byblock",
        readSetLtype},
+      {"--set-text", "TEXT", "Set the string of texts and attributes", readSetText},
+      {"--replace", "s/OLD/NEW/FLAGS",
+       "Replace matches of a regular expression (ECMAScript) in texts and attributes; the flag g "
+       "replaces all of them, i ignores case",
+       readReplace},
       {"--delete", nullptr, "Delete", readDelete},
       {"--remap-layer", "OLD=NEW",
        "Replace layer OLD by NEW in the whole drawing, including blocks; NEW is created if it does "

@@ -1,5 +1,6 @@
 #include "vek0core/tables/colors.h"
 #include "vek0host/editsteps.h"
+#include "vek0host/propertytext.h"
 
 namespace vek0::host {
 namespace {
@@ -16,16 +17,6 @@ StepOutcome setAll(Editing& editing, const std::string& what, const Set& set) {
   return StepOutcome::done(countedEntities(editing.chosen.size()) + what);
 }
 
-// The number for a color name or for digits; -1 for other texts.
-short colorOf(const zim::WString& name) {
-  for (short color = 0; color <= 256; ++color) {
-    if (zim::equalsIgnoreCase(name, CColors::getInstance()[color]) ||
-        name.toUtf8() == std::to_string(color))
-      return color;
-  }
-  return -1;
-}
-
 }  // namespace
 
 std::string readSetLayer(const std::string& text, EditStep& step) {
@@ -40,7 +31,7 @@ std::string readSetLayer(const std::string& text, EditStep& step) {
 }
 
 std::string readSetColor(const std::string& text, EditStep& step) {
-  const short color = colorOf(zim::WString::fromUtf8(text));
+  const short color = colorNumberOf(text);
   if (color < 0) return "'" + text + "' is not a color like 3, red, bylayer or byblock";
   step = onChosen([color](Editing& editing) {
     return setAll(editing, " colored " + CColors::getInstance()[color].toUtf8(),

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "vek0core/tables/colors.h"
 #include "vek0host/textvalues.h"
 
 namespace vek0::host {
@@ -17,6 +18,14 @@ RGB_COLOR colorOnWhite(std::uint32_t trueColor, short number) {
   constexpr int foreground = 7;
   if (trueColor != ENT_TRAITS::kNoTrueColor) return unpackColor(static_cast<long>(trueColor));
   return number == foreground ? RGB_COLOR{0, 0, 0} : paletteColor(number);
+}
+
+short colorNumberOf(const std::string& text) {
+  const zim::WString name = zim::WString::fromUtf8(text);
+  for (short color = 0; color <= 256; ++color)
+    if (zim::equalsIgnoreCase(name, CColors::getInstance()[color]) || text == std::to_string(color))
+      return color;
+  return -1;
 }
 
 double weightInMm(const CData& data, short weight) {

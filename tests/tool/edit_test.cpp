@@ -309,3 +309,19 @@ TEST_F(Edit, UndoCheckHoldsForEveryKindAndStepAndChangesNothing) {
     EXPECT_EQ(contents(path("one.dxf")), contents(path("two.dxf")));
   }
 }
+
+TEST_F(Edit, RewordsTextsAndAttributes) {
+  write("plan.dxf",
+        entitiesOf("AC1015",
+                   "0 TEXT|5 A1|8 0|10 0|20 0|40 1|1 Door 1, door 2|0 INSERT|5 A2|8 0|"
+                   "66 1|2 B|10 0|20 0|0 ATTRIB|5 A3|8 0|10 0|20 0|40 1|1 door|2 TAG|"
+                   "0 SEQEND|5 A4|8 0|0 MTEXT|5 A5|8 0|10 0|20 0|40 1|41 0|1 door\\Pgate|"
+                   "0 MTEXT|5 A6|8 1|10 0|20 0|40 1|41 0|1 hall"));
+  for (const Row& t : rows()) {
+    SCOPED_TRACE(t.text("steps"));
+    const Outcome got = edit(t.text("steps"));
+    EXPECT_EQ(got.code, t.whole("code")) << got.err;
+    EXPECT_NE(got.err.find(t.text("said")), std::string::npos) << got.err;
+    if (got.code == 0) EXPECT_NE(contents(path("out.dxf")).find(t.text("then")), std::string::npos);
+  }
+}

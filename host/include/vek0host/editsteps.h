@@ -42,6 +42,10 @@ std::string readSetLayer(const std::string& text, EditStep& step);  ///< a name
 std::string readSetColor(const std::string& text, EditStep& step);
 std::string readSetLtype(const std::string& text, EditStep& step);  ///< a name
 
+std::string readSetText(const std::string& text, EditStep& step);  ///< the text
+/// "s/old/new/flags" with an ECMAScript expression; the flags are g and i.
+std::string readReplace(const std::string& text, EditStep& step);
+
 std::string readRemapLayer(const std::string& text, EditStep& step);  ///< "OLD=NEW"
 std::string readRemapLtype(const std::string& text, EditStep& step);  ///< "OLD=NEW"
 std::string readRemapStyle(const std::string& text, EditStep& step);  ///< "OLD=NEW"

@@ -10,6 +10,10 @@ namespace vek0::host {
 /// The color of a number on a white background, where 7 is black; of a true color if there is one.
 RGB_COLOR colorOnWhite(std::uint32_t trueColor, short number);
 
+/// The number for a color's name, BYLAYER and BYBLOCK among them, or for digits; -1 for other
+/// texts.
+short colorNumberOf(const std::string& text);
+
 /// A lineweight of the traits in millimeters; that of the drawing for "default".
 double weightInMm(const CData& data, short weight);
 

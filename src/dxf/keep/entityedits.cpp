@@ -18,6 +18,8 @@
 #include "vek0core/entities/blocks/entinsert.h"
 #include "vek0core/entities/edit/entexplodervisitor.h"
 #include "vek0core/entities/entpolyline.h"
+#include "vek0core/entities/enttext.h"
+#include "vek0core/tables/style.h"
 
 namespace vek0::detail {
 namespace {
@@ -249,7 +251,36 @@ std::vector<SourceRecord> EntityEdits::rewrite(std::size_t entry,
   return records;
 }
 
+// A formatted text without formats, of which only the string differs.
+bool EntityEdits::reword(const Action& action, SourceRecord& record) const {
+  constexpr long string = 1, chunk = 3;
+  const bool isPlain = record.is("MTEXT") && action.before->getType() == CEntText::kType &&
+                       action.after->getType() == CEntText::kType &&
+                       record.find(chunk) == SourceRecord::kNone;
+  const std::size_t at = record.find(string);
+  if (!isPlain || at == SourceRecord::kNone) return false;
+  const TEXT_3D& after = static_cast<const CEntText&>(*action.after).getText();
+  TEXT_3D changed = static_cast<const CEntText&>(*action.before).getText();
+  const zim::WString was = changed.getContext().getString();
+  CTextContext context = changed.getContext();
+  context.setString(after.getContext().getString());
+  changed.setContext(context);
+  // Each drawing has styles of its own.
+  const CStyle *style = changed.getStyle(), *other = after.getStyle();
+  if (style && other && style->getName() == other->getName()) changed.setStyle(after.getStyle());
+  CTextDecoder decoder = m_on.decoder;
+  if (changed != after || decoder.decodeText(record.pairs[at].value) != was) return false;
+  std::u16string text;
+  for (const char16_t unit : after.getContext().getString().view()) {
+    if (unit == u'\\' || unit == u'{' || unit == u'}') text += u'\\';
+    text += unit;
+  }
+  record.setText(at, m_on.after->encoded(text));
+  return true;
+}
+
 bool EntityEdits::patchShape(const Action& action, std::vector<SourceRecord>& records) {
+  if (reword(action, records[0])) return true;
   if (saysMore(records) && followMap(action, records)) return true;
   const bool isAtOrigin = action.base == PNT_3D(0, 0, 0);
   if (isOwnKind(action.before->getRecord()) && !isWhole(*action.before) && isAtOrigin) {

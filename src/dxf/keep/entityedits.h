@@ -62,6 +62,7 @@ class EntityEdits {
   std::vector<SourceRecord> writeWhole(const CEnt& ent);
   void dropPrivateBlocks();
   bool patchShape(const Action& action, std::vector<SourceRecord>& records);
+  bool reword(const Action& action, SourceRecord& record) const;
   bool followMap(const Action& action, std::vector<SourceRecord>& records);
   std::vector<SourceRecord> replacement(const Action& action,
                                         const std::vector<SourceRecord>& records);
