@@ -109,6 +109,7 @@ int parseAndRun(std::vector<std::string> arguments, Session& session) {
   addListCommand(app, session);
   addCheckCommand(app, session);
   addDiffCommand(app, session);
+  addGrepCommand(app, session);
   addConvertCommand(app, session);
   addImportCommand(app, session);
   addEditCommand(app, session);
@@ -119,7 +120,8 @@ int parseAndRun(std::vector<std::string> arguments, Session& session) {
   addXrefsCommand(app, session);
   app.footer(
       "Exit codes: 0 success, 1 a drawing failed, 2 wrong usage, 3 an output could not be "
-      "written.\nOf diff: 0 equal, 1 different, 2 any failure.");
+      "written.\nOf diff: 0 equal, 1 different, 2 any failure.\nOf grep: 0 found, 1 not "
+      "found, 2 any failure.");
 
   if (!arguments.empty() && arguments[0] == "help") {
     arguments.erase(arguments.begin());

@@ -48,6 +48,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+// Added to the exit code of a child whose answer is 0.
+constexpr int kAnswered = 1 << 4;
+
 // What a child prints, and its part of the log, in files without names.
 enum Channel { kOutput, kErrors, kLog, kChannels };
 
@@ -62,6 +65,7 @@ struct Result {
   std::array<std::FILE*, kChannels> files{};
   bool isDone = false;
   Failure worst = host::kDrawingFailed;
+  bool isAnswered = false;  // with 0
   std::string death;
 };
 
@@ -157,7 +161,7 @@ void Workers::workInChild(std::size_t job, const std::function<void(std::size_t)
   }
   if (std::fflush(stdout) != 0) m_session.failed(host::kOutputFailed);
   std::fflush(stderr);
-  std::_Exit(m_session.worst);
+  std::_Exit(m_session.worst | (m_session.answer == 0 ? kAnswered : 0));
 }
 
 void Workers::giveUp(std::size_t job, const std::string& why) {
@@ -179,7 +183,8 @@ bool Workers::reap() {
   else if (WIFSIGNALED(status))
     result.death = "the process ended with signal " + std::to_string(WTERMSIG(status));
   else
-    result.worst = static_cast<Failure>(WEXITSTATUS(status));
+    result.worst = static_cast<Failure>(WEXITSTATUS(status) & ~kAnswered);
+  result.isAnswered = result.death.empty() && (WEXITSTATUS(status) & kAnswered) != 0;
   m_children.erase(found);
   return true;
 }
@@ -211,6 +216,7 @@ void Workers::tell(std::size_t job,
   }
   for (std::FILE*& file : result.files)
     if (file) std::fclose(file);
+  if (result.isAnswered) m_session.answer = 0;
   ended(job, result.worst, result.death);
 }
 

@@ -14,8 +14,9 @@ struct WorkerOptions {
 };
 
 /// Does each job in a process of its own. What a job prints is passed on when all earlier jobs have
-/// ended, and so is what it adds to the session's log. `ended` is then called with the worst
-/// failure of the job and, if the process did not end by itself, how it died.
+/// ended, and so is what it adds to the session's log; an answer of 0 counts for all. `ended` is
+/// then called with the worst failure of the job and, if the process did not end by itself, how it
+/// died.
 ///
 /// Where processes cannot be duplicated, the jobs are done here, one after the other.
 void runWorkers(std::size_t jobs, const WorkerOptions& options, host::Session& session,

@@ -1,8 +1,10 @@
 // vek0 list: entities with the properties that they are drawn with.
+#include <nlohmann/json.hpp>
+
 #include "support/test.h"
 #include "tooltest.h"
 
-using namespace vek0::test;
+using Json = nlohmann::json;
 
 namespace {
 
