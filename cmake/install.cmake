@@ -25,4 +25,24 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vek0core.pc ${CMAKE_CURRENT_BINARY_DIR
 
 if(TARGET vek0)
   install(TARGETS vek0)
+  # The tool itself prints its manual page and the completions.
+  if(NOT CMAKE_CROSSCOMPILING)
+    set(shell_files ${CMAKE_CURRENT_BINARY_DIR}/shellfiles)
+    file(MAKE_DIRECTORY ${shell_files})
+    function(vek0_print name)
+      string(REPLACE ";" " " arguments "${ARGN}")
+      install(CODE "execute_process(COMMAND \"$<TARGET_FILE:vek0>\" ${arguments}
+        OUTPUT_FILE \"${shell_files}/${name}\" COMMAND_ERROR_IS_FATAL ANY)")
+    endfunction()
+    vek0_print(vek0.1 man)
+    vek0_print(vek0 completion bash)
+    vek0_print(_vek0 completion zsh)
+    vek0_print(vek0.fish completion fish)
+    install(FILES ${shell_files}/vek0.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES ${shell_files}/vek0
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+    install(FILES ${shell_files}/_vek0 DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+    install(FILES ${shell_files}/vek0.fish
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+  endif()
 endif()

@@ -13,6 +13,7 @@
 #include "interruption.h"
 #include "options.h"
 #include "progressfile.h"
+#include "shellfiles.h"
 #include "terminal.h"
 #include "vek0core/vek0core.h"
 #include "vek0host/losslog.h"
@@ -118,6 +119,7 @@ int parseAndRun(std::vector<std::string> arguments, Session& session) {
   addLinetypesCommand(app, session);
   addRenderCommand(app, session);
   addXrefsCommand(app, session);
+  addShellCommands(app);
   app.footer(
       "Exit codes: 0 success, 1 a drawing failed, 2 wrong usage, 3 an output could not be "
       "written.\nOf diff: 0 equal, 1 different, 2 any failure.\nOf grep: 0 found, 1 not "
@@ -147,7 +149,7 @@ int parseAndRun(std::vector<std::string> arguments, Session& session) {
     }
     std::ostringstream help;
     app.exit(problem, help, help);
-    print(help.str());
+    print(tidyHelp(help.str()));
     return kNoFailure;
   }
   finishReport(reporting, app.get_subcommands().front()->get_name(), session);

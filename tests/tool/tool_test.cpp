@@ -404,3 +404,17 @@ TEST_F(Tool, ConvertAddsLinetypes) {
   EXPECT_NE(line["styles"].dump().find("Signs", 0), std::string::npos) << line["styles"].dump();
   EXPECT_EQ(run("convert -q -f --linetypes pipes.lin good.dxf out.dxf").err, "");
 }
+
+// Shells read these files; every verb and option is in them.
+TEST_F(Tool, PrintsItsManualAndCompletions) {
+  for (const char* made : {"man", "completion bash", "completion zsh", "completion fish"}) {
+    const Outcome got = run(made);
+    EXPECT_EQ(got.code, 0) << got.err;
+    for (const char* word : {"xrefs", "undo", "files", "closed"})
+      EXPECT_NE(got.out.find(word), std::string::npos) << made << ' ' << word;
+  }
+  EXPECT_EQ(run("completion csh").code, 2);
+  const std::string help = run("--help-all").out;
+  for (const char* leftover : {"{false}", "[Option Group: "})
+    EXPECT_EQ(help.find(leftover), std::string::npos) << leftover;
+}

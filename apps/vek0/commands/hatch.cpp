@@ -79,7 +79,7 @@ void addHatchCommand(CLI::App& app, Session& session) {
       "Examples:\n"
       "  vek0 hatch plan.dxf -o hatched.dxf --pattern ANSI31 --scale 25 --closed-polylines\n"
       "  vek0 hatch plan.dxf -o hatched.dxf --pattern BRICK --angle 45 --boundary 0,0 10,0 10,5\n\n"
-      "The hatch is written as an insert of its lines, with the data that restores the hatch\n"
+      "In R12 files, a hatch is an insert of its lines, with the data that restores the hatch\n"
       "when the file is read again.");
   verb->callback([options, &session] {
     options->hatch.corners = ringOf(options->boundary);
