@@ -12,6 +12,7 @@
 #include "vek0core/dxf/in/filedxfilexer.h"
 #include "vek0core/files/report.h"
 #include "vek0core/files/textcodec.h"
+#include "vek0core/tables/palette.h"
 
 namespace vek0::detail {
 namespace {
@@ -170,6 +171,7 @@ class VersionChange {
   std::string written(std::size_t entry) {
     const SourceRecord original = m_index.read(entry);
     SourceRecord record = original;
+    if (m_version < DxfVersion::R2004) approximateColor(record, m_index[entry].section);
     entry == 0 ? changeHeader(record) : changePairs(record);
     const auto dangling = [&](long code, Handle handle) {
       if (m_report)
@@ -201,6 +203,22 @@ class VersionChange {
                codePageFromName(header.pairs[page].value) != m_page) {
       header.setText(page, name);
     }
+  }
+
+  // The nearest number stands for a true color; that of a layer which is off is negative.
+  void approximateColor(SourceRecord& record, SourceSection section) const {
+    constexpr long trueColor = 420, number = 62;
+    const bool isLayer = record.is("LAYER");
+    const bool isEntity = section == SourceSection::Entities || section == SourceSection::Blocks;
+    const std::size_t at = isLayer || isEntity ? record.find(trueColor) : SourceRecord::kNone;
+    if (at == SourceRecord::kNone) return;
+    const long nearest = nearestPaletteColor(unpackColor(record.integer(at)));
+    const std::size_t color = record.find(number);
+    if (color == SourceRecord::kNone)
+      record.insert(at, number, std::to_string(nearest));
+    else
+      record.setInteger(color, record.integer(color) < 0 ? -nearest : nearest);
+    if (m_report) m_report->add(ReportCode::ColorApproximated, 0, isLayer ? u"LAYER" : u"");
   }
 
   void changePairs(SourceRecord& record) {
