@@ -20,6 +20,7 @@ void addInfoCommand(CLI::App& app, Session& session);
 void addListCommand(CLI::App& app, Session& session);
 void addCheckCommand(CLI::App& app, Session& session);
 void addDiffCommand(CLI::App& app, Session& session);
+void addExportCommand(CLI::App& app, Session& session);
 void addGrepCommand(CLI::App& app, Session& session);
 void addConvertCommand(CLI::App& app, Session& session);
 void addImportCommand(CLI::App& app, Session& session);

@@ -112,6 +112,7 @@ int parseAndRun(std::vector<std::string> arguments, Session& session) {
   addDiffCommand(app, session);
   addGrepCommand(app, session);
   addConvertCommand(app, session);
+  addExportCommand(app, session);
   addImportCommand(app, session);
   addEditCommand(app, session);
   addHatchCommand(app, session);

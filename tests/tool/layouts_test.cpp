@@ -1,7 +1,11 @@
 // Plots of layouts: the sheet at its scale, the model through viewports.
+#include <nlohmann/json.hpp>
 #include "pictures.h"
+
 #include "support/test.h"
 #include "tooltest.h"
+
+using Json = nlohmann::json;
 
 using namespace vek0::test;
 
