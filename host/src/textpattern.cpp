@@ -101,6 +101,8 @@ void TextPattern::compile(const std::wstring& pattern, bool wholeWords) {
   // Follows all alternatives at once, instead of one after the other with a stack frame for each
   // character. Refuses back references.
   safe |= std::regex_constants::__polynomial;
+#else
+  m_backtracks = true;
 #endif
   // The prefix lets one pass find a match anywhere; starting anew at every character would take
   // quadratic time.
