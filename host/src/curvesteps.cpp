@@ -1,7 +1,9 @@
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <unordered_set>
 
+#include "commandkinds.h"
 #include "vek0host/editsteps.h"
 #include "vek0host/textvalues.h"
 
@@ -11,15 +13,6 @@ namespace {
 // Reports the number of entities that a step skipped.
 std::string skipped(std::size_t count) {
   return count == 0 ? "" : ", " + countedEntities(count) + " skipped";
-}
-
-// Adds a new entity to the drawing and to the next selection.
-bool take(Editing& editing, std::unique_ptr<CEnt> made, std::vector<CEnt*>& chosen) {
-  CEnt* ent = made.get();
-  if (!editing.undo.add(ent)) return false;
-  static_cast<void>(made.release());
-  chosen.push_back(ent);
-  return true;
 }
 
 StepOutcome explode(Editing& editing) {
@@ -53,7 +46,7 @@ StepOutcome explode(Editing& editing) {
     ++exploded;
     parts += exploder.getEnts().size();
     for (auto& part : exploder.getEnts())
-      if (!take(editing, std::move(part), chosen)) return StepOutcome::noMemory();
+      if (!addEnt(editing, std::move(part), chosen)) return StepOutcome::noMemory();
     exploder.getEnts().clear();
     if (!editing.undo.remove(ent)) return StepOutcome::noMemory();
   }
@@ -79,31 +72,57 @@ StepOutcome join(Editing& editing, std::optional<double> tolerance, JOIN_LAYERS 
       return StepOutcome::noMemory();
   }
   for (JOINED_ENT& each : joined)
-    if (!take(editing, std::move(each.polyline), chosen)) return StepOutcome::noMemory();
+    if (!addEnt(editing, std::move(each.polyline), chosen)) return StepOutcome::noMemory();
   const std::size_t left = editing.chosen.size() - parts.size();
   editing.chosen = std::move(chosen);
   return StepOutcome::done(countedEntities(parts.size()) + " joined into " +
                            counted(joined.size(), "polyline", "polylines") + skipped(left));
 }
 
+// How far to the right of a path its parallel is.
+using DistanceOf = std::function<double(const PATH_3D& path)>;
+
 // Positive distances are outside closed curves, whatever their direction.
-double towards(const PATH_3D& path, double distance) {
-  return path.closed && path.area() < 0 ? -distance : distance;
+DistanceOf outside(double distance) {
+  return [distance](const PATH_3D& path) {
+    return path.closed && path.area() < 0 ? -distance : distance;
+  };
 }
 
-StepOutcome offset(Editing& editing, double distance, const OFFSET_OPTIONS& options) {
+// The side of a path on which a point is: 1 on the right, -1 on the left. At a corner, the
+// directions of both edges count.
+double sideOf(const PATH_3D& path, const PNT_2D& p) {
+  std::size_t edge = 0;
+  double t = 0;
+  path.nearest(p, edge, t);
+  const std::size_t count = path.edges.size();
+  const PNT_3D foot = path.edges[edge].at(t);
+  PNT_2D direction = path.edges[edge].direction(t);
+  const auto turn = [&](std::size_t other, double end) {
+    const PNT_2D further = path.edges[other].direction(end);
+    direction = PNT_2D(direction.x + further.x, direction.y + further.y);
+  };
+  if (t >= 1 && (edge + 1 < count || path.closed)) turn((edge + 1) % count, 0);
+  if (t <= 0 && (edge > 0 || path.closed)) turn((edge + count - 1) % count, 1);
+  return direction.x * (p.y - foot.y) - direction.y * (p.x - foot.x) < 0 ? 1 : -1;
+}
+
+DistanceOf towards(const PNT_2D& p, double distance) {
+  return [p, distance](const PATH_3D& path) { return std::fabs(distance) * sideOf(path, p); };
+}
+
+StepOutcome offset(Editing& editing, const DistanceOf& distanceOf, const OFFSET_OPTIONS& options) {
   CData& data = editing.data;
   std::vector<CEnt*> chosen;
   std::size_t left = 0;
   for (const CEnt* ent : editing.chosen) {
     PATH_3D path;
     std::vector<PATH_3D> parallels;
-    if (!getEntPath(*ent, path) || !offsetPath(path, towards(path, distance), options, parallels))
-      ++left;
+    if (!getEntPath(*ent, path) || !offsetPath(path, distanceOf(path), options, parallels)) ++left;
     for (const PATH_3D& parallel : parallels) {
       std::unique_ptr<CEnt> made(
           createEntFromPath(data.getHandleGestor(), data.getEntFactory(), parallel, *ent));
-      if (!take(editing, std::move(made), chosen)) return StepOutcome::noMemory();
+      if (!addEnt(editing, std::move(made), chosen)) return StepOutcome::noMemory();
     }
   }
   const std::size_t taken = editing.chosen.size() - left;
@@ -153,10 +172,26 @@ std::string readOffset(const std::string& text, EditStep& step) {
                     !readCorners(std::string_view(text).substr(comma + 1), options.join)))
     return "'" + text + "' is not a distance like 2.5 or -2.5,mitre";
   if (distance->front() == 0) return "a parallel at distance 0 is the curve itself";
-  step = onChosen([distance = distance->front(), options](Editing& editing) {
-    return offset(editing, distance, options);
+  step = onChosen([distanceOf = outside(distance->front()), options](Editing& editing) {
+    return offset(editing, distanceOf, options);
   });
   return {};
+}
+
+EditStep readOffsetCommand(CommandWords& words) {
+  const double distance = words.number("the distance");
+  if (distance == 0) words.complain("a parallel at distance 0 is the curve itself");
+  OFFSET_OPTIONS options;
+  for (const char* corners : {"round", "mitre", "bevel"})
+    if (words.take(corners)) readCorners(corners, options.join);
+  if (!words.isPoint())
+    return onChosen([distanceOf = outside(distance), options](Editing& editing) {
+      return offset(editing, distanceOf, options);
+    });
+  return onChosen([distance, options, side = words.point()](Editing& editing) {
+    const PNT_3D p = side.from(editing.last);
+    return offset(editing, towards(p, distance), options);
+  });
 }
 
 }  // namespace vek0::host

@@ -1,19 +1,18 @@
 #include "vek0host/editdrawing.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <limits>
+#include <new>
 
 #include "vek0host/undocheck.h"
 
 namespace vek0::host {
 namespace {
 
-// Each step is one undo step, so that undo is exercised as a program would use it.
 bool runSteps(Editing& editing, const std::vector<NamedStep>& steps, Session& session) {
   for (const NamedStep& step : steps) {
-    editing.undo.begin(zim::WString::fromUtf8(step.name));
-    const StepOutcome outcome = step.work(editing);
-    editing.undo.commit();
+    const StepOutcome outcome = takeStep(editing, step);
     const std::string message = step.name + ": " + outcome.text;
     if (!outcome.ok) {
       session.fail(kDrawingFailed, message);
@@ -49,10 +48,28 @@ bool undoAll(CUndoStack& undo, Session& session) {
 
 }  // namespace
 
+StepOutcome takeStep(Editing& editing, const NamedStep& step) {
+  if (step.isTravel) return step.work(editing);
+  editing.undo.begin(zim::WString::fromUtf8(step.name));
+  StepOutcome outcome = StepOutcome::noMemory();
+  try {
+    outcome = step.work(editing);
+  } catch (const std::bad_alloc&) {
+    // As reported; what the step has done so far is reverted below.
+  }
+  if (outcome.ok)
+    editing.undo.commit();
+  else
+    editing.undo.rollback();
+  return outcome;
+}
+
 bool editDrawing(CData& data, const std::vector<NamedStep>& steps, const EditOptions& options,
                  Session& session) {
   // If nothing is undone, only the last step is kept.
-  const bool isUndone = options.undoCheck || options.undoAll;
+  const bool isUndone =
+      options.undoCheck || options.undoAll ||
+      std::any_of(steps.begin(), steps.end(), [](const NamedStep& step) { return step.isTravel; });
   CUndoStack undo(data, isUndone ? std::numeric_limits<std::size_t>::max() : 0);
   const auto& all = data.getEntTable().getEntityTbl();
   Editing editing{data, undo, {all.begin(), all.end()}, options.leaveUnsupported};

@@ -57,6 +57,14 @@ EditStep onChosen(EditStep work) {
   };
 }
 
+bool addEnt(Editing& editing, std::unique_ptr<CEnt> made, std::vector<CEnt*>& chosen) {
+  CEnt* ent = made.get();
+  if (!ent || !editing.undo.add(ent)) return false;
+  static_cast<void>(made.release());
+  chosen.push_back(ent);
+  return true;
+}
+
 namespace {
 
 // The entity itself, or the first in the block that it shows; null if there is none.

@@ -110,18 +110,28 @@ bool isHatchPattern(const std::string& name) {
   return getHatch(wide) != nullptr || isSolidName(wide);
 }
 
-bool addHatch(CData& data, const HatchRequest& request, const std::string& name, Session& session) {
-  const std::vector<PNT_3D> boundary = boundaryOf(data, request, name, session);
-  if (boundary.empty()) return false;
+CEntHatch* createHatch(CData& data, const HatchRequest& request,
+                       const std::vector<PNT_3D>& boundary, CLayer* layer, short color,
+                       std::string& message) {
   const zim::WString pattern = zim::WString::fromUtf8(request.pattern);
   const HATCH_TYPE& type =
       isSolidName(pattern) ? data.getHatchTypeTable().solid() : *getHatch(pattern);
   data.setHatchLimit(request.limit);
   const HatchMessages messages;
-  CEntHatch* made = createEntHatch(data, layerNamed(data, zim::WString::fromUtf8(request.layer)),
-                                   getLtypeByLayer(data), 256, type, request.scale,
+  CEntHatch* made = createEntHatch(data, layer, getLtypeByLayer(data), color, type, request.scale,
                                    request.angleDeg * kRadiansPerDegree, boundary, 0);
-  if (!messages.text().empty()) session.complain(messages.text());
+  message = messages.text();
+  return made;
+}
+
+bool addHatch(CData& data, const HatchRequest& request, const std::string& name, Session& session) {
+  const std::vector<PNT_3D> boundary = boundaryOf(data, request, name, session);
+  if (boundary.empty()) return false;
+  std::string message;
+  CEntHatch* made =
+      createHatch(data, request, boundary, layerNamed(data, zim::WString::fromUtf8(request.layer)),
+                  256, message);
+  if (!message.empty()) session.complain(message);
   if (!made) {
     session.failed(kDrawingFailed);
     return false;

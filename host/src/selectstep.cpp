@@ -11,10 +11,11 @@ StepOutcome select(Editing& editing, Selection selection) {
   const std::string problem = selection.findLayers(editing.data);
   if (!problem.empty()) return StepOutcome::failed(problem);
   const auto& all = editing.data.getEntTable().getEntityTbl();
-  editing.chosen.clear();
-  std::copy_if(all.begin(), all.end(), std::back_inserter(editing.chosen),
+  std::vector<CEnt*> found;
+  std::copy_if(all.begin(), all.end(), std::back_inserter(found),
                [&](CEnt* ent) { return selection.includes(*ent); });
-  if (editing.chosen.empty()) return StepOutcome::failed("no entity matches");
+  if (found.empty()) return StepOutcome::failed("no entity matches");
+  editing.chosen = std::move(found);
   return StepOutcome::done(countedEntities(editing.chosen.size()) + " selected");
 }
 

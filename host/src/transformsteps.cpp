@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <optional>
 
+#include "commandkinds.h"
 #include "vek0host/editsteps.h"
 #include "vek0host/textvalues.h"
 
@@ -56,40 +57,70 @@ std::optional<NumberAtPoint> readNumberAtPoint(const std::string& text) {
 
 }  // namespace
 
-std::string readMove(const std::string& text, EditStep& step) {
-  const auto numbers = numbersIn(text);
-  if (!numbers || numbers->size() < 2 || numbers->size() > 3)
-    return "'" + text + "' is not a vector like 12.5,-3 or 0,0,2";
-  const double dz = numbers->size() > 2 ? (*numbers)[2] : 0;
-  step = transformStep(CEntMoveVisitor(PNT_3D((*numbers)[0], (*numbers)[1], dz)), "moved");
-  return {};
-}
+EditStep moveStep(const PNT_3D& delta) { return transformStep(CEntMoveVisitor(delta), "moved"); }
 
-std::string readCopy(const std::string& text, EditStep& step) {
-  EditStep move;
-  const std::string problem = readMove(text, move);
-  if (!problem.empty()) return problem;
-  step = onChosen([move = std::move(move)](Editing& editing) {
-    std::vector<CEnt*> ents = editing.chosen;
+EditStep copyStep(const PNT_3D& delta) {
+  return onChosen([move = moveStep(delta)](Editing& editing) {
+    std::vector<CEnt*> copies = editing.chosen;
     std::string left;
-    const std::string refusal = leaveUnsupported(editing, false, "copied", ents, left);
+    const std::string refusal = leaveUnsupported(editing, false, "copied", copies, left);
     if (!refusal.empty()) return StepOutcome::failed(refusal);
-    for (CEnt*& ent : ents) {
+    for (CEnt*& ent : copies) {
       ent = editing.undo.copy(*ent);
       if (!ent) return StepOutcome::noMemory();
     }
-    editing.chosen = std::move(ents);
-    const std::string done = countedEntities(editing.chosen.size()) + " copied" + left;
+    const std::string done = countedEntities(copies.size()) + " copied" + left;
+    editing.chosen.swap(copies);
     const StepOutcome moved = editing.chosen.empty() ? StepOutcome::done({}) : move(editing);
-    return moved.ok ? StepOutcome::done(done) : moved;
+    if (moved.ok) return StepOutcome::done(done);
+    editing.chosen.swap(copies);
+    return moved;
   });
+}
+
+EditStep rotateStep(const PNT_3D& center, double degrees) {
+  return transformStep(CEntRotateXYVisitor::byDegrees(center, degrees), "rotated");
+}
+
+EditStep scaleStep(const PNT_3D& center, double factor) {
+  if (factor == 0)
+    return [](Editing&) {
+      return StepOutcome::failed("a factor of 0 would shrink everything to a point");
+    };
+  return transformStep(CEntScaleVisitor(center, factor), "scaled");
+}
+
+namespace {
+
+// Reads a vector in the plane or in space; returns an error message, or an empty text.
+std::string readVector(const std::string& text, PNT_3D& vector) {
+  const auto numbers = numbersIn(text);
+  if (!numbers || numbers->size() < 2 || numbers->size() > 3)
+    return "'" + text + "' is not a vector like 12.5,-3 or 0,0,2";
+  vector = PNT_3D((*numbers)[0], (*numbers)[1], numbers->size() > 2 ? (*numbers)[2] : 0);
   return {};
+}
+
+}  // namespace
+
+std::string readMove(const std::string& text, EditStep& step) {
+  PNT_3D delta;
+  std::string problem = readVector(text, delta);
+  if (problem.empty()) step = moveStep(delta);
+  return problem;
+}
+
+std::string readCopy(const std::string& text, EditStep& step) {
+  PNT_3D delta;
+  std::string problem = readVector(text, delta);
+  if (problem.empty()) step = copyStep(delta);
+  return problem;
 }
 
 std::string readRotate(const std::string& text, EditStep& step) {
   const auto value = readNumberAtPoint(text);
   if (!value) return "'" + text + "' is not an angle and a point like 90@10,5";
-  step = transformStep(CEntRotateXYVisitor::byDegrees(value->center, value->number), "rotated");
+  step = rotateStep(value->center, value->number);
   return {};
 }
 
@@ -97,9 +128,46 @@ std::string readScale(const std::string& text, EditStep& step) {
   const auto value = readNumberAtPoint(text);
   if (!value) return "'" + text + "' is not a factor and a point like 2.5@10,5";
   if (value->number == 0) return "a factor of 0 would shrink everything to a point";
-  step = transformStep(CEntScaleVisitor(value->center, value->number), "scaled");
+  step = scaleStep(value->center, value->number);
   return {};
 }
+
+namespace {
+
+// A vector, or from one point to another.
+EditStep readDisplacement(CommandWords& words, EditStep (*stepBy)(const PNT_3D&)) {
+  const CommandPoint first = words.point();
+  if (!words.isPoint()) return stepBy(first.value);
+  const CommandPoint second = words.point();
+  return [=](Editing& editing) {
+    const PNT_3D from = first.from(editing.last), to = second.from(editing.last);
+    return stepBy(PNT_3D(to.x - from.x, to.y - from.y, to.z - from.z))(editing);
+  };
+}
+
+// "number@x,y" as in the step, or a point and a number.
+EditStep readAboutPoint(CommandWords& words, EditStep (*stepBy)(const PNT_3D&, double)) {
+  if (words.isPoint()) {
+    const CommandPoint center = words.point();
+    const double number = words.number("the angle or the factor");
+    return [=](Editing& editing) { return stepBy(center.from(editing.last), number)(editing); };
+  }
+  const std::string text = words.word("the center");
+  const auto value = readNumberAtPoint(text);
+  if (value) return stepBy(value->center, value->number);
+  words.complain("'" + text + "' is not a number and a point like 90@10,5 or 10,5 90");
+  return {};
+}
+
+}  // namespace
+
+EditStep readMoveCommand(CommandWords& words) { return readDisplacement(words, moveStep); }
+
+EditStep readCopyCommand(CommandWords& words) { return readDisplacement(words, copyStep); }
+
+EditStep readRotateCommand(CommandWords& words) { return readAboutPoint(words, rotateStep); }
+
+EditStep readScaleCommand(CommandWords& words) { return readAboutPoint(words, scaleStep); }
 
 std::string readDelete(const std::string&, EditStep& step) {
   step = onChosen([](Editing& editing) {

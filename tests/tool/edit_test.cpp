@@ -295,6 +295,7 @@ TEST_F(Edit, UndoCheckHoldsForEveryKindAndStepAndChangesNothing) {
   } cases[] = {
       {flange, remaps + steps},
       {kinds, remaps + steps},
+      {kinds, " --delete"},
       {"plan.dxf", remaps + steps},
       {quotedSample("hatches_ac1015.dxf"), steps},
   };

@@ -1,15 +1,22 @@
 #include <algorithm>
 #include <cstddef>
+#include <fstream>
+#include <iostream>
 #include <map>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "batch.h"
 #include "commands.h"
 #include "options.h"
+#include "terminal.h"
+#include "vek0host/commandline.h"
 #include "vek0host/editdrawing.h"
 #include "vek0host/editsteps.h"
+#include "vek0host/inputfault.h"
+#include "vek0host/paths.h"
 #include "vek0host/saving.h"
 
 namespace vek0::tool {
@@ -19,10 +26,24 @@ struct EditCommand {
   BatchOptions batch;
   std::string out;
   std::map<std::string, std::vector<std::string>> values;  // by option, in order
+  std::vector<std::string> scripts;                        // paths, in order
+  std::map<std::string, std::vector<NamedStep>> commands;  // of the scripts, by path
   bool inPlace = false;
   EditOptions edit;
   SaveOptions save;
 };
+
+// Returns an error message, or an empty text.
+std::string readScriptFile(const std::string& path, std::vector<NamedStep>& steps) {
+  const InputFault fault = inputFault(path);
+  if (fault.kind) return path + ": " + fault.message;
+  std::ifstream file;
+  if (path != "-") file.open(toPath(path), std::ios::binary);
+  std::ostringstream script;
+  script << (path == "-" ? std::cin : file).rdbuf();
+  steps.clear();
+  return readScript(script.str(), path, steps);
+}
 
 // Determines the steps in command-line order, which the parser does not keep for their values.
 std::vector<NamedStep> stepsInOrder(const CLI::App& verb, const EditCommand& options) {
@@ -31,6 +52,10 @@ std::vector<NamedStep> stepsInOrder(const CLI::App& verb, const EditCommand& opt
   for (const CLI::Option* option : verb.parse_order()) {
     const std::string name = option->get_name();
     const auto& kinds = stepKinds();
+    if (name == "--script") {
+      const auto& commands = options.commands.at(options.scripts[taken[name]++]);
+      steps.insert(steps.end(), commands.begin(), commands.end());
+    }
     const auto kind = std::find_if(kinds.begin(), kinds.end(),
                                    [&](const StepKind& each) { return each.option == name; });
     if (kind == kinds.end()) continue;
@@ -40,6 +65,8 @@ std::vector<NamedStep> stepsInOrder(const CLI::App& verb, const EditCommand& opt
   }
   return steps;
 }
+
+constexpr const char* kStepGroup = "Steps, performed in the given order";
 
 void addStepOptions(CLI::App& verb, EditCommand& options) {
   for (const StepKind& kind : stepKinds()) {
@@ -57,8 +84,28 @@ void addStepOptions(CLI::App& verb, EditCommand& options) {
                    ->check(check)
                    ->type_name(kind.value);
     }
-    option->group("Steps, performed in the given order");
+    option->group(kStepGroup);
   }
+  verb.add_option("--script", options.scripts,
+                  "Take the commands of a file, one per line: 'line 0,0 @10<45', 'select "
+                  "layer=WALL', 'trim 3,0', 'undo'; --commands lists them")
+      ->allow_extra_args(false)
+      ->check([&commands = options.commands](const std::string& path) {
+        return readScriptFile(path, commands[path]);
+      })
+      ->type_name("FILE")
+      ->group(kStepGroup);
+}
+
+void addCommandList(CLI::App& verb) {
+  const auto list = [] {
+    print(
+        "Commands of scripts. P is a point: 10,5 or 10,5,2; @3,4 from the last point; 10<45 by\n"
+        "distance and angle, @10<45 from the last point. Quote words that contain blanks.\n\n" +
+        commandHelp());
+    throw CLI::Success();
+  };
+  verb.add_flag_callback("--commands", list, "List the commands of scripts and exit");
 }
 
 void addOutputOptions(CLI::App& verb, EditCommand& options) {
@@ -100,6 +147,7 @@ void addEditCommand(CLI::App& app, Session& session) {
   addSaveOptions(*verb, options->save);
   addTargetOption(*verb, options->save);
   addStepOptions(*verb, *options);
+  addCommandList(*verb);
   verb->footer(
       "Examples:\n"
       "  vek0 edit plan.dxf -o moved.dxf --move 1000,0\n"

@@ -12,7 +12,11 @@ namespace vek0::host {
 struct NamedStep {
   std::string name;
   EditStep work;
+  bool isTravel = false;  ///< undoes or redoes others and is no step of the undo stack itself
 };
+
+/// Takes one step, which can then be undone as one. A step that fails changes nothing.
+StepOutcome takeStep(Editing& editing, const NamedStep& step);
 
 /// How steps are taken.
 struct EditOptions {
@@ -26,8 +30,8 @@ struct EditOptions {
 };
 
 /// Takes the steps in their order, beginning with all of model space selected, and reports the
-/// outcome of each to the session. Returns false at the first step that fails; the drawing is then
-/// partly changed.
+/// outcome of each to the session. Returns false at the first step that fails; the steps before it
+/// are then taken.
 bool editDrawing(CData& data, const std::vector<NamedStep>& steps, const EditOptions& options,
                  Session& session);
 

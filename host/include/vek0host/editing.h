@@ -18,10 +18,11 @@ struct Editing {
   /// Leave entities unchanged that a step cannot transform or explode (`EntRecord::Opaque`);
   /// otherwise the step fails.
   bool leaveUnsupported = false;
+  PNT_3D last = {};  ///< the last point that a command stated; relative points start from it
 };
 
-/// Result of a step: what it has done, or why it failed. A failed step may have made changes; undo
-/// reverts them.
+/// Result of a step: what it has done, or why it failed. A failed step may have made changes, which
+/// `takeStep` reverts, but leaves `Editing::chosen` as it was.
 struct StepOutcome {
   bool ok;
   std::string text;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -52,7 +53,18 @@ std::string readRemapStyle(const std::string& text, EditStep& step);  ///< "OLD=
 
 std::string readPurge(const std::string& text, EditStep& step);  ///< without a value
 
+// --- The same steps from values; they apply to what is selected
+
+EditStep moveStep(const PNT_3D& delta);
+EditStep copyStep(const PNT_3D& delta);  ///< the copies are selected then
+EditStep rotateStep(const PNT_3D& center, double degrees);
+EditStep scaleStep(const PNT_3D& center, double factor);  ///< fails for a factor of 0
+
 // --- Shared helpers
+
+/// Adds a new entity to model space and to what is selected next. False when out of memory, which
+/// null stands for.
+bool addEnt(Editing& editing, std::unique_ptr<CEnt> made, std::vector<CEnt*>& chosen);
 
 /// Wraps the step `work` so that it fails if nothing is selected.
 EditStep onChosen(EditStep work);

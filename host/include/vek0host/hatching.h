@@ -8,6 +8,8 @@
 #include "vek0host/session.h"
 
 class CData;
+class CEntHatch;
+class CLayer;
 
 namespace vek0::host {
 
@@ -24,6 +26,13 @@ struct HatchRequest {
 
 /// Whether the catalog has a pattern of that name, ignoring case; SOLID is one.
 bool isHatchPattern(const std::string& name);
+
+/// Creates the hatch of a boundary (`joinHatchRings`) with pattern, scale, angle and limit of the
+/// request. Its block is in the table, it itself in none. Null if the pattern is too dense or
+/// memory exhausted; `message` receives what the core says about it, also if it succeeds.
+CEntHatch* createHatch(CData& data, const HatchRequest& request,
+                       const std::vector<PNT_3D>& boundary, CLayer* layer, short color,
+                       std::string& message);
 
 /// Hatches an area of a drawing. `name` denotes the drawing in messages. Returns false, after
 /// reporting the failure to the session, if the area is empty, the pattern too dense for the limit,

@@ -25,16 +25,31 @@ bool pathOf(const CEntPolyline& ent, PATH_3D& out) {
   return true;
 }
 
-CEnt* createPolyline(IHandleGestor& gestor, CEntFactory& factory, const PATH_3D& path,
-                     const CEnt& like) {
+std::vector<BULGED_VERTEX> vertexesOf(const PATH_3D& path) {
   std::vector<BULGED_VERTEX> vertexes;
   for (const EDGE_3D& edge : path.edges) vek0::detail::addVertexes(edge, vertexes);
   if (!path.closed) vertexes.push_back(vek0::detail::vertexAt(path.end(), 0));
+  return vertexes;
+}
+
+CEnt* createPolyline(IHandleGestor& gestor, CEntFactory& factory, const PATH_3D& path,
+                     const CEnt& like) {
+  const std::vector<BULGED_VERTEX> vertexes = vertexesOf(path);
   const short flags = path.closed ? CEntPolyline::kClosed : short{0};
   CEntPolyline* made = factory.createEntPolyline(gestor, like.getLayer(), like.getLtype(),
                                                  like.getColor(), flags, 0, 0);
   if (made) made->setBulgedVertexes(gestor, factory, vertexes.data(), vertexes.size());
   return made;
+}
+
+// The type of the entity that an edge becomes if it is alone.
+short kindOf(const EDGE_3D& edge) {
+  const ARC_3D arc = edge.toArc();
+  const bool isFull = arc.startAngle == arc.endAngle;
+  // An arc so short that its end angles coincide would be mistaken for a circle.
+  if (!edge.isArc() || (isFull && std::fabs(edge.sweep) < vek0::detail::kPi))
+    return CEntLine::kType;
+  return isFull ? CEntCircle::kType : CEntArc::kType;
 }
 
 CEnt* createOf(IHandleGestor& gestor, CEntFactory& factory, const PATH_3D& path, const CEnt& like) {
@@ -45,13 +60,26 @@ CEnt* createOf(IHandleGestor& gestor, CEntFactory& factory, const PATH_3D& path,
   CLayer* layer = like.getLayer();
   CLtype* ltype = like.getLtype();
   const short color = like.getColor();
-  const ARC_3D arc = edge.toArc();
-  const bool isFull = arc.startAngle == arc.endAngle;
-  // An arc so short that its end angles coincide would be mistaken for a circle.
-  if (!edge.isArc() || (isFull && std::fabs(edge.sweep) < vek0::detail::kPi))
+  const short kind = kindOf(edge);
+  if (kind == CEntLine::kType)
     return factory.createEntLine(gestor, layer, ltype, color, LINE_3D(edge.p1, edge.p2), 0);
-  if (isFull) return factory.createEntCircle(gestor, layer, ltype, color, arc, 0);
-  return factory.createEntArc(gestor, layer, ltype, color, arc, 0);
+  if (kind == CEntCircle::kType)
+    return factory.createEntCircle(gestor, layer, ltype, color, edge.toArc(), 0);
+  return factory.createEntArc(gestor, layer, ltype, color, edge.toArc(), 0);
+}
+
+bool setPath(IHandleGestor& gestor, CEntFactory& factory, const PATH_3D& path,
+             CEntPolyline& polyline) {
+  double width = 0;
+  if (polyline.isCurve() || !polyline.IsWidthConstant(width)) return false;
+  polyline.clearVertex(gestor);
+  if (polyline.isClosed() && !path.closed) polyline.open(gestor, factory, false);
+  if (!polyline.isClosed() && path.closed) polyline.close(gestor, factory, false);
+  std::vector<BULGED_VERTEX> vertexes = vertexesOf(path);
+  for (BULGED_VERTEX& vertex : vertexes) vertex.widthStart = vertex.widthEnd = width;
+  polyline.setBulgedVertexes(gestor, factory, vertexes.data(), vertexes.size());
+  polyline.calcBdry();
+  return true;
 }
 
 }  // namespace
@@ -79,4 +107,20 @@ CEnt* createEntFromPath(IHandleGestor& gestor, CEntFactory& factory, const PATH_
   CEnt* made = createOf(gestor, factory, path, like);
   if (made) made->copyExtras(like);
   return made;
+}
+
+bool setEntPath(IHandleGestor& gestor, CEntFactory& factory, const PATH_3D& path, CEnt& ent) {
+  if (path.empty()) return false;
+  if (ent.getType() == CEntPolyline::kType)
+    return setPath(gestor, factory, path, static_cast<CEntPolyline&>(ent));
+  const EDGE_3D& edge = path.edges.front();
+  const bool isLevel = !edge.isArc() || edge.p1.z == edge.p2.z;
+  if (path.edges.size() > 1 || !isLevel || ent.getType() != kindOf(edge)) return false;
+  if (ent.getType() == CEntLine::kType)
+    static_cast<CEntLine&>(ent).setLine(LINE_3D(edge.p1, edge.p2));
+  else if (ent.getType() == CEntArc::kType)
+    static_cast<CEntArc&>(ent).setArc(edge.toArc());
+  else
+    static_cast<CEntCircle&>(ent).setCircle(edge.toArc());
+  return true;
 }

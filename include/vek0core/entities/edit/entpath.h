@@ -17,3 +17,10 @@ VEK0_API bool getEntPath(const CEnt& ent, PATH_3D& out);
 /// in no table; the caller owns it. Null for an empty path or when out of memory.
 VEK0_API CEnt* createEntFromPath(IHandleGestor& gestor, CEntFactory& factory, const PATH_3D& path,
                                  const CEnt& like);
+
+/// Gives a line, an arc, a circle or a plain polyline that path in place, so that it keeps its
+/// handle and its properties. Returns false, with nothing changed, if the kind cannot have the
+/// path: a line needs a straight edge, an arc and a circle an arc or a full turn of their own kind,
+/// and a polyline must have one width. Then `createEntFromPath` replaces it.
+VEK0_API bool setEntPath(IHandleGestor& gestor, CEntFactory& factory, const PATH_3D& path,
+                         CEnt& ent);
