@@ -75,9 +75,11 @@ CEnt* CEntPolyline::clone(IHandleGestor& gestor, CEntFactory& entFactory, CBlock
 
 void CEntPolyline::addTbls(IHandleGestor& gestor) const {
   CEnt::addTbls(gestor);
-  // Only vertex objects can be registered with a manager of handles.
+  // Packed vertices are not registered. Those of a polyline that was unpacked meanwhile must not
+  // get handles when it returns, so a manager that does not track them sees only those of files.
   if (gestor.handling()) unpack();
-  for (auto at = m_vertexes.rbegin(); at != m_vertexes.rend(); ++at) gestor.reserve(*at);
+  for (auto at = m_vertexes.rbegin(); at != m_vertexes.rend(); ++at)
+    if (gestor.handling() || (*at)->GetHandle() != 0) gestor.reserve(*at);
 }
 
 void CEntPolyline::removeTbls(IHandleGestor& gestor) const {
