@@ -35,7 +35,7 @@ void printMessage(const std::string& message, const std::string& details) {
 
 std::unique_ptr<IFile> withProgress(std::unique_ptr<IFile> file, std::uintmax_t size,
                                     const std::string& path) {
-  if (!ProgressFile::visible()) return file;
+  if (!isErrorTerminal()) return file;
   return std::make_unique<ProgressFile>(std::move(file), static_cast<long long>(size), path);
 }
 
@@ -106,6 +106,12 @@ int parseAndRun(std::vector<std::string> arguments, Session& session) {
   addReadOptions(app, session.reading);
   ReportOptions reporting;
   addReportOptions(app, reporting);
+  std::string color = "auto";
+  app.add_option("--color", color,
+                 "Color the output: auto, on terminals unless NO_COLOR is set; always; or never. "
+                 "For render, name it before the command")
+      ->check(CLI::IsMember({"auto", "always", "never"}))
+      ->type_name("WHEN");
   addInfoCommand(app, session);
   addListCommand(app, session);
   addCheckCommand(app, session);
@@ -138,6 +144,9 @@ int parseAndRun(std::vector<std::string> arguments, Session& session) {
     if (reporting.path == "-") refuseSecondUse(*app.get_subcommands().front());
     if (!reporting.path.empty() || !reporting.failOn.empty()) session.log = &log;
     OutputFile::setDryRun(reporting.dryRun);
+    setColorUse(color == "always"  ? ColorUse::Always
+                : color == "never" ? ColorUse::Never
+                                   : ColorUse::Auto);
   });
   try {
     app.parse(arguments);

@@ -6,12 +6,6 @@
 
 #include "vek0host/visibletext.h"
 
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
-
 namespace vek0::tool {
 namespace {
 
@@ -26,14 +20,6 @@ ProgressFile::ProgressFile(std::unique_ptr<IFile> inner, long long totalBytes, s
       m_label(std::move(label)) {}
 
 ProgressFile::~ProgressFile() { wipe(); }
-
-bool ProgressFile::visible() {
-#ifdef _WIN32
-  return _isatty(_fileno(stderr)) != 0;
-#else
-  return isatty(STDERR_FILENO) != 0;
-#endif
-}
 
 bool ProgressFile::open() {
   m_start = Clock::now();

@@ -16,9 +16,6 @@ class ProgressFile : public IFile {
   ProgressFile(std::unique_ptr<IFile> inner, long long totalBytes, std::string label);
   ~ProgressFile() override;
 
-  /// Whether a bar would be visible: the error stream is a terminal.
-  static bool visible();
-
   bool open() override;
   void close() override;
   bool isOpened() override { return m_inner->isOpened(); }

@@ -20,6 +20,7 @@
 #endif
 #endif
 
+#include "countline.h"
 #include "vek0host/losslog.h"
 
 namespace vek0::tool {
@@ -88,7 +89,7 @@ std::string contentOf(std::FILE* file) {
 class Workers {
  public:
   Workers(const WorkerOptions& options, Session& session)
-      : m_options(options), m_session(session) {}
+      : m_options(options), m_session(session), m_count(!session.quiet) {}
 
   void run(std::size_t jobs, const std::function<void(std::size_t)>& work,
            const std::function<void(std::size_t, Failure, const std::string&)>& ended) {
@@ -102,6 +103,7 @@ class Workers {
         start(next++, work);
       const bool isChanged = reap();
       for (; told < jobs && m_results[told].isDone; ++told) tell(told, ended);
+      m_count.show(m_noDone, jobs);
       if (!isChanged && told < jobs) wait();
     }
   }
@@ -119,6 +121,8 @@ class Workers {
   Session& m_session;
   std::map<pid_t, Child> m_children;
   std::vector<Result> m_results;
+  std::size_t m_noDone = 0;
+  CountLine m_count;
 };
 
 void Workers::start(std::size_t job, const std::function<void(std::size_t)>& work) {
@@ -167,6 +171,7 @@ void Workers::workInChild(std::size_t job, const std::function<void(std::size_t)
 void Workers::giveUp(std::size_t job, const std::string& why) {
   m_results[job].isDone = true;
   m_results[job].death = why;
+  ++m_noDone;
 }
 
 // Collects a child that has ended; whether there was one.
@@ -186,6 +191,7 @@ bool Workers::reap() {
     result.worst = static_cast<Failure>(WEXITSTATUS(status) & ~kAnswered);
   result.isAnswered = result.death.empty() && (WEXITSTATUS(status) & kAnswered) != 0;
   m_children.erase(found);
+  ++m_noDone;
   return true;
 }
 
@@ -208,6 +214,7 @@ void Workers::wait() {
 void Workers::tell(std::size_t job,
                    const std::function<void(std::size_t, Failure, const std::string&)>& ended) {
   Result& result = m_results[job];
+  m_count.hide();
   if (result.files[kLog]) {
     copyTo(result.files[kOutput], stdout);
     std::fflush(stdout);

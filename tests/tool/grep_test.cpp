@@ -80,3 +80,15 @@ TEST_F(Grep, AnswersWithItsExitCode) {
     EXPECT_NE(got.err.find(t.text("said")), std::string::npos) << got.err;
   }
 }
+
+// A file is no terminal.
+TEST_F(Grep, ColorsWhereItMay) {
+  const std::string sample = quotedSample("house.dxf");
+  const auto isColored = [&](const std::string& options) {
+    return run(options + " grep ROOF " + sample).out.find('\033') != std::string::npos;
+  };
+  EXPECT_TRUE(isColored("--color always"));
+  EXPECT_FALSE(isColored("--color auto"));
+  EXPECT_FALSE(isColored("--color never"));
+  EXPECT_EQ(run("--color red grep ROOF " + sample).code, 2);
+}

@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "batch.h"
 #include "commands.h"
@@ -16,6 +17,13 @@ struct CheckOptions {
   bool json = false;
 };
 
+Hue hueOf(std::string_view line) {
+  if (line.find(": error (") != line.npos) return Hue::Bad;
+  if (line.ends_with(": ok\n")) return Hue::Good;
+  const bool isNotable = line.starts_with("    fault: ") || line.starts_with("    loss: ");
+  return isNotable ? Hue::Notable : Hue::Plain;
+}
+
 void check(const std::string& path, const CheckOptions& options, Session& session) {
   session.readsTwice = true;
   const Drawing data = newDrawing();
@@ -27,7 +35,7 @@ void check(const std::string& path, const CheckOptions& options, Session& sessio
   if (options.json)
     std::printf("%s\n", toLine(checkToJson(path, result, audit)).c_str());
   else if (!session.quiet || !result.ok())
-    print(checkToText(path, result, audit));
+    printLines(checkToText(path, result, audit), hueOf);
 }
 
 }  // namespace

@@ -50,6 +50,13 @@ std::string verdict(const COMPARISON& found) {
   return text;
 }
 
+Hue hueOf(const std::string& line) {
+  if (line.compare(0, 2, "- ") == 0) return Hue::Bad;
+  if (line.compare(0, 2, "+ ") == 0) return Hue::Good;
+  const bool isChange = line.compare(0, 2, "~ ") == 0 || line.compare(0, 2, "> ") == 0;
+  return isChange ? Hue::Notable : Hue::Plain;
+}
+
 void show(const DiffOptions& options, const CData& before, const CData& after,
           const COMPARISON& found, const Session& session) {
   const ComparisonText text(before, after, found);
@@ -59,7 +66,7 @@ void show(const DiffOptions& options, const CData& before, const CData& after,
   const std::string names = visible(options.before) + " and " + visible(options.after);
   if (found.isEqual()) return print(names + " are equal\n");
   print(names + " differ: " + verdict(found) + "\n\n");
-  text.writeText([](const std::string& line) { print(line); });
+  text.writeText([](const std::string& line) { print(line, hueOf(line)); });
 }
 
 #ifdef VEK0_RENDER

@@ -18,6 +18,13 @@ struct GrepOptions {
   bool json = false, listsFiles = false, counts = false;
 };
 
+void printFound(const FoundText& found, const std::string& path) {
+  const std::string line = toFoundLine(found, path);
+  const std::size_t place = visible(path).size();
+  print(line.substr(0, place), Hue::Place);
+  print(line.substr(place));
+}
+
 void searchFile(const std::string& path, const GrepOptions& options, const TextPattern& pattern,
                 Session& session) {
   const Drawing data = newDrawing();
@@ -33,7 +40,7 @@ void searchFile(const std::string& path, const GrepOptions& options, const TextP
     if (options.json)
       std::printf("%s\n", toLine(toJson(found, path)).c_str());
     else
-      print(toFoundLine(found, path));
+      printFound(found, path);
   });
   if (count > 0) session.answer = 0;
   if (session.quiet) return;
