@@ -1,7 +1,6 @@
 #include "vek0host/csvtables.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <map>
 #include <vector>
@@ -19,10 +18,7 @@ using Cells = std::vector<std::string>;
 using Sink = std::function<void(std::string_view)>;
 
 std::string numberCell(double value) {
-  char buffer[32];
-  if (!std::isfinite(value)) return {};
-  const auto end = std::to_chars(buffer, buffer + sizeof buffer, value == 0 ? 0 : value).ptr;
-  return {buffer, end};
+  return std::isfinite(value) ? shortestText(value) : std::string();
 }
 
 void putRow(const Cells& cells, const Sink& put) {

@@ -1,7 +1,6 @@
 #include "vek0host/geojson.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <numbers>
 #include <optional>
@@ -21,12 +20,6 @@ constexpr std::size_t kPointsPerFeature =
     10;  // of blocks, and cell of arrays, where a few lines can unfold to millions
 constexpr int kDeepestBlock = 64;
 
-std::string shortest(double value) {
-  char buffer[32];
-  const auto end = std::to_chars(buffer, buffer + sizeof buffer, value == 0 ? 0 : value).ptr;
-  return {buffer, end};
-}
-
 bool isLevel(const GeoRing& points) {
   return std::all_of(points.begin(), points.end(), [](const PNT_3D& p) { return p.z == 0; });
 }
@@ -39,7 +32,7 @@ bool isFiniteRing(const GeoRing& points) {
 
 // A position, or positions in brackets.
 std::string coordinates(const PNT_3D& p, bool isFlat) {
-  return "[" + shortest(p.x) + "," + shortest(p.y) + (isFlat ? "" : "," + shortest(p.z)) + "]";
+  return "[" + shortestText(p.x) + "," + shortestText(p.y) + (isFlat ? "" : "," + shortestText(p.z)) + "]";
 }
 
 std::string coordinates(const GeoRing& points, bool isClosed) {

@@ -5,7 +5,9 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <limits>
 
 namespace vek0::host {
 
@@ -86,6 +88,22 @@ std::string colorText(const RGB_COLOR& color) {
     text += kDigits[part & 15];
   }
   return text;
+}
+
+std::string shortestText(double value) {
+  char digits[32];
+  const double unsignedZero = value + 0.0;
+#if !defined(_LIBCPP_VERSION) || _LIBCPP_VERSION >= 14000
+  return {digits, std::to_chars(digits, digits + sizeof digits, unsignedZero).ptr};
+#else
+  constexpr int most = std::numeric_limits<double>::max_digits10;
+  int length = 0;
+  for (int precision = 1; precision <= most; ++precision) {
+    length = std::snprintf(digits, sizeof digits, "%.*g", precision, unsignedZero);
+    if (std::strtod(digits, nullptr) == unsignedZero) break;
+  }
+  return {digits, static_cast<std::size_t>(length)};
+#endif
 }
 
 std::string hexText(vek0::Handle handle) {

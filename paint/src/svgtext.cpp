@@ -2,16 +2,23 @@
 
 #include <charconv>
 #include <cstdint>
+#include <cstdio>
 
 namespace vek0::paint {
 
 std::string factorText(double value) {
   char digits[32];
   const double unsignedZero = value + 0.0;
-  const auto end =
-      std::to_chars(digits, digits + sizeof digits, unsignedZero, std::chars_format::general, 7)
-          .ptr;
+  constexpr int precision = 7;
+#if !defined(_LIBCPP_VERSION) || _LIBCPP_VERSION >= 14000
+  const auto end = std::to_chars(digits, digits + sizeof digits, unsignedZero,
+                                 std::chars_format::general, precision)
+                       .ptr;
   return std::string(digits, end);
+#else
+  const int length = std::snprintf(digits, sizeof digits, "%.*g", precision, unsignedZero);
+  return std::string(digits, static_cast<std::size_t>(length));
+#endif
 }
 
 namespace {

@@ -59,7 +59,7 @@ void EntFigure::angle(double angleRad) {
 // As the pattern is drawn. Where it begins does not count: patterns begin at the origin of the
 // drawing or near the hatch, and moves shift the one but not the other.
 void EntFigure::pattern(const HATCH_TYPE& type, double scale, double angleRad) {
-  family.add(zim::hashIgnoreCase(type.name));
+  family.add(std::uint64_t{zim::hashIgnoreCase(type.name)});
   for (const HATCH_LINE* line = type.lines; line != type.lines + type.numLines; ++line) {
     family.addInteger(line->numDash);
     families.push_back(std::cos(line->angle + angleRad) * m_size);

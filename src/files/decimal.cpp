@@ -10,6 +10,7 @@
 #include <limits>
 #include <utility>
 
+#include "files/bits.h"
 #include "files/natural.h"
 #include "files/wide.h"
 
@@ -60,7 +61,7 @@ double powerOfTwo(int exponent) {
   const std::uint64_t bits = exponent < kLeastNormal
                                  ? std::uint64_t{1} << (exponent - kLeast)
                                  : static_cast<std::uint64_t>(exponent + 1023) << kFractionBits;
-  return std::bit_cast<double>(bits);
+  return doubleOf(bits);
 }
 
 // The double nearest to `bits` (whose first bit is set) times two to the power of `exponent`, ties
@@ -116,7 +117,7 @@ std::uint64_t onlyMultipleWithin(const Bounds& bounds, std::uint64_t below, std:
 }  // namespace
 
 Decimal shortestDecimal(double value) {
-  const auto image = std::bit_cast<std::uint64_t>(value);
+  const auto image = bitsOf(value);
   const std::uint64_t fraction = image & (kHiddenBit - 1);
   const int biased = static_cast<int>(image >> kFractionBits);
   const std::uint64_t c = biased == 0 ? fraction : fraction | kHiddenBit;

@@ -2,10 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstdint>
 #include <functional>
 #include <iterator>
+
+#include "files/bits.h"
 
 struct CHatchTypeTable::Pattern {
   Pattern(const zim::WString& patternName, const std::vector<HATCH_LINE>& patternLines)
@@ -25,26 +26,26 @@ constexpr std::size_t kMaxDashes = std::size(HATCH_LINE{}.dash);
 using LineBits = std::array<std::uint64_t, kMaxDashes + 6>;
 
 // Adding 0 removes the sign of negative zero.
-std::uint64_t bitsOf(double value) { return std::bit_cast<std::uint64_t>(value + 0.0); }
+std::uint64_t keyOf(double value) { return vek0::detail::bitsOf(value + 0.0); }
 
 // The distinguishing data of a line, without the unused dashes. Bits instead of values: files can
 // produce NaN, which must equal itself.
-LineBits bitsOf(const HATCH_LINE& line) {
-  LineBits bits = {bitsOf(line.angle), bitsOf(line.x0), bitsOf(line.y0), bitsOf(line.dx),
-                   bitsOf(line.dy)};
+LineBits keyOf(const HATCH_LINE& line) {
+  LineBits bits = {keyOf(line.angle), keyOf(line.x0), keyOf(line.y0), keyOf(line.dx),
+                   keyOf(line.dy)};
   bits[5] = static_cast<std::uint64_t>(line.numDash);
-  for (std::size_t i = 0; i < kMaxDashes && i < bits[5]; ++i) bits[6 + i] = bitsOf(line.dash[i]);
+  for (std::size_t i = 0; i < kMaxDashes && i < bits[5]; ++i) bits[6 + i] = keyOf(line.dash[i]);
   return bits;
 }
 
-bool isSame(const HATCH_LINE& a, const HATCH_LINE& b) { return bitsOf(a) == bitsOf(b); }
+bool isSame(const HATCH_LINE& a, const HATCH_LINE& b) { return keyOf(a) == keyOf(b); }
 
 // The multiplier is 2^64 by the golden ratio. Multiplication propagates bits only upward, and the
 // low bits of round numbers are all zero, so the upper half is folded down each time.
 std::size_t hashOf(const zim::WString& name, const std::vector<HATCH_LINE>& lines) {
   std::uint64_t hash = std::hash<zim::WString>()(name);
   for (const HATCH_LINE& line : lines) {
-    for (const std::uint64_t bits : bitsOf(line)) {
+    for (const std::uint64_t bits : keyOf(line)) {
       hash = (hash ^ bits) * 0x9E3779B97F4A7C15;
       hash ^= hash >> 32;
     }

@@ -31,6 +31,9 @@ std::string unquoted(std::string_view text);
 /// "#rrggbb".
 std::string colorText(const RGB_COLOR& color);
 
+/// The fewest digits that are read as exactly this finite number.
+std::string shortestText(double value);
+
 /// In uppercase hexadecimal digits.
 std::string hexText(vek0::Handle handle);
 

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "files/bits.h"
 #include "files/number.h"
 
 namespace vek0::detail {
@@ -72,14 +73,14 @@ void append(std::string& out, Number value) {
   out += '\n';
 }
 
-void appendNumber(std::string& out, std::uint64_t value, std::size_t size) {
-  for (std::size_t i = 0; i < size; ++i) out += static_cast<char>(value >> 8 * i & 0xFF);
+void append(std::string& out, double value) {
+  char digits[kShortestRoom];
+  out.append(digits, formatShortest(digits, value));
+  out += '\n';
 }
 
-std::uint64_t bitsOf(double value) {
-  std::uint64_t bits;
-  std::memcpy(&bits, &value, sizeof bits);
-  return bits;
+void appendNumber(std::string& out, std::uint64_t value, std::size_t size) {
+  for (std::size_t i = 0; i < size; ++i) out += static_cast<char>(value >> 8 * i & 0xFF);
 }
 
 int digitOf(char c) {
