@@ -41,10 +41,10 @@ bool isBefore(const Spot& a, const Spot& b) { return a.y != b.y ? a.y < b.y : a.
 struct Side;
 
 // A position in the order of the sides that the sweep line cuts. Positions persist when sides
-// change, and every second one has the interior to its right.
+// change.
 struct Place {
   mutable Side* side;
-  bool isInside;         // between this place and the next
+  mutable int winding;   // of the boundary around what is between this place and the next
   mutable double since;  // the height from which this is valid for the current sides
 };
 
@@ -67,6 +67,7 @@ using Places = std::multiset<Place, PlaceOrder>;
 // An edge of the boundary; the sweep reaches `low` first.
 struct Side {
   Spot low, high;
+  int turns = 0;       // winding to its right less that to its left
   bool isCut = false;  // by the sweep line now
   Places::iterator place{};
 
@@ -125,8 +126,8 @@ Spot crossing(const Side& a, const Side& b) {
 
 class SolidSweep {
  public:
-  SolidSweep(const Points& boundary, double limit, std::vector<HatchFace>& faces)
-      : m_z(boundary[0].z), m_limit(limit), m_faces(faces) {
+  SolidSweep(const Points& boundary, double limit, std::vector<HatchFace>& faces, InsideRule rule)
+      : m_z(boundary[0].z), m_limit(limit), m_faces(faces), m_rule(rule) {
     for (const PNT_3D& p : boundary) {
       m_sliver = std::max({m_sliver, kSliver * std::fabs(p.x), kSliver * std::fabs(p.y)});
     }
@@ -172,7 +173,9 @@ class SolidSweep {
     for (std::size_t i = 0; i < edges.size(); ++i) {
       m_sides[i].low = spotOf(*edges[i].from);
       m_sides[i].high = spotOf(*edges[i].to);
-      if (isBefore(m_sides[i].high, m_sides[i].low)) std::swap(m_sides[i].low, m_sides[i].high);
+      const bool isDownward = isBefore(m_sides[i].high, m_sides[i].low);
+      if (isDownward) std::swap(m_sides[i].low, m_sides[i].high);
+      m_sides[i].turns = isDownward ? 1 : -1;
     }
     std::size_t ringStart = 0;
     for (std::size_t i = 0; i < edges.size(); ++i) {
@@ -214,16 +217,12 @@ class SolidSweep {
     const bool aIsLeft = turn(a, b) <= 0;
     const Fork fork = {m_now, aIsLeft ? &a : &b, aIsLeft ? &b : &a};
     const auto next = m_places.lower_bound(fork);
-    bool isInside = false;
-    if (next != m_places.begin()) {
-      const auto previous = std::prev(next);
-      // The new sides divide the trapezoid to the right of `previous`, so it ends here.
-      cut(previous);
-      isInside = previous->isInside;
-    }
-    // By the even-odd rule, every side separates inside from outside.
-    const auto left = m_places.emplace_hint(next, Place{nullptr, !isInside, m_now.y});
-    const auto right = m_places.emplace_hint(next, Place{nullptr, isInside, m_now.y});
+    // The new sides divide the trapezoid to their left, so it ends here.
+    cutBefore(next);
+    const int outside = windingBefore(next);
+    const auto left =
+        m_places.emplace_hint(next, Place{nullptr, outside + fork.left->turns, m_now.y});
+    const auto right = m_places.emplace_hint(next, Place{nullptr, outside, m_now.y});
     put(*fork.left, left);
     put(*fork.right, right);
     watchBefore(left);
@@ -275,6 +274,7 @@ class SolidSweep {
     Side* const side = left->side;
     put(*right->side, left);
     put(*side, right);
+    left->winding = windingBefore(left) + left->side->turns;
     watchBefore(left);
     watch(left);
     watch(right);
@@ -292,6 +292,14 @@ class SolidSweep {
       if (isBefore(m_now, meeting.at)) m_now = meeting.at;
       exchange(meeting.left->place);
     }
+  }
+
+  int windingBefore(Places::iterator place) const {
+    return place == m_places.begin() ? 0 : std::prev(place)->winding;
+  }
+
+  bool isInside(int winding) const {
+    return m_rule == InsideRule::NonZero ? winding != 0 : winding % 2 != 0;
   }
 
   static void put(Side& side, Places::iterator place) {
@@ -324,7 +332,7 @@ class SolidSweep {
   // Ends the trapezoid to the right of a place here; the next one starts.
   void cut(Places::iterator place) {
     const auto next = std::next(place);
-    if (place->isInside && next != m_places.end()) {
+    if (isInside(place->winding) && next != m_places.end()) {
       addFace(*place->side, *next->side, place->since, m_now.y);
     }
     place->since = m_now.y;
@@ -355,6 +363,7 @@ class SolidSweep {
   double m_z;
   double m_limit;
   std::vector<HatchFace>& m_faces;
+  const InsideRule m_rule;
   double m_sliver = 0;
   std::vector<Side> m_sides;
   std::vector<Vertex> m_vertices;  // as the sweep meets them
@@ -366,11 +375,12 @@ class SolidSweep {
 
 }  // namespace
 
-HatchStatus fillSolid(const Points& boundary, double limit, std::vector<HatchFace>& faces) {
+HatchStatus fillSolid(const Points& boundary, double limit, std::vector<HatchFace>& faces,
+                      InsideRule rule) {
   faces.clear();
   if (!vek0::detail::hasUsableCoordinates(boundary)) return HatchStatus::BadBoundary;
   if (boundary.empty()) return HatchStatus::Done;
-  if (SolidSweep(boundary, limit, faces).run()) return HatchStatus::Done;
+  if (SolidSweep(boundary, limit, faces, rule).run()) return HatchStatus::Done;
   faces.clear();
   return HatchStatus::TooDense;
 }

@@ -5,9 +5,9 @@ namespace {
 
 using Faces = std::vector<HatchFace>;
 
-Faces fill(const Rings& area) {
+Faces fill(const Rings& area, InsideRule rule = InsideRule::EvenOdd) {
   Faces faces;
-  EXPECT_EQ(fillSolid(joinHatchRings(area), 1e6, faces), HatchStatus::Done);
+  EXPECT_EQ(fillSolid(joinHatchRings(area), 1e6, faces, rule), HatchStatus::Done);
   return faces;
 }
 
@@ -34,7 +34,7 @@ bool contains(const HatchFace& face, double x, double y) {
 
 // The area by a slow method: between the heights of all vertices and of the crossings of all pairs
 // of edges, the width of the inside changes linearly.
-double areaOf(const Rings& area) {
+double areaOf(const Rings& area, InsideRule rule = InsideRule::EvenOdd) {
   std::vector<std::pair<PNT_3D, PNT_3D>> edges;
   for (const Points& ring : area)
     for (std::size_t i = 0; i < ring.size(); ++i)
@@ -51,12 +51,17 @@ double areaOf(const Rings& area) {
   long double low = heights.empty() ? 0 : *heights.begin();
   for (const long double high : heights) {
     const long double y = (low + high) / 2;
-    std::vector<long double> cuts;
+    std::vector<std::pair<long double, int>> cuts;  // with what they add to the winding
     for (const auto& [a, b] : edges)
-      if ((a.y > y) != (b.y > y)) cuts.push_back(a.x + (b.x - a.x) * (y - a.y) / (b.y - a.y));
+      if ((a.y > y) != (b.y > y))
+        cuts.emplace_back(a.x + (b.x - a.x) * (y - a.y) / (b.y - a.y), a.y > y ? 1 : -1);
     std::sort(cuts.begin(), cuts.end());
-    for (std::size_t i = 0; i + 1 < cuts.size(); i += 2)
-      sum += (cuts[i + 1] - cuts[i]) * (high - low);
+    int winding = 0;
+    for (std::size_t i = 0; i + 1 < cuts.size(); ++i) {
+      winding += cuts[i].second;
+      const bool isInside = rule == InsideRule::NonZero ? winding != 0 : winding % 2 != 0;
+      if (isInside) sum += (cuts[i + 1].first - cuts[i].first) * (high - low);
+    }
     low = high;
   }
   return static_cast<double>(sum);
@@ -66,6 +71,7 @@ double areaOf(const Rings& area) {
 void expectCovered(const Rings& area, AreaMaker& make) {
   const Faces faces = fill(area);
   ASSERT_NEAR(areaOf(faces), areaOf(area), 1e-9) << vek0::test::text(joinHatchRings(area));
+  ASSERT_NEAR(areaOf(fill(area, InsideRule::NonZero)), areaOf(area, InsideRule::NonZero), 1e-9);
   for (const HatchFace& face : faces) ASSERT_GT(areaOf(face), 0);
   for (int i = 0; i < 20; ++i) {
     const double x = make.number(-12, 12), y = make.number(-12, 12);

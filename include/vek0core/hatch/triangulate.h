@@ -12,6 +12,10 @@ struct HatchFace {
   PNT_3D p[4];
 };
 
+/// Which points are inside rings: those that they run around an odd number of times, or those that
+/// they run around in one direction more often than in the other.
+enum class InsideRule { EvenOdd, NonZero };
+
 /// Covers the inside of a boundary (rings as `hatchRings` reads them) with faces that do not
 /// overlap: trapezoids between edges of the boundary, cut at the heights of vertices and crossings.
 /// All are at the z of the first boundary point.
@@ -20,4 +24,5 @@ struct HatchFace {
 /// omitted. `faces` is replaced; it is empty unless the status is `Done`. `TooDense`: there would
 /// be more than `limit` faces or crossings. O(n log n) in edges plus crossings.
 VEK0_API HatchStatus fillSolid(const std::vector<PNT_3D>& boundary, double limit,
-                               std::vector<HatchFace>& faces);
+                               std::vector<HatchFace>& faces,
+                               InsideRule rule = InsideRule::EvenOdd);
