@@ -10,6 +10,7 @@ class CEntHatch;
 class CLayer;
 class CLtype;
 class CStyle;
+class IUndoListener;
 struct HATCH_TYPE;
 
 namespace vek0::detail {
@@ -32,6 +33,8 @@ class UndoAction {
   /// Undoes the edit permanently. Throws `std::bad_alloc` with nothing changed if a host has
   /// deleted vertices, attributes or elements; otherwise it needs no memory.
   virtual void takeBack(CData& data) { swap(data); }
+  /// Names the objects that it changes.
+  virtual void tell(IUndoListener& listener) const = 0;
   /// Memory in bytes, including what it owns.
   virtual std::size_t size() const = 0;
   /// Releases what it owns without deleting it.

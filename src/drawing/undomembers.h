@@ -9,7 +9,9 @@
 
 #include "drawing/undoaction.h"
 #include "vek0core/drawing/data.h"
+#include "vek0core/drawing/undostack.h"
 #include "vek0core/entities/blocks/block.h"
+#include "vek0core/entities/blocks/enthatch.h"
 #include "vek0core/hatch/hatchparameters.h"
 
 namespace vek0::detail {
@@ -32,6 +34,7 @@ class Membership : public UndoAction {
     m_isIn = !m_isIn;
   }
   void letGo() final { m_isIn = true; }
+  void tell(IUndoListener& listener) const final { listener.touched(*m_item); }
   std::size_t size() const override { return sizeof *this + (m_isIn ? 0 : bytesOf(*m_item)); }
 
  protected:
@@ -122,6 +125,7 @@ class ContentExchange final : public UndoAction {
   void swap(CData& data) override;
   std::size_t size() const override;
   void letGo() override { m_isMade = false; }
+  void tell(IUndoListener& listener) const override { listener.touched(m_block); }
   /// Call it after the redefinition: the previous content then belongs to this action.
   void adopt() { m_isMade = true; }
 
@@ -137,6 +141,7 @@ class HatchExchange final : public UndoAction {
   HatchExchange(CEntHatch& hatch, CBlock* block, const HatchParameters& parameters)
       : m_hatch(hatch), m_block(block), m_parameters(parameters) {}
   void swap(CData& data) override;
+  void tell(IUndoListener& listener) const override { listener.touched(m_hatch); }
   std::size_t size() const override { return sizeof *this; }
 
  private:

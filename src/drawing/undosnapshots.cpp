@@ -85,6 +85,14 @@ void PropertiesSnapshot::swap(CData& data) {
   data.getEntTable().invalidateBdry();  // the layer may be frozen
 }
 
+void PropertiesSnapshot::tell(IUndoListener& listener) const {
+  if (!m_mark.isGone()) listener.touched(m_ent);
+}
+
+void GeometrySnapshot::tell(IUndoListener& listener) const {
+  if (!m_mark.isGone()) listener.touched(m_ent);
+}
+
 void GeometrySnapshot::swap(CData& data) {
   if (m_mark.isGone()) return;
   // Created first: after a failure here, nothing has changed.

@@ -11,6 +11,7 @@
 #include "drawing/undoaction.h"
 #include "vek0core/drawing/datavariables.h"
 #include "vek0core/drawing/layout.h"
+#include "vek0core/drawing/undostack.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/entmemento.h"
 #include "vek0core/tables/layer.h"
@@ -42,6 +43,7 @@ class PropertiesSnapshot final : public UndoAction {
       : m_ent(ent), m_mark(ent), m_memento(ent.createBaseMemento()) {}
   bool isValid() const { return m_memento != nullptr; }
   void swap(CData& data) override;
+  void tell(IUndoListener& listener) const override;
   std::size_t size() const override { return sizeof *this + sizeof *m_memento; }
   const void* snapshotOf() const override { return m_mark.isGone() ? nullptr : &m_ent; }
 
@@ -63,6 +65,7 @@ class GeometrySnapshot final : public UndoAction {
   void swapBack(CData& data) override;
   void settle() override;
   void takeBack(CData& data) override;
+  void tell(IUndoListener& listener) const override;
   std::size_t size() const override { return sizeof *this + m_memento->size(); }
   const void* snapshotOf() const override;
   int part() const override { return kPart; }
@@ -94,6 +97,7 @@ class ItemSnapshot final : public UndoAction {
   void swapBack(CData& data) override;
   void settle() override;
   void takeBack(CData& data) override;
+  void tell(IUndoListener& listener) const override { listener.touched(m_item); }
   std::size_t size() const override;
   const void* snapshotOf() const override { return &m_item; }
 
@@ -116,6 +120,7 @@ class BlockHeadSnapshot final : public UndoAction {
   bool isValid() const { return true; }
   void swap(CData& data) override;
   void takeBack(CData& data) override;
+  void tell(IUndoListener& listener) const override { listener.touched(m_block); }
   std::size_t size() const override;
   const void* snapshotOf() const override { return &m_block; }
 
@@ -138,6 +143,7 @@ class VarsSnapshot final : public UndoAction {
   explicit VarsSnapshot(CDataVariables& vars) : m_vars(vars), m_kept(vars) {}
   bool isValid() const { return true; }
   void swap(CData& data) override;
+  void tell(IUndoListener& listener) const override { listener.touchedVars(); }
   std::size_t size() const override { return sizeof *this; }
   const void* snapshotOf() const override { return &m_vars; }
 
@@ -155,6 +161,7 @@ class LayoutSnapshot final : public UndoAction {
       : m_layout(layout), m_plot(layout.getPlot()), m_viewports(layout.getViewports()) {}
   bool isValid() const { return true; }
   void swap(CData& data) override;
+  void tell(IUndoListener& listener) const override { listener.touched(m_layout); }
   std::size_t size() const override;
   const void* snapshotOf() const override { return &m_layout; }
 

@@ -99,6 +99,7 @@ bool CUndoStack::commit() {
   m_done.splice(m_done.end(), m_open);
   measure(m_done.back());
   trim();
+  tell(m_done.back());
   return true;
 }
 
@@ -122,6 +123,7 @@ bool CUndoStack::undo() {
   m_undone.splice(m_undone.end(), m_done, std::prev(m_done.end()));
   // Sizes change: an action that holds a removed object counts its memory.
   measure(m_undone.back());
+  tell(m_undone.back());
   return true;
 }
 
@@ -130,7 +132,13 @@ bool CUndoStack::redo() {
   reinstateUsed(m_data);
   m_done.splice(m_done.end(), m_undone, std::prev(m_undone.end()));
   measure(m_done.back());
+  tell(m_done.back());
   return true;
+}
+
+void CUndoStack::tell(const Step& step) const {
+  if (!m_listener) return;
+  for (const auto& action : step.actions) action->tell(*m_listener);
 }
 
 bool CUndoStack::trySwap(Step& step, bool forward) try {

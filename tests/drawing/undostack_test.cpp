@@ -321,6 +321,61 @@ TEST(UndoStack, AHatchTakesItsBlockAlong) {
   EXPECT_EQ(snapshotOf(*data), empty);
 }
 
+// What a listener is told is where the drawing differs.
+TEST(UndoStack, TellsWhatStepsTouch) {
+  class Listener final : public IUndoListener {
+   public:
+    void touched(CEnt& ent) override { ents[&ent] = ent.isHeld(); }
+    void touched(CBlock& block) override { blocks.insert(&block); }
+    void touched(CNamedItem& item) override { items.insert(&item); }
+    void touched(CLayout&) override { ++others; }
+    void touchedVars() override { ++others; }
+    void forget() { *this = Listener(); }
+
+    std::map<const CEnt*, bool> ents;  // whether they are in the drawing
+    std::set<const CBlock*> blocks;
+    std::set<const CNamedItem*> items;
+    int others = 0;
+  };
+  using Ents = std::map<const CEnt*, bool>;
+  const Drawing data = newDrawing();
+  CUndoStack undo(*data);
+  Listener listener;
+  undo.setListener(&listener);
+  CEntLine *line = newLine(*data), *other = newLine(*data);
+  CLayer* layer = addedLayer(*data, u"L");
+  undo.begin(u"step");
+  undo.add(line);
+  undo.add(other);
+  EXPECT_TRUE(listener.ents.empty());
+  undo.commit();
+  EXPECT_EQ(listener.ents, (Ents{{line, true}, {other, true}}));
+  listener.forget();
+  undo.begin(u"step");
+  undo.keepProperties(*line);
+  line->setColor(3);
+  undo.keep(*layer);
+  layer->setOff(true);
+  undo.commit();
+  EXPECT_EQ(listener.ents, (Ents{{line, true}}));
+  EXPECT_EQ(listener.items, std::set<const CNamedItem*>{layer});
+  listener.forget();
+  undo.undo();
+  EXPECT_EQ(listener.ents, (Ents{{line, true}}));
+  EXPECT_EQ(listener.items, std::set<const CNamedItem*>{layer});
+  listener.forget();
+  undo.undo();
+  EXPECT_EQ(listener.ents, (Ents{{line, false}, {other, false}}));
+  undo.redo();
+  EXPECT_EQ(listener.ents, (Ents{{line, true}, {other, true}}));
+  listener.forget();
+  undo.begin(u"step");
+  undo.remove(line);
+  undo.rollback();
+  EXPECT_TRUE(listener.ents.empty());
+  EXPECT_EQ(listener.others, 0);
+}
+
 TEST(UndoStack, WhatCannotBeAddedStaysTheCallers) {
   const Drawing data = newDrawing();
   CUndoStack undo(*data);

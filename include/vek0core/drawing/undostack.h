@@ -17,6 +17,7 @@ class CEntHatch;
 class CLayer;
 class CLayout;
 class CLtype;
+class CNamedItem;
 class CStyle;
 class PNT_3D;
 struct HATCH_TYPE;
@@ -24,6 +25,23 @@ struct HATCH_TYPE;
 namespace vek0::detail {
 class UndoAction;
 }
+
+/// Learns what the steps of an undo stack touch when they are completed, undone and redone; a step
+/// that is rolled back leaves nothing changed. Calls come after the whole step, once or several
+/// times for each object, whether or not its state differs. Must not throw: the step has happened.
+class VEK0_API IUndoListener {
+ public:
+  virtual ~IUndoListener() = default;
+  /// The entity was changed, added, removed or put back, in model space, a block or a layout
+  /// (`CEnt::isHeld`, `CEnt::getOwnerBlock`). If it is out of the drawing, the stack keeps it.
+  virtual void touched(CEnt& ent) = 0;
+  /// The block has other content, or another name, base point or path.
+  virtual void touched(CBlock& block) = 0;
+  /// The layer, linetype or text style was changed, added, removed or put back.
+  virtual void touched(CNamedItem& item) = 0;
+  virtual void touched(CLayout& layout) = 0;
+  virtual void touchedVars() = 0;
+};
 
 /// The edits of one drawing, in named steps that can be undone and redone.
 ///
@@ -86,6 +104,9 @@ class VEK0_API CUndoStack {
   /// Name of the step that `undo` or `redo` would apply to; empty if there is none.
   const zim::WString& getUndoName() const;
   const zim::WString& getRedoName() const;  ///< see `getUndoName`
+
+  /// Tells the listener (borrowed; null for none) from now on what steps touch.
+  void setListener(IUndoListener* listener) { m_listener = listener; }
 
   /// Estimated memory of the steps in bytes, including what they own.
   std::size_t size() const { return m_bytes; }
@@ -175,6 +196,7 @@ class VEK0_API CUndoStack {
   bool attempt(const Edit& edit);
   template <class Made, class... Args>
   static std::unique_ptr<Made> newAction(Args&&... args);
+  void tell(const Step& step) const;
   void unwind(std::size_t count);
   void forget(std::size_t count);
   bool trySwap(Step& step, bool forward);
@@ -191,6 +213,7 @@ class VEK0_API CUndoStack {
   bool exchangeBlocks(CBlock* old, std::unique_ptr<CBlock>& fresh);
 
   CData& m_data;
+  IUndoListener* m_listener = nullptr;
   std::size_t m_limit;
   std::size_t m_bytes = 0;
   // Steps are spliced between lists, so that only `begin` allocates one.
