@@ -1,6 +1,8 @@
 #include "vek0draw/draw.h"
 
 #include "vek0core/vek0core.h"
+#include "vek0draw/areadrawing.h"
+#include "vek0draw/drawindex.h"
 #include "walker.h"
 
 DRAW_RESULT& DRAW_RESULT::operator+=(const DRAW_RESULT& part) {
@@ -22,6 +24,19 @@ DRAW_RESULT drawData(const CData& data, const IProjector& projector, const CWndV
   vek0::detail::Walker walker(data, projector, window, painter, options,
                               vek0::detail::WalkerAids(data, boxes));
   return walker.run(data.getEntTable().getEntityTbl());
+}
+
+DRAW_RESULT drawArea(const CData& data, const RECT_2D& area, IPainter& painter,
+                     const DRAW_OPTIONS& options) {
+  vek0::detail::ShownBoxes boxes;
+  vek0::detail::Walker walker(data, CPOProjector(), vek0::detail::Device(area), painter, options,
+                              vek0::detail::WalkerAids(data, boxes));
+  return walker.run(data.getEntTable().getEntityTbl());
+}
+
+DRAW_RESULT drawEntities(const CData& data, const std::vector<CEnt*>& entities, const RECT_2D& area,
+                         IPainter& painter, const DRAW_OPTIONS& options) {
+  return CDrawIndex(data).drawEntities(entities, area, painter, options);
 }
 
 RECT_2D drawnExtents(const CData& data, const IProjector& projector, const DRAW_OPTIONS& options) {

@@ -17,6 +17,7 @@
 
 using vek0::detail::BlockTrees;
 using vek0::detail::BoxTree;
+using vek0::detail::Device;
 using vek0::detail::isPlaced;
 using vek0::detail::Placement;
 using vek0::detail::RankedEnt;
@@ -211,6 +212,26 @@ DRAW_RESULT CDrawIndex::draw(const IProjector& projector, const CWndVpt& window,
   BlockTrees& blocks = m_entities->blocks();
   Walker walker(m_data, projector, window, painter, options,
                 WalkerAids(m_data, blocks.boxes(), &blocks));
+  return run(walker);
+}
+
+DRAW_RESULT CDrawIndex::drawArea(const RECT_2D& area, IPainter& painter,
+                                 const DRAW_OPTIONS& options) {
+  BlockTrees& blocks = m_entities->blocks();
+  Walker walker(m_data, CPOProjector(), Device(area), painter, options,
+                WalkerAids(m_data, blocks.boxes(), &blocks));
+  return run(walker);
+}
+
+DRAW_RESULT CDrawIndex::drawEntities(const std::vector<CEnt*>& entities, const RECT_2D& area,
+                                     IPainter& painter, const DRAW_OPTIONS& options) {
+  BlockTrees& blocks = m_entities->blocks();
+  Walker walker(m_data, CPOProjector(), Device(area), painter, options,
+                WalkerAids(m_data, blocks.boxes(), &blocks));
+  return walker.run(entities);
+}
+
+DRAW_RESULT CDrawIndex::run(Walker& walker) {
   if (!walker.hasDevice()) return {};
   m_entities->prepare();
   if (m_entities->isAllSeen(walker.placement(), walker.window()))

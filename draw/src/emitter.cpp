@@ -165,10 +165,14 @@ void Emitter::dashedStroke(const std::vector<PNT_2D>& points, const DrawDashes& 
   m_painter.dashedStroke(points.data(), points.size(), dashes, distance);
 }
 
-bool Emitter::arc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
+bool Emitter::arc(const PNT_2D& center, double radius, double startRad, double sweepRad,
+                  const DrawDashes& dashes) {
   const bool near = isNear(center) && isNear({radius, startRad}) && isNear(sweepRad);
   if (!spend(kPointsPerArc) || !near || !admit()) return true;
-  if (!m_painter.arc(center, radius, startRad, sweepRad)) {
+  const bool isDrawn = dashes.lengths.empty()
+                           ? m_painter.arc(center, radius, startRad, sweepRad)
+                           : m_painter.dashedArc(center, radius, startRad, sweepRad, dashes);
+  if (!isDrawn) {
     --m_result.emitted;
     return false;
   }
@@ -190,6 +194,15 @@ void Emitter::fill(const std::vector<PNT_2D>& points, const std::vector<std::siz
 void Emitter::dot(const PNT_2D& at) {
   charge(1);  // a stroke of no length
   if (spend(1) && isNear(at) && admit()) m_painter.dot(at);
+}
+
+bool Emitter::point(const PNT_2D& at) {
+  if (!isNear(at) || !admit()) return true;
+  if (!m_painter.point(at)) {
+    --m_result.emitted;
+    return false;
+  }
+  return spend(1);
 }
 
 void Emitter::disc(const PNT_2D& center, double diameter) {

@@ -25,10 +25,14 @@ class Emitter {
   void stroke(const std::vector<PNT_2D>& points, bool closed);
   bool hasDashes() const { return m_painter.hasDashes(); }
   void dashedStroke(const std::vector<PNT_2D>& points, const DrawDashes& dashes, double distance);
-  /// Returns false, emitting nothing, if the painter has no arcs.
-  bool arc(const PNT_2D& center, double radius, double startRad, double sweepRad);
+  /// Returns false, emitting nothing, if the painter has no arcs, or none with dashes; without
+  /// lengths it is continuous.
+  bool arc(const PNT_2D& center, double radius, double startRad, double sweepRad,
+           const DrawDashes& dashes = {});
   void fill(const std::vector<PNT_2D>& points, const std::vector<std::size_t>& ends, FillRule rule);
   void dot(const PNT_2D& at);
+  /// Returns false, emitting nothing, if the painter has no points.
+  bool point(const PNT_2D& at);
   void disc(const PNT_2D& center, double diameter);
   /// Text that collapses to a line is skipped.
   void text(const DrawText& text);

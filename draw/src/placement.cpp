@@ -22,7 +22,25 @@ double reach(const double (&row)[4], double x, double y, double z) {
 
 }  // namespace
 
-Placement::Placement(const IProjector& projector, const CWndVpt& window) {
+Device::Device(const CWndVpt& window) : pixelSize(window.GetPixelSize()) {
+  xScale = window.getViewXDistance(1);
+  xShift = window.getViewX(0);
+  yScale = -window.getViewYDistance(1);
+  yShift = window.getViewY(0);
+  long columns, rows;
+  window.get(columns, rows);
+  box.set(0, 0, static_cast<double>(columns), static_cast<double>(rows));
+  const RECT_2D& seen = window.getWindow();
+  span.set(xScale * (seen.max.x - seen.min.x), -yScale * (seen.max.y - seen.min.y));
+}
+
+Device::Device(const RECT_2D& area) : box(area), span(area.max - area.min) {
+  constexpr double pixels = 1000;  // for inserts whose size depends on them
+  const double longer = std::max(span.x, span.y);
+  pixelSize = std::isfinite(longer) && longer > 0 ? longer / pixels : 0;
+}
+
+Placement::Placement(const IProjector& projector, const Device& device) {
   const auto project = [&](double x, double y, double z) {
     PNT_2D p;
     projector.to2D(PNT_3D(x, y, z), p);
@@ -31,11 +49,11 @@ Placement::Placement(const IProjector& projector, const CWndVpt& window) {
   const PNT_2D origin = project(0, 0, 0);
   const PNT_2D ends[] = {project(kStep, 0, 0), project(0, kStep, 0), project(0, 0, kStep)};
   for (int i = 0; i < 3; ++i) {
-    m_x[i] = window.getViewXDistance((ends[i].x - origin.x) / kStep);
-    m_y[i] = -window.getViewYDistance((ends[i].y - origin.y) / kStep);
+    m_x[i] = device.xScale * ((ends[i].x - origin.x) / kStep);
+    m_y[i] = device.yScale * ((ends[i].y - origin.y) / kStep);
   }
-  m_x[3] = window.getViewX(origin.x);
-  m_y[3] = window.getViewY(origin.y);
+  m_x[3] = device.xScale * origin.x + device.xShift;
+  m_y[3] = device.yScale * origin.y + device.yShift;
 }
 
 Placement Placement::after(const CEntInsertMatrix& matrix) const {

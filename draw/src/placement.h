@@ -9,11 +9,29 @@
 
 namespace vek0::detail {
 
+/// The device that a view is shown on, and the map from the plane of the view to it:
+/// x' = xScale * x + xShift, y' = yScale * y + yShift.
+struct Device {
+  /// The pixels of a window, y downwards.
+  Device(const CWndVpt& window);  // NOLINT(google-explicit-constructor)
+  /// Drawing units, y upwards: coordinates of the plane are those of the device.
+  explicit Device(const RECT_2D& area);
+
+  bool exists() const { return pixelSize > 0; }
+  double width() const { return box.max.x - box.min.x; }
+  double height() const { return box.max.y - box.min.y; }
+
+  double xScale = 1, xShift = 0, yScale = 1, yShift = 0;
+  RECT_2D box;       ///< the part that is seen
+  PNT_2D span;       ///< its sides, in device units
+  double pixelSize;  ///< in drawing units; 0 if nothing can be seen
+};
+
 /// Maps drawing space, or the space of a block inserted there, to the device. All projections are
 /// parallel, so this is an affine map.
 class Placement {
  public:
-  Placement(const IProjector& projector, const CWndVpt& window);
+  Placement(const IProjector& projector, const Device& device);
   /// This placement applied after `matrix`.
   Placement after(const CEntInsertMatrix& matrix) const;
 

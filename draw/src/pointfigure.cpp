@@ -39,6 +39,7 @@ PointFigure::PointFigure(const CDataVariables& vars, double unit, double height,
 }
 
 void PointFigure::draw(const PNT_2D& at, Emitter& out) const {
+  if (out.point(at)) return;
   const double x = m_size, half = m_size / 2;
   if (m_middle == kDot) out.disc(at, m_least);
   if (m_middle == kPlus) {

@@ -15,6 +15,7 @@
 namespace vek0::detail {
 namespace {
 
+constexpr int kForeground = 7;  // the color that contrasts with the background
 constexpr int kMostChords = 4096;
 constexpr int kPlacedBits = 20;
 constexpr long kManyChords = 1 << 16;     // of a polyline: more count as unfolding
@@ -38,14 +39,6 @@ double cellOfDots(const DRAW_OPTIONS& options) {
   return std::max({options.finestDetail, share * options.penReach, 1e-9});
 }
 
-double widthOf(const CWndVpt& window) {
-  return window.getViewXDistance(window.getWindow().max.x - window.getWindow().min.x);
-}
-
-double heightOf(const CWndVpt& window) {
-  return window.getViewYDistance(window.getWindow().max.y - window.getWindow().min.y);
-}
-
 // Whether arcs make many times as many chords as the file has vertices.
 bool unfoldsArcs(const CEntPolyline& ent) {
   constexpr long manyTimes = 8;
@@ -60,33 +53,32 @@ bool unfoldsArcs(const CEntPolyline& ent) {
 WalkerAids::WalkerAids(const CData& data, ShownBoxes& shownBoxes, BlockTrees* trees)
     : boxes(shownBoxes), blocks(trees), ltypeReach(reachOfLtypes(data)) {}
 
-Walker::Walker(const CData& data, const IProjector& projector, const CWndVpt& window,
+Walker::Walker(const CData& data, const IProjector& projector, const Device& device,
                IPainter& painter, const DRAW_OPTIONS& options, const WalkerAids& aids)
     : m_data(data),
       m_options(options),
       m_blocks(aids.blocks),
       m_boxes(aids.boxes),
       m_out(painter, options),
-      m_pixelSize(window.GetPixelSize()),
+      m_pixelSize(device.pixelSize),
       m_hasDevice(m_pixelSize > 0),
       m_penReach(std::max(options.penReach, options.weights.widest() / 2)),
-      m_drawing(projector, window),
+      m_drawing(projector, device),
       m_textReach(aids.ltypeReach * m_drawing.scale()),
       m_place(m_drawing),
       m_stack(m_pixelSize),
-      m_points(data.getVars(), m_drawing.scale(), heightOf(window), options.leastPoint),
+      m_points(data.getVars(), m_drawing.scale(), device.span.y, options.leastPoint),
       m_reach(m_penReach + std::max(m_textReach, m_points.reach())),
       m_noLayer(u"0"),
       m_detail(cellOfDots(options)),
-      m_specks(m_detail, widthOf(window)),
+      m_specks(m_detail, device.span.x),
       m_placed(kPlacedBits) {
-  long width, height;
-  window.get(width, height);
-  m_window.set(0, 0, static_cast<double>(width), static_cast<double>(height));
+  m_window = device.box;
   // Content just outside may still reach into the window.
   m_window.inflate(m_reach, m_reach);
-  m_out.setLongest(static_cast<double>(std::max(width, height)));
-  m_longestPattern = kLongestPattern * static_cast<double>(std::max(width, height));
+  const double longest = std::max(device.width(), device.height());
+  m_out.setLongest(longest);
+  m_longestPattern = kLongestPattern * longest;
   // Large drawings may take proportionally longer.
   m_out.addEffort(kEffortPerEntity * static_cast<double>(data.getEntTable().getEntityTbl().size()));
 }
@@ -171,22 +163,26 @@ void Walker::begin(const CEnt& ent) {
   const short weight = traits.lineweight == ENT_TRAITS::kWeightDefault
                            ? m_data.getVars().getDefaultLineweight()
                            : traits.lineweight;
-  m_item.width = m_options.weights.widthOf(weight / 100.0);
+  m_item.weightMm = weight / 100.0;
+  m_item.width = m_options.weights.widthOf(m_item.weightMm);
+  m_item.ent = &ent;
+  m_item.path = &m_stack;
   m_ltype = m_stack.ResolveLtype(ent);
   m_ltypeScale = traits.ltypeScale;
   m_out.begin(m_item);
 }
 
-RGB_COLOR Walker::colorOf(const CEnt& ent, const ENT_TRAITS& traits) const {
-  constexpr int foreground = 7;
+RGB_COLOR Walker::colorOf(const CEnt& ent, const ENT_TRAITS& traits) {
   const RGB_COLOR& background = m_options.background;
+  m_item.isForeground = false;
   if (m_mark) return *m_mark;
   if (m_options.marks && m_options.marks->rest) return *m_options.marks->rest;
-  if (m_options.colors == DrawColors::Mono) return paletteColor(foreground, background);
-  const RGB_COLOR color = traits.hasTrueColor()
-                              ? unpackColor(static_cast<long>(traits.trueColor))
-                              : paletteColor(m_stack.ResolveColor(ent), background);
-  if (m_options.colors == DrawColors::Keep) return color;
+  const int index = m_options.colors == DrawColors::Mono ? kForeground : m_stack.ResolveColor(ent);
+  const bool isTrue = traits.hasTrueColor() && m_options.colors != DrawColors::Mono;
+  m_item.isForeground = !isTrue && index == kForeground;
+  const RGB_COLOR color =
+      isTrue ? unpackColor(static_cast<long>(traits.trueColor)) : paletteColor(index, background);
+  if (m_options.colors != DrawColors::Gray) return color;
   const auto gray = static_cast<std::uint8_t>(std::lround(brightness(color)));
   return {gray, gray, gray};
 }
@@ -214,13 +210,17 @@ const CLtypeComplexDashSeq* Walker::pattern() const {
   return period * m_drawing.scale() > finest ? &dashes : nullptr;
 }
 
+// The pattern for a painter that divides strokes itself; empty if it cannot, or not by this one.
+DrawDashes Walker::painterDashes(const CLtypeComplexDashSeq& dashes) const {
+  const double scale = patternScale() * m_drawing.scale();
+  const bool isFit = m_out.hasDashes() && dashes.GetPatternLen() * scale <= m_longestPattern &&
+                     m_drawing.isSimilar();
+  return isFit ? dashesOf(dashes, scale) : DrawDashes();
+}
+
 void Walker::strokeWay(bool closed) {
   const CLtypeComplexDashSeq* dashes = pattern();
-  const double scale = patternScale() * m_drawing.scale();
-  m_dashes = dashes && dashes->GetPatternLen() * scale <= m_longestPattern && m_out.hasDashes() &&
-                     m_drawing.isSimilar()
-                 ? dashesOf(*dashes, scale)
-                 : DrawDashes();
+  m_dashes = dashes ? painterDashes(*dashes) : DrawDashes();
   const bool isDivided = dashes && m_dashes.lengths.empty();
   if (!dashes || (isDivided && isTooManyDashes(*dashes))) return drawChain(m_way, closed);
   if (!m_out.spend(m_way.size())) return;
@@ -251,7 +251,7 @@ bool Walker::stretch(const std::vector<WIDE_VERTEX>& points, double distance, do
 // Segments of zero width are strokes, however wide their neighbors are.
 void Walker::drawChain(const std::vector<WIDE_VERTEX>& points, bool closed) {
   const auto end = points.end() - (closed || points.empty() ? 0 : 1);
-  const auto wide = std::count_if(points.begin(), end, isWide);
+  const auto wide = m_options.middleLines ? 0 : std::count_if(points.begin(), end, isWide);
   if (wide == 0) return stroke(points.data(), points.size(), closed);
   if (wide == end - points.begin()) return fillOutline(points, closed);
   std::vector<WIDE_VERTEX> chain(points);
@@ -333,8 +333,8 @@ void Walker::strokeEndless(const LINE_3D& line, LineReach reach) {
 }
 
 void Walker::visit(CEntPolyline& ent) {
-  if (!pattern() && ent.hasArcRuns() && !ent.isWide() && m_place.isSimilar())
-    return strokeRuns(ent);
+  const bool isThin = m_options.middleLines || !ent.isWide();
+  if (!pattern() && ent.hasArcRuns() && isThin && m_place.isSimilar()) return strokeRuns(ent);
   const bool unfolds = unfoldsArcs(ent);
   if (unfolds) m_out.beginUnfolding();
   // A bulge unfolds to hundreds of chords, which have twice as many points if it is wide.
@@ -468,7 +468,10 @@ void Walker::visit(CEntArc& ent) {
 }
 
 void Walker::drawArc(const PNT_3D& center, double radius, double start, double sweep) {
-  if (!pattern() && m_place.isSimilar() && drawTrueArc(center, radius, start, sweep)) return;
+  const CLtypeComplexDashSeq* dashes = pattern();
+  const DrawDashes divided = dashes ? painterDashes(*dashes) : DrawDashes();
+  const bool isWhole = !dashes || !divided.lengths.empty();
+  if (isWhole && m_place.isSimilar() && drawTrueArc(center, radius, start, sweep, divided)) return;
   const int chords = chordsOf(std::fabs(radius) * m_place.scale(), sweep);
   m_way.clear();
   for (int i = 0; i <= chords; ++i) {
@@ -486,11 +489,12 @@ int Walker::chordsOf(double reach, double sweep) const {
       std::min<double>(std::max(std::ceil(std::fabs(sweep) / step), 4.0), kMostChords));
 }
 
-bool Walker::drawTrueArc(const PNT_3D& center, double radius, double start, double sweep) {
+bool Walker::drawTrueArc(const PNT_3D& center, double radius, double start, double sweep,
+                         const DrawDashes& dashes) {
   const PNT_2D toStart = m_place.direction(radius * std::cos(start), radius * std::sin(start));
   return m_out.arc(m_place.apply(center), std::hypot(toStart.x, toStart.y),
                    // A mirrored placement reverses the direction of the sweep.
-                   std::atan2(toStart.y, toStart.x), m_place.mirrors() ? -sweep : sweep);
+                   std::atan2(toStart.y, toStart.x), m_place.mirrors() ? -sweep : sweep, dashes);
 }
 
 }  // namespace vek0::detail

@@ -37,8 +37,8 @@ struct WalkerAids {
 /// Draws the entities of model space, and those of inserted blocks within it.
 class Walker final : public IEntVisitor, private IPatternSink {
  public:
-  /// All except projector, window and aids must outlive it.
-  Walker(const CData& data, const IProjector& projector, const CWndVpt& window, IPainter& painter,
+  /// All except projector, device and aids must outlive it.
+  Walker(const CData& data, const IProjector& projector, const Device& device, IPainter& painter,
          const DRAW_OPTIONS& options, const WalkerAids& aids);
 
   /// From the drawing to the device.
@@ -54,6 +54,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
     if (!m_hasDevice) return {};
     for (CEnt* ent : entities) {
       m_item.handle = ent->GetHandle();
+      m_item.top = ent;
       draw(*ent);
       if (m_out.isCut()) break;
     }
@@ -106,8 +107,9 @@ class Walker final : public IEntVisitor, private IPatternSink {
     return m_data.getVars().getLtypeScale() * m_ltypeScale * m_options.patternFactor;
   }
   bool reaches(const CEnt& ent, const RECT_2D& box) const;
-  RGB_COLOR colorOf(const CEnt& ent, const ENT_TRAITS& traits) const;
+  RGB_COLOR colorOf(const CEnt& ent, const ENT_TRAITS& traits);
   const CLtypeComplexDashSeq* pattern() const;
+  DrawDashes painterDashes(const CLtypeComplexDashSeq& dashes) const;
   void strokeWay(bool closed);
   void drawChain(const std::vector<WIDE_VERTEX>& points, bool closed);
   void drawMixedChain(std::vector<WIDE_VERTEX> points);
@@ -126,7 +128,8 @@ class Walker final : public IEntVisitor, private IPatternSink {
   void strokeRuns(const CEntPolyline& ent);
   void drawBulge(const PNT_3D& from, const PNT_3D& to, double bulge);
   void drawArc(const PNT_3D& center, double radius, double start, double sweep);
-  bool drawTrueArc(const PNT_3D& center, double radius, double start, double sweep);
+  bool drawTrueArc(const PNT_3D& center, double radius, double start, double sweep,
+                   const DrawDashes& dashes = {});
   int chordsOf(double reach, double sweep) const;
   bool isTooManyDashes(const CLtypeComplexDashSeq& dashes);
   bool hasStretches() const override { return !m_dashes.lengths.empty(); }

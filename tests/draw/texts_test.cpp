@@ -4,6 +4,8 @@
 using vek0::DecodedText;
 using vek0::decodeTextCodes;
 
+using vek0::detail::kPi;
+
 namespace {
 
 constexpr double kAdvance = 0.9, kDescent = 1.0 / 3;  // default metrics

@@ -68,6 +68,8 @@ struct DRAW_OPTIONS {
   /// unfold to, beyond a generous multiple of the drawing's own content. The picture is cut when it
   /// is used up.
   double effort = 3'000'000;
+  /// Whether polylines are drawn by their middle lines, without widths.
+  bool middleLines = false;
   /// For painters of pixels: number of pixels that take as long as a point; 0 if sizes do not
   /// affect the cost.
   double pixelsPerPoint = 0;

@@ -1,8 +1,13 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "vek0draw/draw.h"
+
+namespace vek0::detail {
+class Walker;
+}
 
 /// Renders a drawing repeatedly, at a cost proportional to what the window shows.
 ///
@@ -28,8 +33,16 @@ class CDrawIndex {
   DRAW_RESULT draw(const IProjector& projector, const CWndVpt& window, IPainter& painter,
                    const DRAW_OPTIONS& options = {});
 
+  /// Emits what `::drawArea` would emit, in the same order.
+  DRAW_RESULT drawArea(const RECT_2D& area, IPainter& painter, const DRAW_OPTIONS& options = {});
+  /// Emits these entities of model space in the given order, as far as they lie in the area. Costs
+  /// what they cost, however many others there are.
+  DRAW_RESULT drawEntities(const std::vector<CEnt*>& entities, const RECT_2D& area,
+                           IPainter& painter, const DRAW_OPTIONS& options = {});
+
  private:
   class Entities;
+  DRAW_RESULT run(vek0::detail::Walker& walker);
 
   const CData& m_data;
   std::unique_ptr<Entities> m_entities;

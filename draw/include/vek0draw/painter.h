@@ -10,6 +10,8 @@
 #include "vek0core/tables/palette.h"
 #include "zim0lang/wstring.h"
 
+class CEnt;
+class CEntInsertStackState;
 class ICADFont;
 
 /// Affine map of the plane: x' = a * x + c * y + e, y' = b * x + d * y + f.
@@ -26,6 +28,15 @@ struct DrawItem {
   std::uint8_t alpha = 255;             ///< opacity; 255 is opaque
   const zim::WString* layer = nullptr;  ///< name of the layer that determines visibility; borrowed
   vek0::Handle handle = 0;              ///< of the entity of model space; 0 for none
+  double weightMm = 0;                  ///< lineweight in millimeters, whatever the width
+  bool isForeground = false;  ///< color 7: black or white, whichever contrasts with the background
+  /// The entity of model space or of the sheet; null for none. Borrowed, as are the next two.
+  const CEnt* top = nullptr;
+  /// What `top` shows here: itself, an entity of a block or an attribute.
+  const CEnt* ent = nullptr;
+  /// The inserts from `top` to what holds `ent`, and what that inherits from them. Valid during the
+  /// call; never null when a painter is called.
+  const CEntInsertStackState* path = nullptr;
 };
 
 /// A line of text in one font: the baseline starts at the origin of text space and runs along its x
@@ -76,11 +87,21 @@ class IPainter {
     static_cast<void>(startRad), static_cast<void>(sweepRad);
     return false;
   }
+  /// The same with a pattern that begins at `startRad`. Only called if `hasDashes`.
+  virtual bool dashedArc(const PNT_2D& center, double radius, double startRad, double sweepRad,
+                         const DrawDashes& dashes) {
+    static_cast<void>(center), static_cast<void>(radius), static_cast<void>(dashes);
+    static_cast<void>(startRad), static_cast<void>(sweepRad);
+    return false;
+  }
   /// The interior of the rings: `ends[i]` is the index after the last point of ring i.
   virtual void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
                     FillRule rule) = 0;
   /// A point without size.
   virtual void dot(const PNT_2D& at) = 0;
+  /// A point entity. A painter that returns false receives the figure that the drawing's point mode
+  /// and point size demand, which depends on the window.
+  virtual bool point(const PNT_2D& /*at*/) { return false; }
   /// A filled circle, for a point entity. Default: a fill with sixteen corners.
   virtual void disc(const PNT_2D& center, double diameter);
   virtual void text(const DrawText& text) = 0;
