@@ -121,6 +121,13 @@ std::string listEntities(const CData& data, const std::string& place, Selection 
   return {};
 }
 
+void listEntity(const CData& data, CEnt& ent, const zim::WString* layout,
+                const std::function<void(const ListedEntity&)>& show) {
+  Lister(data, Selection(), show).list(ent, layout);
+}
+
+const zim::WString& modelName() { return kModel; }
+
 Json toJson(const ListedEntity& e) {
   Json json;
   const CLayer* layer = e.ent->getLayer();

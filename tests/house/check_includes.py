@@ -20,6 +20,7 @@ LIBRARIES = [
     ("host/include", "host/src", ["nlohmann"]),
     ("paint/include", "paint/src", ["nlohmann", "cairo", "fontconfig", "ft2build", "hb", "zlib"]),
     (None, "apps/vek0", ["nlohmann", "CLI"]),
+    (None, "apps/web", ["nlohmann"]),
 ]
 BELOW = ["vek0core", "zim0lang"]  # assert.h and export.h, and the library underneath
 

@@ -33,6 +33,13 @@ struct ListedEntity {
 std::string listEntities(const CData& data, const std::string& place, Selection selection,
                          const std::function<void(const ListedEntity&)>& show);
 
+/// Calls `show` for one entity and its attributes. `layout` is that of the entity, null in a block.
+void listEntity(const CData& data, CEnt& ent, const zim::WString* layout,
+                const std::function<void(const ListedEntity&)>& show);
+
+/// The name of the layout of model space.
+const zim::WString& modelName();
+
 /// {"handle", "kind", "layer", "layout", "block", "color", "rgb", "lineweight", "linetype",
 /// "linetype_scale", "transparency", "visible", "extents", "text"}, for attributes also "of".
 /// "block" is that of an insert, "text" that of a text, both else null.
