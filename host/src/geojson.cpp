@@ -32,7 +32,8 @@ bool isFiniteRing(const GeoRing& points) {
 
 // A position, or positions in brackets.
 std::string coordinates(const PNT_3D& p, bool isFlat) {
-  return "[" + shortestText(p.x) + "," + shortestText(p.y) + (isFlat ? "" : "," + shortestText(p.z)) + "]";
+  return "[" + shortestText(p.x) + "," + shortestText(p.y) +
+         (isFlat ? "" : "," + shortestText(p.z)) + "]";
 }
 
 std::string coordinates(const GeoRing& points, bool isClosed) {

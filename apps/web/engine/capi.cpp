@@ -177,7 +177,10 @@ int vek0_scene_step(vek0_engine* engine, double entities) {
   });
 }
 
-const vek0_scene* vek0_current(const vek0_engine* engine) { return &engine->scene().current(); }
+const vek0_scene* vek0_current(const vek0_engine* engine) {
+  static constexpr vek0_scene none{};
+  return engine->hasScene() ? &engine->scene().current() : &none;
+}
 
 int vek0_window(vek0_engine* engine, double x1, double y1, double x2, double y2, double deviation) {
   return attempt(engine, [&] {

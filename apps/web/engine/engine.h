@@ -68,6 +68,8 @@ class OpenDrawing {
   void save(const std::string& version, IFile& file, CFileReport& report);
 
  private:
+  host::Drawing readPlainly() const;
+
   std::string m_name;
   GlyphFonts& m_fonts;
   std::shared_ptr<const std::string> m_bytes;
@@ -93,6 +95,7 @@ class Engine {
 
   OpenDrawing& drawing() const;
   Scene& scene() const;
+  bool hasScene() const { return m_scene != nullptr; }
   void beginOpening(const char* name, double size);
   void* openingRoom(std::size_t size);
   void addChunk(std::size_t size);

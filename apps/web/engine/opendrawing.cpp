@@ -158,8 +158,20 @@ void OpenDrawing::save(const std::string& version, IFile& file, CFileReport& rep
     if (outcome != CDXFSource::Outcome::Saved) throw EngineError(problemOf(outcome));
     return;
   }
-  if (!SaveDXF(*m_data, file, {options.version, options.flags(), &report}))
+  // Tools convert what they read for that purpose, where records may be several entities.
+  const host::Drawing plainly = m_bytes && m_undo.getNoUndo() == 0 ? readPlainly() : nullptr;
+  if (!SaveDXF(plainly ? *plainly : *m_data, file, {options.version, options.flags(), &report}))
     throw EngineError("the drawing cannot be written");
+}
+
+host::Drawing OpenDrawing::readPlainly() const {
+  host::Drawing data = host::newDrawing();
+  KeptFile file(m_name, m_bytes);
+  CFileDXFIError error;
+  loadDXF(*data, file, &error, host::readingOptions(host::Session()));
+  if (error.HasAnError()) throw EngineError(error.GetFullMessage().toUtf8());
+  host::startHandles(*data);
+  return data;
 }
 
 }  // namespace vek0::web

@@ -73,7 +73,8 @@ long vek0_layers(vek0_engine* engine);
 /* JSON: [{"name", "extents": [x1, y1, x2, y2] | null, "paper": [x1, y1, x2, y2] | null}], the model
  * first. `extents` is what is to be seen, `paper` the sheet. */
 long vek0_layouts(vek0_engine* engine);
-/* JSON: at most `count` objects of `vek0 list --json`, from number `first` on; [] past the end. */
+/* JSON: objects of `vek0 list --json` of at most `count` entities and their attributes, from entity
+ * number `first` on; [] past the end. */
 long vek0_list(vek0_engine* engine, double first, double count);
 /* JSON: the same for these entities. */
 long vek0_properties(vek0_engine* engine, const uint64_t* handles, size_t count);
