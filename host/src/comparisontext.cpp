@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <map>
 
 #include "vek0host/entitycounts.h"
@@ -108,10 +109,17 @@ Json itemToJson(const ITEM_CHANGE& change) {
   return json;
 }
 
+bool isWhole(double number) {
+  constexpr double exact = 1e9;
+  return std::fabs(number) < exact && number == std::trunc(number);
+}
+
 // On one line: texts without quotes, extents as their corners.
 std::string inWords(const Json& value) {
   if (value.is_string()) return visible(value.get<std::string>());
   if (value.is_null()) return "none";
+  if (value.is_number_float() && isWhole(value.get<double>()))
+    return std::to_string(value.get<long>());
   if (value.is_object() && value.contains("min"))
     return toLine(value["min"]) + "-" + toLine(value["max"]);
   return toLine(value);
@@ -122,7 +130,8 @@ std::string inWords(const Json& what, const Json& from, const Json& to) {
   for (const Json& word : what) {
     const std::string key = word.get<std::string>();
     text += (text.empty() ? "" : ", ") + key;
-    if (from.contains(key)) text += " " + inWords(from[key]) + " -> " + inWords(to[key]);
+    const bool isStated = from.contains(key) && !(from[key].is_null() && to[key].is_null());
+    if (isStated) text += " " + inWords(from[key]) + " -> " + inWords(to[key]);
   }
   return text;
 }
@@ -133,6 +142,11 @@ std::string padded(std::string text, std::size_t width) {
 }
 
 }  // namespace
+
+std::string changesInWords(const std::vector<VALUE_CHANGE>& changes) {
+  const Json json = itemToJson({ItemTable::Layers, ITEM_CHANGE::Sort::Changed, {}, changes});
+  return inWords(json["what"], json["from"], json["to"]);
+}
 
 Json ComparisonText::toJson(const CData& data, const CEnt& ent) const {
   Json json{{"handle", hexText(ent.GetHandle())}, {"kind", kindOf(ent)}, {"layer", layerOf(ent)}};

@@ -189,9 +189,11 @@ ReadResult loadFile(CData& data, CDXFSource& source, const std::string& path,
   return readWith(read, data, path, session, false);
 }
 
-ReadResult importFile(CData& data, const std::string& path, const Session& session) {
+ReadResult importFile(CData& data, const std::string& path, const CImportPlan& plan,
+                      const Session& session) {
   const auto read = [&](CFileDXFIError* err, const CFileDXFIOptions& options) {
-    return importDXF(data, *openForReading(path, session), err, options);
+    plan.addTo(*options.report);
+    return importDXF(data, *openForReading(path, session), err, options, plan);
   };
   return readWith(read, data, path, session, false);
 }

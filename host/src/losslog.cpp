@@ -24,6 +24,12 @@ Json newEntry(const std::string& code, ReportSeverity severity, LossLog::Stage s
           {"new", nullptr}};
 }
 
+bool isRenaming(ReportCode code) {
+  return code == ReportCode::NameChanged || code == ReportCode::BlockRenamed ||
+         code == ReportCode::LayerRenamed || code == ReportCode::LinetypeRenamed ||
+         code == ReportCode::StyleRenamed;
+}
+
 // "old -> new", where the names themselves may contain an arrow only in the classic form.
 void splitNames(const std::string& sample, Json& entry) {
   constexpr std::string_view arrow = " -> ";
@@ -50,7 +56,7 @@ void LossLog::add(Stage stage, const CFileReport& report) {
     if (entry.firstLine > 0) made["line"] = entry.firstLine;
     const std::string sample = entry.sample.toUtf8();
     if (!sample.empty()) made["sample"] = sample;
-    if (entry.code == ReportCode::NameChanged) splitNames(sample, made);
+    if (isRenaming(entry.code)) splitNames(sample, made);
     add(std::move(made));
   }
 }

@@ -125,6 +125,7 @@
 #include "vek0core/dxf/in/parse/filedxfiimportdatasemantor.h"
 #include "vek0core/dxf/in/parse/filedxfiloaddatasemantor.h"
 #include "vek0core/dxf/in/parse/filedxfiparser.h"
+#include "vek0core/dxf/in/parse/importplan.h"
 #include "vek0core/dxf/in/parse/loaddxf.h"
 
 #include "vek0core/xref/xrefresolver.h"

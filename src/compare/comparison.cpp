@@ -203,12 +203,13 @@ class DrawingComparer {
     for (const MatchEnt& one : m_was) unusedBefore.erase(itemOf(*one.ent));
     for (const MatchEnt& one : m_is) unusedAfter.erase(itemOf(*one.ent));
     for (const Item* was : unusedBefore) {
-      const auto isTwin = [&](const Item* is) { return isAlike(*was, *is, m_ids); };
+      const auto isTwin = [&](const Item* is) { return changesBetween(*was, *is, m_ids).empty(); };
       const auto twin = std::find_if(unusedAfter.begin(), unusedAfter.end(), isTwin);
       const bool isOnly =
           std::count_if(unusedAfter.begin(), unusedAfter.end(), isTwin) == 1 &&
-          std::count_if(unusedBefore.begin(), unusedBefore.end(),
-                        [&](const Item* other) { return isAlike(*other, **twin, m_ids); }) == 1;
+          std::count_if(unusedBefore.begin(), unusedBefore.end(), [&](const Item* other) {
+            return changesBetween(*other, **twin, m_ids).empty();
+          }) == 1;
       if (isOnly) finder.rename(was, *twin);
     }
   }

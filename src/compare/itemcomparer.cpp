@@ -266,9 +266,8 @@ void dropRepeated(std::vector<const Item*>& items) {
 }
 
 template <class Item>
-bool isAlikeItem(const Item& before, const Item& after, SharedIds& ids) {
-  return changesOf(propertiesOf(Side::Before, before, ids), propertiesOf(Side::After, after, ids))
-      .empty();
+std::vector<VALUE_CHANGE> changesOfItem(const Item& before, const Item& after, SharedIds& ids) {
+  return changesOf(propertiesOf(Side::Before, before, ids), propertiesOf(Side::After, after, ids));
 }
 
 }  // namespace
@@ -292,14 +291,17 @@ TableLists::TableLists(const CData& before, const CData& after) {
   gather(after, layers.after, ltypes.after, styles.after, blocks.after);
 }
 
-bool isAlike(const CLayer& before, const CLayer& after, SharedIds& ids) {
-  return isAlikeItem(before, after, ids);
+std::vector<VALUE_CHANGE> changesBetween(const CLayer& before, const CLayer& after,
+                                         SharedIds& ids) {
+  return changesOfItem(before, after, ids);
 }
-bool isAlike(const CLtype& before, const CLtype& after, SharedIds& ids) {
-  return isAlikeItem(before, after, ids);
+std::vector<VALUE_CHANGE> changesBetween(const CLtype& before, const CLtype& after,
+                                         SharedIds& ids) {
+  return changesOfItem(before, after, ids);
 }
-bool isAlike(const CStyle& before, const CStyle& after, SharedIds& ids) {
-  return isAlikeItem(before, after, ids);
+std::vector<VALUE_CHANGE> changesBetween(const CStyle& before, const CStyle& after,
+                                         SharedIds& ids) {
+  return changesOfItem(before, after, ids);
 }
 
 std::vector<ItemPair<CLayout>> layoutPairs(const CData& before, const CData& after) {

@@ -25,10 +25,10 @@ struct TableLists {
   TableLists(const CData& before, const CData& after);
 };
 
-/// Whether the two items differ in nothing but the name.
-bool isAlike(const CLayer& before, const CLayer& after, SharedIds& ids);
-bool isAlike(const CLtype& before, const CLtype& after, SharedIds& ids);
-bool isAlike(const CStyle& before, const CStyle& after, SharedIds& ids);
+/// What the two items differ in, apart from the name.
+std::vector<VALUE_CHANGE> changesBetween(const CLayer& before, const CLayer& after, SharedIds& ids);
+std::vector<VALUE_CHANGE> changesBetween(const CLtype& before, const CLtype& after, SharedIds& ids);
+std::vector<VALUE_CHANGE> changesBetween(const CStyle& before, const CStyle& after, SharedIds& ids);
 
 /// The layouts of both drawings; one with another name is the same if its block is.
 std::vector<ItemPair<CLayout>> layoutPairs(const CData& before, const CData& after);

@@ -2,11 +2,15 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "vek0core/vek0core.h"
 #include "vek0host/json.h"
 
 namespace vek0::host {
+
+/// What changed about an item, on one line: "color 1 -> 3, linetype DASHED -> DOT".
+std::string changesInWords(const std::vector<VALUE_CHANGE>& changes);
 
 /// The differences between two drawings as `vek0 diff` prints them. Handles, layers and extents are
 /// those of the first drawing, of added entities those of the second.

@@ -57,7 +57,9 @@ ReadResult loadFile(CData& data, CDXFSource& source, const std::string& path,
 /// The session's options for reading drawings; without a report.
 CFileDXFIOptions readingOptions(const Session& session);
 
-/// Merges `path` into a drawing that has content.
-ReadResult importFile(CData& data, const std::string& path, const Session& session);
+/// Merges `path` into a drawing that has content, following a plan made for both; what the plan
+/// lists is in the report.
+ReadResult importFile(CData& data, const std::string& path, const CImportPlan& plan,
+                      const Session& session);
 
 }  // namespace vek0::host

@@ -50,8 +50,18 @@ enum class ReportCode : std::uint8_t {
   GradientDropped,        ///< a gradient fill became a fill of a single color
   ShapeDropped,           ///< a shape element of a linetype was reduced to its gap
   BlockUndefined,         ///< a block that is inserted but never defined is empty
-  BlockKept,              ///< the drawing's block won over the file's
-  BlockRenamed,           ///< an anonymous block of the file took a free name
+  BlockKept,              ///< the drawing's block won over the file's of that name
+  BlockRenamed,           ///< a block of the file took a free name; a named one: "old -> new"
+  LayerKept,              ///< likewise; the file's layer differs
+  LinetypeKept,           ///< likewise
+  StyleKept,              ///< likewise
+  LayerReplaced,          ///< the file's layer replaced the drawing's, which differs
+  LinetypeReplaced,       ///< likewise
+  StyleReplaced,          ///< likewise
+  BlockReplaced,          ///< likewise
+  LayerRenamed,           ///< a layer of the file took another name: "old -> new"
+  LinetypeRenamed,        ///< likewise
+  StyleRenamed,           ///< likewise
 
   // Tolerant reading.
   VersionUnknown,     ///< a nonexistent version; read by the newest rules

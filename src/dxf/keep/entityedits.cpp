@@ -68,6 +68,19 @@ bool saysMore(const std::vector<SourceRecord>& records) {
   return record.integerOf(generation) != 0 || record.find(alignment) == SourceRecord::kNone;
 }
 
+// Blocks hold their content relative to the base point, their records do not.
+void shift(std::vector<SourceRecord>& records, const PNT_3D& base) {
+  if (base == PNT_3D(0, 0, 0)) return;
+  SpaceMap map;
+  map.origin = base;
+  const std::span<SourceRecord> all(records);
+  for (std::size_t from = 0, to; from < all.size(); from = to) {
+    to = from + 1;
+    while (to < all.size() && isPart(all[to])) ++to;
+    transformRecords(all.subspan(from, to - from), map);
+  }
+}
+
 // Makes a dimension show that block; an empty name leaves it its own.
 void setBlock(std::vector<SourceRecord>& records, const std::string& block) {
   const std::size_t name = records[0].find(2);
@@ -309,6 +322,7 @@ std::vector<SourceRecord> EntityEdits::replacement(const Action& action,
   const bool isPieces = isWhole(*action.after);
   std::vector<SourceRecord> fresh =
       isPieces ? action.pieces : m_on.after->write(*action.after, isOldPolyline(records));
+  shift(fresh, action.base);
   if (fresh.empty()) {
     if (isPieces) m_on.note(ReportCode::RecordLeft, zim::WString::fromUtf8(records[0].kind()));
     return records;
@@ -350,8 +364,10 @@ void EntityEdits::addNew() {
     }
     m_items.need(*held.ent);
     std::vector<SourceRecord> records = copyOf(held);
-    if (records.empty())
+    if (records.empty()) {
       records = isWhole(*held.ent) ? writeWhole(*held.ent) : m_on.after->write(*held.ent, false);
+      shift(records, target.base);
+    }
     if (records.empty() && held.ent->getRecord() == EntRecord::Opaque)
       m_on.note(ReportCode::RecordLeft, opaqueKindOf(*held.ent));
     setFrames(records, m_on.handleFor(*held.ent), target.owner, m_on.edits);
@@ -447,6 +463,9 @@ EntityEdits::Target EntityEdits::findTarget(const Container& container) {
   const std::size_t begin = isInSection ? 0 : m_items.findBlock(block);
   if (begin == SourceIndex::kNone) return target;
   target.before = isInSection ? endOfEntities() : endOfBlock(begin);
+  if (isInSection) return target;
+  if (const CBlock* was = m_on.pristine->getBlockTable().get(container.block->getName()))
+    target.base = was->getPnt();
   return target;
 }
 

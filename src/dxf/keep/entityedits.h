@@ -46,6 +46,7 @@ class EntityEdits {
     std::size_t before = SourceIndex::kNone;
     Handle owner = 0;
     bool isOnPaper = false;
+    PNT_3D base{0, 0, 0};  // of the block in the source
   };
 
   void planEntity(const HeldEnt& before, std::size_t entry);

@@ -44,9 +44,9 @@ std::vector<const CStyle*> stylesIn(const CData& data) {
   return items;
 }
 
-SourceRecord recordOf(RecordWriter& writer, const CLayer* layer) { return writer.write(*layer); }
-SourceRecord recordOf(RecordWriter& writer, const CLtype* ltype) { return writer.write(*ltype); }
-SourceRecord recordOf(RecordWriter& writer, const CStyle* style) {
+SourceRecord written(RecordWriter& writer, const CLayer* layer) { return writer.write(*layer); }
+SourceRecord written(RecordWriter& writer, const CLtype* ltype) { return writer.write(*ltype); }
+SourceRecord written(RecordWriter& writer, const CStyle* style) {
   return writer.write(ListedStyle{style, style->getName(), style->getFlags()});
 }
 
@@ -123,11 +123,42 @@ void ItemEdits::plan() {
   for (const CLtype* ltype : ltypesIn(m_on.data))
     if (const std::size_t entry = findKey("LTYPE", keyOf(ltype)); isSpelled(entry, ltype))
       m_on.after->spell(ltype, m_on.index.nameOf(entry));
+  // Texts of linetypes refer to their styles by handle.
+  planTable("STYLE", stylesIn(*m_on.pristine), stylesIn(m_on.data));
   planTable("LTYPE", ltypesIn(*m_on.pristine), ltypesIn(m_on.data));
   planTable("LAYER", layersIn(*m_on.pristine), layersIn(m_on.data));
-  planTable("STYLE", stylesIn(*m_on.pristine), stylesIn(m_on.data));
   planBlocks();
   if (!m_gone.empty()) removeUnused();
+}
+
+template <class Item>
+SourceRecord ItemEdits::recordOf(RecordWriter& writer, const Item* item) {
+  return written(writer, item);
+}
+
+// The writer has handles of its own.
+SourceRecord ItemEdits::recordOf(RecordWriter& writer, const CLtype* ltype) {
+  constexpr long styleHandle = 340;
+  SourceRecord record = written(writer, ltype);
+  std::size_t at = 0;
+  for (int i = 0; i < ltype->getNoDashes(); ++i) {
+    const TEXT_3D* text = (*ltype)[i]->GetText();
+    if (!text || !text->getStyle()) continue;
+    while (at < record.pairs.size() && record.pairs[at].code != styleHandle) ++at;
+    if (at < record.pairs.size()) record.setText(at++, hexOf(handleOf(*text->getStyle())));
+  }
+  return record;
+}
+
+// Of the style's record, which is added if there is none.
+Handle ItemEdits::handleOf(const CStyle& style) {
+  const std::string key = keyOf(&style);
+  const auto known = m_newStyles.find(key);
+  if (known != m_newStyles.end()) return known->second;
+  const std::size_t entry = findKey("STYLE", key);
+  if (entry != SourceIndex::kNone) return m_on.index[entry].handle;
+  add("STYLE", recordOf(*m_on.after, &style));
+  return m_newStyles[key];
 }
 
 template <class Item>
@@ -163,6 +194,7 @@ void ItemEdits::add(const std::string& name, SourceRecord record) {
   if (!table.records.emplace(keyOfText(item), table.end).second) return;
   const Handle handle = m_on.version.hasHandles ? m_on.edits.takeHandle() : 0;
   setFrame(record, handle, table.begin == SourceIndex::kNone ? 0 : m_on.index[table.begin].handle);
+  if (name == "STYLE") m_newStyles.emplace(keyOfText(item), handle);
   ++table.change;
   if (table.end == SourceIndex::kNone)
     table.added.push_back(std::move(record));

@@ -53,6 +53,10 @@ class ItemEdits {
   };
 
   template <class Item>
+  SourceRecord recordOf(RecordWriter& writer, const Item* item);
+  SourceRecord recordOf(RecordWriter& writer, const CLtype* ltype);
+  Handle handleOf(const CStyle& style);
+  template <class Item>
   void planTable(const std::string& table, const std::vector<Item>& before,
                  const std::vector<Item>& after);
   template <class Item>
@@ -75,6 +79,7 @@ class ItemEdits {
   EditContext& m_on;
   std::unordered_map<std::string, Table> m_tables;
   std::unordered_map<std::string, std::size_t> m_blocks;
+  std::unordered_map<std::string, Handle> m_newStyles;  // by key
   std::vector<SourceRecord> m_newBlocks;
   std::size_t m_lastCopy = 0;  // the number of a dimension's block
   std::vector<GoneItem> m_gone;

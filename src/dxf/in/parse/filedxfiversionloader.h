@@ -12,6 +12,8 @@ class CFileDXFIVersionLoader {
 
   /// Reads one entry of the LTYPE table, at whose group 0 the lexer is positioned.
   virtual void readLtype() = 0;
+  /// As `LtypeReader::settle`.
+  void settleLtypes(const LtypeReader::FindStyle& find) { m_ltypes.settle(find); }
   /// Reads the entity at whose group 0 the lexer is positioned. The caller owns it; null if it was
   /// skipped or an error is recorded. Further entities of the record are in `getFurther`.
   virtual CEnt* readEntity() = 0;

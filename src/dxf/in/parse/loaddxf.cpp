@@ -14,11 +14,11 @@
 
 namespace {
 
-template <class Semantor>
+template <class Semantor, class... Plan>
 CFileDXFIResult parse(CData& data, IFile& file, CFileDXFIError& record,
-                      const CFileDXFIOptions& options) {
+                      const CFileDXFIOptions& options, const Plan&... plan) {
   CFileDXFIResult result;
-  Semantor semantor(data, &record, options);
+  Semantor semantor(data, &record, options, plan...);
   CFileDXFIParser parser(file, semantor, data.getEntFactory(), &record, options);
   // The extents of a million entities are then computed once, on demand.
   data.getEntTable().invalidateBdry();
@@ -38,16 +38,16 @@ CFileDXFIResult parse(CData& data, IFile& file, CFileDXFIError& record,
   return result;
 }
 
-template <class Semantor>
+template <class Semantor, class... Plan>
 CFileDXFIResult readDXF(CData& data, IFile& file, CFileDXFIError* err,
-                        const CFileDXFIOptions& options) {
+                        const CFileDXFIOptions& options, const Plan&... plan) {
   CFileDXFIError ownErr;
   CFileDXFIError& record = err ? *err : ownErr;
   CFileDXFIResult result;
   std::optional<vek0::detail::DrawingBefore> before;
   try {
     before.emplace(data);
-    result = parse<Semantor>(data, file, record, options);
+    result = parse<Semantor>(data, file, record, options, plan...);
   } catch (const std::bad_alloc&) {
     if (file.isOpened()) file.close();
     record.SetError(CFileDXFIError::GeneralError);
@@ -75,4 +75,9 @@ CFileDXFIResult loadDXF(CData& data, IFile& file, CFileDXFIError* err,
 CFileDXFIResult importDXF(CData& data, IFile& file, CFileDXFIError* err,
                           const CFileDXFIOptions& options) {
   return readDXF<CFileDXFIImportDataSemantor>(data, file, err, options);
+}
+
+CFileDXFIResult importDXF(CData& data, IFile& file, CFileDXFIError* err,
+                          const CFileDXFIOptions& options, const CImportPlan& plan) {
+  return readDXF<CFileDXFIImportDataSemantor>(data, file, err, options, plan);
 }

@@ -17,7 +17,8 @@ struct Style {
   zim::WString name, fontName;
   double fixedHeight = 0, widthScale = 1, obliqueDeg = 0, lastHeight = 0.2;
   long flags = 0;
-  long fontLine = 0;   // of code 3; 0: there was none
+  long fontLine = 0;  // of code 3; 0: there was none
+  std::uint64_t handle = 0;
   long rangeLine = 0;  // of the first number out of range; 0: all are within
 };
 
@@ -44,6 +45,9 @@ void takePair(SectionInput& in, long code, Style& style) {
     case 3:
       style.fontName = in.lexer.getText();
       style.fontLine = in.lexer.getLine();
+      break;
+    case 5:
+      style.handle = parseHex(in.lexer.getBytes());
       break;
     case 40:
       takeNumber(in, 0, kInfinity, style, style.fixedHeight);
@@ -75,7 +79,7 @@ void takePair(SectionInput& in, long code, Style& style) {
 
 // Entries of shape files are skipped whatever they contain, and their flag may come last: nothing
 // is validated before.
-void create(SectionInput& in, const Style& style) {
+void create(SectionInput& in, const Style& style, StyleHandles& handles) {
   if ((style.flags & kShapeFile) != 0) return;
   if (style.rangeLine != 0) return in.failAt(style.rangeLine, CFileDXFIError::OutOfRange);
   const bool named = !style.name.empty() && (style.fontLine != 0 || in.isTolerant());
@@ -89,16 +93,17 @@ void create(SectionInput& in, const Style& style) {
   else
     in.semantor.createStyle(style.name, font, style.fixedHeight, style.widthScale, oblique,
                             style.lastHeight, style.flags);
+  if (style.handle != 0) handles.emplace(style.handle, in.semantor.getStyle(style.name));
 }
 
 }  // namespace
 
-void readStyleEntry(SectionInput& in) {
+void readStyleEntry(SectionInput& in, StyleHandles& handles) {
   Style style;
   for (;;) {
     const long code = in.read();
     if (in.failed()) return;
-    if (code == 0) return create(in, style);
+    if (code == 0) return create(in, style, handles);
     takePair(in, code, style);
     if (in.failed() && !in.spareNumber()) return;
   }

@@ -1,6 +1,5 @@
 #include "dxf/in/parse/tablessection.h"
 
-#include "dxf/in/parse/styleentry.h"
 #include "files/number.h"
 
 namespace vek0::detail {
@@ -29,6 +28,15 @@ void TablesSection::readTable() {
   m_in.isTolerant() ? readFurtherTable() : skipTable();
 }
 
+void TablesSection::settle() {
+  m_layers.settle();
+  if (!m_in.loader) return;
+  m_in.loader->settleLtypes([this](std::uint64_t handle) {
+    const auto found = m_styles.find(handle);
+    return found == m_styles.end() ? nullptr : found->second;
+  });
+}
+
 // These tables serve approximations, which the strict policy does not have.
 void TablesSection::readFurtherTable() {
   if (m_in.isKeyword("DIMSTYLE")) return readEntries("DIMSTYLE", [this] { readDimStyle(); });
@@ -46,7 +54,7 @@ void TablesSection::readLayers() {
 }
 
 void TablesSection::readStyles() {
-  readEntries("STYLE", [this] { readStyleEntry(m_in); });
+  readEntries("STYLE", [this] { readStyleEntry(m_in, m_styles); });
 }
 
 // The first record is the table's own: a count, which nothing relies on, and a handle.

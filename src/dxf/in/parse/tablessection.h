@@ -5,6 +5,7 @@
 #include "dxf/in/convert/dimstyles.h"
 #include "dxf/in/parse/layerentries.h"
 #include "dxf/in/parse/sectioninput.h"
+#include "dxf/in/parse/styleentry.h"
 
 namespace vek0::detail {
 
@@ -23,8 +24,9 @@ class TablesSection {
   void readLayers();
   void readStyles();
   void skipTable() { m_in.skipTo("ENDTAB"); }
-  /// Finishes layers whose linetypes follow later in the file. Call it at the end of the file.
-  void settle() { m_layers.settle(); }
+  /// Finishes layers whose linetypes, and linetypes whose text styles, follow later in the file.
+  /// Call it at the end of the file.
+  void settle();
   /// The layer whose entry has the handle; null if there is none.
   CLayer* findLayer(std::uint64_t handle) const { return m_layers.find(handle); }
 
@@ -39,6 +41,7 @@ class TablesSection {
   SectionInput& m_in;
   DimStyles& m_dimStyles;
   LayerEntries m_layers;
+  StyleHandles m_styles;
 };
 
 }  // namespace vek0::detail

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "dxf/in/itemflags.h"
+#include "files/number.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/tables/text.h"
 
@@ -23,6 +24,7 @@ struct LtypeReader::Entry {
   long dashes = 0;      // codes 49 seen
   long types = 0;       // codes 74 seen
   CLtypeComplexDashSeq sequence;
+  std::vector<TextStyle> texts;
   bool lostShapes = false;
 };
 
@@ -137,6 +139,7 @@ void LtypeReader::takeElementType(Entry& entry) {
 // absolute angle, cannot be stored.
 void LtypeReader::takeElement(long type, Entry& entry) {
   double height = 1, angleDeg = 0, x = 0, y = 0;
+  std::uint64_t style = 0;
   zim::WString text;
   bool taken = true;
   while (taken && !failed()) {
@@ -146,6 +149,7 @@ void LtypeReader::takeElement(long type, Entry& entry) {
         m_context.spareNumber();
         break;
       case 340:
+        style = parseHex(m_context.lexer.getBytes());
         break;
       case 46:
         takeReal(height);
@@ -171,7 +175,7 @@ void LtypeReader::takeElement(long type, Entry& entry) {
   if ((type & kAbsoluteAngle) != 0) m_context.note(ReportCode::CodeDropped, u"LTYPE 74");
   const CTextContext context(height, 0, 1, angleDeg * kRadiansPerDegree, text);
   if ((type & kTextDash) != 0)
-    entry.sequence.AddDashText(TEXT_3D(context, m_context.semantor.getStyleStandard(), x, y, 0, 0));
+    addText(entry, context, x, y, style);
   else
     m_context.note(ReportCode::ShapeDropped, {});
   entry.lostShapes = entry.lostShapes || (type & kTextDash) == 0;
@@ -196,6 +200,7 @@ void LtypeReader::takeText(Entry& entry) {
   if (!expect(75)) return;
   m_context.lexer.checkNumber();
   if (!expect(340)) return;
+  const std::uint64_t style = parseHex(m_context.lexer.getBytes());
   CTextContext context;
   context.setWidthScale(1);
   context.setHeight(expectDouble(46));
@@ -203,6 +208,12 @@ void LtypeReader::takeText(Entry& entry) {
   const double x = expectDouble(44), y = expectDouble(45);
   if (!expect(9)) return;
   context.setString(m_context.lexer.getText());
+  addText(entry, context, x, y, style);
+}
+
+void LtypeReader::addText(Entry& entry, const CTextContext& context, double x, double y,
+                          std::uint64_t style) const {
+  if (style != 0) entry.texts.push_back({entry.sequence.GetNoDashes(), style});
   entry.sequence.AddDashText(TEXT_3D(context, m_context.semantor.getStyleStandard(), x, y, 0, 0));
 }
 
@@ -245,15 +256,34 @@ void LtypeReader::create(Entry& entry) {
     m_context.note(ReportCode::NumberReplaced, u"73");
   // Most of its line were the shapes.
   if (entry.lostShapes && !isVisible(entry.sequence)) entry.sequence.ClearDashes();
-  if ((entry.flags & kOfXRef) == 0)
-    return semantor.createLtype(entry.name, entry.description, entry.sequence, entry.flags);
+  if ((entry.flags & kOfXRef) == 0) return define(entry, entry.flags);
   zim::WString xref, local;
   // The flag requires a dependent name.
   if (scomposeName(entry.name, xref, local))
     return semantor.createLtypeXRef(xref, local, entry.description, entry.sequence, entry.flags);
   if (!isTolerant()) return fail(CFileDXFIError::WrongStructure);
   m_context.note(ReportCode::FlagsReplaced, entry.name);
-  semantor.createLtype(entry.name, entry.description, entry.sequence, entry.flags & ~kOfXRef);
+  define(entry, entry.flags & ~kOfXRef);
+}
+
+// The semantor may keep a linetype that the drawing has.
+void LtypeReader::define(Entry& entry, long flags) {
+  IFileDXFISemantor& semantor = m_context.semantor;
+  const CLtype* known = semantor.getLtype(entry.name);
+  const bool wasEmpty = !known || known->getNoDashes() == 0;
+  semantor.createLtype(entry.name, entry.description, entry.sequence, flags);
+  CLtype* made = semantor.getLtype(entry.name);
+  if (!made || !wasEmpty || made->getNoDashes() != entry.sequence.GetNoDashes()) return;
+  for (TextStyle& text : entry.texts) {
+    text.ltype = made;
+    m_texts.push_back(text);
+  }
+}
+
+void LtypeReader::settle(const FindStyle& find) {
+  for (const TextStyle& text : m_texts)
+    if (CStyle* style = find(text.style)) text.ltype->GetDashSeq().SetTextStyle(text.dash, style);
+  m_texts.clear();
 }
 
 }  // namespace vek0::detail

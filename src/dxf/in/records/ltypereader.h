@@ -1,9 +1,14 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <memory>
+#include <vector>
 
 #include "dxf/in/recordreader.h"
 #include "vek0core/tables/ltypedash.h"
+
+class CTextContext;
 
 namespace vek0::detail {
 
@@ -18,8 +23,19 @@ class LtypeReader {
   /// has the semantor create the linetype.
   void read();
 
+  /// Finds a text style by the handle of its record; null if there is none.
+  using FindStyle = std::function<CStyle*(std::uint64_t)>;
+  /// Gives the texts of the linetypes read so far their styles, whose table follows that of the
+  /// linetypes.
+  void settle(const FindStyle& find);
+
  private:
   struct Entry;
+  struct TextStyle {
+    int dash;
+    std::uint64_t style;
+    CLtype* ltype = nullptr;
+  };
 
   void takePair(long code, Entry& entry);
   void takeFlags(Entry& entry);
@@ -37,6 +53,9 @@ class LtypeReader {
   double expectDouble(long code);
   static bool isVisible(const CLtypeComplexDashSeq& sequence);
   void create(Entry& entry);
+  void define(Entry& entry, long flags);
+  void addText(Entry& entry, const CTextContext& context, double x, double y,
+               std::uint64_t style) const;
 
   bool isTolerant() const { return m_context.options.policy.tolerant; }
   bool failed() const { return m_context.err.HasAnError(); }
@@ -45,6 +64,7 @@ class LtypeReader {
   ReadContext m_context;
   bool m_complexDashes;
   bool m_putBack = false;
+  std::vector<TextStyle> m_texts;  // without their styles
 };
 
 }  // namespace vek0::detail

@@ -85,6 +85,8 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   bool isXRefName(const zim::WString& name);
   /// Whether the block was created for an insert that preceded its definition.
   bool isPlaceholder(const CBlock& block) const;
+  /// Lets the next declaration of the layer define it anew.
+  void awaitLayer(const CLayer& layer) { m_hurriedLayers.insert(&layer); }
   /// The placeholders that were never defined, in order of creation.
   std::vector<CBlock*> undefinedBlocks() const;
   /// Resolves what depends on the whole file: external references that are ordinary blocks, inserts

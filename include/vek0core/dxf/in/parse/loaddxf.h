@@ -10,6 +10,7 @@
 
 class CData;
 class CFileDXFIError;
+class CImportPlan;
 class IFile;
 
 /// Reads `file` into `data`, which should be new and empty; otherwise the file's definitions
@@ -43,3 +44,7 @@ VEK0_API CFileDXFIResult loadDXF(CData& data, IFile& file, CFileDXFIError* err,
                                  const CFileDXFIOptions& options);
 VEK0_API CFileDXFIResult importDXF(CData& data, IFile& file, CFileDXFIError* err,
                                    const CFileDXFIOptions& options);
+/// The same following a plan that was made for the drawing and this file. The report does not
+/// repeat what the plan lists.
+VEK0_API CFileDXFIResult importDXF(CData& data, IFile& file, CFileDXFIError* err,
+                                   const CFileDXFIOptions& options, const CImportPlan& plan);
