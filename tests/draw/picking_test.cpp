@@ -179,28 +179,31 @@ TEST(Picking, SnapsToTheNearestDistinguishedPoint) {
 
 // Drawing the plane itself is drawing a window of it, but for the map to its pixels.
 TEST(AreaDrawing, AgreesWithAWindow) {
-  RandomDrawing drawing(7);
-  const CData& data = *drawing.scene.data;
   CWndVpt window(1);
   window.resize(1001, 1001);
   window.set(0, 0, 100, 100);
-  vek0::test::Recorder pixels, plane;
-  DRAW_OPTIONS options;
-  drawData(data, CPOProjector(), window, pixels, options);
-  options.penReach /= 10;
-  options.leastPoint /= 10;
-  options.finestPattern /= 10;
-  drawArea(data, RECT_2D(0, 0, 100, 100), plane, options);
-  ASSERT_EQ(plane.things.size(), pixels.things.size());
-  for (std::size_t i = 0; i < plane.things.size(); ++i) {
-    const vek0::test::Thing &a = plane.things[i], &b = pixels.things[i];
-    ASSERT_EQ(a.kind, b.kind);
-    ASSERT_EQ(a.points.size(), b.points.size());
-    EXPECT_NEAR(a.radius * 10, b.radius, 1e-9);
-    EXPECT_NEAR(a.sweep, -b.sweep, 1e-12);
-    for (std::size_t k = 0; k < a.points.size(); ++k) {
-      EXPECT_NEAR(a.points[k].x * 10, b.points[k].x, 1e-9);
-      EXPECT_NEAR(1000 - a.points[k].y * 10, b.points[k].y, 1e-9);
+  const RECT_2D seen(0, -0.1, 100.1, 100);  // the last column and row of pixels included
+  DRAW_OPTIONS ofPixels, ofUnits;
+  for (double DRAW_OPTIONS::*length :
+       {&DRAW_OPTIONS::penReach, &DRAW_OPTIONS::leastPoint, &DRAW_OPTIONS::finestPattern})
+    ofUnits.*length /= 10;
+  for (unsigned seed = 0; seed < 20; ++seed) {
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    RandomDrawing drawing(seed);
+    vek0::test::Recorder pixels, plane;
+    drawData(*drawing.scene.data, CPOProjector(), window, pixels, ofPixels);
+    drawArea(*drawing.scene.data, seen, plane, ofUnits);
+    ASSERT_EQ(plane.things.size(), pixels.things.size());
+    for (std::size_t i = 0; i < plane.things.size(); ++i) {
+      const vek0::test::Thing &a = plane.things[i], &b = pixels.things[i];
+      ASSERT_EQ(a.kind, b.kind);
+      ASSERT_EQ(a.points.size(), b.points.size());
+      EXPECT_NEAR(a.radius * 10, b.radius, 1e-9);
+      EXPECT_NEAR(a.sweep, -b.sweep, 1e-12);
+      for (std::size_t k = 0; k < a.points.size(); ++k) {
+        EXPECT_NEAR(a.points[k].x * 10, b.points[k].x, 1e-9);
+        EXPECT_NEAR(1000 - a.points[k].y * 10, b.points[k].y, 1e-9);
+      }
     }
   }
 }
