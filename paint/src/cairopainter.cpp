@@ -100,7 +100,7 @@ void CairoPainter::begin(const DrawItem& item) {
   const double width = item.width > 0 ? item.width : m_lineWidth;
   // Paths end only when their look changes, as each path has a fixed cost.
   if (item.color == m_color && item.alpha == m_alpha && width == m_width) return;
-  endPath();
+  if (m_path != Pixels) endPath();
   m_color = item.color;
   m_alpha = item.alpha;
   m_width = width;
@@ -132,7 +132,10 @@ void CairoPainter::countPoints(std::size_t count) {
 void CairoPainter::endPath() {
   if (m_path == Strokes) cairo_stroke(m_context.get());
   if (m_path == Fills) cairo_fill(m_context.get());
-  if (m_path == Pixels) cairo_surface_mark_dirty(m_surface.get());
+  if (m_path == Pixels) {
+    m_lines->flush();
+    cairo_surface_mark_dirty(m_surface.get());
+  }
   m_path = None;
   m_points = 0;
 }
