@@ -1,10 +1,11 @@
 #include "pdfstream.h"
 
-#include <zlib.h>
+#include <libdeflate.h>
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -13,9 +14,9 @@
 namespace vek0::paint {
 namespace {
 
-// Level 4 takes a third of the time of 6 for 4 % more bytes. Less than a full block deserves the
-// best.
-constexpr int kFastLevel = 4;
+// Level 1 takes half the time of 2 for 6 % more bytes, and a third of zlib's level 4 for 2 % more.
+// Less than a full block deserves the best.
+constexpr int kFastLevel = 1, kBestLevel = 9;
 constexpr std::size_t kLittle = 48 << 10;
 
 }  // namespace
@@ -67,15 +68,16 @@ std::string hexOfUtf16(std::u16string_view text) {
 std::string pdfText(std::u16string_view text) { return "<FEFF" + hexOfUtf16(text) + ">"; }
 
 std::string deflated(std::string_view bytes) {
-  const int level = bytes.size() < kLittle ? Z_BEST_COMPRESSION : kFastLevel;
-  uLongf size = compressBound(static_cast<uLong>(bytes.size()));
-  std::string result(size, '\0');
-  const int outcome = compress2(reinterpret_cast<Bytef*>(result.data()), &size,
-                                reinterpret_cast<const Bytef*>(bytes.data()),
-                                static_cast<uLong>(bytes.size()), level);
-  // The buffer is large enough, so memory is all that can be missing.
-  if (outcome != Z_OK) throw std::bad_alloc();
-  result.resize(size);
+  struct Delete {
+    void operator()(libdeflate_compressor* each) const { libdeflate_free_compressor(each); }
+  };
+  const int level = bytes.size() < kLittle ? kBestLevel : kFastLevel;
+  const std::unique_ptr<libdeflate_compressor, Delete> compressor(
+      libdeflate_alloc_compressor(level));
+  if (!compressor) throw std::bad_alloc();
+  std::string result(libdeflate_zlib_compress_bound(compressor.get(), bytes.size()), '\0');
+  result.resize(libdeflate_zlib_compress(compressor.get(), bytes.data(), bytes.size(),
+                                         result.data(), result.size()));
   return result;
 }
 
