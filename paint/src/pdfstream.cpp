@@ -23,7 +23,8 @@ constexpr std::size_t kLittle = 48 << 10;
 
 void appendInteger(std::string& out, std::int64_t value) {
   char digits[24];
-  out.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+  const char* const end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+  out.append(digits, static_cast<std::size_t>(end - digits));
 }
 
 void appendReal(std::string& out, double value) {
