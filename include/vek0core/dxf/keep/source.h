@@ -58,8 +58,8 @@ class VEK0_API CDXFSource {
 
   /// Writes the drawing that was loaded to `file`, which must not be the source itself. `report`,
   /// which may be null, receives what became of edits that a record cannot express. Costs as much
-  /// as copying the file if nothing was edited, otherwise as reading it, in time and memory. Unless
-  /// it returns `Saved`, `file` may hold a part.
+  /// as copying the file if nothing was edited, otherwise three times as much as loading it, in
+  /// time and memory. Unless it returns `Saved`, `file` may hold a part.
   Outcome save(const CData& data, IFile& file, CFileReport* report = nullptr,
                Damage damage = Damage::Kept) const;
 
