@@ -19,6 +19,7 @@ EditStep readHatchCommand(CommandWords& words);
 EditStep readMoveCommand(CommandWords& words);
 EditStep readCopyCommand(CommandWords& words);
 EditStep readRotateCommand(CommandWords& words);
+EditStep readMirrorCommand(CommandWords& words);
 EditStep readScaleCommand(CommandWords& words);
 
 EditStep readOffsetCommand(CommandWords& words);

@@ -87,6 +87,8 @@ const std::vector<CommandKind>& commandKinds() {
        readCopyCommand},
       {"rotate", "ro", "DEG@X,Y, or P DEG", "Rotate counterclockwise about a point", false,
        readRotateCommand},
+      {"mirror", "mi", "P P", "Mirror at the line through two points; texts stay readable", false,
+       readMirrorCommand},
       {"scale", "sc", "F@X,Y, or P F", "Scale about a point", false, readScaleCommand},
       {"offset", "o", "D [round|mitre|bevel] [P]",
        "Add parallels, on the side of P or as the step does", false, readOffsetCommand},

@@ -15,6 +15,10 @@ const std::vector<StepKind>& stepKinds() {
       {"--move", "DX,DY[,DZ]", "Move", readMove},
       {"--copy", "DX,DY[,DZ]", "Copy to there, and select the copies", readCopy},
       {"--rotate", "DEG@X,Y", "Rotate counter-clockwise about a point", readRotate},
+      {"--mirror", "X1,Y1,X2,Y2",
+       "Mirror at the line through two points; texts stay readable. --copy 0,0 before it keeps "
+       "the originals",
+       readMirror},
       {"--scale", "F@X,Y", "Scale about a point", readScale},
       {"--explode", nullptr, "Explode polylines, inserts and hatches by one level", readExplode},
       {"--join", "TOL[,across]",

@@ -82,6 +82,15 @@ EditStep rotateStep(const PNT_3D& center, double degrees) {
   return transformStep(CEntRotateXYVisitor::byDegrees(center, degrees), "rotated");
 }
 
+EditStep mirrorStep(const PNT_3D& from, const PNT_3D& to) {
+  return [=](Editing& editing) {
+    if (from.x == to.x && from.y == to.y)
+      return StepOutcome::failed("the points of the mirror line are equal");
+    CHatchTypeTable& patterns = editing.data.getHatchTypeTable();
+    return transformStep(CEntMirrorVisitor(patterns, from, to), "mirrored")(editing);
+  };
+}
+
 EditStep scaleStep(const PNT_3D& center, double factor) {
   if (factor == 0)
     return [](Editing&) {
@@ -121,6 +130,15 @@ std::string readRotate(const std::string& text, EditStep& step) {
   const auto value = readNumberAtPoint(text);
   if (!value) return "'" + text + "' is not an angle and a point like 90@10,5";
   step = rotateStep(value->center, value->number);
+  return {};
+}
+
+std::string readMirror(const std::string& text, EditStep& step) {
+  const auto n = numbersIn(text);
+  if (!n || n->size() != 4) return "'" + text + "' is not two points like 0,0,0,10";
+  const PNT_3D from((*n)[0], (*n)[1], 0), to((*n)[2], (*n)[3], 0);
+  if (from == to) return "the points of the mirror line are equal";
+  step = mirrorStep(from, to);
   return {};
 }
 
@@ -166,6 +184,13 @@ EditStep readMoveCommand(CommandWords& words) { return readDisplacement(words, m
 EditStep readCopyCommand(CommandWords& words) { return readDisplacement(words, copyStep); }
 
 EditStep readRotateCommand(CommandWords& words) { return readAboutPoint(words, rotateStep); }
+
+EditStep readMirrorCommand(CommandWords& words) {
+  const CommandPoint first = words.point(), second = words.point();
+  return [=](Editing& editing) {
+    return mirrorStep(first.from(editing.last), second.from(editing.last))(editing);
+  };
+}
 
 EditStep readScaleCommand(CommandWords& words) { return readAboutPoint(words, scaleStep); }
 

@@ -95,6 +95,7 @@
 #include "vek0core/entities/blocks/transformtext.h"
 
 #include "vek0core/entities/edit/entexplodervisitor.h"
+#include "vek0core/entities/edit/entmirrorvisitor.h"
 #include "vek0core/entities/edit/entpath.h"
 #include "vek0core/entities/edit/entpolyaddervisitor.h"
 #include "vek0core/entities/edit/entrotatexyvisitor.h"
@@ -109,6 +110,7 @@
 #include "vek0core/drawing/handlemanager.h"
 #include "vek0core/drawing/layout.h"
 #include "vek0core/drawing/pointerset.h"
+#include "vek0core/drawing/purge.h"
 #include "vek0core/drawing/refcounter.h"
 #include "vek0core/drawing/tableremapper.h"
 #include "vek0core/drawing/undostack.h"

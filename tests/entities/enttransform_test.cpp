@@ -1,4 +1,4 @@
-// Laws for all three transform visitors, tested for each kind.
+// Laws for all transform visitors, tested for each kind.
 
 #include "entities/everykind.h"
 #include "support/test.h"
@@ -52,6 +52,11 @@ TEST(Transforms, TheInverseGivesEveryKindBack) {
     expectGivesBack(all, CEntRotateXYVisitor(p, angle), CEntRotateXYVisitor(p, -angle));
     for (const double factor : {3.0, 0.25, -1.0, -0.5})
       expectGivesBack(all, CEntScaleVisitor(p, factor), CEntScaleVisitor(p, 1 / factor));
+    CHatchTypeTable patterns;
+    for (const PNT_3D& to : {all.point(), PNT_3D(p.x, p.y + 1, 0), PNT_3D(p.x + 1, p.y, 0)}) {
+      const CEntMirrorVisitor mirror(patterns, p, to);
+      expectGivesBack(all, mirror, mirror);
+    }
   }
 }
 
@@ -75,6 +80,45 @@ TEST(Transforms, ANegativeFactorIsAHalfTurn) {
       EXPECT_LT(std::hypot(boxA.max.x - boxB.max.x, boxA.max.y - boxB.max.y), 1e-9);
     }
   }
+}
+
+// At the line x = 4.
+void expectMirrored(const RECT_3D& before, const RECT_3D& after) {
+  EXPECT_NEAR(after.min.x, 8 - before.max.x, 1e-9);
+  EXPECT_NEAR(after.max.x, 8 - before.min.x, 1e-9);
+  EXPECT_NEAR(after.min.y, before.min.y, 1e-9);
+}
+
+TEST(Transforms, ExtentsAreMirrored) {
+  EveryKind all;
+  CHatchTypeTable patterns;
+  CEntMirrorVisitor mirror(patterns, PNT_3D(4, 0, 0), PNT_3D(4, 9, 0));
+  for (const auto& [name, ent] : all.kinds) {
+    SCOPED_TRACE(name);
+    const RECT_3D before = ent->getBdry();
+    ent->accept(mirror);
+    // Letters are not mirrored, so neither is their slant.
+    const bool hasSlant =
+        name == "text" || name == "attribute definition" || ent->getEntInsert() != nullptr;
+    if (before.validRegion() && !hasSlant) expectMirrored(before, ent->getBdry());
+  }
+}
+
+TEST(Transforms, MirroredTextsCoverTheMirroredArea) {
+  EveryKind all;
+  CHatchTypeTable patterns;
+  CEntMirrorVisitor mirror(patterns, PNT_3D(4, 0, 0), PNT_3D(4, 9, 0));
+  for (long align = 0; align < TEXT_3D::kJustifications; ++align)
+    for (const double degrees : {0.0, 30.0, 135.0, 180.0, 340.0}) {
+      SCOPED_TRACE(std::to_string(align) + " at " + std::to_string(degrees));
+      const double angle = degrees * kRadiansPerDegree;
+      CEnt* text = createEntText(
+          all.data(), TEXT_3D(u"text", all.style(), 3, 4, 5, 2, 0, 0.8, angle, align), 0);
+      const RECT_3D before = text->getBdry();
+      text->accept(mirror);
+      expectMirrored(before, text->getBdry());
+      all.data().getEntTable().add(text);
+    }
 }
 
 // The content of an insert must scale with it, including its array.
@@ -127,6 +171,10 @@ TEST(Transforms, WhatIsNoTransformChangesNothing) {
       ent->accept(visitor);
     CEntMoveVisitor mover(bad);
     ent->accept(mover);
+    CHatchTypeTable patterns;
+    for (CEntMirrorVisitor visitor :
+         {CEntMirrorVisitor(patterns, p, p), CEntMirrorVisitor(patterns, bad, p)})
+      ent->accept(visitor);
     EXPECT_EQ(ShapeNumbers::of(*ent), before);
   }
 }

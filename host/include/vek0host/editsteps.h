@@ -30,6 +30,7 @@ std::string readMove(const std::string& text, EditStep& step);  ///< "dx,dy" or 
 /// As `readMove`; the copies are selected then.
 std::string readCopy(const std::string& text, EditStep& step);
 std::string readRotate(const std::string& text, EditStep& step);  ///< "degrees@x,y"
+std::string readMirror(const std::string& text, EditStep& step);  ///< "x1,y1,x2,y2"
 std::string readScale(const std::string& text, EditStep& step);   ///< "factor@x,y"
 std::string readDelete(const std::string& text, EditStep& step);  ///< without a value
 
@@ -58,7 +59,8 @@ std::string readPurge(const std::string& text, EditStep& step);  ///< without a 
 EditStep moveStep(const PNT_3D& delta);
 EditStep copyStep(const PNT_3D& delta);  ///< the copies are selected then
 EditStep rotateStep(const PNT_3D& center, double degrees);
-EditStep scaleStep(const PNT_3D& center, double factor);  ///< fails for a factor of 0
+EditStep mirrorStep(const PNT_3D& from, const PNT_3D& to);  ///< fails for equal points
+EditStep scaleStep(const PNT_3D& center, double factor);    ///< fails for a factor of 0
 
 // --- Shared helpers
 

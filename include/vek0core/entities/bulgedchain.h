@@ -83,6 +83,19 @@ class VEK0_API BulgedChain {
   void rotate(const PNT_3D& centre, double angleRad);
   /// Points about `centre`, widths by the factor's magnitude.
   void scale(const PNT_3D& centre, double factor);
+  /// Replaces points by their images with `image`, and negates the bulges.
+  template <class Image>
+  void mirror(const Image& image) {
+    for (BULGED_VERTEX& v : m_vertexes) {
+      PNT_3D p(v.x, v.y, v.z);
+      image(p);
+      v.x = p.x;
+      v.y = p.y;
+      v.z = p.z;
+      v.bulge = v.bulge == 0 ? 0 : -v.bulge;
+    }
+    m_starts.clear();
+  }
   void clearHandles();
 
   /// Equal vertices and shape; handles are not compared.

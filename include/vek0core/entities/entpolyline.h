@@ -125,6 +125,13 @@ class VEK0_API CEntPolyline : public CEnt {
   /// Scales every vertex about `centre` and the widths by the factor's magnitude, likewise. A
   /// negative factor includes half a turn, which preserves bulges.
   void scale(const PNT_3D& centre, double factor);
+  /// Mirrors with `image`, which replaces points by their mirror images; bulges change their sign.
+  template <class Image>
+  void mirror(const Image& image) {
+    m_packed.mirror(image);
+    for (CVertex* vertex : m_vertexes) image(vertex->getPnt());
+    for (ArcRun& run : m_runs) run.bulge = run.bulge == 0 ? 0 : -run.bulge;
+  }
 
   /// Whether any visible vertex has a non-zero width; control points are ignored.
   bool isWide() const;

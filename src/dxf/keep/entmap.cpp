@@ -44,13 +44,19 @@ PNT_3D times(const PNT_3D& a, double factor) {
 struct FixedPoints {
   std::vector<PNT_3D> points;
   Mixer rest;
+  Mixer attribs;      ///< of an insert, in the coordinates of the block
+  Mixer attribWords;  ///< what mirroring leaves of them, as their letters stay readable
   double patternScale = 0, patternRad = 0;
 };
 
+// How a text may have been turned over, so that it stays readable when it is mirrored: along its
+// baseline, which exchanges left and right of its justification, or across it.
+enum class TurnedOver { No, Along, Across };
+
 class AnchorFinder final : public IEntVisitor {
  public:
-  AnchorFinder(FixedPoints& anchors, const PNT_3D& center, double size)
-      : m_to(anchors), m_center(center), m_size(size) {}
+  AnchorFinder(FixedPoints& anchors, const PNT_3D& center, double size, TurnedOver turned)
+      : m_to(anchors), m_center(center), m_size(size), m_turned(turned) {}
 
   using IEntVisitor::visit;
   void visit(CEntPnt& ent) override { add(ent.getPnt()); }
@@ -76,22 +82,43 @@ class AnchorFinder final : public IEntVisitor {
     m_to.rest.addInteger(ent.getDegree());
     for (int i = 0; ent.isCurve() && i < ent.getFirstVisibleVertex(); ++i)
       add(ent.GetVertex(i).getPnt());
-    ent.forEachBulged([this](const PNT_3D& p, double, double, double bulge, Handle) {
+    PNT_3D last;
+    double lastBulge = 0;
+    ent.forEachBulged([&](const PNT_3D& p, double, double, double bulge, Handle) {
+      // The middle of the arc says to which side it bulges.
+      if (lastBulge != 0) {
+        const PNT_3D half = times(p - last, 0.5);
+        add(last + half + PNT_3D(half.y * lastBulge, -half.x * lastBulge, 0));
+      }
       add(p);
       m_to.rest.add(std::fabs(bulge));
+      last = p;
+      lastBulge = bulge;
     });
   }
   void visit(CEntText& ent) override {
     const TEXT_3D& text = ent.getText();
     const CTextContext& context = text.getContext();
     const double height = context.getHeight(), angle = context.getRotate();
-    add(text);
-    add(text + PNT_3D(height * std::cos(angle), height * std::sin(angle), 0));
-    add(text + PNT_3D(-height * std::sin(angle), height * std::cos(angle), 0));
+    const double along = m_turned == TurnedOver::Along ? -height : height;
+    const double up = m_turned == TurnedOver::Across ? -height : height;
+    const PNT_3D across(-std::sin(angle), std::cos(angle), 0);
+    long align = text.getAlign();
+    PNT_3D origin = text;
+    constexpr long right = 2, baseline = 0, bottom = 1, top = 3;
+    const long side = text.getHorizAlign(), level = text.getVertAlign();
+    if (m_turned == TurnedOver::Along) align = TEXT_3D::findJustify(right - side, level);
+    if (m_turned == TurnedOver::Across && level == baseline)
+      origin = origin + times(across, height);
+    if (m_turned == TurnedOver::Across && (level == bottom || level == top))
+      align = TEXT_3D::findJustify(side, bottom + top - level);
+    add(origin);
+    add(origin + PNT_3D(along * std::cos(angle), along * std::sin(angle), 0));
+    add(origin + times(across, up));
     m_to.rest.add(context.getString().view());
     m_to.rest.add(context.getOblique());
     m_to.rest.add(context.getWidthScale());
-    m_to.rest.addInteger(text.getAlign());
+    m_to.rest.addInteger(align);
     if (text.getStyle()) m_to.rest.add(text.getStyle()->getName().view());
   }
   void visit(CEntAttdef& ent) override {
@@ -131,8 +158,13 @@ class AnchorFinder final : public IEntVisitor {
   // Attributes are in the coordinates of the block.
   void addInsert(const CEntInsertBase& ent) {
     if (ent.getBlock()) m_to.rest.add(ent.getBlock()->getName().view());
-    for (unsigned i = 0; i < ent.GetNoAttribs(); ++i)
-      m_to.rest.add(printOf(*ent.GetAttrib(i)).shape);
+    for (unsigned i = 0; i < ent.GetNoAttribs(); ++i) {
+      const CEntAttrib& attrib = *ent.GetAttrib(i);
+      m_to.attribs.add(printOf(attrib).shape);
+      m_to.attribWords.add(attrib.getTag().view());
+      m_to.attribWords.add(attrib.getText().getContext().getString().view());
+      m_to.attribWords.addInteger(attrib.getFlags());
+    }
     const CEntInsertMatrix matrix(1, ent, 0, 0);
     const PNT_3D ends[] = {{0, 0, 0}, {m_size, 0, 0}, {0, m_size, 0}, {0, 0, m_size}};
     for (const PNT_3D& end : ends) {
@@ -156,9 +188,10 @@ class AnchorFinder final : public IEntVisitor {
   FixedPoints& m_to;
   PNT_3D m_center;  // of the block of an insert
   double m_size;
+  TurnedOver m_turned;
 };
 
-FixedPoints anchorsOf(const CEnt& ent, const CEnt& first) {
+FixedPoints anchorsOf(const CEnt& ent, const CEnt& first, TurnedOver turned) {
   PNT_3D center(0, 0, 0);
   double size = 1;
   const CEntInsertBase* insert = first.getEntInsert();
@@ -171,7 +204,7 @@ FixedPoints anchorsOf(const CEnt& ent, const CEnt& first) {
     }
   }
   FixedPoints anchors;
-  AnchorFinder finder(anchors, center, size);
+  AnchorFinder finder(anchors, center, size, turned);
   const_cast<CEnt&>(ent).accept(finder);
   return anchors;
 }
@@ -311,27 +344,46 @@ class MapFinder {
   double m_least = 0;  // extent of the figure in the direction in which it is smallest
 };
 
+double determinantOf(const SpaceMap& map) { return dot(map.x, cross(map.y, map.z)); }
+
+bool fitsAttributes(const FixedPoints& before, const FixedPoints& after, const SpaceMap& map) {
+  return determinantOf(map) < 0 ? before.attribWords.value() == after.attribWords.value()
+                                : before.attribs.value() == after.attribs.value();
+}
+
 // Whether the pattern of a hatch follows the map.
 bool fitsPattern(const FixedPoints& before, const FixedPoints& after, const SpaceMap& map) {
   if (before.patternScale == 0) return true;
   const double scale = std::hypot(map.x.x, map.x.y);
-  const double turn = after.patternRad - before.patternRad - std::atan2(map.x.y, map.x.x);
+  const bool isMirror = map.x.x * map.y.y < map.x.y * map.y.x;
+  const double was = isMirror ? -before.patternRad : before.patternRad;
+  const double turn = after.patternRad - was - std::atan2(map.x.y, map.x.x);
   return std::fabs(after.patternScale - before.patternScale * scale) <=
              kPrecision * after.patternScale &&
          std::fabs(std::sin(turn / 2)) <= kPrecision;
+}
+
+std::optional<SpaceMap> mapBetween(const CEnt& from, const CEnt& to, TurnedOver turned) {
+  const FixedPoints before = anchorsOf(from, from, TurnedOver::No),
+                    after = anchorsOf(to, from, turned);
+  const bool isSame = before.points.size() == after.points.size() && !before.points.empty() &&
+                      before.rest.value() == after.rest.value();
+  if (!isSame) return std::nullopt;
+  std::optional<SpaceMap> map = MapFinder(before.points, after.points).find();
+  if (map && !(fitsPattern(before, after, *map) && fitsAttributes(before, after, *map)))
+    return std::nullopt;
+  return map;
 }
 
 }  // namespace
 
 std::optional<SpaceMap> mapBetween(const CEnt& from, const CEnt& to) {
   if (from.getType() != to.getType()) return std::nullopt;
-  const FixedPoints before = anchorsOf(from, from), after = anchorsOf(to, from);
-  const bool isSame = before.points.size() == after.points.size() && !before.points.empty() &&
-                      before.rest.value() == after.rest.value();
-  if (!isSame) return std::nullopt;
-  std::optional<SpaceMap> map = MapFinder(before.points, after.points).find();
-  if (map && !fitsPattern(before, after, *map)) return std::nullopt;
-  return map;
+  if (auto map = mapBetween(from, to, TurnedOver::No)) return map;
+  const bool isText = from.getType() == CEntText::kType || from.getType() == CEntAttdef::kType;
+  if (!isText) return std::nullopt;
+  auto map = mapBetween(from, to, TurnedOver::Along);
+  return map ? map : mapBetween(from, to, TurnedOver::Across);
 }
 
 }  // namespace vek0::detail

@@ -181,8 +181,7 @@ PNT_3D MeasuredPlane::vector(const PNT_3D& v) const {
 }
 
 double MeasuredPlane::angle(double degrees) const {
-  const bool isMirrored = m_x.x * m_y.y < m_x.y * m_y.x;
-  if (m_isSimilar) return tidyAngle(isMirrored ? m_turn - degrees : m_turn + degrees);
+  if (m_isSimilar) return tidyAngle(isMirrored() ? m_turn - degrees : m_turn + degrees);
   const double c = std::cos(degrees * kDegree), s = std::sin(degrees * kDegree);
   const PNT_3D image = vector(PNT_3D(c, s, 0));
   return tidyAngle(std::atan2(image.y, image.x) / kDegree);

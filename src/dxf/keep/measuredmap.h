@@ -62,6 +62,8 @@ class MeasuredPlane {
   /// Whether circles in the plane stay circles.
   bool isSimilar() const { return m_isSimilar; }
   bool keepsNormal() const { return m_keepsNormal; }
+  /// Whether left and right are exchanged in the plane, which only a given normal allows.
+  bool isMirrored() const { return m_x.x * m_y.y < m_x.y * m_y.x; }
   /// The normal of the image.
   const PNT_3D& normal() const { return m_to.z; }
   /// Factor of lengths in the plane, exactly 1 if it is 1 up to noise; holds for similar maps.
@@ -73,7 +75,8 @@ class MeasuredPlane {
   PNT_3D vector(const PNT_3D& v) const;
   /// The image of a direction in degrees, in [0, 360).
   double angle(double degrees) const;
-  /// How much directions turn, in degrees; holds for similar maps that do not mirror the plane.
+  /// How much directions turn, in degrees, or if the plane is mirrored, the sum of a direction and
+  /// its image; holds for similar maps.
   double turn() const { return m_turn; }
 
  private:

@@ -21,6 +21,9 @@ struct KindRule {
   Anchors anchors = {};  ///< what the normal follows
   /// What else there is to do, after the roles.
   void (*special)(RecordMapper& mapper) = nullptr;
+  /// Of a record with letters, which stay readable when it is mirrored: its normal does not turn
+  /// around, and afterwards this makes the letters cover the mirrored area.
+  void (*turnLetters)(SourceRecord& record, const MeasuredPlane& plane) = nullptr;
 };
 
 bool transformByRule(SourceRecord& record, const MeasuredMap& map, const KindRule& rule);
@@ -28,6 +31,10 @@ bool transformByRule(SourceRecord& record, const MeasuredMap& map, const KindRul
 /// Null for kinds of other families.
 const KindRule* planeRule(std::string_view kind);
 const KindRule* noteRule(std::string_view kind);
+
+/// `KindRule::turnLetters` of texts and of formatted texts.
+void turnText(SourceRecord& record, const MeasuredPlane& plane);
+void turnMText(SourceRecord& record, const MeasuredPlane& plane);
 
 bool transformInsert(SourceRecord& record, const MeasuredMap& map);
 bool transformTable(SourceRecord& record, const MeasuredMap& map);

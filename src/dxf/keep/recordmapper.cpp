@@ -131,10 +131,11 @@ void RecordMapper::applyToNumber(std::size_t index, Role role) {
   const bool isAngle = role != Role::Length && role != Role::Round;
   require(m_plane.isSimilar() || (value == 0 && !isAngle));
   if (role == Role::Length) return multiply(index, m_plane.scale());
-  if (!isAngle || m_plane.turn() == 0) return;
+  if (!isAngle || (m_plane.turn() == 0 && !m_plane.isMirrored())) return;
   const double unit = role == Role::Radians ? 180 / kPi : 1;
   const double turn = role == Role::ClockAngle ? -m_plane.turn() : m_plane.turn();
-  setReal(index, tidyAngle(value * unit + turn) / unit);
+  const double degrees = m_plane.isMirrored() ? -value * unit : value * unit;
+  setReal(index, tidyAngle(degrees + turn) / unit);
 }
 
 void RecordMapper::applyAll(Roles roles) {

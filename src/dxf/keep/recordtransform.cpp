@@ -63,6 +63,12 @@ bool transformAll(std::span<SourceRecord> records, const MeasuredMap& map) {
   });
 }
 
+MeasuredPlane planeOf(const SourceRecord& record, const MeasuredMap& map, const KindRule& rule) {
+  const PNT_3D normal = PlaneAxes(RecordMapper::normalOf(record)).z;
+  return rule.turnLetters && map.isMirroring() ? MeasuredPlane(map, normal, map.vector(normal))
+                                               : MeasuredPlane(map, normal);
+}
+
 void applyExtrusion(RecordMapper& mapper, Anchors anchors) {
   constexpr long thickness = 39, normal = 210;
   SourceRecord& record = mapper.record();
@@ -77,13 +83,15 @@ void applyExtrusion(RecordMapper& mapper, Anchors anchors) {
 }  // namespace
 
 bool transformByRule(SourceRecord& record, const MeasuredMap& map, const KindRule& rule) {
-  RecordMapper mapper(record, map);
+  RecordMapper mapper(record, map, planeOf(record, map, rule));
   mapper.elevation = record.realOf(38);
   mapper.applyAll(rule.roles);
   if (rule.special && mapper.isOk()) rule.special(mapper);
   if (rule.normal == NormalRule::Plane) mapper.setNormal(rule.anchors);
   if (rule.normal == NormalRule::Extruded) applyExtrusion(mapper, rule.anchors);
-  return mapper.commit();
+  if (!mapper.commit()) return false;
+  if (rule.turnLetters && mapper.plane().isMirrored()) rule.turnLetters(record, mapper.plane());
+  return true;
 }
 
 bool transformRecords(std::span<SourceRecord> records, const SpaceMap& map) {

@@ -113,17 +113,21 @@ void finishTolerance(RecordMapper& mapper) {
   mapper.turnMissingDirection(11, kBeforeToleranceDirection);
 }
 
+// Those of a dimension are in its block.
+void keepLetters(SourceRecord&, const MeasuredPlane&) {}
+
 constexpr KindRule kNoteRules[] = {
-    {"TEXT", kTextRoles, NormalRule::Plane, kBeforeTextNormal, finishText},
-    {"ATTRIB", kTextRoles, NormalRule::Plane, kBeforeTextNormal, finishAttribute},
-    {"ATTDEF", kTextRoles, NormalRule::Plane, kBeforeTextNormal, finishAttribute},
+    {"TEXT", kTextRoles, NormalRule::Plane, kBeforeTextNormal, finishText, turnText},
+    {"ATTRIB", kTextRoles, NormalRule::Plane, kBeforeTextNormal, finishAttribute, turnText},
+    {"ATTDEF", kTextRoles, NormalRule::Plane, kBeforeTextNormal, finishAttribute, turnText},
     {"SHAPE", kShapeRoles, NormalRule::Plane, kBeforeShapeNormal, finishShape},
-    {"MTEXT", kMTextRoles, NormalRule::Plane, kBeforeMTextNormal, finishMText},
-    {"DIMENSION", kDimensionRoles, NormalRule::Plane, kBeforeDimensionNormal, finishDimension},
-    {"ARC_DIMENSION", kArcDimensionRoles, NormalRule::Plane, kBeforeDimensionNormal,
-     requireSimilar},
+    {"MTEXT", kMTextRoles, NormalRule::Plane, kBeforeMTextNormal, finishMText, turnMText},
+    {"DIMENSION", kDimensionRoles, NormalRule::Plane, kBeforeDimensionNormal, finishDimension,
+     keepLetters},
+    {"ARC_DIMENSION", kArcDimensionRoles, NormalRule::Plane, kBeforeDimensionNormal, requireSimilar,
+     keepLetters},
     {"LARGE_RADIAL_DIMENSION", kDimensionRoles, NormalRule::Plane, kBeforeDimensionNormal,
-     requireSimilar},
+     requireSimilar, keepLetters},
     {"LEADER", kNoteLeaderRoles, NormalRule::Plane, kBeforeLeaderNormal, finishLeader},
     {"TOLERANCE", kToleranceRoles, NormalRule::Plane, kBeforeToleranceNormal, finishTolerance},
     {"MLINE", kMlineRoles, NormalRule::Plane, kBeforeMlineNormal, requireSimilar},

@@ -20,17 +20,7 @@
 #include "vek0core/geometry/angle.h"
 
 using vek0::detail::oneTurn;
-
-namespace {
-
-// Nobody writes more than ten decimals of a degree; sums are off by some last bits.
-double withoutNoise(double degrees) {
-  constexpr double kDecimals = 1e10, kNoise = 1e-12;
-  const double nearest = std::round(degrees * kDecimals) / kDecimals;
-  return std::fabs(nearest - degrees) < kNoise ? nearest : degrees;
-}
-
-}  // namespace
+using vek0::detail::withoutNoise;
 
 // A non-finite rotation is replaced by a zero rotation, which has no effect.
 CEntRotateXYVisitor::CEntRotateXYVisitor(const PNT_3D& centre, double angle)

@@ -31,6 +31,7 @@ SpaceMap mapOf(std::string_view name) {
   if (name == "quarter") return similarMap(90, 1, {0, 0, 0});
   if (name == "double") return similarMap(0, 2, {0, 0, 0});
   if (name == "mirror") return {{-1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0}};
+  if (name == "flip") return {{1, 0, 0}, {0, -1, 0}, {0, 0, 1}, {0, 0, 0}};
   if (name == "tip") return {{1, 0, 0}, {0, 0, 1}, {0, -1, 0}, {0, 0, 0}};
   return {{2, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0}};  // stretch
 }
