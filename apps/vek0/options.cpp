@@ -108,4 +108,13 @@ void addReferenceOptions(CLI::App& verb, ReferenceOptions& options) {
       ->check(CLI::ExistingDirectory);
 }
 
+std::optional<paint::Format> pictureFormat(const std::string& name, Session& session) {
+  const std::optional<paint::Format> format = paint::formatOf(name);
+  if (format && paint::isWritable(*format)) return format;
+  session.fail(kWrongUsage,
+               format ? "this vek0 draws only SVG: it was built with VEK0_BUILD_RENDER=OFF"
+                      : "the picture must end in .svg, .png or .pdf");
+  return {};
+}
+
 }  // namespace vek0::tool

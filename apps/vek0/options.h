@@ -1,8 +1,12 @@
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include "commands.h"
 #include "vek0host/references.h"
 #include "vek0host/saving.h"
+#include "vek0paint/picture.h"
 
 namespace vek0::tool {
 
@@ -31,5 +35,9 @@ void addTargetOption(CLI::App& verb, SaveOptions& options, const char* name = "-
 
 /// Adds the options of commands that read external references.
 void addReferenceOptions(CLI::App& verb, ReferenceOptions& options);
+
+/// The format of a picture by its file name, or by its own name; nothing, after failing, if this
+/// build writes no such pictures.
+std::optional<paint::Format> pictureFormat(const std::string& name, Session& session);
 
 }  // namespace vek0::tool

@@ -7,6 +7,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "painters.h"
 #include "partnames.h"
 #include "vek0core/view/wndvpt.h"
 #include "vek0draw/draw.h"
@@ -18,11 +19,8 @@
 #include "vek0host/paths.h"
 #include "vek0host/units.h"
 #include "vek0host/visibletext.h"
-#include "vek0paint/cairopainter.h"
-#include "vek0paint/fonts.h"
-#include "vek0paint/pdfpainter.h"
+#include "vek0paint/drawingfonts.h"
 #include "vek0paint/shownextents.h"
-#include "vek0paint/svgpainter.h"
 
 namespace vek0::paint {
 
@@ -48,15 +46,6 @@ std::string unitOf(const RenderOptions& options, const ReadResult& result) {
   const char* stated = unitName(result.outcome.units);
   if (!options.unit.empty()) return options.unit;
   return stated ? stated : "mm";
-}
-
-std::unique_ptr<SheetPainter> makePainter(const RenderOptions& options, IFile& file,
-                                          const SHEET& sheet, FontLibrary& fonts) {
-  const Format format = options.picture.format;
-  if (format == Format::Png) return std::make_unique<CairoPainter>(file, sheet, fonts);
-  if (format == Format::Pdf) return std::make_unique<PdfPainter>(file, sheet, fonts);
-  const auto texts = options.textsAsOutlines ? SvgPainter::AsOutlines : SvgPainter::AsText;
-  return std::make_unique<SvgPainter>(file, sheet, fonts, texts);
 }
 
 // Content lost in reading that users may miss in the picture; empty if complete. The views of a
@@ -93,8 +82,8 @@ class Renderer {
       : m_options(options),
         m_format(options.picture.format),
         m_session(session),
+        m_texts(options.textsAsOutlines ? SvgPainter::AsOutlines : SvgPainter::AsText),
         m_projector(makeProjector(options.view)) {
-    m_fonts.registerFonts();
     m_drawOptions.colors = options.colors;
     if (m_format == Format::Png) m_drawOptions.pixelsPerPoint = kPixelsPerPoint;
     m_drawOptions.background = options.background.value_or(RGB_COLOR{255, 255, 255});
@@ -109,7 +98,7 @@ class Renderer {
     if (!result.ok()) return fail(kDrawingFailed, in + ": " + result.message());
     reportLosses(in, result.report);
     if (m_options.withReferences) readReferences(*data, in);
-    m_fonts.adopt(*data);
+    m_fonts->adopt(*data);
     const LayerChoice layers(*data, m_options.layers, m_options.hiddenLayers);
     if (layers.showsNone())
       return fail(kDrawingFailed, in + ": no layer is named " + joined(m_options.layers));
@@ -130,7 +119,7 @@ class Renderer {
     extents.initRegion();
     for (const NamedDrawing* drawing : {&before, &after}) {
       if (m_options.withReferences) readReferences(drawing->data, drawing->name);
-      m_fonts.adopt(drawing->data);
+      m_fonts->adopt(drawing->data);
       const RECT_2D shown = shownExtents(drawing->data, *m_projector, m_drawOptions);
       if (shown.validRegion()) extents.updateRegion(shown);
     }
@@ -325,7 +314,7 @@ class Renderer {
     DRAW_RESULT result;
     bool written = file.open();
     if (written) {
-      const auto painter = makePainter(m_options, file, first, m_fonts);
+      const auto painter = makePainter(m_format, file, first, *m_fonts, m_texts);
       written = drawPages(*painter, result);
       // The painter writes the rest of the document, so its success counts as well.
       written = painter->finish() && written && !file.fail();
@@ -424,7 +413,8 @@ class Renderer {
   const RenderOptions& m_options;
   const Format m_format;
   Session& m_session;
-  FontLibrary m_fonts;
+  const SvgPainter::Texts m_texts;
+  const std::unique_ptr<IDrawingFonts> m_fonts = makeDrawingFonts();
   std::unique_ptr<IProjector> m_projector;
   DRAW_OPTIONS m_drawOptions;
   DRAW_RESULT m_drawn;  // of the layouts of the drawing so far

@@ -342,7 +342,7 @@ void SvgPainter::plainDisc(const PNT_2D& center, double diameter) {
 void SvgPainter::plainText(const DrawText& text, const OutlineFont& font, const RECT_2D& bounds) {
   reach(bounds, false);
   endPath();
-  if (m_texts == AsOutlines) {
+  if (m_texts == AsOutlines && font.hasOutlines(*text.string)) {
     SvgPath path;
     SvgSink sink(path);
     font.outline(text, sink);

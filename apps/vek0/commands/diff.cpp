@@ -11,9 +11,7 @@
 #include "vek0host/outputfile.h"
 #include "vek0host/textvalues.h"
 #include "vek0host/visibletext.h"
-#ifdef VEK0_RENDER
 #include "vek0paint/rendering.h"
-#endif
 
 namespace vek0::tool {
 namespace {
@@ -22,9 +20,7 @@ struct DiffOptions {
   std::string before, after, picture, match = "handles";
   std::optional<double> tolerance;
   bool json = false;
-#ifdef VEK0_RENDER
   paint::RenderOptions render;
-#endif
 };
 
 // Null if the drawing cannot be read completely.
@@ -69,18 +65,14 @@ void show(const DiffOptions& options, const CData& before, const CData& after,
   text.writeText([](const std::string& line) { print(line, hueOf(line)); });
 }
 
-#ifdef VEK0_RENDER
 // The output is checked before the work is done.
 bool preparePicture(DiffOptions& options, Session& session) {
   if (options.picture.empty()) return true;
-  const std::optional<paint::Format> format = paint::formatOf(options.picture);
-  if (!format)
-    session.fail(kWrongUsage, "the picture must end in .svg, .png or .pdf");
-  else if (const OutputFile output(options.picture, options.render.force, OutputFile::Bytes);
-           !output.error().empty())
-    session.fail(kOutputFailed, output.error());
-  else
-    options.render.picture.format = *format;
+  const std::optional<paint::Format> format = pictureFormat(options.picture, session);
+  if (!format) return false;
+  options.render.picture.format = *format;
+  const OutputFile output(options.picture, options.render.force, OutputFile::Bytes);
+  if (!output.error().empty()) session.fail(kOutputFailed, output.error());
   return session.worst == kNoFailure;
 }
 
@@ -94,10 +86,6 @@ void addPictureOptions(CLI::App& verb, DiffOptions& options) {
                 "Show external references that are found (the default), or none");
   addReferenceOptions(verb, options.render.references);
 }
-#else
-bool preparePicture(DiffOptions&, Session&) { return true; }
-void addPictureOptions(CLI::App&, DiffOptions&) {}
-#endif
 
 void run(DiffOptions& options, Session& session) {
   session.answer = 0;
@@ -114,11 +102,9 @@ void run(DiffOptions& options, Session& session) {
   const COMPARISON found = compareDrawings(*before, *after, how);
   if (!found.isEqual()) session.answer = 1;
   show(options, *before, *after, found, session);
-#ifdef VEK0_RENDER
   if (!options.picture.empty())
     paint::renderDifferences({*before, options.before}, {*after, options.after}, found,
                              options.picture, options.render, session);
-#endif
 }
 
 }  // namespace

@@ -96,16 +96,14 @@ std::string layoutComplaint(const RenderOptions& options) {
 
 void run(Arguments& arguments, Session& session) {
   const std::string& name = arguments.format.empty() ? arguments.out : arguments.format;
-  std::optional<Format> format = formatOf(name);
   if (arguments.all && arguments.batch.outDir.empty())
     std::swap(arguments.batch.outDir, arguments.out);
   const bool isMany = !arguments.batch.outDir.empty();
   if (isMany == !arguments.out.empty())
     return session.fail(kWrongUsage, "give one of -o and --out-dir");
-  if (!format && isMany) format = Format::Svg;
-  if (!format)
-    return session.fail(kWrongUsage,
-                        "the output must end in .svg, .png or .pdf, unless --format is given");
+  const std::optional<Format> format =
+      isMany && name.empty() ? Format::Svg : pictureFormat(name, session);
+  if (!format) return;
   // The short form for the current layout; elsewhere the option reads the sheet as the model.
   if (session.reading.paperSpace) arguments.render.currentLayout = !arguments.render.layout;
   session.reading.paperSpace = false;

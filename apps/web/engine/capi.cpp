@@ -89,10 +89,10 @@ int vek0_load_glyphs(vek0_engine* engine, const void* bytes, size_t size) {
 
 long vek0_glyph(vek0_engine* engine, uint32_t glyph, int detail) {
   return attempt(engine, -1L, [&] {
-    const vek0::web::GlyphTable& table = engine->fonts.table();
+    const vek0::paint::GlyphTable& table = engine->fonts.table();
     if (glyph >= table.size()) throw EngineError("there is no such glyph");
     const auto& triangles =
-        table.triangles(glyph, std::clamp(detail, 0, vek0::web::GlyphTable::kDetails - 1));
+        table.triangles(glyph, std::clamp(detail, 0, vek0::paint::GlyphTable::kDetails - 1));
     engine->result = triangles.data();
     return static_cast<long>(triangles.size());
   });

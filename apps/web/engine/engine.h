@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "edittracker.h"
-#include "glyphfont.h"
 #include "scene.h"
 #include "vek0_web.h"
 #include "vek0core/vek0core.h"
@@ -17,8 +16,11 @@
 #include "vek0host/editdrawing.h"
 #include "vek0host/json.h"
 #include "vek0host/losslog.h"
+#include "vek0paint/glyphfont.h"
 
 namespace vek0::web {
+
+using paint::GlyphFonts;
 
 /// A failure of the engine's own: `what` is for users.
 class EngineError : public std::runtime_error {

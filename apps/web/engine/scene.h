@@ -7,11 +7,11 @@
 #include <vector>
 
 #include "edittracker.h"
-#include "glyphfont.h"
 #include "scenepainter.h"
 #include "scenestore.h"
 #include "vek0draw/drawindex.h"
 #include "vek0draw/picking.h"
+#include "vek0paint/glyphfont.h"
 
 namespace vek0::web {
 

@@ -4,11 +4,13 @@
 #include <vector>
 
 #include "clipregion.h"
-#include "glyphfont.h"
 #include "scenestore.h"
 #include "vek0draw/painter.h"
+#include "vek0paint/glyphfont.h"
 
 namespace vek0::web {
+
+using paint::GlyphTable;
 
 /// Gives slots to what is drawn.
 class ISlots {

@@ -6,9 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "vek0paint/outlinefont.h"
-
-class CData;
+#include "vek0paint/drawingfonts.h"
 
 namespace vek0::paint {
 
@@ -69,13 +67,12 @@ class FaceFont final : public OutlineFont {
   mutable std::unique_ptr<LINE> m_line;  // the last one that was shaped
 };
 
-/// System fonts as fonts of drawings. Must outlive the drawings that use them and be destroyed
-/// before `shutdownCore`.
+/// System fonts as fonts of drawings.
 ///
 /// Names are those of drawings: "ARIAL.TTF", "romans.shx", "Liberation Sans". Names of stroke
 /// fonts, which systems lack, select a technical lettering font; other unknown names select the
 /// system's best match. Not thread-safe.
-class FontLibrary final : public IOutlineFonts {
+class FontLibrary final : public IDrawingFonts {
  public:
   FontLibrary();
   /// Removes the default font from the font table.
@@ -85,9 +82,7 @@ class FontLibrary final : public IOutlineFonts {
 
   /// Makes a font of this library the process-wide default, for styles without a font.
   void registerFonts();
-  /// Sets the font of every style of the drawing, including those of external references, by its
-  /// font name. Call it before extents of texts are requested.
-  void adopt(const CData& data);
+  void adopt(const CData& data) override;
 
   /// The font for a name; always the same one for the same name. Null if the system has no usable
   /// font.

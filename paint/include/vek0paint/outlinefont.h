@@ -41,6 +41,8 @@ class IOutlineSink {
 /// A font that painters draw texts with.
 class OutlineFont : public ICADFont {
  public:
+  /// Whether the font has outlines of all characters. Default: true.
+  virtual bool hasOutlines(const zim::WString& /*text*/) const { return true; }
   /// The contours of a text's glyphs.
   virtual void outline(const DrawText& text, IOutlineSink& sink) const = 0;
   /// The glyphs from left to right as displayed, for formats that embed fonts; empty if the font is

@@ -15,6 +15,8 @@ enum class Format { Svg, Png, Pdf };
 std::optional<Format> formatOf(const std::string& name);
 /// "svg", "png" or "pdf".
 const char* nameOf(Format format);
+/// Whether this build writes the format: without `VEK0_BUILD_RENDER`, only SVG.
+bool isWritable(Format format);
 
 /// Creates the projector for a view: "plan", "front", "side", "plan:DEG", "parallel:a,b,c,d". Null
 /// for anything else.

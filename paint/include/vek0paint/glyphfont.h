@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "vek0core/vek0core.h"
-#include "vek0paint/outlinefont.h"
+#include "vek0paint/drawingfonts.h"
 
-namespace vek0::web {
+namespace vek0::paint {
 
 /// Glyphs in units of the height of capitals. All texts are drawn with one table.
 ///
@@ -38,6 +38,8 @@ class GlyphTable {
   bool empty() const { return m_glyphs.empty(); }
 
   Index find(char32_t character) const;
+  /// Whether all characters have glyphs.
+  bool covers(const zim::WString& text) const;
   /// The glyphs of a text; false, leaving `placed` as it was, if it has a character without one.
   bool place(const zim::WString& text, std::vector<Placed>& placed) const;
   /// Covers the glyph, deviating less than `kDeviations[detail]`. Kept once computed.
@@ -50,7 +52,7 @@ class GlyphTable {
   double descent() const { return m_descent; }
   /// Characters without a glyph have the default width.
   double widthOf(const zim::WString& text) const;
-  void outline(const DrawText& text, paint::IOutlineSink& sink) const;
+  void outline(const DrawText& text, IOutlineSink& sink) const;
 
   /// Whether fonts have the default metrics meanwhile, as for tools without glyphs.
   bool isPlain = false;
@@ -64,7 +66,7 @@ class GlyphTable {
     mutable bool isCovered[kDetails] = {};
   };
 
-  static void trace(const Glyph& glyph, const AFFINE_2D& map, paint::IOutlineSink& sink);
+  static void trace(const Glyph& glyph, const AFFINE_2D& map, IOutlineSink& sink);
 
   double m_descent = 1.0 / 3;
   std::vector<Glyph> m_glyphs;
@@ -72,7 +74,7 @@ class GlyphTable {
 };
 
 /// The fonts of a drawing by their names, all with the glyphs of one table.
-class GlyphFonts final : public paint::IOutlineFonts {
+class GlyphFonts final : public IDrawingFonts {
  public:
   GlyphFonts();
   ~GlyphFonts() override;
@@ -80,8 +82,8 @@ class GlyphFonts final : public paint::IOutlineFonts {
   GlyphTable& table() { return m_table; }
   const GlyphTable& table() const { return m_table; }
   /// Sets the fonts of all styles, which keep their names. They must outlive the drawing.
-  void adopt(const CData& data);
-  const paint::OutlineFont* drawing(const ICADFont* font) override;
+  void adopt(const CData& data) override;
+  const OutlineFont* drawing(const ICADFont* font) override;
 
  private:
   class Font;
@@ -91,4 +93,4 @@ class GlyphFonts final : public paint::IOutlineFonts {
   std::unordered_map<zim::WString, std::unique_ptr<Font>> m_fonts;
 };
 
-}  // namespace vek0::web
+}  // namespace vek0::paint

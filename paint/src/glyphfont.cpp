@@ -1,4 +1,4 @@
-#include "glyphfont.h"
+#include "vek0paint/glyphfont.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,12 +7,12 @@
 #include "vek0core/hatch/boundary.h"
 #include "vek0core/hatch/triangulate.h"
 
-namespace vek0::web {
+namespace vek0::paint {
 namespace {
 
 constexpr std::string_view kMark = "V0GLYPH1";
-constexpr std::size_t kMostSteps = 10'000, kMostGlyphs = 100'000;
-constexpr double kMostFaces = 100'000;
+constexpr std::size_t kMostOutlineSteps = 10'000, kMostGlyphs = 100'000;
+constexpr double kMostTriangles = 100'000;
 constexpr std::uint8_t kMove = 0;
 constexpr int kPointsOf[] = {1, 1, 2, 3};  // by step
 
@@ -46,7 +46,7 @@ char32_t nextCharacter(std::u16string_view text, std::size_t& i) {
 }
 
 // Turns outlines into rings of chords.
-class Flattener final : public paint::IOutlineSink {
+class Flattener final : public IOutlineSink {
  public:
   explicit Flattener(double deviation) : m_deviation(deviation) {}
 
@@ -105,7 +105,7 @@ bool GlyphTable::load(std::string_view table) {
   for (std::size_t i = 0; i < count && reader.isGood(); ++i) {
     const auto character = static_cast<char32_t>(reader.take<std::uint32_t>());
     Glyph glyph{reader.take<float>(), {}, {}};
-    const auto steps = std::min<std::size_t>(reader.take<std::uint32_t>(), kMostSteps);
+    const auto steps = std::min<std::size_t>(reader.take<std::uint32_t>(), kMostOutlineSteps);
     std::size_t points = 0;
     for (std::size_t k = 0; k < steps && reader.isGood(); ++k) {
       glyph.steps.push_back(std::min<std::uint8_t>(reader.take<std::uint8_t>(), 3));
@@ -127,6 +127,12 @@ bool GlyphTable::load(std::string_view table) {
 GlyphTable::Index GlyphTable::find(char32_t character) const {
   const auto at = m_index.find(character);
   return at != m_index.end() ? at->second : kNone;
+}
+
+bool GlyphTable::covers(const zim::WString& text) const {
+  for (std::size_t i = 0; i < text.view().size();)
+    if (find(nextCharacter(text.view(), i)) == kNone) return false;
+  return true;
 }
 
 bool GlyphTable::place(const zim::WString& text, std::vector<Placed>& placed) const {
@@ -156,7 +162,7 @@ double GlyphTable::widthOf(const zim::WString& text) const {
   return width;
 }
 
-void GlyphTable::trace(const Glyph& glyph, const AFFINE_2D& map, paint::IOutlineSink& sink) {
+void GlyphTable::trace(const Glyph& glyph, const AFFINE_2D& map, IOutlineSink& sink) {
   const float* p = glyph.points.data();
   const auto next = [&] {
     const PNT_2D mapped = map.apply(p[0], p[1]);
@@ -176,7 +182,7 @@ void GlyphTable::trace(const Glyph& glyph, const AFFINE_2D& map, paint::IOutline
   }
 }
 
-void GlyphTable::outline(const DrawText& text, paint::IOutlineSink& sink) const {
+void GlyphTable::outline(const DrawText& text, IOutlineSink& sink) const {
   double x = 0;
   for (std::size_t i = 0; i < text.string->view().size();) {
     const std::size_t from = i;
@@ -198,7 +204,7 @@ const std::vector<GlyphTable::Triangle>& GlyphTable::triangles(Index index, int 
   Flattener flattener(kDeviations[detail]);
   trace(glyph, {}, flattener);
   std::vector<HatchFace> faces;
-  fillSolid(joinHatchRings(flattener.rings()), kMostFaces, faces, InsideRule::NonZero);
+  fillSolid(joinHatchRings(flattener.rings()), kMostTriangles, faces, InsideRule::NonZero);
   const auto add = [&](const PNT_3D& a, const PNT_3D& b, const PNT_3D& c) {
     const auto f = [](double value) { return static_cast<float>(value); };
     triangles.push_back({f(a.x), f(a.y), f(b.x), f(b.y), f(c.x), f(c.y)});
@@ -213,7 +219,7 @@ const std::vector<GlyphTable::Triangle>& GlyphTable::triangles(Index index, int 
 
 // --- Fonts
 
-class GlyphFonts::Font final : public paint::OutlineFont {
+class GlyphFonts::Font final : public OutlineFont {
  public:
   Font(const zim::WString& name, const GlyphTable& table) : OutlineFont(name), m_table(table) {}
 
@@ -225,12 +231,13 @@ class GlyphFonts::Font final : public paint::OutlineFont {
     return m_table.isPlain || m_table.empty() ? ICADFont::getStringWidth(text, horiz, bold, italic)
                                               : m_table.widthOf(text);
   }
-  void outline(const DrawText& text, paint::IOutlineSink& sink) const override {
+  bool hasOutlines(const zim::WString& text) const override { return m_table.covers(text); }
+  void outline(const DrawText& text, IOutlineSink& sink) const override {
     m_table.outline(text, sink);
   }
   std::string family() const override { return "osifont"; }
   double unitsPerEm() const override {
-    constexpr double emPerCapital = 1.43;  // of technical lettering
+    constexpr double emPerCapital = 2048.0 / 1510;  // of osifont
     return emPerCapital;
   }
 
@@ -253,8 +260,8 @@ const GlyphFonts::Font* GlyphFonts::font(const zim::WString& name) {
   return known.get();
 }
 
-const paint::OutlineFont* GlyphFonts::drawing(const ICADFont* of) {
+const OutlineFont* GlyphFonts::drawing(const ICADFont* of) {
   return font(of ? of->getName() : zim::WString());
 }
 
-}  // namespace vek0::web
+}  // namespace vek0::paint
