@@ -171,7 +171,7 @@ std::string tidyHelp(const std::string& help) {
 std::string manualPage(const CLI::App& app) {
   std::ostringstream out;
   out << ".TH VEK0 1 \"\" \"vek0 " VEK0_VERSION "\" \"User Commands\"\n"
-      << ".SH NAME\nvek0 \\- read, describe, draw, edit, merge and write DXF drawings\n"
+      << ".ad l\n.SH NAME\nvek0 \\- read, describe, draw, edit, merge and write DXF drawings\n"
       << ".SH SYNOPSIS\n.B vek0\n\\fICOMMAND\\fR [\\fIOPTION\\fR...] [\\fIFILE\\fR...]\n"
       << ".SH OPTIONS OF ALL COMMANDS\n";
   writeOptions(out, app);
