@@ -117,6 +117,9 @@
 
 #include "vek0core/compare/comparison.h"
 
+#include "vek0core/inspect/curvefaults.h"
+#include "vek0core/inspect/placedcontent.h"
+
 #include "vek0core/dxf/in/audit.h"
 #include "vek0core/dxf/in/filedxfierror.h"
 #include "vek0core/dxf/in/filedxfilexer.h"
