@@ -301,6 +301,22 @@ void FontLibrary::adopt(const CData& data) {
   }
 }
 
+bool FontLibrary::has(const zim::WString& name) {
+  const std::string family = familyOf(name);
+  if (family == kTechnicalFamily) return true;
+  if (!m_system) m_system = std::make_unique<System>();
+  if (!m_system->works()) return false;
+  Pattern pattern = newPattern();
+  addString(pattern.get(), FC_FAMILY, family);
+  const Pattern match = m_system->match(std::move(pattern));
+  FcChar8* found = nullptr;
+  // A face may have several names, in several languages.
+  for (int i = 0; match && FcPatternGetString(match.get(), FC_FAMILY, i, &found) == FcResultMatch;
+       ++i)
+    if (host::lowered(reinterpret_cast<const char*>(found)) == host::lowered(family)) return true;
+  return false;
+}
+
 const FaceFont* FontLibrary::font(const zim::WString& name) {
   const auto [found, isNew] = m_fonts.try_emplace(name);
   // A font is only returned if it has its upright face, which replaces every other that is

@@ -31,7 +31,8 @@ namespace {
 constexpr double kPixelsPerPoint = 600;  // about a microsecond each
 // Of differences.
 constexpr RGB_COLOR kSame{200, 200, 200}, kRemoved{220, 20, 20}, kAdded{0, 150, 40};
-constexpr double kLeastPointPixels = 3;  // or points would hardly be seen
+constexpr std::size_t kMostMarks = 10'000;  // more would only cover each other
+constexpr double kLeastPointPixels = 3;     // or points would hardly be seen
 // The layouts of a drawing together may take as long as so many of the largest.
 constexpr std::size_t kLargestPages = 4;
 
@@ -149,6 +150,34 @@ class Renderer {
     });
   }
 
+  void renderMarks(const NamedDrawing& drawing, const std::vector<PictureMark>& marks,
+                   const std::string& out) {
+    m_fonts->adopt(drawing.data);
+    RECT_2D extents = shownExtents(drawing.data, *m_projector, m_drawOptions);
+    if (!extents.validRegion()) extents = RECT_2D(0, 0, 1, 1);
+    PICTURE_OPTIONS layout = m_options.picture;
+    const PICTURE picture = layOutIn(drawing.data, drawing.name, layout, extents);
+    DRAW_MARKS colors{{}, kSame};
+    // Of several marks of an entity, the first colors it.
+    for (const PictureMark& mark : marks)
+      for (const CEnt* ent : mark.ents) colors.colors.try_emplace(ent, mark.color);
+    if (marks.size() > kMostMarks)
+      warn("'" + out + "' shows the first " + std::to_string(kMostMarks) + " of " +
+           std::to_string(marks.size()) + " marks");
+    write(picture.sheet, out, true, [&](SheetPainter& painter, DRAW_RESULT& result) {
+      Page page{picture, nullptr, m_drawOptions};
+      page.options.marks = &colors;
+      result += draw(drawing.data, page, painter);
+      const CWndVpt window = windowOf(picture);
+      MarkPainter over(painter, m_fonts->drawing(nullptr), picture.sheet);
+      for (std::size_t i = 0; i < std::min(marks.size(), kMostMarks); ++i)
+        if (marks[i].point)
+          over.draw({window.getViewX(marks[i].point->x), window.getViewY(marks[i].point->y)},
+                    marks[i]);
+      return true;
+    });
+  }
+
  private:
   // A picture, of the model if the layout is null, and how it is drawn.
   struct Page {
@@ -250,7 +279,7 @@ class Renderer {
     m_drawOptions.weights = picture.sheet.weights;
     m_drawOptions.chordError = picture.sheet.paper ? 0.02 / unit : 0.1;
     m_drawOptions.penReach = std::max(1.0, line);
-    const double pixel = picture.sheet.paper ? kMmPerInch / kCssDpi / unit : 1;
+    const double pixel = picture.sheet.pixel();
     m_drawOptions.leastPoint = std::max(kLeastPointPixels * pixel, line);
     m_drawOptions.finestPattern = std::max(picture.sheet.paper ? 0.2 / unit : 1, 2 * line);
     if (picture.error.empty() && picture.overflows) {
@@ -259,16 +288,21 @@ class Renderer {
     return picture;
   }
 
+  static CWndVpt windowOf(const PICTURE& picture) {
+    CWndVpt window(1);
+    // A device of n pixels spans n - 1 steps, and the sheet as many as it has units.
+    window.resize(picture.sheet.width + 1, picture.sheet.height + 1);
+    window.set(picture.world);
+    return window;
+  }
+
   static std::string fileTitle(const std::string& path) {
     // File names may be any bytes, titles may not.
     return zim::WString::fromUtf8(stemOf(path)).toUtf8();
   }
 
   DRAW_RESULT draw(const CData& data, const Page& page, IPainter& painter) {
-    CWndVpt window(1);
-    // A device of n pixels spans n - 1 steps, and the sheet as many as it has units.
-    window.resize(page.picture.sheet.width + 1, page.picture.sheet.height + 1);
-    window.set(page.picture.world);
+    const CWndVpt window = windowOf(page.picture);
     if (!page.layout) return drawData(data, *m_projector, window, painter, page.options);
     const bool isClipped = clipToPlot(*page.layout, window, painter);
     DRAW_OPTIONS options = page.options;
@@ -431,6 +465,11 @@ void renderDifferences(const NamedDrawing& before, const NamedDrawing& after,
                        const COMPARISON& comparison, const std::string& out,
                        const RenderOptions& options, Session& session) {
   Renderer(options, session).renderDifferences(before, after, comparison, out);
+}
+
+void renderMarks(const NamedDrawing& drawing, const std::vector<PictureMark>& marks,
+                 const std::string& out, const RenderOptions& options, Session& session) {
+  Renderer(options, session).renderMarks(drawing, marks, out);
 }
 
 }  // namespace vek0::paint

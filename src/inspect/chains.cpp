@@ -71,7 +71,7 @@ void Chains::meet() {
   std::vector<std::uint32_t> groupOfPoint;
   for (std::uint32_t end = 0; end < m_nodes.size(); ++end) {
     const PATH_3D& path = m_curves[end / 2].path;
-    const std::uint32_t group = groupOf(end / 2);
+    const std::uint32_t group = m_groups[end / 2];
     if (group == 0 || path.closed || path.length() <= m_limits.same) continue;
     const PNT_2D p = pointOf(end);
     std::uint32_t own = kNone;
@@ -121,7 +121,7 @@ void Chains::pairEnds() {
         [&](std::uint32_t node) {
           const std::uint32_t other = m_all[node].first;
           const double distance = p.dist(pointOf(other));
-          if (node == m_nodes[end] || groupOf(other / 2) != groupOf(end / 2)) return;
+          if (node == m_nodes[end] || m_groups[other / 2] != m_groups[end / 2]) return;
           if (!isOwnOther(end, node, distance)) near.push_back({end, other, distance});
         });
     const auto comesFirst = [](const Gap& a, const Gap& b) {

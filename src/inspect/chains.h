@@ -34,13 +34,15 @@ class Chains {
     double size;
   };
 
-  /// `groups`, if not empty, has a number for each curve; only ends of one group are paired.
-  /// Groups of 0 are not examined. Curves of zero length are ignored.
+  /// `groups` has a number for each curve: only ends of one group meet or are paired, and curves
+  /// of group 0 are ignored. So are those of zero length. All arguments are borrowed.
   Chains(const std::vector<PLACED_CURVE>& curves, const CURVE_LIMITS& limits,
-         const std::vector<std::uint32_t>& groups = {});
+         const std::vector<std::uint32_t>& groups);
 
   PNT_2D pointOf(std::uint32_t end) const;
-  /// Whether the curve has ends.
+  /// Whether the curve takes part.
+  bool isIn(std::size_t curve) const { return m_groups[curve] != 0; }
+  /// Whether it has ends.
   bool isOpen(std::size_t curve) const { return m_nodes[2 * curve] != kNone; }
   /// The end of a curve that alone continues at this end; `kNone` if there is none.
   std::uint32_t next(std::uint32_t end) const;
@@ -68,10 +70,9 @@ class Chains {
   void meet();
   void pairEnds();
   bool isOwnOther(std::uint32_t end, std::uint32_t node, double distance) const;
-  std::uint32_t groupOf(std::size_t curve) const { return m_groups.empty() ? 1 : m_groups[curve]; }
 
   const std::vector<PLACED_CURVE>& m_curves;
-  const CURVE_LIMITS m_limits;
+  const CURVE_LIMITS& m_limits;
   const std::vector<std::uint32_t>& m_groups;
   PNT_2D m_origin{0, 0};
   std::vector<std::uint32_t> m_nodes;  // by end

@@ -56,7 +56,7 @@ class CrossingFinder {
     std::vector<RECT_2D> boxes;
     for (std::size_t i = 0; i < m_curves.size(); ++i) {
       const std::uint32_t contour = m_contours.of(i);
-      if (!m_contours.canCross(contour)) continue;
+      if (!m_chains.isIn(i) || !m_contours.canCross(contour)) continue;
       const std::vector<EDGE_3D>& edges = m_curves[i].path.edges;
       for (std::size_t k = 0; k < edges.size(); ++k) {
         m_places.push_back({i, k, contour});

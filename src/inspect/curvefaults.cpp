@@ -130,9 +130,13 @@ CURVE_LIMITS defaultLimits(const std::vector<PLACED_CURVE>& curves) {
 CURVE_FAULTS findCurveFaults(const std::vector<PLACED_CURVE>& curves, const CURVE_LIMITS& limits) {
   using namespace vek0::detail;
   CURVE_FAULTS found;
-  const Chains chains(curves, limits);
+  // A repeated side would close no contour: where it ends, three curves would meet.
+  const std::vector<std::uint32_t> firsts = firstOfSame(curves, limits.same);
+  std::vector<std::uint32_t> groups(curves.size());
+  for (std::size_t i = 0; i < curves.size(); ++i) groups[i] = firsts[i] == i ? 1 : 0;
+  const Chains chains(curves, limits, groups);
   OpenChains(curves, chains).find(found.faults);
-  findRepeats(curves, limits, found.faults);
+  findRepeats(curves, limits, firsts, found.faults);
   found.isCut = !findCrossings(curves, chains, limits, found.faults);
   findShort(curves, limits, found.faults);
   findUnclosed(curves, limits, found.faults);

@@ -274,8 +274,7 @@ std::vector<CoveredPart> coveredParts(const std::vector<PLACED_CURVE>& curves,
 }
 
 void findRepeats(const std::vector<PLACED_CURVE>& curves, const CURVE_LIMITS& limits,
-                 std::vector<CURVE_FAULT>& faults) {
-  const std::vector<std::uint32_t> firsts = firstOfSame(curves, limits.same);
+                 const std::vector<std::uint32_t>& firsts, std::vector<CURVE_FAULT>& faults) {
   std::vector<bool> isFirst(curves.size());
   for (std::size_t i = 0; i < curves.size(); ++i) {
     isFirst[i] = firsts[i] == i;

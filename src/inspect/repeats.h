@@ -23,8 +23,8 @@ struct CoveredPart {
 std::vector<CoveredPart> coveredParts(const std::vector<PLACED_CURVE>& curves,
                                       const CURVE_LIMITS& limits, const std::vector<bool>& isIn);
 
-/// Appends duplicates and overlaps.
+/// Appends duplicates and overlaps, given the result of `firstOfSame`.
 void findRepeats(const std::vector<PLACED_CURVE>& curves, const CURVE_LIMITS& limits,
-                 std::vector<CURVE_FAULT>& faults);
+                 const std::vector<std::uint32_t>& firsts, std::vector<CURVE_FAULT>& faults);
 
 }  // namespace vek0::detail

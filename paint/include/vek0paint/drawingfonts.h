@@ -15,6 +15,9 @@ class IDrawingFonts : public IOutlineFonts {
   /// Sets the font of every style of the drawing, including those of external references, by its
   /// font name. Call it before extents of texts are requested.
   virtual void adopt(const CData& data) = 0;
+  /// Whether there is a font of that name, rather than one that takes its place. Stroke fonts count
+  /// as such, since a lettering font always replaces them. Default: true, as nothing is known.
+  virtual bool has(const zim::WString& /*name*/) { return true; }
 };
 
 /// The fonts for pictures: those of the system, which become the default of styles without a font

@@ -83,6 +83,7 @@ class FontLibrary final : public IDrawingFonts {
   /// Makes a font of this library the process-wide default, for styles without a font.
   void registerFonts();
   void adopt(const CData& data) override;
+  bool has(const zim::WString& name) override;
 
   /// The font for a name; always the same one for the same name. Null if the system has no usable
   /// font.

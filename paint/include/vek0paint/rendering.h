@@ -7,6 +7,7 @@
 #include "vek0core/compare/comparison.h"
 #include "vek0host/references.h"
 #include "vek0host/session.h"
+#include "vek0paint/marks.h"
 #include "vek0paint/picture.h"
 
 class CData;
@@ -49,5 +50,10 @@ struct NamedDrawing {
 void renderDifferences(const NamedDrawing& before, const NamedDrawing& after,
                        const COMPARISON& comparison, const std::string& out,
                        const RenderOptions& options, host::Session& session);
+
+/// Renders the model of a drawing in light gray with marks over it. The drawing gets fonts for the
+/// picture.
+void renderMarks(const NamedDrawing& drawing, const std::vector<PictureMark>& marks,
+                 const std::string& out, const RenderOptions& options, host::Session& session);
 
 }  // namespace vek0::paint

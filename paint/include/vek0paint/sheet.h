@@ -25,6 +25,9 @@ struct SHEET {
   RGB_COLOR background{255, 255, 255};
   bool transparent = false;  ///< the background is not painted
   std::string title;         ///< UTF-8
+
+  /// The size of a pixel of a screen in device units.
+  double pixel() const { return paper ? kMmPerInch / kCssDpi / unitMm : 1; }
 };
 
 /// A size as specified by the user.
