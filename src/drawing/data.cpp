@@ -144,7 +144,7 @@ void ItemWalk<Item, Table>::findNext() const {
 
 template <class Item, class Table>
 int ItemWalk<Item, Table>::size() const {
-  int count = m_fixedCount + m_own->size();
+  int count = static_cast<int>(m_fixedCount) + m_own->size();
   for (int i = 0; m_withXRefs && i < m_xrefs->size(); ++i) {
     count += ((*m_xrefs)[i]->*m_ofXRef)().size();
   }

@@ -57,16 +57,13 @@ void drawMarks(CData& data, const std::string& path, const Inspection& found,
                const CheckOptions& options, Session& session) {
   constexpr RGB_COLOR error{220, 20, 20}, warning{200, 110, 0};
   std::vector<paint::PictureMark> marks;
-  for (std::size_t i = 0; i < found.findings.size(); ++i) {
-    const Finding& finding = found.findings[i];
-    // The picture shows the model.
-    if (finding.layout.empty())
-      marks.push_back({i + 1, finding.ents, finding.point, finding.isError ? error : warning});
-  }
-  // Where an entity has both, it shows the error.
-  std::stable_partition(marks.begin(), marks.end(), [&](const paint::PictureMark& mark) {
-    return found.findings[mark.number - 1].isError;
-  });
+  // Where an entity has both, it shows the error. The picture shows the model.
+  for (const bool isError : {true, false})
+    for (std::size_t i = 0; i < found.findings.size(); ++i) {
+      const Finding& finding = found.findings[i];
+      if (finding.isError == isError && finding.layout.empty())
+        marks.push_back({i + 1, finding.ents, finding.point, isError ? error : warning});
+    }
   paint::renderMarks({data, path}, marks, options.picture, options.render, session);
 }
 

@@ -183,10 +183,10 @@ class ItemWalk {
   XRefTable m_ofXRef;
   bool m_withXRefs;
   Item* m_fixed[3] = {};
-  int m_fixedCount = 0;
+  unsigned m_fixedCount = 0;
   // Current position: in the fixed items, the drawing's table (-1), or reference 0, 1, ... Mutable
   // because the interface fixes the iterators' postfix increment as const.
-  mutable int m_atFixed = 0;
+  mutable unsigned m_atFixed = 0;
   mutable int m_xref = -1;
   mutable int m_pos = 0;
 };

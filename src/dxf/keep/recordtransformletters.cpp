@@ -85,7 +85,7 @@ void turnMText(SourceRecord& record, const MeasuredPlane& plane) {
   constexpr long angle = 50, direction = 11, attachment = 71, columns = 3, places = 9;
   const std::size_t along = record.find(direction), at = record.find(attachment);
   double image = record.realOf(angle);
-  PNT_3D to;
+  PNT_3D to(0, 0, 0);
   if (along != SourceRecord::kNone) {
     to = record.pointAt(along);
     image = std::atan2(to.y, to.x) * kHalfTurn / kPi;
