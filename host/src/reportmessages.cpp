@@ -92,6 +92,7 @@ constexpr auto kMessages = std::to_array<const char*>({
     "the draw order of # <entity is|entities are> lost: @",
     "# <group is|groups are> lost",
     "dimension style @ is lost",
+    "the named view or coordinate system @ is lost",
     "the unit of the drawing is lost: @",
     "the setting @ is lost",
     "the file is binary DXF",
@@ -187,6 +188,7 @@ std::string messageOfCode(const std::string& sample, const std::string& count,
   if (owner.empty()) of = "<entity|entities>";
   if (owner == "LAYER") of = "<layer|layers>";
   if (owner == "STYLE") of = "text <style|styles>";
+  if (owner == "LTYPE") of = "<linetype|linetypes>";
   const std::string holder = target.empty() ? "a drawing" : target;
   return holder + " cannot hold the " + what + " of " + count + " " + of;
 }

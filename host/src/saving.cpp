@@ -56,13 +56,16 @@ class RewrittenDrawing {
   bool isCarriedOver() const { return m_source.has_value(); }
 
   ReadResult load() {
-    return m_source ? loadFile(*data, *m_source, m_in, m_session)
-                    : loadFile(*data, m_in, m_session);
+    ReadResult result =
+        m_source ? loadFile(*data, *m_source, m_in, m_session) : loadFile(*data, m_in, m_session);
+    m_isFromR12 = result.outcome.version.view() <= u"AC1009";
+    return result;
   }
 
   bool save(OutputFile& output) const {
     CFileReport report;
     const std::string problem = write(output, report);
+    if (m_options.isR12() && !m_isFromR12) noteHatches(report);
     if (m_session.log) {
       m_session.log->begin(m_in);
       m_session.log->add(LossLog::Write, report);
@@ -82,6 +85,17 @@ class RewrittenDrawing {
   }
 
  private:
+  // The core reads them back as hatches, but other programs see inserts. In R12 files they have
+  // been inserts in the first place.
+  void noteHatches(CFileReport& report) const {
+    const auto note = [&](const CEnt& ent) {
+      if (ent.getType() == CEntHatch::kType && ent.getTraits().isVisible)
+        report.add(ReportCode::KindReplaced, 0, u"HATCH");
+    };
+    vek0::forEachEnt(*data, note);
+    for (int i = 0; i < data->getLayouts().size(); ++i)
+      vek0::forEachEnt(data->getLayouts()[i].getBlock(), note);
+  }
   bool backUp(const std::string& path) const {
     if (!m_options.backup || OutputFile::isDryRun()) return true;
     std::filesystem::path copy = toPath(path);
@@ -110,6 +124,7 @@ class RewrittenDrawing {
   const SaveOptions& m_options;
   Session& m_session;
   std::optional<CDXFSource> m_source;
+  bool m_isFromR12 = false;
 
  public:
   const Drawing data;

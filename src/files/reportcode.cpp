@@ -97,6 +97,7 @@ constexpr Row kRows[] = {
     {ReportCode::DrawOrderDropped, "draw order dropped", kLoss},
     {ReportCode::GroupDropped, "group dropped", kLoss},
     {ReportCode::DimensionStyleDropped, "dimension style dropped", kLoss},
+    {ReportCode::NamedViewDropped, "named view dropped", kLoss},
     {ReportCode::UnitDropped, "unit dropped", kLoss},
     {ReportCode::SettingDropped, "setting dropped", kLoss},
     {ReportCode::BinaryFile, "binary file", kLoss},

@@ -84,3 +84,19 @@ TEST_F(Batch, ReportsEveryDrawing) {
     "count": 1, "line": null, "sample": "370", "message":
     "R12 cannot hold the lineweights of 1 entity", "old": null, "new": null})"));
 }
+
+// In an R12 file they have been inserts all along.
+TEST_F(Batch, ReportsHatchesThatBecomeInserts) {
+  const auto hatchesLost = [](const Outcome& got) {
+    long count = 0;
+    const Json report = Json::parse(got.out);
+    for (const Json& entry : report["entries"])
+      if (entry["sample"] == "HATCH") count += entry["count"].get<long>();
+    return count;
+  };
+  const std::string command = "convert --report - ";
+  const std::string sample = command + quotedSample("hatches_ac1015.dxf");
+  EXPECT_EQ(hatchesLost(run(sample + " old.dxf")), 6);
+  EXPECT_EQ(hatchesLost(run(command + "old.dxf older.dxf")), 0);
+  EXPECT_EQ(hatchesLost(run(command + "--to 2000 old.dxf new.dxf")), 0);
+}

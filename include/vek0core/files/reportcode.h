@@ -103,6 +103,7 @@ enum class ReportCode : std::uint8_t {
                      ///< incomplete (331) or contradict others (5)
   GroupDropped,      ///< a group of entities
   DimensionStyleDropped,  ///< any style other than STANDARD with the format's default values
+  NamedViewDropped,       ///< a named view or coordinate system; "VIEW name" or "UCS name"
   UnitDropped,            ///< a unit stated by the header; for the drawing's see `CFileDXFIResult`
   SettingDropped,         ///< another variable that is not at its default, such as $FILLMODE
   BinaryFile,             ///< the file is binary DXF, which only tolerant reading reads

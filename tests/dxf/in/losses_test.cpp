@@ -33,6 +33,15 @@ TEST(Losses, AreToldUnlessNothingIsLost) {
               tableOf("DIMSTYLE", "0 DIMSTYLE|2 Standard|40 1|41 0.18|270 2"));
   expectCount("dimension style dropped", 2,
               tableOf("DIMSTYLE", "0 DIMSTYLE|2 Standard|41 2.5|0 DIMSTYLE|2 ISO"));
+  const std::string data = "|1001 APP|1000 a|1001 OTHER|1070 1";
+  expectCount("dimension style dropped", 1, tableOf("DIMSTYLE", "0 DIMSTYLE|2 Standard" + data));
+  expectCount("code dropped", 1, tableOf("LAYER", "0 LAYER|2 A|70 0|62 7|6 CONTINUOUS" + data));
+  expectCount("code dropped", 0,
+              tableOf("LAYER", "0 LAYER|2 A|70 0|62 7|6 CONTINUOUS|1001 AcCmTransparency"));
+  expectCount("code dropped", 1, tableOf("STYLE", "0 STYLE|2 S|70 0|3 txt" + data));
+  expectCount("code dropped", 1, tableOf("LTYPE", "0 LTYPE|2 L|70 0|3 -|72 65|73 0|40 0" + data));
+  expectCount("named view dropped", 2, tableOf("VIEW", "0 VIEW|2 V|40 x|0 VIEW|2 W"));
+  expectCount("named view dropped", 1, tableOf("UCS", "0 UCS|2 U"));
   expectCount("flags replaced", 0, entities("0 INSERT|8 A|2 B|10 0|20 0|70 -1"));
   expectCount("number replaced", 1, entities("0 INSERT|8 A|2 B|10 0|20 0|70 -1"));
   expectCount("number replaced", 0, entities(line + "5 00007FFFFFFFFFFFFFFE"));

@@ -28,6 +28,7 @@ struct LayerEntries::Entry {
   long flags = 0;
   LAYER_TRAITS traits;
   bool isTransparency = false;  // of the application whose data is being read
+  bool hasFurtherData = false;  // of other applications
   std::uint64_t handle = 0;     // 0 for none
 };
 
@@ -37,6 +38,7 @@ void LayerEntries::read() {
     const long code = m_in.read();
     if (m_in.failed()) return;
     if (code == 0) {
+      if (entry.hasFurtherData) m_in.note(ReportCode::CodeDropped, u"LAYER 1001");
       create(entry);
       return keepHandle(entry);
     }
@@ -102,6 +104,7 @@ bool LayerEntries::takeTrait(long code, Entry& entry) {
     case kApplication:
       // The application that stores the transparency of layers.
       entry.isTransparency = m_in.lexer.isKeyword("ACCMTRANSPARENCY");
+      entry.hasFurtherData |= !entry.isTransparency;
       return true;
     case kApplicationNumber:
       if (entry.isTransparency) takeTransparency(entry);

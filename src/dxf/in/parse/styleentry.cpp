@@ -20,6 +20,7 @@ struct Style {
   long fontLine = 0;  // of code 3; 0: there was none
   std::uint64_t handle = 0;
   long rangeLine = 0;  // of the first number out of range; 0: all are within
+  bool hasExtendedData = false;
 };
 
 void takeNumber(SectionInput& in, double least, double most, Style& style, double& target) {
@@ -72,6 +73,9 @@ void takePair(SectionInput& in, long code, Style& style) {
       if (!in.failed() && parseLong(in.lexer.getBytes()) != 0)
         in.note(ReportCode::CodeDropped, u"STYLE 71");
       break;
+    case 1001:
+      style.hasExtendedData = true;
+      break;
     default:
       in.passPair();
   }
@@ -81,6 +85,7 @@ void takePair(SectionInput& in, long code, Style& style) {
 // is validated before.
 void create(SectionInput& in, const Style& style, StyleHandles& handles) {
   if ((style.flags & kShapeFile) != 0) return;
+  if (style.hasExtendedData) in.note(ReportCode::CodeDropped, u"STYLE 1001");
   if (style.rangeLine != 0) return in.failAt(style.rangeLine, CFileDXFIError::OutOfRange);
   const bool named = !style.name.empty() && (style.fontLine != 0 || in.isTolerant());
   if (!named) return in.fail(CFileDXFIError::WrongStructure);

@@ -42,6 +42,8 @@ void TablesSection::readFurtherTable() {
   if (m_in.isKeyword("DIMSTYLE")) return readEntries("DIMSTYLE", [this] { readDimStyle(); });
   if (m_in.isKeyword("BLOCK_RECORD"))
     return readEntries("BLOCK_RECORD", [this] { readBlockRecord(); });
+  for (const char* kind : {"VIEW", "UCS"})
+    if (m_in.isKeyword(kind)) return readEntries(kind, [=, this] { skipNamed(kind); });
   skipTable();
 }
 
@@ -77,15 +79,26 @@ void TablesSection::readEntries(std::string_view keyword, const ReadEntry& readE
 void TablesSection::readDimStyle() {
   zim::WString name;
   DimStyle style;
+  bool hasExtendedData = false;
   for (long code = m_in.read(); code != 0 && !m_in.failed(); code = m_in.read()) {
     if (code == 2) name = m_in.lexer.getText();
+    hasExtendedData |= code == 1001;
     style.take(code, m_in.lexer);
     m_in.lexer.checkNumber();
     m_in.spareNumber();
   }
-  if (!zim::equalsIgnoreCase(name, u"STANDARD") || !style.isDefault())
+  if (!zim::equalsIgnoreCase(name, u"STANDARD") || !style.isDefault() || hasExtendedData)
     m_in.note(ReportCode::DimensionStyleDropped, name);
   m_dimStyles.add(name, style);
+}
+
+void TablesSection::skipNamed(const char* kind) {
+  zim::WString name;
+  while (const long code = m_in.read()) {
+    if (m_in.failed()) return;
+    if (code == 2) name = m_in.lexer.getText();
+  }
+  m_in.note(ReportCode::NamedViewDropped, zim::WString::fromUtf8(kind + std::string(" ")) + name);
 }
 
 // Dimension styles name the blocks of their arrowheads by the handles of these records.

@@ -37,6 +37,7 @@ class TablesSection {
   void readFurtherTable();
   void readDimStyle();
   void readBlockRecord();
+  void skipNamed(const char* kind);
 
   SectionInput& m_in;
   DimStyles& m_dimStyles;

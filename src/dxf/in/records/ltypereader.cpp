@@ -26,6 +26,7 @@ struct LtypeReader::Entry {
   CLtypeComplexDashSeq sequence;
   std::vector<TextStyle> texts;
   bool lostShapes = false;
+  bool hasExtendedData = false;
 };
 
 void LtypeReader::read() {
@@ -66,6 +67,10 @@ void LtypeReader::takePair(long code, Entry& entry) {
       break;
     case 40:
       lexer.checkNumber();
+      break;
+    case 1001:
+      if (!entry.hasExtendedData) m_context.note(ReportCode::CodeDropped, u"LTYPE 1001");
+      entry.hasExtendedData = true;
       break;
     default:
       if (isTolerant()) lexer.checkNumber();
