@@ -232,7 +232,7 @@ def main():
     parser.add_argument("folders", nargs="*", type=pathlib.Path)
     parser.add_argument("--up-to", type=int, default=sys.maxsize, help="size of drawings in bytes")
     parser.add_argument("--without", help="a code to ignore, which must make the check fail")
-    arguments = parser.parse_args()
+    arguments = parser.parse_intermixed_args()
     folders = arguments.folders
     if "VEK0_CORPUS" in os.environ:
         folders.append(pathlib.Path(os.environ["VEK0_CORPUS"]) / "dxf")
