@@ -188,7 +188,8 @@ EditStep readRotateCommand(CommandWords& words) { return readAboutPoint(words, r
 EditStep readMirrorCommand(CommandWords& words) {
   const CommandPoint first = words.point(), second = words.point();
   return [=](Editing& editing) {
-    return mirrorStep(first.from(editing.last), second.from(editing.last))(editing);
+    const PNT_3D from = first.from(editing.last);
+    return mirrorStep(from, second.from(editing.last))(editing);
   };
 }
 
