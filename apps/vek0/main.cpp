@@ -78,16 +78,6 @@ int exitCode(const Session& session, Failure failure) {
   return failure == kNoFailure ? *session.answer : kWrongUsage;
 }
 
-// The standard output cannot hold the report and the results of a verb.
-void refuseSecondUse(const CLI::App& verb) {
-  const CLI::Option* json = verb.get_option_no_throw("--json");
-  const CLI::Option* output = verb.get_option_no_throw("--output");
-  const bool isUsed = (json && json->count() > 0) ||
-                      (output && output->count() > 0 && output->as<std::string>() == "-");
-  if (isUsed)
-    throw CLI::ValidationError("--report", "the standard output has another use; name a file");
-}
-
 int parseAndRun(std::vector<std::string> arguments, Session& session) {
   CLI::App app{
       "vek0 reads, describes, draws, edits, merges and writes DXF drawings.\n\n"
@@ -141,7 +131,7 @@ int parseAndRun(std::vector<std::string> arguments, Session& session) {
   LossLog log;
   // Commands run while their options are parsed.
   app.parse_complete_callback([&] {
-    if (reporting.path == "-") refuseSecondUse(*app.get_subcommands().front());
+    checkReport(reporting, *app.get_subcommands().front());
     if (!reporting.path.empty() || !reporting.failOn.empty()) session.log = &log;
     OutputFile::setDryRun(reporting.dryRun);
     setColorUse(color == "always"  ? ColorUse::Always

@@ -1,10 +1,15 @@
 #include "options.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <string>
+#include <system_error>
+#include <vector>
 
 #include "vek0core/files/textcodec.h"
 #include "vek0host/losslog.h"
 #include "vek0host/outputfile.h"
+#include "vek0host/paths.h"
 
 namespace vek0::tool {
 
@@ -36,6 +41,64 @@ void addReportOptions(CLI::App& app, ReportOptions& options) {
       ->check(CLI::IsMember({"repair", "change", "loss"}))
       ->type_name("repair|change|loss");
   app.add_flag("--dry-run", options.dryRun, "Do everything but put the outputs into place");
+}
+
+namespace {
+
+// Of the verb and of its part, such as "xrefs" and "list".
+template <class Predicate>
+bool anyGiven(const CLI::App& verb, const Predicate& predicate) {
+  const auto options = verb.get_options([&](const CLI::Option* option) {
+    return option->count() > 0 && predicate(*option, option->get_single_name());
+  });
+  const auto parts = verb.get_subcommands();
+  return !options.empty() || std::any_of(parts.begin(), parts.end(), [&](const CLI::App* part) {
+    return anyGiven(*part, predicate);
+  });
+}
+
+bool isSameFile(const std::string& a, const std::string& b) {
+  // A relative path to a file that does not exist would stay as it is.
+  const auto whole = [](const std::string& file) {
+    std::error_code ignored;
+    const auto path = std::filesystem::absolute(host::toPath(file), ignored);
+    return std::filesystem::weakly_canonical(path, ignored);
+  };
+  return a == b || whole(a) == whole(b);
+}
+
+// Whether results, or an output, go to the standard output.
+bool usesStandardOutput(const CLI::App& verb) {
+  return anyGiven(verb, [](const CLI::Option& option, const std::string& name) {
+    const bool isOutput =
+        name == "output" || name == "save" || name == "picture" || name == "IN OUT";
+    return name == "json" || (isOutput && option.results().back() == "-");
+  });
+}
+
+// Whether the verb reads or writes that file.
+bool usesFile(const CLI::App& verb, const std::string& path) {
+  return anyGiven(verb, [&](const CLI::Option& option, const std::string& name) {
+    const bool isFile = name == "output" || name == "save" || name == "picture" ||
+                        (option.get_positional() && name != "PATTERN");
+    const auto isReport = [&](const std::string& file) { return isSameFile(file, path); };
+    const std::vector<std::string> files = option.results();
+    return isFile && std::any_of(files.begin(), files.end(), isReport);
+  });
+}
+
+}  // namespace
+
+void checkReport(const ReportOptions& options, const CLI::App& verb) {
+  if (options.path.empty()) return;
+  std::string problem;
+  if (options.path == "-") {
+    if (usesStandardOutput(verb)) problem = "the standard output has another use; name a file";
+  } else {
+    problem = usesFile(verb, options.path) ? "'" + options.path + "' has another use"
+                                           : OutputFile(options.path, true).error();
+  }
+  if (!problem.empty()) throw CLI::ValidationError("--report", problem);
 }
 
 void finishReport(const ReportOptions& options, const std::string& verb, Session& session) {

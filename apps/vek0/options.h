@@ -23,6 +23,10 @@ struct ReportOptions {
 /// Adds these options, which all commands share.
 void addReportOptions(CLI::App& app, ReportOptions& options);
 
+/// Throws `CLI::ValidationError` if the report cannot be written where the options say, or the
+/// parsed verb needs that file or stream itself.
+void checkReport(const ReportOptions& options, const CLI::App& verb);
+
 /// Writes the lists of the session, and fails if they say so.
 void finishReport(const ReportOptions& options, const std::string& verb, Session& session);
 

@@ -1,6 +1,7 @@
 #include "vek0host/linetypefile.h"
 
 #include "vek0host/drawingfile.h"
+#include "vek0host/losslog.h"
 #include "vek0host/outputfile.h"
 #include "vek0host/reports.h"
 
@@ -37,11 +38,18 @@ InputFault loadLinetypes(CLtypeLoader& loader, const std::string& path) {
   }
 }
 
+void logLinetypes(const CLtypeLoader& loader, const InputFault& fault, const Session& session) {
+  if (!session.log) return;
+  session.log->add(LossLog::Read, loader.GetReport());
+  if (fault.kind) session.log->addFailure(LossLog::Read, fault.kind, fault.message);
+}
+
 bool addLinetypes(CData& data, const std::string& path, Session& session) {
   StyleMaker maker(data.getStyleTable(), data.getStyleFactory());
   CLtypeLoader loader(data.getStyleTable(), data.getLtypeFactory());
   loader.SetNotifier(&maker);
   const InputFault fault = loadLinetypes(loader, path);
+  logLinetypes(loader, fault, session);
   if (fault.kind) {
     session.fail(kDrawingFailed, path + ": " + fault.message);
     return false;
@@ -62,6 +70,7 @@ void saveLinetypes(CLtypeLoader& loader, const std::string& path, bool force, Se
   OutputFile output(path, force);
   if (!output.error().empty()) return session.fail(kOutputFailed, output.error());
   loader.Save(output.file());
+  if (session.log) session.log->add(LossLog::Write, loader.GetReport());
   if (loader.GetStatus() != CLtypeLoader::Done)
     return session.fail(kOutputFailed, "'" + output.path() + "' cannot be written");
   if (!output.commit()) return session.fail(kOutputFailed, output.error());

@@ -85,6 +85,16 @@ TEST_F(Batch, ReportsEveryDrawing) {
     "R12 cannot hold the lineweights of 1 entity", "old": null, "new": null})"));
 }
 
+TEST_F(Batch, ReportsDefinitionFiles) {
+  write("fence.lin", "*FENCE,f\nA,1,-1,[BOX,a.shx],-1\n");
+  const Outcome got = run("linetypes fence.lin --report report.json --fail-on loss");
+  EXPECT_EQ(got.code, 1) << got.err;
+  const Json report = Json::parse(contents(path("report.json")));
+  EXPECT_EQ(report["file"], "fence.lin");
+  ASSERT_EQ(report["entries"].size(), 1u);
+  EXPECT_EQ(report["entries"][0]["sample"], "BOX");
+}
+
 // In an R12 file they have been inserts all along.
 TEST_F(Batch, ReportsHatchesThatBecomeInserts) {
   const auto hatchesLost = [](const Outcome& got) {

@@ -31,6 +31,8 @@ void runFile(const LinetypesOptions& options, const std::string& path, Session& 
   CLtypeLoader loader(styles, ltypeFactory);
   loader.SetNotifier(&maker);
   const InputFault fault = loadLinetypes(loader, path);
+  if (session.log) session.log->begin(path);
+  logLinetypes(loader, fault, session);
   if (listsFiles(options, session)) {
     if (options.json)
       std::printf("%s\n", toLine(linetypesToJson(path, loader, fault)).c_str());

@@ -30,6 +30,9 @@ class StyleMaker : public CLtypeLoader::IErrorNotifier {
 /// completely; what was read until then stays in the loader.
 InputFault loadLinetypes(CLtypeLoader& loader, const std::string& path);
 
+/// Adds what was lost in loading to the list of the current drawing, if there is a log.
+void logLinetypes(const CLtypeLoader& loader, const InputFault& fault, const Session& session);
+
 /// Adds the linetypes of a definition file to the drawing, and the styles of their texts. Reports
 /// what was skipped. Returns false, with an error message and the failure recorded, if the file
 /// cannot be read.
