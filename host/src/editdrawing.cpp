@@ -5,6 +5,7 @@
 #include <limits>
 #include <new>
 
+#include "vek0host/losslog.h"
 #include "vek0host/undocheck.h"
 
 namespace vek0::host {
@@ -19,6 +20,9 @@ bool runSteps(Editing& editing, const std::vector<NamedStep>& steps, Session& se
       return false;
     }
     session.notify(message);
+    if (!session.log) continue;
+    for (const StepOutcome::Change& change : outcome.changes)
+      session.log->addChange(change.code, change.handle, change.message);
   }
   return true;
 }

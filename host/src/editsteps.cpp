@@ -25,6 +25,12 @@ const std::vector<StepKind>& stepKinds() {
        "Join lines, arcs and polylines of the same layer whose ends are at most TOL apart; auto "
        "chooses TOL. With across, also those of different visible layers",
        readJoin},
+      {"--heal", "TOL[,across][,hidden]",
+       "Remove duplicates and overlaps of lines, arcs, circles and polylines, close gaps of at "
+       "most "
+       "TOL, and join what meets, layer by layer; with across, all layers together; with hidden, "
+       "also on layers that are off or frozen",
+       readHeal},
       {"--offset", "D[,CORNERS]",
        "Add parallels: to the right of open curves, outside closed ones; D < 0: on the other side. "
        "CORNERS: round, mitre or bevel",

@@ -1,7 +1,6 @@
 #include "vek0host/inspection.h"
 
 #include <algorithm>
-#include <charconv>
 #include <map>
 
 #include "findingkinds.h"
@@ -13,14 +12,6 @@ namespace vek0::host {
 namespace {
 
 constexpr double kOffPaper = 1e-6;  // share of the paper by which rounding may exceed it
-
-std::string shortNumber(double value) {
-  constexpr int digits = 6;
-  char buffer[32];
-  const auto end =
-      std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, digits).ptr;
-  return {buffer, end};
-}
 
 std::string layerNameOf(const CLayer* layer) {
   return layer ? layer->getFullName().toUtf8() : std::string("0");
@@ -157,7 +148,7 @@ class Inspector {
 
   static std::string messageOf(const CURVE_FAULT& fault, const std::vector<PLACED_CURVE>& curves,
                                const CURVE_LIMITS& limits, const std::vector<const CEnt*>& ents) {
-    const std::string value = shortNumber(fault.value), first = namedEnt(*ents.front());
+    const std::string value = roundedText(fault.value), first = namedEnt(*ents.front());
     const std::string both = ents.size() > 1 ? first + " and " + namedEnt(*ents.back()) : first;
     switch (fault.fault) {
       case CurveFault::OpenContour:
@@ -217,9 +208,9 @@ class Inspector {
 
   void addTooLarge(const RECT_2D& box, double width, double height, double beyond) {
     Finding& finding =
-        add(FindingKind::TooLarge, shortNumber(box.max.x - box.min.x) + " x " +
-                                       shortNumber(box.max.y - box.min.y) + " does not fit on " +
-                                       shortNumber(width) + " x " + shortNumber(height));
+        add(FindingKind::TooLarge, roundedText(box.max.x - box.min.x) + " x " +
+                                       roundedText(box.max.y - box.min.y) + " does not fit on " +
+                                       roundedText(width) + " x " + roundedText(height));
     finding.point = middleOf(box);
     finding.value = beyond;
   }
@@ -329,7 +320,7 @@ class Inspector {
                                       box.max.x - paper.max.x, box.max.y - paper.max.y});
       if (beyond <= slack) continue;
       addAt(FindingKind::OffSheet, ent, layer, middleOf(box),
-            namedEnt(ent) + " reaches beyond the paper by " + shortNumber(beyond));
+            namedEnt(ent) + " reaches beyond the paper by " + roundedText(beyond));
       m_found.findings.back().value = beyond;
     }
   }

@@ -65,6 +65,13 @@ void LossLog::addFailure(Stage stage, const std::string& kind, const std::string
   add(newEntry(kind, ReportSeverity::Loss, stage, 1, message));
 }
 
+void LossLog::addChange(const std::string& code, const zim::WString& sample,
+                        const std::string& message) {
+  Json entry = newEntry(code, ReportSeverity::Note, Write, 1, message);
+  entry["sample"] = sample.toUtf8();
+  add(std::move(entry));
+}
+
 void LossLog::addLoss(Stage stage, const std::string& code, long count,
                       const std::string& message) {
   add(newEntry(code, ReportSeverity::Loss, stage, count, message));

@@ -106,6 +106,18 @@ std::string shortestText(double value) {
 #endif
 }
 
+std::string roundedText(double value) {
+  constexpr int precision = 6;
+  char digits[32];
+#if !defined(_LIBCPP_VERSION) || _LIBCPP_VERSION >= 14000
+  const auto format = std::chars_format::general;
+  return {digits, std::to_chars(digits, digits + sizeof digits, value, format, precision).ptr};
+#else
+  const int length = std::snprintf(digits, sizeof digits, "%.*g", precision, value);
+  return {digits, static_cast<std::size_t>(length)};
+#endif
+}
+
 std::string hexText(vek0::Handle handle) {
   char digits[24];
   const auto end =

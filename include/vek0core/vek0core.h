@@ -119,6 +119,7 @@
 
 #include "vek0core/inspect/curvefaults.h"
 #include "vek0core/inspect/placedcontent.h"
+#include "vek0core/inspect/repeatremoval.h"
 
 #include "vek0core/dxf/in/audit.h"
 #include "vek0core/dxf/in/filedxfierror.h"

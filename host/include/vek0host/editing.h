@@ -24,11 +24,19 @@ struct Editing {
 /// Result of a step: what it has done, or why it failed. A failed step may have made changes, which
 /// `takeStep` reverts, but leaves `Editing::chosen` as it was.
 struct StepOutcome {
+  /// A change that is worth an entry of the report.
+  struct Change {
+    const char* code;
+    zim::WString handle;  ///< of the entity, as text
+    std::string message;
+  };
+
   bool ok;
   std::string text;
+  std::vector<Change> changes = {};
 
-  static StepOutcome done(std::string text) { return {true, std::move(text)}; }
-  static StepOutcome failed(std::string text) { return {false, std::move(text)}; }
+  static StepOutcome done(std::string text) { return {true, std::move(text), {}}; }
+  static StepOutcome failed(std::string text) { return {false, std::move(text), {}}; }
   static StepOutcome noMemory() { return failed("out of memory"); }
 };
 

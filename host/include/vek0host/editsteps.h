@@ -36,6 +36,8 @@ std::string readDelete(const std::string& text, EditStep& step);  ///< without a
 
 std::string readExplode(const std::string& text, EditStep& step);  ///< without a value
 std::string readJoin(const std::string& text, EditStep& step);     ///< a tolerance, or "auto"
+/// A tolerance, optionally followed by ",across" and ",hidden".
+std::string readHeal(const std::string& text, EditStep& step);
 /// A distance, optionally followed by ",round", ",mitre" or ",bevel" for the corners.
 std::string readOffset(const std::string& text, EditStep& step);
 

@@ -24,6 +24,8 @@ class LossLog {
   void add(Stage stage, const CFileReport& report);
   /// Adds that the drawing could not be read or written, for a reason in one sentence.
   void addFailure(Stage stage, const std::string& kind, const std::string& message);
+  /// Adds a change that the user asked for, with what it was made to.
+  void addChange(const std::string& code, const zim::WString& sample, const std::string& message);
   /// Adds that a picture lacks something.
   void addLoss(Stage stage, const std::string& code, long count, const std::string& message);
 

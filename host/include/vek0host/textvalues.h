@@ -34,6 +34,9 @@ std::string colorText(const RGB_COLOR& color);
 /// The fewest digits that are read as exactly this finite number.
 std::string shortestText(double value);
 
+/// Rounded to six significant digits, for messages.
+std::string roundedText(double value);
+
 /// In uppercase hexadecimal digits.
 std::string hexText(vek0::Handle handle);
 

@@ -73,7 +73,8 @@ class Joiner {
     m_isUsed.assign(m_parts.size(), false);
   }
 
-  void run(IHandleGestor& gestor, CEntFactory& factory, std::vector<JOINED_ENT>& joined) {
+  void run(IHandleGestor& gestor, CEntFactory& factory, JOIN_BRANCHES branches,
+           std::vector<JOINED_ENT>& joined) {
     // Indices of ends have 32 bits in the grid.
     if (m_parts.empty() || m_parts.size() > std::numeric_limits<std::uint32_t>::max() / 4) return;
     PNT_2D lowest(0, 0);
@@ -85,6 +86,8 @@ class Joiner {
       ends.add(m_parts[i].end, static_cast<std::uint32_t>(2 * i + 1));
       ends.add(m_parts[i].start, static_cast<std::uint32_t>(2 * i));
     }
+    m_isBranch.assign(2 * m_parts.size(), false);
+    if (branches == JOIN_BRANCHES::kept) findBranches(ends);
     for (std::size_t i = 0; i < m_parts.size(); ++i) {
       if (m_isUsed[i]) continue;
       JOINED_ENT made = joinFrom(i, ends, gestor, factory);
@@ -99,14 +102,18 @@ class Joiner {
     std::vector<const CEnt*> onwards, backwards;
     use(first, chain, onwards);
     bool isClosed = false;
-    for (std::size_t end; !isClosed && (end = nearestEnd(ends, chain.end())) != kNone;) {
+    std::size_t last = 2 * first + 1;
+    for (std::size_t end; !isClosed && (end = nearestEnd(ends, last, chain.end())) != kNone;) {
       use(end / 2, next, onwards);
+      last = end ^ 1;
       // An even number is a start, which continues the chain forward.
       end % 2 == 0 ? chain.append(next) : chain.appendReversed(next);
       isClosed = chain.close(m_tolerance);
     }
-    for (std::size_t end; !isClosed && (end = nearestEnd(ends, chain.start())) != kNone;) {
+    last = 2 * first;
+    for (std::size_t end; !isClosed && (end = nearestEnd(ends, last, chain.start())) != kNone;) {
       use(end / 2, next, backwards);
+      last = end ^ 1;
       end % 2 == 1 ? chain.prepend(next) : chain.prependReversed(next);
       isClosed = chain.close(m_tolerance);
     }
@@ -132,14 +139,35 @@ class Joiner {
     parts.push_back(m_parts[i].ent);
   }
 
-  std::size_t nearestEnd(PointGrid& ends, const PNT_3D& p) {
+  PNT_3D pointOf(std::size_t end) const {
+    const Part& part = m_parts[end / 2];
+    return end % 2 == 0 ? part.start : part.end;
+  }
+
+  // Ends that more than one other end meets.
+  void findBranches(PointGrid& ends) {
+    for (std::size_t end = 0; end < m_isBranch.size(); ++end) {
+      const PNT_3D p = pointOf(end);
+      std::size_t others = 0;
+      ends.find(
+          p, [](std::uint32_t) { return true; },
+          [&](std::uint32_t other) {
+            if (other != end && p.dist(pointOf(other)) <= m_tolerance) ++others;
+          });
+      m_isBranch[end] = others > 1;
+    }
+  }
+
+  // The end that continues `from`, which is at `p`.
+  std::size_t nearestEnd(PointGrid& ends, std::size_t from, const PNT_3D& p) {
+    if (m_isBranch[from]) return kNone;
     std::size_t best = kNone;
     double least = m_tolerance;
     ends.find(
         p, [this](std::uint32_t end) { return !m_isUsed[end / 2]; },
         [&](std::uint32_t end) {
-          const Part& part = m_parts[end / 2];
-          const double off = p.dist(end % 2 == 0 ? part.start : part.end);
+          const double off =
+              m_isBranch[end] ? std::numeric_limits<double>::infinity() : p.dist(pointOf(end));
           // Of equally near ends the earliest wins, so that the result does not depend on the grid.
           if (off > least || (off == least && end > best)) return;
           least = off;
@@ -151,6 +179,7 @@ class Joiner {
   double m_tolerance;
   std::vector<Part> m_parts;
   std::vector<bool> m_isUsed;
+  std::vector<bool> m_isBranch;  // by end
 };
 
 }  // namespace
@@ -167,10 +196,10 @@ double joinTolerance(const std::vector<CEnt*>& ents) {
 
 std::vector<JOINED_ENT> joinEnts(IHandleGestor& gestor, CEntFactory& factory,
                                  const std::vector<CEnt*>& ents, double tolerance,
-                                 JOIN_LAYERS layers) {
+                                 JOIN_LAYERS layers, JOIN_BRANCHES branches) {
   std::vector<JOINED_ENT> joined;
   if (!(tolerance >= 0) || !std::isfinite(tolerance)) return joined;
   for (const std::vector<const CEnt*>& group : groupsOf(ents, layers))
-    Joiner(group, tolerance).run(gestor, factory, joined);
+    Joiner(group, tolerance).run(gestor, factory, branches, joined);
   return joined;
 }

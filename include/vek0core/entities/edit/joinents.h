@@ -20,6 +20,9 @@ struct JOINED_ENT {
 /// or hidden layer are joined only within that layer, so that nothing disappears or appears.
 enum class JOIN_LAYERS { apart, together };
 
+/// What happens where more than two ends meet: the nearest ones are joined, or all stay apart.
+enum class JOIN_BRANCHES { joined, kept };
+
 /// Maximum distance between ends that count as meeting: 1e-9 of the longest side of the entities'
 /// extents.
 VEK0_API double joinTolerance(const std::vector<CEnt*>& ents);
@@ -29,13 +32,14 @@ VEK0_API double joinTolerance(const std::vector<CEnt*>& ents);
 ///
 /// Entities are processed in order, layer by layer if layers are kept apart. A polyline has the
 /// properties and direction of the first of its parts, is extended at its end, then at
-/// its start, and is closed if its ends meet. Where several ends meet at a point, the nearest is
-/// joined, the earliest among equals. Joined ends get the point of the part that came first. Other
-/// kinds, closed polylines, null, and entities no longer than the tolerance are skipped. The
-/// entities are not changed; new ones have handle 0 and are in no table.
+/// its start, and is closed if its ends meet. Where several ends meet at a point and branches are
+/// joined, the nearest is, the earliest among equals. Joined ends get the point of the part that
+/// came first. Other kinds, closed polylines, null, and entities no longer than the tolerance are
+/// skipped. The entities are not changed; new ones have handle 0 and are in no table.
 ///
 /// Near-linear: ends are found by hashing. Where more than 256 ends lie in a square of the
 /// tolerance's size, not all of them are examined.
 VEK0_API std::vector<JOINED_ENT> joinEnts(IHandleGestor& gestor, CEntFactory& factory,
                                           const std::vector<CEnt*>& ents, double tolerance,
-                                          JOIN_LAYERS layers = JOIN_LAYERS::apart);
+                                          JOIN_LAYERS layers = JOIN_LAYERS::apart,
+                                          JOIN_BRANCHES branches = JOIN_BRANCHES::joined);
