@@ -76,6 +76,23 @@ std::string joined(const std::vector<std::string>& names) {
   return text;
 }
 
+// Gives the styles of a drawing their fonts back, for those of a picture end with it.
+class StyleFonts {
+ public:
+  explicit StyleFonts(const CData& data) {
+    for (CData::CStyleIterator at(data, true); *at; ++at)
+      m_fonts.emplace_back(*at, (*at)->getFont());
+  }
+  StyleFonts(const StyleFonts&) = delete;
+  StyleFonts& operator=(const StyleFonts&) = delete;
+  ~StyleFonts() {
+    for (const auto& [style, font] : m_fonts) style->setFont(font);
+  }
+
+ private:
+  std::vector<std::pair<CStyle*, const ICADFont*>> m_fonts;
+};
+
 // Renders drawings one after the other; failures go to the session.
 class Renderer {
  public:
@@ -100,18 +117,16 @@ class Renderer {
     reportLosses(in, result.report);
     if (m_options.withReferences) readReferences(*data, in);
     m_fonts->adopt(*data);
-    const LayerChoice layers(*data, m_options.layers, m_options.hiddenLayers);
-    if (layers.showsNone())
-      return fail(kDrawingFailed, in + ": no layer is named " + joined(m_options.layers));
-    for (const std::string& name : layers.unmatched()) warn(in + ": no layer is named " + name);
-    if (m_options.layout || m_options.currentLayout) return renderLayouts(*data, in, out);
-    const PICTURE picture = layOutDrawing(*data, in, result, layers);
-    if (!picture.error.empty()) return fail(kWrongUsage, in + ": " + picture.error);
-    if (m_options.splitLayers) {
-      renderLayers(*data, layers, picture, out);
-    } else {
-      draw(*data, {{picture, nullptr, m_drawOptions}}, out, true);
-    }
+    renderLoaded(*data, in, result, out);
+  }
+
+  void renderOpened(const NamedDrawing& drawing, const std::string& out) {
+    if (!isNamedAfter() && !isWritable(out)) return;
+    const StyleFonts kept(drawing.data);
+    m_fonts->adopt(drawing.data);
+    ReadResult result;
+    result.outcome.units = drawing.data.getVars().getUnits();
+    renderLoaded(drawing.data, drawing.name, result, out);
   }
 
   void renderDifferences(const NamedDrawing& before, const NamedDrawing& after,
@@ -301,6 +316,22 @@ class Renderer {
     return zim::WString::fromUtf8(stemOf(path)).toUtf8();
   }
 
+  void renderLoaded(CData& data, const std::string& in, const ReadResult& result,
+                    const std::string& out) {
+    const LayerChoice layers(data, m_options.layers, m_options.hiddenLayers);
+    if (layers.showsNone())
+      return fail(kDrawingFailed, in + ": no layer is named " + joined(m_options.layers));
+    for (const std::string& name : layers.unmatched()) warn(in + ": no layer is named " + name);
+    if (m_options.layout || m_options.currentLayout) return renderLayouts(data, in, out);
+    const PICTURE picture = layOutDrawing(data, in, result, layers);
+    if (!picture.error.empty()) return fail(kWrongUsage, in + ": " + picture.error);
+    if (m_options.splitLayers) {
+      renderLayers(data, layers, picture, out);
+    } else {
+      draw(data, {{picture, nullptr, m_drawOptions}}, out, true);
+    }
+  }
+
   DRAW_RESULT draw(const CData& data, const Page& page, IPainter& painter) {
     const CWndVpt window = windowOf(page.picture);
     if (!page.layout) return drawData(data, *m_projector, window, painter, page.options);
@@ -459,6 +490,11 @@ class Renderer {
 void renderDrawing(const std::string& in, const std::string& out, const RenderOptions& options,
                    Session& session) {
   Renderer(options, session).render(in, out);
+}
+
+void renderOpened(const NamedDrawing& drawing, const std::string& out, const RenderOptions& options,
+                  Session& session) {
+  Renderer(options, session).renderOpened(drawing, out);
 }
 
 void renderDifferences(const NamedDrawing& before, const NamedDrawing& after,

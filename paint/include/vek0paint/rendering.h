@@ -44,6 +44,11 @@ struct NamedDrawing {
   std::string name;
 };
 
+/// Renders a drawing that stays open: its state is the same afterwards. External references are
+/// shown as far as they have been read.
+void renderOpened(const NamedDrawing& drawing, const std::string& out, const RenderOptions& options,
+                  host::Session& session);
+
 /// Renders the differences between the models of two drawings: what is the same in light gray, what
 /// is removed or was otherwise before in red, what is added or is otherwise now in green. The
 /// drawings get fonts for their picture.
