@@ -29,6 +29,10 @@ void addHatchCommand(CLI::App& app, Session& session);
 void addHatchesCommand(CLI::App& app, Session& session);
 void addLinetypesCommand(CLI::App& app, Session& session);
 void addRenderCommand(CLI::App& app, Session& session);
+#ifdef VEK0_SERVE
+void addServeCommand(CLI::App& app, Session& session);
+#endif
+void addViewCommand(CLI::App& app, Session& session);
 void addXrefsCommand(CLI::App& app, Session& session);
 
 }  // namespace vek0::tool

@@ -115,6 +115,10 @@ int parseAndRun(std::vector<std::string> arguments, Session& session) {
   addHatchesCommand(app, session);
   addLinetypesCommand(app, session);
   addRenderCommand(app, session);
+#ifdef VEK0_SERVE
+  addServeCommand(app, session);
+#endif
+  addViewCommand(app, session);
   addXrefsCommand(app, session);
   addShellCommands(app);
   app.footer(

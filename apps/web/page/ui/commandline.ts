@@ -1,0 +1,45 @@
+// The command line with its history.
+import type { Session } from "../session";
+import { byId } from "./dom";
+
+export class CommandLine {
+  private readonly field = byId<HTMLInputElement>("command");
+  private readonly history: string[] = [];
+  private place = 0;
+
+  constructor(private readonly session: Session, private readonly say: (text: string) => void) {
+    byId<HTMLFormElement>("command-form").addEventListener("submit", (event) => {
+      event.preventDefault();
+      void this.run(this.field.value);
+    });
+    this.field.addEventListener("keydown", (event) => {
+      if (event.key === "ArrowUp") this.recall(-1);
+      else if (event.key === "ArrowDown") this.recall(1);
+      else return;
+      event.preventDefault();
+    });
+  }
+
+  async run(line: string): Promise<void> {
+    if (line.trim() === "") return;
+    this.history.push(line);
+    this.place = this.history.length;
+    this.field.value = "";
+    try {
+      const { ok, message } = await this.session.command(line);
+      if (!ok) this.field.value = line;
+      this.say(message || (ok ? "Done." : "That failed."));
+    } catch (error) {
+      this.say((error as Error).message);
+    }
+  }
+
+  focus(): void {
+    this.field.focus();
+  }
+
+  private recall(step: number): void {
+    this.place = Math.min(Math.max(this.place + step, 0), this.history.length);
+    this.field.value = this.history[this.place] ?? "";
+  }
+}
