@@ -42,10 +42,16 @@ export class Api {
     return this.session.view;
   }
 
+  private world(pixel: Point): Point {
+    return this.view.camera.toWorld(checked(pixel));
+  }
+
   async open(name: string, bytes: ArrayBuffer | Uint8Array | Blob): Promise<OpenResult> {
     await this.ready;
     const file = bytes instanceof ArrayBuffer ? new Uint8Array(bytes) : bytes;
     try {
+      if (!(file instanceof Uint8Array || file instanceof Blob))
+        throw new Error("give the bytes of a file");
       const { report, layers, layouts } = await this.session.open(name, file);
       return { ok: true, error: null, report, layers, layouts };
     } catch (error) {
@@ -57,13 +63,13 @@ export class Api {
     return this.session.call("list");
   }
 
-  async setView(given: ViewSettings): Promise<ViewSettings> {
+  async setView(given: ViewSettings = {}): Promise<ViewSettings> {
     const { view, session } = this;
     if (given.layout !== undefined) {
       const index = layoutIndex(session.layouts, given.layout);
       if (index !== view.layout) await view.setLayout(index);
     }
-    if (given.center) view.camera.center = [finite(given.center[0]), finite(given.center[1])];
+    if (given.center) view.camera.center = checked(given.center);
     if (given.height !== undefined) {
       if (!(finite(given.height) > 0)) throw new Error("the height must be above 0");
       view.camera.setHeight(given.height);
@@ -76,22 +82,22 @@ export class Api {
   }
 
   async toScreen(point: Point): Promise<Point> {
-    return this.view.camera.toScreen(point);
+    return this.view.camera.toScreen(checked(point));
   }
 
   async toWorld(pixel: Point): Promise<Point> {
-    return this.view.camera.toWorld(pixel);
+    return this.world(pixel);
   }
 
   async pick(pixel: Point): Promise<string[]> {
-    const [x, y] = this.view.camera.toWorld(pixel);
+    const [x, y] = this.world(pixel);
     return this.session.call("pick", x, y, kReach / this.view.camera.scale);
   }
 
   async selectBox(a: Point, b: Point, mode: "window" | "crossing"): Promise<string[]> {
     if (mode !== "window" && mode !== "crossing")
       throw new Error("the mode is window or crossing");
-    const [[x1, y1], [x2, y2]] = [this.view.camera.toWorld(a), this.view.camera.toWorld(b)];
+    const [[x1, y1], [x2, y2]] = [this.world(a), this.world(b)];
     const box: Box = [Math.min(x1, x2), Math.min(y1, y2), Math.max(x1, x2), Math.max(y1, y2)];
     return this.session.call("selectBox", box, mode === "crossing");
   }
@@ -101,12 +107,16 @@ export class Api {
   }
 
   async snap(pixel: Point, options: { from?: Point } = {}): Promise<Snap | null> {
-    const [x, y] = this.view.camera.toWorld(pixel);
+    const [x, y] = this.world(pixel);
     const reach = kReach / this.view.camera.scale;
     return this.session.call("snap", x, y, reach, options.from ?? null);
   }
 
   async measure(what: string, of: Point[] | string[]): Promise<number> {
+    if (!["distance", "angle", "area", "radius"].includes(what))
+      throw new Error("what is measured is distance, angle, area or radius");
+    if (what === "radius" && typeof of?.[0] !== "string")
+      throw new Error("a radius is that of a handle");
     return this.session.call("measure", what, of);
   }
 
@@ -155,15 +165,21 @@ function layoutIndex(layouts: Layout[], name: string): number {
 }
 
 function finite(value: number): number {
-  if (!Number.isFinite(value)) throw new Error("a coordinate is not a number");
+  if (!Number.isFinite(value)) throw new Error("a height is a number");
   return value;
+}
+
+function checked(point: Point): Point {
+  if (!Array.isArray(point) || !Number.isFinite(point[0]) || !Number.isFinite(point[1]))
+    throw new Error("a point is [x, y]");
+  return [point[0], point[1]];
 }
 
 /** The object for `window.vek0`: plain functions, so that it can be destructured. */
 export function publish(api: Api): Record<string, unknown> {
   const { setView, ...names } = Object.fromEntries(
     Object.getOwnPropertyNames(Api.prototype)
-      .filter((name) => !["constructor", "session", "view"].includes(name))
+      .filter((name) => !["constructor", "session", "view", "world"].includes(name))
       .map((name) => [name, (api as unknown as Record<string, (...a: never[]) => unknown>)[name].bind(api)]),
   );
   return Object.freeze({ ready: api.ready, view: setView, ...names });

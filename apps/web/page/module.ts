@@ -68,7 +68,10 @@ export class EngineModule {
   }
 
   withHandles<T>(handles: string[], use: (at: number) => T): T {
-    const numbers = BigUint64Array.from(handles, (handle) => BigInt("0x" + handle));
+    const numbers = BigUint64Array.from(handles, (handle) => {
+      if (!/^[0-9a-f]{1,16}$/i.test(handle)) throw new Error(`'${handle}' is not a handle`);
+      return BigInt("0x" + handle);
+    });
     return this.with(new Uint8Array(numbers.buffer), use);
   }
 

@@ -41,10 +41,9 @@ export class LayerPanel {
     alone.addEventListener("click", () => this.setAll((each) => each.name === layer.name));
     const color = make("span", { className: "swatch", title: `Color ${layer.color}` });
     color.style.backgroundColor = layer.rgb;
-    const weight = layer.lineweight > 0 ? `${layer.lineweight} mm` : "";
     return make("li", {},
-      make("label", {}, box, color, make("span", { className: "name" }, layer.name)),
-      make("span", { className: "note" }, `${weight} ${layer.entities || ""}`), alone);
+      make("label", { title: `${layer.name}, ${layer.linetype}, ${layer.lineweight} mm` }, box, color, make("span", { className: "name" }, layer.name)),
+      make("span", { className: "note" }, String(layer.entities || "")), alone);
   }
 
   private change(name: string, given: { on?: boolean; frozen?: boolean }): void {
