@@ -155,6 +155,42 @@ py::array_t<std::uint64_t> addPolylines(const Space& space, const py::object& wh
   });
 }
 
+py::array_t<std::uint64_t> addTexts(const Space& space, const std::vector<std::string>& texts,
+                                    const py::object& where, const py::object& sizes,
+                                    const py::object& turns, const Layer& layer,
+                                    const Color& color) {
+  const std::vector<PNT_3D> points = toPoints(where, "points");
+  if (texts.size() != points.size())
+    throw std::invalid_argument("texts must hold one string for each point");
+  const Each heights(sizes, "heights", points.size()), rotations(turns, "rotations", points.size());
+  CData& data = space.drawing().data();
+  const Looks looks(space.drawing(), layer, color);
+  CStyle* style = getCurStyle(data);
+  return addEach(space, points.size(), [&](std::size_t i) {
+    const TEXT_3D text(toText(texts[i]), style, points[i].x, points[i].y, points[i].z,
+                       positive(heights[i], "heights"), style ? style->getOblique() : 0,
+                       style ? style->getWidthScale() : 1, rotations[i] * kDegree, 0);
+    return createEntText(data, looks.layer, looks.ltype, looks.color, text, 0);
+  });
+}
+
+py::array_t<std::uint64_t> addInserts(const Space& space, const std::string& name,
+                                      const py::object& where, const py::object& factors,
+                                      const py::object& turns, const Layer& layer,
+                                      const Color& color) {
+  const std::vector<PNT_3D> points = toPoints(where, "points");
+  const Each scales(factors, "scales", points.size()), rotations(turns, "rotations", points.size());
+  CData& data = space.drawing().data();
+  CBlock& block = blockOf(data, name);
+  if (block.isXRef()) throw std::invalid_argument("'" + name + "' is an external reference");
+  const Looks looks(space.drawing(), layer, color);
+  return addEach(space, points.size(), [&](std::size_t i) {
+    if (scales[i] == 0) throw std::invalid_argument("scales must not be 0");
+    return createEntInsert(data, looks.layer, looks.ltype, looks.color, block, points[i], scales[i],
+                           scales[i], scales[i], rotations[i] * kDegree, 1, 1, 0, 0, 0);
+  });
+}
+
 // A transformation that keeps circles circles, as the steps that make it.
 std::vector<host::EditStep> stepsOf(const py::object& value) {
   const Numbers matrix = toNumbers(value, "matrix", 2);
@@ -203,6 +239,10 @@ void bindBulkAdding(SpaceClass& type) {
            layer, color)
       .def("add_polylines", &addPolylines, "points"_a, "offsets"_a, "bulges"_a = 0.0,
            "closed"_a = 0.0, only, layer, color)
+      .def("add_texts", &addTexts, "texts"_a, "points"_a, "heights"_a = 2.5, "rotations"_a = 0.0,
+           only, layer, color)
+      .def("add_inserts", &addInserts, "block"_a, "points"_a, "scales"_a = 1.0, "rotations"_a = 0.0,
+           only, layer, color, "Inserts of a block, scaled alike on all axes, without attributes.")
       .def("transform", &transform, "matrix"_a);
 }
 

@@ -47,6 +47,7 @@ std::vector<Entity> offset(EntityRef& ref, double distance, const std::string& c
     made = take(ref, "offset", step);
   }
   std::erase(made, &ref.get());
+  if (made.empty()) throw std::invalid_argument("the entity has no parallels at this distance");
   return ref.drawing().refer(made);
 }
 

@@ -80,6 +80,8 @@ def test_fields_are_read_and_set_with_undo(doc):
     assert len(entities["hatch"].boundary) == 3
     assert entities["arc"].start == pytest.approx((5 * 2**-0.5, 5 * 2**-0.5, 0))
     assert len({entity.kind for entity in entities.values()}) == 8
+    with pytest.raises(ValueError, match="no parallels"):
+        entities["text"].offset(1)
     with pytest.raises(AttributeError, match="a LINE has no radius"):
         entities["line"].radius
 
@@ -269,9 +271,15 @@ def test_bulk(doc):
     found = doc.modelspace.polylines()
     assert found.points == pytest.approx(ends.reshape(-1, 3))
     assert (found.offsets == numpy.arange(0, 2001, 4)).all() and found.closed.all()
-    for _ in range(5):
-        assert doc.undo()
-    assert len(doc.modelspace) == 0
+    doc.blocks.add("DOT").add_point((0, 0))
+    doc.add_texts([str(i) for i in range(1000)], centers, 2.5, 90)
+    doc.add_inserts("DOT", centers, numpy.linspace(1, 2, 1000))
+    texts, inserts = doc.modelspace.texts(), doc.modelspace.inserts()
+    assert texts.texts[7] == "7" and (texts.points == centers).all()
+    assert inserts.scales[:, 1] == pytest.approx(numpy.linspace(1, 2, 1000))
+    while doc.undo():
+        pass
+    assert len(doc.modelspace) == 0 == len(doc.blocks)
 
 
 def test_transform_by_matrix(doc):
@@ -317,6 +325,8 @@ def test_transform_by_matrix(doc):
         (lambda d: d.join([vek0.new().add_point((0, 0))]), ValueError),
         (lambda d: d.header.__setitem__("$NOPE", 1), KeyError),
         (lambda d: d[None], TypeError),
+        (lambda d: d.add_texts(["a"], numpy.zeros((2, 2))), ValueError),
+        (lambda d: d.add_inserts("NOPE", numpy.zeros((2, 2))), KeyError),
         (lambda d: d.diff(3), TypeError),
     ],
 )

@@ -194,6 +194,27 @@ class _Adding:
         color: int | None = ...,
     ) -> Handles: ...
 
+    def add_texts(
+        self,
+        texts: Sequence[str],
+        points: ArrayLike,
+        heights: ArrayLike = ...,
+        rotations: ArrayLike = ...,
+        *,
+        layer: str | None = ...,
+        color: int | None = ...,
+    ) -> Handles: ...
+    def add_inserts(
+        self,
+        block: str,
+        points: ArrayLike,
+        scales: ArrayLike = ...,
+        rotations: ArrayLike = ...,
+        *,
+        layer: str | None = ...,
+        color: int | None = ...,
+    ) -> Handles: ...
+
 class Space(_Adding):
     @property
     def name(self) -> str: ...
