@@ -9,6 +9,7 @@
 
 #include "painters.h"
 #include "partnames.h"
+#include "stylefonts.h"
 #include "vek0core/view/wndvpt.h"
 #include "vek0draw/draw.h"
 #include "vek0draw/layoutdrawing.h"
@@ -75,23 +76,6 @@ std::string joined(const std::vector<std::string>& names) {
   for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
   return text;
 }
-
-// Gives the styles of a drawing their fonts back, for those of a picture end with it.
-class StyleFonts {
- public:
-  explicit StyleFonts(const CData& data) {
-    for (CData::CStyleIterator at(data, true); *at; ++at)
-      m_fonts.emplace_back(*at, (*at)->getFont());
-  }
-  StyleFonts(const StyleFonts&) = delete;
-  StyleFonts& operator=(const StyleFonts&) = delete;
-  ~StyleFonts() {
-    for (const auto& [style, font] : m_fonts) style->setFont(font);
-  }
-
- private:
-  std::vector<std::pair<CStyle*, const ICADFont*>> m_fonts;
-};
 
 // Renders drawings one after the other; failures go to the session.
 class Renderer {

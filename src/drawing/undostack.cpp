@@ -165,45 +165,6 @@ void CUndoStack::swapAll(Step& step, bool forward) {
   for (std::size_t i = 0; i < count; ++i) action(i).settle();
 }
 
-bool CUndoStack::merge() {
-  if (m_depth != 0 || m_done.size() < 2) return false;
-  Step& into = *std::prev(m_done.end(), 2);
-  Step& from = m_done.back();
-  std::vector<bool> isNews;
-  try {
-    // All allocations come first; afterwards nothing can fail.
-    noteSnapshots(into);
-    into.actions.reserve(into.actions.size() + from.actions.size());
-    for (const auto& action : from.actions) {
-      const void* target = action->snapshotOf();
-      isNews.push_back(target == nullptr || m_merged[action->part()].insert(target));
-    }
-  } catch (const std::bad_alloc&) {
-    m_mergedId = 0;
-    return false;
-  }
-  m_bytes -= from.bytes;
-  for (std::size_t i = 0; i < isNews.size(); ++i) {
-    // Of two snapshots of the same object, the older one is needed.
-    if (!isNews[i]) continue;
-    into.bytes += bytesOf(*from.actions[i]);
-    m_bytes += bytesOf(*from.actions[i]);
-    into.actions.push_back(std::move(from.actions[i]));
-  }
-  m_done.pop_back();
-  return true;
-}
-
-// Records which objects the step has snapshots of. Kept between merges: merging many small steps
-// into a large one must not rescan it each time.
-void CUndoStack::noteSnapshots(const Step& step) {
-  if (m_mergedId == step.id) return;
-  forgetTargets(m_merged);
-  for (const auto& action : step.actions)
-    if (const void* target = action->snapshotOf()) m_merged[action->part()].insert(target);
-  m_mergedId = step.id;
-}
-
 void CUndoStack::clear() {
   try {
     rollback();

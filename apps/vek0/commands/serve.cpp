@@ -104,6 +104,9 @@ void run(const ServeOptions& options, Session& session) {
     std::error_code ignored;
     if (!fs::is_regular_file(toPath(file), ignored))
       return session.fail(kDrawingFailed, file + ": the file does not exist");
+    const std::string name = toUtf8(toPath(file).filename());
+    if (fileNamed(options, name) != &file)
+      return session.fail(kWrongUsage, "two drawings are named " + name);
   }
   httplib::Server server;
   const std::string root = "/" + makeToken() + "/";

@@ -51,7 +51,7 @@ std::string blockOf(const std::string& name, const std::string& drawing) {
          base64(packed ? *packed : drawing) + "</script>";
 }
 
-void writePage(const ViewOptions& options, std::string page, Session& session) {
+void writePage(const ViewOptions& options, std::string page, OutputFile& output, Session& session) {
   constexpr std::string_view place = "<!--DRAWING-->";
   const std::size_t at = page.find(place);
   const std::optional<std::string> drawing = bytesOfFile(toPath(options.in));
@@ -59,8 +59,6 @@ void writePage(const ViewOptions& options, std::string page, Session& session) {
     return session.fail(kOutputFailed, drawing ? "the page has no place for a drawing"
                                                : "'" + options.in + "' cannot be read");
   page.replace(at, place.size(), blockOf(toUtf8(toPath(options.in).filename()), *drawing));
-  OutputFile output(options.out, options.force, OutputFile::Bytes);
-  if (!output.error().empty()) return session.fail(kOutputFailed, output.error());
   const bool isWritten =
       output.file().open() && output.file().writeBytes(page.data(), static_cast<long>(page.size()));
   output.file().close();
@@ -76,11 +74,13 @@ void run(const ViewOptions& options, Session& session) {
   if (!page) return session.fail(kOutputFailed, "the page lacks its file single.html");
   if (options.in == "-")
     return session.fail(kWrongUsage, "the standard input cannot be viewed; name a file");
+  OutputFile output(options.out, options.force, OutputFile::Bytes);
+  if (!output.error().empty()) return session.fail(kOutputFailed, output.error());
   // What cannot be read here could not be read there either.
   const Drawing data = newDrawing();
   const ReadResult result = loadFile(*data, options.in, session);
   if (!result.ok()) return session.fail(kDrawingFailed, options.in + ": " + result.message());
-  writePage(options, std::move(*page), session);
+  writePage(options, std::move(*page), output, session);
 }
 
 }  // namespace

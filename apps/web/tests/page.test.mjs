@@ -347,6 +347,8 @@ test("the tool serves the page, and writes it with a drawing inside", async () =
   await alone.goto(`file://${out}`);
   await alone.evaluate(() => window.vek0.ready);
   assert.equal((await alone.evaluate(() => window.vek0.list())).length, 28);
+  assert.throws(() => vek0("view", sample("flange.dxf"), "-o", out, "--page", folder), { status: 3 });
+  assert.throws(() => vek0("serve", sample("house.dxf"), sample("house.dxf"), "--page", folder), { status: 2 });
   const child = spawn(tool, ["serve", sample("house.dxf"), "--page", folder]);
   try {
     const address = String((await once(child.stdout, "data"))[0]).trim();
