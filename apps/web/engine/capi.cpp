@@ -186,6 +186,7 @@ int vek0_window(vek0_engine* engine, double x1, double y1, double x2, double y2,
   return attempt(engine, [&] {
     const RECT_2D window = boxOf(x1, y1, x2, y2);
     if (!(deviation > 0)) throw EngineError("the deviation must be above 0");
+    if (!engine->scene().isComplete()) throw EngineError("the scene is not complete");
     engine->scene().drawWindow(window, deviation);
   });
 }

@@ -159,7 +159,7 @@ bool Scene::step(std::size_t entities) {
 
 void Scene::publish(BatchStore& batches) {
   m_styles.refresh(m_data);
-  const std::vector<vek0_batch>& made = batches.take();
+  const std::vector<vek0_batch>& made = batches.take(m_isComplete);
   const auto count = [](const auto& list) { return static_cast<std::uint32_t>(list.size()); };
   m_current = {m_precision,
                m_data.getVars().getPointSize(),
@@ -180,7 +180,7 @@ void Scene::publish(BatchStore& batches) {
 }
 
 void Scene::release() {
-  m_batches->clear();
+  m_batches->forget();
   m_edits.clear();
   m_current.batches = nullptr;
   m_current.runs = nullptr;

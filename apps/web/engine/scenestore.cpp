@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <numeric>
 
 namespace vek0::web {
@@ -152,6 +153,7 @@ BatchStore::Batch& BatchStore::newBatch(std::uint64_t key, const PNT_2D& origin,
   batch.origin = origin;
   batch.box[0] = batch.box[1] = far;
   batch.box[2] = batch.box[3] = -far;
+  batch.key = key;
   batch.kind = kind;
   batch.flags = flags;
   m_open[key] = &batch;
@@ -181,6 +183,7 @@ void BatchStore::segment(const PNT_2D& a, const PNT_2D& b, double from, std::uin
                         narrow(b.x - o.x),
                         narrow(b.y - o.y),
                         narrow(from),
+                        0,
                         slot,
                         style};
   });
@@ -232,7 +235,7 @@ void BatchStore::glyph(const AFFINE_2D& map, std::uint32_t glyph, const RECT_2D&
 void BatchStore::point(const PNT_2D& at, std::int32_t mark, std::uint32_t slot, std::uint32_t style,
                        std::uint32_t flags) {
   add(VEK0_POINTS, flags, boxOf(at, at), 0, [&](const PNT_2D& o) {
-    return vek0_point{narrow(at.x - o.x), narrow(at.y - o.y), mark, slot, style};
+    return vek0_point{narrow(at.x - o.x), narrow(at.y - o.y), mark, {}, slot, style};
   });
 }
 
@@ -252,13 +255,18 @@ void BatchStore::sortGlyphs(Batch& batch) {
   std::memcpy(batch.data.data(), glyphs.data(), batch.data.size());
 }
 
-const std::vector<vek0_batch>& BatchStore::take() {
-  m_taken.clear();
-  m_given = std::move(m_batches);
-  m_batches.clear();
-  m_open.clear();
+const std::vector<vek0_batch>& BatchStore::take(bool isAll) {
+  forgetTaken();
   m_lastKey = ~std::uint64_t{0};
-  m_bytes = 0;
+  for (auto at = m_batches.begin(); at != m_batches.end();) {
+    const auto next = std::next(at);
+    if (isAll || at->count >= kMost) {
+      const auto open = m_open.find(at->key);
+      if (open->second == &*at) m_open.erase(open);
+      m_given.splice(m_given.end(), m_batches, at);
+    }
+    at = next;
+  }
   for (Batch& batch : m_given) {
     if (batch.kind == VEK0_GLYPHS) sortGlyphs(batch);
     m_bytes += batch.data.capacity();
@@ -269,14 +277,15 @@ const std::vector<vek0_batch>& BatchStore::take() {
   return m_taken;
 }
 
-void BatchStore::clear() {
-  m_batches.clear();
-  m_given.clear();
-  m_open.clear();
-  m_lastKey = ~std::uint64_t{0};
-  m_taken.clear();
+void BatchStore::forget() {
+  forgetTaken();
   m_runs.clear();
   m_texts.clear();
+}
+
+void BatchStore::forgetTaken() {
+  m_given.clear();
+  m_taken.clear();
   m_bytes = 0;
 }
 

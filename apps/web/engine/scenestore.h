@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <list>
 #include <map>
 #include <string>
 #include <tuple>
@@ -83,16 +84,19 @@ class BatchStore {
              std::uint32_t flags);
   void run(const DrawText& text, double unit, std::uint32_t slot, std::uint32_t style);
 
-  /// The batches since the last call; valid until the next one.
-  const std::vector<vek0_batch>& take();
+  /// The batches that are full, or all; valid until the next call. What is not full waits for
+  /// more: a frame has no time for many small batches.
+  const std::vector<vek0_batch>& take(bool isAll);
   const std::vector<vek0_run>& runs() const { return m_runs; }
-  void clear();
+  /// Frees the batches and runs that were taken.
+  void forget();
   /// Largest rounding error of the coordinates of all batches so far.
   double precision() const { return m_precision; }
   std::size_t bytes() const { return m_bytes; }
 
  private:
   struct Batch {
+    std::uint64_t key;
     PNT_2D origin;
     float box[4];
     float largest = 0;
@@ -106,17 +110,18 @@ class BatchStore {
            const Shape& shape);
   Batch& batchFor(std::uint32_t kind, std::uint32_t flags, const RECT_2D& box);
   Batch& newBatch(std::uint64_t key, const PNT_2D& origin, std::uint32_t kind, std::uint32_t flags);
+  void forgetTaken();
   static void sortGlyphs(Batch& batch);
 
   RECT_2D m_area;
   double m_side;
   int m_levels = 0;
-  std::deque<Batch> m_batches;
+  std::list<Batch> m_batches;
   std::unordered_map<std::uint64_t, Batch*> m_open;
   std::uint64_t m_lastKey = ~std::uint64_t{0};
   Batch* m_last = nullptr;
   std::vector<vek0_batch> m_taken;
-  std::deque<Batch> m_given;
+  std::list<Batch> m_given;
   std::deque<std::string> m_texts;
   std::vector<vek0_run> m_runs;
   double m_precision = 0;

@@ -90,9 +90,10 @@ long vek0_stats(vek0_engine* engine);
 
 /* --- What a layout shows
  *
- * A scene is all that a layout shows, whether its layers are on or not, as batches of shapes for
- * instanced drawing. Coordinates of a batch are 32-bit floats relative to its origin. Shapes carry
- * a slot and a style, which index two tables that the page keeps as textures:
+ * A scene is all that a layout shows, whether its layers are on or not, as batches of shapes.
+ * Coordinates of a batch are 32-bit floats relative to its origin. Most records have 32 bytes, so
+ * that they can be two texels of a texture. They end with a slot and a style, which index two
+ * tables that the page keeps as textures, too:
  *
  * - slots have flags and an order: shapes of higher order cover others. A slot belongs to one
  *   entity, and an entity has a range of slots. The order of a slot is its number unless a
@@ -127,9 +128,10 @@ typedef struct {
   const void* data; /* valid until the next call that makes batches, or `vek0_release` */
 } vek0_batch;
 
-/* 28 bytes. `from` is the distance of the first point from the start of its path. */
+/* 32 bytes. `from` is the distance of the first point from the start of its path. */
 typedef struct {
   float x0, y0, x1, y1, from;
+  uint32_t reserved;
   uint32_t slot, style;
 } vek0_segment;
 
@@ -151,11 +153,12 @@ typedef struct {
   uint32_t glyph, slot, style;
 } vek0_glyph_instance;
 
-/* 20 bytes. `mark` is -1 for a dot as wide as its line, else the point mode ($PDMODE), whose size
+/* 32 bytes. `mark` is -1 for a dot as wide as its line, else the point mode ($PDMODE), whose size
  * is `point_size` of the scene. */
 typedef struct {
   float x, y;
   int32_t mark;
+  uint32_t reserved[3];
   uint32_t slot, style;
 } vek0_point;
 
@@ -216,13 +219,15 @@ typedef struct {
 
 /* Begins the scene of a layout; `step` then makes batches of the next entities, about `entities` of
  * them, and says whether there are more: 1, 0 if it is complete, -1 on failure. `vek0_current` has
- * the batches of the last step. `background` is 0xRRGGBB. */
+ * the batches of the last step: those that are full, after the last step also the others.
+ * `background` is 0xRRGGBB. */
 int vek0_scene_begin(vek0_engine* engine, int layout, uint32_t background);
 int vek0_scene_step(vek0_engine* engine, double entities);
 const vek0_scene* vek0_current(const vek0_engine* engine);
 /* Makes batches of the part of the scene's layout in a window, clipped to it, with curves that
  * deviate at most `deviation`. They replace those of the scene wherever the window is; slots,
- * styles and orders are those of the scene, and slots that the scene hides are to be shown. */
+ * styles and orders are those of the scene, and slots that the scene hides are to be shown. Fails
+ * before the scene is complete. */
 int vek0_window(vek0_engine* engine, double x1, double y1, double x2, double y2, double deviation);
 /* Makes batches of what changed since the last call or the scene was complete, and the edits of
  * slots. Styles are those of the whole scene. */

@@ -77,9 +77,8 @@ export enum Kind {
 export const kTransparent = 1;
 export const kDashed = 2;
 export const kVisible = 1;
-/** Bytes of a record of each kind, and the word where its slot is; the style follows it. */
-export const kStride = [28, 32, 32, 36, 20];
-export const kSlotWord = [5, 6, 6, 7, 3];
+/** Bytes of a record of each kind. */
+export const kStride = [32, 32, 32, 36, 32];
 
 /** A `vek0_batch` with a copy of its records. */
 export interface Batch {

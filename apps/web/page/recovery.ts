@@ -24,7 +24,7 @@ async function change(work: (store: IDBObjectStore) => void): Promise<void> {
   const db = await database();
   try {
     await new Promise<void>((resolve, reject) => {
-      const transaction = db.transaction(kStore, "readwrite");
+      const transaction = db.transaction(kStore, "readwrite", { durability: "strict" });
       work(transaction.objectStore(kStore));
       transaction.oncomplete = () => resolve();
       transaction.onerror = () => reject(transaction.error);

@@ -1,12 +1,17 @@
-// Draws the batches of scenes with WebGL 2. Vertex buffers hold the engine's records as they are;
-// slots and styles are textures, so that hiding, selecting and layers upload a few bytes.
+// Draws the batches of scenes with WebGL 2. Textures hold the engine's records as they are, from
+// which vertex shaders take their shape; there are no other vertices. Slots and styles are
+// textures, too, so that hiding, selecting and layers upload a few bytes.
 import { type Camera, touches } from "./camera";
 import type { Batch, Box, ScenePart, SlotEdit } from "./protocol";
-import { Kind, kOwnOrder, kSlotWord, kStride, kTransparent } from "./protocol";
+import { Kind, kOwnOrder, kTransparent } from "./protocol";
 import { kShaders } from "./shaders";
 
 const kSlotWidth = 4096;
 const kTableWidth = 1024;
+const kShapeWidth = 2048;
+const kQuads = 16_000; // of a draw call: indices have 16 bits
+const kShapeUnit = 4; // texture units; the four below are the tables'
+const kOutlineUnit = 5;
 const kSpareSlots = 65_536;
 const kHidden = 0x80000000;
 const kSelected = 0x40000000;
@@ -16,13 +21,12 @@ const kDetails = [24, 96, 384]; // glyph heights in pixels up to which a detail 
 interface GpuBatch {
   source: Omit<Batch, "data">;
   box: Box; // in drawing units
-  buffer: WebGLBuffer;
-  array: WebGLVertexArrayObject;
+  texture: WebGLTexture;
   glyphs: { glyph: number; first: number; count: number }[];
 }
 
 interface Glyph {
-  buffer: WebGLBuffer;
+  texture: WebGLTexture;
   vertices: number;
 }
 
@@ -75,6 +79,8 @@ export class Renderer {
   prepare(): void {
     this.programs = kShaders.map(([vertex, fragment]) => this.link(vertex, fragment));
     [this.slots, this.styles, this.dashes, this.lengths] = [0, 1, 2, 3].map(() => this.texture());
+    this.gl.bindBuffer(this.gl.ELEMENT_ARRAY_BUFFER, this.gl.createBuffer());
+    this.gl.bufferData(this.gl.ELEMENT_ARRAY_BUFFER, quadIndices(), this.gl.STATIC_DRAW);
     this.glyphs.clear();
     this.fence = null;
     this.clear();
@@ -152,10 +158,7 @@ export class Renderer {
   }
 
   free(content: Content): void {
-    for (const batch of content.batches) {
-      this.gl.deleteBuffer(batch.buffer);
-      this.gl.deleteVertexArray(batch.array);
-    }
+    for (const batch of content.batches) this.gl.deleteTexture(batch.texture);
     content.batches = [];
   }
 
@@ -163,11 +166,9 @@ export class Renderer {
   addGlyphs(glyphs: number[], detail: number, triangles: ArrayBuffer[]): void {
     const { gl } = this;
     glyphs.forEach((glyph, i) => {
-      const buffer = gl.createBuffer()!;
-      gl.bindBuffer(gl.ARRAY_BUFFER, buffer);
-      gl.bufferData(gl.ARRAY_BUFFER, triangles[i], gl.STATIC_DRAW);
-      this.uploaded += triangles[i].byteLength;
-      this.glyphs.set(glyph * 4 + detail, { buffer, vertices: triangles[i].byteLength / 8 });
+      const corners = new Float32Array(triangles[i]);
+      const texture = this.texels(kOutlineUnit, gl.RG32F, gl.RG, gl.FLOAT, corners, 2);
+      this.glyphs.set(glyph * 4 + detail, { texture, vertices: corners.length / 2 });
     });
   }
 
@@ -212,7 +213,6 @@ export class Renderer {
       gl.disable(gl.BLEND);
     }
     gl.depthMask(true);
-    gl.bindVertexArray(null);
     for (const [detail, glyphs] of missing) this.onGlyphs([...glyphs], detail);
     gl.deleteSync(this.fence);
     this.fence = gl.fenceSync(gl.SYNC_GPU_COMMANDS_COMPLETE, 0);
@@ -233,6 +233,8 @@ export class Renderer {
     const { program, at } = this.programs[kind];
     gl.useProgram(program);
     ["slots", "styles", "dashes", "lengths"].forEach((name, unit) => gl.uniform1i(at[name], unit));
+    gl.uniform1i(at.shapes, kShapeUnit);
+    gl.uniform1i(at.outline, kOutlineUnit);
     gl.uniform1f(at.scale, camera.scale * ratio);
     gl.uniform2f(at.halfSize, gl.drawingBufferWidth / 2, gl.drawingBufferHeight / 2);
     gl.uniform1f(at.pixelRatio, ratio);
@@ -251,29 +253,42 @@ export class Renderer {
     const { source } = batch;
     const { at } = this.programs[source.kind];
     gl.uniform2f(at.offset, source.x - camera.center[0], source.y - camera.center[1]);
-    gl.bindVertexArray(batch.array);
+    gl.activeTexture(gl.TEXTURE0 + kShapeUnit);
+    gl.bindTexture(gl.TEXTURE_2D, batch.texture);
+    gl.uniform1i(at.first, 0);
     const pixels = source.largest * camera.scale * ratio;
     switch (source.kind) {
       case Kind.Arcs: {
         const most = Math.min(Math.max(Math.ceil(Math.sqrt(pixels) * 8), 12), kArcPieces);
-        gl.uniform1i(at.most, most);
-        gl.drawArraysInstanced(gl.TRIANGLE_STRIP, 0, 2 * (most + 1), source.count);
+        const corners = 2 * (most + 1) + 2;
+        gl.uniform1i(at.corners, corners);
+        gl.drawArrays(gl.TRIANGLE_STRIP, 0, corners * source.count);
         return 1;
       }
       case Kind.Triangles:
-        gl.drawArraysInstanced(gl.TRIANGLES, 0, 3, source.count);
+        gl.drawArrays(gl.TRIANGLES, 0, 3 * source.count);
         return 1;
       case Kind.Glyphs:
         return this.drawGlyphs(batch, pixels, missing);
       default:
-        gl.drawArraysInstanced(gl.TRIANGLE_STRIP, 0, 4, source.count);
-        return 1;
+        return this.drawQuads(source.count, at.first);
     }
+  }
+
+  private drawQuads(count: number, first: WebGLUniformLocation | null): number {
+    const { gl } = this;
+    let calls = 0;
+    for (let from = 0; from < count; from += kQuads, ++calls) {
+      gl.uniform1i(first, from);
+      gl.drawElements(gl.TRIANGLES, 6 * Math.min(count - from, kQuads), gl.UNSIGNED_SHORT, 0);
+    }
+    return calls;
   }
 
   private drawGlyphs(batch: GpuBatch, pixels: number, missing: Map<number, Set<number>>): number {
     if (pixels < 0.5) return 0;
     const { gl } = this;
+    const { at } = this.programs[Kind.Glyphs];
     const detail = kDetails.filter((most) => pixels > most).length;
     let calls = 0;
     for (const { glyph, first, count } of batch.glyphs) {
@@ -285,12 +300,11 @@ export class Renderer {
       // Another detail shows it meanwhile.
       for (let i = 0; i < 4 && !shape; ++i) shape = this.glyphs.get(glyph * 4 + i);
       if (!shape || shape.vertices === 0) continue;
-      this.pointGlyphs(batch.buffer, first);
-      gl.bindBuffer(gl.ARRAY_BUFFER, shape.buffer);
-      gl.enableVertexAttribArray(2);
-      gl.vertexAttribPointer(2, 2, gl.FLOAT, false, 8, 0);
-      gl.vertexAttribDivisor(2, 0);
-      gl.drawArraysInstanced(gl.TRIANGLES, 0, shape.vertices, count);
+      gl.activeTexture(gl.TEXTURE0 + kOutlineUnit);
+      gl.bindTexture(gl.TEXTURE_2D, shape.texture);
+      gl.uniform1i(at.first, first);
+      gl.uniform1i(at.corners, shape.vertices);
+      gl.drawArrays(gl.TRIANGLES, 0, shape.vertices * count);
       ++calls;
     }
     return calls;
@@ -298,67 +312,37 @@ export class Renderer {
 
   private upload(batch: Batch): GpuBatch {
     const { gl } = this;
-    const buffer = gl.createBuffer()!;
-    const array = gl.createVertexArray()!;
-    gl.bindVertexArray(array);
-    gl.bindBuffer(gl.ARRAY_BUFFER, buffer);
-    gl.bufferData(gl.ARRAY_BUFFER, batch.data, gl.STATIC_DRAW);
-    this.uploaded += batch.data.byteLength;
-    const stride = kStride[batch.kind];
-    if (batch.kind === Kind.Segments) this.floats(0, 4, stride, 0, 1, 4);
-    if (batch.kind === Kind.Arcs) this.floats(0, 3, stride, 0, 1, 3);
-    if (batch.kind === Kind.Triangles) this.floats(0, 4, stride, 0, 1, 2);
-    if (batch.kind === Kind.Points) {
-      this.floats(0, 2, stride, 0);
-      gl.enableVertexAttribArray(1);
-      gl.vertexAttribIPointer(1, 1, gl.INT, stride, 8);
-      gl.vertexAttribDivisor(1, 1);
-    }
-    if (batch.kind !== Kind.Glyphs) this.slotAndStyle(stride, 4 * kSlotWord[batch.kind]);
-    gl.bindVertexArray(null);
     const { data, ...source } = batch;
+    const words = new Uint32Array(data);
+    const { records, glyphs } = batch.kind === Kind.Glyphs
+      ? splitGlyphs(words) : { records: words, glyphs: [] };
     const [x1, y1, x2, y2] = batch.box;
     return {
-      source, buffer, array,
+      source, glyphs,
+      texture: this.texels(kShapeUnit, gl.RGBA32UI, gl.RGBA_INTEGER, gl.UNSIGNED_INT, records, 4),
       box: [x1 + batch.x, y1 + batch.y, x2 + batch.x, y2 + batch.y],
-      glyphs: batch.kind === Kind.Glyphs ? glyphRanges(data) : [],
     };
   }
 
-  // One or two attributes of floats, from an offset on.
-  private floats(at: number, size: number, stride: number, offset: number,
-    second = -1, secondSize = 0): void {
+  // A texture of texels in rows of `kShapeWidth`.
+  private texels(unit: number, format: number, layout: number, type: number,
+    words: Uint32Array | Float32Array, parts: number): WebGLTexture {
     const { gl } = this;
-    const set = (index: number, count: number, begin: number) => {
-      gl.enableVertexAttribArray(index);
-      gl.vertexAttribPointer(index, count, gl.FLOAT, false, stride, begin);
-      gl.vertexAttribDivisor(index, 1);
+    gl.activeTexture(gl.TEXTURE0 + unit);
+    const texture = this.texture();
+    const count = words.length / parts;
+    const [full, rest] = [Math.floor(count / kShapeWidth), count % kShapeWidth];
+    const width = full > 0 ? kShapeWidth : Math.max(rest, 1);
+    gl.texStorage2D(gl.TEXTURE_2D, 1, format, width, Math.max(Math.ceil(count / kShapeWidth), 1));
+    const put = (row: number, columns: number, height: number) => {
+      if (columns * height > 0)
+        gl.texSubImage2D(gl.TEXTURE_2D, 0, 0, row, columns, height, layout, type, words,
+          row * kShapeWidth * parts);
     };
-    set(at, size, offset);
-    // Of a segment, the fifth float alone; of arcs and triangles, what follows.
-    if (second >= 0) set(second, secondSize === 4 ? 1 : secondSize, offset + 4 * size);
-  }
-
-  private slotAndStyle(stride: number, offset: number): void {
-    const { gl } = this;
-    for (const [index, begin] of [[6, offset], [7, offset + 4]]) {
-      gl.enableVertexAttribArray(index);
-      gl.vertexAttribIPointer(index, 1, gl.UNSIGNED_INT, stride, begin);
-      gl.vertexAttribDivisor(index, 1);
-    }
-  }
-
-  // WebGL has no first instance: the pointers begin there instead.
-  private pointGlyphs(buffer: WebGLBuffer, first: number): void {
-    const { gl } = this;
-    const stride = kStride[Kind.Glyphs];
-    const begin = first * stride;
-    gl.bindBuffer(gl.ARRAY_BUFFER, buffer);
-    this.floats(0, 2, stride, begin);
-    gl.enableVertexAttribArray(1);
-    gl.vertexAttribPointer(1, 4, gl.FLOAT, false, stride, begin + 8);
-    gl.vertexAttribDivisor(1, 1);
-    this.slotAndStyle(stride, begin + 4 * kSlotWord[Kind.Glyphs]);
+    put(0, kShapeWidth, full);
+    put(full, rest, 1);
+    this.uploaded += words.byteLength;
+    return texture;
   }
 
   private growSlots(count: number): void {
@@ -427,25 +411,36 @@ export class Renderer {
     gl.linkProgram(program);
     const at: Record<string, WebGLUniformLocation | null> = {};
     for (const name of ["slots", "styles", "dashes", "lengths", "offset", "scale", "halfSize",
-      "pixelRatio", "foreground", "highlight", "showsHidden", "pointSize", "most"])
+      "pixelRatio", "foreground", "highlight", "showsHidden", "pointSize", "shapes", "outline",
+      "first", "corners"])
       at[name] = gl.getUniformLocation(program, name);
     return { program, at };
   }
+}
+
+function quadIndices(): Uint16Array<ArrayBuffer> {
+  const indices = new Uint16Array(6 * kQuads);
+  for (let i = 0; i < kQuads; ++i)
+    indices.set([4 * i, 4 * i + 1, 4 * i + 2, 4 * i + 2, 4 * i + 1, 4 * i + 3], 6 * i);
+  return indices;
 }
 
 function rows(count: number): number {
   return Math.max(1, Math.ceil(count / kTableWidth));
 }
 
-function glyphRanges(data: ArrayBuffer): GpuBatch["glyphs"] {
-  const words = new Uint32Array(data);
-  const step = kStride[Kind.Glyphs] / 4;
-  const ranges: GpuBatch["glyphs"] = [];
-  for (let i = 0; i * step < words.length; ++i) {
-    const glyph = words[i * step + 6];
-    const last = ranges.at(-1);
+// Of glyphs, the ranges of equal ones, and the records without their glyph.
+function splitGlyphs(words: Uint32Array): { records: Uint32Array; glyphs: GpuBatch["glyphs"] } {
+  const count = words.length / 9;
+  const records = new Uint32Array(8 * count);
+  const glyphs: GpuBatch["glyphs"] = [];
+  for (let i = 0; i < count; ++i) {
+    const glyph = words[9 * i + 6];
+    records.set(words.subarray(9 * i, 9 * i + 6), 8 * i);
+    records.set(words.subarray(9 * i + 7, 9 * i + 9), 8 * i + 6);
+    const last = glyphs.at(-1);
     if (last && last.glyph === glyph) ++last.count;
-    else ranges.push({ glyph, first: i, count: 1 });
+    else glyphs.push({ glyph, first: i, count: 1 });
   }
-  return ranges;
+  return { records, glyphs };
 }

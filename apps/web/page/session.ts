@@ -77,8 +77,8 @@ export class Session {
     this.selection = [];
     this.isModified = false;
     this.onChange();
-    await this.view.show(engine, opened.layouts);
     this.stats = await engine.call<EngineStats>("stats");
+    await this.view.show(engine, opened.layouts);
     this.onChange();
   }
 

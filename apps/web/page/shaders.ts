@@ -1,4 +1,6 @@
-// The shaders: one vertex shader for each kind of shape, around parts that all share.
+// The shaders: one vertex shader for each kind of shape, around parts that all share. They read
+// shapes from a texture, by the number of the vertex. Instances would be simpler, but rasterizers
+// in software start anew for each: 20,000 lines took them 10 seconds instead of 0.2.
 
 // A shape finds its order and flags by its slot and its look by its style. Positions are pixels
 // (device pixels, y up, from the canvas' center).
@@ -7,8 +9,10 @@ precision highp float;
 precision highp int;
 precision highp usampler2D;
 precision highp sampler2D;
+uniform usampler2D shapes;   // two texels each
 uniform usampler2D slots;    // order in the low 30 bits; hidden, selected
 uniform usampler2D styles;   // color, weight, dash, flags
+uniform sampler2D dashes;    // first, count, period, phase
 uniform vec2 offset;         // of the batch from the view's center, in drawing units
 uniform float scale;         // device pixels per unit
 uniform vec2 halfSize;       // of the canvas, in device pixels
@@ -16,12 +20,20 @@ uniform float pixelRatio;
 uniform vec3 foreground;
 uniform vec3 highlight;
 uniform bool showsHidden;
-layout(location = 6) in uint slot;
-layout(location = 7) in uint style;
+uniform int first;           // shape of a draw call
+uniform int corners;         // vertices of a shape, where they are not 3 or 4
 out vec4 color;
 out vec3 along;              // x: distance from the start in units; y, z: position in a wide line
 flat out uint dash;
 flat out vec2 extent;        // length and half width, in pixels
+
+uvec4 head, tail;            // of the shape; the tail ends with slot and style
+
+void fetch(int shape) {
+  ivec2 at = ivec2((2 * (first + shape)) & 2047, (2 * (first + shape)) >> 11);
+  head = texelFetch(shapes, at, 0);
+  tail = texelFetch(shapes, at + ivec2(1, 0), 0);
+}
 
 vec2 placed(vec2 p) { return (p + offset) * scale; }
 
@@ -31,6 +43,7 @@ float widthOf(uvec4 look) {
 }
 
 bool isShown(out uvec4 look) {
+  uint slot = tail.z, style = tail.w;
   uint state = texelFetch(slots, ivec2(slot & 4095u, slot >> 12), 0).r;
   look = texelFetch(styles, ivec2(style & 1023u, style >> 10), 0);
   along = vec3(0.0);
@@ -50,16 +63,24 @@ bool isShown(out uvec4 look) {
   return true;
 }
 
+// The pattern of a shape; none where it is as small as two pixels, which shows a continuous line.
+uint dashOf(uvec4 look) {
+  if (look.z == 0u) return 0u;
+  vec4 pattern = texelFetch(dashes, ivec2(look.z & 1023u, look.z >> 10), 0);
+  return pattern.y < 2.0 || pattern.z * scale < 2.0 ? 0u : look.z;
+}
+
 void put(vec2 pixel) { gl_Position.xy = pixel / halfSize; }
 `;
 
 const kSegments = `${kShared}
-layout(location = 0) in vec4 ends;
-layout(location = 1) in float from;
 void main() {
+  fetch(gl_VertexID >> 2);
   uvec4 look;
   if (!isShown(look)) return;
-  dash = look.z;
+  dash = dashOf(look);
+  vec4 ends = uintBitsToFloat(head);
+  float from = uintBitsToFloat(tail.x);
   vec2 a = placed(ends.xy), b = placed(ends.zw), d = b - a;
   float size = length(d), width = widthOf(look);
   vec2 u = size > 0.0 ? d / size : vec2(1.0, 0.0);
@@ -71,20 +92,22 @@ void main() {
   put(a + u * t + vec2(-u.y, u.x) * side * width / 2.0);
 }`;
 
+// A strip of triangles through all arcs: the first and the last vertex of each are there twice.
 const kArcs = `${kShared}
-layout(location = 0) in vec3 circle;
-layout(location = 1) in vec3 turn;   // start, sweep, from
-uniform int most;                    // pieces
 void main() {
+  fetch(gl_VertexID / corners);
   uvec4 look;
   if (!isShown(look)) return;
-  dash = look.z;
+  dash = dashOf(look);
+  int corner = clamp(gl_VertexID % corners - 1, 0, corners - 3);
+  vec3 circle = uintBitsToFloat(head.xyz);
+  vec3 turn = uintBitsToFloat(uvec3(head.w, tail.xy));   // start, sweep, from
   float width = widthOf(look), r = circle.z;
   // Pieces that deviate a tenth of a pixel at most.
   float needed = ceil(abs(turn.y) / max(2.0 * acos(1.0 - min(0.1 / max(r * scale, 0.2), 1.0)), 1e-4));
-  float pieces = clamp(needed, 3.0, float(most));
-  float i = min(float(gl_VertexID >> 1), pieces);
-  float side = (gl_VertexID & 1) == 0 ? -1.0 : 1.0;
+  float pieces = clamp(needed, 3.0, float(corners / 2 - 2));
+  float i = min(float(corner >> 1), pieces);
+  float side = (corner & 1) == 0 ? -1.0 : 1.0;
   float angle = turn.x + turn.y * i / pieces;
   vec2 u = vec2(cos(angle), sin(angle));
   along.x = turn.z + abs(turn.y) * r * i / pieces;
@@ -92,38 +115,41 @@ void main() {
 }`;
 
 const kTriangles = `${kShared}
-layout(location = 0) in vec4 first;
-layout(location = 1) in vec2 last;
 void main() {
+  fetch(gl_VertexID / 3);
   uvec4 look;
   if (!isShown(look)) return;
-  put(placed(gl_VertexID == 0 ? first.xy : gl_VertexID == 1 ? first.zw : last));
+  int corner = gl_VertexID % 3;
+  put(placed(uintBitsToFloat(corner == 0 ? head.xy : corner == 1 ? head.zw : tail.xy)));
 }`;
 
 const kGlyphs = `${kShared}
-layout(location = 0) in vec2 at;
-layout(location = 1) in vec4 axes;
-layout(location = 2) in vec2 corner;
+uniform sampler2D outline;   // corners of the glyph's triangles
 void main() {
+  fetch(gl_VertexID / corners);
   uvec4 look;
   if (!isShown(look)) return;
-  put(placed(at) + mat2(axes.xy, axes.zw) * corner * scale);
+  int i = gl_VertexID % corners;
+  vec2 corner = texelFetch(outline, ivec2(i & 2047, i >> 11), 0).xy;
+  vec2 at = uintBitsToFloat(head.xy);
+  mat2 axes = mat2(uintBitsToFloat(head.zw), uintBitsToFloat(tail.xy));
+  put(placed(at) + axes * corner * scale);
 }`;
 
 const kPoints = `${kShared}
-layout(location = 0) in vec2 at;
-layout(location = 1) in int mark;
 uniform float pointSize;             // in device pixels
 flat out int markOf;
 void main() {
+  fetch(gl_VertexID >> 2);
   uvec4 look;
+  int mark = int(head.z);
   markOf = mark;
   if (!isShown(look)) return;
   float width = widthOf(look);
   vec2 c = vec2((gl_VertexID & 1) == 0 ? -0.5 : 0.5, (gl_VertexID & 2) == 0 ? -0.5 : 0.5);
   extent = vec2(pointSize / 2.0, width / 2.0);
   along = vec3(0.0, c * (mark <= 0 ? width : 2.0 * (pointSize + width)));
-  put(placed(at) + along.yz);
+  put(placed(uintBitsToFloat(head.xy)) + along.yz);
 }`;
 
 const kPaint = `#version 300 es
@@ -141,8 +167,6 @@ out vec4 painted;
 
 bool isGap() {
   vec4 pattern = texelFetch(dashes, ivec2(dash & 1023u, dash >> 10), 0);
-  // Where a pattern is as small as two pixels, its line is shown continuous.
-  if (pattern.y < 2.0 || pattern.z * scale < 2.0) return false;
   float at = mod(along.x + pattern.w, pattern.z);
   int first = int(pattern.x), count = int(pattern.y);
   float dot = 0.5 / scale;

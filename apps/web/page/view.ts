@@ -27,7 +27,7 @@ export class View {
   renderer: Renderer | null;
   private content: Content = { batches: [] };
   private window: Window | null = null;
-  private precision = Infinity;
+  private precision = 0; // of the scene; 0 while there is none that a window could refine
   private engine: Engine | null = null;
   private layouts: Layout[] = [];
   private history: Camera[] = [];
@@ -105,37 +105,45 @@ export class View {
       renderer.clear();
     }
     this.runs = [];
-    this.precision = Infinity;
+    this.precision = 0;
     this.ask();
     if (!engine) return;
     const began = performance.now();
-    // Frames on the way would delay the last one: uploads wait for a GPU that draws.
+    // Drawn when it is complete: uploads would wait for a GPU that draws a part of it.
+    const content: Content = { batches: [] };
     const [r, g, b] = (renderer?.look.background ?? [1, 1, 1]).map((c) => Math.round(c * 255));
     await engine.call("sceneBegin", this.layout, (r << 16) | (g << 8) | b);
+    let precision = 0;
     for (let more = true; more && mine === this.generation; ) {
       const step = await engine.call<{ part: ScenePart; more: boolean }>("sceneStep");
-      if (mine !== this.generation) return;
+      if (mine !== this.generation) return renderer?.free(content);
       more = step.more;
-      this.take(step.part);
+      precision = step.part.precision;
+      this.take(step.part, content);
     }
-    if (mine !== this.generation) return;
+    const state = await engine.call<State>("state");
+    if (mine !== this.generation) return renderer?.free(content);
+    this.content = content;
+    this.precision = precision;
+    this.applyState(state);
     this.drawNow();
     this.sceneMs = performance.now() - began;
-    this.applyState(await engine.call<State>("state"));
     this.onComplete();
   }
 
-  private take(part: ScenePart): void {
-    this.renderer?.add(part, this.content);
-    this.runs.push(...part.runs);
-    this.precision = part.precision;
+  private take(part: ScenePart, content = this.content): void {
+    this.renderer?.add(part, content);
+    for (const run of part.runs) this.runs.push(run);
   }
 
   /** What an edit changed. */
   async apply(edited: Edited): Promise<void> {
     this.dropWindow();
     if (edited.changes?.isStale) await this.build();
-    else if (edited.changes) this.take(edited.changes);
+    else if (edited.changes) {
+      this.take(edited.changes);
+      this.precision = edited.changes.precision;
+    }
     this.ask();
     this.applyState(edited.state);
   }

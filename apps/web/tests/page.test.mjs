@@ -329,7 +329,14 @@ test("unsaved changes come back after a crash", async () => {
   await first.evaluate(() => window.vek0.ready);
   await open(sample("flange.dxf"), first);
   await first.evaluate(() => window.vek0.command("circle 1,2 3"));
-  await first.waitForTimeout(1500);
+  const isKept = () => first.evaluate(() => new Promise((resolve) => {
+    indexedDB.open("vek0").onsuccess = ({ target: { result: database } }) => {
+      const kept = database.transaction("journal").objectStore("journal").get("deeds");
+      kept.onsuccess = () => resolve(kept.result !== undefined);
+      database.close();
+    };
+  }));
+  while (!(await isKept())) await first.waitForTimeout(50);
   await first.close();
   const second = await context.newPage();
   await second.goto(server.address);
