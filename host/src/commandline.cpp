@@ -106,7 +106,7 @@ const std::vector<CommandKind>& commandKinds() {
       {"chamfer", "cha", "D [D] [P P]", "Cut the corner off likewise", false, readChamferCommand},
       {"layer", "la",
        "NAME, or new|on|off|freeze|thaw|lock|unlock|delete NAME, color NAME COLOR, linetype NAME "
-       "LINETYPE, rename NAME NEW",
+       "LINETYPE, lineweight NAME MM|default, rename NAME NEW",
        "Make a layer current, creating it if necessary, or change layers; names may contain * and "
        "?",
        false, readLayerCommand},

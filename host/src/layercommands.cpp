@@ -1,4 +1,5 @@
 // Commands that change layers and what is drawn next, and those that undo and redo.
+#include <cmath>
 #include <utility>
 
 #include "commandkinds.h"
@@ -88,6 +89,16 @@ short readColor(CommandWords& words, short least, short most) {
   return color;
 }
 
+// Millimeters in the hundredths of a layer.
+short readWeight(CommandWords& words) {
+  if (words.take("default")) return ENT_TRAITS::kWeightDefault;
+  const double hundredths = std::round(words.number("the lineweight") * 100);
+  if (hundredths >= 0 && hundredths <= ENT_TRAITS::kWidestWeight)
+    return static_cast<short>(hundredths);
+  words.complain("a lineweight is from 0 to 2.11 mm, or default");
+  return 0;
+}
+
 EditStep readLayerChange(CommandWords& words) {
   if (words.take("color")) {
     const std::string name = words.word("the layer");
@@ -99,6 +110,17 @@ EditStep readLayerChange(CommandWords& words) {
   if (words.take("linetype")) {
     const std::string name = words.word("the layer"), ltype = words.word("the linetype");
     return [=](Editing& editing) { return setLayerLinetype(editing, name, ltype); };
+  }
+  if (words.take("lineweight")) {
+    const std::string name = words.word("the layer");
+    const short weight = readWeight(words);
+    return [=](Editing& editing) {
+      return changeLayers(editing, name, [=](CLayer& layer) {
+        LAYER_TRAITS traits = layer.getTraits();
+        traits.lineweight = weight;
+        layer.setTraits(traits);
+      });
+    };
   }
   for (const LayerFlag& flag : kLayerFlags)
     if (words.take(flag.word))

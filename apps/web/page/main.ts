@@ -177,7 +177,8 @@ function onChoice(id: string, action: (value: string) => unknown): void {
 function wire(): void {
   layerPanel = new LayerPanel(session, fail);
   panels = new Panels(session, view, fail);
-  const commands = new CommandLine(session, say);
+  const commands = new CommandLine(session, overlay, say);
+  input.commandMode = () => commands.mode();
   const tools = new Tools(session, view, input, overlay, say);
   const picker = byId<HTMLInputElement>("file");
   picker.addEventListener("change", () => {
@@ -195,6 +196,7 @@ function wire(): void {
   on("zoom-previous", () => view.previous());
   on("zoom-in", () => view.zoom(1.4));
   on("zoom-out", () => view.zoom(1 / 1.4));
+  on("ortho", toggleOrtho);
   on("theme", () => setTheme(!document.documentElement.classList.contains("dark")));
   onChoice("save", save);
   onChoice("measure", (what) => tools.measure(what));
@@ -202,13 +204,10 @@ function wire(): void {
     const response = await fetch(`samples/${name}.dxf`);
     await open(`${name}.dxf`, new Uint8Array(await response.arrayBuffer()));
   });
-  onChoice("commands", (word) => {
-    byId<HTMLInputElement>("command").value = `${word} `;
-    commands.focus();
-  });
+  onChoice("commands", (word) => commands.begin(word));
   byId("samples").append(...kSamples.map((name) => make("option", { value: name }, name)));
   byId("commands").append(...kCommands.map((name) => make("option", { value: name }, name)));
-  document.addEventListener("keydown", (event) => void shortcut(event, tools));
+  document.addEventListener("keydown", (event) => void shortcut(event, tools, commands));
   const stage = byId("stage");
   stage.addEventListener("dragover", (event) => event.preventDefault());
   stage.addEventListener("drop", (event) => {
@@ -221,7 +220,12 @@ function wire(): void {
   });
 }
 
-async function shortcut(event: KeyboardEvent, tools: Tools): Promise<void> {
+function toggleOrtho(): void {
+  input.isOrtho = !input.isOrtho;
+  byId("ortho").setAttribute("aria-pressed", String(input.isOrtho));
+}
+
+async function shortcut(event: KeyboardEvent, tools: Tools, commands: CommandLine): Promise<void> {
   const isText = event.target instanceof HTMLInputElement || event.target instanceof HTMLSelectElement;
   const isControl = event.ctrlKey || event.metaKey;
   const key = event.key.toLowerCase();
@@ -230,9 +234,12 @@ async function shortcut(event: KeyboardEvent, tools: Tools): Promise<void> {
         z: () => (event.shiftKey ? session.redo() : session.undo()), y: () => session.redo(),
         c: () => { copied = session.selection; }, v: paste, s: () => save("keep"),
       }
-    : { delete: () => session.command("delete"), escape: () => { tools.stop(); return session.select([]); } };
+    : {
+        delete: () => session.command("delete"), f8: toggleOrtho,
+        escape: () => { tools.stop(); commands.clear(); return session.select([]); },
+      };
   const action = actions[key];
-  if (!action || (isText && key !== "escape")) return;
+  if (!action || (isText && key !== "escape" && key !== "f8")) return;
   event.preventDefault();
   try {
     await action();

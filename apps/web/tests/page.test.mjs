@@ -136,7 +136,7 @@ const script = ["layer DRAFT", "line 0,0 @10<45", "circle 5,5 2", "rectangle 20,
   "arc 1,0 0,1 -1,0", "text 5,5 3 0 hello", "select layer=DRAFT", "move 3,4", "copy 50,0",
   "rotate 30@0,0", "scale 2@0,0", "mirror 0,0 0,1", "select kind=POLYLINE", "offset 2", "explode",
   "select kind=LINE", "set-color 3", "join 0.01", "select kind=CIRCLE layer=DRAFT", "hatch ANSI31",
-  "delete", "layer color DRAFT 5"];
+  "delete", "layer color DRAFT 5", "layer lineweight DRAFT 0.35"];
 
 test("every edit saves what the tool saves, and undo takes it back", async () => {
   for (const name of ["flange.dxf", "room_ac1015.dxf"]) {
@@ -269,6 +269,21 @@ test("keys, wheel and touch reach the drawing", async () => {
   await page.focus("#canvas");
   await page.keyboard.press("Control+z");
   await page.waitForFunction(() => !document.title.startsWith("•"));
+  // Clicks give the points of a command; with Ortho they are straight beside each other.
+  await page.locator("#command").fill("line");
+  await page.keyboard.press("F8");
+  const corner = await page.locator("#canvas").boundingBox();
+  for (const [x, y] of [[12, 10], [62, 17]]) {
+    const typed = await page.locator("#command").inputValue();
+    await page.mouse.click(corner.x + x, corner.y + y);
+    await page.waitForFunction((old) => document.getElementById("command").value !== old, typed);
+  }
+  await page.keyboard.press("Enter");
+  await page.waitForFunction(() => document.title.startsWith("•"));
+  const { min: start, max: end } = (await run(() => window.vek0.list())).at(-1).extents;
+  assert.equal(start[1], end[1]);
+  const [[left], [right]] = await run((ends) => Promise.all(ends.map(window.vek0.toScreen)), [start, end]);
+  assert.ok(Math.abs(right - left - 50) < 0.01);
   const touch = await freshPage({ hasTouch: true });
   await open(sample("flange.dxf"), touch);
   const client = await touch.context().newCDPSession(touch);

@@ -1,13 +1,16 @@
 // The command line with its history.
 import type { Session } from "../session";
 import { byId } from "./dom";
+import type { Mode } from "./input";
+import type { Overlay } from "./overlay";
 
 export class CommandLine {
   private readonly field = byId<HTMLInputElement>("command");
   private readonly history: string[] = [];
   private place = 0;
 
-  constructor(private readonly session: Session, private readonly say: (text: string) => void) {
+  constructor(private readonly session: Session, private readonly overlay: Overlay,
+    private readonly say: (text: string) => void) {
     byId<HTMLFormElement>("command-form").addEventListener("submit", (event) => {
       event.preventDefault();
       void this.run(this.field.value);
@@ -24,7 +27,7 @@ export class CommandLine {
     if (line.trim() === "") return;
     this.history.push(line);
     this.place = this.history.length;
-    this.field.value = "";
+    this.clear();
     try {
       const { ok, message } = await this.session.command(line);
       if (!ok) this.field.value = line;
@@ -34,8 +37,31 @@ export class CommandLine {
     }
   }
 
-  focus(): void {
+  /** Begins a command; clicks add its points, Enter runs it. */
+  begin(word: string): void {
+    this.clear();
+    this.field.value = `${word} `;
     this.field.focus();
+  }
+
+  /** What clicks on the drawing mean while a command is being typed. */
+  mode(): Mode | null {
+    if (this.field.value.trim() === "") return null;
+    return {
+      point: (point) => {
+        this.field.value = `${this.field.value.trimEnd()} ${point.join(",")} `;
+        this.overlay.measured.push(point);
+        this.overlay.draw();
+        this.field.focus();
+      },
+    };
+  }
+
+  clear(): void {
+    this.field.value = "";
+    this.overlay.measured = [];
+    this.overlay.snap = null;
+    this.overlay.draw();
   }
 
   private recall(step: number): void {

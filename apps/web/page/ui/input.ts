@@ -23,6 +23,10 @@ export class Input {
   mode: Mode | null = null;
   onPointer: (point: Point) => void = () => {};
   onPicked: () => void = () => {};
+  /** Clicks give points to a command that is being typed. */
+  commandMode: () => Mode | null = () => null;
+  /** Whether clicked points are right of, left of, above or below the last one. */
+  isOrtho = false;
   private readonly pointers = new Map<number, Point>();
   private start: Point | null = null;
   private isPanning = false;
@@ -71,7 +75,7 @@ export class Input {
     this.onPointer(this.view.camera.toWorld(here));
     const before = this.pointers.get(event.pointerId);
     if (!before) {
-      if (this.mode?.point) await this.showSnap(here);
+      if ((this.mode ?? this.commandMode())?.point) await this.showSnap(here);
       return;
     }
     const others = [...this.pointers].filter(([id]) => id !== event.pointerId).map(([, p]) => p);
@@ -124,9 +128,10 @@ export class Input {
   }
 
   private async click(here: Point, adds: boolean): Promise<void> {
-    if (this.mode?.point) {
+    const mode = this.mode ?? this.commandMode();
+    if (mode?.point) {
       const snap = await this.snapAt(here);
-      return this.mode.point(snap?.point ?? this.view.camera.toWorld(here), snap);
+      return mode.point(snap?.point ?? this.straightened(this.rounded(here)), snap);
     }
     const [x, y] = this.view.camera.toWorld(here);
     const found = await this.session.call<string[]>("pick", x, y, kReach / this.view.camera.scale);
@@ -139,6 +144,20 @@ export class Input {
     for (const handle of found) if (!old.delete(handle)) old.add(handle);
     await this.session.select([...old]).catch(() => {});
     this.onPicked();
+  }
+
+  // No more digits than pixels can tell apart.
+  private rounded(pixel: Point): Point {
+    const digits = Math.ceil(Math.log10(this.view.camera.scale)) + 2;
+    const short = (value: number) => Number(value.toFixed(Math.min(Math.max(digits, 0), 15)));
+    const [x, y] = this.view.camera.toWorld(pixel);
+    return [short(x), short(y)];
+  }
+
+  private straightened([x, y]: Point): Point {
+    const last = this.overlay.measured.at(-1);
+    if (!this.isOrtho || !last) return [x, y];
+    return Math.abs(x - last[0]) > Math.abs(y - last[1]) ? [x, last[1]] : [last[0], y];
   }
 
   private snapAt([px, py]: Point): Promise<Snap | null> {

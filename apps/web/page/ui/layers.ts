@@ -3,6 +3,9 @@ import type { Layer } from "../protocol";
 import type { Session } from "../session";
 import { byId, make } from "./dom";
 
+const kColorNames = ["", "red", "yellow", "green", "cyan", "blue", "magenta", "white", "gray", "light gray"];
+const kWeights = [0, 0.05, 0.09, 0.13, 0.15, 0.18, 0.2, 0.25, 0.3, 0.35, 0.4, 0.5, 0.6, 0.7, 0.8, 1, 1.2, 1.4, 2];
+
 export class LayerPanel {
   private readonly list = byId<HTMLUListElement>("layers");
   private readonly filter = byId<HTMLInputElement>("layer-filter");
@@ -39,11 +42,41 @@ export class LayerPanel {
       aria: { label: `Only layer ${layer.name}` },
     }, "Only");
     alone.addEventListener("click", () => this.setAll((each) => each.name === layer.name));
-    const color = make("span", { className: "swatch", title: `Color ${layer.color}` });
-    color.style.backgroundColor = layer.rgb;
     return make("li", {},
-      make("label", { title: `${layer.name}, ${layer.linetype}, ${layer.lineweight} mm` }, box, color, make("span", { className: "name" }, layer.name)),
-      make("span", { className: "note" }, String(layer.entities || "")), alone);
+      make("label", { title: `${layer.name}, ${layer.linetype}, ${layer.lineweight} mm` }, box, make("span", { className: "name" }, layer.name)),
+      make("span", { className: "note" }, String(layer.entities || "")),
+      this.colorOf(layer), this.weightOf(layer), alone);
+  }
+
+  private colorOf(layer: Layer): HTMLElement {
+    const numbers = [...new Set([1, 2, 3, 4, 5, 6, 7, 8, 9, layer.color])];
+    const options = numbers.map((number) => make("option",
+      { value: String(number), selected: number === layer.color }, kColorNames[number] ?? String(number)));
+    const field = make("select", {
+      className: "swatch", title: `Color ${layer.color}`, aria: { label: `Color of layer ${layer.name}` },
+    }, ...options, make("option", { value: "" }, "Other…"));
+    field.style.backgroundColor = layer.rgb;
+    field.addEventListener("change", () => {
+      const color = Number(field.value || prompt("Color, a number from 1 to 255", String(layer.color)));
+      if (color) this.session.layer(layer.name, { color }).catch(this.fail);
+      field.value = String(layer.color);
+    });
+    return field;
+  }
+
+  private weightOf(layer: Layer): HTMLElement {
+    const given = layer.lineweight;
+    const weights = [...new Set([...kWeights, given])].sort((a, b) => a - b);
+    const field = make("select", {
+      className: "small weight", title: "Lineweight in mm", aria: { label: `Lineweight of layer ${layer.name}` },
+    }, ...weights.map((weight) => make("option",
+      { value: String(weight), selected: weight === given }, String(weight))));
+    field.addEventListener("change", () => {
+      const name = layer.name.replaceAll('"', '""');
+      this.session.command(`layer lineweight "${name}" ${field.value}`)
+        .then(({ ok, message }) => { if (!ok) this.fail(new Error(message)); }, this.fail);
+    });
+    return field;
   }
 
   private change(name: string, given: { on?: boolean; frozen?: boolean }): void {
