@@ -21,6 +21,7 @@ EditStep readCopyCommand(CommandWords& words);
 EditStep readRotateCommand(CommandWords& words);
 EditStep readMirrorCommand(CommandWords& words);
 EditStep readScaleCommand(CommandWords& words);
+EditStep readStretchCommand(CommandWords& words);
 
 EditStep readOffsetCommand(CommandWords& words);
 EditStep readTrimCommand(CommandWords& words);

@@ -101,6 +101,53 @@ EditStep scaleStep(const PNT_3D& center, double factor) {
 
 namespace {
 
+struct Grip {
+  std::size_t index;
+  PNT_3D at;
+};
+
+std::vector<Grip> gripsAt(CEnt& ent, const PNT_3D& point) {
+  constexpr double share = 1e-9;
+  const double tolerance = share * std::fmax(1, std::fmax(std::fabs(point.x), std::fabs(point.y)));
+  std::vector<Grip> found;
+  const std::vector<PNT_3D> grips = gripsOf(ent);
+  for (std::size_t i = 0; i < grips.size(); ++i)
+    if (std::hypot(grips[i].x - point.x, grips[i].y - point.y) <= tolerance)
+      found.push_back({i, grips[i]});
+  return found;
+}
+
+bool moveTo(CData& data, CEnt& ent, const Grip& grip, const PNT_3D& to) {
+  return moveGrip(data.getHandleGestor(), data.getEntFactory(), ent, grip.index, to);
+}
+
+}  // namespace
+
+EditStep stretchStep(const PNT_3D& from, const PNT_3D& to) {
+  return onChosen([=](Editing& editing) {
+    std::vector<CEnt*> ents = editing.chosen;
+    std::string left;
+    const std::string problem = leaveUnsupported(editing, false, "stretched", ents, left);
+    if (!problem.empty()) return StepOutcome::failed(problem);
+    std::size_t stretched = 0;
+    for (CEnt* ent : ents) {
+      const std::vector<Grip> grips = gripsAt(*ent, from);
+      if (grips.empty()) continue;
+      if (!editing.undo.keepGeometry(*ent)) return StepOutcome::noMemory();
+      // From above, so that every grip keeps its height.
+      for (const Grip& grip : grips)
+        if (!moveTo(editing.data, *ent, grip, PNT_3D(to.x, to.y, grip.at.z + to.z - from.z)))
+          return StepOutcome::failed("no arc or circle goes through that point");
+      ++stretched;
+    }
+    if (stretched == 0) return StepOutcome::failed("nothing selected has a grip at that point");
+    editing.data.getEntTable().invalidateBdry();
+    return StepOutcome::done(countedEntities(stretched) + " stretched" + left);
+  });
+}
+
+namespace {
+
 // Reads a vector in the plane or in space; returns an error message, or an empty text.
 std::string readVector(const std::string& text, PNT_3D& vector) {
   const auto numbers = numbersIn(text);
@@ -194,6 +241,14 @@ EditStep readMirrorCommand(CommandWords& words) {
 }
 
 EditStep readScaleCommand(CommandWords& words) { return readAboutPoint(words, scaleStep); }
+
+EditStep readStretchCommand(CommandWords& words) {
+  const CommandPoint first = words.point(), second = words.point();
+  return [=](Editing& editing) {
+    const PNT_3D from = first.from(editing.last);
+    return stretchStep(from, second.from(editing.last))(editing);
+  };
+}
 
 std::string readDelete(const std::string&, EditStep& step) {
   step = onChosen([](Editing& editing) {

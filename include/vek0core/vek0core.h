@@ -100,6 +100,7 @@
 #include "vek0core/entities/edit/entpolyaddervisitor.h"
 #include "vek0core/entities/edit/entrotatexyvisitor.h"
 #include "vek0core/entities/edit/entscalevisitor.h"
+#include "vek0core/entities/edit/grips.h"
 #include "vek0core/entities/edit/joinents.h"
 
 #include "vek0core/drawing/data.h"

@@ -235,6 +235,17 @@ long vek0_selection(vek0_engine* engine) {
   return attempt(engine, -1L, [&] { return engine->putHandles(engine->drawing().selection()); });
 }
 
+long vek0_grips(vek0_engine* engine, size_t most) {
+  return attempt(engine, -1L, [&] {
+    vek0::host::Json grips = vek0::host::Json::array();
+    for (CEnt* ent : engine->drawing().selection()) {
+      for (const PNT_3D& grip : gripsOf(*ent)) grips.push_back({grip.x, grip.y});
+      if (grips.size() > most) return engine->put(vek0::host::Json::array());
+    }
+    return engine->put(grips);
+  });
+}
+
 int vek0_select(vek0_engine* engine, const uint64_t* handles, size_t count) {
   return attempt(engine, [&] {
     const std::vector<CEnt*> ents = entitiesOf(*engine, handles, count);

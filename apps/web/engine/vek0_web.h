@@ -250,6 +250,9 @@ long vek0_select_box(vek0_engine* engine, double x1, double y1, double x2, doubl
 long vek0_selection(vek0_engine* engine);
 /* Replaces it. Fails, with no effect, if there is no such entity in the model. */
 int vek0_select(vek0_engine* engine, const uint64_t* handles, size_t count);
+/* JSON: the grips of the selection as [x, y], which the command `stretch` moves; none if there are
+ * more than `most`. */
+long vek0_grips(vek0_engine* engine, size_t most);
 
 /* JSON: {"kind": "end"|"middle"|"center"|"intersection"|"perpendicular"|"nearest", "point": [x, y],
  * "handle"} or null. The special point nearest to (x, y) within `radius`, else the nearest point of

@@ -32,6 +32,8 @@ async function start(): Promise<void> {
   session.onChange = update;
   session.onProgress = (share) => { byId<HTMLProgressElement>("progress").value = share; };
   input = new Input(view.canvas, view, session, overlay);
+  input.onFailed = say;
+  overlay.grips = () => session.grips;
   input.onPointer = ([x, y]) => { byId("position").textContent = `${round(x)}, ${round(y)}`; };
   wire();
   update();

@@ -131,6 +131,7 @@ export interface ScenePart {
 export interface State {
   selection: string[];
   slots: SlotEdit[];
+  grips: Point[];
   stats: EngineStats;
 }
 

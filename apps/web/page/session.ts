@@ -1,7 +1,7 @@
 // A drawing that is open: its engine, its view, and what the user did to it, for recovery.
 import { Engine } from "./engine";
 import type { Parts } from "./parts";
-import type { Edited, EngineStats, FontNote, Layer, Layout, Opened, ReportEntry } from "./protocol";
+import type { Edited, EngineStats, FontNote, Layer, Layout, Opened, Point, ReportEntry } from "./protocol";
 import type { SaveOptions, State } from "./protocol";
 import { forget, type Journal, remember } from "./recovery";
 import type { View } from "./view";
@@ -16,6 +16,8 @@ export class Session {
   layouts: Layout[] = [];
   fonts: FontNote[] = [];
   selection: string[] = [];
+  /** Points by which the selection is dragged into shape, in drawing units. */
+  grips: Point[] = [];
   stats: EngineStats | null = null;
   isModified = false;
   /** Something that panels show has changed. */
@@ -75,6 +77,7 @@ export class Session {
     this.name = name;
     Object.assign(this, opened);
     this.selection = [];
+    this.grips = [];
     this.isModified = false;
     this.onChange();
     this.stats = await engine.call<EngineStats>("stats");
@@ -97,6 +100,7 @@ export class Session {
 
   private take(state: State): void {
     this.selection = state.selection;
+    this.grips = state.grips;
     this.stats = state.stats;
     this.isModified = state.stats.modified;
   }

@@ -8,6 +8,7 @@ import load from "vek0-engine";
 const scope = self as unknown as DedicatedWorkerGlobalScope;
 const kEntitiesPerStep = 20_000;
 const kListed = 5_000;
+const kMostGrips = 2000; // more would hide the drawing
 let engine: EngineModule;
 
 function post(answer: Answer, transfer: Transferable[] = []): void {
@@ -75,7 +76,8 @@ function state(): State {
       engine.count("slots_of", at, selection.length));
     slots = engine.slots(count);
   }
-  return { selection, slots, stats: engine.json(engine.count("stats")) };
+  const grips = engine.json<Point[]>(engine.count("grips", kMostGrips));
+  return { selection, slots, grips, stats: engine.json(engine.count("stats")) };
 }
 
 let hasScene = false;

@@ -284,6 +284,20 @@ test("keys, wheel and touch reach the drawing", async () => {
   assert.equal(start[1], end[1]);
   const [[left], [right]] = await run((ends) => Promise.all(ends.map(window.vek0.toScreen)), [start, end]);
   assert.ok(Math.abs(right - left - 50) < 0.01);
+  // Dragging the right end of the line; F8 ends Ortho.
+  await page.focus("#canvas");
+  await page.keyboard.press("F8");
+  await run((handle) => window.vek0.selection([handle]), (await run(() => window.vek0.list())).at(-1).handle);
+  await page.mouse.move(corner.x + 62, corner.y + 10);
+  await page.mouse.down();
+  for (const y of [30, 60]) await page.mouse.move(corner.x + 62, corner.y + y);
+  await page.mouse.up();
+  await page.waitForFunction((y) => window.vek0.list().then((all) => all.at(-1).extents.min[1] < y), start[1]);
+  const [[, top], [, bottom]] = await run(async () => {
+    const { min, max } = (await window.vek0.list()).at(-1).extents;
+    return Promise.all([max, min].map(window.vek0.toScreen));
+  });
+  assert.ok(Math.abs(bottom - top - 50) < 0.01);
   const touch = await freshPage({ hasTouch: true });
   await open(sample("flange.dxf"), touch);
   const client = await touch.context().newCDPSession(touch);

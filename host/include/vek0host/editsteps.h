@@ -63,6 +63,8 @@ EditStep copyStep(const PNT_3D& delta);  ///< the copies are selected then
 EditStep rotateStep(const PNT_3D& center, double degrees);
 EditStep mirrorStep(const PNT_3D& from, const PNT_3D& to);  ///< fails for equal points
 EditStep scaleStep(const PNT_3D& center, double factor);    ///< fails for a factor of 0
+/// Moves the grips at a point, see `moveGrip`; fails if there are none.
+EditStep stretchStep(const PNT_3D& from, const PNT_3D& to);
 
 // --- Shared helpers
 

@@ -28,7 +28,9 @@ export class Input {
   /** Whether clicked points are right of, left of, above or below the last one. */
   isOrtho = false;
   private readonly pointers = new Map<number, Point>();
+  onFailed: (message: string) => void = () => {};
   private start: Point | null = null;
+  private grip: Point | null = null; // being dragged
   private isPanning = false;
   private space = false;
 
@@ -68,6 +70,17 @@ export class Input {
     const isTouch = event.pointerType === "touch";
     this.isPanning = isTouch || event.button === 1 || event.button === 2 || this.space;
     if (this.pointers.size > 1) this.overlay.box = null;
+    this.grip = event.button === 0 && this.pointers.size === 1 && !this.space ? this.gripAt(this.at(event)) : null;
+  }
+
+  private gripAt(here: Point): Point | null {
+    if (this.mode || this.commandMode() || this.view.layout !== 0) return null;
+    const { camera } = this.view;
+    const isNear = (grip: Point) => {
+      const [x, y] = camera.toScreen(grip);
+      return Math.hypot(x - here[0], y - here[1]) <= kReach;
+    };
+    return this.session.grips.find(isNear) ?? null;
   }
 
   private async move(event: PointerEvent): Promise<void> {
@@ -85,7 +98,11 @@ export class Input {
       const distance = (a: Point, b: Point) => Math.hypot(a[0] - b[0], a[1] - b[1]);
       this.view.zoom(distance(here, other) / Math.max(distance(before, other), 1), other);
       this.view.pan((here[0] - before[0]) / 2, (here[1] - before[1]) / 2);
-      this.start = null;
+      this.start = this.grip = null;
+    } else if (this.grip && this.isFar(here)) {
+      this.overlay.measured = [this.grip, this.straightened(this.rounded(here), this.grip)];
+      await this.showSnap(here);
+      this.view.ask();
     } else if (this.isPanning) {
       this.view.pan(here[0] - before[0], here[1] - before[1]);
     } else if (this.start && this.isFar(here)) {
@@ -101,6 +118,8 @@ export class Input {
 
   private cancel(event: PointerEvent): void {
     this.pointers.delete(event.pointerId);
+    if (this.grip) this.overlay.measured = [];
+    this.grip = null;
     this.overlay.box = null;
     this.view.ask();
   }
@@ -114,8 +133,17 @@ export class Input {
     this.overlay.box = null;
     this.view.ask();
     if (!start || !this.session.isOpen) return;
-    if (box) await this.finishBox(box.from, box.to, event.shiftKey);
+    if (this.grip && isDragged) await this.stretch(this.grip, here);
+    else if (box) await this.finishBox(box.from, box.to, event.shiftKey);
     else if (!isDragged && event.button === 0) await this.click(here, event.shiftKey);
+  }
+
+  private async stretch(grip: Point, here: Point): Promise<void> {
+    const to = (await this.snapAt(here))?.point ?? this.straightened(this.rounded(here), grip);
+    this.grip = null;
+    [this.overlay.measured, this.overlay.snap] = [[], null];
+    const { ok, message } = await this.session.command(`stretch ${grip} ${to}`);
+    if (!ok) this.onFailed(message);
   }
 
   private async finishBox(from: Point, to: Point, adds: boolean): Promise<void> {
@@ -131,7 +159,7 @@ export class Input {
     const mode = this.mode ?? this.commandMode();
     if (mode?.point) {
       const snap = await this.snapAt(here);
-      return mode.point(snap?.point ?? this.straightened(this.rounded(here)), snap);
+      return mode.point(snap?.point ?? this.straightened(this.rounded(here), this.overlay.measured.at(-1)), snap);
     }
     const [x, y] = this.view.camera.toWorld(here);
     const found = await this.session.call<string[]>("pick", x, y, kReach / this.view.camera.scale);
@@ -154,15 +182,14 @@ export class Input {
     return [short(x), short(y)];
   }
 
-  private straightened([x, y]: Point): Point {
-    const last = this.overlay.measured.at(-1);
+  private straightened([x, y]: Point, last?: Point): Point {
     if (!this.isOrtho || !last) return [x, y];
     return Math.abs(x - last[0]) > Math.abs(y - last[1]) ? [x, last[1]] : [last[0], y];
   }
 
   private snapAt([px, py]: Point): Promise<Snap | null> {
     const [x, y] = this.view.camera.toWorld([px, py]);
-    const from = this.overlay.measured.at(-1) ?? null;
+    const from = this.grip ?? this.overlay.measured.at(-1) ?? null;
     return this.session.call<Snap | null>("snap", x, y, kReach / this.view.camera.scale, from);
   }
 

@@ -3,6 +3,8 @@
 import type { Point, Snap } from "../protocol";
 import type { View } from "../view";
 
+const kGrip = 7; // CSS pixels
+
 const kMarks: Record<string, (c: CanvasRenderingContext2D, x: number, y: number) => void> = {
   end: (c, x, y) => c.strokeRect(x - 5, y - 5, 10, 10),
   middle: (c, x, y) => lines(c, [[x - 6, y + 5], [x + 6, y + 5], [x, y - 6], [x - 6, y + 5]]),
@@ -25,6 +27,7 @@ export class Overlay {
   box: { from: Point; to: Point } | null = null; // CSS pixels
   snap: Snap | null = null;
   measured: Point[] = []; // drawing units
+  grips: () => Point[] = () => [];
   private readonly context: CanvasRenderingContext2D;
 
   constructor(private readonly canvas: HTMLCanvasElement, private readonly view: View) {
@@ -47,6 +50,10 @@ export class Overlay {
       c.setLineDash(to[0] < from[0] ? [5, 3] : []);
       c.strokeRect(from[0], from[1], to[0] - from[0], to[1] - from[1]);
       c.setLineDash([]);
+    }
+    for (const grip of view.layout === 0 ? this.grips() : []) {
+      const [x, y] = view.camera.toScreen(grip);
+      c.strokeRect(x - kGrip / 2, y - kGrip / 2, kGrip, kGrip);
     }
     if (this.measured.length > 0) {
       const points = this.measured.map((point) => view.camera.toScreen(point));
