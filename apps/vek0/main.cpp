@@ -88,6 +88,7 @@ int parseAndRun(std::vector<std::string> arguments, Session& session) {
   app.name("vek0");
   app.set_version_flag("--version", std::string("vek0 " VEK0_VERSION));
   app.set_help_all_flag("--help-all", "Print the help of every command and exit");
+  app.allow_windows_style_options(false);  // a slash begins a path
   app.require_subcommand(1);
   app.fallthrough();
   session.onMessage = printMessage;

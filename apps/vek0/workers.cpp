@@ -1,6 +1,8 @@
 #include "workers.h"
 
-#ifndef _WIN32
+#if defined(_WIN32) || defined(__EMSCRIPTEN__)
+#define VEK0_NO_PROCESSES
+#else
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -28,7 +30,7 @@ namespace vek0::tool {
 using host::Failure;
 using host::Session;
 
-#ifdef _WIN32
+#ifdef VEK0_NO_PROCESSES
 
 void runWorkers(std::size_t jobs, const WorkerOptions&, Session& session,
                 const std::function<void(std::size_t)>& work,

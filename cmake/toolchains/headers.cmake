@@ -11,3 +11,13 @@ foreach(package CLI11:CLI nlohmann_json:nlohmann)
 target_include_directories(${name}::${name} INTERFACE \${CMAKE_CURRENT_LIST_DIR})
 ")
 endforeach()
+
+# The test framework is compiled from Debian's sources.
+set(GTest_DIR ${CMAKE_BINARY_DIR}/headers/GTest)
+file(WRITE ${GTest_DIR}/GTestConfig.cmake "
+if(NOT TARGET gtest)
+  set(INSTALL_GTEST OFF)
+  set(CMAKE_POLICY_DEFAULT_CMP0077 NEW)
+  add_subdirectory(/usr/src/googletest \${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+endif()
+")

@@ -6,7 +6,7 @@ namespace vek0::detail {
 
 bool RecentKeys::add(std::uint64_t slot, std::uint64_t key) {
   if (m_keys.empty()) m_keys.resize(m_count);
-  std::uint64_t& held = m_keys[slot & (m_count - 1)];
+  std::uint64_t& held = m_keys[placeOf(slot)];
   const bool isNew = held != key;
   held = key;
   return isNew;

@@ -18,10 +18,14 @@ class RecentKeys {
   /// allocates eight bytes per slot.
   bool add(std::uint64_t slot, std::uint64_t key);
   bool has(std::uint64_t slot, std::uint64_t key) const {
-    return !m_keys.empty() && m_keys[slot & (m_count - 1)] == key;
+    return !m_keys.empty() && m_keys[placeOf(slot)] == key;
   }
 
  private:
+  std::size_t placeOf(std::uint64_t slot) const {
+    return static_cast<std::size_t>(slot & (m_count - 1));
+  }
+
   const std::size_t m_count;
   std::vector<std::uint64_t> m_keys;
 };

@@ -52,8 +52,7 @@ std::filesystem::path followed(std::filesystem::path path) {
 
 void OutputFile::setWatch(Watch watch) { g_watch = watch; }
 
-OutputFile::OutputFile(const std::string& path, bool force, Content content)
-    : m_target(toPath(path)) {
+OutputFile::OutputFile(const std::string& path, bool force) : m_target(toPath(path)) {
   if (path == "-") {
     m_file = std::make_unique<CFileMemory>(u"-", kWrite);
     return;
@@ -64,9 +63,7 @@ OutputFile::OutputFile(const std::string& path, bool force, Content content)
   m_temporary = temporaryFor(m_target);
   watch(m_temporary);
   createTemporary();
-  auto file = std::make_unique<CFileStdLib>(toName(m_temporary), kWrite);
-  if (content == Bytes) file->setLineEnd(CFileStdLib::Lf);
-  m_file = std::move(file);
+  m_file = std::make_unique<CFileStdLib>(toName(m_temporary), kWrite);
 }
 
 std::string OutputFile::faultOf(const std::string& path, bool force) const {

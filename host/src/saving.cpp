@@ -174,9 +174,7 @@ std::uintmax_t rewrite(const std::string& in, const std::string& out, const Save
   if (session.log) session.log->setTarget(options.targetName());
   RewrittenDrawing drawing(in, options, session);
   session.keepsSource = drawing.isCarriedOver();
-  // Lines end as those of the source do.
-  OutputFile output(out, options.force,
-                    drawing.isCarriedOver() ? OutputFile::Bytes : OutputFile::Text);
+  OutputFile output(out, options.force);
   if (!output.error().empty()) {
     session.fail(kOutputFailed, output.error());
     return 0;

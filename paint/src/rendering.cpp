@@ -223,7 +223,7 @@ class Renderer {
 
   // Checked before reading the drawing, which may take long.
   bool isWritable(const std::string& out) {
-    const OutputFile output(out, m_options.force, OutputFile::Bytes);
+    const OutputFile output(out, m_options.force);
     if (!output.error().empty()) fail(kOutputFailed, output.error());
     return output.error().empty();
   }
@@ -357,7 +357,7 @@ class Renderer {
   template <class DrawPages>
   void write(const SHEET& first, const std::string& out, bool evenEmpty,
              const DrawPages& drawPages) {
-    OutputFile output(out, m_options.force, OutputFile::Bytes);
+    OutputFile output(out, m_options.force);
     if (!output.error().empty()) return fail(kOutputFailed, output.error());
     IFile& file = output.file();
     DRAW_RESULT result;

@@ -10,6 +10,7 @@
 #include "compare/heldents.h"
 #include "compare/itemcomparer.h"
 #include "compare/renames.h"
+#include "geometry/vector.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/drawing/handlemanager.h"
 #include "vek0core/drawing/layout.h"
@@ -39,7 +40,7 @@ Closeness closenessOf(const CData& before, const CData& after, const COMPARE_OPT
   double far = 1;
   if (box.validRegion()) {
     const PNT_3D diagonal = box.max - box.min;
-    const double size = std::hypot(diagonal.x, diagonal.y, diagonal.z);
+    const double size = detail::length(diagonal);
     if (size > 0 && std::isfinite(size)) closeness.size = size;
     for (const PNT_3D& p : {box.min, box.max})
       far = std::max({far, std::fabs(p.x), std::fabs(p.y), std::fabs(p.z)});
@@ -242,7 +243,7 @@ class DrawingComparer {
       if (change.before->getOwnerBlock() != &before || change.after->getOwnerBlock() != &after)
         return false;
       const PNT_3D off = *change.by - shift;
-      return std::hypot(off.x, off.y, off.z) <= room;
+      return detail::length(off) <= room;
     };
     const auto shifted = std::count_if(result.moved.begin(), result.moved.end(), isShifted);
     if (shifted == 0 || static_cast<std::size_t>(shifted) != before.size()) return;

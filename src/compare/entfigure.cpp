@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "geometry/vector.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/blocks/entinsert.h"
 #include "zim0lang/casefold.h"
@@ -46,8 +47,8 @@ void EntFigure::point(const PNT_3D& p) {
 }
 
 void EntFigure::direction(const PNT_3D& d) {
-  const double length = std::hypot(d.x, d.y, d.z);
-  for (const double part : {d.x, d.y, d.z}) ratio(length > 0 ? part / length : 0);
+  const double size = detail::length(d);
+  for (const double part : {d.x, d.y, d.z}) ratio(size > 0 ? part / size : 0);
 }
 
 // As a direction: equal angles may differ by full turns.

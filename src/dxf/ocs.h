@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "geometry/vector.h"
 #include "vek0core/geometry/pnt.h"
 
 namespace vek0::detail {
@@ -13,7 +14,7 @@ class PlaneAxes {
  public:
   /// The normal may have any length; if it is zero or non-finite, the Z axis is used.
   explicit PlaneAxes(const PNT_3D& normal) {
-    const double length = std::hypot(normal.x, normal.y, normal.z);
+    const double length = detail::length(normal);
     if (!(length > 0) || !std::isfinite(length)) return;
     z = PNT_3D(normal.x / length, normal.y / length, normal.z / length);
     constexpr double limit = 1.0 / 64;
@@ -44,7 +45,7 @@ class PlaneAxes {
 
  private:
   static PNT_3D unit(const PNT_3D& v) {
-    const double length = std::hypot(v.x, v.y, v.z);
+    const double length = detail::length(v);
     return PNT_3D(v.x / length, v.y / length, v.z / length);
   }
 };

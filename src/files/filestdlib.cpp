@@ -17,12 +17,6 @@ namespace {
 
 constexpr std::size_t kWriteBuffer = std::size_t{64} * 1024;
 
-#ifdef _WIN32
-constexpr CFileStdLib::LineEnd kPlatformLineEnd = CFileStdLib::CrLf;
-#else
-constexpr CFileStdLib::LineEnd kPlatformLineEnd = CFileStdLib::Lf;
-#endif
-
 // Binary in both directions, because we convert line ends ourselves. A zero inside the name would
 // open a different file.
 std::FILE* openStream(const zim::WString& name, bool forReading) {
@@ -86,8 +80,7 @@ struct CFileStdLib::Stream {
   }
 };
 
-CFileStdLib::CFileStdLib(const zim::WString& name, long mode)
-    : IFile(name, mode), m_lineEnd(kPlatformLineEnd) {}
+CFileStdLib::CFileStdLib(const zim::WString& name, long mode) : IFile(name, mode), m_lineEnd(Lf) {}
 
 CFileStdLib::~CFileStdLib() = default;
 

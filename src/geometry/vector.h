@@ -25,10 +25,20 @@ inline PNT_3D times(const PNT_3D& v, double factor) {
 
 inline double dot(const PNT_3D& a, const PNT_3D& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 
+inline PNT_3D cross(const PNT_3D& a, const PNT_3D& b) {
+  return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
 inline double dot(const PNT_2D& a, const PNT_2D& b) { return a.x * b.x + a.y * b.y; }
 inline double cross(const PNT_2D& a, const PNT_2D& b) { return a.x * b.y - a.y * b.x; }
 
-inline double length(const PNT_3D& v) { return std::hypot(v.x, v.y, v.z); }
+/// Standard libraries differ in the last digits of their functions of three arguments.
+inline double length(const PNT_3D& v) {
+  const double largest = std::max({std::fabs(v.x), std::fabs(v.y), std::fabs(v.z)});
+  if (!(largest > 0) || std::isinf(largest)) return std::fabs(v.x + v.y + v.z);
+  const double x = v.x / largest, y = v.y / largest, z = v.z / largest;
+  return largest * std::sqrt(x * x + y * y + z * z);
+}
 
 /// Returns false, leaving the vector unchanged, if its length is zero or too small to divide by.
 inline bool makeUnit(PNT_3D& v) {

@@ -1,9 +1,8 @@
 #include "vek0core/drawingfile/drawingfile.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
-
 #include <filesystem>
+#include <random>
 
 #include "support/samples.h"
 #include "vek0core/drawing/datafactory.h"
@@ -28,8 +27,9 @@ class DrawingFile : public testing::Test {
   CDataPtr drawing;
 
  private:
+  // Not by the number of the process, which is always the same in an emulator.
   const fs::path m_folder =
-      fs::temp_directory_path() / ("vek0_drawingfile_" + std::to_string(getpid()));
+      fs::temp_directory_path() / ("vek0_drawingfile_" + std::to_string(std::random_device()()));
 };
 
 TEST_F(DrawingFile, WhatWasSavedOpensAgain) {
@@ -44,6 +44,7 @@ TEST_F(DrawingFile, WhatWasSavedOpensAgain) {
   EXPECT_EQ(files(), 3);
 }
 
+#ifndef _WIN32
 TEST_F(DrawingFile, LinksAndPermissionsStay) {
   ASSERT_TRUE(saveDrawing(*drawing, name("real.dxf")));
   fs::permissions(name("real.dxf"), fs::perms::owner_read | fs::perms::owner_write);
@@ -55,6 +56,7 @@ TEST_F(DrawingFile, LinksAndPermissionsStay) {
             fs::perms::owner_read | fs::perms::owner_write);
   EXPECT_TRUE(openDrawing(name("real.dxf")).drawing->getEntTable().getEntityTbl().empty());
 }
+#endif
 
 TEST_F(DrawingFile, FailureSaysSoAndLeavesNothing) {
   EXPECT_FALSE(saveDrawing(*drawing, name("none/a.dxf")));

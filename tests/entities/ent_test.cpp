@@ -107,11 +107,11 @@ TEST(Ent, RegistrationCountsAndReservesOnceEachWay) {
   line->addTbls(s.gestor);
   EXPECT_EQ(s.layer()->getEntities(), layerUsers + 1);
   EXPECT_EQ(s.ltype()->getEntities(), ltypeUsers + 1);
-  EXPECT_EQ(s.gestor.reserved, std::vector<long>{42});
+  EXPECT_EQ(s.gestor.reserved, std::vector<vek0::Handle>{42});
   line->removeTbls(s.gestor);
   EXPECT_EQ(s.layer()->getEntities(), layerUsers);
   EXPECT_EQ(s.ltype()->getEntities(), ltypeUsers);
-  EXPECT_EQ(s.gestor.released, std::vector<long>{42});
+  EXPECT_EQ(s.gestor.released, std::vector<vek0::Handle>{42});
 }
 
 TEST(Ent, NullLayerAndLinetypeCountNobody) {

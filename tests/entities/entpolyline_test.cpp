@@ -291,9 +291,9 @@ TEST(Polyline, RegistrationCoversEveryVertexLastToFirst) {
   for (const vek0::Handle handle : {1, 2, 3})
     p->addVertex(*new CVertex(PNT_3D(0, 0, 0), 0, 0, handle));
   p->addTbls(s.gestor);
-  EXPECT_EQ(s.gestor.reserved, (std::vector<long>{0, 3, 2, 1}));
+  EXPECT_EQ(s.gestor.reserved, (std::vector<vek0::Handle>{0, 3, 2, 1}));
   p->removeTbls(s.gestor);
-  EXPECT_EQ(s.gestor.released, (std::vector<long>{0, 3, 2, 1}));
+  EXPECT_EQ(s.gestor.released, (std::vector<vek0::Handle>{0, 3, 2, 1}));
 }
 
 TEST(Polyline, PackedVerticesAreRegisteredWhereHandlesAreManaged) {
@@ -304,7 +304,8 @@ TEST(Polyline, PackedVerticesAreRegisteredWhereHandlesAreManaged) {
     p->addBulgedVertex(PNT_3D(0, 0, 0), 0, 0, 0, 8);
     p->addBulgedVertex(PNT_3D(1, 0, 0), 0, 0, 0, 9);
     p->addTbls(gestor);
-    EXPECT_EQ(gestor.reserved, manages ? (std::vector<long>{0, 9, 8}) : std::vector<long>{0});
+    EXPECT_EQ(gestor.reserved,
+              manages ? (std::vector<vek0::Handle>{0, 9, 8}) : std::vector<vek0::Handle>{0});
   }
 }
 

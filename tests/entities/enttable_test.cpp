@@ -87,7 +87,7 @@ TEST(EntTable, RemovedEntityMayComeBack) {
   s.table.add(ent);
   EXPECT_EQ(s.table.getEntityTbl().back(), ent);
   EXPECT_EQ(s.table.get(7), ent);
-  EXPECT_EQ(s.gestor.reserved, (std::vector<long>{7, 0, 7}));
+  EXPECT_EQ(s.gestor.reserved, (std::vector<vek0::Handle>{7, 0, 7}));
 }
 
 TEST(EntTable, FrozenLayersDoNotCountButOffOnesDo) {

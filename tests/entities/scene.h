@@ -12,8 +12,8 @@ class RecordingGestor : public CHandleGestorFoo {
   void release(vek0::Handle handle) override { released.push_back(handle); }
   bool handling() const override { return m_manages; }
 
-  std::vector<long> reserved;
-  std::vector<long> released;
+  std::vector<vek0::Handle> reserved;
+  std::vector<vek0::Handle> released;
 
  private:
   bool m_manages;

@@ -71,9 +71,14 @@ void addEdges(HatchLoopBuilder& b, const std::string& text) {
     std::string kind, tail;
     words >> kind;
     std::vector<double> n;
-    for (double v = 0; words >> v;) n.push_back(v);
-    words.clear();
-    words >> tail;
+    for (std::string word; words >> word;) {
+      char* end = nullptr;
+      const double value = std::strtod(word.c_str(), &end);
+      if (*end)
+        tail = word;
+      else
+        n.push_back(value);
+    }
     Points points;
     for (std::size_t i = 0; i + 1 < n.size(); i += 2) points.emplace_back(n[i], n[i + 1], 0);
     SPLINE_3D spline;

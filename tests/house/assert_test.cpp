@@ -14,6 +14,6 @@ TEST(Assert, AReturningHandlerLetsTheLibraryGoOn) {
 }
 
 TEST(AssertDeathTest, TheDefaultPrintsTheProjectPathAndEnds) {
-  EXPECT_DEATH(ZORA_ASSERT(1 + 1 == 3),
-               "^tests/house/assert_test.cpp:[0-9]+ assertion failure:\n1 \\+ 1 == 3");
+  EXPECT_DEATH_IF_SUPPORTED(ZORA_ASSERT(1 + 1 == 3),
+                            "^tests/house/assert_test.cpp:.+ assertion failure:\n1 . 1 == 3");
 }

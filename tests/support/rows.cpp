@@ -4,9 +4,12 @@
 #include <cctype>
 #include <charconv>
 #include <fstream>
+#include <limits>
+#include <locale>
 #include <map>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 
 namespace vek0::test {
@@ -115,18 +118,18 @@ class Expression {
   }
 
  private:
-  bool take(char c) {
-    if (!m_text.starts_with(c)) return false;
-    m_text.remove_prefix(1);
+  bool take(std::string_view part) {
+    if (!m_text.starts_with(part)) return false;
+    m_text.remove_prefix(part.size());
     return true;
   }
 
   double sum() {
     double value = product();
     while (true)
-      if (take('+'))
+      if (take("+"))
         value += product();
-      else if (take('-'))
+      else if (take("-"))
         value -= product();
       else
         return value;
@@ -135,22 +138,25 @@ class Expression {
   double product() {
     double value = factor();
     while (true)
-      if (take('*'))
+      if (take("*"))
         value *= factor();
-      else if (take('/'))
+      else if (take("/"))
         value /= factor();
       else
         return value;
   }
 
   double factor() {
-    if (take('-')) return -factor();
+    if (take("-")) return -factor();
     if (const std::optional<double> value = definedNumber()) return *value;
-    double value = 0;
-    const char* begin = m_text.data();
-    const auto [end, error] = std::from_chars(begin, begin + m_text.size(), value);
-    if (error != std::errc()) m_isBad = true;
-    m_text.remove_prefix(static_cast<std::size_t>(end - begin));
+    if (take("inf")) return std::numeric_limits<double>::infinity();
+    if (take("nan")) return std::numeric_limits<double>::quiet_NaN();
+    // Not every standard library has from_chars of floating-point numbers.
+    const std::string text(m_text.substr(0, m_text.find_first_not_of("0123456789.+-eE")));
+    char* end = nullptr;
+    const double value = std::strtod(text.c_str(), &end);
+    m_isBad = m_isBad || end == text.c_str();
+    m_text.remove_prefix(static_cast<std::size_t>(end - text.c_str()));
     return value;
   }
 
@@ -243,18 +249,19 @@ PNT_3D Row::point(std::string_view column) const {
   return all.front();
 }
 
-long Row::wholeNumber(std::string_view column) const {
+std::int64_t Row::wholeNumber(std::string_view column) const {
   const std::string& word = cell(column);
-  if (const Definition* found = findName(m_names, word)) return static_cast<long>(found->number);
+  if (const Definition* found = findName(m_names, word))
+    return static_cast<std::int64_t>(found->number);
   const bool isHex = word.starts_with("0x");
-  long value = 0;
-  unsigned long bits = 0;
+  std::int64_t value = 0;
+  std::uint64_t bits = 0;
   const char* begin = word.data() + (isHex ? 2 : 0);
   const char* end = word.data() + word.size();
   const auto [at, error] =
       isHex ? std::from_chars(begin, end, bits, 16) : std::from_chars(begin, end, value);
   if (error != std::errc() || at != end) fail("no whole number: " + word);
-  if (isHex) value = static_cast<long>(bits);
+  if (isHex) value = static_cast<std::int64_t>(bits);
   return value;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -97,7 +98,7 @@ class Row {
   const std::string& cell(std::string_view column) const;
   [[noreturn]] void fail(const std::string& what) const;
   double number(const std::string& word) const;
-  long wholeNumber(std::string_view column) const;
+  std::int64_t wholeNumber(std::string_view column) const;
 
   const std::vector<std::string>* m_columns;
   std::vector<std::string> m_cells;

@@ -48,7 +48,7 @@ bool prepareMarks(CheckOptions& options, std::size_t drawings, Session& session)
   if (!format) return false;
   options.render.picture.format = *format;
   if (drawings > 1) session.fail(kWrongUsage, "--picture takes a single drawing");
-  const OutputFile output(options.picture, options.render.force, OutputFile::Bytes);
+  const OutputFile output(options.picture, options.render.force);
   if (!output.error().empty()) session.fail(kOutputFailed, output.error());
   return session.worst == kNoFailure;
 }

@@ -71,7 +71,7 @@ bool preparePicture(DiffOptions& options, Session& session) {
   const std::optional<paint::Format> format = pictureFormat(options.picture, session);
   if (!format) return false;
   options.render.picture.format = *format;
-  const OutputFile output(options.picture, options.render.force, OutputFile::Bytes);
+  const OutputFile output(options.picture, options.render.force);
   if (!output.error().empty()) session.fail(kOutputFailed, output.error());
   return session.worst == kNoFailure;
 }

@@ -72,7 +72,7 @@ std::string write(const CData& data, const std::string& path, const ExportOption
 }
 
 void exportFile(const BatchJob& job, const ExportOptions& options, Session& session) {
-  OutputFile output(job.out, options.force, OutputFile::Bytes);
+  OutputFile output(job.out, options.force);
   if (!output.error().empty()) return session.fail(kOutputFailed, output.error());
   const Drawing data = newDrawing();
   session.reading.wholeRecords = true;

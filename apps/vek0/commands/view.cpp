@@ -74,7 +74,7 @@ void run(const ViewOptions& options, Session& session) {
   if (!page) return session.fail(kOutputFailed, "the page lacks its file single.html");
   if (options.in == "-")
     return session.fail(kWrongUsage, "the standard input cannot be viewed; name a file");
-  OutputFile output(options.out, options.force, OutputFile::Bytes);
+  OutputFile output(options.out, options.force);
   if (!output.error().empty()) return session.fail(kOutputFailed, output.error());
   // What cannot be read here could not be read there either.
   const Drawing data = newDrawing();

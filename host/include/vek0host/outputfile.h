@@ -16,9 +16,6 @@ namespace vek0::host {
 /// which `commit` renames. Without `commit`, the temporary file is removed.
 class OutputFile {
  public:
-  /// Conversion of line feeds: to the platform's line end for text, none for bytes.
-  enum Content { Text, Bytes };
-
   /// Called with the name of the temporary file before it is created, and with an empty name once
   /// it is gone.
   using Watch = void (*)(const std::filesystem::path& unfinished);
@@ -30,7 +27,7 @@ class OutputFile {
   static bool isDryRun();
 
   /// Rejects an existing target unless `force`, with the reason in `error()`.
-  OutputFile(const std::string& path, bool force, Content content = Text);
+  OutputFile(const std::string& path, bool force);
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;

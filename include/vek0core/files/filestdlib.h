@@ -25,8 +25,8 @@ class VEK0_API CFileStdLib : public IFile {
   CFileStdLib& operator=(const CFileStdLib&) = default;
   ~CFileStdLib() override;
 
-  /// What a line feed becomes on writing, by lines or bytes; initially the platform's line end.
-  /// Takes effect from the next write.
+  /// What a line feed becomes on writing, by lines or bytes; initially `Lf`, so that files are the
+  /// same on every platform. Takes effect from the next write.
   void setLineEnd(LineEnd end) { m_lineEnd = end; }
 
   bool open() override;

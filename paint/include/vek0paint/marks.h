@@ -25,11 +25,7 @@ class MarkPainter {
  public:
   /// The painter and the font are borrowed; the font may be null, then there are no numbers.
   MarkPainter(IPainter& painter, const ICADFont* font, const SHEET& sheet)
-      : m_painter(painter),
-        m_font(font),
-        m_pixel(sheet.pixel()),
-        m_width(static_cast<double>(sheet.width)),
-        m_height(static_cast<double>(sheet.height)) {}
+      : m_painter(painter), m_font(font), m_pixel(sheet.pixel()) {}
 
   /// Draws a mark at a point of the device. A number that would cover an earlier one is moved, or
   /// left out if there is no place for it.
@@ -46,8 +42,8 @@ class MarkPainter {
 
   IPainter& m_painter;
   const ICADFont* m_font;
-  double m_pixel, m_width, m_height;  // in device units
-  std::vector<Label> m_labels;        // the last ones drawn
+  double m_pixel;               // in device units
+  std::vector<Label> m_labels;  // the last ones drawn
 };
 
 }  // namespace vek0::paint

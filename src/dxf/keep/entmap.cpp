@@ -10,6 +10,7 @@
 #include "dxf/keep/fingerprint.h"
 #include "dxf/keep/measuredmap.h"
 #include "files/mixer.h"
+#include "geometry/vector.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/blocks/enthatch.h"
 #include "vek0core/entities/blocks/entinsert.h"
@@ -30,15 +31,6 @@ namespace vek0::detail {
 namespace {
 
 constexpr double kPrecision = 1e-9;
-
-double dot(const PNT_3D& a, const PNT_3D& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-PNT_3D cross(const PNT_3D& a, const PNT_3D& b) {
-  return PNT_3D(a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x);
-}
-double length(const PNT_3D& a) { return std::hypot(a.x, a.y, a.z); }
-PNT_3D times(const PNT_3D& a, double factor) {
-  return PNT_3D(a.x * factor, a.y * factor, a.z * factor);
-}
 
 /// What determines an entity: points, which follow every map, and the rest, which no map changes.
 struct FixedPoints {

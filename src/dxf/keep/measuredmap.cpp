@@ -67,9 +67,9 @@ PNT_3D shiftOf(const PNT_3D& from, const PNT_3D& to) {
 }
 
 bool isSimilarMap(const SpaceMap& map, double tolerance) {
-  const double length = lengthOf(map.x);
-  return areEqual(length, lengthOf(map.y), tolerance) &&
-         areEqual(length, lengthOf(map.z), tolerance) &&
+  const double length = detail::length(map.x);
+  return areEqual(length, detail::length(map.y), tolerance) &&
+         areEqual(length, detail::length(map.z), tolerance) &&
          arePerpendicular(map.x, map.y, tolerance) && arePerpendicular(map.y, map.z, tolerance) &&
          arePerpendicular(map.z, map.x, tolerance);
 }
@@ -92,7 +92,7 @@ void clean(SpaceMap& map, double noise) {
   for (PNT_3D* axis : {&map.x, &map.y, &map.z}) *axis = cleanedBy(*axis, noise);
 }
 
-bool isNear(const PNT_3D& a, const PNT_3D& b) { return lengthOf(a - b) <= 4 * kCosineNoise; }
+bool isNear(const PNT_3D& a, const PNT_3D& b) { return length(a - b) <= 4 * kCosineNoise; }
 
 }  // namespace
 
@@ -108,7 +108,7 @@ double tidyAngle(double degrees) {
 SpaceMap simplified(SpaceMap map, double noise) {
   clean(map, std::max(kCosineNoise, noise));
   if (isLevel(map) && isSimilarMap(map, std::max(kSimilarity, noise)))
-    straighten(map, factorWithoutNoise(lengthOf(map.x), noise), noise);
+    straighten(map, factorWithoutNoise(length(map.x), noise), noise);
   return map;
 }
 
@@ -117,12 +117,12 @@ MeasuredMap::MeasuredMap(const SpaceMap& map)
   for (const PNT_3D* part : {&map.x, &map.y, &map.z, &map.origin, &map.from})
     if (!isFinite(*part)) return;
   clean(m_map, kCosineNoise);
-  const double volume = dotProduct(crossProduct(m_map.x, m_map.y), m_map.z);
+  const double volume = dot(cross(m_map.x, m_map.y), m_map.z);
   m_isUsable = std::isfinite(volume) && volume != 0;
   if (!m_isUsable) return;
   m_isMirroring = volume < 0;
   m_isSimilar = isSimilarMap(m_map, m_tolerance);
-  m_scale = factorWithoutNoise(lengthOf(m_map.x), 0);
+  m_scale = factorWithoutNoise(length(m_map.x), 0);
   // Straightening what is far from similar would do more than remove noise.
   const bool isStraight = isLevel(m_map) && isSimilarMap(m_map, kSimilarity);
   if (isStraight) straighten(m_map, m_scale, 0);
@@ -136,15 +136,15 @@ MeasuredMap::MeasuredMap(const SpaceMap& map)
 PNT_3D MeasuredMap::direction(const PNT_3D& v) const {
   if (m_isSimilar) return m_turn.along(v);
   const PNT_3D image = vector(v);
-  const double length = lengthOf(image);
-  return length > 0 ? scaled(image, lengthOf(v) / length) : v;
+  const double length = detail::length(image);
+  return length > 0 ? scaled(image, detail::length(v) / length) : v;
 }
 
 MeasuredPlane::MeasuredPlane(const MeasuredMap& map, const PNT_3D& normal)
     : m_from(normal), m_to(m_from) {
-  const PNT_3D image = crossProduct(map.vector(m_from.x), map.vector(m_from.y));
+  const PNT_3D image = cross(map.vector(m_from.x), map.vector(m_from.y));
   const PlaneAxes to(cleaned(image));
-  m_isUsable = isFinite(image) && lengthOf(image) > 0;
+  m_isUsable = isFinite(image) && length(image) > 0;
   // A plane that stays the same keeps the digits of its axes.
   if (!isNear(to.z, m_from.z)) m_to = to;
   measure(map);
@@ -154,7 +154,7 @@ MeasuredPlane::MeasuredPlane(const MeasuredMap& map, const PNT_3D& normal)
 MeasuredPlane::MeasuredPlane(const MeasuredMap& map, const PNT_3D& normal, const PNT_3D& image)
     : m_from(normal), m_to(m_from) {
   const PlaneAxes to(cleaned(image));
-  m_isUsable = isFinite(image) && lengthOf(image) > 0;
+  m_isUsable = isFinite(image) && length(image) > 0;
   if (!isNear(to.z, m_from.z)) m_to = to;
   measure(map);
 }
@@ -168,9 +168,9 @@ void MeasuredPlane::measure(const MeasuredMap& map) {
   m_x = cleaned(m_to.fromWorld(map.vector(m_from.x)));
   m_y = cleaned(m_to.fromWorld(map.vector(m_from.y)));
   m_z = cleaned(m_to.fromWorld(map.vector(m_from.z)));
-  m_isSimilar = areEqual(lengthOf(m_x), lengthOf(m_y), map.tolerance()) &&
+  m_isSimilar = areEqual(length(m_x), length(m_y), map.tolerance()) &&
                 arePerpendicular(m_x, m_y, map.tolerance());
-  m_scale = map.isSimilar() ? map.scale() : factorWithoutNoise(lengthOf(m_x), 0);
+  m_scale = map.isSimilar() ? map.scale() : factorWithoutNoise(length(m_x), 0);
   if (areEqual(std::fabs(m_z.z), m_scale, map.tolerance())) m_z.z = std::copysign(m_scale, m_z.z);
   m_turn = tidyAngle(degreesWithoutNoise(std::atan2(m_x.y, m_x.x), 0));
 }

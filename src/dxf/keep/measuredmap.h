@@ -2,6 +2,7 @@
 
 #include "dxf/keep/spacemap.h"
 #include "dxf/ocs.h"
+#include "geometry/vector.h"
 
 namespace vek0::detail {
 
@@ -96,19 +97,11 @@ PNT_3D cleaned(const PNT_3D& v);
 /// An angle in degrees in [0, 360), without the noise of computing it.
 double tidyAngle(double degrees);
 
-inline PNT_3D crossProduct(const PNT_3D& a, const PNT_3D& b) {
-  return PNT_3D(a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x);
-}
-inline double dotProduct(const PNT_3D& a, const PNT_3D& b) {
-  return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-inline double lengthOf(const PNT_3D& v) { return std::hypot(v.x, v.y, v.z); }
-
 /// Relative difference up to which two lengths are equal, and directions perpendicular.
 inline constexpr double kSimilarity = 1e-9;
 
 inline bool arePerpendicular(const PNT_3D& a, const PNT_3D& b, double tolerance = kSimilarity) {
-  return std::fabs(dotProduct(a, b)) <= tolerance * lengthOf(a) * lengthOf(b);
+  return std::fabs(dot(a, b)) <= tolerance * length(a) * length(b);
 }
 inline PNT_3D scaled(const PNT_3D& v, double factor) {
   return PNT_3D(v.x * factor, v.y * factor, v.z * factor);

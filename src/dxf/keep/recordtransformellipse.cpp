@@ -18,8 +18,8 @@ struct Axes {
   /// What has to be subtracted from the parameter if these are just conjugate radii; they become
   /// the axes.
   double straighten() {
-    const double lengths = dotProduct(major, major) - dotProduct(minor, minor);
-    const double t = std::atan2(2 * dotProduct(major, minor), lengths) / 2;
+    const double lengths = dot(major, major) - dot(minor, minor);
+    const double t = std::atan2(2 * dot(major, minor), lengths) / 2;
     const double c = std::cos(t), s = std::sin(t);
     const PNT_3D before = major;
     major = cleaned(scaled(before, c) + scaled(minor, s));
@@ -30,8 +30,8 @@ struct Axes {
 
 // The shape stays the same, so that its ratio and parameters can.
 bool isSameShape(const Axes& axes, double ratio) {
-  const double a = lengthOf(axes.major), b = lengthOf(axes.minor);
-  return std::fabs(dotProduct(axes.major, axes.minor)) <= kSameShape * a * b &&
+  const double a = length(axes.major), b = length(axes.minor);
+  return std::fabs(dot(axes.major, axes.minor)) <= kSameShape * a * b &&
          std::fabs(b - ratio * a) <= kSameShape * a;
 }
 
@@ -42,7 +42,7 @@ double withinTurn(double angleRad) {
 
 void setShape(RecordMapper& mapper, const Axes& axes, double shift) {
   SourceRecord& record = mapper.record();
-  mapper.setReal(record.find(kRatio), lengthOf(axes.minor) / lengthOf(axes.major));
+  mapper.setReal(record.find(kRatio), length(axes.minor) / length(axes.major));
   const std::size_t start = record.find(kStartParameter), end = record.find(kEndParameter);
   const double from = record.realOf(kStartParameter), to = record.realOf(kEndParameter, kTwoPi);
   if (shift == 0 || std::fabs(std::fabs(to - from) - kTwoPi) <= 1e-9) return;
@@ -65,7 +65,7 @@ bool transformEllipse(SourceRecord& record, const MeasuredMap& map) {
   const PNT_3D axis = mapper.pointAt(major);
   const double ratio = mapper.real(ratioAt);
   const PNT_3D normal = PlaneAxes(RecordMapper::normalOf(record)).z;
-  Axes axes{map.vector(axis), map.vector(scaled(crossProduct(normal, axis), ratio))};
+  Axes axes{map.vector(axis), map.vector(scaled(cross(normal, axis), ratio))};
   if (!isSameShape(axes, ratio)) {
     const double shift = axes.straighten();
     setShape(mapper, axes, shift);

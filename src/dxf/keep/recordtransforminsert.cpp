@@ -25,9 +25,9 @@ AxisFactors factorsOf(const MeasuredMap& map, const PlaneAxes& axes, double degr
   const PNT_3D y = map.vector(axes.toWorld(PNT_3D(-s, c, 0)));
   const PNT_3D z = map.vector(axes.z);
   const bool areAxes = arePerpendicular(x, y) && arePerpendicular(y, z) && arePerpendicular(z, x);
-  const double hand = dotProduct(crossProduct(z, x), y) < 0 ? -1 : 1;
+  const double hand = dot(cross(z, x), y) < 0 ? -1 : 1;
   if (map.isSimilar()) return {true, map.scale(), hand * map.scale(), map.scale()};
-  return {areAxes, lengthOf(x), hand * lengthOf(y), lengthOf(z)};
+  return {areAxes, length(x), hand * length(y), length(z)};
 }
 
 void multiplyFactors(RecordMapper& mapper, const AxisFactors& factors) {

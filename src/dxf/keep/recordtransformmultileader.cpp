@@ -71,7 +71,7 @@ MeasuredPlane MultileaderMapper::planeOf(const SourceRecord& record, const Measu
   const std::size_t x = record.find(111), y = record.find(112);
   PNT_3D normal(0, 0, 1);
   if (x != SourceRecord::kNone && y != SourceRecord::kNone)
-    normal = crossProduct(record.pointAt(x), record.pointAt(y));
+    normal = cross(record.pointAt(x), record.pointAt(y));
   return MeasuredPlane(map, normal);
 }
 

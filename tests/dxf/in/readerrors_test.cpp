@@ -76,10 +76,11 @@ TEST(ReadErrors, OutOfMemory) {
   struct NoVertices : CEntFactory {
     using CEntFactory::createEntPnt;
     using CEntFactory::createVertex;
-    CVertex* createVertex(IHandleGestor&, const PNT_3D&, double, double, long) override {
+    CVertex* createVertex(IHandleGestor&, const PNT_3D&, double, double, vek0::Handle) override {
       return nullptr;
     }
-    CEntPnt* createEntPnt(IHandleGestor&, CLayer*, CLtype*, short, const PNT_3D&, long) override {
+    CEntPnt* createEntPnt(IHandleGestor&, CLayer*, CLtype*, short, const PNT_3D&,
+                          vek0::Handle) override {
       throw std::bad_alloc();
     }
   } factory;

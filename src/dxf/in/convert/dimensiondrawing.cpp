@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "dxf/in/convert/dimensiontext.h"
+#include "geometry/vector.h"
 #include "vek0core/entities/entarc.h"
 #include "vek0core/entities/entline.h"
 #include "vek0core/entities/entpolyline.h"
@@ -20,9 +21,7 @@ constexpr long kAlongX = 64;  // bit of code 70: an ordinate measures x
 constexpr double kRoomForHeads = 2.5,
                  kTail = 2;  // in head lengths: inside a line, beyond an outside head
 
-double distance(const PNT_3D& a, const PNT_3D& b) {
-  return std::hypot(b.x - a.x, b.y - a.y, b.z - a.z);
-}
+double distance(const PNT_3D& a, const PNT_3D& b) { return length(b - a); }
 
 // Counterclockwise angle between the directions.
 double turnBetween(double from, double to) {

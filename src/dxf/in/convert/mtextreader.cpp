@@ -11,6 +11,7 @@
 #include "dxf/in/convert/dimstyles.h"
 #include "dxf/in/convert/replacement.h"
 #include "dxf/ocs.h"
+#include "geometry/vector.h"
 #include "vek0core/entities/enttext.h"
 #include "vek0core/geometry/finite.h"
 #include "vek0core/tables/font.h"
@@ -23,8 +24,6 @@ namespace {
 // Bounds the work for one record, far above real texts.
 constexpr std::size_t kMostColumns = 1000;
 constexpr double kMostSpacing = 100;
-
-double length(const PNT_3D& v) { return std::hypot(v.x, v.y, v.z); }
 
 /// The plane of a text in world coordinates: seen from above, or from below, where texts are
 /// mirrored. In any other plane they are laid flat.

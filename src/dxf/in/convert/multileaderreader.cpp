@@ -8,6 +8,7 @@
 #include "dxf/in/convert/mtextreader.h"
 #include "dxf/in/convert/replacement.h"
 #include "dxf/in/coordinate.h"
+#include "geometry/vector.h"
 
 namespace vek0::detail {
 namespace {
@@ -189,7 +190,7 @@ void MultileaderReader::takeOfLeader(long code) {
 void MultileaderReader::buildLines(std::vector<EntPtr>& built) {
   for (LeaderLines& leader : m_leaders) {
     const PNT_3D& way = leader.landing;
-    const double length = std::hypot(way.x, way.y, way.z);
+    const double length = detail::length(way);
     const double factor = length > 0 ? leader.landingLength / length : 0;
     for (std::vector<PNT_3D>& line : leader.lines) {
       if (leader.hasEnd) line.push_back(leader.end);

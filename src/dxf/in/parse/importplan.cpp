@@ -10,6 +10,7 @@
 
 #include "compare/itemcomparer.h"
 #include "entities/blocks/collectblocks.h"
+#include "geometry/vector.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/entities/blocks/blockgraph.h"
 #include "vek0core/entities/blocks/entinsert.h"
@@ -122,7 +123,7 @@ class CImportPlan::Planner {
     vek0::detail::Closeness closeness;
     if (const RECT_3D& box = known.getBdry(); box.validRegion()) {
       const PNT_3D diagonal = box.max - box.min;
-      const double size = std::hypot(diagonal.x, diagonal.y, diagonal.z);
+      const double size = vek0::detail::length(diagonal);
       if (size > 0 && std::isfinite(size)) closeness.size = size;
     }
     closeness.tolerance = share * closeness.size;

@@ -10,6 +10,7 @@
 #include "dxf/out/modern/hatchrecord.h"
 #include "dxf/out/savedsolid.h"
 #include "dxf/out/savedtext.h"
+#include "geometry/vector.h"
 #include "vek0core/entities/blocks/enthatch.h"
 #include "vek0core/entities/ent3dface.h"
 #include "vek0core/entities/entarc.h"
@@ -28,15 +29,15 @@ constexpr long kBackwardText = 2;
 PNT_3D direction(const LINE_3D& line) {
   constexpr double noise = 1e-6, half = 0.5;
   PNT_3D d = line.p2 - line.p1;
-  if (std::fabs(std::hypot(d.x, d.y, d.z) - 1) <= noise) return d;
+  if (std::fabs(length(d) - 1) <= noise) return d;
   // The difference of huge coordinates overflows, as do the squares of large ones.
   if (!isFinite(d))
     d = PNT_3D(line.p2.x * half - line.p1.x * half, line.p2.y * half - line.p1.y * half,
                line.p2.z * half - line.p1.z * half);
   const double size = std::max({std::fabs(d.x), std::fabs(d.y), std::fabs(d.z)});
   d = PNT_3D(d.x / size, d.y / size, d.z / size);
-  const double length = std::hypot(d.x, d.y, d.z);
-  return PNT_3D(d.x / length, d.y / length, d.z / length);
+  const double rest = length(d);
+  return PNT_3D(d.x / rest, d.y / rest, d.z / rest);
 }
 
 void writeCorner(CFileDXFOWriter& out, long index, const PNT_3D& p) {
