@@ -25,6 +25,11 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vek0core.pc ${CMAKE_CURRENT_BINARY_DIR
 
 if(TARGET vek0)
   install(TARGETS vek0)
+  # What `vek0 serve` and `vek0 view` show drawings in.
+  set(VEK0_PAGE "" CACHE PATH "Folder of the built page, to install it with the tool")
+  if(VEK0_PAGE)
+    install(DIRECTORY ${VEK0_PAGE}/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vek0/page)
+  endif()
   # The tool itself prints its manual page and the completions.
   if(NOT CMAKE_CROSSCOMPILING)
     set(shell_files ${CMAKE_CURRENT_BINARY_DIR}/shellfiles)

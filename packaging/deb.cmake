@@ -1,4 +1,4 @@
-# One Debian package: tool, manual page, completions, headers and static libraries. Included last,
+# One Debian package: tool, page, manual page, completions, headers and static libraries. Included last,
 # since it describes what all the rules before it install.
 # The time of the commit, where SOURCE_DATE_EPOCH states it.
 string(TIMESTAMP VEK0_RELEASE_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)

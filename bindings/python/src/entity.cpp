@@ -1,5 +1,7 @@
 #include "entity.h"
 
+#include <numbers>
+
 #include "vek0host/entitycounts.h"
 #include "vek0host/entitylist.h"
 
@@ -26,13 +28,13 @@ void setProperty(EntityRef& ref, const char* name, const Work& work) {
   });
 }
 
+// Setting what is set already is no step.
 template <class Work>
 void setTrait(EntityRef& ref, const char* name, const Work& work) {
-  setProperty(ref, name, [&](CEnt& ent) {
-    ENT_TRAITS traits = ent.getTraits();
-    work(traits);
-    ent.setTraits(traits);
-  });
+  ENT_TRAITS traits = ref.get().getTraits();
+  work(traits);
+  if (traits == ref.get().getTraits()) return;
+  setProperty(ref, name, [&](CEnt& ent) { ent.setTraits(traits); });
 }
 
 std::string spaceOf(const EntityRef& ref) {
@@ -45,20 +47,54 @@ std::string spaceOf(const EntityRef& ref) {
   return block->getName().toUtf8();
 }
 
+template <class... Values>
+std::string formatted(const char* format, const Values&... values) {
+  return py::str(format).format(values...).template cast<std::string>();
+}
+
+// What tells an entity from others of its kind.
+std::string shapeOf(CEnt& ent) {
+  constexpr double degrees = 180 / std::numbers::pi;
+  switch (ent.getType()) {
+    case CEntPnt::kType:
+      return formatted(" at {}", fromPoint(static_cast<CEntPnt&>(ent).getPnt()));
+    case CEntLine::kType: {
+      const LINE_3D& line = static_cast<CEntLine&>(ent).getLine();
+      return formatted(" from {} to {}", fromPoint(line.p1), fromPoint(line.p2));
+    }
+    case CEntCircle::kType: {
+      const CIRCLE_3D& circle = static_cast<CEntCircle&>(ent).getCircle();
+      return formatted(" about {}, radius {:g}", fromPoint(circle), circle.radius);
+    }
+    case CEntArc::kType: {
+      const ARC_3D& arc = static_cast<CEntArc&>(ent).getArc();
+      return formatted(" about {}, radius {:g}, {:g} to {:g} degrees", fromPoint(arc), arc.radius,
+                       arc.startAngle * degrees, arc.endAngle * degrees);
+    }
+    case CEntPolyline::kType: {
+      const auto& polyline = static_cast<const CEntPolyline&>(ent);
+      const char* form = polyline.isClosed() ? ", closed, {} points" : ", {} points";
+      return formatted(form, polyline.getNoVisibleVertexes());
+    }
+    case CEntHatch::kType:
+      return formatted(
+          ", {}", zim::WString(static_cast<const CEntHatch&>(ent).getHatchType().name).toUtf8());
+    default:
+      return {};
+  }
+}
+
 std::string reprOf(const EntityRef& ref) {
   if (!ref.isAlive()) return "<deleted entity " + hexOf(ref) + ">";
   CEnt& ent = ref.get();
   std::string text = "<" + kindOf(ent) + " " + hexOf(ref) + " on layer '" + layerNameOf(ent) + "'";
   if (const auto shown = host::textOf(ent)) {
     text += ": " + py::repr(py::str(*shown)).cast<std::string>();
-  } else if (const CEntInsertBase* insert = ent.getEntInsert(); insert && insert->getBlock()) {
-    if (ent.getType() != CEntHatch::kType)
-      text += " of '" + insert->getBlock()->getName().toUtf8() + "'";
-  } else if (ent.getType() == CEntLine::kType) {
-    const LINE_3D& line = static_cast<CEntLine&>(ent).getLine();
-    text += py::str(" from {} to {}")
-                .format(fromPoint(line.p1), fromPoint(line.p2))
-                .cast<std::string>();
+  } else if (const CEntInsertBase* insert = ent.getEntInsert();
+             insert && insert->getBlock() && ent.getType() != CEntHatch::kType) {
+    text += " of '" + insert->getBlock()->getName().toUtf8() + "'";
+  } else {
+    text += shapeOf(ent);
   }
   return text + ">";
 }
@@ -68,6 +104,7 @@ void bindLooks(EntityClass& type) {
           "color", [](const EntityRef& ref) { return ref.get().getColor(); },
           [](EntityRef& ref, int color) {
             const short number = toColor(color);
+            if (number == ref.get().getColor()) return;
             setProperty(ref, "color", [&](CEnt& ent) { ent.setColor(number); });
           },
           "Color number: 1 to 255, 0 for BYBLOCK, 256 for BYLAYER.")
@@ -96,6 +133,7 @@ void bindLooks(EntityClass& type) {
           [](EntityRef& ref, const std::string& name) {
             ref.get();
             CLtype& ltype = ltypeOf(ref.drawing().data(), name);
+            if (&ltype == ref.get().getLtype()) return;
             setProperty(ref, "linetype", [&](CEnt& ent) { ent.setLtype(&ltype); });
           },
           "Name of the linetype; 'BYLAYER' and 'BYBLOCK' too.")
@@ -155,6 +193,7 @@ void bindEntity(EntityClass& type) {
           [](EntityRef& ref, const std::string& name) {
             ref.get();
             CLayer& layer = layerOf(ref.drawing().data(), name);
+            if (&layer == ref.get().getLayer()) return;
             setProperty(ref, "layer", [&](CEnt& ent) { ent.setLayer(&layer); });
           },
           "Name of the layer.")

@@ -32,6 +32,14 @@ def test_fields_are_read_and_set_with_undo(doc):
         "insert": doc.add_insert("DOOR", (3, 3), (2, 2), 90),
         "hatch": doc.add_hatch([(0, 0), (9, 0), (9, 9)], "ANSI31", 1, 15),
     }
+    shapes = {
+        "circle": "about (5.0, 5.0, 0.0), radius 2",
+        "arc": "radius 5, 30 to 60 degrees",
+        "polyline": "closed, 3 points",
+        "hatch": "ANSI31",
+    }
+    for name, shape in shapes.items():
+        assert shape in repr(entities[name])
     changes = [
         ("point", "point", (4.0, 5.0, 6.0)),
         ("line", "start", (1.0, 1.0, 0.0)),
@@ -76,6 +84,8 @@ def test_fields_are_read_and_set_with_undo(doc):
         assert doc.undo()
         assert _near(getattr(entity, field), before), field
         assert doc.redo()
+    entities["line"].color = 5  # as it is: no step
+    assert doc.undo() and entities["line"].visible
     assert entities["insert"].block == "DOOR"
     assert len(entities["hatch"].boundary) == 3
     assert entities["arc"].start == pytest.approx((5 * 2**-0.5, 5 * 2**-0.5, 0))

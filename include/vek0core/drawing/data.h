@@ -46,7 +46,8 @@ class VEK0_API LivingDrawing {
 /// Created by `CDataFactory` and destroyed by `deleteData`; in between, use the tables and the free
 /// functions of functions.h.
 ///
-/// Not thread-safe.
+/// One thread at a time may use a drawing. Different drawings may be used in different threads;
+/// what they share (fonts, colors, hatch definitions) is constant or guarded.
 class VEK0_API CData {
  public:
   class CLayerIterator;
