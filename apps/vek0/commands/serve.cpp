@@ -9,6 +9,7 @@
 #include "commands.h"
 #include "pagefiles.h"
 #include "terminal.h"
+#include "vek0host/json.h"
 #include "vek0host/paths.h"
 #include "vek0host/visibletext.h"
 
@@ -78,12 +79,21 @@ const std::string* fileNamed(const ServeOptions& options, const std::string& nam
   return nullptr;
 }
 
+std::string namesOf(const ServeOptions& options) {
+  host::Json names = host::Json::array();
+  for (const std::string& file : options.files) names.push_back(toUtf8(toPath(file).filename()));
+  return names.dump(-1, ' ', false, host::Json::error_handler_t::replace);
+}
+
 void serveAt(const std::string& root, const fs::path& folder, const ServeOptions& options,
              httplib::Server& server) {
   server.Get(root + "files/(.*)",
              [&options](const httplib::Request& request, httplib::Response& response) {
-               const std::string* file = fileNamed(options, request.matches[1]);
-               if (file)
+               const std::string name = request.matches[1];
+               const std::string* file = fileNamed(options, name);
+               if (name.empty())
+                 response.set_content(namesOf(options), "application/json");
+               else if (file)
                  answer(toPath(*file), response);
                else
                  response.status = 404;

@@ -1,7 +1,8 @@
 // The page: starts the engine, builds the user interface, publishes `window.vek0`.
 import { Api, publish } from "./api";
-import { initialDrawing, loadParts } from "./parts";
+import { initialDrawing, loadParts, servedDrawings } from "./parts";
 import { picture } from "./picture";
+import type { Point } from "./protocol";
 import { unsaved } from "./recovery";
 import { Session } from "./session";
 import { CommandLine } from "./ui/commandline";
@@ -15,8 +16,8 @@ import { View } from "./view";
 
 const kSamples = ["flange", "house", "every_kind_r12"];
 const kCommands = ["line", "polyline", "rectangle", "circle", "arc", "text", "insert", "hatch",
-  "move", "copy", "rotate", "scale", "mirror", "delete", "offset", "trim", "extend", "fillet",
-  "join", "explode", "layer", "color", "set-layer", "set-color", "set-linetype"];
+  "move", "copy", "rotate", "scale", "mirror", "stretch", "delete", "offset", "trim", "extend", "fillet",
+  "chamfer", "join", "explode", "layer", "color", "set-layer", "set-color", "set-linetype"];
 const kDark = { background: [0.102, 0.114, 0.129], foreground: [1, 1, 1], highlight: [0.42, 0.7, 1] };
 const kLight = { background: [1, 1, 1], foreground: [0, 0, 0], highlight: [0, 0.45, 0.9] };
 
@@ -131,11 +132,15 @@ async function print(): Promise<void> {
 
 let copied: string[] = [];
 
-async function paste(): Promise<void> {
+// A click says where the lower left corner goes.
+async function paste(commands: CommandLine): Promise<void> {
   if (copied.length === 0) return;
   await session.select(copied);
-  const step = 20 / view.camera.scale;
-  say((await session.command(`copy @${step},${-step}`)).message);
+  const listed = await session.call<{ extents: { min: Point } | null }[]>("properties", copied);
+  const corners = listed.flatMap(({ extents }) => (extents ? [extents.min] : []));
+  const least = (axis: 0 | 1) => Math.min(...corners.map((corner) => corner[axis]));
+  commands.begin("copy", [least(0), least(1)]);
+  say("Click where the copy goes.");
 }
 
 function setTheme(isDark: boolean): void {
@@ -202,12 +207,14 @@ function wire(): void {
   on("theme", () => setTheme(!document.documentElement.classList.contains("dark")));
   onChoice("save", save);
   onChoice("measure", (what) => tools.measure(what));
-  onChoice("samples", async (name) => {
-    const response = await fetch(`samples/${name}.dxf`);
-    await open(`${name}.dxf`, new Uint8Array(await response.arrayBuffer()));
+  onChoice("samples", async (path) => {
+    const response = await fetch(path);
+    const name = decodeURIComponent(path.slice(path.indexOf("/") + 1));
+    await open(name, new Uint8Array(await response.arrayBuffer()));
   });
   onChoice("commands", (word) => commands.begin(word));
-  byId("samples").append(...kSamples.map((name) => make("option", { value: name }, name)));
+  offer("Samples", "samples", kSamples.map((name) => `${name}.dxf`));
+  servedDrawings().then((names) => offer("Drawings", "files", names)).catch(() => {});
   byId("commands").append(...kCommands.map((name) => make("option", { value: name }, name)));
   document.addEventListener("keydown", (event) => void shortcut(event, tools, commands));
   const stage = byId("stage");
@@ -222,6 +229,13 @@ function wire(): void {
   });
 }
 
+function offer(label: string, folder: string, names: string[]): void {
+  if (names.length === 0) return;
+  const group = make("optgroup", { label }, ...names.map((name) =>
+    make("option", { value: `${folder}/${encodeURIComponent(name)}` }, name)));
+  byId("samples").append(group);
+}
+
 function toggleOrtho(): void {
   input.isOrtho = !input.isOrtho;
   byId("ortho").setAttribute("aria-pressed", String(input.isOrtho));
@@ -234,7 +248,7 @@ async function shortcut(event: KeyboardEvent, tools: Tools, commands: CommandLin
   const actions: Record<string, () => unknown> = isControl
     ? {
         z: () => (event.shiftKey ? session.redo() : session.undo()), y: () => session.redo(),
-        c: () => { copied = session.selection; }, v: paste, s: () => save("keep"),
+        c: () => { copied = session.selection; }, v: () => paste(commands), s: () => save("keep"),
       }
     : {
         delete: () => session.command("delete"), f8: toggleOrtho,

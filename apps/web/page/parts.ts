@@ -39,6 +39,13 @@ export async function loadParts(): Promise<Parts> {
   };
 }
 
+/** The names of the drawings that the tool serves. */
+export async function servedDrawings(): Promise<string[]> {
+  if (!new URLSearchParams(location.search).has("file")) return [];
+  const response = await fetch("files/");
+  return response.ok ? response.json() : [];
+}
+
 /** The drawing that the page came with: in a data block, or named by the address. */
 export async function initialDrawing(): Promise<{ name: string; file: Uint8Array } | null> {
   const bytes = await embedded("drawing");

@@ -298,6 +298,16 @@ test("keys, wheel and touch reach the drawing", async () => {
     return Promise.all([max, min].map(window.vek0.toScreen));
   });
   assert.ok(Math.abs(bottom - top - 50) < 0.01);
+  // Pasting puts the lower left corner where the click is.
+  await page.keyboard.press("Control+c");
+  await page.keyboard.press("Control+v");
+  await page.waitForFunction(() => document.getElementById("command").value.startsWith("copy "));
+  const count = (await run(() => window.vek0.list())).length;
+  await page.mouse.click(corner.x + 20, corner.y + 300);
+  await page.waitForFunction((n) => window.vek0.list().then((all) => all.length > n), count);
+  const [x, y] = await run(async () =>
+    window.vek0.toScreen((await window.vek0.list()).at(-1).extents.min));
+  assert.ok(Math.hypot(x - 20, y - 300) < 0.1);
   const touch = await freshPage({ hasTouch: true });
   await open(sample("flange.dxf"), touch);
   const client = await touch.context().newCDPSession(touch);
@@ -385,13 +395,15 @@ test("the tool serves the page, and writes it with a drawing inside", async () =
   assert.equal((await alone.evaluate(() => window.vek0.list())).length, 28);
   assert.throws(() => vek0("view", sample("flange.dxf"), "-o", out, "--page", folder), { status: 3 });
   assert.throws(() => vek0("serve", sample("house.dxf"), sample("house.dxf"), "--page", folder), { status: 2 });
-  const child = spawn(tool, ["serve", sample("house.dxf"), "--page", folder]);
+  const child = spawn(tool, ["serve", sample("house.dxf"), sample("room_ac1015.dxf"), "--page", folder]);
   try {
-    const address = String((await once(child.stdout, "data"))[0]).trim();
+    const address = String((await once(child.stdout, "data"))[0]).split("\n")[0];
     assert.match(address, /^http:\/\/127\.0\.0\.1:\d+\/[0-9a-f]{32}\/\?file=house\.dxf$/);
     await alone.goto(address);
     await alone.evaluate(() => window.vek0.ready);
     assert.match(await alone.title(), /house\.dxf/);
+    await alone.locator("#samples").selectOption("files/room_ac1015.dxf");
+    await alone.waitForFunction(() => document.title.includes("room_ac1015.dxf"));
     const base = address.replace(/\?.*/, "");
     for (const wrong of [`${base}files/flange.dxf`, `${base}files/..%2Fflange.dxf`, new URL("/", base)])
       assert.equal((await fetch(wrong)).status, 404);

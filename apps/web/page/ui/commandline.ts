@@ -1,4 +1,5 @@
 // The command line with its history.
+import type { Point } from "../protocol";
 import type { Session } from "../session";
 import { byId } from "./dom";
 import type { Mode } from "./input";
@@ -8,6 +9,7 @@ export class CommandLine {
   private readonly field = byId<HTMLInputElement>("command");
   private readonly history: string[] = [];
   private place = 0;
+  private runsAtClick = false;
 
   constructor(private readonly session: Session, private readonly overlay: Overlay,
     private readonly say: (text: string) => void) {
@@ -37,10 +39,13 @@ export class CommandLine {
     }
   }
 
-  /** Begins a command; clicks add its points, Enter runs it. */
-  begin(word: string): void {
+  /** Begins a command; clicks add its points, Enter runs it. Where its first point is known, the
+   * next one runs it. */
+  begin(word: string, first?: Point): void {
     this.clear();
-    this.field.value = `${word} `;
+    this.field.value = first ? `${word} ${first.join(",")} ` : `${word} `;
+    if (first) this.overlay.measured = [first];
+    this.runsAtClick = first !== undefined;
     this.field.focus();
   }
 
@@ -53,12 +58,14 @@ export class CommandLine {
         this.overlay.measured.push(point);
         this.overlay.draw();
         this.field.focus();
+        if (this.runsAtClick) void this.run(this.field.value);
       },
     };
   }
 
   clear(): void {
     this.field.value = "";
+    this.runsAtClick = false;
     this.overlay.measured = [];
     this.overlay.snap = null;
     this.overlay.draw();
