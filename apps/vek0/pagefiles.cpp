@@ -24,7 +24,9 @@ std::optional<fs::path> findPage(const std::string& given, std::string& error) {
     return {};
   }
   const fs::path program = fs::read_symlink("/proc/self/exe", ignored).parent_path();
-  for (const char* const place : {"../share/vek0/page", "../../../web/page"})
+  // Without /proc, the program does not know its own place.
+  for (const char* const place :
+       {"../share/vek0/page", "../../../web/page", "/usr/share/vek0/page"})
     if (isPage(program / place)) return (program / place).lexically_normal();
   error = "the page is not installed; apps/web/page/build builds it, and --page names its folder";
   return {};
