@@ -74,7 +74,9 @@ std::string shapeOf(CEnt& ent) {
     case CEntPolyline::kType: {
       const auto& polyline = static_cast<const CEntPolyline&>(ent);
       const char* form = polyline.isClosed() ? ", closed, {} points" : ", {} points";
-      return formatted(form, polyline.getNoVisibleVertexes());
+      int count = 0;
+      polyline.forEachBulged([&](const auto&...) { ++count; });
+      return formatted(form, count);
     }
     case CEntHatch::kType:
       return formatted(
