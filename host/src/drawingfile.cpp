@@ -189,6 +189,29 @@ ReadResult loadFile(CData& data, CDXFSource& source, const std::string& path,
   return readWith(read, data, path, session, false);
 }
 
+ReadResult passFile(Drawing& data, const std::string& path, const Session& session,
+                    const std::function<void(CEnt& ent)>& onEntity,
+                    const std::function<void()>& onRestart) {
+  const auto read = [&](CFileDXFIError* err, const CFileDXFIOptions& options) {
+    CFileDXFIOptions passing = options;
+    passing.onPassing = onEntity;
+    return loadDXF(*data, *openForReading(path, session), err, passing);
+  };
+  const bool isStored = sizeOf(path) > 0;
+  Session trial = session;
+  trial.log = nullptr;
+  ReadResult result;
+  if (isStored) result = readWith(read, *data, path, trial, false);
+  // Of a failed drawing, only the items that its entities use are of interest.
+  if (isStored && result.ok()) {
+    logReading(path, result, session);
+    return result;
+  }
+  onRestart();
+  data = newDrawing();
+  return loadFile(*data, path, session);
+}
+
 ReadResult importFile(CData& data, const std::string& path, const CImportPlan& plan,
                       const Session& session) {
   const auto read = [&](CFileDXFIError* err, const CFileDXFIOptions& options) {

@@ -77,15 +77,12 @@ class KindVisitor final : public IEntVisitor {
 
 }  // namespace
 
-EntityCounts::EntityCounts(CData& data) {
+void EntityCounts::add(CEnt& ent) {
   KindVisitor visitor;
-  for (CEnt* entity : data.getEntTable().getEntityTbl()) {
-    entity->accept(visitor);
-    ++m_counts[visitor.kind];
-    if (const CEntInsertBase* insert = entity->getEntInsert()) {
-      m_counts[kAttrib] += static_cast<long>(insert->GetNoAttribs());
-    }
-  }
+  ent.accept(visitor);
+  ++m_counts[visitor.kind];
+  if (const CEntInsertBase* insert = ent.getEntInsert())
+    m_counts[kAttrib] += static_cast<long>(insert->GetNoAttribs());
 }
 
 Json EntityCounts::toJson() const {

@@ -179,8 +179,7 @@ std::string number(double value) {
   return json.dump();
 }
 
-std::string extentsLine(const CData& data) {
-  const RECT_3D& box = data.getEntTable().getBdry();
+std::string extentsLine(const RECT_3D& box) {
   if (!box.validRegion()) return "  extents: none\n";
   const auto point = [](const PNT_3D& p) {
     return "(" + number(p.x) + ", " + number(p.y) + ", " + number(p.z) + ")";
@@ -218,7 +217,30 @@ std::string unitsText(const ReadResult& result) {
 
 }  // namespace
 
-Json summaryToJson(const std::string& path, CData& data, const ReadResult& result) {
+ModelSummary::ModelSummary() { m_extents.initRegion(); }
+
+ModelSummary::ModelSummary(CData& data) : ModelSummary() { addAll(data); }
+
+void ModelSummary::add(CEnt& ent) {
+  m_isEmpty = false;
+  m_counts.add(ent);
+  if (!ent.getLayer() || !ent.getLayer()->isFrozen()) m_extents.updateRegion(ent.getBdry());
+}
+
+void ModelSummary::addAll(CData& data) {
+  for (CEnt* ent : data.getEntTable().getEntityTbl()) add(*ent);
+}
+
+ReadResult summarizeFile(Drawing& data, ModelSummary& model, const std::string& path,
+                         const Session& session) {
+  const ReadResult result = passFile(
+      data, path, session, [&](CEnt& ent) { model.add(ent); }, [&] { model = ModelSummary(); });
+  model.addAll(*data);
+  return result;
+}
+
+Json summaryToJson(const std::string& path, CData& data, const ReadResult& result,
+                   const ModelSummary& model) {
   Json summary;
   summary["file"] = path;
   summary["ok"] = result.ok();
@@ -234,12 +256,13 @@ Json summaryToJson(const std::string& path, CData& data, const ReadResult& resul
   summary["blocks"] = blocksToJson(data);
   summary["layouts"] = layoutsToJson(data);
   summary["references"] = referencesToJson(data);
-  summary["entities"] = EntityCounts(data).toJson();
-  summary["extents"] = extentsToJson(data.getEntTable().getBdry());
+  summary["entities"] = model.counts().toJson();
+  summary["extents"] = extentsToJson(model.extents());
   return summary;
 }
 
-std::string summaryToText(const std::string& path, CData& data, const ReadResult& result) {
+std::string summaryToText(const std::string& path, CData& data, const ReadResult& result,
+                          const ModelSummary& model) {
   const std::string version = result.outcome.version.toUtf8();
   std::string text = visible(path) +
                      "\n  version: " + (version.empty() ? "not stated" : visible(version)) +
@@ -252,11 +275,10 @@ std::string summaryToText(const std::string& path, CData& data, const ReadResult
   if (!layouts.empty()) text += layoutLines(layouts);
   const Json references = referencesToJson(data);
   if (!references.empty()) text += referenceLines(references);
-  text += "  entities: " + EntityCounts(data).toText();
-  if (data.getEntTable().getEntityTbl().empty() && !result.elsewhere().empty())
-    text += "; " + result.elsewhere();
+  text += "  entities: " + model.counts().toText();
+  if (model.isEmpty() && !result.elsewhere().empty()) text += "; " + result.elsewhere();
   text += "\n";
-  text += extentsLine(data) + variableLines(data);
+  text += extentsLine(model.extents()) + variableLines(data);
   if (!result.report.empty()) text += "  skipped or repaired:\n" + reportToText(result.report);
   return text;
 }

@@ -16,15 +16,16 @@ struct InfoOptions {
 };
 
 void describe(const std::string& path, const InfoOptions& options, Session& session) {
-  const Drawing data = newDrawing();
-  const ReadResult result = loadFile(*data, path, session);
+  Drawing data = newDrawing();
+  ModelSummary model;
+  const ReadResult result = summarizeFile(data, model, path, session);
   if (!result.ok()) session.failed(kDrawingFailed);
   if (options.json) {
-    std::printf("%s\n", toLine(summaryToJson(path, *data, result)).c_str());
+    std::printf("%s\n", toLine(summaryToJson(path, *data, result, model)).c_str());
     return;
   }
   if (!result.ok()) session.complain(path + ": " + result.message());
-  if (result.opened()) print(summaryToText(path, *data, result));
+  if (result.opened()) print(summaryToText(path, *data, result, model));
 }
 
 }  // namespace
@@ -40,7 +41,8 @@ void addInfoCommand(CLI::App& app, Session& session) {
       "Examples:\n"
       "  vek0 info plan.dxf\n"
       "  vek0 info --json *.dxf | jq -r 'select(.entities.INSERT > 100) | .file'\n\n"
-      "A file with an error is described as far as it could be read; the exit code is then 1.");
+      "A file with an error is described as far as it could be read; the exit code is then 1.\n"
+      "Files may be larger than memory, unless they have errors or come from a pipe.");
   verb->callback([options, &session] {
     runBatch(jobsOf(options->batch, "", session), options->batch, session,
              [&](const BatchJob& job) { describe(job.in, *options, session); });

@@ -124,7 +124,8 @@ long Engine::putHandles(const std::vector<CEnt*>& ents) {
 // --- About the drawing
 
 Json Engine::info() const {
-  return host::summaryToJson(drawing().name(), drawing().data(), drawing().reading());
+  return host::summaryToJson(drawing().name(), drawing().data(), drawing().reading(),
+                             host::ModelSummary(drawing().data()));
 }
 
 Json Engine::report() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -53,6 +54,14 @@ ReadResult loadFile(CData& data, const std::string& path, const Session& session
 /// each record (`CFileDXFIPolicy::wholeRecords`).
 ReadResult loadFile(CData& data, CDXFSource& source, const std::string& path,
                     const Session& session);
+
+/// Reads `path` like `loadFile` into a new drawing, and passes the entities of model space to
+/// `onEntity` instead of keeping them (`CFileDXFIOptions::onPassing`), so that memory is bounded by
+/// definitions, sheets and hatches. Pipes, failing files, and files whose definitions follow their
+/// entities are loaded as usual: `onRestart` is called before, and `data` is another new drawing.
+ReadResult passFile(Drawing& data, const std::string& path, const Session& session,
+                    const std::function<void(CEnt& ent)>& onEntity,
+                    const std::function<void()>& onRestart);
 
 /// The session's options for reading drawings; without a report.
 CFileDXFIOptions readingOptions(const Session& session);

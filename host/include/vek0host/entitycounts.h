@@ -12,7 +12,7 @@ namespace vek0::host {
 /// Number of entities of each kind in model space; attributes attached to inserts count as ATTRIB.
 class EntityCounts {
  public:
-  explicit EntityCounts(CData& data);
+  void add(CEnt& ent);
 
   /// {"LINE": n, ...} with the kinds that occur, in the order of `kKinds`.
   Json toJson() const;

@@ -65,6 +65,11 @@ struct CFileDXFIOptions {
   /// Called with each entity, before it joins the drawing, and the line at which its record begins;
   /// with every entity of a record that yields several. It may still be dropped.
   std::function<void(const CEnt& ent, long line)> onEntity = {};
+  /// For hosts that count or measure a drawing which need not fit into memory: called with each
+  /// entity of model space, which is then deleted instead of joining the drawing. Hatches, and
+  /// inserts whose content is not complete yet, join it without a call. If definitions follow such
+  /// entities, reading stops: `CFileDXFIResult::isOutdated`. Loading only.
+  std::function<void(CEnt& ent)> onPassing = {};
   /// Maximum number of entities to read, those of blocks included; 0 for no limit. Further ones are
   /// skipped and reported.
   long maxEntities = 0;

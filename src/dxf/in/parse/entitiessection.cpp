@@ -1,5 +1,4 @@
 #include "dxf/in/parse/entitiessection.h"
-#include "tables/handover.h"
 
 #include <utility>
 
@@ -22,7 +21,14 @@ void EntitiesSection::add(EntPtr ent) {
   if (!ent) return;
   m_hasAdded = true;
   if (m_in.loader->isOnSheet()) return m_sheets.add(std::move(ent), m_in.loader->getLayout());
-  addTo(m_in.semantor, std::move(ent));
+  m_in.semantor.add(ent.get());
+  ent.release();
+}
+
+void EntitiesSection::endPassing() {
+  if (!m_options.onPassing || !m_hasAdded) return;
+  m_isOutdated = m_isCancelled = true;
+  m_in.lexer.stop();
 }
 
 // Calls the progress callback every thousand entities.

@@ -29,6 +29,11 @@ class EntitiesSection {
   bool hasAdded() const { return m_hasAdded; }
   bool isCancelled() const { return m_isCancelled; }
 
+  /// Stops the reading if entities have passed (`CFileDXFIOptions::onPassing`): what follows may
+  /// define them anew.
+  void endPassing();
+  bool isOutdated() const { return m_isOutdated; }
+
  private:
   void add(EntPtr ent);
   void note(const CEnt& ent, long line);
@@ -40,6 +45,7 @@ class EntitiesSection {
   const CFileDXFIOptions& m_options;
   bool m_hasAdded = false;
   bool m_isCancelled = false;
+  bool m_isOutdated = false;
   long m_count = 0;    // of records read so far
   std::string m_kind;  // of the entity being read, as bytes; kept to reuse its memory
 };

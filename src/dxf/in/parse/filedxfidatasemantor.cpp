@@ -76,7 +76,19 @@ CBlockTable& IFileDXFIDataSemantor::getBlockTable() { return m_data.getBlockTabl
 CBlockXRefDepend& IFileDXFIDataSemantor::getDepend() { return m_data.getDepend(); }
 IHandleGestor& IFileDXFIDataSemantor::getHandleGestor() { return m_data.getHandleGestor(); }
 CEntFactory& IFileDXFIDataSemantor::getEntFactory() { return m_data.getEntFactory(); }
-void IFileDXFIDataSemantor::add(CEnt* ent) { m_data.getEntTable().add(ent); }
+void IFileDXFIDataSemantor::add(CEnt* ent) {
+  if (!m_options.onPassing || !isSettled(*ent)) return m_data.getEntTable().add(ent);
+  m_options.onPassing(*ent);
+  delete ent;
+}
+
+// Whether the end of the file changes nothing about an entity that nothing refers to.
+bool IFileDXFIDataSemantor::isSettled(CEnt& ent) const {
+  const CEntInsertBase* insert = ent.getEntInsert();
+  if (!insert) return true;
+  return ent.getType() != CEntHatch::kType && insert->getBlock() &&
+         !isPlaceholder(*insert->getBlock());
+}
 
 // -- layers, linetypes, styles ---------------------------------------------------
 

@@ -57,6 +57,7 @@ CFileDXFIParser::CFileDXFIParser(IFile& file, IFileDXFISemantor& semantor, CEntF
 CFileDXFIParser::~CFileDXFIParser() = default;
 
 bool CFileDXFIParser::isCancelled() const { return m_sections->entities.isCancelled(); }
+bool CFileDXFIParser::isOutdated() const { return m_sections->entities.isOutdated(); }
 const zim::WString& CFileDXFIParser::getVersionName() const {
   return m_sections->header.getVersionName();
 }
@@ -154,10 +155,15 @@ void CFileDXFIParser::readFragment() {
     if (in.code() != 0)
       read();
     else if (in.isKeyword("BLOCK"))
-      m_sections->blocks.readBlock();
+      readLooseBlock();
     else
       m_sections->entities.addOne();
   }
+}
+
+void CFileDXFIParser::readLooseBlock() {
+  m_sections->entities.endPassing();
+  m_sections->blocks.readBlock();
 }
 
 // A file of a different format has no section either. What depends on everything that was read
@@ -193,7 +199,10 @@ CFileDXFIParser::ReadSection CFileDXFIParser::findSection() const {
 void CFileDXFIParser::readSection() {
   vek0::detail::SectionInput& in = m_sections->in;
   if (in.code() != 2 && !in.expect(2)) return;
-  if (const ReadSection readKnown = findSection()) return (this->*readKnown)();
+  if (const ReadSection readKnown = findSection()) {
+    if (!in.isKeyword("ENTITIES")) m_sections->entities.endPassing();
+    return (this->*readKnown)();
+  }
   if (in.isTolerant()) return readFurtherSection();
   readOtherSection();
 }

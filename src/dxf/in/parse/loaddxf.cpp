@@ -29,6 +29,7 @@ CFileDXFIResult parse(CData& data, IFile& file, CFileDXFIError& record,
   result.measurement = parser.getMeasurement();
   result.insertionBase = parser.getInsertionBase();
   result.handleSeed = parser.getHandleSeed();
+  result.isOutdated = parser.isOutdated();
   if (parser.isCancelled())
     result.status = CFileDXFIResult::Cancelled;
   else if (done)

@@ -112,6 +112,7 @@ class VEK0_API IFileDXFIDataSemantor : public IFileDXFISemantor {
   };
 
   void fail(int kind) const;
+  bool isSettled(CEnt& ent) const;
   CBlockXRef* findXRef(const zim::WString& name) const;
   CBlockXRef* needXRef(const zim::WString& name);
   CBlockXRef* addXRef(const zim::WString& name, const zim::WString& path, const PNT_3D& base,

@@ -51,6 +51,8 @@ class VEK0_API CFileDXFIParser {
 
   /// Whether the host canceled the reading (`CFileDXFIOptions::progress`).
   bool isCancelled() const;
+  /// `CFileDXFIResult::isOutdated`; the reading is then canceled, too.
+  bool isOutdated() const;
   /// `$ACADVER` as stated in the file; empty if missing.
   const zim::WString& getVersionName() const;
   /// `$INSUNITS` and `$MEASUREMENT`; 0 and -1 if missing.
@@ -105,6 +107,7 @@ class VEK0_API CFileDXFIParser {
   void seekSection();
   bool isSectionOrEnd() const;
   void readFragment();
+  void readLooseBlock();
   void readEnd();
   ReadSection findSection() const;
   void readSection();

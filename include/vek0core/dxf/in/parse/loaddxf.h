@@ -37,6 +37,9 @@ struct CFileDXFIResult {
   long measurement = -1;          ///< `$MEASUREMENT`: 0 imperial, 1 metric; -1 not stated
   PNT_3D insertionBase{0, 0, 0};  ///< `$INSBASE`: point to insert the drawing by
   vek0::Handle handleSeed = 0;    ///< `$HANDSEED`: above all handles of the file; 0 not stated
+  /// Definitions follow entities that `CFileDXFIOptions::onPassing` has seen, and may change them:
+  /// what it learned is void, and the status is `Cancelled`.
+  bool isOutdated = false;
 };
 
 /// The same with options: report and policy.
