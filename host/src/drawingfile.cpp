@@ -165,6 +165,15 @@ Drawing newDrawing() {
   return Drawing(CDataFactory().createData(std::make_unique<CHandleManager>()));
 }
 
+void keepUntilExit(Drawing data) {
+#if defined(_WIN32) || !defined(NDEBUG)
+  data.reset();
+#else
+  static Drawing* const kept = new Drawing;  // without a destructor that would run at the end
+  *kept = std::move(data);
+#endif
+}
+
 void startHandles(CData& data) {
   if (auto* manager = dynamic_cast<CHandleManager*>(&data.getHandleGestor())) manager->start(data);
 }

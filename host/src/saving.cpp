@@ -52,6 +52,10 @@ class RewrittenDrawing {
     if (isNew && (session.reading.hatchOutlines || !m_source->isComplete())) m_source.reset();
   }
 
+  ~RewrittenDrawing() { keepUntilExit(std::move(data)); }
+  RewrittenDrawing(const RewrittenDrawing&) = delete;
+  RewrittenDrawing& operator=(const RewrittenDrawing&) = delete;
+
   /// Whether what is not read stays in the file.
   bool isCarriedOver() const { return m_source.has_value(); }
 
@@ -127,7 +131,7 @@ class RewrittenDrawing {
   bool m_isFromR12 = false;
 
  public:
-  const Drawing data;
+  Drawing data;
 };
 
 }  // namespace

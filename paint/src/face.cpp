@@ -47,8 +47,15 @@ struct OutlineBuilder {
 
 }  // namespace
 
+std::array<FT_UInt, 128> Face::asciiGlyphsOf(FT_Face face) {
+  std::array<FT_UInt, 128> glyphs{};
+  for (std::size_t i = 0; i < glyphs.size(); ++i) glyphs[i] = FT_Get_Char_Index(face, i);
+  return glyphs;
+}
+
 Face::Face(FT_Face face, FACE_FILE file, bool bold, bool italic)
     : m_face(face),
+      m_ascii(asciiGlyphsOf(face)),
       m_file(std::move(file)),
       m_makeBold(bold && (face->style_flags & FT_STYLE_FLAG_BOLD) == 0),
       m_makeItalic(italic && (face->style_flags & FT_STYLE_FLAG_ITALIC) == 0),

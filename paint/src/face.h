@@ -3,6 +3,7 @@
 #include <ft2build.h>
 #include <hb.h>
 
+#include <array>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -28,7 +29,9 @@ class Face {
   std::string family() const { return m_face->family_name ? m_face->family_name : "sans-serif"; }
 
   /// 0 for a character that the face lacks; glyph 0 represents missing ones.
-  FT_UInt index(char32_t character) const { return FT_Get_Char_Index(m_face, character); }
+  FT_UInt index(char32_t character) const {
+    return character < m_ascii.size() ? m_ascii[character] : FT_Get_Char_Index(m_face, character);
+  }
   const GLYPH_OUTLINE& glyph(FT_UInt index);
   double kerning(FT_UInt left, FT_UInt right) const;
   /// What synthetic bold adds to the advance of a glyph.
@@ -38,6 +41,7 @@ class Face {
   hb_font_t* shaper();
 
  private:
+  static std::array<FT_UInt, 128> asciiGlyphsOf(FT_Face face);
   void load(FT_UInt index, GLYPH_OUTLINE& glyph);
   double measureCapitals() const;
   FT_Pos boldStrength() const;
@@ -48,6 +52,7 @@ class Face {
   };
 
   FT_Face m_face;
+  std::array<FT_UInt, 128> m_ascii{};  // glyphs of most characters of most drawings
   FACE_FILE m_file;
   bool m_makeBold, m_makeItalic;
   double m_capHeight;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <numbers>
 #include <utility>
@@ -30,6 +31,17 @@ int curveCount(double radius, double sweepRad) {
   return std::max(1, static_cast<int>(std::ceil(std::fabs(sweepRad) / angle - 1e-9)));
 }
 
+// A part of a color as a share of 1. Three decimals restore the byte.
+const std::string& shareOf(std::uint8_t part) {
+  static const auto shares = [] {
+    std::array<std::string, 256> texts;
+    for (std::size_t i = 0; i < texts.size(); ++i)
+      appendReal(texts[i], std::round(static_cast<double>(i) / 0.255) / 1000);
+    return texts;
+  }();
+  return shares[part];
+}
+
 }  // namespace
 
 // -- pages ---------------------------------------------------------------------------
@@ -50,8 +62,8 @@ void PdfContent::startPage(const SHEET& sheet) {
   m_color = sheet.background;
   useColor(&State::fill, " g\n", " rg\n");
   m_out += "0 0 ";
-  appendPoint(steps(static_cast<double>(sheet.width)), steps(static_cast<double>(sheet.height)));
-  m_out += " re f\n";
+  appendPoint(steps(static_cast<double>(sheet.width)), steps(static_cast<double>(sheet.height)),
+              " re f\n");
 }
 
 void PdfContent::endPage() {
@@ -63,18 +75,23 @@ void PdfContent::endPage() {
 // -- numbers -------------------------------------------------------------------------
 
 long PdfContent::steps(double length) const {
-  return std::lround(std::clamp(length * m_stepsPerUnit, -kMostSteps, kMostSteps));
+  const double count = std::clamp(length * m_stepsPerUnit, -kMostSteps, kMostSteps);
+  return static_cast<long>(count + (count < 0 ? -0.5 : 0.5));
 }
 
-void PdfContent::appendPoint(long x, long y) {
-  appendInteger(m_out, x);
-  m_out += ' ';
-  appendInteger(m_out, y);
+// Most of a page are points, so each is appended at once.
+void PdfContent::appendPoint(long x, long y, std::string_view operation) {
+  constexpr std::size_t kDigits = 24, kOperation = 8;
+  char text[2 * kDigits + kOperation];
+  char* at = std::to_chars(text, text + kDigits - 1, x).ptr;
+  *at++ = ' ';
+  at = std::to_chars(at, at + kDigits, y).ptr;
+  at += operation.copy(at, kOperation);
+  m_out.append(text, static_cast<std::size_t>(at - text));
 }
 
-void PdfContent::point(const PNT_2D& p, const char* operation) {
-  appendPoint(steps(p.x), steps(p.y));
-  m_out += operation;
+void PdfContent::point(const PNT_2D& p, std::string_view operation) {
+  appendPoint(steps(p.x), steps(p.y), operation);
 }
 
 void PdfContent::curveTo(const PNT_2D& control1, const PNT_2D& control2, const PNT_2D& to) {
@@ -109,7 +126,9 @@ void PdfContent::enterLayer() {
   if (wanted == m_openLayer) return;
   leaveLayer();
   if (wanted < 0) return;
-  m_out += "/OC /L" + std::to_string(wanted) + " BDC\n";
+  m_out += "/OC /L";
+  appendInteger(m_out, wanted);
+  m_out += " BDC\n";
   m_openLayer = wanted;
 }
 
@@ -128,19 +147,15 @@ void PdfContent::useAlpha() {
 void PdfContent::useColor(RGB_COLOR State::*color, const char* gray, const char* rgb) {
   if (m_state.*color == m_color) return;
   m_state.*color = m_color;
-  const auto part = [&](std::uint8_t value) {
-    // Three decimals restore the byte.
-    appendReal(m_out, std::round(value / 0.255) / 1000);
-  };
-  part(m_color.r);
+  m_out += shareOf(m_color.r);
   if (m_color.g == m_color.r && m_color.b == m_color.r) {
     m_out += gray;
     return;
   }
   m_out += ' ';
-  part(m_color.g);
+  m_out += shareOf(m_color.g);
   m_out += ' ';
-  part(m_color.b);
+  m_out += shareOf(m_color.b);
   m_out += rgb;
 }
 
@@ -214,16 +229,14 @@ void PdfContent::dashedStroke(const PNT_2D* points, std::size_t count, const Dra
 
 void PdfContent::chain(const PNT_2D* points, std::size_t count) {
   long x = steps(points[0].x), y = steps(points[0].y);
-  appendPoint(x, y);
-  m_out += " m\n";
+  appendPoint(x, y, kMove);
   bool isDot = true;
   for (std::size_t i = 1; i < count; ++i) {
     const long nextX = steps(points[i].x), nextY = steps(points[i].y);
     const bool isLast = i + 1 == count;
     // A line of no length is needed only if there is no other.
     if (nextX == x && nextY == y && !(isDot && isLast)) continue;
-    appendPoint(x = nextX, y = nextY);
-    m_out += " l\n";
+    appendPoint(x = nextX, y = nextY, kLine);
     isDot = false;
   }
   countPoints(count);
@@ -253,7 +266,7 @@ void PdfContent::arc(const PNT_2D& center, double radius, double startRad, doubl
 
 void PdfContent::ring(const PNT_2D* points, std::size_t count, bool reversed) {
   for (std::size_t i = 0; i < count; ++i)
-    point(points[reversed ? count - 1 - i : i], i == 0 ? " m\n" : " l\n");
+    point(points[reversed ? count - 1 - i : i], i == 0 ? kMove : kLine);
 }
 
 void PdfContent::fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
@@ -342,8 +355,9 @@ void PdfContent::text(const PDF_RUN& run) {
     appendReal(m_out, factor * m_stepsPerUnit);
     m_out += ' ';
   }
-  appendPoint(steps(m.e), steps(m.f));
-  m_out += " Tm " + run.glyphs + " TJ ET\n";
+  appendPoint(steps(m.e), steps(m.f), " Tm ");
+  m_out += run.glyphs;
+  m_out += " TJ ET\n";
   if (!run.replaced.empty()) m_out += "EMC\n";
   m_stream.endOperator();
 }

@@ -57,8 +57,8 @@ class PdfContent {
   /// Contours are filled by the non-zero rule between the two calls.
   void beginOutline();
   void endOutline();
-  void moveTo(const PNT_2D& to) { point(to, " m\n"); }
-  void lineTo(const PNT_2D& to) { point(to, " l\n"); }
+  void moveTo(const PNT_2D& to) { point(to, kMove); }
+  void lineTo(const PNT_2D& to) { point(to, kLine); }
   void curveTo(const PNT_2D& control1, const PNT_2D& control2, const PNT_2D& to);
 
   /// Numbers of the layers that have content on any page, by their names.
@@ -69,6 +69,7 @@ class PdfContent {
  private:
   enum Path { None, Strokes, Fills };
   static constexpr const char* kNoDashes = "[] 0";
+  static constexpr std::string_view kMove = " m\n", kLine = " l\n";
 
   // The graphics state, as the operators have set it.
   struct State {
@@ -81,8 +82,8 @@ class PdfContent {
   };
 
   long steps(double length) const;
-  void point(const PNT_2D& p, const char* operation);
-  void appendPoint(long x, long y);
+  void point(const PNT_2D& p, std::string_view operation);
+  void appendPoint(long x, long y, std::string_view operation);
   void ring(const PNT_2D* points, std::size_t count, bool reversed);
 
   void startStrokes(long width, const std::string& dashes = kNoDashes);

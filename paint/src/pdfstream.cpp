@@ -68,33 +68,62 @@ std::string hexOfUtf16(std::u16string_view text) {
 
 std::string pdfText(std::u16string_view text) { return "<FEFF" + hexOfUtf16(text) + ">"; }
 
-std::string deflated(std::string_view bytes) {
+namespace {
+
+class Deflater {
+ public:
+  explicit Deflater(int level) : m_compressor(libdeflate_alloc_compressor(level)) {
+    if (!m_compressor) throw std::bad_alloc();
+  }
+
+  std::string operator()(std::string_view bytes) const {
+    std::string result(libdeflate_zlib_compress_bound(m_compressor.get(), bytes.size()), '\0');
+    result.resize(libdeflate_zlib_compress(m_compressor.get(), bytes.data(), bytes.size(),
+                                           result.data(), result.size()));
+    return result;
+  }
+
+ private:
   struct Delete {
     void operator()(libdeflate_compressor* each) const { libdeflate_free_compressor(each); }
   };
-  const int level = bytes.size() < kLittle ? kBestLevel : kFastLevel;
-  const std::unique_ptr<libdeflate_compressor, Delete> compressor(
-      libdeflate_alloc_compressor(level));
-  if (!compressor) throw std::bad_alloc();
-  std::string result(libdeflate_zlib_compress_bound(compressor.get(), bytes.size()), '\0');
-  result.resize(libdeflate_zlib_compress(compressor.get(), bytes.data(), bytes.size(),
-                                         result.data(), result.size()));
-  return result;
+  std::unique_ptr<libdeflate_compressor, Delete> m_compressor;
+};
+
+std::vector<std::string> deflatedBlocks(const std::vector<std::string>& texts) {
+  const Deflater deflate(kFastLevel);
+  std::vector<std::string> blocks;
+  for (const std::string& text : texts)
+    blocks.push_back(text.size() < kLittle ? deflated(text) : deflate(text));
+  return blocks;
 }
 
-// Where no thread can be started, the block is compressed when it is passed on.
+}  // namespace
+
+std::string deflated(std::string_view bytes) {
+  return Deflater(bytes.size() < kLittle ? kBestLevel : kFastLevel)(bytes);
+}
+
+void PdfStream::endBlock() {
+  m_texts.push_back(std::exchange(m_text, {}));
+  m_text.reserve(kBlock + kBlock / 4);
+  if (m_texts.size() >= kTogether) compress();
+}
+
+// Where no thread can be started, the blocks are compressed when they are passed on.
 void PdfStream::compress() {
   passOn();
-  m_block = std::async([text = std::exchange(m_text, {})] { return deflated(text); });
-  m_text.reserve(kBlock + kBlock / 4);
+  m_blocks = std::async([texts = std::exchange(m_texts, {})] { return deflatedBlocks(texts); });
 }
 
 void PdfStream::passOn() {
-  if (m_block.valid()) m_sink(m_block.get());
+  if (!m_blocks.valid()) return;
+  for (const std::string& block : m_blocks.get()) m_sink(block);
 }
 
 void PdfStream::finish() {
-  if (!m_text.empty()) compress();
+  if (!m_text.empty()) endBlock();
+  if (!m_texts.empty()) compress();
   passOn();
 }
 

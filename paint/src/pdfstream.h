@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace vek0::paint {
 
@@ -29,8 +30,8 @@ std::string pdfText(std::u16string_view text);
 /// Compresses bytes as zlib does. Throws `std::bad_alloc`.
 std::string deflated(std::string_view bytes);
 
-/// The operators of pages, compressed in blocks while they are written: memory holds two blocks in
-/// plain form, one of which another thread compresses.
+/// The operators of pages, compressed in blocks while they are written: another thread compresses
+/// some blocks while the next ones fill.
 class PdfStream {
  public:
   /// Receives the compressed blocks in order.
@@ -42,7 +43,7 @@ class PdfStream {
   std::string& text() { return m_text; }
   /// Call it between operators: blocks end only there.
   void endOperator() {
-    if (m_text.size() >= kBlock) compress();
+    if (m_text.size() >= kBlock) endBlock();
   }
   /// Passes on the rest.
   void finish();
@@ -51,13 +52,17 @@ class PdfStream {
   // Less than the 64 KB of qpdf's buffer: where the text of a longer stream exactly fills it at the
   // end of a piece of input, qpdf warns that the stream might be incomplete.
   static constexpr std::size_t kBlock = 48 << 10;
+  // Starting a thread takes as long as compressing some kilobytes.
+  static constexpr std::size_t kTogether = 16;
 
+  void endBlock();
   void compress();
   void passOn();
 
   Sink m_sink;
   std::string m_text;
-  std::future<std::string> m_block;  // the one that is being compressed
+  std::vector<std::string> m_texts;                // complete blocks
+  std::future<std::vector<std::string>> m_blocks;  // those that are being compressed
 };
 
 }  // namespace vek0::paint

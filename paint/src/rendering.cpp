@@ -94,7 +94,7 @@ class Renderer {
   void render(const std::string& in, const std::string& out) {
     // With several layers there are several files, which are checked one by one.
     if (!isNamedAfter() && !isWritable(out)) return;
-    const Drawing data = newDrawing();
+    Drawing data = newDrawing();
     // Fonts are found by name.
     const ReadResult result = loadFile(*data, in, m_session, true);
     if (!result.ok()) return fail(kDrawingFailed, in + ": " + result.message());
@@ -102,6 +102,7 @@ class Renderer {
     if (m_options.withReferences) readReferences(*data, in);
     m_fonts->adopt(*data);
     renderLoaded(*data, in, result, out);
+    keepUntilExit(std::move(data));
   }
 
   void renderOpened(const NamedDrawing& drawing, const std::string& out) {
