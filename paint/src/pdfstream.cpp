@@ -93,6 +93,7 @@ class Deflater {
 std::vector<std::string> deflatedBlocks(const std::vector<std::string>& texts) {
   const Deflater deflate(kFastLevel);
   std::vector<std::string> blocks;
+  blocks.reserve(texts.size());
   for (const std::string& text : texts)
     blocks.push_back(text.size() < kLittle ? deflated(text) : deflate(text));
   return blocks;

@@ -37,8 +37,8 @@ struct ReadResult {
 Drawing newDrawing();
 
 /// Takes a drawing that is done with, and frees it when the next one comes, or never: before a
-/// process ends, freeing a million entities one by one is wasted time. For one thread. Frees at once
-/// where one process works on several drawings, and in debug builds, which look for leaks.
+/// process ends, freeing a million entities one by one is wasted time. For one thread. Frees at
+/// once where one process works on several drawings, and in debug builds, which look for leaks.
 void keepUntilExit(Drawing data);
 
 /// Gives every entity a handle, now and when entities are added. `loadFile` calls it.

@@ -22,7 +22,7 @@ void EntitiesSection::add(EntPtr ent) {
   m_hasAdded = true;
   if (m_in.loader->isOnSheet()) return m_sheets.add(std::move(ent), m_in.loader->getLayout());
   m_in.semantor.add(ent.get());
-  ent.release();
+  static_cast<void>(ent.release());
 }
 
 void EntitiesSection::endPassing() {
