@@ -233,7 +233,7 @@ void ModelSummary::addAll(CData& data) {
 
 ReadResult summarizeFile(Drawing& data, ModelSummary& model, const std::string& path,
                          const Session& session) {
-  const ReadResult result = passFile(
+  ReadResult result = passFile(
       data, path, session, [&](CEnt& ent) { model.add(ent); }, [&] { model = ModelSummary(); });
   model.addAll(*data);
   return result;
