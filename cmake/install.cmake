@@ -23,6 +23,12 @@ configure_file(cmake/vek0draw.pc.in vek0draw.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vek0core.pc ${CMAKE_CURRENT_BINARY_DIR}/vek0draw.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
+# For those who have nothing but the package.
+set(VEK0_DOC_DIR ${CMAKE_INSTALL_DATADIR}/doc/vek0)
+install(FILES README.md DESTINATION ${VEK0_DOC_DIR})
+install(DIRECTORY docs DESTINATION ${VEK0_DOC_DIR} PATTERN decisions EXCLUDE)
+install(DIRECTORY examples samples DESTINATION ${VEK0_DOC_DIR})
+
 if(TARGET vek0)
   install(TARGETS vek0)
   # What `vek0 serve` and `vek0 view` show drawings in.
