@@ -25,9 +25,8 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vek0core.pc ${CMAKE_CURRENT_BINARY_DIR
 
 # For those who have nothing but the package.
 set(VEK0_DOC_DIR ${CMAKE_INSTALL_DATADIR}/doc/vek0)
-install(FILES README.md DESTINATION ${VEK0_DOC_DIR})
-install(DIRECTORY docs DESTINATION ${VEK0_DOC_DIR} PATTERN decisions EXCLUDE)
-install(DIRECTORY examples samples DESTINATION ${VEK0_DOC_DIR})
+install(FILES README.md ARCHITECTURE.md CONTRIBUTING.md DESTINATION ${VEK0_DOC_DIR})
+install(DIRECTORY docs examples samples DESTINATION ${VEK0_DOC_DIR})
 
 if(TARGET vek0)
   install(TARGETS vek0)
