@@ -13,6 +13,7 @@
 #include "geometry/pointgrid.h"
 #include "vek0core/entities/ent.h"
 #include "vek0core/entities/entfactory.h"
+#include "vek0core/entities/entline.h"
 #include "vek0core/geometry/finite.h"
 #include "vek0core/tables/layer.h"
 
@@ -29,6 +30,7 @@ constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 struct Part {
   const CEnt* ent;
   PNT_3D start, end;
+  bool isLine;
 };
 
 double sizeOf(const std::vector<Part>& parts, PNT_2D& lowest) {
@@ -68,7 +70,7 @@ class Joiner {
       if (!chain.take(*ent, tolerance)) continue;
       // Ends with invalid coordinates cannot meet anything.
       if (isFinite(chain.start()) && isFinite(chain.end()))
-        m_parts.push_back({ent, chain.start(), chain.end()});
+        m_parts.push_back({ent, chain.start(), chain.end(), ent->getType() == CEntLine::kType});
     }
     m_isUsed.assign(m_parts.size(), false);
   }
@@ -81,6 +83,7 @@ class Joiner {
     const double size = sizeOf(m_parts, lowest);
     PointGrid ends(std::max({m_tolerance, kFinest * size, std::numeric_limits<double>::min()}),
                    lowest);
+    ends.reserve(2 * m_parts.size());
     // The last one added is found first, so the earliest entities are added last.
     for (std::size_t i = m_parts.size(); i-- > 0;) {
       ends.add(m_parts[i].end, static_cast<std::uint32_t>(2 * i + 1));
@@ -134,9 +137,14 @@ class Joiner {
   }
 
   void use(std::size_t i, OpenChain& chain, std::vector<const CEnt*>& parts) {
+    const Part& part = m_parts[i];
     m_isUsed[i] = true;
-    chain.take(*m_parts[i].ent, m_tolerance);
-    parts.push_back(m_parts[i].ent);
+    // Most parts are lines: their entities, which are all over the memory, are not read again.
+    if (part.isLine)
+      chain.takeLine(part.start, part.end);
+    else
+      chain.take(*part.ent, m_tolerance);
+    parts.push_back(part.ent);
   }
 
   PNT_3D pointOf(std::size_t end) const {

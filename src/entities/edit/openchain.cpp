@@ -21,13 +21,17 @@ BULGED_VERTEX movedTo(const BULGED_VERTEX& at, const BULGED_VERTEX& segment) {
 
 }  // namespace
 
+void OpenChain::takeLine(const PNT_3D& from, const PNT_3D& to) {
+  m_vertexes = {vertexAt(from, 0), vertexAt(to, 0)};
+}
+
 bool OpenChain::take(const CEnt& ent, double tolerance) {
   m_vertexes.clear();
   if (ent.getType() == CEntLine::kType) {
     const auto& line = static_cast<const CEntLine&>(ent);
     // Rays and infinite lines have no ends to join.
     if (line.getReach() != LineReach::Segment) return false;
-    m_vertexes = {vertexAt(line.getLine().p1, 0), vertexAt(line.getLine().p2, 0)};
+    takeLine(line.getLine().p1, line.getLine().p2);
   } else if (ent.getType() == CEntArc::kType) {
     const EDGE_3D arc(static_cast<const CEntArc&>(ent).getArc());
     addVertexes(arc, m_vertexes);

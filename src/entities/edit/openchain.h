@@ -20,6 +20,8 @@ class OpenChain {
   /// if there are at least two); false for everything else, and if both ends coincide within the
   /// tolerance.
   bool take(const CEnt& ent, double tolerance);
+  /// The same for a line segment that is known to have two ends.
+  void takeLine(const PNT_3D& from, const PNT_3D& to);
 
   const BULGED_VERTEX& front() const { return m_vertexes.front(); }
   const BULGED_VERTEX& back() const { return m_vertexes.back(); }
