@@ -1,4 +1,5 @@
 #include "files/linereader.h"
+#include "files/number.h"
 #include "support/test.h"
 
 namespace vek0::detail {
@@ -44,15 +45,38 @@ TEST(LineReader, LineEndsAndMarks) {
   }
 }
 
-// Block boundaries must not affect the result.
+// The lines as another thread finds them, with its numbers.
+Lines splitAheadLinesOf(const std::string& text, std::size_t block, std::size_t portion,
+                        std::size_t& found) {
+  LineReader reader(sourceOf(text, portion), block);
+  reader.splitAhead();
+  EXPECT_TRUE(reader.begin());
+  Lines lines;
+  std::string_view line;
+  for (unsigned turn = 0;; ++turn) {
+    const SplitLine* split = turn % 3 == 0 ? nullptr : reader.nextIfSplit(line);
+    if (!split && !reader.next(line)) return lines;
+    lines.emplace_back(line.data(), line.size() + (split ? split->trailing : 0));
+    if (!split) continue;
+    ++found;
+    EXPECT_EQ(line, withoutTrailing(lines.back()));
+    if (split->kind != SplitLine::Kind::Other) {
+      EXPECT_EQ(split->number, parseDouble(line).value) << line;
+      EXPECT_TRUE(parseDouble(line).whole) << line;
+    }
+  }
+}
+
+// Block boundaries and other threads must not affect the result.
 TEST(LineReader, BlocksAndPortionsDoNotMatter) {
   std::mt19937_64 random(kLineSeed);
-  const std::string alphabet = "ab \n\n\r\r";
+  const std::string alphabet = "a1.-5 \n\n\r\r";
+  std::size_t found = 0;
   for (int i = 0; i < 2000; ++i) {
     std::string text = random() % 2 ? "" : random() % 2 ? "\xFF\xFE" : "\xEF\xBB\xBF";
     const bool wide = text.starts_with("\xFF");
     std::size_t column = 0;  // keeps lines shorter than the small block
-    for (auto left = random() % 400; left > 0; --left) {
+    for (auto left = random() % 1500; left > 0; --left) {
       char c = alphabet[random() % alphabet.size()];
       if (++column > 15) c = '\n';
       if (c == '\n') column = 0;
@@ -62,7 +86,10 @@ TEST(LineReader, BlocksAndPortionsDoNotMatter) {
     const Lines expected = linesOf(text);
     ASSERT_EQ(linesOf(text, 64, 1 + random() % 70), expected)
         << "seed " << kLineSeed << " round " << i;
+    ASSERT_EQ(splitAheadLinesOf(text, 64, 1 + random() % 70, found), expected)
+        << "seed " << kLineSeed << " round " << i;
   }
+  EXPECT_GT(found, 0u) << "the other thread never came first";
 }
 
 TEST(LineReader, LongLinesComeInPiecesThatKeepCharactersWhole) {

@@ -1,6 +1,7 @@
 // Different drawings may live in different threads: whatever they do at the same time gives what it
 // gives alone, and nothing that they share is raced for. Meant for the thread sanitizer
 // (./run-tests tsan).
+#include <random>
 #include <thread>
 
 #include "draw/recorder.h"
@@ -112,7 +113,46 @@ std::vector<std::string> resultsFrom(const std::vector<std::string>& files, std:
   return results;
 }
 
+// What reading finds, with that many threads: the drawing as it would be saved, and the report.
+std::string readWith(int threads, const std::string& bytes) {
+  CFileMemory in(u"in.dxf", IFile::kRead, bytes), out(u"out.dxf", IFile::kWrite);
+  CFileReport report;
+  CFileDXFIOptions options{&report, CFileDXFIPolicy::forAnyFile()};
+  options.threads = threads;
+  const Drawing data = newDrawing();
+  const CFileDXFIResult result = loadDXF(*data, in, nullptr, options);
+  std::ostringstream all;
+  all << result.status;
+  for (const CFileReport::Entry& entry : report.entries())
+    all << textOf(entry.code) << entry.firstLine << ' ' << entry.count << entry.sample.toUtf8();
+  SaveDXF(*data, out, CFileDXFOOptions{DxfVersion::R2018, kSaveExchange, nullptr});
+  return all.str() + out.bytes();
+}
+
+// A file large enough to be read ahead, with some damage.
+std::string damagedFile(std::mt19937& random) {
+  const std::string sample = bytesOf("every_kind_r12.dxf");
+  const std::size_t start = sample.find("ENTITIES") + 9, end = sample.find("  0\nENDSEC", start);
+  std::string text = sample.substr(0, start);
+  while (text.size() < 2'500'000) {
+    std::string entities = sample.substr(start, end - start);
+    constexpr std::string_view damage("\n\n\r\0\x1A\n9,-", 9);
+    const std::size_t at = random() % entities.size();
+    if (random() % 8 == 0) entities.replace(at, random() % 3, 1, damage[random() % damage.size()]);
+    text += entities;
+  }
+  return text + sample.substr(end);
+}
+
 }  // namespace
+
+TEST(Threads, ReadingAheadGivesTheSame) {
+  std::mt19937 random(20261124);
+  for (int round = 0; round < 4; ++round) {
+    const std::string file = damagedFile(random);
+    EXPECT_TRUE(readWith(2, file) == readWith(1, file)) << round;
+  }
+}
 
 TEST(Threads, DrawingsInDifferentThreadsAreIndependent) {
   std::vector<std::string> files;

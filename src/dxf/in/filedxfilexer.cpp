@@ -19,6 +19,8 @@
 
 using vek0::detail::BinaryText;
 using vek0::detail::LineReader;
+using vek0::detail::SplitLine;
+using vek0::detail::withoutTrailing;
 
 namespace {
 
@@ -28,16 +30,6 @@ constexpr std::size_t kMostUnits = CFileDXFILexer::kBufferUnits - 1;
 std::string_view withoutLineEnd(std::string_view line) {
   const std::size_t last = line.find_last_not_of("\r\n");
   return line.substr(0, last + 1);  // npos + 1 is 0
-}
-
-std::string_view withoutTrailing(std::string_view line) {
-  const char* const begin = line.data();
-  const char* end = begin + line.size();
-  while (end != begin &&
-         (end[-1] == '\n' || end[-1] == '\r' || end[-1] == ' ' || end[-1] == '\t')) {
-    --end;
-  }
-  return {begin, static_cast<std::size_t>(end - begin)};
 }
 
 LineReader::Source bytesOf(IFile& file) {
@@ -143,6 +135,8 @@ CFileDXFILexer::CFileDXFILexer(const CFileDXFILexer& other)
       m_decoder(other.m_decoder),
       m_line(other.m_line),
       m_group(other.m_group),
+      m_number(other.m_number),
+      m_isNumber(other.m_isNumber),
       m_string(u"") {
   other.keepValue();
   m_own = other.m_value;
@@ -177,6 +171,8 @@ void CFileDXFILexer::setTolerant() {
   refuseJunk();
   m_decoder.setSense(true);
 }
+
+void CFileDXFILexer::splitAhead() { m_lines->splitAhead(); }
 
 void CFileDXFILexer::fixCodePage(int page) {
   m_decoder.setPage(page);
@@ -221,6 +217,7 @@ long CFileDXFILexer::endFile() {
   m_cut = !m_stopped;
   m_own = "EOF";
   m_value = m_own;
+  m_isNumber = false;
   m_widened = false;
   return m_group = 0;
 }
@@ -228,6 +225,7 @@ long CFileDXFILexer::endFile() {
 // The last value was in the buffer that has been discarded.
 long CFileDXFILexer::fail() {
   m_value = {};
+  m_isNumber = false;
   m_widened = false;
   return -1;
 }
@@ -312,6 +310,12 @@ bool CFileDXFILexer::isForeign(std::string_view line) {
 }
 
 bool CFileDXFILexer::readValue() {
+  if (const SplitLine* split = m_lines->nextIfSplit(m_value)) {
+    m_number = split->number;
+    m_isNumber = split->kind != SplitLine::Kind::Other;
+    return takeValue(true);
+  }
+  m_isNumber = false;
   std::string_view line;
   bool whole = false;
   if (!readLine(line, whole)) {
@@ -320,12 +324,16 @@ bool CFileDXFILexer::readValue() {
   }
   // A value cut off by the end of the file may be incomplete, and so invalid.
   if (m_tolerant && !whole && isCutOff(line)) return false;
-  ++m_line;
   if (!m_byBytes) {
     m_own.swap(m_scratch);
     line = m_own;
   }
   m_value = withoutTrailing(line);
+  return takeValue(whole);
+}
+
+bool CFileDXFILexer::takeValue(bool whole) {
+  ++m_line;
   m_widened = false;
   if (!whole || m_value.size() > kMostUnits) finishLongValue(whole);
   // A copy of this lexer may advance the shared buffer.
@@ -405,6 +413,7 @@ bool CFileDXFILexer::isNumberMissing() const {
 }
 
 double CFileDXFILexer::getDouble() const {
+  if (m_isNumber) return m_number;
   if (isNumberMissing()) return 0;
   const vek0::detail::ParsedDouble number = vek0::detail::parseDouble(m_value);
   if (m_tolerant && number.finite && !number.whole) return repairedDouble();

@@ -5,6 +5,7 @@
 
 #include "dxf/in/binarytext.h"
 #include "files/number.h"
+#include "files/textblock.h"
 #include "vek0core/dxf/in/filedxfilexer.h"
 #include "zim0lang/utf8.h"
 
@@ -14,11 +15,6 @@ namespace {
 constexpr long kComment = 999;
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF", kLittleMark = "\xFF\xFE",
                            kBigMark = "\xFE\xFF";
-
-std::string_view withoutTrailing(std::string_view line) {
-  const std::size_t last = line.find_last_not_of("\r\n \t");
-  return line.substr(0, last + 1);  // npos + 1 is 0
-}
 
 // The group code of a line that has nothing else; -1 for any other.
 long codeOf(std::string_view line) {

@@ -112,6 +112,10 @@ class VEK0_API CFileDXFILexer {
   /// contrary to the header. The end of the file reads as the pair (0, "EOF"); a last value line
   /// without its line end is then dropped, unless it is that mark itself. All of this is reported.
   void setTolerant();
+  /// Before the first `read`: lets another thread find the lines of files beyond a megabyte and
+  /// read their numbers. The pairs are the same. The file is read by the calling thread alone, but
+  /// a megabyte farther ahead. Without effect where there are no threads.
+  void splitAhead();
   /// Treats the current position as the end of the file, without a report entry.
   void stop() { m_stopped = true; }
   bool isStopped() const { return m_stopped; }
@@ -132,6 +136,7 @@ class VEK0_API CFileDXFILexer {
   bool readLineOfFile(std::string_view& line, bool& whole);
   bool readCode();
   bool readValue();
+  bool takeValue(bool whole);
   long fail();
   long endFile();
   bool passStrayLine(std::string_view line);
@@ -163,8 +168,10 @@ class VEK0_API CFileDXFILexer {
 
   long m_line = 0;
   long m_group = 0;
-  mutable std::string_view m_value;              // a view into m_lines or of the front of m_own
-  mutable std::string m_own;                     // holds the value if m_lines does not keep it
+  mutable std::string_view m_value;  // a view into m_lines or of the front of m_own
+  mutable std::string m_own;         // holds the value if m_lines does not keep it
+  double m_number = 0;
+  bool m_isNumber = false;                       // the value is m_number
   std::string m_scratch;                         // by lines: the line just read, as UTF-8
   mutable std::unique_ptr<zim::Char[]> m_units;  // the value buffer, allocated when first needed
   mutable SmartString m_string;

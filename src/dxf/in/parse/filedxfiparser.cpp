@@ -5,6 +5,7 @@
 #include "vek0core/dxf/in/parse/filedxfiparser.h"
 
 #include <new>
+#include <thread>
 
 #include "dxf/in/parse/blockssection.h"
 #include "dxf/in/parse/draworder.h"
@@ -17,6 +18,15 @@
 #include "dxf/sheetplot.h"
 #include "vek0core/files/file.h"
 #include "vek0core/files/textcodec.h"
+
+namespace {
+
+bool mayUseThreads(const CFileDXFIOptions& options) {
+  if (options.threads == 0) return std::thread::hardware_concurrency() > 1;
+  return options.threads > 1;
+}
+
+}  // namespace
 
 /// The readers of the sections, which the parser calls in the order of the file.
 struct CFileDXFIParser::Sections {
@@ -51,6 +61,7 @@ CFileDXFIParser::CFileDXFIParser(IFile& file, IFileDXFISemantor& semantor, CEntF
   m_lexer.setReport(options.report);
   m_lexer.refuseJunk();
   if (options.policy.tolerant) m_lexer.setTolerant();
+  if (mayUseThreads(options)) m_lexer.splitAhead();
   if (options.codePage != kCodePageAuto) m_lexer.fixCodePage(options.codePage);
 }
 
