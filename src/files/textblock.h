@@ -14,7 +14,7 @@ constexpr char kCtrlZ = 0x1A;  ///< ends texts of old systems
 
 /// A line that has been found, and read if it is a number.
 struct SplitLine {
-  enum class Kind : std::uint8_t {
+  enum class Kind : std::uint32_t {
     Other,
     ShortNumber,  ///< blanks and up to four digits, like nearly every group code
     Real,         ///< another finite number, and nothing else
