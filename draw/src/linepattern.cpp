@@ -13,16 +13,15 @@ namespace {
 
 constexpr long kMostDashes = 100000;  // per stretch; no display can resolve more
 
-// A part of the path, by the distances of its ends.
-struct Stretch {
-  double from, to;
-};
+using Stretch = PatternScratch::Stretch;
 
 // Traverses a chain; requested distances never decrease.
 class Walk {
  public:
-  explicit Walk(const PatternWay& way) : m_way(way) {
-    m_drawn.reserve(way.points.size());
+  Walk(const PatternWay& way, PatternScratch& scratch)
+      : m_way(way), m_drawn(scratch.drawn), m_at(scratch.distances) {
+    m_drawn.clear();
+    m_at.clear();
     for (const WIDE_VERTEX& v : way.points) {
       m_drawn.emplace_back();
       way.toDrawing.transform(v.pnt, m_drawn.back());
@@ -86,21 +85,21 @@ class Walk {
   }
 
   const PatternWay& m_way;
-  std::vector<PNT_3D> m_drawn;  // the points in the drawing
-  std::vector<double> m_at;     // distance of every point, there
-  std::size_t m_next = 1;       // end of the current segment
+  std::vector<PNT_3D>& m_drawn;  // see PatternScratch
+  std::vector<double>& m_at;
+  std::size_t m_next = 1;  // end of the current segment
 };
 
 // The parts of the path visible in the window. Those of adjacent segments are merged if the corner
 // between them is visible.
-std::vector<Stretch> seenStretches(const PatternWay& way, const Walk& walk) {
+void findSeen(const PatternWay& way, const Walk& walk, std::vector<Stretch>& seen) {
+  seen.clear();
   double widest = 0;
   for (const WIDE_VERTEX& v : way.points)
     widest = std::max({widest, std::fabs(v.widthStart), std::fabs(v.widthEnd)});
   RECT_2D window = way.window;
   // Wide segments reach into the window before their middle does.
   window.inflate(widest * way.toDevice.scale(), widest * way.toDevice.scale());
-  std::vector<Stretch> seen;
   for (std::size_t i = 1; i < way.points.size(); ++i) {
     const PNT_2D p = way.toDevice.apply(way.points[i - 1].pnt);
     const PNT_2D q = way.toDevice.apply(way.points[i].pnt);
@@ -115,12 +114,10 @@ std::vector<Stretch> seenStretches(const PatternWay& way, const Walk& walk) {
     else
       seen.push_back({from, to});
   }
-  return seen;
 }
 
 void layStretch(const CLtypeComplexDashSeq& dashes, double scale, Walk& walk,
-                const Stretch& stretch, IPatternSink& sink) {
-  std::vector<WIDE_VERTEX> piece;
+                const Stretch& stretch, std::vector<WIDE_VERTEX>& piece, IPatternSink& sink) {
   const auto lay = [&](const ILtypeComplexDash& dash, double from, double to) {
     from += stretch.from;
     to += stretch.from;
@@ -144,15 +141,16 @@ void layStretch(const CLtypeComplexDashSeq& dashes, double scale, Walk& walk,
 }  // namespace
 
 bool layPattern(const CLtypeComplexDashSeq& dashes, double scale, const PatternWay& way,
-                IPatternSink& sink) {
+                PatternScratch& scratch, IPatternSink& sink) {
   if (way.points.size() < 2) return false;
-  Walk walk(way);
+  Walk walk(way, scratch);
   const double period = dashes.GetPatternLen() * scale;
   if (!(walk.length() > 0) || !std::isfinite(walk.length())) return false;
   // A pattern without length would never advance.
   if (!(period > 0) || !std::isfinite(period)) return false;
-  std::vector<WIDE_VERTEX> piece;
-  for (const Stretch& stretch : seenStretches(way, walk)) {
+  std::vector<WIDE_VERTEX>& piece = scratch.piece;
+  findSeen(way, walk, scratch.seen);
+  for (const Stretch& stretch : scratch.seen) {
     if (sink.isFull()) break;
     if (sink.hasStretches()) {
       const std::size_t start = walk.position();
@@ -160,7 +158,7 @@ bool layPattern(const CLtypeComplexDashSeq& dashes, double scale, const PatternW
       if (sink.stretch(piece, stretch.from, stretch.to - stretch.from)) continue;
       walk.goBack(start);
     }
-    layStretch(dashes, scale, walk, stretch, sink);
+    layStretch(dashes, scale, walk, stretch, piece, sink);
   }
   return true;
 }

@@ -39,12 +39,24 @@ struct PatternWay {
   const RECT_2D& window;  ///< on the device; nothing is laid outside it
 };
 
+/// What laying a pattern needs, reused from path to path.
+struct PatternScratch {
+  /// A part of the path, by the distances of its ends.
+  struct Stretch {
+    double from, to;
+  };
+  std::vector<PNT_3D> drawn;      ///< the points in the drawing
+  std::vector<double> distances;  ///< of every point, there
+  std::vector<Stretch> seen;      ///< what the window shows
+  std::vector<WIDE_VERTEX> piece;
+};
+
 /// Lays a linetype's pattern along a path, starting at its first point. Returns false, passing
 /// nothing on, if the pattern or the path has no finite length. A stretch with too many elements is
 /// passed as one dash. The cost is proportional to what the window shows, plus the points of the
 /// path.
 bool layPattern(const CLtypeComplexDashSeq& dashes, double scale, const PatternWay& way,
-                IPatternSink& sink);
+                PatternScratch& scratch, IPatternSink& sink);
 
 /// The pattern in lengths on the device, where `scale` is that of a unit of the pattern. Empty if
 /// the pattern has texts or no dashes.

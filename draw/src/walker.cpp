@@ -228,7 +228,7 @@ void Walker::strokeWay(bool closed) {
   if (closed && !m_way.empty()) m_way.push_back(m_way.front());
   const PatternWay way{m_way, m_stack.GetCurMatrix(), m_place, m_window};
   m_out.beginUnfolding();
-  if (!layPattern(*dashes, patternScale(), way, *this)) drawChain(m_way, false);
+  if (!layPattern(*dashes, patternScale(), way, m_pattern, *this)) drawChain(m_way, false);
   m_out.endUnfolding();
 }
 

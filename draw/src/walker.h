@@ -229,6 +229,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
   std::vector<PNT_2D> m_device;     // scratch
   double m_longestPattern = 0;      // on the device, that painters receive
   DrawDashes m_dashes;              // for painters that have them, with the phase of a path's start
+  PatternScratch m_pattern;         // scratch
   std::vector<std::size_t> m_ends;  // scratch
 };
 

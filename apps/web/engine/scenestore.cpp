@@ -1,6 +1,7 @@
 #include "scenestore.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <iterator>
@@ -23,6 +24,13 @@ std::uint32_t packed(const RGB_COLOR& color, std::uint8_t alpha) {
   return color.r | static_cast<std::uint32_t>(color.g) << byte |
          static_cast<std::uint32_t>(color.b) << 2 * byte |
          static_cast<std::uint32_t>(alpha) << 3 * byte;
+}
+
+// The finalizer of SplitMix64.
+std::uint64_t mixed(std::uint64_t value) {
+  value = (value ^ value >> 30) * 0xbf58476d1ce4e5b9;
+  value = (value ^ value >> 27) * 0x94d049bb133111eb;
+  return value ^ value >> 31;
 }
 
 }  // namespace
@@ -60,30 +68,45 @@ std::uint32_t SceneStyles::gatesOf(const DrawItem& item) {
 std::uint32_t SceneStyles::styleOf(const DrawItem& item, std::uint32_t dash) {
   constexpr std::uint32_t foreground = VEK0_FOREGROUND;
   const std::uint32_t flags = VEK0_VISIBLE | (item.isForeground ? foreground : 0);
-  const Key key{packed(item.color, item.alpha), narrow(item.weightMm), gatesOf(item), dash, flags};
+  const Key key{packed(item.color, item.alpha), static_cast<float>(item.weightMm), gatesOf(item),
+                dash, flags};
   if (m_lastStyle < m_styles.size() && key == m_lastKey) return m_lastStyle;
   const auto [at, isNew] = m_known.try_emplace(key, static_cast<std::uint32_t>(m_styles.size()));
   if (isNew) {
     m_styles.push_back({item.color.r, item.color.g, item.color.b, item.alpha, narrow(item.weightMm),
                         0, dash, flags, 0});
-    m_gatesOfStyle.push_back(std::get<2>(key));
+    m_gatesOfStyle.push_back(key.gates);
   }
   m_lastKey = key;
   m_lastStyle = at->second;
   return at->second;
 }
 
+std::size_t SceneStyles::KeyHash::operator()(const Key& key) const {
+  std::uint64_t hash = std::bit_cast<std::uint32_t>(key.weight);
+  for (const std::uint32_t part : {key.color, key.gates, key.dash, key.flags})
+    hash = mixed(hash ^ part);
+  return static_cast<std::size_t>(hash);
+}
+
 std::uint32_t SceneStyles::dashOf(const DrawDashes& dashes) {
-  const auto [at, isNew] = m_knownDashes.try_emplace({dashes.lengths, dashes.phase},
-                                                     static_cast<std::uint32_t>(m_dashes.size()));
-  if (isNew) {
-    const double period = std::accumulate(dashes.lengths.begin(), dashes.lengths.end(), 0.0);
-    m_dashes.push_back({static_cast<std::uint32_t>(m_lengths.size()),
-                        static_cast<std::uint32_t>(dashes.lengths.size()), narrow(period),
-                        narrow(dashes.phase)});
-    for (const double length : dashes.lengths) m_lengths.push_back(narrow(length));
+  std::uint64_t hash = mixed(std::bit_cast<std::uint64_t>(dashes.phase));
+  for (const double length : dashes.lengths)
+    hash = mixed(hash ^ std::bit_cast<std::uint64_t>(length));
+  const auto [first, last] = m_knownDashes.equal_range(static_cast<std::size_t>(hash));
+  for (auto at = first; at != last; ++at) {
+    const DrawDashes& known = m_givenDashes[at->second];
+    if (known.lengths == dashes.lengths && known.phase == dashes.phase) return at->second;
   }
-  return at->second;
+  const auto index = static_cast<std::uint32_t>(m_dashes.size());
+  m_knownDashes.emplace(static_cast<std::size_t>(hash), index);
+  m_givenDashes.push_back(dashes);
+  const double period = std::accumulate(dashes.lengths.begin(), dashes.lengths.end(), 0.0);
+  m_dashes.push_back({static_cast<std::uint32_t>(m_lengths.size()),
+                      static_cast<std::uint32_t>(dashes.lengths.size()), narrow(period),
+                      narrow(dashes.phase)});
+  for (const double length : dashes.lengths) m_lengths.push_back(narrow(length));
+  return index;
 }
 
 void SceneStyles::refresh(const CData& data) {

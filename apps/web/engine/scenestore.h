@@ -5,7 +5,6 @@
 #include <list>
 #include <map>
 #include <string>
-#include <tuple>
 #include <unordered_map>
 #include <vector>
 
@@ -41,18 +40,28 @@ class SceneStyles {
   std::size_t bytes() const;
 
  private:
-  using Key = std::tuple<std::uint32_t, float, std::uint32_t, std::uint32_t, std::uint32_t>;
+  struct Key {
+    std::uint32_t color = 0;
+    float weight = 0;
+    std::uint32_t gates = 0, dash = 0, flags = 0;
+
+    bool operator==(const Key&) const = default;
+  };
+  struct KeyHash {
+    std::size_t operator()(const Key& key) const;
+  };
 
   std::uint32_t gatesOf(const DrawItem& item);
 
   std::vector<vek0_style> m_styles;
   std::vector<std::uint32_t> m_gatesOfStyle;  // by style
-  std::map<Key, std::uint32_t> m_known;
+  std::unordered_map<Key, std::uint32_t, KeyHash> m_known;
   std::vector<std::vector<LayerGate>> m_gates;
   std::map<std::vector<std::pair<const CLayer*, bool>>, std::uint32_t> m_knownGates;
   std::vector<vek0_dash> m_dashes{{0, 0, 0, 0}};  // the first is continuous
   std::vector<float> m_lengths;
-  std::map<std::pair<std::vector<double>, double>, std::uint32_t> m_knownDashes;
+  std::vector<DrawDashes> m_givenDashes{{}};                          // as they were given
+  std::unordered_multimap<std::size_t, std::uint32_t> m_knownDashes;  // by hash
 
   // Of the last item, because most entities are like the one before.
   const CLayer* m_lastLayer = nullptr;
