@@ -1,9 +1,9 @@
 #include "scenestore.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstring>
+#include <functional>
 #include <iterator>
 #include <numeric>
 
@@ -83,16 +83,15 @@ std::uint32_t SceneStyles::styleOf(const DrawItem& item, std::uint32_t dash) {
 }
 
 std::size_t SceneStyles::KeyHash::operator()(const Key& key) const {
-  std::uint64_t hash = std::bit_cast<std::uint32_t>(key.weight);
+  std::uint64_t hash = std::hash<float>{}(key.weight);
   for (const std::uint32_t part : {key.color, key.gates, key.dash, key.flags})
     hash = mixed(hash ^ part);
   return static_cast<std::size_t>(hash);
 }
 
 std::uint32_t SceneStyles::dashOf(const DrawDashes& dashes) {
-  std::uint64_t hash = mixed(std::bit_cast<std::uint64_t>(dashes.phase));
-  for (const double length : dashes.lengths)
-    hash = mixed(hash ^ std::bit_cast<std::uint64_t>(length));
+  std::uint64_t hash = mixed(std::hash<double>{}(dashes.phase));
+  for (const double length : dashes.lengths) hash = mixed(hash ^ std::hash<double>{}(length));
   const auto [first, last] = m_knownDashes.equal_range(static_cast<std::size_t>(hash));
   for (auto at = first; at != last; ++at) {
     const DrawDashes& known = m_givenDashes[at->second];
