@@ -159,6 +159,22 @@ void Emitter::stroke(const std::vector<PNT_2D>& points, bool closed) {
   m_painter.stroke(points.data(), points.size(), closed);
 }
 
+void Emitter::segments(std::vector<PNT_2D>& points) {
+  double length = 0;
+  std::size_t count = 0;
+  for (std::size_t i = 0; i + 1 < points.size(); i += 2) {
+    const PNT_2D from = points[i], to = points[i + 1];
+    if (!spend(2) || !isNear(from) || !isNear(to) || !admit()) continue;
+    length += std::min(from.dist(to), m_longest);
+    points[count++] = from;
+    points[count++] = to;
+  }
+  points.resize(count);
+  if (count == 0) return;
+  if (m_pixelsPerPoint > 0) charge(length * kPixelsPerLength / m_pixelsPerPoint);
+  m_painter.segments(points.data(), count);
+}
+
 void Emitter::dashedStroke(const std::vector<PNT_2D>& points, const DrawDashes& dashes,
                            double distance) {
   if (!spend(points.size()) || points.size() < 2 || !areNear(points) || !admit()) return;

@@ -23,6 +23,8 @@ class Emitter {
   void begin(const DrawItem& item);
 
   void stroke(const std::vector<PNT_2D>& points, bool closed);
+  /// Strokes of two points each. Those beyond a limit are removed from `points`.
+  void segments(std::vector<PNT_2D>& points);
   bool hasDashes() const { return m_painter.hasDashes(); }
   void dashedStroke(const std::vector<PNT_2D>& points, const DrawDashes& dashes, double distance);
   /// Returns false, emitting nothing, if the painter has no arcs, or none with dashes; without

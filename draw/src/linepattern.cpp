@@ -25,6 +25,7 @@ class Walk {
     for (const WIDE_VERTEX& v : way.points) {
       m_drawn.emplace_back();
       way.toDrawing.transform(v.pnt, m_drawn.back());
+      m_isThin = m_isThin && v.widthStart == 0 && v.widthEnd == 0;
     }
     // Distances are measured in the drawing, so that scaled inserts do not stretch the pattern.
     m_at.push_back(0);
@@ -57,6 +58,12 @@ class Walk {
   void piece(const Stretch& s, std::vector<WIDE_VERTEX>& points) {
     points.clear();
     advance(s.from);
+    if (m_isThin && s.to <= m_at[m_next]) {
+      points.push_back({point(s.from), 0, 0});
+      points.push_back(
+          {between(m_way.points[m_next - 1].pnt, m_way.points[m_next].pnt, share(s.to)), 0, 0});
+      return;
+    }
     double at = s.from;
     while (m_next + 1 < m_at.size() && m_at[m_next] < s.to) {
       points.push_back({point(at), width(at), width(m_at[m_next])});
@@ -87,6 +94,7 @@ class Walk {
   const PatternWay& m_way;
   std::vector<PNT_3D>& m_drawn;  // see PatternScratch
   std::vector<double>& m_at;
+  bool m_isThin = true;
   std::size_t m_next = 1;  // end of the current segment
 };
 

@@ -4,6 +4,10 @@
 
 #include "vek0core/geometry/angle.h"
 
+void IPainter::segments(const PNT_2D* points, std::size_t count) {
+  for (std::size_t i = 0; i + 1 < count; i += 2) stroke(points + i, 2, false);
+}
+
 void IPainter::disc(const PNT_2D& center, double diameter) {
   constexpr std::size_t corners = 16;
   PNT_2D ring[corners];

@@ -55,6 +55,7 @@ void Walker::visit(CEntAttrib& ent) {
 
 // Unlike texts, those of linetypes do not follow a vertical style.
 void Walker::text(const TEXT_3D& element) {
+  emitDashes();
   if (!element.isVertical()) return drawText(element, m_drawing);
   CStyle horizontal(*element.getStyle());
   horizontal.setHoriz(false);

@@ -229,7 +229,32 @@ void Walker::strokeWay(bool closed) {
   const PatternWay way{m_way, m_stack.GetCurMatrix(), m_place, m_window};
   m_out.beginUnfolding();
   if (!layPattern(*dashes, patternScale(), way, m_pattern, *this)) drawChain(m_way, false);
+  emitDashes();
   m_out.endUnfolding();
+}
+
+// Most dashes are straight and thin. Handing them over one by one takes longer than finding them.
+void Walker::dash(const std::vector<WIDE_VERTEX>& points) {
+  constexpr std::size_t kMostPoints = 4096;
+  const bool isThin = m_options.middleLines || !isWide(points.front());
+  if (points.size() == 2 && isThin) {
+    m_straight.push_back(m_place.apply(points[0].pnt));
+    m_straight.push_back(m_place.apply(points[1].pnt));
+    if (m_straight.size() >= kMostPoints) emitDashes();
+    return;
+  }
+  emitDashes();
+  drawChain(points, false);
+}
+
+void Walker::emitDashes() {
+  if (!m_straight.empty()) m_out.segments(m_straight);
+  m_straight.clear();
+}
+
+void Walker::dot(const PNT_3D& at) {
+  emitDashes();
+  m_out.dot(m_place.apply(at));
 }
 
 // Dashes of a painter are measured on the device, so a path that the view shortens is divided here.

@@ -134,8 +134,9 @@ class Walker final : public IEntVisitor, private IPatternSink {
   bool isTooManyDashes(const CLtypeComplexDashSeq& dashes);
   bool hasStretches() const override { return !m_dashes.lengths.empty(); }
   bool stretch(const std::vector<WIDE_VERTEX>& points, double distance, double length) override;
-  void dash(const std::vector<WIDE_VERTEX>& points) override { drawChain(points, false); }
-  void dot(const PNT_3D& at) override { m_out.dot(m_place.apply(at)); }
+  void dash(const std::vector<WIDE_VERTEX>& points) override;
+  void emitDashes();
+  void dot(const PNT_3D& at) override;
   void text(const TEXT_3D& element) override;
   bool isFull() const override { return m_out.isCut(); }
 
@@ -227,6 +228,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
   double m_ltypeScale = 1;          // likewise
   std::vector<WIDE_VERTEX> m_way;   // scratch
   std::vector<PNT_2D> m_device;     // scratch
+  std::vector<PNT_2D> m_straight;   // dashes of the current path that are not emitted yet
   double m_longestPattern = 0;      // on the device, that painters receive
   DrawDashes m_dashes;              // for painters that have them, with the phase of a path's start
   PatternScratch m_pattern;         // scratch

@@ -80,6 +80,11 @@ void ClippingPainter::stroke(const PNT_2D* points, std::size_t count, bool close
   }
 }
 
+void ClippingPainter::segments(const PNT_2D* points, std::size_t count) {
+  if (allInside(m_box, points, count)) return plainSegments(points, count);
+  for (std::size_t i = 0; i < count; i += 2) stroke(points + i, 2, false);
+}
+
 void ClippingPainter::strokePieces(const PNT_2D* points, std::size_t count, bool closed) {
   const std::size_t segments = closed ? count : count - 1;
   for (std::size_t i = 0; i < segments; ++i) {

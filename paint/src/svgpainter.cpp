@@ -82,8 +82,16 @@ void SvgPainter::writeHead(const SHEET& sheet) {
 }
 
 void SvgPainter::write(std::string_view text) {
-  m_out += text;
-  if (m_out.size() < kBlock) return;
+  if (text.size() < kBlock) {
+    m_out += text;
+    if (m_out.size() >= kBlock) writeOut();
+    return;
+  }
+  writeOut();
+  m_good = m_good && m_file.writeBytes(text.data(), static_cast<long>(text.size()));
+}
+
+void SvgPainter::writeOut() {
   m_good = m_good && m_file.writeBytes(m_out.data(), static_cast<long>(m_out.size()));
   m_out.clear();
 }
@@ -92,7 +100,8 @@ bool SvgPainter::finish() {
   endEntity();
   flushGroups();
   m_out += "</svg>\n";
-  return m_good && m_file.writeBytes(m_out.data(), static_cast<long>(m_out.size()));
+  writeOut();
+  return m_good;
 }
 
 std::string SvgPainter::groupId(const std::string& layer) {
@@ -181,12 +190,13 @@ void SvgPainter::reach(const RECT_2D& box, bool isFill) {
   m_cover.mark(box, static_cast<int>(m_group), isFill);
 }
 
-void SvgPainter::addElement(std::string_view name, std::string_view rest) {
+template <class... Parts>
+void SvgPainter::addElement(std::string_view name, const Parts&... rest) {
   if (m_elementCount > 0) m_elements += '\n';
   m_idAt = m_elementCount++ == 0 ? name.size() + 1 : m_idAt;
   m_elements += '<';
   m_elements += name;
-  m_elements += rest;
+  (m_elements.append(rest), ...);
 }
 
 void SvgPainter::startPath(bool fills) {
@@ -198,7 +208,7 @@ void SvgPainter::endPath() {
   if (m_path.empty()) return;
   const std::string look =
       m_pathFills ? fillAttribute() + " fill-rule=\"nonzero\"" : strokeAttribute();
-  addElement("path", look + " d=\"" + m_path.data() + "\"/>");
+  addElement("path", look, " d=\"", m_path.data(), "\"/>");
   m_path.clear();
 }
 
@@ -279,6 +289,15 @@ void SvgPainter::plainStroke(const PNT_2D* points, std::size_t count, bool close
   m_path.move(points[0]);
   for (std::size_t i = 1; i < count; ++i) m_path.line(points[i]);
   if (closed) m_path.close();
+}
+
+void SvgPainter::plainSegments(const PNT_2D* points, std::size_t count) {
+  reach(boxOf(points, count), false);
+  startPath(false);
+  for (std::size_t i = 0; i < count; i += 2) {
+    m_path.move(points[i]);
+    m_path.line(points[i + 1]);
+  }
 }
 
 void SvgPainter::plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) {

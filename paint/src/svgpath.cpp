@@ -9,49 +9,52 @@ namespace {
 
 constexpr double kStepsPerUnit = 100;
 
-std::int64_t toSteps(double value) { return std::llround(value * kStepsPerUnit); }
+// `std::llround` is a call of the library, and pictures have millions of numbers.
+std::int64_t toSteps(double value) {
+  const double steps = value * kStepsPerUnit;
+  return static_cast<std::int64_t>(steps < 0 ? steps - 0.5 : steps + 0.5);
+}
 
 // Whether ends are equal up to rounding.
 bool isNear(std::int64_t a, std::int64_t b) { return std::abs(a - b) <= 1; }
 
-// Formats steps as the shortest decimal number: "-.5", "12", "0".
-void appendSteps(std::string& out, std::int64_t steps) {
-  if (steps < 0) out += '-';
+constexpr std::ptrdiff_t kMostDigits = 20;
+constexpr std::size_t kLongestNumber = kMostDigits + 8;  // with a letter, a sign and decimals
+
+// Writes steps as the shortest decimal number: "-.5", "12", "0"; returns its end.
+char* putSteps(char* out, std::int64_t steps) {
+  if (steps < 0) *out++ = '-';
   const auto magnitude = static_cast<std::uint64_t>(steps < 0 ? -steps : steps);
   const std::uint64_t whole = magnitude / 100, part = magnitude % 100;
-  char digits[24];
-  if (whole > 0 || part == 0) {
-    out.append(digits, std::to_chars(digits, digits + sizeof digits, whole).ptr);
-  }
-  if (part == 0) return;
-  out += '.';
-  out += static_cast<char>('0' + part / 10);
-  if (part % 10 > 0) out += static_cast<char>('0' + part % 10);
+  if (whole > 0 || part == 0) out = std::to_chars(out, out + kMostDigits, whole).ptr;
+  if (part == 0) return out;
+  *out++ = '.';
+  *out++ = static_cast<char>('0' + part / 10);
+  if (part % 10 > 0) *out++ = static_cast<char>('0' + part % 10);
+  return out;
 }
 
 }  // namespace
 
 std::string lengthText(double value) {
-  std::string text;
-  appendSteps(text, toSteps(value));
-  return text;
+  char text[kLongestNumber];
+  return {text, putSteps(text, toSteps(value))};
 }
 
 bool isInvisible(double length) { return toSteps(length) == 0; }
 
 void SvgPath::add(char letter, std::int64_t number) {
-  if (m_letter != letter) {
-    m_data += letter;
-    m_letter = letter;
-  } else if (number >= 0) {
-    m_data += ' ';
-  }
-  appendSteps(m_data, number);
+  if (m_letter == letter) return add(number);
+  char text[kLongestNumber];
+  *text = m_letter = letter;
+  m_data.append(text, putSteps(text + 1, number));
 }
 
 void SvgPath::add(std::int64_t number) {
-  if (number >= 0) m_data += ' ';
-  appendSteps(m_data, number);
+  char text[kLongestNumber];
+  char* end = text;
+  if (number >= 0) *end++ = ' ';
+  m_data.append(text, putSteps(end, number));
 }
 
 void SvgPath::move(const PNT_2D& to) {

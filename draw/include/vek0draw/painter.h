@@ -72,6 +72,9 @@ class IPainter {
 
   /// A stroke through the points; and back to the first if `closed`. At least two points.
   virtual void stroke(const PNT_2D* points, std::size_t count, bool closed) = 0;
+  /// Strokes that are not connected, such as the dashes of a line: every two points are one.
+  /// Default: a `stroke` for each of them.
+  virtual void segments(const PNT_2D* points, std::size_t count);
   /// Whether `dashedStroke` is called for strokes with a pattern. Otherwise every dash is a stroke,
   /// and every dot a dot.
   virtual bool hasDashes() const { return false; }

@@ -13,6 +13,7 @@ namespace vek0::paint {
 class ClippingPainter : public IPainter {
  public:
   void stroke(const PNT_2D* points, std::size_t count, bool closed) final;
+  void segments(const PNT_2D* points, std::size_t count) final;
   bool arc(const PNT_2D& center, double radius, double startRad, double sweepRad) final;
   void fill(const PNT_2D* points, const std::size_t* ends, std::size_t rings, FillRule rule) final;
   void dot(const PNT_2D& at) final;
@@ -31,6 +32,9 @@ class ClippingPainter : public IPainter {
   /// The same as in `IPainter`, with everything inside the box. For convex rings both rules are
   /// equivalent, and `rule` is then `NonZero` for up to four corners.
   virtual void plainStroke(const PNT_2D* points, std::size_t count, bool closed) = 0;
+  virtual void plainSegments(const PNT_2D* points, std::size_t count) {
+    for (std::size_t i = 0; i < count; i += 2) plainStroke(points + i, 2, false);
+  }
   virtual void plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) = 0;
   virtual void plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
                          FillRule rule) = 0;

@@ -32,6 +32,7 @@ class SvgPainter final : public SheetPainter {
 
  protected:
   void plainStroke(const PNT_2D* points, std::size_t count, bool closed) override;
+  void plainSegments(const PNT_2D* points, std::size_t count) override;
   void plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) override;
   void plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
                  FillRule rule) override;
@@ -53,6 +54,7 @@ class SvgPainter final : public SheetPainter {
 
   void writeHead(const SHEET& sheet);
   void write(std::string_view text);
+  void writeOut();
   void flushGroups();
   Group& groupOfItem();
   std::string groupId(const std::string& layer);
@@ -60,7 +62,8 @@ class SvgPainter final : public SheetPainter {
   std::string nextHandleId();
 
   void reach(const RECT_2D& box, bool isFill);
-  void addElement(std::string_view name, std::string_view rest);
+  template <class... Parts>
+  void addElement(std::string_view name, const Parts&... rest);
   void startPath(bool fills);
   void endPath();
   static void addRing(SvgPath& path, const PNT_2D* points, std::size_t count, bool reversed);
