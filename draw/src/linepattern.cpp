@@ -129,14 +129,15 @@ void layStretch(const CLtypeComplexDashSeq& dashes, double scale, Walk& walk,
   const auto lay = [&](const ILtypeComplexDash& dash, double from, double to) {
     from += stretch.from;
     to += stretch.from;
-    if (dash.IsText()) {
-      const PNT_3D at = walk.drawnPoint(from);
-      sink.text(placeElement(*dash.GetText(), at, walk.direction(), scale));
-    } else if (dash.GetValue() == 0) {
-      sink.dot(walk.point(from));
-    } else if (dash.GetValue() > 0) {
+    const double value = dash.GetValue();
+    if (value > 0) {
       walk.piece({from, to}, piece);
       sink.dash(piece);
+    } else if (dash.IsText()) {
+      const PNT_3D at = walk.drawnPoint(from);
+      sink.text(placeElement(*dash.GetText(), at, walk.direction(), scale));
+    } else if (value == 0) {
+      sink.dot(walk.point(from));
     }
   };
   const double length = stretch.to - stretch.from;

@@ -150,6 +150,11 @@ void CairoPainter::plainStroke(const PNT_2D* points, std::size_t count, bool clo
   countPoints(count);
 }
 
+void CairoPainter::plainSegments(const PNT_2D* points, std::size_t count) {
+  if (strokesItself()) return m_lines->segments(points, count);
+  SheetPainter::plainSegments(points, count);
+}
+
 void CairoPainter::plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
   if (strokesItself()) return strokeArc(center, radius, startRad, sweepRad);
   constexpr std::size_t kPoints = 8;  // approximate cost of an arc

@@ -77,6 +77,7 @@ struct Image {
     for (int y = 0; y < height; ++y, row += cairo_image_surface_get_stride(png)) {
       const auto* pixels = reinterpret_cast<const std::uint32_t*>(row);
       for (int x = 0; x < width; ++x) ++colors[pixels[x]];
+      all.insert(all.end(), pixels, pixels + width);
     }
     cairo_surface_destroy(png);
   }
@@ -105,6 +106,7 @@ struct Image {
 
   int width = 0, height = 0;
   std::map<std::uint32_t, int> colors;  // 0xAARRGGBB
+  std::vector<std::uint32_t> all;       // row by row
 };
 
 inline std::string line(const std::string& layer, double x1, double y1, double x2, double y2,

@@ -77,6 +77,43 @@ TEST_F(Render, InkFollowsLengthAndWidth) {
   }
 }
 
+// The dashes of a line are drawn together, and must look like lines, in all directions and beyond
+// the border.
+TEST_F(Render, DashesLookLikeLines) {
+  std::mt19937 choose(5);
+  std::uniform_int_distribution<int> place(-100, 1100);
+  constexpr double dash = 7, period = 12;
+  std::string dashed, lines;
+  for (int i = 0; i < 200; ++i) {
+    const bool isFlat = i % 20 == 0;
+    // No length is a multiple of the period, where rounding decides about the last dash.
+    const PNT_2D from(place(choose) + 0.37, place(choose) + 0.37);
+    const PNT_2D to(isFlat ? from.x : place(choose), i % 40 == 20 ? from.y : place(choose));
+    const double length = from.dist(to);
+    std::string entity = line("A", from.x, from.y, to.x, to.y);
+    dashed += entity + "6\nD\n";
+    for (double at = 0; at < length; at += period) {
+      const double start = at / length, end = std::min(at + dash, length) / length;
+      lines += line("A", from.x + start * (to.x - from.x), from.y + start * (to.y - from.y),
+                    from.x + end * (to.x - from.x), from.y + end * (to.y - from.y));
+    }
+  }
+  write("a.dxf", section("TABLES", table("LTYPE", pairsOf("0 LTYPE|2 D|73 2|40 12|49 7|49 -5|"))) +
+                     drawingWith(dashed));
+  write("b.dxf", drawingWith(lines));
+  for (const char* in : {"a", "b"})
+    ASSERT_EQ(run(std::string("render ") + in + ".dxf -o " + in +
+                  ".png --size 1001x1001 --window 0,0,1000,1000 --margin 0 --lineweight 0.4")
+                  .code,
+              0);
+  const Image a(path("a.png")), b(path("b.png"));
+  int different = 0;
+  for (std::size_t i = 0; i < a.all.size(); ++i)
+    different += std::abs(static_cast<int>(a.all[i] & 255) - static_cast<int>(b.all[i] & 255)) > 8;
+  EXPECT_NEAR(a.ink(), b.ink(), 1e-4 * a.ink());
+  EXPECT_EQ(different, 0);
+}
+
 // Adjacent strips, antialiased separately, would let the background show through.
 TEST_F(Render, SolidHatchesHaveNoSeams) {
   const std::string hatches = quotedSample("hatches_ac1015.dxf");

@@ -150,8 +150,9 @@ bool forEachDash(const CLtypeComplexDashSeq& dashes, double scale, double phase,
   for (long round = 0; start + static_cast<double>(round) * period <= length; ++round) {
     double at = start + static_cast<double>(round) * period;
     for (int i = 0; i < dashes.GetNoDashes() && at <= length; ++i) {
-      const double end = at + std::fabs(dashes[i]->GetValue()) * scale;
-      const bool isPoint = dashes[i]->IsText() || dashes[i]->GetValue() == 0;
+      const double value = dashes[i]->GetValue();
+      const double end = at + std::fabs(value) * scale;
+      const bool isPoint = value == 0 || dashes[i]->IsText();
       if (isPoint ? at >= 0 : end > 0 && at < length) {
         each(*dashes[i], at < 0 ? 0.0 : at, end > length ? length : end);
       }

@@ -23,6 +23,7 @@ class CairoPainter final : public SheetPainter {
 
  protected:
   void plainStroke(const PNT_2D* points, std::size_t count, bool closed) override;
+  void plainSegments(const PNT_2D* points, std::size_t count) override;
   void plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) override;
   void plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
                  FillRule rule) override;
