@@ -112,6 +112,7 @@ struct Image {
 inline std::string line(const std::string& layer, double x1, double y1, double x2, double y2,
                         const char* handle = "0") {
   std::ostringstream out;
+  out.precision(12);
   out << "0\nLINE\n5\n"
       << handle << "\n8\n"
       << layer << "\n10\n"

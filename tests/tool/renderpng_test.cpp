@@ -81,14 +81,12 @@ TEST_F(Render, InkFollowsLengthAndWidth) {
 // the border.
 TEST_F(Render, DashesLookLikeLines) {
   std::mt19937 choose(5);
-  std::uniform_int_distribution<int> place(-100, 1100);
+  std::uniform_real_distribution<double> place(-100, 1100);
   constexpr double dash = 7, period = 12;
   std::string dashed, lines;
   for (int i = 0; i < 200; ++i) {
-    const bool isFlat = i % 20 == 0;
-    // No length is a multiple of the period, where rounding decides about the last dash.
-    const PNT_2D from(place(choose) + 0.37, place(choose) + 0.37);
-    const PNT_2D to(isFlat ? from.x : place(choose), i % 40 == 20 ? from.y : place(choose));
+    const PNT_2D from(place(choose), place(choose));
+    const PNT_2D to(i % 40 == 0 ? from.x : place(choose), i % 40 == 20 ? from.y : place(choose));
     const double length = from.dist(to);
     std::string entity = line("A", from.x, from.y, to.x, to.y);
     dashed += entity + "6\nD\n";
