@@ -1,10 +1,10 @@
-// Loads FILE into a drawing and, with OUT, saves it in exchange form; prints one line
-// of figures:
+// Loads FILE into a drawing and, with OUT, saves it in exchange form; prints one line of figures:
 //
 //   load_ms=… [save_ms=…] rss_kib=… peak_kib=… layers=… blocks=… points=… lines=… …
 //
 // rss_kib is the growth of the resident set over the load, peak_kib the largest one.
-// Counts the entities of model space and of every block.
+// --source keeps the source, and saves it; that includes managed handles, for which --handles alone
+// prepares the drawing. Counts the entities of model space and of every block.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -87,15 +87,28 @@ class Counter final : public IEntVisitor {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 2) return std::fputs("usage: vek0driver FILE [OUT]\n", stderr), 2;
+  const bool isKept = argc > 1 && std::strcmp(argv[1], "--source") == 0;
+  const bool isManaged = argc > 1 && std::strcmp(argv[1], "--handles") == 0;
+  argc -= isKept || isManaged;
+  argv += isKept || isManaged;
+  if (argc < 2) return std::fputs("usage: vek0driver [--handles|--source] FILE [OUT]\n", stderr), 2;
   CFontTable::getInstance().addPlainDefault();
-  CData* data = CDataFactory().createData();
+  auto owned = std::make_unique<CHandleManager>();
+  CHandleManager& manager = *owned;
+  CData* data = CDataFactory().createData(std::move(owned));
 
   const long before = statusKib("VmRSS");
   double start = nowMs();
-  CFileStdLib in(zim::WString::fromUtf8(argv[1]), 1);
+  auto in = std::make_unique<CFileStdLib>(zim::WString::fromUtf8(argv[1]), 1);
   CFileDXFIError error;
-  loadDXF(*data, in, &error);
+  std::unique_ptr<CDXFSource> source;
+  if (isKept) {
+    source = std::make_unique<CDXFSource>(std::move(in));
+    source->load(*data, &error, {});
+  } else {
+    const CFileDXFIResult result = loadDXF(*data, *in, &error, {});
+    if (isManaged) manager.start(*data, result.handleSeed);
+  }
   std::printf("load_ms=%.1f ", nowMs() - start);
   const long rss = statusKib("VmRSS") - before;
   const long peak = statusKib("VmHWM");
@@ -106,7 +119,9 @@ int main(int argc, char** argv) {
   if (argc > 2) {
     start = nowMs();
     CFileStdLib out(zim::WString::fromUtf8(argv[2]), 2);
-    if (!SaveDXF(*data, out, kSaveExchange)) return std::fputs("cannot write\n", stderr), 1;
+    if (source ? source->save(*data, out) != CDXFSource::Outcome::Saved
+               : !SaveDXF(*data, out, kSaveExchange))
+      return std::fputs("cannot write\n", stderr), 1;
     std::printf("save_ms=%.1f ", nowMs() - start);
   }
 
