@@ -128,6 +128,31 @@ Entity Drawing::refer(CEnt& ent) {
   return made;
 }
 
+bool Drawing::reuse(EntityRef& ref, CEnt& ent) {
+  const std::lock_guard lock(m_refsLock);
+  const auto at = m_refs.find(ref.m_ent);
+  if (ref.weak_from_this().use_count() != 1 || at == m_refs.end() || at->second != &ref)
+    return false;
+  auto node = m_refs.extract(at);
+  node.key() = &ent;
+  auto inserted = m_refs.insert(std::move(node));
+  if (!inserted.inserted) {
+    inserted.node.key() = ref.m_ent;
+    m_refs.insert(std::move(inserted.node));
+    return false;
+  }
+  ref.m_ent = &ent;
+  ref.m_handle = ent.GetHandle();
+  ref.m_isAlive = true;
+  return true;
+}
+
+void Drawing::settleCursors() {
+  const std::lock_guard lock(m_refsLock);
+  for (EntityCursor* cursor : m_cursors) cursor->settle();
+  m_cursors.clear();
+}
+
 std::vector<Entity> Drawing::refer(const std::vector<CEnt*>& ents) {
   std::vector<Entity> refs;
   refs.reserve(ents.size());

@@ -46,6 +46,30 @@ class EntityRef : public std::enable_shared_from_this<EntityRef> {
 
 using Entity = std::shared_ptr<EntityRef>;
 
+/// Steps over entities without an object for each. When the drawing is about to change, what is
+/// left gets objects, which know whether their entities are still there.
+class EntityCursor {
+ public:
+  EntityCursor(std::shared_ptr<Drawing> drawing, std::vector<CEnt*> ents);
+  ~EntityCursor();
+  EntityCursor(const EntityCursor&) = delete;
+  EntityCursor& operator=(const EntityCursor&) = delete;
+
+  /// The next entity, by its object or as `ent`; neither at the end. Throws `Fault` if the drawing
+  /// is closed or in use.
+  Entity next(CEnt*& ent);
+  Drawing& drawing() const { return *m_drawing; }
+
+ private:
+  friend class Drawing;
+  void settle();
+
+  std::shared_ptr<Drawing> m_drawing;
+  std::vector<CEnt*> m_ents;
+  std::vector<Entity> m_settled;
+  std::size_t m_next = 0;
+};
+
 /// A drawing with its source, its undo stack, and what Python holds of it.
 class Drawing final : public std::enable_shared_from_this<Drawing>, private IUndoListener {
  public:
@@ -75,6 +99,8 @@ class Drawing final : public std::enable_shared_from_this<Drawing>, private IUnd
   /// The Python object of the entity: the same one while it exists.
   Entity refer(CEnt& ent);
   std::vector<Entity> refer(const std::vector<CEnt*>& ents);
+  /// Makes an object that nobody else holds that of another entity, unless that has one already.
+  bool reuse(EntityRef& ref, CEnt& ent);
   /// Null if there is none.
   CEnt* find(Handle handle) const;
   /// Throws `std::invalid_argument` for an entity of another drawing.
@@ -115,7 +141,9 @@ class Drawing final : public std::enable_shared_from_this<Drawing>, private IUnd
 
  private:
   friend class EntityRef;
+  friend class EntityCursor;
 
+  void settleCursors();
   void load(Source source, bool isStrict, int codePage);
   void touched(CEnt& ent) override;
   void touched(CBlock& block) override;
@@ -130,7 +158,8 @@ class Drawing final : public std::enable_shared_from_this<Drawing>, private IUnd
   std::unique_ptr<CUndoStack> m_undo;
   CFileReport m_report;
   std::unordered_map<const CEnt*, EntityRef*> m_refs;
-  std::vector<Handle> m_selected;  // by the commands
+  std::vector<EntityCursor*> m_cursors;  // whose entities have no objects yet
+  std::vector<Handle> m_selected;        // by the commands
   PNT_3D m_last{};
   // Objects of Python may be deleted while a thread without the interpreter's lock edits.
   std::recursive_mutex m_refsLock;

@@ -253,7 +253,9 @@ void raise(const py::object& type, const Fault& fault) {
   PyErr_SetObject(type.ptr(), type(py::str(fault.what()), fault.kind, line, file).ptr());
 }
 
-void translate(std::exception_ptr thrown) {
+}  // namespace
+
+void raiseAsPython(std::exception_ptr thrown) {
   try {
     if (thrown) std::rethrow_exception(thrown);
   } catch (const UnknownName& fault) {
@@ -263,7 +265,6 @@ void translate(std::exception_ptr thrown) {
   }
 }
 
-}  // namespace
 }  // namespace vek0::python
 
 PYBIND11_MODULE(_core, module) {
@@ -273,7 +274,7 @@ PYBIND11_MODULE(_core, module) {
   module.def("set_errors", [](py::object error, py::object unknownName) {
     exceptions() = {std::move(error), std::move(unknownName)};
   });
-  py::register_exception_translator(&translate);
+  py::register_exception_translator(&raiseAsPython);
   DrawingClass drawing(module, "Drawing");
   EntityClass entity(module, "Entity", "An entity of a drawing.");
   SpaceClass space(module, "Space", "Model space, a layout or a block.");
@@ -283,6 +284,7 @@ PYBIND11_MODULE(_core, module) {
   bindTexts(entity);
   bindEdits(entity);
   bindSpace(space);
+  bindQuickReading(entity, space);
   auto tables = module.def_submodule("tables");
   bindTables(tables);
 }

@@ -51,6 +51,10 @@ void bindSpace(SpaceClass& type);
 void bindAdding(SpaceClass& type);      ///< one entity at a time
 void bindReading(SpaceClass& type);     ///< arrays of coordinates
 void bindBulkAdding(SpaceClass& type);  ///< entities from arrays
-void bindTables(py::module_& module);   ///< layers, linetypes, styles, blocks and layouts
+/// Properties and iteration that are fast in loops; call it after everything else is bound.
+void bindQuickReading(py::class_<EntityRef, Entity>& entity, SpaceClass& space);
+/// Raises the error of Python for what the module throws.
+void raiseAsPython(std::exception_ptr thrown);
+void bindTables(py::module_& module);  ///< layers, linetypes, styles, blocks and layouts
 
 }  // namespace vek0::python

@@ -12,6 +12,7 @@ namespace vek0::python {
 
 void Drawing::begin(const std::string& name) {
   data();
+  settleCursors();
   if (m_depth == 0) m_isBroken = false;
   if (!m_isBroken) m_undo->begin(zim::WString::fromUtf8(name));
   ++m_depth;
@@ -32,6 +33,7 @@ void Drawing::commit() {
 void Drawing::rollback() {
   if (!m_data || m_depth == 0) return;
   data();
+  settleCursors();
   --m_depth;
   if (m_undo->isOpen()) {
     m_undo->rollback();
@@ -42,6 +44,7 @@ void Drawing::rollback() {
 
 bool Drawing::travel(bool forward) {
   data();
+  settleCursors();
   if (m_depth > 0)
     throw Fault("step open", "the step is not finished; undo and redo work on finished ones");
   return forward ? m_undo->redo() : m_undo->undo();
@@ -64,6 +67,7 @@ std::pair<std::vector<CEnt*>, std::string> Drawing::take(const host::NamedStep& 
                                                          std::vector<CEnt*> chosen) {
   host::Editing editing{data(), *m_undo, std::move(chosen), false, m_last};
   if (step.isTravel) {
+    settleCursors();
     if (m_depth > 0) throw Fault("step open", "undo and redo work on finished steps");
     const host::StepOutcome outcome = host::takeStep(editing, step);
     if (!outcome.ok) throw Fault("command", outcome.text);

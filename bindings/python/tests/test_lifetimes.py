@@ -2,6 +2,7 @@
 
 import gc
 import random
+import weakref
 
 import pytest
 
@@ -120,3 +121,46 @@ def test_random_edits(seed):
     assert not any(entity.is_alive for entity in entities)
     doc.close()
     assert not any(map(_use, entities))
+
+
+def test_iteration_shares_no_object_that_is_held():
+    """Loops reuse objects that nobody holds; whatever is held stays the entity that it was."""
+    doc = vek0.new()
+    with doc.step():
+        for i in range(60):
+            doc.add_line((i, 0), (i, 1))
+    handles = [e.handle for e in list(doc.modelspace)]
+    choose = random.Random(3)
+    held, weak = {}, {}
+    for turn in range(40):
+        inner = iter(doc.modelspace)
+        for e, handle in zip(doc.modelspace, handles, strict=True):
+            assert (e.handle, e.start[0]) == (handle, handles.index(handle))
+            assert doc[handle] is e
+            kept = held.get(handle)
+            assert kept is None or kept is e
+            if choose.random() < 0.1:
+                held[handle] = e
+            if choose.random() < 0.1:
+                weak[handle] = weakref.ref(e)
+            if choose.random() < 0.5:
+                next(inner, None)
+        for handle in choose.sample(sorted(held), len(held) // 2):
+            del held[handle]
+        for handle, ref in weak.items():
+            assert ref() is None or ref().handle == handle
+        if turn % 4 == 0:  # what is deleted meanwhile is still visited, and says so
+            seen = []
+            for i, e in enumerate(doc.modelspace):
+                if i == 3:
+                    doc[handles[10]].delete()
+                    doc.add_line((99, 0), (99, 1))
+                seen.append(e.is_alive)
+            assert seen == [i != 10 for i in range(60)]
+            doc.undo(), doc.undo()
+    rest = iter(doc.modelspace)
+    last = next(rest)
+    doc.close()
+    with pytest.raises(vek0.Error, match="closed"):
+        next(rest)
+    assert not last.is_alive

@@ -397,7 +397,6 @@ def _bulk_reader(result, method):
 
 def _equip_space(space):
     space.query = _query_space
-    space.__iter__ = lambda self: iter(self._entities([]))
     space.__getitem__ = _item_of_space
     space.delete = lambda self: _tables.delete_block(self)
     for name in ("Lines", "Points", "Circles", "Arcs", "Polylines", "Texts", "Inserts"):
