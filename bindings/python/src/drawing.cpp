@@ -1,6 +1,7 @@
 #include "drawing.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <unordered_set>
 
 #include "vek0host/inputfault.h"
@@ -8,7 +9,8 @@
 namespace vek0::python {
 namespace {
 
-constexpr std::size_t kUndoLimit = std::size_t{1} << 30;  // bytes
+constexpr std::size_t kUndoLimit = std::size_t{1} << 30;           // bytes
+constexpr std::uintmax_t kMostReserved = std::uintmax_t{1} << 30;  // bytes; larger files grow
 
 bool isInDrawing(const CEnt& ent) {
   if (!ent.isHeld()) return false;
@@ -22,6 +24,9 @@ std::string bytesOf(const std::string& path) {
   CFileStdLib file(zim::WString::fromUtf8(path), IFile::kRead);
   if (!file.open()) throw Fault("file unreadable", "'" + path + "' cannot be opened", 0, path);
   std::string bytes;
+  std::error_code unknown;
+  const std::uintmax_t size = std::filesystem::file_size(std::filesystem::u8path(path), unknown);
+  if (!unknown && size < kMostReserved) bytes.reserve(static_cast<std::size_t>(size));
   char piece[1 << 16];
   for (long n; (n = file.readBytes(piece, sizeof piece)) > 0;)
     bytes.append(piece, static_cast<std::size_t>(n));

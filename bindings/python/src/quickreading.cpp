@@ -25,6 +25,8 @@ PyObject* tupleOf(const PNT_3D& p) {
     if (!value) return Py_DECREF(tuple), nullptr;
     PyTuple_SET_ITEM(tuple, at++, value);
   }
+  // Numbers form no cycles, so the garbage collector need not look at each of a million tuples.
+  PyObject_GC_UnTrack(tuple);
   return tuple;
 }
 
