@@ -12,10 +12,9 @@
 namespace vek0::paint {
 namespace {
 
-// Bytes per write.
-constexpr std::size_t kBlock = 1 << 16;
-// Groups are written at the latest when they reach this size.
-constexpr std::size_t kBuffered = 1 << 28;
+// Groups are written when so much has been drawn. Bodies that fit the cache of a processor are
+// written faster, but a picture should not have too many groups.
+constexpr std::size_t kBuffered = 1 << 25;
 constexpr double kFullTurn = 2 * std::numbers::pi;
 
 RECT_2D boxOf(const PNT_2D* points, std::size_t count) {
@@ -51,7 +50,7 @@ class SvgSink final : public IOutlineSink {
 
 SvgPainter::SvgPainter(IFile& file, const SHEET& sheet, IOutlineFonts& fonts, Texts texts)
     : SheetPainter(sheet, fonts),
-      m_file(file),
+      m_writer(file),
       m_texts(texts),
       m_lineWidth(sheet.lineWidth),
       m_cover(static_cast<double>(sheet.width), static_cast<double>(sheet.height)),
@@ -65,43 +64,28 @@ void SvgPainter::writeHead(const SHEET& sheet) {
     const auto length = static_cast<double>(units);
     return sheet.paper ? lengthText(length * sheet.unitMm) + "mm" : std::to_string(units);
   };
-  m_out =
+  std::string head =
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
       "<svg xmlns=\"http://www.w3.org/2000/svg\" "
       "xmlns:inkscape=\"http://www.inkscape.org/namespaces/inkscape\" width=\"" +
       side(sheet.width) + "\" height=\"" + side(sheet.height) + "\" viewBox=\"0 0 " + width + " " +
       height + "\" fill=\"none\" stroke-width=\"" + factorText(sheet.lineWidth) +
       "\" stroke-linecap=\"round\" stroke-linejoin=\"round\" fill-rule=\"evenodd\">\n";
-  if (!sheet.title.empty()) m_out += "<title>" + escapedXml(sheet.title) + "</title>\n";
+  if (!sheet.title.empty()) head += "<title>" + escapedXml(sheet.title) + "</title>\n";
   // On screen, lines stay thin when zooming; on paper they keep their width.
-  if (!sheet.paper) m_out += "<style>path,circle{vector-effect:non-scaling-stroke}</style>\n";
+  if (!sheet.paper) head += "<style>path,circle{vector-effect:non-scaling-stroke}</style>\n";
   if (!sheet.transparent) {
-    m_out += "<rect width=\"" + width + "\" height=\"" + height + "\" fill=\"" +
-             host::colorText(sheet.background) + "\"/>\n";
+    head += "<rect width=\"" + width + "\" height=\"" + height + "\" fill=\"" +
+            host::colorText(sheet.background) + "\"/>\n";
   }
-}
-
-void SvgPainter::write(std::string_view text) {
-  if (text.size() < kBlock) {
-    m_out += text;
-    if (m_out.size() >= kBlock) writeOut();
-    return;
-  }
-  writeOut();
-  m_good = m_good && m_file.writeBytes(text.data(), static_cast<long>(text.size()));
-}
-
-void SvgPainter::writeOut() {
-  m_good = m_good && m_file.writeBytes(m_out.data(), static_cast<long>(m_out.size()));
-  m_out.clear();
+  m_writer.text(head);
 }
 
 bool SvgPainter::finish() {
   endEntity();
   flushGroups();
-  m_out += "</svg>\n";
-  writeOut();
-  return m_good;
+  m_writer.text("</svg>\n");
+  return m_writer.finish();
 }
 
 std::string SvgPainter::groupId(const std::string& layer) {
@@ -132,15 +116,16 @@ std::string SvgPainter::nextHandleId() {
 }
 
 void SvgPainter::flushGroups() {
-  for (const Group& group : m_groups) {
-    write(openingTag(group));
-    write(group.body);
-    write(group.leavesClips + "</g>\n");
+  m_writer.leaveGroup();
+  for (std::size_t i = 0; i < m_groups.size(); ++i) {
+    m_writer.text(openingTag(m_groups[i]));
+    m_writer.writeGroup(i);
+    m_writer.text(m_groups[i].leavesClips + "</g>\n");
   }
   m_groups.clear();
   m_groupOf.clear();
   m_group = kNoGroup;
-  m_buffered = 0;
+  m_flushed = m_writer.size();
   m_cover.clear();
 }
 
@@ -190,26 +175,37 @@ void SvgPainter::reach(const RECT_2D& box, bool isFill) {
   m_cover.mark(box, static_cast<int>(m_group), isFill);
 }
 
+// Ids are not known before the end of an entity: a single element gets the handle itself, several
+// get a group with it.
+void SvgPainter::startElement(std::string_view name) {
+  endPath();
+  if (m_elementCount++ == 0) {
+    enterGroup();
+    m_groupPlace = m_writer.place();
+  }
+  m_writer.text(m_elementCount == 1 ? "<" : "\n<");
+  m_writer.text(name);
+  if (m_elementCount == 1) m_idPlace = m_writer.place();
+}
+
 template <class... Parts>
 void SvgPainter::addElement(std::string_view name, const Parts&... rest) {
-  if (m_elementCount > 0) m_elements += '\n';
-  m_idAt = m_elementCount++ == 0 ? name.size() + 1 : m_idAt;
-  m_elements += '<';
-  m_elements += name;
-  (m_elements.append(rest), ...);
+  startElement(name);
+  (m_writer.text(rest), ...);
 }
 
 void SvgPainter::startPath(bool fills) {
-  if (m_pathFills != fills) endPath();
+  if (m_isPathOpen && m_pathFills == fills) return;
+  addElement("path", fills ? fillAttribute() + " fill-rule=\"nonzero\"" : strokeAttribute(),
+             " d=\"");
+  m_writer.startPath();
+  m_isPathOpen = true;
   m_pathFills = fills;
 }
 
 void SvgPainter::endPath() {
-  if (m_path.empty()) return;
-  const std::string look =
-      m_pathFills ? fillAttribute() + " fill-rule=\"nonzero\"" : strokeAttribute();
-  addElement("path", look, " d=\"", m_path.data(), "\"/>");
-  m_path.clear();
+  if (m_isPathOpen) m_writer.text("\"/>");
+  m_isPathOpen = false;
 }
 
 std::string SvgPainter::strokeAttribute() {
@@ -235,35 +231,31 @@ std::string SvgPainter::opacityAttribute(const char* of) const {
   return std::string(" ") + of + "-opacity=\"" + factorText(m_alpha / double{opaque}) + "\"";
 }
 
-// A single element gets the handle itself, several get a group with it.
 void SvgPainter::endEntity() {
   endPath();
   if (m_elementCount == 0) return;
-  std::string& body = groupOfItem().body;
-  const std::size_t before = body.size();
-  enterClips();
-  if (m_handle == 0) {
-    body += m_elements;
-  } else if (m_elementCount == 1) {
-    body.append(m_elements, 0, m_idAt).append(" id=\"").append(nextHandleId()).append("\"");
-    body.append(m_elements, m_idAt);
-  } else {
-    body.append("<g id=\"").append(nextHandleId()).append("\">\n").append(m_elements);
-    body.append("\n</g>");
-  }
-  body += '\n';
-  m_buffered += body.size() - before;
-  m_elements.clear();
+  const std::string id = m_handle == 0 ? std::string() : "id=\"" + nextHandleId() + "\"";
+  const bool isGroup = m_elementCount > 1 && !id.empty();
+  if (isGroup)
+    m_writer.setPlace(m_groupPlace, "<g " + id + ">\n");
+  else if (!id.empty())
+    m_writer.setPlace(m_idPlace, " " + id);
+  m_writer.text(isGroup ? "\n</g>\n" : "\n");
   m_elementCount = 0;
-  if (m_buffered > kBuffered) flushGroups();
+  if (m_writer.size() - m_flushed > kBuffered) flushGroups();
+  m_writer.pause();
 }
 
-void SvgPainter::enterClips() {
+void SvgPainter::enterGroup() {
   Group& group = groupOfItem();
+  if (group.clip != m_clips.number()) {
+    m_writer.leaveGroup();
+    m_writer.text(m_clips.definitions());  // may precede the group
+  }
+  m_writer.enterGroup(m_group);
   if (group.clip == m_clips.number()) return;
-  group.body += group.leavesClips;
-  write(m_clips.definitions());  // may precede the group
-  group.body += m_clips.openingTags();
+  m_writer.text(group.leavesClips);
+  m_writer.text(m_clips.openingTags());
   group.leavesClips = m_clips.closingTags();
   group.clip = m_clips.number();
 }
@@ -271,7 +263,9 @@ void SvgPainter::enterClips() {
 bool SvgPainter::plainClip(const PNT_2D* points, std::size_t count) {
   endEntity();
   SvgPath path;
-  addRing(path, points, count, false);
+  if (count > 0) path.move(points[0]);
+  for (std::size_t i = 1; i < count; ++i) path.line(points[i]);
+  path.close();
   m_clips.push(path.data());
   return true;
 }
@@ -286,47 +280,24 @@ void SvgPainter::plainPopClip() {
 void SvgPainter::plainStroke(const PNT_2D* points, std::size_t count, bool closed) {
   reach(boxOf(points, count), false);
   startPath(false);
-  m_path.move(points[0]);
-  for (std::size_t i = 1; i < count; ++i) m_path.line(points[i]);
-  if (closed) m_path.close();
+  m_writer.stroke(points, count, closed);
 }
 
 void SvgPainter::plainSegments(const PNT_2D* points, std::size_t count) {
   reach(boxOf(points, count), false);
   startPath(false);
-  for (std::size_t i = 0; i < count; i += 2) {
-    m_path.move(points[i]);
-    m_path.line(points[i + 1]);
-  }
+  m_writer.segments(points, count);
 }
 
 void SvgPainter::plainArc(const PNT_2D& center, double radius, double startRad, double sweepRad) {
-  const auto at = [&](double angle) {
-    return PNT_2D(center.x + radius * std::cos(angle), center.y + radius * std::sin(angle));
-  };
   if (isInvisible(radius)) return plainDot(center);
   reach(RECT_2D(center.x - radius, center.y - radius, center.x + radius, center.y + radius), false);
   if (std::abs(sweepRad) >= kFullTurn) {
-    endPath();
     return addElement("circle", strokeAttribute() + " cx=\"" + lengthText(center.x) + "\" cy=\"" +
                                     lengthText(center.y) + "\" r=\"" + lengthText(radius) + "\"/>");
   }
   startPath(false);
-  // More than half a turn is split in two: with rounded ends that nearly meet, the center of a
-  // single arc would be ambiguous.
-  m_path.move(at(startRad));
-  if (std::abs(sweepRad) > std::numbers::pi) {
-    m_path.arc(radius, sweepRad > 0, at(startRad + sweepRad / 2));
-  }
-  m_path.arc(radius, sweepRad > 0, at(startRad + sweepRad));
-}
-
-void SvgPainter::addRing(SvgPath& path, const PNT_2D* points, std::size_t count, bool reversed) {
-  const auto at = [&](std::size_t i) { return points[reversed ? count - 1 - i : i]; };
-  if (count == 0) return;
-  path.move(at(0));
-  for (std::size_t i = 1; i < count; ++i) path.line(at(i));
-  path.close();
+  m_writer.arc(center, radius, startRad, sweepRad);
 }
 
 void SvgPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std::size_t rings,
@@ -335,16 +306,16 @@ void SvgPainter::plainFill(const PNT_2D* points, const std::size_t* ends, std::s
   // Merges the strips of a filled face into one path: separately antialiased, they would let the
   // background show through.
   const bool unites = rule == FillRule::NonZero;
-  if (unites)
+  if (unites) {
     startPath(true);
-  else
-    endPath();
-  SvgPath own;
-  SvgPath& path = unites ? m_path : own;
+  } else {
+    addElement("path", fillAttribute(), " d=\"");
+    m_writer.startPath();
+  }
   const bool reversed = unites && turnLeft(points, ends, rings);
   for (std::size_t ring = 0, start = 0; ring < rings; start = ends[ring++])
-    addRing(path, points + start, ends[ring] - start, reversed);
-  if (!unites) addElement("path", fillAttribute() + " d=\"" + path.data() + "\"/>");
+    m_writer.ring(points + start, ends[ring] - start, reversed);
+  if (!unites) m_writer.text("\"/>");
 }
 
 // A stroke of zero length, made visible by its round caps.
@@ -353,14 +324,12 @@ void SvgPainter::plainDot(const PNT_2D& at) { plainStroke(std::array{at, at}.dat
 void SvgPainter::plainDisc(const PNT_2D& center, double diameter) {
   const double r = diameter / 2;
   reach(RECT_2D(center.x - r, center.y - r, center.x + r, center.y + r), true);
-  endPath();
   addElement("circle", fillAttribute() + " cx=\"" + lengthText(center.x) + "\" cy=\"" +
                            lengthText(center.y) + "\" r=\"" + lengthText(r) + "\"/>");
 }
 
 void SvgPainter::plainText(const DrawText& text, const OutlineFont& font, const RECT_2D& bounds) {
   reach(bounds, false);
-  endPath();
   if (m_texts == AsOutlines && font.hasOutlines(*text.string)) {
     SvgPath path;
     SvgSink sink(path);

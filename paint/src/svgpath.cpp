@@ -18,6 +18,9 @@ std::int64_t toSteps(double value) {
 // Whether ends are equal up to rounding.
 bool isNear(std::int64_t a, std::int64_t b) { return std::abs(a - b) <= 1; }
 
+// Steps that take fewer digits than most coordinates.
+constexpr std::int64_t kNear = 1000;
+
 constexpr std::ptrdiff_t kMostDigits = 20;
 constexpr std::size_t kLongestNumber = kMostDigits + 8;  // with a letter, a sign and decimals
 
@@ -60,24 +63,29 @@ void SvgPath::add(std::int64_t number) {
 void SvgPath::move(const PNT_2D& to) {
   const std::int64_t x = toSteps(to.x), y = toSteps(to.y);
   if (m_letter != 0 && m_segments > 0 && isNear(x, m_x) && isNear(y, m_y)) return;
+  // The dashes of a line are near each other; a few digits tell the way to the next.
+  const std::int64_t dx = x - m_x, dy = y - m_y;
+  const bool isRelative = !m_data.empty() && std::abs(dx) < kNear && std::abs(dy) < kNear;
   m_startX = m_x = x;
   m_startY = m_y = y;
   m_segments = 0;
   m_letter = 0;
-  add('M', m_x);
-  add(m_y);
+  add(isRelative ? 'm' : 'M', isRelative ? dx : x);
+  add(isRelative ? dy : y);
 }
 
 void SvgPath::line(const PNT_2D& to) {
   const std::int64_t x = toSteps(to.x), y = toSteps(to.y);
   const std::int64_t dx = x - m_x, dy = y - m_y;
-  const bool isDot = m_letter == 'M';  // an initial step of zero length is still visible
+  const bool isDot =
+      m_letter == 'M' || m_letter == 'm';  // an initial step of zero length is still visible
   if (dx == 0 && dy == 0 && !isDot) return;
   if (dy == 0) {
     add('h', dx);
   } else if (dx == 0) {
     add('v', dy);
   } else {
+    if (m_letter == 'm') m_letter = 'l';  // continues it without a letter
     add('l', dx);
     add(dy);
   }

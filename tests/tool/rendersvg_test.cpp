@@ -57,6 +57,32 @@ TEST_F(Render, PolylinesStayClosedAndKeepTheirArcs) {
             "M100 200h100a50 50 0 0 0 0-100h-100a50 50 0 0 0 0 100z");
 }
 
+// More than one thread works on at once, with layers in turn.
+TEST_F(Render, SvgKeepsEveryLineOfManyLayers) {
+  constexpr int kLines = 40'000, kLayers = 3;
+  const auto at = [](int i) { return std::pair(i * 7 % 1000, i * 13 % 997); };
+  std::string lines;
+  for (int i = 1; i <= kLines; ++i) {
+    const auto [x, y] = at(i);
+    lines += line(std::string(1, static_cast<char>('A' + i % kLayers)), x, y, x + 1, y + 2,
+                  std::to_string(i).c_str());
+  }
+  write("a.dxf", drawingWith(lines));
+  ASSERT_EQ(run("render a.dxf -o a.svg --window 0,0,1000,1000 --size 1000x1000").code, 0);
+  const XmlReader xml(contents(path("a.svg")));
+  EXPECT_EQ(xml.groups(), "layer-B layer-C layer-A ");
+  int right = 0;
+  for (const XmlElement& e : xml.elements) {
+    if (e.name != "path") continue;
+    const int i = std::stoi(e.attributes.at("id").substr(1));
+    const auto [x, y] = at(i);
+    const std::string d = "M" + std::to_string(x) + " " + std::to_string(1000 - y);
+    right += e.parentId == "layer-" + std::string(1, static_cast<char>('A' + i % kLayers)) &&
+             e.attributes.at("d").compare(0, d.size() + 1, d + "l") == 0;
+  }
+  EXPECT_EQ(right, kLines);
+}
+
 TEST_F(Render, IdsAreUniqueWhateverTheNames) {
   write("a.dxf", drawingWith(line("A B", 0, 0, 1, 1, "1") + line("A_B", 0, 0, 1, 2, "1") +
                              line("A&B", 0, 0, 1, 3, "1") + line("<\"x\">", 0, 0, 1, 4, "2")));

@@ -9,7 +9,7 @@
 #include "vek0paint/covergrid.h"
 #include "vek0paint/sheetpainter.h"
 #include "vek0paint/svgclips.h"
-#include "vek0paint/svgpath.h"
+#include "vek0paint/svgwriter.h"
 
 namespace vek0::paint {
 
@@ -47,14 +47,11 @@ class SvgPainter final : public SheetPainter {
     std::string layer;  // UTF-8
     RGB_COLOR color;    // of its first element, like the next
     double width;
-    std::string body = {};
     int clip = 0;                  // the innermost one that its end is in
     std::string leavesClips = {};  // the tags that leave it and those around
   };
 
   void writeHead(const SHEET& sheet);
-  void write(std::string_view text);
-  void writeOut();
   void flushGroups();
   Group& groupOfItem();
   std::string groupId(const std::string& layer);
@@ -62,30 +59,28 @@ class SvgPainter final : public SheetPainter {
   std::string nextHandleId();
 
   void reach(const RECT_2D& box, bool isFill);
+  void startElement(std::string_view name);
   template <class... Parts>
   void addElement(std::string_view name, const Parts&... rest);
   void startPath(bool fills);
   void endPath();
-  static void addRing(SvgPath& path, const PNT_2D* points, std::size_t count, bool reversed);
   void endEntity();
-  void enterClips();
+  void enterGroup();
   std::string strokeAttribute();
   std::string fillAttribute() const;
   static std::string widthAttribute(double width);
   std::string opacityAttribute(const char* of) const;
   std::string textAttributes(const DrawText& text, const OutlineFont& font) const;
 
-  IFile& m_file;
+  SvgWriter m_writer;
   Texts m_texts;
   const double m_lineWidth;  // of items without a width
-  bool m_good = true;
-  std::string m_out;  // not written yet
 
   CoverGrid m_cover;
   std::vector<Group> m_groups;                             // not written yet, in their order
   std::unordered_map<std::string, std::size_t> m_groupOf;  // by the layer
   std::unordered_map<std::string, int> m_groupIds;         // last number appended to each
-  std::size_t m_buffered = 0;                              // bytes in the groups
+  std::size_t m_flushed = 0;                               // size recorded when last flushed
   std::unordered_map<vek0::Handle, int> m_handles;         // how many ids each has
 
   // Set by `begin`.
@@ -98,13 +93,11 @@ class SvgPainter final : public SheetPainter {
   static constexpr std::size_t kNoGroup = static_cast<std::size_t>(-1);
   std::size_t m_group = kNoGroup;  // of the layer, once it has drawn something
 
-  // The current entity: its finished elements, the position for the id of the first one, and the
-  // strokes or fills merged into one path.
-  std::string m_elements;
+  // The current entity: how many elements it has, and the places for the tag of their group and the
+  // id of the first one.
   int m_elementCount = 0;
-  std::size_t m_idAt = 0;
-  SvgPath m_path;
-  bool m_pathFills = false;
+  std::size_t m_groupPlace = 0, m_idPlace = 0;
+  bool m_isPathOpen = false, m_pathFills = false;
 
   SvgClips m_clips;  // around what is drawn
 };
