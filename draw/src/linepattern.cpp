@@ -54,16 +54,20 @@ class Walk {
     return std::atan2(q.y - p.y, q.x - p.x);
   }
 
+  // Whether the path is straight and thin from one distance to a later one; then its ends.
+  bool line(const Stretch& s, PNT_3D& from, PNT_3D& to) {
+    advance(s.from);
+    if (!m_isThin || s.to > m_at[m_next]) return false;
+    const PNT_3D &p = m_way.points[m_next - 1].pnt, &q = m_way.points[m_next].pnt;
+    from = between(p, q, share(s.from));
+    to = between(p, q, share(s.to));
+    return true;
+  }
+
   // The path from one distance to a later one, including its vertices.
   void piece(const Stretch& s, std::vector<WIDE_VERTEX>& points) {
     points.clear();
     advance(s.from);
-    if (m_isThin && s.to <= m_at[m_next]) {
-      points.push_back({point(s.from), 0, 0});
-      points.push_back(
-          {between(m_way.points[m_next - 1].pnt, m_way.points[m_next].pnt, share(s.to)), 0, 0});
-      return;
-    }
     double at = s.from;
     while (m_next + 1 < m_at.size() && m_at[m_next] < s.to) {
       points.push_back({point(at), width(at), width(m_at[m_next])});
@@ -130,7 +134,10 @@ void layStretch(const CLtypeComplexDashSeq& dashes, double scale, Walk& walk,
     from += stretch.from;
     to += stretch.from;
     const double value = dash.GetValue();
-    if (value > 0) {
+    PNT_3D start, end;
+    if (value > 0 && walk.line({from, to}, start, end)) {
+      sink.line(start, end);
+    } else if (value > 0) {
       walk.piece({from, to}, piece);
       sink.dash(piece);
     } else if (dash.IsText()) {

@@ -21,7 +21,8 @@ class IPatternSink {
   virtual bool stretch(const std::vector<WIDE_VERTEX>& points, double distance, double length) = 0;
   /// In the coordinates of the path, with its widths there.
   virtual void dash(const std::vector<WIDE_VERTEX>& points) = 0;
-  virtual void dot(const PNT_3D& at) = 0;  ///< in the same coordinates
+  virtual void line(const PNT_3D& from, const PNT_3D& to) = 0;  ///< a dash of no width
+  virtual void dot(const PNT_3D& at) = 0;                       ///< in the same coordinates
   /// A text of the pattern, placed in the drawing.
   virtual void text(const TEXT_3D& text) = 0;
   /// Whether it accepts no more.

@@ -233,16 +233,15 @@ void Walker::strokeWay(bool closed) {
   m_out.endUnfolding();
 }
 
-// Most dashes are straight and thin. Handing them over one by one takes longer than finding them.
-void Walker::dash(const std::vector<WIDE_VERTEX>& points) {
+// Handing lines over one by one takes longer than finding them.
+void Walker::line(const PNT_3D& from, const PNT_3D& to) {
   constexpr std::size_t kMostPoints = 4096;
-  const bool isThin = m_options.middleLines || !isWide(points.front());
-  if (points.size() == 2 && isThin) {
-    m_straight.push_back(m_place.apply(points[0].pnt));
-    m_straight.push_back(m_place.apply(points[1].pnt));
-    if (m_straight.size() >= kMostPoints) emitDashes();
-    return;
-  }
+  m_straight.push_back(m_place.apply(from));
+  m_straight.push_back(m_place.apply(to));
+  if (m_straight.size() >= kMostPoints) emitDashes();
+}
+
+void Walker::dash(const std::vector<WIDE_VERTEX>& points) {
   emitDashes();
   drawChain(points, false);
 }

@@ -135,6 +135,7 @@ class Walker final : public IEntVisitor, private IPatternSink {
   bool hasStretches() const override { return !m_dashes.lengths.empty(); }
   bool stretch(const std::vector<WIDE_VERTEX>& points, double distance, double length) override;
   void dash(const std::vector<WIDE_VERTEX>& points) override;
+  void line(const PNT_3D& from, const PNT_3D& to) override;
   void emitDashes();
   void dot(const PNT_3D& at) override;
   void text(const TEXT_3D& element) override;
