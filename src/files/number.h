@@ -41,7 +41,7 @@ VEK0_API std::uint64_t parseHex(std::u16string_view text);
 
 // Buffer sizes that the formatting functions need at `out`; none writes a terminator.
 inline constexpr std::size_t kFixedRoom = 320;    ///< formatFixed
-inline constexpr std::size_t kShortestRoom = 32;  ///< formatShortest
+inline constexpr std::size_t kShortestRoom = 36;  ///< formatShortest
 inline constexpr std::size_t kIntegerRoom = 20;   ///< formatInteger and formatHex
 
 /// Writes `value` with six decimals like "%.6f" of the C library: rounded half to even from its

@@ -15,6 +15,7 @@
 #include "dxf/out/savedsheet.h"
 #include "dxf/out/savefilter.h"
 #include "dxf/out/savehandles.h"
+#include "files/threads.h"
 #include "vek0core/drawing/data.h"
 #include "vek0core/drawing/functions.h"
 #include "vek0core/dxf/out/filedxfoblockwriter.h"
@@ -173,6 +174,10 @@ CFileDXFOSaver::CFileDXFOSaver(const CData& data, IFile& file, unsigned flags, C
 }
 
 CFileDXFOSaver::~CFileDXFOSaver() = default;
+
+void CFileDXFOSaver::setThreads(int threads) {
+  m_writer.setThreads(vek0::detail::allowsThread(threads));
+}
 
 bool CFileDXFOSaver::save() {
   if (!m_file.open()) return false;

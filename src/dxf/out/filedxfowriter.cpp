@@ -3,54 +3,31 @@
 // and everything else takes the general way through an encoder.
 #include "vek0core/dxf/out/filedxfowriter.h"
 
-#include "files/surrogates.h"
-
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 #include <new>
 #include <string>
+#include <utility>
 
-#include "files/number.h"
+#include "dxf/out/pairtape.h"
+#include "files/surrogates.h"
 #include "vek0core/files/file.h"
 #include "vek0core/files/report.h"
 #include "vek0core/files/textcodec.h"
 
 namespace {
 
-using vek0::detail::formatFixed;
-using vek0::detail::formatHex;
-using vek0::detail::formatInteger;
-using vek0::detail::formatShortest;
-using vek0::detail::kFixedRoom;
-using vek0::detail::kIntegerRoom;
+using vek0::detail::GroupPair;
+using vek0::detail::kGroupRoom;
+using vek0::detail::kValueRoom;
+using vek0::detail::PairTape;
 
 constexpr std::size_t kBufferSize = std::size_t{64} * 1024;
 // Readers accept lines of 8192 units including line end and terminator.
 constexpr std::size_t kLongestValue = 8190;
-static_assert(kLongestValue + 1 <= kBufferSize && kFixedRoom + 1 <= kBufferSize);
-
-using GroupLine = std::array<char, 3>;
-
-constexpr char digit(int value) { return static_cast<char>('0' + value); }
-
-constexpr GroupLine groupLine(int code) {
-  return {code < 100 ? ' ' : digit(code / 100), code < 10 ? ' ' : digit(code / 10 % 10),
-          digit(code % 10)};
-}
-
-constexpr int kShortGroups = 1000;
-
-// These are a third of the lines of a file.
-constexpr auto kGroupLines = [] {
-  std::array<GroupLine, kShortGroups> lines{};
-  for (int code = 0; code < kShortGroups; ++code)
-    lines[static_cast<std::size_t>(code)] = groupLine(code);
-  return lines;
-}();
+static_assert(kLongestValue + 1 <= kBufferSize && kValueRoom + 1 <= kBufferSize);
 
 // Whether `encodeText` would copy the text unchanged.
 bool isPlain(std::u16string_view text) {
@@ -72,17 +49,32 @@ CFileDXFOWriter::~CFileDXFOWriter() {
   }
 }
 
+void CFileDXFOWriter::setThreads(bool allowed) {
+  flush();
+  m_tape = allowed ? std::make_unique<PairTape>() : nullptr;
+}
+
 void CFileDXFOWriter::writeGroup(long code) {
-  if (code < 0 || code >= kShortGroups) return endLine(formatInteger(room(kIntegerRoom), code));
-  const GroupLine& line = kGroupLines[static_cast<std::size_t>(code)];
-  char* const out = room(line.size());
-  std::memcpy(out, line.data(), line.size());
-  endLine(out + line.size());
+  if (m_tape) flush();
+  endLine(vek0::detail::formatGroup(room(kGroupRoom), code));
+}
+
+void CFileDXFOWriter::put(const GroupPair& pair) {
+  if (m_tape) {
+    m_tape->add(pair);
+    return turn();
+  }
+  writeGroup(pair.code);
+  endLine(vek0::detail::formatValue(room(kValueRoom), pair));
+}
+
+// Writes what another thread has formatted, if it is worth it.
+void CFileDXFOWriter::turn() {
+  if (m_tape->isFull()) writeBytes(m_tape->turn());
 }
 
 void CFileDXFOWriter::write(long code, long value) {
-  writeGroup(code);
-  endLine(formatInteger(room(kIntegerRoom), value));
+  put({{.integer = value}, static_cast<std::int32_t>(code), GroupPair::Kind::Integer});
 }
 
 void CFileDXFOWriter::write(long code, bool value) { write(code, value ? 1L : 0L); }
@@ -90,9 +82,9 @@ void CFileDXFOWriter::write(long code, bool value) { write(code, value ? 1L : 0L
 void CFileDXFOWriter::write(long code, double value) {
   if (m_report && !std::isfinite(value))
     m_report->add(ReportCode::NumberNotFinite, 0, zim::WString::fromUtf8(std::to_string(code)));
-  writeGroup(code);
-  char* out = room(kFixedRoom);
-  endLine(m_exact ? formatShortest(out, value) : formatFixed(out, value));
+  put({{.number = value},
+       static_cast<std::int32_t>(code),
+       m_exact ? GroupPair::Kind::Shortest : GroupPair::Kind::Fixed});
 }
 
 void CFileDXFOWriter::write(long code, const zim::Char* text) {
@@ -101,14 +93,21 @@ void CFileDXFOWriter::write(long code, const zim::Char* text) {
 
 void CFileDXFOWriter::writeText(long code, std::u16string_view text) {
   if (text.size() > kLongestValue || !isPlain(text)) return writeEncoded(code, encoded(text));
+  const auto narrow = [&text](char* out) {
+    return std::transform(text.begin(), text.end(), out,
+                          [](zim::Char c) { return static_cast<char>(c); });
+  };
+  if (m_tape) {
+    m_text.resize(text.size());
+    narrow(m_text.data());
+    return writeEncoded(code, m_text);
+  }
   writeGroup(code);
-  endLine(std::transform(text.begin(), text.end(), room(text.size()),
-                         [](zim::Char c) { return static_cast<char>(c); }));
+  endLine(narrow(room(text.size())));
 }
 
 void CFileDXFOWriter::writeHex(long code, vek0::Handle value) {
-  writeGroup(code);
-  endLine(formatHex(room(kIntegerRoom), hexBits(value)));
+  put({{.bits = hexBits(value)}, static_cast<std::int32_t>(code), GroupPair::Kind::Hex});
 }
 
 std::uint64_t CFileDXFOWriter::hexBits(vek0::Handle value) {
@@ -117,15 +116,27 @@ std::uint64_t CFileDXFOWriter::hexBits(vek0::Handle value) {
 }
 
 void CFileDXFOWriter::writeEncoded(long code, std::string_view value) {
+  if (m_tape) {
+    m_tape->add(code, value);
+    return turn();
+  }
   writeGroup(code);
   endLine(std::copy(value.begin(), value.end(), room(value.size())));
 }
 
 bool CFileDXFOWriter::flush() {
-  if (!m_failed && m_used > 0)
-    m_failed = !m_file.writeBytes(m_buffer.get(), static_cast<long>(m_used));
-  m_used = 0;
+  writeBytes({m_buffer.get(), std::exchange(m_used, 0)});
+  // The first turn returns what is being formatted, the second one the rest.
+  for (int turns = m_tape ? 2 : 0; turns > 0; --turns) writeBytes(m_tape->turn());
   return !m_failed;
+}
+
+void CFileDXFOWriter::writeBytes(std::string_view bytes) {
+  while (!m_failed && !bytes.empty()) {
+    const std::size_t size = std::min(bytes.size(), kBufferSize);
+    m_failed = !m_file.writeBytes(bytes.data(), static_cast<long>(size));
+    bytes.remove_prefix(size);
+  }
 }
 
 // The text as one value. If it is too long, it is cut: estimates of what fits are tried until one

@@ -8,9 +8,11 @@ bool SaveDXF(const CData& data, IFile& file, unsigned flags) {
   return SaveDXF(data, file, flags, nullptr);
 }
 
-bool SaveDXF(const CData& data, IFile& file, unsigned flags, CFileReport* report) {
+bool SaveDXF(const CData& data, IFile& file, unsigned flags, CFileReport* report, int threads) {
   try {
-    return CFileDXFOSaver(data, file, flags, report).save();
+    CFileDXFOSaver saver(data, file, flags, report);
+    saver.setThreads(threads);
+    return saver.save();
   } catch (const std::bad_alloc&) {
     return false;
   }

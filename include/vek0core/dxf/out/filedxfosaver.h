@@ -28,6 +28,9 @@ class VEK0_API CFileDXFOSaver {
   CFileDXFOSaver& operator=(const CFileDXFOSaver&) = delete;
   virtual ~CFileDXFOSaver();
 
+  /// The threads that `save` may use, as for `SaveDXF`; initially 1.
+  void setThreads(int threads);
+
   /// Opens the file, writes the sections and closes it. False if the file cannot be opened, a write
   /// failed, memory ran out, or the blocks form a cycle. Call once.
   bool save();

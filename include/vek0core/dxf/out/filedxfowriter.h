@@ -14,6 +14,11 @@ class CFileReport;
 class CTextEncoder;
 class IFile;
 
+namespace vek0::detail {
+struct GroupPair;
+class PairTape;
+}  // namespace vek0::detail
+
 /// Formats DXF group pairs, two lines each, and writes them to a file.
 ///
 /// Every line is written immediately unless `setBuffered` enables buffering. A failed write is
@@ -62,6 +67,10 @@ class VEK0_API CFileDXFOWriter {
   /// Whether to collect output in a buffer of 64 KiB, which is several times faster; off by
   /// default. If on, call `flush` before closing the file.
   void setBuffered(bool buffered) { m_buffered = buffered; }
+  /// Whether another thread may format numbers, beyond the first 32,000 pairs; off by
+  /// default. If on, output is buffered, in some megabytes. `IFile` is called by the calling thread
+  /// alone, and the bytes are the same.
+  void setThreads(bool allowed);
   /// Writes the buffer to the file. False if this or an earlier write failed.
   bool flush();
   /// Whether a write failed.
@@ -72,6 +81,9 @@ class VEK0_API CFileDXFOWriter {
   void writeGroup(long code);
 
  private:
+  void put(const vek0::detail::GroupPair& pair);
+  void turn();
+  void writeBytes(std::string_view bytes);
   char* room(std::size_t bytes);
   void endLine(char* end);
   std::string_view encoded(std::u16string_view text);
@@ -79,6 +91,7 @@ class VEK0_API CFileDXFOWriter {
   IFile& m_file;
   std::unique_ptr<char[]> m_buffer;
   std::size_t m_used = 0;
+  std::unique_ptr<vek0::detail::PairTape> m_tape;  // null if this thread formats
   std::string m_text;  // the text being encoded; a member to reuse its capacity
   const CTextEncoder* m_encoder = nullptr;
   CFileReport* m_report = nullptr;

@@ -5,7 +5,6 @@
 #include "vek0core/dxf/in/parse/filedxfiparser.h"
 
 #include <new>
-#include <thread>
 
 #include "dxf/in/parse/blockssection.h"
 #include "dxf/in/parse/draworder.h"
@@ -16,17 +15,9 @@
 #include "dxf/in/parse/sheets.h"
 #include "dxf/in/parse/tablessection.h"
 #include "dxf/sheetplot.h"
+#include "files/threads.h"
 #include "vek0core/files/file.h"
 #include "vek0core/files/textcodec.h"
-
-namespace {
-
-bool mayUseThreads(const CFileDXFIOptions& options) {
-  if (options.threads == 0) return std::thread::hardware_concurrency() > 1;
-  return options.threads > 1;
-}
-
-}  // namespace
 
 /// The readers of the sections, which the parser calls in the order of the file.
 struct CFileDXFIParser::Sections {
@@ -61,7 +52,7 @@ CFileDXFIParser::CFileDXFIParser(IFile& file, IFileDXFISemantor& semantor, CEntF
   m_lexer.setReport(options.report);
   m_lexer.refuseJunk();
   if (options.policy.tolerant) m_lexer.setTolerant();
-  if (mayUseThreads(options)) m_lexer.splitAhead();
+  if (vek0::detail::allowsThread(options.threads)) m_lexer.splitAhead();
   if (options.codePage != kCodePageAuto) m_lexer.fixCodePage(options.codePage);
 }
 

@@ -8,6 +8,7 @@
 #include "dxf/out/modern/filesections.h"
 #include "dxf/out/modern/fixedpairs.h"
 #include "dxf/out/modern/layoutobjects.h"
+#include "files/threads.h"
 #include "vek0core/entities/blocks/block.h"
 #include "vek0core/entities/blocks/blockxref.h"
 #include "vek0core/files/file.h"
@@ -26,9 +27,10 @@ struct BlockHead {
 
 class ModernSaver {
  public:
-  ModernSaver(FilePlan& plan, IFile& file)
+  ModernSaver(FilePlan& plan, IFile& file, int threads)
       : m_plan(plan), m_file(file), m_out(file), m_records(plan, m_out) {
     m_out.setBuffered(true);
+    m_out.setThreads(allowsThread(threads));
     m_out.setExact(true);
     m_out.setEncoder(&plan.encoder);
     m_out.setReport(plan.report);
@@ -144,7 +146,7 @@ void ModernSaver::writeContent(const SavedSpace& space) {
 bool savePlanned(const CData& data, IFile& file, const CFileDXFOOptions& options) {
   FilePlan plan(data, *rulesOf(options.version), (options.flags & kSaveSelectedOnly) != 0,
                 options.report);
-  if (!plan.isCyclic) return ModernSaver(plan, file).save();
+  if (!plan.isCyclic) return ModernSaver(plan, file, options.threads).save();
   plan.note(ReportCode::BlocksInACircle, {});
   return false;
 }
@@ -169,5 +171,5 @@ bool saveModern(const CData& data, IFile& file, const CFileDXFOOptions& options)
 
 bool SaveDXF(const CData& data, IFile& file, const CFileDXFOOptions& options) {
   if (options.version != DxfVersion::R12) return vek0::detail::saveModern(data, file, options);
-  return SaveDXF(data, file, options.flags, options.report);
+  return SaveDXF(data, file, options.flags, options.report, options.threads);
 }
