@@ -255,7 +255,7 @@ void putEightDigits(char* out, std::uint32_t value) {
   putPair(out + 6, low % 100);
 }
 
-// Below `kEightDigits`, without leading zeros. May write eight characters.
+// Below `kEightDigits`, without leading zeros.
 char* putShort(char* out, std::uint32_t value) {
   if (value < 10) return *out = static_cast<char>('0' + value), out + 1;
   char digits[8];
@@ -265,7 +265,7 @@ char* putShort(char* out, std::uint32_t value) {
   return std::copy<const char*>(first, digits + sizeof digits, out);
 }
 
-// Twice as fast as `std::to_chars`, which divides once for two digits.
+// Divides once for eight digits, where `std::to_chars` does for two.
 char* putWhole(char* out, std::uint64_t value) {
   if (value < kEightDigits) return putShort(out, static_cast<std::uint32_t>(value));
   out = putWhole(out, value / kEightDigits);
