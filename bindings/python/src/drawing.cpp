@@ -124,6 +124,9 @@ Drawing::Busy::Busy(Drawing& drawing) : m_drawing(drawing) {
 
 Entity Drawing::refer(CEnt& ent) {
   const std::lock_guard lock(m_refsLock);
+  for (EntityCursor* cursor : m_cursors)
+    for (EntityRef* reused : cursor->m_reused)
+      if (reused && reused->m_ent == &ent) cursor->keep(*reused);
   EntityRef*& ref = m_refs[&ent];
   // An object of a deleted entity may have had the same address.
   if (ref && ref->m_handle == ent.GetHandle())
@@ -131,25 +134,6 @@ Entity Drawing::refer(CEnt& ent) {
   auto made = std::make_shared<EntityRef>(shared_from_this(), ent);
   m_refs[&ent] = made.get();
   return made;
-}
-
-bool Drawing::reuse(EntityRef& ref, CEnt& ent) {
-  const std::lock_guard lock(m_refsLock);
-  const auto at = m_refs.find(ref.m_ent);
-  if (ref.weak_from_this().use_count() != 1 || at == m_refs.end() || at->second != &ref)
-    return false;
-  auto node = m_refs.extract(at);
-  node.key() = &ent;
-  auto inserted = m_refs.insert(std::move(node));
-  if (!inserted.inserted) {
-    inserted.node.key() = ref.m_ent;
-    m_refs.insert(std::move(inserted.node));
-    return false;
-  }
-  ref.m_ent = &ent;
-  ref.m_handle = ent.GetHandle();
-  ref.m_isAlive = true;
-  return true;
 }
 
 void Drawing::settleCursors() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -37,6 +38,7 @@ class EntityRef : public std::enable_shared_from_this<EntityRef> {
 
  private:
   friend class Drawing;
+  friend class EntityCursor;
 
   std::shared_ptr<Drawing> m_drawing;
   CEnt* m_ent;  // only valid while alive; the undo stack keeps it during an open step
@@ -58,16 +60,25 @@ class EntityCursor {
   /// The next entity, by its object or as `ent`; neither at the end. Throws `Fault` if the drawing
   /// is closed or in use.
   Entity next(CEnt*& ent);
+  /// Makes an object that nobody else uses stand for another entity. False, and nothing done, if
+  /// that is not possible, such as when the entity has an object.
+  bool reuse(EntityRef& ref, CEnt& ent);
+  /// Ends the reuse of an object.
+  void keep(EntityRef& ref);
   Drawing& drawing() const { return *m_drawing; }
 
  private:
   friend class Drawing;
   void settle();
+  void keepAll();
 
   std::shared_ptr<Drawing> m_drawing;
   std::vector<CEnt*> m_ents;
   std::vector<Entity> m_settled;
   std::size_t m_next = 0;
+  // The objects that are used again and again: looking them up among those of the drawing, and
+  // moving them there, would take as long as all the rest of a step.
+  std::array<EntityRef*, 2> m_reused{};
 };
 
 /// A drawing with its source, its undo stack, and what Python holds of it.
@@ -99,8 +110,6 @@ class Drawing final : public std::enable_shared_from_this<Drawing>, private IUnd
   /// The Python object of the entity: the same one while it exists.
   Entity refer(CEnt& ent);
   std::vector<Entity> refer(const std::vector<CEnt*>& ents);
-  /// Makes an object that nobody else holds that of another entity, unless that has one already.
-  bool reuse(EntityRef& ref, CEnt& ent);
   /// Null if there is none.
   CEnt* find(Handle handle) const;
   /// Throws `std::invalid_argument` for an entity of another drawing.

@@ -1,5 +1,6 @@
 // Reading the common properties of entities in loops: descriptors and an iterator in Python's own
 // C interface, which take a fraction of the time of calls through pybind11.
+#include <algorithm>
 #include <array>
 
 #include "entity.h"
@@ -134,7 +135,8 @@ PyObject* nextObject(Iterator& it) {
   if (!ent) return stop(it), nullptr;
   PyObject*& object = it.objects[it.turn];
   it.turn = 1 - it.turn;
-  if (!object || !isUnused(object) || !it.cursor->drawing().reuse(*refOf(object), *ent)) {
+  if (!object || !isUnused(object) || !it.cursor->reuse(*refOf(object), *ent)) {
+    if (object) it.cursor->keep(*refOf(object));
     PyObject* made = py::cast(it.cursor->drawing().refer(*ent)).release().ptr();
     Py_XDECREF(std::exchange(object, made));
   }
@@ -208,6 +210,7 @@ EntityCursor::EntityCursor(std::shared_ptr<Drawing> drawing, std::vector<CEnt*> 
 EntityCursor::~EntityCursor() {
   const std::lock_guard lock(m_drawing->m_refsLock);
   std::erase(m_drawing->m_cursors, this);
+  keepAll();
 }
 
 Entity EntityCursor::next(CEnt*& ent) {
@@ -217,7 +220,41 @@ Entity EntityCursor::next(CEnt*& ent) {
   return {};
 }
 
+bool EntityCursor::reuse(EntityRef& ref, CEnt& ent) {
+  const std::lock_guard lock(m_drawing->m_refsLock);
+  auto& refs = m_drawing->m_refs;
+  if (ref.weak_from_this().use_count() != 1 || refs.contains(&ent)) return false;
+  for (const EntityCursor* other : m_drawing->m_cursors)
+    for (const EntityRef* reused : other->m_reused)
+      if (reused && reused->m_ent == &ent) return false;
+  if (std::find(m_reused.begin(), m_reused.end(), &ref) == m_reused.end()) {
+    const auto free = std::find(m_reused.begin(), m_reused.end(), nullptr);
+    const auto at = refs.find(ref.m_ent);
+    if (free == m_reused.end() || at == refs.end() || at->second != &ref) return false;
+    refs.erase(at);
+    *free = &ref;
+  }
+  ref.m_ent = &ent;
+  ref.m_handle = ent.GetHandle();
+  ref.m_isAlive = true;
+  return true;
+}
+
+void EntityCursor::keep(EntityRef& ref) {
+  const std::lock_guard lock(m_drawing->m_refsLock);
+  const auto at = std::find(m_reused.begin(), m_reused.end(), &ref);
+  if (at == m_reused.end()) return;
+  m_drawing->m_refs[ref.m_ent] = &ref;
+  *at = nullptr;
+}
+
+void EntityCursor::keepAll() {
+  for (EntityRef* ref : m_reused)
+    if (ref) keep(*ref);
+}
+
 void EntityCursor::settle() {
+  keepAll();
   m_ents.erase(m_ents.begin(), m_ents.begin() + static_cast<std::ptrdiff_t>(m_next));
   m_settled = m_drawing->refer(m_ents);
   m_ents.clear();

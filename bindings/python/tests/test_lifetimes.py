@@ -145,6 +145,10 @@ def test_iteration_shares_no_object_that_is_held():
                 weak[handle] = weakref.ref(e)
             if choose.random() < 0.5:
                 next(inner, None)
+        for e in doc.modelspace:
+            if choose.random() < 0.1:
+                break
+        assert doc[e.handle] is e
         for handle in choose.sample(sorted(held), len(held) // 2):
             del held[handle]
         for handle, ref in weak.items():
